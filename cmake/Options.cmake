@@ -1,0 +1,51 @@
+# Compiler flags that every target of ours shares, behind one interface target, `ombrelune_flags`.
+
+option(OMBRELUNE_LTO "Link-time optimisation" OFF)
+option(OMBRELUNE_FUZZ "Build the libFuzzer entry points (needs Clang)" OFF)
+set(OMBRELUNE_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+find_program(OMBRELUNE_CCACHE ccache)
+if(OMBRELUNE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_C_COMPILER_LAUNCHER ${OMBRELUNE_CCACHE})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${OMBRELUNE_CCACHE})
+endif()
+
+add_library(ombrelune_flags INTERFACE)
+target_include_directories(ombrelune_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(ombrelune_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
+# A debug build checks that locks are taken in the order of their ranks.
+target_compile_definitions(ombrelune_flags INTERFACE
+    $<$<OR:$<CONFIG:Debug>,$<BOOL:${OMBRELUNE_SANITIZE}>>:OMBRELUNE_CHECK_LOCK_RANKS>)
+
+if(OMBRELUNE_LTO)
+    include(CheckIPOSupported)
+    check_ipo_supported()
+    set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # Two link jobs; more only queue on a small machine.
+        add_link_options(-flto=2)
+    endif()
+endif()
+
+if(OMBRELUNE_SANITIZE)
+    add_compile_options(-fsanitize=${OMBRELUNE_SANITIZE} -fno-sanitize-recover=all
+        -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${OMBRELUNE_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND OMBRELUNE_SANITIZE MATCHES "thread")
+        # The standard library's own fences are seen by the sanitizer through its atomics.
+        add_compile_options(-Wno-tsan)
+    endif()
+endif()
+
+if(OMBRELUNE_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+        message(FATAL_ERROR "the fuzz entry points need Clang: cmake --preset fuzz")
+    endif()
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -1,0 +1,1 @@
+#include "audio/band_splitter.h"

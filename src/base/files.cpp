@@ -1,0 +1,221 @@
+#include "base/files.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <system_error>
+
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path gHome = ".";
+
+struct FILE_CLOSER {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FilePointer = std::unique_ptr<std::FILE, FILE_CLOSER>;
+
+std::string Describe(const fs::path& path, const char* what, int code) {
+    return path.string() + ": " + what + ": " + std::generic_category().message(code);
+}
+
+FilePointer OpenFile(const fs::path& path, const char* mode) {
+#ifdef _WIN32
+    return FilePointer(_wfopen(path.c_str(), std::wstring(mode, mode + std::strlen(mode)).c_str()));
+#else
+    return FilePointer(std::fopen(path.c_str(), mode));
+#endif
+}
+
+bool FlushToDisk(std::FILE* file) {
+    if (std::fflush(file) != 0) {
+        return false;
+    }
+#ifdef _WIN32
+    return _commit(_fileno(file)) == 0;
+#else
+    return fsync(fileno(file)) == 0;
+#endif
+}
+
+// Makes a rename last through a power cut. Failure here costs nothing that was there before.
+void FlushFolder([[maybe_unused]] const fs::path& folder) {
+#ifndef _WIN32
+    const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        fsync(descriptor);
+        close(descriptor);
+    }
+#endif
+}
+
+// A name no other writer of this or another process uses at the same time.
+fs::path TemporaryBeside(const fs::path& path) {
+    static std::atomic<unsigned> serial{0};
+#ifdef _WIN32
+    const long process = _getpid();
+#else
+    const long process = getpid();
+#endif
+    fs::path name = path;
+    name += ".tmp-" + std::to_string(process) + "-" + std::to_string(serial.fetch_add(1));
+    return name;
+}
+
+bool FolderIsWritable(const fs::path& folder) {
+    const fs::path probe = TemporaryBeside(folder / "probe");
+    const bool writable = OpenFile(probe, "wb") != nullptr;
+    std::error_code ignored;
+    fs::remove(probe, ignored);
+    return writable;
+}
+
+} // namespace
+
+void SetHomeFolder(const fs::path& folder) {
+    gHome = folder;
+}
+
+const fs::path& HomeFolder() {
+    return gHome;
+}
+
+fs::path FindHomeFolder(const fs::path& executableFolder) {
+    std::error_code ignored;
+    const bool claimed = fs::exists(executableFolder / "config.xml", ignored) ||
+                         fs::exists(executableFolder / "portable", ignored);
+    if (claimed && FolderIsWritable(executableFolder)) {
+        return executableFolder;
+    }
+    if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data != '\0') {
+        return fs::path(data) / "ombrelune";
+    }
+    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
+        return fs::path(home) / ".local" / "share" / "ombrelune";
+    }
+    return executableFolder;
+}
+
+fs::path ResolvePath(std::string_view path) {
+    std::string text(path);
+    const bool fromHome = text.starts_with(".\\");
+    const bool fromRoot = text.starts_with("\\");
+    if (!fromHome && !fromRoot) {
+        return {text};
+    }
+    text.erase(0, fromHome ? 2 : 1);
+    for (char& c : text) {
+        c = c == '\\' ? '/' : c;
+    }
+    return (HomeFolder() / text).lexically_normal();
+}
+
+std::string FileNameFromTitle(std::string_view title) {
+    constexpr std::string_view kForbidden = "<>:\"/\\|?*";
+    std::string name(title);
+    for (char& c : name) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7F || kForbidden.find(c) != std::string_view::npos) {
+            c = '_';
+        }
+    }
+    // "." and ".." are folders, and a name that ends in a dot or space is not portable.
+    for (size_t i = name.size(); i > 0 && (name[i - 1] == '.' || name[i - 1] == ' '); --i) {
+        name[i - 1] = '_';
+    }
+    return name;
+}
+
+bool ReadFile(const fs::path& path, std::vector<uint8_t>& bytes, std::string& error,
+              uint64_t limit) {
+    bytes.clear();
+    std::error_code code;
+    if (fs::is_directory(path, code)) {
+        error = path.string() + ": is a folder";
+        return false;
+    }
+    const FilePointer file = OpenFile(path, "rb");
+    if (!file) {
+        error = Describe(path, "cannot be opened", errno);
+        return false;
+    }
+    // Read in pieces: the size that the folder states may be wrong, for a pipe or a growing file.
+    constexpr size_t kPiece = size_t{1} << 16;
+    const uint64_t stated = fs::file_size(path, code);
+    if (!code && stated > limit) {
+        error = path.string() + ": is larger than " + std::to_string(limit) + " bytes";
+        return false;
+    }
+    if (!code) {
+        bytes.reserve(static_cast<size_t>(stated));
+    }
+    while (true) {
+        const size_t before = bytes.size();
+        bytes.resize(before + kPiece);
+        const size_t count = std::fread(bytes.data() + before, 1, kPiece, file.get());
+        bytes.resize(before + count);
+        if (bytes.size() > limit) {
+            error = path.string() + ": is larger than " + std::to_string(limit) + " bytes";
+            bytes.clear();
+            return false;
+        }
+        if (count < kPiece) {
+            break;
+        }
+    }
+    if (std::ferror(file.get()) != 0) {
+        error = Describe(path, "cannot be read", errno);
+        bytes.clear();
+        return false;
+    }
+    return true;
+}
+
+bool WriteFile(const fs::path& path, std::span<const uint8_t> bytes, std::string& error) {
+    std::error_code code;
+    const fs::path folder = path.parent_path();
+    if (!folder.empty() && !fs::is_directory(folder, code)) {
+        fs::create_directories(folder, code);
+        if (code) {
+            error = folder.string() + ": folder cannot be made: " + code.message();
+            return false;
+        }
+    }
+    const fs::path temporary = TemporaryBeside(path);
+    FilePointer file = OpenFile(temporary, "wbx");
+    if (!file) {
+        error = Describe(path, "cannot be written", errno);
+        return false;
+    }
+    errno = 0;
+    const bool written =
+        std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size() &&
+        FlushToDisk(file.get());
+    const int cause = errno;
+    const bool closed = std::fclose(file.release()) == 0;
+    if (!written || !closed) {
+        error = Describe(path, "cannot be written", written ? errno : cause);
+        fs::remove(temporary, code);
+        return false;
+    }
+    fs::rename(temporary, path, code);
+    if (code) {
+        error = path.string() + ": cannot be replaced: " + code.message();
+        std::error_code ignored;
+        fs::remove(temporary, ignored);
+        return false;
+    }
+    FlushFolder(folder);
+    return true;
+}

@@ -1,0 +1,43 @@
+// Whole files in and out, and the program's notation for paths.
+//
+// Paths inside the program are UTF-8 text with backslashes. One that begins `.\` lies in the home
+// folder; one that begins `\` lies at the root of the drive that the home folder stands for, which is
+// the home folder itself, as the platforms the program runs on have no drives. Any other is the
+// platform's own.
+//
+// Failure: every function reports by its result and fills `error` with one line that names the file
+// and the cause. Nothing throws.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The home folder holds settings, saves and games. It is set once, before any other thread runs.
+void SetHomeFolder(const std::filesystem::path& folder);
+[[nodiscard]] const std::filesystem::path& HomeFolder();
+
+// Chooses the home folder: the folder of the executable when it is writable and holds `config.xml` or
+// a file named `portable`, otherwise $XDG_DATA_HOME/ombrelune (~/.local/share/ombrelune without that).
+[[nodiscard]] std::filesystem::path
+FindHomeFolder(const std::filesystem::path& executableFolder);
+
+// A path in the program's notation as one of the platform.
+[[nodiscard]] std::filesystem::path ResolvePath(std::string_view path);
+
+// Puts '_' for every character that some platform does not allow in a file name, so that a title can
+// name a file and can never name a folder.
+[[nodiscard]] std::string FileNameFromTitle(std::string_view title);
+
+// Reads a file whole. A file over `limit` bytes is refused before anything is allocated.
+[[nodiscard]] bool ReadFile(const std::filesystem::path& path, std::vector<uint8_t>& bytes,
+                            std::string& error, uint64_t limit = uint64_t{1} << 30);
+
+// Writes a file so that at every moment either the old one or the whole new one is there: into a
+// temporary beside it, flushed to the disk, renamed over. Missing folders are made. On failure the
+// old file is untouched and the temporary is gone.
+[[nodiscard]] bool WriteFile(const std::filesystem::path& path, std::span<const uint8_t> bytes,
+                             std::string& error);

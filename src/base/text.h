@@ -1,0 +1,19 @@
+// Conversions of text: names and messages are wide inside the program and UTF-8 in files.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Malformed input becomes U+FFFD, one for each byte that fits nowhere; nothing fails.
+[[nodiscard]] std::wstring WideFromUtf8(std::string_view text);
+[[nodiscard]] std::string Utf8FromWide(std::wstring_view text);
+
+// Lower case for A to Z alone, so that names never depend on the locale.
+[[nodiscard]] constexpr wchar_t LowerAscii(wchar_t c) {
+    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+}
+[[nodiscard]] constexpr char LowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+[[nodiscard]] std::wstring LowerAscii(std::wstring_view text);
+[[nodiscard]] std::string LowerAscii(std::string_view text);

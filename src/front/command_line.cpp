@@ -1,0 +1,5 @@
+#include "front/command_line.h"
+
+int RunCommandLine(int, const char* const*) {
+    return 0;
+}

@@ -1,0 +1,6 @@
+// The command line of the program.
+#pragma once
+
+// Runs the program with its arguments and gives its exit code: 0 done, 1 the game or a file failed,
+// with one line on standard error, 2 wrong usage.
+int RunCommandLine(int argc, const char* const* argv);

@@ -1,0 +1,1 @@
+#include "front/settings/bindings.h"

@@ -1,0 +1,90 @@
+// Input bindings: named actions, the 32-bit codes bound to them, and the table of what is down.
+//
+// A binding is a u32, 0 for none. Its top byte is the device: 0 keyboard, 1 joystick. Bits 16 to 23
+// are the keyboard modifier (3 shift, 192 ctrl, 0 none) or the joystick's number, 0 to 4. The low 16
+// bits index one table of state bytes that all devices share: keyboard scancodes (USB HID usage
+// numbers, below 512) first, joystick codes from 400 up, 200 for each joystick.
+//
+// Threads: the main thread feeds events and sets the values below; every thread may ask. The tables
+// are single atomic bytes, read without a lock.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+class SettingsStore;
+
+inline constexpr uint32_t kInputCodes = 2048;
+inline constexpr uint32_t kKeyboardCodes = 512;
+inline constexpr uint32_t kApplicationKey = 0xFFFFFFFF; // the program's own session key, -1
+
+enum BindingModifier : uint32_t { kModifierNone = 0, kModifierShift = 3, kModifierCtrl = 192 };
+
+// Codes of joystick `joystick`: which is the raw number of its axis, hat or button.
+[[nodiscard]] constexpr uint32_t JoystickAxisCode(uint32_t joystick, uint32_t axis, bool positive) {
+    return 400 + joystick * 200 + axis * 2 + (positive ? 1 : 0);
+}
+[[nodiscard]] constexpr uint32_t JoystickHatCode(uint32_t joystick, uint32_t hat,
+                                                 uint32_t direction) {
+    return 464 + joystick * 200 + hat * 8 + direction;
+}
+[[nodiscard]] constexpr uint32_t JoystickButtonCode(uint32_t joystick, uint32_t button) {
+    return 528 + joystick * 200 + button;
+}
+[[nodiscard]] constexpr uint32_t KeyboardBinding(uint32_t scancode,
+                                                 BindingModifier modifier = kModifierNone) {
+    return modifier << 16 | scancode;
+}
+[[nodiscard]] constexpr uint32_t JoystickBinding(uint32_t joystick, uint32_t code) {
+    return 1u << 24 | joystick << 16 | code;
+}
+
+// Hat positions as a device reports them, a bit for each direction.
+enum HatPosition : uint8_t {
+    kHatCentred = 0,
+    kHatUp = 1,
+    kHatRight = 2,
+    kHatDown = 4,
+    kHatLeft = 8
+};
+
+// An action with the code it is bound to on a first run.
+struct INPUT_ACTION {
+    const wchar_t* name;
+    uint32_t defaultBinding;
+};
+
+// Every action in the order of registration.
+[[nodiscard]] std::span<const INPUT_ACTION> InputActions();
+
+// Adds "INPUT " + name for every action: all with zeroes, then the defaults as primary binding.
+void RegisterBindings(SettingsStore& store);
+
+// Whether one of the action's two bindings is down. False when the session is not the active one or
+// the user walks the room; `kApplicationKey` is always answered.
+[[nodiscard]] bool InputIsDown(uint32_t sessionKey, std::wstring_view name);
+
+// Whether one code is down; with `useReleased` also when it went up since the pump began, so that a
+// press shorter than a round is seen.
+[[nodiscard]] bool BindingIsDown(uint32_t code, bool useReleased);
+
+// Text for screens, in upper case.
+[[nodiscard]] std::wstring BindingName(uint32_t code);
+
+// The one session that gets input, and whether the user walks the room (nobody gets any then).
+void InputSetActiveKey(uint32_t sessionKey);
+[[nodiscard]] uint32_t InputActiveKey();
+void InputSetWalkingRoom(bool walking);
+[[nodiscard]] bool InputWalkingRoom();
+
+// The event pump's side. Numbers out of range are ignored.
+void InputBeginPump(); // forgets the releases of the round before
+void InputSetCode(uint32_t code, bool down);
+void InputKeyChanged(uint32_t scancode, bool down);
+void InputAxisMoved(uint32_t joystick, uint32_t axis, int16_t value);
+void InputHatMoved(uint32_t joystick, uint32_t hat, uint8_t position);
+void InputButtonChanged(uint32_t joystick, uint32_t button, bool down);
+void InputClearJoystick(uint32_t joystick); // one that was unplugged
+void InputClearAll();

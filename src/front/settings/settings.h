@@ -1,0 +1,103 @@
+// The settings store: a process-wide list of named, typed values.
+//
+// Names are lower-cased on registration and on lookup, A to Z alone. The list has the newest setting
+// at its head, which is also the order of the file. Beside the list stands an index by name, so that a
+// lookup costs one hash of the name and, nearly always, one comparison.
+//
+// Threads: registration and Load happen on the main thread before any other thread runs. After that
+// any thread reads and the main thread alone sets; numbers are single atomic words, read without a
+// lock. Texts take a small lock, since they are more than a word; no session thread reads one.
+// Failure: a missing name gives 0, false or an empty text; nothing is reported.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+enum class SettingType : uint8_t { kInt = 0, kInt2 = 1, kString = 2, kBool = 3, kFloat = 4 };
+
+// One setting. Every type has its own field; the others keep their zeroes, and a getter of the wrong
+// type reads them.
+struct Setting {
+    std::wstring name; // lower case, always
+    std::wstring stringValue;
+    std::atomic<bool> boolValue{false};
+    std::atomic<int32_t> intValue{0};
+    std::atomic<int32_t> intValue2{0}; // second value of kInt2
+    std::atomic<SettingType> type{SettingType::kInt};
+    std::atomic<float> floatValue{0.0f};
+    std::unique_ptr<Setting> next; // older settings
+};
+
+class SettingsStore {
+public:
+    SettingsStore();
+    ~SettingsStore();
+    SettingsStore(const SettingsStore&) = delete;
+    SettingsStore& operator=(const SettingsStore&) = delete;
+
+    // Registering a name that exists overwrites its value and type; its place in the list stays.
+    void RegisterInt(std::wstring_view name, int32_t value);
+    void RegisterInt2(std::wstring_view name, int32_t value, int32_t value2);
+    void RegisterString(std::wstring_view name, std::wstring_view value);
+    void RegisterBool(std::wstring_view name, bool value);
+    void RegisterFloat(std::wstring_view name, float value);
+
+    [[nodiscard]] int32_t GetInt(std::wstring_view name) const;
+    [[nodiscard]] std::pair<int32_t, int32_t> GetInt2(std::wstring_view name) const;
+    [[nodiscard]] std::wstring GetString(std::wstring_view name) const;
+    [[nodiscard]] bool GetBool(std::wstring_view name) const;
+    [[nodiscard]] float GetFloat(std::wstring_view name) const;
+
+    // A setter changes the value of an existing setting, whatever its type, and does nothing for an
+    // unknown name.
+    void SetInt(std::wstring_view name, int32_t value);
+    void SetInt2(std::wstring_view name, int32_t value, int32_t value2);
+    void SetString(std::wstring_view name, std::wstring_view value);
+    void SetBool(std::wstring_view name, bool value);
+    void SetFloat(std::wstring_view name, float value);
+
+    // Null for an unknown name. `prefix` and `name` are looked up as one name, without joining them;
+    // both may be in any case.
+    [[nodiscard]] const Setting* Find(std::wstring_view name) const;
+    [[nodiscard]] const Setting* Find(std::wstring_view prefix, std::wstring_view name) const;
+
+    // The newest setting, from which `next` leads through all of them.
+    [[nodiscard]] const Setting* First() const { return head.get(); }
+
+    // Takes over what a document validly says about settings that are registered. False when the
+    // bytes are no such document; nothing has changed then.
+    bool Load(const uint8_t* bytes, size_t size);
+
+    // The whole store as a document.
+    [[nodiscard]] std::vector<uint8_t> Save() const;
+
+private:
+    struct Index;
+
+    Setting& Register(std::wstring_view name, SettingType type);
+    Setting* FindMutable(std::wstring_view name);
+
+    std::unique_ptr<Setting> head;
+    std::unique_ptr<Index> index;
+    mutable std::mutex stringLock;
+};
+
+// The program's store.
+[[nodiscard]] SettingsStore& Settings();
+
+// Registers every setting of the program with the value of a first run, then all bindings: with zero
+// values first, then with their defaults.
+void RegisterDefaultSettings(SettingsStore& store);
+
+// Reads and writes `.\config.xml`. A missing or broken file leaves the defaults; `error` then says
+// what is wrong with it and stays empty for a missing one. Before the first save over a file that
+// could not be read as settings, that file is kept as `config.xml.damaged` beside it.
+bool LoadSettingsFile(SettingsStore& store, std::string& error);
+[[nodiscard]] bool SaveSettingsFile(const SettingsStore& store, std::string& error);

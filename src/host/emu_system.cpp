@@ -1,0 +1,1 @@
+#include "host/emu_system.h"

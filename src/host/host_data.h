@@ -1,0 +1,65 @@
+// The host's side of a session: triple buffer, pacing and the samples on their way to the pump.
+//
+// One record a session, made by the open callback and freed by close. The frame mutex guards the
+// indices and flags of the triple buffer; the sound mutex guards `pending`, the session's
+// `soundBytes` and all that the sound layer keeps. The session draws into frames[writeIndex] and the
+// display reads frames[readIndex] without a lock: the two indices are never equal.
+#pragma once
+
+#include "base/ranked_mutex.h"
+#include "host/emu_system.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+struct EMU_THREAD;
+struct SoundChannel;
+
+struct ALIGNED_FREE {
+    void operator()(uint32_t* pixels) const;
+};
+
+struct EMU_HOST_DATA {
+    EMU_VIDEO_FRAME frames[3]{};
+    std::unique_ptr<uint32_t[], ALIGNED_FREE> pixels[3]; // 32-byte aligned blocks behind `frames`
+    uint32_t writeIndex = 2;
+    uint32_t readIndex = 0;
+    std::atomic<int32_t> syncBias{0}; // -1, 0 or +1, set by the sound pump
+    int64_t lastFrameTime = 0;        // clock at the end of the last wait, microseconds
+    uint32_t overshoot = 0;           // microseconds by which the last wait ran over
+    EMU_INPUT_STATE input{};
+    std::vector<uint8_t> pending;  // interleaved stereo, twice rate x 4 bytes long
+    SoundChannel* sound = nullptr; // owned by the sound layer; null without one
+    bool noSound = true;           // no channel, or one that could not be made: the session is silent
+};
+
+using FrameMutex = RankedMutex<LockRank::kFrame>;
+using SoundMutex = RankedMutex<LockRank::kSound>;
+[[nodiscard]] FrameMutex& EmuFrameMutex();
+[[nodiscard]] SoundMutex& EmuSoundMutex();
+
+// Time as pacing sees it, replaceable so that its arithmetic is tested without waiting. Both must be
+// callable from any thread.
+struct HOST_CLOCK {
+    int64_t (*nowMicroseconds)();
+    void (*sleepMilliseconds)(uint32_t milliseconds); // 0 gives the processor away
+};
+void HostSetClock(const HOST_CLOCK& clock); // null members restore the steady clock
+[[nodiscard]] const HOST_CLOCK& HostClock();
+
+// The callbacks of the windowed program that need no window: buffers, pacing, appended samples.
+void HostOpen(EMU_THREAD* session);
+void HostClose(EMU_THREAD* session);
+[[nodiscard]] EMU_VIDEO_FRAME* HostGetVideoFrame(EMU_THREAD* session);
+[[nodiscard]] EMU_INPUT_STATE* HostGetInput(EMU_THREAD* session);
+void HostPresent(EMU_THREAD* session, uint32_t microseconds);
+void HostSubmitAudio(EMU_THREAD* session, EMU_AUDIO_FRAME* audio);
+
+// Publishes the frame at writeIndex and moves on, unless it is held. Under the frame mutex.
+void HostPublishFrame(EMU_THREAD& session, EMU_HOST_DATA& data);
+
+// The display's side, under the frame mutex: the picture to be shown next, already marked as shown,
+// or null when there is no new one. It stays untouched until the next call.
+[[nodiscard]] EMU_VIDEO_FRAME* HostTakeFrame(EMU_HOST_DATA& data);

@@ -1,0 +1,1 @@
+#include "host/machine_list.h"

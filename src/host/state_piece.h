@@ -1,0 +1,161 @@
+// State pieces: one function that names a chip's fields both writes and reads them.
+//
+// A piece is a version byte (1), its own size in bytes as a little-endian u32, header included, and
+// the fields, packed and little-endian. The fields are given by a callable that is handed a visitor
+// and passes every field to it, always the same ones in the same order:
+//
+//     auto fields = [&](auto& visit) { visit(chip.pc); visit(chip.ram); };
+//
+// Integers, enums, bools, floats, arrays of them and std::array are fields. A bool is one byte.
+// A loaded value that becomes an index must be masked or refused by its owner after the read.
+#pragma once
+
+#include "base/bytes.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+inline constexpr uint8_t kStatePieceVersion = 1;
+inline constexpr uint32_t kStatePieceHeader = 5;
+
+namespace state_piece_detail {
+
+template <typename T>
+struct IsStdArray : std::false_type {};
+template <typename T, size_t N>
+struct IsStdArray<std::array<T, N>> : std::true_type {};
+
+template <size_t Bytes>
+using UnsignedOf =
+    std::conditional_t<Bytes == 1, uint8_t,
+                       std::conditional_t<Bytes == 2, uint16_t,
+                                          std::conditional_t<Bytes == 4, uint32_t, uint64_t>>>;
+
+template <typename T>
+inline constexpr bool kFlat = std::endian::native == std::endian::little &&
+                              std::is_arithmetic_v<T> && !std::is_same_v<T, bool>;
+
+// Calls `scalar` for every scalar in a field, or `block` for a run that is already in file order.
+template <typename T, typename Scalar, typename Block>
+void Walk(T& field, Scalar&& scalar, Block&& block) {
+    if constexpr (std::is_array_v<T> || IsStdArray<T>::value) {
+        using Element = std::remove_reference_t<decltype(field[0])>;
+        if constexpr (kFlat<Element>) {
+            block(&field[0], sizeof field);
+        } else {
+            for (auto& element : field) {
+                Walk(element, scalar, block);
+            }
+        }
+    } else {
+        static_assert(std::is_arithmetic_v<T> || std::is_enum_v<T>, "not a field of a state");
+        scalar(field);
+    }
+}
+
+} // namespace state_piece_detail
+
+// Adds up the size of the fields.
+class StateCounter {
+public:
+    template <typename T>
+    void operator()(T& field) {
+        state_piece_detail::Walk(
+            field, [this](auto& value) { bytes += static_cast<uint32_t>(sizeof value); },
+            [this](void*, size_t size) { bytes += static_cast<uint32_t>(size); });
+    }
+
+    uint32_t bytes = 0;
+};
+
+// Writes fields to a block that the caller knows to be large enough.
+class StateWriter {
+public:
+    explicit StateWriter(uint8_t* block) : out(block) {}
+
+    template <typename T>
+    void operator()(T& field) {
+        state_piece_detail::Walk(
+            field,
+            [this](auto& value) {
+                using Unsigned = state_piece_detail::UnsignedOf<sizeof value>;
+                Unsigned bits = 0;
+                if constexpr (std::is_same_v<std::remove_reference_t<decltype(value)>, bool>) {
+                    bits = value ? 1 : 0;
+                } else {
+                    std::memcpy(&bits, &value, sizeof bits);
+                }
+                StoreLittleEndian(out, bits);
+                out += sizeof bits;
+            },
+            [this](const void* run, size_t size) {
+                std::memcpy(out, run, size);
+                out += size;
+            });
+    }
+
+    uint8_t* out;
+};
+
+// Reads fields from a block that the caller knows to be long enough. A bool is true for any byte but 0.
+class StateReader {
+public:
+    explicit StateReader(const uint8_t* block) : in(block) {}
+
+    template <typename T>
+    void operator()(T& field) {
+        state_piece_detail::Walk(
+            field,
+            [this](auto& value) {
+                using Unsigned = state_piece_detail::UnsignedOf<sizeof value>;
+                const auto bits = LoadLittleEndian<Unsigned>(in);
+                if constexpr (std::is_same_v<std::remove_reference_t<decltype(value)>, bool>) {
+                    value = bits != 0;
+                } else {
+                    std::memcpy(&value, &bits, sizeof bits);
+                }
+                in += sizeof bits;
+            },
+            [this](void* run, size_t size) {
+                std::memcpy(run, in, size);
+                in += size;
+            });
+    }
+
+    const uint8_t* in;
+};
+
+// Size of the whole piece, header included.
+template <typename Fields>
+[[nodiscard]] uint32_t StatePieceSize(Fields&& fields) {
+    StateCounter counter;
+    fields(counter);
+    return kStatePieceHeader + counter.bytes;
+}
+
+// Writes the piece and gives the byte behind it. `out` has room for StatePieceSize bytes.
+template <typename Fields>
+uint8_t* StatePieceWrite(uint8_t* out, Fields&& fields) {
+    out[0] = kStatePieceVersion;
+    StoreLittleEndian<uint32_t>(out + 1, StatePieceSize(fields));
+    StateWriter writer(out + kStatePieceHeader);
+    fields(writer);
+    return writer.out;
+}
+
+// Reads a piece from the front of `size` bytes and gives how many it took; 0 when version or size do
+// not fit, and then no field has changed.
+template <typename Fields>
+[[nodiscard]] uint32_t StatePieceRead(const uint8_t* data, uint32_t size, Fields&& fields) {
+    const uint32_t expected = StatePieceSize(fields);
+    if (size < kStatePieceHeader || data[0] != kStatePieceVersion ||
+        LoadLittleEndian<uint32_t>(data + 1) != expected || expected > size) {
+        return 0;
+    }
+    StateReader reader(data + kStatePieceHeader);
+    fields(reader);
+    return expected;
+}

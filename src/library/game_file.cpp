@@ -1,0 +1,1 @@
+#include "library/game_file.h"

@@ -1,0 +1,1 @@
+#include "library/sha256.h"

@@ -1,6 +1,7 @@
 # Compiler flags that every target of ours shares, behind one interface target, `ombrelune_flags`.
 
 option(OMBRELUNE_LTO "Link-time optimisation" OFF)
+option(OMBRELUNE_TESTS "Build the tests and benchmarks" OFF)
 option(OMBRELUNE_FUZZ "Build the libFuzzer entry points (needs Clang)" OFF)
 set(OMBRELUNE_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 

@@ -52,7 +52,8 @@ bool FlushToDisk(std::FILE* file) {
 // Makes a rename last through a power cut. Failure here costs nothing that was there before.
 void FlushFolder([[maybe_unused]] const fs::path& folder) {
 #ifndef _WIN32
-    const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int descriptor =
+        open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor >= 0) {
         fsync(descriptor);
         close(descriptor);
@@ -98,12 +99,14 @@ fs::path FindHomeFolder(const fs::path& executableFolder) {
     if (claimed && FolderIsWritable(executableFolder)) {
         return executableFolder;
     }
+    // NOLINTBEGIN(concurrency-mt-unsafe): read at program start, before any other thread runs
     if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data != '\0') {
         return fs::path(data) / "ombrelune";
     }
     if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
         return fs::path(home) / ".local" / "share" / "ombrelune";
     }
+    // NOLINTEND(concurrency-mt-unsafe)
     return executableFolder;
 }
 
@@ -199,9 +202,8 @@ bool WriteFile(const fs::path& path, std::span<const uint8_t> bytes, std::string
         return false;
     }
     errno = 0;
-    const bool written =
-        std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size() &&
-        FlushToDisk(file.get());
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size() &&
+                         FlushToDisk(file.get());
     const int cause = errno;
     const bool closed = std::fclose(file.release()) == 0;
     if (!written || !closed) {

@@ -22,8 +22,7 @@ void SetHomeFolder(const std::filesystem::path& folder);
 
 // Chooses the home folder: the folder of the executable when it is writable and holds `config.xml` or
 // a file named `portable`, otherwise $XDG_DATA_HOME/ombrelune (~/.local/share/ombrelune without that).
-[[nodiscard]] std::filesystem::path
-FindHomeFolder(const std::filesystem::path& executableFolder);
+[[nodiscard]] std::filesystem::path FindHomeFolder(const std::filesystem::path& executableFolder);
 
 // A path in the program's notation as one of the platform.
 [[nodiscard]] std::filesystem::path ResolvePath(std::string_view path);

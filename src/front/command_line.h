@@ -2,5 +2,6 @@
 #pragma once
 
 // Runs the program with its arguments and gives its exit code: 0 done, 1 the game or a file failed,
-// with one line on standard error, 2 wrong usage.
+// with one line on standard error, 2 wrong usage. Machine-readable output goes to standard output,
+// everything else to standard error.
 int RunCommandLine(int argc, const char* const* argv);

@@ -5,6 +5,7 @@
 // SaveState and LoadState from other threads to the boundaries between frames.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -14,20 +15,20 @@ class CGameFile;
 
 // A produced picture. The host owns the pixels and copies the record whole, 64 bytes.
 struct EMU_VIDEO_FRAME {
-    uint32_t* pixels;       // 32-byte aligned, rows of `width`; blue lowest, green, red, then 0xFF
-    uint32_t width;         // of the whole picture, in pixels
+    uint32_t* pixels; // 32-byte aligned, rows of `width`; blue lowest, green, red, then 0xFF
+    uint32_t width;   // of the whole picture, in pixels
     uint32_t height;
-    float aspect;           // display aspect of the whole picture
-    uint32_t visibleX;      // active window inside the picture
+    float aspect;      // display aspect of the whole picture
+    uint32_t visibleX; // active window inside the picture
     uint32_t visibleY;
     uint32_t visibleWidth;
     uint32_t visibleHeight;
-    float visibleAspect;    // display aspect of the active window
-    uint8_t fresh;          // host: waits to be shown
-    uint8_t shown;          // host: the display side has taken it
-    uint8_t hold;           // machine: do not publish, draw the next frame over it
-    uint8_t rotated;        // machine: to be turned by 90 degrees before it is published
-    uint32_t tvKey;         // host: session key of the television that shows it
+    float visibleAspect; // display aspect of the active window
+    uint8_t fresh;       // host: waits to be shown
+    uint8_t shown;       // host: the display side has taken it
+    uint8_t hold;        // machine: do not publish, draw the next frame over it
+    uint8_t rotated;     // machine: to be turned by 90 degrees before it is published
+    uint32_t tvKey;      // host: session key of the television that shows it
     uint8_t reserved[16];
 };
 static_assert(sizeof(void*) != 8 || sizeof(EMU_VIDEO_FRAME) == 64);
@@ -84,7 +85,8 @@ public:
     CEmuSystem& operator=(const CEmuSystem&) = delete;
 
     const uint32_t sessionKey; // for InputIsDown
-    uint32_t debugValue = 0;   // free for a machine to fill, only ever printed
+    // Free for a machine to fill, only ever printed; the main thread prints while the machine runs.
+    std::atomic<uint32_t> debugValue{0};
     const uint32_t width;      // the largest picture the machine makes, in pixels
     const uint32_t height;
 
@@ -95,6 +97,6 @@ protected:
         , height(heightValue) {}
 };
 
-// The shared text of what went wrong last, for the user. Any thread.
+// The shared text of what went wrong last, for the user. Any thread; the newest text wins.
 void EmuSetLastError(std::string text);
 [[nodiscard]] std::string EmuLastError();

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "base/ranked_mutex.h"
+#include "host/aligned_block.h"
 #include "host/emu_system.h"
 
 #include <atomic>
@@ -17,13 +18,9 @@
 struct EMU_THREAD;
 struct SoundChannel;
 
-struct ALIGNED_FREE {
-    void operator()(uint32_t* pixels) const;
-};
-
 struct EMU_HOST_DATA {
     EMU_VIDEO_FRAME frames[3]{};
-    std::unique_ptr<uint32_t[], ALIGNED_FREE> pixels[3]; // 32-byte aligned blocks behind `frames`
+    AlignedBlock<uint32_t> pixels[3]; // the blocks behind `frames`, EmuPicturePixels() each
     uint32_t writeIndex = 2;
     uint32_t readIndex = 0;
     std::atomic<int32_t> syncBias{0}; // -1, 0 or +1, set by the sound pump
@@ -32,7 +29,7 @@ struct EMU_HOST_DATA {
     EMU_INPUT_STATE input{};
     std::vector<uint8_t> pending;  // interleaved stereo, twice rate x 4 bytes long
     SoundChannel* sound = nullptr; // owned by the sound layer; null without one
-    bool noSound = true;           // no channel, or one that could not be made: the session is silent
+    bool noSound = true; // no channel, or one that could not be made: the session is silent
 };
 
 using FrameMutex = RankedMutex<LockRank::kFrame>;
@@ -41,7 +38,7 @@ using SoundMutex = RankedMutex<LockRank::kSound>;
 [[nodiscard]] SoundMutex& EmuSoundMutex();
 
 // Time as pacing sees it, replaceable so that its arithmetic is tested without waiting. Both must be
-// callable from any thread.
+// callable from any thread. Set while no session runs.
 struct HOST_CLOCK {
     int64_t (*nowMicroseconds)();
     void (*sleepMilliseconds)(uint32_t milliseconds); // 0 gives the processor away
@@ -49,17 +46,37 @@ struct HOST_CLOCK {
 void HostSetClock(const HOST_CLOCK& clock); // null members restore the steady clock
 [[nodiscard]] const HOST_CLOCK& HostClock();
 
-// The callbacks of the windowed program that need no window: buffers, pacing, appended samples.
+// Frames of 1,000 to 50,000 microseconds are paced; others, those without sound among them, are not
+// shown and only sleep 5 ms.
+[[nodiscard]] constexpr bool IsPacedLength(uint32_t microseconds) {
+    return microseconds >= 1000 && microseconds <= 50000;
+}
+
+// How long a paced frame waits, in microseconds: its length, 200 less or more by the sign of
+// `syncBias`, and less by what the wait before ran over.
+[[nodiscard]] uint32_t PaceWait(uint32_t length, int32_t syncBias, uint32_t overshoot);
+
+// Waits until `wait` microseconds have passed since `data.lastFrameTime`, then records the end of the
+// wait and by how much it ran over.
+void PaceFrame(EMU_HOST_DATA& data, uint32_t wait);
+
+// The callbacks of the windowed program that need no window: buffers, pacing, appended samples. All but
+// HostClose run on the session thread. A session that was never opened gets null frames and a sleep
+// of 5 ms for every present.
 void HostOpen(EMU_THREAD* session);
 void HostClose(EMU_THREAD* session);
 [[nodiscard]] EMU_VIDEO_FRAME* HostGetVideoFrame(EMU_THREAD* session);
-[[nodiscard]] EMU_INPUT_STATE* HostGetInput(EMU_THREAD* session);
+[[nodiscard]] EMU_INPUT_STATE* HostGetInput(EMU_THREAD* session); // zeroed for every frame
 void HostPresent(EMU_THREAD* session, uint32_t microseconds);
+
+// Appends the samples to `pending` under the sound mutex. More than one second is never kept: the
+// newest frame then overwrites the end and counts as a reposition.
 void HostSubmitAudio(EMU_THREAD* session, EMU_AUDIO_FRAME* audio);
 
 // Publishes the frame at writeIndex and moves on, unless it is held. Under the frame mutex.
 void HostPublishFrame(EMU_THREAD& session, EMU_HOST_DATA& data);
 
 // The display's side, under the frame mutex: the picture to be shown next, already marked as shown,
-// or null when there is no new one. It stays untouched until the next call.
+// or null when there is no new one. It stays untouched until the mutex is released; the session may
+// then take the buffer back.
 [[nodiscard]] EMU_VIDEO_FRAME* HostTakeFrame(EMU_HOST_DATA& data);

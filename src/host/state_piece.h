@@ -29,14 +29,14 @@ template <typename T, size_t N>
 struct IsStdArray<std::array<T, N>> : std::true_type {};
 
 template <size_t Bytes>
-using UnsignedOf =
-    std::conditional_t<Bytes == 1, uint8_t,
-                       std::conditional_t<Bytes == 2, uint16_t,
-                                          std::conditional_t<Bytes == 4, uint32_t, uint64_t>>>;
+using UnsignedOf = std::conditional_t<
+    Bytes == 1, uint8_t,
+    std::conditional_t<Bytes == 2, uint16_t, std::conditional_t<Bytes == 4, uint32_t, uint64_t>>>;
 
 template <typename T>
-inline constexpr bool kFlat = std::endian::native == std::endian::little &&
-                              std::is_arithmetic_v<T> && !std::is_same_v<T, bool>;
+inline constexpr bool kFlat =
+    std::endian::native == std::endian::little&& std::is_arithmetic_v<T> &&
+    !std::is_same_v<T, bool>;
 
 // Calls `scalar` for every scalar in a field, or `block` for a run that is already in file order.
 template <typename T, typename Scalar, typename Block>
@@ -74,7 +74,8 @@ public:
 // Writes fields to a block that the caller knows to be large enough.
 class StateWriter {
 public:
-    explicit StateWriter(uint8_t* block) : out(block) {}
+    explicit StateWriter(uint8_t* block)
+        : out(block) {}
 
     template <typename T>
     void operator()(T& field) {
@@ -103,7 +104,8 @@ public:
 // Reads fields from a block that the caller knows to be long enough. A bool is true for any byte but 0.
 class StateReader {
 public:
-    explicit StateReader(const uint8_t* block) : in(block) {}
+    explicit StateReader(const uint8_t* block)
+        : in(block) {}
 
     template <typename T>
     void operator()(T& field) {

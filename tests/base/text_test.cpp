@@ -1,1 +1,37 @@
+#include "base/text.h"
+
 #include <gtest/gtest.h>
+
+#include <random>
+
+TEST(Text, Utf8KeepsLettersOfEveryLength) {
+    const std::wstring wide = L"A\u00e9\u65e5\U0001F3AE";
+    const std::string utf8 = "A\xC3\xA9\xE6\x97\xA5\xF0\x9F\x8E\xAE";
+    EXPECT_EQ(Utf8FromWide(wide), utf8);
+    EXPECT_EQ(WideFromUtf8(utf8), wide);
+}
+
+TEST(Text, MalformedUtf8BecomesReplacementCharacters) {
+    EXPECT_EQ(WideFromUtf8("\xFFz"), L"\uFFFDz");
+    EXPECT_EQ(WideFromUtf8("\xC3"), L"\uFFFD");                // cut off
+    EXPECT_EQ(WideFromUtf8("\xC0\x80"), L"\uFFFD\uFFFD");      // a NUL in two bytes
+    EXPECT_EQ(WideFromUtf8("\xED\xA0\x80")[0], L'\uFFFD');     // half a surrogate pair
+    EXPECT_EQ(WideFromUtf8("\xF4\x90\x80\x80")[0], L'\uFFFD'); // beyond the last code point
+}
+
+TEST(Text, AnyBytesConvertAndConvertBackToValidText) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 20000; ++round) {
+        std::string bytes(random() % 12, '\0');
+        for (char& c : bytes) {
+            c = static_cast<char>(random());
+        }
+        const std::wstring wide = WideFromUtf8(bytes);
+        EXPECT_EQ(WideFromUtf8(Utf8FromWide(wide)), wide);
+    }
+}
+
+TEST(Text, LowerCaseTouchesAsciiLettersAlone) {
+    EXPECT_EQ(LowerAscii(std::wstring_view(L"App_FullScreen\u00C9")), L"app_fullscreen\u00C9");
+    EXPECT_EQ(LowerAscii(std::string_view("AZ[]`{az@0")), "az[]`{az@0");
+}

@@ -29,7 +29,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 fs::path TemporaryFolder::Write(std::string_view name, std::span<const uint8_t> bytes) const {
-    const fs::path target = path / name;
+    fs::path target = path / name;
     fs::create_directories(target.parent_path());
     std::ofstream file(target, std::ios::binary);
     file.write(reinterpret_cast<const char*>(bytes.data()),

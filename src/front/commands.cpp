@@ -1,0 +1,208 @@
+#include "front/commands.h"
+
+#include "base/files.h"
+#include "base/text.h"
+#include "front/settings/bindings.h"
+#include "front/settings/settings.h"
+#include "host/machine_list.h"
+#include "library/convert.h"
+#include "library/game_file.h"
+#include "library/game_source.h"
+#include "library/systems.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <ranges>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string SystemText(uint16_t system) {
+    const GAME_SYSTEM* entry = FindGameSystem(system);
+    return entry != nullptr ? entry->name : "unknown (" + std::to_string(system) + ")";
+}
+
+// Control characters of a title must not reach the terminal.
+std::string Printable(std::string_view text) {
+    std::string out(text);
+    for (char& c : out) {
+        const auto byte = static_cast<unsigned char>(c);
+        c = byte < 0x20 || byte == 0x7F ? '?' : c;
+    }
+    return out;
+}
+
+void ShowImage(const FOUND_IMAGE& image) {
+    const std::vector<uint8_t> prepared = PrepareImage(image.system, image.bytes);
+    std::printf("  image: %s\n", Printable(image.stem).c_str());
+    std::printf("    system: %s\n", SystemText(image.system).c_str());
+    std::printf("    size: %zu bytes", prepared.size());
+    if (prepared.size() != image.bytes.size()) {
+        std::printf(" (%zu in the file, which is an interleaved dump)", image.bytes.size());
+    }
+    std::printf("\n    sha256: %s\n", HexText(Sha256(prepared)).c_str());
+}
+
+void ShowGame(const CGameFile& game) {
+    const GAME_HEADER& header = game.Header();
+    std::printf("  game: %s, %" PRIu32 " bytes packed to %" PRIu32 "\n",
+                SystemText(header.system).c_str(), header.rawSize, header.packedSize);
+    for (uint32_t i = 0; i < game.NameCount(); ++i) {
+        NAME_VIEW name;
+        if (!game.GetName(i, name)) {
+            continue;
+        }
+        std::printf("  name: %s\n", Printable(name.title).c_str());
+        if (!name.regions.empty()) {
+            std::printf("    regions: %s\n", Printable(name.regions).c_str());
+        }
+        if (name.raw.year != 0) {
+            std::printf("    year: %d\n", 1900 + name.raw.year);
+        }
+    }
+    for (uint32_t i = 0; i < game.RomCount(); ++i) {
+        std::string name;
+        ROM_RECORD rom;
+        if (game.GetRom(i, name, rom)) {
+            std::printf("  piece: %s, %" PRIu32 " bytes\n    sha256: %s\n", Printable(name).c_str(),
+                        rom.size, HexText(rom.sha256).c_str());
+        }
+    }
+}
+
+bool ShowFile(const fs::path& path) {
+    std::string error;
+    if (LowerAscii(std::string_view(path.extension().string())) == ".game") {
+        CGameFile game;
+        if (!OpenGameFile(path, true, game, error)) {
+            Complain(error);
+            return false;
+        }
+        std::printf("%s\n", path.string().c_str());
+        ShowGame(game);
+        CGameFile whole;
+        if (!OpenGameFile(path, false, whole, error)) {
+            Complain(error);
+            return false;
+        }
+        return true;
+    }
+    std::vector<FOUND_IMAGE> images;
+    if (!FindImages(path, nullptr, images, error)) {
+        Complain(error);
+        return false;
+    }
+    std::printf("%s\n", path.string().c_str());
+    std::ranges::for_each(images, ShowImage);
+    return true;
+}
+
+// The first name that is free or already holds these bytes.
+fs::path TargetOf(fs::path target, std::span<const uint8_t> bytes, bool& alreadyThere) {
+    alreadyThere = false;
+    while (true) {
+        fs::path file = target;
+        file += ".game";
+        std::error_code code;
+        if (!fs::exists(file, code)) {
+            return file;
+        }
+        std::vector<uint8_t> old;
+        std::string ignored;
+        if (ReadFile(file, old, ignored) && std::ranges::equal(old, bytes)) {
+            alreadyThere = true;
+            return file;
+        }
+        target += "0";
+    }
+}
+
+bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& outFolder) {
+    const std::vector<CGameFile> database = LoadDatabase(image.system);
+    std::vector<uint8_t> bytes;
+    bool known = false;
+    if (!ConvertImage(image.system, image.stem, image.bytes, database, bytes, known)) {
+        Complain(path.string() + ": " + image.stem + ": cannot be converted by itself");
+        return false;
+    }
+    const fs::path folder = outFolder.empty() ? path.parent_path() : outFolder;
+    bool alreadyThere = false;
+    const fs::path target = TargetOf(folder / FileNameFromTitle(image.stem), bytes, alreadyThere);
+    std::string error;
+    if (!alreadyThere && !WriteFile(target, bytes, error)) {
+        Complain(error);
+        return false;
+    }
+    std::printf("%s%s%s\n", target.string().c_str(), known ? "" : ": unknown game",
+                alreadyThere ? ", already there" : "");
+    return true;
+}
+
+} // namespace
+
+void Complain(const std::string& message) {
+    std::fprintf(stderr, "ombrelune: %s\n", message.c_str());
+}
+
+int ActionsCommand() {
+    for (const INPUT_ACTION& action : InputActions()) {
+        const auto [primary, secondary] = Settings().GetInt2(std::wstring(L"INPUT ") + action.name);
+        std::printf("%s\t%s\t%s\n", Utf8FromWide(action.name).c_str(),
+                    Utf8FromWide(BindingName(static_cast<uint32_t>(primary))).c_str(),
+                    Utf8FromWide(BindingName(static_cast<uint32_t>(secondary))).c_str());
+    }
+    return kExitDone;
+}
+
+int InfoCommand(const std::vector<fs::path>& paths) {
+    bool done = true;
+    for (const fs::path& path : paths) {
+        done = ShowFile(path) && done;
+    }
+    return done ? kExitDone : kExitFailed;
+}
+
+int ConvertCommand(const CONVERT_OPTIONS& options) {
+    const GAME_SYSTEM* system =
+        options.machine.empty() ? nullptr : FindGameSystem(std::string_view(options.machine));
+    bool done = true;
+    for (const fs::path& path : options.paths) {
+        std::vector<FOUND_IMAGE> images;
+        std::string error;
+        if (LowerAscii(std::string_view(path.extension().string())) == ".game") {
+            Complain(path.string() + ": is a .game already");
+            done = false;
+            continue;
+        }
+        if (!FindImages(path, system, images, error)) {
+            Complain(error);
+            done = false;
+            continue;
+        }
+        for (const FOUND_IMAGE& image : images) {
+            done = ConvertOne(path, image, options.outFolder) && done;
+        }
+    }
+    return done ? kExitDone : kExitFailed;
+}
+
+int PlayCommand(const PLAY_OPTIONS& options) {
+    const GAME_SYSTEM* system =
+        options.machine.empty() ? nullptr : FindGameSystem(std::string_view(options.machine));
+    CGameFile game;
+    std::string title;
+    std::string error;
+    if (!OpenGame(options.game, system, game, title, error)) {
+        Complain(error);
+        return kExitFailed;
+    }
+    const uint16_t number = game.Header().system;
+    if (EmuFindMachine(number) == nullptr) {
+        Complain(options.game + ": is a game of the " + SystemText(number) +
+                 ", and that machine is not built in");
+        return kExitFailed;
+    }
+    return kExitDone;
+}

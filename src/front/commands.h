@@ -1,0 +1,35 @@
+// What the small commands of the command line do. Each gives the program's exit code.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+inline constexpr int kExitDone = 0;
+inline constexpr int kExitFailed = 1;
+inline constexpr int kExitUsage = 2;
+
+// One line on standard error, with the program's name before it.
+void Complain(const std::string& message);
+
+// Every action with its bindings, a line each: name, primary, secondary, separated by tabs.
+int ActionsCommand();
+
+// What each file holds. A file that fails is complained about, and the others still shown.
+int InfoCommand(const std::vector<std::filesystem::path>& paths);
+
+// A `.game` for every image in the files, beside its source or in `outFolder`. Sources stay. A target
+// that already holds the same bytes stays as it is; one that holds others is never replaced, and the
+// new file's name gets a "0" behind it, as often as it takes.
+struct CONVERT_OPTIONS {
+    std::vector<std::filesystem::path> paths;
+    std::filesystem::path outFolder; // empty: beside the source
+    std::string machine;             // short name of the system; empty: by the extension
+};
+int ConvertCommand(const CONVERT_OPTIONS& options);
+
+struct PLAY_OPTIONS {
+    std::string game; // a path
+    std::string machine;
+};
+int PlayCommand(const PLAY_OPTIONS& options);

@@ -1,0 +1,42 @@
+# Debian packages, sourced by run, test and .ci/run.
+
+# To build and start the program.
+build_packages=(
+    g++ cmake ninja-build pkg-config ccache
+    libcli11-dev libopenal-dev libsamplerate0-dev libsdl2-dev libssl-dev libtinyxml-dev
+    libzip-dev lzma-dev zlib1g-dev
+)
+
+# To build and run the tests, benchmarks and fuzz entry points besides.
+test_packages=(
+    clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev
+)
+
+# To check format and lint as well.
+lint_packages=(clang-format clang-tidy)
+
+# need_packages NAME...: installs those that are missing, without a question, and says which.
+need_packages() {
+    local missing=() name
+    for name in "$@"; do
+        [ -e "/var/lib/dpkg/info/$name.list" ] || ls "/var/lib/dpkg/info/$name":*.list >/dev/null 2>&1 ||
+            missing+=("$name")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    if ! command -v apt-get >/dev/null; then
+        echo "These Debian packages are needed and this system has no apt-get: ${missing[*]}" >&2
+        return 1
+    fi
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || {
+            echo "Please install as root: apt-get install ${missing[*]}" >&2
+            return 1
+        }
+        as_root=(sudo)
+    fi
+    echo "Installing Debian packages: ${missing[*]}" >&2
+    "${as_root[@]}" apt-get update -qq >&2 || echo "apt-get update failed; going on" >&2
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+}

@@ -20,9 +20,13 @@ target_include_directories(ombrelune_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(ombrelune_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
-# A debug build checks that locks are taken in the order of their ranks.
-target_compile_definitions(ombrelune_flags INTERFACE
-    $<$<OR:$<CONFIG:Debug>,$<BOOL:${OMBRELUNE_SANITIZE}>>:OMBRELUNE_CHECK_LOCK_RANKS>)
+# Debug and sanitizer builds check that locks are taken in the order of their ranks.
+if(OMBRELUNE_SANITIZE)
+    target_compile_definitions(ombrelune_flags INTERFACE OMBRELUNE_CHECK_LOCK_RANKS)
+else()
+    target_compile_definitions(ombrelune_flags INTERFACE
+        $<$<CONFIG:Debug>:OMBRELUNE_CHECK_LOCK_RANKS>)
+endif()
 
 if(OMBRELUNE_LTO)
     include(CheckIPOSupported)

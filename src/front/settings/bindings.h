@@ -81,6 +81,7 @@ void InputSetWalkingRoom(bool walking);
 
 // The event pump's side. Numbers out of range are ignored.
 void InputBeginPump(); // forgets the releases of the round before
+// Setting a code to 0 marks it as released, also when it was not down.
 void InputSetCode(uint32_t code, bool down);
 void InputKeyChanged(uint32_t scancode, bool down);
 void InputAxisMoved(uint32_t joystick, uint32_t axis, int16_t value);

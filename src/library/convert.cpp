@@ -1,1 +1,174 @@
 #include "library/convert.h"
+
+#include "base/text.h"
+#include "library/packing.h"
+#include "library/systems.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr size_t kCopierHeader = 512;
+constexpr size_t kInterleaveBlock = 16384;
+
+// From the last dot of the last component; empty without one.
+std::string_view ExtensionOf(std::string_view path) {
+    const size_t slash = path.find_last_of("/\\");
+    const std::string_view name = slash == std::string_view::npos ? path : path.substr(slash + 1);
+    const size_t dot = name.rfind('.');
+    return dot == std::string_view::npos ? std::string_view{} : name.substr(dot);
+}
+
+bool Accepts(const GAME_SYSTEM& system, std::string_view extension) {
+    return std::find(system.extensions.begin(), system.extensions.end(), LowerAscii(extension)) !=
+           system.extensions.end();
+}
+
+bool IsInterleaved(std::span<const uint8_t> file) {
+    if ((file.size() & kCopierHeader) == 0) {
+        return false;
+    }
+    // One byte in its place is enough for a plain image.
+    constexpr std::string_view kMark = "SEGA";
+    for (size_t i = 0; i < kMark.size(); ++i) {
+        if (file[256 + i] == static_cast<uint8_t>(kMark[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// A block holds its odd bytes first and then its even ones. What is left behind the last whole block
+// stays as it is.
+std::vector<uint8_t> Deinterleave(std::span<const uint8_t> image) {
+    constexpr size_t kHalf = kInterleaveBlock / 2;
+    std::vector<uint8_t> out(image.begin(), image.end());
+    for (size_t block = 0; image.size() - block >= kInterleaveBlock; block += kInterleaveBlock) {
+        for (size_t i = 0; i < kHalf; ++i) {
+            out[block + 2 * i] = image[block + kHalf + i];
+            out[block + 2 * i + 1] = image[block + i];
+        }
+    }
+    return out;
+}
+
+MACHINE_RECORD DefaultMachineRecord(uint16_t system) {
+    MACHINE_RECORD record{};
+    if (system == kSystemMasterSystem) {
+        SMS_RECORD sms{};
+        std::memcpy(sms.tag, "SMS0", sizeof sms.tag);
+        sms.input1 = 1;
+        sms.input2 = 1;
+        sms.board = 1;
+        sms.consoles = 63;
+        std::memcpy(record.bytes, &sms, sizeof sms);
+    } else {
+        std::memcpy(record.bytes, "GDF0", 4);
+    }
+    return record;
+}
+
+// Copies the names of a database entry that use this piece. False when the entry doesn't hold it.
+bool AddKnownGame(CGameFile& game, const CGameFile& entry, const Sha256Digest& hash,
+                  uint32_t size) {
+    const int found = entry.FindRom(hash);
+    std::string romName;
+    ROM_RECORD rom{};
+    if (found < 0 || !entry.GetRom(static_cast<uint32_t>(found), romName, rom)) {
+        return false;
+    }
+    game.AddRom(romName, hash, size);
+    uint32_t position = 0;
+    for (const int index : entry.NamesUsingRom(static_cast<uint32_t>(found))) {
+        NAME_RECORD name{};
+        if (index < 0 || !entry.GetRawName(static_cast<uint32_t>(index), name)) {
+            break;
+        }
+        MACHINE_RECORD machine{};
+        const uint8_t* bytes = nullptr;
+        uint32_t length = 0;
+        if (entry.GetMachineRecord(static_cast<uint32_t>(index), bytes, length)) {
+            std::memcpy(machine.bytes, bytes, length);
+        }
+        game.AddNameCopy(name, machine);
+        // The position counts within this entry, also when an entry before has brought names.
+        (void)game.LinkRom(position, 0);
+        ++position;
+    }
+    return true;
+}
+
+void AddUnknownGame(CGameFile& game, uint16_t system, std::string_view stem,
+                    const Sha256Digest& hash, uint32_t size) {
+    game.AddNameFromTitle(stem, 1, 1, DefaultMachineRecord(system));
+    const std::string key(stem);
+    NAME_TEXTS texts;
+    texts.contentKey = key.c_str();
+    game.SetNameText(0, texts);
+    game.AddRom("v1.0", hash, size);
+    (void)game.LinkRom(0, 0);
+}
+
+} // namespace
+
+uint16_t SystemOfExtension(std::string_view extension) {
+    for (const GAME_SYSTEM& system : GameSystems()) {
+        if (Accepts(system, extension)) {
+            return system.system;
+        }
+    }
+    return 0;
+}
+
+bool ValidExtension(uint16_t system, std::string_view path) {
+    const GAME_SYSTEM* entry = FindGameSystem(system);
+    return entry != nullptr && (system == kSystemArcade || Accepts(*entry, ExtensionOf(path)));
+}
+
+std::vector<uint8_t> PrepareImage(uint16_t system, std::span<const uint8_t> file) {
+    if (system == kSystemMegaDrive && IsInterleaved(file)) {
+        return Deinterleave(file.subspan(kCopierHeader));
+    }
+    return {file.begin(), file.end()};
+}
+
+bool BuildGame(uint16_t system, std::string_view stem, std::span<const uint8_t> file,
+               std::span<const CGameFile> database, CGameFile& game, bool& known) {
+    game.Create(false, system);
+    known = false;
+    if (system == kSystemArcade || file.size() > kImageLimit) {
+        return false;
+    }
+    std::vector<uint8_t> image = PrepareImage(system, file);
+    const Sha256Digest hash = Sha256(image);
+    const auto size = static_cast<uint32_t>(image.size());
+    // The walk goes on behind the first entry that knows the image.
+    for (const CGameFile& entry : database) {
+        known |= AddKnownGame(game, entry, hash, size);
+    }
+    if (!known) {
+        AddUnknownGame(game, system, stem, hash, size);
+    }
+    // Every entry brings a piece of its own, for which the data holds the image once more.
+    const uint64_t total = uint64_t{game.RomCount()} * size;
+    if (total > kImageLimit) {
+        return false;
+    }
+    image.resize(static_cast<size_t>(total));
+    for (size_t offset = size; offset < image.size(); offset += size) {
+        std::copy_n(image.begin(), size, image.begin() + static_cast<std::ptrdiff_t>(offset));
+    }
+    game.ComputeHeaderHash();
+    return game.SetData(std::move(image));
+}
+
+bool ConvertImage(uint16_t system, std::string_view stem, std::span<const uint8_t> file,
+                  std::span<const CGameFile> database, std::vector<uint8_t>& out, bool& known) {
+    out.clear();
+    CGameFile game;
+    if (BuildGame(system, stem, file, database, game, known)) {
+        out = game.WriteGame(game.Data());
+    }
+    return !out.empty();
+}

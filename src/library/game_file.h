@@ -14,7 +14,10 @@
 //
 // Owner: one thread at a time; a session's machine copies what it needs.
 // Failure: by result alone, with no message. No input, whatever its bytes, reads or writes outside
-// its buffer, and nothing is allocated on the word of a size field that the data cannot bear out.
+// its buffer, and nothing is allocated on the word of a size field that the data cannot bear out: a
+// rawSize over LargestUnpackedSize(packedSize) (packing.h) is refused before anything is allocated.
+// Below that, neither hash is checked and a damaged stream is no failure: what comes out of it stands
+// in the image, and the rest of rawSize is zero.
 #pragma once
 
 #include "library/sha256.h"
@@ -41,11 +44,11 @@ enum GameSystem : uint16_t {
 #pragma pack(push, 1)
 
 struct GAME_HEADER {
-    char tag[4];          // "GAME"
-    uint32_t headerSize;  // bytes of all records but GADA
-    uint32_t rawSize;     // sum of the sizes of all ROM0 records
-    uint32_t packedSize;  // packed data, its five property bytes included
-    uint16_t system;      // GameSystem
+    char tag[4];         // "GAME"
+    uint32_t headerSize; // bytes of all records but GADA
+    uint32_t rawSize;    // sum of the sizes of all ROM0 records
+    uint32_t packedSize; // packed data, its five property bytes included
+    uint16_t system;     // GameSystem
     uint8_t reserved[6];
     uint8_t dataHash[32];   // SHA-256 of the packed data
     uint8_t headerHash[32]; // SHA-256 of the records with both hashes and packedSize zero
@@ -145,7 +148,7 @@ public:
     CGameFile(CGameFile&&) noexcept;
     CGameFile& operator=(CGameFile&&) noexcept;
 
-    // Frees the image and empties everything.
+    // Frees the image and empties everything; `selectedName` stays.
     void Reset();
     // An empty container for `system`, with an empty GADA record if asked for.
     void Create(bool withGada, uint16_t system);
@@ -153,7 +156,7 @@ public:
     void SetGadaText(std::string_view text);
 
     // Reads records from the front of the data, and with `unpack` the image behind them, which must
-    // then end exactly where the data ends.
+    // then end exactly where the data ends. After a failure the records read until then stand.
     [[nodiscard]] bool Parse(const uint8_t* data, size_t size, bool unpack);
 
     [[nodiscard]] uint32_t HeaderSize(bool withGada) const;
@@ -163,8 +166,13 @@ public:
     [[nodiscard]] std::vector<uint8_t> Serialise(bool withGada);
     void ComputeHeaderHash();
     // The whole `.game` file for this header and image; sets packedSize and both hashes. Empty when
-    // the image cannot be packed.
+    // the image is not of rawSize bytes or cannot be packed.
     [[nodiscard]] std::vector<uint8_t> WriteGame(std::span<const uint8_t> image);
+    // The same for a database entry, whose headerHash stays as the database has it.
+    [[nodiscard]] std::vector<uint8_t> WriteGameKeepingHash(std::span<const uint8_t> image);
+
+    // Holds an image as if it had been unpacked. False when it is not of rawSize bytes.
+    [[nodiscard]] bool SetData(std::vector<uint8_t> image);
 
     void AddRom(std::string_view name, const Sha256Digest& sha256, uint32_t size);
     // A title over 95 bytes runs on into altTitle, up to 127 bytes.
@@ -172,12 +180,14 @@ public:
                           const MACHINE_RECORD& machineRecord);
     void AddNameCopy(const NAME_RECORD& nameRecord, const MACHINE_RECORD& machineRecord);
     void AddMachineRecord(const MACHINE_RECORD& record);
-    // False for indices out of range; true, storing nothing, when all 64 slots are taken.
+    // False for indices out of range and for 255 and above, which a slot cannot hold; true, storing
+    // nothing, when all 64 slots are taken.
     bool LinkRom(uint32_t nameIndex, uint32_t romIndex);
 
     [[nodiscard]] bool GetName(uint32_t index, NAME_VIEW& name) const;
     [[nodiscard]] bool GetRawName(uint32_t index, NAME_RECORD& record) const;
     [[nodiscard]] bool GetRom(uint32_t index, std::string& name, ROM_RECORD& record) const;
+    // The record stays where it is until the next change of this object.
     [[nodiscard]] bool GetMachineRecord(uint32_t index, const uint8_t*& record,
                                         uint32_t& length) const;
     // The first piece of this hash, or -1.
@@ -187,7 +197,8 @@ public:
     [[nodiscard]] int NameRomAt(uint32_t nameIndex, uint32_t slot) const;
     [[nodiscard]] uint32_t RomOffset(uint32_t romIndex) const; // in the unpacked data
 
-    // The pieces of a variant, joined. Nothing for a bad index, or when no image is unpacked.
+    // The pieces of a variant, joined. Nothing for a bad index, when no image is unpacked, for a piece
+    // that lies outside it, and for more than kImageLimit bytes in all.
     [[nodiscard]] std::optional<std::vector<uint8_t>> AssembleImage(uint32_t nameIndex) const;
     [[nodiscard]] std::optional<std::vector<uint8_t>> AssembleSelectedImage() const;
     [[nodiscard]] bool SelectedMachineRecord(MACHINE_RECORD& record) const;
@@ -195,12 +206,19 @@ public:
     // piece's, since the key of saved states rests on it. Null when there is none.
     [[nodiscard]] const uint8_t* SelectedRomHash() const;
 
+    // Editing does nothing for an index out of range.
+    // A text is cut at its field's width, and not ended when it fills the field.
     void SetNameText(uint32_t index, const NAME_TEXTS& texts);
+    // Takes the four bytes behind the tag from the pattern, and the machine record.
     void SetNameBytes(uint32_t index, const NAME_RECORD& pattern,
                       const MACHINE_RECORD& machineRecord);
     void RenameRom(uint32_t index, std::string_view name);
+    // Takes the piece out of a name's list wherever it stands there; with `renumber` the indices above
+    // it go down by one.
     void UnlinkRom(uint32_t nameIndex, uint32_t romIndex, bool renumber);
+    // Also unlinks the piece from every name, with renumbering.
     void RemoveRom(uint32_t index);
+    // Also removes the machine record of this index.
     void RemoveName(uint32_t index);
 
     [[nodiscard]] uint32_t NameCount() const;
@@ -214,12 +232,37 @@ public:
     [[nodiscard]] std::span<const uint8_t> Data() const; // the unpacked image; empty until unpacked
 
     int32_t selectedName = -1; // index of the NAME record that the user picked
-    // (the private part is the implementer's)
+
+private:
+    // Reads one record at the front of `rest`. Gives the bytes taken; 0 for an unknown tag, a record
+    // out of place and one that does not fit.
+    [[nodiscard]] size_t TakeRecord(std::span<const uint8_t> rest);
+    [[nodiscard]] size_t TakeMachineRecord(std::span<const uint8_t> rest);
+    void TakeDefaultMachineRecord();
+    [[nodiscard]] bool TakeRecords(std::span<const uint8_t> data, size_t& consumed);
+    [[nodiscard]] bool Unpack(std::span<const uint8_t> packed);
+    [[nodiscard]] MACHINE_RECORD FittedMachineRecord(const MACHINE_RECORD& record) const;
+    [[nodiscard]] uint64_t LongRomOffset(size_t romIndex) const;
+
+    GADA_RECORD gada{};
+    GAME_HEADER header{};
+    std::vector<NAME_RECORD> names;
+    std::vector<ROM_RECORD> roms;
+    std::vector<MACHINE_RECORD> machineRecords; // beyond FixedRecordSize() zero
+    std::vector<uint8_t> data;
+    bool headerParsed = false;
+    bool dataUnpacked = false;
 };
 
-// Reads a `.game` file: with `headerOnly` its records alone, whatever follows them; otherwise all of
-// it, and then the file must be exactly as long as its header says.
-[[nodiscard]] bool LoadGameFile(bool headerOnly, const std::filesystem::path& path, CGameFile& game);
+// The largest `.game` file that is read, well over what the largest image packs to.
+inline constexpr uint64_t kGameFileLimit = uint64_t{1} << 29;
 
-// The entries of a `.dat` file. Stops at the first bytes that are no entry.
+// Reads a `.game` file: with `headerOnly` its records alone, whatever follows them; otherwise all of
+// it, and then the file must be exactly as long as its header says. A file that does not begin with
+// "GAME" is refused.
+[[nodiscard]] bool LoadGameFile(bool headerOnly, const std::filesystem::path& path,
+                                CGameFile& game);
+
+// The entries of a `.dat` file. Stops at the first bytes that are no entry; what was read until then is
+// given.
 [[nodiscard]] std::vector<CGameFile> ParseDatabase(const uint8_t* data, size_t size);

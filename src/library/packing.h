@@ -1,5 +1,7 @@
 // Image data packed with the LZMA SDK: five property bytes, then a raw stream with no length and no
 // need for an end marker.
+//
+// Any thread may call; each call allocates what it needs and frees it.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +11,18 @@
 
 inline constexpr size_t kLzmaPropertyBytes = 5;
 
-// Level 2, 4 MiB dictionary, lc 3, lp 0, pb 2, fb 32, one thread. Empty on failure.
+// No image of any system comes near this; whatever states a larger one is refused.
+inline constexpr uint64_t kImageLimit = uint64_t{1} << 28;
+
+// The most bytes that a packed image of this size can hold, kImageLimit at the most.
+//
+// The densest symbol, a repeated match of 273 bytes, takes 14 binary decisions. A probability of the
+// coder never passes 2017 in 2048, so that a decision takes at least 0.022 bits, the symbol 0.308
+// bits, and a packed byte holds at most 7,090 unpacked ones; 8,192 stand for that.
+[[nodiscard]] uint64_t LargestUnpackedSize(uint64_t packedSize);
+
+// Level 2, 4 MiB dictionary, lc 3, lp 0, pb 2, fb 32, one thread. Every image up to kImageLimit can be
+// packed, also one that grows by it; empty for a larger one and when memory runs out.
 [[nodiscard]] std::vector<uint8_t> PackImage(std::span<const uint8_t> image);
 
 // Unpacks exactly `image.size()` bytes. False when the properties are none, the stream is damaged or

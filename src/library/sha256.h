@@ -10,5 +10,5 @@ using Sha256Digest = std::array<uint8_t, 32>;
 
 [[nodiscard]] Sha256Digest Sha256(std::span<const uint8_t> bytes);
 
-// 64 hexadecimal digits, lower case.
+// Two hexadecimal digits a byte, lower case; 64 for a digest.
 [[nodiscard]] std::string HexText(std::span<const uint8_t> bytes);

@@ -36,7 +36,7 @@ public:
     [[nodiscard]] bool Entry(uint32_t index, ZIP_ENTRY& entry) const;
 
     // Unpacks an entry of at most `limit` bytes. False, with nothing in `bytes`, when it is larger,
-    // damaged or enciphered; a checksum that does not fit counts as damage.
+    // damaged or enciphered; a checksum or a size that does not fit counts as damage.
     [[nodiscard]] bool Unpack(uint32_t index, std::vector<uint8_t>& bytes, std::string& error,
                               uint64_t limit = uint64_t{1} << 28) const;
 

@@ -19,7 +19,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-fs::path gHome = ".";
+// Never freed: a session's thread may still name a file while the program ends.
+fs::path& Home() {
+    static auto* const home = new fs::path(".");
+    return *home;
+}
 
 struct FILE_CLOSER {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -85,11 +89,11 @@ bool FolderIsWritable(const fs::path& folder) {
 } // namespace
 
 void SetHomeFolder(const fs::path& folder) {
-    gHome = folder;
+    Home() = folder;
 }
 
 const fs::path& HomeFolder() {
-    return gHome;
+    return Home();
 }
 
 fs::path FindHomeFolder(const fs::path& executableFolder) {
@@ -185,9 +189,67 @@ bool ReadFile(const fs::path& path, std::vector<uint8_t>& bytes, std::string& er
     return true;
 }
 
-bool WriteFile(const fs::path& path, std::span<const uint8_t> bytes, std::string& error) {
+namespace {
+
+// Opens a temporary that nobody has: one left behind by a program that was killed may be in the way.
+FilePointer OpenTemporary(const fs::path& target, fs::path& temporary) {
+    constexpr int kTries = 1000;
+    for (int i = 0; i < kTries; ++i) {
+        temporary = TemporaryBeside(target);
+        FilePointer file = OpenFile(temporary, "wbx");
+        if (file || errno != EEXIST) {
+            return file;
+        }
+    }
+    return nullptr;
+}
+
+bool FillAndFlush(FilePointer file, std::span<const uint8_t> bytes) {
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size() &&
+                         FlushToDisk(file.get());
+    const int cause = errno;
+    const bool closed = std::fclose(file.release()) == 0;
+    errno = written ? errno : cause;
+    return written && closed;
+}
+
+// Gives the finished temporary its name.
+bool PutInPlace(const fs::path& temporary, const fs::path& target, WriteMode mode,
+                std::error_code& code) {
+    if (mode == WriteMode::kCreate) {
+        // A link, unlike a rename, never replaces. A file system without links gets the rename.
+        fs::create_hard_link(temporary, target, code);
+        if (code == std::errc::file_exists) {
+            return false;
+        }
+        if (!code) {
+            std::error_code ignored;
+            fs::remove(temporary, ignored);
+            return true;
+        }
+        if (fs::exists(target, code)) {
+            code = std::make_error_code(std::errc::file_exists);
+            return false;
+        }
+    }
+    fs::rename(temporary, target, code);
+    return !code;
+}
+
+} // namespace
+
+bool WriteFile(const fs::path& path, std::span<const uint8_t> bytes, std::string& error,
+               WriteMode mode) {
     std::error_code code;
-    const fs::path folder = path.parent_path();
+    fs::path target = path;
+    if (mode == WriteMode::kReplace && fs::is_symlink(path, code)) {
+        target = fs::weakly_canonical(path, code);
+        if (code) {
+            error = path.string() + ": its target cannot be found: " + code.message();
+            return false;
+        }
+    }
+    const fs::path folder = target.parent_path();
     if (!folder.empty() && !fs::is_directory(folder, code)) {
         fs::create_directories(folder, code);
         if (code) {
@@ -195,26 +257,23 @@ bool WriteFile(const fs::path& path, std::span<const uint8_t> bytes, std::string
             return false;
         }
     }
-    const fs::path temporary = TemporaryBeside(path);
-    FilePointer file = OpenFile(temporary, "wbx");
+    fs::path temporary;
+    FilePointer file = OpenTemporary(target, temporary);
     if (!file) {
         error = Describe(path, "cannot be written", errno);
         return false;
     }
-    errno = 0;
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size() &&
-                         FlushToDisk(file.get());
-    const int cause = errno;
-    const bool closed = std::fclose(file.release()) == 0;
-    if (!written || !closed) {
-        error = Describe(path, "cannot be written", written ? errno : cause);
-        fs::remove(temporary, code);
+    std::error_code ignored;
+    if (!FillAndFlush(std::move(file), bytes)) {
+        error = Describe(path, "cannot be written", errno);
+        fs::remove(temporary, ignored);
         return false;
     }
-    fs::rename(temporary, path, code);
-    if (code) {
-        error = path.string() + ": cannot be replaced: " + code.message();
-        std::error_code ignored;
+    if (const fs::file_status old = fs::status(target, ignored); fs::is_regular_file(old)) {
+        fs::permissions(temporary, old.permissions(), ignored);
+    }
+    if (!PutInPlace(temporary, target, mode, code)) {
+        error = path.string() + ": cannot be put in place: " + code.message();
         fs::remove(temporary, ignored);
         return false;
     }

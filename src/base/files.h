@@ -6,7 +6,7 @@
 // platform's own.
 //
 // Failure: every function reports by its result and fills `error` with one line that names the file
-// and the cause. Nothing throws.
+// and the cause. Nothing throws but for want of memory.
 #pragma once
 
 #include <cstdint>
@@ -31,12 +31,18 @@ void SetHomeFolder(const std::filesystem::path& folder);
 // name a file and can never name a folder.
 [[nodiscard]] std::string FileNameFromTitle(std::string_view title);
 
-// Reads a file whole. A file over `limit` bytes is refused before anything is allocated.
+// Reads a file whole. A file that states more than `limit` bytes is refused before anything is
+// allocated, one that turns out longer when the limit is reached.
 [[nodiscard]] bool ReadFile(const std::filesystem::path& path, std::vector<uint8_t>& bytes,
                             std::string& error, uint64_t limit = uint64_t{1} << 30);
 
+enum class WriteMode {
+    kReplace, // an old file goes; its permissions stay
+    kCreate,  // an old file stays, and the write fails
+};
+
 // Writes a file so that at every moment either the old one or the whole new one is there: into a
-// temporary beside it, flushed to the disk, renamed over. Missing folders are made. On failure the
-// old file is untouched and the temporary is gone.
+// temporary beside it, flushed to the disk, renamed over. Missing folders are made; of a symbolic
+// link the target is replaced. On failure the old file is untouched and the temporary is gone.
 [[nodiscard]] bool WriteFile(const std::filesystem::path& path, std::span<const uint8_t> bytes,
-                             std::string& error);
+                             std::string& error, WriteMode mode = WriteMode::kReplace);

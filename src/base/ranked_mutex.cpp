@@ -1,8 +1,9 @@
 #include "base/ranked_mutex.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <vector>
 
 namespace {
 
@@ -11,12 +12,21 @@ struct HELD_LOCK {
     const void* mutex;
 };
 
-thread_local std::vector<HELD_LOCK> gHeld;
+// A plain array: it needs no destructor, so that a lock taken while the program ends still finds it.
+constexpr size_t kMostHeld = 32;
+
+struct HELD_LOCKS {
+    HELD_LOCK locks[kMostHeld];
+    size_t count;
+};
+
+thread_local HELD_LOCKS gHeld{};
 
 } // namespace
 
 void LockRankPush(LockRank rank, const void* mutex, bool recursive) {
-    for (const HELD_LOCK& held : gHeld) {
+    for (size_t i = 0; i < gHeld.count; ++i) {
+        const HELD_LOCK& held = gHeld.locks[i];
         const bool again = held.mutex == mutex;
         if ((again && !recursive) || (!again && held.rank >= rank)) {
             std::fprintf(stderr, "lock of rank %d taken under one of rank %d\n",
@@ -27,13 +37,18 @@ void LockRankPush(LockRank rank, const void* mutex, bool recursive) {
             break;
         }
     }
-    gHeld.push_back({rank, mutex});
+    if (gHeld.count == kMostHeld) {
+        std::fprintf(stderr, "more than %zu locks held at once\n", kMostHeld);
+        std::abort();
+    }
+    gHeld.locks[gHeld.count++] = {rank, mutex};
 }
 
 void LockRankPop(const void* mutex) {
-    for (auto held = gHeld.rbegin(); held != gHeld.rend(); ++held) {
-        if (held->mutex == mutex) {
-            gHeld.erase(std::next(held).base());
+    for (size_t i = gHeld.count; i-- > 0;) {
+        if (gHeld.locks[i].mutex == mutex) {
+            std::copy(gHeld.locks + i + 1, gHeld.locks + gHeld.count, gHeld.locks + i);
+            --gHeld.count;
             return;
         }
     }

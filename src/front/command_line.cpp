@@ -64,12 +64,16 @@ int WindowCommand() {
                  "ombrelune %s: no machine is built in yet, so there is nothing to show.\n"
                  "Try: ombrelune --help\n",
                  OMBRELUNE_VERSION);
+    Settings().SetBool(L"app_720runonce", true);
+    std::string error;
+    if (!SaveSettingsFile(Settings(), error)) {
+        Complain(error);
+        return kExitFailed;
+    }
     return kExitDone;
 }
 
-} // namespace
-
-int RunCommandLine(int argc, const char* const* argv) {
+int Run(int argc, const char* const* argv) {
     CLI::App app("Ombrelune, an emulator of five consoles", "ombrelune");
     app.set_version_flag("--version", "ombrelune " OMBRELUNE_VERSION);
     app.require_subcommand(0, 1);
@@ -117,4 +121,16 @@ int RunCommandLine(int argc, const char* const* argv) {
         return ActionsCommand();
     }
     return WindowCommand();
+}
+
+} // namespace
+
+int RunCommandLine(int argc, const char* const* argv) {
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {
+        // Nothing of ours throws; what comes here is the want of memory.
+        Complain(error.what());
+        return kExitFailed;
+    }
 }

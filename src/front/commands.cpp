@@ -13,7 +13,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
-#include <ranges>
+#include <map>
 
 namespace fs = std::filesystem;
 
@@ -24,14 +24,14 @@ std::string SystemText(uint16_t system) {
     return entry != nullptr ? entry->name : "unknown (" + std::to_string(system) + ")";
 }
 
-// Control characters of a title must not reach the terminal.
+// Control characters of a name must not reach the terminal.
 std::string Printable(std::string_view text) {
-    std::string out(text);
-    for (char& c : out) {
-        const auto byte = static_cast<unsigned char>(c);
-        c = byte < 0x20 || byte == 0x7F ? '?' : c;
+    std::wstring wide = WideFromUtf8(text);
+    for (wchar_t& c : wide) {
+        const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
+        c = control ? L'?' : c;
     }
-    return out;
+    return Utf8FromWide(wide);
 }
 
 void ShowImage(const FOUND_IMAGE& image) {
@@ -80,7 +80,7 @@ bool ShowFile(const fs::path& path) {
             Complain(error);
             return false;
         }
-        std::printf("%s\n", path.string().c_str());
+        std::printf("%s\n", Printable(path.string()).c_str());
         ShowGame(game);
         CGameFile whole;
         if (!OpenGameFile(path, false, whole, error)) {
@@ -89,14 +89,26 @@ bool ShowFile(const fs::path& path) {
         }
         return true;
     }
-    std::vector<FOUND_IMAGE> images;
-    if (!FindImages(path, nullptr, images, error)) {
+    bool shown = false;
+    bool whole = true;
+    IMAGE_VISITOR visitor;
+    visitor.image = [&](const FOUND_IMAGE& image) {
+        if (!shown) {
+            std::printf("%s\n", Printable(path.string()).c_str());
+        }
+        shown = true;
+        ShowImage(image);
+        return true;
+    };
+    visitor.fault = [&](const std::string& fault) {
+        Complain(fault);
+        whole = false;
+    };
+    if (!VisitImages(path, nullptr, visitor, error)) {
         Complain(error);
         return false;
     }
-    std::printf("%s\n", path.string().c_str());
-    std::ranges::for_each(images, ShowImage);
-    return true;
+    return whole;
 }
 
 // The first name that is free or already holds these bytes.
@@ -106,7 +118,7 @@ fs::path TargetOf(fs::path target, std::span<const uint8_t> bytes, bool& already
         fs::path file = target;
         file += ".game";
         std::error_code code;
-        if (!fs::exists(file, code)) {
+        if (fs::symlink_status(file, code).type() == fs::file_type::not_found) {
             return file;
         }
         std::vector<uint8_t> old;
@@ -119,11 +131,18 @@ fs::path TargetOf(fs::path target, std::span<const uint8_t> bytes, bool& already
     }
 }
 
-bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& outFolder) {
-    const std::vector<CGameFile> database = LoadDatabase(image.system);
+// The databases of the systems met so far, each read once.
+using Databases = std::map<uint16_t, std::vector<CGameFile>>;
+
+bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& outFolder,
+                Databases& databases) {
+    const auto [database, added] = databases.try_emplace(image.system);
+    if (added) {
+        database->second = LoadDatabase(image.system);
+    }
     std::vector<uint8_t> bytes;
     bool known = false;
-    if (!ConvertImage(image.system, image.stem, image.bytes, database, bytes, known)) {
+    if (!ConvertImage(image.system, image.stem, image.bytes, database->second, bytes, known)) {
         Complain(path.string() + ": " + image.stem + ": cannot be converted by itself");
         return false;
     }
@@ -131,11 +150,11 @@ bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& 
     bool alreadyThere = false;
     const fs::path target = TargetOf(folder / FileNameFromTitle(image.stem), bytes, alreadyThere);
     std::string error;
-    if (!alreadyThere && !WriteFile(target, bytes, error)) {
+    if (!alreadyThere && !WriteFile(target, bytes, error, WriteMode::kCreate)) {
         Complain(error);
         return false;
     }
-    std::printf("%s%s%s\n", target.string().c_str(), known ? "" : ": unknown game",
+    std::printf("%s%s%s\n", Printable(target.string()).c_str(), known ? "" : ": unknown game",
                 alreadyThere ? ", already there" : "");
     return true;
 }
@@ -143,7 +162,7 @@ bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& 
 } // namespace
 
 void Complain(const std::string& message) {
-    std::fprintf(stderr, "ombrelune: %s\n", message.c_str());
+    std::fprintf(stderr, "ombrelune: %s\n", Printable(message).c_str());
 }
 
 int ActionsCommand() {
@@ -167,22 +186,27 @@ int InfoCommand(const std::vector<fs::path>& paths) {
 int ConvertCommand(const CONVERT_OPTIONS& options) {
     const GAME_SYSTEM* system =
         options.machine.empty() ? nullptr : FindGameSystem(std::string_view(options.machine));
+    Databases databases;
     bool done = true;
     for (const fs::path& path : options.paths) {
-        std::vector<FOUND_IMAGE> images;
-        std::string error;
         if (LowerAscii(std::string_view(path.extension().string())) == ".game") {
             Complain(path.string() + ": is a .game already");
             done = false;
             continue;
         }
-        if (!FindImages(path, system, images, error)) {
+        IMAGE_VISITOR visitor;
+        visitor.image = [&](const FOUND_IMAGE& image) {
+            done = ConvertOne(path, image, options.outFolder, databases) && done;
+            return true;
+        };
+        visitor.fault = [&](const std::string& fault) {
+            Complain(fault);
+            done = false;
+        };
+        std::string error;
+        if (!VisitImages(path, system, visitor, error)) {
             Complain(error);
             done = false;
-            continue;
-        }
-        for (const FOUND_IMAGE& image : images) {
-            done = ConvertOne(path, image, options.outFolder) && done;
         }
     }
     return done ? kExitDone : kExitFailed;

@@ -10,6 +10,8 @@
 namespace {
 
 constexpr size_t kTagBytes = 4;
+// Far more than any game has; a file of short records must not take many times its size in memory.
+constexpr size_t kMostRecords = 65536;
 
 bool HasTag(std::span<const uint8_t> bytes, const char* tag) {
     return std::memcmp(bytes.data(), tag, kTagBytes) == 0;
@@ -104,6 +106,9 @@ void CGameFile::TakeDefaultMachineRecord() {
 bool CGameFile::TakeRecords(std::span<const uint8_t> bytes, size_t& consumed) {
     consumed = 0;
     while (bytes.size() - consumed >= kTagBytes) {
+        if (names.size() + roms.size() + machineRecords.size() > kMostRecords) {
+            return false;
+        }
         const size_t taken = TakeRecord(bytes.subspan(consumed));
         if (taken == 0) {
             return false;

@@ -6,8 +6,8 @@
 #include "library/game_file.h"
 #include "library/zip.h"
 
-#include <algorithm>
 #include <cstring>
+#include <fstream>
 
 namespace fs = std::filesystem;
 
@@ -17,92 +17,149 @@ std::string LowerExtension(const fs::path& path) {
     return LowerAscii(std::string_view(path.extension().string()));
 }
 
-// Reads an archive's entries that are images. One that cannot be unpacked fails the whole: a user who
-// asks for a game by name wants to know that it is broken.
-bool ImagesOfArchive(const fs::path& path, std::span<const uint8_t> archive,
-                     const GAME_SYSTEM* system, std::vector<FOUND_IMAGE>& images,
-                     std::string& error) {
-    ZipReader reader;
-    if (!reader.Open(archive, error)) {
-        error = path.string() + ": " + error;
-        return false;
-    }
-    uint32_t files = 0;
-    uint32_t onlyFile = 0;
-    std::string onlyStem;
-    const auto take = [&](uint32_t index, const std::string& stem, uint16_t number) {
-        FOUND_IMAGE image;
-        image.stem = stem;
-        image.system = number;
-        if (!reader.Unpack(index, image.bytes, error, kLargestImage)) {
-            error = path.string() + ": " + error;
-            return false;
-        }
-        images.push_back(std::move(image));
-        return true;
-    };
+// A file name may hold any bytes; a title is UTF-8.
+std::string StemOf(const fs::path& path) {
+    return Utf8FromWide(WideFromUtf8(path.stem().string()));
+}
+
+struct ARCHIVE_ENTRY {
+    uint32_t index;
+    std::string stem;
+    uint16_t system;
+    uint64_t unpackedSize;
+};
+
+// The entries that are images, or the only file where `system` is given and none has its extension.
+std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const GAME_SYSTEM* system) {
+    std::vector<ARCHIVE_ENTRY> images;
+    std::vector<ARCHIVE_ENTRY> files;
     for (uint32_t index = 0; index < reader.EntryCount(); ++index) {
         ZIP_ENTRY entry;
         if (!reader.Entry(index, entry) || entry.unpackedSize == 0) {
             continue;
         }
         const fs::path name(Utf8FromWide(LastPathComponent(entry.name)));
-        ++files;
-        onlyFile = index;
-        onlyStem = name.stem().string();
+        if (name.empty()) {
+            continue; // a folder
+        }
         const uint16_t number = SystemOfExtension(name.extension().string());
-        if (number == 0 || (system != nullptr && system->system != number)) {
-            continue;
+        ARCHIVE_ENTRY found{index, StemOf(name), number, entry.unpackedSize};
+        if (number != 0 && (system == nullptr || system->system == number)) {
+            images.push_back(found);
         }
-        if (!take(index, onlyStem, number)) {
-            return false;
+        if (files.size() < 2) {
+            files.push_back(std::move(found));
         }
     }
-    if (images.empty() && files == 1 && system != nullptr) {
-        return take(onlyFile, onlyStem, system->system);
+    if (images.empty() && files.size() == 1 && system != nullptr) {
+        files.front().system = system->system;
+        return files;
     }
-    if (images.empty()) {
+    return images;
+}
+
+bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive, const GAME_SYSTEM* system,
+                  const IMAGE_VISITOR& visitor, std::string& error) {
+    ZipReader reader;
+    if (!reader.Open(archive, error)) {
+        error = path.string() + ": " + error;
+        return false;
+    }
+    const std::vector<ARCHIVE_ENTRY> entries = ImageEntries(reader, system);
+    if (entries.empty()) {
         error = path.string() + ": holds no game image";
         return false;
+    }
+    uint64_t room = kLargestArchive;
+    for (const ARCHIVE_ENTRY& entry : entries) {
+        if (entry.unpackedSize > room) {
+            error = path.string() + ": its images unpack to more than " +
+                    std::to_string(kLargestArchive) + " bytes";
+            return false;
+        }
+        room -= entry.unpackedSize;
+        FOUND_IMAGE image;
+        image.stem = entry.stem;
+        image.system = entry.system;
+        std::string fault;
+        if (!reader.Unpack(entry.index, image.bytes, fault, kLargestImage)) {
+            visitor.fault(path.string() + ": " + fault);
+            continue;
+        }
+        if (!visitor.image(image)) {
+            break;
+        }
     }
     return true;
 }
 
 // Says in words why LoadGameFile refused a file.
 std::string FaultOfGameFile(const fs::path& path, bool headerOnly) {
-    std::vector<uint8_t> bytes;
-    std::string error;
-    if (!ReadFile(path, bytes, error, kLargestImage * 2)) {
-        return error;
-    }
     const std::string name = path.string();
-    GAME_HEADER header;
-    if (bytes.size() < sizeof header) {
+    std::error_code code;
+    if (fs::is_directory(path, code)) {
+        return name + ": is a folder";
+    }
+    std::ifstream file(path, std::ios::binary);
+    const uint64_t size = fs::file_size(path, code);
+    if (!file || code) {
+        return name + ": cannot be opened";
+    }
+    GAME_HEADER header{};
+    if (!file.read(reinterpret_cast<char*>(&header), sizeof header)) {
         return name + ": is too short to be a game file";
     }
-    std::memcpy(&header, bytes.data(), sizeof header);
     if (std::memcmp(header.tag, "GAME", sizeof header.tag) != 0) {
         return name + ": is not a game file";
     }
-    if (header.headerSize > bytes.size()) {
+    if (header.headerSize > size) {
         return name + ": is cut off within its records";
     }
     const uint64_t stated = uint64_t{header.headerSize} + header.packedSize;
-    if (!headerOnly && stated != bytes.size()) {
-        return name + ": is " + std::to_string(bytes.size()) + " bytes long, but its header says " +
+    if (!headerOnly && stated != size) {
+        return name + ": is " + std::to_string(size) + " bytes long, but its header says " +
                std::to_string(stated);
     }
     return name + ": its records or its image are damaged";
 }
 
+bool OpenImageFile(const fs::path& path, const GAME_SYSTEM* system, CGameFile& game,
+                   std::string& error) {
+    bool built = false;
+    IMAGE_VISITOR visitor;
+    visitor.image = [&](const FOUND_IMAGE& image) {
+        bool known = false;
+        built = BuildGame(image.system, image.stem, image.bytes, LoadDatabase(image.system), game,
+                          known);
+        error = built ? "" : path.string() + ": is no image that can be played by itself";
+        return false;
+    };
+    visitor.fault = [&](const std::string& fault) { error = fault; };
+    return VisitImages(path, system, visitor, error) && built;
+}
+
+// Takes the image of a game for another system's, as the user says.
+bool ChangeSystem(const fs::path& path, const GAME_SYSTEM& system, CGameFile& game,
+                  std::string& error) {
+    const auto image = game.AssembleImage(0);
+    NAME_VIEW name;
+    CGameFile changed;
+    bool known = false;
+    if (!image || !game.GetName(0, name) ||
+        !BuildGame(system.system, name.title, *image, {}, changed, known)) {
+        error = path.string() + ": holds no image that can be played on the " + system.name;
+        return false;
+    }
+    game = std::move(changed);
+    return true;
+}
+
 } // namespace
 
-bool FindImages(const fs::path& path, const GAME_SYSTEM* system, std::vector<FOUND_IMAGE>& images,
-                std::string& error) {
-    images.clear();
+bool VisitImages(const fs::path& path, const GAME_SYSTEM* system, const IMAGE_VISITOR& visitor,
+                 std::string& error) {
     std::vector<uint8_t> bytes;
     const std::string extension = LowerExtension(path);
-    const uint16_t number = system != nullptr ? system->system : SystemOfExtension(extension);
     if (!ReadFile(path, bytes, error, kLargestImage)) {
         return false;
     }
@@ -111,38 +168,32 @@ bool FindImages(const fs::path& path, const GAME_SYSTEM* system, std::vector<FOU
         return false;
     }
     if (extension == ".zip") {
-        return ImagesOfArchive(path, bytes, system, images, error);
+        return VisitArchive(path, bytes, system, visitor, error);
     }
+    const uint16_t number = system != nullptr ? system->system : SystemOfExtension(extension);
     if (number == 0) {
         error = path.string() + ": is of no known kind; the extension tells the system";
         return false;
     }
-    images.push_back({path.stem().string(), number, std::move(bytes)});
+    visitor.image({StemOf(path), number, std::move(bytes)});
     return true;
 }
 
 bool OpenGame(const fs::path& path, const GAME_SYSTEM* system, CGameFile& game, std::string& title,
               std::string& error) {
-    if (LowerExtension(path) == ".game") {
-        if (!OpenGameFile(path, false, game, error)) {
+    if (LowerExtension(path) != ".game") {
+        if (!OpenImageFile(path, system, game, error)) {
             return false;
         }
-    } else {
-        std::vector<FOUND_IMAGE> images;
-        if (!FindImages(path, system, images, error)) {
-            return false;
-        }
-        const FOUND_IMAGE& image = images.front();
-        const std::vector<CGameFile> database = LoadDatabase(image.system);
-        bool known = false;
-        if (!BuildGame(image.system, image.stem, image.bytes, database, game, known)) {
-            error = path.string() + ": is no image that can be played by itself";
-            return false;
-        }
+    } else if (!OpenGameFile(path, false, game, error)) {
+        return false;
+    } else if (system != nullptr && system->system != game.Header().system &&
+               !ChangeSystem(path, *system, game, error)) {
+        return false;
     }
     game.selectedName = 0;
     NAME_VIEW name;
-    title = game.GetName(0, name) && !name.title.empty() ? name.title : path.stem().string();
+    title = game.GetName(0, name) && !name.title.empty() ? name.title : StemOf(path);
     return true;
 }
 

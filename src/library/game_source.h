@@ -7,13 +7,16 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
 class CGameFile;
 
-// The largest image that is read: well over the largest cartridge of any of the machines.
+// The largest ROM or archive that is read: well over the largest cartridge of any of the machines.
 inline constexpr uint64_t kLargestImage = uint64_t{64} << 20;
+// The most that the images of one archive may unpack to.
+inline constexpr uint64_t kLargestArchive = uint64_t{1} << 30;
 
 struct FOUND_IMAGE {
     std::string stem; // of the file, or of the entry in the archive; UTF-8
@@ -21,14 +24,21 @@ struct FOUND_IMAGE {
     std::vector<uint8_t> bytes; // as in the file, with whatever header it has
 };
 
-// The images in a ROM file or a zip, in the archive's order; at least one on success. With `system` the
-// file is taken for that system's whatever its extension; an archive's entries too, when none of them
-// has an extension of that system and there is only one.
-[[nodiscard]] bool FindImages(const std::filesystem::path& path, const GAME_SYSTEM* system,
-                              std::vector<FOUND_IMAGE>& images, std::string& error);
+// Gets the images of a file one at a time; only one is in memory.
+struct IMAGE_VISITOR {
+    std::function<bool(const FOUND_IMAGE& image)> image; // false: enough seen
+    std::function<void(const std::string& error)> fault; // an entry that cannot be unpacked
+};
+
+// Visits the images in a ROM file or a zip, in the archive's order. With `system` the file is taken for
+// that system's whatever its extension; of an archive its entries of that system, or the only one
+// where none has its extension. True when the file could be read and at least one image was visited;
+// a fault of a single entry goes to the visitor and the others are still visited.
+[[nodiscard]] bool VisitImages(const std::filesystem::path& path, const GAME_SYSTEM* system,
+                               const IMAGE_VISITOR& visitor, std::string& error);
 
 // Opens a game for playing, its image unpacked and its first name selected. Of an archive it is the
-// first image.
+// first image. With `system` the image is taken for that system's, whatever the file says.
 [[nodiscard]] bool OpenGame(const std::filesystem::path& path, const GAME_SYSTEM* system,
                             CGameFile& game, std::string& title, std::string& error);
 

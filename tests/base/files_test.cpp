@@ -3,6 +3,7 @@
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 
@@ -95,6 +96,41 @@ TEST(Files, AFailedWriteNamesTheFileAndKeepsTheOldOne) {
     EXPECT_FALSE(WriteFile(folder.Path() / "folder", Bytes("x"), error));
     EXPECT_EQ(folder.Read("folder/kept"), Bytes("old"));
     EXPECT_EQ(FilesIn(folder.Path()), 2u) << "the temporary is gone";
+}
+
+TEST(Files, CreatingNeverReplaces) {
+    const TemporaryFolder folder;
+    folder.Write("f", std::string_view("old"));
+    std::string error;
+    EXPECT_FALSE(WriteFile(folder.Path() / "f", Bytes("new"), error, WriteMode::kCreate));
+    EXPECT_EQ(folder.Read("f"), Bytes("old"));
+    EXPECT_TRUE(WriteFile(folder.Path() / "g", Bytes("new"), error, WriteMode::kCreate)) << error;
+    EXPECT_EQ(folder.Read("g"), Bytes("new"));
+    EXPECT_EQ(FilesIn(folder.Path()), 2u);
+}
+
+TEST(Files, ReplacingKeepsPermissionsAndALink) {
+    const TemporaryFolder folder;
+    const fs::path real = folder.Write("real", std::string_view("old"));
+    fs::permissions(real, fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink(real, folder.Path() / "link");
+    std::string error;
+    ASSERT_TRUE(WriteFile(folder.Path() / "link", Bytes("new"), error)) << error;
+    EXPECT_TRUE(fs::is_symlink(folder.Path() / "link"));
+    EXPECT_EQ(folder.Read("real"), Bytes("new"));
+    EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(Files, ATemporaryLeftBehindIsNotInTheWay) {
+    const TemporaryFolder folder;
+    // What the next hundred serial numbers of this process would be called.
+    for (int serial = 0; serial < 200; ++serial) {
+        folder.Write("f.tmp-" + std::to_string(getpid()) + "-" + std::to_string(serial),
+                     std::string_view("left behind"));
+    }
+    std::string error;
+    ASSERT_TRUE(WriteFile(folder.Path() / "f", Bytes("new"), error)) << error;
+    EXPECT_EQ(folder.Read("f"), Bytes("new"));
 }
 
 TEST(Files, ReadingWhatIsNotThereNamesIt) {

@@ -111,6 +111,49 @@ TEST(CommandLine, ConvertTakesEveryImageOutOfAZip) {
     EXPECT_EQ(Lines(result.output), 2u);
 }
 
+TEST(CommandLine, AnArchiveIsTakenForTheMachineThatTheUserNames) {
+    const TemporaryFolder home;
+    ZipWriter writer;
+    std::string error;
+    ASSERT_TRUE(writer.Add("game.rom", Image(500), error));
+    const auto zip = home.Write("one.zip", writer.Finish(error));
+    EXPECT_EQ(Ombrelune({"convert", zip.string()}, home).exitCode, 1);
+    ASSERT_EQ(Ombrelune({"convert", zip.string(), "--machine", "sms"}, home).exitCode, 0);
+    const auto info = Ombrelune({"info", (home.Path() / "game.game").string()}, home);
+    EXPECT_THAT(info.output, HasSubstr("Master System, 500 bytes"));
+}
+
+TEST(CommandLine, ABrokenEntryOfAnArchiveLeavesTheOthers) {
+    const TemporaryFolder home;
+    ZipWriter writer;
+    std::string error;
+    // Data without a pattern is stored as it is, so that a changed byte is found by the checksum.
+    std::vector<uint8_t> noise(500);
+    uint32_t state = 1;
+    for (uint8_t& byte : noise) {
+        state = state * 1664525 + 1013904223;
+        byte = static_cast<uint8_t>(state >> 24);
+    }
+    ASSERT_TRUE(writer.Add("broken.sms", noise, error));
+    ASSERT_TRUE(writer.Add("whole.sms", Image(700), error));
+    auto archive = writer.Finish(error);
+    archive[200] = static_cast<uint8_t>(archive[200] ^ 0xFF);
+    const auto zip = home.Write("two.zip", archive);
+    const PROGRAM_RESULT result = Ombrelune({"convert", zip.string()}, home);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr(zip.string()));
+    EXPECT_FALSE(std::filesystem::exists(home.Path() / "broken.game"));
+    EXPECT_TRUE(std::filesystem::exists(home.Path() / "whole.game"));
+}
+
+TEST(CommandLine, ASettingsFileIsWrittenAtTheEndOfTheRun) {
+    const TemporaryFolder home;
+    EXPECT_EQ(Ombrelune({}, home).exitCode, 0);
+    const auto bytes = home.Read("config.xml");
+    const std::string text(bytes.begin(), bytes.end());
+    EXPECT_THAT(text, HasSubstr("<bool name=\"app_720runonce\" value=\"true\""));
+}
+
 TEST(CommandLine, EveryBadFileGetsOneLineThatNamesItAndExitCodeOne) {
     const TemporaryFolder home;
     const std::vector<std::pair<std::filesystem::path, std::string>> files = {

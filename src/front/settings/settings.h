@@ -137,6 +137,7 @@ void RegisterDefaultSettings(SettingsStore& store);
 
 // Reads and writes `.\config.xml`. A missing or broken file leaves the defaults; `error` then says
 // what is wrong with it and stays empty for a missing one. Before the first save over a file that
-// could not be read as settings, that file is kept as `config.xml.damaged` beside it.
+// could not be read as settings, that file is copied to `config.xml.damaged`, or the next free
+// name of that kind, beside it.
 bool LoadSettingsFile(SettingsStore& store, std::string& error);
 [[nodiscard]] bool SaveSettingsFile(const SettingsStore& store, std::string& error);

@@ -265,20 +265,46 @@ bool LoadSettingsFile(SettingsStore& store, std::string& error) {
            store.Load(bytes.data(), bytes.size());
 }
 
+namespace {
+
+// A name beside the settings file that nothing has.
+fs::path FreeKeptName(const fs::path& path) {
+    fs::path kept = path;
+    kept += ".damaged";
+    std::error_code code;
+    for (int number = 2;
+         fs::symlink_status(kept, code).type() != fs::file_type::not_found && number < 10000;
+         ++number) {
+        kept = path;
+        kept += ".damaged-" + std::to_string(number);
+    }
+    return kept;
+}
+
+// Copies a damaged file, so that the settings file, which may also mark the home folder, is there at
+// every moment. What is no file (a folder, a pipe) cannot be copied and is moved out of the way.
+bool KeepDamaged(const fs::path& path, std::string& error) {
+    const fs::path kept = FreeKeptName(path);
+    std::error_code code;
+    if (fs::is_regular_file(path, code)) {
+        fs::copy_file(path, kept, code);
+    } else {
+        fs::rename(path, kept, code);
+    }
+    if (code) {
+        error = path.string() + ": cannot be kept as " + kept.filename().string() + ": " +
+                code.message();
+    }
+    return !code;
+}
+
+} // namespace
+
 bool SaveSettingsFile(const SettingsStore& store, std::string& error) {
     const fs::path path = ResolvePath(kSettingsFile);
     std::vector<uint8_t> bytes;
-    if (ReadSettingsFile(path, bytes, error) == FileState::kDamaged) {
-        // The rename loses nothing at any moment: a damaged file and a missing one start alike.
-        fs::path kept = path;
-        kept += ".damaged";
-        std::error_code code;
-        fs::rename(path, kept, code);
-        if (code) {
-            error = path.string() + ": cannot be kept as " + kept.filename().string() + ": " +
-                    code.message();
-            return false;
-        }
+    if (ReadSettingsFile(path, bytes, error) == FileState::kDamaged && !KeepDamaged(path, error)) {
+        return false;
     }
     error.clear();
     return WriteFile(path, store.Save(), error);

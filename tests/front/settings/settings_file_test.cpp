@@ -117,28 +117,26 @@ TEST(SettingsFile, AFolderOrPipeOfThatNameIsReportedAndNeverRead) {
     EXPECT_EQ(store.Save(), Defaults());
 }
 
-TEST(SettingsFile, ADamagedFileThatCannotBeKeptIsNotReplaced) {
+TEST(SettingsFile, ASecondDamagedFileDoesNotReplaceTheFirst) {
     const TemporaryHome home;
-    home.Write("config.xml", "damaged");
-    home.Write("config.xml.damaged/inside", "x"); // a folder stands in its way
     SettingsStore store;
     RegisterDefaultSettings(store);
     std::string error;
-    EXPECT_FALSE(SaveSettingsFile(store, error));
-    EXPECT_TRUE(error.starts_with((home.Path() / "config.xml").string() + ": ")) << error;
-    EXPECT_EQ(Text(home.Read("config.xml")), "damaged");
+    home.Write("config.xml", "damaged once");
+    ASSERT_TRUE(SaveSettingsFile(store, error)) << error;
+    home.Write("config.xml", "damaged twice");
+    ASSERT_TRUE(SaveSettingsFile(store, error)) << error;
+    EXPECT_EQ(Text(home.Read("config.xml.damaged")), "damaged once");
+    EXPECT_EQ(Text(home.Read("config.xml.damaged-2")), "damaged twice");
+    EXPECT_EQ(home.Read("config.xml"), Defaults());
 }
 
-// The limit on file sizes stands for a disk that fills up in the middle of the file.
-TEST(SettingsFile, AFailedSaveLeavesTheOldFile) {
-    const TemporaryHome home;
-    SettingsStore store;
-    RegisterDefaultSettings(store);
-    std::string error;
-    ASSERT_TRUE(SaveSettingsFile(store, error)) << error;
+// Saves in a child that may write no file of more than 500 bytes, as on a disk that fills up in the
+// middle of the file. True when the save failed and its error names the settings file.
+bool SaveFailsOnAFullDisk(SettingsStore& store) {
     const pid_t child = fork();
-    ASSERT_GE(child, 0);
     if (child == 0) {
+        std::string error;
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{500, 500};
         store.SetInt(L"app_window_width", 1);
@@ -147,9 +145,26 @@ TEST(SettingsFile, AFailedSaveLeavesTheOldFile) {
         _exit(limited && !saved && error.find("config.xml: ") != std::string::npos ? 0 : 1);
     }
     int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0)
-        << "the save did not fail as it should";
+    return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST(SettingsFile, ADamagedFileThatCannotBeKeptIsNotReplaced) {
+    const TemporaryHome home;
+    const std::string damaged(2000, 'x');
+    home.Write("config.xml", damaged);
+    SettingsStore store;
+    RegisterDefaultSettings(store);
+    EXPECT_TRUE(SaveFailsOnAFullDisk(store));
+    EXPECT_EQ(Text(home.Read("config.xml")), damaged);
+}
+
+TEST(SettingsFile, AFailedSaveLeavesTheOldFile) {
+    const TemporaryHome home;
+    SettingsStore store;
+    RegisterDefaultSettings(store);
+    std::string error;
+    ASSERT_TRUE(SaveSettingsFile(store, error)) << error;
+    EXPECT_TRUE(SaveFailsOnAFullDisk(store));
     EXPECT_EQ(home.Read("config.xml"), Defaults());
 }
 

@@ -1,1 +1,249 @@
 #include "audio/sound.h"
+
+#include "audio/sound_channel.h"
+#include "audio/sound_device.h"
+#include "audio/sound_pump.h"
+#include "base/audio_rate.h"
+#include "base/ranked_mutex.h"
+#include "front/settings/bindings.h"
+#include "front/settings/settings.h"
+#include "host/host_data.h"
+#include "host/session.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr float kRoomToDevice = 0.01f; // room units to the device's
+constexpr auto kPumpRound = std::chrono::milliseconds(5);
+constexpr uint32_t kListenerRounds = 7;
+
+struct OPEN_CHANNEL {
+    EMU_THREAD* session;
+    EMU_HOST_DATA* data;
+    SoundChannel* channel;
+};
+
+// Under the sound mutex.
+struct SOUND_STATE {
+    std::unique_ptr<SoundDevice> device; // null: silent
+    std::vector<OPEN_CHANNEL> channels;
+    std::map<uint32_t, SOUND_PLACE> televisions; // by session key, in the device's units
+};
+SOUND_STATE gSound;
+
+RankedMutex<LockRank::kLeaf> gListenerLock;
+SOUND_LISTENER gListener;
+
+std::atomic<bool> gRoomVisible{false};
+std::atomic<float> gVolume{1.0f};
+
+// Ends with the program at the latest.
+struct PUMP_THREAD {
+    std::thread thread;
+    std::atomic<bool> stop{false};
+
+    void Stop() {
+        stop = true;
+        if (thread.joinable()) {
+            thread.join();
+        }
+    }
+    ~PUMP_THREAD() { Stop(); }
+};
+PUMP_THREAD gPump;
+
+SOUND_PLACE Television(uint32_t sessionKey) {
+    const auto found = gSound.televisions.find(sessionKey);
+    return found == gSound.televisions.end() ? SOUND_PLACE{} : found->second;
+}
+
+// Both rings or none.
+bool AttachRings(SoundDevice& device, SoundChannel& channel, uint32_t sessionKey) {
+    if (!device.Attach(channel.mono, RingKind::kPositioned)) {
+        return false;
+    }
+    device.PlaceRing(channel.mono, Television(sessionKey));
+    if (!device.Attach(channel.stereo, RingKind::kDirect)) {
+        device.Detach(channel.mono);
+        return false;
+    }
+    return true;
+}
+
+// A channel that outlived its device starts afresh: what waited meanwhile is old, and the frames'
+// length follows the sound again.
+void RestartChannels(SoundDevice& device) {
+    for (const OPEN_CHANNEL& open : gSound.channels) {
+        open.channel->Restart();
+        open.session->directSound = 0;
+        open.session->soundBytes.store(0, std::memory_order_relaxed);
+        open.data->noSound = !AttachRings(device, *open.channel, open.session->key);
+    }
+}
+
+void CommitListener() {
+    SOUND_LISTENER listener;
+    {
+        const std::lock_guard guard(gListenerLock);
+        listener = gListener;
+    }
+    const std::lock_guard guard(EmuSoundMutex());
+    if (gSound.device) {
+        gSound.device->PlaceListener({listener.x * kRoomToDevice, 0.0f, listener.z * kRoomToDevice},
+                                     {listener.front[0], listener.front[1], listener.front[2]},
+                                     {listener.top[0], listener.top[1], listener.top[2]});
+    }
+}
+
+void PumpThread() {
+    uint32_t rounds = 0;
+    while (!gPump.stop.load(std::memory_order_relaxed)) {
+        EmuForEachSession([](EMU_THREAD& session) { PumpSound(session); });
+        if (++rounds == kListenerRounds) {
+            rounds = 0;
+            CommitListener();
+        }
+        std::this_thread::sleep_for(kPumpRound);
+    }
+}
+
+} // namespace
+
+bool OpenSoundDevice(std::string& error) {
+    const std::lock_guard guard(EmuSoundMutex());
+    if (gSound.device) {
+        return true;
+    }
+    auto device = std::make_unique<SoundDevice>();
+    if (!device->OpenSdl(AudioRate(), error)) {
+        return false;
+    }
+    SoundSetVolume(Settings().GetFloat(L"audio_volume"));
+    gSound.device = std::move(device);
+    RestartChannels(*gSound.device);
+    return true;
+}
+
+void CloseSoundDevice() {
+    const std::lock_guard guard(EmuSoundMutex());
+    gSound.device.reset();
+}
+
+void SoundDeviceLost() {
+    CloseSoundDevice();
+}
+
+uint32_t SoundDeviceNumber() {
+    const std::lock_guard guard(EmuSoundMutex());
+    return gSound.device ? gSound.device->SdlDevice() : 0;
+}
+
+void CreateSoundChannel(EMU_THREAD& session) {
+    EMU_HOST_DATA* const data = session.hostData.load();
+    if (data == nullptr) {
+        return;
+    }
+    auto channel = std::make_unique<SoundChannel>(AudioRate());
+    const std::lock_guard guard(EmuSoundMutex());
+    data->noSound = true;
+    if (data->sound != nullptr || !gSound.device ||
+        !AttachRings(*gSound.device, *channel, session.key)) {
+        return;
+    }
+    gSound.channels.push_back({&session, data, channel.get()});
+    data->sound = channel.release();
+    data->noSound = false;
+}
+
+void DestroySoundChannel(EMU_THREAD& session) {
+    EMU_HOST_DATA* const data = session.hostData.load();
+    if (data == nullptr) {
+        return;
+    }
+    const std::lock_guard guard(EmuSoundMutex());
+    const std::unique_ptr<SoundChannel> channel(data->sound);
+    data->sound = nullptr;
+    data->noSound = true;
+    if (!channel) {
+        return;
+    }
+    if (gSound.device) {
+        gSound.device->Detach(channel->mono);
+        gSound.device->Detach(channel->stereo);
+    }
+    std::erase_if(gSound.channels,
+                  [&channel](const OPEN_CHANNEL& open) { return open.channel == channel.get(); });
+}
+
+void PumpSound(EMU_THREAD& session) {
+    const std::lock_guard guard(EmuSoundMutex());
+    EMU_HOST_DATA* const data = session.hostData.load();
+    if (data == nullptr || data->noSound || data->sound == nullptr) {
+        return;
+    }
+    const PUMP_SURROUNDINGS surroundings{InputActiveKey() == session.key, SoundRoomVisible(),
+                                         SoundVolume()};
+    uint32_t gap = EmuSoundGapMs();
+    PumpChannel(session, *data, *data->sound, surroundings, gap);
+    EmuRaiseSoundGap(gap);
+}
+
+void StartSoundPump() {
+    {
+        const std::lock_guard guard(EmuSoundMutex());
+        if (!gSound.device) {
+            return;
+        }
+    }
+    if (!gPump.thread.joinable()) {
+        gPump.stop = false;
+        gPump.thread = std::thread(PumpThread);
+    }
+}
+
+void StopSoundPump() {
+    gPump.Stop();
+}
+
+void SoundSetRoomVisible(bool visible) {
+    gRoomVisible.store(visible, std::memory_order_relaxed);
+}
+
+bool SoundRoomVisible() {
+    return gRoomVisible.load(std::memory_order_relaxed);
+}
+
+void SoundSetVolume(float volume) {
+    if (std::isfinite(volume)) {
+        gVolume.store(volume, std::memory_order_relaxed);
+    }
+}
+
+float SoundVolume() {
+    return gVolume.load(std::memory_order_relaxed);
+}
+
+void SoundSetTelevision(uint32_t sessionKey, float x, float y, float z) {
+    const SOUND_PLACE place{x * kRoomToDevice, y * kRoomToDevice, z * kRoomToDevice};
+    const std::lock_guard guard(EmuSoundMutex());
+    gSound.televisions[sessionKey] = place;
+    for (const OPEN_CHANNEL& open : gSound.channels) {
+        if (open.session->key == sessionKey && gSound.device) {
+            gSound.device->PlaceRing(open.channel->mono, place);
+        }
+    }
+}
+
+void SoundSetListener(const SOUND_LISTENER& listener) {
+    const std::lock_guard guard(gListenerLock);
+    gListener = listener;
+}

@@ -1,1 +1,264 @@
+#include "audio/sound.h"
+#include "audio/sound_channel.h"
+#include "base/audio_rate.h"
+#include "front/settings/bindings.h"
+#include "front/settings/settings.h"
+#include "host/host_data.h"
+#include "host/session.h"
+
+#include <SDL.h>
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// SDL's driver without a device: its thread pulls at the pace of a real one.
+class Sound : public testing::Test {
+protected:
+    void SetUp() override {
+        RegisterDefaultSettings(Settings());
+        SetAudioRate(44100);
+        UseDriver("dummy");
+    }
+    void TearDown() override {
+        StopSoundPump();
+        CloseSoundDevice();
+        SoundSetRoomVisible(false);
+        SoundSetVolume(1.0f);
+        InputSetActiveKey(0);
+    }
+    static void UseDriver(const char* name) { SDL_setenv("SDL_AUDIODRIVER", name, 1); }
+};
+
+// A session's records without machine or thread.
+struct Session {
+    EMU_THREAD thread;
+    EMU_HOST_DATA data;
+
+    explicit Session(uint32_t key) {
+        thread.key = key;
+        thread.hostData = &data;
+        data.pending.assign(size_t{44100} * 8, 0);
+    }
+    void Submit() {
+        std::vector<int16_t> samples(size_t{735} * 2, 1000);
+        EMU_AUDIO_FRAME frame{samples.data(), 44100, 735};
+        HostSubmitAudio(&thread, &frame);
+    }
+    // The cursors of the ring that plays, under the lock that guards the channel.
+    [[nodiscard]] uint32_t PlayCursor() {
+        const std::lock_guard guard(EmuSoundMutex());
+        return thread.directSound != 0 ? data.sound->stereo.Cursors().play
+                                       : data.sound->mono.Cursors().play;
+    }
+};
+
+// Waits for what another thread does; the suite's own time limit ends it when that never comes.
+template <typename Condition>
+void WaitFor(const Condition& condition) {
+    while (!condition()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
+
+} // namespace
+
+TEST_F(Sound, NoDriverMeansAClearWordAndSilence) {
+    UseDriver("no-such-driver");
+    std::string error;
+    EXPECT_FALSE(OpenSoundDevice(error));
+    EXPECT_NE(error.find("no sound: "), std::string::npos);
+    EXPECT_GT(error.size(), std::string("no sound: ").size());
+    EXPECT_EQ(SoundDeviceNumber(), 0u);
+    // Everything else does nothing.
+    StartSoundPump();
+    Session session(1);
+    CreateSoundChannel(session.thread);
+    EXPECT_TRUE(session.data.noSound);
+    EXPECT_EQ(session.data.sound, nullptr);
+    session.Submit();
+    EXPECT_EQ(session.thread.soundBytes, 0u);
+    PumpSound(session.thread);
+    SoundSetTelevision(1, 1, 2, 3);
+    DestroySoundChannel(session.thread);
+    SoundDeviceLost();
+}
+
+TEST_F(Sound, SessionWithoutHostDataIsPassedOver) {
+    EMU_THREAD bare;
+    CreateSoundChannel(bare);
+    PumpSound(bare);
+    DestroySoundChannel(bare);
+    EXPECT_EQ(bare.soundBytes, 0u);
+}
+
+TEST_F(Sound, DevicePullsTheRingsAndThePumpFillsThem) {
+    std::string error;
+    ASSERT_TRUE(OpenSoundDevice(error)) << error;
+    EXPECT_TRUE(OpenSoundDevice(error));
+    EXPECT_NE(SoundDeviceNumber(), 0u);
+    Session session(5);
+    InputSetActiveKey(5);
+    CreateSoundChannel(session.thread);
+    ASSERT_FALSE(session.data.noSound);
+    PumpSound(session.thread);
+    EXPECT_EQ(session.thread.directSound, 1);
+    EXPECT_EQ(session.thread.audible, 1);
+    session.Submit();
+    EXPECT_EQ(session.thread.soundBytes, 735u * 4);
+    WaitFor([&session] {
+        PumpSound(session.thread);
+        return session.thread.soundBytes == 0;
+    });
+    EXPECT_GT(session.PlayCursor(), 0u);
+    // The gap is one pull and the lookahead: 576 frames at 176 bytes a millisecond.
+    EXPECT_GE(EmuSoundGapMs(), 13u);
+    DestroySoundChannel(session.thread);
+    EXPECT_EQ(session.data.sound, nullptr);
+    EXPECT_TRUE(session.data.noSound);
+}
+
+TEST_F(Sound, ActiveKeyAndRoomDecideWhatIsHeard) {
+    std::string error;
+    ASSERT_TRUE(OpenSoundDevice(error)) << error;
+    Session first(1);
+    Session second(2);
+    CreateSoundChannel(first.thread);
+    CreateSoundChannel(second.thread);
+    const auto pump = [&first, &second] {
+        PumpSound(first.thread);
+        PumpSound(second.thread);
+    };
+    InputSetActiveKey(2);
+    pump();
+    EXPECT_EQ(first.thread.audible, 0);
+    EXPECT_EQ(first.thread.directSound, 0);
+    EXPECT_EQ(second.thread.audible, 1);
+    EXPECT_EQ(second.thread.directSound, 1);
+    SoundSetRoomVisible(true);
+    pump();
+    EXPECT_EQ(first.thread.audible, 1);
+    EXPECT_EQ(second.thread.audible, 1);
+    EXPECT_EQ(second.thread.directSound, 0);
+    DestroySoundChannel(first.thread);
+    DestroySoundChannel(second.thread);
+}
+
+TEST_F(Sound, VolumeComesFromTheSettingsWhenTheDeviceOpens) {
+    Settings().SetFloat(L"audio_volume", 0.25f);
+    std::string error;
+    ASSERT_TRUE(OpenSoundDevice(error)) << error;
+    EXPECT_EQ(SoundVolume(), 0.25f);
+    SoundSetVolume(0.5f);
+    EXPECT_EQ(SoundVolume(), 0.5f);
+    SoundSetVolume(std::numeric_limits<float>::quiet_NaN());
+    EXPECT_EQ(SoundVolume(), 0.5f);
+}
+
+TEST_F(Sound, LostDeviceLeavesRingsStandingAndANewOneGoesOn) {
+    std::string error;
+    ASSERT_TRUE(OpenSoundDevice(error)) << error;
+    Session session(1);
+    InputSetActiveKey(1);
+    CreateSoundChannel(session.thread);
+    PumpSound(session.thread);
+    WaitFor([&session] { return session.PlayCursor() > 0; });
+    SoundDeviceLost();
+    const uint32_t stood = session.PlayCursor();
+    for (int i = 0; i < 100; ++i) {
+        session.Submit();
+        PumpSound(session.thread);
+        ASSERT_LE(session.thread.soundBytes, 44100u * 4);
+    }
+    EXPECT_EQ(session.PlayCursor(), stood);
+    EXPECT_GT(session.thread.soundRepositions, 0u);
+    // What is old by then is dropped when sound comes back.
+    ASSERT_TRUE(OpenSoundDevice(error)) << error;
+    EXPECT_FALSE(session.data.noSound);
+    EXPECT_EQ(session.thread.soundBytes, 0u);
+    PumpSound(session.thread);
+    session.Submit();
+    WaitFor([&session] {
+        PumpSound(session.thread);
+        return session.thread.soundBytes == 0;
+    });
+    DestroySoundChannel(session.thread);
+}
+
+TEST_F(Sound, ChannelOutlivesTheDeviceAndIsDestroyedAfterIt) {
+    std::string error;
+    ASSERT_TRUE(OpenSoundDevice(error)) << error;
+    Session session(1);
+    CreateSoundChannel(session.thread);
+    CloseSoundDevice();
+    DestroySoundChannel(session.thread);
+    DestroySoundChannel(session.thread);
+    EXPECT_TRUE(OpenSoundDevice(error));
+}
+
+TEST_F(Sound, MoreSessionsThanTheLibraryHasSourcesAreSilent) {
+    std::string error;
+    ASSERT_TRUE(OpenSoundDevice(error)) << error;
+    std::vector<std::unique_ptr<Session>> sessions;
+    uint32_t silent = 0;
+    for (uint32_t key = 0; key < 200; ++key) {
+        sessions.push_back(std::make_unique<Session>(key));
+        CreateSoundChannel(sessions.back()->thread);
+        silent += sessions.back()->data.noSound ? 1u : 0u;
+        EXPECT_EQ(sessions.back()->data.noSound, sessions.back()->data.sound == nullptr);
+    }
+    EXPECT_GT(silent, 0u);
+    EXPECT_LT(silent, 200u);
+    for (const auto& session : sessions) {
+        PumpSound(session->thread);
+        DestroySoundChannel(session->thread);
+    }
+}
+
+TEST_F(Sound, ThreadsMeetWithoutHarm) {
+    // Session threads that submit, a pump, a main thread that moves things and loses the device, and
+    // SDL's thread, which pulls.
+    std::string error;
+    ASSERT_TRUE(OpenSoundDevice(error)) << error;
+    StartSoundPump();
+    StartSoundPump();
+    std::atomic<bool> stop{false};
+    std::vector<std::thread> threads;
+    for (uint32_t key = 1; key <= 2; ++key) {
+        threads.emplace_back([key, &stop] {
+            while (!stop) {
+                Session session(key);
+                CreateSoundChannel(session.thread);
+                for (int frame = 0; frame < 20; ++frame) {
+                    session.Submit();
+                    PumpSound(session.thread);
+                }
+                DestroySoundChannel(session.thread);
+            }
+        });
+    }
+    for (uint32_t round = 0; round < 60; ++round) {
+        InputSetActiveKey(round % 3);
+        SoundSetRoomVisible(round % 2 == 0);
+        SoundSetTelevision(round % 3, static_cast<float>(round), 10.0f, 20.0f);
+        SOUND_LISTENER listener;
+        listener.x = static_cast<float>(round);
+        SoundSetListener(listener);
+        if (round % 20 == 19) {
+            SoundDeviceLost();
+            EXPECT_TRUE(OpenSoundDevice(error)) << error;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    stop = true;
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    StopSoundPump();
+    StopSoundPump();
+}

@@ -38,7 +38,12 @@ struct SOUND_STATE {
     std::vector<OPEN_CHANNEL> channels;
     std::map<uint32_t, SOUND_PLACE> televisions; // by session key, in the device's units
 };
-SOUND_STATE gSound;
+
+// Never freed: what an open device holds belongs to libraries that may be gone when statics are.
+SOUND_STATE& Sound() {
+    static auto* const sound = new SOUND_STATE;
+    return *sound;
+}
 
 RankedMutex<LockRank::kLeaf> gListenerLock;
 SOUND_LISTENER gListener;
@@ -62,8 +67,8 @@ struct PUMP_THREAD {
 PUMP_THREAD gPump;
 
 SOUND_PLACE Television(uint32_t sessionKey) {
-    const auto found = gSound.televisions.find(sessionKey);
-    return found == gSound.televisions.end() ? SOUND_PLACE{} : found->second;
+    const auto found = Sound().televisions.find(sessionKey);
+    return found == Sound().televisions.end() ? SOUND_PLACE{} : found->second;
 }
 
 // Both rings or none.
@@ -79,13 +84,19 @@ bool AttachRings(SoundDevice& device, SoundChannel& channel, uint32_t sessionKey
     return true;
 }
 
-// A channel that outlived its device starts afresh: what waited meanwhile is old, and the frames'
-// length follows the sound again.
+// Silent, and paced by nothing but its own samples.
+void Silence(const OPEN_CHANNEL& open) {
+    open.data->noSound = true;
+    open.data->syncBias = 0;
+    open.session->soundBytes.store(0, std::memory_order_relaxed);
+}
+
+// A channel that had no device until now starts afresh, and the frames' length follows the sound.
 void RestartChannels(SoundDevice& device) {
-    for (const OPEN_CHANNEL& open : gSound.channels) {
+    for (const OPEN_CHANNEL& open : Sound().channels) {
+        Silence(open);
         open.channel->Restart();
         open.session->directSound = 0;
-        open.session->soundBytes.store(0, std::memory_order_relaxed);
         open.data->noSound = !AttachRings(device, *open.channel, open.session->key);
     }
 }
@@ -97,10 +108,11 @@ void CommitListener() {
         listener = gListener;
     }
     const std::lock_guard guard(EmuSoundMutex());
-    if (gSound.device) {
-        gSound.device->PlaceListener({listener.x * kRoomToDevice, 0.0f, listener.z * kRoomToDevice},
-                                     {listener.front[0], listener.front[1], listener.front[2]},
-                                     {listener.top[0], listener.top[1], listener.top[2]});
+    if (Sound().device) {
+        Sound().device->PlaceListener(
+            {listener.x * kRoomToDevice, 0.0f, listener.z * kRoomToDevice},
+            {listener.front[0], listener.front[1], listener.front[2]},
+            {listener.top[0], listener.top[1], listener.top[2]});
     }
 }
 
@@ -120,7 +132,7 @@ void PumpThread() {
 
 bool OpenSoundDevice(std::string& error) {
     const std::lock_guard guard(EmuSoundMutex());
-    if (gSound.device) {
+    if (Sound().device) {
         return true;
     }
     auto device = std::make_unique<SoundDevice>();
@@ -128,14 +140,17 @@ bool OpenSoundDevice(std::string& error) {
         return false;
     }
     SoundSetVolume(Settings().GetFloat(L"audio_volume"));
-    gSound.device = std::move(device);
-    RestartChannels(*gSound.device);
+    Sound().device = std::move(device);
+    RestartChannels(*Sound().device);
     return true;
 }
 
 void CloseSoundDevice() {
     const std::lock_guard guard(EmuSoundMutex());
-    gSound.device.reset();
+    Sound().device.reset();
+    for (const OPEN_CHANNEL& open : Sound().channels) {
+        Silence(open);
+    }
 }
 
 void SoundDeviceLost() {
@@ -144,7 +159,7 @@ void SoundDeviceLost() {
 
 uint32_t SoundDeviceNumber() {
     const std::lock_guard guard(EmuSoundMutex());
-    return gSound.device ? gSound.device->SdlDevice() : 0;
+    return Sound().device ? Sound().device->SdlDevice() : 0;
 }
 
 void CreateSoundChannel(EMU_THREAD& session) {
@@ -154,14 +169,12 @@ void CreateSoundChannel(EMU_THREAD& session) {
     }
     auto channel = std::make_unique<SoundChannel>(AudioRate());
     const std::lock_guard guard(EmuSoundMutex());
-    data->noSound = true;
-    if (data->sound != nullptr || !gSound.device ||
-        !AttachRings(*gSound.device, *channel, session.key)) {
+    if (data->sound != nullptr) {
         return;
     }
-    gSound.channels.push_back({&session, data, channel.get()});
+    data->noSound = !Sound().device || !AttachRings(*Sound().device, *channel, session.key);
+    Sound().channels.push_back({&session, data, channel.get()});
     data->sound = channel.release();
-    data->noSound = false;
 }
 
 void DestroySoundChannel(EMU_THREAD& session) {
@@ -176,11 +189,11 @@ void DestroySoundChannel(EMU_THREAD& session) {
     if (!channel) {
         return;
     }
-    if (gSound.device) {
-        gSound.device->Detach(channel->mono);
-        gSound.device->Detach(channel->stereo);
+    if (Sound().device) {
+        Sound().device->Detach(channel->mono);
+        Sound().device->Detach(channel->stereo);
     }
-    std::erase_if(gSound.channels,
+    std::erase_if(Sound().channels,
                   [&channel](const OPEN_CHANNEL& open) { return open.channel == channel.get(); });
 }
 
@@ -200,7 +213,7 @@ void PumpSound(EMU_THREAD& session) {
 void StartSoundPump() {
     {
         const std::lock_guard guard(EmuSoundMutex());
-        if (!gSound.device) {
+        if (!Sound().device) {
             return;
         }
     }
@@ -235,10 +248,10 @@ float SoundVolume() {
 void SoundSetTelevision(uint32_t sessionKey, float x, float y, float z) {
     const SOUND_PLACE place{x * kRoomToDevice, y * kRoomToDevice, z * kRoomToDevice};
     const std::lock_guard guard(EmuSoundMutex());
-    gSound.televisions[sessionKey] = place;
-    for (const OPEN_CHANNEL& open : gSound.channels) {
-        if (open.session->key == sessionKey && gSound.device) {
-            gSound.device->PlaceRing(open.channel->mono, place);
+    Sound().televisions[sessionKey] = place;
+    for (const OPEN_CHANNEL& open : Sound().channels) {
+        if (open.session->key == sessionKey && Sound().device) {
+            Sound().device->PlaceRing(open.channel->mono, place);
         }
     }
 }

@@ -5,9 +5,12 @@
 // the device pulls on a thread of its own. Places, listener, volume and the room's flag may be set by
 // any thread.
 // Locks: all that is kept here stands under the sound mutex of host_data.h, but for the listener's
-// numbers, which have a small lock of their own, and single atomic words.
-// Failure: no device, or one that vanishes, leaves a silent running program: the rings stand still,
-// what waits for them fills up and is overwritten by the newest second.
+// numbers, which have a small lock of their own, single atomic words, and the pump's thread, which
+// the main thread alone starts and stops.
+// Order: DestroySoundChannel before the host frees the session's data.
+// Failure: no device, or one that vanishes, leaves a silent running program: samples are dropped, and
+// frames last as long as their samples say, with no bias. A device that is opened later serves the
+// sessions that run by then.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +33,7 @@ void SoundDeviceLost();
 [[nodiscard]] uint32_t SoundDeviceNumber();
 
 // After the session has its host data. Without a device, or when the device has no room for it, the
-// session stays marked as silent for as long as it lives.
+// session is silent until the next device is opened.
 void CreateSoundChannel(EMU_THREAD& session);
 void DestroySoundChannel(EMU_THREAD& session);
 

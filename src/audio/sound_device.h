@@ -7,8 +7,9 @@
 //
 // Units: frames are stereo pairs; places are room units x 0.01, on the room's own axes (x right, y up,
 // z towards the viewer).
-// Threads: any may call; one lock guards all. SDL calls Render on a thread of its own. The library's
-// current context is one for the process, so only one device is open at a time.
+// Threads: one calls OpenSdl, OpenLoopback and Close; any may call the rest, behind one lock. SDL calls
+// Render on a thread of its own. The library's current context is one for the process, so only one
+// device is open at a time.
 // Failure: an open that fails leaves the device closed and says why; a closed one takes every call
 // and does nothing.
 #pragma once

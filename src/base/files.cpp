@@ -129,8 +129,14 @@ fs::path ResolvePath(std::string_view path) {
 }
 
 std::string FileNameFromTitle(std::string_view title) {
+    constexpr size_t kLongestTitle = 180; // leaves room for endings below the usual limit of 255
     constexpr std::string_view kForbidden = "<>:\"/\\|?*";
-    std::string name(title);
+    std::string name(title.substr(0, kLongestTitle));
+    // Not in the middle of a character.
+    while (name.size() < title.size() && !name.empty() &&
+           (static_cast<unsigned char>(title[name.size()]) & 0xC0) == 0x80) {
+        name.pop_back();
+    }
     for (char& c : name) {
         const auto byte = static_cast<unsigned char>(c);
         if (byte < 0x20 || byte == 0x7F || kForbidden.find(c) != std::string_view::npos) {

@@ -27,8 +27,8 @@ void SetHomeFolder(const std::filesystem::path& folder);
 // A path in the program's notation as one of the platform.
 [[nodiscard]] std::filesystem::path ResolvePath(std::string_view path);
 
-// Puts '_' for every character that some platform does not allow in a file name, so that a title can
-// name a file and can never name a folder.
+// Puts '_' for every character that some platform does not allow in a file name, and cuts
+// what is too long, so that a title can name a file and can never name a folder.
 [[nodiscard]] std::string FileNameFromTitle(std::string_view title);
 
 // Reads a file whole. A file that states more than `limit` bytes is refused before anything is

@@ -87,7 +87,7 @@ public:
     const uint32_t sessionKey; // for InputIsDown
     // Free for a machine to fill, only ever printed; the main thread prints while the machine runs.
     std::atomic<uint32_t> debugValue{0};
-    const uint32_t width;      // the largest picture the machine makes, in pixels
+    const uint32_t width; // the largest picture the machine makes, in pixels
     const uint32_t height;
 
 protected:

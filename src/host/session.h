@@ -64,9 +64,10 @@ struct EMU_THREAD {
     RankedMutex<LockRank::kSession> lock;          // guards the machine
     // Somebody is stopping this session; under the list lock.
     bool stopping = false;
-    // The archive holds a state that this machine refused and no copy of it could be made yet; under
-    // `lock`. Nothing may replace it before there is one.
-    bool refusedStateUnkept = false;
+    // The archive may hold a state that was not loaded, refused or unreadable at the time, and no copy of
+    // it could be made yet; under `lock`. Nothing may replace it before there is one.
+    bool unloadedStateUnkept = false;
+    std::atomic<uint32_t> lockWaiters{0}; // other threads that want `lock` at the next boundary
     EMU_THREAD* next = nullptr;
 };
 
@@ -96,8 +97,8 @@ void EmuSetHost(const EMU_HOST_CALLBACKS& callbacks);
 // image unpacked; `games[1]` may be null; both stay the caller's. `options` are kMachineOptionBytes.
 // Gives the serial; 0 on failure, with the last error in place. Not from a visit, a host callback or
 // a machine.
-[[nodiscard]] uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2],
-                                       const void* options, const std::string& gameName);
+[[nodiscard]] uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* options,
+                                       const std::string& gameName);
 
 // Stops the session, autosave included, and frees it. False when there is none on this key. When
 // another thread is stopping it already, waits until it is gone and gives true as well. Not from a

@@ -47,6 +47,13 @@ TEST(Paths, ATitleNamesAFileAndNeverAFolder) {
     EXPECT_EQ(FileNameFromTitle("end. "), "end__");
     EXPECT_EQ(FileNameFromTitle(std::string("a\nb\0c", 5)), "a_b_c");
     EXPECT_EQ(FileNameFromTitle("Plain Name (E)"), "Plain Name (E)");
+    EXPECT_EQ(FileNameFromTitle(std::string(500, 'x')), std::string(180, 'x'));
+    // Two bytes a letter; the cut falls between letters.
+    std::string accents = "a";
+    for (int i = 0; i < 200; ++i) {
+        accents += "\xC3\xA9";
+    }
+    EXPECT_EQ(FileNameFromTitle(accents), accents.substr(0, 179));
 }
 
 TEST(Paths, AWritableExecutableFolderIsHomeOnlyWhenItIsMarked) {

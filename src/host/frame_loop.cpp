@@ -1,0 +1,199 @@
+#include "host/frame_loop.h"
+
+#include "base/audio_rate.h"
+#include "front/settings/bindings.h"
+#include "front/settings/settings.h"
+#include "host/archive.h"
+#include "host/picture.h"
+#include "host/rewind.h"
+#include "host/screenshot.h"
+#include "host/session_private.h"
+#include "host/static.h"
+
+#include <algorithm>
+#include <chrono>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+namespace {
+
+constexpr int32_t kDefaultFastForward = 2;
+constexpr int32_t kMostFastForward = 10;
+
+// A frame of the machine, brought into the bounds that everything behind it relies on.
+void RunMachine(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
+                EMU_AUDIO_FRAME& audio) {
+    session.machine->RunFrame(input, &video, &audio);
+    EmuClampPicture(video, EmuPicturePixels(session));
+    audio.sampleCount = std::min(audio.sampleCount, kAudioFramePairs);
+}
+
+bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
+              EMU_AUDIO_FRAME& audio) {
+    if (session.rewindSteps == 0) {
+        session.rewindCursor = session.rewindHead.get();
+    }
+    if (session.rewindCount == 0) {
+        RewindClear(session);
+        return false;
+    }
+    const REWIND_NODE& node = *session.rewindCursor;
+    // The machine's own state of a moment ago: it takes it.
+    static_cast<void>(session.machine->LoadState(node.state.get(), node.size));
+    RunMachine(session, input, video, audio);
+    EmuDrawSpeedGlyph(SpeedGlyph::kBack, video);
+    EmuReverseSound(audio);
+    RewindPop(session);
+    ++session.rewindSteps;
+    return true;
+}
+
+void StepForward(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
+                 EMU_AUDIO_FRAME& audio) {
+    session.rewindSteps = 0;
+    const uint64_t limit = RewindLimitBytes(Settings().GetInt(L"emu_rewindbuffer"));
+    RunMachine(session, input, video, audio);
+    if (limit != 0) {
+        uint32_t size = 0;
+        StateBlob state = session.machine->SaveState(size);
+        RewindPush(session, std::move(state), size, limit);
+    }
+}
+
+// The session's lock keeps a stop's autosave and a reset on other threads away from the machine.
+void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) {
+    if (keys.saveState && !loop.saveWasDown) {
+        const std::scoped_lock hold(session.lock);
+        EmuSaveToArchive(session);
+    }
+    if (keys.loadState && !loop.loadWasDown) {
+        const std::scoped_lock hold(session.lock);
+        EmuLoadFromArchive(session);
+    }
+    loop.saveWasDown = keys.saveState;
+    loop.loadWasDown = keys.loadState;
+}
+
+void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
+               FRAME_LOOP& loop, const HOTKEYS& keys) {
+    bool drawn = false;
+    if (keys.fastForward) {
+        for (uint32_t i = 0; i < loop.fastForwardSteps; ++i) {
+            drawn = EmuStep(session, input, video, &loop.sound.frame, false);
+        }
+    } else {
+        const bool rewind = keys.rewind && Settings().GetInt(L"emu_rewindbuffer") > 0;
+        drawn = EmuStep(session, input, video, &loop.sound.frame, rewind);
+    }
+    if (!drawn) {
+        // This buffer holds some older picture; what was shown last is to stay.
+        EmuRepeatPicture(loop.lastPicture, *video);
+    }
+    if (keys.fastForward) {
+        EmuDrawSpeedGlyph(SpeedGlyph::kForward, *video);
+    }
+}
+
+} // namespace
+
+SOUND_FRAME::SOUND_FRAME()
+    : samples(AllocateAligned<int16_t>(size_t{kAudioFramePairs} * 2)) {
+    frame.samples = samples.get();
+    frame.sampleRate = AudioRate();
+}
+
+FRAME_LOOP::FRAME_LOOP()
+    : fastForwardSteps(EmuFastForwardSteps(Settings().GetInt(L"emu_fastforward"))) {}
+
+uint32_t EmuFastForwardSteps(int32_t setting) {
+    const int32_t steps = setting < 0 ? kDefaultFastForward : std::min(setting, kMostFastForward);
+    return static_cast<uint32_t>(steps);
+}
+
+uint32_t EmuFrameMicroseconds(uint32_t sampleCount, uint32_t sampleRate) {
+    if (sampleCount == 0 || sampleRate == 0) {
+        return 0;
+    }
+    const float seconds = static_cast<float>(sampleCount) / static_cast<float>(sampleRate);
+    return static_cast<uint32_t>(std::min(seconds * 1000000.0f, 4294967040.0f));
+}
+
+void EmuReverseSound(EMU_AUDIO_FRAME& audio) {
+    const size_t pairs = audio.sampleCount;
+    for (size_t i = 0, j = pairs; i < j--; ++i) {
+        const int16_t early = audio.samples[2 * i];
+        const int16_t late = audio.samples[2 * j];
+        audio.samples[2 * i] = audio.samples[2 * i + 1] = late;
+        audio.samples[2 * j] = audio.samples[2 * j + 1] = early;
+    }
+}
+
+HOTKEYS EmuPollHotkeys(uint32_t key) {
+    HOTKEYS keys;
+    keys.saveState = InputIsDown(key, L"Save State");
+    keys.loadState = InputIsDown(key, L"Load State");
+    keys.fastForward = InputIsDown(key, L"Fast Forward");
+    keys.rewind = InputIsDown(key, L"Rewind");
+    return keys;
+}
+
+bool EmuStep(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
+             EMU_AUDIO_FRAME* audio, bool rewind) {
+    // A machine slower than real time would leave no gap for those who wait at the frame boundary.
+    while (session.lockWaiters != 0) {
+        std::this_thread::yield();
+    }
+    const std::scoped_lock hold(session.lock);
+    if (session.showStatic != 0) {
+        EmuStaticFrame(session, *video, *audio);
+        return true;
+    }
+    if (rewind) {
+        return StepBack(session, input, *video, *audio);
+    }
+    StepForward(session, input, *video, *audio);
+    return true;
+}
+
+void EmuRound(EMU_THREAD& session, const EMU_HOST_CALLBACKS& host, FRAME_LOOP& loop,
+              const HOTKEYS& keys) {
+    EMU_VIDEO_FRAME* const video = host.getVideoFrame(&session);
+    EMU_INPUT_STATE* const input = host.getInput(&session);
+    if (video == nullptr || input == nullptr) {
+        // A host that could not open the session; it waits to be stopped.
+        host.present(&session, 0);
+        return;
+    }
+    RunSaveHotkeys(session, loop, keys);
+    DrawRound(session, input, video, loop, keys);
+    EmuTakeScreenshot(session, *video);
+    EmuRotateFrame(*video, loop.scratch);
+    loop.lastPicture = *video;
+
+    EMU_AUDIO_FRAME& audio = loop.sound.frame;
+    if (audio.sampleCount != 0) {
+        host.submitAudio(&session, &audio);
+    }
+    host.present(&session, EmuFrameMicroseconds(audio.sampleCount, audio.sampleRate));
+}
+
+void EmuThreadMain(EMU_THREAD* session) {
+    const EMU_HOST_CALLBACKS host = SessionHost();
+    int token = 0;
+    {
+        FRAME_LOOP loop;
+        token = host.threadStart(0);
+        {
+            const std::scoped_lock hold(SessionListLock());
+            host.open(session);
+        }
+        while (session->stopRequested == 0) {
+            EmuRound(*session, host, loop, EmuPollHotkeys(session->key));
+        }
+    }
+    // From here on the record may be gone. Whoever waits must not wait for the processor's release.
+    session->stopRequested = 0;
+    host.threadEnd(token);
+    SessionThreadEnded();
+}

@@ -1,0 +1,23 @@
+#include "host/report.h"
+
+#include <atomic>
+#include <cstdio>
+
+namespace {
+
+std::atomic<HOST_REPORT_SINK> gSink{nullptr};
+
+} // namespace
+
+void HostReport(const std::string& message) {
+    if (const HOST_REPORT_SINK sink = gSink.load(); sink != nullptr) {
+        sink(message);
+        return;
+    }
+    // One call, so that lines of several threads stay whole.
+    std::fprintf(stderr, "%s\n", message.c_str());
+}
+
+void HostSetReportSink(HOST_REPORT_SINK sink) {
+    gSink.store(sink);
+}

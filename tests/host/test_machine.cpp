@@ -1,0 +1,160 @@
+#include "host/test_machine.h"
+
+#include "host/state_piece.h"
+
+#include <cstring>
+
+std::atomic<int32_t> CTestMachine::gLive{0};
+std::atomic<int32_t> CTestMachine::gCollisions{0};
+std::atomic<int32_t> gTablesBuilt{0};
+
+namespace {
+
+// Notes when two threads are inside one machine.
+class InsideGuard {
+public:
+    explicit InsideGuard(std::atomic<int32_t>& counter)
+        : inside(counter) {
+        if (inside.fetch_add(1) != 0) {
+            ++CTestMachine::gCollisions;
+        }
+    }
+    ~InsideGuard() { --inside; }
+    InsideGuard(const InsideGuard&) = delete;
+    InsideGuard& operator=(const InsideGuard&) = delete;
+
+private:
+    std::atomic<int32_t>& inside;
+};
+
+std::unique_ptr<CEmuSystem> ConstructLarge(uint32_t key) {
+    return std::make_unique<CTestMachine>(key, 320, 240);
+}
+
+std::unique_ptr<CEmuSystem> ConstructSmall(uint32_t key) {
+    return std::make_unique<CTestMachine>(key, 160, 144);
+}
+
+std::unique_ptr<CEmuSystem> ConstructNothing(uint32_t) {
+    return nullptr;
+}
+
+void CountTables() {
+    ++gTablesBuilt;
+}
+
+} // namespace
+
+TestOptions MakeOptions(const TEST_BEHAVIOUR& behaviour) {
+    TestOptions options{};
+    static_assert(sizeof behaviour <= kMachineOptionBytes);
+    std::memcpy(options.data(), &behaviour, sizeof behaviour);
+    return options;
+}
+
+const MACHINE_LIST& TestMachines() {
+    static constexpr std::array<MACHINE_ENTRY, 4> kEntries = {
+        {
+         {1, ".\\Sms", ConstructLarge},
+         {4, ".\\megadrive", ConstructSmall},
+         {5, ".\\nes", ConstructNothing},
+         {6, "", ConstructLarge},
+         }
+    };
+    static const MACHINE_LIST list{kEntries, CountTables};
+    return list;
+}
+
+CTestMachine::CTestMachine(uint32_t key, uint32_t widthValue, uint32_t heightValue)
+    : CEmuSystem(key, widthValue, heightValue) {
+    ++gLive;
+}
+
+CTestMachine::~CTestMachine() {
+    --gLive;
+}
+
+template <typename Visit>
+void CTestMachine::Fields(Visit& visit) {
+    visit(frameField);
+    visit(seed);
+    visit(memory);
+    visit(flag);
+}
+
+bool CTestMachine::Init(const void* options, CGameFile* const[2]) {
+    if (options != nullptr) {
+        std::memcpy(&behaviour, options, sizeof behaviour);
+    }
+    if (behaviour.failInit != 0) {
+        EmuSetLastError("this game cannot be run");
+        return false;
+    }
+    Reset();
+    return true;
+}
+
+void CTestMachine::Reset() {
+    const InsideGuard guard(inside);
+    frameField = 0;
+    frame = 0;
+    seed = 1;
+    memory.fill(0);
+    flag = false;
+    ++resets;
+}
+
+void CTestMachine::RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) {
+    const InsideGuard guard(inside);
+    frame = ++frameField;
+    ++runs;
+    seed = seed * 1664525 + 1013904223; // the constants of Numerical Recipes
+    memory[frameField % memory.size()] = static_cast<uint8_t>(seed >> 24);
+    flag = !flag;
+    debugValue = frameField;
+
+    video->width = behaviour.width != 0 ? behaviour.width : width;
+    video->height = behaviour.height != 0 ? behaviour.height : height;
+    video->aspect = 1.5f;
+    video->visibleX = behaviour.visibleX;
+    video->visibleY = 0;
+    video->visibleWidth = behaviour.visibleWidth != 0 ? behaviour.visibleWidth : video->width;
+    video->visibleHeight = video->height;
+    video->visibleAspect = 1.25f;
+    video->hold = behaviour.hold;
+    video->rotated = behaviour.rotated;
+    std::fill_n(video->pixels, size_t{width} * height, 0xFF000000 + frameField);
+
+    audio->sampleCount =
+        behaviour.noisySound != 0 ? 600 + (seed >> 8) % 300 : behaviour.sampleCount;
+    for (uint32_t i = 0; i < std::min(audio->sampleCount, kAudioFramePairs); ++i) {
+        audio->samples[2 * i] = static_cast<int16_t>(frameField * 100 + i);
+        audio->samples[2 * i + 1] = -1;
+    }
+}
+
+uint32_t CTestMachine::StateBytes() {
+    const uint32_t piece = StatePieceSize([this](auto& visit) { Fields(visit); });
+    return std::max(piece, behaviour.stateBytes);
+}
+
+bool CTestMachine::LoadState(const uint8_t* data, uint32_t size) {
+    const InsideGuard guard(inside);
+    if (behaviour.failLoad != 0 || size != StateBytes() ||
+        StatePieceRead(data, size, [this](auto& visit) { Fields(visit); }) == 0) {
+        return false;
+    }
+    frame = frameField;
+    return true;
+}
+
+StateBlob CTestMachine::SaveState(uint32_t& size) {
+    const InsideGuard guard(inside);
+    if (behaviour.failSave != 0) {
+        return nullptr;
+    }
+    size = StateBytes();
+    auto blob = std::make_unique<uint8_t[]>(size);
+    StatePieceWrite(blob.get(), [this](auto& visit) { Fields(visit); });
+    return blob;
+}

@@ -1,0 +1,65 @@
+// A machine of the tests' own: deterministic, small, and able to fail wherever a machine may.
+#pragma once
+
+#include "host/emu_system.h"
+#include "host/machine_list.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+
+// What a test wants of a machine; travels in the option block.
+struct TEST_BEHAVIOUR {
+    uint8_t failInit = 0;
+    uint8_t failSave = 0;
+    uint8_t failLoad = 0;
+    uint8_t hold = 0;
+    uint8_t rotated = 0;
+    uint8_t noisySound = 0; // frames of 600 to 900 pairs, by the machine's own generator
+    uint32_t width = 0;     // of the picture it claims to have drawn; 0: its own
+    uint32_t height = 0;
+    uint32_t visibleX = 0;
+    uint32_t visibleWidth = 0;
+    uint32_t sampleCount = 735;
+    uint32_t stateBytes = 0; // pads the state to this size
+};
+using TestOptions = std::array<uint8_t, kMachineOptionBytes>;
+[[nodiscard]] TestOptions MakeOptions(const TEST_BEHAVIOUR& behaviour = {});
+
+class CTestMachine : public CEmuSystem {
+public:
+    CTestMachine(uint32_t key, uint32_t widthValue, uint32_t heightValue);
+    ~CTestMachine() override;
+
+    bool Init(const void* options, CGameFile* const games[2]) override;
+    void Reset() override;
+    // Fills the picture with `frame`, the left channel with rising samples, the right with -1.
+    void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) override;
+    bool LoadState(const uint8_t* data, uint32_t size) override;
+    StateBlob SaveState(uint32_t& size) override;
+
+    [[nodiscard]] uint32_t StateBytes();
+
+    TEST_BEHAVIOUR behaviour;
+    std::atomic<uint32_t> frame{0}; // frames since reset; part of the state
+    std::atomic<uint32_t> resets{0};
+    std::atomic<uint32_t> runs{0};
+
+    static std::atomic<int32_t> gLive;       // machines that exist
+    static std::atomic<int32_t> gCollisions; // calls into a machine that another call was inside of
+
+private:
+    template <typename Visit>
+    void Fields(Visit& visit);
+
+    uint32_t frameField = 0;
+    uint32_t seed = 1;
+    std::array<uint8_t, 64> memory{};
+    bool flag = false;
+    std::atomic<int32_t> inside{0};
+};
+
+// 1: 320 x 240 in ".\Sms"; 4: 160 x 144, less than the static, in ".\megadrive"; 5: cannot be made;
+// 6: 320 x 240 in no folder.
+[[nodiscard]] const MACHINE_LIST& TestMachines();
+extern std::atomic<int32_t> gTablesBuilt;

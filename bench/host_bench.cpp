@@ -61,7 +61,7 @@ void RewindPushWhenFull(benchmark::State& state) {
     const auto size = static_cast<uint32_t>(state.range(0));
     const auto session = MakeSession(size);
     const uint64_t limit = uint64_t{size} * 1000;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         uint32_t bytes = 0;
         StateBlob blob = session->machine->SaveState(bytes);
         RewindPush(*session, std::move(blob), bytes, limit);
@@ -80,7 +80,7 @@ void Step(benchmark::State& state) {
     video.pixels = pixels.get();
     EMU_INPUT_STATE input{};
     SOUND_FRAME sound;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(EmuStep(*session, &input, &video, &sound.frame, false));
     }
 }
@@ -93,7 +93,7 @@ void StaticFrame(benchmark::State& state) {
     video.pixels = pixels.get();
     EMU_INPUT_STATE input{};
     SOUND_FRAME sound;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         session->showStatic = 1;
         benchmark::DoNotOptimize(EmuStep(*session, &input, &video, &sound.frame, false));
     }
@@ -106,7 +106,7 @@ void SubmitAudio(benchmark::State& state) {
     session->hostData.load()->noSound = false;
     SOUND_FRAME sound;
     sound.frame.sampleCount = kPairs;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         HostSubmitAudio(session.get(), &sound.frame);
         session->soundBytes = 0;
     }
@@ -121,7 +121,7 @@ void RotateFrame(benchmark::State& state) {
     video.width = kWidth;
     video.height = kHeight;
     std::vector<uint32_t> scratch;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         video.rotated = 1;
         EmuRotateFrame(video, scratch);
     }

@@ -2,8 +2,8 @@
 
 # To build and start the program.
 build_packages=(
-    g++ cmake ninja-build pkg-config ccache
-    libcli11-dev libopenal-dev libsamplerate0-dev libsdl2-dev libssl-dev libtinyxml-dev
+    g++ cmake ninja-build pkg-config ccache sdcc
+    libcli11-dev libopenal-dev libpng-dev libsamplerate0-dev libsdl2-dev libssl-dev libtinyxml-dev
     libzip-dev lzma-dev zlib1g-dev
 )
 

@@ -41,7 +41,7 @@ struct SOUND_STATE {
 
 // Never freed: what an open device holds belongs to libraries that may be gone when statics are.
 SOUND_STATE& Sound() {
-    static auto* const sound = new SOUND_STATE;
+    static auto* sound = new SOUND_STATE;
     return *sound;
 }
 

@@ -21,7 +21,7 @@ namespace {
 
 // Never freed: a session's thread may still name a file while the program ends.
 fs::path& Home() {
-    static auto* const home = new fs::path(".");
+    static auto* home = new fs::path(".");
     return *home;
 }
 

@@ -1,8 +1,8 @@
 #include "front/command_line.h"
 
-#include "base/audio_rate.h"
 #include "base/files.h"
 #include "front/commands.h"
+#include "front/play.h"
 #include "front/settings/settings.h"
 #include "front/version.h"
 #include "host/machines.h"
@@ -39,14 +39,7 @@ void StartUp(const std::string& homeOption) {
     if (!LoadSettingsFile(Settings(), error) && !error.empty()) {
         Complain(error + "; what it does not say has its default");
     }
-    const int32_t rate = Settings().GetInt(L"audio_app_samplerate");
-    constexpr int32_t kLowestRate = 8000;
-    constexpr int32_t kHighestRate = 192000;
-    if (rate >= kLowestRate && rate <= kHighestRate) {
-        SetAudioRate(static_cast<uint32_t>(rate));
-    } else {
-        Complain("a sample rate of " + std::to_string(rate) + " cannot be; 44100 is used");
-    }
+    ApplyAudioRate();
     EmuSetMachines(BuiltInMachines());
 }
 
@@ -56,6 +49,42 @@ std::vector<std::string> MachineNames() {
         names.emplace_back(system.shortName);
     }
     return names;
+}
+
+void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
+    app.add_option("GAME", play.game, "A ROM, a .zip, a .game or demo:NAME")->required();
+    app.add_option("--machine", play.machine, "The machine, instead of what the file says")
+        ->check(CLI::IsMember(MachineNames()));
+    app.add_option("--set", play.settings, "A machine option or a setting for this run")
+        ->type_name("NAME=VALUE")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--bios", play.bios, "A console BIOS")->type_name("FILE");
+    app.add_flag("--headless", play.headless, "No window, no device, no pacing, no autosave");
+    app.add_option("--frames", play.frames, "Stop after so many frames")->type_name("N");
+    app.add_flag("--static", play.showStatic, "Begin with the television static");
+    app.add_option("--input", play.inputFile, "Lines \"FRAME ACTION down|up\"")->type_name("FILE");
+    app.add_option("--screenshot", play.screenshots,
+                   "FRAME=FILE.png or last=FILE.png; frames count from 1")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--wav", play.wavFile, "The sound as the machine delivered it")
+        ->type_name("FILE");
+    app.add_option("--frame-hashes", play.hashFile,
+                   "A line a frame with the hashes of picture and sound")
+        ->type_name("FILE");
+    app.add_option("--save-state", play.saveState, "The state at the end")->type_name("FILE");
+    app.add_option("--load-state", play.loadState, "The state at the start")->type_name("FILE");
+    app.add_option("--peek", play.peeks,
+                   "At the end print bytes as the main processor would read them")
+        ->type_name("ADDRESS[:LENGTH]")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--dump", play.dumps, "At the end write a memory whole")
+        ->type_name("REGION=FILE")
+        ->expected(1)
+        ->take_all();
+    app.footer(PlayHelp());
 }
 
 // The program without arguments. Its window comes with the machines; until then it says what it has.
@@ -83,9 +112,19 @@ int Run(int argc, const char* const* argv) {
 
     PLAY_OPTIONS play;
     CLI::App* playApp = app.add_subcommand("play", "Play one game at once");
-    playApp->add_option("GAME", play.game, "A ROM, a .zip or a .game")->required();
-    playApp->add_option("--machine", play.machine, "The machine, instead of what the file says")
-        ->check(CLI::IsMember(MachineNames()));
+    AddPlayOptions(*playApp, play);
+
+    BENCH_OPTIONS bench;
+    CLI::App* benchApp =
+        app.add_subcommand("bench", "How fast the machines run, unpaced, on one core");
+    std::vector<std::string> benchMachines = MachineNames();
+    benchMachines.emplace_back("all");
+    benchApp->add_option("--machine", bench.machine, "One machine, or all")
+        ->check(CLI::IsMember(benchMachines));
+    benchApp->add_option("--seconds", bench.seconds, "How long to run each")
+        ->check(CLI::Range(0.01, 3600.0));
+    benchApp->add_option("--json", bench.jsonFile, "Write the figures to a file")
+        ->type_name("FILE");
 
     CONVERT_OPTIONS convert;
     CLI::App* convertApp =
@@ -113,6 +152,9 @@ int Run(int argc, const char* const* argv) {
     }
     if (*convertApp) {
         return ConvertCommand(convert);
+    }
+    if (*benchApp) {
+        return BenchCommand(bench);
     }
     if (*infoApp) {
         return InfoCommand(infoPaths);

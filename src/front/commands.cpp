@@ -1,10 +1,10 @@
 #include "front/commands.h"
 
+#include "base/audio_rate.h"
 #include "base/files.h"
 #include "base/text.h"
 #include "front/settings/bindings.h"
 #include "front/settings/settings.h"
-#include "host/machine_list.h"
 #include "library/convert.h"
 #include "library/game_file.h"
 #include "library/game_source.h"
@@ -212,21 +212,14 @@ int ConvertCommand(const CONVERT_OPTIONS& options) {
     return done ? kExitDone : kExitFailed;
 }
 
-int PlayCommand(const PLAY_OPTIONS& options) {
-    const GAME_SYSTEM* system =
-        options.machine.empty() ? nullptr : FindGameSystem(std::string_view(options.machine));
-    CGameFile game;
-    std::string title;
-    std::string error;
-    if (!OpenGame(options.game, system, game, title, error)) {
-        Complain(error);
-        return kExitFailed;
+void ApplyAudioRate() {
+    constexpr int32_t kLowestRate = 8000;
+    constexpr int32_t kHighestRate = 192000;
+    const int32_t rate = Settings().GetInt(L"audio_app_samplerate");
+    if (rate >= kLowestRate && rate <= kHighestRate) {
+        SetAudioRate(static_cast<uint32_t>(rate));
+    } else {
+        Complain("a sample rate of " + std::to_string(rate) + " cannot be; " +
+                 std::to_string(AudioRate()) + " is used");
     }
-    const uint16_t number = game.Header().system;
-    if (EmuFindMachine(number) == nullptr) {
-        Complain(options.game + ": is a game of the " + SystemText(number) +
-                 ", and that machine is not built in");
-        return kExitFailed;
-    }
-    return kExitDone;
 }

@@ -28,8 +28,13 @@ struct CONVERT_OPTIONS {
 };
 int ConvertCommand(const CONVERT_OPTIONS& options);
 
-struct PLAY_OPTIONS {
-    std::string game; // a path
-    std::string machine;
+// Copies the setting of the sample rate to the program's own; one that cannot be is complained about.
+void ApplyAudioRate();
+
+// Runs machines unpaced on one core with our own games, and prints what they do.
+struct BENCH_OPTIONS {
+    std::string machine = "all";
+    double seconds = 5.0;
+    std::string jsonFile;
 };
-int PlayCommand(const PLAY_OPTIONS& options);
+int BenchCommand(const BENCH_OPTIONS& options);

@@ -30,7 +30,7 @@ using SameContent = std::function<bool(const Bytes& kept)>;
 // One for all archives: reading, carrying over and replacing must not interleave. Reports are
 // gathered under it and spoken after it, since a sink may take a lock of the same rank.
 RankedMutex<LockRank::kLeaf>& ArchiveLock() {
-    static auto* const lock = new RankedMutex<LockRank::kLeaf>;
+    static auto* lock = new RankedMutex<LockRank::kLeaf>;
     return *lock;
 }
 

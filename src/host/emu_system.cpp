@@ -14,7 +14,7 @@ struct LAST_ERROR {
 
 // Never destroyed: a session thread may still speak while the process ends.
 LAST_ERROR& LastError() {
-    static auto* const error = new LAST_ERROR;
+    static auto* error = new LAST_ERROR;
     return *error;
 }
 

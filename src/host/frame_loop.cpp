@@ -11,7 +11,6 @@
 #include "host/static.h"
 
 #include <algorithm>
-#include <chrono>
 #include <mutex>
 #include <thread>
 #include <utility>

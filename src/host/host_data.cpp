@@ -38,12 +38,12 @@ HOST_CLOCK gClock{SteadyMicroseconds, SteadySleep};
 } // namespace
 
 FrameMutex& EmuFrameMutex() {
-    static auto* const mutex = new FrameMutex;
+    static auto* mutex = new FrameMutex;
     return *mutex;
 }
 
 SoundMutex& EmuSoundMutex() {
-    static auto* const mutex = new SoundMutex;
+    static auto* mutex = new SoundMutex;
     return *mutex;
 }
 

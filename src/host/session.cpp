@@ -37,17 +37,17 @@ void SleepMillisecond() {
 
 // Takes a session's lock from another thread. The session's own thread takes it again at once after
 // every step, so it is told that somebody waits.
-class SESSION_HOLD {
+class SessionHold {
 public:
-    explicit SESSION_HOLD(EMU_THREAD& waitedFor)
+    explicit SessionHold(EMU_THREAD& waitedFor)
         : session(waitedFor) {
         ++session.lockWaiters;
         session.lock.lock();
         --session.lockWaiters;
     }
-    ~SESSION_HOLD() { session.lock.unlock(); }
-    SESSION_HOLD(const SESSION_HOLD&) = delete;
-    SESSION_HOLD& operator=(const SESSION_HOLD&) = delete;
+    ~SessionHold() { session.lock.unlock(); }
+    SessionHold(const SessionHold&) = delete;
+    SessionHold& operator=(const SessionHold&) = delete;
 
 private:
     EMU_THREAD& session;
@@ -157,7 +157,7 @@ EMU_THREAD::~EMU_THREAD() {
 }
 
 SessionListMutex& SessionListLock() {
-    static auto* const lock = new SessionListMutex;
+    static auto* lock = new SessionListMutex;
     return *lock;
 }
 
@@ -269,7 +269,7 @@ bool EmuStopSession(uint32_t key) {
             stoppedElsewhere = session->serial;
         } else {
             session->stopping = true;
-            const SESSION_HOLD hold(*session);
+            const SessionHold hold(*session);
             if ((Autosaves() & kAutosaveSave) != 0) {
                 EmuSaveToArchive(*session);
             }
@@ -294,7 +294,7 @@ bool EmuResetSession(uint32_t key) {
     if (session == nullptr) {
         return false;
     }
-    const SESSION_HOLD hold(*session);
+    const SessionHold hold(*session);
     session->machine->Reset();
     return true;
 }

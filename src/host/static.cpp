@@ -30,8 +30,8 @@ void FillStatic(EMU_AUDIO_FRAME& audio) {
     audio.sampleCount = std::min(audio.sampleRate / kFramesPerSecond, kAudioFramePairs);
     for (uint32_t i = 0; i < audio.sampleCount; ++i) {
         const auto sample = static_cast<int16_t>(RandomNumber() % 3000 - 1500);
-        audio.samples[2 * i] = sample;
-        audio.samples[2 * i + 1] = sample;
+        audio.samples[size_t{2} * i] = sample;
+        audio.samples[size_t{2} * i + 1] = sample;
     }
 }
 

@@ -172,3 +172,16 @@ bool ConvertImage(uint16_t system, std::string_view stem, std::span<const uint8_
     }
     return !out.empty();
 }
+
+bool BuildKnownGame(uint16_t system, std::string_view title, std::span<const uint8_t> image,
+                    const MACHINE_RECORD& record, CGameFile& game) {
+    if (image.size() > kImageLimit) {
+        return false;
+    }
+    game.Create(false, system);
+    game.AddNameFromTitle(title, 1, 1, record);
+    game.AddRom("v1.0", Sha256(image), static_cast<uint32_t>(image.size()));
+    (void)game.LinkRom(0, 0);
+    game.ComputeHeaderHash();
+    return game.SetData({image.begin(), image.end()});
+}

@@ -37,3 +37,9 @@
 [[nodiscard]] bool ConvertImage(uint16_t system, std::string_view stem,
                                 std::span<const uint8_t> file, std::span<const CGameFile> database,
                                 std::vector<uint8_t>& out, bool& known);
+
+// A game of one image in memory with this machine record, whose tag becomes that of the system. Unlike
+// BuildGame it takes an arcade image too, since the record names its board.
+[[nodiscard]] bool BuildKnownGame(uint16_t system, std::string_view title,
+                                  std::span<const uint8_t> image, const MACHINE_RECORD& record,
+                                  CGameFile& game);

@@ -181,14 +181,13 @@ bool VisitImages(const fs::path& path, const GAME_SYSTEM* system, const IMAGE_VI
 
 bool OpenGame(const fs::path& path, const GAME_SYSTEM* system, CGameFile& game, std::string& title,
               std::string& error) {
-    if (LowerExtension(path) != ".game") {
-        if (!OpenImageFile(path, system, game, error)) {
-            return false;
-        }
-    } else if (!OpenGameFile(path, false, game, error)) {
+    const bool container = LowerExtension(path) == ".game";
+    if (container ? !OpenGameFile(path, false, game, error)
+                  : !OpenImageFile(path, system, game, error)) {
         return false;
-    } else if (system != nullptr && system->system != game.Header().system &&
-               !ChangeSystem(path, *system, game, error)) {
+    }
+    if (system != nullptr && system->system != game.Header().system &&
+        !ChangeSystem(path, *system, game, error)) {
         return false;
     }
     game.selectedName = 0;

@@ -74,8 +74,8 @@ protected:
     }
 
     static void RunFrames(EMU_THREAD& session, uint32_t count) {
-        std::vector<uint32_t> pixels(320 * 240);
-        std::vector<int16_t> samples(kAudioFramePairs * 2);
+        std::vector<uint32_t> pixels(size_t{320} * 240);
+        std::vector<int16_t> samples(size_t{kAudioFramePairs} * 2);
         EMU_VIDEO_FRAME video{};
         video.pixels = pixels.data();
         EMU_AUDIO_FRAME audio{samples.data(), 44100, 0};

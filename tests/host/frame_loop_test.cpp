@@ -18,6 +18,13 @@ uint32_t gPresented = 0;
 std::vector<int16_t> gSubmitted;
 
 class FrameLoop : public HostTest {
+public:
+    ~FrameLoop() override {
+        if (session) {
+            HostClose(session.get());
+        }
+    }
+
 protected:
     FrameLoop() {
         gPresented = 0;
@@ -31,12 +38,6 @@ protected:
         host.submitAudio = [](EMU_THREAD*, EMU_AUDIO_FRAME* audio) {
             gSubmitted.assign(audio->samples, audio->samples + size_t{audio->sampleCount} * 2);
         };
-    }
-
-    ~FrameLoop() override {
-        if (session) {
-            HostClose(session.get());
-        }
     }
 
     void Open(const TEST_BEHAVIOUR& behaviour = {}, uint16_t system = 1) {
@@ -271,13 +272,13 @@ TEST_F(FrameLoop, WhenRewindRunsOutPictureAndSoundStay) {
     Round();
     Round(kRewind);
     const EMU_VIDEO_FRAME last = Round(kRewind);
-    const std::vector<uint32_t> shown(last.pixels, last.pixels + 320 * 240);
+    const std::vector<uint32_t> shown(last.pixels, last.pixels + size_t{320} * 240);
     const std::vector<int16_t> heard = gSubmitted;
     gSubmitted.clear();
     const uint32_t runs = machine->runs;
     for (int i = 0; i < 4; ++i) {
         const EMU_VIDEO_FRAME& drawn = Round(kRewind);
-        EXPECT_EQ(std::vector<uint32_t>(drawn.pixels, drawn.pixels + 320 * 240), shown);
+        EXPECT_EQ(std::vector<uint32_t>(drawn.pixels, drawn.pixels + size_t{320} * 240), shown);
         EXPECT_EQ(drawn.width, 240u); // turned once
         EXPECT_EQ(gSubmitted, heard);
         EXPECT_EQ(gPresented, 16666u);
@@ -356,8 +357,8 @@ TEST_F(FrameLoop, StaticIsGreyNoiseAndOneSampleForBothChannels) {
     EXPECT_EQ(*levels.rbegin(), 254u);
     std::set<int16_t> samples;
     for (uint32_t i = 0; i < sound.frame.sampleCount; ++i) {
-        ASSERT_EQ(sound.frame.samples[2 * i], sound.frame.samples[2 * i + 1]);
-        samples.insert(sound.frame.samples[2 * i]);
+        ASSERT_EQ(sound.frame.samples[size_t{2} * i], sound.frame.samples[size_t{2} * i + 1]);
+        samples.insert(sound.frame.samples[size_t{2} * i]);
     }
     EXPECT_GE(*samples.begin(), -1500);
     EXPECT_LE(*samples.rbegin(), 1499);

@@ -8,6 +8,12 @@
 namespace {
 
 class HostData : public HostTest {
+public:
+    ~HostData() override {
+        HostClose(&session);
+        SetAudioRate(44100);
+    }
+
 protected:
     HostData() {
         session.key = 12;
@@ -16,10 +22,6 @@ protected:
         HostOpen(&session);
         data = session.hostData;
         data->noSound = false;
-    }
-    ~HostData() override {
-        HostClose(&session);
-        SetAudioRate(44100);
     }
 
     void Publish(uint32_t number) {
@@ -61,7 +63,7 @@ TEST_F(HostData, OpensWithClearedAlignedBuffers) {
         EXPECT_EQ(reinterpret_cast<uintptr_t>(frame.pixels) % 32, 0u);
         EXPECT_EQ(frame.tvKey, 12u);
         EXPECT_EQ(frame.fresh, 0);
-        EXPECT_TRUE(std::all_of(frame.pixels, frame.pixels + 320 * 240,
+        EXPECT_TRUE(std::all_of(frame.pixels, frame.pixels + size_t{320} * 240,
                                 [](uint32_t pixel) { return pixel == 0; }));
     }
 }

@@ -32,9 +32,11 @@ struct HOST_COUNTS {
 };
 
 class HostTest : public testing::Test {
+public:
+    ~HostTest() override;
+
 protected:
     HostTest();
-    ~HostTest() override;
 
     // Starts a game of `system` and gives its serial.
     uint32_t Start(uint32_t key, const std::string& name = "Game", uint16_t system = 1,

@@ -21,7 +21,7 @@ int64_t NoisyNow() {
 
 void NoisySleep(uint32_t milliseconds) {
     ++gSleeps[std::min(milliseconds, 5u)];
-    gTime += milliseconds == 0 ? 1 + Draw(119) : milliseconds * 1000 + Draw(1500);
+    gTime += milliseconds == 0 ? 1 + Draw(119) : int64_t{milliseconds} * 1000 + Draw(1500);
 }
 
 // An exact clock: it stands still but for sleeps, and a look takes one microsecond.
@@ -31,10 +31,13 @@ int64_t ExactNow() {
 
 void ExactSleep(uint32_t milliseconds) {
     ++gSleeps[std::min(milliseconds, 5u)];
-    gTime += milliseconds == 0 ? 10 : milliseconds * 1000;
+    gTime += milliseconds == 0 ? 10 : int64_t{milliseconds} * 1000;
 }
 
 class Pacing : public HostTest {
+public:
+    ~Pacing() override { HostClose(&session); }
+
 protected:
     Pacing() {
         gRandom.seed(7);
@@ -43,7 +46,6 @@ protected:
         session.frameWidth = 16;
         session.frameHeight = 16;
     }
-    ~Pacing() override { HostClose(&session); }
 
     void Open(const HOST_CLOCK& clock) {
         HostSetClock(clock);

@@ -179,7 +179,7 @@ TEST(ClampPicture, APictureWithinItsBufferIsUntouched) {
     PICTURE picture(320, 240);
     picture.video.visibleX = 8;
     picture.video.visibleWidth = 304;
-    EmuClampPicture(picture.video, 320 * 240);
+    EmuClampPicture(picture.video, size_t{320} * 240);
     EXPECT_EQ(picture.video.height, 240u);
     EXPECT_EQ(picture.video.visibleX, 8u);
     EXPECT_EQ(picture.video.visibleWidth, 304u);
@@ -188,7 +188,7 @@ TEST(ClampPicture, APictureWithinItsBufferIsUntouched) {
 
 TEST(ClampPicture, ATallPictureLosesRowsAndItsWindowFollows) {
     PICTURE picture(320, 241);
-    EmuClampPicture(picture.video, 320 * 240);
+    EmuClampPicture(picture.video, size_t{320} * 240);
     EXPECT_EQ(picture.video.width, 320u);
     EXPECT_EQ(picture.video.height, 240u);
     EXPECT_EQ(picture.video.visibleHeight, 240u);

@@ -11,6 +11,12 @@ namespace fs = std::filesystem;
 namespace {
 
 class Screenshot : public HostTest {
+public:
+    ~Screenshot() override {
+        Press(L"Take ScreenShot", false);
+        EmuTakeScreenshot(session, video);
+    }
+
 protected:
     Screenshot() {
         session.key = 5;
@@ -23,11 +29,6 @@ protected:
         video.visibleWidth = 2;
         video.visibleHeight = 1;
         InputSetActiveKey(5);
-    }
-
-    ~Screenshot() override {
-        Press(L"Take ScreenShot", false);
-        EmuTakeScreenshot(session, video);
     }
 
     [[nodiscard]] std::vector<fs::path> Files() const {

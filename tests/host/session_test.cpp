@@ -172,7 +172,7 @@ TEST_F(Session, MachineStartsAfterTheStatic) {
 TEST_F(Session, CallbacksComeInTheirOrderOnTheirThreads) {
     gLog.clear();
     static std::atomic<std::thread::id> gSessionThread;
-    static const EMU_HOST_CALLBACKS base = TestHost();
+    static EMU_HOST_CALLBACKS base = TestHost();
     EMU_HOST_CALLBACKS host = base;
     host.threadStart = [](int argument) {
         Log("threadStart");
@@ -208,7 +208,7 @@ TEST_F(Session, CallbacksComeInTheirOrderOnTheirThreads) {
 // The record is gone before the thread gives its processor back, and the stop did not wait for that.
 TEST_F(Session, StopDoesNotWaitForThreadEnd) {
     static std::atomic<bool> gMayEnd;
-    static const EMU_HOST_CALLBACKS base = TestHost();
+    static EMU_HOST_CALLBACKS base = TestHost();
     gMayEnd = false;
     EMU_HOST_CALLBACKS host = base;
     host.threadEnd = [](int token) {
@@ -230,7 +230,7 @@ TEST_F(Session, StopDoesNotWaitForThreadEnd) {
 TEST_F(Session, SessionsThatTheHostHasNotOpenedAreNotVisited) {
     static std::atomic<bool> gOpening;
     static std::atomic<bool> gMayStart;
-    static const EMU_HOST_CALLBACKS base = TestHost();
+    static EMU_HOST_CALLBACKS base = TestHost();
     gOpening = gMayStart = false;
     EMU_HOST_CALLBACKS host = base;
     host.threadStart = [](int argument) {
@@ -313,7 +313,7 @@ TEST_F(Session, AutosaveBitsAreLoadAndSave) {
         CGameFile* const games[2] = {&game, nullptr};
         // The static is over before the first frame exactly when the state was loaded.
         static std::atomic<int32_t> gStaticAtOpen;
-        static const EMU_HOST_CALLBACKS base = TestHost();
+        static EMU_HOST_CALLBACKS base = TestHost();
         EMU_HOST_CALLBACKS host = base;
         host.open = [](EMU_THREAD* session) {
             gStaticAtOpen = session->showStatic;
@@ -352,7 +352,7 @@ TEST_F(Session, StatsAreOneLineForTheActiveSession) {
     ASSERT_NE(Start(1), 0u);
     EXPECT_EQ(EmuFormatStats(), "");
     Settings().SetInt(L"emu_autosaves", 0);
-    static const EMU_HOST_CALLBACKS base = TestHost();
+    static EMU_HOST_CALLBACKS base = TestHost();
     EMU_HOST_CALLBACKS host = base;
     EmuStopSession(1);
     ASSERT_TRUE(Eventually([] { return EmuRunningThreads() == 0; }));
@@ -444,8 +444,8 @@ TEST_F(Session, SeveralSessionsRunThousandsOfFramesEachOnItsOwn) {
         frames = machine.frame;
     });
     const auto alone = Create({.noisySound = 1});
-    std::vector<uint32_t> pixels(320 * 240);
-    std::vector<int16_t> samples(kAudioFramePairs * 2);
+    std::vector<uint32_t> pixels(size_t{320} * 240);
+    std::vector<int16_t> samples(size_t{kAudioFramePairs} * 2);
     EMU_VIDEO_FRAME video{};
     video.pixels = pixels.data();
     EMU_AUDIO_FRAME audio{samples.data(), 44100, 0};

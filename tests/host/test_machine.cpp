@@ -61,7 +61,7 @@ const MACHINE_LIST& TestMachines() {
          {6, "", ConstructLarge},
          }
     };
-    static const MACHINE_LIST list{kEntries, CountTables};
+    static MACHINE_LIST list{kEntries, CountTables};
     return list;
 }
 
@@ -128,8 +128,8 @@ void CTestMachine::RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME* video, EMU_AUDIO_
     audio->sampleCount =
         behaviour.noisySound != 0 ? 600 + (seed >> 8) % 300 : behaviour.sampleCount;
     for (uint32_t i = 0; i < std::min(audio->sampleCount, kAudioFramePairs); ++i) {
-        audio->samples[2 * i] = static_cast<int16_t>(frameField * 100 + i);
-        audio->samples[2 * i + 1] = -1;
+        audio->samples[size_t{2} * i] = static_cast<int16_t>(frameField * 100 + i);
+        audio->samples[size_t{2} * i + 1] = -1;
     }
 }
 

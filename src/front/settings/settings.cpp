@@ -210,6 +210,6 @@ std::wstring SettingsStore::ReadString(const Setting& setting) const {
 }
 
 SettingsStore& Settings() {
-    static auto* const kStore = new SettingsStore;
-    return *kStore;
+    static auto* store = new SettingsStore;
+    return *store;
 }

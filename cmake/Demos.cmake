@@ -1,0 +1,72 @@
+# Our own games and demos: assembled and compiled from source by the ordinary build, and embedded in
+# the program.
+
+find_program(SDASZ80 sdasz80 REQUIRED)
+find_program(SDCC sdcc REQUIRED)
+find_program(MAKEBIN makebin REQUIRED)
+
+# ombrelune_z80_rom(NAME name SIZE bytes SOURCES file... [DEPENDS file...] [FLAGS flag...])
+#
+# Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, SIZE bytes of a Z80 program: code from address 0, data
+# from 0xC000. The first source is linked first and holds the reset vector. Sources are assembly (.s,
+# sdasz80) or C (.c, sdcc, without its start code). DEPENDS are included files.
+function(ombrelune_z80_rom)
+    cmake_parse_arguments(ROM "" "NAME;SIZE" "SOURCES;DEPENDS;FLAGS" ${ARGN})
+    set(objects "")
+    set(folder ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.dir)
+    file(MAKE_DIRECTORY ${folder})
+    list(TRANSFORM ROM_DEPENDS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+    foreach(source ${ROM_SOURCES})
+        get_filename_component(stem ${source} NAME_WE)
+        get_filename_component(extension ${source} EXT)
+        cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+        set(object ${folder}/${stem}.rel)
+        if(extension STREQUAL ".s")
+            set(command ${SDASZ80} -l -o -s -g -I${CMAKE_CURRENT_SOURCE_DIR} ${object} ${source})
+        else()
+            set(command ${SDCC} -mz80 --std-c11 --opt-code-speed -I${CMAKE_CURRENT_SOURCE_DIR}
+                ${ROM_FLAGS} -c -o ${object} ${source})
+        endif()
+        add_custom_command(OUTPUT ${object} COMMAND ${command} DEPENDS ${source} ${ROM_DEPENDS}
+            WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} VERBATIM)
+        list(APPEND objects ${object})
+    endforeach()
+    set(image ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.rom)
+    add_custom_command(OUTPUT ${image}
+        COMMAND ${SDCC} -mz80 --no-std-crt0 --code-loc 0x0000 --data-loc 0xC000
+            -o ${folder}/${ROM_NAME}.ihx ${objects}
+        COMMAND ${MAKEBIN} -s ${ROM_SIZE} ${folder}/${ROM_NAME}.ihx ${image}
+        DEPENDS ${objects} VERBATIM)
+endfunction()
+
+# ombrelune_demo(NAME name SYSTEM number TITLE text ROM file)
+#
+# Embeds an image: `demo:NAME` on the command line plays it.
+function(ombrelune_demo)
+    cmake_parse_arguments(DEMO "" "NAME;SYSTEM;TITLE;ROM" "" ${ARGN})
+    string(MAKE_C_IDENTIFIER ${DEMO_NAME} identifier)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${DEMO_NAME}.cpp)
+    add_custom_command(OUTPUT ${source}
+        COMMAND ${CMAKE_COMMAND} -DIMAGE=${DEMO_ROM} -DSOURCE=${source} -DIDENTIFIER=${identifier}
+            -P ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake
+        DEPENDS ${DEMO_ROM} ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake VERBATIM)
+    # A target in the folder of its rules; the list below is made in another one.
+    add_library(demo-${DEMO_NAME} OBJECT ${source})
+    set_property(GLOBAL APPEND PROPERTY OMBRELUNE_DEMO_OBJECTS $<TARGET_OBJECTS:demo-${DEMO_NAME}>)
+    set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_DEMO_EXTERNS
+        "extern const unsigned char gDemo_${identifier}[];\nextern const unsigned long gDemo_${identifier}_size;\n")
+    set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_DEMO_ROWS
+        "    {\"${DEMO_NAME}\", \"${DEMO_TITLE}\", ${DEMO_SYSTEM}, {gDemo_${identifier}, gDemo_${identifier}_size}},\n")
+endfunction()
+
+# To be called once, in the folder of the demos, after the last of them: makes the target `demos`.
+function(ombrelune_embed_demos)
+    get_property(objects GLOBAL PROPERTY OMBRELUNE_DEMO_OBJECTS)
+    get_property(DEMO_EXTERNS GLOBAL PROPERTY OMBRELUNE_DEMO_EXTERNS)
+    get_property(DEMO_ROWS GLOBAL PROPERTY OMBRELUNE_DEMO_ROWS)
+    configure_file(demos.cpp.in ${CMAKE_CURRENT_BINARY_DIR}/demos.cpp @ONLY)
+    add_library(demos STATIC ${CMAKE_CURRENT_BINARY_DIR}/demos.cpp ${objects})
+    target_link_libraries(demos PRIVATE ombrelune_flags)
+    target_include_directories(demos PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    ombrelune_layer(demos SOURCES ${PROJECT_SOURCE_DIR}/src/front/demos.h)
+endfunction()

@@ -1,0 +1,38 @@
+// A script of button presses: lines "FRAME ACTION down|up", with '#' comments and empty lines.
+//
+// Actions have the names that `ombrelune actions` prints, spaces included. Every action is bound to a
+// code of its own that no device has, so that a script presses actions whatever keys they are bound to
+// and several actions that share a key stay apart.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class SettingsStore;
+
+struct INPUT_EVENT {
+    uint32_t frame; // before which it happens; frames count from 1
+    size_t action;  // index into InputActions
+    bool down;
+};
+
+class InputScript {
+public:
+    // False, with the line and what is wrong with it, for a text that is no script.
+    [[nodiscard]] bool Parse(std::string_view text, std::string& error);
+
+    // Binds every action to its own code in place of what the store holds.
+    static void BindActions(SettingsStore& store);
+
+    // Feeds the events of this frame, and of those before it that were not yet fed.
+    void Feed(uint32_t frame);
+
+    [[nodiscard]] const std::vector<INPUT_EVENT>& Events() const { return events; }
+
+private:
+    std::vector<INPUT_EVENT> events; // by rising frame
+    size_t next = 0;
+};

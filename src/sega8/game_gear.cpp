@@ -1,0 +1,1 @@
+#include "sega8/game_gear.h"

@@ -1,0 +1,246 @@
+#include "sega8/psg.h"
+
+#include "host/state_piece.h"
+
+#include <algorithm>
+#include <bit>
+#include <memory>
+
+namespace {
+
+constexpr size_t kTones = 3;
+constexpr size_t kNoise = 3;
+
+// Index: attenuation. Steps of 2 dB from full level; settled.
+constexpr std::array<int32_t, 16> kToneVolume{3276, 2602, 2067, 1642, 1304, 1036, 823, 656,
+                                              519,  412,  327,  260,  206,  164,  130, 0};
+constexpr std::array<int32_t, 16> kNoiseVolume{8191, 6507, 5168, 4105, 3261, 2590, 2057, 1642,
+                                               1298, 1031, 819,  650,  516,  410,  326,  0};
+
+constexpr uint8_t kAttenuationMask = 0x0F;
+constexpr uint8_t kNoiseControlMask = 0x0F;
+constexpr uint16_t kPeriodMask = 0x3FF;
+constexpr uint8_t kNoiseRateMask = 3;
+constexpr uint8_t kNoiseRateFromTone = 3;
+constexpr uint8_t kNoiseIsWhite = 4;
+
+void StepTones(PSG& psg) {
+    for (size_t i = 0; i < kTones; ++i) {
+        if (--psg.counter[i] < 1) {
+            psg.output[i] = -psg.output[i];
+            psg.counter[i] = psg.period[i];
+            // A constant level, which games modulate by the attenuation to play samples.
+            if (psg.period[i] < 2) {
+                psg.output[i] = 1;
+            }
+        }
+    }
+}
+
+void ShiftNoise(PSG& psg) {
+    const bool white = (psg.noiseControl & kNoiseIsWhite) != 0;
+    const uint32_t bit =
+        white ? static_cast<uint32_t>(std::popcount(psg.lfsr & psg.lfsrTaps)) & 1 : psg.lfsr & 1;
+    psg.lfsr = psg.lfsr >> 1 | bit << psg.lfsrShift;
+}
+
+void StepNoise(PSG& psg) {
+    if (--psg.counter[kNoise] < 1) {
+        const uint8_t rate = psg.noiseControl & kNoiseRateMask;
+        psg.counter[kNoise] = rate == kNoiseRateFromTone ? psg.period[2] : 16 << rate;
+        psg.noiseToggle ^= 1;
+        if (psg.noiseToggle != 0) {
+            ShiftNoise(psg);
+        }
+    }
+    psg.noiseOutput = psg.lfsr & 1;
+}
+
+// What every channel adds, tones first.
+std::array<int32_t, 4> Levels(const PSG& psg) {
+    std::array<int32_t, 4> levels{};
+    for (size_t i = 0; i < kTones; ++i) {
+        levels[i] = kToneVolume[psg.attenuation[i]] * psg.output[i];
+    }
+    levels[kNoise] = psg.noiseOutput != 0 ? kNoiseVolume[psg.attenuation[kNoise]] : 0;
+    return levels;
+}
+
+void WriteRegister(PSG& psg, uint8_t value, bool isLatch) {
+    const size_t channel = psg.latchChannel;
+    if (psg.latchIsVolume) {
+        psg.attenuation[channel] = value & kAttenuationMask;
+    } else if (channel == kNoise) {
+        psg.noiseControl = value & kNoiseControlMask;
+        psg.lfsr = 1u << psg.lfsrShift;
+    } else if (isLatch) {
+        psg.period[channel] = static_cast<uint16_t>((psg.period[channel] & 0x3F0) | (value & 0x0F));
+    } else {
+        psg.period[channel] =
+            static_cast<uint16_t>((psg.period[channel] & 0x00F) | (value & 0x3F) << 4);
+    }
+}
+
+// Every field in the order of the piece; `visit` reads or writes it.
+template <typename Visit>
+void Fields(PSG& psg, Visit& visit) {
+    visit(psg.clock);
+    visit(psg.divider);
+    visit(psg.attenuation);
+    visit(psg.counter);
+    visit(psg.output);
+    visit(psg.noiseOutput);
+    visit(psg.period);
+    visit(psg.noiseControl);
+    visit(psg.latchChannel);
+    visit(psg.latchIsVolume);
+    visit(psg.lfsr);
+    visit(psg.noiseToggle);
+    visit(psg.stereo);
+    visit(psg.leftEnable);
+    visit(psg.rightEnable);
+    visit(psg.lfsrShift);
+    visit(psg.lfsrTaps);
+}
+
+// Brings whatever was loaded into the ranges that the chip itself keeps to.
+void MakeSafe(PSG& psg) {
+    psg.divider %= kPsgClocksPerPair;
+    for (size_t i = 0; i < 4; ++i) {
+        psg.attenuation[i] &= kAttenuationMask;
+        psg.counter[i] = std::clamp(psg.counter[i], 0, int32_t{kPeriodMask});
+        psg.leftEnable[i] &= 1;
+        psg.rightEnable[i] &= 1;
+    }
+    for (size_t i = 0; i < kTones; ++i) {
+        psg.output[i] = psg.output[i] < 0 ? -1 : 1;
+        psg.period[i] &= kPeriodMask;
+    }
+    psg.noiseOutput &= 1;
+    psg.noiseControl &= kNoiseControlMask;
+    psg.noiseToggle &= 1;
+    psg.latchChannel &= 3;
+}
+
+} // namespace
+
+void PsgInit(PSG& psg, uint32_t clock, int model, bool stereo) {
+    psg.clock = clock;
+    psg.stereo = stereo;
+    if (model >= 1 && model <= 3) {
+        psg.lfsrShift = 15;
+        psg.lfsrTaps = 9;
+    } else if (model >= 4 && model <= 6) {
+        psg.lfsrShift = 14;
+        psg.lfsrTaps = 3;
+    }
+    psg.sampleCount = 0;
+    psg.resampler.Init(clock * 0.0625);
+}
+
+void PsgReset(PSG& psg) {
+    psg.divider = 0;
+    psg.attenuation.fill(kAttenuationMask);
+    psg.counter.fill(0);
+    psg.output.fill(1);
+    psg.noiseOutput = 0;
+    psg.period.fill(0);
+    psg.noiseControl = 0;
+    psg.latchChannel = 0;
+    psg.latchIsVolume = false;
+    psg.lfsr = 0;
+    psg.noiseToggle = 0;
+    psg.leftEnable.fill(1);
+    psg.rightEnable.fill(1);
+    psg.sampleCount = 0;
+    psg.resampler.Reset();
+}
+
+void PsgMakePair(PSG& psg) {
+    StepTones(psg);
+    StepNoise(psg);
+
+    const std::array<int32_t, 4> levels = Levels(psg);
+    int32_t left = 0;
+    int32_t right = 0;
+    if (psg.stereo) {
+        for (size_t i = 0; i < levels.size(); ++i) {
+            left += psg.leftEnable[i] != 0 ? levels[i] : 0;
+            right += psg.rightEnable[i] != 0 ? levels[i] : 0;
+        }
+    } else {
+        left = levels[0] + levels[1] + levels[2] + levels[3];
+        right = left;
+    }
+    psg.samples[psg.sampleCount] = static_cast<int16_t>(left);
+    psg.samples[psg.sampleCount + 1] = static_cast<int16_t>(right);
+    psg.sampleCount += 2;
+    if (psg.sampleCount >= psg.samples.size()) [[unlikely]] {
+        PsgFlush(psg);
+    }
+}
+
+void PsgWrite(PSG& psg, uint8_t value) {
+    const bool isLatch = (value & 0x80) != 0;
+    if (isLatch) {
+        psg.latchChannel = value >> 5 & 3;
+        psg.latchIsVolume = (value & 0x10) != 0;
+    }
+    WriteRegister(psg, value, isLatch);
+}
+
+void PsgStereoWrite(PSG& psg, uint8_t value) {
+    const uint8_t mask = value == 0 ? uint8_t{0xFF} : value;
+    for (size_t i = 0; i < 4; ++i) {
+        psg.leftEnable[i] = mask >> (4 + i) & 1;
+        psg.rightEnable[i] = mask >> i & 1;
+    }
+}
+
+void PsgFlush(PSG& psg) {
+    psg.resampler.Push(psg.samples.data(), static_cast<int32_t>(psg.sampleCount));
+    psg.sampleCount = 0;
+}
+
+void PsgCatchUp(PSG& psg, uint32_t values) {
+    PsgFlush(psg);
+    // Twice what fills the resampler and its converter: with that, more than it holds was asked for.
+    const uint32_t mostPairs = psg.clock / kPsgClocksPerPair / 20 + 1;
+    for (uint32_t i = 0; i < mostPairs && psg.resampler.Output().size() < values; ++i) {
+        for (uint32_t clocks = 0; clocks < kPsgClocksPerPair; ++clocks) {
+            PsgTick(psg);
+        }
+        PsgFlush(psg);
+    }
+}
+
+uint32_t PsgStateSize() {
+    static const uint32_t kSize = [] {
+        const auto psg = std::make_unique<PSG>();
+        return StatePieceSize([&](auto& visit) { Fields(*psg, visit); });
+    }();
+    return kSize;
+}
+
+uint8_t* PsgSaveState(const PSG& psg, uint8_t* out) {
+    auto& fields =
+        const_cast<PSG&>(psg); // The visitor that only reads is the one that also writes.
+    return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });
+}
+
+uint32_t PsgLoadState(PSG& psg, const uint8_t* data, uint32_t size) {
+    const uint32_t clock = psg.clock;
+    const bool stereo = psg.stereo;
+    const uint32_t lfsrShift = psg.lfsrShift;
+    const uint32_t lfsrTaps = psg.lfsrTaps;
+    const uint32_t used = StatePieceRead(data, size, [&](auto& visit) { Fields(psg, visit); });
+    // The wiring is the board's, whatever machine wrote the state.
+    psg.clock = clock;
+    psg.stereo = stereo;
+    psg.lfsrShift = lfsrShift;
+    psg.lfsrTaps = lfsrTaps;
+    if (used != 0) {
+        MakeSafe(psg);
+    }
+    return used;
+}

@@ -1,0 +1,347 @@
+#include "sega8/sms_pads.h"
+
+#include "sega8/vdp.h"
+
+#include <algorithm>
+
+namespace {
+
+// Lines of a port, 1 when open.
+enum PadLine : uint8_t {
+    kLineDirections = 0x0F, // up, down, left, right from bit 0
+    kLineTl = 0x10,
+    kLineTr = 0x20,
+    kLineTh = 0x40,
+    kLinesOpen = 0x7F
+};
+
+constexpr uint32_t kPaddleStart = 127;
+constexpr uint32_t kPaddleStep = 4;
+constexpr uint32_t kAimStartX = 128;
+constexpr uint32_t kAimStartY = 112;
+constexpr uint32_t kAimStep = 2;
+constexpr uint32_t kAimLast = 255;
+constexpr uint32_t kSportsMovement = 10;
+constexpr uint32_t kSportsRestart = 280; // clocks
+constexpr uint32_t kSportsLastPhase = 3;
+constexpr uint32_t kSixButtonTimeOut = 1956; // clocks
+constexpr int32_t kSpotLines = 4;            // above and below the aim
+constexpr int32_t kSpotDots = 150;           // 100 clocks
+constexpr int32_t kFirstPixelDot = 11;       // of a line, where pixel 0 goes out
+
+// Bits of port 0x3F for port A; those of port B lie two above.
+constexpr uint32_t kThIsInput = 0x02;
+constexpr uint32_t kThLevel = 0x20;
+
+bool ThIsInput(uint8_t ioControl, uint32_t port) {
+    return (ioControl & kThIsInput << port * 2) != 0;
+}
+
+// TH as the device sees it: an input floats high.
+bool ThHigh(uint8_t ioControl, uint32_t port) {
+    return ThIsInput(ioControl, port) || (ioControl & kThLevel << port * 2) != 0;
+}
+
+// ---- Light Phaser
+
+struct BEAM_POINT {
+    int32_t line = -1;
+    int32_t dot = 0;
+};
+
+int32_t AimLine(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
+    const auto border = static_cast<int32_t>(vdp.pictureHeight - vdp.activeHeight) / 2;
+    return static_cast<int32_t>(pads.deviceY[port]) - border;
+}
+
+int32_t AimDot(const PAD_PORTS& pads, uint32_t port) {
+    return static_cast<int32_t>(pads.deviceX[port]) + kFirstPixelDot;
+}
+
+int32_t BeamDot(const VDP& vdp) {
+    return static_cast<int32_t>(vdp.dotCounter / 2);
+}
+
+bool Sees(const PAD_PORTS& pads, uint32_t port) {
+    return pads.device[port] == PadDevice::kLightPhaser && ThIsInput(pads.ioControl, port);
+}
+
+bool SeesBeam(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
+    const auto line = static_cast<int32_t>(vdp.line);
+    const int32_t down = line - AimLine(pads, vdp, port);
+    const int32_t right = BeamDot(vdp) - AimDot(pads, port);
+    return line < static_cast<int32_t>(vdp.activeHeight) && down >= -kSpotLines &&
+           down <= kSpotLines && right >= 0 && right < kSpotDots;
+}
+
+// The last point at which the beam came into the spot, in this frame and since the last look.
+BEAM_POINT NewHit(PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
+    if (!Sees(pads, port)) {
+        return {};
+    }
+    const int32_t aim = AimLine(pads, vdp, port);
+    const int32_t dot = AimDot(pads, port);
+    const auto lastActive = static_cast<int32_t>(vdp.activeHeight) - 1;
+    const int32_t reached = static_cast<int32_t>(vdp.line) - (BeamDot(vdp) < dot ? 1 : 0);
+    const int32_t line = std::min({reached, aim + kSpotLines, lastActive});
+    if (line < aim - kSpotLines || line <= pads.lightLine[port]) {
+        return {};
+    }
+    pads.lightLine[port] = line;
+    return {line, dot};
+}
+
+// ---- The devices' lines
+
+uint8_t Pressed(uint32_t input, uint32_t bit, uint8_t line) {
+    return (input & bit) != 0 ? line : uint8_t{0};
+}
+
+uint8_t OpenWithout(uint32_t pulled) {
+    return static_cast<uint8_t>(kLinesOpen & ~pulled);
+}
+
+uint8_t TwoButtons(uint32_t input) {
+    return static_cast<uint8_t>(Pressed(input, kPadButton1, kLineTl) |
+                                Pressed(input, kPadButton2, kLineTr));
+}
+
+uint8_t JoypadLines(uint32_t input) {
+    return OpenWithout((input & kLineDirections) | TwoButtons(input));
+}
+
+uint8_t PhaserLines(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
+    const uint8_t light = Sees(pads, port) && SeesBeam(pads, vdp, port) ? kLineTh : uint8_t{0};
+    return OpenWithout(Pressed(pads.input[port], kPadButton1, kLineTl) | light);
+}
+
+uint8_t SportsPadLines(PAD_PORTS& pads, uint32_t port, uint32_t clock) {
+    if (clock - pads.lastEdgeClock[port] > kSportsRestart) {
+        pads.deviceState[port] = 0;
+    }
+    const uint32_t phase = pads.deviceState[port] & kSportsLastPhase;
+    const uint32_t moved = phase < 2 ? pads.deviceX[port] : pads.deviceY[port];
+    const uint32_t nibble = (phase & 1) == 0 ? moved >> 4 & 15 : moved & 15;
+    return static_cast<uint8_t>((OpenWithout(TwoButtons(pads.input[port])) & ~kLineDirections) |
+                                nibble);
+}
+
+uint8_t PaddleLines(PAD_PORTS& pads, uint32_t port, bool flip) {
+    const bool high = (pads.deviceState[port] & 1) != 0;
+    const uint32_t turn = pads.deviceX[port];
+    const uint32_t nibble = high ? turn >> 4 & 15 : turn & 15;
+    if (flip) {
+        pads.deviceState[port] ^= 1;
+    }
+    const uint32_t tr = high ? 0u : uint32_t{kLineTr};
+    return static_cast<uint8_t>(
+        (OpenWithout(Pressed(pads.input[port], kPadButton1, kLineTl) | tr) & ~kLineDirections) |
+        nibble);
+}
+
+// B, C, A, X, Y, Z of the pad, whose start and mode have no action.
+constexpr uint32_t kPadA = kPadButton1 << 2;
+constexpr uint32_t kPadX = kPadButton1 << 3;
+constexpr uint32_t kPadY = kPadButton1 << 4;
+constexpr uint32_t kPadZ = kPadButton1 << 5;
+
+uint8_t SixButtonLines(PAD_PORTS& pads, uint32_t port, uint32_t clock) {
+    if (clock - pads.lastEdgeClock[port] > kSixButtonTimeOut) {
+        pads.deviceState[port] = 0;
+    }
+    const uint32_t count = pads.deviceState[port] & 3;
+    const uint32_t input = pads.input[port];
+    if (ThHigh(pads.ioControl, port)) {
+        if (count < 3) {
+            return JoypadLines(input);
+        }
+        return OpenWithout(Pressed(input, kPadZ, 1) | Pressed(input, kPadY, 2) |
+                           Pressed(input, kPadX, 4) | TwoButtons(input));
+    }
+    const uint8_t a = Pressed(input, kPadA, kLineTl);
+    switch (count) {
+    case 2: return OpenWithout(uint32_t{kLineDirections} | a);
+    case 3: return OpenWithout(a);
+    default: return OpenWithout((input & (kPadUp | kPadDown)) | kPadLeft | kPadRight | a);
+    }
+}
+
+// `flip`: this reading takes the port's TR.
+uint8_t DeviceLines(PAD_PORTS& pads, const VDP& vdp, uint32_t port, uint32_t clock, bool flip) {
+    switch (pads.device[port]) {
+    case PadDevice::kLightPhaser: return PhaserLines(pads, vdp, port);
+    case PadDevice::kSportsPad: return SportsPadLines(pads, port, clock);
+    case PadDevice::kPaddle: return PaddleLines(pads, port, flip);
+    case PadDevice::kSixButton: return SixButtonLines(pads, port, clock);
+    case PadDevice::kJoypad: break;
+    }
+    return JoypadLines(pads.input[port]);
+}
+
+// ---- TH
+
+void ThEdge(PAD_PORTS& pads, uint32_t port, bool rising, uint32_t clock) {
+    const uint32_t quiet = clock - pads.lastEdgeClock[port];
+    pads.lastEdgeClock[port] = clock;
+    uint32_t& state = pads.deviceState[port];
+    if (pads.device[port] == PadDevice::kSportsPad) {
+        state = !rising && quiet > kSportsRestart ? 0 : (state + 1) & kSportsLastPhase;
+    } else if (pads.device[port] == PadDevice::kSixButton) {
+        if (quiet > kSixButtonTimeOut) {
+            state = 0;
+        }
+        state = (state + (rising ? 1 : 0)) & 3;
+    }
+}
+
+bool ThReadBack(const PAD_PORTS& pads, uint32_t port, uint8_t lines) {
+    if (pads.thReturns && !ThIsInput(pads.ioControl, port)) {
+        return ThHigh(pads.ioControl, port);
+    }
+    return (lines & kLineTh) != 0;
+}
+
+// ---- Moves of one frame
+
+void MoveAim(uint32_t& value, bool back, bool forth) {
+    if (back) {
+        value -= std::min(value, kAimStep);
+    } else if (forth) {
+        value = std::min(value + kAimStep, kAimLast);
+    }
+}
+
+void Aim(PAD_PORTS& pads, uint32_t port, const EMU_INPUT_STATE* pointers) {
+    const uint32_t input = pads.input[port];
+    if (pointers != nullptr && (pointers->pointer[port].x | pointers->pointer[port].y) != 0) {
+        pads.deviceX[port] = std::min(pointers->pointer[port].x, kAimLast);
+        pads.deviceY[port] = std::min(pointers->pointer[port].y, kAimLast);
+        return;
+    }
+    MoveAim(pads.deviceX[port], (input & kPadLeft) != 0, (input & kPadRight) != 0);
+    MoveAim(pads.deviceY[port], (input & kPadUp) != 0, (input & kPadDown) != 0);
+}
+
+void Turn(PAD_PORTS& pads, uint32_t port) {
+    uint32_t& turn = pads.deviceX[port];
+    if ((pads.input[port] & kPadLeft) != 0) {
+        turn -= std::min(turn, kPaddleStep);
+    } else if ((pads.input[port] & kPadRight) != 0) {
+        turn = std::min(turn + kPaddleStep, 255u);
+    }
+}
+
+uint32_t Movement(bool positive, bool negative) {
+    if (positive) {
+        return kSportsMovement;
+    }
+    return negative ? 0u - kSportsMovement : 0;
+}
+
+void Roll(PAD_PORTS& pads, uint32_t port) {
+    const uint32_t input = pads.input[port];
+    pads.deviceX[port] = Movement((input & kPadRight) != 0, (input & kPadLeft) != 0);
+    pads.deviceY[port] = Movement((input & kPadUp) != 0, (input & kPadDown) != 0);
+}
+
+} // namespace
+
+PadDevice PadDeviceOf(uint8_t option) {
+    switch (option) {
+    case 2: return PadDevice::kLightPhaser;
+    case 4: return PadDevice::kSportsPad;
+    case 8: return PadDevice::kPaddle;
+    case 16: return PadDevice::kSixButton;
+    default: return PadDevice::kJoypad;
+    }
+}
+
+void PadsReset(PAD_PORTS& pads) {
+    pads.input = {};
+    pads.lightLine = {-1, -1};
+    pads.ioControl = 0xFF;
+    pads.portDc = 0xFF;
+    pads.portDd = 0xFF;
+    pads.lastEdgeClock = {};
+    for (uint32_t port = 0; port < 2; ++port) {
+        const PadDevice device = pads.device[port];
+        // The first edge then begins a reading, whenever it comes.
+        pads.deviceState[port] = device == PadDevice::kSportsPad ? kSportsLastPhase : 0;
+        pads.deviceX[port] = device == PadDevice::kPaddle        ? kPaddleStart
+                             : device == PadDevice::kLightPhaser ? kAimStartX
+                                                                 : 0;
+        pads.deviceY[port] = device == PadDevice::kPaddle        ? kPaddleStart
+                             : device == PadDevice::kLightPhaser ? kAimStartY
+                                                                 : 0;
+    }
+}
+
+void PadsAfterLoad(PAD_PORTS& pads) {
+    pads.lightLine = {-1, -1};
+    for (uint32_t port = 0; port < 2; ++port) {
+        if (pads.device[port] != PadDevice::kSportsPad) {
+            pads.deviceX[port] &= 0xFF;
+            pads.deviceY[port] &= 0xFF;
+        }
+    }
+}
+
+void PadsBeginFrame(PAD_PORTS& pads, const std::array<uint32_t, 2>& input,
+                    const EMU_INPUT_STATE* pointers) {
+    pads.input = input;
+    pads.lightLine = {-1, -1};
+    for (uint32_t port = 0; port < 2; ++port) {
+        switch (pads.device[port]) {
+        case PadDevice::kLightPhaser: Aim(pads, port, pointers); break;
+        case PadDevice::kSportsPad: Roll(pads, port); break;
+        case PadDevice::kPaddle: Turn(pads, port); break;
+        case PadDevice::kJoypad:
+        case PadDevice::kSixButton: break;
+        }
+    }
+}
+
+void PadsLatchLight(PAD_PORTS& pads, VDP& vdp) {
+    const BEAM_POINT a = NewHit(pads, vdp, 0);
+    const BEAM_POINT b = NewHit(pads, vdp, 1);
+    const bool bIsLater = b.line > a.line || (b.line == a.line && b.dot > a.dot);
+    const BEAM_POINT hit = bIsLater ? b : a;
+    if (hit.line >= 0) {
+        // Every dot of the aim lies in the left part of the counter's two.
+        vdp.hLatch = static_cast<uint8_t>(hit.dot / 2);
+    }
+}
+
+void PadsWriteControl(PAD_PORTS& pads, VDP& vdp, uint8_t value, uint32_t clock) {
+    PadsLatchLight(pads, vdp);
+    const uint8_t before = pads.ioControl;
+    pads.ioControl = value;
+    constexpr uint32_t kBothThLevels = kThLevel | kThLevel << 2;
+    if ((value & ~before & kBothThLevels) != 0) {
+        VdpLatchH(vdp);
+    }
+    for (uint32_t port = 0; port < 2; ++port) {
+        if (ThHigh(value, port) != ThHigh(before, port)) {
+            ThEdge(pads, port, ThHigh(value, port), clock);
+        }
+    }
+}
+
+uint8_t PadsReadDc(PAD_PORTS& pads, VDP& vdp, uint32_t clock) {
+    PadsLatchLight(pads, vdp);
+    const uint32_t a = DeviceLines(pads, vdp, 0, clock, true);
+    const uint32_t b = DeviceLines(pads, vdp, 1, clock, false);
+    pads.portDc = static_cast<uint8_t>((a & 0x3F) | (b & 3) << 6);
+    return pads.portDc;
+}
+
+uint8_t PadsReadDd(PAD_PORTS& pads, VDP& vdp, uint32_t clock) {
+    PadsLatchLight(pads, vdp);
+    const uint8_t a = DeviceLines(pads, vdp, 0, clock, false);
+    const uint8_t b = DeviceLines(pads, vdp, 1, clock, true);
+    const uint32_t reset = (pads.input[0] & kPadReset) != 0 ? 0u : 0x10u;
+    pads.portDd = static_cast<uint8_t>((b >> 2 & 0x0F) | reset | 0x20u |
+                                       (ThReadBack(pads, 0, a) ? 0x40u : 0u) |
+                                       (ThReadBack(pads, 1, b) ? 0x80u : 0u));
+    return pads.portDd;
+}

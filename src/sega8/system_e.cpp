@@ -1,0 +1,1 @@
+#include "sega8/system_e.h"

@@ -1,0 +1,47 @@
+// The constant tables of the YM2413. They are the part's own figures as settled for this system; the
+// sine and level tables follow a formula and are built once, before `main`.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+inline constexpr uint32_t kYmLevelSteps = 512; // entries of a row of `tl`: 6 dB, both signs
+inline constexpr uint32_t kYmLevels = 11 * kYmLevelSteps; // at this index and above lies silence
+inline constexpr uint32_t kYmSineLength = 1024;
+
+// Attenuation to linear: index is 2 x (256ths of 6 dB), plus 1 for the negative value.
+// Phase to attenuation: the sine in the same unit, bit 0 set in the negative half; behind it the wave
+// that is silent there.
+struct YM_WAVES {
+    YM_WAVES();
+    std::array<int32_t, kYmLevels> tl;
+    std::array<uint32_t, 2 * kYmSineLength> sine;
+};
+extern const YM_WAVES kYmWaves;
+
+// Rows 1 to 15 are the fixed voices, 16 to 18 the rhythm (bass drum, snare and hi-hat, tom and cymbal).
+// Row 0 is what the user's voice holds until the program writes registers 0 to 7.
+extern const std::array<std::array<uint8_t, 8>, 19> kYmVoices;
+
+// Twice the frequency multiple, by the register's low nibble.
+extern const std::array<uint8_t, 16> kYmMultiple;
+
+// Key scale level: a row per block, by the F-number's top four bits.
+extern const std::array<uint8_t, 128> kYmKeyScale;
+
+// Envelope increments, a row of eight per kind of rate. Rows 15 and up don't exist.
+inline constexpr uint8_t kYmStepLast = 14 * 8;    // row that never steps
+inline constexpr uint8_t kYmStepInstant = 13 * 8; // row of the fastest attack
+extern const std::array<uint8_t, 15 * 8> kYmSteps;
+
+// By rate: the row (x 8) of the steps, and how many bits of the envelope counter are 0 at a step.
+inline constexpr uint32_t kYmRates = 96;
+extern const std::array<uint8_t, kYmRates> kYmRateSelect;
+extern const std::array<uint8_t, kYmRates> kYmRateShift;
+
+// Vibrato, in half F-numbers: a row per top three bits of the F-number, by the oscillator's step.
+extern const std::array<std::array<int8_t, 8>, 8> kYmVibrato;
+
+// Tremolo: a triangle, by the top byte of its oscillator.
+inline constexpr uint32_t kYmTremoloLength = 210;
+extern const std::array<uint8_t, kYmTremoloLength> kYmTremolo;

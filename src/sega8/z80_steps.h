@@ -1,0 +1,104 @@
+// The steps that a Z80's queue is made of, one a clock. The values are saved with a state.
+//
+// "Low" and "High" are the bytes of regs[regIndex]; "W" is the low byte of wz, "Z" its high byte; "T"
+// is the low byte of temp. A step that goes on to the instruction's end in the same clock says so. A
+// value that is not here is an idle clock.
+#pragma once
+
+#include <cstdint>
+
+enum class Z80Step : uint8_t {
+    kIdle = 0,
+    kFetch = 1,       // opcode fetch at PC
+    kStart = 2,       // first clock of an instruction; an interrupt starts here
+    kSample = 3,      // the bus may be given away
+    kSampleAndEnd = 4,
+    kSampleAgain = 5, // as kSample, before the second and later accesses
+    kEnd = 6,         // the instruction is over and interrupts are looked at
+
+    kPortToLow = 90,
+    kPortToHigh = 91,
+    kPortToW = 92,
+    kPortToT = 93,
+    kLowToPort = 94,
+    kHighToPort = 95,
+    kTToPort = 96,
+    kPortToLowFlags = 97, // with flags
+    kPortToHighFlags = 98,
+    kPortToTFlags = 99,
+
+    kOperandToW = 100, // from PC, which moves on
+    kOperandToZ = 101,
+    kOperandToLow = 102,
+    kOperandToHigh = 103,
+    kOperandToT = 104,
+    kDisplacement = 105, // signed, added to wz
+    kTempHighToNext = 108, // high byte of temp to wz + 1
+    kTToMemoryFirst = 109, // as kTToMemory, in the middle of an exchange
+    kTToMemory = 110,      // to wz
+    kLowToMemoryFirst = 111, // as kLowToMemory, with a high byte to follow
+    kHighToNext = 112,     // to wz + 1
+    kLowToMemory = 113,
+    kHighToMemory = 114,
+    kMemoryToLowFirst = 120, // as kMemoryToLow, with a high byte to follow
+    kNextToHigh = 121,     // from wz + 1
+    kMemoryToLow = 122,
+    kMemoryToHigh = 123,
+    kMemoryToT = 124,
+    kMemoryToW = 125,
+    kPushW = 130,
+    kPushZ = 131,
+    kPushLow = 132,
+    kPushHigh = 133,
+    kPopW = 134,
+    kPopZ = 135,
+    kPopLow = 136,
+    kPopHigh = 137,
+
+    kAnd = 140, // A with W, then the end; so are the others up to kCompare
+    kOr = 141,
+    kXor = 142,
+    kCompare = 143,
+    kJumpRelative = 144, // PC += W, then the end
+    kIncrementT = 145,
+    kDecrementT = 146,
+    kAdd = 147, // A with W, then the end; so are the others up to kSubtractCarry
+    kAddCarry = 148,
+    kSubtract = 149,
+    kSubtractCarry = 150,
+
+    kLdi = 151,
+    kLdir = 152,
+    kCpi = 153,
+    kOuti = 154,
+    kBit = 155,
+    kSet = 156,
+    kRlc = 159,
+    kRes = 160,
+    kOtir = 161,
+    kBitIndexed = 162,
+    kRld = 163,
+    kRrd = 164,
+    kLdd = 165,
+    kLddr = 166,
+    kOutd = 167,
+    kOtdr = 168,
+    kIni = 169,
+    kInir = 170,
+    kSrl = 171,
+    kCpir = 172,
+    kRl = 173,
+    kRr = 174,
+    kRrc = 175,
+    kSla = 176,
+    kCpd = 177,
+    kCpdr = 178,
+    kInd = 179,
+    kIndr = 180,
+    kSra = 181,
+    kSll = 182,
+
+    kIndexedOpcode = 199, // last byte of DD CB and FD CB, read as data
+    kDecodeIndexed = 200,
+    kDecode = 0xFE
+};

@@ -11,32 +11,16 @@ static u8 ColourOf(char character) {
 }
 
 void TileFromText(const char *text, u8 stride, u8 add, u8 *planes) {
+    static u8 colours[8];
     for (u8 row = 0; row < 8; ++row) {
-        u8 plane0 = 0;
-        u8 plane1 = 0;
-        u8 plane2 = 0;
-        u8 plane3 = 0;
         for (u8 column = 0; column < 8; ++column) {
             u8 colour = ColourOf(text[column]);
             if (colour != 0)
                 colour += add;
-            plane0 = (u8)(plane0 << 1);
-            plane1 = (u8)(plane1 << 1);
-            plane2 = (u8)(plane2 << 1);
-            plane3 = (u8)(plane3 << 1);
-            if (colour & 1)
-                plane0 |= 1;
-            if (colour & 2)
-                plane1 |= 1;
-            if (colour & 4)
-                plane2 |= 1;
-            if (colour & 8)
-                plane3 |= 1;
+            colours[column] = colour;
         }
-        *planes++ = plane0;
-        *planes++ = plane1;
-        *planes++ = plane2;
-        *planes++ = plane3;
+        PackRow(colours, planes);
+        planes += 4;
         text += stride;
     }
 }

@@ -7,6 +7,9 @@
 
 #define TILE_BYTES 32
 
+// Packs eight colours, 0 to 15, into the four plane bytes of a row.
+void PackRow(const u8 *colours, u8 *planes);
+
 // Packs the eight by eight dots at `text`, whose rows are `stride` characters apart. `add` is added to
 // every colour but 0, so that one drawing serves in several colours.
 void TileFromText(const char *text, u8 stride, u8 add, u8 *planes);

@@ -1,6 +1,29 @@
 #include "host/machines.h"
 
+#include "sega8/game_gear.h"
+#include "sega8/sms.h"
+#include "sega8/system_e.h"
+
+#include <memory>
+
+namespace {
+
+template <typename Machine>
+std::unique_ptr<CEmuSystem> Construct(uint32_t sessionKey) {
+    return std::make_unique<Machine>(sessionKey);
+}
+
+// The arcade board has no folder, so its saves lie in the program's home itself.
+constexpr MACHINE_ENTRY kMachines[] = {
+    {1, ".\\sms",      Construct<CSMS>     },
+    {2, ".\\gamegear", Construct<CGAMEGEAR>},
+    {6, "",           Construct<CSEGAE>   },
+};
+
+} // namespace
+
 const MACHINE_LIST& BuiltInMachines() {
-    static const MACHINE_LIST list{};
-    return list;
+    // The chips' tables are constants or built before `main`, so there is nothing to build.
+    static constexpr MACHINE_LIST kList{kMachines, nullptr};
+    return kList;
 }

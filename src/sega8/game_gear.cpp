@@ -1,1 +1,384 @@
 #include "sega8/game_gear.h"
+
+#include "front/settings/bindings.h"
+#include "host/state_piece.h"
+#include "library/game_file.h"
+#include "sega8/game_image.h"
+#include "sega8/sound_frame.h"
+#include "sega8/state_pieces.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+namespace {
+
+constexpr uint32_t kPsgClock = 3579545; // Hz
+constexpr uint32_t kStackStart = 0xDFF0;
+constexpr uint32_t kWindowWidth = 160;
+constexpr uint32_t kWindowHeight = 144;
+constexpr uint32_t kWindowColumn = 48; // of the whole picture
+constexpr uint32_t kWindowRow = 24;    // below the border
+constexpr float kWindowAspect = 4.0f / 3.0f;
+constexpr uint32_t kBlack = 0xFF000000;
+constexpr uint8_t kThLevels = 0xA0; // of the odd ports up to 0x3F; a rise latches the H counter
+
+struct BUTTON {
+    const wchar_t* action;
+    uint8_t bit; // of port 0xDC
+};
+
+constexpr uint32_t kButtonsOfPlayer = 6;
+constexpr BUTTON kButtons[2][kButtonsOfPlayer] = {
+    {{L"GG P1 UP", 0x01},
+     {L"GG P1 DOWN", 0x02},
+     {L"GG P1 LEFT", 0x04},
+     {L"GG P1 RIGHT", 0x08},
+     {L"GG P1 BUTTON1", 0x10},
+     {L"GG P1 BUTTON2", 0x20}},
+    {{L"GG P2 UP", 0x01},
+     {L"GG P2 DOWN", 0x02},
+     {L"GG P2 LEFT", 0x04},
+     {L"GG P2 RIGHT", 0x08},
+     {L"GG P2 BUTTON1", 0x10},
+     {L"GG P2 BUTTON2", 0x20}},
+};
+constexpr const wchar_t* kStartButtons[2] = {L"GG P1 START", L"GG P2 START"};
+
+GEAR_CONSOLE& Console(void* context) {
+    return *static_cast<GEAR_CONSOLE*>(context);
+}
+
+// The Z80's bus in the frame loop.
+struct GEAR_BUS {
+    GEAR_CONSOLE& console;
+
+    uint8_t Read(uint16_t address) { return SegaMemoryRead(console.memory, address); }
+    uint8_t ReadOpcode(uint16_t address) { return SegaMemoryRead(console.memory, address); }
+    uint8_t IoRead(uint16_t port) { return GearReadPort(console, port); }
+    void Write(uint16_t address, uint8_t value) { SegaMemoryWrite(console.memory, address, value); }
+    void IoWrite(uint16_t port, uint8_t value) { GearWritePort(console, port, value); }
+};
+
+// One Z80 clock of a console.
+inline void ConsoleTick(GEAR_CONSOLE& console) {
+    GEAR_BUS bus{console};
+    VdpTick(console.vdp);
+    VdpTick(console.vdp);
+    Z80TickOn(console.z80, bus);
+    PsgTick(console.psg);
+    VdpTick(console.vdp);
+    GearLinkTick(console.link);
+    console.z80.irqLine = console.irqOut;
+}
+
+void ConnectConsole(GEAR_CONSOLE& console, int psgModel) {
+    Z80Init(
+        console.z80, &console,
+        [](void* context, uint32_t address, uint32_t) {
+            return SegaMemoryRead(Console(context).memory, static_cast<uint16_t>(address));
+        },
+        [](void* context, uint32_t port) {
+            return GearReadPort(Console(context), static_cast<uint16_t>(port));
+        },
+        [](void* context, uint32_t address, uint8_t value) {
+            SegaMemoryWrite(Console(context).memory, static_cast<uint16_t>(address), value);
+        },
+        [](void* context, uint32_t port, uint8_t value) {
+            GearWritePort(Console(context), static_cast<uint16_t>(port), value);
+        });
+    VdpInit(console.vdp, &console.irqOut, &console.z80.nmiEdge, false, kVdpGameGear);
+    console.vdp.vram = console.vram.data();
+    PsgInit(console.psg, kPsgClock, psgModel, true);
+    console.link.nmi = &console.z80.nmiEdge;
+}
+
+void ResetConsole(GEAR_CONSOLE& console) {
+    console.vram.fill(0);
+    Z80Reset(console.z80);
+    console.z80.regs[kZ80Sp] = kStackStart;
+    VdpReset(console.vdp);
+    PsgReset(console.psg);
+    GearLinkReset(console.link);
+    console.ioControl = 0xFF;
+    console.buttons = 0xFF;
+    SegaMemoryReset(console.memory);
+}
+
+template <typename Visit>
+void ConsoleFields(GEAR_CONSOLE& console, Visit& visit) {
+    visit(console.irqOut);
+    visit(console.ioControl);
+    visit(console.memory.control);
+    visit(console.buttons);
+    visit(console.link.lines);
+    visit(console.link.directions);
+    visit(console.link.sendByte);
+    visit(console.link.receivedByte);
+    visit(console.link.serial);
+    visit(console.link.panning);
+    visit(console.link.sendClocks);
+    visit(console.link.errorClocks);
+    visit(console.memory.cartridgeWords.slots);
+    visit(console.memory.cartridgeWords.control);
+    visit(console.memory.biosWords.slots);
+    visit(console.memory.biosWords.control);
+    visit(console.memory.workRam);
+    visit(console.memory.cartridgeRam);
+    visit(console.vram);
+}
+
+void AfterLoad(GEAR_CONSOLE& console) {
+    console.irqOut = console.irqOut != 0 ? 1 : 0;
+    GearLinkAfterLoad(console.link);
+    SegaMemoryRebuild(console.memory);
+    console.psg.resampler.Reset();
+}
+
+// The rows from `row` on of one console's part of the picture.
+void FillBlack(EMU_VIDEO_FRAME& video, uint32_t column, uint32_t row, uint32_t rowLength) {
+    for (; row < video.height; ++row) {
+        std::fill_n(video.pixels + size_t{row} * rowLength + column, kVdpPictureWidth, kBlack);
+    }
+}
+
+} // namespace
+
+uint8_t GearReadPort(GEAR_CONSOLE& console, uint16_t port) {
+    const auto low = static_cast<uint8_t>(port);
+    if (low <= 6) {
+        return GearLinkRead(console.link, low);
+    }
+    switch (low & 0xC1) {
+    case 0x40: return VdpVCounter(console.vdp);
+    case 0x41: return console.vdp.hLatch;
+    case 0x80: return VdpDataRead(console.vdp);
+    case 0x81: return VdpStatusRead(console.vdp);
+    default: break;
+    }
+    // The second pad port has nothing on it, so 0xC1 and 0xDD read as the empty addresses do.
+    return low == 0xC0 || low == 0xDC ? console.buttons : 0xFF;
+}
+
+void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value) {
+    const auto low = static_cast<uint8_t>(port);
+    if (low <= 6) {
+        GearLinkWrite(console.link, low, value);
+        if (low == 6) {
+            PsgStereoWrite(console.psg, value);
+        }
+        return;
+    }
+    switch (low & 0xC1) {
+    case 0x00: SegaMemoryWriteControl(console.memory, value); break;
+    case 0x01:
+        if ((value & ~console.ioControl & kThLevels) != 0) {
+            VdpLatchH(console.vdp);
+        }
+        console.ioControl = value;
+        break;
+    case 0x40:
+    case 0x41: PsgWrite(console.psg, value); break;
+    case 0x80: VdpDataWrite(console.vdp, value); break;
+    case 0x81: VdpControlWrite(console.vdp, value); break;
+    default: break;
+    }
+}
+
+CGAMEGEAR::CGAMEGEAR(uint32_t sessionKeyValue)
+    : CEmuSystem(sessionKeyValue, 512, 256) {}
+
+bool CGAMEGEAR::Init(const void* options, CGameFile* const games[2]) {
+    std::memcpy(&chosen, options, sizeof chosen);
+    consoleCount = chosen.gearToGear != 0 ? 2 : 1;
+    auto image = TakeImage(games[0], kSegaImageLimit);
+    if (!image) {
+        return false;
+    }
+    for (GEAR_CONSOLE& console : consoles) {
+        console.memory.cartridge = MakeCartridge(*image);
+        console.memory.bios = {};
+        console.memory.mapper = SegaMapperOf(GearRecordOf(*games[0]).board);
+    }
+    if (games[1] != nullptr) {
+        auto second = TakeImage(games[1], kSegaImageLimit);
+        if (!second) {
+            return false;
+        }
+        if (consoleCount == 2) {
+            consoles[1].memory.cartridge = MakeCartridge(std::move(*second));
+            consoles[1].memory.mapper = SegaMapperOf(GearRecordOf(*games[1]).board);
+        } else {
+            consoles[0].memory.bios = MakeBios(std::move(*second));
+        }
+    }
+    ConnectChips();
+    Reset();
+    return true;
+}
+
+void CGAMEGEAR::ConnectChips() {
+    ConnectConsole(consoles[0], 1);
+    ConnectConsole(consoles[1], 2);
+    const bool linked = consoleCount == 2;
+    consoles[0].link.partner = linked ? &consoles[1].link : nullptr;
+    consoles[1].link.partner = linked ? &consoles[0].link : nullptr;
+    for (GEAR_CONSOLE& console : consoles) {
+        console.link.japanese = chosen.model == kGearJapanese;
+    }
+}
+
+void CGAMEGEAR::Reset() {
+    for (GEAR_CONSOLE& console : consoles) {
+        ResetConsole(console);
+    }
+}
+
+void CGAMEGEAR::ReadInput() {
+    for (uint32_t player = 0; player < consoleCount; ++player) {
+        GEAR_CONSOLE& console = consoles[player];
+        console.buttons = 0xFF;
+        for (const BUTTON& button : kButtons[player]) {
+            if (InputIsDown(sessionKey, button.action)) {
+                console.buttons = static_cast<uint8_t>(console.buttons & ~button.bit);
+            }
+        }
+        console.link.startDown = InputIsDown(sessionKey, kStartButtons[player]);
+    }
+}
+
+void CGAMEGEAR::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video,
+                         EMU_AUDIO_FRAME* audio) {
+    ReadInput();
+    const uint32_t rowLength = consoleCount * kVdpPictureWidth;
+    for (uint32_t i = 0; i < consoleCount; ++i) {
+        VdpBeginFrame(consoles[i].vdp, video->pixels + size_t{i} * kVdpPictureWidth, rowLength);
+    }
+    PSG& first = consoles[0].psg;
+    PSG& second = consoles[1].psg;
+    if (consoleCount == 1) {
+        RunOne();
+        PsgFlush(first);
+        TakeSound(first.resampler, *audio);
+    } else {
+        RunTwo();
+        PsgFlush(first);
+        PsgFlush(second);
+        MixSound(first.resampler, second.resampler, kAudioFramePairs * 2, *audio,
+                 [](int32_t a, int32_t b) { return (a + b) / 2; });
+    }
+    FinishPicture(*video);
+}
+
+void CGAMEGEAR::RunOne() {
+    GEAR_CONSOLE& console = consoles[0];
+    while (!console.vdp.frameDone) {
+        ConsoleTick(console);
+    }
+}
+
+// The consoles come out of Reset together and so end their frames together. A state may have them
+// apart; the first one's frame counts then.
+void CGAMEGEAR::RunTwo() {
+    while (!consoles[0].vdp.frameDone) {
+        ConsoleTick(consoles[0]);
+        ConsoleTick(consoles[1]);
+    }
+}
+
+void CGAMEGEAR::FinishPicture(EMU_VIDEO_FRAME& video) const {
+    VdpFinishFrame(consoles[0].vdp, &video);
+    if (consoleCount == 2) {
+        const uint32_t rowLength = 2 * kVdpPictureWidth;
+        const uint32_t heights[2] = {consoles[0].vdp.pictureHeight, consoles[1].vdp.pictureHeight};
+        video.width = rowLength;
+        video.height = std::max(heights[0], heights[1]);
+        video.aspect = video.aspect * 2.0f * static_cast<float>(heights[0]) /
+                       static_cast<float>(video.height);
+        video.visibleX = 0;
+        video.visibleY = 0;
+        video.visibleWidth = video.width;
+        video.visibleHeight = video.height;
+        video.visibleAspect = video.aspect;
+        for (uint32_t i = 0; i < 2; ++i) {
+            FillBlack(video, i * kVdpPictureWidth, heights[i], rowLength);
+        }
+    }
+    if (chosen.fullDisplay == 0) {
+        CutWindow(video);
+    }
+}
+
+// Packs the windows to the start of the buffer, row by row; a row's new place is always before what
+// is still to be moved.
+void CGAMEGEAR::CutWindow(EMU_VIDEO_FRAME& video) const {
+    uint32_t* out = video.pixels;
+    for (uint32_t row = 0; row < kWindowHeight; ++row) {
+        for (uint32_t i = 0; i < consoleCount; ++i) {
+            const size_t from = row + kWindowRow + consoles[i].vdp.border;
+            std::memmove(out, video.pixels + from * video.width + i * kVdpPictureWidth + kWindowColumn,
+                         kWindowWidth * sizeof *out);
+            out += kWindowWidth;
+        }
+    }
+    video.width = kWindowWidth * consoleCount;
+    video.height = kWindowHeight;
+    video.aspect = kWindowAspect * static_cast<float>(consoleCount);
+    video.visibleX = 0;
+    video.visibleY = 0;
+    video.visibleWidth = video.width;
+    video.visibleHeight = video.height;
+    video.visibleAspect = video.aspect;
+}
+
+template <typename Visit>
+void CGAMEGEAR::BoardFields(Visit& visit) {
+    for (GEAR_CONSOLE& console : consoles) {
+        ConsoleFields(console, visit);
+    }
+}
+
+StateBlob CGAMEGEAR::SaveState(uint32_t& size) {
+    const auto board = [&](auto& visit) { BoardFields(visit); };
+    size = StatePieceSize(board) + 2 * (Z80StateSize() + VdpStateSize() + PsgStateSize());
+    auto blob = std::make_unique<uint8_t[]>(size);
+    uint8_t* out = StatePieceWrite(blob.get(), board);
+    for (const GEAR_CONSOLE& console : consoles) {
+        out = Z80SaveState(console.z80, out);
+        out = VdpSaveState(console.vdp, out);
+        out = PsgSaveState(console.psg, out);
+    }
+    return blob;
+}
+
+bool CGAMEGEAR::LoadPieces(const uint8_t* data, uint32_t size) {
+    StatePieces pieces(data, size);
+    if (!pieces.Take([&](const uint8_t* piece, uint32_t left) {
+            return StatePieceRead(piece, left, [&](auto& visit) { BoardFields(visit); });
+        })) {
+        return false;
+    }
+    return std::all_of(consoles.begin(), consoles.end(), [&](GEAR_CONSOLE& console) {
+        return pieces.Load(console.z80, Z80LoadState) && pieces.Load(console.vdp, VdpLoadState) &&
+               pieces.Load(console.psg, PsgLoadState);
+    });
+}
+
+// What is derived is made again after a refusal too, as the pieces before it are then in force.
+bool CGAMEGEAR::LoadState(const uint8_t* data, uint32_t size) {
+    const bool loaded = LoadPieces(data, size);
+    for (GEAR_CONSOLE& console : consoles) {
+        AfterLoad(console);
+    }
+    return loaded;
+}
+
+uint8_t CGAMEGEAR::Peek(uint16_t address, uint32_t console) const {
+    return SegaMemoryRead(consoles[console == 0 ? 0 : 1].memory, address);
+}
+
+std::vector<uint8_t> CGAMEGEAR::Memory(std::string_view region, uint32_t console) const {
+    const GEAR_CONSOLE& owner = consoles[console == 0 ? 0 : 1];
+    return SegaMemoryRegion(owner.memory, owner.vram, owner.vdp.cram, region);
+}

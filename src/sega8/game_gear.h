@@ -1,1 +1,87 @@
+// CGAMEGEAR: the Game Gear, or two of them joined by a link cable in one picture.
+//
+// Clock: as the Master System, NTSC. Two consoles run clock by clock in turn, the first one first.
+// Games: the first file is the cartridge. With one console a second file is the BIOS; with two it is
+//   the second player's cartridge, and without it both play the first.
+// Picture: 160 x 144 as on the console's screen, or all 256 x (height and borders) with Full Display.
+//   Two consoles stand side by side: 320 x 144, or 512 wide. When their heights differ, the lower
+//   one is filled up with black.
+// Sound: one console as it is; of two the average, each with its own panning.
+// Input: "GG P1 ..." for the first console, "GG P2 ..." for the second.
+// States: board (both consoles' halves), then Z80, VDP, PSG of the first and of the second, also with
+//   one console. What is guaranteed about sound stands in sound_frame.h.
+// Differs from the real console: no Master System mode; a BIOS fills the space when the cartridge is
+//   off, as on the Master System; zero written to port 6 doesn't mute.
 #pragma once
+
+#include "host/emu_system.h"
+#include "sega8/gear_link.h"
+#include "sega8/psg.h"
+#include "sega8/sega_memory.h"
+#include "sega8/vdp.h"
+#include "sega8/z80.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+enum GearModel : uint8_t { kGearExport = 0, kGearJapanese = 1 };
+
+// The option block of this machine. All zero is one export console with its own window.
+struct GEAR_OPTIONS {
+    uint8_t model;       // GearModel; export for an unknown number
+    uint8_t gearToGear;  // not 0: two consoles
+    uint8_t fullDisplay; // not 0: the whole picture
+    uint8_t reserved[253];
+};
+static_assert(sizeof(GEAR_OPTIONS) == kMachineOptionBytes);
+static_assert(offsetof(GEAR_OPTIONS, fullDisplay) == 2);
+
+// One console.
+struct GEAR_CONSOLE {
+    Z80 z80;
+    VDP vdp;
+    PSG psg;
+    SEGA_MEMORY memory;
+    GEAR_LINK link;
+    uint32_t irqOut = 0;      // by the VDP
+    uint8_t ioControl = 0xFF; // the odd ports to 0x3F
+    uint8_t buttons = 0xFF;   // port 0xDC, 0 pressed
+    std::array<uint8_t, kVdpVramBytes> vram{};
+};
+
+[[nodiscard]] uint8_t GearReadPort(GEAR_CONSOLE& console, uint16_t port);
+void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value);
+
+class CGAMEGEAR : public CEmuSystem {
+public:
+    explicit CGAMEGEAR(uint32_t sessionKeyValue);
+
+    [[nodiscard]] bool Init(const void* options, CGameFile* const games[2]) override;
+    void Reset() override;
+    void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) override;
+    [[nodiscard]] bool LoadState(const uint8_t* data, uint32_t size) override;
+    [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
+
+    // What a console's Z80 would read, with no side effect; 0 is the first console, all else the second.
+    [[nodiscard]] uint8_t Peek(uint16_t address, uint32_t console = 0) const;
+    // "ram", "sram", "vram", "palette" of a console; empty for any other name.
+    [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region, uint32_t console = 0) const;
+
+private:
+    void ConnectChips();
+    void ReadInput();
+    void RunOne();
+    void RunTwo();
+    void FinishPicture(EMU_VIDEO_FRAME& video) const;
+    void CutWindow(EMU_VIDEO_FRAME& video) const;
+    [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
+    template <typename Visit>
+    void BoardFields(Visit& visit);
+
+    GEAR_OPTIONS chosen{};
+    uint32_t consoleCount = 1;
+    std::array<GEAR_CONSOLE, 2> consoles; // the second one stands still without a link
+};

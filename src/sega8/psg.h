@@ -15,6 +15,7 @@
 #include "audio/resampler.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 inline constexpr uint32_t kPsgClocksPerPair = 16;

@@ -153,3 +153,18 @@ void SegaMemoryWriteRegister(SEGA_MEMORY& memory, uint16_t address, uint8_t valu
     }
     SegaMemoryRebuild(memory);
 }
+
+std::vector<uint8_t> SegaMemoryRegion(const SEGA_MEMORY& memory, std::span<const uint8_t> vram,
+                                      std::span<const uint8_t> palette, std::string_view region) {
+    std::span<const uint8_t> bytes;
+    if (region == "ram") {
+        bytes = memory.workRam;
+    } else if (region == "sram") {
+        bytes = memory.cartridgeRam;
+    } else if (region == "vram") {
+        bytes = vram;
+    } else if (region == "palette") {
+        bytes = palette;
+    }
+    return {bytes.begin(), bytes.end()};
+}

@@ -14,7 +14,10 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <span>
+#include <string_view>
 #include <vector>
 
 inline constexpr uint32_t kSegaBankBytes = 0x4000;
@@ -86,6 +89,13 @@ void SegaMemoryRebuild(SEGA_MEMORY& memory);
 void SegaMemoryWriteControl(SEGA_MEMORY& memory, uint8_t value);
 // What a write to a mapper's register does besides storing the byte.
 void SegaMemoryWriteRegister(SEGA_MEMORY& memory, uint16_t address, uint8_t value);
+
+// A copy of a memory by its name: "ram", "sram" (on the cartridge), "vram" or "palette"; empty for any
+// other name.
+[[nodiscard]] std::vector<uint8_t> SegaMemoryRegion(const SEGA_MEMORY& memory,
+                                                    std::span<const uint8_t> vram,
+                                                    std::span<const uint8_t> palette,
+                                                    std::string_view region);
 
 [[nodiscard]] inline uint8_t SegaMemoryRead(const SEGA_MEMORY& memory, uint16_t address) {
     return memory.readPages[address >> 8][address & 0xFF];

@@ -1,1 +1,291 @@
 #include "sega8/sms.h"
+
+#include "front/settings/bindings.h"
+#include "host/state_piece.h"
+#include "library/game_file.h"
+#include "sega8/game_image.h"
+#include "sega8/sound_frame.h"
+#include "sega8/state_pieces.h"
+
+#include <cstring>
+#include <memory>
+#include <span>
+#include <utility>
+
+namespace {
+
+constexpr uint32_t kMasterPal = 53203425; // Hz
+constexpr uint32_t kMasterNtsc = 53693175;
+constexpr uint32_t kMasterDivider = 15;
+constexpr uint32_t kStackStart = 0xDFF0;
+constexpr uint8_t kKindBios = 3; // of a machine record
+constexpr int kPsgModel = 1;
+constexpr double kFmGain = 0.7;
+constexpr double kPsgGain = 0.7;
+constexpr uint32_t kBoardStateBytes = 32849;
+constexpr uint32_t kPaletteBytes = 32; // of colour RAM
+
+struct BUTTON {
+    const wchar_t* action;
+    uint32_t bit;
+};
+
+constexpr BUTTON kPlayer1[] = {
+    {L"SMS P1 UP",      kPadUp          },
+    {L"SMS P1 DOWN",    kPadDown        },
+    {L"SMS P1 LEFT",    kPadLeft        },
+    {L"SMS P1 RIGHT",   kPadRight       },
+    {L"SMS P1 BUTTON1", kPadButton1     },
+    {L"SMS P1 BUTTON2", kPadButton1 << 1},
+    {L"SMS P1 BUTTON3", kPadButton1 << 2},
+    {L"SMS P1 BUTTON4", kPadButton1 << 3},
+    {L"SMS P1 BUTTON5", kPadButton1 << 4},
+    {L"SMS P1 BUTTON6", kPadButton1 << 5},
+    {L"SMS RESET",      kPadReset       },
+    {L"SMS PAUSE",      kPadPause       },
+};
+constexpr BUTTON kPlayer2[] = {
+    {L"SMS P2 UP",      kPadUp          },
+    {L"SMS P2 DOWN",    kPadDown        },
+    {L"SMS P2 LEFT",    kPadLeft        },
+    {L"SMS P2 RIGHT",   kPadRight       },
+    {L"SMS P2 BUTTON1", kPadButton1     },
+    {L"SMS P2 BUTTON2", kPadButton1 << 1},
+    {L"SMS P2 BUTTON3", kPadButton1 << 2},
+    {L"SMS P2 BUTTON4", kPadButton1 << 3},
+    {L"SMS P2 BUTTON5", kPadButton1 << 4},
+    {L"SMS P2 BUTTON6", kPadButton1 << 5},
+};
+
+uint32_t ReadButtons(uint32_t sessionKey, std::span<const BUTTON> buttons) {
+    uint32_t word = 0;
+    for (const BUTTON& button : buttons) {
+        word |= InputIsDown(sessionKey, button.action) ? button.bit : 0;
+    }
+    return word;
+}
+
+struct MODEL {
+    uint32_t clock; // of Z80 and PSG
+    bool pal;
+    uint32_t variant;
+};
+
+MODEL ModelOf(uint8_t console) {
+    switch (console) {
+    case kSms1Pal: return {kMasterPal / kMasterDivider, true, kVdpFirst};
+    case kSms2Pal: return {kMasterPal / kMasterDivider, true, kVdpSecond};
+    case kSms1Ntsc:
+    case kSmsJapanese:
+    case kMarkIii: return {kMasterNtsc / kMasterDivider, false, kVdpFirst};
+    default: return {kMasterNtsc / kMasterDivider, false, kVdpSecond};
+    }
+}
+
+CSMS& Machine(void* context) {
+    return *static_cast<CSMS*>(context);
+}
+
+} // namespace
+
+// The Z80's bus in the frame loop: memory through the page tables.
+struct SMS_BUS {
+    CSMS& machine;
+    SEGA_MEMORY& memory;
+
+    uint8_t Read(uint16_t address) { return SegaMemoryRead(memory, address); }
+    uint8_t ReadOpcode(uint16_t address) { return SegaMemoryRead(memory, address); }
+    uint8_t IoRead(uint16_t port) { return machine.ReadPort(port); }
+    void Write(uint16_t address, uint8_t value) { SegaMemoryWrite(memory, address, value); }
+    void IoWrite(uint16_t port, uint8_t value) { machine.WritePort(port, value); }
+};
+
+CSMS::CSMS(uint32_t sessionKeyValue)
+    : CEmuSystem(sessionKeyValue, 256, 256) {}
+
+bool CSMS::Init(const void* options, CGameFile* const games[2]) {
+    std::memcpy(&chosen, options, sizeof chosen);
+    auto image = TakeImage(games[0], kSegaImageLimit);
+    if (!image) {
+        return false;
+    }
+    const SMS_RECORD record = SmsRecordOf(*games[0]);
+    memory.cartridge = {};
+    memory.bios = {};
+    memory.mapper = SegaMapperOf(record.board);
+    if (record.kind == kKindBios) {
+        memory.bios = MakeBios(std::move(*image));
+    } else {
+        memory.cartridge = MakeCartridge(std::move(*image));
+        if (games[1] != nullptr) {
+            auto bios = TakeImage(games[1], kSegaImageLimit);
+            if (!bios) {
+                return false;
+            }
+            memory.bios = MakeBios(std::move(*bios));
+        }
+    }
+    ConnectChips();
+    Reset();
+    return true;
+}
+
+void CSMS::ConnectChips() {
+    const MODEL model = ModelOf(chosen.console);
+    Z80Init(
+        z80, this,
+        [](void* context, uint32_t address, uint32_t) {
+            return Machine(context).Peek(static_cast<uint16_t>(address));
+        },
+        [](void* context, uint32_t port) {
+            return Machine(context).ReadPort(static_cast<uint16_t>(port));
+        },
+        [](void* context, uint32_t address, uint8_t value) {
+            SegaMemoryWrite(Machine(context).memory, static_cast<uint16_t>(address), value);
+        },
+        [](void* context, uint32_t port, uint8_t value) {
+            Machine(context).WritePort(static_cast<uint16_t>(port), value);
+        });
+    VdpInit(vdp, &irqOut, &z80.nmiEdge, model.pal, model.variant);
+    vdp.vram = vram.data();
+    PsgInit(psg, model.clock, kPsgModel, false);
+    YmInit(fm, model.clock);
+    pads.device = {PadDeviceOf(chosen.devices[0]), PadDeviceOf(chosen.devices[1])};
+    pads.thReturns = chosen.console != kSmsJapanese && chosen.console != kMarkIii;
+}
+
+void CSMS::Reset() {
+    vram.fill(0);
+    Z80Reset(z80);
+    z80.regs[kZ80Sp] = kStackStart;
+    VdpReset(vdp);
+    PsgReset(psg);
+    YmReset(fm);
+    PadsReset(pads);
+    fmAddress = 0;
+    fmControl = 0;
+    frameToggle = 0;
+    clockCount = 0;
+    SegaMemoryReset(memory);
+}
+
+void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) {
+    PadsBeginFrame(pads, {ReadButtons(sessionKey, kPlayer1), ReadButtons(sessionKey, kPlayer2)},
+                   input);
+    vdp.pausePressed = (pads.input[0] & kPadPause) != 0;
+    VdpBeginFrame(vdp, video->pixels, kVdpPictureWidth);
+    if (chosen.fmChip != 0) {
+        RunWithFm();
+        MixFm(*audio);
+    } else {
+        RunWithoutFm();
+        PsgFlush(psg);
+        TakeSound(psg.resampler, *audio);
+    }
+    frameToggle ^= 1;
+    video->hold = chosen.glasses != 0 && frameToggle == 1 ? 1 : 0;
+    VdpFinishFrame(vdp, video);
+}
+
+void CSMS::RunWithoutFm() {
+    SMS_BUS bus{*this, memory};
+    while (!vdp.frameDone) {
+        VdpTick(vdp);
+        VdpTick(vdp);
+        Z80TickOn(z80, bus);
+        PsgTick(psg);
+        VdpTick(vdp);
+        ++clockCount;
+        z80.irqLine = irqOut;
+    }
+}
+
+void CSMS::RunWithFm() {
+    SMS_BUS bus{*this, memory};
+    while (!vdp.frameDone) {
+        VdpTick(vdp);
+        VdpTick(vdp);
+        Z80TickOn(z80, bus);
+        PsgTick(psg);
+        YmTick(fm);
+        VdpTick(vdp);
+        ++clockCount;
+        z80.irqLine = irqOut;
+    }
+}
+
+// The two chips come to the program's rate by themselves, so one may have a sample less than the other:
+// it then runs on by itself, and what it has made too much stays for the next frame.
+void CSMS::MixFm(EMU_AUDIO_FRAME& audio) {
+    PsgFlush(psg);
+    YmFlush(fm);
+    const uint32_t values = std::max(ReadyValues(psg.resampler), ReadyValues(fm.resampler));
+    PsgCatchUp(psg, values);
+    YmCatchUp(fm, values);
+    MixSound(fm.resampler, psg.resampler, values, audio, [](int32_t fmValue, int32_t psgValue) {
+        return static_cast<int32_t>(fmValue * kFmGain + psgValue * kPsgGain);
+    });
+}
+
+template <typename Visit>
+void CSMS::BoardFields(Visit& visit, uint8_t& irqByte) {
+    visit(irqByte);
+    visit(fmAddress);
+    visit(fmControl);
+    visit(pads.ioControl);
+    visit(memory.control);
+    visit(frameToggle);
+    visit(pads.portDc);
+    visit(pads.portDd);
+    visit(pads.deviceState);
+    visit(pads.deviceX);
+    visit(pads.deviceY);
+    visit(pads.lastEdgeClock);
+    visit(memory.cartridgeWords.slots);
+    visit(memory.cartridgeWords.control);
+    visit(memory.biosWords.slots);
+    visit(memory.biosWords.control);
+    visit(clockCount);
+    visit(memory.workRam);
+    visit(memory.cartridgeRam);
+    visit(vram);
+}
+
+StateBlob CSMS::SaveState(uint32_t& size) {
+    auto irqByte = static_cast<uint8_t>(irqOut);
+    const auto board = [&](auto& visit) { BoardFields(visit, irqByte); };
+    size = kBoardStateBytes + Z80StateSize() + VdpStateSize() + PsgStateSize() + YmStateSize();
+    auto blob = std::make_unique<uint8_t[]>(size);
+    uint8_t* out = StatePieceWrite(blob.get(), board);
+    out = Z80SaveState(z80, out);
+    out = VdpSaveState(vdp, out);
+    out = PsgSaveState(psg, out);
+    YmSaveState(fm, out);
+    return blob;
+}
+
+bool CSMS::LoadPieces(const uint8_t* data, uint32_t size) {
+    uint8_t irqByte = 0;
+    const auto board = [&](auto& visit) { BoardFields(visit, irqByte); };
+    StatePieces pieces(data, size);
+    const bool boardTaken = pieces.Take(
+        [&](const uint8_t* piece, uint32_t left) { return StatePieceRead(piece, left, board); });
+    irqOut = irqByte != 0 ? 1 : 0;
+    return boardTaken && pieces.Load(z80, Z80LoadState) && pieces.Load(vdp, VdpLoadState) &&
+           pieces.Load(psg, PsgLoadState) && pieces.Load(fm, YmLoadState);
+}
+
+// What is derived is made again after a refusal too, as the pieces before it are then in force.
+bool CSMS::LoadState(const uint8_t* data, uint32_t size) {
+    const bool loaded = LoadPieces(data, size);
+    frameToggle &= 1;
+    PadsAfterLoad(pads);
+    SegaMemoryRebuild(memory);
+    psg.resampler.Reset();
+    fm.resampler.Reset();
+    return loaded;
+}
+
+std::vector<uint8_t> CSMS::Memory(std::string_view region) const {
+    return SegaMemoryRegion(memory, vram, std::span(vdp.cram).first(kPaletteBytes), region);
+}

@@ -1,1 +1,88 @@
+// CSMS: the Master System and the Mark III. A Z80, the 8-bit VDP, the PSG, optionally the FM chip, and
+// a cartridge or BIOS behind a mapper.
+//
+// Clock: Z80, PSG and FM chip run at master / 15, the VDP does three steps a Z80 clock.
+// Games: the first file is the cartridge and the second, if any, the BIOS; a first file whose record
+//   says BIOS runs alone. Images of up to 4 MB are taken, of any length.
+// States: board, Z80, VDP, PSG, YM2413, the last one also on a console without the chip. What is
+//   guaranteed about sound stands in sound_frame.h.
+// Differs from the real consoles: only 0xF2 looks at the switch of the I/O chip; every model has a
+//   reset button; no mute of PSG or FM by 0xF2; TR outputs don't come back.
 #pragma once
+
+#include "host/emu_system.h"
+#include "sega8/psg.h"
+#include "sega8/sega_memory.h"
+#include "sega8/sms_pads.h"
+#include "sega8/vdp.h"
+#include "sega8/ym2413.h"
+#include "sega8/z80.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+enum SmsConsole : uint8_t {
+    kSms1Pal = 1,
+    kSms2Pal = 2,
+    kSms1Ntsc = 4,
+    kSms2Ntsc = 8, // also for 0 and every unknown number
+    kSmsJapanese = 16,
+    kMarkIii = 32
+};
+
+// The option block of this machine. All zero is a second-generation NTSC console with two joypads.
+struct SMS_OPTIONS {
+    uint8_t console;    // SmsConsole
+    uint8_t fmChip;     // not 0: fitted
+    uint8_t glasses;    // not 0: the 3D glasses, which halve the frame rate
+    uint8_t devices[2]; // PadDevice of port A and B; 0 and unknown numbers are joypads
+    uint8_t reserved[251];
+};
+static_assert(sizeof(SMS_OPTIONS) == kMachineOptionBytes);
+static_assert(offsetof(SMS_OPTIONS, devices) == 3);
+
+class CSMS : public CEmuSystem {
+public:
+    explicit CSMS(uint32_t sessionKeyValue);
+
+    [[nodiscard]] bool Init(const void* options, CGameFile* const games[2]) override;
+    void Reset() override;
+    void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) override;
+    [[nodiscard]] bool LoadState(const uint8_t* data, uint32_t size) override;
+    [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
+
+    // What the Z80 would read, with no side effect.
+    [[nodiscard]] uint8_t Peek(uint16_t address) const { return SegaMemoryRead(memory, address); }
+    // "ram", "sram" (on the cartridge), "vram", "palette" (colour RAM); empty for any other name.
+    [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region) const;
+
+    // The ports as the Z80 sees them; the low byte counts.
+    [[nodiscard]] uint8_t ReadPort(uint16_t port);
+    void WritePort(uint16_t port, uint8_t value);
+
+private:
+    void ConnectChips();
+    void RunWithoutFm();
+    void RunWithFm();
+    void MixFm(EMU_AUDIO_FRAME& audio);
+    [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
+    template <typename Visit>
+    void BoardFields(Visit& visit, uint8_t& irqByte);
+
+    SMS_OPTIONS chosen{};
+    Z80 z80;
+    VDP vdp;
+    PSG psg;
+    YM2413 fm;
+    SEGA_MEMORY memory;
+    PAD_PORTS pads;
+    uint32_t irqOut = 0;     // by the VDP
+    uint8_t fmAddress = 0;   // register that port 0xF1 writes
+    uint8_t fmControl = 0;   // port 0xF2
+    uint8_t frameToggle = 0; // 1 in the first frame of a pair
+    uint32_t clockCount = 0; // Z80 clocks
+    std::array<uint8_t, kVdpVramBytes> vram{};
+};

@@ -27,7 +27,6 @@ constexpr uint32_t kSportsLastPhase = 3;
 constexpr uint32_t kSixButtonTimeOut = 1956; // clocks
 constexpr int32_t kSpotLines = 4;            // above and below the aim
 constexpr int32_t kSpotDots = 150;           // 100 clocks
-constexpr int32_t kFirstPixelDot = 11;       // of a line, where pixel 0 goes out
 
 // Bits of port 0x3F for port A; those of port B lie two above.
 constexpr uint32_t kThIsInput = 0x02;
@@ -50,16 +49,20 @@ struct BEAM_POINT {
 };
 
 int32_t AimLine(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
-    const auto border = static_cast<int32_t>(vdp.pictureHeight - vdp.activeHeight) / 2;
-    return static_cast<int32_t>(pads.deviceY[port]) - border;
+    return static_cast<int32_t>(pads.deviceY[port]) - static_cast<int32_t>(vdp.border);
 }
 
 int32_t AimDot(const PAD_PORTS& pads, uint32_t port) {
-    return static_cast<int32_t>(pads.deviceX[port]) + kFirstPixelDot;
+    return static_cast<int32_t>(pads.deviceX[port]) + static_cast<int32_t>(kVdpFirstPixelDot);
 }
 
 int32_t BeamDot(const VDP& vdp) {
     return static_cast<int32_t>(vdp.dotCounter / 2);
+}
+
+// The line that is being drawn. The chip counts on to the next one behind the last pixel.
+int32_t BeamLine(const VDP& vdp) {
+    return static_cast<int32_t>(vdp.line) - (vdp.dotCounter / 2 >= kVdpEventDot ? 1 : 0);
 }
 
 bool Sees(const PAD_PORTS& pads, uint32_t port) {
@@ -67,7 +70,7 @@ bool Sees(const PAD_PORTS& pads, uint32_t port) {
 }
 
 bool SeesBeam(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
-    const auto line = static_cast<int32_t>(vdp.line);
+    const int32_t line = BeamLine(vdp);
     const int32_t down = line - AimLine(pads, vdp, port);
     const int32_t right = BeamDot(vdp) - AimDot(pads, port);
     return line < static_cast<int32_t>(vdp.activeHeight) && down >= -kSpotLines &&
@@ -82,7 +85,7 @@ BEAM_POINT NewHit(PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
     const int32_t aim = AimLine(pads, vdp, port);
     const int32_t dot = AimDot(pads, port);
     const auto lastActive = static_cast<int32_t>(vdp.activeHeight) - 1;
-    const int32_t reached = static_cast<int32_t>(vdp.line) - (BeamDot(vdp) < dot ? 1 : 0);
+    const int32_t reached = BeamLine(vdp) - (BeamDot(vdp) < dot ? 1 : 0);
     const int32_t line = std::min({reached, aim + kSpotLines, lastActive});
     if (line < aim - kSpotLines || line <= pads.lightLine[port]) {
         return {};
@@ -111,8 +114,8 @@ uint8_t JoypadLines(uint32_t input) {
 }
 
 uint8_t PhaserLines(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
-    const uint8_t light = Sees(pads, port) && SeesBeam(pads, vdp, port) ? kLineTh : uint8_t{0};
-    return OpenWithout(Pressed(pads.input[port], kPadButton1, kLineTl) | light);
+    const bool light = Sees(pads, port) && SeesBeam(pads, vdp, port);
+    return OpenWithout(Pressed(pads.input[port], kPadButton1, kLineTl) | (light ? uint32_t{kLineTh} : 0u));
 }
 
 uint8_t SportsPadLines(PAD_PORTS& pads, uint32_t port, uint32_t clock) {
@@ -122,8 +125,8 @@ uint8_t SportsPadLines(PAD_PORTS& pads, uint32_t port, uint32_t clock) {
     const uint32_t phase = pads.deviceState[port] & kSportsLastPhase;
     const uint32_t moved = phase < 2 ? pads.deviceX[port] : pads.deviceY[port];
     const uint32_t nibble = (phase & 1) == 0 ? moved >> 4 & 15 : moved & 15;
-    return static_cast<uint8_t>((OpenWithout(TwoButtons(pads.input[port])) & ~kLineDirections) |
-                                nibble);
+    const uint8_t buttons = TwoButtons(pads.input[port]);
+    return static_cast<uint8_t>(OpenWithout(buttons | uint32_t{kLineDirections}) | nibble);
 }
 
 uint8_t PaddleLines(PAD_PORTS& pads, uint32_t port, bool flip) {
@@ -133,10 +136,9 @@ uint8_t PaddleLines(PAD_PORTS& pads, uint32_t port, bool flip) {
     if (flip) {
         pads.deviceState[port] ^= 1;
     }
-    const uint32_t tr = high ? 0u : uint32_t{kLineTr};
-    return static_cast<uint8_t>(
-        (OpenWithout(Pressed(pads.input[port], kPadButton1, kLineTl) | tr) & ~kLineDirections) |
-        nibble);
+    const uint32_t pulled = uint32_t{kLineDirections} | (high ? 0u : uint32_t{kLineTr}) |
+                            Pressed(pads.input[port], kPadButton1, kLineTl);
+    return static_cast<uint8_t>(OpenWithout(pulled) | nibble);
 }
 
 // B, C, A, X, Y, Z of the pad, whose start and mode have no action.

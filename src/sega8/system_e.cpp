@@ -1,1 +1,346 @@
 #include "sega8/system_e.h"
+
+#include "front/settings/bindings.h"
+#include "host/state_piece.h"
+#include "library/game_file.h"
+#include "sega8/game_image.h"
+#include "sega8/sound_frame.h"
+#include "sega8/state_pieces.h"
+
+#include <algorithm>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr uint32_t kPsgClock = 3579545; // Hz
+constexpr int kPsgModel = 1;
+constexpr double kPsgGain = 0.7;
+constexpr uint32_t kPsgStep = 10; // of kPsgPeriod, a Z80 clock
+constexpr uint32_t kPsgPeriod = 15;
+constexpr uint32_t kImageLimit = 0x100000;
+constexpr uint32_t kPaletteBytes = 32; // of colour RAM
+
+// Bits of the bank latch.
+constexpr uint8_t kShowB = 0x80;      // vdp1 shows bank B, not A
+constexpr uint8_t kShowD = 0x40;      // vdp2 shows bank D, not C
+constexpr uint8_t kWriteFirst = 0x20; // the window writes to vdp1's other bank, not vdp2's
+constexpr uint8_t kRomBank = 0x0F;
+
+struct BUTTON {
+    const wchar_t* action;
+    uint32_t bit;
+};
+
+constexpr BUTTON kPlayer1[] = {
+    {L"Arcade Start1",       kArcadeStart1      },
+    {L"Arcade Start2",       kArcadeStart2      },
+    {L"Arcade Insert Coin1", kArcadeCoin1       },
+    {L"Arcade Insert Coin2", kArcadeCoin2       },
+    {L"Arcade P1 UP",        kArcadeUp          },
+    {L"Arcade P1 DOWN",      kArcadeDown        },
+    {L"Arcade P1 LEFT",      kArcadeLeft        },
+    {L"Arcade P1 RIGHT",     kArcadeRight       },
+    {L"Arcade P1 BUTTON1",   kArcadeButton1     },
+    {L"Arcade P1 BUTTON2",   kArcadeButton1 << 1},
+    {L"Arcade P1 BUTTON3",   kArcadeButton1 << 2},
+    {L"Arcade P1 BUTTON4",   kArcadeButton1 << 3},
+    {L"Arcade P1 BUTTON5",   kArcadeButton1 << 4},
+    {L"Arcade P1 BUTTON6",   kArcadeButton1 << 5},
+};
+constexpr BUTTON kPlayer2[] = {
+    {L"Arcade P2 UP",      kArcadeUp          },
+    {L"Arcade P2 DOWN",    kArcadeDown        },
+    {L"Arcade P2 LEFT",    kArcadeLeft        },
+    {L"Arcade P2 RIGHT",   kArcadeRight       },
+    {L"Arcade P2 BUTTON1", kArcadeButton1     },
+    {L"Arcade P2 BUTTON2", kArcadeButton1 << 1},
+    {L"Arcade P2 BUTTON3", kArcadeButton1 << 2},
+    {L"Arcade P2 BUTTON4", kArcadeButton1 << 3},
+    {L"Arcade P2 BUTTON5", kArcadeButton1 << 4},
+    {L"Arcade P2 BUTTON6", kArcadeButton1 << 5},
+};
+
+uint32_t ReadButtons(uint32_t sessionKey, std::span<const BUTTON> buttons) {
+    uint32_t word = 0;
+    for (const BUTTON& button : buttons) {
+        word |= InputIsDown(sessionKey, button.action) ? button.bit : 0;
+    }
+    return word;
+}
+
+bool IsEnciphered(uint32_t board) {
+    return board == 2 || board == 5 || board == 6;
+}
+
+CSEGAE& Machine(void* context) {
+    return *static_cast<CSEGAE*>(context);
+}
+
+// The Z80's bus in the frame loop.
+struct ARCADE_BUS {
+    CSEGAE& machine;
+
+    uint8_t Read(uint16_t address) { return machine.Peek(address); }
+    uint8_t ReadOpcode(uint16_t address) { return machine.PeekOpcode(address); }
+    uint8_t IoRead(uint16_t port) { return machine.ReadPort(port); }
+    void Write(uint16_t address, uint8_t value) { machine.WriteMemory(address, value); }
+    void IoWrite(uint16_t port, uint8_t value) { machine.WritePort(port, value); }
+};
+
+// The bytes of the piece named "opcodes"; empty when the game has none.
+std::span<const uint8_t> OpcodePiece(const CGameFile& game) {
+    for (uint32_t index = 0; index < game.RomCount(); ++index) {
+        std::string name;
+        ROM_RECORD record{};
+        if (game.GetRom(index, name, record) && name == "opcodes") {
+            const size_t offset = game.RomOffset(index);
+            const std::span<const uint8_t> data = game.Data();
+            if (offset <= data.size() && record.size <= data.size() - offset) {
+                return data.subspan(offset, record.size);
+            }
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+CSEGAE::CSEGAE(uint32_t sessionKeyValue)
+    : CEmuSystem(sessionKeyValue, 256, 256) {}
+
+bool CSEGAE::Init(const void* /*options*/, CGameFile* const games[2]) {
+    auto image = TakeImage(games[0], kImageLimit);
+    if (!image) {
+        return false;
+    }
+    panel = {};
+    panel.board = ArcadeRecordOf(*games[0]).board;
+    const size_t imageBytes = image->size();
+    rom = std::move(*image);
+    rom.resize(std::max(imageBytes, size_t{kArcadeRomBytes}), 0xFF);
+    opcodeRom.clear();
+    if (IsEnciphered(panel.board) && !PrepareOpcodes(*games[0], imageBytes)) {
+        return false;
+    }
+    ConnectChips();
+    Reset();
+    return true;
+}
+
+// Behind the end of the piece opcodes are read as they stand in the image: only a part of it may be
+// enciphered.
+bool CSEGAE::PrepareOpcodes(const CGameFile& game, size_t imageBytes) {
+    const std::span<const uint8_t> piece = OpcodePiece(game);
+    if (piece.empty() || piece.size() > imageBytes) {
+        EmuSetLastError(GameTitle(game) + " runs on an enciphered processor (board " +
+                        std::to_string(panel.board) +
+                        (piece.empty() ? ") and brings no piece named \"opcodes\""
+                                       : ") and its piece \"opcodes\" is longer than its image"));
+        return false;
+    }
+    opcodeRom = rom;
+    std::copy(piece.begin(), piece.end(), opcodeRom.begin());
+    return true;
+}
+
+void CSEGAE::ConnectChips() {
+    Z80Init(
+        z80, this,
+        [](void* context, uint32_t address, uint32_t isOpcodeFetch) {
+            const auto at = static_cast<uint16_t>(address);
+            return isOpcodeFetch != 0 ? Machine(context).PeekOpcode(at) : Machine(context).Peek(at);
+        },
+        [](void* context, uint32_t port) {
+            return Machine(context).ReadPort(static_cast<uint16_t>(port));
+        },
+        [](void* context, uint32_t address, uint8_t value) {
+            Machine(context).WriteMemory(static_cast<uint16_t>(address), value);
+        },
+        [](void* context, uint32_t port, uint8_t value) {
+            Machine(context).WritePort(static_cast<uint16_t>(port), value);
+        });
+    // The pause button's line is never raised here.
+    VdpInit(vdp1, &irqUnread, &z80.nmiEdge, false, kVdpFirst);
+    VdpInit(vdp2, &irqLine, &z80.nmiEdge, false, kVdpFirst);
+    vdp2.secondChip = true;
+    PsgInit(psg1, kPsgClock, kPsgModel, false);
+    PsgInit(psg2, kPsgClock, kPsgModel, false);
+    RebuildMap();
+}
+
+void CSEGAE::Reset() {
+    ram.fill(0);
+    vram.fill(0);
+    psgPhase = 0;
+    bankLatch = 0;
+    const uint32_t board = panel.board;
+    panel = {};
+    panel.board = board;
+    Z80Reset(z80);
+    PsgReset(psg1);
+    PsgReset(psg2);
+    VdpReset(vdp1);
+    VdpReset(vdp2);
+    RebuildMap();
+}
+
+void CSEGAE::RebuildMap() {
+    const size_t bank = size_t{kArcadeFixedBytes} + size_t{kArcadeBankBytes} * (bankLatch & kRomBank);
+    readWindows = {rom.data(), rom.data() + kArcadeBankBytes, rom.data() + bank, ram.data()};
+    opcodeWindows = readWindows;
+    if (!opcodeRom.empty()) {
+        const size_t opcodeBank = std::min(bank + opcodeOffset, opcodeRom.size() - kArcadeBankBytes);
+        opcodeWindows[0] = opcodeRom.data();
+        opcodeWindows[1] = opcodeRom.data() + kArcadeBankBytes;
+        opcodeWindows[2] = opcodeRom.data() + opcodeBank;
+    }
+    // What a chip shows and what the window can reach of it are always the two different banks.
+    uint8_t* const banks = vram.data();
+    uint8_t* const first[2] = {banks, banks + kVdpVramBytes};
+    uint8_t* const second[2] = {banks + size_t{2} * kVdpVramBytes, banks + size_t{3} * kVdpVramBytes};
+    const uint32_t shownFirst = (bankLatch & kShowB) != 0 ? 1 : 0;
+    const uint32_t shownSecond = (bankLatch & kShowD) != 0 ? 1 : 0;
+    uint8_t* const window =
+        (bankLatch & kWriteFirst) != 0 ? first[1 - shownFirst] : second[1 - shownSecond];
+    writeWindows = {dummy.data(), dummy.data(), window, ram.data()};
+    vdp1.vram = first[shownFirst];
+    vdp2.vram = second[shownSecond];
+}
+
+uint8_t CSEGAE::ReadPort(uint16_t port) {
+    switch (const auto low = static_cast<uint8_t>(port)) {
+    case 0x7E: return VdpVCounter(vdp1);
+    case 0xBA: return VdpDataRead(vdp1);
+    case 0xBB: return VdpStatusRead(vdp1);
+    case 0xBE: return VdpDataRead(vdp2);
+    case 0xBF: return VdpStatusRead(vdp2);
+    default: return ArcadePanelRead(panel, low);
+    }
+}
+
+void CSEGAE::WritePort(uint16_t port, uint8_t value) {
+    switch (static_cast<uint8_t>(port)) {
+    case 0x7B: PsgWrite(psg2, value); break;
+    case 0x7E:
+    case 0x7F: PsgWrite(psg1, value); break;
+    case 0xBA: VdpDataWrite(vdp1, value); break;
+    case 0xBB: VdpControlWrite(vdp1, value); break;
+    case 0xBE: VdpDataWrite(vdp2, value); break;
+    case 0xBF: VdpControlWrite(vdp2, value); break;
+    case 0xF7:
+        bankLatch = value;
+        RebuildMap();
+        break;
+    case 0xFA: ArcadePanelSelect(panel, value); break;
+    default: break;
+    }
+}
+
+void CSEGAE::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) {
+    VdpBeginFrame(vdp1, video->pixels, kVdpPictureWidth);
+    VdpBeginFrame(vdp2, video->pixels, kVdpPictureWidth);
+    ReadInput();
+    ArcadePanelMove(panel);
+    video->rotated = panel.board == kBoardDial ? 1 : 0;
+    RunClocks();
+    PsgFlush(psg1);
+    PsgFlush(psg2);
+    const uint32_t values = ReadyValues(psg2.resampler);
+    MixSound(psg1.resampler, psg2.resampler, values, *audio, [](int32_t first, int32_t second) {
+        return static_cast<int32_t>((first + second) * kPsgGain);
+    });
+    VdpFinishFrame(vdp1, video);
+}
+
+void CSEGAE::ReadInput() {
+    panel.inputP1 = ReadButtons(sessionKey, kPlayer1);
+    panel.inputP2 = ReadButtons(sessionKey, kPlayer2);
+}
+
+void CSEGAE::RunClocks() {
+    ARCADE_BUS bus{*this};
+    while (!vdp2.frameDone) {
+        Z80TickOn(z80, bus);
+        VdpTick(vdp1);
+        VdpTick(vdp1);
+        VdpTick(vdp2);
+        VdpTick(vdp2);
+        psgPhase += kPsgStep;
+        if (psgPhase >= kPsgPeriod) {
+            PsgTick(psg1);
+            PsgTick(psg2);
+            psgPhase -= kPsgPeriod;
+        }
+        z80.irqLine = irqLine;
+    }
+}
+
+// The mapper words are the banks in the three ROM slots and the latch that they come from. They tell a
+// reader of the state what was mapped and are made again from the latch.
+template <typename Visit>
+void CSEGAE::BoardFields(Visit& visit) {
+    std::array<uint8_t, 2> spare{};
+    std::array<uint32_t, 4> mapper{0, 1, 2u + (bankLatch & kRomBank), bankLatch};
+    visit(irqLine);
+    visit(psgPhase);
+    visit(bankLatch);
+    visit(panel.analogSelect);
+    visit(panel.steering);
+    visit(panel.throttle);
+    visit(panel.dialSelect);
+    visit(spare);
+    visit(panel.dialSpeed);
+    visit(mapper);
+    visit(ram);
+    visit(vram);
+}
+
+StateBlob CSEGAE::SaveState(uint32_t& size) {
+    const auto board = [&](auto& visit) { BoardFields(visit); };
+    size = StatePieceSize(board) + Z80StateSize() + 2 * VdpStateSize() + 2 * PsgStateSize();
+    auto blob = std::make_unique<uint8_t[]>(size);
+    uint8_t* out = StatePieceWrite(blob.get(), board);
+    out = Z80SaveState(z80, out);
+    out = VdpSaveState(vdp1, out);
+    out = VdpSaveState(vdp2, out);
+    out = PsgSaveState(psg1, out);
+    PsgSaveState(psg2, out);
+    return blob;
+}
+
+bool CSEGAE::LoadPieces(const uint8_t* data, uint32_t size) {
+    StatePieces pieces(data, size);
+    return pieces.Take([&](const uint8_t* piece, uint32_t left) {
+        return StatePieceRead(piece, left, [&](auto& visit) { BoardFields(visit); });
+    }) && pieces.Load(z80, Z80LoadState) &&
+           pieces.Load(vdp1, VdpLoadState) && pieces.Load(vdp2, VdpLoadState) &&
+           pieces.Load(psg1, PsgLoadState) && pieces.Load(psg2, PsgLoadState);
+}
+
+// What is derived is made again after a refusal too, as the pieces before it are then in force.
+bool CSEGAE::LoadState(const uint8_t* data, uint32_t size) {
+    const bool loaded = LoadPieces(data, size);
+    irqLine = irqLine != 0 ? 1 : 0;
+    psgPhase %= kPsgPeriod;
+    panel.dialSelect &= 3;
+    RebuildMap();
+    psg1.resampler.Reset();
+    psg2.resampler.Reset();
+    return loaded;
+}
+
+std::vector<uint8_t> CSEGAE::Memory(std::string_view region) const {
+    std::vector<uint8_t> bytes;
+    if (region == "ram") {
+        bytes.assign(ram.begin(), ram.end());
+    } else if (region == "vram") {
+        bytes.assign(vram.begin(), vram.end());
+    } else if (region == "palette") {
+        bytes.assign(vdp1.cram, vdp1.cram + kPaletteBytes);
+        bytes.insert(bytes.end(), vdp2.cram, vdp2.cram + kPaletteBytes);
+    }
+    return bytes;
+}

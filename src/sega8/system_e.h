@@ -1,1 +1,123 @@
+// CSEGAE: the System E arcade board. A Z80, two 8-bit VDPs drawing one picture, two PSGs, banked ROM
+// and one of several control panels, picked by the board number of the game's record.
+//
+// Clock: the Z80 runs at 5.37 MHz, two VDP steps a clock; both PSGs at 10/15 of it.
+// Units: `steering` 0..255 with the middle at 127; `throttle` 0..254; `dialSpeed` in dial steps a frame.
+// Games: the image is 32 KB for 0x0000-0x7FFF and up to 16 banks of 16 KB for 0x8000-0xBFFF; what an
+//   image does not have reads 0xFF. Boards 2, 5 and 6 have an enciphered processor, whose decoding is
+//   not part of this machine: such a game brings its deciphered opcodes in a piece named "opcodes"
+//   (docs/FORMATS.md), and Init fails without it.
+// Layers: the second VDP is the upper one; where it shows nothing the first one's pixel stays.
+// States: board, Z80, both VDPs, both PSGs. What is guaranteed about sound stands in sound_frame.h.
+// Differs from the real board: the operator's switches are constants; the parallel chip behind the
+//   analog and dial panels is left out.
 #pragma once
+
+#include "host/emu_system.h"
+#include "sega8/psg.h"
+#include "sega8/vdp.h"
+#include "sega8/z80.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+inline constexpr uint32_t kArcadeFixedBytes = 0x8000;
+inline constexpr uint32_t kArcadeBankBytes = 0x4000;
+inline constexpr uint32_t kArcadeBanks = 16;
+inline constexpr uint32_t kArcadeRomBytes = kArcadeFixedBytes + kArcadeBanks * kArcadeBankBytes;
+
+// Board numbers of game records. 3 and 7 are joystick panels like 2, 5 and 6, with nothing enciphered.
+enum ArcadeBoard : uint32_t { kBoardAnalog = 1, kBoardDial = 4 };
+
+// What a player holds down, a bit each. The coins and starts stand in player 1's word.
+enum ArcadeInput : uint32_t {
+    kArcadeUp = 1u << 0,
+    kArcadeDown = 1u << 1,
+    kArcadeLeft = 1u << 2,
+    kArcadeRight = 1u << 3,
+    kArcadeButton1 = 1u << 8, // up to kArcadeButton1 << 5
+    kArcadeButton2 = 1u << 9,
+    kArcadeStart1 = 1u << 22,
+    kArcadeStart2 = 1u << 23,
+    kArcadeCoin1 = 1u << 26,
+    kArcadeCoin2 = 1u << 27
+};
+
+// The control panel: what it makes of the input, frame by frame.
+struct ARCADE_PANEL {
+    uint32_t board = 3;
+    uint32_t inputP1 = 0; // ArcadeInput
+    uint32_t inputP2 = 0; // no port shows it
+    uint8_t analogSelect = 0;
+    uint8_t steering = 127;
+    uint8_t throttle = 0;
+    uint8_t dialSelect = 0; // 0..3
+    int16_t dialSpeed = 0;
+};
+
+// Moves wheel, throttle and dial by one frame.
+void ArcadePanelMove(ARCADE_PANEL& panel);
+// Ports 0xE0 to 0xFB of the panel; 0 for a port that it does not have.
+[[nodiscard]] uint8_t ArcadePanelRead(const ARCADE_PANEL& panel, uint8_t port);
+// Port 0xFA.
+void ArcadePanelSelect(ARCADE_PANEL& panel, uint8_t value);
+
+class CSEGAE : public CEmuSystem {
+public:
+    explicit CSEGAE(uint32_t sessionKeyValue);
+
+    [[nodiscard]] bool Init(const void* options, CGameFile* const games[2]) override;
+    void Reset() override;
+    void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) override;
+    [[nodiscard]] bool LoadState(const uint8_t* data, uint32_t size) override;
+    [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
+
+    // What the Z80 would read as data, with no side effect.
+    [[nodiscard]] uint8_t Peek(uint16_t address) const { return readWindows[address >> 14][address & 0x3FFF]; }
+    // "ram"; "vram", the two banks of the first chip and then those of the second; "palette", the
+    // colour RAM of the first chip and then of the second one. Empty for any other name.
+    [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region) const;
+
+    // The bus as the Z80 sees it; of a port the low byte counts.
+    [[nodiscard]] uint8_t PeekOpcode(uint16_t address) const { return opcodeWindows[address >> 14][address & 0x3FFF]; }
+    void WriteMemory(uint16_t address, uint8_t value) { writeWindows[address >> 14][address & 0x3FFF] = value; }
+    [[nodiscard]] uint8_t ReadPort(uint16_t port);
+    void WritePort(uint16_t port, uint8_t value);
+
+private:
+    [[nodiscard]] bool PrepareOpcodes(const CGameFile& game, size_t imageBytes);
+    void ConnectChips();
+    void RebuildMap();
+    void ReadInput();
+    void RunClocks();
+    [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
+    template <typename Visit>
+    void BoardFields(Visit& visit);
+
+    ARCADE_PANEL panel;
+    Z80 z80;
+    VDP vdp1;
+    VDP vdp2;
+    PSG psg1;
+    PSG psg2;
+    std::vector<uint8_t> rom;       // kArcadeRomBytes
+    std::vector<uint8_t> opcodeRom; // as long, or empty: opcodes come from `rom`
+    // Offset in `opcodeRom` for fetches through the banked window: 0, 32,768 or 49,152 by game. What
+    // the other values pick is not published. A deciphered image laid out as the ROM itself needs 0.
+    uint32_t opcodeOffset = 0;
+    uint32_t irqLine = 0;  // by vdp2
+    uint32_t irqUnread = 0; // by vdp1; leads nowhere
+    uint32_t psgPhase = 0; // in fifteenths of a PSG clock, 0..14
+    uint8_t bankLatch = 0; // port 0xF7
+    std::array<uint8_t, 0x4000> ram{};
+    std::array<uint8_t, size_t{4} * kVdpVramBytes> vram{}; // banks A, B of vdp1, then C, D of vdp2
+
+    // By the upper two address bits.
+    std::array<const uint8_t*, 4> readWindows{};
+    std::array<const uint8_t*, 4> opcodeWindows{};
+    std::array<uint8_t*, 4> writeWindows{};
+    std::array<uint8_t, 0x4000> dummy{}; // takes writes that go nowhere
+};

@@ -43,8 +43,8 @@ constexpr auto Columns(const Slots<Bytes>& first, const Slots<Bytes>& other) {
 }
 
 // Mode 4: eight sprites are fetched, then the search for the line after next begins.
-constexpr auto kSprites4 = Repeat<8>(
-    Row(Word(kSlotSprite4), kFree, Word(kSlotSprite4Low), Word(kSlotSprite4High)));
+constexpr auto kSprites4 =
+    Repeat<8>(Row(Word(kSlotSprite4), kFree, Word(kSlotSprite4Low), Word(kSlotSprite4High)));
 constexpr auto kSearch4 = Repeat<4>(Word(kSlotTestY4));
 constexpr auto kEnd4 = Row(kFree, kSprites4, kFree, kSearch4, kFree, kSearch4);
 
@@ -71,11 +71,10 @@ constexpr auto kLegacyActive =
         kFree, kFree, kSprite, kSprite, kSpriteHead, Repeat<5>(kFree), kSpriteRest, kSprite,
         kSearchEnd);
 
-constexpr auto kLegacyBlank =
-    Row(Columns(Row(kFree, kFree, kFree, Byte(kSlotBlank)),
-                Row(kFree, Byte(kSlotTestY), kFree, Byte(kSlotBlank))),
-        kFree, kFree, kSprite, kFree, kSprite, kFree, kSpriteHead, kFree, kFree, kSpriteRest, kFree,
-        kSprite, kSearchEnd);
+constexpr auto kLegacyBlank = Row(Columns(Row(kFree, kFree, kFree, Byte(kSlotBlank)),
+                                          Row(kFree, Byte(kSlotTestY), kFree, Byte(kSlotBlank))),
+                                  kFree, kFree, kSprite, kFree, kSprite, kFree, kSpriteHead, kFree,
+                                  kFree, kSpriteRest, kFree, kSprite, kSearchEnd);
 
 static_assert(kVdpSlotBytes == 2 * kVdpSlots);
 static_assert(kMode4Active.size() == kVdpSlotBytes);

@@ -2,6 +2,7 @@
 #include "sega8/ym2413.h"
 
 #include "host/state_piece.h"
+#include "sega8/ym2413_private.h"
 #include "sega8/ym2413_tables.h"
 
 #include <algorithm>
@@ -15,18 +16,10 @@ constexpr int32_t kSilent = 255;
 constexpr uint32_t kTremoloWrap = kYmTremoloLength << 24;
 constexpr uint32_t kTremoloStep = 262'144; // an entry of the table every 64 samples
 constexpr uint32_t kVibratoStep = 16'384;  // a column every 1,024 samples
-constexpr uint32_t kOneSixteenBits = 65'536;
+constexpr uint32_t kWholeStep = 65'536;    // 1 with 16 bits of fraction
 constexpr uint32_t kNoiseTaps = 0x800302;
 
-constexpr uint8_t kRhythmOn = 0x20;
 constexpr uint32_t kPhaseShift = 16;
-
-// The slots in use while the rhythm sounds, as channel and slot.
-constexpr size_t kBassDrum = 6;
-constexpr size_t kHatAndSnare = 7;
-constexpr size_t kTomAndCymbal = 8;
-constexpr size_t kModulator = 0;
-constexpr size_t kCarrier = 1;
 
 bool Bit(uint32_t value, uint32_t bit) {
     return (value >> bit & 1) != 0;
@@ -49,7 +42,7 @@ int32_t Operator(uint32_t phase, uint32_t modulation, uint32_t envelope, uint32_
 // Clocks the modulator and gives the carrier's output. The carrier hears what the modulator put out
 // in the sample before.
 int32_t ChannelOutput(const YM2413& ym, YM_CHANNEL& channel) {
-    YM_SLOT& modulator = channel.slots[kModulator];
+    YM_SLOT& modulator = channel.slots[kYmModulator];
     const auto sum =
         static_cast<uint32_t>(modulator.fbOut[0]) + static_cast<uint32_t>(modulator.fbOut[1]);
     modulator.fbOut[0] = modulator.fbOut[1];
@@ -60,7 +53,7 @@ int32_t ChannelOutput(const YM2413& ym, YM_CHANNEL& channel) {
         modulator.fbOut[1] = Operator(modulator.phase, feedback, first, modulator.wavetable);
     }
 
-    const YM_SLOT& carrier = channel.slots[kCarrier];
+    const YM_SLOT& carrier = channel.slots[kYmCarrier];
     const uint32_t second = Envelope(ym, carrier);
     if (second >= kEnvelopeLimit) {
         return 0;
@@ -81,10 +74,10 @@ int32_t RhythmOperator(const YM2413& ym, const YM_SLOT& slot, uint32_t phaseWord
 // Everything is counted twice.
 int32_t RhythmOutput(YM2413& ym) {
     const bool noise = Bit(ym.noiseRng, 0);
-    const YM_SLOT& hat = ym.channels[kHatAndSnare].slots[kModulator];
-    const YM_SLOT& snare = ym.channels[kHatAndSnare].slots[kCarrier];
-    const YM_SLOT& tom = ym.channels[kTomAndCymbal].slots[kModulator];
-    const YM_SLOT& cymbal = ym.channels[kTomAndCymbal].slots[kCarrier];
+    const YM_SLOT& hat = ym.channels[kYmHatAndSnare].slots[kYmModulator];
+    const YM_SLOT& snare = ym.channels[kYmHatAndSnare].slots[kYmCarrier];
+    const YM_SLOT& tom = ym.channels[kYmTomAndCymbal].slots[kYmModulator];
+    const YM_SLOT& cymbal = ym.channels[kYmTomAndCymbal].slots[kYmCarrier];
     const uint32_t a = hat.phase;
     const uint32_t b = cymbal.phase;
     const bool metal = Bit(b, 21) || Bit(b, 19) || Bit(a, 23) != Bit(a, 18) || Bit(a, 19);
@@ -97,7 +90,7 @@ int32_t RhythmOutput(YM2413& ym) {
     if (noise) {
         snareWord = Bit(a, 24) ? 0x300 : 0;
     }
-    int32_t sum = ChannelOutput(ym, ym.channels[kBassDrum]);
+    int32_t sum = ChannelOutput(ym, ym.channels[kYmBassDrum]);
     sum += RhythmOperator(ym, hat, hatWord);
     sum += RhythmOperator(ym, snare, snareWord);
     sum += RhythmOperator(ym, tom, tom.phase >> kPhaseShift);
@@ -177,7 +170,7 @@ void StepEnvelope(const YM2413& ym, size_t channel, size_t index, YM_SLOT& slot)
     switch (slot.state) {
     case YmEnvelope::kOff: break;
     case YmEnvelope::kRelease:
-        if (index == kCarrier || (channel >= kBassDrum && (ym.rhythm & kRhythmOn) != 0)) {
+        if (index == kYmCarrier || (channel >= kYmBassDrum && (ym.rhythm & kYmRhythmOn) != 0)) {
             StepRelease(ym.egCounter, slot, ym.channels[channel].sustain != 0);
         }
         break;
@@ -194,8 +187,8 @@ void AdvanceEnvelopes(YM2413& ym) {
         ym.egTimer -= ym.egTimerOverflow;
         ++ym.egCounter;
         for (size_t i = 0; i < kYmChannels; ++i) {
-            StepEnvelope(ym, i, kModulator, ym.channels[i].slots[kModulator]);
-            StepEnvelope(ym, i, kCarrier, ym.channels[i].slots[kCarrier]);
+            StepEnvelope(ym, i, kYmModulator, ym.channels[i].slots[kYmModulator]);
+            StepEnvelope(ym, i, kYmCarrier, ym.channels[i].slots[kYmCarrier]);
         }
     }
 }
@@ -304,8 +297,8 @@ void Fields(YM2413& ym, Visit& visit) {
         visit(channel.kcode);
         visit(channel.sustain);
         visit(channel.fb);
-        SlotFields(channel.slots[kModulator], visit);
-        SlotFields(channel.slots[kCarrier], visit);
+        SlotFields(channel.slots[kYmModulator], visit);
+        SlotFields(channel.slots[kYmCarrier], visit);
     }
 }
 
@@ -354,8 +347,8 @@ void MakeSafe(YM2413& ym) {
         channel.kslBase &= 127;
         channel.kcode &= 15;
         channel.fb &= 15;
-        MakeSafe(channel.slots[kModulator]);
-        MakeSafe(channel.slots[kCarrier]);
+        MakeSafe(channel.slots[kYmModulator]);
+        MakeSafe(channel.slots[kYmCarrier]);
     }
 }
 
@@ -373,8 +366,8 @@ void YmInit(YM2413& ym, uint32_t clock) {
     }
     ym.egCounter = 0;
     ym.egTimer = 0;
-    ym.egTimerAdd = kOneSixteenBits;
-    ym.egTimerOverflow = kOneSixteenBits;
+    ym.egTimerAdd = kWholeStep;
+    ym.egTimerOverflow = kWholeStep;
     ym.lfoAmCnt = 0;
     ym.lfoAmInc = kTremoloStep;
     ym.lfoAm = 0;
@@ -383,7 +376,7 @@ void YmInit(YM2413& ym, uint32_t clock) {
     ym.lfoPm = 0;
     ym.noiseRng = 1;
     ym.noiseP = 0;
-    ym.noiseF = kOneSixteenBits;
+    ym.noiseF = kWholeStep;
     ym.outMelody = 0;
     ym.outRhythm = 0;
     ym.sampleCount = 0;
@@ -414,8 +407,8 @@ void YmMakeSample(YM2413& ym) {
     ym.outRhythm = 0;
     AdvanceOscillators(ym);
 
-    const bool rhythm = (ym.rhythm & kRhythmOn) != 0;
-    const size_t melodyChannels = rhythm ? kBassDrum : kYmChannels;
+    const bool rhythm = (ym.rhythm & kYmRhythmOn) != 0;
+    const size_t melodyChannels = rhythm ? kYmBassDrum : kYmChannels;
     for (size_t i = 0; i < melodyChannels; ++i) {
         ym.outMelody += ChannelOutput(ym, ym.channels[i]);
     }

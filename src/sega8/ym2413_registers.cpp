@@ -1,15 +1,10 @@
 // What writing a register of the YM2413 changes.
 #include "sega8/ym2413.h"
+#include "sega8/ym2413_private.h"
 #include "sega8/ym2413_tables.h"
 
 namespace {
 
-constexpr uint8_t kRhythmOn = 0x20;
-constexpr size_t kBassDrum = 6;
-constexpr size_t kHatAndSnare = 7;
-constexpr size_t kTomAndCymbal = 8;
-constexpr size_t kModulator = 0;
-constexpr size_t kCarrier = 1;
 constexpr size_t kFirstRhythmVoice = 16;
 
 constexpr uint32_t kInstantAttack = 78; // rates from here on attack at once
@@ -65,15 +60,15 @@ void SetFlags(const YM_CHANNEL& channel, YM_SLOT& slot, uint8_t value) {
 }
 
 void SetModulatorLevel(YM_CHANNEL& channel, uint8_t value) {
-    YM_SLOT& slot = channel.slots[kModulator];
+    YM_SLOT& slot = channel.slots[kYmModulator];
     slot.ksl = KeyScaleShift(value);
     slot.tl = (value & 63u) * 2;
     RefreshLevel(channel, slot);
 }
 
 void SetWavesAndFeedback(YM_CHANNEL& channel, uint8_t value) {
-    YM_SLOT& carrier = channel.slots[kCarrier];
-    channel.slots[kModulator].wavetable = (value & 0x08) != 0 ? kYmSineLength : 0;
+    YM_SLOT& carrier = channel.slots[kYmCarrier];
+    channel.slots[kYmModulator].wavetable = (value & 0x08) != 0 ? kYmSineLength : 0;
     carrier.wavetable = (value & 0x10) != 0 ? kYmSineLength : 0;
     const uint8_t feedback = value & 7;
     channel.fb = feedback != 0 ? static_cast<uint8_t>(feedback + 8) : uint8_t{0};
@@ -96,8 +91,8 @@ void SetSustainRelease(YM_SLOT& slot, uint8_t value) {
 
 // One of a voice's eight bytes.
 void SetVoiceByte(YM_CHANNEL& channel, size_t index, uint8_t value) {
-    YM_SLOT& modulator = channel.slots[kModulator];
-    YM_SLOT& carrier = channel.slots[kCarrier];
+    YM_SLOT& modulator = channel.slots[kYmModulator];
+    YM_SLOT& carrier = channel.slots[kYmCarrier];
     switch (index) {
     case 0: SetFlags(channel, modulator, value); break;
     case 1: SetFlags(channel, carrier, value); break;
@@ -147,7 +142,7 @@ void SetKey(YM_SLOT& slot, uint32_t holder, bool down) {
 
 void WriteUserVoice(YM2413& ym, size_t index, uint8_t value) {
     ym.instrument[0][index] = value;
-    const size_t count = (ym.rhythm & kRhythmOn) != 0 ? kBassDrum : kYmChannels;
+    const size_t count = (ym.rhythm & kYmRhythmOn) != 0 ? kYmBassDrum : kYmChannels;
     for (size_t i = 0; i < count; ++i) {
         if (ym.instVol[i] < 16) {
             SetVoiceByte(ym.channels[i], index, value);
@@ -157,32 +152,32 @@ void WriteUserVoice(YM2413& ym, size_t index, uint8_t value) {
 
 // Hi-hat and tom have their level where a melody channel has its instrument.
 void SetRhythmModulatorLevel(YM2413& ym, size_t channel) {
-    YM_SLOT& slot = ym.channels[channel].slots[kModulator];
+    YM_SLOT& slot = ym.channels[channel].slots[kYmModulator];
     slot.tl = (ym.instVol[channel] >> 4u) * 8;
     RefreshLevel(ym.channels[channel], slot);
 }
 
 void WriteRhythm(YM2413& ym, uint8_t value) {
-    const bool on = (value & kRhythmOn) != 0;
-    const bool wasOn = (ym.rhythm & kRhythmOn) != 0;
+    const bool on = (value & kYmRhythmOn) != 0;
+    const bool wasOn = (ym.rhythm & kYmRhythmOn) != 0;
     if (on != wasOn) {
-        for (size_t i = kBassDrum; i < kYmChannels; ++i) {
-            LoadVoice(ym, i, on ? kFirstRhythmVoice + (i - kBassDrum) : ym.instVol[i] >> 4u);
+        for (size_t i = kYmBassDrum; i < kYmChannels; ++i) {
+            LoadVoice(ym, i, on ? kFirstRhythmVoice + (i - kYmBassDrum) : ym.instVol[i] >> 4u);
         }
     }
     if (on && !wasOn) {
-        SetRhythmModulatorLevel(ym, kHatAndSnare);
-        SetRhythmModulatorLevel(ym, kTomAndCymbal);
+        SetRhythmModulatorLevel(ym, kYmHatAndSnare);
+        SetRhythmModulatorLevel(ym, kYmTomAndCymbal);
     }
     const auto key = [&](size_t channel, size_t slot, uint32_t bit) {
         SetKey(ym.channels[channel].slots[slot], kYmKeyRhythm, on && (value >> bit & 1) != 0);
     };
-    key(kBassDrum, kModulator, 4);
-    key(kBassDrum, kCarrier, 4);
-    key(kHatAndSnare, kModulator, 0);
-    key(kHatAndSnare, kCarrier, 3);
-    key(kTomAndCymbal, kModulator, 2);
-    key(kTomAndCymbal, kCarrier, 1);
+    key(kYmBassDrum, kYmModulator, 4);
+    key(kYmBassDrum, kYmCarrier, 4);
+    key(kYmHatAndSnare, kYmModulator, 0);
+    key(kYmHatAndSnare, kYmCarrier, 3);
+    key(kYmTomAndCymbal, kYmModulator, 2);
+    key(kYmTomAndCymbal, kYmCarrier, 1);
     ym.rhythm = value & 63;
 }
 
@@ -212,11 +207,11 @@ void WriteKeyAndBlock(YM2413& ym, YM_CHANNEL& channel, uint8_t value) {
 void WriteInstrument(YM2413& ym, size_t channel, uint8_t value) {
     const uint8_t before = ym.instVol[channel];
     ym.instVol[channel] = value;
-    YM_SLOT& carrier = ym.channels[channel].slots[kCarrier];
+    YM_SLOT& carrier = ym.channels[channel].slots[kYmCarrier];
     carrier.tl = (value & 15u) * 8;
     RefreshLevel(ym.channels[channel], carrier);
-    if (channel >= kBassDrum && (ym.rhythm & kRhythmOn) != 0) {
-        if (channel >= kHatAndSnare) {
+    if (channel >= kYmBassDrum && (ym.rhythm & kYmRhythmOn) != 0) {
+        if (channel >= kYmHatAndSnare) {
             SetRhythmModulatorLevel(ym, channel);
         }
         return;

@@ -27,7 +27,7 @@ YM_WAVES::YM_WAVES()
 
 const YM_WAVES kYmWaves;
 
-// clang-format off: it fails on nested rows with a comment each.
+// clang-format off
 const std::array<std::array<uint8_t, 8>, 19> kYmVoices{{
     {0x49, 0x4C, 0x4C, 0x12, 0x00, 0x00, 0x00, 0x00}, // 0 user's
     {0x61, 0x61, 0x1E, 0x17, 0xF0, 0x78, 0x00, 0x17}, // 1 violin
@@ -65,7 +65,7 @@ const std::array<uint8_t, 128> kYmKeyScale{
     0, 48, 64, 74, 80, 86, 90, 94, 96, 100, 102, 104, 106, 108, 110, 112, // 7
 };
 
-const std::array<uint8_t, 15 * 8> kYmSteps{
+const std::array<uint8_t, size_t{15} * 8> kYmSteps{
     0, 1, 0, 1, 0, 1, 0, 1, // 0
     0, 1, 0, 1, 1, 1, 0, 1, // 1
     0, 1, 1, 1, 0, 1, 1, 1, // 2
@@ -128,7 +128,8 @@ const std::array<uint8_t, kYmRates> kYmRateSelect = MakeRateSelect();
 const std::array<uint8_t, kYmRates> kYmRateShift = MakeRateShift();
 const std::array<uint8_t, kYmTremoloLength> kYmTremolo = MakeTremolo();
 
-const std::array<std::array<int8_t, 8>, 8> kYmVibrato{{
+// clang-format off
+const std::array<std::array<int32_t, 8>, 8> kYmVibrato{{
     {0, 0, 0, 0, 0, 0, 0, 0},
     {1, 0, 0, 0, -1, 0, 0, 0},
     {2, 1, 0, -1, -2, -1, 0, 1},
@@ -138,3 +139,4 @@ const std::array<std::array<int8_t, 8>, 8> kYmVibrato{{
     {6, 3, 0, -3, -6, -3, 0, 3},
     {7, 3, 0, -3, -7, -3, 0, 3},
 }};
+// clang-format on

@@ -3,19 +3,18 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 inline constexpr uint32_t kYmLevelSteps = 512; // entries of a row of `tl`: 6 dB, both signs
 inline constexpr uint32_t kYmLevels = 11 * kYmLevelSteps; // at this index and above lies silence
 inline constexpr uint32_t kYmSineLength = 1024;
 
-// Attenuation to linear: index is 2 x (256ths of 6 dB), plus 1 for the negative value.
-// Phase to attenuation: the sine in the same unit, bit 0 set in the negative half; behind it the wave
-// that is silent there.
+// An attenuation is 2 x (256ths of 6 dB), with bit 0 set for a negative value.
 struct YM_WAVES {
     YM_WAVES();
-    std::array<int32_t, kYmLevels> tl;
-    std::array<uint32_t, 2 * kYmSineLength> sine;
+    std::array<int32_t, kYmLevels> tl;                    // by attenuation: the linear value
+    std::array<uint32_t, size_t{2} * kYmSineLength> sine; // by phase: sine, then half sine
 };
 extern const YM_WAVES kYmWaves;
 
@@ -32,7 +31,7 @@ extern const std::array<uint8_t, 128> kYmKeyScale;
 // Envelope increments, a row of eight per kind of rate. Rows 15 and up don't exist.
 inline constexpr uint8_t kYmStepLast = 14 * 8;    // row that never steps
 inline constexpr uint8_t kYmStepInstant = 13 * 8; // row of the fastest attack
-extern const std::array<uint8_t, 15 * 8> kYmSteps;
+extern const std::array<uint8_t, size_t{15} * 8> kYmSteps;
 
 // By rate: the row (x 8) of the steps, and how many bits of the envelope counter are 0 at a step.
 inline constexpr uint32_t kYmRates = 96;
@@ -40,7 +39,7 @@ extern const std::array<uint8_t, kYmRates> kYmRateSelect;
 extern const std::array<uint8_t, kYmRates> kYmRateShift;
 
 // Vibrato, in half F-numbers: a row per top three bits of the F-number, by the oscillator's step.
-extern const std::array<std::array<int8_t, 8>, 8> kYmVibrato;
+extern const std::array<std::array<int32_t, 8>, 8> kYmVibrato;
 
 // Tremolo: a triangle, by the top byte of its oscillator.
 inline constexpr uint32_t kYmTremoloLength = 210;

@@ -2,6 +2,7 @@
 
 #include "host/state_piece.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -37,8 +38,8 @@ void VisitFields(Z80& z80, Visit& visit) {
     std::memcpy(z80.queue.data(), queue.data(), queue.size());
     for (uint32_t* field :
          {&z80.queueIndex, &z80.r7, &z80.r8, &z80.iff1, &z80.iff2, &z80.halted, &z80.im, &z80.i,
-          &z80.pendingInterrupt, &z80.irqLine, &z80.nmiEdge, &z80.prefix, &z80.busHold, &z80.running,
-          &z80.enabled, &z80.eiDelay, &z80.opcode, &z80.regIndex}) {
+          &z80.pendingInterrupt, &z80.irqLine, &z80.nmiEdge, &z80.prefix, &z80.busHold,
+          &z80.running, &z80.enabled, &z80.eiDelay, &z80.opcode, &z80.regIndex}) {
         VisitAs<uint8_t>(visit, *field);
     }
     VisitAs<uint16_t>(visit, z80.temp);
@@ -95,9 +96,8 @@ uint32_t Z80LoadState(Z80& z80, const uint8_t* data, uint32_t size) {
     const uint32_t used =
         StatePieceRead(data, size, [&](auto& visit) { VisitFields(loaded, visit); });
     if (used != 0) {
-        // Both are used under a mask as well; here they come back as they will be used.
         loaded.queueIndex %= kZ80QueueSize;
-        loaded.regIndex %= kZ80RegisterBytes;
+        loaded.regIndex = std::min(loaded.regIndex, kZ80LastRegisterByte);
         z80 = loaded;
     }
     return used;

@@ -75,9 +75,8 @@ using Z80IoWriteFunction = void (*)(void* context, uint32_t port, uint8_t value)
 // may be written at any index without a test.
 inline constexpr uint32_t kZ80QueueSize = 32;
 inline constexpr uint32_t kZ80QueueRoom = 20;
-// Two words behind the fourteen registers make every masked register index a legal one.
-inline constexpr uint32_t kZ80RegisterRoom = 16;
-inline constexpr uint32_t kZ80RegisterBytes = kZ80RegisterRoom * 4;
+// The last byte of the registers, for steps that address them by bytes.
+inline constexpr uint32_t kZ80LastRegisterByte = 4 * kZ80RegisterCount - 1;
 
 struct Z80 {
     Z80ReadFunction read = nullptr;
@@ -88,26 +87,28 @@ struct Z80 {
 
     std::array<uint8_t, kZ80QueueSize + kZ80QueueRoom> queue{}; // steps of the present instruction
     uint32_t queueIndex = 0;                                    // next step, 0..31
-    std::array<uint32_t, kZ80RegisterRoom> regs{};              // by Z80Register; the low 16 bits count
-    uint32_t r7 = 0;                                            // R; the low seven bits count
-    uint32_t r8 = 0;                                            // top bit of R, 0 or 0x80
-    uint32_t i = 0;                                             // high byte of the mode 2 vector
+    std::array<uint32_t, kZ80RegisterCount> regs{}; // by Z80Register; the low 16 bits count
+    uint32_t r7 = 0;                                // R; the low seven bits count
+    uint32_t r8 = 0;                                // top bit of R, 0 or 0x80
+    uint32_t i = 0;                                 // high byte of the mode 2 vector
     uint32_t iff1 = 0;
     uint32_t iff2 = 0;
     uint32_t halted = 0;
-    uint32_t im = 0;                             // interrupt mode 0..2
-    uint32_t temp = 0;                           // low byte: data latch; next byte: bit number, or high data
-    uint32_t wz = 0;                             // 16-bit address latch; its bytes also hold operands
-    uint32_t pendingInterrupt = kZ80NoInterrupt; // Z80Interrupt, taken by the next instruction's first clock
-    uint32_t irqLine = 0;                        // level, by the owner
-    uint32_t nmiEdge = 0;                        // set by the owner, cleared when it is taken
-    uint32_t prefix = kZ80NoPrefix;              // Z80Prefix
-    uint32_t busHold = 0;                        // owner's request to stop
-    uint32_t running = 1;                        // 0 while stopped for busHold
-    uint32_t enabled = 1;                        // by the owner; 0: ticks do nothing
-    uint32_t eiDelay = 0;                        // 1 from EI to the next instruction's first clock
+    uint32_t im = 0;   // interrupt mode 0..2
+    uint32_t temp = 0; // low byte: data latch; next byte: bit number, or high data
+    uint32_t wz = 0;   // 16-bit address latch; its bytes also hold operands
+    uint32_t pendingInterrupt =
+        kZ80NoInterrupt;            // Z80Interrupt, taken by the next instruction's first clock
+    uint32_t irqLine = 0;           // level, by the owner
+    uint32_t nmiEdge = 0;           // set by the owner, cleared when it is taken
+    uint32_t prefix = kZ80NoPrefix; // Z80Prefix
+    uint32_t busHold = 0;           // owner's request to stop
+    uint32_t running = 1;           // 0 while stopped for busHold
+    uint32_t enabled = 1;           // by the owner; 0: ticks do nothing
+    uint32_t eiDelay = 0;           // 1 from EI to the next instruction's first clock
     uint32_t opcode = 0;
-    uint32_t regIndex = 0; // entry of regs for the queue's steps; a byte of regs for the CB steps
+    uint32_t regIndex =
+        0; // entry of regs for the queue's steps; for the CB steps a byte of them, 0..55
 };
 
 // Stores the callbacks and clears all else; running and enabled are 1.

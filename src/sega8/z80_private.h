@@ -33,8 +33,69 @@ void Z80Xor(Z80& z80, uint8_t value);
 // BIT; X and Y come from xySource.
 void Z80TestBit(Z80& z80, uint32_t bit, uint8_t value, uint8_t xySource);
 
-// The step of the CB table's opcode (rotate, BIT, SET or RES), and the same for SET and RES of a value.
-[[nodiscard]] Z80Step Z80BitTableStep(uint32_t opcode);
-
 void Z80DecodeCb(Z80& z80);
 void Z80DecodeEd(Z80& z80);
+
+// Register access by name and by the codes that opcodes carry.
+namespace z80_parts {
+
+inline constexpr uint32_t kMinusOne = 0xFFFF; // for z80_detail::Advance
+inline constexpr uint32_t kXAndY = kZ80FlagX | kZ80FlagY;
+inline constexpr uint32_t kSZAndPv = kZ80FlagS | kZ80FlagZ | kZ80FlagPv;
+inline constexpr uint32_t kMemoryCode = 6; // (HL) among the eight operands of an opcode
+inline constexpr uint32_t kAccumulatorCode = 7;
+
+inline uint32_t F(const Z80& z80) {
+    return z80_detail::LowByte(z80.regs[kZ80Af]);
+}
+
+inline uint8_t A(const Z80& z80) {
+    return z80_detail::HighByte(z80.regs[kZ80Af]);
+}
+
+inline void SetF(Z80& z80, uint32_t flags) {
+    z80_detail::SetLowByte(z80.regs[kZ80Af], z80_detail::LowByte(flags));
+}
+
+inline void SetA(Z80& z80, uint32_t value) {
+    z80_detail::SetHighByte(z80.regs[kZ80Af], z80_detail::LowByte(value));
+}
+
+// The word that a register code stands in. Even codes are high bytes, and so is A.
+inline Z80Register WordOfCode(uint32_t code, Z80Register hl) {
+    if (code == kAccumulatorCode) {
+        return kZ80Af;
+    }
+    return code >= 4 ? hl : static_cast<Z80Register>(kZ80Bc + (code >> 1));
+}
+
+inline bool IsHighByte(uint32_t code) {
+    return code == kAccumulatorCode || (code & 1) == 0;
+}
+
+inline uint8_t GetRegister(const Z80& z80, uint32_t code, Z80Register hl) {
+    const uint32_t word = z80.regs[WordOfCode(code, hl)];
+    return IsHighByte(code) ? z80_detail::HighByte(word) : z80_detail::LowByte(word);
+}
+
+inline void SetRegister(Z80& z80, uint32_t code, Z80Register hl, uint8_t value) {
+    uint32_t& word = z80.regs[WordOfCode(code, hl)];
+    if (IsHighByte(code)) {
+        z80_detail::SetHighByte(word, value);
+    } else {
+        z80_detail::SetLowByte(word, value);
+    }
+}
+
+// A flag if the condition holds, or none.
+inline uint32_t When(bool condition, Z80Flag flag) {
+    return condition ? flag : 0;
+}
+
+// Writes a template whose steps work on a register.
+inline void Finish(Z80& z80, const Z80Template& steps, Z80Register word) {
+    z80.regIndex = word;
+    Z80WriteTemplate(z80, steps);
+}
+
+} // namespace z80_parts

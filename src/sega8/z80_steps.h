@@ -9,9 +9,9 @@
 
 enum class Z80Step : uint8_t {
     kIdle = 0,
-    kFetch = 1,       // opcode fetch at PC
-    kStart = 2,       // first clock of an instruction; an interrupt starts here
-    kSample = 3,      // the bus may be given away
+    kFetch = 1,  // opcode fetch at PC
+    kStart = 2,  // first clock of an instruction; an interrupt starts here
+    kSample = 3, // the bus may be given away
     kSampleAndEnd = 4,
     kSampleAgain = 5, // as kSample, before the second and later accesses
     kEnd = 6,         // the instruction is over and interrupts are looked at
@@ -32,16 +32,16 @@ enum class Z80Step : uint8_t {
     kOperandToLow = 102,
     kOperandToHigh = 103,
     kOperandToT = 104,
-    kDisplacement = 105, // signed, added to wz
-    kTempHighToNext = 108, // high byte of temp to wz + 1
-    kTToMemoryFirst = 109, // as kTToMemory, in the middle of an exchange
-    kTToMemory = 110,      // to wz
+    kDisplacement = 105,     // signed, added to wz
+    kTempHighToNext = 108,   // high byte of temp to wz + 1
+    kTToMemoryFirst = 109,   // as kTToMemory, in the middle of an exchange
+    kTToMemory = 110,        // to wz
     kLowToMemoryFirst = 111, // as kLowToMemory, with a high byte to follow
-    kHighToNext = 112,     // to wz + 1
+    kHighToNext = 112,       // to wz + 1
     kLowToMemory = 113,
     kHighToMemory = 114,
     kMemoryToLowFirst = 120, // as kMemoryToLow, with a high byte to follow
-    kNextToHigh = 121,     // from wz + 1
+    kNextToHigh = 121,       // from wz + 1
     kMemoryToLow = 122,
     kMemoryToHigh = 123,
     kMemoryToT = 124,

@@ -47,8 +47,9 @@ inline void Advance(uint32_t& word, uint32_t by) {
     word = (word + by) & 0xFFFF;
 }
 
+// The register that the steps work on. An index that no instruction makes falls on the spare word.
 inline uint32_t& Indexed(Z80& z80) {
-    return z80.regs[z80.regIndex % kZ80RegisterRoom];
+    return z80.regs[z80.regIndex < kZ80RegisterCount ? z80.regIndex : uint32_t{kZ80SparePrime}];
 }
 
 // A place where the bus may be given away.
@@ -182,8 +183,10 @@ inline void Z80TickOn(Z80& z80, Bus& bus) {
     const uint32_t index = z80.queueIndex % kZ80QueueSize;
     const Z80Step step{z80.queue[index]};
     z80.queueIndex = (index + 1) % kZ80QueueSize;
+    if (step == kIdle) { // the most frequent one, ahead of the dispatch
+        return;
+    }
     switch (step) {
-    case kIdle: break;
     case kFetch:
         z80.opcode = bus.ReadOpcode(z80_detail::Address(z80.regs[kZ80Pc]));
         z80_detail::Advance(z80.regs[kZ80Pc], 1);

@@ -1,1 +1,505 @@
+// Ports, counters, interrupts and the geometry of a frame.
+#include "host/emu_system.h"
+#include "sega8/vdp.h"
+#include "sega8/vdp_rig.h"
+#include "sega8/vdp_slots.h"
+
 #include <gtest/gtest.h>
+
+#include <cstdint>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr uint32_t kLineSteps = 684;
+
+uint32_t CountSlots(VdpSlotListNumber list, uint8_t kind) {
+    uint32_t count = 0;
+    for (size_t slot = 0; slot < kVdpSlots; ++slot) {
+        count += kVdpSlotLists[list][slot * 2] == kind ? 1U : 0U;
+    }
+    return count;
+}
+
+// The values of a counter from pairs first, last.
+std::vector<uint8_t> Sequence(const std::vector<std::pair<uint32_t, uint32_t>>& ranges) {
+    std::vector<uint8_t> values;
+    for (const auto& [first, last] : ranges) {
+        for (uint32_t value = first; value <= last; ++value) {
+            values.push_back(static_cast<uint8_t>(value));
+        }
+    }
+    return values;
+}
+
+std::vector<uint8_t> VCounterOfAFrame(bool pal, uint32_t height) {
+    VdpRig rig(kVdpSecond, pal);
+    rig.StartMode4();
+    rig.Reg(0, height == 192 ? 0x04 : 0x06);
+    rig.Reg(1, height == 240 ? 0x48 : height == 224 ? 0x50 : 0x40);
+    std::vector<uint8_t> values;
+    rig.Finish();
+    for (uint32_t line = 0; line < rig.vdp.totalLines; ++line) {
+        rig.RunTo(line, 100);
+        values.push_back(VdpVCounter(rig.vdp));
+    }
+    return values;
+}
+
+} // namespace
+
+TEST(VdpSlots, ListsHoldAsManyAccessesAsTheirFetchesNeed) {
+    EXPECT_EQ(CountSlots(kVdpMode4Active, kSlotFree), 19U);
+    EXPECT_EQ(CountSlots(kVdpMode4Active, kSlotName4), 32U);
+    EXPECT_EQ(CountSlots(kVdpMode4Active, kSlotTileHigh), 32U);
+    for (const VdpSlotListNumber list : {kVdpMode4Active, kVdpMode4Blank}) {
+        EXPECT_EQ(CountSlots(list, kSlotTestY4), 32U); // two sprites each
+        EXPECT_EQ(CountSlots(list, kSlotSprite4), 8U);
+        EXPECT_EQ(CountSlots(list, kSlotSprite4High), 8U);
+    }
+    // 171 slots without 32 blank ones, 32 Y words and 24 sprite words.
+    EXPECT_EQ(CountSlots(kVdpMode4Blank, kSlotFree), 83U);
+    // 171 slots without 96 for cells, 32 Y bytes and 24 sprite bytes.
+    EXPECT_EQ(CountSlots(kVdpLegacyActive, kSlotFree), 19U);
+    EXPECT_EQ(CountSlots(kVdpLegacyBlank, kSlotFree), 83U);
+    for (const VdpSlotListNumber list : {kVdpLegacyActive, kVdpLegacyBlank}) {
+        EXPECT_EQ(CountSlots(list, kSlotTestY), 32U);
+        for (uint8_t kind = kSlotSpriteY; kind <= kSlotSpriteRight; kind += 2) {
+            EXPECT_EQ(CountSlots(list, kind), 4U) << unsigned{kind};
+        }
+    }
+}
+
+TEST(VdpSlots, WordCyclesAreModeFourFetchesOnly) {
+    const std::map<uint8_t, uint8_t> words = {
+        {kSlotName4,       0},
+        {kSlotTileLow,     0},
+        {kSlotTileHigh,    0},
+        {kSlotTestY4,      0},
+        {kSlotSprite4,     0},
+        {kSlotSprite4Low,  0},
+        {kSlotSprite4High, 0}
+    };
+    for (const VdpSlotList& list : kVdpSlotLists) {
+        for (size_t slot = 0; slot < kVdpSlots; ++slot) {
+            const uint8_t kind = list[slot * 2];
+            EXPECT_EQ(list[slot * 2 + 1], words.count(kind) != 0 ? 0 : 1) << slot;
+        }
+    }
+}
+
+TEST(VdpSlots, PlacesFollowTheTimetable) {
+    const VdpSlotList& active = kVdpSlotLists[kVdpMode4Active];
+    EXPECT_EQ(active[0], kSlotName4);
+    EXPECT_EQ(active[2], kSlotFree);
+    EXPECT_EQ(active[8 + 2], kSlotTestY4); // second column
+    EXPECT_EQ(active[32 + 2], kSlotFree);  // second group
+    EXPECT_EQ(active[256], kSlotFree);     // behind the columns
+    EXPECT_EQ(active[258], kSlotSprite4);
+    EXPECT_EQ(active[324], kSlotTestY4); // first search slot of the next line
+    const VdpSlotList& legacy = kVdpSlotLists[kVdpLegacyActive];
+    EXPECT_EQ(legacy[2 * 142], kSlotSpriteY); // third sprite
+    EXPECT_EQ(legacy[2 * 143], kSlotSpriteX);
+    EXPECT_EQ(legacy[2 * 144], kSlotFree);
+    EXPECT_EQ(legacy[2 * 149], kSlotSpriteNumber);
+    EXPECT_EQ(kVdpSlotLists[kVdpLegacyBlank][2 * 136], kSlotFree);
+}
+
+TEST(VdpReset, GivesTheStartValues) {
+    VdpRig rig;
+    rig.StartMode4();
+    VdpReset(rig.vdp);
+    const uint8_t expected[16] = {0x36, 0xA0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFB, 0, 0, 0, 0xFF};
+    for (uint32_t i = 0; i < 11; ++i) {
+        EXPECT_EQ(rig.vdp.regs[i], expected[i]) << i;
+    }
+    for (const uint32_t colour : rig.vdp.palette) {
+        EXPECT_EQ(colour, 0xFF000000U);
+    }
+    EXPECT_EQ(rig.vdp.mode, 0);
+    EXPECT_EQ(rig.vdp.activeHeight, 192U);
+}
+
+TEST(VdpPorts, FirstControlByteReachesTheAddressAtOnceOnLaterChipsOnly) {
+    for (const uint32_t variant : {kVdpFirst, kVdpSecond, kVdpGameGear}) {
+        VdpRig rig(variant);
+        rig.Address(1, 0x2345);
+        VdpControlWrite(rig.vdp, 0x99);
+        EXPECT_EQ(rig.vdp.addr, variant == kVdpFirst ? 0x2345 : 0x2399) << variant;
+        EXPECT_TRUE(rig.vdp.latchFull);
+    }
+}
+
+TEST(VdpPorts, AddressAndCodeComeFromBothBytes) {
+    VdpRig rig;
+    rig.Address(1, 0x3FFF);
+    EXPECT_EQ(rig.vdp.code, 1);
+    EXPECT_EQ(rig.vdp.addr, 0x3FFF);
+    VdpDataWrite(rig.vdp, 0x11);
+    EXPECT_EQ(rig.vdp.addr, 0);
+    rig.Address(0, 0x1000);
+    EXPECT_EQ(rig.vdp.addr, 0x1001); // the read moves it
+    rig.Address(3, 0x1000);
+    EXPECT_EQ(rig.vdp.addr, 0x1000);
+}
+
+TEST(VdpPorts, DataAndStatusAccessesForgetTheFirstControlByte) {
+    VdpRig rig;
+    VdpControlWrite(rig.vdp, 0x12);
+    VdpDataWrite(rig.vdp, 0);
+    EXPECT_FALSE(rig.vdp.latchFull);
+    VdpControlWrite(rig.vdp, 0x12);
+    (void)VdpDataRead(rig.vdp);
+    EXPECT_FALSE(rig.vdp.latchFull);
+    VdpControlWrite(rig.vdp, 0x12);
+    (void)VdpStatusRead(rig.vdp);
+    EXPECT_FALSE(rig.vdp.latchFull);
+}
+
+TEST(VdpPorts, RegistersElevenToFifteenAreStored) {
+    VdpRig rig;
+    rig.Reg(15, 0x5A);
+    EXPECT_EQ(rig.vdp.regs[15], 0x5A);
+}
+
+TEST(VdpPorts, WritesAndReadsGoThroughFreeSlots) {
+    VdpRig rig;
+    rig.RunTo(200, 0);
+    rig.Address(1, 0x0123);
+    for (const uint8_t value : {uint8_t{0xAB}, uint8_t{0xCD}}) {
+        VdpDataWrite(rig.vdp, value);
+        EXPECT_NE(rig.vram[value == 0xAB ? 0x123 : 0x124], value);
+        rig.Steps(120);
+    }
+    EXPECT_EQ(rig.vram[0x123], 0xAB);
+    EXPECT_EQ(rig.vram[0x124], 0xCD);
+    rig.Address(0, 0x0123);
+    rig.Steps(120);
+    EXPECT_EQ(VdpDataRead(rig.vdp), 0xAB);
+    rig.Steps(120);
+    EXPECT_EQ(VdpDataRead(rig.vdp), 0xCD);
+}
+
+TEST(VdpPorts, AWriteGoesToTheReadBufferToo) {
+    VdpRig rig;
+    rig.Address(1, 0x100);
+    VdpDataWrite(rig.vdp, 0x77);
+    EXPECT_EQ(VdpDataRead(rig.vdp), 0x77);
+    rig.Address(3, 0);
+    VdpDataWrite(rig.vdp, 0x3A);
+    EXPECT_EQ(VdpDataRead(rig.vdp), 0x3A);
+}
+
+TEST(VdpPorts, AnAccessOnAnActiveLineWaitsForItsSlot) {
+    VdpRig rig;
+    rig.StartMode4();
+    rig.Frame();
+    rig.RunTo(10, 4); // the slot at dot 2 has passed, the next one is at dot 34
+    rig.Address(1, 0x0100);
+    VdpDataWrite(rig.vdp, 0x5A);
+    rig.RunTo(10, 37); // the cycle of dot 34's slot runs at dot 37
+    EXPECT_EQ(rig.vram[0x100], 0);
+    rig.RunTo(10, 38);
+    EXPECT_EQ(rig.vram[0x100], 0x5A);
+}
+
+TEST(VdpPorts, AnAccessIsDueAtItsThirdEvenDot) {
+    VdpRig rig; // display off: slots 0, 1 and 2 are free
+    rig.RunTo(200, 0);
+    rig.RunTo(201, 0);
+    rig.Address(1, 0x0100);
+    VdpDataWrite(rig.vdp, 0x5A);
+    rig.RunTo(201, 7); // even dots 0, 2, 4; address out at 5, data at 7
+    EXPECT_EQ(rig.vram[0x100], 0);
+    rig.RunTo(201, 8);
+    EXPECT_EQ(rig.vram[0x100], 0x5A);
+}
+
+TEST(VdpPorts, StatusReadsLowBitsAsOnesAndClears) {
+    VdpRig rig;
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
+    rig.RunTo(194, 0);
+    EXPECT_EQ(rig.irq, 1U); // register 1 starts with the frame interrupt on
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x9F);
+    EXPECT_EQ(rig.irq, 0U);
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
+}
+
+TEST(VdpColours, SixBitsGiveEightyFiveAStep) {
+    VdpRig rig;
+    rig.Colour(3, 0x1B); // red 3, green 2, blue 1
+    EXPECT_EQ(rig.vdp.palette[3], 0xFFFFAA55U);
+    rig.Colour(32 + 5, 0x30);
+    EXPECT_EQ(rig.vdp.palette[5], 0xFF0000FFU); // the address wraps at 32
+}
+
+TEST(VdpColours, GameGearColoursChangeWithTheSecondByte) {
+    VdpRig rig(kVdpGameGear);
+    rig.Address(3, 2);
+    VdpDataWrite(rig.vdp, 0x5A);
+    EXPECT_EQ(rig.vdp.palette[1], 0xFF000000U);
+    VdpDataWrite(rig.vdp, 0x0C);
+    EXPECT_EQ(rig.vdp.palette[1], 0xFFA050C0U);
+    rig.Colour(64 + 63, 0x01); // wraps at 64; the odd byte takes the old even one again
+    EXPECT_EQ(rig.vdp.palette[31], 0xFFA05010U);
+}
+
+TEST(VdpCounters, VCounterFollowsTheJumpTables) {
+    EXPECT_EQ(VCounterOfAFrame(false, 192), Sequence({
+                                                {0x00, 0xDA},
+                                                {0xD5, 0xFF}
+    }));
+    EXPECT_EQ(VCounterOfAFrame(false, 224), Sequence({
+                                                {0x00, 0xEA},
+                                                {0xE5, 0xFF}
+    }));
+    EXPECT_EQ(VCounterOfAFrame(false, 240), Sequence({
+                                                {0x00, 0xFF},
+                                                {0x00, 0x05}
+    }));
+    for (const uint32_t height : {192U, 224U, 240U}) {
+        EXPECT_EQ(VCounterOfAFrame(true, height), Sequence({
+                                                      {0x00, 0xF2},
+                                                      {0xBA, 0xFF}
+        }))
+            << height;
+    }
+}
+
+TEST(VdpCounters, HCounterRunsTo93AndGoesOnAtE9) {
+    VdpRig rig;
+    const std::vector<uint8_t> expected = Sequence({
+        {0x00, 0x93},
+        {0xE9, 0xFF}
+    });
+    ASSERT_EQ(expected.size(), 171U);
+    rig.RunTo(20, 0);
+    for (uint32_t dot = 0; dot < 342; ++dot) {
+        EXPECT_EQ(VdpLatchH(rig.vdp), expected[dot / 2]) << dot;
+        EXPECT_EQ(rig.vdp.hLatch, expected[dot / 2]);
+        rig.Steps(2);
+    }
+}
+
+TEST(VdpCounters, BeamIsInThePictureOnItsDotsOnly) {
+    VdpRig rig;
+    uint32_t x = 0;
+    uint32_t y = 0;
+    rig.RunTo(20, 11);
+    EXPECT_TRUE(VdpBeam(rig.vdp, x, y));
+    EXPECT_EQ(x, 0U);
+    EXPECT_EQ(y, 20U);
+    rig.RunTo(20, 267);
+    EXPECT_FALSE(VdpBeam(rig.vdp, x, y));
+    rig.RunTo(192, 100);
+    EXPECT_FALSE(VdpBeam(rig.vdp, x, y));
+}
+
+TEST(VdpInterrupts, FrameFlagComesWithLineHeightPlusOneAtDot318) {
+    for (const uint32_t height : {192U, 224U, 240U}) {
+        VdpRig rig;
+        rig.StartMode4();
+        rig.Reg(0, height == 192 ? 0x04 : 0x06);
+        rig.Reg(1, height == 240 ? 0x68 : height == 224 ? 0x70 : 0x60);
+        while (rig.irq == 0) {
+            VdpTick(rig.vdp);
+        }
+        EXPECT_EQ(rig.vdp.line, height + 1);
+        EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
+        rig.Steps(200); // an interrupt handler's time
+        EXPECT_EQ(VdpVCounter(rig.vdp), height + 1);
+    }
+}
+
+TEST(VdpInterrupts, StatusReadInTheDotOfTheFlagFindsAndClearsIt) {
+    VdpRig rig;
+    rig.StartMode4();
+    while (!rig.vdp.frameInterrupt) {
+        VdpTick(rig.vdp);
+    }
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x9F);
+    EXPECT_FALSE(rig.vdp.frameInterrupt);
+    rig.Steps(kLineSteps * 3);
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
+}
+
+TEST(VdpInterrupts, TurningTheBitOnRaisesTheLineAtOnceAndOffDropsIt) {
+    VdpRig rig;
+    rig.StartMode4();
+    rig.RunTo(200, 0);
+    EXPECT_EQ(rig.irq, 0U);
+    rig.Reg(1, 0x60);
+    EXPECT_EQ(rig.irq, 1U);
+    rig.Reg(1, 0x40);
+    EXPECT_EQ(rig.irq, 0U);
+    rig.Reg(10, 0);
+    (void)VdpStatusRead(rig.vdp);
+    rig.RunTo(20, 0);
+    EXPECT_EQ(rig.irq, 0U);
+    rig.Reg(0, 0x14);
+    EXPECT_EQ(rig.irq, 1U);
+    rig.Reg(0, 0x04);
+    EXPECT_EQ(rig.irq, 0U);
+}
+
+// Value n asks after lines n, 2n + 1, 3n + 2 and so on, up to the line below the picture.
+TEST(VdpInterrupts, LineCounterAsksAfterEveryNPlusOneLines) {
+    VdpRig rig;
+    rig.StartMode4();
+    rig.Reg(0, 0x14);
+    for (uint32_t value = 0; value < 256; ++value) {
+        rig.RunTo(200, 0);
+        rig.Reg(10, value);
+        rig.Finish();
+        (void)VdpStatusRead(rig.vdp);
+        std::vector<uint32_t> after;
+        while (!rig.vdp.frameDone) {
+            VdpTick(rig.vdp);
+            if (rig.irq != 0) {
+                EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
+                after.push_back(rig.vdp.line - 1);
+                (void)VdpStatusRead(rig.vdp);
+            }
+        }
+        std::vector<uint32_t> expected;
+        for (uint32_t line = value; line <= 192; line += value + 1) {
+            expected.push_back(line);
+        }
+        EXPECT_EQ(after, expected) << value;
+        VdpBeginFrame(rig.vdp, rig.pixels.data(), kRigWidth);
+    }
+}
+
+TEST(VdpInterrupts, RegisterTenActsAtTheNextReload) {
+    VdpRig rig;
+    rig.StartMode4();
+    rig.Reg(0, 0x14);
+    rig.Reg(10, 20);
+    rig.Frame();
+    rig.RunTo(10, 0);
+    (void)VdpStatusRead(rig.vdp);
+    rig.Reg(10, 3);
+    std::vector<uint32_t> after;
+    while (rig.vdp.line < 40) {
+        VdpTick(rig.vdp);
+        if (rig.irq != 0) {
+            after.push_back(rig.vdp.line - 1);
+            (void)VdpStatusRead(rig.vdp);
+        }
+    }
+    EXPECT_EQ(after, (std::vector<uint32_t>{20, 24, 28, 32, 36}));
+}
+
+TEST(VdpInterrupts, PauseRaisesNmiOnItsRisingEdge) {
+    VdpRig rig;
+    rig.vdp.pausePressed = true;
+    rig.Steps(kLineSteps);
+    EXPECT_EQ(rig.nmi, 1U);
+    rig.nmi = 0;
+    rig.Frame();
+    EXPECT_EQ(rig.nmi, 0U); // held
+    rig.vdp.pausePressed = false;
+    rig.Steps(kLineSteps);
+    rig.vdp.pausePressed = true;
+    rig.Steps(kLineSteps);
+    EXPECT_EQ(rig.nmi, 1U);
+}
+
+struct Geometry {
+    bool pal;
+    uint32_t variant;
+    uint32_t reg0;
+    uint32_t reg1;
+    uint32_t height;
+    uint32_t border;
+};
+
+TEST(VdpFrame, GeometryFollowsHeightAndStandard) {
+    const std::vector<Geometry> rows = {
+        {false, 1, 0x04, 0x40, 192, 16},
+        {false, 1, 0x06, 0x50, 224, 0 },
+        {false, 1, 0x06, 0x48, 240, 0 },
+        {false, 1, 0x06, 0x58, 240, 0 },
+        {true,  1, 0x04, 0x40, 192, 24},
+        {true,  1, 0x06, 0x50, 224, 8 },
+        {true,  1, 0x06, 0x48, 240, 0 },
+        {false, 0, 0x06, 0x50, 192, 16},
+        {false, 0, 0x06, 0x48, 192, 16},
+        {true,  0, 0x06, 0x50, 192, 24},
+        {false, 2, 0x06, 0x50, 224, 0 },
+        {false, 1, 0x04, 0x50, 192, 16},
+        {false, 1, 0x02, 0x50, 192, 16},
+    };
+    for (const Geometry& row : rows) {
+        VdpRig rig(row.variant, row.pal);
+        rig.StartMode4();
+        rig.Reg(0, row.reg0);
+        rig.Reg(1, row.reg1);
+        rig.Frame();
+        EMU_VIDEO_FRAME frame{};
+        VdpFinishFrame(rig.vdp, &frame);
+        const uint32_t whole = row.height + 2 * row.border;
+        const float wide = row.pal ? 352.0F : 288.0F;
+        EXPECT_EQ(frame.width, 256U);
+        EXPECT_EQ(frame.height, whole);
+        EXPECT_EQ(frame.visibleX, 0U);
+        EXPECT_EQ(frame.visibleWidth, 256U);
+        EXPECT_EQ(frame.visibleY, row.border);
+        EXPECT_EQ(frame.visibleHeight, row.height);
+        EXPECT_FLOAT_EQ(frame.aspect, wide / static_cast<float>(whole));
+        EXPECT_FLOAT_EQ(frame.visibleAspect, wide / static_cast<float>(row.height));
+        EXPECT_NE(rig.pixels[whole * 256 - 1], kUntouched); // every row is drawn, none behind
+        EXPECT_NE(rig.pixels[0], kUntouched);
+    }
+}
+
+TEST(VdpFrame, LeftColumnBlankNarrowsTheVisibleWindow) {
+    VdpRig rig;
+    rig.StartMode4();
+    rig.Reg(0, 0x24);
+    EMU_VIDEO_FRAME frame{};
+    VdpFinishFrame(rig.vdp, &frame);
+    EXPECT_EQ(frame.visibleX, 8U);
+    EXPECT_EQ(frame.visibleWidth, 248U);
+}
+
+TEST(VdpFrame, HasItsLinesAndIsDoneOnce) {
+    for (const bool pal : {false, true}) {
+        VdpRig rig(kVdpSecond, pal);
+        rig.Finish();
+        uint32_t steps = 0;
+        while (!rig.vdp.frameDone) {
+            VdpTick(rig.vdp);
+            ++steps;
+        }
+        EXPECT_EQ(steps, kLineSteps * (pal ? 313U : 262U));
+    }
+}
+
+TEST(VdpFrame, BordersShowTheBackdropAndNothingBehindThePictureIsDrawn) {
+    VdpRig rig;
+    rig.StartMode4();
+    rig.Reg(7, 5);
+    rig.Frame();
+    for (uint32_t row = 0; row < 224; ++row) {
+        const bool border = row < 16 || row >= 208;
+        const uint32_t expected = border ? SixBits(21) : SixBits(0);
+        EXPECT_EQ(rig.pixels[row * 256], expected) << row;
+        EXPECT_EQ(rig.pixels[row * 256 + 255], expected) << row;
+    }
+    for (size_t i = size_t{224} * 256; i < rig.pixels.size(); ++i) {
+        ASSERT_EQ(rig.pixels[i], kUntouched);
+    }
+}
+
+TEST(VdpFrame, WithoutAPictureNothingIsDrawn) {
+    VdpRig rig;
+    rig.StartMode4();
+    VdpBeginFrame(rig.vdp, nullptr, 0);
+    rig.Steps(kLineSteps * 262);
+    for (const uint32_t pixel : rig.pixels) {
+        ASSERT_EQ(pixel, kUntouched);
+    }
+}

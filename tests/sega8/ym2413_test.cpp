@@ -1,1 +1,581 @@
-#include <gtest/gtest.h>
+// Registers, timing, states and the way to the resampler.
+#include "sega8/ym2413_rig.h"
+#include "sega8/ym2413_tables.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numeric>
+#include <random>
+
+namespace {
+
+class Ym2413 : public YmRig {};
+
+std::vector<uint8_t> StateOf(const YM2413& ym) {
+    std::vector<uint8_t> state(YmStateSize());
+    YmSaveState(ym, state.data());
+    return state;
+}
+
+bool AllZero(const std::vector<double>& samples) {
+    return std::all_of(samples.begin(), samples.end(), [](double sample) { return sample == 0.0; });
+}
+
+} // namespace
+
+// --- tables ---------------------------------------------------------------------------------------
+
+// The logarithm of the sine as read from the family's masks: 256 entries of a quarter wave, in 256ths
+// of 6 dB.
+TEST_F(Ym2413, SineIsTheFamilysLogarithmicSine) {
+    EXPECT_EQ(kYmWaves.sine[0], 2u * 2137);
+    EXPECT_EQ(kYmWaves.sine[1], 2u * 1731);
+    EXPECT_EQ(kYmWaves.sine[2], 2u * 1543);
+    EXPECT_EQ(kYmWaves.sine[3], 2u * 1419);
+    EXPECT_EQ(kYmWaves.sine[255], 0u);
+    for (size_t i = 0; i < 256; ++i) {
+        EXPECT_EQ(kYmWaves.sine[511 - i], kYmWaves.sine[i]);
+        EXPECT_EQ(kYmWaves.sine[512 + i], kYmWaves.sine[i] + 1);
+        EXPECT_EQ(kYmWaves.sine[1023 - i], kYmWaves.sine[i] + 1);
+    }
+}
+
+TEST_F(Ym2413, SecondWaveIsSilentInTheNegativeHalf) {
+    for (size_t i = 0; i < 512; ++i) {
+        EXPECT_EQ(kYmWaves.sine[1024 + i], kYmWaves.sine[i]);
+        EXPECT_EQ(kYmWaves.sine[1536 + i], 5632u);
+    }
+}
+
+TEST_F(Ym2413, LevelsHalveWithEveryRow) {
+    EXPECT_EQ(kYmWaves.tl[0], 2042);
+    EXPECT_EQ(kYmWaves.tl[1], -2042);
+    EXPECT_EQ(kYmWaves.tl[510], 1024);
+    for (size_t x = 0; x < 256; ++x) {
+        EXPECT_NEAR(kYmWaves.tl[x * 2], 2048.0 * std::exp2(-(static_cast<double>(x) + 1) / 256.0),
+                    0.51);
+        for (size_t row = 0; row < 11; ++row) {
+            EXPECT_EQ(kYmWaves.tl[row * 512 + x * 2], kYmWaves.tl[x * 2] >> row);
+            EXPECT_EQ(kYmWaves.tl[row * 512 + x * 2 + 1], -(kYmWaves.tl[x * 2] >> row));
+        }
+    }
+}
+
+TEST_F(Ym2413, TremoloIsATriangleOf210Steps) {
+    EXPECT_EQ(std::accumulate(kYmTremolo.begin(), kYmTremolo.end(), 0), 2 * 4 * 325 + 3 * 26);
+    EXPECT_EQ(std::count(kYmTremolo.begin(), kYmTremolo.end(), 0), 7);
+    EXPECT_EQ(std::count(kYmTremolo.begin(), kYmTremolo.end(), 26), 3);
+    EXPECT_EQ(kYmTremolo[6], 0);
+    EXPECT_EQ(kYmTremolo[7], 1);
+    EXPECT_EQ(kYmTremolo[107], 26);
+    EXPECT_EQ(kYmTremolo[110], 25);
+    EXPECT_EQ(kYmTremolo[209], 1);
+}
+
+TEST_F(Ym2413, RateTablesCoverNinetySixRates) {
+    const auto rate = [](size_t at) {
+        return std::pair<int, int>{kYmRateShift[at], kYmRateSelect[at] / 8};
+    };
+    EXPECT_EQ(rate(0), (std::pair<int, int>{0, 14}));
+    EXPECT_EQ(rate(15), (std::pair<int, int>{0, 14}));
+    EXPECT_EQ(rate(16), (std::pair<int, int>{13, 0}));
+    EXPECT_EQ(rate(19), (std::pair<int, int>{13, 3}));
+    EXPECT_EQ(rate(20), (std::pair<int, int>{12, 0}));
+    EXPECT_EQ(rate(67), (std::pair<int, int>{1, 3}));
+    EXPECT_EQ(rate(68), (std::pair<int, int>{0, 4}));
+    EXPECT_EQ(rate(75), (std::pair<int, int>{0, 11}));
+    EXPECT_EQ(rate(76), (std::pair<int, int>{0, 12}));
+    EXPECT_EQ(rate(95), (std::pair<int, int>{0, 12}));
+}
+
+// Six decibels an octave at the full setting once the pitch is high enough: 16 steps a block.
+TEST_F(Ym2413, KeyScaleRisesSixDecibelsAnOctave) {
+    for (size_t block = 1; block < 8; ++block) {
+        for (size_t top = 0; top < 16; ++top) {
+            const int above = kYmKeyScale[(block - 1) * 16 + top];
+            EXPECT_EQ(kYmKeyScale[block * 16 + top],
+                      above > 0 ? above + 16 : kYmKeyScale[block * 16 + top]);
+            EXPECT_LE(kYmKeyScale[block * 16 + top], above + 16);
+        }
+    }
+    EXPECT_EQ(kYmKeyScale[127], 112);
+}
+
+// --- timing and reset -------------------------------------------------------------------------------
+
+TEST_F(Ym2413, OneSampleComesEvery72Clocks) {
+    for (uint32_t clock = 1; clock <= 720; ++clock) {
+        YmTick(*ym);
+        EXPECT_EQ(ym->sampleCount, clock / 72 * 2) << clock;
+    }
+}
+
+TEST_F(Ym2413, ResetSilencesEverySlotAndRestoresTheVoices) {
+    PureVoice();
+    Write({
+        {0x30, 0x50}
+    });
+    KeyOn(0, 4, 300);
+    KeyOn(8, 4, 200);
+    EXPECT_FALSE(AllZero(Run(2000)));
+    YmReset(*ym);
+    EXPECT_TRUE(AllZero(Run(2000)));
+    for (const YM_CHANNEL& channel : ym->channels) {
+        EXPECT_EQ(channel.blockFnum, 0u);
+        for (const YM_SLOT& slot : channel.slots) {
+            EXPECT_EQ(slot.state, YmEnvelope::kOff);
+            EXPECT_EQ(slot.volume, 255);
+            EXPECT_EQ(slot.key, 0u);
+        }
+    }
+    EXPECT_EQ(ym->instrument, kYmVoices);
+    EXPECT_EQ(ym->instrument[0][0], 0x49);
+    EXPECT_EQ(ym->instVol, (std::array<uint8_t, 9>{}));
+}
+
+// Registers 63 to 16 and 15 are cleared; the rhythm register is 14.
+TEST_F(Ym2413, ResetLeavesTheRhythmRegister) {
+    Write({
+        {0x0E, 0x3F}
+    });
+    YmReset(*ym);
+    EXPECT_EQ(ym->rhythm, 0x3F);
+}
+
+TEST_F(Ym2413, BothSidesAreTheSame) {
+    Write({
+        {0x30, 0x10}
+    });
+    KeyOn(0, 4, 300);
+    for (int i = 0; i < 72 * 600; ++i) {
+        YmTick(*ym);
+    }
+    ASSERT_EQ(ym->sampleCount, 1200u);
+    for (size_t i = 0; i < 1200; i += 2) {
+        EXPECT_EQ(ym->sampleBuffer[i], ym->sampleBuffer[i + 1]);
+    }
+}
+
+// Nine full sines in step reach 9 x 2042 x 4.
+TEST_F(Ym2413, SumIsClippedToSixteenBits) {
+    PureVoice();
+    for (int channel = 0; channel < 9; ++channel) {
+        KeyOn(channel, 4, 300);
+    }
+    Skip(1000);
+    const std::vector<double> samples = Run(1000);
+    EXPECT_EQ(*std::max_element(samples.begin(), samples.end()), 32767.0);
+    EXPECT_EQ(*std::min_element(samples.begin(), samples.end()), -32768.0);
+}
+
+// --- registers ----------------------------------------------------------------------------------------
+
+TEST_F(Ym2413, UserVoiceIsFollowedByItsChannelsAlone) {
+    Write({
+        {0x30, 0x10},
+        {0x31, 0x10},
+        {0x32, 0x10}
+    }); // voice 1 everywhere
+    Write({
+        {0x30, 0x05}
+    }); // and back to 0 on one channel
+    PureVoice();
+    Write({
+        {1, 0x2A       },
+        {2, 0x80 | 0x15},
+        {3, 0x1F       },
+        {5, 0x37       },
+        {7, 0x94       },
+        {0, 0xE3       },
+        {4, 0x52       },
+        {6, 0x61       }
+    });
+    EXPECT_EQ(Carrier(0).mul, 20);
+    EXPECT_EQ(Modulator(0).mul, 6);
+    EXPECT_EQ(Modulator(0).amMask, 0xFFFFFFFFu);
+    EXPECT_NE(Modulator(0).vib, 0);
+    EXPECT_EQ(Modulator(0).egType, 1);
+    EXPECT_EQ(Modulator(0).tl, 42u);
+    EXPECT_EQ(Modulator(0).ksl, 1);
+    EXPECT_EQ(Modulator(0).wavetable, 1024u);
+    EXPECT_EQ(Carrier(0).wavetable, 1024u);
+    EXPECT_EQ(ym->channels[0].fb, 15);
+    EXPECT_EQ(Carrier(0).tl, 40u);
+    EXPECT_EQ(Carrier(0).ar, 3u * 4 + 16);
+    EXPECT_EQ(Carrier(0).dr, 7u * 4 + 16);
+    EXPECT_EQ(Carrier(0).sl, 72u);
+    EXPECT_EQ(Carrier(0).rr, 4u * 4 + 16);
+    EXPECT_EQ(Modulator(0).ar, 5u * 4 + 16);
+    EXPECT_EQ(Modulator(0).sl, 48u);
+    // Voice 1: 61 61 1E 17 F0 78 00 17.
+    EXPECT_EQ(Carrier(1).mul, 2);
+    EXPECT_EQ(Modulator(1).tl, 0x1Eu * 2);
+    EXPECT_EQ(ym->channels[1].fb, 15);
+    EXPECT_EQ(Carrier(1).ar, 7u * 4 + 16);
+    EXPECT_EQ(ym->instrument[0],
+              (std::array<uint8_t, 8>{0xE3, 0x2A, 0x95, 0x1F, 0x52, 0x37, 0x61, 0x94}));
+}
+
+TEST_F(Ym2413, UserVoiceReachesChannels6To8OnlyWithoutRhythm) {
+    for (const bool rhythm : {false, true}) {
+        Start();
+        Write({
+            {0x0E, rhythm ? 0x20 : 0x00},
+            {1,    0x27                }
+        });
+        for (size_t channel = 0; channel < 9; ++channel) {
+            const bool follows = channel < 6 || !rhythm;
+            EXPECT_EQ(Carrier(channel).mul == 14, follows) << channel << " rhythm " << rhythm;
+        }
+    }
+}
+
+TEST_F(Ym2413, UserVoiceStartsWithItsOwnBytes) {
+    Write({
+        {0x30, 0x10},
+        {0x30, 0x00}
+    });
+    EXPECT_EQ(Modulator(0).mul, 18);        // 49
+    EXPECT_EQ(Carrier(0).mul, 24);          // 4C
+    EXPECT_EQ(Modulator(0).tl, 0x0Cu * 2);  // 4C
+    EXPECT_EQ(Modulator(0).ksl, 2);         // top bits 1
+    EXPECT_EQ(Carrier(0).wavetable, 1024u); // 12
+    EXPECT_EQ(ym->channels[0].fb, 10);
+}
+
+TEST_F(Ym2413, VoiceIsLoadedOnlyWhenItsNumberChanges) {
+    Write({
+        {0x30, 0x30}
+    });
+    Carrier(0).mul = 77;
+    Write({
+        {0x30, 0x3F}
+    });
+    EXPECT_EQ(Carrier(0).mul, 77);
+    EXPECT_EQ(Carrier(0).tl, 120u);
+    Write({
+        {0x30, 0x40},
+        {0x30, 0x30}
+    });
+    EXPECT_EQ(Carrier(0).mul, 2);
+}
+
+TEST_F(Ym2413, EveryFixedVoiceIsLoadedWhole) {
+    for (int voice = 1; voice < 16; ++voice) {
+        Write({
+            {0x34, voice << 4}
+        });
+        const auto& bytes = kYmVoices[static_cast<size_t>(voice)];
+        for (size_t index = 0; index < 2; ++index) {
+            const YM_SLOT& slot = ym->channels[4].slots[index];
+            EXPECT_EQ(slot.egType, bytes[index] >> 5 & 1);
+            EXPECT_EQ(slot.ksr, (bytes[index] & 0x10) != 0 ? 0 : 2);
+            EXPECT_EQ(slot.sl, (bytes[6 + index] >> 4) * 8u);
+            EXPECT_EQ(slot.dr,
+                      (bytes[4 + index] & 15) != 0 ? (bytes[4 + index] & 15) * 4u + 16 : 0u);
+        }
+        EXPECT_EQ(Modulator(4).tl, (bytes[2] & 63) * 2u);
+        EXPECT_EQ(Carrier(4).wavetable, (bytes[3] & 16) != 0 ? 1024u : 0u);
+    }
+}
+
+// Numbers 9 to 15 of each group are those of channels 0 to 6 again.
+TEST_F(Ym2413, RegistersBehindTheNinthChannelRepeat) {
+    Write({
+        {0x19, 0x55},
+        {0x2F, 0x0B},
+        {0x3A, 0x27}
+    });
+    EXPECT_EQ(ym->channels[0].blockFnum, 0x055u);
+    EXPECT_EQ(ym->channels[6].blockFnum, 0xB00u);
+    EXPECT_EQ(ym->instVol[1], 0x27);
+}
+
+TEST_F(Ym2413, OtherRegistersDoNothing) {
+    Write({
+        {0x30, 0x21}
+    });
+    KeyOn(0, 4, 300);
+    const std::vector<uint8_t> before = StateOf(*ym);
+    for (int reg = 0; reg < 256; ++reg) {
+        if ((reg >= 8 && reg < 14) || reg == 15 || reg >= 64) {
+            Write({
+                {reg, 0xFF}
+            });
+        }
+    }
+    EXPECT_EQ(StateOf(*ym), before);
+}
+
+TEST_F(Ym2413, PitchIsMadeOfTwoRegisters) {
+    Write({
+        {0x12, 0xAB},
+        {0x22, 0x0D}
+    });
+    EXPECT_EQ(ym->channels[2].blockFnum, 0xDABu);
+    EXPECT_EQ(ym->channels[2].kcode, 0xD);
+    EXPECT_EQ(ym->channels[2].kslBase, kYmKeyScale[0xDAB >> 5]);
+    Write({
+        {0x12, 0x00}
+    });
+    EXPECT_EQ(ym->channels[2].blockFnum, 0xD00u);
+}
+
+TEST_F(Ym2413, KeyIsHeldByMelodyAndRhythmApart) {
+    KeyOn(6, 4, 300);
+    Write({
+        {0x0E, 0x30}
+    });
+    EXPECT_EQ(Carrier(6).key, 3u);
+    KeyOff(6, 4, 300);
+    EXPECT_EQ(Carrier(6).key, 2u);
+    EXPECT_EQ(Carrier(6).state, YmEnvelope::kDump);
+    Write({
+        {0x0E, 0x20}
+    });
+    EXPECT_EQ(Carrier(6).key, 0u);
+    EXPECT_EQ(Carrier(6).state, YmEnvelope::kRelease);
+}
+
+TEST_F(Ym2413, RhythmBitsKeyTheirSlots) {
+    struct ROW {
+        int bit;
+        size_t channel;
+        bool modulator;
+        bool carrier;
+    };
+    for (const ROW row : {
+             ROW{4, 6, true,  true },
+             ROW{0, 7, true,  false},
+             ROW{3, 7, false, true },
+             ROW{2, 8, true,  false},
+             ROW{1, 8, false, true }
+    }) {
+        Start();
+        Write({
+            {0x0E, 0x20 | 1 << row.bit}
+        });
+        for (size_t channel = 6; channel < 9; ++channel) {
+            EXPECT_EQ(Modulator(channel).key != 0, row.modulator && channel == row.channel)
+                << row.bit;
+            EXPECT_EQ(Carrier(channel).key != 0, row.carrier && channel == row.channel) << row.bit;
+        }
+        Write({
+            {0x0E, 0x1F}
+        }); // without bit 5 no key is held
+        for (size_t channel = 6; channel < 9; ++channel) {
+            EXPECT_EQ(Modulator(channel).key | Carrier(channel).key, 0u);
+        }
+        EXPECT_EQ(ym->rhythm, 0x1F);
+    }
+}
+
+TEST_F(Ym2413, RhythmModeLoadsItsVoicesAndGivesTheOldOnesBack) {
+    Write({
+        {0x36, 0x12},
+        {0x37, 0x34},
+        {0x38, 0x56}
+    });
+    Write({
+        {0x0E, 0x20}
+    });
+    EXPECT_EQ(Modulator(6).tl, 0x16u * 2);
+    EXPECT_EQ(Carrier(6).tl, 16u);
+    EXPECT_EQ(Modulator(7).tl, 3u * 8);
+    EXPECT_EQ(Carrier(7).tl, 4u * 8);
+    EXPECT_EQ(Modulator(8).tl, 5u * 8);
+    EXPECT_EQ(Modulator(8).mul, 10);
+    Write({
+        {0x0E, 0x00}
+    });
+    EXPECT_EQ(Modulator(6).tl, 0x1Eu * 2);
+    EXPECT_EQ(Modulator(7).tl, 0x19u * 2);
+    EXPECT_EQ(Modulator(8).tl, 0x1Eu * 2);
+    EXPECT_EQ(Carrier(8).tl, 6u * 8);
+}
+
+TEST_F(Ym2413, RhythmModeTakesLevelsInPlaceOfVoices) {
+    Write({
+        {0x0E, 0x20},
+        {0x36, 0x53},
+        {0x37, 0xA4},
+        {0x38, 0x71}
+    });
+    EXPECT_EQ(Carrier(6).tl, 24u);
+    EXPECT_EQ(Modulator(6).tl, 0x16u * 2); // the bass drum's modulator keeps its voice's
+    EXPECT_EQ(Modulator(7).tl, 80u);
+    EXPECT_EQ(Carrier(7).tl, 32u);
+    EXPECT_EQ(Modulator(8).tl, 56u);
+    EXPECT_EQ(Carrier(8).tl, 8u);
+    EXPECT_EQ(Modulator(8).mul, 10); // the tom's own, not voice 7's
+}
+
+TEST_F(Ym2413, SustainBitCountsWhenTheRatesAreReadAgain) {
+    PureVoice();
+    KeyOn(0, 4, 300);
+    const YM_RATE before = Carrier(0).sustainRelease;
+    KeyOn(0, 4, 300, 0x20);
+    EXPECT_EQ(ym->channels[0].sustain, 1);
+    EXPECT_EQ(Carrier(0).sustainRelease.shift, before.shift);
+    KeyOn(0, 4, 301, 0x20);
+    EXPECT_EQ(Carrier(0).sustainRelease.shift, before.shift + 2); // eight rates slower
+}
+
+// --- on the way to the machine ------------------------------------------------------------------------
+
+TEST_F(Ym2413, OwnerThatNeverFlushesIsSafe) {
+    for (int i = 0; i < 400'000; ++i) {
+        YmTick(*ym);
+        ASSERT_LT(ym->sampleCount, ym->sampleBuffer.size());
+    }
+    EXPECT_FALSE(ym->resampler.Output().empty());
+}
+
+// Frames of 313 lines of 228 clocks are the longest there are; none of their sound may be dropped.
+TEST_F(Ym2413, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
+    constexpr uint32_t kClockPal = 3'546'895;
+    constexpr int kFrames = 20;
+    constexpr int kFrameClocks = 313 * 228;
+    for (const uint32_t rate : {22050u, 44100u, 48000u, 96000u, 192000u}) {
+        for (const int quality : {0, 1, 2}) {
+            SetAudioRate(rate);
+            Settings().SetInt(L"audio_app_quality", quality);
+            YmInit(*ym, kClockPal);
+            YmReset(*ym);
+            size_t pairs = 0;
+            for (int frame = 0; frame < kFrames; ++frame) {
+                for (int clock = 0; clock < kFrameClocks; ++clock) {
+                    YmTick(*ym);
+                }
+                ASSERT_LT(ym->sampleCount, ym->sampleBuffer.size());
+                YmFlush(*ym);
+                EXPECT_EQ(ym->sampleCount, 0u);
+                const size_t ready = ym->resampler.Output().size();
+                pairs += ready / 2;
+                ym->resampler.Consume(static_cast<int32_t>(ready));
+            }
+            const double expected = double{kFrames} * kFrameClocks / kClockPal * rate;
+            EXPECT_NEAR(static_cast<double>(pairs), expected, rate * 0.003 + 5.0)
+                << rate << " quality " << quality;
+        }
+    }
+}
+
+TEST_F(Ym2413, CatchUpRunsInWholeSamplesUntilEnoughIsReady) {
+    for (int i = 0; i < 31; ++i) {
+        YmTick(*ym);
+    }
+    YmCatchUp(*ym, 401);
+    EXPECT_GE(ym->resampler.Output().size(), 401u);
+    EXPECT_LE(ym->resampler.Output().size(), 404u);
+    EXPECT_EQ(ym->tick, 31u);
+    const uint32_t steps = ym->egCounter;
+    YmCatchUp(*ym, 300);
+    EXPECT_EQ(ym->egCounter, steps);
+}
+
+TEST_F(Ym2413, CatchUpToMoreThanTheResamplerHoldsEnds) {
+    YmCatchUp(*ym, 1'000'000);
+    EXPECT_EQ(ym->resampler.Output().size(), 44100u / 40 * 2);
+}
+
+// --- states -------------------------------------------------------------------------------------------
+
+TEST_F(Ym2413, StateSavedAtAnyClockGivesTheSameSound) {
+    Write({
+        {0x30, 0x10},
+        {0x31, 0x22},
+        {0x32, 0xC3},
+        {0x0E, 0x20}
+    });
+    KeyOn(0, 4, 300);
+    KeyOn(1, 5, 200);
+    KeyOn(2, 3, 400);
+    KeyOn(7, 3, 321);
+    auto other = std::make_unique<YM2413>();
+    for (int round = 0; round < 20; ++round) {
+        Write({
+            {0x0E, 0x20 | round}
+        });
+        Skip(100);
+        for (int clock = 0; clock < round * 3; ++clock) {
+            YmTick(*ym);
+        }
+        ym->sampleCount = 0;
+        const std::vector<uint8_t> state = StateOf(*ym);
+        EXPECT_EQ(state[0], 1);
+        YmInit(*other, kClock);
+        YmReset(*other);
+        ASSERT_EQ(YmLoadState(*other, state.data(), YmStateSize()), YmStateSize());
+        EXPECT_EQ(StateOf(*other), state);
+        const std::vector<double> expected = Run(500);
+        ym.swap(other);
+        ASSERT_EQ(Run(500), expected) << round;
+    }
+}
+
+TEST_F(Ym2413, StateOfAnotherSizeOrVersionIsRefused) {
+    std::vector<uint8_t> state = StateOf(*ym);
+    Write({
+        {0x10, 0x33}
+    });
+    EXPECT_EQ(YmLoadState(*ym, state.data(), YmStateSize() - 1), 0u);
+    EXPECT_EQ(YmLoadState(*ym, state.data(), 0), 0u);
+    state[0] = 0;
+    EXPECT_EQ(YmLoadState(*ym, state.data(), YmStateSize()), 0u);
+    state[0] = 1;
+    ++state[2];
+    EXPECT_EQ(YmLoadState(*ym, state.data(), YmStateSize()), 0u);
+    EXPECT_EQ(ym->channels[0].blockFnum, 0x33u);
+}
+
+namespace {
+
+// What indexes or shifts; the memory behind an array in the record is the record's own.
+void ExpectIndexesInRange(const YM2413& ym) {
+    ASSERT_LT(ym.tick, 72u);
+    ASSERT_LT(ym.lfoAmCnt, 210u << 24);
+    ASSERT_LE(ym.lfoPm, 7u);
+    for (const YM_CHANNEL& channel : ym.channels) {
+        ASSERT_LE(channel.blockFnum, 0xFFFu);
+        ASSERT_LE(channel.fb, 15);
+        ASSERT_LE(channel.kcode, 15);
+        for (const YM_SLOT& slot : channel.slots) {
+            ASSERT_LE(std::max({slot.ar, slot.dr, slot.rr}) + slot.kscale, 91u);
+            ASSERT_LE(slot.kscale, 15);
+            ASSERT_LE(slot.ksr, 2);
+            ASSERT_LE(slot.ksl, 31);
+            ASSERT_LE(slot.state, YmEnvelope::kDump);
+            ASSERT_TRUE(slot.wavetable == 0 || slot.wavetable == 1024);
+            for (const YM_RATE& rate :
+                 {slot.attack, slot.decay, slot.release, slot.sustainRelease, slot.dump}) {
+                ASSERT_LE(rate.shift, 15);
+                ASSERT_LE(rate.select, 112);
+            }
+        }
+    }
+}
+
+} // namespace
+
+TEST_F(Ym2413, AnyBytesAsAStateAreSafe) {
+    std::vector<uint8_t> state = StateOf(*ym);
+    std::mt19937 random(1);
+    bool heard = false;
+    for (int round = 0; round < 300; ++round) {
+        for (size_t i = 5; i < state.size(); ++i) {
+            state[i] = round == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
+        }
+        ASSERT_EQ(YmLoadState(*ym, state.data(), YmStateSize()), YmStateSize());
+        ExpectIndexesInRange(*ym);
+        heard |= !AllZero(Run(50));
+        for (int i = 0; i < 20; ++i) {
+            Write({
+                {static_cast<int>(random() & 0xFF), static_cast<int>(random() & 0xFF)}
+            });
+            Skip(5);
+        }
+    }
+    EXPECT_TRUE(heard);
+}

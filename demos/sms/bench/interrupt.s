@@ -1,0 +1,45 @@
+; A line interrupt every eight lines gives each row of tiles its own scroll. The values are written one
+; line too late for the row's first line, which the picture's vertical scroll of 7 makes up for.
+
+    .module interrupt
+    .include "common/sms.inc"
+
+    .area _CODE
+_Interrupt::
+    push af
+    push hl
+    in a, (VDP_CONTROL)
+    rlca
+    jr c, 1$
+    ld hl, (rowNext)
+    ld a, (hl)
+    out (VDP_CONTROL), a
+    inc hl
+    ld a, #VDP_REGISTER + 8
+    out (VDP_CONTROL), a
+    ld (rowNext), hl
+    pop hl
+    pop af
+    ei
+    ret
+1$: ld hl, #_rowScroll
+    ld a, (hl)
+    out (VDP_CONTROL), a
+    inc hl
+    ld a, #VDP_REGISTER + 8
+    out (VDP_CONTROL), a
+    ld (rowNext), hl
+    ld hl, #_frameCount
+    inc (hl)
+    pop hl
+    pop af
+    ei
+    ret
+
+    .area _DATA
+rowNext:
+    .ds 2
+_frameCount::
+    .ds 1
+_rowScroll::
+    .ds 26

@@ -1,0 +1,30 @@
+// Walks a state blob piece by piece.
+#pragma once
+
+#include <cstdint>
+
+class StatePieces {
+public:
+    StatePieces(const uint8_t* data, uint32_t size)
+        : next(data)
+        , left(size) {}
+
+    // Hands what is left to `load` (const uint8_t*, uint32_t), which gives the bytes it used or 0.
+    template <typename Load>
+    [[nodiscard]] bool Take(Load&& load) {
+        const uint32_t used = load(next, left);
+        next += used;
+        left -= used;
+        return used != 0;
+    }
+
+    // The same for a chip and its loader.
+    template <typename Chip>
+    [[nodiscard]] bool Load(Chip& chip, uint32_t (*load)(Chip&, const uint8_t*, uint32_t)) {
+        return Take([&](const uint8_t* data, uint32_t size) { return load(chip, data, size); });
+    }
+
+private:
+    const uint8_t* next;
+    uint32_t left;
+};

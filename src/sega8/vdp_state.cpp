@@ -1,0 +1,134 @@
+#include "host/state_piece.h"
+#include "sega8/vdp.h"
+#include "sega8/vdp_private.h"
+
+#include <algorithm>
+
+namespace {
+
+template <typename Visit>
+void PortFields(VDP& vdp, Visit& visit) {
+    visit(vdp.regs);
+    visit(vdp.cram);
+    visit(vdp.cramLatch);
+    visit(vdp.addr);
+    visit(vdp.code);
+    visit(vdp.latchFull);
+    visit(vdp.latchByte);
+    visit(vdp.readBuffer);
+    visit(vdp.pendingAccess);
+    visit(vdp.pendingCount);
+    visit(vdp.pendingValue);
+    visit(vdp.pendingAddress);
+    visit(vdp.activeAccess);
+    visit(vdp.activeValue);
+    visit(vdp.activeAddress);
+}
+
+template <typename Visit>
+void FrameFields(VDP& vdp, Visit& visit) {
+    visit(vdp.dotCounter);
+    visit(vdp.line);
+    visit(vdp.frameDone);
+    visit(vdp.pausePressed);
+    visit(vdp.pauseSeen);
+    visit(vdp.hLatch);
+    visit(vdp.status);
+    visit(vdp.lineInterrupt);
+    visit(vdp.frameInterrupt);
+    visit(vdp.lineCounter);
+    visit(vdp.outputRow);
+    visit(vdp.slotList);
+    visit(vdp.mode);
+    visit(vdp.displayEnabled);
+    visit(vdp.scrollX);
+    visit(vdp.scrollY);
+    visit(vdp.nameBase);
+    visit(vdp.patternBase);
+    visit(vdp.colourBase);
+}
+
+template <typename Visit>
+void FetchFields(VDP& vdp, Visit& visit) {
+    visit(vdp.nextKind);
+    visit(vdp.lastKind);
+    visit(vdp.cycleIsByte);
+    visit(vdp.nextAddr);
+    visit(vdp.cycleAddr);
+    visit(vdp.writeValue);
+    visit(vdp.readData);
+    visit(vdp.tileEntry);
+    visit(vdp.tileAddress);
+    visit(vdp.tileLow);
+    visit(vdp.tileRow);
+    visit(vdp.names);
+    visit(vdp.patternByte);
+    visit(vdp.spriteIndex);
+    visit(vdp.spriteTested);
+    visit(vdp.searchDone);
+    visit(vdp.foundCount);
+    visit(vdp.foundIndex);
+    visit(vdp.foundRow);
+    visit(vdp.spriteCount);
+    visit(vdp.fetchIndex);
+    visit(vdp.fetchAddress);
+    visit(vdp.spriteX);
+    visit(vdp.spriteFlags);
+    visit(vdp.spriteData);
+    visit(vdp.colourLine);
+    visit(vdp.priorityLine);
+    visit(vdp.spriteLine);
+}
+
+auto FieldsOf(VDP& vdp) {
+    return [&vdp](auto& visit) {
+        PortFields(vdp, visit);
+        FrameFields(vdp, visit);
+        FetchFields(vdp, visit);
+    };
+}
+
+// Brings what counts or selects into its range; the rest is masked where it is used.
+void Restrain(VDP& vdp) {
+    vdp.addr &= kVdpVramMask;
+    vdp.code &= 3;
+    vdp.pendingAccess = std::min<uint8_t>(vdp.pendingAccess, kVdpWrite);
+    vdp.activeAccess = std::min<uint8_t>(vdp.activeAccess, kVdpWrite);
+    vdp.dotCounter %= kVdpStepsPerLine;
+    vdp.line %= vdp.totalLines;
+    vdp.status &= kVdpStatusFrame | kVdpStatusOverflow | kVdpStatusCollision;
+    if (vdp.outputRow >= kVdpLargestPicture) {
+        vdp.outputRow = kVdpNoRow;
+    }
+    vdp.slotList &= 3;
+    if (vdp.mode != 1 && vdp.mode != 2 && vdp.mode != 4) {
+        vdp.mode = 0;
+    }
+    const auto maxSprites = static_cast<uint8_t>(kVdpMaxSprites);
+    vdp.foundCount = std::min(vdp.foundCount, maxSprites);
+    vdp.spriteCount = std::min(vdp.spriteCount, maxSprites);
+}
+
+} // namespace
+
+uint32_t VdpStateSize() {
+    VDP vdp;
+    return StatePieceSize(FieldsOf(vdp));
+}
+
+uint8_t* VdpSaveState(const VDP& vdp, uint8_t* out) {
+    // The visitor that writes shares its type of field with the one that reads; it changes nothing.
+    return StatePieceWrite(out, FieldsOf(const_cast<VDP&>(vdp)));
+}
+
+uint32_t VdpLoadState(VDP& vdp, const uint8_t* data, uint32_t size) {
+    const uint32_t used = StatePieceRead(data, size, FieldsOf(vdp));
+    if (used != 0) {
+        Restrain(vdp);
+        VdpConvertPalette(vdp);
+        VdpDeriveHeight(vdp);
+        VdpDeriveLine(vdp);
+        VdpUpdateIrq(vdp);
+    }
+    return used;
+}

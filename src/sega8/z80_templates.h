@@ -1,0 +1,173 @@
+// The Z80's templates: the remaining clocks of an instruction behind its third, one step a clock.
+//
+// An access stands on the last of its three clocks, a sampling point on its first. The number of steps
+// and three is the instruction's clock count; a prefix is four clocks before.
+#pragma once
+
+#include "sega8/z80_private.h"
+
+namespace z80_templates {
+
+using enum Z80Step;
+
+// A line for each access.
+// clang-format off
+inline constexpr Z80Template kFour{kSampleAndEnd};
+inline constexpr Z80Template kSix{kIdle, kIdle, kSampleAndEnd};
+inline constexpr Z80Template kReturnNotTaken{kIdle, kSampleAndEnd};
+inline constexpr Z80Template kLoadHigh{kSample, kIdle, kOperandToHigh, kEnd};
+inline constexpr Z80Template kLoadLow{kSample, kIdle, kOperandToLow, kEnd};
+inline constexpr Z80Template kHighFromMemory{kSample, kIdle, kMemoryToHigh, kEnd};
+inline constexpr Z80Template kLowFromMemory{kSample, kIdle, kMemoryToLow, kEnd};
+inline constexpr Z80Template kStoreHigh{kSample, kIdle, kHighToMemory, kEnd};
+inline constexpr Z80Template kStoreLow{kSample, kIdle, kLowToMemory, kEnd};
+inline constexpr Z80Template kStoreOperand{
+    kSample, kIdle, kOperandToT,
+    kSampleAgain, kIdle, kTToMemory, kEnd};
+inline constexpr Z80Template kLoadWord{
+    kSample, kIdle, kOperandToLow,
+    kSampleAgain, kIdle, kOperandToHigh, kEnd};
+inline constexpr Z80Template kAddWords{
+    kSample, kIdle, kIdle, kIdle,
+    kSampleAgain, kIdle, kIdle, kEnd};
+inline constexpr Z80Template kLoadADirect{
+    kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kOperandToZ,
+    kSampleAgain, kIdle, kMemoryToHigh, kEnd};
+inline constexpr Z80Template kStoreADirect{
+    kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kOperandToZ,
+    kSampleAgain, kIdle, kHighToMemory, kEnd};
+inline constexpr Z80Template kLoadWordDirect{
+    kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kOperandToZ,
+    kSampleAgain, kIdle, kMemoryToLowFirst,
+    kSampleAgain, kIdle, kNextToHigh, kEnd};
+inline constexpr Z80Template kStoreWordDirect{
+    kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kOperandToZ,
+    kSampleAgain, kIdle, kLowToMemoryFirst,
+    kSampleAgain, kIdle, kHighToNext, kEnd};
+inline constexpr Z80Template kJump{
+    kSample, kIdle, kMemoryToLowFirst,
+    kSampleAgain, kIdle, kNextToHigh, kEnd};
+inline constexpr Z80Template kJumpNotTaken{
+    kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kOperandToZ, kEnd};
+inline constexpr Z80Template kRelative{
+    kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kIdle, kIdle, kIdle, kJumpRelative};
+inline constexpr Z80Template kRelativeNotTaken{kSample, kIdle, kOperandToW, kEnd};
+inline constexpr Z80Template kLoop{
+    kIdle, kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kIdle, kIdle, kIdle, kJumpRelative};
+inline constexpr Z80Template kLoopNotTaken{
+    kIdle, kSample, kIdle, kOperandToW, kEnd};
+inline constexpr Z80Template kCall{
+    kSample, kIdle, kPushHigh,
+    kSampleAgain, kIdle, kPushLow, kIdle,
+    kSampleAgain, kIdle, kMemoryToLowFirst,
+    kSampleAgain, kIdle, kNextToHigh, kEnd};
+inline constexpr Z80Template kCallNotTaken{
+    kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kOperandToW, kEnd};
+inline constexpr Z80Template kPop{
+    kSample, kIdle, kPopLow,
+    kSampleAgain, kIdle, kPopHigh, kEnd};
+inline constexpr Z80Template kReturnTaken{
+    kIdle, kSample, kIdle, kPopLow,
+    kSampleAgain, kIdle, kPopHigh, kEnd};
+inline constexpr Z80Template kPush{
+    kIdle, kSample, kIdle, kPushZ,
+    kSampleAgain, kIdle, kPushW, kEnd};
+inline constexpr Z80Template kExchangeStack{
+    kSample, kIdle, kMemoryToLowFirst,
+    kSampleAgain, kIdle, kIdle, kTToMemoryFirst,
+    kSampleAgain, kIdle, kNextToHigh,
+    kSampleAgain, kIdle, kIdle, kIdle, kTempHighToNext, kEnd};
+inline constexpr Z80Template kInput{
+    kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kIdle, kPortToHigh, kEnd};
+inline constexpr Z80Template kOutput{
+    kSample, kIdle, kOperandToW,
+    kSampleAgain, kIdle, kIdle, kHighToPort, kEnd};
+inline constexpr Z80Template kIndexedBits{
+    kSample, kIdle, kOperandToT, kIdle, kIdle,
+    kSampleAgain, kIdle, kIndexedOpcode, kDecodeIndexed};
+inline constexpr Z80Template kIndexedStoreOperand{
+    kSample, kIdle, kDisplacement,
+    kSampleAgain, kIdle, kOperandToT, kIdle, kIdle,
+    kSampleAgain, kIdle, kTToMemory, kEnd};
+inline constexpr Z80Template kNmiTemplate{
+    kIdle, kIdle, kIdle, kIdle, kIdle, kSample, kIdle, kPushZ,
+    kSampleAgain, kIdle, kPushW, kEnd};
+inline constexpr Z80Template kMode2Template{
+    kIdle, kIdle, kIdle, kIdle, kSample, kIdle, kPushHigh,
+    kSampleAgain, kIdle, kPushLow, kIdle,
+    kSampleAgain, kIdle, kMemoryToLowFirst,
+    kSampleAgain, kIdle, kNextToHigh, kEnd};
+inline constexpr Z80Template kFakeOpcode{kIdle, kIdle, kIdle, kDecode};
+// clang-format on
+
+constexpr Z80Template AluOperand(Z80Step step) {
+    return {kSample, kIdle, kOperandToW, step};
+}
+
+constexpr Z80Template AluMemory(Z80Step step) {
+    return {kSample, kIdle, kMemoryToW, step};
+}
+
+constexpr Z80Template ChangeMemory(Z80Step step) {
+    return {kSample, kIdle, kMemoryToT, step, kSampleAgain, kIdle, kTToMemory, kEnd};
+}
+
+// Puts the displacement of an indexed form before the template of the plain one. The first two clocks
+// of the plain one, a sampling point and an idle clock, stay in their place before its access.
+constexpr Z80Template WithDisplacement(const Z80Template& plain) {
+    constexpr Z80Template kDisplacementFirst{kSample, kIdle, kDisplacement, kSampleAgain, kIdle,
+                                             kIdle,   kIdle, kIdle,         kSampleAgain};
+    constexpr size_t kAhead = 8;
+    Z80Template indexed = kDisplacementFirst;
+    for (size_t i = 1; i + kAhead < indexed.size(); ++i) {
+        indexed[i + kAhead] = plain[i];
+    }
+    return indexed;
+}
+
+// Behind an ED prefix.
+inline constexpr Z80Template kNine{kIdle, kSampleAndEnd};
+inline constexpr Z80Template kInputHigh{kSample, kIdle, kPortToHighFlags, kIdle, kEnd};
+inline constexpr Z80Template kInputLow{kSample, kIdle, kPortToLowFlags, kIdle, kEnd};
+inline constexpr Z80Template kInputFlags{kSample, kIdle, kPortToTFlags, kIdle, kEnd};
+inline constexpr Z80Template kOutputT{kSample, kIdle, kTToPort, kIdle, kEnd};
+
+constexpr Z80Template RotateDigit(Z80Step step) {
+    return {kSample, kIdle,        kMemoryToT, kSampleAgain, kIdle, step,
+            kIdle,   kSampleAgain, kIdle,      kTToMemory,   kEnd};
+}
+
+constexpr Z80Template MoveBlock(Z80Step step, Z80Step last) {
+    return {kSample, kIdle, kMemoryToT, step, kIdle, kTToMemory, kSampleAgain, kIdle, last};
+}
+
+constexpr Z80Template CompareBlock(Z80Step step, Z80Step last) {
+    return {kSample, kIdle, kMemoryToT, kSampleAgain, kIdle, step, kIdle, kIdle, last};
+}
+
+constexpr Z80Template InputBlock(Z80Step step, Z80Step last) {
+    return {kIdle, kSample, kIdle, kPortToT, kSampleAgain, kIdle, step, kTToMemory, last};
+}
+
+constexpr Z80Template OutputBlock(Z80Step step, Z80Step last) {
+    return {kIdle, kSample, kIdle, kMemoryToT, kSampleAgain, kIdle, step, kTToPort, last};
+}
+
+// Behind a CB prefix, on (HL); and behind the last byte of DD CB and FD CB.
+inline constexpr Z80Template kTestMemory{kSample, kIdle, kMemoryToT, kBit, kEnd};
+inline constexpr Z80Template kTestIndexed{kIdle, kMemoryToT, kBitIndexed, kEnd};
+
+constexpr Z80Template ChangeIndexed(Z80Step step) {
+    return {kIdle, kMemoryToT, step, kSampleAgain, kIdle, kTToMemory, kEnd};
+}
+
+} // namespace z80_templates

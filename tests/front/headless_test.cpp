@@ -1,0 +1,158 @@
+// `ombrelune play --headless` as a user runs it, on our own games.
+
+#include "support/run_program.h"
+#include "support/temporary_folder.h"
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+#include <sstream>
+
+using testing::HasSubstr;
+
+namespace {
+
+// The games that the program's own help lists.
+std::vector<std::string> DemoNames() {
+    const PROGRAM_RESULT help = RunProgram(OMBRELUNE_BUILD_FOLDER "/ombrelune", {"play", "--help"});
+    std::vector<std::string> names;
+    std::istringstream text(help.output);
+    for (std::string word; text >> word;) {
+        if (word.starts_with("demo:") && word != "demo:NAME") {
+            names.push_back(word);
+        }
+    }
+    return names;
+}
+
+class Headless : public testing::Test {
+protected:
+    PROGRAM_RESULT Play(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(),
+                         {"--home", folder.Path().string(), "play", "--headless"});
+        return RunProgram(OMBRELUNE_BUILD_FOLDER "/ombrelune", arguments);
+    }
+    [[nodiscard]] std::string Path(const std::string& name) const {
+        return (folder.Path() / name).string();
+    }
+    [[nodiscard]] std::vector<std::string> Lines(const std::string& name) const {
+        const auto bytes = folder.Read(name);
+        std::istringstream text(std::string(bytes.begin(), bytes.end()));
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(text, line);) {
+            lines.push_back(line);
+        }
+        return lines;
+    }
+    // The picture hash of a line of hashes.
+    static std::string Picture(const std::string& line) {
+        std::istringstream words(line);
+        std::string number;
+        std::string width;
+        std::string height;
+        std::string picture;
+        words >> number >> width >> height >> picture;
+        return picture;
+    }
+
+    TemporaryFolder folder;
+    const std::vector<std::string> demos = DemoNames();
+};
+
+} // namespace
+
+TEST_F(Headless, ThereIsAGameForEachMachineThatIsBuiltIn) {
+    for (const char* prefix : {"demo:sms-", "demo:gg-", "demo:arcade-"}) {
+        EXPECT_TRUE(std::any_of(demos.begin(), demos.end(), [prefix](const std::string& name) {
+            return name.starts_with(prefix);
+        })) << prefix;
+    }
+}
+
+TEST_F(Headless, TheSameCommandTwiceGivesTheSameBytes) {
+    for (const std::string& demo : demos) {
+        for (const char* run : {"a", "b"}) {
+            const std::string prefix = run;
+            const PROGRAM_RESULT result =
+                Play({demo, "--frames", "120", "--frame-hashes", Path(prefix + ".txt"), "--wav",
+                      Path(prefix + ".wav"), "--screenshot", "last=" + Path(prefix + ".png"),
+                      "--save-state", Path(prefix + ".state")});
+            ASSERT_EQ(result.exitCode, 0) << demo << ": " << result.error;
+        }
+        EXPECT_EQ(Lines("a.txt").size(), 120u);
+        for (const char* kind : {".txt", ".wav", ".png", ".state"}) {
+            EXPECT_EQ(folder.Read(std::string("a") + kind), folder.Read(std::string("b") + kind))
+                << demo << kind;
+        }
+    }
+}
+
+TEST_F(Headless, EveryDemoMovesAndSounds) {
+    for (const std::string& demo : demos) {
+        ASSERT_EQ(
+            Play({demo, "--frames", "400", "--frame-hashes", Path("h.txt"), "--wav", Path("s.wav")})
+                .exitCode,
+            0)
+            << demo;
+        const auto lines = Lines("h.txt");
+        std::set<std::string> pictures;
+        for (const std::string& line : lines) {
+            pictures.insert(Picture(line));
+        }
+        EXPECT_GT(pictures.size(), 10u) << demo << " stands still";
+        const auto wav = folder.Read("s.wav");
+        EXPECT_TRUE(std::any_of(wav.begin() + 44, wav.end(), [](uint8_t b) { return b != 0; }))
+            << demo << " is silent";
+    }
+}
+
+TEST_F(Headless, AStateTakenAndLoadedGivesTheSamePictures) {
+    for (const std::string& demo : demos) {
+        const std::string& game = demo;
+        ASSERT_EQ(Play({game, "--frames", "90", "--save-state", Path("s")}).exitCode, 0);
+        ASSERT_EQ(Play({game, "--frames", "150", "--frame-hashes", Path("whole")}).exitCode, 0);
+        ASSERT_EQ(Play({game, "--frames", "60", "--load-state", Path("s"), "--frame-hashes",
+                        Path("loaded")})
+                      .exitCode,
+                  0);
+        const auto whole = Lines("whole");
+        const auto loaded = Lines("loaded");
+        ASSERT_EQ(whole.size(), 150u);
+        ASSERT_EQ(loaded.size(), 60u);
+        for (size_t i = 0; i < loaded.size(); ++i) {
+            ASSERT_EQ(Picture(loaded[i]), Picture(whole[90 + i])) << demo << " frame " << i;
+        }
+    }
+}
+
+TEST_F(Headless, WrongOptionsAreToldApart) {
+    const std::string game = demos.front();
+    EXPECT_EQ(Play({"demo:none"}).exitCode, 1);
+    EXPECT_EQ(Play({game, "--screenshot", "x.png"}).exitCode, 2);
+    EXPECT_EQ(Play({game, "--frames", "5", "--screenshot", "9=x.png"}).exitCode, 2);
+    EXPECT_EQ(Play({game, "--set", "nonsense=1"}).exitCode, 2);
+    EXPECT_EQ(Play({game, "--set", "console=toaster"}).exitCode, 2);
+    EXPECT_EQ(Play({game, "--frames", "1", "--peek", "zz"}).exitCode, 1);
+    EXPECT_EQ(Play({game, "--frames", "1", "--input", Path("missing")}).exitCode, 1);
+    EXPECT_EQ(Play({game, "--frames", "1", "--load-state", Path("missing")}).exitCode, 1);
+    folder.Write("bad-state", std::string_view("no state"));
+    const PROGRAM_RESULT bad = Play({game, "--frames", "1", "--load-state", Path("bad-state")});
+    EXPECT_EQ(bad.exitCode, 1);
+    EXPECT_THAT(bad.error, HasSubstr("bad-state: is no state of this machine"));
+}
+
+TEST_F(Headless, PeekAndDumpShowTheMachine) {
+    const std::string game = demos.front();
+    const PROGRAM_RESULT result = Play({game, "--frames", "30", "--peek", "0x0000:2", "--peek",
+                                        "0xC000", "--dump", "ram=" + Path("ram")});
+    ASSERT_EQ(result.exitCode, 0) << result.error;
+    // Two bytes in a line, one in the next.
+    EXPECT_EQ(result.output.size(), std::string("f3 31\n00\n").size());
+    const auto ram = folder.Read("ram");
+    EXPECT_EQ(ram.size(), 8192u);
+    char first[4];
+    std::snprintf(first, sizeof first, "%02x\n", ram[0]);
+    EXPECT_EQ(result.output.substr(6), first);
+}

@@ -1,0 +1,65 @@
+#include "front/machine_options.h"
+#include "library/convert.h"
+#include "library/game_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+using testing::HasSubstr;
+
+namespace {
+
+CGameFile GameWith(uint8_t features, uint32_t input1, uint32_t input2) {
+    SMS_RECORD sms{};
+    sms.features = features;
+    sms.input1 = input1;
+    sms.input2 = input2;
+    MACHINE_RECORD record{};
+    std::memcpy(record.bytes, &sms, sizeof sms);
+    CGameFile game;
+    const std::vector<uint8_t> image(16);
+    EXPECT_TRUE(BuildKnownGame(kSystemMasterSystem, "x", image, record, game));
+    game.selectedName = 0;
+    return game;
+}
+
+} // namespace
+
+TEST(MachineOptions, TheGamesRecordPresetsThem) {
+    const OptionBlock plain = DefaultMachineOptions(GameWith(0, 1, 1));
+    EXPECT_EQ(plain[1], 0);
+    EXPECT_EQ(plain[2], 0);
+    const OptionBlock fm = DefaultMachineOptions(GameWith(2, 2, 8));
+    EXPECT_EQ(fm[0], 8);
+    EXPECT_EQ(fm[1], 1);
+    EXPECT_EQ(fm[2], 0);
+    EXPECT_EQ(fm[3], 2);
+    EXPECT_EQ(fm[4], 8);
+    EXPECT_EQ(DefaultMachineOptions(GameWith(1, 1, 1))[2], 1);
+}
+
+TEST(MachineOptions, NamesSetTheirBytes) {
+    OptionBlock options{};
+    std::string error;
+    EXPECT_TRUE(SetMachineOption(1, "console", "sms2-pal", options, error));
+    EXPECT_EQ(options[0], 2);
+    EXPECT_TRUE(SetMachineOption(1, "console", "mark3", options, error));
+    EXPECT_EQ(options[0], 32);
+    EXPECT_TRUE(SetMachineOption(1, "port2", "6button", options, error));
+    EXPECT_EQ(options[4], 16);
+    EXPECT_TRUE(SetMachineOption(2, "link", "1", options, error));
+    EXPECT_EQ(options[1], 1);
+    EXPECT_TRUE(SetMachineOption(2, "full", "1", options, error));
+    EXPECT_EQ(options[2], 1);
+}
+
+TEST(MachineOptions, AWrongValueListsTheRightOnes) {
+    OptionBlock options{};
+    std::string error;
+    EXPECT_FALSE(SetMachineOption(1, "console", "saturn", options, error));
+    EXPECT_THAT(error, HasSubstr("sms1-pal|sms2-pal"));
+    EXPECT_FALSE(SetMachineOption(2, "console", "sms2-pal", options, error));
+    EXPECT_TRUE(error.empty()) << "another machine's option is no option here";
+}

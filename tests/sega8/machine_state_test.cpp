@@ -1,0 +1,330 @@
+// States of the three machines: sizes, order, sameness of what follows, damaged bytes.
+#include <gtest/gtest.h>
+
+#include "base/bytes.h"
+#include "host/machines.h"
+#include "sega8/game_gear.h"
+#include "sega8/machine_rig.h"
+#include "sega8/sms.h"
+#include "sega8/system_e.h"
+
+#include <random>
+
+namespace {
+
+// A restless program: fills video memory, scrolls by interrupt, plays, pokes all it can reach.
+// `dataPort` is that of the video chip, `soundPort` that of a PSG.
+Program Restless(int dataPort, int soundPort) {
+    const int control = dataPort + 1;
+    Program program;
+    program.Bytes({0xF3, 0xED, 0x56, 0x31, 0xF0, 0xDF, 0xC3, 0x80, 0x00});
+    program.At(0x38).Bytes({0xF5, 0xE5, 0xDB, control, 0x21, 0x80, 0xC1, 0x34, 0x7E});
+    program.Bytes({0xD3, control, 0x3E, 0x88, 0xD3, control}); // register 8: a counter
+    program.Bytes({0x7E, 0xE6, 0x3F, 0xD3, soundPort});        // pitch
+    program.Bytes({0xE1, 0xF1, 0xFB, 0xC9});
+    program.At(0x66).Bytes({0xED, 0x45});
+    program.At(0x80);
+    program.VdpRegister(control, 0, 0x34).VdpRegister(control, 1, 0x62);
+    program.VdpRegister(control, 10, 20);
+    for (int i = 0; i < 32; ++i) {
+        program.Out(control, i).Out(control, 0xC0).Out(dataPort, i * 7 & 0x3F);
+    }
+    program.Out(soundPort, 0x90).Out(soundPort, 0x8C).Out(soundPort, 0xE4).Out(soundPort, 0xF4);
+    program.Out(control, 0).Out(control, 0x40).Bytes({0xFB, 0x11, 0x34, 0x12});
+    const int loop = program.Here();
+    program.Bytes({0x7B, 0x82, 0x07, 0xAA, 0x57, 0x1C, 0xD3, dataPort});
+    program.Bytes({0x6B, 0x26, 0xC2, 0x77}); // ld l,e; ld h,0xC2; ld (hl),a
+    program.Bytes({0xC3, loop & 0xFF, loop >> 8});
+    return program;
+}
+
+struct CASE {
+    const char* name;
+    std::unique_ptr<CEmuSystem> (*start)();
+    std::vector<std::wstring> actions; // held in some of the frames
+    bool mixed;                        // two sound chips
+};
+
+std::unique_ptr<CEmuSystem> StartSms(SMS_OPTIONS options) {
+    CGameFile game = SmsGame(Restless(0xBE, 0x7F).Image());
+    return StartMachine<CSMS>(options, game);
+}
+
+std::unique_ptr<CEmuSystem> StartGear(bool linked) {
+    GEAR_OPTIONS options{};
+    options.gearToGear = linked ? 1 : 0;
+    CGameFile game = GearGame(Restless(0xBE, 0x7F).Image());
+    return StartMachine<CGAMEGEAR>(options, game);
+}
+
+std::unique_ptr<CEmuSystem> StartArcade(uint32_t board) {
+    CGameFile game = ArcadeGame(Restless(0xBE, 0x7B).Image(), board);
+    return StartMachine<CSEGAE>(std::array<uint8_t, 256>{}, game);
+}
+
+const CASE kCases[] = {
+    {"sms", [] { return StartSms({}); }, {L"SMS P1 UP", L"SMS PAUSE"}, false},
+    {"sms pal, fm, phaser, sports pad, glasses",
+     [] { return StartSms({kSms2Pal, 1, 1, {2, 4}, {}}); },
+     {L"SMS P1 LEFT", L"SMS P2 UP"},
+     true},
+    {"sms paddle, six buttons",
+     [] { return StartSms({kSms1Ntsc, 0, 0, {8, 16}, {}}); },
+     {L"SMS P1 LEFT", L"SMS P2 BUTTON3"},
+     false},
+    {"game gear", [] { return StartGear(false); }, {L"GG P1 UP", L"GG P1 START"}, false},
+    {"linked game gears", [] { return StartGear(true); }, {L"GG P1 UP", L"GG P2 START"}, true},
+    {"arcade, analog",
+     [] { return StartArcade(1); },
+     {L"Arcade P1 LEFT", L"Arcade P1 BUTTON1"},
+     true},
+    {"arcade, dial", [] { return StartArcade(4); }, {L"Arcade P1 RIGHT", L"Arcade Start1"}, true},
+};
+
+struct FRAME_RESULT {
+    uint64_t picture;
+    uint64_t sound;
+    uint32_t pairs;
+};
+
+// Runs frames with the same input for the same frame numbers.
+std::vector<FRAME_RESULT> Play(CEmuSystem& machine, const CASE& what, int from, int count) {
+    auto rig = std::make_unique<MACHINE_RIG>();
+    std::vector<FRAME_RESULT> results;
+    for (int frame = from; frame < from + count; ++frame) {
+        for (size_t i = 0; i < what.actions.size(); ++i) {
+            MACHINE_RIG::Press(what.actions[i], (static_cast<size_t>(frame) / 8 >> i & 1) != 0);
+        }
+        rig->Frame(machine);
+        results.push_back({rig->pictureHash, rig->soundHash, rig->audio.sampleCount});
+    }
+    return results;
+}
+
+struct SAVED {
+    StateBlob blob;
+    uint32_t size = 0;
+};
+
+SAVED Save(CEmuSystem& machine) {
+    SAVED saved;
+    saved.blob = machine.SaveState(saved.size);
+    return saved;
+}
+
+std::vector<uint32_t> PieceSizes(const SAVED& saved) {
+    std::vector<uint32_t> sizes;
+    for (uint32_t at = 0; at + 5 <= saved.size;) {
+        EXPECT_EQ(saved.blob[at], 1) << "version at " << at;
+        const auto size = LoadLittleEndian<uint32_t>(saved.blob.get() + at + 1);
+        sizes.push_back(size);
+        at += std::max(size, 5u);
+    }
+    return sizes;
+}
+
+} // namespace
+
+TEST(MachineState, SmsPiecesStandInTheirOrder) {
+    const SAVED saved = Save(*StartSms({}));
+    const std::vector<uint32_t> expected = {32849, 87, VdpStateSize(), PsgStateSize(), YmStateSize()};
+    EXPECT_EQ(PieceSizes(saved), expected);
+}
+
+TEST(MachineState, GearPiecesStandInTheirOrder) {
+    for (const bool linked : {false, true}) {
+        const std::vector<uint32_t> sizes = PieceSizes(Save(*StartGear(linked)));
+        const std::vector<uint32_t> chips = {87, VdpStateSize(), PsgStateSize(),
+                                             87, VdpStateSize(), PsgStateSize()};
+        ASSERT_EQ(sizes.size(), 7u);
+        EXPECT_EQ(std::vector<uint32_t>(sizes.begin() + 1, sizes.end()), chips);
+    }
+}
+
+TEST(MachineState, ArcadePiecesStandInTheirOrder) {
+    const SAVED saved = Save(*StartArcade(3));
+    // Header, two words, seven latches, the dial, four mapper words, memories.
+    constexpr uint32_t kBoard = 5 + 8 + 7 + 2 + 16 + 16384 + 32768 + 32768;
+    const std::vector<uint32_t> expected = {
+        kBoard, 87, VdpStateSize(), VdpStateSize(), PsgStateSize(), PsgStateSize()};
+    EXPECT_EQ(PieceSizes(saved), expected);
+}
+
+TEST(MachineState, SmsBoardBeginsWithTheEightPortLatches) {
+    const std::unique_ptr<CEmuSystem> machine = StartSms({0, 1, 0, {0, 0}, {}});
+    auto& sms = dynamic_cast<CSMS&>(*machine);
+    sms.WritePort(0xF0, 0x0E);
+    sms.WritePort(0xF2, 0x03);
+    sms.WritePort(0x3F, 0x55);
+    sms.WritePort(0x3E, 0xA3);
+    const SAVED saved = Save(sms);
+    const uint8_t expected[] = {0, 0x0E, 0x03, 0x55, 0xA3, 0, 0xFF, 0xFF};
+    for (size_t i = 0; i < 8; ++i) {
+        EXPECT_EQ(saved.blob[5 + i], expected[i]) << i;
+    }
+    EXPECT_EQ(saved.blob[13 + 68], 0xAB) << "the work RAM, behind 17 words";
+}
+
+TEST(MachineState, PicturesAfterLoadingAreThoseOfTheRunThatWentOn) {
+    for (const CASE& what : kCases) {
+        SCOPED_TRACE(what.name);
+        const auto machine = what.start();
+        Play(*machine, what, 0, 37);
+        const SAVED saved = Save(*machine);
+        const auto continued = Play(*machine, what, 37, 600);
+        const auto other = what.start();
+        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+        const auto loaded = Play(*other, what, 37, 600);
+        uint64_t continuedPairs = 0;
+        uint64_t loadedPairs = 0;
+        size_t different = 0;
+        for (size_t i = 0; i < 600; ++i) {
+            ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
+            continuedPairs += continued[i].pairs;
+            loadedPairs += loaded[i].pairs;
+            different += i != 0 && continued[i].picture != continued[i - 1].picture ? 1 : 0;
+        }
+        EXPECT_GT(different, 100u) << "pictures that tell something";
+        // The converter that starts afresh keeps some samples back, and one frame in all is the most.
+        EXPECT_NEAR(static_cast<double>(continuedPairs), static_cast<double>(loadedPairs), 740.0);
+    }
+}
+
+TEST(MachineState, SoundAfterLoadingIsAlwaysTheSame) {
+    for (const CASE& what : kCases) {
+        SCOPED_TRACE(what.name);
+        const auto machine = what.start();
+        Play(*machine, what, 0, 37);
+        const SAVED saved = Save(*machine);
+        ASSERT_TRUE(machine->LoadState(saved.blob.get(), saved.size));
+        const auto first = Play(*machine, what, 37, 120);
+        const auto other = what.start();
+        Play(*other, what, 0, 5);
+        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+        const auto second = Play(*other, what, 37, 120);
+        for (size_t i = 0; i < 120; ++i) {
+            ASSERT_EQ(first[i].pairs, second[i].pairs) << i;
+            ASSERT_EQ(first[i].sound, second[i].sound) << i;
+            ASSERT_EQ(first[i].picture, second[i].picture) << i;
+        }
+    }
+}
+
+TEST(MachineState, SavingDisturbsNothing) {
+    for (const CASE& what : kCases) {
+        SCOPED_TRACE(what.name);
+        const auto plain = what.start();
+        const auto saving = what.start();
+        for (int frame = 0; frame < 40; ++frame) {
+            const auto a = Play(*plain, what, frame, 1);
+            const auto b = Play(*saving, what, frame, 1);
+            ASSERT_EQ(a[0].picture, b[0].picture);
+            ASSERT_EQ(a[0].sound, b[0].sound);
+            const SAVED first = Save(*saving);
+            const SAVED second = Save(*saving);
+            ASSERT_EQ(first.size, second.size);
+            ASSERT_EQ(0, std::memcmp(first.blob.get(), second.blob.get(), first.size));
+        }
+    }
+}
+
+TEST(MachineState, LoadedStateIsSavedAlike) {
+    for (const CASE& what : kCases) {
+        SCOPED_TRACE(what.name);
+        const auto machine = what.start();
+        Play(*machine, what, 0, 37);
+        const SAVED saved = Save(*machine);
+        const auto other = what.start();
+        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+        const SAVED again = Save(*other);
+        ASSERT_EQ(saved.size, again.size);
+        EXPECT_EQ(0, std::memcmp(saved.blob.get(), again.blob.get(), saved.size));
+    }
+}
+
+TEST(MachineState, CutStateIsRefused) {
+    for (const CASE& what : kCases) {
+        SCOPED_TRACE(what.name);
+        const auto machine = what.start();
+        const SAVED saved = Save(*machine);
+        uint32_t at = 0;
+        for (const uint32_t size : PieceSizes(saved)) {
+            // A copy of just this length, so that a read past its end is seen by the sanitizer.
+            for (const uint32_t length : {at, at + 4, at + size - 1}) {
+                const std::vector<uint8_t> cut(saved.blob.get(), saved.blob.get() + length);
+                EXPECT_FALSE(machine->LoadState(cut.data(), length)) << length;
+            }
+            at += size;
+        }
+        EXPECT_EQ(at, saved.size);
+        EXPECT_TRUE(machine->LoadState(saved.blob.get(), saved.size));
+    }
+}
+
+TEST(MachineState, WrongVersionOrSizeOfAnyPieceIsRefused) {
+    for (const CASE& what : kCases) {
+        SCOPED_TRACE(what.name);
+        const auto machine = what.start();
+        const SAVED saved = Save(*machine);
+        uint32_t at = 0;
+        for (const uint32_t size : PieceSizes(saved)) {
+            for (uint32_t byte = 0; byte < 5; ++byte) {
+                saved.blob[at + byte] ^= 1;
+                EXPECT_FALSE(machine->LoadState(saved.blob.get(), saved.size)) << at << '+' << byte;
+                saved.blob[at + byte] ^= 1;
+            }
+            at += size;
+        }
+    }
+}
+
+TEST(MachineState, DamagedBytesLoadAndRunOrAreRefused) {
+    std::mt19937 random(1);
+    for (const CASE& what : kCases) {
+        SCOPED_TRACE(what.name);
+        const auto machine = what.start();
+        Play(*machine, what, 0, 3);
+        const SAVED saved = Save(*machine);
+        const std::vector<uint32_t> sizes = PieceSizes(saved);
+        for (int round = 0; round < 30; ++round) {
+            std::vector<uint8_t> damaged(saved.blob.get(), saved.blob.get() + saved.size);
+            uint32_t at = 0;
+            for (const uint32_t size : sizes) {
+                // The chips' fields wholly, the board's by its registers: its memories are any bytes.
+                const uint32_t fields = at == 0 ? std::min(size, 120u) : size;
+                for (uint32_t i = 5; i < fields; ++i) {
+                    if (round == 0) {
+                        damaged[at + i] = 0xFF;
+                    } else if (round % 2 == 1 || random() % 16 == 0) {
+                        damaged[at + i] = static_cast<uint8_t>(random());
+                    }
+                }
+                at += size;
+            }
+            if (machine->LoadState(damaged.data(), saved.size)) {
+                Play(*machine, what, 0, 2);
+            }
+        }
+        machine->Reset();
+        Play(*machine, what, 0, 1);
+    }
+}
+
+TEST(Machines, ListHoldsTheThreeMachines) {
+    const MACHINE_LIST& list = BuiltInMachines();
+    const struct {
+        uint32_t system;
+        const char* folder;
+    } rows[] = {
+        {1, ".\\sms"     },
+        {2, ".\\gamegear"},
+        {6, ""           },
+    };
+    for (const auto& row : rows) {
+        const auto found = std::find_if(list.machines.begin(), list.machines.end(),
+                                        [&](const auto& entry) { return entry.system == row.system; });
+        ASSERT_NE(found, list.machines.end());
+        EXPECT_STREQ(found->folder, row.folder);
+        EXPECT_EQ(found->construct(5)->sessionKey, 5u);
+    }
+}

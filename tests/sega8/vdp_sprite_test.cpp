@@ -1,0 +1,282 @@
+// Mode 4 sprites: search, limit, order, collision, sizes and their quirks.
+#include "sega8/vdp.h"
+#include "sega8/vdp_rig.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+namespace {
+
+// Tiles 1 to 15 solid in their colour, background colour 0.
+void Start(VdpRig& rig) {
+    rig.StartMode4();
+    for (uint8_t colour = 1; colour < 16; ++colour) {
+        rig.SolidTile(colour, colour);
+    }
+}
+
+// Runs a frame and gives the flags that it raised.
+uint8_t FlagsOfAFrame(VdpRig& rig) {
+    rig.Finish();
+    (void)VdpStatusRead(rig.vdp);
+    rig.Finish();
+    return VdpStatusRead(rig.vdp) & 0xE0;
+}
+
+constexpr uint8_t kFrame = 0x80;
+constexpr uint8_t kOverflow = 0x40;
+constexpr uint8_t kCollision = 0x20;
+
+} // namespace
+
+TEST(VdpSprites, BeginOnTheLineBelowTheirY) {
+    VdpRig rig;
+    Start(rig);
+    rig.Sprite(0, 0, 16, 1);
+    rig.Sprite(1, 255, 32, 2);
+    rig.Sprite(2, 0xF9, 48, 3); // the last row of this one is on line 1
+    rig.Sprite(3, 190, 64, 4);
+    rig.Frame();
+    EXPECT_EQ(rig.At(16, 0), SixBits(0));
+    EXPECT_EQ(rig.At(16, 1), SixBits(17));
+    EXPECT_EQ(rig.At(23, 8), SixBits(17));
+    EXPECT_EQ(rig.At(24, 8), SixBits(0));
+    EXPECT_EQ(rig.At(16, 9), SixBits(0));
+    EXPECT_EQ(rig.At(32, 0), SixBits(18));
+    EXPECT_EQ(rig.At(32, 7), SixBits(18));
+    EXPECT_EQ(rig.At(32, 8), SixBits(0));
+    EXPECT_EQ(rig.At(48, 1), SixBits(19));
+    EXPECT_EQ(rig.At(48, 2), SixBits(0));
+    EXPECT_EQ(rig.At(64, 190), SixBits(0));
+    EXPECT_EQ(rig.At(64, 191), SixBits(20));
+}
+
+TEST(VdpSprites, AllSixtyFourAreSearched) {
+    VdpRig rig;
+    Start(rig);
+    for (uint32_t sprite = 0; sprite < 64; ++sprite) {
+        rig.Sprite(sprite, sprite / 8 * 16 + 9, (sprite & 7) * 16 + 8, 1 + sprite % 15);
+    }
+    rig.Frame();
+    for (uint32_t sprite = 0; sprite < 64; ++sprite) {
+        ASSERT_EQ(rig.At((sprite & 7) * 16 + 8, sprite / 8 * 16 + 10), SixBits(17 + sprite % 15))
+            << sprite;
+    }
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame);
+}
+
+TEST(VdpSprites, Y208EndsTheListWith192LinesOnly) {
+    VdpRig rig;
+    Start(rig);
+    rig.Sprite(0, 100, 16, 1);
+    rig.Sprite(2, 100, 32, 2); // sprite 1 holds the end mark
+    rig.Frame();
+    EXPECT_EQ(rig.At(16, 101), SixBits(17));
+    EXPECT_EQ(rig.At(32, 101), SixBits(0));
+    rig.Reg(0, 0x06);
+    rig.Reg(1, 0x48); // the name table of 240 lines is empty as well
+    rig.Frame();
+    EXPECT_EQ(rig.At(16, 101), SixBits(17));
+    EXPECT_EQ(rig.At(32, 101), SixBits(18));
+}
+
+TEST(VdpSprites, NinthOnALineIsLeftOutAndFlagged) {
+    VdpRig rig;
+    Start(rig);
+    for (uint32_t sprite = 0; sprite < 8; ++sprite) {
+        rig.Sprite(sprite, 50, sprite * 16, 1);
+    }
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame);
+    rig.Sprite(8, 50, 200, 0); // an empty tile counts
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame | kOverflow);
+    rig.Sprite(8, 50, 200, 1);
+    rig.Frame();
+    EXPECT_EQ(rig.At(112, 51), SixBits(17));
+    EXPECT_EQ(rig.At(200, 51), SixBits(0));
+    // An end mark before the ninth stops the search.
+    rig.Sprite(9, 50, 200, 1);
+    rig.vram[0x3F08] = 0xD0;
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame);
+}
+
+TEST(VdpSprites, OverflowComesDuringTheLineBeforeAndNotOutsideThePicture) {
+    VdpRig rig;
+    Start(rig);
+    for (uint32_t sprite = 0; sprite < 9; ++sprite) {
+        rig.Sprite(sprite, 50, sprite * 16, 1);
+    }
+    rig.Frame();
+    (void)VdpStatusRead(rig.vdp);
+    // The search of the first sixteen for line 51 is the last thing on the line before line 50.
+    rig.RunTo(50, 320);
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
+    rig.RunTo(50, 0);
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x5F);
+    for (uint32_t sprite = 0; sprite < 9; ++sprite) {
+        rig.vram[0x3F00 + sprite] = 192; // first line 193
+    }
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame);
+    for (uint32_t sprite = 0; sprite < 9; ++sprite) {
+        rig.vram[0x3F00 + sprite] = 50;
+    }
+    rig.Reg(1, 0);
+    rig.Frame();
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame); // a blanked display searches nothing
+}
+
+TEST(VdpSprites, TheFirstOfTheListLiesOnTop) {
+    VdpRig rig;
+    Start(rig);
+    rig.Sprite(0, 50, 20, 1);
+    rig.Sprite(1, 50, 24, 2);
+    rig.Frame();
+    EXPECT_EQ(rig.At(23, 51), SixBits(17));
+    EXPECT_EQ(rig.At(27, 51), SixBits(17));
+    EXPECT_EQ(rig.At(28, 51), SixBits(18));
+}
+
+TEST(VdpSprites, PriorityTilesCoverThemExceptInColour0) {
+    VdpRig rig;
+    Start(rig);
+    rig.TileRow(16, 0, {5, 0, 5, 0, 5, 0, 5, 0});
+    rig.Name(1, 1, 16);
+    rig.Name(1, 2, 16 | 0x1000);
+    rig.Sprite(0, 7, 8, 1);
+    rig.Sprite(1, 7, 16, 1);
+    rig.Frame();
+    EXPECT_EQ(rig.At(8, 8), SixBits(17));
+    EXPECT_EQ(rig.At(9, 8), SixBits(17));
+    EXPECT_EQ(rig.At(16, 8), SixBits(5));
+    EXPECT_EQ(rig.At(17, 8), SixBits(17));
+}
+
+TEST(VdpSprites, CollisionIsRaisedAtTheDotWhereTwoMeet) {
+    VdpRig rig;
+    Start(rig);
+    rig.Sprite(0, 50, 100, 1);
+    rig.Sprite(1, 50, 104, 2);
+    rig.Frame();
+    rig.RunTo(51, 11 + 104);
+    (void)VdpStatusRead(rig.vdp);
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
+    rig.Steps(2);
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x3F);
+}
+
+TEST(VdpSprites, CollisionCountsBehindTilesButNotEmptyOrOffTheScreen) {
+    VdpRig rig;
+    Start(rig);
+    rig.Sprite(0, 50, 100, 1);
+    rig.Sprite(1, 50, 108, 2);
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame); // side by side
+    rig.Sprite(1, 50, 100, 0);
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame); // an empty tile
+    rig.Sprite(1, 50, 107, 2);
+    for (uint32_t column = 0; column < 32; ++column) {
+        rig.Name(6, column, 3 | 0x1000);
+        rig.Name(7, column, 3 | 0x1000);
+    }
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame | kCollision);
+    EXPECT_EQ(rig.At(107, 51), SixBits(3));
+    rig.Reg(0, 0x0C); // eight to the left: both end at the edge
+    rig.Sprite(0, 50, 0, 1);
+    rig.Sprite(1, 50, 0, 2);
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame);
+    rig.Sprite(0, 50, 1, 1);
+    rig.Sprite(1, 50, 1, 2);
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame | kCollision);
+}
+
+TEST(VdpSprites, DoNotWrapAtEitherEdge) {
+    VdpRig rig;
+    Start(rig);
+    rig.Sprite(0, 50, 252, 1);
+    rig.Frame();
+    EXPECT_EQ(rig.At(255, 51), SixBits(17));
+    EXPECT_EQ(rig.At(0, 51), SixBits(0));
+    rig.Reg(0, 0x0C);
+    rig.Sprite(0, 50, 4, 1);
+    rig.Frame();
+    EXPECT_EQ(rig.At(0, 51), SixBits(17));
+    EXPECT_EQ(rig.At(3, 51), SixBits(17));
+    EXPECT_EQ(rig.At(4, 51), SixBits(0));
+    EXPECT_EQ(rig.At(255, 51), SixBits(0));
+}
+
+TEST(VdpSprites, SixteenRowsDropTileBit0AndRegister6SelectsTheUpperTiles) {
+    VdpRig rig;
+    Start(rig);
+    rig.SolidTile(256 + 4, 9);
+    rig.SolidTile(256 + 5, 10);
+    rig.Sprite(0, 50, 100, 5);
+    rig.Frame();
+    EXPECT_EQ(rig.At(100, 58), SixBits(21));
+    EXPECT_EQ(rig.At(100, 59), SixBits(0));
+    rig.Reg(1, 0x42);
+    rig.Frame();
+    EXPECT_EQ(rig.At(100, 51), SixBits(20));
+    EXPECT_EQ(rig.At(100, 58), SixBits(20));
+    EXPECT_EQ(rig.At(100, 59), SixBits(21));
+    EXPECT_EQ(rig.At(100, 66), SixBits(21));
+    EXPECT_EQ(rig.At(100, 67), SixBits(0));
+    rig.Reg(6, 0xFF);
+    rig.Frame();
+    EXPECT_EQ(rig.At(100, 51), SixBits(25));
+    EXPECT_EQ(rig.At(100, 59), SixBits(26));
+}
+
+TEST(VdpSprites, ZoomDoublesBothWaysButSidewaysOnlyFourOnTheFirstChip) {
+    for (const uint32_t variant : {kVdpFirst, kVdpSecond}) {
+        VdpRig rig(variant);
+        Start(rig);
+        rig.TileRow(20, 0, {1, 2, 3, 4, 5, 6, 7, 8});
+        rig.TileRow(20, 1, {8, 7, 6, 5, 4, 3, 2, 1});
+        for (uint32_t sprite = 0; sprite < 5; ++sprite) {
+            rig.Sprite(sprite, 50, sprite * 32, 20);
+        }
+        rig.Reg(1, 0x41);
+        rig.Frame();
+        for (uint32_t dot = 0; dot < 16; ++dot) {
+            EXPECT_EQ(rig.At(96 + dot, 51), SixBits(17 + dot / 2));
+            EXPECT_EQ(rig.At(96 + dot, 52), SixBits(17 + dot / 2));
+            EXPECT_EQ(rig.At(96 + dot, 53), SixBits(24 - dot / 2));
+            const uint32_t narrow = dot < 8 ? SixBits(17 + dot) : SixBits(0);
+            EXPECT_EQ(rig.At(128 + dot, 52), variant == kVdpFirst ? narrow : SixBits(17 + dot / 2));
+        }
+        EXPECT_EQ(rig.At(96, 54), SixBits(24));
+        EXPECT_EQ(rig.At(96, 55), SixBits(0));
+    }
+}
+
+// The real first chip would take X and tile from the lower half of the table; here only an address
+// bit of the Y words is cleared, which is clear anyway.
+TEST(VdpSprites, TableIsTheSameWithRegister5Bit0OnEveryChip) {
+    for (const uint32_t variant : {kVdpFirst, kVdpSecond, kVdpGameGear}) {
+        VdpRig rig(variant);
+        Start(rig);
+        rig.Sprite(0, 50, 100, 1);
+        rig.Colour(17, 17);
+        rig.Colour(0x22, 17); // entry 17 of a Game Gear
+        rig.Colour(0x23, 0);
+        rig.Frame();
+        const uint32_t shown = rig.At(100, 51);
+        EXPECT_NE(shown, rig.At(90, 51));
+        rig.Reg(5, 0xFE);
+        rig.Frame();
+        EXPECT_EQ(rig.At(100, 51), shown);
+        EXPECT_EQ(rig.vdp.foundCount, 0);
+    }
+}
+
+TEST(VdpSprites, TableBaseIsBits1To6OfRegister5) {
+    VdpRig rig;
+    Start(rig);
+    rig.Reg(5, 0x81 | 0x20); // 0x1000
+    rig.vram[0x1000] = 50;
+    rig.vram[0x1001] = 0xD0;
+    rig.vram[0x1080] = 77;
+    rig.vram[0x1081] = 3;
+    rig.Frame();
+    EXPECT_EQ(rig.At(77, 51), SixBits(19));
+}

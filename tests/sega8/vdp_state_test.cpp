@@ -1,0 +1,145 @@
+// States: at any dot, and of whatever bytes.
+#include "base/bytes.h"
+#include "sega8/vdp.h"
+#include "sega8/vdp_rig.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+namespace {
+
+void Randomize(VdpRig& rig, std::mt19937& random) {
+    for (uint8_t& byte : rig.vram) {
+        byte = static_cast<uint8_t>(random());
+    }
+}
+
+void SetUp(VdpRig& rig, uint32_t reg0, uint32_t reg1) {
+    std::mt19937 random(reg0 * 256 + reg1);
+    Randomize(rig, random);
+    const uint32_t values[11] = {reg0, reg1, 0xFF, 0xFF, 0x03, 0xFF, 0xFF, 5, 3, 77, 9};
+    for (uint32_t i = 0; i < 11; ++i) {
+        rig.Reg(i, values[i]);
+    }
+    for (uint32_t i = 0; i < 64; ++i) {
+        rig.Colour(i, random() & 255);
+    }
+}
+
+std::vector<uint8_t> Save(const VDP& vdp) {
+    std::vector<uint8_t> state(VdpStateSize());
+    EXPECT_EQ(VdpSaveState(vdp, state.data()), state.data() + state.size());
+    return state;
+}
+
+// One frame more, with accesses of a processor in it.
+void Play(VdpRig& rig) {
+    rig.Address(1, 0x0400);
+    VdpDataWrite(rig.vdp, 0x3C);
+    rig.Finish();
+}
+
+void CompareThreeFrames(uint32_t variant, bool pal, uint32_t reg0, uint32_t reg1,
+                        const std::vector<uint32_t>& moments) {
+    for (const uint32_t moment : moments) {
+        VdpRig first(variant, pal);
+        SetUp(first, reg0, reg1);
+        first.Finish();
+        first.Steps(moment);
+        first.Address(1, 0x0200);
+        VdpDataWrite(first.vdp, 0xA5);
+        first.Steps(moment % 7);
+        VdpRig second(variant, pal);
+        const std::vector<uint8_t> state = Save(first.vdp);
+        ASSERT_EQ(VdpLoadState(second.vdp, state.data(), VdpStateSize()), VdpStateSize());
+        second.vram = first.vram;
+        second.vdp.vram = second.vram.data();
+        second.pixels = first.pixels;
+        VdpBeginFrame(second.vdp, second.pixels.data(), kRigWidth);
+        EXPECT_EQ(second.irq, first.irq);
+        for (uint32_t frame = 0; frame < 3; ++frame) {
+            Play(first);
+            Play(second);
+            ASSERT_EQ(first.pixels, second.pixels) << moment << " " << frame;
+        }
+        ASSERT_EQ(Save(first.vdp), Save(second.vdp)) << moment;
+        ASSERT_EQ(first.vram, second.vram) << moment;
+    }
+}
+
+std::vector<uint32_t> Every(uint32_t first, uint32_t step, uint32_t end) {
+    std::vector<uint32_t> moments;
+    for (; first < end; first += step) {
+        moments.push_back(first);
+    }
+    return moments;
+}
+
+} // namespace
+
+TEST(VdpState, IsAPieceOfTheCommonForm) {
+    VdpRig rig;
+    const std::vector<uint8_t> state = Save(rig.vdp);
+    EXPECT_EQ(state[0], 1);
+    EXPECT_EQ(LoadLittleEndian<uint32_t>(&state[1]), state.size());
+    std::vector<uint8_t> longer = state;
+    longer.push_back(0);
+    const auto size = static_cast<uint32_t>(state.size());
+    EXPECT_EQ(VdpLoadState(rig.vdp, longer.data(), size + 1), size);
+    EXPECT_EQ(VdpLoadState(rig.vdp, state.data(), size - 1), 0U);
+    EXPECT_EQ(VdpLoadState(rig.vdp, state.data(), 0), 0U);
+    std::vector<uint8_t> other = state;
+    other[0] = 2;
+    EXPECT_EQ(VdpLoadState(rig.vdp, other.data(), size), 0U);
+    other = state;
+    other[1] = static_cast<uint8_t>(other[1] + 1);
+    EXPECT_EQ(VdpLoadState(rig.vdp, other.data(), size), 0U);
+}
+
+TEST(VdpState, RestoresAtEveryDotOfALine) {
+    CompareThreeFrames(kVdpSecond, false, 0x24, 0x63, Every(100 * 684, 26, 101 * 684));
+}
+
+TEST(VdpState, RestoresAllOverAFrame) {
+    CompareThreeFrames(kVdpSecond, false, 0x14, 0x62, Every(0, 7919, 262 * 684));
+    CompareThreeFrames(kVdpSecond, true, 0x06, 0x68, Every(5, 30011, 313 * 684));
+    CompareThreeFrames(kVdpFirst, false, 0x04, 0x60, Every(11, 30011, 262 * 684));
+    CompareThreeFrames(kVdpGameGear, false, 0x06, 0x70, Every(17, 30011, 262 * 684));
+}
+
+TEST(VdpState, RestoresInTheOlderModes) {
+    CompareThreeFrames(kVdpFirst, false, 0x00, 0x62, Every(3, 30011, 262 * 684));
+    CompareThreeFrames(kVdpSecond, false, 0x00, 0x70, Every(7, 30011, 262 * 684));
+    CompareThreeFrames(kVdpSecond, false, 0x02, 0x61, Every(70 * 684, 40, 71 * 684));
+}
+
+// Nothing may be read or written outside, which the sanitizers watch, and the frame comes to its end.
+TEST(VdpState, ArbitraryBytesStayInBounds) {
+    std::mt19937 random(1);
+    for (uint32_t round = 0; round < 60; ++round) {
+        VdpRig rig(round % 3, (round & 1) != 0);
+        rig.vdp.secondChip = round % 5 == 0;
+        Randomize(rig, random);
+        std::vector<uint8_t> state = Save(rig.vdp);
+        for (size_t i = 5; i < state.size(); ++i) {
+            state[i] = static_cast<uint8_t>(round == 0 ? 255U : random());
+        }
+        ASSERT_NE(VdpLoadState(rig.vdp, state.data(), VdpStateSize()), 0U);
+        VdpBeginFrame(rig.vdp, rig.pixels.data(), kRigWidth);
+        uint32_t steps = 0;
+        while (!rig.vdp.frameDone) {
+            VdpTick(rig.vdp);
+            ASSERT_LE(++steps, 314U * 684);
+        }
+        VdpBeginFrame(rig.vdp, rig.pixels.data(), kRigWidth);
+        (void)VdpDataRead(rig.vdp);
+        (void)VdpVCounter(rig.vdp);
+        rig.Finish();
+        for (size_t i = size_t{240} * kRigWidth; i < rig.pixels.size(); ++i) {
+            ASSERT_EQ(rig.pixels[i], kUntouched);
+        }
+    }
+}

@@ -1,0 +1,383 @@
+// Published single-instruction cases: registers, memory, ports and the clock count, before and after.
+#include "sega8/z80.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr size_t kFailuresShown = 20;
+
+// In the order of the file.
+enum CaseRegister : size_t {
+    kPc,
+    kSp,
+    kAf,
+    kBc,
+    kDe,
+    kHl,
+    kIx,
+    kIy,
+    kAfPrime,
+    kBcPrime,
+    kDePrime,
+    kHlPrime,
+    kI,
+    kR,
+    kIm,
+    kIff1,
+    kIff2,
+    kCaseRegisterCount
+};
+
+constexpr std::array<Z80Register, kI> kWords{kZ80Pc,      kZ80Sp,      kZ80Af,      kZ80Bc,
+                                             kZ80De,      kZ80Hl,      kZ80Ix,      kZ80Iy,
+                                             kZ80AfPrime, kZ80BcPrime, kZ80DePrime, kZ80HlPrime};
+constexpr std::array<const char*, kCaseRegisterCount> kNames{
+    "PC",  "SP",  "AF",  "BC", "DE", "HL", "IX",   "IY",  "AF'",
+    "BC'", "DE'", "HL'", "I",  "R",  "IM", "IFF1", "IFF2"};
+
+struct CELL {
+    uint32_t address;
+    uint32_t value;
+};
+
+struct SNAPSHOT {
+    std::array<uint32_t, kCaseRegisterCount> registers{};
+    std::vector<CELL> memory;
+};
+
+struct PORT_ACCESS {
+    uint32_t port;
+    uint32_t value;
+    char kind;
+};
+
+struct CASE {
+    std::string opcode; // hexadecimal digits in lower case; "__" is the displacement
+    std::string title;
+    uint32_t clocks = 0;
+    SNAPSHOT before;
+    SNAPSHOT after;
+    std::vector<PORT_ACCESS> ports;
+};
+
+std::filesystem::path VectorFile() {
+    const char* named =
+        std::getenv("OMBRELUNE_VECTORS"); // NOLINT(concurrency-mt-unsafe): one thread
+    const std::filesystem::path folder =
+        named != nullptr
+            ? std::filesystem::path(named)
+            : std::filesystem::path(OMBRELUNE_SOURCE_FOLDER) / ".." / "shared" / "vectors";
+    return folder / "z80.txt.gz";
+}
+
+uint32_t Hex(const std::string& text) {
+    return static_cast<uint32_t>(std::stoul(text, nullptr, 16));
+}
+
+SNAPSHOT ParseSnapshot(std::istringstream& line) {
+    SNAPSHOT snapshot;
+    std::string word;
+    for (uint32_t& value : snapshot.registers) {
+        line >> word;
+        value = Hex(word);
+    }
+    line >> word; // the bar
+    while (line >> word) {
+        const size_t colon = word.find(':');
+        snapshot.memory.push_back({Hex(word.substr(0, colon)), Hex(word.substr(colon + 1))});
+    }
+    return snapshot;
+}
+
+std::vector<PORT_ACCESS> ParsePorts(std::istringstream& line) {
+    std::vector<PORT_ACCESS> ports;
+    std::string word;
+    while (line >> word) {
+        const size_t first = word.find(':');
+        const size_t second = word.find(':', first + 1);
+        ports.push_back({Hex(word.substr(0, first)),
+                         Hex(word.substr(first + 1, second - first - 1)), word[second + 1]});
+    }
+    return ports;
+}
+
+// Hands every case of the file to `run`; gives false if it cannot be read.
+bool ForEachCase(const std::filesystem::path& path, const std::function<void(const CASE&)>& run) {
+    gzFile file = gzopen(path.c_str(), "rb");
+    if (file == nullptr) {
+        return false;
+    }
+    std::array<char, 16384> buffer{};
+    CASE current;
+    bool isFilled = false;
+    while (gzgets(file, buffer.data(), static_cast<int>(buffer.size())) != nullptr) {
+        std::istringstream line(buffer.data());
+        std::string kind;
+        line >> kind;
+        if (kind == "T") {
+            if (isFilled) {
+                run(current);
+            }
+            current = CASE{};
+            isFilled = true;
+            std::string index;
+            line >> current.opcode >> index >> current.clocks;
+            current.title = current.opcode + " number " + index;
+        } else if (kind == "I") {
+            current.before = ParseSnapshot(line);
+        } else if (kind == "F") {
+            current.after = ParseSnapshot(line);
+        } else if (kind == "P") {
+            current.ports = ParsePorts(line);
+        }
+    }
+    if (isFilled) {
+        run(current);
+    }
+    gzclose(file);
+    return true;
+}
+
+// Answers port reads from the case and keeps what was accessed.
+struct CASE_BUS {
+    const CASE& expected;
+    std::vector<uint8_t>& memory;
+    std::vector<uint16_t> written;
+    std::vector<PORT_ACCESS> ports;
+
+    uint8_t Read(uint16_t address) const { return memory[address]; }
+    uint8_t ReadOpcode(uint16_t address) const { return memory[address]; }
+    void Write(uint16_t address, uint8_t value) {
+        memory[address] = value;
+        written.push_back(address);
+    }
+    uint8_t IoRead(uint16_t port) {
+        const size_t index = ports.size();
+        const uint32_t value = index < expected.ports.size() ? expected.ports[index].value : 0;
+        ports.push_back({port, value, 'r'});
+        return static_cast<uint8_t>(value);
+    }
+    void IoWrite(uint16_t port, uint8_t value) { ports.push_back({port, value, 'w'}); }
+};
+
+Z80 Prepare(const SNAPSHOT& before) {
+    Z80 z80;
+    Z80Init(z80, nullptr, nullptr, nullptr, nullptr, nullptr);
+    Z80Reset(z80);
+    for (size_t i = 0; i < kWords.size(); ++i) {
+        z80.regs[kWords[i]] = before.registers[i];
+    }
+    z80.i = before.registers[kI];
+    z80.r7 = before.registers[kR] & 0x7F;
+    z80.r8 = before.registers[kR] & 0x80;
+    z80.im = before.registers[kIm];
+    z80.iff1 = before.registers[kIff1];
+    z80.iff2 = before.registers[kIff2];
+    return z80;
+}
+
+std::array<uint32_t, kCaseRegisterCount> Registers(const Z80& z80) {
+    std::array<uint32_t, kCaseRegisterCount> registers{};
+    for (size_t i = 0; i < kWords.size(); ++i) {
+        registers[i] = z80.regs[kWords[i]] & 0xFFFF;
+    }
+    registers[kI] = z80.i;
+    registers[kR] = (z80.r7 & 0x7F) | z80.r8;
+    registers[kIm] = z80.im;
+    registers[kIff1] = z80.iff1;
+    registers[kIff2] = z80.iff2;
+    return registers;
+}
+
+bool IsIndexedBits(const std::string& opcode) {
+    return opcode.size() == 8;
+}
+
+// The opcode without a DD or FD that stands before a whole table.
+std::string Plain(const std::string& opcode) {
+    const bool hasIndex = opcode.starts_with("dd") || opcode.starts_with("fd");
+    return hasIndex && opcode.size() == 4 ? opcode.substr(2) : opcode;
+}
+
+// Flag bits in which this chip differs from the real part on purpose.
+uint32_t FlagsLeftOut(const CASE& test) {
+    constexpr uint32_t kXAndY = kZ80FlagX | kZ80FlagY;
+    const std::string opcode = Plain(test.opcode);
+    if (opcode == "37" || opcode == "3f") { // SCF, CCF
+        return kXAndY;
+    }
+    if (opcode.size() == 4 && opcode.starts_with("cb")) {
+        const uint32_t code = Hex(opcode.substr(2));
+        return (code & 0xC7) == 0x46 ? kXAndY : 0; // BIT n,(HL)
+    }
+    const bool isRepeated = test.after.registers[kPc] == test.before.registers[kPc];
+    if (isRepeated &&
+        (opcode == "edb0" || opcode == "edb8" || opcode == "edb1" || opcode == "edb9")) {
+        return kXAndY;
+    }
+    if (isRepeated &&
+        (opcode == "edb2" || opcode == "edba" || opcode == "edb3" || opcode == "edbb")) {
+        return 0xFF;
+    }
+    return 0;
+}
+
+// The register that a DD CB or FD CB form names keeps its value.
+void KeepNamedRegister(const CASE& test, std::array<uint32_t, kCaseRegisterCount>& expected) {
+    const uint32_t code = Hex(test.opcode.substr(6));
+    const uint32_t name = code & 7;
+    if ((code & 0xC0) == 0x40 || name == 6) {
+        return;
+    }
+    static constexpr std::array<CaseRegister, 8> kHolders{kBc, kBc, kDe, kDe, kHl, kHl, kAf, kAf};
+    const bool isHigh = name == 7 || name % 2 == 0;
+    const uint32_t kept = isHigh ? 0xFF00 : 0x00FF;
+    uint32_t& word = expected[kHolders[name]];
+    word = (word & ~kept) | (test.before.registers[kHolders[name]] & kept);
+}
+
+std::array<uint32_t, kCaseRegisterCount> Expected(const CASE& test) {
+    auto expected = test.after.registers;
+    if (IsIndexedBits(test.opcode)) {
+        KeepNamedRegister(test, expected);
+    } else if (Plain(test.opcode) == "76") { // HALT keeps PC on its opcode.
+        expected[kPc] = (expected[kPc] - 1) & 0xFFFF;
+    }
+    return expected;
+}
+
+// What is wrong with the registers; empty if nothing is.
+std::string CompareRegisters(const CASE& test, const Z80& z80) {
+    auto actual = Registers(z80);
+    auto expected = Expected(test);
+    const uint32_t leftOut = FlagsLeftOut(test);
+    actual[kAf] &= ~leftOut;
+    expected[kAf] &= ~leftOut;
+    std::ostringstream wrong;
+    for (size_t i = 0; i < kCaseRegisterCount; ++i) {
+        if (actual[i] != expected[i]) {
+            wrong << " " << kNames[i] << std::hex << " is " << actual[i] << ", not " << expected[i];
+        }
+    }
+    return wrong.str();
+}
+
+std::string CompareMemory(const CASE& test, const CASE_BUS& bus) {
+    std::ostringstream wrong;
+    wrong << std::hex;
+    for (const CELL& cell : test.after.memory) {
+        if (bus.memory[cell.address] != cell.value) {
+            wrong << " [" << cell.address << "] is " << uint32_t{bus.memory[cell.address]}
+                  << ", not " << cell.value;
+        }
+    }
+    for (const uint16_t address : bus.written) {
+        bool isListed = false;
+        for (const CELL& cell : test.after.memory) {
+            isListed = isListed || cell.address == address;
+        }
+        if (!isListed) {
+            wrong << " [" << address << "] is written";
+        }
+    }
+    return wrong.str();
+}
+
+std::string ComparePorts(const CASE& test, const CASE_BUS& bus) {
+    bool isSame = bus.ports.size() == test.ports.size();
+    for (size_t i = 0; isSame && i < bus.ports.size(); ++i) {
+        isSame = bus.ports[i].port == test.ports[i].port &&
+                 bus.ports[i].value == test.ports[i].value &&
+                 bus.ports[i].kind == test.ports[i].kind;
+    }
+    return isSame ? "" : " ports differ";
+}
+
+// Runs one case and says what is wrong with it.
+std::string Run(const CASE& test, std::vector<uint8_t>& memory) {
+    constexpr uint32_t kLimit = 64;
+    for (const CELL& cell : test.before.memory) {
+        memory[cell.address] = static_cast<uint8_t>(cell.value);
+    }
+    Z80 z80 = Prepare(test.before);
+    CASE_BUS bus{test, memory, {}, {}};
+    uint32_t clocks = 0;
+    do {
+        Z80TickOn(z80, bus);
+        ++clocks;
+    } while (clocks < kLimit && (z80.queueIndex != 0 || z80.prefix != kZ80NoPrefix));
+    std::string wrong =
+        CompareRegisters(test, z80) + CompareMemory(test, bus) + ComparePorts(test, bus);
+    if (clocks != test.clocks) {
+        wrong += " takes " + std::to_string(clocks) + " clocks, not " + std::to_string(test.clocks);
+    }
+    for (const CELL& cell : test.before.memory) {
+        memory[cell.address] = 0;
+    }
+    for (const uint16_t address : bus.written) {
+        memory[address] = 0;
+    }
+    return wrong;
+}
+
+// Runs the cases that `chosen` picks and asks that all of them pass.
+void RunCases(const std::function<bool(const std::string& opcode)>& chosen) {
+    const std::filesystem::path path = VectorFile();
+    if (!std::filesystem::exists(path)) {
+        GTEST_SKIP() << "no single-instruction cases at " << path;
+    }
+    std::vector<uint8_t> memory(0x10000, 0);
+    size_t count = 0;
+    size_t failures = 0;
+    const bool isRead = ForEachCase(path, [&](const CASE& test) {
+        if (!chosen(test.opcode)) {
+            return;
+        }
+        ++count;
+        const std::string wrong = Run(test, memory);
+        if (!wrong.empty() && ++failures <= kFailuresShown) {
+            ADD_FAILURE() << test.title << ":" << wrong;
+        }
+    });
+    ASSERT_TRUE(isRead) << path;
+    EXPECT_GT(count, 0U) << path;
+    EXPECT_EQ(failures, 0U) << "of " << count << " cases";
+    testing::Test::RecordProperty("cases", static_cast<int>(count));
+    std::printf("%zu cases, %zu of them fail\n", count, failures);
+}
+
+} // namespace
+
+TEST(Z80Vectors, BaseTablePasses) {
+    RunCases([](const std::string& opcode) { return opcode.size() == 2; });
+}
+
+TEST(Z80Vectors, BitTablePasses) {
+    RunCases(
+        [](const std::string& opcode) { return opcode.size() == 4 && opcode.starts_with("cb"); });
+}
+
+TEST(Z80Vectors, ExtendedTablePasses) {
+    RunCases(
+        [](const std::string& opcode) { return opcode.size() == 4 && opcode.starts_with("ed"); });
+}
+
+TEST(Z80Vectors, IndexTablesPass) {
+    RunCases([](const std::string& opcode) {
+        return opcode.size() == 4 && (opcode.starts_with("dd") || opcode.starts_with("fd"));
+    });
+}
+
+TEST(Z80Vectors, IndexedBitTablesPass) {
+    RunCases([](const std::string& opcode) { return opcode.size() == 8; });
+}

@@ -35,8 +35,8 @@ std::unique_ptr<PSG> PlayingPsg() {
     auto psg = std::make_unique<PSG>();
     PsgInit(*psg, kClock, 1, true);
     PsgReset(*psg);
-    for (const uint8_t value : {0x8E, 0x0F, 0x90, 0xA3, 0x12, 0xB2, 0xC5, 0x22, 0xD4, 0xE4, 0xF3}) {
-        PsgWrite(*psg, value);
+    for (const int value : {0x8E, 0x0F, 0x90, 0xA3, 0x12, 0xB2, 0xC5, 0x22, 0xD4, 0xE4, 0xF3}) {
+        PsgWrite(*psg, static_cast<uint8_t>(value));
     }
     return psg;
 }

@@ -1,6 +1,8 @@
 // States of any bytes, loaded into each of the 8-bit machines of Sega, and a frame run after it. The first
 // byte picks the machine; the rest is a state, or, as whole states are long, a patch: bytes that are
-// laid over a good one from the offset that the next two bytes name.
+// laid over the fields of a good one, from the offset before its end that the next two bytes name.
+#include "base/bytes.h"
+#include "host/state_piece.h"
 #include "library/game_file.h"
 #include "sega8/game_gear.h"
 #include "sega8/sms.h"
@@ -66,6 +68,14 @@ std::vector<PLAYER> StartAll() {
     return players;
 }
 
+// Puts every piece's version and size back, so that a patch reaches the fields of all chips.
+void MendHeaders(std::vector<uint8_t>& state, const std::vector<uint8_t>& good) {
+    for (size_t at = 0; at + kStatePieceHeader <= good.size();
+         at += LoadLittleEndian<uint32_t>(good.data() + at + 1)) {
+        std::memcpy(state.data() + at, good.data() + at, kStatePieceHeader);
+    }
+}
+
 void RunFrame(CEmuSystem& machine) {
     // Just as much as the host allocates, so that the sanitizer sees a write behind it.
     const auto pixels = std::make_unique<uint32_t[]>(size_t{machine.width} * machine.height);
@@ -101,6 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const size_t offset = (data[1] | size_t{data[2]} << 8) % state.size();
         const size_t count = std::min(size - 3, offset);
         std::memcpy(state.data() + state.size() - offset, data + 3, count);
+        MendHeaders(state, player.good);
     }
     static_cast<void>(player.machine->LoadState(state.data(), static_cast<uint32_t>(state.size())));
     RunFrame(*player.machine);

@@ -4,6 +4,7 @@
 #include "host/state_piece.h"
 #include "library/game_file.h"
 #include "sega8/game_image.h"
+#include "sega8/late_chips.h"
 #include "sega8/sound_frame.h"
 #include "sega8/state_pieces.h"
 
@@ -13,6 +14,8 @@
 #include <utility>
 
 namespace {
+
+constexpr uint32_t kVdpStepsPerRound = 3; // a round is a Z80 clock
 
 constexpr uint32_t kPsgClock = 3579545; // Hz
 constexpr uint32_t kStackStart = 0xDFF0;
@@ -69,6 +72,33 @@ inline void ConsoleTick(GEAR_CONSOLE& console) {
     Z80TickOn(console.z80, bus);
     PsgTick(console.psg);
     VdpTick(console.vdp);
+    GearLinkTick(console.link);
+    console.z80.irqLine = console.irqOut;
+}
+
+// The same with chips that may be late: every port is touched by a console that is up to date.
+struct GEAR_LATE_BUS {
+    GEAR_BUS bus;
+    LATE_CHIPS& late;
+
+    uint8_t Read(uint16_t address) { return bus.Read(address); }
+    uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
+    void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
+    uint8_t IoRead(uint16_t port) {
+        late.CatchUp();
+        return bus.IoRead(port);
+    }
+    void IoWrite(uint16_t port, uint8_t value) {
+        late.CatchUp();
+        bus.IoWrite(port, value);
+    }
+};
+
+inline void LateConsoleTick(GEAR_CONSOLE& console, GEAR_LATE_BUS& bus) {
+    bus.late.vdpSteps += 2;
+    Z80TickOn(console.z80, bus);
+    ++bus.late.soundClocks;
+    ++bus.late.vdpSteps;
     GearLinkTick(console.link);
     console.z80.irqLine = console.irqOut;
 }
@@ -258,11 +288,11 @@ void CGAMEGEAR::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video,
     PSG& first = consoles[0].psg;
     PSG& second = consoles[1].psg;
     if (consoleCount == 1) {
-        RunOne();
+        RunRounds();
         PsgFlush(first);
         TakeSound(first.resampler, *audio);
     } else {
-        RunTwo();
+        RunRounds();
         PsgFlush(first);
         PsgFlush(second);
         MixSound(first.resampler, second.resampler, kAudioFramePairs * 2, *audio,
@@ -271,19 +301,52 @@ void CGAMEGEAR::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video,
     FinishPicture(*video);
 }
 
-void CGAMEGEAR::RunOne() {
-    GEAR_CONSOLE& console = consoles[0];
-    while (!console.vdp.frameDone) {
-        ConsoleTick(console);
+void CGAMEGEAR::RunRounds() {
+    if (stepByStep) {
+        RunStepByStep();
+    } else {
+        RunCatchingUp();
     }
 }
 
-// The consoles come out of Reset together and so end their frames together. A state may have them
-// apart; the first one's frame counts then.
-void CGAMEGEAR::RunTwo() {
+// Every chip in every round; two consoles take turns, a Z80 clock each. They come out of Reset together
+// and so end their frames together. A state may have them apart; the first one's frame counts then.
+void CGAMEGEAR::RunStepByStep() {
     while (!consoles[0].vdp.frameDone) {
-        ConsoleTick(consoles[0]);
-        ConsoleTick(consoles[1]);
+        for (uint32_t i = 0; i < consoleCount; ++i) {
+            ConsoleTick(consoles[i]);
+        }
+    }
+}
+
+// The same frame with VDP and PSG catching up when a port of their console is touched; the round in
+// which a VDP acts by itself is run in full.
+void CGAMEGEAR::RunCatchingUp() {
+    LATE_CHIPS late[2] = {
+        {consoles[0].vdp, consoles[0].psg},
+        {consoles[1].vdp, consoles[1].psg}
+    };
+    GEAR_LATE_BUS buses[2] = {
+        {{consoles[0]}, late[0]},
+        {{consoles[1]}, late[1]}
+    };
+    while (!consoles[0].vdp.frameDone) {
+        uint32_t steps = VdpStepsToEvent(consoles[0].vdp);
+        if (consoleCount == 2) {
+            steps = std::min(steps, VdpStepsToEvent(consoles[1].vdp));
+        }
+        const uint32_t rounds = (steps - 1) / kVdpStepsPerRound;
+        for (uint32_t round = 0; round < rounds; ++round) {
+            for (uint32_t i = 0; i < consoleCount; ++i) {
+                LateConsoleTick(consoles[i], buses[i]);
+            }
+        }
+        for (uint32_t i = 0; i < consoleCount; ++i) {
+            late[i].CatchUp();
+        }
+        for (uint32_t i = 0; i < consoleCount; ++i) {
+            ConsoleTick(consoles[i]);
+        }
     }
 }
 
@@ -294,8 +357,8 @@ void CGAMEGEAR::FinishPicture(EMU_VIDEO_FRAME& video) const {
         const uint32_t heights[2] = {consoles[0].vdp.pictureHeight, consoles[1].vdp.pictureHeight};
         video.width = rowLength;
         video.height = std::max(heights[0], heights[1]);
-        video.aspect = video.aspect * 2.0f * static_cast<float>(heights[0]) /
-                       static_cast<float>(video.height);
+        video.aspect =
+            video.aspect * 2.0f * static_cast<float>(heights[0]) / static_cast<float>(video.height);
         video.visibleX = 0;
         video.visibleY = 0;
         video.visibleWidth = video.width;
@@ -317,7 +380,8 @@ void CGAMEGEAR::CutWindow(EMU_VIDEO_FRAME& video) const {
     for (uint32_t row = 0; row < kWindowHeight; ++row) {
         for (uint32_t i = 0; i < consoleCount; ++i) {
             const size_t from = row + kWindowRow + consoles[i].vdp.border;
-            std::memmove(out, video.pixels + from * video.width + i * kVdpPictureWidth + kWindowColumn,
+            std::memmove(out,
+                         video.pixels + from * video.width + i * kVdpPictureWidth + kWindowColumn,
                          kWindowWidth * sizeof *out);
             out += kWindowWidth;
         }

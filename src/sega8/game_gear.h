@@ -70,11 +70,15 @@ public:
     // "ram", "sram", "vram", "palette" of a console; empty for any other name.
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region, uint32_t console = 0) const;
 
+    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    void SetStepByStep(bool plain) { stepByStep = plain; }
+
 private:
     void ConnectChips();
     void ReadInput();
-    void RunOne();
-    void RunTwo();
+    void RunRounds();
+    void RunStepByStep();
+    void RunCatchingUp();
     void FinishPicture(EMU_VIDEO_FRAME& video) const;
     void CutWindow(EMU_VIDEO_FRAME& video) const;
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
@@ -83,5 +87,6 @@ private:
 
     GEAR_OPTIONS chosen{};
     uint32_t consoleCount = 1;
+    bool stepByStep = false;
     std::array<GEAR_CONSOLE, 2> consoles; // the second one stands still without a link
 };

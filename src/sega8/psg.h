@@ -68,6 +68,15 @@ inline void PsgTick(PSG& psg) {
     }
 }
 
+// So many clocks at once.
+inline void PsgRun(PSG& psg, uint32_t clocks) {
+    clocks += psg.divider;
+    for (; clocks >= kPsgClocksPerPair; clocks -= kPsgClocksPerPair) {
+        PsgMakePair(psg);
+    }
+    psg.divider = clocks;
+}
+
 // The sound port.
 void PsgWrite(PSG& psg, uint8_t value);
 

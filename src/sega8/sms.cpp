@@ -4,6 +4,7 @@
 #include "host/state_piece.h"
 #include "library/game_file.h"
 #include "sega8/game_image.h"
+#include "sega8/late_chips.h"
 #include "sega8/sound_frame.h"
 #include "sega8/state_pieces.h"
 
@@ -17,6 +18,7 @@ namespace {
 constexpr uint32_t kMasterPal = 53203425; // Hz
 constexpr uint32_t kMasterNtsc = 53693175;
 constexpr uint32_t kMasterDivider = 15;
+constexpr uint32_t kVdpStepsPerRound = 3; // a round is a Z80 clock
 constexpr uint32_t kStackStart = 0xDFF0;
 constexpr uint8_t kKindBios = 3; // of a machine record
 constexpr int kPsgModel = 1;
@@ -100,6 +102,24 @@ struct SMS_BUS {
     void IoWrite(uint16_t port, uint8_t value) { machine.WritePort(port, value); }
 };
 
+// The same with chips that may be late: every port is touched by a machine that is up to date.
+struct SMS_LATE_BUS {
+    SMS_BUS& bus;
+    LATE_CHIPS& late;
+
+    uint8_t Read(uint16_t address) { return bus.Read(address); }
+    uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
+    void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
+    uint8_t IoRead(uint16_t port) {
+        late.CatchUp();
+        return bus.IoRead(port);
+    }
+    void IoWrite(uint16_t port, uint8_t value) {
+        late.CatchUp();
+        bus.IoWrite(port, value);
+    }
+};
+
 CSMS::CSMS(uint32_t sessionKeyValue)
     : CEmuSystem(sessionKeyValue, 256, 256) {}
 
@@ -174,11 +194,14 @@ void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FR
                    input);
     vdp.pausePressed = (pads.input[0] & kPadPause) != 0;
     VdpBeginFrame(vdp, video->pixels, kVdpPictureWidth);
+    if (stepByStep) {
+        RunStepByStep();
+    } else {
+        RunCatchingUp();
+    }
     if (chosen.fmChip != 0) {
-        RunWithFm();
         MixFm(*audio);
     } else {
-        RunWithoutFm();
         PsgFlush(psg);
         TakeSound(psg.resampler, *audio);
     }
@@ -187,30 +210,45 @@ void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FR
     VdpFinishFrame(vdp, video);
 }
 
-void CSMS::RunWithoutFm() {
+// The order in which the chips are clocked.
+void CSMS::RunRound(SMS_BUS& bus) {
+    VdpTick(vdp);
+    VdpTick(vdp);
+    Z80TickOn(z80, bus);
+    PsgTick(psg);
+    if (chosen.fmChip != 0) {
+        YmTick(fm);
+    }
+    VdpTick(vdp);
+    ++clockCount;
+    z80.irqLine = irqOut;
+}
+
+void CSMS::RunStepByStep() {
     SMS_BUS bus{*this, memory};
     while (!vdp.frameDone) {
-        VdpTick(vdp);
-        VdpTick(vdp);
-        Z80TickOn(z80, bus);
-        PsgTick(psg);
-        VdpTick(vdp);
-        ++clockCount;
-        z80.irqLine = irqOut;
+        RunRound(bus);
     }
 }
 
-void CSMS::RunWithFm() {
+// The same frame with the chips around the Z80 catching up; the round in which the VDP acts by itself
+// is run in full.
+void CSMS::RunCatchingUp() {
     SMS_BUS bus{*this, memory};
+    LATE_CHIPS late{vdp, psg, chosen.fmChip != 0 ? &fm : nullptr};
+    SMS_LATE_BUS lateBus{bus, late};
     while (!vdp.frameDone) {
-        VdpTick(vdp);
-        VdpTick(vdp);
-        Z80TickOn(z80, bus);
-        PsgTick(psg);
-        YmTick(fm);
-        VdpTick(vdp);
-        ++clockCount;
-        z80.irqLine = irqOut;
+        const uint32_t rounds = (VdpStepsToEvent(vdp) - 1) / kVdpStepsPerRound;
+        for (uint32_t i = 0; i < rounds; ++i) {
+            late.vdpSteps += 2;
+            Z80TickOn(z80, lateBus);
+            ++late.soundClocks;
+            ++late.vdpSteps;
+            ++clockCount;
+            z80.irqLine = irqOut;
+        }
+        late.CatchUp();
+        RunRound(bus);
     }
 }
 

@@ -44,6 +44,8 @@ struct SMS_OPTIONS {
 static_assert(sizeof(SMS_OPTIONS) == kMachineOptionBytes);
 static_assert(offsetof(SMS_OPTIONS, devices) == 3);
 
+struct SMS_BUS;
+
 class CSMS : public CEmuSystem {
 public:
     explicit CSMS(uint32_t sessionKeyValue);
@@ -59,20 +61,25 @@ public:
     // "ram", "sram" (on the cartridge), "vram", "palette" (colour RAM); empty for any other name.
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region) const;
 
+    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    void SetStepByStep(bool plain) { stepByStep = plain; }
+
     // The ports as the Z80 sees them; the low byte counts.
     [[nodiscard]] uint8_t ReadPort(uint16_t port);
     void WritePort(uint16_t port, uint8_t value);
 
 private:
     void ConnectChips();
-    void RunWithoutFm();
-    void RunWithFm();
+    void RunRound(SMS_BUS& bus);
+    void RunStepByStep();
+    void RunCatchingUp();
     void MixFm(EMU_AUDIO_FRAME& audio);
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
     template <typename Visit>
     void BoardFields(Visit& visit, uint8_t& irqByte);
 
     SMS_OPTIONS chosen{};
+    bool stepByStep = false;
     Z80 z80;
     VDP vdp;
     PSG psg;

@@ -6,6 +6,7 @@
 #include "sega8/game_image.h"
 #include "sega8/sound_frame.h"
 #include "sega8/state_pieces.h"
+#include "sega8/vdp_run.h"
 
 #include <algorithm>
 #include <memory>
@@ -18,7 +19,8 @@ namespace {
 constexpr uint32_t kPsgClock = 3579545; // Hz
 constexpr int kPsgModel = 1;
 constexpr double kPsgGain = 0.7;
-constexpr uint32_t kPsgStep = 10; // of kPsgPeriod, a Z80 clock
+constexpr uint32_t kVdpStepsPerRound = 2; // a round is a Z80 clock
+constexpr uint32_t kPsgStep = 10;         // of kPsgPeriod, a Z80 clock
 constexpr uint32_t kPsgPeriod = 15;
 constexpr uint32_t kImageLimit = 0x100000;
 constexpr uint32_t kPaletteBytes = 32; // of colour RAM
@@ -79,6 +81,8 @@ CSEGAE& Machine(void* context) {
     return *static_cast<CSEGAE*>(context);
 }
 
+} // namespace
+
 // The Z80's bus in the frame loop.
 struct ARCADE_BUS {
     CSEGAE& machine;
@@ -88,6 +92,26 @@ struct ARCADE_BUS {
     uint8_t IoRead(uint16_t port) { return machine.ReadPort(port); }
     void Write(uint16_t address, uint8_t value) { machine.WriteMemory(address, value); }
     void IoWrite(uint16_t port, uint8_t value) { machine.WritePort(port, value); }
+};
+
+namespace {
+
+// The same with chips that may be late: every port is touched by a machine that is up to date.
+struct ARCADE_LATE_BUS {
+    ARCADE_BUS& bus;
+    uint32_t& owed;
+
+    uint8_t Read(uint16_t address) { return bus.Read(address); }
+    uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
+    void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
+    uint8_t IoRead(uint16_t port) {
+        bus.machine.CatchUp(owed);
+        return bus.IoRead(port);
+    }
+    void IoWrite(uint16_t port, uint8_t value) {
+        bus.machine.CatchUp(owed);
+        bus.IoWrite(port, value);
+    }
 };
 
 // The bytes of the piece named "opcodes"; empty when the game has none.
@@ -188,11 +212,13 @@ void CSEGAE::Reset() {
 }
 
 void CSEGAE::RebuildMap() {
-    const size_t bank = size_t{kArcadeFixedBytes} + size_t{kArcadeBankBytes} * (bankLatch & kRomBank);
+    const size_t bank =
+        size_t{kArcadeFixedBytes} + size_t{kArcadeBankBytes} * (bankLatch & kRomBank);
     readWindows = {rom.data(), rom.data() + kArcadeBankBytes, rom.data() + bank, ram.data()};
     opcodeWindows = readWindows;
     if (!opcodeRom.empty()) {
-        const size_t opcodeBank = std::min(bank + opcodeOffset, opcodeRom.size() - kArcadeBankBytes);
+        const size_t opcodeBank =
+            std::min(bank + opcodeOffset, opcodeRom.size() - kArcadeBankBytes);
         opcodeWindows[0] = opcodeRom.data();
         opcodeWindows[1] = opcodeRom.data() + kArcadeBankBytes;
         opcodeWindows[2] = opcodeRom.data() + opcodeBank;
@@ -200,7 +226,8 @@ void CSEGAE::RebuildMap() {
     // What a chip shows and what the window can reach of it are always the two different banks.
     uint8_t* const banks = vram.data();
     uint8_t* const first[2] = {banks, banks + kVdpVramBytes};
-    uint8_t* const second[2] = {banks + size_t{2} * kVdpVramBytes, banks + size_t{3} * kVdpVramBytes};
+    uint8_t* const second[2] = {banks + size_t{2} * kVdpVramBytes,
+                                banks + size_t{3} * kVdpVramBytes};
     const uint32_t shownFirst = (bankLatch & kShowB) != 0 ? 1 : 0;
     const uint32_t shownSecond = (bankLatch & kShowD) != 0 ? 1 : 0;
     uint8_t* const window =
@@ -245,7 +272,11 @@ void CSEGAE::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video, EMU_AU
     ReadInput();
     ArcadePanelMove(panel);
     video->rotated = panel.board == kBoardDial ? 1 : 0;
-    RunClocks();
+    if (stepByStep) {
+        RunStepByStep();
+    } else {
+        RunCatchingUp();
+    }
     PsgFlush(psg1);
     PsgFlush(psg2);
     const uint32_t values = ReadyValues(psg2.resampler);
@@ -260,21 +291,56 @@ void CSEGAE::ReadInput() {
     panel.inputP2 = ReadButtons(sessionKey, kPlayer2);
 }
 
-void CSEGAE::RunClocks() {
+// The order in which the chips are clocked.
+void CSEGAE::RunRound(ARCADE_BUS& bus) {
+    Z80TickOn(z80, bus);
+    VdpTick(vdp1);
+    VdpTick(vdp1);
+    VdpTick(vdp2);
+    VdpTick(vdp2);
+    RunSound(1);
+    z80.irqLine = irqLine;
+}
+
+// The sound chips run at 10/15 of the Z80's clock.
+void CSEGAE::RunSound(uint32_t rounds) {
+    const uint32_t phase = psgPhase + rounds * kPsgStep;
+    PsgRun(psg1, phase / kPsgPeriod);
+    PsgRun(psg2, phase / kPsgPeriod);
+    psgPhase = phase % kPsgPeriod;
+}
+
+void CSEGAE::RunStepByStep() {
     ARCADE_BUS bus{*this};
     while (!vdp2.frameDone) {
-        Z80TickOn(z80, bus);
-        VdpTick(vdp1);
-        VdpTick(vdp1);
-        VdpTick(vdp2);
-        VdpTick(vdp2);
-        psgPhase += kPsgStep;
-        if (psgPhase >= kPsgPeriod) {
-            PsgTick(psg1);
-            PsgTick(psg2);
-            psgPhase -= kPsgPeriod;
+        RunRound(bus);
+    }
+}
+
+// The first chip has drawn a stretch of a line before the second one lays its own over it, as with
+// single steps.
+void CSEGAE::CatchUp(uint32_t& rounds) {
+    VdpRun(vdp1, rounds * kVdpStepsPerRound);
+    VdpRun(vdp2, rounds * kVdpStepsPerRound);
+    RunSound(rounds);
+    rounds = 0;
+}
+
+// The same frame with the chips around the Z80 catching up when a port is touched; the round in which
+// the second VDP, which interrupts, acts by itself is run in full.
+void CSEGAE::RunCatchingUp() {
+    uint32_t owed = 0; // whole rounds of all chips but the Z80
+    ARCADE_BUS bus{*this};
+    ARCADE_LATE_BUS lateBus{bus, owed};
+    while (!vdp2.frameDone) {
+        const uint32_t rounds = (VdpStepsToEvent(vdp2) - 1) / kVdpStepsPerRound;
+        for (uint32_t i = 0; i < rounds; ++i) {
+            Z80TickOn(z80, lateBus);
+            ++owed;
+            z80.irqLine = irqLine;
         }
-        z80.irqLine = irqLine;
+        CatchUp(owed);
+        RunRound(bus);
     }
 }
 

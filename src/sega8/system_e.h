@@ -65,6 +65,8 @@ void ArcadePanelMove(ARCADE_PANEL& panel);
 // Port 0xFA.
 void ArcadePanelSelect(ARCADE_PANEL& panel, uint8_t value);
 
+struct ARCADE_BUS;
+
 class CSEGAE : public CEmuSystem {
 public:
     explicit CSEGAE(uint32_t sessionKeyValue);
@@ -76,14 +78,25 @@ public:
     [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
 
     // What the Z80 would read as data, with no side effect.
-    [[nodiscard]] uint8_t Peek(uint16_t address) const { return readWindows[address >> 14][address & 0x3FFF]; }
+    [[nodiscard]] uint8_t Peek(uint16_t address) const {
+        return readWindows[address >> 14][address & 0x3FFF];
+    }
     // "ram"; "vram", the two banks of the first chip and then those of the second; "palette", the
     // colour RAM of the first chip and then of the second one. Empty for any other name.
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region) const;
 
     // The bus as the Z80 sees it; of a port the low byte counts.
-    [[nodiscard]] uint8_t PeekOpcode(uint16_t address) const { return opcodeWindows[address >> 14][address & 0x3FFF]; }
-    void WriteMemory(uint16_t address, uint8_t value) { writeWindows[address >> 14][address & 0x3FFF] = value; }
+    [[nodiscard]] uint8_t PeekOpcode(uint16_t address) const {
+        return opcodeWindows[address >> 14][address & 0x3FFF];
+    }
+    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    void SetStepByStep(bool plain) { stepByStep = plain; }
+    // Runs the chips around the Z80 by the rounds that they owe.
+    void CatchUp(uint32_t& rounds);
+
+    void WriteMemory(uint16_t address, uint8_t value) {
+        writeWindows[address >> 14][address & 0x3FFF] = value;
+    }
     [[nodiscard]] uint8_t ReadPort(uint16_t port);
     void WritePort(uint16_t port, uint8_t value);
 
@@ -92,7 +105,10 @@ private:
     void ConnectChips();
     void RebuildMap();
     void ReadInput();
-    void RunClocks();
+    void RunRound(ARCADE_BUS& bus);
+    void RunSound(uint32_t rounds);
+    void RunStepByStep();
+    void RunCatchingUp();
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
     template <typename Visit>
     void BoardFields(Visit& visit);
@@ -108,8 +124,9 @@ private:
     // Offset in `opcodeRom` for fetches through the banked window: 0, 32,768 or 49,152 by game. What
     // the other values pick is not published. A deciphered image laid out as the ROM itself needs 0.
     uint32_t opcodeOffset = 0;
-    uint32_t irqLine = 0;  // by vdp2
+    uint32_t irqLine = 0;   // by vdp2
     uint32_t irqUnread = 0; // by vdp1; leads nowhere
+    bool stepByStep = false;
     uint32_t psgPhase = 0; // in fifteenths of a PSG clock, 0..14
     uint8_t bankLatch = 0; // port 0xF7
     std::array<uint8_t, 0x4000> ram{};

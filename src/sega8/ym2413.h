@@ -129,6 +129,15 @@ inline void YmTick(YM2413& ym) {
     }
 }
 
+// So many clocks at once.
+inline void YmRun(YM2413& ym, uint32_t clocks) {
+    clocks += ym.tick;
+    for (; clocks >= kYmClocksPerSample; clocks -= kYmClocksPerSample) {
+        YmMakeSample(ym);
+    }
+    ym.tick = clocks;
+}
+
 // Registers 0x00 to 0x3F; others don't exist and do nothing.
 void YmWrite(YM2413& ym, uint8_t reg, uint8_t value);
 

@@ -1,10 +1,13 @@
 // What the tests of the 8-bit machines share: games made of bytes, small programs, frames.
 #pragma once
 
+#include "base/bytes.h"
 #include "front/settings/bindings.h"
 #include "front/settings/settings.h"
 #include "host/emu_system.h"
 #include "library/game_file.h"
+
+#include <gtest/gtest.h>
 
 #include <array>
 #include <cstdint>
@@ -95,6 +98,18 @@ inline CGameFile ArcadeGame(const std::vector<uint8_t>& image, uint32_t board,
     std::memcpy(record.tag, "ARC0", 4);
     record.board = board;
     return MakeGame(kSystemArcade, image, record, opcodes);
+}
+
+// The same game with the record that stands for a default one.
+inline CGameFile WithDefaultRecord(CGameFile game, const std::vector<uint8_t>& image) {
+    std::vector<uint8_t> records = game.Serialise(false);
+    records.resize(records.size() - game.FixedRecordSize());
+    records.insert(records.end(), {'G', 'D', 'F', '0'});
+    StoreLittleEndian(records.data() + 4, static_cast<uint32_t>(records.size())); // headerSize
+    EXPECT_TRUE(game.Parse(records.data(), records.size(), false));
+    EXPECT_TRUE(game.SetData(image));
+    game.selectedName = 0;
+    return game;
 }
 
 // 16 KB banks, each filled with its number.

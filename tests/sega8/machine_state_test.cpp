@@ -9,6 +9,7 @@
 #include "sega8/system_e.h"
 
 #include <random>
+#include <string>
 
 namespace {
 
@@ -42,7 +43,6 @@ struct CASE {
     const char* name;
     std::unique_ptr<CEmuSystem> (*start)();
     std::vector<std::wstring> actions; // held in some of the frames
-    bool mixed;                        // two sound chips
 };
 
 std::unique_ptr<CEmuSystem> StartSms(SMS_OPTIONS options) {
@@ -63,22 +63,19 @@ std::unique_ptr<CEmuSystem> StartArcade(uint32_t board) {
 }
 
 const CASE kCases[] = {
-    {"sms", [] { return StartSms({}); }, {L"SMS P1 UP", L"SMS PAUSE"}, false},
-    {"sms pal, fm, phaser, sports pad, glasses",
+    {"Sms", [] { return StartSms({}); }, {L"SMS P1 UP", L"SMS PAUSE"}},
+    {"SmsPalFmPhaserSportsPadGlasses",
      [] { return StartSms({kSms2Pal, 1, 1, {2, 4}, {}}); },
-     {L"SMS P1 LEFT", L"SMS P2 UP"},
-     true},
-    {"sms paddle, six buttons",
+     {L"SMS P1 LEFT", L"SMS P2 UP"}},
+    {"SmsPaddleSixButtons",
      [] { return StartSms({kSms1Ntsc, 0, 0, {8, 16}, {}}); },
-     {L"SMS P1 LEFT", L"SMS P2 BUTTON3"},
-     false},
-    {"game gear", [] { return StartGear(false); }, {L"GG P1 UP", L"GG P1 START"}, false},
-    {"linked game gears", [] { return StartGear(true); }, {L"GG P1 UP", L"GG P2 START"}, true},
-    {"arcade, analog",
+     {L"SMS P1 LEFT", L"SMS P2 BUTTON3"}},
+    {"GameGear", [] { return StartGear(false); }, {L"GG P1 UP", L"GG P1 START"}},
+    {"LinkedGameGears", [] { return StartGear(true); }, {L"GG P1 UP", L"GG P2 START"}},
+    {"ArcadeAnalog",
      [] { return StartArcade(1); },
-     {L"Arcade P1 LEFT", L"Arcade P1 BUTTON1"},
-     true},
-    {"arcade, dial", [] { return StartArcade(4); }, {L"Arcade P1 RIGHT", L"Arcade Start1"}, true},
+     {L"Arcade P1 LEFT", L"Arcade P1 BUTTON1"}},
+    {"ArcadeDial", [] { return StartArcade(4); }, {L"Arcade P1 RIGHT", L"Arcade Start1"}},
 };
 
 struct FRAME_RESULT {
@@ -165,30 +162,33 @@ TEST(MachineState, SmsBoardBeginsWithTheEightPortLatches) {
     EXPECT_EQ(saved.blob[13 + 68], 0xAB) << "the work RAM, behind 17 words";
 }
 
-TEST(MachineState, PicturesAfterLoadingAreThoseOfTheRunThatWentOn) {
-    for (const CASE& what : kCases) {
-        SCOPED_TRACE(what.name);
-        const auto machine = what.start();
-        Play(*machine, what, 0, 37);
-        const SAVED saved = Save(*machine);
-        const auto continued = Play(*machine, what, 37, 600);
-        const auto other = what.start();
-        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-        const auto loaded = Play(*other, what, 37, 600);
-        uint64_t continuedPairs = 0;
-        uint64_t loadedPairs = 0;
-        size_t different = 0;
-        for (size_t i = 0; i < 600; ++i) {
-            ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
-            continuedPairs += continued[i].pairs;
-            loadedPairs += loaded[i].pairs;
-            different += i != 0 && continued[i].picture != continued[i - 1].picture ? 1 : 0;
-        }
-        EXPECT_GT(different, 100u) << "pictures that tell something";
-        // The converter that starts afresh keeps some samples back, and one frame in all is the most.
-        EXPECT_NEAR(static_cast<double>(continuedPairs), static_cast<double>(loadedPairs), 740.0);
+class EveryMachineState : public testing::TestWithParam<CASE> {};
+
+TEST_P(EveryMachineState, GivesThePicturesOfTheRunThatWentOn) {
+    const CASE& what = GetParam();
+    const auto machine = what.start();
+    Play(*machine, what, 0, 37);
+    const SAVED saved = Save(*machine);
+    const auto continued = Play(*machine, what, 37, 600);
+    const auto other = what.start();
+    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+    const auto loaded = Play(*other, what, 37, 600);
+    int64_t aheadPairs = 0;
+    size_t different = 0;
+    for (size_t i = 0; i < 600; ++i) {
+        ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
+        aheadPairs += int64_t{continued[i].pairs} - loaded[i].pairs;
+        different += i != 0 && continued[i].picture != continued[i - 1].picture ? 1u : 0u;
     }
+    EXPECT_GT(different, 100u) << "pictures that tell something";
+    // The converter that starts afresh keeps some samples back, and from then on as many come out of
+    // both.
+    EXPECT_GE(aheadPairs, -2);
+    EXPECT_LT(aheadPairs, 200);
 }
+
+INSTANTIATE_TEST_SUITE_P(MachineState, EveryMachineState, testing::ValuesIn(kCases),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST(MachineState, SoundAfterLoadingIsAlwaysTheSame) {
     for (const CASE& what : kCases) {

@@ -303,7 +303,7 @@ TEST(Sms, FmChipIsFoundThroughItsControlPort) {
     const Sms machine = Start(options);
     EXPECT_EQ(machine->ReadPort(0xF2), 0);
     machine->WritePort(0x3E, 0xAF); // I/O chip off
-    for (const uint8_t value : {1, 2, 3, 0xFF}) {
+    for (const uint8_t value : std::array<uint8_t, 4>{1, 2, 3, 0xFF}) {
         machine->WritePort(0xF2, value);
         EXPECT_EQ(machine->ReadPort(0xF2), value);
     }
@@ -446,10 +446,9 @@ TEST(Sms, BoardOfTheRecordPicksTheMapper) {
 }
 
 TEST(Sms, DefaultRecordMeansDefaults) {
-    GAG_RECORD record{};
-    std::memcpy(record.tag, "GDF0", 4);
-    CGameFile game = MakeGame(kSystemMasterSystem, NumberedBanks(4), record);
+    CGameFile game = WithDefaultRecord(SmsGame(NumberedBanks(4), 2, 3), NumberedBanks(4));
     const Sms machine = StartMachine<CSMS>(SMS_OPTIONS{}, game);
+    EXPECT_EQ(machine->Peek(0xC000), 0xAB) << "a cartridge, not a BIOS";
     EXPECT_EQ(machine->Peek(0x9000), 2);
 }
 

@@ -485,7 +485,10 @@ TEST(SystemE, InterruptComesFromTheSecondChipOnly) {
         Program program;
         program.Bytes({0xF3, 0xED, 0x56, 0xC3, 0x80, 0x00});
         program.At(0x38).Bytes({0xF5, 0xE5, 0x21, 0x01, 0xC1, 0x34, 0xDB, 0xBF, 0xE1, 0xF1, 0xFB, 0xC9});
-        program.At(0x80).Bytes({0x31, 0x00, 0xE0}).VdpRegister(control, 1, 0x60).Bytes({0xFB}).Stop();
+        // Both chips come out of a reset with the frame interrupt on.
+        const int other = kVdp1 + kVdp2 - control;
+        program.At(0x80).Bytes({0x31, 0x00, 0xE0}).VdpRegister(other, 1, 0x40);
+        program.VdpRegister(control, 1, 0x60).Bytes({0xFB}).Stop();
         const Arcade machine = Start(program);
         rig.Frames(*machine, 8);
         EXPECT_EQ(machine->Peek(0xC101), control == kVdp2 ? 8 : 0);
@@ -641,9 +644,7 @@ TEST(SystemE, GamesThatCannotRunAreRefusedWithAReason) {
 }
 
 TEST(SystemE, DefaultRecordIsAPlainJoystickBoard) {
-    GAG_RECORD record{};
-    std::memcpy(record.tag, "GDF0", 4);
-    CGameFile game = MakeGame(kSystemArcade, {0x18, 0xFE}, record);
+    CGameFile game = WithDefaultRecord(ArcadeGame({0x18, 0xFE}, 1), {0x18, 0xFE});
     MACHINE_RIG rig;
     const Arcade machine = StartMachine<CSEGAE>(std::array<uint8_t, 256>{}, game);
     MACHINE_RIG::Press(L"Arcade P1 UP");
@@ -653,7 +654,10 @@ TEST(SystemE, DefaultRecordIsAPlainJoystickBoard) {
 
 TEST(SystemE, ResetClearsMemoriesAndPanel) {
     MACHINE_RIG rig;
-    const Arcade machine = Start(Program().Store(0xC100, 1).Out(0xF7, 0xA3).Out(0xFA, 8).Stop(), 1);
+    // The interrupt line outlives a reset, so the program keeps it low.
+    Program program;
+    program.VdpRegister(kVdp2, 1, 0x40).Store(0xC100, 1).Out(0xF7, 0xA3).Out(0xFA, 8).Stop();
+    const Arcade machine = Start(program, 1);
     uint32_t size = 0;
     const StateBlob before = machine->SaveState(size);
     MACHINE_RIG::Press(L"Arcade P1 LEFT");

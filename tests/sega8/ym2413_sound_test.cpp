@@ -360,6 +360,56 @@ TEST_F(Ym2413Sound, EveryRhythmSoundDiffersFromTheOthers) {
     }
 }
 
+// Each of the five sounds alone, at phases set by hand, against the sine of the phase it is to have.
+TEST_F(Ym2413Sound, MetalAndSnarePhasesAreMadeOfTwoOscillatorsAndNoise) {
+    struct ROW {
+        uint32_t a; // phase of channel 7's modulator
+        uint32_t b; // phase of channel 8's carrier
+        bool metal;
+    };
+    const std::array<ROW, 11> rows{
+        ROW{0,                              0,                              false},
+        {0,                              1u << 21,                       true },
+        {0,                              1u << 19,                       true },
+        {0,                              1u << 20 | 1u << 22 | 1u << 18, false},
+        {1u << 23,                       0,                              true },
+        {1u << 18,                       0,                              true },
+        {1u << 23 | 1u << 18,            0,                              false},
+        {1u << 19,                       0,                              true },
+        {1u << 23 | 1u << 18 | 1u << 19, 0,                              true },
+        {1u << 24,                       0,                              false},
+        {1u << 24 | 1u << 23,            1u << 21,                       true },
+    };
+    Write({
+        {0x0E, 0x20}
+    });
+    for (const ROW& row : rows) {
+        for (const bool noise : {false, true}) {
+            const uint32_t snare = (row.a >> 24 & 1) != 0 ? 0x200 : 0;
+            const std::array<uint32_t, 4> words{
+                noise ? (row.metal ? 0x2D0u : 0x034u) : (row.metal ? 0x234u : 0x0D0u),
+                noise ? (snare != 0 ? 0x300u : 0u) : (snare != 0 ? 0x200u : 0x100u),
+                0x123u,
+                row.metal ? 0x300u : 0x100u,
+            };
+            for (size_t sound = 0; sound < 4; ++sound) {
+                for (size_t i = 0; i < 4; ++i) {
+                    YM_SLOT& slot = ym->channels[7 + i / 2].slots[i % 2];
+                    slot.volume = i == sound ? 0 : 255;
+                    slot.tll = 0;
+                }
+                ym->noiseRng = noise ? 1 : 2;
+                Modulator(7).phase = row.a;
+                Modulator(8).phase = 0x123u << 16 | 0x4567;
+                Carrier(8).phase = row.b;
+                const double angle = (words[sound] + 0.5) * 2.0 * std::numbers::pi / 1024.0;
+                EXPECT_NEAR(Run(1).front(), 2.0 * 8168.0 * std::sin(angle), 40.0)
+                    << "sound " << sound << " a " << row.a << " b " << row.b << " noise " << noise;
+            }
+        }
+    }
+}
+
 // The bass drum is a channel of two operators whose carrier counts twice.
 TEST_F(Ym2413Sound, RhythmCountsTwice) {
     Write({

@@ -7,7 +7,7 @@
 // The rows of the picture: sky, sun or moon, ridge, sea.
 #define CLOUD_ROW   2
 #define DISC_ROW    6
-#define DISC_COLUMN 20
+#define DISC_COLUMN 25
 #define DISC_SIZE   4
 #define RIDGE_ROW   11
 #define RIDGE_ROWS  5
@@ -49,8 +49,9 @@ static const u8 foothills[17] = {4, 6, 10, 14, 12, 6, 3, 5, 7, 10, 16, 12, 8, 3,
 // Heights of the towers of the night, 8 dots each.
 static const u8 towers[32] = {8, 20, 14, 28, 28, 10, 16, 34, 22, 12, 6, 18, 26, 16, 38, 38,
                               20, 12, 24, 14, 8, 30, 18, 10, 22, 36, 16, 12, 26, 20, 10, 14};
-// Half the width of the disc's rows, from its top to its middle.
-static const u8 discHalf[16] = {4, 7, 9, 10, 11, 12, 13, 13, 14, 14, 15, 15, 15, 16, 16, 16};
+// Half the width of the disc's rows, from its top to its middle. The first line of a band still has the
+// scroll of the band above, so the disc leaves it free.
+static const u8 discHalf[16] = {0, 6, 9, 10, 11, 12, 13, 13, 14, 14, 15, 15, 15, 16, 16, 16};
 // clang-format on
 
 static u8 colours[8];
@@ -59,6 +60,7 @@ static u8 scene;
 static u8 nextScene;
 static u8 fade; // steps of a change still to go
 static u16 nextTile;
+static u16 horizonTile; // nothing but the sky's last colour
 
 static void Finish(u8 row) { PackRow(colours, planes + (row << 2)); }
 
@@ -87,12 +89,13 @@ static void SkyLine(u8 line) {
 }
 
 static void BuildSky(void) {
-    for (u8 row = 0; row < RIDGE_ROW; ++row) {
+    for (u8 row = 0; row <= RIDGE_ROW; ++row) {
         for (u8 line = 0; line < 8; ++line) {
             SkyLine((u8)(row * 8 + line));
             Finish(line);
         }
         const u16 tile = Keep();
+        horizonTile = tile;
         for (u8 column = 0; column < COLUMNS; ++column)
             LowerCell(scene, column, row, tile);
     }
@@ -160,47 +163,72 @@ static u8 HeightAt(const u8 *heights, u8 x) {
     return (u8)((entry[0] * (16 - part) + entry[1] * part) >> 4);
 }
 
-static u8 IslandDot(u8 height, u8 far, u8 near, u8 x) {
-    if (height < near)
-        return COLOUR_NEAR;
-    // The evening light catches the western edges.
-    if (islands[(x >> 4) + 1] > islands[x >> 4] && height + 2 >= far)
-        return COLOUR_LIGHT;
-    return COLOUR_FAR;
+static u8 far[8];  // heights of the column's dots
+static u8 near[8]; // where the foothill ends
+static u8 edge[8]; // where the light begins
+static u8 tallest;
+
+static void MeasureIslands(u8 column) {
+    for (u8 dot = 0; dot < 8; ++dot) {
+        const u8 x = (u8)(column * 8 + dot);
+        far[dot] = HeightAt(islands, x) + (x * 3 & 1);
+        near[dot] = HeightAt(foothills, x) + (x * 5 & 2);
+        // The evening light catches the western edges.
+        edge[dot] = islands[(x >> 4) + 1] > islands[x >> 4] ? far[dot] - 2 : far[dot];
+        if (far[dot] > tallest)
+            tallest = far[dot];
+    }
 }
 
-static u8 TowerDot(u8 height, u8 top, u8 x) {
-    // The windows: two to a floor, some dark.
-    if ((height & 3) == 2 && (x & 3) == 2 && height + 2 < top && ((height * 7 + x * 5) & 12))
-        return COLOUR_LIGHT;
-    return (x >> 3 & 1) ? COLOUR_FAR : COLOUR_NEAR;
+static void IslandLine(u8 height) {
+    for (u8 dot = 0; dot < 8; ++dot) {
+        u8 colour = COLOUR_FAR;
+        if (height < near[dot])
+            colour = COLOUR_NEAR;
+        else if (height >= far[dot])
+            colour = COLOUR_HORIZON;
+        else if (height >= edge[dot])
+            colour = COLOUR_LIGHT;
+        colours[dot] = colour;
+    }
+}
+
+// Every second tower is lighter; two windows to a floor, some dark.
+static void TowerLine(u8 height, u8 column) {
+    const u8 wall = column & 1 ? COLOUR_FAR : COLOUR_NEAR;
+    for (u8 dot = 0; dot < 7; ++dot)
+        colours[dot] = wall;
+    colours[7] = height + 2 < tallest ? wall : COLOUR_HORIZON;
+    if ((height & 3) == 2 && height + 2 < tallest) {
+        if ((height * 7 + column * 5) & 12)
+            colours[2] = COLOUR_LIGHT;
+        if ((height * 5 + column * 3) & 12)
+            colours[5] = COLOUR_LIGHT;
+    }
 }
 
 static void BuildRidgeColumn(u8 column) {
-    static u8 far[8];
-    static u8 near[8];
-    for (u8 dot = 0; dot < 8; ++dot) {
-        const u8 x = (u8)(column * 8 + dot);
-        if (scene == SCENE_DUSK) {
-            far[dot] = HeightAt(islands, x) + (x * 3 & 1);
-            near[dot] = HeightAt(foothills, x) + (x * 5 & 2);
-        } else {
-            far[dot] = towers[column] - (dot == 7 ? 2 : 0);
-        }
-    }
+    tallest = 0;
+    if (scene == SCENE_DUSK)
+        MeasureIslands(column);
+    else
+        tallest = towers[column];
     u8 height = RIDGE_ROWS * 8;
     for (u8 row = 0; row < RIDGE_ROWS; ++row) {
+        // Above the highest dot the sky's own last tile serves.
+        if (height - 8 >= tallest) {
+            height -= 8;
+            LowerCell(scene, column, RIDGE_ROW + row, horizonTile);
+            continue;
+        }
         for (u8 line = 0; line < 8; ++line) {
             --height;
-            for (u8 dot = 0; dot < 8; ++dot) {
-                const u8 x = (u8)(column * 8 + dot);
-                if (height >= far[dot])
-                    colours[dot] = COLOUR_HORIZON;
-                else if (scene == SCENE_DUSK)
-                    colours[dot] = IslandDot(height, far[dot], near[dot], x);
-                else
-                    colours[dot] = TowerDot(height, far[dot], x);
-            }
+            if (height >= tallest)
+                SkyLine(SKY_SOLID_ROWS * 8);
+            else if (scene == SCENE_DUSK)
+                IslandLine(height);
+            else
+                TowerLine(height, column);
             Finish(line);
         }
         LowerCell(scene, column, RIDGE_ROW + row, Keep());

@@ -68,11 +68,17 @@ void BoardInit(void) {
     Latch(0);
 }
 
-void BoardOn(void) {
-    lowerControl = lowerRegisters[1] | DISPLAY_BIT;
-    lowerControl = 0x81;
+void UpperOn(void) {
+    __asm__("di");
     upperControl = upperRegisters[1] | DISPLAY_BIT;
     upperControl = 0x81;
+    __asm__("ei");
+}
+
+void LowerOn(void) {
+    __asm__("di");
+    lowerControl = lowerRegisters[1] | DISPLAY_BIT;
+    lowerControl = 0x81;
     __asm__("ei");
 }
 
@@ -127,7 +133,8 @@ void BoardScene(u8 scene) {
 
 // Opens the lower chip's memory of a scene, which the chip must not show.
 static void OpenLower(u8 scene) {
-    Latch(scene ? LATCH_WINDOW_LOWER : LATCH_WINDOW_LOWER | LATCH_LOWER_SECOND);
+    const u8 upper = bankLatch & LATCH_UPPER_SECOND;
+    Latch(upper | LATCH_WINDOW_LOWER | (scene ? 0 : LATCH_LOWER_SECOND));
 }
 
 void LowerTile(u8 scene, u16 tile, const u8 *planes) {
@@ -166,6 +173,9 @@ void UpperCell(u8 column, u8 row, u16 cell) {
     upperControl = (u8)address;
     upperControl = (u8)(0x40 | (address >> 8));
     upperData = (u8)cell;
+    // The chip takes a byte in one of 32 dots while it shows a line: let that time pass.
+    __asm__("ex (sp), hl");
+    __asm__("ex (sp), hl");
     upperData = (u8)(cell >> 8);
     __asm__("ei");
 }

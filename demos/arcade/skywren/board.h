@@ -30,13 +30,15 @@ extern u8 held;
 extern u8 pressed;
 
 void BoardInit(void);
-void BoardOn(void);
+// Turn the displays on.
+void UpperOn(void);
+void LowerOn(void);
 // Shows the picture made, and returns in the blank time that follows.
 void BoardFrame(void);
 // Which scene the lower chip shows.
 void BoardScene(u8 scene);
 
-// Tiles, with both displays off. The upper chip gets them in both of its banks.
+// Tiles and cells for the displays while they are off. The upper chip gets them in both of its banks.
 void LowerTile(u8 scene, u16 tile, const u8 *planes);
 void LowerCell(u8 scene, u8 column, u8 row, u16 cell);
 void UpperTile(u16 tile, const u8 *planes);

@@ -8,11 +8,11 @@
 #include "terrain.h"
 
 #define TITLE_FRAMES  420
-#define DEMO_FRAMES   1100
+#define DEMO_FRAMES   1900
 #define OVER_FRAMES   240
 #define READY_FRAMES  60
 #define MOST_CREDITS  9
-#define SCENE_LENGTH  0x0800 // dots from one change of scene to the next
+#define SCENE_LENGTH  0x0500 // dots from one change of scene to the next
 #define FIRST_RECORD  500    // in tens
 #define LIFE_EVERY    1000   // a bird more for that many tens
 
@@ -194,6 +194,7 @@ static void Fly(void) {
 static void GameOver(void) {
     SoundMusic(MUSIC_OVER);
     SpritesBegin();
+    Frame();
     TerrainBegin();
     TextCentred(8, "GAME OVER");
     if (score == record && score != 0)
@@ -232,11 +233,14 @@ static void Play(void) {
 void main(void) {
     BoardInit();
     ArtLoad();
-    BackdropBuild();
     UpperClear(0, 27);
-    BackdropShow(SCENE_DUSK);
+    TextCentred(11, "THE SUN GOES DOWN");
     SpritesBegin();
-    BoardOn();
+    BoardFrame();
+    UpperOn();
+    BackdropBuild();
+    BackdropShow(SCENE_DUSK);
+    LowerOn();
     for (;;) {
         // The key that ends the invitation also begins the game; a credit left over waits for its own.
         if (Title() || Demo())

@@ -66,10 +66,11 @@ void TerrainBegin(void) {
     lastColumn = 0;
     for (u8 column = 0; column < HEIGHTS; ++column)
         heights[column] = LOWEST;
-    lastColumn = SCREEN_COLUMNS;
+    lastColumn = SCREEN_COLUMNS + 1;
     UpperClear(2, ROWS - 1);
     for (u8 bank = 0; bank < 2; ++bank) {
-        for (u8 column = 0; column < SCREEN_COLUMNS; ++column)
+        // The first column lies under the hidden left edge, where the one after the last comes in.
+        for (u8 column = 1; column <= SCREEN_COLUMNS; ++column)
             DrawColumn(column);
         BoardFrame();
     }

@@ -194,13 +194,22 @@ static void LoadRidgeColumn(u8 column) {
         snow[dot] = SNOW_LINE + (x * 5 & 7); // ends in tongues
         falling[dot] = farHeights[(x >> 4) + 1] < farHeights[x >> 4];
     }
+    u8 tallest = 0;
+    for (u8 dot = 0; dot < 8; ++dot) {
+        if (far[dot] > tallest)
+            tallest = far[dot];
+        if (near[dot] > tallest)
+            tallest = near[dot];
+    }
     u16 tile = TILE_RIDGE + column;
     u8 height = RIDGE_HEIGHT;
     while (height != 0) {
         u8 *out = planes;
         for (u8 row = 0; row < 8; ++row) {
             --height;
-            for (u8 dot = 0; dot < 8; ++dot) {
+            for (u8 dot = 0; height >= tallest && dot < 8; ++dot)
+                colours[dot] = COLOUR_SKY;
+            for (u8 dot = 0; height < tallest && dot < 8; ++dot) {
                 u8 colour = COLOUR_SKY;
                 if (height < near[dot])
                     colour = COLOUR_NEAR;

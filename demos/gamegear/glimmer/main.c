@@ -36,14 +36,14 @@ static void Pads(void) {
     held = now;
 }
 
-// A frame: what must be in the blank time first.
+// Returns early in the next blank time, when there is still time to change a few cells.
 static void Frame(void) {
+    SkyStep();
+    SoundStep();
     WaitFrame();
     SpritesSend();
     SkySend();
     MatchDrawScore();
-    SkyStep();
-    SoundStep();
     Pads();
 }
 
@@ -208,7 +208,7 @@ static void Demo(void) {
 // Waits for the other console; LINK_WAITING when the player gives up.
 static u8 Meet(void) {
     Screen(1);
-    Announce("LOOKING FOR A FRIEND", "2 TO GO BACK");
+    Announce("WAITING FOR FRIEND", "2 TO GO BACK");
     DisplayOn();
     LinkOpen();
     for (;;) {

@@ -31,6 +31,7 @@ void ArtTile(const char *text, uint16_t stride);
 // Draws `count` glyphs of the font from its start, in ink (low nibble of colours) on paper (high one).
 void FontTiles(uint8_t count, uint8_t colours);
 
+uint8_t VdpStatus(void);
 uint8_t PadRead(void);
 
 // start.s

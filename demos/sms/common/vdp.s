@@ -153,6 +153,11 @@ _FontTiles::
     djnz 1$
     ret
 
+; uint8_t VdpStatus(void). Reading it clears its flags and the interrupts.
+_VdpStatus::
+    in a, (VDP_CONTROL)
+    ret
+
 ; uint8_t PadRead(void)
 _PadRead::
     in a, (PAD_A)

@@ -13,7 +13,7 @@ typedef struct {
 } Creature;
 
 uint8_t playerX, playerY, hearts, light, hurtFrames;
-uint32_t score;
+uint16_t score;
 
 static Creature creatures[kCreatures];
 static int16_t x16, y16;       // the player's place in sixteenths of a pixel
@@ -112,7 +112,7 @@ static void Burst(Creature *creature)
 {
     creature->kind = kPuff;
     creature->age = 0;
-    score += 50;
+    score += 5;
     SoundEffect(kSoundPoof);
 }
 
@@ -137,13 +137,13 @@ static void MeetPlayer(Creature *creature)
         return;
     if (creature->kind == kDrop) {
         creature->kind = kNothing;
-        score += 10;
+        score += 1;
         if (light < kLightFull)
             ++light;
         SoundEffect(kSoundDew);
     } else if (creature->kind == kExtraHeart) {
         creature->kind = kNothing;
-        score += 100;
+        score += 10;
         if (hearts < 5)
             ++hearts;
         SoundEffect(kSoundLamp);
@@ -212,10 +212,11 @@ static void DrawSpider(const Creature *creature)
     Figure(creature->x, (uint16_t)y << 8 | kSpider);
     if (creature->x < -4 || creature->x > 251)
         return;
-    while (y > 24) {
+    while (y > 32) { // up to the panel's lower edge
         y -= 16;
         Sprite(x | y, kThread);
     }
+    Sprite(x | 16, kThread);
 }
 
 static void DrawOne(const Creature *creature)
@@ -307,7 +308,7 @@ void PlayerMove(uint8_t buttons)
     playerX = (uint8_t)(x16 >> 4);
     playerY = (uint8_t)(y16 >> 4) + (Sine(age >> 1) >> 3); // it hovers
     if (GardenTouchLamp(playerX, playerY)) {
-        score += 100;
+        score += 10;
         SoundEffect(kSoundLamp);
     }
 }

@@ -138,11 +138,13 @@ void GardenBegin(uint8_t withLogo)
         lamps[i].lit = 1;
     for (i = 0; i < 12; i += 2)
         bands[i] = 0;
+    ScreenOff();
     DrawSky(withLogo);
     DrawHills();
     for (i = 0; i < 32; ++i)
         DrawColumn();
     DrawFront();
+    ScreenOn();
 }
 
 // The column that has just gone under the hidden left edge becomes the one that comes in on the right.

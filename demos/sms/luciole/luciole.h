@@ -51,6 +51,9 @@ extern uint8_t pad, padPressed;     // held; newly pressed
 void ScreenInit(void);
 void ScreenSky(uint8_t step);
 void ScreenFlash(void);             // the sky white for a moment
+// For drawing the whole screen: with the display off Put writes at once. No Frame in between.
+void ScreenOff(void);
+void ScreenOn(void);
 void Put(uint16_t cell, uint16_t tile);  // cell = row * 32 + column
 void Text(uint16_t cell, const char *text);
 void TextOnHedge(uint16_t cell, const char *text);
@@ -70,7 +73,7 @@ void GardenText(uint8_t row, const char *text); // centred on the hedge
 
 // creatures.c: all that moves, and the player.
 extern uint8_t playerX, playerY, hearts, light;
-extern uint32_t score;
+extern uint16_t score;              // in tens, as it is shown with a 0 behind it
 extern uint8_t hurtFrames;          // left of being invulnerable
 void CreaturesBegin(void);
 void CreaturesSpawn(uint8_t night);

@@ -6,7 +6,7 @@ enum { kTitleFrames = 720, kDemoFrames = 1500, kStartHearts = 3, kStartLight = 1
 // What ended a night.
 enum { kDawn, kLost, kStopped };
 
-static uint32_t best;
+static uint16_t best; // in tens
 static uint8_t night;
 static uint8_t demo;
 
@@ -14,19 +14,19 @@ static uint8_t demo;
 #define PANEL 32
 
 // What the panel shows; drawn again where it differs.
-static uint32_t shownScore;
+static uint16_t shownScore;
 static uint8_t shownHearts, shownLight, shownLamps;
 
-static void Number(uint16_t cell, uint32_t value)
+static void Number(uint16_t cell, uint16_t tens)
 {
-    char digits[7];
-    uint8_t i = 6;
-    digits[6] = 0;
-    while (i) {
-        digits[--i] = '0' + (uint8_t)(value % 10);
-        value /= 10;
+    static const uint16_t kPowers[5] = {10000, 1000, 100, 10, 1};
+    uint8_t i, digit;
+    for (i = 0; i < 5; ++i) {
+        for (digit = '0' - ' '; tens >= kPowers[i]; ++digit)
+            tens -= kPowers[i];
+        Put(cell + i, digit);
     }
-    Text(cell, digits);
+    Put(cell + 5, '0' - ' ');
 }
 
 static void TwoDigits(uint16_t cell, uint8_t value)
@@ -74,7 +74,7 @@ static void PanelBegin(void)
     Text(PANEL + 27, "/12");
     for (i = 0; i < 32; ++i)
         Put(i, kTilePanelEdge);
-    shownScore = 0xFFFFFFFF;
+    shownScore = 0xFFFF;
     shownHearts = shownLight = shownLamps = 0xFF;
     Panel();
 }
@@ -155,10 +155,10 @@ static void NightOver(void)
     ScreenSky(kSkies - 1);
     SoundPlay(&kSongDawn);
     GardenText(15, " THE SUN RISES ");
-    score += (uint16_t)lampsLit * 100u;
+    score += lampsLit * 10;
     if (lampsLit == kLampsPerNight) {
         GardenText(17, " EVERY LANTERN LIT! +1000 ");
-        score += 1000;
+        score += 100;
     }
     Panel();
     Wait(300);
@@ -242,7 +242,7 @@ static uint8_t Title(void)
 
 void main(void)
 {
-    best = 2000;
+    best = 200;
     SoundInit();
     ScreenInit();
     for (;;) {

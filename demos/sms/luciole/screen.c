@@ -3,7 +3,8 @@
 #define NAME_TABLE 0x3800u
 #define SPRITE_TABLE 0x3F00u
 #define SPRITES 64
-#define QUEUE 80
+// As much as fits under the picture with all the sprites: past line 14 the line interrupts use the VDP.
+#define QUEUE 48
 #define RGB(r, g, b) ((r) | (g) << 2 | (b) << 4)
 
 extern const char artHills[], artMoon[], artLogo[], artStars[], artBush[], artLeaves[], artFlowers[],
@@ -57,6 +58,7 @@ typedef struct {
 } QueuedTile;
 static QueuedTile queue[QUEUE];
 static uint8_t queued;
+static uint8_t dark; // between ScreenOff and ScreenOn
 
 static uint8_t skyStep, skyShown, flash;
 static uint8_t framesSeen;
@@ -183,10 +185,33 @@ static void SendQueue(void)
     }
 }
 
+void ScreenOff(void)
+{
+    spriteCount = 0;
+    Frame();
+    __asm__("di");
+    VdpRegister(1, 0xA2);
+    dark = 1;
+}
+
+void ScreenOn(void)
+{
+    dark = 0;
+    (void)VdpStatus(); // what was asked for meanwhile
+    __asm__("ei");
+    Frame();
+    VdpRegister(1, 0xE2);
+}
+
 void Put(uint16_t cell, uint16_t tile)
 {
     QueuedTile *entry;
-    if (queued == QUEUE) // a whole screen is being drawn: no hurry
+    if (dark) {
+        VdpAddress((NAME_TABLE | VRAM_WRITE) + cell + cell);
+        VdpWord(tile);
+        return;
+    }
+    if (queued == QUEUE)
         Frame();
     entry = &queue[queued++];
     entry->cell = cell;

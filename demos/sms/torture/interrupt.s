@@ -87,6 +87,10 @@ COLOUR = 5                      ; the palette entry that is rewritten
 _LineBars::
     push bc
     push de
+    ld a, #0xFF                 ; no second time
+    out (VDP_CONTROL), a
+    ld a, #VDP_REGISTER + 10
+    out (VDP_CONTROL), a
     ld a, #0xA0                 ; display off: the backdrop fills the lines
     out (VDP_CONTROL), a
     ld a, #VDP_REGISTER + 1
@@ -134,9 +138,13 @@ _LineBars::
     jp .+3
     nop
     .endm
+    in a, (VDP_CONTROL)         ; the one that came meanwhile
     pop de
     pop bc
     jp leave
+
+; A whole page, so that its place is counted in eight bits; above every variable.
+_lineScroll == 0xD000
 
     .area _DATA
 _lineHandler::

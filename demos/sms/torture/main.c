@@ -26,10 +26,10 @@ void main(void)
         uint16_t left = kFramesPerPage;
         page->begin();
         if (page->title) { // a page of mode 4
-            Text(CELL(1, 2), "   OF 11:");
+            Text(CELL(1, 2), "    OF 11:");
             Decimal(CELL(1, 2), number + 1);
             Put(CELL(1, 2), 0);
-            Text(CELL(1, 12), page->title);
+            Text(CELL(1, 13), page->title);
         }
         do {
             const uint8_t pad = PadRead();

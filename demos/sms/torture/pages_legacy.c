@@ -62,7 +62,7 @@ void Mode0Begin(void)
     LegacyBegin(0x00E0);
     VdpAddress(COLOURS | VRAM_WRITE);
     for (i = 0; i < 32; ++i)
-        VdpByte((uint8_t)(i < 8 ? (i + i + 1) << 4 : 0xF0) | 4);
+        VdpByte((uint8_t)(i < 8 ? (i + 7) << 4 : 0xF0) | 4);
     LegacyText(CELL(3, 2), "MODE 0: EIGHT GLYPHS, A COLOUR");
     LegacyText(CELL(6, 2), "!\"#$%&'()*+,-./");
     LegacyText(CELL(8, 2), "0123456789:;<=>?");
@@ -73,9 +73,19 @@ void Mode0Begin(void)
     DisplayOn(0xE0);
 }
 
+// Five columns of a glyph's seven: cells are six pixels wide here.
+static uint8_t Thin(uint8_t row)
+{
+    return (row & 0x80) | (row & 0x38) << 1 | (row & 0x02) << 2;
+}
+
 void Mode1Begin(void)
 {
+    uint16_t i;
     LegacyBegin(0x00F0);
+    VdpAddress(PATTERNS | VRAM_WRITE);
+    for (i = 0; i < 512; ++i)
+        VdpByte(Thin(font[i]));
     columns = 40;
     LegacyText(3 * 40 + 1, "MODE 1: FORTY COLUMNS OF SIX PIXELS");
     LegacyText(6 * 40, "0123456789012345678901234567890123456789");
@@ -88,6 +98,8 @@ void Mode1Begin(void)
 
 void Mode2Begin(void)
 {
+    // From the top of a glyph down, two lines each.
+    static const uint8_t kInks[3][4] = {{15, 11, 10, 9}, {15, 7, 7, 5}, {15, 3, 2, 12}};
     uint8_t third, row;
     uint16_t i;
     LegacyBegin(0x02E0);
@@ -99,9 +111,9 @@ void Mode2Begin(void)
         VdpAddress((COLOURS | VRAM_WRITE) + ((uint16_t)third << 11));
         for (i = 0; i < 64; ++i)
             for (row = 0; row < 8; ++row)
-                VdpByte((uint8_t)((third << 2) + (row >> 1) + 2) << 4 | 1);
+                VdpByte(kInks[third][row >> 1] << 4 | 1);
     }
-    LegacyText(CELL(3, 2), "MODE 2: A COLOUR FOR EVERY LINE");
+    LegacyText(CELL(3, 2), "MODE 2: COLOURS FOR A LINE");
     LegacyText(CELL(5, 2), "THE UPPER THIRD");
     LegacyText(CELL(12, 2), "THE MIDDLE THIRD HAS ITS OWN");
     LegacyText(CELL(17, 2), "AND SO HAS THE LOWER. SPRITES:");

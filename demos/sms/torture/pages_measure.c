@@ -20,7 +20,7 @@ static const FlagCase kCases[kFlagCases] = {
     {"9TH PAST THE END MARK", 8, 16, 40, kTileBall, 0},
     {"2 OVERLAP", 2, 4, 120, kTileBall, STATUS_COLLISION},
     {"2 SIDE BY SIDE", 2, 8, 120, kTileBlock, 0},
-    {"2 OVERLAP, CLEAR PIXELS", 2, 4, 120, kTileHalf, 0},
+    {"2 OVERLAP, CLEAR DOTS", 2, 4, 120, kTileHalf, 0},
     {"2 MEET OFF THE EDGE", 2, 0, 254, kTileDot, 0},
     {"2 MEET AT ONE PIXEL", 2, 0, 120, kTileDot, STATUS_COLLISION},
 };
@@ -74,12 +74,14 @@ void FlagsStep(uint8_t tick)
     SetCase(&kCases[current]);
 }
 
-// Line interrupts of a frame for a value of register 10.
+// Line interrupts of a frame for a value of register 10. The one under the picture comes together with
+// the frame interrupt and is not counted.
 static uint8_t LinesWith(uint8_t value)
 {
     VdpRegister(10, value);
     WaitFrame();
     WaitFrame();
+    VdpRegister(10, 0xFF); // the pages draw undisturbed
     return lineCount;
 }
 
@@ -112,7 +114,7 @@ void CountersStep(uint8_t tick)
     switch (tick & 31) {
     case 8:
         Row(CELL(5, 21), 193 << 8 | frameV);
-        pair = 193 << 8 | LinesWith(0);
+        pair = 192 << 8 | LinesWith(0);
         Row(CELL(6, 21), pair);
         break;
     case 10:
@@ -123,7 +125,6 @@ void CountersStep(uint8_t tick)
         pair = 1 << 8 | LinesWith(99);
         Row(CELL(8, 21), pair);
         Row(CELL(9, 21), 100 << 8 | lineV);
-        VdpRegister(10, 0xFF);
         break;
     case 14:
         portIo = 0xDD; // TH of port A an output, low, then high: the latch
@@ -174,6 +175,8 @@ void TallBegin(void)
     Text(CELL(6, 8), "208 IS A PLACE HERE:");
     SpriteTile(0, kTileBall);
     SpriteTile(1, kTileBlock);
+    for (row = 2; row < 64; ++row) // nothing ends the list here
+        SpriteAt(row, 0xE0);
     DisplayOn(0xF0);
 }
 
@@ -181,5 +184,4 @@ void TallStep(uint8_t tick)
 {
     SpriteAt(0, (uint16_t)(40 + (tick & 127)) << 8 | 0xD0);
     SpriteAt(1, (uint16_t)(60 + (tick & 127)) << 8 | 199);
-    SpriteAt(2, 0xE0);
 }

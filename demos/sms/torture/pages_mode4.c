@@ -51,10 +51,16 @@ void ColoursStep(uint8_t tick)
     SpriteAt(0, (uint16_t)(24 + (tick & 127) + (tick & 63)) << 8 | 159);
 }
 
+#define FIRST_WAVE 22 // lines: the title above stands still
+
 void WaveBegin(void)
 {
     uint8_t row;
     Mode4Begin();
+    for (row = 0; row < FIRST_WAVE; ++row)
+        lineScroll[row] = 0;
+    for (; row < 192; ++row)
+        lineScroll[row] = kSine[row >> 2 & 31];
     for (row = 3; row < 24; row += 3)
         Text(CELL(row, 3), "EVERY LINE BY ITSELF *$@");
     for (row = 4; row < 24; row += 3)
@@ -67,10 +73,14 @@ void WaveBegin(void)
 
 void WaveStep(uint8_t tick)
 {
-    uint8_t line;
+    uint8_t *place = &lineScroll[FIRST_WAVE];
+    uint8_t left;
     VdpRegister(8, 0);
-    for (line = 0; line < 192; ++line)
-        lineScroll[line] = line < 22 ? 0 : kSine[(uint8_t)(line + tick) >> 2 & 31];
+    for (left = 191 - FIRST_WAVE; left; --left) { // a line upwards
+        place[0] = place[1];
+        ++place;
+    }
+    *place = kSine[(uint8_t)(tick + 192) >> 2 & 31];
 }
 
 void LocksBegin(void)
@@ -80,7 +90,7 @@ void LocksBegin(void)
     for (row = 3; row < 28; ++row)
         for (column = 0; column < 32; ++column)
             Put(CELL(row, column), kTilePlain + ((row ^ column) & 1 ? 1 : 11));
-    Text(CELL(1, 1), "LOCKED SIDEWAYS: LINES 0-15");
+    Text(CELL(0, 1), "LINES 0-15 ARE LOCKED SIDEWAYS");
     for (row = 4; row < 24; row += 4) {
         Text(CELL(row, 3), " MOVES BOTH WAYS ");
         Text(CELL(row + 1, 24), " NO UP ");
@@ -101,7 +111,7 @@ void BarsBegin(void)
     Mode4Begin();
     Text(CELL(3, 2), "BACKDROP, DISPLAY OFF");
     Text(CELL(11, 2), "A COLOUR, DISPLAY ON");
-    for (row = 12; row < 19; ++row)
+    for (row = 12; row < 17; ++row)
         for (column = 0; column < 32; ++column)
             Put(CELL(row, column), kTilePlain + 5);
     Text(CELL(20, 2), "BOTH CHANGE WITHIN A LINE.");
@@ -115,6 +125,7 @@ void BarsBegin(void)
 void BarsStep(uint8_t tick)
 {
     (void)tick;
+    VdpRegister(10, 38); // for the next frame; the handler lets no second one come
 }
 
 void SizesBegin(void)

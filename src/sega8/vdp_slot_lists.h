@@ -1,0 +1,97 @@
+// The four slot lists of the 8-bit VDP, expanded at compile time. For the sources that run them as
+// straight code; others read kVdpSlotLists.
+#pragma once
+
+#include "sega8/vdp_slots.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace vdp_slot_lists {
+
+// Slots in order, two bytes each.
+template <size_t Bytes>
+using Slots = std::array<uint8_t, Bytes>;
+
+constexpr Slots<2> Byte(VdpSlotKind kind) {
+    return {kind, 1};
+}
+
+constexpr Slots<2> Word(VdpSlotKind kind) {
+    return {kind, 0};
+}
+
+template <size_t... Bytes>
+constexpr Slots<(Bytes + ...)> Row(const Slots<Bytes>&... parts) {
+    Slots<(Bytes + ...)> all{};
+    size_t at = 0;
+    ((std::copy(parts.begin(), parts.end(), all.begin() + at), at += Bytes), ...);
+    return all;
+}
+
+template <size_t Times, size_t Bytes>
+constexpr Slots<Times * Bytes> Repeat(const Slots<Bytes>& part) {
+    Slots<Times * Bytes> all{};
+    for (size_t i = 0; i < Times; ++i) {
+        std::copy(part.begin(), part.end(), all.begin() + i * Bytes);
+    }
+    return all;
+}
+
+inline constexpr auto kFree = Byte(kSlotFree);
+
+// Thirty-two columns come in eight groups of four. The second slot of the first column is the
+// processor's, that of the three others searches sprites.
+template <size_t Bytes>
+constexpr auto Columns(const Slots<Bytes>& first, const Slots<Bytes>& other) {
+    return Repeat<8>(Row(first, Repeat<3>(other)));
+}
+
+// Mode 4: eight sprites are fetched, then the search for the line after next begins.
+inline constexpr auto kSprites4 =
+    Repeat<8>(Row(Word(kSlotSprite4), kFree, Word(kSlotSprite4Low), Word(kSlotSprite4High)));
+inline constexpr auto kSearch4 = Repeat<4>(Word(kSlotTestY4));
+inline constexpr auto kEnd4 = Row(kFree, kSprites4, kFree, kSearch4, kFree, kSearch4);
+
+inline constexpr auto kMode4Active =
+    Row(Columns(Row(Word(kSlotName4), kFree, Word(kSlotTileLow), Word(kSlotTileHigh)),
+                Row(Word(kSlotName4), Word(kSlotTestY4), Word(kSlotTileLow), Word(kSlotTileHigh))),
+        kEnd4);
+
+inline constexpr auto kMode4Blank =
+    Row(Columns(Row(kFree, kFree, kFree, Byte(kSlotBlank)),
+                Row(kFree, Word(kSlotTestY4), kFree, Byte(kSlotBlank))),
+        kEnd4);
+
+// Modes 0 to 2: four sprites of six slots; the third one is interrupted by the retrace.
+inline constexpr auto kSpriteHead = Row(Byte(kSlotSpriteY), Byte(kSlotSpriteX));
+inline constexpr auto kSpriteRest = Row(Byte(kSlotSpriteNumber), Byte(kSlotSpriteFlags),
+                                        Byte(kSlotSpriteLeft), Byte(kSlotSpriteRight));
+inline constexpr auto kSprite = Row(kSpriteHead, kSpriteRest);
+inline constexpr auto kSearch = Repeat<4>(Byte(kSlotTestY));
+inline constexpr auto kSearchEnd = Row(Repeat<3>(kFree), kSearch, kFree, kSearch);
+
+inline constexpr auto kLegacyActive =
+    Row(Columns(Row(Byte(kSlotName), kFree, Byte(kSlotPattern), Byte(kSlotColour)),
+                Row(Byte(kSlotName), Byte(kSlotTestY), Byte(kSlotPattern), Byte(kSlotColour))),
+        kFree, kFree, kSprite, kSprite, kSpriteHead, Repeat<5>(kFree), kSpriteRest, kSprite,
+        kSearchEnd);
+
+inline constexpr auto kLegacyBlank =
+    Row(Columns(Row(kFree, kFree, kFree, Byte(kSlotBlank)),
+                Row(kFree, Byte(kSlotTestY), kFree, Byte(kSlotBlank))),
+        kFree, kFree, kSprite, kFree, kSprite, kFree, kSpriteHead, kFree, kFree, kSpriteRest, kFree,
+        kSprite, kSearchEnd);
+
+static_assert(kVdpSlotBytes == 2 * kVdpSlots);
+static_assert(kMode4Active.size() == kVdpSlotBytes);
+static_assert(kMode4Blank.size() == kVdpSlotBytes);
+static_assert(kLegacyActive.size() == kVdpSlotBytes);
+static_assert(kLegacyBlank.size() == kVdpSlotBytes);
+
+inline constexpr std::array<VdpSlotList, 4> kLists = {kMode4Active, kMode4Blank, kLegacyActive,
+                                                      kLegacyBlank};
+
+} // namespace vdp_slot_lists

@@ -59,8 +59,18 @@ PLAYER Start(const Options& options, uint16_t system, uint32_t board = 0) {
 
 std::vector<PLAYER> StartAll() {
     std::vector<PLAYER> players;
-    players.push_back(Start<CSMS>(SMS_OPTIONS{kSms2Pal, 1, 1, {2, 4}, {}}, kSystemMasterSystem));
-    players.push_back(Start<CSMS>(SMS_OPTIONS{kSms1Ntsc, 0, 0, {8, 16}, {}}, kSystemMasterSystem));
+    players.push_back(Start<CSMS>(
+        SMS_OPTIONS{
+            kSms2Pal, 1, 1, {2,                4},
+               {                }
+    },
+        kSystemMasterSystem));
+    players.push_back(Start<CSMS>(
+        SMS_OPTIONS{
+            kSms1Ntsc, 0, 0, {8,                16},
+               {                }
+    },
+        kSystemMasterSystem));
     players.push_back(Start<CGAMEGEAR>(GEAR_OPTIONS{}, kSystemGameGear));
     players.push_back(Start<CGAMEGEAR>(GEAR_OPTIONS{0, 1, 1, {}}, kSystemGameGear));
     players.push_back(Start<CSEGAE>(std::array<uint8_t, kMachineOptionBytes>{}, kSystemArcade, 1));

@@ -6,15 +6,10 @@ u8 FontIndex(char character) {
     if (character >= 'A' && character <= 'Z')
         return (u8)(character - 'A' + 10);
     switch (character) {
-    case '.':
-        return 36;
-    case '-':
-        return 37;
-    case '!':
-        return 38;
-    case ':':
-        return 39;
-    default:
-        return FONT_GLYPHS;
+    case '.': return 36;
+    case '-': return 37;
+    case '!': return 38;
+    case ':': return 39;
+    default: return FONT_GLYPHS;
     }
 }

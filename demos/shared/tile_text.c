@@ -10,7 +10,7 @@ static u8 ColourOf(char character) {
     return (u8)(character - 'a' + 10);
 }
 
-void TileFromText(const char *text, u8 stride, u8 add, u8 *planes) {
+void TileFromText(const char* text, u8 stride, u8 add, u8* planes) {
     static u8 colours[8];
     for (u8 row = 0; row < 8; ++row) {
         for (u8 column = 0; column < 8; ++column) {
@@ -26,7 +26,7 @@ void TileFromText(const char *text, u8 stride, u8 add, u8 *planes) {
 }
 
 // One row of a glyph with every dot doubled, bit 15 leftmost.
-static u16 DoubledRow(const char *row) {
+static u16 DoubledRow(const char* row) {
     u16 mask = 0;
     for (u8 column = 0; column < 8; ++column) {
         mask <<= 2;
@@ -36,7 +36,7 @@ static u16 DoubledRow(const char *row) {
     return mask;
 }
 
-static void WriteRow(u8 *planes, u8 ink, u8 inkColour, u8 shade, u8 shadeColour) {
+static void WriteRow(u8* planes, u8 ink, u8 inkColour, u8 shade, u8 shadeColour) {
     for (u8 plane = 0; plane < 4; ++plane) {
         u8 bits = 0;
         if (inkColour & 1)
@@ -49,13 +49,13 @@ static void WriteRow(u8 *planes, u8 ink, u8 inkColour, u8 shade, u8 shadeColour)
     }
 }
 
-void TilesFromBigGlyph(const char *glyph, u8 stride, const u8 *rowColours, u8 shadow, u8 *planes) {
+void TilesFromBigGlyph(const char* glyph, u8 stride, const u8* rowColours, u8 shadow, u8* planes) {
     u16 above = 0;
     for (u8 row = 0; row < 16; ++row) {
         const u16 ink = DoubledRow(glyph);
         const u16 shade = (above >> 1) & ~ink;
         above = ink;
-        u8 *left = planes + ((row & 7) << 2);
+        u8* left = planes + ((row & 7) << 2);
         if (row >= 8)
             left += 2 * TILE_BYTES;
         WriteRow(left, (u8)(ink >> 8), rowColours[row], (u8)(shade >> 8), shadow);

@@ -10,15 +10,17 @@ static const u16 periods[12] = {855, 807, 762, 719, 679, 641, 605, 571, 539, 508
 // Semitones above C of the letters A to G.
 static const u8 semitones[7] = {9, 11, 0, 2, 4, 5, 7};
 
-static const TUNE *current;
-static const char *position[VOICES];
-static const char *drumPosition;
+static const TUNE* current;
+static const char* position[VOICES];
+static const char* drumPosition;
 static u8 attenuation[VOICES];
 static u8 decayCount[VOICES];
 static u8 drumAttenuation;
 static u8 stepCount;
 
-static void SetAttenuation(u8 channel, u8 value) { psgPort = (u8)(0x90 | (channel << 5) | value); }
+static void SetAttenuation(u8 channel, u8 value) {
+    psgPort = (u8)(0x90 | (channel << 5) | value);
+}
 
 static void SetPeriod(u8 channel, u16 period) {
     psgPort = (u8)(0x80 | (channel << 5) | (period & 15));
@@ -38,7 +40,7 @@ static u16 PeriodOf(char letter, char octave) {
     return period >> (octave - '3');
 }
 
-void TuneStart(const TUNE *tune) {
+void TuneStart(const TUNE* tune) {
     current = tune;
     stepCount = 0;
     drumAttenuation = SILENT;
@@ -52,7 +54,7 @@ void TuneStart(const TUNE *tune) {
 }
 
 static void NextNote(u8 voice) {
-    const char *next = position[voice];
+    const char* next = position[voice];
     if (*next == '\0')
         next = current->voices[voice];
     position[voice] = next + 2;
@@ -83,8 +85,7 @@ static void NextDrum(void) {
         psgPort = 0xE4;
         drumAttenuation = 10;
         break;
-    default:
-        break;
+    default: break;
     }
 }
 

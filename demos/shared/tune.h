@@ -9,14 +9,14 @@
 #include "types.h"
 
 typedef struct {
-    const char *voices[3]; // lead, bass, third; null leaves the channel to others
-    const char *drums;     // null leaves the noise channel to others
+    const char* voices[3]; // lead, bass, third; null leaves the channel to others
+    const char* drums;     // null leaves the noise channel to others
     u8 attenuation[3];     // of a note as it begins, 0 loudest
     u8 decay[3];           // frames for one step of attenuation more
     u8 stepFrames;         // frames a step lasts
 } TUNE;
 
 // Null falls silent.
-void TuneStart(const TUNE *tune);
+void TuneStart(const TUNE* tune);
 // Once a frame.
 void TuneStep(void);

@@ -17,7 +17,7 @@ std::unique_ptr<CEmuSystem> Construct(uint32_t sessionKey) {
 constexpr MACHINE_ENTRY kMachines[] = {
     {1, ".\\sms",      Construct<CSMS>     },
     {2, ".\\gamegear", Construct<CGAMEGEAR>},
-    {6, "",           Construct<CSEGAE>   },
+    {6, "",            Construct<CSEGAE>   },
 };
 
 } // namespace

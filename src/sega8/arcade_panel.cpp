@@ -4,7 +4,7 @@
 namespace {
 
 // Wheel of the analog panel.
-constexpr uint8_t kSteeringLow = 33;  // a left turn stops under this
+constexpr uint8_t kSteeringLow = 33;   // a left turn stops under this
 constexpr uint8_t kSteeringHigh = 224; // a right turn stops here
 constexpr uint8_t kSteeringStep = 4;
 constexpr uint8_t kRestLow = 123; // between the two the wheel rests
@@ -113,7 +113,8 @@ uint8_t ReadJoystick(const ARCADE_PANEL& panel) {
 }
 
 uint8_t ReadDial(const ARCADE_PANEL& panel) {
-    auto word = static_cast<uint16_t>(panel.dialSpeed < 0 ? panel.dialSpeed + 4095 : panel.dialSpeed);
+    auto word =
+        static_cast<uint16_t>(panel.dialSpeed < 0 ? panel.dialSpeed + 4095 : panel.dialSpeed);
     word |= 0xF000;
     if (Holds(panel, kArcadeButton1)) {
         word = static_cast<uint16_t>(word & ~0x4000);

@@ -381,7 +381,7 @@ void CGAMEGEAR::CutWindow(EMU_VIDEO_FRAME& video) const {
         for (uint32_t i = 0; i < consoleCount; ++i) {
             const size_t from = row + kWindowRow + consoles[i].vdp.border;
             std::memmove(out,
-                         video.pixels + from * video.width + i * kVdpPictureWidth + kWindowColumn,
+                         video.pixels + from * video.width + size_t{i} * kVdpPictureWidth + kWindowColumn,
                          kWindowWidth * sizeof *out);
             out += kWindowWidth;
         }
@@ -445,4 +445,21 @@ uint8_t CGAMEGEAR::Peek(uint16_t address, uint32_t console) const {
 std::vector<uint8_t> CGAMEGEAR::Memory(std::string_view region, uint32_t console) const {
     const GEAR_CONSOLE& owner = consoles[console == 0 ? 0 : 1];
     return SegaMemoryRegion(owner.memory, owner.vram, owner.vdp.cram, region);
+}
+
+bool CGAMEGEAR::Peek(uint32_t address, uint8_t& value) const {
+    if (address > 0xFFFF) {
+        return false;
+    }
+    value = Peek(static_cast<uint16_t>(address));
+    return true;
+}
+
+std::vector<uint8_t> CGAMEGEAR::Dump(std::string_view region) const {
+    return Memory(region);
+}
+
+std::span<const std::string_view> CGAMEGEAR::Regions() const {
+    static constexpr std::string_view kRegions[] = {"ram", "sram", "vram", "palette"};
+    return kRegions;
 }

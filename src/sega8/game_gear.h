@@ -15,6 +15,7 @@
 #pragma once
 
 #include "host/emu_system.h"
+#include "host/inspection.h"
 #include "sega8/gear_link.h"
 #include "sega8/psg.h"
 #include "sega8/sega_memory.h"
@@ -24,6 +25,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -55,7 +57,7 @@ struct GEAR_CONSOLE {
 [[nodiscard]] uint8_t GearReadPort(GEAR_CONSOLE& console, uint16_t port);
 void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value);
 
-class CGAMEGEAR : public CEmuSystem {
+class CGAMEGEAR : public CEmuSystem, public CInspection {
 public:
     explicit CGAMEGEAR(uint32_t sessionKeyValue);
 
@@ -72,6 +74,10 @@ public:
 
     // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
     void SetStepByStep(bool plain) { stepByStep = plain; }
+
+    [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
+    [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
+    [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
 private:
     void ConnectChips();

@@ -17,7 +17,8 @@ struct ARC_RECORD;
 
 // The image of the chosen variant. Nothing, with the last error set, when there is no file (null), no
 // image, an empty one, or one of more than `largest` bytes.
-[[nodiscard]] std::optional<std::vector<uint8_t>> TakeImage(const CGameFile* game, uint32_t largest);
+[[nodiscard]] std::optional<std::vector<uint8_t>> TakeImage(const CGameFile* game,
+                                                            uint32_t largest);
 
 // The machine record of the chosen variant; the defaults for a file without one of the right kind.
 [[nodiscard]] SMS_RECORD SmsRecordOf(const CGameFile& game);

@@ -106,7 +106,9 @@ uint8_t GearLinkRead(GEAR_LINK& link, uint8_t port) {
     }
     case 2: return link.directions;
     case 3: return link.sendByte;
-    case 4: link.serial = static_cast<uint8_t>(link.serial & ~kGearReceived); return link.receivedByte;
+    case 4:
+        link.serial = static_cast<uint8_t>(link.serial & ~kGearReceived);
+        return link.receivedByte;
     case 5: return ReadSerial(link);
     default: return 0xFF;
     }

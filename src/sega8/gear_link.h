@@ -33,9 +33,9 @@ struct GEAR_LINK {
     bool japanese = false;
     bool startDown = false; // as of this frame
 
-    uint8_t lines = 0x7F;      // port 1: what this side drives; bit 7 is storage
-    uint8_t directions = 0xFF; // port 2: 1 input; bit 7 set keeps PC6 from raising NMI
-    uint8_t sendByte = 0x00;   // port 3
+    uint8_t lines = 0x7F;        // port 1: what this side drives; bit 7 is storage
+    uint8_t directions = 0xFF;   // port 2: 1 input; bit 7 set keeps PC6 from raising NMI
+    uint8_t sendByte = 0x00;     // port 3
     uint8_t receivedByte = 0xFF; // port 4
     uint8_t serial = 0x00;       // port 5
     uint8_t panning = 0xFF;      // port 6

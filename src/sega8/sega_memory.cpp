@@ -46,8 +46,7 @@ void MapImage(SEGA_MEMORY& memory, const SEGA_IMAGE& image, const SEGA_MAPPER_WO
 }
 
 // 8 KB of RAM from `firstPage` on, twice.
-void MapRamTwice(SEGA_MEMORY& memory, uint32_t firstPage,
-                 std::array<uint8_t, kSegaRamBytes>& ram) {
+void MapRamTwice(SEGA_MEMORY& memory, uint32_t firstPage, std::array<uint8_t, kSegaRamBytes>& ram) {
     for (uint32_t page = 0; page < kPagesInSlot; ++page) {
         uint8_t* const bytes = ram.data() + size_t{page} * kPageBytes % kSegaRamBytes;
         memory.readPages[firstPage + page] = bytes;
@@ -96,8 +95,12 @@ SEGA_IMAGE MakeBios(std::vector<uint8_t> image) {
 
 void SegaMemoryReset(SEGA_MEMORY& memory) {
     memory.workRam.fill(0);
-    memory.cartridgeWords = {.slots = {0, 1, 2}};
-    memory.biosWords = {.slots = {0, 1, 2}};
+    memory.cartridgeWords = {
+        .slots = {0, 1, 2}
+    };
+    memory.biosWords = {
+        .slots = {0, 1, 2}
+    };
     memory.control = kControlWithBios;
     if (!memory.bios.Present()) {
         memory.control = kControlAfterBios;

@@ -69,8 +69,9 @@ struct SEGA_MEMORY {
 
     SEGA_IMAGE cartridge;
     SEGA_IMAGE bios;
-    SegaMapper mapper = SegaMapper::kSega;    // of the cartridge
-    SegaMapper listening = SegaMapper::kSega; // kSega while the cartridge is off: a BIOS has that one
+    SegaMapper mapper = SegaMapper::kSega; // of the cartridge
+    SegaMapper listening =
+        SegaMapper::kSega; // kSega while the cartridge is off: a BIOS has that one
 
     SEGA_MAPPER_WORDS cartridgeWords;
     SEGA_MAPPER_WORDS biosWords; // its `control` is unused: there is one 0xFFFC

@@ -327,3 +327,20 @@ bool CSMS::LoadState(const uint8_t* data, uint32_t size) {
 std::vector<uint8_t> CSMS::Memory(std::string_view region) const {
     return SegaMemoryRegion(memory, vram, std::span(vdp.cram).first(kPaletteBytes), region);
 }
+
+bool CSMS::Peek(uint32_t address, uint8_t& value) const {
+    if (address > 0xFFFF) {
+        return false;
+    }
+    value = Peek(static_cast<uint16_t>(address));
+    return true;
+}
+
+std::vector<uint8_t> CSMS::Dump(std::string_view region) const {
+    return Memory(region);
+}
+
+std::span<const std::string_view> CSMS::Regions() const {
+    static constexpr std::string_view kRegions[] = {"ram", "sram", "vram", "palette"};
+    return kRegions;
+}

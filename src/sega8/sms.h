@@ -11,6 +11,7 @@
 #pragma once
 
 #include "host/emu_system.h"
+#include "host/inspection.h"
 #include "sega8/psg.h"
 #include "sega8/sega_memory.h"
 #include "sega8/sms_pads.h"
@@ -21,6 +22,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -46,7 +48,7 @@ static_assert(offsetof(SMS_OPTIONS, devices) == 3);
 
 struct SMS_BUS;
 
-class CSMS : public CEmuSystem {
+class CSMS : public CEmuSystem, public CInspection {
 public:
     explicit CSMS(uint32_t sessionKeyValue);
 
@@ -67,6 +69,10 @@ public:
     // The ports as the Z80 sees them; the low byte counts.
     [[nodiscard]] uint8_t ReadPort(uint16_t port);
     void WritePort(uint16_t port, uint8_t value);
+
+    [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
+    [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
+    [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
 private:
     void ConnectChips();

@@ -115,7 +115,8 @@ uint8_t JoypadLines(uint32_t input) {
 
 uint8_t PhaserLines(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
     const bool light = Sees(pads, port) && SeesBeam(pads, vdp, port);
-    return OpenWithout(Pressed(pads.input[port], kPadButton1, kLineTl) | (light ? uint32_t{kLineTh} : 0u));
+    return OpenWithout(Pressed(pads.input[port], kPadButton1, kLineTl) |
+                       (light ? uint32_t{kLineTh} : 0u));
 }
 
 uint8_t SportsPadLines(PAD_PORTS& pads, uint32_t port, uint32_t clock) {

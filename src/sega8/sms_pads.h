@@ -60,8 +60,8 @@ struct PAD_PORTS {
     bool thReturns = true; // false on Japanese consoles
 
     // As of this frame.
-    std::array<uint32_t, 2> input{};            // PadInput
-    std::array<int32_t, 2> lightLine{-1, -1};   // last line whose hit has latched the H counter
+    std::array<uint32_t, 2> input{};          // PadInput
+    std::array<int32_t, 2> lightLine{-1, -1}; // last line whose hit has latched the H counter
 
     // In states.
     uint8_t ioControl = 0xFF; // port 0x3F

@@ -410,3 +410,20 @@ std::vector<uint8_t> CSEGAE::Memory(std::string_view region) const {
     }
     return bytes;
 }
+
+bool CSEGAE::Peek(uint32_t address, uint8_t& value) const {
+    if (address > 0xFFFF) {
+        return false;
+    }
+    value = Peek(static_cast<uint16_t>(address));
+    return true;
+}
+
+std::vector<uint8_t> CSEGAE::Dump(std::string_view region) const {
+    return Memory(region);
+}
+
+std::span<const std::string_view> CSEGAE::Regions() const {
+    static constexpr std::string_view kRegions[] = {"ram", "vram", "palette"};
+    return kRegions;
+}

@@ -14,6 +14,7 @@
 #pragma once
 
 #include "host/emu_system.h"
+#include "host/inspection.h"
 #include "sega8/psg.h"
 #include "sega8/vdp.h"
 #include "sega8/z80.h"
@@ -21,6 +22,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -67,7 +69,7 @@ void ArcadePanelSelect(ARCADE_PANEL& panel, uint8_t value);
 
 struct ARCADE_BUS;
 
-class CSEGAE : public CEmuSystem {
+class CSEGAE : public CEmuSystem, public CInspection {
 public:
     explicit CSEGAE(uint32_t sessionKeyValue);
 
@@ -99,6 +101,10 @@ public:
     }
     [[nodiscard]] uint8_t ReadPort(uint16_t port);
     void WritePort(uint16_t port, uint8_t value);
+
+    [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
+    [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
+    [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
 private:
     [[nodiscard]] bool PrepareOpcodes(const CGameFile& game, size_t imageBytes);

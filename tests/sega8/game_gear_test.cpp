@@ -1,9 +1,8 @@
 // The Game Gear, alone and linked.
 #include "sega8/game_gear.h"
+#include "sega8/machine_rig.h"
 
 #include <gtest/gtest.h>
-
-#include "sega8/machine_rig.h"
 
 #include <algorithm>
 
@@ -90,9 +89,9 @@ Program Noise() {
     // Fills all 16 KB: ld hl,0x4000; ld de,0x1234; loop: a = d*5 ^ e ...
     program.Bytes({0x21, 0x00, 0x40, 0x11, 0x34, 0x12}); // ld hl,0x4000; ld de,0x1234
     const int loop = program.Here();
-    program.Bytes({0x7B, 0x82, 0x07, 0xAA, 0x57, 0x1C});       // a=e; a+=d; rlca; a^=d; d=a; e++
-    program.Bytes({0xD3, 0xBE, 0x2B, 0x7C, 0xB5});             // out; dec hl; a=h|l
-    program.Bytes({0xC2, loop & 0xFF, loop >> 8});             // jp nz
+    program.Bytes({0x7B, 0x82, 0x07, 0xAA, 0x57, 0x1C}); // a=e; a+=d; rlca; a^=d; d=a; e++
+    program.Bytes({0xD3, 0xBE, 0x2B, 0x7C, 0xB5});       // out; dec hl; a=h|l
+    program.Bytes({0xC2, loop & 0xFF, loop >> 8});       // jp nz
     program.VdpRegister(0xBF, 0, 0x06 & ~2).VdpRegister(0xBF, 1, 0x40).Stop();
     return program;
 }

@@ -1,6 +1,4 @@
 // States of the three machines: sizes, order, sameness of what follows, damaged bytes.
-#include <gtest/gtest.h>
-
 #include "base/bytes.h"
 #include "host/machines.h"
 #include "sega8/game_gear.h"
@@ -8,8 +6,12 @@
 #include "sega8/sms.h"
 #include "sega8/system_e.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <random>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -62,20 +64,47 @@ std::unique_ptr<CEmuSystem> StartArcade(uint32_t board) {
     return StartMachine<CSEGAE>(std::array<uint8_t, 256>{}, game);
 }
 
-const CASE kCases[] = {
-    {"Sms", [] { return StartSms({}); }, {L"SMS P1 UP", L"SMS PAUSE"}},
-    {"SmsPalFmPhaserSportsPadGlasses",
-     [] { return StartSms({kSms2Pal, 1, 1, {2, 4}, {}}); },
-     {L"SMS P1 LEFT", L"SMS P2 UP"}},
-    {"SmsPaddleSixButtons",
-     [] { return StartSms({kSms1Ntsc, 0, 0, {8, 16}, {}}); },
-     {L"SMS P1 LEFT", L"SMS P2 BUTTON3"}},
-    {"GameGear", [] { return StartGear(false); }, {L"GG P1 UP", L"GG P1 START"}},
-    {"LinkedGameGears", [] { return StartGear(true); }, {L"GG P1 UP", L"GG P2 START"}},
-    {"ArcadeAnalog",
-     [] { return StartArcade(1); },
-     {L"Arcade P1 LEFT", L"Arcade P1 BUTTON1"}},
-    {"ArcadeDial", [] { return StartArcade(4); }, {L"Arcade P1 RIGHT", L"Arcade Start1"}},
+std::unique_ptr<CEmuSystem> StartPlainSms() {
+    return StartSms({});
+}
+std::unique_ptr<CEmuSystem> StartFmSms() {
+    return StartSms({
+        kSms2Pal, 1, 1, {2,            4},
+           {            }
+    });
+}
+std::unique_ptr<CEmuSystem> StartPaddleSms() {
+    return StartSms({
+        kSms1Ntsc, 0, 0, {8,            16},
+           {            }
+    });
+}
+std::unique_ptr<CEmuSystem> StartOneGear() {
+    return StartGear(false);
+}
+std::unique_ptr<CEmuSystem> StartTwoGears() {
+    return StartGear(true);
+}
+std::unique_ptr<CEmuSystem> StartAnalogArcade() {
+    return StartArcade(1);
+}
+std::unique_ptr<CEmuSystem> StartDialArcade() {
+    return StartArcade(4);
+}
+
+CASE MakeCase(const char* name, std::unique_ptr<CEmuSystem> (*start)(),
+              std::vector<std::wstring> actions) {
+    return {name, start, std::move(actions)};
+}
+
+const std::vector<CASE> kCases = {
+    MakeCase("Sms", StartPlainSms, {L"SMS P1 UP", L"SMS PAUSE"}),
+    MakeCase("SmsPalFmPhaserSportsPadGlasses", StartFmSms, {L"SMS P1 LEFT", L"SMS P2 UP"}),
+    MakeCase("SmsPaddleSixButtons", StartPaddleSms, {L"SMS P1 LEFT", L"SMS P2 BUTTON3"}),
+    MakeCase("GameGear", StartOneGear, {L"GG P1 UP", L"GG P1 START"}),
+    MakeCase("LinkedGameGears", StartTwoGears, {L"GG P1 UP", L"GG P2 START"}),
+    MakeCase("ArcadeAnalog", StartAnalogArcade, {L"Arcade P1 LEFT", L"Arcade P1 BUTTON1"}),
+    MakeCase("ArcadeDial", StartDialArcade, {L"Arcade P1 RIGHT", L"Arcade Start1"}),
 };
 
 struct FRAME_RESULT {
@@ -124,7 +153,8 @@ std::vector<uint32_t> PieceSizes(const SAVED& saved) {
 
 TEST(MachineState, SmsPiecesStandInTheirOrder) {
     const SAVED saved = Save(*StartSms({}));
-    const std::vector<uint32_t> expected = {32849, 87, VdpStateSize(), PsgStateSize(), YmStateSize()};
+    const std::vector<uint32_t> expected = {32849, 87, VdpStateSize(), PsgStateSize(),
+                                            YmStateSize()};
     EXPECT_EQ(PieceSizes(saved), expected);
 }
 
@@ -148,7 +178,10 @@ TEST(MachineState, ArcadePiecesStandInTheirOrder) {
 }
 
 TEST(MachineState, SmsBoardBeginsWithTheEightPortLatches) {
-    const std::unique_ptr<CEmuSystem> machine = StartSms({0, 1, 0, {0, 0}, {}});
+    const std::unique_ptr<CEmuSystem> machine = StartSms({
+        0, 1, 0, {0,            0},
+           {            }
+    });
     auto& sms = dynamic_cast<CSMS&>(*machine);
     sms.WritePort(0xF0, 0x0E);
     sms.WritePort(0xF2, 0x03);
@@ -188,7 +221,7 @@ TEST_P(EveryMachineState, GivesThePicturesOfTheRunThatWentOn) {
 }
 
 INSTANTIATE_TEST_SUITE_P(MachineState, EveryMachineState, testing::ValuesIn(kCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST(MachineState, SoundAfterLoadingIsAlwaysTheSame) {
     for (const CASE& what : kCases) {
@@ -321,8 +354,9 @@ TEST(Machines, ListHoldsTheThreeMachines) {
         {6, ""           },
     };
     for (const auto& row : rows) {
-        const auto found = std::find_if(list.machines.begin(), list.machines.end(),
-                                        [&](const auto& entry) { return entry.system == row.system; });
+        const auto found =
+            std::find_if(list.machines.begin(), list.machines.end(),
+                         [&](const auto& entry) { return entry.system == row.system; });
         ASSERT_NE(found, list.machines.end());
         EXPECT_STREQ(found->folder, row.folder);
         EXPECT_EQ(found->construct(5)->sessionKey, 5u);

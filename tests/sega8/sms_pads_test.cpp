@@ -1,6 +1,5 @@
 // The controller ports, each device from the program's side.
 #include "sega8/sms_pads.h"
-
 #include "sega8/vdp.h"
 
 #include <gtest/gtest.h>
@@ -356,9 +355,9 @@ TEST(SmsPads, SixButtonPadFollowsItsTable) {
     PORTS ports(PadDevice::kSixButton);
     ports.Control(kThAHigh);
     ports.clock += 5000;
-    const uint32_t inputs[] = {0,          kPadUp,     kPadDown,   kPadLeft,   kPadRight,
-                               kButton(1), kButton(2), kButton(3), kButton(4), kButton(5),
-                               kButton(6)};
+    const uint32_t inputs[] = {0,          kPadUp,     kPadDown,   kPadLeft,
+                               kPadRight,  kButton(1), kButton(2), kButton(3),
+                               kButton(4), kButton(5), kButton(6)};
     for (const uint32_t input : inputs) {
         ports.clock += 5000;
         ports.Frame(input);
@@ -369,14 +368,14 @@ TEST(SmsPads, SixButtonPadFollowsItsTable) {
         const int plain = 0x3F & ~(directions | bc);
         const int plainLow = 0x3F & ~((directions & 3) | 0x0C | a);
         const int expected[8] = {
-            plainLow,                              // TH 0, none risen
-            plain,                                 // TH 1, once
-            plainLow,                              //
-            plain,                                 // twice
-            0x3F & ~(0x0F | a),                    // TH 0: the mark
+            plainLow,           // TH 0, none risen
+            plain,              // TH 1, once
+            plainLow,           //
+            plain,              // twice
+            0x3F & ~(0x0F | a), // TH 0: the mark
             0x3F & ~(pulled(kButton(6), 1) | pulled(kButton(5), 2) | pulled(kButton(4), 4) | bc),
-            0x3F & ~a,                             // TH 0: all ones
-            plain,                                 // and round again
+            0x3F & ~a, // TH 0: all ones
+            plain,     // and round again
         };
         EXPECT_EQ(ports.Dc() & 0x3F, plain);
         for (int step = 0; step < 8; ++step) {

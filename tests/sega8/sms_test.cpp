@@ -1,9 +1,8 @@
 // The Master System: ports, options, frames, sound.
+#include "sega8/machine_rig.h"
 #include "sega8/sms.h"
 
 #include <gtest/gtest.h>
-
-#include "sega8/machine_rig.h"
 
 #include <algorithm>
 
@@ -36,7 +35,8 @@ bool Silent(const MACHINE_RIG& rig) {
 Program Counting() {
     Program program;
     program.Bytes({0xF3, 0xED, 0x56}).Bytes({0xC3, 0x80, 0x00}); // di; im 1; jp 0x0080
-    program.At(0x38).Bytes({0xF5, 0xE5, 0x21, 0x01, 0xC1, 0x34, 0xDB, 0xBF, 0xE1, 0xF1, 0xFB, 0xC9});
+    program.At(0x38).Bytes(
+        {0xF5, 0xE5, 0x21, 0x01, 0xC1, 0x34, 0xDB, 0xBF, 0xE1, 0xF1, 0xFB, 0xC9});
     program.At(0x66).Bytes({0xE5, 0x21, 0x00, 0xC1, 0x34, 0xE1, 0xED, 0x45});
     program.At(0x80);
     return program;
@@ -69,7 +69,8 @@ TEST(Sms, ConsolePicksLinesAndVideoChip) {
     for (const auto& row : rows) {
         MACHINE_RIG rig;
         const Sms machine =
-            Start(Console(row.console), Program().VdpRegister(0xBF, 0, 6).VdpRegister(0xBF, 1, 0x50).Stop());
+            Start(Console(row.console),
+                  Program().VdpRegister(0xBF, 0, 6).VdpRegister(0xBF, 1, 0x50).Stop());
         rig.Frames(*machine, 2);
         EXPECT_EQ(rig.video.width, 256u);
         EXPECT_EQ(rig.video.visibleHeight, row.tall ? 224u : 192u) << int{row.console};
@@ -83,7 +84,7 @@ TEST(Sms, FrameTakesAsManyClocksAsItsLinesSay) {
     for (const bool pal : {false, true}) {
         MACHINE_RIG rig;
         Program program;
-        program.Bytes({0x21, 0, 0});              // ld hl, 0
+        program.Bytes({0x21, 0, 0});             // ld hl, 0
         program.Bytes({0x23, 0x22, 0x00, 0xC1}); // inc hl (6); ld (0xC100), hl (16)
         program.Bytes({0x18, 0xFA});             // jr (12)
         const Sms machine = Start(Console(pal ? kSms2Pal : kSms2Ntsc), program);
@@ -259,7 +260,8 @@ TEST(Sms, StatusIsReadOnOddPorts) {
 TEST(Sms, SoundPortIsEverythingFrom40To7F) {
     for (const int port : {0x40, 0x41, 0x7E, 0x7F}) {
         MACHINE_RIG rig;
-        const Sms machine = Start({}, Program().Out(port, 0x8F).Out(port, 0x0F).Out(port, 0x90).Stop());
+        const Sms machine =
+            Start({}, Program().Out(port, 0x8F).Out(port, 0x0F).Out(port, 0x90).Stop());
         rig.Frames(*machine, 3);
         EXPECT_FALSE(Silent(rig)) << port;
     }
@@ -467,8 +469,9 @@ TEST(Sms, GamesThatCannotRunAreRefusedWithAReason) {
     CGameFile empty = SmsGame({});
     EXPECT_EQ(refused(&empty, nullptr), "the image of \"Test Game\" is empty");
     CGameFile large = SmsGame(std::vector<uint8_t>(kSegaImageLimit + 1));
-    EXPECT_EQ(refused(&large, nullptr), "the image of \"Test Game\" has 4194305 bytes; this machine "
-                                        "takes at most 4194304");
+    EXPECT_EQ(refused(&large, nullptr),
+              "the image of \"Test Game\" has 4194305 bytes; this machine "
+              "takes at most 4194304");
     CGameFile good = SmsGame(NumberedBanks(1));
     EXPECT_EQ(refused(&good, &empty), "the image of \"Test Game\" is empty") << "as a BIOS";
 }

@@ -1,9 +1,8 @@
 // The System E board: panels, ports, banks, the two video chips.
+#include "sega8/machine_rig.h"
 #include "sega8/system_e.h"
 
 #include <gtest/gtest.h>
-
-#include "sega8/machine_rig.h"
 
 #include <algorithm>
 
@@ -484,7 +483,8 @@ TEST(SystemE, InterruptComesFromTheSecondChipOnly) {
         MACHINE_RIG rig;
         Program program;
         program.Bytes({0xF3, 0xED, 0x56, 0xC3, 0x80, 0x00});
-        program.At(0x38).Bytes({0xF5, 0xE5, 0x21, 0x01, 0xC1, 0x34, 0xDB, 0xBF, 0xE1, 0xF1, 0xFB, 0xC9});
+        program.At(0x38).Bytes(
+            {0xF5, 0xE5, 0x21, 0x01, 0xC1, 0x34, 0xDB, 0xBF, 0xE1, 0xF1, 0xFB, 0xC9});
         // Both chips come out of a reset with the frame interrupt on.
         const int other = kVdp1 + kVdp2 - control;
         program.At(0x80).Bytes({0x31, 0x00, 0xE0}).VdpRegister(other, 1, 0x40);
@@ -498,13 +498,15 @@ TEST(SystemE, InterruptComesFromTheSecondChipOnly) {
 TEST(SystemE, BothSoundChipsAreHeard) {
     for (const int port : {0x7B, 0x7E, 0x7F}) {
         MACHINE_RIG rig;
-        const Arcade machine = Start(Program().Out(port, 0x8F).Out(port, 0x08).Out(port, 0x90).Stop());
+        const Arcade machine =
+            Start(Program().Out(port, 0x8F).Out(port, 0x08).Out(port, 0x90).Stop());
         rig.Frames(*machine, 4);
         EXPECT_FALSE(Silent(rig)) << port;
     }
     for (const int port : {0x7A, 0x7C, 0x7D, 0x40}) {
         MACHINE_RIG rig;
-        const Arcade machine = Start(Program().Out(port, 0x8F).Out(port, 0x08).Out(port, 0x90).Stop());
+        const Arcade machine =
+            Start(Program().Out(port, 0x8F).Out(port, 0x08).Out(port, 0x90).Stop());
         rig.Frames(*machine, 4);
         EXPECT_TRUE(Silent(rig)) << port;
     }

@@ -21,7 +21,7 @@
 #define BLAST_FRAMES  18
 #define FALL_FRAMES   70
 #define BALLOON_POWER 4
-#define CHAIN         4  // kites one behind the other
+#define CHAIN         4 // kites one behind the other
 #define CHAIN_FRAMES  14
 
 enum { kNobody, kKite, kCrow, kBalloon, kBlast };
@@ -30,7 +30,7 @@ typedef struct {
     u8 kind;
     u8 x;
     u8 y;
-    u8 base;  // the height a kite swings about
+    u8 base; // the height a kite swings about
     u8 age;
     u8 power; // hits still to take
 } ENEMY;
@@ -60,8 +60,9 @@ static u8 chainWait;
 static u8 chainY;
 
 // 24 * sin, 32 steps.
-static const s8 swing[32] = {0,  5,   9,   13,  17,  20,  22,  24,  24,  24,  22,  20,  17, 13, 9,  5,
-                             0,  -5,  -9,  -13, -17, -20, -22, -24, -24, -24, -22, -20, -17, -13, -9, -5};
+static const s8 swing[32] = {0,   5,   9,   13,  17,  20,  22,  24,  24,  24,  22,
+                             20,  17,  13,  9,   5,   0,   -5,  -9,  -13, -17, -20,
+                             -22, -24, -24, -24, -22, -20, -17, -13, -9,  -5};
 // Worth in tens of points, by kind.
 static const u8 worth[4] = {0, 10, 20, 50};
 
@@ -81,11 +82,13 @@ void ActorsBegin(void) {
     chainLeft = 0;
 }
 
-static u8 Distance(u8 a, u8 b) { return a > b ? a - b : b - a; }
+static u8 Distance(u8 a, u8 b) {
+    return a > b ? a - b : b - a;
+}
 
 static void Spawn(u8 kind, u8 y) {
     for (u8 index = 0; index < ENEMIES; ++index) {
-        ENEMY *enemy = &enemies[index];
+        ENEMY* enemy = &enemies[index];
         if (enemy->kind != kNobody)
             continue;
         enemy->kind = kind;
@@ -114,12 +117,8 @@ static void SpawnWaves(void) {
         chainY = 50 + (Random() & 63);
         untilWave += CHAIN * CHAIN_FRAMES;
         break;
-    case 2:
-        Spawn(kCrow, 24 + (Random() & 63));
-        break;
-    default:
-        Spawn(kBalloon, 110);
-        break;
+    case 2: Spawn(kCrow, 24 + (Random() & 63)); break;
+    default: Spawn(kBalloon, 110); break;
     }
 }
 
@@ -135,9 +134,9 @@ static void Shoot(void) {
     }
 }
 
-static void FireAtWren(const ENEMY *enemy) {
+static void FireAtWren(const ENEMY* enemy) {
     for (u8 index = 0; index < BULLETS; ++index) {
-        MISSILE *bullet = &bullets[index];
+        MISSILE* bullet = &bullets[index];
         if (bullet->x != 0)
             continue;
         bullet->x = enemy->x;
@@ -165,7 +164,7 @@ static void MoveWren(u8 controls) {
         Shoot();
 }
 
-static void MoveEnemy(ENEMY *enemy) {
+static void MoveEnemy(ENEMY* enemy) {
     u8 step = 1;
     ++enemy->age;
     switch (enemy->kind) {
@@ -194,16 +193,16 @@ static void MoveEnemy(ENEMY *enemy) {
     enemy->x -= step;
 }
 
-static void Burst(ENEMY *enemy) {
+static void Burst(ENEMY* enemy) {
     score += worth[enemy->kind];
     enemy->kind = kBlast;
     enemy->age = 0;
     SoundEffect(EFFECT_BLAST);
 }
 
-static void ShotHits(MISSILE *shot) {
+static void ShotHits(MISSILE* shot) {
     for (u8 index = 0; index < ENEMIES; ++index) {
-        ENEMY *enemy = &enemies[index];
+        ENEMY* enemy = &enemies[index];
         if (enemy->kind == kNobody || enemy->kind == kBlast)
             continue;
         if (Distance(shot->x, enemy->x + 4) > 9 || Distance(shot->y, enemy->y + 3) > 9)
@@ -217,7 +216,7 @@ static void ShotHits(MISSILE *shot) {
 
 static void MoveShots(void) {
     for (u8 index = 0; index < SHOTS; ++index) {
-        MISSILE *shot = &shots[index];
+        MISSILE* shot = &shots[index];
         if (shot->x == 0)
             continue;
         if (shot->x > 255 - SHOT_SPEED - 8) {
@@ -234,7 +233,7 @@ static void MoveShots(void) {
 
 static void MoveBullets(void) {
     for (u8 index = 0; index < BULLETS; ++index) {
-        MISSILE *bullet = &bullets[index];
+        MISSILE* bullet = &bullets[index];
         if (bullet->x == 0)
             continue;
         bullet->x += bullet->speedX;
@@ -250,14 +249,15 @@ static u8 IsHit(void) {
     if (safe != 0)
         return 0;
     for (u8 index = 0; index < ENEMIES; ++index) {
-        const ENEMY *enemy = &enemies[index];
+        const ENEMY* enemy = &enemies[index];
         if (enemy->kind != kNobody && enemy->kind != kBlast && Distance(enemy->x, wrenX) < 11 &&
             Distance(enemy->y, wrenY) < 10)
             return 1;
     }
     for (u8 index = 0; index < BULLETS; ++index) {
-        const MISSILE *bullet = &bullets[index];
-        if (bullet->x != 0 && Distance(bullet->x, wrenX + 4) < 7 && Distance(bullet->y, wrenY + 3) < 6)
+        const MISSILE* bullet = &bullets[index];
+        if (bullet->x != 0 && Distance(bullet->x, wrenX + 4) < 7 &&
+            Distance(bullet->y, wrenY + 3) < 6)
             return 1;
     }
     return 0;
@@ -291,7 +291,7 @@ u8 ActorsThink(void) {
     u8 goal = 84;
     u8 nearest = 255;
     for (u8 index = 0; index < ENEMIES; ++index) {
-        const ENEMY *enemy = &enemies[index];
+        const ENEMY* enemy = &enemies[index];
         if (enemy->kind == kNobody || enemy->kind == kBlast || enemy->x < wrenX)
             continue;
         if (enemy->x < nearest) {
@@ -302,7 +302,7 @@ u8 ActorsThink(void) {
         }
     }
     for (u8 index = 0; index < BULLETS; ++index) {
-        const MISSILE *bullet = &bullets[index];
+        const MISSILE* bullet = &bullets[index];
         if (bullet->x != 0 && Distance(bullet->x, wrenX) < 40 && Distance(bullet->y, wrenY) < 20)
             goal = wrenY < bullet->y ? wrenY - 20 : wrenY + 20;
     }
@@ -330,17 +330,13 @@ static void DrawWren(void) {
     AddWideSprite(wrenX, wrenY, SPRITE_WREN + (clock & 8 ? 4 : 0));
 }
 
-static u8 EnemyTile(const ENEMY *enemy) {
+static u8 EnemyTile(const ENEMY* enemy) {
     const u8 second = enemy->age & 8 ? 4 : 0;
     switch (enemy->kind) {
-    case kKite:
-        return SPRITE_KITE + second;
-    case kCrow:
-        return SPRITE_CROW + second;
-    case kBalloon:
-        return SPRITE_BALLOON;
-    default:
-        return (u8)(SPRITE_BLAST + enemy->age / 6 * 4);
+    case kKite: return SPRITE_KITE + second;
+    case kCrow: return SPRITE_CROW + second;
+    case kBalloon: return SPRITE_BALLOON;
+    default: return (u8)(SPRITE_BLAST + enemy->age / 6 * 4);
     }
 }
 
@@ -356,7 +352,7 @@ void ActorsDraw(void) {
             AddSprite(bullets[index].x, bullets[index].y, SPRITE_BULLET);
     }
     for (u8 index = 0; index < ENEMIES; ++index) {
-        const ENEMY *enemy = &enemies[index];
+        const ENEMY* enemy = &enemies[index];
         if (enemy->kind != kNobody)
             AddWideSprite(enemy->x, enemy->y, EnemyTile(enemy));
     }

@@ -4,7 +4,7 @@
 #include "font_text.h"
 #include "tile_text.h"
 
-#define TEXT_COLOUR 9
+#define TEXT_COLOUR  9
 #define GROUND_TILES 7
 
 // clang-format off
@@ -27,7 +27,7 @@ static const char logo[] = "SKYWREN";
 static u8 planes[4 * TILE_BYTES];
 
 // Frames of 16 by 16 dots as sprites use them: the left pair of tiles, then the right pair.
-static void LoadWide(const char *text, u8 frames, u8 tile) {
+static void LoadWide(const char* text, u8 frames, u8 tile) {
     u16 next = SPRITE_BASE + tile;
     for (u8 frame = 0; frame < frames; ++frame) {
         for (u8 part = 0; part < 4; ++part) {
@@ -45,7 +45,8 @@ static void LoadLetters(void) {
     }
     u16 tile = TILE_LOGO;
     for (u8 letter = 0; logo[letter] != '\0'; ++letter) {
-        TilesFromBigGlyph(FONT_GLYPH(FontIndex(logo[letter])), FONT_STRIDE, logoColours, 15, planes);
+        TilesFromBigGlyph(FONT_GLYPH(FontIndex(logo[letter])), FONT_STRIDE, logoColours, 15,
+                          planes);
         for (u8 part = 0; part < 4; ++part)
             UpperTile(tile++, planes + part * TILE_BYTES);
     }

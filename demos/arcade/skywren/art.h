@@ -28,7 +28,7 @@
 #define LOWER_FREE 2
 
 // Drawings in the ROM bank at 0x8000, a character a dot.
-extern const char wrenText[];    // 16 x 16 and 16 rows more for the second frame; so are those below
+extern const char wrenText[]; // 16 x 16 and 16 rows more for the second frame; so are those below
 extern const char kiteText[];
 extern const char crowText[];
 extern const char balloonText[]; // 16 x 16

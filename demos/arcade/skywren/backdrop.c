@@ -62,7 +62,9 @@ static u8 fade; // steps of a change still to go
 static u16 nextTile;
 static u16 horizonTile; // nothing but the sky's last colour
 
-static void Finish(u8 row) { PackRow(colours, planes + (row << 2)); }
+static void Finish(u8 row) {
+    PackRow(colours, planes + (row << 2));
+}
 
 // The tile made goes to the next place, which is returned.
 static u16 Keep(void) {
@@ -83,7 +85,7 @@ static void SkyLine(u8 line) {
             level = depth & 15;
         }
     }
-    const u8 *row = thresholds + ((line & 3) << 2);
+    const u8* row = thresholds + ((line & 3) << 2);
     for (u8 dot = 0; dot < 8; ++dot)
         colours[dot] = row[dot & 3] < level ? upper + 1 : upper;
 }
@@ -119,7 +121,7 @@ static void BuildStars(void) {
 static void BuildClouds(void) {
     for (u8 row = 0; row < 2; ++row) {
         for (u8 column = 0; column < 4; ++column) {
-            const char *text = cloudText + row * 256 + column * 8;
+            const char* text = cloudText + row * 256 + column * 8;
             for (u8 line = 0; line < 8; ++line) {
                 SkyLine((u8)((CLOUD_ROW + row) * 8 + line));
                 for (u8 dot = 0; dot < 8; ++dot) {
@@ -157,8 +159,8 @@ static void BuildDisc(void) {
     }
 }
 
-static u8 HeightAt(const u8 *heights, u8 x) {
-    const u8 *entry = heights + (x >> 4);
+static u8 HeightAt(const u8* heights, u8 x) {
+    const u8* entry = heights + (x >> 4);
     const u8 part = x & 15;
     return (u8)((entry[0] * (16 - part) + entry[1] * part) >> 4);
 }
@@ -241,11 +243,12 @@ static void BuildSea(void) {
         for (u8 kind = 0; kind < 4; ++kind) {
             for (u8 line = 0; line < 8; ++line) {
                 const u8 depth = (u8)(row * 8 + line);
-                const u8 *threshold = thresholds + ((line & 3) << 2);
+                const u8* threshold = thresholds + ((line & 3) << 2);
                 for (u8 dot = 0; dot < 8; ++dot) {
                     const u8 x = (u8)(kind * 8 + dot);
                     colours[dot] = threshold[dot & 3] < depth >> 2 ? COLOUR_DEEP : COLOUR_SEA;
-                    if (((line * 11 + row * 6 + x) & 31) < 3 + row && (line & (row < 3 ? 1 : 3)) == 1)
+                    if (((line * 11 + row * 6 + x) & 31) < 3 + row &&
+                        (line & (row < 3 ? 1 : 3)) == 1)
                         colours[dot] = COLOUR_WAVE;
                 }
                 Finish(line);
@@ -275,7 +278,7 @@ void BackdropBuild(void) {
 
 // All colours, `dim` levels darker.
 static void SendColours(u8 dim) {
-    const u8 *from = sceneColours[scene];
+    const u8* from = sceneColours[scene];
     for (u8 index = 0; index < 20; ++index) {
         u8 colour = from[index];
         u8 out = 0;

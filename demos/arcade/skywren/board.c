@@ -21,22 +21,22 @@ __sfr __at 0xF7 bankPort;
 #define COIN_LINE  0x01
 #define START_LINE 0x40
 
-#define NAME_TABLE    0x3800
-#define SPRITE_ROWS   0x3F00
-#define SPRITE_TILES  0x3F80
-#define MAX_SPRITES   64
-#define SPRITE_END    0xD0
+#define NAME_TABLE   0x3800
+#define SPRITE_ROWS  0x3F00
+#define SPRITE_TILES 0x3F80
+#define MAX_SPRITES  64
+#define SPRITE_END   0xD0
 
 #define DISPLAY_BIT 0x40
 
-static volatile u8 *const window = (volatile u8 *)0x8000;
+static volatile u8* const window = (volatile u8*)0x8000;
 
 volatile u8 frameCount;
 volatile u8 flipReady;
 u8 bankLatch;
 u8 playScroll;
 u8 bands[BANDS + 2];
-u8 *bandPointer = bands;
+u8* bandPointer = bands;
 u8 held;
 u8 pressed;
 static u8 spriteRows[MAX_SPRITES];
@@ -93,8 +93,8 @@ static void ReadControls(void) {
     held = now;
 }
 
-static void CopyToWindow(u16 address, const u8 *from, u8 count) {
-    volatile u8 *to = window + address;
+static void CopyToWindow(u16 address, const u8* from, u8 count) {
+    volatile u8* to = window + address;
     while (count-- != 0)
         *to++ = *from++;
 }
@@ -102,8 +102,8 @@ static void CopyToWindow(u16 address, const u8 *from, u8 count) {
 // More than eight sprites on a line do not show. Beginning the list elsewhere each frame lets those that
 // are left out take turns.
 static void CopySprites(void) {
-    volatile u8 *rows = window + SPRITE_ROWS;
-    volatile u8 *tiles = window + SPRITE_TILES;
+    volatile u8* rows = window + SPRITE_ROWS;
+    volatile u8* tiles = window + SPRITE_TILES;
     u8 from = spriteCount == 0 ? 0 : spriteTurn % spriteCount;
     spriteTurn += 5;
     for (u8 count = spriteCount; count != 0; --count) {
@@ -137,7 +137,7 @@ static void OpenLower(u8 scene) {
     Latch(upper | LATCH_WINDOW_LOWER | (scene ? 0 : LATCH_LOWER_SECOND));
 }
 
-void LowerTile(u8 scene, u16 tile, const u8 *planes) {
+void LowerTile(u8 scene, u16 tile, const u8* planes) {
     OpenLower(scene);
     CopyToWindow(tile << 5, planes, 32);
 }
@@ -156,14 +156,16 @@ void LowerCell(u8 scene, u8 column, u8 row, u16 cell) {
     PutWindow(CellAddress(column, row), cell);
 }
 
-void UpperTile(u16 tile, const u8 *planes) {
+void UpperTile(u16 tile, const u8* planes) {
     Latch(0);
     CopyToWindow(tile << 5, planes, 32);
     Latch(LATCH_UPPER_SECOND);
     CopyToWindow(tile << 5, planes, 32);
 }
 
-void HiddenCell(u8 column, u8 row, u16 cell) { PutWindow(CellAddress(column, row), cell); }
+void HiddenCell(u8 column, u8 row, u16 cell) {
+    PutWindow(CellAddress(column, row), cell);
+}
 
 void UpperCell(u8 column, u8 row, u16 cell) {
     const u16 address = CellAddress(column, row);
@@ -187,14 +189,14 @@ void UpperClear(u8 firstRow, u8 lastRow) {
     }
 }
 
-void Text(u8 column, u8 row, const char *text) {
+void Text(u8 column, u8 row, const char* text) {
     for (; *text != '\0'; ++text) {
         const u8 glyph = FontIndex(*text);
         UpperCell(column++, row, glyph == FONT_GLYPHS ? TILE_BLANK : TILE_FONT + glyph);
     }
 }
 
-void TextCentred(u8 row, const char *text) {
+void TextCentred(u8 row, const char* text) {
     u8 length = 0;
     while (text[length] != '\0')
         ++length;
@@ -217,7 +219,9 @@ void UpperColour(u8 index, u8 colour) {
     __asm__("ei");
 }
 
-void SpritesBegin(void) { spriteCount = 0; }
+void SpritesBegin(void) {
+    spriteCount = 0;
+}
 
 void AddSprite(u8 x, u8 y, u8 tile) {
     if (spriteCount == MAX_SPRITES)

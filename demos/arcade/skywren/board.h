@@ -39,16 +39,16 @@ void BoardFrame(void);
 void BoardScene(u8 scene);
 
 // Tiles and cells for the displays while they are off. The upper chip gets them in both of its banks.
-void LowerTile(u8 scene, u16 tile, const u8 *planes);
+void LowerTile(u8 scene, u16 tile, const u8* planes);
 void LowerCell(u8 scene, u8 column, u8 row, u16 cell);
-void UpperTile(u16 tile, const u8 *planes);
+void UpperTile(u16 tile, const u8* planes);
 
 // A cell of the upper picture: in both banks, or only in the one being made.
 void UpperCell(u8 column, u8 row, u16 cell);
 void HiddenCell(u8 column, u8 row, u16 cell);
 void UpperClear(u8 firstRow, u8 lastRow);
-void Text(u8 column, u8 row, const char *text);
-void TextCentred(u8 row, const char *text);
+void Text(u8 column, u8 row, const char* text);
+void TextCentred(u8 row, const char* text);
 
 // Colours are 0bBBGGRR.
 #define RGB(r, g, b) ((u8)(((b) << 4) | ((g) << 2) | (r)))

@@ -7,14 +7,14 @@
 #include "sound.h"
 #include "terrain.h"
 
-#define TITLE_FRAMES  420
-#define DEMO_FRAMES   1900
-#define OVER_FRAMES   240
-#define READY_FRAMES  60
-#define MOST_CREDITS  9
-#define SCENE_LENGTH  0x0500 // dots from one change of scene to the next
-#define FIRST_RECORD  500    // in tens
-#define LIFE_EVERY    1000   // a bird more for that many tens
+#define TITLE_FRAMES 420
+#define DEMO_FRAMES  1900
+#define OVER_FRAMES  240
+#define READY_FRAMES 60
+#define MOST_CREDITS 9
+#define SCENE_LENGTH 0x0500 // dots from one change of scene to the next
+#define FIRST_RECORD 500    // in tens
+#define LIFE_EVERY   1000   // a bird more for that many tens
 
 static u16 record = FIRST_RECORD;
 static u8 credits;
@@ -87,7 +87,9 @@ static void DrawLogo(void) {
     }
 }
 
-static u8 WantsStart(void) { return (pressed & CONTROL_START) && credits != 0; }
+static u8 WantsStart(void) {
+    return (pressed & CONTROL_START) && credits != 0;
+}
 
 // 1 when somebody starts a game.
 static u8 Title(void) {
@@ -128,7 +130,9 @@ static void NewGame(void) {
 }
 
 // The course goes on faster by night.
-static u8 ScrollStep(void) { return (night & 1) && (frameCount & 1) ? 2 : 1; }
+static u8 ScrollStep(void) {
+    return (night & 1) && (frameCount & 1) ? 2 : 1;
+}
 
 static void Travel(void) {
     const u8 before = (u8)(distance / SCENE_LENGTH);
@@ -233,6 +237,7 @@ static void Play(void) {
 void main(void) {
     BoardInit();
     ArtLoad();
+    BoardScene(SCENE_DUSK); // the window is the upper chip's again
     UpperClear(0, 27);
     TextCentred(11, "THE SUN GOES DOWN");
     SpritesBegin();

@@ -149,7 +149,7 @@ static const u8 pines[16] = {0, 2, 5, 7, 4, 1, 3, 6, 2, 0, 1, 4, 8, 5, 2, 1};
 
 static u8 planes[4 * TILE_BYTES];
 
-static void LoadTiles(const char *text, u8 stride, u8 count, u8 add, u16 tile) {
+static void LoadTiles(const char* text, u8 stride, u8 count, u8 add, u16 tile) {
     while (count-- != 0) {
         TileFromText(text, stride, add, planes);
         WriteTile(tile++, planes);
@@ -166,16 +166,16 @@ static void LoadFont(void) {
 static void LoadLogo(void) {
     u16 tile = TILE_LOGO;
     for (u8 letter = 0; logo[letter] != '\0'; ++letter) {
-        TilesFromBigGlyph(FONT_GLYPH(FontIndex(logo[letter])), FONT_STRIDE, logoColours, COLOUR_FRAME,
-                          planes);
+        TilesFromBigGlyph(FONT_GLYPH(FontIndex(logo[letter])), FONT_STRIDE, logoColours,
+                          COLOUR_FRAME, planes);
         for (u8 part = 0; part < 4; ++part)
             WriteTile(tile++, planes + part * TILE_BYTES);
     }
 }
 
 // The height of a ridge at a column of dots, between two entries of its table.
-static u8 HeightAt(const u8 *heights, u8 x) {
-    const u8 *entry = heights + (x >> 4);
+static u8 HeightAt(const u8* heights, u8 x) {
+    const u8* entry = heights + (x >> 4);
     const u8 part = x & 15;
     return (u8)((entry[0] * (16 - part) + entry[1] * part) >> 4);
 }
@@ -204,7 +204,7 @@ static void LoadRidgeColumn(u8 column) {
     u16 tile = TILE_RIDGE + column;
     u8 height = RIDGE_HEIGHT;
     while (height != 0) {
-        u8 *out = planes;
+        u8* out = planes;
         for (u8 row = 0; row < 8; ++row) {
             --height;
             for (u8 dot = 0; height >= tallest && dot < 8; ++dot)

@@ -15,9 +15,9 @@
 #define TILE_RIGHT      78
 #define TILE_FIREFLY    84 // two frames, then three sparks
 #define TILE_SPARK      86
-#define TILE_BURST      89 // three frames
-#define TILE_MARK       92 // the arrow under one's own lantern
-#define TILE_LOGO       96 // seven letters of four tiles
+#define TILE_BURST      89  // three frames
+#define TILE_MARK       92  // the arrow under one's own lantern
+#define TILE_LOGO       96  // seven letters of four tiles
 #define TILE_RIDGE      128 // the mountains, SCREEN_COLUMNS wide and RIDGE_ROWS high
 
 #define RIDGE_ROWS    6

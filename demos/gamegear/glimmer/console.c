@@ -73,7 +73,7 @@ u8 ReadPad(void) {
     return held;
 }
 
-void WriteTile(u16 tile, const u8 *planes) {
+void WriteTile(u16 tile, const u8* planes) {
     SetAddress(tile << 5);
     for (u8 index = 0; index < 32; ++index)
         vdpData = *planes++;
@@ -100,7 +100,7 @@ void ClearCells(void) {
         SendCell(TILE_BLANK);
 }
 
-void Text(u8 column, u8 row, const char *text) {
+void Text(u8 column, u8 row, const char* text) {
     SetCellAddress(column, row);
     for (; *text != '\0'; ++text) {
         const u8 glyph = FontIndex(*text);
@@ -108,7 +108,7 @@ void Text(u8 column, u8 row, const char *text) {
     }
 }
 
-void TextCentred(u8 row, const char *text) {
+void TextCentred(u8 row, const char* text) {
     u8 length = 0;
     while (text[length] != '\0')
         ++length;
@@ -128,14 +128,16 @@ void WriteColour(u8 index, u16 colour) {
     vdpData = (u8)(colour >> 8);
 }
 
-void SpritesBegin(void) { spriteCount = 0; }
+void SpritesBegin(void) {
+    spriteCount = 0;
+}
 
 void AddSprite(u8 x, u8 y, u8 tile) {
     if (spriteCount == MAX_SPRITES)
         return;
     // The chip shows a sprite one line below its number.
     spriteRows[spriteCount] = (u8)(y + WINDOW_Y - 1);
-    u8 *entry = spriteTiles + (spriteCount << 1);
+    u8* entry = spriteTiles + (spriteCount << 1);
     entry[0] = (u8)(x + WINDOW_X);
     entry[1] = tile;
     ++spriteCount;

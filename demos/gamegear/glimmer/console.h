@@ -13,13 +13,13 @@
 #define WINDOW_Y 24
 
 // Bits of ReadPad, 1 = held.
-#define PAD_UP     0x01
-#define PAD_DOWN   0x02
-#define PAD_LEFT   0x04
-#define PAD_RIGHT  0x08
-#define PAD_ONE    0x10
-#define PAD_TWO    0x20
-#define PAD_START  0x40
+#define PAD_UP    0x01
+#define PAD_DOWN  0x02
+#define PAD_LEFT  0x04
+#define PAD_RIGHT 0x08
+#define PAD_ONE   0x10
+#define PAD_TWO   0x20
+#define PAD_START 0x40
 
 // Frames since the start, counted by the frame interrupt.
 extern volatile u8 frameCount;
@@ -33,15 +33,15 @@ void WaitFrame(void);
 u8 ReadPad(void);
 
 // A tile's 32 bytes.
-void WriteTile(u16 tile, const u8 *planes);
+void WriteTile(u16 tile, const u8* planes);
 // A cell of the picture: tile number and attributes.
 #define CELL_FLIP_X         0x0200
 #define CELL_SPRITE_PALETTE 0x0800
 void PutCell(u8 column, u8 row, u16 cell);
 void ClearCells(void);
 // Letters, digits and . - ! : and spaces.
-void Text(u8 column, u8 row, const char *text);
-void TextCentred(u8 row, const char *text);
+void Text(u8 column, u8 row, const char* text);
+void TextCentred(u8 row, const char* text);
 // Blanks of a row from a column on.
 void ClearText(u8 column, u8 row, u8 count);
 

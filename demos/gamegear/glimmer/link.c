@@ -41,7 +41,9 @@ void LinkOpen(void) {
     controlPort = LINK_ENABLE;
 }
 
-void LinkClose(void) { controlPort = 0; }
+void LinkClose(void) {
+    controlPort = 0;
+}
 
 static void Send(u8 value) {
     while (controlPort & STATUS_FULL) {
@@ -89,7 +91,7 @@ u8 LinkMeet(void) {
     return LINK_WAITING;
 }
 
-u8 LinkExchange(u8 pad, u8 *other) {
+u8 LinkExchange(u8 pad, u8* other) {
     Send((u8)(BYTE_PAD | turn | (pad & 0x3F)));
     const u8 begin = frameCount;
     while ((u8)(frameCount - begin) < LOST_FRAMES) {

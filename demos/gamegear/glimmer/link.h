@@ -15,4 +15,4 @@ void LinkClose(void);
 // that asks first is the host.
 u8 LinkMeet(void);
 // Sends this console's pad for a frame and waits for the other's. Returns 0 when the line is lost.
-u8 LinkExchange(u8 pad, u8 *other);
+u8 LinkExchange(u8 pad, u8* other);

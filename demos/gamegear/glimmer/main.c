@@ -18,7 +18,7 @@ enum { kNone, kLeft, kRight }; // whose lantern is one's own
 // What a screen ends with.
 enum { kChoseOne, kChoseLink, kChoseDemo };
 
-static const char *const levelNames[LEVELS] = {"DUSK", "NIGHT", "NORTHERN LIGHTS"};
+static const char* const levelNames[LEVELS] = {"DUSK", "NIGHT", "NORTHERN LIGHTS"};
 // clang-format off
 static const u16 spriteColours[16] = {
     0,
@@ -73,10 +73,11 @@ static void DrawLogo(void) {
 }
 
 // The firefly circles the letters on a path of 64 places.
-static const s8 circle[64] = {
-    0,  2,  4,  6,  8,  9,  11, 13, 14, 15, 16, 18, 18, 19, 20, 20, 20, 20, 20, 19, 18, 18,
-    16, 15, 14, 13, 11, 9,  8,  6,  4,  2,  0,  -2, -4, -6, -8, -9, -11, -13, -14, -15, -16, -18,
-    -18, -19, -20, -20, -20, -20, -20, -19, -18, -18, -16, -15, -14, -13, -11, -9, -8, -6, -4, -2};
+static const s8 circle[64] = {0,   2,   4,   6,   8,   9,   11,  13,  14,  15,  16,  18,  18,
+                              19,  20,  20,  20,  20,  20,  19,  18,  18,  16,  15,  14,  13,
+                              11,  9,   8,   6,   4,   2,   0,   -2,  -4,  -6,  -8,  -9,  -11,
+                              -13, -14, -15, -16, -18, -18, -19, -20, -20, -20, -20, -20, -19,
+                              -18, -18, -16, -15, -14, -13, -11, -9,  -8,  -6,  -4,  -2};
 
 static void DrawTitleFirefly(u8 time) {
     SpritesBegin();
@@ -121,13 +122,13 @@ static u8 Title(void) {
     return kChoseDemo;
 }
 
-static void Announce(const char *first, const char *second) {
+static void Announce(const char* first, const char* second) {
     TextCentred(6, first);
     TextCentred(8, second);
 }
 
 // Takes a message away again: the rows lie over stars and mountains, so all is drawn anew.
-static void MatchScreen(u8 mood, const char *first, const char *second) {
+static void MatchScreen(u8 mood, const char* first, const char* second) {
     Screen(mood);
     Announce(first, second);
     DisplayOn();
@@ -137,7 +138,7 @@ static void MatchScreen(u8 mood, const char *first, const char *second) {
     DisplayOn();
 }
 
-static void ShowResult(const char *first, const char *second) {
+static void ShowResult(const char* first, const char* second) {
     SoundMusic(MUSIC_END);
     WaitFrame();
     Announce(first, second);
@@ -158,7 +159,10 @@ static void FadeWithPoints(u8 mood) {
 static u8 PlayLevel(u8 level) {
     u8 result;
     SoundMusic(MUSIC_NONE);
-    MatchScreen(level, level == 0 ? "FIRST EVENING" : level == 1 ? "SECOND EVENING" : "LAST EVENING",
+    MatchScreen(level,
+                level == 0   ? "FIRST EVENING"
+                : level == 1 ? "SECOND EVENING"
+                             : "LAST EVENING",
                 levelNames[level]);
     SoundMusic(MUSIC_MATCH);
     MatchBegin((u16)(Random() << 8 | frameCount));
@@ -196,7 +200,7 @@ static void Demo(void) {
     MatchBegin(frameCount);
     for (u16 time = 0; time < DEMO_FRAMES; ++time) {
         Frame();
-        if (MatchStep(MatchThinkLeft(1), MatchThinkRight(2)) != MATCH_RUNNING)
+        if (MatchStep(MatchThinkLeft(0), MatchThinkRight(1)) != MATCH_RUNNING)
             return;
         FadeWithPoints(0);
         MatchDraw(kNone);
@@ -266,15 +270,9 @@ void main(void) {
     RandomSeed(1);
     for (;;) {
         switch (Title()) {
-        case kChoseOne:
-            PlayAlone();
-            break;
-        case kChoseLink:
-            PlayLinked();
-            break;
-        default:
-            Demo();
-            break;
+        case kChoseOne: PlayAlone(); break;
+        case kChoseLink: PlayLinked(); break;
+        default: Demo(); break;
         }
     }
 }

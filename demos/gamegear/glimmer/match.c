@@ -6,25 +6,25 @@
 #include "sound.h"
 
 // Places of the firefly are in 1/16 dot, its speed in 1/16 dot a frame.
-#define SUB 16
-#define FIELD_TOP      (12 * SUB)
-#define FIELD_BOTTOM   (134 * SUB)
-#define LEFT_X         6
-#define RIGHT_X        ((u8)(SCREEN_WIDTH - 8 - LEFT_X))
-#define KEEPER_HEIGHT  24
-#define KEEPER_TOP     10
-#define KEEPER_BOTTOM  (SCREEN_HEIGHT - KEEPER_HEIGHT - 2)
-#define KEEPER_SPEED   3
-#define FIREFLY_SIZE   8
-#define SERVE_SPEED    22
-#define TOP_SPEED      58
-#define STRIKE_FRAMES  10 // how long a stroke can meet the firefly
-#define STRIKE_REST    26 // frames from one stroke to the next
-#define STRIKE_GAIN    12
-#define STEEPEST       36
-#define SERVE_FRAMES   50
-#define POINT_FRAMES   64
-#define TRAIL          12
+#define SUB           16
+#define FIELD_TOP     (12 * SUB)
+#define FIELD_BOTTOM  (134 * SUB)
+#define LEFT_X        6
+#define RIGHT_X       ((u8)(SCREEN_WIDTH - 8 - LEFT_X))
+#define KEEPER_HEIGHT 24
+#define KEEPER_TOP    10
+#define KEEPER_BOTTOM (SCREEN_HEIGHT - KEEPER_HEIGHT - 2)
+#define KEEPER_SPEED  3
+#define FIREFLY_SIZE  8
+#define SERVE_SPEED   22
+#define TOP_SPEED     58
+#define STRIKE_FRAMES 10 // how long a stroke can meet the firefly
+#define STRIKE_REST   26 // frames from one stroke to the next
+#define STRIKE_GAIN   12
+#define STEEPEST      36
+#define SERVE_FRAMES  50
+#define POINT_FRAMES  64
+#define TRAIL         12
 
 typedef struct {
     u8 y;
@@ -71,9 +71,11 @@ void MatchBegin(u16 seed) {
     Serve(Random() & 1);
 }
 
-u8 MatchPoints(void) { return left.score + right.score; }
+u8 MatchPoints(void) {
+    return left.score + right.score;
+}
 
-static void MoveKeeper(KEEPER *keeper, u8 pad) {
+static void MoveKeeper(KEEPER* keeper, u8 pad) {
     const u8 before = keeper->y;
     if ((pad & PAD_UP) && keeper->y > KEEPER_TOP)
         keeper->y -= KEEPER_SPEED;
@@ -86,12 +88,12 @@ static void MoveKeeper(KEEPER *keeper, u8 pad) {
         keeper->strike = 1;
 }
 
-static u8 IsStriking(const KEEPER *keeper) {
+static u8 IsStriking(const KEEPER* keeper) {
     return keeper->strike != 0 && keeper->strike <= STRIKE_FRAMES;
 }
 
 // The firefly's height over a keeper's upper end says whether it is met, and how steeply it leaves.
-static u8 Meet(const KEEPER *keeper) {
+static u8 Meet(const KEEPER* keeper) {
     const s16 depth = (y / SUB) + FIREFLY_SIZE - 1 - keeper->y;
     if (depth < 0 || depth >= KEEPER_HEIGHT + FIREFLY_SIZE - 2)
         return 0;
@@ -115,7 +117,7 @@ static u8 Meet(const KEEPER *keeper) {
     return 1;
 }
 
-static void Point(KEEPER *winner) {
+static void Point(KEEPER* winner) {
     ++winner->score;
     scoreChanged = 1;
     phase = kPoint;
@@ -156,9 +158,7 @@ u8 MatchStep(u8 leftPad, u8 rightPad) {
         if (--count == 0)
             phase = kRally;
         break;
-    case kRally:
-        Fly();
-        break;
+    case kRally: Fly(); break;
     default:
         if (--count != 0)
             break;
@@ -176,7 +176,7 @@ u8 MatchStep(u8 leftPad, u8 rightPad) {
 static const u8 sight[3] = {84, 64, 30};
 static const u8 laziness[3] = {1, 3, 7};
 
-static u8 Think(const KEEPER *keeper, u8 distance, u8 comes, u8 level) {
+static u8 Think(const KEEPER* keeper, u8 distance, u8 comes, u8 level) {
     u8 goal = (KEEPER_TOP + KEEPER_BOTTOM) / 2;
     if (comes && distance < SCREEN_WIDTH - sight[level])
         goal = (u8)(y / SUB) + FIREFLY_SIZE / 2 - KEEPER_HEIGHT / 2 + (clock >> 4 & 7) - 4;
@@ -192,13 +192,15 @@ static u8 Think(const KEEPER *keeper, u8 distance, u8 comes, u8 level) {
     return pad;
 }
 
-u8 MatchThinkLeft(u8 level) { return Think(&left, (u8)(x / SUB), speedX < 0, level); }
+u8 MatchThinkLeft(u8 level) {
+    return Think(&left, (u8)(x / SUB), speedX < 0, level);
+}
 
 u8 MatchThinkRight(u8 level) {
     return Think(&right, (u8)(SCREEN_WIDTH - x / SUB), speedX > 0, level);
 }
 
-static void DrawKeeper(const KEEPER *keeper, u8 place, u8 tile, u8 marked) {
+static void DrawKeeper(const KEEPER* keeper, u8 place, u8 tile, u8 marked) {
     if (IsStriking(keeper))
         tile += 3;
     AddSprite(place, keeper->y, tile);
@@ -246,7 +248,6 @@ void MatchDrawScore(void) {
     scoreChanged = 0;
     for (u8 lamp = 0; lamp < POINTS_TO_WIN; ++lamp) {
         PutCell(1 + lamp, 0, lamp < left.score ? TILE_LAMP_LEFT : TILE_LAMP_OFF);
-        PutCell(SCREEN_COLUMNS - 2 - lamp, 0,
-                lamp < right.score ? TILE_LAMP_RIGHT : TILE_LAMP_OFF);
+        PutCell(SCREEN_COLUMNS - 2 - lamp, 0, lamp < right.score ? TILE_LAMP_RIGHT : TILE_LAMP_OFF);
     }
 }

@@ -7,7 +7,8 @@
 #define ENTRIES         (FIRST_ENTRY + SKY_ENTRIES + LAKE_ENTRIES)
 #define READ_ENTRIES    66 // what the interrupts of 192 lines take
 #define FIRST_ENTRY     (WINDOW_Y / LINES_PER_ENTRY)
-#define SKY_ENTRIES     40 // down to the lake
+#define FADE_FIRST      (FIRST_ENTRY - 1) // its last line is the first that is seen
+#define SKY_ENTRIES     40                // down to the lake
 #define LAKE_ENTRIES    8
 #define STOPS           5
 #define STOP_DISTANCE   (SKY_ENTRIES / (STOPS - 1))
@@ -44,10 +45,10 @@ static const MOOD moods[SKY_MOODS] = {
 // clang-format on
 
 u16 skyTable[READ_ENTRIES];
-u16 *skyPointer;
+u16* skyPointer;
 static u16 landscape[LANDSCAPE];
-static const MOOD *mood;
-static u8 fadeEntry = FIRST_ENTRY;
+static const MOOD* mood;
+static u8 fadeEntry = FADE_FIRST;
 static u8 pendingIndex; // of a landscape colour to be sent, 0 none
 
 // The colour of the sky `entry` steps below the zenith.
@@ -57,8 +58,8 @@ static u16 SkyColour(u8 entry) {
         entry -= STOP_DISTANCE;
         ++stop;
     }
-    const u8 *from = mood->stops[stop];
-    const u8 *to = mood->stops[stop + 1];
+    const u8* from = mood->stops[stop];
+    const u8* to = mood->stops[stop + 1];
     u16 colour = 0;
     for (u8 channel = 3; channel-- != 0;) {
         const u8 sum = (u8)(from[channel] * (STOP_DISTANCE - entry) + to[channel] * entry);
@@ -109,7 +110,9 @@ void SkySet(u8 number) {
     }
 }
 
-void SkyFadeTo(u8 number) { mood = &moods[number]; }
+void SkyFadeTo(u8 number) {
+    mood = &moods[number];
+}
 
 void SkySend(void) {
     if (pendingIndex == 0)
@@ -125,7 +128,6 @@ void SkyStep(void) {
         pendingIndex = fadeEntry - ENTRIES + 1;
         landscape[pendingIndex] = Nearer(landscape[pendingIndex], mood->landscape[pendingIndex]);
     }
-    // All that lies above the small screen is one colour that nobody sees.
     if (++fadeEntry == ENTRIES + LANDSCAPE - 1)
-        fadeEntry = FIRST_ENTRY;
+        fadeEntry = FADE_FIRST;
 }

@@ -16,39 +16,57 @@ __sfr __at 0x7F psgPort;
 
 // The tune of the title: an evening by the lake, in A minor.
 static const TUNE titleTune = {
-    {"A4--E4--C5--B4--A4--G4--A4------" "G4--D4--B4--A4--G4--F4--E4------"
-     "F4--A4--C5--E5--D5--C5--B4------" "C5--B4--A4--g4--A4--------------",
-     "A2--....E3--....A3--....E3--...." "B2--....D3--....G3--....D3--...."
-     "D3--....A3--....F3--....D3--...." "E3--....E3--....A3--E3--A2--....",
-     0},
+    {"A4--E4--C5--B4--A4--G4--A4------"
+     "G4--D4--B4--A4--G4--F4--E4------"
+     "F4--A4--C5--E5--D5--C5--B4------"
+     "C5--B4--A4--g4--A4--------------", "A2--....E3--....A3--....E3--...."
+     "B2--....D3--....G3--....D3--...."
+     "D3--....A3--....F3--....D3--...."
+     "E3--....E3--....A3--E3--A2--....", 0     },
     0,
-    {4, 5, SILENT},
-    {5, 6, 1},
-    7};
+    {4,                                       5,                                      SILENT},
+    {5,                                       6,                                      1     },
+    7
+};
 
 // During a match: a running figure.
 static const TUNE matchTune = {
-    {"A3C4E4A4E4C4" "A3C4E4A4E4C4" "F3A3C4F4C4A3" "G3B3D4G4D4B3"
-     "A3C4E4A4E4C4" "D4F4A4D5A4F4" "E4g4B4E5B4g4" "A4E4C4A3----",
-     "A2----A2--E3" "A2----A2--A2" "F3----F3--C3" "G3----G3--D3"
-     "A2----A2--E3" "D3----D3--A3" "E3----E3--B3" "A2----E3--..",
-     0},
+    {"A3C4E4A4E4C4"
+     "A3C4E4A4E4C4"
+     "F3A3C4F4C4A3"
+     "G3B3D4G4D4B3"
+     "A3C4E4A4E4C4"
+     "D4F4A4D5A4F4"
+     "E4g4B4E5B4g4"
+     "A4E4C4A3----", "A2----A2--E3"
+     "A2----A2--A2"
+     "F3----F3--C3"
+     "G3----G3--D3"
+     "A2----A2--E3"
+     "D3----D3--A3"
+     "E3----E3--B3"
+     "A2----E3--..", 0     },
     0,
-    {8, 7, SILENT},
-    {4, 5, 1},
-    8};
+    {8,                   7,                  SILENT},
+    {4,                   5,                  1     },
+    8
+};
 
 // After it.
 static const TUNE endTune = {
-    {"A4C5E5A5--E5A5--------" "F4A4C5F5G4B4D5G5------" "A5----------..........", //
-     "A2------A3--A2--------" "F3------G3------------" "A2----------..........",
-     0},
+    {"A4C5E5A5--E5A5--------"
+     "F4A4C5F5G4B4D5G5------"
+     "A5----------..........", //
+     "A2------A3--A2--------"
+     "F3------G3------------"
+     "A2----------..........", 0     },
     0,
-    {4, 5, SILENT},
-    {6, 6, 1},
-    7};
+    {4,                             5,                            SILENT},
+    {6,                             6,                            1     },
+    7
+};
 
-static const TUNE *const tunes[4] = {0, &titleTune, &matchTune, &endTune};
+static const TUNE* const tunes[4] = {0, &titleTune, &matchTune, &endTune};
 
 typedef struct {
     u16 period;     // 0: noise
@@ -58,11 +76,11 @@ typedef struct {
 } EFFECT;
 
 static const EFFECT effects[] = {
-    {200, -4, 2, 8},  // EFFECT_HIT
+    {200, -4,  2, 8 }, // EFFECT_HIT
     {300, -14, 0, 14}, // EFFECT_STRIKE
-    {0, 0, 8, 5},     // EFFECT_EDGE
-    {150, 12, 1, 28}, // EFFECT_POINT
-    {120, -2, 4, 5},  // EFFECT_CHOOSE
+    {0,   0,   8, 5 }, // EFFECT_EDGE
+    {150, 12,  1, 28}, // EFFECT_POINT
+    {120, -2,  4, 5 }, // EFFECT_CHOOSE
 };
 
 static u8 music;
@@ -89,7 +107,7 @@ static u8 PanOf(u8 x, u8 bits) {
 }
 
 void SoundEffect(u8 number, u8 x) {
-    const EFFECT *effect = &effects[number];
+    const EFFECT* effect = &effects[number];
     period = effect->period;
     slide = effect->slide;
     attenuation = effect->attenuation;

@@ -1,5 +1,5 @@
 // The benchmark's program: a pond with a shoal of fish. Every row of tiles scrolls at its own speed by
-// line interrupts, 63 sprites swim, a column of the picture is drawn anew in every frame, the PSG plays.
+// line interrupts, 44 sprites swim, a column of the picture is drawn anew in every frame, the PSG plays.
 // Nobody has to press a key, and it never ends.
 #include "common/sms.h"
 
@@ -7,7 +7,7 @@
 #define SPRITE_TABLE 0x3F00u
 #define RGB(r, g, b) ((r) | (g) << 2 | (b) << 4)
 
-enum { kFish = 63, kRows = 28, kColumns = 32, kFramesPerNote = 9, kNotes = 32 };
+enum { kFish = 44, kRows = 28, kColumns = 32, kFramesPerNote = 9, kNotes = 32 };
 
 // Tiles: those of art.s from 0, then plain ones of colours 1 to 6.
 enum { kWave = 0, kBubble = 2, kGlint = 3, kWeed = 4, kSand = 6, kPlain = 8, kTiles = 14, kFishTile = 256 };
@@ -24,8 +24,26 @@ static uint8_t column, noteFrames, note, fade;
 static uint16_t randomState;
 static uint16_t rowPlace[25]; // of each row, in 1/16 pixel
 
-// A quarter of a circle is 16 steps; from 0 to 127.
-static const uint8_t kQuarter[17] = {0, 12, 25, 37, 49, 60, 71, 81, 90, 98, 106, 112, 117, 122, 125, 126, 127};
+// 128 + 127 sin, 256 steps to a turn.
+static const uint8_t kWaves[256] = {
+    128, 131, 134, 137, 140, 144, 147, 150, 153, 156, 159, 162, 165, 168, 171, 174,
+    177, 179, 182, 185, 188, 191, 193, 196, 199, 201, 204, 206, 209, 211, 213, 216,
+    218, 220, 222, 224, 226, 228, 230, 232, 234, 235, 237, 239, 240, 241, 243, 244,
+    245, 246, 248, 249, 250, 250, 251, 252, 253, 253, 254, 254, 254, 255, 255, 255,
+    255, 255, 255, 255, 254, 254, 254, 253, 253, 252, 251, 250, 250, 249, 248, 246,
+    245, 244, 243, 241, 240, 239, 237, 235, 234, 232, 230, 228, 226, 224, 222, 220,
+    218, 216, 213, 211, 209, 206, 204, 201, 199, 196, 193, 191, 188, 185, 182, 179,
+    177, 174, 171, 168, 165, 162, 159, 156, 153, 150, 147, 144, 140, 137, 134, 131,
+    128, 125, 122, 119, 116, 112, 109, 106, 103, 100, 97, 94, 91, 88, 85, 82,
+    79, 77, 74, 71, 68, 65, 63, 60, 57, 55, 52, 50, 47, 45, 43, 40,
+    38, 36, 34, 32, 30, 28, 26, 24, 22, 21, 19, 17, 16, 15, 13, 12,
+    11, 10, 8, 7, 6, 6, 5, 4, 3, 3, 2, 2, 2, 1, 1, 1,
+    1, 1, 1, 1, 2, 2, 2, 3, 3, 4, 5, 6, 6, 7, 8, 10,
+    11, 12, 13, 15, 16, 17, 19, 21, 22, 24, 26, 28, 30, 32, 34, 36,
+    38, 40, 43, 45, 47, 50, 52, 55, 57, 60, 63, 65, 68, 71, 74, 77,
+    79, 82, 85, 88, 91, 94, 97, 100, 103, 106, 109, 112, 116, 119, 122, 125,
+};
+#define Wave(angle) kWaves[(uint8_t)(angle)]
 
 static const uint8_t kColours[32] = {
     RGB(0, 0, 0), RGB(1, 2, 3), RGB(0, 2, 3), RGB(0, 1, 3), RGB(0, 1, 2), RGB(0, 0, 2), RGB(0, 0, 1), RGB(2, 3, 3),
@@ -49,13 +67,6 @@ static uint8_t Random(void)
     randomState ^= randomState >> 9;
     randomState ^= randomState << 8;
     return (uint8_t)randomState;
-}
-
-// 1 to 255 around 128; 64 steps to a turn.
-static uint8_t Wave(uint8_t angle)
-{
-    const uint8_t step = angle & 16 ? 16 - (angle & 15) : angle & 15;
-    return angle & 32 ? 128 - kQuarter[step] : 128 + kQuarter[step];
 }
 
 static void Tone(uint8_t channel, uint16_t period)
@@ -123,12 +134,12 @@ static void MoveFish(void)
     uint8_t i, turn, x;
     uint8_t *entry = spriteXAndTile;
     for (i = 0; i < kFish; ++i) {
-        turn = (frameCount >> 1) + i * 5;
+        turn = frameCount + i * 20;
         x = Wave(turn) >> 1;
-        x += Wave(turn + turn + i) >> 2;
+        x += Wave(turn + turn + (i << 2)) >> 2;
         *entry++ = x + (i << 3) - frameCount;
         *entry++ = (frameCount + i) >> 3 & 1;
-        spriteY[i] = 40 + (Wave(turn + 16 + i) >> 2) + (Wave((frameCount >> 2) + i * 9) >> 2);
+        spriteY[i] = 40 + (Wave(turn + 64 + (i << 2)) >> 2) + (Wave(frameCount + i * 36) >> 2);
     }
 }
 
@@ -139,7 +150,7 @@ static void ScrollRows(void)
         rowPlace[i] -= i < 4 ? 4 + i : i + i;
         rowScroll[i] = (uint8_t)(rowPlace[i] >> 4);
         if (i > 3 && i < 19)
-            rowScroll[i] += Wave((frameCount >> 1) + (i << 3)) >> 5;
+            rowScroll[i] += Wave(frameCount + frameCount + (i << 5)) >> 5;
     }
 }
 

@@ -180,7 +180,7 @@ static void MoveOne(Creature *creature)
         creature->x += 5;
         if (creature->x > 248)
             creature->kind = kNothing;
-        else
+        else if (creature->age & 1) // ten pixels are less than anything it could hit
             ShotHits(creature);
         return;
     case kPuff:

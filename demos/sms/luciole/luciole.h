@@ -57,9 +57,12 @@ void ScreenOn(void);
 void Put(uint16_t cell, uint16_t tile);  // cell = row * 32 + column
 void Text(uint16_t cell, const char *text);
 void TextOnHedge(uint16_t cell, const char *text);
-void Sprite(uint16_t xy, uint8_t tile);  // x << 8 | y; 8 x 16
-void Figure(int16_t x, uint16_t yAndTile); // y << 8 | tile; 16 x 16, clipped left and right
 void Frame(void);
+
+// sprites.s: what the next frame shows.
+void SpriteAdd(uint8_t tile, uint16_t xy);  // x << 8 | y; 8 x 16
+void Figure(int16_t x, uint16_t yAndTile);  // y << 8 | tile; 16 x 16, clipped left and right
+#define Sprite(xy, tile) SpriteAdd(tile, xy)
 
 // garden.c: the scenery, its scrolling, the lanterns.
 extern uint16_t scrolled;           // pixels since the night began

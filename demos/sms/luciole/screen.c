@@ -49,9 +49,10 @@ static const uint8_t kSpriteColours[] = {
 
 uint8_t pad, padPressed;
 
-static uint8_t spriteY[SPRITES];
-static uint8_t spriteXAndTile[SPRITES * 2];
-static uint8_t spriteCount, spritesShown;
+// sprites.s
+extern uint8_t spriteY[SPRITES];
+extern uint8_t spriteXAndTile[SPRITES * 2];
+extern uint8_t spriteCount;
 
 typedef struct {
     uint16_t cell, tile;
@@ -228,28 +229,6 @@ void TextOnHedge(uint16_t cell, const char *text)
 {
     for (; *text; ++text)
         Put(cell++, kTileHedgeFont + (uint8_t)(*text - ' '));
-}
-
-void Sprite(uint16_t xy, uint8_t tile)
-{
-    uint8_t *entry;
-    if (spriteCount == SPRITES)
-        return;
-    spriteY[spriteCount] = (uint8_t)xy - 1;
-    entry = &spriteXAndTile[spriteCount << 1];
-    entry[0] = xy >> 8;
-    entry[1] = tile;
-    ++spriteCount;
-}
-
-void Figure(int16_t x, uint16_t yAndTile)
-{
-    const uint8_t y = yAndTile >> 8;
-    if (x >= 0 && x < 256)
-        Sprite((uint16_t)x << 8 | y, (uint8_t)yAndTile);
-    x += 8;
-    if (x >= 0 && x < 256)
-        Sprite((uint16_t)x << 8 | y, (uint8_t)yAndTile + 2);
 }
 
 static void SendSprites(void)

@@ -169,10 +169,8 @@ void TallBegin(void)
     }
     Text(CELL(4, 8), tall ? "224 LINES, 28 ROWS" : "THIS CHIP HAS 192 LINES");
     if (tall)
-        Text(CELL(27, 8), "THE LAST ROW");
-    else
-        Text(CELL(23, 8), "THE LAST ROW");
-    Text(CELL(6, 8), "208 IS A PLACE HERE:");
+        Text(CELL(6, 8), "208 IS A PLACE HERE:");
+    Text(tall ? CELL(27, 8) : CELL(23, 8), "THE LAST ROW");
     SpriteTile(0, kTileBall);
     SpriteTile(1, kTileBlock);
     for (row = 2; row < 64; ++row) // nothing ends the list here

@@ -381,7 +381,8 @@ void CGAMEGEAR::CutWindow(EMU_VIDEO_FRAME& video) const {
         for (uint32_t i = 0; i < consoleCount; ++i) {
             const size_t from = row + kWindowRow + consoles[i].vdp.border;
             std::memmove(out,
-                         video.pixels + from * video.width + size_t{i} * kVdpPictureWidth + kWindowColumn,
+                         video.pixels + from * video.width + size_t{i} * kVdpPictureWidth +
+                             kWindowColumn,
                          kWindowWidth * sizeof *out);
             out += kWindowWidth;
         }

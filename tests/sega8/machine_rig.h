@@ -123,14 +123,19 @@ inline std::vector<uint8_t> NumberedBanks(uint32_t count) {
 
 inline constexpr uint32_t kRigKey = 7;
 
+// The settings of a first run, among them the sound quality and the bindings; once.
+inline void RegisterSettings() {
+    static const bool registered = [] {
+        RegisterDefaultSettings(Settings());
+        return true;
+    }();
+    static_cast<void>(registered);
+}
+
 // The host's side of a machine.
 struct MACHINE_RIG {
     MACHINE_RIG() {
-        static const bool registered = [] {
-            RegisterDefaultSettings(Settings());
-            return true;
-        }();
-        static_cast<void>(registered);
+        RegisterSettings();
         InputClearAll();
         InputSetActiveKey(kRigKey);
         InputSetWalkingRoom(false);
@@ -190,6 +195,7 @@ private:
 template <typename Machine, typename Options>
 std::unique_ptr<Machine> StartMachine(const Options& options, CGameFile& game,
                                       CGameFile* second = nullptr) {
+    RegisterSettings();
     auto machine = std::make_unique<Machine>(kRigKey);
     CGameFile* const games[2] = {&game, second};
     EXPECT_TRUE(machine->Init(&options, games)) << EmuLastError();

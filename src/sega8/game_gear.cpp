@@ -435,6 +435,7 @@ bool CGAMEGEAR::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
     for (GEAR_CONSOLE& console : consoles) {
         AfterLoad(console);
+        console.vdp.pausePressed = false; // there is no pause button here
     }
     return loaded;
 }

@@ -180,6 +180,8 @@ void CSMS::Reset() {
     z80.regs[kZ80Sp] = kStackStart;
     VdpReset(vdp);
     PsgReset(psg);
+    // The chip's own reset leaves its oscillators and the rhythm section as they were.
+    YmInit(fm, ModelOf(chosen.console).clock);
     YmReset(fm);
     PadsReset(pads);
     fmAddress = 0;

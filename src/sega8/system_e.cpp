@@ -327,13 +327,15 @@ void CSEGAE::CatchUp(uint32_t& rounds) {
 }
 
 // The same frame with the chips around the Z80 catching up when a port is touched; the round in which
-// the second VDP, which interrupts, acts by itself is run in full.
+// a VDP acts by itself is run in full.
 void CSEGAE::RunCatchingUp() {
     uint32_t owed = 0; // whole rounds of all chips but the Z80
     ARCADE_BUS bus{*this};
     ARCADE_LATE_BUS lateBus{bus, owed};
     while (!vdp2.frameDone) {
-        const uint32_t rounds = (VdpStepsToEvent(vdp2) - 1) / kVdpStepsPerRound;
+        // From reset on both chips stand at the same dot; a state may have them apart.
+        const uint32_t steps = std::min(VdpStepsToEvent(vdp1), VdpStepsToEvent(vdp2));
+        const uint32_t rounds = (steps - 1) / kVdpStepsPerRound;
         for (uint32_t i = 0; i < rounds; ++i) {
             Z80TickOn(z80, lateBus);
             ++owed;
@@ -392,6 +394,9 @@ bool CSEGAE::LoadState(const uint8_t* data, uint32_t size) {
     irqLine = irqLine != 0 ? 1 : 0;
     psgPhase %= kPsgPeriod;
     panel.dialSelect &= 3;
+    // This board has no pause button, whatever the state says.
+    vdp1.pausePressed = false;
+    vdp2.pausePressed = false;
     RebuildMap();
     psg1.resampler.Reset();
     psg2.resampler.Reset();

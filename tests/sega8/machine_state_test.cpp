@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ostream>
 #include <random>
 #include <string>
 #include <utility>
@@ -46,6 +47,11 @@ struct CASE {
     std::unique_ptr<CEmuSystem> (*start)();
     std::vector<std::wstring> actions; // held in some of the frames
 };
+
+// How a failing test names its case.
+void PrintTo(const CASE& what, std::ostream* out) {
+    *out << what.name;
+}
 
 std::unique_ptr<CEmuSystem> StartSms(SMS_OPTIONS options) {
     CGameFile game = SmsGame(Restless(0xBE, 0x7F).Image());

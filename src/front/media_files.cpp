@@ -4,7 +4,16 @@
 
 #include <png.h>
 
-#include <cstring>
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+void PutTag(uint8_t* at, std::string_view tag) {
+    std::copy(tag.begin(), tag.end(), at);
+}
+
+} // namespace
 
 std::vector<uint8_t> PngOfFrame(const EMU_VIDEO_FRAME& frame) {
     if (frame.pixels == nullptr || frame.visibleWidth == 0 || frame.visibleHeight == 0) {
@@ -46,9 +55,9 @@ std::vector<uint8_t> WavOfSamples(std::span<const int16_t> samples, uint32_t rat
     const auto dataBytes = static_cast<uint32_t>(samples.size() * sizeof(int16_t));
     std::vector<uint8_t> file(size_t{kHeader} + dataBytes);
     uint8_t* header = file.data();
-    std::memcpy(header, "RIFF", 4);
+    PutTag(header, "RIFF");
     StoreLittleEndian<uint32_t>(header + 4, kHeader - 8 + dataBytes);
-    std::memcpy(header + 8, "WAVEfmt ", 8);
+    PutTag(header + 8, "WAVEfmt ");
     StoreLittleEndian<uint32_t>(header + 16, 16); // bytes of the format
     StoreLittleEndian<uint16_t>(header + 20, 1);  // PCM
     StoreLittleEndian<uint16_t>(header + 22, kChannels);
@@ -56,7 +65,7 @@ std::vector<uint8_t> WavOfSamples(std::span<const int16_t> samples, uint32_t rat
     StoreLittleEndian<uint32_t>(header + 28, rate * kBytesAFrame);
     StoreLittleEndian<uint16_t>(header + 32, kBytesAFrame);
     StoreLittleEndian<uint16_t>(header + 34, 16); // bits
-    std::memcpy(header + 36, "data", 4);
+    PutTag(header + 36, "data");
     StoreLittleEndian<uint32_t>(header + 40, dataBytes);
     for (size_t i = 0; i < samples.size(); ++i) {
         StoreLittleEndian<uint16_t>(header + kHeader + 2 * i, static_cast<uint16_t>(samples[i]));

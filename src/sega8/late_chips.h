@@ -14,9 +14,14 @@
 struct LATE_CHIPS {
     VDP& vdp;
     PSG& psg;
-    YM2413* fm = nullptr;     // null without one
+    YM2413* fm;               // null without one
     uint32_t vdpSteps = 0;    // owed
     uint32_t soundClocks = 0; // owed, in clocks of the sound chips
+
+    LATE_CHIPS(VDP& vdpChip, PSG& psgChip, YM2413* fmChip = nullptr)
+        : vdp(vdpChip)
+        , psg(psgChip)
+        , fm(fmChip) {}
 
     void CatchUp() {
         VdpRun(vdp, vdpSteps);

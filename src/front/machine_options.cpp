@@ -58,7 +58,8 @@ constexpr MACHINE_OPTION kOptions[] = {
 std::string ValueNames(const MACHINE_OPTION& option) {
     std::string names;
     for (const OPTION_VALUE& value : option.values) {
-        names += (names.empty() ? "" : "|") + std::string(value.name);
+        names += names.empty() ? "" : "|";
+        names += value.name;
     }
     return names;
 }

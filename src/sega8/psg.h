@@ -20,7 +20,7 @@
 
 inline constexpr uint32_t kPsgClocksPerPair = 16;
 
-// Room for raw sound: over a frame of 50 Hz (4,475 pairs). A machine that never flushes loses nothing
+// Room for raw sound: over a frame of 313 lines (4,460 pairs). A machine that never flushes loses nothing
 // here, as the chip flushes by itself when this is full.
 inline constexpr uint32_t kPsgRawPairs = 5120;
 

@@ -127,8 +127,9 @@ private:
     PSG psg2;
     std::vector<uint8_t> rom;       // kArcadeRomBytes
     std::vector<uint8_t> opcodeRom; // as long, or empty: opcodes come from `rom`
-    // Offset in `opcodeRom` for fetches through the banked window: 0, 32,768 or 49,152 by game. What
-    // the other values pick is not published. A deciphered image laid out as the ROM itself needs 0.
+    // Offset in `opcodeRom` for fetches through the banked window. Boards know 0, 32,768 and 49,152, and
+    // what the last two pick is not published; an image laid out as the ROM itself, the only kind that
+    // is taken here, needs 0.
     uint32_t opcodeOffset = 0;
     uint32_t irqLine = 0;   // by vdp2
     uint32_t irqUnread = 0; // by vdp1; leads nowhere

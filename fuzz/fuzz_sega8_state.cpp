@@ -2,7 +2,7 @@
 // byte picks the machine; the rest is a state, or, as whole states are long, a patch: bytes that are
 // laid over the fields of a good one, from the offset before its end that the next two bytes name.
 #include "base/bytes.h"
-#include "host/state_piece.h"
+#include "base/state_piece.h"
 #include "library/game_file.h"
 #include "sega8/game_gear.h"
 #include "sega8/sms.h"

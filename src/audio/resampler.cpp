@@ -72,6 +72,9 @@ void AudioResampler::Init(double sourceRateValue) {
             quality = 0;
         }
     }
+    if (converter) {
+        trail.Init(ratio, quality);
+    }
     Reset();
 }
 
@@ -81,6 +84,7 @@ void AudioResampler::Reset() {
     phase = 0.0f;
     if (converter) {
         src_reset(converter.get());
+        trail.Reset();
     }
     BuildFilters();
 }
@@ -172,6 +176,8 @@ bool AudioResampler::ConvertPending() {
     outputCount += generated;
 
     const auto used = static_cast<int32_t>(data.input_frames_used) * 2;
+    trail.Follow(floatIn.data(), static_cast<size_t>(data.input_frames_used),
+                 static_cast<size_t>(data.output_frames_gen));
     std::copy(floatIn.begin() + used, floatIn.begin() + pendingCount, floatIn.begin());
     pendingCount -= used;
     return generated > 0 || used > 0;

@@ -13,6 +13,7 @@
 #pragma once
 
 #include "audio/band_splitter.h"
+#include "audio/converter_trail.h"
 
 #include <array>
 #include <cstddef>
@@ -25,6 +26,9 @@ struct SRC_STATE_tag;
 
 class AudioResampler {
 public:
+    // Values not taken yet that a state keeps; two chips of a machine are a few apart after a frame.
+    static constexpr uint32_t kKeptValues = 32;
+
     AudioResampler();
     ~AudioResampler();
     AudioResampler(const AudioResampler&) = delete;
@@ -47,6 +51,16 @@ public:
     // What is ready, oldest first. Valid until the next call.
     [[nodiscard]] std::span<const int16_t> Output() const;
 
+    // What is on its way: filters, converter and the values that nobody has taken yet, at most
+    // kKeptValues of them. With it a loaded machine gives the very samples that the saved one would
+    // have given. The size depends on the settings at Init.
+    [[nodiscard]] uint32_t StateSize() const;
+    // Writes StateSize bytes and gives the byte behind them.
+    uint8_t* SaveState(uint8_t* out) const;
+    // Gives the bytes used, or 0 for a piece of other settings or one that does not fit; everything on
+    // its way is then forgotten. Any contents are safe.
+    [[nodiscard]] uint32_t LoadState(const uint8_t* data, uint32_t size);
+
     // The quality in use, 0 to 2.
     [[nodiscard]] int32_t Quality() const { return quality; }
 
@@ -62,6 +76,7 @@ private:
     [[nodiscard]] bool ConvertPending();
 
     std::unique_ptr<SRC_STATE_tag, FREE_CONVERTER> converter; // null for quality 0
+    ConverterTrail trail;                                     // of the converter
     double sourceRate = 44100.0;
     double ratio = 1.0;          // program's rate / sourceRate
     std::vector<int16_t> output; // (program's rate / 40) x 2

@@ -5,6 +5,7 @@
 #include "front/settings/settings.h"
 #include "host/archive.h"
 #include "host/picture.h"
+#include "host/report.h"
 #include "host/rewind.h"
 #include "host/screenshot.h"
 #include "host/session_private.h"
@@ -64,11 +65,13 @@ void StepForward(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& v
 void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) {
     if (keys.saveState && !loop.saveWasDown) {
         const std::scoped_lock hold(session.lock);
-        EmuSaveToArchive(session);
+        if (EmuSaveToArchive(session)) {
+            HostNotice("State saved");
+        }
     }
     if (keys.loadState && !loop.loadWasDown) {
         const std::scoped_lock hold(session.lock);
-        EmuLoadFromArchive(session);
+        HostNotice(EmuLoadFromArchive(session) ? "State loaded" : "No saved state to load");
     }
     loop.saveWasDown = keys.saveState;
     loop.loadWasDown = keys.loadState;

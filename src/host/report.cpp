@@ -5,12 +5,13 @@
 
 namespace {
 
-std::atomic<HOST_REPORT_SINK> gSink{nullptr};
+std::atomic<HOST_REPORT_SINK> gReportSink{nullptr};
+std::atomic<HOST_REPORT_SINK> gNoticeSink{nullptr};
 
 } // namespace
 
 void HostReport(const std::string& message) {
-    if (const HOST_REPORT_SINK sink = gSink.load(); sink != nullptr) {
+    if (const HOST_REPORT_SINK sink = gReportSink.load(); sink != nullptr) {
         sink(message);
         return;
     }
@@ -19,5 +20,15 @@ void HostReport(const std::string& message) {
 }
 
 void HostSetReportSink(HOST_REPORT_SINK sink) {
-    gSink.store(sink);
+    gReportSink.store(sink);
+}
+
+void HostNotice(const std::string& message) {
+    if (const HOST_REPORT_SINK sink = gNoticeSink.load(); sink != nullptr) {
+        sink(message);
+    }
+}
+
+void HostSetNoticeSink(HOST_REPORT_SINK sink) {
+    gNoticeSink.store(sink);
 }

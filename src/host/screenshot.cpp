@@ -94,6 +94,7 @@ bool WriteScreenshot(const EMU_THREAD& session, const EMU_VIDEO_FRAME& video) {
         HostReport("screenshot: " + error);
         return false;
     }
+    HostNotice("Screenshot: " + path.filename().string());
     return true;
 }
 

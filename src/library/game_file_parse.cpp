@@ -3,6 +3,8 @@
 #include "library/game_file.h"
 #include "library/packing.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <fstream>
 #include <system_error>
@@ -38,12 +40,9 @@ size_t TakeListed(std::span<const uint8_t> bytes, std::vector<Record>& records) 
     return taken;
 }
 
-// Reads `size` bytes more behind those that are there.
-bool ReadMore(std::ifstream& file, std::vector<uint8_t>& bytes, size_t size) {
-    const size_t before = bytes.size();
-    bytes.resize(before + size);
-    file.read(reinterpret_cast<char*>(bytes.data() + before), static_cast<std::streamsize>(size));
-    return file.gcount() == static_cast<std::streamsize>(size);
+bool ReadWhole(std::ifstream& file, std::span<uint8_t> bytes) {
+    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    return file.gcount() == static_cast<std::streamsize>(bytes.size());
 }
 
 } // namespace
@@ -160,14 +159,14 @@ bool LoadGameFile(bool headerOnly, const std::filesystem::path& path, CGameFile&
     std::ifstream file;
     file.rdbuf()->pubsetbuf(nullptr, 0); // nothing is read ahead of what is asked for
     file.open(path, std::ios::binary);
-    std::vector<uint8_t> bytes;
-    if (!file || !ReadMore(file, bytes, sizeof(GAME_HEADER)) || !HasTag(bytes, "GAME")) {
+    std::array<uint8_t, sizeof(GAME_HEADER)> head{};
+    if (!file || !ReadWhole(file, head) || !HasTag(head, "GAME")) {
         return false;
     }
     const auto headerSize =
-        LoadLittleEndian<uint32_t>(bytes.data() + offsetof(GAME_HEADER, headerSize));
+        LoadLittleEndian<uint32_t>(head.data() + offsetof(GAME_HEADER, headerSize));
     const auto packedSize =
-        LoadLittleEndian<uint32_t>(bytes.data() + offsetof(GAME_HEADER, packedSize));
+        LoadLittleEndian<uint32_t>(head.data() + offsetof(GAME_HEADER, packedSize));
     if (headerSize > fileSize || headerSize < sizeof(GAME_HEADER)) {
         return false;
     }
@@ -178,7 +177,12 @@ bool LoadGameFile(bool headerOnly, const std::filesystem::path& path, CGameFile&
             return false;
         }
     }
-    if (wanted > kGameFileLimit || !ReadMore(file, bytes, wanted - sizeof(GAME_HEADER))) {
+    if (wanted > kGameFileLimit) {
+        return false;
+    }
+    std::vector<uint8_t> bytes(wanted);
+    std::copy(head.begin(), head.end(), bytes.begin());
+    if (!ReadWhole(file, std::span(bytes).subspan(head.size()))) {
         return false;
     }
     return game.Parse(bytes.data(), bytes.size(), !headerOnly);

@@ -1,7 +1,7 @@
 #include "sega8/game_gear.h"
 
+#include "base/state_piece.h"
 #include "front/settings/bindings.h"
-#include "host/state_piece.h"
 #include "library/game_file.h"
 #include "sega8/game_image.h"
 #include "sega8/late_chips.h"
@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <utility>
 
 namespace {
@@ -77,30 +78,68 @@ inline void ConsoleTick(GEAR_CONSOLE& console) {
 }
 
 // The same with chips that may be late: every port is touched by a console that is up to date.
+// The VDP's third step of a round comes behind the Z80's clock.
 struct GEAR_LATE_BUS {
     GEAR_BUS bus;
     LATE_CHIPS& late;
+    uint32_t clock = 0;     // of the stretch
+    uint32_t linkClock = 0; // the link's, of the same
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
-        late.CatchUp();
-        return bus.IoRead(port);
+        CatchUp();
+        const uint8_t value = bus.IoRead(port);
+        bus.console.z80.irqLine = bus.console.irqOut;
+        return value;
     }
     void IoWrite(uint16_t port, uint8_t value) {
-        late.CatchUp();
+        CatchUp();
         bus.IoWrite(port, value);
+        bus.console.z80.irqLine = bus.console.irqOut;
+    }
+    void At(uint32_t now) { clock = now; }
+    void CatchUp() {
+        late.CatchUp(clock * kVdpStepsPerRound + 2, clock);
+        RunLink(clock);
+    }
+    void RunLink(uint32_t to) {
+        for (; linkClock != to; ++linkClock) {
+            GearLinkTick(bus.console.link);
+        }
+    }
+    void BeginStretch() {
+        late.BeginStretch();
+        linkClock = 0;
+    }
+    void EndStretch(uint32_t rounds) {
+        late.CatchUp(rounds * kVdpStepsPerRound, rounds);
+        RunLink(rounds);
     }
 };
 
-inline void LateConsoleTick(GEAR_CONSOLE& console, GEAR_LATE_BUS& bus) {
-    bus.late.vdpSteps += 2;
+inline void LateConsoleTick(GEAR_CONSOLE& console, GEAR_LATE_BUS& bus, uint32_t round) {
+    bus.At(round);
     Z80TickOn(console.z80, bus);
-    ++bus.late.soundClocks;
-    ++bus.late.vdpSteps;
-    GearLinkTick(console.link);
+    bus.RunLink(round + 1);
     console.z80.irqLine = console.irqOut;
+}
+
+// The consoles that there are, a clock each by turns.
+void RunInTurns(std::span<GEAR_CONSOLE> consoles, std::span<GEAR_LATE_BUS> buses, uint32_t rounds) {
+    for (uint32_t round = 0; round < rounds; ++round) {
+        for (size_t i = 0; i < consoles.size(); ++i) {
+            LateConsoleTick(consoles[i], buses[i], round);
+        }
+    }
+}
+
+// Nothing comes or goes through the plug within so many clocks, and what begins meanwhile takes longer
+// than a line.
+bool LinkIsQuiet(const GEAR_LINK& link, uint32_t clocks) {
+    return (link.sendClocks == 0 || link.sendClocks > clocks) &&
+           (link.errorClocks == 0 || link.errorClocks > clocks);
 }
 
 void ConnectConsole(GEAR_CONSOLE& console, int psgModel) {
@@ -163,7 +202,6 @@ void AfterLoad(GEAR_CONSOLE& console) {
     console.irqOut = console.irqOut != 0 ? 1 : 0;
     GearLinkAfterLoad(console.link);
     SegaMemoryRebuild(console.memory);
-    console.psg.resampler.Reset();
 }
 
 // The rows from `row` on of one console's part of the picture.
@@ -320,7 +358,8 @@ void CGAMEGEAR::RunStepByStep() {
 }
 
 // The same frame with VDP and PSG catching up when a port of their console is touched; the round in
-// which a VDP acts by itself is run in full.
+// which a VDP acts by itself is run in full, and so is the first one, after which every line has its
+// level.
 void CGAMEGEAR::RunCatchingUp() {
     LATE_CHIPS late[2] = {
         {consoles[0].vdp, consoles[0].psg},
@@ -330,19 +369,25 @@ void CGAMEGEAR::RunCatchingUp() {
         {{consoles[0]}, late[0]},
         {{consoles[1]}, late[1]}
     };
+    for (uint32_t i = 0; i < consoleCount; ++i) {
+        ConsoleTick(consoles[i]);
+    }
     while (!consoles[0].vdp.frameDone) {
         uint32_t steps = VdpStepsToEvent(consoles[0].vdp);
         if (consoleCount == 2) {
             steps = std::min(steps, VdpStepsToEvent(consoles[1].vdp));
         }
         const uint32_t rounds = (steps - 1) / kVdpStepsPerRound;
-        for (uint32_t round = 0; round < rounds; ++round) {
-            for (uint32_t i = 0; i < consoleCount; ++i) {
-                LateConsoleTick(consoles[i], buses[i]);
-            }
+        for (GEAR_LATE_BUS& bus : buses) {
+            bus.BeginStretch();
+        }
+        if (consoleCount == 1 && LinkIsQuiet(consoles[0].link, rounds)) {
+            Z80RunOn(consoles[0].z80, buses[0], rounds);
+        } else {
+            RunInTurns(std::span(consoles).first(consoleCount), buses, rounds);
         }
         for (uint32_t i = 0; i < consoleCount; ++i) {
-            late[i].CatchUp();
+            buses[i].EndStretch(rounds);
         }
         for (uint32_t i = 0; i < consoleCount; ++i) {
             ConsoleTick(consoles[i]);
@@ -406,7 +451,10 @@ void CGAMEGEAR::BoardFields(Visit& visit) {
 
 StateBlob CGAMEGEAR::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    size = StatePieceSize(board) + 2 * (Z80StateSize() + VdpStateSize() + PsgStateSize());
+    const auto sound = {&std::as_const(consoles[0].psg.resampler),
+                        &std::as_const(consoles[1].psg.resampler)};
+    size = StatePieceSize(board) + 2 * (Z80StateSize() + VdpStateSize() + PsgStateSize()) +
+           SoundStateSize(sound);
     auto blob = std::make_unique<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     for (const GEAR_CONSOLE& console : consoles) {
@@ -414,6 +462,7 @@ StateBlob CGAMEGEAR::SaveState(uint32_t& size) {
         out = VdpSaveState(console.vdp, out);
         out = PsgSaveState(console.psg, out);
     }
+    SaveSoundState(sound, out);
     return blob;
 }
 
@@ -424,10 +473,13 @@ bool CGAMEGEAR::LoadPieces(const uint8_t* data, uint32_t size) {
         })) {
         return false;
     }
-    return std::all_of(consoles.begin(), consoles.end(), [&](GEAR_CONSOLE& console) {
+    const bool loaded = std::all_of(consoles.begin(), consoles.end(), [&](GEAR_CONSOLE& console) {
         return pieces.Load(console.z80, Z80LoadState) && pieces.Load(console.vdp, VdpLoadState) &&
                pieces.Load(console.psg, PsgLoadState);
     });
+    LoadSoundState({&consoles[0].psg.resampler, &consoles[1].psg.resampler}, pieces.Rest(),
+                   loaded ? pieces.Left() : 0);
+    return loaded;
 }
 
 // What is derived is made again after a refusal too, as the pieces before it are then in force.

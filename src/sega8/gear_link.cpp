@@ -54,22 +54,28 @@ void Drive(GEAR_LINK& link, uint8_t& field, uint8_t value) {
     }
 }
 
+// A receiver hears nobody and takes that for broken bytes.
+bool HearsErrors(const GEAR_LINK& link) {
+    return link.partner == nullptr && (link.serial & kGearReceiveOn) != 0;
+}
+
 void WaitForError(GEAR_LINK& link) {
-    const bool due = link.partner == nullptr && (link.serial & kGearReceiveOn) != 0;
-    link.errorClocks = due ? GearLinkByteClocks(link.serial) : 0;
+    link.errorClocks = HearsErrors(link) ? GearLinkByteClocks(link.serial) : 0;
 }
 
 void Send(GEAR_LINK& link, uint8_t value) {
+    if ((link.serial & kGearSendFull) != 0) {
+        return;
+    }
     link.sendByte = value;
-    if ((link.serial & (kGearSendFull | kGearTransmitOn)) == kGearTransmitOn) {
+    if ((link.serial & kGearTransmitOn) != 0) {
         link.serial |= kGearSendFull;
         link.sendClocks = GearLinkByteClocks(link.serial);
     }
 }
 
 uint8_t ReadSerial(const GEAR_LINK& link) {
-    const bool error = link.partner == nullptr && (link.serial & kGearReceiveOn) != 0;
-    return static_cast<uint8_t>(link.serial | (error ? kGearFrameError : 0));
+    return static_cast<uint8_t>(link.serial | (HearsErrors(link) ? kGearFrameError : 0));
 }
 
 } // namespace
@@ -94,6 +100,15 @@ void GearLinkReset(GEAR_LINK& link) {
 void GearLinkAfterLoad(GEAR_LINK& link) {
     link.sendClocks = std::min(link.sendClocks, kSlowestByteClocks);
     link.errorClocks = std::min(link.errorClocks, kSlowestByteClocks);
+    // The frame error is told from the partner at every read. A flag without its byte would block the
+    // port for good.
+    link.serial = static_cast<uint8_t>(link.serial & ~(kGearSendFull | kGearFrameError));
+    if (link.sendClocks != 0) {
+        link.serial |= kGearSendFull;
+    }
+    if (HearsErrors(link) != (link.errorClocks != 0)) {
+        WaitForError(link);
+    }
 }
 
 uint8_t GearLinkRead(GEAR_LINK& link, uint8_t port) {

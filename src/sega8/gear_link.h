@@ -5,8 +5,10 @@
 // with 2, 1 with 3, 4 with 5; 6 with itself. A line that nobody drives reads 1.
 // Serial: a byte written to port 3 while bit 4 of port 5 is set arrives after ten bits at the speed of
 // port 5, at a partner whose bit 5 is set; a byte that was not fetched is overwritten. Bit 0 of port 5
-// stays 1 until then. Without a partner a receiver sees a frame error, bit 2, and, with bit 3 set, an
-// NMI for every byte's time: programs take that as "nobody there".
+// stays 1 until then, and a write to port 3 in the meantime is lost: it cannot change the byte on its
+// way (open in the published material, which lets a write send only while the bit is 0). Without a
+// partner a receiver sees a frame error, bit 2, and, with bit 3 set, an NMI for every byte's time:
+// programs take that as "nobody there".
 //
 // Clock: GearLinkTick is one Z80 clock.
 // Pins: `nmi` is the console's own Z80's nmiEdge.
@@ -35,7 +37,7 @@ struct GEAR_LINK {
 
     uint8_t lines = 0x7F;        // port 1: what this side drives; bit 7 is storage
     uint8_t directions = 0xFF;   // port 2: 1 input; bit 7 set keeps PC6 from raising NMI
-    uint8_t sendByte = 0x00;     // port 3
+    uint8_t sendByte = 0x00;     // port 3; while bit 0 of `serial` is 1, the byte on its way
     uint8_t receivedByte = 0xFF; // port 4
     uint8_t serial = 0x00;       // port 5
     uint8_t panning = 0xFF;      // port 6
@@ -44,7 +46,7 @@ struct GEAR_LINK {
 };
 
 void GearLinkReset(GEAR_LINK& link);
-// After a state has been loaded.
+// After a state has been loaded: makes flags and times that contradict each other agree.
 void GearLinkAfterLoad(GEAR_LINK& link);
 
 // Ports 0 to 6; a write to port 6 is stored only.

@@ -1,7 +1,7 @@
 #include "sega8/sms.h"
 
+#include "base/state_piece.h"
 #include "front/settings/bindings.h"
-#include "host/state_piece.h"
 #include "library/game_file.h"
 #include "sega8/game_image.h"
 #include "sega8/late_chips.h"
@@ -24,7 +24,6 @@ constexpr uint8_t kKindBios = 3; // of a machine record
 constexpr int kPsgModel = 1;
 constexpr double kFmGain = 0.7;
 constexpr double kPsgGain = 0.7;
-constexpr uint32_t kBoardStateBytes = 32849;
 constexpr uint32_t kPaletteBytes = 32; // of colour RAM
 
 struct BUTTON {
@@ -103,20 +102,34 @@ struct SMS_BUS {
 };
 
 // The same with chips that may be late: every port is touched by a machine that is up to date.
+// The VDP's third step of a round comes behind the Z80's clock.
 struct SMS_LATE_BUS {
     SMS_BUS& bus;
     LATE_CHIPS& late;
+    uint32_t& irqLine; // of the Z80
+    const uint32_t& irqOut;
+    uint32_t& clockCount;
+    uint32_t clock = 0;      // of the stretch
+    uint32_t startCount = 0; // `clockCount` at its beginning
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
-        late.CatchUp();
-        return bus.IoRead(port);
+        CatchUp();
+        const uint8_t value = bus.IoRead(port);
+        irqLine = irqOut;
+        return value;
     }
     void IoWrite(uint16_t port, uint8_t value) {
-        late.CatchUp();
+        CatchUp();
         bus.IoWrite(port, value);
+        irqLine = irqOut;
+    }
+    void At(uint32_t now) { clock = now; }
+    void CatchUp() {
+        late.CatchUp(clock * kVdpStepsPerRound + 2, clock);
+        clockCount = startCount + clock;
     }
 };
 
@@ -234,22 +247,19 @@ void CSMS::RunStepByStep() {
 }
 
 // The same frame with the chips around the Z80 catching up; the round in which the VDP acts by itself
-// is run in full.
+// is run in full, and so is the first one, after which every line has its level.
 void CSMS::RunCatchingUp() {
     SMS_BUS bus{*this, memory};
     LATE_CHIPS late{vdp, psg, chosen.fmChip != 0 ? &fm : nullptr};
-    SMS_LATE_BUS lateBus{bus, late};
+    SMS_LATE_BUS lateBus{bus, late, z80.irqLine, irqOut, clockCount};
+    RunRound(bus);
     while (!vdp.frameDone) {
         const uint32_t rounds = (VdpStepsToEvent(vdp) - 1) / kVdpStepsPerRound;
-        for (uint32_t i = 0; i < rounds; ++i) {
-            late.vdpSteps += 2;
-            Z80TickOn(z80, lateBus);
-            ++late.soundClocks;
-            ++late.vdpSteps;
-            ++clockCount;
-            z80.irqLine = irqOut;
-        }
-        late.CatchUp();
+        late.BeginStretch();
+        lateBus.startCount = clockCount;
+        Z80RunOn(z80, lateBus, rounds);
+        late.CatchUp(rounds * kVdpStepsPerRound, rounds);
+        clockCount = lateBus.startCount + rounds;
         RunRound(bus);
     }
 }
@@ -294,13 +304,16 @@ void CSMS::BoardFields(Visit& visit, uint8_t& irqByte) {
 StateBlob CSMS::SaveState(uint32_t& size) {
     auto irqByte = static_cast<uint8_t>(irqOut);
     const auto board = [&](auto& visit) { BoardFields(visit, irqByte); };
-    size = kBoardStateBytes + Z80StateSize() + VdpStateSize() + PsgStateSize() + YmStateSize();
+    const auto sound = {&std::as_const(psg.resampler), &std::as_const(fm.resampler)};
+    size = StatePieceSize(board) + Z80StateSize() + VdpStateSize() + PsgStateSize() +
+           YmStateSize() + SoundStateSize(sound);
     auto blob = std::make_unique<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = Z80SaveState(z80, out);
     out = VdpSaveState(vdp, out);
     out = PsgSaveState(psg, out);
-    YmSaveState(fm, out);
+    out = YmSaveState(fm, out);
+    SaveSoundState(sound, out);
     return blob;
 }
 
@@ -311,8 +324,11 @@ bool CSMS::LoadPieces(const uint8_t* data, uint32_t size) {
     const bool boardTaken = pieces.Take(
         [&](const uint8_t* piece, uint32_t left) { return StatePieceRead(piece, left, board); });
     irqOut = irqByte != 0 ? 1 : 0;
-    return boardTaken && pieces.Load(z80, Z80LoadState) && pieces.Load(vdp, VdpLoadState) &&
-           pieces.Load(psg, PsgLoadState) && pieces.Load(fm, YmLoadState);
+    const bool loaded = boardTaken && pieces.Load(z80, Z80LoadState) &&
+                        pieces.Load(vdp, VdpLoadState) && pieces.Load(psg, PsgLoadState) &&
+                        pieces.Load(fm, YmLoadState);
+    LoadSoundState({&psg.resampler, &fm.resampler}, pieces.Rest(), loaded ? pieces.Left() : 0);
+    return loaded;
 }
 
 // What is derived is made again after a refusal too, as the pieces before it are then in force.
@@ -321,8 +337,6 @@ bool CSMS::LoadState(const uint8_t* data, uint32_t size) {
     frameToggle &= 1;
     PadsAfterLoad(pads);
     SegaMemoryRebuild(memory);
-    psg.resampler.Reset();
-    fm.resampler.Reset();
     return loaded;
 }
 

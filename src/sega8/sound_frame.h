@@ -1,10 +1,8 @@
 // How the machines here bring their chips' resampled sound into an EMU_AUDIO_FRAME.
 //
-// Guaranteed about sound and states: a state holds the sound chips but not what a resampler has on its
-// way, so loading one empties the resamplers. Two runs from one state give the same samples. A run
-// that goes on after saving and one that begins by loading give the same pictures, while their sound
-// differs by the samples that were on their way: a converter that starts afresh gives its first
-// samples later and differs from the other until its history is filled.
+// Sound and states: behind the chips a state holds what the resamplers have on their way, so that a
+// run that begins by loading gives the very samples of the run that was saved. A state without it, or
+// of other sound settings, is as good but for the first milliseconds: the resamplers then start empty.
 #pragma once
 
 #include "audio/resampler.h"
@@ -12,6 +10,34 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <initializer_list>
+
+// What a machine's resamplers take in a state.
+[[nodiscard]] inline uint32_t
+SoundStateSize(std::initializer_list<const AudioResampler*> resamplers) {
+    uint32_t size = 0;
+    for (const AudioResampler* resampler : resamplers) {
+        size += resampler->StateSize();
+    }
+    return size;
+}
+
+inline void SaveSoundState(std::initializer_list<const AudioResampler*> resamplers, uint8_t* out) {
+    for (const AudioResampler* resampler : resamplers) {
+        out = resampler->SaveState(out);
+    }
+}
+
+// From the end of a state; `data` may be null where nothing is left. From the first piece that does not
+// fit on, the resamplers start empty.
+inline void LoadSoundState(std::initializer_list<AudioResampler*> resamplers, const uint8_t* data,
+                           uint32_t size) {
+    for (AudioResampler* resampler : resamplers) {
+        const uint32_t used = resampler->LoadState(data, size);
+        data += used;
+        size = used != 0 ? size - used : 0;
+    }
+}
 
 [[nodiscard]] inline int16_t ClipSample(int32_t value) {
     return static_cast<int16_t>(std::clamp(value, -32768, 32767));

@@ -24,6 +24,10 @@ public:
         return Take([&](const uint8_t* data, uint32_t size) { return load(chip, data, size); });
     }
 
+    // What no piece has taken yet.
+    [[nodiscard]] const uint8_t* Rest() const { return next; }
+    [[nodiscard]] uint32_t Left() const { return left; }
+
 private:
     const uint8_t* next;
     uint32_t left;

@@ -1,7 +1,7 @@
 #include "sega8/system_e.h"
 
+#include "base/state_piece.h"
 #include "front/settings/bindings.h"
-#include "host/state_piece.h"
 #include "library/game_file.h"
 #include "sega8/game_image.h"
 #include "sega8/sound_frame.h"
@@ -99,18 +99,29 @@ namespace {
 // The same with chips that may be late: every port is touched by a machine that is up to date.
 struct ARCADE_LATE_BUS {
     ARCADE_BUS& bus;
-    uint32_t& owed;
+    uint32_t& irqLine; // of the Z80
+    const uint32_t& irqOut;
+    uint32_t round = 0; // of the stretch between two acts of a VDP
+    uint32_t done = 0;  // the others' rounds of it
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
-        bus.machine.CatchUp(owed);
-        return bus.IoRead(port);
+        CatchUp();
+        const uint8_t value = bus.IoRead(port);
+        irqLine = irqOut;
+        return value;
     }
     void IoWrite(uint16_t port, uint8_t value) {
-        bus.machine.CatchUp(owed);
+        CatchUp();
         bus.IoWrite(port, value);
+        irqLine = irqOut;
+    }
+    void At(uint32_t now) { round = now; }
+    void CatchUp() {
+        bus.machine.CatchUp(round - done);
+        done = round;
     }
 };
 
@@ -319,29 +330,25 @@ void CSEGAE::RunStepByStep() {
 
 // The first chip has drawn a stretch of a line before the second one lays its own over it, as with
 // single steps.
-void CSEGAE::CatchUp(uint32_t& rounds) {
+void CSEGAE::CatchUp(uint32_t rounds) {
     VdpRun(vdp1, rounds * kVdpStepsPerRound);
     VdpRun(vdp2, rounds * kVdpStepsPerRound);
     RunSound(rounds);
-    rounds = 0;
 }
 
 // The same frame with the chips around the Z80 catching up when a port is touched; the round in which
-// a VDP acts by itself is run in full.
+// a VDP acts by itself is run in full, and so is the first one, after which every line has its level.
 void CSEGAE::RunCatchingUp() {
-    uint32_t owed = 0; // whole rounds of all chips but the Z80
     ARCADE_BUS bus{*this};
-    ARCADE_LATE_BUS lateBus{bus, owed};
+    ARCADE_LATE_BUS lateBus{bus, z80.irqLine, irqLine};
+    RunRound(bus);
     while (!vdp2.frameDone) {
         // From reset on both chips stand at the same dot; a state may have them apart.
         const uint32_t steps = std::min(VdpStepsToEvent(vdp1), VdpStepsToEvent(vdp2));
         const uint32_t rounds = (steps - 1) / kVdpStepsPerRound;
-        for (uint32_t i = 0; i < rounds; ++i) {
-            Z80TickOn(z80, lateBus);
-            ++owed;
-            z80.irqLine = irqLine;
-        }
-        CatchUp(owed);
+        lateBus.done = 0;
+        Z80RunOn(z80, lateBus, rounds);
+        CatchUp(rounds - lateBus.done);
         RunRound(bus);
     }
 }
@@ -368,24 +375,30 @@ void CSEGAE::BoardFields(Visit& visit) {
 
 StateBlob CSEGAE::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    size = StatePieceSize(board) + Z80StateSize() + 2 * VdpStateSize() + 2 * PsgStateSize();
+    const auto sound = {&std::as_const(psg1.resampler), &std::as_const(psg2.resampler)};
+    size = StatePieceSize(board) + Z80StateSize() + 2 * VdpStateSize() + 2 * PsgStateSize() +
+           SoundStateSize(sound);
     auto blob = std::make_unique<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = Z80SaveState(z80, out);
     out = VdpSaveState(vdp1, out);
     out = VdpSaveState(vdp2, out);
     out = PsgSaveState(psg1, out);
-    PsgSaveState(psg2, out);
+    out = PsgSaveState(psg2, out);
+    SaveSoundState(sound, out);
     return blob;
 }
 
 bool CSEGAE::LoadPieces(const uint8_t* data, uint32_t size) {
     StatePieces pieces(data, size);
-    return pieces.Take([&](const uint8_t* piece, uint32_t left) {
+    const bool boardTaken = pieces.Take([&](const uint8_t* piece, uint32_t left) {
         return StatePieceRead(piece, left, [&](auto& visit) { BoardFields(visit); });
-    }) && pieces.Load(z80, Z80LoadState) &&
-           pieces.Load(vdp1, VdpLoadState) && pieces.Load(vdp2, VdpLoadState) &&
-           pieces.Load(psg1, PsgLoadState) && pieces.Load(psg2, PsgLoadState);
+    });
+    const bool loaded = boardTaken && pieces.Load(z80, Z80LoadState) &&
+                        pieces.Load(vdp1, VdpLoadState) && pieces.Load(vdp2, VdpLoadState) &&
+                        pieces.Load(psg1, PsgLoadState) && pieces.Load(psg2, PsgLoadState);
+    LoadSoundState({&psg1.resampler, &psg2.resampler}, pieces.Rest(), loaded ? pieces.Left() : 0);
+    return loaded;
 }
 
 // What is derived is made again after a refusal too, as the pieces before it are then in force.
@@ -398,8 +411,6 @@ bool CSEGAE::LoadState(const uint8_t* data, uint32_t size) {
     vdp1.pausePressed = false;
     vdp2.pausePressed = false;
     RebuildMap();
-    psg1.resampler.Reset();
-    psg2.resampler.Reset();
     return loaded;
 }
 

@@ -93,8 +93,8 @@ public:
     }
     // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
     void SetStepByStep(bool plain) { stepByStep = plain; }
-    // Runs the chips around the Z80 by the rounds that they owe.
-    void CatchUp(uint32_t& rounds);
+    // Runs the chips around the Z80 by so many rounds.
+    void CatchUp(uint32_t rounds);
 
     void WriteMemory(uint16_t address, uint8_t value) {
         writeWindows[address >> 14][address & 0x3FFF] = value;

@@ -12,7 +12,8 @@
 // Order: VdpInit, `vram`, VdpReset, then for each frame VdpBeginFrame, steps until `frameDone`,
 //   VdpFinishFrame.
 // Differs: the mode, the display bit, the scroll values and the name table base of modes 0 to 2 are
-//   taken once a line; multicolour and the mixed modes show as mode 0; the low status bits read as ones.
+//   taken once a line; multicolour and the mixed modes show as mode 0; the low status bits read as ones;
+//   bits 0 and 1 of register 6, said to mask tile bits of mode 4 sprites on the first chip, do nothing.
 #pragma once
 
 #include "sega8/vdp_record.h"

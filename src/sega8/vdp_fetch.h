@@ -90,11 +90,17 @@ inline uint32_t ScrollX(const VDP& vdp) {
     return locked ? 0 : vdp.scrollX;
 }
 
-inline void Name4(VDP& vdp, uint32_t dot) {
-    const uint32_t screenColumn = dot >> 3;
-    const bool lockedY = (vdp.regs[0] & 0x80) != 0 && screenColumn >= 24;
+inline constexpr uint32_t kLockedColumns = 24; // they and those behind them
+
+// A line of the name table.
+struct NAME_ROW {
+    uint32_t address; // of its first column, in words
+    uint16_t tileRow; // line of the scrolled background
+};
+
+inline NAME_ROW NameRow4(const VDP& vdp, uint32_t screenColumn) {
+    const bool lockedY = (vdp.regs[0] & 0x80) != 0 && screenColumn >= kLockedColumns;
     const uint32_t line = vdp.line + (lockedY ? 0U : vdp.scrollY);
-    const uint32_t column = (screenColumn + 32 - (ScrollX(vdp) >> 3)) & 31;
     if (vdp.activeHeight == 192) {
         const uint32_t scrolled = line % 224;
         uint32_t row = scrolled >> 3;
@@ -102,41 +108,62 @@ inline void Name4(VDP& vdp, uint32_t dot) {
         if (vdp.variant == kVdpFirst && (vdp.regs[2] & 1) == 0) {
             row &= 15;
         }
-        vdp.tileRow = static_cast<uint16_t>(scrolled);
-        vdp.nextAddr = ((vdp.regs[2] & 0x0EU) << 9) + row * 32 + column;
-    } else {
-        const uint32_t scrolled = line & 255;
-        vdp.tileRow = static_cast<uint16_t>(scrolled);
-        vdp.nextAddr = ((vdp.regs[2] & 0x0CU) << 9) + 0x380 + (scrolled >> 3) * 32 + column;
+        return {((vdp.regs[2] & 0x0EU) << 9) + row * 32, static_cast<uint16_t>(scrolled)};
     }
+    const uint32_t scrolled = line & 255;
+    return {((vdp.regs[2] & 0x0CU) << 9) + 0x380 + (scrolled >> 3) * 32,
+            static_cast<uint16_t>(scrolled)};
+}
+
+inline uint32_t NameColumn4(uint32_t screenColumn, uint32_t scrollX) {
+    return (screenColumn + 32 - (scrollX >> 3)) & 31;
+}
+
+inline void Name4(VDP& vdp, uint32_t dot) {
+    const uint32_t screenColumn = dot >> 3;
+    const NAME_ROW row = NameRow4(vdp, screenColumn);
+    vdp.tileRow = row.tileRow;
+    vdp.nextAddr = row.address + NameColumn4(screenColumn, ScrollX(vdp));
+}
+
+// The words of a tile's line; bit 10 of an entry turns the tile upside down.
+inline uint32_t TileAddress4(uint32_t entry, uint32_t tileRow) {
+    const uint32_t turned = (entry & 0x400) != 0 ? 7 : 0;
+    return ((entry & 511) * 8 + ((tileRow & 7) ^ turned)) * 2;
 }
 
 inline void Name4Data(VDP& vdp) {
-    const uint32_t entry = vdp.readData;
-    uint32_t row = vdp.tileRow & 7U;
-    if ((entry & 0x400) != 0) {
-        row = 7 - row;
-    }
     vdp.tileEntry = vdp.readData;
-    vdp.tileAddress = static_cast<uint16_t>(((entry & 511) * 8 + row) * 2);
+    vdp.tileAddress = static_cast<uint16_t>(TileAddress4(vdp.readData, vdp.tileRow));
 }
 
-// Kind 17: the tile is whole, its eight pixels go to the line. Colour 0 of a tile is a real colour,
-// but it neither covers a sprite nor a chip below.
-inline void TileHighData(VDP& vdp, uint32_t dot) {
-    const uint32_t entry = vdp.tileEntry;
+// The eight pixels of a tile's line. Colour 0 of a tile is a real colour, but it neither covers a sprite
+// nor a chip below.
+inline void DrawTile4(VDP& vdp, uint32_t x, uint32_t entry, uint32_t low, uint32_t high) {
     const std::array<uint64_t, 256>& spread = kSpread[(entry >> 9) & 1];
-    const uint32_t low = vdp.tileLow;
-    const uint32_t high = vdp.readData;
     const uint64_t plane0 = spread[low & 255];
     const uint64_t plane1 = spread[low >> 8];
     const uint64_t plane2 = spread[high & 255];
     const uint64_t plane3 = spread[high >> 8];
     const uint64_t solid = plane0 | plane1 | plane2 | plane3;
     const uint64_t palette = ((entry >> 11) & 1) * kEveryPixel;
-    const uint32_t x = ColumnBefore(dot) * 8 + (ScrollX(vdp) & 7);
+    const uint64_t covers = (entry & 0x1000) != 0 ? solid << 1 : 0;
     StorePixels(vdp.colourLine, x, plane0 | plane1 << 1 | plane2 << 2 | plane3 << 3 | palette << 4);
-    StorePixels(vdp.priorityLine, x, (entry & 0x1000) != 0 ? solid | solid << 1 : solid);
+    StorePixels(vdp.priorityLine, x, solid | covers);
+}
+
+// Kind 17: the tile is whole, its pixels go to the line.
+inline void TileHighData(VDP& vdp, uint32_t dot) {
+    const uint32_t x = ColumnBefore(dot) * 8 + (ScrollX(vdp) & 7);
+    DrawTile4(vdp, x, vdp.tileEntry, vdp.tileLow, vdp.readData);
+}
+
+inline uint32_t SpriteRows(const VDP& vdp) {
+    return ((vdp.regs[1] & 2) != 0 ? 16U : 8U) << (vdp.regs[1] & 1U);
+}
+
+inline uint32_t SearchLine(const VDP& vdp) {
+    return vdp.line + 1 >= vdp.totalLines ? 255 : vdp.line;
 }
 
 // Settled: a sprite at Y begins on line Y + 1, so during this line the next one's are searched. The
@@ -151,10 +178,8 @@ inline void TestSprite(VDP& vdp, uint8_t y, uint32_t number, uint32_t limit) {
         return;
     }
     const uint32_t zoom = vdp.regs[1] & 1U;
-    const uint32_t rows = ((vdp.regs[1] & 2) != 0 ? 16U : 8U) << zoom;
-    const uint32_t line = vdp.line + 1 >= vdp.totalLines ? 255 : vdp.line;
-    const uint32_t distance = (line - y) & 255;
-    if (distance >= rows) {
+    const uint32_t distance = (SearchLine(vdp) - y) & 255;
+    if (distance >= SpriteRows(vdp)) {
         return;
     }
     if (vdp.foundCount >= limit) {
@@ -175,12 +200,13 @@ inline uint32_t SpriteBase4(const VDP& vdp) {
 
 // Kinds 18 and 19. The first chip clears bit 6 of the address while register 5 bit 0 is clear; with
 // the table on its boundary of 256 bytes that bit is clear anyway.
+inline uint32_t SearchAddress4(const VDP& vdp, uint8_t index) {
+    const uint32_t address = SpriteBase4(vdp) + index;
+    return vdp.variant == kVdpFirst && (vdp.regs[5] & 1) == 0 ? address & ~0x40U : address;
+}
+
 inline void TestY4(VDP& vdp) {
-    uint32_t address = SpriteBase4(vdp) + vdp.spriteIndex;
-    if (vdp.variant == kVdpFirst && (vdp.regs[5] & 1) == 0) {
-        address &= ~0x40U;
-    }
-    vdp.nextAddr = address;
+    vdp.nextAddr = SearchAddress4(vdp, vdp.spriteIndex);
     ++vdp.spriteIndex;
 }
 

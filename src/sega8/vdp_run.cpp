@@ -1,16 +1,21 @@
-// Catching up: whole columns of four slots run as straight code, one function for each place in each
-// slot list, and pixels go out a run at a time. Nothing writes a register, a colour or video memory in
-// the meantime, so neither order can be told from the dot by dot one.
+// Catching up. Mode 4, which nearly every program shows, runs by stretches of a line (vdp_run_mode4.h).
+// Where an access of the processor is on its way, and in the older modes, whole groups of four slots run
+// as straight code, one function for each place in each slot list. Pixels go out a run at a time
+// (vdp_run_pixels.h). Nothing writes a register or a colour in the meantime, and video memory only in a
+// slot that is run by itself, so no order can be told from the dot by dot one.
 #include "sega8/vdp_run.h"
 
+#include "sega8/vdp_run_mode4.h"
+#include "sega8/vdp_run_pixels.h"
 #include "sega8/vdp_slot_lists.h"
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <utility>
 
 namespace {
+
+using namespace vdp_run;
 
 constexpr uint32_t kDotsPerGroup = 8; // four slots
 constexpr uint32_t kGroups = 42;      // whole groups in a line; three slots are left over
@@ -65,38 +70,6 @@ MakeTables(std::index_sequence<List...> /*unused*/) {
 
 constexpr auto kGroupTables = MakeTables(std::make_index_sequence<4>());
 
-// Eight pixels without a sprite among them: the background alone.
-void OutputBackground(VDP& vdp, const uint32_t* colours, uint32_t x) {
-    for (uint32_t i = x; i < x + 8; ++i) {
-        vdp.row[i] = colours[vdp.colourLine[i] & 31];
-    }
-}
-
-// Pixels of the dots from `first` to before `end`; background and sprites lie in the line buffers.
-void OutputPixels(VDP& vdp, uint32_t first, uint32_t end) {
-    constexpr uint32_t kEnd = kVdpFirstPixelDot + kVdpPictureWidth;
-    if (first >= kEnd || end <= kVdpFirstPixelDot) {
-        return;
-    }
-    uint32_t x = std::max(first, kVdpFirstPixelDot) - kVdpFirstPixelDot;
-    const uint32_t endX = std::min(end, kEnd) - kVdpFirstPixelDot;
-    const bool plain = vdp.row != nullptr && !vdp.secondChip;
-    const uint32_t* colours = vdp.fixedColours ? kVdpFixedColours : vdp.palette;
-    while (x < endX) {
-        uint64_t sprites = 1;
-        if (plain && x + 8 <= endX && (x >= 8 || !vdp_fetch::LeftColumnBlank(vdp))) {
-            std::memcpy(&sprites, &vdp.spriteLine[x], sizeof sprites);
-        }
-        if (sprites == 0) {
-            OutputBackground(vdp, colours, x);
-            x += 8;
-        } else {
-            vdp_tick::Pixel(vdp, x);
-            ++x;
-        }
-    }
-}
-
 // One dot without its pixel.
 void FetchDot(VDP& vdp, uint32_t dot) {
     const uint8_t slot = vdp.slotTable[dot];
@@ -107,12 +80,49 @@ void FetchDot(VDP& vdp, uint32_t dot) {
     }
 }
 
+// Runs as much of mode 4 as is known beforehand, from `dot` on but not past `end`. Gives the dot that is
+// next, which is `dot` itself where the slots have to be run one by one.
+uint32_t RunKnownDots(VDP& vdp, uint32_t dot, uint32_t end) {
+    if (vdp.slotList > kVdpMode4Blank || AccessOnItsWay(vdp)) {
+        return dot;
+    }
+    const bool active = vdp.slotList == kVdpMode4Active;
+    const uint32_t column = dot / kDotsPerColumn;
+    const uint32_t columnsEnd = std::min(end / kDotsPerColumn, kColumns);
+    if (dot <= kSpriteDot && vdp.lastKind == (active ? kSlotTileHigh : kSlotBlank)) {
+        if (column < columnsEnd) {
+            if (active) {
+                RunColumns(vdp, column, columnsEnd);
+            } else {
+                RunBlankColumns(vdp, column, columnsEnd);
+            }
+            return columnsEnd * kDotsPerColumn;
+        }
+        if (dot == kSpriteDot && end == kVdpEventDot) {
+            RunSpriteFetch(vdp, active);
+            return end;
+        }
+    } else if (dot == kTailDot && end == kVdpDots && vdp.lastKind == kSlotSprite4Low) {
+        RunTail(vdp);
+        return end;
+    }
+    return dot;
+}
+
 // The dots from `first` to before `end` of one line, none of which is dot 0 or 318.
 void RunDots(VDP& vdp, uint32_t first, uint32_t end) {
     const GroupTable& groups = kGroupTables[vdp.slotList & 3];
     uint32_t dot = first;
     while (dot < end) {
-        if (dot % kDotsPerGroup == 0 && dot + kDotsPerGroup <= end && dot != 0) {
+        if (dot % kDotsPerGroup != 0) {
+            FetchDot(vdp, dot);
+            ++dot;
+            continue;
+        }
+        const uint32_t known = RunKnownDots(vdp, dot, end);
+        if (known != dot) {
+            dot = known;
+        } else if (dot + kDotsPerGroup <= end) {
             groups[dot / kDotsPerGroup](vdp);
             dot += kDotsPerGroup;
         } else {

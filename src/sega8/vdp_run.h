@@ -1,8 +1,8 @@
 // Many steps of the 8-bit VDP at once: the same work as so many calls of VdpTick, for a machine that
 // lets the chip fall behind and catches up before anything can see it.
 //
-// The VDP acts on the outside by itself at two dots of a line only: at dot 0, where it looks at the
-// pause button, and at dot 318, where it steps the line, raises its flags and ends the frame. Between
+// The VDP acts on the outside by itself at two dots of a line only: at dot 0, if it sees the pause button
+// go down there, and at dot 318, where it steps the line, raises its flags and ends the frame. Between
 // them nothing but a port shows how far it has come.
 #pragma once
 
@@ -18,8 +18,12 @@ void VdpRun(VDP& vdp, uint32_t steps);
     constexpr uint32_t kStartStep = 1; // the second half of dot 0
     constexpr uint32_t kEventStep = 2 * kVdpEventDot + 1;
     const uint32_t next = vdp.dotCounter;
-    if (next <= kStartStep) {
+    const bool pause = vdp.pausePressed && !vdp.pauseSeen;
+    if (pause && next <= kStartStep) {
         return kStartStep + 1 - next;
     }
-    return next <= kEventStep ? kEventStep + 1 - next : kVdpStepsPerLine + kStartStep + 1 - next;
+    if (next <= kEventStep) {
+        return kEventStep + 1 - next;
+    }
+    return kVdpStepsPerLine + (pause ? kStartStep : kEventStep) + 1 - next;
 }

@@ -1,8 +1,10 @@
-#include "host/state_piece.h"
+#include "base/state_piece.h"
 #include "sega8/vdp.h"
 #include "sega8/vdp_private.h"
+#include "sega8/vdp_slots.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace {
 
@@ -88,11 +90,32 @@ auto FieldsOf(VDP& vdp) {
     };
 }
 
+// What a slot of the list leaves behind as its kind; a free one leaves none where no access was due.
+uint8_t KindLeft(const VDP& vdp, size_t slot, uint8_t loaded) {
+    const uint8_t kind = kVdpSlotLists[vdp.slotList][2 * slot];
+    return kind == kSlotFree && loaded != kSlotFree ? uint8_t{kSlotNone} : kind;
+}
+
+// The kinds on their way follow from the place in the list, and what runs a list at once counts on
+// that. The first slot follows the line before, whose list may have been another one: all of them end
+// in the sprite search. A chip that was reset comes from nowhere.
+void RestrainKinds(VDP& vdp) {
+    const uint32_t dot = vdp.dotCounter / 2; // the next one to be done
+    const size_t slot = dot / 2;
+    if (slot != 0) {
+        vdp.lastKind = KindLeft(vdp, slot - 1, vdp.lastKind);
+    } else if (vdp.lastKind != kSlotTestY4 && vdp.lastKind != kSlotTestY) {
+        vdp.lastKind = kSlotNone;
+    }
+    vdp.nextKind = dot % 2 != 0 ? KindLeft(vdp, slot, vdp.nextKind) : vdp.lastKind;
+}
+
 // Brings what counts or selects into its range; the rest is masked where it is used.
 void Restrain(VDP& vdp) {
     vdp.addr &= kVdpVramMask;
     vdp.code &= 3;
     vdp.pendingAccess = std::min<uint8_t>(vdp.pendingAccess, kVdpWrite);
+    vdp.pendingCount %= vdp_tick::kAccessDots;
     vdp.activeAccess = std::min<uint8_t>(vdp.activeAccess, kVdpWrite);
     vdp.dotCounter %= kVdpStepsPerLine;
     vdp.line %= vdp.totalLines;
@@ -107,6 +130,7 @@ void Restrain(VDP& vdp) {
     const auto maxSprites = static_cast<uint8_t>(kVdpMaxSprites);
     vdp.foundCount = std::min(vdp.foundCount, maxSprites);
     vdp.spriteCount = std::min(vdp.spriteCount, maxSprites);
+    RestrainKinds(vdp);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // Clocking: low-frequency oscillators, operators, rhythm, envelopes, phases and noise.
 #include "sega8/ym2413.h"
 
-#include "host/state_piece.h"
+#include "base/state_piece.h"
 #include "sega8/ym2413_private.h"
 #include "sega8/ym2413_tables.h"
 

@@ -21,6 +21,8 @@
 //   clock.
 #pragma once
 
+#include "sega8/z80_steps.h"
+
 #include <array>
 #include <cstdint>
 
@@ -87,6 +89,7 @@ struct Z80 {
 
     std::array<uint8_t, kZ80QueueSize + kZ80QueueRoom> queue{}; // steps of the present instruction
     uint32_t queueIndex = 0;                                    // next step, 0..31
+    const Z80Template* program = nullptr; // the template last written to the queue; not saved
     std::array<uint32_t, kZ80RegisterCount> regs{}; // by Z80Register; the low 16 bits count
     uint32_t r7 = 0;                                // R; the low seven bits count
     uint32_t r8 = 0;                                // top bit of R, 0 or 0x80
@@ -141,3 +144,5 @@ uint8_t* Z80SaveState(const Z80& z80, uint8_t* out);
 [[nodiscard]] uint32_t Z80LoadState(Z80& z80, const uint8_t* data, uint32_t size);
 
 #include "sega8/z80_tick.h"
+
+#include "sega8/z80_run.h"

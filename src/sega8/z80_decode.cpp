@@ -384,10 +384,9 @@ void DecodeLastQuarter(const DECODE& at) {
     }
 }
 
-void DecodeBase(Z80& z80, Z80Register hl) {
-    z80.prefix = kZ80NoPrefix;
-    const DECODE at{z80, hl, (z80.opcode >> 3) & 7, z80.opcode & 7};
-    switch ((z80.opcode >> 6) & 3) {
+void DecodeQuarter(const DECODE& at, uint32_t quarter) {
+    at.z80.prefix = kZ80NoPrefix;
+    switch (quarter) {
     case 0: DecodeFirstQuarter(at); break;
     case 1: DecodeLoads(at); break;
     case 2: DecodeAccumulator(at); break;
@@ -395,12 +394,26 @@ void DecodeBase(Z80& z80, Z80Register hl) {
     }
 }
 
+// An opcode without a prefix, its fields known to the compiler.
+template <uint32_t Opcode>
+[[gnu::flatten]] void DecodeOpcode(Z80& z80) {
+    DecodeQuarter({z80, kZ80Hl, (Opcode >> 3) & 7, Opcode & 7}, Opcode >> 6);
+}
+
+template <uint32_t... Opcode>
+constexpr Z80DecodeTable MakeDecodeTable(std::integer_sequence<uint32_t, Opcode...> /*unused*/) {
+    return {DecodeOpcode<Opcode>...};
+}
+
 void DecodeIndex(Z80& z80, Z80Register index) {
     z80.wz = Address(z80.regs[index]);
-    DecodeBase(z80, index);
+    DecodeQuarter({z80, index, (z80.opcode >> 3) & 7, z80.opcode & 7}, (z80.opcode >> 6) & 3);
 }
 
 } // namespace
+
+constinit const Z80DecodeTable kZ80BaseTable =
+    MakeDecodeTable(std::make_integer_sequence<uint32_t, 256>());
 
 void Z80Decode(Z80& z80) {
     switch (z80.prefix) {
@@ -408,7 +421,7 @@ void Z80Decode(Z80& z80) {
     case kZ80PrefixDd: DecodeIndex(z80, kZ80Ix); break;
     case kZ80PrefixFd: DecodeIndex(z80, kZ80Iy); break;
     case kZ80PrefixEd: Z80DecodeEd(z80); break;
-    default: DecodeBase(z80, kZ80Hl); break;
+    default: kZ80BaseTable[z80.opcode % kZ80BaseTable.size()](z80); break;
     }
 }
 

@@ -145,53 +145,56 @@ void JumpRelative(Z80& z80) {
     End(z80);
 }
 
-bool BlockStep(Z80& z80, Z80Step step) {
-    using enum Z80Step;
-    switch (step) {
-    case kLdi: MoveBlock(z80, 1); return true;
-    case kLdd: MoveBlock(z80, kMinusOne); return true;
-    case kCpi: CompareBlock(z80, 1); return true;
-    case kCpd: CompareBlock(z80, kMinusOne); return true;
-    case kOuti: OutputBlock(z80, 1); return true;
-    case kOutd: OutputBlock(z80, kMinusOne); return true;
-    case kIni: InputBlock(z80, 1); return true;
-    case kInd: InputBlock(z80, kMinusOne); return true;
-    case kLdir:
-    case kLddr: RepeatWhile(z80, HasCount(z80)); return true;
-    case kCpir:
-    case kCpdr: RepeatWhile(z80, HasCount(z80) && !IsZeroSet(z80)); return true;
-    case kInir:
-    case kOtir:
-    case kIndr:
-    case kOtdr: RepeatWhile(z80, HasByteCount(z80)); return true;
-    default: return false;
-    }
-}
-
-bool AccumulatorStep(Z80& z80, Z80Step step) {
+// A with W, and the end.
+void AccumulatorStep(Z80& z80, Z80Step step) {
     using enum Z80Step;
     const uint8_t w = LowByte(z80.wz);
     switch (step) {
     case kAnd: Z80And(z80, w); break;
     case kOr: Z80Or(z80, w); break;
     case kXor: Z80Xor(z80, w); break;
-    case kCompare: Z80Compare(z80, w); break;
     case kAdd: Z80Add(z80, w, 0); break;
     case kAddCarry: Z80Add(z80, w, Carry(z80)); break;
     case kSubtract: Z80Subtract(z80, w, 0); break;
     case kSubtractCarry: Z80Subtract(z80, w, Carry(z80)); break;
-    default: return false;
+    default: Z80Compare(z80, w); break;
     }
     End(z80);
-    return true;
 }
 
-void LatchStep(Z80& z80, Z80Step step) {
+} // namespace
+
+void Z80Operate(Z80& z80, Z80Step step) {
     using enum Z80Step;
     const uint8_t t = LowByte(z80.temp);
     switch (step) {
+    case kAnd:
+    case kOr:
+    case kXor:
+    case kCompare:
+    case kAdd:
+    case kAddCarry:
+    case kSubtract:
+    case kSubtractCarry: AccumulatorStep(z80, step); break;
+    case kJumpRelative: JumpRelative(z80); break;
     case kIncrementT: SetLowByte(z80.temp, Z80Increment(z80, t)); break;
     case kDecrementT: SetLowByte(z80.temp, Z80Decrement(z80, t)); break;
+    case kLdi: MoveBlock(z80, 1); break;
+    case kLdd: MoveBlock(z80, kMinusOne); break;
+    case kCpi: CompareBlock(z80, 1); break;
+    case kCpd: CompareBlock(z80, kMinusOne); break;
+    case kOuti: OutputBlock(z80, 1); break;
+    case kOutd: OutputBlock(z80, kMinusOne); break;
+    case kIni: InputBlock(z80, 1); break;
+    case kInd: InputBlock(z80, kMinusOne); break;
+    case kLdir:
+    case kLddr: RepeatWhile(z80, HasCount(z80)); break;
+    case kCpir:
+    case kCpdr: RepeatWhile(z80, HasCount(z80) && !IsZeroSet(z80)); break;
+    case kInir:
+    case kOtir:
+    case kIndr:
+    case kOtdr: RepeatWhile(z80, HasByteCount(z80)); break;
     case kBit: Z80TestBit(z80, HighByte(z80.temp), t, t); break;
     case kBitIndexed: Z80TestBit(z80, HighByte(z80.temp), t, HighByte(z80.wz)); break;
     case kSet: StoreResult(z80, LowByte(t | BitMask(z80))); break;
@@ -206,17 +209,8 @@ void LatchStep(Z80& z80, Z80Step step) {
     case kSll: StoreResult(z80, Z80Rotate(z80, step, t)); break;
     case kRld: RotateDigit(z80, true); break;
     case kRrd: RotateDigit(z80, false); break;
-    case kJumpRelative: JumpRelative(z80); break;
     case kDecodeIndexed: Z80DecodeIndexed(z80); break;
     default: break;
-    }
-}
-
-} // namespace
-
-void Z80Operate(Z80& z80, Z80Step step) {
-    if (!AccumulatorStep(z80, step) && !BlockStep(z80, step)) {
-        LatchStep(z80, step);
     }
 }
 

@@ -3,20 +3,17 @@
 
 #include "sega8/z80.h"
 
-#include <array>
 #include <cstdint>
 #include <cstring>
 
-inline constexpr uint32_t kZ80TemplateSize = 20;
 static_assert(kZ80TemplateSize <= kZ80QueueRoom + 1, "a template fits behind the last index");
 
-// The remaining clocks of an instruction, one step each.
-using Z80Template = std::array<Z80Step, kZ80TemplateSize>;
-
 // Puts a template where the queue is read next.
-inline void Z80WriteTemplate(Z80& z80, const Z80Template& steps) {
-    std::memcpy(&z80.queue[z80.queueIndex], steps.data(), steps.size());
+inline void Z80WriteTemplate(Z80& z80, const Z80Template& from) {
+    std::memcpy(&z80.queue[z80.queueIndex], from.steps.data(), kZ80TemplateSize);
+    z80.program = &from;
 }
+void Z80WriteTemplate(Z80& z80, const Z80Template&& from) = delete; // it has to last
 
 // Sums and comparisons of A with a value; flags in full.
 void Z80Add(Z80& z80, uint8_t value, uint32_t carry);

@@ -5,6 +5,8 @@
 // value that is not here is an idle clock.
 #pragma once
 
+#include <array>
+#include <concepts>
 #include <cstdint>
 
 enum class Z80Step : uint8_t {
@@ -101,4 +103,30 @@ enum class Z80Step : uint8_t {
     kIndexedOpcode = 199, // last byte of DD CB and FD CB, read as data
     kDecodeIndexed = 200,
     kDecode = 0xFE
+};
+
+inline constexpr uint32_t kZ80TemplateSize = 20;
+
+using Z80TemplateSteps = std::array<Z80Step, kZ80TemplateSize>;
+
+// A clock on which nothing happens unless the bus is asked for.
+constexpr bool Z80IsWait(Z80Step step) {
+    return step == Z80Step::kIdle || step == Z80Step::kSample || step == Z80Step::kSampleAgain;
+}
+
+// The remaining clocks of an instruction, one step each.
+struct Z80Template {
+    Z80TemplateSteps steps{};
+    uint32_t actions = 0; // bit n: step n is no wait
+
+    constexpr Z80Template() = default;
+    constexpr explicit Z80Template(const Z80TemplateSteps& list)
+        : steps(list) {
+        for (uint32_t i = 0; i < kZ80TemplateSize; ++i) {
+            actions |= Z80IsWait(steps[i]) ? 0U : 1U << i;
+        }
+    }
+    template <std::same_as<Z80Step>... Steps>
+    constexpr explicit(false) Z80Template(Z80Step first, Steps... others)
+        : Z80Template(Z80TemplateSteps{first, others...}) {}
 };

@@ -124,14 +124,13 @@ constexpr Z80Template ChangeMemory(Z80Step step) {
 // Puts the displacement of an indexed form before the template of the plain one. The first two clocks
 // of the plain one, a sampling point and an idle clock, stay in their place before its access.
 constexpr Z80Template WithDisplacement(const Z80Template& plain) {
-    constexpr Z80Template kDisplacementFirst{kSample, kIdle, kDisplacement, kSampleAgain, kIdle,
-                                             kIdle,   kIdle, kIdle,         kSampleAgain};
     constexpr size_t kAhead = 8;
-    Z80Template indexed = kDisplacementFirst;
+    Z80TemplateSteps indexed{kSample, kIdle, kDisplacement, kSampleAgain, kIdle,
+                             kIdle,   kIdle, kIdle,         kSampleAgain};
     for (size_t i = 1; i + kAhead < indexed.size(); ++i) {
-        indexed[i + kAhead] = plain[i];
+        indexed[i + kAhead] = plain.steps[i];
     }
-    return indexed;
+    return Z80Template(indexed);
 }
 
 // Behind an ED prefix.

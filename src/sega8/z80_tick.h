@@ -12,6 +12,9 @@
 void Z80Operate(Z80& z80, Z80Step step);
 // Writes the template of the opcode that was fetched.
 void Z80Decode(Z80& z80);
+// The same where there was no prefix, by the opcode.
+using Z80DecodeTable = std::array<void (*)(Z80&), 256>;
+extern const Z80DecodeTable kZ80BaseTable;
 // The second decode of DD CB and FD CB.
 void Z80DecodeIndexed(Z80& z80);
 void Z80StartInterrupt(Z80& z80);
@@ -62,7 +65,7 @@ inline void Sample(Z80& z80) {
 inline void End(Z80& z80) {
     Sample(z80);
     z80.queueIndex = 0;
-    if (z80.prefix != kZ80NoPrefix) {
+    if (z80.prefix != kZ80NoPrefix || (z80.nmiEdge | z80.irqLine) == 0) {
         return;
     }
     if (z80.nmiEdge != 0) {
@@ -111,7 +114,7 @@ inline void SetInputFlags(Z80& z80, uint8_t value) {
 
 // The steps that access an operand, a stack or a port.
 template <typename Bus>
-void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
+inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
     using enum Z80Step;
     uint32_t& word = Indexed(z80);
     const uint16_t address = Address(z80.wz);

@@ -531,7 +531,10 @@ TEST_F(Archive, AMachineWithoutAStateSavesNothing) {
 TEST_F(Archive, ArcadeSavesLieInTheHomeFolder) {
     const auto session = Create({}, "Game", 6);
     EXPECT_TRUE(EmuSaveToArchive(*session));
-    EXPECT_TRUE(fs::exists(home.Path() / "saves" / "game.zip"));
+    EXPECT_EQ(Unzip(home.Path() / "saves" / "game.zip"), (Entries{
+                                                             {kEntry, StateOf(*session)}
+    }));
+    EXPECT_FALSE(fs::exists(Folder())) << "no folder of another machine";
 }
 
 TEST_F(Archive, WithoutASinkReportsGoToStandardError) {

@@ -5,6 +5,7 @@
 #include "host/session.h"
 
 #include <atomic>
+#include <cstdio>
 #include <filesystem>
 #include <thread>
 
@@ -85,6 +86,31 @@ TEST_F(Session, AGameWithoutASelectedImageIsNamedByItsHeader) {
     const uint8_t* const hash = game.Header().headerHash;
     EXPECT_EQ(session->stateEntryName, HexText(std::span(hash, 6)));
     EXPECT_NE(session->stateEntryName, "000000000000");
+}
+
+// The entry follows the picked variant's number among the pieces, for an arcade game as for all others;
+// one that has no piece of that number goes by the records as a whole.
+TEST_F(Session, AnArcadeGameIsNamedByItsPieceOrElseByItsHeader) {
+    CGameFile game = MakeGame(6, 0x3C);
+    for (const char* const title : {"First", "Second"}) {
+        game.AddNameFromTitle(title, 1, 1, {});
+    }
+    game.ComputeHeaderHash();
+    const uint8_t* const hash = game.Header().headerHash;
+    char header[13];
+    std::snprintf(header, sizeof header, "%02x%02x%02x%02x%02x%02x", unsigned{hash[0]},
+                  unsigned{hash[1]}, unsigned{hash[2]}, unsigned{hash[3]}, unsigned{hash[4]},
+                  unsigned{hash[5]});
+    EXPECT_STRNE(header, "000000000000");
+    EXPECT_STRNE(header, "3c3c3c3c3c3c");
+    CGameFile* const games[2] = {&game, nullptr};
+    for (const int32_t picked : {0, 1}) {
+        game.selectedName = picked;
+        const auto session = EmuCreateSession(3, games, nullptr, "Game");
+        ASSERT_NE(session, nullptr);
+        EXPECT_EQ(session->archivePath, "\\saves\\game.zip");
+        EXPECT_EQ(session->stateEntryName, picked == 0 ? "3c3c3c3c3c3c" : header);
+    }
 }
 
 TEST_F(Session, AnUnknownSystemFailsButStopsTheOldSessionFirst) {

@@ -1,6 +1,6 @@
 #include "host/test_machine.h"
 
-#include "host/state_piece.h"
+#include "base/state_piece.h"
 
 #include <cstring>
 

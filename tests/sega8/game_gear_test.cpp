@@ -78,7 +78,7 @@ namespace {
 
 // A picture in which every pixel differs from its neighbours: a name table of 32 x 28 different tiles
 // would not fit, so that 448 tiles of noise are shown.
-Program Noise() {
+Program Noise(int register0 = 0x04, int register1 = 0x40) {
     Program program;
     program.Bytes({0xF3});
     program.VdpRegister(0xBF, 1, 0x00).VdpRegister(0xBF, 2, 0xFF);
@@ -92,7 +92,7 @@ Program Noise() {
     program.Bytes({0x7B, 0x82, 0x07, 0xAA, 0x57, 0x1C}); // a=e; a+=d; rlca; a^=d; d=a; e++
     program.Bytes({0xD3, 0xBE, 0x2B, 0x7C, 0xB5});       // out; dec hl; a=h|l
     program.Bytes({0xC2, loop & 0xFF, loop >> 8});       // jp nz
-    program.VdpRegister(0xBF, 0, 0x06 & ~2).VdpRegister(0xBF, 1, 0x40).Stop();
+    program.VdpRegister(0xBF, 0, register0).VdpRegister(0xBF, 1, register1).Stop();
     return program;
 }
 
@@ -116,6 +116,32 @@ TEST(GameGear, WindowIsCutOutOfTheFullPicture) {
             ASSERT_EQ(cut->pixels[y * 160 + x], whole->pixels[(y + 16 + 24) * 256 + x + 48]);
         }
     }
+}
+
+// The window stays 24 rows below the border, and a picture of 224 lines has none.
+TEST(GameGear, WindowOf224LinesBeginsAtItsRow24) {
+    GEAR_OPTIONS full{};
+    full.fullDisplay = 1;
+    auto whole = std::make_unique<MACHINE_RIG>();
+    auto cut = std::make_unique<MACHINE_RIG>();
+    const Gear first = Start(full, Noise(0x06, 0x50));
+    const Gear second = Start({}, Noise(0x06, 0x50));
+    whole->Frames(*first, 40);
+    cut->Frames(*second, 40);
+    ASSERT_EQ(whole->video.height, 224u);
+    ASSERT_EQ(whole->video.visibleY, 0u);
+    EXPECT_EQ(cut->video.width, 160u);
+    EXPECT_EQ(cut->video.height, 144u);
+    EXPECT_EQ(cut->video.visibleHeight, 144u);
+    size_t unlikeTheMiddle = 0;
+    for (size_t y = 0; y < 144; ++y) {
+        for (size_t x = 0; x < 160; ++x) {
+            const uint32_t shown = cut->pixels[y * 160 + x];
+            ASSERT_EQ(shown, whole->pixels[(y + 24) * 256 + x + 48]);
+            unlikeTheMiddle += shown != whole->pixels[(y + 40) * 256 + x + 48] ? 1u : 0u;
+        }
+    }
+    EXPECT_GT(unlikeTheMiddle, 1000u) << "a picture that tells the rows apart";
 }
 
 TEST(GameGear, LinkedConsolesStandSideBySide) {

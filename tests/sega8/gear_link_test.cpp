@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
 struct PAIR {
@@ -133,6 +135,72 @@ TEST(GearLink, ByteThatWasNotFetchedIsOverwritten) {
     pair.Tick(kByte);
     EXPECT_EQ(GearLinkRead(pair.side[1], 5), kAll | kGearReceived);
     EXPECT_EQ(GearLinkRead(pair.side[1], 4), 0x22);
+}
+
+TEST(GearLink, WriteWhileTheBufferIsFullIsLost) {
+    PAIR pair;
+    GearLinkWrite(pair.side[0], 5, kAll);
+    GearLinkWrite(pair.side[1], 5, kAll);
+    GearLinkWrite(pair.side[0], 3, 0x11);
+    pair.Tick(kByte / 2);
+    GearLinkWrite(pair.side[0], 3, 0x22);
+    EXPECT_EQ(GearLinkRead(pair.side[0], 3), 0x11);
+    EXPECT_EQ(GearLinkRead(pair.side[0], 5), kAll | kGearSendFull);
+    pair.Tick(kByte - kByte / 2); // the first byte takes no longer for it
+    EXPECT_EQ(GearLinkRead(pair.side[0], 5), kAll);
+    EXPECT_EQ(GearLinkRead(pair.side[1], 4), 0x11);
+    pair.Tick(kByte * 2);
+    EXPECT_EQ(GearLinkRead(pair.side[1], 5), kAll) << "and no second one follows";
+}
+
+TEST(GearLink, ByteWrittenWhileTheSenderIsOffIsKeptButNotSent) {
+    PAIR pair;
+    GearLinkWrite(pair.side[1], 5, kAll);
+    GearLinkWrite(pair.side[0], 3, 0x11);
+    GearLinkWrite(pair.side[0], 3, 0x22);
+    EXPECT_EQ(GearLinkRead(pair.side[0], 3), 0x22);
+    GearLinkWrite(pair.side[0], 5, kAll);
+    pair.Tick(kByte * 2);
+    EXPECT_EQ(GearLinkRead(pair.side[1], 5), kAll);
+}
+
+TEST(GearLink, FlagsAndTimesAgreeAfterAnyState) {
+    struct STATE_ROW {
+        const char* what;
+        bool linked;
+        uint8_t serial;
+        uint32_t sendClocks;
+        uint32_t errorClocks;
+        uint8_t expectedSerial; // as a program reads it
+        uint32_t expectedSendClocks;
+        uint32_t expectedErrorClocks;
+    };
+    constexpr uint8_t kOn = kGearReceiveOn | kGearTransmitOn;
+    constexpr uint8_t kFull = kOn | kGearSendFull;
+    constexpr uint8_t kError = kOn | kGearFrameError;
+    constexpr uint32_t kLong = 0xFFFFFFFF;
+    constexpr uint32_t kSlow = kByte * 16;
+    const std::vector<STATE_ROW> rows = {
+        {"full, no byte",   true,  kFull,      0,     0,     kOn,                   0,     0    },
+        {"byte, not full",  true,  kOn,        100,   0,     kFull,                 100,   0    },
+        {"error, partner",  true,  kError,     0,     50,    kOn,                   0,     0    },
+        {"alone, no error", false, kOn,        0,     0,     kError,                0,     kByte},
+        {"alone and well",  false, kOn,        0,     50,    kError,                0,     50   },
+        {"too long",        false, 0xC0 | kOn, kLong, kLong, 0xC0 | kFull | kError, kSlow, kSlow},
+    };
+    for (const STATE_ROW& row : rows) {
+        SCOPED_TRACE(row.what);
+        PAIR pair;
+        GEAR_LINK& link = pair.side[0];
+        link.partner = row.linked ? &pair.side[1] : nullptr;
+        link.serial = row.serial;
+        link.sendClocks = row.sendClocks;
+        link.errorClocks = row.errorClocks;
+        GearLinkAfterLoad(link);
+        EXPECT_EQ(GearLinkRead(link, 5), row.expectedSerial);
+        EXPECT_EQ(link.sendClocks, row.expectedSendClocks);
+        EXPECT_EQ(link.errorClocks, row.expectedErrorClocks);
+    }
 }
 
 TEST(GearLink, NothingIsSentOrReceivedWhileSwitchedOff) {

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -220,6 +222,50 @@ TEST(Sms, VCounterFollowsTheBeam) {
     EXPECT_EQ(machine->Peek(0xC100), 0x77);
 }
 
+TEST(Sms, VCounterPortCountsEveryLineOfAFrame) {
+    struct COUNTER_ROW {
+        uint8_t console;
+        int height;
+        std::vector<std::pair<int, int>> ranges; // first and last value, in the order of the lines
+    };
+    const std::vector<COUNTER_ROW> rows = {
+        {kSms2Ntsc, 192, {{0x00, 0xDA}, {0xD5, 0xFF}}},
+        {kSms2Ntsc, 224, {{0x00, 0xEA}, {0xE5, 0xFF}}},
+        {kSms2Ntsc, 240, {{0x00, 0xFF}, {0x00, 0x05}}},
+        {kSms2Pal,  192, {{0x00, 0xF2}, {0xBA, 0xFF}}}, // of 313 lines all heights count alike
+        {kSms2Pal,  224, {{0x00, 0xF2}, {0xBA, 0xFF}}},
+        {kSms2Pal,  240, {{0x00, 0xF2}, {0xBA, 0xFF}}},
+    };
+    for (const COUNTER_ROW& row : rows) {
+        std::vector<uint8_t> frame;
+        for (const auto& [first, last] : row.ranges) {
+            for (int value = first; value <= last; ++value) {
+                frame.push_back(static_cast<uint8_t>(value));
+            }
+        }
+        ASSERT_EQ(frame.size(), row.console == kSms2Pal ? 313u : 262u);
+        // Notes every change from 0xC100 on; a round takes 51 of a line's 228 clocks at most.
+        Program program;
+        program.VdpRegister(0xBF, 0, row.height == 192 ? 0x04 : 0x06);
+        program.VdpRegister(0xBF, 1, row.height == 240 ? 0x48 : row.height == 224 ? 0x50 : 0x40);
+        program.Bytes({0x21, 0x00, 0xC1, 0x06, 0x00}); // ld hl,0xC100; ld b,0
+        program.Bytes({0xDB, 0x7E, 0xB8, 0x28, 0xFB}); // in a,(0x7E); cp b; jr z,-5
+        program.Bytes({0x47, 0x77, 0x23, 0x18, 0xF6}); // ld b,a; ld (hl),a; inc hl; jr -10
+        MACHINE_RIG rig;
+        const Sms machine = Start(Console(row.console), program);
+        rig.Frames(*machine, 5);
+        const std::vector<uint8_t> ram = machine->Memory("ram");
+        const std::vector<uint8_t> noted(ram.begin() + 0x100,
+                                         ram.begin() + 0x100 + static_cast<int>(frame.size()) * 4);
+        std::vector<uint8_t> twoFrames = frame;
+        twoFrames.insert(twoFrames.end(), frame.begin(), frame.end());
+        const auto found =
+            std::search(noted.begin(), noted.end(), twoFrames.begin(), twoFrames.end());
+        EXPECT_LE(found - noted.begin(), static_cast<int>(frame.size()))
+            << int{row.console} << " " << row.height;
+    }
+}
+
 TEST(Sms, HCounterIsTheLatchOnOddPorts) {
     MACHINE_RIG rig;
     Program program;
@@ -387,17 +433,67 @@ TEST(Sms, GlassesHoldEveryFirstFrameOfAPair) {
 }
 
 TEST(Sms, ResetGivesThePowerOnState) {
-    MACHINE_RIG rig;
     Program program = Counting();
-    program.VdpRegister(0xBF, 1, 0x60).Out(0x7F, 0x90).Out(0xBE, 0x55).Bytes({0xFB}).Stop();
-    const Sms machine = Start({}, program);
-    uint32_t size = 0;
-    const StateBlob before = machine->SaveState(size);
-    rig.Frames(*machine, 20);
-    machine->WritePort(0x3F, 0x00);
-    machine->Reset();
-    const StateBlob after = machine->SaveState(size);
-    EXPECT_EQ(0, std::memcmp(before.get(), after.get(), size));
+    program.VdpRegister(0xBF, 1, 0x60).Out(0x7F, 0x90).Out(0xBE, 0x55);
+    // The FM chip: a voice of its own on channel 0 with tremolo and vibrato, a fixed one on channel 1,
+    // and the whole rhythm.
+    const std::pair<int, int> writes[] = {
+        {0x00, 0xE1},
+        {0x01, 0xE1},
+        {0x04, 0xF0},
+        {0x05, 0xF0},
+        {0x30, 0x00},
+        {0x10, 0x80},
+        {0x20, 0x19},
+        {0x31, 0x30},
+        {0x11, 0x20},
+        {0x21, 0x3B},
+        {0x0E, 0x3F}
+    };
+    for (const auto& [reg, value] : writes) {
+        program.Out(0xF0, reg).Out(0xF1, value);
+    }
+    program.Out(0xF2, 0x01).Bytes({0xFB}).Stop();
+    for (const uint8_t withFm : {uint8_t{0}, uint8_t{1}}) {
+        MACHINE_RIG rig;
+        SMS_OPTIONS options{};
+        options.fmChip = withFm;
+        const Sms machine = Start(options, program);
+        uint32_t size = 0;
+        const StateBlob before = machine->SaveState(size);
+        rig.Frames(*machine, 21);
+        EXPECT_FALSE(Silent(rig));
+        machine->WritePort(0x3F, 0x00);
+        const StateBlob dirty = machine->SaveState(size);
+        EXPECT_NE(0, std::memcmp(before.get(), dirty.get(), size));
+        machine->Reset();
+        const StateBlob after = machine->SaveState(size);
+        EXPECT_EQ(0, std::memcmp(before.get(), after.get(), size)) << int{withFm};
+    }
+}
+
+// As the state is that of a fresh machine, so is what follows, in picture and sound.
+TEST(Sms, FrameAfterAResetIsThatOfAFreshMachine) {
+    Program program;
+    program.VdpRegister(0xBF, 0, 0x04).VdpRegister(0xBF, 1, 0x60);
+    program.Out(0xF0, 0x30).Out(0xF1, 0x30).Out(0xF0, 0x10).Out(0xF1, 0x80);
+    program.Out(0xF0, 0x20).Out(0xF1, 0x19).Out(0xF0, 0x0E).Out(0xF1, 0x3F).Stop();
+    SMS_OPTIONS options{};
+    options.fmChip = 1;
+    auto worn = std::make_unique<MACHINE_RIG>();
+    auto fresh = std::make_unique<MACHINE_RIG>();
+    const Sms first = Start(options, program);
+    worn->Frames(*first, 17);
+    first->Reset();
+    const Sms second = Start(options, program);
+    for (int frame = 0; frame < 20; ++frame) {
+        worn->Frame(*first);
+        fresh->Frame(*second);
+        ASSERT_EQ(worn->audio.sampleCount, fresh->audio.sampleCount) << frame;
+        ASSERT_EQ(worn->soundHash, fresh->soundHash) << frame;
+        ASSERT_EQ(worn->pictureHash, fresh->pictureHash) << frame;
+    }
+    EXPECT_FALSE(Silent(*fresh));
 }
 
 TEST(Sms, BiosRunsFirstAndSwitchesToTheCartridge) {

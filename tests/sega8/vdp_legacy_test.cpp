@@ -232,6 +232,28 @@ TEST(VdpLegacy, LargeSpritesAreFourPatternsColumnByColumn) {
     }
 }
 
+// 32 pixels wide: sixteen set, eight empty, eight set.
+TEST(VdpLegacy, LargeZoomedSpritesAreCutAtBothEdgesAndDoNotWrap) {
+    VdpRig rig;
+    StartMode2(rig, 0x43);
+    for (uint32_t row = 0; row < 16; ++row) {
+        rig.vram[kSpritePatterns + 4 * 8 + row] = 0xFF;
+        rig.vram[kSpritePatterns + 4 * 8 + 16 + row] = 0x0F;
+    }
+    Sprite(rig, 0, 50, 230, 4, 9);
+    Sprite(rig, 1, 100, 12, 4, 0x80 | 7); // early clock: 32 to the left, so 20 pixels are outside
+    rig.Frame();
+    for (uint32_t x = 0; x < 256; ++x) {
+        const bool right = (x >= 230 && x < 246) || x >= 254;
+        EXPECT_EQ(rig.At(x, 51), Fixed(right ? 9 : 4)) << x;
+        EXPECT_EQ(rig.At(x, 52), Fixed(right ? 9 : 4)) << x;
+        const bool left = x >= 4 && x < 12;
+        EXPECT_EQ(rig.At(x, 101), Fixed(left ? 7 : 4)) << x;
+        EXPECT_EQ(rig.At(x, 132), Fixed(left ? 7 : 4)) << x;
+        EXPECT_EQ(rig.At(x, 133), Fixed(4)) << x;
+    }
+}
+
 TEST(VdpLegacy, FifthSpriteIsLeftOutAndFlagged) {
     VdpRig rig;
     StartMode2(rig);

@@ -24,6 +24,12 @@ uint8_t FlagsOfAFrame(VdpRig& rig) {
     return VdpStatusRead(rig.vdp) & 0xE0;
 }
 
+// Sets 224 or 240 lines; the name table moves to 0x3700, which is empty.
+void SetTall(VdpRig& rig, uint32_t height, uint32_t more = 0) {
+    rig.Reg(0, 0x06);
+    rig.Reg(1, (height == 224 ? 0x50U : 0x48U) | more);
+}
+
 constexpr uint8_t kFrame = 0x80;
 constexpr uint8_t kOverflow = 0x40;
 constexpr uint8_t kCollision = 0x20;
@@ -67,18 +73,45 @@ TEST(VdpSprites, AllSixtyFourAreSearched) {
 }
 
 TEST(VdpSprites, Y208EndsTheListWith192LinesOnly) {
-    VdpRig rig;
-    Start(rig);
-    rig.Sprite(0, 100, 16, 1);
-    rig.Sprite(2, 100, 32, 2); // sprite 1 holds the end mark
-    rig.Frame();
-    EXPECT_EQ(rig.At(16, 101), SixBits(17));
-    EXPECT_EQ(rig.At(32, 101), SixBits(0));
-    rig.Reg(0, 0x06);
-    rig.Reg(1, 0x48); // the name table of 240 lines is empty as well
-    rig.Frame();
-    EXPECT_EQ(rig.At(16, 101), SixBits(17));
-    EXPECT_EQ(rig.At(32, 101), SixBits(18));
+    for (const uint32_t variant : {kVdpFirst, kVdpSecond}) {
+        for (const uint32_t height : {192U, 224U, 240U}) {
+            if (variant == kVdpFirst && height != 192) {
+                continue; // the first chip stays at 192 lines
+            }
+            VdpRig rig(variant);
+            Start(rig);
+            rig.Sprite(0, 100, 16, 1);
+            rig.Sprite(1, 0xD0, 24, 3);
+            rig.Sprite(2, 100, 32, 2);
+            if (height != 192) {
+                SetTall(rig, height);
+            }
+            rig.Frame();
+            EXPECT_EQ(rig.At(16, 101), SixBits(17));
+            EXPECT_EQ(rig.At(32, 101), SixBits(height == 192 ? 0 : 18)) << height;
+            if (height != 192) { // the place of an ordinary sprite
+                EXPECT_EQ(rig.At(24, 208), SixBits(0));
+                EXPECT_EQ(rig.At(24, 209), SixBits(19)) << height;
+                EXPECT_EQ(rig.At(24, 216), SixBits(19)) << height;
+                EXPECT_EQ(rig.At(24, 217), SixBits(0));
+            }
+        }
+    }
+}
+
+// The settings of a tall picture leave the first chip at 192 lines, and its list ends as ever.
+TEST(VdpSprites, Y208EndsTheListOfTheFirstChipWithTallSettingsToo) {
+    for (const uint32_t height : {224U, 240U}) {
+        VdpRig rig(kVdpFirst);
+        Start(rig);
+        rig.Sprite(2, 100, 32, 2); // sprite 1 holds the end mark
+        rig.vram[0x3F00] = 100;
+        rig.vram[0x3F01] = 0xD0;
+        SetTall(rig, height);
+        rig.Frame();
+        EXPECT_EQ(rig.vdp.activeHeight, 192U);
+        EXPECT_EQ(rig.At(32, 101), SixBits(0));
+    }
 }
 
 TEST(VdpSprites, NinthOnALineIsLeftOutAndFlagged) {
@@ -123,6 +156,33 @@ TEST(VdpSprites, OverflowComesDuringTheLineBeforeAndNotOutsideThePicture) {
     rig.Reg(1, 0);
     rig.Frame();
     EXPECT_EQ(FlagsOfAFrame(rig), kFrame); // a blanked display searches nothing
+}
+
+TEST(VdpSprites, NinthIsFlaggedDownToTheLastLineOfATallPicture) {
+    for (const uint32_t height : {224U, 240U}) {
+        for (const bool pal : {false, true}) {
+            VdpRig rig(kVdpSecond, pal);
+            Start(rig);
+            SetTall(rig, height);
+            // The first line is Y + 1: the last one of the picture, and the first one below it.
+            for (const uint32_t y : {height - 2, height - 1}) {
+                for (uint32_t sprite = 0; sprite < 64; ++sprite) {
+                    rig.vram[0x3F00 + sprite] = 239; // never on a line of either picture
+                }
+                for (uint32_t sprite = 10; sprite < 19; ++sprite) {
+                    rig.vram[0x3F00 + sprite] = static_cast<uint8_t>(y);
+                    rig.vram[0x3F80 + sprite * 2] = static_cast<uint8_t>((sprite - 10) * 16);
+                    rig.vram[0x3F81 + sprite * 2] = 1;
+                }
+                const bool inside = y == height - 2;
+                EXPECT_EQ(FlagsOfAFrame(rig), inside ? kFrame | kOverflow : kFrame) << height;
+                EXPECT_EQ(rig.At(112, height - 1), SixBits(inside ? 17 : 0)) << height;
+                EXPECT_EQ(rig.At(128, height - 1), SixBits(0)) << height;
+                rig.vram[0x3F00 + 18] = 239; // eight are allowed
+                EXPECT_EQ(FlagsOfAFrame(rig), kFrame) << height;
+            }
+        }
+    }
 }
 
 TEST(VdpSprites, TheFirstOfTheListLiesOnTop) {
@@ -246,6 +306,97 @@ TEST(VdpSprites, ZoomDoublesBothWaysButSidewaysOnlyFourOnTheFirstChip) {
         }
         EXPECT_EQ(rig.At(96, 54), SixBits(24));
         EXPECT_EQ(rig.At(96, 55), SixBits(0));
+    }
+}
+
+TEST(VdpSprites, ZoomedOnesAreCutAtBothEdgesAndDoNotWrap) {
+    VdpRig rig;
+    Start(rig);
+    for (uint32_t row = 0; row < 8; ++row) {
+        rig.TileRow(20, row, {1, 2, 3, 4, 5, 6, 7, 8});
+    }
+    rig.Reg(1, 0x41);
+    rig.Sprite(0, 50, 251, 20); // the first five of its sixteen dots
+    rig.Frame();
+    for (uint32_t x = 251; x < 256; ++x) {
+        EXPECT_EQ(rig.At(x, 51), SixBits(17 + (x - 251) / 2)) << x;
+    }
+    for (uint32_t x = 0; x < 16; ++x) {
+        EXPECT_EQ(rig.At(x, 51), SixBits(0)) << x;
+        EXPECT_EQ(rig.At(x, 52), SixBits(0)) << x;
+    }
+    rig.Reg(0, 0x0C); // eight to the left
+    rig.Sprite(0, 50, 3, 20);
+    rig.Frame();
+    for (uint32_t x = 0; x < 11; ++x) { // dots 5 to 15
+        EXPECT_EQ(rig.At(x, 51), SixBits(17 + (x + 5) / 2)) << x;
+    }
+    EXPECT_EQ(rig.At(11, 51), SixBits(0));
+    for (uint32_t x = 240; x < 256; ++x) {
+        EXPECT_EQ(rig.At(x, 51), SixBits(0)) << x;
+    }
+}
+
+// Zoomed dots past the right edge meet no others; the same dots inside do.
+TEST(VdpSprites, ZoomedOnesCollideInsideThePictureOnly) {
+    VdpRig rig;
+    Start(rig);
+    for (uint32_t row = 0; row < 8; ++row) {
+        rig.TileRow(20, row, {0, 0, 0, 0, 1, 1, 1, 1}); // eight dots behind eight empty ones
+    }
+    rig.Reg(1, 0x41);
+    rig.Sprite(0, 50, 248, 20);
+    rig.Sprite(1, 50, 250, 20);
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame);
+    rig.Sprite(0, 50, 240, 20);
+    rig.Sprite(1, 50, 247, 20); // dots 248 to 255 and 255 to 262
+    EXPECT_EQ(FlagsOfAFrame(rig), kFrame | kCollision);
+}
+
+// Y counts modulo 256 for doubled rows as well. Y = 0xF8 would begin on line 249, so that line 0 shows
+// the eighth of its lines, row 3.
+TEST(VdpSprites, ZoomedOnesComeInAtTheTop) {
+    VdpRig rig;
+    Start(rig);
+    for (uint8_t row = 0; row < 8; ++row) {
+        const auto colour = static_cast<uint8_t>(row + 1);
+        rig.TileRow(20, row, {colour, colour, colour, colour, colour, colour, colour, colour});
+        rig.TileRow(21, row, {15, 15, 15, 15, 15, 15, 15, 15});
+    }
+    rig.Reg(1, 0x41);
+    rig.Sprite(0, 0xF8, 100, 20);
+    rig.Frame();
+    const uint32_t rows[] = {3, 4, 4, 5, 5, 6, 6, 7, 7};
+    for (uint32_t line = 0; line < 9; ++line) {
+        EXPECT_EQ(rig.At(100, line), SixBits(17 + rows[line])) << line;
+    }
+    EXPECT_EQ(rig.At(100, 9), SixBits(0));
+    rig.Reg(1, 0x43); // two tiles and 32 lines: Y = 0xE8 shows the last nine of them, behind row 11
+    rig.Sprite(0, 0xE8, 100, 20);
+    rig.Frame();
+    for (uint32_t line = 0; line < 9; ++line) {
+        EXPECT_EQ(rig.At(100, line), SixBits(31)) << line;
+    }
+    EXPECT_EQ(rig.At(100, 9), SixBits(0));
+}
+
+// Bit 2 picks the upper tiles. The lower two bits, which are said to mask tile bits on the first chip,
+// do nothing here.
+TEST(VdpSprites, Register6Bits0And1ChangeNothingOnAnyChip) {
+    for (const uint32_t variant : {kVdpFirst, kVdpSecond}) {
+        VdpRig rig(variant);
+        Start(rig);
+        rig.SolidTile(0x40 + 7, 7);
+        rig.SolidTile(0x100 + 0x40 + 7, 9);
+        rig.Sprite(0, 50, 100, 0x40 + 7);
+        for (uint32_t low = 0; low < 4; ++low) {
+            rig.Reg(6, 0xF8 | low);
+            rig.Frame();
+            EXPECT_EQ(rig.At(100, 51), SixBits(16 + 7)) << low;
+            rig.Reg(6, 0xFC | low);
+            rig.Frame();
+            EXPECT_EQ(rig.At(100, 51), SixBits(16 + 9)) << low;
+        }
     }
 }
 

@@ -2,9 +2,11 @@
 #include "base/bytes.h"
 #include "sega8/vdp.h"
 #include "sega8/vdp_rig.h"
+#include "sega8/vdp_run.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <random>
 #include <vector>
@@ -17,7 +19,7 @@ void Randomize(VdpRig& rig, std::mt19937& random) {
     }
 }
 
-void SetUp(VdpRig& rig, uint32_t reg0, uint32_t reg1) {
+void StartChip(VdpRig& rig, uint32_t reg0, uint32_t reg1) {
     std::mt19937 random(reg0 * 256 + reg1);
     Randomize(rig, random);
     const uint32_t values[11] = {reg0, reg1, 0xFF, 0xFF, 0x03, 0xFF, 0xFF, 5, 3, 77, 9};
@@ -35,6 +37,16 @@ std::vector<uint8_t> Save(const VDP& vdp) {
     return state;
 }
 
+// Where a field lies in a state: the first byte that differs when `change` has changed its lowest byte.
+size_t OffsetOf(void (*change)(VDP& vdp)) {
+    VdpRig rig;
+    const std::vector<uint8_t> before = Save(rig.vdp);
+    change(rig.vdp);
+    const std::vector<uint8_t> after = Save(rig.vdp);
+    const auto differ = std::mismatch(before.begin(), before.end(), after.begin());
+    return static_cast<size_t>(differ.first - before.begin());
+}
+
 // One frame more, with accesses of a processor in it.
 void Play(VdpRig& rig) {
     rig.Address(1, 0x0400);
@@ -46,7 +58,7 @@ void CompareThreeFrames(uint32_t variant, bool pal, uint32_t reg0, uint32_t reg1
                         const std::vector<uint32_t>& moments) {
     for (const uint32_t moment : moments) {
         VdpRig first(variant, pal);
-        SetUp(first, reg0, reg1);
+        StartChip(first, reg0, reg1);
         first.Finish();
         first.Steps(moment);
         first.Address(1, 0x0200);
@@ -141,5 +153,72 @@ TEST(VdpState, ArbitraryBytesStayInBounds) {
         for (size_t i = size_t{240} * kRigWidth; i < rig.pixels.size(); ++i) {
             ASSERT_EQ(rig.pixels[i], kUntouched);
         }
+    }
+}
+
+// The kinds on their way follow from the place in the list, so that a state cannot put wrong ones
+// there. Before slot 1 it is the line before that tells them.
+TEST(VdpState, KindsOnTheirWayAreThoseOfTheList) {
+    const size_t lastKind = OffsetOf([](VDP& vdp) { vdp.lastKind ^= 1; });
+    const size_t nextKind = OffsetOf([](VDP& vdp) { vdp.nextKind ^= 1; });
+    struct LIST_ROW {
+        uint32_t reg0;
+        uint32_t reg1;
+        uint32_t line;
+    };
+    for (const LIST_ROW& row : {
+             LIST_ROW{0x04, 0x60, 100},
+             LIST_ROW{0x04, 0x60, 200},
+             LIST_ROW{0x00, 0x60, 100},
+             LIST_ROW{0x00, 0x20, 100}
+    }) {
+        VdpRig rig;
+        StartChip(rig, row.reg0, row.reg1);
+        rig.Frame();
+        rig.RunTo(row.line, 0);
+        for (uint32_t dot = 0; dot < kVdpDots; ++dot, rig.Steps(2)) {
+            const std::vector<uint8_t> state = Save(rig.vdp);
+            for (const uint8_t kind : {uint8_t{0}, uint8_t{16}, uint8_t{17}, uint8_t{255}}) {
+                std::vector<uint8_t> other = state;
+                other[lastKind] = other[nextKind] = kind;
+                VdpRig loaded;
+                ASSERT_NE(VdpLoadState(loaded.vdp, other.data(), VdpStateSize()), 0U);
+                if (dot >= 2) {
+                    ASSERT_EQ(Save(loaded.vdp), state) << dot << " kind " << unsigned{kind};
+                } else {
+                    EXPECT_EQ(loaded.vdp.lastKind, kSlotNone);
+                }
+            }
+        }
+    }
+}
+
+// What runs a piece of the line at once may not go by other fields of a state than a single step does.
+TEST(VdpState, ArbitraryBytesRunAlikeInOneGoAndStepByStep) {
+    const size_t dotCounter = OffsetOf([](VDP& vdp) { vdp.dotCounter ^= 1; });
+    std::mt19937 random(2);
+    for (uint32_t counter = 0; counter < kVdpStepsPerLine; ++counter) {
+        VdpRig plain(counter % 3, (counter & 4) != 0);
+        VdpRig fast(counter % 3, (counter & 4) != 0);
+        plain.vdp.secondChip = fast.vdp.secondChip = counter % 5 == 0;
+        Randomize(plain, random);
+        std::copy(plain.vram.begin(), plain.vram.end(), fast.vram.begin());
+        std::vector<uint8_t> state = Save(plain.vdp);
+        for (size_t i = 5; i < state.size(); ++i) {
+            state[i] = static_cast<uint8_t>(random());
+        }
+        StoreLittleEndian<uint32_t>(&state[dotCounter], counter);
+        ASSERT_NE(VdpLoadState(plain.vdp, state.data(), VdpStateSize()), 0U);
+        ASSERT_NE(VdpLoadState(fast.vdp, state.data(), VdpStateSize()), 0U);
+        const std::vector<uint8_t> loaded = Save(plain.vdp);
+        ASSERT_EQ(LoadLittleEndian<uint32_t>(&loaded[dotCounter]), counter);
+        for (const uint32_t steps : {700U, 3U, 1501U}) {
+            plain.Steps(steps);
+            VdpRun(fast.vdp, steps);
+            ASSERT_EQ(Save(plain.vdp), Save(fast.vdp)) << counter << " " << steps;
+            ASSERT_EQ(plain.irq, fast.irq);
+        }
+        ASSERT_EQ(plain.vram, fast.vram) << counter;
+        ASSERT_EQ(plain.pixels, fast.pixels) << counter;
     }
 }

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <utility>
@@ -34,11 +35,28 @@ std::vector<uint8_t> Sequence(const std::vector<std::pair<uint32_t, uint32_t>>& 
     return values;
 }
 
+// Register 1 of mode 4 with the display on, for a height; register 0 has bit 1 set for the tall ones.
+void SetHeight(VdpRig& rig, uint32_t height, uint32_t more = 0) {
+    rig.Reg(0, height == 192 ? 0x04 : 0x06);
+    rig.Reg(1, (height == 240 ? 0x48U : height == 224 ? 0x50U : 0x40U) | more);
+}
+
+// Steps to the next frame flag and gives how many it took; 0 if there is none in a whole frame.
+uint32_t StepsToFrameFlag(VdpRig& rig) {
+    (void)VdpStatusRead(rig.vdp);
+    for (uint32_t steps = 1; steps <= 313 * kLineSteps; ++steps) {
+        VdpTick(rig.vdp);
+        if (rig.vdp.frameInterrupt) {
+            return steps;
+        }
+    }
+    return 0;
+}
+
 std::vector<uint8_t> VCounterOfAFrame(bool pal, uint32_t height) {
     VdpRig rig(kVdpSecond, pal);
     rig.StartMode4();
-    rig.Reg(0, height == 192 ? 0x04 : 0x06);
-    rig.Reg(1, height == 240 ? 0x48 : height == 224 ? 0x50 : 0x40);
+    SetHeight(rig, height);
     std::vector<uint8_t> values;
     rig.Finish();
     for (uint32_t line = 0; line < rig.vdp.totalLines; ++line) {
@@ -298,19 +316,120 @@ TEST(VdpCounters, BeamIsInThePictureOnItsDotsOnly) {
 }
 
 TEST(VdpInterrupts, FrameFlagComesWithLineHeightPlusOneAtDot318) {
-    for (const uint32_t height : {192U, 224U, 240U}) {
-        VdpRig rig;
-        rig.StartMode4();
-        rig.Reg(0, height == 192 ? 0x04 : 0x06);
-        rig.Reg(1, height == 240 ? 0x68 : height == 224 ? 0x70 : 0x60);
-        while (rig.irq == 0) {
-            VdpTick(rig.vdp);
+    for (const bool pal : {false, true}) {
+        for (const uint32_t height : {192U, 224U, 240U}) {
+            VdpRig rig(kVdpSecond, pal);
+            rig.StartMode4();
+            SetHeight(rig, height, 0x20);
+            while (rig.irq == 0) {
+                VdpTick(rig.vdp);
+            }
+            EXPECT_EQ(rig.vdp.line, height + 1);
+            EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
+            rig.Steps(200); // an interrupt handler's time
+            EXPECT_EQ(VdpVCounter(rig.vdp), height + 1);
         }
-        EXPECT_EQ(rig.vdp.line, height + 1);
-        EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
-        rig.Steps(200); // an interrupt handler's time
-        EXPECT_EQ(VdpVCounter(rig.vdp), height + 1);
     }
+}
+
+TEST(VdpInterrupts, FrameFlagComesOnceInTheLinesOfAFrame) {
+    for (const bool pal : {false, true}) {
+        for (const uint32_t height : {192U, 224U, 240U}) {
+            VdpRig rig(kVdpSecond, pal);
+            rig.StartMode4();
+            SetHeight(rig, height);
+            StepsToFrameFlag(rig);
+            EXPECT_EQ(StepsToFrameFlag(rig), (pal ? 313U : 262U) * kLineSteps) << height;
+        }
+    }
+}
+
+// The flag comes as a line is reached that is one past the height of that moment.
+TEST(VdpInterrupts, FrameFlagFollowsAHeightThatChangesInMidFrame) {
+    struct CHANGE_ROW {
+        uint32_t from;
+        uint32_t line; // on which the height changes
+        uint32_t to;
+        std::vector<uint32_t> flags; // lines of this frame that raise the flag
+    };
+    const std::vector<CHANGE_ROW> rows = {
+        {192, 100, 224, {225}     },
+        {224, 100, 192, {193}     },
+        {240, 100, 224, {225}     },
+        {192, 200, 224, {193, 225}}, // both in one frame
+        {192, 240, 240, {193, 241}},
+        {224, 200, 192, {}        }, // too late for the one and too early for the other
+        {240, 230, 224, {}        }, // the same
+    };
+    for (const bool pal : {false, true}) {
+        for (const CHANGE_ROW& row : rows) {
+            VdpRig rig(kVdpSecond, pal);
+            rig.StartMode4();
+            SetHeight(rig, row.from);
+            rig.Frame();
+            (void)VdpStatusRead(rig.vdp); // the flag of the frame before
+            rig.RunTo(row.line, 0);
+            std::vector<uint32_t> flags;
+            if (rig.vdp.frameInterrupt) {
+                flags.push_back(row.from + 1);
+            }
+            (void)VdpStatusRead(rig.vdp);
+            SetHeight(rig, row.to);
+            while (!rig.vdp.frameDone) {
+                VdpTick(rig.vdp);
+                if (rig.vdp.frameInterrupt) {
+                    flags.push_back(rig.vdp.line);
+                    (void)VdpStatusRead(rig.vdp);
+                }
+            }
+            EXPECT_EQ(flags, row.flags) << row.from << " " << row.line << " " << row.to;
+        }
+    }
+}
+
+TEST(VdpInterrupts, OneStatusReadClearsBothRequests) {
+    VdpRig rig;
+    rig.StartMode4();
+    rig.Reg(0, 0x14);
+    rig.Reg(1, 0x60);
+    rig.Reg(10, 192); // asks after line 192, as the frame flag comes
+    rig.Frame();
+    (void)VdpStatusRead(rig.vdp);
+    rig.RunTo(193, 318);
+    EXPECT_EQ(rig.irq, 1U);
+    rig.Reg(0, 0x04); // either one alone holds the line
+    EXPECT_EQ(rig.irq, 1U);
+    rig.Reg(1, 0x40);
+    EXPECT_EQ(rig.irq, 0U);
+    rig.Reg(0, 0x14);
+    EXPECT_EQ(rig.irq, 1U);
+    rig.Reg(1, 0x60);
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x9F);
+    EXPECT_EQ(rig.irq, 0U);
+    for (const uint32_t mask : {0x04U, 0x14U}) { // neither of them was kept behind a mask
+        rig.Reg(0, mask);
+        EXPECT_EQ(rig.irq, 0U);
+    }
+    rig.Reg(1, 0x40);
+    rig.Reg(1, 0x60);
+    EXPECT_EQ(rig.irq, 0U);
+    rig.Steps(kLineSteps * 60);
+    EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
+    EXPECT_EQ(rig.irq, 0U);
+}
+
+// A read with one of the two masked forgets that one too.
+TEST(VdpInterrupts, StatusReadForgetsAMaskedRequest) {
+    VdpRig rig;
+    rig.StartMode4();
+    rig.Reg(1, 0x60);
+    rig.Reg(10, 0);
+    rig.Frame();
+    rig.RunTo(200, 0);
+    EXPECT_EQ(rig.irq, 1U);
+    (void)VdpStatusRead(rig.vdp);
+    rig.Reg(0, 0x14);
+    EXPECT_EQ(rig.irq, 0U);
 }
 
 TEST(VdpInterrupts, StatusReadInTheDotOfTheFlagFindsAndClearsIt) {
@@ -405,6 +524,39 @@ TEST(VdpInterrupts, PauseRaisesNmiOnItsRisingEdge) {
     rig.vdp.pausePressed = true;
     rig.Steps(kLineSteps);
     EXPECT_EQ(rig.nmi, 1U);
+}
+
+// A picture of 262 lines has a border of 16 rows at 192 lines and none at 224, so what is drawn after
+// the change moves up, over rows that are drawn already; the V counter takes the other table at once.
+TEST(VdpFrame, HeightThatChangesInMidFrameMovesTheRowsBelow) {
+    VdpRig rig;
+    rig.StartMode4();
+    rig.SolidTile(1, 1);
+    rig.SolidTile(2, 2);
+    rig.Reg(2, 0xFD); // the table of 192 lines at 0x3000, the other one at 0x3700
+    for (uint32_t column = 0; column < 32; ++column) {
+        for (uint32_t row = 0; row < 28; ++row) {
+            rig.Name(row, column, 1, 0x3000);
+            rig.Name(row, column, 2, 0x3700);
+        }
+    }
+    rig.Frame();
+    std::fill(rig.pixels.begin(), rig.pixels.end(), kUntouched);
+    rig.RunTo(100, 0);
+    SetHeight(rig, 224);
+    EXPECT_EQ(rig.vdp.pictureHeight, 224U);
+    rig.RunTo(230, 100);
+    EXPECT_EQ(VdpVCounter(rig.vdp), 230); // with 192 lines it would be 224
+    while (!rig.vdp.frameDone) {
+        VdpTick(rig.vdp);
+    }
+    // Rows 0 to 15 were the top border, which was drawn as the frame before ended.
+    EXPECT_EQ(rig.pixels[size_t{15} * kRigWidth], kUntouched);
+    for (size_t row = 16; row < 224; ++row) {
+        // Line 0 of 192 lies at row 16 and line 99 at 115, line 100 of 224 at row 100.
+        EXPECT_EQ(rig.pixels[row * kRigWidth], SixBits(row < 100 ? 1 : 2)) << row;
+    }
+    EXPECT_EQ(rig.pixels[size_t{224} * kRigWidth], kUntouched);
 }
 
 struct Geometry {

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <numbers>
 #include <numeric>
 #include <random>
 
@@ -26,19 +29,22 @@ bool AllZero(const std::vector<double>& samples) {
 
 // --- tables ---------------------------------------------------------------------------------------
 
-// The logarithm of the sine as read from the family's masks: 256 entries of a quarter wave, in 256ths
-// of 6 dB.
+// The family's masks hold a quarter wave of 256 entries, round(-log2(sin x) x 256), at the middle of
+// each 256th of a right angle; the first is 2137, the last 0.
 TEST_F(Ym2413, SineIsTheFamilysLogarithmicSine) {
-    EXPECT_EQ(kYmWaves.sine[0], 2u * 2137);
-    EXPECT_EQ(kYmWaves.sine[1], 2u * 1731);
-    EXPECT_EQ(kYmWaves.sine[2], 2u * 1543);
-    EXPECT_EQ(kYmWaves.sine[3], 2u * 1419);
-    EXPECT_EQ(kYmWaves.sine[255], 0u);
     for (size_t i = 0; i < 256; ++i) {
-        EXPECT_EQ(kYmWaves.sine[511 - i], kYmWaves.sine[i]);
-        EXPECT_EQ(kYmWaves.sine[512 + i], kYmWaves.sine[i] + 1);
-        EXPECT_EQ(kYmWaves.sine[1023 - i], kYmWaves.sine[i] + 1);
+        const double x = (static_cast<double>(i) + 0.5) / 256.0 * std::numbers::pi / 2.0;
+        const auto entry = static_cast<uint32_t>(std::lround(-std::log2(std::sin(x)) * 256.0)) * 2;
+        EXPECT_EQ(kYmWaves.sine[i], entry) << i;
+        EXPECT_EQ(kYmWaves.sine[511 - i], entry);
+        EXPECT_EQ(kYmWaves.sine[512 + i], entry + 1); // the negative half
+        EXPECT_EQ(kYmWaves.sine[1023 - i], entry + 1);
     }
+    EXPECT_EQ(kYmWaves.sine[0], 2u * 2137);
+    EXPECT_EQ(kYmWaves.sine[255], 0u);
+    // The sine of 30 degrees, a half, lies between entries 84 and 85: 6 dB are 256 parts.
+    EXPECT_GT(kYmWaves.sine[84], 2u * 256);
+    EXPECT_LT(kYmWaves.sine[85], 2u * 256);
 }
 
 TEST_F(Ym2413, SecondWaveIsSilentInTheNegativeHalf) {
@@ -48,58 +54,103 @@ TEST_F(Ym2413, SecondWaveIsSilentInTheNegativeHalf) {
     }
 }
 
-TEST_F(Ym2413, LevelsHalveWithEveryRow) {
-    EXPECT_EQ(kYmWaves.tl[0], 2042);
-    EXPECT_EQ(kYmWaves.tl[1], -2042);
-    EXPECT_EQ(kYmWaves.tl[510], 1024);
+// The family's other mask holds round((2^(x / 256) - 1) x 1024), from 0 to 1018. An attenuation of x
+// 256ths of 6 dB takes the entry 255 - x, with the leading 1 of 1024 in front.
+TEST_F(Ym2413, LevelsAreTheFamilysExponentialAndHalveWithEveryRow) {
     for (size_t x = 0; x < 256; ++x) {
-        EXPECT_NEAR(kYmWaves.tl[x * 2], 2048.0 * std::exp2(-(static_cast<double>(x) + 1) / 256.0),
-                    0.51);
+        const double power = std::exp2(static_cast<double>(255 - x) / 256.0);
+        const auto level = static_cast<int32_t>(1024 + std::lround((power - 1.0) * 1024.0));
         for (size_t row = 0; row < 11; ++row) {
-            EXPECT_EQ(kYmWaves.tl[row * 512 + x * 2], kYmWaves.tl[x * 2] >> row);
-            EXPECT_EQ(kYmWaves.tl[row * 512 + x * 2 + 1], -(kYmWaves.tl[x * 2] >> row));
+            EXPECT_EQ(kYmWaves.tl[row * 512 + x * 2], level >> row) << x;
+            EXPECT_EQ(kYmWaves.tl[row * 512 + x * 2 + 1], -(level >> row)) << x;
         }
     }
+    EXPECT_EQ(kYmWaves.tl[0], 1024 + 1018);
+    EXPECT_EQ(kYmWaves.tl[510], 1024);
 }
 
+// 1 to 25 take four steps each on the way up and on the way down; the ends take 3 and 7, which makes
+// 210 together.
 TEST_F(Ym2413, TremoloIsATriangleOf210Steps) {
-    EXPECT_EQ(std::accumulate(kYmTremolo.begin(), kYmTremolo.end(), 0), 2 * 4 * 325 + 3 * 26);
-    EXPECT_EQ(std::count(kYmTremolo.begin(), kYmTremolo.end(), 0), 7);
-    EXPECT_EQ(std::count(kYmTremolo.begin(), kYmTremolo.end(), 26), 3);
-    EXPECT_EQ(kYmTremolo[6], 0);
-    EXPECT_EQ(kYmTremolo[7], 1);
-    EXPECT_EQ(kYmTremolo[107], 26);
-    EXPECT_EQ(kYmTremolo[110], 25);
-    EXPECT_EQ(kYmTremolo[209], 1);
+    ASSERT_EQ(kYmTremolo.size(), 2 * 25 * 4 + 3 + 7u);
+    for (int level = 0; level <= 26; ++level) {
+        const auto times = std::count(kYmTremolo.begin(), kYmTremolo.end(), level);
+        EXPECT_EQ(times, level == 0 ? 7 : level == 26 ? 3 : 8) << level;
+    }
+    const auto top = std::find(kYmTremolo.begin(), kYmTremolo.end(), 26);
+    EXPECT_EQ(top - kYmTremolo.begin(), 7 + 25 * 4);
+    EXPECT_TRUE(std::is_sorted(kYmTremolo.begin(), top));
+    EXPECT_TRUE(std::is_sorted(top, kYmTremolo.end(), std::greater<>()));
+    EXPECT_EQ(std::count(kYmTremolo.begin(), top, 13), 4);
 }
 
-TEST_F(Ym2413, RateTablesCoverNinetySixRates) {
-    const auto rate = [](size_t at) {
-        return std::pair<int, int>{kYmRateShift[at], kYmRateSelect[at] / 8};
-    };
-    EXPECT_EQ(rate(0), (std::pair<int, int>{0, 14}));
-    EXPECT_EQ(rate(15), (std::pair<int, int>{0, 14}));
-    EXPECT_EQ(rate(16), (std::pair<int, int>{13, 0}));
-    EXPECT_EQ(rate(19), (std::pair<int, int>{13, 3}));
-    EXPECT_EQ(rate(20), (std::pair<int, int>{12, 0}));
-    EXPECT_EQ(rate(67), (std::pair<int, int>{1, 3}));
-    EXPECT_EQ(rate(68), (std::pair<int, int>{0, 4}));
-    EXPECT_EQ(rate(75), (std::pair<int, int>{0, 11}));
-    EXPECT_EQ(rate(76), (std::pair<int, int>{0, 12}));
-    EXPECT_EQ(rate(95), (std::pair<int, int>{0, 12}));
+// Published: a rate of 4n + q is (4 + q) / 4 times as fast as the rate 4n, and four rates double the
+// speed. The slowest that moves makes one increment in two rounds of 8192 samples. Settled: from rate
+// 68 on (52 of the manual's 63, the table begins with 16 that stand still) it is twice as fast, and
+// from 76 on it is 4 a sample.
+TEST_F(Ym2413, RateTablesDoubleTheSpeedEveryFourRates) {
+    for (size_t rate = 0; rate < kYmRates; ++rate) {
+        double perSample = 0.0;
+        for (size_t i = 0; i < 8; ++i) {
+            perSample += kYmSteps[kYmRateSelect[rate] + i];
+        }
+        perSample /= 8.0 * static_cast<double>(1U << kYmRateShift[rate]);
+        double expected = 0.0;
+        if (rate >= 76) {
+            expected = 4.0;
+        } else if (rate >= 16) {
+            const auto octave = static_cast<double>((rate - 16) / 4);
+            const auto quarter = static_cast<double>(rate % 4);
+            expected = 0.5 / 8192.0 * std::exp2(octave) * (4.0 + quarter) / 4.0;
+            expected *= rate >= 68 ? 2.0 : 1.0;
+        }
+        EXPECT_DOUBLE_EQ(perSample, expected) << rate;
+    }
 }
 
-// Six decibels an octave at the full setting once the pitch is high enough: 16 steps a block.
+// The increments of a round are spread as evenly as they go: none is more than one size above the
+// smallest, and each half of the round gets as many, or one more.
+TEST_F(Ym2413, IncrementsOfARoundAreSpreadEvenly) {
+    for (size_t row = 0; row < 15; ++row) {
+        const uint8_t* const steps = &kYmSteps[row * 8];
+        const auto [least, most] = std::minmax_element(steps, steps + 8);
+        EXPECT_LE(*most, std::max(2 * *least, 1)) << row;
+        const int first = std::accumulate(steps, steps + 4, 0);
+        const int second = std::accumulate(steps + 4, steps + 8, 0);
+        EXPECT_LE(std::abs(first - second), *most - *least) << row;
+    }
+    EXPECT_EQ(kYmSteps[kYmStepInstant], 8);
+    EXPECT_EQ(kYmSteps[kYmStepLast], 0);
+}
+
+// Six decibels an octave, an octave being 16 parts: 16 x log2 of the F-number's top bits, rounded up
+// to an even number, and 16 less for each block below the last; never under 0.
 TEST_F(Ym2413, KeyScaleRisesSixDecibelsAnOctave) {
-    for (size_t block = 1; block < 8; ++block) {
-        for (size_t top = 0; top < 16; ++top) {
-            const int above = kYmKeyScale[(block - 1) * 16 + top];
-            EXPECT_EQ(kYmKeyScale[block * 16 + top],
-                      above > 0 ? above + 16 : kYmKeyScale[block * 16 + top]);
-            EXPECT_LE(kYmKeyScale[block * 16 + top], above + 16);
+    for (int block = 0; block < 8; ++block) {
+        for (int top = 0; top < 16; ++top) {
+            const int last =
+                top == 0 ? 0 : 48 + 2 * static_cast<int>(std::ceil(8 * std::log2(top)));
+            const int expected = std::max(0, last - 16 * (7 - block));
+            EXPECT_EQ(kYmKeyScale[static_cast<size_t>(block * 16 + top)], expected)
+                << block << " " << top;
         }
     }
-    EXPECT_EQ(kYmKeyScale[127], 112);
+    EXPECT_EQ(kYmKeyScale[127], 112); // 42 dB, the most
+}
+
+// The deviation is as large as the F-number's top three bits, in eight steps of a triangle: whole,
+// half, none, half and whole on the other side. Halves are cut off.
+TEST_F(Ym2413, VibratoIsATriangleAsDeepAsTheNumberIsHigh) {
+    for (int top = 0; top < 8; ++top) {
+        const std::array<int32_t, 8>& row = kYmVibrato[static_cast<size_t>(top)];
+        EXPECT_EQ(row[0], top);
+        EXPECT_EQ(row[1], top / 2);
+        EXPECT_EQ(row[2], 0);
+        for (size_t step = 0; step < 4; ++step) {
+            EXPECT_EQ(row[step + 4], -row[step]);
+            EXPECT_EQ(row[step], row[(8 - step) % 8]) << "the same on the way back";
+        }
+    }
 }
 
 // --- timing and reset -------------------------------------------------------------------------------

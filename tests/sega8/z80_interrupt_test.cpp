@@ -126,6 +126,68 @@ TEST(Z80Interrupt, RunOfEiHoldsTheInterruptOff) {
     EXPECT_EQ(test.Word(kZ80Pc), 0x0038U);
 }
 
+// The instruction that EI still lets through is a whole one: the prefixes count with their opcode.
+TEST(Z80Interrupt, InterruptWaitsForThePrefixedInstructionBehindEi) {
+    struct PREFIX_ROW {
+        std::vector<uint8_t> program;
+        uint8_t back; // low byte of the return address
+    };
+    const std::vector<PREFIX_ROW> rows = {
+        {{0xFB, 0xCB, 0x00},             0x03},
+        {{0xFB, 0xDD, 0x23},             0x03},
+        {{0xFB, 0xFD, 0x23},             0x03},
+        {{0xFB, 0xED, 0x44},             0x03},
+        {{0xFB, 0xDD, 0xDD, 0xFD, 0x23}, 0x05},
+        {{0xFB, 0xDD, 0x00},             0x03}, // an opcode that the prefix means nothing to
+        {{0xFB, 0xDD, 0xCB, 0x00, 0xC6}, 0x05},
+        {{0xFB, 0xFD, 0xCB, 0x00, 0x46}, 0x05},
+        {{0xFB, 0xED, 0xB0},             0x01}, // LDIR after its first round
+    };
+    for (const PREFIX_ROW& row : rows) {
+        TEST_Z80 test;
+        std::copy(row.program.begin(), row.program.end(),
+                  test.bus.memory.begin() + TEST_Z80::kProgram);
+        test.z80.im = 1;
+        test.z80.irqLine = 1;
+        EXPECT_EQ(test.Instruction(), 4U);
+        EXPECT_EQ(test.z80.iff1, 1U);
+        EXPECT_EQ(test.z80.pendingInterrupt, kZ80NoInterrupt + 0U);
+        test.Clocks(4); // the prefix
+        EXPECT_EQ(test.z80.pendingInterrupt, kZ80NoInterrupt + 0U) << uint32_t{row.program[1]};
+        test.Instruction();
+        EXPECT_EQ(test.z80.pendingInterrupt, kZ80Maskable + 0U) << uint32_t{row.program[1]};
+        EXPECT_EQ(test.Word(kZ80Pc), 0x4000U + row.back);
+        test.Instruction();
+        EXPECT_EQ(test.Word(kZ80Pc), 0x0038U);
+        EXPECT_EQ(test.bus.memory[0x5FFE], row.back);
+    }
+}
+
+// EI holds back the line alone. The NMI keeps what EI has set in the second flip-flop, and as RETN
+// brings it back, the line comes before the program goes on.
+TEST(Z80Interrupt, NmiComesRightBehindEi) {
+    TEST_Z80 test{0xFB, 0x00};
+    test.z80.im = 1;
+    test.z80.irqLine = 1;
+    test.bus.memory[0x0066] = 0xED; // RETN
+    test.bus.memory[0x0067] = 0x45;
+    test.Clocks(3);
+    test.z80.nmiEdge = 1;
+    test.Clocks(1);
+    EXPECT_EQ(test.z80.pendingInterrupt, kZ80Nmi + 0U);
+    EXPECT_EQ(test.Instruction(), 13U);
+    EXPECT_EQ(test.Word(kZ80Pc), 0x0066U);
+    EXPECT_EQ(test.bus.memory[0x5FFE], 0x01);
+    EXPECT_EQ(test.z80.iff1, 0U);
+    EXPECT_EQ(test.z80.iff2, 1U);
+    test.Instruction();
+    EXPECT_EQ(test.Word(kZ80Pc), 0x4001U);
+    EXPECT_EQ(test.z80.iff1, 1U);
+    test.Instruction();
+    EXPECT_EQ(test.Word(kZ80Pc), 0x0038U);
+    EXPECT_EQ(test.bus.memory[0x5FFE], 0x01);
+}
+
 TEST(Z80Interrupt, PrefixLetsNoInterruptIn) {
     // Every prefix followed by an opcode; the interrupt comes behind the whole instruction.
     struct PREFIX_ROW {
@@ -327,6 +389,72 @@ TEST(Z80Bus, HoldStopsInTheMiddleOfABlockRound) {
         }
         EXPECT_EQ(test.bus.clock, row.stop) << uint32_t{row.opcode};
     }
+}
+
+// The start of an interrupt gives the bus away around its accesses as an instruction does: before each
+// and at the end. What was begun goes on one clock after the bus came back.
+TEST(Z80Bus, HoldStopsWhileAnInterruptStarts) {
+    struct START_ROW {
+        const char* what;
+        bool nmi;
+        uint32_t im;
+        uint32_t vector;
+        std::vector<uint32_t> stops; // clocks that sample, the last one of the start behind them
+        std::vector<uint32_t> accesses;
+    };
+    const std::vector<START_ROW> rows = {
+        {"nmi",         true,  0, 0x0066, {7, 10, 13},        {9, 12}        },
+        {"mode 0 or 1", false, 1, 0x0038, {7, 10, 13},        {9, 12}        },
+        {"mode 2",      false, 2, 0x1234, {6, 9, 13, 16, 19}, {8, 11, 15, 18}},
+    };
+    for (const START_ROW& row : rows) {
+        uint32_t before = 0;
+        for (const uint32_t stop : row.stops) {
+            SCOPED_TRACE(testing::Message() << row.what << " " << stop);
+            TEST_Z80 test;
+            test.z80.im = row.im;
+            test.z80.i = 0x70;
+            test.bus.memory[0x70FF] = 0x34;
+            test.bus.memory[0x7100] = 0x12;
+            test.z80.iff1 = test.z80.iff2 = 1;
+            (row.nmi ? test.z80.nmiEdge : test.z80.irqLine) = 1;
+            NopThenInterrupt(test);
+            test.Clocks(before);
+            test.z80.busHold = 1;
+            test.Clocks(stop - before - 1);
+            EXPECT_EQ(test.z80.running, 1U);
+            test.Clocks(1);
+            EXPECT_EQ(test.z80.running, 0U);
+            test.Clocks(50);
+            const auto done = std::count(test.bus.trace.begin(), test.bus.trace.end(), '=') +
+                              std::count(test.bus.trace.begin(), test.bus.trace.end(), 'r');
+            const auto due = std::count_if(row.accesses.begin(), row.accesses.end(),
+                                           [&](uint32_t clock) { return clock < stop; });
+            EXPECT_EQ(done, due);
+            test.z80.busHold = 0;
+            test.Clocks(1 + row.stops.back() - stop);
+            EXPECT_EQ(test.z80.queueIndex, 0U);
+            EXPECT_EQ(test.Word(kZ80Pc), row.vector);
+            EXPECT_EQ(test.bus.memory[0x5FFF], 0x40);
+            EXPECT_EQ(test.bus.memory[0x5FFE], 0x01);
+            before = stop;
+        }
+    }
+}
+
+TEST(Z80Bus, InterruptThatWasSeenOutlivesAHold) {
+    TEST_Z80 test;
+    test.z80.nmiEdge = 1;
+    test.z80.busHold = 1;
+    test.Clocks(4); // the NOP's end gives the bus away and sees the edge
+    EXPECT_EQ(test.z80.running, 0U);
+    EXPECT_EQ(test.z80.pendingInterrupt, kZ80Nmi + 0U);
+    test.Clocks(50);
+    EXPECT_EQ(test.bus.trace, "2f4000");
+    test.z80.busHold = 0;
+    test.Clocks(1 + 13);
+    EXPECT_EQ(test.Word(kZ80Pc), 0x0066U);
+    EXPECT_EQ(test.z80.queueIndex, 0U);
 }
 
 TEST(Z80Bus, IndexedBitOpcodeSamplesAtItsSecondDecode) {

@@ -1,4 +1,4 @@
-#include "host/state_piece.h"
+#include "base/state_piece.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,185 @@
+// Stretches of a mode 4 line at once. A part of vdp_run.cpp.
+//
+// While no access of the processor is on its way and nobody writes a register, what the slots of whole
+// columns do is known beforehand: fetch, draw, search. It is done here in plain loops, and the pipeline
+// is left as the last of the slots would have left it. Every function names the dots it stands for; at
+// the first of them the slot before must have been the list's own (`lastKind`).
+#pragma once
+
+#include "base/bytes.h"
+#include "sega8/vdp.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace vdp_run {
+
+inline constexpr uint32_t kDotsPerColumn = 8; // four slots
+inline constexpr uint32_t kColumns = 32;
+inline constexpr uint32_t kSpriteDot = kColumns * kDotsPerColumn; // the columns end here
+inline constexpr uint32_t kTailDot = 320; // the first whole slot behind the line's event
+
+inline bool AccessOnItsWay(const VDP& vdp) {
+    return vdp.pendingAccess != kVdpNoAccess || vdp.activeAccess != kVdpNoAccess;
+}
+
+inline uint16_t WordAt(const VDP& vdp, uint32_t wordAddress) {
+    return LoadLittleEndian<uint16_t>(&vdp.vram[(wordAddress << 1) & kVdpVramMask]);
+}
+
+// The pipeline behind a slot of `kind` with this address, whose predecessor's data have come.
+inline void LeavePipeline(VDP& vdp, uint8_t kind, uint32_t address, bool isByte) {
+    vdp.nextKind = kind;
+    vdp.lastKind = kind;
+    vdp.nextAddr = address;
+    vdp.cycleAddr = address;
+    vdp.cycleIsByte = isByte;
+}
+
+// Columns from `first` to before `end` in which a search slot stands: not those divisible by four.
+inline uint32_t SearchSlots(uint32_t first, uint32_t end) {
+    return (end - first) - ((end + 3) / 4 - (first + 3) / 4);
+}
+
+// Not 0 if a byte is.
+inline uint64_t ZeroBytes(uint64_t bytes) {
+    return (bytes - vdp_fetch::kEveryPixel) & ~bytes & vdp_fetch::kEveryPixel * 0x80;
+}
+
+inline constexpr uint32_t kWordsAtOnce = 4; // of two sprites
+
+// Whether none of the next eight sprites is on the line or ends the list: the search passes over them.
+// The rows of a sprite are a power of two.
+inline bool SearchFindsNothing(const VDP& vdp) {
+    constexpr uint32_t kTableWords = 64;
+    constexpr uint64_t kTop = vdp_fetch::kEveryPixel * 0x80;
+    if (vdp.spriteIndex > kTableWords - kWordsAtOnce ||
+        vdp.spriteTested > vdp_fetch::kMode4SpriteWords - kWordsAtOnce) {
+        return false;
+    }
+    const uint32_t address = vdp_fetch::SearchAddress4(vdp, vdp.spriteIndex) << 1;
+    const auto ys = LoadLittleEndian<uint64_t>(&vdp.vram[address & kVdpVramMask]);
+    const uint32_t rows = vdp_fetch::SpriteRows(vdp);
+    const uint64_t lines = vdp_fetch::kEveryPixel * (vdp_fetch::SearchLine(vdp) & 255);
+    const uint64_t distances = ((lines | kTop) - (ys & ~kTop)) ^ ((lines ^ ~ys) & kTop);
+    const uint64_t beyond = distances & (vdp_fetch::kEveryPixel * (256 - rows));
+    const uint64_t ends = ys ^ vdp_fetch::kEveryPixel * vdp_fetch::kSpriteListEnd;
+    const bool endCounts = vdp.activeHeight == 192;
+    return ZeroBytes(beyond) == 0 && (!endCounts || ZeroBytes(ends) == 0);
+}
+
+// Data of so many search slots, whose addresses begin with `spriteIndex`.
+inline void TakeSearchData(VDP& vdp, uint32_t words) {
+    const auto indexAfter = static_cast<uint8_t>(vdp.spriteIndex + words);
+    const bool blank = (vdp.regs[1] & 0x40) == 0;
+    while (words != 0 && !vdp.searchDone && !blank) {
+        if (words >= kWordsAtOnce && SearchFindsNothing(vdp)) {
+            vdp.spriteIndex += kWordsAtOnce;
+            vdp.spriteTested += kWordsAtOnce;
+            words -= kWordsAtOnce;
+            continue;
+        }
+        vdp_fetch::TestY4(vdp);
+        vdp.readData = WordAt(vdp, vdp.nextAddr);
+        vdp_fetch::TestY4Data(vdp);
+        --words;
+    }
+    while (words != 0 && vdp.spriteTested < vdp_fetch::kMode4SpriteWords) {
+        ++vdp.spriteTested;
+        --words;
+    }
+    vdp.spriteIndex = indexAfter;
+}
+
+// The memory cycle on its way at the start of a column, and its data: the column before is drawn.
+inline void FinishColumn(VDP& vdp, uint32_t dot) {
+    vdp_tick::MemoryCycle(vdp);
+    vdp_fetch::TileHighData(vdp, dot);
+}
+
+inline void FetchColumn(VDP& vdp, uint32_t column) {
+    vdp_fetch::Name4(vdp, column * kDotsPerColumn);
+    vdp.readData = WordAt(vdp, vdp.nextAddr);
+    vdp_fetch::Name4Data(vdp);
+    vdp.tileLow = WordAt(vdp, vdp.tileAddress);
+}
+
+// Columns from `first` to before `end`, all of them or none with the vertical lock.
+inline void DrawColumns(VDP& vdp, uint32_t first, uint32_t end) {
+    const vdp_fetch::NAME_ROW row = vdp_fetch::NameRow4(vdp, first);
+    const uint32_t scrollX = vdp_fetch::ScrollX(vdp);
+    const uint8_t* const vram = vdp.vram;
+    for (uint32_t column = first; column < end; ++column) {
+        const uint32_t name = row.address + vdp_fetch::NameColumn4(column, scrollX);
+        const uint32_t entry = LoadLittleEndian<uint16_t>(&vram[(name << 1) & kVdpVramMask]);
+        const uint32_t tile = vdp_fetch::TileAddress4(entry, row.tileRow) << 1;
+        const auto planes = LoadLittleEndian<uint32_t>(&vram[tile & kVdpVramMask]);
+        vdp_fetch::DrawTile4(vdp, column * kDotsPerColumn + (scrollX & 7), entry, planes & 0xFFFF,
+                             planes >> 16);
+    }
+}
+
+// Dots 8 * first to 8 * end of an active line: columns first - 1 to end - 2 are drawn, and of the last
+// one the upper bit planes are still to come.
+inline void RunColumns(VDP& vdp, uint32_t first, uint32_t end) {
+    TakeSearchData(vdp, SearchSlots(first, end));
+    FinishColumn(vdp, first * kDotsPerColumn);
+    const uint32_t last = end - 1;
+    const uint32_t lock = std::clamp(vdp_fetch::kLockedColumns, first, last);
+    DrawColumns(vdp, first, lock);
+    DrawColumns(vdp, lock, last);
+    FetchColumn(vdp, last);
+    vdp.readData = vdp.tileLow;
+    LeavePipeline(vdp, kSlotTileHigh, vdp.tileAddress + 1U, false);
+}
+
+// The same dots of a line that shows the backdrop alone.
+inline void RunBlankColumns(VDP& vdp, uint32_t first, uint32_t end) {
+    TakeSearchData(vdp, SearchSlots(first, end));
+    const size_t pixels = size_t{end - first} * kDotsPerColumn;
+    std::memset(&vdp.colourLine[first * kDotsPerColumn], vdp_fetch::Backdrop(vdp), pixels);
+    std::memset(&vdp.priorityLine[first * kDotsPerColumn], 0, pixels);
+    vdp.readData = vdp.vram[0];
+    LeavePipeline(vdp, kSlotBlank, 0, true);
+}
+
+// Dots 256 to 317: the last column is drawn and the sprites are fetched, but for the pattern of the last.
+inline void RunSpriteFetch(VDP& vdp, bool active) {
+    if (active) {
+        FinishColumn(vdp, kSpriteDot);
+    }
+    for (uint32_t sprite = 0;; ++sprite) {
+        vdp_fetch::Sprite4(vdp);
+        vdp.readData = WordAt(vdp, vdp.nextAddr);
+        vdp_fetch::Sprite4Data(vdp);
+        if (sprite == kVdpMaxSprites - 1) {
+            break;
+        }
+        uint16_t* const data = vdp.spriteData[vdp_fetch::FetchSlot(vdp)];
+        data[0] = WordAt(vdp, vdp.fetchAddress);
+        data[1] = WordAt(vdp, vdp.fetchAddress + 1U);
+        ++vdp.fetchIndex;
+    }
+    LeavePipeline(vdp, kSlotNone, 0, true);
+}
+
+// Dots 320 to 341: the pattern of the last sprite, and the first eight words of the search. The data of
+// the eighth come at dot 1.
+inline void RunTail(VDP& vdp) {
+    constexpr uint32_t kTailWords = 8;
+    ++vdp.fetchIndex;
+    const uint32_t highAddress = vdp.fetchAddress + 1U;
+    vdp_tick::MemoryCycle(vdp);
+    vdp_fetch::SpriteLowData(vdp);
+    vdp.readData = WordAt(vdp, highAddress);
+    vdp_fetch::SpriteHighData(vdp);
+    TakeSearchData(vdp, kTailWords - 1);
+    const auto seventh = static_cast<uint8_t>(vdp.spriteIndex - 1);
+    vdp.readData = WordAt(vdp, vdp_fetch::SearchAddress4(vdp, seventh));
+    vdp_fetch::TestY4(vdp);
+    LeavePipeline(vdp, kSlotTestY4, vdp.nextAddr, false);
+}
+
+} // namespace vdp_run

@@ -3,13 +3,13 @@
 # To build and start the program.
 build_packages=(
     g++ cmake ninja-build pkg-config ccache sdcc
-    libcli11-dev libopenal-dev libpng-dev libsamplerate0-dev libsdl2-dev libssl-dev libtinyxml-dev
-    libzip-dev lzma-dev zlib1g-dev
+    libcli11-dev libgl1-mesa-dev libgl1-mesa-dri libglu1-mesa-dev libopenal-dev libpng-dev
+    libsamplerate0-dev libsdl2-dev libssl-dev libtinyxml-dev libzip-dev lzma-dev zlib1g-dev
 )
 
 # To build and run the tests, benchmarks and fuzz entry points besides.
 test_packages=(
-    clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev
+    clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev xauth xvfb
 )
 
 # To check format and lint as well.

@@ -11,7 +11,6 @@
 #include <CLI/CLI.hpp>
 #include <SDL.h>
 
-#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -84,22 +83,10 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
         ->type_name("REGION=FILE")
         ->expected(1)
         ->take_all();
+    app.add_option("--latency", play.latencyAction,
+                   "In the window: measure from this action's key to the picture, and end")
+        ->type_name("ACTION");
     app.footer(PlayHelp());
-}
-
-// The program without arguments. Its window comes with the machines; until then it says what it has.
-int WindowCommand() {
-    std::fprintf(stderr,
-                 "ombrelune %s: no machine is built in yet, so there is nothing to show.\n"
-                 "Try: ombrelune --help\n",
-                 OMBRELUNE_VERSION);
-    Settings().SetBool(L"app_720runonce", true);
-    std::string error;
-    if (!SaveSettingsFile(Settings(), error)) {
-        Complain(error);
-        return kExitFailed;
-    }
-    return kExitDone;
 }
 
 int Run(int argc, const char* const* argv) {
@@ -162,7 +149,7 @@ int Run(int argc, const char* const* argv) {
     if (*actionsApp) {
         return ActionsCommand();
     }
-    return WindowCommand();
+    return PlayWithoutGame();
 }
 
 } // namespace

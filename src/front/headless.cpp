@@ -4,7 +4,9 @@
 #include "front/commands.h"
 #include "front/input_script.h"
 #include "front/media_files.h"
+#include "front/number_text.h"
 #include "front/play.h"
+#include "front/screenshots.h"
 #include "front/settings/bindings.h"
 #include "front/settings/settings.h"
 #include "host/aligned_block.h"
@@ -14,7 +16,6 @@
 #include "host/session.h"
 #include "library/sha256.h"
 
-#include <charconv>
 #include <cstdio>
 #include <fstream>
 
@@ -22,21 +23,6 @@ namespace {
 
 constexpr uint32_t kSessionKey = 1;
 constexpr uint32_t kDefaultFrames = 600; // where nothing says how long to run
-
-struct SCREENSHOT {
-    uint32_t frame = 0; // 0: the last one
-    std::string path;
-};
-
-// A number with or without "0x" before it; `text` becomes what stands behind it.
-bool TakeNumber(std::string_view& text, uint32_t& value) {
-    const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-    text.remove_prefix(hexadecimal ? 2 : 0);
-    const auto [end, code] =
-        std::from_chars(text.data(), text.data() + text.size(), value, hexadecimal ? 16 : 10);
-    text.remove_prefix(static_cast<size_t>(end - text.data()));
-    return code == std::errc();
-}
 
 class HeadlessRun {
 public:
@@ -65,45 +51,13 @@ public:
 
 private:
     int ReadOptions() {
-        for (const std::string& text : options.screenshots) {
-            const size_t equals = text.find('=');
-            std::string_view number = std::string_view(text).substr(0, equals);
-            SCREENSHOT shot;
-            const bool last = number == "last";
-            const bool valid =
-                equals != std::string::npos && equals + 1 < text.size() &&
-                (last || (TakeNumber(number, shot.frame) && number.empty() && shot.frame != 0));
-            if (!valid) {
-                Complain("--screenshot " + text + ": is not FRAME=FILE.png; frames count from 1");
-                return kExitUsage;
-            }
-            shot.path = text.substr(equals + 1);
-            screenshots.push_back(shot);
-        }
         frames = options.frames != 0 ? options.frames : kDefaultFrames;
-        for (const SCREENSHOT& shot : screenshots) {
-            if (shot.frame > frames) {
-                Complain("--screenshot " + std::to_string(shot.frame) + "=" + shot.path +
-                         ": the run ends at frame " + std::to_string(frames));
-                return kExitUsage;
-            }
+        std::string error;
+        if (!ReadScreenshots(options.screenshots, frames, screenshots, error)) {
+            Complain(error);
+            return kExitUsage;
         }
         return kExitDone;
-    }
-
-    bool ReadScript() {
-        std::vector<uint8_t> bytes;
-        std::string error;
-        constexpr uint64_t kLongestScript = uint64_t{1} << 26;
-        if (!ReadFile(options.inputFile, bytes, error, kLongestScript)) {
-            Complain(error);
-            return false;
-        }
-        if (!script.Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, error)) {
-            Complain(options.inputFile + ": " + error);
-            return false;
-        }
-        return true;
     }
 
     bool Prepare() {
@@ -112,7 +66,9 @@ private:
         Settings().SetInt(L"emu_rewindbuffer", 0);
         InputScript::BindActions(Settings());
         InputSetActiveKey(kSessionKey);
-        if (!options.inputFile.empty() && !ReadScript()) {
+        std::string error;
+        if (!options.inputFile.empty() && !script.Load(options.inputFile, error)) {
+            Complain(error);
             return false;
         }
         CGameFile* const games[2] = {&opened.game, opened.hasBios ? &opened.bios : nullptr};
@@ -164,7 +120,7 @@ private:
                                       values * sizeof(int16_t)}))
                    << '\n';
         }
-        for (const SCREENSHOT& shot : screenshots) {
+        for (const SCREENSHOT_REQUEST& shot : screenshots) {
             if (shot.frame == frame || (shot.frame == 0 && frame == frames)) {
                 if (!Write(shot.path, PngOfFrame(video))) {
                     return false;
@@ -266,7 +222,7 @@ private:
     const PLAY_OPTIONS& options;
     OPENED_GAME& opened;
     uint32_t frames = 0;
-    std::vector<SCREENSHOT> screenshots;
+    std::vector<SCREENSHOT_REQUEST> screenshots;
     InputScript script;
     std::unique_ptr<EMU_THREAD> session;
     AlignedBlock<uint32_t> pixels;

@@ -1,5 +1,6 @@
 #include "front/input_script.h"
 
+#include "base/files.h"
 #include "base/text.h"
 #include "front/settings/bindings.h"
 #include "front/settings/settings.h"
@@ -84,6 +85,20 @@ bool InputScript::Parse(std::string_view text, std::string& error) {
     return true;
 }
 
+bool InputScript::Load(const std::string& path, std::string& error) {
+    std::vector<uint8_t> bytes;
+    constexpr uint64_t kLongestScript = uint64_t{1} << 26;
+    if (!ReadFile(path, bytes, error, kLongestScript)) {
+        return false;
+    }
+    std::string reason;
+    if (!Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, reason)) {
+        error = path + ": " + reason;
+        return false;
+    }
+    return true;
+}
+
 void InputScript::BindActions(SettingsStore& store) {
     const auto actions = InputActions();
     for (size_t i = 0; i < actions.size(); ++i) {
@@ -93,9 +108,16 @@ void InputScript::BindActions(SettingsStore& store) {
     }
 }
 
+std::span<const INPUT_EVENT> InputScript::TakeDue(uint32_t frame) {
+    const size_t first = next;
+    while (next < events.size() && events[next].frame <= frame) {
+        ++next;
+    }
+    return std::span(events).subspan(first, next - first);
+}
+
 void InputScript::Feed(uint32_t frame) {
-    for (; next < events.size() && events[next].frame <= frame; ++next) {
-        InputSetCode(kFirstScriptCode + static_cast<uint32_t>(events[next].action),
-                     events[next].down);
+    for (const INPUT_EVENT& event : TakeDue(frame)) {
+        InputSetCode(kFirstScriptCode + static_cast<uint32_t>(event.action), event.down);
     }
 }

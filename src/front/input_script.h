@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,11 +25,17 @@ public:
     // False, with the line and what is wrong with it, for a text that is no script.
     [[nodiscard]] bool Parse(std::string_view text, std::string& error);
 
+    // The same from a file; the error names it.
+    [[nodiscard]] bool Load(const std::string& path, std::string& error);
+
     // Binds every action to its own code in place of what the store holds.
     static void BindActions(SettingsStore& store);
 
-    // Feeds the events of this frame, and of those before it that were not yet fed.
+    // Feeds the events of this frame, and of those before it that were not yet fed, to those codes.
     void Feed(uint32_t frame);
+
+    // The same events for somebody else to act on.
+    [[nodiscard]] std::span<const INPUT_EVENT> TakeDue(uint32_t frame);
 
     [[nodiscard]] const std::vector<INPUT_EVENT>& Events() const { return events; }
 

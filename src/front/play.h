@@ -24,6 +24,7 @@ struct PLAY_OPTIONS {
     std::string loadState;
     std::vector<std::string> peeks; // ADDRESS[:LENGTH]
     std::vector<std::string> dumps; // REGION=FILE
+    std::string latencyAction;      // in the window: measure from its key to the picture, and end
 };
 
 // A game opened for playing, with its options.
@@ -35,9 +36,9 @@ struct OPENED_GAME {
     OptionBlock options{};
 };
 
-// Opens the game and the BIOS, and applies the settings. Gives an exit code; anything but kExitDone has
-// been complained about.
-[[nodiscard]] int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened);
+// Opens the game and the BIOS, and applies the settings for this run. Gives an exit code; with anything
+// but kExitDone `error` is one line that says why.
+[[nodiscard]] int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& error);
 
 // Opens one of our own games. False for an unknown name.
 [[nodiscard]] bool OpenDemo(const std::string& name, OPENED_GAME& opened);
@@ -46,6 +47,13 @@ int PlayCommand(const PLAY_OPTIONS& options);
 
 // The game without window, device, pacing and autosave: the same input gives the same bytes.
 int PlayHeadless(const PLAY_OPTIONS& options, OPENED_GAME& opened);
+
+// The game in the program's window, with sound, until the window is closed or --frames are over.
+int PlayInWindow(const PLAY_OPTIONS& options, const OPENED_GAME& opened);
+
+// The program without a game named: our own Master System game, in the window or, where there is no
+// display, off the screen for some seconds, which ends with a screenshot.
+int PlayWithoutGame();
 
 // Options, settings, regions and demos by name, for the help text.
 [[nodiscard]] std::string PlayHelp();

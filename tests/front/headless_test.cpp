@@ -46,6 +46,10 @@ protected:
         }
         return lines;
     }
+    // A line of hashes but for the frame's number.
+    static std::string WithoutNumber(const std::string& line) {
+        return line.substr(line.find(' '));
+    }
     // The picture hash of a line of hashes.
     static std::string Picture(const std::string& line) {
         std::istringstream words(line);
@@ -111,7 +115,7 @@ TEST_F(Headless, EveryDemoMovesAndSounds) {
     }
 }
 
-TEST_F(Headless, AStateTakenAndLoadedGivesTheSamePictures) {
+TEST_F(Headless, AStateTakenAndLoadedGivesTheSamePicturesAndSound) {
     for (const std::string& demo : demos) {
         const std::string& game = demo;
         ASSERT_EQ(Play({game, "--frames", "90", "--save-state", Path("s")}).exitCode, 0);
@@ -125,7 +129,8 @@ TEST_F(Headless, AStateTakenAndLoadedGivesTheSamePictures) {
         ASSERT_EQ(whole.size(), 150u);
         ASSERT_EQ(loaded.size(), 60u);
         for (size_t i = 0; i < loaded.size(); ++i) {
-            ASSERT_EQ(Picture(loaded[i]), Picture(whole[90 + i])) << demo << " frame " << i;
+            ASSERT_EQ(WithoutNumber(loaded[i]), WithoutNumber(whole[90 + i]))
+                << demo << " frame " << i;
         }
     }
 }

@@ -1,6 +1,7 @@
 #include "front/settings/bindings.h"
 
 #include "base/text.h"
+#include "front/settings/pad_defaults.h"
 #include "front/settings/settings.h"
 
 #include <SDL_keyboard.h>
@@ -139,7 +140,8 @@ bool InputIsDown(uint32_t sessionKey, std::wstring_view name) {
     const auto primary = static_cast<uint32_t>(setting->intValue.load(std::memory_order_relaxed));
     const auto secondary =
         static_cast<uint32_t>(setting->intValue2.load(std::memory_order_relaxed));
-    return BindingIsDown(primary, false) || BindingIsDown(secondary, false);
+    return BindingIsDown(primary, false) || BindingIsDown(secondary, false) ||
+           (setting->padControls.load(std::memory_order_relaxed) & InputPadsActing()) != 0;
 }
 
 bool BindingIsDown(uint32_t code, bool useReleased) {
@@ -197,6 +199,7 @@ void InputBeginPump() {
     for (std::atomic<uint8_t>& released : gReleased) {
         released.store(0, std::memory_order_relaxed);
     }
+    InputRefreshPadDefaults();
 }
 
 void InputSetCode(uint32_t code, bool down) {
@@ -268,4 +271,5 @@ void InputClearAll() {
         gDown[code].store(0, std::memory_order_relaxed);
         gReleased[code].store(0, std::memory_order_relaxed);
     }
+    InputClearPads();
 }

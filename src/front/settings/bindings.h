@@ -50,10 +50,12 @@ enum HatPosition : uint8_t {
     kHatLeft = 8
 };
 
-// An action with the code it is bound to on a first run.
+// An action with the code it is bound to on a first run, and the controls of game controllers that do
+// the same until the user binds something (`pad_defaults.h`).
 struct INPUT_ACTION {
     const wchar_t* name;
     uint32_t defaultBinding;
+    uint64_t padControls = 0; // bits of `PadBit`
 };
 
 // Every action in the order of registration.
@@ -62,7 +64,8 @@ struct INPUT_ACTION {
 // Adds "INPUT " + name for every action: all with zeroes, then the defaults as primary binding.
 void RegisterBindings(SettingsStore& store);
 
-// Whether one of the action's two bindings is down. False when the session is not the active one or
+// Whether one of the action's two bindings is down, or a control of a game controller that acts for it
+// by default. False when the session is not the active one or
 // the user walks the room; `kApplicationKey` is always answered.
 [[nodiscard]] bool InputIsDown(uint32_t sessionKey, std::wstring_view name);
 
@@ -80,7 +83,8 @@ void InputSetWalkingRoom(bool walking);
 [[nodiscard]] bool InputWalkingRoom();
 
 // The event pump's side. Numbers out of range are ignored.
-void InputBeginPump(); // forgets the releases of the round before
+// Forgets the releases of the round before, and sees which bindings the user has changed since.
+void InputBeginPump();
 // Setting a code to 0 marks it as released, also when it was not down.
 void InputSetCode(uint32_t code, bool down);
 void InputKeyChanged(uint32_t scancode, bool down);

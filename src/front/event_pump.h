@@ -1,0 +1,107 @@
+// The window's events: read once a round, into the tables of `bindings.h` and a record of what concerns
+// the program itself.
+//
+// Order: `Pump` begins with `InputBeginPump`, so what was let go in the round before is forgotten, and
+// a key pressed and let go within this round is seen through `BindingIsDown(code, true)`.
+// Units: mouse positions in pixels of the drawing surface, which on a high-density screen has more of
+// them than the window; `SetWindowSize` says both sizes. Keys are scancodes of the USB HID tables.
+// Thread: main, the one that made the window.
+#pragma once
+
+#include <bitset>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class Joysticks;
+struct SDL_KeyboardEvent;
+struct SDL_MouseButtonEvent;
+struct SDL_MouseMotionEvent;
+struct SDL_MouseWheelEvent;
+struct SDL_WindowEvent;
+union SDL_Event;
+
+enum class GuiInputKind : uint8_t {
+    kMouseMove,
+    kMouseDown,
+    kMouseUp,
+    kWheel,
+    kKeyDown,
+    kKeyUp,
+    kText
+};
+
+// One event of mouse or keyboard. Fields that a kind doesn't have are 0.
+struct GUI_INPUT {
+    GuiInputKind kind = GuiInputKind::kMouseMove;
+    bool repeat = false; // of a key down: the key is held
+    int32_t x = 0;       // where the mouse is, for all kinds of the mouse
+    int32_t y = 0;
+    int32_t dx = 0; // how far it went, for a move alone
+    int32_t dy = 0;
+    uint32_t button = 0; // 1 left, 2 middle, 3 right, then those at the side
+    int32_t wheel = 0;   // -1 up, +1 down; a record for each step
+    uint32_t key = 0;    // scancode
+    // Of a key: its own character in the present layout, without modifiers; 0 for one that has none.
+    // Of text: what was typed, 32 or more.
+    uint32_t character = 0;
+};
+
+// What one round brought. The toggles are flipped by each press: two in a round are none.
+struct PUMP_EVENTS {
+    bool quit = false;             // the window was closed, or the program asked to end
+    bool toggleStatistics = false; // F2; none of these F keys acts while the user walks the room
+    bool toggleRoomFlag = false;   // F3
+    bool toggleCrop = false;       // F4
+    bool toggleLinear = false;     // F5
+    uint32_t scalerSteps = 0;      // F6, presses
+    bool toggleFullScreen = false; // F11, or Alt + Return, which acts at any time
+    bool windowChanged = false;    // resized, exposed or restored: to be drawn again
+    bool outputRemoved = false;    // an audio output went
+    uint32_t outputNumber = 0;     // the one that was open, 0 if none of ours was
+    bool outputAdded = false;
+    std::vector<std::string> dropped; // files dropped on the window, paths in UTF-8
+    std::vector<GUI_INPUT> gui;       // for the toolkit
+    std::vector<GUI_INPUT> room; // the same while the user walks the room; the toolkit gets none
+};
+
+struct MOUSE_STATE {
+    int32_t x = 0;
+    int32_t y = 0;
+    bool left = false;        // the left button is down
+    bool leftPressed = false; // or went down since the pump began, if only for a moment
+};
+
+class EventPump {
+public:
+    explicit EventPump(Joysticks& joysticks);
+
+    // Reads all events that are there.
+    [[nodiscard]] PUMP_EVENTS Pump();
+
+    // The window's size in its own units and in pixels of the drawing surface. Until told, and with a
+    // size of 0, they count as equal.
+    void SetWindowSize(int32_t width, int32_t height, int32_t drawableWidth,
+                       int32_t drawableHeight);
+    [[nodiscard]] const MOUSE_STATE& Mouse() const { return mouse; }
+
+private:
+    void HandleEvent(const SDL_Event& event, PUMP_EVENTS& events);
+    void HandleKey(const SDL_KeyboardEvent& event, PUMP_EVENTS& events);
+    void HandleButton(const SDL_MouseButtonEvent& event, PUMP_EVENTS& events);
+    void HandleMotion(const SDL_MouseMotionEvent& event, PUMP_EVENTS& events);
+    void HandleWheel(const SDL_MouseWheelEvent& event, PUMP_EVENTS& events);
+    void HandleWindow(const SDL_WindowEvent& event, PUMP_EVENTS& events);
+    void LetGo();
+    [[nodiscard]] int32_t ToDrawableX(int32_t x) const;
+    [[nodiscard]] int32_t ToDrawableY(int32_t y) const;
+    [[nodiscard]] GUI_INPUT MouseRecord(GuiInputKind kind) const;
+
+    Joysticks& joysticks;
+    MOUSE_STATE mouse;
+    std::bitset<512> keysDown; // by scancode, what this pump has set
+    int32_t windowWidth = 0;
+    int32_t windowHeight = 0;
+    int32_t surfaceWidth = 0;
+    int32_t surfaceHeight = 0;
+};

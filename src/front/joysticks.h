@@ -1,0 +1,84 @@
+// The joysticks in use: at most four, each in a place of its own, 0 to 3.
+//
+// Joysticks found at the start take the places in the order of the device list. One that arrives later
+// takes the lowest free place, one that leaves frees its own, and one that finds all places taken is
+// ignored until it is plugged in again. Events name a joystick by an instance number of the device
+// library; here it becomes the place, which is the joystick's number in the codes of `bindings.h`.
+//
+// A joystick that the library knows as a game controller feeds two tables: the codes, like any other,
+// and the controls of `pad_defaults.h`. The first two controllers are the players 1 and 2. Who plays
+// stays so: when one leaves, the other keeps its player and the next to arrive takes the free one.
+//
+// Units: axes -32768 to 32767. A stick's direction is down from 40 percent of its way (within the
+// square of both axes that makes the eight directions about equally wide, 43 degrees for a diagonal)
+// until it comes back to 30; a trigger from half its way until it comes back to 40 percent.
+// Thread: main.
+// Failure: without joysticks, or without the library's part for them, there are none; nothing is
+// reported.
+#pragma once
+
+#include "front/settings/pad_defaults.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+union SDL_Event;
+
+inline constexpr uint32_t kJoystickPlaces = 4;
+inline constexpr uint32_t kNoJoystick = 0xFFFFFFFF;
+inline constexpr uint32_t kNoPlayer = 0xFFFFFFFF;
+
+// What is known of one joystick. More inputs than there are codes for aren't counted.
+struct JOYSTICK {
+    bool present = false;
+    std::string name;            // UTF-8
+    uint32_t axes = 0;           // at most 32
+    uint32_t buttons = 0;        // at most 64
+    uint32_t hats = 0;           // at most 8
+    uint32_t balls = 0;          // nothing reads them
+    bool controller = false;     // a game controller with known controls
+    uint32_t player = kNoPlayer; // 0 or 1 for the controllers that play
+};
+
+class Joysticks {
+public:
+    Joysticks();
+    ~Joysticks(); // closes them
+    Joysticks(const Joysticks&) = delete;
+    Joysticks& operator=(const Joysticks&) = delete;
+
+    // Opens what is there and takes its first state. A joystick held at this moment is seen as held.
+    void Open();
+    // Closes all; nothing of theirs is down afterwards.
+    void Close();
+
+    // Takes an event of a joystick or controller, whoever it is from. False for any other event.
+    bool Handle(const SDL_Event& event);
+
+    [[nodiscard]] std::span<const JOYSTICK, kJoystickPlaces> Places() const { return places; }
+    // The place of an instance number, or `kNoJoystick`.
+    [[nodiscard]] uint32_t PlaceOf(int32_t instance) const;
+
+private:
+    struct DEVICE;
+
+    void OpenArrived();
+    void OpenAt(uint32_t place, int index);
+    void OpenController(uint32_t place, int index);
+    void CloseAt(uint32_t place);
+    void Removed(int32_t instance);
+    void TakeState(uint32_t place);
+    void Remapped(int32_t instance);
+    void ControllerButton(int32_t instance, uint32_t button, bool down);
+    void ControllerAxis(int32_t instance, uint32_t axis, int value);
+    void SetControl(DEVICE& device, uint32_t player, PadControl control, bool down);
+
+    std::array<JOYSTICK, kJoystickPlaces> places{};
+    std::unique_ptr<std::array<DEVICE, kJoystickPlaces>> devices;
+    std::vector<int32_t> ignored; // instances that found no place
+    bool opened = false;
+};

@@ -1,0 +1,46 @@
+#include "front/notices.h"
+
+#include "front/commands.h"
+#include "host/host_data.h"
+
+#include <algorithm>
+#include <mutex>
+
+namespace {
+
+constexpr int64_t kMicroseconds = 1000000;
+
+} // namespace
+
+void Notices::Post(const std::string& text, int64_t now) {
+    const std::scoped_lock hold(lock);
+    std::erase_if(lines, [&](const LINE& line) { return line.text == text; });
+    lines.push_back({text, now + kSecondsShown * kMicroseconds});
+    if (lines.size() > kMostLines) {
+        lines.pop_front();
+    }
+}
+
+std::vector<std::string> Notices::Lines(int64_t now) {
+    const std::scoped_lock hold(lock);
+    std::erase_if(lines, [&](const LINE& line) { return line.until <= now; });
+    std::vector<std::string> texts;
+    for (const LINE& line : lines) {
+        texts.push_back(line.text);
+    }
+    return texts;
+}
+
+Notices& ProgramNotices() {
+    static Notices notices;
+    return notices;
+}
+
+void PostNotice(const std::string& text) {
+    ProgramNotices().Post(text, HostClock().nowMicroseconds());
+}
+
+void PostReport(const std::string& text) {
+    Complain(text);
+    PostNotice(text);
+}

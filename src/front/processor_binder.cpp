@@ -1,0 +1,104 @@
+#include "front/processor_binder.h"
+
+#include "front/settings/settings.h"
+#include "host/host_data.h"
+
+#include <SDL.h>
+
+#ifdef __linux__
+#include <pthread.h>
+#include <sched.h>
+#endif
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+
+namespace {
+
+constexpr uint32_t kMostProcessors = 32;
+constexpr uint32_t kFull = 1000; // threads on one processor
+constexpr int kNotBound = -1;
+constexpr uint32_t kTokenLimit = 33;
+
+uint32_t gCount = 1;
+std::array<uint32_t, kTokenLimit> gUse{}; // threads bound to each; under the frame mutex
+
+#ifdef __linux__
+
+cpu_set_t gAllowed; // of the process when the binder started; a thread's own set narrows
+
+void ReadAllowed() {
+    CPU_ZERO(&gAllowed);
+    if (sched_getaffinity(0, sizeof gAllowed, &gAllowed) != 0) {
+        CPU_ZERO(&gAllowed);
+    }
+}
+
+// The n-th processor that the process may use becomes the thread's only one.
+bool SetThreadProcessor(uint32_t number) {
+    for (size_t bit = 0; bit < CPU_SETSIZE; ++bit) {
+        if (!CPU_ISSET(bit, &gAllowed) || number-- != 0) {
+            continue;
+        }
+        cpu_set_t only;
+        CPU_ZERO(&only);
+        CPU_SET(bit, &only);
+        return pthread_setaffinity_np(pthread_self(), sizeof only, &only) == 0;
+    }
+    return false;
+}
+
+#else
+
+void ReadAllowed() {}
+
+bool SetThreadProcessor(uint32_t) {
+    return false;
+}
+
+#endif
+
+} // namespace
+
+void ProcessorBinderStart() {
+    const std::scoped_lock hold(EmuFrameMutex());
+    gCount = static_cast<uint32_t>(std::clamp(SDL_GetCPUCount(), 1, int{kMostProcessors}));
+    gUse.fill(0);
+    ReadAllowed();
+}
+
+uint32_t ProcessorCount() {
+    return gCount;
+}
+
+int BindProcessor(int always) {
+    if ((!Settings().GetBool(L"app_managecpucores") && always == 0) || gCount < 2) {
+        return kNotBound;
+    }
+    const std::scoped_lock hold(EmuFrameMutex());
+    const auto end = gUse.begin() + gCount;
+    const auto least = std::min_element(gUse.begin(), end);
+    if (*least >= kFull) {
+        return kNotBound;
+    }
+    const auto number = static_cast<uint32_t>(least - gUse.begin());
+    if (!SetThreadProcessor(number)) {
+        return kNotBound;
+    }
+    ++*least;
+    return static_cast<int>(number);
+}
+
+void ReleaseProcessor(int token) {
+    const std::scoped_lock hold(EmuFrameMutex());
+    if (token >= 0 && static_cast<uint32_t>(token) < kTokenLimit &&
+        gUse[static_cast<size_t>(token)] > 0) {
+        --gUse[static_cast<size_t>(token)];
+    }
+}
+
+uint32_t BoundThreads(uint32_t processor) {
+    const std::scoped_lock hold(EmuFrameMutex());
+    return processor < kTokenLimit ? gUse[processor] : 0;
+}

@@ -1,0 +1,22 @@
+// Binds session threads to processors of their own, where the user wants it.
+//
+// A binding is a token: the processor's number, or -1 for a thread that was left alone.
+// Threads: any. Order: ProcessorBinderStart once before the rest.
+#pragma once
+
+#include <cstdint>
+
+// Counts the processors that this process may use, at most 32.
+void ProcessorBinderStart();
+[[nodiscard]] uint32_t ProcessorCount();
+
+// Binds the calling thread to the processor with the fewest bound threads. Does nothing and gives -1
+// unless `app_managecpucores` is set or `always` is not 0, with less than two processors, or when the
+// system refuses.
+[[nodiscard]] int BindProcessor(int always);
+
+// Gives the processor of the token back.
+void ReleaseProcessor(int token);
+
+// Threads bound to each processor so far; for tests.
+[[nodiscard]] uint32_t BoundThreads(uint32_t processor);

@@ -1,0 +1,179 @@
+#include "front/window.h"
+
+#include "front/event_pump.h"
+#include "front/settings/settings.h"
+#include "front/window_icon.h"
+
+#include <SDL.h>
+#include <SDL_opengl.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr WINDOW_SIZE kDefaultSize{1280, 720};
+constexpr WINDOW_SIZE kSmallestSize{320, 240};
+constexpr int32_t kLongestSide = 16384;
+constexpr int kAntialiasSamples = 8;
+
+std::string Dimensions(WINDOW_SIZE size) {
+    return std::to_string(size.width).append(" x ").append(std::to_string(size.height));
+}
+
+WINDOW_SIZE DisplaySize() {
+    SDL_Rect bounds{};
+    if (SDL_GetDisplayUsableBounds(0, &bounds) != 0 || bounds.w <= 0 || bounds.h <= 0) {
+        return {kLongestSide, kLongestSide};
+    }
+    return {bounds.w, bounds.h};
+}
+
+void SetContextAttributes(int samples) {
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 2);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 1);
+    SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
+    SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 24);
+    SDL_GL_SetAttribute(SDL_GL_MULTISAMPLEBUFFERS, samples > 0 ? 1 : 0);
+    SDL_GL_SetAttribute(SDL_GL_MULTISAMPLESAMPLES, samples);
+}
+
+void SetIcon(SDL_Window* window) {
+    std::vector<uint32_t> pixels = WindowIcon();
+    SDL_Surface* icon =
+        SDL_CreateRGBSurfaceWithFormatFrom(pixels.data(), kWindowIconSize, kWindowIconSize, 32,
+                                           kWindowIconSize * 4, SDL_PIXELFORMAT_ARGB8888);
+    if (icon != nullptr) {
+        SDL_SetWindowIcon(window, icon);
+        SDL_FreeSurface(icon);
+    }
+}
+
+} // namespace
+
+WINDOW_OPTIONS WindowOptionsFromSettings() {
+    const SettingsStore& settings = Settings();
+    WINDOW_OPTIONS options;
+    options.fullScreen = settings.GetBool(L"app_fullscreen");
+    options.width = settings.GetInt(L"app_window_width");
+    options.height = settings.GetInt(L"app_window_height");
+    options.antialias = settings.GetBool(L"app_antialias");
+    options.vsync = settings.GetBool(L"app_vsync");
+    return options;
+}
+
+WINDOW_SIZE UsableWindowSize(WINDOW_SIZE wanted, WINDOW_SIZE display, std::string& word) {
+    WINDOW_SIZE size = wanted;
+    if (std::min(size.width, size.height) < 1 || std::max(size.width, size.height) > kLongestSide) {
+        size = kDefaultSize;
+    }
+    size.width = std::max(std::min(size.width, display.width), kSmallestSize.width);
+    size.height = std::max(std::min(size.height, display.height), kSmallestSize.height);
+    if (size.width != wanted.width || size.height != wanted.height) {
+        word = "a window of " + Dimensions(wanted) + " cannot be had; it is " + Dimensions(size);
+    }
+    return size;
+}
+
+Window::~Window() {
+    Close();
+}
+
+bool Window::Create(const WINDOW_OPTIONS& options, const std::string& title, int samples) {
+    SetContextAttributes(samples);
+    uint32_t flags = SDL_WINDOW_OPENGL | SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI;
+    if (options.fullScreen) {
+        flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
+    }
+    window = SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
+                              options.width, options.height, flags);
+    if (window == nullptr) {
+        return false;
+    }
+    context = SDL_GL_CreateContext(window);
+    if (context == nullptr) {
+        SDL_DestroyWindow(window);
+        window = nullptr;
+        return false;
+    }
+    return true;
+}
+
+bool Window::Open(const WINDOW_OPTIONS& options, const std::string& title,
+                  std::vector<std::string>& words, std::string& error) {
+    Close();
+    WINDOW_OPTIONS wanted = options;
+    std::string word;
+    const WINDOW_SIZE size = UsableWindowSize({options.width, options.height}, DisplaySize(), word);
+    if (!word.empty() && !options.fullScreen) {
+        words.push_back(word);
+    }
+    wanted.width = size.width;
+    wanted.height = size.height;
+
+    bool created = Create(wanted, title, options.antialias ? kAntialiasSamples : 0);
+    if (!created && options.antialias) {
+        created = Create(wanted, title, 0);
+        if (created) {
+            words.emplace_back("this display has no multisampling; edges are not smoothed");
+        }
+    }
+    if (!created) {
+        error = std::string("no window: ") + SDL_GetError();
+        return false;
+    }
+    SDL_SetWindowMinimumSize(window, kSmallestSize.width, kSmallestSize.height);
+    SetIcon(window);
+    followsDisplay = SDL_GL_SetSwapInterval(options.vsync ? 1 : 0) == 0 && options.vsync;
+    return true;
+}
+
+void Window::Close() {
+    if (context != nullptr) {
+        SDL_GL_DeleteContext(context);
+        context = nullptr;
+    }
+    if (window != nullptr) {
+        SDL_DestroyWindow(window);
+        window = nullptr;
+    }
+}
+
+void Window::SetTitle(const std::string& title) {
+    SDL_SetWindowTitle(window, title.c_str());
+}
+
+void Window::ToggleFullScreen() {
+    const bool full = (SDL_GetWindowFlags(window) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0;
+    SDL_SetWindowFullscreen(window, full ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
+}
+
+void Window::Swap() {
+    glFinish();
+    SDL_GL_SwapWindow(window);
+}
+
+bool Window::IsVisible() const {
+    return (SDL_GetWindowFlags(window) & (SDL_WINDOW_MINIMIZED | SDL_WINDOW_HIDDEN)) == 0;
+}
+
+void Window::TellSize(EventPump& pump) const {
+    int width = 0;
+    int height = 0;
+    SDL_GetWindowSize(window, &width, &height);
+    pump.SetWindowSize(width, height, static_cast<int32_t>(PixelWidth()),
+                       static_cast<int32_t>(PixelHeight()));
+}
+
+uint32_t Window::PixelWidth() const {
+    int width = 0;
+    int height = 0;
+    SDL_GL_GetDrawableSize(window, &width, &height);
+    return static_cast<uint32_t>(std::max(width, 1));
+}
+
+uint32_t Window::PixelHeight() const {
+    int width = 0;
+    int height = 0;
+    SDL_GL_GetDrawableSize(window, &width, &height);
+    return static_cast<uint32_t>(std::max(height, 1));
+}

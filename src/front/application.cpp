@@ -123,6 +123,7 @@ bool Application::Start(std::string& error) {
         Stop();
         return false;
     }
+    InputClearAll(); // whatever was held when a window closed before
     joysticks.Open();
 
     std::vector<std::string> words;

@@ -2,11 +2,13 @@
 
 #include <utility>
 
-// Everything here works on planes of bytes that are 0 or 1, a row at a time and without branches, so that
-// the compiler handles sixteen pixels at once.
+// Everything here works on planes of bytes that are 0 or 1, a block of a row at a time and without branches,
+// so that the compiler makes whole vectors of it. A block's results lie in an array of their own first:
+// the compiler can't know that the planes don't overlap. What the last block of a row has beyond the tile
+// is never looked at.
 namespace {
 
-using Plane = TilePlane<uint8_t>;
+using Plane = BytePlane;
 
 // Two pixels further apart than this are of different colours. The distance is twice the difference of
 // luma plus those of the two colour differences, each on a scale of 255: a step of the 6-bit palettes is
@@ -22,27 +24,30 @@ constexpr uint8_t kColumnOpen = 8;
 constexpr uint32_t kRowLegShift = 4; // leg minus 1, two bits
 constexpr uint32_t kColumnLegShift = 6;
 
-// A plane of pairs has the pair's upper left member's place.
-struct Pairs {
-    Plane right; // alike: this pixel and the one to its right
-    Plane below;
-    Plane falling; // this pixel and the one to the right and below
-    Plane rising;  // the pixel to the right and the one below
-};
+constexpr uint32_t kLanes = 32;
+constexpr uint32_t kHalfLanes = 16;
 
-struct Work {
-    Plane luma;
-    Plane blueness;
-    Plane redness;
-    Pairs alike;
-    // Diagonal pairs that belong together, and those that a run doesn't get between: the second also
-    // where a crossing is undecided.
-    Plane fallingJoined;
-    Plane risingJoined;
-    Plane fallingShut;
-    Plane risingShut;
-    std::array<Plane, kCorners> corners;
-};
+// The columns from the first one that a corner is looked at in, in whole blocks.
+uint32_t WorkedColumns(const OutlineTile& tile) {
+    return (tile.columns + 4 + kLanes - 1) / kLanes * kLanes;
+}
+
+// The columns from the tile's first one that runs and crossings look at.
+uint32_t SeenColumns(const OutlineTile& tile) {
+    return WorkedColumns(tile) + kHalfLanes;
+}
+
+// Writes to[column] = value(column) for `columns` columns, a number of whole blocks.
+template <uint32_t lanes, class Value>
+inline void FillRow(uint8_t* to, size_t first, size_t columns, const Value& value) {
+    for (size_t block = first; block < first + columns; block += lanes) {
+        std::array<uint8_t, lanes> results;
+        for (size_t lane = 0; lane < lanes; ++lane) {
+            results[lane] = value(block + lane);
+        }
+        std::copy_n(results.data(), lanes, to + block);
+    }
+}
 
 template <class Value>
 constexpr uint8_t Byte(Value value) {
@@ -50,13 +55,14 @@ constexpr uint8_t Byte(Value value) {
 }
 
 void ReadPixels(const SourcePicture& source, int64_t left, int64_t top, OutlineTile& tile) {
-    const uint32_t count = tile.columns + 2 * kTileMargin;
+    // One more than is seen, to compare the last one with.
+    const uint32_t count = SeenColumns(tile) + kHalfLanes;
     for (uint32_t row = 0; row < tile.rows + 2 * kTileMargin; ++row) {
         const int64_t line = top + row - kTileMargin;
         const uint32_t* from =
             source.pixels + size_t{ClampedCoordinate(line, source.height)} * source.width;
         uint32_t* to = tile.pixels[row].data();
-        if (left >= kTileMargin && left + tile.columns + kTileMargin <= source.width) {
+        if (left >= kTileMargin && left - kTileMargin + count <= source.width) {
             std::copy_n(from + left - kTileMargin, count, to);
             continue;
         }
@@ -67,10 +73,11 @@ void ReadPixels(const SourcePicture& source, int64_t left, int64_t top, OutlineT
 }
 
 // Luma with weights in 256ths, and the colour differences, halved to fit a byte.
-void SplitColours(const OutlineTile& tile, Work& work) {
+void SplitColours(const OutlineTile& tile, OutlineWork& work) {
+    const size_t count = SeenColumns(tile) + kHalfLanes;
     for (uint32_t row = 0; row < tile.rows + 2 * kTileMargin; ++row) {
         const uint32_t* from = tile.pixels[row].data();
-        for (uint32_t column = 0; column < tile.columns + 2 * kTileMargin; ++column) {
+        for (size_t column = 0; column < count; ++column) {
             const uint32_t red = (from[column] >> 16) & 0xFF;
             const uint32_t green = (from[column] >> 8) & 0xFF;
             const uint32_t blue = from[column] & 0xFF;
@@ -87,8 +94,9 @@ inline uint16_t Apart(uint8_t one, uint8_t other) {
 }
 
 // Compares `rows` by `columns` pixels, each with the one so many rows and columns further.
-void ComparePixels(const Work& work, uint32_t firstRow, uint32_t firstColumn, uint32_t otherRow,
-                   uint32_t otherColumn, uint32_t rows, uint32_t columns, Plane& alike) {
+void ComparePixels(const OutlineWork& work, uint32_t firstRow, uint32_t firstColumn,
+                   uint32_t otherRow, uint32_t otherColumn, uint32_t rows, uint32_t columns,
+                   Plane& alike) {
     for (uint32_t row = 0; row < rows; ++row) {
         const auto& luma = work.luma;
         const uint8_t* lumaOne = luma[row + firstRow].data() + firstColumn;
@@ -97,14 +105,13 @@ void ComparePixels(const Work& work, uint32_t firstRow, uint32_t firstColumn, ui
         const uint8_t* blueOther = work.blueness[row + otherRow].data() + otherColumn;
         const uint8_t* redOne = work.redness[row + firstRow].data() + firstColumn;
         const uint8_t* redOther = work.redness[row + otherRow].data() + otherColumn;
-        uint8_t* to = alike[row].data();
-        for (uint32_t column = 0; column < columns; ++column) {
+        FillRow<kHalfLanes>(alike[row].data(), 0, columns, [&](size_t column) {
             const uint16_t distance =
                 static_cast<uint16_t>(2 * (Apart(lumaOne[column], lumaOther[column]) +
                                            Apart(blueOne[column], blueOther[column]) +
                                            Apart(redOne[column], redOther[column])));
-            to[column] = distance <= kAlikeDistance ? 1 : 0;
-        }
+            return Byte(distance <= kAlikeDistance ? 1 : 0);
+        });
     }
 }
 
@@ -119,28 +126,50 @@ inline uint8_t IsThin(uint8_t kin, uint8_t otherKin) {
 // A crossing has one colour on the falling diagonal and another on the rising one. The two pixels of a
 // diagonal that is a thin line have few neighbours of their own colour beside them, those of the surface
 // behind it have three or four of four.
-void JoinDiagonals(const OutlineTile& tile, Work& work) {
-    const Pairs& alike = work.alike;
+void JoinDiagonals(const OutlineTile& tile, OutlineWork& work) {
+    const AlikePairs& alike = work.alike;
+    using Row = std::array<uint8_t, kTileStride>;
     for (uint32_t row = 1; row + 2 < tile.rows + 2 * kTileMargin; ++row) {
-        for (uint32_t column = 1; column + 2 < tile.columns + 2 * kTileMargin; ++column) {
-            const uint8_t falling = alike.falling[row][column];
-            const uint8_t rising = alike.rising[row][column];
-            const uint8_t beside = Byte(alike.right[row][column] | alike.right[row + 1][column] |
-                                        alike.below[row][column] | alike.below[row][column + 1]);
-            const uint8_t crossing = Byte(falling & rising & (beside ^ 1));
-            const uint8_t fallingKin =
-                Byte(alike.right[row][column - 1] + alike.below[row - 1][column] +
-                     alike.right[row + 1][column + 1] + alike.below[row + 1][column + 1]);
-            const uint8_t risingKin =
-                Byte(alike.right[row][column + 1] + alike.below[row - 1][column + 1] +
-                     alike.right[row + 1][column - 1] + alike.below[row + 1][column]);
-            const uint8_t fallingThin = IsThin(fallingKin, risingKin);
-            const uint8_t risingThin = IsThin(risingKin, fallingKin);
-            work.fallingJoined[row][column] = Byte(falling & ((crossing ^ 1) | fallingThin));
-            work.risingJoined[row][column] = Byte(rising & ((crossing ^ 1) | risingThin));
-            work.fallingShut[row][column] = Byte(falling & ((crossing & risingThin) ^ 1));
-            work.risingShut[row][column] = Byte(rising & ((crossing & fallingThin) ^ 1));
-        }
+        const Row& falling = alike.falling[row];
+        const Row& rising = alike.rising[row];
+        const Row& right = alike.right[row];
+        const Row& nextRight = alike.right[row + 1];
+        const Row& below = alike.below[row];
+        const Row& lastBelow = alike.below[row - 1];
+        const Row& nextBelow = alike.below[row + 1];
+        const auto fill = [&tile](Row& to, const auto& value) {
+            FillRow<kHalfLanes>(to.data(), 1, SeenColumns(tile), value);
+        };
+        Row crossing;
+        Row fallingKin;
+        Row risingKin;
+        fill(crossing, [&](size_t at) {
+            const int beside = right[at] | nextRight[at] | below[at] | below[at + 1];
+            return Byte(falling[at] & rising[at] & (beside ^ 1));
+        });
+        fill(fallingKin, [&](size_t at) {
+            return Byte(right[at - 1] + lastBelow[at] + nextRight[at + 1] + nextBelow[at + 1]);
+        });
+        fill(risingKin, [&](size_t at) {
+            return Byte(right[at + 1] + lastBelow[at + 1] + nextRight[at - 1] + nextBelow[at]);
+        });
+        Row fallingThin;
+        Row risingThin;
+        fill(fallingThin, [&](size_t at) {
+            return Byte(crossing[at] & IsThin(fallingKin[at], risingKin[at]));
+        });
+        fill(risingThin, [&](size_t at) {
+            return Byte(crossing[at] & IsThin(risingKin[at], fallingKin[at]));
+        });
+        fill(work.fallingJoined[row], [&](size_t at) {
+            return Byte(falling[at] & ((crossing[at] ^ 1) | fallingThin[at]));
+        });
+        fill(work.risingJoined[row],
+             [&](size_t at) { return Byte(rising[at] & ((crossing[at] ^ 1) | risingThin[at])); });
+        fill(work.fallingShut[row],
+             [&](size_t at) { return Byte(falling[at] & (risingThin[at] ^ 1)); });
+        fill(work.risingShut[row],
+             [&](size_t at) { return Byte(rising[at] & (fallingThin[at] ^ 1)); });
     }
 }
 
@@ -160,7 +189,7 @@ struct RunFacts {
 
 // Follows a run from its corner for four pixels. A run that turns away has its middle at half its length.
 // One that turns back at its far end is the flat top of a curve, and half a pixel of it stays flat.
-inline RunFacts FollowRun(const std::array<RunStep, 4>& steps, uint32_t at) {
+inline RunFacts FollowRun(const std::array<RunStep, 4>& steps, size_t at) {
     const auto goesOn = [&](uint32_t pixel) {
         return Byte(steps[pixel].surfaceGoesOn[at] & (steps[pixel].figureEnds[at] ^ 1));
     };
@@ -185,9 +214,9 @@ inline RunFacts FollowRun(const std::array<RunStep, 4>& steps, uint32_t at) {
 // Where a step ends at a pixel of a third colour, it may be that of a slanted outline with shades, or that
 // of a shadow beside a square corner. The long flat side that meets it there tells the shadow.
 template <int across, int down>
-void FollowRuns(const OutlineTile& tile, const Work& work, Plane& corners) {
+void FollowRuns(const OutlineTile& tile, const OutlineWork& work, Plane& corners) {
     constexpr bool onFalling = across * down > 0;
-    const Pairs& alike = work.alike;
+    const AlikePairs& alike = work.alike;
     const Plane& shut = onFalling ? work.fallingShut : work.risingShut;
     const Plane& figure = onFalling ? alike.rising : alike.falling;
     const auto at = [](const Plane& plane, uint32_t row, int rowOffset, int columnOffset) {
@@ -214,31 +243,32 @@ void FollowRuns(const OutlineTile& tile, const Work& work, Plane& corners) {
         }
         const uint8_t* sameRowOn = at(figure, row, besideRow, across > 0 ? -1 : 0);
         const uint8_t* sameColumnOn = at(figure, row, down > 0 ? -1 : 0, besideColumn);
-        uint8_t* to = corners[row].data();
-        for (uint32_t column = first; column < tile.columns + kTileMargin + 2; ++column) {
+        FillRow<kLanes>(corners[row].data(), first, WorkedColumns(tile), [&](size_t column) {
             const RunFacts rowRun = FollowRun(along, column);
             const RunFacts columnRun = FollowRun(upright, column);
             const uint8_t rowStep =
                 Byte(rowRun.step & (sameRowOn[column] | (columnRun.closed ^ 1)));
             const uint8_t columnStep =
                 Byte(columnRun.step & (sameColumnOn[column] | (rowRun.closed ^ 1)));
-            to[column] = Byte(rowStep * kRowStep | columnStep * kColumnStep |
-                              rowRun.open * kRowOpen | columnRun.open * kColumnOpen |
-                              rowRun.leg << kRowLegShift | columnRun.leg << kColumnLegShift);
-        }
+            return Byte(rowStep * kRowStep | columnStep * kColumnStep | rowRun.open * kRowOpen |
+                        columnRun.open * kColumnOpen | rowRun.leg << kRowLegShift |
+                        columnRun.leg << kColumnLegShift);
+        });
     }
 }
 
 // Decides on one corner of every pixel. A step counts when the outline is also slanted at its far end;
 // there it is the opposite corner of the pixel across the outline.
 template <int across, int down>
-void CutCorners(const OutlineTile& tile, const Work& work, OutlineCorner corner, Plane& cuts) {
+void CutCorners(const OutlineTile& tile, const OutlineWork& work, OutlineCorner corner,
+                Plane& cuts) {
     constexpr int besideColumn = across > 0 ? 0 : -1;
     constexpr int besideRow = down > 0 ? 0 : -1;
     const Plane& joined = across * down > 0 ? work.risingJoined : work.fallingJoined;
     const Plane& corners = work.corners[corner];
     const Plane& opposite = work.corners[kCorners - 1 - corner];
-    for (uint32_t row = kTileMargin - 1; row < tile.rows + kTileMargin + 1; ++row) {
+    constexpr uint32_t first = kTileMargin - 1;
+    for (uint32_t row = first; row < tile.rows + kTileMargin + 1; ++row) {
         const uint32_t pairRow = static_cast<uint32_t>(static_cast<int>(row) + besideRow);
         const uint8_t* joins = joined[pairRow].data() + besideColumn;
         const uint8_t* sameAcross = work.alike.right[row].data() + besideColumn;
@@ -247,8 +277,7 @@ void CutCorners(const OutlineTile& tile, const Work& work, OutlineCorner corner,
         const uint8_t* farOfRow =
             opposite[static_cast<uint32_t>(static_cast<int>(row) + down)].data();
         const uint8_t* farOfColumn = opposite[row].data() + across;
-        uint8_t* to = cuts[row].data();
-        for (uint32_t column = kTileMargin - 1; column < tile.columns + kTileMargin + 1; ++column) {
+        FillRow<kLanes>(cuts[row].data(), first, WorkedColumns(tile), [&](size_t column) {
             const uint8_t facts = here[column];
             const uint8_t same = Byte(sameAcross[column] | sameDown[column]);
             const uint8_t isOpen = facts & (kRowOpen | kColumnOpen);
@@ -263,8 +292,8 @@ void CutCorners(const OutlineTile& tile, const Work& work, OutlineCorner corner,
             const uint8_t step = Byte(rowStep | columnStep);
             const uint8_t isCut =
                 joins[column] > same && isOpen == (kRowOpen | kColumnOpen) && step != 0;
-            to[column] = isCut ? kind : uint8_t{kWhole};
-        }
+            return isCut ? kind : uint8_t{kWhole};
+        });
     }
 }
 
@@ -277,27 +306,24 @@ inline uint8_t RestOf(uint8_t kind, uint8_t firstKind, uint8_t firstRest) {
 // A triangle longer than its pixel ends in the next one.
 template <int across, int down>
 void ExtendCuts(const OutlineTile& tile, const Plane& cuts, Plane& all) {
-    // A number of its own, for the compiler can't know that the planes are not the tile's size.
-    const uint32_t endColumn = tile.columns + kTileMargin;
     for (uint32_t row = kTileMargin; row < tile.rows + kTileMargin; ++row) {
         const uint8_t* own = cuts[row].data();
         const uint8_t* beside = cuts[row].data() + across;
         const uint8_t* over = cuts[static_cast<uint32_t>(static_cast<int>(row) + down)].data();
-        uint8_t* to = all[row].data();
-        for (uint32_t column = kTileMargin; column < endColumn; ++column) {
+        FillRow<kLanes>(all[row].data(), kTileMargin, WorkedColumns(tile), [&](size_t column) {
             const uint8_t restAlong = RestOf(beside[column], kCut3x1, kRest3x1);
             const uint8_t restUpright = RestOf(over[column], kCut1x3, kRest1x3);
             // Two that meet in one pixel leave it alone, and so does what the corner itself is cut to.
             const uint8_t rest = Byte(restAlong | restUpright);
             const uint8_t taken = Byte(own[column] | (restAlong & restUpright));
             const uint8_t isFree = taken == kWhole ? 0xFF : 0;
-            to[column] = Byte(own[column] | (rest & isFree));
-        }
+            return Byte(own[column] | (rest & isFree));
+        });
     }
 }
 
 template <int across, int down>
-void CutAndExtend(OutlineTile& tile, Work& work, OutlineCorner corner) {
+void CutAndExtend(OutlineTile& tile, OutlineWork& work, OutlineCorner corner) {
     // The luma plane has done its work.
     CutCorners<across, down>(tile, work, corner, work.luma);
     ExtendCuts<across, down>(tile, work.luma, tile.cuts[corner]);
@@ -307,12 +333,12 @@ void AnalysePiece(const SourcePicture& source, const PiecePlace& place, OutlineT
     tile.columns = place.columns;
     tile.rows = place.rows;
     ReadPixels(source, place.left, place.top, tile);
-    Work work;
+    OutlineWork& work = tile.work;
     SplitColours(tile, work);
     const uint32_t rows = tile.rows + 2 * kTileMargin - 1;
-    const uint32_t columns = tile.columns + 2 * kTileMargin - 1;
+    const uint32_t columns = SeenColumns(tile);
     ComparePixels(work, 0, 0, 0, 1, rows + 1, columns, work.alike.right);
-    ComparePixels(work, 0, 0, 1, 0, rows, columns + 1, work.alike.below);
+    ComparePixels(work, 0, 0, 1, 0, rows, columns, work.alike.below);
     ComparePixels(work, 0, 0, 1, 1, rows, columns, work.alike.falling);
     ComparePixels(work, 0, 1, 1, 0, rows, columns, work.alike.rising);
     JoinDiagonals(tile, work);

@@ -12,7 +12,7 @@
 // cut.
 //
 // Units: lengths of runs in source pixels, legs of triangles in halves of one.
-// Owner: a tile is the caller's, 80 KiB; the analysis takes 150 KiB more of the stack. Any thread.
+// Owner: a tile is the caller's, 300 KiB, and is cleared once before it is first used. Any thread.
 // Order: AnalyseOutlines, then reads of `cuts` inside the tile.
 #pragma once
 
@@ -23,10 +23,11 @@
 // The pixels that a tile holds, and how far it sees beyond them. The reach of the analysis is seven: one
 // for a triangle that crosses into the next pixel, one for the far end of a step, four for the length of
 // runs and one for the surroundings of a crossing.
-constexpr uint32_t kTileColumns = 112;
+constexpr uint32_t kTileColumns = 124;
 constexpr uint32_t kTileRows = 64;
 constexpr uint32_t kTileMargin = 8;
-constexpr uint32_t kTileStride = kTileColumns + 2 * kTileMargin;
+// Room for whole vectors at the end of a row.
+constexpr uint32_t kTileStride = 160;
 constexpr uint32_t kTileLines = kTileRows + 2 * kTileMargin;
 
 // The four corners of a pixel, in the order of `OutlineTile::cuts`.
@@ -53,13 +54,39 @@ enum OutlineCut : uint8_t {
 template <class Value>
 using TilePlane = std::array<std::array<Value, kTileStride>, kTileLines>;
 
+using BytePlane = TilePlane<uint8_t>;
+
+// A plane of pairs has the pair's upper left member's place.
+struct AlikePairs {
+    BytePlane right; // alike: this pixel and the one to its right
+    BytePlane below;
+    BytePlane falling; // this pixel and the one to the right and below
+    BytePlane rising;  // the pixel to the right and the one below
+};
+
+// What the analysis has in its hands. All of it is bytes of 0 or 1 but for colours and corners.
+struct OutlineWork {
+    BytePlane luma;
+    BytePlane blueness;
+    BytePlane redness;
+    AlikePairs alike;
+    // Diagonal pairs that belong together, and those that a run doesn't get between: the second also
+    // where a crossing is undecided.
+    BytePlane fallingJoined;
+    BytePlane risingJoined;
+    BytePlane fallingShut;
+    BytePlane risingShut;
+    std::array<BytePlane, kCorners> corners;
+};
+
 // One piece of a picture with its surroundings. Row and column kTileMargin are the piece's first.
 struct OutlineTile {
     uint32_t columns; // of the piece
     uint32_t rows;
     TilePlane<uint32_t> pixels;
     // OutlineCut of each corner.
-    std::array<TilePlane<uint8_t>, kCorners> cuts;
+    std::array<BytePlane, kCorners> cuts;
+    OutlineWork work;
 };
 
 // The place of a piece: its upper left pixel, which may lie before the picture's borders, and its size,

@@ -131,7 +131,7 @@ void DrawTile(const OutlineTile& tile, uint32_t* target, size_t pitch) {
 
 template <uint32_t factor>
 void ScaleEdge(const SourcePicture& source, uint32_t* target, VectorForm form) {
-    OutlineTile tile;
+    OutlineTile tile{};
     const size_t pitch = size_t{source.width} * factor;
     for (uint32_t top = 0; top < source.height; top += kTileRows) {
         for (uint32_t left = 0; left < source.width; left += kTileColumns) {

@@ -222,7 +222,7 @@ constexpr auto DrawPieceWide = DrawPiece;
 void ScaleSoft4x(const SourcePicture& source, uint32_t* target, VectorForm form) {
     const size_t pitch = size_t{source.width} * kFactor;
     const auto draw = form == VectorForm::kWide ? DrawPieceWide : DrawPiece;
-    OutlineTile tile;
+    OutlineTile tile{};
     SoftPiece piece;
     for (uint32_t top = 0; top < source.height; top += kPieceRows) {
         for (uint32_t left = 0; left < source.width; left += kPieceColumns) {

@@ -4,6 +4,8 @@
 #include "room/room_fixture.h"
 #include "room/screen_reader.h"
 
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <set>
@@ -264,11 +266,14 @@ TEST_F(OverlayScreen, NothingIsDrawnBeforeInit) {
     EXPECT_TRUE(AllGround(kGround));
 }
 
-TEST_F(OverlayScreen, BlendingIsOffAgainAfterwards) {
+TEST_F(OverlayScreen, BlendingAndColourAreAsBeforeAfterwards) {
     Prepare(kGround);
     text.Draw("A", 3, 3, 2, 0x80FF00FF);
     EXPECT_EQ(glIsEnabled(GL_BLEND), GL_FALSE);
     EXPECT_EQ(glIsEnabled(GL_TEXTURE_2D), GL_FALSE);
+    GLfloat colour[4]{};
+    glGetFloatv(GL_CURRENT_COLOR, colour);
+    EXPECT_THAT(colour, testing::Each(1.0f));
 }
 
 } // namespace

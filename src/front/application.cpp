@@ -10,6 +10,7 @@
 #include "front/program_title.h"
 #include "front/run_settings.h"
 #include "front/settings/bindings.h"
+#include "front/settings/pad_defaults.h"
 #include "front/settings/settings.h"
 #include "host/host_data.h"
 #include "host/picture.h"
@@ -279,7 +280,8 @@ void Application::HideIdleCursor() {
     }
 }
 
-// The mouse as a light gun: where it points in the visible window, in the picture's pixels.
+// The mouse as a light gun: where it points in the visible window, in the picture's pixels, with its
+// left button as the trigger.
 void Application::AimPointer() const {
     uint64_t pointer = 0;
     const auto found = pictures.find(InputActiveKey());
@@ -288,6 +290,7 @@ void Application::AimPointer() const {
                                  window.PixelHeight(), pump.Mouse());
     }
     gPointer = pointer;
+    InputPointerTrigger(pointer != 0 && (pump.Mouse().left || pump.Mouse().leftPressed));
 }
 
 // The session keeps its hands off the picture while the frame mutex is held.

@@ -1,7 +1,6 @@
 // `ombrelune` and `ombrelune play GAME` as a user runs them.
 #include "support/run_program.h"
 #include "support/temporary_folder.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

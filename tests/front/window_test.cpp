@@ -15,8 +15,8 @@
 #include "library/convert.h"
 #include "library/systems.h"
 #include "sega8/machine_rig.h"
-#include "support/temporary_folder.h"
 
+#include "support/temporary_folder.h"
 #include <SDL.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -155,7 +155,7 @@ protected:
 // wide, in the middle, the texture cut by half a texel on each side.
 
 struct EXPECTED_VIEW {
-    double left, top, width, height;     // on the screen
+    double left, top, width, height;                // on the screen
     double texelX, texelY, texelWidth, texelHeight; // of the enlarged picture
 };
 
@@ -187,8 +187,7 @@ struct ENLARGED {
     [[nodiscard]] uint32_t At(int x, int y) const {
         x = std::clamp(x, 0, width - 1);
         y = std::clamp(y, 0, height - 1);
-        return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) +
-                      static_cast<size_t>(x)];
+        return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
     }
 };
 
@@ -253,8 +252,8 @@ void CompareWindow(Application& application, const Application::VIEW& view) {
     int away = 0;
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
-            const uint32_t shown =
-                window[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+            const uint32_t shown = window[static_cast<size_t>(y) * static_cast<size_t>(width) +
+                                          static_cast<size_t>(x)];
             const double across = (x + 0.5 - expected.left) / expected.width;
             const double down = (y + 0.5 - expected.top) / expected.height;
             if (across < 0 || across > 1 || down < 0 || down > 1) {
@@ -267,10 +266,10 @@ void CompareWindow(Application& application, const Application::VIEW& view) {
             // Just on the border of two texels rounding decides.
             for (const double nudge : {-0.02, 0.0, 0.02}) {
                 for (const double lift : {-0.02, 0.0, 0.02}) {
-                    const uint32_t wanted =
-                        view.linear ? Bilinear(source, u + nudge, v + lift)
-                                    : source.At(static_cast<int>(std::floor(u + nudge)),
-                                                static_cast<int>(std::floor(v + lift)));
+                    const uint32_t wanted = view.linear
+                                                ? Bilinear(source, u + nudge, v + lift)
+                                                : source.At(static_cast<int>(std::floor(u + nudge)),
+                                                            static_cast<int>(std::floor(v + lift)));
                     best = std::min(best, Distance(wanted, shown));
                 }
             }
@@ -428,6 +427,26 @@ TEST_F(WindowTest, FunctionKeysChangeTheView) {
     EXPECT_TRUE(application.View().statistics) << "not while the user walks the room";
 }
 
+TEST_F(WindowTest, TheMouseOverThePictureIsALightGun) {
+    Application application;
+    Start(application);
+    PlayGame(application, LatchGame());
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    SDL_Event move{};
+    move.type = SDL_MOUSEMOTION;
+    move.motion.x = 320;
+    move.motion.y = 240;
+    SDL_PushEvent(&move);
+    SDL_Event press{};
+    press.type = SDL_MOUSEBUTTONDOWN;
+    press.button.button = SDL_BUTTON_LEFT;
+    press.button.state = SDL_PRESSED;
+    press.button.x = 320;
+    press.button.y = 240;
+    SDL_PushEvent(&press);
+    EXPECT_TRUE(RunUntilColour(application, kBlue)) << "the trigger is button 1";
+}
+
 TEST_F(WindowTest, AFileDroppedOnItIsPlayed) {
     Application application;
     Start(application);
@@ -519,13 +538,13 @@ TEST(WindowSize, IsKeptWherePossible) {
         WINDOW_SIZE wanted;
         WINDOW_SIZE given;
     } rows[] = {
-        {{1280, 720},     {1280, 720} },
-        {{1920, 1080},    {1920, 1080}},
-        {{4000, 720},     {1920, 720} },
-        {{0, 720},        {1280, 720} },
-        {{1280, -1},      {1280, 720} },
-        {{99999, 99999},  {1280, 720} },
-        {{10, 10},        {320, 240}  },
+        {{1280, 720},    {1280, 720} },
+        {{1920, 1080},   {1920, 1080}},
+        {{4000, 720},    {1920, 720} },
+        {{0, 720},       {1280, 720} },
+        {{1280, -1},     {1280, 720} },
+        {{99999, 99999}, {1280, 720} },
+        {{10, 10},       {320, 240}  },
     };
     for (const auto& row : rows) {
         std::string word;

@@ -84,7 +84,7 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"SMS P1 DOWN", 81, Down(0)},                              // Down
     {L"SMS P1 LEFT", 80, Left(0)},                              // Left
     {L"SMS P1 RIGHT", 79, Right(0)},                            // Right
-    {L"SMS P1 BUTTON1", 4, PadBit(0, kPadSouth)},               // A
+    {L"SMS P1 BUTTON1", 4, PadBit(0, kPadSouth) | kPointerTriggerBit}, // A
     {L"SMS P1 BUTTON2", 22, PadBit(0, kPadEast)},               // S
     {L"SMS P1 BUTTON3", 7, PadBit(0, kPadWest)},                // D
     {L"SMS P1 BUTTON4", 29, PadBit(0, kPadNorth)},              // Z

@@ -100,6 +100,11 @@ void InputPadChanged(uint32_t player, PadControl control, bool down) {
     UpdateActing();
 }
 
+void InputPointerTrigger(bool down) {
+    gDown = down ? gDown | kPointerTriggerBit : gDown & ~kPointerTriggerBit;
+    UpdateActing();
+}
+
 void InputClearPads() {
     gDown = 0;
     UpdateActing();

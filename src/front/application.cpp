@@ -1,7 +1,7 @@
 #include "front/application.h"
 
 #include "audio/sound.h"
-#include "base/audio_rate.h"
+#include "base/bytes.h"
 #include "base/random.h"
 #include "front/commands.h"
 #include "front/notices.h"
@@ -16,8 +16,10 @@
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/session.h"
+#include "library/systems.h"
 #include "room/gl.h"
 #include "room/screen_reader.h"
+#include "sega8/sms.h"
 
 #include <SDL.h>
 
@@ -43,8 +45,15 @@ constexpr int kVirtualHeight = 720;
 constexpr uint32_t kStatusColour = 0xFFFFE080;
 constexpr uint32_t kNoticeColour = 0xFFFFFFFF;
 
-std::atomic<uint64_t> gFramesPresented{0};
-std::atomic<uint64_t> gPointer{0}; // y << 32 | x in pixels of the picture; 0: nobody points
+std::atomic<uint32_t> gFramesPresented{0};
+// For the light guns of both players: y << 32 | x in pixels of the picture; 0: nobody points.
+std::atomic<uint64_t> gPointers[2]{};
+thread_local bool gFrameIsMachines = false; // of the session thread: not television static
+
+// Screen pixels of a dot of text.
+int TextScale(uint32_t height) {
+    return std::max(1, static_cast<int>(height) * kTextScale / kVirtualHeight);
+}
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
@@ -65,16 +74,28 @@ void CloseSession(EMU_THREAD* session) {
 EMU_INPUT_STATE* SessionInput(EMU_THREAD* session) {
     EMU_INPUT_STATE* const input = HostGetInput(session);
     if (input != nullptr && session->key == InputActiveKey()) {
-        const uint64_t pointer = gPointer;
-        input->pointer[0].x = static_cast<uint32_t>(pointer);
-        input->pointer[0].y = static_cast<uint32_t>(pointer >> 32);
+        for (size_t player = 0; player < std::size(gPointers); ++player) {
+            const uint64_t pointer = gPointers[player];
+            input->pointer[player].x = static_cast<uint32_t>(pointer);
+            input->pointer[player].y = static_cast<uint32_t>(pointer >> 32);
+        }
     }
     return input;
 }
 
+EMU_VIDEO_FRAME* SessionPicture(EMU_THREAD* session) {
+    gFrameIsMachines = session->showStatic == 0;
+    return HostGetVideoFrame(session);
+}
+
+// The picture carries its number along, so that the display side knows what it shows.
 void PresentFrame(EMU_THREAD* session, uint32_t microseconds) {
-    if (session->showStatic == 0) {
-        ++gFramesPresented;
+    EMU_HOST_DATA* const data = session->hostData;
+    if (gFrameIsMachines) {
+        const uint32_t number = ++gFramesPresented;
+        if (data != nullptr) {
+            StoreLittleEndian(data->frames[data->writeIndex].reserved, number);
+        }
     }
     HostPresent(session, microseconds);
 }
@@ -87,22 +108,39 @@ uint64_t PointInPicture(const SESSION_PICTURE& session, bool crop, uint32_t scre
         PlaceFullScreen(picture, session.texture, crop, screenWidth, screenHeight);
     const int64_t x = int64_t{mouse.x} - quad.left;
     const int64_t y = int64_t{mouse.y} - quad.top;
-    if (x < 0 || y < 0 || x >= quad.width || y >= quad.height) {
+    if (x < 0 || y < 0 || x >= quad.width || y >= quad.height || picture.visibleWidth == 0 ||
+        picture.visibleHeight == 0) {
         return 0;
     }
     const int64_t shownWidth = crop ? picture.visibleWidth : picture.width;
     const int64_t shownHeight = crop ? picture.visibleHeight : picture.height;
     const int64_t left = crop ? 0 : picture.visibleX;
     const int64_t top = crop ? 0 : picture.visibleY;
-    const int64_t column = (x * shownWidth / quad.width - left) / session.factor;
-    const int64_t row = (y * shownHeight / quad.height - top) / session.factor;
-    if (column < 0 || row < 0) {
+    const int64_t column = x * shownWidth / quad.width - left;
+    const int64_t row = y * shownHeight / quad.height - top;
+    if (column < 0 || row < 0 || column >= picture.visibleWidth || row >= picture.visibleHeight) {
         return 0;
     }
-    return static_cast<uint64_t>(row) << 32 | static_cast<uint64_t>(column);
+    return static_cast<uint64_t>(row / session.factor) << 32 |
+           static_cast<uint64_t>(column / session.factor);
 }
 
-const EMU_HOST_CALLBACKS kCallbacks = {OpenSession,   CloseSession,    HostGetVideoFrame,
+// Whether the game is played with a light gun in that player's port.
+bool HasLightGun(const OPENED_GAME& opened, size_t player) {
+    SMS_OPTIONS options{};
+    std::memcpy(&options, opened.options.data(), sizeof options);
+    return opened.game.Header().system == kSystemMasterSystem &&
+           PadDeviceOf(options.devices[player]) == PadDevice::kLightPhaser;
+}
+
+// Letters of a line of text over the picture.
+size_t LettersAcross(uint32_t width, uint32_t height) {
+    const int margin = 2 * kStatusX * static_cast<int>(height) / kVirtualHeight;
+    const int letters = (static_cast<int>(width) - margin) / (kTextCellWidth * TextScale(height));
+    return static_cast<size_t>(std::max(letters, 8));
+}
+
+const EMU_HOST_CALLBACKS kCallbacks = {OpenSession,   CloseSession,    SessionPicture,
                                        PresentFrame,  HostSubmitAudio, SessionInput,
                                        BindProcessor, ReleaseProcessor};
 
@@ -116,12 +154,9 @@ Application::~Application() {
 
 bool Application::Start(std::string& error) {
     Stop();
-    started = true;
-    exitRequested = false;
     ProcessorBinderStart();
-    static_cast<void>(BindProcessor(0));
     if (!StartSdl(error)) {
-        Stop();
+        Release();
         return false;
     }
     InputClearAll(); // whatever was held when a window closed before
@@ -130,7 +165,7 @@ bool Application::Start(std::string& error) {
     std::vector<std::string> words;
     title = ProgramTitle();
     if (!window.Open(WindowOptionsFromSettings(), title, words, error) || !GlStart(error)) {
-        Stop();
+        Release();
         return false;
     }
     text = std::make_unique<OverlayText>();
@@ -151,12 +186,16 @@ bool Application::Start(std::string& error) {
     SoundSetRoomVisible(false);
     roundStart = rateStart = cursorMoved = Now();
     news = true;
+    started = true;
+    // Last, since every thread that is made from here on inherits it: the pump, the device and the
+    // graphics driver's workers keep all processors, and session threads bind themselves.
+    processor = BindProcessor(0);
     return true;
 }
 
 bool Application::StartSdl(std::string& error) {
-    SDL_SetHint("SDL_VIDEO_WINDOW_POS", "");
-    SDL_SetHint("SDL_VIDEO_CENTERED", "1");
+    SDL_setenv("SDL_VIDEO_WINDOW_POS", "", 1);
+    SDL_setenv("SDL_VIDEO_CENTERED", "1", 1);
     SDL_SetHint(SDL_HINT_APP_NAME, kProgramName);
     SDL_setenv("SDL_VIDEO_X11_WMCLASS", kWindowClass, 0);
     if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_JOYSTICK | SDL_INIT_GAMECONTROLLER) != 0) {
@@ -176,6 +215,8 @@ bool Application::StartSdl(std::string& error) {
 }
 
 void Application::StartSound() {
+    // Held until the end, so that outputs which come and go are told of while none is open.
+    SDL_InitSubSystem(SDL_INIT_AUDIO);
     std::string error;
     if (!OpenSoundDevice(error)) {
         PostReport(error + "; playing without sound");
@@ -193,7 +234,10 @@ void Application::WatchSound(const PUMP_EVENTS& events) {
         SoundDeviceLost();
         PostReport("the sound device is gone; playing on without sound");
     }
-    if ((events.outputAdded || events.outputRemoved) && SoundDeviceNumber() == 0) {
+    soundWanted |= events.outputAdded || events.outputRemoved;
+    if (soundWanted && SoundDeviceNumber() == 0 && Now() - soundTried > kSecond) {
+        soundWanted = false;
+        soundTried = Now();
         std::string error;
         if (OpenSoundDevice(error)) {
             StartSoundPump();
@@ -207,7 +251,7 @@ bool Application::Round() {
     window.TellSize(pump);
     const PUMP_EVENTS events = pump.Pump();
     Apply(events);
-    if (events.quit || exitRequested) {
+    if (events.quit) {
         return false;
     }
     UploadPictures();
@@ -235,7 +279,7 @@ void Application::Apply(const PUMP_EVENTS& events) {
     changed.linear ^= events.toggleLinear;
     changed.scaler =
         static_cast<PictureScaler>((static_cast<uint32_t>(view.scaler) + events.scalerSteps) & 3);
-    roomFlag ^= events.toggleRoomFlag;
+    ceilingLight ^= events.toggleLight;
     if (events.toggleCrop) {
         PostNotice(changed.crop ? "Visible window" : "Whole picture");
     }
@@ -286,11 +330,14 @@ void Application::AimPointer() const {
     uint64_t pointer = 0;
     const auto found = pictures.find(InputActiveKey());
     if (found != pictures.end() && Now() - cursorMoved < kPointerAims) {
-        pointer = PointInPicture(found->second, view.crop, window.PixelWidth(),
+        pointer = PointInPicture(found->second.picture, view.crop, window.PixelWidth(),
                                  window.PixelHeight(), pump.Mouse());
     }
-    gPointer = pointer;
-    InputPointerTrigger(pointer != 0 && (pump.Mouse().left || pump.Mouse().leftPressed));
+    const bool trigger = pointer != 0 && (pump.Mouse().left || pump.Mouse().leftPressed);
+    for (size_t player = 0; player < lightGuns.size(); ++player) {
+        gPointers[player] = lightGuns[player] ? pointer : 0;
+        InputPointerTrigger(static_cast<uint32_t>(player), lightGuns[player] && trigger);
+    }
 }
 
 // The session keeps its hands off the picture while the frame mutex is held.
@@ -304,15 +351,20 @@ void Application::UploadPictures() {
         if (frame == nullptr) {
             return;
         }
-        SESSION_PICTURE& picture = pictures[session.key];
-        if (picture.largestPixels == 0) {
+        TELEVISION& television = pictures[session.key];
+        SESSION_PICTURE& picture = television.picture;
+        if (television.serial != session.serial) {
+            // Another game on the same television, perhaps of a machine with larger pictures.
+            EndSessionPicture(picture);
             StartSessionPicture(picture, EmuPicturePixels(session));
+            television.serial = session.serial;
         }
         if (!UploadPicture(*frame, picture, view.scaler)) {
             return;
         }
         if (session.key == InputActiveKey()) {
             ++picturesShown;
+            frameShown = LoadLittleEndian<uint32_t>(frame->reserved);
             news = true;
             if (keepPicture) {
                 kept.frame = *frame;
@@ -327,7 +379,7 @@ void Application::UploadPictures() {
             ++entry;
             continue;
         }
-        EndSessionPicture(entry->second);
+        EndSessionPicture(entry->second.picture);
         entry = pictures.erase(entry);
         news = true;
     }
@@ -338,10 +390,10 @@ void Application::Draw() {
     const uint32_t height = window.PixelHeight();
     const auto found = pictures.find(InputActiveKey());
     static const SESSION_PICTURE kNone{};
-    DrawFullScreen(found != pictures.end() ? found->second : kNone, {view.crop, view.linear}, width,
-                   height);
+    DrawFullScreen(found != pictures.end() ? found->second.picture : kNone,
+                   {view.crop, view.linear}, width, height);
 
-    const int scale = std::max(1, static_cast<int>(height) * kTextScale / kVirtualHeight);
+    const int scale = TextScale(height);
     const auto place = [&](int at) { return at * static_cast<int>(height) / kVirtualHeight; };
     if (view.statistics) {
         text->Draw(frameRate, place(kStatusX), place(kStatusY), scale, kStatusColour);
@@ -357,7 +409,13 @@ void Application::Draw() {
 
 // What stands over the picture; a change of it is news.
 void Application::DrawTexts() {
-    const std::vector<std::string> lines = ProgramNotices().Lines(Now());
+    std::vector<std::string> lines;
+    const size_t letters = LettersAcross(window.PixelWidth(), window.PixelHeight());
+    for (const std::string& line : ProgramNotices().Lines(Now())) {
+        for (size_t from = 0; from == 0 || from < line.size(); from += letters) {
+            lines.push_back(line.substr(from, letters));
+        }
+    }
     news |= lines != shownLines;
     shownLines = lines;
     if (view.statistics) {
@@ -390,7 +448,11 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     auto& bios = const_cast<CGameFile&>(opened.bios);
     CGameFile* const games[2] = {&game, opened.hasBios ? &bios : nullptr};
     EmuSetLastError("");
+    for (size_t player = 0; player < lightGuns.size(); ++player) {
+        lightGuns[player] = HasLightGun(opened, player);
+    }
     if (EmuStartSession(kFrontTelevision, games, opened.options.data(), opened.title) == 0) {
+        window.SetTitle(ProgramTitle());
         const std::string reason = EmuLastError();
         error = "Error loading game" + (reason.empty() ? std::string() : ": " + reason);
         return false;
@@ -417,7 +479,7 @@ void Application::TurnOff() {
     EmuStopSession(kFrontTelevision);
 }
 
-uint64_t Application::FramesPresented() {
+uint32_t Application::FramesPresented() {
     return gFramesPresented;
 }
 
@@ -434,13 +496,24 @@ void Application::Stop() {
     }
     started = false;
     TurnOff();
-    exitRequested = true;
+    Release();
+    ReleaseThisThread(processor);
+    RestoreRunSettings();
+    Settings().SetBool(L"app_720runonce", true);
+    std::string error;
+    if (!SaveSettingsFile(Settings(), error)) {
+        Complain(error);
+    }
+}
+
+// Gives back whatever has been opened, in the order of the stop.
+void Application::Release() {
     joysticks.Close();
     // The room's objects and the toolkit go here.
     StopSoundPump();
     CloseSoundDevice();
-    for (auto& [key, picture] : pictures) {
-        EndSessionPicture(picture);
+    for (auto& [key, television] : pictures) {
+        EndSessionPicture(television.picture);
     }
     pictures.clear();
     text.reset();
@@ -451,10 +524,4 @@ void Application::Stop() {
     }
     HostSetReportSink(nullptr);
     HostSetNoticeSink(nullptr);
-    RestoreRunSettings();
-    Settings().SetBool(L"app_720runonce", true);
-    std::string error;
-    if (!SaveSettingsFile(Settings(), error)) {
-        Complain(error);
-    }
 }

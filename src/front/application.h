@@ -18,6 +18,7 @@
 #include "room/picture_scaler.h"
 #include "room/session_picture.h"
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -56,7 +57,9 @@ public:
     void TurnOff();
 
     // Picture frames of machines presented so far, television static left out.
-    [[nodiscard]] static uint64_t FramesPresented();
+    [[nodiscard]] static uint32_t FramesPresented();
+    // The number of the frame that the window shows; 0 for static.
+    [[nodiscard]] uint32_t FrameShown() const { return frameShown; }
 
     // Number of the upload that the window shows; 0 before the first picture.
     [[nodiscard]] uint64_t PicturesShown() const { return picturesShown; }
@@ -84,6 +87,12 @@ public:
     [[nodiscard]] const VIEW& View() const { return view; }
 
 private:
+    struct TELEVISION {
+        SESSION_PICTURE picture;
+        uint32_t serial = 0; // of the session that it shows
+    };
+
+    void Release();
     [[nodiscard]] bool StartSdl(std::string& error);
     void StartSound();
     void WatchSound(const PUMP_EVENTS& events);
@@ -99,8 +108,9 @@ private:
     Window window;
     Joysticks joysticks;
     EventPump pump{joysticks};
-    std::unique_ptr<OverlayText> text;            // ends before the context does
-    std::map<uint32_t, SESSION_PICTURE> pictures; // by session key
+    std::unique_ptr<OverlayText> text;       // ends before the context does
+    std::map<uint32_t, TELEVISION> pictures; // by session key
+    std::array<bool, 2> lightGuns{};         // a player's port has one
     VIEW view;
     KEPT_PICTURE kept;
     std::string statistics; // of the active session
@@ -116,11 +126,14 @@ private:
     float frameTimeSeconds = 0.0f;
     bool started = false;
     bool sdlStarted = false;
-    bool exitRequested = false;
+    bool soundWanted = false; // an output has come or gone while none is open
+    int64_t soundTried = 0;   // microseconds, of the last attempt
+    int processor = -1;       // the main thread's binding
+    uint32_t frameShown = 0;
     bool followDisplay = false; // Swap waits for the display
     bool news = true;           // something to draw since the last swap
     bool keepPicture = false;
-    bool roomFlag = true; // the room's ceiling light
+    bool ceilingLight = true; // of the room
     bool cursorShown = true;
     MOUSE_STATE lastMouse;
 };

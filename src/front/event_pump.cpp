@@ -48,8 +48,8 @@ void HandleProgramKey(const SDL_Keysym& key, PUMP_EVENTS& events) {
     }
     switch (key.scancode) {
     case SDL_SCANCODE_F2: Flip(events.toggleStatistics); break;
-    case SDL_SCANCODE_F3: Flip(events.toggleRoomFlag); break;
-    case SDL_SCANCODE_F4: Flip(events.toggleCrop); break;
+    case SDL_SCANCODE_F3: Flip(events.toggleCrop); break;
+    case SDL_SCANCODE_F4: Flip(events.toggleLight); break;
     case SDL_SCANCODE_F5: Flip(events.toggleLinear); break;
     case SDL_SCANCODE_F6: ++events.scalerSteps; break;
     case SDL_SCANCODE_F11: Flip(events.toggleFullScreen); break;
@@ -145,7 +145,10 @@ void EventPump::HandleKey(const SDL_KeyboardEvent& event, PUMP_EVENTS& events) {
     const bool repeat = down && event.repeat != 0;
     const auto scancode = static_cast<uint32_t>(event.keysym.scancode);
     // A repeat says nothing new. It must not set again what the loss of the keyboard has cleared.
-    if (!repeat && scancode < keysDown.size()) {
+    // Nor does the Return of Alt + Return, which is the program's own and no game's.
+    const bool chord =
+        event.keysym.scancode == SDL_SCANCODE_RETURN && (event.keysym.mod & KMOD_ALT) != 0 && down;
+    if (!repeat && !chord && scancode < keysDown.size()) {
         keysDown[scancode] = down;
         InputKeyChanged(scancode, down);
     }

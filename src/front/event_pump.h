@@ -51,8 +51,8 @@ struct GUI_INPUT {
 struct PUMP_EVENTS {
     bool quit = false;             // the window was closed, or the program asked to end
     bool toggleStatistics = false; // F2; none of these F keys acts while the user walks the room
-    bool toggleRoomFlag = false;   // F3
-    bool toggleCrop = false;       // F4
+    bool toggleCrop = false;       // F3
+    bool toggleLight = false;      // F4, the room's ceiling light
     bool toggleLinear = false;     // F5
     uint32_t scalerSteps = 0;      // F6, presses
     bool toggleFullScreen = false; // F11, or Alt + Return, which acts at any time

@@ -116,6 +116,11 @@ std::span<const INPUT_EVENT> InputScript::TakeDue(uint32_t frame) {
     return std::span(events).subspan(first, next - first);
 }
 
+std::span<const INPUT_EVENT> InputScript::TakeEarliest(uint32_t frame) {
+    return next < events.size() ? TakeDue(std::min(frame, events[next].frame))
+                                : std::span<const INPUT_EVENT>{};
+}
+
 void InputScript::Feed(uint32_t frame) {
     for (const INPUT_EVENT& event : TakeDue(frame)) {
         InputSetCode(kFirstScriptCode + static_cast<uint32_t>(event.action), event.down);

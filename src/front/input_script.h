@@ -34,8 +34,11 @@ public:
     // Feeds the events of this frame, and of those before it that were not yet fed, to those codes.
     void Feed(uint32_t frame);
 
-    // The same events for somebody else to act on.
+    // For somebody else to act on: the events up to this frame that were not taken yet.
     [[nodiscard]] std::span<const INPUT_EVENT> TakeDue(uint32_t frame);
+    // Of those only the ones of the earliest frame, so that whoever looks less often than every frame
+    // does not see a press and its release at once.
+    [[nodiscard]] std::span<const INPUT_EVENT> TakeEarliest(uint32_t frame);
 
     [[nodiscard]] const std::vector<INPUT_EVENT>& Events() const { return events; }
 

@@ -26,11 +26,16 @@ bool InjectAction(size_t action, bool down) {
         return false;
     }
     const uint32_t modifier = binding >> 16 & 0xFF;
-    if (modifier == kModifierShift) {
-        InjectKey(SDL_SCANCODE_LSHIFT, down);
-    } else if (modifier == kModifierCtrl) {
-        InjectKey(SDL_SCANCODE_LCTRL, down);
+    const uint32_t modifierKey = modifier == kModifierShift  ? SDL_SCANCODE_LSHIFT
+                                 : modifier == kModifierCtrl ? SDL_SCANCODE_LCTRL
+                                                             : SDL_SCANCODE_UNKNOWN;
+    // The modifier is held around the key; without it the key would act by another binding.
+    if (down && modifierKey != SDL_SCANCODE_UNKNOWN) {
+        InjectKey(modifierKey, true);
     }
     InjectKey(scancode, down);
+    if (!down && modifierKey != SDL_SCANCODE_UNKNOWN) {
+        InjectKey(modifierKey, false);
+    }
     return true;
 }

@@ -97,7 +97,6 @@ int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& e
             return code;
         }
     }
-    ApplyAudioRate();
     if (EmuFindMachine(number) == nullptr) {
         const GAME_SYSTEM* entry = FindGameSystem(number);
         error = options.game + ": is a game of the " +
@@ -115,6 +114,7 @@ int PlayCommand(const PLAY_OPTIONS& options) {
         Complain(error);
         return code;
     }
+    ApplyAudioRate();
     return options.headless ? PlayHeadless(options, opened) : PlayInWindow(options, opened);
 }
 

@@ -28,11 +28,14 @@ std::array<uint32_t, kTokenLimit> gUse{}; // threads bound to each; under the fr
 
 cpu_set_t gAllowed; // of the process when the binder started; a thread's own set narrows
 
-void ReadAllowed() {
-    CPU_ZERO(&gAllowed);
-    if (sched_getaffinity(0, sizeof gAllowed, &gAllowed) != 0) {
-        CPU_ZERO(&gAllowed);
-    }
+// Once a process, before anything was bound. Gives the number of processors.
+uint32_t ReadAllowed() {
+    static const bool kRead = sched_getaffinity(0, sizeof gAllowed, &gAllowed) == 0;
+    return kRead ? static_cast<uint32_t>(CPU_COUNT(&gAllowed)) : 1;
+}
+
+void AllowAll() {
+    pthread_setaffinity_np(pthread_self(), sizeof gAllowed, &gAllowed);
 }
 
 // The n-th processor that the process may use becomes the thread's only one.
@@ -51,7 +54,11 @@ bool SetThreadProcessor(uint32_t number) {
 
 #else
 
-void ReadAllowed() {}
+uint32_t ReadAllowed() {
+    return static_cast<uint32_t>(SDL_GetCPUCount());
+}
+
+void AllowAll() {}
 
 bool SetThreadProcessor(uint32_t) {
     return false;
@@ -63,9 +70,8 @@ bool SetThreadProcessor(uint32_t) {
 
 void ProcessorBinderStart() {
     const std::scoped_lock hold(EmuFrameMutex());
-    gCount = static_cast<uint32_t>(std::clamp(SDL_GetCPUCount(), 1, int{kMostProcessors}));
+    gCount = std::clamp(ReadAllowed(), 1u, kMostProcessors);
     gUse.fill(0);
-    ReadAllowed();
 }
 
 uint32_t ProcessorCount() {
@@ -95,6 +101,13 @@ void ReleaseProcessor(int token) {
     if (token >= 0 && static_cast<uint32_t>(token) < kTokenLimit &&
         gUse[static_cast<size_t>(token)] > 0) {
         --gUse[static_cast<size_t>(token)];
+    }
+}
+
+void ReleaseThisThread(int token) {
+    if (token >= 0) {
+        AllowAll();
+        ReleaseProcessor(token);
     }
 }
 

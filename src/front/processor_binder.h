@@ -18,5 +18,8 @@ void ProcessorBinderStart();
 // Gives the processor of the token back.
 void ReleaseProcessor(int token);
 
+// The same for the calling thread, which may then run on every processor again.
+void ReleaseThisThread(int token);
+
 // Threads bound to each processor so far; for tests.
 [[nodiscard]] uint32_t BoundThreads(uint32_t processor);

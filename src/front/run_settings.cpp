@@ -4,6 +4,7 @@
 #include "front/settings/settings.h"
 
 #include <charconv>
+#include <cmath>
 #include <variant>
 #include <vector>
 
@@ -25,7 +26,8 @@ std::vector<OVERRIDE>& Overrides() {
 template <typename Number>
 bool ReadNumber(const std::string& text, Number& number) {
     const char* const end = text.data() + text.size();
-    return !text.empty() && std::from_chars(text.data(), end, number).ptr == end;
+    const auto [stop, code] = std::from_chars(text.data(), end, number);
+    return stop == end && code == std::errc() && std::isfinite(static_cast<double>(number));
 }
 
 bool ReadValue(SettingType type, const std::string& text, Value& value) {

@@ -8,6 +8,7 @@
 #include "front/latency_probe.h"
 #include "front/media_files.h"
 #include "front/play.h"
+#include "front/run_settings.h"
 #include "front/screenshots.h"
 #include "front/settings/bindings.h"
 
@@ -81,6 +82,9 @@ public:
 
     int Run(const OPENED_GAME& opened) {
         std::string error;
+        if (!options.latencyAction.empty()) {
+            LeaveSavesAlone();
+        }
         if (!StartSomewhere(error) || !application.Play(opened, error)) {
             Complain(error);
             return kExitFailed;
@@ -94,6 +98,9 @@ public:
     [[nodiscard]] bool OffScreen() const { return offScreen; }
 
 private:
+    // Nobody is at the keys, so what the player left is not to be played on.
+    static void LeaveSavesAlone() { static_cast<void>(SetForThisRun("emu_autosaves", "0")); }
+
     // In a window, or without one where there is no display at all.
     bool StartSomewhere(std::string& error) {
         if (application.Start(error)) {
@@ -103,6 +110,7 @@ private:
             return false;
         }
         Complain(error + "; running off the screen for some seconds");
+        LeaveSavesAlone();
         SDL_SetHint(SDL_HINT_VIDEODRIVER, "offscreen");
         offScreen = true;
         lastFrame = options.frames != 0 ? options.frames : kOffscreenFrames;
@@ -118,24 +126,25 @@ private:
         lastFrame = std::max(lastFrame, options.frames);
         bool over = false;
         while (!over && application.Round()) {
-            const auto frame = static_cast<uint32_t>(Application::FramesPresented());
-            for (const INPUT_EVENT& event : script.TakeDue(frame + 1)) {
+            const uint32_t frame = Application::FramesPresented();
+            for (const INPUT_EVENT& event : script.TakeEarliest(frame + 1)) {
                 if (!InjectAction(event.action, event.down)) {
                     Complain(options.inputFile + ": an action that no key is bound to");
                 }
             }
-            over = lastFrame != 0 && frame >= lastFrame;
-            if (!TakeScreenshots(frame, over)) {
+            over = lastFrame != 0 && application.FrameShown() >= lastFrame;
+            if (!TakeScreenshots(application.FrameShown(), false)) {
                 return kExitFailed;
             }
         }
-        return kExitDone;
+        return TakeScreenshots(application.FrameShown(), true) ? kExitDone : kExitFailed;
     }
 
     // The window as it is composed, once its frame has come.
     bool TakeScreenshots(uint32_t frame, bool last) {
         for (SCREENSHOT_REQUEST& shot : screenshots) {
-            if (shot.path.empty() || !(last || (shot.frame != 0 && shot.frame <= frame))) {
+            const bool due = shot.frame == 0 ? last : shot.frame <= frame;
+            if (shot.path.empty() || !due) {
                 continue;
             }
             std::vector<uint32_t> pixels = application.ReadWindow();

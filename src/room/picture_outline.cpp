@@ -155,15 +155,12 @@ void JoinDiagonals(const OutlineTile& tile, OutlineWork& work) {
         });
         Row fallingThin;
         Row risingThin;
-        fill(fallingThin, [&](size_t at) {
-            return Byte(crossing[at] & IsThin(fallingKin[at], risingKin[at]));
-        });
-        fill(risingThin, [&](size_t at) {
-            return Byte(crossing[at] & IsThin(risingKin[at], fallingKin[at]));
-        });
-        fill(work.fallingJoined[row], [&](size_t at) {
-            return Byte(falling[at] & ((crossing[at] ^ 1) | fallingThin[at]));
-        });
+        fill(fallingThin,
+             [&](size_t at) { return Byte(crossing[at] & IsThin(fallingKin[at], risingKin[at])); });
+        fill(risingThin,
+             [&](size_t at) { return Byte(crossing[at] & IsThin(risingKin[at], fallingKin[at])); });
+        fill(work.fallingJoined[row],
+             [&](size_t at) { return Byte(falling[at] & ((crossing[at] ^ 1) | fallingThin[at])); });
         fill(work.risingJoined[row],
              [&](size_t at) { return Byte(rising[at] & ((crossing[at] ^ 1) | risingThin[at])); });
         fill(work.fallingShut[row],

@@ -13,17 +13,19 @@ using CoverageTable = std::array<std::array<Coverage<factor>, kCutKinds>, kCorne
 
 constexpr uint32_t kFullCoverage = 128;
 
-// Legs in target pixels, (x, y) the target pixel as seen from the corner. The triangle's upper side is a
-// straight line, so the mean of many samples in the middle of slices is as good as its integral.
-constexpr uint8_t TriangleCoverage(double rowLeg, double columnLeg, double x, double y) {
-    constexpr uint32_t kSlices = 384;
-    double sum = 0;
-    for (uint32_t slice = 0; slice < kSlices; ++slice) {
-        const double at = x + (slice + 0.5) / kSlices;
-        const double height = columnLeg * (1 - at / rowLeg) - y;
-        sum += height < 0 ? 0 : height > 1 ? 1 : height;
-    }
-    return static_cast<uint8_t>(sum / kSlices * kFullCoverage + 0.5);
+// Legs in target pixels, (x, y) the target pixel as seen from the corner. What lies of a triangle beyond a
+// point in both directions is a smaller triangle of the same form, so that four of them give a square.
+constexpr uint8_t TriangleCoverage(uint32_t rowLeg, uint32_t columnLeg, uint32_t x, uint32_t y) {
+    const uint32_t product = rowLeg * columnLeg;
+    // Twice the area beyond a point, times the product.
+    const auto beyond = [&](uint32_t fromX, uint32_t fromY) {
+        const uint32_t taken = fromX * columnLeg + fromY * rowLeg;
+        const uint32_t side = product - std::min(taken, product);
+        return side * side;
+    };
+    const uint32_t square =
+        beyond(x, y) + beyond(x + 1, y + 1) - beyond(x + 1, y) - beyond(x, y + 1);
+    return static_cast<uint8_t>((square * (kFullCoverage / 2) + product / 2) / product);
 }
 
 // The kinds along the row, for the upper left corner. What lies along the column is their transpose.
@@ -31,11 +33,12 @@ template <uint32_t factor>
 constexpr Coverage<factor> RowCoverage(uint32_t kind) {
     const bool rest = kind >= kRest3x1;
     const uint32_t halves = rest ? kind - kRest3x1 + 3 : kind;
-    const double unit = factor / 2.0;
+    constexpr uint32_t kHalf = factor / 2;
     Coverage<factor> cells{};
     for (uint32_t y = 0; y < factor; ++y) {
         for (uint32_t x = 0; x < factor; ++x) {
-            cells[y * factor + x] = TriangleCoverage(unit * halves, unit, rest ? x + factor : x, y);
+            cells[y * factor + x] =
+                TriangleCoverage(kHalf * halves, kHalf, rest ? x + factor : x, y);
         }
     }
     return cells;
@@ -110,7 +113,7 @@ template <uint32_t factor>
 void DrawTile(const OutlineTile& tile, uint32_t* target, size_t pitch) {
     for (uint32_t row = 0; row < tile.rows; ++row) {
         const uint32_t* pixels = tile.pixels[row + kTileMargin].data() + kTileMargin;
-        uint32_t* line = target + row * factor * pitch;
+        uint32_t* line = target + pitch * factor * row;
         for (uint32_t column = 0; column < tile.columns; ++column) {
             const uint32_t pixel = pixels[column] | kOpaque;
             for (uint32_t y = 0; y < factor; ++y) {
@@ -138,7 +141,7 @@ void ScaleEdge(const SourcePicture& source, uint32_t* target, VectorForm form) {
             const PiecePlace place = {left, top, std::min(kTileColumns, source.width - left),
                                       std::min(kTileRows, source.height - top)};
             AnalyseOutlines(source, place, tile, form);
-            DrawTile<factor>(tile, target + top * factor * pitch + size_t{left} * factor, pitch);
+            DrawTile<factor>(tile, target + pitch * factor * top + size_t{left} * factor, pitch);
         }
     }
 }

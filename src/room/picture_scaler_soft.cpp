@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr uint32_t kFactor = 4;
+constexpr size_t kFactor = 4;
 constexpr uint32_t kChannels = 4;
 
 // How far the surface and its bounds see, and what that leaves of an analysed piece.
@@ -115,7 +115,7 @@ void FindBounds(const SourceBytes* rows, uint32_t count, SourceBytes& darkest,
 // Weights are template arguments here and below, so that those of zero cost nothing.
 template <std::array<uint16_t, 3> weights>
 void WeighNeighbours(const SourceBytes& bytes, uint32_t count, StripShorts& wide) {
-    const uint8_t* own = bytes.data() + kReach * kChannels;
+    const uint8_t* own = bytes.data() + size_t{kReach} * kChannels;
     for (uint32_t at = 0; at < count; ++at) {
         const uint8_t* here = own + at;
         wide[at] = Short(uint32_t{here[-int{kChannels}]} * weights[0] +
@@ -198,7 +198,7 @@ void DrawPiece(const SoftPiece& piece, uint32_t columns, uint32_t rows, uint32_t
     for (uint32_t row = 0; row < rows; ++row) {
         WidenRow(&piece[row + 2], columns, ring[(row + 2) % 3]);
         const RowPointers around = {&ring[row % 3], &ring[(row + 1) % 3], &ring[(row + 2) % 3]};
-        uint32_t* line = target + row * kFactor * pitch;
+        uint32_t* line = target + pitch * kFactor * row;
         DrawRow<0>(around, columns, line);
         DrawRow<1>(around, columns, line + pitch);
         DrawRow<2>(around, columns, line + 2 * pitch);
@@ -233,7 +233,7 @@ void ScaleSoft4x(const SourcePicture& source, uint32_t* target, VectorForm form)
                              rows + 2 * kReach},
                             tile, form);
             SmoothOutlines(tile, piece);
-            draw(piece, columns, rows, target + top * kFactor * pitch + size_t{left} * kFactor,
+            draw(piece, columns, rows, target + pitch * kFactor * top + size_t{left} * kFactor,
                  pitch);
         }
     }

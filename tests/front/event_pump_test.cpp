@@ -103,7 +103,7 @@ std::vector<int32_t> WheelSteps(const PUMP_EVENTS& events) {
 
 TEST_F(EventPumpTest, ARoundWithoutEventsBringsNothing) {
     const PUMP_EVENTS events = pump.Pump();
-    EXPECT_FALSE(events.quit || events.toggleStatistics || events.toggleRoomFlag ||
+    EXPECT_FALSE(events.quit || events.toggleStatistics || events.toggleLight ||
                  events.toggleCrop || events.toggleLinear || events.toggleFullScreen ||
                  events.windowChanged || events.outputRemoved || events.outputAdded);
     EXPECT_EQ(events.scalerSteps, 0u);
@@ -164,8 +164,8 @@ TEST_F(EventPumpTest, EachFunctionKeyHasItsToggle) {
     };
     const ROW rows[] = {
         {kF2,  &PUMP_EVENTS::toggleStatistics},
-        {kF3,  &PUMP_EVENTS::toggleRoomFlag  },
-        {kF4,  &PUMP_EVENTS::toggleCrop      },
+        {kF3,  &PUMP_EVENTS::toggleCrop      },
+        {kF4,  &PUMP_EVENTS::toggleLight     },
         {kF5,  &PUMP_EVENTS::toggleLinear    },
         {kF11, &PUMP_EVENTS::toggleFullScreen},
     };
@@ -217,7 +217,7 @@ TEST_F(EventPumpTest, FunctionKeysDoNothingWhileTheUserWalksTheRoom) {
         Press(key);
     }
     const PUMP_EVENTS events = pump.Pump();
-    EXPECT_FALSE(events.toggleStatistics || events.toggleRoomFlag || events.toggleCrop ||
+    EXPECT_FALSE(events.toggleStatistics || events.toggleLight || events.toggleCrop ||
                  events.toggleLinear || events.toggleFullScreen);
     EXPECT_EQ(events.scalerSteps, 0u);
     EXPECT_TRUE(BindingIsDown(kF2, true)) << "the codes are set all the same";
@@ -228,11 +228,11 @@ TEST_F(EventPumpTest, FunctionKeysUnderAChordBelongToTheDesktop) {
         Press(kF4, modifiers);
         Press(kF6, modifiers);
         const PUMP_EVENTS events = pump.Pump();
-        EXPECT_FALSE(events.toggleCrop) << modifiers;
+        EXPECT_FALSE(events.toggleLight) << modifiers;
         EXPECT_EQ(events.scalerSteps, 0u) << modifiers;
     }
     Press(kF4, KMOD_LSHIFT | KMOD_NUM | KMOD_CAPS);
-    EXPECT_TRUE(pump.Pump().toggleCrop);
+    EXPECT_TRUE(pump.Pump().toggleLight);
 }
 
 TEST_F(EventPumpTest, AltAndReturnSwitchTheWholeScreenAtAnyTime) {

@@ -116,6 +116,15 @@ Picture DrawNoise(uint32_t width, uint32_t height, uint32_t colours) {
     });
 }
 
+// Noise of shades so near each other that some neighbours are told apart and others are not.
+Picture DrawShades(uint32_t width, uint32_t height) {
+    std::mt19937 random(width + height);
+    const auto channel = [&random] { return static_cast<uint32_t>(random()) % 56; };
+    return Draw(width, height, [&](uint32_t, uint32_t) {
+        return 0xFF404040 + (channel() << 16) + (channel() << 8) + channel();
+    });
+}
+
 // Overlapping discs and stripes: outlines of every slope, as games draw them.
 Picture DrawDiscs(uint32_t width, uint32_t height) {
     std::mt19937 random(width + height);
@@ -140,7 +149,7 @@ std::vector<Picture> DrawSamples() {
     return {DrawNoise(131, 75, 2),    DrawNoise(75, 131, 3), DrawNoise(37, 41, 5),
             DrawNoise(121, 67, 4096), DrawDiscs(247, 139),   DrawDiscs(64, 64),
             DrawNoise(1, 1, 2),       DrawNoise(1, 37, 2),   DrawNoise(150, 1, 2),
-            DrawNoise(2, 3, 2),       DrawNoise(5, 2, 3)};
+            DrawNoise(2, 3, 2),       DrawNoise(5, 2, 3),    DrawShades(160, 90)};
 }
 
 constexpr int Channel(uint32_t pixel, uint32_t channel) {
@@ -353,6 +362,21 @@ TEST(PictureScalerEdge, BoxesWithShadowsKeepTheirCorners) {
     }
 }
 
+// Where a bar and a box meet crosswise, the ground runs between them as much as they go together.
+TEST(PictureScalerEdge, BarThatTouchesABoxIsNotJoined) {
+    for (uint32_t length = 3; length <= 6; ++length) {
+        const Picture picture = Draw(20, 14, [length](uint32_t x, uint32_t y) {
+            const bool isBar = y == 4 && x >= 10 - length && x < 10;
+            const bool isBox = y >= 5 && y < 9 && x >= 10 && x < 15;
+            return isBar || isBox ? kWhite : kBlack;
+        });
+        for (const PictureScaler scaler : kEdgeScalers) {
+            EXPECT_EQ(Scale(scaler, picture), Enlarge(picture, ScalerFactor(scaler)))
+                << NameOf(scaler) << ", length " << length;
+        }
+    }
+}
+
 // Dots, checkers, checkers on a surface of one of their colours, teeth, and lines side by side.
 TEST(PictureScalerEdge, DitheringStaysAsDrawn) {
     const std::vector<PixelSource> patterns = {
@@ -369,6 +393,14 @@ TEST(PictureScalerEdge, DitheringStaysAsDrawn) {
             return (x + y) % 2 == 0 ? (y < 9 ? kWhite : 0xFFFF8000) : kBlack;
         },
         [](uint32_t x, uint32_t y) { return (x / 2 + y) % 2 == 0 ? kWhite : kBlack; },
+        [](uint32_t x, uint32_t y) {
+            return (x + y) % 2 == 0 && std::hypot(x - 16.0, y - 16.0) < 12 ? kWhite : kBlack;
+        },
+        // Checkers that thin out.
+        [](uint32_t x, uint32_t y) {
+            return y < 10 ? ((x + y) % 2 == 0 ? kWhite : kBlack)
+                          : (y == 10 && x % 4 == 2 ? kWhite : kBlack);
+        },
         [](uint32_t x, uint32_t y) { return y > 8 + x % 2 ? kWhite : kBlack; },
         [](uint32_t x, uint32_t) { return x % 2 == 0 ? kWhite : kBlack; },
     };
@@ -377,6 +409,29 @@ TEST(PictureScalerEdge, DitheringStaysAsDrawn) {
         for (const PictureScaler scaler : kEdgeScalers) {
             EXPECT_EQ(Scale(scaler, picture), Enlarge(picture, ScalerFactor(scaler)))
                 << NameOf(scaler) << ", pattern " << pattern;
+        }
+    }
+}
+
+// Four by four thresholds in the usual order, every share of white from none to all, and a rising one.
+TEST(PictureScalerEdge, OrderedDitheringStaysAsDrawn) {
+    constexpr uint32_t kOrder[4][4] = {
+        {0,  8,  2,  10},
+        {12, 4,  14, 6 },
+        {3,  11, 1,  9 },
+        {15, 7,  13, 5 }
+    };
+    constexpr uint32_t kRising = 17;
+    for (uint32_t share = 0; share <= kRising; ++share) {
+        const Picture picture = Draw(40, 40, [&](uint32_t x, uint32_t y) {
+            return kOrder[y % 4][x % 4] < (share == kRising ? y / 2 : share) ? kWhite : kBlack;
+        });
+        for (const PictureScaler scaler : kEdgeScalers) {
+            const uint32_t factor = ScalerFactor(scaler);
+            // Away from the borders, at which dots become bars.
+            EXPECT_EQ(Narrow(Scale(scaler, picture), 4 * factor),
+                      Enlarge(Narrow(picture, 4), factor))
+                << NameOf(scaler) << ", " << share << " of 16";
         }
     }
 }

@@ -84,7 +84,7 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"SMS P1 DOWN", 81, Down(0)},                              // Down
     {L"SMS P1 LEFT", 80, Left(0)},                              // Left
     {L"SMS P1 RIGHT", 79, Right(0)},                            // Right
-    {L"SMS P1 BUTTON1", 4, PadBit(0, kPadSouth) | kPointerTriggerBit}, // A
+    {L"SMS P1 BUTTON1", 4, PadBit(0, kPadSouth) | PointerTriggerBit(0)}, // A
     {L"SMS P1 BUTTON2", 22, PadBit(0, kPadEast)},               // S
     {L"SMS P1 BUTTON3", 7, PadBit(0, kPadWest)},                // D
     {L"SMS P1 BUTTON4", 29, PadBit(0, kPadNorth)},              // Z
@@ -94,7 +94,7 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"SMS P2 DOWN", 0, Down(1)},
     {L"SMS P2 LEFT", 0, Left(1)},
     {L"SMS P2 RIGHT", 0, Right(1)},
-    {L"SMS P2 BUTTON1", 0, PadBit(1, kPadSouth)},
+    {L"SMS P2 BUTTON1", 0, PadBit(1, kPadSouth) | PointerTriggerBit(1)},
     {L"SMS P2 BUTTON2", 0, PadBit(1, kPadEast)},
     {L"SMS P2 BUTTON3", 0, PadBit(1, kPadWest)},
     {L"SMS P2 BUTTON4", 0, PadBit(1, kPadNorth)},

@@ -23,6 +23,8 @@ std::atomic<uint64_t> gActing{0};
 
 using BoundCodes = std::bitset<kInputCodes>;
 
+constexpr uint64_t kPointerTriggers = PointerTriggerBit(0) | PointerTriggerBit(1);
+
 constexpr uint64_t AllOf(uint32_t player) {
     return uint64_t{0xFFFFFFFF} << (player * 32);
 }
@@ -56,7 +58,8 @@ BoundCodes RefreshActions() {
             static_cast<uint32_t>(setting->intValue2.load(std::memory_order_relaxed));
         // No binding of a first run is a joystick's, so any that is one is the user's.
         const bool own = IsJoystickBinding(primary) || IsJoystickBinding(secondary);
-        setting->padControls.store(own ? 0 : action.padControls, std::memory_order_relaxed);
+        setting->padControls.store(own ? action.padControls & kPointerTriggers : action.padControls,
+                                   std::memory_order_relaxed);
         AddBoundCode(bound, primary);
         AddBoundCode(bound, secondary);
     }
@@ -100,8 +103,12 @@ void InputPadChanged(uint32_t player, PadControl control, bool down) {
     UpdateActing();
 }
 
-void InputPointerTrigger(bool down) {
-    gDown = down ? gDown | kPointerTriggerBit : gDown & ~kPointerTriggerBit;
+void InputPointerTrigger(uint32_t player, bool down) {
+    if (player >= kPadPlayers) {
+        return;
+    }
+    const uint64_t bit = PointerTriggerBit(player);
+    gDown = down ? gDown | bit : gDown & ~bit;
     UpdateActing();
 }
 

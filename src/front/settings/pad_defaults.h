@@ -43,9 +43,11 @@ inline constexpr uint32_t kPadPlayers = 2;
     return uint64_t{1} << (player * 32 + control);
 }
 
-// Beside player 1's controls: the trigger of a light gun, which is the mouse's left button over the
-// picture.
-inline constexpr uint64_t kPointerTriggerBit = uint64_t{1} << 31;
+// Beside a player's controls: the trigger of a light gun, which is the mouse's left button over the
+// picture. It acts whatever else is bound.
+[[nodiscard]] constexpr uint64_t PointerTriggerBit(uint32_t player) {
+    return uint64_t{1} << (player * 32 + 31);
+}
 static_assert(kPadControls < 31);
 
 // The raw joystick codes behind each control, 0 for none. Of an axis whose direction isn't known both
@@ -60,7 +62,7 @@ void InputDetachPad(uint32_t player);
 void InputSetPadCodes(uint32_t player, const PadCodes& codes);
 
 void InputPadChanged(uint32_t player, PadControl control, bool down);
-void InputPointerTrigger(bool down);
+void InputPointerTrigger(uint32_t player, bool down);
 void InputClearPads(); // nothing is down any more
 
 // Reads the bindings afresh and finds out which actions and controls the user has bound. Each pump does

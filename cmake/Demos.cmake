@@ -4,6 +4,9 @@
 find_program(SDASZ80 sdasz80 REQUIRED)
 find_program(SDCC sdcc REQUIRED)
 find_program(MAKEBIN makebin REQUIRED)
+find_program(CA65 ca65 REQUIRED)
+find_program(CC65 cc65 REQUIRED)
+find_program(LD65 ld65 REQUIRED)
 
 # ombrelune_z80_rom(NAME name SIZE bytes SOURCES file... [DEPENDS file...] [FLAGS flag...])
 #
@@ -37,6 +40,41 @@ function(ombrelune_z80_rom)
             -o ${folder}/${ROM_NAME}.ihx ${objects}
         COMMAND ${MAKEBIN} -s ${ROM_SIZE} ${folder}/${ROM_NAME}.ihx ${image}
         DEPENDS ${objects} VERBATIM)
+endfunction()
+
+# ombrelune_nes_rom(NAME name CONFIG file SOURCES file... [DEPENDS file...])
+#
+# Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, a NES cartridge with the header that the sources hold,
+# laid out by the linker's CONFIG. Sources are assembly (.s, ca65) or C (.c, cc65 with its helpers of
+# arithmetic, but no start code and no library of a machine). DEPENDS are included files.
+function(ombrelune_nes_rom)
+    cmake_parse_arguments(ROM "" "NAME;CONFIG" "SOURCES;DEPENDS" ${ARGN})
+    set(objects "")
+    set(folder ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.dir)
+    file(MAKE_DIRECTORY ${folder})
+    list(TRANSFORM ROM_DEPENDS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+    foreach(source ${ROM_SOURCES})
+        get_filename_component(stem ${source} NAME_WE)
+        get_filename_component(extension ${source} EXT)
+        cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+        set(object ${folder}/${stem}.o)
+        set(command ${CA65} -t none -I ${CMAKE_CURRENT_SOURCE_DIR} -o ${object})
+        if(extension STREQUAL ".s")
+            add_custom_command(OUTPUT ${object} COMMAND ${command} ${source}
+                DEPENDS ${source} ${ROM_DEPENDS} VERBATIM)
+        else()
+            add_custom_command(OUTPUT ${object}
+                COMMAND ${CC65} -t none -Oirs -I ${CMAKE_CURRENT_SOURCE_DIR} -o ${folder}/${stem}.s ${source}
+                COMMAND ${command} ${folder}/${stem}.s
+                DEPENDS ${source} ${ROM_DEPENDS} VERBATIM)
+        endif()
+        list(APPEND objects ${object})
+    endforeach()
+    cmake_path(ABSOLUTE_PATH ROM_CONFIG BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+    set(image ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.rom)
+    add_custom_command(OUTPUT ${image}
+        COMMAND ${LD65} -C ${ROM_CONFIG} -o ${image} -m ${folder}/${ROM_NAME}.map ${objects} none.lib
+        DEPENDS ${objects} ${ROM_CONFIG} VERBATIM)
 endfunction()
 
 # ombrelune_demo(NAME name SYSTEM number TITLE text ROM file)

@@ -1,5 +1,6 @@
 #include "host/machines.h"
 
+#include "nes/nes.h"
 #include "sega8/game_gear.h"
 #include "sega8/sms.h"
 #include "sega8/system_e.h"
@@ -17,13 +18,14 @@ std::unique_ptr<CEmuSystem> Construct(uint32_t sessionKey) {
 constexpr MACHINE_ENTRY kMachines[] = {
     {1, ".\\sms",      Construct<CSMS>     },
     {2, ".\\gamegear", Construct<CGAMEGEAR>},
+    {5, ".\\nes",      Construct<CNES>     },
     {6, "",            Construct<CSEGAE>   },
 };
 
 } // namespace
 
 const MACHINE_LIST& BuiltInMachines() {
-    // The chips' tables are constants or built before `main`, so there is nothing to build.
-    static constexpr MACHINE_LIST kList{kMachines, nullptr};
+    // All other tables of chips are constants or built before `main`.
+    static constexpr MACHINE_LIST kList{kMachines, NesBuildTables};
     return kList;
 }

@@ -2,11 +2,12 @@
 
 #include "base/state_piece.h"
 #include "front/settings/bindings.h"
+#include "host/machine_image.h"
+#include "host/sound_frame.h"
+#include "host/state_pieces.h"
 #include "library/game_file.h"
 #include "sega8/game_image.h"
 #include "sega8/late_chips.h"
-#include "sega8/sound_frame.h"
-#include "sega8/state_pieces.h"
 
 #include <cstring>
 #include <memory>

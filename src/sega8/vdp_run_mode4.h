@@ -138,9 +138,10 @@ inline void RunColumns(VDP& vdp, uint32_t first, uint32_t end) {
 // The same dots of a line that shows the backdrop alone.
 inline void RunBlankColumns(VDP& vdp, uint32_t first, uint32_t end) {
     TakeSearchData(vdp, SearchSlots(first, end));
-    const size_t pixels = size_t{end - first} * kDotsPerColumn;
-    std::memset(&vdp.colourLine[first * kDotsPerColumn], vdp_fetch::Backdrop(vdp), pixels);
-    std::memset(&vdp.priorityLine[first * kDotsPerColumn], 0, pixels);
+    const size_t x = size_t{first} * kDotsPerColumn;
+    const size_t pixels = size_t{end} * kDotsPerColumn - x;
+    std::memset(&vdp.colourLine[x], vdp_fetch::Backdrop(vdp), pixels);
+    std::memset(&vdp.priorityLine[x], 0, pixels);
     vdp.readData = vdp.vram[0];
     LeavePipeline(vdp, kSlotBlank, 0, true);
 }

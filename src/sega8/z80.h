@@ -143,6 +143,5 @@ uint8_t* Z80SaveState(const Z80& z80, uint8_t* out);
 // are kept.
 [[nodiscard]] uint32_t Z80LoadState(Z80& z80, const uint8_t* data, uint32_t size);
 
-#include "sega8/z80_tick.h"
-
 #include "sega8/z80_run.h"
+#include "sega8/z80_tick.h"

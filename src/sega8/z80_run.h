@@ -11,6 +11,7 @@
 #pragma once
 
 #include "sega8/z80.h"
+#include "sega8/z80_tick.h"
 
 #include <bit>
 #include <cstdint>

@@ -126,7 +126,9 @@ struct Z80Template {
             actions |= Z80IsWait(steps[i]) ? 0U : 1U << i;
         }
     }
+    constexpr explicit Z80Template(Z80Step only)
+        : Z80Template(Z80TemplateSteps{only}) {}
     template <std::same_as<Z80Step>... Steps>
-    constexpr explicit(false) Z80Template(Z80Step first, Steps... others)
-        : Z80Template(Z80TemplateSteps{first, others...}) {}
+    constexpr Z80Template(Z80Step first, Z80Step second, Steps... others)
+        : Z80Template(Z80TemplateSteps{first, second, others...}) {}
 };

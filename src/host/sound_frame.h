@@ -1,4 +1,4 @@
-// How the machines here bring their chips' resampled sound into an EMU_AUDIO_FRAME.
+// How machines bring their chips' resampled sound into an EMU_AUDIO_FRAME.
 //
 // Sound and states: behind the chips a state holds what the resamplers have on their way, so that a
 // run that begins by loading gives the very samples of the run that was saved. A state without it, or

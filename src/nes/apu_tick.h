@@ -1,0 +1,61 @@
+// The sound unit's cycle, for the machine's loop: a few counters, of which one rarely runs out.
+#pragma once
+
+#include "nes/apu_private.h"
+
+inline void ApuStepPulse(APU_PULSE& pulse, uint8_t length) {
+    pulse.counter = pulse.period * 2u + 2;
+    pulse.position = (pulse.position + 1) & 7;
+    pulse.output = length != 0 && !pulse.muted
+                       ? kApuDuties[pulse.duty][pulse.position] * ApuVolume(pulse.envelope)
+                       : 0;
+}
+
+// A channel that isn't playing keeps its level, so that it stops and starts without a click.
+inline void ApuStepTriangle(APU_TRIANGLE& triangle, uint8_t length) {
+    triangle.counter = triangle.period + 1u;
+    if (length == 0 || triangle.linear == 0) {
+        return;
+    }
+    triangle.position = (triangle.position + 1) & 31;
+    triangle.output =
+        triangle.period < kApuTriangleLeastPeriod ? 0 : kApuTriangleWave[triangle.position] * 8;
+}
+
+inline void ApuStepNoise(APU_NOISE& noise, uint8_t length) {
+    noise.counter = kApuNoisePeriods[noise.rate];
+    const uint32_t shift = noise.shift;
+    const uint32_t bit = (shift >> 14 ^ shift >> (noise.shortMode ? 8 : 13)) & 1;
+    noise.shift = static_cast<uint16_t>((shift << 1 | bit) & 0x7FFF);
+    const int32_t volume = length != 0 ? ApuVolume(noise.envelope) : 0;
+    noise.output = (noise.shift & 0x4000) != 0 ? volume * -2 : volume * 2;
+}
+
+// One processor cycle.
+inline void ApuStep(APU& apu) {
+    ++apu.sampleClock;
+    if (--apu.frameCounter == 0) [[unlikely]] {
+        ApuFrameStep(apu);
+    }
+    if (apu.pendingLengths != 0) [[unlikely]] {
+        ApuTakePendingLengths(apu);
+    }
+    if (--apu.pulses[0].counter == 0) {
+        ApuStepPulse(apu.pulses[0], apu.length[kApuPulse1]);
+    }
+    if (--apu.pulses[1].counter == 0) {
+        ApuStepPulse(apu.pulses[1], apu.length[kApuPulse2]);
+    }
+    if (--apu.triangle.counter == 0) {
+        ApuStepTriangle(apu.triangle, apu.length[kApuTriangle]);
+    }
+    if (--apu.noise.counter == 0) {
+        ApuStepNoise(apu.noise, apu.length[kApuNoise]);
+    }
+    if (--apu.sample.counter == 0) [[unlikely]] {
+        ApuStepSample(apu);
+    }
+    if (apu.sampleClock == kApuCyclesPerPair) {
+        ApuMakePair(apu);
+    }
+}

@@ -1,0 +1,200 @@
+// Board 4: eight character and four program registers, and a counter of scanlines.
+//
+// The counter falls with the first pattern address of the upper half (bit 12 set) that follows enough
+// of the lower one. Background and sprites in different halves make that once a line.
+#include "nes/board_private.h"
+
+namespace {
+
+// Addresses of which the last has bit 12 set before the counter sees one again.
+constexpr uint8_t kFilterAddresses = 8;
+constexpr uint16_t kUpperHalf = 0x1000;
+
+// Bits of the bank select register.
+constexpr uint8_t kSwapPrograms = 0x40;
+constexpr uint8_t kSwapCharacters = 0x80;
+
+// Bits of the RAM control.
+constexpr uint8_t kRamOpen = 0x80;
+constexpr uint8_t kRamProtected = 0x40;
+
+struct SCANLINE_STATE : NES_BOARD_STATE {
+    uint8_t irqEnable = 0; // 0 or 1
+    uint8_t counter = 0;   // scanlines left
+    uint8_t latch = 0;
+    uint8_t reload = 0; // 0 or 1: the counter takes the latch next time
+    uint8_t filter = 0; // addresses until bit 12 counts again, 0..8
+    uint8_t bankSelect = 0;
+    uint8_t ramControl = 0;
+    uint8_t mirroring = 0;
+    std::array<uint8_t, 4> program{};   // 8 KB banks, 6 bits each
+    std::array<uint8_t, 8> character{}; // 1 KB banks
+    NesBoardRam programRam{};
+    NesBoardRam characterRam{};
+
+    template <typename Visit>
+    void Fields(Visit& visit) {
+        visit(irqEnable);
+        visit(counter);
+        visit(latch);
+        visit(reload);
+        visit(filter);
+        visit(bankSelect);
+        visit(ramControl);
+        visit(mirroring);
+        visit(program);
+        visit(character);
+        visit(programRam);
+        visit(characterRam);
+    }
+};
+
+SCANLINE_STATE& State(NES_CARTRIDGE& cartridge) {
+    return BoardState<SCANLINE_STATE>(cartridge);
+}
+
+void Sync(NES_CARTRIDGE& cartridge) {
+    SCANLINE_STATE& state = State(cartridge);
+    SetMirroringByRegister(cartridge, state.mirroring);
+    const uint32_t swapped = (state.bankSelect & kSwapPrograms) != 0 ? 2 : 0;
+    for (uint32_t i = 0; i < 4; ++i) {
+        const uint32_t index = (i & 1) != 0 ? i : i ^ swapped;
+        MapPrg8(cartridge, 8 + i * 2, state.program[index] & 63u);
+    }
+    const uint32_t half = (state.bankSelect & kSwapCharacters) != 0 ? 4 : 0;
+    for (uint32_t i = 0; i < 8; ++i) {
+        const uint32_t bank = state.character[i ^ half];
+        if (cartridge.characterBanks == 0) {
+            MapChrRam(cartridge, i, 1, state.characterRam.data() + (bank & 7) * kNesPpuPageBytes);
+        } else {
+            MapChr1(cartridge, i, bank);
+        }
+    }
+    const bool open = (state.ramControl & kRamOpen) != 0;
+    MapPrgRam(cartridge, state.programRam, open, open && (state.ramControl & kRamProtected) == 0);
+}
+
+void SetRegister(SCANLINE_STATE& state, uint8_t value) {
+    const size_t number = state.bankSelect & 7;
+    if (number < 2) {
+        state.character[number * 2] = value & 254;
+        state.character[number * 2 + 1] = value | 1;
+    } else if (number < 6) {
+        state.character[number + 2] = value;
+    } else {
+        state.program[number - 6] = value & 63;
+    }
+}
+
+void WriteBanks(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
+    SCANLINE_STATE& state = State(cartridge);
+    if ((address & 1) == 0) {
+        state.bankSelect = value;
+    } else {
+        SetRegister(state, value);
+    }
+    Sync(cartridge);
+}
+
+// No image says that its RAM obeys the control, so a write opens the RAM whatever its value.
+void WriteMirroringAndRam(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
+    SCANLINE_STATE& state = State(cartridge);
+    if ((address & 1) == 0) {
+        state.mirroring = value;
+    } else {
+        state.ramControl = kRamOpen;
+    }
+    Sync(cartridge);
+}
+
+void WriteLatch(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
+    SCANLINE_STATE& state = State(cartridge);
+    if ((address & 1) == 0) {
+        state.latch = value;
+    } else {
+        state.reload = 1;
+    }
+}
+
+void WriteIrq(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t /*value*/) {
+    State(cartridge).irqEnable = address & 1;
+    if ((address & 1) == 0) {
+        *cartridge.irqLines &= ~kNesIrqBoard;
+    }
+}
+
+void CountLine(NES_CARTRIDGE& cartridge, SCANLINE_STATE& state) {
+    const uint8_t before = state.counter;
+    if (state.counter == 0 || state.reload != 0) {
+        state.counter = state.latch;
+        state.reload = 0;
+    } else {
+        --state.counter;
+    }
+    if (before != 0 && state.counter == 0 && state.irqEnable != 0) {
+        *cartridge.irqLines |= kNesIrqBoard;
+    }
+}
+
+void WatchAddress(void* board, uint16_t address) {
+    NES_CARTRIDGE& cartridge = *static_cast<NES_CARTRIDGE*>(board);
+    SCANLINE_STATE& state = State(cartridge);
+    if (state.filter != 0) {
+        --state.filter;
+    }
+    if ((address & kUpperHalf) != 0) {
+        if (state.filter == 0) {
+            CountLine(cartridge, state);
+        }
+        state.filter = kFilterAddresses;
+    }
+}
+
+// Two counts are at least kFilterAddresses addresses apart, and a dot shows one address at most.
+uint32_t QuietDots(const NES_CARTRIDGE& cartridge) {
+    const auto& state = BoardState<SCANLINE_STATE>(cartridge);
+    uint32_t counts = state.counter; // until the interrupt
+    if (state.reload != 0 || state.counter == 0) {
+        const bool atOnce = state.counter != 0 && state.latch == 0;
+        counts = atOnce ? 1 : state.latch + 1U;
+    }
+    return state.irqEnable == 0 ? kNesQuietForEver : (counts - 1) * kFilterAddresses;
+}
+
+void Reset(NES_CARTRIDGE& cartridge) {
+    SCANLINE_STATE& state = State(cartridge);
+    state.irqEnable = 0;
+    state.counter = 0;
+    state.latch = 0;
+    state.reload = 0;
+    state.filter = 0;
+    state.bankSelect = 0;
+    state.ramControl = 0;
+    state.mirroring = HeaderMirroringRegister(cartridge);
+    state.program = {0x3C, 0x3D, 0x3E, 0x3F};
+    state.character = {0, 1, 2, 3, 4, 5, 6, 7};
+    cartridge.quietDots = QuietDots;
+    SetWriteHandler(cartridge, 8, 9, WriteBanks);
+    SetWriteHandler(cartridge, 10, 11, WriteMirroringAndRam);
+    SetWriteHandler(cartridge, 12, 13, WriteLatch);
+    SetWriteHandler(cartridge, 14, 15, WriteIrq);
+    Sync(cartridge);
+}
+
+void Restore(NES_CARTRIDGE& cartridge) {
+    SCANLINE_STATE& state = State(cartridge);
+    state.irqEnable &= 1;
+    state.reload &= 1;
+    state.filter = state.filter > kFilterAddresses ? kFilterAddresses : state.filter;
+    Sync(cartridge);
+}
+
+} // namespace
+
+constexpr NES_BOARD_ROW kNesScanlineBoard{CreateBoardState<SCANLINE_STATE>,
+                                          Reset,
+                                          nullptr,
+                                          nullptr,
+                                          WatchAddress,
+                                          SaveBoardState<SCANLINE_STATE>,
+                                          LoadBoardState<SCANLINE_STATE, Restore>};

@@ -1,0 +1,161 @@
+// Board 1: four registers behind a shift register that takes one bit a write, lowest first.
+#include "nes/board_private.h"
+
+namespace {
+
+constexpr uint8_t kControlAtReset = 12; // last program bank fixed at 0xC000
+constexpr uint8_t kBitsAValue = 5;
+constexpr uint32_t kBanksOfTwoHalves = 32; // 512 KB: CHR 0 bit 4 picks a half of the program
+
+enum Register : uint32_t { kControl, kChr0, kChr1, kPrg };
+
+// Bits of the control register.
+constexpr uint8_t kMirroringMask = 3;
+constexpr uint8_t kFixLast = 4; // with kSwitchHalf: 0xC000 is fixed, otherwise 0x8000
+constexpr uint8_t kSwitchHalf = 8;
+constexpr uint8_t kChrHalves = 16;
+// Above them, for each bit of kControlAtReset: it was set by a reset write and isn't in force yet. A
+// state keeps them too, so that what follows a load is what followed the save.
+constexpr uint8_t kLateShift = 3;
+constexpr uint8_t kControlMask = 31 | kControlAtReset << kLateShift;
+
+constexpr size_t kHalfBytes = 4 * kNesPpuPageBytes;
+
+constexpr uint8_t kRamClosed = 16; // bit of the PRG register
+
+struct SHIFT_STATE : NES_BOARD_STATE {
+    std::array<uint8_t, 4> registers{}; // by Register, 5 bits each and the late ones
+    uint8_t shift = 0;                  // bits taken so far
+    uint8_t count = 0;                  // how many, 0..4
+    uint32_t lastRegister = 0;          // the one that was set last, 0..3
+    uint32_t lastCycle = 0;             // processor cycle of the last write taken
+    NesBoardRam programRam{};
+    NesBoardRam characterRam{};
+
+    template <typename Visit>
+    void Fields(Visit& visit) {
+        visit(registers);
+        visit(shift);
+        visit(count);
+        visit(lastRegister);
+        visit(lastCycle);
+        visit(programRam);
+        visit(characterRam);
+    }
+};
+
+SHIFT_STATE& State(NES_CARTRIDGE& cartridge) {
+    return BoardState<SHIFT_STATE>(cartridge);
+}
+
+void SyncProgram(NES_CARTRIDGE& cartridge) {
+    const auto& registers = State(cartridge).registers;
+    const uint32_t late = registers[kControl] >> kLateShift & kControlAtReset;
+    const uint32_t control = registers[kControl] & ~late;
+    const uint32_t outer =
+        cartridge.programBanks == kBanksOfTwoHalves ? registers[kChr0] & 0x10u : 0;
+    const uint32_t bank = registers[kPrg] & 15u;
+    uint32_t low = bank & 14;
+    uint32_t high = low | 1;
+    if ((control & kSwitchHalf) != 0) {
+        const bool fixLast = (control & kFixLast) != 0;
+        low = fixLast ? bank : 0;
+        high = fixLast ? 15 : bank;
+    }
+    MapPrg16(cartridge, 8, low + outer);
+    MapPrg16(cartridge, 12, high + outer);
+}
+
+void MapHalf(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t bank) {
+    if (cartridge.characterBanks == 0) {
+        MapChrRam(cartridge, firstPage, 4,
+                  State(cartridge).characterRam.data() + (bank & 1) * kHalfBytes);
+    } else {
+        MapChr4(cartridge, firstPage, bank);
+    }
+}
+
+void SyncCharacters(NES_CARTRIDGE& cartridge) {
+    const auto& registers = State(cartridge).registers;
+    if ((registers[kControl] & kChrHalves) != 0) {
+        MapHalf(cartridge, 0, registers[kChr0] & 31);
+        MapHalf(cartridge, 4, registers[kChr1] & 31);
+    } else {
+        MapHalf(cartridge, 0, registers[kChr0] & 30);
+        MapHalf(cartridge, 4, (registers[kChr0] & 30) | 1);
+    }
+}
+
+void Sync(NES_CARTRIDGE& cartridge) {
+    // Index: control & 3.
+    constexpr std::array<NesMirroring, 4> kMirrorings{NesMirroring::kPageA, NesMirroring::kPageB,
+                                                      NesMirroring::kVertical,
+                                                      NesMirroring::kHorizontal};
+    SHIFT_STATE& state = State(cartridge);
+    SetMirroring(cartridge, kMirrorings[state.registers[kControl] & kMirroringMask]);
+    SyncProgram(cartridge);
+    SyncCharacters(cartridge);
+    const bool open = (state.registers[kPrg] & kRamClosed) == 0;
+    MapPrgRam(cartridge, state.programRam, open, open);
+}
+
+// The second of two writes in consecutive cycles, as read-modify-write instructions make them, is
+// not seen.
+void Write(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
+    SHIFT_STATE& state = State(cartridge);
+    if (*cartridge.cpuCycles - state.lastCycle <= 1) {
+        return;
+    }
+    state.lastCycle = *cartridge.cpuCycles;
+    if ((value & 0x80) != 0) {
+        // The page tables follow with the next register that is set.
+        uint8_t& control = state.registers[kControl];
+        const auto late = static_cast<uint8_t>(kControlAtReset & ~control);
+        control = static_cast<uint8_t>(control | late | late << kLateShift);
+        state.shift = 0;
+        state.count = 0;
+        return;
+    }
+    state.shift = static_cast<uint8_t>(state.shift | (value & 1) << state.count);
+    if (++state.count == kBitsAValue) {
+        state.lastRegister = address >> 13 & 3;
+        state.registers[kControl] &= 31;
+        state.registers[state.lastRegister] = state.shift & 31;
+        state.shift = 0;
+        state.count = 0;
+        Sync(cartridge);
+    }
+}
+
+void Reset(NES_CARTRIDGE& cartridge) {
+    SHIFT_STATE& state = State(cartridge);
+    state.registers = {kControlAtReset, 0, 0, 0};
+    state.shift = 0;
+    state.count = 0;
+    state.lastRegister = 0;
+    state.lastCycle = 0;
+    SetWriteHandler(cartridge, 8, 15, Write);
+    Sync(cartridge);
+}
+
+void Restore(NES_CARTRIDGE& cartridge) {
+    SHIFT_STATE& state = State(cartridge);
+    const uint8_t control = state.registers[kControl] & kControlMask;
+    for (uint8_t& value : state.registers) {
+        value &= 31;
+    }
+    state.registers[kControl] = control;
+    state.count %= kBitsAValue;
+    state.lastRegister &= 3;
+    Sync(cartridge);
+}
+
+} // namespace
+
+constexpr NES_BOARD_ROW kNesShiftBoard{CreateBoardState<SHIFT_STATE>,
+                                       Reset,
+                                       nullptr,
+                                       nullptr,
+                                       nullptr,
+                                       SaveBoardState<SHIFT_STATE>,
+                                       LoadBoardState<SHIFT_STATE, Restore>};

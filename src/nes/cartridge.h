@@ -1,0 +1,112 @@
+// NES cartridge: the image's pages, the board that shows them to the two buses, and the board's memory.
+//
+// An image is a header of 16 bytes, program banks of 16 KB and character banks of 8 KB. It is kept as
+// program pages of 4 KB and character pages of 1 KB; a board only ever rewrites the page tables.
+// Units: bank and page numbers count pages of the size that the name says. `cpuCycles` is in processor
+//   cycles.
+// Owner: one machine, on its session's thread; no lock. Not copyable or movable, for the page tables
+//   point into it.
+// Pins: the processor's cycle counter and interrupt word and the picture unit's four nametable pages
+//   come in by CartridgeConnect and stay the machine's.
+// Order: CartridgeLoad, CartridgeConnect, BoardReset (board.h), then reads and writes.
+// Absent pages: bank numbers wrap at the image's size where that is a power of two of banks. Otherwise
+//   they run past its end; what they show there reads as kNesUnreadable and takes no write.
+#pragma once
+
+#include "nes/nes_lines.h"
+#include "nes/nes_pages.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+inline constexpr size_t kNesHeaderBytes = 16;
+inline constexpr uint32_t kNesMostProgramPages = 2048;
+inline constexpr uint32_t kNesMostCharacterPages = 4096;
+inline constexpr size_t kNesBoardRamBytes = 8192;
+
+inline constexpr uint32_t kNesQuietForEver = 1 << 20; // dots; more than a frame has
+
+using NesBoardRam = std::array<uint8_t, kNesBoardRamBytes>;
+
+// Bits of NES_CARTRIDGE::flags.
+inline constexpr uint8_t kNesVerticalMirroring = 1;
+inline constexpr uint8_t kNesTrainer = 4;
+inline constexpr uint8_t kNesFourScreens = 8;
+
+struct NES_BOARD_ROW;
+struct NES_CARTRIDGE;
+
+// What a board keeps between accesses; each kind derives its own record.
+struct NES_BOARD_STATE {
+    NES_BOARD_STATE() = default;
+    NES_BOARD_STATE(const NES_BOARD_STATE&) = delete;
+    NES_BOARD_STATE& operator=(const NES_BOARD_STATE&) = delete;
+    virtual ~NES_BOARD_STATE() = default;
+};
+
+using NesWriteHandler = void (*)(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value);
+
+struct NES_CARTRIDGE {
+    NES_CARTRIDGE() = default;
+    NES_CARTRIDGE(const NES_CARTRIDGE&) = delete;
+    NES_CARTRIDGE& operator=(const NES_CARTRIDGE&) = delete;
+
+    // The image, each page its own block; null where it has none.
+    std::array<std::unique_ptr<uint8_t[]>, kNesMostProgramPages> program;
+    std::array<std::unique_ptr<uint8_t[]>, kNesMostCharacterPages> character;
+    uint32_t programBanks = 0;   // of 16 KB, as the header says
+    uint32_t characterBanks = 0; // of 8 KB; 0: the board has RAM instead
+    uint32_t programMask = 0;    // for 4 KB page numbers, up to 2047
+    uint32_t characterMask = 0;  // for 1 KB page numbers, up to 4095
+    uint8_t flags = 0;           // low nibbles of header bytes 7 and 6
+    uint8_t boardNumber = 0;
+
+    const NES_BOARD_ROW* board = nullptr;
+    std::unique_ptr<NES_BOARD_STATE> state; // null for a board that keeps nothing
+    NES_PAGES pages;
+    // By CPU page; null where the page table alone decides. Boards set those of pages 6 to 15.
+    std::array<NesWriteHandler, kNesCpuPages> write{};
+    // Once a processor cycle; null for a board without, so that a machine's loop can leave it out.
+    void (*cpuClock)(NES_CARTRIDGE& cartridge) = nullptr;
+
+    // Of a board that watches addresses to interrupt: for how many dots at least it will not, whatever the
+    // picture unit fetches, unless the board is written to. Null for a board that never does.
+    uint32_t (*quietDots)(const NES_CARTRIDGE& cartridge) = nullptr;
+
+    // Character RAM of the plain board. One to a machine, as several machines run at once, and kept by
+    // no state.
+    NesBoardRam plainRam{};
+
+    const uint32_t* cpuCycles = nullptr;
+    uint32_t* irqLines = nullptr; // kNesIrqBoard is the board's
+    std::array<uint8_t*, 4> nametables{};
+};
+
+// Takes the image and makes the board's record. False leaves an empty cartridge and a line in `error`
+// for the user; a trainer is refused without a word. The bytes are copied.
+[[nodiscard]] bool CartridgeLoad(NES_CARTRIDGE& cartridge, std::span<const uint8_t> image,
+                                 std::string& error);
+
+void CartridgeConnect(NES_CARTRIDGE& cartridge, const uint32_t* cpuCycles, uint32_t* irqLines,
+                      const std::array<uint8_t*, 4>& nametables);
+
+// CPU pages 5 to 15.
+[[nodiscard]] inline uint8_t CartridgeRead(const NES_CARTRIDGE& cartridge, uint16_t address) {
+    const NES_CPU_PAGE& page = cartridge.pages.cpu[address >> 12];
+    return page.readable ? page.data[address & 0xFFF] : kNesUnreadable;
+}
+
+inline void CartridgeWrite(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
+    if (const NesWriteHandler handler = cartridge.write[address >> 12]; handler != nullptr) {
+        handler(cartridge, address, value);
+        return;
+    }
+    const NES_CPU_PAGE& page = cartridge.pages.cpu[address >> 12];
+    if (page.writable) {
+        page.data[address & 0xFFF] = value;
+    }
+}

@@ -1,0 +1,91 @@
+#include "nes/m6502.h"
+
+#include "base/state_piece.h"
+
+namespace {
+
+// The callbacks as a bus.
+struct CALLBACK_BUS {
+    M6502& cpu;
+
+    uint8_t Read(uint16_t address) const { return cpu.read(cpu.context, address); }
+    void Write(uint16_t address, uint8_t value) const { cpu.write(cpu.context, address, value); }
+};
+
+// All saved fields in their order.
+template <typename Visit>
+void VisitFields(M6502& cpu, Visit& visit) {
+    visit(cpu.pc);
+    visit(cpu.a);
+    visit(cpu.x);
+    visit(cpu.y);
+    visit(cpu.sp);
+    visit(cpu.p);
+    visit(cpu.queue);
+    visit(cpu.queueIndex);
+    visit(cpu.cycles);
+    visit(cpu.opcode);
+    visit(cpu.operandRegister);
+    visit(cpu.address);
+    visit(cpu.data);
+    visit(cpu.busValue);
+    visit(cpu.nmiLine);
+    visit(cpu.irqLines);
+    visit(cpu.nmiSeen);
+    visit(cpu.irqSeen);
+}
+
+// A queue is run without a look at its bounds: every step must be one, and the last entry an end.
+bool IsRunnable(const M6502& cpu) {
+    for (const M6502Step step : cpu.queue) {
+        if (step >= M6502Step::kCount) {
+            return false;
+        }
+    }
+    return cpu.queue.back() == M6502Step::kEnd && cpu.queueIndex < kM6502QueueSize;
+}
+
+} // namespace
+
+void M6502Init(M6502& cpu, void* context, M6502ReadFunction read, M6502WriteFunction write) {
+    cpu = M6502{};
+    cpu.read = read;
+    cpu.write = write;
+    cpu.context = context;
+}
+
+void M6502Reset(M6502& cpu) {
+    CALLBACK_BUS bus{cpu};
+    M6502ResetOn(cpu, bus);
+}
+
+void M6502Tick(M6502& cpu) {
+    CALLBACK_BUS bus{cpu};
+    M6502Sample(cpu);
+    M6502Cycle(cpu, bus);
+}
+
+uint32_t M6502StateSize() {
+    M6502 cpu;
+    return StatePieceSize([&](auto& visit) { VisitFields(cpu, visit); });
+}
+
+uint8_t* M6502SaveState(const M6502& cpu, uint8_t* out) {
+    M6502 copy = cpu;
+    return StatePieceWrite(out, [&](auto& visit) { VisitFields(copy, visit); });
+}
+
+uint32_t M6502LoadState(M6502& cpu, const uint8_t* data, uint32_t size) {
+    M6502 loaded = cpu;
+    const uint32_t used =
+        StatePieceRead(data, size, [&](auto& visit) { VisitFields(loaded, visit); });
+    if (used == 0 || !IsRunnable(loaded)) {
+        return 0;
+    }
+    loaded.p = static_cast<uint8_t>((loaded.p & ~kM6502FlagB) | kM6502FlagOne);
+    loaded.opcode &= 0xFF;
+    loaded.operandRegister %= kM6502RegisterCount;
+    loaded.data &= 0xFF;
+    cpu = loaded;
+    return used;
+}

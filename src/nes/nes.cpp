@@ -1,0 +1,204 @@
+#include "nes/nes.h"
+
+#include "base/state_piece.h"
+#include "front/settings/bindings.h"
+#include "host/machine_image.h"
+#include "host/sound_frame.h"
+#include "host/state_pieces.h"
+#include "nes/board.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr uint32_t kLargestImage = 8 * 1024 * 1024; // a header can speak of no more
+constexpr float kAspect = 1.25F;
+constexpr uint32_t kBlack = 0xFF000000;
+constexpr uint8_t kPlainBoard = 0;
+constexpr uint32_t kProgramRamPage = 6;
+constexpr uint32_t kProgramRamPages = 2;
+
+// In the order of a pad's bits.
+constexpr const wchar_t* kActions[kNesPads][8] = {
+    {L"NES P1 BUTTONA", L"NES P1 BUTTONB", L"NES P1 SELECT", L"NES P1 START", L"NES P1 UP",
+     L"NES P1 DOWN", L"NES P1 LEFT", L"NES P1 RIGHT"},
+    {L"NES P2 BUTTONA", L"NES P2 BUTTONB", L"NES P2 SELECT", L"NES P2 START", L"NES P2 UP",
+     L"NES P2 DOWN", L"NES P2 LEFT", L"NES P2 RIGHT"},
+};
+
+uint8_t ReadButtons(uint32_t sessionKey, std::span<const wchar_t* const> actions) {
+    uint32_t buttons = 0;
+    for (size_t i = 0; i < actions.size(); ++i) {
+        buttons |= (InputIsDown(sessionKey, actions[i]) ? 1U : 0U) << i;
+    }
+    return static_cast<uint8_t>(buttons);
+}
+
+template <typename Bytes>
+std::vector<uint8_t> Copy(const Bytes& bytes) {
+    return {bytes.begin(), bytes.end()};
+}
+
+} // namespace
+
+void NesBuildTables() {
+    const auto ppu = std::make_unique<PPU>();
+    PpuInit(*ppu, nullptr);
+}
+
+CNES::CNES(uint32_t sessionKeyValue)
+    : CEmuSystem(sessionKeyValue, kPpuWidth, kPpuHeight) {}
+
+bool CNES::Init([[maybe_unused]] const void* options, CGameFile* const games[2]) {
+    const auto image = TakeImage(games[0], kLargestImage);
+    if (!image) {
+        return false;
+    }
+    std::string error;
+    if (!CartridgeLoad(nes.cartridge, *image, error)) {
+        if (!error.empty()) {
+            EmuSetLastError(std::move(error));
+        }
+        return false;
+    }
+    NesConnect(nes);
+    Reset();
+    return true;
+}
+
+void CNES::Reset() {
+    NesReset(nes);
+}
+
+void CNES::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
+                    EMU_AUDIO_FRAME* audio) {
+    for (size_t i = 0; i < kNesPads; ++i) {
+        nes.pads[i].buttons = ReadButtons(sessionKey, kActions[i]);
+    }
+    video->width = kPpuWidth;
+    video->height = kPpuHeight;
+    video->aspect = kAspect;
+    video->visibleX = 0;
+    video->visibleY = 0;
+    video->visibleWidth = kPpuWidth;
+    video->visibleHeight = kPpuHeight;
+    video->visibleAspect = kAspect;
+    if (nes.ppu.line != kPpuPreRenderLine) {
+        // The first frame after a reset begins with the blank, and nothing is drawn in it.
+        std::fill_n(video->pixels, size_t{kPpuWidth} * kPpuHeight, kBlack);
+    }
+    PpuBeginFrame(nes.ppu, video->pixels, kPpuWidth);
+    NesRunFrame(nes);
+    ApuFlush(nes.apu);
+    TakeSound(nes.apu.resampler, *audio);
+}
+
+template <typename Visit>
+void CNES::BoardFields(Visit& visit) {
+    visit(nes.workRam);
+    for (NES_PAD& pad : nes.pads) {
+        visit(pad.buttons);
+    }
+    for (NES_PAD& pad : nes.pads) {
+        visit(pad.readIndex);
+    }
+}
+
+template <typename Visit>
+void CNES::PlainRamFields(Visit& visit) {
+    visit(nes.cartridge.plainRam);
+}
+
+// The piece of a plain board has no fields, so its RAM stands behind the cartridge.
+bool CNES::HasPlainRam() const {
+    return nes.cartridge.boardNumber == kPlainBoard && nes.cartridge.characterBanks == 0;
+}
+
+StateBlob CNES::SaveState(uint32_t& size) {
+    const auto board = [&](auto& visit) { BoardFields(visit); };
+    const auto plainRam = [&](auto& visit) { PlainRamFields(visit); };
+    const auto sound = {&std::as_const(nes.apu.resampler)};
+    size = StatePieceSize(board) + M6502StateSize() + PpuStateSize() + ApuStateSize() +
+           BoardStateSize(nes.cartridge) + (HasPlainRam() ? StatePieceSize(plainRam) : 0) +
+           SoundStateSize(sound);
+    auto blob = std::make_unique<uint8_t[]>(size);
+    uint8_t* out = StatePieceWrite(blob.get(), board);
+    out = M6502SaveState(nes.cpu, out);
+    out = PpuSaveState(nes.ppu, out);
+    out = ApuSaveState(nes.apu, out);
+    out = BoardSaveState(nes.cartridge, out);
+    if (HasPlainRam()) {
+        out = StatePieceWrite(out, plainRam);
+    }
+    SaveSoundState(sound, out);
+    return blob;
+}
+
+bool CNES::LoadPieces(const uint8_t* data, uint32_t size) {
+    const auto board = [&](auto& visit) { BoardFields(visit); };
+    const auto plainRam = [&](auto& visit) { PlainRamFields(visit); };
+    StatePieces pieces(data, size);
+    bool loaded = pieces.Take(
+        [&](const uint8_t* piece, uint32_t left) { return StatePieceRead(piece, left, board); });
+    loaded = loaded && pieces.Load(nes.cpu, M6502LoadState) && pieces.Load(nes.ppu, PpuLoadState) &&
+             pieces.Load(nes.apu, ApuLoadState) && pieces.Load(nes.cartridge, BoardLoadState);
+    if (loaded && HasPlainRam()) {
+        loaded = pieces.Take([&](const uint8_t* piece, uint32_t left) {
+            return StatePieceRead(piece, left, plainRam);
+        });
+    }
+    LoadSoundState({&nes.apu.resampler}, pieces.Rest(), loaded ? pieces.Left() : 0);
+    return loaded;
+}
+
+// The lines are masked even where a later piece was refused: those before it are then in force.
+bool CNES::LoadState(const uint8_t* data, uint32_t size) {
+    const bool loaded = LoadPieces(data, size);
+    nes.cpu.irqLines &= kNesIrqFrame | kNesIrqSample | kNesIrqBoard;
+    nes.cpu.nmiLine &= 1;
+    return loaded;
+}
+
+bool CNES::Peek(uint32_t address, uint8_t& value) const {
+    if (address > 0xFFFF) {
+        return false;
+    }
+    value = NesPeek(nes, static_cast<uint16_t>(address));
+    return true;
+}
+
+std::vector<uint8_t> CNES::Dump(std::string_view region) const {
+    std::vector<uint8_t> bytes;
+    if (region == "ram") {
+        return Copy(nes.workRam);
+    }
+    if (region == "palette") {
+        return Copy(nes.ppu.palette);
+    }
+    if (region == "oam") {
+        return Copy(nes.ppu.oam);
+    }
+    if (region == "vram") {
+        for (const auto& page : nes.ppu.nametables) {
+            bytes.insert(bytes.end(), page.begin(), page.end());
+        }
+    }
+    if (region == "sram") {
+        for (uint32_t i = 0; i < kProgramRamPages; ++i) {
+            const NES_CPU_PAGE& page = nes.cartridge.pages.cpu[kProgramRamPage + i];
+            if (page.data != nullptr) {
+                bytes.insert(bytes.end(), page.data, page.data + kNesCpuPageBytes);
+            }
+        }
+    }
+    return bytes;
+}
+
+std::span<const std::string_view> CNES::Regions() const {
+    static constexpr std::string_view kRegions[] = {"ram", "vram", "palette", "oam", "sram"};
+    const bool hasProgramRam = nes.cartridge.pages.cpu[kProgramRamPage].data != nullptr;
+    return std::span(kRegions).first(std::size(kRegions) - (hasProgramRam ? 0 : 1));
+}

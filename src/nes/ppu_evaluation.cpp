@@ -1,0 +1,149 @@
+// The search for the next line's sprites.
+#include "nes/ppu.h"
+#include "nes/ppu_private.h"
+
+namespace {
+
+constexpr uint32_t kClearDots = 64;
+constexpr uint32_t kSearchPairs = 96; // from there to dot 255, an even and an odd dot each
+
+// Whether a Y, that of the line above a sprite, puts it on the line after this one. None is on line 0,
+// as no Y is within reach of line -1.
+[[nodiscard]] bool InRange(const PPU& ppu, uint8_t y) {
+    const uint32_t height = (ppu.control & kPpuTallSprites) != 0 ? 16 : 8;
+    return static_cast<uint32_t>(ppu.line - y) < height;
+}
+
+// Every second sprite can be the first: the lowest bit of its number is lost.
+void Start(PPU& ppu) {
+    ppu.evaluation = kPpuFindSprite;
+    ppu.spriteIndex = static_cast<uint8_t>((ppu.oamAddress >> 2 & 0x3E) * 4);
+    ppu.foundCount = 0;
+    ppu.foundZero = false;
+}
+
+// To byte 0 of the next sprite.
+void NextSprite(PPU& ppu) {
+    ppu.spriteIndex = static_cast<uint8_t>((ppu.spriteIndex & 0xFC) + 4);
+    if (ppu.spriteIndex == 0) {
+        ppu.evaluation = kPpuIdle;
+    }
+}
+
+// The place for the byte just read.
+[[nodiscard]] uint8_t& Copy(PPU& ppu) {
+    return ppu.secondaryOam[(ppu.foundCount * 4U + (ppu.spriteIndex & 3U)) & 31];
+}
+
+void FindSprite(PPU& ppu) {
+    Copy(ppu) = ppu.spriteByte;
+    if (!InRange(ppu, ppu.spriteByte)) {
+        NextSprite(ppu);
+        return;
+    }
+    if (ppu.foundCount == 0) {
+        ppu.foundZero = ppu.spriteIndex == 0;
+    }
+    ppu.evaluation = kPpuCopySprite;
+    ++ppu.spriteIndex;
+}
+
+void CopySprite(PPU& ppu) {
+    Copy(ppu) = ppu.spriteByte;
+    ++ppu.spriteIndex;
+    if ((ppu.spriteIndex & 3) == 0) {
+        ++ppu.foundCount;
+        ppu.evaluation = ppu.foundCount == kPpuLineSprites ? kPpuFindOverflow : kPpuFindSprite;
+        if (ppu.spriteIndex == 0) {
+            ppu.evaluation = kPpuIdle;
+        }
+    }
+}
+
+// The search for a ninth sprite steps the byte along with the sprite, so that after the first it takes
+// tiles, attributes and X positions for a Y.
+void FindOverflow(PPU& ppu) {
+    if (InRange(ppu, ppu.spriteByte)) {
+        ppu.status |= kPpuOverflow;
+        ppu.evaluation = kPpuSkipSprite;
+        ppu.skipBytes = 3;
+        ++ppu.spriteIndex;
+        return;
+    }
+    const uint32_t byte = (ppu.spriteIndex + 1U) & 3;
+    const uint32_t sprite = (ppu.spriteIndex + 4U) & 0xFC;
+    ppu.spriteIndex = static_cast<uint8_t>(sprite | byte);
+    if (sprite == 0) {
+        ppu.evaluation = kPpuIdle;
+        ppu.spriteIndex = 0;
+    }
+}
+
+void SkipSprite(PPU& ppu) {
+    ++ppu.spriteIndex;
+    if (ppu.skipBytes-- <= 1) {
+        ppu.skipBytes = 0;
+        ppu.evaluation = kPpuIdle;
+        ppu.spriteIndex &= 0xFC;
+    }
+}
+
+// What an odd dot does with the byte that the even one has read.
+void Step(PPU& ppu) {
+    switch (ppu.evaluation) {
+    case kPpuFindSprite: FindSprite(ppu); break;
+    case kPpuCopySprite: CopySprite(ppu); break;
+    case kPpuFindOverflow: FindOverflow(ppu); break;
+    case kPpuSkipSprite: SkipSprite(ppu); break;
+    default: NextSprite(ppu); break;
+    }
+}
+
+// So many pairs of dots after the last sprite, which read every Y in turn.
+void Idle(PPU& ppu, uint32_t pairs) {
+    const uint32_t last = (ppu.spriteIndex & 0xFCU) + (pairs - 1) * 4;
+    ppu.spriteByte = ppu.oam[last & 0xFF];
+    ppu.spriteIndex = static_cast<uint8_t>(last + 4);
+}
+
+} // namespace
+
+void PpuEvaluateDot(PPU& ppu, uint32_t dot) {
+    const bool odd = (dot & 1) != 0;
+    if (dot < kClearDots) {
+        if (odd) {
+            ppu.secondaryOam[dot >> 1] = 0xFF;
+        }
+    } else if (odd) {
+        Step(ppu);
+    } else {
+        if (dot == kClearDots) {
+            Start(ppu);
+        }
+        ppu.spriteByte = ppu.oam[ppu.spriteIndex];
+    }
+}
+
+void PpuEvaluateLine(PPU& ppu) {
+    ppu.secondaryOam.fill(0xFF);
+    Start(ppu);
+    for (uint32_t pairs = kSearchPairs; pairs != 0; --pairs) {
+        if (ppu.evaluation == kPpuIdle) {
+            Idle(ppu, pairs);
+            return;
+        }
+        ppu.spriteByte = ppu.oam[ppu.spriteIndex];
+        Step(ppu);
+    }
+}
+
+void PpuEvaluateTo(PPU& ppu, uint32_t end) {
+    if (ppu.evaluatedDots == 0 && end == kPpuWidth) {
+        PpuEvaluateLine(ppu);
+    } else {
+        for (uint32_t dot = ppu.evaluatedDots; dot < end; ++dot) {
+            PpuEvaluateDot(ppu, dot);
+        }
+    }
+    ppu.evaluatedDots = end;
+}

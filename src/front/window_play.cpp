@@ -11,6 +11,7 @@
 #include "front/run_settings.h"
 #include "front/screenshots.h"
 #include "front/settings/bindings.h"
+#include "host/session.h"
 
 #include <SDL.h>
 
@@ -136,6 +137,10 @@ private:
             if (!TakeScreenshots(application.FrameShown(), false)) {
                 return kExitFailed;
             }
+        }
+        if (options.frames != 0) {
+            std::printf("%u frames | %s\n", Application::FramesPresented(),
+                        EmuFormatStats().c_str());
         }
         return TakeScreenshots(application.FrameShown(), true) ? kExitDone : kExitFailed;
     }

@@ -92,6 +92,9 @@ void CNES::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* vi
     }
     PpuBeginFrame(nes.ppu, video->pixels, kPpuWidth);
     NesRunFrame(nes);
+    // The host's buffer may be gone before the next frame, while a loaded state may stand in a picture.
+    nes.ppu.pixels = nullptr;
+    nes.ppu.row = nullptr;
     ApuFlush(nes.apu);
     TakeSound(nes.apu.resampler, *audio);
 }

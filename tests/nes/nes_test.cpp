@@ -470,6 +470,20 @@ TEST(Nes, EveryPixelOfEveryFrameIsSet) {
     }
 }
 
+TEST(Nes, DrawsNothingIntoTheBufferOfAnEarlierFrame) {
+    const auto machine = StartNes(ShowTileAndSprite(), {0, 0, 2, 1, Characters()});
+    MACHINE_RIG first;
+    first.Frames(*machine, 5);
+    EXPECT_EQ(machine->Console().ppu.pixels, nullptr);
+    EXPECT_EQ(machine->Console().ppu.row, nullptr);
+    first.pixels.fill(0x12345678);
+    MACHINE_RIG second;
+    second.Frame(*machine);
+    ExpectTileAndSprite(second);
+    EXPECT_EQ(std::count(first.pixels.begin(), first.pixels.end(), 0x12345678U),
+              static_cast<ptrdiff_t>(first.pixels.size()));
+}
+
 // Sound.
 
 TEST(Nes, PlaysThePitchOfThePulseChannel) {

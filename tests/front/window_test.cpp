@@ -87,6 +87,18 @@ void Key(SDL_Scancode scancode, bool down) {
     SDL_PushEvent(&event);
 }
 
+// Off the screen and without a device, unless whoever runs the tests wants others; the programs that
+// tests start inherit it.
+class Surroundings : public testing::Environment {
+public:
+    void SetUp() override {
+        SDL_setenv("SDL_VIDEODRIVER", "offscreen", 0);
+        SDL_setenv("SDL_AUDIODRIVER", "dummy", 0);
+    }
+};
+testing::Environment* const kSurroundings =
+    testing::AddGlobalTestEnvironment(new Surroundings); // the test library's own from here on
+
 class WindowTest : public testing::Test {
 protected:
     void SetUp() override {

@@ -172,6 +172,7 @@ bool Application::Start(std::string& error) {
     if (!text->Init()) {
         words.emplace_back("the graphics driver has no memory for text; messages come here alone");
     }
+    SDL_StopTextInput(); // no text field has the focus, and an input method would swallow the keys
     followDisplay = window.FollowsDisplay();
     SeedRandom(SDL_GetTicks());
     HostSetReportSink(PostReport);

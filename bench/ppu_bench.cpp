@@ -14,7 +14,7 @@ constexpr double kDotsPerFrame = 262 * 341;
 
 void CountRise(void* board, uint16_t address) {
     auto& rises = *static_cast<uint32_t*>(board);
-    rises += address >> 12 & 1;
+    rises += uint32_t{address} >> 12 & 1;
 }
 
 // Whether the board looks at addresses.

@@ -104,7 +104,7 @@ NesProgram ReadPadOften(int port) {
 
 void ExpectPadBits(const CNES& machine, uint8_t buttons) {
     for (uint32_t i = 0; i < 40; ++i) {
-        const uint32_t bit = i % 32 < 8 ? buttons >> (i % 32) & 1U : 0;
+        const uint32_t bit = i % 32 < 8 ? uint32_t{buttons} >> (i % 32) & 1U : 0;
         EXPECT_EQ(NesByte(machine, 0x0200 + i), 0x40 | bit) << "read " << i;
     }
 }

@@ -311,11 +311,11 @@ void Joysticks::TakeState(uint32_t place) {
         return;
     }
     for (const BUTTON_CONTROL& row : kButtonControls) {
-        ControllerButton(device.instance, row.button,
+        ControllerButton(device.instance, static_cast<uint32_t>(row.button),
                          SDL_GameControllerGetButton(device.controller, row.button) != 0);
     }
     for (const AXIS_CONTROL& row : kAxisControls) {
-        ControllerAxis(device.instance, row.axis,
+        ControllerAxis(device.instance, static_cast<uint32_t>(row.axis),
                        SDL_GameControllerGetAxis(device.controller, row.axis));
     }
 }

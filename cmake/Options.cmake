@@ -26,7 +26,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 # Debug and sanitizer builds check that locks are taken in the order of their ranks.
 if(OMBRELUNE_SANITIZE)
-    target_compile_definitions(ombrelune_flags INTERFACE OMBRELUNE_CHECK_LOCK_RANKS)
+    target_compile_definitions(ombrelune_flags INTERFACE
+        OMBRELUNE_CHECK_LOCK_RANKS OMBRELUNE_SANITIZED)
 else()
     target_compile_definitions(ombrelune_flags INTERFACE
         $<$<CONFIG:Debug>:OMBRELUNE_CHECK_LOCK_RANKS>)

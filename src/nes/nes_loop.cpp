@@ -4,6 +4,7 @@
 // In the plain loop every chip is stepped in every cycle. In the late one the picture unit waits until
 // somebody could tell: something on the processor's side of it is read or written, or it has an event,
 // such as the blank's interrupt or, sooner, one of a board that watches its addresses.
+#include "base/flatten.h"
 #include "nes/apu_tick.h"
 #include "nes/m6502_tick.h"
 #include "nes/nes_bus.h"
@@ -30,7 +31,7 @@ template <bool boardClock>
 }
 
 template <bool boardClock>
-[[gnu::flatten]] void RunFrame(NES_CONSOLE& nes) {
+void RunFrame(NES_CONSOLE& nes) {
     NES_BUS bus{nes};
     while (!nes.ppu.frameDone) {
         M6502Sample(nes.cpu);
@@ -92,7 +93,7 @@ private:
 
 // The board's clock, which knows nothing of the picture, is never late.
 template <bool boardClock>
-[[gnu::flatten]] void RunFrameLate(NES_CONSOLE& nes) {
+OMBRELUNE_FLATTEN void RunFrameLate(NES_CONSOLE& nes) {
     NES_LATE_BUS bus{{nes}, 0, 0};
     bus.FindEvent();
     while (!nes.ppu.frameDone) {

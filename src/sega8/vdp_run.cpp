@@ -5,6 +5,7 @@
 // slot that is run by itself, so no order can be told from the dot by dot one.
 #include "sega8/vdp_run.h"
 
+#include "base/flatten.h"
 #include "sega8/vdp_run_mode4.h"
 #include "sega8/vdp_run_pixels.h"
 #include "sega8/vdp_slot_lists.h"
@@ -46,7 +47,7 @@ inline void RunListSlot(VDP& vdp) {
 
 // Group 0 begins with the kind of the line before in `lastKind`, so it runs dot by dot.
 template <size_t List, size_t Group>
-[[gnu::flatten]] void RunGroup(VDP& vdp) {
+OMBRELUNE_FLATTEN void RunGroup(VDP& vdp) {
     constexpr size_t kFirst = Group * 4;
     RunListSlot<List, kFirst>(vdp);
     RunListSlot<List, kFirst + 1>(vdp);

@@ -1,4 +1,5 @@
 // The Z80's base table, and its index table, which is the base table with IX or IY in the place of HL.
+#include "base/flatten.h"
 #include "sega8/z80_private.h"
 #include "sega8/z80_templates.h"
 
@@ -396,7 +397,7 @@ void DecodeQuarter(const DECODE& at, uint32_t quarter) {
 
 // An opcode without a prefix, its fields known to the compiler.
 template <uint32_t Opcode>
-[[gnu::flatten]] void DecodeOpcode(Z80& z80) {
+OMBRELUNE_FLATTEN void DecodeOpcode(Z80& z80) {
     DecodeQuarter({z80, kZ80Hl, (Opcode >> 3) & 7, Opcode & 7}, Opcode >> 6);
 }
 

@@ -7,6 +7,9 @@ find_program(MAKEBIN makebin REQUIRED)
 find_program(CA65 ca65 REQUIRED)
 find_program(CC65 cc65 REQUIRED)
 find_program(LD65 ld65 REQUIRED)
+find_program(M68K_AS m68k-linux-gnu-as REQUIRED)
+find_program(M68K_LD m68k-linux-gnu-ld REQUIRED)
+find_program(M68K_OBJCOPY m68k-linux-gnu-objcopy REQUIRED)
 
 # ombrelune_z80_rom(NAME name SIZE bytes SOURCES file... [DEPENDS file...] [FLAGS flag...])
 #
@@ -74,6 +77,53 @@ function(ombrelune_nes_rom)
     set(image ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.rom)
     add_custom_command(OUTPUT ${image}
         COMMAND ${LD65} -C ${ROM_CONFIG} -o ${image} -m ${folder}/${ROM_NAME}.map ${objects} none.lib
+        DEPENDS ${objects} ${ROM_CONFIG} VERBATIM)
+endfunction()
+
+# ombrelune_md_rom(NAME name CONFIG file SOURCES file... [DEPENDS file...] [Z80 file...])
+#
+# Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, a Mega Drive cartridge of 68000 assembly (.s, GNU as),
+# laid out by the linker script CONFIG. The files of Z80 (.s, sdasz80; the first is linked first, at
+# address 0) become a program of at most 8 KiB in ${CMAKE_CURRENT_BINARY_DIR}/NAME.dir/z80.bin, which the
+# sources take in with .incbin "z80.bin".
+function(ombrelune_md_rom)
+    cmake_parse_arguments(ROM "" "NAME;CONFIG" "SOURCES;DEPENDS;Z80" ${ARGN})
+    set(objects "")
+    set(folder ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.dir)
+    file(MAKE_DIRECTORY ${folder})
+    list(TRANSFORM ROM_DEPENDS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+    set(z80_objects "")
+    foreach(source ${ROM_Z80})
+        get_filename_component(stem ${source} NAME_WE)
+        cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+        add_custom_command(OUTPUT ${folder}/${stem}.rel
+            COMMAND ${SDASZ80} -l -o -s -g -I${CMAKE_CURRENT_SOURCE_DIR} ${folder}/${stem}.rel ${source}
+            DEPENDS ${source} ${ROM_DEPENDS}
+            WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} VERBATIM)
+        list(APPEND z80_objects ${folder}/${stem}.rel)
+    endforeach()
+    if(z80_objects)
+        add_custom_command(OUTPUT ${folder}/z80.bin
+            COMMAND ${SDCC} -mz80 --no-std-crt0 --code-loc 0x0000 --data-loc 0x1C00
+                -o ${folder}/z80.ihx ${z80_objects}
+            COMMAND ${MAKEBIN} -s 8192 ${folder}/z80.ihx ${folder}/z80.bin
+            DEPENDS ${z80_objects} VERBATIM)
+        list(APPEND ROM_DEPENDS ${folder}/z80.bin)
+    endif()
+    foreach(source ${ROM_SOURCES})
+        get_filename_component(stem ${source} NAME_WE)
+        cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+        add_custom_command(OUTPUT ${folder}/${stem}.o
+            COMMAND ${M68K_AS} -m68000 --register-prefix-optional --fatal-warnings
+                -I ${CMAKE_CURRENT_SOURCE_DIR} -I ${folder} -o ${folder}/${stem}.o ${source}
+            DEPENDS ${source} ${ROM_DEPENDS} VERBATIM)
+        list(APPEND objects ${folder}/${stem}.o)
+    endforeach()
+    cmake_path(ABSOLUTE_PATH ROM_CONFIG BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+    set(image ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.rom)
+    add_custom_command(OUTPUT ${image}
+        COMMAND ${M68K_LD} -T ${ROM_CONFIG} -o ${folder}/${ROM_NAME}.elf ${objects}
+        COMMAND ${M68K_OBJCOPY} -O binary ${folder}/${ROM_NAME}.elf ${image}
         DEPENDS ${objects} ${ROM_CONFIG} VERBATIM)
 endfunction()
 

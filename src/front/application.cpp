@@ -12,6 +12,7 @@
 #include "front/settings/bindings.h"
 #include "front/settings/pad_defaults.h"
 #include "front/settings/settings.h"
+#include "host/battery_file.h"
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/report.h"
@@ -256,6 +257,8 @@ bool Application::Round() {
         return false;
     }
     UploadPictures();
+    EndDeadSessions();
+    KeepBatteries();
     DrawTexts();
     if (window.IsVisible() && (followDisplay || news)) {
         Draw();
@@ -383,6 +386,28 @@ void Application::UploadPictures() {
         EndSessionPicture(entry->second.picture);
         entry = pictures.erase(entry);
         news = true;
+    }
+}
+
+// A game that cannot go on is turned off, and the player is told why.
+void Application::EndDeadSessions() {
+    std::vector<uint32_t> dead;
+    EmuForEachSession([&](const EMU_THREAD& session) {
+        if (session.machine->ended) {
+            dead.push_back(session.key);
+        }
+    });
+    for (const uint32_t key : dead) {
+        PostReport(EmuLastError());
+        EmuStopSession(key);
+    }
+}
+
+void Application::KeepBatteries() {
+    const int64_t now = Now();
+    if (now - batteriesKept >= kSecond) {
+        batteriesKept = now;
+        EmuKeepBatteries();
     }
 }
 

@@ -98,6 +98,8 @@ private:
     void WatchSound(const PUMP_EVENTS& events);
     void Apply(const PUMP_EVENTS& events);
     void UploadPictures();
+    void EndDeadSessions();
+    void KeepBatteries();
     void AimPointer() const;
     void HideIdleCursor();
     void Draw();
@@ -128,6 +130,7 @@ private:
     bool sdlStarted = false;
     bool soundWanted = false; // an output has come or gone while none is open
     int64_t soundTried = 0;   // microseconds, of the last attempt
+    int64_t batteriesKept = 0; // microseconds, of the last look at them
     int processor = -1;       // the main thread's binding
     uint32_t frameShown = 0;
     bool followDisplay = false; // Swap waits for the display

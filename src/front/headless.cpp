@@ -45,6 +45,12 @@ public:
             if (!KeepFrame(frame)) {
                 return kExitFailed;
             }
+            if (session->machine->ended) {
+                // What was asked for is written all the same: it may tell why.
+                Complain(options.game + ": frame " + std::to_string(frame) + ": " + EmuLastError());
+                static_cast<void>(Finish());
+                return kExitFailed;
+            }
         }
         return Finish() ? kExitDone : kExitFailed;
     }

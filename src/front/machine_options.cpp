@@ -1,5 +1,6 @@
 #include "front/machine_options.h"
 
+#include "front/settings/settings.h"
 #include "library/game_file.h"
 #include "library/systems.h"
 
@@ -39,6 +40,18 @@ constexpr OPTION_VALUE kSmsDevices[] = {
     {"paddle",    8 },
     {"6button",   16},
 };
+constexpr OPTION_VALUE kMdConsoles[] = {
+    {"auto",    0},
+    {"genesis", 1},
+    {"japan",   2},
+    {"pal",     3},
+};
+constexpr OPTION_VALUE kMdDevices[] = {
+    {"auto",    0},
+    {"none",    1},
+    {"3button", 2},
+    {"6button", 3},
+};
 constexpr OPTION_VALUE kGearModels[] = {
     {"export",   0},
     {"japanese", 1},
@@ -53,6 +66,9 @@ constexpr MACHINE_OPTION kOptions[] = {
     {kSystemGameGear,     "model",   0, kGearModels },
     {kSystemGameGear,     "link",    1, kSwitch     },
     {kSystemGameGear,     "full",    2, kSwitch     },
+    {kSystemMegaDrive,    "console", 0, kMdConsoles },
+    {kSystemMegaDrive,    "port1",   1, kMdDevices  },
+    {kSystemMegaDrive,    "port2",   2, kMdDevices  },
 };
 
 std::string ValueNames(const MACHINE_OPTION& option) {
@@ -66,11 +82,22 @@ std::string ValueNames(const MACHINE_OPTION& option) {
 
 constexpr uint8_t kSms2Ntsc = 8;
 constexpr uint8_t kJoypad = 1;
+constexpr size_t kMdYmVolumeAt = 4;
+constexpr size_t kMdPsgVolumeAt = 8;
+
+void PutGain(OptionBlock& options, size_t at, const wchar_t* setting) {
+    const float gain = Settings().GetFloat(setting);
+    std::memcpy(&options[at], &gain, sizeof gain);
+}
 
 } // namespace
 
 OptionBlock DefaultMachineOptions(const CGameFile& game) {
     OptionBlock options{};
+    if (game.Header().system == kSystemMegaDrive) {
+        PutGain(options, kMdYmVolumeAt, L"megadrive_ymvolume");
+        PutGain(options, kMdPsgVolumeAt, L"megadrive_psgvolume");
+    }
     if (game.Header().system != kSystemMasterSystem) {
         return options;
     }

@@ -87,6 +87,9 @@ public:
     const uint32_t sessionKey; // for InputIsDown
     // Free for a machine to fill, only ever printed; the main thread prints while the machine runs.
     std::atomic<uint32_t> debugValue{0};
+    // Set by a machine whose program cannot go on; the last error says why. Its frames are empty until a
+    // Reset or LoadState.
+    std::atomic<bool> ended{false};
     const uint32_t width; // the largest picture the machine makes, in pixels
     const uint32_t height;
 

@@ -1,5 +1,6 @@
 #include "host/machines.h"
 
+#include "megadrive/mega_drive.h"
 #include "nes/nes.h"
 #include "sega8/game_gear.h"
 #include "sega8/sms.h"
@@ -16,16 +17,20 @@ std::unique_ptr<CEmuSystem> Construct(uint32_t sessionKey) {
 
 // The arcade board has no folder, so its saves lie in the program's home itself.
 constexpr MACHINE_ENTRY kMachines[] = {
-    {1, ".\\sms",      Construct<CSMS>     },
-    {2, ".\\gamegear", Construct<CGAMEGEAR>},
-    {5, ".\\nes",      Construct<CNES>     },
-    {6, "",            Construct<CSEGAE>   },
+    {1, ".\\sms",       Construct<CSMS>      },
+    {2, ".\\gamegear",  Construct<CGAMEGEAR> },
+    {4, ".\\megadrive", Construct<CMegaDrive>},
+    {5, ".\\nes",       Construct<CNES>      },
+    {6, "",             Construct<CSEGAE>    },
 };
 
 } // namespace
 
 const MACHINE_LIST& BuiltInMachines() {
     // All other tables of chips are constants or built before `main`.
-    static constexpr MACHINE_LIST kList{kMachines, NesBuildTables};
+    static constexpr MACHINE_LIST kList{kMachines, [] {
+                                            NesBuildTables();
+                                            MdBuildTables();
+                                        }};
     return kList;
 }

@@ -5,6 +5,7 @@
 #include "front/settings/bindings.h"
 #include "front/settings/settings.h"
 #include "host/archive.h"
+#include "host/battery_file.h"
 #include "host/frame_loop.h"
 #include "host/machine_list.h"
 #include "host/rewind.h"
@@ -34,24 +35,6 @@ std::atomic<SESSION_REPORT_HOOK> gReport{nullptr};
 void SleepMillisecond() {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
-
-// Takes a session's lock from another thread. The session's own thread takes it again at once after
-// every step, so it is told that somebody waits.
-class SessionHold {
-public:
-    explicit SessionHold(EMU_THREAD& waitedFor)
-        : session(waitedFor) {
-        ++session.lockWaiters;
-        session.lock.lock();
-        --session.lockWaiters;
-    }
-    ~SessionHold() { session.lock.unlock(); }
-    SessionHold(const SessionHold&) = delete;
-    SessionHold& operator=(const SessionHold&) = delete;
-
-private:
-    EMU_THREAD& session;
-};
 
 bool HostIsComplete() {
     return gHost.open != nullptr && gHost.close != nullptr && gHost.getVideoFrame != nullptr &&
@@ -244,6 +227,7 @@ uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* op
         return 0;
     }
     Report(SessionReport::kStarted, *session);
+    EmuLoadBattery(*session);
     if ((Autosaves() & kAutosaveLoad) != 0) {
         EmuLoadFromArchive(*session);
     }
@@ -270,7 +254,8 @@ bool EmuStopSession(uint32_t key) {
         } else {
             session->stopping = true;
             const SessionHold hold(*session);
-            if ((Autosaves() & kAutosaveSave) != 0) {
+            EmuSaveBattery(*session);
+            if ((Autosaves() & kAutosaveSave) != 0 && !session->machine->ended) {
                 EmuSaveToArchive(*session);
             }
             session->stopRequested = 1;

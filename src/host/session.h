@@ -19,6 +19,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 class CGameFile;
 struct EMU_HOST_DATA;
@@ -29,6 +30,14 @@ struct REWIND_NODE {
     uint32_t size = 0;                 // bytes
     std::unique_ptr<REWIND_NODE> next; // the older state
     REWIND_NODE* newer = nullptr;      // null at the head
+};
+
+// What is known of the file of a game's own memory; see battery_file.h.
+struct BATTERY_STATUS {
+    std::vector<uint8_t> onDisk;  // what the file holds, or would hold if it were there
+    std::vector<uint8_t> refused; // what could not be written the last time
+    bool formerKept = false;      // the file as it was found needs no copy any more
+    bool untouchable = false;     // it is there and cannot be read
 };
 
 struct EMU_THREAD {
@@ -53,6 +62,7 @@ struct EMU_THREAD {
     std::string gameName;       // as the caller gave it
     std::string archivePath;    // in the program's path notation, lower case
     std::string stateEntryName; // twelve hexadecimal digits, lower case
+    BATTERY_STATUS battery;
     std::unique_ptr<REWIND_NODE> rewindHead;
     REWIND_NODE* rewindCursor = nullptr;
     REWIND_NODE* rewindTail = nullptr; // the oldest state, so that dropping it walks nothing

@@ -90,7 +90,16 @@ bool CTestMachine::Init(const void* options, CGameFile* const[2]) {
         EmuSetLastError("this game cannot be run");
         return false;
     }
+    battery.assign(behaviour.batteryBytes, 0xFF);
     Reset();
+    return true;
+}
+
+bool CTestMachine::SetBatteryContents(std::span<const uint8_t> bytes) {
+    if (bytes.size() != battery.size()) {
+        return false;
+    }
+    battery.assign(bytes.begin(), bytes.end());
     return true;
 }
 
@@ -112,6 +121,10 @@ void CTestMachine::RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME* video, EMU_AUDIO_
     memory[frameField % memory.size()] = static_cast<uint8_t>(seed >> 24);
     flag = !flag;
     debugValue = frameField;
+    if (frameField == behaviour.endsAtFrame) {
+        EmuSetLastError("the program has gone wrong");
+        ended = true;
+    }
 
     video->width = behaviour.width != 0 ? behaviour.width : width;
     video->height = behaviour.height != 0 ? behaviour.height : height;

@@ -1,12 +1,15 @@
 // A machine of the tests' own: deterministic, small, and able to fail wherever a machine may.
 #pragma once
 
+#include "host/battery.h"
 #include "host/emu_system.h"
 #include "host/machine_list.h"
 
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <span>
+#include <vector>
 
 // What a test wants of a machine; travels in the option block.
 struct TEST_BEHAVIOUR {
@@ -22,11 +25,13 @@ struct TEST_BEHAVIOUR {
     uint32_t visibleWidth = 0;
     uint32_t sampleCount = 735;
     uint32_t stateBytes = 0; // pads the state to this size
+    uint32_t batteryBytes = 0;
+    uint32_t endsAtFrame = 0; // 0: never
 };
 using TestOptions = std::array<uint8_t, kMachineOptionBytes>;
 [[nodiscard]] TestOptions MakeOptions(const TEST_BEHAVIOUR& behaviour = {});
 
-class CTestMachine : public CEmuSystem {
+class CTestMachine : public CEmuSystem, public CBattery {
 public:
     CTestMachine(uint32_t key, uint32_t widthValue, uint32_t heightValue);
     ~CTestMachine() override;
@@ -39,6 +44,10 @@ public:
     StateBlob SaveState(uint32_t& size) override;
 
     [[nodiscard]] uint32_t StateBytes();
+
+    [[nodiscard]] std::vector<uint8_t> BatteryContents() const override { return battery; }
+    [[nodiscard]] bool SetBatteryContents(std::span<const uint8_t> bytes) override;
+    std::vector<uint8_t> battery; // under the session's lock
 
     TEST_BEHAVIOUR behaviour;
     std::atomic<uint32_t> frame{0}; // frames since reset; part of the state

@@ -1,0 +1,159 @@
+#include "megadrive/md_cartridge_pages.h"
+
+namespace {
+
+// What lies behind the last byte of battery RAM, for a word that straddles its end: a store there is
+// lost.
+constexpr uint32_t kNoByte = 0xFF;
+
+void IgnoreByte(MD_CARTRIDGE& cart, uint32_t address, uint8_t value) {
+    static_cast<void>(cart);
+    static_cast<void>(address);
+    static_cast<void>(value);
+}
+
+void IgnoreWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
+    static_cast<void>(cart);
+    static_cast<void>(address);
+    static_cast<void>(value);
+}
+
+uint8_t ReadRomByte(MD_CARTRIDGE& cart, uint32_t address) {
+    return MdCartRomByte(cart, address);
+}
+
+uint16_t ReadRomWord(MD_CARTRIDGE& cart, uint32_t address) {
+    return MdCartRomWord(cart, address);
+}
+
+bool InRange(const MD_SRAM& sram, uint32_t address) {
+    return address >= sram.start && address < sram.end;
+}
+
+uint32_t SramOffset(const MD_SRAM& sram, uint32_t address) {
+    return (address - sram.start) & (kMdSramBytes - 1);
+}
+
+uint8_t ReadSramByte(MD_CARTRIDGE& cart, uint32_t address) {
+    const MD_SRAM& sram = *cart.sram;
+    if (!InRange(sram, address)) {
+        return MdCartRomByte(cart, address);
+    }
+    return sram.data[SramOffset(sram, address) ^ 1];
+}
+
+// The offset of a word is odd when the range starts at an odd address.
+uint16_t ReadSramWord(MD_CARTRIDGE& cart, uint32_t address) {
+    const MD_SRAM& sram = *cart.sram;
+    if (!InRange(sram, address)) {
+        return MdCartRomWord(cart, address);
+    }
+    const uint32_t offset = SramOffset(sram, address);
+    const uint32_t high = offset + 1 < kMdSramBytes ? sram.data[offset + 1] : kNoByte;
+    return static_cast<uint16_t>(high << 8 | sram.data[offset]);
+}
+
+void WriteSramByte(MD_CARTRIDGE& cart, uint32_t address, uint8_t value) {
+    MD_SRAM& sram = *cart.sram;
+    if (InRange(sram, address)) {
+        sram.data[SramOffset(sram, address) ^ 1] = value;
+        cart.changed = true;
+    }
+}
+
+void WriteSramWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
+    MD_SRAM& sram = *cart.sram;
+    if (!InRange(sram, address)) {
+        return;
+    }
+    const uint32_t offset = SramOffset(sram, address);
+    sram.data[offset] = static_cast<uint8_t>(value & 0xFF);
+    if (offset + 1 < kMdSramBytes) {
+        sram.data[offset + 1] = static_cast<uint8_t>(value >> 8);
+    }
+    cart.changed = true;
+}
+
+uint32_t WordOf(uint32_t lineAddress) {
+    return lineAddress & 0xFFFFFE;
+}
+
+uint8_t ReadEepromByte(MD_CARTRIDGE& cart, uint32_t address) {
+    const MD_EEPROM& eeprom = *cart.eeprom;
+    if (address == eeprom.sdaOutAddress) {
+        return static_cast<uint8_t>(MdEepromRead(eeprom, false) & 0xFF);
+    }
+    return MdCartRomByte(cart, address);
+}
+
+uint16_t ReadEepromWord(MD_CARTRIDGE& cart, uint32_t address) {
+    const MD_EEPROM& eeprom = *cart.eeprom;
+    return address == WordOf(eeprom.sdaOutAddress) ? MdEepromRead(eeprom, true)
+                                                   : MdCartRomWord(cart, address);
+}
+
+void WriteEepromByte(MD_CARTRIDGE& cart, uint32_t address, uint8_t value) {
+    MD_EEPROM& eeprom = *cart.eeprom;
+    if (address == eeprom.sclAddress || address == eeprom.sdaInAddress) {
+        cart.changed |= MdEepromWrite(eeprom, address, value, false);
+    }
+}
+
+void WriteEepromWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
+    MD_EEPROM& eeprom = *cart.eeprom;
+    if (address == WordOf(eeprom.sclAddress) || address == WordOf(eeprom.sdaInAddress)) {
+        cart.changed |= MdEepromWrite(eeprom, address, value, true);
+    }
+}
+
+uint16_t ReadSvpWord(MD_CARTRIDGE& cart, uint32_t address) {
+    uint16_t value = 0;
+    return SvpReadWord(*cart.svp, address, value) ? value : MdCartRomWord(cart, address);
+}
+
+void WriteSvpWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
+    SvpWriteWord(*cart.svp, address, value);
+}
+
+constexpr std::array<MD_CART_HANDLERS, 4> kHandlers{
+    {{ReadRomByte, ReadRomWord, IgnoreByte, IgnoreWord, 128},
+     {ReadSramByte, ReadSramWord, WriteSramByte, WriteSramWord, 128},
+     {ReadEepromByte, ReadEepromWord, WriteEepromByte, WriteEepromWord, 64},
+     {ReadRomByte, ReadSvpWord, IgnoreByte, WriteSvpWord, 64}}
+};
+
+bool Covers(uint32_t page, uint32_t address) {
+    return address / kMdCartPageBytes == page;
+}
+
+bool RangeTouches(const MD_SRAM& sram, uint32_t page) {
+    const uint32_t first = page * kMdCartPageBytes;
+    return sram.start < sram.end && sram.start < first + kMdCartPageBytes && sram.end > first;
+}
+
+bool SvpShows(uint32_t page) {
+    return page == 0x30 || page == 0x31 || page == 0x39 || page == 0x3A;
+}
+
+} // namespace
+
+const MD_CART_HANDLERS& MdCartHandlers(MD_CART_KIND kind) {
+    return kHandlers[kind % kHandlers.size()];
+}
+
+const uint16_t* MdCartPlainPage(const MD_CARTRIDGE& cart, uint32_t page) {
+    if (page >= kMdCartWindowPages) {
+        return nullptr;
+    }
+    bool plain = true;
+    switch (cart.cartKind) {
+    case kMdCartPlain: break;
+    case kMdCartSram: plain = !RangeTouches(*cart.sram, page); break;
+    case kMdCartEeprom:
+        plain = !Covers(page, cart.eeprom->sdaInAddress) &&
+                !Covers(page, cart.eeprom->sdaOutAddress) && !Covers(page, cart.eeprom->sclAddress);
+        break;
+    case kMdCartSvp: plain = !SvpShows(page); break;
+    }
+    return plain ? &cart.rom[size_t{page} * (kMdCartPageBytes / 2)] : nullptr;
+}

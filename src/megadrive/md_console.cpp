@@ -1,0 +1,122 @@
+#include "megadrive/md_console.h"
+
+#include "megadrive/md_bus.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr uint32_t kPsgModel = 1;
+constexpr uint32_t kPsgDivider = 15;
+constexpr uint32_t kFmDivider = 7;
+constexpr uint32_t kAutovector = 0xFFFFFFFF;
+constexpr uint32_t kHorizontalLevel = 4;
+constexpr uint32_t kVerticalLevel = 6;
+constexpr uint32_t kRamPages = 0xE0; // the first page of the work RAM and its mirrors
+
+MEGA_DRIVE& Machine(void* owner) {
+    return *static_cast<MEGA_DRIVE*>(owner);
+}
+
+// Both marks of the vertical interrupt fall with either level, so a horizontal interrupt that is taken
+// drops a vertical one that the chip still meant to raise.
+uint32_t AckInterrupt(void* owner, uint32_t level) {
+    MEGA_DRIVE& md = Machine(owner);
+    if (level != kHorizontalLevel && level != kVerticalLevel) {
+        return kAutovector;
+    }
+    MdCatchUpVideo(md);
+    if (level == kHorizontalLevel) {
+        md.vdp.hPending = 0;
+    } else {
+        md.vdp.status &= static_cast<uint16_t>(~kMdVdpVInterruptOccurred);
+    }
+    md.vdp.vPending = 0;
+    M68kSetIrqLine(md.cpu, level, 0);
+    return kAutovector;
+}
+
+void ConnectCpu(MEGA_DRIVE& md) {
+    md.cpu.owner = &md;
+    md.cpu.intAck = AckInterrupt;
+    md.cpu.readImmediate = MdReadWord;
+    md.cpu.readByte = MdReadByte;
+    md.cpu.readWord = MdReadWord;
+    md.cpu.readLong = MdReadLong;
+    md.cpu.writeByte = MdWriteByte;
+    md.cpu.writeWord = MdWriteWord;
+    md.cpu.writeLong = MdWriteLong;
+    for (uint32_t page = 0; page < kRamPages; ++page) {
+        md.cpu.readPages[page] = MdCartPlainPage(md.cartridge, page);
+        md.cpu.writePages[page] = nullptr;
+    }
+    for (uint32_t page = kRamPages; page < md.cpu.readPages.size(); ++page) {
+        md.cpu.readPages[page] = md.workRam.data();
+        md.cpu.writePages[page] = md.workRam.data();
+    }
+}
+
+void ConnectZ80(MEGA_DRIVE& md) {
+    Z80Init(
+        md.z80, &md,
+        [](void* owner, uint32_t address, uint32_t /*isOpcodeFetch*/) {
+            return MD_Z80_BUS{Machine(owner)}.Read(static_cast<uint16_t>(address));
+        },
+        [](void* /*owner*/, uint32_t port) {
+            return MD_Z80_BUS::IoRead(static_cast<uint16_t>(port));
+        },
+        [](void* owner, uint32_t address, uint8_t value) {
+            MD_Z80_BUS{Machine(owner)}.Write(static_cast<uint16_t>(address), value);
+        },
+        [](void* /*owner*/, uint32_t port, uint8_t value) {
+            MD_Z80_BUS::IoWrite(static_cast<uint16_t>(port), value);
+        });
+}
+
+} // namespace
+
+void MdConnect(MEGA_DRIVE& md) {
+    md.cpu = {};
+    ConnectCpu(md);
+    ConnectZ80(md);
+    PsgInit(md.psg, md.masterClock / kPsgDivider, kPsgModel, false);
+    Ym2612SetClock(md.fm, md.masterClock / kFmDivider);
+    MdVdpInit(
+        md.vdp, &md,
+        [](void* owner, uint32_t line, uint32_t state) {
+            M68kSetIrqLine(Machine(owner).cpu, line, state);
+        },
+        MdReadForDma, &md.z80.irqLine, &md.cpu.stopped, md.is50Hz ? kMdVdp50Hz : kMdVdp60Hz);
+    md.vdp.svpDmaQuirk = md.cartridge.svpDmaQuirk;
+}
+
+void MdReset(MEGA_DRIVE& md) {
+    md.workRam.fill(0);
+    md.z80Ram.fill(0);
+    md.z80Bank = 0;
+    Ym2612Reset(md.fm);
+    MdVdpReset(md.vdp);
+    PsgReset(md.psg);
+    md.z80Clock = 0;
+    md.vdpWaiting = 0;
+    md.fmWaiting = 0;
+    MdIoReset(md.io);
+    Z80Reset(md.z80);
+    md.m68kBusCycles = 0;
+    M68kReset(md.cpu);
+    MdCartReset(md.cartridge);
+}
+
+void MdSettle(MEGA_DRIVE& md) {
+    constexpr int32_t kMostDebt = 1 << 20; // master clocks; far above any instruction
+    constexpr uint32_t kBankMask = 0xFF8000;
+    md.vdpWaiting = 0;
+    md.fmWaiting = 0;
+    md.vdpToEvent = 0;
+    md.openBusRead = false;
+    md.z80Clock = std::clamp(md.z80Clock, -kMostDebt, kMostDebt);
+    md.z80Bank &= kBankMask;
+    for (size_t port = 0; port < kMdPads; ++port) {
+        md.io.padTh[port] &= 0x40;
+    }
+}

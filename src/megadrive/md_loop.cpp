@@ -1,0 +1,107 @@
+// The frame loops of the Mega Drive.
+//
+// The plain loop is the console: an instruction of the 68000, then a round for each of its cycles with
+// Z80, PSG, FM chip and video chip in this order. In the late one the FM and the video chip wait until
+// somebody could tell: one of their addresses is reached, or the video chip comes to where it drives a line
+// or moves memory.
+#include "megadrive/m68000_step.h"
+#include "megadrive/md_bus.h"
+#include "megadrive/md_vdp_tick.h"
+#include "megadrive/ym2612_tick.h"
+#include "sega8/z80_tick.h"
+
+#include <algorithm>
+
+namespace {
+
+[[gnu::always_inline]] inline void ClockZ80AndPsg(MEGA_DRIVE& md, MD_Z80_BUS& bus) {
+    Z80TickOn(md.z80, bus);
+    PsgTick(md.psg);
+    md.z80Clock -= kMdZ80Clocks;
+}
+
+[[gnu::always_inline]] inline void RunRound(MEGA_DRIVE& md, MD_Z80_BUS& bus) {
+    if (md.z80Clock >= kMdZ80Clocks) {
+        ClockZ80AndPsg(md, bus);
+    }
+    Ym2612Tick(md.fm);
+    MdVdpClock(md.vdp);
+}
+
+// The instruction, and what hangs on it before its rounds; gives their number.
+template <bool svp>
+[[gnu::always_inline]] inline uint32_t RunInstruction(MEGA_DRIVE& md) {
+    const uint32_t cycles = M68kStep(md.cpu);
+    md.m68kBusCycles += cycles;
+    if constexpr (svp) {
+        MdCartSvpHook(md.cartridge, cycles * kMdCycleClocks);
+    }
+    md.z80Clock += static_cast<int32_t>(cycles * kMdCycleClocks);
+    return cycles;
+}
+
+template <bool svp>
+void RunFrame(MEGA_DRIVE& md) {
+    MD_Z80_BUS bus{md};
+    while (md.vdp.frameDone == 0) {
+        const uint32_t cycles = RunInstruction<svp>(md);
+        for (uint32_t i = 0; i < cycles; ++i) {
+            RunRound(md, bus);
+        }
+    }
+}
+
+void CatchUpToEvent(MEGA_DRIVE& md) {
+    MdCatchUpVideo(md);
+    md.vdpToEvent = MdVdpClocksToEvent(md.vdp) / kMdCycleClocks;
+}
+
+// The rounds of an instruction in which the video chip does something that others see.
+[[gnu::noinline]] void RunRoundsUpToDate(MEGA_DRIVE& md, uint32_t cycles) {
+    MD_Z80_BUS bus{md};
+    MdCatchUpVideo(md);
+    MdCatchUpSound(md);
+    for (uint32_t i = 0; i < cycles; ++i) {
+        RunRound(md, bus);
+    }
+    md.vdpToEvent = MdVdpClocksToEvent(md.vdp) / kMdCycleClocks;
+}
+
+template <bool svp>
+void RunFrameLate(MEGA_DRIVE& md) {
+    MD_Z80_BUS bus{md};
+    CatchUpToEvent(md);
+    while (md.vdp.frameDone == 0) {
+        const uint32_t cycles = RunInstruction<svp>(md);
+        if (md.vdpWaiting + cycles >= md.vdpToEvent) [[unlikely]] {
+            RunRoundsUpToDate(md, cycles);
+            continue;
+        }
+        // The whole debt is there at the start, so the clocks fall into the first rounds.
+        uint32_t rounds = 0;
+        while (rounds < cycles && md.z80Clock >= kMdZ80Clocks) {
+            ClockZ80AndPsg(md, bus);
+            ++md.vdpWaiting;
+            ++md.fmWaiting;
+            ++rounds;
+        }
+        md.vdpWaiting += cycles - rounds;
+        md.fmWaiting += cycles - rounds;
+        if (md.vdpWaiting >= md.vdpToEvent) [[unlikely]] {
+            CatchUpToEvent(md); // the Z80 has written to the video chip
+        }
+    }
+    MdCatchUpVideo(md);
+    MdCatchUpSound(md);
+}
+
+} // namespace
+
+void MdRunFrame(MEGA_DRIVE& md) {
+    const bool svp = md.cartridge.cartKind == kMdCartSvp;
+    if (md.stepByStep) {
+        svp ? RunFrame<true>(md) : RunFrame<false>(md);
+    } else {
+        svp ? RunFrameLate<true>(md) : RunFrameLate<false>(md);
+    }
+}

@@ -1,0 +1,183 @@
+#include "megadrive/md_vdp_private.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <span>
+
+namespace {
+
+constexpr uint32_t kCell = 8;         // pixels across
+constexpr uint32_t kLastCellX = 320;  // where a cell fits the line buffers
+constexpr uint32_t kPriority = 0x8000;
+constexpr uint32_t kHighLayer = 4;    // from the low to the high layer of a plane
+
+struct Cell {
+    uint32_t word;    // of the name table
+    uint32_t pattern; // the row's eight pixels, the leftmost on top
+};
+
+// One cell of a plane, at the line being drawn. `width` is in cells, a power of two.
+Cell FetchCell(const MD_VDP& vdp, uint32_t base, uint32_t width, uint32_t column, uint32_t scroll) {
+    const uint32_t doubled = vdp.interlace2;
+    const uint32_t rowBits = 3 + doubled;
+    const uint32_t lastRow = (kCell << doubled) - 1;
+    const uint32_t top = doubled != 0 ? vdp.line * 2 + vdp.field : vdp.line;
+    const uint32_t y = (top + (scroll & 1023)) & ((vdp.planeHeight << rowBits) - 1);
+    const uint32_t place = (y >> rowBits) * width + (column & (width - 1));
+    const uint32_t word = MdVdpVramWord(vdp, base + place * 2);
+    const uint32_t row = (word & kMdVdpFlipY) != 0 ? ~y & lastRow : y & lastRow;
+    uint32_t pattern = MdVdpPattern(vdp, (word << (5 + doubled)) + row * 4);
+    if ((word & kMdVdpFlipX) != 0) {
+        pattern = __builtin_bswap32(pattern);
+        pattern = (pattern & 0x0F0F0F0F) << 4 | (pattern >> 4 & 0x0F0F0F0F);
+    }
+    return {word, pattern};
+}
+
+struct Layer {
+    std::array<uint16_t, kMdVdpLine>& line;
+    MdVdpCellLayer low;
+};
+
+// Pixels `first` to `first` + `count` - 1 of a cell, to `x` and on.
+[[gnu::always_inline]] inline void DrawPixels(MD_VDP& vdp, const Layer& layer, const Cell& cell,
+                                              uint32_t x, uint32_t first, uint32_t count) {
+    const bool high = (cell.word & kPriority) != 0;
+    if (high) {
+        std::fill_n(&vdp.lineFlags[x], count, uint8_t{1});
+    }
+    if (cell.pattern == 0) {
+        return;
+    }
+    const auto code = static_cast<uint8_t>(layer.low + (high ? kHighLayer : 0));
+    const uint16_t* palette = &vdp.cram[cell.word >> 9 & 48];
+    uint32_t pattern = cell.pattern << first * 4;
+    for (uint32_t i = 0; i < count; ++i) {
+        const uint32_t pixel = pattern >> 28;
+        pattern <<= 4;
+        // A transparent pixel leaves the code, so that nobody looks at the colour stored with it.
+        const uint8_t raised = pixel != 0 ? code : uint8_t{0};
+        vdp.layerCode[x + i] = std::max(vdp.layerCode[x + i], raised);
+        layer.line[x + i] = palette[pixel];
+    }
+}
+
+void DrawCell(MD_VDP& vdp, const Layer& layer, const Cell& cell, uint32_t x) {
+    if (x <= kLastCellX) {
+        DrawPixels(vdp, layer, cell, x, 0, kCell);
+    }
+}
+
+bool IsWindow(const MD_VDP& vdp, uint32_t column) {
+    return column >= vdp.windowColumn.size() || vdp.windowColumn[column] != 0;
+}
+
+// A cell of plane A lies in two columns as a rule, of which one may be the window's.
+void DrawCellA(MD_VDP& vdp, const Cell& cell, uint32_t x) {
+    const Layer layer{vdp.planeALine, kMdVdpPlaneALow};
+    const uint32_t column = x / kCell;
+    const uint32_t shifted = x % kCell;
+    const bool left = !IsWindow(vdp, column);
+    const bool right = shifted != 0 && !IsWindow(vdp, column + 1);
+    if (left && (right || shifted == 0)) {
+        DrawPixels(vdp, layer, cell, x, 0, kCell);
+    } else if (left) {
+        DrawPixels(vdp, layer, cell, x, 0, kCell - shifted);
+    } else if (right) {
+        DrawPixels(vdp, layer, cell, x + kCell - shifted, kCell - shifted, shifted);
+    }
+}
+
+// The scroll words of a pair of columns. Those of the whole planes are latched at the end of a line.
+uint32_t VScroll(const MD_VDP& vdp, uint32_t pair, uint32_t plane) {
+    const bool byColumn = (vdp.regs[11] & kMdVdpReg11ColumnScroll) != 0;
+    return byColumn ? vdp.vsram[(pair * 2 + plane) & 63] : vdp.vsramLine[plane];
+}
+
+void MarkWindow(MD_VDP& vdp) {
+    const uint32_t across = vdp.regs[17];
+    const uint32_t down = vdp.regs[18];
+    const uint32_t columns = std::min((across & 31) * 2, 40U);
+    const bool inRows = (down & 0x80) != 0
+                            ? vdp.line >= (down * 8 & 255) && vdp.line < vdp.activeHeight
+                            : vdp.line < (down & 31) * 8;
+    const bool rightOf = (across & 0x80) != 0;
+    for (uint32_t column = 0; column < vdp.windowColumn.size(); ++column) {
+        const bool inColumns = rightOf ? column >= columns : column < columns;
+        vdp.windowColumn[column] = inRows || inColumns ? 1 : 0;
+    }
+}
+
+// Moves on past the cell at the left edge that fine scroll shows a part of; true when there is one.
+bool StartPlane(uint32_t scroll, uint32_t& x, uint32_t& column) {
+    const uint32_t fine = scroll % kCell;
+    column = scroll / kCell;
+    x = 0;
+    if (fine == 0) {
+        return false;
+    }
+    ++column;
+    x = kCell - fine;
+    return true;
+}
+
+} // namespace
+
+void MdVdpStartLine(MD_VDP& vdp) {
+    MarkWindow(vdp);
+    const bool draws = vdp.blanked == 0;
+    const bool partA = StartPlane(vdp.hScrollA, vdp.planeAX, vdp.planeAColumn);
+    if (partA && draws && !IsWindow(vdp, 0)) {
+        const Cell cell = FetchCell(vdp, vdp.planeABase, vdp.planeWidth, vdp.planeAColumn - 1,
+                                    VScroll(vdp, 0, 0));
+        DrawPixels(vdp, {vdp.planeALine, kMdVdpPlaneALow}, cell, 0, kCell - vdp.planeAX,
+                   vdp.planeAX);
+    }
+    const bool partB = StartPlane(vdp.hScrollB, vdp.planeBX, vdp.planeBColumn);
+    if (partB && draws) {
+        const Cell cell = FetchCell(vdp, vdp.planeBBase, vdp.planeWidth, vdp.planeBColumn - 1,
+                                    VScroll(vdp, 0, 1));
+        DrawPixels(vdp, {vdp.planeBLine, kMdVdpPlaneBLow}, cell, 0, kCell - vdp.planeBX,
+                   vdp.planeBX);
+    }
+}
+
+void MdVdpFetchCells(MD_VDP& vdp) {
+    const uint32_t left = vdp.tileColumn;
+    if (left + 2 > vdp.windowColumn.size()) {
+        return;
+    }
+    // Without display the cells pass unseen, so that a line switched on again is in its place.
+    const bool draws = MdVdpDisplayOn(vdp);
+    if (draws) {
+        std::fill_n(&vdp.backdropLine[size_t{left} * kCell], 2 * kCell,
+                    vdp.cram[vdp.regs[7] & 63]);
+        vdp.backdropX = (left + 2) * kCell;
+    }
+    const uint32_t scrollA = VScroll(vdp, left / 2, 0);
+    const uint32_t scrollB = VScroll(vdp, left / 2, 1);
+    for (uint32_t column = left; draws && column < left + 2; ++column) {
+        const uint32_t shift = (column - left) * kCell;
+        const uint32_t step = column - left;
+        DrawCell(vdp, {vdp.planeBLine, kMdVdpPlaneBLow},
+                 FetchCell(vdp, vdp.planeBBase, vdp.planeWidth, vdp.planeBColumn + step, scrollB),
+                 vdp.planeBX + shift);
+        const uint32_t xA = vdp.planeAX + shift;
+        if (!IsWindow(vdp, xA / kCell) || !IsWindow(vdp, xA / kCell + 1)) {
+            DrawCellA(vdp,
+                      FetchCell(vdp, vdp.planeABase, vdp.planeWidth, vdp.planeAColumn + step,
+                                scrollA),
+                      xA);
+        }
+        if (vdp.windowColumn[column] != 0) {
+            DrawCell(vdp, {vdp.windowLine, kMdVdpWindowLow},
+                     FetchCell(vdp, vdp.windowBase, vdp.windowWidth, column, 0), column * kCell);
+        }
+    }
+    vdp.tileColumn += 2;
+    vdp.planeAColumn += 2;
+    vdp.planeBColumn += 2;
+    vdp.planeAX += 2 * kCell;
+    vdp.planeBX += 2 * kCell;
+}

@@ -1,0 +1,152 @@
+// Many H steps at once: stretches without slot or event put out their dots in one go.
+#include "megadrive/md_vdp.h"
+#include "megadrive/md_vdp_private.h"
+#include "megadrive/md_vdp_timetable.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+namespace {
+
+using md_vdp_timetable::ClocksToEvent;
+using md_vdp_timetable::Stretches;
+
+constexpr auto kClocksH32 = ClocksToEvent(kMdVdpActionsH32, kMdVdpLengthsH32);
+constexpr auto kClocksH40 = ClocksToEvent(kMdVdpActionsH40, kMdVdpLengthsH40);
+
+// By what the slots are good for.
+enum SlotUse : uint32_t { kNoUse, kDisplaySlots, kBlankedSlots };
+
+template <size_t Steps>
+constexpr std::array<std::array<uint8_t, Steps>, 3>
+BuildStretches(const std::array<uint8_t, Steps>& actions,
+               const std::array<uint8_t, Steps>& lengths) {
+    return {Stretches(actions, lengths, kMdVdpEventBits),
+            Stretches(actions, lengths, kMdVdpEventBits | kMdVdpDisplaySlot),
+            Stretches(actions, lengths, kMdVdpEventBits | kMdVdpBlankedSlot)};
+}
+
+constexpr auto kStretchesH32 = BuildStretches(kMdVdpActionsH32, kMdVdpLengthsH32);
+constexpr auto kStretchesH40 = BuildStretches(kMdVdpActionsH40, kMdVdpLengthsH40);
+
+// Table of a shadow mode pixel by operator, whether its layer is above a low sprite, and flag: the
+// distance from the shadow table. Operators that there aren't put out nothing.
+constexpr uint32_t kNothing = 0xFFFFFFFF;
+constexpr uint32_t kShadow = 0;
+constexpr uint32_t kPlain = 512;
+constexpr uint32_t kBright = 1024;
+
+uint32_t ShadeOf(uint32_t op, uint32_t layer, uint32_t flag) {
+    const uint32_t byFlag = flag != 0 ? kPlain : kShadow;
+    const uint32_t raised = flag != 0 ? kBright : kPlain;
+    const bool above = layer > kMdVdpSpriteLow;
+    switch (op) {
+    case 0: return byFlag;
+    case kMdVdpSpriteLow + 1: return above ? byFlag : kShadow;
+    case kMdVdpSpriteHigh + 1: return kShadow;
+    case kMdVdpSpriteLow + 2: return above ? byFlag : raised;
+    case kMdVdpSpriteHigh + 2: return raised;
+    default: return kNothing;
+    }
+}
+
+void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
+    // The first dot takes the colour of a DMA.
+    md_vdp_tick::SetBackdropDot(vdp, first, vdp.h40 != 0);
+    std::fill_n(&vdp.backdropLine[first] + 1, count - 1, md_vdp_tick::BackdropColour(vdp));
+    std::fill_n(&vdp.lineFlags[first] + 1, count - 1, uint8_t{1});
+    if (vdp.h40 != 0) {
+        std::fill_n(&vdp.layerCode[first] + 1, count - 1, uint8_t{kMdVdpBackdrop});
+    }
+    vdp.backdropX = first + count - 1;
+}
+
+void PutDots(MD_VDP& vdp, uint32_t count) {
+    const uint32_t end = vdp.outX + count;
+    if (vdp.shadowMode != 0) {
+        while (vdp.outX < end) {
+            md_vdp_tick::PutDot(vdp);
+        }
+        return;
+    }
+    const uint32_t* colours = vdp.colourTables + kPlain;
+    uint32_t* row = vdp.rowOut;
+    uint32_t collisions = 0;
+    for (uint32_t x = vdp.outX; x < end; ++x) {
+        collisions |= vdp.spriteDots[x] > 1 ? 1U : 0U;
+        row[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
+    }
+    if (collisions != 0) {
+        vdp.status |= kMdVdpCollision;
+    }
+    vdp.outX = end;
+}
+
+// Steps that have nothing to do but their dots.
+void Stretch(MD_VDP& vdp, uint32_t count) {
+    const uint32_t start = vdp.h40 != 0 ? kMdVdpFirstDotH40 : kMdVdpFirstDotH32;
+    const uint32_t dots = vdp.h40 != 0 ? kMdVdpDotsH40 : kMdVdpDotsH32;
+    const uint32_t first = std::max(vdp.hCount, start);
+    const uint32_t end = std::min(vdp.hCount + count, start + dots);
+    vdp.hCount += count;
+    if (first >= end) {
+        return;
+    }
+    if (vdp.blanked != 0) {
+        SetBackdrop(vdp, first - start, end - first);
+    }
+    if (vdp.rowOut != nullptr && vdp.outX < dots) {
+        PutDots(vdp, std::min(end - first, dots - vdp.outX));
+    }
+}
+
+uint32_t StretchLength(const MD_VDP& vdp) {
+    uint32_t use = kNoUse;
+    if (md_vdp_tick::HasSlotWork(vdp)) {
+        use = vdp.blanked != 0 ? kBlankedSlots : kDisplaySlots;
+    }
+    return vdp.h40 != 0 ? kStretchesH40[use][vdp.hCount] : kStretchesH32[use][vdp.hCount];
+}
+
+} // namespace
+
+void MdVdpPutShadowedDot(MD_VDP& vdp) {
+    const uint32_t x = vdp.outX;
+    const uint32_t layer = vdp.layerCode[x];
+    const uint32_t shade = ShadeOf(vdp.shadowOp[x], layer, vdp.lineFlags[x]);
+    if (shade != kNothing) {
+        vdp.rowOut[x] = vdp.colourTables[shade + vdp.layerBuffers[layer][x]];
+    }
+}
+
+void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
+    vdp.stepDebt += static_cast<int32_t>(masterClocks);
+    while (vdp.stepDebt > 0) {
+        const uint32_t length = vdp.stepTable[vdp.hCount];
+        const uint32_t stretch = StretchLength(vdp);
+        if (stretch == 0) {
+            vdp.stepDebt -= static_cast<int32_t>(length);
+            if (vdp.h40 != 0) {
+                MdVdpStepH40(vdp);
+            } else {
+                MdVdpStepH32(vdp);
+            }
+            continue;
+        }
+        const auto debt = static_cast<uint32_t>(vdp.stepDebt);
+        const uint32_t due = length == 8 ? (debt + 7) / 8 : (debt + 9) / 10;
+        const uint32_t count = std::min(due, stretch);
+        vdp.stepDebt -= static_cast<int32_t>(count * length);
+        Stretch(vdp, count);
+    }
+}
+
+uint32_t MdVdpClocksToEvent(const MD_VDP& vdp) {
+    // A control word that waits for the end of a copy or fill may begin a DMA on the bus.
+    if (vdp.fifoCount > kMdVdpFifo || vdp.dmaState == kMdVdpDmaBus || vdp.dmaPending != 0) {
+        return 0;
+    }
+    const uint32_t clocks = vdp.h40 != 0 ? kClocksH40[vdp.hCount] : kClocksH32[vdp.hCount];
+    return clocks + static_cast<uint32_t>(-vdp.stepDebt);
+}

@@ -1,0 +1,112 @@
+#include "megadrive/md_vdp_private.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace {
+
+// A word of the bus or of the FIFO to where the command says. Codes of reads write nothing.
+void StoreWord(MD_VDP& vdp, uint32_t code, uint32_t address, uint32_t word) {
+    switch (code) {
+    case kMdVdpCodeVram: MdVdpStoreVramWord(vdp, address, word); break;
+    case kMdVdpCodeCram: vdp.cram[address >> 1 & 63] = MdVdpPackColour(word); break;
+    case kMdVdpCodeVsram: vdp.vsram[address >> 1 & 63] = static_cast<uint16_t>(word); break;
+    default: break;
+    }
+}
+
+// VRAM is written a byte a slot: true when a word, or a byte that was read first, has its second slot.
+bool SecondHalf(uint32_t& half) {
+    half ^= 1;
+    return half == 0;
+}
+
+void ServeFifo(MD_VDP& vdp) {
+    const MD_VDP_FIFO_ENTRY entry = vdp.fifo[0];
+    if (entry.code == kMdVdpCodeVram && !SecondHalf(vdp.vramHalf)) {
+        return;
+    }
+    StoreWord(vdp, entry.code, entry.word >> 16, entry.word & 0xFFFF);
+    std::copy(vdp.fifo.begin() + 1, vdp.fifo.end(), vdp.fifo.begin());
+    --vdp.fifoCount;
+    if (vdp.fifoCount == kMdVdpFifo) {
+        *vdp.stall = 0;
+    } else if (vdp.fifoCount < kMdVdpFifo) {
+        vdp.status &= static_cast<uint16_t>(~kMdVdpFifoFull);
+        if (vdp.fifoCount == 0) {
+            vdp.status |= kMdVdpFifoEmpty;
+        }
+    }
+}
+
+void EndDma(MD_VDP& vdp) {
+    const bool held = vdp.dmaState == kMdVdpDmaBus;
+    vdp.dmaState = kMdVdpNoDma;
+    vdp.status &= static_cast<uint16_t>(~kMdVdpDmaBusy);
+    if (held) {
+        *vdp.stall = 0;
+    }
+    if ((vdp.dmaPending & kMdVdpHeld) != 0) {
+        const auto word = static_cast<uint16_t>(vdp.dmaPending);
+        vdp.dmaPending = 0;
+        MdVdpWriteControl(vdp, word);
+    }
+}
+
+// Behind each unit; the registers count along.
+void EndUnit(MD_VDP& vdp) {
+    vdp.address = (vdp.address + vdp.regs[15]) & 0xFFFF;
+    --vdp.dmaLength;
+    vdp.regs[19] = static_cast<uint8_t>(vdp.dmaLength);
+    vdp.regs[20] = static_cast<uint8_t>(vdp.dmaLength >> 8);
+    if (vdp.dmaLength == 0) {
+        EndDma(vdp);
+    }
+}
+
+void CopyByte(MD_VDP& vdp) {
+    if (!SecondHalf(vdp.dmaHalf)) {
+        return;
+    }
+    vdp.vram[vdp.address] = vdp.vram[vdp.dmaSource];
+    vdp.dmaSource = (vdp.dmaSource + 1) & 0xFFFF;
+    vdp.regs[21] = static_cast<uint8_t>(vdp.dmaSource);
+    vdp.regs[22] = static_cast<uint8_t>(vdp.dmaSource >> 8);
+    EndUnit(vdp);
+}
+
+void FillByte(MD_VDP& vdp) {
+    vdp.vram[vdp.address] = static_cast<uint8_t>(vdp.dmaFillValue >> 8);
+    EndUnit(vdp);
+}
+
+void MoveWord(MD_VDP& vdp) {
+    if (vdp.dmaCode == kMdVdpCodeVram && !SecondHalf(vdp.dmaHalf)) {
+        return;
+    }
+    const uint32_t word = vdp.dmaRead(vdp.owner, vdp.dmaSource);
+    StoreWord(vdp, vdp.dmaCode, vdp.address, word);
+    if (vdp.dmaCode == kMdVdpCodeCram) {
+        vdp.cramDot = kMdVdpHeld | MdVdpPackColour(word);
+    }
+    vdp.dmaSource = ((vdp.dmaSource + 2) & 0x1FFFF) | (vdp.dmaBase & 0xFE0000);
+    vdp.regs[21] = static_cast<uint8_t>(vdp.dmaSource >> 1);
+    vdp.regs[22] = static_cast<uint8_t>(vdp.dmaSource >> 9);
+    vdp.regs[23] = static_cast<uint8_t>(vdp.dmaSource >> 17 & 0x7F);
+    EndUnit(vdp);
+}
+
+} // namespace
+
+void MdVdpAccessSlot(MD_VDP& vdp) {
+    if (vdp.fifoCount != 0) {
+        ServeFifo(vdp);
+        return;
+    }
+    switch (vdp.dmaState) {
+    case kMdVdpDmaBus: MoveWord(vdp); break;
+    case kMdVdpDmaCopy: CopyByte(vdp); break;
+    case kMdVdpDmaFill: FillByte(vdp); break;
+    default: break;
+    }
+}

@@ -1,0 +1,202 @@
+#include "megadrive/md_vdp_private.h"
+
+#include <cstdint>
+
+namespace {
+
+struct Limits {
+    uint32_t visible; // sprites of a line
+    uint32_t dots;
+    uint32_t links; // entries of the list
+};
+constexpr Limits kLimitsH32{16, 256, 64};
+constexpr Limits kLimitsH40{20, 320, 80};
+constexpr uint32_t kLastIndex = 79;
+constexpr uint32_t kOrigin = 128; // sprite coordinates of the picture's corner
+
+// What the words before the patterns say of a sprite on the line.
+struct Sprite {
+    uint32_t row;    // of its pixels, from its top
+    uint32_t rows;   // pixels high
+    uint32_t width;  // pixels
+    uint32_t attributes;
+    uint32_t x;      // of the picture; wraps below 0
+};
+
+// The operators of shadow and highlight, and who is never shadowed. False: no pixel to store.
+bool Operate(MD_VDP& vdp, uint32_t x, uint32_t colour, uint8_t code) {
+    if (colour == 0x3E || colour == 0x3F) {
+        vdp.shadowOp[x] = static_cast<uint8_t>(code + (colour == 0x3E ? 2 : 1));
+        return false;
+    }
+    vdp.lineFlags[x] = (colour & 15) == 14 || code == kMdVdpSpriteHigh ? 1 : 0;
+    return true;
+}
+
+// Eight pixels, the leftmost on top of `pattern`.
+void DrawEight(MD_VDP& vdp, uint32_t x, uint32_t pattern, uint32_t attributes) {
+    const uint8_t code = (attributes & 0x8000) != 0 ? kMdVdpSpriteHigh : kMdVdpSpriteLow;
+    const uint32_t palette = attributes >> 9 & 48;
+    for (; pattern != 0; pattern <<= 4, ++x) {
+        const uint32_t pixel = pattern >> 28;
+        if (pixel == 0 || x >= kMdVdpWidth) {
+            continue;
+        }
+        if (vdp.spriteDots[x] != 0) {
+            ++vdp.spriteDots[x];
+            continue;
+        }
+        if (vdp.shadowOp[x] != 0) {
+            continue;
+        }
+        if (vdp.shadowMode != 0 && !Operate(vdp, x, palette | pixel, code)) {
+            continue;
+        }
+        vdp.layerCode[x] = code;
+        vdp.spriteLine[x] = vdp.cram[palette | pixel];
+        ++vdp.spriteDots[x];
+    }
+}
+
+// The pattern of the cell that is `column` from the left of the picture.
+uint32_t CellPattern(const MD_VDP& vdp, const Sprite& sprite, uint32_t column) {
+    const bool flipX = (sprite.attributes & kMdVdpFlipX) != 0;
+    const uint32_t cell = flipX ? sprite.width / 8 - 1 - column : column;
+    const uint32_t row = (sprite.attributes & kMdVdpFlipY) != 0 ? sprite.rows - 1 - sprite.row
+                                                                : sprite.row;
+    // Cells go down before they go across.
+    const uint32_t base = sprite.attributes << (5 + vdp.interlace2);
+    uint32_t pattern = MdVdpPattern(vdp, base + (cell * sprite.rows + row) * 4);
+    if (flipX) {
+        pattern = __builtin_bswap32(pattern);
+        pattern = (pattern & 0x0F0F0F0F) << 4 | (pattern >> 4 & 0x0F0F0F0F);
+    }
+    return pattern;
+}
+
+class Walk {
+public:
+    Walk(MD_VDP& vdpValue, uint32_t lineValue, uint32_t budgetValue)
+        : vdp(vdpValue)
+        , walk(vdpValue.walk)
+        , limits(vdpValue.h40 != 0 ? kLimitsH40 : kLimitsH32)
+        , line(lineValue)
+        , budget(budgetValue) {}
+
+    void Run() {
+        while (Look()) {
+        }
+        if (walk.dots >= limits.dots) {
+            walk.flags |= kMdVdpWalkDotsRanOut;
+        }
+        if (walk.visible >= limits.visible) {
+            vdp.status |= kMdVdpOverflow;
+        }
+    }
+
+private:
+    // One word of VRAM; false when the line has no time for it.
+    bool Spend() {
+        if (budget == 0) {
+            return false;
+        }
+        --budget;
+        return true;
+    }
+
+    // The next word of the list entry.
+    bool Read(uint32_t& word) {
+        if (!Spend()) {
+            return false;
+        }
+        word = MdVdpVramWord(vdp, vdp.spriteBase + walk.index * 8 + walk.step);
+        walk.step += 2;
+        return true;
+    }
+
+    // Looks at a sprite and goes on to the next; false at the end of the walk.
+    bool Look() {
+        walk.step = 0;
+        uint32_t top = 0;
+        uint32_t size = 0;
+        if (!Read(top)) {
+            return false;
+        }
+        ++walk.seen;
+        if (!Read(size)) {
+            return false;
+        }
+        const uint32_t doubled = vdp.interlace2;
+        const uint32_t y = (top >> doubled & 511) - kOrigin;
+        const uint32_t height = (size >> 8 & 3) * 8 + 8;
+        const uint32_t row = line - y;
+        if (row < height) {
+            ++walk.visible;
+            Sprite sprite{};
+            sprite.row = doubled != 0 ? 2 * row + vdp.field : row;
+            sprite.rows = height << doubled;
+            sprite.width = (size >> 10 & 3) * 8 + 8;
+            if (!Draw(sprite)) {
+                return false;
+            }
+        }
+        const uint32_t link = size & 127;
+        const bool isLast = vdp.h40 != 0 && walk.index == kLastIndex;
+        if (isLast || link >= limits.links || walk.visible >= limits.visible) {
+            return false;
+        }
+        walk.index = link;
+        return true;
+    }
+
+    // A sprite whose X is 0 hides those behind it, unless it is the first with nothing to hide from.
+    void TakeX(uint32_t x) {
+        if (x != 0) {
+            walk.flags |= kMdVdpWalkSeenX;
+        } else if ((walk.flags & (kMdVdpWalkSeenX | kMdVdpWalkLastLineRanOut)) != 0) {
+            walk.flags |= kMdVdpWalkMasked;
+        }
+    }
+
+    bool Draw(Sprite& sprite) {
+        uint32_t x = 0;
+        if (!Read(sprite.attributes) || !Read(x)) {
+            return false;
+        }
+        x &= 511;
+        TakeX(x);
+        sprite.x = x - kOrigin;
+        const bool hidden = (walk.flags & kMdVdpWalkMasked) != 0 || !MdVdpDisplayOn(vdp);
+        for (uint32_t column = 0; column < sprite.width / 8; ++column) {
+            if (!Spend() || !Spend()) {
+                return false;
+            }
+            walk.step += 4;
+            if (!hidden) {
+                DrawEight(vdp, sprite.x + column * 8, CellPattern(vdp, sprite, column),
+                          sprite.attributes);
+            }
+            walk.dots += 8;
+            if (walk.dots >= limits.dots) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    MD_VDP& vdp;
+    MD_VDP_SPRITE_WALK& walk;
+    const Limits limits;
+    const uint32_t line;
+    uint32_t budget;
+};
+
+} // namespace
+
+void MdVdpFetchSprites(MD_VDP& vdp, uint32_t budget) {
+    const uint32_t next = vdp.line + 1;
+    const uint32_t line = next >= vdp.totalLines ? 0 : next;
+    if (line < vdp.activeHeight) {
+        Walk(vdp, line, budget).Run();
+    }
+}

@@ -1,0 +1,151 @@
+// The timetable of a line: what the Mega Drive's video processor does at which H step, for both widths.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+inline constexpr uint32_t kMdVdpStepsH32 = 342;
+inline constexpr uint32_t kMdVdpStepsH40 = 422;
+inline constexpr uint32_t kMdVdpLineClocks = 3420; // master clocks, in both widths
+inline constexpr uint32_t kMdVdpDotsH32 = 256;
+inline constexpr uint32_t kMdVdpDotsH40 = 320;
+inline constexpr uint32_t kMdVdpFirstDotH32 = 63; // the H step that puts out pixel 0
+inline constexpr uint32_t kMdVdpFirstDotH40 = 77;
+
+// The low four bits of an action.
+enum MdVdpEvent : uint8_t {
+    kMdVdpNoEvent,
+    kMdVdpFetch,      // 16 pixels of the planes
+    kMdVdpHBlankEnd,  // the line's horizontal scroll is read, too
+    kMdVdpLineStart,  // columns start over, window and first cell
+    kMdVdpTargetRow,  // the row that the line goes to
+    kMdVdpVInterrupt, // and the Z80's line
+    kMdVdpVCountStep,
+    kMdVdpHBlankBegin, // and the H interrupt
+    kMdVdpLineEnd,     // the sprites of the next line
+    kMdVdpWrap,        // the next step is 0
+};
+inline constexpr uint8_t kMdVdpEventBits = 0x0F;
+inline constexpr uint8_t kMdVdpDisplaySlot = 0x40; // an access slot while cells are fetched
+inline constexpr uint8_t kMdVdpBlankedSlot = 0x80; // one while they aren't
+
+namespace md_vdp_timetable {
+
+struct Row {
+    uint32_t from;
+    uint32_t to;
+    uint32_t every;
+    uint8_t event;
+};
+
+inline constexpr Row kEventsH32[] = {
+    {47, 287, 16, kMdVdpFetch},       {10, 10, 1, kMdVdpHBlankEnd},
+    {31, 31, 1, kMdVdpLineStart},     {62, 62, 1, kMdVdpTargetRow},
+    {0, 0, 1, kMdVdpVInterrupt},      {266, 266, 1, kMdVdpVCountStep},
+    {295, 295, 1, kMdVdpHBlankBegin}, {319, 319, 1, kMdVdpLineEnd},
+    {341, 341, 1, kMdVdpWrap},
+};
+inline constexpr Row kEventsH40[] = {
+    {61, 365, 16, kMdVdpFetch},       {16, 16, 1, kMdVdpHBlankEnd},
+    {45, 45, 1, kMdVdpLineStart},     {76, 76, 1, kMdVdpTargetRow},
+    {52, 52, 1, kMdVdpVInterrupt},    {330, 330, 1, kMdVdpVCountStep},
+    {366, 366, 1, kMdVdpHBlankBegin}, {397, 397, 1, kMdVdpLineEnd},
+    {421, 421, 1, kMdVdpWrap},
+};
+
+inline constexpr uint32_t kSlotsH32[] = {7,   23,  45,  61,  93,  109, 125, 157,
+                                         173, 189, 221, 237, 253, 285, 301, 317};
+inline constexpr uint32_t kSlotsH40[] = {5,   59,  75,  107, 123, 139, 171, 187, 203,
+                                         235, 251, 267, 299, 315, 331, 363, 379, 411};
+
+// Refresh takes these odd steps of a line without display; the other odd ones are slots.
+inline constexpr uint32_t kRefreshH32[] = {211, 233, 251, 273};
+inline constexpr uint32_t kRefreshH40[] = {101, 103, 105, 107};
+
+template <size_t Steps, size_t Events, size_t Slots, size_t Refreshes>
+constexpr std::array<uint8_t, Steps> Expand(const Row (&events)[Events],
+                                            const uint32_t (&slots)[Slots],
+                                            const uint32_t (&refreshes)[Refreshes]) {
+    std::array<uint8_t, Steps> actions{};
+    for (size_t step = 1; step < Steps; step += 2) {
+        actions[step] = kMdVdpBlankedSlot;
+    }
+    for (const uint32_t step : refreshes) {
+        actions[step] = 0;
+    }
+    for (const uint32_t step : slots) {
+        actions[step] |= kMdVdpDisplaySlot;
+    }
+    for (const Row& row : events) {
+        for (uint32_t step = row.from; step <= row.to; step += row.every) {
+            actions[step] |= row.event;
+        }
+    }
+    return actions;
+}
+
+template <size_t Steps>
+constexpr std::array<uint8_t, Steps> Lengths() {
+    std::array<uint8_t, Steps> lengths{};
+    for (size_t step = 0; step < Steps; ++step) {
+        const bool isLong = Steps == kMdVdpStepsH32 || (step >= 373 && step <= 394);
+        lengths[step] = isLong ? 10 : 8;
+    }
+    return lengths;
+}
+
+template <size_t Steps>
+constexpr uint32_t Sum(const std::array<uint8_t, Steps>& lengths) {
+    uint32_t sum = 0;
+    for (const uint8_t length : lengths) {
+        sum += length;
+    }
+    return sum;
+}
+
+// How many steps from each one on have nothing of `mask` to do and the same length.
+template <size_t Steps>
+constexpr std::array<uint8_t, Steps> Stretches(const std::array<uint8_t, Steps>& actions,
+                                               const std::array<uint8_t, Steps>& lengths,
+                                               uint32_t mask) {
+    std::array<uint8_t, Steps> stretches{};
+    for (size_t step = Steps; step-- != 0;) {
+        if ((actions[step] & mask) != 0) {
+            continue;
+        }
+        const bool goesOn = step + 1 < Steps && lengths[step + 1] == lengths[step];
+        stretches[step] = static_cast<uint8_t>(1U + (goesOn ? stretches[step + 1] : 0U));
+    }
+    return stretches;
+}
+
+constexpr bool ReachesOut(uint32_t event) {
+    return event == kMdVdpVInterrupt || event == kMdVdpHBlankBegin || event == kMdVdpLineEnd;
+}
+
+// Master clocks from the beginning of each step to the beginning of the next one that the machine sees
+// something of. The line starts over behind its end, with whatever width: its first such step is
+// not counted on, which the wrap is for.
+template <size_t Steps>
+constexpr std::array<uint16_t, Steps> ClocksToEvent(const std::array<uint8_t, Steps>& actions,
+                                                    const std::array<uint8_t, Steps>& lengths) {
+    std::array<uint16_t, Steps> clocks{};
+    uint32_t distance = 0;
+    for (size_t step = Steps; step-- != 0;) {
+        distance = ReachesOut(actions[step] & kMdVdpEventBits) ? 0 : distance + lengths[step];
+        clocks[step] = static_cast<uint16_t>(distance);
+    }
+    return clocks;
+}
+
+} // namespace md_vdp_timetable
+
+inline constexpr auto kMdVdpActionsH32 = md_vdp_timetable::Expand<kMdVdpStepsH32>(
+    md_vdp_timetable::kEventsH32, md_vdp_timetable::kSlotsH32, md_vdp_timetable::kRefreshH32);
+inline constexpr auto kMdVdpActionsH40 = md_vdp_timetable::Expand<kMdVdpStepsH40>(
+    md_vdp_timetable::kEventsH40, md_vdp_timetable::kSlotsH40, md_vdp_timetable::kRefreshH40);
+inline constexpr auto kMdVdpLengthsH32 = md_vdp_timetable::Lengths<kMdVdpStepsH32>();
+inline constexpr auto kMdVdpLengthsH40 = md_vdp_timetable::Lengths<kMdVdpStepsH40>();
+static_assert(md_vdp_timetable::Sum(kMdVdpLengthsH32) == kMdVdpLineClocks);
+static_assert(md_vdp_timetable::Sum(kMdVdpLengthsH40) == kMdVdpLineClocks);

@@ -1,0 +1,181 @@
+// YM2612: the FM sound chip of the Mega Drive. Six channels of four operators (slots), of which the
+// sixth can be a DAC and the third can have a pitch per operator; an LFO, envelopes with SSG shapes,
+// and two timers.
+//
+// Clock: one tick is one clock of the 68000 (master / 7). 144 ticks make one stereo sample.
+// Units: envelopes and levels are in steps of 3/32 dB, 0 loud, 1,023 silent. A phase is a turn in 26
+//   bits, the upper ten of which index the sine. Timers count samples. One carrier peaks at 8,168, the
+//   DAC at 8,192; the sum of six channels is clipped to 16 bits.
+// Owner: one machine, on its session's thread; no lock. Not copyable, for the resampler in it.
+// Pins: none. Nothing on this console hangs on the interrupt line, which is only kept in `irq`.
+// Order: Ym2612SetClock, Ym2612Reset, then ticks (ym2612_tick.h) and writes. Ym2612Flush at the end
+//   of a frame, then the sound is taken from `resampler`. `status` is read directly, as often as one
+//   likes: reading changes nothing.
+// Slots are kept in the order of their registers: operators 1, 3, 2, 4. Within a sample they are
+//   computed in the order 1, 2, 3, 4, so that every one hears its modulators of the same sample. The
+//   part computes them as 1, 3, 2, 4 and hears some of them a sample late; no such delay is kept here.
+// Differs: registers take effect at once and the chip is never busy. The output has its full range,
+//   without the step of the part's DAC around zero. All channels are computed at the 144th clock, in
+//   which timers, too, move by one. The four operators' own pitches on channel 3 need bit 6 of the
+//   mode: CSM alone plays the common pitch. A key pressed on any channel while CSM holds channel 3's
+//   keys, that is within one sample, is noted but not started. The LFO, when stopped, leaves its last
+//   attenuation and pitch in force. Vibrato that carries past F-number 2,047 goes on low in the next
+//   block. While an SSG envelope runs, its level is turned over by the alternate bit alone, and to
+//   1,023 - level; only key presses, levels that are written and the ends of a ramp go by the part's
+//   own rule (512 - level, by the attack bit and the ramp's turn). These are settled.
+#pragma once
+
+#include "audio/resampler.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+inline constexpr uint32_t kYm2612ClocksPerSample = 144;
+inline constexpr size_t kYm2612Channels = 6;
+inline constexpr size_t kYm2612Slots = 4; // of a channel
+
+// Room for raw sound: over a frame of 50 Hz (1,063 pairs). The chip flushes by itself when it is full.
+inline constexpr uint32_t kYm2612RawPairs = 1280;
+
+// Envelopes step once in three samples: a sample is added, and a step taken at the overflow.
+inline constexpr uint32_t kYm2612EgTimerAdd = 65'536;
+inline constexpr uint32_t kYm2612EgTimerOverflow = 196'608;
+
+// `phaseStep` of a channel's first slot while the channel waits for recalculation.
+inline constexpr int32_t kYm2612Recalculate = -1;
+
+// Bits of `status`, and of `irqMask`.
+inline constexpr uint8_t kYm2612TimerA = 1;
+inline constexpr uint8_t kYm2612TimerB = 2;
+
+// Values are saved in states.
+enum class Ym2612Envelope : uint8_t {
+    kOff = 0,
+    kRelease = 1,
+    kSustain = 2,
+    kDecay = 3,
+    kAttack = 4,
+};
+
+// How fast an envelope steps: every 2^shift of its clocks, by eight increments in turn.
+struct YM2612_RATE {
+    uint8_t shift;  // 0..11
+    uint8_t select; // 8 x row of the envelope step table
+};
+
+struct YM2612_SLOT {
+    uint32_t dt;       // detune row, 0..7
+    uint32_t mul;      // 2 x the multiple, 1..30
+    uint32_t ar;       // rates: 0, or 2 x the register's value + 32
+    uint32_t d1r;      //
+    uint32_t d2r;      //
+    uint32_t rr;       // 4 x the register's value + 34
+    uint8_t ksrShift;  // of the key code, 0..3
+    uint8_t ksr;       // key code >> `ksrShift`, as of the last look at the rates; 0..31
+    uint32_t phase;    //
+    int32_t phaseStep; // per sample, or kYm2612Recalculate
+    Ym2612Envelope state;
+    uint32_t tl;        // total level, 0..1,016
+    int32_t volume;     // envelope, 0..1,023
+    uint32_t sl;        // sustain level, 0..992
+    uint32_t volOut;    // `tl` and the envelope as heard
+    YM2612_RATE attack; // of `ar` at this key code, and so on
+    YM2612_RATE decay;
+    YM2612_RATE sustain;
+    YM2612_RATE release;
+    uint8_t ssg;         // bit 3 on, 2 attack, 1 alternate, 0 hold
+    uint8_t ssgInverted; // 0, or 4 when ramps have turned the shape over
+    uint8_t keyOn;       // 0 or 1: what register 0x28 said
+    uint32_t amMask;     // all ones with the LFO's attenuation
+};
+
+struct YM2612_PITCH {
+    uint32_t blockFnum; // bits 11-13 block, 0-10 F-number
+    uint32_t fc;        // phase step before detune and multiplication
+    uint8_t keyCode;    // 0..31
+};
+
+struct YM2612_CHANNEL {
+    std::array<YM2612_SLOT, kYm2612Slots> slots; // operators 1, 3, 2, 4
+    uint8_t algorithm;                           // 0..7
+    uint8_t feedback;                            // shift: 0 for none, or 7..13
+    std::array<int32_t, 2> operator1Out;         // the last two outputs, the older first
+    uint32_t pms;                                // LFO pitch depth x 32
+    uint8_t ams;                                 // LFO attenuation shift: 8, 3, 1, 0
+    uint32_t leftMask;                           // all ones or 0
+    uint32_t rightMask;                          //
+    YM2612_PITCH pitch;
+};
+
+struct YM2612 {
+    uint32_t clock = 0; // Hz; set by Ym2612SetClock, no part of a state
+    std::array<YM2612_CHANNEL, kYm2612Channels> channels{};
+
+    uint16_t address = 0; // register of the next data write; bit 8 is the second port
+    uint8_t irq = 0;      // 0 or 1
+    uint8_t irqMask = kYm2612TimerA | kYm2612TimerB;
+    uint8_t status = 0;       // bit 0 timer A, bit 1 timer B
+    uint32_t timerA = 0;      // register, 0..1,023
+    int32_t timerACount = 0;  // samples left
+    uint32_t timerB = 0;      // register, 0..255
+    int32_t timerBCount = 0;  // samples left
+    uint8_t mode = 0;         // register 0x27
+    uint8_t fnHighLatch = 0;  // block and upper F-number until the lower part comes, 0..63
+    uint8_t channel3Latch = 0; // the same for the next field
+    std::array<YM2612_PITCH, 3> channel3{}; // registers 0xA8 to 0xAA: operators 3, 1, 2
+    uint32_t lfoCounter = 0;                // position in the upper eight bits
+    uint32_t lfoIncrement = 0;              // per sample; 0 stops the LFO
+    uint32_t lfoAm = 0;                     // attenuation, 0..126
+    uint32_t lfoPm = 0;                     // position, 0..31
+    uint32_t egCounter = 0;                 // envelope clocks, one in three samples
+    uint32_t egTimer = 0;                   // 16-bit fraction of a sample
+    uint32_t egTimerAdd = kYm2612EgTimerAdd;
+    uint32_t egTimerOverflow = kYm2612EgTimerOverflow;
+    uint8_t csmKey = 0; // 1 from a CSM key press to the next sample, in which it is 2
+    int32_t dacOut = 0;
+    uint8_t dacEnabled = 0; // 0 or 0x80
+    uint32_t tickCount = 0; // clocks since the last sample, 0..143
+    std::array<int32_t, kYm2612Channels> channelOut{};
+
+    // Made from the fields above when a state is loaded.
+    bool recalculate = false; // some channel waits for recalculation
+    uint32_t ssgSlots = 0;    // bit channel x 4 + slot: its `ssg` bit 3
+
+    uint32_t sampleCount = 0; // i16 values in `sampleBuffer`, two a pair
+    std::array<int16_t, size_t{kYm2612RawPairs} * 2> sampleBuffer{};
+    AudioResampler resampler; // holds the sound that is ready for the machine
+};
+
+// `clock` in Hz. Clears slots and channels. Reads the sound settings, so it is called again when those
+// change. Forgets sound that wasn't taken.
+void Ym2612SetClock(YM2612& ym, uint32_t clock);
+
+// The chip's reset line, which the console's programs pull at any time. So what sounded until now
+// stays, as does the place between two samples. Every register is 0 then, except that both sides of
+// each channel are on, since some games never write that.
+void Ym2612Reset(YM2612& ym);
+
+// Makes one sample; what Ym2612Tick calls on every 144th clock.
+void Ym2612MakeSample(YM2612& ym);
+
+// So many clocks at once; the same as that many Ym2612Tick.
+void Ym2612Run(YM2612& ym, uint32_t clocks);
+
+// Ports 0 and 2 take the address within the first or second half of the registers, 1 and 3 the data.
+// Registers that don't exist do nothing.
+void Ym2612Write(YM2612& ym, uint32_t port, uint8_t value);
+
+// Hands the raw pairs to the resampler.
+void Ym2612Flush(YM2612& ym);
+
+// Runs the chip with no clock from the machine, in blocks of 144 ticks, until the resampler holds at
+// least `count` i16 values. Gives up where the resampler can hold no more.
+void Ym2612CatchUp(YM2612& ym, uint32_t count);
+
+// The state holds the chip without the sound on its way, raw or resampled.
+[[nodiscard]] uint32_t Ym2612StateSize();
+// Writes Ym2612StateSize bytes and gives the byte behind them.
+uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out);
+// Gives the bytes used, or 0 with nothing changed when the piece doesn't fit. Any contents are safe.
+[[nodiscard]] uint32_t Ym2612LoadState(YM2612& ym, const uint8_t* data, uint32_t size);

@@ -1,0 +1,98 @@
+// What the YM2612's registers and its clocking share: places of operators, keys and levels.
+#pragma once
+
+#include "megadrive/ym2612.h"
+
+#include <cstddef>
+#include <cstdint>
+
+// Places in the order of the registers.
+inline constexpr size_t kYm2612Operator1 = 0;
+inline constexpr size_t kYm2612Operator3 = 1;
+inline constexpr size_t kYm2612Operator2 = 2;
+inline constexpr size_t kYm2612Operator4 = 3;
+
+inline constexpr size_t kYm2612Special = 2; // channel 3: CSM and a pitch per operator
+inline constexpr size_t kYm2612Dac = 5;     // channel 6
+
+// Bits of register 0x27.
+inline constexpr uint8_t kYm2612RunA = 0x01;
+inline constexpr uint8_t kYm2612RunB = 0x02;
+inline constexpr uint8_t kYm2612FlagA = 0x04;
+inline constexpr uint8_t kYm2612FlagB = 0x08;
+inline constexpr uint8_t kYm2612ClearA = 0x10;
+inline constexpr uint8_t kYm2612ClearB = 0x20;
+inline constexpr uint8_t kYm2612OwnPitches = 0x40;
+inline constexpr uint8_t kYm2612SpecialBits = 0xC0;
+inline constexpr uint8_t kYm2612Csm = 0x80; // of the bits above
+
+// Bits of a slot's `ssg`.
+inline constexpr uint8_t kYm2612SsgOn = 8;
+inline constexpr uint8_t kYm2612SsgAttack = 4;
+inline constexpr uint8_t kYm2612SsgAlternate = 2;
+inline constexpr uint8_t kYm2612SsgHold = 1;
+
+inline constexpr int32_t kYm2612Silent = 1023;
+inline constexpr int32_t kYm2612SsgEnd = 512; // where a ramp of an SSG envelope ends
+
+// From this index (rate and key scale) on an attack takes no time.
+inline constexpr uint32_t kYm2612InstantAttack = 94;
+
+// The lower bits of a frequency are lost in blocks under 7. F-numbers are counted in halves for the
+// LFO's sake: 4,096 of them.
+[[nodiscard]] constexpr uint32_t Ym2612PhaseStepOf(uint32_t halfFnum, uint32_t block) {
+    return (halfFnum * 2048) >> (7 - block);
+}
+
+// Brings `volOut` up to `tl`, `volume` and the SSG shape's turn.
+inline void Ym2612RefreshLevel(YM2612_SLOT& slot) {
+    auto volume = static_cast<uint32_t>(slot.volume);
+    const bool running = slot.state > Ym2612Envelope::kRelease;
+    if (running && (slot.ssg & kYm2612SsgOn) != 0 &&
+        ((slot.ssgInverted ^ slot.ssg) & kYm2612SsgAttack) != 0) {
+        volume = (uint32_t{kYm2612SsgEnd} - volume) & 1023;
+    }
+    slot.volOut = slot.tl + volume;
+}
+
+// What comes after an attack.
+inline void Ym2612BeginDecay(YM2612_SLOT& slot) {
+    slot.volume = 0;
+    slot.state = slot.sl > 0 ? Ym2612Envelope::kDecay : Ym2612Envelope::kSustain;
+}
+
+[[nodiscard]] inline bool Ym2612AttacksAtOnce(const YM2612_SLOT& slot) {
+    return slot.ar + slot.ksr >= kYm2612InstantAttack;
+}
+
+// Starts a slot from the beginning, unless register or CSM hold its key already.
+void Ym2612Press(const YM2612& ym, YM2612_SLOT& slot);
+
+// Lets a slot die away if it sounds.
+void Ym2612Release(YM2612_SLOT& slot);
+
+// Reads the rate tables again for the slot's `ksr`.
+void Ym2612RefreshAttack(YM2612_SLOT& slot);
+void Ym2612RefreshDecay(YM2612_SLOT& slot);
+void Ym2612RefreshSustain(YM2612_SLOT& slot);
+void Ym2612RefreshRelease(YM2612_SLOT& slot);
+
+// Marks a channel whose phase steps and key scale have to be looked at before the next sample.
+inline void Ym2612Mark(YM2612& ym, YM2612_CHANNEL& channel) {
+    channel.slots[0].phaseStep = kYm2612Recalculate;
+    ym.recalculate = true;
+}
+
+// The pitch of one of a channel's slots.
+[[nodiscard]] inline const YM2612_PITCH& Ym2612SlotPitch(const YM2612& ym, size_t channel,
+                                                         size_t slot) {
+    if (channel == kYm2612Special && (ym.mode & kYm2612OwnPitches) != 0) {
+        switch (slot) {
+        case kYm2612Operator1: return ym.channel3[1];
+        case kYm2612Operator2: return ym.channel3[2];
+        case kYm2612Operator3: return ym.channel3[0];
+        default: break;
+        }
+    }
+    return ym.channels[channel].pitch;
+}

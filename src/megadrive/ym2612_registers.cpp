@@ -1,0 +1,288 @@
+// Writes to the YM2612's registers, and the keys.
+#include "megadrive/ym2612_private.h"
+#include "megadrive/ym2612_tables.h"
+
+namespace {
+
+constexpr uint16_t kSecondPort = 0x100;
+constexpr uint32_t kNoChannel = 3; // in a register's or a key's low two bits
+
+uint32_t RateOf(uint8_t value) {
+    const uint32_t rate = value & 31u;
+    return rate != 0 ? rate * 2 + 32 : 0;
+}
+
+// --- operators ----------------------------------------------------------------------------------
+
+void WriteMultiple(YM2612& ym, YM2612_CHANNEL& channel, YM2612_SLOT& slot, uint8_t value) {
+    const uint32_t multiple = value & 15u;
+    slot.mul = multiple != 0 ? multiple * 2 : 1;
+    slot.dt = value >> 4u & 7u;
+    Ym2612Mark(ym, channel);
+}
+
+void WriteAttack(YM2612& ym, YM2612_CHANNEL& channel, YM2612_SLOT& slot, uint8_t value) {
+    const auto shift = static_cast<uint8_t>(3 - (value >> 6u));
+    slot.ar = RateOf(value);
+    if (shift != slot.ksrShift) {
+        slot.ksrShift = shift;
+        Ym2612Mark(ym, channel);
+    }
+    Ym2612RefreshAttack(slot);
+}
+
+void WriteRelease(YM2612_SLOT& slot, uint8_t value) {
+    slot.sl = kYm2612SustainLevel[value >> 4u];
+    slot.rr = (value & 15u) * 4 + 34;
+    if (slot.state == Ym2612Envelope::kDecay && slot.volume >= static_cast<int32_t>(slot.sl)) {
+        slot.state = Ym2612Envelope::kSustain;
+    }
+    Ym2612RefreshRelease(slot);
+}
+
+void WriteSsg(YM2612& ym, size_t channel, size_t index, uint8_t value) {
+    YM2612_SLOT& slot = ym.channels[channel].slots[index];
+    slot.ssg = value & 15;
+    const uint32_t bit = 1u << (channel * kYm2612Slots + index);
+    ym.ssgSlots = (slot.ssg & kYm2612SsgOn) != 0 ? ym.ssgSlots | bit : ym.ssgSlots & ~bit;
+    if (slot.state > Ym2612Envelope::kRelease) {
+        Ym2612RefreshLevel(slot);
+    }
+}
+
+void WriteSlot(YM2612& ym, size_t channelIndex, size_t index, uint32_t reg, uint8_t value) {
+    YM2612_CHANNEL& channel = ym.channels[channelIndex];
+    YM2612_SLOT& slot = channel.slots[index];
+    switch (reg & 0xF0) {
+    case 0x30: WriteMultiple(ym, channel, slot, value); break;
+    case 0x40:
+        slot.tl = (value & 127u) * 8;
+        Ym2612RefreshLevel(slot);
+        break;
+    case 0x50: WriteAttack(ym, channel, slot, value); break;
+    case 0x60:
+        slot.d1r = RateOf(value);
+        slot.amMask = (value & 0x80) != 0 ? ~0u : 0;
+        Ym2612RefreshDecay(slot);
+        break;
+    case 0x70:
+        slot.d2r = RateOf(value);
+        Ym2612RefreshSustain(slot);
+        break;
+    case 0x80: WriteRelease(slot, value); break;
+    default: WriteSsg(ym, channelIndex, index, value); break;
+    }
+}
+
+// --- channels -----------------------------------------------------------------------------------
+
+void SetPitch(YM2612_PITCH& pitch, uint8_t latch, uint8_t low) {
+    const uint32_t block = latch >> 3u;
+    const uint32_t fnum = (latch & 7u) << 8 | low;
+    pitch.blockFnum = block << 11 | fnum;
+    pitch.keyCode = static_cast<uint8_t>(block << 2 | kYm2612KeyTable[fnum >> 7]);
+    pitch.fc = Ym2612PhaseStepOf(fnum * 2, block);
+}
+
+void WriteAlgorithm(YM2612_CHANNEL& channel, uint8_t value) {
+    const auto feedback = static_cast<uint8_t>(value >> 3u & 7u);
+    channel.algorithm = value & 7;
+    channel.feedback = feedback != 0 ? static_cast<uint8_t>(feedback + 6) : uint8_t{0};
+}
+
+void WriteSides(YM2612_CHANNEL& channel, uint8_t value) {
+    constexpr std::array<uint8_t, 4> kAmShift{8, 3, 1, 0}; // 0, 1.4, 5.9, 11.8 dB
+    channel.leftMask = (value & 0x80) != 0 ? ~0u : 0;
+    channel.rightMask = (value & 0x40) != 0 ? ~0u : 0;
+    channel.ams = kAmShift[value >> 4u & 3u];
+    channel.pms = (value & 7u) * kYm2612LfoPositions;
+}
+
+void WriteChannel(YM2612& ym, size_t channelIndex, uint32_t reg, uint8_t value) {
+    YM2612_CHANNEL& channel = ym.channels[channelIndex];
+    const bool firstPort = channelIndex < 3;
+    switch (reg & 0xFC) {
+    case 0xA0:
+        SetPitch(channel.pitch, ym.fnHighLatch, value);
+        Ym2612Mark(ym, channel);
+        break;
+    case 0xA4: ym.fnHighLatch = value & 63; break;
+    case 0xA8:
+        if (firstPort) {
+            SetPitch(ym.channel3[reg & 3], ym.channel3Latch, value);
+            Ym2612Mark(ym, ym.channels[kYm2612Special]);
+        }
+        break;
+    case 0xAC:
+        if (firstPort) {
+            ym.channel3Latch = value & 63;
+        }
+        break;
+    case 0xB0: WriteAlgorithm(channel, value); break;
+    case 0xB4: WriteSides(channel, value); break;
+    default: break;
+    }
+}
+
+// --- the chip -----------------------------------------------------------------------------------
+
+void WriteLfo(YM2612& ym, uint8_t value) {
+    if ((value & 8) == 0) {
+        ym.lfoIncrement = 0;
+        return;
+    }
+    if (ym.lfoIncrement == 0) {
+        ym.lfoCounter = 0;
+        ym.lfoAm = 0;
+        ym.lfoPm = 0;
+    }
+    ym.lfoIncrement = kYm2612LfoSteps[value & 7u];
+}
+
+void WriteMode(YM2612& ym, uint8_t value) {
+    if (((ym.mode ^ value) & kYm2612SpecialBits) != 0) {
+        YM2612_CHANNEL& channel = ym.channels[kYm2612Special];
+        Ym2612Mark(ym, channel);
+        if ((value & kYm2612SpecialBits) != kYm2612Csm && ym.csmKey != 0) {
+            for (YM2612_SLOT& slot : channel.slots) {
+                if (slot.keyOn == 0) {
+                    Ym2612Release(slot);
+                }
+            }
+            ym.csmKey = 0;
+        }
+    }
+    if ((value & kYm2612ClearB) != 0) {
+        ym.status &= static_cast<uint8_t>(~kYm2612TimerB);
+    }
+    if ((value & kYm2612ClearA) != 0) {
+        ym.status &= static_cast<uint8_t>(~kYm2612TimerA);
+    }
+    if ((ym.status & ym.irqMask) == 0) {
+        ym.irq = 0;
+    }
+    const auto rising = static_cast<uint8_t>(value & ~ym.mode);
+    if ((rising & kYm2612RunB) != 0) {
+        ym.timerBCount = static_cast<int32_t>((256 - ym.timerB) << 4);
+    }
+    if ((rising & kYm2612RunA) != 0) {
+        ym.timerACount = static_cast<int32_t>(1024 - ym.timerA);
+    }
+    ym.mode = value;
+}
+
+void WriteKeys(YM2612& ym, uint8_t value) {
+    if ((value & 3) == kNoChannel) {
+        return;
+    }
+    constexpr std::array<size_t, kYm2612Slots> kSlotOfBit{kYm2612Operator1, kYm2612Operator2,
+                                                          kYm2612Operator3, kYm2612Operator4};
+    YM2612_CHANNEL& channel = ym.channels[(value & 3u) + ((value & 4) != 0 ? 3u : 0u)];
+    for (uint32_t i = 0; i < kYm2612Slots; ++i) {
+        YM2612_SLOT& slot = channel.slots[kSlotOfBit[i]];
+        if ((value >> (4 + i) & 1) != 0) {
+            Ym2612Press(ym, slot);
+            slot.keyOn = 1;
+        } else {
+            if (slot.keyOn != 0 && ym.csmKey == 0) {
+                Ym2612Release(slot);
+            }
+            slot.keyOn = 0;
+        }
+    }
+}
+
+void WriteChip(YM2612& ym, uint32_t reg, uint8_t value) {
+    switch (reg) {
+    case 0x22: WriteLfo(ym, value); break;
+    case 0x24: ym.timerA = (ym.timerA & 3) | uint32_t{value} << 2; break;
+    case 0x25: ym.timerA = (ym.timerA & 0x3FC) | (value & 3u); break;
+    case 0x26: ym.timerB = value; break;
+    case 0x27: WriteMode(ym, value); break;
+    case 0x28: WriteKeys(ym, value); break;
+    case 0x2A: ym.dacOut = (value - 128) * 64; break;
+    case 0x2B: ym.dacEnabled = value & 0x80; break;
+    default: break;
+    }
+}
+
+void WriteData(YM2612& ym, uint8_t value) {
+    const uint32_t reg = ym.address & 0xFFu;
+    const bool secondPort = (ym.address & kSecondPort) != 0;
+    if (reg < 0x30) {
+        if (!secondPort) {
+            WriteChip(ym, reg, value);
+        }
+        return;
+    }
+    if ((reg & 3) == kNoChannel) {
+        return;
+    }
+    const size_t channel = (reg & 3) + (secondPort ? 3 : 0);
+    if (reg < 0xA0) {
+        WriteSlot(ym, channel, reg >> 2 & 3, reg, value);
+    } else {
+        WriteChannel(ym, channel, reg, value);
+    }
+}
+
+} // namespace
+
+void Ym2612Write(YM2612& ym, uint32_t port, uint8_t value) {
+    switch (port & 3) {
+    case 0: ym.address = value; break;
+    case 2: ym.address = static_cast<uint16_t>(value | kSecondPort); break;
+    default: WriteData(ym, value); break;
+    }
+}
+
+// A key that is held already, by register or by CSM, doesn't start again.
+void Ym2612Press(const YM2612& ym, YM2612_SLOT& slot) {
+    if (slot.keyOn != 0 || ym.csmKey != 0) {
+        return;
+    }
+    slot.phase = 0;
+    slot.ssgInverted = 0;
+    if (Ym2612AttacksAtOnce(slot) || slot.volume <= 0) {
+        Ym2612BeginDecay(slot);
+    } else {
+        slot.state = Ym2612Envelope::kAttack;
+    }
+    Ym2612RefreshLevel(slot);
+}
+
+// A release falls from the level that is heard, so an SSG shape that is turned over is turned back.
+void Ym2612Release(YM2612_SLOT& slot) {
+    if (slot.state <= Ym2612Envelope::kRelease) {
+        return;
+    }
+    slot.state = Ym2612Envelope::kRelease;
+    if ((slot.ssg & kYm2612SsgOn) != 0) {
+        if (slot.ssgInverted != (slot.ssg & kYm2612SsgAttack)) {
+            slot.volume = (kYm2612SsgEnd - slot.volume) & kYm2612Silent;
+        }
+        if (slot.volume >= kYm2612SsgEnd) {
+            slot.volume = kYm2612Silent;
+            slot.state = Ym2612Envelope::kOff;
+        }
+    }
+    Ym2612RefreshLevel(slot);
+}
+
+// The attack stands still at the indexes where a key press jumps to full volume.
+void Ym2612RefreshAttack(YM2612_SLOT& slot) {
+    slot.attack = Ym2612AttacksAtOnce(slot) ? YM2612_RATE{0, kYm2612StepNever}
+                                            : kYm2612RateTable[slot.ar + slot.ksr];
+}
+
+void Ym2612RefreshDecay(YM2612_SLOT& slot) {
+    slot.decay = kYm2612RateTable[slot.d1r + slot.ksr];
+}
+
+void Ym2612RefreshSustain(YM2612_SLOT& slot) {
+    slot.sustain = kYm2612RateTable[slot.d2r + slot.ksr];
+}
+
+void Ym2612RefreshRelease(YM2612_SLOT& slot) {
+    slot.release = kYm2612RateTable[slot.rr + slot.ksr];
+}

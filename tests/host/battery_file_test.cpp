@@ -1,0 +1,181 @@
+#include "base/files.h"
+#include "host/battery_file.h"
+#include "host/host_fixture.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+constexpr uint32_t kBatteryBytes = 100;
+
+class BatteryFile : public HostTest {
+protected:
+    static TEST_BEHAVIOUR WithBattery() {
+        TEST_BEHAVIOUR behaviour;
+        behaviour.batteryBytes = kBatteryBytes;
+        return behaviour;
+    }
+
+    [[nodiscard]] fs::path Folder() const { return home.Path() / "sms" / "saves"; }
+    [[nodiscard]] fs::path Path() const { return Folder() / "game.a5a5a5a5a5a5.sav"; }
+    void Put(const Bytes& bytes) const { home.Write("sms/saves/game.a5a5a5a5a5a5.sav", bytes); }
+
+    static Bytes Content(const fs::path& path) {
+        Bytes bytes;
+        std::string error;
+        EXPECT_TRUE(ReadFile(path, bytes, error)) << error;
+        return bytes;
+    }
+
+    [[nodiscard]] std::vector<std::string> Names() const {
+        std::vector<std::string> names;
+        if (fs::exists(Folder())) {
+            for (const auto& entry : fs::directory_iterator(Folder())) {
+                names.push_back(entry.path().filename().string());
+            }
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    // A session can be looked at once its thread has opened it.
+    static bool FillRunning(uint8_t value) {
+        return Eventually([=] {
+            return WithMachine(
+                1, [=](CTestMachine& machine) { machine.battery.assign(kBatteryBytes, value); });
+        });
+    }
+
+    static void Fill(EMU_THREAD& session, uint8_t value) {
+        MachineOf(session).battery.assign(kBatteryBytes, value);
+    }
+};
+
+TEST_F(BatteryFile, UntouchedMemoryMakesNoFile) {
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    EmuSaveBattery(*session);
+    EXPECT_TRUE(Names().empty());
+    EXPECT_TRUE(TakeReports().empty());
+}
+
+TEST_F(BatteryFile, ChangedMemoryIsThereTheNextTime) {
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Fill(*session, 0x42);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 0x42));
+
+    const auto again = Create(WithBattery());
+    EmuLoadBattery(*again);
+    EXPECT_EQ(MachineOf(*again).battery, Bytes(kBatteryBytes, 0x42));
+    EXPECT_TRUE(TakeReports().empty());
+}
+
+TEST_F(BatteryFile, TwoImagesOfOneNameHaveTheirOwn) {
+    const auto first = Create(WithBattery());
+    const auto second = Create(WithBattery(), "GAME", 1, 0x01);
+    for (EMU_THREAD* session : {first.get(), second.get()}) {
+        EmuLoadBattery(*session);
+    }
+    Fill(*first, 1);
+    Fill(*second, 2);
+    EmuSaveBattery(*first);
+    EmuSaveBattery(*second);
+    EXPECT_EQ(Names(),
+              (std::vector<std::string>{"game.010101010101.sav", "game.a5a5a5a5a5a5.sav"}));
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 1));
+}
+
+TEST_F(BatteryFile, GameWithoutMemoryLeavesAFileAlone) {
+    Put({1, 2, 3});
+    const auto session = Create();
+    EmuLoadBattery(*session);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(Path()), (Bytes{1, 2, 3}));
+    EXPECT_EQ(Names().size(), 1u);
+}
+
+TEST_F(BatteryFile, TheFileAsFoundIsKeptOnceASession) {
+    Put(Bytes(kBatteryBytes, 7));
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Fill(*session, 8);
+    EmuSaveBattery(*session);
+    Fill(*session, 9);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 9));
+    EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.before.sav"), Bytes(kBatteryBytes, 7));
+}
+
+TEST_F(BatteryFile, WrongLengthIsSetAsideUnderTheFirstFreeName) {
+    for (uint8_t round = 1; round <= 2; ++round) {
+        Put(Bytes(round, round));
+        const auto session = Create(WithBattery());
+        EmuLoadBattery(*session);
+        EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, 0xFF));
+        EXPECT_EQ(TakeReports().size(), 1u);
+        Fill(*session, 0x10);
+        EmuSaveBattery(*session);
+        EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 0x10));
+    }
+    EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.damaged-1.sav"), Bytes(1, 1));
+    EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.damaged-2.sav"), Bytes(2, 2));
+}
+
+TEST_F(BatteryFile, OneThatCannotBeReadIsNeverTouched) {
+    fs::create_directories(Path()); // a folder of that name is there and is no file
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    EXPECT_EQ(TakeReports().size(), 1u);
+    Fill(*session, 3);
+    EmuSaveBattery(*session);
+    EXPECT_TRUE(fs::is_directory(Path()));
+    EXPECT_TRUE(TakeReports().empty());
+}
+
+TEST_F(BatteryFile, AFailedWriteIsToldOnceAndTriedAgainAtTheEnd) {
+    const std::string blocker = "sms/saves";
+    home.Write(blocker, Bytes{1}); // the folder cannot be made
+    ASSERT_NE(Start(1, "Game", 1, WithBattery()), 0u);
+    ASSERT_TRUE(FillRunning(5));
+    EmuKeepBatteries();
+    EXPECT_EQ(TakeReports().size(), 1u);
+    EmuKeepBatteries();
+    EXPECT_TRUE(TakeReports().empty());
+    fs::remove(home.Path() / blocker);
+    EXPECT_TRUE(EmuStopSession(1));
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 5));
+}
+
+TEST_F(BatteryFile, RunningGamesAreKeptWithoutAStop) {
+    ASSERT_NE(Start(1, "Game", 1, WithBattery()), 0u);
+    ASSERT_TRUE(FillRunning(5));
+    EXPECT_TRUE(Eventually([&] {
+        EmuKeepBatteries(); // until the host has opened the session
+        return fs::exists(Path());
+    }));
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 5));
+    EXPECT_TRUE(EmuStopSession(1));
+}
+
+TEST_F(BatteryFile, EndedMachineKeepsItsMemoryAndMakesNoAutosave) {
+    TEST_BEHAVIOUR behaviour = WithBattery();
+    behaviour.endsAtFrame = 1;
+    ASSERT_NE(Start(1, "Game", 1, behaviour), 0u);
+    EXPECT_TRUE(Eventually([&] {
+        bool ended = false;
+        WithMachine(1, [&](const CTestMachine& machine) { ended = machine.ended; });
+        return ended;
+    }));
+    ASSERT_TRUE(FillRunning(6));
+    EXPECT_TRUE(EmuStopSession(1));
+    EXPECT_EQ(Names(), (std::vector<std::string>{"game.a5a5a5a5a5a5.sav"}));
+}
+
+} // namespace

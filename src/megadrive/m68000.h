@@ -54,7 +54,7 @@ using M68kWriteFunction = void (*)(void* owner, uint32_t address, uint32_t value
 
 struct M68K_STATE {
     void* owner = nullptr;
-    uint32_t cpuType = 0; // 1: 68000
+    uint32_t cpuType = 0;            // 1: 68000
     std::array<uint32_t, 16> regs{}; // D0 to D7, A0 to A7; A7 is the active stack pointer
     uint32_t prevPc = 0;             // address of the instruction being executed
     uint32_t pc = 0;                 // next fetch address
@@ -101,14 +101,16 @@ struct M68K_STATE {
     int32_t cyclesLeft = 0; // written only; wraps
     uint32_t spare0 = 0;    // saved, otherwise unused
     uint32_t spare1 = 0;
-    std::array<uint8_t, 256> recovery{}; // stays zero: the address error's exit needs no buffer here
+    std::array<uint8_t, 256>
+        recovery{}; // stays zero: the address error's exit needs no buffer here
     uint32_t aerrAddress = 0;
     uint32_t aerrMode = 0; // M68kAccess
     uint32_t aerrCode = 0; // function code: s with 1 for data, with 2 for program
     uint32_t irqLines = 0; // bit n is line n
     uint32_t nmiPending = 0;
     M68kIntAckFunction intAck = nullptr;
-    std::array<M68kEventFunction, 5> events{}; // null unless wanted; the second one is called by RESET
+    std::array<M68kEventFunction, 5>
+        events{}; // null unless wanted; the second one is called by RESET
     M68kReadFunction readImmediate = nullptr;
     M68kReadFunction readByte = nullptr;
     M68kReadFunction readWord = nullptr;
@@ -118,19 +120,22 @@ struct M68K_STATE {
     M68kWriteFunction writeLong = nullptr;
     uint32_t spare2 = 0; // saved, otherwise unused
 
-    std::array<const uint16_t*, kM68kPages> readPages{}; // by the owner, not saved; also for fetches
+    std::array<const uint16_t*, kM68kPages>
+        readPages{}; // by the owner, not saved; also for fetches
     std::array<uint16_t*, kM68kPages> writePages{};
 };
 
 using M68kHandler = void (*)(M68K_STATE& cpu);
 
 inline constexpr uint32_t kM68kOpcodes = 65536;
+// NOLINTBEGIN(readability-identifier-naming): names fixed for the whole program
 // By the whole opcode. Filled by M68kBuildTables, never written afterwards.
 extern std::array<M68kHandler, kM68kOpcodes> m68kHandlers;
 // Clocks by opcode, of the 68000: the only member of the family that runs here.
 extern std::array<uint8_t, kM68kOpcodes> m68kCycles;
 // Clocks by vector.
 extern const std::array<uint8_t, 256> m68kExceptionCycles;
+// NOLINTEND(readability-identifier-naming)
 
 // Fills the tables at the first call, from whichever thread; later calls do nothing.
 void M68kBuildTables();

@@ -2,9 +2,8 @@
 // odd addresses, and the shortcut around the callbacks for pages that are plain memory.
 #pragma once
 
-#include "megadrive/m68000.h"
-
 #include "base/bytes.h"
+#include "megadrive/m68000.h"
 
 // The lower part of a function code; s is the upper.
 enum M68kSpace : uint32_t { kM68kData = 1, kM68kProgram = 2 };

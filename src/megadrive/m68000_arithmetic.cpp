@@ -173,9 +173,7 @@ constexpr uint32_t LongClocks(M68kMode mode) {
 template <class Operation, Size kSize>
 void AddToData(M68kRowList& rows, uint32_t line) {
     const auto add = [&]<M68kMode kMode>() {
-        const uint32_t base = kSize != Size::kLong   ? 4
-                              : !Operation::kKeeps ? 6
-                                                     : LongClocks(kMode);
+        const uint32_t base = kSize != Size::kLong ? 4 : !Operation::kKeeps ? 6 : LongClocks(kMode);
         M68kAddRegisterRow(rows, ToData<Operation, kSize, kMode>, line | M68kSizeBits(kSize), kMode,
                            base + M68kModeClocks(kMode, kSize));
     };
@@ -200,9 +198,9 @@ void AddImmediate(M68kRowList& rows, uint32_t line) {
     constexpr bool kIsLong = kSize == Size::kLong;
     const uint32_t match = line | M68kSizeBits(kSize);
     M68kAddRow(rows, Immediate<Operation, kSize, kData>, match, kData,
-               !kIsLong             ? 8
+               !kIsLong            ? 8
                : Operation::kKeeps ? 16
-                                    : 14);
+                                   : 14);
     M68kForAlterable<kSize>([&]<M68kMode kMode>() {
         const uint32_t base = Operation::kKeeps ? (kIsLong ? 20 : 12) : (kIsLong ? 12 : 8);
         M68kAddRow(rows, Immediate<Operation, kSize, kMode>, match, kMode,
@@ -238,7 +236,6 @@ void AddToAddress(M68kRowList& rows, uint32_t line) {
     });
 }
 
-
 template <class Operation, Size kSize>
 void AddExtendedRows(M68kRowList& rows, uint32_t line) {
     constexpr uint32_t kMemory = 0x08;
@@ -247,8 +244,8 @@ void AddExtendedRows(M68kRowList& rows, uint32_t line) {
     rows.push_back({Extended<Operation, kSize, kData, kData>, 0xF1F8, match,
                     static_cast<uint8_t>(kIsLong ? 8 : 4)});
     const auto add = [&](M68kHandler handler, uint32_t mask, uint32_t registers) {
-        rows.push_back({handler, mask, match | kMemory | registers,
-                        static_cast<uint8_t>(kIsLong ? 30 : 18)});
+        rows.push_back(
+            {handler, mask, match | kMemory | registers, static_cast<uint8_t>(kIsLong ? 30 : 18)});
     };
     add(Extended<Operation, kSize, kPreDecrement, kPreDecrement>, 0xF1F8, 0);
     if constexpr (kSize == Size::kByte) {

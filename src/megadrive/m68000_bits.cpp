@@ -73,8 +73,9 @@ struct ArithmeticLeft {
         constexpr uint32_t kBits = kM68kBits<kSize>;
         bool changes = value != 0;
         if (count < kBits) {
-            const uint32_t passing = kM68kMask<kSize> & ~static_cast<uint32_t>(
-                uint64_t{kM68kMask<kSize>} >> (count + 1));
+            const uint32_t passing =
+                kM68kMask<kSize> &
+                ~static_cast<uint32_t>(uint64_t{kM68kMask<kSize>} >> (count + 1));
             changes = (value & passing) != 0 && (value & passing) != passing;
         }
         cpu.v = changes ? kM68kFlagV : 0;
@@ -96,8 +97,7 @@ struct ArithmeticRight {
         constexpr uint32_t kSpare = 64 - kM68kBits<kSize>;
         const int64_t wide = static_cast<int64_t>(uint64_t{value} << kSpare) >> kSpare;
         const int64_t shifted = wide >> count;
-        CarryAndExtend(cpu, count,
-                              count == 0 ? 0 : static_cast<uint64_t>(wide >> (count - 1)));
+        CarryAndExtend(cpu, count, count == 0 ? 0 : static_cast<uint64_t>(wide >> (count - 1)));
         return static_cast<uint32_t>(shifted);
     }
 };
@@ -156,8 +156,7 @@ struct RotateRightX {
 template <class Operation, Size kSize>
 uint32_t ShiftAndFlag(M68K_STATE& cpu, uint32_t value, uint32_t count) {
     cpu.v = 0;
-    const uint32_t result =
-        Operation::template Apply<kSize>(cpu, value, count) & kM68kMask<kSize>;
+    const uint32_t result = Operation::template Apply<kSize>(cpu, value, count) & kM68kMask<kSize>;
     cpu.n = result >> kM68kTopShift<kSize>;
     cpu.notZ = result;
     return result;
@@ -170,17 +169,16 @@ void ShiftRegister(M68K_STATE& cpu) {
     const uint32_t count =
         kFromRegister ? M68kDataRegister<Slot::kHigh>(cpu) & kMostCount : M68kQuickValue(cpu);
     uint32_t& target = M68kDataRegister<Slot::kLow>(cpu);
-    M68kSetData<kSize>(
-        target, ShiftAndFlag<Operation, kSize>(cpu, target & kM68kMask<kSize>, count));
-    M68kSpend(cpu, static_cast<int32_t>(
-                       count << (static_cast<uint32_t>(cpu.cycShift) & kMostPlaces)));
+    M68kSetData<kSize>(target,
+                       ShiftAndFlag<Operation, kSize>(cpu, target & kM68kMask<kSize>, count));
+    M68kSpend(cpu,
+              static_cast<int32_t>(count << (static_cast<uint32_t>(cpu.cycShift) & kMostPlaces)));
 }
 
 template <class Operation, M68kMode kMode>
 void ShiftMemory(M68K_STATE& cpu) {
-    M68kModify<kMode, Size::kWord>(cpu, [&](uint32_t value) {
-        return ShiftAndFlag<Operation, Size::kWord>(cpu, value, 1);
-    });
+    M68kModify<kMode, Size::kWord>(
+        cpu, [&](uint32_t value) { return ShiftAndFlag<Operation, Size::kWord>(cpu, value, 1); });
 }
 
 template <class Operation, bool kFromRegister, M68kMode kMode>
@@ -210,8 +208,7 @@ void AddBits(M68kRowList& rows, uint32_t kind, uint32_t dataClocks) {
 template <class Operation>
 void AddRegisterShift(M68kRowList& rows, uint32_t kind, bool isLeft) {
     M68kForSizes([&]<Size kSize>() {
-        const uint32_t match =
-            0xE000 | (isLeft ? 0x100U : 0) | M68kSizeBits(kSize) | kind << 3;
+        const uint32_t match = 0xE000 | (isLeft ? 0x100U : 0) | M68kSizeBits(kSize) | kind << 3;
         const auto cycles = static_cast<uint8_t>(kSize == Size::kLong ? 8 : 6);
         rows.push_back({ShiftRegister<Operation, kSize, false>, 0xF1F8, match, cycles});
         rows.push_back({ShiftRegister<Operation, kSize, true>, 0xF1F8, match | 0x20, cycles});

@@ -192,15 +192,11 @@ void AddConditionRows(M68kRowList& rows) {
 
 constexpr uint32_t JumpClocks(M68kMode mode) {
     switch (mode) {
-    case kIndirect:
-        return 8;
+    case kIndirect: return 8;
     case kIndexed:
-    case kPcIndexed:
-        return 14;
-    case kAbsoluteLong:
-        return 12;
-    default:
-        return 10;
+    case kPcIndexed: return 14;
+    case kAbsoluteLong: return 12;
+    default: return 10;
     }
 }
 

@@ -44,8 +44,8 @@ void AddMove(M68kRowList& rows) {
         (M68kNamesRegister(kTarget) ? 0x0E00U : 0) | (M68kNamesRegister(kSource) ? 7U : 0);
     constexpr uint32_t kClocks =
         kBase + M68kModeClocks(kSource, kSize) + DestinationClocks(kTarget, kSize);
-    rows.push_back({Move<kSize, kSource, kTarget>, 0xFFFF & ~kOpen, kMatch,
-                    static_cast<uint8_t>(kClocks)});
+    rows.push_back(
+        {Move<kSize, kSource, kTarget>, 0xFFFF & ~kOpen, kMatch, static_cast<uint8_t>(kClocks)});
 }
 
 template <M68kSize kSize, M68kMode kTarget>

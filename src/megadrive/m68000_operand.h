@@ -36,8 +36,9 @@ using enum M68kMode;
 // Memory that can be written, but for what depends on the operand's size.
 using Alterable = M68K_MODES<kIndirect, kPostIncrement, kPreDecrement, kDisplacement, kIndexed,
                              kAbsoluteWord, kAbsoluteLong>;
-using AlterableByte = M68K_MODES<kIndirect, kPostIncrement, kPostIncrementA7, kPreDecrement,
-                                 kPreDecrementA7, kDisplacement, kIndexed, kAbsoluteWord, kAbsoluteLong>;
+using AlterableByte =
+    M68K_MODES<kIndirect, kPostIncrement, kPostIncrementA7, kPreDecrement, kPreDecrementA7,
+               kDisplacement, kIndexed, kAbsoluteWord, kAbsoluteLong>;
 // What LEA, JMP and their like take.
 using Control = M68K_MODES<kIndirect, kDisplacement, kIndexed, kAbsoluteWord, kAbsoluteLong,
                            kPcDisplacement, kPcIndexed>;
@@ -247,13 +248,13 @@ constexpr uint32_t M68kSizeBits(M68kSize size) {
 // A row with a mode in the low bits and nothing else left open.
 inline void M68kAddRow(M68kRowList& rows, M68kHandler handler, uint32_t match, M68kMode mode,
                        uint32_t cycles) {
-    rows.push_back({handler, M68kNamesRegister(mode) ? 0xFFF8U : 0xFFFFU, match | M68kModeBits(mode),
-                    static_cast<uint8_t>(cycles)});
+    rows.push_back({handler, M68kNamesRegister(mode) ? 0xFFF8U : 0xFFFFU,
+                    match | M68kModeBits(mode), static_cast<uint8_t>(cycles)});
 }
 
 // The same with a register, or a literal, in bits 9 to 11.
-inline void M68kAddRegisterRow(M68kRowList& rows, M68kHandler handler, uint32_t match, M68kMode mode,
-                               uint32_t cycles) {
-    rows.push_back({handler, M68kNamesRegister(mode) ? 0xF1F8U : 0xF1FFU, match | M68kModeBits(mode),
-                    static_cast<uint8_t>(cycles)});
+inline void M68kAddRegisterRow(M68kRowList& rows, M68kHandler handler, uint32_t match,
+                               M68kMode mode, uint32_t cycles) {
+    rows.push_back({handler, M68kNamesRegister(mode) ? 0xF1F8U : 0xF1FFU,
+                    match | M68kModeBits(mode), static_cast<uint8_t>(cycles)});
 }

@@ -30,12 +30,13 @@ struct M68K_OPCODE_ROW {
 
 using M68kRowList = std::vector<M68K_OPCODE_ROW>;
 
-void M68kAddMoveRows(M68kRowList& rows);       // MOVE, MOVEA
-void M68kAddTransferRows(M68kRowList& rows);   // MOVEQ, MOVEM, MOVEP, LEA, PEA, EXG, SWAP, status and USP
+void M68kAddMoveRows(M68kRowList& rows); // MOVE, MOVEA
+void M68kAddTransferRows(
+    M68kRowList& rows); // MOVEQ, MOVEM, MOVEP, LEA, PEA, EXG, SWAP, status and USP
 void M68kAddArithmeticRows(M68kRowList& rows); // ADD, SUB, AND, OR, EOR, CMP in all their forms
-void M68kAddUnaryRows(M68kRowList& rows);      // one operand, decimal, extended, multiply, divide, CHK
-void M68kAddBitRows(M68kRowList& rows);        // bits, shifts, rotates
-void M68kAddControlRows(M68kRowList& rows);    // branches, calls, conditions, traps, system control
+void M68kAddUnaryRows(M68kRowList& rows);   // one operand, decimal, extended, multiply, divide, CHK
+void M68kAddBitRows(M68kRowList& rows);     // bits, shifts, rotates
+void M68kAddControlRows(M68kRowList& rows); // branches, calls, conditions, traps, system control
 
 // All of them.
 [[nodiscard]] M68kRowList M68kRows();

@@ -1,19 +1,40 @@
-#include "megadrive/m68000.h"
-
 #include "base/state_piece.h"
+#include "megadrive/m68000.h"
 
 namespace {
 
 // Names the fields in the order of the piece, to read or write them.
 auto Fields(M68K_STATE& cpu) {
     return [&cpu](auto& visit) {
-        for (uint32_t* field :
-             {&cpu.cpuType, &cpu.prevPc, &cpu.pc,           &cpu.vbr,          &cpu.sfc,
-              &cpu.dfc,     &cpu.cacr,   &cpu.caar,         &cpu.ir,           &cpu.fpiar,
-              &cpu.fpsr,    &cpu.fpcr,   &cpu.t1,           &cpu.t0,           &cpu.s,
-              &cpu.m,       &cpu.x,      &cpu.n,            &cpu.notZ,         &cpu.v,
-              &cpu.c,       &cpu.intMask, &cpu.intLevel,    &cpu.stopped,      &cpu.prefetchAddr,
-              &cpu.prefetchData, &cpu.srMask, &cpu.instrMode, &cpu.runMode}) {
+        for (uint32_t* field : {&cpu.cpuType,
+                                &cpu.prevPc,
+                                &cpu.pc,
+                                &cpu.vbr,
+                                &cpu.sfc,
+                                &cpu.dfc,
+                                &cpu.cacr,
+                                &cpu.caar,
+                                &cpu.ir,
+                                &cpu.fpiar,
+                                &cpu.fpsr,
+                                &cpu.fpcr,
+                                &cpu.t1,
+                                &cpu.t0,
+                                &cpu.s,
+                                &cpu.m,
+                                &cpu.x,
+                                &cpu.n,
+                                &cpu.notZ,
+                                &cpu.v,
+                                &cpu.c,
+                                &cpu.intMask,
+                                &cpu.intLevel,
+                                &cpu.stopped,
+                                &cpu.prefetchAddr,
+                                &cpu.prefetchData,
+                                &cpu.srMask,
+                                &cpu.instrMode,
+                                &cpu.runMode}) {
             visit(*field);
         }
         for (int32_t* field :

@@ -18,9 +18,14 @@ struct VECTOR_RANGE {
 };
 
 constexpr std::array kVectorClocks{
-    VECTOR_RANGE{2, 3, 50},  VECTOR_RANGE{4, 4, 34},   VECTOR_RANGE{5, 5, 38},
-    VECTOR_RANGE{6, 6, 40},  VECTOR_RANGE{7, 9, 34},   VECTOR_RANGE{15, 15, 44},
-    VECTOR_RANGE{24, 31, 44}, VECTOR_RANGE{32, 47, 34},
+    VECTOR_RANGE{2,  3,  50},
+    VECTOR_RANGE{4,  4,  34},
+    VECTOR_RANGE{5,  5,  38},
+    VECTOR_RANGE{6,  6,  40},
+    VECTOR_RANGE{7,  9,  34},
+    VECTOR_RANGE{15, 15, 44},
+    VECTOR_RANGE{24, 31, 44},
+    VECTOR_RANGE{32, 47, 34},
 };
 
 constexpr std::array<uint8_t, 256> ExceptionClocks() {

@@ -24,8 +24,8 @@ void Swap(M68K_STATE& cpu) {
 
 void ExtendByte(M68K_STATE& cpu) {
     uint32_t& target = M68kDataRegister<Slot::kLow>(cpu);
-    M68kSetData<Size::kWord>(
-        target, M68kLogicFlags<Size::kWord>(cpu, M68kSignExtendByte(target) & 0xFFFF));
+    M68kSetData<Size::kWord>(target,
+                             M68kLogicFlags<Size::kWord>(cpu, M68kSignExtendByte(target) & 0xFFFF));
 }
 
 void ExtendWord(M68K_STATE& cpu) {
@@ -50,6 +50,7 @@ void PushAddress(M68K_STATE& cpu) {
     M68kPushLong(cpu, M68kEffectiveAddress<kMode, Size::kLong>(cpu));
 }
 
+// A7 as the frame is pushed as it was before the push.
 void Link(M68K_STATE& cpu) {
     const uint32_t displacement = M68kSignExtendWord(M68kFetchWord(cpu));
     uint32_t& frame = M68kAddressRegister<Slot::kLow>(cpu);
@@ -58,22 +59,11 @@ void Link(M68K_STATE& cpu) {
     cpu.regs[kM68kA7] += displacement;
 }
 
-// A7 is pushed as it is behind the push.
-void LinkA7(M68K_STATE& cpu) {
-    const uint32_t displacement = M68kSignExtendWord(M68kFetchWord(cpu));
-    M68kPushLong(cpu, cpu.regs[kM68kA7] - 4);
-    cpu.regs[kM68kA7] += displacement;
-}
-
+// What is pulled replaces A7 where that is the frame: the step behind the pull is lost.
 void Unlink(M68K_STATE& cpu) {
     uint32_t& frame = M68kAddressRegister<Slot::kLow>(cpu);
     cpu.regs[kM68kA7] = frame;
     frame = M68kPullLong(cpu);
-}
-
-// What is pulled replaces A7, so that the step behind the pull is lost.
-void UnlinkA7(M68K_STATE& cpu) {
-    cpu.regs[kM68kA7] = M68kReadLong(cpu, cpu.regs[kM68kA7]);
 }
 
 template <Size kSize>
@@ -210,12 +200,11 @@ void AddMultipleRows(M68kRowList& rows) {
     constexpr uint32_t kStoreClocks = 4;
     constexpr uint32_t kLoadClocks = 8;
     M68kAddRow(rows, StoreDownwards<kSize>, kStoring, kPreDecrement, 8);
-    M68kForModes(
-        M68K_MODES<kIndirect, kDisplacement, kIndexed, kAbsoluteWord, kAbsoluteLong>{},
-        [&]<M68kMode kMode>() {
-            M68kAddRow(rows, Store<kSize, kMode>, kStoring, kMode,
-                       kStoreClocks + M68kModeClocks(kMode, Size::kWord));
-        });
+    M68kForModes(M68K_MODES<kIndirect, kDisplacement, kIndexed, kAbsoluteWord, kAbsoluteLong>{},
+                 [&]<M68kMode kMode>() {
+                     M68kAddRow(rows, Store<kSize, kMode>, kStoring, kMode,
+                                kStoreClocks + M68kModeClocks(kMode, Size::kWord));
+                 });
     const auto load = [&]<M68kMode kMode>() {
         M68kAddRow(rows, Load<kSize, kMode>, kLoading, kMode,
                    kLoadClocks + M68kModeClocks(kMode, Size::kWord));
@@ -249,9 +238,9 @@ void M68kAddTransferRows(M68kRowList& rows) {
     rows.push_back({Exchange<kM68kA0, kM68kA0>, 0xF1F8, 0xC148, 6});
     rows.push_back({Exchange<0, kM68kA0>, 0xF1F8, 0xC188, 6});
     rows.push_back({Link, 0xFFF8, 0x4E50, 16});
-    rows.push_back({LinkA7, 0xFFFF, 0x4E57, 16});
+    rows.push_back({Link, 0xFFFF, 0x4E57, 16});
     rows.push_back({Unlink, 0xFFF8, 0x4E58, 12});
-    rows.push_back({UnlinkA7, 0xFFFF, 0x4E5F, 12});
+    rows.push_back({Unlink, 0xFFFF, 0x4E5F, 12});
     rows.push_back({LoadPeripheral<Size::kWord>, 0xF1F8, 0x0108, 16});
     rows.push_back({LoadPeripheral<Size::kLong>, 0xF1F8, 0x0148, 24});
     rows.push_back({StorePeripheral<Size::kWord>, 0xF1F8, 0x0188, 16});

@@ -96,7 +96,7 @@ struct SubtractDecimal {
         const bool isHighOut = (difference & kBorrow) != 0;
         const uint32_t result =
             difference - (isLowOut ? kLowDigit : 0) - (isHighOut ? kHighDigit : 0);
-        SetDecimalFlags(cpu, result, (result & kBorrow) != 0);
+        SetDecimalFlags(cpu, result, isHighOut || (result & kBorrow) != 0);
         cpu.v = difference & ~result;
         return result & 0xFF;
     }

@@ -4,6 +4,8 @@
 #include "megadrive/ym2612_tick.h"
 #include "sega8/z80_tick.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr uint32_t kNothingStart = 0x800000;
@@ -197,10 +199,11 @@ uint32_t ReadVideo(MEGA_DRIVE& md, uint32_t address) {
 
 // The same, and the chip is afterwards as it was.
 uint32_t PeekVideo(MEGA_DRIVE& md, uint32_t address) {
+    MdCatchUpVideo(md);
     const uint32_t dataAddress = md.vdp.address;
     const uint32_t pendingSecond = md.vdp.pendingSecond;
-    const uint32_t word = ReadVideo(md, address);
     const uint16_t status = md.vdp.status;
+    const uint32_t word = ReadVideo(md, address);
     md.vdp.address = dataAddress;
     md.vdp.pendingSecond = pendingSecond;
     md.vdp.status = status;
@@ -372,6 +375,7 @@ uint16_t MdReadForDma(void* owner, uint32_t address) {
 void MdCatchUpVideo(MEGA_DRIVE& md) {
     if (md.vdpWaiting != 0) {
         MdVdpRun(md.vdp, md.vdpWaiting * kMdCycleClocks);
+        md.vdpToEvent -= std::min(md.vdpToEvent, md.vdpWaiting);
         md.vdpWaiting = 0;
     }
 }

@@ -95,6 +95,10 @@ void MdReset(MEGA_DRIVE& md) {
     md.z80Ram.fill(0);
     md.z80Bank = 0;
     Ym2612Reset(md.fm);
+    // The chip's own reset, which programs pull in mid-frame, keeps what has sounded.
+    md.fm.tickCount = 0;
+    md.fm.sampleCount = 0;
+    md.fm.resampler.Reset();
     MdVdpReset(md.vdp);
     PsgReset(md.psg);
     md.z80Clock = 0;

@@ -52,8 +52,8 @@ void TargetRow(MD_VDP& vdp) {
     if (vdp.pixels != nullptr) {
         const bool doubled = vdp.interlace2 != 0 && vdp.h40 != 0;
         const uint32_t scale = doubled ? 2 : 1;
-        const uint32_t row = RowOf(vdp.line * scale, vdp.activeHeight * scale,
-                                   vdp.totalLines * scale, vdp.border);
+        const uint32_t row =
+            RowOf(vdp.line * scale, vdp.activeHeight * scale, vdp.totalLines * scale, vdp.border);
         const uint32_t field = doubled ? vdp.field : 0;
         // 240 lines doubled are more than the picture has room for.
         if (row != kMdVdpNoRow && row + field < kMdVdpRows) {

@@ -129,7 +129,8 @@ struct MD_VDP {
 
     std::array<uint8_t, kMdVdpLine> lineFlags; // 1 where the pixel isn't shadowed
     std::array<uint8_t, kMdVdpLine> layerCode; // highest MdVdpCellLayer of the pixel
-    std::array<uint8_t, kMdVdpLine> shadowOp;  // operator sprite: layer + 1 shadow, + 2 highlight; or 0
+    std::array<uint8_t, kMdVdpLine>
+        shadowOp; // operator sprite: layer + 1 shadow, + 2 highlight; or 0
     std::array<uint16_t, kMdVdpLine> planeALine, planeBLine, spriteLine, windowLine, backdropLine;
 
     void* owner;
@@ -138,10 +139,10 @@ struct MD_VDP {
     MdVdpRaiseIrq raiseIrq;
     MdVdpDmaRead dmaRead;
 
-    std::array<uint8_t, 40> windowColumn; // 1 where 8 pixels show the window
-    int32_t stepDebt;                     // in master clocks
-    uint32_t frameDone;                   // set at the end of the last line
-    uint32_t hCount;                      // the H step to be run next
+    std::array<uint8_t, 40> windowColumn;            // 1 where 8 pixels show the window
+    int32_t stepDebt;                                // in master clocks
+    uint32_t frameDone;                              // set at the end of the last line
+    uint32_t hCount;                                 // the H step to be run next
     uint32_t tileColumn, planeAColumn, planeBColumn; // cell positions of the fetches
     uint32_t vCount;                                 // the line as the program sees it
     uint32_t line;                                   // the line being drawn
@@ -161,9 +162,9 @@ struct MD_VDP {
     uint16_t status;
     uint32_t hPending, vPending; // interrupts; the owner clears them
     uint32_t dmaState;
-    uint32_t dmaLength;  // in units left: words of the bus, bytes of a copy or fill
-    uint32_t dmaSource;  // byte address
-    uint32_t dmaBase;    // the source as written; gives its 128 KB block
+    uint32_t dmaLength; // in units left: words of the bus, bytes of a copy or fill
+    uint32_t dmaSource; // byte address
+    uint32_t dmaBase;   // the source as written; gives its 128 KB block
     uint32_t dmaFillValue;
     uint32_t dmaHalf;    // half of a unit is done
     uint32_t dmaCode;    // low four bits of the command

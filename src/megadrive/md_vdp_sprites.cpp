@@ -16,11 +16,11 @@ constexpr uint32_t kOrigin = 128; // sprite coordinates of the picture's corner
 
 // What the words before the patterns say of a sprite on the line.
 struct Sprite {
-    uint32_t row;    // of its pixels, from its top
-    uint32_t rows;   // pixels high
-    uint32_t width;  // pixels
+    uint32_t row;   // of its pixels, from its top
+    uint32_t rows;  // pixels high
+    uint32_t width; // pixels
     uint32_t attributes;
-    uint32_t x;      // of the picture; wraps below 0
+    uint32_t x; // of the picture; wraps below 0
 };
 
 // The operators of shadow and highlight, and who is never shadowed. False: no pixel to store.
@@ -62,8 +62,8 @@ void DrawEight(MD_VDP& vdp, uint32_t x, uint32_t pattern, uint32_t attributes) {
 uint32_t CellPattern(const MD_VDP& vdp, const Sprite& sprite, uint32_t column) {
     const bool flipX = (sprite.attributes & kMdVdpFlipX) != 0;
     const uint32_t cell = flipX ? sprite.width / 8 - 1 - column : column;
-    const uint32_t row = (sprite.attributes & kMdVdpFlipY) != 0 ? sprite.rows - 1 - sprite.row
-                                                                : sprite.row;
+    const uint32_t row =
+        (sprite.attributes & kMdVdpFlipY) != 0 ? sprite.rows - 1 - sprite.row : sprite.row;
     // Cells go down before they go across.
     const uint32_t base = sprite.attributes << (5 + vdp.interlace2);
     uint32_t pattern = MdVdpPattern(vdp, base + (cell * sprite.rows + row) * 4);
@@ -114,8 +114,29 @@ private:
         return true;
     }
 
+    // Goes on while sprites aren't on the line, which most aren't, and there is time for one more.
+    void SkipUnseen() {
+        const uint32_t doubled = vdp.interlace2;
+        uint32_t index = walk.index;
+        uint32_t skipped = 0;
+        for (; budget >= 4; budget -= 2, ++skipped) {
+            const uint32_t entry = vdp.spriteBase + index * 8;
+            const uint32_t y = (MdVdpVramWord(vdp, entry) >> doubled & 511) - kOrigin;
+            const uint32_t size = MdVdpVramWord(vdp, entry + 2);
+            const uint32_t link = size & 127;
+            const bool isLast = index == kLastIndex && vdp.h40 != 0;
+            if (line - y < (size >> 8 & 3) * 8 + 8 || link >= limits.links || isLast) {
+                break;
+            }
+            index = link;
+        }
+        walk.index = index;
+        walk.seen += skipped;
+    }
+
     // Looks at a sprite and goes on to the next; false at the end of the walk.
     bool Look() {
+        SkipUnseen();
         walk.step = 0;
         uint32_t top = 0;
         uint32_t size = 0;

@@ -128,8 +128,8 @@ void RestrainGeometry(MD_VDP& vdp) {
     vdp.planeWidth = SafePlaneSize(vdp.planeWidth);
     vdp.planeHeight = SafePlaneSize(vdp.planeHeight);
     vdp.windowWidth = vdp.windowWidth == 64 ? 64 : 32;
-    for (uint32_t* base : {&vdp.planeABase, &vdp.planeBBase, &vdp.windowBase, &vdp.hscrollBase,
-                           &vdp.spriteBase}) {
+    for (uint32_t* base :
+         {&vdp.planeABase, &vdp.planeBBase, &vdp.windowBase, &vdp.hscrollBase, &vdp.spriteBase}) {
         *base &= 0xFE00;
     }
     vdp.border = std::min(vdp.border, 16U);
@@ -156,7 +156,7 @@ void RestrainCounters(MD_VDP& vdp) {
     // stands.
     const uint32_t start = h40 ? 45 : 31;
     const uint32_t reached = vdp.hCount > first ? vdp.hCount - first : 0;
-    vdp.outX = std::min({vdp.outX, dots, vdp.hCount <= start ? dots : reached});
+    vdp.outX = std::min(vdp.outX, vdp.hCount <= start ? kMdVdpWidth : std::min(reached, dots));
     vdp.backdropX = std::min(vdp.backdropX, kMdVdpWidth);
     vdp.planeAX = std::min(vdp.planeAX, static_cast<uint32_t>(kMdVdpLine));
     vdp.planeBX = std::min(vdp.planeBX, static_cast<uint32_t>(kMdVdpLine));
@@ -173,7 +173,8 @@ void RestrainAccess(MD_VDP& vdp) {
     vdp.vramHalf &= 1;
     vdp.dmaHalf &= 1;
     vdp.dmaState = vdp.dmaState <= kMdVdpDmaFill ? vdp.dmaState : kMdVdpNoDma;
-    vdp.dmaLength = std::clamp(vdp.dmaLength, 1U, 0x10000U);
+    const uint32_t least = vdp.dmaState != kMdVdpNoDma ? 1 : 0;
+    vdp.dmaLength = std::clamp(vdp.dmaLength, least, 0x10000U);
     vdp.dmaSource &= vdp.dmaState == kMdVdpDmaCopy ? 0xFFFFU : 0xFFFFFFU;
     vdp.address &= 0xFFFF;
     vdp.addressHigh &= 0xC000;

@@ -40,18 +40,26 @@ struct Row {
 };
 
 inline constexpr Row kEventsH32[] = {
-    {47, 287, 16, kMdVdpFetch},       {10, 10, 1, kMdVdpHBlankEnd},
-    {31, 31, 1, kMdVdpLineStart},     {62, 62, 1, kMdVdpTargetRow},
-    {0, 0, 1, kMdVdpVInterrupt},      {266, 266, 1, kMdVdpVCountStep},
-    {295, 295, 1, kMdVdpHBlankBegin}, {319, 319, 1, kMdVdpLineEnd},
-    {341, 341, 1, kMdVdpWrap},
+    {47,  287, 16, kMdVdpFetch      },
+    {10,  10,  1,  kMdVdpHBlankEnd  },
+    {31,  31,  1,  kMdVdpLineStart  },
+    {62,  62,  1,  kMdVdpTargetRow  },
+    {0,   0,   1,  kMdVdpVInterrupt },
+    {266, 266, 1,  kMdVdpVCountStep },
+    {295, 295, 1,  kMdVdpHBlankBegin},
+    {319, 319, 1,  kMdVdpLineEnd    },
+    {341, 341, 1,  kMdVdpWrap       },
 };
 inline constexpr Row kEventsH40[] = {
-    {61, 365, 16, kMdVdpFetch},       {16, 16, 1, kMdVdpHBlankEnd},
-    {45, 45, 1, kMdVdpLineStart},     {76, 76, 1, kMdVdpTargetRow},
-    {52, 52, 1, kMdVdpVInterrupt},    {330, 330, 1, kMdVdpVCountStep},
-    {366, 366, 1, kMdVdpHBlankBegin}, {397, 397, 1, kMdVdpLineEnd},
-    {421, 421, 1, kMdVdpWrap},
+    {61,  365, 16, kMdVdpFetch      },
+    {16,  16,  1,  kMdVdpHBlankEnd  },
+    {45,  45,  1,  kMdVdpLineStart  },
+    {76,  76,  1,  kMdVdpTargetRow  },
+    {52,  52,  1,  kMdVdpVInterrupt },
+    {330, 330, 1,  kMdVdpVCountStep },
+    {366, 366, 1,  kMdVdpHBlankBegin},
+    {397, 397, 1,  kMdVdpLineEnd    },
+    {421, 421, 1,  kMdVdpWrap       },
 };
 
 inline constexpr uint32_t kSlotsH32[] = {7,   23,  45,  61,  93,  109, 125, 157,
@@ -125,8 +133,7 @@ constexpr bool ReachesOut(uint32_t event) {
 }
 
 // Master clocks from the beginning of each step to the beginning of the next one that the machine sees
-// something of. The line starts over behind its end, with whatever width: its first such step is
-// not counted on, which the wrap is for.
+// something of, or to the end of the line: the next one may have the other width.
 template <size_t Steps>
 constexpr std::array<uint16_t, Steps> ClocksToEvent(const std::array<uint8_t, Steps>& actions,
                                                     const std::array<uint8_t, Steps>& lengths) {

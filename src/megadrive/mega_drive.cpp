@@ -234,15 +234,16 @@ void CMegaDrive::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRA
                           EMU_AUDIO_FRAME* audio) {
     ReadPads();
     MdVdpBeginFrame(md.vdp, video->pixels);
-    if (ended) {
-        std::fill_n(video->pixels, size_t{kMostWidth} * kMostHeight, kBlack);
-    } else {
+    if (!ended) {
         RunProgram();
     }
     // The host's buffer may be gone before the next frame, while a loaded state may stand in a picture.
     MdVdpFinishFrame(md.vdp, video);
     md.vdp.pixels = nullptr;
     md.vdp.rowOut = nullptr;
+    if (ended) {
+        std::fill_n(video->pixels, size_t{video->width} * video->height, kBlack);
+    }
     MixFrame(*audio);
 }
 

@@ -115,13 +115,13 @@ struct YM2612 {
     uint16_t address = 0; // register of the next data write; bit 8 is the second port
     uint8_t irq = 0;      // 0 or 1
     uint8_t irqMask = kYm2612TimerA | kYm2612TimerB;
-    uint8_t status = 0;       // bit 0 timer A, bit 1 timer B
-    uint32_t timerA = 0;      // register, 0..1,023
-    int32_t timerACount = 0;  // samples left
-    uint32_t timerB = 0;      // register, 0..255
-    int32_t timerBCount = 0;  // samples left
-    uint8_t mode = 0;         // register 0x27
-    uint8_t fnHighLatch = 0;  // block and upper F-number until the lower part comes, 0..63
+    uint8_t status = 0;        // bit 0 timer A, bit 1 timer B
+    uint32_t timerA = 0;       // register, 0..1,023
+    int32_t timerACount = 0;   // samples left
+    uint32_t timerB = 0;       // register, 0..255
+    int32_t timerBCount = 0;   // samples left
+    uint8_t mode = 0;          // register 0x27
+    uint8_t fnHighLatch = 0;   // block and upper F-number until the lower part comes, 0..63
     uint8_t channel3Latch = 0; // the same for the next field
     std::array<YM2612_PITCH, 3> channel3{}; // registers 0xA8 to 0xAA: operators 3, 1, 2
     uint32_t lfoCounter = 0;                // position in the upper eight bits

@@ -27,25 +27,28 @@ void BuildSine(YM2612_TABLES& tables) {
     }
 }
 
+int32_t LfoOffset(uint32_t fnum, uint32_t depth, uint32_t position) {
+    int32_t offset = 0;
+    for (uint32_t bit = 0; bit < kYm2612LfoOffsets.size(); ++bit) {
+        if ((fnum >> bit & 1) != 0) {
+            offset += kYm2612LfoOffsets[bit][depth][position];
+        }
+    }
+    return offset;
+}
+
 // A quarter of the LFO's wave rises as the offsets do; the next one mirrors it, and the second half is
 // the first with the sign turned.
 void BuildLfoPhases(YM2612_TABLES& tables) {
-    for (uint32_t fnum = 0; fnum < 128; ++fnum) {
-        for (uint32_t depth = 0; depth < kYm2612LfoDepths; ++depth) {
-            int16_t* const wave =
-                &tables.lfoPhase[size_t{fnum} * kYm2612LfoRow + size_t{depth} * kYm2612LfoPositions];
-            for (uint32_t position = 0; position < 8; ++position) {
-                int32_t offset = 0;
-                for (uint32_t bit = 0; bit < 7; ++bit) {
-                    if ((fnum >> bit & 1) != 0) {
-                        offset += kYm2612LfoOffsets[bit][depth][position];
-                    }
-                }
-                wave[position] = static_cast<int16_t>(offset);
-                wave[15 - position] = static_cast<int16_t>(offset);
-                wave[16 + position] = static_cast<int16_t>(-offset);
-                wave[31 - position] = static_cast<int16_t>(-offset);
-            }
+    for (uint32_t row = 0; row < 128 * kYm2612LfoDepths; ++row) {
+        int16_t* const wave = &tables.lfoPhase[size_t{row} * kYm2612LfoPositions];
+        for (uint32_t position = 0; position < 8; ++position) {
+            const auto offset = static_cast<int16_t>(
+                LfoOffset(row / kYm2612LfoDepths, row % kYm2612LfoDepths, position));
+            wave[position] = offset;
+            wave[15 - position] = offset;
+            wave[16 + position] = static_cast<int16_t>(-offset);
+            wave[31 - position] = static_cast<int16_t>(-offset);
         }
     }
 }

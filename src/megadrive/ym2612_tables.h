@@ -18,7 +18,7 @@ inline constexpr uint32_t kYm2612LfoRow = kYm2612LfoDepths * kYm2612LfoPositions
 
 // An attenuation is 2 x (256ths of 6 dB), with bit 0 set for a negative value.
 struct YM2612_TABLES {
-    std::array<int16_t, kYm2612Levels> level;    // by attenuation: the linear value
+    std::array<int16_t, kYm2612Levels> level;     // by attenuation: the linear value
     std::array<uint16_t, kYm2612SineLength> sine; // by phase: the attenuation
     // Half F-numbers that the LFO adds: by the F-number's upper seven bits, depth and position.
     std::array<int16_t, size_t{128} * kYm2612LfoRow> lfoPhase;

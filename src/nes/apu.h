@@ -11,10 +11,10 @@
 //   the processor.
 // Order: ApuInit, ApuReset, then in every cycle ApuStep (apu_tick.h) before the processor's access.
 //   ApuFlush at the end of a frame, then the sound is taken from `resampler`.
-// Differs: pulse and noise are signed and the mix is a plain sum, where the part has unsigned levels
-//   in two non-linear tables; a triangle of a period under 4 is silent; a read of the status clears
-//   the sample interrupt too; a direct write to the sample level gives 3 more than a step to it. All of
-//   it is settled. Where a channel's level is taken, and what restarts what, are the published rules.
+// Differs, and kept so on purpose: pulse and noise are signed and the mix is a plain sum, where the part
+//   has unsigned levels in two non-linear tables; a triangle of a period under 4 is silent; a read of
+//   the status clears the sample interrupt too; a direct write to the sample level gives 3 more than a
+//   step to it. Where a channel's level is taken, and what restarts what, are the published rules.
 #pragma once
 
 #include "audio/resampler.h"
@@ -134,7 +134,8 @@ struct APU {
     AudioResampler resampler; // holds the sound that is ready for the machine
 };
 
-// Reads the sound settings, so it is called again when those change.
+// The machine calls it with every reset, before ApuReset: it reads the sound settings, so that changed
+// ones are in force from the next reset on.
 void ApuInit(APU& apu, uint8_t (*readByte)(void* owner, uint16_t address), void* owner);
 
 // Power-on values; takes both interrupts down and forgets sound that wasn't taken. The button of the

@@ -9,9 +9,12 @@
 //   in force as soon as BoardLoadState returns.
 // Reset: registers return to zero but for those told with a board; RAM on a board keeps its bytes. A
 //   board that sets the mirroring by a register starts with what the header says in it.
-// Differs: none of them has bus conflicts; 4 interrupts only where its counter falls to 0 from another
-//   value; 7 and 66 look at no more bits than they have banks; 73 has no program RAM at 0x6000, and
-//   its 8-bit counter never interrupts. All of it is settled.
+// Four screens: an image's four-screen flag holds on boards without a mirroring register, on 4 whatever
+//   is written there, and on 9 until its register is written; 1 and 7 go by their register from reset on.
+// Differs, and kept so on purpose: none of them has bus conflicts; 4 interrupts only where its counter
+//   falls to 0 from another value; for a program bank 7 looks at three bits of the value and 66 at two,
+//   and for a character bank 66 at another two; 73 has no program RAM at 0x6000, and its 8-bit counter
+//   never interrupts.
 #pragma once
 
 #include "nes/cartridge.h"

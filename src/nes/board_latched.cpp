@@ -11,9 +11,12 @@ constexpr uint16_t kTileFe = 0x3E8;
 
 enum Latch : uint8_t { kFd, kFe };
 
+// In place of the mirroring register's bit: an image with four screens, and nothing written yet.
+constexpr uint8_t kFourScreens = 2;
+
 struct LATCHED_STATE : NES_BOARD_STATE {
     uint8_t program = 0;                // 8 KB bank at 0x8000, 4 bits
-    uint8_t mirroring = 0;              // bit 0
+    uint8_t mirroring = 0;              // bit 0, or kFourScreens
     std::array<uint8_t, 2> latches{};   // by half, Latch
     std::array<uint8_t, 4> character{}; // left FD, left FE, right FD, right FE; 5 bits each
 
@@ -35,8 +38,15 @@ void MapHalf(NES_CARTRIDGE& cartridge, uint32_t half) {
     MapChr4(cartridge, half * kPagesAHalf, state.character[half * 2 + state.latches[half]]);
 }
 
+// The header's four screens last until the register is written.
+void SyncMirroring(NES_CARTRIDGE& cartridge) {
+    const uint8_t value = State(cartridge).mirroring;
+    SetMirroring(cartridge, (value & kFourScreens) != 0 ? HeaderMirroring(cartridge)
+                                                        : RegisterMirroring(value));
+}
+
 void Sync(NES_CARTRIDGE& cartridge) {
-    SetMirroringByRegister(cartridge, State(cartridge).mirroring);
+    SyncMirroring(cartridge);
     MapPrg8(cartridge, 8, State(cartridge).program);
     MapPrg8(cartridge, 10, 13);
     MapPrg8(cartridge, 12, 14);
@@ -78,7 +88,8 @@ void WriteMirroring(NES_CARTRIDGE& cartridge, uint16_t /*address*/, uint8_t valu
 void Reset(NES_CARTRIDGE& cartridge) {
     LATCHED_STATE& state = State(cartridge);
     state.program = 0;
-    state.mirroring = HeaderMirroringRegister(cartridge);
+    state.mirroring = (cartridge.flags & kNesFourScreens) != 0 ? kFourScreens
+                                                               : HeaderMirroringRegister(cartridge);
     state.latches = {kFd, kFd};
     state.character.fill(0);
     SetWriteHandler(cartridge, 10, 10, WriteProgram);
@@ -92,7 +103,7 @@ void Reset(NES_CARTRIDGE& cartridge) {
 void Restore(NES_CARTRIDGE& cartridge) {
     LATCHED_STATE& state = State(cartridge);
     state.program &= 15;
-    state.mirroring &= 1;
+    state.mirroring &= kFourScreens | 1;
     for (uint8_t& latch : state.latches) {
         latch &= 1;
     }

@@ -98,11 +98,8 @@ uint8_t HeaderMirroringRegister(const NES_CARTRIDGE& cartridge) {
     return (cartridge.flags & kNesVerticalMirroring) != 0 ? 0 : 1;
 }
 
-void SetMirroringByRegister(NES_CARTRIDGE& cartridge, uint8_t value) {
-    if ((cartridge.flags & kNesFourScreens) != 0) {
-        return;
-    }
-    SetMirroring(cartridge, (value & 1) != 0 ? NesMirroring::kHorizontal : NesMirroring::kVertical);
+NesMirroring RegisterMirroring(uint8_t value) {
+    return (value & 1) != 0 ? NesMirroring::kHorizontal : NesMirroring::kVertical;
 }
 
 void SetWriteHandler(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t lastPage,

@@ -49,10 +49,9 @@ void MapPrgRam(NES_CARTRIDGE& cartridge, NesBoardRam& ram, bool readable, bool w
 void SetMirroring(NES_CARTRIDGE& cartridge, NesMirroring mirroring);
 [[nodiscard]] NesMirroring HeaderMirroring(const NES_CARTRIDGE& cartridge);
 
-// The mirroring register of the boards where bit 0 is set for A A B B and clear for A B A B. An image
-// with four screens keeps its four pages whatever is written.
+// The mirroring register of boards 4 and 9: bit 0 is set for A A B B and clear for A B A B.
 [[nodiscard]] uint8_t HeaderMirroringRegister(const NES_CARTRIDGE& cartridge);
-void SetMirroringByRegister(NES_CARTRIDGE& cartridge, uint8_t value);
+[[nodiscard]] NesMirroring RegisterMirroring(uint8_t value);
 
 void SetWriteHandler(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t lastPage,
                      NesWriteHandler handler);

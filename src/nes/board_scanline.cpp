@@ -6,7 +6,8 @@
 
 namespace {
 
-// Addresses of which the last has bit 12 set before the counter sees one again.
+// How long an address with bit 12 set hides further ones from the counter: it passes over the next seven
+// addresses, and from the eighth on one with bit 12 set counts.
 constexpr uint8_t kFilterAddresses = 8;
 constexpr uint16_t kUpperHalf = 0x1000;
 
@@ -55,7 +56,10 @@ SCANLINE_STATE& State(NES_CARTRIDGE& cartridge) {
 
 void Sync(NES_CARTRIDGE& cartridge) {
     SCANLINE_STATE& state = State(cartridge);
-    SetMirroringByRegister(cartridge, state.mirroring);
+    // An image with four screens keeps its four pages whatever is written.
+    if ((cartridge.flags & kNesFourScreens) == 0) {
+        SetMirroring(cartridge, RegisterMirroring(state.mirroring));
+    }
     const uint32_t swapped = (state.bankSelect & kSwapPrograms) != 0 ? 2 : 0;
     for (uint32_t i = 0; i < 4; ++i) {
         const uint32_t index = (i & 1) != 0 ? i : i ^ swapped;

@@ -77,8 +77,8 @@ struct NES_CARTRIDGE {
     // picture unit fetches, unless the board is written to. Null for a board that never does.
     uint32_t (*quietDots)(const NES_CARTRIDGE& cartridge) = nullptr;
 
-    // Character RAM of the plain board. One to a machine, as several machines run at once, and kept by
-    // no state.
+    // Character RAM of the plain board. One to a machine, as several machines run at once. The board's
+    // piece of a state has no fields, so the machine saves it in a piece of its own.
     NesBoardRam plainRam{};
 
     const uint32_t* cpuCycles = nullptr;
@@ -86,8 +86,11 @@ struct NES_CARTRIDGE {
     std::array<uint8_t*, 4> nametables{};
 };
 
-// Takes the image and makes the board's record. False leaves an empty cartridge and a line in `error`
-// for the user; a trainer is refused without a word. The bytes are copied.
+// Takes the image and makes the board's record; the bytes are copied, and those behind what the header
+// speaks of are not looked at. False for an image without the header's mark, shorter than its header
+// says, with a trainer, or of a board that isn't built: the cartridge is empty then, and `error` holds a
+// line for the user, but for a trainer, which is refused without a word before its board is looked at.
+// What CartridgeConnect has wired stays.
 [[nodiscard]] bool CartridgeLoad(NES_CARTRIDGE& cartridge, std::span<const uint8_t> image,
                                  std::string& error);
 

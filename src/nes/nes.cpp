@@ -148,7 +148,8 @@ bool CNES::LoadPieces(const uint8_t* data, uint32_t size) {
         [&](const uint8_t* piece, uint32_t left) { return StatePieceRead(piece, left, board); });
     loaded = loaded && pieces.Load(nes.cpu, M6502LoadState) && pieces.Load(nes.ppu, PpuLoadState) &&
              pieces.Load(nes.apu, ApuLoadState) && pieces.Load(nes.cartridge, BoardLoadState);
-    if (loaded && HasPlainRam()) {
+    // A state that ends here says nothing of the RAM, which then stays as it is.
+    if (loaded && HasPlainRam() && pieces.Left() != 0) {
         loaded = pieces.Take([&](const uint8_t* piece, uint32_t left) {
             return StatePieceRead(piece, left, plainRam);
         });

@@ -2,12 +2,13 @@
 // hardware.
 //
 // Games: the first file is an image with its header of 16 bytes; a second file is not looked at. A
-//   trainer, a board that is not built and an image shorter than its header says are refused; bytes
-//   beyond that are not looked at.
+//   header without its mark ("NES" and 0x1A), a trainer, a board that is not built and an image shorter
+//   than its header says are refused; bytes beyond that are not looked at.
 // Options: none.
 // States: board, processor, picture unit, sound unit, cartridge board. Behind them comes the RAM that a
 //   plain board without character image shows, where there is one, and then the sound on its way, of
-//   which sound_frame.h tells.
+//   which sound_frame.h tells. A state that ends before that RAM loads, and the RAM keeps its bytes.
+//   Where a piece is refused those before it are in force.
 #pragma once
 
 #include "host/emu_system.h"

@@ -6,8 +6,8 @@
 // Owner: CNES, on its session's thread, with no lock. Not movable, for the chips point at each other.
 // Order: NesConnect once a cartridge is in (CartridgeLoad), NesReset, then a frame after the other with
 //   PpuBeginFrame and NesRunFrame.
-// Differs: sprite DMA takes no time; each write to 0x4016 restarts the pads, and they go on after eight
-//   reads with zeroes and after 32 with the buttons again. All settled.
+// Differs, and kept so on purpose: sprite DMA takes no time; each write to 0x4016 restarts the pads, and
+//   they go on after eight reads with zeroes and after 32 with the buttons again.
 #pragma once
 
 #include "nes/apu.h"

@@ -25,7 +25,8 @@ void BeginBlank(PPU& ppu) {
     }
 }
 
-// The dots at which PpuEvent is due; the first and the third of the pre-render line only.
+// On every line PpuEvent is due at kPpuFrameEndDot and at the line's end, on the pre-render line at these
+// two as well.
 constexpr uint32_t kClearStatusDot = 1;
 constexpr uint32_t kCopyScrollDot = 304;
 

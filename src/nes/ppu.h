@@ -8,12 +8,14 @@
 // Pins: `pages`, the picture bus with its board, which watches addresses through the hook; `nmiLine`,
 //   a word of the processor whose bit 0 is raised and dropped here and cleared by the processor.
 // Order: PpuInit, PpuReset, then PpuBeginFrame and dots (PpuDot in ppu_tick.h) until frameDone, with
-//   register accesses between dots. `status`, `oam` and the picture are up to date at the end of a frame
-//   and in what the registers give; PpuCatchUp brings them there at any other time.
-// Differs: the first pixel goes out at dot 0; an odd frame's pre-render line is the short one; the
-//   vertical scroll is taken once, at dot 304 of the pre-render line; oamAddress is cleared as line 241
-//   begins; a data access while the picture is drawn garbles what is fetched, from a generator that
-//   starts afresh at reset so that a run repeats. All settled.
+//   register accesses between dots. The picture, the search for sprites with its `secondaryOam`, and
+//   the flags in `status` that come of both may lag behind the dot. They are up to date at the end of a
+//   frame and in what the registers give; PpuCatchUp brings them there at any other time.
+// Differs, and kept so on purpose: the first pixel goes out at dot 0; an odd frame's pre-render line is
+//   the short one; the whole scroll, its horizontal part too, is taken at one moment for a frame, dot
+//   304 of the pre-render line; oamAddress is cleared as line 241 begins; a data access while the
+//   picture is drawn garbles what is fetched, from a generator that starts afresh at reset so that a run
+//   repeats.
 #pragma once
 
 #include "nes/nes_pages.h"
@@ -58,7 +60,9 @@ inline constexpr uint8_t kPpuSpriteEntry = 0x1F;
 inline constexpr uint8_t kPpuSpriteBehind = 0x20;
 inline constexpr uint8_t kPpuSpriteZero = 0x40;
 
-// `ioState`: an access counts down by two a dot, in odd numbers for a read.
+// `ioState`: an access counts down by two a dot, in odd numbers for a read, and is over after three dots.
+// What it moves it moves on the third. Where rendering is on by then a read leaves readBuffer as it is,
+// and of a write only the garbled fetch reaches memory.
 enum PpuAccess : uint8_t {
     kPpuNoAccess = 0,
     kPpuReadEnd = 1,

@@ -106,12 +106,12 @@ using Wave = std::array<double, kPhases>;
     for (const double level : wave) {
         mean += level / kPhases;
     }
-    double variance = 0; // over the whole cycle, not by phase
+    double squares = 0; // their sum; divided by the phases below it is the variance
     for (const double level : wave) {
-        variance += (level - mean) * (level - mean);
+        squares += (level - mean) * (level - mean);
     }
     const double y = (mean - kBlack) * kGain;
-    const double saturation = std::sqrt(variance * kGain / kPhases) * kSaturation;
+    const double saturation = std::sqrt(squares * kGain / kPhases) * kSaturation;
     const double angle = (PhaseOf(wave) + kDecoderDegrees) * std::numbers::pi / 180;
     const double i = saturation * std::cos(angle);
     const double q = saturation * std::sin(angle);

@@ -6,8 +6,9 @@
 #include <array>
 #include <cstdint>
 
-// What happens at `eventDot`: a line or its picture begins or ends. Gives the dot's number, 0 where `dot`
-// is the end of the line.
+// What is due as `dot` reaches `eventDot`: the end of a line or of its picture, and on the pre-render line
+// the clearing of the flags and the taking of the scroll as well. Sets the next eventDot. Gives the number
+// of the dot that has begun: `dot`, or 0 where the line has ended.
 [[nodiscard]] uint32_t PpuEvent(PPU& ppu, uint32_t dot);
 
 // Puts out what is due of a visible line's pixels before dot `end`, 1 to 256.
@@ -19,7 +20,8 @@ void PpuEvaluateTo(PPU& ppu, uint32_t end);
 void PpuEvaluateDot(PPU& ppu, uint32_t dot);
 void PpuEvaluateLine(PPU& ppu);
 
-// The low plane's address of the sprite in slot 0 to 7 of the line. A slot without one holds tile 0xFF.
+// The low plane's address of the sprite in slot 0 to 7 of the line. A slot without one holds tile 0xFF
+// where rendering was on for the line's first 64 dots, and what an earlier line left there where not.
 [[nodiscard]] uint16_t PpuSpriteAddress(const PPU& ppu, uint32_t slot);
 
 // Lays a fetched sprite under those of the slots before it.

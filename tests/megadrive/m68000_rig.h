@@ -35,39 +35,7 @@ struct TEST_68000 {
             SetWord(address, word);
             address += 2;
         }
-        cpu.owner = this;
-        cpu.intAck = [](void* owner, uint32_t level) {
-            auto& rig = *static_cast<TEST_68000*>(owner);
-            rig.acknowledged.push_back(level);
-            return rig.vector;
-        };
-        cpu.readImmediate = [](void* owner, uint32_t address) {
-            return static_cast<TEST_68000*>(owner)->Log("f", address, 4, &TEST_68000::Word);
-        };
-        cpu.readByte = [](void* owner, uint32_t address) {
-            return static_cast<TEST_68000*>(owner)->Log("rb", address, 2, &TEST_68000::Byte);
-        };
-        cpu.readWord = [](void* owner, uint32_t address) {
-            return static_cast<TEST_68000*>(owner)->Log("rw", address, 4, &TEST_68000::Word);
-        };
-        cpu.readLong = [](void* owner, uint32_t address) {
-            return static_cast<TEST_68000*>(owner)->Log("rl", address, 8, &TEST_68000::Long);
-        };
-        cpu.writeByte = [](void* owner, uint32_t address, uint32_t value) {
-            auto& rig = *static_cast<TEST_68000*>(owner);
-            rig.SetByte(address, value);
-            rig.Log("wb", address, 2, &TEST_68000::Byte);
-        };
-        cpu.writeWord = [](void* owner, uint32_t address, uint32_t value) {
-            auto& rig = *static_cast<TEST_68000*>(owner);
-            rig.SetWord(address, value);
-            rig.Log("ww", address, 4, &TEST_68000::Word);
-        };
-        cpu.writeLong = [](void* owner, uint32_t address, uint32_t value) {
-            auto& rig = *static_cast<TEST_68000*>(owner);
-            rig.SetLong(address, value);
-            rig.Log("wl", address, 8, &TEST_68000::Long);
-        };
+        Connect();
         M68kReset(cpu);
         resetLog = TakeLog();
     }
@@ -117,11 +85,47 @@ struct TEST_68000 {
     }
 
     M68K_STATE cpu;
-    uint32_t vector = kM68kAutovector;  // intAck's answer
+    uint32_t answer = kM68kAutovector;  // intAck's answer
     std::vector<uint32_t> acknowledged; // levels, in order
     std::string resetLog;
 
 private:
+    void Connect() {
+        cpu.owner = this;
+        cpu.intAck = [](void* owner, uint32_t level) {
+            auto& rig = *static_cast<TEST_68000*>(owner);
+            rig.acknowledged.push_back(level);
+            return rig.answer;
+        };
+        cpu.readImmediate = [](void* owner, uint32_t address) {
+            return static_cast<TEST_68000*>(owner)->Log("f", address, 4, &TEST_68000::Word);
+        };
+        cpu.readByte = [](void* owner, uint32_t address) {
+            return static_cast<TEST_68000*>(owner)->Log("rb", address, 2, &TEST_68000::Byte);
+        };
+        cpu.readWord = [](void* owner, uint32_t address) {
+            return static_cast<TEST_68000*>(owner)->Log("rw", address, 4, &TEST_68000::Word);
+        };
+        cpu.readLong = [](void* owner, uint32_t address) {
+            return static_cast<TEST_68000*>(owner)->Log("rl", address, 8, &TEST_68000::Long);
+        };
+        cpu.writeByte = [](void* owner, uint32_t address, uint32_t value) {
+            auto& rig = *static_cast<TEST_68000*>(owner);
+            rig.SetByte(address, value);
+            rig.Log("wb", address, 2, &TEST_68000::Byte);
+        };
+        cpu.writeWord = [](void* owner, uint32_t address, uint32_t value) {
+            auto& rig = *static_cast<TEST_68000*>(owner);
+            rig.SetWord(address, value);
+            rig.Log("ww", address, 4, &TEST_68000::Word);
+        };
+        cpu.writeLong = [](void* owner, uint32_t address, uint32_t value) {
+            auto& rig = *static_cast<TEST_68000*>(owner);
+            rig.SetLong(address, value);
+            rig.Log("wl", address, 8, &TEST_68000::Long);
+        };
+    }
+
     uint32_t Log(const char* kind, uint32_t address, int digits,
                  uint32_t (TEST_68000::*value)(uint32_t) const) {
         std::ostringstream line;

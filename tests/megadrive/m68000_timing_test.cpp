@@ -1,12 +1,7 @@
-// The clocks of every opcode against the manual's tables, worked out from the opcode's bits, and the
-// definition rows against the families they belong to.
+// The clocks of every opcode against the manual's tables, worked out from the opcode's bits.
 #include "megadrive/m68000_private.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -112,17 +107,12 @@ int System(uint32_t opcode) {
         return 4; // TRAP
     }
     switch (opcode & 0xFFF8) {
-    case 0x4E50:
-        return 16;
-    case 0x4E58:
-        return 12;
+    case 0x4E50: return 16;
+    case 0x4E58: return 12;
     case 0x4E60:
-    case 0x4E68:
-        return 4;
-    case 0x4E70:
-        return kOf4E7x[opcode & 7];
-    default:
-        break;
+    case 0x4E68: return 4;
+    case 0x4E70: return kOf4E7x[opcode & 7];
+    default: break;
     }
     if ((opcode & 0x80) == 0 || !IsIn(Mode(opcode), kControl)) {
         return kNone;
@@ -157,27 +147,22 @@ int LoadAddress(uint32_t opcode) {
 int Line48(uint32_t opcode) {
     const uint32_t mode = Mode(opcode);
     switch (opcode >> 6 & 3) {
-    case 0:
-        return mode == 0 ? 6 : With(opcode, kMemory, 8); // NBCD
+    case 0: return mode == 0 ? 6 : With(opcode, kMemory, 8); // NBCD
     case 1:
         if (mode == 0) {
             return 4; // SWAP
         }
         return LoadAddress(opcode) == kNone ? kNone : LoadAddress(opcode) + 8;
-    default:
-        return mode == 0 ? 4 : MoveMultiple(opcode); // EXT
+    default: return mode == 0 ? 4 : MoveMultiple(opcode); // EXT
     }
 }
 
 int Line4(uint32_t opcode) {
     if ((opcode & 0x100) != 0) {
         switch (opcode >> 6 & 3) {
-        case 2:
-            return With(opcode, kData, 10); // CHK
-        case 3:
-            return LoadAddress(opcode);
-        default:
-            return kNone;
+        case 2: return With(opcode, kData, 10); // CHK
+        case 3: return LoadAddress(opcode);
+        default: return kNone;
         }
     }
     const bool isFourth = (opcode & 0xC0) == 0xC0;
@@ -187,13 +172,10 @@ int Line4(uint32_t opcode) {
             return Mode(opcode) == 0 ? 6 : With(opcode, kMemory, 8);
         }
         return OneOperand(opcode, false);
-    case 1:
-        return isFourth ? kNone : OneOperand(opcode, false);
+    case 1: return isFourth ? kNone : OneOperand(opcode, false);
     case 2:
-    case 3:
-        return isFourth ? With(opcode, kData, 12) : OneOperand(opcode, false);
-    case 4:
-        return Line48(opcode);
+    case 3: return isFourth ? With(opcode, kData, 12) : OneOperand(opcode, false);
+    case 4: return Line48(opcode);
     case 5:
         if (opcode == 0x4AFC) {
             return 4;
@@ -202,10 +184,8 @@ int Line4(uint32_t opcode) {
             return Mode(opcode) == 0 ? 4 : With(opcode, kMemory, 14); // TAS
         }
         return OneOperand(opcode, true);
-    case 6:
-        return (opcode & 0x80) != 0 ? MoveMultiple(opcode) : kNone;
-    default:
-        return System(opcode);
+    case 6: return (opcode & 0x80) != 0 ? MoveMultiple(opcode) : kNone;
+    default: return System(opcode);
     }
 }
 
@@ -259,17 +239,14 @@ int TwoOperands(uint32_t opcode) {
         return With(opcode, kMemory, isLong ? 12 : 8, isLong);
     }
     switch (line) {
-    case 0x8:
-        return width == kByteWidth ? (mode == 0 ? 6 : 18) : kNone;
-    case 0xB:
-        return mode == 0 ? (isLong ? 8 : 4) : (isLong ? 20 : 12);
+    case 0x8: return width == kByteWidth ? (mode == 0 ? 6 : 18) : kNone;
+    case 0xB: return mode == 0 ? (isLong ? 8 : 4) : (isLong ? 20 : 12);
     case 0xC:
         if (width == kByteWidth) {
             return mode == 0 ? 6 : 18;
         }
         return width == kWordWidth || mode == 1 ? 6 : kNone; // EXG
-    default:
-        return mode == 0 ? (isLong ? 8 : 4) : (isLong ? 30 : 18);
+    default: return mode == 0 ? (isLong ? 8 : 4) : (isLong ? 30 : 18);
     }
 }
 
@@ -282,27 +259,18 @@ int LineE(uint32_t opcode) {
 
 int PublishedTime(uint32_t opcode) {
     switch (opcode >> 12) {
-    case 0x0:
-        return Line0(opcode);
+    case 0x0: return Line0(opcode);
     case 0x1:
     case 0x2:
-    case 0x3:
-        return MoveTime(opcode);
-    case 0x4:
-        return Line4(opcode);
-    case 0x5:
-        return Line5(opcode);
-    case 0x6:
-        return (opcode & 0xF00) == 0x100 ? 18 : 10;
-    case 0x7:
-        return (opcode & 0x100) == 0 ? 4 : kNone;
+    case 0x3: return MoveTime(opcode);
+    case 0x4: return Line4(opcode);
+    case 0x5: return Line5(opcode);
+    case 0x6: return (opcode & 0xF00) == 0x100 ? 18 : 10;
+    case 0x7: return (opcode & 0x100) == 0 ? 4 : kNone;
     case 0xA:
-    case 0xF:
-        return 4;
-    case 0xE:
-        return LineE(opcode);
-    default:
-        return TwoOperands(opcode);
+    case 0xF: return 4;
+    case 0xE: return LineE(opcode);
+    default: return TwoOperands(opcode);
     }
 }
 
@@ -330,15 +298,15 @@ TEST(M68000Timing, CheckValuesOfTheManual) {
         uint32_t clocks;
     };
     constexpr CHECK kChecks[] = {
-        {0x3001, 4},  // MOVE.W D1,D0
+        {0x3001, 4 }, // MOVE.W D1,D0
         {0x3320, 14}, // MOVE.W -(A0),-(A1)
         {0x13F9, 28}, // MOVE.B abs.L,abs.L
         {0x23F9, 36}, // MOVE.L abs.L,abs.L
         {0x20BC, 20}, // MOVE.L #,(A0)
-        {0x3050, 8},  // MOVEA.W (A0),A0
+        {0x3050, 8 }, // MOVEA.W (A0),A0
         {0x0280, 16}, // ANDI.L #,D0
-        {0x5248, 8},  // ADDQ.W #1,A0
-        {0x4E70, 0},  // RESET
+        {0x5248, 8 }, // ADDQ.W #1,A0
+        {0x4E70, 0 }, // RESET
     };
     for (const CHECK& check : kChecks) {
         EXPECT_EQ(m68kCycles[check.opcode], check.clocks) << std::hex << check.opcode;
@@ -351,178 +319,24 @@ TEST(M68000Timing, ExceptionsHaveTheirClocks) {
         uint32_t last;
         uint32_t clocks;
     };
-    constexpr RANGE kRanges[] = {{0, 1, 4},    {2, 3, 50},   {4, 4, 34},   {5, 5, 38},
-                                 {6, 6, 40},   {7, 9, 34},   {10, 14, 4},  {15, 15, 44},
-                                 {16, 23, 4},  {24, 31, 44}, {32, 47, 34}, {48, 255, 4}};
+    constexpr RANGE kRanges[] = {
+        {0,  1,   4 },
+        {2,  3,   50},
+        {4,  4,   34},
+        {5,  5,   38},
+        {6,  6,   40},
+        {7,  9,   34},
+        {10, 14,  4 },
+        {15, 15,  44},
+        {16, 23,  4 },
+        {24, 31,  44},
+        {32, 47,  34},
+        {48, 255, 4 }
+    };
     for (const RANGE& range : kRanges) {
         for (uint32_t vector = range.first; vector <= range.last; ++vector) {
             EXPECT_EQ(m68kExceptionCycles[vector], range.clocks) << vector;
         }
-    }
-}
-
-// A pattern of opcodes with the number of its rows.
-struct MEMBER {
-    const char* name;
-    uint32_t mask;
-    uint32_t match;
-    size_t rows;
-};
-
-// Families whose times share a range.
-struct FAMILY {
-    uint32_t least;
-    uint32_t most;
-    std::vector<MEMBER> members;
-};
-
-// A row belongs to the first member that it matches, so narrow patterns stand in front.
-const std::vector<FAMILY>& Families() {
-    static const std::vector<FAMILY> kFamilies{
-        {16, 24, {{"MOVEP", 0xF138, 0x0108, 4}}},
-        {6,
-         24,
-         {{"BTST #", 0xFFC0, 0x0800, 12},
-          {"BCHG #", 0xFFC0, 0x0840, 10},
-          {"BCLR #", 0xFFC0, 0x0880, 10},
-          {"BSET #", 0xFFC0, 0x08C0, 10},
-          {"BTST", 0xF1C0, 0x0100, 13},
-          {"BCHG", 0xF1C0, 0x0140, 10},
-          {"BCLR", 0xF1C0, 0x0180, 10},
-          {"BSET", 0xF1C0, 0x01C0, 10}}},
-        {4,
-         28,
-         {{"CMPI", 0xFF00, 0x0C00, 26},
-          {"CMPM", 0xF138, 0xB108, 6},
-          {"CMPA", 0xF0C0, 0xB0C0, 24},
-          {"CMP", 0xF100, 0xB000, 37}}},
-        {8,
-         36,
-         {{"ORI", 0xFF00, 0x0000, 28},
-          {"ANDI", 0xFF00, 0x0200, 28},
-          {"SUBI", 0xFF00, 0x0400, 26},
-          {"ADDI", 0xFF00, 0x0600, 26},
-          {"EORI", 0xFF00, 0x0A00, 28}}},
-        {4, 28, {{"MOVE.B", 0xF000, 0x1000, 130}}},
-        {4, 28, {{"MOVE.W", 0xF000, 0x3000, 108}}},
-        {4, 36, {{"MOVE.L", 0xF000, 0x2000, 108}}},
-        {4,
-         24,
-         {{"MOVE from SR", 0xFFC0, 0x40C0, 8},
-          {"MOVE to CCR", 0xFFC0, 0x44C0, 11},
-          {"MOVE to SR", 0xFFC0, 0x46C0, 11},
-          {"MOVE USP", 0xFFF0, 0x4E60, 2}}},
-        {4,
-         4,
-         {{"MOVEQ", 0xF000, 0x7000, 1},
-          {"SWAP", 0xFFF8, 0x4840, 1},
-          {"EXT", 0xFFB8, 0x4880, 2},
-          {"NOP", 0xFFFF, 0x4E71, 1}}},
-        {4, 20, {{"LEA", 0xF1C0, 0x41C0, 7}, {"PEA", 0xFFC0, 0x4840, 7}}},
-        {8, 20, {{"MOVEM to memory", 0xFF80, 0x4880, 12}, {"MOVEM", 0xFF80, 0x4C80, 16}}},
-        {4,
-         4,
-         {{"ILLEGAL", 0xFFFF, 0x4AFC, 1},
-          {"TRAP", 0xFFF0, 0x4E40, 1},
-          {"TRAPV", 0xFFFF, 0x4E76, 1},
-          {"STOP", 0xFFFF, 0x4E72, 1},
-          {"line A", 0xF000, 0xA000, 1},
-          {"line F", 0xF000, 0xF000, 1}}},
-        {4, 26, {{"CHK", 0xF1C0, 0x4180, 11}, {"TAS", 0xFFC0, 0x4AC0, 10}}},
-        {6,
-         20,
-         {{"NBCD", 0xFFC0, 0x4800, 10},
-          {"SBCD", 0xF1F0, 0x8100, 5},
-          {"ABCD", 0xF1F0, 0xC100, 5}}},
-        {4,
-         28,
-         {{"NEGX", 0xFF00, 0x4000, 26},
-          {"CLR", 0xFF00, 0x4200, 26},
-          {"NEG", 0xFF00, 0x4400, 26},
-          {"NOT", 0xFF00, 0x4600, 26},
-          {"TST", 0xFF00, 0x4A00, 26}}},
-        {12, 16, {{"LINK", 0xFFF8, 0x4E50, 2}, {"UNLK", 0xFFF8, 0x4E58, 2}}},
-        {0, 0, {{"RESET", 0xFFFF, 0x4E70, 1}}},
-        {16,
-         20,
-         {{"RTE", 0xFFFF, 0x4E73, 1}, {"RTS", 0xFFFF, 0x4E75, 1}, {"RTR", 0xFFFF, 0x4E77, 1}}},
-        {8, 22, {{"JMP", 0xFFC0, 0x4EC0, 7}, {"JSR", 0xFFC0, 0x4E80, 7}}},
-        {12, 12, {{"DBcc", 0xF0F8, 0x50C8, 16}}},
-        {4, 20, {{"Scc", 0xF0C0, 0x50C0, 160}}},
-        {4, 28, {{"ADDQ", 0xF100, 0x5000, 28}, {"SUBQ", 0xF100, 0x5100, 28}}},
-        {18, 18, {{"BSR", 0xFF00, 0x6100, 3}}},
-        {10, 10, {{"BRA", 0xFF00, 0x6000, 3}, {"Bcc", 0xF000, 0x6000, 42}}},
-        {140, 152, {{"DIVU", 0xF1C0, 0x80C0, 11}}},
-        {158, 170, {{"DIVS", 0xF1C0, 0x81C0, 11}}},
-        {54, 66, {{"MULU", 0xF1C0, 0xC0C0, 11}, {"MULS", 0xF1C0, 0xC1C0, 11}}},
-        {8, 22, {{"SUBA", 0xF0C0, 0x90C0, 24}, {"ADDA", 0xF0C0, 0xD0C0, 24}}},
-        {4, 30, {{"SUBX", 0xF130, 0x9100, 9}, {"ADDX", 0xF130, 0xD100, 9}}},
-        {6,
-         6,
-         {{"EXG D,D", 0xF1F8, 0xC140, 1},
-          {"EXG A,A", 0xF1F8, 0xC148, 1},
-          {"EXG D,A", 0xF1F8, 0xC188, 1}}},
-        {4, 28, {{"OR", 0xF000, 0x8000, 58}, {"AND", 0xF000, 0xC000, 58}}},
-        {4, 28, {{"SUB", 0xF000, 0x9000, 60}, {"ADD", 0xF000, 0xD000, 60}}},
-        {4, 28, {{"EOR", 0xF100, 0xB100, 26}}},
-        {12, 20, {{"shift of memory", 0xF0C0, 0xE0C0, 56}}},
-        {6, 8, {{"shift of a register", 0xF000, 0xE000, 48}}},
-    };
-    return kFamilies;
-}
-
-struct PLACE {
-    size_t family = SIZE_MAX;
-    size_t member = 0;
-};
-
-PLACE Find(uint32_t opcode) {
-    for (size_t i = 0; i < Families().size(); ++i) {
-        const std::vector<MEMBER>& members = Families()[i].members;
-        for (size_t k = 0; k < members.size(); ++k) {
-            if ((opcode & members[k].mask) == members[k].match) {
-                return {i, k};
-            }
-        }
-    }
-    return {};
-}
-
-TEST(M68000Timing, EveryFamilyHasItsRowsAndReachesItsRange) {
-    struct SEEN {
-        std::vector<size_t> rows;
-        uint32_t least = UINT32_MAX;
-        uint32_t most = 0;
-    };
-    std::vector<SEEN> seen;
-    for (const FAMILY& family : Families()) {
-        seen.push_back({std::vector<size_t>(family.members.size())});
-    }
-    for (const M68K_OPCODE_ROW& row : M68kRows()) {
-        const PLACE place = Find(row.match);
-        ASSERT_NE(place.family, SIZE_MAX) << std::hex << row.match;
-        SEEN& found = seen[place.family];
-        ++found.rows[place.member];
-        found.least = std::min(found.least, uint32_t{row.cycles});
-        found.most = std::max(found.most, uint32_t{row.cycles});
-    }
-    for (size_t i = 0; i < seen.size(); ++i) {
-        const FAMILY& family = Families()[i];
-        EXPECT_EQ(seen[i].least, family.least) << family.members[0].name;
-        EXPECT_EQ(seen[i].most, family.most) << family.members[0].name;
-        for (size_t k = 0; k < family.members.size(); ++k) {
-            EXPECT_EQ(seen[i].rows[k], family.members[k].rows) << family.members[k].name;
-        }
-    }
-}
-
-TEST(M68000Timing, EveryRowLiesInAClassAndMatchesItself) {
-    const std::vector<uint32_t> classes{0xF000, 0xF100, 0xF180, 0xF1C0, 0xFF00,
-                                        0xF1F8, 0xFFF0, 0xF1FF, 0xFFF8, 0xFFFF};
-    for (const M68K_OPCODE_ROW& row : M68kRows()) {
-        EXPECT_NE(std::find(classes.begin(), classes.end(), row.mask), classes.end())
-            << std::hex << row.match;
-        EXPECT_EQ(row.match & ~row.mask, 0U) << std::hex << row.match;
     }
 }
 

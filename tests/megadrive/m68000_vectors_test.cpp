@@ -29,7 +29,7 @@ enum CaseRegister : size_t {
 };
 
 constexpr std::array<const char*, kCaseComparedCount> kNames{
-    "D0", "D1", "D2", "D3", "D4", "D5", "D6",  "D7",  "A0", "A1",
+    "D0", "D1", "D2", "D3", "D4", "D5",  "D6",  "D7", "A0", "A1",
     "A2", "A3", "A4", "A5", "A6", "USP", "SSP", "SR", "PC"};
 
 using REGISTERS = std::array<uint32_t, kCaseRegisterCount>;
@@ -115,9 +115,7 @@ struct MEMORY {
 
     static MEMORY& Of(void* owner) { return *static_cast<MEMORY*>(owner); }
     uint16_t& At(uint32_t address) { return words[(address & 0xFFFFFF) >> 1]; }
-    uint32_t Long(uint32_t address) {
-        return uint32_t{At(address)} << 16 | At(address + 2);
-    }
+    uint32_t Long(uint32_t address) { return uint32_t{At(address)} << 16 | At(address + 2); }
 };
 
 uint32_t ReadWord(void* owner, uint32_t address) {
@@ -175,7 +173,8 @@ REGISTERS Registers(M68K_STATE& cpu) {
     actual[kCaseUsp] = cpu.s != 0 ? parked : cpu.regs[kM68kA7];
     actual[kCaseSsp] = cpu.s != 0 ? cpu.regs[kM68kA7] : parked;
     actual[kCaseSr] = M68kStatus(cpu);
-    actual[kCasePc] = cpu.pc + 4;
+    // The cases count what the chip has fetched ahead; a stopped one has fetched nothing.
+    actual[kCasePc] = cpu.stopped != 0 ? cpu.pc : cpu.pc + 4;
     return actual;
 }
 

@@ -224,7 +224,10 @@ TEST(MdCartridge, WordAcrossTheEndOfTheRamBlockLosesItsHighByte) {
 
 TEST(MdCartridge, UnusableRamRangeMatchesNoAddress) {
     constexpr std::array<std::array<uint32_t, 2>, 4> kRanges{
-        {{0x203FFF, 0x200000}, {0xFFFFFFFF, 0xFFFFFFFF}, {0x20202020, 0x20202020}, {0, 0xFFFFFFFF}}
+        {{0x203FFF, 0x200000},
+         {0xFFFFFFFF, 0xFFFFFFFF},
+         {0x20202020, 0x20202020},
+         {0, 0xFFFFFFFF}}
     };
     for (const auto& range : kRanges) {
         CartridgeRig rig{ImageRig(0x80000).Ram(range[0], range[1])};
@@ -265,8 +268,8 @@ TEST(MdCartridge, SaveDataIsTheUsedRam) {
                 rig.PutWord(address, 0);
             }
         }
-        EXPECT_EQ(static_cast<size_t>(std::count(rig.cart->sram->data.begin(),
-                                                 rig.cart->sram->data.end(), 0xFF)),
+        EXPECT_EQ(static_cast<size_t>(
+                      std::count(rig.cart->sram->data.begin(), rig.cart->sram->data.end(), 0xFF)),
                   kMdSramBytes - row.bytes);
     }
 }

@@ -51,14 +51,14 @@ TEST_F(Ym2612Ssg, ShapesAsTheyAreHeard) {
         std::array<double, 5> decibels;
     };
     for (const ROW& row : {
-             ROW{0x8, {12.0, 36.0, 12.0, 36.0, 36.0}},                        // a saw that falls
-             ROW{0x9, {12.0, 36.0, kSilence, kSilence, kSilence}},            // falls, then silence
-             ROW{0xA, {kSilence, turned, kSilence, turned, turned}},          //
-             ROW{0xB, {kSilence, turned, 0.0, 0.0, 0.0}},                     // loud in the end
-             ROW{0xC, {12.0, 36.0, 12.0, 36.0, 36.0}},                        //
-             ROW{0xD, {12.0, 36.0, 0.0, 0.0, 0.0}},                           // loud in the end
-             ROW{0xE, {kSilence, turned, kSilence, turned, turned}},          //
-             ROW{0xF, {kSilence, turned, kSilence, kSilence, kSilence}},      // silent in the end
+             ROW{0x8, {12.0, 36.0, 12.0, 36.0, 36.0}                  }, // a saw that falls
+             ROW{0x9, {12.0, 36.0, kSilence, kSilence, kSilence}      }, // falls, then silence
+             ROW{0xA, {kSilence, turned, kSilence, turned, turned}    }, //
+             ROW{0xB, {kSilence, turned, 0.0, 0.0, 0.0}               }, // loud in the end
+             ROW{0xC, {12.0, 36.0, 12.0, 36.0, 36.0}                  }, //
+             ROW{0xD, {12.0, 36.0, 0.0, 0.0, 0.0}                     }, // loud in the end
+             ROW{0xE, {kSilence, turned, kSilence, turned, turned}    }, //
+             ROW{0xF, {kSilence, turned, kSilence, kSilence, kSilence}}, // silent in the end
     }) {
         Prepare(row.ssg);
         Keys(1, 8);
@@ -159,8 +159,8 @@ TEST_F(Ym2612Ssg, ReleaseTurnsTheLevelBack) {
         EXPECT_EQ(Voice().state, Ym2612Envelope::kRelease);
         EXPECT_EQ(Voice().volume, 0);
         EXPECT_EQ(Voice().volOut, 0u);
-        // Rate 34 is 0.75 x 2 / 16 increments in an envelope clock, times four.
-        const int expected = 3 * 512 * 16 / 2 * 8 / 6 / 4;
+        // Rate 34 makes 6 increments in 64 envelope clocks, and a ramp four steps of each.
+        const int expected = 3 * 512 * 64 / 6 / 4;
         int samples = 0;
         while (Voice().state == Ym2612Envelope::kRelease) {
             Skip(1);

@@ -129,6 +129,34 @@ TEST(ApuTriangle, StopsAtItsLevelWithoutLengthOrLinearCounter) {
     }
 }
 
+// The level is worked out as the wave moves on: a channel that stands keeps it, whatever period comes,
+// and one that has been silenced by its period stands silent.
+TEST(ApuTriangle, PeriodUnderFourDoesNothingToAChannelThatStands) {
+    for (const bool byLength : {false, true}) {
+        for (const bool isSilentBefore : {false, true}) {
+            TriangleRig rig(100);
+            while (rig.apu->triangle.output != 40) { // the wave's 5, of -8 to 7
+                rig.Run(1);
+            }
+            if (isSilentBefore) {
+                rig.Write(0x400A, 3);
+                rig.Run(200);
+            }
+            if (byLength) {
+                rig.Write(0x4015, 0);
+            } else {
+                rig.apu->triangle.linear = 0; // run out
+                rig.apu->triangle.linearReload = false;
+            }
+            rig.Write(0x400A, isSilentBefore ? 100 : 3);
+            rig.Run(200); // past the timer's end at either period
+            const std::vector<int> samples = rig.Raw(100);
+            EXPECT_EQ(Lowest(samples), isSilentBefore ? 0 : 40 * 50) << byLength;
+            EXPECT_EQ(Highest(samples), Lowest(samples)) << byLength;
+        }
+    }
+}
+
 // The counter is loaded with the first quarter frame and runs out after as many more.
 TEST(ApuTriangle, LinearCounterCountsQuarterFrames) {
     for (const int linear : {1, 2, 10, 127}) {

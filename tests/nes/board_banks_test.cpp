@@ -38,6 +38,21 @@ TEST(ProgramBankBoard, HasCharacterRam) {
     EXPECT_EQ(rig.Characters(), Pages(0, 8));
 }
 
+// 2, 7 and 73 have their RAM in the patterns whatever the image brings.
+TEST(BankBoards, RamStandsBeforeACharacterImage) {
+    for (const int board : {2, 7, 73}) {
+        CartridgeRig rig({board, 8, 2, 0});
+        EXPECT_EQ(rig.PpuRead(0x0001), 0) << board << ": the image's pages have 0x80 here";
+        EXPECT_TRUE(rig.FillCharacterRam()) << board;
+        rig.PpuWrite(0x1FFF, 0x5A);
+        rig.Write(0xF000, 1);
+        EXPECT_EQ(rig.Characters(), Pages(0, 8)) << board;
+        EXPECT_EQ(rig.PpuRead(0x1FFF), 0x5A) << board;
+        BoardReset(*rig.cartridge);
+        EXPECT_EQ(rig.PpuRead(0x1FFF), 0x5A) << board;
+    }
+}
+
 TEST(CharacterBankBoard, ValuePicksTheCharacters) {
     CartridgeRig rig({3, 2, 4, 0});
     for (int bank = 0; bank < 9; ++bank) {
@@ -65,6 +80,13 @@ TEST(OneScreenBoard, ValuePicksProgramAndNametable) {
         EXPECT_EQ(rig.Mirroring(), (value & 0x10) != 0 ? "BBBB" : "AAAA") << value;
     }
     EXPECT_TRUE(rig.FillCharacterRam());
+}
+
+TEST(OneScreenBoard, ValueRulesOverFourScreens) {
+    CartridgeRig rig({7, 4, 0, 8});
+    EXPECT_EQ(rig.Mirroring(), "AAAA");
+    rig.Write(0x8000, 0x10);
+    EXPECT_EQ(rig.Mirroring(), "BBBB");
 }
 
 TEST(OneScreenBoard, SmallImageWraps) {

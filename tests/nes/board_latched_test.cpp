@@ -36,6 +36,27 @@ TEST(LatchedBoard, MirroringRegister) {
     }
 }
 
+// The header's four screens are there until the register is written, in a loaded state as well.
+TEST(LatchedBoard, MirroringRegisterRulesOverFourScreens) {
+    for (const int flags : {8, 9}) {
+        CartridgeRig rig({9, 8, 16, flags});
+        CartridgeRig loaded({9, 8, 16, flags});
+        rig.Write(0xA000, 3);
+        EXPECT_EQ(rig.Mirroring(), "ABCD") << "no other register does it";
+        loaded.Write(0xF000, 1);
+        ASSERT_NE(loaded.Load(rig.Save()), 0U);
+        EXPECT_EQ(loaded.Mirroring(), "ABCD") << flags;
+        for (const int value : {0, 1, 0xFE, 0xFF, 2}) {
+            rig.Write(0xF000, value);
+            EXPECT_EQ(rig.Mirroring(), (value & 1) != 0 ? "AABB" : "ABAB") << flags;
+            ASSERT_NE(loaded.Load(rig.Save()), 0U);
+            EXPECT_EQ(loaded.Mirroring(), rig.Mirroring()) << flags;
+        }
+        BoardReset(*rig.cartridge);
+        EXPECT_EQ(rig.Mirroring(), "ABCD") << flags;
+    }
+}
+
 TEST(LatchedBoard, FirstTwoPagesAreNoRegisters) {
     LatchedRig rig;
     rig.Write(0x8000, 4);

@@ -43,6 +43,16 @@ TEST(ShiftBoard, ControlSetsTheMirroring) {
     }
 }
 
+TEST(ShiftBoard, ControlRulesOverFourScreens) {
+    CartridgeRig rig({1, 16, 4, 8});
+    EXPECT_EQ(rig.Mirroring(), "AAAA");
+    for (const int bit : {0, 1, 1, 1, 0}) { // lowest first: A B A B
+        rig.cycles += 2;
+        rig.Write(kControl, bit);
+    }
+    EXPECT_EQ(rig.Mirroring(), "ABAB");
+}
+
 TEST(ShiftBoard, ControlSetsTheProgramMode) {
     ShiftRig rig(16, 4);
     for (int bank = 0; bank < 32; ++bank) {
@@ -155,6 +165,28 @@ TEST(ShiftBoard, BitSevenSetsTheFixedBankWithTheNextRegister) {
     EXPECT_EQ(rig.Program(), Join({Pages(24, 4), Pages(60, 4)}));
     EXPECT_EQ(rig.Mirroring(), "AABB"); // the other control bits stay
     EXPECT_EQ(rig.Characters(), Join({Pages(0, 4), Pages(0, 4)}));
+}
+
+// Between the write with bit 7 and the next register the tables are those of before. A load leaves it
+// at that: the fixed bank comes with the register on either side, whichever it is.
+TEST(ShiftBoard, AStateSavedBehindBitSevenGoesOnAsTheRunDoes) {
+    for (const int next : {kChr0, kChr1, kPrg}) {
+        ShiftRig saved(16, 4);
+        saved.Set(kPrg, 6);
+        saved.Set(kControl, 0x02); // 32 KB
+        saved.Bit(kControl, 0x80);
+        ShiftRig loaded(16, 4);
+        ASSERT_NE(loaded.Load(saved.Save()), 0U);
+        loaded.cycles = saved.cycles;
+        for (ShiftRig* rig : {&saved, &loaded}) {
+            const bool isLoaded = rig == &loaded;
+            EXPECT_EQ(rig->Program(), Pages(24, 8)) << isLoaded;
+            rig->Set(next, 6);
+            EXPECT_EQ(rig->Program(), Join({Pages(24, 4), Pages(60, 4)})) << isLoaded;
+            EXPECT_EQ(rig->Mirroring(), "ABAB");
+        }
+        EXPECT_EQ(loaded.Save(), saved.Save());
+    }
 }
 
 TEST(ShiftBoard, TwoWritesInConsecutiveCyclesCountAsOne) {

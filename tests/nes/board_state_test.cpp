@@ -90,12 +90,9 @@ TEST(BoardState, LoadedBoardShowsWhatTheSavedOneShowed) {
             const std::vector<uint8_t> block = saved.Save();
             CartridgeRig loaded(ImageFor(row.board));
             Play(loaded, seed + 1000);
-            loaded.cartridge->plainRam = saved.cartridge->plainRam; // in no state
+            loaded.cartridge->plainRam = saved.cartridge->plainRam; // the machine saves it
             ASSERT_EQ(loaded.Load(block), block.size()) << row.board;
             EXPECT_EQ(loaded.Save(), block) << row.board;
-            // Page tables of board 1 follow a reset bit only with the next register, so both are
-            // brought up to date by a load.
-            ASSERT_EQ(saved.Load(block), block.size());
             EXPECT_EQ(Seen(loaded), Seen(saved)) << row.board << " seed " << seed;
 
             // From here on both run alike.

@@ -84,15 +84,15 @@ const std::vector<BUS_ROW> kRows{
     Row("AbsoluteWrite", {0x8D, 0x00, 0x03}, "r8000=8D r8001=00 r8002=03 w0300=42"),
     Row("AbsoluteChange", {0x0E, 0x00, 0x03},
         "r8000=0E r8001=00 r8002=03 r0300=11 w0300=11 w0300=22"), // ASL abs
-    Row("AbsoluteXReadInPage", {0xBD, 0xFB, 0x03}, "r8000=BD r8001=FB r8002=03 r0300=11 r0400=22"),
+    Row("AbsoluteXReadAcross", {0xBD, 0xFB, 0x03}, "r8000=BD r8001=FB r8002=03 r0300=11 r0400=22"),
     Row("AbsoluteYReadInPage", {0xB9, 0x00, 0x03}, "r8000=B9 r8001=00 r8002=03 r0306=66"),
     Row("AbsoluteYReadAcross", {0xB9, 0xFE, 0x02}, "r8000=B9 r8001=FE r8002=02 r0204=00 r0304=99"),
     Row("AbsoluteXWriteInPage", {0x9D, 0x00, 0x03}, "r8000=9D r8001=00 r8002=03 r0305=00 w0305=42"),
     Row("AbsoluteXWriteAcross", {0x9D, 0xFB, 0x02}, "r8000=9D r8001=FB r8002=02 r0200=77 w0300=42"),
     Row("AbsoluteYWrite", {0x99, 0x00, 0x03}, "r8000=99 r8001=00 r8002=03 r0306=66 w0306=42"),
-    Row("AbsoluteXChangeInPage", {0xFE, 0xFB, 0x03},
+    Row("AbsoluteXChangeAcross", {0xFE, 0xFB, 0x03},
         "r8000=FE r8001=FB r8002=03 r0300=11 r0400=22 w0400=22 w0400=23"), // INC abs,X
-    Row("AbsoluteXChange", {0xFE, 0x00, 0x04},
+    Row("AbsoluteXChangeInPage", {0xFE, 0x00, 0x04},
         "r8000=FE r8001=00 r8002=04 r0405=00 r0405=00 w0405=00 w0405=01"),
     Row("AbsoluteYChange", {0xDB, 0xFE, 0x02},
         "r8000=DB r8001=FE r8002=02 r0204=00 r0304=99 w0304=99 w0304=98"), // DCP abs,Y
@@ -140,6 +140,7 @@ const std::vector<BUS_ROW> kRows{
         "r8000=9E r8001=FE r8002=02 r0204=00 w0304=01"), // SHX abs,Y: 05 AND 03
     Row("StoreHighY", {0x9C, 0x00, 0x03},
         "r8000=9C r8001=00 r8002=03 r0305=00 w0305=04"), // SHY abs,X: 06 AND 04
+    Row("NoOperationAbsolute", {0x0C, 0x00, 0x03}, "r8000=0C r8001=00 r8002=03 r0300=11"),
     Row("NoOperationAbsoluteXAcross", {0x1C, 0xFB, 0x02},
         "r8000=1C r8001=FB r8002=02 r0200=77 r0300=11"),
 };

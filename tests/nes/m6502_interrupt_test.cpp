@@ -203,7 +203,6 @@ TEST(M6502Interrupt, AnyBitOfTheIrqWordInterrupts) {
 TEST(M6502Interrupt, DisableHoldsAnIrqBackButNotAnNmi) {
     for (const Line line : {Line::kNmi, Line::kIrq}) {
         TEST_6502 test;
-        test.bus.memory[TEST_6502::kProgram] = TEST_6502::kNop;
         test.cpu.p |= kM6502FlagI;
         for (uint32_t i = 0; i < 32; ++i) {
             test.bus.memory[TEST_6502::kProgram + i] = TEST_6502::kNop;
@@ -341,7 +340,8 @@ TEST(M6502Interrupt, ReturnFromAnInterruptGoesOnWhereItCame) {
     EXPECT_EQ(test.cpu.p, kM6502FlagOne | kM6502FlagC | kM6502FlagD);
 }
 
-// The jump on the real chip would be looked at a cycle earlier; here a branch is as any instruction.
+// On the real chip a branch taken within its page doesn't look for interrupts in its last cycles, so that
+// one raised there waits for the instruction behind it too. Here a branch is as any instruction.
 TEST(M6502Interrupt, TakenBranchDelaysNothing) {
     TEST_6502 test{0xD0, 0x00, 0xEA};
     EXPECT_EQ(VectorCycle(test, Line::kIrq, 3), 3 + kVectorAt);

@@ -1,10 +1,12 @@
 // States of the NES with every kind of board: what follows a load is what followed the save, and bytes of
 // any kind do no harm.
 #include "base/bytes.h"
+#include "base/state_piece.h"
 #include "nes/nes_rig.h"
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 #include <ostream>
 #include <random>
 
@@ -96,6 +98,8 @@ std::vector<FRAME_RESULT> Play(CNES& machine, int from, int count) {
     }
     return results;
 }
+
+constexpr size_t kPiecesOfEveryBoard = 5; // before the plain board's RAM and the sound
 
 struct SAVED {
     StateBlob blob;
@@ -220,11 +224,13 @@ TEST_P(EveryNesState, IsRefusedWhenItIsCutOrOfAnotherVersionOrSize) {
     std::vector<uint32_t> sizes = PieceSizes(saved);
     sizes.pop_back();
     uint32_t at = 0;
-    for (const uint32_t size : sizes) {
+    for (size_t piece = 0; piece < sizes.size(); ++piece) {
+        const uint32_t size = sizes[piece];
         // A copy of just this length, so that a read past its end is seen by the sanitizer.
         for (const uint32_t length : {at, at + 4, at + size - 1}) {
             const std::vector<uint8_t> cut(saved.blob.get(), saved.blob.get() + length);
-            EXPECT_FALSE(machine->LoadState(cut.data(), length)) << length;
+            const bool isWithoutRam = piece == kPiecesOfEveryBoard && length == at;
+            EXPECT_EQ(machine->LoadState(cut.data(), length), isWithoutRam) << length;
         }
         for (uint32_t byte = 0; byte < 5; ++byte) {
             saved.blob[at + byte] ^= 1;
@@ -289,4 +295,54 @@ TEST(NesState, OfAnotherBoardIsRefused) {
     const auto shift = Start(kCases[2]);
     const SAVED saved = Save(*shift);
     EXPECT_FALSE(Start(kCases[0])->LoadState(saved.blob.get(), saved.size));
+}
+
+// What the five pieces hold comes; of the RAM they say nothing, so it stays.
+TEST(NesState, OfAPlainBoardMayEndBeforeItsRam) {
+    const auto machine = Start(kCases[1]);
+    Play(*machine, 0, 5);
+    const SAVED saved = Save(*machine);
+    const std::vector<uint32_t> sizes = PieceSizes(saved);
+    const uint32_t length =
+        std::accumulate(sizes.begin(), sizes.begin() + kPiecesOfEveryBoard, uint32_t{0});
+    const auto other = Start(kCases[1]);
+    Play(*other, 0, 9);
+    const NesBoardRam before = other->Console().cartridge.plainRam;
+    ASSERT_NE(before, machine->Console().cartridge.plainRam);
+    const std::vector<uint8_t> cut(saved.blob.get(), saved.blob.get() + length);
+    ASSERT_TRUE(other->LoadState(cut.data(), length));
+    EXPECT_EQ(other->Console().cartridge.plainRam, before);
+    const SAVED again = Save(*other);
+    EXPECT_EQ(0, std::memcmp(saved.blob.get(), again.blob.get(), length));
+}
+
+// The pieces are taken one after the other: those before the refused one are in force, and that one and
+// those behind it have changed nothing.
+TEST(NesState, ARefusedPieceKeepsThoseBeforeIt) {
+    for (size_t refused = 0; refused < kPiecesOfEveryBoard; ++refused) {
+        const auto machine = Start(kCases[2]);
+        Play(*machine, 0, 5);
+        const SAVED saved = Save(*machine);
+        const auto other = Start(kCases[2]);
+        Play(*other, 0, 9);
+        const SAVED before = Save(*other);
+        const std::vector<uint32_t> sizes = PieceSizes(saved);
+        const auto at = std::accumulate(
+            sizes.begin(), sizes.begin() + static_cast<ptrdiff_t>(refused), uint32_t{0});
+        saved.blob[at] ^= 1;
+        EXPECT_FALSE(other->LoadState(saved.blob.get(), saved.size));
+        const SAVED after = Save(*other);
+        uint32_t from = 0;
+        for (size_t piece = 0; piece < kPiecesOfEveryBoard; ++piece) {
+            const SAVED& expected = piece < refused ? saved : before;
+            EXPECT_NE(0, std::memcmp(saved.blob.get() + from + kStatePieceHeader,
+                                     before.blob.get() + from + kStatePieceHeader,
+                                     sizes[piece] - kStatePieceHeader))
+                << "nothing told by piece " << piece;
+            EXPECT_EQ(
+                0, std::memcmp(after.blob.get() + from, expected.blob.get() + from, sizes[piece]))
+                << "piece " << piece << " with " << refused << " refused";
+            from += sizes[piece];
+        }
+    }
 }

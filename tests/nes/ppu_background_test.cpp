@@ -388,6 +388,24 @@ TEST(PpuBackground, WithoutRenderingAPaletteAddressChoosesTheBackdrop) {
     EXPECT_EQ(rig.At(1, 12), Shade(0));
 }
 
+TEST(PpuBackground, ABackdropByAddressIsGrayAndTintedAsAnyPixel) {
+    PpuRig rig;
+    rig.SetPalette();
+    rig.RunTo(10, 50);
+    rig.Address(0x3F07);
+    int32_t line = 11;
+    for (const uint32_t bits : {0x00U, 0x01U, 0x20U, 0x41U, 0x80U, 0xE1U}) {
+        rig.RunTo(line, 0);
+        rig.Write(1, bits);
+        rig.RunTo(line, 255);
+        EXPECT_EQ(rig.At(128, static_cast<uint32_t>(line)), Shade(7, bits >> 5, (bits & 1) != 0))
+            << bits;
+        ++line;
+    }
+    EXPECT_NE(Shade(7), Shade(7, 0, true));
+    EXPECT_NE(Shade(7), Shade(7, 1));
+}
+
 TEST(PpuBackground, ThePaletteAddressDoesntMatterWhileRendering) {
     PpuRig rig;
     StartSolid(rig);

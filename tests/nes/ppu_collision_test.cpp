@@ -125,6 +125,34 @@ TEST(PpuCollision, TheBoardDoesntSeeTheAddressOfTheAccess) {
     EXPECT_EQ(rig.log.size(), 1U); // the address of dot 66
 }
 
+// An access is in progress on the three dots behind it and does its work on the last. From dot 338 of the
+// last line on that one lies behind the picture. From 337 it is dot 340, which fetches nothing either.
+TEST(PpuCollision, AnAccessAcrossTheEndOfThePictureDependsOnItsLastDot) {
+    for (uint32_t dot = 337; dot < 341; ++dot) {
+        const bool arrives = dot != 337;
+        PpuRig rig;
+        Start(rig);
+        rig.RunTo(239, dot);
+        rig.ppu->vramAddress = 0x0155;
+        Memory expected = MemoryOf(rig);
+        rig.Write(7, 0x5A);
+        rig.Dots(3);
+        expected.patterns[0x155] = arrives ? 0x5A : expected.patterns[0x155];
+        EXPECT_EQ(MemoryOf(rig), expected) << dot;
+        EXPECT_EQ(rig.ppu->ioState, 0);
+
+        rig.Finish();
+        rig.RunTo(239, dot);
+        rig.ppu->vramAddress = 0x0255;
+        rig.patterns[0x255] = 0x3C;
+        rig.ppu->readBuffer = 0x77;
+        EXPECT_EQ(rig.Read(7), 0x77);
+        rig.Dots(3);
+        EXPECT_EQ(rig.ppu->readBuffer, arrives ? 0x3C : 0x77) << dot;
+        EXPECT_EQ(rig.ppu->ioState, 0);
+    }
+}
+
 TEST(PpuCollision, PaletteWritesDontCollide) {
     PpuRig rig;
     Start(rig);

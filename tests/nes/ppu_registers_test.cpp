@@ -180,6 +180,28 @@ TEST(PpuRegisters, PaletteHas32EntriesOfSixBits) {
     }
 }
 
+// The bus has 14 of the address' 15 bits, so the palette answers at 0x7F00 to 0x7FFF too.
+TEST(PpuRegisters, PaletteIsAlsoAt0x7F00) {
+    PpuRig rig;
+    rig.WriteMemory(0x2F05, 0x66);
+    const std::vector<RegisterWrite> to0x7F05{
+        {6, 0x3F},
+        {5, 0xC7},
+        {5, 0x00},
+        {6, 0x05}
+    };
+    WriteAll(rig, to0x7F05);
+    ASSERT_EQ(rig.ppu->vramAddress, 0x7F05);
+    rig.Write(7, 0x2C);
+    EXPECT_EQ(rig.ppu->palette[5], 0x2C);
+    EXPECT_EQ(rig.ppu->ioState, 0);
+    EXPECT_EQ(rig.ppu->vramAddress, 0x7F06);
+    WriteAll(rig, to0x7F05);
+    EXPECT_EQ(rig.Read(7), 0x2C);
+    rig.Dots(3);
+    EXPECT_EQ(rig.ppu->readBuffer, 0x66) << "from beneath";
+}
+
 TEST(PpuRegisters, FirstEntriesOfThePalettesMirrorBothWays) {
     for (uint32_t entry = 0; entry < 16; entry += 4) {
         PpuRig rig;

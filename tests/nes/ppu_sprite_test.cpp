@@ -341,6 +341,27 @@ TEST(PpuSprite, SearchForANinthRunsDiagonally) {
     }
 }
 
+TEST(PpuSprite, ANinthIsLookedForOverTheLinesThatSpritesHave) {
+    struct Row {
+        uint32_t control;
+        uint32_t above; // lines from the ninth's Y to line 50
+        bool overflow;
+    };
+    for (const Row& row : {
+             Row{0x00, 7,  true },
+             Row{0x00, 8,  false},
+             Row{0x20, 8,  true },
+             Row{0x20, 15, true },
+             Row{0x20, 16, false}
+    }) {
+        PpuRig rig;
+        StartEight(rig);
+        rig.Scroll(0, 0, row.control);
+        rig.Sprite(8, 0, 50 - row.above, 1, 0);
+        EXPECT_EQ(OverflowOnLine50(rig), row.overflow) << row.control << " " << row.above;
+    }
+}
+
 TEST(PpuSprite, EmptySpritesBetweenTheEightDontCount) {
     PpuRig rig;
     Start(rig, kSpritesOn);
@@ -445,6 +466,91 @@ TEST(PpuSprite, OamReadsWhileRenderingSeeTheSearch) {
     rig.RunTo(20, 190); // round again: 63 sprites are seen by dot 191, and every Y is read on
     EXPECT_EQ(rig.Read(4), 128 + 63);
     rig.RunTo(20, 200);
+    EXPECT_EQ(rig.Read(4), 128 + 4);
+}
+
+namespace {
+
+// What 0x2004 gives on every dot of a line, by its index.
+std::vector<uint8_t> OamReads(PpuRig& rig, int32_t line) {
+    rig.RunTo(line, 0);
+    std::vector<uint8_t> values{rig.Read(4)};
+    while (values.size() < 340) {
+        rig.Dot();
+        values.push_back(rig.Read(4));
+    }
+    return values;
+}
+
+} // namespace
+
+// A sprite of the line takes eight dots: the odd one that finds it and the three behind it each go on by a
+// byte, so that 0x2004 gives its Y, then tile, attributes, X, and behind them the next one's Y.
+TEST(PpuSprite, OamReadsSeeTheBytesOfASpriteThatIsCopied) {
+    PpuRig rig;
+    Start(rig, kSpritesOn);
+    for (uint32_t i = 0; i < 64; ++i) {
+        rig.Sprite(i, 0, 128 + i, 0, 0);
+    }
+    rig.Sprite(1, 0x44, 18, 0x22, 0x33);
+    rig.Finish();
+    const std::vector<uint8_t> reads = OamReads(rig, 20);
+    EXPECT_EQ(
+        std::vector<uint8_t>(reads.begin() + 64, reads.begin() + 76),
+        (std::vector<uint8_t>{128, 18, 18, 0x22, 0x22, 0x33, 0x33, 0x44, 0x44, 130, 130, 131}));
+}
+
+// Behind eight sprites, with 64 dots, sprite and byte go on together: bytes 32, 37, 42, 47, 48. The one at
+// 37 is taken for a Y of the line, and the three bytes behind it are read as well; then it is every Y from
+// sprite 10 on.
+TEST(PpuSprite, OamReadsSeeTheSearchForANinth) {
+    for (const bool hasNinth : {false, true}) {
+        PpuRig rig;
+        Start(rig, kSpritesOn);
+        for (uint32_t i = 0; i < 256; ++i) {
+            rig.ppu->oam[i] = static_cast<uint8_t>(0x80 | i); // Y of no line near
+        }
+        for (uint32_t i = 0; i < 8; ++i) {
+            rig.Sprite(i, 0, 18, 0, 0);
+        }
+        rig.ppu->oam[37] = hasNinth ? 18 : 0xA5;
+        rig.Finish();
+        const std::vector<uint8_t> reads = OamReads(rig, 20);
+        const std::vector<uint32_t> indices = hasNinth
+                                                  ? std::vector<uint32_t>{37, 38, 39, 40, 40, 44}
+                                                  : std::vector<uint32_t>{37, 42, 47, 48, 53, 58};
+        EXPECT_EQ(reads[127], 0xA0);
+        EXPECT_EQ(reads[128], 0xA0);
+        for (uint32_t i = 0; i < indices.size(); ++i) {
+            EXPECT_EQ(reads[129 + i * 2], rig.ppu->oam[indices[i]]) << hasNinth << i;
+            EXPECT_EQ(reads[130 + i * 2], rig.ppu->oam[indices[i]]) << hasNinth << i;
+        }
+    }
+}
+
+// Outside the search its index stands. With no sprite found 96 pairs of dots have gone on by one each:
+// once round and to sprite 32, up to dot 63 of the next line, whatever oamAddress says.
+TEST(PpuSprite, OamReadsOutsideTheSearchSeeWhereItEnded) {
+    PpuRig rig;
+    Start(rig, kSpritesOn);
+    for (uint32_t i = 0; i < 64; ++i) {
+        rig.Sprite(i, 0, 128 + i, 0, 0);
+    }
+    rig.Finish();
+    rig.RunTo(20, 0);
+    const std::vector<uint8_t> reads = OamReads(rig, 21);
+    for (uint32_t dot = 0; dot < 64; ++dot) {
+        EXPECT_EQ(reads[dot], 128 + 32) << dot;
+    }
+    EXPECT_EQ(reads[64], 128);
+    EXPECT_EQ(reads[254], 128 + 31);
+    for (uint32_t dot = 255; dot < 340; ++dot) {
+        EXPECT_EQ(reads[dot], 128 + 32) << dot;
+    }
+    rig.RunTo(22, 10);
+    rig.Write(3, 0x10);
+    EXPECT_EQ(rig.Read(4), 128 + 32);
+    rig.Write(1, 0);
     EXPECT_EQ(rig.Read(4), 128 + 4);
 }
 

@@ -1,10 +1,13 @@
-// States: at any dot, and of whatever bytes. And the work that is put off, against the same done at once.
+// States: at any dot, and of whatever bytes. And the work that is put off or done in one piece, against the
+// same done dot by dot.
 #include "base/bytes.h"
 #include "nes/ppu_rig.h"
+#include "nes/ppu_run.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <random>
 #include <vector>
@@ -61,6 +64,33 @@ void Access(PpuRig& rig, std::mt19937& random) {
     case 9: (void)rig.Read(4); break;
     default: (void)rig.Read(2); break;
     }
+}
+
+// Every field of the record, the bus, the interrupt line and the picture.
+void ExpectTheSame(const PpuRig& one, const PpuRig& two) {
+    const PPU& a = *one.ppu;
+    const PPU& b = *two.ppu;
+    ASSERT_EQ(Save(a), Save(b));
+    ASSERT_EQ(a.rendering, b.rendering);
+    ASSERT_EQ(a.visible, b.visible);
+    ASSERT_EQ(a.layers, b.layers);
+    ASSERT_EQ(a.leftLayers, b.leftLayers);
+    ASSERT_EQ(a.grayMask, b.grayMask);
+    ASSERT_EQ(a.emphasis, b.emphasis);
+    ASSERT_EQ(a.eventDot, b.eventDot);
+    ASSERT_EQ(a.totalLines, b.totalLines);
+    ASSERT_EQ(a.shades, b.shades);
+    ASSERT_EQ(a.row == nullptr ? -1 : a.row - a.pixels, b.row == nullptr ? -1 : b.row - b.pixels);
+    ASSERT_EQ(one.patterns, two.patterns);
+    ASSERT_EQ(one.nmi, two.nmi);
+}
+
+std::vector<uint16_t> Addresses(const std::vector<Watched>& log) {
+    std::vector<uint16_t> addresses;
+    for (const Watched& watched : log) {
+        addresses.push_back(watched.address);
+    }
+    return addresses;
 }
 
 } // namespace
@@ -277,4 +307,47 @@ TEST(PpuLag, WithoutAPictureTheChipBehavesTheSame) {
         ASSERT_EQ(Save(*seen.ppu), Save(*unseen.ppu));
     }
     EXPECT_EQ(unseen.pixels, std::vector<uint32_t>(size_t{kPpuWidth} * kPpuHeight));
+}
+
+// Stretches of any length, and register accesses between them; with a board that watches the addresses,
+// which then has seen the same ones in the same order, and with one that doesn't.
+TEST(PpuRun, DoesTheSameAsSoManyDots) {
+    for (uint32_t seed = 0; seed < 16; ++seed) {
+        PpuRig run;
+        PpuRig dots;
+        const bool isWatched = seed % 2 == 0;
+        for (PpuRig* rig : {&run, &dots}) {
+            Randomize(*rig, seed);
+            rig->watching = isWatched;
+            if (!isWatched) {
+                rig->pages.ppuAddressHook = NesIgnoreAddress;
+            }
+        }
+        std::mt19937 random(seed);
+        std::mt19937 runRandom(seed + 100);
+        std::mt19937 dotRandom(seed + 100);
+        const std::array<uint32_t, 4> longest{7, 40, 400, 5000};
+        const uint32_t accessEvery = seed / 4 % 2 == 0 ? 3 : 40;
+        for (uint32_t frame = 0; frame < 3; ++frame) {
+            PpuBeginFrame(*run.ppu, run.pixels.data(), kPpuWidth);
+            PpuBeginFrame(*dots.ppu, dots.pixels.data(), kPpuWidth);
+            while (!run.ppu->frameDone) {
+                const auto count =
+                    static_cast<uint32_t>(1 + random() % longest[(seed / 2 + frame) % 4]);
+                PpuRun(*run.ppu, count);
+                dots.Dots(count);
+                ASSERT_NO_FATAL_FAILURE(ExpectTheSame(run, dots)) << seed << " " << count;
+                if (random() % accessEvery == 0) {
+                    Access(run, runRandom);
+                    Access(dots, dotRandom);
+                    ASSERT_NO_FATAL_FAILURE(ExpectTheSame(run, dots)) << seed;
+                }
+            }
+            ASSERT_EQ(run.pixels, dots.pixels) << seed << " " << frame;
+            ASSERT_EQ(Addresses(run.log), Addresses(dots.log)) << seed << " " << frame;
+            ASSERT_EQ(run.log.empty(), !isWatched);
+            run.log.clear();
+            dots.log.clear();
+        }
+    }
 }

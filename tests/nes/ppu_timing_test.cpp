@@ -223,6 +223,23 @@ TEST(PpuTiming, DisablingTheInterruptTakesItBackInTheFirstThreeDots) {
     }
 }
 
+// Only on line 241 is anything undecided.
+TEST(PpuTiming, FirstDotsOfLaterBlankLinesAreAsAnyOthers) {
+    for (const int32_t line : {242, 250, 260}) {
+        for (uint32_t dot = 0; dot < 3; ++dot) {
+            PpuRig rig;
+            rig.Write(0, 0x80);
+            rig.Finish();
+            rig.RunTo(line, dot);
+            rig.Write(0, 0x00);
+            EXPECT_EQ(rig.nmi, 1U) << line << " " << dot;
+            EXPECT_EQ(rig.Read(2), 0x80) << line << " " << dot;
+            EXPECT_EQ(rig.nmi, 1U) << line << " " << dot;
+            EXPECT_EQ(rig.Read(2), 0x00) << line << " " << dot;
+        }
+    }
+}
+
 TEST(PpuTiming, AWriteTakesThreeDots) {
     PpuRig rig;
     rig.RunTo(250, 0);

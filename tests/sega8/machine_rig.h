@@ -179,7 +179,7 @@ struct MACHINE_RIG {
         return hash;
     }
 
-    alignas(32) std::array<uint32_t, size_t{512} * 256> pixels{};
+    alignas(32) std::array<uint32_t, size_t{512} * 320> pixels{};
     alignas(32) std::array<int16_t, size_t{kAudioFramePairs} * 2> samples{};
     EMU_VIDEO_FRAME video{};
     EMU_AUDIO_FRAME audio{};

@@ -1,0 +1,384 @@
+// States of the Mega Drive with every kind of cartridge, and its two frame loops: what follows a load is
+// what followed the save, and bytes of any kind do no harm.
+#include "base/bytes.h"
+#include "megadrive/md_rig.h"
+
+#include <cstring>
+#include <ostream>
+#include <random>
+
+namespace {
+
+// A restless program. The 68000 writes random numbers to video memory, registers of scroll and window,
+// to the cartridge and to its own RAM, and keeps transfers of all three kinds going, also while the picture
+// is drawn; the Z80 plays both sound chips, writes to the video chip and to the 68000's RAM through its
+// window. Interrupts of both levels scroll.
+MdProgram Restless() {
+    MdProgram program;
+    const int registers[][2] = {
+        {0,  0x14},
+        {1,  0x74},
+        {2,  0x30},
+        {3,  0x2C},
+        {4,  0x07},
+        {5,  0x5C},
+        {7,  0x05},
+        {10, 0x13},
+        {11, 0x03},
+        {12, 0x89},
+        {13, 0x2E},
+        {15, 0x02},
+        {16, 0x11},
+        {17, 0x85},
+        {18, 0x06},
+    };
+    for (const auto& [index, value] : registers) {
+        program.VdpRegister(index, value);
+    }
+    // Noise in the colours, and in the first 32 KiB of video memory from the ROM.
+    program.VdpAddress(3, 0).Words({0x303C, 63, 0x323C, 0x0123}); // move.w #63,d0; move.w #,d1
+    program.Words({0x33C1}).Long(0xC00000).Words({0x0641, 0x0467, 0xE559, 0x51C8, 0xFFF2});
+    program.VdpRegister(19, 0x00).VdpRegister(20, 0x40);
+    program.VdpRegister(21, 0x00).VdpRegister(22, 0x01).VdpRegister(23, 0x00);
+    program.StoreLong(0xC00004, 0x40000080);
+    program.StartZ80(0x140);
+    program.Words({0x46FC, 0x2300, 0x2E3C}).Long(0x12345678); // move #,sr; move.l #,d7
+    program.Words({0x41F9}).Long(0xFF1000);                   // lea RAM,a0
+    const uint32_t loop = program.Here();
+    program.Words({0x2007, 0xE798, 0xB187, 0x0687}).Long(0x3C6EF35F); // a generator in d7, d0
+    program.Words({0x3087, 0x3210, 0x33C7}).Long(0x200100);           // to RAM and the cartridge
+    program.Words({0x13C7}).Long(0x200001).Words({0x3439}).Long(0x200100);
+    program.Words({0xD487, 0x33C2}).Long(0xFF1002);
+    // Every 256th round or so a transfer: bits 8 and 9 of d7 choose, one in four does nothing.
+    program.Words({0x3607, 0x0243, 0x00FF, 0x6600, 0}); // move.w d7,d3; andi; bne next
+    const uint32_t branch = program.Here() - 2;
+    program.VdpRegister(19, 0x40).VdpRegister(20, 0x00);
+    program.Words({0x0807, 9, 0x6700, 0}); // btst #9,d7; beq other
+    const uint32_t toOther = program.Here() - 2;
+    program.VdpRegister(21, 0x80).VdpRegister(22, 0x00).VdpRegister(23, 0x7F);
+    program.StoreLong(0xC00004, 0x60000082); // RAM to 0xA000
+    program.Words({0x6000, 0});
+    const uint32_t overOther = program.Here() - 2;
+    const uint32_t other = program.Here();
+    program.Words({0x0807, 8, 0x6700, 0}); // btst #8,d7; beq copy
+    const uint32_t toCopy = program.Here() - 2;
+    program.VdpRegister(23, 0x80).StoreLong(0xC00004, 0x50000083);
+    program.Words({0x33C7}).Long(0xC00000); // a fill with d7
+    program.Words({0x6000, 0});
+    const uint32_t overCopy = program.Here() - 2;
+    const uint32_t copy = program.Here();
+    program.VdpRegister(21, 0x34).VdpRegister(22, 0x12).VdpRegister(23, 0xC0);
+    program.StoreLong(0xC00004, 0x480000C2);
+    const uint32_t next = program.Here();
+    program.Words({0x33C7}).Long(0xC00000);         // move.w d7,data
+    program.Words({0x3839}).Long(0xC00008);         // move.w counter,d4
+    program.Words({0xDE84, 0x3839}).Long(0xC00004); // add.l; move.w status,d4
+    program.Words({0x6000, static_cast<int>((loop - program.Here() - 2) & 0xFFFF)});
+    const auto patch = [&](uint32_t at, uint32_t target) {
+        const uint32_t back = program.Here();
+        program.At(at).Words({static_cast<int>((target - at) & 0xFFFF)}).At(back);
+    };
+    patch(branch, next);
+    patch(toOther, other);
+    patch(overOther, next);
+    patch(toCopy, copy);
+    patch(overCopy, next);
+    // Interrupts: a colour changes in the line, the planes scroll in the blank.
+    program.At(kMdHorizontal).Words({0x33FC, 0x8700 | 0x25}).Long(0xC00004);
+    program.Words({0x52B9}).Long(0xFF2000).Words({0x4E73});
+    program.At(kMdVertical).VdpAddress(5, 0).Words({0x33F9}).Long(0xFF2002).Long(0xC00000);
+    program.VdpRegister(7, 0x06).Words({0x52B9}).Long(0xFF2000).Words({0x4E73});
+    // The Z80: im 1; sp; bank 0xFF8000; keys on, then a loop.
+    program.Bytes(kMdZ80Code, {0xF3, 0xED, 0x56, 0x31, 0x00, 0x1F, 0xC3, 0x60, 0x00});
+    program.Bytes(kMdZ80Code + 0x38, {0xF5, 0x3A, 0x00, 0x1E, 0x3C, 0x32, 0x00, 0x1E, // counts
+                                      0x06, 40, 0x10, 0xFE, 0xF1, 0xFB, 0xED, 0x4D});
+    std::vector<int> z80;
+    const auto fm = [&](int index, int value) {
+        for (const int byte : {0x3E, index, 0x32, 0x00, 0x40, 0x3E, value, 0x32, 0x01, 0x40}) {
+            z80.push_back(byte);
+        }
+    };
+    for (int bit = 15; bit < 24; ++bit) {
+        for (const int byte : {0x3E, 0xFF8000 >> bit & 1, 0x32, 0x00, 0x60}) {
+            z80.push_back(byte);
+        }
+    }
+    fm(0xB0, 0x32);
+    fm(0x40, 0x10);
+    fm(0x4C, 0x00);
+    fm(0x50, 0x1F);
+    fm(0x5C, 0x1F);
+    fm(0x30, 0x01);
+    fm(0x3C, 0x02);
+    fm(0xA4, 0x22);
+    z80.push_back(0xFB);
+    const int start = 0x60 + static_cast<int>(z80.size());
+    // loop: a = r; pitch and key of channel 1; a PSG byte; the 68000's RAM; now and then the video chip
+    for (const int byte :
+         {0xED, 0x5F, 0x57, 0x3E, 0xA0, 0x32, 0x00, 0x40, 0x7A, 0x32, 0x01, 0x40, 0x3E,
+          0x28, 0x32, 0x00, 0x40, 0x7A, 0xE6, 0xF0, 0x32, 0x01, 0x40, 0x7A, 0x32, 0x11,
+          0x7F, 0x32, 0x10, 0x80, 0x3A, 0x12, 0x80, 0x06, 0x00, 0x10, 0xFE}) {
+        z80.push_back(byte);
+    }
+    z80.push_back(0xC3);
+    z80.push_back(start & 0xFF);
+    z80.push_back(start >> 8);
+    EXPECT_LE(z80.size() + 0x60, 0x140u);
+    uint32_t at = kMdZ80Code + 0x60;
+    for (const int byte : z80) {
+        program.Bytes(at++, {byte});
+    }
+    return program;
+}
+
+struct CASE {
+    const char* name;
+    const char* title;   // of the header
+    const char* memory;  // at 0x1B0, "RA" or nothing
+    const char* product; // at 0x182
+    uint8_t console;
+};
+
+// How a failing test names its case.
+void PrintTo(const CASE& what, std::ostream* out) {
+    *out << what.name;
+}
+
+constexpr CASE kCases[] = {
+    {"Plain60", "TEST",          "",   "",        kMdConsoleGenesis},
+    {"Plain50", "TEST",          "",   "",        kMdConsolePal    },
+    {"Battery", "TEST",          "RA", "",        kMdConsoleJapan  },
+    {"Eeprom",  "TEST",          "RA", "MK-1215", kMdConsoleGenesis},
+    {"Svp",     "Virtua Racing", "",   "",        kMdConsoleGenesis},
+};
+
+MdProgram ProgramOf(const CASE& what) {
+    MdProgram program = Restless();
+    program.Text(0x150, what.title).Text(0x1B0, what.memory).Text(0x182, what.product);
+    if (std::string(what.memory) == "RA") {
+        program.PutLong(0x1B4, 0x200000).PutLong(0x1B8, 0x20FFFF);
+    }
+    // Words of any kind for the signal processor, which starts at 0x800.
+    if (std::string(what.name) == "Svp") {
+        std::mt19937 random(3);
+        program.At(0x804);
+        while (program.Here() < 0x1000) {
+            program.Words({static_cast<int>(random() & 0xFFFF)});
+        }
+    }
+    return program;
+}
+
+std::unique_ptr<CMegaDrive> Start(const CASE& what) {
+    MD_OPTIONS options = DefaultMdOptions();
+    options.console = what.console;
+    return StartMd(ProgramOf(what), options);
+}
+
+struct FRAME_RESULT {
+    uint64_t picture;
+    uint64_t sound;
+    uint32_t pairs;
+};
+
+// Runs frames with the same input for the same frame numbers.
+std::vector<FRAME_RESULT> Play(CMegaDrive& machine, int from, int count) {
+    auto rig = std::make_unique<MACHINE_RIG>();
+    std::vector<FRAME_RESULT> results;
+    for (int frame = from; frame < from + count; ++frame) {
+        MACHINE_RIG::Press(L"MEGADRIVE P1 UP", (frame / 8 & 1) != 0);
+        MACHINE_RIG::Press(L"MEGADRIVE P2 BUTTONZ", (frame / 16 & 1) != 0);
+        rig->Frame(machine);
+        results.push_back({rig->pictureHash, rig->soundHash, rig->audio.sampleCount});
+    }
+    return results;
+}
+
+struct SAVED {
+    StateBlob blob;
+    uint32_t size = 0;
+};
+
+SAVED Save(CMegaDrive& machine) {
+    SAVED saved;
+    saved.blob = machine.SaveState(saved.size);
+    return saved;
+}
+
+std::vector<uint32_t> PieceSizes(const SAVED& saved) {
+    std::vector<uint32_t> sizes;
+    for (uint32_t at = 0; at + 5 <= saved.size;) {
+        EXPECT_EQ(saved.blob[at], 1) << "version at " << at;
+        const auto size = LoadLittleEndian<uint32_t>(saved.blob.get() + at + 1);
+        sizes.push_back(size);
+        at += std::max(size, 5U);
+    }
+    return sizes;
+}
+
+class EveryMdState : public testing::TestWithParam<CASE> {};
+
+} // namespace
+
+TEST_P(EveryMdState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
+    const auto machine = Start(GetParam());
+    Play(*machine, 0, 37);
+    const SAVED saved = Save(*machine);
+    const auto continued = Play(*machine, 37, 600);
+    ASSERT_FALSE(machine->ended) << EmuLastError();
+    const auto other = Start(GetParam());
+    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+    const auto loaded = Play(*other, 37, 600);
+    size_t pictures = 0;
+    size_t sounds = 0;
+    for (size_t i = 0; i < 600; ++i) {
+        ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
+        ASSERT_EQ(continued[i].pairs, loaded[i].pairs) << i;
+        ASSERT_EQ(continued[i].sound, loaded[i].sound) << i;
+        pictures += i != 0 && continued[i].picture != continued[i - 1].picture ? 1U : 0U;
+        sounds += i != 0 && continued[i].sound != continued[i - 1].sound ? 1U : 0U;
+    }
+    EXPECT_GT(pictures, 100U) << "pictures that tell something";
+    EXPECT_GT(sounds, 100U) << "sound that tells something";
+}
+
+// Video and FM chip may run late in one and are always up to date in the other.
+TEST_P(EveryMdState, FastAndPlainFramesAreTheSame) {
+    const auto fast = Start(GetParam());
+    const auto plain = Start(GetParam());
+    plain->SetStepByStep(true);
+    for (int frame = 0; frame < 100; ++frame) {
+        const auto one = Play(*fast, frame, 1);
+        const auto two = Play(*plain, frame, 1);
+        ASSERT_EQ(one[0].picture, two[0].picture) << frame;
+        ASSERT_EQ(one[0].sound, two[0].sound) << frame;
+        const SAVED first = Save(*fast);
+        const SAVED second = Save(*plain);
+        ASSERT_EQ(first.size, second.size);
+        const auto place = std::mismatch(first.blob.get(), first.blob.get() + first.size,
+                                         second.blob.get());
+        ASSERT_EQ(place.first - first.blob.get(), first.size) << frame;
+    }
+}
+
+TEST_P(EveryMdState, LoadsAtAnyFrameOfItsOwnRun) {
+    const auto machine = Start(GetParam());
+    const auto other = Start(GetParam());
+    int inTransfer = 0;
+    for (int frame = 0; frame < 60; ++frame) {
+        const SAVED saved = Save(*machine);
+        inTransfer += machine->Console().vdp.dmaState != kMdVdpNoDma ? 1 : 0;
+        const auto continued = Play(*machine, frame, 1);
+        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+        const auto loaded = Play(*other, frame, 1);
+        ASSERT_EQ(continued[0].picture, loaded[0].picture) << frame;
+        ASSERT_EQ(continued[0].sound, loaded[0].sound) << frame;
+    }
+    EXPECT_GT(inTransfer, 0);
+}
+
+TEST_P(EveryMdState, IsSavedAlikeAfterLoading) {
+    const auto machine = Start(GetParam());
+    Play(*machine, 0, 37);
+    const SAVED saved = Save(*machine);
+    const auto other = Start(GetParam());
+    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+    const SAVED again = Save(*other);
+    ASSERT_EQ(saved.size, again.size);
+    EXPECT_EQ(0, std::memcmp(saved.blob.get(), again.blob.get(), saved.size));
+}
+
+TEST_P(EveryMdState, IsRefusedWhenItIsCutOrOfAnotherVersionOrSize) {
+    const auto machine = Start(GetParam());
+    const SAVED saved = Save(*machine);
+    std::vector<uint32_t> sizes = PieceSizes(saved);
+    sizes.resize(7); // the sound behind them may be missing
+    uint32_t at = 0;
+    for (const uint32_t size : sizes) {
+        // A copy of just this length, so that a read past its end is seen by the sanitizer.
+        for (const uint32_t length : {at, at + 4, at + size - 1}) {
+            const std::vector<uint8_t> cut(saved.blob.get(), saved.blob.get() + length);
+            EXPECT_FALSE(machine->LoadState(cut.data(), length)) << length;
+        }
+        for (uint32_t byte = 0; byte < 5; ++byte) {
+            saved.blob[at + byte] ^= 1;
+            EXPECT_FALSE(machine->LoadState(saved.blob.get(), saved.size)) << at << '+' << byte;
+            saved.blob[at + byte] ^= 1;
+        }
+        at += size;
+    }
+    EXPECT_TRUE(machine->LoadState(saved.blob.get(), saved.size));
+}
+
+TEST_P(EveryMdState, DamagedBytesLoadAndRunOrAreRefused) {
+    std::mt19937 random(1);
+    const auto machine = Start(GetParam());
+    Play(*machine, 0, 3);
+    const SAVED saved = Save(*machine);
+    const std::vector<uint32_t> sizes = PieceSizes(saved);
+    int ran = 0;
+    for (int round = 0; round < 60; ++round) {
+        std::vector<uint8_t> damaged(saved.blob.get(), saved.blob.get() + saved.size);
+        // One piece after the other, as a refused one hides those behind it.
+        const size_t piece = static_cast<size_t>(round) % sizes.size();
+        uint32_t at = 0;
+        for (size_t i = 0; i < piece; ++i) {
+            at += sizes[i];
+        }
+        for (uint32_t i = 5; i < sizes[piece]; ++i) {
+            if (round < 12) {
+                damaged[at + i] = 0xFF;
+            } else if (round % 3 == 0 || random() % 32 == 0) {
+                damaged[at + i] = static_cast<uint8_t>(random());
+            }
+        }
+        if (machine->LoadState(damaged.data(), saved.size)) {
+            Play(*machine, 0, 2);
+            ++ran;
+        }
+    }
+    EXPECT_GT(ran, 20);
+    machine->Reset();
+    Play(*machine, 0, 1);
+    EXPECT_FALSE(machine->ended);
+}
+
+INSTANTIATE_TEST_SUITE_P(MdState, EveryMdState, testing::ValuesIn(kCases),
+                         [](const auto& testCase) { return std::string(testCase.param.name); });
+
+TEST(MdState, PiecesStandInTheirOrder) {
+    const std::vector<uint32_t> sizes = PieceSizes(Save(*Start(kCases[0])));
+    ASSERT_EQ(sizes.size(), 9U);
+    EXPECT_EQ(sizes[0], 73779U);
+    EXPECT_EQ(sizes[1], 353U);
+    EXPECT_EQ(sizes[2], kZ80StateSize);
+    EXPECT_EQ(sizes[3], MdVdpStateSize());
+    EXPECT_EQ(sizes[4], PsgStateSize());
+    EXPECT_EQ(sizes[5], Ym2612StateSize());
+    EXPECT_EQ(sizes[6], 5U) << "a plain cartridge keeps nothing";
+    EXPECT_EQ(PieceSizes(Save(*Start(kCases[2])))[6], 5U + 8 + 65536);
+    EXPECT_EQ(PieceSizes(Save(*Start(kCases[3])))[6], 5U + 23 + 65536);
+}
+
+TEST(MdState, OfAnotherCartridgeIsRefused) {
+    const SAVED saved = Save(*Start(kCases[2]));
+    EXPECT_FALSE(Start(kCases[0])->LoadState(saved.blob.get(), saved.size));
+}
+
+TEST(MdState, BatteryMemoryGoesOutAndInInTheConsolesOrder) {
+    const auto machine = Start(kCases[2]);
+    MEGA_DRIVE& md = machine->Console();
+    MdWriteWord(&md, 0x200000, 0x1234);
+    MdWriteByte(&md, 0x200003, 0x56);
+    std::vector<uint8_t> bytes = machine->BatteryContents();
+    ASSERT_EQ(bytes.size(), 65536U);
+    EXPECT_EQ(bytes[0], 0x12);
+    EXPECT_EQ(bytes[1], 0x34);
+    EXPECT_EQ(bytes[3], 0x56);
+    bytes[2] = 0x78;
+    EXPECT_TRUE(machine->SetBatteryContents(bytes));
+    EXPECT_EQ(MdReadWord(&md, 0x200002), 0x7856U);
+    EXPECT_FALSE(machine->SetBatteryContents(std::span(bytes).first(100)));
+    EXPECT_TRUE(Start(kCases[0])->BatteryContents().empty());
+    EXPECT_EQ(Start(kCases[3])->BatteryContents().size(), 128U) << "the size of the EEPROM";
+}

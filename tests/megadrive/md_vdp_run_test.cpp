@@ -1,0 +1,104 @@
+// Many steps at once against the same number of single ones.
+#include "megadrive/md_vdp_random.h"
+#include "megadrive/md_vdp_rig.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+namespace {
+
+std::vector<uint8_t> Save(const MD_VDP& vdp) {
+    std::vector<uint8_t> state(MdVdpStateSize());
+    EXPECT_EQ(MdVdpSaveState(vdp, state.data()), state.data() + state.size());
+    return state;
+}
+
+} // namespace
+
+TEST(MdVdpRun, IsTheSameAsSingleClocks) {
+    for (uint32_t seed = 0; seed < 24; ++seed) {
+        MdVdpRig many;
+        MdVdpRig single;
+        Randomize(many, seed);
+        Randomize(single, seed);
+        std::mt19937 random(seed);
+        std::mt19937 manyAccess(seed);
+        std::mt19937 singleAccess(seed);
+        // From no access in many lines to one every few dots.
+        const uint32_t longest = seed % 3 == 0 ? 3000 : seed % 3 == 1 ? 150 : 12;
+        const uint32_t rounds = seed % 3 == 0 ? 300 : 6000;
+        for (uint32_t round = 0; round < rounds; ++round) {
+            const uint32_t clocks = 1 + static_cast<uint32_t>(random()) % longest;
+            MdVdpRun(*many.vdp, clocks * 7);
+            for (uint32_t clock = 0; clock < clocks; ++clock) {
+                MdVdpClock(*single.vdp);
+            }
+            ASSERT_EQ(many.vdp->hCount, single.vdp->hCount) << seed << " " << round;
+            ASSERT_EQ(many.vdp->stepDebt, single.vdp->stepDebt) << seed << " " << round;
+            ASSERT_EQ(Access(many, manyAccess), Access(single, singleAccess))
+                << seed << " " << round;
+            ASSERT_EQ(many.stall, single.stall);
+            ASSERT_EQ(many.zInt, single.zInt);
+            if (round % 97 == 0 || longest == 3000) {
+                ASSERT_EQ(Save(*many.vdp), Save(*single.vdp)) << seed << " " << round;
+                ASSERT_EQ(many.pixels, single.pixels) << seed << " " << round;
+            }
+        }
+        EXPECT_EQ(many.irqs, single.irqs);
+        EXPECT_EQ(many.reads, single.reads);
+        EXPECT_EQ(Save(*many.vdp), Save(*single.vdp)) << seed;
+        EXPECT_EQ(many.pixels, single.pixels) << seed;
+    }
+}
+
+// As many clocks as the chip promises to keep to itself: nothing of the machine has changed behind them.
+TEST(MdVdpRun, NothingOfTheMachineChangesBeforeTheEventTold) {
+    uint32_t promised = 0;
+    for (uint32_t seed = 0; seed < 8; ++seed) {
+        MdVdpRig rig;
+        Randomize(rig, seed);
+        std::mt19937 random(seed);
+        for (uint32_t round = 0; round < 3000; ++round) {
+            (void)Access(rig, random);
+            rig.irqs.clear();
+            rig.reads.clear();
+            rig.vdp->frameDone = 0;
+            const uint32_t stall = rig.stall;
+            const uint32_t zInt = rig.zInt;
+            uint32_t clocks = MdVdpClocksToEvent(*rig.vdp) / 7;
+            promised += clocks;
+            for (; clocks != 0; --clocks) {
+                MdVdpClock(*rig.vdp);
+            }
+            ASSERT_TRUE(rig.irqs.empty()) << seed << " " << round;
+            ASSERT_TRUE(rig.reads.empty()) << seed << " " << round;
+            ASSERT_EQ(rig.vdp->frameDone, 0U);
+            ASSERT_EQ(rig.stall, stall);
+            ASSERT_EQ(rig.zInt, zInt);
+            for (uint32_t i = static_cast<uint32_t>(random()) % 40; i != 0; --i) {
+                MdVdpClock(*rig.vdp);
+            }
+        }
+    }
+    EXPECT_GT(promised, 50000U); // it isn't 0 all the time
+}
+
+TEST(MdVdpRun, PromisesUpToTheInterruptsOfALine) {
+    MdVdpRig rig;
+    rig.Setup(true);
+    rig.RunTo(20, 100);
+    rig.vdp->stepDebt = -3;
+    EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), (366U - 100) * 8 + 3);
+    rig.RunTo(20, 367);
+    rig.vdp->stepDebt = 0;
+    EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), (397U - 367) * 8 + 22 * 2); // 373 to 394 are longer
+    rig.Control(0x4000);
+    rig.Control(0);
+    for (uint32_t i = 0; i < 5; ++i) {
+        rig.Data(0);
+    }
+    EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), 0U);
+}

@@ -1,0 +1,493 @@
+// The Mega Drive as a whole: its start, both buses, interrupts and frames.
+#include "megadrive/md_rig.h"
+
+#include <cmath>
+
+namespace {
+
+// A machine whose buses a test drives by hand.
+class MegaDrive : public testing::Test {
+protected:
+    MegaDrive()
+        : machine(StartMd(MdProgram().Stop()))
+        , md(machine->Console()) {}
+
+    uint32_t ReadWord(uint32_t address) { return MdReadWord(&md, address); }
+    uint32_t ReadByte(uint32_t address) { return MdReadByte(&md, address); }
+    uint32_t ReadLong(uint32_t address) { return MdReadLong(&md, address); }
+    void WriteWord(uint32_t address, uint32_t value) { MdWriteWord(&md, address, value); }
+    void WriteByte(uint32_t address, uint32_t value) { MdWriteByte(&md, address, value); }
+
+    // Takes the Z80's bus. It is given away at an instruction's end, some clocks later.
+    void TakeZ80Bus() {
+        WriteWord(0xA11100, 0x100);
+        for (int i = 0; i < 40; ++i) {
+            Z80Tick(md.z80);
+        }
+        ASSERT_EQ(md.z80.running, 0u);
+    }
+
+    // What reads of nothing give: the word at the program counter, which is put on a known one.
+    uint32_t OpenBus() {
+        md.workRam[0x100] = 0x5AA5;
+        md.cpu.pc = 0xFF0200;
+        return 0x5AA5;
+    }
+
+    std::unique_ptr<CMegaDrive> machine;
+    MEGA_DRIVE& md;
+};
+
+TEST(MegaDriveStart, AnImageOf511BytesIsRefusedAndOf512IsNot) {
+    RegisterSettings();
+    MdBuildTables();
+    const std::vector<uint8_t> image = MdProgram().Stop().Image();
+    for (const size_t size : {size_t{511}, size_t{512}}) {
+        CGameFile game = MdGame({image.begin(), image.begin() + static_cast<std::ptrdiff_t>(size)});
+        CGameFile* const games[2] = {&game, nullptr};
+        CMegaDrive machine(1);
+        const MD_OPTIONS options = DefaultMdOptions();
+        EmuSetLastError({});
+        EXPECT_EQ(machine.Init(&options, games), size == 512) << size;
+        EXPECT_EQ(EmuLastError(), size == 512 ? "" : "Invalid ROM file, less than 512 bytes");
+    }
+}
+
+TEST(MegaDriveStart, RegionByHeaderAndOption) {
+    struct ROW {
+        std::string header;
+        uint8_t console;
+        uint8_t version;
+    };
+    const ROW rows[] = {
+        {"JUE",                      0,  0x80},
+        {"E  ",                      0,  0xC0},
+        {"J  ",                      0,  0x00},
+        {"U  ",                      0,  0x80},
+        {"K  ",                      0,  0x00},
+        {"JE ",                      0,  0x00},
+        {"eur",                      0,  0xC0},
+        {"Usa",                      0,  0x80},
+        {"JAP",                      0,  0x00},
+        {"   ",                      0,  0x80}, // none
+        {"4  ",                      0,  0x80},
+        {"1  ",                      0,  0x00},
+        {"8  ",                      0,  0xC0},
+        {"F  ",                      0,  0x80},
+        {"A  ",                      0,  0xC0}, // 2 and 8
+        {"2  ",                      0,  0x00},
+        {std::string("\x04\x00\x00", 3), 0,    0x80},
+        {"E  ",                          1,                        0x80 },
+        {"E  ",                          2,                        0x00},
+        {"U  ",                          3,                        0xC0 },
+    };
+    for (const ROW& row : rows) {
+        MD_OPTIONS options = DefaultMdOptions();
+        options.console = row.console;
+        const auto machine = StartMd(MdProgram().Text(0x1F0, row.header).Stop(), options);
+        MEGA_DRIVE& md = machine->Console();
+        EXPECT_EQ(md.io.version, row.version) << row.header << ' ' << int{row.console};
+        EXPECT_EQ(MdReadByte(&md, 0xA10001), row.version | 0x20u);
+        const bool is50Hz = row.version == 0xC0;
+        EXPECT_EQ(md.masterClock, is50Hz ? 53203425u : 53693175u);
+        EXPECT_EQ(md.vdp.totalLines, is50Hz ? 313u : 262u);
+    }
+}
+
+TEST(MegaDriveStart, AutomaticPadsFollowTheHeader) {
+    for (const bool six : {false, true}) {
+        MD_OPTIONS options = DefaultMdOptions();
+        options.devices[1] = kMdDeviceNone;
+        const auto machine = StartMd(MdProgram().Text(0x190, six ? "J6" : "J").Stop(), options);
+        EXPECT_EQ(machine->Console().io.devices[0], six ? kMdDevice6Button : kMdDevice3Button);
+        EXPECT_EQ(machine->Console().io.devices[1], kMdDeviceNone);
+    }
+}
+
+TEST_F(MegaDrive, WorkRamIsMirroredAndBytesLieInTheirWords) {
+    WriteWord(0xE01234, 0xABCD);
+    EXPECT_EQ(ReadWord(0xFF1234), 0xABCDu);
+    EXPECT_EQ(ReadByte(0xFF1234), 0xABu);
+    EXPECT_EQ(ReadByte(0xFF1235), 0xCDu);
+    WriteByte(0xFF1235, 0x11);
+    WriteByte(0xFE1234, 0x22);
+    EXPECT_EQ(ReadWord(0xE11234), 0x2211u);
+    EXPECT_EQ(ReadWord(0xFFFF1234), 0x2211u) << "addresses have 24 bits";
+}
+
+TEST_F(MegaDrive, RomIsReadAndNotWritten) {
+    EXPECT_EQ(ReadLong(0x100), 0x53454741u); // "SEGA"
+    WriteWord(0x100, 0x1234);
+    WriteByte(0x100, 0x12);
+    EXPECT_EQ(ReadWord(0x100), 0x5345u);
+    EXPECT_EQ(ReadWord(0x10100), 0x5345u) << "a small ROM repeats";
+}
+
+TEST_F(MegaDrive, NothingBelowTheZ80ReadsZero) {
+    OpenBus();
+    EXPECT_EQ(ReadWord(0x800000), 0u);
+    EXPECT_EQ(ReadByte(0x9FFFFF), 0u);
+}
+
+TEST_F(MegaDrive, OpenBusIsTheWordAtTheProgramCounter) {
+    const uint32_t open = OpenBus();
+    for (const uint32_t address :
+         {0xA11200u, 0xA15000u, 0xA13000u, 0xB00000u, 0xC00020u, 0xC10000u}) {
+        EXPECT_EQ(ReadWord(address), open) << std::hex << address;
+        EXPECT_EQ(ReadByte(address), open >> 8) << std::hex << address;
+        EXPECT_EQ(ReadByte(address + 1), open >> 8) << std::hex << address;
+    }
+}
+
+TEST_F(MegaDrive, OpenBusWithTheProgramCounterInNothingEnds) {
+    md.cpu.pc = 0xA13000;
+    EXPECT_EQ(ReadWord(0xA13000), 0u);
+    EXPECT_EQ(ReadWord(0xA13000), 0u) << "and again";
+}
+
+TEST_F(MegaDrive, Z80SideIsClosedWhileTheZ80HasItsBus) {
+    md.z80Ram[0x10] = 0x77;
+    const uint32_t open = OpenBus();
+    EXPECT_EQ(ReadWord(0xA00010), open);
+    WriteByte(0xA00010, 1);
+    EXPECT_EQ(md.z80Ram[0x10], 0x77);
+    TakeZ80Bus();
+    EXPECT_EQ(ReadWord(0xA00010), 0x7777u);
+    EXPECT_EQ(ReadByte(0xA02011), 0u) << "its 8 KiB repeat";
+    WriteWord(0xA02010, 0x1234);
+    EXPECT_EQ(md.z80Ram[0x10], 0x12) << "the high byte of a word";
+}
+
+TEST_F(MegaDrive, BusStateShowsWhoHasIt) {
+    const uint32_t open = OpenBus() & ~0x100u;
+    EXPECT_EQ(ReadWord(0xA11100), open | 0x100);
+    EXPECT_EQ(ReadByte(0xA11100), open >> 8 | 1);
+    TakeZ80Bus();
+    EXPECT_EQ(ReadWord(0xA11100), open);
+    EXPECT_EQ(ReadByte(0xA11100), open >> 8);
+    WriteWord(0xA11200, 0);
+    EXPECT_EQ(ReadWord(0xA11100), open | 0x100) << "in reset, whatever was asked for";
+    WriteByte(0xA11101, 0);
+    EXPECT_EQ(md.z80.busHold, 1u) << "an odd byte reaches nothing";
+    WriteByte(0xA11100, 0);
+    EXPECT_EQ(md.z80.busHold, 0u);
+}
+
+TEST_F(MegaDrive, BusRequestLetsTheZ80GoOnForThreeClocks) {
+    // NOPs: an instruction is four clocks, and the program counter is taken on by each fetch.
+    const uint32_t before = md.z80.queueIndex;
+    WriteWord(0xA11100, 0);
+    EXPECT_EQ((md.z80.queueIndex - before) & 3, 3u);
+}
+
+TEST_F(MegaDrive, ReleasedResetDelaysTheZ80Once) {
+    WriteWord(0xA11200, 0);
+    EXPECT_EQ(md.z80.enabled, 0u);
+    md.z80Clock = 7;
+    WriteWord(0xA11200, 0x100);
+    EXPECT_EQ(md.z80Clock, -45);
+    EXPECT_EQ(md.z80.enabled, 1u);
+    md.z80Clock = 7;
+    WriteWord(0xA11200, 0x100);
+    EXPECT_EQ(md.z80Clock, 7);
+}
+
+TEST_F(MegaDrive, ResetLineTakesTheFmChipAlong) {
+    TakeZ80Bus();
+    WriteByte(0xA04000, 0x2B);
+    WriteByte(0xA04001, 0x80);
+    EXPECT_NE(md.fm.dacEnabled, 0);
+    WriteWord(0xA11200, 0);
+    EXPECT_EQ(md.fm.dacEnabled, 0);
+}
+
+TEST_F(MegaDrive, BankRegisterTakesNineBitsFromBothSides) {
+    MD_Z80_BUS bus{md};
+    constexpr uint32_t kBank = 0xFF8000;
+    for (int bit = 15; bit < 24; ++bit) {
+        bus.Write(0x6000, static_cast<uint8_t>(kBank >> bit & 1));
+    }
+    EXPECT_EQ(md.z80Bank, kBank);
+    TakeZ80Bus();
+    for (int i = 0; i < 9; ++i) {
+        WriteWord(0xA06000, i == 8 ? 0x100 : 0);
+    }
+    EXPECT_EQ(md.z80Bank, 0x800000u);
+}
+
+TEST_F(MegaDrive, Z80SeesThe68000sMapThroughItsWindow) {
+    MD_Z80_BUS bus{md};
+    md.z80Bank = 0;
+    EXPECT_EQ(bus.Read(0x8100), 'S');
+    EXPECT_EQ(bus.Read(0x8101), 'E');
+    md.z80Bank = 0xFF8000;
+    bus.Write(0x8010, 0x99);
+    EXPECT_EQ(ReadByte(0xFF8010), 0x99u);
+    EXPECT_EQ(bus.Read(0x8010), 0x99);
+    md.z80Bank = 0xA10000;
+    EXPECT_EQ(bus.Read(0x9100), 0xFF) << "the bus request is out of its reach";
+    EXPECT_EQ(bus.Read(0x8001), 0xA0);
+}
+
+TEST_F(MegaDrive, Z80MapHasHoles) {
+    MD_Z80_BUS bus{md};
+    EXPECT_EQ(bus.Read(0x6000), 0xFF);
+    EXPECT_EQ(bus.Read(0x7000), 0xFF);
+    EXPECT_EQ(bus.Read(0x7F20), 0xFF);
+    bus.Write(0x2005, 0x31);
+    EXPECT_EQ(bus.Read(0x0005), 0x31);
+    EXPECT_EQ(MD_Z80_BUS::IoRead(0x1234), 0xFF);
+}
+
+TEST_F(MegaDrive, SoundChipLiesOnTheLowByte) {
+    MD_Z80_BUS bus{md};
+    WriteByte(0xC00011, 0x90 | 3);
+    EXPECT_EQ(md.psg.attenuation[0], 3);
+    WriteByte(0xC00010, 0x90 | 7);
+    EXPECT_EQ(md.psg.attenuation[0], 3);
+    WriteWord(0xC00016, 0xFF90 | 5);
+    EXPECT_EQ(md.psg.attenuation[0], 5);
+    bus.Write(0x7F11, 0x90 | 9);
+    EXPECT_EQ(md.psg.attenuation[0], 9);
+}
+
+TEST_F(MegaDrive, LongReadsTakeTheLowWordFirst) {
+    // Of the data port, which steps on by two with each word.
+    md.vdp.vram[0] = 0x22;
+    md.vdp.vram[1] = 0x11;
+    md.vdp.vram[2] = 0x44;
+    md.vdp.vram[3] = 0x33;
+    WriteWord(0xC00004, 0x8F02);
+    WriteWord(0xC00004, 0x0000);
+    WriteWord(0xC00004, 0x0000);
+    EXPECT_EQ(ReadLong(0xC00000), 0x33441122u);
+}
+
+TEST_F(MegaDrive, ControlPortHasTenBitsOfStatus) {
+    const uint32_t open = OpenBus();
+    const uint32_t word = ReadWord(0xC00004);
+    EXPECT_EQ(word & 0xFC00, open & 0xFC00);
+    EXPECT_NE(word & 0x200, 0u) << "the FIFO is empty";
+    EXPECT_EQ(ReadByte(0xC00004), word >> 8);
+    EXPECT_EQ(ReadWord(0xC00010), 0u);
+    EXPECT_EQ(ReadWord(0xC00018), open);
+}
+
+TEST_F(MegaDrive, ByteWritesGoToBothHalves) {
+    WriteWord(0xC00004, 0x8F02);
+    WriteByte(0xC00004, 0x87); // 0x8787: register 7
+    EXPECT_EQ(md.vdp.regs[7], 0x87);
+}
+
+TEST_F(MegaDrive, PeekChangesNothing) {
+    WriteWord(0xC00004, 0x8F02);
+    WriteWord(0xC00004, 0x4000);
+    md.vdp.status |= kMdVdpCollision;
+    const uint32_t pending = md.vdp.pendingSecond;
+    const uint32_t address = md.vdp.address;
+    uint8_t value = 0;
+    for (uint32_t port = 0xC00000; port < 0xC00008; ++port) {
+        EXPECT_TRUE(machine->Peek(port, value));
+    }
+    EXPECT_EQ(md.vdp.pendingSecond, pending);
+    EXPECT_EQ(md.vdp.address, address);
+    EXPECT_NE(md.vdp.status & kMdVdpCollision, 0);
+    EXPECT_FALSE(machine->Peek(0x1000000, value));
+}
+
+TEST_F(MegaDrive, DmaReadsRomRamAndTheZ80sMemory) {
+    md.z80Ram[0x21] = 0x3C;
+    md.workRam[0x11] = 0xBEEF;
+    EXPECT_EQ(MdReadForDma(&md, 0x100), 0x5345);
+    EXPECT_EQ(MdReadForDma(&md, 0xA00021), 0x3C3C);
+    EXPECT_EQ(MdReadForDma(&md, 0xFF0022), 0xBEEF);
+    EXPECT_EQ(MdReadForDma(&md, 0xC00022), 0xBEEF);
+}
+
+TEST_F(MegaDrive, AcknowledgedInterruptsLowerTheirLines) {
+    md.vdp.hPending = 1;
+    md.vdp.vPending = 1;
+    md.vdp.status |= kMdVdpVInterruptOccurred;
+    M68kSetIrqLine(md.cpu, 4, 1);
+    M68kSetIrqLine(md.cpu, 6, 1);
+    EXPECT_EQ(md.cpu.intAck(&md, 4), 0xFFFFFFFFu);
+    EXPECT_EQ(md.vdp.hPending, 0u);
+    EXPECT_EQ(md.vdp.vPending, 0u) << "dropped with it";
+    EXPECT_NE(md.vdp.status & kMdVdpVInterruptOccurred, 0);
+    EXPECT_EQ(md.cpu.irqLines, 1u << 6);
+    EXPECT_EQ(md.cpu.intAck(&md, 6), 0xFFFFFFFFu);
+    EXPECT_EQ(md.vdp.status & kMdVdpVInterruptOccurred, 0);
+    EXPECT_EQ(md.cpu.irqLines, 0u);
+    M68kSetIrqLine(md.cpu, 2, 1);
+    EXPECT_EQ(md.cpu.intAck(&md, 2), 0xFFFFFFFFu);
+    EXPECT_EQ(md.cpu.irqLines, 1u << 2);
+}
+
+TEST_F(MegaDrive, ResetIsThePowerOnState) {
+    WriteWord(0xFF0000, 1);
+    md.z80Ram[0] = 1;
+    md.z80Bank = 0x8000;
+    MdWriteIo(md.io, 4, 0x40, 0);
+    machine->Reset();
+    EXPECT_EQ(md.workRam[0], 0);
+    EXPECT_EQ(md.z80Ram[0], 0);
+    EXPECT_EQ(md.z80Bank, 0u);
+    EXPECT_EQ(md.io.ioPorts[4], 0);
+    EXPECT_EQ(md.io.ioPorts[1], 0x7F);
+    EXPECT_EQ(md.m68kBusCycles, 0u);
+    EXPECT_EQ(md.cpu.pc, kMdCodeStart);
+    EXPECT_EQ(md.cpu.regs[15], kMdStack);
+}
+
+TEST(MegaDriveFrame, LastsAsManyCyclesAsItsLines) {
+    for (const bool is50Hz : {false, true}) {
+        MD_OPTIONS options = DefaultMdOptions();
+        options.console = is50Hz ? kMdConsolePal : kMdConsoleGenesis;
+        const auto machine = StartMd(MdProgram().Stop(), options);
+        MACHINE_RIG rig;
+        rig.Frame(*machine); // the chip starts in mid-line
+        const uint32_t start = machine->Console().m68kBusCycles;
+        constexpr uint32_t kFrames = 20;
+        uint32_t pairs = 0;
+        for (uint32_t i = 0; i < kFrames; ++i) {
+            rig.Frame(*machine);
+            pairs += rig.audio.sampleCount;
+        }
+        const double cycles = machine->Console().m68kBusCycles - start;
+        const double expected = kFrames * 3420.0 * (is50Hz ? 313 : 262) / 7;
+        EXPECT_NEAR(cycles, expected, 12.0) << "the last instruction may run over";
+        const double seconds = expected * 7 / machine->Console().masterClock;
+        EXPECT_NEAR(pairs, seconds * rig.audio.sampleRate, 40.0);
+    }
+}
+
+TEST(MegaDriveFrame, PictureRecordFollowsTheWidth) {
+    const auto machine = StartMd(MdProgram().VdpRegister(1, 0x44).VdpRegister(12, 0x81).Stop());
+    MACHINE_RIG rig;
+    rig.Frame(*machine);
+    rig.Frame(*machine);
+    EXPECT_EQ(rig.video.width, 320u);
+    EXPECT_EQ(rig.video.height, 240u);
+    EXPECT_EQ(rig.video.visibleHeight, 224u);
+    EXPECT_EQ(rig.video.visibleY, 8u);
+    EXPECT_FLOAT_EQ(rig.video.aspect, 1.33F);
+    EXPECT_FLOAT_EQ(rig.video.visibleAspect, 1.4F);
+}
+
+TEST(MegaDriveFrame, VerticalInterruptComesOnceAFrame) {
+    MdProgram program;
+    program.VdpRegister(1, 0x64).Words({0x46FC, 0x2300}).Stop();            // move #$2300,sr
+    program.At(kMdVertical).Words({0x52B9}).Long(0xFF0000).Words({0x4E73}); // addq.l #1; rte
+    const auto machine = StartMd(program);
+    MACHINE_RIG rig;
+    rig.Frame(*machine);
+    const uint32_t first = MdReadLong(&machine->Console(), 0xFF0000);
+    for (int i = 0; i < 10; ++i) {
+        rig.Frame(*machine);
+    }
+    EXPECT_EQ(MdReadLong(&machine->Console(), 0xFF0000) - first, 10u);
+}
+
+TEST(MegaDriveFrame, HorizontalInterruptsByTheCounter) {
+    for (const int interval : {0, 1, 9}) {
+        MdProgram program;
+        program.VdpRegister(10, interval).VdpRegister(0, 0x14).Words({0x46FC, 0x2300}).Stop();
+        program.At(kMdHorizontal).Words({0x52B9}).Long(0xFF0000).Words({0x4E73});
+        const auto machine = StartMd(program);
+        MACHINE_RIG rig;
+        rig.Frame(*machine);
+        rig.Frame(*machine);
+        const uint32_t first = MdReadLong(&machine->Console(), 0xFF0000);
+        rig.Frame(*machine);
+        // The counter runs on lines 0 to 224 as the chip counts them.
+        EXPECT_EQ(MdReadLong(&machine->Console(), 0xFF0000) - first,
+                  225u / static_cast<uint32_t>(interval + 1))
+            << interval;
+    }
+}
+
+TEST(MegaDriveFrame, Z80RunsItsProgramAndIsInterruptedOnceAFrame) {
+    MdProgram program;
+    // im 1; ei; loop: inc c; jr loop. At 0x38: inc (0x100); ld b,40; djnz; ei; reti. The line stays
+    // high for a whole line, 228 clocks, so the routine takes longer than that.
+    program.Bytes(kMdZ80Code, {0xED, 0x56, 0xFB, 0x0C, 0x18, 0xFD});
+    program.Bytes(kMdZ80Code + 0x38,
+                  {0x21, 0x00, 0x01, 0x34, 0x06, 40, 0x10, 0xFE, 0xFB, 0xED, 0x4D});
+    program.StartZ80(0x48).Stop();
+    const auto machine = StartMd(program);
+    MACHINE_RIG rig;
+    rig.Frame(*machine);
+    rig.Frame(*machine);
+    const uint8_t first = machine->Console().z80Ram[0x100];
+    for (int i = 0; i < 10; ++i) {
+        rig.Frame(*machine);
+    }
+    EXPECT_EQ(machine->Console().z80Ram[0x100], first + 10);
+}
+
+TEST(MegaDriveFrame, PadsAreReadByTheirNames) {
+    MdProgram program;
+    program.StoreByte(0xA10009, 0x40).StoreByte(0xA10003, 0x40);
+    const uint32_t loop = program.Here();
+    // move.b $A10003,$FF0000; bra loop
+    program.Words({0x13F9}).Long(0xA10003).Long(0xFF0000);
+    program.Words({0x6000, static_cast<int>((loop - program.Here() - 2) & 0xFFFF)});
+    const auto machine = StartMd(program);
+    MACHINE_RIG rig;
+    MACHINE_RIG::Press(L"MEGADRIVE P1 UP", true);
+    MACHINE_RIG::Press(L"MEGADRIVE P1 BUTTONC", true);
+    rig.Frame(*machine);
+    EXPECT_EQ(MdReadByte(&machine->Console(), 0xFF0000), 0x5Eu);
+    MACHINE_RIG::Press(L"MEGADRIVE P1 UP", false);
+    MACHINE_RIG::Press(L"MEGADRIVE P1 BUTTONC", false);
+    rig.Frame(*machine);
+    EXPECT_EQ(MdReadByte(&machine->Console(), 0xFF0000), 0x7Fu);
+}
+
+TEST(MegaDriveFrame, MixIsScaledByTheOptions) {
+    // A tone of the PSG alone.
+    MdProgram program;
+    program.StoreByte(0xC00011, 0x80).StoreByte(0xC00011, 0x20).StoreByte(0xC00011, 0x90).Stop();
+    std::array<double, 3> power{};
+    const float volumes[3] = {0.5F, 1.0F, 0.0F};
+    for (size_t i = 0; i < power.size(); ++i) {
+        MD_OPTIONS options = DefaultMdOptions();
+        options.psgVolume = volumes[i];
+        const auto machine = StartMd(program, options);
+        MACHINE_RIG rig;
+        for (int frame = 0; frame < 20; ++frame) {
+            rig.Frame(*machine);
+        }
+        for (uint32_t value = 0; value < rig.audio.sampleCount * 2; ++value) {
+            power[i] += std::abs(rig.audio.samples[value]);
+        }
+    }
+    EXPECT_GT(power[0], 0);
+    EXPECT_NEAR(power[1] / power[0], 2.0, 0.01);
+    EXPECT_EQ(power[2], 0);
+}
+
+TEST(MegaDriveFrame, AddressErrorEndsTheMachineWithWords) {
+    MdProgram program;
+    program.Words({0x3039}).Long(0xFF0001); // move.w $FF0001,d0
+    const auto machine = StartMd(program);
+    MACHINE_RIG rig;
+    EXPECT_FALSE(machine->ended);
+    rig.Frame(*machine);
+    EXPECT_TRUE(machine->ended);
+    EXPECT_NE(EmuLastError().find("0xFF0001"), std::string::npos) << EmuLastError();
+    EXPECT_NE(EmuLastError().find("0x000200"), std::string::npos) << EmuLastError();
+    rig.Frame(*machine);
+    EXPECT_EQ(rig.video.pixels[0], 0xFF000000u);
+    machine->Reset();
+    EXPECT_FALSE(machine->ended);
+}
+
+TEST(MegaDriveFrame, OddResetVectorEndsTheMachine) {
+    const auto machine = StartMd(MdProgram().PutLong(4, 0x201).Stop());
+    MACHINE_RIG rig;
+    rig.Frame(*machine);
+    EXPECT_TRUE(machine->ended);
+}
+
+} // namespace

@@ -176,6 +176,13 @@ void WriteIo(MEGA_DRIVE& md, uint32_t address, uint32_t value, bool isWord) {
     }
 }
 
+// While a DMA holds the 68000, memory is changed by the Z80 and the signal processor alone. What the Z80
+// writes through its window lets the video chip catch up first; its own memory and the processor's don't.
+bool DmaSourceIsQuiet(const MEGA_DRIVE& md) {
+    const uint32_t source = md.vdp.dmaSource & kMdAddressMask;
+    return md.cartridge.cartKind != kMdCartSvp && (source < kZ80Start || source >= kVideoStart);
+}
+
 // The window of the video chip, by the low five bits of the address.
 uint32_t ReadVideo(MEGA_DRIVE& md, uint32_t address) {
     MdCatchUpVideo(md);
@@ -183,8 +190,7 @@ uint32_t ReadVideo(MEGA_DRIVE& md, uint32_t address) {
     case 0:
     case 1: return MdVdpReadData(md.vdp);
     case 2:
-    case 3:
-        return (MdVdpReadStatus(md.vdp) & kStatusBits) | (OpenBus(md) & ~kStatusBits & 0xFFFF);
+    case 3: return (MdVdpReadStatus(md.vdp) & kStatusBits) | (OpenBus(md) & ~kStatusBits & 0xFFFF);
     case 4:
     case 5:
     case 6:
@@ -223,7 +229,7 @@ void WriteVideo(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
     case 11: PsgWrite(md.psg, static_cast<uint8_t>(word)); break;
     default: break;
     }
-    md.vdpToEvent = 0; // it may have work now
+    MdFindEvent(md); // it may have work now
 }
 
 // The PSG lies on the low half of the bus, so a byte at an even address doesn't reach it.
@@ -372,6 +378,10 @@ uint16_t MdReadForDma(void* owner, uint32_t address) {
     return RamWord(md, address);
 }
 
+void MdFindEvent(MEGA_DRIVE& md) {
+    md.vdpToEvent = MdVdpClocksToEvent(md.vdp, DmaSourceIsQuiet(md)) / kMdCycleClocks;
+}
+
 void MdCatchUpVideo(MEGA_DRIVE& md) {
     if (md.vdpWaiting != 0) {
         MdVdpRun(md.vdp, md.vdpWaiting * kMdCycleClocks);
@@ -405,6 +415,7 @@ void MD_Z80_BUS::WriteBeyondRam(uint16_t address, uint8_t value) {
     if (address < 0x6000) {
         WriteFm(md, address, value);
     } else if (address >= 0x8000) {
+        MdCatchUpVideo(md); // a DMA may be about to read there
         MdWriteByte(&md, md.z80Bank | (address & 0x7FFFU), value);
     } else if ((address & 0xFF00) == 0x6000) {
         ShiftBank(md, value);

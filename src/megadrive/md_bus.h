@@ -25,6 +25,8 @@ void MdWriteLong(void* owner, uint32_t address, uint32_t value); // the high wor
 // Lets video and FM chip catch up with the 68000, in the fast loop.
 void MdCatchUpVideo(MEGA_DRIVE& md);
 void MdCatchUpSound(MEGA_DRIVE& md);
+// Looks how long the video chip, which is up to date, may now wait.
+void MdFindEvent(MEGA_DRIVE& md);
 
 // The Z80 side, to be inlined into the frame loop.
 struct MD_Z80_BUS {

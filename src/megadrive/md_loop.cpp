@@ -53,7 +53,7 @@ void RunFrame(MEGA_DRIVE& md) {
 
 void CatchUpToEvent(MEGA_DRIVE& md) {
     MdCatchUpVideo(md);
-    md.vdpToEvent = MdVdpClocksToEvent(md.vdp) / kMdCycleClocks;
+    MdFindEvent(md);
 }
 
 // The rounds of an instruction in which the video chip does something that others see.
@@ -64,7 +64,7 @@ void CatchUpToEvent(MEGA_DRIVE& md) {
     for (uint32_t i = 0; i < cycles; ++i) {
         RunRound(md, bus);
     }
-    md.vdpToEvent = MdVdpClocksToEvent(md.vdp) / kMdCycleClocks;
+    MdFindEvent(md);
 }
 
 template <bool svp>

@@ -193,8 +193,10 @@ inline void MdVdpClock(MD_VDP& vdp);
 // As MdVdpClock so many times, `masterClocks` divided by 7, but faster.
 void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks);
 // How many master clocks the chip runs at least without touching anything of the machine: interrupt
-// lines, stall, frameDone, the bus. 0 while it waits for a slot to end a stall or to read the bus.
-[[nodiscard]] uint32_t MdVdpClocksToEvent(const MD_VDP& vdp);
+// lines, stall, frameDone, the bus. 0 while it waits for a slot to end a stall or to read the bus. With
+// `busIsQuiet` reads of the bus don't count: nobody changes what a DMA is going to read while it holds the
+// processor.
+[[nodiscard]] uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet = false);
 
 void MdVdpWriteData(MD_VDP& vdp, uint16_t word);
 void MdVdpWriteControl(MD_VDP& vdp, uint16_t word);

@@ -32,14 +32,14 @@ constexpr auto kStretchesH40 = BuildStretches(kMdVdpActionsH40, kMdVdpLengthsH40
 
 // Table of a shadow mode pixel by operator, whether its layer is above a low sprite, and flag: the
 // distance from the shadow table. Operators that there aren't put out nothing.
-constexpr uint32_t kNothing = 0xFFFFFFFF;
-constexpr uint32_t kShadow = 0;
-constexpr uint32_t kPlain = 512;
-constexpr uint32_t kBright = 1024;
+constexpr uint16_t kNothing = 0xFFFF;
+constexpr uint16_t kShadow = 0;
+constexpr uint16_t kPlain = 512;
+constexpr uint16_t kBright = 1024;
 
-uint32_t ShadeOf(uint32_t op, uint32_t layer, uint32_t flag) {
-    const uint32_t byFlag = flag != 0 ? kPlain : kShadow;
-    const uint32_t raised = flag != 0 ? kBright : kPlain;
+constexpr uint16_t FindShade(uint32_t op, uint32_t layer, uint32_t flag) {
+    const uint16_t byFlag = flag != 0 ? kPlain : kShadow;
+    const uint16_t raised = flag != 0 ? kBright : kPlain;
     const bool above = layer > kMdVdpSpriteLow;
     switch (op) {
     case 0: return byFlag;
@@ -48,6 +48,34 @@ uint32_t ShadeOf(uint32_t op, uint32_t layer, uint32_t flag) {
     case kMdVdpSpriteLow + 2: return above ? byFlag : raised;
     case kMdVdpSpriteHigh + 2: return raised;
     default: return kNothing;
+    }
+}
+
+// The same by operator, layer and flag, for the dots of a whole line.
+constexpr uint32_t kShadeOps = 16;
+constexpr uint32_t kShadeLayers = 16;
+
+constexpr uint32_t ShadeIndex(uint32_t op, uint32_t layer, uint32_t flag) {
+    return (op % kShadeOps * kShadeLayers + layer % kShadeLayers) * 2 + (flag & 1);
+}
+
+constexpr auto kShades = [] {
+    std::array<uint16_t, size_t{kShadeOps} * kShadeLayers * 2> shades{};
+    for (uint32_t op = 0; op < kShadeOps; ++op) {
+        for (uint32_t layer = 0; layer < kShadeLayers; ++layer) {
+            for (uint32_t flag = 0; flag < 2; ++flag) {
+                shades[ShadeIndex(op, layer, flag)] = FindShade(op, layer, flag);
+            }
+        }
+    }
+    return shades;
+}();
+
+[[gnu::always_inline]] inline void PutShadowedDot(MD_VDP& vdp, uint32_t x) {
+    const uint32_t layer = vdp.layerCode[x];
+    const uint32_t shade = kShades[ShadeIndex(vdp.shadowOp[x], layer, vdp.lineFlags[x])];
+    if (shade != kNothing) {
+        vdp.rowOut[x] = vdp.colourTables[shade + vdp.layerBuffers[layer][x]];
     }
 }
 
@@ -64,18 +92,20 @@ void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
 
 void PutDots(MD_VDP& vdp, uint32_t count) {
     const uint32_t end = vdp.outX + count;
-    if (vdp.shadowMode != 0) {
-        while (vdp.outX < end) {
-            md_vdp_tick::PutDot(vdp);
-        }
-        return;
-    }
-    const uint32_t* colours = vdp.colourTables + kPlain;
-    uint32_t* row = vdp.rowOut;
     uint32_t collisions = 0;
     for (uint32_t x = vdp.outX; x < end; ++x) {
         collisions |= vdp.spriteDots[x] > 1 ? 1U : 0U;
-        row[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
+    }
+    if (vdp.shadowMode != 0) {
+        for (uint32_t x = vdp.outX; x < end; ++x) {
+            PutShadowedDot(vdp, x);
+        }
+    } else {
+        const uint32_t* colours = vdp.colourTables + kPlain;
+        uint32_t* row = vdp.rowOut;
+        for (uint32_t x = vdp.outX; x < end; ++x) {
+            row[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
+        }
     }
     if (collisions != 0) {
         vdp.status |= kMdVdpCollision;
@@ -112,12 +142,7 @@ uint32_t StretchLength(const MD_VDP& vdp) {
 } // namespace
 
 void MdVdpPutShadowedDot(MD_VDP& vdp) {
-    const uint32_t x = vdp.outX;
-    const uint32_t layer = vdp.layerCode[x];
-    const uint32_t shade = ShadeOf(vdp.shadowOp[x], layer, vdp.lineFlags[x]);
-    if (shade != kNothing) {
-        vdp.rowOut[x] = vdp.colourTables[shade + vdp.layerBuffers[layer][x]];
-    }
+    PutShadowedDot(vdp, vdp.outX);
 }
 
 void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
@@ -142,11 +167,21 @@ void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
     }
 }
 
-uint32_t MdVdpClocksToEvent(const MD_VDP& vdp) {
+uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet) {
     // A control word that waits for the end of a copy or fill may begin a DMA on the bus.
-    if (vdp.fifoCount > kMdVdpFifo || vdp.dmaState == kMdVdpDmaBus || vdp.dmaPending != 0) {
+    if (vdp.fifoCount > kMdVdpFifo || vdp.dmaPending != 0) {
         return 0;
     }
     const uint32_t clocks = vdp.h40 != 0 ? kClocksH40[vdp.hCount] : kClocksH32[vdp.hCount];
-    return clocks + static_cast<uint32_t>(-vdp.stepDebt);
+    const uint32_t toEvent = clocks + static_cast<uint32_t>(-vdp.stepDebt);
+    if (vdp.dmaState != kMdVdpDmaBus) {
+        return toEvent;
+    }
+    if (!busIsQuiet || *vdp.stall == 0) {
+        return 0;
+    }
+    // The end of a DMA lets the processor go on. At best every second step of 8 clocks is a slot.
+    constexpr uint32_t kClocksASlot = 16;
+    const uint32_t slots = (vdp.dmaLength - 1) * (vdp.dmaCode == kMdVdpCodeVram ? 2 : 1);
+    return std::min(toEvent, slots * kClocksASlot);
 }

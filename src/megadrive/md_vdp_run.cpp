@@ -9,11 +9,37 @@
 
 namespace {
 
-using md_vdp_timetable::ClocksToEvent;
+using md_vdp_timetable::OutwardSteps;
+using md_vdp_timetable::StartClocks;
 using md_vdp_timetable::Stretches;
 
-constexpr auto kClocksH32 = ClocksToEvent(kMdVdpActionsH32, kMdVdpLengthsH32);
-constexpr auto kClocksH40 = ClocksToEvent(kMdVdpActionsH40, kMdVdpLengthsH40);
+// The steps whose events the machine may see something of, and when every step begins.
+constexpr auto kOutwardH32 = OutwardSteps(kMdVdpActionsH32);
+constexpr auto kOutwardH40 = OutwardSteps(kMdVdpActionsH40);
+constexpr auto kStartsH32 = StartClocks(kMdVdpLengthsH32);
+constexpr auto kStartsH40 = StartClocks(kMdVdpLengthsH40);
+
+// Whether an event of this line does anything that the machine can see.
+bool IsSeen(const MD_VDP& vdp, uint32_t event) {
+    switch (event) {
+    case kMdVdpVInterrupt: return *vdp.zIntLine != 0 || vdp.vCount == vdp.activeHeight;
+    case kMdVdpHBlankBegin: return vdp.hCounter <= 0 && (vdp.regs[0] & kMdVdpReg0HInterrupt) != 0;
+    default: return vdp.line + 1 >= vdp.totalLines; // the end of a line
+    }
+}
+
+// Master clocks from the beginning of the next step to the beginning of one that the machine sees something
+// of, or to the end of the line: the next one may have the other width.
+template <typename Outward, typename Starts>
+uint32_t ClocksToSeen(const MD_VDP& vdp, const Outward& outward, const Starts& starts) {
+    const uint32_t now = starts[vdp.hCount];
+    for (const auto& [step, event] : outward) {
+        if (step >= vdp.hCount && IsSeen(vdp, event)) {
+            return starts[step] - now;
+        }
+    }
+    return kMdVdpLineClocks - now;
+}
 
 // By what the slots are good for.
 enum SlotUse : uint32_t { kNoUse, kDisplaySlots, kBlankedSlots };
@@ -172,7 +198,8 @@ uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet) {
     if (vdp.fifoCount > kMdVdpFifo || vdp.dmaPending != 0) {
         return 0;
     }
-    const uint32_t clocks = vdp.h40 != 0 ? kClocksH40[vdp.hCount] : kClocksH32[vdp.hCount];
+    const uint32_t clocks = vdp.h40 != 0 ? ClocksToSeen(vdp, kOutwardH40, kStartsH40)
+                                         : ClocksToSeen(vdp, kOutwardH32, kStartsH32);
     const uint32_t toEvent = clocks + static_cast<uint32_t>(-vdp.stepDebt);
     if (vdp.dmaState != kMdVdpDmaBus) {
         return toEvent;

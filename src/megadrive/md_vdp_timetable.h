@@ -128,22 +128,33 @@ constexpr std::array<uint8_t, Steps> Stretches(const std::array<uint8_t, Steps>&
     return stretches;
 }
 
-constexpr bool ReachesOut(uint32_t event) {
-    return event == kMdVdpVInterrupt || event == kMdVdpHBlankBegin || event == kMdVdpLineEnd;
+struct Outward {
+    uint32_t step;
+    uint32_t event;
+};
+
+// The three steps of a line whose events reach the machine, in their order.
+template <size_t Steps>
+constexpr std::array<Outward, 3> OutwardSteps(const std::array<uint8_t, Steps>& actions) {
+    std::array<Outward, 3> outward{};
+    size_t count = 0;
+    for (uint32_t step = 0; step < Steps; ++step) {
+        const uint32_t event = actions[step] & kMdVdpEventBits;
+        if (event == kMdVdpVInterrupt || event == kMdVdpHBlankBegin || event == kMdVdpLineEnd) {
+            outward[count++] = {step, event};
+        }
+    }
+    return outward;
 }
 
-// Master clocks from the beginning of each step to the beginning of the next one that the machine sees
-// something of, or to the end of the line: the next one may have the other width.
+// Master clocks from the beginning of the line to that of each step.
 template <size_t Steps>
-constexpr std::array<uint16_t, Steps> ClocksToEvent(const std::array<uint8_t, Steps>& actions,
-                                                    const std::array<uint8_t, Steps>& lengths) {
-    std::array<uint16_t, Steps> clocks{};
-    uint32_t distance = 0;
-    for (size_t step = Steps; step-- != 0;) {
-        distance = ReachesOut(actions[step] & kMdVdpEventBits) ? 0 : distance + lengths[step];
-        clocks[step] = static_cast<uint16_t>(distance);
+constexpr std::array<uint16_t, Steps> StartClocks(const std::array<uint8_t, Steps>& lengths) {
+    std::array<uint16_t, Steps> starts{};
+    for (size_t step = 1; step < Steps; ++step) {
+        starts[step] = static_cast<uint16_t>(starts[step - 1] + lengths[step - 1]);
     }
-    return clocks;
+    return starts;
 }
 
 } // namespace md_vdp_timetable

@@ -86,15 +86,31 @@ TEST(MdVdpRun, NothingOfTheMachineChangesBeforeTheEventTold) {
     EXPECT_GT(promised, 50000U); // it isn't 0 all the time
 }
 
-TEST(MdVdpRun, PromisesUpToTheInterruptsOfALine) {
+TEST(MdVdpRun, PromisesUpToWhatIsSeenOfALine) {
     MdVdpRig rig;
     rig.Setup(true);
     rig.RunTo(20, 100);
     rig.vdp->stepDebt = -3;
+    EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), kMdVdpLineClocks - 100 * 8 + 3)
+        << "the end of the line";
+    rig.vdp->regs[0] |= 0x10;
+    rig.vdp->hCounter = 1;
+    EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), kMdVdpLineClocks - 100 * 8 + 3) << "not on this line";
+    rig.vdp->hCounter = 0;
     EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), (366U - 100) * 8 + 3);
-    rig.RunTo(20, 367);
+    rig.vdp->regs[0] = 0;
     rig.vdp->stepDebt = 0;
-    EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), (397U - 367) * 8 + 22 * 2); // 373 to 394 are longer
+    rig.RunTo(21, 10);
+    rig.vdp->stepDebt = 0;
+    rig.zInt = 1;
+    EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), (52U - 10) * 8) << "the Z80's line falls";
+    rig.zInt = 0;
+    rig.RunTo(224, 10);
+    rig.vdp->stepDebt = 0;
+    EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), (52U - 10) * 8) << "the blank begins";
+    rig.RunTo(261, 367);
+    rig.vdp->stepDebt = 0;
+    EXPECT_EQ(MdVdpClocksToEvent(*rig.vdp), (397U - 367) * 8 + 22 * 2) << "373 to 394 are longer";
     rig.Control(0x4000);
     rig.Control(0);
     for (uint32_t i = 0; i < 5; ++i) {

@@ -228,8 +228,8 @@ uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* op
     }
     Report(SessionReport::kStarted, *session);
     EmuLoadBattery(*session);
-    if ((Autosaves() & kAutosaveLoad) != 0) {
-        EmuLoadFromArchive(*session);
+    if ((Autosaves() & kAutosaveLoad) != 0 && EmuLoadFromArchive(*session)) {
+        EmuBatteryAfterState(*session);
     }
     const uint32_t serial = session->serial;
     if (!Launch(session.get())) {
@@ -254,7 +254,6 @@ bool EmuStopSession(uint32_t key) {
         } else {
             session->stopping = true;
             const SessionHold hold(*session);
-            EmuSaveBattery(*session);
             if ((Autosaves() & kAutosaveSave) != 0 && !session->machine->ended) {
                 EmuSaveToArchive(*session);
             }
@@ -269,6 +268,8 @@ bool EmuStopSession(uint32_t key) {
     while (session->stopRequested != 0) {
         SleepMillisecond();
     }
+    // The thread may have run one more frame since the request.
+    EmuSaveBattery(*session);
     Free(session);
     return true;
 }

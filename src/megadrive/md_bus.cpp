@@ -267,7 +267,9 @@ uint32_t ReadFixedWord(MEGA_DRIVE& md, uint32_t address) {
 
 // A byte of nothing is the high half of the bus at either address.
 uint32_t ReadFixedByte(MEGA_DRIVE& md, uint32_t address) {
-    if (address >= kVideoStart && address < kRamStart && !IsVideo(address)) {
+    constexpr uint32_t kUnusedPorts = 0x18; // and the seven addresses behind
+    if (address >= kVideoStart && address < kRamStart &&
+        (!IsVideo(address) || (address & kUnusedPorts) == kUnusedPorts)) {
         return OpenBus(md) >> 8;
     }
     if (address >= kZ80Start && address < kVideoStart) {
@@ -361,9 +363,7 @@ uint8_t MdPeekByte(MEGA_DRIVE& md, uint32_t address) {
     if (handler == nullptr) {
         return static_cast<uint8_t>(ReadFixedByte(md, address));
     }
-    // A read of an EEPROM may move it on.
-    return md.cartridge.cartKind == kMdCartEeprom ? MdCartRomByte(md.cartridge, address)
-                                                  : handler(md.cartridge, address);
+    return handler(md.cartridge, address);
 }
 
 uint16_t MdReadForDma(void* owner, uint32_t address) {

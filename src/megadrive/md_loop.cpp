@@ -28,10 +28,21 @@ namespace {
     MdVdpClock(md.vdp);
 }
 
+// Opcodes that are none take no time, and a program that has gone astray may find nothing else: its frame
+// would never end. Some in a row are free, and then one costs what a step of the stopped processor does.
+constexpr uint32_t kFreeSteps = 256;
+constexpr uint32_t kStepCycles = 4;
+
 // The instruction, and what hangs on it before its rounds; gives their number.
 template <bool svp>
-[[gnu::always_inline]] inline uint32_t RunInstruction(MEGA_DRIVE& md) {
-    const uint32_t cycles = M68kStep(md.cpu);
+[[gnu::always_inline]] inline uint32_t RunInstruction(MEGA_DRIVE& md, uint32_t& freeSteps) {
+    uint32_t cycles = M68kStep(md.cpu);
+    if (cycles == 0 && ++freeSteps > kFreeSteps) [[unlikely]] {
+        cycles = kStepCycles;
+    }
+    if (cycles != 0) {
+        freeSteps = 0;
+    }
     md.m68kBusCycles += cycles;
     if constexpr (svp) {
         MdCartSvpHook(md.cartridge, cycles * kMdCycleClocks);
@@ -43,8 +54,9 @@ template <bool svp>
 template <bool svp>
 void RunFrame(MEGA_DRIVE& md) {
     MD_Z80_BUS bus{md};
+    uint32_t freeSteps = 0;
     while (md.vdp.frameDone == 0) {
-        const uint32_t cycles = RunInstruction<svp>(md);
+        const uint32_t cycles = RunInstruction<svp>(md, freeSteps);
         for (uint32_t i = 0; i < cycles; ++i) {
             RunRound(md, bus);
         }
@@ -70,26 +82,26 @@ void CatchUpToEvent(MEGA_DRIVE& md) {
 template <bool svp>
 void RunFrameLate(MEGA_DRIVE& md) {
     MD_Z80_BUS bus{md};
+    uint32_t freeSteps = 0;
     CatchUpToEvent(md);
     while (md.vdp.frameDone == 0) {
-        const uint32_t cycles = RunInstruction<svp>(md);
-        if (md.vdpWaiting + cycles >= md.vdpToEvent) [[unlikely]] {
-            RunRoundsUpToDate(md, cycles);
-            continue;
-        }
+        uint32_t rounds = RunInstruction<svp>(md, freeSteps);
         // The whole debt is there at the start, so the clocks fall into the first rounds.
-        uint32_t rounds = 0;
-        while (rounds < cycles && md.z80Clock >= kMdZ80Clocks) {
-            ClockZ80AndPsg(md, bus);
+        while (md.vdpWaiting + rounds < md.vdpToEvent) {
+            if (rounds == 0 || md.z80Clock < kMdZ80Clocks) [[likely]] {
+                break;
+            }
+            ClockZ80AndPsg(md, bus); // which may write to the video chip and bring an event near
             ++md.vdpWaiting;
             ++md.fmWaiting;
-            ++rounds;
+            --rounds;
         }
-        md.vdpWaiting += cycles - rounds;
-        md.fmWaiting += cycles - rounds;
-        if (md.vdpWaiting >= md.vdpToEvent) [[unlikely]] {
-            CatchUpToEvent(md); // the Z80 has written to the video chip
+        if (md.vdpWaiting + rounds >= md.vdpToEvent) [[unlikely]] {
+            RunRoundsUpToDate(md, rounds);
+            continue;
         }
+        md.vdpWaiting += rounds;
+        md.fmWaiting += rounds;
     }
     MdCatchUpVideo(md);
     MdCatchUpSound(md);

@@ -20,7 +20,7 @@
 namespace {
 
 constexpr uint32_t kMostWidth = 320;
-constexpr uint32_t kMostHeight = 464; // 240 lines with their border, doubled
+constexpr uint32_t kMostHeight = 464; // 224 lines with their border, doubled
 constexpr uint32_t kLargestImage = 16 * 1024 * 1024;
 constexpr size_t kSmallestImage = 512;
 constexpr size_t kRegionAt = 0x1F0;
@@ -28,7 +28,6 @@ constexpr size_t kRegionLength = 3;
 constexpr size_t kDevicesAt = 0x190;
 constexpr size_t kDevicesLength = 16;
 constexpr uint32_t kBlack = 0xFF000000;
-constexpr uint32_t kPsgModel = 1;
 
 // Bits of a header's region.
 constexpr uint32_t kRegionJapan = 1;
@@ -117,10 +116,9 @@ uint8_t VersionFor(uint32_t regions) {
 }
 
 // A gain from outside; what is no number is silence.
-void MakeFinite(float& gain) {
-    if (!std::isfinite(gain)) {
-        gain = 0;
-    }
+void BoundGain(float& gain) {
+    constexpr float kLoudest = 16.0F;
+    gain = std::isfinite(gain) ? std::clamp(gain, -kLoudest, kLoudest) : 0.0F;
 }
 
 std::string Hex(uint32_t value) {
@@ -188,8 +186,8 @@ bool CMegaDrive::Init(const void* options, CGameFile* const games[2]) {
         return false;
     }
     std::memcpy(&chosen, options, sizeof chosen);
-    MakeFinite(chosen.ymVolume);
-    MakeFinite(chosen.psgVolume);
+    BoundGain(chosen.ymVolume);
+    BoundGain(chosen.psgVolume);
     ChooseConsole(*image);
     ChooseDevices(*image);
     MdCartSetup(md.cartridge, *image);
@@ -200,11 +198,7 @@ bool CMegaDrive::Init(const void* options, CGameFile* const games[2]) {
 
 void CMegaDrive::Reset() {
     ended = false;
-    try {
-        MdReset(md);
-    } catch (const M68K_ADDRESS_ERROR&) {
-        End(); // the first fetch is at an odd address
-    }
+    MdReset(md);
 }
 
 void CMegaDrive::End() {
@@ -225,6 +219,8 @@ void CMegaDrive::RunProgram() {
     try {
         MdRunFrame(md);
     } catch (const M68K_ADDRESS_ERROR&) {
+        MdCatchUpVideo(md);
+        MdCatchUpSound(md);
         MdSettle(md);
         End();
     }

@@ -3,6 +3,7 @@
 #include "host/host_fixture.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -151,6 +152,55 @@ TEST_F(BatteryFile, AFailedWriteIsToldOnceAndTriedAgainAtTheEnd) {
     fs::remove(home.Path() / blocker);
     EXPECT_TRUE(EmuStopSession(1));
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 5));
+}
+
+TEST_F(BatteryFile, WhatSomebodyElseWroteIsKept) {
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Fill(*session, 1);
+    EmuSaveBattery(*session);
+    Put(Bytes(kBatteryBytes, 2));
+    Fill(*session, 3);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(TakeReports().size(), 1u);
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 3));
+    EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.other-1.sav"), Bytes(kBatteryBytes, 2));
+}
+
+TEST_F(BatteryFile, AWriteThatFailedIsNotTakenForOneThatCameLater) {
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    session->battery.refused = Bytes(kBatteryBytes, 1); // as after a failed write of it
+    Fill(*session, 2);
+    EmuSaveBattery(*session);
+    Fill(*session, 1);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 1));
+}
+
+// The autosave holds the memory of its own time.
+TEST_F(BatteryFile, TheNewerOfFileAndAutosaveCounts) {
+    Put(Bytes(kBatteryBytes, 9));
+    home.Write("sms/saves/game.zip", Bytes{1});
+    const fs::path archive = Folder() / "game.zip";
+    const auto now = fs::file_time_type::clock::now();
+    for (const bool fileIsNewer : {false, true}) {
+        const auto session = Create(WithBattery());
+        EmuLoadBattery(*session);
+        Fill(*session, 5); // by the state
+        fs::last_write_time(archive, now);
+        fs::last_write_time(Path(), now + std::chrono::seconds(fileIsNewer ? 2 : -2));
+        EmuBatteryAfterState(*session);
+        EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, fileIsNewer ? 9 : 5));
+    }
+}
+
+TEST_F(BatteryFile, WithoutAFileTheAutosavesMemoryStays) {
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Fill(*session, 5);
+    EmuBatteryAfterState(*session);
+    EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, 5));
 }
 
 TEST_F(BatteryFile, RunningGamesAreKeptWithoutAStop) {

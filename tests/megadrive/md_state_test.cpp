@@ -4,6 +4,7 @@
 #include "megadrive/md_rig.h"
 
 #include <cstring>
+#include <initializer_list>
 #include <ostream>
 #include <random>
 
@@ -11,8 +12,8 @@ namespace {
 
 // A restless program. The 68000 writes random numbers to video memory, registers of scroll and window,
 // to the cartridge and to its own RAM, and keeps transfers of all three kinds going, also while the picture
-// is drawn; the Z80 plays both sound chips, writes to the video chip and to the 68000's RAM through its
-// window. Interrupts of both levels scroll.
+// is drawn; the Z80 plays both sound chips, reads and writes the video chip and the 68000's RAM through its
+// windows. Interrupts of both levels change colour and scroll, and one takes the Z80's bus.
 MdProgram Restless() {
     MdProgram program;
     const int registers[][2] = {
@@ -87,7 +88,9 @@ MdProgram Restless() {
     program.At(kMdHorizontal).Words({0x33FC, 0x8700 | 0x25}).Long(0xC00004);
     program.Words({0x52B9}).Long(0xFF2000).Words({0x4E73});
     program.At(kMdVertical).VdpAddress(5, 0).Words({0x33F9}).Long(0xFF2002).Long(0xC00000);
-    program.VdpRegister(7, 0x06).Words({0x52B9}).Long(0xFF2000).Words({0x4E73});
+    program.VdpRegister(7, 0x06).Words({0x52B9}).Long(0xFF2000);
+    program.StoreWord(0xA11100, 0x100).Words({0x33F9}).Long(0xA01E10).Long(0xFF2004);
+    program.StoreWord(0xA11100, 0).Words({0x4E73}); // a look at what the Z80 has seen
     // The Z80: im 1; sp; bank 0xFF8000; keys on, then a loop.
     program.Bytes(kMdZ80Code, {0xF3, 0xED, 0x56, 0x31, 0x00, 0x1F, 0xC3, 0x60, 0x00});
     program.Bytes(kMdZ80Code + 0x38, {0xF5, 0x3A, 0x00, 0x1E, 0x3C, 0x32, 0x00, 0x1E, // counts
@@ -113,13 +116,17 @@ MdProgram Restless() {
     fm(0xA4, 0x22);
     z80.push_back(0xFB);
     const int start = 0x60 + static_cast<int>(z80.size());
-    // loop: a = r; pitch and key of channel 1; a PSG byte; the 68000's RAM; now and then the video chip
-    for (const int byte :
-         {0xED, 0x5F, 0x57, 0x3E, 0xA0, 0x32, 0x00, 0x40, 0x7A, 0x32, 0x01, 0x40, 0x3E,
-          0x28, 0x32, 0x00, 0x40, 0x7A, 0xE6, 0xF0, 0x32, 0x01, 0x40, 0x7A, 0x32, 0x11,
-          0x7F, 0x32, 0x10, 0x80, 0x3A, 0x12, 0x80, 0x06, 0x00, 0x10, 0xFE}) {
-        z80.push_back(byte);
-    }
+    const auto add = [&](std::initializer_list<int> bytes) { z80.insert(z80.end(), bytes); };
+    add({0xED, 0x5F, 0x82, 0x07, 0x57});                                     // d = (r + d) turned
+    add({0x3E, 0xA0, 0x32, 0x00, 0x40, 0x7A, 0x32, 0x01, 0x40});             // pitch of channel 1
+    add({0x3E, 0x28, 0x32, 0x00, 0x40, 0x7A, 0xE6, 0xF0, 0x32, 0x01, 0x40}); // its keys
+    add({0x7A, 0x32, 0x11, 0x7F});                                           // the PSG
+    add({0x32, 0x10, 0x80, 0x3A, 0x12, 0x80});                               // the 68000's RAM
+    add({0x3A, 0x00, 0x40, 0x32, 0x10, 0x1E}); // status of the FM chip
+    add({0x3A, 0x05, 0x7F, 0x32, 0x11, 0x1E, 0x3A, 0x09, 0x7F, 0x32, 0x12,
+         0x1E});                                                 // and the video chip
+    add({0x7A, 0xE6, 0x3F, 0x20, 0x04, 0x7A, 0x32, 0x00, 0x7F}); // now and then a word for that
+    add({0x06, 0x00, 0x10, 0xFE});
     z80.push_back(0xC3);
     z80.push_back(start & 0xFF);
     z80.push_back(start >> 8);
@@ -255,8 +262,8 @@ TEST_P(EveryMdState, FastAndPlainFramesAreTheSame) {
         const SAVED first = Save(*fast);
         const SAVED second = Save(*plain);
         ASSERT_EQ(first.size, second.size);
-        const auto place = std::mismatch(first.blob.get(), first.blob.get() + first.size,
-                                         second.blob.get());
+        const auto place =
+            std::mismatch(first.blob.get(), first.blob.get() + first.size, second.blob.get());
         ASSERT_EQ(place.first - first.blob.get(), first.size) << frame;
     }
 }

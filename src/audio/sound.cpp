@@ -10,6 +10,8 @@
 #include "host/host_data.h"
 #include "host/session.h"
 
+#include <SDL.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -117,6 +119,8 @@ void CommitListener() {
 }
 
 void PumpThread() {
+    // Some milliseconds late are heard, and the work is little. Where the system refuses, it stays as it is.
+    SDL_SetThreadPriority(SDL_THREAD_PRIORITY_TIME_CRITICAL);
     uint32_t rounds = 0;
     while (!gPump.stop.load(std::memory_order_relaxed)) {
         EmuForEachSession([](EMU_THREAD& session) { PumpSound(session); });

@@ -141,9 +141,15 @@ size_t LettersAcross(uint32_t width, uint32_t height) {
     return static_cast<size_t>(std::max(letters, 8));
 }
 
-const EMU_HOST_CALLBACKS kCallbacks = {OpenSession,   CloseSession,    SessionPicture,
-                                       PresentFrame,  HostSubmitAudio, SessionInput,
-                                       BindProcessor, ReleaseProcessor};
+// A machine goes before what only draws it: a late frame is late sound. The system may refuse.
+int StartSessionThread(int argument) {
+    SDL_SetThreadPriority(SDL_THREAD_PRIORITY_HIGH);
+    return BindProcessor(argument);
+}
+
+const EMU_HOST_CALLBACKS kCallbacks = {OpenSession,        CloseSession,    SessionPicture,
+                                       PresentFrame,       HostSubmitAudio, SessionInput,
+                                       StartSessionThread, ReleaseProcessor};
 
 } // namespace
 

@@ -92,12 +92,16 @@ void PutGain(OptionBlock& options, size_t at, const wchar_t* setting) {
 
 } // namespace
 
-OptionBlock DefaultMachineOptions(const CGameFile& game) {
-    OptionBlock options{};
-    if (game.Header().system == kSystemMegaDrive) {
+void TakeMachineSettings(uint16_t system, OptionBlock& options) {
+    if (system == kSystemMegaDrive) {
         PutGain(options, kMdYmVolumeAt, L"megadrive_ymvolume");
         PutGain(options, kMdPsgVolumeAt, L"megadrive_psgvolume");
     }
+}
+
+OptionBlock DefaultMachineOptions(const CGameFile& game) {
+    OptionBlock options{};
+    TakeMachineSettings(game.Header().system, options);
     if (game.Header().system != kSystemMasterSystem) {
         return options;
     }

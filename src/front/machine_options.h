@@ -15,6 +15,9 @@ using OptionBlock = std::array<uint8_t, kMachineOptionBytes>;
 // The options of a first run for this game: what its record presets, else the machine's own defaults.
 [[nodiscard]] OptionBlock DefaultMachineOptions(const CGameFile& game);
 
+// Those options that are settings of the program, taken from there anew.
+void TakeMachineSettings(uint16_t system, OptionBlock& options);
+
 // Sets one option by its name and value. False when the machine has no such option, or, with `error`
 // filled, when the option has no such value.
 [[nodiscard]] bool SetMachineOption(uint16_t system, std::string_view name, std::string_view value,

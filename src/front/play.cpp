@@ -97,6 +97,7 @@ int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& e
             return code;
         }
     }
+    TakeMachineSettings(number, opened.options);
     if (EmuFindMachine(number) == nullptr) {
         const GAME_SYSTEM* entry = FindGameSystem(number);
         error = options.game + ": is a game of the " +

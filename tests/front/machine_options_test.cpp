@@ -1,4 +1,5 @@
 #include "front/machine_options.h"
+#include "front/settings/settings.h"
 #include "library/convert.h"
 #include "library/game_file.h"
 
@@ -6,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <utility>
 
 using testing::HasSubstr;
 
@@ -53,6 +55,32 @@ TEST(MachineOptions, NamesSetTheirBytes) {
     EXPECT_EQ(options[1], 1);
     EXPECT_TRUE(SetMachineOption(2, "full", "1", options, error));
     EXPECT_EQ(options[2], 1);
+    EXPECT_TRUE(SetMachineOption(4, "console", "pal", options, error));
+    EXPECT_EQ(options[0], 3);
+    EXPECT_TRUE(SetMachineOption(4, "port1", "6button", options, error));
+    EXPECT_EQ(options[1], 3);
+    EXPECT_TRUE(SetMachineOption(4, "port2", "none", options, error));
+    EXPECT_EQ(options[2], 1);
+}
+
+TEST(MachineOptions, MegaDriveTakesItsGainsFromTheSettings) {
+    RegisterDefaultSettings(Settings());
+    CGameFile game;
+    game.Create(false, kSystemMegaDrive);
+    for (const auto& [ym, psg] : {
+             std::pair{1.0F, 1.25F},
+             std::pair{0.5F, 2.0F }
+    }) {
+        Settings().SetFloat(L"megadrive_ymvolume", ym);
+        Settings().SetFloat(L"megadrive_psgvolume", psg);
+        const OptionBlock options = DefaultMachineOptions(game);
+        float gains[2];
+        std::memcpy(gains, &options[4], sizeof gains);
+        EXPECT_EQ(gains[0], ym);
+        EXPECT_EQ(gains[1], psg);
+        EXPECT_EQ(options[0] | options[1] | options[2], 0) << "all automatic";
+    }
+    RegisterDefaultSettings(Settings());
 }
 
 TEST(MachineOptions, AWrongValueListsTheRightOnes) {

@@ -2,6 +2,8 @@
 #include "megadrive/md_rig.h"
 
 #include <cmath>
+#include <cstring>
+#include <utility>
 
 namespace {
 
@@ -323,6 +325,86 @@ TEST_F(MegaDrive, AcknowledgedInterruptsLowerTheirLines) {
     EXPECT_EQ(md.cpu.irqLines, 1u << 2);
 }
 
+TEST_F(MegaDrive, MostOfTheZ80sUpperAddressesAreEmpty) {
+    TakeZ80Bus();
+    const uint32_t open = OpenBus();
+    EXPECT_EQ(ReadByte(0xA07F11), 0u);
+    EXPECT_EQ(ReadWord(0xA07FFE), 0u);
+    EXPECT_EQ(ReadByte(0xA06000), open >> 8);
+    EXPECT_EQ(ReadWord(0xA07EFE), open);
+    md.fm.status = 3;
+    EXPECT_EQ(ReadWord(0xA04000), 0x0303u);
+    EXPECT_EQ(ReadByte(0xA05FFF), 3u);
+}
+
+TEST_F(MegaDrive, UnusedVideoPortsAreOpenBusInBothHalves) {
+    const uint32_t open = OpenBus();
+    for (uint32_t port = 0xC00018; port < 0xC00020; ++port) {
+        EXPECT_EQ(ReadByte(port), open >> 8) << port;
+    }
+}
+
+TEST_F(MegaDrive, Z80ReachesTheVideoChipOnBothWays) {
+    MD_Z80_BUS bus{md};
+    WriteWord(0xC00004, 0x8F02);
+    bus.Write(0x7F04, 0x87); // a byte in both halves: register 7
+    EXPECT_EQ(md.vdp.regs[7], 0x87);
+    md.z80Bank = 0xC00000;
+    bus.Write(0x8005, 0x86);
+    EXPECT_EQ(md.vdp.regs[6], 0x86);
+    EXPECT_EQ(bus.Read(0x8005), kMdVdpVBlank) << "as with any display that is off";
+}
+
+TEST_F(MegaDrive, Z80ResetRunsItOnAndResetsTheFmChipEachTime) {
+    for (int time = 0; time < 2; ++time) {
+        md.fm.dacEnabled = 0x80;
+        WriteWord(0xA11200, 0);
+        EXPECT_EQ(md.fm.dacEnabled, 0) << time;
+        EXPECT_EQ(md.z80.regs[kZ80Pc], 0u) << "reset behind its three clocks";
+    }
+}
+
+TEST_F(MegaDrive, PlainCartridgeHasNoMailbox) {
+    WriteWord(0xA15000, 0x1234);
+    EXPECT_EQ(ReadWord(0xA15000), OpenBus());
+}
+
+TEST(MegaDriveSvp, MailboxTakesWordsAtBothAddresses) {
+    const auto machine = StartMd(MdProgram().Text(0x150, "Virtua Racing").Stop());
+    MEGA_DRIVE& md = machine->Console();
+    ASSERT_TRUE(md.cartridge.svp);
+    EXPECT_EQ(md.vdp.svpDmaQuirk, 1u);
+    MD_SVP& svp = *md.cartridge.svp;
+    for (const uint32_t address : {0xA15000u, 0xA15002u}) {
+        svp.gr[kSvpXst] = 0;
+        svp.emuStatus = kSvpWaitsForPm0;
+        MdWriteByte(&md, address, 0x55);
+        EXPECT_EQ(svp.gr[kSvpXst] >> 16, 0u) << "a byte is nothing";
+        EXPECT_EQ(svp.emuStatus, kSvpWaitsForPm0);
+        MdWriteWord(&md, address, 0xABCD);
+        EXPECT_EQ(svp.gr[kSvpXst] >> 16, 0xABCDu);
+        EXPECT_EQ(svp.emuStatus & kSvpWaits, 0u);
+    }
+}
+
+TEST(MegaDriveSvp, DmaFromAPageWithoutAHandlerReadsWorkRam) {
+    const auto machine = StartMd(MdProgram().Text(0x150, "Virtua Racing").Stop());
+    MEGA_DRIVE& md = machine->Console();
+    md.workRam[0x123] = 0x4711;
+    EXPECT_EQ(MdReadForDma(&md, 0x400246), 0x4711);
+    EXPECT_EQ(MdReadForDma(&md, 0x800246), 0x4711);
+}
+
+TEST_F(MegaDrive, ResetKeepsTheLinesOfTheZ80AndThePads) {
+    WriteWord(0xA11100, 0x100);
+    md.io.padTh[1] = 0x40;
+    md.io.padEdges[1] = 2;
+    machine->Reset();
+    EXPECT_EQ(md.z80.busHold, 1u);
+    EXPECT_EQ(md.io.padTh[1], 0x40);
+    EXPECT_EQ(md.io.padEdges[1], 2u);
+}
+
 TEST_F(MegaDrive, ResetIsThePowerOnState) {
     WriteWord(0xFF0000, 1);
     md.z80Ram[0] = 1;
@@ -465,6 +547,128 @@ TEST(MegaDriveFrame, MixIsScaledByTheOptions) {
     EXPECT_GT(power[0], 0);
     EXPECT_NEAR(power[1] / power[0], 2.0, 0.01);
     EXPECT_EQ(power[2], 0);
+}
+
+TEST(MegaDriveFrame, FmGainScalesTheFmChipAndTheMixIsClipped) {
+    // The DAC's highest level on both sides of channel 6.
+    MdProgram program;
+    program.StoreWord(0xA11200, 0x100).StoreWord(0xA11100, 0x100);
+    for (const auto& [index, value] : {
+             std::pair{0x2B, 0x80},
+             std::pair{0x2A, 0xFF}
+    }) {
+        program.StoreByte(0xA04000, index).StoreByte(0xA04001, value);
+    }
+    program.Stop();
+    int16_t peaks[3] = {};
+    const float gains[3] = {1.0F, 2.0F, 16.0F};
+    for (size_t i = 0; i < 3; ++i) {
+        MD_OPTIONS options = DefaultMdOptions();
+        options.ymVolume = gains[i];
+        const auto machine = StartMd(program, options);
+        MACHINE_RIG rig;
+        rig.Frame(*machine);
+        rig.Frame(*machine);
+        peaks[i] = rig.audio.samples[0];
+    }
+    EXPECT_NEAR(peaks[0], 127 * 64, 127);
+    EXPECT_NEAR(peaks[1], 2 * peaks[0], 2);
+    EXPECT_EQ(peaks[2], 32767);
+}
+
+TEST(MegaDriveFrame, MixesAsMuchAsTheChipThatIsAheadHas) {
+    const auto machine = StartMd(MdProgram().Stop());
+    MEGA_DRIVE& md = machine->Console();
+    MACHINE_RIG rig;
+    for (int i = 0; i < 120; ++i) {
+        rig.Frame(*machine);
+        EXPECT_TRUE(md.fm.resampler.Output().empty() || md.psg.resampler.Output().empty());
+        EXPECT_LT(md.fm.resampler.Output().size(), AudioResampler::kKeptValues) << i;
+        EXPECT_LT(md.psg.resampler.Output().size(), AudioResampler::kKeptValues) << i;
+    }
+}
+
+// The processor's own STOP shares its flag with the video chip, and here the chip alone stops it.
+TEST(MegaDriveFrame, HeldByATransferItTakesItsInterruptAfterwards) {
+    MdProgram program;
+    // 32 KiB of ROM to VRAM with the picture on takes longer than a frame.
+    program.VdpRegister(15, 2).VdpRegister(19, 0).VdpRegister(20, 0x40);
+    program.VdpRegister(21, 0).VdpRegister(22, 0).VdpRegister(23, 0);
+    program.VdpRegister(1, 0x74).Words({0x46FC, 0x2300});
+    program.StoreLong(0xC00004, 0x40000080);
+    program.Words({0x23FC}).Long(0x600D600D).Long(0xFF0004).Stop();
+    program.At(kMdVertical).Words({0x23F9}).Long(0xFF0004).Long(0xFF0008);
+    program.Words({0x52B9}).Long(0xFF0000).Words({0x4E73});
+    const auto machine = StartMd(program);
+    MEGA_DRIVE& md = machine->Console();
+    MACHINE_RIG rig;
+    rig.Frame(*machine);
+    ASSERT_EQ(md.cpu.stopped, 1u);
+    EXPECT_EQ(md.cpu.irqLines, 1u << 6) << "it waits";
+    EXPECT_EQ(MdReadLong(&md, 0xFF0000), 0u);
+    for (int i = 0; i < 10 && md.cpu.stopped != 0; ++i) {
+        rig.Frame(*machine);
+    }
+    rig.Frame(*machine);
+    EXPECT_GT(MdReadLong(&md, 0xFF0000), 0u);
+    EXPECT_EQ(MdReadLong(&md, 0xFF0004), 0x600D600Du);
+}
+
+TEST(MegaDriveFrame, ResetInstructionMovesNoOtherChip) {
+    const auto machine = StartMd(MdProgram().Words({0x4E70, 0x4E70, 0x4E70, 0x4E71}).Stop());
+    const auto other = StartMd(MdProgram().Words({0x4E71}).Stop());
+    MACHINE_RIG rig;
+    rig.Frame(*machine);
+    rig.Frame(*other);
+    EXPECT_EQ(machine->Console().m68kBusCycles, other->Console().m68kBusCycles);
+    EXPECT_EQ(machine->Console().vdp.hCount, other->Console().vdp.hCount);
+}
+
+TEST(MegaDriveFrame, OpcodesThatAreNoneDoNotHoldTheFrame) {
+    // The illegal instruction's vector leads to an illegal instruction.
+    const auto machine =
+        StartMd(MdProgram().PutLong(16, 0x300).Words({0x4AFC}).At(0x300).Words({0x00FF}));
+    MACHINE_RIG rig;
+    for (int i = 0; i < 3; ++i) {
+        rig.Frame(*machine);
+    }
+    EXPECT_FALSE(machine->ended);
+    EXPECT_GT(machine->Console().m68kBusCycles, 3u * 120000);
+}
+
+TEST(MegaDriveFrame, EveryActionHasItsButton) {
+    struct ROW {
+        const wchar_t* name;
+        uint8_t MD_PAD::*button;
+    };
+    constexpr ROW kRows[] = {
+        {L"UP",      &MD_PAD::up   },
+        {L"DOWN",    &MD_PAD::down },
+        {L"LEFT",    &MD_PAD::left },
+        {L"RIGHT",   &MD_PAD::right},
+        {L"START",   &MD_PAD::start},
+        {L"MODE",    &MD_PAD::mode },
+        {L"BUTTONA", &MD_PAD::a    },
+        {L"BUTTONB", &MD_PAD::b    },
+        {L"BUTTONC", &MD_PAD::c    },
+        {L"BUTTONX", &MD_PAD::x    },
+        {L"BUTTONY", &MD_PAD::y    },
+        {L"BUTTONZ", &MD_PAD::z    },
+    };
+    const auto machine = StartMd(MdProgram().Stop());
+    MACHINE_RIG rig;
+    for (uint32_t player = 0; player < kMdPads; ++player) {
+        for (const ROW& row : kRows) {
+            const std::wstring name =
+                L"MEGADRIVE P" + std::to_wstring(player + 1) + L" " + row.name;
+            MACHINE_RIG::Press(name.c_str(), true);
+            rig.Frame(*machine);
+            MACHINE_RIG::Press(name.c_str(), false);
+            MD_PAD expected[2] = {};
+            expected[player].*row.button = 1;
+            EXPECT_EQ(0, std::memcmp(machine->Console().io.pads.data(), expected, sizeof expected));
+        }
+    }
 }
 
 TEST(MegaDriveFrame, AddressErrorEndsTheMachineWithWords) {

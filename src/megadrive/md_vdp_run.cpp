@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace {
 
@@ -105,6 +106,29 @@ constexpr auto kShades = [] {
     }
 }
 
+// Operators are rare: where there are none, the flag alone chooses the table. The buffers are longer than
+// a line by just these eight.
+constexpr uint32_t kBlock = 8;
+static_assert(kMdVdpWidth + kBlock <= kMdVdpLine);
+
+void PutShadowedDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
+    while (x < end) {
+        const uint32_t blockEnd = std::min(x + kBlock, end);
+        uint64_t operators = 0;
+        std::memcpy(&operators, &vdp.shadowOp[x], sizeof operators);
+        if (operators != 0) {
+            for (; x < blockEnd; ++x) {
+                PutShadowedDot(vdp, x);
+            }
+            continue;
+        }
+        for (; x < blockEnd; ++x) {
+            const uint32_t shade = (vdp.lineFlags[x] & 1U) * kPlain;
+            vdp.rowOut[x] = vdp.colourTables[shade + vdp.layerBuffers[vdp.layerCode[x]][x]];
+        }
+    }
+}
+
 void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
     // The first dot takes the colour of a DMA.
     md_vdp_tick::SetBackdropDot(vdp, first, vdp.h40 != 0);
@@ -116,16 +140,25 @@ void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
     vdp.backdropX = first + count - 1;
 }
 
+// Whether sprites meet at any of these dots: a count above 1.
+bool Collide(const MD_VDP& vdp, uint32_t x, uint32_t end) {
+    constexpr uint64_t kAboveOne = 0xFEFEFEFEFEFEFEFE;
+    uint64_t met = 0;
+    for (; end - x >= kBlock; x += kBlock) {
+        uint64_t counts = 0;
+        std::memcpy(&counts, &vdp.spriteDots[x], sizeof counts);
+        met |= counts & kAboveOne;
+    }
+    for (; x < end; ++x) {
+        met |= vdp.spriteDots[x] & kAboveOne;
+    }
+    return met != 0;
+}
+
 void PutDots(MD_VDP& vdp, uint32_t count) {
     const uint32_t end = vdp.outX + count;
-    uint32_t collisions = 0;
-    for (uint32_t x = vdp.outX; x < end; ++x) {
-        collisions |= vdp.spriteDots[x] > 1 ? 1U : 0U;
-    }
     if (vdp.shadowMode != 0) {
-        for (uint32_t x = vdp.outX; x < end; ++x) {
-            PutShadowedDot(vdp, x);
-        }
+        PutShadowedDots(vdp, vdp.outX, end);
     } else {
         const uint32_t* colours = vdp.colourTables + kPlain;
         uint32_t* row = vdp.rowOut;
@@ -133,7 +166,7 @@ void PutDots(MD_VDP& vdp, uint32_t count) {
             row[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
         }
     }
-    if (collisions != 0) {
+    if (Collide(vdp, vdp.outX, end)) {
         vdp.status |= kMdVdpCollision;
     }
     vdp.outX = end;

@@ -73,11 +73,7 @@ const std::vector<TRACE>& Traces() {
 TEST(M68000Bus, InstructionsAccessTheBusInTheirOrder) {
     for (const TRACE& trace : Traces()) {
         SCOPED_TRACE(trace.name);
-        TEST_68000 rig{};
-        for (uint32_t i = 0; i < trace.words.size(); ++i) {
-            rig.SetWord(kProgram + 2 * i, trace.words[i]);
-        }
-        rig.cpu.prefetchData = trace.words[0];
+        TEST_68000 rig(trace.words);
         rig.SetStatus(0x2700);
         rig.D(0) = 0x11223344;
         rig.A(0) = 0x2000;
@@ -136,11 +132,7 @@ const std::vector<FAULT>& Faults() {
 TEST(M68000Bus, AnOddAccessLeavesTheInstructionWithItsAddressModeAndCode) {
     for (const FAULT& fault : Faults()) {
         SCOPED_TRACE(fault.name);
-        TEST_68000 rig{};
-        for (uint32_t i = 0; i < fault.words.size(); ++i) {
-            rig.SetWord(kProgram + 2 * i, fault.words[i]);
-        }
-        rig.cpu.prefetchData = fault.words[0];
+        TEST_68000 rig(fault.words);
         rig.SetStatus(fault.status);
         rig.A(0) = 0x2001;
         rig.A(7) = fault.a7;

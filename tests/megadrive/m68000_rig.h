@@ -24,7 +24,9 @@ struct TEST_68000 {
     static constexpr uint32_t kSize = 0x100000;
 
     // The words lie at kProgram; everything behind them is 0. Reset has been done, and logs nothing.
-    explicit TEST_68000(std::initializer_list<uint32_t> program) {
+    explicit TEST_68000(std::initializer_list<uint32_t> program)
+        : TEST_68000(std::vector<uint32_t>(program)) {}
+    explicit TEST_68000(const std::vector<uint32_t>& program) {
         SetLong(0, kStack);
         SetLong(4, kProgram);
         for (uint32_t vector = 2; vector < 256; ++vector) {

@@ -25,11 +25,7 @@ struct ROW {
 void RunRows(const std::vector<ROW>& rows) {
     for (const ROW& row : rows) {
         SCOPED_TRACE(row.name);
-        TEST_68000 rig{};
-        for (uint32_t i = 0; i < row.words.size(); ++i) {
-            rig.SetWord(kProgram + 2 * i, row.words[i]);
-        }
-        rig.cpu.prefetchData = row.words[0];
+        TEST_68000 rig(row.words);
         rig.D(0) = row.d0;
         rig.D(1) = row.d1;
         rig.SetStatus(0x2700 | row.before);
@@ -211,11 +207,7 @@ TEST(M68000, ExtraClocksReachTheCounterAlone) {
     };
     for (const EXTRA& extra : extras) {
         SCOPED_TRACE(extra.name);
-        TEST_68000 rig{};
-        for (uint32_t i = 0; i < extra.words.size(); ++i) {
-            rig.SetWord(kProgram + 2 * i, extra.words[i]);
-        }
-        rig.cpu.prefetchData = extra.words[0];
+        TEST_68000 rig(extra.words);
         rig.SetStatus(0x2700);
         rig.D(0) = 63;
         rig.A(1) = 0x2000;

@@ -177,16 +177,21 @@ public:
         return bytes;
     }
 
-    std::vector<int> Read(uint32_t address, int count) {
+    // Up to the first bit of the data.
+    void StartReading(uint32_t address) {
         if (row.addressBits == 7) {
             Start();
             EXPECT_TRUE(Send(static_cast<int>(address << 1 | 1)));
-        } else {
-            Address(address);
-            Start();
-            EXPECT_TRUE(
-                Send(row.addressBits == 16 ? 0xA1 : static_cast<int>(0xA1 | address >> 8 << 1)));
+            return;
         }
+        Address(address);
+        Start();
+        EXPECT_TRUE(
+            Send(row.addressBits == 16 ? 0xA1 : static_cast<int>(0xA1 | address >> 8 << 1)));
+    }
+
+    std::vector<int> Read(uint32_t address, int count) {
+        StartReading(address);
         return Continue(count);
     }
 
@@ -428,14 +433,7 @@ TEST(MdEeprom, ReadWithoutAcknowledgeLetsTheLineGo) {
         rig.Write(0, {0, 0, 0, 0});
         EXPECT_EQ(rig.Read(0, 1), Bytes{0});
         // A start alone wakes it again.
-        if (row.addressBits == 7) {
-            rig.Start();
-            EXPECT_TRUE(rig.Send(1));
-        } else {
-            rig.Address(0);
-            rig.Start();
-            EXPECT_TRUE(rig.Send(0xA1));
-        }
+        rig.StartReading(0);
         EXPECT_EQ(rig.Receive(false), 0);
         EXPECT_EQ(rig.Part().state, kMdEepromStandBy);
         EXPECT_EQ(rig.Receive(true), 0xFF) << row.code;
@@ -450,14 +448,7 @@ TEST(MdEeprom, AskingTheLineTwiceMovesNothing) {
         EepromRig rig(row);
         rig.Write(0, {0x01, 0x80, 0x55});
         static_cast<void>(rig.Read(0, 1));
-        if (row.addressBits == 7) {
-            rig.Start();
-            EXPECT_TRUE(rig.Send(1));
-        } else {
-            rig.Address(0);
-            rig.Start();
-            EXPECT_TRUE(rig.Send(0xA1));
-        }
+        rig.StartReading(0);
         for (const int byte : {0x01, 0x80, 0x55}) {
             for (int bit = 7; bit >= 0; --bit) {
                 EXPECT_EQ(rig.Line(), byte >> bit & 1) << row.code;

@@ -687,11 +687,49 @@ TEST(MegaDriveFrame, AddressErrorEndsTheMachineWithWords) {
     EXPECT_FALSE(machine->ended);
 }
 
+// The chips that wait in the fast loop have their time before the machine stands still.
+TEST(MegaDriveFrame, AddressErrorLeavesTheSameStateInBothLoops) {
+    MdProgram program;
+    program.Words({0x303C, 999, 0x51C8, 0xFFFE, 0x3039})
+        .Long(0xFF0001); // 1000 rounds of dbra; move.w
+    std::vector<std::vector<uint8_t>> states;
+    for (const bool plain : {false, true}) {
+        const auto machine = StartMd(program);
+        machine->SetStepByStep(plain);
+        MACHINE_RIG rig;
+        rig.Frame(*machine);
+        EXPECT_TRUE(machine->ended);
+        uint32_t size = 0;
+        const StateBlob blob = machine->SaveState(size);
+        states.emplace_back(blob.get(), blob.get() + size);
+    }
+    EXPECT_TRUE(states[0] == states[1]);
+}
+
 TEST(MegaDriveFrame, OddResetVectorEndsTheMachine) {
     const auto machine = StartMd(MdProgram().PutLong(4, 0x201).Stop());
     MACHINE_RIG rig;
     rig.Frame(*machine);
     EXPECT_TRUE(machine->ended);
+}
+
+// An opcode that there isn't takes no time, so a routine for it that begins with another one never gets on. The
+// frame ends all the same, at the same place of both loops.
+TEST(MegaDriveFrame, EndsThoughItsInstructionsTakeNoTime) {
+    constexpr int kNoSuchOpcode = 0x4E78;
+    const MdProgram program =
+        MdProgram().PutLong(0x10, kMdCodeStart).Words({kNoSuchOpcode, kNoSuchOpcode});
+    ASSERT_EQ(m68kCycles[kNoSuchOpcode], 0);
+    const auto fast = StartMd(program);
+    const auto plain = StartMd(program);
+    plain->SetStepByStep(true);
+    MACHINE_RIG rig;
+    for (CMegaDrive* machine : {fast.get(), plain.get()}) {
+        rig.Frames(*machine, 2);
+        EXPECT_FALSE(machine->ended);
+        EXPECT_EQ(rig.video.height, 224U + 16);
+    }
+    EXPECT_EQ(fast->Console().cpu.regs[kM68kA7], plain->Console().cpu.regs[kM68kA7]);
 }
 
 } // namespace

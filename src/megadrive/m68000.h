@@ -14,10 +14,10 @@
 //   answers with a vector, kM68kAutovector, kM68kSpurious, or any other value above 255 to drop the
 //   interrupt. stopped is also written by the video chip, which holds the processor off the bus with it.
 // Order: zero the record, set owner, intAck, the seven bus callbacks and the pages, M68kReset, then M68kStep.
-// Differs from the real part, all settled:
+// Differs from the real part, all kept on purpose:
 //   - Data-dependent clocks (shift counts, MOVEM registers, taken branches, exceptions, multiply and divide)
-//     reach no clock. Handlers subtract them from cyclesLeft, which nothing reads. An opcode that is none
-//     costs 0, and so does RESET.
+//     reach no clock. Handlers subtract them from cyclesLeft, which a reset and STOP lower to 0 when it is
+//     above and nothing else reads. An opcode that is none costs 0, and so does RESET.
 //   - stopped is shared: STOP ends when the video chip next writes 0, and no interrupt is looked at before.
 //   - An address error builds no frame and takes no vector: it throws M68K_ADDRESS_ERROR out of the step.
 //   - An exception vector that holds 0 is replaced by vector 15.
@@ -25,6 +25,8 @@
 //   - A DIVU or DIVS that overflows sets N and clears Z, as measured on chips, where the manual has no rule.
 //   - TAS writes its operand back as the chip does. This console's bus is said to lose that write; that is
 //     not carried out here.
+// As the part and unlike later types: a branch whose displacement byte is 0xFF is a byte branch by -1, which
+//   has no extension words and leads to an odd address, the next step's address error.
 #pragma once
 
 #include <array>
@@ -85,7 +87,7 @@ struct M68K_STATE {
     uint32_t prefetchAddr = 0; // of the word in prefetchData
     uint32_t prefetchData = 0;
     uint32_t srMask = 0;    // implemented bits of the status word
-    uint32_t instrMode = 0; // 8 since the first exception
+    uint32_t instrMode = 0; // 8 since the first exception or acknowledgement; not read
     uint32_t runMode = 0;
     // Changes to an instruction's time; all of them end in cyclesLeft.
     int32_t cycBranchByte = 0; // branch not taken
@@ -98,7 +100,7 @@ struct M68K_STATE {
     int32_t cycShift = 0; // left shift of the number of places
     int32_t cycReset = 0;
     int32_t intCycles = 0;
-    int32_t cyclesLeft = 0; // written only; wraps
+    int32_t cyclesLeft = 0; // counts down and wraps; a reset and STOP lower it to 0
     uint32_t spare0 = 0;    // saved, otherwise unused
     uint32_t spare1 = 0;
     std::array<uint8_t, 256>

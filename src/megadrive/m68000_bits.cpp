@@ -43,8 +43,9 @@ void Bit(M68K_STATE& cpu) {
     }
 }
 
-// Shifts take `count` 0 to 63 and a value with its upper bits clear, give the result, and set X and C; the
-// caller sets N and Z. A count of 0 clears C and leaves X, but for the rotates through X.
+// Shifts take `count` 0 to 63 and a value with its upper bits clear, and give the result. All set C, all but
+// the plain rotates X, and ASL V; the caller clears V before and sets N and Z behind. A count of 0 leaves X
+// and clears C, which a rotate through X sets to X instead.
 void CarryOut(M68K_STATE& cpu, uint32_t count, uint64_t lastBit) {
     cpu.c = count != 0 && (lastBit & 1) != 0 ? kM68kFlagC : 0;
 }

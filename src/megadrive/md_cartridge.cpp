@@ -151,7 +151,6 @@ void MdCartSetup(MD_CARTRIDGE& cart, std::span<const uint8_t> image) {
     cart.sram.reset();
     cart.eeprom.reset();
     cart.svp.reset();
-    cart.changed = false;
     cart.title = FoldBlanks(header.Text(kTitleOffset, kTitleBytes));
     cart.productCode = header.Text(kProductOffset, kProductBytes);
     LayOut(cart, header);
@@ -180,6 +179,8 @@ std::span<uint8_t> MdCartSaveData(MD_CARTRIDGE& cart) {
     if (start >= end) {
         return {};
     }
-    const size_t used = (end - start + 1) & ~size_t{1}; // whole words
+    // Counted from an odd address, a word at the very last address reaches a byte further.
+    const size_t reached = end - start + (start & 1);
+    const size_t used = (reached + 1) & ~size_t{1};
     return std::span(cart.sram->data).first(std::min(used, kMdSramBytes));
 }

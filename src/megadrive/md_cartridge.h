@@ -73,9 +73,6 @@ struct MD_CARTRIDGE {
     std::unique_ptr<MD_SRAM> sram;
     std::unique_ptr<MD_EEPROM> eeprom;
     std::unique_ptr<MD_SVP> svp;
-
-    // The bytes of MdCartSaveData may differ from what they were when somebody last cleared this.
-    bool changed = false;
 };
 
 // Takes an image as it comes from the file, bytes in 68000 order, and resets the cartridge.
@@ -104,8 +101,8 @@ inline void MdCartSvpHook(MD_CARTRIDGE& cart, uint32_t masterClocks) {
     SvpRun(*cart.svp, static_cast<int32_t>(masterClocks / kClocksACycle * kInstructionsACycle));
 }
 
-// The contents of battery RAM or EEPROM that are worth a file; empty without either. Words of battery
-// RAM have their low byte first.
+// The contents of battery RAM or EEPROM that are worth a file: whatever an access can reach, in whole words;
+// empty without either. Words of battery RAM have their low byte first.
 [[nodiscard]] std::span<uint8_t> MdCartSaveData(MD_CARTRIDGE& cart);
 
 // The state piece. What the header decided isn't taken from a state: a cartridge keeps its own.

@@ -57,7 +57,6 @@ void WriteSramByte(MD_CARTRIDGE& cart, uint32_t address, uint8_t value) {
     MD_SRAM& sram = *cart.sram;
     if (InRange(sram, address)) {
         sram.data[SramOffset(sram, address) ^ 1] = value;
-        cart.changed = true;
     }
 }
 
@@ -71,7 +70,6 @@ void WriteSramWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
     if (offset + 1 < kMdSramBytes) {
         sram.data[offset + 1] = static_cast<uint8_t>(value >> 8);
     }
-    cart.changed = true;
 }
 
 uint32_t WordOf(uint32_t lineAddress) {
@@ -95,14 +93,14 @@ uint16_t ReadEepromWord(MD_CARTRIDGE& cart, uint32_t address) {
 void WriteEepromByte(MD_CARTRIDGE& cart, uint32_t address, uint8_t value) {
     MD_EEPROM& eeprom = *cart.eeprom;
     if (address == eeprom.sclAddress || address == eeprom.sdaInAddress) {
-        cart.changed |= MdEepromWrite(eeprom, address, value, false);
+        MdEepromWrite(eeprom, address, value, false);
     }
 }
 
 void WriteEepromWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
     MD_EEPROM& eeprom = *cart.eeprom;
     if (address == WordOf(eeprom.sclAddress) || address == WordOf(eeprom.sdaInAddress)) {
-        cart.changed |= MdEepromWrite(eeprom, address, value, true);
+        MdEepromWrite(eeprom, address, value, true);
     }
 }
 

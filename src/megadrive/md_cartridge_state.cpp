@@ -85,12 +85,8 @@ uint32_t MdCartLoadState(MD_CARTRIDGE& cart, const uint8_t* data, uint32_t size)
     }
     const uint32_t used =
         WithFields(cart, [&](auto&& fields) { return StatePieceRead(data, size, fields); });
-    if (used == 0 || cart.cartKind == kMdCartPlain) {
-        return used;
-    }
-    if (cart.cartKind == kMdCartEeprom) {
+    if (used != 0 && cart.cartKind == kMdCartEeprom) {
         MakeSafe(*cart.eeprom);
     }
-    cart.changed = true;
     return used;
 }

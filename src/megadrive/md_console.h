@@ -11,7 +11,7 @@
 // Order of calls: MdConnect once a cartridge is in (MdCartSetup), MdReset, then MdRunFrame.
 // Differs: the Z80 pays its whole debt of an instruction in the first rounds of it; giving the Z80's bus
 //   away and back moves it by three clocks at once; reads of nothing give the word at the 68000's
-//   program counter; an acknowledged horizontal interrupt drops a waiting vertical one. All settled.
+//   program counter; an acknowledged horizontal interrupt drops a waiting vertical one. All kept on purpose.
 #pragma once
 
 #include "megadrive/m68000.h"
@@ -29,7 +29,7 @@
 inline constexpr uint32_t kMdClock60 = 53693175; // Hz
 inline constexpr uint32_t kMdClock50 = 53203425;
 inline constexpr uint32_t kMdCycleClocks = 7; // master clocks of a 68000 cycle
-inline constexpr int32_t kMdZ80Clocks = 15;  // of a Z80 clock
+inline constexpr int32_t kMdZ80Clocks = 15;   // of a Z80 clock
 inline constexpr size_t kMdWorkRamBytes = 65536;
 inline constexpr size_t kMdZ80RamBytes = 8192;
 inline constexpr uint32_t kMdAddressMask = 0xFFFFFF;

@@ -114,16 +114,13 @@ void EndByte(MD_EEPROM& eeprom) {
     }
 }
 
-// True when a byte was stored.
-bool FallingClock(MD_EEPROM& eeprom) {
+void FallingClock(MD_EEPROM& eeprom) {
     if (eeprom.state < kMdEepromDevice) {
-        return false;
+        return;
     }
-    bool stored = false;
     if (eeprom.cycle == kLastDataClock && eeprom.state >= kMdEepromWriting) {
         if (eeprom.state == kMdEepromWriting) {
             Cell(eeprom) = eeprom.shift;
-            stored = true;
         }
         NextAddress(eeprom);
     }
@@ -133,7 +130,6 @@ bool FallingClock(MD_EEPROM& eeprom) {
         eeprom.cycle = 1;
         EndByte(eeprom);
     }
-    return stored;
 }
 
 } // namespace
@@ -165,10 +161,9 @@ void MdEepromReset(MD_EEPROM& eeprom) {
     eeprom.shift = 0;
 }
 
-bool MdEepromWrite(MD_EEPROM& eeprom, uint32_t address, uint16_t value, bool word) {
+void MdEepromWrite(MD_EEPROM& eeprom, uint32_t address, uint16_t value, bool word) {
     TakeLine(eeprom.scl, eeprom.sclAddress, eeprom.sclBit, address, value, word);
     TakeLine(eeprom.sda, eeprom.sdaInAddress, eeprom.sdaInBit, address, value, word);
-    bool stored = false;
     if (eeprom.oldScl != 0 && eeprom.scl != 0) {
         if (eeprom.oldSda != 0 && eeprom.sda == 0) {
             Start(eeprom);
@@ -178,11 +173,10 @@ bool MdEepromWrite(MD_EEPROM& eeprom, uint32_t address, uint16_t value, bool wor
     } else if (eeprom.scl != 0) {
         RisingClock(eeprom);
     } else if (eeprom.oldScl != 0) {
-        stored = FallingClock(eeprom);
+        FallingClock(eeprom);
     }
     eeprom.oldScl = eeprom.scl;
     eeprom.oldSda = eeprom.sda;
-    return stored;
 }
 
 uint16_t MdEepromRead(const MD_EEPROM& eeprom, bool word) {

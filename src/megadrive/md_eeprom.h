@@ -9,7 +9,7 @@
 // Differs: the page of a page write is as large as the part. A byte is stored as its eighth clock ends,
 //   with no write time. The device code isn't checked. Address bits that come with the device byte are
 //   ORed to the counter, so a sequential access of a part with such bits stays in the block of 256 bytes
-//   it named, unless that is the first one. All of it is settled.
+//   it named, unless that is the first one. All of it is kept on purpose.
 // Sources: published data sheets of the parts.
 #pragma once
 
@@ -76,8 +76,8 @@ void MdEepromInit(MD_EEPROM& eeprom, const MD_EEPROM_DEVICE& device);
 // Lines and protocol start anew; the contents stay.
 void MdEepromReset(MD_EEPROM& eeprom);
 
-// A write of a byte, or of a word, to an address that holds a line. True when it changed the contents.
-bool MdEepromWrite(MD_EEPROM& eeprom, uint32_t address, uint16_t value, bool word);
+// A write of a byte, or of a word, to an address that holds a line.
+void MdEepromWrite(MD_EEPROM& eeprom, uint32_t address, uint16_t value, bool word);
 
 // The byte, or the word, with the data line in its place and zeros around it.
 [[nodiscard]] uint16_t MdEepromRead(const MD_EEPROM& eeprom, bool word);

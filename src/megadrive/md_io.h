@@ -8,7 +8,7 @@
 // Owner: one machine, on its session's thread. `now` in all functions is the running count of processor
 //   cycles, which may wrap.
 // Differs: a pin that the console drives itself doesn't come back in a pad's read, and every port answers
-//   at once. Settled.
+//   at once. Kept on purpose.
 #pragma once
 
 #include <array>

@@ -17,13 +17,21 @@
 // Differs: there is no Master System mode, register 1 bit 2 clear only blocks the registers from 11 on;
 //   a sprite line is drawn in one go at the end of the line before; a link of 0 goes round instead of
 //   ending the walk, and sprite 79 ends it; the visible limit itself sets the overflow flag; reads take
-//   no slot; a fill always goes to VRAM; in a double interlaced picture the row above the last one drawn
-//   is darkened in odd fields. All settled.
+//   no slot; a fill always goes to VRAM; in a double interlaced picture a line of an odd field darkens the
+//   row that the line before has drawn, two above its own. All kept on purpose.
 //   Chosen by how the real part behaves: the whole-plane vertical scroll is latched once a line, the one
 //   of column pairs is read as the pair is fetched; the partial first cell takes the scroll of the first
-//   pair; a pixel of plane A never shows in a window column; a line without display fetches no cells;
-//   sprite rows of double interlace have ten bits; in a step with both, the access slot comes before the
-//   event; a walk looks at links and the visible limit as it leaves a sprite, at dots after each 8.
+//   pair; beside the window plane A goes on as if there were none, and none of its pixels shows in a window
+//   column; sprite rows of double interlace have ten bits; in a step with both, the access slot comes
+//   before the event; a walk looks at links and the visible limit as it leaves a sprite, at dots after each
+//   8; a data write clears the FIFO's empty flag.
+//   Chosen without a source: a dot goes out in the step of its own `hCount`, behind that step's slot or
+//   event; the rows of the lower border are drawn, for the bound of a row is on the line; a reset clears the
+//   whole record but wiring, picture, tvMode and svpDmaQuirk.
+//   A line without display fetches its cells at 40 cells, where its dots hide them as they go out, so that
+//   the planes are there from the very dot on at which the display comes on. At 32 cells dots hide nothing:
+//   such a line fetches none, goes on showing its sprites and what was fetched before the display went off,
+//   and has planes again from the next fetch on.
 #pragma once
 
 #include <array>
@@ -95,7 +103,7 @@ struct MD_VDP_SPRITE_WALK {
     uint32_t visible; // sprites on the line
     uint32_t seen;    // sprites looked at
     uint32_t index;   // 0..79
-    uint32_t step;    // in words of two bytes: 0 Y, 2 size, 4 attributes, 6 X, 8 to 22 patterns
+    uint32_t step;    // byte read next: 0 Y, 2 size and link, 4 attributes, 6 X, 8 to 22 patterns
     uint32_t dots;    // pixels of sprites, drawn or not
     uint32_t flags;   // kMdVdpWalk bits
 };
@@ -111,7 +119,7 @@ struct MD_VDP {
     uint32_t windowWidth;
     uint32_t planeHeight;
     uint32_t planeABase, planeBBase, windowBase, hscrollBase, spriteBase; // byte addresses
-    uint32_t backdropX;           // next column of the backdrop buffer
+    uint32_t backdropX;           // column behind the fetched backdrop, or of a blanked line's dot
     uint32_t border;              // picture rows above the active picture
     uint32_t activeHeight;        // 224 or 240 lines, set at the end of a frame
     uint32_t h40;                 // 1 for 40 cells, set at the end of a line
@@ -177,7 +185,7 @@ struct MD_VDP {
 // kMdVdp60Hz or kMdVdp50Hz.
 void MdVdpInit(MD_VDP& vdp, void* owner, MdVdpRaiseIrq raiseIrq, MdVdpDmaRead dmaRead,
                uint32_t* zIntLine, uint32_t* stall, uint32_t tvMode);
-// Power-on values; wiring, tvMode and svpDmaQuirk stay.
+// Power-on values; wiring, picture, tvMode and svpDmaQuirk stay.
 void MdVdpReset(MD_VDP& vdp);
 
 // Hands over the picture, kMdVdpPixels pixels; rows are as long as the picture is wide. Null draws

@@ -160,11 +160,17 @@ bool StartPlane(uint32_t scroll, uint32_t& x, uint32_t& column) {
     return true;
 }
 
+// Without display the dots at 40 cells clear what was drawn for them as they go out, so that a line whose
+// display comes on shows its planes from that dot on. Those at 32 cells don't, and nothing is drawn there.
+bool DrawsCells(const MD_VDP& vdp) {
+    return vdp.line < vdp.activeHeight && (vdp.h40 != 0 || MdVdpDisplayOn(vdp));
+}
+
 } // namespace
 
 void MdVdpStartLine(MD_VDP& vdp) {
     MarkWindow(vdp);
-    const bool draws = vdp.blanked == 0;
+    const bool draws = DrawsCells(vdp);
     const bool partA = StartPlane(vdp.hScrollA, vdp.planeAX, vdp.planeAColumn);
     if (partA && draws && !IsWindow(vdp, 0)) {
         const Cell cell = FetchCell(vdp, vdp.planeABase, vdp.planeWidth, vdp.planeAColumn - 1,
@@ -186,12 +192,10 @@ void MdVdpFetchCells(MD_VDP& vdp) {
     if (left + 2 > vdp.windowColumn.size()) {
         return;
     }
-    // Without display the cells pass unseen, so that a line switched on again is in its place.
-    const bool draws = MdVdpDisplayOn(vdp);
-    if (draws) {
-        std::fill_n(&vdp.backdropLine[size_t{left} * kCell], 2 * kCell, vdp.cram[vdp.regs[7] & 63]);
-        vdp.backdropX = (left + 2) * kCell;
-    }
+    std::fill_n(&vdp.backdropLine[size_t{left} * kCell], 2 * kCell, vdp.cram[vdp.regs[7] & 63]);
+    vdp.backdropX = (left + 2) * kCell;
+    // Cells that aren't drawn pass all the same, so that a line switched on again is in its place.
+    const bool draws = DrawsCells(vdp);
     const uint32_t scrollA = VScroll(vdp, left / 2, 0);
     const uint32_t scrollB = VScroll(vdp, left / 2, 1);
     for (uint32_t column = left; draws && column < left + 2; ++column) {

@@ -16,7 +16,7 @@ inline constexpr uint8_t kMdVdpReg1VInterrupt = 0x20;
 inline constexpr uint8_t kMdVdpReg1Display = 0x40;
 inline constexpr uint8_t kMdVdpReg11ColumnScroll = 0x04;
 
-// Codes of the command, by what is written; reads are one less where the bits say so.
+// Codes of the command: its low four bits, and the bit that begins a DMA.
 inline constexpr uint32_t kMdVdpCodeReadVram = 0;
 inline constexpr uint32_t kMdVdpCodeVram = 1;
 inline constexpr uint32_t kMdVdpCodeCram = 3;

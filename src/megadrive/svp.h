@@ -10,7 +10,7 @@
 // Waits: the game's idle loops stand at known addresses. A read that would find nothing there stops the
 //   processor until the 68000 writes what the loop waits for.
 // Differs: starts at word 0x400 without the internal ROM; no interrupts, general pins, saturation or
-//   multiply shift; of the flags only Z and N are kept. All of it is settled.
+//   multiply shift; of the flags only Z and N are kept. All of it is kept on purpose.
 // Sources: published register and operand descriptions of the SSP1601; the layout of the external
 //   memory modes as far as the game's own program uses them.
 #pragma once

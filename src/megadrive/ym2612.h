@@ -22,7 +22,9 @@
 //   attenuation and pitch in force. Vibrato that carries past F-number 2,047 goes on low in the next
 //   block. While an SSG envelope runs, its level is turned over by the alternate bit alone, and to
 //   1,023 - level; only key presses, levels that are written and the ends of a ramp go by the part's
-//   own rule (512 - level, by the attack bit and the ramp's turn). These are settled.
+//   own rule (512 - level, by the attack bit and the ramp's turn). A rate with its key scale of 94 and
+//   above stops the steps of an attack alone; the other rates there step at their fastest. A slot that
+//   was cleared is silent, at volume 1,023. These are kept on purpose.
 #pragma once
 
 #include "audio/resampler.h"

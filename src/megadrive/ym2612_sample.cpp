@@ -261,7 +261,7 @@ inline void StepEnvelope(uint32_t counter, YM2612_SLOT& slot) {
     case Ym2612Envelope::kAttack: StepAttack(counter, slot); break;
     }
     auto volume = static_cast<uint32_t>(slot.volume);
-    // Settled: a running shape goes by the alternate bit here, whatever its turn.
+    // Kept on purpose: a running shape goes by the alternate bit here, whatever its turn.
     constexpr uint8_t kTurned = kYm2612SsgOn | kYm2612SsgAlternate;
     if ((slot.ssg & kTurned) == kTurned && slot.state > Ym2612Envelope::kRelease) {
         volume ^= 1023;

@@ -40,7 +40,6 @@ extern const std::array<std::array<int32_t, 32>, 8> kYm2612Detune;
 extern const std::array<uint16_t, 16> kYm2612SustainLevel;
 
 // Envelope increments, a row of eight per kind of rate.
-inline constexpr uint8_t kYm2612StepFastest = 16 * 8;
 inline constexpr uint8_t kYm2612StepNever = 18 * 8;
 extern const std::array<uint8_t, size_t{19} * 8> kYm2612Steps;
 

@@ -73,6 +73,30 @@ TEST(M68000Exception, ReadsItsVectorBeforeItPushesAddressAndStatus) {
     EXPECT_EQ(rig.TakeLog(), "f 1002 0000; rl 84 00004210; wl 7FFC 00001002; ww 7FFA 2704; ");
 }
 
+TEST(M68000Exception, AVectorThatHoldsZeroFallsBackToTheUninitialisedOne) {
+    struct ROW {
+        uint32_t opcode;
+        uint32_t vector;
+        const char* bus;
+    };
+    for (const ROW& row : {
+             ROW{0x4E41, 33,
+                 "f 1002 0000; rl 84 00000000; rl 3C 000040F0; wl 7FFC 00001002; ww 7FFA 2700; "},
+             ROW{0x4AFC, 4,
+                 "f 1002 0000; rl 10 00000000; rl 3C 000040F0; wl 7FFC 00001000; ww 7FFA 2700; "},
+             ROW{0xA000, 10,
+                 "f 1002 0000; rl 28 00000000; rl 3C 000040F0; wl 7FFC 00001000; ww 7FFA "
+                 "2700; "                                                                       }
+    }) {
+        TEST_68000 rig{row.opcode};
+        rig.SetStatus(0x2700);
+        rig.SetLong(row.vector * 4, 0);
+        EXPECT_EQ(rig.Step(), 4U);
+        EXPECT_EQ(rig.cpu.pc, HandlerOf(15));
+        EXPECT_EQ(rig.TakeLog(), row.bus);
+    }
+}
+
 TEST(M68000Exception, FromUserStateItUsesTheSupervisorStackAndKeepsTheStatusAsItWas) {
     TEST_68000 rig{0x4E40};
     rig.EnterUserState();
@@ -337,6 +361,47 @@ TEST(M68000Interrupt, LineSevenIsAnEdgeThatNoMaskHolds) {
     EXPECT_EQ(rig.cpu.nmiPending, 0U);
     M68kSetIrqLine(rig.cpu, 7, 1);
     EXPECT_EQ(rig.cpu.nmiPending, 1U);
+}
+
+// Before the interrupt is taken: the mark is set by the first rise, and a second one leaves just one.
+TEST(M68000Interrupt, LineSevenRaisedTwiceIsTakenOnce) {
+    TEST_68000 rig{kNop, kNop};
+    rig.SetWord(HandlerOf(31), kNop);
+    M68kSetIrqLine(rig.cpu, 7, 1);
+    M68kSetIrqLine(rig.cpu, 7, 1);
+    M68kSetIrqLine(rig.cpu, 7, 0);
+    M68kSetIrqLine(rig.cpu, 7, 1);
+    EXPECT_EQ(rig.cpu.nmiPending, 1U);
+    EXPECT_EQ(rig.Step(), 44U);
+    EXPECT_EQ(rig.Step(), 4U); // the handler's first instruction, not the interrupt again
+    EXPECT_EQ(rig.cpu.pc, HandlerOf(31) + 2);
+    EXPECT_EQ(rig.acknowledged, (std::vector<uint32_t>{7}));
+}
+
+// The mark is gone with the acknowledgement, so that a dropped level 7 isn't asked for again. That the line
+// is still up raises no mask of 7.
+TEST(M68000Interrupt, ADroppedLevelSevenIsNotAskedAgain) {
+    TEST_68000 rig{kNop, kNop};
+    rig.answer = 256;
+    M68kSetIrqLine(rig.cpu, 7, 1);
+    EXPECT_EQ(rig.Step(), 1U);
+    EXPECT_EQ(rig.cpu.nmiPending, 0U);
+    EXPECT_EQ(rig.cpu.pc, kProgram);
+    EXPECT_EQ(rig.A(7), kStack);
+    EXPECT_EQ(rig.Step(), 4U);
+    EXPECT_EQ(rig.cpu.pc, kProgram + 2);
+    EXPECT_EQ(rig.acknowledged, (std::vector<uint32_t>{7}));
+}
+
+// A mask below 7 lets the line itself through, mark or not.
+TEST(M68000Interrupt, ADroppedLevelSevenIsAskedAgainByItsLineUnderALowerMask) {
+    TEST_68000 rig{kNop};
+    rig.answer = 256;
+    rig.SetStatus(0x2600);
+    M68kSetIrqLine(rig.cpu, 7, 1);
+    EXPECT_EQ(rig.Step(), 1U);
+    EXPECT_EQ(rig.Step(), 1U);
+    EXPECT_EQ(rig.acknowledged, (std::vector<uint32_t>{7, 7}));
 }
 
 TEST(M68000Interrupt, FromUserStateRteReturnsToIt) {

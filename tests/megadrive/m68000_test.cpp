@@ -134,6 +134,121 @@ TEST(M68000, TasWritesMemoryBack) {
     EXPECT_EQ(rig.Conditions() & (kN | kZ), kZ);
 }
 
+// The flags are those of the byte as it was; X stays.
+TEST(M68000, TasTestsTheByteBeforeItSetsItsTopBit) {
+    constexpr uint32_t kTas = 0x4AC1; // of D1
+    RunRows({
+        {"zero",     {kTas}, 0, 0x12345600, kX | kN | kV | kC, 0x12345680, kX | kZ},
+        {"positive", {kTas}, 0, 0xFFFFFF7F, kZ | kV | kC,      0xFFFFFFFF, 0      },
+        {"negative", {kTas}, 0, 0x00000081, kX | kZ,           0x00000081, kX | kN}
+    });
+}
+
+TEST(M68000, TasThroughA7MovesItByTwoAndWritesTheHighByte) {
+    struct STEP {
+        uint32_t opcode;
+        uint32_t from;
+        uint32_t to;
+        const char* bus;
+    };
+    for (const STEP& step : {
+             STEP{0x4ADF, 0x2000, 0x2002, "f 1002 0000; rb 2000 47; wb 2000 C7; "}, // (A7)+
+             STEP{0x4AE7, 0x2002, 0x2000, "f 1002 0000; rb 2000 47; wb 2000 C7; "}  // -(A7)
+    }) {
+        TEST_68000 rig{step.opcode};
+        rig.SetStatus(0x271F);
+        rig.A(7) = step.from;
+        rig.SetWord(0x2000, 0x4755);
+        rig.Step();
+        EXPECT_EQ(rig.A(7), step.to);
+        EXPECT_EQ(rig.Word(0x2000), 0xC755U);
+        EXPECT_EQ(rig.Conditions(), kX);
+        EXPECT_EQ(rig.TakeLog(), step.bus);
+    }
+}
+
+// The frame is pushed as it was before the push, which the chip does with A7, too.
+TEST(M68000, LinkOfA7PushesItAsItWas) {
+    TEST_68000 rig{0x4E57, 0xFFF8}; // LINK A7,#-8
+    EXPECT_EQ(rig.Step(), 16U);
+    EXPECT_EQ(rig.Long(kStack - 4), kStack);
+    EXPECT_EQ(rig.A(7), kStack - 4 - 8);
+}
+
+TEST(M68000, UnlkOfA7LoadsItFromItsTopWithoutTheStep) {
+    TEST_68000 rig{0x4E5F};
+    rig.SetLong(kStack, 0x00012344);
+    EXPECT_EQ(rig.Step(), 12U);
+    EXPECT_EQ(rig.A(7), 0x00012344U);
+}
+
+TEST(M68000, UnlkUndoesLink) {
+    TEST_68000 rig{0x4E56, 0xFF00, 0x4E5E}; // LINK A6,#-256; UNLK A6
+    rig.A(6) = 0x89ABCDEF;
+    rig.Step();
+    EXPECT_EQ(rig.A(6), kStack - 4);
+    EXPECT_EQ(rig.A(7), kStack - 4 - 256);
+    rig.Step();
+    EXPECT_EQ(rig.A(6), 0x89ABCDEFU);
+    EXPECT_EQ(rig.A(7), kStack);
+}
+
+// Every second byte, from the displaced address on; a word leaves the upper half of its register.
+TEST(M68000, MovepLoadsEverySecondByteTheHighestFirst) {
+    struct LOAD {
+        uint32_t opcode;
+        uint32_t displacement;
+        uint32_t clocks;
+        uint32_t result;
+        const char* bus;
+    };
+    for (const LOAD& load : {
+             LOAD{0x0308, 0x0001, 16, 0xFFFF22AA, "rb 2001 22; rb 2003 AA; "},
+             LOAD{0x0348, 0x0001, 24, 0x22AA4466,
+                  "rb 2001 22; rb 2003 AA; rb 2005 44; rb 2007 66; "        },
+             LOAD{0x0308, 0xFFFE, 16, 0xFFFF7711, "rb 1FFE 77; rb 2000 11; "}
+    }) {
+        TEST_68000 rig{load.opcode, load.displacement};
+        rig.SetWord(0x1FFE, 0x7788);
+        rig.SetLong(0x2000, 0x112299AA);
+        rig.SetLong(0x2004, 0x33445566);
+        rig.SetStatus(0x271F);
+        rig.A(0) = 0x2000;
+        rig.D(1) = 0xFFFFFFFF;
+        EXPECT_EQ(rig.Step(), load.clocks);
+        EXPECT_EQ(rig.D(1), load.result);
+        EXPECT_EQ(rig.A(0), 0x2000U);
+        EXPECT_EQ(rig.Conditions(), 0x1FU);
+        const std::string bus = rig.TakeLog();
+        EXPECT_EQ(bus.substr(bus.find("rb")), load.bus);
+    }
+}
+
+TEST(M68000, ExgSwapsWholeRegistersOfBothKinds) {
+    struct SWAP {
+        uint32_t opcode;
+        uint32_t first; // of D0 to A7
+        uint32_t second;
+    };
+    for (const SWAP& swap : {
+             SWAP{0xC741, 3,  1 }, // D3,D1
+             SWAP{0xC74F, 11, 15}, // A3,A7
+             SWAP{0xC78A, 3,  10}  // D3,A2
+    }) {
+        TEST_68000 rig{swap.opcode};
+        for (uint32_t i = 0; i < 16; ++i) {
+            rig.cpu.regs[i] = 0x80010000 + i * 0x101;
+        }
+        std::array<uint32_t, 16> expected = rig.cpu.regs;
+        expected[swap.first] = 0x80010000 + swap.second * 0x101;
+        expected[swap.second] = 0x80010000 + swap.first * 0x101;
+        rig.SetStatus(0x271F);
+        EXPECT_EQ(rig.Step(), 6U);
+        EXPECT_EQ(rig.cpu.regs, expected);
+        EXPECT_EQ(rig.Conditions(), 0x1FU);
+    }
+}
+
 TEST(M68000, MovemStoresItsPointerAsItWasAndLoadsEndAtTheFinalAddress) {
     TEST_68000 rig{0x48E0, 0x0080, 0x4CD8, 0x0301}; // MOVEM.L A0,-(A0); MOVEM.L (A0)+,D0/A0-A1
     rig.A(0) = 0x2004;

@@ -519,7 +519,6 @@ TEST(MdEeprom, ClocksWithoutAStartDoNothing) {
         EXPECT_FALSE(rig.Send(0x00));
         EXPECT_FALSE(rig.Send(0x12));
         EXPECT_EQ(std::count(rig.Part().data.begin(), rig.Part().data.end(), 0xFF), 65536);
-        EXPECT_FALSE(rig.cart->changed);
         rig.Sda(0);
         EXPECT_EQ(rig.Line(), 0);
         rig.Sda(1);
@@ -625,17 +624,6 @@ TEST(MdEeprom, ResetEndsTheTransferAndKeepsTheContents) {
         EXPECT_EQ(part.state, kMdEepromIdle);
         EXPECT_EQ(rig.Read(3, 1), Bytes{0x42}) << row.code;
     }
-}
-
-TEST(MdEeprom, OnlyAStoredByteMarksTheContentsChanged) {
-    EepromRig rig(kRows[0]);
-    static_cast<void>(rig.Read(0, 3));
-    rig.Address(7);
-    rig.SendBits(0, 7);
-    rig.Stop();
-    EXPECT_FALSE(rig.cart->changed);
-    rig.Write(7, {1});
-    EXPECT_TRUE(rig.cart->changed);
 }
 
 TEST(MdEepromState, SavedAtAnyEdgeItGoesOnTheSame) {

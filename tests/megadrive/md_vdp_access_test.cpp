@@ -77,6 +77,39 @@ TEST(MdVdpSlots, WithoutDisplayAreTheOddStepsButForRefresh) {
     }
 }
 
+// Half a word at every odd step but those of refresh, on a line of the picture as on one of the blank.
+TEST(MdVdpSlots, WithoutDisplayTakeVramWrites) {
+    for (const bool h40 : {false, true}) {
+        for (const uint32_t line : {30U, 240U}) {
+            MdVdpRig rig;
+            rig.Setup(h40);
+            rig.Reg(1, line == 30 ? 0x04 : 0x44);
+            rig.RunTo(line, 0);
+            rig.Command(kVramCode, 0x9000);
+            std::vector<uint32_t> steps;
+            uint32_t words = 0;
+            do {
+                if (rig.vdp->fifoCount == 0) {
+                    rig.Data(0x1000 + words++);
+                }
+                const uint32_t step = rig.vdp->hCount;
+                const uint32_t half = rig.vdp->vramHalf;
+                rig.Step();
+                if (rig.vdp->vramHalf != half) {
+                    steps.push_back(step);
+                }
+            } while (rig.vdp->hCount != 0);
+            EXPECT_EQ(steps, h40 ? OddStepsBut(422, {101, 103, 105, 107})
+                                 : OddStepsBut(342, {211, 233, 251, 273}));
+            const uint32_t written = h40 ? 103 : 83; // 207 and 167 halves
+            for (uint32_t word = 0; word < written; ++word) {
+                ASSERT_EQ(rig.WordAt(0x9000 + word * 2), 0x1000 + word);
+            }
+            EXPECT_EQ(rig.WordAt(0x9000 + written * 2), 0U);
+        }
+    }
+}
+
 TEST(MdVdpSlots, GoToTheFifoBeforeTheDma) {
     MdVdpRig rig;
     rig.Setup(true);
@@ -369,4 +402,147 @@ TEST(MdVdpDma, ToCramShowsItsColourForADot) {
     EXPECT_EQ(rig.At(52, 30), EntryPixel(0));
     EXPECT_EQ(rig.At(53, 30), PlainPixel(7 << 6 | 7)); // 0E0F differs in no bit of colour
     EXPECT_EQ(rig.At(54, 30), EntryPixel(0));
+}
+
+// Nothing is shown of a colour that was moved before the line began.
+TEST(MdVdpDma, ItsColourIsForgottenAtTheStartOfALine) {
+    for (const bool h40 : {false, true}) {
+        const uint32_t start = h40 ? 45 : 31;
+        for (const bool before : {true, false}) {
+            MdVdpRig rig;
+            rig.Setup(h40);
+            rig.Reg(1, 4);
+            rig.Reg(7, 0);
+            // The slot is the first odd step from here on: two in front of the start, or two behind it.
+            rig.RunTo(30, before ? start - 2 : start + 1);
+            Dma(rig, kCramCode, 0x40, 0x0E0E, 1);
+            rig.Steps(2);
+            EXPECT_EQ(rig.vdp->cramDot, kMdVdpHeld | 7 << 6 | 7);
+            rig.Step(); // that of the start, or one behind it
+            EXPECT_EQ(rig.vdp->cramDot, before ? 0 : kMdVdpHeld | 7 << 6 | 7);
+            rig.RunTo(31, 0);
+            EXPECT_EQ(rig.At(0, 30), before ? EntryPixel(0) : PlainPixel(7 << 6 | 7));
+            EXPECT_EQ(rig.At(1, 30), EntryPixel(0));
+        }
+    }
+}
+
+// The word goes where its command says, the bytes always to VRAM.
+TEST(MdVdpDma, FillOfAnotherMemoryWritesVram) {
+    for (const uint32_t code : {kCramCode, kVsramCode}) {
+        MdVdpRig rig;
+        rig.Reg(1, 4);
+        rig.Reg(15, 1);
+        Dma(rig, code, 0x40, 0, 4, 0x80);
+        rig.Data(0x0ACE);
+        rig.Steps(10); // a slot for the word, four for the bytes
+        EXPECT_EQ(rig.vdp->dmaState, 0U);
+        EXPECT_EQ(rig.vdp->cram[0x20], code == kCramCode ? 7U << 6 | 6 << 3 | 5 : RigColour(0x20));
+        EXPECT_EQ(rig.vdp->vsram[0x20], code == kVsramCode ? 0x0ACEU : 0U);
+        // From 0x41 on, the high byte.
+        for (uint32_t address = 0x3E; address < 0x48; ++address) {
+            EXPECT_EQ(rig.vdp->vram[address], address > 0x40 && address < 0x45 ? 0x0A : 0)
+                << address;
+        }
+        for (uint32_t entry = 0x21; entry < 0x28; ++entry) {
+            EXPECT_EQ(rig.vdp->cram[entry], RigColour(entry));
+            EXPECT_EQ(rig.vdp->vsram[entry], 0U);
+        }
+    }
+}
+
+// It has none, so that those of the source stay as they were written; the length counts down.
+TEST(MdVdpDma, FillLeavesTheRegistersOfTheSource) {
+    MdVdpRig rig;
+    rig.Reg(1, 4);
+    Dma(rig, kVramCode, 0x8000, 0x001234, 3, 0x80);
+    rig.Data(0);
+    rig.Steps(10);
+    EXPECT_EQ(rig.vdp->dmaState, 0U);
+    EXPECT_EQ(rig.vdp->regs[19], 0);
+    EXPECT_EQ(rig.vdp->regs[20], 0);
+    EXPECT_EQ(rig.vdp->regs[21], 0x34);
+    EXPECT_EQ(rig.vdp->regs[22], 0x12);
+    EXPECT_EQ(rig.vdp->regs[23], 0x80);
+}
+
+// A command that names no memory to write to reads the bus all the same, a word a slot, and counts.
+TEST(MdVdpDma, FromTheBusWithAnotherCodeWritesNothing) {
+    for (const uint32_t code : {0U, 4U, 7U, 8U}) {
+        MdVdpRig rig;
+        rig.Reg(1, 4);
+        const auto vram = rig.vdp->vram;
+        const auto cram = rig.vdp->cram;
+        const auto vsram = rig.vdp->vsram;
+        Dma(rig, code, 0x40, 0x1234, 3);
+        EXPECT_EQ(rig.stall, 1U);
+        rig.Steps(5);
+        EXPECT_EQ(rig.stall, 1U);
+        rig.Step();
+        EXPECT_EQ(rig.stall, 0U);
+        EXPECT_EQ(rig.reads, (std::vector<uint32_t>{0x2468, 0x246A, 0x246C}));
+        EXPECT_EQ(rig.vdp->address, 0x46U);
+        EXPECT_EQ(rig.vdp->regs[19], 0);
+        EXPECT_EQ(rig.vdp->regs[21], 0x37);
+        EXPECT_EQ(rig.vdp->vram, vram) << code;
+        EXPECT_EQ(rig.vdp->cram, cram) << code;
+        EXPECT_EQ(rig.vdp->vsram, vsram) << code;
+    }
+}
+
+TEST(MdVdpDma, AHeldFirstWordWaitsForItsSecond) {
+    MdVdpRig rig;
+    rig.Reg(1, 4);
+    Dma(rig, kVramCode, 0x8000, 0x9000, 2, 0xC0);
+    rig.Control(0x5234);
+    EXPECT_EQ(rig.vdp->pendingSecond, 0U);
+    rig.Steps(8);
+    EXPECT_EQ(rig.vdp->dmaState, 0U);
+    EXPECT_EQ(rig.vdp->pendingSecond, 1U);
+    rig.Control(0x0010); // VSRAM
+    EXPECT_EQ(rig.vdp->pendingSecond, 0U);
+    EXPECT_EQ(rig.vdp->code, 5U);
+    EXPECT_EQ(rig.vdp->address, 0x1234U);
+}
+
+// Two words of a command in one DMA: the second takes the first's place and is the first of a command then.
+TEST(MdVdpDma, AHeldSecondWordIsTakenAsAFirst) {
+    MdVdpRig rig;
+    rig.Reg(1, 4);
+    Dma(rig, kVramCode, 0x8000, 0x9000, 2, 0xC0);
+    rig.Command(kVramCode | 0x20, 0x0100);
+    rig.Steps(8);
+    EXPECT_EQ(rig.vdp->dmaState, 0U);
+    EXPECT_EQ(rig.vdp->pendingSecond, 1U);
+    EXPECT_EQ(rig.vdp->address, 0x8080U); // the high part stays
+}
+
+// A DMA whose command began while the last one ran; and a word that completes one, as a state may hold.
+TEST(MdVdpDma, AHeldWordBeginsTheNextOne) {
+    MdVdpRig rig;
+    rig.Reg(1, 4);
+    Dma(rig, kVramCode, 0x8000, 0x9000, 2, 0xC0);
+    rig.Control(0x4400);
+    rig.Steps(8);
+    ASSERT_EQ(rig.vdp->dmaState, 0U);
+    rig.vdp->regs[19] = 1; // the length has counted down
+    rig.vdp->regs[23] = 0;
+    rig.Control(0x0080);
+    EXPECT_EQ(rig.vdp->dmaState, kMdVdpDmaBus);
+    EXPECT_EQ(rig.stall, 1U);
+    rig.Steps(4);
+    EXPECT_EQ(rig.stall, 0U);
+    ASSERT_EQ(rig.reads.size(), 1U);
+
+    Dma(rig, kVsramCode, 0x10, 0x100, 2);
+    rig.vdp->pendingSecond = 1;
+    rig.Control(0x0090);
+    rig.reads.clear();
+    rig.Steps(4); // both words; the length of 0 behind them is 65,536
+    EXPECT_EQ(rig.reads.size(), 2U);
+    EXPECT_EQ(rig.vdp->dmaState, kMdVdpDmaBus);
+    EXPECT_EQ(rig.vdp->dmaLength, 0x10000U);
+    EXPECT_EQ(rig.vdp->dmaPending, 0U);
+    EXPECT_EQ(rig.stall, 1U);
+    EXPECT_NE(rig.vdp->status & kMdVdpDmaBusy, 0);
 }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <vector>
 
 namespace {
 
@@ -95,6 +96,30 @@ TEST(MdVdpMidLine, VsramOfAColumnPairChangesAtOnceAndOfThePlaneOnTheNextLine) {
 }
 
 TEST(MdVdpMidLine, DisplaySwitchedOffShowsTheBackdropAndOnAgainThePlane) {
+    struct Pixel {
+        uint32_t x;
+        uint32_t entry;
+    };
+    const std::vector<Pixel> wide{
+        {49,  2},
+        {50,  9},
+        {149, 9},
+        {150, 7},
+        {151, 8},
+        {152, 1},
+        {319, 8}
+    };
+    // 32 cells show what was fetched up to dot 49, pixels 64 to 79 at the last, and draw again what is fetched
+    // behind dot 149; pixels 160 to 175 would have been fetched six steps before.
+    const std::vector<Pixel> narrow{
+        {49,  2},
+        {50,  3},
+        {79,  8},
+        {80,  9},
+        {175, 9},
+        {176, 1},
+        {255, 8}
+    };
     for (const bool h40 : {false, true}) {
         MdVdpRig rig;
         rig.Setup(h40);
@@ -108,15 +133,96 @@ TEST(MdVdpMidLine, DisplaySwitchedOffShowsTheBackdropAndOnAgainThePlane) {
         rig.RunTo(48, first + 150);
         rig.Reg(1, 0x44);
         rig.Finish();
-        EXPECT_EQ(rig.At(49, 48), EntryPixel(2));
-        // 32 cells show what was fetched up to the next 16 pixels.
-        EXPECT_EQ(rig.At(50, 48), EntryPixel(h40 ? 9 : 3));
-        EXPECT_EQ(rig.At(80, 48), EntryPixel(9));
-        EXPECT_EQ(rig.At(149, 48), EntryPixel(9));
-        // Pixels 160 to 175 would have been fetched six steps before it was on.
-        EXPECT_EQ(rig.At(175, 48), EntryPixel(9));
-        EXPECT_EQ(rig.At(176, 48), EntryPixel(1));
-        EXPECT_EQ(rig.At(177, 48), EntryPixel(2));
+        for (const Pixel& pixel : h40 ? wide : narrow) {
+            EXPECT_EQ(rig.At(pixel.x, 48), EntryPixel(pixel.entry)) << h40 << " " << pixel.x;
+        }
+    }
+}
+
+// The display comes on at dot 2 of a line that began without it and is scrolled by 5 pixels.
+TEST(MdVdpMidLine, DisplaySwitchedOnShowsThePartialFirstCellAt40Cells) {
+    struct Pixel {
+        uint32_t x;
+        uint32_t entry;
+    };
+    const std::vector<Pixel> wide{
+        {1, 9},
+        {2, 6},
+        {4, 8},
+        {5, 1}
+    };
+    // The next fetch of 32 cells has pixels 32 and on, with their planes 5 pixels to the right.
+    const std::vector<Pixel> narrow{
+        {1,  9},
+        {2,  9},
+        {5,  9},
+        {36, 9},
+        {37, 1}
+    };
+    for (const bool h40 : {false, true}) {
+        MdVdpRig rig;
+        rig.Setup(h40);
+        rig.TileRow(16, 0, 0x12345678);
+        FillPlaneA(rig, 16);
+        rig.Word(0x5400, 5);
+        rig.Reg(7, 9);
+        rig.Finish();
+        rig.RunTo(48, 0);
+        rig.Reg(1, 0x04);
+        rig.RunTo(48, (h40 ? 77 : 63) + 2);
+        rig.Reg(1, 0x44);
+        rig.Finish();
+        for (const Pixel& pixel : h40 ? wide : narrow) {
+            EXPECT_EQ(rig.At(pixel.x, 48), EntryPixel(pixel.entry)) << h40 << " " << pixel.x;
+        }
+    }
+}
+
+// The fetch writes its 16 backdrop pixels whether or not the display is on: those of dots 52 to 63 come with
+// dot 32 of their own line.
+TEST(MdVdpMidLine, DisplaySwitchedOnShowsTheBackdropOfItsOwnLine) {
+    for (const bool h40 : {false, true}) {
+        MdVdpRig rig;
+        rig.Setup(h40);
+        rig.Finish();
+        const uint32_t first = h40 ? 77 : 63;
+        for (const uint32_t line : {48U, 49U}) {
+            rig.RunTo(line, 20);
+            rig.Reg(1, 0x04);
+            rig.Reg(7, line - 48 + 9);
+            rig.RunTo(line, first + 52);
+            rig.Reg(1, 0x44);
+        }
+        rig.Finish();
+        for (const uint32_t x : {0U, 51U, 52U, 63U, 64U, 255U}) {
+            EXPECT_EQ(rig.At(x, 48), EntryPixel(9)) << h40 << " " << x;
+            EXPECT_EQ(rig.At(x, 49), EntryPixel(10)) << h40 << " " << x;
+        }
+    }
+}
+
+TEST(MdVdpMidLine, AFrameWithoutDisplayIsAllBackdrop) {
+    for (const bool h40 : {false, true}) {
+        MdVdpRig rig;
+        rig.Setup(h40);
+        FillPlaneA(rig, 2 | 0x8000);
+        for (uint32_t i = 0; i < 32 * 32; ++i) {
+            rig.Word(0x4000 + i * 2, 3);
+            rig.Word(0x3000 + i * 2, 4);
+        }
+        rig.Reg(17, 0x85); // the window from column 10 on
+        rig.Word(0x5400, 5);
+        rig.Word(0x5402, 3);
+        rig.Sprite(0, 20, 20, 15, 0, 5 | 0x8000);
+        rig.Reg(7, 9);
+        rig.Reg(1, 0x04);
+        rig.Finish();
+        rig.Finish();
+        for (uint32_t y = 0; y < 224; ++y) {
+            for (uint32_t x = 0; x < (h40 ? 320U : 256U); ++x) {
+                ASSERT_EQ(rig.At(x, y), EntryPixel(9)) << h40 << " " << x << " " << y;
+            }
+        }
     }
 }
 
@@ -176,6 +282,40 @@ TEST(MdVdpShadow, IsTakenOffByAHighCell) {
     EXPECT_EQ(ShadowPixel({2, 0, 0}), Shadowed(2));
     EXPECT_EQ(ShadowPixel({2 | kHigh, 0, 0}), Normal(2));
     EXPECT_EQ(ShadowPixel({0 | kHigh, 0, 0}), Normal(0)); // transparent
+}
+
+// Plane B and the window take it off as plane A does, seen or not; a cell of plane A under the window doesn't.
+TEST(MdVdpShadow, IsTakenOffByAHighCellOfPlaneBOrTheWindow) {
+    struct Cells {
+        uint32_t b, a;
+        bool window;
+        uint32_t windowWord;
+        uint32_t pixel;
+    };
+    const Cells rows[] = {
+        {3,         0,         false, 0,         Shadowed(3)},
+        {3 | kHigh, 0,         false, 0,         Normal(3)  },
+        {kHigh,     2,         false, 0,         Normal(2)  },
+        {3 | kHigh, 2 | kHigh, false, 0,         Normal(2)  },
+        {0,         0,         true,  4,         Shadowed(4)},
+        {0,         0,         true,  4 | kHigh, Normal(4)  },
+        {3,         0,         true,  kHigh,     Normal(3)  },
+        {3,         2 | kHigh, true,  0,         Shadowed(3)},
+        {kHigh,     0,         true,  4,         Normal(4)  },
+    };
+    for (const Cells& row : rows) {
+        MdVdpRig rig;
+        rig.Setup(true);
+        rig.Reg(12, 0x89);
+        rig.Reg(17, row.window ? 1 : 0);
+        rig.CellB(0, 0, row.b);
+        rig.CellA(0, 0, row.a);
+        rig.CellWindow(0, 0, row.windowWord);
+        rig.Finish();
+        rig.Finish();
+        EXPECT_EQ(rig.At(3, 3), row.pixel)
+            << row.b << " " << row.a << " " << row.window << " " << row.windowWord;
+    }
 }
 
 TEST(MdVdpShadow, OfSpritesFollowsTheirPriority) {

@@ -206,6 +206,35 @@ TEST(MdVdpPlanes, VerticalScrollOfColumnPairs) {
     }
 }
 
+// Fine scroll of 5 shows a part of a cell at the left, which goes with the first pair of columns, as do the
+// two cells behind it: pixels 0 to 20.
+TEST(MdVdpPlanes, PartialFirstCellTakesTheScrollOfTheFirstPair) {
+    for (const uint32_t plane : {0U, 1U}) {
+        MdVdpRig rig;
+        rig.Setup(true);
+        rig.Reg(11, 4);
+        SetRulers(rig);
+        for (uint32_t row = 0; row < 32; ++row) {
+            for (uint32_t column = 0; column < 32; ++column) {
+                const uint32_t word = 17 | Palette(row & 3);
+                plane == 0 ? rig.CellA(column, row, word) : rig.CellB(column, row, word);
+            }
+        }
+        rig.vdp->vsram.fill(16);
+        rig.vdp->vsram[plane] = 11;
+        rig.vdp->vsram[1 - plane] = 29; // of the other plane
+        rig.Word(0x5400 + plane * 2, 5);
+        rig.Finish();
+        for (uint32_t y = 0; y < 224; ++y) {
+            for (uint32_t x = 0; x < 48; ++x) {
+                const uint32_t v = (y + (x < 21 ? 11 : 16)) & 255;
+                ASSERT_EQ(rig.At(x, y), EntryPixel((v / 8 & 3) * 16 + 1 + v % 8))
+                    << plane << " " << x << " " << y;
+            }
+        }
+    }
+}
+
 TEST(MdVdpPlanes, FlipAndPaletteTakeNoPartInTheTileNumber) {
     MdVdpRig rig;
     rig.Setup(false);
@@ -255,6 +284,49 @@ TEST(MdVdpWindow, CoversItsSides) {
     ExpectWindow(0x1F, 0x00, [](uint32_t, uint32_t) { return true; });
     ExpectWindow(0x80, 0x00, [](uint32_t, uint32_t) { return true; });
     ExpectWindow(0x00, 0x80, [](uint32_t, uint32_t) { return true; });
+}
+
+// Both are rulers here: plane A counts 1 to 8 across a cell, the window 15 to 8, and the palettes count cells.
+// Beside the window plane A goes on as if there were none, whatever its scroll.
+TEST(MdVdpWindow, LiesBesideAScrolledPlaneA) {
+    struct Side {
+        uint32_t reg17;
+        uint32_t first; // columns of the window
+        uint32_t last;
+    };
+    for (const bool h40 : {false, true}) {
+        for (const Side& side : {
+                 Side{0x01, 0,  1 }, // with column 0
+                 Side{0x03, 0,  5 },
+                 Side{0x85, 10, 39},
+                 Side{0x8F, 30, 39}
+        }) {
+            for (uint32_t scroll = 0; scroll < 17; ++scroll) {
+                MdVdpRig rig;
+                rig.Setup(h40);
+                rig.Reg(16, 1); // 64 cells across
+                rig.Reg(17, side.reg17);
+                SetRulers(rig);
+                rig.TileRow(18, 0, 0xFEDCBA98);
+                for (uint32_t column = 0; column < 64; ++column) {
+                    rig.CellA(column, 0, 16 | Palette(column & 3));
+                }
+                for (uint32_t column = 0; column < (h40 ? 40U : 32U); ++column) {
+                    rig.CellWindow(column, 0, 18 | Palette(column & 3));
+                }
+                rig.Word(0x5400, scroll);
+                rig.Finish();
+                for (uint32_t x = 0; x < (h40 ? 320U : 256U); ++x) {
+                    const bool inside = x / 8 >= side.first && x / 8 <= side.last;
+                    const uint32_t a = (x - scroll) & 511;
+                    const uint32_t entry =
+                        inside ? (x / 8 & 3) * 16 + 15 - x % 8 : (a / 8 & 3) * 16 + 1 + a % 8;
+                    ASSERT_EQ(rig.At(x, 0), EntryPixel(entry))
+                        << h40 << " " << side.reg17 << " " << scroll << " " << x;
+                }
+            }
+        }
+    }
 }
 
 TEST(MdVdpWindow, HasItsOwnWidthAndNoScroll) {

@@ -27,6 +27,39 @@ TEST(MdVdpReset, GivesThePowerOnValues) {
     EXPECT_EQ(rig.vdp->tvMode, kMdVdp50Hz);
 }
 
+TEST(MdVdpReset, KeepsTheCartridgesMarkAndDropsWhatWaits) {
+    MdVdpRig rig;
+    rig.Setup(true);
+    rig.vdp->svpDmaQuirk = 1;
+    rig.vdp->hPending = 1;
+    rig.vdp->vPending = 1;
+    rig.zInt = 1;
+    rig.Data(1);
+    rig.Reg(1, 0x54);
+    rig.Reg(19, 9);
+    rig.Reg(23, 0);
+    rig.Command(0x21, 0);
+    rig.Control(0x8733);
+    ASSERT_EQ(rig.stall, 1U);
+    ASSERT_NE(rig.vdp->dmaPending, 0U);
+    MdVdpReset(*rig.vdp);
+    EXPECT_EQ(rig.vdp->svpDmaQuirk, 1U);
+    EXPECT_EQ(rig.vdp->hPending, 0U);
+    EXPECT_EQ(rig.vdp->vPending, 0U);
+    EXPECT_EQ(rig.vdp->dmaState, kMdVdpNoDma);
+    EXPECT_EQ(rig.vdp->dmaLength, 0U);
+    EXPECT_EQ(rig.vdp->dmaPending, 0U);
+    EXPECT_EQ(rig.vdp->fifoCount, 0U);
+    EXPECT_EQ(rig.stall, 0U);
+    EXPECT_EQ(rig.zInt, 0U);
+    // Nothing goes on behind it.
+    rig.irqs.clear();
+    rig.Steps(300);
+    EXPECT_TRUE(rig.reads.empty());
+    EXPECT_TRUE(rig.irqs.empty());
+    EXPECT_EQ(rig.vdp->regs[7], 0);
+}
+
 TEST(MdVdpControl, TwoWordsMakeACommand) {
     MdVdpRig rig;
     rig.Control(0x5234); // code bits 1 and 0: 01, address low 0x1234

@@ -41,7 +41,7 @@ inline uint32_t Access(MdVdpRig& rig, std::mt19937& random) {
     const uint32_t value = draw();
     switch (draw() % 20) {
     case 0: rig.Reg(draw() % 19, value); return 0;
-    case 1: rig.Reg(1, value | 0x54); return 0;
+    case 1: rig.Reg(1, value % 4 == 0 ? 0x34 : value | 0x54); return 0; // display off now and then
     case 2: rig.Reg(12, value); return 0;
     case 3: rig.Reg(7, value); return 0;
     case 4: rig.Command(kCramCode, value & 0x7F); return 0;

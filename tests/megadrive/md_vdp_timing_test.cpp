@@ -140,6 +140,54 @@ TEST(MdVdpTiming, VInterruptComesOneLineBelowThePicture) {
     }
 }
 
+// The blank and its interrupt follow the height of the picture, and the blank ends with the frame.
+TEST(MdVdpTiming, VBlankFollowsHeightAndStandard) {
+    struct Row {
+        uint32_t tvMode;
+        uint32_t reg1;
+        uint32_t height;
+        uint32_t lines;
+    };
+    for (const Width& width : kWidths) {
+        for (const Row& row : {
+                 Row{kMdVdp60Hz, 0x6C, 240, 262},
+                 Row{kMdVdp50Hz, 0x64, 224, 313},
+                 Row{kMdVdp50Hz, 0x6C, 240, 313}
+        }) {
+            const uint32_t step = width.h40 ? 52 : 0;
+            const uint32_t vStep = width.h40 ? 330 : 266;
+            MdVdpRig rig(row.tvMode);
+            rig.Setup(width.h40);
+            rig.Reg(1, row.reg1);
+            rig.Finish();
+            rig.vdp->status = 0;
+            rig.vdp->vPending = 0;
+            rig.RunTo(row.height - 1, vStep);
+            EXPECT_EQ(rig.vdp->status & kMdVdpVBlank, 0);
+            rig.Step();
+            EXPECT_NE(rig.vdp->status & kMdVdpVBlank, 0);
+            rig.irqs.clear();
+            rig.RunTo(row.height, step);
+            EXPECT_EQ(rig.vdp->vPending, 0U);
+            EXPECT_EQ(rig.zInt, 0U);
+            rig.Step();
+            EXPECT_EQ(rig.vdp->vPending, 1U);
+            EXPECT_EQ(rig.zInt, 1U);
+            EXPECT_EQ(rig.irqs, (std::vector<IrqLog>{
+                                    {step + 1, row.height, 6, 1}
+            }));
+            rig.RunTo(row.height + 1, step + 1);
+            EXPECT_EQ(rig.zInt, 0U);
+            rig.RunTo(row.lines - 1, vStep);
+            EXPECT_NE(rig.vdp->status & kMdVdpVBlank, 0);
+            rig.Step();
+            EXPECT_EQ(rig.vdp->vCount, 0U);
+            EXPECT_EQ(rig.vdp->status & kMdVdpVBlank, 0);
+            EXPECT_EQ(rig.irqs.size(), 1U);
+        }
+    }
+}
+
 TEST(MdVdpTiming, VInterruptStaysPendingWhenItIsOff) {
     MdVdpRig rig;
     rig.Setup(true);
@@ -377,5 +425,91 @@ TEST(MdVdpPicture, LinesOfDoubleInterlaceGoToTheirFieldWithDarkOnesBetween) {
         EXPECT_EQ(rig.pixels[dark + 320 + (field == 0 ? 0 : 320) + 5], 1U);
         rig.RunTo(20, 398 - 1);
         EXPECT_EQ(rig.pixels[(48 + field) * 320 + 319], EntryPixel(5));
+    }
+}
+
+namespace {
+
+// A frame of double interlace in the given field, over a picture of ones, up to the given line's first dot.
+void RunInterlaced(MdVdpRig& rig, uint32_t reg12, uint32_t field, uint32_t line) {
+    rig.Setup((reg12 & 1) != 0);
+    rig.Reg(12, reg12);
+    rig.Reg(7, 5);
+    std::fill_n(rig.vdp->vram.begin(), 64, uint8_t{0}); // tile 0 is empty
+    rig.Finish();
+    if (rig.vdp->field != field) {
+        rig.Finish();
+    }
+    std::fill(rig.pixels.begin(), rig.pixels.end(), 1U);
+    rig.RunTo(line, (reg12 & 1) != 0 ? 77 : 63);
+}
+
+} // namespace
+
+// The border of 8 rows counts doubled lines: four lines at the end of the frame are above the picture, four
+// behind it below.
+TEST(MdVdpPicture, BorderRowsOfDoubleInterlaceAreFourLines) {
+    struct Row {
+        uint32_t line;
+        uint32_t row; // of field 0
+    };
+    for (const uint32_t field : {0U, 1U}) {
+        for (const Row& row : {
+                 Row{0,   8  },
+                 Row{223, 454},
+                 Row{224, 456},
+                 Row{227, 462},
+                 Row{258, 0  },
+                 Row{261, 6  }
+        }) {
+            MdVdpRig rig;
+            RunInterlaced(rig, 0x87, field, row.line);
+            EXPECT_EQ(rig.vdp->rowOffset, (row.row + field) * 320) << row.line;
+        }
+        for (const uint32_t line : {228U, 257U}) {
+            MdVdpRig rig;
+            RunInterlaced(rig, 0x87, field, line);
+            EXPECT_EQ(rig.vdp->rowOffset, kMdVdpNoRow) << line;
+        }
+    }
+}
+
+// The odd field has no row above its first; the one of the even field is its own, and drawn over.
+TEST(MdVdpPicture, FirstRowOfDoubleInterlaceDarkensNothingAboveThePicture) {
+    for (const uint32_t field : {0U, 1U}) {
+        MdVdpRig rig;
+        RunInterlaced(rig, 0x87, field, 257);
+        std::fill(rig.pixels.begin(), rig.pixels.end(), 1U);
+        rig.RunTo(258, 397);
+        const size_t drawn = size_t{field} * 320;
+        for (size_t i = 0; i < rig.pixels.size(); ++i) {
+            const bool inRow = i >= drawn && i < drawn + 320;
+            ASSERT_EQ(rig.pixels[i], inRow ? EntryPixel(5) : 1U) << field << " " << i;
+        }
+    }
+}
+
+// 32 cells are drawn as without interlace, in rows of the same eight lines of border, and nothing is dark.
+TEST(MdVdpPicture, DoubleInterlaceOf32CellsHasSingleRows) {
+    struct Row {
+        uint32_t line;
+        uint32_t row;
+    };
+    for (const uint32_t field : {0U, 1U}) {
+        for (const Row& row : {
+                 Row{0,   8  },
+                 Row{20,  28 },
+                 Row{231, 239},
+                 Row{254, 0  },
+                 Row{261, 7  }
+        }) {
+            MdVdpRig rig;
+            RunInterlaced(rig, 0x06, field, row.line);
+            EXPECT_EQ(rig.vdp->rowOffset, row.row * 256) << row.line;
+            EXPECT_EQ(std::count(rig.pixels.begin(), rig.pixels.end(), 0x20202020U), 0);
+        }
+        MdVdpRig rig;
+        RunInterlaced(rig, 0x06, field, 232);
+        EXPECT_EQ(rig.vdp->rowOffset, kMdVdpNoRow);
     }
 }

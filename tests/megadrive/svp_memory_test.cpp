@@ -82,6 +82,37 @@ TEST(SvpMemory, OtherAccessWithPmcSetTakesNothingAndReadsZero) {
     EXPECT_EQ(rig.Get(9), 0u);
 }
 
+// The word in front of the next instruction is looked at, which is the immediate of `ld PMx, imm`: 0 to 15 and
+// those of the form 00n0 make the access a blind one, whatever register they would name.
+TEST(SvpMemory, ImmediateOfTheBlindFormMakesTheAccessBlind) {
+    struct ROW {
+        int immediate;
+        bool blind;
+    };
+    constexpr std::array<ROW, 7> kRows{
+        {{0x0000, true},
+         {0x000F, true},
+         {0x0010, true},
+         {0x00F0, true},
+         {0x0011, false},
+         {0x0100, false},
+         {0x1000, false}}
+    };
+    for (const uint32_t number : kNumbers) {
+        for (const ROW& row : kRows) {
+            SvpRig rig;
+            rig.Run({0x08E0, 0x1234, 0x08E0, 0x0818, static_cast<int>(0x0800 | number << 4),
+                     row.immediate},
+                    3);
+            EXPECT_EQ(rig.svp->pmacWrite[number - 8], row.blind ? 0x12340818u : 0u)
+                << number << " " << row.immediate;
+            EXPECT_EQ(rig.svp->emuStatus, 0u);
+            EXPECT_EQ(rig.Get(number), 0u);
+            EXPECT_EQ(rig.svp->dram[0x1234], 0);
+        }
+    }
+}
+
 TEST(SvpMemory, AccessForgetsAnAddressWithoutAMode) {
     SvpRig rig;
     rig.svp->emuStatus = kSvpPmcHasAddress;

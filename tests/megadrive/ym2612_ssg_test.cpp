@@ -182,6 +182,40 @@ TEST_F(Ym2612Ssg, ReleaseOfAQuietRampEndsAtOnce) {
     EXPECT_EQ(Voice().volOut, 1023u);
 }
 
+// Increments of 4 and 8 in turn, four steps each, pass 480 and 496 and go 16 beyond the end. Turned over that
+// is -16, of which ten bits count: 1,008, which is beyond the end, too.
+TEST_F(Ym2612Ssg, ReleaseOfARampBeyondItsEndIsSilent) {
+    for (const int ssg : {0xB, 0xD}) {
+        Prepare(ssg);
+        SetOperator(1, 4, 0x60, 29);
+        Skip(3); // so that the smaller increment comes first
+        Keys(1, 8);
+        Skip(200);
+        ASSERT_EQ(Voice().volume, 528);
+        ASSERT_NE(Voice().ssgInverted, ssg & 4);
+        Keys(1, 0);
+        EXPECT_EQ(Voice().state, Ym2612Envelope::kOff);
+        EXPECT_EQ(Voice().volume, 1023);
+        EXPECT_EQ(Voice().volOut, 1023u);
+    }
+}
+
+// A shape that is written when the plain envelope stands far below the end: 512 - 700 is 836 in ten bits.
+TEST_F(Ym2612Ssg, ReleaseOfAPlainLevelBeyondTheEndIsSilent) {
+    for (const int ssg : {0x8, 0xC}) {
+        Prepare(0);
+        Keys(1, 8);
+        while (Voice().volume < 700) {
+            Skip(1);
+        }
+        SetOperator(1, 4, 0x90, ssg);
+        Keys(1, 0);
+        EXPECT_EQ(Voice().state, Ym2612Envelope::kOff) << ssg;
+        EXPECT_EQ(Voice().volume, 1023) << ssg;
+        EXPECT_EQ(Voice().volOut, 1023u) << ssg;
+    }
+}
+
 TEST_F(Ym2612Ssg, KeyPressForgetsTheTurn) {
     Prepare(0xA);
     Keys(1, 8);

@@ -365,8 +365,9 @@ TEST_F(MegaDrive, Z80ResetRunsItOnAndResetsTheFmChipEachTime) {
 }
 
 TEST_F(MegaDrive, PlainCartridgeHasNoMailbox) {
+    const uint32_t open = OpenBus();
     WriteWord(0xA15000, 0x1234);
-    EXPECT_EQ(ReadWord(0xA15000), OpenBus());
+    EXPECT_EQ(ReadWord(0xA15000), open);
 }
 
 TEST(MegaDriveSvp, MailboxTakesWordsAtBothAddresses) {

@@ -128,10 +128,10 @@ private:
     float frameTimeSeconds = 0.0f;
     bool started = false;
     bool sdlStarted = false;
-    bool soundWanted = false; // an output has come or gone while none is open
-    int64_t soundTried = 0;   // microseconds, of the last attempt
+    bool soundWanted = false;  // an output has come or gone while none is open
+    int64_t soundTried = 0;    // microseconds, of the last attempt
     int64_t batteriesKept = 0; // microseconds, of the last look at them
-    int processor = -1;       // the main thread's binding
+    int processor = -1;        // the main thread's binding
     uint32_t frameShown = 0;
     bool followDisplay = false; // Swap waits for the display
     bool news = true;           // something to draw since the last swap

@@ -11,7 +11,7 @@
 // Order of calls: MdConnect once a cartridge is in (MdCartSetup), MdReset, then MdRunFrame.
 // Differs: the Z80 pays its whole debt of an instruction in the first rounds of it; giving the Z80's bus
 //   away and back moves it by three clocks at once; reads of nothing give the word at the 68000's
-//   program counter; an acknowledged horizontal interrupt drops a waiting vertical one. All kept on purpose.
+//   program counter; of instructions without time one in 256 takes four cycles; an acknowledged horizontal interrupt drops a waiting vertical one. All kept on purpose.
 #pragma once
 
 #include "megadrive/m68000.h"

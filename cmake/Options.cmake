@@ -47,6 +47,11 @@ if(OMBRELUNE_SANITIZE)
     add_compile_options(-fsanitize=${OMBRELUNE_SANITIZE} -fno-sanitize-recover=all
         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${OMBRELUNE_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND OMBRELUNE_SANITIZE MATCHES "undefined")
+        # Clang's check of virtual tables opens a pipe, which a test that has used up all files refuses.
+        add_compile_options(-fno-sanitize=vptr)
+        add_link_options(-fno-sanitize=vptr)
+    endif()
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND OMBRELUNE_SANITIZE MATCHES "thread")
         # The standard library's own fences are seen by the sanitizer through its atomics.
         add_compile_options(-Wno-tsan)

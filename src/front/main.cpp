@@ -1,6 +1,6 @@
 #include "front/command_line.h"
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef OMBRELUNE_SANITIZED
 #include <cstdlib>
 
 // A graphics driver is unloaded with the window and leaves memory behind that no name is left for, so a

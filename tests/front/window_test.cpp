@@ -26,7 +26,7 @@
 #include <cstring>
 #include <thread>
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef OMBRELUNE_SANITIZED
 // The graphics driver is unloaded with each window and leaves memory behind that no name is left for.
 extern "C" const char* __asan_default_options() {
     return "detect_leaks=0";

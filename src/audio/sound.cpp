@@ -51,7 +51,7 @@ RankedMutex<LockRank::kLeaf> gListenerLock;
 SOUND_LISTENER gListener;
 
 std::atomic<bool> gRoomVisible{false};
-std::atomic<float> gVolume{1.0f};
+std::atomic<float> gAudioVolume{1.0f};
 
 // Ends with the program at the latest.
 struct PUMP_THREAD {
@@ -241,12 +241,12 @@ bool SoundRoomVisible() {
 
 void SoundSetVolume(float volume) {
     if (std::isfinite(volume)) {
-        gVolume.store(volume, std::memory_order_relaxed);
+        gAudioVolume.store(volume, std::memory_order_relaxed);
     }
 }
 
 float SoundVolume() {
-    return gVolume.load(std::memory_order_relaxed);
+    return gAudioVolume.load(std::memory_order_relaxed);
 }
 
 void SoundSetTelevision(uint32_t sessionKey, float x, float y, float z) {

@@ -1,5 +1,6 @@
 #include "audio/sound_device.h"
 
+#include "audio/clocked_output.h"
 #include "audio/sound_ring.h"
 #include "base/ranked_mutex.h"
 
@@ -12,6 +13,7 @@
 #include <array>
 #include <cmath>
 #include <mutex>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -28,6 +30,11 @@ uint32_t SdlPullFrames(uint32_t rate) {
         frames *= 2;
     }
     return frames;
+}
+
+// SDL's stand-in for a system without a loudspeaker, which counts time in whole milliseconds.
+bool IsStandIn(const char* driver) {
+    return driver != nullptr && std::string_view(driver) == "dummy";
 }
 
 struct LOOPBACK_CALLS {
@@ -181,6 +188,7 @@ struct SoundDevice::Private {
     std::vector<float> mixed;   // one pull
     SDL_AudioDeviceID sdlDevice = 0;
     bool sdlReady = false; // SDL's audio subsystem is ours to leave
+    ClockedOutput clocked; // pulls in SDL's place where that has only its stand-in
 
     [[nodiscard]] uint32_t ReserveFrames() const {
         // At least one pull, and as many as fall between two looks.
@@ -345,12 +353,18 @@ bool SoundDevice::OpenSdl(uint32_t rate, std::string& error) {
         Close();
         return false;
     }
-    SDL_PauseAudioDevice(opened, 0);
+    if (IsStandIn(SDL_GetCurrentAudioDriver())) {
+        p->clocked.Start(rate, obtained.samples,
+                         [this](int16_t* out, uint32_t frames) { Render(out, frames); });
+    } else {
+        SDL_PauseAudioDevice(opened, 0);
+    }
     return true;
 }
 
 void SoundDevice::Close() {
-    // Without the lock: SDL waits for a callback that may be waiting for it.
+    // Without the lock: both wait for a pull that may be waiting for it.
+    p->clocked.Stop();
     if (p->sdlDevice != 0) {
         SDL_CloseAudioDevice(p->sdlDevice);
         p->sdlDevice = 0;

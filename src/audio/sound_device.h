@@ -39,7 +39,8 @@ public:
     // pieces.
     [[nodiscard]] bool OpenLoopback(uint32_t rate, uint32_t framesPerPull, std::string& error);
 
-    // The loopback device, and SDL's default output pulling it.
+    // The loopback device, and SDL's default output pulling it; or a ClockedOutput, where SDL has no
+    // more than a stand-in for one.
     [[nodiscard]] bool OpenSdl(uint32_t rate, std::string& error);
 
     void Close();

@@ -47,7 +47,8 @@ constexpr uint32_t kStatusColour = 0xFFFFE080;
 constexpr uint32_t kNoticeColour = 0xFFFFFFFF;
 
 std::atomic<uint32_t> gFramesPresented{0};
-// For the light guns of both players: y << 32 | x in pixels of the picture; 0: nobody points.
+// For the light guns of both players: y << 32 | x in pixels of the picture; 0: nobody points, so the very
+// first pixel counts as the one beside it.
 std::atomic<uint64_t> gPointers[2]{};
 thread_local bool gFrameIsMachines = false; // of the session thread: not television static
 
@@ -122,8 +123,9 @@ uint64_t PointInPicture(const SESSION_PICTURE& session, bool crop, uint32_t scre
     if (column < 0 || row < 0 || column >= picture.visibleWidth || row >= picture.visibleHeight) {
         return 0;
     }
-    return static_cast<uint64_t>(row / session.factor) << 32 |
-           static_cast<uint64_t>(column / session.factor);
+    const uint64_t point = static_cast<uint64_t>(row / session.factor) << 32 |
+                           static_cast<uint64_t>(column / session.factor);
+    return std::max<uint64_t>(point, 1);
 }
 
 // Whether the game is played with a light gun in that player's port.
@@ -175,13 +177,13 @@ bool Application::Start(std::string& error) {
         Release();
         return false;
     }
+    SeedRandom(static_cast<uint32_t>(Now() / 1000));
     text = std::make_unique<OverlayText>();
     if (!text->Init()) {
         words.emplace_back("the graphics driver has no memory for text; messages come here alone");
     }
     SDL_StopTextInput(); // no text field has the focus, and an input method would swallow the keys
     followDisplay = window.FollowsDisplay();
-    SeedRandom(SDL_GetTicks());
     HostSetReportSink(PostReport);
     HostSetNoticeSink(PostNotice);
     for (const std::string& word : words) {
@@ -195,8 +197,8 @@ bool Application::Start(std::string& error) {
     roundStart = rateStart = cursorMoved = Now();
     news = true;
     started = true;
-    // Last, since every thread that is made from here on inherits it: the pump, the device and the
-    // graphics driver's workers keep all processors, and session threads bind themselves.
+    // Last, since every thread that this one makes inherits it: the pump, the device and the graphics
+    // driver's workers keep all processors, and session threads bind themselves.
     processor = BindProcessor(0);
     return true;
 }
@@ -247,10 +249,12 @@ void Application::WatchSound(const PUMP_EVENTS& events) {
         soundWanted = false;
         soundTried = Now();
         std::string error;
+        ReleaseThisThread(processor); // which the new threads would inherit
         if (OpenSoundDevice(error)) {
             StartSoundPump();
             PostNotice("Sound is back");
         }
+        processor = BindProcessor(0);
     }
 }
 
@@ -258,10 +262,10 @@ bool Application::Round() {
     // The 3D room is rendered here, and the camera kept for the pump.
     window.TellSize(pump);
     const PUMP_EVENTS events = pump.Pump();
-    Apply(events);
     if (events.quit) {
         return false;
     }
+    Apply(events);
     UploadPictures();
     EndDeadSessions();
     KeepBatteries();
@@ -323,7 +327,7 @@ void Application::SetView(const VIEW& wanted) {
 void Application::HideIdleCursor() {
     const int64_t now = Now();
     const MOUSE_STATE& mouse = pump.Mouse();
-    if (mouse.x != lastMouse.x || mouse.y != lastMouse.y || mouse.left) {
+    if (mouse.x != lastMouse.x || mouse.y != lastMouse.y || mouse.left || mouse.leftPressed) {
         cursorMoved = now;
     }
     lastMouse = mouse;
@@ -406,6 +410,7 @@ void Application::EndDeadSessions() {
     for (const uint32_t key : dead) {
         PostReport(EmuLastError());
         EmuStopSession(key);
+        window.SetTitle(ProgramTitle());
     }
 }
 
@@ -509,6 +514,14 @@ void Application::PlayFile(const std::string& path) {
 
 void Application::TurnOff() {
     EmuStopSession(kFrontTelevision);
+    window.SetTitle(ProgramTitle());
+}
+
+bool Application::Playing() {
+    bool playing = false;
+    EmuForEachSession(
+        [&](const EMU_THREAD& session) { playing |= session.key == kFrontTelevision; });
+    return playing;
 }
 
 uint32_t Application::FramesPresented() {
@@ -521,7 +534,8 @@ std::vector<uint32_t> Application::ReadWindow() {
     return ReadScreen(window.PixelWidth(), window.PixelHeight());
 }
 
-// A game that fills the window is turned off with it, so that its autosave is there the next time.
+// A game that fills the window is turned off with it, so that its autosave is there the next time: closing
+// the window is the only way to turn it off.
 void Application::Stop() {
     if (!started) {
         return;

@@ -43,7 +43,7 @@ public:
     // One round: events, pictures, drawing, swap. False when the program is to end.
     [[nodiscard]] bool Round();
 
-    // Everything in reverse, and the settings saved.
+    // Turns the game off, gives back what Start opened, in the order of the stop, and saves the settings.
     void Stop();
 
     // Puts a game in the place of the one that runs, which is turned off first, autosave included. False
@@ -55,6 +55,9 @@ public:
 
     // Ends the game, autosave included.
     void TurnOff();
+
+    // Whether a game runs. One whose machine cannot go on is turned off by the next round.
+    [[nodiscard]] static bool Playing();
 
     // Picture frames of machines presented so far, television static left out.
     [[nodiscard]] static uint32_t FramesPresented();

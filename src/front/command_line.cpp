@@ -59,7 +59,8 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
         ->expected(1)
         ->take_all();
     app.add_option("--bios", play.bios, "A console BIOS")->type_name("FILE");
-    app.add_flag("--headless", play.headless, "No window, no device, no pacing, no autosave");
+    app.add_flag("--headless", play.headless,
+                 "No window, no device, no pacing, no autosave, no .sav");
     app.add_option("--frames", play.frames, "Stop after so many frames")->type_name("N");
     app.add_flag("--static", play.showStatic, "Begin with the television static");
     app.add_option("--input", play.inputFile, "Lines \"FRAME ACTION down|up\"")->type_name("FILE");

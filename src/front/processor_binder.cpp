@@ -21,8 +21,8 @@ constexpr uint32_t kFull = 1000; // threads on one processor
 constexpr int kNotBound = -1;
 constexpr uint32_t kTokenLimit = 33;
 
-uint32_t gCount = 1;
-std::array<uint32_t, kTokenLimit> gUse{}; // threads bound to each; under the frame mutex
+uint32_t gCpuCount = 1;
+std::array<uint32_t, kTokenLimit> gCoreUse{}; // threads bound to each; under the frame mutex
 
 #ifdef __linux__
 
@@ -70,25 +70,25 @@ bool SetThreadProcessor(uint32_t) {
 
 void ProcessorBinderStart() {
     const std::scoped_lock hold(EmuFrameMutex());
-    gCount = std::clamp(ReadAllowed(), 1u, kMostProcessors);
-    gUse.fill(0);
+    gCpuCount = std::clamp(ReadAllowed(), 1u, kMostProcessors);
+    gCoreUse.fill(0);
 }
 
 uint32_t ProcessorCount() {
-    return gCount;
+    return gCpuCount;
 }
 
 int BindProcessor(int always) {
-    if ((!Settings().GetBool(L"app_managecpucores") && always == 0) || gCount < 2) {
+    if ((!Settings().GetBool(L"app_managecpucores") && always == 0) || gCpuCount < 2) {
         return kNotBound;
     }
     const std::scoped_lock hold(EmuFrameMutex());
-    const auto end = gUse.begin() + gCount;
-    const auto least = std::min_element(gUse.begin(), end);
+    const auto end = gCoreUse.begin() + gCpuCount;
+    const auto least = std::min_element(gCoreUse.begin(), end);
     if (*least >= kFull) {
         return kNotBound;
     }
-    const auto number = static_cast<uint32_t>(least - gUse.begin());
+    const auto number = static_cast<uint32_t>(least - gCoreUse.begin());
     if (!SetThreadProcessor(number)) {
         return kNotBound;
     }
@@ -99,8 +99,8 @@ int BindProcessor(int always) {
 void ReleaseProcessor(int token) {
     const std::scoped_lock hold(EmuFrameMutex());
     if (token >= 0 && static_cast<uint32_t>(token) < kTokenLimit &&
-        gUse[static_cast<size_t>(token)] > 0) {
-        --gUse[static_cast<size_t>(token)];
+        gCoreUse[static_cast<size_t>(token)] > 0) {
+        --gCoreUse[static_cast<size_t>(token)];
     }
 }
 
@@ -113,5 +113,5 @@ void ReleaseThisThread(int token) {
 
 uint32_t BoundThreads(uint32_t processor) {
     const std::scoped_lock hold(EmuFrameMutex());
-    return processor < kTokenLimit ? gUse[processor] : 0;
+    return processor < kTokenLimit ? gCoreUse[processor] : 0;
 }

@@ -11,6 +11,7 @@
 #include "front/run_settings.h"
 #include "front/screenshots.h"
 #include "front/settings/bindings.h"
+#include "host/battery_file.h"
 #include "host/session.h"
 
 #include <SDL.h>
@@ -96,11 +97,12 @@ public:
         return code;
     }
 
-    [[nodiscard]] bool OffScreen() const { return offScreen; }
-
 private:
     // Nobody is at the keys, so what the player left is not to be played on.
-    static void LeaveSavesAlone() { static_cast<void>(SetForThisRun("emu_autosaves", "0")); }
+    static void LeaveSavesAlone() {
+        static_cast<void>(SetForThisRun("emu_autosaves", "0"));
+        EmuWriteBatteries(false);
+    }
 
     // In a window, or without one where there is no display at all.
     bool StartSomewhere(std::string& error) {
@@ -126,7 +128,8 @@ private:
     int PlayOn() {
         lastFrame = std::max(lastFrame, options.frames);
         bool over = false;
-        while (!over && application.Round()) {
+        bool ended = false;
+        while (!over && !ended && application.Round()) {
             const uint32_t frame = Application::FramesPresented();
             for (const INPUT_EVENT& event : script.TakeEarliest(frame + 1)) {
                 if (!InjectAction(event.action, event.down)) {
@@ -134,6 +137,9 @@ private:
                 }
             }
             over = lastFrame != 0 && application.FrameShown() >= lastFrame;
+            // A machine that cannot go on was turned off. Who sits at a window may start another game;
+            // a run of so many frames would wait for ever.
+            ended = lastFrame != 0 && !over && !Application::Playing();
             if (!TakeScreenshots(application.FrameShown(), false)) {
                 return kExitFailed;
             }
@@ -142,7 +148,21 @@ private:
             std::printf("%u frames | %s\n", Application::FramesPresented(),
                         EmuFormatStats().c_str());
         }
-        return TakeScreenshots(application.FrameShown(), true) ? kExitDone : kExitFailed;
+        const bool taken = TakeScreenshots(application.FrameShown(), true);
+        return taken && !ended && !ComplainOfMissing() ? kExitDone : kExitFailed;
+    }
+
+    // Of the screenshots that were asked for and whose frame never came.
+    bool ComplainOfMissing() const {
+        bool missing = false;
+        for (const SCREENSHOT_REQUEST& shot : screenshots) {
+            if (!shot.path.empty()) {
+                Complain(shot.path + ": not written, for frame " + std::to_string(shot.frame) +
+                         " was never shown");
+                missing = true;
+            }
+        }
+        return missing;
     }
 
     // The window as it is composed, once its frame has come.

@@ -299,7 +299,7 @@ bool SaveState(EMU_THREAD& session) {
     return saved;
 }
 
-bool LoadState(EMU_THREAD& session) {
+bool LoadState(EMU_THREAD& session, bool& wasThere) {
     const fs::path path = ResolvePath(session.archivePath);
     Bytes archive;
     Bytes state;
@@ -310,6 +310,7 @@ bool LoadState(EMU_THREAD& session) {
         result = FetchState(session, path, archive, state, reports);
     }
     Speak(reports);
+    wasThere = result != EntryResult::kAbsent;
     if (result != EntryResult::kRead) {
         // What could not be read now may be readable at the next save, which must not replace it.
         session.unloadedStateUnkept |= result == EntryResult::kUnreadable;
@@ -343,9 +344,12 @@ bool EmuSaveToArchive(EMU_THREAD& session) {
     }
 }
 
-bool EmuLoadFromArchive(EMU_THREAD& session) {
+bool EmuLoadFromArchive(EMU_THREAD& session, bool* wasThere) {
+    bool isThere = true;
+    bool& there = wasThere != nullptr ? *wasThere : isThere;
+    there = true;
     try {
-        return LoadState(session);
+        return LoadState(session, there);
     } catch (const std::exception& error) {
         session.unloadedStateUnkept = true;
         HostReport(std::string("state not loaded: ") + error.what());

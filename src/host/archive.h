@@ -27,5 +27,6 @@ inline constexpr uint32_t kArchiveLimit = 4194304;
 bool EmuSaveToArchive(EMU_THREAD& session);
 
 // Loads the session's entry. Without one nothing changes. A state that the machine refuses resets it.
-// Either way the static is over. True when the state was taken.
-bool EmuLoadFromArchive(EMU_THREAD& session);
+// Either way the static is over. True when the state was taken; `wasThere` then and when one, or what may
+// hold one, is there all the same.
+bool EmuLoadFromArchive(EMU_THREAD& session, bool* wasThere = nullptr);

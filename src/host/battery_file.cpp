@@ -6,6 +6,7 @@
 #include "host/session.h"
 #include "host/session_private.h"
 
+#include <atomic>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -19,6 +20,8 @@ namespace {
 constexpr uint64_t kReadLimit = uint64_t{1} << 20;
 constexpr char kSuffix[] = ".sav";
 
+std::atomic<bool> gWrites{true};
+
 using Bytes = std::vector<uint8_t>;
 
 CBattery* BatteryOf(const EMU_THREAD& session) {
@@ -31,18 +34,23 @@ std::string Stem(const EMU_THREAD& session) {
     return archive.substr(0, archive.rfind('.') + 1) + session.stateEntryName;
 }
 
+// One that cannot be asked about may well be there; reading it then tells.
 bool Exists(const fs::path& path) {
     std::error_code code;
     return fs::status(path, code).type() != fs::file_type::not_found;
 }
 
 fs::path FreeName(const std::string& stem, const std::string& word) {
+    const auto named = [&](uint32_t number) {
+        return ResolvePath(stem + "." + word + "-" + std::to_string(number) + kSuffix);
+    };
     uint32_t number = 1;
-    fs::path aside;
-    do {
-        aside = ResolvePath(stem + "." + word + "-" + std::to_string(number++) + kSuffix);
-    } while (Exists(aside));
-    return aside;
+    std::error_code code;
+    // A path that cannot even be asked about ends the search: writing to it then says why.
+    while (fs::exists(fs::symlink_status(named(number), code))) {
+        ++number;
+    }
+    return named(number);
 }
 
 // Gives a file that is no memory of this game another name.
@@ -71,10 +79,25 @@ bool KeepOther(const std::string& stem, const Bytes& content) {
     return true;
 }
 
-// What the file is about to lose: as it was found it is kept under one name, and what somebody else has
-// written meanwhile, such as the same game on another television, under a name of its own.
-bool KeepFormer(const std::string& stem, const fs::path& path, const Bytes& expected,
-                bool formerKept) {
+// A write as it is to be done, apart from the session.
+struct BATTERY_WRITE {
+    std::string stem;
+    bool formerKept;
+    bool rolledBack;     // the contents are older than what is in the file
+    bool fileRolledBack; // so was that
+    Bytes expected;      // in the file
+    Bytes contents;
+};
+
+// The caller holds the session.
+BATTERY_WRITE Prepare(EMU_THREAD& session, Bytes contents) {
+    BATTERY_STATUS& battery = session.battery;
+    return {Stem(session),          battery.formerKept, std::exchange(battery.rolledBack, false),
+            battery.fileRolledBack, battery.onDisk,     std::move(contents)};
+}
+
+// What the file is about to lose.
+bool KeepFormer(const BATTERY_WRITE& write, const fs::path& path) {
     if (!Exists(path)) {
         return true;
     }
@@ -84,32 +107,24 @@ bool KeepFormer(const std::string& stem, const fs::path& path, const Bytes& expe
         HostReport(error);
         return false;
     }
-    if (formerKept) {
-        return former == expected || KeepOther(stem, former);
+    if (former != write.expected) {
+        return KeepOther(write.stem, former);
     }
-    if (!WriteFile(ResolvePath(stem + ".before" + kSuffix), former, error)) {
+    if (write.formerKept && (!write.rolledBack || write.fileRolledBack)) {
+        return true;
+    }
+    const char* const word = write.formerKept ? ".before-state" : ".before";
+    if (!WriteFile(ResolvePath(write.stem + word + kSuffix), former, error)) {
         HostReport(error);
         return false;
     }
     return true;
 }
 
-// A write as it is to be done, apart from the session.
-struct BATTERY_WRITE {
-    std::string stem;
-    bool formerKept;
-    Bytes expected; // in the file
-    Bytes contents;
-};
-
-BATTERY_WRITE Prepare(const EMU_THREAD& session, Bytes contents) {
-    return {Stem(session), session.battery.formerKept, session.battery.onDisk, std::move(contents)};
-}
-
 // Gives whether the contents are on the disk now.
 bool Write(const BATTERY_WRITE& write) {
     const fs::path path = ResolvePath(write.stem + kSuffix);
-    if (!KeepFormer(write.stem, path, write.expected, write.formerKept)) {
+    if (!KeepFormer(write, path)) {
         return false;
     }
     std::string error;
@@ -120,18 +135,28 @@ bool Write(const BATTERY_WRITE& write) {
     return true;
 }
 
-bool IsDue(const EMU_THREAD& session, const Bytes& contents) {
-    return !session.battery.untouchable && !contents.empty() &&
-           contents != session.battery.onDisk && contents != session.battery.refused;
+// The caller holds the session.
+bool IsDue(EMU_THREAD& session, const Bytes& contents) {
+    BATTERY_STATUS& battery = session.battery;
+    if (contents == battery.onDisk) {
+        battery.rolledBack = false; // to the same memory
+        return false;
+    }
+    return gWrites && !battery.untouchable && !contents.empty() && contents != battery.refused;
 }
 
-void Note(EMU_THREAD& session, Bytes contents, bool written) {
+// The caller holds the session.
+void Note(EMU_THREAD& session, BATTERY_WRITE& write, bool written) {
+    BATTERY_STATUS& battery = session.battery;
     if (written) {
-        session.battery.onDisk = std::move(contents);
-        session.battery.formerKept = true;
-        session.battery.refused.clear();
+        battery.onDisk = std::move(write.contents);
+        battery.isFile = true;
+        battery.formerKept = true;
+        battery.fileRolledBack = write.rolledBack;
+        battery.refused.clear();
     } else {
-        session.battery.refused = std::move(contents); // the same bytes are not tried again
+        battery.rolledBack |= write.rolledBack;
+        battery.refused = std::move(write.contents); // the same bytes are not tried again
     }
 }
 
@@ -157,6 +182,7 @@ void EmuLoadBattery(EMU_THREAD& session) {
     }
     if (battery->SetBatteryContents(bytes)) {
         session.battery.onDisk = std::move(bytes);
+        session.battery.isFile = true;
         return;
     }
     session.battery.untouchable = !SetAside(stem, bytes.size());
@@ -165,19 +191,14 @@ void EmuLoadBattery(EMU_THREAD& session) {
 
 void EmuBatteryAfterState(EMU_THREAD& session) {
     CBattery* const battery = BatteryOf(session);
-    if (battery == nullptr || session.battery.untouchable) {
-        return;
-    }
-    std::error_code code;
-    const auto written = fs::last_write_time(ResolvePath(Stem(session) + kSuffix), code);
-    if (code) {
-        return;
-    }
-    const auto archived = fs::last_write_time(ResolvePath(session.archivePath), code);
-    if (!code && written > archived) {
-        // Refused only where the file was none of this game's, and its memory is then the state's.
+    if (battery != nullptr && session.battery.isFile) {
+        // It was taken before, and the length is always the same.
         static_cast<void>(battery->SetBatteryContents(session.battery.onDisk));
     }
+}
+
+void EmuWriteBatteries(bool write) {
+    gWrites = write;
 }
 
 void EmuSaveBattery(EMU_THREAD& session) {
@@ -190,7 +211,7 @@ void EmuSaveBattery(EMU_THREAD& session) {
     if (IsDue(session, contents)) {
         BATTERY_WRITE write = Prepare(session, std::move(contents));
         const bool written = Write(write);
-        Note(session, std::move(write.contents), written);
+        Note(session, write, written);
     }
 }
 
@@ -206,11 +227,8 @@ void EmuKeepBatteries() {
         if (battery == nullptr || session.battery.onDisk.empty()) {
             return;
         }
-        Bytes contents;
-        {
-            const SessionHold hold(session);
-            contents = battery->BatteryContents();
-        }
+        const SessionHold hold(session);
+        Bytes contents = battery->BatteryContents();
         if (IsDue(session, contents)) {
             due.push_back({session.serial, Prepare(session, std::move(contents)), false});
         }
@@ -224,7 +242,8 @@ void EmuKeepBatteries() {
     EmuForEachSession([&](EMU_THREAD& session) {
         for (DUE& file : due) {
             if (file.serial == session.serial) {
-                Note(session, std::move(file.write.contents), file.written);
+                const SessionHold hold(session);
+                Note(session, file.write, file.written);
             }
         }
     });

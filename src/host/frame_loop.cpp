@@ -41,6 +41,7 @@ bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vide
     const REWIND_NODE& node = *session.rewindCursor;
     // The machine's own state of a moment ago: it takes it.
     static_cast<void>(session.machine->LoadState(node.state.get(), node.size));
+    session.battery.rolledBack = true;
     RunMachine(session, input, video, audio);
     EmuDrawSpeedGlyph(SpeedGlyph::kBack, video);
     EmuReverseSound(audio);
@@ -71,7 +72,12 @@ void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) 
     }
     if (keys.loadState && !loop.loadWasDown) {
         const std::scoped_lock hold(session.lock);
-        HostNotice(EmuLoadFromArchive(session) ? "State loaded" : "No saved state to load");
+        bool wasThere = false;
+        const bool loaded = EmuLoadFromArchive(session, &wasThere);
+        session.battery.rolledBack |= loaded;
+        HostNotice(loaded     ? "State loaded"
+                   : wasThere ? "The saved state cannot be loaded"
+                              : "No saved state to load");
     }
     loop.saveWasDown = keys.saveState;
     loop.loadWasDown = keys.loadState;

@@ -38,6 +38,10 @@ struct BATTERY_STATUS {
     std::vector<uint8_t> refused; // what could not be written the last time
     bool formerKept = false;      // the file as it was found needs no copy any more
     bool untouchable = false;     // it is there and cannot be read
+    bool isFile = false;          // `onDisk` was read from the file or written to it
+    // A saved state or rewinding has put older memory back since the last write; under the session's lock.
+    bool rolledBack = false;
+    bool fileRolledBack = false; // the same of what was last written
 };
 
 struct EMU_THREAD {

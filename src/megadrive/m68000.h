@@ -22,7 +22,9 @@
 //   - An address error builds no frame and takes no vector: it throws M68K_ADDRESS_ERROR out of the step.
 //   - An exception vector that holds 0 is replaced by vector 15.
 //   - T is kept but traces nothing.
-//   - A DIVU or DIVS that overflows sets N and clears Z, as measured on chips, where the manual has no rule.
+//   - TST of an address register or of a place by the program counter is illegal, as on the 68000 alone.
+//   - A DIVU or DIVS that overflows sets N and clears Z, as real chips are said to, where the manual has no
+//     rule; nobody has measured it.
 //   - TAS writes its operand back as the chip does. This console's bus is said to lose that write; that is
 //     not carried out here.
 // As the part and unlike later types: a branch whose displacement byte is 0xFF is a byte branch by -1, which

@@ -61,11 +61,17 @@ bool Z80BusBlocked(const MEGA_DRIVE& md) {
     return md.z80.enabled == 0 || md.z80.running != 0;
 }
 
+// A program of the Z80 itself that reaches these registers through its window runs on once, not deeper.
 void RunZ80(MEGA_DRIVE& md, uint32_t clocks) {
+    if (md.z80HandingOver) {
+        return;
+    }
+    md.z80HandingOver = true;
     MD_Z80_BUS bus{md};
     for (uint32_t i = 0; i < clocks; ++i) {
         Z80TickOn(md.z80, bus);
     }
+    md.z80HandingOver = false;
 }
 
 void RequestBus(MEGA_DRIVE& md, uint32_t bit) {
@@ -129,7 +135,7 @@ void WriteZ80Side(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
 
 // 1 while the 68000 must not touch the Z80's side.
 uint32_t BusState(const MEGA_DRIVE& md) {
-    return md.z80.enabled == 0 ? 1 : md.z80.running;
+    return md.z80.enabled == 0 || md.z80.running != 0 ? 1 : 0;
 }
 
 uint32_t ReadIoWord(MEGA_DRIVE& md, uint32_t address) {
@@ -179,8 +185,12 @@ void WriteIo(MEGA_DRIVE& md, uint32_t address, uint32_t value, bool isWord) {
 // While a DMA holds the 68000, memory is changed by the Z80 and the signal processor alone. What the Z80
 // writes through its window lets the video chip catch up first; its own memory and the processor's don't.
 bool DmaSourceIsQuiet(const MEGA_DRIVE& md) {
-    const uint32_t source = md.vdp.dmaSource & kMdAddressMask;
-    return md.cartridge.cartKind != kMdCartSvp && (source < kZ80Start || source >= kVideoStart);
+    const auto quiet = [](uint32_t address) {
+        address &= kMdAddressMask;
+        return address < kZ80Start || address >= kVideoStart;
+    };
+    // The next word lies in the 128 KiB of the transfer's start.
+    return md.cartridge.cartKind != kMdCartSvp && quiet(md.vdp.dmaSource) && quiet(md.vdp.dmaBase);
 }
 
 // The window of the video chip, by the low five bits of the address.
@@ -253,7 +263,8 @@ uint32_t ReadFixedWord(MEGA_DRIVE& md, uint32_t address) {
         return IsVideo(address) ? ReadVideo(md, address) : OpenBus(md);
     }
     if (address < kNothingStart) {
-        return RomWord(md, address);
+        return RomWord(
+            md, address); // of the cartridges that have no pages up here; a DMA gets work RAM
     }
     if (address < kZ80Start) {
         return 0;
@@ -266,11 +277,14 @@ uint32_t ReadFixedWord(MEGA_DRIVE& md, uint32_t address) {
 }
 
 // A byte of nothing is the high half of the bus at either address.
-uint32_t ReadFixedByte(MEGA_DRIVE& md, uint32_t address) {
+constexpr uint8_t VideoByte(uint32_t word, uint32_t address) {
     constexpr uint32_t kUnusedPorts = 0x18; // and the seven addresses behind
-    if (address >= kVideoStart && address < kRamStart &&
-        (!IsVideo(address) || (address & kUnusedPorts) == kUnusedPorts)) {
-        return OpenBus(md) >> 8;
+    return HalfAt(word, (address & kUnusedPorts) == kUnusedPorts ? 0 : address);
+}
+
+uint32_t ReadFixedByte(MEGA_DRIVE& md, uint32_t address) {
+    if (address >= kVideoStart && address < kRamStart) {
+        return IsVideo(address) ? VideoByte(ReadVideo(md, address), address) : OpenBus(md) >> 8;
     }
     if (address >= kZ80Start && address < kVideoStart) {
         switch (address >> 16) {
@@ -357,7 +371,7 @@ void MdWriteLong(void* owner, uint32_t address, uint32_t value) {
 uint8_t MdPeekByte(MEGA_DRIVE& md, uint32_t address) {
     address &= kMdAddressMask;
     if (IsVideo(address)) {
-        return HalfAt(PeekVideo(md, address), address);
+        return VideoByte(PeekVideo(md, address), address);
     }
     const auto handler = md.cartridge.readByte[address >> 16];
     if (handler == nullptr) {
@@ -408,7 +422,7 @@ uint8_t MD_Z80_BUS::ReadBeyondRam(uint16_t address) {
     if ((address & 0xFF00) != 0x7F00 || (address & 0xE0) != 0) {
         return 0xFF;
     }
-    return HalfAt(ReadVideo(md, address), address);
+    return VideoByte(ReadVideo(md, address), address);
 }
 
 void MD_Z80_BUS::WriteBeyondRam(uint16_t address, uint8_t value) {

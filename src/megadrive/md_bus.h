@@ -1,7 +1,11 @@
 // The two buses of the Mega Drive: what the 68000 and the Z80 reach at which address.
 //
-// Words of the 68000 map are big-endian values; a byte of one is its high half at the even address. What
-// reads change lies on the callers' side: the Peek functions change nothing.
+// Words of the 68000 map are big-endian values; a byte of one is its high half at the even address. Reads
+// may change the video chip (its address, its status); MdPeekByte changes nothing.
+//
+// Partly decoded, as the board does: an even byte or a word anywhere in 0xA111xx asks for the Z80's bus, and
+// anywhere in 0xA112xx drives its reset line. Of the Z80's 256 addresses from 0x7F00 the first 32 reach the
+// video chip, the others nothing.
 #pragma once
 
 #include "megadrive/md_console.h"

@@ -118,6 +118,7 @@ void MdSettle(MEGA_DRIVE& md) {
     md.fmWaiting = 0;
     md.vdpToEvent = 0;
     md.openBusRead = false;
+    md.z80HandingOver = false;
     md.z80Clock = std::clamp(md.z80Clock, -kMostDebt, kMostDebt);
     md.z80Bank &= kBankMask;
     for (size_t port = 0; port < kMdPads; ++port) {

@@ -11,7 +11,8 @@
 // Order of calls: MdConnect once a cartridge is in (MdCartSetup), MdReset, then MdRunFrame.
 // Differs: the Z80 pays its whole debt of an instruction in the first rounds of it; giving the Z80's bus
 //   away and back moves it by three clocks at once; reads of nothing give the word at the 68000's
-//   program counter; of instructions without time one in 256 takes four cycles; an acknowledged horizontal interrupt drops a waiting vertical one. All kept on purpose.
+//   program counter; after 256 instructions in a row without time one takes four cycles; an acknowledged
+//   horizontal interrupt drops a waiting vertical one. All kept on purpose.
 #pragma once
 
 #include "megadrive/m68000.h"
@@ -50,8 +51,9 @@ struct MEGA_DRIVE {
     uint32_t m68kBusCycles = 0; // since the reset; wraps, and is used as a difference only
     int32_t z80Clock = 0;       // master clocks owed to Z80 and PSG
     uint32_t z80Bank = 0;       // base of the Z80's window, a multiple of 0x8000 below 0x1000000
-    bool openBusRead =
-        false; // guards a read of nothing whose program counter lies in nothing as well
+    // Guards a read of nothing whose program counter lies in nothing as well.
+    bool openBusRead = false;
+    bool z80HandingOver = false; // the Z80 does its last clocks before its bus changes hands
 
     // 68000 cycles for which video and FM chip have not been clocked yet; 0 between frames.
     uint32_t vdpWaiting = 0;

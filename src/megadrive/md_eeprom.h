@@ -9,7 +9,9 @@
 // Differs: the page of a page write is as large as the part. A byte is stored as its eighth clock ends,
 //   with no write time. The device code isn't checked. Address bits that come with the device byte are
 //   ORed to the counter, so a sequential access of a part with such bits stays in the block of 256 bytes
-//   it named, unless that is the first one. All of it is kept on purpose.
+//   it named, unless that is the first one; the address byte of a smaller part clears what a sequential
+//   access has carried above it. A word written to an even address also moves a line that is wired to the
+//   odd one, since the board sees both halves of the bus. All of it is kept on purpose.
 // Sources: published data sheets of the parts.
 #pragma once
 

@@ -24,9 +24,12 @@
 //   pair; beside the window plane A goes on as if there were none, and none of its pixels shows in a window
 //   column; sprite rows of double interlace have ten bits; in a step with both, the access slot comes
 //   before the event; a walk looks at links and the visible limit as it leaves a sprite, at dots after each
-//   8; a data write clears the FIFO's empty flag.
+//   8; a data write clears the FIFO's empty flag; a cell of double interlace is 16 lines of a plane high;
+//   the bases of window and sprite list follow the width that register 12 asks for at once, all else with
+//   the line.
 //   Chosen without a source: a dot goes out in the step of its own `hCount`, behind that step's slot or
-//   event; the rows of the lower border are drawn, for the bound of a row is on the line; a reset clears the
+//   event; the rows of the lower border are drawn, for the bound of a row is on the line; in double
+//   interlace the border is as many rows high as in a plain picture, four lines; a reset clears the
 //   whole record but wiring, picture, tvMode and svpDmaQuirk.
 //   A line without display fetches its cells at 40 cells, where its dots hide them as they go out, so that
 //   the planes are there from the very dot on at which the display comes on. At 32 cells dots hide nothing:
@@ -41,7 +44,8 @@
 struct EMU_VIDEO_FRAME;
 
 inline constexpr uint32_t kMdVdpWidth = 320;
-inline constexpr uint32_t kMdVdpRows = 464; // of the largest picture, 2 * (224 + 8)
+inline constexpr uint32_t kMdVdpRows =
+    464; // of the largest picture, 2 * (224 + 8); 240 doubled lines end there
 inline constexpr size_t kMdVdpPixels = size_t{kMdVdpWidth} * kMdVdpRows;
 inline constexpr size_t kMdVdpVramBytes = 65536;
 inline constexpr size_t kMdVdpLine = 328; // a line buffer, with the end of a shifted cell
@@ -214,7 +218,9 @@ void MdVdpWriteControl(MD_VDP& vdp, uint16_t word);
 // `index` counts modulo 32.
 void MdVdpWriteRegister(MD_VDP& vdp, uint32_t index, uint8_t value);
 
-// The chip's piece of a state, at any step. The drawing goes on in the picture that was last handed over.
+// The chip's piece of a state, at any step: the line and its place in the picture, counters, ports and DMA,
+// memories and registers, then the buffers of the line in progress. The drawing goes on in the picture that
+// was last handed over.
 [[nodiscard]] uint32_t MdVdpStateSize();
 // Writes MdVdpStateSize bytes and gives the byte behind them.
 uint8_t* MdVdpSaveState(const MD_VDP& vdp, uint8_t* out);

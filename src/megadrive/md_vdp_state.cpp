@@ -152,6 +152,7 @@ void RestrainCounters(MD_VDP& vdp) {
     vdp.line = std::min(vdp.line, vdp.totalLines - 1);
     vdp.vCount = std::min(vdp.vCount, vdp.totalLines - 1);
     vdp.stepDebt = std::clamp(vdp.stepDebt, -9, 0);
+    vdp.hCounter = std::clamp(vdp.hCounter, 0, 255);
     // Behind the line's start a pixel never goes out before its step; until then the last line's count
     // stands.
     const uint32_t start = h40 ? 45 : 31;

@@ -14,6 +14,8 @@
 // Slots are kept in the order of their registers: operators 1, 3, 2, 4. Within a sample they are
 //   computed in the order 1, 2, 3, 4, so that every one hears its modulators of the same sample. The
 //   part computes them as 1, 3, 2, 4 and hears some of them a sample late; no such delay is kept here.
+// A modulator moves whole steps of the phase: the carrier's own fraction is dropped before, as on the part.
+// With pitches of its own each operator of channel 3 has its own vibrato.
 // Differs: registers take effect at once and the chip is never busy. The output has its full range,
 //   without the step of the part's DAC around zero. All channels are computed at the 144th clock, in
 //   which timers, too, move by one. The four operators' own pitches on channel 3 need bit 6 of the
@@ -22,7 +24,7 @@
 //   attenuation and pitch in force. Vibrato that carries past F-number 2,047 goes on low in the next
 //   block. While an SSG envelope runs, its level is turned over by the alternate bit alone, and to
 //   1,023 - level; only key presses, levels that are written and the ends of a ramp go by the part's
-//   own rule (512 - level, by the attack bit and the ramp's turn). A rate with its key scale of 94 and
+//   own rule (512 - level, by the attack bit and the ramp's turn), as does a key let go in ten bits. A rate with its key scale of 94 and
 //   above stops the steps of an attack alone; the other rates there step at their fastest. A slot that
 //   was cleared is silent, at volume 1,023. These are kept on purpose.
 #pragma once
@@ -149,8 +151,8 @@ struct YM2612 {
     AudioResampler resampler; // holds the sound that is ready for the machine
 };
 
-// `clock` in Hz. Clears slots and channels. Reads the sound settings, so it is called again when those
-// change. Forgets sound that wasn't taken.
+// `clock` in Hz. Clears slots and channels, so Ym2612Reset follows. The sound settings are those of the
+// call. Forgets sound that wasn't taken.
 void Ym2612SetClock(YM2612& ym, uint32_t clock);
 
 // The chip's reset line, which the console's programs pull at any time. So what sounded until now

@@ -81,7 +81,7 @@ protected:
 } // namespace
 
 TEST_F(Headless, ThereIsAGameForEachMachineThatIsBuiltIn) {
-    for (const char* prefix : {"demo:sms-", "demo:gg-", "demo:arcade-"}) {
+    for (const char* prefix : {"demo:sms-", "demo:gg-", "demo:md-", "demo:nes-", "demo:arcade-"}) {
         EXPECT_TRUE(std::any_of(demos.begin(), demos.end(), [prefix](const std::string& name) {
             return name.starts_with(prefix);
         })) << prefix;

@@ -258,8 +258,7 @@ uint32_t Bilinear(const ENLARGED& picture, double u, double v) {
     return colour;
 }
 
-// The worst difference between the window and what it should show; `away` counts pixels beyond
-// `tolerance`.
+// Counts the pixels of the window that are not what it should show.
 void CompareWindow(Application& application, const Application::VIEW& view) {
     const std::vector<uint32_t> window = application.ReadWindow();
     const auto width = static_cast<int>(application.MainWindow().PixelWidth());
@@ -284,18 +283,21 @@ void CompareWindow(Application& application, const Application::VIEW& view) {
             }
             const double u = expected.texelX + 0.5 + across * (expected.texelWidth - 1);
             const double v = expected.texelY + 0.5 + down * (expected.texelHeight - 1);
-            int best = 255;
+            const auto fits = [&](double nudge, double lift) {
+                const uint32_t wanted = view.linear
+                                            ? Bilinear(source, u + nudge, v + lift)
+                                            : source.At(static_cast<int>(std::floor(u + nudge)),
+                                                        static_cast<int>(std::floor(v + lift)));
+                return Distance(wanted, shown) <= tolerance;
+            };
+            bool found = fits(0, 0);
             // Just on the border of two texels rounding decides.
             for (const double nudge : {-0.02, 0.0, 0.02}) {
                 for (const double lift : {-0.02, 0.0, 0.02}) {
-                    const uint32_t wanted = view.linear
-                                                ? Bilinear(source, u + nudge, v + lift)
-                                                : source.At(static_cast<int>(std::floor(u + nudge)),
-                                                            static_cast<int>(std::floor(v + lift)));
-                    best = std::min(best, Distance(wanted, shown));
+                    found = found || fits(nudge, lift);
                 }
             }
-            away += best > tolerance ? 1 : 0;
+            away += found ? 0 : 1;
         }
     }
     EXPECT_EQ(away, 0) << "of " << width * height;

@@ -1,5 +1,6 @@
 #include "base/files.h"
 #include "host/battery_file.h"
+#include "host/frame_loop.h"
 #include "host/host_fixture.h"
 
 #include <algorithm>
@@ -178,21 +179,24 @@ TEST_F(BatteryFile, AWriteThatFailedIsNotTakenForOneThatCameLater) {
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 1));
 }
 
-// The autosave holds the memory of its own time.
-TEST_F(BatteryFile, TheNewerOfFileAndAutosaveCounts) {
+// The autosave holds the memory of its own time, which after a crash is older than the file's.
+TEST_F(BatteryFile, TheFilesMemoryGoesBackOverTheAutosaves) {
     Put(Bytes(kBatteryBytes, 9));
-    home.Write("sms/saves/game.zip", Bytes{1});
-    const fs::path archive = Folder() / "game.zip";
-    const auto now = fs::file_time_type::clock::now();
-    for (const bool fileIsNewer : {false, true}) {
-        const auto session = Create(WithBattery());
-        EmuLoadBattery(*session);
-        Fill(*session, 5); // by the state
-        fs::last_write_time(archive, now);
-        fs::last_write_time(Path(), now + std::chrono::seconds(fileIsNewer ? 2 : -2));
-        EmuBatteryAfterState(*session);
-        EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, fileIsNewer ? 9 : 5));
-    }
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Fill(*session, 5); // by the state
+    EmuBatteryAfterState(*session);
+    EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, 9));
+}
+
+TEST_F(BatteryFile, AFileOfAnotherLengthLeavesTheAutosavesMemory) {
+    Put(Bytes(3, 9));
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Fill(*session, 5);
+    EmuBatteryAfterState(*session);
+    EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, 5));
+    TakeReports();
 }
 
 TEST_F(BatteryFile, WithoutAFileTheAutosavesMemoryStays) {
@@ -201,6 +205,100 @@ TEST_F(BatteryFile, WithoutAFileTheAutosavesMemoryStays) {
     Fill(*session, 5);
     EmuBatteryAfterState(*session);
     EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, 5));
+}
+
+// What the game saved is not lost by going back in time, however often.
+TEST_F(BatteryFile, WhatAStateOrRewindingTakesBackIsKept) {
+    const fs::path former = Folder() / "game.a5a5a5a5a5a5.before-state.sav";
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Fill(*session, 1); // by the game
+    EmuSaveBattery(*session);
+    EXPECT_FALSE(fs::exists(former));
+
+    session->battery.rolledBack = true;
+    Fill(*session, 2);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 2));
+    EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 1));
+
+    session->battery.rolledBack = true; // further back: nothing that the game wrote is in the file
+    Fill(*session, 3);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 1));
+
+    Fill(*session, 4); // by the game again
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 1));
+    session->battery.rolledBack = true;
+    Fill(*session, 5);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 4));
+    EXPECT_TRUE(TakeReports().empty());
+}
+
+TEST_F(BatteryFile, GoingBackToTheSameMemoryCountsForNothing) {
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Fill(*session, 1);
+    EmuSaveBattery(*session);
+    session->battery.rolledBack = true; // and the state held the same
+    EmuSaveBattery(*session);
+    Fill(*session, 2); // by the game
+    EmuSaveBattery(*session);
+    session->battery.rolledBack = true;
+    Fill(*session, 1);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.before-state.sav"), Bytes(kBatteryBytes, 2));
+}
+
+TEST_F(BatteryFile, RewindingCountsAsGoingBack) {
+    const auto session = Create(WithBattery());
+    std::vector<uint32_t> pixels(size_t{320} * 240);
+    EMU_VIDEO_FRAME video{};
+    video.pixels = pixels.data();
+    SOUND_FRAME sound;
+    EMU_INPUT_STATE input{};
+    ASSERT_TRUE(EmuStep(*session, &input, &video, &sound.frame, false));
+    ASSERT_TRUE(EmuStep(*session, &input, &video, &sound.frame, false));
+    EXPECT_FALSE(session->battery.rolledBack);
+    ASSERT_TRUE(EmuStep(*session, &input, &video, &sound.frame, true));
+    EXPECT_TRUE(session->battery.rolledBack);
+}
+
+TEST_F(BatteryFile, NothingIsWrittenWhereNobodyPlays) {
+    Put(Bytes(kBatteryBytes, 7));
+    EmuWriteBatteries(false);
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Fill(*session, 8);
+    EmuSaveBattery(*session);
+    EmuWriteBatteries(true);
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 7));
+    EXPECT_EQ(Names().size(), 1u);
+}
+
+TEST_F(BatteryFile, OneThatIsTooLongToBeReadIsNeverTouched) {
+    const Bytes huge((size_t{1} << 20) + 1, 1);
+    Put(huge);
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    EXPECT_EQ(TakeReports().size(), 1u);
+    Fill(*session, 3);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(Path()), huge);
+    EXPECT_EQ(Names().size(), 1u);
+}
+
+TEST_F(BatteryFile, OneThatAppearsAfterTheStartIsSomebodyElses) {
+    const auto session = Create(WithBattery());
+    EmuLoadBattery(*session);
+    Put(Bytes(kBatteryBytes, 2));
+    Fill(*session, 3);
+    EmuSaveBattery(*session);
+    EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 3));
+    EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.other-1.sav"), Bytes(kBatteryBytes, 2));
+    EXPECT_EQ(TakeReports().size(), 1u);
 }
 
 TEST_F(BatteryFile, RunningGamesAreKeptWithoutAStop) {

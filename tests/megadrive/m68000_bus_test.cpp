@@ -164,6 +164,28 @@ TEST(M68000Bus, AnOddJumpFailsAtTheNextFetch) {
     EXPECT_EQ(rig.cpu.aerrCode, 6U);
 }
 
+TEST(M68000Bus, AnOddJumpInUserStateHasCodeTwo) {
+    TEST_68000 rig{0x4ED0}; // JMP (A0)
+    rig.SetStatus(0);
+    rig.A(0) = 0x2001;
+    EXPECT_FALSE(rig.StepFails());
+    EXPECT_TRUE(rig.StepFails());
+    EXPECT_EQ(rig.cpu.aerrAddress, 0x2001U);
+    EXPECT_EQ(rig.cpu.aerrCode, 2U);
+}
+
+// The stack of the supervisor, which the entry has just taken up.
+TEST(M68000Bus, AnOddStackAtAnEntryFromUserStateHasCodeFive) {
+    TEST_68000 rig{0x4E40}; // TRAP #0
+    rig.A(7) = 0x8001;
+    rig.SetStatus(0);
+    rig.A(7) = 0x7000;
+    EXPECT_TRUE(rig.StepFails());
+    EXPECT_EQ(rig.cpu.aerrAddress, 0x7FFDU);
+    EXPECT_EQ(rig.cpu.aerrMode, 0U);
+    EXPECT_EQ(rig.cpu.aerrCode, 5U);
+}
+
 TEST(M68000Bus, ABranchByMinusOneIsAnOddJumpNotALongBranch) {
     TEST_68000 rig{0x60FF, 0x0000, 0x0100};
     EXPECT_FALSE(rig.StepFails());

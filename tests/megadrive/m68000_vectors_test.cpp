@@ -178,8 +178,8 @@ REGISTERS Registers(M68K_STATE& cpu) {
     return actual;
 }
 
-// Bits of the status word that the manual leaves open, where this processor goes by measurements of
-// another kind of chip than the cases do.
+// Bits of the status word that the manual leaves open, where this processor goes by published notes on
+// real chips and the cases by something else.
 uint32_t OpenFlags(const CASE& test) {
     constexpr uint32_t kN = 8;
     constexpr uint32_t kZ = 4;

@@ -372,6 +372,27 @@ TEST(MdState, OfAnotherCartridgeIsRefused) {
     EXPECT_FALSE(Start(kCases[0])->LoadState(saved.blob.get(), saved.size));
 }
 
+// Most cartridges have eight bits of memory, at the odd addresses: the first byte is the one at the start.
+TEST(MdState, BatteryMemoryAtOddAddressesBeginsWithItsFirstByte) {
+    MdProgram program;
+    program.Text(0x1B0, "RA")
+        .Bytes(0x1B2, {0xF8, 0x20})
+        .PutLong(0x1B4, 0x200001)
+        .PutLong(0x1B8, 0x203FFF);
+    const auto machine = StartMd(program.Stop());
+    MEGA_DRIVE& md = machine->Console();
+    MdWriteByte(&md, 0x200001, 0x12);
+    MdWriteByte(&md, 0x200003, 0x34);
+    std::vector<uint8_t> bytes = machine->BatteryContents();
+    ASSERT_GE(bytes.size(), 3U);
+    EXPECT_EQ(bytes[0], 0x12);
+    EXPECT_EQ(bytes[2], 0x34);
+    bytes[2] = 0x78;
+    EXPECT_TRUE(machine->SetBatteryContents(bytes));
+    EXPECT_EQ(MdReadByte(&md, 0x200003), 0x78U);
+    EXPECT_EQ(MdReadByte(&md, 0x200001), 0x12U);
+}
+
 TEST(MdState, BatteryMemoryGoesOutAndInInTheConsolesOrder) {
     const auto machine = Start(kCases[2]);
     MEGA_DRIVE& md = machine->Console();
@@ -385,6 +406,7 @@ TEST(MdState, BatteryMemoryGoesOutAndInInTheConsolesOrder) {
     bytes[2] = 0x78;
     EXPECT_TRUE(machine->SetBatteryContents(bytes));
     EXPECT_EQ(MdReadWord(&md, 0x200002), 0x7856U);
+    EXPECT_EQ(MdReadForDma(&md, 0x200002), 0x7856U) << "a transfer goes by the cartridge's pages";
     EXPECT_FALSE(machine->SetBatteryContents(std::span(bytes).first(100)));
     EXPECT_TRUE(Start(kCases[0])->BatteryContents().empty());
     EXPECT_EQ(Start(kCases[3])->BatteryContents().size(), 128U) << "the size of the EEPROM";

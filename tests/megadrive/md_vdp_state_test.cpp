@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <random>
 #include <vector>
 
@@ -116,6 +117,18 @@ TEST(MdVdpState, RestoresInTheMiddleOfADma) {
     }
     EXPECT_EQ(first.reads, second.reads);
     EXPECT_EQ(Save(*first.vdp), Save(*second.vdp));
+}
+
+// One less than the lowest number would be none.
+TEST(MdVdpState, ALineCounterOutOfItsRangeComesBackIntoIt) {
+    MdVdpRig rig;
+    for (const int32_t counter : {std::numeric_limits<int32_t>::min(), -2, 256, 1 << 30}) {
+        rig.vdp->hCounter = counter;
+        ASSERT_EQ(Load(*rig.vdp, Save(*rig.vdp)), MdVdpStateSize());
+        EXPECT_GE(rig.vdp->hCounter, 0);
+        EXPECT_LE(rig.vdp->hCounter, 255);
+        rig.RunTo(3, 0);
+    }
 }
 
 // Bytes of no chip: what counts or points is brought back into its range, and the chip runs on.

@@ -1,5 +1,7 @@
 // The Mega Drive as a whole: its start, both buses, interrupts and frames.
 #include "megadrive/md_rig.h"
+#include "sega8/z80_steps.h"
+#include "sega8/z80_tick.h"
 
 #include <cmath>
 #include <cstring>
@@ -364,6 +366,47 @@ TEST_F(MegaDrive, Z80ResetRunsItOnAndResetsTheFmChipEachTime) {
     }
 }
 
+// The Z80 itself asks for its bus through its window, and resets itself; what it loses is its own.
+TEST_F(MegaDrive, Z80ReachesItsOwnControlRegistersThroughItsWindow) {
+    MD_Z80_BUS bus{md};
+    md.z80Bank = 0xA10000;
+    bus.Write(0x9100, 1);
+    EXPECT_EQ(md.z80.busHold, 1u);
+    bus.Write(0x9101, 0); // an odd byte is none
+    EXPECT_EQ(md.z80.busHold, 1u);
+    bus.Write(0x9100, 0);
+    EXPECT_EQ(md.z80.busHold, 0u);
+    md.fm.dacEnabled = 0x80;
+    md.z80Bank = 0xA10000;
+    bus.Write(0x9200, 0);
+    EXPECT_EQ(md.z80.enabled, 0u);
+    EXPECT_EQ(md.fm.dacEnabled, 0);
+}
+
+// Steps that all write to the register which runs the Z80 on: no program makes such a queue, but a damaged
+// state may hold one.
+TEST_F(MegaDrive, AZ80ThatRunsItselfOnDoesSoOnce) {
+    md.z80.enabled = 1;
+    md.z80.running = 1;
+    md.z80.queue.fill(static_cast<uint8_t>(Z80Step::kTToMemory));
+    md.z80.wz = 0x9100;
+    md.z80Bank = 0xA10000;
+    const uint32_t before = md.z80.queueIndex;
+    MD_Z80_BUS bus{md};
+    Z80TickOn(md.z80, bus);
+    EXPECT_EQ((md.z80.queueIndex - before) % kZ80QueueSize, 4u) << "its own step and three more";
+    EXPECT_FALSE(md.z80HandingOver);
+}
+
+TEST_F(MegaDrive, UnusedVideoPortsAreTheSameFromTheZ80AndToALook) {
+    const uint32_t open = OpenBus();
+    MD_Z80_BUS bus{md};
+    for (uint32_t port = 0x18; port < 0x20; ++port) {
+        EXPECT_EQ(MdPeekByte(md, 0xC00000 | port), open >> 8) << port;
+        EXPECT_EQ(bus.Read(static_cast<uint16_t>(0x7F00 | port)), open >> 8) << port;
+    }
+}
+
 TEST_F(MegaDrive, PlainCartridgeHasNoMailbox) {
     const uint32_t open = OpenBus();
     WriteWord(0xA15000, 0x1234);
@@ -586,6 +629,31 @@ TEST(MegaDriveFrame, MixesAsMuchAsTheChipThatIsAheadHas) {
         EXPECT_TRUE(md.fm.resampler.Output().empty() || md.psg.resampler.Output().empty());
         EXPECT_LT(md.fm.resampler.Output().size(), AudioResampler::kKeptValues) << i;
         EXPECT_LT(md.psg.resampler.Output().size(), AudioResampler::kKeptValues) << i;
+    }
+}
+
+// The chip that is ahead sets the count, and the other one is pulled up to it.
+TEST(MegaDriveFrame, MixesAtTheLargerCountAndPullsTheOtherChipUp) {
+    for (const bool fmIsAhead : {true, false}) {
+        SCOPED_TRACE(fmIsAhead ? "FM" : "PSG");
+        const auto machine = StartMd(MdProgram().Stop());
+        MEGA_DRIVE& md = machine->Console();
+        MACHINE_RIG rig;
+        for (int i = 0; i < 3; ++i) {
+            rig.Frame(*machine); // the first ones fill the resamplers
+        }
+        const uint32_t usual = rig.audio.sampleCount;
+        AudioResampler& ahead = fmIsAhead ? md.fm.resampler : md.psg.resampler;
+        AudioResampler& behind = fmIsAhead ? md.psg.resampler : md.fm.resampler;
+        // 20 pairs more than the frame brings, whatever the resampler makes of them.
+        const int extra = fmIsAhead ? 20 * 53267 / 44100 : 20 * 223722 / 44100;
+        std::vector<int16_t> pairs(static_cast<size_t>(extra) * 2, 100);
+        EXPECT_GT(ahead.Push(pairs.data(), extra * 2), 0);
+        rig.Frame(*machine);
+        EXPECT_GE(rig.audio.sampleCount, usual + 18);
+        EXPECT_LE(rig.audio.sampleCount, usual + 22);
+        EXPECT_TRUE(ahead.Output().empty()) << "all of it is mixed";
+        EXPECT_LT(behind.Output().size(), AudioResampler::kKeptValues);
     }
 }
 

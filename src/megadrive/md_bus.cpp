@@ -236,7 +236,10 @@ void WriteVideo(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
     case 8:
     case 9:
     case 10:
-    case 11: PsgWrite(md.psg, static_cast<uint8_t>(word)); break;
+    case 11:
+        MdCatchUpPsg(md);
+        PsgWrite(md.psg, static_cast<uint8_t>(word));
+        break;
     default: break;
     }
     MdFindEvent(md); // it may have work now
@@ -409,6 +412,11 @@ void MdCatchUpSound(MEGA_DRIVE& md) {
         Ym2612Run(md.fm, md.fmWaiting);
         md.fmWaiting = 0;
     }
+}
+
+void MdCatchUpPsg(MEGA_DRIVE& md) {
+    PsgRun(md.psg, md.psgWaiting);
+    md.psgWaiting = 0;
 }
 
 uint8_t MD_Z80_BUS::ReadBeyondRam(uint16_t address) {

@@ -26,9 +26,10 @@ void MdWriteLong(void* owner, uint32_t address, uint32_t value); // the high wor
 // The video chip's way to memory in a transfer.
 [[nodiscard]] uint16_t MdReadForDma(void* owner, uint32_t address);
 
-// Lets video and FM chip catch up with the 68000, in the fast loop.
+// Lets video and FM chip catch up with the 68000, and the PSG with the Z80's clock, in the fast loop.
 void MdCatchUpVideo(MEGA_DRIVE& md);
 void MdCatchUpSound(MEGA_DRIVE& md);
+void MdCatchUpPsg(MEGA_DRIVE& md);
 // Looks how long the video chip, which is up to date, may now wait.
 void MdFindEvent(MEGA_DRIVE& md);
 

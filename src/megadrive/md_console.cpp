@@ -104,6 +104,7 @@ void MdReset(MEGA_DRIVE& md) {
     md.z80Clock = 0;
     md.vdpWaiting = 0;
     md.fmWaiting = 0;
+    md.psgWaiting = 0;
     MdIoReset(md.io);
     Z80Reset(md.z80);
     md.m68kBusCycles = 0;

@@ -55,9 +55,11 @@ struct MEGA_DRIVE {
     bool openBusRead = false;
     bool z80HandingOver = false; // the Z80 does its last clocks before its bus changes hands
 
-    // 68000 cycles for which video and FM chip have not been clocked yet; 0 between frames.
+    // 68000 cycles for which video and FM chip have not been clocked yet, and clocks of the PSG; 0 between
+    // frames.
     uint32_t vdpWaiting = 0;
     uint32_t fmWaiting = 0;
+    uint32_t psgWaiting = 0;
     uint32_t vdpToEvent = 0; // cycles from the last one that was run to where others may notice
 
     alignas(8) std::array<uint16_t, kMdWorkRamBytes / 2> workRam{};

@@ -1,8 +1,8 @@
 // The frame loops of the Mega Drive.
 //
 // The plain loop is the console: an instruction of the 68000, then a round for each of its cycles with
-// Z80, PSG, FM chip and video chip in this order. In the late one the FM and the video chip wait until
-// somebody could tell: one of their addresses is reached, or the video chip comes to where it drives a line
+// Z80, PSG, FM chip and video chip in this order. In the late one both sound chips and the video chip wait
+// until somebody could tell: one of their addresses is reached, or the video chip comes to where it drives a line
 // or moves memory.
 #include "megadrive/m68000_step.h"
 #include "megadrive/md_bus.h"
@@ -14,15 +14,11 @@
 
 namespace {
 
-[[gnu::always_inline]] inline void ClockZ80AndPsg(MEGA_DRIVE& md, MD_Z80_BUS& bus) {
-    Z80TickOn(md.z80, bus);
-    PsgTick(md.psg);
-    md.z80Clock -= kMdZ80Clocks;
-}
-
 [[gnu::always_inline]] inline void RunRound(MEGA_DRIVE& md, MD_Z80_BUS& bus) {
     if (md.z80Clock >= kMdZ80Clocks) {
-        ClockZ80AndPsg(md, bus);
+        Z80TickOn(md.z80, bus);
+        PsgTick(md.psg);
+        md.z80Clock -= kMdZ80Clocks;
     }
     Ym2612Tick(md.fm);
     MdVdpClock(md.vdp);
@@ -73,6 +69,7 @@ void CatchUpToEvent(MEGA_DRIVE& md) {
     MD_Z80_BUS bus{md};
     MdCatchUpVideo(md);
     MdCatchUpSound(md);
+    MdCatchUpPsg(md);
     for (uint32_t i = 0; i < cycles; ++i) {
         RunRound(md, bus);
     }
@@ -91,7 +88,9 @@ void RunFrameLate(MEGA_DRIVE& md) {
             if (rounds == 0 || md.z80Clock < kMdZ80Clocks) [[likely]] {
                 break;
             }
-            ClockZ80AndPsg(md, bus); // which may write to the video chip and bring an event near
+            Z80TickOn(md.z80, bus); // which may write to the video chip and bring an event near
+            md.z80Clock -= kMdZ80Clocks;
+            ++md.psgWaiting;
             ++md.vdpWaiting;
             ++md.fmWaiting;
             --rounds;
@@ -105,6 +104,7 @@ void RunFrameLate(MEGA_DRIVE& md) {
     }
     MdCatchUpVideo(md);
     MdCatchUpSound(md);
+    MdCatchUpPsg(md);
 }
 
 } // namespace

@@ -30,8 +30,12 @@ inline constexpr uint32_t kMdVdpFlipX = 0x0800;
 inline constexpr uint32_t kMdVdpFlipY = 0x1000;
 
 [[nodiscard]] inline uint32_t MdVdpVramWord(const MD_VDP& vdp, uint32_t address) {
-    address &= 0xFFFE;
-    return vdp.vram[address] | uint32_t{vdp.vram[address + 1]} << 8;
+    uint16_t word = 0;
+    std::memcpy(&word, &vdp.vram[address & 0xFFFE], sizeof word);
+    if constexpr (std::endian::native == std::endian::big) {
+        word = static_cast<uint16_t>(word << 8 | word >> 8);
+    }
+    return word;
 }
 
 inline void MdVdpStoreVramWord(MD_VDP& vdp, uint32_t address, uint32_t word) {

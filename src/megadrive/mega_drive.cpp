@@ -221,6 +221,7 @@ void CMegaDrive::RunProgram() {
     } catch (const M68K_ADDRESS_ERROR&) {
         MdCatchUpVideo(md);
         MdCatchUpSound(md);
+        MdCatchUpPsg(md);
         MdSettle(md);
         End();
     }

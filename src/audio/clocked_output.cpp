@@ -48,7 +48,8 @@ struct ClockedOutput::Private {
         const Clock::time_point start = Clock::now();
         uint64_t pulled = 0;
         std::unique_lock guard(lock);
-        while (!changed.wait_until(guard, start + Duration(pulled, rate), [this] { return ending; })) {
+        while (
+            !changed.wait_until(guard, start + Duration(pulled, rate), [this] { return ending; })) {
             guard.unlock();
             const std::chrono::nanoseconds now = Clock::now() - start;
             pulled = FramesAfterStandstill(pulled, now.count(), rate);

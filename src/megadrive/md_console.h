@@ -34,6 +34,7 @@ inline constexpr int32_t kMdZ80Clocks = 15;   // of a Z80 clock
 inline constexpr size_t kMdWorkRamBytes = 65536;
 inline constexpr size_t kMdZ80RamBytes = 8192;
 inline constexpr uint32_t kMdAddressMask = 0xFFFFFF;
+inline constexpr uint32_t kMdIoPage = 0xA1; // of 64 KiB: the I/O chip and what controls the Z80
 
 struct MEGA_DRIVE {
     M68K_STATE cpu;

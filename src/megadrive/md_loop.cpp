@@ -76,24 +76,81 @@ void CatchUpToEvent(MEGA_DRIVE& md) {
     MdFindEvent(md);
 }
 
+// The Z80's bus while it does several clocks at once: the rounds that are over are counted when it reaches
+// beyond its own memory. It stops where the video chip then comes near an event, and where it may have run
+// itself on or away.
+struct MD_LATE_Z80_BUS {
+    MEGA_DRIVE& md;
+    uint32_t rounds; // that the instruction still has at the first clock
+    MD_Z80_BUS bus{md};
+    uint32_t clock = 0;   // of this run
+    uint32_t counted = 0; // clocks whose rounds are counted
+    bool stops = false;
+
+    void At(uint32_t now) { clock = now; }
+    [[nodiscard]] bool Stops() const { return stops; }
+    [[nodiscard]] bool EventIsNear() const {
+        return md.vdpWaiting + (rounds - counted) >= md.vdpToEvent;
+    }
+    void Count(uint32_t now) {
+        const uint32_t passed = now - counted;
+        md.vdpWaiting += passed;
+        md.fmWaiting += passed;
+        md.psgWaiting += passed;
+        md.z80Clock -= static_cast<int32_t>(passed) * kMdZ80Clocks;
+        counted = now;
+    }
+
+    uint8_t Read(uint16_t address) {
+        if (address >= 0x4000) [[unlikely]] {
+            Count(clock);
+        }
+        return bus.Read(address);
+    }
+    uint8_t ReadOpcode(uint16_t address) { return Read(address); }
+    static uint8_t IoRead(uint16_t port) { return MD_Z80_BUS::IoRead(port); }
+    static void IoWrite(uint16_t port, uint8_t value) { MD_Z80_BUS::IoWrite(port, value); }
+    void Write(uint16_t address, uint8_t value) {
+        if (address < 0x4000) [[likely]] {
+            bus.Write(address, value);
+            return;
+        }
+        Count(clock);
+        const bool reachesItself = address >= 0x8000 && md.z80Bank >> 16 == kMdIoPage;
+        bus.Write(address, value);
+        stops |= reachesItself || EventIsNear();
+    }
+};
+
+// As many of the Z80's clocks as fall into the next rounds; gives how many that were. The whole debt of an
+// instruction is there at its start, so they fall into its first ones.
+uint32_t RunZ80(MEGA_DRIVE& md, uint32_t rounds) {
+    if (md.z80Clock < kMdZ80Clocks) {
+        return 0;
+    }
+    const uint32_t clocks =
+        std::min(static_cast<uint32_t>(md.z80Clock) / static_cast<uint32_t>(kMdZ80Clocks), rounds);
+    MD_LATE_Z80_BUS bus{md, rounds};
+    // Where its bus is away or its reset line is low, clocks do nothing.
+    const bool stands = md.z80.enabled == 0 || (md.z80.running == 0 && md.z80.busHold != 0);
+    const uint32_t done = stands ? clocks : clocks - Z80RunOn(md.z80, bus, clocks);
+    bus.Count(done);
+    return done;
+}
+
 template <bool svp>
 void RunFrameLate(MEGA_DRIVE& md) {
-    MD_Z80_BUS bus{md};
     uint32_t freeSteps = 0;
     CatchUpToEvent(md);
     while (md.vdp.frameDone == 0) {
         uint32_t rounds = RunInstruction<svp>(md, freeSteps);
-        // The whole debt is there at the start, so the clocks fall into the first rounds.
+        // The Z80 may write to the video chip and bring an event near.
         while (md.vdpWaiting + rounds < md.vdpToEvent) {
-            if (rounds == 0 || md.z80Clock < kMdZ80Clocks) [[likely]] {
+            const uint32_t done = RunZ80(md, rounds);
+            if (done == 0) {
                 break;
             }
-            Z80TickOn(md.z80, bus); // which may write to the video chip and bring an event near
-            md.z80Clock -= kMdZ80Clocks;
-            ++md.psgWaiting;
-            ++md.vdpWaiting;
-            ++md.fmWaiting;
-            --rounds;
+            rounds -= done;
         }
         if (md.vdpWaiting + rounds >= md.vdpToEvent) [[unlikely]] {
             RunRoundsUpToDate(md, rounds);

@@ -89,7 +89,9 @@ struct Z80 {
 
     std::array<uint8_t, kZ80QueueSize + kZ80QueueRoom> queue{}; // steps of the present instruction
     uint32_t queueIndex = 0;                                    // next step, 0..31
-    const Z80Template* program = nullptr; // the template last written to the queue; not saved
+    // The template of the decoded opcode, which the queue holds from index `programAt` on; not saved.
+    const Z80Template* program = nullptr;
+    uint32_t programAt = 0;
     std::array<uint32_t, kZ80RegisterCount> regs{}; // by Z80Register; the low 16 bits count
     uint32_t r7 = 0;                                // R; the low seven bits count
     uint32_t r8 = 0;                                // top bit of R, 0 or 0x80

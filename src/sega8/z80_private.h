@@ -12,6 +12,7 @@ static_assert(kZ80TemplateSize <= kZ80QueueRoom + 1, "a template fits behind the
 inline void Z80WriteTemplate(Z80& z80, const Z80Template& from) {
     std::memcpy(&z80.queue[z80.queueIndex], from.steps.data(), kZ80TemplateSize);
     z80.program = &from;
+    z80.programAt = z80.queueIndex;
 }
 void Z80WriteTemplate(Z80& z80, const Z80Template&& from) = delete; // it has to last
 

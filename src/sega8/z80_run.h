@@ -6,8 +6,11 @@
 //
 // The bus has what Z80TickOn asks for, and
 //     void At(uint32_t clock);
-// which is called ahead of what may touch a port: so many clocks of this run are over. Its accesses may
-// change irqLine and nmiEdge but neither busHold nor enabled.
+// which is called ahead of what may touch a port, and of a fetch: so many clocks of this run are over. Its
+// accesses may change irqLine and nmiEdge. A bus whose accesses may change busHold or enabled as well, or
+// that must see to something else first, also has
+//     bool Stops() const;
+// which is asked behind each of them and ends the run.
 #pragma once
 
 #include "sega8/z80.h"
@@ -20,14 +23,33 @@ namespace z80_detail {
 
 inline constexpr uint32_t kDecodedAt = 3; // the clocks of fetch and decode
 
+template <typename Bus>
+inline bool Stops(const Bus& bus) {
+    if constexpr (requires { bus.Stops(); }) {
+        return bus.Stops();
+    } else {
+        return false;
+    }
+}
+
 inline bool StartsInstruction(const Z80& z80) {
     return z80.queueIndex == 0 && z80.queue[0] == static_cast<uint8_t>(Z80Step::kStart) &&
            z80.pendingInterrupt == kZ80NoInterrupt;
 }
 
-// The first three clocks.
+// Whether it stands at a step of its program that is followed by an action.
+inline bool IsInProgram(const Z80& z80) {
+    if (z80.program == nullptr || z80.queueIndex < z80.programAt) {
+        return false;
+    }
+    const uint32_t done = z80.queueIndex - z80.programAt;
+    return done < 32 && z80.program->actions >> done != 0;
+}
+
+// The first three clocks, of which `over` were over at the first.
 template <typename Bus>
-inline void FetchAndDecode(Z80& z80, Bus& bus) {
+inline void FetchAndDecode(Z80& z80, Bus& bus, uint32_t over) {
+    bus.At(over + 1);
     z80.eiDelay = 0;
     z80.queue[1] = static_cast<uint8_t>(Z80Step::kFetch);
     z80.queue[2] = static_cast<uint8_t>(Z80Step::kDecode);
@@ -42,14 +64,14 @@ inline void FetchAndDecode(Z80& z80, Bus& bus) {
     }
 }
 
-// The clocks behind them, `left` at most. Gives how many of those are left, 0 where the instruction is
-// not over. Every program has its end among its actions.
+// The clocks behind them, `left` at most, with `done` steps of the program over. Gives how many of the clocks
+// are left, 0 where the instruction is not over, any number where the bus stops the run. Every program has its
+// end among its actions.
 template <typename Bus>
-inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
+inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uint32_t done = 0) {
     using enum Z80Step;
     const Z80Template* program = z80.program;
-    uint32_t actions = program->actions;
-    uint32_t done = 0; // steps of the program
+    uint32_t actions = program->actions >> done;
     for (;;) {
         const auto clocksToAction = static_cast<uint32_t>(std::countr_zero(actions)) + 1;
         if (clocksToAction > left) {
@@ -67,6 +89,9 @@ inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
         z80.queueIndex += clocksToAction;
         bus.At(clocks - left - 1);
         TransferStep(z80, bus, step);
+        if (Stops(bus)) [[unlikely]] {
+            return left;
+        }
         if (step >= kAnd) { // it may have been the end, or have written another program
             if (z80.queueIndex == 0) {
                 return left;
@@ -85,27 +110,36 @@ inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
 template <typename Bus>
 [[gnu::noinline]] uint32_t RunInstructions(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
     do {
-        FetchAndDecode(z80, bus);
+        FetchAndDecode(z80, bus, clocks - left);
         left = RunSteps(z80, bus, clocks, left - kDecodedAt);
-    } while (left >= kDecodedAt && z80.pendingInterrupt == kZ80NoInterrupt);
+    } while (left >= kDecodedAt && z80.pendingInterrupt == kZ80NoInterrupt && !Stops(bus));
     return left;
+}
+
+// The rest of the instruction in progress.
+template <typename Bus>
+[[gnu::noinline]] uint32_t Resume(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
+    return RunSteps(z80, bus, clocks, left, z80.queueIndex - z80.programAt);
 }
 
 } // namespace z80_detail
 
-// `clocks` clocks.
+// `clocks` clocks; gives how many of them are left where the bus has stopped the run, else 0.
 template <typename Bus>
-inline void Z80RunOn(Z80& z80, Bus& bus, uint32_t clocks) {
+inline uint32_t Z80RunOn(Z80& z80, Bus& bus, uint32_t clocks) {
     using namespace z80_detail;
     const bool free = z80.enabled != 0 && z80.running != 0 && z80.busHold == 0;
     uint32_t left = clocks;
-    while (left != 0) {
+    while (left != 0 && !Stops(bus)) {
         if (left >= kDecodedAt && free && StartsInstruction(z80)) {
             left = RunInstructions(z80, bus, clocks, left);
+        } else if (free && IsInProgram(z80)) {
+            left = Resume(z80, bus, clocks, left);
         } else {
             bus.At(clocks - left);
             Z80TickOn(z80, bus);
             --left;
         }
     }
+    return left;
 }

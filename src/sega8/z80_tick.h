@@ -80,10 +80,12 @@ inline void Start(Z80& z80) {
     z80.eiDelay = 0;
     if (z80.pendingInterrupt != kZ80NoInterrupt) {
         Z80StartInterrupt(z80);
-        return;
+    } else {
+        z80.queue[z80.queueIndex] = static_cast<uint8_t>(Z80Step::kFetch);
+        z80.queue[z80.queueIndex + 1] = static_cast<uint8_t>(Z80Step::kDecode);
     }
-    z80.queue[z80.queueIndex] = static_cast<uint8_t>(Z80Step::kFetch);
-    z80.queue[z80.queueIndex + 1] = static_cast<uint8_t>(Z80Step::kDecode);
+    z80.program =
+        nullptr; // until one is decoded: z80_run.h goes by programs without a decode in them
 }
 
 template <typename Bus>

@@ -775,6 +775,50 @@ TEST(MegaDriveFrame, AddressErrorLeavesTheSameStateInBothLoops) {
     EXPECT_TRUE(states[0] == states[1]);
 }
 
+// The Z80 asks for its own bus and resets itself through its window, while the 68000 lets it go again.
+TEST(MegaDriveFrame, AZ80ThatStopsItselfLeavesTheSameStateInBothLoops) {
+    MdProgram program;
+    // ld a,(count); inc a; ld (count),a; bank 0xA10000, bit by bit from bit 15; ld a,1; ld (0x9100),a with
+    // something behind it; then the same by HL, and a reset.
+    std::vector<int> code{0x3A, 0x00, 0x01, 0x3C, 0x32, 0x00, 0x01, 0x21, 0x00, 0x60};
+    for (const int bit : {0, 1, 0, 0, 0, 0, 1, 0, 1}) {
+        code.insert(code.end(), {0x36, bit}); // ld (hl),bit
+    }
+    code.insert(code.end(),
+                {0x3E, 0x01, 0x32, 0x00, 0x91, 0x04, 0x04, 0x04}); // and inc b three times
+    code.insert(code.end(), {0x21, 0x00, 0x91, 0x36, 0x01, 0x05}); // ld hl,0x9100; ld (hl),1; dec b
+    code.insert(code.end(),
+                {0xAF, 0x32, 0x00, 0x92, 0x18, 0xFE}); // xor a; ld (0x9200),a; jr itself
+    uint32_t place = kMdZ80Code;
+    for (const int byte : code) {
+        program.Bytes(place++, {byte});
+    }
+    program.StartZ80(static_cast<int>(code.size()));
+    const uint32_t again = program.Here();
+    // Some time; the bus back, the reset line up.
+    program.Words({0x303C, 60, 0x51C8, 0xFFFE});
+    program.StoreWord(0xA11100, 0).StoreWord(0xA11200, 0x100);
+    program.Words({0x6000, static_cast<int>((again - program.Here() - 2) & 0xFFFF)});
+    std::vector<std::vector<uint8_t>> states;
+    std::vector<uint8_t> turns;
+    for (const bool plain : {false, true}) {
+        const auto machine = StartMd(program);
+        machine->SetStepByStep(plain);
+        MACHINE_RIG rig;
+        for (int frame = 0; frame < 3; ++frame) {
+            rig.Frame(*machine);
+            uint32_t size = 0;
+            const StateBlob blob = machine->SaveState(size);
+            states.emplace_back(blob.get(), blob.get() + size);
+        }
+        turns.push_back(machine->Console().z80Ram[0x100]);
+    }
+    EXPECT_GT(turns[0], 10) << "it gets that far again and again";
+    for (size_t frame = 0; frame < 3; ++frame) {
+        EXPECT_TRUE(states[frame] == states[frame + 3]) << frame;
+    }
+}
+
 TEST(MegaDriveFrame, OddResetVectorEndsTheMachine) {
     const auto machine = StartMd(MdProgram().PutLong(4, 0x201).Stop());
     MACHINE_RIG rig;

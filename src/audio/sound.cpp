@@ -27,6 +27,7 @@ namespace {
 constexpr float kRoomToDevice = 0.01f; // room units to the device's
 constexpr auto kPumpRound = std::chrono::milliseconds(5);
 constexpr uint32_t kListenerRounds = 7;
+constexpr uint32_t kLoopbackPull = 512; // frames
 
 struct OPEN_CHANNEL {
     EMU_THREAD* session;
@@ -118,6 +119,22 @@ void CommitListener() {
     }
 }
 
+template <typename Open>
+bool OpenDevice(const Open& open) {
+    const std::lock_guard guard(EmuSoundMutex());
+    if (Sound().device) {
+        return true;
+    }
+    auto device = std::make_unique<SoundDevice>();
+    if (!open(*device)) {
+        return false;
+    }
+    SoundSetVolume(Settings().GetFloat(L"audio_volume"));
+    Sound().device = std::move(device);
+    RestartChannels(*Sound().device);
+    return true;
+}
+
 void PumpThread() {
     // Some milliseconds late are heard, and the work is little. Where the system refuses, it stays as it is.
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_TIME_CRITICAL);
@@ -135,18 +152,25 @@ void PumpThread() {
 } // namespace
 
 bool OpenSoundDevice(std::string& error) {
-    const std::lock_guard guard(EmuSoundMutex());
-    if (Sound().device) {
-        return true;
+    return OpenDevice([&](SoundDevice& device) { return device.OpenSdl(AudioRate(), error); });
+}
+
+bool OpenSoundLoopback(std::string& error) {
+    return OpenDevice([&](SoundDevice& device) {
+        return device.OpenLoopback(AudioRate(), kLoopbackPull, error);
+    });
+}
+
+// Not under the sound mutex, just as no output holds it.
+void RenderSound(int16_t* out, uint32_t frames) {
+    SoundDevice* device = nullptr;
+    {
+        const std::lock_guard guard(EmuSoundMutex());
+        device = Sound().device.get();
     }
-    auto device = std::make_unique<SoundDevice>();
-    if (!device->OpenSdl(AudioRate(), error)) {
-        return false;
+    if (device != nullptr) {
+        device->Render(out, frames);
     }
-    SoundSetVolume(Settings().GetFloat(L"audio_volume"));
-    Sound().device = std::move(device);
-    RestartChannels(*Sound().device);
-    return true;
 }
 
 void CloseSoundDevice() {

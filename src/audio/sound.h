@@ -22,6 +22,10 @@ struct EMU_THREAD;
 // a line that says why. True when one is open already.
 [[nodiscard]] bool OpenSoundDevice(std::string& error);
 
+// The same with a device that no output pulls, for tests: whoever calls RenderSound hears it.
+[[nodiscard]] bool OpenSoundLoopback(std::string& error);
+void RenderSound(int16_t* out, uint32_t frames);
+
 // Stop the pump first. Channels stay, without a device, and go on with the next one that is opened.
 void CloseSoundDevice();
 

@@ -410,6 +410,7 @@ void Application::EndDeadSessions() {
     for (const uint32_t key : dead) {
         PostReport(EmuLastError());
         EmuStopSession(key);
+        playing = playing && key != kFrontTelevision;
         window.SetTitle(ProgramTitle());
     }
 }
@@ -488,7 +489,8 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     for (size_t player = 0; player < lightGuns.size(); ++player) {
         lightGuns[player] = HasLightGun(opened, player);
     }
-    if (EmuStartSession(kFrontTelevision, games, opened.options.data(), opened.title) == 0) {
+    playing = EmuStartSession(kFrontTelevision, games, opened.options.data(), opened.title) != 0;
+    if (!playing) {
         window.SetTitle(ProgramTitle());
         const std::string reason = EmuLastError();
         error = "Error loading game" + (reason.empty() ? std::string() : ": " + reason);
@@ -514,14 +516,8 @@ void Application::PlayFile(const std::string& path) {
 
 void Application::TurnOff() {
     EmuStopSession(kFrontTelevision);
+    playing = false;
     window.SetTitle(ProgramTitle());
-}
-
-bool Application::Playing() {
-    bool playing = false;
-    EmuForEachSession(
-        [&](const EMU_THREAD& session) { playing |= session.key == kFrontTelevision; });
-    return playing;
 }
 
 uint32_t Application::FramesPresented() {

@@ -56,8 +56,8 @@ public:
     // Ends the game, autosave included.
     void TurnOff();
 
-    // Whether a game runs. One whose machine cannot go on is turned off by the next round.
-    [[nodiscard]] static bool Playing();
+    // Whether a game runs, from Play on. One whose machine cannot go on is turned off by the next round.
+    [[nodiscard]] bool Playing() const { return playing; }
 
     // Picture frames of machines presented so far, television static left out.
     [[nodiscard]] static uint32_t FramesPresented();
@@ -130,6 +130,7 @@ private:
     uint32_t hastyRounds = 0; // in a row, too short for a display that gives the beat
     float frameTimeSeconds = 0.0f;
     bool started = false;
+    bool playing = false;
     bool sdlStarted = false;
     bool soundWanted = false;  // an output has come or gone while none is open
     int64_t soundTried = 0;    // microseconds, of the last attempt

@@ -139,7 +139,7 @@ private:
             over = lastFrame != 0 && application.FrameShown() >= lastFrame;
             // A machine that cannot go on was turned off. Who sits at a window may start another game;
             // a run of so many frames would wait for ever.
-            ended = lastFrame != 0 && !over && !Application::Playing();
+            ended = lastFrame != 0 && !over && !application.Playing();
             if (!TakeScreenshots(application.FrameShown(), false)) {
                 return kExitFailed;
             }
@@ -149,7 +149,9 @@ private:
                         EmuFormatStats().c_str());
         }
         const bool taken = TakeScreenshots(application.FrameShown(), true);
-        return taken && !ended && !ComplainOfMissing() ? kExitDone : kExitFailed;
+        // Also when the game ended, which is why a frame never came.
+        const bool missing = ComplainOfMissing();
+        return taken && !ended && !missing ? kExitDone : kExitFailed;
     }
 
     // Of the screenshots that were asked for and whose frame never came.

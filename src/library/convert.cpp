@@ -11,6 +11,7 @@ namespace {
 
 constexpr size_t kCopierHeader = 512;
 constexpr size_t kInterleaveBlock = 16384;
+constexpr size_t kSmallestMegaDrive = 512; // vectors and header
 
 // From the last dot of the last component; empty without one.
 std::string_view ExtensionOf(std::string_view path) {
@@ -131,6 +132,11 @@ std::vector<uint8_t> PrepareImage(uint16_t system, std::span<const uint8_t> file
         return Deinterleave(file.subspan(kCopierHeader));
     }
     return {file.begin(), file.end()};
+}
+
+bool IsBareCopierHeader(uint16_t system, std::span<const uint8_t> file) {
+    return system == kSystemMegaDrive && IsInterleaved(file) &&
+           file.size() < kCopierHeader + kSmallestMegaDrive;
 }
 
 bool BuildGame(uint16_t system, std::string_view stem, std::span<const uint8_t> file,

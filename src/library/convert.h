@@ -26,6 +26,10 @@
 // bytes at 256 is the letter of "SEGA" that a plain image has there.
 [[nodiscard]] std::vector<uint8_t> PrepareImage(uint16_t system, std::span<const uint8_t> file);
 
+// Whether a Mega Drive file is taken for an interleaved one and has no image behind the copier's header:
+// less than the vectors and the header that every program begins with.
+[[nodiscard]] bool IsBareCopierHeader(uint16_t system, std::span<const uint8_t> file);
+
 // The game of one image, with the image unpacked in it, ready to be played or written. Games that the
 // database knows get its names and records, once for each entry that holds the image; an unknown one
 // gets the default records, with `stem` (UTF-8) as its title. False for an arcade image, which can only

@@ -128,6 +128,10 @@ bool OpenImageFile(const fs::path& path, const GAME_SYSTEM* system, CGameFile& g
     bool built = false;
     IMAGE_VISITOR visitor;
     visitor.image = [&](const FOUND_IMAGE& image) {
+        if (IsBareCopierHeader(image.system, image.bytes)) {
+            error = path.string() + ": is only a copier's header; no Mega Drive image is behind it";
+            return false;
+        }
         bool known = false;
         built = BuildGame(image.system, image.stem, image.bytes, LoadDatabase(image.system), game,
                           known);

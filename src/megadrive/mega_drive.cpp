@@ -27,6 +27,8 @@ constexpr size_t kRegionAt = 0x1F0;
 constexpr size_t kRegionLength = 3;
 constexpr size_t kDevicesAt = 0x190;
 constexpr size_t kDevicesLength = 16;
+constexpr uint32_t kMakerAt = 0x100;
+constexpr uint32_t kMakerLength = 5;
 constexpr uint32_t kBlack = 0xFF000000;
 
 // Bits of a header's region.
@@ -127,9 +129,20 @@ std::string Hex(uint32_t value) {
     return text;
 }
 
-std::string AddressErrorText(const M68K_STATE& cpu) {
+// The console's own check takes " SEGA" as well as "SEGA".
+bool HasHeader(const MD_CARTRIDGE& cartridge) {
+    std::string maker;
+    for (uint32_t i = 0; i < kMakerLength; ++i) {
+        maker += static_cast<char>(MdCartRomByte(cartridge, kMakerAt + i));
+    }
+    return maker.find("SEGA") != std::string::npos;
+}
+
+// A program that goes wrong may be no Mega Drive program at all, or one whose bytes are out of order.
+std::string AddressErrorText(const M68K_STATE& cpu, const MD_CARTRIDGE& cartridge) {
     return "the program has gone wrong: address error at " + Hex(cpu.aerrAddress) +
-           ", program counter " + Hex(cpu.prevPc);
+           ", program counter " + Hex(cpu.prevPc) +
+           (HasHeader(cartridge) ? "" : "; the image has no Mega Drive header");
 }
 
 // The bytes of words in the order of the console.
@@ -202,7 +215,7 @@ void CMegaDrive::Reset() {
 }
 
 void CMegaDrive::End() {
-    EmuSetLastError(AddressErrorText(md.cpu));
+    EmuSetLastError(AddressErrorText(md.cpu, md.cartridge));
     ended = true;
 }
 

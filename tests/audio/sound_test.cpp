@@ -1,5 +1,7 @@
 #include "audio/sound.h"
 #include "audio/sound_channel.h"
+#include "audio/sound_device.h"
+#include "audio/tone_ring.h"
 #include "base/audio_rate.h"
 #include "front/settings/bindings.h"
 #include "front/settings/settings.h"
@@ -57,6 +59,41 @@ struct Session {
                                        : data.sound->mono.Cursors().play;
     }
 };
+
+// A tone from a ring at that place, in the device's units.
+SIDES HeardByHand(const SOUND_PLACE& place, const SOUND_PLACE& listener) {
+    SoundDevice device;
+    std::string error;
+    EXPECT_TRUE(device.OpenLoopback(AudioRate(), 512, error)) << error;
+    SoundRing ring(1, AudioRate());
+    FillWithTone(ring, true, true);
+    EXPECT_TRUE(device.Attach(ring, RingKind::kPositioned));
+    device.PlaceRing(ring, place);
+    device.PlaceListener(listener, {0, 0, -1}, {0, 1, 0});
+    ring.Play();
+    const SIDES sides = MeasureSides(
+        [&](int16_t* out, uint32_t frames) { device.Render(out, frames); }, AudioRate());
+    device.Detach(ring);
+    return sides;
+}
+
+// What comes out of the loopback device.
+SIDES Heard() {
+    return MeasureSides(RenderSound, AudioRate());
+}
+
+// Within half a decibel.
+bool AreAlike(const SIDES& a, const SIDES& b) {
+    const auto near = [](double first, double second) {
+        return std::abs(10.0 * std::log10(first / second)) < 0.5;
+    };
+    return near(a.left, b.left) && near(a.right, b.right);
+}
+
+std::string Decibels(const SIDES& sides) {
+    return std::to_string(10.0 * std::log10(sides.left)) + " left, " +
+           std::to_string(10.0 * std::log10(sides.right)) + " right";
+}
 
 // Waits for what another thread does; the suite's own time limit ends it when that never comes.
 template <typename Condition>
@@ -235,6 +272,66 @@ TEST_F(Sound, MoreSessionsThanTheLibraryHasSourcesAreSilent) {
         PumpSound(session->thread);
         DestroySoundChannel(session->thread);
     }
+}
+
+TEST_F(Sound, AHundredRoomUnitsAreOneOfTheDevice) {
+    constexpr struct {
+        SOUND_PLACE television;
+        SOUND_PLACE ring;
+    } kRows[] = {
+        {{100, 0, 0},     {1, 0, 0}      },
+        {{-100, 0, 0},    {-1, 0, 0}     },
+        {{0, 0, -400},    {0, 0, -4}     },
+        {{300, 200, 100}, {3.0f, 2.0f, 1}},
+    };
+    for (const auto& row : kRows) {
+        const SIDES expected = HeardByHand(row.ring, {0, 0, 0});
+        std::string error;
+        ASSERT_TRUE(OpenSoundLoopback(error)) << error;
+        // Placed before the session starts, and once more while it plays.
+        SoundSetTelevision(5, row.television.x, row.television.y, row.television.z);
+        Session session(5);
+        CreateSoundChannel(session.thread);
+        ASSERT_FALSE(session.data.noSound);
+        FillWithTone(session.data.sound->mono, true, true);
+        const SIDES early = Heard();
+        EXPECT_TRUE(AreAlike(early, expected)) << Decibels(early) << "; " << Decibels(expected);
+        SoundSetTelevision(5, 0, 0, 0);
+        SoundSetTelevision(5, row.television.x, row.television.y, row.television.z);
+        const SIDES late = Heard();
+        EXPECT_TRUE(AreAlike(late, expected)) << Decibels(late) << "; " << Decibels(expected);
+        DestroySoundChannel(session.thread);
+        CloseSoundDevice();
+    }
+    SoundSetTelevision(5, 0, 0, 0);
+}
+
+TEST_F(Sound, TheListenerIsInRoomUnitsTooAndOnTheFloor) {
+    // One unit to the right and one above the ears, once they have gone one to the right and one ahead.
+    const SIDES expected = HeardByHand({2, 1, -1}, {1, 0, -1});
+    const SIDES before = HeardByHand({2, 1, -1}, {0, 0, 0});
+    ASSERT_FALSE(AreAlike(before, expected));
+    std::string error;
+    ASSERT_TRUE(OpenSoundLoopback(error)) << error;
+    SoundSetTelevision(5, 200, 100, -100);
+    Session session(5);
+    CreateSoundChannel(session.thread);
+    ASSERT_FALSE(session.data.noSound);
+    FillWithTone(session.data.sound->mono, true, true);
+    const SIDES first = Heard();
+    EXPECT_TRUE(AreAlike(first, before)) << Decibels(first) << "; " << Decibels(before);
+    SOUND_LISTENER listener;
+    listener.x = 100.0f;
+    listener.z = -100.0f;
+    SoundSetListener(listener);
+    StartSoundPump();
+    WaitFor([&first] { return !AreAlike(Heard(), first); });
+    const SIDES after = Heard(); // all of it after the move
+    EXPECT_TRUE(AreAlike(after, expected)) << Decibels(after) << "; " << Decibels(expected);
+    StopSoundPump();
+    DestroySoundChannel(session.thread);
+    SoundSetListener({});
+    SoundSetTelevision(5, 0, 0, 0);
 }
 
 TEST_F(Sound, ThreadsMeetWithoutHarm) {

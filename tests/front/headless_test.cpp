@@ -1,5 +1,7 @@
 // `ombrelune play --headless` as a user runs it, on our own games.
 
+#include "megadrive/md_rig.h"
+
 #include "support/run_program.h"
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>
@@ -10,7 +12,10 @@
 #include <set>
 #include <sstream>
 
+using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 
@@ -164,6 +169,69 @@ TEST_F(Headless, WrongOptionsAreToldApart) {
     const PROGRAM_RESULT bad = Play({game, "--frames", "1", "--load-state", Path("bad-state")});
     EXPECT_EQ(bad.exitCode, 1);
     EXPECT_THAT(bad.error, HasSubstr("bad-state: is no state of this machine"));
+}
+
+TEST_F(Headless, MegaDriveFilesArePlayedOrSaidToBeWrong) {
+    MdProgram loops;
+    loops.Stop();
+    // The last byte of a vector that is never used; out of order it is the start's.
+    loops.PutLong(12, kMdOther + 1);
+    const std::vector<uint8_t>& plain = loops.Image();
+    // The same program in the 16 KiB blocks of a copier: first the odd bytes, then the even ones.
+    constexpr size_t kBlock = 16384;
+    std::vector<uint8_t> interleaved(plain.size());
+    for (size_t i = 0; i < plain.size(); ++i) {
+        const size_t half = i % 2 == 0 ? kBlock / 2 : 0;
+        interleaved[i / kBlock * kBlock + half + i % kBlock / 2] = plain[i];
+    }
+    std::vector<uint8_t> dump(512, 0);
+    dump.insert(dump.end(), interleaved.begin(), interleaved.end());
+    // Vectors and header alone. The shortest image: a loop in the last vector.
+    std::vector<uint8_t> shortest(plain.begin(), plain.begin() + 512);
+    shortest[6] = 0x00;
+    shortest[7] = 0xFC;
+    shortest[0xFC] = 0x60;
+    shortest[0xFD] = 0xFE;
+    std::vector<uint8_t> oddSize = shortest;
+    oddSize.push_back(0);
+    MdProgram wrong;
+    wrong.Words({0x4EF9}).Long(0x000301); // jmp to an odd address
+    std::vector<uint8_t> nameless = wrong.Image();
+    std::fill_n(nameless.begin() + 0x100, 4, uint8_t{' '});
+    std::vector<uint8_t> indented = wrong.Image();
+    std::copy_n(" SEGA", 5, indented.begin() + 0x100);
+
+    const std::string noHeader = "; the image has no Mega Drive header\n";
+    const std::string gone = "address error at 0x000301, program counter 0x000301\n";
+    const std::string bare = ": is only a copier's header; no Mega Drive image is behind it\n";
+    const struct {
+        const char* name;
+        std::vector<uint8_t> bytes;
+        int exitCode;
+        std::string words; // that the line ends with
+    } rows[] = {
+        {"bytes-511.md", std::vector<uint8_t>(511, 0),            1,                          "less than 512 bytes\n"},
+        {"shortest.md",              shortest,                          0,                  ""                 },
+        {"odd-size.md",              oddSize,                          0,                   "" },
+        {"dump.md",              dump,                              0,                          ""                    },
+        {"no-header.md",              interleaved,                         1,              noHeader},
+        {"zeros-512.md",              std::vector<uint8_t>(512,                         0), 1,       bare},
+        {"zeros-1023.md",          std::vector<uint8_t>(1023,                                  0),                                 1,                   bare},
+        {"wrong.md",             wrong.Image(),                                 1,              gone            },
+        {"nameless.md",             nameless, 1, noHeader  },
+        {"indented.md",             indented,                             1,                                          gone                                                     },
+    };
+    for (const auto& row : rows) {
+        folder.Write(row.name, row.bytes);
+        const PROGRAM_RESULT result = Play({Path(row.name), "--frames", "2"});
+        EXPECT_EQ(result.exitCode, row.exitCode) << row.name << ": " << result.error;
+        if (row.exitCode == 0) {
+            EXPECT_EQ(result.error, "") << row.name;
+        } else {
+            EXPECT_THAT(result.error, AllOf(StartsWith("ombrelune: " + Path(row.name) + ": "),
+                                            EndsWith(row.words)));
+        }
+    }
 }
 
 TEST_F(Headless, PeekAndDumpShowTheMachine) {

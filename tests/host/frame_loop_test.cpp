@@ -6,7 +6,10 @@
 #include "host/frame_loop.h"
 #include "host/host_fixture.h"
 #include "host/picture.h"
+#include "host/report.h"
 #include "host/static.h"
+
+#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <set>
@@ -16,10 +19,12 @@ namespace {
 // What the last present and submit were given.
 uint32_t gPresented = 0;
 std::vector<int16_t> gSubmitted;
+std::vector<std::string> gNotices;
 
 class FrameLoop : public HostTest {
 public:
     ~FrameLoop() override {
+        HostSetNoticeSink(nullptr);
         if (session) {
             HostClose(session.get());
         }
@@ -29,6 +34,8 @@ protected:
     FrameLoop() {
         gPresented = 0;
         gSubmitted.clear();
+        gNotices.clear();
+        HostSetNoticeSink([](const std::string& notice) { gNotices.push_back(notice); });
         Settings().SetInt(L"emu_rewindbuffer", 1);
         host = TestHost();
         host.present = [](EMU_THREAD* target, uint32_t length) {
@@ -153,6 +160,25 @@ TEST_F(FrameLoop, ARotatedPictureIsTurnedBeforeItIsPublished) {
     EXPECT_EQ(drawn.width, 240u);
     EXPECT_EQ(drawn.height, 320u);
     EXPECT_EQ(drawn.fresh, 1);
+}
+
+TEST_F(FrameLoop, AScreenshotIsTakenBeforeThePictureIsTurned) {
+    Open({.rotated = 1});
+    InputSetActiveKey(session->key);
+    Press(L"Take ScreenShot", true);
+    const EMU_VIDEO_FRAME& drawn = Round();
+    EXPECT_EQ(drawn.width, 240u);
+    Press(L"Take ScreenShot", false);
+    Round();
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(home.Path() / "screenshots")) {
+        files.push_back(entry.path());
+    }
+    ASSERT_EQ(files.size(), 1u);
+    const auto bmp = home.Read("screenshots/" + files[0].filename().string());
+    ASSERT_GT(bmp.size(), 54u);
+    EXPECT_EQ(bmp[18] | bmp[19] << 8, 320); // the width
+    EXPECT_EQ(bmp[22] | bmp[23] << 8, 240);
 }
 
 TEST_F(FrameLoop, FastForwardRunsSeveralFramesAndDrawsItsGlyph) {
@@ -400,6 +426,27 @@ TEST_F(FrameLoop, SaveAndLoadWorkOnceForEachPress) {
     EXPECT_EQ(FrameOf(Round(kLoad)), 6u); // held: no second load
     Round();
     EXPECT_EQ(FrameOf(Round(kLoad)), 5u);
+}
+
+TEST_F(FrameLoop, TheHotkeysSayWhatBecameOfTheState) {
+    using testing::ElementsAre;
+    Open();
+    Round(kLoad);
+    EXPECT_THAT(gNotices, ElementsAre("No saved state to load"));
+    Round();
+    Round(kSave);
+    Round();
+    Round(kLoad);
+    EXPECT_THAT(gNotices, ElementsAre("No saved state to load", "State saved", "State loaded"));
+    gNotices.clear();
+    machine->behaviour.failLoad = 1;
+    Round();
+    Round(kLoad);
+    EXPECT_THAT(gNotices, ElementsAre("The saved state cannot be loaded"));
+    gNotices.clear();
+    machine->behaviour.failSave = 1;
+    Round(kSave);
+    EXPECT_THAT(gNotices, ElementsAre()) << "a failed save is reported with its cause instead";
 }
 
 TEST_F(FrameLoop, LoadEndsTheStatic) {

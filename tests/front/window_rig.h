@@ -1,0 +1,105 @@
+// The windowed program in this process, for the tests that play it: a home folder of its own, a game
+// that shows what was pressed, rounds until something happens.
+#pragma once
+
+#include "base/files.h"
+#include "front/application.h"
+#include "front/play.h"
+#include "front/settings/settings.h"
+#include "host/machine_list.h"
+#include "host/machines.h"
+#include "sega8/machine_rig.h"
+
+#include "support/temporary_folder.h"
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+inline constexpr uint32_t kRed = 0xFFFF0000;
+inline constexpr uint32_t kBlue = 0xFF0000FF;
+
+// Fills the screen with red until button 1 was pressed once, and with blue from then on.
+inline std::vector<uint8_t> LatchingRom() {
+    Program program;
+    program.Bytes({0xF3, 0xED, 0x56, 0x31, 0xF0, 0xDF});
+    program.VdpRegister(0xBF, 0, 0x04).VdpRegister(0xBF, 1, 0x80).VdpRegister(0xBF, 7, 0);
+    const int loop = program.Here();
+    program.Bytes({0xDB, 0xBF, 0xE6, 0x80, 0x28, 0xFA}); // until the frame is over
+    program.Bytes({0xDB, 0xDC, 0xE6, 0x10, 0x20, 0x05}); // button 1 pulls its bit down
+    program.Store(0xC100, 1);
+    program.Out(0xBF, 0x10).Out(0xBF, 0xC0);
+    program.Bytes({0x3A, 0x00, 0xC1, 0xB7, 0x3E, 0x03, 0x28, 0x02, 0x3E, 0x30, 0xD3, 0xBE});
+    const int next = program.Here() + 2;
+    program.Bytes({0x18, (loop - next) & 0xFF});
+    return program.Image();
+}
+
+class WindowTest : public testing::Test {
+protected:
+    void SetUp() override {
+        SetHomeFolder(folder.Path());
+        RegisterDefaultSettings(Settings());
+        Settings().SetBool(L"app_fullscreen", false);
+        Settings().SetBool(L"app_vsync", false);
+        Settings().SetInt(L"app_window_width", 640);
+        Settings().SetInt(L"app_window_height", 480);
+        EmuSetMachines(BuiltInMachines());
+        folder.Write("latch.sms", LatchingRom());
+    }
+
+    static void Start(Application& application) {
+        std::string error;
+        ASSERT_TRUE(application.Start(error)) << error;
+        application.KeepPicture(true);
+    }
+
+    static void PlayGame(Application& application, const std::string& game,
+                         const std::vector<std::string>& settings = {}) {
+        PLAY_OPTIONS options;
+        options.game = game;
+        options.settings = settings;
+        OPENED_GAME opened;
+        std::string error;
+        ASSERT_EQ(OpenForPlay(options, opened, error), 0) << error;
+        ASSERT_TRUE(application.Play(opened, error)) << error;
+    }
+
+    [[nodiscard]] std::string LatchGame() const { return (folder.Path() / "latch.sms").string(); }
+
+    // Rounds until `done`; false when the program ends or ten thousand rounds don't do.
+    template <typename Done>
+    static bool RunUntil(Application& application, Done done) {
+        for (int rounds = 0; rounds < 10000; ++rounds) {
+            if (done()) {
+                return true;
+            }
+            if (!application.Round()) {
+                return false;
+            }
+        }
+        return false;
+    }
+
+    static bool RunUntilColour(Application& application, uint32_t colour) {
+        return RunUntil(application, [&] { return MiddleOf(application) == colour; });
+    }
+
+    static uint32_t MiddleOf(const Application& application) {
+        const Application::KEPT_PICTURE& picture = application.Picture();
+        if (picture.pixels.empty()) {
+            return 0;
+        }
+        return picture.pixels[size_t{picture.frame.height / 2} * picture.frame.width +
+                              picture.frame.width / 2];
+    }
+
+    static bool RunFrames(Application& application, uint32_t frames) {
+        const uint32_t end = Application::FramesPresented() + frames;
+        return RunUntil(application, [&] { return Application::FramesPresented() >= end; });
+    }
+
+    TemporaryFolder folder;
+};

@@ -25,8 +25,10 @@ struct Sprite {
 
 // The operators of shadow and highlight, and who is never shadowed. False: no pixel to store.
 bool Operate(MD_VDP& vdp, uint32_t x, uint32_t colour, uint8_t code) {
-    if (colour == 0x3E || colour == 0x3F) {
-        vdp.shadowOp[x] = static_cast<uint8_t>(code + (colour == 0x3E ? 2 : 1));
+    constexpr uint32_t kHighlight = 0x3E; // colours 14 and 15 of the last palette
+    constexpr uint32_t kShadow = 0x3F;
+    if (colour == kHighlight || colour == kShadow) {
+        vdp.shadowOp[x] = static_cast<uint8_t>(code + (colour == kHighlight ? 2 : 1));
         return false;
     }
     vdp.lineFlags[x] = (colour & 15) == 14 || code == kMdVdpSpriteHigh ? 1 : 0;

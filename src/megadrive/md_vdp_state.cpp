@@ -155,7 +155,7 @@ void RestrainCounters(MD_VDP& vdp) {
     vdp.hCounter = std::clamp(vdp.hCounter, 0, 255);
     // Behind the line's start a pixel never goes out before its step; until then the last line's count
     // stands.
-    const uint32_t start = h40 ? 45 : 31;
+    const uint32_t start = h40 ? md_vdp_timetable::kLineStartH40 : md_vdp_timetable::kLineStartH32;
     const uint32_t reached = vdp.hCount > first ? vdp.hCount - first : 0;
     vdp.outX = std::min(vdp.outX, vdp.hCount <= start ? kMdVdpWidth : std::min(reached, dots));
     vdp.backdropX = std::min(vdp.backdropX, kMdVdpWidth);

@@ -39,27 +39,30 @@ struct Row {
     uint8_t event;
 };
 
+inline constexpr uint32_t kLineStartH32 = 31;
+inline constexpr uint32_t kLineStartH40 = 45;
+
 inline constexpr Row kEventsH32[] = {
-    {47,  287, 16, kMdVdpFetch      },
-    {10,  10,  1,  kMdVdpHBlankEnd  },
-    {31,  31,  1,  kMdVdpLineStart  },
-    {62,  62,  1,  kMdVdpTargetRow  },
-    {0,   0,   1,  kMdVdpVInterrupt },
-    {266, 266, 1,  kMdVdpVCountStep },
-    {295, 295, 1,  kMdVdpHBlankBegin},
-    {319, 319, 1,  kMdVdpLineEnd    },
-    {341, 341, 1,  kMdVdpWrap       },
+    {47,            287,           16, kMdVdpFetch      },
+    {10,            10,            1,  kMdVdpHBlankEnd  },
+    {kLineStartH32, kLineStartH32, 1,  kMdVdpLineStart  },
+    {62,            62,            1,  kMdVdpTargetRow  },
+    {0,             0,             1,  kMdVdpVInterrupt },
+    {266,           266,           1,  kMdVdpVCountStep },
+    {295,           295,           1,  kMdVdpHBlankBegin},
+    {319,           319,           1,  kMdVdpLineEnd    },
+    {341,           341,           1,  kMdVdpWrap       },
 };
 inline constexpr Row kEventsH40[] = {
-    {61,  365, 16, kMdVdpFetch      },
-    {16,  16,  1,  kMdVdpHBlankEnd  },
-    {45,  45,  1,  kMdVdpLineStart  },
-    {76,  76,  1,  kMdVdpTargetRow  },
-    {52,  52,  1,  kMdVdpVInterrupt },
-    {330, 330, 1,  kMdVdpVCountStep },
-    {366, 366, 1,  kMdVdpHBlankBegin},
-    {397, 397, 1,  kMdVdpLineEnd    },
-    {421, 421, 1,  kMdVdpWrap       },
+    {61,            365,           16, kMdVdpFetch      },
+    {16,            16,            1,  kMdVdpHBlankEnd  },
+    {kLineStartH40, kLineStartH40, 1,  kMdVdpLineStart  },
+    {76,            76,            1,  kMdVdpTargetRow  },
+    {52,            52,            1,  kMdVdpVInterrupt },
+    {330,           330,           1,  kMdVdpVCountStep },
+    {366,           366,           1,  kMdVdpHBlankBegin},
+    {397,           397,           1,  kMdVdpLineEnd    },
+    {421,           421,           1,  kMdVdpWrap       },
 };
 
 inline constexpr uint32_t kSlotsH32[] = {7,   23,  45,  61,  93,  109, 125, 157,

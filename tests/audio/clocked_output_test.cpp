@@ -50,17 +50,20 @@ TEST(ClockedOutput, StartsAgainWithAnotherPull) {
     EXPECT_EQ(first, done);
 }
 
-TEST(ClockedOutput, LatePullsAreMadeGoodForATenthOfASecond) {
-    // After a second and a tenth, with one second done: all of the rest is still to come.
-    EXPECT_EQ(FramesAfterStandstill(kRate, kSecond + kSecond / 10, kRate), kRate);
-    EXPECT_EQ(FramesAfterStandstill(kRate, kSecond, kRate), kRate);
-    // A moment more, and it goes on with what is due now: 44,100 x 1.101.
-    EXPECT_EQ(FramesAfterStandstill(kRate, kSecond + kSecond / 1000 * 101, kRate), 48554u);
+TEST(ClockedOutput, WhatWasMissedByMoreThanAPullIsSkipped) {
+    constexpr uint32_t kPull = 441; // 10 ms
+    // With one second done: on time, and late by just a pull, which counts where it was due.
+    EXPECT_EQ(FramesAfterStandstill(kRate, kSecond, kRate, kPull), kRate);
+    EXPECT_EQ(FramesAfterStandstill(kRate, kSecond + kSecond / 100, kRate, kPull), kRate);
+    // A millisecond more, and it goes on with what is due now: 44,100 x 1.011.
+    EXPECT_EQ(FramesAfterStandstill(kRate, kSecond + kSecond / 1000 * 11, kRate, kPull), 44585u);
+    // Early ones stay.
+    EXPECT_EQ(FramesAfterStandstill(kRate, 0, kRate, kPull), kRate);
 }
 
 TEST(ClockedOutput, CountsOnOverAYearWithoutLosingAFrame) {
     constexpr int64_t kYear = int64_t{365} * 24 * 60 * 60;
     const uint64_t frames = uint64_t{192000} * static_cast<uint64_t>(kYear);
-    EXPECT_EQ(FramesAfterStandstill(frames, kYear * kSecond, 192000), frames);
-    EXPECT_EQ(FramesAfterStandstill(0, kYear * kSecond, 192000), frames);
+    EXPECT_EQ(FramesAfterStandstill(frames, kYear * kSecond, 192000, 512), frames);
+    EXPECT_EQ(FramesAfterStandstill(0, kYear * kSecond, 192000, 512), frames);
 }

@@ -3,20 +3,15 @@
 #include "megadrive/m68000_private.h"
 #include "megadrive/m68000_step.h"
 
+#include "support/processor_cases.h"
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <array>
-#include <cstdlib>
-#include <filesystem>
-#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
-
-constexpr size_t kFailuresShown = 20;
 
 // In the order of the file.
 enum CaseRegister : size_t {
@@ -31,82 +26,6 @@ enum CaseRegister : size_t {
 constexpr std::array<const char*, kCaseComparedCount> kNames{
     "D0", "D1", "D2", "D3", "D4", "D5",  "D6",  "D7", "A0", "A1",
     "A2", "A3", "A4", "A5", "A6", "USP", "SSP", "SR", "PC"};
-
-using REGISTERS = std::array<uint32_t, kCaseRegisterCount>;
-
-struct CELL {
-    uint32_t address;
-    uint32_t value;
-};
-
-struct SNAPSHOT {
-    REGISTERS registers{};
-    std::vector<CELL> memory;
-};
-
-struct CASE {
-    std::string group;
-    std::string title;
-    SNAPSHOT before;
-    SNAPSHOT after;
-};
-
-std::filesystem::path VectorFile() {
-    const char* named =
-        std::getenv("OMBRELUNE_VECTORS"); // NOLINT(concurrency-mt-unsafe): one thread
-    const std::filesystem::path folder =
-        named != nullptr
-            ? std::filesystem::path(named)
-            : std::filesystem::path(OMBRELUNE_SOURCE_FOLDER) / ".." / "shared" / "vectors";
-    return folder / "m68000.txt.gz";
-}
-
-uint32_t Hex(const std::string& text) {
-    return static_cast<uint32_t>(std::stoul(text, nullptr, 16));
-}
-
-SNAPSHOT ParseSnapshot(std::istringstream& line) {
-    SNAPSHOT snapshot;
-    std::string word;
-    for (uint32_t& value : snapshot.registers) {
-        line >> word;
-        value = Hex(word);
-    }
-    line >> word; // the bar
-    while (line >> word) {
-        const size_t colon = word.find(':');
-        snapshot.memory.push_back({Hex(word.substr(0, colon)), Hex(word.substr(colon + 1))});
-    }
-    return snapshot;
-}
-
-// Hands every case of the file to `run`; gives false if it cannot be read.
-bool ForEachCase(const std::filesystem::path& path, const std::function<void(const CASE&)>& run) {
-    gzFile file = gzopen(path.c_str(), "rb");
-    if (file == nullptr) {
-        return false;
-    }
-    std::array<char, 8192> buffer{};
-    CASE current;
-    while (gzgets(file, buffer.data(), static_cast<int>(buffer.size())) != nullptr) {
-        std::istringstream line(buffer.data());
-        std::string kind;
-        line >> kind;
-        if (kind == "T") {
-            current = CASE{};
-            line >> current.group;
-            std::getline(line, current.title);
-            current.title = current.group + current.title;
-        } else if (kind == "I") {
-            current.before = ParseSnapshot(line);
-        } else if (kind == "F") {
-            current.after = ParseSnapshot(line);
-            run(current);
-        }
-    }
-    gzclose(file);
-    return true;
-}
 
 // All 24 bits of addresses, in little-endian words.
 struct MEMORY {
@@ -151,7 +70,7 @@ void Connect(M68K_STATE& cpu, MEMORY& memory, bool usesPages) {
     }
 }
 
-void Prepare(M68K_STATE& cpu, const REGISTERS& before) {
+void Prepare(M68K_STATE& cpu, const CASE_REGISTERS& before) {
     M68kReset(cpu);
     M68kSetStatus(cpu, 0);
     for (size_t i = 0; i < kCaseUsp; ++i) {
@@ -164,8 +83,8 @@ void Prepare(M68K_STATE& cpu, const REGISTERS& before) {
     cpu.prefetchAddr = cpu.pc + 1; // holds no word
 }
 
-REGISTERS Registers(M68K_STATE& cpu) {
-    REGISTERS actual{};
+CASE_REGISTERS Registers(M68K_STATE& cpu) {
+    CASE_REGISTERS actual{};
     for (size_t i = 0; i < kCaseUsp; ++i) {
         actual[i] = cpu.regs[i];
     }
@@ -180,35 +99,35 @@ REGISTERS Registers(M68K_STATE& cpu) {
 
 // Bits of the status word that the manual leaves open, where this processor goes by published notes on
 // real chips and the cases by something else.
-uint32_t OpenFlags(const CASE& test) {
+uint32_t OpenFlags(const PROCESSOR_CASE& test) {
     constexpr uint32_t kN = 8;
     constexpr uint32_t kZ = 4;
     constexpr uint32_t kV = 2;
     constexpr uint32_t kC = 1;
-    if (test.group == "ABCD" || test.group == "SBCD" || test.group == "NBCD") {
+    if (test.opcode == "ABCD" || test.opcode == "SBCD" || test.opcode == "NBCD") {
         return kN | kV;
     }
-    if (test.group == "CHK") {
+    if (test.opcode == "CHK") {
         constexpr uint32_t kLongest = 8;
         const bool traps =
             test.after.registers[kCasePc] - test.before.registers[kCasePc] > kLongest;
         return kZ | kV | kC | (traps ? 0 : kN);
     }
-    const bool isDivision = test.group == "DIVU" || test.group == "DIVS";
+    const bool isDivision = test.opcode == "DIVU" || test.opcode == "DIVS";
     return isDivision && (test.after.registers[kCaseSr] & kV) != 0 ? kN | kZ : 0;
 }
 
 // The authors don't vouch for these two groups.
-bool IsLeftOut(const CASE& test) {
-    return test.group == "TAS" || test.group == "TRAPV";
+bool IsLeftOut(const PROCESSOR_CASE& test) {
+    return test.opcode == "TAS" || test.opcode == "TRAPV";
 }
 
-std::string Compare(const CASE& test, M68K_STATE& cpu, MEMORY& memory) {
+std::string Compare(const PROCESSOR_CASE& test, M68K_STATE& cpu, MEMORY& memory) {
     std::ostringstream wrong;
     wrong << std::hex;
     const uint32_t open = OpenFlags(test);
-    REGISTERS actual = Registers(cpu);
-    REGISTERS expected = test.after.registers;
+    CASE_REGISTERS actual = Registers(cpu);
+    CASE_REGISTERS expected = test.after.registers;
     actual[kCaseSr] &= ~open;
     expected[kCaseSr] &= ~open;
     for (size_t i = 0; i < kCaseComparedCount; ++i) {
@@ -218,8 +137,8 @@ std::string Compare(const CASE& test, M68K_STATE& cpu, MEMORY& memory) {
     }
     // A CHK that traps pushes its open flags with the status word.
     const uint32_t frame = test.after.registers[kCaseSsp] & 0xFFFFFF;
-    for (const CELL& cell : test.after.memory) {
-        const uint32_t leftOut = test.group == "CHK" && cell.address == frame ? open : 0;
+    for (const CASE_CELL& cell : test.after.memory) {
+        const uint32_t leftOut = test.opcode == "CHK" && cell.address == frame ? open : 0;
         if (((memory.At(cell.address) ^ cell.value) & ~leftOut) != 0) {
             wrong << " [" << cell.address << "] is " << memory.At(cell.address) << ", not "
                   << cell.value;
@@ -229,9 +148,9 @@ std::string Compare(const CASE& test, M68K_STATE& cpu, MEMORY& memory) {
 }
 
 // What is wrong with a case; empty if nothing is.
-std::string RunCase(const CASE& test, M68K_STATE& cpu, MEMORY& memory) {
+std::string RunCase(const PROCESSOR_CASE& test, M68K_STATE& cpu, MEMORY& memory) {
     Prepare(cpu, test.before.registers);
-    for (const CELL& cell : test.before.memory) {
+    for (const CASE_CELL& cell : test.before.memory) {
         memory.At(cell.address) = static_cast<uint16_t>(cell.value);
     }
     std::string wrong;
@@ -243,40 +162,22 @@ std::string RunCase(const CASE& test, M68K_STATE& cpu, MEMORY& memory) {
     } catch (const M68K_ADDRESS_ERROR&) {
         wrong = " ends in an address error";
     }
-    for (const CELL& cell : test.before.memory) {
+    for (const CASE_CELL& cell : test.before.memory) {
         memory.At(cell.address) = 0;
     }
-    for (const CELL& cell : test.after.memory) {
+    for (const CASE_CELL& cell : test.after.memory) {
         memory.At(cell.address) = 0;
     }
     return wrong;
 }
 
 void RunAll(bool usesPages) {
-    const std::filesystem::path path = VectorFile();
-    if (!std::filesystem::exists(path)) {
-        GTEST_SKIP() << "no published cases: set OMBRELUNE_VECTORS to their folder";
-    }
     MEMORY memory;
     M68K_STATE cpu;
     Connect(cpu, memory, usesPages);
-    size_t cases = 0;
-    size_t leftOut = 0;
-    size_t failed = 0;
-    ASSERT_TRUE(ForEachCase(path, [&](const CASE& test) {
-        ++cases;
-        if (IsLeftOut(test)) {
-            ++leftOut;
-            return;
-        }
-        const std::string wrong = RunCase(test, cpu, memory);
-        if (!wrong.empty() && ++failed <= kFailuresShown) {
-            ADD_FAILURE() << test.title << ":" << wrong;
-        }
-    }));
-    EXPECT_GT(cases, leftOut);
-    EXPECT_EQ(failed, 0U) << "of " << cases;
-    testing::Test::RecordProperty("cases", static_cast<int>(cases - leftOut));
+    RunProcessorCases(
+        "m68000.txt.gz", [](const PROCESSOR_CASE& test) { return !IsLeftOut(test); },
+        [&](const PROCESSOR_CASE& test) { return RunCase(test, cpu, memory); });
 }
 
 TEST(M68000Vectors, EveryPublishedCaseGivesItsRegistersAndMemoryThroughTheCallbacks) {

@@ -3,7 +3,8 @@
 #include "base/bytes.h"
 #include "megadrive/md_rig.h"
 
-#include <cstring>
+#include "support/machine_states.h"
+
 #include <initializer_list>
 #include <ostream>
 #include <random>
@@ -182,12 +183,6 @@ std::unique_ptr<CMegaDrive> Start(const CASE& what) {
     return StartMd(ProgramOf(what), options);
 }
 
-struct FRAME_RESULT {
-    uint64_t picture;
-    uint64_t sound;
-    uint32_t pairs;
-};
-
 // Runs frames with the same input for the same frame numbers.
 std::vector<FRAME_RESULT> Play(CMegaDrive& machine, int from, int count) {
     auto rig = std::make_unique<MACHINE_RIG>();
@@ -199,28 +194,6 @@ std::vector<FRAME_RESULT> Play(CMegaDrive& machine, int from, int count) {
         results.push_back({rig->pictureHash, rig->soundHash, rig->audio.sampleCount});
     }
     return results;
-}
-
-struct SAVED {
-    StateBlob blob;
-    uint32_t size = 0;
-};
-
-SAVED Save(CMegaDrive& machine) {
-    SAVED saved;
-    saved.blob = machine.SaveState(saved.size);
-    return saved;
-}
-
-std::vector<uint32_t> PieceSizes(const SAVED& saved) {
-    std::vector<uint32_t> sizes;
-    for (uint32_t at = 0; at + 5 <= saved.size;) {
-        EXPECT_EQ(saved.blob[at], 1) << "version at " << at;
-        const auto size = LoadLittleEndian<uint32_t>(saved.blob.get() + at + 1);
-        sizes.push_back(size);
-        at += std::max(size, 5U);
-    }
-    return sizes;
 }
 
 class EveryMdState : public testing::TestWithParam<CASE> {};
@@ -235,18 +208,8 @@ TEST_P(EveryMdState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
     ASSERT_FALSE(machine->ended) << EmuLastError();
     const auto other = Start(GetParam());
     ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-    const auto loaded = Play(*other, 37, kFollowingFrames);
-    size_t pictures = 0;
-    size_t sounds = 0;
-    for (size_t i = 0; i < continued.size(); ++i) {
-        ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
-        ASSERT_EQ(continued[i].pairs, loaded[i].pairs) << i;
-        ASSERT_EQ(continued[i].sound, loaded[i].sound) << i;
-        pictures += i != 0 && continued[i].picture != continued[i - 1].picture ? 1U : 0U;
-        sounds += i != 0 && continued[i].sound != continued[i - 1].sound ? 1U : 0U;
-    }
-    EXPECT_GT(pictures, size_t{kFollowingFrames} / 6) << "pictures that tell something";
-    EXPECT_GT(sounds, size_t{kFollowingFrames} / 6) << "sound that tells something";
+    ExpectSameFrames(continued, Play(*other, 37, kFollowingFrames));
+    ExpectALivelyRun(continued);
 }
 
 // Video and FM chip may run late in one and are always up to date in the other.
@@ -259,12 +222,7 @@ TEST_P(EveryMdState, FastAndPlainFramesAreTheSame) {
         const auto two = Play(*plain, frame, 1);
         ASSERT_EQ(one[0].picture, two[0].picture) << frame;
         ASSERT_EQ(one[0].sound, two[0].sound) << frame;
-        const SAVED first = Save(*fast);
-        const SAVED second = Save(*plain);
-        ASSERT_EQ(first.size, second.size);
-        const auto place =
-            std::mismatch(first.blob.get(), first.blob.get() + first.size, second.blob.get());
-        ASSERT_EQ(place.first - first.blob.get(), first.size) << frame;
+        ASSERT_TRUE(Save(*fast) == Save(*plain)) << frame;
     }
 }
 
@@ -287,64 +245,22 @@ TEST_P(EveryMdState, LoadsAtAnyFrameOfItsOwnRun) {
 TEST_P(EveryMdState, IsSavedAlikeAfterLoading) {
     const auto machine = Start(GetParam());
     Play(*machine, 0, 37);
-    const SAVED saved = Save(*machine);
-    const auto other = Start(GetParam());
-    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-    const SAVED again = Save(*other);
-    ASSERT_EQ(saved.size, again.size);
-    EXPECT_EQ(0, std::memcmp(saved.blob.get(), again.blob.get(), saved.size));
+    ExpectSavedAlike(Save(*machine), *Start(GetParam()));
 }
 
 TEST_P(EveryMdState, IsRefusedWhenItIsCutOrOfAnotherVersionOrSize) {
     const auto machine = Start(GetParam());
     const SAVED saved = Save(*machine);
-    std::vector<uint32_t> sizes = PieceSizes(saved);
+    std::vector<uint32_t> sizes = AllPieceSizes(saved);
     sizes.resize(7); // the sound behind them may be missing
-    uint32_t at = 0;
-    for (const uint32_t size : sizes) {
-        // A copy of just this length, so that a read past its end is seen by the sanitizer.
-        for (const uint32_t length : {at, at + 4, at + size - 1}) {
-            const std::vector<uint8_t> cut(saved.blob.get(), saved.blob.get() + length);
-            EXPECT_FALSE(machine->LoadState(cut.data(), length)) << length;
-        }
-        for (uint32_t byte = 0; byte < 5; ++byte) {
-            saved.blob[at + byte] ^= 1;
-            EXPECT_FALSE(machine->LoadState(saved.blob.get(), saved.size)) << at << '+' << byte;
-            saved.blob[at + byte] ^= 1;
-        }
-        at += size;
-    }
-    EXPECT_TRUE(machine->LoadState(saved.blob.get(), saved.size));
+    ExpectCutsAreRefused(*machine, saved, sizes);
+    ExpectWrongHeadersAreRefused(*machine, saved, sizes);
 }
 
 TEST_P(EveryMdState, DamagedBytesLoadAndRunOrAreRefused) {
-    std::mt19937 random(1);
     const auto machine = Start(GetParam());
     Play(*machine, 0, 3);
-    const SAVED saved = Save(*machine);
-    const std::vector<uint32_t> sizes = PieceSizes(saved);
-    int ran = 0;
-    for (int round = 0; round < 60; ++round) {
-        std::vector<uint8_t> damaged(saved.blob.get(), saved.blob.get() + saved.size);
-        // One piece after the other, as a refused one hides those behind it.
-        const size_t piece = static_cast<size_t>(round) % sizes.size();
-        uint32_t at = 0;
-        for (size_t i = 0; i < piece; ++i) {
-            at += sizes[i];
-        }
-        for (uint32_t i = 5; i < sizes[piece]; ++i) {
-            if (round < 12) {
-                damaged[at + i] = 0xFF;
-            } else if (round % 3 == 0 || random() % 32 == 0) {
-                damaged[at + i] = static_cast<uint8_t>(random());
-            }
-        }
-        if (machine->LoadState(damaged.data(), saved.size)) {
-            Play(*machine, 0, 2);
-            ++ran;
-        }
-    }
-    EXPECT_GT(ran, 20);
+    EXPECT_GT(LoadDamaged(*machine, Save(*machine), [&] { Play(*machine, 0, 2); }), 20);
     machine->Reset();
     Play(*machine, 0, 1);
     EXPECT_FALSE(machine->ended);
@@ -354,7 +270,7 @@ INSTANTIATE_TEST_SUITE_P(MdState, EveryMdState, testing::ValuesIn(kCases),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST(MdState, PiecesStandInTheirOrder) {
-    const std::vector<uint32_t> sizes = PieceSizes(Save(*Start(kCases[0])));
+    const std::vector<uint32_t> sizes = AllPieceSizes(Save(*Start(kCases[0])));
     ASSERT_EQ(sizes.size(), 9U);
     EXPECT_EQ(sizes[0], 73779U);
     EXPECT_EQ(sizes[1], 353U);
@@ -363,8 +279,8 @@ TEST(MdState, PiecesStandInTheirOrder) {
     EXPECT_EQ(sizes[4], PsgStateSize());
     EXPECT_EQ(sizes[5], Ym2612StateSize());
     EXPECT_EQ(sizes[6], 5U) << "a plain cartridge keeps nothing";
-    EXPECT_EQ(PieceSizes(Save(*Start(kCases[2])))[6], 5U + 8 + 65536);
-    EXPECT_EQ(PieceSizes(Save(*Start(kCases[3])))[6], 5U + 23 + 65536);
+    EXPECT_EQ(AllPieceSizes(Save(*Start(kCases[2])))[6], 5U + 8 + 65536);
+    EXPECT_EQ(AllPieceSizes(Save(*Start(kCases[3])))[6], 5U + 23 + 65536);
 }
 
 TEST(MdState, OfAnotherCartridgeIsRefused) {

@@ -197,6 +197,25 @@ TEST(MdVdpFifo, TheFifthWriteStallsUntilFourAreLeft) {
     EXPECT_EQ(rig.vdp->status & kMdVdpFifoFull, 0);
 }
 
+// The FIFO looks at its own count alone, whatever else holds the processor.
+TEST(MdVdpFifo, FallingToFourReleasesTheProcessorThoughADmaRuns) {
+    MdVdpRig rig;
+    rig.Setup(true);
+    rig.Reg(1, 4);
+    rig.RunTo(30, 0);
+    rig.Command(kCramCode, 0);
+    for (uint32_t i = 0; i < 5; ++i) {
+        rig.Data(i);
+    }
+    Dma(rig, kVramCode, 0x8000, 0x123456, 3);
+    EXPECT_EQ(rig.stall, 1U);
+    EXPECT_EQ(rig.vdp->fifoCount, 5U);
+    rig.Steps(2); // one odd step
+    EXPECT_EQ(rig.vdp->fifoCount, 4U);
+    EXPECT_EQ(rig.vdp->dmaState, kMdVdpDmaBus);
+    EXPECT_EQ(rig.stall, 0U);
+}
+
 TEST(MdVdpFifo, ALongWriteIntoAFullOneLosesNothing) {
     MdVdpRig rig;
     rig.Reg(1, 4);

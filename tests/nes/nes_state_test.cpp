@@ -4,7 +4,8 @@
 #include "base/state_piece.h"
 #include "nes/nes_rig.h"
 
-#include <algorithm>
+#include "support/machine_states.h"
+
 #include <cstring>
 #include <numeric>
 #include <ostream>
@@ -80,12 +81,6 @@ std::unique_ptr<CNES> Start(const CASE& what) {
                     {what.board, what.flags, what.programBanks, what.characterBanks, characters});
 }
 
-struct FRAME_RESULT {
-    uint64_t picture;
-    uint64_t sound;
-    uint32_t pairs;
-};
-
 // Runs frames with the same input for the same frame numbers.
 std::vector<FRAME_RESULT> Play(CNES& machine, int from, int count) {
     auto rig = std::make_unique<MACHINE_RIG>();
@@ -101,29 +96,6 @@ std::vector<FRAME_RESULT> Play(CNES& machine, int from, int count) {
 
 constexpr size_t kPiecesOfEveryBoard = 5; // before the plain board's RAM and the sound
 
-struct SAVED {
-    StateBlob blob;
-    uint32_t size = 0;
-};
-
-SAVED Save(CNES& machine) {
-    SAVED saved;
-    saved.blob = machine.SaveState(saved.size);
-    return saved;
-}
-
-// Sizes of all pieces, that of the sound on its way last.
-std::vector<uint32_t> PieceSizes(const SAVED& saved) {
-    std::vector<uint32_t> sizes;
-    for (uint32_t at = 0; at + 5 <= saved.size;) {
-        EXPECT_EQ(saved.blob[at], 1) << "version at " << at;
-        const auto size = LoadLittleEndian<uint32_t>(saved.blob.get() + at + 1);
-        sizes.push_back(size);
-        at += std::max(size, 5U);
-    }
-    return sizes;
-}
-
 class EveryNesState : public testing::TestWithParam<CASE> {};
 
 } // namespace
@@ -135,18 +107,8 @@ TEST_P(EveryNesState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
     const auto continued = Play(*machine, 37, kFollowingFrames);
     const auto other = Start(GetParam());
     ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-    const auto loaded = Play(*other, 37, kFollowingFrames);
-    size_t pictures = 0;
-    size_t sounds = 0;
-    for (size_t i = 0; i < continued.size(); ++i) {
-        ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
-        ASSERT_EQ(continued[i].pairs, loaded[i].pairs) << i;
-        ASSERT_EQ(continued[i].sound, loaded[i].sound) << i;
-        pictures += i != 0 && continued[i].picture != continued[i - 1].picture ? 1U : 0U;
-        sounds += i != 0 && continued[i].sound != continued[i - 1].sound ? 1U : 0U;
-    }
-    EXPECT_GT(pictures, size_t{kFollowingFrames} / 6) << "pictures that tell something";
-    EXPECT_GT(sounds, size_t{kFollowingFrames} / 6) << "sound that tells something";
+    ExpectSameFrames(continued, Play(*other, 37, kFollowingFrames));
+    ExpectALivelyRun(continued);
 }
 
 TEST_P(EveryNesState, TwoRunsAreTheSame) {
@@ -154,10 +116,7 @@ TEST_P(EveryNesState, TwoRunsAreTheSame) {
     const auto second = Start(GetParam());
     const auto one = Play(*first, 0, 60);
     const auto two = Play(*second, 0, 60);
-    for (size_t i = 0; i < one.size(); ++i) {
-        ASSERT_EQ(one[i].picture, two[i].picture) << i;
-        ASSERT_EQ(one[i].sound, two[i].sound) << i;
-    }
+    ExpectSameFrames(one, two);
 }
 
 // The picture unit may run late in one and is always up to date in the other.
@@ -170,10 +129,7 @@ TEST_P(EveryNesState, FastAndPlainFramesAreTheSame) {
         const auto two = Play(*plain, frame, 1);
         ASSERT_EQ(one[0].picture, two[0].picture) << frame;
         ASSERT_EQ(one[0].sound, two[0].sound) << frame;
-        const SAVED first = Save(*fast);
-        const SAVED second = Save(*plain);
-        ASSERT_EQ(first.size, second.size);
-        ASSERT_EQ(0, std::memcmp(first.blob.get(), second.blob.get(), first.size)) << frame;
+        ASSERT_TRUE(Save(*fast) == Save(*plain)) << frame;
     }
 }
 
@@ -193,24 +149,18 @@ TEST_P(EveryNesState, LoadsAtAnyFrameOfItsOwnRun) {
 TEST_P(EveryNesState, IsSavedAlikeAfterLoading) {
     const auto machine = Start(GetParam());
     Play(*machine, 0, 37);
-    const SAVED saved = Save(*machine);
-    const auto other = Start(GetParam());
-    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-    const SAVED again = Save(*other);
-    ASSERT_EQ(saved.size, again.size);
-    EXPECT_EQ(0, std::memcmp(saved.blob.get(), again.blob.get(), saved.size));
+    ExpectSavedAlike(Save(*machine), *Start(GetParam()));
 }
 
 TEST_P(EveryNesState, WithoutItsSoundLoadsWithAnEmptyResampler) {
     const auto machine = Start(GetParam());
     Play(*machine, 0, 37);
     const SAVED saved = Save(*machine);
-    const uint32_t chips = saved.size - PieceSizes(saved).back();
+    const uint32_t chips = saved.size - AllPieceSizes(saved).back();
     const auto continued = Play(*machine, 37, 10);
     const auto other = Start(GetParam());
     for (const uint32_t length : {chips, chips + 3, saved.size - 1}) {
-        const std::vector<uint8_t> cut(saved.blob.get(), saved.blob.get() + length);
-        ASSERT_TRUE(other->LoadState(cut.data(), length)) << length;
+        ASSERT_TRUE(other->LoadState(saved.Cut(length).data(), length)) << length;
         const auto loaded = Play(*other, 37, 10);
         for (size_t i = 0; i < loaded.size(); ++i) {
             ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
@@ -221,55 +171,20 @@ TEST_P(EveryNesState, WithoutItsSoundLoadsWithAnEmptyResampler) {
 TEST_P(EveryNesState, IsRefusedWhenItIsCutOrOfAnotherVersionOrSize) {
     const auto machine = Start(GetParam());
     const SAVED saved = Save(*machine);
-    std::vector<uint32_t> sizes = PieceSizes(saved);
+    std::vector<uint32_t> sizes = AllPieceSizes(saved);
     sizes.pop_back();
-    uint32_t at = 0;
-    for (size_t piece = 0; piece < sizes.size(); ++piece) {
-        const uint32_t size = sizes[piece];
-        // A copy of just this length, so that a read past its end is seen by the sanitizer.
-        for (const uint32_t length : {at, at + 4, at + size - 1}) {
-            const std::vector<uint8_t> cut(saved.blob.get(), saved.blob.get() + length);
-            const bool isWithoutRam = piece == kPiecesOfEveryBoard && length == at;
-            EXPECT_EQ(machine->LoadState(cut.data(), length), isWithoutRam) << length;
-        }
-        for (uint32_t byte = 0; byte < 5; ++byte) {
-            saved.blob[at + byte] ^= 1;
-            EXPECT_FALSE(machine->LoadState(saved.blob.get(), saved.size)) << at << '+' << byte;
-            saved.blob[at + byte] ^= 1;
-        }
-        at += size;
-    }
-    EXPECT_TRUE(machine->LoadState(saved.blob.get(), saved.size));
+    // A plain board's state may be one from before its RAM was kept.
+    const auto isWithoutRam = [](size_t piece, bool atStart) {
+        return piece == kPiecesOfEveryBoard && atStart;
+    };
+    ExpectCutsAreRefused(*machine, saved, sizes, isWithoutRam);
+    ExpectWrongHeadersAreRefused(*machine, saved, sizes);
 }
 
 TEST_P(EveryNesState, DamagedBytesLoadAndRunOrAreRefused) {
-    std::mt19937 random(1);
     const auto machine = Start(GetParam());
     Play(*machine, 0, 3);
-    const SAVED saved = Save(*machine);
-    const std::vector<uint32_t> sizes = PieceSizes(saved);
-    int ran = 0;
-    for (int round = 0; round < 60; ++round) {
-        std::vector<uint8_t> damaged(saved.blob.get(), saved.blob.get() + saved.size);
-        // One piece after the other, as a refused one hides those behind it.
-        const size_t piece = static_cast<size_t>(round) % sizes.size();
-        uint32_t at = 0;
-        for (size_t i = 0; i < piece; ++i) {
-            at += sizes[i];
-        }
-        for (uint32_t i = 5; i < sizes[piece]; ++i) {
-            if (round < 12) {
-                damaged[at + i] = 0xFF;
-            } else if (round % 3 == 0 || random() % 32 == 0) {
-                damaged[at + i] = static_cast<uint8_t>(random());
-            }
-        }
-        if (machine->LoadState(damaged.data(), saved.size)) {
-            Play(*machine, 0, 2);
-            ++ran;
-        }
-    }
-    EXPECT_GT(ran, 20);
+    EXPECT_GT(LoadDamaged(*machine, Save(*machine), [&] { Play(*machine, 0, 2); }), 20);
     machine->Reset();
     Play(*machine, 0, 1);
 }
@@ -278,14 +193,14 @@ INSTANTIATE_TEST_SUITE_P(NesState, EveryNesState, testing::ValuesIn(kCases),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST(NesState, PiecesStandInTheirOrder) {
-    const std::vector<uint32_t> plain = PieceSizes(Save(*Start(kCases[0])));
+    const std::vector<uint32_t> plain = AllPieceSizes(Save(*Start(kCases[0])));
     ASSERT_EQ(plain.size(), 6U);
     EXPECT_EQ(plain[0], 5U + 0x800 + 2 + 8) << "header, work RAM, buttons, read counts";
     EXPECT_EQ(plain[1], kM6502StateSize);
     EXPECT_EQ(plain[2], PpuStateSize());
     EXPECT_EQ(plain[3], ApuStateSize());
     EXPECT_EQ(plain[4], 5U) << "the plain board keeps nothing";
-    const std::vector<uint32_t> withRam = PieceSizes(Save(*Start(kCases[1])));
+    const std::vector<uint32_t> withRam = AllPieceSizes(Save(*Start(kCases[1])));
     ASSERT_EQ(withRam.size(), 7U);
     EXPECT_EQ(withRam[4], 5U);
     EXPECT_EQ(withRam[5], 5U + 0x2000);
@@ -302,7 +217,7 @@ TEST(NesState, OfAPlainBoardMayEndBeforeItsRam) {
     const auto machine = Start(kCases[1]);
     Play(*machine, 0, 5);
     const SAVED saved = Save(*machine);
-    const std::vector<uint32_t> sizes = PieceSizes(saved);
+    const std::vector<uint32_t> sizes = AllPieceSizes(saved);
     const uint32_t length =
         std::accumulate(sizes.begin(), sizes.begin() + kPiecesOfEveryBoard, uint32_t{0});
     const auto other = Start(kCases[1]);
@@ -326,7 +241,7 @@ TEST(NesState, ARefusedPieceKeepsThoseBeforeIt) {
         const auto other = Start(kCases[2]);
         Play(*other, 0, 9);
         const SAVED before = Save(*other);
-        const std::vector<uint32_t> sizes = PieceSizes(saved);
+        const std::vector<uint32_t> sizes = AllPieceSizes(saved);
         const auto at = std::accumulate(
             sizes.begin(), sizes.begin() + static_cast<ptrdiff_t>(refused), uint32_t{0});
         saved.blob[at] ^= 1;

@@ -17,13 +17,6 @@
 #include <string_view>
 #include <vector>
 
-// Frames of a run behind a state. Instrumented, a tenth of it tells of bytes out of bounds just as well.
-#ifdef OMBRELUNE_SANITIZED
-inline constexpr int kFollowingFrames = 60;
-#else
-inline constexpr int kFollowingFrames = 600;
-#endif
-
 // A program for the Z80, put together byte by byte.
 class Program {
 public:

@@ -1,20 +1,16 @@
 // Published single-instruction cases: registers, memory, ports and the clock count, before and after.
 #include "sega8/z80.h"
 
+#include "support/processor_cases.h"
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <array>
-#include <cstdlib>
-#include <filesystem>
 #include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
-
-constexpr size_t kFailuresShown = 20;
 
 // In the order of the file.
 enum CaseRegister : size_t {
@@ -45,115 +41,12 @@ constexpr std::array<const char*, kCaseRegisterCount> kNames{
     "PC",  "SP",  "AF",  "BC", "DE", "HL", "IX",   "IY",  "AF'",
     "BC'", "DE'", "HL'", "I",  "R",  "IM", "IFF1", "IFF2"};
 
-struct CELL {
-    uint32_t address;
-    uint32_t value;
-};
-
-struct SNAPSHOT {
-    std::array<uint32_t, kCaseRegisterCount> registers{};
-    std::vector<CELL> memory;
-};
-
-struct PORT_ACCESS {
-    uint32_t port;
-    uint32_t value;
-    char kind;
-};
-
-struct CASE {
-    std::string opcode; // hexadecimal digits in lower case; "__" is the displacement
-    std::string title;
-    uint32_t clocks = 0;
-    SNAPSHOT before;
-    SNAPSHOT after;
-    std::vector<PORT_ACCESS> ports;
-};
-
-std::filesystem::path VectorFile() {
-    const char* named =
-        std::getenv("OMBRELUNE_VECTORS"); // NOLINT(concurrency-mt-unsafe): one thread
-    const std::filesystem::path folder =
-        named != nullptr
-            ? std::filesystem::path(named)
-            : std::filesystem::path(OMBRELUNE_SOURCE_FOLDER) / ".." / "shared" / "vectors";
-    return folder / "z80.txt.gz";
-}
-
-uint32_t Hex(const std::string& text) {
-    return static_cast<uint32_t>(std::stoul(text, nullptr, 16));
-}
-
-SNAPSHOT ParseSnapshot(std::istringstream& line) {
-    SNAPSHOT snapshot;
-    std::string word;
-    for (uint32_t& value : snapshot.registers) {
-        line >> word;
-        value = Hex(word);
-    }
-    line >> word; // the bar
-    while (line >> word) {
-        const size_t colon = word.find(':');
-        snapshot.memory.push_back({Hex(word.substr(0, colon)), Hex(word.substr(colon + 1))});
-    }
-    return snapshot;
-}
-
-std::vector<PORT_ACCESS> ParsePorts(std::istringstream& line) {
-    std::vector<PORT_ACCESS> ports;
-    std::string word;
-    while (line >> word) {
-        const size_t first = word.find(':');
-        const size_t second = word.find(':', first + 1);
-        ports.push_back({Hex(word.substr(0, first)),
-                         Hex(word.substr(first + 1, second - first - 1)), word[second + 1]});
-    }
-    return ports;
-}
-
-// Hands every case of the file to `run`; gives false if it cannot be read.
-bool ForEachCase(const std::filesystem::path& path, const std::function<void(const CASE&)>& run) {
-    gzFile file = gzopen(path.c_str(), "rb");
-    if (file == nullptr) {
-        return false;
-    }
-    std::array<char, 16384> buffer{};
-    CASE current;
-    bool isFilled = false;
-    while (gzgets(file, buffer.data(), static_cast<int>(buffer.size())) != nullptr) {
-        std::istringstream line(buffer.data());
-        std::string kind;
-        line >> kind;
-        if (kind == "T") {
-            if (isFilled) {
-                run(current);
-            }
-            current = CASE{};
-            isFilled = true;
-            std::string index;
-            line >> current.opcode >> index >> current.clocks;
-            current.title = current.opcode + " number " + index;
-        } else if (kind == "I") {
-            current.before = ParseSnapshot(line);
-        } else if (kind == "F") {
-            current.after = ParseSnapshot(line);
-        } else if (kind == "P") {
-            current.ports = ParsePorts(line);
-        }
-    }
-    if (isFilled) {
-        run(current);
-    }
-    gzclose(file);
-    return true;
-}
-
 // Answers port reads from the case and keeps what was accessed.
 struct CASE_BUS {
-    const CASE& expected;
+    const PROCESSOR_CASE& expected;
     std::vector<uint8_t>& memory;
     std::vector<uint16_t> written;
-    std::vector<PORT_ACCESS> ports;
+    std::vector<CASE_ACCESS> ports;
 
     uint8_t Read(uint16_t address) const { return memory[address]; }
     uint8_t ReadOpcode(uint16_t address) const { return memory[address]; }
@@ -163,14 +56,15 @@ struct CASE_BUS {
     }
     uint8_t IoRead(uint16_t port) {
         const size_t index = ports.size();
-        const uint32_t value = index < expected.ports.size() ? expected.ports[index].value : 0;
+        const uint32_t value =
+            index < expected.accesses.size() ? expected.accesses[index].value : 0;
         ports.push_back({port, value, 'r'});
         return static_cast<uint8_t>(value);
     }
     void IoWrite(uint16_t port, uint8_t value) { ports.push_back({port, value, 'w'}); }
 };
 
-Z80 Prepare(const SNAPSHOT& before) {
+Z80 Prepare(const CASE_SNAPSHOT& before) {
     Z80 z80;
     Z80Init(z80, nullptr, nullptr, nullptr, nullptr, nullptr);
     Z80Reset(z80);
@@ -186,8 +80,8 @@ Z80 Prepare(const SNAPSHOT& before) {
     return z80;
 }
 
-std::array<uint32_t, kCaseRegisterCount> Registers(const Z80& z80) {
-    std::array<uint32_t, kCaseRegisterCount> registers{};
+CASE_REGISTERS Registers(const Z80& z80) {
+    CASE_REGISTERS registers{};
     for (size_t i = 0; i < kWords.size(); ++i) {
         registers[i] = z80.regs[kWords[i]] & 0xFFFF;
     }
@@ -210,14 +104,14 @@ std::string Plain(const std::string& opcode) {
 }
 
 // Flag bits in which this chip differs from the real part on purpose.
-uint32_t FlagsLeftOut(const CASE& test) {
+uint32_t FlagsLeftOut(const PROCESSOR_CASE& test) {
     constexpr uint32_t kXAndY = kZ80FlagX | kZ80FlagY;
     const std::string opcode = Plain(test.opcode);
     if (opcode == "37" || opcode == "3f") { // SCF, CCF
         return kXAndY;
     }
     if (opcode.size() == 4 && opcode.starts_with("cb")) {
-        const uint32_t code = Hex(opcode.substr(2));
+        const uint32_t code = CaseNumber(opcode.substr(2));
         return (code & 0xC7) == 0x46 ? kXAndY : 0; // BIT n,(HL)
     }
     const bool isRepeated = test.after.registers[kPc] == test.before.registers[kPc];
@@ -233,8 +127,8 @@ uint32_t FlagsLeftOut(const CASE& test) {
 }
 
 // The register that a DD CB or FD CB form names keeps its value.
-void KeepNamedRegister(const CASE& test, std::array<uint32_t, kCaseRegisterCount>& expected) {
-    const uint32_t code = Hex(test.opcode.substr(6));
+void KeepNamedRegister(const PROCESSOR_CASE& test, CASE_REGISTERS& expected) {
+    const uint32_t code = CaseNumber(test.opcode.substr(6));
     const uint32_t name = code & 7;
     if ((code & 0xC0) == 0x40 || name == 6) {
         return;
@@ -246,7 +140,7 @@ void KeepNamedRegister(const CASE& test, std::array<uint32_t, kCaseRegisterCount
     word = (word & ~kept) | (test.before.registers[kHolders[name]] & kept);
 }
 
-std::array<uint32_t, kCaseRegisterCount> Expected(const CASE& test) {
+CASE_REGISTERS Expected(const PROCESSOR_CASE& test) {
     auto expected = test.after.registers;
     if (IsIndexedBits(test.opcode)) {
         KeepNamedRegister(test, expected);
@@ -257,7 +151,7 @@ std::array<uint32_t, kCaseRegisterCount> Expected(const CASE& test) {
 }
 
 // What is wrong with the registers; empty if nothing is.
-std::string CompareRegisters(const CASE& test, const Z80& z80) {
+std::string CompareRegisters(const PROCESSOR_CASE& test, const Z80& z80) {
     auto actual = Registers(z80);
     auto expected = Expected(test);
     const uint32_t leftOut = FlagsLeftOut(test);
@@ -272,10 +166,10 @@ std::string CompareRegisters(const CASE& test, const Z80& z80) {
     return wrong.str();
 }
 
-std::string CompareMemory(const CASE& test, const CASE_BUS& bus) {
+std::string CompareMemory(const PROCESSOR_CASE& test, const CASE_BUS& bus) {
     std::ostringstream wrong;
     wrong << std::hex;
-    for (const CELL& cell : test.after.memory) {
+    for (const CASE_CELL& cell : test.after.memory) {
         if (bus.memory[cell.address] != cell.value) {
             wrong << " [" << cell.address << "] is " << uint32_t{bus.memory[cell.address]}
                   << ", not " << cell.value;
@@ -283,7 +177,7 @@ std::string CompareMemory(const CASE& test, const CASE_BUS& bus) {
     }
     for (const uint16_t address : bus.written) {
         bool isListed = false;
-        for (const CELL& cell : test.after.memory) {
+        for (const CASE_CELL& cell : test.after.memory) {
             isListed = isListed || cell.address == address;
         }
         if (!isListed) {
@@ -293,20 +187,14 @@ std::string CompareMemory(const CASE& test, const CASE_BUS& bus) {
     return wrong.str();
 }
 
-std::string ComparePorts(const CASE& test, const CASE_BUS& bus) {
-    bool isSame = bus.ports.size() == test.ports.size();
-    for (size_t i = 0; isSame && i < bus.ports.size(); ++i) {
-        isSame = bus.ports[i].port == test.ports[i].port &&
-                 bus.ports[i].value == test.ports[i].value &&
-                 bus.ports[i].kind == test.ports[i].kind;
-    }
-    return isSame ? "" : " ports differ";
+std::string ComparePorts(const PROCESSOR_CASE& test, const CASE_BUS& bus) {
+    return bus.ports == test.accesses ? "" : " ports differ";
 }
 
 // Runs one case and says what is wrong with it.
-std::string Run(const CASE& test, std::vector<uint8_t>& memory) {
+std::string Run(const PROCESSOR_CASE& test, std::vector<uint8_t>& memory) {
     constexpr uint32_t kLimit = 64;
-    for (const CELL& cell : test.before.memory) {
+    for (const CASE_CELL& cell : test.before.memory) {
         memory[cell.address] = static_cast<uint8_t>(cell.value);
     }
     Z80 z80 = Prepare(test.before);
@@ -321,7 +209,7 @@ std::string Run(const CASE& test, std::vector<uint8_t>& memory) {
     if (clocks != test.clocks) {
         wrong += " takes " + std::to_string(clocks) + " clocks, not " + std::to_string(test.clocks);
     }
-    for (const CELL& cell : test.before.memory) {
+    for (const CASE_CELL& cell : test.before.memory) {
         memory[cell.address] = 0;
     }
     for (const uint16_t address : bus.written) {
@@ -330,30 +218,11 @@ std::string Run(const CASE& test, std::vector<uint8_t>& memory) {
     return wrong;
 }
 
-// Runs the cases that `chosen` picks and asks that all of them pass.
 void RunCases(const std::function<bool(const std::string& opcode)>& chosen) {
-    const std::filesystem::path path = VectorFile();
-    if (!std::filesystem::exists(path)) {
-        GTEST_SKIP() << "no single-instruction cases at " << path;
-    }
     std::vector<uint8_t> memory(0x10000, 0);
-    size_t count = 0;
-    size_t failures = 0;
-    const bool isRead = ForEachCase(path, [&](const CASE& test) {
-        if (!chosen(test.opcode)) {
-            return;
-        }
-        ++count;
-        const std::string wrong = Run(test, memory);
-        if (!wrong.empty() && ++failures <= kFailuresShown) {
-            ADD_FAILURE() << test.title << ":" << wrong;
-        }
-    });
-    ASSERT_TRUE(isRead) << path;
-    EXPECT_GT(count, 0U) << path;
-    EXPECT_EQ(failures, 0U) << "of " << count << " cases";
-    testing::Test::RecordProperty("cases", static_cast<int>(count));
-    std::printf("%zu cases, %zu of them fail\n", count, failures);
+    RunProcessorCases(
+        "z80.txt.gz", [&chosen](const PROCESSOR_CASE& test) { return chosen(test.opcode); },
+        [&memory](const PROCESSOR_CASE& test) { return Run(test, memory); });
 }
 
 } // namespace

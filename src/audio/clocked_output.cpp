@@ -15,7 +15,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int64_t kSecond = 1'000'000'000;
-constexpr int64_t kLongestDelay = kSecond / 10;
 
 // The time that so many frames last, exact over centuries.
 std::chrono::nanoseconds Duration(uint64_t frames, uint32_t rate) {
@@ -26,8 +25,8 @@ std::chrono::nanoseconds Duration(uint64_t frames, uint32_t rate) {
 
 } // namespace
 
-uint64_t FramesAfterStandstill(uint64_t pulled, int64_t now, uint32_t rate) {
-    if (now - Duration(pulled, rate).count() <= kLongestDelay) {
+uint64_t FramesAfterStandstill(uint64_t pulled, int64_t now, uint32_t rate, uint32_t longest) {
+    if (now <= Duration(pulled + longest, rate).count()) {
         return pulled;
     }
     const auto whole = static_cast<uint64_t>(now / kSecond) * rate;
@@ -45,16 +44,19 @@ struct ClockedOutput::Private {
         // A late pull is heard like any other dropout where someone records the output.
         SDL_SetThreadPriority(SDL_THREAD_PRIORITY_TIME_CRITICAL);
         std::vector<int16_t> unheard(size_t{framesPerPull} * 2);
+        const auto leastGap = Duration(framesPerPull, rate) / 2;
         const Clock::time_point start = Clock::now();
+        Clock::time_point due = start;
         uint64_t pulled = 0;
         std::unique_lock guard(lock);
-        while (
-            !changed.wait_until(guard, start + Duration(pulled, rate), [this] { return ending; })) {
+        while (!changed.wait_until(guard, due, [this] { return ending; })) {
             guard.unlock();
-            const std::chrono::nanoseconds now = Clock::now() - start;
-            pulled = FramesAfterStandstill(pulled, now.count(), rate);
+            const Clock::time_point now = Clock::now();
+            const std::chrono::nanoseconds passed = now - start;
+            pulled = FramesAfterStandstill(pulled, passed.count(), rate, framesPerPull);
             pull(unheard.data(), framesPerPull);
             pulled += framesPerPull;
+            due = std::max<Clock::time_point>(start + Duration(pulled, rate), now + leastGap);
             guard.lock();
         }
     }

@@ -200,6 +200,8 @@ bool Application::Start(std::string& error) {
     // Last, since every thread that this one makes inherits it: the pump, the device and the graphics
     // driver's workers keep all processors, and session threads bind themselves.
     processor = BindProcessor(0);
+    // A round holds locks that the sound pump waits for, so it must not be put off by other programs.
+    SDL_SetThreadPriority(SDL_THREAD_PRIORITY_HIGH);
     return true;
 }
 
@@ -539,6 +541,7 @@ void Application::Stop() {
     started = false;
     TurnOff();
     Release();
+    SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
     ReleaseThisThread(processor);
     RestoreRunSettings();
     Settings().SetBool(L"app_720runonce", true);

@@ -88,11 +88,14 @@ inline void ExpectSavedAlike(const SAVED& saved, CEmuSystem& other) {
 // bytes. `fits` says which of the cuts are a state all the same.
 inline void ExpectCutsAreRefused(
     CEmuSystem& machine, const SAVED& saved, const std::vector<uint32_t>& sizes,
-    const std::function<bool(size_t piece, bool atStart)>& fits = [](size_t, bool) { return false; }) {
+    const std::function<bool(size_t piece, bool atStart)>& fits = [](size_t, bool) {
+        return false;
+    }) {
     uint32_t at = 0;
     for (size_t piece = 0; piece < sizes.size(); ++piece) {
         for (const uint32_t length : {at, at + 4, at + sizes[piece] - 1}) {
-            EXPECT_EQ(machine.LoadState(saved.Cut(length).data(), length), fits(piece, length == at))
+            EXPECT_EQ(machine.LoadState(saved.Cut(length).data(), length),
+                      fits(piece, length == at))
                 << length;
         }
         at += sizes[piece];

@@ -111,7 +111,7 @@ uint32_t ReadZ80Side(MEGA_DRIVE& md, uint32_t address) {
     if (Z80BusBlocked(md)) {
         return OpenBus(md);
     }
-    if (address < 0x4000) {
+    if (address < kMdZ80RamEnd) {
         return BothHalves(md.z80Ram[address % kMdZ80RamBytes]);
     }
     if (address < 0x6000) {
@@ -124,7 +124,7 @@ void WriteZ80Side(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
     if (Z80BusBlocked(md)) {
         return;
     }
-    if (address < 0x4000) {
+    if (address < kMdZ80RamEnd) {
         md.z80Ram[address % kMdZ80RamBytes] = static_cast<uint8_t>(value);
     } else if (address < 0x6000) {
         WriteFm(md, address, value);

@@ -38,7 +38,7 @@ struct MD_Z80_BUS {
     MEGA_DRIVE& md;
 
     uint8_t Read(uint16_t address) {
-        if (address < 0x4000) {
+        if (address < kMdZ80RamEnd) {
             return md.z80Ram[address % kMdZ80RamBytes];
         }
         return ReadBeyondRam(address);
@@ -47,7 +47,7 @@ struct MD_Z80_BUS {
     // Nothing lies on the ports.
     static uint8_t IoRead([[maybe_unused]] uint16_t port) { return 0xFF; }
     void Write(uint16_t address, uint8_t value) {
-        if (address < 0x4000) {
+        if (address < kMdZ80RamEnd) {
             md.z80Ram[address % kMdZ80RamBytes] = value;
         } else {
             WriteBeyondRam(address, value);

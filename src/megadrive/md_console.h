@@ -33,6 +33,7 @@ inline constexpr uint32_t kMdCycleClocks = 7; // master clocks of a 68000 cycle
 inline constexpr int32_t kMdZ80Clocks = 15;   // of a Z80 clock
 inline constexpr size_t kMdWorkRamBytes = 65536;
 inline constexpr size_t kMdZ80RamBytes = 8192;
+inline constexpr uint32_t kMdZ80RamEnd = 0x4000; // on the Z80's bus, where it lies twice
 inline constexpr uint32_t kMdAddressMask = 0xFFFFFF;
 inline constexpr uint32_t kMdIoPage = 0xA1; // of 64 KiB: the I/O chip and what controls the Z80
 

@@ -102,7 +102,7 @@ struct MD_LATE_Z80_BUS {
     }
 
     uint8_t Read(uint16_t address) {
-        if (address >= 0x4000) [[unlikely]] {
+        if (address >= kMdZ80RamEnd) [[unlikely]] {
             Count(clock);
         }
         return bus.Read(address);
@@ -111,7 +111,7 @@ struct MD_LATE_Z80_BUS {
     static uint8_t IoRead(uint16_t port) { return MD_Z80_BUS::IoRead(port); }
     static void IoWrite(uint16_t port, uint8_t value) { MD_Z80_BUS::IoWrite(port, value); }
     void Write(uint16_t address, uint8_t value) {
-        if (address < 0x4000) [[likely]] {
+        if (address < kMdZ80RamEnd) [[likely]] {
             bus.Write(address, value);
             return;
         }

@@ -1,10 +1,10 @@
 // The NES's sound unit, as cost of a cycle and as multiples of real time. A frame is a sixtieth of a
 // second of processor cycles; with the resampler it is flushed and taken at its end.
 #include "base/audio_rate.h"
-#include "front/settings/settings.h"
 #include "nes/apu.h"
 #include "nes/apu_tick.h"
 
+#include "settings/settings.h"
 #include <benchmark/benchmark.h>
 
 #include <cstdint>

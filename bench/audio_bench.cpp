@@ -1,10 +1,10 @@
 // The resampler and the band splitter, as multiples of real time: how many seconds of sound of one
 // chip or channel are made in a second.
-#include "audio/band_splitter.h"
-#include "audio/resampler.h"
 #include "base/audio_rate.h"
-#include "front/settings/settings.h"
 
+#include "machine/band_splitter.h"
+#include "machine/resampler.h"
+#include "settings/settings.h"
 #include <benchmark/benchmark.h>
 
 #include <cstdint>

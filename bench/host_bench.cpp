@@ -1,11 +1,11 @@
 // What the host costs beside the machine: a state on the rewind stack, a step, a frame's samples, and
 // the work on pictures.
-#include "front/settings/settings.h"
 #include "host/frame_loop.h"
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/rewind.h"
 
+#include "settings/settings.h"
 #include <benchmark/benchmark.h>
 
 #include <cstring>

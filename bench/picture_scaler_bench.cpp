@@ -1,7 +1,6 @@
 // What a scaled picture costs, 320 by 224 pixels: of discs on a dithered sky, of nothing but dithering,
 // and of one colour.
-#include "room/picture_scaler.h"
-
+#include "display/picture_scaler.h"
 #include <benchmark/benchmark.h>
 
 #include <vector>

@@ -1,10 +1,10 @@
 // The sound chips of the 8-bit machines, as cost of a clock and as multiples of real time. A frame is
 // a sixtieth of a second of Z80 clocks; with the resampler it is flushed and taken at its end.
 #include "base/audio_rate.h"
-#include "front/settings/settings.h"
 #include "sega8/psg.h"
 #include "sega8/ym2413.h"
 
+#include "settings/settings.h"
 #include <benchmark/benchmark.h>
 
 #include <cstdint>

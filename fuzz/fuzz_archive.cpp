@@ -1,9 +1,10 @@
 // Save archives of any bytes: a small machine loads its state from one, then saves into it.
 #include "base/files.h"
-#include "base/state_piece.h"
 #include "host/archive.h"
 #include "host/report.h"
 #include "host/session.h"
+
+#include "machine/state_piece.h"
 
 #include <array>
 #include <cstdlib>

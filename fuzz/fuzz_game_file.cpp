@@ -1,6 +1,6 @@
 // Containers and databases of any bytes: read, walked, edited and written again.
-#include "library/game_file.h"
-#include "library/packing.h"
+#include "formats/game_file.h"
+#include "formats/packing.h"
 
 #include <cstddef>
 #include <cstdint>

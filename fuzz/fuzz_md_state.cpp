@@ -6,10 +6,10 @@
 // piece, by 0x80 counted from the piece's end; two bytes of offset into it; two bytes of length; the bytes.
 //
 // Whatever the bytes, both frame loops must come to the same.
-#include "front/settings/settings.h"
 #include "megadrive/mega_drive.h"
 
 #include "machine_fuzz.h"
+#include "settings/settings.h"
 
 #include <algorithm>
 #include <initializer_list>

@@ -2,10 +2,10 @@
 // image of any bytes, run for two frames. The first byte picks the board, or the image by 0x40. A state
 // is a whole one by 0x80, or, as whole states are long, a patch: bytes that are laid over the fields of a
 // good one, from the offset that the next two bytes name.
-#include "front/settings/settings.h"
 #include "nes/nes.h"
 
 #include "machine_fuzz.h"
+#include "settings/settings.h"
 
 #include <algorithm>
 #include <array>

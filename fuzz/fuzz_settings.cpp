@@ -1,8 +1,7 @@
 // Settings documents. Whatever the bytes, nothing breaks; a refused document changes nothing; what an
 // accepted one leaves behind survives being saved and loaded.
-#include "front/settings/settings.h"
-#include "front/settings/settings_private.h"
-
+#include "settings/settings.h"
+#include "settings/settings_private.h"
 #include <tinyxml.h>
 
 #include <algorithm>

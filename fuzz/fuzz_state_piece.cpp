@@ -1,5 +1,5 @@
 // State pieces of any bytes, read into a record with every kind of field.
-#include "base/state_piece.h"
+#include "machine/state_piece.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // Archives of any bytes: opened, listed and unpacked.
-#include "library/zip.h"
+#include "formats/zip.h"
 
 #include <algorithm>
 #include <cstddef>

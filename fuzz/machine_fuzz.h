@@ -3,9 +3,10 @@
 #pragma once
 
 #include "base/bytes.h"
-#include "base/state_piece.h"
-#include "host/emu_system.h"
-#include "library/game_file.h"
+
+#include "formats/game_file.h"
+#include "machine/emu_system.h"
+#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <cstddef>

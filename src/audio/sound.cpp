@@ -5,11 +5,11 @@
 #include "audio/sound_pump.h"
 #include "base/audio_rate.h"
 #include "base/ranked_mutex.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/host_data.h"
 #include "host/session.h"
 
+#include "settings/bindings.h"
+#include "settings/settings.h"
 #include <SDL.h>
 
 #include <algorithm>

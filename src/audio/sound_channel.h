@@ -7,8 +7,9 @@
 // Units: positions in bytes of their ring.
 #pragma once
 
-#include "audio/band_splitter.h"
 #include "audio/sound_ring.h"
+
+#include "machine/band_splitter.h"
 
 #include <array>
 #include <cstdint>

@@ -1,8 +1,9 @@
 #include "audio/sound_pump.h"
 
-#include "front/settings/settings.h"
 #include "host/host_data.h"
 #include "host/session.h"
+
+#include "settings/settings.h"
 
 #include <algorithm>
 #include <cmath>

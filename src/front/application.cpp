@@ -9,19 +9,19 @@
 #include "front/processor_binder.h"
 #include "front/program_title.h"
 #include "front/run_settings.h"
-#include "front/settings/bindings.h"
-#include "front/settings/pad_defaults.h"
-#include "front/settings/settings.h"
 #include "host/battery_file.h"
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/session.h"
 #include "library/systems.h"
-#include "room/gl.h"
-#include "room/screen_reader.h"
 #include "sega8/sms.h"
 
+#include "display/gl.h"
+#include "display/screen_reader.h"
+#include "settings/bindings.h"
+#include "settings/pad_defaults.h"
+#include "settings/settings.h"
 #include <SDL.h>
 
 #include <algorithm>

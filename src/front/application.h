@@ -13,10 +13,11 @@
 #include "front/event_pump.h"
 #include "front/joysticks.h"
 #include "front/window.h"
-#include "room/full_screen.h"
-#include "room/overlay_text.h"
-#include "room/picture_scaler.h"
-#include "room/session_picture.h"
+
+#include "display/full_screen.h"
+#include "display/overlay_text.h"
+#include "display/picture_scaler.h"
+#include "display/session_picture.h"
 
 #include <array>
 #include <cstdint>

@@ -4,13 +4,14 @@
 #include "front/commands.h"
 #include "front/demos.h"
 #include "front/play.h"
-#include "front/settings/settings.h"
 #include "host/aligned_block.h"
 #include "host/frame_loop.h"
 #include "host/machine_list.h"
 #include "host/picture.h"
 #include "host/session.h"
 #include "library/systems.h"
+
+#include "settings/settings.h"
 
 #include <chrono>
 #include <cinttypes>

@@ -3,11 +3,11 @@
 #include "base/files.h"
 #include "front/commands.h"
 #include "front/play.h"
-#include "front/settings/settings.h"
 #include "front/version.h"
-#include "host/machines.h"
 #include "library/systems.h"
 
+#include "machines/machines.h"
+#include "settings/settings.h"
 #include <CLI/CLI.hpp>
 #include <SDL.h>
 

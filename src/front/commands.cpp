@@ -3,12 +3,13 @@
 #include "base/audio_rate.h"
 #include "base/files.h"
 #include "base/text.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "library/convert.h"
-#include "library/game_file.h"
 #include "library/game_source.h"
 #include "library/systems.h"
+
+#include "formats/game_file.h"
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <algorithm>
 #include <cinttypes>

@@ -7,14 +7,15 @@
 #include "front/number_text.h"
 #include "front/play.h"
 #include "front/screenshots.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/aligned_block.h"
 #include "host/frame_loop.h"
-#include "host/inspection.h"
 #include "host/picture.h"
 #include "host/session.h"
-#include "library/sha256.h"
+
+#include "formats/sha256.h"
+#include "machine/inspection.h"
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <cstdio>
 #include <fstream>

@@ -2,8 +2,9 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
+
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <algorithm>
 #include <charconv>

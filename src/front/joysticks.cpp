@@ -1,7 +1,6 @@
 #include "front/joysticks.h"
 
-#include "front/settings/bindings.h"
-
+#include "settings/bindings.h"
 #include <SDL.h>
 
 #include <algorithm>

@@ -17,7 +17,7 @@
 // reported.
 #pragma once
 
-#include "front/settings/pad_defaults.h"
+#include "settings/pad_defaults.h"
 
 #include <array>
 #include <cstdint>

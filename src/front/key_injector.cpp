@@ -1,8 +1,7 @@
 #include "front/key_injector.h"
 
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
-
+#include "settings/bindings.h"
+#include "settings/settings.h"
 #include <SDL.h>
 
 namespace {

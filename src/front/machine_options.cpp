@@ -1,8 +1,9 @@
 #include "front/machine_options.h"
 
-#include "front/settings/settings.h"
-#include "library/game_file.h"
 #include "library/systems.h"
+
+#include "formats/game_file.h"
+#include "settings/settings.h"
 
 #include <cstring>
 #include <span>

@@ -1,7 +1,7 @@
 // The options of a machine by their names on the command line, and the option block that they make.
 #pragma once
 
-#include "host/emu_system.h"
+#include "machine/emu_system.h"
 
 #include <array>
 #include <cstdint>

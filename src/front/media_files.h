@@ -1,7 +1,7 @@
 // Pictures and sound as files: PNG and WAV.
 #pragma once
 
-#include "host/emu_system.h"
+#include "machine/emu_system.h"
 
 #include <cstdint>
 #include <span>

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "front/machine_options.h"
-#include "library/game_file.h"
+
+#include "formats/game_file.h"
 
 #include <cstdint>
 #include <string>

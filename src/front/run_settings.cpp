@@ -1,7 +1,8 @@
 #include "front/run_settings.h"
 
 #include "base/text.h"
-#include "front/settings/settings.h"
+
+#include "settings/settings.h"
 
 #include <charconv>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include "front/window.h"
 
 #include "front/event_pump.h"
-#include "front/settings/settings.h"
 #include "front/window_icon.h"
 
+#include "settings/settings.h"
 #include <SDL.h>
 #include <SDL_opengl.h>
 

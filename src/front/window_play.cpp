@@ -10,10 +10,10 @@
 #include "front/play.h"
 #include "front/run_settings.h"
 #include "front/screenshots.h"
-#include "front/settings/bindings.h"
 #include "host/battery_file.h"
 #include "host/session.h"
 
+#include "settings/bindings.h"
 #include <SDL.h>
 
 #include <algorithm>

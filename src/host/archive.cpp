@@ -4,7 +4,8 @@
 #include "base/text.h"
 #include "host/report.h"
 #include "host/session.h"
-#include "library/zip.h"
+
+#include "formats/zip.h"
 
 #include <algorithm>
 #include <exception>

@@ -1,10 +1,11 @@
 #include "host/battery_file.h"
 
 #include "base/files.h"
-#include "host/battery.h"
 #include "host/report.h"
 #include "host/session.h"
 #include "host/session_private.h"
+
+#include "machine/battery.h"
 
 #include <atomic>
 #include <filesystem>

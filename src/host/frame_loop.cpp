@@ -1,8 +1,6 @@
 #include "host/frame_loop.h"
 
 #include "base/audio_rate.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/archive.h"
 #include "host/picture.h"
 #include "host/report.h"
@@ -10,6 +8,9 @@
 #include "host/screenshot.h"
 #include "host/session_private.h"
 #include "host/static.h"
+
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <algorithm>
 #include <mutex>

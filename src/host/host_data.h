@@ -8,7 +8,8 @@
 
 #include "base/ranked_mutex.h"
 #include "host/aligned_block.h"
-#include "host/emu_system.h"
+
+#include "machine/emu_system.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "host/machine_list.h"
 
-#include "host/emu_system.h"
+#include "machine/emu_system.h"
 
 #include <algorithm>
 

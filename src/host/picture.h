@@ -1,7 +1,7 @@
 // What the host does to a machine's picture: checks it, draws the speed glyph over it, turns it.
 #pragma once
 
-#include "host/emu_system.h"
+#include "machine/emu_system.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,10 +2,11 @@
 
 #include "base/bytes.h"
 #include "base/files.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/report.h"
 #include "host/session.h"
+
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <atomic>
 #include <filesystem>

@@ -1,7 +1,7 @@
 // Screenshots: a 24-bit BMP in `.\screenshots\`, named by the game and the time.
 #pragma once
 
-#include "host/emu_system.h"
+#include "machine/emu_system.h"
 
 #include <cstdint>
 #include <ctime>

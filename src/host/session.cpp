@@ -2,15 +2,16 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/archive.h"
 #include "host/battery_file.h"
 #include "host/frame_loop.h"
 #include "host/machine_list.h"
 #include "host/rewind.h"
 #include "host/session_private.h"
-#include "library/game_file.h"
+
+#include "formats/game_file.h"
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <chrono>
 #include <cstdio>

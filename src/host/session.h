@@ -12,7 +12,8 @@
 #pragma once
 
 #include "base/ranked_mutex.h"
-#include "host/emu_system.h"
+
+#include "machine/emu_system.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Television static: what a session shows for its first 70 frames, before the machine starts.
 #pragma once
 
-#include "host/emu_system.h"
+#include "machine/emu_system.h"
 
 struct EMU_THREAD;
 

@@ -1,8 +1,9 @@
 #include "library/convert.h"
 
 #include "base/text.h"
-#include "library/packing.h"
 #include "library/systems.h"
+
+#include "formats/packing.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,7 +3,7 @@
 // Any thread may call; nothing is kept between calls.
 #pragma once
 
-#include "library/game_file.h"
+#include "formats/game_file.h"
 
 #include <cstdint>
 #include <span>

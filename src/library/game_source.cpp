@@ -3,8 +3,9 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "library/convert.h"
-#include "library/game_file.h"
-#include "library/zip.h"
+
+#include "formats/game_file.h"
+#include "formats/zip.h"
 
 #include <cstring>
 #include <fstream>

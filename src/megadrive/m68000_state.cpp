@@ -1,5 +1,6 @@
-#include "base/state_piece.h"
 #include "megadrive/m68000.h"
+
+#include "machine/state_piece.h"
 
 namespace {
 

@@ -1,11 +1,12 @@
 #include "megadrive/mega_drive.h"
 
-#include "base/state_piece.h"
-#include "front/settings/bindings.h"
-#include "host/machine_image.h"
-#include "host/sound_frame.h"
-#include "host/state_pieces.h"
 #include "megadrive/md_bus.h"
+
+#include "machine/machine_image.h"
+#include "machine/sound_frame.h"
+#include "machine/state_piece.h"
+#include "machine/state_pieces.h"
+#include "settings/bindings.h"
 
 #include <algorithm>
 #include <array>

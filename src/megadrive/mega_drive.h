@@ -10,10 +10,11 @@
 //   says where it was. The picture is then black; a reset or a state starts it again.
 #pragma once
 
-#include "host/battery.h"
-#include "host/emu_system.h"
-#include "host/inspection.h"
 #include "megadrive/md_console.h"
+
+#include "machine/battery.h"
+#include "machine/emu_system.h"
+#include "machine/inspection.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,7 @@
 // What a saved state keeps of the signal processor.
-#include "base/state_piece.h"
 #include "megadrive/svp_private.h"
+
+#include "machine/state_piece.h"
 
 #include <memory>
 

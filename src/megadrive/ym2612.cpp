@@ -1,10 +1,11 @@
 // The YM2612's life: clock, reset, sound to the resampler and states.
 #include "megadrive/ym2612.h"
 
-#include "base/state_piece.h"
 #include "megadrive/ym2612_private.h"
 #include "megadrive/ym2612_tables.h"
 #include "megadrive/ym2612_tick.h"
+
+#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <memory>

@@ -29,7 +29,7 @@
 //   was cleared is silent, at volume 1,023. These are kept on purpose.
 #pragma once
 
-#include "audio/resampler.h"
+#include "machine/resampler.h"
 
 #include <array>
 #include <cstddef>

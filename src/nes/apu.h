@@ -17,8 +17,9 @@
 //   step to it. Where a channel's level is taken, and what restarts what, are the published rules.
 #pragma once
 
-#include "audio/resampler.h"
 #include "nes/nes_lines.h"
+
+#include "machine/resampler.h"
 
 #include <array>
 #include <cstddef>

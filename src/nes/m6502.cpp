@@ -1,6 +1,6 @@
 #include "nes/m6502.h"
 
-#include "base/state_piece.h"
+#include "machine/state_piece.h"
 
 namespace {
 

@@ -11,9 +11,10 @@
 //   Where a piece is refused those before it are in force.
 #pragma once
 
-#include "host/emu_system.h"
-#include "host/inspection.h"
 #include "nes/nes_console.h"
+
+#include "machine/emu_system.h"
+#include "machine/inspection.h"
 
 #include <cstdint>
 #include <span>

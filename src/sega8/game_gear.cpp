@@ -1,13 +1,14 @@
 #include "sega8/game_gear.h"
 
-#include "base/state_piece.h"
-#include "front/settings/bindings.h"
-#include "host/machine_image.h"
-#include "host/sound_frame.h"
-#include "host/state_pieces.h"
-#include "library/game_file.h"
 #include "sega8/game_image.h"
 #include "sega8/late_chips.h"
+
+#include "formats/game_file.h"
+#include "machine/machine_image.h"
+#include "machine/sound_frame.h"
+#include "machine/state_piece.h"
+#include "machine/state_pieces.h"
+#include "settings/bindings.h"
 
 #include <algorithm>
 #include <cstring>

@@ -14,13 +14,14 @@
 //   off, as on the Master System; zero written to port 6 doesn't mute.
 #pragma once
 
-#include "host/emu_system.h"
-#include "host/inspection.h"
 #include "sega8/gear_link.h"
 #include "sega8/psg.h"
 #include "sega8/sega_memory.h"
 #include "sega8/vdp.h"
 #include "sega8/z80.h"
+
+#include "machine/emu_system.h"
+#include "machine/inspection.h"
 
 #include <array>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "sega8/game_image.h"
 
-#include "library/game_file.h"
+#include "formats/game_file.h"
 
 #include <cstring>
 

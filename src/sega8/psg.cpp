@@ -1,6 +1,6 @@
 #include "sega8/psg.h"
 
-#include "base/state_piece.h"
+#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <bit>

@@ -12,7 +12,7 @@
 //   port opens every channel. Both are settled.
 #pragma once
 
-#include "audio/resampler.h"
+#include "machine/resampler.h"
 
 #include <array>
 #include <cstddef>

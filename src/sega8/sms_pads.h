@@ -25,7 +25,7 @@
 // Owner: the machine. The aim of a phaser, the turn of a paddle and all counters are in its state.
 #pragma once
 
-#include "host/emu_system.h"
+#include "machine/emu_system.h"
 
 #include <array>
 #include <cstdint>

@@ -13,11 +13,12 @@
 //   analog and dial panels is left out.
 #pragma once
 
-#include "host/emu_system.h"
-#include "host/inspection.h"
 #include "sega8/psg.h"
 #include "sega8/vdp.h"
 #include "sega8/z80.h"
+
+#include "machine/emu_system.h"
+#include "machine/inspection.h"
 
 #include <array>
 #include <cstddef>

@@ -1,7 +1,8 @@
 #include "sega8/vdp.h"
 
-#include "host/emu_system.h"
 #include "sega8/vdp_private.h"
+
+#include "machine/emu_system.h"
 
 #include <cstddef>
 

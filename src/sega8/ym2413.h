@@ -14,7 +14,7 @@
 //   carries past F-number 511 goes on low in the next block. These are settled.
 #pragma once
 
-#include "audio/resampler.h"
+#include "machine/resampler.h"
 
 #include <array>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "sega8/z80.h"
 
-#include "base/state_piece.h"
+#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,10 +2,10 @@
 // visits them.
 
 #include "audio/sound.h"
-#include "front/settings/bindings.h"
 #include "host/host_data.h"
 #include "host/host_fixture.h"
 
+#include "settings/bindings.h"
 #include <SDL.h>
 
 #include <chrono>

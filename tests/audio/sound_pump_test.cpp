@@ -1,7 +1,7 @@
-#include "audio/allocation_counter.h"
 #include "audio/sound_pump.h"
 #include "audio/sound_rig.h"
 
+#include "support/allocation_counter.h"
 #include <gtest/gtest.h>
 
 #include <limits>

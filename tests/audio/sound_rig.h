@@ -5,9 +5,10 @@
 #include "audio/sound_channel.h"
 #include "audio/sound_pump.h"
 #include "base/audio_rate.h"
-#include "front/settings/settings.h"
 #include "host/host_data.h"
 #include "host/session.h"
+
+#include "settings/settings.h"
 
 #include <cstdint>
 #include <cstring>

@@ -3,11 +3,11 @@
 #include "audio/sound_device.h"
 #include "audio/tone_ring.h"
 #include "base/audio_rate.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/host_data.h"
 #include "host/session.h"
 
+#include "settings/bindings.h"
+#include "settings/settings.h"
 #include <SDL.h>
 #include <gtest/gtest.h>
 

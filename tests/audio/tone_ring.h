@@ -2,7 +2,8 @@
 #pragma once
 
 #include "audio/sound_ring.h"
-#include "audio/spectrum.h"
+
+#include "support/spectrum.h"
 
 #include <cmath>
 #include <cstdint>

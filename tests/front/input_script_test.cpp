@@ -1,7 +1,7 @@
 #include "front/input_script.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 
+#include "settings/bindings.h"
+#include "settings/settings.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

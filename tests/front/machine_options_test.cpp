@@ -1,8 +1,8 @@
 #include "front/machine_options.h"
-#include "front/settings/settings.h"
 #include "library/convert.h"
-#include "library/game_file.h"
 
+#include "formats/game_file.h"
+#include "settings/settings.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -2,10 +2,11 @@
 // picture whose place and shape the test chooses, and tells what it was given of the pointers.
 #pragma once
 
-#include "front/settings/bindings.h"
-#include "host/emu_system.h"
 #include "host/machine_list.h"
-#include "library/game_file.h"
+
+#include "formats/game_file.h"
+#include "machine/emu_system.h"
+#include "settings/bindings.h"
 
 #include <algorithm>
 #include <atomic>

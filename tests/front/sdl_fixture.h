@@ -1,9 +1,8 @@
 // The device library without a display, and with no joysticks but those that a test attaches.
 #pragma once
 
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
-
+#include "settings/bindings.h"
+#include "settings/settings.h"
 #include <SDL.h>
 #include <gtest/gtest.h>
 

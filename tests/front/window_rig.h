@@ -5,11 +5,11 @@
 #include "base/files.h"
 #include "front/application.h"
 #include "front/play.h"
-#include "front/settings/settings.h"
 #include "host/machine_list.h"
-#include "host/machines.h"
 #include "sega8/machine_rig.h"
 
+#include "machines/machines.h"
+#include "settings/settings.h"
 #include "support/temporary_folder.h"
 #include <SDL.h>
 #include <gtest/gtest.h>

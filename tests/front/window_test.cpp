@@ -4,10 +4,10 @@
 #include "front/notices.h"
 #include "front/program_title.h"
 #include "front/run_settings.h"
-#include "front/settings/bindings.h"
 #include "front/window_rig.h"
 #include "megadrive/md_rig.h"
 
+#include "settings/bindings.h"
 #include <gmock/gmock.h>
 
 #ifdef OMBRELUNE_SANITIZED

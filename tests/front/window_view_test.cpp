@@ -1,10 +1,11 @@
 // What the window shows of a game: the picture in every view, its size and place, the text over it.
 #include "front/demos.h"
 #include "front/plain_machine.h"
-#include "front/settings/bindings.h"
 #include "front/window_rig.h"
 #include "library/convert.h"
 #include "library/systems.h"
+
+#include "settings/bindings.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,8 @@
 #include "host/archive.h"
 #include "host/host_fixture.h"
 #include "host/report.h"
-#include "library/zip.h"
 
+#include "formats/zip.h"
 #include <sys/resource.h>
 
 #include <csignal>

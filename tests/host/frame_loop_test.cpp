@@ -1,14 +1,14 @@
 #include "base/audio_rate.h"
 #include "base/files.h"
 #include "base/random.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/frame_loop.h"
 #include "host/host_fixture.h"
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/static.h"
 
+#include "settings/bindings.h"
+#include "settings/settings.h"
 #include <gmock/gmock.h>
 
 #include <filesystem>

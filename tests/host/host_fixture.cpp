@@ -1,8 +1,9 @@
 #include "host/host_fixture.h"
 
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/report.h"
+
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <algorithm>
 #include <array>

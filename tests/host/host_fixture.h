@@ -5,8 +5,8 @@
 #include "host/host_data.h"
 #include "host/session.h"
 #include "host/test_machine.h"
-#include "library/game_file.h"
 
+#include "formats/game_file.h"
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>
 

@@ -1,7 +1,8 @@
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/host_fixture.h"
 #include "host/screenshot.h"
+
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <filesystem>
 #include <iterator>

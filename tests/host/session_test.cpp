@@ -1,8 +1,9 @@
 #include "base/files.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/host_fixture.h"
 #include "host/session.h"
+
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <atomic>
 #include <cstdio>

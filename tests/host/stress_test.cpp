@@ -1,7 +1,8 @@
 // Everything at once from several threads: the sanitizers look on, and nothing may be left behind.
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "host/host_fixture.h"
+
+#include "settings/bindings.h"
+#include "settings/settings.h"
 
 #include <chrono>
 #include <cstdlib>

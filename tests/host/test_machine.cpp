@@ -1,6 +1,6 @@
 #include "host/test_machine.h"
 
-#include "base/state_piece.h"
+#include "machine/state_piece.h"
 
 #include <cstring>
 

@@ -1,9 +1,10 @@
 // A machine of the tests' own: deterministic, small, and able to fail wherever a machine may.
 #pragma once
 
-#include "host/battery.h"
-#include "host/emu_system.h"
 #include "host/machine_list.h"
+
+#include "machine/battery.h"
+#include "machine/emu_system.h"
 
 #include <array>
 #include <atomic>

@@ -1,6 +1,6 @@
 #include "library/convert.h"
-#include "library/hand_made.h"
 
+#include "formats/hand_made.h"
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,6 +1,7 @@
 // Operators: the eight algorithms, feedback, level and wave.
-#include "audio/spectrum.h"
 #include "megadrive/ym2612_rig.h"
+
+#include "support/spectrum.h"
 
 #include <numbers>
 #include <string>

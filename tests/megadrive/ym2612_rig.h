@@ -3,10 +3,10 @@
 #pragma once
 
 #include "base/audio_rate.h"
-#include "front/settings/settings.h"
 #include "megadrive/ym2612.h"
 #include "megadrive/ym2612_tick.h"
 
+#include "settings/settings.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 // A sound unit with memory for its sample channel, run cycle by cycle.
 #pragma once
 
-#include "front/settings/settings.h"
 #include "nes/apu.h"
 #include "nes/apu_tick.h"
 
+#include "settings/settings.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -125,7 +125,7 @@ TEST(Layers, NothingBelowTheFrontOpensAWindowOrKnowsAnothersDevice) {
     const LAYERS layers = ReadLayers();
     const std::map<std::string, std::set<std::string>> mayInclude = {
         {"SDL", {"front", "sound", "settings"}},
-        {"GL/", {"front", "room"}             },
+        {"GL/", {"front", "display"}          },
         {"AL/", {"sound"}                     },
     };
     for (const auto& [file, target] : layers.targetOf) {

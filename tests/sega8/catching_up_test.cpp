@@ -2,14 +2,14 @@
 // with buttons pressed at random.
 
 #include "front/demos.h"
-#include "front/settings/bindings.h"
-#include "front/settings/settings.h"
 #include "library/convert.h"
-#include "library/game_file.h"
 #include "sega8/game_gear.h"
 #include "sega8/sms.h"
 #include "sega8/system_e.h"
 
+#include "formats/game_file.h"
+#include "settings/bindings.h"
+#include "settings/settings.h"
 #include <gtest/gtest.h>
 
 #include <cstring>

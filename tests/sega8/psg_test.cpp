@@ -1,8 +1,8 @@
 #include "base/audio_rate.h"
-#include "front/settings/settings.h"
 #include "sega8/psg.h"
 #include "sega8/ym2413.h"
 
+#include "settings/settings.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "base/audio_rate.h"
-#include "front/settings/settings.h"
 #include "sega8/ym2413.h"
 
+#include "settings/settings.h"
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -1,6 +1,7 @@
 // What is heard: pitches, waves, feedback, oscillators, voices and the rhythm.
-#include "audio/spectrum.h"
 #include "sega8/ym2413_rig.h"
+
+#include "support/spectrum.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "base/bytes.h"
-#include "host/emu_system.h"
 
+#include "machine/emu_system.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,0 +1,33 @@
+#include "machine/emu_system.h"
+
+#include "base/ranked_mutex.h"
+
+#include <mutex>
+#include <utility>
+
+namespace {
+
+struct LAST_ERROR {
+    RankedMutex<LockRank::kLeaf> lock;
+    std::string text;
+};
+
+// Never destroyed: a session thread may still speak while the process ends.
+LAST_ERROR& LastError() {
+    static auto* error = new LAST_ERROR;
+    return *error;
+}
+
+} // namespace
+
+void EmuSetLastError(std::string text) {
+    LAST_ERROR& error = LastError();
+    const std::scoped_lock hold(error.lock);
+    error.text = std::move(text);
+}
+
+std::string EmuLastError() {
+    LAST_ERROR& error = LastError();
+    const std::scoped_lock hold(error.lock);
+    return error.text;
+}

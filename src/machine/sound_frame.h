@@ -1,0 +1,72 @@
+// How machines bring their chips' resampled sound into an EMU_AUDIO_FRAME.
+//
+// Sound and states: behind the chips a state holds what the resamplers have on their way, so that a
+// run that begins by loading gives the very samples of the run that was saved. A state without it, or
+// of other sound settings, is as good but for the first milliseconds: the resamplers then start empty.
+#pragma once
+
+#include "machine/emu_system.h"
+#include "machine/resampler.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+
+// What a machine's resamplers take in a state.
+[[nodiscard]] inline uint32_t
+SoundStateSize(std::initializer_list<const AudioResampler*> resamplers) {
+    uint32_t size = 0;
+    for (const AudioResampler* resampler : resamplers) {
+        size += resampler->StateSize();
+    }
+    return size;
+}
+
+inline void SaveSoundState(std::initializer_list<const AudioResampler*> resamplers, uint8_t* out) {
+    for (const AudioResampler* resampler : resamplers) {
+        out = resampler->SaveState(out);
+    }
+}
+
+// From the end of a state; `data` may be null where nothing is left. From the first piece that does not
+// fit on, the resamplers start empty.
+inline void LoadSoundState(std::initializer_list<AudioResampler*> resamplers, const uint8_t* data,
+                           uint32_t size) {
+    for (AudioResampler* resampler : resamplers) {
+        const uint32_t used = resampler->LoadState(data, size);
+        data += used;
+        size = used != 0 ? size - used : 0;
+    }
+}
+
+[[nodiscard]] inline int16_t ClipSample(int32_t value) {
+    return static_cast<int16_t>(std::clamp(value, -32768, 32767));
+}
+
+// Values that fit into the frame, of those that are ready.
+[[nodiscard]] inline uint32_t ReadyValues(const AudioResampler& resampler) {
+    const auto ready = static_cast<uint32_t>(resampler.Output().size());
+    return std::min(ready, kAudioFramePairs * 2) & ~1u;
+}
+
+// All the sound of one chip.
+inline void TakeSound(AudioResampler& from, EMU_AUDIO_FRAME& audio) {
+    const uint32_t values = ReadyValues(from);
+    std::copy_n(from.Output().begin(), values, audio.samples);
+    from.Consume(static_cast<int32_t>(values));
+    audio.sampleCount = values / 2;
+}
+
+// `values` values of both chips, joined by `mix` (int32_t, int32_t to int32_t) and clipped; fewer when
+// one of them has fewer.
+template <typename Mix>
+inline void MixSound(AudioResampler& first, AudioResampler& second, uint32_t values,
+                     EMU_AUDIO_FRAME& audio, Mix mix) {
+    const uint32_t count = std::min({values, ReadyValues(first), ReadyValues(second)});
+    for (uint32_t i = 0; i < count; ++i) {
+        audio.samples[i] = ClipSample(mix(first.Output()[i], second.Output()[i]));
+    }
+    first.Consume(static_cast<int32_t>(count));
+    second.Consume(static_cast<int32_t>(count));
+    audio.sampleCount = count / 2;
+}

@@ -1,0 +1,67 @@
+#include "settings/bindings.h"
+#include "settings/settings.h"
+
+#include <variant>
+
+namespace {
+
+struct DEFAULT_SETTING {
+    const wchar_t* name;
+    std::variant<bool, int32_t, float, std::wstring_view> value;
+};
+
+constexpr std::wstring_view kEmpty;
+
+// The values of a first run, in the order of registration. The first name holds the build number; its
+// value becomes true at the end of every run, so that a first run of a build shows.
+constexpr DEFAULT_SETTING kDefaultSettings[] = {
+    {L"app_720runonce",           false },
+    {L"emu_startfullscreen",      false }, // or else on the room's television
+    {L"app_fullScreen",           true  },
+    {L"app_antialias",            false },
+    {L"app_anisotropicfiltering", false },
+    {L"app_vsync",                true  },
+    {L"app_lighting",             true  },
+    {L"app_screenshotfull",       false }, // the whole picture
+    {L"app_window_width",         1280  }, // pixels, when not full-screen
+    {L"app_window_height",        720   },
+    {L"app_managecpucores",       false }, // bind session threads to processors
+    {L"gamebrowser_cursystem",    0     }, // last system in the browser
+    {L"emu_fastforward",          2     }, // frames per round
+    {L"emu_gameroomfilter",       false }, // smooth picture on the television
+    {L"emu_rewindbuffer",         256   }, // mebibytes
+    {L"emu_autosaves",            3     }, // bit 0 load at start, bit 1 save at stop
+    {L"megadrive_psgvolume",      1.25f }, // gains
+    {L"megadrive_ymvolume",       1.0f  },
+    {L"login_connectstartup",     false },
+    {L"login_username",           kEmpty},
+    {L"login_userpass",           kEmpty},
+    {L"audio_app_quality",        1     },
+    {L"audio_app_samplerate",     44100 }, // sample pairs a second, for the whole program
+    {L"audio_volume",             1.0f  },
+    {L"emu_audiocutoff_low",      800   }, // Hz
+    {L"emu_audiocutoff_high",     15000 },
+    {L"emu_audiocutoff_enabled",  false },
+    {L"audio_boost_low",          1.25f }, // gains of the three bands
+    {L"audio_boost_mid",          1.0f  },
+    {L"audio_boost_high",         1.0f  },
+};
+
+struct REGISTER_VALUE {
+    SettingsStore& store;
+    const wchar_t* name;
+
+    void operator()(bool value) const { store.RegisterBool(name, value); }
+    void operator()(int32_t value) const { store.RegisterInt(name, value); }
+    void operator()(float value) const { store.RegisterFloat(name, value); }
+    void operator()(std::wstring_view value) const { store.RegisterString(name, value); }
+};
+
+} // namespace
+
+void RegisterDefaultSettings(SettingsStore& store) {
+    for (const DEFAULT_SETTING& setting : kDefaultSettings) {
+        std::visit(REGISTER_VALUE{store, setting.name}, setting.value);
+    }
+    RegisterBindings(store);
+}

@@ -1,0 +1,428 @@
+#include "display/display_fixture.h"
+#include "display/full_screen.h"
+#include "display/gl_private.h"
+#include "display/screen_reader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <numeric>
+
+namespace {
+
+EMU_VIDEO_FRAME PictureOf(uint32_t width, uint32_t height, float aspect) {
+    EMU_VIDEO_FRAME picture{};
+    picture.width = width;
+    picture.height = height;
+    picture.aspect = aspect;
+    picture.visibleWidth = width;
+    picture.visibleHeight = height;
+    picture.visibleAspect = aspect;
+    return picture;
+}
+
+void SetWindow(EMU_VIDEO_FRAME& picture, uint32_t x, uint32_t y, uint32_t width, uint32_t height,
+               float aspect) {
+    picture.visibleX = x;
+    picture.visibleY = y;
+    picture.visibleWidth = width;
+    picture.visibleHeight = height;
+    picture.visibleAspect = aspect;
+}
+
+TEXTURE_RECORD TextureOf(uint32_t width, uint32_t height, uint32_t texWidth, uint32_t texHeight) {
+    TEXTURE_RECORD texture{};
+    texture.width = width;
+    texture.height = height;
+    texture.texWidth = texWidth;
+    texture.texHeight = texHeight;
+    return texture;
+}
+
+struct PLACE {
+    uint32_t left, top, width, height;
+    bool operator==(const PLACE&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const PLACE& place) {
+    return out << place.left << ',' << place.top << ' ' << place.width << 'x' << place.height;
+}
+
+PLACE PlaceOf(float aspect, uint32_t screenWidth, uint32_t screenHeight) {
+    const SCREEN_QUAD quad =
+        PlaceFullScreen(PictureOf(256, 192, aspect), TextureOf(256, 192, 256, 192), false,
+                        screenWidth, screenHeight);
+    return {quad.left, quad.top, quad.width, quad.height};
+}
+
+TEST(FullScreenPlace, IsAsHighAsTheScreenUnlessThatIsTooWide) {
+    const struct {
+        float aspect;
+        uint32_t screenWidth, screenHeight;
+        PLACE place;
+    } rows[] = {
+        {4.0f / 3,  1920, 1080, {240, 0, 1440, 1080}},
+        {4.0f / 3,  1280, 720,  {160, 0, 960, 720}  },
+        {4.0f / 3,  640,  480,  {0, 0, 640, 480}    },
+        {4.0f / 3,  1024, 1280, {0, 256, 1024, 768} },
+        {16.0f / 9, 1920, 1080, {0, 0, 1920, 1080}  },
+        {3.0f / 4,  1280, 720,  {370, 0, 540, 720}  },
+        {1.0f,      720,  720,  {0, 0, 720, 720}    },
+        {2.0f,      800,  600,  {0, 100, 800, 400}  },
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(PlaceOf(row.aspect, row.screenWidth, row.screenHeight), row.place) << row.aspect;
+    }
+}
+
+TEST(FullScreenPlace, OddPixelStaysRightAndBelow) {
+    EXPECT_EQ(PlaceOf(1.0f, 40, 21), (PLACE{9, 0, 21, 21})) << "9 left, 10 right";
+    EXPECT_EQ(PlaceOf(1.0f, 41, 21), (PLACE{10, 0, 21, 21}));
+    EXPECT_EQ(PlaceOf(1.0f, 21, 40), (PLACE{0, 9, 21, 21})) << "9 above, 10 below";
+    EXPECT_EQ(PlaceOf(1.0f, 21, 41), (PLACE{0, 10, 21, 21}));
+}
+
+TEST(FullScreenPlace, LengthsAreCutToWholePixels) {
+    EXPECT_EQ(PlaceOf(4.0f / 3, 400, 224), (PLACE{51, 0, 298, 224})) << "298.67 wide";
+    EXPECT_EQ(PlaceOf(3.0f, 400, 224), (PLACE{0, 45, 400, 133})) << "133.33 high";
+}
+
+TEST(FullScreenPlace, OnePixelScreenShowsOnePixel) {
+    for (const float aspect : {0.5f, 1.0f, 4.0f / 3, 1000.0f, 0.001f}) {
+        EXPECT_EQ(PlaceOf(aspect, 1, 1), (PLACE{0, 0, 1, 1})) << aspect;
+    }
+}
+
+TEST(FullScreenPlace, ExtremeAspectsStayOnTheScreen) {
+    EXPECT_EQ(PlaceOf(std::numeric_limits<float>::max(), 640, 480), (PLACE{0, 239, 640, 1}));
+    EXPECT_EQ(PlaceOf(std::numeric_limits<float>::min(), 640, 480), (PLACE{319, 0, 1, 480}));
+    EXPECT_EQ(PlaceOf(std::numeric_limits<float>::denorm_min(), 640, 480), (PLACE{319, 0, 1, 480}));
+}
+
+TEST(FullScreenPlace, AspectThatIsNoneMeansSquarePixels) {
+    const float none[] = {0.0f, -1.0f, std::nanf(""), std::numeric_limits<float>::infinity(),
+                          -std::numeric_limits<float>::infinity()};
+    for (const float aspect : none) {
+        EXPECT_EQ(PlaceOf(aspect, 640, 480), (PLACE{0, 0, 640, 480})) << "256 to 192 is 4 to 3";
+        EXPECT_EQ(PlaceOf(aspect, 1000, 480), (PLACE{180, 0, 640, 480}));
+    }
+}
+
+TEST(FullScreenPlace, NothingWithoutAPictureATextureOrAScreen) {
+    const EMU_VIDEO_FRAME picture = PictureOf(8, 8, 1.0f);
+    const TEXTURE_RECORD texture = TextureOf(8, 8, 8, 8);
+    EXPECT_EQ(PlaceFullScreen(picture, texture, false, 0, 480).width, 0U);
+    EXPECT_EQ(PlaceFullScreen(picture, texture, false, 640, 0).width, 0U);
+    EXPECT_EQ(PlaceFullScreen(PictureOf(0, 8, 1.0f), texture, false, 640, 480).width, 0U);
+    EXPECT_EQ(PlaceFullScreen(PictureOf(8, 0, 1.0f), texture, false, 640, 480).width, 0U);
+    EXPECT_EQ(PlaceFullScreen(picture, TEXTURE_RECORD{}, false, 640, 480).width, 0U);
+}
+
+TEST(FullScreenPlace, TextureIsCutByHalfATexelOnEachSide) {
+    const EMU_VIDEO_FRAME picture = PictureOf(256, 192, 4.0f / 3);
+    const SCREEN_QUAD quad =
+        PlaceFullScreen(picture, TextureOf(256, 192, 256, 192), false, 640, 480);
+    EXPECT_FLOAT_EQ(quad.textureLeft, 0.001953125f); // 1 / 512
+    EXPECT_FLOAT_EQ(quad.textureRight, 0.998046875f);
+    EXPECT_FLOAT_EQ(quad.textureTop, 0.0026041667f); // 1 / 384
+    EXPECT_FLOAT_EQ(quad.textureBottom, 0.9973958333f);
+}
+
+TEST(FullScreenPlace, TextureCoordinatesAreScaledByUsedOverAllocated) {
+    const EMU_VIDEO_FRAME picture = PictureOf(320, 192, 4.0f / 3);
+    const SCREEN_QUAD quad =
+        PlaceFullScreen(picture, TextureOf(320, 192, 512, 256), false, 640, 480);
+    EXPECT_FLOAT_EQ(quad.textureLeft, 0.0009765625f);  // 0.5 / 320 * 320 / 512
+    EXPECT_FLOAT_EQ(quad.textureRight, 0.6240234375f); // 319.5 / 512
+    EXPECT_FLOAT_EQ(quad.textureTop, 0.001953125f);    // 0.5 / 256
+    EXPECT_FLOAT_EQ(quad.textureBottom, 0.748046875f); // 191.5 / 256
+}
+
+TEST(FullScreenPlace, CropTakesTheActiveWindowAndItsAspect) {
+    EMU_VIDEO_FRAME picture = PictureOf(256, 224, 8.0f / 7);
+    SetWindow(picture, 48, 24, 160, 144, 10.0f / 9);
+    const TEXTURE_RECORD texture = TextureOf(256, 224, 256, 224);
+    const SCREEN_QUAD whole = PlaceFullScreen(picture, texture, false, 640, 448);
+    EXPECT_EQ(whole.width, 512U);
+    const SCREEN_QUAD cropped = PlaceFullScreen(picture, texture, true, 640, 432);
+    EXPECT_EQ(cropped.width, 480U);
+    EXPECT_EQ(cropped.left, 80U);
+    EXPECT_FLOAT_EQ(cropped.textureLeft, 48.5f / 256);
+    EXPECT_FLOAT_EQ(cropped.textureRight, 207.5f / 256);
+    EXPECT_FLOAT_EQ(cropped.textureTop, 24.5f / 224);
+    EXPECT_FLOAT_EQ(cropped.textureBottom, 167.5f / 224);
+}
+
+TEST(FullScreenPlace, CropOfOneTexelShowsItsMiddle) {
+    EMU_VIDEO_FRAME picture = PictureOf(8, 4, 2.0f);
+    SetWindow(picture, 3, 2, 1, 1, 1.0f);
+    const SCREEN_QUAD quad = PlaceFullScreen(picture, TextureOf(8, 4, 8, 4), true, 10, 10);
+    EXPECT_EQ(quad.textureLeft, 3.5f / 8);
+    EXPECT_EQ(quad.textureRight, 3.5f / 8);
+    EXPECT_EQ(quad.textureTop, 2.5f / 4);
+    EXPECT_EQ(quad.textureBottom, 2.5f / 4);
+}
+
+TEST(FullScreenPlace, CropOfNothingShowsTheWholeAndOneThatLeavesThePictureIsCut) {
+    EMU_VIDEO_FRAME picture = PictureOf(8, 4, 2.0f);
+    const TEXTURE_RECORD texture = TextureOf(8, 4, 8, 4);
+    SetWindow(picture, 2, 2, 0, 2, 1.0f);
+    EXPECT_EQ(PlaceFullScreen(picture, texture, true, 20, 10).textureRight, 7.5f / 8);
+    EXPECT_EQ(PlaceFullScreen(picture, texture, true, 20, 10).width, 20U);
+    SetWindow(picture, 8, 0, 2, 2, 1.0f);
+    EXPECT_EQ(PlaceFullScreen(picture, texture, true, 20, 10).textureLeft, 0.5f / 8);
+    SetWindow(picture, 6, 3, 0xFFFFFFFF, 0xFFFFFFFF, 1.0f);
+    const SCREEN_QUAD quad = PlaceFullScreen(picture, texture, true, 20, 10);
+    EXPECT_EQ(quad.textureLeft, 6.5f / 8);
+    EXPECT_EQ(quad.textureRight, 7.5f / 8);
+    EXPECT_EQ(quad.textureTop, 3.5f / 4);
+    EXPECT_EQ(quad.textureBottom, 3.5f / 4);
+}
+
+// Pictures that go through UploadPicture and are read back from the screen.
+class FullScreen : public DisplayTest {
+protected:
+    void SetUp() override {
+        DisplayTest::SetUp();
+        StartSessionPicture(session, kMostPixels);
+    }
+
+    void TearDown() override {
+        EndSessionPicture(session);
+        DisplayTest::TearDown();
+    }
+
+    void Show(EMU_VIDEO_FRAME picture, std::vector<uint32_t> pixels) {
+        ASSERT_EQ(pixels.size(), size_t{picture.width} * picture.height);
+        picture.pixels = pixels.data();
+        ASSERT_TRUE(UploadPicture(picture, session, PictureScaler::kNone));
+    }
+
+    // Leaves red on the screen before, so that what is not drawn shows.
+    std::vector<uint32_t> Draw(const FULL_SCREEN_VIEW& view, uint32_t width, uint32_t height) {
+        ClearScreen(kRed);
+        DrawFullScreen(session, view, width, height);
+        return ReadScreen(width, height);
+    }
+
+    static constexpr size_t kMostPixels = 64;
+    static constexpr FULL_SCREEN_VIEW kNearest{false, false};
+    static constexpr FULL_SCREEN_VIEW kLinear{false, true};
+    static constexpr FULL_SCREEN_VIEW kNearestCrop{true, false};
+    SESSION_PICTURE session;
+};
+
+constexpr uint32_t kWidth = 5;
+constexpr uint32_t kHeight = 3;
+
+// Fifteen colours, no two with a channel in common.
+std::vector<uint32_t> FifteenColours() {
+    std::vector<uint32_t> pixels;
+    for (uint32_t i = 0; i < kWidth * kHeight; ++i) {
+        pixels.push_back(0xFF000000 | (17 * i) << 16 | (255 - 16 * i) << 8 | (i * 101 % 256));
+    }
+    return pixels;
+}
+
+EMU_VIDEO_FRAME FiveByThree() {
+    return PictureOf(kWidth, kHeight, 5.0f / 3);
+}
+
+// The picture with its columns and rows repeated as listed.
+std::vector<uint32_t> Repeated(const std::vector<uint32_t>& pixels,
+                               const std::vector<uint32_t>& columns,
+                               const std::vector<uint32_t>& rows) {
+    std::vector<uint32_t> result;
+    for (const uint32_t row : rows) {
+        for (const uint32_t column : columns) {
+            result.push_back(pixels[row * kWidth + column]);
+        }
+    }
+    return result;
+}
+
+// Screen column c of S shows the texel 0.5 + (c + 0.5) * 4 / S, its fraction dropped, as the five texels
+// are cut to the four from the middle of the first to the middle of the last. Rows likewise with 2.
+struct NEAREST_ROW {
+    uint32_t scale;
+    std::vector<uint32_t> columns;
+    std::vector<uint32_t> rows;
+};
+
+const NEAREST_ROW kNearestRows[] = {
+    {1, {0, 1, 2, 3, 4},                               {0, 1, 2}                  },
+    {3, {0, 0, 1, 1, 1, 1, 2, 2, 2, 3, 3, 3, 3, 4, 4}, {0, 0, 1, 1, 1, 1, 1, 2, 2}},
+};
+
+TEST_F(FullScreen, NearestShowsExactlyThePicturesColours) {
+    const std::vector<uint32_t> pixels = FifteenColours();
+    Show(FiveByThree(), pixels);
+    for (const NEAREST_ROW& row : kNearestRows) {
+        EXPECT_EQ(Draw(kNearest, kWidth * row.scale, kHeight * row.scale),
+                  Repeated(pixels, row.columns, row.rows))
+            << row.scale;
+    }
+}
+
+TEST_F(FullScreen, NearestIsTheSameWithPowersOfTwo) {
+    GlForbidOddTextureSizes();
+    const std::vector<uint32_t> pixels = FifteenColours();
+    Show(FiveByThree(), pixels);
+    ASSERT_EQ(session.texture.texWidth, 8U);
+    for (const NEAREST_ROW& row : kNearestRows) {
+        EXPECT_EQ(Draw(kNearest, kWidth * row.scale, kHeight * row.scale),
+                  Repeated(pixels, row.columns, row.rows))
+            << row.scale;
+    }
+}
+
+int Channel(uint32_t pixel, int shift) {
+    return static_cast<int>(pixel >> shift & 0xFF);
+}
+
+// The largest difference of two pictures in any channel.
+int LargestDifference(const std::vector<uint32_t>& a, const std::vector<uint32_t>& b) {
+    int largest = 0;
+    for (size_t i = 0; i < a.size() && i < b.size(); ++i) {
+        for (const int shift : {16, 8, 0}) {
+            largest = std::max(largest, std::abs(Channel(a[i], shift) - Channel(b[i], shift)));
+        }
+    }
+    return a.size() == b.size() ? largest : 256;
+}
+
+// Between the middles of the four texels around the point, in double precision.
+double Bilinear(const std::vector<uint32_t>& pixels, double x, double y, int shift) {
+    const auto left = static_cast<uint32_t>(x);
+    const auto top = static_cast<uint32_t>(y);
+    const uint32_t right = std::min(left + 1, kWidth - 1);
+    const uint32_t below = std::min(top + 1, kHeight - 1);
+    const auto texel = [&](uint32_t column, uint32_t row) {
+        return Channel(pixels[row * kWidth + column], shift);
+    };
+    const double upper = std::lerp(texel(left, top), texel(right, top), x - left);
+    const double lower = std::lerp(texel(left, below), texel(right, below), x - left);
+    return std::lerp(upper, lower, y - top);
+}
+
+// A renderer may hold the weights of a filter in as few as eight bits: half a step of a weight in each
+// direction and half a step of the result.
+constexpr double kFilterTolerance = 255.0 / 512 * 2 + 0.5 + 0.01;
+
+TEST_F(FullScreen, LinearIsBilinearBetweenTheMiddlesOfTexels) {
+    const std::vector<uint32_t> pixels = FifteenColours();
+    Show(FiveByThree(), pixels);
+    constexpr uint32_t kScreenWidth = 60;
+    constexpr uint32_t kScreenHeight = 36;
+    const std::vector<uint32_t> screen = Draw(kLinear, kScreenWidth, kScreenHeight);
+    for (uint32_t y = 0; y < kScreenHeight; ++y) {
+        for (uint32_t x = 0; x < kScreenWidth; ++x) {
+            const double column = (x + 0.5) * (kWidth - 1) / kScreenWidth;
+            const double row = (y + 0.5) * (kHeight - 1) / kScreenHeight;
+            for (const int shift : {16, 8, 0}) {
+                EXPECT_NEAR(Channel(screen[y * kScreenWidth + x], shift),
+                            Bilinear(pixels, column, row, shift), kFilterTolerance)
+                    << x << ',' << y;
+            }
+        }
+    }
+}
+
+TEST_F(FullScreen, LinearIsTheSameWithPowersOfTwo) {
+    Show(FiveByThree(), FifteenColours());
+    const std::vector<uint32_t> anySize = Draw(kLinear, 60, 36);
+    GlForbidOddTextureSizes();
+    session.texture.needsRecreate = 1;
+    Show(FiveByThree(), FifteenColours());
+    ASSERT_EQ(session.texture.texWidth, 8U);
+    EXPECT_LE(LargestDifference(Draw(kLinear, 60, 36), anySize), 2 * kFilterTolerance);
+}
+
+TEST_F(FullScreen, LinearShowsNothingOfTheUnusedTexels) {
+    GlForbidOddTextureSizes();
+    Show(FiveByThree(), std::vector<uint32_t>(15, kWhite));
+    for (const uint32_t height : {3U, 30U, 57U}) {
+        const uint32_t width = height * 5 / 3;
+        EXPECT_EQ(Draw(kLinear, width, height),
+                  std::vector<uint32_t>(size_t{width} * height, kWhite));
+    }
+}
+
+TEST_F(FullScreen, CropShowsTheActiveWindowAlone) {
+    EMU_VIDEO_FRAME picture = FiveByThree();
+    SetWindow(picture, 1, 1, 3, 2, 1.5f);
+    const std::vector<uint32_t> pixels = FifteenColours();
+    Show(picture, pixels);
+    EXPECT_EQ(Draw(kNearestCrop, 3, 2), Repeated(pixels, {1, 2, 3}, {1, 2}));
+    EXPECT_EQ(Draw(kNearest, 5, 3), pixels) << "the whole without";
+}
+
+TEST_F(FullScreen, LinearCropDoesNotReachOverTheWindowsEdge) {
+    EMU_VIDEO_FRAME picture = FiveByThree();
+    SetWindow(picture, 1, 1, 3, 1, 3.0f);
+    std::vector<uint32_t> pixels(15, kRed);
+    std::fill_n(pixels.begin() + 6, 3, kWhite);
+    Show(picture, pixels);
+    EXPECT_EQ(Draw({true, true}, 60, 20), std::vector<uint32_t>(1200, kWhite));
+}
+
+// What each row of a screen of one colour beside black must be.
+std::vector<uint32_t> Framed(uint32_t screenWidth, uint32_t screenHeight, const PLACE& place,
+                             uint32_t colour) {
+    std::vector<uint32_t> pixels(size_t{screenWidth} * screenHeight, kBlack);
+    for (uint32_t y = place.top; y < place.top + place.height; ++y) {
+        std::fill_n(pixels.begin() + y * screenWidth + place.left, place.width, colour);
+    }
+    return pixels;
+}
+
+TEST_F(FullScreen, RestOfTheScreenIsBlack) {
+    const struct {
+        float aspect;
+        uint32_t screenWidth, screenHeight;
+        PLACE place;
+    } rows[] = {
+        {1.0f,     40, 20, {10, 0, 20, 20}},
+        {1.0f,     20, 40, {0, 10, 20, 20}},
+        {1.0f,     40, 21, {9, 0, 21, 21} },
+        {1.0f,     21, 40, {0, 9, 21, 21} },
+        {2.0f,     33, 17, {0, 0, 33, 16} },
+        {4.0f / 3, 37, 24, {2, 0, 32, 24} },
+        {1.0f,     1,  1,  {0, 0, 1, 1}   },
+        {1.0f,     1,  7,  {0, 3, 1, 1}   },
+    };
+    for (const auto& row : rows) {
+        Show(PictureOf(4, 4, row.aspect), std::vector<uint32_t>(16, kWhite));
+        for (const FULL_SCREEN_VIEW& view : {kNearest, kLinear}) {
+            EXPECT_EQ(Draw(view, row.screenWidth, row.screenHeight),
+                      Framed(row.screenWidth, row.screenHeight, row.place, kWhite))
+                << row.screenWidth << 'x' << row.screenHeight;
+        }
+    }
+}
+
+TEST_F(FullScreen, SessionWithoutAPictureIsBlack) {
+    EXPECT_EQ(Draw(kNearest, 8, 6), std::vector<uint32_t>(48, kBlack));
+}
+
+TEST_F(FullScreen, WhatTheRoomLeavesOnIsNotInTheWay) {
+    const std::vector<uint32_t> pixels = FifteenColours();
+    Show(FiveByThree(), pixels);
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_NEVER);
+    glEnable(GL_LIGHTING);
+    glEnable(GL_CULL_FACE);
+    glCullFace(GL_FRONT_AND_BACK);
+    glEnable(GL_BLEND);
+    glEnable(GL_ALPHA_TEST);
+    glAlphaFunc(GL_NEVER, 0.0f);
+    glColor4f(0.5f, 0.2f, 0.1f, 0.3f);
+    glMatrixMode(GL_TEXTURE);
+    glScalef(0.5f, 0.5f, 1.0f);
+    glMatrixMode(GL_MODELVIEW);
+    glTranslatef(3.0f, 2.0f, 0.0f);
+    EXPECT_EQ(Draw(kNearest, kWidth, kHeight), pixels);
+}
+
+} // namespace

@@ -1,0 +1,201 @@
+// The settings and actions of a first run, written down a second time: a row that changes by mistake
+// shows.
+#include "settings/bindings.h"
+#include "settings/settings.h"
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+struct ROW {
+    SettingType type;
+    const wchar_t* name;
+    double value; // 0 or 1 for a bool
+};
+
+constexpr SettingType kBool = SettingType::kBool;
+constexpr SettingType kInt = SettingType::kInt;
+constexpr SettingType kFloat = SettingType::kFloat;
+constexpr SettingType kString = SettingType::kString;
+
+constexpr ROW kRows[] = {
+    {kBool,   L"app_720runonce",           0    },
+    {kBool,   L"emu_startfullscreen",      0    },
+    {kBool,   L"app_fullscreen",           1    },
+    {kBool,   L"app_antialias",            0    },
+    {kBool,   L"app_anisotropicfiltering", 0    },
+    {kBool,   L"app_vsync",                1    },
+    {kBool,   L"app_lighting",             1    },
+    {kBool,   L"app_screenshotfull",       0    },
+    {kInt,    L"app_window_width",         1280 },
+    {kInt,    L"app_window_height",        720  },
+    {kBool,   L"app_managecpucores",       0    },
+    {kInt,    L"gamebrowser_cursystem",    0    },
+    {kInt,    L"emu_fastforward",          2    },
+    {kBool,   L"emu_gameroomfilter",       0    },
+    {kInt,    L"emu_rewindbuffer",         256  },
+    {kInt,    L"emu_autosaves",            3    },
+    {kFloat,  L"megadrive_psgvolume",      1.25 },
+    {kFloat,  L"megadrive_ymvolume",       1.0  },
+    {kBool,   L"login_connectstartup",     0    },
+    {kString, L"login_username",           0    },
+    {kString, L"login_userpass",           0    },
+    {kInt,    L"audio_app_quality",        1    },
+    {kInt,    L"audio_app_samplerate",     44100},
+    {kFloat,  L"audio_volume",             1.0  },
+    {kInt,    L"emu_audiocutoff_low",      800  },
+    {kInt,    L"emu_audiocutoff_high",     15000},
+    {kBool,   L"emu_audiocutoff_enabled",  0    },
+    {kFloat,  L"audio_boost_low",          1.25 },
+    {kFloat,  L"audio_boost_mid",          1.0  },
+    {kFloat,  L"audio_boost_high",         1.0  },
+};
+
+struct ACTION {
+    std::wstring name;
+    uint32_t binding;
+};
+
+void AddPlayers(std::vector<ACTION>& actions, const std::wstring& system,
+                const std::vector<ACTION>& buttons) {
+    for (const ACTION& button : buttons) {
+        actions.push_back({system + L" P1 " + button.name, button.binding});
+    }
+    for (const ACTION& button : buttons) {
+        actions.push_back({system + L" P2 " + button.name, 0});
+    }
+}
+
+std::vector<ACTION> ExpectedActions() {
+    std::vector<ACTION> actions = {
+        {L"Move Forward",    26    },
+        {L"Move Back",       22    },
+        {L"Move Left",       4     },
+        {L"Move Right",      7     },
+        {L"Use",             8     },
+        {L"Turn Off",        20    },
+        {L"Slow Movement",   44    },
+        {L"Take ScreenShot", 69    },
+        {L"Fast Forward",    43    },
+        {L"Rewind",          196651},
+        {L"Load State",      65    },
+        {L"Save State",      64    },
+    };
+    AddPlayers(actions, L"NES",
+               {
+                   {L"UP",      82 },
+                   {L"DOWN",    81 },
+                   {L"LEFT",    80 },
+                   {L"RIGHT",   79 },
+                   {L"BUTTONB", 4  },
+                   {L"BUTTONA", 22 },
+                   {L"SELECT",  229},
+                   {L"START",   40 }
+    });
+    const std::vector<ACTION> sixButtons = {
+        {L"UP",      82},
+        {L"DOWN",    81},
+        {L"LEFT",    80},
+        {L"RIGHT",   79},
+        {L"BUTTON1", 4 },
+        {L"BUTTON2", 22},
+        {L"BUTTON3", 7 },
+        {L"BUTTON4", 29},
+        {L"BUTTON5", 27},
+        {L"BUTTON6", 6 }
+    };
+    actions.push_back({L"Arcade Insert Coin1", 34});
+    actions.push_back({L"Arcade Insert Coin2", 35});
+    actions.push_back({L"Arcade Start1", 30});
+    actions.push_back({L"Arcade Start2", 31});
+    AddPlayers(actions, L"Arcade", sixButtons);
+    actions.push_back({L"SMS PAUSE", 44});
+    actions.push_back({L"SMS RESET", 76});
+    AddPlayers(actions, L"SMS", sixButtons);
+    actions.push_back({L"MEGADRIVE PAUSE", 44});
+    actions.push_back({L"MEGADRIVE RESET", 76});
+    AddPlayers(actions, L"MEGADRIVE",
+               {
+                   {L"UP",      82},
+                   {L"DOWN",    81},
+                   {L"LEFT",    80},
+                   {L"RIGHT",   79},
+                   {L"START",   40},
+                   {L"MODE",    42},
+                   {L"BUTTONA", 29},
+                   {L"BUTTONB", 27},
+                   {L"BUTTONC", 6 },
+                   {L"BUTTONX", 4 },
+                   {L"BUTTONY", 22},
+                   {L"BUTTONZ", 7 }
+    });
+    AddPlayers(actions, L"GG",
+               {
+                   {L"UP",      82},
+                   {L"DOWN",    81},
+                   {L"LEFT",    80},
+                   {L"RIGHT",   79},
+                   {L"BUTTON1", 4 },
+                   {L"BUTTON2", 22},
+                   {L"START",   40}
+    });
+    return actions;
+}
+
+// From the oldest to the newest, which is the order of registration.
+std::vector<const Setting*> InOrder(const SettingsStore& store) {
+    std::vector<const Setting*> settings;
+    for (const Setting* setting = store.First(); setting != nullptr;
+         setting = setting->next.get()) {
+        settings.insert(settings.begin(), setting);
+    }
+    return settings;
+}
+
+TEST(SettingsTable, DefaultsStandInTheirOrderWithTheirTypesAndValues) {
+    SettingsStore store;
+    RegisterDefaultSettings(store);
+    const std::vector<const Setting*> settings = InOrder(store);
+    ASSERT_EQ(settings.size(), std::size(kRows) + ExpectedActions().size());
+    for (size_t i = 0; i < std::size(kRows); ++i) {
+        const ROW& row = kRows[i];
+        SCOPED_TRACE(std::string(row.name, row.name + std::wcslen(row.name)));
+        EXPECT_EQ(settings[i]->name, row.name);
+        EXPECT_EQ(settings[i]->type.load(), row.type);
+        EXPECT_EQ(store.GetInt(row.name), row.type == kInt ? row.value : 0);
+        EXPECT_EQ(store.GetBool(row.name), row.type == kBool && row.value == 1);
+        EXPECT_EQ(static_cast<double>(store.GetFloat(row.name)),
+                  row.type == kFloat ? row.value : 0.0);
+        EXPECT_EQ(store.GetString(row.name), L"");
+    }
+}
+
+TEST(SettingsTable, TheActionTableHasItsNamesOrderAndDefaults) {
+    const std::vector<ACTION> expected = ExpectedActions();
+    const std::span<const INPUT_ACTION> actions = InputActions();
+    ASSERT_EQ(actions.size(), expected.size());
+    for (size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(actions[i].name, expected[i].name);
+        EXPECT_EQ(actions[i].defaultBinding, expected[i].binding)
+            << std::string(expected[i].name.begin(), expected[i].name.end());
+    }
+}
+
+TEST(SettingsTable, BindingsFollowTheSettingsWithAPrimaryDefaultAndNoSecondary) {
+    SettingsStore store;
+    RegisterDefaultSettings(store);
+    const std::vector<const Setting*> settings = InOrder(store);
+    const std::vector<ACTION> expected = ExpectedActions();
+    ASSERT_EQ(settings.size(), std::size(kRows) + expected.size());
+    for (size_t i = 0; i < expected.size(); ++i) {
+        const Setting& setting = *settings[std::size(kRows) + i];
+        EXPECT_EQ(setting.type.load(), SettingType::kInt2);
+        EXPECT_EQ(&setting, store.Find(L"INPUT " + expected[i].name));
+        EXPECT_EQ(setting.intValue.load(), static_cast<int32_t>(expected[i].binding));
+        EXPECT_EQ(setting.intValue2.load(), 0);
+    }
+}
+
+} // namespace

@@ -106,6 +106,19 @@ void BoostMono(SoundChannel& channel, const uint8_t* pending, size_t pairs, doub
     }
 }
 
+// The bytes that wait for this round: never more than there is, or than a ring holds.
+uint32_t BoundWaiting(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel) {
+    const auto waiting = std::min<uint32_t>(
+        session.soundBytes.load(std::memory_order_relaxed),
+        static_cast<uint32_t>(std::min<size_t>(data.pending.size(), channel.stereo.LengthBytes())));
+    const uint32_t kept = channel.backlog.Bound(data.pending.data(), waiting);
+    if (kept != waiting) {
+        session.soundBytes.store(kept, std::memory_order_relaxed);
+        session.soundRepositions.fetch_add(1, std::memory_order_relaxed);
+    }
+    return kept;
+}
+
 // Whether the write position was out of bounds and had to be moved.
 bool Reposition(const LINE& line, uint32_t play, uint32_t soundGapMs) {
     const uint32_t ahead = line.ring.Distance(play, line.write) / line.ring.BytesPerMs();
@@ -148,6 +161,7 @@ SoundChannel::SoundChannel(uint32_t rateValue)
     : rate(rateValue)
     , stereo(2, rateValue)
     , mono(1, rateValue)
+    , backlog(rateValue)
     , scratch(static_cast<size_t>(rateValue) * 2 * 2) {
     const SettingsStore& settings = Settings();
     for (BandSplitter& filter : filters) {
@@ -164,6 +178,7 @@ void SoundChannel::Restart() {
     mono.Stop();
     stereo.WriteSilence(0, stereo.LengthBytes());
     mono.WriteSilence(0, mono.LengthBytes());
+    backlog.Restart();
     lastPlayStereo = 0;
     lastPlayMono = 0;
     writeStereo = stereo.Wrap(uint64_t{10} * UnitBytes(rate));
@@ -184,10 +199,7 @@ void PumpChannel(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel
     const uint32_t gap = line.ring.Distance(play, safe);
     soundGapMs = std::max(soundGapMs, gap / line.ring.BytesPerMs());
 
-    // Never more than there is, or than a ring holds.
-    const auto waiting = std::min<uint32_t>(
-        session.soundBytes.load(std::memory_order_relaxed),
-        static_cast<uint32_t>(std::min<size_t>(data.pending.size(), channel.stereo.LengthBytes())));
+    const uint32_t waiting = BoundWaiting(session, data, channel);
     const uint32_t usable = line.positional ? waiting / 2 : waiting;
     const uint32_t bytes = std::min(line.ring.Distance(line.lastPlay, play), usable) /
                            line.ring.FrameBytes() * line.ring.FrameBytes();
@@ -202,6 +214,7 @@ void PumpChannel(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel
     data.syncBias.store(BiasFor(waiting, channel.stereo), std::memory_order_relaxed);
 
     const uint32_t used = line.positional ? bytes * 2 : bytes;
+    channel.backlog.Taken(waiting, used);
     std::memmove(data.pending.data(), data.pending.data() + used, waiting - used);
     session.soundBytes.store(waiting - used, std::memory_order_relaxed);
 }

@@ -67,7 +67,8 @@ void SoundBacklog::Taken(uint32_t waiting, uint32_t used) {
     lowest = std::min(lowest, waiting);
     taken += used;
     if (taken >= Bytes(rate, 500)) {
-        const uint32_t over = lowest > Bytes(rate, kSurplusMs) ? lowest - Bytes(rate, kLowestMs) : 0;
+        const uint32_t over =
+            lowest > Bytes(rate, kSurplusMs) ? lowest - Bytes(rate, kLowestMs) : 0;
         ForgetLevel();
         surplus = over;
     }

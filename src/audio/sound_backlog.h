@@ -32,9 +32,9 @@ private:
     void CrossfadeOver(uint8_t* pending, uint32_t dropped, uint32_t kept);
 
     uint32_t rate;
-    std::vector<int16_t> next; // what would have come next, the length of a fade
-    uint32_t nextBytes = 0;    // of it that are there
-    bool nextKnown = false;    // since the device last took something
+    std::vector<int16_t> next;    // what would have come next, the length of a fade
+    uint32_t nextBytes = 0;       // of it that are there
+    bool nextKnown = false;       // since the device last took something
     uint32_t lowest = UINT32_MAX; // waiting bytes since the last decision about a surplus
     uint32_t taken = 0;           // bytes, since the same moment
     uint32_t surplus = 0;         // bytes to be dropped

@@ -74,14 +74,14 @@ void ChooseRing(EMU_THREAD& session, SoundChannel& channel, const PUMP_SURROUNDI
     }
 }
 
-// A value that is no number comes out as the lowest.
-double Clip(double value) {
-    return value >= -32768.0 ? std::min(value, 32767.0) : -32768.0;
+// The bands are summed in double precision, the volume is applied in single. NaN comes out as the lowest.
+float Clip(double value) {
+    return static_cast<float>(value >= -32768.0 ? std::min(value, 32767.0) : -32768.0);
 }
 
 // Clipped before the volume, so that a low volume keeps what clipping did; and after it, so that a
 // volume above one cannot wrap.
-int16_t Finish(double value) {
+int16_t Finish(float value) {
     return static_cast<int16_t>(Clip(value));
 }
 
@@ -91,18 +91,18 @@ int16_t SampleAt(const uint8_t* bytes, size_t index) {
     return sample;
 }
 
-void BoostStereo(SoundChannel& channel, const uint8_t* pending, size_t pairs, double volume) {
+void BoostStereo(SoundChannel& channel, const uint8_t* pending, size_t pairs, float volume) {
     for (size_t i = 0; i < pairs * 2; ++i) {
         const double boosted = channel.filters[i % 2].Process(SampleAt(pending, i));
         channel.scratch[i] = Finish(Clip(boosted) * volume);
     }
 }
 
-void BoostMono(SoundChannel& channel, const uint8_t* pending, size_t pairs, double volume) {
+void BoostMono(SoundChannel& channel, const uint8_t* pending, size_t pairs, float volume) {
     for (size_t i = 0; i < pairs; ++i) {
-        const double left = Clip(channel.filters[0].Process(SampleAt(pending, i * 2)));
-        const double right = Clip(channel.filters[1].Process(SampleAt(pending, i * 2 + 1)));
-        channel.scratch[i] = Finish((left + right) * volume * 0.5);
+        const float left = Clip(channel.filters[0].Process(SampleAt(pending, i * 2)));
+        const float right = Clip(channel.filters[1].Process(SampleAt(pending, i * 2 + 1)));
+        channel.scratch[i] = Finish((left + right) * volume * 0.5f);
     }
 }
 
@@ -133,7 +133,7 @@ bool Reposition(const LINE& line, uint32_t play, uint32_t soundGapMs) {
 }
 
 void WriteLine(const EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel,
-               const LINE& line, uint32_t bytes, double volume) {
+               const LINE& line, uint32_t bytes, float volume) {
     const size_t frames = bytes / line.ring.FrameBytes();
     if (session.audible == 0) {
         line.ring.WriteSilence(line.write, bytes);

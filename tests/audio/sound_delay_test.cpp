@@ -134,9 +134,8 @@ int16_t Tone(uint64_t pair, double hertz) {
 
 // Silent until `key`, a tone from then on.
 Delayed::Source Beep(int64_t key) {
-    return [key](int64_t time, uint64_t pair) {
-        return time >= key ? Tone(pair, 440.0) : int16_t{0};
-    };
+    return
+        [key](int64_t time, uint64_t pair) { return time >= key ? Tone(pair, 440.0) : int16_t{0}; };
 }
 
 // A frame until the machine looks at the key, the band's top and a frame of waiting sound, 33 ms in the

@@ -174,6 +174,16 @@ TEST(SoundPump, ClippingComesBeforeTheVolume) {
     EXPECT_EQ(heard[1], -8192);
 }
 
+TEST(SoundPump, TheVolumeIsAppliedInSinglePrecision) {
+    // 0.7 in single precision is a little less than that, and the product of 1,000 with it rounds to 700.
+    // In double precision it stays under 700 and is truncated to 699.
+    for (const bool room : {false, true}) {
+        SoundRig rig;
+        rig.surroundings = {!room, room, 0.7f};
+        EXPECT_EQ(Steady(rig, 1000, 1000).back(), 700) << (room ? "room" : "full screen");
+    }
+}
+
 TEST(SoundPump, MonoPathAddsAndHalves) {
     SoundRig rig;
     rig.surroundings = {false, true, 0.5f};

@@ -122,7 +122,7 @@ TEST_F(Sound, NoDriverMeansAClearWordAndSilence) {
     PumpSound(session.thread);
     SoundSetTelevision(1, 1, 2, 3);
     DestroySoundChannel(session.thread);
-    SoundDeviceLost();
+    CloseSoundDevice();
 }
 
 TEST_F(Sound, SessionWithoutHostDataIsPassedOver) {
@@ -205,7 +205,7 @@ TEST_F(Sound, LostDeviceSilencesItsSessionsAndANewOneGoesOn) {
     PumpSound(session.thread);
     WaitFor([&session] { return session.PlayCursor() > 0; });
     session.data.syncBias = -1;
-    SoundDeviceLost();
+    CloseSoundDevice();
     const uint32_t stood = session.PlayCursor();
     EXPECT_EQ(session.data.syncBias, 0) << "frames last what their samples say";
     for (int i = 0; i < 100; ++i) {
@@ -364,7 +364,7 @@ TEST_F(Sound, ThreadsMeetWithoutHarm) {
         listener.x = static_cast<float>(round);
         SoundSetListener(listener);
         if (round % 20 == 19) {
-            SoundDeviceLost();
+            CloseSoundDevice();
             EXPECT_TRUE(OpenSoundDevice(error)) << error;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

@@ -103,7 +103,7 @@ std::vector<int32_t> WheelSteps(const PUMP_EVENTS& events) {
 
 TEST_F(EventPumpTest, ARoundWithoutEventsBringsNothing) {
     const PUMP_EVENTS events = pump.Pump();
-    EXPECT_FALSE(events.quit || events.windowChanged || events.outputRemoved || events.outputAdded);
+    EXPECT_FALSE(events.quit || events.windowChanged || events.outputGone != 0);
     EXPECT_TRUE(events.commands.empty());
     EXPECT_TRUE(events.dropped.empty() && events.gui.empty() && events.room.empty());
 }
@@ -277,21 +277,16 @@ TEST_F(EventPumpTest, AWindowThatShowsOtherwiseIsDrawnAgain) {
 TEST_F(EventPumpTest, AnOutputThatGoesIsNamed) {
     Audio(SDL_AUDIODEVICEREMOVED, 2);
     Audio(SDL_AUDIODEVICEREMOVED, 0); // the library's word on the device itself
-    PUMP_EVENTS events = pump.Pump();
-    EXPECT_TRUE(events.outputRemoved);
-    EXPECT_EQ(events.outputNumber, 2u);
-    EXPECT_FALSE(events.outputAdded);
+    EXPECT_EQ(pump.Pump().outputGone, 2u);
     Audio(SDL_AUDIODEVICEADDED, 1);
-    events = pump.Pump();
-    EXPECT_TRUE(events.outputAdded);
-    EXPECT_FALSE(events.outputRemoved);
+    EXPECT_EQ(pump.Pump().outputGone, 0u);
 }
 
 TEST_F(EventPumpTest, MicrophonesDoNotMatter) {
     Audio(SDL_AUDIODEVICEREMOVED, 2, true);
     Audio(SDL_AUDIODEVICEADDED, 1, true);
     const PUMP_EVENTS events = pump.Pump();
-    EXPECT_FALSE(events.outputRemoved || events.outputAdded);
+    EXPECT_EQ(events.outputGone, 0u);
 }
 
 TEST_F(EventPumpTest, DroppedFilesAreListedInTheirOrder) {

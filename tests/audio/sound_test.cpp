@@ -125,6 +125,18 @@ TEST_F(Sound, NoDriverMeansAClearWordAndSilence) {
     CloseSoundDevice();
 }
 
+TEST_F(Sound, ADeviceThatCannotBeOpenedIsToldOfOnceAndByUs) {
+    // ALSA's library would write a line of its own about such a name.
+    UseDriver("alsa");
+    SDL_setenv("AUDIODEV", "no-such-device", 1);
+    testing::internal::CaptureStderr();
+    std::string error;
+    EXPECT_FALSE(OpenSoundDevice(error));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_NE(error.find("no sound: "), std::string::npos);
+    SDL_setenv("AUDIODEV", "", 1);
+}
+
 TEST_F(Sound, SessionWithoutHostDataIsPassedOver) {
     EMU_THREAD bare;
     CreateSoundChannel(bare);

@@ -25,8 +25,8 @@ void SilenceDriverMessages() {
     if (library == nullptr) {
         return;
     }
-    const auto set = reinterpret_cast<SetAlsaMessage>(
-        SDL_LoadFunction(library, "snd_lib_error_set_handler"));
+    const auto set =
+        reinterpret_cast<SetAlsaMessage>(SDL_LoadFunction(library, "snd_lib_error_set_handler"));
     if (set != nullptr) {
         set(SayNothing);
     }

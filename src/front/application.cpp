@@ -404,9 +404,9 @@ void Application::Stop() {
 
 // Gives back whatever has been opened, in the order of the stop.
 void Application::Release() {
+    sound.Stop(); // its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
     // The room's objects and the toolkit go here.
-    sound.Stop();
     televisions.End();
     overlay.End();
     window.Close();

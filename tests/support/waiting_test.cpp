@@ -6,8 +6,8 @@
 #include <string>
 
 TEST(WaitUntil, ThatHasRunOutSaysForWhatItWaited) {
-    const testing::AssertionResult result =
-        WaitUntil("what never comes", [] { return false; }, std::chrono::seconds{0});
+    const testing::AssertionResult result = WaitUntil(
+        "what never comes", [] { return false; }, std::chrono::seconds{0});
     EXPECT_FALSE(result);
     EXPECT_STREQ(result.message(), "waited 0 seconds for what never comes");
 }

@@ -1,6 +1,5 @@
 // Where the published cases of the processors are looked for.
 #include "support/processor_cases.h"
-
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>
 

@@ -7,8 +7,9 @@
 
 namespace {
 
-constexpr uint16_t kAccumulated = 0x0010; // every value read so far, mixed; what is written comes of it too
-constexpr uint16_t kRoutineEnd = 0x00C0;  // bytes of a routine, behind which it returns
+constexpr uint16_t kAccumulated =
+    0x0010; // every value read so far, mixed; what is written comes of it too
+constexpr uint16_t kRoutineEnd = 0x00C0; // bytes of a routine, behind which it returns
 
 class RandomProgram {
 public:
@@ -84,7 +85,8 @@ private:
     }
 
     void Read(uint32_t address) {
-        program.Load(static_cast<int>(address)).Bytes({0x45, kAccumulated, 0x2A, 0x85, kAccumulated});
+        program.Load(static_cast<int>(address))
+            .Bytes({0x45, kAccumulated, 0x2A, 0x85, kAccumulated});
     }
 
     void Write(uint32_t address) {

@@ -8,6 +8,7 @@
 
 #include "settings/bindings.h"
 #include "settings/settings.h"
+#include "support/wait_until.h"
 #include <SDL.h>
 #include <gtest/gtest.h>
 
@@ -90,17 +91,17 @@ bool AreAlike(const SIDES& a, const SIDES& b) {
     return near(a.left, b.left) && near(a.right, b.right);
 }
 
+// Pumps until the device has taken all that the session submitted.
+testing::AssertionResult IsPlayed(Session& session) {
+    return WaitUntil("the submitted sound to be taken", [&] {
+        PumpSound(session.thread);
+        return session.thread.soundBytes == 0;
+    });
+}
+
 std::string Decibels(const SIDES& sides) {
     return std::to_string(10.0 * std::log10(sides.left)) + " left, " +
            std::to_string(10.0 * std::log10(sides.right)) + " right";
-}
-
-// Waits for what another thread does; the suite's own time limit ends it when that never comes.
-template <typename Condition>
-void WaitFor(const Condition& condition) {
-    while (!condition()) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
 }
 
 } // namespace
@@ -159,10 +160,7 @@ TEST_F(Sound, DevicePullsTheRingsAndThePumpFillsThem) {
     EXPECT_EQ(session.thread.audible, 1);
     session.Submit();
     EXPECT_EQ(session.thread.soundBytes, 735u * 4);
-    WaitFor([&session] {
-        PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
-    });
+    EXPECT_TRUE(IsPlayed(session));
     EXPECT_GT(session.PlayCursor(), 0u);
     // The gap is one pull and the lookahead: 576 frames at 176 bytes a millisecond.
     EXPECT_GE(EmuSoundGapMs(), 13u);
@@ -215,7 +213,7 @@ TEST_F(Sound, LostDeviceSilencesItsSessionsAndANewOneGoesOn) {
     InputSetActiveKey(1);
     CreateSoundChannel(session.thread);
     PumpSound(session.thread);
-    WaitFor([&session] { return session.PlayCursor() > 0; });
+    EXPECT_TRUE(WaitUntil("the device to play", [&] { return session.PlayCursor() > 0; }));
     session.data.syncBias = -1;
     CloseSoundDevice();
     const uint32_t stood = session.PlayCursor();
@@ -233,10 +231,7 @@ TEST_F(Sound, LostDeviceSilencesItsSessionsAndANewOneGoesOn) {
     PumpSound(session.thread);
     session.Submit();
     EXPECT_GT(session.thread.soundBytes, 0u);
-    WaitFor([&session] {
-        PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
-    });
+    EXPECT_TRUE(IsPlayed(session));
     DestroySoundChannel(session.thread);
 }
 
@@ -250,10 +245,7 @@ TEST_F(Sound, SessionStartedWithoutADeviceIsHeardOnceThereIsOne) {
     EXPECT_FALSE(session.data.noSound);
     PumpSound(session.thread);
     session.Submit();
-    WaitFor([&session] {
-        PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
-    });
+    EXPECT_TRUE(IsPlayed(session));
     DestroySoundChannel(session.thread);
 }
 
@@ -337,7 +329,7 @@ TEST_F(Sound, TheListenerIsInRoomUnitsTooAndOnTheFloor) {
     listener.z = -100.0f;
     SoundSetListener(listener);
     StartSoundPump();
-    WaitFor([&first] { return !AreAlike(Heard(), first); });
+    EXPECT_TRUE(WaitUntil("the listener's new place", [&] { return !AreAlike(Heard(), first); }));
     const SIDES after = Heard(); // all of it after the move
     EXPECT_TRUE(AreAlike(after, expected)) << Decibels(after) << "; " << Decibels(expected);
     StopSoundPump();

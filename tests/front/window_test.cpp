@@ -65,8 +65,8 @@ testing::Environment* const kSurroundings =
 TEST_F(WindowTest, IsPlayedByKeysAndResumesWhereItWasLeft) {
     {
         Application application;
-        Start(application);
-        PlayGame(application, LatchGame());
+        ASSERT_NO_FATAL_FAILURE(Start(application));
+        ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
         ASSERT_TRUE(RunUntilColour(application, kRed));
         ASSERT_TRUE(InjectAction(ActionIndex(L"SMS P1 BUTTON1"), true));
         ASSERT_TRUE(RunUntilColour(application, kBlue));
@@ -79,16 +79,16 @@ TEST_F(WindowTest, IsPlayedByKeysAndResumesWhereItWasLeft) {
         application.Stop();
     }
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntil(application, [&] { return application.Sets().PicturesShown() > 0; }));
     EXPECT_EQ(MiddleOf(application), kBlue) << "no static, and the button's colour at once";
 }
 
 TEST_F(WindowTest, SavesLoadsAndRewindsByHotkey) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     ASSERT_TRUE(RunFrames(application, 20));
     const auto press = [&](const wchar_t* action, bool down) {
@@ -123,8 +123,8 @@ TEST_F(WindowTest, SavesLoadsAndRewindsByHotkey) {
 
 TEST_F(WindowTest, AFileDroppedOnItIsPlayed) {
     Application application;
-    Start(application);
-    PlayGame(application, "demo:sms-luciole");
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:sms-luciole"));
     ASSERT_TRUE(RunFrames(application, 20));
     folder.Write("broken.sms", "");
     Drop((folder.Path() / "broken.sms").string());
@@ -141,10 +141,10 @@ TEST_F(WindowTest, AFileDroppedOnItIsPlayed) {
 
 TEST_F(WindowTest, PlaysOnWithoutItsSoundDeviceAndFindsItAgain) {
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     const uint32_t device = SoundDeviceNumber();
     ASSERT_NE(device, 0u) << "SDL's dummy driver";
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     SDL_Event event{};
     event.type = SDL_AUDIODEVICEREMOVED;
@@ -182,20 +182,20 @@ TEST_F(WindowTest, SizesThatCannotBeHadAreMadeUsableAndSaidSo) {
         Settings().SetInt(L"app_window_width", size);
         Settings().SetInt(L"app_window_height", size);
         Application application;
-        Start(application);
+        ASSERT_NO_FATAL_FAILURE(Start(application));
         EXPECT_GE(application.MainWindow().PixelWidth(), 320u);
         const std::string asked = std::to_string(size) + " x " + std::to_string(size);
         EXPECT_THAT(ProgramNotices().Lines(0),
                     Contains(AllOf(HasSubstr("cannot be had"), HasSubstr(asked))));
-        PlayGame(application, LatchGame());
+        ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
         EXPECT_TRUE(RunUntilColour(application, kRed));
     }
 }
 
 TEST_F(WindowTest, ADroppedGameThatCannotRunEndsTheOldOneAndSaysSo) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     // An image like any other as far as files go; the console takes none of less than 512 bytes.
     const auto path = folder.Write("short.md", std::vector<uint8_t>(511, 0));
@@ -215,21 +215,21 @@ TEST_F(WindowTest, AMachineThatEndsIsTurnedOffAndSaidSo) {
     program.PutLong(4, kMdCodeStart + 1); // no program starts at an odd address
     const auto path = folder.Write("gone.md", program.Image());
     Application application;
-    Start(application);
-    PlayGame(application, path.string());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, path.string()));
     EXPECT_TRUE(application.Playing());
     EXPECT_THAT(Title(), HasSubstr("gone"));
     ASSERT_TRUE(RunUntil(application, [&] { return !application.Playing(); }));
     EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("address error at 0x000201")));
     EXPECT_EQ(Title(), ProgramTitle());
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     EXPECT_TRUE(RunUntilColour(application, kRed)) << "another game can be played";
     EXPECT_THAT(Title(), HasSubstr("latch"));
 }
 
 TEST_F(WindowTest, AGameThatCannotRunLeavesTheProgramUp) {
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     OPENED_GAME nothing;
     std::string error;
     EXPECT_FALSE(application.Play(nothing, error));
@@ -242,7 +242,7 @@ TEST_F(WindowTest, AGameThatCannotRunLeavesTheProgramUp) {
 TEST_F(WindowTest, SettingsOfThisRunAreNotSaved) {
     {
         Application application;
-        Start(application);
+        ASSERT_NO_FATAL_FAILURE(Start(application));
         PLAY_OPTIONS options;
         options.game = LatchGame();
         options.settings = {"audio_volume=0.25", "fm=1"};

@@ -130,11 +130,15 @@ TEST(SettingsFile, ASecondDamagedFileDoesNotReplaceTheFirst) {
     EXPECT_EQ(home.Read("config.xml"), Defaults());
 }
 
+// A child that hangs is ended by its own alarm, so that no wait for it is without end.
+constexpr unsigned kLongestChild = 120; // seconds
+
 // Saves in a child that may write no file of more than 500 bytes, as on a disk that fills up in the
 // middle of the file. True when the save failed and its error names the settings file.
 bool SaveFailsOnAFullDisk(SettingsStore& store) {
     const pid_t child = fork();
     if (child == 0) {
+        alarm(kLongestChild);
         std::string error;
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{500, 500};
@@ -196,6 +200,7 @@ TEST(SettingsFile, ASaveThatIsKilledLeavesAWholeFile) {
         const pid_t child = fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
+            alarm(kLongestChild);
             SaveForEver(one, other, ends[1]);
         }
         close(ends[1]);

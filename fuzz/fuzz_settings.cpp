@@ -1,7 +1,7 @@
 // Settings documents. Whatever the bytes, nothing breaks; a refused document changes nothing; what an
 // accepted one leaves behind survives being saved and loaded.
 #include "settings/settings.h"
-#include "settings/settings_private.h"
+#include "settings/store/settings_private.h"
 #include <tinyxml.h>
 
 #include <algorithm>

@@ -35,7 +35,7 @@ struct Setting {
     std::atomic<SettingType> type{SettingType::kInt};
     std::atomic<float> floatValue{0.0f};
     // Found out from the two numbers of a binding, and kept here for those who look it up: the controls
-    // of game controllers that act beside them (`front/settings/pad_defaults.h`). Never saved.
+    // of game controllers that act beside them (`pad_defaults.h`). Never saved.
     mutable std::atomic<uint64_t> padControls{0};
     std::unique_ptr<Setting> next; // older settings
 };
@@ -135,7 +135,8 @@ private:
 [[nodiscard]] SettingsStore& Settings();
 
 // Registers every setting of the program with the value of a first run, then all bindings: with zero
-// values first, then with their defaults.
+// values first, then with their defaults. The list is the program's, beside the bindings; the store
+// itself knows no name.
 void RegisterDefaultSettings(SettingsStore& store);
 
 // Reads and writes `.\config.xml`. A missing or broken file leaves the defaults; `error` then says

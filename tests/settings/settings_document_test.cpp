@@ -1,6 +1,6 @@
 // Load and Save on documents in memory.
 #include "settings/settings.h"
-#include "settings/settings_private.h"
+#include "settings/store/settings_private.h"
 #include <gtest/gtest.h>
 
 #include <array>

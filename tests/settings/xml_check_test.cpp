@@ -1,5 +1,5 @@
 // What counts as a document at all, before any library reads it.
-#include "settings/settings_private.h"
+#include "settings/store/settings_private.h"
 #include <gtest/gtest.h>
 
 #include <string>

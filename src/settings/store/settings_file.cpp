@@ -7,7 +7,7 @@
 #include "base/text.h"
 
 #include "settings/settings.h"
-#include "settings/settings_private.h"
+#include "settings/store/settings_private.h"
 #include <tinyxml.h>
 
 #include <array>

@@ -1,6 +1,6 @@
 #include "base/text.h"
 
-#include "settings/settings_private.h"
+#include "settings/store/settings_private.h"
 
 #include <algorithm>
 #include <charconv>

@@ -34,9 +34,9 @@ struct Setting {
     std::atomic<int32_t> intValue2{0}; // second value of kInt2
     std::atomic<SettingType> type{SettingType::kInt};
     std::atomic<float> floatValue{0.0f};
-    // Found out from the two numbers of a binding, and kept here for those who look it up: the controls
-    // of game controllers that act beside them (`pad_defaults.h`). Never saved.
-    mutable std::atomic<uint64_t> padControls{0};
+    // For whoever gives the numbers their meaning: what follows from them, kept where one lookup finds
+    // both. Never saved.
+    mutable std::atomic<uint64_t> note{0};
     std::unique_ptr<Setting> next; // older settings
 };
 

@@ -1,14 +1,14 @@
 #include "settings/pad_defaults.h"
 
 #include "settings/bindings.h"
+#include "settings/bindings/action_notes.h"
+#include "settings/bindings/press_log.h"
 #include "settings/settings.h"
 
+#include <array>
 #include <atomic>
-#include <bitset>
 
 namespace {
-
-constexpr SettingPrefix kInputPrefix{L"INPUT "};
 
 static_assert(kPadControls <= 32 && kPadPlayers <= 2); // the bits of one word
 
@@ -18,52 +18,14 @@ std::array<bool, kPadPlayers> gAttached{};
 uint64_t gDown = 0;
 uint64_t gTaken = 0; // controls that the user has bound
 
-// Written by the main thread, read by every thread.
-std::atomic<uint64_t> gActing{0};
-
-using BoundCodes = std::bitset<kInputCodes>;
-
-constexpr uint64_t kPointerTriggers = PointerTriggerBit(0) | PointerTriggerBit(1);
-
 constexpr uint64_t AllOf(uint32_t player) {
     return uint64_t{0xFFFFFFFF} << (player * 32);
 }
 
-void UpdateActing() {
-    gActing.store(gDown & ~gTaken, std::memory_order_relaxed);
-}
-
-bool IsJoystickBinding(uint32_t binding) {
-    return binding >> 24 == 1;
-}
-
-void AddBoundCode(BoundCodes& bound, uint32_t binding) {
-    const uint32_t code = binding & 0xFFFF;
-    if (IsJoystickBinding(binding) && code < kInputCodes) {
-        bound.set(code);
-    }
-}
-
-// Gives each action the controls that may act for it, and collects the joystick codes bound.
-BoundCodes RefreshActions() {
-    BoundCodes bound;
-    for (const INPUT_ACTION& action : InputActions()) {
-        const Setting* const setting = Settings().Find(kInputPrefix, action.name);
-        if (setting == nullptr) {
-            continue;
-        }
-        const auto primary =
-            static_cast<uint32_t>(setting->intValue.load(std::memory_order_relaxed));
-        const auto secondary =
-            static_cast<uint32_t>(setting->intValue2.load(std::memory_order_relaxed));
-        // No binding of a first run is a joystick's, so any that is one is the user's.
-        const bool own = IsJoystickBinding(primary) || IsJoystickBinding(secondary);
-        setting->padControls.store(own ? action.padControls & kPointerTriggers : action.padControls,
-                                   std::memory_order_relaxed);
-        AddBoundCode(bound, primary);
-        AddBoundCode(bound, secondary);
-    }
-    return bound;
+void SetDown(uint64_t down) {
+    const uint64_t pressed = down & ~gDown;
+    gDown = down;
+    LogPads(pressed, gDown & ~gTaken, gTaken);
 }
 
 } // namespace
@@ -73,7 +35,7 @@ void InputAttachPad(uint32_t player, const PadCodes& codes) {
         return;
     }
     gAttached[player] = true;
-    gDown &= ~AllOf(player);
+    SetDown(gDown & ~AllOf(player));
     InputSetPadCodes(player, codes);
 }
 
@@ -82,8 +44,7 @@ void InputDetachPad(uint32_t player) {
         return;
     }
     gAttached[player] = false;
-    gDown &= ~AllOf(player);
-    UpdateActing();
+    SetDown(gDown & ~AllOf(player));
 }
 
 void InputSetPadCodes(uint32_t player, const PadCodes& codes) {
@@ -99,8 +60,7 @@ void InputPadChanged(uint32_t player, PadControl control, bool down) {
         return;
     }
     const uint64_t bit = PadBit(player, control);
-    gDown = down ? gDown | bit : gDown & ~bit;
-    UpdateActing();
+    SetDown(down ? gDown | bit : gDown & ~bit);
 }
 
 void InputPointerTrigger(uint32_t player, bool down) {
@@ -108,17 +68,15 @@ void InputPointerTrigger(uint32_t player, bool down) {
         return;
     }
     const uint64_t bit = PointerTriggerBit(player);
-    gDown = down ? gDown | bit : gDown & ~bit;
-    UpdateActing();
+    SetDown(down ? gDown | bit : gDown & ~bit);
 }
 
 void InputClearPads() {
-    gDown = 0;
-    UpdateActing();
+    SetDown(0);
 }
 
 void InputRefreshPadDefaults() {
-    const BoundCodes bound = RefreshActions();
+    const BoundCodes bound = RefreshActionNotes(Settings());
     gTaken = 0;
     for (uint32_t player = 0; player < kPadPlayers; ++player) {
         for (uint32_t control = 0; control < kPadControls; ++control) {
@@ -129,9 +87,9 @@ void InputRefreshPadDefaults() {
             }
         }
     }
-    UpdateActing();
+    SetDown(gDown);
 }
 
 uint64_t InputPadsActing() {
-    return gActing.load(std::memory_order_relaxed);
+    return gLiveInput.pads.load(std::memory_order_relaxed);
 }

@@ -4,6 +4,7 @@
 #include "base/bytes.h"
 #include "base/random.h"
 #include "front/commands.h"
+#include "front/notice_lines.h"
 #include "front/notices.h"
 #include "front/play.h"
 #include "front/processor_binder.h"
@@ -27,6 +28,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <iterator>
 #include <mutex>
 
 namespace {
@@ -452,9 +454,7 @@ void Application::DrawTexts() {
     std::vector<std::string> lines;
     const size_t letters = LettersAcross(window.PixelWidth(), window.PixelHeight());
     for (const std::string& line : ProgramNotices().Lines(Now())) {
-        for (size_t from = 0; from == 0 || from < line.size(); from += letters) {
-            lines.push_back(line.substr(from, letters));
-        }
+        std::ranges::move(WrapNotice(line, letters), std::back_inserter(lines));
     }
     news |= lines != shownLines;
     shownLines = lines;

@@ -1,6 +1,6 @@
+#include "base/text.h"
 #include "front/notice_lines.h"
 
-#include "base/text.h"
 #include <gmock/gmock.h>
 
 #include <random>

@@ -1,8 +1,8 @@
 #include "host/test_machine.h"
 
 #include "machine/state_piece.h"
-
 #include "settings/bindings.h"
+
 #include <cstring>
 
 std::atomic<int32_t> CTestMachine::gLive{0};

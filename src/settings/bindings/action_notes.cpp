@@ -49,7 +49,8 @@ BoundCodes RefreshActionNotes(const SettingsStore& store) {
         if (setting == nullptr) {
             continue;
         }
-        bool own = false; // No binding of a first run is a joystick's, so any that is one is the user's.
+        bool own =
+            false; // No binding of a first run is a joystick's, so any that is one is the user's.
         for (const uint32_t binding : BindingsOf(*setting)) {
             const uint32_t code = binding & 0xFFFF;
             own |= IsJoystickBinding(binding);

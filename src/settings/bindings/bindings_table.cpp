@@ -155,7 +155,8 @@ constexpr std::array<uint8_t, std::size(kInputActions)> MakeOwners() {
     std::array<uint8_t, std::size(kInputActions)> owners{};
     for (size_t action = 0; action < owners.size(); ++action) {
         for (size_t machine = 0; machine < kMachinePrefixes.size(); ++machine) {
-            if (std::wstring_view(kInputActions[action].name).starts_with(kMachinePrefixes[machine])) {
+            if (std::wstring_view(kInputActions[action].name)
+                    .starts_with(kMachinePrefixes[machine])) {
                 owners[action] = static_cast<uint8_t>(machine + 1);
             }
         }

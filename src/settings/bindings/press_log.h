@@ -8,7 +8,8 @@
 #include "settings/input_state.h"
 
 struct PRESS_LOG {
-    std::array<std::atomic<uint64_t>, kInputCodes> codes{}; // number of the newest press, 0 for none
+    std::array<std::atomic<uint64_t>, kInputCodes>
+        codes{}; // number of the newest press, 0 for none
     std::array<std::atomic<uint64_t>, kPadBits> pads{};
     std::atomic<uint64_t> padsTaken{0}; // controls that the user has bound, which don't act
     std::atomic<uint64_t> newest{0};

@@ -313,45 +313,42 @@ TEST(SettingsDocument, CharactersThatXmlCannotHoldBecomeReplacements) {
 
 // What a hand or another program may have put into the file. All of it loads, with the value that the
 // odd place has and the setting after it.
+void ExpectWhole(const char* what, const std::string& document, const wchar_t* expected) {
+    SettingsStore store;
+    RegisterSome(store);
+    std::string reason = "from before";
+    const auto* bytes = reinterpret_cast<const uint8_t*>(document.data());
+    EXPECT_TRUE(store.Load(bytes, document.size(), reason)) << what << ": " << reason;
+    EXPECT_EQ(reason, "") << what;
+    EXPECT_EQ(store.GetString(L"text"), expected) << what;
+    EXPECT_EQ(store.GetInt(L"number"), 5) << what;
+}
+
 TEST(SettingsDocument, ADocumentWithSomethingOddInItLoadsWhole) {
     const std::string text = Element("string", "text", "new");
     const std::string number = Element("int", "number", "5");
-    struct ROW {
-        const char* what;
-        std::string document;
-        std::wstring expected;
-    };
-    const ROW rows[] = {
-        {"a bare ampersand", Wrapped(Element("string", "text", "Tom & Jerry") + number),
-         L"Tom & Jerry"},
-        {"a reference without an end", Wrapped(Element("string", "text", "R&D;&amp") + number),
-         L"R&D;&amp"},
-        {"a tag within a value", Wrapped(Element("string", "text", "<b/>") + number), L"<b/>"},
-        {"dashes in a comment", Wrapped("<!-- a -- b --->" + text + number), L"new"},
-        {"a document type", "<!DOCTYPE Settings>" + Wrapped(text + number), L"new"},
-        {"a document type with entities",
-         "<!DOCTYPE Settings [<!ENTITY b \"c\">]>" + Wrapped(text + number), L"new"},
-        {"another root", "<Other>" + text + number + "</Other>", L"new"},
-        {"a second root", Wrapped(text + number) + "<Settings/>", L"new"},
-        {"words around the root", "one" + Wrapped(text + number) + "two", L"new"},
-        {"a byte order mark", "\xEF\xBB\xBF" + Wrapped(text + number), L"new"},
-        {"an instruction", "<?xml-style x?>" + Wrapped("<?x > <b> ?>" + text + number), L"new"},
-        {"an attribute twice",
-         Wrapped("<string name=\"text\" value=\"new\" value=\"old\"/>" + number), L"new"},
-        {"a letter that is not UTF-8", Wrapped(Element("string", "text", "Zo\xEB") + number),
-         L"Zo\xFFFD"},
-        {"a control character", Wrapped(Element("string", "text", "a\x01") + number), L"a\x01"},
-    };
-    for (const ROW& row : rows) {
-        SettingsStore store;
-        RegisterSome(store);
-        std::string reason = "from before";
-        const auto* bytes = reinterpret_cast<const uint8_t*>(row.document.data());
-        EXPECT_TRUE(store.Load(bytes, row.document.size(), reason)) << row.what << ": " << reason;
-        EXPECT_EQ(reason, "") << row.what;
-        EXPECT_EQ(store.GetString(L"text"), row.expected) << row.what;
-        EXPECT_EQ(store.GetInt(L"number"), 5) << row.what;
-    }
+    ExpectWhole("a bare ampersand", Wrapped(Element("string", "text", "Tom & Jerry") + number),
+                L"Tom & Jerry");
+    ExpectWhole("a reference without an end",
+                Wrapped(Element("string", "text", "R&D;&amp") + number), L"R&D;&amp");
+    ExpectWhole("a tag within a value", Wrapped(Element("string", "text", "<b/>") + number),
+                L"<b/>");
+    ExpectWhole("dashes in a comment", Wrapped("<!-- a -- b --->" + text + number), L"new");
+    ExpectWhole("a document type", "<!DOCTYPE Settings>" + Wrapped(text + number), L"new");
+    ExpectWhole("a document type with entities",
+                "<!DOCTYPE Settings [<!ENTITY b \"c\">]>" + Wrapped(text + number), L"new");
+    ExpectWhole("another root", "<Other>" + text + number + "</Other>", L"new");
+    ExpectWhole("a second root", Wrapped(text + number) + "<Settings/>", L"new");
+    ExpectWhole("words around the root", "one" + Wrapped(text + number) + "two", L"new");
+    ExpectWhole("a byte order mark", "\xEF\xBB\xBF" + Wrapped(text + number), L"new");
+    ExpectWhole("an instruction", "<?xml-style x?>" + Wrapped("<?x > <b> ?>" + text + number),
+                L"new");
+    ExpectWhole("an attribute twice",
+                Wrapped("<string name=\"text\" value=\"new\" value=\"old\"/>" + number), L"new");
+    ExpectWhole("a letter that is not UTF-8", Wrapped(Element("string", "text", "Zo\xEB") + number),
+                L"Zo\xFFFD");
+    ExpectWhole("a control character", Wrapped(Element("string", "text", "a\x01") + number),
+                L"a\x01");
 }
 
 TEST(SettingsDocument, AFaultEndsTheReadingThere) {
@@ -417,8 +414,7 @@ TEST(SettingsDocument, WhatCannotBeReadFromTheStartChangesNothing) {
     };
     for (const std::string& text : texts) {
         std::string reason;
-        EXPECT_FALSE(
-            store.Load(reinterpret_cast<const uint8_t*>(text.data()), text.size(), reason))
+        EXPECT_FALSE(store.Load(reinterpret_cast<const uint8_t*>(text.data()), text.size(), reason))
             << text;
         EXPECT_TRUE(reason.starts_with("line ")) << text << ": " << reason;
         EXPECT_EQ(Document(store), defaults) << text;

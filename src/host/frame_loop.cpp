@@ -199,6 +199,8 @@ void EmuThreadMain(EMU_THREAD* session) {
             host.open(session);
         }
         while (session->stopRequested == 0) {
+            loop.hotkeys.ForgetAfterPause();
+            session->inputs.ForgetAfterPause();
             const InputFrame look(loop.hotkeys, session->key);
             EmuRound(*session, host, loop, EmuPollHotkeys(session->key));
         }

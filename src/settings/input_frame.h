@@ -9,7 +9,9 @@
 // one frame adds nothing to the next. Every looker sees each tap once, and none takes it from another.
 //
 // A tap that no frame could use is lost, not kept for later: one from a time when the session was not the
-// active one or the user walked the room, and one before a pause of more than `kLongestFrame`.
+// active one or the user walked the room, and, for a looker whose owner says `ForgetAfterPause` before its
+// frames, one from a pause of more than `kLongestFrame`. Runs of exact frames don't say so, since the
+// clock must not decide anything in them.
 //
 // Units: microseconds of a steady clock.
 // Threads: a looker belongs to one thread at a time; nothing takes a lock. Frames nest: the inner one
@@ -28,6 +30,8 @@ class InputLooker {
 public:
     InputLooker(); // what was pressed before is not its own
 
+    void ForgetAfterPause(int64_t now = InputClock());
+
 private:
     friend class InputFrame;
 
@@ -35,13 +39,13 @@ private:
 
     INPUT_STATE state;
     uint64_t seen;         // the newest change that it knows
-    int64_t lookedAt;      // when
+    int64_t lookedAt;      // when it was asked about a pause
     bool refreshes = true; // `state` holds taps, or nothing yet
 };
 
 class InputFrame {
 public:
-    InputFrame(InputLooker& looker, uint32_t sessionKey, int64_t now = InputClock());
+    InputFrame(InputLooker& looker, uint32_t sessionKey);
     ~InputFrame();
     InputFrame(const InputFrame&) = delete;
     InputFrame& operator=(const InputFrame&) = delete;

@@ -39,7 +39,8 @@ protected:
     // Whether the action is down in the looker's next frame, 16 ms after the one before.
     bool Next(std::wstring_view action, uint32_t session = kSession) {
         now += 16'000;
-        const InputFrame frame(looker, session, now);
+        looker.ForgetAfterPause(now);
+        const InputFrame frame(looker, session);
         return InputIsDown(session, action);
     }
 
@@ -75,7 +76,7 @@ TEST_F(InputFrames, ATapOfAButtonOrHatIsDownForOneFrame) {
     InputHatMoved(0, 0, kHatUp);
     InputHatMoved(0, 0, kHatCentred);
     {
-        const InputFrame frame(looker, kSession, now);
+        const InputFrame frame(looker, kSession);
         EXPECT_TRUE(InputIsDown(kSession, L"NES P1 UP"));
         EXPECT_FALSE(InputIsDown(kSession, L"NES P1 RIGHT")) << "only what was pressed";
     }
@@ -104,14 +105,14 @@ TEST_F(InputFrames, APressThatLastsEndsWithItsRelease) {
 }
 
 TEST_F(InputFrames, WhatIsDownStaysSoForTheWholeFrame) {
-    const InputFrame frame(looker, kSession, now);
+    const InputFrame frame(looker, kSession);
     InputKeyChanged(kKeyA, true);
     EXPECT_FALSE(InputIsDown(kSession, L"NES P1 BUTTONB"));
     EXPECT_FALSE(BindingIsDown(kKeyA, false));
     InputKeyChanged(kKeyA, false);
     {
         InputLooker other; // one that begins to look only now
-        const InputFrame inner(other, kSession, now);
+        const InputFrame inner(other, kSession);
         EXPECT_FALSE(InputIsDown(kSession, L"NES P1 BUTTONB"));
     }
     EXPECT_FALSE(InputIsDown(kSession, L"NES P1 BUTTONB"));
@@ -119,7 +120,7 @@ TEST_F(InputFrames, WhatIsDownStaysSoForTheWholeFrame) {
 
 TEST_F(InputFrames, ATapWithinAFrameBelongsToTheNext) {
     {
-        const InputFrame frame(looker, kSession, now);
+        const InputFrame frame(looker, kSession);
         Tap(kKeyA);
         EXPECT_FALSE(InputIsDown(kSession, L"NES P1 BUTTONB"));
     }
@@ -142,10 +143,10 @@ TEST_F(InputFrames, EveryLookerSeesATapOnce) {
     EXPECT_TRUE(Next(L"Save State"));
     EXPECT_FALSE(Next(L"Save State"));
     {
-        const InputFrame frame(slow, kSession, now);
+        const InputFrame frame(slow, kSession);
         EXPECT_TRUE(InputIsDown(kSession, L"Save State")) << "nobody took it away";
     }
-    const InputFrame frame(slow, kSession, now);
+    const InputFrame frame(slow, kSession);
     EXPECT_FALSE(InputIsDown(kSession, L"Save State"));
 }
 
@@ -154,7 +155,7 @@ TEST_F(InputFrames, ATapOfAChordKeepsItsModifier) {
     Tap(kKeyTab);
     InputKeyChanged(kLeftShift, false);
     {
-        const InputFrame frame(looker, kSession, now);
+        const InputFrame frame(looker, kSession);
         EXPECT_TRUE(InputIsDown(kSession, L"Rewind"));
         EXPECT_FALSE(InputIsDown(kSession, L"Fast Forward"));
     }
@@ -193,7 +194,7 @@ TEST_F(InputFrames, ATapBeforeAPauseIsNotKept) {
 TEST_F(InputFrames, ATapBeforeTheFirstLookIsNotKept) {
     Tap(kKeyA);
     InputLooker late;
-    const InputFrame frame(late, kSession, now);
+    const InputFrame frame(late, kSession);
     EXPECT_FALSE(InputIsDown(kSession, L"NES P1 BUTTONB"));
 }
 
@@ -218,7 +219,7 @@ TEST_F(InputFrames, EveryTapIsOneEdgeToAThreadThatLooks) {
         bool wasDown = false;
         looking = true;
         while (!stop) {
-            const InputFrame frame(own, kSession, 0);
+            const InputFrame frame(own, kSession);
             const bool down = InputIsDown(kSession, L"Save State");
             edges += down && !wasDown ? 1 : 0;
             wasDown = down;

@@ -100,11 +100,16 @@ void InputLooker::Look(bool withTaps) {
     seen = newest;
 }
 
-InputFrame::InputFrame(InputLooker& looker, uint32_t sessionKey, int64_t now)
+void InputLooker::ForgetAfterPause(int64_t now) {
+    if (now - lookedAt > kLongestFrame) {
+        Look(false);
+    }
+    lookedAt = now;
+}
+
+InputFrame::InputFrame(InputLooker& looker, uint32_t sessionKey)
     : outer(tInputState) {
-    const bool mayUse = sessionKey == InputActiveKey() && !InputWalkingRoom();
-    looker.Look(mayUse && now - looker.lookedAt <= kLongestFrame);
-    looker.lookedAt = now;
+    looker.Look(sessionKey == InputActiveKey() && !InputWalkingRoom());
     tInputState = &looker.state;
 }
 

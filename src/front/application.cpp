@@ -398,7 +398,7 @@ void Application::Stop() {
     Settings().SetBool(L"app_720runonce", true);
     std::string error;
     if (!SaveSettingsFile(Settings(), error)) {
-        Complain(error);
+        PostReport(error);
     }
 }
 

@@ -3,6 +3,8 @@
 #include "front/joysticks.h"
 #include "front/sdl_fixture.h"
 
+#include "settings/input_frame.h"
+
 #include <vector>
 
 namespace {
@@ -126,6 +128,21 @@ TEST_F(EventPumpTest, APressShorterThanARoundIsSeenInThatRound) {
     EXPECT_TRUE(BindingIsDown(kKeyA, true));
     (void)pump.Pump();
     EXPECT_FALSE(BindingIsDown(kKeyA, true));
+}
+
+TEST_F(EventPumpTest, APressShorterThanARoundIsDownInTheNextFrame) {
+    InputSetActiveKey(1);
+    InputLooker looker;
+    Press(64); // F7
+    static_cast<void>(pump.Pump());
+    static_cast<void>(pump.Pump());
+    EXPECT_FALSE(InputIsDown(1, L"Save State"));
+    {
+        const InputFrame frame(looker, 1);
+        EXPECT_TRUE(InputIsDown(1, L"Save State"));
+    }
+    const InputFrame frame(looker, 1);
+    EXPECT_FALSE(InputIsDown(1, L"Save State"));
 }
 
 TEST_F(EventPumpTest, ChordsReachTheBindings) {

@@ -93,6 +93,19 @@ TEST_F(WindowTest, TheMouseOverThePictureIsALightGun) {
     EXPECT_TRUE(RunUntilColour(application, kBlue)) << "the trigger is button 1";
 }
 
+TEST_F(WindowTest, AClickWithinOneRoundPullsTheTrigger) {
+    Application application;
+    Start(application);
+    PlayGame(application, LatchGame(), {"port1=phaser"});
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    for (int click = 0; click < 3 && MiddleOf(application) == kRed; ++click) {
+        PointAt(320, 240, true);
+        PointAt(320, 240, false);
+        ASSERT_TRUE(RunFrames(application, 6));
+    }
+    EXPECT_EQ(MiddleOf(application), kBlue);
+}
+
 TEST_F(WindowPointer, ThePointerIsInPixelsOfTheVisibleWindowInEveryView) {
     // In a window of 640 by 480 the visible window of 256 by 192, twice as wide as high, is 640 by 320 with
     // 80 lines of black above and below: 2.5 by 1.667 screen pixels to one of the picture. The whole of 320

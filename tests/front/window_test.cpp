@@ -4,6 +4,7 @@
 #include "front/notices.h"
 #include "front/program_title.h"
 #include "front/run_settings.h"
+#include "front/unread_notices.h"
 #include "front/window_rig.h"
 #include "host/host_data.h"
 #include "megadrive/md_rig.h"
@@ -23,6 +24,7 @@ extern "C" const char* __asan_default_options() {
 using testing::AllOf;
 using testing::Contains;
 using testing::HasSubstr;
+using testing::Not;
 
 namespace {
 
@@ -83,6 +85,21 @@ TEST_F(WindowTest, IsPlayedByKeysAndResumesWhereItWasLeft) {
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntil(application, [&] { return application.Sets().PicturesShown() > 0; }));
     EXPECT_EQ(MiddleOf(application), kBlue) << "no static, and the button's colour at once";
+}
+
+// Press and release come in one batch of events. A computer that is very busy may keep the session from
+// looking for longer than a tap lives, so a few are made.
+TEST_F(WindowTest, ATapWithinOneRoundPressesTheButton) {
+    Application application;
+    Start(application);
+    PlayGame(application, LatchGame());
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    for (int tap = 0; tap < 3 && MiddleOf(application) == kRed; ++tap) {
+        ASSERT_TRUE(InjectAction(ActionIndex(L"SMS P1 BUTTON1"), true));
+        ASSERT_TRUE(InjectAction(ActionIndex(L"SMS P1 BUTTON1"), false));
+        ASSERT_TRUE(RunFrames(application, 6));
+    }
+    EXPECT_EQ(MiddleOf(application), kBlue);
 }
 
 TEST_F(WindowTest, SavesLoadsAndRewindsByHotkey) {
@@ -295,4 +312,41 @@ TEST(Notices, StayForTheirTimeAndMakeRoomForNewerOnes) {
         notices.Post(text, 6000000);
     }
     EXPECT_THAT(notices.Lines(6000000), testing::ElementsAre("b", "c", "d", "e"));
+}
+
+TEST(Notices, FaultsThatHadNoTimeToBeReadAreUnread) {
+    using enum Notices::Kind;
+    Notices notices;
+    notices.Post("read", 0, kFault);
+    notices.Post("a word", 2000000);
+    notices.Post("unread", 2000000, kFault);
+    EXPECT_THAT(notices.UnreadFaults(4000000), testing::ElementsAre("unread"));
+    EXPECT_THAT(notices.UnreadFaults(4000000), testing::IsEmpty()) << "asked once";
+    EXPECT_THAT(notices.Lines(4000000), testing::ElementsAre("a word"));
+}
+
+TEST(Notices, AFaultThatMadeRoomIsUnreadToo) {
+    Notices notices;
+    notices.Post("fault", 0, Notices::Kind::kFault);
+    for (const char* text : {"a", "b", "c", "d"}) {
+        notices.Post(text, 1000000);
+    }
+    EXPECT_THAT(notices.Lines(1000000), testing::ElementsAre("a", "b", "c", "d"));
+    EXPECT_THAT(notices.UnreadFaults(9000000), testing::ElementsAre("fault"));
+}
+
+TEST_F(WindowTest, AFaultOfAWindowClosedAtOnceIsToldAtTheNextStart) {
+    static_cast<void>(ProgramNotices().UnreadFaults(0)); // those of other tests
+    KeepUnreadNotices();
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "unread.txt")) << "nothing to tell";
+    PostReport("the disk is full");
+    KeepUnreadNotices();
+    EXPECT_THAT(ProgramNotices().Lines(0), Not(Contains("the disk is full")));
+    TellUnreadNotices();
+    EXPECT_THAT(ProgramNotices().Lines(0), Contains("Last time: the disk is full"));
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "unread.txt"));
+    KeepUnreadNotices(); // closed at once again
+    TellUnreadNotices();
+    EXPECT_THAT(ProgramNotices().Lines(0), Contains("Last time: the disk is full"));
+    static_cast<void>(ProgramNotices().UnreadFaults(0));
 }

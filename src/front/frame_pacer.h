@@ -17,7 +17,9 @@ public:
 
     // Something has changed since the last swap.
     void NoteNews() { news = true; }
-    [[nodiscard]] bool WantsDrawing(bool visible) const { return visible && (followDisplay || news); }
+    [[nodiscard]] bool WantsDrawing(bool visible) const {
+        return visible && (followDisplay || news);
+    }
 
     // After a swap. A swap that returns at once, time after time, does not follow the display after all.
     void CountSwap(int64_t now);

@@ -4,8 +4,9 @@
 // Thread: main, with the OpenGL context current.
 #pragma once
 
-#include "display/picture_scaler.h"
 #include "front/screen.h"
+
+#include "display/picture_scaler.h"
 
 #include <cstdint>
 

@@ -49,8 +49,8 @@ void StatusOverlay::End() {
     text.reset();
 }
 
-bool StatusOverlay::Update(const DRAW_TARGET& target, bool statistics,
-                           const std::string& frameRate, int64_t now) {
+bool StatusOverlay::Update(const DRAW_TARGET& target, bool statistics, const std::string& frameRate,
+                           int64_t now) {
     statusLines.clear();
     if (statistics) {
         statusLines = {frameRate, EmuFormatStats()};

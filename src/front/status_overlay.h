@@ -5,8 +5,9 @@
 // Thread: main, with the OpenGL context current.
 #pragma once
 
-#include "display/overlay_text.h"
 #include "front/screen.h"
+
+#include "display/overlay_text.h"
 
 #include <memory>
 #include <string>

@@ -1,4 +1,4 @@
-#include "front/machine_options.h"
+#include "front/tools/machine_options.h"
 
 #include "library/systems.h"
 

@@ -1,9 +1,9 @@
 // `ombrelune bench`: whole machines, unpaced, on one core.
 
 #include "base/files.h"
-#include "front/commands.h"
 #include "front/demos.h"
-#include "front/play.h"
+#include "front/tools/commands.h"
+#include "front/tools/play.h"
 #include "host/aligned_block.h"
 #include "host/frame_loop.h"
 #include "host/machine_list.h"

@@ -1,7 +1,7 @@
 // `ombrelune play`: one game at once.
 #pragma once
 
-#include "front/machine_options.h"
+#include "front/tools/machine_options.h"
 
 #include "formats/game_file.h"
 

@@ -1,8 +1,8 @@
-#include "front/command_line.h"
+#include "front/tools/command_line.h"
 
 #include "base/files.h"
-#include "front/commands.h"
-#include "front/play.h"
+#include "front/tools/commands.h"
+#include "front/tools/play.h"
 #include "front/version.h"
 #include "library/systems.h"
 

@@ -1,4 +1,4 @@
-#include "front/commands.h"
+#include "front/tools/commands.h"
 
 #include "base/audio_rate.h"
 #include "base/files.h"

@@ -1,9 +1,9 @@
-#include "front/play.h"
+#include "front/tools/play.h"
 
 #include "base/audio_rate.h"
-#include "front/commands.h"
 #include "front/demos.h"
-#include "front/run_settings.h"
+#include "front/tools/commands.h"
+#include "front/tools/run_settings.h"
 #include "host/machine_list.h"
 #include "library/convert.h"
 #include "library/game_source.h"

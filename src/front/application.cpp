@@ -14,11 +14,10 @@
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/session.h"
-#include "library/systems.h"
-#include "sega8/sms.h"
 
 #include "display/gl.h"
 #include "display/screen_reader.h"
+#include "facts/sms_facts.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"

@@ -57,6 +57,7 @@ StateTable gDown{};
 StateTable gReleased{}; // set to 0 since the pump began
 std::atomic<uint32_t> gActiveKey{0};
 std::atomic<bool> gWalkingRoom{false};
+std::atomic<void (*)(std::wstring_view)> gPollObserver{nullptr};
 
 bool IsSet(const StateTable& table, uint32_t code) {
     return table[code].load(std::memory_order_relaxed) != 0;
@@ -129,7 +130,14 @@ void RegisterBindings(SettingsStore& store) {
     }
 }
 
+void InputSetPollObserver(void (*observer)(std::wstring_view name)) {
+    gPollObserver.store(observer, std::memory_order_relaxed);
+}
+
 bool InputIsDown(uint32_t sessionKey, std::wstring_view name) {
+    if (auto* const observer = gPollObserver.load(std::memory_order_relaxed)) {
+        observer(name);
+    }
     if (sessionKey != kApplicationKey && (sessionKey != InputActiveKey() || InputWalkingRoom())) {
         return false;
     }

@@ -4,8 +4,8 @@
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
 #include "front/version.h"
-#include "library/systems.h"
 
+#include "facts/machine_facts.h"
 #include "machines/machines.h"
 #include "settings/settings.h"
 #include <CLI/CLI.hpp>
@@ -44,7 +44,7 @@ void StartUp(const std::string& homeOption) {
 
 std::vector<std::string> MachineNames() {
     std::vector<std::string> names;
-    for (const GAME_SYSTEM& system : GameSystems()) {
+    for (const MACHINE_FACTS& system : MachineFacts()) {
         names.emplace_back(system.shortName);
     }
     return names;

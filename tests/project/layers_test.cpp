@@ -81,7 +81,7 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"CLI11",            {"CLI/"},                           {"front"}},
     {"libpng",           {"png.h"},                          {"front"}},
     {"libzip",           {"zip.h"},                          {"formats"}},
-    {"LZMA",             {"Lzma"},                           {"formats"}},
+    {"liblzma",          {"lzma.h"},                         {"formats"}},
     {"OpenSSL",          {"openssl/"},                       {"formats"}},
     {"libsamplerate",    {"samplerate.h"},                   {"machine"}},
     {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "unistd.h"}, {"base", "front"}},

@@ -84,13 +84,33 @@ void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) 
     loop.loadWasDown = keys.loadState;
 }
 
+// The frames of a fast round. A machine holds a frame so that the next one is drawn over it, unseen. A
+// round that ends on such a frame shows the newest picture of the round that is not held. Running on
+// until there is one would play faster than the setting says; this way the frames, their sound and the
+// recorded states are the same with and without holding, and every round still shows a new picture.
+void RunFastRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
+                  FRAME_LOOP& loop) {
+    EMU_VIDEO_FRAME kept{};
+    for (uint32_t left = loop.fastForwardSteps; left > 0; --left) {
+        EmuStep(session, input, &video, &loop.sound.frame, false);
+        if (video.hold == 0 && left > 1) {
+            loop.kept.resize(EmuPicturePixels(session));
+            kept.pixels = loop.kept.data();
+            EmuCopyPicture(video, kept);
+        }
+    }
+    if (video.hold != 0 && kept.pixels != nullptr) {
+        EmuCopyPicture(kept, video);
+        video.hold = 0;
+    }
+}
+
 void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
                FRAME_LOOP& loop, const HOTKEYS& keys) {
     bool drawn = false;
     if (keys.fastForward) {
-        for (uint32_t i = 0; i < loop.fastForwardSteps; ++i) {
-            drawn = EmuStep(session, input, video, &loop.sound.frame, false);
-        }
+        RunFastRound(session, input, *video, loop);
+        drawn = loop.fastForwardSteps > 0;
     } else {
         const bool rewind = keys.rewind && Settings().GetInt(L"emu_rewindbuffer") > 0;
         drawn = EmuStep(session, input, video, &loop.sound.frame, rewind);

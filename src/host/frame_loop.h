@@ -62,6 +62,7 @@ struct FRAME_LOOP {
     bool saveWasDown = false;
     bool loadWasDown = false;
     EMU_VIDEO_FRAME lastPicture{}; // as presented last; its block belongs to the host
+    std::vector<uint32_t> kept;    // a picture of this round that a held one was drawn over
     std::vector<uint32_t> scratch; // for turning pictures
 };
 

@@ -30,6 +30,10 @@ void EmuDrawSpeedGlyph(SpeedGlyph direction, EMU_VIDEO_FRAME& video);
 // mark, so that a picture that is shown again is not turned twice. `scratch` is kept between frames.
 void EmuRotateFrame(EMU_VIDEO_FRAME& video, std::vector<uint32_t>& scratch);
 
+// Copies pixels, sizes, aspects and the `rotated` mark from one buffer to another. Both hold
+// EmuPicturePixels.
+void EmuCopyPicture(const EMU_VIDEO_FRAME& from, EMU_VIDEO_FRAME& to);
+
 // Copies a picture that was finished before, so that it is shown once more. Both buffers hold
 // EmuPicturePixels; nothing happens when there was none yet or when it is the same buffer.
 void EmuRepeatPicture(const EMU_VIDEO_FRAME& before, EMU_VIDEO_FRAME& video);

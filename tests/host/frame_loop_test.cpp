@@ -192,6 +192,56 @@ TEST_F(FrameLoop, FastForwardRunsSeveralFramesAndDrawsItsGlyph) {
     EXPECT_EQ(gSubmitted[0], 400);       // only the last frame is heard
 }
 
+// Frames 1, 3, 5 and so on are held. From wherever the key is held and however fast, every round shows
+// the newest frame of its own that is not.
+TEST_F(FrameLoop, FastForwardShowsTheNewestFrameThatIsNotHeld) {
+    for (const uint32_t steps : {2u, 3u, 4u, 9u, 10u}) {
+        for (uint32_t before = 0; before < 2; ++before) {
+            Settings().SetInt(L"emu_fastforward", static_cast<int32_t>(steps));
+            Open({.glasses = 1});
+            EMU_HOST_DATA& data = *session->hostData;
+            for (uint32_t i = 0; i < before; ++i) {
+                Round();
+            }
+            for (uint32_t round = 1; round <= 6; ++round) {
+                const uint32_t newest = before + round * steps;
+                Round(kForward);
+                const EMU_VIDEO_FRAME* const shown = HostTakeFrame(data);
+                ASSERT_NE(shown, nullptr) << steps << " steps, round " << round;
+                EXPECT_EQ(FrameOf(*shown), newest - newest % 2);
+                EXPECT_TRUE(HasGlyph(*shown, SpeedGlyph::kForward));
+                EXPECT_EQ(machine->runs, newest); // the set pace
+                EXPECT_EQ(gSubmitted[0],
+                          static_cast<int16_t>(newest * 100)); // the last frame's sound
+                EXPECT_EQ(session->rewindCount, newest);
+            }
+            HostClose(session.get());
+        }
+    }
+}
+
+// One frame a round is normal play: every second one is held as ever.
+TEST_F(FrameLoop, AFastRoundOfHeldFramesAloneIsHeld) {
+    Settings().SetInt(L"emu_fastforward", 1);
+    Open({.glasses = 1});
+    EMU_HOST_DATA& data = *session->hostData;
+    Round(kForward);
+    EXPECT_EQ(HostTakeFrame(data), nullptr);
+    Round(kForward);
+    const EMU_VIDEO_FRAME* const shown = HostTakeFrame(data);
+    ASSERT_NE(shown, nullptr);
+    EXPECT_EQ(FrameOf(*shown), 2u);
+}
+
+TEST_F(FrameLoop, APictureThatAHeldOneWasDrawnOverIsStillTurned) {
+    Open({.glasses = 1, .rotated = 1});
+    Round();
+    const EMU_VIDEO_FRAME& drawn = Round(kForward); // frames 2 and 3
+    EXPECT_EQ(FrameOf(drawn), 2u);
+    EXPECT_EQ(drawn.width, 240u);
+    EXPECT_EQ(drawn.height, 320u);
+}
+
 TEST_F(FrameLoop, FastForwardIsFixedForTheLifeOfTheSession) {
     Settings().SetInt(L"emu_fastforward", 3);
     Open();

@@ -134,7 +134,7 @@ void CTestMachine::RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME* video, EMU_AUDIO_
     video->visibleWidth = behaviour.visibleWidth != 0 ? behaviour.visibleWidth : video->width;
     video->visibleHeight = video->height;
     video->visibleAspect = 1.25f;
-    video->hold = behaviour.hold;
+    video->hold = behaviour.glasses != 0 ? frameField % 2 : behaviour.hold;
     video->rotated = behaviour.rotated;
     std::fill_n(video->pixels, size_t{width} * height, 0xFF000000 + frameField);
 

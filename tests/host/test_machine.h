@@ -18,6 +18,7 @@ struct TEST_BEHAVIOUR {
     uint8_t failSave = 0;
     uint8_t failLoad = 0;
     uint8_t hold = 0;
+    uint8_t glasses = 0; // holds every odd frame, as 3D glasses do
     uint8_t rotated = 0;
     uint8_t noisySound = 0; // frames of 600 to 900 pairs, by the machine's own generator
     uint32_t width = 0;     // of the picture it claims to have drawn; 0: its own

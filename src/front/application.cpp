@@ -9,11 +9,11 @@
 #include "front/processor_binder.h"
 #include "front/program_title.h"
 #include "front/run_settings.h"
-#include "host/battery_file.h"
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/session.h"
+#include "host/session_saves.h"
 #include "library/systems.h"
 #include "sega8/sms.h"
 

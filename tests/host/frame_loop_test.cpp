@@ -188,8 +188,8 @@ TEST_F(FrameLoop, FastForwardRunsSeveralFramesAndDrawsItsGlyph) {
     EXPECT_EQ(machine->runs, 4u);
     EXPECT_EQ(FrameOf(drawn), 4u);
     EXPECT_TRUE(HasGlyph(drawn, SpeedGlyph::kForward));
-    EXPECT_EQ(session->rewindCount, 4u); // recorded as usual
-    EXPECT_EQ(gSubmitted[0], 400);       // only the last frame is heard
+    EXPECT_EQ(session->rewind.rewindCount, 4u); // recorded as usual
+    EXPECT_EQ(gSubmitted[0], 400);              // only the last frame is heard
 }
 
 // Frames 1, 3, 5 and so on are held. From wherever the key is held and however fast, every round shows
@@ -213,7 +213,7 @@ TEST_F(FrameLoop, FastForwardShowsTheNewestFrameThatIsNotHeld) {
                 EXPECT_EQ(machine->runs, newest); // the set pace
                 EXPECT_EQ(gSubmitted[0],
                           static_cast<int16_t>(newest * 100)); // the last frame's sound
-                EXPECT_EQ(session->rewindCount, newest);
+                EXPECT_EQ(session->rewind.rewindCount, newest);
             }
             HostClose(session.get());
         }
@@ -255,7 +255,7 @@ TEST_F(FrameLoop, FastForwardBeatsRewind) {
     Round();
     const EMU_VIDEO_FRAME& drawn = Round({.fastForward = true, .rewind = true});
     EXPECT_EQ(FrameOf(drawn), 3u);
-    EXPECT_EQ(session->rewindSteps, 0u);
+    EXPECT_EQ(session->rewind.rewindSteps, 0u);
 }
 
 TEST_F(FrameLoop, FastForwardOfZeroDrawsOnlyItsGlyphOverTheOldPicture) {
@@ -281,7 +281,7 @@ TEST_F(FrameLoop, RewindWithoutABufferActsAsIfNotPressed) {
         Round();
         const EMU_VIDEO_FRAME& drawn = Round(kRewind);
         EXPECT_EQ(FrameOf(drawn), 2u);
-        EXPECT_EQ(session->rewindCount, 0u);
+        EXPECT_EQ(session->rewind.rewindCount, 0u);
         EXPECT_FALSE(HasGlyph(drawn, SpeedGlyph::kBack));
         HostClose(session.get());
     }
@@ -293,14 +293,14 @@ TEST_F(FrameLoop, RewindPlaysHistoryBackwards) {
     for (uint32_t frame = 1; frame <= 5; ++frame) {
         EXPECT_EQ(Step(false), frame);
     }
-    EXPECT_EQ(session->rewindCount, 5u);
+    EXPECT_EQ(session->rewind.rewindCount, 5u);
     for (uint32_t taken = 1; taken <= 5; ++taken) {
         EXPECT_EQ(Step(true), 7 - taken);
-        EXPECT_EQ(session->rewindSteps, taken);
-        EXPECT_EQ(session->rewindCount, 5 - taken);
+        EXPECT_EQ(session->rewind.rewindSteps, taken);
+        EXPECT_EQ(session->rewind.rewindCount, 5 - taken);
         EXPECT_TRUE(HasGlyph(video, SpeedGlyph::kBack));
     }
-    EXPECT_EQ(session->rewindHead, nullptr);
+    EXPECT_EQ(session->rewind.rewindHead, nullptr);
 }
 
 TEST_F(FrameLoop, PlayGoesOnFromWhereRewindEnded) {
@@ -311,10 +311,10 @@ TEST_F(FrameLoop, PlayGoesOnFromWhereRewindEnded) {
     Step(true);
     Step(true);
     EXPECT_EQ(Step(true), 9u); // state 8, and one frame on
-    EXPECT_EQ(session->rewindCount, 7u);
+    EXPECT_EQ(session->rewind.rewindCount, 7u);
     EXPECT_EQ(Step(false), 10u);
-    EXPECT_EQ(session->rewindSteps, 0u);
-    EXPECT_EQ(session->rewindCount, 8u); // recording goes on upon what remained
+    EXPECT_EQ(session->rewind.rewindSteps, 0u);
+    EXPECT_EQ(session->rewind.rewindCount, 8u); // recording goes on upon what remained
     EXPECT_EQ(Step(true), 11u);
     EXPECT_EQ(Step(true), 8u); // state 7, from before the rewind
 }
@@ -360,7 +360,7 @@ TEST_F(FrameLoop, WhenRewindRunsOutPictureAndSoundStay) {
         EXPECT_EQ(gPresented, 16666u);
     }
     EXPECT_EQ(machine->runs, runs);
-    EXPECT_EQ(session->rewindCount, 0u);
+    EXPECT_EQ(session->rewind.rewindCount, 0u);
 }
 
 // States of 64 KiB against one mebibyte: sixteen fit.
@@ -369,15 +369,15 @@ TEST_F(FrameLoop, StackIsBoundedByTheSettingReadAfreshEachFrame) {
     for (int i = 0; i < 40; ++i) {
         Step(false);
     }
-    EXPECT_EQ(session->rewindCount, 16u);
+    EXPECT_EQ(session->rewind.rewindCount, 16u);
     Settings().SetInt(L"emu_rewindbuffer", 2);
     for (int i = 0; i < 40; ++i) {
         Step(false);
     }
-    EXPECT_EQ(session->rewindCount, 32u);
+    EXPECT_EQ(session->rewind.rewindCount, 32u);
     Settings().SetInt(L"emu_rewindbuffer", 0);
     Step(false);
-    EXPECT_EQ(session->rewindCount, 32u); // nothing is saved, and nothing taken away
+    EXPECT_EQ(session->rewind.rewindCount, 32u); // nothing is saved, and nothing taken away
     Settings().SetInt(L"emu_rewindbuffer", 1);
     EXPECT_EQ(Step(true), 81u); // state 80: frame 81 had none
 }
@@ -385,8 +385,8 @@ TEST_F(FrameLoop, StackIsBoundedByTheSettingReadAfreshEachFrame) {
 TEST_F(FrameLoop, AStateThatCannotBeSavedIsNotPushed) {
     OpenBare({.failSave = 1});
     Step(false);
-    EXPECT_EQ(session->rewindCount, 0u);
-    EXPECT_EQ(session->rewindHead, nullptr);
+    EXPECT_EQ(session->rewind.rewindCount, 0u);
+    EXPECT_EQ(session->rewind.rewindHead, nullptr);
 }
 
 TEST_F(FrameLoop, AStateThatCannotBeLoadedStillRunsAFrame) {
@@ -394,7 +394,7 @@ TEST_F(FrameLoop, AStateThatCannotBeLoadedStillRunsAFrame) {
     Step(false);
     machine->behaviour.failLoad = 1;
     EXPECT_EQ(Step(true), 2u);
-    EXPECT_EQ(session->rewindCount, 0u);
+    EXPECT_EQ(session->rewind.rewindCount, 0u);
 }
 
 TEST_F(FrameLoop, StaticRunsSeventyFramesBeforeTheMachine) {
@@ -448,7 +448,7 @@ TEST_F(FrameLoop, StaticNeitherRewindsNorRecords) {
     EXPECT_TRUE(EmuStep(*session, &input, &video, &sound.frame, true));
     EXPECT_TRUE(EmuStep(*session, &input, &video, &sound.frame, false));
     EXPECT_EQ(machine->runs, 0u);
-    EXPECT_EQ(session->rewindCount, 0u);
+    EXPECT_EQ(session->rewind.rewindCount, 0u);
     EXPECT_EQ(session->staticFrames, 2u);
 }
 

@@ -5,10 +5,10 @@
 #include "host/picture.h"
 #include "host/session.h"
 #include "library/convert.h"
-#include "machines/machines.h"
 #include "sega8/sms.h"
 
 #include "formats/game_file.h"
+#include "machines/machines.h"
 #include "settings/settings.h"
 #include <gtest/gtest.h>
 

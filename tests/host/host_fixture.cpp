@@ -35,15 +35,6 @@ void KeepReport(const std::string& message) {
 
 } // namespace
 
-#ifdef __SANITIZE_THREAD__
-// Two sessions may save at once, and the zip library asks for the local time. The C library guards its time
-// zone with a lock of its own, which the sanitizer does not see.
-// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming)
-extern "C" const char* __tsan_default_suppressions() {
-    return "race:tzset_internal\n";
-}
-#endif
-
 CGameFile MakeGame(uint16_t system, uint8_t identity) {
     CGameFile game;
     game.Create(false, system);

@@ -91,7 +91,7 @@ bool AttachRings(SoundDevice& device, SoundChannel& channel, uint32_t sessionKey
 void Silence(const OPEN_CHANNEL& open) {
     open.data->noSound = true;
     open.data->syncBias = 0;
-    open.session->soundBytes.store(0, std::memory_order_relaxed);
+    open.session->sound.soundBytes.store(0, std::memory_order_relaxed);
 }
 
 // A channel that had no device until now starts afresh, and the frames' length follows the sound.
@@ -99,7 +99,7 @@ void RestartChannels(SoundDevice& device) {
     for (const OPEN_CHANNEL& open : Sound().channels) {
         Silence(open);
         open.channel->Restart();
-        open.session->directSound = 0;
+        open.session->sound.directSound = 0;
         open.data->noSound = !AttachRings(device, *open.channel, open.session->key);
     }
 }

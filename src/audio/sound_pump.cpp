@@ -58,19 +58,19 @@ void ResetCursors(SoundChannel& channel) {
 // Full screen or room, heard or not.
 void ChooseRing(EMU_THREAD& session, SoundChannel& channel, const PUMP_SURROUNDINGS& surroundings) {
     if (surroundings.inFront && !surroundings.roomVisible) {
-        if (session.directSound == 0) {
+        if (session.sound.directSound == 0) {
             SwitchRings(channel.mono, channel.stereo);
             ResetCursors(channel);
         }
-        session.directSound = 1;
-        session.audible = 1;
+        session.sound.directSound = 1;
+        session.sound.audible = 1;
         return;
     }
-    session.audible = surroundings.roomVisible ? 1 : 0;
-    if (surroundings.roomVisible && session.directSound != 0) {
+    session.sound.audible = surroundings.roomVisible ? 1 : 0;
+    if (surroundings.roomVisible && session.sound.directSound != 0) {
         SwitchRings(channel.stereo, channel.mono);
         ResetCursors(channel);
-        session.directSound = 0;
+        session.sound.directSound = 0;
     }
 }
 
@@ -109,12 +109,12 @@ void BoostMono(SoundChannel& channel, const uint8_t* pending, size_t pairs, floa
 // The bytes that wait for this round: never more than there is, or than a ring holds.
 uint32_t BoundWaiting(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel) {
     const auto waiting = std::min<uint32_t>(
-        session.soundBytes.load(std::memory_order_relaxed),
+        session.sound.soundBytes.load(std::memory_order_relaxed),
         static_cast<uint32_t>(std::min<size_t>(data.pending.size(), channel.stereo.LengthBytes())));
     const uint32_t kept = channel.backlog.Bound(data.pending.data(), waiting);
     if (kept != waiting) {
-        session.soundBytes.store(kept, std::memory_order_relaxed);
-        session.soundRepositions.fetch_add(1, std::memory_order_relaxed);
+        session.sound.soundBytes.store(kept, std::memory_order_relaxed);
+        session.statistics.soundRepositions.fetch_add(1, std::memory_order_relaxed);
     }
     return kept;
 }
@@ -135,7 +135,7 @@ bool Reposition(const LINE& line, uint32_t play, uint32_t soundGapMs) {
 void WriteLine(const EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel,
                const LINE& line, uint32_t bytes, float volume) {
     const size_t frames = bytes / line.ring.FrameBytes();
-    if (session.audible == 0) {
+    if (session.sound.audible == 0) {
         line.ring.WriteSilence(line.write, bytes);
     } else {
         if (line.positional) {
@@ -190,7 +190,7 @@ void SoundChannel::Restart() {
 void PumpChannel(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel,
                  const PUMP_SURROUNDINGS& surroundings, uint32_t& soundGapMs) {
     ChooseRing(session, channel, surroundings);
-    const bool direct = session.directSound != 0;
+    const bool direct = session.sound.directSound != 0;
     const LINE line = direct
                           ? LINE{channel.stereo, channel.lastPlayStereo, channel.writeStereo, false}
                           : LINE{channel.mono, channel.lastPlayMono, channel.writeMono, true};
@@ -208,7 +208,7 @@ void PumpChannel(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel
     }
     line.lastPlay = line.ring.Wrap(uint64_t{line.lastPlay} + bytes);
     if (Reposition(line, play, soundGapMs)) {
-        session.soundRepositions.fetch_add(1, std::memory_order_relaxed);
+        session.statistics.soundRepositions.fetch_add(1, std::memory_order_relaxed);
     }
     WriteLine(session, data, channel, line, bytes, surroundings.volume);
     data.syncBias.store(BiasFor(waiting, channel.stereo), std::memory_order_relaxed);
@@ -216,5 +216,5 @@ void PumpChannel(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel
     const uint32_t used = line.positional ? bytes * 2 : bytes;
     channel.backlog.Taken(waiting, used);
     std::memmove(data.pending.data(), data.pending.data() + used, waiting - used);
-    session.soundBytes.store(waiting - used, std::memory_order_relaxed);
+    session.sound.soundBytes.store(waiting - used, std::memory_order_relaxed);
 }

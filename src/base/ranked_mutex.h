@@ -9,12 +9,14 @@
 
 // The order in which locks nest, outermost first.
 enum class LockRank : int {
+    kSessionKey = 5,   // the turn to start and stop sessions on one key
     kSessionList = 10, // the list of sessions; recursive
     kSession = 20,     // one session's machine
     kFrame = 30,       // picture exchange between sessions and display
     kSound = 40,       // sound exchange between sessions and pump
     kDevice = 50,      // the sound device's list of playing rings
     kRing = 60,        // one ring of the sound device
+    kArchive = 70,     // the turn to read and replace one archive of saved states
     kLeaf = 90,        // small values: nothing is taken under these
 };
 

@@ -9,11 +9,11 @@
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
 #include "front/tools/run_settings.h"
-#include "host/battery_file.h"
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/session.h"
+#include "host/session_saves.h"
 
 #include "display/gl.h"
 #include "display/screen_reader.h"

@@ -61,7 +61,9 @@ public:
         }
     }
 
-    [[nodiscard]] double WaitingMs() const { return rig.session.soundBytes * 1000.0 / (kRate * 4); }
+    [[nodiscard]] double WaitingMs() const {
+        return rig.session.sound.soundBytes * 1000.0 / (kRate * 4);
+    }
 
     // The mean over a second, looked at when the pump comes.
     double SecondsMean(int64_t from) {
@@ -186,10 +188,10 @@ TEST(SoundDelay, WhatIsDroppedLeavesNoClick) {
         Delayed run({5 * kSecond, 0, pause * kMillisecond}, false,
                     [](int64_t, uint64_t pair) { return Tone(pair, 100.0); });
         run.RunUntil(4 * kSecond);
-        const uint32_t before = run.rig.session.soundRepositions;
+        const uint32_t before = run.rig.session.statistics.soundRepositions;
         const size_t from = run.heard.size();
         run.RunUntil(10 * kSecond);
-        EXPECT_GT(run.rig.session.soundRepositions, before) << "nothing was dropped";
+        EXPECT_GT(run.rig.session.statistics.soundRepositions, before) << "nothing was dropped";
         int steepest = 0;
         for (size_t i = from; i < run.heard.size(); ++i) {
             steepest = std::max(steepest, std::abs(run.heard[i].sample - run.heard[i - 1].sample));
@@ -208,7 +210,7 @@ TEST(SoundDelay, TheNewestSoundIsKept) {
     rig.Append(samples); // 113 ms
     rig.Pump();
     // 35 ms are kept, 1,543 pairs, of which the first 220 begin with the oldest sample.
-    ASSERT_EQ(rig.session.soundBytes, 1543u * 4);
+    ASSERT_EQ(rig.session.sound.soundBytes, 1543u * 4);
     const auto at = [&](size_t pair) {
         int16_t sample = 0;
         std::memcpy(&sample, rig.data.pending.data() + pair * 4, sizeof sample);
@@ -218,7 +220,7 @@ TEST(SoundDelay, TheNewestSoundIsKept) {
     EXPECT_EQ(at(110), 110 + 3457 / 2); // halfway between the 110th of the old and of the new
     EXPECT_EQ(at(220), 3457 + 220);
     EXPECT_EQ(at(1542), 4999);
-    EXPECT_EQ(rig.session.soundRepositions, 1u);
+    EXPECT_EQ(rig.session.statistics.soundRepositions, 1u);
 }
 
 TEST(SoundDelay, ATenthOfASecondIsLeftAlone) {
@@ -226,8 +228,8 @@ TEST(SoundDelay, ATenthOfASecondIsLeftAlone) {
     rig.Pump();
     rig.AppendPairs(4410, 1, 1);
     rig.Pump();
-    EXPECT_EQ(rig.session.soundBytes, 4410u * 4);
+    EXPECT_EQ(rig.session.sound.soundBytes, 4410u * 4);
     rig.AppendPairs(1, 1, 1);
     rig.Pump();
-    EXPECT_EQ(rig.session.soundBytes, 1543u * 4);
+    EXPECT_EQ(rig.session.sound.soundBytes, 1543u * 4);
 }

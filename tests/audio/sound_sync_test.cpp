@@ -79,13 +79,14 @@ public:
                 PumpRound();
             }
         }
-        result.repositionsAfter = rig.session.soundRepositions - result.repositionsInFirstSecond;
+        result.repositionsAfter =
+            rig.session.statistics.soundRepositions - result.repositionsInFirstSecond;
         return result;
     }
 
 private:
     [[nodiscard]] double LevelMs() const {
-        return rig.session.soundBytes * 1000.0 / (test.rate * 4.0);
+        return rig.session.sound.soundBytes * 1000.0 / (test.rate * 4.0);
     }
 
     // A frame's sound is appended; the frame then lasts as long as its sound, give or take the bias.
@@ -106,11 +107,11 @@ private:
 
     void PumpRound() {
         const double before = LevelMs();
-        const uint32_t bytes = rig.session.soundBytes;
+        const uint32_t bytes = rig.session.sound.soundBytes;
         rig.Pump();
-        const bool decided = rig.session.soundBytes != bytes;
+        const bool decided = rig.session.sound.soundBytes != bytes;
         if (nextPump <= kSecond) {
-            result.repositionsInFirstSecond = rig.session.soundRepositions;
+            result.repositionsInFirstSecond = rig.session.statistics.soundRepositions;
         }
         if (nextPump > 2 * kSecond) {
             result.allRounds.Add(before);

@@ -56,8 +56,8 @@ struct Session {
     // The cursors of the ring that plays, under the lock that guards the channel.
     [[nodiscard]] uint32_t PlayCursor() {
         const std::lock_guard guard(EmuSoundMutex());
-        return thread.directSound != 0 ? data.sound->stereo.Cursors().play
-                                       : data.sound->mono.Cursors().play;
+        return thread.sound.directSound != 0 ? data.sound->stereo.Cursors().play
+                                             : data.sound->mono.Cursors().play;
     }
 };
 
@@ -95,7 +95,7 @@ bool AreAlike(const SIDES& a, const SIDES& b) {
 testing::AssertionResult IsPlayed(Session& session) {
     return WaitUntil("the submitted sound to be taken", [&] {
         PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
+        return session.thread.sound.soundBytes == 0;
     });
 }
 
@@ -119,7 +119,7 @@ TEST_F(Sound, NoDriverMeansAClearWordAndSilence) {
     CreateSoundChannel(session.thread);
     EXPECT_TRUE(session.data.noSound);
     session.Submit();
-    EXPECT_EQ(session.thread.soundBytes, 0u);
+    EXPECT_EQ(session.thread.sound.soundBytes, 0u);
     PumpSound(session.thread);
     SoundSetTelevision(1, 1, 2, 3);
     DestroySoundChannel(session.thread);
@@ -143,7 +143,7 @@ TEST_F(Sound, SessionWithoutHostDataIsPassedOver) {
     CreateSoundChannel(bare);
     PumpSound(bare);
     DestroySoundChannel(bare);
-    EXPECT_EQ(bare.soundBytes, 0u);
+    EXPECT_EQ(bare.sound.soundBytes, 0u);
 }
 
 TEST_F(Sound, DevicePullsTheRingsAndThePumpFillsThem) {
@@ -156,10 +156,10 @@ TEST_F(Sound, DevicePullsTheRingsAndThePumpFillsThem) {
     CreateSoundChannel(session.thread);
     ASSERT_FALSE(session.data.noSound);
     PumpSound(session.thread);
-    EXPECT_EQ(session.thread.directSound, 1);
-    EXPECT_EQ(session.thread.audible, 1);
+    EXPECT_EQ(session.thread.sound.directSound, 1);
+    EXPECT_EQ(session.thread.sound.audible, 1);
     session.Submit();
-    EXPECT_EQ(session.thread.soundBytes, 735u * 4);
+    EXPECT_EQ(session.thread.sound.soundBytes, 735u * 4);
     EXPECT_TRUE(IsPlayed(session));
     EXPECT_GT(session.PlayCursor(), 0u);
     // The gap is one pull and the lookahead: 576 frames at 176 bytes a millisecond.
@@ -182,15 +182,15 @@ TEST_F(Sound, ActiveKeyAndRoomDecideWhatIsHeard) {
     };
     InputSetActiveKey(2);
     pump();
-    EXPECT_EQ(first.thread.audible, 0);
-    EXPECT_EQ(first.thread.directSound, 0);
-    EXPECT_EQ(second.thread.audible, 1);
-    EXPECT_EQ(second.thread.directSound, 1);
+    EXPECT_EQ(first.thread.sound.audible, 0);
+    EXPECT_EQ(first.thread.sound.directSound, 0);
+    EXPECT_EQ(second.thread.sound.audible, 1);
+    EXPECT_EQ(second.thread.sound.directSound, 1);
     SoundSetRoomVisible(true);
     pump();
-    EXPECT_EQ(first.thread.audible, 1);
-    EXPECT_EQ(second.thread.audible, 1);
-    EXPECT_EQ(second.thread.directSound, 0);
+    EXPECT_EQ(first.thread.sound.audible, 1);
+    EXPECT_EQ(second.thread.sound.audible, 1);
+    EXPECT_EQ(second.thread.sound.directSound, 0);
     DestroySoundChannel(first.thread);
     DestroySoundChannel(second.thread);
 }
@@ -221,7 +221,7 @@ TEST_F(Sound, LostDeviceSilencesItsSessionsAndANewOneGoesOn) {
     for (int i = 0; i < 100; ++i) {
         session.Submit();
         PumpSound(session.thread);
-        ASSERT_EQ(session.thread.soundBytes, 0u);
+        ASSERT_EQ(session.thread.sound.soundBytes, 0u);
     }
     EXPECT_EQ(session.PlayCursor(), stood);
     EXPECT_EQ(session.data.syncBias, 0);
@@ -230,7 +230,7 @@ TEST_F(Sound, LostDeviceSilencesItsSessionsAndANewOneGoesOn) {
     EXPECT_FALSE(session.data.noSound);
     PumpSound(session.thread);
     session.Submit();
-    EXPECT_GT(session.thread.soundBytes, 0u);
+    EXPECT_GT(session.thread.sound.soundBytes, 0u);
     EXPECT_TRUE(IsPlayed(session));
     DestroySoundChannel(session.thread);
 }

@@ -52,7 +52,7 @@ TEST_F(Session, RecordIsFilledAsTold) {
     EXPECT_EQ(session->frameWidth, 320u);
     EXPECT_EQ(session->frameHeight, 240u);
     EXPECT_EQ(session->staticFrames, 0u);
-    EXPECT_EQ(session->rewindHead, nullptr);
+    EXPECT_EQ(session->rewind.rewindHead, nullptr);
     EXPECT_EQ(session->hostData, nullptr);
     EXPECT_EQ(session->stopRequested, 0);
     EXPECT_EQ(MachineOf(*session).resets, 1u); // by its own Init
@@ -387,9 +387,9 @@ TEST_F(Session, StatsAreOneLineForTheActiveSession) {
     EmuRaiseSoundGap(12);
     EmuRaiseSoundGap(5);
     EmuForEachSession([](EMU_THREAD& session) {
-        session.soundRepositions = 3;
-        session.soundBytes = 4096;
-        session.framesMissed = 9;
+        session.statistics.soundRepositions = 3;
+        session.sound.soundBytes = 4096;
+        session.statistics.framesMissed = 9;
         session.machine->debugValue = 0xFFFFFFFF;
     });
     EXPECT_EQ(EmuFormatStats(),

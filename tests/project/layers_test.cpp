@@ -38,7 +38,7 @@ const std::vector<TARGET_ROW> kTargets = {
     {"settings",  {"base"}},
     {"bindings",  {"base", "facts", "settings"}},
     {"formats",   {"base", "facts"}},
-    {"machine",   {"base", "facts", "formats", "settings"}},
+    {"machine",   {"base", "bindings", "facts", "formats", "settings"}},
     {"sega8",     {"base", "bindings", "facts", "formats", "machine", "settings"}},
     {"nes",       {"base", "bindings", "facts", "formats", "machine", "settings"}},
     {"megadrive", {"base", "bindings", "facts", "formats", "machine", "sega8", "settings"}},

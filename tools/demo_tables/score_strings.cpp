@@ -9,7 +9,7 @@ namespace {
 constexpr size_t kVoices = 3;
 constexpr int kFirstNote = 33;
 constexpr int kLastNote = 83;  // B-6
-constexpr int kMostSoftness = 15;
+constexpr int kMostAttenuation = 15;
 
 void AppendTimes(std::string& text, int times, const char* piece) {
     for (int i = 0; i < times; ++i) {
@@ -91,11 +91,11 @@ std::string ListOf(const std::vector<int>& numbers) {
 bool WriteStrings(const SCORE& score, std::string& text, std::string& error) {
     const ScoreSettings settings(score);
     std::vector<int> step;
-    std::vector<int> softness;
+    std::vector<int> attenuation;
     std::vector<int> decay;
-    if (!settings.Check({"player", "song", "step", "softness", "decay"}, error) ||
+    if (!settings.Check({"player", "song", "step", "attenuation", "decay"}, error) ||
         !settings.Numbers("step", 1, 255, step, error) ||
-        !settings.Numbers("softness", kVoices, kMostSoftness, softness, error) ||
+        !settings.Numbers("attenuation", kVoices, kMostAttenuation, attenuation, error) ||
         !settings.Numbers("decay", kVoices, 255, decay, error)) {
         return false;
     }
@@ -122,7 +122,7 @@ bool WriteStrings(const SCORE& score, std::string& text, std::string& error) {
         voices += count == 0 ? "0" : ", 0";
     }
     text = "static const TUNE " + song + " = {\n    {" + voices + "},\n    " +
-           (drums.empty() ? "0" : drums) + ",\n    " + ListOf(softness) + ", " + ListOf(decay) +
+           (drums.empty() ? "0" : drums) + ",\n    " + ListOf(attenuation) + ", " + ListOf(decay) +
            ", " + std::to_string(step[0]) + "\n};\n";
     return true;
 }

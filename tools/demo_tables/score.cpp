@@ -276,12 +276,12 @@ bool ScoreSettings::Check(const std::vector<std::string>& names, std::string& er
     return true;
 }
 
-bool ScoreSettings::Numbers(const std::string& name, size_t count, int most,
+bool ScoreSettings::Numbers(const std::string& name, size_t count, int least, int most,
                             std::vector<int>& numbers, std::string& error) const {
     const SOURCE_LINE* line = Find(name);
     numbers.clear();
     for (size_t i = 1; line != nullptr && i < line->words.size(); ++i) {
-        const auto number = NumberOf(line->words[i], 0, most);
+        const auto number = NumberOf(line->words[i], least, most);
         if (!number) {
             break;
         }
@@ -291,8 +291,9 @@ bool ScoreSettings::Numbers(const std::string& name, size_t count, int most,
         return true;
     }
     error = Fault(score.file, line != nullptr ? line->number : 1,
-                  "'" + name + "' wants " + std::to_string(count) + " numbers from 0 to " +
-                      std::to_string(most));
+                  "'" + name + "' takes " +
+                      (count == 1 ? "a number" : std::to_string(count) + " numbers") + " from " +
+                      std::to_string(least) + " to " + std::to_string(most));
     return false;
 }
 

@@ -64,8 +64,8 @@ public:
     [[nodiscard]] std::string Word(const std::string& name) const;
     // Refuses any name but these, and a name that comes twice.
     [[nodiscard]] bool Check(const std::vector<std::string>& names, std::string& error) const;
-    // Refuses any but `count` numbers from 0 to `most`.
-    [[nodiscard]] bool Numbers(const std::string& name, size_t count, int most,
+    // Refuses any but `count` numbers from `least` to `most`.
+    [[nodiscard]] bool Numbers(const std::string& name, size_t count, int least, int most,
                                std::vector<int>& numbers, std::string& error) const;
 
 private:

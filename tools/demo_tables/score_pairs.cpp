@@ -92,8 +92,8 @@ bool WritePairs(const SCORE& score, bool nes, std::string& text, std::string& er
     std::vector<int> step;
     std::vector<int> sound;
     if (!settings.Check({"player", "song", "step", sounds}, error) ||
-        !settings.Numbers("step", 1, 255, step, error) ||
-        !settings.Numbers(sounds, nes ? 2 : 3, 255, sound, error)) {
+        !settings.Numbers("step", 1, 1, 255, step, error) ||
+        !settings.Numbers(sounds, nes ? 2 : 3, 0, 255, sound, error)) {
         return false;
     }
     const std::string song = settings.Word("song");

@@ -135,7 +135,7 @@ bool WriteStreams(const SCORE& score, std::string& text, std::string& error) {
     Streams streams(score, song);
     if (!song.empty()) {
         std::vector<int> step;
-        if (!settings.Numbers("step", 1, 255, step, error)) {
+        if (!settings.Numbers("step", 1, 1, 255, step, error)) {
             return false;
         }
         streams.text = song + "Step = " + std::to_string(step[0]) + "\n";

@@ -94,9 +94,9 @@ bool WriteStrings(const SCORE& score, std::string& text, std::string& error) {
     std::vector<int> attenuation;
     std::vector<int> decay;
     if (!settings.Check({"player", "song", "step", "attenuation", "decay"}, error) ||
-        !settings.Numbers("step", 1, 255, step, error) ||
-        !settings.Numbers("attenuation", kVoices, kMostAttenuation, attenuation, error) ||
-        !settings.Numbers("decay", kVoices, 255, decay, error)) {
+        !settings.Numbers("step", 1, 1, 255, step, error) ||
+        !settings.Numbers("attenuation", kVoices, 0, kMostAttenuation, attenuation, error) ||
+        !settings.Numbers("decay", kVoices, 1, 255, decay, error)) {
         return false;
     }
     const std::string song = settings.Word("song");

@@ -17,6 +17,7 @@
 #include "library/systems.h"
 #include "sega8/sms.h"
 
+#include "display/full_screen.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
 #include "settings/bindings.h"
@@ -31,31 +32,14 @@
 
 namespace {
 
-constexpr int64_t kSecond = 1000000;            // microseconds
-constexpr int64_t kCursorStays = 2 * kSecond;   // without a move
-constexpr int64_t kPointerAims = 3 * kSecond;   // the same; then keys aim again
-constexpr int64_t kHastyRound = 2000;           // microseconds; no display is that fast
-constexpr uint32_t kHastyRoundsToDistrust = 30; // in a row
-constexpr uint32_t kIdleMilliseconds = 1;
-constexpr uint32_t kHiddenMilliseconds = 10;
-constexpr int kTextScale = 2;
-constexpr int kStatusX = 20; // of the two status lines, on a screen of 1280 by 720
-constexpr int kStatusY = 43;
-constexpr int kStatusStep = 20;
-constexpr int kVirtualHeight = 720;
-constexpr uint32_t kStatusColour = 0xFFFFE080;
-constexpr uint32_t kNoticeColour = 0xFFFFFFFF;
+constexpr int64_t kSecond = 1000000;          // microseconds
+constexpr int64_t kPointerAims = 3 * kSecond; // the same; then keys aim again
 
 std::atomic<uint32_t> gFramesPresented{0};
 // For the light guns of both players: y << 32 | x in pixels of the picture; 0: nobody points, so the very
 // first pixel counts as the one beside it.
 std::atomic<uint64_t> gPointers[2]{};
 thread_local bool gFrameIsMachines = false; // of the session thread: not television static
-
-// Screen pixels of a dot of text.
-int TextScale(uint32_t height) {
-    return std::max(1, static_cast<int>(height) * kTextScale / kVirtualHeight);
-}
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
@@ -136,13 +120,6 @@ bool HasLightGun(const OPENED_GAME& opened, size_t player) {
            PadDeviceOf(options.devices[player]) == PadDevice::kLightPhaser;
 }
 
-// Letters of a line of text over the picture.
-size_t LettersAcross(uint32_t width, uint32_t height) {
-    const int margin = 2 * kStatusX * static_cast<int>(height) / kVirtualHeight;
-    const int letters = (static_cast<int>(width) - margin) / (kTextCellWidth * TextScale(height));
-    return static_cast<size_t>(std::max(letters, 8));
-}
-
 // A machine goes before what only draws it: a late frame is late sound. The system may refuse.
 int StartSessionThread(int argument) {
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_HIGH);
@@ -178,12 +155,10 @@ bool Application::Start(std::string& error) {
         return false;
     }
     SeedRandom(static_cast<uint32_t>(Now() / 1000));
-    text = std::make_unique<OverlayText>();
-    if (!text->Init()) {
+    if (!overlay.Start()) {
         words.emplace_back("the graphics driver has no memory for text; messages come here alone");
     }
     SDL_StopTextInput(); // no text field has the focus, and an input method would swallow the keys
-    followDisplay = window.FollowsDisplay();
     HostSetReportSink(PostReport);
     HostSetNoticeSink(PostNotice);
     for (const std::string& word : words) {
@@ -194,8 +169,7 @@ bool Application::Start(std::string& error) {
     InputSetActiveKey(kFrontTelevision);
     InputSetWalkingRoom(false);
     SoundSetRoomVisible(false);
-    roundStart = rateStart = cursorMoved = Now();
-    news = true;
+    pacer.Start(window.FollowsDisplay(), Now());
     started = true;
     // Last, since every thread that this one makes inherits it: the pump, the device and the graphics
     // driver's workers keep all processors, and session threads bind themselves.
@@ -267,87 +241,104 @@ bool Application::Round() {
     if (events.quit) {
         return false;
     }
-    Apply(events);
-    UploadPictures();
-    EndDeadSessions();
-    KeepBatteries();
-    DrawTexts();
-    if (window.IsVisible() && (followDisplay || news)) {
-        Draw();
-        // The toolkit's screens and its cursor are drawn here.
-        window.Swap();
-        news = false;
-        CountRound();
-    } else {
-        WaitForNews();
-    }
-    const int64_t now = Now();
-    frameTimeSeconds = static_cast<float>(now - roundStart) * 0.000001f;
-    roundStart = now;
-    return true;
-}
-
-void Application::Apply(const PUMP_EVENTS& events) {
     WatchSound(events);
-    VIEW changed = view;
-    changed.statistics ^= events.toggleStatistics;
-    changed.crop ^= events.toggleCrop;
-    changed.linear ^= events.toggleLinear;
-    changed.scaler =
-        static_cast<PictureScaler>((static_cast<uint32_t>(view.scaler) + events.scalerSteps) & 3);
-    ceilingLight ^= events.toggleLight;
-    if (events.toggleCrop) {
-        PostNotice(changed.crop ? "Visible window" : "Whole picture");
-    }
-    if (events.toggleLinear) {
-        PostNotice(changed.linear ? "Smooth pixels" : "Sharp pixels");
-    }
-    if (events.scalerSteps != 0) {
-        static constexpr const char* kNames[] = {"No scaler", "Scaler: edges, 2x",
-                                                 "Scaler: edges, 4x", "Scaler: soft, 4x"};
-        PostNotice(kNames[static_cast<size_t>(changed.scaler)]);
-    }
-    SetView(changed);
-    if (events.toggleFullScreen) {
-        window.ToggleFullScreen();
-    }
-    news |= events.windowChanged || events.toggleFullScreen;
+    RunCommands(events);
     for (const std::string& path : events.dropped) {
         PlayFile(path);
     }
-    HideIdleCursor();
+    const bool screenNews = gameScreen->Update({events, pump.Mouse(), Now()});
     AimPointer();
+    const bool pictureNews = televisions.Upload(InputActiveKey(), View().scaler);
+    StopEndedGame();
+    KeepBatteries();
+    const bool textNews = overlay.Update(Target(), View().statistics, pacer.RateText(), Now());
+    if (events.windowChanged || screenNews || pictureNews || textNews) {
+        pacer.NoteNews();
+    }
+    if (pacer.WantsDrawing(window.IsVisible())) {
+        Draw();
+        // The toolkit's screens and its cursor are drawn here.
+        window.Swap();
+        pacer.CountSwap(Now());
+    } else {
+        FramePacer::Wait(window.IsVisible());
+    }
+    pacer.EndRound(Now());
+    return true;
 }
 
-void Application::SetView(const VIEW& wanted) {
-    news |= wanted.scaler != view.scaler || wanted.linear != view.linear ||
-            wanted.crop != view.crop || wanted.statistics != view.statistics;
-    view = wanted;
+DRAW_TARGET Application::Target() const {
+    return {window.PixelWidth(), window.PixelHeight()};
 }
 
-// Over a game the cursor is in the way when nobody moves it.
-void Application::HideIdleCursor() {
-    const int64_t now = Now();
-    const MOUSE_STATE& mouse = pump.Mouse();
-    if (mouse.x != lastMouse.x || mouse.y != lastMouse.y || mouse.left || mouse.leftPressed) {
-        cursorMoved = now;
+std::span<const Application::COMMAND> Application::Commands() {
+    static constexpr COMMAND kCommands[] = {
+        {ProgramCommand::kToggleStatistics,   "Statistics",    &Application::ToggleStatistics  },
+        {ProgramCommand::kToggleCrop,         "Whole Picture", &Application::ToggleCrop        },
+        {ProgramCommand::kToggleCeilingLight, "Ceiling Light", &Application::ToggleCeilingLight},
+        {ProgramCommand::kToggleLinear,       "Smooth Pixels", &Application::ToggleLinear      },
+        {ProgramCommand::kNextScaler,         "Next Scaler",   &Application::NextScaler        },
+        {ProgramCommand::kToggleFullScreen,   "Full Screen",   &Application::ToggleFullScreen  },
+    };
+    static_assert(std::size(kCommands) == kProgramCommands);
+    return kCommands;
+}
+
+void Application::RunCommands(const PUMP_EVENTS& events) {
+    for (const ProgramCommand wanted : events.commands) {
+        for (const COMMAND& command : Commands()) {
+            if (command.action == wanted) {
+                (this->*command.handler)();
+            }
+        }
     }
-    lastMouse = mouse;
-    const bool show = now - cursorMoved < kCursorStays;
-    if (show != cursorShown) {
-        SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
-        cursorShown = show;
-    }
+}
+
+void Application::ToggleStatistics() {
+    GAME_VIEW view = View();
+    view.statistics = !view.statistics;
+    SetView(view);
+}
+
+void Application::ToggleCrop() {
+    GAME_VIEW view = View();
+    view.crop = !view.crop;
+    SetView(view);
+    PostNotice(view.crop ? "Visible window" : "Whole picture");
+}
+
+void Application::ToggleCeilingLight() {
+    ceilingLight = !ceilingLight;
+}
+
+void Application::ToggleLinear() {
+    GAME_VIEW view = View();
+    view.linear = !view.linear;
+    SetView(view);
+    PostNotice(view.linear ? "Smooth pixels" : "Sharp pixels");
+}
+
+void Application::NextScaler() {
+    static constexpr const char* kNames[] = {"No scaler", "Scaler: edges, 2x", "Scaler: edges, 4x",
+                                             "Scaler: soft, 4x"};
+    GAME_VIEW view = View();
+    view.scaler = static_cast<PictureScaler>((static_cast<uint32_t>(view.scaler) + 1) & 3);
+    SetView(view);
+    PostNotice(kNames[static_cast<size_t>(view.scaler)]);
+}
+
+void Application::ToggleFullScreen() {
+    window.ToggleFullScreen();
+    pacer.NoteNews();
 }
 
 // The mouse as a light gun: where it points in the visible window, in the picture's pixels, with its
 // left button as the trigger.
 void Application::AimPointer() const {
     uint64_t pointer = 0;
-    const auto found = pictures.find(InputActiveKey());
-    if (found != pictures.end() && Now() - cursorMoved < kPointerAims) {
-        pointer = PointInPicture(found->second.picture, view.crop, window.PixelWidth(),
-                                 window.PixelHeight(), pump.Mouse());
+    if (Now() - gameScreen->MouseMoved() < kPointerAims) {
+        pointer = PointInPicture(televisions.Picture(InputActiveKey()), View().crop,
+                                 window.PixelWidth(), window.PixelHeight(), pump.Mouse());
     }
     const bool trigger = pointer != 0 && (pump.Mouse().left || pump.Mouse().leftPressed);
     for (size_t player = 0; player < lightGuns.size(); ++player) {
@@ -356,62 +347,8 @@ void Application::AimPointer() const {
     }
 }
 
-// The session keeps its hands off the picture while the frame mutex is held.
-void Application::UploadPictures() {
-    std::vector<uint32_t> running;
-    EmuForEachSession([&](EMU_THREAD& session) {
-        EMU_HOST_DATA& data = *session.hostData;
-        running.push_back(session.key);
-        const std::scoped_lock hold(EmuFrameMutex());
-        const EMU_VIDEO_FRAME* const frame = HostTakeFrame(data);
-        if (frame == nullptr) {
-            return;
-        }
-        TELEVISION& television = pictures[session.key];
-        SESSION_PICTURE& picture = television.picture;
-        if (television.serial != session.serial) {
-            // Another game on the same television, perhaps of a machine with larger pictures.
-            EndSessionPicture(picture);
-            StartSessionPicture(picture, EmuPicturePixels(session));
-            television.serial = session.serial;
-        }
-        if (!UploadPicture(*frame, picture, view.scaler)) {
-            return;
-        }
-        if (session.key == InputActiveKey()) {
-            ++picturesShown;
-            frameShown = LoadLittleEndian<uint32_t>(frame->reserved);
-            news = true;
-            if (keepPicture) {
-                kept.frame = *frame;
-                kept.pixels.assign(frame->pixels,
-                                   frame->pixels + size_t{frame->width} * frame->height);
-                kept.frame.pixels = kept.pixels.data();
-            }
-        }
-    });
-    for (auto entry = pictures.begin(); entry != pictures.end();) {
-        if (std::find(running.begin(), running.end(), entry->first) != running.end()) {
-            ++entry;
-            continue;
-        }
-        EndSessionPicture(entry->second.picture);
-        entry = pictures.erase(entry);
-        news = true;
-    }
-}
-
-// A game that cannot go on is turned off, and the player is told why.
-void Application::EndDeadSessions() {
-    std::vector<uint32_t> dead;
-    EmuForEachSession([&](const EMU_THREAD& session) {
-        if (session.machine->ended) {
-            dead.push_back(session.key);
-        }
-    });
-    for (const uint32_t key : dead) {
-        PostReport(EmuLastError());
-        EmuStopSession(key);
+void Application::StopEndedGame() {
+    for (const uint32_t key : StopEndedSessions()) {
         playing = playing && key != kFrontTelevision;
         window.SetTitle(ProgramTitle());
     }
@@ -426,60 +363,8 @@ void Application::KeepBatteries() {
 }
 
 void Application::Draw() {
-    const uint32_t width = window.PixelWidth();
-    const uint32_t height = window.PixelHeight();
-    const auto found = pictures.find(InputActiveKey());
-    static const SESSION_PICTURE kNone{};
-    DrawFullScreen(found != pictures.end() ? found->second.picture : kNone,
-                   {view.crop, view.linear}, width, height);
-
-    const int scale = TextScale(height);
-    const auto place = [&](int at) { return at * static_cast<int>(height) / kVirtualHeight; };
-    if (view.statistics) {
-        text->Draw(frameRate, place(kStatusX), place(kStatusY), scale, kStatusColour);
-        text->Draw(statistics, place(kStatusX), place(kStatusY + kStatusStep), scale,
-                   kStatusColour);
-    }
-    int y = static_cast<int>(height) - place(kStatusY);
-    for (auto line = shownLines.rbegin(); line != shownLines.rend(); ++line) {
-        text->Draw(*line, place(kStatusX), y, scale, kNoticeColour);
-        y -= place(kStatusStep) + scale;
-    }
-}
-
-// What stands over the picture; a change of it is news.
-void Application::DrawTexts() {
-    std::vector<std::string> lines;
-    const size_t letters = LettersAcross(window.PixelWidth(), window.PixelHeight());
-    for (const std::string& line : ProgramNotices().Lines(Now())) {
-        for (size_t from = 0; from == 0 || from < line.size(); from += letters) {
-            lines.push_back(line.substr(from, letters));
-        }
-    }
-    news |= lines != shownLines;
-    shownLines = lines;
-    if (view.statistics) {
-        statistics = EmuFormatStats();
-    }
-}
-
-// The rate of the rounds, and whether a display that should give the beat does.
-void Application::CountRound() {
-    const int64_t now = Now();
-    ++roundsThisSecond;
-    if (now - rateStart >= kSecond) {
-        frameRate = std::to_string(roundsThisSecond) + " frames/s";
-        roundsThisSecond = 0;
-        rateStart = now;
-    }
-    hastyRounds = now - roundStart < kHastyRound ? hastyRounds + 1 : 0;
-    if (hastyRounds > kHastyRoundsToDistrust) {
-        followDisplay = false;
-    }
-}
-
-void Application::WaitForNews() {
-    SDL_Delay(window.IsVisible() ? kIdleMilliseconds : kHiddenMilliseconds);
+    gameScreen->Draw(Target());
+    overlay.Draw(Target());
 }
 
 bool Application::Play(const OPENED_GAME& opened, std::string& error) {
@@ -557,11 +442,8 @@ void Application::Release() {
     // The room's objects and the toolkit go here.
     StopSoundPump();
     CloseSoundDevice();
-    for (auto& [key, television] : pictures) {
-        EndSessionPicture(television.picture);
-    }
-    pictures.clear();
-    text.reset();
+    televisions.End();
+    overlay.End();
     window.Close();
     if (sdlStarted) {
         SDL_Quit();

@@ -33,27 +33,16 @@ uint32_t KeyCharacter(SDL_Keycode key) {
     return key > 0 && (key & SDLK_SCANCODE_MASK) == 0 ? static_cast<uint32_t>(key) : 0;
 }
 
-void Flip(bool& toggle) {
-    toggle = !toggle;
-}
-
 // A chord with alt, ctrl or the system key is the desktop's or a binding's, as Alt + F4 is.
 void HandleProgramKey(const SDL_Keysym& key, PUMP_EVENTS& events) {
-    if (key.scancode == SDL_SCANCODE_RETURN && (key.mod & KMOD_ALT) != 0) {
-        Flip(events.toggleFullScreen);
-        return;
-    }
-    if (InputWalkingRoom() || (key.mod & (KMOD_ALT | KMOD_CTRL | KMOD_GUI)) != 0) {
-        return;
-    }
-    switch (key.scancode) {
-    case SDL_SCANCODE_F2: Flip(events.toggleStatistics); break;
-    case SDL_SCANCODE_F3: Flip(events.toggleCrop); break;
-    case SDL_SCANCODE_F4: Flip(events.toggleLight); break;
-    case SDL_SCANCODE_F5: Flip(events.toggleLinear); break;
-    case SDL_SCANCODE_F6: ++events.scalerSteps; break;
-    case SDL_SCANCODE_F11: Flip(events.toggleFullScreen); break;
-    default: break;
+    const bool alt = (key.mod & KMOD_ALT) != 0;
+    const bool otherChord = (key.mod & (KMOD_CTRL | KMOD_GUI)) != 0;
+    for (const PROGRAM_KEY& row : ProgramKeys()) {
+        const bool chordFits = row.alt ? alt : !alt && !otherChord;
+        if (key.scancode == row.scancode && chordFits &&
+            (row.whileWalking || !InputWalkingRoom())) {
+            events.commands.push_back(row.command);
+        }
     }
 }
 

@@ -136,11 +136,11 @@ private:
                     Complain(options.inputFile + ": an action that no key is bound to");
                 }
             }
-            over = lastFrame != 0 && application.FrameShown() >= lastFrame;
+            over = lastFrame != 0 && application.Sets().FrameShown() >= lastFrame;
             // A machine that cannot go on was turned off. Who sits at a window may start another game;
             // a run of so many frames would wait for ever.
             ended = lastFrame != 0 && !over && !application.Playing();
-            if (!TakeScreenshots(application.FrameShown(), false)) {
+            if (!TakeScreenshots(application.Sets().FrameShown(), false)) {
                 return kExitFailed;
             }
         }
@@ -148,7 +148,7 @@ private:
             std::printf("%u frames | %s\n", Application::FramesPresented(),
                         EmuFormatStats().c_str());
         }
-        const bool taken = TakeScreenshots(application.FrameShown(), true);
+        const bool taken = TakeScreenshots(application.Sets().FrameShown(), true);
         // Also when the game ended, which is why a frame never came.
         const bool missing = ComplainOfMissing();
         return taken && !ended && !missing ? kExitDone : kExitFailed;

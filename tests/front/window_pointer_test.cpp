@@ -130,8 +130,9 @@ TEST_F(WindowPointer, ThePointerIsInPixelsOfTheVisibleWindowInEveryView) {
         for (const PictureScaler scaler : {PictureScaler::kNone, PictureScaler::kEdge2x,
                                            PictureScaler::kEdge4x, PictureScaler::kSoft4x}) {
             application.SetView({scaler, false, crop, false});
-            const uint64_t shown = application.PicturesShown();
-            ASSERT_TRUE(RunUntil(application, [&] { return application.PicturesShown() > shown; }));
+            const uint64_t shown = application.Sets().PicturesShown();
+            ASSERT_TRUE(
+                RunUntil(application, [&] { return application.Sets().PicturesShown() > shown; }));
             for (const PLACE& place : crop ? cropped : whole) {
                 // With the button held a slow computer doesn't take the mouse for forgotten.
                 PointAt(place.x, place.y, true);

@@ -53,7 +53,7 @@ protected:
     static void Start(Application& application) {
         std::string error;
         ASSERT_TRUE(application.Start(error)) << error;
-        application.KeepPicture(true);
+        application.Sets().KeepPicture(true);
     }
 
     static void PlayGame(Application& application, const std::string& game,
@@ -88,7 +88,7 @@ protected:
     }
 
     static uint32_t MiddleOf(const Application& application) {
-        const Application::KEPT_PICTURE& picture = application.Picture();
+        const Televisions::KEPT_PICTURE& picture = application.Sets().Kept();
         if (picture.pixels.empty()) {
             return 0;
         }

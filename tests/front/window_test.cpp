@@ -78,7 +78,7 @@ TEST_F(WindowTest, IsPlayedByKeysAndResumesWhereItWasLeft) {
     Application application;
     Start(application);
     PlayGame(application, LatchGame());
-    ASSERT_TRUE(RunUntil(application, [&] { return application.PicturesShown() > 0; }));
+    ASSERT_TRUE(RunUntil(application, [&] { return application.Sets().PicturesShown() > 0; }));
     EXPECT_EQ(MiddleOf(application), kBlue) << "no static, and the button's colour at once";
 }
 
@@ -114,7 +114,7 @@ TEST_F(WindowTest, SavesLoadsAndRewindsByHotkey) {
     ASSERT_TRUE(RunFrames(application, 5));
     press(L"Rewind", true); // Shift and Tab
     // The glyph stands in the middle of what is shown; a corner has the picture's colour.
-    EXPECT_TRUE(RunUntil(application, [&] { return application.Picture().pixels[0] == kRed; }));
+    EXPECT_TRUE(RunUntil(application, [&] { return application.Sets().Kept().pixels[0] == kRed; }));
     press(L"Rewind", false);
 }
 
@@ -125,8 +125,9 @@ TEST_F(WindowTest, AFileDroppedOnItIsPlayed) {
     ASSERT_TRUE(RunFrames(application, 20));
     folder.Write("broken.sms", "");
     Drop((folder.Path() / "broken.sms").string());
-    const uint64_t before = application.PicturesShown();
-    ASSERT_TRUE(RunUntil(application, [&] { return application.PicturesShown() > before + 5; }));
+    const uint64_t before = application.Sets().PicturesShown();
+    ASSERT_TRUE(
+        RunUntil(application, [&] { return application.Sets().PicturesShown() > before + 5; }));
     EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("broken.sms")));
     EXPECT_NE(MiddleOf(application), kRed) << "the game goes on";
 

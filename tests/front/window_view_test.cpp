@@ -84,7 +84,7 @@ struct ENLARGED {
     }
 };
 
-ENLARGED Enlarge(const Application::KEPT_PICTURE& picture, PictureScaler scaler) {
+ENLARGED Enlarge(const Televisions::KEPT_PICTURE& picture, PictureScaler scaler) {
     const uint32_t factor = ScalerFactor(scaler);
     ENLARGED out;
     out.width = static_cast<int>(picture.frame.width * factor);
@@ -130,12 +130,12 @@ uint32_t Bilinear(const ENLARGED& picture, double u, double v) {
 }
 
 // Counts the pixels of the window that are not what it should show.
-void CompareWindow(Application& application, const Application::VIEW& view) {
+void CompareWindow(Application& application, const GAME_VIEW& view) {
     const std::vector<uint32_t> window = application.ReadWindow();
     const auto width = static_cast<int>(application.MainWindow().PixelWidth());
     const auto height = static_cast<int>(application.MainWindow().PixelHeight());
     ASSERT_EQ(window.size(), static_cast<size_t>(width) * static_cast<size_t>(height));
-    const Application::KEPT_PICTURE& picture = application.Picture();
+    const Televisions::KEPT_PICTURE& picture = application.Sets().Kept();
     const ENLARGED source = Enlarge(picture, view.scaler);
     const EXPECTED_VIEW expected =
         ExpectedView(picture.frame, view.crop, ScalerFactor(view.scaler), width, height);
@@ -181,11 +181,11 @@ void CompareAllViews(Application& application) {
             for (const bool crop : {false, true}) {
                 SCOPED_TRACE(std::to_string(static_cast<int>(scaler)) +
                              (linear ? " linear" : " nearest") + (crop ? " cropped" : " whole"));
-                const Application::VIEW view{scaler, linear, crop, false};
+                const GAME_VIEW view{scaler, linear, crop, false};
                 application.SetView(view);
                 // The next picture comes through this scaler.
-                const uint64_t shown = application.PicturesShown();
-                while (application.PicturesShown() == shown) {
+                const uint64_t shown = application.Sets().PicturesShown();
+                while (application.Sets().PicturesShown() == shown) {
                     ASSERT_TRUE(application.Round());
                 }
                 CompareWindow(application, view);
@@ -219,15 +219,15 @@ TEST_F(WindowTest, ShowsAPictureThatWasTurned) {
     Start(application);
     PlayGame(application, "demo:arcade-skywren");
     ASSERT_TRUE(RunFrames(application, 100));
-    const EMU_VIDEO_FRAME upright = application.Picture().frame;
+    const EMU_VIDEO_FRAME upright = application.Sets().Kept().frame;
     OPENED_GAME opened;
     ASSERT_TRUE(OpenDemo("arcade-skywren", opened));
     opened.game = OnDialBoard("arcade-skywren");
     std::string error;
     ASSERT_TRUE(application.Play(opened, error)) << error;
     ASSERT_TRUE(RunFrames(application, 100));
-    EXPECT_EQ(application.Picture().frame.width, upright.height);
-    EXPECT_EQ(application.Picture().frame.height, upright.width);
+    EXPECT_EQ(application.Sets().Kept().frame.width, upright.height);
+    EXPECT_EQ(application.Sets().Kept().frame.height, upright.width);
     CompareAllViews(application);
 }
 
@@ -364,9 +364,9 @@ TEST_F(WindowTest, FullScreenAndBack) {
             ASSERT_TRUE(application.Round());
             EXPECT_EQ(IsFullScreen(), full);
             Key(modifier == KMOD_NONE ? SDL_SCANCODE_F11 : SDL_SCANCODE_RETURN, false, modifier);
-            const uint64_t shown = application.PicturesShown();
-            ASSERT_TRUE(
-                RunUntil(application, [&] { return application.PicturesShown() > shown + 2; }));
+            const uint64_t shown = application.Sets().PicturesShown();
+            ASSERT_TRUE(RunUntil(application,
+                                 [&] { return application.Sets().PicturesShown() > shown + 2; }));
             EXPECT_EQ(MiddleOf(application), kRed) << "the game goes on";
             EXPECT_EQ(IsFullScreen(), full) << "a key that is let go changes nothing";
         }

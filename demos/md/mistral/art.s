@@ -1,6 +1,9 @@
 | The pictures: planes A and B as cells and maps, then the drawings of the sprites. A drawing is its columns and
 | rows in cells, two words, then its rows of pixels, four bits each.
 
+    .include "common/md.inc"
+    .include "mistral/mistral.inc"
+
     .section .rodata
     .global skyTiles, skyTilesEnd, skyMap
     .global seaTiles, seaTilesEnd, seaMap
@@ -28,3 +31,10 @@ artFigures:
     .include "figures.inc"
 artLights:
     .include "light.inc"
+artEnd:
+
+| In video RAM all cells lie below the window's map.
+.equ kDrawings, kShade+1
+.if kSpriteTile + (artEnd-artPlanes-kDrawings*4)/32 > kWindowMap/32
+    .error "the pictures of Mistral have more cells than there is video RAM"
+.endif

@@ -164,7 +164,7 @@ bool Application::Start(std::string& error) {
     for (const std::string& word : words) {
         PostReport(word);
     }
-    StartSound();
+    sound.Start(Now());
     EmuSetHost(kCallbacks);
     InputSetActiveKey(kFrontTelevision);
     InputSetWalkingRoom(false);
@@ -200,40 +200,6 @@ bool Application::StartSdl(std::string& error) {
     return true;
 }
 
-void Application::StartSound() {
-    // Held until the end, so that outputs which come and go are told of while none is open.
-    SDL_InitSubSystem(SDL_INIT_AUDIO);
-    std::string error;
-    if (!OpenSoundDevice(error)) {
-        PostReport(error + "; playing without sound");
-        return;
-    }
-    SoundSetVolume(Settings().GetFloat(L"audio_volume"));
-    StartSoundPump();
-}
-
-// An output that goes takes its sound along; the next one that comes takes over.
-void Application::WatchSound(const PUMP_EVENTS& events) {
-    if (events.outputRemoved && SoundDeviceNumber() != 0 &&
-        events.outputNumber == SoundDeviceNumber()) {
-        StopSoundPump();
-        SoundDeviceLost();
-        PostReport("the sound device is gone; playing on without sound");
-    }
-    soundWanted |= events.outputAdded || events.outputRemoved;
-    if (soundWanted && SoundDeviceNumber() == 0 && Now() - soundTried > kSecond) {
-        soundWanted = false;
-        soundTried = Now();
-        std::string error;
-        ReleaseThisThread(processor); // which the new threads would inherit
-        if (OpenSoundDevice(error)) {
-            StartSoundPump();
-            PostNotice("Sound is back");
-        }
-        processor = BindProcessor(0);
-    }
-}
-
 bool Application::Round() {
     // The 3D room is rendered here, and the camera kept for the pump.
     window.TellSize(pump);
@@ -241,7 +207,7 @@ bool Application::Round() {
     if (events.quit) {
         return false;
     }
-    WatchSound(events);
+    sound.Watch(events, Now());
     RunCommands(events);
     for (const std::string& path : events.dropped) {
         PlayFile(path);
@@ -432,16 +398,15 @@ void Application::Stop() {
     Settings().SetBool(L"app_720runonce", true);
     std::string error;
     if (!SaveSettingsFile(Settings(), error)) {
-        Complain(error);
+        PostReport(error);
     }
 }
 
 // Gives back whatever has been opened, in the order of the stop.
 void Application::Release() {
+    sound.Stop(); // its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
     // The room's objects and the toolkit go here.
-    StopSoundPump();
-    CloseSoundDevice();
     televisions.End();
     overlay.End();
     window.Close();

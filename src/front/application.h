@@ -15,6 +15,7 @@
 #include "front/game_screen.h"
 #include "front/joysticks.h"
 #include "front/program_commands.h"
+#include "front/sound_output.h"
 #include "front/status_overlay.h"
 #include "front/televisions.h"
 #include "front/window.h"
@@ -83,8 +84,6 @@ private:
 
     void Release();
     [[nodiscard]] bool StartSdl(std::string& error);
-    void StartSound();
-    void WatchSound(const PUMP_EVENTS& events);
     void RunCommands(const PUMP_EVENTS& events);
     void StopEndedGame();
     void KeepBatteries();
@@ -101,6 +100,7 @@ private:
 
     Window window;
     Joysticks joysticks;
+    SoundOutput sound;
     EventPump pump{joysticks};
     Televisions televisions;
     std::unique_ptr<GameScreen> gameScreen = std::make_unique<GameScreen>(televisions);
@@ -111,8 +111,6 @@ private:
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;
-    bool soundWanted = false;  // an output has come or gone while none is open
-    int64_t soundTried = 0;    // microseconds, of the last attempt
     int64_t batteriesKept = 0; // microseconds, of the last look at them
     int processor = -1;        // the main thread's binding
     bool ceilingLight = true;  // of the room

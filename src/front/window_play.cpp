@@ -7,9 +7,11 @@
 #include "front/key_injector.h"
 #include "front/latency_probe.h"
 #include "front/media_files.h"
+#include "front/notices.h"
 #include "front/play.h"
 #include "front/run_settings.h"
 #include "front/screenshots.h"
+#include "front/unread_notices.h"
 #include "host/battery_file.h"
 #include "host/session.h"
 
@@ -87,13 +89,21 @@ public:
         if (!options.latencyAction.empty()) {
             LeaveSavesAlone();
         }
-        if (!StartSomewhere(error) || !application.Play(opened, error)) {
+        if (!StartSomewhere(error)) {
             Complain(error);
             return kExitFailed;
         }
-        const int code =
-            options.latencyAction.empty() ? PlayOn() : MeasureLatency(application, latencyAction);
+        TellUnreadNotices();
+        int code = kExitFailed;
+        if (!application.Play(opened, error)) {
+            PostReport(error);
+        } else if (!options.latencyAction.empty()) {
+            code = MeasureLatency(application, latencyAction);
+        } else {
+            code = PlayOn();
+        }
         application.Stop();
+        KeepUnreadNotices();
         return code;
     }
 

@@ -50,16 +50,16 @@ protected:
     }
 
     // A picture is shown, and the machine's own, not static.
-    static bool PlayUntilShown(Application& application) {
+    static testing::AssertionResult PlayUntilShown(Application& application) {
         return RunUntil(application, [&] {
             return MiddleOf(application) == kPlainColour && gPlainInput.frames > 0;
         });
     }
 
     // Lets the machine see what was done. The frame that is under way may have begun before it.
-    static bool LetItSee(Application& application) {
+    static testing::AssertionResult LetItSee(Application& application) {
         if (!application.Round()) {
-            return false;
+            return testing::AssertionFailure() << "the program ended";
         }
         const uint32_t before = gPlainInput.frames;
         return RunUntil(application, [&] { return gPlainInput.frames >= before + 2; });
@@ -75,8 +75,8 @@ protected:
 
 TEST_F(WindowTest, TheMouseOverThePictureIsALightGun) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame(), {"port1=phaser"});
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=phaser"}));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     SDL_Event move{};
     move.type = SDL_MOUSEMOTION;
@@ -91,6 +91,19 @@ TEST_F(WindowTest, TheMouseOverThePictureIsALightGun) {
     press.button.y = 240;
     SDL_PushEvent(&press);
     EXPECT_TRUE(RunUntilColour(application, kBlue)) << "the trigger is button 1";
+}
+
+TEST_F(WindowTest, AClickWithinOneRoundPullsTheTrigger) {
+    Application application;
+    Start(application);
+    PlayGame(application, LatchGame(), {"port1=phaser"});
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    for (int click = 0; click < 3 && MiddleOf(application) == kRed; ++click) {
+        PointAt(320, 240, true);
+        PointAt(320, 240, false);
+        ASSERT_TRUE(RunFrames(application, 6));
+    }
+    EXPECT_EQ(MiddleOf(application), kBlue);
 }
 
 TEST_F(WindowPointer, ThePointerIsInPixelsOfTheVisibleWindowInEveryView) {
@@ -123,8 +136,8 @@ TEST_F(WindowPointer, ThePointerIsInPixelsOfTheVisibleWindowInEveryView) {
         {560, 240, kNowhere  },
     };
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame(), {"port1=phaser"});
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=phaser"}));
     ASSERT_TRUE(PlayUntilShown(application));
     for (const bool crop : {true, false}) {
         for (const PictureScaler scaler : {PictureScaler::kNone, PictureScaler::kEdge2x,
@@ -148,8 +161,8 @@ TEST_F(WindowPointer, ThePointerIsInPixelsOfTheVisibleWindowInEveryView) {
 
 TEST_F(WindowPointer, EachPortWithAGunHasThePointer) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame(), {"port1=joypad", "port2=phaser"});
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=joypad", "port2=phaser"}));
     ASSERT_TRUE(PlayUntilShown(application));
     PointAt(320, 240, true);
     ASSERT_TRUE(LetItSee(application));
@@ -160,8 +173,8 @@ TEST_F(WindowPointer, EachPortWithAGunHasThePointer) {
 
 TEST_F(WindowPointer, BesideThePictureFiresNothing) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame(), {"port1=phaser"});
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=phaser"}));
     ASSERT_TRUE(PlayUntilShown(application));
     PointAt(320, 79, true); // the black above it
     ASSERT_TRUE(LetItSee(application));

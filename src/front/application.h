@@ -14,13 +14,13 @@
 #include "front/frame_pacer.h"
 #include "front/game_screen.h"
 #include "front/joysticks.h"
+#include "front/light_gun.h"
 #include "front/program_commands.h"
 #include "front/sound_output.h"
 #include "front/status_overlay.h"
 #include "front/televisions.h"
 #include "front/window.h"
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -87,7 +87,6 @@ private:
     void RunCommands(const PUMP_EVENTS& events);
     void StopEndedGame();
     void KeepBatteries();
-    void AimPointer() const;
     void Draw();
     [[nodiscard]] DRAW_TARGET Target() const;
 
@@ -106,7 +105,7 @@ private:
     std::unique_ptr<GameScreen> gameScreen = std::make_unique<GameScreen>(televisions);
     StatusOverlay overlay;
     FramePacer pacer;
-    std::array<bool, 2> lightGuns{}; // a player's port has one
+    LightGun lightGun;
     std::string title;
     bool started = false;
     bool playing = false;

@@ -141,7 +141,7 @@ void RegisterDefaultSettings(SettingsStore& store);
 
 // Reads and writes `.\config.xml`. What can't be read leaves the defaults; `error` then says what is
 // wrong with the file, also when part of it was read and the result is true. It stays empty for a
-// missing file. Before the first save over a file that gave no settings at all, that file is copied to
+// missing file. Before the first save over a file that was not read to its end, that file is copied to
 // `config.xml.damaged`, or the next free name of that kind, beside it.
 bool LoadSettingsFile(SettingsStore& store, std::string& error);
 [[nodiscard]] bool SaveSettingsFile(const SettingsStore& store, std::string& error);

@@ -41,6 +41,22 @@ inline std::vector<uint8_t> LatchingRom() {
     return program.Image();
 }
 
+// Moves the mouse to a place in the window, then holds its left button there or lets go of it.
+inline void PointAt(int32_t x, int32_t y, bool down) {
+    SDL_Event move{};
+    move.type = SDL_MOUSEMOTION;
+    move.motion.x = x;
+    move.motion.y = y;
+    SDL_PushEvent(&move);
+    SDL_Event button{};
+    button.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
+    button.button.button = SDL_BUTTON_LEFT;
+    button.button.state = down ? SDL_PRESSED : SDL_RELEASED;
+    button.button.x = x;
+    button.button.y = y;
+    SDL_PushEvent(&button);
+}
+
 class WindowTest : public testing::Test {
 protected:
     void SetUp() override {

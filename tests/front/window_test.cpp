@@ -91,8 +91,8 @@ TEST_F(WindowTest, IsPlayedByKeysAndResumesWhereItWasLeft) {
 // looking for longer than a tap lives, so a few are made.
 TEST_F(WindowTest, ATapWithinOneRoundPressesTheButton) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     for (int tap = 0; tap < 3 && MiddleOf(application) == kRed; ++tap) {
         ASSERT_TRUE(InjectAction(ActionIndex(L"SMS P1 BUTTON1"), true));
@@ -185,7 +185,7 @@ TEST_F(WindowTest, FindsASoundDriverThatWasMissingAtTheStart) {
     SDL_setenv("SDL_AUDIODRIVER", "nonesuch", 1);
     {
         Application application;
-        Start(application);
+        ASSERT_NO_FATAL_FAILURE(Start(application));
         EXPECT_EQ(SoundDeviceNumber(), 0u);
         SDL_setenv("SDL_AUDIODRIVER", driver.c_str(), 1); // time stands still, so nobody looks
         clock += 2'000'000;

@@ -143,7 +143,7 @@ bool Complain(std::string& reason, const char* what) {
     return false;
 }
 
-enum class FileState { kMissing, kSettings, kDamaged };
+enum class FileState { kMissing, kSettings, kPartlySettings, kDamaged };
 
 // Looks at the file as it stands on the disk. `error` names what keeps it from being settings.
 FileState ReadSettingsFile(const fs::path& path, std::vector<uint8_t>& bytes, std::string& error) {
@@ -168,6 +168,7 @@ FileState ReadSettingsFile(const fs::path& path, std::vector<uint8_t>& bytes, st
     }
     if (!reason.empty()) {
         error = path.string() + ": is read only in part: " + reason;
+        return FileState::kPartlySettings;
     }
     return FileState::kSettings;
 }
@@ -290,7 +291,8 @@ std::vector<uint8_t> SettingsStore::Save() const {
 bool LoadSettingsFile(SettingsStore& store, std::string& error) {
     error.clear();
     std::vector<uint8_t> bytes;
-    return ReadSettingsFile(ResolvePath(kSettingsFile), bytes, error) == FileState::kSettings &&
+    const FileState state = ReadSettingsFile(ResolvePath(kSettingsFile), bytes, error);
+    return (state == FileState::kSettings || state == FileState::kPartlySettings) &&
            store.Load(bytes.data(), bytes.size());
 }
 
@@ -332,7 +334,10 @@ bool KeepDamaged(const fs::path& path, std::string& error) {
 bool SaveSettingsFile(const SettingsStore& store, std::string& error) {
     const fs::path path = ResolvePath(kSettingsFile);
     std::vector<uint8_t> bytes;
-    if (ReadSettingsFile(path, bytes, error) == FileState::kDamaged && !KeepDamaged(path, error)) {
+    const FileState state = ReadSettingsFile(path, bytes, error);
+    // What could not be read is not in the store, and would be gone.
+    const bool losesSomething = state == FileState::kDamaged || state == FileState::kPartlySettings;
+    if (losesSomething && !KeepDamaged(path, error)) {
         return false;
     }
     error.clear();

@@ -7,6 +7,7 @@ find_package(CLI11 REQUIRED)
 find_package(PNG REQUIRED)
 find_package(OpenGL REQUIRED)
 pkg_check_modules(TINYXML REQUIRED IMPORTED_TARGET tinyxml)
+# For tests and benchmarks alone, as a second opinion on the resampler.
 pkg_check_modules(SAMPLERATE REQUIRED IMPORTED_TARGET samplerate)
 pkg_check_modules(OPENAL REQUIRED IMPORTED_TARGET openal)
 pkg_check_modules(SDL2 REQUIRED IMPORTED_TARGET sdl2)

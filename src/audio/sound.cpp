@@ -119,16 +119,20 @@ void CommitListener() {
     }
 }
 
+// Opening can take seconds, and sessions hand in their sound under the mutex meanwhile.
 template <typename Open>
 bool OpenDevice(const Open& open) {
-    const std::lock_guard guard(EmuSoundMutex());
-    if (Sound().device) {
-        return true;
+    {
+        const std::lock_guard guard(EmuSoundMutex());
+        if (Sound().device) {
+            return true;
+        }
     }
     auto device = std::make_unique<SoundDevice>();
     if (!open(*device)) {
         return false;
     }
+    const std::lock_guard guard(EmuSoundMutex());
     SoundSetVolume(Settings().GetFloat(L"audio_volume"));
     Sound().device = std::move(device);
     RestartChannels(*Sound().device);
@@ -173,16 +177,19 @@ void RenderSound(int16_t* out, uint32_t frames) {
     }
 }
 
+// The rings leave the device under the mutex; the closing itself, which waits for the output, does not
+// hold up the sessions.
 void CloseSoundDevice() {
+    std::unique_ptr<SoundDevice> device;
     const std::lock_guard guard(EmuSoundMutex());
-    Sound().device.reset();
+    device = std::move(Sound().device);
     for (const OPEN_CHANNEL& open : Sound().channels) {
         Silence(open);
+        if (device) {
+            device->Detach(open.channel->mono);
+            device->Detach(open.channel->stereo);
+        }
     }
-}
-
-void SoundDeviceLost() {
-    CloseSoundDevice();
 }
 
 uint32_t SoundDeviceNumber() {

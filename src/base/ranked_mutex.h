@@ -1,8 +1,8 @@
 // Mutexes that know their place in the order of locks.
 //
 // A thread may take a mutex only if its rank is above that of every one it holds; a recursive mutex
-// may be taken again by its owner. Builds with OMBRELUNE_CHECK_LOCK_RANKS (debug and sanitizers) end
-// the program with a message when the order is broken; other builds compile to the bare mutex.
+// may be taken again by its owner. Builds with OMBRELUNE_CHECK_LOCK_RANKS (all presets but release)
+// end the program with a message when the order is broken; other builds compile to the bare mutex.
 #pragma once
 
 #include <mutex>

@@ -1,74 +1,55 @@
 #include "formats/packing.h"
 
-#include <LzmaDec.h>
-#include <LzmaEnc.h>
+#include <lzma.h>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 
 constexpr uint64_t kLargestRatio = 8192;
+constexpr uint32_t kPropertyBases[] = {9, 5}; // byte 0 is (pb * 5 + lp) * 9 + lc
+constexpr uint32_t kMostLcAndLp = 4;          // what the decoder takes, and more than we write
 
-static_assert(kLzmaPropertyBytes == LZMA_PROPS_SIZE);
-
-void* Allocate(void* /*unused*/, size_t size) {
-    return std::malloc(size);
-}
-
-void Free(void* /*unused*/, void* address) {
-    std::free(address);
-}
-
-CLzmaEncProps PackingSettings() {
-    CLzmaEncProps settings;
-    LzmaEncProps_Init(&settings);
-    settings.level = 2;
-    settings.dictSize = 1u << 22;
+// What the file format's packer is asked for, spelled out: the presets of versions differ.
+lzma_options_lzma PackingSettings(uint64_t imageSize) {
+    lzma_options_lzma settings{};
+    settings.dict_size = uint32_t{1} << 22;
     settings.lc = 3;
     settings.lp = 0;
     settings.pb = 2;
-    settings.fb = 32;
-    settings.numThreads = 1;
+    settings.mode = LZMA_MODE_FAST;
+    settings.nice_len = 32;
+    settings.mf = LZMA_MF_HC4;
+    settings.depth = 16;
+    settings.ext_flags = 0; // no end marker: the container knows the size
+    settings.ext_size_low = static_cast<uint32_t>(imageSize);
+    settings.ext_size_high = static_cast<uint32_t>(imageSize >> 32);
     return settings;
 }
 
-// The SDK's stream decoder with its probabilities. The image itself is its dictionary, so that the
-// dictionary size that a stream states allocates nothing.
-class CDecoder {
-public:
-    explicit CDecoder(std::span<const uint8_t> properties) {
-        LzmaDec_Construct(&state);
-        ready =
-            LzmaDec_AllocateProbs(&state, properties.data(),
-                                  static_cast<unsigned>(properties.size()), &allocator) == SZ_OK;
+void PutProperties(const lzma_options_lzma& settings, uint8_t* bytes) {
+    bytes[0] = static_cast<uint8_t>(
+        (settings.pb * kPropertyBases[1] + settings.lp) * kPropertyBases[0] + settings.lc);
+    for (int i = 0; i < 4; ++i) {
+        bytes[i + 1] = static_cast<uint8_t>(settings.dict_size >> (8 * i));
     }
-    ~CDecoder() { LzmaDec_FreeProbs(&state, &allocator); }
-    CDecoder(const CDecoder&) = delete;
-    CDecoder& operator=(const CDecoder&) = delete;
+}
 
-    [[nodiscard]] bool Decode(std::span<const uint8_t> stream, std::span<uint8_t> image) {
-        if (!ready) {
-            return false;
-        }
-        if (image.empty()) {
-            return true;
-        }
-        LzmaDec_Init(&state);
-        state.dic = image.data();
-        state.dicBufSize = image.size();
-        SizeT taken = stream.size();
-        ELzmaStatus status = LZMA_STATUS_NOT_SPECIFIED;
-        const SRes result = LzmaDec_DecodeToDic(&state, image.size(), stream.data(), &taken,
-                                                LZMA_FINISH_ANY, &status);
-        return result == SZ_OK && state.dicPos == image.size();
+// False for properties that no stream can have. The stated dictionary is cut to the image: nothing
+// can lie farther back than the image is long, and a stream must not say how much memory is used.
+bool TakeProperties(const uint8_t* bytes, size_t imageSize, lzma_options_lzma& settings) {
+    settings = {};
+    const uint32_t packed = bytes[0];
+    settings.lc = packed % kPropertyBases[0];
+    settings.lp = packed / kPropertyBases[0] % kPropertyBases[1];
+    settings.pb = packed / kPropertyBases[0] / kPropertyBases[1];
+    for (int i = 0; i < 4; ++i) {
+        settings.dict_size |= uint32_t{bytes[i + 1]} << (8 * i);
     }
-
-private:
-    ISzAlloc allocator{Allocate, Free};
-    CLzmaDec state{};
-    bool ready = false;
-};
+    const auto most = static_cast<uint32_t>(std::min<uint64_t>(imageSize, kImageLimit));
+    settings.dict_size = std::max<uint32_t>(std::min(settings.dict_size, most), LZMA_DICT_SIZE_MIN);
+    return settings.pb <= LZMA_PB_MAX && settings.lc + settings.lp <= kMostLcAndLp;
+}
 
 } // namespace
 
@@ -80,23 +61,24 @@ std::vector<uint8_t> PackImage(std::span<const uint8_t> image) {
     if (image.size() > kImageLimit) {
         return {};
     }
-    const CLzmaEncProps settings = PackingSettings();
-    ISzAlloc allocator{Allocate, Free};
-    // Data without any pattern grows by one or two per cent, and a tiny image by the coder's flush. A
-    // buffer as large as the image would cut such a stream short; its capacity changes nothing else.
+    lzma_options_lzma settings = PackingSettings(image.size());
+    const lzma_filter filters[] = {
+        {LZMA_FILTER_LZMA1EXT, &settings},
+        {LZMA_VLI_UNKNOWN,     nullptr  }
+    };
+    // Data without any pattern grows by one or two per cent, and a tiny image by the coder's flush.
     size_t capacity = image.size() + image.size() / 32 + 1024;
     while (capacity <= 4 * kImageLimit) {
         std::vector<uint8_t> packed(kLzmaPropertyBytes + capacity);
-        SizeT streamSize = capacity;
-        SizeT propertySize = kLzmaPropertyBytes;
-        const SRes result =
-            LzmaEncode(packed.data() + kLzmaPropertyBytes, &streamSize, image.data(), image.size(),
-                       &settings, packed.data(), &propertySize, 0, nullptr, &allocator, &allocator);
-        if (result == SZ_OK) {
-            packed.resize(kLzmaPropertyBytes + streamSize);
+        size_t end = kLzmaPropertyBytes;
+        const lzma_ret result = lzma_raw_buffer_encode(filters, nullptr, image.data(), image.size(),
+                                                       packed.data(), &end, packed.size());
+        if (result == LZMA_OK) {
+            PutProperties(settings, packed.data());
+            packed.resize(end);
             return packed;
         }
-        if (result != SZ_ERROR_OUTPUT_EOF) {
+        if (result != LZMA_BUF_ERROR) {
             return {};
         }
         capacity *= 2;
@@ -104,11 +86,34 @@ std::vector<uint8_t> PackImage(std::span<const uint8_t> image) {
     return {};
 }
 
+// As a stream of unknown size, which is done when the image is full: streams with an end marker and
+// without one are the same to it.
 bool UnpackImage(std::span<const uint8_t> packed, std::span<uint8_t> image) {
     std::fill(image.begin(), image.end(), uint8_t{0});
-    if (packed.size() < kLzmaPropertyBytes) {
+    lzma_options_lzma settings{};
+    if (packed.size() < kLzmaPropertyBytes ||
+        !TakeProperties(packed.data(), image.size(), settings)) {
         return false;
     }
-    return CDecoder(packed.first(kLzmaPropertyBytes))
-        .Decode(packed.subspan(kLzmaPropertyBytes), image);
+    if (image.empty()) {
+        return true;
+    }
+    const lzma_filter filters[] = {
+        {LZMA_FILTER_LZMA1, &settings},
+        {LZMA_VLI_UNKNOWN,  nullptr  }
+    };
+    lzma_stream stream = LZMA_STREAM_INIT;
+    if (lzma_raw_decoder(&stream, filters) != LZMA_OK) {
+        return false;
+    }
+    stream.next_in = packed.data() + kLzmaPropertyBytes;
+    stream.avail_in = packed.size() - kLzmaPropertyBytes;
+    stream.next_out = image.data();
+    stream.avail_out = image.size();
+    lzma_ret result = LZMA_OK;
+    while (result == LZMA_OK && stream.avail_out != 0) {
+        result = lzma_code(&stream, LZMA_RUN);
+    }
+    lzma_end(&stream);
+    return stream.avail_out == 0;
 }

@@ -1,5 +1,5 @@
-// Image data packed with the LZMA SDK: five property bytes, then a raw stream with no length and no
-// need for an end marker.
+// Image data packed with LZMA: five property bytes, then a raw stream without a length. An end marker
+// is not written and not needed.
 //
 // Any thread may call; each call allocates what it needs and frees it.
 #pragma once
@@ -21,10 +21,12 @@ inline constexpr uint64_t kImageLimit = uint64_t{1} << 28;
 // bits, and a packed byte holds at most 7,090 unpacked ones; 8,192 stand for that.
 [[nodiscard]] uint64_t LargestUnpackedSize(uint64_t packedSize);
 
-// Level 2, 4 MiB dictionary, lc 3, lp 0, pb 2, fb 32, one thread. Every image up to kImageLimit can be
+// 4 MiB dictionary, lc 3, lp 0, pb 2, matches of 32 bytes are good enough, the fast encoder with hash
+// chains of 4 bytes: the settings that the LZMA SDK calls level 2, and the same bytes. Every image up to kImageLimit can be
 // packed, also one that grows by it; empty for a larger one and when memory runs out.
 [[nodiscard]] std::vector<uint8_t> PackImage(std::span<const uint8_t> image);
 
-// Unpacks exactly `image.size()` bytes. False when the properties are none, the stream is damaged or
-// it ends early; what came out until then stands in `image`, the rest is zero.
+// Unpacks exactly `image.size()` bytes. False when the properties are invalid, the stream is damaged or
+// it ends early; `image` then holds what came out before that, and zeros after it. Of the properties,
+// lc and lp may be 4 together at the most.
 bool UnpackImage(std::span<const uint8_t> packed, std::span<uint8_t> image);

@@ -11,18 +11,19 @@
 #pragma once
 
 #include "front/event_pump.h"
+#include "front/frame_pacer.h"
+#include "front/game_screen.h"
 #include "front/joysticks.h"
+#include "front/light_gun.h"
+#include "front/program_commands.h"
+#include "front/sound_output.h"
+#include "front/status_overlay.h"
+#include "front/televisions.h"
 #include "front/window.h"
 
-#include "display/full_screen.h"
-#include "display/overlay_text.h"
-#include "display/picture_scaler.h"
-#include "display/session_picture.h"
-
-#include <array>
 #include <cstdint>
-#include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -62,86 +63,54 @@ public:
 
     // Picture frames of machines presented so far, television static left out.
     [[nodiscard]] static uint32_t FramesPresented();
-    // The number of the frame that the window shows; 0 for static.
-    [[nodiscard]] uint32_t FrameShown() const { return frameShown; }
-
-    // Number of the upload that the window shows; 0 before the first picture.
-    [[nodiscard]] uint64_t PicturesShown() const { return picturesShown; }
+    [[nodiscard]] const Televisions& Sets() const { return televisions; }
+    [[nodiscard]] Televisions& Sets() { return televisions; }
 
     // The window as composed by the last round, 0xFFRRGGBB, top row first.
     [[nodiscard]] std::vector<uint32_t> ReadWindow();
     [[nodiscard]] const Window& MainWindow() const { return window; }
 
-    // The picture that the window shows, before scaling. Empty unless kept.
-    struct KEPT_PICTURE {
-        EMU_VIDEO_FRAME frame{};
-        std::vector<uint32_t> pixels;
-    };
-    void KeepPicture(bool keep) { keepPicture = keep; }
-    [[nodiscard]] const KEPT_PICTURE& Picture() const { return kept; }
-
     // How the picture is shown; keys change it as well.
-    struct VIEW {
-        PictureScaler scaler = PictureScaler::kNone;
-        bool linear = false;
-        bool crop = true; // the visible window of the picture, or the whole
-        bool statistics = false;
-    };
-    void SetView(const VIEW& wanted);
-    [[nodiscard]] const VIEW& View() const { return view; }
+    void SetView(const GAME_VIEW& wanted) { gameScreen->SetView(wanted); }
+    [[nodiscard]] const GAME_VIEW& View() const { return gameScreen->View(); }
 
 private:
-    struct TELEVISION {
-        SESSION_PICTURE picture;
-        uint32_t serial = 0; // of the session that it shows
+    struct COMMAND {
+        ProgramCommand action;
+        const char* name;
+        void (Application::*handler)();
     };
+    [[nodiscard]] static std::span<const COMMAND> Commands();
 
     void Release();
     [[nodiscard]] bool StartSdl(std::string& error);
-    void StartSound();
-    void WatchSound(const PUMP_EVENTS& events);
-    void Apply(const PUMP_EVENTS& events);
-    void UploadPictures();
-    void EndDeadSessions();
+    void RunCommands(const PUMP_EVENTS& events);
+    void StopEndedGame();
     void KeepBatteries();
-    void AimPointer() const;
-    void HideIdleCursor();
     void Draw();
-    void DrawTexts();
-    void CountRound();
-    void WaitForNews();
+    [[nodiscard]] DRAW_TARGET Target() const;
+
+    void ToggleStatistics();
+    void ToggleCrop();
+    void ToggleCeilingLight();
+    void ToggleLinear();
+    void NextScaler();
+    void ToggleFullScreen();
 
     Window window;
     Joysticks joysticks;
+    SoundOutput sound;
     EventPump pump{joysticks};
-    std::unique_ptr<OverlayText> text;       // ends before the context does
-    std::map<uint32_t, TELEVISION> pictures; // by session key
-    std::array<bool, 2> lightGuns{};         // a player's port has one
-    VIEW view;
-    KEPT_PICTURE kept;
-    std::string statistics; // of the active session
-    std::string frameRate;
+    Televisions televisions;
+    std::unique_ptr<GameScreen> gameScreen = std::make_unique<GameScreen>(televisions);
+    StatusOverlay overlay;
+    FramePacer pacer;
+    LightGun lightGun;
     std::string title;
-    std::vector<std::string> shownLines;
-    uint64_t picturesShown = 0;
-    int64_t roundStart = 0;  // microseconds
-    int64_t rateStart = 0;   // microseconds, of the second being counted
-    int64_t cursorMoved = 0; // microseconds
-    uint32_t roundsThisSecond = 0;
-    uint32_t hastyRounds = 0; // in a row, too short for a display that gives the beat
-    float frameTimeSeconds = 0.0f;
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;
-    bool soundWanted = false;  // an output has come or gone while none is open
-    int64_t soundTried = 0;    // microseconds, of the last attempt
     int64_t batteriesKept = 0; // microseconds, of the last look at them
     int processor = -1;        // the main thread's binding
-    uint32_t frameShown = 0;
-    bool followDisplay = false; // Swap waits for the display
-    bool news = true;           // something to draw since the last swap
-    bool keepPicture = false;
-    bool ceilingLight = true; // of the room
-    bool cursorShown = true;
-    MOUSE_STATE lastMouse;
+    bool ceilingLight = true;  // of the room
 };

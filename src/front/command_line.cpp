@@ -2,6 +2,7 @@
 
 #include "base/files.h"
 #include "front/commands.h"
+#include "front/notices.h"
 #include "front/play.h"
 #include "front/version.h"
 #include "library/systems.h"
@@ -35,8 +36,9 @@ void StartUp(const std::string& homeOption) {
     }
     RegisterDefaultSettings(Settings());
     std::string error;
-    if (!LoadSettingsFile(Settings(), error) && !error.empty()) {
-        Complain(error + "; what it does not say has its default");
+    static_cast<void>(LoadSettingsFile(Settings(), error));
+    if (!error.empty()) {
+        PostReport(error + "; what it does not say has its default");
     }
     ApplyAudioRate();
     EmuSetMachines(BuiltInMachines());

@@ -33,27 +33,16 @@ uint32_t KeyCharacter(SDL_Keycode key) {
     return key > 0 && (key & SDLK_SCANCODE_MASK) == 0 ? static_cast<uint32_t>(key) : 0;
 }
 
-void Flip(bool& toggle) {
-    toggle = !toggle;
-}
-
 // A chord with alt, ctrl or the system key is the desktop's or a binding's, as Alt + F4 is.
 void HandleProgramKey(const SDL_Keysym& key, PUMP_EVENTS& events) {
-    if (key.scancode == SDL_SCANCODE_RETURN && (key.mod & KMOD_ALT) != 0) {
-        Flip(events.toggleFullScreen);
-        return;
-    }
-    if (InputWalkingRoom() || (key.mod & (KMOD_ALT | KMOD_CTRL | KMOD_GUI)) != 0) {
-        return;
-    }
-    switch (key.scancode) {
-    case SDL_SCANCODE_F2: Flip(events.toggleStatistics); break;
-    case SDL_SCANCODE_F3: Flip(events.toggleCrop); break;
-    case SDL_SCANCODE_F4: Flip(events.toggleLight); break;
-    case SDL_SCANCODE_F5: Flip(events.toggleLinear); break;
-    case SDL_SCANCODE_F6: ++events.scalerSteps; break;
-    case SDL_SCANCODE_F11: Flip(events.toggleFullScreen); break;
-    default: break;
+    const bool alt = (key.mod & KMOD_ALT) != 0;
+    const bool otherChord = (key.mod & (KMOD_CTRL | KMOD_GUI)) != 0;
+    for (const PROGRAM_KEY& row : ProgramKeys()) {
+        const bool chordFits = row.alt ? alt : !alt && !otherChord;
+        if (key.scancode == row.scancode && chordFits &&
+            (row.whileWalking || !InputWalkingRoom())) {
+            events.commands.push_back(row.command);
+        }
     }
 }
 
@@ -69,19 +58,11 @@ void HandleText(const char* text, PUMP_EVENTS& events) {
     AddRecord(events, record);
 }
 
-// The library tells of every output that goes, with number 0 for one that wasn't open. The number of
-// an open one must not be lost behind that.
+// The library tells of every output that goes, with number 0 for one that wasn't open. That must not hide
+// the number of an open one.
 void HandleAudioDevice(const SDL_AudioDeviceEvent& event, PUMP_EVENTS& events) {
-    if (event.iscapture != 0) {
-        return;
-    }
-    if (event.type == SDL_AUDIODEVICEADDED) {
-        events.outputAdded = true;
-        return;
-    }
-    events.outputRemoved = true;
-    if (event.which != 0) {
-        events.outputNumber = event.which;
+    if (event.iscapture == 0 && event.which != 0) {
+        events.outputGone = event.which;
     }
 }
 
@@ -130,7 +111,6 @@ void EventPump::HandleEvent(const SDL_Event& event, PUMP_EVENTS& events) {
     case SDL_MOUSEBUTTONUP: HandleButton(event.button, events); break;
     case SDL_MOUSEWHEEL: HandleWheel(event.wheel, events); break;
     case SDL_WINDOWEVENT: HandleWindow(event.window, events); break;
-    case SDL_AUDIODEVICEADDED:
     case SDL_AUDIODEVICEREMOVED: HandleAudioDevice(event.adevice, events); break;
     case SDL_DROPFILE:
     case SDL_DROPTEXT:

@@ -8,6 +8,8 @@
 // Thread: main, the one that made the window.
 #pragma once
 
+#include "front/program_commands.h"
+
 #include <bitset>
 #include <cstdint>
 #include <string>
@@ -47,19 +49,13 @@ struct GUI_INPUT {
     uint32_t character = 0;
 };
 
-// What one round brought. The toggles are flipped by each press: two in a round are none.
+// What one round brought.
 struct PUMP_EVENTS {
-    bool quit = false;             // the window was closed, or the program asked to end
-    bool toggleStatistics = false; // F2; none of these F keys acts while the user walks the room
-    bool toggleCrop = false;       // F3
-    bool toggleLight = false;      // F4, the room's ceiling light
-    bool toggleLinear = false;     // F5
-    uint32_t scalerSteps = 0;      // F6, presses
-    bool toggleFullScreen = false; // F11, or Alt + Return, which acts at any time
-    bool windowChanged = false;    // resized, exposed or restored: to be drawn again
-    bool outputRemoved = false;    // an audio output went
-    uint32_t outputNumber = 0;     // the one that was open, 0 if none of ours was
-    bool outputAdded = false;
+    bool quit = false; // the window was closed, or the program asked to end
+    std::vector<ProgramCommand>
+        commands;                     // of the program's own keys, in the order of their presses
+    bool windowChanged = false;       // resized, exposed or restored: to be drawn again
+    uint32_t outputGone = 0;          // number of an open audio output that went; 0: none did
     std::vector<std::string> dropped; // files dropped on the window, paths in UTF-8
     std::vector<GUI_INPUT> gui;       // for the toolkit
     std::vector<GUI_INPUT> room; // the same while the user walks the room; the toolkit gets none

@@ -23,7 +23,7 @@ class Probe {
 public:
     explicit Probe(Application& program)
         : application(program) {
-        application.KeepPicture(true);
+        application.Sets().KeepPicture(true);
     }
 
     // Runs rounds until `done`; false when the program ends or the patience does.
@@ -39,16 +39,16 @@ public:
     }
 
     bool WaitForStillPicture() {
-        uint64_t shown = application.PicturesShown();
+        uint64_t shown = application.Sets().PicturesShown();
         uint64_t still = 0;
         std::vector<uint32_t> last;
         return RunUntil([&] {
-            if (application.PicturesShown() == shown) {
+            if (application.Sets().PicturesShown() == shown) {
                 return still >= kStillPictures;
             }
-            shown = application.PicturesShown();
-            still = application.Picture().pixels == last ? still + 1 : 0;
-            last = application.Picture().pixels;
+            shown = application.Sets().PicturesShown();
+            still = application.Sets().Kept().pixels == last ? still + 1 : 0;
+            last = application.Sets().Kept().pixels;
             return still >= kStillPictures;
         });
     }
@@ -59,8 +59,8 @@ public:
     }
 
     bool WaitForChange() {
-        const std::vector<uint32_t> before = application.Picture().pixels;
-        return RunUntil([&] { return application.Picture().pixels != before; });
+        const std::vector<uint32_t> before = application.Sets().Kept().pixels;
+        return RunUntil([&] { return application.Sets().Kept().pixels != before; });
     }
 
     static int64_t Now() { return HostClock().nowMicroseconds(); }

@@ -7,9 +7,11 @@
 #include "front/key_injector.h"
 #include "front/latency_probe.h"
 #include "front/media_files.h"
+#include "front/notices.h"
 #include "front/play.h"
 #include "front/run_settings.h"
 #include "front/screenshots.h"
+#include "front/unread_notices.h"
 #include "host/battery_file.h"
 #include "host/session.h"
 
@@ -87,13 +89,21 @@ public:
         if (!options.latencyAction.empty()) {
             LeaveSavesAlone();
         }
-        if (!StartSomewhere(error) || !application.Play(opened, error)) {
+        if (!StartSomewhere(error)) {
             Complain(error);
             return kExitFailed;
         }
-        const int code =
-            options.latencyAction.empty() ? PlayOn() : MeasureLatency(application, latencyAction);
+        TellUnreadNotices();
+        int code = kExitFailed;
+        if (!application.Play(opened, error)) {
+            PostReport(error);
+        } else if (!options.latencyAction.empty()) {
+            code = MeasureLatency(application, latencyAction);
+        } else {
+            code = PlayOn();
+        }
         application.Stop();
+        KeepUnreadNotices();
         return code;
     }
 
@@ -136,11 +146,11 @@ private:
                     Complain(options.inputFile + ": an action that no key is bound to");
                 }
             }
-            over = lastFrame != 0 && application.FrameShown() >= lastFrame;
+            over = lastFrame != 0 && application.Sets().FrameShown() >= lastFrame;
             // A machine that cannot go on was turned off. Who sits at a window may start another game;
             // a run of so many frames would wait for ever.
             ended = lastFrame != 0 && !over && !application.Playing();
-            if (!TakeScreenshots(application.FrameShown(), false)) {
+            if (!TakeScreenshots(application.Sets().FrameShown(), false)) {
                 return kExitFailed;
             }
         }
@@ -148,7 +158,7 @@ private:
             std::printf("%u frames | %s\n", Application::FramesPresented(),
                         EmuFormatStats().c_str());
         }
-        const bool taken = TakeScreenshots(application.FrameShown(), true);
+        const bool taken = TakeScreenshots(application.Sets().FrameShown(), true);
         // Also when the game ended, which is why a frame never came.
         const bool missing = ComplainOfMissing();
         return taken && !ended && !missing ? kExitDone : kExitFailed;

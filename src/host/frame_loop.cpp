@@ -154,6 +154,7 @@ bool EmuStep(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video
         std::this_thread::yield();
     }
     const std::scoped_lock hold(session.lock);
+    const InputFrame look(session.inputs, session.key);
     if (session.showStatic != 0) {
         EmuStaticFrame(session, *video, *audio);
         return true;
@@ -198,6 +199,9 @@ void EmuThreadMain(EMU_THREAD* session) {
             host.open(session);
         }
         while (session->stopRequested == 0) {
+            loop.hotkeys.ForgetAfterPause();
+            session->inputs.ForgetAfterPause();
+            const InputFrame look(loop.hotkeys, session->key);
             EmuRound(*session, host, loop, EmuPollHotkeys(session->key));
         }
     }

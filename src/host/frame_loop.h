@@ -17,6 +17,8 @@
 #include "host/aligned_block.h"
 #include "host/session.h"
 
+#include "settings/input_frame.h"
+
 #include <cstdint>
 #include <vector>
 
@@ -58,6 +60,7 @@ struct FRAME_LOOP {
     FRAME_LOOP(); // reads emu_fastforward, which stays as it was for the life of the session
 
     SOUND_FRAME sound;
+    InputLooker hotkeys; // which are looked at once a round, however many frames it runs
     uint32_t fastForwardSteps;
     bool saveWasDown = false;
     bool loadWasDown = false;

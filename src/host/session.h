@@ -14,6 +14,7 @@
 #include "base/ranked_mutex.h"
 
 #include "machine/emu_system.h"
+#include "settings/input_frame.h"
 
 #include <atomic>
 #include <cstdint>
@@ -77,6 +78,7 @@ struct EMU_THREAD {
     uint32_t frameHeight = 0;
     std::atomic<EMU_HOST_DATA*> hostData{nullptr}; // set by the open callback
     RankedMutex<LockRank::kSession> lock;          // guards the machine
+    InputLooker inputs;                            // of the machine's frames; whoever steps it
     // Somebody is stopping this session; under the list lock.
     bool stopping = false;
     // The archive may hold a state that was not loaded, refused or unreadable at the time, and no copy of

@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr std::string_view kSmsExtensions[] = {".sms"};
+constexpr std::string_view kSmsExtensions[] = {".sms", ".sg"}; // .sg: the console before it
 constexpr std::string_view kGameGearExtensions[] = {".gg"};
 constexpr std::string_view kNesExtensions[] = {".nes"};
 constexpr std::string_view kMegaDriveExtensions[] = {".bin", ".smd", ".gen", ".md"};

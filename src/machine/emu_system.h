@@ -44,11 +44,12 @@ struct EMU_AUDIO_FRAME {
     uint32_t sampleCount; // machine: sample pairs of this frame
 };
 
-// Two pointing devices, one a player. Reset to zero for every frame.
+// Two pointing devices, one a player. (0, 0) says that nobody points; the host sets both to that before
+// every frame.
 struct EMU_INPUT_STATE {
     struct {
-        uint32_t x;
-        uint32_t y;
+        uint32_t x; // pixels of the whole picture, from its top left: the visible window begins at
+        uint32_t y; // (visibleX, visibleY)
     } pointer[2];
 };
 

@@ -52,7 +52,7 @@ TEST_F(PumpedSessions, ComeAndGoWhileThePumpVisitsThem) {
         InputSetActiveKey(round % 4);
         SoundSetRoomVisible(round % 2 == 0);
         if (round % 5 == 4) {
-            SoundDeviceLost();
+            CloseSoundDevice();
             ASSERT_TRUE(OpenSoundDevice(error)) << error;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));

@@ -174,6 +174,16 @@ TEST(SoundPump, ClippingComesBeforeTheVolume) {
     EXPECT_EQ(heard[1], -8192);
 }
 
+TEST(SoundPump, TheVolumeIsAppliedInSinglePrecision) {
+    // 0.7 in single precision is a little less than that, and the product of 1,000 with it rounds to 700.
+    // In double precision it stays under 700 and is truncated to 699.
+    for (const bool room : {false, true}) {
+        SoundRig rig;
+        rig.surroundings = {!room, room, 0.7f};
+        EXPECT_EQ(Steady(rig, 1000, 1000).back(), 700) << (room ? "room" : "full screen");
+    }
+}
+
 TEST(SoundPump, MonoPathAddsAndHalves) {
     SoundRig rig;
     rig.surroundings = {false, true, 0.5f};
@@ -375,21 +385,23 @@ TEST(SoundPump, RingsWrapWithoutAClick) {
     EXPECT_EQ(rig.session.soundRepositions, 0u);
 }
 
-TEST(SoundPump, DeviceThatNeverMovesFillsUpAndNothingElse) {
+TEST(SoundPump, DeviceThatNeverMovesLeavesATenthOfASecondWaiting) {
     SoundRig rig;
     std::vector<int16_t> samples(size_t{735} * 2, 100);
     EMU_AUDIO_FRAME frame{samples.data(), 44100, 735};
     for (int i = 0; i < 300; ++i) {
         HostSubmitAudio(&rig.session, &frame);
         rig.Pump();
-        ASSERT_LE(rig.session.soundBytes, 44100u * 4);
+        ASSERT_LE(rig.session.soundBytes, 4410u * 4);
     }
-    EXPECT_EQ(rig.session.soundBytes, 44100u * 4);
-    EXPECT_EQ(rig.session.soundRepositions, 240u); // after the first 60 frames each one
-    // It comes back: the second that waits is played from there on.
+    // Seven frames are more than the bound. What is then left is 35 ms, a little more than two frames,
+    // and four are the fewest that pass the bound again: at the 7th, the 11th and so on to the 299th.
+    EXPECT_EQ(rig.session.soundRepositions, 74u);
+    EXPECT_EQ(rig.session.soundBytes, (1543u + 735u) * 4);
+    // It comes back: what waits is played from there on.
     rig.Play(512);
     rig.Pump();
-    EXPECT_EQ(rig.session.soundBytes, 44100u * 4 - 512 * 4);
+    EXPECT_EQ(rig.session.soundBytes, (1543u + 735u - 512u) * 4);
     EXPECT_EQ(rig.data.syncBias, 1);
 }
 

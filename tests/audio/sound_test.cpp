@@ -8,6 +8,7 @@
 
 #include "settings/bindings.h"
 #include "settings/settings.h"
+#include "support/wait_until.h"
 #include <SDL.h>
 #include <gtest/gtest.h>
 
@@ -90,17 +91,17 @@ bool AreAlike(const SIDES& a, const SIDES& b) {
     return near(a.left, b.left) && near(a.right, b.right);
 }
 
+// Pumps until the device has taken all that the session submitted.
+testing::AssertionResult IsPlayed(Session& session) {
+    return WaitUntil("the submitted sound to be taken", [&] {
+        PumpSound(session.thread);
+        return session.thread.soundBytes == 0;
+    });
+}
+
 std::string Decibels(const SIDES& sides) {
     return std::to_string(10.0 * std::log10(sides.left)) + " left, " +
            std::to_string(10.0 * std::log10(sides.right)) + " right";
-}
-
-// Waits for what another thread does; the suite's own time limit ends it when that never comes.
-template <typename Condition>
-void WaitFor(const Condition& condition) {
-    while (!condition()) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
 }
 
 } // namespace
@@ -122,7 +123,19 @@ TEST_F(Sound, NoDriverMeansAClearWordAndSilence) {
     PumpSound(session.thread);
     SoundSetTelevision(1, 1, 2, 3);
     DestroySoundChannel(session.thread);
-    SoundDeviceLost();
+    CloseSoundDevice();
+}
+
+TEST_F(Sound, ADeviceThatCannotBeOpenedIsToldOfOnceAndByUs) {
+    // ALSA's library would write a line of its own about such a name.
+    UseDriver("alsa");
+    SDL_setenv("AUDIODEV", "no-such-device", 1);
+    testing::internal::CaptureStderr();
+    std::string error;
+    EXPECT_FALSE(OpenSoundDevice(error));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_NE(error.find("no sound: "), std::string::npos);
+    SDL_setenv("AUDIODEV", "", 1);
 }
 
 TEST_F(Sound, SessionWithoutHostDataIsPassedOver) {
@@ -147,10 +160,7 @@ TEST_F(Sound, DevicePullsTheRingsAndThePumpFillsThem) {
     EXPECT_EQ(session.thread.audible, 1);
     session.Submit();
     EXPECT_EQ(session.thread.soundBytes, 735u * 4);
-    WaitFor([&session] {
-        PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
-    });
+    EXPECT_TRUE(IsPlayed(session));
     EXPECT_GT(session.PlayCursor(), 0u);
     // The gap is one pull and the lookahead: 576 frames at 176 bytes a millisecond.
     EXPECT_GE(EmuSoundGapMs(), 13u);
@@ -203,9 +213,9 @@ TEST_F(Sound, LostDeviceSilencesItsSessionsAndANewOneGoesOn) {
     InputSetActiveKey(1);
     CreateSoundChannel(session.thread);
     PumpSound(session.thread);
-    WaitFor([&session] { return session.PlayCursor() > 0; });
+    EXPECT_TRUE(WaitUntil("the device to play", [&] { return session.PlayCursor() > 0; }));
     session.data.syncBias = -1;
-    SoundDeviceLost();
+    CloseSoundDevice();
     const uint32_t stood = session.PlayCursor();
     EXPECT_EQ(session.data.syncBias, 0) << "frames last what their samples say";
     for (int i = 0; i < 100; ++i) {
@@ -221,10 +231,7 @@ TEST_F(Sound, LostDeviceSilencesItsSessionsAndANewOneGoesOn) {
     PumpSound(session.thread);
     session.Submit();
     EXPECT_GT(session.thread.soundBytes, 0u);
-    WaitFor([&session] {
-        PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
-    });
+    EXPECT_TRUE(IsPlayed(session));
     DestroySoundChannel(session.thread);
 }
 
@@ -238,10 +245,7 @@ TEST_F(Sound, SessionStartedWithoutADeviceIsHeardOnceThereIsOne) {
     EXPECT_FALSE(session.data.noSound);
     PumpSound(session.thread);
     session.Submit();
-    WaitFor([&session] {
-        PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
-    });
+    EXPECT_TRUE(IsPlayed(session));
     DestroySoundChannel(session.thread);
 }
 
@@ -325,7 +329,7 @@ TEST_F(Sound, TheListenerIsInRoomUnitsTooAndOnTheFloor) {
     listener.z = -100.0f;
     SoundSetListener(listener);
     StartSoundPump();
-    WaitFor([&first] { return !AreAlike(Heard(), first); });
+    EXPECT_TRUE(WaitUntil("the listener's new place", [&] { return !AreAlike(Heard(), first); }));
     const SIDES after = Heard(); // all of it after the move
     EXPECT_TRUE(AreAlike(after, expected)) << Decibels(after) << "; " << Decibels(expected);
     StopSoundPump();
@@ -364,7 +368,7 @@ TEST_F(Sound, ThreadsMeetWithoutHarm) {
         listener.x = static_cast<float>(round);
         SoundSetListener(listener);
         if (round % 20 == 19) {
-            SoundDeviceLost();
+            CloseSoundDevice();
             EXPECT_TRUE(OpenSoundDevice(error)) << error;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

@@ -80,6 +80,16 @@ TEST(CommandLine, ConvertMakesAGameAndKeepsTheSource) {
                                    HasSubstr("v1.0"), HasSubstr(HexText(Sha256(image)))));
 }
 
+// Of the console before the Master System, which plays them.
+TEST(CommandLine, ConvertTakesAnSgImageForTheMasterSystem) {
+    const TemporaryFolder home;
+    const auto rom = home.Write("old.sg", Image(8192));
+    const PROGRAM_RESULT result = Ombrelune({"convert", rom.string()}, home);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    const PROGRAM_RESULT info = Ombrelune({"info", (home.Path() / "old.game").string()}, home);
+    EXPECT_THAT(info.output, HasSubstr("Master System, 8192 bytes"));
+}
+
 TEST(CommandLine, ConvertingAgainAddsNothingAndAnotherGameOfTheNameReplacesNothing) {
     const TemporaryFolder home;
     const auto rom = home.Write("a.gg", Image(1000));

@@ -134,6 +134,16 @@ TEST_F(WindowCommand, AGameThatEndsEndsTheOffScreenRun) {
     EXPECT_THAT(result.error, HasSubstr("address error at 0x000201"));
 }
 
+// The run is over as soon as its game is, so nobody can have read why.
+TEST_F(WindowCommand, AFaultOfARunThatWasOverAtOnceIsToldAtTheNextStart) {
+    ASSERT_EQ(Run({"play", EndingGame(), "--frames", "300"}).exitCode, 1);
+    EXPECT_TRUE(std::filesystem::exists(folder.Path() / "unread.txt"));
+    const PROGRAM_RESULT next = Run({"play", "demo:gg-glimmer", "--frames", "5"});
+    EXPECT_EQ(next.exitCode, 0);
+    EXPECT_THAT(next.error, HasSubstr("Last time: "));
+    EXPECT_THAT(next.error, HasSubstr("address error at 0x000201"));
+}
+
 TEST_F(WindowCommand, ScreenshotsOfFramesThatNeverCameAreNamed) {
     const std::string shot = (folder.Path() / "late.png").string();
     const std::string last = (folder.Path() / "last.png").string();

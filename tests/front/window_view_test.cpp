@@ -84,7 +84,7 @@ struct ENLARGED {
     }
 };
 
-ENLARGED Enlarge(const Application::KEPT_PICTURE& picture, PictureScaler scaler) {
+ENLARGED Enlarge(const Televisions::KEPT_PICTURE& picture, PictureScaler scaler) {
     const uint32_t factor = ScalerFactor(scaler);
     ENLARGED out;
     out.width = static_cast<int>(picture.frame.width * factor);
@@ -130,12 +130,12 @@ uint32_t Bilinear(const ENLARGED& picture, double u, double v) {
 }
 
 // Counts the pixels of the window that are not what it should show.
-void CompareWindow(Application& application, const Application::VIEW& view) {
+void CompareWindow(Application& application, const GAME_VIEW& view) {
     const std::vector<uint32_t> window = application.ReadWindow();
     const auto width = static_cast<int>(application.MainWindow().PixelWidth());
     const auto height = static_cast<int>(application.MainWindow().PixelHeight());
     ASSERT_EQ(window.size(), static_cast<size_t>(width) * static_cast<size_t>(height));
-    const Application::KEPT_PICTURE& picture = application.Picture();
+    const Televisions::KEPT_PICTURE& picture = application.Sets().Kept();
     const ENLARGED source = Enlarge(picture, view.scaler);
     const EXPECTED_VIEW expected =
         ExpectedView(picture.frame, view.crop, ScalerFactor(view.scaler), width, height);
@@ -181,13 +181,12 @@ void CompareAllViews(Application& application) {
             for (const bool crop : {false, true}) {
                 SCOPED_TRACE(std::to_string(static_cast<int>(scaler)) +
                              (linear ? " linear" : " nearest") + (crop ? " cropped" : " whole"));
-                const Application::VIEW view{scaler, linear, crop, false};
+                const GAME_VIEW view{scaler, linear, crop, false};
                 application.SetView(view);
                 // The next picture comes through this scaler.
-                const uint64_t shown = application.PicturesShown();
-                while (application.PicturesShown() == shown) {
-                    ASSERT_TRUE(application.Round());
-                }
+                const uint64_t shown = application.Sets().PicturesShown();
+                ASSERT_TRUE(WindowTest::RunUntil(
+                    application, [&] { return application.Sets().PicturesShown() != shown; }));
                 CompareWindow(application, view);
             }
         }
@@ -198,8 +197,8 @@ void CompareAllViews(Application& application) {
 
 TEST_F(WindowTest, ShowsTheMachinesPictureInEveryView) {
     Application application;
-    Start(application);
-    PlayGame(application, "demo:sms-luciole");
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:sms-luciole"));
     ASSERT_TRUE(RunFrames(application, 150));
     CompareAllViews(application);
 }
@@ -208,33 +207,33 @@ TEST_F(WindowTest, ShowsAWidePictureAndANarrowWindow) {
     Settings().SetInt(L"app_window_width", 350);
     Settings().SetInt(L"app_window_height", 601);
     Application application;
-    Start(application);
-    PlayGame(application, "demo:gg-glimmer");
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:gg-glimmer"));
     ASSERT_TRUE(RunFrames(application, 150));
     CompareAllViews(application);
 }
 
 TEST_F(WindowTest, ShowsAPictureThatWasTurned) {
     Application application;
-    Start(application);
-    PlayGame(application, "demo:arcade-skywren");
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:arcade-skywren"));
     ASSERT_TRUE(RunFrames(application, 100));
-    const EMU_VIDEO_FRAME upright = application.Picture().frame;
+    const EMU_VIDEO_FRAME upright = application.Sets().Kept().frame;
     OPENED_GAME opened;
     ASSERT_TRUE(OpenDemo("arcade-skywren", opened));
     opened.game = OnDialBoard("arcade-skywren");
     std::string error;
     ASSERT_TRUE(application.Play(opened, error)) << error;
     ASSERT_TRUE(RunFrames(application, 100));
-    EXPECT_EQ(application.Picture().frame.width, upright.height);
-    EXPECT_EQ(application.Picture().frame.height, upright.width);
+    EXPECT_EQ(application.Sets().Kept().frame.width, upright.height);
+    EXPECT_EQ(application.Sets().Kept().frame.height, upright.width);
     CompareAllViews(application);
 }
 
 TEST_F(WindowTest, FunctionKeysChangeTheView) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     const auto tap = [&](SDL_Scancode key) {
         Key(key, true);
@@ -279,10 +278,10 @@ TEST_F(WindowTest, TheStatusLinesStandAtTheirPlaces) {
     EmuSetMachines(PlainMachines());
     gPlainShape = {1.44f, 1.44f}; // over the whole width, with four rows of black above
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_EQ(application.MainWindow().PixelWidth(), kWidth);
     ASSERT_EQ(application.MainWindow().PixelHeight(), 720u);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kPlainColour));
     ASSERT_TRUE(application.Round());
     const std::vector<uint32_t> without = application.ReadWindow();
@@ -331,11 +330,11 @@ TEST_F(WindowTest, TheStatusLinesStandAtTheirPlaces) {
 
 TEST_F(WindowTest, AResizedWindowIsDrawnInItsNewSize) {
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     if (std::strcmp(SDL_GetCurrentVideoDriver(), "offscreen") == 0) {
         GTEST_SKIP() << "off the screen what is drawn on keeps its size; WindowUnderX runs this";
     }
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     constexpr WINDOW_SIZE kSizes[] = {
         {800, 450},
@@ -354,8 +353,8 @@ TEST_F(WindowTest, AResizedWindowIsDrawnInItsNewSize) {
 
 TEST_F(WindowTest, FullScreenAndBack) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     // Without a window manager no window is given another size, so here it is only asked for.
     for (const SDL_Keymod modifier : {KMOD_NONE, KMOD_ALT}) {
@@ -364,9 +363,9 @@ TEST_F(WindowTest, FullScreenAndBack) {
             ASSERT_TRUE(application.Round());
             EXPECT_EQ(IsFullScreen(), full);
             Key(modifier == KMOD_NONE ? SDL_SCANCODE_F11 : SDL_SCANCODE_RETURN, false, modifier);
-            const uint64_t shown = application.PicturesShown();
-            ASSERT_TRUE(
-                RunUntil(application, [&] { return application.PicturesShown() > shown + 2; }));
+            const uint64_t shown = application.Sets().PicturesShown();
+            ASSERT_TRUE(RunUntil(application,
+                                 [&] { return application.Sets().PicturesShown() > shown + 2; }));
             EXPECT_EQ(MiddleOf(application), kRed) << "the game goes on";
             EXPECT_EQ(IsFullScreen(), full) << "a key that is let go changes nothing";
         }
@@ -376,7 +375,7 @@ TEST_F(WindowTest, FullScreenAndBack) {
 TEST_F(WindowTest, AWindowThatStartsFullScreenIsDrawnInTheDisplaysSize) {
     Settings().SetBool(L"app_fullscreen", true);
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     EXPECT_TRUE(IsFullScreen());
     if (std::strcmp(SDL_GetCurrentVideoDriver(), "offscreen") != 0) {
         GTEST_SKIP() << "a display server may want a window manager for it; run off the screen";
@@ -385,7 +384,7 @@ TEST_F(WindowTest, AWindowThatStartsFullScreenIsDrawnInTheDisplaysSize) {
     ASSERT_EQ(SDL_GetDesktopDisplayMode(0, &display), 0);
     EXPECT_EQ(application.MainWindow().PixelWidth(), static_cast<uint32_t>(display.w));
     EXPECT_EQ(application.MainWindow().PixelHeight(), static_cast<uint32_t>(display.h));
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     ASSERT_TRUE(application.Round());
     CompareWindow(application, application.View());

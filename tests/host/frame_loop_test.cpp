@@ -11,6 +11,7 @@
 #include "settings/settings.h"
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <filesystem>
 #include <set>
 
@@ -482,6 +483,54 @@ TEST_F(FrameLoop, HotkeysReachTheActiveSessionAlone) {
     InputSetWalkingRoom(true);
     const HOTKEYS none = EmuPollHotkeys(3);
     EXPECT_FALSE(none.fastForward || none.rewind || none.saveState || none.loadState);
+}
+
+TEST_F(FrameLoop, ATapIsDownInOneFrameOfTheMachine) {
+    Open();
+    InputSetActiveKey(session->key);
+    Press(L"SMS P1 BUTTON1", true);
+    Press(L"SMS P1 BUTTON1", false);
+    Round();
+    EXPECT_EQ(machine->pressed, 1u);
+    Round();
+    EXPECT_EQ(machine->pressed, 1u);
+    Press(L"SMS P1 BUTTON1", true);
+    Press(L"SMS P1 BUTTON1", false);
+    Round(kForward);
+    EXPECT_EQ(machine->runs, 4u);
+    EXPECT_EQ(machine->pressed, 2u) << "in one of the two frames of a fast round";
+}
+
+TEST_F(FrameLoop, ATapDuringStaticIsNotPlayedAfterwards) {
+    Open();
+    InputSetActiveKey(session->key);
+    session->showStatic = 1;
+    Press(L"SMS P1 BUTTON1", true);
+    Press(L"SMS P1 BUTTON1", false);
+    Round();
+    session->showStatic = 0;
+    Round();
+    EXPECT_EQ(machine->runs, 1u);
+    EXPECT_EQ(machine->pressed, 0u);
+}
+
+// A computer that is very busy may keep the session from looking for longer than a tap lives, so several
+// are made; without a look of its own the session would see hardly one in a thousand.
+TEST_F(FrameLoop, ATapOfAHotkeyActsOnce) {
+    static std::atomic<uint32_t> saved{0};
+    saved = 0;
+    HostSetNoticeSink([](const std::string& notice) { saved += notice == "State saved" ? 1 : 0; });
+    Start(3);
+    InputSetActiveKey(3);
+    uint32_t taps = 0;
+    for (; taps < 5 && saved == 0; ++taps) {
+        Press(L"Save State", true);
+        Press(L"Save State", false);
+        const int32_t end = gCounts.presents + 3;
+        ASSERT_TRUE(Eventually([&] { return gCounts.presents >= end; }));
+    }
+    EmuStopSession(3);
+    EXPECT_EQ(saved, 1u) << taps << " taps";
 }
 
 TEST_F(FrameLoop, ASessionWithoutBuffersOnlyWaits) {

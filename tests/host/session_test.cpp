@@ -239,9 +239,7 @@ TEST_F(Session, StopDoesNotWaitForThreadEnd) {
     gMayEnd = false;
     EMU_HOST_CALLBACKS host = base;
     host.threadEnd = [](int token) {
-        while (!gMayEnd) {
-            std::this_thread::yield();
-        }
+        EXPECT_TRUE(Eventually([] { return gMayEnd.load(); })) << "the stop waits for the thread";
         base.threadEnd(token);
     };
     EmuSetHost(host);
@@ -262,9 +260,7 @@ TEST_F(Session, SessionsThatTheHostHasNotOpenedAreNotVisited) {
     EMU_HOST_CALLBACKS host = base;
     host.threadStart = [](int argument) {
         gOpening = true;
-        while (!gMayStart) {
-            std::this_thread::yield();
-        }
+        EXPECT_TRUE(Eventually([] { return gMayStart.load(); })) << "the visit waits for the host";
         return base.threadStart(argument);
     };
     EmuSetHost(host);

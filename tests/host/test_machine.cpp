@@ -1,6 +1,7 @@
 #include "host/test_machine.h"
 
 #include "machine/state_piece.h"
+#include "settings/bindings.h"
 
 #include <cstring>
 
@@ -117,6 +118,7 @@ void CTestMachine::RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME* video, EMU_AUDIO_
     const InsideGuard guard(inside);
     frame = ++frameField;
     ++runs;
+    pressed += InputIsDown(sessionKey, L"SMS P1 BUTTON1") ? 1 : 0;
     seed = seed * 1664525 + 1013904223; // the constants of Numerical Recipes
     memory[frameField % memory.size()] = static_cast<uint8_t>(seed >> 24);
     flag = !flag;

@@ -54,6 +54,7 @@ public:
     std::atomic<uint32_t> frame{0}; // frames since reset; part of the state
     std::atomic<uint32_t> resets{0};
     std::atomic<uint32_t> runs{0};
+    std::atomic<uint32_t> pressed{0}; // frames in which the first player's first button was down
 
     static std::atomic<int32_t> gLive;       // machines that exist
     static std::atomic<int32_t> gCollisions; // calls into a machine that another call was inside of

@@ -52,6 +52,7 @@ Bytes Dump(const Bytes& body) {
 TEST(Extensions, BelongToTheirSystemsInAnyCase) {
     const std::tuple<const char*, uint16_t> rows[] = {
         {".sms",  1},
+        {".sg",   1},
         {".gg",   2},
         {".bin",  4},
         {".smd",  4},

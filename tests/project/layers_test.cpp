@@ -124,7 +124,7 @@ TEST(Layers, NoTargetReachesUpwardsOrRound) {
 TEST(Layers, NothingBelowTheFrontOpensAWindowOrKnowsAnothersDevice) {
     const LAYERS layers = ReadLayers();
     const std::map<std::string, std::set<std::string>> mayInclude = {
-        {"SDL", {"front", "sound", "settings"}},
+        {"SDL", {"front", "sound", "bindings"}},
         {"GL/", {"front", "display"}          },
         {"AL/", {"sound"}                     },
     };

@@ -1,15 +1,20 @@
 // The document: declaration version "1.0", the root `Settings`, one child for each setting in list
 // order. The child's name is the type ("int", "int2", "string", "bool", "float"), its attributes are
 // `name`, `value` and, for "int2", `value2`. Numbers are written as "%d", floats as "%f" with a point
-// in every locale, booleans as "true" and "false", texts as UTF-8.
+// in every locale, booleans as "true" and "false", texts as UTF-8. A child is a line of its own, four
+// spaces in; a value with a double quote stands in single ones.
+//
+// A file that somebody has written into may be no XML any more. What stands before the first fault that
+// stops the reader is taken all the same.
 
 #include "base/files.h"
 #include "base/text.h"
 
 #include "settings/settings.h"
-#include "settings/settings_private.h"
-#include <tinyxml.h>
+#include "settings/store/settings_private.h"
+#include <pugixml.hpp>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -70,39 +75,67 @@ std::string FloatText(float value) {
     return {text.data(), result.ptr};
 }
 
-constexpr std::string_view kHexReference = "&#x";
-constexpr std::string_view kAmpersand = "&#x26;";
-
-// The library as first published writes "&#x" as it stands, for the sake of references made by hand;
-// some distributions repair that.
-bool LibraryKeepsReferences() {
-    std::string written;
-    TiXmlBase::EncodeString(std::string(kAmpersand), &written);
-    return written == kAmpersand;
-}
-
-// A text as the document can carry it: characters that XML has no way to write become U+FFFD, and an
-// ampersand that the library would not write as a reference is made one here.
+// A text as the document can carry it: characters that XML has no way to write become U+FFFD.
 std::string DocumentText(std::wstring_view wide) {
-    static const bool kKeepsReferences = LibraryKeepsReferences();
     std::wstring clean(wide);
     for (wchar_t& c : clean) {
         if (c == L'\0' || c == 0xFFFE || c == 0xFFFF) {
             c = 0xFFFD;
         }
     }
-    std::string text = Utf8FromWide(clean);
-    size_t at = kKeepsReferences ? text.find(kHexReference) : text.npos;
-    while (at != text.npos) {
-        text.replace(at, 1, kAmpersand);
-        at = text.find(kHexReference, at + kAmpersand.size());
-    }
-    return text;
+    return Utf8FromWide(clean);
 }
 
-// Owned by the document from the moment that it is linked.
-TiXmlElement* AddElement(TiXmlNode& parent, const char* name) {
-    return parent.LinkEndChild(new TiXmlElement(name))->ToElement();
+void AppendEscaped(std::string& out, char c) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    switch (c) {
+    case '&': out += "&amp;"; break;
+    case '<': out += "&lt;"; break;
+    case '>': out += "&gt;"; break;
+    case '"': out += "&quot;"; break;
+    case '\'': out += "&apos;"; break;
+    default:
+        if (const auto byte = static_cast<uint8_t>(c); byte < ' ') {
+            out.append("&#x").append(1, kDigits[byte >> 4u]).append(1, kDigits[byte & 15u]) += ';';
+        } else {
+            out += c;
+        }
+    }
+}
+
+void AppendAttribute(std::string& out, std::string_view name, std::string_view value) {
+    const char quote = value.find('"') == value.npos ? '"' : '\'';
+    out.append(" ").append(name).append("=").append(1, quote);
+    for (const char c : value) {
+        AppendEscaped(out, c);
+    }
+    out += quote;
+}
+
+// Parses the text and says what stopped the reader, if anything did. An element whose tag was not read
+// to its end is taken out again.
+pugi::xml_parse_result Parse(std::string_view text, pugi::xml_document& document) {
+    const pugi::xml_parse_result result =
+        document.load_buffer(text.data(), text.size(), pugi::parse_escapes, pugi::encoding_utf8);
+    if (result.status == pugi::status_bad_start_element ||
+        result.status == pugi::status_bad_attribute) {
+        pugi::xml_node last = document;
+        while (last.last_child()) {
+            last = last.last_child();
+        }
+        last.parent().remove_child(last);
+    }
+    return result;
+}
+
+std::string WhatStopped(std::string_view text, const pugi::xml_parse_result& result) {
+    const auto offset = std::clamp<std::ptrdiff_t>(result.offset, 0, std::ssize(text));
+    const auto line = std::count(text.begin(), text.begin() + offset, '\n') + 1;
+    std::string what = result.description();
+    if (!what.empty()) {
+        what[0] = LowerAscii(what[0]);
+    }
+    return "line " + std::to_string(line) + ": " + what;
 }
 
 bool Complain(std::string& reason, const char* what) {
@@ -110,7 +143,7 @@ bool Complain(std::string& reason, const char* what) {
     return false;
 }
 
-enum class FileState { kMissing, kSettings, kDamaged };
+enum class FileState { kMissing, kSettings, kPartlySettings, kDamaged };
 
 // Looks at the file as it stands on the disk. `error` names what keeps it from being settings.
 FileState ReadSettingsFile(const fs::path& path, std::vector<uint8_t>& bytes, std::string& error) {
@@ -133,6 +166,10 @@ FileState ReadSettingsFile(const fs::path& path, std::vector<uint8_t>& bytes, st
         error = path.string() + ": is not a settings file: " + reason;
         return FileState::kDamaged;
     }
+    if (!reason.empty()) {
+        error = path.string() + ": is read only in part: " + reason;
+        return FileState::kPartlySettings;
+    }
     return FileState::kSettings;
 }
 
@@ -144,35 +181,28 @@ bool ReadSettingsDocument(std::string_view text, std::vector<SETTING_ENTRY>& ent
     if (text.size() > kSettingsDocumentLimit) {
         return Complain(reason, "the document is too long");
     }
-    if (!CheckXml(text, reason)) {
-        return false;
+    reason.clear();
+    pugi::xml_document document;
+    const pugi::xml_parse_result result = Parse(text, document);
+    if (!result) {
+        reason = WhatStopped(text, result);
     }
-    TiXmlDocument document;
-    document.Parse(std::string(text).c_str(), nullptr, TIXML_ENCODING_UTF8);
-    const TiXmlElement* root = document.RootElement();
-    if (document.Error() || root == nullptr) {
-        return Complain(reason, document.ErrorDesc());
-    }
-    if (root->ValueStr() != kRootName) {
-        return Complain(reason, "the root element is not Settings");
-    }
-    for (const TiXmlElement* child = root->FirstChildElement(); child != nullptr;
-         child = child->NextSiblingElement()) {
-        const std::string* const name = child->Attribute(std::string("name"));
-        const std::string* const value = child->Attribute(std::string("value"));
-        const std::string* const value2 = child->Attribute(std::string("value2"));
-        if (name == nullptr || value == nullptr) {
+    for (const pugi::xml_node child : document.document_element().children()) {
+        const pugi::xml_attribute name = child.attribute("name");
+        const pugi::xml_attribute value = child.attribute("value");
+        const pugi::xml_attribute value2 = child.attribute("value2");
+        if (!name || !value) {
             continue;
         }
         SETTING_ENTRY& entry = entries.emplace_back();
-        entry.type = child->ValueStr();
-        entry.name = *name;
-        entry.value = *value;
-        if (value2 != nullptr) {
-            entry.value2 = *value2;
+        entry.type = child.name();
+        entry.name = name.value();
+        entry.value = value.value();
+        if (value2) {
+            entry.value2 = value2.value();
         }
     }
-    return true;
+    return result || !entries.empty();
 }
 
 bool SettingsStore::Load(const uint8_t* bytes, size_t size) {
@@ -225,43 +255,44 @@ void SettingsStore::Apply(Setting& setting, const std::string& value, const std:
 }
 
 std::vector<uint8_t> SettingsStore::Save() const {
-    TiXmlDocument document;
-    document.LinkEndChild(new TiXmlDeclaration("1.0", "", ""));
-    TiXmlElement* const root = AddElement(document, kRootName);
+    std::string elements;
     for (const Setting* setting = First(); setting != nullptr; setting = setting->next.get()) {
-        TiXmlElement* const element = AddElement(*root, TypeName(*setting));
-        element->SetAttribute("name", DocumentText(setting->name));
+        elements.append("    <").append(TypeName(*setting));
+        AppendAttribute(elements, "name", DocumentText(setting->name));
         const int32_t number = setting->intValue.load(std::memory_order_relaxed);
+        const bool flag = setting->boolValue.load(std::memory_order_relaxed);
+        const float real = setting->floatValue.load(std::memory_order_relaxed);
         switch (setting->type.load(std::memory_order_relaxed)) {
-        case SettingType::kInt: element->SetAttribute("value", std::to_string(number)); break;
+        case SettingType::kInt: AppendAttribute(elements, "value", std::to_string(number)); break;
         case SettingType::kInt2:
-            element->SetAttribute("value", std::to_string(number));
-            element->SetAttribute(
-                "value2", std::to_string(setting->intValue2.load(std::memory_order_relaxed)));
+            AppendAttribute(elements, "value", std::to_string(number));
+            AppendAttribute(elements, "value2",
+                            std::to_string(setting->intValue2.load(std::memory_order_relaxed)));
             break;
         case SettingType::kString:
-            element->SetAttribute("value", DocumentText(ReadString(*setting)));
+            AppendAttribute(elements, "value", DocumentText(ReadString(*setting)));
             break;
-        case SettingType::kBool:
-            element->SetAttribute(
-                "value", setting->boolValue.load(std::memory_order_relaxed) ? "true" : "false");
-            break;
-        case SettingType::kFloat:
-            element->SetAttribute("value",
-                                  FloatText(setting->floatValue.load(std::memory_order_relaxed)));
-            break;
+        case SettingType::kBool: AppendAttribute(elements, "value", flag ? "true" : "false"); break;
+        case SettingType::kFloat: AppendAttribute(elements, "value", FloatText(real)); break;
         }
+        elements += " />\n";
     }
-    TiXmlPrinter printer;
-    document.Accept(&printer);
-    const std::string& text = printer.Str();
+    std::string text = "<?xml version=\"1.0\" ?>\n";
+    const std::string root = kRootName;
+    if (elements.empty()) {
+        text.append("<").append(root).append(" />\n");
+    } else {
+        text.append("<").append(root).append(">\n").append(elements);
+        text.append("</").append(root).append(">\n");
+    }
     return {text.begin(), text.end()};
 }
 
 bool LoadSettingsFile(SettingsStore& store, std::string& error) {
     error.clear();
     std::vector<uint8_t> bytes;
-    return ReadSettingsFile(ResolvePath(kSettingsFile), bytes, error) == FileState::kSettings &&
+    const FileState state = ReadSettingsFile(ResolvePath(kSettingsFile), bytes, error);
+    return (state == FileState::kSettings || state == FileState::kPartlySettings) &&
            store.Load(bytes.data(), bytes.size());
 }
 
@@ -303,7 +334,10 @@ bool KeepDamaged(const fs::path& path, std::string& error) {
 bool SaveSettingsFile(const SettingsStore& store, std::string& error) {
     const fs::path path = ResolvePath(kSettingsFile);
     std::vector<uint8_t> bytes;
-    if (ReadSettingsFile(path, bytes, error) == FileState::kDamaged && !KeepDamaged(path, error)) {
+    const FileState state = ReadSettingsFile(path, bytes, error);
+    // What could not be read is not in the store, and would be gone.
+    const bool losesSomething = state == FileState::kDamaged || state == FileState::kPartlySettings;
+    if (losesSomething && !KeepDamaged(path, error)) {
         return false;
     }
     error.clear();

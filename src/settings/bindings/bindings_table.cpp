@@ -5,6 +5,8 @@
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 
+#include <array>
+
 namespace {
 
 constexpr uint64_t Up(uint32_t player) {
@@ -145,8 +147,31 @@ constexpr INPUT_ACTION kInputActions[] = {
 };
 // clang-format on
 
+// What the names of a machine's actions begin with.
+constexpr std::array<std::wstring_view, kInputOwners - 1> kMachinePrefixes = {
+    L"NES ", L"Arcade ", L"SMS ", L"MEGADRIVE ", L"GG "};
+
+constexpr std::array<uint8_t, std::size(kInputActions)> MakeOwners() {
+    std::array<uint8_t, std::size(kInputActions)> owners{};
+    for (size_t action = 0; action < owners.size(); ++action) {
+        for (size_t machine = 0; machine < kMachinePrefixes.size(); ++machine) {
+            if (std::wstring_view(kInputActions[action].name)
+                    .starts_with(kMachinePrefixes[machine])) {
+                owners[action] = static_cast<uint8_t>(machine + 1);
+            }
+        }
+    }
+    return owners;
+}
+
+constexpr auto kInputOwnersOfActions = MakeOwners();
+
 } // namespace
 
 std::span<const INPUT_ACTION> InputActions() {
     return kInputActions;
+}
+
+std::span<const uint8_t> InputOwners() {
+    return kInputOwnersOfActions;
 }

@@ -2,6 +2,8 @@
 
 #include "base/text.h"
 
+#include "settings/bindings/action_notes.h"
+#include "settings/bindings/press_log.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
 #include <SDL_keyboard.h>
@@ -23,10 +25,6 @@ constexpr uint32_t kHatDirections = 8;
 constexpr uint32_t kButtons = 64;
 constexpr uint32_t kCodesOfOne = 200; // from one joystick to the next
 constexpr int kAxisThreshold = 28'000;
-
-constexpr std::array<uint32_t, 2> kCtrlKeys = {224, 228};
-constexpr std::array<uint32_t, 2> kShiftKeys = {225, 229};
-constexpr std::array<uint32_t, 2> kAltKeys = {226, 230};
 
 static_assert(JoystickBinding(kJoysticks - 1, JoystickButtonCode(kJoysticks - 1, kButtons - 1)) <
               (kJoystick << 24 | kJoysticks << 16));
@@ -50,32 +48,50 @@ constexpr std::array<uint8_t, 16> MakeHatCodes() {
 // can take set none.
 constexpr std::array<uint8_t, 16> kHatCodes = MakeHatCodes();
 
-using StateTable = std::array<std::atomic<uint8_t>, kInputCodes>;
-
 // Written by the main thread, read by every thread one byte at a time.
-StateTable gDown{};
-StateTable gReleased{}; // set to 0 since the pump began
+std::array<std::atomic<uint8_t>, kInputCodes> gReleased{}; // set to 0 since the pump began
 std::atomic<uint32_t> gActiveKey{0};
 std::atomic<bool> gWalkingRoom{false};
 
-bool IsSet(const StateTable& table, uint32_t code) {
-    return table[code].load(std::memory_order_relaxed) != 0;
+bool IsSet(const std::atomic<uint8_t>& byte) {
+    return byte.load(std::memory_order_relaxed) != 0;
 }
 
-bool AnyDown(const std::array<uint32_t, 2>& keys) {
-    return IsSet(gDown, keys[0]) || IsSet(gDown, keys[1]);
-}
-
-bool ModifierHolds(uint32_t modifier) {
+// Whether the modifiers around a key are those of its binding. The keys of `inUse` have another purpose
+// and are not looked at. A key that is a modifier itself serves as its own all the same, since a screen
+// that records what was pressed puts it there.
+bool ModifierHolds(const INPUT_STATE& state, uint32_t modifier, uint32_t key, uint32_t inUse) {
+    uint32_t held = 0;
+    for (uint32_t i = 0; i < kModifierKeys; ++i) {
+        held |= (IsSet(state.down[kFirstModifierKey + i]) ? 1u : 0u) << i;
+    }
+    const uint32_t others = held & ~inUse;
+    const uint32_t counted = others | (held & ModifierKeyBit(key));
     switch (modifier) {
-    case kModifierShift: return AnyDown(kShiftKeys);
-    case kModifierCtrl: return AnyDown(kCtrlKeys);
-    default: return !AnyDown(kShiftKeys) && !AnyDown(kCtrlKeys) && !AnyDown(kAltKeys);
+    case kModifierShift: return (counted & kShiftKeyBits) != 0;
+    case kModifierCtrl: return (counted & kCtrlKeyBits) != 0;
+    default: return (others & (kShiftKeyBits | kCtrlKeyBits | kAltKeyBits)) == 0;
     }
 }
 
+bool IsDown(const INPUT_STATE& state, uint32_t binding, bool useReleased, uint32_t modifiersInUse) {
+    if (binding == 0) {
+        return false;
+    }
+    const uint32_t device = binding >> 24;
+    const uint32_t code = binding & 0xFFFF;
+    const bool keyboard = device == kKeyboard;
+    if (code >= (keyboard ? kKeyboardCodes : kInputCodes) || (!keyboard && device != kJoystick)) {
+        return false;
+    }
+    if (!IsSet(state.down[code]) && !(useReleased && IsSet(gReleased[code]))) {
+        return false;
+    }
+    return !keyboard || ModifierHolds(state, binding >> 16 & 0xFF, code, modifiersInUse);
+}
+
 void ClearIfDown(uint32_t code) {
-    if (IsSet(gDown, code)) {
+    if (IsSet(gLiveInput.down[code])) {
         InputSetCode(code, false);
     }
 }
@@ -127,6 +143,7 @@ void RegisterBindings(SettingsStore& store) {
     for (const INPUT_ACTION& action : InputActions()) {
         store.RegisterInt2(prefix + action.name, static_cast<int32_t>(action.defaultBinding), 0);
     }
+    RefreshActionNotes(store);
 }
 
 bool InputIsDown(uint32_t sessionKey, std::wstring_view name) {
@@ -140,24 +157,15 @@ bool InputIsDown(uint32_t sessionKey, std::wstring_view name) {
     const auto primary = static_cast<uint32_t>(setting->intValue.load(std::memory_order_relaxed));
     const auto secondary =
         static_cast<uint32_t>(setting->intValue2.load(std::memory_order_relaxed));
-    return BindingIsDown(primary, false) || BindingIsDown(secondary, false) ||
-           (setting->padControls.load(std::memory_order_relaxed) & InputPadsActing()) != 0;
+    const INPUT_STATE& state = *tInputState;
+    const uint64_t note = setting->note.load(std::memory_order_relaxed);
+    const uint32_t inUse = ModifiersOfNote(note);
+    return IsDown(state, primary, false, inUse) || IsDown(state, secondary, false, inUse) ||
+           (PadsOfNote(note) & state.pads.load(std::memory_order_relaxed)) != 0;
 }
 
 bool BindingIsDown(uint32_t code, bool useReleased) {
-    if (code == 0) {
-        return false;
-    }
-    const uint32_t device = code >> 24;
-    const uint32_t state = code & 0xFFFF;
-    if (device == kKeyboard) {
-        if (state >= kKeyboardCodes || !ModifierHolds(code >> 16 & 0xFF)) {
-            return false;
-        }
-    } else if (device != kJoystick || state >= kInputCodes) {
-        return false;
-    }
-    return IsSet(gDown, state) || (useReleased && IsSet(gReleased, state));
+    return IsDown(*tInputState, code, useReleased, 0);
 }
 
 std::wstring BindingName(uint32_t code) {
@@ -206,7 +214,7 @@ void InputSetCode(uint32_t code, bool down) {
     if (code >= kInputCodes) {
         return;
     }
-    gDown[code].store(down ? 1 : 0, std::memory_order_relaxed);
+    LogCode(code, down);
     if (!down) {
         gReleased[code].store(1, std::memory_order_relaxed);
     }
@@ -246,7 +254,7 @@ void InputHatMoved(uint32_t joystick, uint32_t hat, uint8_t position) {
     for (uint32_t direction = 0; direction < kHatDirections; ++direction) {
         const uint32_t code = JoystickHatCode(joystick, hat, direction);
         gReleased[code].store(1, std::memory_order_relaxed);
-        gDown[code].store(static_cast<uint8_t>(set >> direction & 1), std::memory_order_relaxed);
+        LogCode(code, (set >> direction & 1) != 0);
     }
 }
 
@@ -268,8 +276,9 @@ void InputClearJoystick(uint32_t joystick) {
 
 void InputClearAll() {
     for (uint32_t code = 0; code < kInputCodes; ++code) {
-        gDown[code].store(0, std::memory_order_relaxed);
+        gLiveInput.down[code].store(0, std::memory_order_relaxed);
         gReleased[code].store(0, std::memory_order_relaxed);
     }
     InputClearPads();
+    ForgetPresses();
 }

@@ -1,0 +1,55 @@
+// Televisions: the newest picture of every session, as a texture, by session key.
+//
+// Thread: main, with the OpenGL context current.
+// Order: Upload once a round; End before the context goes.
+#pragma once
+
+#include "display/picture_scaler.h"
+#include "display/session_picture.h"
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+class Televisions {
+public:
+    // Takes the pictures that the sessions have published since the last call, and gives up those of
+    // sessions that are gone. True when the active session's picture is new or a television went dark.
+    [[nodiscard]] bool Upload(uint32_t activeKey, PictureScaler scaler);
+    void End();
+
+    // The picture of a session; one without a texture where none has come yet.
+    [[nodiscard]] const SESSION_PICTURE& Picture(uint32_t key) const;
+
+    // Number of uploads of the active session's picture; 0 before the first.
+    [[nodiscard]] uint64_t PicturesShown() const { return picturesShown; }
+    // The machine's frame number of the newest of them; 0 for television static.
+    [[nodiscard]] uint32_t FrameShown() const { return frameShown; }
+
+    // A copy of the active session's picture before scaling, for tests and measurements. Empty unless
+    // kept.
+    struct KEPT_PICTURE {
+        EMU_VIDEO_FRAME frame{};
+        std::vector<uint32_t> pixels;
+    };
+    void KeepPicture(bool keep) { keepPicture = keep; }
+    [[nodiscard]] const KEPT_PICTURE& Kept() const { return kept; }
+
+private:
+    struct TELEVISION {
+        SESSION_PICTURE picture;
+        uint32_t serial = 0; // of the session that it shows
+    };
+    [[nodiscard]] bool GiveUpAllBut(const std::vector<uint32_t>& running);
+    void NoteActivePicture(const EMU_VIDEO_FRAME& frame);
+
+    std::map<uint32_t, TELEVISION> sets; // by session key
+    KEPT_PICTURE kept;
+    uint64_t picturesShown = 0;
+    uint32_t frameShown = 0;
+    bool keepPicture = false;
+};
+
+// Turns off the sessions whose machine cannot go on and tells the player why. The keys of those it
+// turned off.
+std::vector<uint32_t> StopEndedSessions();

@@ -1,16 +1,15 @@
 #include "front/light_gun.h"
 
 #include "front/event_pump.h"
-#include "front/play.h"
-#include "sega8/sms.h"
+#include "front/tools/play.h"
 
 #include "display/full_screen.h"
 #include "display/session_picture.h"
 #include "machine/emu_system.h"
+#include "machines/machine_options.h"
 #include "settings/pad_defaults.h"
 
 #include <atomic>
-#include <cstring>
 #include <optional>
 
 namespace {
@@ -59,12 +58,8 @@ uint64_t PackedPointer(const std::optional<PICTURE_POINT>& point) {
 } // namespace
 
 void LightGun::SetGame(const OPENED_GAME& game) {
-    SMS_OPTIONS options{};
-    std::memcpy(&options, game.options.data(), sizeof options);
-    const bool hasPorts = game.game.Header().system == kSystemMasterSystem;
     for (size_t player = 0; player < players.size(); ++player) {
-        players[player] =
-            hasPorts && PadDeviceOf(options.devices[player]) == PadDevice::kLightPhaser;
+        players[player] = PortTakesPointer(game.game.Header().system, game.options, player);
     }
 }
 

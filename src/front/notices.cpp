@@ -1,6 +1,6 @@
 #include "front/notices.h"
 
-#include "front/commands.h"
+#include "front/tools/commands.h"
 #include "host/host_data.h"
 
 #include <algorithm>

@@ -5,6 +5,8 @@
 // SaveState and LoadState from other threads to the boundaries between frames.
 #pragma once
 
+#include "facts/machine_facts.h"
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -52,9 +54,6 @@ struct EMU_INPUT_STATE {
         uint32_t y; // (visibleX, visibleY)
     } pointer[2];
 };
-
-// Machine options: 256 bytes whose layout each machine defines.
-inline constexpr size_t kMachineOptionBytes = 256;
 
 using StateBlob = std::unique_ptr<uint8_t[]>;
 

@@ -6,6 +6,12 @@
 #include "sega8/sms.h"
 #include "sega8/system_e.h"
 
+#include "facts/arcade_facts.h"
+#include "facts/game_gear_facts.h"
+#include "facts/mega_drive_facts.h"
+#include "facts/nes_facts.h"
+#include "facts/sms_facts.h"
+
 #include <memory>
 
 namespace {
@@ -15,13 +21,14 @@ std::unique_ptr<CEmuSystem> Construct(uint32_t sessionKey) {
     return std::make_unique<Machine>(sessionKey);
 }
 
-// The arcade board has no folder, so its saves lie in the program's home itself.
+template <typename Machine>
+constexpr MACHINE_ENTRY Entry(const MACHINE_FACTS& facts) {
+    return {facts.system, facts.saveFolder, Construct<Machine>};
+}
+
 constexpr MACHINE_ENTRY kMachines[] = {
-    {1, ".\\sms",       Construct<CSMS>      },
-    {2, ".\\gamegear",  Construct<CGAMEGEAR> },
-    {4, ".\\megadrive", Construct<CMegaDrive>},
-    {5, ".\\nes",       Construct<CNES>      },
-    {6, "",             Construct<CSEGAE>    },
+    Entry<CSMS>(kSmsFacts), Entry<CGAMEGEAR>(kGearFacts), Entry<CMegaDrive>(kMdFacts),
+    Entry<CNES>(kNesFacts), Entry<CSEGAE>(kArcadeFacts),
 };
 
 } // namespace

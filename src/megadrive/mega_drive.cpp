@@ -41,21 +41,12 @@ constexpr uint8_t kVersionOverseas = 0x80;
 constexpr uint8_t kVersionJapan = 0x00;
 constexpr uint8_t kVersion50Hz = 0xC0;
 
-// In the order of the actions' names, which is not MD_PAD's.
+// In the order of the actions, which is not MD_PAD's.
 constexpr uint8_t MD_PAD::*kButtons[] = {
     &MD_PAD::up, &MD_PAD::down, &MD_PAD::left, &MD_PAD::right, &MD_PAD::start, &MD_PAD::mode,
     &MD_PAD::a,  &MD_PAD::b,    &MD_PAD::c,    &MD_PAD::x,     &MD_PAD::y,     &MD_PAD::z,
 };
-constexpr const wchar_t* kActions[kMdPads][std::size(kButtons)] = {
-    {L"MEGADRIVE P1 UP", L"MEGADRIVE P1 DOWN", L"MEGADRIVE P1 LEFT", L"MEGADRIVE P1 RIGHT",
-     L"MEGADRIVE P1 START", L"MEGADRIVE P1 MODE", L"MEGADRIVE P1 BUTTONA", L"MEGADRIVE P1 BUTTONB",
-     L"MEGADRIVE P1 BUTTONC", L"MEGADRIVE P1 BUTTONX", L"MEGADRIVE P1 BUTTONY",
-     L"MEGADRIVE P1 BUTTONZ"},
-    {L"MEGADRIVE P2 UP", L"MEGADRIVE P2 DOWN", L"MEGADRIVE P2 LEFT", L"MEGADRIVE P2 RIGHT",
-     L"MEGADRIVE P2 START", L"MEGADRIVE P2 MODE", L"MEGADRIVE P2 BUTTONA", L"MEGADRIVE P2 BUTTONB",
-     L"MEGADRIVE P2 BUTTONC", L"MEGADRIVE P2 BUTTONX", L"MEGADRIVE P2 BUTTONY",
-     L"MEGADRIVE P2 BUTTONZ"},
-};
+static_assert(std::size(kButtons) == std::size(kMdPlayerActions[0]));
 
 char Upper(uint8_t byte) {
     return static_cast<char>(std::toupper(byte));
@@ -224,7 +215,8 @@ void CMegaDrive::ReadPads() {
     for (size_t i = 0; i < kMdPads; ++i) {
         md.io.pads[i] = {};
         for (size_t button = 0; button < std::size(kButtons); ++button) {
-            md.io.pads[i].*kButtons[button] = InputIsDown(sessionKey, kActions[i][button]) ? 1 : 0;
+            md.io.pads[i].*kButtons[button] =
+                InputIsDown(sessionKey, kMdPlayerActions[i][button]) ? 1 : 0;
         }
     }
 }
@@ -363,10 +355,8 @@ std::vector<uint8_t> CMegaDrive::Dump(std::string_view region) const {
 }
 
 std::span<const std::string_view> CMegaDrive::Regions() const {
-    static constexpr std::string_view kRegions[] = {"ram",   "vram",   "palette",
-                                                    "vsram", "z80ram", "sram"};
     const bool hasMemory = !MdCartSaveData(md.cartridge).empty();
-    return std::span(kRegions).first(std::size(kRegions) - (hasMemory ? 0 : 1));
+    return std::span(kMdRegions).first(std::size(kMdRegions) - (hasMemory ? 0 : 1));
 }
 
 // Battery RAM is held in words of the host.

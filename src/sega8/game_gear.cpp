@@ -5,11 +5,11 @@
 
 #include "formats/game_file.h"
 #include "machine/machine_image.h"
+#include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
 #include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
-#include "settings/bindings.h"
 
 #include <algorithm>
 #include <cstring>
@@ -31,27 +31,9 @@ constexpr float kWindowAspect = 4.0f / 3.0f;
 constexpr uint32_t kBlack = 0xFF000000;
 constexpr uint8_t kThLevels = 0xA0; // of the odd ports up to 0x3F; a rise latches the H counter
 
-struct BUTTON {
-    const wchar_t* action;
-    uint8_t bit; // of port 0xDC
-};
-
-constexpr uint32_t kButtonsOfPlayer = 6;
-constexpr BUTTON kButtons[2][kButtonsOfPlayer] = {
-    {{L"GG P1 UP", 0x01},
-     {L"GG P1 DOWN", 0x02},
-     {L"GG P1 LEFT", 0x04},
-     {L"GG P1 RIGHT", 0x08},
-     {L"GG P1 BUTTON1", 0x10},
-     {L"GG P1 BUTTON2", 0x20}},
-    {{L"GG P2 UP", 0x01},
-     {L"GG P2 DOWN", 0x02},
-     {L"GG P2 LEFT", 0x04},
-     {L"GG P2 RIGHT", 0x08},
-     {L"GG P2 BUTTON1", 0x10},
-     {L"GG P2 BUTTON2", 0x20}},
-};
-constexpr const wchar_t* kStartButtons[2] = {L"GG P1 START", L"GG P2 START"};
+// In the order of the actions: the bits of port 0xDC, and the start button, which is on port 0.
+constexpr uint32_t kStart = 0x80;
+constexpr uint32_t kButtonBits[] = {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, kStart};
 
 GEAR_CONSOLE& Console(void* context) {
     return *static_cast<GEAR_CONSOLE*>(context);
@@ -313,13 +295,9 @@ void CGAMEGEAR::Reset() {
 void CGAMEGEAR::ReadInput() {
     for (uint32_t player = 0; player < consoleCount; ++player) {
         GEAR_CONSOLE& console = consoles[player];
-        console.buttons = 0xFF;
-        for (const BUTTON& button : kButtons[player]) {
-            if (InputIsDown(sessionKey, button.action)) {
-                console.buttons = static_cast<uint8_t>(console.buttons & ~button.bit);
-            }
-        }
-        console.link.startDown = InputIsDown(sessionKey, kStartButtons[player]);
+        const uint32_t held = ReadButtons(sessionKey, kGearPlayerActions[player], kButtonBits);
+        console.buttons = static_cast<uint8_t>(~(held & ~kStart));
+        console.link.startDown = (held & kStart) != 0;
     }
 }
 
@@ -520,6 +498,5 @@ std::vector<uint8_t> CGAMEGEAR::Dump(std::string_view region) const {
 }
 
 std::span<const std::string_view> CGAMEGEAR::Regions() const {
-    static constexpr std::string_view kRegions[] = {"ram", "sram", "vram", "palette"};
-    return kRegions;
+    return kGearRegions;
 }

@@ -5,11 +5,11 @@
 
 #include "formats/game_file.h"
 #include "machine/machine_image.h"
+#include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
 #include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
-#include "settings/bindings.h"
 
 #include <cstring>
 #include <memory>
@@ -29,45 +29,12 @@ constexpr double kFmGain = 0.7;
 constexpr double kPsgGain = 0.7;
 constexpr uint32_t kPaletteBytes = 32; // of colour RAM
 
-struct BUTTON {
-    const wchar_t* action;
-    uint32_t bit;
+// In the order of the actions.
+constexpr uint32_t kConsoleBits[] = {kPadPause, kPadReset};
+constexpr uint32_t kPlayerBits[] = {
+    kPadUp,           kPadDown,         kPadLeft,         kPadRight,        kPadButton1,
+    kPadButton1 << 1, kPadButton1 << 2, kPadButton1 << 3, kPadButton1 << 4, kPadButton1 << 5,
 };
-
-constexpr BUTTON kPlayer1[] = {
-    {L"SMS P1 UP",      kPadUp          },
-    {L"SMS P1 DOWN",    kPadDown        },
-    {L"SMS P1 LEFT",    kPadLeft        },
-    {L"SMS P1 RIGHT",   kPadRight       },
-    {L"SMS P1 BUTTON1", kPadButton1     },
-    {L"SMS P1 BUTTON2", kPadButton1 << 1},
-    {L"SMS P1 BUTTON3", kPadButton1 << 2},
-    {L"SMS P1 BUTTON4", kPadButton1 << 3},
-    {L"SMS P1 BUTTON5", kPadButton1 << 4},
-    {L"SMS P1 BUTTON6", kPadButton1 << 5},
-    {L"SMS RESET",      kPadReset       },
-    {L"SMS PAUSE",      kPadPause       },
-};
-constexpr BUTTON kPlayer2[] = {
-    {L"SMS P2 UP",      kPadUp          },
-    {L"SMS P2 DOWN",    kPadDown        },
-    {L"SMS P2 LEFT",    kPadLeft        },
-    {L"SMS P2 RIGHT",   kPadRight       },
-    {L"SMS P2 BUTTON1", kPadButton1     },
-    {L"SMS P2 BUTTON2", kPadButton1 << 1},
-    {L"SMS P2 BUTTON3", kPadButton1 << 2},
-    {L"SMS P2 BUTTON4", kPadButton1 << 3},
-    {L"SMS P2 BUTTON5", kPadButton1 << 4},
-    {L"SMS P2 BUTTON6", kPadButton1 << 5},
-};
-
-uint32_t ReadButtons(uint32_t sessionKey, std::span<const BUTTON> buttons) {
-    uint32_t word = 0;
-    for (const BUTTON& button : buttons) {
-        word |= InputIsDown(sessionKey, button.action) ? button.bit : 0;
-    }
-    return word;
-}
 
 struct MODEL {
     uint32_t clock; // of Z80 and PSG
@@ -215,7 +182,10 @@ void CSMS::Reset() {
 }
 
 void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) {
-    PadsBeginFrame(pads, {ReadButtons(sessionKey, kPlayer1), ReadButtons(sessionKey, kPlayer2)},
+    PadsBeginFrame(pads,
+                   {ReadButtons(sessionKey, kSmsPlayerActions[0], kPlayerBits) |
+                        ReadButtons(sessionKey, kSmsConsoleActions, kConsoleBits),
+                    ReadButtons(sessionKey, kSmsPlayerActions[1], kPlayerBits)},
                    input);
     vdp.pausePressed = (pads.input[0] & kPadPause) != 0;
     VdpBeginFrame(vdp, video->pixels, kVdpPictureWidth);
@@ -367,6 +337,5 @@ std::vector<uint8_t> CSMS::Dump(std::string_view region) const {
 }
 
 std::span<const std::string_view> CSMS::Regions() const {
-    static constexpr std::string_view kRegions[] = {"ram", "sram", "vram", "palette"};
-    return kRegions;
+    return kSmsRegions;
 }

@@ -25,22 +25,13 @@
 // Owner: the machine. The aim of a phaser, the turn of a paddle and all counters are in its state.
 #pragma once
 
+#include "facts/sms_facts.h"
 #include "machine/emu_system.h"
 
 #include <array>
 #include <cstdint>
 
 struct VDP;
-
-enum class PadDevice : uint8_t {
-    kJoypad = 1,
-    kLightPhaser = 2,
-    kSportsPad = 4,
-    kPaddle = 8,
-    kSixButton = 16
-};
-// kJoypad for an unknown number.
-[[nodiscard]] PadDevice PadDeviceOf(uint8_t option);
 
 // What a player holds down, a bit each.
 enum PadInput : uint32_t {

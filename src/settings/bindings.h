@@ -81,6 +81,10 @@ void RegisterBindings(SettingsStore& store);
 // `kApplicationKey` is always answered.
 [[nodiscard]] bool InputIsDown(uint32_t sessionKey, std::wstring_view name);
 
+// Is told the name of every action that a session's machine or hotkeys ask for, on the asking thread;
+// null, as at the start, for nobody. For tests.
+void InputSetPollObserver(void (*observer)(std::wstring_view name));
+
 // Whether one code is down; with `useReleased` also when it went up since the pump began, so that a
 // press shorter than a round is seen.
 [[nodiscard]] bool BindingIsDown(uint32_t code, bool useReleased);

@@ -4,7 +4,7 @@
 
 #include "base/files.h"
 #include "front/application.h"
-#include "front/play.h"
+#include "front/tools/play.h"
 #include "host/machine_list.h"
 #include "sega8/machine_rig.h"
 

@@ -1,9 +1,9 @@
 // The windowed program: started, played by keys, looked at and ended, in this process.
 #include "audio/sound.h"
-#include "front/key_injector.h"
 #include "front/notices.h"
 #include "front/program_title.h"
-#include "front/run_settings.h"
+#include "front/tools/key_injector.h"
+#include "front/tools/run_settings.h"
 #include "front/unread_notices.h"
 #include "front/window_rig.h"
 #include "host/host_data.h"

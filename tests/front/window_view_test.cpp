@@ -3,8 +3,8 @@
 #include "front/plain_machine.h"
 #include "front/window_rig.h"
 #include "library/convert.h"
-#include "library/systems.h"
 
+#include "facts/machine_facts.h"
 #include "settings/bindings.h"
 
 #include <algorithm>

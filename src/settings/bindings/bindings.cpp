@@ -52,6 +52,7 @@ constexpr std::array<uint8_t, 16> kHatCodes = MakeHatCodes();
 std::array<std::atomic<uint8_t>, kInputCodes> gReleased{}; // set to 0 since the pump began
 std::atomic<uint32_t> gActiveKey{0};
 std::atomic<bool> gWalkingRoom{false};
+std::atomic<void (*)(std::wstring_view)> gPollObserver{nullptr};
 
 bool IsSet(const std::atomic<uint8_t>& byte) {
     return byte.load(std::memory_order_relaxed) != 0;
@@ -146,7 +147,14 @@ void RegisterBindings(SettingsStore& store) {
     RefreshActionNotes(store);
 }
 
+void InputSetPollObserver(void (*observer)(std::wstring_view name)) {
+    gPollObserver.store(observer, std::memory_order_relaxed);
+}
+
 bool InputIsDown(uint32_t sessionKey, std::wstring_view name) {
+    if (auto* const observer = gPollObserver.load(std::memory_order_relaxed)) {
+        observer(name);
+    }
     if (sessionKey != kApplicationKey && (sessionKey != InputActiveKey() || InputWalkingRoom())) {
         return false;
     }

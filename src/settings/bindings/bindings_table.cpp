@@ -2,6 +2,11 @@
 // of the USB HID usage tables (page 7). Of the machines' actions only those of the first player and of
 // the console itself have one. Behind it stand the controls of game controllers that do the same.
 
+#include "facts/arcade_facts.h"
+#include "facts/game_gear_facts.h"
+#include "facts/mega_drive_facts.h"
+#include "facts/nes_facts.h"
+#include "facts/sms_facts.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 
@@ -21,6 +26,8 @@ constexpr uint64_t Left(uint32_t player) {
 constexpr uint64_t Right(uint32_t player) {
     return PadBit(player, kPadDpadRight) | PadBit(player, kPadStickRight);
 }
+
+constexpr size_t kProgramActions = 12; // come first in the table
 
 // clang-format off
 constexpr INPUT_ACTION kInputActions[] = {
@@ -165,6 +172,29 @@ constexpr std::array<uint8_t, std::size(kInputActions)> MakeOwners() {
 }
 
 constexpr auto kInputOwnersOfActions = MakeOwners();
+
+// The table goes on with this machine's actions, in their order.
+constexpr bool NamesActionsOf(const MACHINE_FACTS& machine, size_t& row) {
+    for (const auto names :
+         {machine.consoleActions, machine.playerActions[0], machine.playerActions[1]}) {
+        for (const std::wstring_view name : names) {
+            if (row == std::size(kInputActions) || name != kInputActions[row].name) {
+                return false;
+            }
+            ++row;
+        }
+    }
+    return true;
+}
+
+// A machine polls its actions by these names, and one without a row here would never be down.
+constexpr bool NamesEveryMachinesActions() {
+    size_t row = kProgramActions;
+    return NamesActionsOf(kNesFacts, row) && NamesActionsOf(kArcadeFacts, row) &&
+           NamesActionsOf(kSmsFacts, row) && NamesActionsOf(kMdFacts, row) &&
+           NamesActionsOf(kGearFacts, row) && row == std::size(kInputActions);
+}
+static_assert(NamesEveryMachinesActions());
 
 } // namespace
 

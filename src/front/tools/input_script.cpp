@@ -1,4 +1,4 @@
-#include "front/input_script.h"
+#include "front/tools/input_script.h"
 
 #include "base/files.h"
 #include "base/text.h"

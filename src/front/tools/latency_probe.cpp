@@ -1,9 +1,9 @@
-#include "front/latency_probe.h"
+#include "front/tools/latency_probe.h"
 
 #include "base/random.h"
 #include "front/application.h"
-#include "front/commands.h"
-#include "front/key_injector.h"
+#include "front/tools/commands.h"
+#include "front/tools/key_injector.h"
 #include "host/host_data.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "front/key_injector.h"
+#include "front/tools/key_injector.h"
 
 #include "settings/bindings.h"
 #include "settings/settings.h"

@@ -1,7 +1,7 @@
-#include "front/machine_options.h"
 #include "library/convert.h"
 
 #include "formats/game_file.h"
+#include "machines/machine_options.h"
 #include "settings/settings.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -81,6 +81,33 @@ TEST(MachineOptions, MegaDriveTakesItsGainsFromTheSettings) {
         EXPECT_EQ(options[0] | options[1] | options[2], 0) << "all automatic";
     }
     RegisterDefaultSettings(Settings());
+}
+
+TEST(MachineOptions, OnlyAPortWithALightPhaserTakesAPointer) {
+    OptionBlock options{};
+    std::string error;
+    EXPECT_FALSE(PortTakesPointer(kSystemMasterSystem, options, 0));
+    ASSERT_TRUE(SetMachineOption(kSystemMasterSystem, "port2", "phaser", options, error));
+    EXPECT_FALSE(PortTakesPointer(kSystemMasterSystem, options, 0));
+    EXPECT_TRUE(PortTakesPointer(kSystemMasterSystem, options, 1));
+    EXPECT_FALSE(PortTakesPointer(kSystemMasterSystem, options, 2)) << "there are two ports";
+    EXPECT_FALSE(PortTakesPointer(kSystemMasterSystem, options, SIZE_MAX));
+    for (const uint16_t other :
+         {kSystemGameGear, kSystemMegaDrive, kSystemNes, kSystemArcade, GameSystem{3}}) {
+        OptionBlock twos;
+        twos.fill(2);
+        EXPECT_FALSE(PortTakesPointer(other, twos, 0)) << other;
+        EXPECT_FALSE(PortTakesPointer(other, twos, 1)) << other;
+    }
+    ASSERT_TRUE(SetMachineOption(kSystemMasterSystem, "port2", "paddle", options, error));
+    EXPECT_FALSE(PortTakesPointer(kSystemMasterSystem, options, 1));
+}
+
+TEST(MachineOptions, TheHelpNamesEveryOptionOfEveryMachine) {
+    const std::string help = MachineOptionsHelp();
+    EXPECT_THAT(help, HasSubstr("Master System: port1=joypad|phaser|sportspad|paddle|6button\n"));
+    EXPECT_THAT(help, HasSubstr("Game Gear: link=0|1\n"));
+    EXPECT_THAT(help, HasSubstr("Mega Drive: console=auto|genesis|japan|pal\n"));
 }
 
 TEST(MachineOptions, AWrongValueListsTheRightOnes) {

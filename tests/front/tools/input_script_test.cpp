@@ -1,4 +1,4 @@
-#include "front/input_script.h"
+#include "front/tools/input_script.h"
 
 #include "settings/bindings.h"
 #include "settings/settings.h"

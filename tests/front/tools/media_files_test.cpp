@@ -1,4 +1,4 @@
-#include "front/media_files.h"
+#include "front/tools/media_files.h"
 
 #include <gtest/gtest.h>
 #include <png.h>

@@ -1,9 +1,9 @@
-#include "front/play.h"
+#include "front/tools/play.h"
 
 #include "base/audio_rate.h"
-#include "front/commands.h"
 #include "front/demos.h"
-#include "front/run_settings.h"
+#include "front/tools/commands.h"
+#include "front/tools/run_settings.h"
 #include "host/machine_list.h"
 #include "library/convert.h"
 #include "library/game_source.h"
@@ -38,11 +38,23 @@ int ApplySetting(const std::string& text, OPENED_GAME& opened, std::string& erro
     return kExitUsage;
 }
 
-bool OpenBios(const std::string& path, const GAME_SYSTEM* system, OPENED_GAME& opened,
+bool OpenBios(const std::string& path, const MACHINE_FACTS* system, OPENED_GAME& opened,
               std::string& error) {
     std::string title;
     opened.hasBios = OpenGame(path, system, opened.bios, title, error);
     return opened.hasBios;
+}
+
+std::string RegionsHelp() {
+    std::string help;
+    for (const MACHINE_FACTS& machine : MachineFacts()) {
+        help += "  " + std::string(machine.name) + ":";
+        for (const std::string_view region : machine.regions) {
+            help += " " + std::string(region);
+        }
+        help += "\n";
+    }
+    return help;
 }
 
 } // namespace
@@ -77,8 +89,8 @@ bool OpenDemo(const std::string& name, OPENED_GAME& opened) {
 }
 
 int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& error) {
-    const GAME_SYSTEM* system =
-        options.machine.empty() ? nullptr : FindGameSystem(std::string_view(options.machine));
+    const MACHINE_FACTS* system =
+        options.machine.empty() ? nullptr : FindMachineFacts(std::string_view(options.machine));
     if (options.game.starts_with(kDemoPrefix)) {
         if (!OpenDemo(options.game.substr(kDemoPrefix.size()), opened)) {
             error = options.game + ": there is no such demo; play --help lists them";
@@ -88,7 +100,7 @@ int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& e
         return kExitFailed;
     }
     const uint16_t number = opened.game.Header().system;
-    if (!options.bios.empty() && !OpenBios(options.bios, FindGameSystem(number), opened, error)) {
+    if (!options.bios.empty() && !OpenBios(options.bios, FindMachineFacts(number), opened, error)) {
         return kExitFailed;
     }
     opened.options = DefaultMachineOptions(opened.game);
@@ -99,7 +111,7 @@ int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& e
     }
     TakeMachineSettings(number, opened.options);
     if (EmuFindMachine(number) == nullptr) {
-        const GAME_SYSTEM* entry = FindGameSystem(number);
+        const MACHINE_FACTS* entry = FindMachineFacts(number);
         error = options.game + ": is a game of the " +
                 (entry != nullptr ? entry->name : "system " + std::to_string(number)) +
                 ", and that machine is not built in";
@@ -122,9 +134,8 @@ int PlayCommand(const PLAY_OPTIONS& options) {
 std::string PlayHelp() {
     std::string help = "Machine options for --set:\n" + MachineOptionsHelp() +
                        "Any setting of config.xml can be set as well, for this run.\n"
-                       "Regions for --dump: ram, vram, palette, sram; z80ram, vsram, oam where the "
-                       "machine has them.\n"
-                       "Games of our own, for GAME:\n";
+                       "Regions for --dump:\n" +
+                       RegionsHelp() + "Games of our own, for GAME:\n";
     for (const DEMO& demo : Demos()) {
         help += "  demo:" + std::string(demo.name) + "  " + demo.title + "\n";
     }

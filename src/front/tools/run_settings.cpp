@@ -1,4 +1,4 @@
-#include "front/run_settings.h"
+#include "front/tools/run_settings.h"
 
 #include "base/text.h"
 

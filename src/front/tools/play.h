@@ -1,9 +1,8 @@
 // `ombrelune play`: one game at once.
 #pragma once
 
-#include "front/machine_options.h"
-
 #include "formats/game_file.h"
+#include "machines/machine_options.h"
 
 #include <cstdint>
 #include <string>

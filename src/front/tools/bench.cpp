@@ -1,16 +1,16 @@
 // `ombrelune bench`: whole machines, unpaced, on one core.
 
 #include "base/files.h"
-#include "front/commands.h"
 #include "front/demos.h"
-#include "front/play.h"
+#include "front/tools/commands.h"
+#include "front/tools/play.h"
 #include "host/aligned_block.h"
 #include "host/frame_loop.h"
 #include "host/machine_list.h"
 #include "host/picture.h"
 #include "host/session.h"
-#include "library/systems.h"
 
+#include "facts/machine_facts.h"
 #include "settings/settings.h"
 
 #include <chrono>
@@ -102,7 +102,7 @@ bool Measure(const DEMO& demo, double seconds, BENCH_RESULT& result) {
     double soundSeconds = 0.0;
     Settings().SetInt(L"emu_rewindbuffer", 0);
     run.Run(0.0, elapsed, soundSeconds); // one frame that is not counted
-    result.machine = FindGameSystem(demo.system)->shortName;
+    result.machine = FindMachineFacts(demo.system)->shortName;
     result.game = demo.name;
     // In turns, so that a busy machine weighs on both alike.
     constexpr int kTurns = 4;
@@ -162,7 +162,7 @@ const DEMO* BenchGame(uint16_t system) {
 int BenchCommand(const BENCH_OPTIONS& options) {
     std::vector<BENCH_RESULT> results;
     bool done = true;
-    for (const GAME_SYSTEM& system : GameSystems()) {
+    for (const MACHINE_FACTS& system : MachineFacts()) {
         const bool wanted = options.machine == "all" || options.machine == system.shortName;
         const DEMO* demo = wanted ? BenchGame(system.system) : nullptr;
         if (demo == nullptr || EmuFindMachine(system.system) == nullptr) {

@@ -1,6 +1,6 @@
-#include "front/screenshots.h"
+#include "front/tools/screenshots.h"
 
-#include "front/number_text.h"
+#include "front/tools/number_text.h"
 
 namespace {
 

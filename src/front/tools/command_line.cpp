@@ -1,12 +1,12 @@
-#include "front/command_line.h"
+#include "front/tools/command_line.h"
 
 #include "base/files.h"
-#include "front/commands.h"
 #include "front/notices.h"
-#include "front/play.h"
+#include "front/tools/commands.h"
+#include "front/tools/play.h"
 #include "front/version.h"
-#include "library/systems.h"
 
+#include "facts/machine_facts.h"
 #include "machines/machines.h"
 #include "settings/settings.h"
 #include <CLI/CLI.hpp>
@@ -46,7 +46,7 @@ void StartUp(const std::string& homeOption) {
 
 std::vector<std::string> MachineNames() {
     std::vector<std::string> names;
-    for (const GAME_SYSTEM& system : GameSystems()) {
+    for (const MACHINE_FACTS& system : MachineFacts()) {
         names.emplace_back(system.shortName);
     }
     return names;

@@ -1,12 +1,12 @@
-#include "front/commands.h"
+#include "front/tools/commands.h"
 
 #include "base/audio_rate.h"
 #include "base/files.h"
 #include "base/text.h"
 #include "library/convert.h"
 #include "library/game_source.h"
-#include "library/systems.h"
 
+#include "facts/machine_facts.h"
 #include "formats/game_file.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 namespace {
 
 std::string SystemText(uint16_t system) {
-    const GAME_SYSTEM* entry = FindGameSystem(system);
+    const MACHINE_FACTS* entry = FindMachineFacts(system);
     return entry != nullptr ? entry->name : "unknown (" + std::to_string(system) + ")";
 }
 
@@ -185,8 +185,8 @@ int InfoCommand(const std::vector<fs::path>& paths) {
 }
 
 int ConvertCommand(const CONVERT_OPTIONS& options) {
-    const GAME_SYSTEM* system =
-        options.machine.empty() ? nullptr : FindGameSystem(std::string_view(options.machine));
+    const MACHINE_FACTS* system =
+        options.machine.empty() ? nullptr : FindMachineFacts(std::string_view(options.machine));
     Databases databases;
     bool done = true;
     for (const fs::path& path : options.paths) {

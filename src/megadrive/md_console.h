@@ -23,6 +23,8 @@
 #include "sega8/psg.h"
 #include "sega8/z80.h"
 
+#include "machine/chip_sound.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -43,6 +45,8 @@ struct MEGA_DRIVE {
     MD_VDP vdp;
     YM2612 fm;
     PSG psg;
+    ChipSound fmSound;
+    ChipSound psgSound;
     MD_CARTRIDGE cartridge;
     MD_IO io;
 

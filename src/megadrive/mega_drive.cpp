@@ -251,21 +251,21 @@ void CMegaDrive::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRA
 }
 
 void CMegaDrive::MixFrame(EMU_AUDIO_FRAME& audio) {
-    PsgFlush(md.psg);
-    Ym2612Flush(md.fm);
-    const uint32_t psg = ReadyValues(md.psg.resampler);
-    const uint32_t fm = ReadyValues(md.fm.resampler);
+    md.psgSound.Flush();
+    md.fmSound.Flush();
+    const uint32_t psg = ReadyValues(md.psgSound);
+    const uint32_t fm = ReadyValues(md.fmSound);
     if (fm < psg) {
-        Ym2612CatchUp(md.fm, psg);
+        md.fmSound.CatchUp(psg, [this] { Ym2612Run(md.fm, kYm2612ClocksPerSample); });
     } else if (psg < fm) {
-        PsgCatchUp(md.psg, fm);
+        md.psgSound.CatchUp(fm, [this] { PsgRun(md.psg, kPsgClocksPerPair); });
     }
     const auto mix = [this](int32_t psgValue, int32_t fmValue) {
         const float sum = static_cast<float>(psgValue) * chosen.psgVolume +
                           static_cast<float>(fmValue) * chosen.ymVolume;
         return static_cast<int32_t>(std::clamp(sum, -32768.0F, 32767.0F));
     };
-    MixSound(md.psg.resampler, md.fm.resampler, std::max(psg, fm), audio, mix);
+    MixSound(md.psgSound, md.fmSound, std::max(psg, fm), audio, mix);
 }
 
 template <typename Visit>
@@ -283,7 +283,7 @@ void CMegaDrive::BoardFields(Visit& visit) {
 
 StateBlob CMegaDrive::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    const auto sound = {&std::as_const(md.psg.resampler), &std::as_const(md.fm.resampler)};
+    const auto sound = {&std::as_const(md.psgSound), &std::as_const(md.fmSound)};
     size = StatePieceSize(board) + M68kStateSize() + Z80StateSize() + MdVdpStateSize() +
            PsgStateSize() + Ym2612StateSize() + MdCartStateSize(md.cartridge) +
            SoundStateSize(sound);
@@ -308,8 +308,7 @@ bool CMegaDrive::LoadPieces(const uint8_t* data, uint32_t size) {
                         pieces.Load(md.z80, Z80LoadState) && pieces.Load(md.vdp, MdVdpLoadState) &&
                         pieces.Load(md.psg, PsgLoadState) && pieces.Load(md.fm, Ym2612LoadState) &&
                         pieces.Load(md.cartridge, MdCartLoadState);
-    LoadSoundState({&md.psg.resampler, &md.fm.resampler}, pieces.Rest(),
-                   loaded ? pieces.Left() : 0);
+    LoadSoundState({&md.psgSound, &md.fmSound}, pieces.Rest(), loaded ? pieces.Left() : 0);
     return loaded;
 }
 

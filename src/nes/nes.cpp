@@ -86,8 +86,8 @@ void CNES::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* vi
     // The host's buffer may be gone before the next frame, while a loaded state may stand in a picture.
     nes.ppu.pixels = nullptr;
     nes.ppu.row = nullptr;
-    ApuFlush(nes.apu);
-    TakeSound(nes.apu.resampler, *audio);
+    nes.sound.Flush();
+    TakeSound(nes.sound, *audio);
 }
 
 template <typename Visit>
@@ -114,7 +114,7 @@ bool CNES::HasPlainRam() const {
 StateBlob CNES::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
     const auto plainRam = [&](auto& visit) { PlainRamFields(visit); };
-    const auto sound = {&std::as_const(nes.apu.resampler)};
+    const auto sound = {&std::as_const(nes.sound)};
     size = StatePieceSize(board) + M6502StateSize() + PpuStateSize() + ApuStateSize() +
            BoardStateSize(nes.cartridge) + (HasPlainRam() ? StatePieceSize(plainRam) : 0) +
            SoundStateSize(sound);
@@ -145,7 +145,7 @@ bool CNES::LoadPieces(const uint8_t* data, uint32_t size) {
             return StatePieceRead(piece, left, plainRam);
         });
     }
-    LoadSoundState({&nes.apu.resampler}, pieces.Rest(), loaded ? pieces.Left() : 0);
+    LoadSoundState({&nes.sound}, pieces.Rest(), loaded ? pieces.Left() : 0);
     return loaded;
 }
 

@@ -15,6 +15,8 @@
 #include "nes/m6502.h"
 #include "nes/ppu.h"
 
+#include "machine/chip_sound.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -47,6 +49,7 @@ struct NES_CONSOLE {
     M6502 cpu;
     PPU ppu;
     APU apu;
+    ChipSound sound; // of the APU
     std::array<NES_PAD, kNesPads> pads;
     std::array<uint8_t, kNesWorkRamBytes> workRam{};
     NES_CARTRIDGE cartridge;

@@ -13,6 +13,8 @@
 #include "nes/ppu_run.h"
 #include "nes/ppu_tick.h"
 
+#include "machine/sound_settings.h"
+
 #include <algorithm>
 
 namespace {
@@ -151,6 +153,8 @@ void NesReset(NES_CONSOLE& nes) {
             return CartridgeRead(Console(context).cartridge, address);
         },
         &nes);
+    nes.apu.pairs = &nes.sound.pairs;
+    nes.sound.Init(kApuSampleRate, SoundChoiceFromSettings());
     ApuReset(nes.apu, true, &nes.cpu.irqLines);
     PpuReset(nes.ppu, true, &nes.cpu.nmiLine);
     BoardReset(nes.cartridge);

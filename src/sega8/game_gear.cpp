@@ -7,6 +7,7 @@
 #include "machine/machine_image.h"
 #include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
+#include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
 
@@ -126,7 +127,7 @@ bool LinkIsQuiet(const GEAR_LINK& link, uint32_t clocks) {
            (link.errorClocks == 0 || link.errorClocks > clocks);
 }
 
-void ConnectConsole(GEAR_CONSOLE& console, int psgModel) {
+void ConnectConsole(GEAR_CONSOLE& console, int psgModel, const SOUND_CHOICE& choice) {
     Z80Init(
         console.z80, &console,
         [](void* context, uint32_t address, uint32_t) {
@@ -144,6 +145,8 @@ void ConnectConsole(GEAR_CONSOLE& console, int psgModel) {
     VdpInit(console.vdp, &console.irqOut, &console.z80.nmiEdge, false, kVdpGameGear);
     console.vdp.vram = console.vram.data();
     PsgInit(console.psg, kPsgClock, psgModel, true);
+    console.psg.pairs = &console.sound.pairs;
+    console.sound.Init(kPsgClock / double{kPsgClocksPerPair}, choice);
     console.link.nmi = &console.z80.nmiEdge;
 }
 
@@ -153,6 +156,7 @@ void ResetConsole(GEAR_CONSOLE& console) {
     console.z80.regs[kZ80Sp] = kStackStart;
     VdpReset(console.vdp);
     PsgReset(console.psg);
+    console.sound.Reset();
     GearLinkReset(console.link);
     console.ioControl = 0xFF;
     console.buttons = 0xFF;
@@ -271,8 +275,9 @@ bool CGAMEGEAR::Init(const void* options, CGameFile* const games[2]) {
 }
 
 void CGAMEGEAR::ConnectChips() {
-    ConnectConsole(consoles[0], 1);
-    ConnectConsole(consoles[1], 2);
+    const SOUND_CHOICE choice = SoundChoiceFromSettings();
+    ConnectConsole(consoles[0], 1, choice);
+    ConnectConsole(consoles[1], 2, choice);
     const bool linked = consoleCount == 2;
     consoles[0].link.partner = linked ? &consoles[1].link : nullptr;
     consoles[1].link.partner = linked ? &consoles[0].link : nullptr;
@@ -303,17 +308,17 @@ void CGAMEGEAR::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video,
     for (uint32_t i = 0; i < consoleCount; ++i) {
         VdpBeginFrame(consoles[i].vdp, video->pixels + size_t{i} * kVdpPictureWidth, rowLength);
     }
-    PSG& first = consoles[0].psg;
-    PSG& second = consoles[1].psg;
+    ChipSound& first = consoles[0].sound;
+    ChipSound& second = consoles[1].sound;
     if (consoleCount == 1) {
         RunRounds();
-        PsgFlush(first);
-        TakeSound(first.resampler, *audio);
+        first.Flush();
+        TakeSound(first, *audio);
     } else {
         RunRounds();
-        PsgFlush(first);
-        PsgFlush(second);
-        MixSound(first.resampler, second.resampler, kAudioFramePairs * 2, *audio,
+        first.Flush();
+        second.Flush();
+        MixSound(first, second, kAudioFramePairs * 2, *audio,
                  [](int32_t a, int32_t b) { return (a + b) / 2; });
     }
     FinishPicture(*video);
@@ -431,8 +436,7 @@ void CGAMEGEAR::BoardFields(Visit& visit) {
 
 StateBlob CGAMEGEAR::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    const auto sound = {&std::as_const(consoles[0].psg.resampler),
-                        &std::as_const(consoles[1].psg.resampler)};
+    const auto sound = {&std::as_const(consoles[0].sound), &std::as_const(consoles[1].sound)};
     size = StatePieceSize(board) + 2 * (Z80StateSize() + VdpStateSize() + PsgStateSize()) +
            SoundStateSize(sound);
     auto blob = std::make_unique<uint8_t[]>(size);
@@ -457,7 +461,7 @@ bool CGAMEGEAR::LoadPieces(const uint8_t* data, uint32_t size) {
         return pieces.Load(console.z80, Z80LoadState) && pieces.Load(console.vdp, VdpLoadState) &&
                pieces.Load(console.psg, PsgLoadState);
     });
-    LoadSoundState({&consoles[0].psg.resampler, &consoles[1].psg.resampler}, pieces.Rest(),
+    LoadSoundState({&consoles[0].sound, &consoles[1].sound}, pieces.Rest(),
                    loaded ? pieces.Left() : 0);
     return loaded;
 }

@@ -21,6 +21,7 @@
 #include "sega8/z80.h"
 
 #include "facts/game_gear_facts.h"
+#include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
 
@@ -35,6 +36,7 @@ struct GEAR_CONSOLE {
     Z80 z80;
     VDP vdp;
     PSG psg;
+    ChipSound sound; // of the PSG
     SEGA_MEMORY memory;
     GEAR_LINK link;
     uint32_t irqOut = 0;      // by the VDP

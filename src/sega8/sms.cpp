@@ -7,6 +7,7 @@
 #include "machine/machine_image.h"
 #include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
+#include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
 
@@ -152,6 +153,11 @@ void CSMS::ConnectChips() {
     vdp.vram = vram.data();
     PsgInit(psg, model.clock, kPsgModel, false);
     YmInit(fm, model.clock);
+    psg.pairs = &psgSound.pairs;
+    fm.pairs = &fmSound.pairs;
+    const SOUND_CHOICE choice = SoundChoiceFromSettings();
+    psgSound.Init(model.clock / double{kPsgClocksPerPair}, choice);
+    fmSound.Init(model.clock / double{kYmClocksPerSample}, choice);
     pads.device = {PadDeviceOf(chosen.devices[0]), PadDeviceOf(chosen.devices[1])};
     pads.thReturns = chosen.console != kSmsJapanese && chosen.console != kMarkIii;
 }
@@ -165,6 +171,8 @@ void CSMS::Reset() {
     // The chip's own reset leaves its oscillators and the rhythm section as they were.
     YmInit(fm, ModelOf(chosen.console).clock);
     YmReset(fm);
+    psgSound.Reset();
+    fmSound.Reset();
     PadsReset(pads);
     fmAddress = 0;
     fmControl = 0;
@@ -189,8 +197,8 @@ void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FR
     if (chosen.fmChip != 0) {
         MixFm(*audio);
     } else {
-        PsgFlush(psg);
-        TakeSound(psg.resampler, *audio);
+        psgSound.Flush();
+        TakeSound(psgSound, *audio);
     }
     frameToggle ^= 1;
     video->hold = chosen.glasses != 0 && frameToggle == 1 ? 1 : 0;
@@ -239,12 +247,12 @@ void CSMS::RunCatchingUp() {
 // The two chips come to the program's rate by themselves, so one may have a sample less than the other:
 // it then runs on by itself, and what it has made too much stays for the next frame.
 void CSMS::MixFm(EMU_AUDIO_FRAME& audio) {
-    PsgFlush(psg);
-    YmFlush(fm);
-    const uint32_t values = std::max(ReadyValues(psg.resampler), ReadyValues(fm.resampler));
-    PsgCatchUp(psg, values);
-    YmCatchUp(fm, values);
-    MixSound(fm.resampler, psg.resampler, values, audio, [](int32_t fmValue, int32_t psgValue) {
+    psgSound.Flush();
+    fmSound.Flush();
+    const uint32_t values = std::max(ReadyValues(psgSound), ReadyValues(fmSound));
+    psgSound.CatchUp(values, [this] { PsgRun(psg, kPsgClocksPerPair); });
+    fmSound.CatchUp(values, [this] { YmRun(fm, kYmClocksPerSample); });
+    MixSound(fmSound, psgSound, values, audio, [](int32_t fmValue, int32_t psgValue) {
         return static_cast<int32_t>(fmValue * kFmGain + psgValue * kPsgGain);
     });
 }
@@ -276,7 +284,7 @@ void CSMS::BoardFields(Visit& visit, uint8_t& irqByte) {
 StateBlob CSMS::SaveState(uint32_t& size) {
     auto irqByte = static_cast<uint8_t>(irqOut);
     const auto board = [&](auto& visit) { BoardFields(visit, irqByte); };
-    const auto sound = {&std::as_const(psg.resampler), &std::as_const(fm.resampler)};
+    const auto sound = {&std::as_const(psgSound), &std::as_const(fmSound)};
     size = StatePieceSize(board) + Z80StateSize() + VdpStateSize() + PsgStateSize() +
            YmStateSize() + SoundStateSize(sound);
     auto blob = std::make_unique<uint8_t[]>(size);
@@ -299,7 +307,7 @@ bool CSMS::LoadPieces(const uint8_t* data, uint32_t size) {
     const bool loaded = boardTaken && pieces.Load(z80, Z80LoadState) &&
                         pieces.Load(vdp, VdpLoadState) && pieces.Load(psg, PsgLoadState) &&
                         pieces.Load(fm, YmLoadState);
-    LoadSoundState({&psg.resampler, &fm.resampler}, pieces.Rest(), loaded ? pieces.Left() : 0);
+    LoadSoundState({&psgSound, &fmSound}, pieces.Rest(), loaded ? pieces.Left() : 0);
     return loaded;
 }
 

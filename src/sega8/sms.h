@@ -18,6 +18,7 @@
 #include "sega8/z80.h"
 
 #include "facts/sms_facts.h"
+#include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
 
@@ -71,6 +72,8 @@ private:
     VDP vdp;
     PSG psg;
     YM2413 fm;
+    ChipSound psgSound;
+    ChipSound fmSound;
     SEGA_MEMORY memory;
     PAD_PORTS pads;
     uint32_t irqOut = 0;     // by the VDP

@@ -8,6 +8,7 @@
 #include "machine/machine_image.h"
 #include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
+#include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
 
@@ -172,6 +173,11 @@ void CSEGAE::ConnectChips() {
     vdp2.secondChip = true;
     PsgInit(psg1, kPsgClock, kPsgModel, false);
     PsgInit(psg2, kPsgClock, kPsgModel, false);
+    psg1.pairs = &sound1.pairs;
+    psg2.pairs = &sound2.pairs;
+    const SOUND_CHOICE choice = SoundChoiceFromSettings();
+    sound1.Init(kPsgClock / double{kPsgClocksPerPair}, choice);
+    sound2.Init(kPsgClock / double{kPsgClocksPerPair}, choice);
     RebuildMap();
 }
 
@@ -186,6 +192,8 @@ void CSEGAE::Reset() {
     Z80Reset(z80);
     PsgReset(psg1);
     PsgReset(psg2);
+    sound1.Reset();
+    sound2.Reset();
     VdpReset(vdp1);
     VdpReset(vdp2);
     RebuildMap();
@@ -257,10 +265,10 @@ void CSEGAE::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video, EMU_AU
     } else {
         RunCatchingUp();
     }
-    PsgFlush(psg1);
-    PsgFlush(psg2);
-    const uint32_t values = ReadyValues(psg2.resampler);
-    MixSound(psg1.resampler, psg2.resampler, values, *audio, [](int32_t first, int32_t second) {
+    sound1.Flush();
+    sound2.Flush();
+    const uint32_t values = ReadyValues(sound2);
+    MixSound(sound1, sound2, values, *audio, [](int32_t first, int32_t second) {
         return static_cast<int32_t>((first + second) * kPsgGain);
     });
     VdpFinishFrame(vdp1, video);
@@ -345,7 +353,7 @@ void CSEGAE::BoardFields(Visit& visit) {
 
 StateBlob CSEGAE::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    const auto sound = {&std::as_const(psg1.resampler), &std::as_const(psg2.resampler)};
+    const auto sound = {&std::as_const(sound1), &std::as_const(sound2)};
     size = StatePieceSize(board) + Z80StateSize() + 2 * VdpStateSize() + 2 * PsgStateSize() +
            SoundStateSize(sound);
     auto blob = std::make_unique<uint8_t[]>(size);
@@ -367,7 +375,7 @@ bool CSEGAE::LoadPieces(const uint8_t* data, uint32_t size) {
     const bool loaded = boardTaken && pieces.Load(z80, Z80LoadState) &&
                         pieces.Load(vdp1, VdpLoadState) && pieces.Load(vdp2, VdpLoadState) &&
                         pieces.Load(psg1, PsgLoadState) && pieces.Load(psg2, PsgLoadState);
-    LoadSoundState({&psg1.resampler, &psg2.resampler}, pieces.Rest(), loaded ? pieces.Left() : 0);
+    LoadSoundState({&sound1, &sound2}, pieces.Rest(), loaded ? pieces.Left() : 0);
     return loaded;
 }
 

@@ -17,6 +17,7 @@
 #include "sega8/vdp.h"
 #include "sega8/z80.h"
 
+#include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
 
@@ -126,6 +127,8 @@ private:
     VDP vdp2;
     PSG psg1;
     PSG psg2;
+    ChipSound sound1; // of psg1
+    ChipSound sound2;
     std::vector<uint8_t> rom;       // kArcadeRomBytes
     std::vector<uint8_t> opcodeRom; // as long, or empty: opcodes come from `rom`
     // Offset in `opcodeRom` for fetches through the banked window. Boards know 0, 32,768 and 49,152, and

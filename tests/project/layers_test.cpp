@@ -85,7 +85,7 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"libzip",           {"zip.h"},                          {"formats"}},
     {"liblzma",          {"lzma.h"},                         {"formats"}},
     {"OpenSSL",          {"openssl/"},                       {"formats"}},
-    {"libsamplerate",    {"samplerate.h"},                   {"machine"}},
+
     {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "unistd.h"}, {"base", "front"}},
 };
 // clang-format on

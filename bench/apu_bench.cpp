@@ -1,11 +1,11 @@
 // The NES's sound unit, as cost of a cycle and as multiples of real time. A frame is a sixtieth of a
 // second of processor cycles; with the resampler it is flushed and taken at its end.
 #include "base/audio_rate.h"
+#include "machine/sound_settings.h"
 #include "nes/apu.h"
 #include "nes/apu_tick.h"
-
-#include "machine/sound_settings.h"
 #include "settings/settings.h"
+
 #include "support/heard_chip.h"
 #include <benchmark/benchmark.h>
 

@@ -2,6 +2,7 @@
 // chip or channel are made in a second.
 #include "machine/band_splitter.h"
 #include "machine/resampler.h"
+
 #include <benchmark/benchmark.h>
 #include <samplerate.h>
 

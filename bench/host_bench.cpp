@@ -4,8 +4,8 @@
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/rewind.h"
-
 #include "settings/settings.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstring>

@@ -1,7 +1,7 @@
 // Cost of a frame of the whole NES, sound at the default quality included. A frame lasts 16.64 ms.
 #include "nes/nes_console.h"
-
 #include "settings/settings.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

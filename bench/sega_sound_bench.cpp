@@ -1,11 +1,11 @@
 // The sound chips of the 8-bit machines, as cost of a clock and as multiples of real time. A frame is
 // a sixtieth of a second of Z80 clocks; with the resampler it is flushed and taken at its end.
 #include "base/audio_rate.h"
+#include "machine/sound_settings.h"
 #include "sega8/psg.h"
 #include "sega8/ym2413.h"
-
-#include "machine/sound_settings.h"
 #include "settings/settings.h"
+
 #include "support/heard_chip.h"
 #include <benchmark/benchmark.h>
 

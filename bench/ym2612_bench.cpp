@@ -1,11 +1,11 @@
 // The Mega Drive's FM chip, as samples a second and as multiples of real time. A frame is a sixtieth
 // of a second of clocks; with the resampler it is flushed and taken at its end.
 #include "base/audio_rate.h"
+#include "machine/sound_settings.h"
 #include "megadrive/ym2612.h"
 #include "megadrive/ym2612_tick.h"
-
-#include "machine/sound_settings.h"
 #include "settings/settings.h"
+
 #include "support/heard_chip.h"
 #include <benchmark/benchmark.h>
 

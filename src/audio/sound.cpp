@@ -7,9 +7,9 @@
 #include "base/ranked_mutex.h"
 #include "host/host_data.h"
 #include "host/session.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <SDL.h>
 
 #include <algorithm>

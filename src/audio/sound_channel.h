@@ -9,7 +9,6 @@
 
 #include "audio/sound_backlog.h"
 #include "audio/sound_ring.h"
-
 #include "machine/band_splitter.h"
 
 #include <array>

@@ -2,7 +2,6 @@
 
 #include "host/host_data.h"
 #include "host/session.h"
-
 #include "settings/settings.h"
 
 #include <algorithm>

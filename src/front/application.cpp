@@ -3,6 +3,9 @@
 #include "audio/sound.h"
 #include "base/bytes.h"
 #include "base/random.h"
+#include "display/gl.h"
+#include "display/screen_reader.h"
+#include "facts/sms_facts.h"
 #include "front/notices.h"
 #include "front/processor_binder.h"
 #include "front/program_title.h"
@@ -14,13 +17,10 @@
 #include "host/report.h"
 #include "host/session.h"
 #include "host/session_saves.h"
-
-#include "display/gl.h"
-#include "display/screen_reader.h"
-#include "facts/sms_facts.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
+
 #include <SDL.h>
 
 #include <atomic>

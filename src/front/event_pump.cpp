@@ -2,8 +2,8 @@
 
 #include "base/text.h"
 #include "front/joysticks.h"
-
 #include "settings/bindings.h"
+
 #include <SDL.h>
 
 #include <algorithm>

@@ -2,12 +2,11 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "formats/zip.h"
 #include "host/kept_copy.h"
 #include "host/report.h"
 #include "host/session.h"
 #include "host/turns.h"
-
-#include "formats/zip.h"
 
 #include <algorithm>
 #include <exception>

@@ -3,7 +3,6 @@
 #include "base/files.h"
 #include "host/kept_copy.h"
 #include "host/report.h"
-
 #include "machine/battery.h"
 
 #include <atomic>

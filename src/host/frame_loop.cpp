@@ -9,7 +9,6 @@
 #include "host/session_list.h"
 #include "host/session_private.h"
 #include "host/static.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 

@@ -16,7 +16,6 @@
 
 #include "host/aligned_block.h"
 #include "host/session.h"
-
 #include "settings/input_frame.h"
 
 #include <cstdint>

@@ -8,7 +8,6 @@
 
 #include "base/ranked_mutex.h"
 #include "host/aligned_block.h"
-
 #include "machine/emu_system.h"
 
 #include <atomic>

@@ -2,14 +2,13 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "formats/game_file.h"
 #include "host/frame_loop.h"
 #include "host/machine_list.h"
 #include "host/session_list.h"
 #include "host/session_private.h"
 #include "host/session_saves.h"
 #include "host/turns.h"
-
-#include "formats/game_file.h"
 
 #include <chrono>
 #include <exception>

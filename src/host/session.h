@@ -34,7 +34,6 @@
 #include "host/rewind.h"
 #include "host/session_sound.h"
 #include "host/session_statistics.h"
-
 #include "machine/emu_system.h"
 #include "settings/input_frame.h"
 

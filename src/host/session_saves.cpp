@@ -2,7 +2,6 @@
 
 #include "host/session.h"
 #include "host/session_list.h"
-
 #include "machine/battery.h"
 #include "settings/settings.h"
 

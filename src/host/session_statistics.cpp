@@ -2,7 +2,6 @@
 
 #include "host/session.h"
 #include "host/session_list.h"
-
 #include "settings/bindings.h"
 
 #include <cstdio>

@@ -1,7 +1,6 @@
 #include "library/convert.h"
 
 #include "base/text.h"
-
 #include "facts/machine_facts.h"
 #include "formats/packing.h"
 

@@ -2,10 +2,9 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "library/convert.h"
-
 #include "formats/game_file.h"
 #include "formats/zip.h"
+#include "library/convert.h"
 
 #include <cstring>
 #include <fstream>

@@ -1,7 +1,6 @@
 #include "machine/sound_settings.h"
 
 #include "base/audio_rate.h"
-
 #include "settings/settings.h"
 
 SOUND_CHOICE SoundChoiceFromSettings() {

@@ -1,16 +1,15 @@
 #include "machines/machines.h"
 
-#include "megadrive/mega_drive.h"
-#include "nes/nes.h"
-#include "sega8/game_gear.h"
-#include "sega8/sms.h"
-#include "sega8/system_e.h"
-
 #include "facts/arcade_facts.h"
 #include "facts/game_gear_facts.h"
 #include "facts/mega_drive_facts.h"
 #include "facts/nes_facts.h"
 #include "facts/sms_facts.h"
+#include "megadrive/mega_drive.h"
+#include "nes/nes.h"
+#include "sega8/game_gear.h"
+#include "sega8/sms.h"
+#include "sega8/system_e.h"
 
 #include <memory>
 

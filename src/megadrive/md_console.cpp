@@ -1,8 +1,7 @@
 #include "megadrive/md_console.h"
 
-#include "megadrive/md_bus.h"
-
 #include "machine/sound_settings.h"
+#include "megadrive/md_bus.h"
 
 #include <algorithm>
 

@@ -15,6 +15,7 @@
 //   horizontal interrupt drops a waiting vertical one. All kept on purpose.
 #pragma once
 
+#include "machine/chip_sound.h"
 #include "megadrive/m68000.h"
 #include "megadrive/md_cartridge.h"
 #include "megadrive/md_io.h"
@@ -22,8 +23,6 @@
 #include "megadrive/ym2612.h"
 #include "sega8/psg.h"
 #include "sega8/z80.h"
-
-#include "machine/chip_sound.h"
 
 #include <array>
 #include <cstddef>

@@ -1,11 +1,10 @@
 #include "megadrive/mega_drive.h"
 
-#include "megadrive/md_bus.h"
-
 #include "machine/machine_image.h"
 #include "machine/sound_frame.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
+#include "megadrive/md_bus.h"
 #include "settings/bindings.h"
 
 #include <algorithm>

@@ -10,12 +10,11 @@
 //   says where it was. The picture is then black; a reset or a state starts it again.
 #pragma once
 
-#include "megadrive/md_console.h"
-
 #include "facts/mega_drive_facts.h"
 #include "machine/battery.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
+#include "megadrive/md_console.h"
 
 #include <cstdint>
 #include <span>

@@ -1,11 +1,10 @@
 // The YM2612's life: clock, reset and states.
 #include "megadrive/ym2612.h"
 
+#include "machine/state_piece.h"
 #include "megadrive/ym2612_private.h"
 #include "megadrive/ym2612_tables.h"
 #include "megadrive/ym2612_tick.h"
-
-#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <memory>

@@ -16,9 +16,8 @@
 //   step to it. Where a channel's level is taken, and what restarts what, are the published rules.
 #pragma once
 
-#include "nes/nes_lines.h"
-
 #include "machine/sound_pairs.h"
+#include "nes/nes_lines.h"
 
 #include <array>
 #include <cstddef>

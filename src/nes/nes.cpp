@@ -1,13 +1,12 @@
 #include "nes/nes.h"
 
-#include "nes/board.h"
-
 #include "facts/nes_facts.h"
 #include "machine/machine_image.h"
 #include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
+#include "nes/board.h"
 
 #include <algorithm>
 #include <memory>

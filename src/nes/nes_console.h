@@ -10,12 +10,11 @@
 //   they go on after eight reads with zeroes and after 32 with the buttons again.
 #pragma once
 
+#include "machine/chip_sound.h"
 #include "nes/apu.h"
 #include "nes/cartridge.h"
 #include "nes/m6502.h"
 #include "nes/ppu.h"
-
-#include "machine/chip_sound.h"
 
 #include <array>
 #include <cstddef>

@@ -6,14 +6,13 @@
 // somebody could tell: something on the processor's side of it is read or written, or it has an event,
 // such as the blank's interrupt or, sooner, one of a board that watches its addresses.
 #include "base/flatten.h"
+#include "machine/sound_settings.h"
 #include "nes/apu_tick.h"
 #include "nes/m6502_tick.h"
 #include "nes/nes_bus.h"
 #include "nes/ppu_plain.h"
 #include "nes/ppu_run.h"
 #include "nes/ppu_tick.h"
-
-#include "machine/sound_settings.h"
 
 #include <algorithm>
 

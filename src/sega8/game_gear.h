@@ -14,16 +14,15 @@
 //   off, as on the Master System; zero written to port 6 doesn't mute.
 #pragma once
 
+#include "facts/game_gear_facts.h"
+#include "machine/chip_sound.h"
+#include "machine/emu_system.h"
+#include "machine/inspection.h"
 #include "sega8/gear_link.h"
 #include "sega8/psg.h"
 #include "sega8/sega_memory.h"
 #include "sega8/vdp.h"
 #include "sega8/z80.h"
-
-#include "facts/game_gear_facts.h"
-#include "machine/chip_sound.h"
-#include "machine/emu_system.h"
-#include "machine/inspection.h"
 
 #include <array>
 #include <cstdint>

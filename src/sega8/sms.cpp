@@ -1,8 +1,5 @@
 #include "sega8/sms.h"
 
-#include "sega8/game_image.h"
-#include "sega8/late_chips.h"
-
 #include "formats/game_file.h"
 #include "machine/machine_image.h"
 #include "machine/read_buttons.h"
@@ -10,6 +7,8 @@
 #include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
+#include "sega8/game_image.h"
+#include "sega8/late_chips.h"
 
 #include <cstring>
 #include <memory>

@@ -10,17 +10,16 @@
 //   reset button; no mute of PSG or FM by 0xF2; TR outputs don't come back.
 #pragma once
 
+#include "facts/sms_facts.h"
+#include "machine/chip_sound.h"
+#include "machine/emu_system.h"
+#include "machine/inspection.h"
 #include "sega8/psg.h"
 #include "sega8/sega_memory.h"
 #include "sega8/sms_pads.h"
 #include "sega8/vdp.h"
 #include "sega8/ym2413.h"
 #include "sega8/z80.h"
-
-#include "facts/sms_facts.h"
-#include "machine/chip_sound.h"
-#include "machine/emu_system.h"
-#include "machine/inspection.h"
 
 #include <array>
 #include <cstdint>

@@ -1,8 +1,5 @@
 #include "sega8/system_e.h"
 
-#include "sega8/game_image.h"
-#include "sega8/vdp_run.h"
-
 #include "facts/arcade_facts.h"
 #include "formats/game_file.h"
 #include "machine/machine_image.h"
@@ -11,6 +8,8 @@
 #include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
+#include "sega8/game_image.h"
+#include "sega8/vdp_run.h"
 
 #include <algorithm>
 #include <memory>

@@ -13,13 +13,12 @@
 //   analog and dial panels is left out.
 #pragma once
 
-#include "sega8/psg.h"
-#include "sega8/vdp.h"
-#include "sega8/z80.h"
-
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
+#include "sega8/psg.h"
+#include "sega8/vdp.h"
+#include "sega8/z80.h"
 
 #include <array>
 #include <cstddef>

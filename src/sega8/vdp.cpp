@@ -1,8 +1,7 @@
 #include "sega8/vdp.h"
 
-#include "sega8/vdp_private.h"
-
 #include "machine/emu_system.h"
+#include "sega8/vdp_private.h"
 
 #include <cstddef>
 

@@ -1,10 +1,9 @@
 // Clocking: low-frequency oscillators, operators, rhythm, envelopes, phases and noise.
 #include "sega8/ym2413.h"
 
+#include "machine/state_piece.h"
 #include "sega8/ym2413_private.h"
 #include "sega8/ym2413_tables.h"
-
-#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <memory>

@@ -4,8 +4,8 @@
 #include "audio/sound.h"
 #include "host/host_data.h"
 #include "host/host_fixture.h"
-
 #include "settings/bindings.h"
+
 #include <SDL.h>
 
 #include <chrono>

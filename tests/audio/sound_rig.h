@@ -7,7 +7,6 @@
 #include "base/audio_rate.h"
 #include "host/host_data.h"
 #include "host/session.h"
-
 #include "settings/settings.h"
 
 #include <cstdint>

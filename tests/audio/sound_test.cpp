@@ -5,9 +5,9 @@
 #include "base/audio_rate.h"
 #include "host/host_data.h"
 #include "host/session.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include "support/wait_until.h"
 #include <SDL.h>
 #include <gtest/gtest.h>

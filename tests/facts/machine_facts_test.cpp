@@ -2,6 +2,7 @@
 
 #include "facts/machine_facts.h"
 #include "facts/sms_facts.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -2,7 +2,6 @@
 #include "front/event_pump.h"
 #include "front/joysticks.h"
 #include "front/sdl_fixture.h"
-
 #include "settings/input_frame.h"
 
 #include <vector>

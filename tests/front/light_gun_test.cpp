@@ -1,7 +1,6 @@
 // The mouse as a light gun, from a place in the window to what a program reads on each console.
 #include "front/window_rig.h"
 #include "host/session.h"
-
 #include "machine/inspection.h"
 
 #include <algorithm>

@@ -1,14 +1,14 @@
 // States from before the resampler that the program has now: their sound pieces are of version 1 and are passed over.
 #include "base/files.h"
-#include "front/demos.h"
-#include "library/convert.h"
-
 #include "formats/game_file.h"
 #include "formats/zip.h"
+#include "front/demos.h"
+#include "library/convert.h"
 #include "machine/emu_system.h"
 #include "machines/machine_options.h"
 #include "machines/machines.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

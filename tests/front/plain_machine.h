@@ -2,9 +2,8 @@
 // picture whose place and shape the test chooses, and tells what it was given of the pointers.
 #pragma once
 
-#include "host/machine_list.h"
-
 #include "formats/game_file.h"
+#include "host/machine_list.h"
 #include "machine/emu_system.h"
 #include "settings/bindings.h"
 

@@ -6,10 +6,10 @@
 #include "front/application.h"
 #include "front/tools/play.h"
 #include "host/machine_list.h"
-#include "sega8/machine_rig.h"
-
 #include "machines/machines.h"
+#include "sega8/machine_rig.h"
 #include "settings/settings.h"
+
 #include "support/temporary_folder.h"
 #include "support/wait_until.h"
 #include <SDL.h>

@@ -8,8 +8,8 @@
 #include "front/window_rig.h"
 #include "host/host_data.h"
 #include "megadrive/md_rig.h"
-
 #include "settings/bindings.h"
+
 #include <gmock/gmock.h>
 
 #include <atomic>

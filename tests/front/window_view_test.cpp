@@ -1,10 +1,9 @@
 // What the window shows of a game: the picture in every view, its size and place, the text over it.
+#include "facts/machine_facts.h"
 #include "front/demos.h"
 #include "front/plain_machine.h"
 #include "front/window_rig.h"
 #include "library/convert.h"
-
-#include "facts/machine_facts.h"
 #include "settings/bindings.h"
 
 #include <algorithm>

@@ -6,9 +6,9 @@
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/static.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gmock/gmock.h>
 
 #include <atomic>

@@ -1,7 +1,6 @@
 #include "base/files.h"
 #include "host/host_fixture.h"
 #include "host/session.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 

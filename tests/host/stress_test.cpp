@@ -1,6 +1,5 @@
 // Everything at once from several threads: the sanitizers look on, and nothing may be left behind.
 #include "host/host_fixture.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 

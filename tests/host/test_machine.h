@@ -2,7 +2,6 @@
 #pragma once
 
 #include "host/machine_list.h"
-
 #include "machine/battery.h"
 #include "machine/emu_system.h"
 

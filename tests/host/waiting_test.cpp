@@ -1,9 +1,9 @@
 // What one session waits for, no other session, display or pump waits for.
 #include "host/host_fixture.h"
 #include "host/session_saves.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>

@@ -1,6 +1,6 @@
+#include "formats/hand_made.h"
 #include "library/convert.h"
 
-#include "formats/hand_made.h"
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,8 +1,8 @@
 #include "base/audio_rate.h"
-
 #include "machine/chip_sound.h"
 #include "machine/sound_settings.h"
 #include "settings/settings.h"
+
 #include "support/allocation_counter.h"
 #include "support/spectrum.h"
 #include <gtest/gtest.h>

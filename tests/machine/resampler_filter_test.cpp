@@ -2,6 +2,7 @@
 // on the whole: libsamplerate.
 #include "machine/resampler.h"
 #include "machine/resampler_filter.h"
+
 #include <gtest/gtest.h>
 #include <samplerate.h>
 

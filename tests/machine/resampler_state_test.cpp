@@ -1,9 +1,9 @@
 // A resampler that takes up another one's state must give the very samples the other one gives.
 #include "base/audio_rate.h"
-
 #include "machine/chip_sound.h"
 #include "machine/sound_settings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>

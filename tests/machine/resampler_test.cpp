@@ -1,6 +1,6 @@
 #include "base/audio_rate.h"
-
 #include "machine/resampler.h"
+
 #include "support/allocation_counter.h"
 #include "support/spectrum.h"
 #include <gtest/gtest.h>

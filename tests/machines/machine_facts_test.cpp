@@ -2,16 +2,16 @@
 // actions of its row and no others, and has the memories that the row names.
 
 #include "base/text.h"
-#include "front/demos.h"
-#include "library/convert.h"
-
 #include "facts/machine_facts.h"
 #include "formats/game_file.h"
+#include "front/demos.h"
+#include "library/convert.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
 #include "machines/machine_options.h"
 #include "machines/machines.h"
 #include "settings/bindings.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "library/convert.h"
-
 #include "formats/game_file.h"
+#include "library/convert.h"
 #include "machines/machine_options.h"
 #include "settings/settings.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 #include "base/audio_rate.h"
 #include "megadrive/ym2612.h"
 #include "megadrive/ym2612_tick.h"
-
 #include "settings/settings.h"
+
 #include "support/heard_chip.h"
 #include <gtest/gtest.h>
 

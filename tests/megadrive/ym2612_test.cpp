@@ -1,8 +1,8 @@
 // Registers, keys, DAC, sides, sample grid and resampler.
+#include "machine/sound_settings.h"
 #include "megadrive/ym2612_rig.h"
 #include "megadrive/ym2612_tables.h"
 
-#include "machine/sound_settings.h"
 #include "support/heard_chip.h"
 
 namespace {

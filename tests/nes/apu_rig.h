@@ -3,8 +3,8 @@
 
 #include "nes/apu.h"
 #include "nes/apu_tick.h"
-
 #include "settings/settings.h"
+
 #include "support/heard_chip.h"
 #include <gtest/gtest.h>
 

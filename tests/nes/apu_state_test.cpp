@@ -1,8 +1,7 @@
 #include "base/audio_rate.h"
 #include "base/bytes.h"
-#include "nes/apu_rig.h"
-
 #include "machine/sound_settings.h"
+#include "nes/apu_rig.h"
 
 #include <random>
 

@@ -1,10 +1,10 @@
 // States of the NES with every kind of board: what follows a load is what followed the save, and bytes of
 // any kind do no harm.
 #include "base/bytes.h"
+#include "machine/state_piece.h"
 #include "nes/nes_boards.h"
 #include "nes/nes_rig.h"
 
-#include "machine/state_piece.h"
 #include "support/machine_states.h"
 
 #include <cstring>

@@ -1,15 +1,15 @@
 // A game for the 3D glasses in a session: the machine holds every odd frame.
+#include "formats/game_file.h"
 #include "front/demos.h"
 #include "host/frame_loop.h"
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/session.h"
 #include "library/convert.h"
-#include "sega8/sms.h"
-
-#include "formats/game_file.h"
 #include "machines/machines.h"
+#include "sega8/sms.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #include "base/audio_rate.h"
+#include "machine/sound_settings.h"
 #include "sega8/psg.h"
 #include "sega8/ym2413.h"
-
-#include "machine/sound_settings.h"
 #include "settings/settings.h"
+
 #include "support/heard_chip.h"
 #include <gtest/gtest.h>
 

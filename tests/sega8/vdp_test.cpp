@@ -1,9 +1,9 @@
 // Ports, counters, interrupts and the geometry of a frame.
+#include "machine/emu_system.h"
 #include "sega8/vdp.h"
 #include "sega8/vdp_rig.h"
 #include "sega8/vdp_slots.h"
 
-#include "machine/emu_system.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>

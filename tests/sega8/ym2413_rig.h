@@ -3,8 +3,8 @@
 
 #include "base/audio_rate.h"
 #include "sega8/ym2413.h"
-
 #include "settings/settings.h"
+
 #include "support/heard_chip.h"
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Registers, timing, states and the way to the resampler.
+#include "machine/sound_settings.h"
 #include "sega8/ym2413_rig.h"
 #include "sega8/ym2413_tables.h"
 
-#include "machine/sound_settings.h"
 #include "support/heard_chip.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // Codes, what is down, names of bindings, and who gets input.
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <string>

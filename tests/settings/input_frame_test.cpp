@@ -3,6 +3,7 @@
 #include "settings/input_frame.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>

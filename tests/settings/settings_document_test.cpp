@@ -1,6 +1,7 @@
 // Load and Save on documents in memory.
 #include "settings/settings.h"
 #include "settings/store/settings_private.h"
+
 #include <gtest/gtest.h>
 
 #include <array>

@@ -1,6 +1,7 @@
 // `config.xml` on the disk: what a start makes of it and what a save leaves behind.
 #include "settings/settings.h"
 #include "settings/store/settings_private.h"
+
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>
 #include <sys/resource.h>

@@ -1,6 +1,7 @@
 // One thread sets while others read: no value is ever anything but one of those that were set.
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include "support/wait_until.h"
 #include <gtest/gtest.h>
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "base/bytes.h"
-
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

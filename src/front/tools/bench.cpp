@@ -1,6 +1,7 @@
 // `ombrelune bench`: whole machines, unpaced, on one core.
 
 #include "base/files.h"
+#include "facts/machine_facts.h"
 #include "front/demos.h"
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
@@ -9,8 +10,6 @@
 #include "host/machine_list.h"
 #include "host/picture.h"
 #include "host/session.h"
-
-#include "facts/machine_facts.h"
 #include "settings/settings.h"
 
 #include <chrono>

@@ -1,14 +1,14 @@
 #include "front/tools/command_line.h"
 
 #include "base/files.h"
+#include "facts/machine_facts.h"
 #include "front/notices.h"
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
 #include "front/version.h"
-
-#include "facts/machine_facts.h"
 #include "machines/machines.h"
 #include "settings/settings.h"
+
 #include <CLI/CLI.hpp>
 #include <SDL.h>
 

@@ -3,11 +3,10 @@
 #include "base/audio_rate.h"
 #include "base/files.h"
 #include "base/text.h"
-#include "library/convert.h"
-#include "library/game_source.h"
-
 #include "facts/machine_facts.h"
 #include "formats/game_file.h"
+#include "library/convert.h"
+#include "library/game_source.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 

@@ -1,6 +1,7 @@
 #include "base/audio_rate.h"
 #include "base/files.h"
 #include "base/random.h"
+#include "formats/sha256.h"
 #include "front/tools/commands.h"
 #include "front/tools/input_script.h"
 #include "front/tools/media_files.h"
@@ -11,8 +12,6 @@
 #include "host/frame_loop.h"
 #include "host/picture.h"
 #include "host/session.h"
-
-#include "formats/sha256.h"
 #include "machine/inspection.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"

@@ -2,7 +2,6 @@
 
 #include "base/files.h"
 #include "base/text.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 

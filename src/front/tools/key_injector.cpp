@@ -2,6 +2,7 @@
 
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <SDL.h>
 
 namespace {

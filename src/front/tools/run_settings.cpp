@@ -1,7 +1,6 @@
 #include "front/tools/run_settings.h"
 
 #include "base/text.h"
-
 #include "settings/settings.h"
 
 #include <charconv>

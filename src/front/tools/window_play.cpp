@@ -14,8 +14,8 @@
 #include "front/unread_notices.h"
 #include "host/battery_file.h"
 #include "host/session.h"
-
 #include "settings/bindings.h"
+
 #include <SDL.h>
 
 #include <algorithm>

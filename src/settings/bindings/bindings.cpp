@@ -1,11 +1,11 @@
 #include "settings/bindings.h"
 
 #include "base/text.h"
-
 #include "settings/bindings/action_notes.h"
 #include "settings/bindings/press_log.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
+
 #include <SDL_keyboard.h>
 
 #include <array>

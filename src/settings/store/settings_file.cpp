@@ -9,9 +9,9 @@
 
 #include "base/files.h"
 #include "base/text.h"
-
 #include "settings/settings.h"
 #include "settings/store/settings_private.h"
+
 #include <pugixml.hpp>
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // Drives the built program as a user does: arguments in; exit code, output and files out.
 
 #include "base/files.h"
-
 #include "formats/sha256.h"
 #include "formats/zip.h"
+
 #include "support/run_program.h"
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #include "front/tools/input_script.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -80,6 +80,7 @@ void SoundOutput::Stop() {
     if (worker.joinable()) {
         Order(Task::kEnd);
         worker.join();
+        task = Task::kNone; // for the next Start; there is no other thread now
     }
     state = State::kStopped;
 }

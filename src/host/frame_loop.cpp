@@ -86,6 +86,11 @@ void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) 
 // recorded states are the same with and without holding, and every round still shows a new picture.
 void RunFastRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
                   FRAME_LOOP& loop) {
+    if (loop.fastForwardSteps == 0) {
+        // No frame of the machine looks, and what is tapped now must not reach it afterwards.
+        const std::scoped_lock hold(session.lock);
+        const InputFrame look(session.inputs, session.key);
+    }
     EMU_VIDEO_FRAME kept{};
     for (uint32_t left = loop.fastForwardSteps; left > 0; --left) {
         EmuStep(session, input, &video, &loop.sound.frame, false);

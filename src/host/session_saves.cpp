@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -70,7 +71,14 @@ void SessionSaveBattery(EMU_THREAD& session) {
 }
 
 void EmuKeepBatteries() {
+    std::vector<uint32_t> keys;
     for (const SessionPin& session : PinSessions()) {
-        KeepBattery(*session);
+        keys.push_back(session->key);
+    }
+    // Pinned one at a time: nobody who stops a session waits for the disk of another.
+    for (const uint32_t key : keys) {
+        if (const SessionPin session = PinSession(key); session != nullptr) {
+            KeepBattery(*session);
+        }
     }
 }

@@ -70,6 +70,7 @@ public:
 private:
     void BuildFilters();
     void CutOff(std::span<int16_t> samples);
+    [[nodiscard]] bool HistoryIsFinite(std::array<BandSplitter, 2>& histories) const;
     template <typename Visit>
     void VisitFilters(Visit& visit, std::array<BandSplitter, 2>& histories) const;
 

@@ -148,7 +148,7 @@ void AudioResampler::PickNearest(const int16_t* samples, int32_t pairs, ptrdiff_
         const int16_t* const piece = samples + done * valuesAPair;
         const auto limit = static_cast<float>(std::min(kPickFrames, pairs - done));
         while (phase < limit) {
-            if (outputCount < room) {
+            if (outputCount + 2 <= room) {
                 const int16_t* const pair = piece + static_cast<ptrdiff_t>(phase) * valuesAPair;
                 const auto out = static_cast<size_t>(outputCount);
                 output[out] = pair[0];
@@ -166,7 +166,7 @@ void AudioResampler::Filter(const int16_t* samples, size_t pairs) {
     const bool twins = HearAlike(samples, pairs);
     TakeIn(samples, pairs, twins);
     while (place + filter->half < middleHeld) {
-        if (outputCount < static_cast<int32_t>(output.size())) {
+        if (outputCount + 2 <= static_cast<int32_t>(output.size())) {
             MakeOutput(twins);
         }
         Advance();
@@ -283,7 +283,7 @@ void AudioResampler::StandStill(int16_t left, int16_t right, size_t pairs) {
     }
     middleHeld += made;
     while (place + filter->half < middleHeld) {
-        if (outputCount < static_cast<int32_t>(output.size())) {
+        if (outputCount + 2 <= static_cast<int32_t>(output.size())) {
             Put(left, right);
         }
         Advance();

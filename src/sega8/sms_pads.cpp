@@ -73,7 +73,7 @@ bool SeesBeam(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
     const int32_t line = BeamLine(vdp);
     const int32_t down = line - AimLine(pads, vdp, port);
     const int32_t right = BeamDot(vdp) - AimDot(pads, port);
-    return line < static_cast<int32_t>(vdp.activeHeight) && down >= -kSpotLines &&
+    return line >= 0 && line < static_cast<int32_t>(vdp.activeHeight) && down >= -kSpotLines &&
            down <= kSpotLines && right >= 0 && right < kSpotDots;
 }
 

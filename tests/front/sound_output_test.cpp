@@ -183,6 +183,16 @@ TEST_F(SoundOutputTest, ADeviceThatDoesNotAnswerDoesNotHoldUpTheStart) {
     EXPECT_THAT(Lines(), testing::ElementsAre("Sound is back"));
 }
 
+TEST_F(SoundOutputTest, StartsAgainAsOftenAsItWasStopped) {
+    SoundOutput sound(Calls());
+    for (int run = 1; run <= 20000; ++run) {
+        sound.Start(0);
+        ASSERT_TRUE(open) << run;
+        sound.Stop();
+    }
+    EXPECT_EQ(attempts, 20000);
+}
+
 TEST_F(SoundOutputTest, StopsInEveryStateAndStartsAgain) {
     SoundOutput sound(Calls());
     sound.Stop();

@@ -564,6 +564,20 @@ TEST_F(FrameLoop, ATapDuringStaticIsNotPlayedAfterwards) {
     EXPECT_EQ(machine->pressed, 0u);
 }
 
+TEST_F(FrameLoop, ATapWhileFastForwardRunsNoFramesIsNotPlayedAfterwards) {
+    Settings().SetInt(L"emu_fastforward", 0);
+    Open();
+    InputSetActiveKey(session->key);
+    Round();
+    Press(L"SMS P1 BUTTON1", true);
+    Press(L"SMS P1 BUTTON1", false);
+    Round(kForward);
+    Round(kForward);
+    Round();
+    EXPECT_EQ(machine->runs, 2u);
+    EXPECT_EQ(machine->pressed, 0u);
+}
+
 // A computer that is very busy may keep the session from looking for longer than a tap lives, so several
 // are made; without a look of its own the session would see hardly one in a thousand.
 TEST_F(FrameLoop, ATapOfAHotkeyActsOnce) {

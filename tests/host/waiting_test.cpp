@@ -244,7 +244,8 @@ TEST_F(Waiting, ForTheDiskOfAGamesMemoryHoldsNobodyUp) {
     CTestMachine::gGateOpen = true;
     ASSERT_NE(Start(kOther, "Other"), 0u);
     ASSERT_NE(Start(1, "Game", 1, {.batteryBytes = 8}), 0u);
-    ASSERT_TRUE(Eventually([] { return Keys().size() == 2; }));
+    ASSERT_NE(Start(4, "Fourth"), 0u);
+    ASSERT_TRUE(Eventually([] { return Keys().size() == 3; }));
     WithMachine(1, [](CTestMachine& machine) { machine.battery.assign(8, 5); });
     SlowFile file(home.Path() / "sms" / "saves" / "game.a5a5a5a5a5a5.sav");
     letGo = [&] { file.LetGo(); };
@@ -252,6 +253,8 @@ TEST_F(Waiting, ForTheDiskOfAGamesMemoryHoldsNobodyUp) {
     ASSERT_TRUE(Eventually([&] { return file.Reached(); }));
     ExpectTheOtherPlaysOn();
     ExpectOthersComeAndGo();
+    const Errand other([] { EXPECT_TRUE(EmuStopSession(4)); });
+    EXPECT_TRUE(Eventually([&] { return other.Done(); })) << "it was there when the look began";
     EXPECT_FALSE(keep.Done());
     const Errand stop([] { EXPECT_TRUE(EmuStopSession(1)); });
     ASSERT_TRUE(Eventually([] { return Keys() == std::vector<uint32_t>{kOther}; }));

@@ -111,6 +111,21 @@ TEST(ChipSound, DamagedCutoffDoesNoHarm) {
     }
 }
 
+TEST(ChipSound, AHistoryThatIsNoNumberIsNotTaken) {
+    const std::vector<int16_t> tone(4000, 8000);
+    ChipSound sound;
+    sound.Init(kPsgRate, CutOffAt(800, 15000));
+    Send(sound, tone);
+    std::vector<uint8_t> state(sound.StateSize());
+    sound.SaveState(state.data());
+    // The filters' histories are doubles and come first. All ones are NaN.
+    std::fill_n(state.begin() + 5, 8, uint8_t{0xFF});
+    ASSERT_EQ(sound.LoadState(state.data(), sound.StateSize()), state.size());
+    Send(sound, tone);
+    const std::vector<int16_t> out = Send(sound, tone);
+    EXPECT_EQ(std::count(out.begin(), out.end(), int16_t{0}), 0) << "it sounds";
+}
+
 TEST(ChipSound, FlushDoesNotAllocate) {
     for (const bool cutoff : {false, true}) {
         SOUND_CHOICE choice;

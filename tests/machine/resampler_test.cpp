@@ -166,6 +166,21 @@ TEST_F(Resampler, SlowerChipRepeatsFrames) {
     EXPECT_EQ(LeftOf(resampler), (std::vector<int>{1, 1, 2, 3, 3, 4}));
 }
 
+TEST_F(Resampler, AfterAnOddCountIsConsumedNothingIsWrittenBeyondTheOutput) {
+    for (const int32_t quality : {0, 1, 2}) {
+        gQuality = quality;
+        AudioResampler resampler;
+        resampler.Init(44100.0, AudioRate(), quality);
+        const std::vector<int16_t> samples(6000, 100);
+        resampler.Push(samples.data(), 600);
+        resampler.Consume(1);
+        resampler.Push(samples.data(), 6000);
+        // A pair fits whole or not at all: an odd count stays odd, below the end.
+        EXPECT_EQ(resampler.Output().size() % 2, 1u) << quality;
+        EXPECT_LT(resampler.Output().size(), size_t{44100} / 40 * 2) << quality;
+    }
+}
+
 TEST_F(Resampler, NearestPickKeepsTimeOverManyPushes) {
     gQuality = 0;
     AudioResampler resampler;

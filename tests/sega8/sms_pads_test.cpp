@@ -169,6 +169,17 @@ TEST(SmsPads, PhaserPullsThInItsSpotOnly) {
     }
 }
 
+TEST(SmsPads, PhaserSeesNoLightAboveTheFirstLine) {
+    PORTS ports(PadDevice::kLightPhaser);
+    ports.pointers.pointer[0] = {200, 16 + 2};
+    ports.Frame(0);
+    ports.vdp->line = 0; // the counter of lines has begun the new frame, the beam has not
+    ports.vdp->dotCounter = 330 * 2;
+    EXPECT_EQ(ports.Dd() & 0x40, 0x40);
+    ports.Beam(0, 250);
+    EXPECT_EQ(ports.Dd() & 0x40, 0);
+}
+
 TEST(SmsPads, PhaserLatchesTheHCounterAtTheSpot) {
     PORTS ports(PadDevice::kLightPhaser);
     ports.pointers.pointer[0] = {100, 66};

@@ -340,6 +340,7 @@ TEST(SettingsDocument, ADocumentWithSomethingOddInItLoadsWhole) {
                 "<!DOCTYPE Settings [<!ENTITY b \"c\">]>" + Wrapped(text + number), L"new");
     ExpectWhole("another root", "<Other>" + text + number + "</Other>", L"new");
     ExpectWhole("a second root", Wrapped(text + number) + "<Settings/>", L"new");
+    ExpectWhole("the settings in the second root", "<Other/>" + Wrapped(text + number), L"new");
     ExpectWhole("words around the root", "one" + Wrapped(text + number) + "two", L"new");
     ExpectWhole("a byte order mark", "\xEF\xBB\xBF" + Wrapped(text + number), L"new");
     ExpectWhole("an instruction", "<?xml-style x?>" + Wrapped("<?x > <b> ?>" + text + number),
@@ -350,6 +351,16 @@ TEST(SettingsDocument, ADocumentWithSomethingOddInItLoadsWhole) {
                 L"Zo\xFFFD");
     ExpectWhole("a control character", Wrapped(Element("string", "text", "a\x01") + number),
                 L"a\x01");
+}
+
+TEST(SettingsDocument, WhatFollowsAZeroByteIsSaidToBeUnread) {
+    const std::string text =
+        Wrapped(Element("int", "number", "5")) + std::string("\n\0<Settings/>", 13);
+    std::vector<SETTING_ENTRY> entries;
+    std::string reason;
+    EXPECT_TRUE(ReadSettingsDocument(text, entries, reason));
+    EXPECT_EQ(entries.size(), 1u);
+    EXPECT_NE(reason, "");
 }
 
 TEST(SettingsDocument, AFaultEndsTheReadingThere) {

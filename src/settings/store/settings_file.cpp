@@ -143,6 +143,25 @@ bool Complain(std::string& reason, const char* what) {
     return false;
 }
 
+// As a rule there is one root; what a second one holds is not lost.
+void AddEntries(pugi::xml_node root, std::vector<SETTING_ENTRY>& entries) {
+    for (const pugi::xml_node child : root.children()) {
+        const pugi::xml_attribute name = child.attribute("name");
+        const pugi::xml_attribute value = child.attribute("value");
+        const pugi::xml_attribute value2 = child.attribute("value2");
+        if (!name || !value) {
+            continue;
+        }
+        SETTING_ENTRY& entry = entries.emplace_back();
+        entry.type = child.name();
+        entry.name = name.value();
+        entry.value = value.value();
+        if (value2) {
+            entry.value2 = value2.value();
+        }
+    }
+}
+
 enum class FileState { kMissing, kSettings, kPartlySettings, kDamaged };
 
 // Looks at the file as it stands on the disk. `error` names what keeps it from being settings.
@@ -186,21 +205,13 @@ bool ReadSettingsDocument(std::string_view text, std::vector<SETTING_ENTRY>& ent
     const pugi::xml_parse_result result = Parse(text, document);
     if (!result) {
         reason = WhatStopped(text, result);
+    } else if (const size_t zero = text.find('\0'); zero != std::string_view::npos) {
+        const auto lines =
+            std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
+        reason = "line " + std::to_string(lines + 1) + ": a zero byte ends the document";
     }
-    for (const pugi::xml_node child : document.document_element().children()) {
-        const pugi::xml_attribute name = child.attribute("name");
-        const pugi::xml_attribute value = child.attribute("value");
-        const pugi::xml_attribute value2 = child.attribute("value2");
-        if (!name || !value) {
-            continue;
-        }
-        SETTING_ENTRY& entry = entries.emplace_back();
-        entry.type = child.name();
-        entry.name = name.value();
-        entry.value = value.value();
-        if (value2) {
-            entry.value2 = value2.value();
-        }
+    for (const pugi::xml_node root : document.children()) {
+        AddEntries(root, entries);
     }
     return result || !entries.empty();
 }

@@ -76,7 +76,7 @@ void ApuCycles(benchmark::State& state) {
     const auto apu = PlayingApu(irqLines);
     for ([[maybe_unused]] auto step : state) {
         for (uint32_t cycle = 0; cycle < kFrameCycles; ++cycle) {
-            ApuStep(*apu);
+            ApuTick(*apu);
         }
         benchmark::DoNotOptimize(apu->pairs->samples[0]);
         apu->pairs->sampleCount = 0;
@@ -90,7 +90,7 @@ void ApuFrames(benchmark::State& state) {
     const auto apu = PlayingApu(irqLines);
     for ([[maybe_unused]] auto step : state) {
         for (uint32_t cycle = 0; cycle < kFrameCycles; ++cycle) {
-            ApuStep(*apu);
+            ApuTick(*apu);
         }
         apu->sound.Flush();
         apu->sound.Consume(static_cast<int32_t>(apu->sound.Output().size()));

@@ -59,7 +59,7 @@ void RunFrames(benchmark::State& state, uint8_t mask, Watching watching) {
     for (auto _ : state) {
         PpuBeginFrame(*board.ppu, board.pixels.data(), kPpuWidth);
         while (!board.ppu->frameDone) {
-            PpuDot(*board.ppu);
+            PpuTick(*board.ppu);
         }
         benchmark::DoNotOptimize(board.pixels.data());
     }

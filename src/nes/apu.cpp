@@ -184,7 +184,7 @@ void ApuFetchSample(APU& apu) {
     }
 }
 
-void ApuStepSample(APU& apu) {
+void ApuClockSample(APU& apu) {
     APU_SAMPLE& sample = apu.sample;
     sample.counter = kApuSampleRates[sample.rate];
     if (!sample.silent) {

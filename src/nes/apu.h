@@ -9,7 +9,7 @@
 //   chip's and are the only copy of both flags. `readByte` gives a byte of 0x8000 to 0xFFFF for the
 //   sample channel; it must not look at `stallCycles`, which the owner's bus takes down as it holds
 //   the processor.
-// Order: ApuInit, ApuReset, then in every cycle ApuStep (apu_tick.h) before the processor's access.
+// Order: ApuInit, ApuReset, then in every cycle ApuTick (apu_tick.h) before the processor's access.
 // Differs, and kept so on purpose: pulse and noise are signed and the mix is a plain sum, where the part
 //   has unsigned levels in two non-linear tables; a triangle of a period under 4 is silent; a read of
 //   the status clears the sample interrupt too; a direct write to the sample level gives 3 more than a

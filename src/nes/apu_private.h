@@ -57,7 +57,7 @@ void ApuFrameStep(APU& apu);
 // What was written to length registers since the last cycle.
 void ApuTakePendingLengths(APU& apu);
 
-void ApuStepSample(APU& apu);
+void ApuClockSample(APU& apu);
 
 // The sum of the channels as one pair.
 void ApuMakePair(APU& apu);

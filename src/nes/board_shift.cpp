@@ -16,15 +16,15 @@ constexpr uint8_t kSwitchHalf = 8;
 constexpr uint8_t kChrHalves = 16;
 // Above them, for each bit of kControlAtReset: it was set by a reset write and isn't in force yet. A
 // state keeps them too, so that what follows a load is what followed the save.
-constexpr uint8_t kLateShift = 3;
-constexpr uint8_t kControlMask = 31 | kControlAtReset << kLateShift;
+constexpr uint8_t kPendingShift = 3;
+constexpr uint8_t kControlMask = 31 | kControlAtReset << kPendingShift;
 
 constexpr size_t kHalfBytes = 4 * kNesPpuPageBytes;
 
 constexpr uint8_t kRamClosed = 16; // bit of the PRG register
 
 struct SHIFT_STATE : NES_BOARD_STATE {
-    std::array<uint8_t, 4> registers{}; // by Register, 5 bits each and the late ones
+    std::array<uint8_t, 4> registers{}; // by Register, 5 bits each and the pending ones
     uint8_t shift = 0;                  // bits taken so far
     uint8_t count = 0;                  // how many, 0..4
     uint32_t lastRegister = 0;          // the one that was set last, 0..3
@@ -50,8 +50,8 @@ SHIFT_STATE& State(NES_CARTRIDGE& cartridge) {
 
 void SyncProgram(NES_CARTRIDGE& cartridge) {
     const auto& registers = State(cartridge).registers;
-    const uint32_t late = registers[kControl] >> kLateShift & kControlAtReset;
-    const uint32_t control = registers[kControl] & ~late;
+    const uint32_t pending = registers[kControl] >> kPendingShift & kControlAtReset;
+    const uint32_t control = registers[kControl] & ~pending;
     const uint32_t outer =
         cartridge.programBanks == kBanksOfTwoHalves ? registers[kChr0] & 0x10u : 0;
     const uint32_t bank = registers[kPrg] & 15u;
@@ -110,8 +110,8 @@ void Write(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     if ((value & 0x80) != 0) {
         // The page tables follow with the next register that is set.
         uint8_t& control = state.registers[kControl];
-        const auto late = static_cast<uint8_t>(kControlAtReset & ~control);
-        control = static_cast<uint8_t>(control | late | late << kLateShift);
+        const auto pending = static_cast<uint8_t>(kControlAtReset & ~control);
+        control = static_cast<uint8_t>(control | pending | pending << kPendingShift);
         state.shift = 0;
         state.count = 0;
         return;

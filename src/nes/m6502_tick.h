@@ -231,13 +231,13 @@ inline void LoadAX(M6502& cpu, Bus& bus) {
 
 // A value as it is behind the dummy read of a one-byte instruction.
 template <typename Bus>
-inline uint8_t BehindDummy(M6502& cpu, Bus& bus, uint8_t value) {
+inline uint8_t AfterDummy(M6502& cpu, Bus& bus, uint8_t value) {
     Dummy(cpu, bus);
     return value;
 }
 
 template <typename Bus>
-inline void StepRegister(M6502& cpu, Bus& bus, uint32_t by) {
+inline void AddToRegister(M6502& cpu, Bus& bus, uint32_t by) {
     Dummy(cpu, bus);
     Register(cpu) = Result(cpu, Register(cpu) + by);
 }
@@ -381,16 +381,16 @@ inline bool RunStep(M6502& cpu, Bus& bus) {
     case kCompareData: Compare(cpu, cpu.a, cpu.data); return false;
 
     case kDummy: Dummy(cpu, bus); break;
-    case kShiftLeftA: cpu.a = Left(cpu, BehindDummy(cpu, bus, cpu.a), 0); break;
-    case kRotateLeftA: cpu.a = Left(cpu, BehindDummy(cpu, bus, cpu.a), CarryBelow(cpu)); break;
-    case kShiftRightA: cpu.a = Right(cpu, BehindDummy(cpu, bus, cpu.a), 0); break;
-    case kRotateRightA: cpu.a = Right(cpu, BehindDummy(cpu, bus, cpu.a), CarryAbove(cpu)); break;
-    case kIncrementRegister: StepRegister(cpu, bus, 1); break;
-    case kDecrementRegister: StepRegister(cpu, bus, 0xFF); break;
-    case kAToRegister: Register(cpu) = Result(cpu, BehindDummy(cpu, bus, cpu.a)); break;
-    case kRegisterToA: cpu.a = Result(cpu, BehindDummy(cpu, bus, Register(cpu))); break;
-    case kStackToX: cpu.x = Result(cpu, BehindDummy(cpu, bus, cpu.sp)); break;
-    case kXToStack: cpu.sp = BehindDummy(cpu, bus, cpu.x); break;
+    case kShiftLeftA: cpu.a = Left(cpu, AfterDummy(cpu, bus, cpu.a), 0); break;
+    case kRotateLeftA: cpu.a = Left(cpu, AfterDummy(cpu, bus, cpu.a), CarryBelow(cpu)); break;
+    case kShiftRightA: cpu.a = Right(cpu, AfterDummy(cpu, bus, cpu.a), 0); break;
+    case kRotateRightA: cpu.a = Right(cpu, AfterDummy(cpu, bus, cpu.a), CarryAbove(cpu)); break;
+    case kIncrementRegister: AddToRegister(cpu, bus, 1); break;
+    case kDecrementRegister: AddToRegister(cpu, bus, 0xFF); break;
+    case kAToRegister: Register(cpu) = Result(cpu, AfterDummy(cpu, bus, cpu.a)); break;
+    case kRegisterToA: cpu.a = Result(cpu, AfterDummy(cpu, bus, Register(cpu))); break;
+    case kStackToX: cpu.x = Result(cpu, AfterDummy(cpu, bus, cpu.sp)); break;
+    case kXToStack: cpu.sp = AfterDummy(cpu, bus, cpu.x); break;
     case kClearCarry: FlagStep(cpu, bus, kM6502FlagC, false); break;
     case kSetCarry: FlagStep(cpu, bus, kM6502FlagC, true); break;
     case kClearDisable: FlagStep(cpu, bus, kM6502FlagI, false); break;

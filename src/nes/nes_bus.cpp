@@ -38,7 +38,7 @@ void CopySprites(NES_CONSOLE& nes, uint8_t page) {
 } // namespace
 
 uint8_t NesReadChip(NES_CONSOLE& nes, uint16_t address) {
-    if (address < nes_bus::kSoundStart) {
+    if (address < nes_bus::kApuStart) {
         return PpuReadRegister(nes.ppu, address);
     }
     switch (address & kOffsetMask) {
@@ -50,7 +50,7 @@ uint8_t NesReadChip(NES_CONSOLE& nes, uint16_t address) {
 }
 
 void NesWriteChip(NES_CONSOLE& nes, uint16_t address, uint8_t value) {
-    if (address < nes_bus::kSoundStart) {
+    if (address < nes_bus::kApuStart) {
         PpuWriteRegister(nes.ppu, address, value);
         return;
     }
@@ -70,10 +70,10 @@ uint8_t NesPeek(const NES_CONSOLE& nes, uint16_t address) {
     if (address >= nes_bus::kCartridgeStart) {
         return CartridgeRead(nes.cartridge, address);
     }
-    if (address < nes_bus::kPictureStart) {
+    if (address < nes_bus::kPpuStart) {
         return nes.workRam[address & nes_bus::kWorkRamMask];
     }
-    if (address < nes_bus::kSoundStart) {
+    if (address < nes_bus::kApuStart) {
         // A copy takes the side effects.
         PPU copy = nes.ppu;
         uint32_t nmiLine = 0;

@@ -12,8 +12,8 @@
 
 namespace nes_bus {
 
-inline constexpr uint16_t kPictureStart = 0x2000;
-inline constexpr uint16_t kSoundStart = 0x4000;
+inline constexpr uint16_t kPpuStart = 0x2000;
+inline constexpr uint16_t kApuStart = 0x4000;
 inline constexpr uint16_t kCartridgeStart = 0x5000;
 inline constexpr uint16_t kWorkRamMask = kNesWorkRamBytes - 1;
 
@@ -37,7 +37,7 @@ struct NES_BUS {
         if (address >= nes_bus::kCartridgeStart) {
             return CartridgeRead(nes.cartridge, address);
         }
-        if (address < nes_bus::kPictureStart) {
+        if (address < nes_bus::kPpuStart) {
             return nes.workRam[address & nes_bus::kWorkRamMask];
         }
         return NesReadChip(nes, address);
@@ -48,7 +48,7 @@ struct NES_BUS {
         if (nes.apu.stallCycles != 0) [[unlikely]] {
             --nes.apu.stallCycles;
         }
-        if (address < nes_bus::kPictureStart) {
+        if (address < nes_bus::kPpuStart) {
             nes.workRam[address & nes_bus::kWorkRamMask] = value;
         } else if (address >= nes_bus::kCartridgeStart) {
             BoardWrite(nes.cartridge, address, value);

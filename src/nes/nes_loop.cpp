@@ -24,18 +24,18 @@ constexpr uint32_t kDotsPerCycle = 3;
 void RunChipsPlain(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
-        PpuPlainDot(nes.ppu);
+        PpuPlainTick(nes.ppu);
     }
-    ApuStep(nes.apu);
+    ApuTick(nes.apu);
 }
 
 // The same for the late loop, with pixels and sprite search that wait.
 void RunChips(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
-        PpuDot(nes.ppu);
+        PpuTick(nes.ppu);
     }
-    ApuStep(nes.apu);
+    ApuTick(nes.apu);
 }
 
 void RunFramePlain(NES_CONSOLE& nes) {
@@ -48,50 +48,49 @@ void RunFramePlain(NES_CONSOLE& nes) {
 }
 
 // The bus with a picture unit that may be late.
-struct NES_LATE_BUS {
+struct NES_CATCH_UP_BUS {
     NES_BUS bus;
-    uint32_t waiting = 0; // dots not run yet
-    uint32_t toEvent = 0; // dots from the last one that was run to where something may happen
+    uint32_t owedDots = 0;    // dots not run yet
+    uint32_t dotsToEvent = 0; // dots from the last one that was run to where something may happen
 
     uint8_t Read(uint16_t address) {
-        const bool isMemory =
-            address < nes_bus::kPictureStart || address >= nes_bus::kCartridgeStart;
+        const bool isMemory = address < nes_bus::kPpuStart || address >= nes_bus::kCartridgeStart;
         if (isMemory && bus.nes.apu.stallCycles == 0) [[likely]] {
             return bus.Read(address);
         }
-        return ReadUpToDate(address);
+        return CatchUpAndRead(address);
     }
 
     void Write(uint16_t address, uint8_t value) {
-        if (address < nes_bus::kPictureStart) [[likely]] {
+        if (address < nes_bus::kPpuStart) [[likely]] {
             bus.Write(address, value);
         } else {
-            WriteUpToDate(address, value);
+            CatchUpAndWrite(address, value);
         }
     }
 
     [[gnu::noinline]] void CatchUp() {
-        PpuRun(bus.nes.ppu, waiting);
-        waiting = 0;
+        PpuRun(bus.nes.ppu, owedDots);
+        owedDots = 0;
         FindEvent();
     }
 
     void FindEvent() {
-        toEvent = PpuDotsToEvent(bus.nes.ppu);
+        dotsToEvent = PpuDotsToEvent(bus.nes.ppu);
         if (bus.nes.cartridge.quietDots != nullptr) {
-            toEvent = std::min(toEvent, bus.nes.cartridge.quietDots(bus.nes.cartridge) + 1);
+            dotsToEvent = std::min(dotsToEvent, bus.nes.cartridge.quietDots(bus.nes.cartridge) + 1);
         }
     }
 
 private:
-    [[gnu::noinline]] uint8_t ReadUpToDate(uint16_t address) {
+    [[gnu::noinline]] uint8_t CatchUpAndRead(uint16_t address) {
         CatchUp();
         const uint8_t value = bus.Read(address);
         FindEvent();
         return value;
     }
 
-    [[gnu::noinline]] void WriteUpToDate(uint16_t address, uint8_t value) {
+    [[gnu::noinline]] void CatchUpAndWrite(uint16_t address, uint8_t value) {
         CatchUp();
         bus.Write(address, value);
         FindEvent();
@@ -101,19 +100,19 @@ private:
 // The board's clock, which knows nothing of the picture, is never late. Few boards have one (`boardClock`);
 // with the others the call is saved.
 template <bool boardClock>
-OMBRELUNE_FLATTEN void RunFrameLate(NES_CONSOLE& nes) {
-    NES_LATE_BUS bus{{nes}, 0, 0};
+OMBRELUNE_FLATTEN void RunFrameFast(NES_CONSOLE& nes) {
+    NES_CATCH_UP_BUS bus{{nes}, 0, 0};
     bus.FindEvent();
     while (!nes.ppu.frameDone) {
         M6502Sample(nes.cpu);
         if constexpr (boardClock) {
             nes.cartridge.cpuClock(nes.cartridge);
         }
-        bus.waiting += kDotsPerCycle;
-        if (bus.waiting >= bus.toEvent) [[unlikely]] {
+        bus.owedDots += kDotsPerCycle;
+        if (bus.owedDots >= bus.dotsToEvent) [[unlikely]] {
             bus.CatchUp();
         }
-        ApuStep(nes.apu);
+        ApuTick(nes.apu);
         M6502Cycle(nes.cpu, bus);
     }
     bus.CatchUp();
@@ -166,7 +165,7 @@ void NesRunFrame(NES_CONSOLE& nes) {
     if (nes.stepByStep) {
         RunFramePlain(nes);
     } else {
-        boardClock ? RunFrameLate<true>(nes) : RunFrameLate<false>(nes);
+        boardClock ? RunFrameFast<true>(nes) : RunFrameFast<false>(nes);
     }
 }
 

@@ -17,10 +17,10 @@ const std::array<uint32_t, kPpuColours>& SharedColours() {
     return static_cast<uint8_t>(ppu.randomState >> 24);
 }
 
-void BeginBlank(PPU& ppu) {
-    ppu.status |= kPpuBlank;
+void BeginVblank(PPU& ppu) {
+    ppu.status |= kPpuStatusVblank;
     ppu.oamAddress = 0;
-    if ((ppu.control & kPpuNmi) != 0) {
+    if ((ppu.control & kPpuCtrlNmi) != 0) {
         *ppu.nmiLine |= 1;
     }
 }
@@ -71,8 +71,8 @@ void EndLine(PPU& ppu) {
     ppu.evaluatedDots = 0;
     PpuDerive(ppu);
     PpuDeriveRow(ppu);
-    if (ppu.line == kPpuBlankLine) {
-        BeginBlank(ppu);
+    if (ppu.line == kPpuVblankLine) {
+        BeginVblank(ppu);
     }
 }
 
@@ -139,7 +139,7 @@ void PpuDerive(PPU& ppu) {
     const uint32_t shown = ppu.mask >> 3 & 3;
     ppu.layers = static_cast<uint8_t>(shown);
     ppu.leftLayers = static_cast<uint8_t>(shown & ppu.mask >> 1);
-    ppu.grayMask = (ppu.mask & kPpuGray) != 0 ? 0x30 : 0x3F;
+    ppu.grayMask = (ppu.mask & kPpuMaskGray) != 0 ? 0x30 : 0x3F;
     ppu.emphasis = (ppu.mask & 0xE0U) * 2;
     ppu.rendering = shown != 0 && ppu.line < kPpuIdleLine;
     ppu.visible = ppu.line >= 0 && ppu.line < kPpuIdleLine;

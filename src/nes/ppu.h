@@ -7,7 +7,7 @@
 //   a PPU stays where it is.
 // Pins: `pages`, the picture bus with its board, which watches addresses through the hook; `nmiLine`,
 //   a word of the processor whose bit 0 is raised and dropped here and cleared by the processor.
-// Order: PpuInit, PpuReset, then PpuBeginFrame and dots (PpuDot in ppu_tick.h) until frameDone, with
+// Order: PpuInit, PpuReset, then PpuBeginFrame and dots (PpuTick in ppu_tick.h) until frameDone, with
 //   register accesses between dots. The picture, the search for sprites with its `secondaryOam`, and
 //   the flags in `status` that come of both may lag behind the dot. They are up to date at the end of a
 //   frame and in what the registers give; PpuCatchUp brings them there at any other time.
@@ -31,25 +31,25 @@ inline constexpr uint32_t kPpuShortLineDots = 340;
 inline constexpr int32_t kPpuLines = 262;
 inline constexpr int32_t kPpuPreRenderLine = -1;
 inline constexpr int32_t kPpuIdleLine = 240;
-inline constexpr int32_t kPpuBlankLine = 241; // blanking begins, and with it the flag and the NMI
+inline constexpr int32_t kPpuVblankLine = 241; // blanking begins, and with it the flag and the NMI
 inline constexpr uint32_t kPpuFrameEndDot = 256;
 inline constexpr size_t kPpuNametableBytes = 1024;
 inline constexpr uint32_t kPpuLineSprites = 8;
 inline constexpr size_t kPpuColours = 512;
 
 // Bits of `control`.
-inline constexpr uint8_t kPpuNmi = 0x80;
-inline constexpr uint8_t kPpuTallSprites = 0x20;     // 16 lines
-inline constexpr uint8_t kPpuBackgroundTable = 0x10; // at 0x1000
-inline constexpr uint8_t kPpuSpriteTable = 0x08;     // at 0x1000; of 8-line sprites
-inline constexpr uint8_t kPpuStepDown = 0x04;        // a data access adds 32
+inline constexpr uint8_t kPpuCtrlNmi = 0x80;
+inline constexpr uint8_t kPpuCtrlTallSprites = 0x20;     // 16 lines
+inline constexpr uint8_t kPpuCtrlBackgroundTable = 0x10; // at 0x1000
+inline constexpr uint8_t kPpuCtrlSpriteTable = 0x08;     // at 0x1000; of 8-line sprites
+inline constexpr uint8_t kPpuCtrlIncrement32 = 0x04;     // a data access adds 32
 // Bits of `mask`.
-inline constexpr uint8_t kPpuGray = 0x01;
-inline constexpr uint8_t kPpuShow = 0x18; // background 8, sprites 16
+inline constexpr uint8_t kPpuMaskGray = 0x01;
+inline constexpr uint8_t kPpuMaskShow = 0x18; // background 8, sprites 16
 // Bits of `status`.
-inline constexpr uint8_t kPpuBlank = 0x80;
-inline constexpr uint8_t kPpuHit = 0x40; // sprite 0 over background
-inline constexpr uint8_t kPpuOverflow = 0x20;
+inline constexpr uint8_t kPpuStatusVblank = 0x80;
+inline constexpr uint8_t kPpuStatusSpriteZeroHit = 0x40; // sprite 0 over background
+inline constexpr uint8_t kPpuStatusSpriteOverflow = 0x20;
 
 // Bits of `layers` and `leftLayers`.
 inline constexpr uint8_t kPpuLayerBackground = 1;
@@ -99,7 +99,7 @@ struct PPU {
     std::array<uint32_t, 32> shades{}; // the palette as pixels, with gray and emphasis
 
     uint32_t dot = 0; // 0..lineLength - 1
-    int32_t line = kPpuBlankLine;
+    int32_t line = kPpuVblankLine;
     uint32_t lineLength = kPpuLineDots; // or kPpuShortLineDots
     bool oddFrame = false;
     bool frameDone = false; // cleared by PpuBeginFrame

@@ -10,7 +10,7 @@ constexpr uint32_t kSearchPairs = 96; // from there to dot 255, an even and an o
 // Whether a Y, that of the line above a sprite, puts it on the line after this one. None is on line 0,
 // as no Y is within reach of line -1.
 [[nodiscard]] bool InRange(const PPU& ppu, uint8_t y) {
-    const uint32_t height = (ppu.control & kPpuTallSprites) != 0 ? 16 : 8;
+    const uint32_t height = (ppu.control & kPpuCtrlTallSprites) != 0 ? 16 : 8;
     return static_cast<uint32_t>(ppu.line - y) < height;
 }
 
@@ -64,7 +64,7 @@ void CopySprite(PPU& ppu) {
 // tiles, attributes and X positions for a Y.
 void FindOverflow(PPU& ppu) {
     if (InRange(ppu, ppu.spriteByte)) {
-        ppu.status |= kPpuOverflow;
+        ppu.status |= kPpuStatusSpriteOverflow;
         ppu.evaluation = kPpuSkipSprite;
         ppu.skipBytes = 3;
         ++ppu.spriteIndex;
@@ -89,7 +89,7 @@ void SkipSprite(PPU& ppu) {
 }
 
 // What an odd dot does with the byte that the even one has read.
-void Step(PPU& ppu) {
+void EvaluateByte(PPU& ppu) {
     switch (ppu.evaluation) {
     case kPpuFindSprite: FindSprite(ppu); break;
     case kPpuCopySprite: CopySprite(ppu); break;
@@ -115,7 +115,7 @@ void PpuEvaluateDot(PPU& ppu, uint32_t dot) {
             ppu.secondaryOam[dot >> 1] = 0xFF;
         }
     } else if (odd) {
-        Step(ppu);
+        EvaluateByte(ppu);
     } else {
         if (dot == kClearDots) {
             Start(ppu);
@@ -133,7 +133,7 @@ void PpuEvaluateLine(PPU& ppu) {
             return;
         }
         ppu.spriteByte = ppu.oam[ppu.spriteIndex];
-        Step(ppu);
+        EvaluateByte(ppu);
     }
 }
 

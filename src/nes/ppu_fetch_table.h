@@ -13,8 +13,8 @@ enum PpuFetch : uint8_t {
     kFetchNameAddress,
     kFetchTile,
     kFetchAttributeAddress,
-    kFetchAttributeAddressStepY, // the last of a line: goes down a row too
-    kFetchAttributeStepX,
+    kFetchAttributeAddressIncrementY, // the last of a line: goes down a row too
+    kFetchAttributeIncrementX,
     kFetchLowAddress,
     kFetchLow,
     kFetchHighAddress,
@@ -40,12 +40,12 @@ struct Row {
     Cycle cycle;
 };
 
-inline constexpr Cycle kBackground{kFetchNameAddress,    kFetchTile,       kFetchAttributeAddress,
-                                   kFetchAttributeStepX, kFetchLowAddress, kFetchLow,
-                                   kFetchHighAddress,    kFetchHigh};
-inline constexpr Cycle kAhead{kFetchNameAddress,    kFetchTile,       kFetchAttributeAddress,
-                              kFetchAttributeStepX, kFetchLowAddress, kFetchLow,
-                              kFetchHighAddress,    kFetchHighAhead};
+inline constexpr Cycle kBackground{
+    kFetchNameAddress, kFetchTile, kFetchAttributeAddress, kFetchAttributeIncrementX,
+    kFetchLowAddress,  kFetchLow,  kFetchHighAddress,      kFetchHigh};
+inline constexpr Cycle kAhead{kFetchNameAddress,         kFetchTile,       kFetchAttributeAddress,
+                              kFetchAttributeIncrementX, kFetchLowAddress, kFetchLow,
+                              kFetchHighAddress,         kFetchHighAhead};
 inline constexpr Cycle kSprite{
     kFetchNameAddress,      kFetchUnused, kFetchNameAddress,       kFetchUnused,
     kFetchSpriteLowAddress, kFetchLow,    kFetchSpriteHighAddress, kFetchSpriteHigh};
@@ -54,7 +54,7 @@ inline constexpr Cycle kSprite{
 inline constexpr std::array<Row, 6> kRows{
     {
      {0, 255, kBackground},
-     {250, 250, {kFetchAttributeAddressStepY}},
+     {250, 250, {kFetchAttributeAddressIncrementY}},
      {256, 319, kSprite},
      {257, 257, {kFetchUnusedCopyX}},
      {320, 335, kAhead},

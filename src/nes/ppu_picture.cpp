@@ -19,7 +19,7 @@ void Put(PPU& ppu, uint32_t x, uint32_t entry) {
         return sprite & kPpuSpriteEntry;
     }
     if ((sprite & kPpuSpriteZero) != 0 && ppu.zeroNote && x < 255) {
-        ppu.status |= kPpuHit;
+        ppu.status |= kPpuStatusSpriteZeroHit;
         ppu.zeroNote = false;
     }
     return (sprite & kPpuSpriteBehind) != 0 ? background : sprite & kPpuSpriteEntry;

@@ -1,4 +1,4 @@
-// The dot of the picture unit with nothing put off and nothing passed over: the measure for PpuDot and PpuRun,
+// The dot of the picture unit with nothing put off and nothing passed over: the measure for PpuTick and PpuRun,
 // which must give the same pictures, flags and addresses.
 //
 // Every dot asks whether something begins or ends on it, fetches, moves the register access in progress, and
@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-inline void PpuPlainDot(PPU& ppu) {
+inline void PpuPlainTick(PPU& ppu) {
     ppu.dot = PpuEvent(ppu, ppu.dot + 1);
     if (ppu.rendering) {
         ppu_tick::Fetch(ppu, ppu.dot);

@@ -27,7 +27,7 @@ void DropNmi(PPU& ppu) {
 }
 
 [[nodiscard]] bool NmiUndecided(const PPU& ppu) {
-    return ppu.line == kPpuBlankLine && ppu.dot < kNmiUndecidedDots;
+    return ppu.line == kPpuVblankLine && ppu.dot < kNmiUndecidedDots;
 }
 
 void SetTempBits(PPU& ppu, uint32_t bits, uint32_t value) {
@@ -35,10 +35,10 @@ void SetTempBits(PPU& ppu, uint32_t bits, uint32_t value) {
 }
 
 void WriteControl(PPU& ppu, uint8_t value) {
-    if ((value & ~ppu.control & kPpuNmi) != 0 && (ppu.status & kPpuBlank) != 0) {
+    if ((value & ~ppu.control & kPpuCtrlNmi) != 0 && (ppu.status & kPpuStatusVblank) != 0) {
         RaiseNmi(ppu);
     }
-    if ((value & kPpuNmi) == 0 && NmiUndecided(ppu)) {
+    if ((value & kPpuCtrlNmi) == 0 && NmiUndecided(ppu)) {
         DropNmi(ppu);
     }
     ppu.control = value;
@@ -76,8 +76,8 @@ void WriteAddress(PPU& ppu, uint8_t value) {
     ppu.firstWrite ^= 1;
 }
 
-void StepAddress(PPU& ppu) {
-    const uint32_t step = (ppu.control & kPpuStepDown) != 0 ? 32 : 1;
+void IncrementAddress(PPU& ppu) {
+    const uint32_t step = (ppu.control & kPpuCtrlIncrement32) != 0 ? 32 : 1;
     ppu.vramAddress = static_cast<uint16_t>((ppu.vramAddress + step) & kVramAddressMask);
 }
 
@@ -94,16 +94,16 @@ void WriteData(PPU& ppu, uint8_t value) {
         ppu.ioState = kPpuWriteStart;
         ppu.ioAddress = ppu.vramAddress & ppu_bus::kMask;
     }
-    StepAddress(ppu);
+    IncrementAddress(ppu);
 }
 
 [[nodiscard]] uint8_t ReadStatus(PPU& ppu) {
     auto result = static_cast<uint8_t>(ppu.status | (ppu.openBus & 0x1F));
     ppu.firstWrite = 1;
-    ppu.status &= static_cast<uint8_t>(~kPpuBlank);
+    ppu.status &= static_cast<uint8_t>(~kPpuStatusVblank);
     if (NmiUndecided(ppu)) {
         if (ppu.dot == 0) {
-            result &= static_cast<uint8_t>(~kPpuBlank);
+            result &= static_cast<uint8_t>(~kPpuStatusVblank);
         }
         DropNmi(ppu);
     }
@@ -115,7 +115,7 @@ void WriteData(PPU& ppu, uint8_t value) {
     const uint16_t address = ppu.vramAddress & ppu_bus::kMask;
     ppu.ioState = kPpuReadStart;
     ppu.ioAddress = address;
-    StepAddress(ppu);
+    IncrementAddress(ppu);
     return ppu_bus::IsPalette(address) ? ppu.palette[address & 0x1F] & ppu.grayMask
                                        : ppu.readBuffer;
 }

@@ -1,6 +1,6 @@
 // Many dots of the picture unit at once.
 //
-// Does the same as PpuDot, and so as PpuPlainDot, so many times: groups of eight dots in which one tile or sprite is fetched run
+// Does the same as PpuTick, and so as PpuPlainTick, so many times: groups of eight dots in which one tile or sprite is fetched run
 // in one piece, and so do dots that do nothing. Registers and what is fetched must not have changed since
 // the first of the dots, so a machine that runs late comes here before every access of a register, as
 // reads have effects too and see where the dot is, and before every write to the board. A board sees the
@@ -32,7 +32,7 @@ inline void TileGroup(PPU& ppu, uint32_t dot) {
     ppu.tile = ReadWatched(ppu, 0x2000U | (ppu.vramAddress & 0xFFFU));
     const uint32_t attributes = ppu_tick::AttributeAddress(ppu);
     if (dot == kLastGroup) {
-        ppu_tick::StepY(ppu);
+        ppu_tick::IncrementY(ppu);
     }
     ppu_tick::TakeAttribute(ppu, ReadWatched(ppu, attributes));
     const uint32_t low = ppu_tick::PatternAddress(ppu);
@@ -92,7 +92,7 @@ inline void PpuRun(PPU& ppu, uint32_t count) {
             done = ppu_run::kGroup;
             ppu_run::Group(ppu, next);
         } else {
-            PpuDot(ppu);
+            PpuTick(ppu);
         }
         count -= done;
     }

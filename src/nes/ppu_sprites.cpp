@@ -13,7 +13,7 @@ uint16_t PpuSpriteAddress(const PPU& ppu, uint32_t slot) {
     const uint8_t* sprite = &ppu.secondaryOam[slot * size_t{4}];
     const bool flip = (sprite[2] & kFlipY) != 0;
     auto row = static_cast<uint32_t>(ppu.line - sprite[0]);
-    if ((ppu.control & kPpuTallSprites) != 0) {
+    if ((ppu.control & kPpuCtrlTallSprites) != 0) {
         // The lower half lies in the next tile, 16 bytes on.
         row = (row & 7) + (row & 8) * 2;
         row ^= flip ? 0x17 : 0;
@@ -21,7 +21,7 @@ uint16_t PpuSpriteAddress(const PPU& ppu, uint32_t slot) {
     }
     row &= 7;
     row ^= flip ? 7 : 0;
-    const uint32_t table = (ppu.control & kPpuSpriteTable) != 0 ? 0x1000 : 0;
+    const uint32_t table = (ppu.control & kPpuCtrlSpriteTable) != 0 ? 0x1000 : 0;
     return static_cast<uint16_t>(table | sprite[1] * 16U | row);
 }
 

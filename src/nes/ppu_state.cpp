@@ -77,7 +77,7 @@ uint8_t SafeAccess(uint8_t state) {
 }
 
 // Brings whatever was loaded into the ranges that the chip itself keeps to.
-void Restrain(PPU& ppu) {
+void Sanitize(PPU& ppu) {
     ppu.vramAddress &= 0x7FFF;
     ppu.tempAddress &= 0x7FFF;
     ppu.fineX &= 7;
@@ -85,7 +85,7 @@ void Restrain(PPU& ppu) {
     ppu.ioState = SafeAccess(ppu.ioState);
     ppu.ioAddress &= ppu_bus::kMask;
     ppu.fetchAddress &= ppu_bus::kMask;
-    ppu.status &= kPpuBlank | kPpuHit | kPpuOverflow;
+    ppu.status &= kPpuStatusVblank | kPpuStatusSpriteZeroHit | kPpuStatusSpriteOverflow;
     ppu.line = std::clamp(ppu.line, kPpuPreRenderLine, ppu.totalLines - 2);
     const bool isShort = ppu.lineLength == kPpuShortLineDots && ppu.line == kPpuPreRenderLine;
     ppu.lineLength = isShort ? kPpuShortLineDots : kPpuLineDots;
@@ -129,7 +129,7 @@ uint8_t* PpuSaveState(const PPU& ppu, uint8_t* out) {
 uint32_t PpuLoadState(PPU& ppu, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, FieldsOf(ppu));
     if (used != 0) {
-        Restrain(ppu);
+        Sanitize(ppu);
         PpuDerive(ppu);
         PpuDeriveRow(ppu);
         PpuDeriveShades(ppu);

@@ -17,7 +17,7 @@ namespace ppu_tick {
 
 inline constexpr uint16_t kHorizontalBits = 0x41F;
 
-inline void StepX(PPU& ppu) {
+inline void IncrementX(PPU& ppu) {
     if ((ppu.vramAddress & 0x1F) == 0x1F) {
         ppu.vramAddress ^= kHorizontalBits; // coarse X to 0, and the other nametable
     } else {
@@ -25,7 +25,7 @@ inline void StepX(PPU& ppu) {
     }
 }
 
-inline void StepY(PPU& ppu) {
+inline void IncrementY(PPU& ppu) {
     constexpr uint16_t kFineY = 0x7000;
     constexpr uint16_t kCoarseY = 0x3E0;
     if ((ppu.vramAddress & kFineY) != kFineY) {
@@ -56,11 +56,11 @@ inline void StepY(PPU& ppu) {
 inline void TakeAttribute(PPU& ppu, uint8_t byte) {
     const uint32_t quarter = (ppu.vramAddress >> 4 & 4) | (ppu.vramAddress & 2);
     ppu.attribute = byte >> quarter & 3;
-    StepX(ppu);
+    IncrementX(ppu);
 }
 
 [[nodiscard]] inline uint32_t PatternAddress(const PPU& ppu) {
-    const uint32_t table = (ppu.control & kPpuBackgroundTable) != 0 ? 0x1000 : 0;
+    const uint32_t table = (ppu.control & kPpuCtrlBackgroundTable) != 0 ? 0x1000 : 0;
     return table | ppu.tile * 16U | (ppu.vramAddress >> 12 & 7U);
 }
 
@@ -86,9 +86,9 @@ inline void CopyX(PPU& ppu) {
 [[nodiscard]] inline uint32_t AddressOf(PPU& ppu, PpuFetch fetch, uint32_t slot) {
     switch (fetch) {
     case kFetchAttributeAddress: return AttributeAddress(ppu);
-    case kFetchAttributeAddressStepY: {
+    case kFetchAttributeAddressIncrementY: {
         const uint32_t address = AttributeAddress(ppu);
-        StepY(ppu);
+        IncrementY(ppu);
         return address;
     }
     case kFetchLowAddress: return PatternAddress(ppu);
@@ -103,7 +103,7 @@ inline void CopyX(PPU& ppu) {
 inline void Take(PPU& ppu, PpuFetch fetch, uint32_t dot, uint32_t slot, uint8_t byte) {
     switch (fetch) {
     case kFetchTile: ppu.tile = byte; break;
-    case kFetchAttributeStepX: TakeAttribute(ppu, byte); break;
+    case kFetchAttributeIncrementX: TakeAttribute(ppu, byte); break;
     case kFetchLow: ppu.lowPlane = byte; break;
     case kFetchHigh: TakeTile(ppu, dot, byte); break;
     case kFetchHighAhead: ppu.background = ppu.background << 32 | TilePixels(ppu, byte); break;
@@ -127,7 +127,7 @@ inline void Take(PPU& ppu, PpuFetch fetch, uint32_t dot, uint32_t slot, uint8_t 
 } // namespace ppu_tick
 
 // One dot.
-inline void PpuDot(PPU& ppu) {
+inline void PpuTick(PPU& ppu) {
     uint32_t dot = ppu.dot + 1;
     if (dot == ppu.eventDot) [[unlikely]] {
         dot = PpuEvent(ppu, dot);

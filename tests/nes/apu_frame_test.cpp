@@ -187,7 +187,7 @@ TEST(ApuFrame, DisablingClearsTheLength) {
     }
 }
 
-TEST(ApuFrame, HaltedLengthStands) {
+TEST(ApuFrame, HaltedLengthDoesNotCount) {
     for (size_t channel = 0; channel < 4; ++channel) {
         ApuRig rig;
         rig.Write(0x4015, 0x0F);
@@ -254,7 +254,7 @@ TEST(ApuFrame, LengthLoadOneCycleEarlierIsClocked) {
     EXPECT_EQ(rig.apu->length[0], 3);
 }
 
-TEST(ApuFrame, OtherAddressesAreNotHeard) {
+TEST(ApuFrame, OtherAddressesAreIgnored) {
     ApuRig rig;
     std::vector<uint8_t> before(ApuStateSize());
     std::vector<uint8_t> after(ApuStateSize());
@@ -266,7 +266,7 @@ TEST(ApuFrame, OtherAddressesAreNotHeard) {
     EXPECT_EQ(before, after);
 }
 
-TEST(ApuFrame, ResetStopsEverythingAndTakesTheLinesDown) {
+TEST(ApuFrame, ResetStopsEverythingAndClearsTheLines) {
     ApuRig rig;
     rig.Write(0x4015, 0x0F);
     rig.Writes({

@@ -36,7 +36,7 @@ public:
 
     void Run(uint64_t cycles) {
         for (uint64_t i = 0; i < cycles; ++i) {
-            ApuStep(*apu);
+            ApuTick(*apu);
             ++cycle;
             apu->stallCycles = 0;
             if (apu->pairs->sampleCount != 0) {

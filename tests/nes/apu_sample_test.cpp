@@ -182,7 +182,7 @@ TEST(ApuSample, EveryFetchAsksForFourStalledCycles) {
     size_t fetched = rig.fetched.size();
     for (int cycle = 0; cycle < 54 * 8 * 20; ++cycle) {
         rig.apu->stallCycles = 1;
-        ApuStep(*rig.apu);
+        ApuTick(*rig.apu);
         rig.apu->pairs->sampleCount = 0;
         EXPECT_EQ(rig.apu->stallCycles, rig.fetched.size() != fetched ? 4u : 1u);
         fetched = rig.fetched.size();

@@ -134,7 +134,7 @@ TEST(ApuState, FlushHandsOverWhatWasMade) {
     rig.apu->sound.Init(kApuSampleRate, SoundChoiceFromSettings());
     rig.Write(0x4011, 64);
     for (int i = 0; i < 8 * 1000; ++i) {
-        ApuStep(*rig.apu);
+        ApuTick(*rig.apu);
     }
     EXPECT_EQ(rig.apu->pairs->sampleCount, 2000u);
     EXPECT_TRUE(rig.apu->sound.Output().empty());
@@ -151,7 +151,7 @@ TEST(ApuState, OwnerThatNeverFlushesIsSafe) {
     ApuRig rig;
     PlayAll(rig);
     for (int i = 0; i < 200'000; ++i) {
-        ApuStep(*rig.apu);
+        ApuTick(*rig.apu);
     }
     EXPECT_EQ(rig.apu->pairs->sampleCount, rig.apu->pairs->samples.size())
         << "what comes then is lost";
@@ -170,7 +170,7 @@ TEST(ApuState, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
             size_t pairs = 0;
             for (int frame = 0; frame < kFrames; ++frame) {
                 for (int cycle = 0; cycle < 29'781; ++cycle) {
-                    ApuStep(*rig.apu);
+                    ApuTick(*rig.apu);
                 }
                 ASSERT_LT(rig.apu->pairs->sampleCount, rig.apu->pairs->samples.size());
                 rig.apu->sound.Flush();

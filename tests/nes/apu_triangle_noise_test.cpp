@@ -131,7 +131,7 @@ TEST(ApuTriangle, StopsAtItsLevelWithoutLengthOrLinearCounter) {
 
 // The level is worked out as the wave moves on: a channel that stands keeps it, whatever period comes,
 // and one that has been silenced by its period stands silent.
-TEST(ApuTriangle, PeriodUnderFourDoesNothingToAChannelThatStands) {
+TEST(ApuTriangle, PeriodUnderFourLeavesAStoppedChannelAlone) {
     for (const bool byLength : {false, true}) {
         for (const bool isSilentBefore : {false, true}) {
             TriangleRig rig(100);

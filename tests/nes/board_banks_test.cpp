@@ -39,7 +39,7 @@ TEST(ProgramBankBoard, HasCharacterRam) {
 }
 
 // 2, 7 and 73 have their RAM in the patterns whatever the image brings.
-TEST(BankBoards, RamStandsBeforeACharacterImage) {
+TEST(BankBoards, RamReplacesACharacterImage) {
     for (const int board : {2, 7, 73}) {
         CartridgeRig rig({board, 8, 2, 0});
         EXPECT_EQ(rig.PpuRead(0x0001), 0) << board << ": the image's pages have 0x80 here";
@@ -113,7 +113,7 @@ TEST(BankBoards, ResetReturnsToTheFirstBankAndKeepsTheRam) {
     EXPECT_EQ(rig.Characters(), Pages(0, 8));
 }
 
-TEST(BankBoards, ResetTakesTheInterruptLineDown) {
+TEST(BankBoards, ResetClearsTheInterruptLine) {
     CartridgeRig rig({0, 1, 1, 0});
     rig.irqLines = kNesIrqBoard | kNesIrqFrame;
     BoardReset(*rig.cartridge);

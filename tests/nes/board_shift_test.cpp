@@ -169,7 +169,7 @@ TEST(ShiftBoard, BitSevenSetsTheFixedBankWithTheNextRegister) {
 
 // Between the write with bit 7 and the next register the tables are those of before. A load leaves it
 // at that: the fixed bank comes with the register on either side, whichever it is.
-TEST(ShiftBoard, AStateSavedBehindBitSevenGoesOnAsTheRunDoes) {
+TEST(ShiftBoard, AStateSavedAfterBitSevenGoesOnAsTheRunDoes) {
     for (const int next : {kChr0, kChr1, kPrg}) {
         ShiftRig saved(16, 4);
         saved.Set(kPrg, 6);

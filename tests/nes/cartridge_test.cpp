@@ -45,7 +45,7 @@ TEST(Cartridge, EveryOtherBoardIsRefusedWithItsNumber) {
     }
 }
 
-TEST(Cartridge, TrainerIsRefusedWithoutAWord) {
+TEST(Cartridge, TrainerIsRefusedWithoutAMessage) {
     for (const int board : {0, 5}) { // before the board is looked up
         std::string error = "old";
         EXPECT_FALSE(Loads(MakeImage({board, 1, 1, kNesTrainer}), error));

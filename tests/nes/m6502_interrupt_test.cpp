@@ -111,7 +111,7 @@ const std::vector<KIND_ROW> kKinds{
 };
 
 // An interrupt raised in any cycle of an instruction begins behind its last.
-TEST(M6502Interrupt, IsTakenBehindTheInstructionInWhichItComes) {
+TEST(M6502Interrupt, IsTakenAfterTheInstructionInWhichItComes) {
     for (const Line line : {Line::kNmi, Line::kIrq}) {
         for (const KIND_ROW& row : kKinds) {
             for (uint32_t raisedIn = 1; raisedIn <= row.cycles; ++raisedIn) {
@@ -242,7 +242,7 @@ TEST(M6502Interrupt, NmiDuringAnIrqsSequenceFollowsIt) {
     }
 }
 
-TEST(M6502Interrupt, NmiBehindBreaksPushOfTheFlagsWaits) {
+TEST(M6502Interrupt, NmiAfterBreaksPushOfTheFlagsWaits) {
     for (uint32_t raisedIn = kBreakFlagsAt + 1; raisedIn <= kBreakCycles; ++raisedIn) {
         TEST_6502 test{0x00, 0x00};
         EXPECT_EQ(VectorCycle(test, Line::kNmi, raisedIn), kBreakCycles + kVectorAt) << raisedIn;

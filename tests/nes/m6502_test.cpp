@@ -10,7 +10,7 @@ namespace {
 constexpr std::array<uint32_t, 12> kEmptyRows{0x02, 0x12, 0x22, 0x32, 0x42, 0x52,
                                               0x62, 0x72, 0x92, 0xB2, 0xD2, 0xF2};
 
-TEST(M6502Reset, ReadsItsVectorBehindThreeStackReads) {
+TEST(M6502Reset, ReadsItsVectorAfterThreeStackReads) {
     TEST_6502 test;
     test.Put(0xFFFC, {0x34, 0x12});
     test.Put(0x0000, {0x5A});
@@ -200,7 +200,7 @@ TEST(M6502, DecimalFlagIsKeptAndIgnored) {
     }
 }
 
-TEST(M6502, PulledFlagsIgnoreTheBitsThatAreNone) {
+TEST(M6502, PulledFlagsIgnoreBitsFourAndFive) {
     for (const uint8_t opcode : BYTES{0x28, 0x40}) { // PLP, RTI
         for (const uint8_t pulled : BYTES{0x00, 0xFF, 0x10}) {
             TEST_6502 test{opcode};

@@ -73,7 +73,7 @@ TEST(NesBus, WritesBeyondTheSoundRegistersReachNothing) {
 
 // The write takes one cycle off the wait; the first read of the transfer finds the rest, of which one
 // cycle is its own.
-TEST(NesBus, SpriteTransferWaitsForTheSampleChannelOnce) {
+TEST(NesBus, SpriteDmaWaitsForTheSampleChannelOnce) {
     for (const auto& [pending, cycles] : std::vector<std::pair<uint32_t, uint32_t>>{
              {4, 2},
              {3, 1},
@@ -114,7 +114,7 @@ TEST(NesBus, SamplesComeFromTheBankThatIsSwitchedIn) {
     const auto nextByte = [&] {
         const uint32_t left = nes->apu.sample.bytesLeft;
         for (int cycles = 0; cycles < 1000 && nes->apu.sample.bytesLeft == left; ++cycles) {
-            ApuStep(nes->apu);
+            ApuTick(nes->apu);
         }
         return nes->apu.sample.buffer;
     };

@@ -145,7 +145,7 @@ TEST_P(EveryNesState, DamagedBytesLoadAndRunOrAreRefused) {
 INSTANTIATE_TEST_SUITE_P(NesState, EveryNesState, testing::ValuesIn(kNesBoardCases),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
-TEST(NesState, PiecesStandInTheirOrder) {
+TEST(NesState, PiecesComeInTheirOrder) {
     const std::vector<uint32_t> plain = AllPieceSizes(Save(*Start(kNesBoardCases[0])));
     ASSERT_EQ(plain.size(), 6U);
     EXPECT_EQ(plain[0], 5U + 0x800 + 2 + 8) << "header, work RAM, buttons, read counts";

@@ -192,7 +192,7 @@ TEST(Nes, FrameInterruptComesUnlessTheFrameRegisterForbidsIt) {
     }
 }
 
-TEST(Nes, StatusOfTheSoundUnitIsReadAt0x4015) {
+TEST(Nes, ApuStatusIsReadAt0x4015) {
     NesProgram program;
     program.Store(0x4015, 0x03).Store(0x4000, 0x30).Store(0x4003, 0x08).Store(0x4007, 0x08);
     program.Bytes({0xEA, 0xEA}).Copy(0x4015, 0x0200).Stop();
@@ -203,7 +203,7 @@ TEST(Nes, StatusOfTheSoundUnitIsReadAt0x4015) {
 
 // Transfers and stalls.
 
-TEST(Nes, SpriteTransferCopiesAPageAtOnceAndReadsAtPc) {
+TEST(Nes, SpriteDmaCopiesAPageAtOnceAndReadsAtPc) {
     const auto nes = StartConsole(Idle());
     NES_BUS bus{*nes};
     for (uint32_t i = 0; i < 256; ++i) {
@@ -226,7 +226,7 @@ TEST(Nes, SpriteTransferCopiesAPageAtOnceAndReadsAtPc) {
     EXPECT_EQ(nes->ppu.oamAddress, 0x10);
 }
 
-TEST(Nes, SpriteTransferReadsThroughTheBus) {
+TEST(Nes, SpriteDmaReadsThroughTheBus) {
     const auto nes = StartConsole(Idle());
     NES_BUS bus{*nes};
     bus.Write(0x4014, 0xE0);
@@ -330,7 +330,7 @@ TEST(Nes, ScanlineBoardInterruptsOnItsLines) {
     }
 }
 
-TEST(Nes, BlankInterruptsOnceAFrame) {
+TEST(Nes, VblankInterruptsOnceAFrame) {
     NesProgram program;
     program.Store(0x0010, 0).Store(0x2000, 0x80).Stop();
     program.At(kNesNmi).Bytes({0xE6, 0x10, 0x40}); // INC $10; RTI
@@ -584,7 +584,7 @@ std::string Refusal(const std::vector<uint8_t>& image) {
 
 } // namespace
 
-TEST(Nes, TrainerIsRefusedWithoutAWord) {
+TEST(Nes, TrainerIsRefusedWithoutAMessage) {
     EXPECT_EQ(Refusal(NesImage(Idle(), {5, 4, 2, 1, {}})), "") << "before the board is looked at";
 }
 
@@ -606,7 +606,7 @@ TEST(Nes, ShortOrHeaderlessImageIsRefusedWithALine) {
     EXPECT_EQ(Refusal({}), "the image of \"Test Game\" is empty");
 }
 
-TEST(Nes, BytesBehindTheImageAreNotLookedAt) {
+TEST(Nes, BytesAfterTheImageAreIgnored) {
     std::vector<uint8_t> image = NesImage(Idle());
     image.resize(image.size() + 1000, 0x12);
     EXPECT_EQ(NesByte(*StartNes(image), 0xE000), 0x4C);

@@ -34,7 +34,7 @@ bool Counts(uint32_t& filter, uint16_t address) {
 
 } // namespace
 
-TEST(PpuBackground, TilesStandWhereTheNametableSays) {
+TEST(PpuBackground, TilesAreWhereTheNametableSays) {
     PpuRig rig;
     rig.SetPalette();
     for (uint32_t row = 0; row < 8; ++row) {

@@ -223,7 +223,7 @@ TEST(PpuRegisters, PaletteWritesDontReachTheMemoryBeneath) {
     EXPECT_EQ(rig.ppu->palette[5], 0x11);
 }
 
-TEST(PpuRegisters, MemoryReadsComeOneLate) {
+TEST(PpuRegisters, MemoryReadsAreDelayedByOne) {
     PpuRig rig;
     rig.WriteMemory(0x2005, 0xAA);
     rig.WriteMemory(0x2006, 0xBB);

@@ -69,10 +69,10 @@ public:
     }
     uint8_t Read(uint32_t address) { return PpuReadRegister(*ppu, static_cast<uint16_t>(address)); }
 
-    void Dot() { PpuDot(*ppu); }
+    void Dot() { PpuTick(*ppu); }
     void PlainDots(uint32_t count) {
         for (; count != 0; --count) {
-            PpuPlainDot(*ppu);
+            PpuPlainTick(*ppu);
         }
     }
     void Dots(uint32_t count) {

@@ -67,7 +67,7 @@ bool OverflowOnLine50(PpuRig& rig) {
 
 } // namespace
 
-TEST(PpuSprite, StandsOneLineBelowItsY) {
+TEST(PpuSprite, AppearsOneLineBelowItsY) {
     PpuRig rig;
     Start(rig, kSpritesOn);
     rig.Tile(9, 0b11110000, 0b11001100);
@@ -295,7 +295,7 @@ TEST(PpuSprite, EightDontOverflow) {
 }
 
 // Sprites 0 to 7 take eight dots each from 64 on; the ninth is read on dot 128 and judged on 129.
-TEST(PpuSprite, ANinthRightBehindTheEightOverflows) {
+TEST(PpuSprite, ANinthRightAfterTheEightOverflows) {
     PpuRig rig;
     StartEight(rig);
     rig.Sprite(8, 0, 50, 1, 0);

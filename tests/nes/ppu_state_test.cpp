@@ -242,7 +242,7 @@ TEST(PpuState, ALoadedLineEndsWhereItShould) {
 // Pixels and sprite search wait for a reason to be done, and what happens at certain dots is looked for when
 // the next one is due. Done on every single dot instead they give the same pictures, the same register values
 // and the same state.
-TEST(PpuLag, IsNeverSeen) {
+TEST(PpuCatchUp, DelayIsNeverSeen) {
     for (uint32_t seed = 0; seed < 12; ++seed) {
         PpuRig late;
         PpuRig prompt;
@@ -272,7 +272,7 @@ TEST(PpuLag, IsNeverSeen) {
     }
 }
 
-TEST(PpuLag, SearchOfALineAtOnceEndsAsDotByDot) {
+TEST(PpuCatchUp, SearchOfALineAtOnceEndsAsDotByDot) {
     std::mt19937 random(9);
     for (uint32_t round = 0; round < 3000; ++round) {
         PpuRig rig;
@@ -293,7 +293,7 @@ TEST(PpuLag, SearchOfALineAtOnceEndsAsDotByDot) {
     }
 }
 
-TEST(PpuLag, WithoutAPictureTheChipBehavesTheSame) {
+TEST(PpuCatchUp, WithoutAPictureTheChipBehavesTheSame) {
     PpuRig seen;
     PpuRig unseen;
     Randomize(seen, 4);
@@ -311,7 +311,7 @@ TEST(PpuLag, WithoutAPictureTheChipBehavesTheSame) {
 
 // Stretches of any length, and register accesses between them; with a board that watches the addresses,
 // which then has seen the same ones in the same order, and with one that doesn't.
-TEST(PpuRun, DoesTheSameAsSoManyDots) {
+TEST(PpuRun, DoesTheSameAsSingleDots) {
     for (uint32_t seed = 0; seed < 16; ++seed) {
         PpuRig run;
         PpuRig dots;

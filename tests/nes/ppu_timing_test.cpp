@@ -95,7 +95,7 @@ TEST(PpuTiming, ALineThatIsShortAlreadyIsMadeWhole) {
     EXPECT_EQ(rig.ppu->lineLength, kPpuLineDots);
 }
 
-TEST(PpuTiming, BlankFlagStandsFromLine241ToDot1OfThePreRenderLine) {
+TEST(PpuTiming, VblankFlagIsSetFromLine241ToDot1OfThePreRenderLine) {
     PpuRig rig;
     rig.RunTo(-1, 1);
     EXPECT_EQ(rig.Status(), 0);
@@ -129,7 +129,7 @@ TEST(PpuTiming, RenderingAndVisibleFollowTheLines) {
     EXPECT_FALSE(rig.ppu->rendering);
 }
 
-TEST(PpuTiming, OamAddressIsClearedAsTheBlankBegins) {
+TEST(PpuTiming, OamAddressIsClearedAsVblankBegins) {
     PpuRig rig;
     rig.RunTo(240, 0);
     rig.Write(3, 0x44);
@@ -139,7 +139,7 @@ TEST(PpuTiming, OamAddressIsClearedAsTheBlankBegins) {
     EXPECT_EQ(rig.ppu->oamAddress, 0);
 }
 
-TEST(PpuTiming, BlankRaisesTheInterruptWhereItIsEnabled) {
+TEST(PpuTiming, VblankRaisesTheNmiIfEnabled) {
     for (const uint32_t control : {0x00U, 0x7FU, 0x80U}) {
         PpuRig rig;
         rig.Write(0, control);
@@ -192,7 +192,7 @@ TEST(PpuTiming, AReadClearsTheFlagAndNothingElse) {
     EXPECT_EQ(rig.Read(2), 0x60);
 }
 
-TEST(PpuTiming, EnablingTheInterruptWhileTheFlagStandsRaisesIt) {
+TEST(PpuTiming, EnablingTheNmiWhileTheFlagIsSetRaisesIt) {
     PpuRig rig;
     rig.Finish();
     rig.RunTo(245, 100);
@@ -212,7 +212,7 @@ TEST(PpuTiming, EnablingTheInterruptWhileTheFlagStandsRaisesIt) {
     EXPECT_EQ(rig.nmi, 0U); // no flag any more
 }
 
-TEST(PpuTiming, DisablingTheInterruptTakesItBackInTheFirstThreeDots) {
+TEST(PpuTiming, DisablingTheNmiClearsItInTheFirstThreeDots) {
     for (uint32_t dot = 0; dot < 6; ++dot) {
         PpuRig rig;
         rig.Write(0, 0x80);
@@ -224,7 +224,7 @@ TEST(PpuTiming, DisablingTheInterruptTakesItBackInTheFirstThreeDots) {
 }
 
 // Only on line 241 is anything undecided.
-TEST(PpuTiming, FirstDotsOfLaterBlankLinesAreAsAnyOthers) {
+TEST(PpuTiming, FirstDotsOfLaterVblankLinesAreLikeAnyOthers) {
     for (const int32_t line : {242, 250, 260}) {
         for (uint32_t dot = 0; dot < 3; ++dot) {
             PpuRig rig;

@@ -1,5 +1,5 @@
-// The NES's sound unit, as cost of a cycle and as multiples of real time. A frame is a sixtieth of a
-// second of processor cycles; with the resampler it is flushed and taken at its end.
+// The APU: cost of a cycle and multiple of real time. A frame is a sixtieth of a second of CPU cycles; with the
+// resampler its sound is flushed and taken at the end.
 #include "base/audio_rate.h"
 #include "machine/sound_settings.h"
 #include "nes/apu.h"

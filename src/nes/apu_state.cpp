@@ -1,5 +1,5 @@
-// What a saved state keeps of the sound unit. Whatever is loaded is brought into the ranges that the
-// chip itself keeps to: most of it becomes an index or a counter that must not be zero.
+// The APU's state. Loaded values are brought into the chip's own ranges: most become an index or a counter
+// that must not be zero.
 #include "machine/state_piece.h"
 #include "nes/apu.h"
 #include "nes/apu_private.h"
@@ -76,7 +76,7 @@ void SampleFields(APU_SAMPLE& sample, Visit& visit) {
     visit(sample.output);
 }
 
-// `irqs`: the chip's bits of the interrupt word.
+// `irqs`: the APU's bits of the interrupt word.
 template <typename Visit>
 void Fields(APU& apu, uint32_t& irqs, Visit& visit) {
     visit(apu.sampleClock);
@@ -178,7 +178,7 @@ uint32_t ApuStateSize() {
 
 uint8_t* ApuSaveState(const APU& apu, uint8_t* out) {
     auto& fields =
-        const_cast<APU&>(apu); // The visitor that only reads is the one that also writes.
+        const_cast<APU&>(apu); // saving shares the field list with loading; it changes nothing
     uint32_t irqs = *apu.irqLines & kOwnIrqs;
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, irqs, visit); });
 }

@@ -1,4 +1,5 @@
-// The sound unit's cycle, for the machine's loop: a few counters, of which one rarely runs out.
+// The APU's tick, one CPU cycle, to be inlined into a machine's frame loop: a few counters that rarely run
+// out.
 #pragma once
 
 #include "nes/apu_private.h"
@@ -11,7 +12,7 @@ inline void ApuClockPulse(APU_PULSE& pulse, uint8_t length) {
                        : 0;
 }
 
-// A channel that isn't playing keeps its level, so that it stops and starts without a click.
+// A stopped channel keeps its level, so it stops and starts without a click.
 inline void ApuClockTriangle(APU_TRIANGLE& triangle, uint8_t length) {
     triangle.counter = triangle.period + 1u;
     if (length == 0 || triangle.linear == 0) {
@@ -31,7 +32,7 @@ inline void ApuClockNoise(APU_NOISE& noise, uint8_t length) {
     noise.output = (noise.shift & 0x4000) != 0 ? volume * -2 : volume * 2;
 }
 
-// One processor cycle.
+// One CPU cycle.
 inline void ApuTick(APU& apu) {
     ++apu.sampleClock;
     if (--apu.frameCounter == 0) [[unlikely]] {

@@ -1,10 +1,8 @@
-// The frame loops of the NES, with everything that runs in a cycle inlined into them, and the stall path
-// beside them.
+// The frame loops of the NES, with everything that runs in a cycle inlined, and the stall of sample DMA.
 //
-// In the plain loop every chip is stepped in every cycle and nothing is put off, so that it is the measure
-// for the other. In the late one the picture unit waits until
-// somebody could tell: something on the processor's side of it is read or written, or it has an event,
-// such as the blank's interrupt or, sooner, one of a board that watches its addresses.
+// The plain loop ticks every chip in every cycle and is the reference for the fast one. In the fast loop the PPU
+// lags until the difference could be seen: at a CPU access to anything but memory, at a PPU event such as
+// the NMI, or when a board that watches PPU addresses might interrupt.
 #include "base/flatten.h"
 #include "machine/sound_settings.h"
 #include "nes/apu_tick.h"
@@ -20,7 +18,7 @@ namespace {
 
 constexpr uint32_t kDotsPerCycle = 3;
 
-// A cycle of all chips but the processor, one after the other.
+// One cycle of all chips but the CPU.
 void RunChipsPlain(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
@@ -29,7 +27,7 @@ void RunChipsPlain(NES_CONSOLE& nes) {
     ApuTick(nes.apu);
 }
 
-// The same for the late loop, with pixels and sprite search that wait.
+// The same for the fast loop: pixels and sprite evaluation may lag.
 void RunChips(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
@@ -47,11 +45,11 @@ void RunFramePlain(NES_CONSOLE& nes) {
     }
 }
 
-// The bus with a picture unit that may be late.
+// The bus of the fast loop: runs the owed dots before an access that could tell.
 struct NES_CATCH_UP_BUS {
     NES_BUS bus;
-    uint32_t owedDots = 0;    // dots not run yet
-    uint32_t dotsToEvent = 0; // dots from the last one that was run to where something may happen
+    uint32_t owedDots = 0;    // have passed but not run
+    uint32_t dotsToEvent = 0; // from the last dot that has run to the next possible event
 
     uint8_t Read(uint16_t address) {
         const bool isMemory = address < nes_bus::kPpuStart || address >= nes_bus::kCartridgeStart;
@@ -97,8 +95,8 @@ private:
     }
 };
 
-// The board's clock, which knows nothing of the picture, is never late. Few boards have one (`boardClock`);
-// with the others the call is saved.
+// The board's CPU clock runs in every cycle: it doesn't depend on the PPU. Only board 73 has one (`boardClock`);
+// the others save the call.
 template <bool boardClock>
 OMBRELUNE_FLATTEN void RunFrameFast(NES_CONSOLE& nes) {
     NES_CATCH_UP_BUS bus{{nes}, 0, 0};
@@ -138,7 +136,7 @@ void NesConnect(NES_CONSOLE& nes) {
 }
 
 void NesReset(NES_CONSOLE& nes) {
-    // What the chip's RAM is found to hold as a rule.
+    // Work RAM at power-on as commonly measured.
     nes.workRam.fill(0xFF);
     nes.workRam[8] = 0xF7;
     nes.workRam[9] = 0xEF;

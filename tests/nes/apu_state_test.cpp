@@ -7,7 +7,7 @@
 
 namespace {
 
-// Every channel in the middle of something.
+// Every channel busy.
 void PlayAll(ApuRig& rig) {
     for (size_t i = 0; i < rig.memory.size(); ++i) {
         rig.memory[i] = static_cast<uint8_t>(i * 37 >> 3);
@@ -54,7 +54,7 @@ TEST(ApuState, LoadedChipGivesTheSameSamples) {
         ApuRig saved;
         PlayAll(saved);
         saved.Run(cycles);
-        saved.Write(0x400F, 0x20); // a load that still waits
+        saved.Write(0x400F, 0x20); // a pending length load
         const std::vector<uint8_t> block = Save(saved);
         ApuRig loaded;
         loaded.memory = saved.memory;
@@ -104,8 +104,8 @@ TEST(ApuState, WrongVersionOrLengthIsRefusedWithNothingChanged) {
     EXPECT_EQ(Load(rig, more), block.size());
 }
 
-// Whatever is loaded, the chip stays within the sum of its channels' ranges and runs on: every timer
-// and the sequencer come round.
+// Any loaded bytes leave the chip within the sum of its channels' ranges and running: every timer and the
+// sequencer expire.
 TEST(ApuState, TamperedStatesAreSafe) {
     std::mt19937 random(1);
     for (int round = 0; round < 200; ++round) {
@@ -157,7 +157,7 @@ TEST(ApuState, OwnerThatNeverFlushesIsSafe) {
         << "what comes then is lost";
 }
 
-// Frames of 29,781 cycles, the longest there are; none of their sound may be dropped.
+// Frames of 29,781 cycles, the longest; no sample may be dropped.
 TEST(ApuState, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
     constexpr int kFrames = 20;
     for (const uint32_t rate : {22050u, 44100u, 192000u}) {
@@ -179,7 +179,7 @@ TEST(ApuState, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
                 rig.apu->sound.Consume(static_cast<int32_t>(ready));
             }
             const double expected = kFrames * 29'781.0 / kApuClock * rate;
-            // A converter holds back half of its filter; one frame lost would be 367 or more.
+            // The resampler holds back half of its filter; one lost frame would be 367 samples or more.
             EXPECT_NEAR(static_cast<double>(pairs), expected, 64.0)
                 << rate << " quality " << quality;
         }

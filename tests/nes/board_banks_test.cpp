@@ -38,7 +38,7 @@ TEST(ProgramBankBoard, HasCharacterRam) {
     EXPECT_EQ(rig.Characters(), Pages(0, 8));
 }
 
-// 2, 7 and 73 have their RAM in the patterns whatever the image brings.
+// 2, 7 and 73 have character RAM even if the image has characters.
 TEST(BankBoards, RamReplacesACharacterImage) {
     for (const int board : {2, 7, 73}) {
         CartridgeRig rig({board, 8, 2, 0});
@@ -73,7 +73,7 @@ TEST(CharacterBankBoard, GameWithoutCharactersHasRam) {
 
 TEST(OneScreenBoard, ValuePicksProgramAndNametable) {
     CartridgeRig rig({7, 32, 0, 1});    // more banks than the three bits reach
-    EXPECT_EQ(rig.Mirroring(), "AAAA"); // whatever the header says
+    EXPECT_EQ(rig.Mirroring(), "AAAA"); // ignores the header
     for (int value = 0; value < 256; ++value) {
         rig.Write(0x8000 + value * 0x71, value);
         EXPECT_EQ(rig.Program(), Pages((value & 7) * 8, 8)) << value;

@@ -23,7 +23,7 @@
 
 inline constexpr double kApuClock = 1789773.0; // Hz
 inline constexpr uint32_t kApuCyclesPerPair = 8;
-inline constexpr double kApuSampleRate = 223721.625; // pairs a second
+inline constexpr double kApuSampleRate = 223721.625; // pairs per second
 
 inline constexpr uint32_t kApuStallCycles = 4; // the CPU is held this long for a sample byte
 

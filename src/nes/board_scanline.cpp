@@ -177,7 +177,7 @@ void Reset(NES_CARTRIDGE& cartridge) {
     state.bankSelect = 0;
     state.ramControl = 0;
     state.mirroring = HeaderMirroringRegister(cartridge);
-    state.program = {0x3C, 0x3D, 0x3E, 0x3F};
+    state.program = {0x3C, 0x3D, 0x3E, 0x3F}; // the last four
     state.character = {0, 1, 2, 3, 4, 5, 6, 7};
     cartridge.quietDots = QuietDots;
     SetWriteHandler(cartridge, 8, 9, WriteBanks);

@@ -44,7 +44,7 @@ inline constexpr size_t kM6502RegisterStride = 4;
 struct M6502 {
     M6502ReadFunction read = nullptr;
     M6502WriteFunction write = nullptr;
-    void* context = nullptr; // handed back in both
+    void* context = nullptr; // passed to both
 
     uint16_t pc = 0;
     alignas(kM6502RegisterStride) uint8_t a = 0;

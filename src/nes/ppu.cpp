@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr uint8_t kColourBits = 0x3F;
+constexpr uint8_t kGrayColumn = 0x30;    // of the colour numbers: luminance without hue
 constexpr uint32_t kRandomSeed = 0x2C02; // at every reset, so that runs repeat
 
 const std::array<uint32_t, kPpuColours>& SharedColours() {
@@ -108,7 +110,7 @@ void PpuReset(PPU& ppu, bool hard, uint32_t* nmiLine) {
     ppu.randomState = kRandomSeed;
     ppu.oam.fill(0xFF);
     ppu.secondaryOam.fill(0xFF);
-    ppu.palette.fill(0x3F);
+    ppu.palette.fill(kColourBits);
     for (auto& page : ppu.nametables) {
         page.fill(0xFF);
     }
@@ -144,7 +146,7 @@ void PpuDeriveShades(PPU& ppu) {
 void PpuDerive(PPU& ppu) {
     ppu.layers = LayersOf(ppu.mask, kPpuMaskBackground, kPpuMaskSprites);
     ppu.leftLayers = ppu.layers & LayersOf(ppu.mask, kPpuMaskLeftBackground, kPpuMaskLeftSprites);
-    ppu.grayMask = (ppu.mask & kPpuMaskGray) != 0 ? 0x30 : 0x3F;
+    ppu.grayMask = (ppu.mask & kPpuMaskGray) != 0 ? kGrayColumn : kColourBits;
     ppu.emphasis = (ppu.mask & uint32_t{kPpuMaskEmphasis}) << 1;
     ppu.rendering = ppu.layers != 0 && ppu.line < kPpuIdleLine;
     ppu.visible = ppu.line >= 0 && ppu.line < kPpuIdleLine;

@@ -30,7 +30,7 @@ IMAGE ImageFor(int board) {
     return {board, 32, board == 9 ? 16 : 0, 0};
 }
 
-// Everything that the buses show of a cartridge, the RAM of it included.
+// Everything that the buses can read of a cartridge, its RAM included.
 std::vector<int> Seen(CartridgeRig& rig) {
     std::vector<int> bytes;
     for (int address = 0x5000; address < 0x10000; address += 0x80) {
@@ -44,12 +44,12 @@ std::vector<int> Seen(CartridgeRig& rig) {
     return bytes;
 }
 
-// Registers set by chance, and RAM filled.
+// Random registers and RAM.
 void Play(CartridgeRig& rig, uint32_t seed) {
     std::mt19937 random(seed);
     for (int i = 0; i < 400; ++i) {
         rig.cycles += static_cast<uint32_t>(1 + random() % 3);
-        // Few resets, so that registers of five bits come about.
+        // Few reset writes, so that five-bit values complete.
         const auto value = static_cast<int>(random() & (random() % 16 == 0 ? 0xFF : 0x7F));
         rig.Write(static_cast<int>(0x6000 + random() % 0xA000), value);
         rig.PpuWrite(static_cast<int>(random() % 0x2000), static_cast<int>(random() & 0xFF));
@@ -58,7 +58,7 @@ void Play(CartridgeRig& rig, uint32_t seed) {
     }
 }
 
-// What may be read has data behind it, and nametables are the machine's.
+// Readable pages have data, and nametables belong to the machine.
 void ExpectSoundTables(const CartridgeRig& rig) {
     for (const NES_CPU_PAGE& page : rig.cartridge->pages.cpu) {
         EXPECT_TRUE(page.data != nullptr || (!page.readable && !page.writable));
@@ -90,12 +90,12 @@ TEST(BoardState, LoadedBoardShowsWhatTheSavedOneShowed) {
             const std::vector<uint8_t> block = saved.Save();
             CartridgeRig loaded(ImageFor(row.board));
             Play(loaded, seed + 1000);
-            loaded.cartridge->plainRam = saved.cartridge->plainRam; // the machine saves it
+            loaded.cartridge->plainRam = saved.cartridge->plainRam; // saved by the machine
             ASSERT_EQ(loaded.Load(block), block.size()) << row.board;
             EXPECT_EQ(loaded.Save(), block) << row.board;
             EXPECT_EQ(Seen(loaded), Seen(saved)) << row.board << " seed " << seed;
 
-            // From here on both run alike.
+            // From here on both must behave the same.
             loaded.cycles = saved.cycles;
             loaded.irqLines = saved.irqLines;
             Play(loaded, seed + 2000);
@@ -123,7 +123,7 @@ TEST(BoardState, WrongVersionOrLengthIsRefusedWithNothingChanged) {
         EXPECT_EQ(rig.Load(cut), 0u);
         EXPECT_EQ(rig.Load({}), 0u);
         EXPECT_EQ(rig.Save(), before) << row.board;
-        std::vector<uint8_t> more = block; // of the blob behind it nothing is taken
+        std::vector<uint8_t> more = block; // bytes after the piece are ignored
         more.push_back(0);
         EXPECT_EQ(rig.Load(more), block.size());
     }
@@ -179,7 +179,7 @@ TEST(BoardState, ShiftBoardFieldOrder) {
     const std::vector<uint8_t> block = rig.Save();
     EXPECT_EQ(std::vector<uint8_t>(block.begin() + 5, block.begin() + 20),
               (std::vector<uint8_t>{0x0D, 0x05, 0x06, 0x03, 2, 2, // registers, shift, count
-                                    2, 0, 0, 0,                   // the last one set was CHR 1
+                                    2, 0, 0, 0,                   // last register: CHR 1
                                     0x7A, 0x56, 0x34, 0x12, 0x11}));
     EXPECT_EQ(block[5 + 14 + kRam], 0x22);
 }

@@ -1,5 +1,5 @@
-// States of the NES with every kind of board: what follows a load is what followed the save, and bytes of
-// any kind do no harm.
+// States of the NES with every kind of board: a loaded run continues like the saved one, and arbitrary bytes do no
+// harm.
 #include "base/bytes.h"
 #include "machine/state_piece.h"
 #include "nes/nes_boards.h"
@@ -13,9 +13,9 @@
 
 namespace {
 
-// A restless program: random numbers go to work RAM, to the board's registers and RAM, to the pads and
-// into the picture while it is drawn; each blank moves sprites, scroll, palette, nametables and all
-// channels of sound, samples included; interrupts of the board and the sound unit are answered.
+// A busy program: random numbers go to work RAM, to the board's registers and RAM, to the pads and to the PPU while
+// it draws; each vblank changes sprites, scroll, palette, nametables and all sound channels, samples included;
+// board and APU interrupts are handled.
 NesProgram Restless() {
     NesProgram program;
     program.Store(0x0000, 0x35).Store(0x0001, 1).Store(0x0011, 0);
@@ -72,7 +72,7 @@ TEST_P(EveryNesState, TwoRunsAreTheSame) {
     ExpectSameFrames(one, two);
 }
 
-// The picture unit may run late in one and is always up to date in the other.
+// The PPU lags in the one and never in the other.
 TEST_P(EveryNesState, FastAndPlainFramesAreTheSame) {
     const auto fast = Start(GetParam());
     const auto plain = Start(GetParam());
@@ -126,7 +126,7 @@ TEST_P(EveryNesState, IsRefusedWhenItIsCutOrOfAnotherVersionOrSize) {
     const SAVED saved = Save(*machine);
     std::vector<uint32_t> sizes = AllPieceSizes(saved);
     sizes.pop_back();
-    // A plain board's state may be one from before its RAM was kept.
+    // A plain board's state may end before its RAM.
     const auto isWithoutRam = [](size_t piece, bool atStart) {
         return piece == kPiecesOfEveryBoard && atStart;
     };
@@ -145,7 +145,7 @@ TEST_P(EveryNesState, DamagedBytesLoadAndRunOrAreRefused) {
 INSTANTIATE_TEST_SUITE_P(NesState, EveryNesState, testing::ValuesIn(kNesBoardCases),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
-TEST(NesState, PiecesStandInTheirOrder) {
+TEST(NesState, PiecesComeInTheirOrder) {
     const std::vector<uint32_t> plain = AllPieceSizes(Save(*Start(kNesBoardCases[0])));
     ASSERT_EQ(plain.size(), 6U);
     EXPECT_EQ(plain[0], 5U + 0x800 + 2 + 8) << "header, work RAM, buttons, read counts";
@@ -165,7 +165,7 @@ TEST(NesState, OfAnotherBoardIsRefused) {
     EXPECT_FALSE(Start(kNesBoardCases[0])->LoadState(saved.blob.get(), saved.size));
 }
 
-// What the five pieces hold comes; of the RAM they say nothing, so it stays.
+// The five pieces are loaded; the RAM, which they don't contain, stays.
 TEST(NesState, OfAPlainBoardMayEndBeforeItsRam) {
     const auto machine = Start(kNesBoardCases[1]);
     Play(*machine, 0, 5);
@@ -184,8 +184,8 @@ TEST(NesState, OfAPlainBoardMayEndBeforeItsRam) {
     EXPECT_EQ(0, std::memcmp(saved.blob.get(), again.blob.get(), length));
 }
 
-// The pieces are taken one after the other: those before the refused one are in force, and that one and
-// those behind it have changed nothing.
+// Pieces are loaded in order: those before the refused one stay loaded; that one and those after it change
+// nothing.
 TEST(NesState, ARefusedPieceKeepsThoseBeforeIt) {
     for (size_t refused = 0; refused < kPiecesOfEveryBoard; ++refused) {
         const auto machine = Start(kNesBoardCases[2]);

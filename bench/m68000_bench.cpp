@@ -1,6 +1,6 @@
 // The 68000 on pages and on callbacks, in instructions a second; a Mega Drive runs 7.67 million clocks, about
 // a million instructions.
-#include "megadrive/m68000_step.h"
+#include "megadrive/m68000_tick.h"
 
 #include <benchmark/benchmark.h>
 
@@ -85,7 +85,7 @@ void Measure(benchmark::State& state, bool usesPages) {
     for (auto round : state) {
         static_cast<void>(round);
         for (int i = 0; i < kStepsARound; ++i) {
-            clocks += M68kStep(cpu);
+            clocks += M68kTick(cpu);
         }
     }
     const auto steps = static_cast<double>(state.iterations()) * kStepsARound;

@@ -77,7 +77,7 @@ void SingleClocks(benchmark::State& state, uint8_t reg1, uint8_t reg12) {
     for (auto _ : state) {
         MdVdpBeginFrame(*board.vdp, board.pixels.data());
         while (board.vdp->frameDone == 0) {
-            MdVdpClock(*board.vdp);
+            MdVdpTick(*board.vdp);
         }
         benchmark::DoNotOptimize(board.pixels.data());
     }

@@ -1,8 +1,8 @@
 // M68000: the main processor of the Mega Drive.
 //
 // A table-driven interpreter: every decoded opcode pattern has a handler of its own, its addressing mode
-// expanded, and the whole opcode is the index. The run loop belongs to the machine; M68kStep
-// (m68000_step.h) is one round of it.
+// expanded, and the whole opcode is the index. The run loop belongs to the machine; M68kTick
+// (m68000_tick.h) is one round of it.
 //
 // Clock: one clock is 7 master clocks, 7,670,454 a second at 60 Hz. A step gives the clocks it cost, which
 //   is the opcode's table byte and nothing more.
@@ -13,7 +13,7 @@
 //   in little-endian words (a byte access flips bit 0 of the address); null asks the callback. intAck
 //   answers with a vector, kM68kAutovector, kM68kSpurious, or any other value above 255 to drop the
 //   interrupt. stopped is also written by the video chip, which holds the processor off the bus with it.
-// Order: zero the record, set owner, intAck, the seven bus callbacks and the pages, M68kReset, then M68kStep.
+// Order: zero the record, set owner, intAck, the seven bus callbacks and the pages, M68kReset, then M68kTick.
 // Differs from the real part, all kept on purpose:
 //   - Data-dependent clocks (shift counts, MOVEM registers, taken branches, exceptions, multiply and divide)
 //     reach no clock. Handlers subtract them from cyclesLeft, which a reset and STOP lower to 0 when it is
@@ -47,7 +47,7 @@ inline constexpr uint32_t kM68kA7 = 15;
 // Values of aerrMode.
 enum M68kAccess : uint32_t { kM68kWriting = 0, kM68kReading = 16 };
 
-// Thrown out of M68kStep by an access at an odd address, with aerrAddress, aerrMode and aerrCode set and
+// Thrown out of M68kTick by an access at an odd address, with aerrAddress, aerrMode and aerrCode set and
 // the instruction left half done. The owner catches it.
 struct M68K_ADDRESS_ERROR {};
 

@@ -16,8 +16,8 @@ constexpr uint32_t kBusRequestPage = 0xA11100; // and the 256 bytes from there
 constexpr uint32_t kResetPage = 0xA11200;
 constexpr uint32_t kSvpPort = 0xA15000;
 constexpr uint32_t kSvpPortMirror = 0xA15002;
-constexpr uint32_t kVideoStart = 0xC00000;
-constexpr uint32_t kVideoSelect = 0xE700E0; // these address bits are decoded
+constexpr uint32_t kVdpStart = 0xC00000;
+constexpr uint32_t kVdpSelect = 0xE700E0; // these address bits are decoded
 constexpr uint32_t kRamStart = 0xE00000;
 constexpr uint32_t kZ80HandOver = 3;    // clocks that the Z80 still runs when its bus changes hands
 constexpr int32_t kZ80ResetDelay = -45; // master clocks
@@ -82,7 +82,7 @@ void RequestBus(MEGA_DRIVE& md, uint32_t bit) {
 void DriveZ80Reset(MEGA_DRIVE& md, uint32_t bit) {
     if ((bit & 1) == 0) {
         RunZ80(md, kZ80HandOver);
-        MdCatchUpSound(md);
+        MdCatchUpFm(md);
         Ym2612Reset(md.fm);
         Z80Reset(md.z80);
         md.z80.enabled = 0;
@@ -97,12 +97,12 @@ void ShiftBank(MEGA_DRIVE& md, uint32_t bit) {
 }
 
 uint8_t FmStatus(MEGA_DRIVE& md) {
-    MdCatchUpSound(md);
+    MdCatchUpFm(md);
     return md.fm.status;
 }
 
 void WriteFm(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
-    MdCatchUpSound(md);
+    MdCatchUpFm(md);
     Ym2612Write(md.fm, address & 3, static_cast<uint8_t>(value));
 }
 
@@ -187,15 +187,15 @@ void WriteIo(MEGA_DRIVE& md, uint32_t address, uint32_t value, bool isWord) {
 bool DmaSourceIsQuiet(const MEGA_DRIVE& md) {
     const auto quiet = [](uint32_t address) {
         address &= kMdAddressMask;
-        return address < kZ80Start || address >= kVideoStart;
+        return address < kZ80Start || address >= kVdpStart;
     };
     // The next word lies in the 128 KiB of the transfer's start.
     return md.cartridge.cartKind != kMdCartSvp && quiet(md.vdp.dmaSource) && quiet(md.vdp.dmaBase);
 }
 
 // The window of the video chip, by the low five bits of the address.
-uint32_t ReadVideo(MEGA_DRIVE& md, uint32_t address) {
-    MdCatchUpVideo(md);
+uint32_t ReadVdp(MEGA_DRIVE& md, uint32_t address) {
+    MdCatchUpVdp(md);
     switch ((address >> 1) & 15) {
     case 0:
     case 1: return MdVdpReadData(md.vdp);
@@ -214,20 +214,20 @@ uint32_t ReadVideo(MEGA_DRIVE& md, uint32_t address) {
 }
 
 // The same, and the chip is afterwards as it was.
-uint32_t PeekVideo(MEGA_DRIVE& md, uint32_t address) {
-    MdCatchUpVideo(md);
+uint32_t PeekVdp(MEGA_DRIVE& md, uint32_t address) {
+    MdCatchUpVdp(md);
     const uint32_t dataAddress = md.vdp.address;
     const uint32_t pendingSecond = md.vdp.pendingSecond;
     const uint16_t status = md.vdp.status;
-    const uint32_t word = ReadVideo(md, address);
+    const uint32_t word = ReadVdp(md, address);
     md.vdp.address = dataAddress;
     md.vdp.pendingSecond = pendingSecond;
     md.vdp.status = status;
     return word;
 }
 
-void WriteVideo(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
-    MdCatchUpVideo(md);
+void WriteVdp(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
+    MdCatchUpVdp(md);
     switch ((address >> 1) & 15) {
     case 0:
     case 1: MdVdpWriteData(md.vdp, static_cast<uint16_t>(word)); break;
@@ -242,19 +242,19 @@ void WriteVideo(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
         break;
     default: break;
     }
-    MdFindEvent(md); // it may have work now
+    MdRefreshVdpToEvent(md); // it may have work now
 }
 
 // The PSG lies on the low half of the bus, so a byte at an even address doesn't reach it.
-void WriteVideoByte(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
+void WriteVdpByte(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
     if ((address & 0x18) == 0x10 && (address & 1) == 0) {
         return;
     }
-    WriteVideo(md, address, BothHalves(value & 0xFF));
+    WriteVdp(md, address, BothHalves(value & 0xFF));
 }
 
-bool IsVideo(uint32_t address) {
-    return (address & kVideoSelect) == kVideoStart;
+bool IsVdp(uint32_t address) {
+    return (address & kVdpSelect) == kVdpStart;
 }
 
 // Reads above the cartridge's pages, as words; bytes are the halves of these but for the I/O area.
@@ -262,8 +262,8 @@ uint32_t ReadFixedWord(MEGA_DRIVE& md, uint32_t address) {
     if (address >= kRamStart) {
         return RamWord(md, address);
     }
-    if (address >= kVideoStart) {
-        return IsVideo(address) ? ReadVideo(md, address) : OpenBus(md);
+    if (address >= kVdpStart) {
+        return IsVdp(address) ? ReadVdp(md, address) : OpenBus(md);
     }
     if (address < kNothingStart) {
         return RomWord(
@@ -280,16 +280,16 @@ uint32_t ReadFixedWord(MEGA_DRIVE& md, uint32_t address) {
 }
 
 // A byte of nothing is the high half of the bus at either address.
-constexpr uint8_t VideoByte(uint32_t word, uint32_t address) {
+constexpr uint8_t VdpByte(uint32_t word, uint32_t address) {
     constexpr uint32_t kUnusedPorts = 0x18; // and the seven addresses behind
     return HalfAt(word, (address & kUnusedPorts) == kUnusedPorts ? 0 : address);
 }
 
 uint32_t ReadFixedByte(MEGA_DRIVE& md, uint32_t address) {
-    if (address >= kVideoStart && address < kRamStart) {
-        return IsVideo(address) ? VideoByte(ReadVideo(md, address), address) : OpenBus(md) >> 8;
+    if (address >= kVdpStart && address < kRamStart) {
+        return IsVdp(address) ? VdpByte(ReadVdp(md, address), address) : OpenBus(md) >> 8;
     }
-    if (address >= kZ80Start && address < kVideoStart) {
+    if (address >= kZ80Start && address < kVdpStart) {
         switch (address >> 16) {
         case kZ80Start >> 16: return ReadZ80Side(md, address & 0xFFFF) >> 8;
         case kIoStart >> 16: return ReadIoByte(md, address);
@@ -337,9 +337,9 @@ void MdWriteByte(void* owner, uint32_t address, uint32_t value) {
         handler(md.cartridge, address, static_cast<uint8_t>(value));
     } else if (address >= kRamStart) {
         WriteRamByte(md, address, value);
-    } else if (address >= kVideoStart) {
-        if (IsVideo(address)) {
-            WriteVideoByte(md, address, value);
+    } else if (address >= kVdpStart) {
+        if (IsVdp(address)) {
+            WriteVdpByte(md, address, value);
         }
     } else if (address >> 16 == kZ80Start >> 16) {
         WriteZ80Side(md, address & 0xFFFF, value);
@@ -355,9 +355,9 @@ void MdWriteWord(void* owner, uint32_t address, uint32_t value) {
         handler(md.cartridge, address, static_cast<uint16_t>(value));
     } else if (address >= kRamStart) {
         md.workRam[(address & 0xFFFF) >> 1] = static_cast<uint16_t>(value);
-    } else if (address >= kVideoStart) {
-        if (IsVideo(address)) {
-            WriteVideo(md, address, value);
+    } else if (address >= kVdpStart) {
+        if (IsVdp(address)) {
+            WriteVdp(md, address, value);
         }
     } else if (address >> 16 == kZ80Start >> 16) {
         WriteZ80Side(md, address & 0xFFFF, value >> 8);
@@ -373,8 +373,8 @@ void MdWriteLong(void* owner, uint32_t address, uint32_t value) {
 
 uint8_t MdPeekByte(MEGA_DRIVE& md, uint32_t address) {
     address &= kMdAddressMask;
-    if (IsVideo(address)) {
-        return VideoByte(PeekVideo(md, address), address);
+    if (IsVdp(address)) {
+        return VdpByte(PeekVdp(md, address), address);
     }
     const auto handler = md.cartridge.readByte[address >> 16];
     if (handler == nullptr) {
@@ -389,34 +389,34 @@ uint16_t MdReadForDma(void* owner, uint32_t address) {
     if (const auto handler = md.cartridge.readWord[address >> 16]; handler != nullptr) {
         return handler(md.cartridge, address);
     }
-    if (address >= kZ80Start && address < kVideoStart) {
+    if (address >= kZ80Start && address < kVdpStart) {
         return static_cast<uint16_t>(BothHalves(md.z80Ram[address % kMdZ80RamBytes]));
     }
     return RamWord(md, address);
 }
 
-void MdFindEvent(MEGA_DRIVE& md) {
+void MdRefreshVdpToEvent(MEGA_DRIVE& md) {
     md.vdpToEvent = MdVdpClocksToEvent(md.vdp, DmaSourceIsQuiet(md)) / kMdCycleClocks;
 }
 
-void MdCatchUpVideo(MEGA_DRIVE& md) {
-    if (md.vdpWaiting != 0) {
-        MdVdpRun(md.vdp, md.vdpWaiting * kMdCycleClocks);
-        md.vdpToEvent -= std::min(md.vdpToEvent, md.vdpWaiting);
-        md.vdpWaiting = 0;
+void MdCatchUpVdp(MEGA_DRIVE& md) {
+    if (md.vdpOwed != 0) {
+        MdVdpRun(md.vdp, md.vdpOwed * kMdCycleClocks);
+        md.vdpToEvent -= std::min(md.vdpToEvent, md.vdpOwed);
+        md.vdpOwed = 0;
     }
 }
 
-void MdCatchUpSound(MEGA_DRIVE& md) {
-    if (md.fmWaiting != 0) {
-        Ym2612Run(md.fm, md.fmWaiting);
-        md.fmWaiting = 0;
+void MdCatchUpFm(MEGA_DRIVE& md) {
+    if (md.fmOwed != 0) {
+        Ym2612Run(md.fm, md.fmOwed);
+        md.fmOwed = 0;
     }
 }
 
 void MdCatchUpPsg(MEGA_DRIVE& md) {
-    PsgRun(md.psg, md.psgWaiting);
-    md.psgWaiting = 0;
+    PsgRun(md.psg, md.psgOwed);
+    md.psgOwed = 0;
 }
 
 uint8_t MD_Z80_BUS::ReadBeyondRam(uint16_t address) {
@@ -430,18 +430,18 @@ uint8_t MD_Z80_BUS::ReadBeyondRam(uint16_t address) {
     if ((address & 0xFF00) != 0x7F00 || (address & 0xE0) != 0) {
         return 0xFF;
     }
-    return VideoByte(ReadVideo(md, address), address);
+    return VdpByte(ReadVdp(md, address), address);
 }
 
 void MD_Z80_BUS::WriteBeyondRam(uint16_t address, uint8_t value) {
     if (address < 0x6000) {
         WriteFm(md, address, value);
     } else if (address >= 0x8000) {
-        MdCatchUpVideo(md); // a DMA may be about to read there
+        MdCatchUpVdp(md); // a DMA may be about to read there
         MdWriteByte(&md, md.z80Bank | (address & 0x7FFFU), value);
     } else if ((address & 0xFF00) == 0x6000) {
         ShiftBank(md, value);
     } else if ((address & 0xFFE0) == 0x7F00) {
-        WriteVideoByte(md, address, value);
+        WriteVdpByte(md, address, value);
     }
 }

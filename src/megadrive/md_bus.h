@@ -27,11 +27,11 @@ void MdWriteLong(void* owner, uint32_t address, uint32_t value); // the high wor
 [[nodiscard]] uint16_t MdReadForDma(void* owner, uint32_t address);
 
 // Lets video and FM chip catch up with the 68000, and the PSG with the Z80's clock, in the fast loop.
-void MdCatchUpVideo(MEGA_DRIVE& md);
-void MdCatchUpSound(MEGA_DRIVE& md);
+void MdCatchUpVdp(MEGA_DRIVE& md);
+void MdCatchUpFm(MEGA_DRIVE& md);
 void MdCatchUpPsg(MEGA_DRIVE& md);
 // Looks how long the video chip, which is up to date, may now wait.
-void MdFindEvent(MEGA_DRIVE& md);
+void MdRefreshVdpToEvent(MEGA_DRIVE& md);
 
 // The Z80 side, to be inlined into the frame loop.
 struct MD_Z80_BUS {

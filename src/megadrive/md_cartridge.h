@@ -95,7 +95,7 @@ void MdCartReset(MD_CARTRIDGE& cart);
 [[nodiscard]] const uint16_t* MdCartPlainPage(const MD_CARTRIDGE& cart, uint32_t page);
 
 // With the signal processor: what the machine calls after each 68000 instruction.
-inline void MdCartSvpHook(MD_CARTRIDGE& cart, uint32_t masterClocks) {
+inline void MdCartRunSvp(MD_CARTRIDGE& cart, uint32_t masterClocks) {
     constexpr uint32_t kClocksACycle = 7;
     constexpr uint32_t kInstructionsACycle = 3;
     SvpRun(*cart.svp, static_cast<int32_t>(masterClocks / kClocksACycle * kInstructionsACycle));

@@ -38,7 +38,7 @@ void EepromFields(MD_EEPROM& eeprom, Visit& visit) {
     visit(eeprom.data);
 }
 
-void MakeSafe(MD_EEPROM& eeprom) {
+void Sanitize(MD_EEPROM& eeprom) {
     eeprom.sda &= 1;
     eeprom.scl &= 1;
     eeprom.oldSda &= 1;
@@ -86,7 +86,7 @@ uint32_t MdCartLoadState(MD_CARTRIDGE& cart, const uint8_t* data, uint32_t size)
     const uint32_t used =
         WithFields(cart, [&](auto&& fields) { return StatePieceRead(data, size, fields); });
     if (used != 0 && cart.cartKind == kMdCartEeprom) {
-        MakeSafe(*cart.eeprom);
+        Sanitize(*cart.eeprom);
     }
     return used;
 }

@@ -26,7 +26,7 @@ uint32_t AckInterrupt(void* owner, uint32_t level) {
     if (level != kHorizontalLevel && level != kVerticalLevel) {
         return kAutovector;
     }
-    MdCatchUpVideo(md);
+    MdCatchUpVdp(md);
     if (level == kHorizontalLevel) {
         md.vdp.hPending = 0;
     } else {
@@ -108,9 +108,9 @@ void MdReset(MEGA_DRIVE& md) {
     MdVdpReset(md.vdp);
     PsgReset(md.psg);
     md.z80Clock = 0;
-    md.vdpWaiting = 0;
-    md.fmWaiting = 0;
-    md.psgWaiting = 0;
+    md.vdpOwed = 0;
+    md.fmOwed = 0;
+    md.psgOwed = 0;
     MdIoReset(md.io);
     Z80Reset(md.z80);
     md.m68kBusCycles = 0;
@@ -118,11 +118,11 @@ void MdReset(MEGA_DRIVE& md) {
     MdCartReset(md.cartridge);
 }
 
-void MdSettle(MEGA_DRIVE& md) {
+void MdSanitize(MEGA_DRIVE& md) {
     constexpr int32_t kMostDebt = 1 << 20; // master clocks; far above any instruction
     constexpr uint32_t kBankMask = 0xFF8000;
-    md.vdpWaiting = 0;
-    md.fmWaiting = 0;
+    md.vdpOwed = 0;
+    md.fmOwed = 0;
     md.vdpToEvent = 0;
     md.openBusRead = false;
     md.z80HandingOver = false;

@@ -62,9 +62,9 @@ struct MEGA_DRIVE {
 
     // 68000 cycles for which video and FM chip have not been clocked yet, and clocks of the PSG; 0 between
     // frames.
-    uint32_t vdpWaiting = 0;
-    uint32_t fmWaiting = 0;
-    uint32_t psgWaiting = 0;
+    uint32_t vdpOwed = 0;
+    uint32_t fmOwed = 0;
+    uint32_t psgOwed = 0;
     uint32_t vdpToEvent = 0; // cycles from the last one that was run to where others may notice
 
     alignas(8) std::array<uint16_t, kMdWorkRamBytes / 2> workRam{};
@@ -79,7 +79,7 @@ void MdReset(MEGA_DRIVE& md);
 
 // Brings what a loaded state, or an instruction that was left half done, may have put out of its bounds back
 // into them, and lets no chip wait.
-void MdSettle(MEGA_DRIVE& md);
+void MdSanitize(MEGA_DRIVE& md);
 
 // Until the video chip has ended its last line. The 68000 may run over by the rest of an instruction.
 // Throws M68K_ADDRESS_ERROR where the program goes wrong beyond repair.

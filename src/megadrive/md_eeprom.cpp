@@ -20,8 +20,8 @@ uint32_t BitOfWord(uint32_t lineAddress, uint32_t address, uint32_t bit) {
     return ((lineAddress | address) & 1) != 0 ? bit : bit + 8;
 }
 
-void TakeLine(uint8_t& line, uint32_t lineAddress, uint32_t bit, uint32_t address, uint16_t value,
-              bool word) {
+void UpdateLine(uint8_t& line, uint32_t lineAddress, uint32_t bit, uint32_t address, uint16_t value,
+                bool word) {
     if (word && (lineAddress | 1) == (address | 1)) {
         line = (value >> BitOfWord(lineAddress, address, bit)) & 1;
     } else if (!word && lineAddress == address) {
@@ -162,8 +162,8 @@ void MdEepromReset(MD_EEPROM& eeprom) {
 }
 
 void MdEepromWrite(MD_EEPROM& eeprom, uint32_t address, uint16_t value, bool word) {
-    TakeLine(eeprom.scl, eeprom.sclAddress, eeprom.sclBit, address, value, word);
-    TakeLine(eeprom.sda, eeprom.sdaInAddress, eeprom.sdaInBit, address, value, word);
+    UpdateLine(eeprom.scl, eeprom.sclAddress, eeprom.sclBit, address, value, word);
+    UpdateLine(eeprom.sda, eeprom.sdaInAddress, eeprom.sdaInBit, address, value, word);
     if (eeprom.oldScl != 0 && eeprom.scl != 0) {
         if (eeprom.oldSda != 0 && eeprom.sda == 0) {
             Start(eeprom);

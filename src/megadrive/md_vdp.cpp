@@ -79,7 +79,7 @@ void VInterrupt(MD_VDP& vdp) {
     *vdp.zIntLine = 1;
 }
 
-void StepVCount(MD_VDP& vdp) {
+void IncrementVCount(MD_VDP& vdp) {
     ++vdp.vCount;
     if (vdp.vCount >= vdp.totalLines) {
         vdp.vCount = 0;
@@ -111,9 +111,9 @@ void EndLine(MD_VDP& vdp) {
     vdp.lineFlags.fill(0);
     vdp.spriteLine.fill(0);
     vdp.spriteDots.fill(0);
-    const bool ranOut = (vdp.walk.flags & kMdVdpWalkDotsRanOut) != 0;
-    vdp.walk = {};
-    vdp.walk.flags = ranOut ? kMdVdpWalkLastLineRanOut : 0;
+    const bool ranOut = (vdp.spriteScan.flags & kMdVdpScanDotsRanOut) != 0;
+    vdp.spriteScan = {};
+    vdp.spriteScan.flags = ranOut ? kMdVdpScanLastLineRanOut : 0;
     MdVdpFetchSprites(vdp, vdp.h40 != 0 ? kSpriteBudgetH40 : kSpriteBudgetH32);
     ++vdp.line;
     vdp.vsramLine = vdp.vsram;
@@ -236,7 +236,7 @@ void MdVdpFinishFrame(const MD_VDP& vdp, EMU_VIDEO_FRAME* video) {
     video->visibleAspect = 1.4F;
 }
 
-void MdVdpAct(MD_VDP& vdp, uint32_t action, bool blanked) {
+void MdVdpRunAction(MD_VDP& vdp, uint32_t action, bool blanked) {
     const uint32_t slot = blanked ? kMdVdpBlankedSlot : kMdVdpDisplaySlot;
     if ((action & slot) != 0) {
         MdVdpAccessSlot(vdp);
@@ -254,7 +254,7 @@ void MdVdpAct(MD_VDP& vdp, uint32_t action, bool blanked) {
     case kMdVdpLineStart: StartLine(vdp); break;
     case kMdVdpTargetRow: TargetRow(vdp); break;
     case kMdVdpVInterrupt: VInterrupt(vdp); break;
-    case kMdVdpVCountStep: StepVCount(vdp); break;
+    case kMdVdpVCountIncrement: IncrementVCount(vdp); break;
     case kMdVdpHBlankBegin: BeginHBlank(vdp); break;
     case kMdVdpLineEnd: EndLine(vdp); break;
     case kMdVdpWrap: Wrap(vdp); break;

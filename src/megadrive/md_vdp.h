@@ -2,7 +2,7 @@
 // 32 or 40 cells by 28 or 30 rows, double resolution interlace.
 //
 // Clock: an H step is 8 or 10 master clocks; a line has 342 or 422 steps, 3,420 master clocks. The machine
-//   clocks the chip 7 master clocks at a time (MdVdpClock), one clock of the 68000.
+//   clocks the chip 7 master clocks at a time (MdVdpTick), one clock of the 68000.
 // Units: `hCount` in H steps, `line` and `vCount` in lines, plane sizes in cells, VRAM addresses in bytes.
 //   A colour is 9 bits, red in bits 6 to 8, green in 3 to 5, blue in 0 to 2; a pixel is 0xAARRGGBB.
 //   VRAM holds 16-bit words with the low byte first, so a byte of the processor's view is at its address
@@ -11,7 +11,7 @@
 // Pins: `zIntLine`, the Z80's interrupt line, is high for the first line of the V blank; `stall` stops the
 //   68000 while the FIFO is over full and while a DMA reads the bus; both are plain writes into the
 //   owner's words. `raiseIrq` drives lines 4 and 6 of the 68000; `dmaRead` reads a word of its bus.
-// Order: MdVdpInit, MdVdpReset, then for each frame MdVdpBeginFrame, MdVdpClock or MdVdpRun until
+// Order: MdVdpInit, MdVdpReset, then for each frame MdVdpBeginFrame, MdVdpTick or MdVdpRun until
 //   `frameDone`, MdVdpFinishFrame. A port is accessed between two clocks. An interrupt is acknowledged by
 //   the machine, which clears hPending, vPending and status bit 7.
 // Differs: there is no Master System mode, register 1 bit 2 clear only blocks the registers from 11 on;
@@ -78,7 +78,7 @@ inline constexpr uint32_t kMdVdpDmaFillArmed = 3; // waits for the data word
 inline constexpr uint32_t kMdVdpDmaFill = 4;
 
 // Top bit of dmaPending and of cramDot: there is one.
-inline constexpr uint32_t kMdVdpHeld = 0x80000000;
+inline constexpr uint32_t kMdVdpValid = 0x80000000;
 
 // Layers by rank; the largest of a pixel wins.
 enum MdVdpCellLayer : uint8_t {
@@ -103,18 +103,18 @@ struct MD_VDP_FIFO_ENTRY {
 };
 
 // Where the search for the sprites of a line ended.
-struct MD_VDP_SPRITE_WALK {
+struct MD_VDP_SPRITE_SCAN {
     uint32_t visible; // sprites on the line
     uint32_t seen;    // sprites looked at
     uint32_t index;   // 0..79
     uint32_t step;    // byte read next: 0 Y, 2 size and link, 4 attributes, 6 X, 8 to 22 patterns
     uint32_t dots;    // pixels of sprites, drawn or not
-    uint32_t flags;   // kMdVdpWalk bits
+    uint32_t flags;   // kMdVdpScan bits
 };
-inline constexpr uint32_t kMdVdpWalkDotsRanOut = 1;     // of this line
-inline constexpr uint32_t kMdVdpWalkLastLineRanOut = 2; // of the line before
-inline constexpr uint32_t kMdVdpWalkSeenX = 4;          // a sprite whose X isn't 0
-inline constexpr uint32_t kMdVdpWalkMasked = 8;         // by a sprite whose X is 0
+inline constexpr uint32_t kMdVdpScanDotsRanOut = 1;     // of this line
+inline constexpr uint32_t kMdVdpScanLastLineRanOut = 2; // of the line before
+inline constexpr uint32_t kMdVdpScanSeenX = 4;          // a sprite whose X isn't 0
+inline constexpr uint32_t kMdVdpScanMasked = 8;         // by a sprite whose X is 0
 
 struct MD_VDP {
     uint32_t outX;             // next pixel to send out
@@ -163,8 +163,8 @@ struct MD_VDP {
     std::array<uint16_t, 64> vsram, vsramLine;
     std::array<uint8_t, 32> regs;
     std::array<uint8_t, kMdVdpWidth> spriteDots; // opaque sprite pixels; above 1 a collision
-    MD_VDP_SPRITE_WALK walk;
-    uint32_t cramDot; // kMdVdpHeld and a colour: shown for a dot when a DMA writes CRAM
+    MD_VDP_SPRITE_SCAN spriteScan;
+    uint32_t cramDot; // kMdVdpValid and a colour: shown for a dot when a DMA writes CRAM
     std::array<MD_VDP_FIFO_ENTRY, kMdVdpFifoRoom> fifo;
     uint32_t vramHalf;  // half of a VRAM word is done
     uint32_t fifoCount; // 0..kMdVdpFifoRoom
@@ -180,7 +180,7 @@ struct MD_VDP {
     uint32_t dmaFillValue;
     uint32_t dmaHalf;    // half of a unit is done
     uint32_t dmaCode;    // low four bits of the command
-    uint32_t dmaPending; // kMdVdpHeld and a control word that waits for the end of the DMA
+    uint32_t dmaPending; // kMdVdpValid and a control word that waits for the end of the DMA
     uint32_t interlace2; // 1 in double resolution interlace
     int32_t hCounter;    // lines until the H interrupt
 };
@@ -201,8 +201,8 @@ void MdVdpFinishFrame(const MD_VDP& vdp, EMU_VIDEO_FRAME* video);
 // One H step of 32 and of 40 cells; seven master clocks. Defined in md_vdp_tick.h.
 inline void MdVdpStepH32(MD_VDP& vdp);
 inline void MdVdpStepH40(MD_VDP& vdp);
-inline void MdVdpClock(MD_VDP& vdp);
-// As MdVdpClock so many times, `masterClocks` divided by 7, but faster.
+inline void MdVdpTick(MD_VDP& vdp);
+// As MdVdpTick so many times, `masterClocks` divided by 7, but faster.
 void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks);
 // How many master clocks the chip runs at least without touching anything of the machine: interrupt
 // lines, stall, frameDone, the bus. 0 while it waits for a slot to end a stall or to read the bus. With

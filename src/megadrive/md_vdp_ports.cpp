@@ -7,7 +7,7 @@ namespace {
 
 constexpr uint32_t kVInterruptLine = 6;
 constexpr uint32_t kHInterruptLine = 4;
-constexpr uint32_t kFirstLateRegister = 11; // not there in Master System mode
+constexpr uint32_t kFirstMode5Register = 11; // not there in Master System mode
 
 void RaiseH(MD_VDP& vdp, uint32_t enable) {
     const bool raised = vdp.hPending != 0 && (enable & kMdVdpReg0HInterrupt) != 0;
@@ -90,7 +90,7 @@ uint32_t HCounter(const MD_VDP& vdp) {
 
 void MdVdpWriteRegister(MD_VDP& vdp, uint32_t index, uint8_t value) {
     index &= 31;
-    if (index >= kFirstLateRegister && (vdp.regs[1] & kMdVdpReg1AllRegisters) == 0) {
+    if (index >= kFirstMode5Register && (vdp.regs[1] & kMdVdpReg1AllRegisters) == 0) {
         return;
     }
     const auto changed = static_cast<uint8_t>(vdp.regs[index] ^ value);
@@ -112,7 +112,7 @@ void MdVdpWriteRegister(MD_VDP& vdp, uint32_t index, uint8_t value) {
 
 void MdVdpWriteControl(MD_VDP& vdp, uint16_t word) {
     if (vdp.dmaState != kMdVdpNoDma) {
-        vdp.dmaPending = kMdVdpHeld | word;
+        vdp.dmaPending = kMdVdpValid | word;
         return;
     }
     if (vdp.pendingSecond != 0) {

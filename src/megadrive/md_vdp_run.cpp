@@ -1,4 +1,4 @@
-// Many H steps at once: stretches without slot or event put out their dots in one go.
+// Many H steps at once: spans without slot or event put out their dots in one go.
 #include "megadrive/md_vdp.h"
 #include "megadrive/md_vdp_private.h"
 #include "megadrive/md_vdp_timetable.h"
@@ -10,18 +10,18 @@
 
 namespace {
 
-using md_vdp_timetable::OutwardSteps;
+using md_vdp_timetable::SpanLengths;
 using md_vdp_timetable::StartClocks;
-using md_vdp_timetable::Stretches;
+using md_vdp_timetable::VisibleEvents;
 
 // The steps whose events the machine may see something of, and when every step begins.
-constexpr auto kOutwardH32 = OutwardSteps(kMdVdpActionsH32);
-constexpr auto kOutwardH40 = OutwardSteps(kMdVdpActionsH40);
+constexpr auto kVisibleEventsH32 = VisibleEvents(kMdVdpActionsH32);
+constexpr auto kVisibleEventsH40 = VisibleEvents(kMdVdpActionsH40);
 constexpr auto kStartsH32 = StartClocks(kMdVdpLengthsH32);
 constexpr auto kStartsH40 = StartClocks(kMdVdpLengthsH40);
 
 // Whether an event of this line does anything that the machine can see.
-bool IsSeen(const MD_VDP& vdp, uint32_t event) {
+bool IsVisible(const MD_VDP& vdp, uint32_t event) {
     switch (event) {
     case kMdVdpVInterrupt: return *vdp.zIntLine != 0 || vdp.vCount == vdp.activeHeight;
     case kMdVdpHBlankBegin: return vdp.hCounter <= 0 && (vdp.regs[0] & kMdVdpReg0HInterrupt) != 0;
@@ -31,11 +31,11 @@ bool IsSeen(const MD_VDP& vdp, uint32_t event) {
 
 // Master clocks from the beginning of the next step to the beginning of one that the machine sees something
 // of, or to the end of the line: the next one may have the other width.
-template <typename Outward, typename Starts>
-uint32_t ClocksToSeen(const MD_VDP& vdp, const Outward& outward, const Starts& starts) {
+template <typename VisibleEvent, typename Starts>
+uint32_t ClocksToVisibleEvent(const MD_VDP& vdp, const VisibleEvent& events, const Starts& starts) {
     const uint32_t now = starts[vdp.hCount];
-    for (const auto& [step, event] : outward) {
-        if (step >= vdp.hCount && IsSeen(vdp, event)) {
+    for (const auto& [step, event] : events) {
+        if (step >= vdp.hCount && IsVisible(vdp, event)) {
             return starts[step] - now;
         }
     }
@@ -47,15 +47,14 @@ enum SlotUse : uint32_t { kNoUse, kDisplaySlots, kBlankedSlots };
 
 template <size_t Steps>
 constexpr std::array<std::array<uint8_t, Steps>, 3>
-BuildStretches(const std::array<uint8_t, Steps>& actions,
-               const std::array<uint8_t, Steps>& lengths) {
-    return {Stretches(actions, lengths, kMdVdpEventBits),
-            Stretches(actions, lengths, kMdVdpEventBits | kMdVdpDisplaySlot),
-            Stretches(actions, lengths, kMdVdpEventBits | kMdVdpBlankedSlot)};
+BuildSpans(const std::array<uint8_t, Steps>& actions, const std::array<uint8_t, Steps>& lengths) {
+    return {SpanLengths(actions, lengths, kMdVdpEventBits),
+            SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpDisplaySlot),
+            SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpBlankedSlot)};
 }
 
-constexpr auto kStretchesH32 = BuildStretches(kMdVdpActionsH32, kMdVdpLengthsH32);
-constexpr auto kStretchesH40 = BuildStretches(kMdVdpActionsH40, kMdVdpLengthsH40);
+constexpr auto kSpansH32 = BuildSpans(kMdVdpActionsH32, kMdVdpLengthsH32);
+constexpr auto kSpansH40 = BuildSpans(kMdVdpActionsH40, kMdVdpLengthsH40);
 
 // Table of a shadow mode pixel by operator, whether its layer is above a low sprite, and flag: the
 // distance from the shadow table. Operators that there aren't put out nothing.
@@ -173,7 +172,7 @@ void PutDots(MD_VDP& vdp, uint32_t count) {
 }
 
 // Steps that have nothing to do but their dots.
-void Stretch(MD_VDP& vdp, uint32_t count) {
+void RunSpan(MD_VDP& vdp, uint32_t count) {
     const uint32_t start = vdp.h40 != 0 ? kMdVdpFirstDotH40 : kMdVdpFirstDotH32;
     const uint32_t dots = vdp.h40 != 0 ? kMdVdpDotsH40 : kMdVdpDotsH32;
     const uint32_t first = std::max(vdp.hCount, start);
@@ -190,12 +189,12 @@ void Stretch(MD_VDP& vdp, uint32_t count) {
     }
 }
 
-uint32_t StretchLength(const MD_VDP& vdp) {
+uint32_t SpanLength(const MD_VDP& vdp) {
     uint32_t use = kNoUse;
     if (md_vdp_tick::HasSlotWork(vdp)) {
         use = vdp.blanked != 0 ? kBlankedSlots : kDisplaySlots;
     }
-    return vdp.h40 != 0 ? kStretchesH40[use][vdp.hCount] : kStretchesH32[use][vdp.hCount];
+    return vdp.h40 != 0 ? kSpansH40[use][vdp.hCount] : kSpansH32[use][vdp.hCount];
 }
 
 } // namespace
@@ -208,8 +207,8 @@ void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
     vdp.stepDebt += static_cast<int32_t>(masterClocks);
     while (vdp.stepDebt > 0) {
         const uint32_t length = vdp.stepTable[vdp.hCount];
-        const uint32_t stretch = StretchLength(vdp);
-        if (stretch == 0) {
+        const uint32_t span = SpanLength(vdp);
+        if (span == 0) {
             vdp.stepDebt -= static_cast<int32_t>(length);
             if (vdp.h40 != 0) {
                 MdVdpStepH40(vdp);
@@ -220,9 +219,9 @@ void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
         }
         const auto debt = static_cast<uint32_t>(vdp.stepDebt);
         const uint32_t due = length == 8 ? (debt + 7) / 8 : (debt + 9) / 10;
-        const uint32_t count = std::min(due, stretch);
+        const uint32_t count = std::min(due, span);
         vdp.stepDebt -= static_cast<int32_t>(count * length);
-        Stretch(vdp, count);
+        RunSpan(vdp, count);
     }
 }
 
@@ -231,8 +230,8 @@ uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet) {
     if (vdp.fifoCount > kMdVdpFifo || vdp.dmaPending != 0) {
         return 0;
     }
-    const uint32_t clocks = vdp.h40 != 0 ? ClocksToSeen(vdp, kOutwardH40, kStartsH40)
-                                         : ClocksToSeen(vdp, kOutwardH32, kStartsH32);
+    const uint32_t clocks = vdp.h40 != 0 ? ClocksToVisibleEvent(vdp, kVisibleEventsH40, kStartsH40)
+                                         : ClocksToVisibleEvent(vdp, kVisibleEventsH32, kStartsH32);
     const uint32_t toEvent = clocks + static_cast<uint32_t>(-vdp.stepDebt);
     if (vdp.dmaState != kMdVdpDmaBus) {
         return toEvent;

@@ -46,7 +46,7 @@ void EndDma(MD_VDP& vdp) {
     if (held) {
         *vdp.stall = 0;
     }
-    if ((vdp.dmaPending & kMdVdpHeld) != 0) {
+    if ((vdp.dmaPending & kMdVdpValid) != 0) {
         const auto word = static_cast<uint16_t>(vdp.dmaPending);
         vdp.dmaPending = 0;
         MdVdpWriteControl(vdp, word);
@@ -87,7 +87,7 @@ void MoveWord(MD_VDP& vdp) {
     const uint32_t word = vdp.dmaRead(vdp.owner, vdp.dmaSource);
     StoreWord(vdp, vdp.dmaCode, vdp.address, word);
     if (vdp.dmaCode == kMdVdpCodeCram) {
-        vdp.cramDot = kMdVdpHeld | MdVdpPackColour(word);
+        vdp.cramDot = kMdVdpValid | MdVdpPackColour(word);
     }
     vdp.dmaSource = ((vdp.dmaSource + 2) & 0x1FFFF) | (vdp.dmaBase & 0xFE0000);
     vdp.regs[21] = static_cast<uint8_t>(vdp.dmaSource >> 1);

@@ -24,7 +24,7 @@ struct Sprite {
 };
 
 // The operators of shadow and highlight, and who is never shadowed. False: no pixel to store.
-bool Operate(MD_VDP& vdp, uint32_t x, uint32_t colour, uint8_t code) {
+bool ApplyOperator(MD_VDP& vdp, uint32_t x, uint32_t colour, uint8_t code) {
     constexpr uint32_t kHighlight = 0x3E; // colours 14 and 15 of the last palette
     constexpr uint32_t kShadow = 0x3F;
     if (colour == kHighlight || colour == kShadow) {
@@ -51,7 +51,7 @@ void DrawEight(MD_VDP& vdp, uint32_t x, uint32_t pattern, uint32_t attributes) {
         if (vdp.shadowOp[x] != 0) {
             continue;
         }
-        if (vdp.shadowMode != 0 && !Operate(vdp, x, palette | pixel, code)) {
+        if (vdp.shadowMode != 0 && !ApplyOperator(vdp, x, palette | pixel, code)) {
             continue;
         }
         vdp.layerCode[x] = code;
@@ -76,22 +76,22 @@ uint32_t CellPattern(const MD_VDP& vdp, const Sprite& sprite, uint32_t column) {
     return pattern;
 }
 
-class Walk {
+class SpriteScan {
 public:
-    Walk(MD_VDP& vdpValue, uint32_t lineValue, uint32_t budgetValue)
+    SpriteScan(MD_VDP& vdpValue, uint32_t lineValue, uint32_t budgetValue)
         : vdp(vdpValue)
-        , walk(vdpValue.walk)
+        , scan(vdpValue.spriteScan)
         , limits(vdpValue.h40 != 0 ? kLimitsH40 : kLimitsH32)
         , line(lineValue)
         , budget(budgetValue) {}
 
     void Run() {
-        while (Look()) {
+        while (ScanNext()) {
         }
-        if (walk.dots >= limits.dots) {
-            walk.flags |= kMdVdpWalkDotsRanOut;
+        if (scan.dots >= limits.dots) {
+            scan.flags |= kMdVdpScanDotsRanOut;
         }
-        if (walk.visible >= limits.visible) {
+        if (scan.visible >= limits.visible) {
             vdp.status |= kMdVdpOverflow;
         }
     }
@@ -111,15 +111,15 @@ private:
         if (!Spend()) {
             return false;
         }
-        word = MdVdpVramWord(vdp, vdp.spriteBase + walk.index * 8 + walk.step);
-        walk.step += 2;
+        word = MdVdpVramWord(vdp, vdp.spriteBase + scan.index * 8 + scan.step);
+        scan.step += 2;
         return true;
     }
 
     // Goes on while sprites aren't on the line, which most aren't, and there is time for one more.
     void SkipUnseen() {
         const uint32_t doubled = vdp.interlace2;
-        uint32_t index = walk.index;
+        uint32_t index = scan.index;
         uint32_t skipped = 0;
         for (; budget >= 4; budget -= 2, ++skipped) {
             const uint32_t entry = vdp.spriteBase + index * 8;
@@ -132,20 +132,20 @@ private:
             }
             index = link;
         }
-        walk.index = index;
-        walk.seen += skipped;
+        scan.index = index;
+        scan.seen += skipped;
     }
 
-    // Looks at a sprite and goes on to the next; false at the end of the walk.
-    bool Look() {
+    // Looks at a sprite and goes on to the next; false at the end of the scan.
+    bool ScanNext() {
         SkipUnseen();
-        walk.step = 0;
+        scan.step = 0;
         uint32_t top = 0;
         uint32_t size = 0;
         if (!Read(top)) {
             return false;
         }
-        ++walk.seen;
+        ++scan.seen;
         if (!Read(size)) {
             return false;
         }
@@ -154,7 +154,7 @@ private:
         const uint32_t height = (size >> 8 & 3) * 8 + 8;
         const uint32_t row = line - y;
         if (row < height) {
-            ++walk.visible;
+            ++scan.visible;
             Sprite sprite{};
             sprite.row = doubled != 0 ? 2 * row + vdp.field : row;
             sprite.rows = height << doubled;
@@ -164,20 +164,20 @@ private:
             }
         }
         const uint32_t link = size & 127;
-        const bool isLast = vdp.h40 != 0 && walk.index == kLastIndex;
-        if (isLast || link >= limits.links || walk.visible >= limits.visible) {
+        const bool isLast = vdp.h40 != 0 && scan.index == kLastIndex;
+        if (isLast || link >= limits.links || scan.visible >= limits.visible) {
             return false;
         }
-        walk.index = link;
+        scan.index = link;
         return true;
     }
 
     // A sprite whose X is 0 hides those behind it, unless it is the first with nothing to hide from.
-    void TakeX(uint32_t x) {
+    void MaskByX(uint32_t x) {
         if (x != 0) {
-            walk.flags |= kMdVdpWalkSeenX;
-        } else if ((walk.flags & (kMdVdpWalkSeenX | kMdVdpWalkLastLineRanOut)) != 0) {
-            walk.flags |= kMdVdpWalkMasked;
+            scan.flags |= kMdVdpScanSeenX;
+        } else if ((scan.flags & (kMdVdpScanSeenX | kMdVdpScanLastLineRanOut)) != 0) {
+            scan.flags |= kMdVdpScanMasked;
         }
     }
 
@@ -187,20 +187,20 @@ private:
             return false;
         }
         x &= 511;
-        TakeX(x);
+        MaskByX(x);
         sprite.x = x - kOrigin;
-        const bool hidden = (walk.flags & kMdVdpWalkMasked) != 0 || !MdVdpDisplayOn(vdp);
+        const bool hidden = (scan.flags & kMdVdpScanMasked) != 0 || !MdVdpDisplayOn(vdp);
         for (uint32_t column = 0; column < sprite.width / 8; ++column) {
             if (!Spend() || !Spend()) {
                 return false;
             }
-            walk.step += 4;
+            scan.step += 4;
             if (!hidden) {
                 DrawEight(vdp, sprite.x + column * 8, CellPattern(vdp, sprite, column),
                           sprite.attributes);
             }
-            walk.dots += 8;
-            if (walk.dots >= limits.dots) {
+            scan.dots += 8;
+            if (scan.dots >= limits.dots) {
                 return false;
             }
         }
@@ -208,7 +208,7 @@ private:
     }
 
     MD_VDP& vdp;
-    MD_VDP_SPRITE_WALK& walk;
+    MD_VDP_SPRITE_SCAN& scan;
     const Limits limits;
     const uint32_t line;
     uint32_t budget;
@@ -220,6 +220,6 @@ void MdVdpFetchSprites(MD_VDP& vdp, uint32_t budget) {
     const uint32_t next = vdp.line + 1;
     const uint32_t line = next >= vdp.totalLines ? 0 : next;
     if (line < vdp.activeHeight) {
-        Walk(vdp, line, budget).Run();
+        SpriteScan(vdp, line, budget).Run();
     }
 }

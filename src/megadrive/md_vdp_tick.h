@@ -10,7 +10,7 @@
 #include <cstdint>
 
 // A slot, an event, or a slot and then an event; `blanked` is that of the step's beginning.
-void MdVdpAct(MD_VDP& vdp, uint32_t action, bool blanked);
+void MdVdpRunAction(MD_VDP& vdp, uint32_t action, bool blanked);
 // The pixel of `outX` in shadow mode.
 void MdVdpPutShadowedDot(MD_VDP& vdp);
 
@@ -28,7 +28,7 @@ namespace md_vdp_tick {
 
 inline void SetBackdropDot(MD_VDP& vdp, uint32_t x, bool h40) {
     vdp.backdropX = x;
-    vdp.backdropLine[x] = (vdp.cramDot & kMdVdpHeld) != 0
+    vdp.backdropLine[x] = (vdp.cramDot & kMdVdpValid) != 0
                               ? static_cast<uint16_t>(vdp.cramDot & 0x1FF)
                               : BackdropColour(vdp);
     vdp.cramDot = 0;
@@ -67,7 +67,7 @@ inline void Step(MD_VDP& vdp) {
     const uint32_t action = H40 ? kMdVdpActionsH40[step] : kMdVdpActionsH32[step];
     vdp.hCount = step + 1; // the wrap sets it to 0
     if ((action & kMdVdpEventBits) != 0 || (action != 0 && HasSlotWork(vdp))) {
-        MdVdpAct(vdp, action, blanked);
+        MdVdpRunAction(vdp, action, blanked);
     }
     if (x < kDots && vdp.rowOut != nullptr && vdp.outX < kDots) {
         PutDot(vdp);
@@ -84,7 +84,7 @@ inline void MdVdpStepH40(MD_VDP& vdp) {
     md_vdp_tick::Step<true>(vdp);
 }
 
-inline void MdVdpClock(MD_VDP& vdp) {
+inline void MdVdpTick(MD_VDP& vdp) {
     vdp.stepDebt += 7;
     if (vdp.stepDebt > 0) {
         vdp.stepDebt -= vdp.stepTable[vdp.hCount];

@@ -21,7 +21,7 @@ enum MdVdpEvent : uint8_t {
     kMdVdpLineStart,  // columns start over, window and first cell
     kMdVdpTargetRow,  // the row that the line goes to
     kMdVdpVInterrupt, // and the Z80's line
-    kMdVdpVCountStep,
+    kMdVdpVCountIncrement,
     kMdVdpHBlankBegin, // and the H interrupt
     kMdVdpLineEnd,     // the sprites of the next line
     kMdVdpWrap,        // the next step is 0
@@ -43,26 +43,26 @@ inline constexpr uint32_t kLineStartH32 = 31;
 inline constexpr uint32_t kLineStartH40 = 45;
 
 inline constexpr Row kEventsH32[] = {
-    {47,            287,           16, kMdVdpFetch      },
-    {10,            10,            1,  kMdVdpHBlankEnd  },
-    {kLineStartH32, kLineStartH32, 1,  kMdVdpLineStart  },
-    {62,            62,            1,  kMdVdpTargetRow  },
-    {0,             0,             1,  kMdVdpVInterrupt },
-    {266,           266,           1,  kMdVdpVCountStep },
-    {295,           295,           1,  kMdVdpHBlankBegin},
-    {319,           319,           1,  kMdVdpLineEnd    },
-    {341,           341,           1,  kMdVdpWrap       },
+    {47,            287,           16, kMdVdpFetch          },
+    {10,            10,            1,  kMdVdpHBlankEnd      },
+    {kLineStartH32, kLineStartH32, 1,  kMdVdpLineStart      },
+    {62,            62,            1,  kMdVdpTargetRow      },
+    {0,             0,             1,  kMdVdpVInterrupt     },
+    {266,           266,           1,  kMdVdpVCountIncrement},
+    {295,           295,           1,  kMdVdpHBlankBegin    },
+    {319,           319,           1,  kMdVdpLineEnd        },
+    {341,           341,           1,  kMdVdpWrap           },
 };
 inline constexpr Row kEventsH40[] = {
-    {61,            365,           16, kMdVdpFetch      },
-    {16,            16,            1,  kMdVdpHBlankEnd  },
-    {kLineStartH40, kLineStartH40, 1,  kMdVdpLineStart  },
-    {76,            76,            1,  kMdVdpTargetRow  },
-    {52,            52,            1,  kMdVdpVInterrupt },
-    {330,           330,           1,  kMdVdpVCountStep },
-    {366,           366,           1,  kMdVdpHBlankBegin},
-    {397,           397,           1,  kMdVdpLineEnd    },
-    {421,           421,           1,  kMdVdpWrap       },
+    {61,            365,           16, kMdVdpFetch          },
+    {16,            16,            1,  kMdVdpHBlankEnd      },
+    {kLineStartH40, kLineStartH40, 1,  kMdVdpLineStart      },
+    {76,            76,            1,  kMdVdpTargetRow      },
+    {52,            52,            1,  kMdVdpVInterrupt     },
+    {330,           330,           1,  kMdVdpVCountIncrement},
+    {366,           366,           1,  kMdVdpHBlankBegin    },
+    {397,           397,           1,  kMdVdpLineEnd        },
+    {421,           421,           1,  kMdVdpWrap           },
 };
 
 inline constexpr uint32_t kSlotsH32[] = {7,   23,  45,  61,  93,  109, 125, 157,
@@ -117,37 +117,37 @@ constexpr uint32_t Sum(const std::array<uint8_t, Steps>& lengths) {
 
 // How many steps from each one on have nothing of `mask` to do and the same length.
 template <size_t Steps>
-constexpr std::array<uint8_t, Steps> Stretches(const std::array<uint8_t, Steps>& actions,
-                                               const std::array<uint8_t, Steps>& lengths,
-                                               uint32_t mask) {
-    std::array<uint8_t, Steps> stretches{};
+constexpr std::array<uint8_t, Steps> SpanLengths(const std::array<uint8_t, Steps>& actions,
+                                                 const std::array<uint8_t, Steps>& lengths,
+                                                 uint32_t mask) {
+    std::array<uint8_t, Steps> spans{};
     for (size_t step = Steps; step-- != 0;) {
         if ((actions[step] & mask) != 0) {
             continue;
         }
         const bool goesOn = step + 1 < Steps && lengths[step + 1] == lengths[step];
-        stretches[step] = static_cast<uint8_t>(1U + (goesOn ? stretches[step + 1] : 0U));
+        spans[step] = static_cast<uint8_t>(1U + (goesOn ? spans[step + 1] : 0U));
     }
-    return stretches;
+    return spans;
 }
 
-struct Outward {
+struct VisibleEvent {
     uint32_t step;
     uint32_t event;
 };
 
 // The three steps of a line whose events reach the machine, in their order.
 template <size_t Steps>
-constexpr std::array<Outward, 3> OutwardSteps(const std::array<uint8_t, Steps>& actions) {
-    std::array<Outward, 3> outward{};
+constexpr std::array<VisibleEvent, 3> VisibleEvents(const std::array<uint8_t, Steps>& actions) {
+    std::array<VisibleEvent, 3> events{};
     size_t count = 0;
     for (uint32_t step = 0; step < Steps; ++step) {
         const uint32_t event = actions[step] & kMdVdpEventBits;
         if (event == kMdVdpVInterrupt || event == kMdVdpHBlankBegin || event == kMdVdpLineEnd) {
-            outward[count++] = {step, event};
+            events[count++] = {step, event};
         }
     }
-    return outward;
+    return events;
 }
 
 // Master clocks from the beginning of the line to that of each step.

@@ -224,10 +224,10 @@ void CMegaDrive::RunProgram() {
     try {
         MdRunFrame(md);
     } catch (const M68K_ADDRESS_ERROR&) {
-        MdCatchUpVideo(md);
-        MdCatchUpSound(md);
+        MdCatchUpVdp(md);
+        MdCatchUpFm(md);
         MdCatchUpPsg(md);
-        MdSettle(md);
+        MdSanitize(md);
         End();
     }
 }
@@ -314,7 +314,7 @@ bool CMegaDrive::LoadPieces(const uint8_t* data, uint32_t size) {
 // What is masked here is in force even where a later piece was refused.
 bool CMegaDrive::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
-    MdSettle(md);
+    MdSanitize(md);
     ended = false;
     return loaded;
 }

@@ -27,7 +27,7 @@ void Fields(MD_SVP& svp, Visit& visit) {
     visit(svp.dram);
 }
 
-void MakeSafe(MD_SVP& svp) {
+void Sanitize(MD_SVP& svp) {
     svp.emuStatus &= kSvpWaits | kSvpPmcSet | kSvpPmcHasAddress;
     svp.pc %= kSvpMemoryWords;
     for (uint32_t i = 0; i < svp.gr.size(); ++i) {
@@ -59,7 +59,7 @@ uint8_t* SvpSaveState(const MD_SVP& svp, uint8_t* out) {
 uint32_t SvpLoadState(MD_SVP& svp, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, [&](auto& visit) { Fields(svp, visit); });
     if (used != 0) {
-        MakeSafe(svp);
+        Sanitize(svp);
     }
     return used;
 }

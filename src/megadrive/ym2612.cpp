@@ -124,7 +124,7 @@ void Fields(YM2612& ym, Visit& visit) {
     visit(ym.channelOut);
 }
 
-void MakeSafe(YM2612_SLOT& slot) {
+void Sanitize(YM2612_SLOT& slot) {
     constexpr uint32_t kHighestRate = 31 * 2 + 32;
     constexpr uint32_t kHighestLevel = 127 * 8;
     slot.dt &= 7;
@@ -152,16 +152,16 @@ void MakeSafe(YM2612_SLOT& slot) {
     slot.amMask = slot.amMask != 0 ? kAllOnes : 0;
 }
 
-void MakeSafe(YM2612_PITCH& pitch) {
+void Sanitize(YM2612_PITCH& pitch) {
     pitch.blockFnum &= 0x3FFF;
     pitch.keyCode &= 31;
     pitch.fc = std::min(pitch.fc, Ym2612PhaseStepOf(4095, 7));
 }
 
-void MakeSafe(YM2612_CHANNEL& channel) {
+void Sanitize(YM2612_CHANNEL& channel) {
     constexpr int32_t kPeak = 8192;
     for (YM2612_SLOT& slot : channel.slots) {
-        MakeSafe(slot);
+        Sanitize(slot);
     }
     channel.algorithm &= 7;
     channel.feedback = std::min<uint8_t>(channel.feedback, 13);
@@ -172,17 +172,17 @@ void MakeSafe(YM2612_CHANNEL& channel) {
     channel.ams = std::min<uint8_t>(channel.ams, 8);
     channel.leftMask = channel.leftMask != 0 ? kAllOnes : 0;
     channel.rightMask = channel.rightMask != 0 ? kAllOnes : 0;
-    MakeSafe(channel.pitch);
+    Sanitize(channel.pitch);
 }
 
 // Brings whatever was loaded into the ranges that the chip itself keeps to.
-void MakeSafe(YM2612& ym) {
+void Sanitize(YM2612& ym) {
     constexpr int32_t kDacPeak = 128 * 64;
     for (YM2612_CHANNEL& channel : ym.channels) {
-        MakeSafe(channel);
+        Sanitize(channel);
     }
     for (YM2612_PITCH& pitch : ym.channel3) {
-        MakeSafe(pitch);
+        Sanitize(pitch);
     }
     ym.address &= 0x1FF;
     ym.irq &= 1;
@@ -282,7 +282,7 @@ uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out) {
 uint32_t Ym2612LoadState(YM2612& ym, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, [&](auto& visit) { Fields(ym, visit); });
     if (used != 0) {
-        MakeSafe(ym);
+        Sanitize(ym);
         Rebuild(ym);
     }
     return used;

@@ -66,10 +66,10 @@ inline void Ym2612BeginDecay(YM2612_SLOT& slot) {
 }
 
 // Starts a slot from the beginning, unless register or CSM hold its key already.
-void Ym2612Press(const YM2612& ym, YM2612_SLOT& slot);
+void Ym2612KeyOn(const YM2612& ym, YM2612_SLOT& slot);
 
 // Lets a slot die away if it sounds.
-void Ym2612Release(YM2612_SLOT& slot);
+void Ym2612KeyOff(YM2612_SLOT& slot);
 
 // Reads the rate tables again for the slot's `ksr`.
 void Ym2612RefreshAttack(YM2612_SLOT& slot);

@@ -146,7 +146,7 @@ void WriteMode(YM2612& ym, uint8_t value) {
         if ((value & kYm2612SpecialBits) != kYm2612Csm && ym.csmKey != 0) {
             for (YM2612_SLOT& slot : channel.slots) {
                 if (slot.keyOn == 0) {
-                    Ym2612Release(slot);
+                    Ym2612KeyOff(slot);
                 }
             }
             ym.csmKey = 0;
@@ -181,11 +181,11 @@ void WriteKeys(YM2612& ym, uint8_t value) {
     for (uint32_t i = 0; i < kYm2612Slots; ++i) {
         YM2612_SLOT& slot = channel.slots[kSlotOfBit[i]];
         if ((value >> (4 + i) & 1) != 0) {
-            Ym2612Press(ym, slot);
+            Ym2612KeyOn(ym, slot);
             slot.keyOn = 1;
         } else {
             if (slot.keyOn != 0 && ym.csmKey == 0) {
-                Ym2612Release(slot);
+                Ym2612KeyOff(slot);
             }
             slot.keyOn = 0;
         }
@@ -237,7 +237,7 @@ void Ym2612Write(YM2612& ym, uint32_t port, uint8_t value) {
 }
 
 // A key that is held already, by register or by CSM, doesn't start again.
-void Ym2612Press(const YM2612& ym, YM2612_SLOT& slot) {
+void Ym2612KeyOn(const YM2612& ym, YM2612_SLOT& slot) {
     if (slot.keyOn != 0 || ym.csmKey != 0) {
         return;
     }
@@ -252,7 +252,7 @@ void Ym2612Press(const YM2612& ym, YM2612_SLOT& slot) {
 }
 
 // A release falls from the level that is heard, so an SSG shape that is turned over is turned back.
-void Ym2612Release(YM2612_SLOT& slot) {
+void Ym2612KeyOff(YM2612_SLOT& slot) {
     if (slot.state <= Ym2612Envelope::kRelease) {
         return;
     }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "megadrive/m68000_private.h"
-#include "megadrive/m68000_step.h"
+#include "megadrive/m68000_tick.h"
 
 #include <array>
 #include <cstdint>
@@ -44,11 +44,11 @@ struct TEST_68000 {
     TEST_68000(const TEST_68000&) = delete;
     TEST_68000& operator=(const TEST_68000&) = delete;
 
-    uint32_t Step() { return M68kStep(cpu); }
+    uint32_t Tick() { return M68kTick(cpu); }
     // Gives whether the next step ends in an address error.
     bool StepFails() {
         try {
-            M68kStep(cpu);
+            M68kTick(cpu);
         } catch (const M68K_ADDRESS_ERROR&) {
             return true;
         }

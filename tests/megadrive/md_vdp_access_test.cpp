@@ -436,9 +436,9 @@ TEST(MdVdpDma, ItsColourIsForgottenAtTheStartOfALine) {
             rig.RunTo(30, before ? start - 2 : start + 1);
             Dma(rig, kCramCode, 0x40, 0x0E0E, 1);
             rig.Steps(2);
-            EXPECT_EQ(rig.vdp->cramDot, kMdVdpHeld | 7 << 6 | 7);
+            EXPECT_EQ(rig.vdp->cramDot, kMdVdpValid | 7 << 6 | 7);
             rig.Step(); // that of the start, or one behind it
-            EXPECT_EQ(rig.vdp->cramDot, before ? 0 : kMdVdpHeld | 7 << 6 | 7);
+            EXPECT_EQ(rig.vdp->cramDot, before ? 0 : kMdVdpValid | 7 << 6 | 7);
             rig.RunTo(31, 0);
             EXPECT_EQ(rig.At(0, 30), before ? EntryPixel(0) : PlainPixel(7 << 6 | 7));
             EXPECT_EQ(rig.At(1, 30), EntryPixel(0));

@@ -354,7 +354,7 @@ TEST(MdVdpShadow, AnOperatorCountsNoDotAndHidesTheSpriteBehind) {
     rig.Reg(12, 0x89);
     rig.Sprite(0, 0, 40, 0, 1, kShadow);
     rig.Sprite(1, 0, 40, 0, 0x7F, 3);
-    rig.WalkFor(40);
+    rig.ScanFor(40);
     EXPECT_EQ(rig.vdp->shadowOp[3], 5);
     EXPECT_EQ(rig.vdp->spriteDots[3], 0);
     EXPECT_EQ(rig.vdp->layerCode[3], 0);
@@ -373,7 +373,7 @@ TEST(MdVdpShadow, OperatorCodesFollowPriority) {
         rig.Setup(true);
         rig.Reg(12, 0x89);
         rig.Sprite(0, 0, 40, 0, 0x7F, row[0]);
-        rig.WalkFor(40);
+        rig.ScanFor(40);
         EXPECT_EQ(rig.vdp->shadowOp[3], row[1]);
     }
 }

@@ -142,7 +142,7 @@ public:
         return steps;
     }
     // The sprites of `line`, as its walk finds them.
-    void WalkFor(uint32_t line) {
+    void ScanFor(uint32_t line) {
         RunTo(line - 1, vdp->h40 != 0 ? 397 : 319);
         Step();
     }

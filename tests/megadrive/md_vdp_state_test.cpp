@@ -78,8 +78,8 @@ TEST(MdVdpState, RestoredRunsAreTheSame) {
         for (uint32_t i = 0; i < 300; ++i) {
             const uint32_t clocks = static_cast<uint32_t>(random()) % 700;
             for (uint32_t clock = 0; clock < clocks; ++clock) {
-                MdVdpClock(*first.vdp);
-                MdVdpClock(*second.vdp);
+                MdVdpTick(*first.vdp);
+                MdVdpTick(*second.vdp);
             }
             ASSERT_EQ(Access(first, firstAccess), Access(second, secondAccess)) << seed;
         }

@@ -68,12 +68,12 @@ TEST(MdVdpTiming, TheClockRunsAStepWhenItsTimeIsOwed) {
         rig.vdp->stepDebt = 0;
         // 7 * 3420 clocks of 7 are 7 lines, to the clock.
         for (uint32_t clock = 0; clock < 3420; ++clock) {
-            MdVdpClock(*rig.vdp);
+            MdVdpTick(*rig.vdp);
         }
         EXPECT_EQ(rig.vdp->line, 14U);
         EXPECT_EQ(rig.vdp->hCount, 0U);
         EXPECT_EQ(rig.vdp->stepDebt, 0);
-        MdVdpClock(*rig.vdp);
+        MdVdpTick(*rig.vdp);
         EXPECT_EQ(rig.vdp->hCount, 1U);
         EXPECT_EQ(rig.vdp->stepDebt, width.h40 ? -1 : -3);
     }

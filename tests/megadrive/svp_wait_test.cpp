@@ -162,7 +162,7 @@ TEST(SvpCartridge, HookRunsThreeInstructionsForEachWholeCycle) {
         SvpCartridge rig;
         rig.Svp().iramRom.fill(0);
         rig.Svp().gr[kSvpPc] = 0x1000 << 16;
-        MdCartSvpHook(*rig.cart, clocks);
+        MdCartRunSvp(*rig.cart, clocks);
         EXPECT_EQ(rig.Svp().gr[kSvpPc] >> 16, 0x1000 + clocks / 7 * 3) << clocks;
     }
 }

@@ -12,7 +12,7 @@ inline constexpr uint32_t kM68kNmiLevel = 7;
 
 // Runs an instruction, takes an interrupt, or stands still for four clocks. Gives the clocks. Throws
 // M68K_ADDRESS_ERROR.
-inline uint32_t M68kStep(M68K_STATE& cpu) {
+inline uint32_t M68kTick(M68K_STATE& cpu) {
     if (cpu.stopped != 0) {
         return kM68kStoppedClocks;
     }

@@ -1,4 +1,4 @@
-// Many H steps at once: spans without slot or event put out their dots in one go.
+// Many H steps at once: a span of steps without slot or event puts out its dots together.
 #include "megadrive/md_vdp.h"
 #include "megadrive/md_vdp_private.h"
 #include "megadrive/md_vdp_timetable.h"
@@ -14,23 +14,24 @@ using md_vdp_timetable::SpanLengths;
 using md_vdp_timetable::StartClocks;
 using md_vdp_timetable::VisibleEvents;
 
-// The steps whose events the machine may see something of, and when every step begins.
+// The steps whose events may reach the machine, and the master clock at which each step begins.
 constexpr auto kVisibleEventsH32 = VisibleEvents(kMdVdpActionsH32);
 constexpr auto kVisibleEventsH40 = VisibleEvents(kMdVdpActionsH40);
 constexpr auto kStartsH32 = StartClocks(kMdVdpLengthsH32);
 constexpr auto kStartsH40 = StartClocks(kMdVdpLengthsH40);
 
-// Whether an event of this line does anything that the machine can see.
+// Whether an event of this line changes anything that the machine sees.
 bool IsVisible(const MD_VDP& vdp, uint32_t event) {
     switch (event) {
     case kMdVdpVInterrupt: return *vdp.zIntLine != 0 || vdp.vCount == vdp.activeHeight;
-    case kMdVdpHBlankBegin: return vdp.hCounter <= 0 && (vdp.regs[0] & kMdVdpReg0HInterrupt) != 0;
-    default: return vdp.line + 1 >= vdp.totalLines; // the end of a line
+    case kMdVdpHBlankBegin:
+        return vdp.hCounter <= 0 && (vdp.regs[kMdVdpRegMode1] & kMdVdpReg0HInterrupt) != 0;
+    default: return vdp.line + 1 >= vdp.totalLines; // the end of a line may end the frame
     }
 }
 
-// Master clocks from the beginning of the next step to the beginning of one that the machine sees something
-// of, or to the end of the line: the next one may have the other width.
+// Master clocks from the start of the next step to the start of the next one with a visible event; or to the
+// end of the line, because the next line may have the other width.
 template <typename VisibleEvent, typename Starts>
 uint32_t ClocksToVisibleEvent(const MD_VDP& vdp, const VisibleEvent& events, const Starts& starts) {
     const uint32_t now = starts[vdp.hCount];
@@ -42,8 +43,8 @@ uint32_t ClocksToVisibleEvent(const MD_VDP& vdp, const VisibleEvent& events, con
     return kMdVdpLineClocks - now;
 }
 
-// By what the slots are good for.
-enum SlotUse : uint32_t { kNoUse, kDisplaySlots, kBlankedSlots };
+// Which slots end a span, because the FIFO or a DMA would use them.
+enum SlotUse : uint32_t { kNoSlots, kDisplaySlots, kBlankedSlots };
 
 template <size_t Steps>
 constexpr std::array<std::array<uint8_t, Steps>, 3>
@@ -56,8 +57,8 @@ BuildSpans(const std::array<uint8_t, Steps>& actions, const std::array<uint8_t, 
 constexpr auto kSpansH32 = BuildSpans(kMdVdpActionsH32, kMdVdpLengthsH32);
 constexpr auto kSpansH40 = BuildSpans(kMdVdpActionsH40, kMdVdpLengthsH40);
 
-// Table of a shadow mode pixel by operator, whether its layer is above a low sprite, and flag: the
-// distance from the shadow table. Operators that there aren't put out nothing.
+// In shadow mode: the offset of a pixel's colour table from the shadow table, by operator, layer and
+// `lineFlags`. An invalid operator puts out nothing.
 constexpr uint16_t kNothing = 0xFFFF;
 constexpr uint16_t kShadow = 0;
 constexpr uint16_t kPlain = 512;
@@ -77,7 +78,7 @@ constexpr uint16_t FindShade(uint32_t op, uint32_t layer, uint32_t flag) {
     }
 }
 
-// The same by operator, layer and flag, for the dots of a whole line.
+// The same as one flat table.
 constexpr uint32_t kShadeOps = 16;
 constexpr uint32_t kShadeLayers = 16;
 
@@ -105,8 +106,8 @@ constexpr auto kShades = [] {
     }
 }
 
-// Operators are rare: where there are none, the flag alone chooses the table. The buffers are longer than
-// a line by just these eight.
+// Operators are rare. In a block of eight dots without any, the flag alone chooses the table. The line
+// buffers are longer than a line by one block, so the last one may be read whole.
 constexpr uint32_t kBlock = 8;
 static_assert(kMdVdpWidth + kBlock <= kMdVdpLine);
 
@@ -129,7 +130,7 @@ void PutShadowedDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
 }
 
 void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
-    // The first dot takes the colour of a DMA.
+    // The first dot shows the colour of a DMA to CRAM, if there was one.
     md_vdp_tick::SetBackdropDot(vdp, first, vdp.h40 != 0);
     std::fill_n(&vdp.backdropLine[first] + 1, count - 1, md_vdp_tick::BackdropColour(vdp));
     std::fill_n(&vdp.lineFlags[first] + 1, count - 1, uint8_t{1});
@@ -139,7 +140,7 @@ void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
     vdp.backdropX = first + count - 1;
 }
 
-// Whether sprites meet at any of these dots: a count above 1.
+// Whether sprites collide at any of these dots: the count is above 1.
 bool Collide(const MD_VDP& vdp, uint32_t x, uint32_t end) {
     constexpr uint64_t kAboveOne = 0xFEFEFEFEFEFEFEFE;
     uint64_t met = 0;
@@ -171,7 +172,7 @@ void PutDots(MD_VDP& vdp, uint32_t count) {
     vdp.outX = end;
 }
 
-// Steps that have nothing to do but their dots.
+// Runs `count` steps that do nothing but put out their dots.
 void RunSpan(MD_VDP& vdp, uint32_t count) {
     const uint32_t start = vdp.h40 != 0 ? kMdVdpFirstDotH40 : kMdVdpFirstDotH32;
     const uint32_t dots = vdp.h40 != 0 ? kMdVdpDotsH40 : kMdVdpDotsH32;
@@ -190,7 +191,7 @@ void RunSpan(MD_VDP& vdp, uint32_t count) {
 }
 
 uint32_t SpanLength(const MD_VDP& vdp) {
-    uint32_t use = kNoUse;
+    uint32_t use = kNoSlots;
     if (md_vdp_tick::HasSlotWork(vdp)) {
         use = vdp.blanked != 0 ? kBlankedSlots : kDisplaySlots;
     }
@@ -226,7 +227,7 @@ void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
 }
 
 uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet) {
-    // A control word that waits for the end of a copy or fill may begin a DMA on the bus.
+    // A control word that waits for the end of a copy or fill may start a DMA from the bus.
     if (vdp.fifoCount > kMdVdpFifo || vdp.dmaPending != 0) {
         return 0;
     }
@@ -239,7 +240,7 @@ uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet) {
     if (!busIsQuiet || *vdp.stall == 0) {
         return 0;
     }
-    // The end of a DMA lets the processor go on. At best every second step of 8 clocks is a slot.
+    // The end of the DMA releases the 68000. At best every second step of 8 clocks is a slot.
     constexpr uint32_t kClocksASlot = 16;
     const uint32_t slots = (vdp.dmaLength - 1) * (vdp.dmaCode == kMdVdpCodeVram ? 2 : 1);
     return std::min(toEvent, slots * kClocksASlot);

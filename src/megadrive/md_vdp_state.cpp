@@ -89,7 +89,7 @@ void MemoryFields(MD_VDP& vdp, Visit& visit) {
     visit(vdp.vram);
 }
 
-// The line in progress: the sprites of the next one are there at the end of a frame.
+// The line in progress. At the end of a frame the buffers already hold the sprites of the next line.
 template <typename Visit>
 void BufferFields(MD_VDP& vdp, Visit& visit) {
     visit(vdp.lineFlags);
@@ -120,7 +120,7 @@ uint32_t SafePlaneSize(uint32_t cells) {
 template <size_t Count>
 void SanitizeColours(std::array<uint16_t, Count>& colours) {
     for (uint16_t& colour : colours) {
-        colour &= 0x1FF;
+        colour &= kMdVdpColourBits;
     }
 }
 
@@ -153,8 +153,8 @@ void SanitizeCounters(MD_VDP& vdp) {
     vdp.vCount = std::min(vdp.vCount, vdp.totalLines - 1);
     vdp.stepDebt = std::clamp(vdp.stepDebt, -9, 0);
     vdp.hCounter = std::clamp(vdp.hCounter, 0, 255);
-    // Behind the line's start a pixel never goes out before its step; until then the last line's count
-    // stands.
+    // After the line's start a pixel never goes out before its step. Up to there `outX` is still that of the
+    // line before.
     const uint32_t start = h40 ? md_vdp_timetable::kLineStartH40 : md_vdp_timetable::kLineStartH32;
     const uint32_t reached = vdp.hCount > first ? vdp.hCount - first : 0;
     vdp.outX = std::min(vdp.outX, vdp.hCount <= start ? kMdVdpWidth : std::min(reached, dots));
@@ -182,7 +182,7 @@ void SanitizeAccess(MD_VDP& vdp) {
     vdp.code &= 63;
 }
 
-// Brings whatever was loaded into the ranges that the chip itself keeps to.
+// Brings a loaded record into the ranges that the chip itself keeps to.
 void Sanitize(MD_VDP& vdp) {
     SanitizeGeometry(vdp);
     SanitizeCounters(vdp);
@@ -209,7 +209,7 @@ uint32_t MdVdpStateSize() {
 }
 
 uint8_t* MdVdpSaveState(const MD_VDP& vdp, uint8_t* out) {
-    // The visitor that writes shares its type of field with the one that reads; it changes nothing.
+    // Writing visits the fields like reading does, and changes none of them.
     return StatePieceWrite(out, FieldsOf(const_cast<MD_VDP&>(vdp)));
 }
 

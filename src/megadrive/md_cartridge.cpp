@@ -21,7 +21,7 @@ constexpr size_t kRamMark = 0x1B0;
 constexpr size_t kRamStart = 0x1B4;
 constexpr size_t kRamEnd = 0x1B8;
 
-constexpr std::string_view kDoubleTitle = "SONIC & KNUCKLES";
+constexpr std::string_view kDoubleTitle = "SONIC & KNUCKLES"; // its image is in both halves
 constexpr std::string_view kSvpTitle = "Virtua Racing";
 
 class Image {
@@ -179,7 +179,7 @@ std::span<uint8_t> MdCartSaveData(MD_CARTRIDGE& cart) {
     if (start >= end) {
         return {};
     }
-    // Counted from an odd address, a word at the very last address reaches a byte further.
+    // If the range starts at an odd address, a word at the last address reaches one byte further.
     const size_t reached = end - start + (start & 1);
     const size_t used = (reached + 1) & ~size_t{1};
     return std::span(cart.sram->data).first(std::min(used, kMdSramBytes));

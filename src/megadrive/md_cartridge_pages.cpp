@@ -2,8 +2,7 @@
 
 namespace {
 
-// What lies behind the last byte of battery RAM, for a word that straddles its end: a store there is
-// lost.
+// What a word that straddles the end of battery RAM reads after the last byte. A store there is lost.
 constexpr uint32_t kNoByte = 0xFF;
 
 void IgnoreByte(MD_CARTRIDGE& cart, uint32_t address, uint8_t value) {
@@ -42,7 +41,7 @@ uint8_t ReadSramByte(MD_CARTRIDGE& cart, uint32_t address) {
     return sram.data[SramOffset(sram, address) ^ 1];
 }
 
-// The offset of a word is odd when the range starts at an odd address.
+// The offset of a word is odd if the range starts at an odd address.
 uint16_t ReadSramWord(MD_CARTRIDGE& cart, uint32_t address) {
     const MD_SRAM& sram = *cart.sram;
     if (!InRange(sram, address)) {
@@ -113,11 +112,13 @@ void WriteSvpWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
     SvpWriteWord(*cart.svp, address, value);
 }
 
+// By MD_CART_KIND.
+constexpr uint32_t kHalfWindowPages = kMdCartWindowPages / 2;
 constexpr std::array<MD_CART_HANDLERS, 4> kHandlers{
-    {{ReadRomByte, ReadRomWord, IgnoreByte, IgnoreWord, 128},
-     {ReadSramByte, ReadSramWord, WriteSramByte, WriteSramWord, 128},
-     {ReadEepromByte, ReadEepromWord, WriteEepromByte, WriteEepromWord, 64},
-     {ReadRomByte, ReadSvpWord, IgnoreByte, WriteSvpWord, 64}}
+    {{ReadRomByte, ReadRomWord, IgnoreByte, IgnoreWord, kMdCartWindowPages},
+     {ReadSramByte, ReadSramWord, WriteSramByte, WriteSramWord, kMdCartWindowPages},
+     {ReadEepromByte, ReadEepromWord, WriteEepromByte, WriteEepromWord, kHalfWindowPages},
+     {ReadRomByte, ReadSvpWord, IgnoreByte, WriteSvpWord, kHalfWindowPages}}
 };
 
 bool ContainsAddress(uint32_t page, uint32_t address) {
@@ -129,6 +130,7 @@ bool OverlapsPage(const MD_SRAM& sram, uint32_t page) {
     return sram.start < sram.end && sram.start < first + kMdCartPageBytes && sram.end > first;
 }
 
+// Pages in which the signal processor shows its DRAM: 128 KiB plain, and the two rearranged views (svp.cpp).
 bool IsSvpPage(uint32_t page) {
     return page == 0x30 || page == 0x31 || page == 0x39 || page == 0x3A;
 }

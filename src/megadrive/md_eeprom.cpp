@@ -29,6 +29,8 @@ void UpdateLine(uint8_t& line, uint32_t lineAddress, uint32_t bit, uint32_t addr
     }
 }
 
+// The address bits of the device byte are ORed to the counter, so a sequential access stays in the block of 256
+// bytes that the device byte named, unless that is the first one.
 uint8_t& Cell(MD_EEPROM& eeprom) {
     return eeprom.data[static_cast<uint16_t>(eeprom.wordAddress | eeprom.slave)];
 }
@@ -85,7 +87,8 @@ void RisingClock(MD_EEPROM& eeprom) {
     }
 }
 
-// After the acknowledge. What the line held while SCL was high counts, since one write may change both.
+// After the acknowledge clock. One write may change both lines, so the SDA that counts is the one from before,
+// while SCL was high.
 void EndByte(MD_EEPROM& eeprom) {
     switch (eeprom.state) {
     case kMdEepromDevice:

@@ -1,9 +1,9 @@
 // The frame loops of the Mega Drive.
 //
-// The plain loop is the console: an instruction of the 68000, then a round for each of its cycles with
-// Z80, PSG, FM chip and video chip in this order. In the late one both sound chips and the video chip wait
-// until somebody could tell: one of their addresses is reached, or the video chip comes to where it drives a line
-// or moves memory.
+// The plain loop is the console: an instruction of the 68000, then for each of its cycles a tick of Z80, PSG,
+// FM chip and VDP in this order. The fast loop comes to the same. In it VDP, FM chip and PSG owe their clocks,
+// and catch up when one of their addresses is accessed, or when the VDP comes to an event that drives a line
+// or reads memory.
 #include "megadrive/m68000_tick.h"
 #include "megadrive/md_bus.h"
 #include "megadrive/md_vdp_tick.h"
@@ -24,20 +24,20 @@ namespace {
     MdVdpTick(md.vdp);
 }
 
-// Opcodes that are none take no time, and a program that has gone astray may find nothing else: its frame
-// would never end. Some in a row are free, and then one costs what a step of the stopped processor does.
-constexpr uint32_t kFreeSteps = 256;
-constexpr uint32_t kStepCycles = 4;
+// Illegal opcodes take no time, and a program that runs astray may find nothing else: its frame would never
+// end. So after this many of them in a row one costs what a tick of a stopped 68000 does.
+constexpr uint32_t kFreeInstructions = 256;
+constexpr uint32_t kStoppedCycles = 4;
 
-// The instruction, and what hangs on it before its cycles; gives their number.
+// One instruction, with everything that comes before its cycles; returns their number.
 template <bool svp>
-[[gnu::always_inline]] inline uint32_t RunInstruction(MEGA_DRIVE& md, uint32_t& freeSteps) {
+[[gnu::always_inline]] inline uint32_t RunInstruction(MEGA_DRIVE& md, uint32_t& freeInstructions) {
     uint32_t cycles = M68kTick(md.cpu);
-    if (cycles == 0 && ++freeSteps > kFreeSteps) [[unlikely]] {
-        cycles = kStepCycles;
+    if (cycles == 0 && ++freeInstructions > kFreeInstructions) [[unlikely]] {
+        cycles = kStoppedCycles;
     }
     if (cycles != 0) {
-        freeSteps = 0;
+        freeInstructions = 0;
     }
     md.m68kBusCycles += cycles;
     if constexpr (svp) {
@@ -50,9 +50,9 @@ template <bool svp>
 template <bool svp>
 void RunFramePlain(MEGA_DRIVE& md) {
     MD_Z80_BUS bus{md};
-    uint32_t freeSteps = 0;
+    uint32_t freeInstructions = 0;
     while (md.vdp.frameDone == 0) {
-        const uint32_t cycles = RunInstruction<svp>(md, freeSteps);
+        const uint32_t cycles = RunInstruction<svp>(md, freeInstructions);
         for (uint32_t i = 0; i < cycles; ++i) {
             TickChips(md, bus);
         }
@@ -64,7 +64,7 @@ void CatchUpToEvent(MEGA_DRIVE& md) {
     MdRefreshVdpToEvent(md);
 }
 
-// The cycles of an instruction in which the video chip does something that others see.
+// Runs the cycles of an instruction in which the VDP does something that others see.
 [[gnu::noinline]] void RunCyclesPlain(MEGA_DRIVE& md, uint32_t cycles) {
     MD_Z80_BUS bus{md};
     MdCatchUpVdp(md);
@@ -76,15 +76,15 @@ void CatchUpToEvent(MEGA_DRIVE& md) {
     MdRefreshVdpToEvent(md);
 }
 
-// The Z80's bus while it does several clocks at once: the cycles that are over are counted when it reaches
-// beyond its own memory. It stops where the video chip then comes near an event, and where it may have run
-// itself on or away.
+// The Z80's bus while it runs several clocks at once, one in each 68000 cycle. An access beyond its own RAM
+// counts the cycles up to its clock, so that the other chips catch up to there. The run stops after an access
+// that brings an event of the VDP near, or that may have changed the Z80's own bus request or reset.
 struct MD_CATCH_UP_Z80_BUS {
     MEGA_DRIVE& md;
-    uint32_t cycles; // that the instruction still has at the first clock
+    uint32_t cycles; // left of the instruction at the first clock
     MD_Z80_BUS bus{md};
-    uint32_t clock = 0;   // of this run
-    uint32_t counted = 0; // clocks whose cycles are counted
+    uint32_t clock = 0;   // the clock of this run that is going on
+    uint32_t counted = 0; // clocks whose cycles have been counted
     bool stops = false;
 
     void At(uint32_t now) { clock = now; }
@@ -116,14 +116,15 @@ struct MD_CATCH_UP_Z80_BUS {
             return;
         }
         Count(clock);
-        const bool reachesItself = address >= 0x8000 && md.z80Bank >> 16 == kMdIoPage;
+        constexpr uint16_t kWindowStart = 0x8000;
+        const bool reachesItself = address >= kWindowStart && md.z80Bank >> 16 == kMdIoPage;
         bus.Write(address, value);
         stops |= reachesItself || EventIsNear();
     }
 };
 
-// As many of the Z80's clocks as fall into the next cycles; gives how many that were. The whole debt of an
-// instruction is there at its start, so they fall into its first ones.
+// Runs the Z80's clocks that fall into the next `cycles`, and returns their number. The Z80 is owed the whole
+// instruction at its start, so its clocks fall into the first cycles, one in each.
 uint32_t RunZ80(MEGA_DRIVE& md, uint32_t cycles) {
     if (md.z80Clock < kMdZ80Clocks) {
         return 0;
@@ -131,20 +132,20 @@ uint32_t RunZ80(MEGA_DRIVE& md, uint32_t cycles) {
     const uint32_t clocks =
         std::min(static_cast<uint32_t>(md.z80Clock) / static_cast<uint32_t>(kMdZ80Clocks), cycles);
     MD_CATCH_UP_Z80_BUS bus{md, cycles};
-    // Where its bus is away or its reset line is low, clocks do nothing.
-    const bool stands = md.z80.enabled == 0 || (md.z80.running == 0 && md.z80.busHold != 0);
-    const uint32_t done = stands ? clocks : clocks - Z80RunOn(md.z80, bus, clocks);
+    // While the Z80 is off its bus or in reset its clocks do nothing.
+    const bool halted = md.z80.enabled == 0 || (md.z80.running == 0 && md.z80.busHold != 0);
+    const uint32_t done = halted ? clocks : clocks - Z80RunOn(md.z80, bus, clocks);
     bus.Count(done);
     return done;
 }
 
 template <bool svp>
 void RunFrameFast(MEGA_DRIVE& md) {
-    uint32_t freeSteps = 0;
+    uint32_t freeInstructions = 0;
     CatchUpToEvent(md);
     while (md.vdp.frameDone == 0) {
-        uint32_t cycles = RunInstruction<svp>(md, freeSteps);
-        // The Z80 may write to the video chip and bring an event near.
+        uint32_t cycles = RunInstruction<svp>(md, freeInstructions);
+        // The Z80 may write to the VDP and so bring an event near.
         while (md.vdpOwed + cycles < md.vdpToEvent) {
             const uint32_t done = RunZ80(md, cycles);
             if (done == 0) {

@@ -1,4 +1,4 @@
-// What a saved state keeps of the signal processor.
+// The signal processor's piece of a state.
 #include "machine/state_piece.h"
 #include "megadrive/svp_private.h"
 
@@ -51,8 +51,8 @@ uint32_t SvpStateSize() {
 }
 
 uint8_t* SvpSaveState(const MD_SVP& svp, uint8_t* out) {
-    auto& fields =
-        const_cast<MD_SVP&>(svp); // The visitor that only reads is the one that also writes.
+    // Writing visits the fields like reading does, and changes none of them.
+    auto& fields = const_cast<MD_SVP&>(svp);
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });
 }
 

@@ -175,7 +175,7 @@ void Sanitize(YM2612_CHANNEL& channel) {
     Sanitize(channel.pitch);
 }
 
-// Brings whatever was loaded into the ranges that the chip itself keeps to.
+// Brings a loaded record into the ranges that the chip itself keeps to.
 void Sanitize(YM2612& ym) {
     constexpr int32_t kDacPeak = 128 * 64;
     for (YM2612_CHANNEL& channel : ym.channels) {
@@ -201,11 +201,11 @@ void Sanitize(YM2612& ym) {
     ym.egTimer %= ym.egTimerOverflow;
     ym.csmKey &= 1;
     ym.dacOut = std::clamp(ym.dacOut, -kDacPeak, kDacPeak);
-    ym.dacEnabled &= 0x80;
+    ym.dacEnabled &= kYm2612DacOn;
     ym.tickCount %= kYm2612ClocksPerSample;
 }
 
-// What isn't in the piece.
+// Recomputes the fields that aren't in the piece.
 void Rebuild(YM2612& ym) {
     ym.recalculate = true;
     ym.ssgSlots = 0;
@@ -247,11 +247,11 @@ void Ym2612Reset(YM2612& ym) {
     ym.dacOut = 0;
     ym.dacEnabled = 0;
     ym.channelOut = {};
-    WriteRegister(ym, 0x27, kYm2612ClearA | kYm2612ClearB);
-    for (uint32_t reg = 0xB6; reg >= 0xB4; --reg) {
-        WriteRegister(ym, reg, 0xC0);
+    WriteRegister(ym, kYm2612RegMode, kYm2612ClearA | kYm2612ClearB);
+    for (uint32_t reg = kYm2612RegSides + 2; reg >= kYm2612RegSides; --reg) {
+        WriteRegister(ym, reg, kYm2612Left | kYm2612Right);
     }
-    for (uint32_t reg = 0xB2; reg >= 0x30; --reg) {
+    for (uint32_t reg = kYm2612RegAlgorithm + 2; reg >= kYm2612RegMultiple; --reg) {
         WriteRegister(ym, reg, 0);
     }
     ym.address = 0;
@@ -274,7 +274,7 @@ uint32_t Ym2612StateSize() {
 }
 
 uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out) {
-    // The visitor that only reads is the one that also writes.
+    // Writing visits the fields like reading does, and changes none of them.
     auto& fields = const_cast<YM2612&>(ym);
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });
 }

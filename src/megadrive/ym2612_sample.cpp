@@ -6,11 +6,11 @@
 
 namespace {
 
-constexpr uint32_t kEnvelopeLimit = 832; // at this attenuation and above an operator is silent
+constexpr uint32_t kEnvelopeLimit = 832; // from this attenuation on an operator is silent
 constexpr uint32_t kPhaseShift = 16;
 constexpr uint32_t kWholePhase = 0xFFFF0000; // without the fraction
-constexpr int32_t kFrequencyWrap = 1 << 23;  // a pitch that detune takes below 0 comes round
-constexpr uint32_t kModulationShift = 15;    // a full wave at full level is four turns
+constexpr int32_t kFrequencyWrap = 1 << 23;  // a pitch that detune takes below 0 wraps to the top
+constexpr uint32_t kModulationShift = 15;    // a full level modulates by four turns
 
 static_assert(kEnvelopeLimit * 8 == kYm2612Levels);
 
@@ -115,7 +115,7 @@ void EndRamp(YM2612_SLOT& slot) {
 
 // --- operators ----------------------------------------------------------------------------------
 
-// `modulation` is added to the phase.
+// `modulation` is added to the phase, whose fraction is dropped before: a modulator moves whole steps.
 inline int32_t OperatorOutput(const YM2612_SLOT& slot, uint32_t modulation,
                               uint32_t lfoAttenuation) {
     const uint32_t envelope = slot.volOut + (slot.amMask & lfoAttenuation);
@@ -128,8 +128,8 @@ inline int32_t OperatorOutput(const YM2612_SLOT& slot, uint32_t modulation,
     return p < kYm2612Levels ? kYm2612Tables.level[p] : 0;
 }
 
-// The eight ways to connect the operators behind the first one. Each case takes its operators in
-// their true order, so that a modulator is always of the same sample.
+// The eight algorithms, after operator 1. Each case runs its operators in their true order, so a modulator is
+// always of the same sample.
 inline int32_t RunAlgorithm(const YM2612_CHANNEL& channel, uint32_t lfoAttenuation, int32_t one) {
     const auto run = [&](size_t place, int32_t modulator) {
         return OperatorOutput(channel.slots[place],
@@ -178,7 +178,7 @@ void RunChannels(YM2612& ym) {
     }
 }
 
-// A triangle for the level; the pitch has a sine of 32 steps in the same time.
+// The attenuation is a triangle; the pitch goes through the 32 positions of its wave in the same time.
 void AdvanceLfo(YM2612& ym) {
     if (ym.lfoIncrement == 0) {
         return;
@@ -191,7 +191,7 @@ void AdvanceLfo(YM2612& ym) {
 
 // --- envelopes ----------------------------------------------------------------------------------
 
-// Whether it is a rate's turn, and by how much it then steps.
+// Whether a rate steps at this envelope clock, and by which increment.
 inline bool IsStepDue(uint32_t counter, YM2612_RATE rate, int32_t& increment) {
     if ((counter & ((1u << rate.shift) - 1)) != 0) {
         return false;
@@ -200,7 +200,7 @@ inline bool IsStepDue(uint32_t counter, YM2612_RATE rate, int32_t& increment) {
     return true;
 }
 
-// Every step takes a sixteenth of what is left, or more at higher rates.
+// Every step takes a sixteenth of the attenuation that is left, or more at higher rates.
 inline void StepAttack(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
     if (!IsStepDue(counter, slot.attack, increment)) {
@@ -212,7 +212,7 @@ inline void StepAttack(uint32_t counter, YM2612_SLOT& slot) {
     }
 }
 
-// An SSG ramp goes four times as fast, to its end.
+// An SSG ramp goes four times as fast, and stops at its end.
 inline void AddAttenuation(YM2612_SLOT& slot, int32_t increment) {
     if ((slot.ssg & kYm2612SsgOn) == 0) {
         slot.volume += increment;
@@ -262,10 +262,10 @@ inline void StepEnvelope(uint32_t counter, YM2612_SLOT& slot) {
     case Ym2612Envelope::kAttack: StepAttack(counter, slot); break;
     }
     auto volume = static_cast<uint32_t>(slot.volume);
-    // Kept on purpose: a running shape goes by the alternate bit here, whatever its turn.
-    constexpr uint8_t kTurned = kYm2612SsgOn | kYm2612SsgAlternate;
-    if ((slot.ssg & kTurned) == kTurned && slot.state > Ym2612Envelope::kRelease) {
-        volume ^= 1023;
+    // Settled here: a running shape is inverted by the alternate bit alone, whatever its ramp.
+    constexpr uint8_t kInverted = kYm2612SsgOn | kYm2612SsgAlternate;
+    if ((slot.ssg & kInverted) == kInverted && slot.state > Ym2612Envelope::kRelease) {
+        volume ^= static_cast<uint32_t>(kYm2612Silent);
     }
     slot.volOut = slot.tl + volume;
 }

@@ -53,8 +53,7 @@ auto Fields(M68K_STATE& cpu) {
     };
 }
 
-// A piece from elsewhere may hold anything; what selects an entry of a table is brought into its range.
-// Values that the processor makes itself pass unchanged.
+// Brings a loaded record into the ranges that the processor itself keeps to.
 void Sanitize(M68K_STATE& cpu) {
     cpu.ir &= kM68kOpcodes - 1;
     cpu.prefetchData &= 0xFFFF;

@@ -66,9 +66,9 @@ void WriteSecond(MD_VDP& vdp, uint32_t word) {
     }
 }
 
-// Both counters have eight bits, too few for a whole frame or line. They count up to `last`, jump,
-// and count on so that they end at 0xFF. The values are those of C. MacDonald, "Sega Genesis VDP
-// documentation".
+// Both counters have eight bits, too few for a whole frame or line. They count up to `last`,
+// then jump so far that they end at 0xFF; only the tall picture at 60 Hz counts through. The values are those
+// of C. MacDonald, "Sega Genesis VDP documentation".
 struct CounterJump {
     uint32_t last;
     int32_t jump;
@@ -90,7 +90,7 @@ uint32_t VCounter(const MD_VDP& vdp) {
     const CounterJump& row = vdp.tvMode == kMdVdp50Hz ? (tall ? kVCounter50HzTall : kVCounter50Hz)
                                                       : (tall ? kVCounter60HzTall : kVCounter60Hz);
     const uint32_t v = Counter(vdp.vCount, row);
-    // Double interlace counts the rows of a field: the value turns left by one bit.
+    // In double interlace the counter is shifted left, and its top bit shows in bit 0.
     return vdp.interlace2 != 0 ? (v << 1 | v >> 7) & 0xFF : v;
 }
 

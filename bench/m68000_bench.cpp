@@ -15,7 +15,7 @@ constexpr int kStepsARound = 10'000;
 constexpr uint32_t kStart = 0x400;
 constexpr uint32_t kPageWords = 0x8000;
 
-// Copies, adds up, shifts, multiplies, branches and calls, for ever.
+// Copies, adds up, shifts, multiplies, branches and calls, forever.
 constexpr std::array<uint16_t, 30> kProgram{
     0x41F8, 0x2000, // 400 LEA 2000.W,A0
     0x43F8, 0x3000, // 404 LEA 3000.W,A1

@@ -174,7 +174,7 @@ TEST(M68000Bus, AnOddJumpInUserStateHasCodeTwo) {
     EXPECT_EQ(rig.cpu.aerrCode, 2U);
 }
 
-// The stack of the supervisor, which the entry has just taken up.
+// The entry of the exception has just switched to the supervisor's stack, which is odd.
 TEST(M68000Bus, AnOddStackAtAnEntryFromUserStateHasCodeFive) {
     TEST_68000 rig{0x4E40}; // TRAP #0
     rig.A(7) = 0x8001;
@@ -202,7 +202,7 @@ TEST(M68000Bus, AnOddStartAddressFailsAtTheFirstStep) {
     EXPECT_EQ(rig.cpu.aerrCode, 6U);
 }
 
-// Memory as pages hold it.
+// Memory in the form that pages have.
 struct PAGES {
     static constexpr uint32_t kWords = 0x8000;
     std::vector<uint16_t> words = std::vector<uint16_t>(kWords);

@@ -363,7 +363,7 @@ TEST(M68000Interrupt, LineSevenIsAnEdgeThatNoMaskHolds) {
     EXPECT_EQ(rig.cpu.nmiPending, 1U);
 }
 
-// Before the interrupt is taken: the mark is set by the first rise, and a second one leaves just one.
+// Before the interrupt is taken: the first rise sets nmiPending, and a second one adds nothing.
 TEST(M68000Interrupt, LineSevenRaisedTwiceIsTakenOnce) {
     TEST_68000 rig{kNop, kNop};
     rig.SetWord(HandlerOf(31), kNop);
@@ -378,8 +378,8 @@ TEST(M68000Interrupt, LineSevenRaisedTwiceIsTakenOnce) {
     EXPECT_EQ(rig.acknowledged, (std::vector<uint32_t>{7}));
 }
 
-// The mark is gone with the acknowledgement, so that a dropped level 7 isn't asked for again. That the line
-// is still up raises no mask of 7.
+// The acknowledgement clears nmiPending, so a dropped level 7 isn't requested again. The line alone, still up,
+// doesn't pass a mask of 7.
 TEST(M68000Interrupt, ADroppedLevelSevenIsNotAskedAgain) {
     TEST_68000 rig{kNop, kNop};
     rig.answer = 256;
@@ -393,7 +393,7 @@ TEST(M68000Interrupt, ADroppedLevelSevenIsNotAskedAgain) {
     EXPECT_EQ(rig.acknowledged, (std::vector<uint32_t>{7}));
 }
 
-// A mask below 7 lets the line itself through, mark or not.
+// A mask below 7 lets the line itself through, with nmiPending or without.
 TEST(M68000Interrupt, ADroppedLevelSevenIsAskedAgainByItsLineUnderALowerMask) {
     TEST_68000 rig{kNop};
     rig.answer = 256;

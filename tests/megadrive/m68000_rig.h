@@ -23,7 +23,8 @@ constexpr uint32_t HandlerOf(uint32_t vector) {
 struct TEST_68000 {
     static constexpr uint32_t kSize = 0x100000;
 
-    // The words lie at kProgram; everything behind them is 0. Reset has been done, and logs nothing.
+    // The words are at kProgram; everything after them is 0. The constructor resets the processor, and the log
+    // starts after that.
     explicit TEST_68000(std::initializer_list<uint32_t> program)
         : TEST_68000(std::vector<uint32_t>(program)) {}
     explicit TEST_68000(const std::vector<uint32_t>& program) {
@@ -45,7 +46,7 @@ struct TEST_68000 {
     TEST_68000& operator=(const TEST_68000&) = delete;
 
     uint32_t Tick() { return M68kTick(cpu); }
-    // Gives whether the next step ends in an address error.
+    // Returns whether the next tick ends in an address error.
     bool StepFails() {
         try {
             M68kTick(cpu);

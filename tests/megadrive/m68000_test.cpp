@@ -167,7 +167,7 @@ TEST(M68000, TasThroughA7MovesItByTwoAndWritesTheHighByte) {
     }
 }
 
-// The frame is pushed as it was before the push, which the chip does with A7, too.
+// The frame register is pushed with its value from before the push; the chip does so with A7, too.
 TEST(M68000, LinkOfA7PushesItAsItWas) {
     TEST_68000 rig{0x4E57, 0xFFF8}; // LINK A7,#-8
     EXPECT_EQ(rig.Tick(), 16U);

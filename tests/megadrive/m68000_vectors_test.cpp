@@ -97,8 +97,8 @@ CASE_REGISTERS Registers(M68K_STATE& cpu) {
     return actual;
 }
 
-// Bits of the status word that the manual leaves open, where this processor goes by published notes on
-// real chips and the cases by something else.
+// Bits of the status word that the manual leaves open: this processor follows published notes on real chips,
+// and the cases follow something else.
 uint32_t OpenFlags(const PROCESSOR_CASE& test) {
     constexpr uint32_t kN = 8;
     constexpr uint32_t kZ = 4;

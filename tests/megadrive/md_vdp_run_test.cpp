@@ -54,7 +54,7 @@ TEST(MdVdpRun, IsTheSameAsSingleClocks) {
     }
 }
 
-// As many clocks as the chip promises to keep to itself: nothing of the machine has changed behind them.
+// Runs as many clocks as the chip promises to keep to itself: after them nothing of the machine has changed.
 TEST(MdVdpRun, NothingOfTheMachineChangesBeforeTheEventTold) {
     uint32_t promised = 0;
     for (uint32_t seed = 0; seed < 8; ++seed) {

@@ -1,4 +1,4 @@
-// Sprites: sizes and flips, the walk and its ends, masking, collision and overflow.
+// Sprites: sizes and flips, the list scan and its ends, masking, collision and overflow.
 #include "megadrive/md_vdp_private.h"
 #include "megadrive/md_vdp_rig.h"
 

@@ -1,7 +1,7 @@
 // The frame loops of the Mega Drive.
 //
 // The plain loop is the console: an instruction of the 68000, then for each of its cycles a tick of Z80, PSG,
-// FM chip and VDP in this order. The fast loop comes to the same. In it VDP, FM chip and PSG owe their clocks,
+// FM chip and VDP in this order. The fast loop has the same results. In it VDP, FM chip and PSG owe their clocks
 // and catch up when one of their addresses is accessed, or when the VDP comes to an event that drives a line
 // or reads memory.
 #include "megadrive/m68000_tick.h"

@@ -62,7 +62,7 @@ public:
     // "ram", "sram", "vram", "palette" of a console; empty for any other name.
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region, uint32_t console = 0) const;
 
-    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    // Frames by the plain loop, which ticks every chip on every clock; for comparison with the fast one.
     void SetStepByStep(bool plain) { stepByStep = plain; }
 
     [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
@@ -72,7 +72,7 @@ public:
 private:
     void ConnectChips();
     void ReadInput();
-    void RunRounds();
+    void RunConsoles();
     void RunStepByStep();
     void RunCatchingUp();
     void FinishPicture(EMU_VIDEO_FRAME& video) const;

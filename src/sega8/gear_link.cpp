@@ -97,7 +97,7 @@ void GearLinkReset(GEAR_LINK& link) {
     link = fresh;
 }
 
-void GearLinkAfterLoad(GEAR_LINK& link) {
+void GearLinkSanitize(GEAR_LINK& link) {
     link.sendClocks = std::min(link.sendClocks, kSlowestByteClocks);
     link.errorClocks = std::min(link.errorClocks, kSlowestByteClocks);
     // The frame error is told from the partner at every read. A flag without its byte would block the

@@ -47,7 +47,7 @@ struct GEAR_LINK {
 
 void GearLinkReset(GEAR_LINK& link);
 // After a state has been loaded: makes flags and times that contradict each other agree.
-void GearLinkAfterLoad(GEAR_LINK& link);
+void GearLinkSanitize(GEAR_LINK& link);
 
 // Ports 0 to 6; a write to port 6 is stored only.
 [[nodiscard]] uint8_t GearLinkRead(GEAR_LINK& link, uint8_t port);

@@ -24,7 +24,7 @@ constexpr uint8_t kNoiseRateMask = 3;
 constexpr uint8_t kNoiseRateFromTone = 3;
 constexpr uint8_t kNoiseIsWhite = 4;
 
-void StepTones(PSG& psg) {
+void AdvanceTones(PSG& psg) {
     for (size_t i = 0; i < kTones; ++i) {
         if (--psg.counter[i] < 1) {
             psg.output[i] = -psg.output[i];
@@ -44,7 +44,7 @@ void ShiftNoise(PSG& psg) {
     psg.lfsr = psg.lfsr >> 1 | bit << psg.lfsrShift;
 }
 
-void StepNoise(PSG& psg) {
+void AdvanceNoise(PSG& psg) {
     if (--psg.counter[kNoise] < 1) {
         const uint8_t rate = psg.noiseControl & kNoiseRateMask;
         psg.counter[kNoise] = rate == kNoiseRateFromTone ? psg.period[2] : 16 << rate;
@@ -104,7 +104,7 @@ void Fields(PSG& psg, Visit& visit) {
 }
 
 // Brings whatever was loaded into the ranges that the chip itself keeps to.
-void MakeSafe(PSG& psg) {
+void Sanitize(PSG& psg) {
     psg.divider %= kPsgClocksPerPair;
     for (size_t i = 0; i < 4; ++i) {
         psg.attenuation[i] &= kAttenuationMask;
@@ -153,8 +153,8 @@ void PsgReset(PSG& psg) {
 }
 
 void PsgMakePair(PSG& psg) {
-    StepTones(psg);
-    StepNoise(psg);
+    AdvanceTones(psg);
+    AdvanceNoise(psg);
 
     const std::array<int32_t, 4> levels = Levels(psg);
     int32_t left = 0;
@@ -214,7 +214,7 @@ uint32_t PsgLoadState(PSG& psg, const uint8_t* data, uint32_t size) {
     psg.lfsrShift = lfsrShift;
     psg.lfsrTaps = lfsrTaps;
     if (used != 0) {
-        MakeSafe(psg);
+        Sanitize(psg);
     }
     return used;
 }

@@ -44,7 +44,7 @@ public:
     // "ram", "sram" (on the cartridge), "vram", "palette" (colour RAM); empty for any other name.
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region) const;
 
-    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    // Frames by the plain loop, which ticks every chip on every clock; for comparison with the fast one.
     void SetStepByStep(bool plain) { stepByStep = plain; }
 
     // The ports as the Z80 sees them; the low byte counts.
@@ -57,7 +57,7 @@ public:
 
 private:
     void ConnectChips();
-    void RunRound(SMS_BUS& bus);
+    void RunClock(SMS_BUS& bus);
     void RunStepByStep();
     void RunCatchingUp();
     void MixFm(EMU_AUDIO_FRAME& audio);

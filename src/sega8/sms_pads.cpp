@@ -269,7 +269,7 @@ void PadsReset(PAD_PORTS& pads) {
     }
 }
 
-void PadsAfterLoad(PAD_PORTS& pads) {
+void PadsSanitize(PAD_PORTS& pads) {
     pads.lightLine = {-1, -1};
     for (uint32_t port = 0; port < 2; ++port) {
         if (pads.device[port] != PadDevice::kSportsPad) {

@@ -67,7 +67,7 @@ struct PAD_PORTS {
 // Everything as when power comes on.
 void PadsReset(PAD_PORTS& pads);
 // After a state has been loaded: brings what stands for an aim or a turn into its range.
-void PadsAfterLoad(PAD_PORTS& pads);
+void PadsSanitize(PAD_PORTS& pads);
 
 // Takes the players' input for one frame and moves what they move.
 void PadsBeginFrame(PAD_PORTS& pads, const std::array<uint32_t, 2>& input,

@@ -22,9 +22,10 @@ namespace {
 constexpr uint32_t kPsgClock = 3579545; // Hz
 constexpr int kPsgModel = 1;
 constexpr double kPsgGain = 0.7;
-constexpr uint32_t kVdpStepsPerRound = 2; // a round is a Z80 clock
-constexpr uint32_t kPsgStep = 10;         // of kPsgPeriod, a Z80 clock
-constexpr uint32_t kPsgPeriod = 15;
+constexpr uint32_t kVdpTicksPerClock = 2; // of the Z80
+// The PSGs run at 10/15 of the Z80's clock.
+constexpr uint32_t kPsgPhasePerZ80Clock = 10;
+constexpr uint32_t kPsgPhasePerPsgClock = 15;
 constexpr uint32_t kImageLimit = 0x100000;
 constexpr uint32_t kPaletteBytes = 32; // of colour RAM
 
@@ -65,13 +66,13 @@ struct ARCADE_BUS {
 
 namespace {
 
-// The same with chips that may be late: every port is touched by a machine that is up to date.
-struct ARCADE_LATE_BUS {
+// The same for a Z80 that runs ahead: the other chips catch up before every port access.
+struct ARCADE_CATCH_UP_BUS {
     ARCADE_BUS& bus;
     uint32_t& irqLine; // of the Z80
     const uint32_t& irqOut;
-    uint32_t round = 0; // of the stretch between two acts of a VDP
-    uint32_t done = 0;  // the others' rounds of it
+    uint32_t clock = 0; // of the span
+    uint32_t done = 0;  // clocks of the span that the other chips have run
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
@@ -87,10 +88,10 @@ struct ARCADE_LATE_BUS {
         bus.IoWrite(port, value);
         irqLine = irqOut;
     }
-    void At(uint32_t now) { round = now; }
+    void At(uint32_t now) { clock = now; }
     void CatchUp() {
-        bus.machine.CatchUp(round - done);
-        done = round;
+        bus.machine.CatchUp(clock - done);
+        done = clock;
     }
 };
 
@@ -279,8 +280,8 @@ void CSEGAE::ReadInput() {
     panel.inputP2 = ReadButtons(sessionKey, kArcadePlayerActions[1], kPlayerBits);
 }
 
-// The order in which the chips are clocked.
-void CSEGAE::RunRound(ARCADE_BUS& bus) {
+// One Z80 clock of every chip, in the order in which they are clocked.
+void CSEGAE::RunClock(ARCADE_BUS& bus) {
     Z80TickOn(z80, bus);
     VdpTick(vdp1);
     VdpTick(vdp1);
@@ -290,43 +291,41 @@ void CSEGAE::RunRound(ARCADE_BUS& bus) {
     z80.irqLine = irqLine;
 }
 
-// The sound chips run at 10/15 of the Z80's clock.
-void CSEGAE::RunSound(uint32_t rounds) {
-    const uint32_t phase = psgPhase + rounds * kPsgStep;
-    PsgRun(psg1, phase / kPsgPeriod);
-    PsgRun(psg2, phase / kPsgPeriod);
-    psgPhase = phase % kPsgPeriod;
+void CSEGAE::RunSound(uint32_t clocks) {
+    const uint32_t phase = psgPhase + clocks * kPsgPhasePerZ80Clock;
+    PsgRun(psg1, phase / kPsgPhasePerPsgClock);
+    PsgRun(psg2, phase / kPsgPhasePerPsgClock);
+    psgPhase = phase % kPsgPhasePerPsgClock;
 }
 
 void CSEGAE::RunStepByStep() {
     ARCADE_BUS bus{*this};
     while (!vdp2.frameDone) {
-        RunRound(bus);
+        RunClock(bus);
     }
 }
 
-// The first chip has drawn a stretch of a line before the second one lays its own over it, as with
-// single steps.
-void CSEGAE::CatchUp(uint32_t rounds) {
-    VdpRun(vdp1, rounds * kVdpStepsPerRound);
-    VdpRun(vdp2, rounds * kVdpStepsPerRound);
-    RunSound(rounds);
+// The first chip draws its pixels of a span before the second one draws over them, as in single ticks.
+void CSEGAE::CatchUp(uint32_t clocks) {
+    VdpRun(vdp1, clocks * kVdpTicksPerClock);
+    VdpRun(vdp2, clocks * kVdpTicksPerClock);
+    RunSound(clocks);
 }
 
-// The same frame with the chips around the Z80 catching up when a port is touched; the round in which
-// a VDP acts by itself is run in full, and so is the first one, after which every line has its level.
+// The same frame, in which the chips around the Z80 catch up. A clock in which a VDP changes a line of
+// the Z80 runs every chip; so does the first clock, which sets the lines' levels.
 void CSEGAE::RunCatchingUp() {
     ARCADE_BUS bus{*this};
-    ARCADE_LATE_BUS lateBus{bus, z80.irqLine, irqLine};
-    RunRound(bus);
+    ARCADE_CATCH_UP_BUS catchUpBus{bus, z80.irqLine, irqLine};
+    RunClock(bus);
     while (!vdp2.frameDone) {
-        // From reset on both chips stand at the same dot; a state may have them apart.
-        const uint32_t steps = std::min(VdpStepsToEvent(vdp1), VdpStepsToEvent(vdp2));
-        const uint32_t rounds = (steps - 1) / kVdpStepsPerRound;
-        lateBus.done = 0;
-        Z80RunOn(z80, lateBus, rounds);
-        CatchUp(rounds - lateBus.done);
-        RunRound(bus);
+        // A reset starts both chips at the same dot; a state may have them apart.
+        const uint32_t ticks = std::min(VdpTicksToEvent(vdp1), VdpTicksToEvent(vdp2));
+        const uint32_t clocks = (ticks - 1) / kVdpTicksPerClock;
+        catchUpBus.done = 0;
+        Z80RunOn(z80, catchUpBus, clocks);
+        CatchUp(clocks - catchUpBus.done);
+        RunClock(bus);
     }
 }
 
@@ -382,7 +381,7 @@ bool CSEGAE::LoadPieces(const uint8_t* data, uint32_t size) {
 bool CSEGAE::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
     irqLine = irqLine != 0 ? 1 : 0;
-    psgPhase %= kPsgPeriod;
+    psgPhase %= kPsgPhasePerPsgClock;
     panel.dialSelect &= 3;
     // This board has no pause button, whatever the state says.
     vdp1.pausePressed = false;

@@ -92,10 +92,10 @@ public:
     [[nodiscard]] uint8_t PeekOpcode(uint16_t address) const {
         return opcodeWindows[address >> 14][address & 0x3FFF];
     }
-    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    // Frames by the plain loop, which ticks every chip on every clock; for comparison with the fast one.
     void SetStepByStep(bool plain) { stepByStep = plain; }
-    // Runs the chips around the Z80 by so many rounds.
-    void CatchUp(uint32_t rounds);
+    // Runs the Z80 clocks that the other chips owe.
+    void CatchUp(uint32_t clocks);
 
     void WriteMemory(uint16_t address, uint8_t value) {
         writeWindows[address >> 14][address & 0x3FFF] = value;
@@ -112,8 +112,8 @@ private:
     void ConnectChips();
     void RebuildMap();
     void ReadInput();
-    void RunRound(ARCADE_BUS& bus);
-    void RunSound(uint32_t rounds);
+    void RunClock(ARCADE_BUS& bus);
+    void RunSound(uint32_t clocks);
     void RunStepByStep();
     void RunCatchingUp();
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);

@@ -264,7 +264,7 @@ uint8_t VdpVCounter(const VDP& vdp) {
 }
 
 uint8_t VdpLatchH(VDP& vdp) {
-    const uint32_t position = (vdp.dotCounter % kVdpStepsPerLine) / 2;
+    const uint32_t position = (vdp.dotCounter % kVdpTicksPerLine) / 2;
     vdp.hLatch = static_cast<uint8_t>(position > 295 ? (position - 296) / 2 + 233 : position / 2);
     return vdp.hLatch;
 }

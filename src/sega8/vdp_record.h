@@ -5,7 +5,7 @@
 #include <cstdint>
 
 inline constexpr uint32_t kVdpDots = 342;         // a line
-inline constexpr uint32_t kVdpStepsPerLine = 684; // two steps a dot
+inline constexpr uint32_t kVdpTicksPerLine = 684; // two ticks a dot
 inline constexpr uint32_t kVdpFirstPixelDot = 11; // the dot at which pixel 0 goes out
 inline constexpr uint32_t kVdpPictureWidth = 256;
 inline constexpr uint32_t kVdpEventDot = 318; // H counter 0xF4: next line, line counter, frame flag

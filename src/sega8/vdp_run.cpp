@@ -136,20 +136,20 @@ void RunDots(VDP& vdp, uint32_t first, uint32_t end) {
 
 } // namespace
 
-void VdpRun(VDP& vdp, uint32_t steps) {
-    while (steps != 0) {
+void VdpRun(VDP& vdp, uint32_t ticks) {
+    while (ticks != 0) {
         const uint32_t counter = vdp.dotCounter;
         const uint32_t dot = counter >> 1;
         const bool atEvent = dot == 0 || dot == kVdpEventDot;
-        if (atEvent || (counter & 1) != 0 || steps < 2) {
+        if (atEvent || (counter & 1) != 0 || ticks < 2) {
             VdpTick(vdp);
-            --steps;
+            --ticks;
             continue;
         }
         const uint32_t limit = dot < kVdpEventDot ? kVdpEventDot : kVdpDots;
-        const uint32_t end = std::min(limit, dot + steps / 2);
+        const uint32_t end = std::min(limit, dot + ticks / 2);
         RunDots(vdp, dot, end);
-        steps -= 2 * (end - dot);
+        ticks -= 2 * (end - dot);
         vdp.dotCounter = end == kVdpDots ? 0 : 2 * end;
     }
 }

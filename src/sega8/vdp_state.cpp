@@ -99,7 +99,7 @@ uint8_t KindLeft(const VDP& vdp, size_t slot, uint8_t loaded) {
 // The kinds on their way follow from the place in the list, and what runs a list at once counts on
 // that. The first slot follows the line before, whose list may have been another one: all of them end
 // in the sprite search. A chip that was reset comes from nowhere.
-void RestrainKinds(VDP& vdp) {
+void SanitizeKinds(VDP& vdp) {
     const uint32_t dot = vdp.dotCounter / 2; // the next one to be done
     const size_t slot = dot / 2;
     if (slot != 0) {
@@ -111,13 +111,13 @@ void RestrainKinds(VDP& vdp) {
 }
 
 // Brings what counts or selects into its range; the rest is masked where it is used.
-void Restrain(VDP& vdp) {
+void Sanitize(VDP& vdp) {
     vdp.addr &= kVdpVramMask;
     vdp.code &= 3;
     vdp.pendingAccess = std::min<uint8_t>(vdp.pendingAccess, kVdpWrite);
     vdp.pendingCount %= vdp_tick::kAccessDots;
     vdp.activeAccess = std::min<uint8_t>(vdp.activeAccess, kVdpWrite);
-    vdp.dotCounter %= kVdpStepsPerLine;
+    vdp.dotCounter %= kVdpTicksPerLine;
     vdp.line %= vdp.totalLines;
     vdp.status &= kVdpStatusFrame | kVdpStatusOverflow | kVdpStatusCollision;
     if (vdp.outputRow >= kVdpLargestPicture) {
@@ -130,7 +130,7 @@ void Restrain(VDP& vdp) {
     const auto maxSprites = static_cast<uint8_t>(kVdpMaxSprites);
     vdp.foundCount = std::min(vdp.foundCount, maxSprites);
     vdp.spriteCount = std::min(vdp.spriteCount, maxSprites);
-    RestrainKinds(vdp);
+    SanitizeKinds(vdp);
 }
 
 } // namespace
@@ -148,7 +148,7 @@ uint8_t* VdpSaveState(const VDP& vdp, uint8_t* out) {
 uint32_t VdpLoadState(VDP& vdp, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, FieldsOf(vdp));
     if (used != 0) {
-        Restrain(vdp);
+        Sanitize(vdp);
         VdpConvertPalette(vdp);
         VdpDeriveHeight(vdp);
         VdpDeriveLine(vdp);

@@ -167,7 +167,7 @@ inline void VdpTick(VDP& vdp) {
     vdp.dotCounter = counter + 1;
     if ((counter & 1) != 0) {
         vdp_tick::Dot(vdp, counter >> 1);
-        if (counter == kVdpStepsPerLine - 1) {
+        if (counter == kVdpTicksPerLine - 1) {
             vdp.dotCounter = 0;
         }
     }

@@ -302,12 +302,12 @@ void Fields(YM2413& ym, Visit& visit) {
     }
 }
 
-void MakeSafe(YM_RATE& rate) {
+void Sanitize(YM_RATE& rate) {
     rate.shift &= 15;
     rate.select = std::min<uint8_t>(rate.select & 0x78, kYmStepLast);
 }
 
-void MakeSafe(YM_SLOT& slot) {
+void Sanitize(YM_SLOT& slot) {
     constexpr uint32_t kHighestRate = 15 * 4 + 16;
     slot.ar = std::min(slot.ar, kHighestRate);
     slot.dr = std::min(slot.dr, kHighestRate);
@@ -325,7 +325,7 @@ void MakeSafe(YM_SLOT& slot) {
     slot.sl &= 127;
     for (YM_RATE* rate :
          {&slot.attack, &slot.decay, &slot.release, &slot.sustainRelease, &slot.dump}) {
-        MakeSafe(*rate);
+        Sanitize(*rate);
     }
     slot.key &= kYmKeyMelody | kYmKeyRhythm;
     slot.wavetable &= kYmSineLength;
@@ -335,7 +335,7 @@ void MakeSafe(YM_SLOT& slot) {
 }
 
 // Brings whatever was loaded into the ranges that the chip itself keeps to.
-void MakeSafe(YM2413& ym) {
+void Sanitize(YM2413& ym) {
     ym.rhythm &= 63;
     ym.egTimer %= ym.egTimerOverflow;
     ym.lfoAmCnt %= kTremoloWrap;
@@ -347,8 +347,8 @@ void MakeSafe(YM2413& ym) {
         channel.kslBase &= 127;
         channel.kcode &= 15;
         channel.fb &= 15;
-        MakeSafe(channel.slots[kYmModulator]);
-        MakeSafe(channel.slots[kYmCarrier]);
+        Sanitize(channel.slots[kYmModulator]);
+        Sanitize(channel.slots[kYmCarrier]);
     }
 }
 
@@ -437,7 +437,7 @@ uint8_t* YmSaveState(const YM2413& ym, uint8_t* out) {
 uint32_t YmLoadState(YM2413& ym, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, [&](auto& visit) { Fields(ym, visit); });
     if (used != 0) {
-        MakeSafe(ym);
+        Sanitize(ym);
     }
     return used;
 }

@@ -20,7 +20,7 @@ enum class Z80Step : uint8_t {
 
     kPortToLow = 90,
     kPortToHigh = 91,
-    kPortToW = 92,
+    kPortToWzLow = 92,
     kPortToT = 93,
     kLowToPort = 94,
     kHighToPort = 95,
@@ -29,8 +29,8 @@ enum class Z80Step : uint8_t {
     kPortToHighFlags = 98,
     kPortToTFlags = 99,
 
-    kOperandToW = 100, // from PC, which moves on
-    kOperandToZ = 101,
+    kOperandToWzLow = 100, // from PC, which moves on
+    kOperandToWzHigh = 101,
     kOperandToLow = 102,
     kOperandToHigh = 103,
     kOperandToT = 104,
@@ -47,13 +47,13 @@ enum class Z80Step : uint8_t {
     kMemoryToLow = 122,
     kMemoryToHigh = 123,
     kMemoryToT = 124,
-    kMemoryToW = 125,
-    kPushW = 130,
-    kPushZ = 131,
+    kMemoryToWzLow = 125,
+    kPushWzLow = 130,
+    kPushWzHigh = 131,
     kPushLow = 132,
     kPushHigh = 133,
-    kPopW = 134,
-    kPopZ = 135,
+    kPopWzLow = 134,
+    kPopWzHigh = 135,
     kPopLow = 136,
     kPopHigh = 137,
 

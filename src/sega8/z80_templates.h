@@ -31,46 +31,46 @@ inline constexpr Z80Template kAddWords{
     kSample, kIdle, kIdle, kIdle,
     kSampleAgain, kIdle, kIdle, kEnd};
 inline constexpr Z80Template kLoadADirect{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ,
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh,
     kSampleAgain, kIdle, kMemoryToHigh, kEnd};
 inline constexpr Z80Template kStoreADirect{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ,
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh,
     kSampleAgain, kIdle, kHighToMemory, kEnd};
 inline constexpr Z80Template kLoadWordDirect{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ,
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh,
     kSampleAgain, kIdle, kMemoryToLowFirst,
     kSampleAgain, kIdle, kNextToHigh, kEnd};
 inline constexpr Z80Template kStoreWordDirect{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ,
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh,
     kSampleAgain, kIdle, kLowToMemoryFirst,
     kSampleAgain, kIdle, kHighToNext, kEnd};
 inline constexpr Z80Template kJump{
     kSample, kIdle, kMemoryToLowFirst,
     kSampleAgain, kIdle, kNextToHigh, kEnd};
 inline constexpr Z80Template kJumpNotTaken{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ, kEnd};
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh, kEnd};
 inline constexpr Z80Template kRelative{
-    kSample, kIdle, kOperandToW,
+    kSample, kIdle, kOperandToWzLow,
     kSampleAgain, kIdle, kIdle, kIdle, kIdle, kJumpRelative};
-inline constexpr Z80Template kRelativeNotTaken{kSample, kIdle, kOperandToW, kEnd};
+inline constexpr Z80Template kRelativeNotTaken{kSample, kIdle, kOperandToWzLow, kEnd};
 inline constexpr Z80Template kLoop{
-    kIdle, kSample, kIdle, kOperandToW,
+    kIdle, kSample, kIdle, kOperandToWzLow,
     kSampleAgain, kIdle, kIdle, kIdle, kIdle, kJumpRelative};
 inline constexpr Z80Template kLoopNotTaken{
-    kIdle, kSample, kIdle, kOperandToW, kEnd};
+    kIdle, kSample, kIdle, kOperandToWzLow, kEnd};
 inline constexpr Z80Template kCall{
     kSample, kIdle, kPushHigh,
     kSampleAgain, kIdle, kPushLow, kIdle,
     kSampleAgain, kIdle, kMemoryToLowFirst,
     kSampleAgain, kIdle, kNextToHigh, kEnd};
 inline constexpr Z80Template kCallNotTaken{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToW, kEnd};
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzLow, kEnd};
 inline constexpr Z80Template kPop{
     kSample, kIdle, kPopLow,
     kSampleAgain, kIdle, kPopHigh, kEnd};
@@ -78,18 +78,18 @@ inline constexpr Z80Template kReturnTaken{
     kIdle, kSample, kIdle, kPopLow,
     kSampleAgain, kIdle, kPopHigh, kEnd};
 inline constexpr Z80Template kPush{
-    kIdle, kSample, kIdle, kPushZ,
-    kSampleAgain, kIdle, kPushW, kEnd};
+    kIdle, kSample, kIdle, kPushWzHigh,
+    kSampleAgain, kIdle, kPushWzLow, kEnd};
 inline constexpr Z80Template kExchangeStack{
     kSample, kIdle, kMemoryToLowFirst,
     kSampleAgain, kIdle, kIdle, kTToMemoryFirst,
     kSampleAgain, kIdle, kNextToHigh,
     kSampleAgain, kIdle, kIdle, kIdle, kTempHighToNext, kEnd};
 inline constexpr Z80Template kInput{
-    kSample, kIdle, kOperandToW,
+    kSample, kIdle, kOperandToWzLow,
     kSampleAgain, kIdle, kIdle, kPortToHigh, kEnd};
 inline constexpr Z80Template kOutput{
-    kSample, kIdle, kOperandToW,
+    kSample, kIdle, kOperandToWzLow,
     kSampleAgain, kIdle, kIdle, kHighToPort, kEnd};
 inline constexpr Z80Template kIndexedBits{
     kSample, kIdle, kOperandToT, kIdle, kIdle,
@@ -99,8 +99,8 @@ inline constexpr Z80Template kIndexedStoreOperand{
     kSampleAgain, kIdle, kOperandToT, kIdle, kIdle,
     kSampleAgain, kIdle, kTToMemory, kEnd};
 inline constexpr Z80Template kNmiTemplate{
-    kIdle, kIdle, kIdle, kIdle, kIdle, kSample, kIdle, kPushZ,
-    kSampleAgain, kIdle, kPushW, kEnd};
+    kIdle, kIdle, kIdle, kIdle, kIdle, kSample, kIdle, kPushWzHigh,
+    kSampleAgain, kIdle, kPushWzLow, kEnd};
 inline constexpr Z80Template kMode2Template{
     kIdle, kIdle, kIdle, kIdle, kSample, kIdle, kPushHigh,
     kSampleAgain, kIdle, kPushLow, kIdle,
@@ -110,11 +110,11 @@ inline constexpr Z80Template kFakeOpcode{kIdle, kIdle, kIdle, kDecode};
 // clang-format on
 
 constexpr Z80Template AluOperand(Z80Step step) {
-    return {kSample, kIdle, kOperandToW, step};
+    return {kSample, kIdle, kOperandToWzLow, step};
 }
 
 constexpr Z80Template AluMemory(Z80Step step) {
-    return {kSample, kIdle, kMemoryToW, step};
+    return {kSample, kIdle, kMemoryToWzLow, step};
 }
 
 constexpr Z80Template ChangeMemory(Z80Step step) {

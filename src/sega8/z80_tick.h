@@ -124,7 +124,7 @@ inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
     switch (step) {
     case kPortToLow: SetLowByte(word, bus.IoRead(address)); break;
     case kPortToHigh: SetHighByte(word, bus.IoRead(address)); break;
-    case kPortToW: SetLowByte(z80.wz, bus.IoRead(address)); break;
+    case kPortToWzLow: SetLowByte(z80.wz, bus.IoRead(address)); break;
     case kPortToT: SetLowByte(z80.temp, bus.IoRead(address)); break;
     case kLowToPort: bus.IoWrite(address, LowByte(word)); break;
     case kHighToPort: bus.IoWrite(address, HighByte(word)); break;
@@ -141,8 +141,8 @@ inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
         SetLowByte(z80.temp, bus.IoRead(address));
         SetInputFlags(z80, LowByte(z80.temp));
         break;
-    case kOperandToW: SetLowByte(z80.wz, ReadOperand(z80, bus)); break;
-    case kOperandToZ: SetHighByte(z80.wz, ReadOperand(z80, bus)); break;
+    case kOperandToWzLow: SetLowByte(z80.wz, ReadOperand(z80, bus)); break;
+    case kOperandToWzHigh: SetHighByte(z80.wz, ReadOperand(z80, bus)); break;
     case kOperandToLow: SetLowByte(word, ReadOperand(z80, bus)); break;
     case kOperandToHigh: SetHighByte(word, ReadOperand(z80, bus)); break;
     case kOperandToT: SetLowByte(z80.temp, ReadOperand(z80, bus)); break;
@@ -159,13 +159,13 @@ inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
     case kNextToHigh: SetHighByte(word, bus.Read(next)); break;
     case kMemoryToHigh: SetHighByte(word, bus.Read(address)); break;
     case kMemoryToT: SetLowByte(z80.temp, bus.Read(address)); break;
-    case kMemoryToW: SetLowByte(z80.wz, bus.Read(address)); break;
-    case kPushW: Push(z80, bus, LowByte(z80.wz)); break;
-    case kPushZ: Push(z80, bus, HighByte(z80.wz)); break;
+    case kMemoryToWzLow: SetLowByte(z80.wz, bus.Read(address)); break;
+    case kPushWzLow: Push(z80, bus, LowByte(z80.wz)); break;
+    case kPushWzHigh: Push(z80, bus, HighByte(z80.wz)); break;
     case kPushLow: Push(z80, bus, LowByte(word)); break;
     case kPushHigh: Push(z80, bus, HighByte(word)); break;
-    case kPopW: SetLowByte(z80.wz, Pop(z80, bus)); break;
-    case kPopZ: SetHighByte(z80.wz, Pop(z80, bus)); break;
+    case kPopWzLow: SetLowByte(z80.wz, Pop(z80, bus)); break;
+    case kPopWzHigh: SetHighByte(z80.wz, Pop(z80, bus)); break;
     case kPopLow: SetLowByte(word, Pop(z80, bus)); break;
     case kPopHigh: SetHighByte(word, Pop(z80, bus)); break;
     case kIndexedOpcode: z80.opcode = ReadOperand(z80, bus); break;

@@ -91,13 +91,13 @@ public:
         }
     }
 
-    void Steps(uint32_t steps) {
-        for (; steps != 0; --steps) {
+    void Ticks(uint32_t ticks) {
+        for (; ticks != 0; --ticks) {
             VdpTick(vdp);
         }
     }
 
-    // Runs up to the moment before the work of `dot` on `line`, at least one step.
+    // Runs up to the moment before the work of `dot` on `line`, at least one tick.
     void RunTo(uint32_t line, uint32_t dot) {
         do {
             VdpTick(vdp);

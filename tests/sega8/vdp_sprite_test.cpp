@@ -220,7 +220,7 @@ TEST(VdpSprites, CollisionIsRaisedAtTheDotWhereTwoMeet) {
     rig.RunTo(51, 11 + 104);
     (void)VdpStatusRead(rig.vdp);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
-    rig.Steps(2);
+    rig.Ticks(2);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x3F);
 }
 

@@ -60,10 +60,10 @@ void CompareThreeFrames(uint32_t variant, bool pal, uint32_t reg0, uint32_t reg1
         VdpRig first(variant, pal);
         StartChip(first, reg0, reg1);
         first.Finish();
-        first.Steps(moment);
+        first.Ticks(moment);
         first.Address(1, 0x0200);
         VdpDataWrite(first.vdp, 0xA5);
-        first.Steps(moment % 7);
+        first.Ticks(moment % 7);
         VdpRig second(variant, pal);
         const std::vector<uint8_t> state = Save(first.vdp);
         ASSERT_EQ(VdpLoadState(second.vdp, state.data(), VdpStateSize()), VdpStateSize());
@@ -141,10 +141,10 @@ TEST(VdpState, ArbitraryBytesStayInBounds) {
         }
         ASSERT_NE(VdpLoadState(rig.vdp, state.data(), VdpStateSize()), 0U);
         VdpBeginFrame(rig.vdp, rig.pixels.data(), kRigWidth);
-        uint32_t steps = 0;
+        uint32_t ticks = 0;
         while (!rig.vdp.frameDone) {
             VdpTick(rig.vdp);
-            ASSERT_LE(++steps, 314U * 684);
+            ASSERT_LE(++ticks, 314U * 684);
         }
         VdpBeginFrame(rig.vdp, rig.pixels.data(), kRigWidth);
         (void)VdpDataRead(rig.vdp);
@@ -176,7 +176,7 @@ TEST(VdpState, KindsOnTheirWayAreThoseOfTheList) {
         StartChip(rig, row.reg0, row.reg1);
         rig.Frame();
         rig.RunTo(row.line, 0);
-        for (uint32_t dot = 0; dot < kVdpDots; ++dot, rig.Steps(2)) {
+        for (uint32_t dot = 0; dot < kVdpDots; ++dot, rig.Ticks(2)) {
             const std::vector<uint8_t> state = Save(rig.vdp);
             for (const uint8_t kind : {uint8_t{0}, uint8_t{16}, uint8_t{17}, uint8_t{255}}) {
                 std::vector<uint8_t> other = state;
@@ -197,7 +197,7 @@ TEST(VdpState, KindsOnTheirWayAreThoseOfTheList) {
 TEST(VdpState, ArbitraryBytesRunAlikeInOneGoAndStepByStep) {
     const size_t dotCounter = OffsetOf([](VDP& vdp) { vdp.dotCounter ^= 1; });
     std::mt19937 random(2);
-    for (uint32_t counter = 0; counter < kVdpStepsPerLine; ++counter) {
+    for (uint32_t counter = 0; counter < kVdpTicksPerLine; ++counter) {
         VdpRig plain(counter % 3, (counter & 4) != 0);
         VdpRig fast(counter % 3, (counter & 4) != 0);
         plain.vdp.secondChip = fast.vdp.secondChip = counter % 5 == 0;
@@ -212,10 +212,10 @@ TEST(VdpState, ArbitraryBytesRunAlikeInOneGoAndStepByStep) {
         ASSERT_NE(VdpLoadState(fast.vdp, state.data(), VdpStateSize()), 0U);
         const std::vector<uint8_t> loaded = Save(plain.vdp);
         ASSERT_EQ(LoadLittleEndian<uint32_t>(&loaded[dotCounter]), counter);
-        for (const uint32_t steps : {700U, 3U, 1501U}) {
-            plain.Steps(steps);
-            VdpRun(fast.vdp, steps);
-            ASSERT_EQ(Save(plain.vdp), Save(fast.vdp)) << counter << " " << steps;
+        for (const uint32_t ticks : {700U, 3U, 1501U}) {
+            plain.Ticks(ticks);
+            VdpRun(fast.vdp, ticks);
+            ASSERT_EQ(Save(plain.vdp), Save(fast.vdp)) << counter << " " << ticks;
             ASSERT_EQ(plain.irq, fast.irq);
         }
         ASSERT_EQ(plain.vram, fast.vram) << counter;

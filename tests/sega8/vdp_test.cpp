@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr uint32_t kLineSteps = 684;
+constexpr uint32_t kLineTicks = 684;
 
 uint32_t CountSlots(VdpSlotListNumber list, uint8_t kind) {
     uint32_t count = 0;
@@ -42,12 +42,12 @@ void SetHeight(VdpRig& rig, uint32_t height, uint32_t more = 0) {
 }
 
 // Steps to the next frame flag and gives how many it took; 0 if there is none in a whole frame.
-uint32_t StepsToFrameFlag(VdpRig& rig) {
+uint32_t TicksToFrameFlag(VdpRig& rig) {
     (void)VdpStatusRead(rig.vdp);
-    for (uint32_t steps = 1; steps <= 313 * kLineSteps; ++steps) {
+    for (uint32_t ticks = 1; ticks <= 313 * kLineTicks; ++ticks) {
         VdpTick(rig.vdp);
         if (rig.vdp.frameInterrupt) {
-            return steps;
+            return ticks;
         }
     }
     return 0;
@@ -189,14 +189,14 @@ TEST(VdpPorts, WritesAndReadsGoThroughFreeSlots) {
     for (const uint8_t value : {uint8_t{0xAB}, uint8_t{0xCD}}) {
         VdpDataWrite(rig.vdp, value);
         EXPECT_NE(rig.vram[value == 0xAB ? 0x123 : 0x124], value);
-        rig.Steps(120);
+        rig.Ticks(120);
     }
     EXPECT_EQ(rig.vram[0x123], 0xAB);
     EXPECT_EQ(rig.vram[0x124], 0xCD);
     rig.Address(0, 0x0123);
-    rig.Steps(120);
+    rig.Ticks(120);
     EXPECT_EQ(VdpDataRead(rig.vdp), 0xAB);
-    rig.Steps(120);
+    rig.Ticks(120);
     EXPECT_EQ(VdpDataRead(rig.vdp), 0xCD);
 }
 
@@ -297,7 +297,7 @@ TEST(VdpCounters, HCounterRunsTo93AndGoesOnAtE9) {
     for (uint32_t dot = 0; dot < 342; ++dot) {
         EXPECT_EQ(VdpLatchH(rig.vdp), expected[dot / 2]) << dot;
         EXPECT_EQ(rig.vdp.hLatch, expected[dot / 2]);
-        rig.Steps(2);
+        rig.Ticks(2);
     }
 }
 
@@ -326,7 +326,7 @@ TEST(VdpInterrupts, FrameFlagComesWithLineHeightPlusOneAtDot318) {
             }
             EXPECT_EQ(rig.vdp.line, height + 1);
             EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
-            rig.Steps(200); // an interrupt handler's time
+            rig.Ticks(200); // an interrupt handler's time
             EXPECT_EQ(VdpVCounter(rig.vdp), height + 1);
         }
     }
@@ -338,8 +338,8 @@ TEST(VdpInterrupts, FrameFlagComesOnceInTheLinesOfAFrame) {
             VdpRig rig(kVdpSecond, pal);
             rig.StartMode4();
             SetHeight(rig, height);
-            StepsToFrameFlag(rig);
-            EXPECT_EQ(StepsToFrameFlag(rig), (pal ? 313U : 262U) * kLineSteps) << height;
+            TicksToFrameFlag(rig);
+            EXPECT_EQ(TicksToFrameFlag(rig), (pal ? 313U : 262U) * kLineTicks) << height;
         }
     }
 }
@@ -413,7 +413,7 @@ TEST(VdpInterrupts, OneStatusReadClearsBothRequests) {
     rig.Reg(1, 0x40);
     rig.Reg(1, 0x60);
     EXPECT_EQ(rig.irq, 0U);
-    rig.Steps(kLineSteps * 60);
+    rig.Ticks(kLineTicks * 60);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
     EXPECT_EQ(rig.irq, 0U);
 }
@@ -440,7 +440,7 @@ TEST(VdpInterrupts, StatusReadInTheDotOfTheFlagFindsAndClearsIt) {
     }
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x9F);
     EXPECT_FALSE(rig.vdp.frameInterrupt);
-    rig.Steps(kLineSteps * 3);
+    rig.Ticks(kLineTicks * 3);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
 }
 
@@ -477,8 +477,8 @@ TEST(VdpInterrupts, LineCounterAsksAsTheVCounterBecomesItsLines) {
                 rig.Reg(10, value);
                 (void)VdpStatusRead(rig.vdp);
                 std::vector<uint32_t> lines;
-                for (uint32_t step = 0; step < rig.vdp.totalLines * kLineSteps; ++step) {
-                    rig.Steps(1);
+                for (uint32_t step = 0; step < rig.vdp.totalLines * kLineTicks; ++step) {
+                    rig.Ticks(1);
                     if (rig.irq != 0) {
                         EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
                         EXPECT_FALSE(rig.vdp.frameInterrupt);
@@ -504,9 +504,9 @@ TEST(VdpInterrupts, LineHandlerReadsTheLineThatItAskedFor) {
     rig.Frame();
     (void)VdpStatusRead(rig.vdp);
     while (rig.irq == 0) {
-        rig.Steps(1);
+        rig.Ticks(1);
     }
-    rig.Steps(200); // what a handler does before it looks
+    rig.Ticks(200); // what a handler does before it looks
     EXPECT_EQ(VdpVCounter(rig.vdp), 5U);
 }
 
@@ -533,15 +533,15 @@ TEST(VdpInterrupts, RegisterTenActsAtTheNextReload) {
 TEST(VdpInterrupts, PauseRaisesNmiOnItsRisingEdge) {
     VdpRig rig;
     rig.vdp.pausePressed = true;
-    rig.Steps(kLineSteps);
+    rig.Ticks(kLineTicks);
     EXPECT_EQ(rig.nmi, 1U);
     rig.nmi = 0;
     rig.Frame();
     EXPECT_EQ(rig.nmi, 0U); // held
     rig.vdp.pausePressed = false;
-    rig.Steps(kLineSteps);
+    rig.Ticks(kLineTicks);
     rig.vdp.pausePressed = true;
-    rig.Steps(kLineSteps);
+    rig.Ticks(kLineTicks);
     EXPECT_EQ(rig.nmi, 1U);
 }
 
@@ -640,12 +640,12 @@ TEST(VdpFrame, HasItsLinesAndIsDoneOnce) {
     for (const bool pal : {false, true}) {
         VdpRig rig(kVdpSecond, pal);
         rig.Finish();
-        uint32_t steps = 0;
+        uint32_t ticks = 0;
         while (!rig.vdp.frameDone) {
             VdpTick(rig.vdp);
-            ++steps;
+            ++ticks;
         }
-        EXPECT_EQ(steps, kLineSteps * (pal ? 313U : 262U));
+        EXPECT_EQ(ticks, kLineTicks * (pal ? 313U : 262U));
     }
 }
 
@@ -669,7 +669,7 @@ TEST(VdpFrame, WithoutAPictureNothingIsDrawn) {
     VdpRig rig;
     rig.StartMode4();
     VdpBeginFrame(rig.vdp, nullptr, 0);
-    rig.Steps(kLineSteps * 262);
+    rig.Ticks(kLineTicks * 262);
     for (const uint32_t pixel : rig.pixels) {
         ASSERT_EQ(pixel, kUntouched);
     }

@@ -90,17 +90,17 @@ auto FieldsOf(VDP& vdp) {
     };
 }
 
-// What a slot of the list leaves behind as its kind; a free one leaves none where no access was due.
+// The kind that a slot of the list leaves in the pipeline. A free slot without an access leaves kSlotNone.
 uint8_t KindLeft(const VDP& vdp, size_t slot, uint8_t loaded) {
     const uint8_t kind = kVdpSlotLists[vdp.slotList][2 * slot];
     return kind == kSlotFree && loaded != kSlotFree ? uint8_t{kSlotNone} : kind;
 }
 
-// The kinds on their way follow from the place in the list, and what runs a list at once counts on
-// that. The first slot follows the line before, whose list may have been another one: all of them end
-// in the sprite search. A chip that was reset comes from nowhere.
+// The kinds in the pipeline follow from the place in the slot list; VdpRun relies on that. Slot 0 takes the
+// data of the line before, whose list is not known here; every list ends in the sprite search. After a
+// reset there is no line before.
 void SanitizeKinds(VDP& vdp) {
-    const uint32_t dot = vdp.dotCounter / 2; // the next one to be done
+    const uint32_t dot = vdp.dotCounter / 2; // the next to run
     const size_t slot = dot / 2;
     if (slot != 0) {
         vdp.lastKind = KindLeft(vdp, slot - 1, vdp.lastKind);
@@ -110,7 +110,7 @@ void SanitizeKinds(VDP& vdp) {
     vdp.nextKind = dot % 2 != 0 ? KindLeft(vdp, slot, vdp.nextKind) : vdp.lastKind;
 }
 
-// Brings what counts or selects into its range; the rest is masked where it is used.
+// Brings counters and selectors into their ranges; all other fields are masked where they are used.
 void Sanitize(VDP& vdp) {
     vdp.addr &= kVdpVramMask;
     vdp.code &= 3;
@@ -141,7 +141,7 @@ uint32_t VdpStateSize() {
 }
 
 uint8_t* VdpSaveState(const VDP& vdp, uint8_t* out) {
-    // The visitor that writes shares its type of field with the one that reads; it changes nothing.
+    // The fields are listed once, for reading and writing; a visitor that saves changes none.
     return StatePieceWrite(out, FieldsOf(const_cast<VDP&>(vdp)));
 }
 

@@ -1,7 +1,8 @@
-// The Z80's templates: the remaining clocks of an instruction behind its third, one step a clock.
+// The Z80's templates: the clocks of an instruction after its third, one step a clock.
 //
-// An access stands on the last of its three clocks, a sampling point on its first. The number of steps
-// and three is the instruction's clock count; a prefix is four clocks before.
+// An access is made on the last of its three clocks; the bus is sampled on the first. An instruction has
+// three clocks more than its template has steps, and four more for each prefix. Clock counts are those of
+// the Zilog Z80 CPU User Manual but for the interrupts (docs/HARDWARE.md).
 #pragma once
 
 #include "sega8/z80_private.h"
@@ -10,7 +11,7 @@ namespace z80_templates {
 
 using enum Z80Step;
 
-// A line for each access.
+// One line for each access.
 // clang-format off
 inline constexpr Z80Template kFour{kSampleAndEnd};
 inline constexpr Z80Template kSix{kIdle, kIdle, kSampleAndEnd};
@@ -121,8 +122,8 @@ constexpr Z80Template ChangeMemory(Z80Step step) {
     return {kSample, kIdle, kMemoryToT, step, kSampleAgain, kIdle, kTToMemory, kEnd};
 }
 
-// Puts the displacement of an indexed form before the template of the plain one. The first two clocks
-// of the plain one, a sampling point and an idle clock, stay in their place before its access.
+// The indexed form of a template on (HL): first the read of the displacement, then the plain form. The plain
+// form's first two clocks, a sampling point and an idle clock, stay right before its access.
 constexpr Z80Template WithDisplacement(const Z80Template& plain) {
     constexpr size_t kAhead = 8;
     Z80TemplateSteps indexed{kSample, kIdle, kDisplacement, kSampleAgain, kIdle,
@@ -133,7 +134,7 @@ constexpr Z80Template WithDisplacement(const Z80Template& plain) {
     return Z80Template(indexed);
 }
 
-// Behind an ED prefix.
+// After an ED prefix.
 inline constexpr Z80Template kNine{kIdle, kSampleAndEnd};
 inline constexpr Z80Template kInputHigh{kSample, kIdle, kPortToHighFlags, kIdle, kEnd};
 inline constexpr Z80Template kInputLow{kSample, kIdle, kPortToLowFlags, kIdle, kEnd};
@@ -161,7 +162,7 @@ constexpr Z80Template OutputBlock(Z80Step step, Z80Step last) {
     return {kIdle, kSample, kIdle, kMemoryToT, kSampleAgain, kIdle, step, kTToPort, last};
 }
 
-// Behind a CB prefix, on (HL); and behind the last byte of DD CB and FD CB.
+// After a CB prefix, on (HL); after the last byte of DD CB and FD CB.
 inline constexpr Z80Template kTestMemory{kSample, kIdle, kMemoryToT, kBit, kEnd};
 inline constexpr Z80Template kTestIndexed{kIdle, kMemoryToT, kBitIndexed, kEnd};
 

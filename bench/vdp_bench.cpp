@@ -1,4 +1,5 @@
-// Cost of a tick and of a frame of the 8-bit VDP. A tick is half a dot; a 262-line frame has 179,208.
+// Cost of a tick and of a frame of the 8-bit VDP. A tick is half a dot; a 262-line frame has
+// 179,208.
 #include "sega8/vdp.h"
 #include "sega8/vdp_run.h"
 

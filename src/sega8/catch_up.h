@@ -1,5 +1,5 @@
-// Catch-up of the chips around a Z80, for a machine's frame loop: VDP, PSG and FM chip owe clocks while
-// the Z80 runs ahead, and run them when something could tell the difference.
+// Catch-up of the chips around a Z80, for a machine's frame loop: VDP, PSG and FM chip owe clocks
+// while the Z80 runs ahead, and run them when something could tell the difference.
 //
 // A chip changes the Z80's lines only at known clocks (VdpTicksToEvent), and the Z80 sees it only
 // through ports. A span is what lies between two such clocks. Within a span the Z80 runs alone; the

@@ -30,9 +30,8 @@ constexpr uint32_t kWindowColumn = 48; // of the whole picture
 constexpr uint32_t kWindowRow = 24;    // below the border
 constexpr float kWindowAspect = 4.0f / 3.0f;
 constexpr uint32_t kBlack = 0xFF000000;
-constexpr uint8_t kThLevels = 0xA0; // of the odd ports up to 0x3F; a rise latches the H counter
 
-// In the order of the actions: the bits of port 0xDC, and the start button, which is on port 0.
+// In the order of the actions: the bits of port 0xDC, and the start button, which port 0x00 reads.
 constexpr uint32_t kStart = 0x80;
 constexpr uint32_t kButtonBits[] = {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, kStart};
 
@@ -122,8 +121,8 @@ void RunInTurns(std::span<GEAR_CONSOLE> consoles, std::span<GEAR_CATCH_UP_BUS> b
     }
 }
 
-// True if no byte and no frame error is due within `clocks` clocks. A transfer that starts in that time
-// takes longer than a line.
+// True if no byte and no frame error is due within `clocks` clocks. A transfer that starts in that
+// time takes longer than a line.
 bool LinkIsQuiet(const GEAR_LINK& link, uint32_t clocks) {
     return (link.sendClocks == 0 || link.sendClocks > clocks) &&
            (link.errorClocks == 0 || link.errorClocks > clocks);
@@ -194,7 +193,7 @@ void Sanitize(GEAR_CONSOLE& console) {
     SegaMemoryRebuild(console.memory);
 }
 
-// The rows from `row` on of one console's part of the picture.
+// Fills the rows from `row` on of one console's part of the picture.
 void FillBlack(EMU_VIDEO_FRAME& video, uint32_t column, uint32_t row, uint32_t rowLength) {
     for (; row < video.height; ++row) {
         std::fill_n(video.pixels + size_t{row} * rowLength + column, kVdpPictureWidth, kBlack);
@@ -202,47 +201,6 @@ void FillBlack(EMU_VIDEO_FRAME& video, uint32_t column, uint32_t row, uint32_t r
 }
 
 } // namespace
-
-uint8_t GearReadPort(GEAR_CONSOLE& console, uint16_t port) {
-    const auto low = static_cast<uint8_t>(port);
-    if (low <= 6) {
-        return GearLinkRead(console.link, low);
-    }
-    switch (low & 0xC1) {
-    case 0x40: return VdpVCounter(console.vdp);
-    case 0x41: return console.vdp.hLatch;
-    case 0x80: return VdpDataRead(console.vdp);
-    case 0x81: return VdpStatusRead(console.vdp);
-    default: break;
-    }
-    // The second pad port has nothing on it, so 0xC1 and 0xDD read as the empty addresses do.
-    return low == 0xC0 || low == 0xDC ? console.buttons : 0xFF;
-}
-
-void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value) {
-    const auto low = static_cast<uint8_t>(port);
-    if (low <= 6) {
-        GearLinkWrite(console.link, low, value);
-        if (low == 6) {
-            PsgStereoWrite(console.psg, value);
-        }
-        return;
-    }
-    switch (low & 0xC1) {
-    case 0x00: SegaMemoryWriteControl(console.memory, value); break;
-    case 0x01:
-        if ((value & ~console.ioControl & kThLevels) != 0) {
-            VdpLatchH(console.vdp);
-        }
-        console.ioControl = value;
-        break;
-    case 0x40:
-    case 0x41: PsgWrite(console.psg, value); break;
-    case 0x80: VdpDataWrite(console.vdp, value); break;
-    case 0x81: VdpControlWrite(console.vdp, value); break;
-    default: break;
-    }
-}
 
 CGAMEGEAR::CGAMEGEAR(uint32_t sessionKeyValue)
     : CEmuSystem(sessionKeyValue, 512, 256) {}
@@ -334,8 +292,9 @@ void CGAMEGEAR::RunConsoles() {
     }
 }
 
-// Every chip on every clock; two consoles take turns, a Z80 clock each. A reset starts both at the same
-// dot, so their frames end together. A state may have them apart; then the first console's frame counts.
+// Every chip on every clock; two consoles take turns, a Z80 clock each. A reset starts both at the
+// same dot, so their frames end together. A state may have them apart; then the first console's
+// frame counts.
 void CGAMEGEAR::RunStepByStep() {
     while (!consoles[0].vdp.frameDone) {
         for (uint32_t i = 0; i < consoleCount; ++i) {
@@ -344,8 +303,8 @@ void CGAMEGEAR::RunStepByStep() {
     }
 }
 
-// The same frame, in which VDP and PSG catch up. A clock in which a VDP changes a line of its Z80 runs
-// every chip; so does the first clock, which sets the lines' levels.
+// The same frame, in which VDP and PSG catch up. A clock in which a VDP changes a line of its Z80
+// runs every chip; so does the first clock, which sets the lines' levels.
 void CGAMEGEAR::RunCatchingUp() {
     CATCH_UP_CHIPS chips[2] = {
         {consoles[0].vdp, consoles[0].psg},
@@ -404,8 +363,8 @@ void CGAMEGEAR::FinishPicture(EMU_VIDEO_FRAME& video) const {
     }
 }
 
-// Moves the windows to the start of the buffer, row by row. A row's new place is always before the rows
-// that are still to be moved.
+// Moves the windows to the start of the buffer, row by row. A row's new place is always before the
+// rows that are still to be moved.
 void CGAMEGEAR::CutWindow(EMU_VIDEO_FRAME& video) const {
     uint32_t* out = video.pixels;
     for (uint32_t row = 0; row < kWindowHeight; ++row) {
@@ -467,12 +426,12 @@ bool CGAMEGEAR::LoadPieces(const uint8_t* data, uint32_t size) {
     return loaded;
 }
 
-// Derived values are computed after a refusal too: the pieces before the refused one are loaded by then.
+// Derived values are computed after a refusal too: the pieces before the refused one are loaded.
 bool CGAMEGEAR::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
     for (GEAR_CONSOLE& console : consoles) {
         Sanitize(console);
-        console.vdp.pausePressed = false; // there is no pause button here
+        console.vdp.pausePressed = false; // this console has no pause button
     }
     return loaded;
 }

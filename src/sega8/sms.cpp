@@ -24,7 +24,7 @@ constexpr uint32_t kVdpTicksPerClock = 3; // of the Z80
 // Two of the three VDP ticks come before the Z80 acts in its clock.
 constexpr uint32_t kVdpTicksBeforeZ80 = 2;
 constexpr uint32_t kStackStart = 0xDFF0;
-constexpr uint8_t kKindBios = 3; // of a machine record
+constexpr uint8_t kKindBios = 3; // `kind` of a machine record
 constexpr int kPsgModel = 1;
 constexpr double kFmGain = 0.7;
 constexpr double kPsgGain = 0.7;
@@ -168,7 +168,7 @@ void CSMS::Reset() {
     z80.regs[kZ80Sp] = kStackStart;
     VdpReset(vdp);
     PsgReset(psg);
-    // The chip's own reset leaves its oscillators and the rhythm section as they were.
+    // YmReset alone leaves the oscillators and the rhythm register as they were.
     YmInit(fm, ModelOf(chosen.console).clock);
     YmReset(fm);
     psgSound.Reset();
@@ -226,8 +226,8 @@ void CSMS::RunStepByStep() {
     }
 }
 
-// The same frame, in which the chips around the Z80 catch up. A clock in which the VDP changes a line of
-// the Z80 runs every chip; so does the first clock, which sets the lines' levels.
+// The same frame, in which the chips around the Z80 catch up. A clock in which the VDP changes a
+// line of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
 void CSMS::RunCatchingUp() {
     SMS_BUS bus{*this, memory};
     CATCH_UP_CHIPS chips{vdp, psg, chosen.fmChip != 0 ? &fm : nullptr};
@@ -244,8 +244,8 @@ void CSMS::RunCatchingUp() {
     }
 }
 
-// Each chip has a resampler of its own, so one may be a sample short of the other. It then runs until it
-// has as many, and the pairs that are left over stay for the next frame.
+// Each chip has a resampler of its own, so one may be a sample short of the other. It then runs
+// until it has as many, and the pairs that are left over stay for the next frame.
 void CSMS::MixFm(EMU_AUDIO_FRAME& audio) {
     psgSound.Flush();
     fmSound.Flush();
@@ -311,7 +311,7 @@ bool CSMS::LoadPieces(const uint8_t* data, uint32_t size) {
     return loaded;
 }
 
-// Derived values are computed after a refusal too: the pieces before the refused one are loaded by then.
+// Derived values are computed after a refusal too: the pieces before the refused one are loaded.
 bool CSMS::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
     frameToggle &= 1;

@@ -50,8 +50,8 @@ void RequestAccess(VDP& vdp, VdpAccess access, uint8_t value) {
     vdp.addr = (vdp.addr + 1) & kVdpVramMask;
 }
 
-// On the Game Gear a write to an even address only fills the latch; a write to an odd address stores the
-// latch and the byte as a pair. Another odd write uses the same latch again.
+// On the Game Gear a write to an even address only fills the latch; a write to an odd address
+// stores the latch and the byte as a pair. Another odd write uses the same latch again.
 void WriteColour(VDP& vdp, uint8_t value) {
     if (vdp.variant != kVdpGameGear) {
         vdp.cram[vdp.addr & 31] = value;
@@ -66,8 +66,8 @@ void WriteColour(VDP& vdp, uint8_t value) {
     }
 }
 
-// Published: the counter steps down on every line of the picture and on the line below it. Below 0 it
-// reloads and requests an interrupt. On all other lines it reloads.
+// Published: the counter steps down on every line of the picture and on the line below it. Below 0
+// it reloads and requests an interrupt. On all other lines it reloads.
 void StepLineCounter(VDP& vdp) {
     const bool counts = vdp.line <= vdp.activeHeight;
     if (counts && vdp.lineCounter != 0) {
@@ -78,8 +78,8 @@ void StepLineCounter(VDP& vdp) {
     }
 }
 
-// Published: the eight-bit V counter follows the line number and jumps back once a frame, after line
-// `last` (C. MacDonald, Sega Master System VDP documentation, V counter values).
+// Published: the eight-bit V counter follows the line number and jumps back once a frame, after
+// line `last` (C. MacDonald, Sega Master System VDP documentation, V counter values).
 struct V_COUNTER_JUMP {
     uint32_t last; // last line before the jump
     uint32_t back; // lines that are counted twice
@@ -151,7 +151,8 @@ void VdpDeriveSlotList(VDP& vdp) {
 
 void VdpDeriveLine(VDP& vdp) {
     vdp.slotTable = kVdpSlotLists[vdp.slotList].data();
-    // Published: the Master System chips show modes 0 to 2 in fixed colours, the Game Gear in entries 16-31.
+    // Published: the Master System chips show modes 0 to 2 in fixed colours, the Game Gear in
+    // entries 16-31.
     vdp.fixedColours = vdp.mode != 4 && vdp.variant != kVdpGameGear;
     const bool drawn = vdp.pixels != nullptr && vdp.outputRow != kVdpNoRow;
     vdp.row = drawn ? vdp.pixels + size_t{vdp.outputRow} * vdp.rowLength : nullptr;
@@ -299,7 +300,8 @@ void VdpLineEvent(VDP& vdp) {
         vdp.status |= kVdpStatusFrame;
     }
     VdpUpdateIrq(vdp);
-    // The sprites found for this line are being fetched by now; the search for the next line starts.
+    // The sprites found for this line are being fetched by now; the search for the next line
+    // starts.
     vdp.spriteCount = vdp.foundCount;
     vdp.foundCount = 0;
     vdp.spriteIndex = 0;

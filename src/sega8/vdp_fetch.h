@@ -1,5 +1,5 @@
-// The slots of the 8-bit VDP in mode 4, and the slots that all modes share: the address each kind sets
-// and what it does with its data. Parts of the tick in vdp_tick.h; modes 0 to 2 are in
+// The slots of the 8-bit VDP in mode 4, and the slots that all modes share: the address each kind
+// sets and what it does with its data. Parts of the tick in vdp_tick.h; modes 0 to 2 are in
 // vdp_fetch_legacy.h.
 #pragma once
 
@@ -80,7 +80,8 @@ inline void FreeData(VDP& vdp) {
     }
 }
 
-// Kinds 10 and 11. Every column reads the scroll locks of register 0. The Game Gear has no top lock.
+// Kinds 10 and 11. Every column reads the scroll locks of register 0. The Game Gear has no top
+// lock.
 inline constexpr uint32_t kLockedLines = 16;   // lines 0 to 15
 inline constexpr uint32_t kLockedColumns = 24; // screen columns 24 to 31
 
@@ -137,8 +138,8 @@ inline void Name4Data(VDP& vdp) {
     vdp.tileAddress = static_cast<uint16_t>(TileAddress4(vdp.readData, vdp.tileRow));
 }
 
-// Draws eight pixels of a tile row. Colour 0 of a tile is visible, but it covers neither a sprite nor
-// the chip below.
+// Draws eight pixels of a tile row. Colour 0 of a tile is visible, but it covers neither a sprite
+// nor the chip below.
 inline void DrawTile4(VDP& vdp, uint32_t x, uint32_t entry, uint32_t low, uint32_t high) {
     const std::array<uint64_t, 256>& spread = kSpread[(entry & kVdpTileFlipX) != 0 ? 1 : 0];
     const uint64_t plane0 = spread[low & 255];
@@ -167,9 +168,9 @@ inline uint32_t SearchLine(const VDP& vdp) {
     return vdp.line + 1 >= vdp.totalLines ? 255 : vdp.line;
 }
 
-// Published: a sprite at Y starts on line Y + 1, so each line searches for the next one. The search ends
-// at Y = 0xD0 (with 192 lines only) or at the first hit past the limit, which sets the overflow flag.
-// Settled: no sprite is found while the display is off; every test reads that bit.
+// Published: a sprite at Y starts on line Y + 1, so each line searches for the next one. The search
+// ends at Y = 0xD0 (with 192 lines only) or at the first hit past the limit, which sets the
+// overflow flag. Settled: no sprite is found while the display is off; every test reads that bit.
 inline void TestSprite(VDP& vdp, uint8_t y, uint32_t number, uint32_t limit) {
     if (vdp.searchDone || (vdp.regs[1] & kVdpReg1Display) == 0) {
         return;
@@ -199,9 +200,9 @@ inline uint32_t SpriteBase4(const VDP& vdp) {
     return (vdp.regs[kVdpSprites] & uint32_t{kVdpSprites4}) << 6;
 }
 
-// Kinds 18 and 19. Settled: the first chip clears bit 6 of this address while bit 0 of register 5 is 0.
-// It changes nothing, as the table starts at a multiple of 256 bytes. (Published: that chip reads X and
-// tile number from the lower 128 bytes instead.)
+// Kinds 18 and 19. Settled: the first chip clears bit 6 of this address while bit 0 of register 5
+// is 0. It changes nothing, as the table starts at a multiple of 256 bytes. (Published: that chip
+// reads X and tile number from the lower 128 bytes instead.)
 inline uint32_t SearchAddress4(const VDP& vdp, uint8_t index) {
     const uint32_t address = SpriteBase4(vdp) + index;
     const bool lowBit = (vdp.regs[kVdpSprites] & kVdpSpritesLowBit) != 0;

@@ -1,5 +1,5 @@
-// The slots of the 8-bit VDP in modes 0 to 2: the address each kind sets and what it does with its data.
-// Parts of the tick in vdp_tick.h.
+// The slots of the 8-bit VDP in modes 0 to 2: the address each kind sets and what it does with its
+// data. Parts of the tick in vdp_tick.h.
 #pragma once
 
 #include "sega8/vdp_fetch.h"
@@ -29,10 +29,10 @@ inline void DrawLegacyCell(VDP& vdp, uint32_t x, uint8_t pattern, uint32_t colou
                 (ink != 0 ? ones * kVdpSolid : 0) | (paper != 0 ? zeros * kVdpSolid : 0));
 }
 
-// Text mode has 40 columns, the slot list 32. Text mode needs no colours, so its 80 accesses take the
-// first of the 96 slots for names, patterns and colours. A name arrives two slots after its address, so
-// names are fetched ahead: name 0, name 1, pattern 0, name 2, pattern 1 and so on. (Open: no source
-// tells the order. This one fits the list and is in time for every pixel.)
+// Text mode has 40 columns, the slot list 32. Text mode needs no colours, so its 80 accesses take
+// the first of the 96 slots for names, patterns and colours. A name arrives two slots after its
+// address, so names are fetched ahead: name 0, name 1, pattern 0, name 2, pattern 1 and so on.
+// (Open: no source tells the order. This one fits the list and is in time for every pixel.)
 struct TextAccess {
     bool isName;
     uint32_t column; // 40 or more: no access
@@ -74,8 +74,8 @@ inline void TextData(VDP& vdp, uint32_t dot, uint32_t part) {
     }
 }
 
-// Kinds 30 to 35. Data arrive one slot after the address: names in the same column, colours at the start
-// of the next.
+// Kinds 30 to 35. Data arrive one slot after the address: names in the same column, colours at the
+// start of the next.
 inline void Name(VDP& vdp, uint32_t dot) {
     if (vdp.mode == 1) {
         TextAddress(vdp, dot, 0);
@@ -126,8 +126,8 @@ inline void ColourData(VDP& vdp, uint32_t dot) {
     }
 }
 
-// Kinds 36 to 47: Y, X, number, flags and the two halves of the pattern row. The search has stored the
-// row, so the Y read here is not used.
+// Kinds 36 to 47: Y, X, number, flags and the two halves of the pattern row. The search has stored
+// the row, so the Y read here is not used.
 inline uint32_t SpriteEntry(const VDP& vdp, uint32_t number) {
     return ((vdp.regs[kVdpSprites] & uint32_t{kVdpSpritesLegacy}) << 7) +
            (number & (kLegacySprites - 1)) * 4;

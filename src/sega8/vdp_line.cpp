@@ -5,8 +5,8 @@
 
 namespace {
 
-// Settled: two set pattern bits collide even if the first sprite is invisible there (colour 0 of modes
-// 0 and 2); then the second sprite is visible. Bits past the edges do not count.
+// Settled: two set pattern bits collide even if the first sprite is invisible there (colour 0 of
+// modes 0 and 2); then the second sprite is visible. Bits past the edges do not count.
 void PutSpritePixel(VDP& vdp, int32_t x, uint8_t entry) {
     if (x < 0 || x >= static_cast<int32_t>(kVdpPictureWidth)) {
         return;
@@ -120,9 +120,10 @@ void SamplePause(VDP& vdp) {
 
 } // namespace
 
-// Measured on a 315-5124 (C. MacDonald, TMS9918 colors for SMS VDP, 2006), six bits each: transparent,
-// black, medium green, light green, dark blue, light blue, dark red, cyan, medium red, light red, dark
-// yellow, light yellow, dark green, magenta, grey, white. The line buffers hold them as entries 16 to 31.
+// Measured on a 315-5124 (C. MacDonald, TMS9918 colors for SMS VDP, 2006), six bits each:
+// transparent, black, medium green, light green, dark blue, light blue, dark red, cyan, medium red,
+// light red, dark yellow, light yellow, dark green, magenta, grey, white. The line buffers hold
+// them as entries 16 to 31.
 constinit const uint32_t kVdpFixedColours[32] = {
     VdpSixBitPixel(0x00), VdpSixBitPixel(0x00), VdpSixBitPixel(0x00), VdpSixBitPixel(0x00),
     VdpSixBitPixel(0x00), VdpSixBitPixel(0x00), VdpSixBitPixel(0x00), VdpSixBitPixel(0x00),
@@ -139,7 +140,8 @@ constinit const uint32_t kVdpFixedColours[32] = {
     VdpSixBitPixel(0x3F), // 28
 };
 
-// The line starts as backdrop, which stays visible in the pixels that a fine scroll frees on the left.
+// The line starts as backdrop, which stays visible in the pixels that a fine scroll frees on the
+// left.
 void VdpStartLine(VDP& vdp) {
     vdp.mode = VdpModeOf(vdp.regs);
     vdp.displayEnabled = (vdp.regs[1] & kVdpReg1Display) != 0;

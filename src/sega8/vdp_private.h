@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-// Sets the level of `irqOut`. To be called after every change of an interrupt flag or of registers 0
-// and 1.
+// Sets the level of `irqOut`. To be called after every change of an interrupt flag or of registers
+// 0 and 1.
 void VdpUpdateIrq(VDP& vdp);
 
 // The mode that registers 0 and 1 select: 0, 1, 2 or 4.

@@ -1,4 +1,5 @@
-// The record of the 8-bit VDP and its constants. Included by vdp.h, which states units, owner and order.
+// The record of the 8-bit VDP and its constants. Included by vdp.h, which states units, owner and
+// order.
 #pragma once
 
 #include "sega8/vdp_registers.h"

@@ -1,4 +1,5 @@
-// Registers, command codes, status bits and table entries of the 8-bit VDP. Included by vdp_record.h.
+// Registers, command codes, status bits and table entries of the 8-bit VDP. Included by
+// vdp_record.h.
 //
 // Sources: C. MacDonald, Sega Master System VDP documentation (2002); for modes 0 to 2 the Texas
 // Instruments TMS9918A Data Manual.

@@ -1,8 +1,9 @@
-// VdpRun. Mode 4, which nearly every program uses, runs a span of a line at a time (vdp_run_mode4.h).
-// While an access of the processor is pending, and in modes 0 to 2, groups of four slots run as straight
-// code, one function for each group of each slot list. Pixels are drawn a span at a time
-// (vdp_run_pixels.h). Meanwhile nothing writes a register or a colour, and VRAM is written only by slots
-// that run one by one, so the order of fetches and pixels makes no difference.
+// VdpRun. Mode 4, which nearly every program uses, runs a span of a line at a time
+// (vdp_run_mode4.h). While an access of the processor is pending, and in modes 0 to 2, groups of
+// four slots run as straight code, one function for each group of each slot list. Pixels are drawn
+// a span at a time (vdp_run_pixels.h). Meanwhile nothing writes a register or a colour, and VRAM is
+// written only by slots that run one by one, so the order of fetches and pixels makes no
+// difference.
 #include "sega8/vdp_run.h"
 
 #include "base/flatten.h"
@@ -21,8 +22,8 @@ using namespace vdp_run;
 constexpr uint32_t kDotsPerGroup = 8; // four slots
 constexpr uint32_t kGroups = 42;      // in a line; the last three slots are in no group
 
-// The two dots of a slot whose kind, cycle width and predecessor are known at compile time. A free slot
-// without an access is followed by no data.
+// The two dots of a slot whose kind, cycle width and predecessor are known at compile time. A free
+// slot without an access is followed by no data.
 template <uint8_t Kind, uint8_t IsByte, uint8_t KindBefore>
 inline void RunSlot(VDP& vdp, uint32_t dot) {
     vdp_tick::EvenDot(vdp, Kind, dot);
@@ -81,8 +82,8 @@ void FetchDot(VDP& vdp, uint32_t dot) {
     }
 }
 
-// Runs as many dots of mode 4 as it can from `dot` on, but not past `end`. Returns the next dot, which is
-// `dot` if the slots must run one by one.
+// Runs as many dots of mode 4 as it can from `dot` on, but not past `end`. Returns the next dot,
+// which is `dot` if the slots must run one by one.
 uint32_t RunKnownDots(VDP& vdp, uint32_t dot, uint32_t end) {
     if (vdp.slotList > kVdpMode4Blank || AccessIsPending(vdp)) {
         return dot;

@@ -1,9 +1,9 @@
-// Many ticks of the 8-bit VDP at once, with the same result as single calls of VdpTick: for a frame loop
-// that lets the chip catch up before anything can see it.
+// Many ticks of the 8-bit VDP at once, with the same result as single calls of VdpTick: for a frame
+// loop that lets the chip catch up before anything can see it.
 //
-// The VDP changes its pins and `frameDone` without a port access at two dots of a line only: at dot 0,
-// when it sees a press of the pause button, and at dot 318, where it steps the line, raises its flags
-// and ends the frame. Between them only a port access shows which dot it is on.
+// The VDP changes its pins and `frameDone` without a port access at two dots of a line only: at dot
+// 0, when it sees a press of the pause button, and at dot 318, where it steps the line, raises its
+// flags and ends the frame. Between them only a port access shows which dot it is on.
 #pragma once
 
 #include "sega8/vdp.h"

@@ -1,9 +1,9 @@
 // Spans of a mode 4 line at once. Part of vdp_run.cpp.
 //
-// While no access of the processor is pending and no register is written, the slots of whole columns do
-// always the same: fetch, draw, search. Here that runs in plain loops, and the pipeline ends up as the
-// last of the slots would have left it. Each function names the dots that it runs. Before the first of
-// them `lastKind` must be the kind that the slot list has there.
+// While no access of the processor is pending and no register is written, the slots of whole
+// columns do always the same: fetch, draw, search. Here that runs in plain loops, and the pipeline
+// ends up as the last of the slots would have left it. Each function names the dots that it runs.
+// Before the first of them `lastKind` must be the kind that the slot list has there.
 #pragma once
 
 #include "base/bytes.h"
@@ -50,8 +50,8 @@ inline uint64_t ZeroBytes(uint64_t bytes) {
 
 inline constexpr uint32_t kWordsAtOnce = 4; // of two sprites
 
-// True if none of the next eight sprites is on the line or ends the list. A sprite's rows are a power of
-// two, so a distance is past them if one of the bits of 256 - rows is set.
+// True if none of the next eight sprites is on the line or ends the list. A sprite's rows are a
+// power of two, so a distance is past them if one of the bits of 256 - rows is set.
 inline bool SearchFindsNothing(const VDP& vdp) {
     constexpr uint32_t kTableWords = 64;
     constexpr uint64_t kTop = vdp_fetch::kEveryPixel * 0x80;
@@ -121,8 +121,8 @@ inline void DrawColumns(VDP& vdp, uint32_t first, uint32_t end) {
     }
 }
 
-// Dots 8 * first to before 8 * end of an active line. Draws columns first - 1 to end - 2; the last column
-// still waits for its upper bit planes.
+// Dots 8 * first to before 8 * end of an active line. Draws columns first - 1 to end - 2; the last
+// column still waits for its upper bit planes.
 inline void RunColumns(VDP& vdp, uint32_t first, uint32_t end) {
     TakeSearchData(vdp, SearchSlots(first, end));
     FinishColumn(vdp, first * kDotsPerColumn);
@@ -146,7 +146,8 @@ inline void RunBlankColumns(VDP& vdp, uint32_t first, uint32_t end) {
     SetPipeline(vdp, kSlotBlank, 0, true);
 }
 
-// Dots 256 to 317. Draws the last column and fetches the sprites, up to the pattern of the last one.
+// Dots 256 to 317. Draws the last column and fetches the sprites, up to the pattern of the last
+// one.
 inline void RunSpriteFetch(VDP& vdp, bool active) {
     if (active) {
         FinishColumn(vdp, kSpriteDot);
@@ -166,8 +167,8 @@ inline void RunSpriteFetch(VDP& vdp, bool active) {
     SetPipeline(vdp, kSlotNone, 0, true);
 }
 
-// Dots 320 to 341: the pattern of the last sprite and the first eight words of the search. The eighth
-// word arrives at dot 1.
+// Dots 320 to 341: the pattern of the last sprite and the first eight words of the search. The
+// eighth word arrives at dot 1.
 inline void RunTail(VDP& vdp) {
     constexpr uint32_t kTailWords = 8;
     ++vdp.fetchIndex;

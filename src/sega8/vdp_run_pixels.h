@@ -1,5 +1,5 @@
-// Pixels of the 8-bit VDP, eight at a time as the bytes of a word. Part of vdp_run.cpp: background and
-// sprites are in the line buffers, and the palette does not change within a span.
+// Pixels of the 8-bit VDP, eight at a time as the bytes of a word. Part of vdp_run.cpp: background
+// and sprites are in the line buffers, and the palette does not change within a span.
 #pragma once
 
 #include "base/bytes.h"
@@ -21,9 +21,9 @@ inline uint64_t EveryPixel(uint8_t value) {
 
 inline constexpr uint8_t kNotSolid = 0x80; // of an entry: the chip below shows through
 
-// The palette entries that vdp_tick::Pixel picks for the pixels from `x` to before `end`, both multiples
-// of eight; the upper of two chips adds kNotSolid. A sprite's entry is below 128, so adding 0x7F carries
-// into the byte's own top bit, and only if the entry is not 0.
+// The palette entries that vdp_tick::Pixel picks for the pixels from `x` to before `end`, both
+// multiples of eight; the upper of two chips adds kNotSolid. A sprite's entry is below 128, so
+// adding 0x7F carries into the byte's own top bit, and only if the entry is not 0.
 inline void PickPixels(VDP& vdp, uint8_t* entries, uint32_t x, uint32_t end) {
     const uint64_t throughBits = vdp.secondChip ? EveryPixel(kNotSolid) : 0;
     uint64_t everySprite = 0;
@@ -92,8 +92,8 @@ inline void OutputChunks(VDP& vdp, uint32_t x, uint32_t end) {
     }
 }
 
-// Draws the pixels of the dots from `first` to before `end`. Chunks start at multiples of eight, so the
-// left column is one chunk.
+// Draws the pixels of the dots from `first` to before `end`. Chunks start at multiples of eight, so
+// the left column is one chunk.
 inline void OutputPixels(VDP& vdp, uint32_t first, uint32_t end) {
     constexpr uint32_t kEnd = kVdpFirstPixelDot + kVdpPictureWidth;
     if (first >= kEnd || end <= kVdpFirstPixelDot) {

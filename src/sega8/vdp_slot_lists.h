@@ -1,5 +1,5 @@
-// The four slot lists of the 8-bit VDP, expanded at compile time. For sources that run them as straight
-// code; others read kVdpSlotLists. The order of the slots is settled here.
+// The four slot lists of the 8-bit VDP, expanded at compile time. For sources that run them as
+// straight code; others read kVdpSlotLists. The order of the slots is settled here.
 #pragma once
 
 #include "sega8/vdp_slots.h"
@@ -65,7 +65,8 @@ inline constexpr auto kMode4Blank =
                 Row(kFree, Word(kSlotTestY4), kFree, Byte(kSlotBlank))),
         kEnd4);
 
-// Modes 0 to 2: four sprites of six slots. Five other slots split the third sprite after its second.
+// Modes 0 to 2: four sprites of six slots. Five other slots split the third sprite after its
+// second.
 inline constexpr auto kSpriteHead = Row(Byte(kSlotSpriteY), Byte(kSlotSpriteX));
 inline constexpr auto kSpriteRest = Row(Byte(kSlotSpriteNumber), Byte(kSlotSpriteFlags),
                                         Byte(kSlotSpriteLeft), Byte(kSlotSpriteRight));

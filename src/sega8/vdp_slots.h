@@ -1,8 +1,8 @@
 // What the 8-bit VDP does with its memory in every slot of a line.
 //
-// A line has 171 slots of two dots. A slot list has two bytes a slot, in dot order: the kind, and the
-// width of the memory cycle (1: a byte, 0: a word). A kind is even and sets an address; kind + 1 takes the
-// data one slot later.
+// A line has 171 slots of two dots. A slot list has two bytes a slot, in dot order: the kind, and
+// the width of the memory cycle (1: a byte, 0: a word). A kind is even and sets an address; kind +
+// 1 takes the data one slot later.
 #pragma once
 
 #include <array>

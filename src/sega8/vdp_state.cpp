@@ -90,15 +90,16 @@ auto FieldsOf(VDP& vdp) {
     };
 }
 
-// The kind that a slot of the list leaves in the pipeline. A free slot without an access leaves kSlotNone.
+// The kind that a slot of the list leaves in the pipeline. A free slot without an access leaves
+// kSlotNone.
 uint8_t KindLeft(const VDP& vdp, size_t slot, uint8_t loaded) {
     const uint8_t kind = kVdpSlotLists[vdp.slotList][2 * slot];
     return kind == kSlotFree && loaded != kSlotFree ? uint8_t{kSlotNone} : kind;
 }
 
-// The kinds in the pipeline follow from the place in the slot list; VdpRun relies on that. Slot 0 takes the
-// data of the line before, whose list is not known here; every list ends in the sprite search. After a
-// reset there is no line before.
+// The kinds in the pipeline follow from the place in the slot list; VdpRun relies on that. Slot 0
+// takes the data of the line before, whose list is not known here; every list ends in the sprite
+// search. After a reset there is no line before.
 void SanitizeKinds(VDP& vdp) {
     const uint32_t dot = vdp.dotCounter / 2; // the next to run
     const size_t slot = dot / 2;

@@ -1,8 +1,8 @@
 // The tick of the 8-bit VDP, inlined into a machine's loop. Included by vdp.h, not by users.
 //
-// Each dot reads one byte of the slot list. The even dot of a slot sets an address (kind k). The odd dot
-// runs the memory cycle of the address set one slot earlier and passes its data to kind k + 1. Every
-// index into memory or a line buffer is masked: no bytes of a state lead outside.
+// Each dot reads one byte of the slot list. The even dot of a slot sets an address (kind k). The
+// odd dot runs the memory cycle of the address set one slot earlier and passes its data to kind k +
+// 1. Every index into memory or a line buffer is masked: no bytes of a state lead outside.
 #pragma once
 
 #include "base/bytes.h"
@@ -13,11 +13,12 @@
 
 #include <cstdint>
 
-// The work of dot 0: samples mode, display bit, scroll values and table bases, clears the line buffers
-// and draws the fetched sprites into them.
+// The work of dot 0: samples mode, display bit, scroll values and table bases, clears the line
+// buffers and draws the fetched sprites into them.
 void VdpStartLine(VDP& vdp);
 
-// The work of dot 318: next line, line counter, frame flag, end of the frame, start of the sprite search.
+// The work of dot 318: next line, line counter, frame flag, end of the frame, start of the sprite
+// search.
 void VdpLineEvent(VDP& vdp);
 
 // The fixed colours of modes 0 to 2 as pixels, at entries 16 to 31.
@@ -114,9 +115,9 @@ inline void OddDot(VDP& vdp, uint8_t isByte, uint32_t dot) {
     vdp.lastKind = vdp.nextKind;
 }
 
-// Published: a sprite covers the background unless the tile has the priority bit and this pixel of it is
-// not colour 0. The palette is read as the pixel is drawn, so a colour written in the middle of a line
-// counts from the next dot on.
+// Published: a sprite covers the background unless the tile has the priority bit and this pixel of
+// it is not colour 0. The palette is read as the pixel is drawn, so a colour written in the middle
+// of a line counts from the next dot on.
 inline void Pixel(VDP& vdp, uint32_t x) {
     const uint8_t background = vdp.priorityLine[x];
     uint32_t entry = vdp.colourLine[x];

@@ -49,7 +49,8 @@ void VisitFields(Z80& z80, Visit& visit) {
     }
 }
 
-// Brings what indexes the queue and the registers into range; other fields are masked where they are used.
+// Brings what indexes the queue and the registers into range; other fields are masked where they
+// are used.
 void Sanitize(Z80& z80) {
     z80.queueIndex %= kZ80QueueSize;
     z80.regIndex = std::min(z80.regIndex, kZ80LastRegisterByte);

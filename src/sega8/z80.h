@@ -1,17 +1,17 @@
 // Z80: the processor of the Master System, Game Gear and System E, and the sound processor of the
 // Mega Drive.
 //
-// A fetched opcode is decoded to a queue of steps, one for each remaining clock of the instruction, and
-// each clock runs one step. Work without a bus access is done while decoding; every access has its step
-// on the clock on which the chip makes it.
+// A fetched opcode is decoded to a queue of steps, one for each remaining clock of the instruction,
+// and each clock runs one step. Work without a bus access is done while decoding; every access has
+// its step on the clock on which the chip makes it.
 //
 // Clock: one tick (Z80Tick) is one clock of the processor: master / 15 on the consoles, 5.37 MHz on
 //   System E.
 // Units: memory addresses and ports are 16 bits wide.
 // Owner: one machine, on its session's thread; no lock.
-// Pins: the owner writes irqLine (a level), nmiEdge (set by the owner, cleared by the chip at the end of
-//   an instruction), busHold (requests the bus) and enabled (0 freezes the chip at any clock). It reads
-//   running, which is 0 while the chip has released the bus.
+// Pins: the owner writes irqLine (a level), nmiEdge (set by the owner, cleared by the chip at the
+//   end of an instruction), busHold (requests the bus) and enabled (0 freezes the chip at any
+//   clock). It reads running, which is 0 while the chip has released the bus.
 // Order: Z80Init, then Z80Reset, before the first tick. SP is 0 after a reset; a machine that needs
 //   another value writes regs[kZ80Sp] after it.
 // Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Z80. All of it is settled here.
@@ -69,8 +69,8 @@ using Z80IoReadFunction = uint8_t (*)(void* context, uint32_t port);
 using Z80WriteFunction = void (*)(void* context, uint32_t address, uint8_t value);
 using Z80IoWriteFunction = void (*)(void* context, uint32_t port, uint8_t value);
 
-// Steps in the queue, and the room after them, which is never read: a template may be written at any
-// index without a test.
+// Steps in the queue, and the room after them, which is never read: a template may be written at
+// any index without a test.
 inline constexpr uint32_t kZ80QueueSize = 32;
 inline constexpr uint32_t kZ80QueueRoom = 20;
 // The last byte of the registers, for steps that address bytes of them.
@@ -85,7 +85,7 @@ struct Z80 {
 
     std::array<uint8_t, kZ80QueueSize + kZ80QueueRoom> queue{}; // steps of this instruction
     uint32_t queueIndex = 0;                                    // next step, 0..31
-    // The template of the decoded opcode, which is in the queue from index `programAt` on; not saved.
+    // Template of the decoded opcode, in the queue from index `programAt` on; not saved.
     const Z80Template* program = nullptr;
     uint32_t programAt = 0;
     std::array<uint32_t, kZ80RegisterCount> regs{}; // by Z80Register; the low 16 bits count
@@ -136,8 +136,8 @@ inline constexpr uint32_t kZ80StateSize = 87;
 [[nodiscard]] uint32_t Z80StateSize();
 // Writes kZ80StateSize bytes; returns the byte after them.
 uint8_t* Z80SaveState(const Z80& z80, uint8_t* out);
-// Returns the bytes used; 0, with the chip unchanged, for a piece of another version or size. Keeps the
-// callbacks. Any contents are safe.
+// Returns the bytes used; 0, with the chip unchanged, for a piece of another version or size. Keeps
+// the callbacks. Any contents are safe.
 [[nodiscard]] uint32_t Z80LoadState(Z80& z80, const uint8_t* data, uint32_t size);
 
 #include "sega8/z80_run.h"

@@ -238,7 +238,8 @@ void DecodeFirstQuarter(const DECODE& at) {
     }
 }
 
-// Opcodes 0x40 to 0x7F. If the other operand is in memory, H and L are not replaced by the index register.
+// Opcodes 0x40 to 0x7F. If the other operand is in memory, H and L are not replaced by the index
+// register.
 void DecodeLoads(const DECODE& at) {
     Z80& z80 = at.z80;
     if (at.row == kMemoryCode && at.column == kMemoryCode) { // HALT

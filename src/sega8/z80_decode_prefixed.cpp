@@ -24,8 +24,8 @@ constexpr uint32_t kRefreshTop = 0x80; // of R; only LD R,A changes it
 
 constexpr std::array<Z80Step, 8> kRotateSteps{kRlc, kRrc, kRl, kRr, kSla, kSra, kSll, kSrl};
 
-// The byte of `regs` to which a CB step copies its result, by the low three bits of the opcode. All of
-// them are in unused upper halves of register words, so only memory changes.
+// The byte of `regs` to which a CB step copies its result, by the low three bits of the opcode. All
+// of them are in unused upper halves of register words, so only memory changes.
 constexpr std::array<uint8_t, 8> kCopyPlaces{7, 6, 11, 10, 15, 14, 55, 2};
 
 template <typename Make>

@@ -37,8 +37,8 @@ void Logic(Z80& z80, uint32_t result, uint32_t half) {
     SetF(z80, kZ80FlagsParity[LowByte(result)] | half);
 }
 
-// Stores the result of a CB step in T and in a byte of `regs`, which is one of the unused upper halves
-// (kCopyPlaces).
+// Stores the result of a CB step in T and in a byte of `regs`, which is one of the unused upper
+// halves (kCopyPlaces).
 void StoreResult(Z80& z80, uint8_t result) {
     const uint32_t place = z80.regIndex;
     const uint32_t shift = 8 * (place % 4);

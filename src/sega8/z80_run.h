@@ -1,15 +1,15 @@
-// Many clocks of the Z80 at once, an instruction at a time, for a machine's frame loop. The result equals
-// that of single calls of Z80TickOn.
+// Many clocks of the Z80 at once, an instruction at a time, for a machine's frame loop. The result
+// equals that of single calls of Z80TickOn.
 //
-// On most clocks of an instruction nothing happens. Its template tells the others, so that idle clocks
-// are counted and not run. The record afterwards, every byte of the queue included, is that of single
-// clocks.
+// On most clocks of an instruction nothing happens. Its template tells the others, so that idle
+// clocks are counted and not run. The record afterwards, every byte of the queue included, is that
+// of single clocks.
 //
 // Besides the functions of Z80TickOn the bus has
 //     void At(uint32_t clock);
-// which is called before every fetch and before every step that may touch a port, with the number of
-// clocks of this run that are over. Accesses may change irqLine and nmiEdge. A bus whose accesses may
-// change busHold or enabled, or that must end the run for another reason, also has
+// which is called before every fetch and before every step that may touch a port, with the number
+// of clocks of this run that are over. Accesses may change irqLine and nmiEdge. A bus whose
+// accesses may change busHold or enabled, or that must end the run for another reason, also has
 //     bool Stops() const;
 // which is called after every access and fetch and ends the run when it returns true.
 #pragma once
@@ -71,9 +71,9 @@ inline void Decode(Z80& z80) {
     }
 }
 
-// The other clocks of the instruction, at most `left`, from step `done` of the program on. Returns the
-// clocks that are left: 0 if the instruction has not ended, any number if the bus stops the run. Every
-// program has an end among its actions.
+// The other clocks of the instruction, at most `left`, from step `done` of the program on. Returns
+// the clocks that are left: 0 if the instruction has not ended, any number if the bus stops the
+// run. Every program has an end among its actions.
 template <typename Bus>
 inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uint32_t done = 0) {
     using enum Z80Step;
@@ -112,8 +112,8 @@ inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uin
     }
 }
 
-// Instructions until an interrupt is due, the bus stops the run or the clocks do not suffice to decode
-// another one. Returns how many of the `left` clocks are left.
+// Instructions until an interrupt is due, the bus stops the run or the clocks do not suffice to
+// decode another one. Returns how many of the `left` clocks are left.
 template <typename Bus>
 [[gnu::noinline]] uint32_t RunInstructions(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
     do {

@@ -1,7 +1,7 @@
 // The steps of a Z80's queue, one a clock. Their values are saved in states.
 //
-// "Low" and "High" are the bytes of regs[regIndex], "WzLow" and "WzHigh" those of wz; "T" is the low byte
-// of temp. Steps that also end the instruction say so. Any other value is an idle clock.
+// "Low" and "High" are the bytes of regs[regIndex], "WzLow" and "WzHigh" those of wz; "T" is the
+// low byte of temp. Steps that also end the instruction say so. Any other value is an idle clock.
 #pragma once
 
 #include <array>

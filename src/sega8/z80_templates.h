@@ -1,8 +1,9 @@
 // The Z80's templates: the clocks of an instruction after its third, one step a clock.
 //
-// An access is made on the last of its three clocks; the bus is sampled on the first. An instruction has
-// three clocks more than its template has steps, and four more for each prefix. Clock counts are those of
-// the Zilog Z80 CPU User Manual but for the interrupts (docs/HARDWARE.md).
+// An access is made on the last of its three clocks; the bus is sampled on the first. An
+// instruction has three clocks more than its template has steps, and four more for each prefix.
+// Clock counts are those of the Zilog Z80 CPU User Manual but for the interrupts
+// (docs/HARDWARE.md).
 #pragma once
 
 #include "sega8/z80_private.h"
@@ -122,8 +123,9 @@ constexpr Z80Template ChangeMemory(Z80Step step) {
     return {kSample, kIdle, kMemoryToT, step, kSampleAgain, kIdle, kTToMemory, kEnd};
 }
 
-// The indexed form of a template on (HL): first the read of the displacement, then the plain form. The plain
-// form's first two clocks, a sampling point and an idle clock, stay right before its access.
+// The indexed form of a template on (HL): first the read of the displacement, then the plain form.
+// The plain form's first two clocks, a sampling point and an idle clock, stay right before its
+// access.
 constexpr Z80Template WithDisplacement(const Z80Template& plain) {
     constexpr size_t kAhead = 8;
     Z80TemplateSteps indexed{kSample, kIdle, kDisplacement, kSampleAgain, kIdle,

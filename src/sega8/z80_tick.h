@@ -1,7 +1,7 @@
 // The Z80's clock, inlined into a machine's frame loop. Included by z80.h.
 //
-// Z80TickOn has the most frequent clocks: idle, fetch, decode and end. Operand accesses are in TransferStep;
-// steps without an access are compiled once, in z80_operate.cpp.
+// Z80TickOn has the most frequent clocks: idle, fetch, decode and end. Operand accesses are in
+// TransferStep; steps without an access are compiled once, in z80_operate.cpp.
 #pragma once
 
 #include "sega8/z80.h"

@@ -87,7 +87,7 @@ void Compare(bool pal, uint32_t variant, bool second, uint8_t mode0, uint8_t mod
     EXPECT_EQ(plain.pixels, fast.pixels);
 }
 
-// What the derived fields say of the line being drawn, and the row as a place in the picture.
+// Compares the derived fields of the line being drawn; the row as an offset in its picture.
 void ExpectSameDerived(const Chip& plain, const Chip& fast, const std::string& where) {
     const VDP& a = plain.vdp;
     const VDP& b = fast.vdp;
@@ -103,8 +103,8 @@ void ExpectSameDerived(const Chip& plain, const Chip& fast, const std::string& w
     }
 }
 
-// Registers that a game would set: display on, a mode as often as another, tall pictures, large and
-// zoomed sprites, every scroll and lock.
+// Registers as games set them: display on, all modes, tall pictures, large and zoomed sprites,
+// every scroll and lock.
 std::array<uint8_t, 11> DrawRegisters(std::mt19937& random) {
     constexpr uint8_t kModes0[] = {0x04, 0x06, 0x06, 0x06, 0x02, 0x00};
     constexpr uint8_t kModes1[] = {0x00, 0x00, 0x08, 0x10};
@@ -120,8 +120,8 @@ std::array<uint8_t, 11> DrawRegisters(std::mt19937& random) {
     return regs;
 }
 
-// Sprites in crowds, so that some lines have too many and some sprites overlap: a few rows and columns
-// for all of them, wherever the table lies. Now and then the list ends early.
+// Crowds of sprites, so that some lines have too many and some sprites overlap: all are in a few
+// rows and columns, at every place of the table. Sometimes the list ends early.
 void CrowdSprites(std::mt19937& random, std::array<uint8_t, kVdpVramBytes>& vram) {
     const auto middle = static_cast<uint32_t>(random());
     for (size_t table = 0; table < vram.size(); table += 128) {
@@ -134,7 +134,7 @@ void CrowdSprites(std::mt19937& random, std::array<uint8_t, kVdpVramBytes>& vram
     }
 }
 
-// Runs long enough for whole lines and whole parts of lines, with rare accesses in between.
+// Runs of whole lines and of parts of lines, with rare accesses between them.
 void CompareLines(uint32_t seed) {
     std::mt19937 random(seed);
     const bool pal = random() % 2 == 0;

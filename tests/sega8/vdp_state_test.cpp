@@ -1,4 +1,4 @@
-// States: at any dot, and of whatever bytes.
+// States: at any dot, and of any bytes.
 #include "base/bytes.h"
 #include "sega8/vdp.h"
 #include "sega8/vdp_rig.h"
@@ -37,7 +37,7 @@ std::vector<uint8_t> Save(const VDP& vdp) {
     return state;
 }
 
-// Where a field lies in a state: the first byte that differs when `change` has changed its lowest byte.
+// The offset of a field in a state: the first byte that differs after `change` to its lowest byte.
 size_t OffsetOf(void (*change)(VDP& vdp)) {
     VdpRig rig;
     const std::vector<uint8_t> before = Save(rig.vdp);
@@ -47,7 +47,7 @@ size_t OffsetOf(void (*change)(VDP& vdp)) {
     return static_cast<size_t>(differ.first - before.begin());
 }
 
-// One frame more, with accesses of a processor in it.
+// One more frame, with accesses of a processor.
 void Play(VdpRig& rig) {
     rig.Address(1, 0x0400);
     VdpDataWrite(rig.vdp, 0x3C);
@@ -128,7 +128,7 @@ TEST(VdpState, RestoresInTheOlderModes) {
     CompareThreeFrames(kVdpSecond, false, 0x02, 0x61, Every(70 * 684, 40, 71 * 684));
 }
 
-// Nothing may be read or written outside, which the sanitizers watch, and the frame comes to its end.
+// Nothing may be accessed out of bounds, which the sanitizers check, and the frame must end.
 TEST(VdpState, ArbitraryBytesStayInBounds) {
     std::mt19937 random(1);
     for (uint32_t round = 0; round < 60; ++round) {
@@ -156,8 +156,8 @@ TEST(VdpState, ArbitraryBytesStayInBounds) {
     }
 }
 
-// The kinds on their way follow from the place in the list, so that a state cannot put wrong ones
-// there. Before slot 1 it is the line before that tells them.
+// The kinds in the pipeline follow from the place in the slot list, so a state cannot set wrong
+// ones. For slot 0 they come from the line before.
 TEST(VdpState, KindsOnTheirWayAreThoseOfTheList) {
     const size_t lastKind = OffsetOf([](VDP& vdp) { vdp.lastKind ^= 1; });
     const size_t nextKind = OffsetOf([](VDP& vdp) { vdp.nextKind ^= 1; });
@@ -193,8 +193,8 @@ TEST(VdpState, KindsOnTheirWayAreThoseOfTheList) {
     }
 }
 
-// What runs a piece of the line at once may not go by other fields of a state than a single step does.
-TEST(VdpState, ArbitraryBytesRunAlikeInOneGoAndStepByStep) {
+// VdpRun may not depend on other fields of a state than VdpTick does.
+TEST(VdpState, ArbitraryBytesRunAlikeInOneGoAndTickByTick) {
     const size_t dotCounter = OffsetOf([](VDP& vdp) { vdp.dotCounter ^= 1; });
     std::mt19937 random(2);
     for (uint32_t counter = 0; counter < kVdpTicksPerLine; ++counter) {

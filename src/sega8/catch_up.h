@@ -2,7 +2,7 @@
 // while the Z80 runs ahead, and run them when something could tell the difference.
 //
 // A chip changes the Z80's lines only at known clocks (VdpTicksToEvent), and the Z80 sees it only
-// through ports. A span is what lies between two such clocks. Within a span the Z80 runs alone; the
+// through ports. A span is the time between two such clocks. Within a span the Z80 runs alone; the
 // chips catch up before every port access and at the end of the span. The result equals that of
 // ticking every chip on every clock.
 //

@@ -36,7 +36,7 @@ enum VdpAccess : uint8_t {
 
 // Bits of `priorityLine`: what a background pixel does to a sprite and to the chip below.
 inline constexpr uint8_t kVdpSolid = 1;  // not colour 0 and not the backdrop
-inline constexpr uint8_t kVdpCovers = 2; // solid with the priority bit: in front of sprites
+inline constexpr uint8_t kVdpCovers = 2; // solid with the priority bit: covers sprites
 
 // Bits of `spriteLine`; the low five are the palette entry.
 inline constexpr uint8_t kVdpSpriteEntry = 0x1F;

@@ -1,4 +1,4 @@
-// States of the three machines: sizes, order, sameness of what follows, damaged bytes.
+// States of the three machines: sizes, order, equal frames after a load, damaged bytes.
 #include "base/bytes.h"
 #include "machines/machines.h"
 #include "sega8/game_gear.h"
@@ -16,8 +16,8 @@
 
 namespace {
 
-// A restless program: fills video memory, scrolls by interrupt, plays, pokes all it can reach.
-// `dataPort` is that of the video chip, `soundPort` that of a PSG.
+// A busy program: fills VRAM, scrolls in an interrupt handler, plays sound, writes to all memory.
+// `dataPort` is that of a VDP, `soundPort` that of a PSG.
 Program Restless(int dataPort, int soundPort) {
     const int control = dataPort + 1;
     Program program;
@@ -48,7 +48,7 @@ struct CASE {
     std::vector<std::wstring> actions; // held in some of the frames
 };
 
-// How a failing test names its case.
+// The name of a case in a failure.
 void PrintTo(const CASE& what, std::ostream* out) {
     *out << what.name;
 }
@@ -127,7 +127,7 @@ std::vector<FRAME_RESULT> Play(CEmuSystem& machine, const CASE& what, int from, 
     return results;
 }
 
-// Behind the chips stand the resamplers, two in each of these machines.
+// The resamplers come after the chips, two in each machine.
 constexpr size_t kSoundPieces = 2;
 
 // Of the board's and the chips' pieces.
@@ -140,14 +140,14 @@ std::vector<uint32_t> PieceSizes(const SAVED& saved) {
 
 } // namespace
 
-TEST(MachineState, SmsPiecesStandInTheirOrder) {
+TEST(MachineState, SmsPiecesAreInOrder) {
     const SAVED saved = Save(*StartSms({}));
     const std::vector<uint32_t> expected = {32849, 87, VdpStateSize(), PsgStateSize(),
                                             YmStateSize()};
     EXPECT_EQ(PieceSizes(saved), expected);
 }
 
-TEST(MachineState, GearPiecesStandInTheirOrder) {
+TEST(MachineState, GearPiecesAreInOrder) {
     for (const bool linked : {false, true}) {
         const std::vector<uint32_t> sizes = PieceSizes(Save(*StartGear(linked)));
         const std::vector<uint32_t> chips = {87, VdpStateSize(), PsgStateSize(),
@@ -157,7 +157,7 @@ TEST(MachineState, GearPiecesStandInTheirOrder) {
     }
 }
 
-TEST(MachineState, ArcadePiecesStandInTheirOrder) {
+TEST(MachineState, ArcadePiecesAreInOrder) {
     const SAVED saved = Save(*StartArcade(3));
     // Header, two words, seven latches, the dial, four mapper words, memories.
     constexpr uint32_t kBoard = 5 + 8 + 7 + 2 + 16 + 16384 + 32768 + 32768;
@@ -186,7 +186,7 @@ TEST(MachineState, SmsBoardBeginsWithTheEightPortLatches) {
 
 class EveryMachineState : public testing::TestWithParam<CASE> {};
 
-TEST_P(EveryMachineState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
+TEST_P(EveryMachineState, ContinuesAsTheUnbrokenRunInPictureAndSound) {
     const CASE& what = GetParam();
     const auto machine = what.start();
     Play(*machine, what, 0, 37);

@@ -4,6 +4,7 @@
 
 #include "base/files.h"
 #include "front/application.h"
+#include "front/session_callbacks.h"
 #include "front/tools/play.h"
 #include "host/machine_list.h"
 #include "machines/machines.h"
@@ -130,8 +131,8 @@ public:
     }
 
     static testing::AssertionResult RunFrames(Application& application, uint32_t frames) {
-        const uint32_t end = Application::FramesPresented() + frames;
-        return RunUntil(application, [&] { return Application::FramesPresented() >= end; });
+        const uint32_t end = FramesPresented() + frames;
+        return RunUntil(application, [&] { return FramesPresented() >= end; });
     }
 
 protected:

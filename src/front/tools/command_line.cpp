@@ -161,7 +161,7 @@ int RunCommandLine(int argc, const char* const* argv) {
     try {
         return Run(argc, argv);
     } catch (const std::exception& error) {
-        // Nothing of ours throws; what comes here is the want of memory.
+        // Nothing of ours throws; only running out of memory gets here.
         Complain(error.what());
         return kExitFailed;
     }

@@ -14,9 +14,9 @@ namespace {
 
 constexpr int kPresses = 20;
 constexpr uint64_t kStillPictures = 12;   // in a row, before a press
-constexpr int64_t kPatience = 10'000'000; // microseconds until something must happen
-constexpr int64_t kFewestPause = 20'000;  // microseconds after the picture stands still
-constexpr int kPauseSpread = 50'000;      // microseconds on top, by chance
+constexpr int64_t kPatience = 10'000'000; // microseconds to wait for a picture
+constexpr int64_t kFewestPause = 20'000;  // microseconds after the picture has stopped changing
+constexpr int kPauseSpread = 50'000;      // microseconds on top, at random
 constexpr double kMicroseconds = 1000.0;  // in a millisecond
 
 class Probe {
@@ -26,7 +26,7 @@ public:
         application.Sets().KeepPicture(true);
     }
 
-    // Runs rounds until `done`; false when the program ends or the patience does.
+    // Runs rounds until `done`; false when the program or the patience ends.
     template <typename Done>
     bool RunUntil(Done done) {
         const int64_t start = Now();

@@ -275,7 +275,7 @@ bool LoadState(EMU_THREAD& session, bool& wasThere) {
 } // namespace
 
 TAKEN_STATE EmuTakeState(EMU_THREAD& session) {
-    std::string why = "the machine gives none";
+    std::string why = "the machine returned no state";
     try {
         TAKEN_STATE state;
         state.bytes = session.machine->SaveState(state.size);

@@ -40,10 +40,10 @@ bool KeepOther(const fs::path& file, const Bytes& content) {
     const fs::path aside = FreeAsidePath(file, "other");
     std::string error;
     if (!WriteFile(aside, content, error, WriteMode::kCreate)) {
-        HostReport(path + ": somebody else has written it, and no copy can be kept: " + error);
+        HostReport(path + ": another program has written it, and no copy can be kept: " + error);
         return false;
     }
-    HostReport(path + ": somebody else has written it; a copy is kept as " + aside.string());
+    HostReport(path + ": another program has written it; a copy is kept as " + aside.string());
     return true;
 }
 

@@ -164,12 +164,12 @@ std::unique_ptr<EMU_THREAD> EmuCreateSession(uint32_t key, CGameFile* const game
     const uint32_t system = game.Header().system;
     const MACHINE_ENTRY* const entry = EmuFindMachine(system);
     if (entry == nullptr) {
-        EmuSetLastError("system number " + std::to_string(system) + " selects no machine");
+        EmuSetLastError("no machine has the system number " + std::to_string(system));
         return nullptr;
     }
     std::unique_ptr<CEmuSystem> machine = entry->construct(key);
     if (!machine) {
-        EmuSetLastError("the machine cannot be made");
+        EmuSetLastError("the machine cannot be constructed");
         return nullptr;
     }
     EmuSetLastError({});

@@ -129,13 +129,13 @@ bool OpenImageFile(const fs::path& path, const MACHINE_FACTS* system, CGameFile&
     IMAGE_VISITOR visitor;
     visitor.image = [&](const FOUND_IMAGE& image) {
         if (IsBareCopierHeader(image.system, image.bytes)) {
-            error = path.string() + ": is only a copier's header; no Mega Drive image is behind it";
+            error = path.string() + ": is only a copier's header, without a Mega Drive image";
             return false;
         }
         bool known = false;
         built = BuildGame(image.system, image.stem, image.bytes, LoadDatabase(image.system), game,
                           known);
-        error = built ? "" : path.string() + ": is no image that can be played by itself";
+        error = built ? "" : path.string() + ": is not an image that can be played by itself";
         return false;
     };
     visitor.fault = [&](const std::string& fault) { error = fault; };
@@ -176,7 +176,7 @@ bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_
     }
     const uint16_t number = system != nullptr ? system->system : SystemOfExtension(extension);
     if (number == 0) {
-        error = path.string() + ": is of no known kind; the extension tells the system";
+        error = path.string() + ": is of an unknown kind; the extension tells the system";
         return false;
     }
     visitor.image({StemOf(path), number, std::move(bytes)});

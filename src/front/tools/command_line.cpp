@@ -38,7 +38,7 @@ void StartUp(const std::string& homeOption) {
     std::string error;
     static_cast<void>(LoadSettingsFile(Settings(), error));
     if (!error.empty()) {
-        PostReport(error + "; what it does not say has its default");
+        PostReport(error + "; missing settings have their defaults");
     }
     ApplyAudioRate();
     EmuSetMachines(BuiltInMachines());
@@ -63,31 +63,31 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
     app.add_option("--bios", play.bios, "A console BIOS")->type_name("FILE");
     app.add_flag("--headless", play.headless,
                  "No window, no device, no pacing, no autosave, no .sav");
-    app.add_option("--frames", play.frames, "Stop after so many frames")->type_name("N");
-    app.add_flag("--static", play.showStatic, "Begin with the television static");
+    app.add_option("--frames", play.frames, "Stop after N frames")->type_name("N");
+    app.add_flag("--static", play.showStatic, "Begin with television static");
     app.add_option("--input", play.inputFile, "Lines \"FRAME ACTION down|up\"")->type_name("FILE");
     app.add_option("--screenshot", play.screenshots,
                    "FRAME=FILE.png or last=FILE.png; frames count from 1")
         ->expected(1)
         ->take_all();
-    app.add_option("--wav", play.wavFile, "The sound as the machine delivered it")
+    app.add_option("--wav", play.wavFile, "Write the sound as the machine made it")
         ->type_name("FILE");
     app.add_option("--frame-hashes", play.hashFile,
-                   "A line a frame with the hashes of picture and sound")
+                   "Write a line for each frame with the hashes of picture and sound")
         ->type_name("FILE");
-    app.add_option("--save-state", play.saveState, "The state at the end")->type_name("FILE");
-    app.add_option("--load-state", play.loadState, "The state at the start")->type_name("FILE");
+    app.add_option("--save-state", play.saveState, "Write the state at the end")->type_name("FILE");
+    app.add_option("--load-state", play.loadState, "Load a state at the start")->type_name("FILE");
     app.add_option("--peek", play.peeks,
                    "At the end print bytes as the main processor would read them")
         ->type_name("ADDRESS[:LENGTH]")
         ->expected(1)
         ->take_all();
-    app.add_option("--dump", play.dumps, "At the end write a memory whole")
+    app.add_option("--dump", play.dumps, "At the end write a whole memory")
         ->type_name("REGION=FILE")
         ->expected(1)
         ->take_all();
     app.add_option("--latency", play.latencyAction,
-                   "In the window: measure from this action's key to the picture, and end")
+                   "In the window: measure the time from this action's key to the picture, and end")
         ->type_name("ACTION");
     app.footer(PlayHelp());
 }
@@ -106,7 +106,7 @@ int Run(int argc, const char* const* argv) {
 
     BENCH_OPTIONS bench;
     CLI::App* benchApp =
-        app.add_subcommand("bench", "How fast the machines run, unpaced, on one core");
+        app.add_subcommand("bench", "Measure how fast the machines run, unpaced, on one core");
     std::vector<std::string> benchMachines = MachineNames();
     benchMachines.emplace_back("all");
     benchApp->add_option("--machine", bench.machine, "One machine, or all")
@@ -126,10 +126,10 @@ int Run(int argc, const char* const* argv) {
         ->check(CLI::IsMember(MachineNames()));
 
     std::vector<std::filesystem::path> infoPaths;
-    CLI::App* infoApp = app.add_subcommand("info", "What a ROM, zip or .game holds");
+    CLI::App* infoApp = app.add_subcommand("info", "Show what a ROM, zip or .game holds");
     infoApp->add_option("PATH", infoPaths, "Files")->required();
 
-    CLI::App* actionsApp = app.add_subcommand("actions", "Every action name with its bindings");
+    CLI::App* actionsApp = app.add_subcommand("actions", "List every action with its bindings");
 
     try {
         app.parse(argc, argv);

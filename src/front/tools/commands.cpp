@@ -219,7 +219,7 @@ void ApplyAudioRate() {
     if (rate >= kLowestRate && rate <= kHighestRate) {
         SetAudioRate(static_cast<uint32_t>(rate));
     } else {
-        Complain("a sample rate of " + std::to_string(rate) + " cannot be; " +
+        Complain("a sample rate of " + std::to_string(rate) + " is not possible; " +
                  std::to_string(AudioRate()) + " is used");
     }
 }

@@ -105,7 +105,7 @@ private:
             return false;
         }
         if (!session->machine->LoadState(bytes.data(), static_cast<uint32_t>(bytes.size()))) {
-            Complain(options.loadState + ": is no state of this machine");
+            Complain(options.loadState + ": is not a state of this machine");
             return false;
         }
         return true;
@@ -149,7 +149,7 @@ private:
         uint32_t size = 0;
         const StateBlob state = session->machine->SaveState(size);
         if (!state) {
-            Complain(options.saveState + ": the machine gives no state");
+            Complain(options.saveState + ": the machine returned no state");
             return false;
         }
         return Write(options.saveState, {state.get(), size});

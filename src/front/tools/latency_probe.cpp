@@ -76,7 +76,7 @@ int MeasureLatency(Application& application, size_t action) {
     std::vector<double> milliseconds;
     for (int press = 0; press < kPresses; ++press) {
         if (!probe.WaitForStillPicture() || !probe.Pause()) {
-            Complain("latency: the picture does not stand still");
+            Complain("latency: the picture does not stop changing");
             return kExitFailed;
         }
         const int64_t start = Probe::Now();
@@ -88,7 +88,7 @@ int MeasureLatency(Application& application, size_t action) {
         milliseconds.push_back(static_cast<double>(Probe::Now() - start) / kMicroseconds);
         static_cast<void>(InjectAction(action, false));
         if (!changed) {
-            Complain("latency: the picture does not answer the key");
+            Complain("latency: the picture does not react to the key");
             return kExitFailed;
         }
     }

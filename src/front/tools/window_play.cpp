@@ -75,7 +75,7 @@ public:
         }
         if (!options.latencyAction.empty() && !FindAction(options.latencyAction, latencyAction)) {
             Complain("--latency " + options.latencyAction +
-                     ": is no action; \"ombrelune actions\" lists them");
+                     ": unknown action; \"ombrelune actions\" lists them all");
             return kExitUsage;
         }
         if (!options.inputFile.empty() && !script.Load(options.inputFile, error)) {
@@ -144,7 +144,7 @@ private:
             const uint32_t frame = FramesPresented();
             for (const INPUT_EVENT& event : script.TakeEarliest(frame + 1)) {
                 if (!InjectAction(event.action, event.down)) {
-                    Complain(options.inputFile + ": an action that no key is bound to");
+                    Complain(options.inputFile + ": names an action without a key");
                 }
             }
             over = lastFrame != 0 && application.Sets().FrameShown() >= lastFrame;

@@ -219,7 +219,7 @@ bool FillAndFlush(FilePointer file, std::span<const uint8_t> bytes) {
     return written && closed;
 }
 
-// Gives the finished temporary its name.
+// Renames the finished temporary.
 bool PutInPlace(const fs::path& temporary, const fs::path& target, WriteMode mode,
                 std::error_code& code) {
     if (mode == WriteMode::kCreate) {

@@ -13,7 +13,7 @@
 // 30 (which makes the eight directions about equally wide, 43 degrees for a diagonal); a trigger goes
 // down at 50 percent and up again at 40.
 // Thread: main.
-// Failure: without joysticks, or without the library's part for them, there are none; nothing is
+// Failure: without joysticks, or if the library's joystick part fails, there are none; nothing is
 // reported.
 #pragma once
 

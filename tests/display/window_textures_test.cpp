@@ -1,8 +1,7 @@
-#include "display/window_textures.h"
-
 #include "display/display_fixture.h"
 #include "display/gl_private.h"
 #include "display/screen_reader.h"
+#include "display/window_textures.h"
 
 #include <vector>
 

@@ -231,7 +231,7 @@ TEST_F(Session, CallbacksComeInTheirOrderOnTheirThreads) {
     EXPECT_EQ(std::count(gLog.begin() + 2, gLog.end(), "threadEnd"), 1);
 }
 
-// The record is gone before the thread gives its processor back, and the stop did not wait for that.
+// The record is gone before the thread releases its processor, and the stop did not wait for that.
 TEST_F(Session, StopDoesNotWaitForThreadEnd) {
     static std::atomic<bool> gMayEnd;
     static EMU_HOST_CALLBACKS base = TestHost();

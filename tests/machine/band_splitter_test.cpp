@@ -101,8 +101,8 @@ TEST(BandSplitter, EveryBandFollowsTheAnaloguePairs) {
 
 TEST(BandSplitter, TheSumIsFlatButForAShallowDipAboveTheLowerSplit) {
     // The low band has not gone through the second crossover's phase shift, so the three cannot sum
-    // flat. Between 600 and 5,000 Hz theory gives a dip of 0.152 dB at 789 Hz for this structure, and
-    // under a tenth of a decibel below 570 and above 1,290 Hz.
+    // flat. Between 600 and 5,000 Hz theory predicts a dip of 0.152 dB at 789 Hz for this structure,
+    // and under a tenth of a decibel below 570 and above 1,290 Hz.
     double lowest = 0.0;
     for (const double frequency : kFrequencies) {
         const double sum = Measure(kBoost, {1, 1, 1}, frequency);

@@ -1,4 +1,4 @@
-// `config.xml` on the disk: what a start makes of it and what a save leaves behind.
+// `config.xml` on the disk: what a start reads from it and what a save writes.
 #include "settings/settings.h"
 #include "settings/store/settings_private.h"
 

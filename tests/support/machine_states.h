@@ -127,7 +127,7 @@ inline int LoadDamaged(CEmuSystem& machine, const SAVED& saved, const std::funct
     int taken = 0;
     for (int round = 0; round < 60; ++round) {
         std::vector<uint8_t> damaged = saved.Cut(saved.size);
-        // One piece after the other, as a refused one hides those behind it.
+        // One piece after the other, as a refused one hides those after it.
         const size_t piece = static_cast<size_t>(round) % sizes.size();
         uint32_t at = 0;
         for (size_t i = 0; i < piece; ++i) {

@@ -124,8 +124,8 @@ void EventPump::HandleKey(const SDL_KeyboardEvent& event, PUMP_EVENTS& events) {
     const bool down = event.type == SDL_KEYDOWN;
     const bool repeat = down && event.repeat != 0;
     const auto scancode = static_cast<uint32_t>(event.keysym.scancode);
-    // A repeat is ignored: it must not set again what the loss of keyboard focus has cleared. So is the
-    // Return of Alt + Return, which is the program's and not a game's.
+    // A repeat does not reach the tables: it must not set again what the loss of keyboard focus has
+    // cleared. Nor does the Return of Alt + Return, which is the program's and not a game's.
     const bool chord =
         event.keysym.scancode == SDL_SCANCODE_RETURN && (event.keysym.mod & KMOD_ALT) != 0 && down;
     if (!repeat && !chord && scancode < keysDown.size()) {

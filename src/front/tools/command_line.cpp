@@ -54,7 +54,7 @@ std::vector<std::string> MachineNames() {
 
 void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
     app.add_option("GAME", play.game, "A ROM, a .zip, a .game or demo:NAME")->required();
-    app.add_option("--machine", play.machine, "The machine, instead of what the file says")
+    app.add_option("--machine", play.machine, "The machine, if not the one that the file says")
         ->check(CLI::IsMember(MachineNames()));
     app.add_option("--set", play.settings, "A machine option or a setting for this run")
         ->type_name("NAME=VALUE")
@@ -65,7 +65,7 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
                  "No window, no device, no pacing, no autosave, no .sav");
     app.add_option("--frames", play.frames, "Stop after N frames")->type_name("N");
     app.add_flag("--static", play.showStatic, "Begin with television static");
-    app.add_option("--input", play.inputFile, "Lines \"FRAME ACTION down|up\"")->type_name("FILE");
+    app.add_option("--input", play.inputFile, "Press actions by a file of lines \"FRAME ACTION down|up\"")->type_name("FILE");
     app.add_option("--screenshot", play.screenshots,
                    "FRAME=FILE.png or last=FILE.png; frames count from 1")
         ->expected(1)
@@ -93,7 +93,7 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
 }
 
 int Run(int argc, const char* const* argv) {
-    CLI::App app("Ombrelune, an emulator of five consoles", "ombrelune");
+    CLI::App app("Ombrelune, an emulator of five machines", "ombrelune");
     app.set_version_flag("--version", "ombrelune " OMBRELUNE_VERSION);
     app.require_subcommand(0, 1);
     app.fallthrough();
@@ -101,7 +101,7 @@ int Run(int argc, const char* const* argv) {
     app.add_option("--home", home, "The folder of settings, saves and games")->type_name("DIR");
 
     PLAY_OPTIONS play;
-    CLI::App* playApp = app.add_subcommand("play", "Play one game at once");
+    CLI::App* playApp = app.add_subcommand("play", "Play a game");
     AddPlayOptions(*playApp, play);
 
     BENCH_OPTIONS bench;
@@ -122,7 +122,7 @@ int Run(int argc, const char* const* argv) {
     convertApp->add_option("PATH", convert.paths, "ROM or zip files")->required();
     convertApp->add_option("--out", convert.outFolder, "Where the .game files go")
         ->type_name("DIR");
-    convertApp->add_option("--machine", convert.machine, "The machine, instead of the extension")
+    convertApp->add_option("--machine", convert.machine, "The machine, if not the one of the extension")
         ->check(CLI::IsMember(MachineNames()));
 
     std::vector<std::filesystem::path> infoPaths;

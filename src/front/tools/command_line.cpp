@@ -65,7 +65,8 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
                  "No window, no device, no pacing, no autosave, no .sav");
     app.add_option("--frames", play.frames, "Stop after N frames")->type_name("N");
     app.add_flag("--static", play.showStatic, "Begin with television static");
-    app.add_option("--input", play.inputFile, "Press actions by a file of lines \"FRAME ACTION down|up\"")->type_name("FILE");
+    app.add_option("--input", play.inputFile, "A file of presses, lines \"FRAME ACTION down|up\"")
+        ->type_name("FILE");
     app.add_option("--screenshot", play.screenshots,
                    "FRAME=FILE.png or last=FILE.png; frames count from 1")
         ->expected(1)
@@ -122,7 +123,8 @@ int Run(int argc, const char* const* argv) {
     convertApp->add_option("PATH", convert.paths, "ROM or zip files")->required();
     convertApp->add_option("--out", convert.outFolder, "Where the .game files go")
         ->type_name("DIR");
-    convertApp->add_option("--machine", convert.machine, "The machine, if not the one of the extension")
+    convertApp
+        ->add_option("--machine", convert.machine, "The machine, if not the one of the extension")
         ->check(CLI::IsMember(MachineNames()));
 
     std::vector<std::filesystem::path> infoPaths;

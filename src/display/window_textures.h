@@ -2,10 +2,10 @@
 // show them.
 //
 // Units: pixels of the screen and of the windows' surfaces, which are the same.
-// Owner: the main thread, with the context current; End before the context goes.
+// Owner: the main thread, with the context current; End before the context is destroyed.
 // Order: Draw in Ortho2D, back to front, after the picture below.
-// Failure: with 4,096 windows the table is full. A window that gets no texture, for that or for want of
-//   memory, is not seen, and whatever is asked of it later does nothing.
+// Failure: with 4,096 windows the table is full. A window without a texture, for that reason or because
+//   memory ran out, is not drawn, and calls for it do nothing.
 #pragma once
 
 #include "display/texture.h"
@@ -24,9 +24,9 @@ public:
 
     void Create(uint32_t id, int32_t width, int32_t height);
     void Destroy(uint32_t id);
-    // The whole surface, rows of `stride` pixels.
+    // Uploads the whole surface, rows of `stride` pixels.
     void Upload(uint32_t id, const uint32_t* pixels, int32_t stride);
-    // The part of the surface at (sourceX, sourceY), blended over the screen at (x, y).
+    // Blends the part of the surface at (sourceX, sourceY) over the screen at (x, y).
     void Draw(uint32_t id, int32_t sourceX, int32_t sourceY, int32_t x, int32_t y, int32_t width,
               int32_t height) const;
     void End();

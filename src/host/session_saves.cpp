@@ -53,11 +53,11 @@ void SessionLoadSaves(EMU_THREAD& session) {
     if (memory != nullptr) {
         BatteryPutBack(session.battery, *memory);
     }
-    session.battery.rolledBack = false; // nothing of this session's has been written yet
+    session.battery.rolledBack = false; // this session has not written anything yet
 }
 
 TAKEN_STATE SessionTakeAutosave(EMU_THREAD& session) {
-    // A machine that cannot go on would be resumed just to end again.
+    // A machine that cannot go on would only end again when resumed.
     if (!AutosaveWanted(kAutosaveSave) || session.machine->ended) {
         return {};
     }

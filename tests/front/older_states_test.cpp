@@ -1,4 +1,4 @@
-// States from before the resampler that the program has now: their sound pieces are of version 1 and are passed over.
+// States saved before the current resampler: their sound pieces have version 1 and are skipped.
 #include "base/files.h"
 #include "formats/game_file.h"
 #include "formats/zip.h"
@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr int kStateFrames = 300; // that were run before each state was saved
+constexpr int kStateFrames = 300; // run before each state was saved
 constexpr int kFrames = 30;
 constexpr size_t kSettled = 5;   // frames
 constexpr size_t kTogether = 16; // samples that are added up
@@ -86,7 +86,7 @@ public:
     std::unique_ptr<CEmuSystem> machine;
 };
 
-// The lower part of the sound, under 2 kHz or so.
+// The sound below about 2 kHz.
 std::vector<double> LeftFrom(const RUN& run, size_t frame) {
     std::vector<double> left;
     for (; frame < run.sounds.size(); ++frame) {
@@ -101,10 +101,9 @@ std::vector<double> LeftFrom(const RUN& run, size_t frame) {
     return left;
 }
 
-// 1 for the same sound, at the best of some places.
+// The best correlation over some shifts; 1 for the same sound.
 double Likeness(const std::vector<double>& one, const std::vector<double>& other) {
-    constexpr size_t kApart =
-        40; // pairs: what the filter of a loaded machine keeps back, and a little
+    constexpr size_t kApart = 40; // pairs: a little more than the delay of the filter
     double best = -1.0;
     const size_t count = std::min(one.size(), other.size()) - 2 * kApart;
     for (size_t shift = 0; shift <= 2 * kApart; ++shift) {
@@ -128,9 +127,9 @@ double Likeness(const std::vector<double>& one, const std::vector<double>& other
 
 } // namespace
 
-// Where an output lies between two of the chip's pairs is not known any more, so the sound comes out up to half a
-// sample earlier or later: at 2 kHz that leaves a likeness of cos(0.14) = 0.99. Where two chips are mixed, the older
-// program had let the one that was behind run on by itself at other times, so they are some samples apart.
+// The position of an output between two of the chip's pairs is lost, so the sound is up to half a
+// sample earlier or later: at 2 kHz that leaves a correlation of cos(0.14) = 0.99. Two mixed chips are
+// some samples apart, since the older program ran the later one on at other times.
 TEST(OlderStates, LoadWithTheSamePicturesAndTheSoundSettles) {
     RegisterDefaultSettings(Settings());
     BuiltInMachines().buildTables();

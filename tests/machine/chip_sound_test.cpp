@@ -70,7 +70,7 @@ TEST(ChipSound, CutoffWrapsInsteadOfClipping) {
     sound.Init(44100.0, CutOffAt(800, 15000));
     for (int round = 0; round < 4; ++round) {
         const std::vector<int16_t> out = Send(sound, std::vector<int16_t>(2000, 30000));
-        // A steady 30,000 comes to 45,000, which is -20,536 in sixteen bits.
+        // A steady 30,000 becomes 45,000, which is -20,536 in sixteen bits.
         if (round == 3) {
             EXPECT_NEAR(out[1998], 45000 - 65536, 1);
             EXPECT_NEAR(out[1999], 45000 - 65536, 1);
@@ -82,7 +82,7 @@ TEST(ChipSound, CutoffSplitsAreTheChoiceWithTheRateTruncated) {
     SOUND_CHOICE choice = CutOffAt(1234, 4321);
     choice.rate = 44100;
     ChipSound sound;
-    sound.Init(44100.9, choice); // so near the program's that the pick takes each of these pairs
+    sound.Init(44100.9, choice); // so near the program's rate that each of these pairs is picked
     BandSplitter splitter;
     splitter.SetCrossovers(44100.0, 1234.0, 4321.0);
     splitter.gains = {1.5, 1.0, 0.0};

@@ -1,4 +1,4 @@
-// Taps: presses that come and go between two looks.
+// Taps: presses and releases between two looks.
 #include "settings/bindings.h"
 #include "settings/input_frame.h"
 #include "settings/pad_defaults.h"
@@ -112,7 +112,7 @@ TEST_F(InputFrames, WhatIsDownStaysSoForTheWholeFrame) {
     EXPECT_FALSE(BindingIsDown(kKeyA, false));
     InputKeyChanged(kKeyA, false);
     {
-        InputLooker other; // one that begins to look only now
+        InputLooker other; // a looker that starts only now
         const InputFrame inner(other, kSession);
         EXPECT_FALSE(InputIsDown(kSession, L"NES P1 BUTTONB"));
     }
@@ -208,8 +208,8 @@ TEST_F(InputFrames, ClearingEverythingForgetsTaps) {
     EXPECT_FALSE(Next(L"SMS P1 BUTTON1"));
 }
 
-// Taps while another thread looks as fast as it can: an edge for each tap, none lost and none twice. The
-// tapping thread waits for each to be seen.
+// Taps while another thread looks as fast as it can: one edge for each tap, none lost and none twice.
+// The tapping thread waits until each is seen.
 TEST_F(InputFrames, EveryTapIsOneEdgeToAThreadThatLooks) {
     constexpr int kTaps = 2000;
     std::atomic<int> edges{0};

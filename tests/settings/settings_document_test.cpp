@@ -312,8 +312,8 @@ TEST(SettingsDocument, CharactersThatXmlCannotHoldBecomeReplacements) {
     }
 }
 
-// What a hand or another program may have put into the file. All of it loads, with the value that the
-// odd place has and the setting after it.
+// What a user or another program may write into the file. All of it loads: the odd entry and the
+// setting after it.
 void ExpectWhole(const char* what, const std::string& document, const wchar_t* expected) {
     SettingsStore store;
     RegisterSome(store);
@@ -391,7 +391,7 @@ TEST(SettingsDocument, AFaultEndsTheReadingThere) {
     }
 }
 
-// A value that is cut must not be taken for a shorter one.
+// A truncated value must not be read as a shorter one.
 TEST(SettingsDocument, OfACutDocumentTheWholeElementsCount) {
     const std::string one = Element("int", "app_window_width", "1111");
     const std::string two = Element("int", "app_window_height", "2222");
@@ -471,7 +471,7 @@ TEST(SettingsDocument, ADocumentFullOfUnknownNamesLoads) {
     EXPECT_EQ(store.GetInt(L"number"), 5);
 }
 
-// A locale whose decimal sign is a comma, where the machine has one.
+// A locale whose decimal sign is a comma, if one is installed.
 TEST(SettingsDocument, TheLocaleChangesNothing) {
     const std::string before =
         std::setlocale(LC_ALL, nullptr); // NOLINT(concurrency-mt-unsafe): one thread

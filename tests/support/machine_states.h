@@ -14,7 +14,7 @@
 #include <random>
 #include <vector>
 
-// Frames of a run behind a state. Instrumented, a tenth of it tells of bytes out of bounds just as well.
+// Frames of a run after a state. In a sanitizer build a tenth finds reads out of bounds just as well.
 #ifdef OMBRELUNE_SANITIZED
 inline constexpr int kFollowingFrames = 60;
 #else
@@ -34,7 +34,7 @@ struct SAVED {
     [[nodiscard]] bool operator==(const SAVED& other) const {
         return size == other.size && std::memcmp(blob.get(), other.blob.get(), size) == 0;
     }
-    // A copy of just this length, so that a read past its end is seen by the sanitizer.
+    // A copy of exactly this length, so that the sanitizer sees a read past its end.
     [[nodiscard]] std::vector<uint8_t> Cut(uint32_t length) const {
         return {blob.get(), blob.get() + length};
     }
@@ -46,7 +46,7 @@ inline SAVED Save(CEmuSystem& machine) {
     return saved;
 }
 
-// Of all pieces, the sound's too.
+// Of all pieces, including the sound's.
 inline std::vector<uint32_t> AllPieceSizes(const SAVED& saved) {
     std::vector<uint32_t> sizes;
     for (uint32_t at = 0; at + 5 <= saved.size;) {
@@ -69,7 +69,7 @@ inline void ExpectSameFrames(const std::vector<FRAME_RESULT>& one,
     }
 }
 
-// That a run is no still picture and no even tone, so that comparing it tells something.
+// Expects a moving picture and a changing sound, so that comparing runs proves something.
 inline void ExpectALivelyRun(const std::vector<FRAME_RESULT>& run) {
     size_t pictures = 0;
     size_t sounds = 0;
@@ -86,8 +86,8 @@ inline void ExpectSavedAlike(const SAVED& saved, CEmuSystem& other) {
     EXPECT_TRUE(Save(other) == saved);
 }
 
-// A state that ends in the middle of one of these pieces, which stand at its beginning, or behind its first
-// bytes. `fits` says which of the cuts are a state all the same.
+// States cut off in the middle of each of these first pieces, or after their first bytes. `fits` says
+// which of them are still valid.
 inline void ExpectCutsAreRefused(
     CEmuSystem& machine, const SAVED& saved, const std::vector<uint32_t>& sizes,
     const std::function<bool(size_t piece, bool atStart)>& fits = [](size_t, bool) {
@@ -120,14 +120,14 @@ inline void ExpectWrongHeadersAreRefused(CEmuSystem& machine, const SAVED& saved
     EXPECT_TRUE(machine.LoadState(saved.blob.get(), saved.size));
 }
 
-// Loads sixty damaged copies and calls `play` behind each that was taken; gives how many were.
+// Loads sixty damaged copies and calls `play` after each that was accepted; returns how many were.
 inline int LoadDamaged(CEmuSystem& machine, const SAVED& saved, const std::function<void()>& play) {
     std::mt19937 random(1);
     const std::vector<uint32_t> sizes = AllPieceSizes(saved);
     int taken = 0;
     for (int round = 0; round < 60; ++round) {
         std::vector<uint8_t> damaged = saved.Cut(saved.size);
-        // One piece after the other, as a refused one hides those behind it.
+        // One piece after the other, as a refused one hides those after it.
         const size_t piece = static_cast<size_t>(round) % sizes.size();
         uint32_t at = 0;
         for (size_t i = 0; i < piece; ++i) {

@@ -72,8 +72,8 @@ InputLooker::InputLooker()
     : seen(gPressLog.newest.load(std::memory_order_acquire))
     , lookedAt(InputClock()) {}
 
-// A press later than the newest number may be in the tables already. It belongs to the next frame, or a
-// tap could be seen in two.
+// The tables may already hold a press later than the newest number. It belongs to the next frame;
+// otherwise two frames could see one tap.
 void InputLooker::Look(bool withTaps) {
     const uint64_t newest = gPressLog.newest.load(std::memory_order_acquire);
     if (newest == seen && !refreshes) {

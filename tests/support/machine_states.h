@@ -5,13 +5,16 @@
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 
+#include "support/state_table.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <map>
 #include <random>
+#include <string>
 #include <vector>
 
 // Frames of a run behind a state. Instrumented, a tenth of it tells of bytes out of bounds just as well.
@@ -57,6 +60,32 @@ inline std::vector<uint32_t> AllPieceSizes(const SAVED& saved) {
         at += std::max(size, 5U);
     }
     return sizes;
+}
+
+// The state is made of the pieces that docs/STATES.md lists for the machine. `kinds` says which tables stand for the
+// pieces that go by the cartridge, with an empty name for one that this machine does not have.
+inline void ExpectPiecesAsListed(const std::string& machine, const SAVED& saved,
+                                 const std::map<std::string, std::string>& kinds = {}) {
+    const std::vector<uint32_t> sizes = AllPieceSizes(saved);
+    size_t index = 0;
+    uint32_t at = 0;
+    for (const std::string& name : ReadMachinePieces(machine)) {
+        SCOPED_TRACE(name);
+        const auto kind = kinds.find(name);
+        const std::string table = kind != kinds.end() ? kind->second : name;
+        if (table.empty()) {
+            continue;
+        }
+        ASSERT_LT(index, sizes.size());
+        if (name == "sound") {
+            EXPECT_EQ(saved.blob[at], kSoundPieceVersion);
+        } else {
+            EXPECT_EQ(saved.blob[at], 1);
+            EXPECT_EQ(sizes[index], ReadStateTable(table).size);
+        }
+        at += sizes[index++];
+    }
+    EXPECT_EQ(index, sizes.size());
 }
 
 inline void ExpectSameFrames(const std::vector<FRAME_RESULT>& one,

@@ -4,7 +4,6 @@
 #include "base/bytes.h"
 
 #include "support/state_table.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -80,8 +79,8 @@ void ExpectFieldInItsPlace(const STATE_TABLE& table, const STATE_ROW& row, const
     std::vector<uint8_t> expected = before;
     for (size_t i = 0; i < field.count; ++i) {
         const size_t at = row.offset + i * row.width;
-        const uint64_t value = Another(ValueAt(before, at, row.width), row.width,
-                                       row.isBool ? 1 : field.bits, i);
+        const uint64_t value =
+            Another(ValueAt(before, at, row.width), row.width, row.isBool ? 1 : field.bits, i);
         for (uint32_t byte = 0; byte < field.width; ++byte) {
             field.data[i * field.width + byte] =
                 byte < 8 ? static_cast<uint8_t>(value >> (8 * byte)) : uint8_t{0};
@@ -109,7 +108,8 @@ void ExpectFieldInItsPlace(const STATE_TABLE& table, const STATE_ROW& row, const
 // Every row of the table is a field of the list, every field of the list is a row, and setting a field changes
 // its bytes and no other. `save` returns the piece.
 template <typename Save>
-void ExpectFieldsAsListed(const std::string& piece, const std::vector<StateField>& fields, Save&& save) {
+void ExpectFieldsAsListed(const std::string& piece, const std::vector<StateField>& fields,
+                          Save&& save) {
     SCOPED_TRACE(piece);
     const STATE_TABLE table = ReadStateTable(piece);
     const std::vector<uint8_t> before = save();
@@ -128,7 +128,8 @@ void ExpectFieldsAsListed(const std::string& piece, const std::vector<StateField
         SCOPED_TRACE(row.name);
         if (row.name == "-") {
             const auto first = before.begin() + row.offset;
-            EXPECT_TRUE(std::all_of(first, first + row.width * row.count, [](uint8_t byte) { return byte == 0; }));
+            EXPECT_TRUE(std::all_of(first, first + row.width * row.count,
+                                    [](uint8_t byte) { return byte == 0; }));
         } else if (const auto field = byName.find(row.name); field != byName.end()) {
             state_fields_detail::ExpectFieldInItsPlace(table, row, *field->second, before, save);
             byName.erase(field);
@@ -174,7 +175,8 @@ inline void ExpectValuesAsListed(const std::string& piece, const std::vector<uin
         ASSERT_NE(found, values.end());
         ASSERT_LE(found->second.size(), row.count);
         for (size_t i = 0; i < found->second.size(); ++i) {
-            EXPECT_EQ(state_fields_detail::ValueAt(block, row.offset + i * row.width, row.width), found->second[i])
+            EXPECT_EQ(state_fields_detail::ValueAt(block, row.offset + i * row.width, row.width),
+                      found->second[i])
                 << i;
         }
     }

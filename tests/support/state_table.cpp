@@ -13,13 +13,14 @@ constexpr uint32_t kHeaderBytes = 5;
 using CELLS = std::vector<std::string>;
 
 struct SECTION {
-    std::vector<CELLS> rows;                      // of the table under the heading
+    std::vector<CELLS> rows;                           // of the table under the heading
     std::map<std::string, std::vector<CELLS>> records; // of the tables under its own headings
 };
 
 std::string Trim(const std::string& text) {
     const size_t first = text.find_first_not_of(' ');
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
+    return first == std::string::npos ? ""
+                                      : text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 CELLS Split(const std::string& text, char separator) {
@@ -32,7 +33,8 @@ CELLS Split(const std::string& text, char separator) {
 }
 
 uint32_t Number(const std::string& text) {
-    if (text.empty() || !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+    if (text.empty() ||
+        !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; })) {
         throw std::runtime_error("no number: " + text);
     }
     return static_cast<uint32_t>(std::stoul(text));
@@ -54,7 +56,8 @@ std::map<std::string, SECTION> ReadSections() {
         } else if (line.rfind("| ", 0) == 0 && line.rfind("| offset", 0) != 0 &&
                    line.rfind("| ---", 0) != 0 && line.rfind("| machine", 0) != 0) {
             SECTION& section = sections[piece];
-            (record.empty() ? section.rows : section.records[record]).push_back(Split(line.substr(1), '|'));
+            (record.empty() ? section.rows : section.records[record])
+                .push_back(Split(line.substr(1), '|'));
         }
     }
     return sections;
@@ -71,15 +74,15 @@ const SECTION& SectionOf(const std::string& heading) {
 
 uint32_t WidthOf(const std::string& type) {
     static const std::map<std::string, uint32_t> kWidths = {
-        {"u8",  1},
+        {"u8",   1},
         {"bool", 1},
-        {"u16", 2},
-        {"i16", 2},
-        {"u32", 4},
-        {"i32", 4},
-        {"u64", 8},
-        {"f32", 4},
-        {"f64", 8}
+        {"u16",  2},
+        {"i16",  2},
+        {"u32",  4},
+        {"i32",  4},
+        {"u64",  8},
+        {"f32",  4},
+        {"f64",  8}
     };
     const auto found = kWidths.find(type);
     return found == kWidths.end() ? 0 : found->second;
@@ -96,7 +99,8 @@ uint32_t Expand(const SECTION& section, const std::vector<CELLS>& rows, const st
         const std::string kTimes = " × ";
         const size_t times = cells[2].find(kTimes);
         const std::string type = cells[2].substr(0, times);
-        const uint32_t count = times == std::string::npos ? 1 : Number(cells[2].substr(times + kTimes.size()));
+        const uint32_t count =
+            times == std::string::npos ? 1 : Number(cells[2].substr(times + kTimes.size()));
         // What is written and not read back stands in brackets.
         const bool bracketed = cells[3].front() == '(';
         const std::string name =
@@ -113,8 +117,10 @@ uint32_t Expand(const SECTION& section, const std::vector<CELLS>& rows, const st
                 throw std::runtime_error(name + " is of an unknown type, " + type);
             }
             for (uint32_t i = 0; i < count; ++i) {
-                const std::string index = times == std::string::npos ? "" : "[" + std::to_string(i) + "]";
-                bytes += Expand(section, record->second, name + index + ".", base + at + bytes, out);
+                const std::string index =
+                    times == std::string::npos ? "" : "[" + std::to_string(i) + "]";
+                bytes +=
+                    Expand(section, record->second, name + index + ".", base + at + bytes, out);
             }
         }
         if (Number(cells[1]) != bytes) {
@@ -131,8 +137,9 @@ STATE_TABLE ReadStateTable(const std::string& piece) {
     const SECTION& section = SectionOf(piece);
     STATE_TABLE table;
     table.size = Expand(section, section.rows, "", 0, table.rows);
-    if (table.size < kHeaderBytes || table.rows[0].name != "version" || table.rows[1].name != "size" ||
-        Number(section.rows[0][4]) != 1 || Number(section.rows[1][4]) != table.size) {
+    if (table.size < kHeaderBytes || table.rows[0].name != "version" ||
+        table.rows[1].name != "size" || Number(section.rows[0][4]) != 1 ||
+        Number(section.rows[1][4]) != table.size) {
         throw std::runtime_error(piece + " does not begin with its version and its size");
     }
     table.rows.erase(table.rows.begin(), table.rows.begin() + 2);

@@ -7,7 +7,8 @@
 
 // A field of a piece: `count` numbers of `width` bytes from `offset` on.
 struct STATE_ROW {
-    std::string name; // as in the record, for example "channels[2].slots[0].ar"; "-" for bytes without a field
+    std::string
+        name; // as in the record, for example "channels[2].slots[0].ar"; "-" for bytes without a field
     uint32_t offset = 0;
     uint32_t width = 0;
     uint32_t count = 0;

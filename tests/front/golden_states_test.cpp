@@ -87,28 +87,44 @@ TEST_P(GoldenState, LoadsAndGoesOnAsItDid) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, GoldenState, testing::ValuesIn(GoldenNames()), [](const auto& testCase) {
-    std::string name = testCase.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(All, GoldenState, testing::ValuesIn(GoldenNames()),
+                         [](const auto& testCase) {
+                             std::string name = testCase.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
 
 // What is there must stay; a new machine, board, option or version of a piece brings one more.
 TEST(GoldenStates, AreThereForEveryMachineBoardAndKindOfSound) {
     const std::vector<std::string> names = GoldenNames();
     const std::set<std::string> known(names.begin(), names.end());
-    for (const char* name :
-         {"arcade-analog", "arcade-dial", "arcade-skywren", "gg-full", "gg-glimmer", "gg-linked-japanese",
-          "gg-plain", "md-battery", "md-eeprom", "md-mistral", "md-pal", "md-plain", "md-svp", "md-testcard",
-          "nes-board-0", "nes-board-0-ram", "nes-board-1", "nes-board-1-ram", "nes-board-2", "nes-board-3",
-          "nes-board-4", "nes-board-4-four-ram", "nes-board-66", "nes-board-7", "nes-board-73", "nes-board-9",
-          "nes-ecume", "nes-grelot", "nes-testcard", "older-arcade-skywren", "older-gg-glimmer",
-          "older-md-mistral", "older-nes-ecume", "older-sms-luciole", "sms-japanese-fm", "sms-luciole",
-          "sms-mark3", "sms-pal-fm-glasses-phaser-sportspad", "sms-plain", "sms-torture", "sms1-pal",
-          "sms1-paddle-6button", "sound-cutoff", "sound-quality-0", "sound-quality-2"}) {
+    for (const char* name : {"arcade-analog",    "arcade-dial",
+                             "arcade-skywren",   "gg-full",
+                             "gg-glimmer",       "gg-linked-japanese",
+                             "gg-plain",         "md-battery",
+                             "md-eeprom",        "md-mistral",
+                             "md-pal",           "md-plain",
+                             "md-svp",           "md-testcard",
+                             "nes-board-0",      "nes-board-0-ram",
+                             "nes-board-1",      "nes-board-1-ram",
+                             "nes-board-2",      "nes-board-3",
+                             "nes-board-4",      "nes-board-4-four-ram",
+                             "nes-board-66",     "nes-board-7",
+                             "nes-board-73",     "nes-board-9",
+                             "nes-ecume",        "nes-grelot",
+                             "nes-testcard",     "older-arcade-skywren",
+                             "older-gg-glimmer", "older-md-mistral",
+                             "older-nes-ecume",  "older-sms-luciole",
+                             "sms-japanese-fm",  "sms-luciole",
+                             "sms-mark3",        "sms-pal-fm-glasses-phaser-sportspad",
+                             "sms-plain",        "sms-torture",
+                             "sms1-pal",         "sms1-paddle-6button",
+                             "sound-cutoff",     "sound-quality-0",
+                             "sound-quality-2"}) {
         EXPECT_EQ(known.count(name), 1U) << name;
         for (const char* ending : {".game", ".state.gz"}) {
-            EXPECT_TRUE(std::filesystem::exists(kGoldenFolder / (std::string(name) + ending))) << name << ending;
+            EXPECT_TRUE(std::filesystem::exists(kGoldenFolder / (std::string(name) + ending)))
+                << name << ending;
         }
     }
 }

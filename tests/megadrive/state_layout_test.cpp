@@ -17,129 +17,104 @@
 
 namespace {
 
-using Fields = std::vector<StateField>;
-
-void Append(Fields& fields, const std::string& at, const Fields& more) {
-    for (StateField field : more) {
-        field.name.insert(0, at);
-        fields.push_back(std::move(field));
-    }
-}
-
-void Add(Fields& fields, const std::string& at, YM2612_RATE& rate) {
-    Append(fields, at,
-           {
-               {"shift",  rate.shift },
-               {"select", rate.select}
+void Add(StateFields& fields, const std::string& at, YM2612_RATE& rate) {
+    AppendFields(fields, at,
+                 {
+                     {"shift",  rate.shift },
+                     {"select", rate.select}
     });
 }
 
-void Add(Fields& fields, const std::string& at, YM2612_PITCH& pitch) {
-    Append(fields, at,
-           {
-               {"blockFnum", pitch.blockFnum},
-               {"keyCode",   pitch.keyCode  },
-               {"fc",        pitch.fc       }
+void Add(StateFields& fields, const std::string& at, YM2612_PITCH& pitch) {
+    AppendFields(fields, at,
+                 {
+                     {"blockFnum", pitch.blockFnum},
+                     {"keyCode",   pitch.keyCode  },
+                     {"fc",        pitch.fc       }
     });
 }
 
-void Add(Fields& fields, const std::string& at, YM2612_SLOT& slot) {
-    Append(fields, at,
-           {
-               {"dt",        slot.dt       },
-               {"mul",       slot.mul      },
-               {"ar",        slot.ar       },
-               {"d1r",       slot.d1r      },
-               {"d2r",       slot.d2r      },
-               {"rr",        slot.rr       },
-               {"ksrShift",  slot.ksrShift },
-               {"ksr",       slot.ksr      },
-               {"phase",     slot.phase    },
-               {"phaseStep", slot.phaseStep},
-               {"state",     slot.state    },
-               {"tl",        slot.tl       },
-               {"volume",    slot.volume   },
-               {"sl",        slot.sl       },
-               {"volOut",    slot.volOut   }
+void Add(StateFields& fields, const std::string& at, YM2612_SLOT& slot) {
+    AppendFields(fields, at,
+                 {
+                     {"dt",        slot.dt       },
+                     {"mul",       slot.mul      },
+                     {"ar",        slot.ar       },
+                     {"d1r",       slot.d1r      },
+                     {"d2r",       slot.d2r      },
+                     {"rr",        slot.rr       },
+                     {"ksrShift",  slot.ksrShift },
+                     {"ksr",       slot.ksr      },
+                     {"phase",     slot.phase    },
+                     {"phaseStep", slot.phaseStep},
+                     {"state",     slot.state    },
+                     {"tl",        slot.tl       },
+                     {"volume",    slot.volume   },
+                     {"sl",        slot.sl       },
+                     {"volOut",    slot.volOut   }
     });
     Add(fields, at + "attack.", slot.attack);
     Add(fields, at + "decay.", slot.decay);
     Add(fields, at + "sustain.", slot.sustain);
     Add(fields, at + "release.", slot.release);
-    Append(fields, at,
-           {
-               {"ssg",         slot.ssg        },
-               {"ssgInverted", slot.ssgInverted},
-               {"keyOn",       slot.keyOn      },
-               {"amMask",      slot.amMask     }
+    AppendFields(fields, at,
+                 {
+                     {"ssg",         slot.ssg        },
+                     {"ssgInverted", slot.ssgInverted},
+                     {"keyOn",       slot.keyOn      },
+                     {"amMask",      slot.amMask     }
     });
 }
 
-void Add(Fields& fields, const std::string& at, MD_VDP_FIFO_ENTRY& entry) {
-    Append(fields, at,
-           {
-               {"word", entry.word},
-               {"code", entry.code}
+void Add(StateFields& fields, const std::string& at, MD_VDP_FIFO_ENTRY& entry) {
+    AppendFields(fields, at,
+                 {
+                     {"word", entry.word},
+                     {"code", entry.code}
     });
 }
 
-void Add(Fields& fields, const std::string& at, YM2612_CHANNEL& channel);
+void Add(StateFields& fields, const std::string& at, YM2612_CHANNEL& channel);
 
 template <typename Records>
-void AddEach(Fields& fields, const std::string& at, Records& records) {
+void AddEach(StateFields& fields, const std::string& at, Records& records) {
     for (size_t i = 0; i < records.size(); ++i) {
         Add(fields, at + "[" + std::to_string(i) + "].", records[i]);
     }
 }
 
-void Add(Fields& fields, const std::string& at, YM2612_CHANNEL& channel) {
+void Add(StateFields& fields, const std::string& at, YM2612_CHANNEL& channel) {
     AddEach(fields, at + "slots", channel.slots);
-    Append(fields, at,
-           {
-               {"algorithm",    channel.algorithm   },
-               {"feedback",     channel.feedback    },
-               {"operator1Out", channel.operator1Out},
-               {"pms",          channel.pms         },
-               {"ams",          channel.ams         },
-               {"leftMask",     channel.leftMask    },
-               {"rightMask",    channel.rightMask   }
+    AppendFields(fields, at,
+                 {
+                     {"algorithm",    channel.algorithm   },
+                     {"feedback",     channel.feedback    },
+                     {"operator1Out", channel.operator1Out},
+                     {"pms",          channel.pms         },
+                     {"ams",          channel.ams         },
+                     {"leftMask",     channel.leftMask    },
+                     {"rightMask",    channel.rightMask   }
     });
     Add(fields, at + "pitch.", channel.pitch);
 }
 
-// A piece as a chip's functions write it.
-template <typename Chip>
-auto Saver(const Chip& chip, uint32_t (*size)(), uint8_t* (*save)(const Chip&, uint8_t*)) {
-    return [&chip, size, save] {
-        std::vector<uint8_t> piece(size());
-        EXPECT_EQ(save(chip, piece.data()), piece.data() + piece.size());
-        return piece;
-    };
-}
-
-template <typename Chip>
-auto Loader(Chip& chip, uint32_t (*load)(Chip&, const uint8_t*, uint32_t)) {
-    return [&chip, load](const std::vector<uint8_t>& piece) {
-        return load(chip, piece.data(), static_cast<uint32_t>(piece.size()));
-    };
-}
-
 // The piece of a cartridge, whose size goes by its kind.
-void ExpectCartridgeAsListed(const std::string& piece, MD_CARTRIDGE& cart, const Fields& fields) {
+void ExpectCartridgeAsListed(const std::string& piece, MD_CARTRIDGE& cart,
+                             const StateFields& fields) {
     const auto save = [&] {
         std::vector<uint8_t> bytes(MdCartStateSize(cart));
         EXPECT_EQ(MdCartSaveState(cart, bytes.data()), bytes.data() + bytes.size());
         return bytes;
     };
     ExpectFieldsAsListed(piece, fields, save);
-    ExpectOtherVersionsRefused(save, Loader<MD_CARTRIDGE>(cart, MdCartLoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<MD_CARTRIDGE>(cart, MdCartLoadState));
 }
 
 } // namespace
 
 TEST(StateLayout, M68000) {
     M68K_STATE cpu;
-    Fields fields{
+    StateFields fields{
         {"cpuType",       cpu.cpuType      },
         {"prevPc",        cpu.prevPc       },
         {"pc",            cpu.pc           },
@@ -192,9 +167,9 @@ TEST(StateLayout, M68000) {
         {"stackSlots",    cpu.stackSlots   },
         {"regs",          cpu.regs         }
     };
-    const auto save = Saver<M68K_STATE>(cpu, M68kStateSize, M68kSave);
+    const auto save = PieceSaver<M68K_STATE>(cpu, M68kStateSize, M68kSave);
     ExpectFieldsAsListed("68000", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<M68K_STATE>(cpu, M68kLoad));
+    ExpectOtherVersionsRefused(save, PieceLoader<M68K_STATE>(cpu, M68kLoad));
 }
 
 TEST(StateLayout, MdVdp) {
@@ -205,7 +180,7 @@ TEST(StateLayout, MdVdp) {
     MdVdpInit(
         vdp, nullptr, [](void*, uint32_t, uint32_t) {}, [](void*, uint32_t) { return uint16_t{0}; },
         &zInt, &stall, kMdVdp60Hz);
-    Fields fields{
+    StateFields fields{
         {"outX",          vdp.outX         },
         {"planeAX",       vdp.planeAX      },
         {"planeBX",       vdp.planeBX      },
@@ -277,9 +252,9 @@ TEST(StateLayout, MdVdp) {
         {"windowColumn",  vdp.windowColumn }
     };
     AddEach(fields, "fifo", vdp.fifo);
-    const auto save = Saver<MD_VDP>(vdp, MdVdpStateSize, MdVdpSaveState);
+    const auto save = PieceSaver<MD_VDP>(vdp, MdVdpStateSize, MdVdpSaveState);
     ExpectFieldsAsListed("16-bit VDP", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<MD_VDP>(vdp, MdVdpLoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<MD_VDP>(vdp, MdVdpLoadState));
 }
 
 TEST(StateLayout, Ym2612) {
@@ -287,7 +262,7 @@ TEST(StateLayout, Ym2612) {
     YM2612& ym = *chip;
     Ym2612SetClock(ym, 7670454);
     Ym2612Reset(ym);
-    Fields fields{
+    StateFields fields{
         {"address",         ym.address        },
         {"irq",             ym.irq            },
         {"irqMask",         ym.irqMask        },
@@ -315,15 +290,15 @@ TEST(StateLayout, Ym2612) {
     };
     AddEach(fields, "channels", ym.channels);
     AddEach(fields, "channel3", ym.channel3);
-    const auto save = Saver<YM2612>(ym, Ym2612StateSize, Ym2612SaveState);
+    const auto save = PieceSaver<YM2612>(ym, Ym2612StateSize, Ym2612SaveState);
     ExpectFieldsAsListed("YM2612", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<YM2612>(ym, Ym2612LoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<YM2612>(ym, Ym2612LoadState));
 }
 
 TEST(StateLayout, MegaDriveBoard) {
     const auto machine = StartMd(MdProgram().Stop());
     MEGA_DRIVE& md = machine->Console();
-    Fields fields{
+    StateFields fields{
         {"m68kBusCycles",   md.m68kBusCycles  },
         {"z80Clock",        md.z80Clock       },
         {"z80Bank",         md.z80Bank        },
@@ -386,7 +361,7 @@ TEST(StateLayout, SignalProcessor) {
     MD_SVP& svp = *processor;
     const std::vector<uint16_t> rom(kSvpRomWords);
     SvpReset(svp, rom.data());
-    Fields fields{
+    StateFields fields{
         {"budget",    svp.budget   },
         {"emuStatus", svp.emuStatus},
         {"pc",        svp.pc       },
@@ -397,16 +372,16 @@ TEST(StateLayout, SignalProcessor) {
         {"dram",      svp.dram     }
     };
     for (size_t i = 0; i < kSvpStackDepth; ++i) {
-        Append(fields, "levels[" + std::to_string(i) + "].",
-               {
-                   {"stack",     svp.stack[i]    },
-                   {"pmacRead",  svp.pmacRead[i] },
-                   {"pmacWrite", svp.pmacWrite[i]}
+        AppendFields(fields, "levels[" + std::to_string(i) + "].",
+                     {
+                         {"stack",     svp.stack[i]    },
+                         {"pmacRead",  svp.pmacRead[i] },
+                         {"pmacWrite", svp.pmacWrite[i]}
         });
     }
-    const auto save = Saver<MD_SVP>(svp, SvpStateSize, SvpSaveState);
+    const auto save = PieceSaver<MD_SVP>(svp, SvpStateSize, SvpSaveState);
     ExpectFieldsAsListed("Signal processor", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<MD_SVP>(svp, SvpLoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<MD_SVP>(svp, SvpLoadState));
 }
 
 TEST(StateLayout, TheMegaDriveIsMadeOfItsPieces) {

@@ -14,121 +14,95 @@
 
 namespace {
 
-using Fields = std::vector<StateField>;
-
-void Append(Fields& fields, const std::string& at, const Fields& more) {
-    for (StateField field : more) {
-        field.name.insert(0, at);
-        fields.push_back(std::move(field));
-    }
-}
-
-void Add(Fields& fields, const std::string& at, APU_ENVELOPE& envelope) {
-    Append(fields, at,
-           {
-               {"period",   envelope.period  },
-               {"constant", envelope.constant},
-               {"loop",     envelope.loop    },
-               {"start",    envelope.start   },
-               {"divider",  envelope.divider },
-               {"decay",    envelope.decay   }
+void Add(StateFields& fields, const std::string& at, APU_ENVELOPE& envelope) {
+    AppendFields(fields, at,
+                 {
+                     {"period",   envelope.period  },
+                     {"constant", envelope.constant},
+                     {"loop",     envelope.loop    },
+                     {"start",    envelope.start   },
+                     {"divider",  envelope.divider },
+                     {"decay",    envelope.decay   }
     });
 }
 
-void Add(Fields& fields, const std::string& at, APU_PULSE& pulse) {
+void Add(StateFields& fields, const std::string& at, APU_PULSE& pulse) {
     Add(fields, at + "envelope.", pulse.envelope);
-    Append(fields, at,
-           {
-               {"duty",         pulse.duty        },
-               {"position",     pulse.position    },
-               {"period",       pulse.period      },
-               {"counter",      pulse.counter     },
-               {"sweepEnable",  pulse.sweepEnable },
-               {"sweepNegate",  pulse.sweepNegate },
-               {"sweepReload",  pulse.sweepReload },
-               {"sweepPeriod",  pulse.sweepPeriod },
-               {"sweepShift",   pulse.sweepShift  },
-               {"sweepDivider", pulse.sweepDivider},
-               {"output",       pulse.output      }
+    AppendFields(fields, at,
+                 {
+                     {"duty",         pulse.duty        },
+                     {"position",     pulse.position    },
+                     {"period",       pulse.period      },
+                     {"counter",      pulse.counter     },
+                     {"sweepEnable",  pulse.sweepEnable },
+                     {"sweepNegate",  pulse.sweepNegate },
+                     {"sweepReload",  pulse.sweepReload },
+                     {"sweepPeriod",  pulse.sweepPeriod },
+                     {"sweepShift",   pulse.sweepShift  },
+                     {"sweepDivider", pulse.sweepDivider},
+                     {"output",       pulse.output      }
     });
 }
 
-void Add(Fields& fields, const std::string& at, APU_TRIANGLE& triangle) {
-    Append(fields, at,
-           {
-               {"control",      triangle.control     },
-               {"linearReload", triangle.linearReload},
-               {"linearPeriod", triangle.linearPeriod},
-               {"linear",       triangle.linear      },
-               {"position",     triangle.position    },
-               {"period",       triangle.period      },
-               {"counter",      triangle.counter     },
-               {"output",       triangle.output      }
+void Add(StateFields& fields, const std::string& at, APU_TRIANGLE& triangle) {
+    AppendFields(fields, at,
+                 {
+                     {"control",      triangle.control     },
+                     {"linearReload", triangle.linearReload},
+                     {"linearPeriod", triangle.linearPeriod},
+                     {"linear",       triangle.linear      },
+                     {"position",     triangle.position    },
+                     {"period",       triangle.period      },
+                     {"counter",      triangle.counter     },
+                     {"output",       triangle.output      }
     });
 }
 
-void Add(Fields& fields, const std::string& at, APU_NOISE& noise) {
+void Add(StateFields& fields, const std::string& at, APU_NOISE& noise) {
     Add(fields, at + "envelope.", noise.envelope);
-    Append(fields, at,
-           {
-               {"shortMode", noise.shortMode},
-               {"rate",      noise.rate     },
-               {"shift",     noise.shift    },
-               {"counter",   noise.counter  },
-               {"output",    noise.output   }
+    AppendFields(fields, at,
+                 {
+                     {"shortMode", noise.shortMode},
+                     {"rate",      noise.rate     },
+                     {"shift",     noise.shift    },
+                     {"counter",   noise.counter  },
+                     {"output",    noise.output   }
     });
 }
 
-void Add(Fields& fields, const std::string& at, APU_SAMPLE& sample) {
-    Append(fields, at,
-           {
-               {"irqEnable",    sample.irqEnable   },
-               {"loop",         sample.loop        },
-               {"rate",         sample.rate        },
-               {"startAddress", sample.startAddress},
-               {"length",       sample.length      },
-               {"address",      sample.address     },
-               {"bytesLeft",    sample.bytesLeft   },
-               {"buffer",       sample.buffer      },
-               {"bufferEmpty",  sample.bufferEmpty },
-               {"shift",        sample.shift       },
-               {"bitsLeft",     sample.bitsLeft    },
-               {"silent",       sample.silent      },
-               {"level",        sample.level       },
-               {"counter",      sample.counter     },
-               {"output",       sample.output      }
+void Add(StateFields& fields, const std::string& at, APU_SAMPLE& sample) {
+    AppendFields(fields, at,
+                 {
+                     {"irqEnable",    sample.irqEnable   },
+                     {"loop",         sample.loop        },
+                     {"rate",         sample.rate        },
+                     {"startAddress", sample.startAddress},
+                     {"length",       sample.length      },
+                     {"address",      sample.address     },
+                     {"bytesLeft",    sample.bytesLeft   },
+                     {"buffer",       sample.buffer      },
+                     {"bufferEmpty",  sample.bufferEmpty },
+                     {"shift",        sample.shift       },
+                     {"bitsLeft",     sample.bitsLeft    },
+                     {"silent",       sample.silent      },
+                     {"level",        sample.level       },
+                     {"counter",      sample.counter     },
+                     {"output",       sample.output      }
     });
 }
 
 template <typename Records>
-void AddEach(Fields& fields, const std::string& at, Records& records) {
+void AddEach(StateFields& fields, const std::string& at, Records& records) {
     for (size_t i = 0; i < records.size(); ++i) {
         Add(fields, at + "[" + std::to_string(i) + "].", records[i]);
     }
-}
-
-// A piece as a chip's functions write it.
-template <typename Chip>
-auto Saver(const Chip& chip, uint32_t (*size)(), uint8_t* (*save)(const Chip&, uint8_t*)) {
-    return [&chip, size, save] {
-        std::vector<uint8_t> piece(size());
-        EXPECT_EQ(save(chip, piece.data()), piece.data() + piece.size());
-        return piece;
-    };
-}
-
-template <typename Chip>
-auto Loader(Chip& chip, uint32_t (*load)(Chip&, const uint8_t*, uint32_t)) {
-    return [&chip, load](const std::vector<uint8_t>& piece) {
-        return load(chip, piece.data(), static_cast<uint32_t>(piece.size()));
-    };
 }
 
 } // namespace
 
 TEST(StateLayout, M6502) {
     M6502 cpu;
-    Fields fields{
+    StateFields fields{
         {"pc",              cpu.pc             },
         {"a",               cpu.a              },
         {"x",               cpu.x              },
@@ -148,9 +122,9 @@ TEST(StateLayout, M6502) {
         {"nmiSeen",         cpu.nmiSeen        },
         {"irqSeen",         cpu.irqSeen        }
     };
-    const auto save = Saver<::M6502>(cpu, M6502StateSize, M6502SaveState);
+    const auto save = PieceSaver<::M6502>(cpu, M6502StateSize, M6502SaveState);
     ExpectFieldsAsListed("6502", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<::M6502>(cpu, M6502LoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<::M6502>(cpu, M6502LoadState));
 }
 
 TEST(StateLayout, Ppu) {
@@ -160,7 +134,7 @@ TEST(StateLayout, Ppu) {
     uint32_t nmi = 0;
     PpuInit(ppu, &pages);
     PpuReset(ppu, true, &nmi);
-    Fields fields{
+    StateFields fields{
         {"control",       ppu.control      },
         {"mask",          ppu.mask         },
         {"status",        ppu.status       },
@@ -201,9 +175,9 @@ TEST(StateLayout, Ppu) {
         {"spriteLine",    ppu.spriteLine   },
         {"nametables",    ppu.nametables   }
     };
-    const auto save = Saver<PPU>(ppu, PpuStateSize, PpuSaveState);
+    const auto save = PieceSaver<PPU>(ppu, PpuStateSize, PpuSaveState);
     ExpectFieldsAsListed("PPU", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<PPU>(ppu, PpuLoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<PPU>(ppu, PpuLoadState));
 }
 
 TEST(StateLayout, Apu) {
@@ -213,7 +187,7 @@ TEST(StateLayout, Apu) {
     ApuInit(
         apu, [](void*, uint16_t) { return uint8_t{0}; }, nullptr);
     ApuReset(apu, true, &irqLines);
-    Fields fields{
+    StateFields fields{
         {"sampleClock",      apu.sampleClock     },
         {"frameCounter",     apu.frameCounter    },
         {"frameStep",        apu.frameStep       },
@@ -232,16 +206,16 @@ TEST(StateLayout, Apu) {
     Add(fields, "noise.", apu.noise);
     Add(fields, "sample.", apu.sample);
     fields.emplace_back("irqLines", irqLines, kNesIrqFrame | kNesIrqSample);
-    const auto save = Saver<APU>(apu, ApuStateSize, ApuSaveState);
+    const auto save = PieceSaver<APU>(apu, ApuStateSize, ApuSaveState);
     ExpectFieldsAsListed("APU", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<APU>(apu, ApuLoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<APU>(apu, ApuLoadState));
 }
 
 TEST(StateLayout, NesConsole) {
     const auto machine = StartNes(NesProgram().Stop(), ImageOf(kNesBoardCases[1]));
     auto& nes =
         const_cast<NES_CONSOLE&>(machine->Console()); // a test may, the machine's users may not
-    Fields fields{
+    StateFields fields{
         {"workRam",           nes.workRam          },
         {"pads[0].buttons",   nes.pads[0].buttons  },
         {"pads[1].buttons",   nes.pads[1].buttons  },

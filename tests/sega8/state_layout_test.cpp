@@ -19,120 +19,94 @@
 
 namespace {
 
-using Fields = std::vector<StateField>;
-
-void Append(Fields& fields, const std::string& at, const Fields& more) {
-    for (StateField field : more) {
-        field.name.insert(0, at);
-        fields.push_back(std::move(field));
-    }
-}
-
-void Add(Fields& fields, const std::string& at, YM_RATE& rate) {
-    Append(fields, at,
-           {
-               {"shift",  rate.shift },
-               {"select", rate.select}
+void Add(StateFields& fields, const std::string& at, YM_RATE& rate) {
+    AppendFields(fields, at,
+                 {
+                     {"shift",  rate.shift },
+                     {"select", rate.select}
     });
 }
 
-void Add(Fields& fields, const std::string& at, YM_SLOT& slot) {
-    Append(fields, at,
-           {
-               {"ar",     slot.ar    },
-               {"dr",     slot.dr    },
-               {"rr",     slot.rr    },
-               {"ksr",    slot.ksr   },
-               {"ksl",    slot.ksl   },
-               {"kscale", slot.kscale},
-               {"mul",    slot.mul   },
-               {"phase",  slot.phase },
-               {"incr",   slot.incr  },
-               {"fbOut",  slot.fbOut },
-               {"egType", slot.egType},
-               {"state",  slot.state },
-               {"tl",     slot.tl    },
-               {"tll",    slot.tll   },
-               {"volume", slot.volume},
-               {"sl",     slot.sl    }
+void Add(StateFields& fields, const std::string& at, YM_SLOT& slot) {
+    AppendFields(fields, at,
+                 {
+                     {"ar",     slot.ar    },
+                     {"dr",     slot.dr    },
+                     {"rr",     slot.rr    },
+                     {"ksr",    slot.ksr   },
+                     {"ksl",    slot.ksl   },
+                     {"kscale", slot.kscale},
+                     {"mul",    slot.mul   },
+                     {"phase",  slot.phase },
+                     {"incr",   slot.incr  },
+                     {"fbOut",  slot.fbOut },
+                     {"egType", slot.egType},
+                     {"state",  slot.state },
+                     {"tl",     slot.tl    },
+                     {"tll",    slot.tll   },
+                     {"volume", slot.volume},
+                     {"sl",     slot.sl    }
     });
     Add(fields, at + "attack.", slot.attack);
     Add(fields, at + "decay.", slot.decay);
     Add(fields, at + "release.", slot.release);
     Add(fields, at + "sustainRelease.", slot.sustainRelease);
     Add(fields, at + "dump.", slot.dump);
-    Append(fields, at,
-           {
-               {"key",       slot.key      },
-               {"amMask",    slot.amMask   },
-               {"vib",       slot.vib      },
-               {"wavetable", slot.wavetable}
+    AppendFields(fields, at,
+                 {
+                     {"key",       slot.key      },
+                     {"amMask",    slot.amMask   },
+                     {"vib",       slot.vib      },
+                     {"wavetable", slot.wavetable}
     });
 }
 
-void Add(Fields& fields, const std::string& at, YM_CHANNEL& channel);
-void Add(Fields& fields, const std::string& at, GEAR_CONSOLE& console);
+void Add(StateFields& fields, const std::string& at, YM_CHANNEL& channel);
+void Add(StateFields& fields, const std::string& at, GEAR_CONSOLE& console);
 
 template <typename Records>
-void AddEach(Fields& fields, const std::string& at, Records& records) {
+void AddEach(StateFields& fields, const std::string& at, Records& records) {
     for (size_t i = 0; i < records.size(); ++i) {
         Add(fields, at + "[" + std::to_string(i) + "].", records[i]);
     }
 }
 
-void Add(Fields& fields, const std::string& at, YM_CHANNEL& channel) {
-    Append(fields, at,
-           {
-               {"blockFnum", channel.blockFnum},
-               {"fc",        channel.fc       },
-               {"kslBase",   channel.kslBase  },
-               {"kcode",     channel.kcode    },
-               {"sustain",   channel.sustain  },
-               {"fb",        channel.fb       }
+void Add(StateFields& fields, const std::string& at, YM_CHANNEL& channel) {
+    AppendFields(fields, at,
+                 {
+                     {"blockFnum", channel.blockFnum},
+                     {"fc",        channel.fc       },
+                     {"kslBase",   channel.kslBase  },
+                     {"kcode",     channel.kcode    },
+                     {"sustain",   channel.sustain  },
+                     {"fb",        channel.fb       }
     });
     AddEach(fields, at + "slots", channel.slots);
 }
 
-void Add(Fields& fields, const std::string& at, GEAR_CONSOLE& console) {
-    Append(fields, at,
-           {
-               {"irqOut",                        console.irqOut                       },
-               {"ioControl",                     console.ioControl                    },
-               {"memory.control",                console.memory.control               },
-               {"buttons",                       console.buttons                      },
-               {"link.lines",                    console.link.lines                   },
-               {"link.directions",               console.link.directions              },
-               {"link.sendByte",                 console.link.sendByte                },
-               {"link.receivedByte",             console.link.receivedByte            },
-               {"link.serial",                   console.link.serial                  },
-               {"link.panning",                  console.link.panning                 },
-               {"link.sendClocks",               console.link.sendClocks              },
-               {"link.errorClocks",              console.link.errorClocks             },
-               {"memory.cartridgeWords.slots",   console.memory.cartridgeWords.slots  },
-               {"memory.cartridgeWords.control", console.memory.cartridgeWords.control},
-               {"memory.biosWords.slots",        console.memory.biosWords.slots       },
-               {"memory.biosWords.control",      console.memory.biosWords.control     },
-               {"memory.workRam",                console.memory.workRam               },
-               {"memory.cartridgeRam",           console.memory.cartridgeRam          },
-               {"vram",                          console.vram                         }
+void Add(StateFields& fields, const std::string& at, GEAR_CONSOLE& console) {
+    AppendFields(fields, at,
+                 {
+                     {"irqOut",                        console.irqOut                       },
+                     {"ioControl",                     console.ioControl                    },
+                     {"memory.control",                console.memory.control               },
+                     {"buttons",                       console.buttons                      },
+                     {"link.lines",                    console.link.lines                   },
+                     {"link.directions",               console.link.directions              },
+                     {"link.sendByte",                 console.link.sendByte                },
+                     {"link.receivedByte",             console.link.receivedByte            },
+                     {"link.serial",                   console.link.serial                  },
+                     {"link.panning",                  console.link.panning                 },
+                     {"link.sendClocks",               console.link.sendClocks              },
+                     {"link.errorClocks",              console.link.errorClocks             },
+                     {"memory.cartridgeWords.slots",   console.memory.cartridgeWords.slots  },
+                     {"memory.cartridgeWords.control", console.memory.cartridgeWords.control},
+                     {"memory.biosWords.slots",        console.memory.biosWords.slots       },
+                     {"memory.biosWords.control",      console.memory.biosWords.control     },
+                     {"memory.workRam",                console.memory.workRam               },
+                     {"memory.cartridgeRam",           console.memory.cartridgeRam          },
+                     {"vram",                          console.vram                         }
     });
-}
-
-// A piece as a chip's functions write it.
-template <typename Chip>
-auto Saver(const Chip& chip, uint32_t (*size)(), uint8_t* (*save)(const Chip&, uint8_t*)) {
-    return [&chip, size, save] {
-        std::vector<uint8_t> piece(size());
-        EXPECT_EQ(save(chip, piece.data()), piece.data() + piece.size());
-        return piece;
-    };
-}
-
-template <typename Chip>
-auto Loader(Chip& chip, uint32_t (*load)(Chip&, const uint8_t*, uint32_t)) {
-    return [&chip, load](const std::vector<uint8_t>& piece) {
-        return load(chip, piece.data(), static_cast<uint32_t>(piece.size()));
-    };
 }
 
 // The first piece of a machine's state.
@@ -147,7 +121,7 @@ auto BoardSaver(CEmuSystem& machine) {
 
 // What the boards keep to themselves.
 struct MACHINE_FIELDS {
-    static Fields Of(CSMS& sms) {
+    static StateFields Of(CSMS& sms) {
         return {
             {"irqOut",                        sms.irqOut                       },
             {"fmAddress",                     sms.fmAddress                    },
@@ -171,12 +145,12 @@ struct MACHINE_FIELDS {
             {"vram",                          sms.vram                         }
         };
     }
-    static Fields Of(CGAMEGEAR& gear) {
-        Fields fields;
+    static StateFields Of(CGAMEGEAR& gear) {
+        StateFields fields;
         AddEach(fields, "consoles", gear.consoles);
         return fields;
     }
-    static Fields Of(CSEGAE& arcade) {
+    static StateFields Of(CSEGAE& arcade) {
         return {
             {"irqLine",            arcade.irqLine           },
             {"psgPhase",           arcade.psgPhase          },
@@ -195,7 +169,7 @@ struct MACHINE_FIELDS {
 TEST(StateLayout, Z80) {
     Z80 z80;
     Z80Init(z80, nullptr, nullptr, nullptr, nullptr, nullptr);
-    Fields fields{
+    StateFields fields{
         {"queue",            z80.queue           },
         {"queueIndex",       z80.queueIndex      },
         {"r7",               z80.r7              },
@@ -220,9 +194,9 @@ TEST(StateLayout, Z80) {
         {"regs",             z80.regs            }
     };
     fields[0].count = kZ80QueueSize; // of the room behind it nothing is kept
-    const auto save = Saver<::Z80>(z80, Z80StateSize, Z80SaveState);
+    const auto save = PieceSaver<::Z80>(z80, Z80StateSize, Z80SaveState);
     ExpectFieldsAsListed("Z80", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<::Z80>(z80, Z80LoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<::Z80>(z80, Z80LoadState));
 }
 
 TEST(StateLayout, Vdp) {
@@ -233,7 +207,7 @@ TEST(StateLayout, Vdp) {
     VdpInit(vdp, &irq, &nmi, false, 1);
     vdp.vram = vram.data();
     VdpReset(vdp);
-    Fields fields{
+    StateFields fields{
         {"regs",           vdp.regs          },
         {"cram",           vdp.cram          },
         {"cramLatch",      vdp.cramLatch     },
@@ -297,16 +271,16 @@ TEST(StateLayout, Vdp) {
         {"priorityLine",   vdp.priorityLine  },
         {"spriteLine",     vdp.spriteLine    }
     };
-    const auto save = Saver<VDP>(vdp, VdpStateSize, VdpSaveState);
+    const auto save = PieceSaver<VDP>(vdp, VdpStateSize, VdpSaveState);
     ExpectFieldsAsListed("8-bit VDP", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<VDP>(vdp, VdpLoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<VDP>(vdp, VdpLoadState));
 }
 
 TEST(StateLayout, Psg) {
     PSG psg;
     PsgInit(psg, 3579545, 1, false);
     PsgReset(psg);
-    Fields fields{
+    StateFields fields{
         {"clock",         psg.clock        },
         {"divider",       psg.divider      },
         {"attenuation",   psg.attenuation  },
@@ -325,9 +299,9 @@ TEST(StateLayout, Psg) {
         {"lfsrShift",     psg.lfsrShift    },
         {"lfsrTaps",      psg.lfsrTaps     }
     };
-    const auto save = Saver<PSG>(psg, PsgStateSize, PsgSaveState);
+    const auto save = PieceSaver<PSG>(psg, PsgStateSize, PsgSaveState);
     ExpectFieldsAsListed("PSG", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<PSG>(psg, PsgLoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<PSG>(psg, PsgLoadState));
 }
 
 TEST(StateLayout, Ym2413) {
@@ -335,7 +309,7 @@ TEST(StateLayout, Ym2413) {
     YM2413& ym = *chip;
     YmInit(ym, 3579545);
     YmReset(ym);
-    Fields fields{
+    StateFields fields{
         {"instVol",    ym.instVol   },
         {"instrument", ym.instrument},
         {"rhythm",     ym.rhythm    },
@@ -352,15 +326,15 @@ TEST(StateLayout, Ym2413) {
         {"outRhythm",  ym.outRhythm }
     };
     AddEach(fields, "channels", ym.channels);
-    const auto save = Saver<YM2413>(ym, YmStateSize, YmSaveState);
+    const auto save = PieceSaver<YM2413>(ym, YmStateSize, YmSaveState);
     ExpectFieldsAsListed("YM2413", fields, save);
-    ExpectOtherVersionsRefused(save, Loader<YM2413>(ym, YmLoadState));
+    ExpectOtherVersionsRefused(save, PieceLoader<YM2413>(ym, YmLoadState));
 }
 
 TEST(StateLayout, MasterSystemBoard) {
     CGameFile game = SmsGame(Program().Image());
     const auto sms = StartMachine<CSMS>(SMS_OPTIONS{}, game);
-    Fields fields = MACHINE_FIELDS::Of(*sms);
+    StateFields fields = MACHINE_FIELDS::Of(*sms);
     fields[0].bits = 0xFF; // of the line's word one byte is kept
     ExpectFieldsAsListed("Master System board", fields, BoardSaver(*sms));
 }
@@ -374,7 +348,7 @@ TEST(StateLayout, GameGearBoard) {
 TEST(StateLayout, SystemEBoard) {
     CGameFile game = ArcadeGame(Program().Image(), 4);
     const auto arcade = StartMachine<CSEGAE>(std::array<uint8_t, 256>{}, game);
-    Fields fields = MACHINE_FIELDS::Of(*arcade);
+    StateFields fields = MACHINE_FIELDS::Of(*arcade);
     for (StateField& field : fields) {
         if (field.name == "bankLatch") {
             field.follow = {"slots", "latch"};

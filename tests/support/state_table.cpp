@@ -5,10 +5,13 @@
 #include <map>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 
 namespace {
 
 constexpr uint32_t kHeaderBytes = 5;
+constexpr std::string_view kAndMore =
+    " and more"; // behind the size of a piece that does not end with its table
 
 using CELLS = std::vector<std::string>;
 
@@ -138,9 +141,14 @@ STATE_TABLE ReadStateTable(const std::string& piece) {
     STATE_TABLE table;
     table.size = Expand(section, section.rows, "", 0, table.rows);
     if (table.size < kHeaderBytes || table.rows[0].name != "version" ||
-        table.rows[1].name != "size" || Number(section.rows[0][4]) != 1 ||
-        Number(section.rows[1][4]) != table.size) {
+        table.rows[1].name != "size") {
         throw std::runtime_error(piece + " does not begin with its version and its size");
+    }
+    table.version = static_cast<uint8_t>(Number(section.rows[0].at(4)));
+    const std::string& told = section.rows[1].at(4);
+    table.isOpen = told.ends_with(kAndMore);
+    if (Number(told.substr(0, told.find(' '))) != table.size) {
+        throw std::runtime_error(piece + " does not tell its own size");
     }
     table.rows.erase(table.rows.begin(), table.rows.begin() + 2);
     return table;

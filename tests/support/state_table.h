@@ -16,7 +16,9 @@ struct STATE_ROW {
 };
 
 struct STATE_TABLE {
+    uint8_t version = 0;
     uint32_t size = 0;           // of the piece, header included
+    bool isOpen = false;         // more follows what the table lists
     std::vector<STATE_ROW> rows; // those after the header, in order
 };
 

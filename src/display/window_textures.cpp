@@ -29,7 +29,8 @@ void WindowTextures::Upload(uint32_t id, const uint32_t* pixels, int32_t stride)
         return;
     }
     const TEXTURE_RECORD& record = found->second;
-    if (UploadTexture(record, pixels, record.width, record.height, static_cast<uint32_t>(stride))) {
+    if (UploadTexture(record, pixels, record.width, record.height,
+                      static_cast<uint32_t>(stride))) {
         ++uploads;
     }
 }

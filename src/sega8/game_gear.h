@@ -70,6 +70,8 @@ public:
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
 private:
+    friend struct MACHINE_FIELDS; // of the tests: every field of a state
+
     void ConnectChips();
     void ReadInput();
     void RunConsoles();

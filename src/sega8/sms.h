@@ -55,6 +55,8 @@ public:
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
 private:
+    friend struct MACHINE_FIELDS; // of the tests: every field of a state
+
     void ConnectChips();
     void RunClock(SMS_BUS& bus);
     void RunStepByStep();

@@ -128,6 +128,8 @@ public:
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
 private:
+    friend struct MACHINE_FIELDS; // of the tests: every field of a state
+
     [[nodiscard]] bool PrepareOpcodes(const CGameFile& game, size_t imageBytes);
     void ConnectChips();
     void RebuildMap();

@@ -1,9 +1,6 @@
 // States saved before the current resampler: their sound pieces have version 1 and are skipped.
-#include "base/files.h"
 #include "formats/game_file.h"
-#include "formats/zip.h"
-#include "front/demos.h"
-#include "library/convert.h"
+#include "front/golden_files.h"
 #include "machine/emu_system.h"
 #include "machines/machine_options.h"
 #include "machines/machines.h"
@@ -32,30 +29,14 @@ struct RUN {
 
 class Player {
 public:
-    explicit Player(const DEMO& demo) {
+    explicit Player(const std::string& name) {
         CGameFile game;
-        MACHINE_RECORD record{};
-        ARC_RECORD arcade{};
-        arcade.board = 3;
-        if (demo.system == kSystemArcade) {
-            std::copy_n("ARC0", 4, arcade.tag);
-            std::copy_n(reinterpret_cast<const uint8_t*>(&arcade), sizeof arcade, record.bytes);
-        }
-        if (demo.system == kSystemMasterSystem) {
-            SMS_RECORD sms{};
-            sms.features = 2; // the FM chip
-            sms.input1 = 1;
-            sms.input2 = 1;
-            sms.board = 1;
-            sms.consoles = 63;
-            std::copy_n(reinterpret_cast<const uint8_t*>(&sms), sizeof sms, record.bytes);
-        }
-        EXPECT_TRUE(BuildKnownGame(demo.system, demo.title, demo.image, record, game));
+        EXPECT_TRUE(LoadGameFile(false, kGoldenFolder / (name + ".game"), game));
         game.selectedName = 0;
         OptionBlock options = DefaultMachineOptions(game);
-        TakeMachineSettings(demo.system, options);
+        TakeMachineSettings(game.Header().system, options);
         for (const MACHINE_ENTRY& entry : BuiltInMachines().machines) {
-            if (entry.system == demo.system) {
+            if (entry.system == game.Header().system) {
                 machine = entry.construct(1);
             }
         }
@@ -133,27 +114,14 @@ double Likeness(const std::vector<double>& one, const std::vector<double>& other
 TEST(OlderStates, LoadWithTheSamePicturesAndTheSoundSettles) {
     RegisterDefaultSettings(Settings());
     BuiltInMachines().buildTables();
-    std::vector<uint8_t> archive;
-    std::string error;
-    ASSERT_TRUE(
-        ReadFile(OMBRELUNE_SOURCE_FOLDER "/tests/golden/states-of-300-frames.zip", archive, error))
-        << error;
-    ZipReader reader;
-    ASSERT_TRUE(reader.Open(archive, error)) << error;
-    ASSERT_EQ(reader.EntryCount(), 5U);
-    for (uint32_t index = 0; index < reader.EntryCount(); ++index) {
-        ZIP_ENTRY entry;
-        std::vector<uint8_t> state;
-        ASSERT_TRUE(reader.Entry(index, entry) && reader.Unpack(index, state, error)) << error;
-        SCOPED_TRACE(entry.rawName);
-        const auto demo = std::find_if(Demos().begin(), Demos().end(), [&](const DEMO& known) {
-            return known.name == entry.rawName;
-        });
-        ASSERT_NE(demo, Demos().end());
-        Player unbroken(*demo);
+    for (const char* name : {"older-arcade-skywren", "older-gg-glimmer", "older-md-mistral",
+                             "older-nes-ecume", "older-sms-luciole"}) {
+        SCOPED_TRACE(name);
+        const std::vector<uint8_t> state = ReadGoldenState(name);
+        Player unbroken(name);
         static_cast<void>(unbroken.Run(kStateFrames));
         const RUN wanted = unbroken.Run(kFrames);
-        Player loaded(*demo);
+        Player loaded(name);
         ASSERT_TRUE(loaded.machine->LoadState(state.data(), static_cast<uint32_t>(state.size())));
         const RUN got = loaded.Run(kFrames);
         for (size_t frame = 0; frame < wanted.pictures.size(); ++frame) {

@@ -54,14 +54,7 @@ class EveryNesState : public testing::TestWithParam<NES_BOARD_CASE> {};
 } // namespace
 
 TEST_P(EveryNesState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
-    const auto machine = Start(GetParam());
-    Play(*machine, 0, 37);
-    const SAVED saved = Save(*machine);
-    const auto continued = Play(*machine, 37, kFollowingFrames);
-    const auto other = Start(GetParam());
-    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-    ExpectSameFrames(continued, Play(*other, 37, kFollowingFrames));
-    ExpectALivelyRun(continued);
+    ExpectTheRunThatWentOn([] { return Start(GetParam()); }, Play);
 }
 
 TEST_P(EveryNesState, TwoRunsAreTheSame) {
@@ -74,29 +67,11 @@ TEST_P(EveryNesState, TwoRunsAreTheSame) {
 
 // The PPU lags in the one and never in the other.
 TEST_P(EveryNesState, FastAndPlainFramesAreTheSame) {
-    const auto fast = Start(GetParam());
-    const auto plain = Start(GetParam());
-    plain->SetStepByStep(true);
-    for (int frame = 0; frame < 100; ++frame) {
-        const auto one = Play(*fast, frame, 1);
-        const auto two = Play(*plain, frame, 1);
-        ASSERT_EQ(one[0].picture, two[0].picture) << frame;
-        ASSERT_EQ(one[0].sound, two[0].sound) << frame;
-        ASSERT_TRUE(Save(*fast) == Save(*plain)) << frame;
-    }
+    ExpectFastAndPlainAlike([] { return Start(GetParam()); }, Play);
 }
 
 TEST_P(EveryNesState, LoadsAtAnyFrameOfItsOwnRun) {
-    const auto machine = Start(GetParam());
-    const auto other = Start(GetParam());
-    for (int frame = 0; frame < 24; ++frame) {
-        const SAVED saved = Save(*machine);
-        const auto continued = Play(*machine, frame, 1);
-        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-        const auto loaded = Play(*other, frame, 1);
-        ASSERT_EQ(continued[0].picture, loaded[0].picture) << frame;
-        ASSERT_EQ(continued[0].sound, loaded[0].sound) << frame;
-    }
+    ExpectLoadsAtAnyFrame([] { return Start(GetParam()); }, Play, 24, [](CNES&) {});
 }
 
 TEST_P(EveryNesState, IsSavedAlikeAfterLoading) {
@@ -106,19 +81,7 @@ TEST_P(EveryNesState, IsSavedAlikeAfterLoading) {
 }
 
 TEST_P(EveryNesState, WithoutItsSoundLoadsWithAnEmptyResampler) {
-    const auto machine = Start(GetParam());
-    Play(*machine, 0, 37);
-    const SAVED saved = Save(*machine);
-    const uint32_t chips = saved.size - AllPieceSizes(saved).back();
-    const auto continued = Play(*machine, 37, 10);
-    const auto other = Start(GetParam());
-    for (const uint32_t length : {chips, chips + 3, saved.size - 1}) {
-        ASSERT_TRUE(other->LoadState(saved.Cut(length).data(), length)) << length;
-        const auto loaded = Play(*other, 37, 10);
-        for (size_t i = 0; i < loaded.size(); ++i) {
-            ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
-        }
-    }
+    ExpectLoadsWithoutItsSound([] { return Start(GetParam()); }, Play, 1);
 }
 
 TEST_P(EveryNesState, IsRefusedWhenItIsCutOrOfAnotherVersionOrSize) {

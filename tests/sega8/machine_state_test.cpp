@@ -127,7 +127,13 @@ std::vector<FRAME_RESULT> Play(CEmuSystem& machine, const CASE& what, int from, 
     return results;
 }
 
-// The resamplers come after the chips, two in each machine.
+auto PlayOf(const CASE& what) {
+    return [&what](CEmuSystem& machine, int from, int count) {
+        return Play(machine, what, from, count);
+    };
+}
+
+// The resamplers come after the chips, two in each of these machines.
 constexpr size_t kSoundPieces = 2;
 
 // Of the board's and the chips' pieces.
@@ -188,36 +194,17 @@ class EveryMachineState : public testing::TestWithParam<CASE> {};
 
 TEST_P(EveryMachineState, ContinuesAsTheUnbrokenRunInPictureAndSound) {
     const CASE& what = GetParam();
-    const auto machine = what.start();
-    Play(*machine, what, 0, 37);
-    const SAVED saved = Save(*machine);
-    const auto continued = Play(*machine, what, 37, kFollowingFrames);
-    const auto other = what.start();
-    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-    ExpectSameFrames(continued, Play(*other, what, 37, kFollowingFrames));
-    ExpectALivelyRun(continued);
+    ExpectTheRunThatWentOn([&] { return what.start(); }, PlayOf(what));
 }
 
-// An older state, or one of a program with other sound settings.
+TEST_P(EveryMachineState, LoadsAtAnyFrameOfItsOwnRun) {
+    const CASE& what = GetParam();
+    ExpectLoadsAtAnyFrame([&] { return what.start(); }, PlayOf(what), 24, [](CEmuSystem&) {});
+}
+
 TEST_P(EveryMachineState, WithoutItsSoundLoadsWithEmptyResamplers) {
     const CASE& what = GetParam();
-    const auto machine = what.start();
-    Play(*machine, what, 0, 37);
-    const SAVED saved = Save(*machine);
-    uint32_t chips = 0;
-    for (const uint32_t size : PieceSizes(saved)) {
-        chips += size;
-    }
-    const auto continued = Play(*machine, what, 37, 20);
-    const auto other = what.start();
-    for (const uint32_t length : {chips, chips + 3, chips + 40, saved.size - 1}) {
-        Play(*other, what, 0, 5);
-        ASSERT_TRUE(other->LoadState(saved.Cut(length).data(), length)) << length;
-        const auto loaded = Play(*other, what, 37, 20);
-        for (size_t i = 0; i < loaded.size(); ++i) {
-            ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
-        }
-    }
+    ExpectLoadsWithoutItsSound([&] { return what.start(); }, PlayOf(what), kSoundPieces);
 }
 
 INSTANTIATE_TEST_SUITE_P(MachineState, EveryMachineState, testing::ValuesIn(kCases),

@@ -5,13 +5,16 @@
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 
+#include "support/state_table.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <map>
 #include <random>
+#include <string>
 #include <vector>
 
 // Frames of a run after a state. In a sanitizer build a tenth finds reads out of bounds just as well.
@@ -57,6 +60,32 @@ inline std::vector<uint32_t> AllPieceSizes(const SAVED& saved) {
         at += std::max(size, 5U);
     }
     return sizes;
+}
+
+// The state is made of the pieces that docs/STATES.md lists for the machine. `kinds` says which tables stand for the
+// pieces that go by the cartridge, with an empty name for one that this machine does not have.
+inline void ExpectPiecesAsListed(const std::string& machine, const SAVED& saved,
+                                 const std::map<std::string, std::string>& kinds = {}) {
+    const std::vector<uint32_t> sizes = AllPieceSizes(saved);
+    size_t index = 0;
+    uint32_t at = 0;
+    for (const std::string& name : ReadMachinePieces(machine)) {
+        SCOPED_TRACE(name);
+        const auto kind = kinds.find(name);
+        const std::string table = kind != kinds.end() ? kind->second : name;
+        if (table.empty()) {
+            continue;
+        }
+        ASSERT_LT(index, sizes.size());
+        if (name == "sound") {
+            EXPECT_EQ(saved.blob[at], kSoundPieceVersion);
+        } else {
+            EXPECT_EQ(saved.blob[at], ReadStateTable(table).version);
+            EXPECT_EQ(sizes[index], ReadStateTable(table).size);
+        }
+        at += sizes[index++];
+    }
+    EXPECT_EQ(index, sizes.size());
 }
 
 inline void ExpectSameFrames(const std::vector<FRAME_RESULT>& one,
@@ -146,4 +175,82 @@ inline int LoadDamaged(CEmuSystem& machine, const SAVED& saved, const std::funct
         }
     }
     return taken;
+}
+
+// What every machine's states are held to. `start` makes a machine with its game, `play` (machine, from, count) runs
+// frames with the same input for the same frame numbers.
+inline constexpr int kFramesBefore = 37;
+
+template <typename Start, typename Play>
+void ExpectTheRunThatWentOn(Start&& start, Play&& play) {
+    const auto machine = start();
+    play(*machine, 0, kFramesBefore);
+    const SAVED saved = Save(*machine);
+    const auto continued = play(*machine, kFramesBefore, kFollowingFrames);
+    ASSERT_FALSE(machine->ended) << EmuLastError();
+    const auto other = start();
+    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+    ExpectSameFrames(continued, play(*other, kFramesBefore, kFollowingFrames));
+    ExpectALivelyRun(continued);
+}
+
+// Chips may run late in the fast loop and are always up to date in the plain one.
+template <typename Start, typename Play>
+void ExpectFastAndPlainAlike(Start&& start, Play&& play) {
+    const auto fast = start();
+    const auto plain = start();
+    plain->SetStepByStep(true);
+    for (int frame = 0; frame < 100; ++frame) {
+        ExpectSameFrames(play(*fast, frame, 1), play(*plain, frame, 1));
+        ASSERT_TRUE(Save(*fast) == Save(*plain)) << frame;
+    }
+}
+
+// `look` (machine) sees the machine before each of the frames.
+template <typename Start, typename Play, typename Look>
+void ExpectLoadsAtAnyFrame(Start&& start, Play&& play, int frames, Look&& look) {
+    const auto machine = start();
+    const auto other = start();
+    for (int frame = 0; frame < frames; ++frame) {
+        SCOPED_TRACE(frame);
+        const SAVED saved = Save(*machine);
+        look(*machine);
+        const auto continued = play(*machine, frame, 1);
+        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+        ExpectSameFrames(continued, play(*other, frame, 1));
+    }
+}
+
+// An older state, or one of a program with other sound settings: the last `soundPieces` pieces are missing, cut, or of
+// a version that this program does not know. The pictures are those of the run that went on.
+template <typename Start, typename Play>
+void ExpectLoadsWithoutItsSound(Start&& start, Play&& play, size_t soundPieces) {
+    const auto machine = start();
+    play(*machine, 0, kFramesBefore);
+    const SAVED saved = Save(*machine);
+    const std::vector<uint32_t> sizes = AllPieceSizes(saved);
+    uint32_t chips = saved.size;
+    for (size_t i = 0; i < soundPieces; ++i) {
+        chips -= sizes[sizes.size() - 1 - i];
+    }
+    std::vector<std::vector<uint8_t>> states;
+    for (const uint32_t length : {chips, chips + 3, chips + 40, saved.size - 1}) {
+        states.push_back(saved.Cut(length));
+    }
+    for (const int version : {0, 1, 3, 255}) {
+        states.push_back(saved.Cut(saved.size));
+        states.back()[chips] = static_cast<uint8_t>(version);
+    }
+    const auto continued = play(*machine, kFramesBefore, 20);
+    const auto other = start();
+    for (size_t state = 0; state < states.size(); ++state) {
+        play(*other, 0, 5);
+        ASSERT_TRUE(
+            other->LoadState(states[state].data(), static_cast<uint32_t>(states[state].size())))
+            << state;
+        const auto loaded = play(*other, kFramesBefore, 20);
+        for (size_t i = 0; i < loaded.size(); ++i) {
+            ASSERT_EQ(continued[i].picture, loaded[i].picture) << state << ", frame " << i;
+        }
+    }
 }

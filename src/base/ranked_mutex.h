@@ -9,6 +9,9 @@
 
 // The order in which locks nest, outermost first.
 enum class LockRank : int {
+    kGuiApi = 2,       // the toolkit's round; recursive
+    kGuiTree = 4,      // the tree of windows; recursive
+    kGuiQueue = 6,     // calls that wait for the toolkit's tick; recursive
     kSessionList = 10, // the list of sessions; recursive
     kSession = 20,     // one session's machine
     kFrame = 30,       // picture exchange between sessions and display

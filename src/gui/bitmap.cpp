@@ -9,8 +9,8 @@
 #define STBI_NO_STDIO
 #include <stb/stb_image.h>
 
-bool LoadEmbeddedImage(std::span<const uint8_t> png, std::vector<uint32_t>& pixels,
-                       uint32_t& width, uint32_t& height) {
+bool LoadEmbeddedImage(std::span<const uint8_t> png, std::vector<uint32_t>& pixels, uint32_t& width,
+                       uint32_t& height) {
     constexpr int kMostPixels = 1 << 26;
     pixels.clear();
     width = height = 0;
@@ -35,8 +35,8 @@ bool LoadEmbeddedImage(std::span<const uint8_t> png, std::vector<uint32_t>& pixe
     pixels.resize(size_t{width} * height);
     for (size_t i = 0; i < pixels.size(); ++i) {
         const stbi_uc* const rgba = decoded.get() + i * 4;
-        pixels[i] = uint32_t{rgba[3]} << 24 | uint32_t{rgba[0]} << 16 | uint32_t{rgba[1]} << 8 |
-                    rgba[2];
+        pixels[i] =
+            uint32_t{rgba[3]} << 24 | uint32_t{rgba[0]} << 16 | uint32_t{rgba[1]} << 8 | rgba[2];
     }
     return true;
 }

@@ -152,8 +152,8 @@ public:
 
 private:
     struct CLIPPED_RECTS {
-        GUI_RECT outer;  // on the screen, in units; empty where nothing is seen
-        GUI_RECT client; // on the screen
+        GUI_RECT outer;     // on the screen, in units; empty where nothing is seen
+        GUI_RECT client;    // on the screen
         int32_t outerX = 0; // of the clipped part within the window
         int32_t outerY = 0;
         int32_t clientX = 0; // of the clipped client part within the client area
@@ -212,7 +212,8 @@ private:
     mutable TreeMutex treeLock;
     QueueMutex queueLock;
     struct EVENT {
-        GHOSTMANAGER_WINDOW* window; // whose handler is called; null for one that was queued outside
+        GHOSTMANAGER_WINDOW*
+            window; // whose handler is called; null for one that was queued outside
         std::function<void()> call;
     };
     std::deque<EVENT> eventQueue;

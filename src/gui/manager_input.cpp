@@ -22,8 +22,7 @@ void CGhostManager::QueueChain(GHOSTMANAGER_WINDOW* window,
         return;
     }
     const std::scoped_lock hold(queueLock);
-    for (CGhostGUIHandler* handler = window->handler; handler != nullptr;
-         handler = handler->next) {
+    for (CGhostGUIHandler* handler = window->handler; handler != nullptr; handler = handler->next) {
         eventQueue.push_back({window, [handler, call] { call(*handler); }});
     }
 }
@@ -111,8 +110,8 @@ int64_t Distance(const GUI_RECT& from, const GUI_RECT& to, CGhostManager::Direct
     const CENTRE b = TwiceCentre(to);
     const bool sideways = direction == CGhostManager::Direction::kLeft ||
                           direction == CGhostManager::Direction::kRight;
-    const bool backward = direction == CGhostManager::Direction::kLeft ||
-                          direction == CGhostManager::Direction::kUp;
+    const bool backward =
+        direction == CGhostManager::Direction::kLeft || direction == CGhostManager::Direction::kUp;
     const int64_t ahead = (sideways ? b.x - a.x : b.y - a.y) * (backward ? -1 : 1);
     int64_t aside = std::abs(sideways ? b.y - a.y : b.x - a.x);
     // Rectangles that overlap in the other axis lie straight ahead.
@@ -303,9 +302,8 @@ void CGhostManager::ClientInput(GHOSTMANAGER_WINDOW& window, GUI_INPUT_RECORD& r
     if (record.buttonUp) {
         record.buttonUp = false;
         captureWindow = nullptr;
-        QueueChain(&window, [x, y, button](CGhostGUIHandler& handler) {
-            handler.OnMouseUp(x, y, button);
-        });
+        QueueChain(&window,
+                   [x, y, button](CGhostGUIHandler& handler) { handler.OnMouseUp(x, y, button); });
     }
 }
 
@@ -334,7 +332,6 @@ void CGhostManager::FrameInput(GHOSTMANAGER_WINDOW& window, GUI_INPUT_RECORD& re
     if (record.buttonUp) {
         record.buttonUp = false;
         captureWindow = nullptr;
-        QueueChain(&window,
-                   [x, y](CGhostGUIHandler& handler) { handler.OnFrameMouseUp(x, y, 1); });
+        QueueChain(&window, [x, y](CGhostGUIHandler& handler) { handler.OnFrameMouseUp(x, y, 1); });
     }
 }

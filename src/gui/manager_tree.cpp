@@ -202,8 +202,7 @@ void CGhostManager::ComputeClient(GHOSTMANAGER_WINDOW& window) {
     GUI_RECT client = window.frameClientRect;
     client.width -= right;
     client.height -= bottom;
-    window.insetRect = {client.x + client.width, client.y, right,
-                        window.frameClientRect.height};
+    window.insetRect = {client.x + client.width, client.y, right, window.frameClientRect.height};
     client.width = std::clamp(client.width, 0, std::max(0, window.width - client.x));
     client.height = std::clamp(client.height, 0, std::max(0, window.height - client.y));
     window.clientRect = client;

@@ -94,8 +94,8 @@ private:
     std::vector<uint32_t> pixels;
     std::array<ORIGIN, 8> stack{};
     size_t stackDepth = 0;
-    GUI_RECT area;   // the present origin's rectangle, on the screen, in units
-    PIXEL_RECT clip; // the same, from the surface's corner
+    GUI_RECT area;         // the present origin's rectangle, on the screen, in units
+    PIXEL_RECT clip;       // the same, from the surface's corner
     int32_t pixelLeft = 0; // the surface's corner on the screen
     int32_t pixelTop = 0;
     int32_t pixelWidth = 0;

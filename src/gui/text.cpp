@@ -142,11 +142,10 @@ void DrawText(CGhostSurface& surface, CGhostFont* font, std::wstring_view text, 
                       StampGlyph(surface, glyph, x, y, solid);
                   });
     }
-    ForGlyphs(surface, *used, text, left, baseLine,
-              [&](const GUI_GLYPH& glyph, int32_t x, int32_t y) {
-                  surface.StampMask(x, y, glyph.coverage, glyph.width, glyph.height, glyph.pitch,
-                                    colour);
-              });
+    ForGlyphs(
+        surface, *used, text, left, baseLine, [&](const GUI_GLYPH& glyph, int32_t x, int32_t y) {
+            surface.StampMask(x, y, glyph.coverage, glyph.width, glyph.height, glyph.pitch, colour);
+        });
 }
 
 void PaintText(CGhostSurface& surface, const GhostTextStyle& style, std::wstring_view text,

@@ -26,7 +26,8 @@ struct GHOSTMANAGER_WINDOW {
     GHOSTMANAGER_WINDOW* prevSibling = nullptr;
     std::unique_ptr<std::wstring> toolTip;  // null: none
     std::shared_ptr<CGhostSurface> surface; // null while the size is zero; shared with who paints
-    int32_t x = 0; // relative to the parent's client area, its outer area if nonClient, or the screen
+    int32_t x =
+        0; // relative to the parent's client area, its outer area if nonClient, or the screen
     int32_t y = 0;
     int32_t width = 0;
     int32_t height = 0;

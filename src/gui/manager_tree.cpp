@@ -1,4 +1,5 @@
 // The tree of windows: making, placing, showing and freeing them.
+#include "gui/bitmap.h"
 #include "gui/manager.h"
 
 #include <algorithm>
@@ -379,6 +380,7 @@ void CGhostManager::SetScreen(int32_t pixelWidth, int32_t pixelHeight) {
     // The nearest number of units, so that a density that divides without a rest keeps 1280 by 720.
     screenRect = {0, 0, static_cast<int32_t>(std::lround(pixelWidth / density)),
                   static_cast<int32_t>(std::lround(pixelHeight / density))};
+    RefitThemeBitmaps(density);
     for (GHOSTMANAGER_WINDOW* at = firstWindow; at != nullptr; at = Next(at)) {
         MakeSurface(*at);
     }

@@ -1,7 +1,6 @@
 // Windows: the tree, places, client areas, showing, freeing, tooltips, painting, composing.
-#include "gui/gui_rig.h"
-
 #include "gui/blend.h"
+#include "gui/gui_rig.h"
 
 #include <random>
 
@@ -17,7 +16,8 @@ TEST_F(Manager, StaleAndForeignHandlesAreRefused) {
     manager.DestroyWindow(window);
     Told();
     GHOSTMANAGER_WINDOW foreign;
-    for (GHOSTMANAGER_WINDOW* const handle : {window, &foreign, static_cast<GHOSTMANAGER_WINDOW*>(nullptr)}) {
+    for (GHOSTMANAGER_WINDOW* const handle :
+         {window, &foreign, static_cast<GHOSTMANAGER_WINDOW*>(nullptr)}) {
         EXPECT_FALSE(manager.DestroyWindow(handle));
         EXPECT_FALSE(manager.SetWindowPos(handle, 0, 0, 1, 1));
         EXPECT_FALSE(manager.ShowWindow(handle, true));
@@ -95,7 +95,8 @@ TEST_F(Manager, DestroyedWindowsAreFreedChildrenFirstAtTheEndOfATick) {
     manager.DestroyWindow(child);
     manager.DestroyWindow(top);
     EXPECT_TRUE(manager.IsWindowVisible(child));
-    EXPECT_EQ(Told(), (Log{"grandchild destroy", "child destroy", "second destroy", "top destroy"}));
+    EXPECT_EQ(Told(),
+              (Log{"grandchild destroy", "child destroy", "second destroy", "top destroy"}));
     EXPECT_FALSE(manager.IsWindowVisible(top));
     EXPECT_FALSE(manager.IsWindowVisible(child));
 }
@@ -160,7 +161,9 @@ TEST_F(Manager, TheDrawCallbackGetsClippedPiecesBackToFront) {
     std::vector<std::vector<int64_t>> drawn;
     GUI_HOST_CALLBACKS host;
     host.draw = [&](uint32_t id, uint32_t flags, int32_t sx, int32_t sy, int32_t x, int32_t y,
-                    int32_t w, int32_t h) { drawn.push_back({id, flags, sx, sy, x, y, w, h}); };
+                    int32_t w, int32_t h) {
+        drawn.push_back({id, flags, sx, sy, x, y, w, h});
+    };
     manager.SetHost(host);
     GHOSTMANAGER_WINDOW* const top = Make("top", nullptr, {-20, 700, 100, 100});
     Frame(top, 5);
@@ -169,9 +172,9 @@ TEST_F(Manager, TheDrawCallbackGetsClippedPiecesBackToFront) {
     manager.CompositeAll();
     const int64_t ones = kCompositeStart;
     EXPECT_EQ(drawn, (std::vector<std::vector<int64_t>>{
-                         {ones, ones, 0, 0, 0, 0, 0, 0},
-                         {top->id, 0, 20, 0, 0, 700, 80, 20},
-                         {child->id, 0, 0, 10, 65, 705, 10, 15},
+                         {ones,      ones, 0,  0,  0,  0,   0,  0 },
+                         {top->id,   0,    20, 0,  0,  700, 80, 20},
+                         {child->id, 0,    0,  10, 65, 705, 10, 15},
     }));
     EXPECT_TRUE(manager.DirtyRect().Empty());
 }
@@ -211,16 +214,19 @@ TEST_F(Manager, DirtyPartsComposeToWhatTheWholeWould) {
     };
     std::vector<GHOSTMANAGER_WINDOW*> windows;
     for (int i = 0; i < 12; ++i) {
-        GHOSTMANAGER_WINDOW* const parent =
-            i < 4 ? nullptr : windows[random() % windows.size()];
-        windows.push_back(Make("w", parent, {below(900), below(500), 50 + below(400), 40 + below(300)}));
+        GHOSTMANAGER_WINDOW* const parent = i < 4 ? nullptr : windows[random() % windows.size()];
+        windows.push_back(
+            Make("w", parent, {below(900), below(500), 50 + below(400), 40 + below(300)}));
         handlers.back()->colour = static_cast<uint32_t>(random()) | 0x40000000;
         Frame(windows.back(), below(4));
     }
     for (int round = 0; round < 150; ++round) {
         GHOSTMANAGER_WINDOW* const window = windows[static_cast<size_t>(below(12))];
         switch (below(5)) {
-        case 0: manager.SetWindowPos(window, below(1200) - 100, below(700) - 50, kKeepValue, kKeepValue); break;
+        case 0:
+            manager.SetWindowPos(window, below(1200) - 100, below(700) - 50, kKeepValue,
+                                 kKeepValue);
+            break;
         case 1: manager.SetWindowPos(window, kKeepValue, kKeepValue, below(500), below(400)); break;
         case 2: manager.ShowWindow(window, below(3) != 0); break;
         case 3: manager.SetZOrder(window, -1); break;
@@ -251,7 +257,8 @@ TEST_F(Manager, NeighboursTouchWithoutGapOrOverlapAtEveryDensity) {
             const int32_t wide = std::min(1 + i % 7, bounds.width - x);
             row.push_back(std::make_unique<RecordingHandler>(ownLog, "w"));
             row.back()->colour = 0xFF00FF00;
-            GHOSTMANAGER_WINDOW* const window = own.CreateWindow(nullptr, 0, row.back().get(), false);
+            GHOSTMANAGER_WINDOW* const window =
+                own.CreateWindow(nullptr, 0, row.back().get(), false);
             own.SetWindowPos(window, x, 0, wide, bounds.height);
             x += wide;
         }

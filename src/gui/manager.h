@@ -113,6 +113,8 @@ public:
     // window if there is one. False when there is none.
     enum class Direction : uint8_t { kLeft, kRight, kUp, kDown };
     bool MoveFocus(Direction direction);
+    // Clicks the middle of the window that has the focus, as a controller's button does.
+    bool ActivateFocus();
 
     // ---- Clipboard, keys, cursor.
 

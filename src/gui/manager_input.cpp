@@ -151,6 +151,20 @@ bool CGhostManager::MoveFocus(Direction direction) {
     return true;
 }
 
+bool CGhostManager::ActivateFocus() {
+    const std::scoped_lock hold(treeLock);
+    if (focusWindow == nullptr || !EffectivelyVisible(focusWindow)) {
+        return false;
+    }
+    const int x = focusWindow->clientRect.width / 2;
+    const int y = focusWindow->clientRect.height / 2;
+    QueueChain(focusWindow, [x, y](CGhostGUIHandler& handler) {
+        handler.OnMouseDown(x, y, 1);
+        handler.OnMouseUp(x, y, 1);
+    });
+    return true;
+}
+
 // ---- The mouse.
 
 void CGhostManager::HoverOn(GHOSTMANAGER_WINDOW* window) {

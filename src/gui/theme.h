@@ -53,9 +53,9 @@ public:
 
 private:
     // In the order of StyleKind, from 1.
-    using RECORD = std::variant<GhostBorderStyle, GhostTextStyle, GhostButtonStyle, GhostEditStyle,
-                                GhostListStyle, GhostListViewStyle, GhostScrollbarStyle,
-                                GhostDropListStyle>;
+    using RECORD =
+        std::variant<GhostBorderStyle, GhostTextStyle, GhostButtonStyle, GhostEditStyle,
+                     GhostListStyle, GhostListViewStyle, GhostScrollbarStyle, GhostDropListStyle>;
     struct ENTRY {
         std::wstring name;
         RECORD record;

@@ -1,10 +1,12 @@
 // The NES's sound unit, as cost of a cycle and as multiples of real time. A frame is a sixtieth of a
 // second of processor cycles; with the resampler it is flushed and taken at its end.
 #include "base/audio_rate.h"
+#include "machine/sound_settings.h"
 #include "nes/apu.h"
 #include "nes/apu_tick.h"
-
 #include "settings/settings.h"
+
+#include "support/heard_chip.h"
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -35,9 +37,10 @@ uint8_t SampleByte(void* /*owner*/, uint16_t address) {
 }
 
 // Both pulses, triangle, noise, and a sample that loops.
-std::unique_ptr<APU> PlayingApu(uint32_t& irqLines) {
-    auto apu = std::make_unique<APU>();
+std::unique_ptr<HEARD_CHIP<APU>> PlayingApu(uint32_t& irqLines) {
+    auto apu = std::make_unique<HEARD_CHIP<APU>>();
     ApuInit(*apu, SampleByte, nullptr);
+    apu->sound.Init(kApuSampleRate, SoundChoiceFromSettings());
     ApuReset(*apu, true, &irqLines);
     constexpr std::pair<uint16_t, uint8_t> kWrites[]{
         {0x4015, 0x0F},
@@ -75,8 +78,8 @@ void ApuCycles(benchmark::State& state) {
         for (uint32_t cycle = 0; cycle < kFrameCycles; ++cycle) {
             ApuStep(*apu);
         }
-        benchmark::DoNotOptimize(apu->samples[0]);
-        apu->sampleCount = 0;
+        benchmark::DoNotOptimize(apu->pairs->samples[0]);
+        apu->pairs->sampleCount = 0;
     }
     Report(state);
 }
@@ -89,8 +92,8 @@ void ApuFrames(benchmark::State& state) {
         for (uint32_t cycle = 0; cycle < kFrameCycles; ++cycle) {
             ApuStep(*apu);
         }
-        ApuFlush(*apu);
-        apu->resampler.Consume(static_cast<int32_t>(apu->resampler.Output().size()));
+        apu->sound.Flush();
+        apu->sound.Consume(static_cast<int32_t>(apu->sound.Output().size()));
     }
     Report(state);
 }

@@ -4,8 +4,8 @@
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/rewind.h"
-
 #include "settings/settings.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -64,7 +64,7 @@ void RewindPushWhenFull(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
         uint32_t bytes = 0;
         StateBlob blob = session->machine->SaveState(bytes);
-        RewindPush(*session, std::move(blob), bytes, limit);
+        RewindPush(session->rewind, std::move(blob), bytes, limit);
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * size);
 }
@@ -108,7 +108,7 @@ void SubmitAudio(benchmark::State& state) {
     sound.frame.sampleCount = kPairs;
     for ([[maybe_unused]] auto _ : state) {
         HostSubmitAudio(session.get(), &sound.frame);
-        session->soundBytes = 0;
+        session->sound.soundBytes = 0;
     }
     HostClose(session.get());
 }

@@ -1,7 +1,7 @@
 // Cost of a frame of the whole NES, sound at the default quality included. A frame lasts 16.64 ms.
 #include "nes/nes_console.h"
-
 #include "settings/settings.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -125,8 +125,8 @@ void RunFrames(benchmark::State& state, uint8_t board, uint8_t mask, int32_t qua
     for (auto _ : state) {
         PpuBeginFrame(nes->ppu, pixels.data(), kPpuWidth);
         NesRunFrame(*nes);
-        ApuFlush(nes->apu);
-        nes->apu.resampler.Consume(static_cast<int32_t>(nes->apu.resampler.Output().size()));
+        nes->sound.Flush();
+        nes->sound.Consume(static_cast<int32_t>(nes->sound.Output().size()));
         benchmark::DoNotOptimize(pixels.data());
     }
     state.counters["x real time"] = benchmark::Counter(

@@ -1,6 +1,7 @@
 // What a scaled picture costs, 320 by 224 pixels: of discs on a dithered sky, of nothing but dithering,
 // and of one colour.
 #include "display/picture_scaler.h"
+
 #include <benchmark/benchmark.h>
 
 #include <vector>

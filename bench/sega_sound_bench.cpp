@@ -1,10 +1,12 @@
 // The sound chips of the 8-bit machines, as cost of a clock and as multiples of real time. A frame is
 // a sixtieth of a second of Z80 clocks; with the resampler it is flushed and taken at its end.
 #include "base/audio_rate.h"
+#include "machine/sound_settings.h"
 #include "sega8/psg.h"
 #include "sega8/ym2413.h"
-
 #include "settings/settings.h"
+
+#include "support/heard_chip.h"
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -31,10 +33,11 @@ void Report(benchmark::State& state) {
 }
 
 // Three tones and white noise.
-std::unique_ptr<PSG> PlayingPsg() {
-    auto psg = std::make_unique<PSG>();
+std::unique_ptr<HEARD_CHIP<PSG>> PlayingPsg() {
+    auto psg = std::make_unique<HEARD_CHIP<PSG>>();
     PsgInit(*psg, kClock, 1, true);
     PsgReset(*psg);
+    psg->sound.Init(kClock / 16.0, SoundChoiceFromSettings());
     for (const int value : {0x8E, 0x0F, 0x90, 0xA3, 0x12, 0xB2, 0xC5, 0x22, 0xD4, 0xE4, 0xF3}) {
         PsgWrite(*psg, static_cast<uint8_t>(value));
     }
@@ -42,10 +45,11 @@ std::unique_ptr<PSG> PlayingPsg() {
 }
 
 // Six fixed voices, two of them with tremolo and vibrato, and all of the rhythm.
-std::unique_ptr<YM2413> PlayingYm() {
-    auto ym = std::make_unique<YM2413>();
+std::unique_ptr<HEARD_CHIP<YM2413>> PlayingYm() {
+    auto ym = std::make_unique<HEARD_CHIP<YM2413>>();
     YmInit(*ym, kClock);
     YmReset(*ym);
+    ym->sound.Init(kClock / 72.0, SoundChoiceFromSettings());
     for (uint8_t channel = 0; channel < 6; ++channel) {
         YmWrite(*ym, static_cast<uint8_t>(0x30 + channel),
                 static_cast<uint8_t>((channel + 7) << 4));
@@ -65,8 +69,8 @@ void PsgClocks(benchmark::State& state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             PsgTick(*psg);
         }
-        benchmark::DoNotOptimize(psg->samples[0]);
-        psg->sampleCount = 0;
+        benchmark::DoNotOptimize(psg->pairs->samples[0]);
+        psg->pairs->sampleCount = 0;
     }
     Report(state);
 }
@@ -78,8 +82,8 @@ void PsgFrames(benchmark::State& state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             PsgTick(*psg);
         }
-        PsgFlush(*psg);
-        psg->resampler.Consume(static_cast<int32_t>(psg->resampler.Output().size()));
+        psg->sound.Flush();
+        psg->sound.Consume(static_cast<int32_t>(psg->sound.Output().size()));
     }
     Report(state);
 }
@@ -91,8 +95,8 @@ void YmClocks(benchmark::State& state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             YmTick(*ym);
         }
-        benchmark::DoNotOptimize(ym->sampleBuffer[0]);
-        ym->sampleCount = 0;
+        benchmark::DoNotOptimize(ym->pairs->samples[0]);
+        ym->pairs->sampleCount = 0;
     }
     Report(state);
 }
@@ -104,8 +108,8 @@ void YmFrames(benchmark::State& state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             YmTick(*ym);
         }
-        YmFlush(*ym);
-        ym->resampler.Consume(static_cast<int32_t>(ym->resampler.Output().size()));
+        ym->sound.Flush();
+        ym->sound.Consume(static_cast<int32_t>(ym->sound.Output().size()));
     }
     Report(state);
 }

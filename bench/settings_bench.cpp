@@ -1,8 +1,8 @@
 // Lookup by name, which every machine does for every action at every poll of its controllers.
 #include "base/text.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <benchmark/benchmark.h>
 
 namespace {

@@ -1,10 +1,12 @@
 // The Mega Drive's FM chip, as samples a second and as multiples of real time. A frame is a sixtieth
 // of a second of clocks; with the resampler it is flushed and taken at its end.
 #include "base/audio_rate.h"
+#include "machine/sound_settings.h"
 #include "megadrive/ym2612.h"
 #include "megadrive/ym2612_tick.h"
-
 #include "settings/settings.h"
+
+#include "support/heard_chip.h"
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -38,10 +40,11 @@ void Set(YM2612& ym, uint32_t reg, uint32_t value) {
 
 // All six channels, of six algorithms and with feedback, long envelopes and all operators heard.
 // `lfo` gives them vibrato and tremolo.
-std::unique_ptr<YM2612> Playing(bool lfo) {
-    auto ym = std::make_unique<YM2612>();
+std::unique_ptr<HEARD_CHIP<YM2612>> Playing(bool lfo) {
+    auto ym = std::make_unique<HEARD_CHIP<YM2612>>();
     Ym2612SetClock(*ym, kClock);
     Ym2612Reset(*ym);
+    ym->sound.Init(kClock / 144.0, SoundChoiceFromSettings());
     Set(*ym, 0x22, lfo ? 0x0C : 0);
     for (uint32_t channel = 0; channel < 6; ++channel) {
         const uint32_t base = (channel >= 3 ? 0x100 : 0) + channel % 3;
@@ -68,8 +71,8 @@ void Ym2612Samples(benchmark::State& state) {
     const auto ym = Playing(state.range(0) != 0);
     for ([[maybe_unused]] auto step : state) {
         Ym2612Run(*ym, kSamples * kYm2612ClocksPerSample);
-        benchmark::DoNotOptimize(ym->sampleBuffer[0]);
-        ym->sampleCount = 0;
+        benchmark::DoNotOptimize(ym->pairs->samples[0]);
+        ym->pairs->sampleCount = 0;
     }
     Report(state, kSamples);
 }
@@ -77,13 +80,14 @@ void Ym2612Samples(benchmark::State& state) {
 void Ym2612Silence(benchmark::State& state) {
     constexpr uint32_t kSamples = 1000;
     Prepare(0);
-    const auto ym = std::make_unique<YM2612>();
+    const auto ym = std::make_unique<HEARD_CHIP<YM2612>>();
     Ym2612SetClock(*ym, kClock);
     Ym2612Reset(*ym);
+    ym->sound.Init(kClock / 144.0, SoundChoiceFromSettings());
     for ([[maybe_unused]] auto step : state) {
         Ym2612Run(*ym, kSamples * kYm2612ClocksPerSample);
-        benchmark::DoNotOptimize(ym->sampleBuffer[0]);
-        ym->sampleCount = 0;
+        benchmark::DoNotOptimize(ym->pairs->samples[0]);
+        ym->pairs->sampleCount = 0;
     }
     Report(state, kSamples);
 }
@@ -95,8 +99,8 @@ void Ym2612Frames(benchmark::State& state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             Ym2612Tick(*ym);
         }
-        Ym2612Flush(*ym);
-        ym->resampler.Consume(static_cast<int32_t>(ym->resampler.Output().size()));
+        ym->sound.Flush();
+        ym->sound.Consume(static_cast<int32_t>(ym->sound.Output().size()));
     }
     Report(state, double{kFrameClocks} / kYm2612ClocksPerSample);
 }

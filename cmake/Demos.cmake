@@ -11,26 +11,52 @@ find_program(M68K_AS m68k-linux-gnu-as REQUIRED)
 find_program(M68K_LD m68k-linux-gnu-ld REQUIRED)
 find_program(M68K_OBJCOPY m68k-linux-gnu-objcopy REQUIRED)
 
-# ombrelune_z80_rom(NAME name SIZE bytes SOURCES file... [DEPENDS file...] [FLAGS flag...])
+# ombrelune_tables(folder variable file...)
+#
+# Pictures, sheets, scores and sounds (demos/README.md) as tables: of each FILE.* comes FOLDER/FILE.inc,
+# and of a picture FOLDER/FILE_count.inc too. Sets the variable to all that is made.
+function(ombrelune_tables folder variable)
+    set(tables "")
+    foreach(source ${ARGN})
+        get_filename_component(stem ${source} NAME_WE)
+        get_filename_component(extension ${source} EXT)
+        cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE)
+        set(products ${folder}/${stem}.inc)
+        if(extension STREQUAL ".png")
+            list(APPEND products ${folder}/${stem}_count.inc)
+        endif()
+        # The depfile names the picture that a sheet reads.
+        add_custom_command(OUTPUT ${products}
+            COMMAND demo_tables ${source} ${folder}/${stem}.inc
+            DEPENDS demo_tables ${source} DEPFILE ${folder}/${stem}.inc.d VERBATIM)
+        list(APPEND tables ${products})
+    endforeach()
+    set(${variable} ${tables} PARENT_SCOPE)
+endfunction()
+
+# ombrelune_z80_rom(NAME name SIZE bytes SOURCES file... [DEPENDS file...] [TABLES file...] [FLAGS flag...])
 #
 # Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, SIZE bytes of a Z80 program: code from address 0, data
 # from 0xC000. The first source is linked first and holds the reset vector. Sources are assembly (.s,
-# sdasz80) or C (.c, sdcc, without its start code). DEPENDS are included files.
+# sdasz80) or C (.c, sdcc, without its start code). DEPENDS are included files, and TABLES are what tables
+# that the sources include are made of: `.include "x.inc"` takes in those of x.png, x.sheet or x.score.
 function(ombrelune_z80_rom)
-    cmake_parse_arguments(ROM "" "NAME;SIZE" "SOURCES;DEPENDS;FLAGS" ${ARGN})
+    cmake_parse_arguments(ROM "" "NAME;SIZE" "SOURCES;DEPENDS;TABLES;FLAGS" ${ARGN})
     set(objects "")
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.dir)
     file(MAKE_DIRECTORY ${folder})
     list(TRANSFORM ROM_DEPENDS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+    ombrelune_tables(${folder} tables ${ROM_TABLES})
+    list(APPEND ROM_DEPENDS ${tables})
     foreach(source ${ROM_SOURCES})
         get_filename_component(stem ${source} NAME_WE)
         get_filename_component(extension ${source} EXT)
         cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
         set(object ${folder}/${stem}.rel)
         if(extension STREQUAL ".s")
-            set(command ${SDASZ80} -l -o -s -g -I${CMAKE_CURRENT_SOURCE_DIR} ${object} ${source})
+            set(command ${SDASZ80} -l -o -s -g -I${CMAKE_CURRENT_SOURCE_DIR} -I${folder} ${object} ${source})
         else()
-            set(command ${SDCC} -mz80 --std-c11 --opt-code-speed -I${CMAKE_CURRENT_SOURCE_DIR}
+            set(command ${SDCC} -mz80 --std-c11 --opt-code-speed -I${CMAKE_CURRENT_SOURCE_DIR} -I${folder}
                 ${ROM_FLAGS} -c -o ${object} ${source})
         endif()
         add_custom_command(OUTPUT ${object} COMMAND ${command} DEPENDS ${source} ${ROM_DEPENDS}
@@ -45,29 +71,31 @@ function(ombrelune_z80_rom)
         DEPENDS ${objects} VERBATIM)
 endfunction()
 
-# ombrelune_nes_rom(NAME name CONFIG file SOURCES file... [DEPENDS file...])
+# ombrelune_nes_rom(NAME name CONFIG file SOURCES file... [DEPENDS file...] [TABLES file...])
 #
 # Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, a NES cartridge with the header that the sources hold,
 # laid out by the linker's CONFIG. Sources are assembly (.s, ca65) or C (.c, cc65 with its helpers of
-# arithmetic, but no start code and no library of a machine). DEPENDS are included files.
+# arithmetic, but no start code and no library of a machine). DEPENDS and TABLES are as above.
 function(ombrelune_nes_rom)
-    cmake_parse_arguments(ROM "" "NAME;CONFIG" "SOURCES;DEPENDS" ${ARGN})
+    cmake_parse_arguments(ROM "" "NAME;CONFIG" "SOURCES;DEPENDS;TABLES" ${ARGN})
     set(objects "")
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.dir)
     file(MAKE_DIRECTORY ${folder})
     list(TRANSFORM ROM_DEPENDS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+    ombrelune_tables(${folder} tables ${ROM_TABLES})
+    list(APPEND ROM_DEPENDS ${tables})
     foreach(source ${ROM_SOURCES})
         get_filename_component(stem ${source} NAME_WE)
         get_filename_component(extension ${source} EXT)
         cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
         set(object ${folder}/${stem}.o)
-        set(command ${CA65} -t none -I ${CMAKE_CURRENT_SOURCE_DIR} -o ${object})
+        set(command ${CA65} -t none -I ${CMAKE_CURRENT_SOURCE_DIR} -I ${folder} -o ${object})
         if(extension STREQUAL ".s")
             add_custom_command(OUTPUT ${object} COMMAND ${command} ${source}
                 DEPENDS ${source} ${ROM_DEPENDS} VERBATIM)
         else()
             add_custom_command(OUTPUT ${object}
-                COMMAND ${CC65} -t none -Oirs -I ${CMAKE_CURRENT_SOURCE_DIR} -o ${folder}/${stem}.s ${source}
+                COMMAND ${CC65} -t none -Oirs -I ${CMAKE_CURRENT_SOURCE_DIR} -I ${folder} -o ${folder}/${stem}.s ${source}
                 COMMAND ${command} ${folder}/${stem}.s
                 DEPENDS ${source} ${ROM_DEPENDS} VERBATIM)
         endif()
@@ -80,24 +108,27 @@ function(ombrelune_nes_rom)
         DEPENDS ${objects} ${ROM_CONFIG} VERBATIM)
 endfunction()
 
-# ombrelune_md_rom(NAME name CONFIG file SOURCES file... [DEPENDS file...] [Z80 file...])
+# ombrelune_md_rom(NAME name CONFIG file SOURCES file... [DEPENDS file...] [TABLES file...]
+#                  [Z80 file...])
 #
 # Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, a Mega Drive cartridge of 68000 assembly (.s, GNU as),
 # laid out by the linker script CONFIG. The files of Z80 (.s, sdasz80; the first is linked first, at
 # address 0) become a program of at most 8 KiB in ${CMAKE_CURRENT_BINARY_DIR}/NAME.dir/z80.bin, which the
-# sources take in with .incbin "z80.bin".
+# sources take in with .incbin "z80.bin". DEPENDS and TABLES are as above.
 function(ombrelune_md_rom)
-    cmake_parse_arguments(ROM "" "NAME;CONFIG" "SOURCES;DEPENDS;Z80" ${ARGN})
+    cmake_parse_arguments(ROM "" "NAME;CONFIG" "SOURCES;DEPENDS;TABLES;Z80" ${ARGN})
     set(objects "")
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/${ROM_NAME}.dir)
     file(MAKE_DIRECTORY ${folder})
     list(TRANSFORM ROM_DEPENDS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+    ombrelune_tables(${folder} tables ${ROM_TABLES})
+    list(APPEND ROM_DEPENDS ${tables})
     set(z80_objects "")
     foreach(source ${ROM_Z80})
         get_filename_component(stem ${source} NAME_WE)
         cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
         add_custom_command(OUTPUT ${folder}/${stem}.rel
-            COMMAND ${SDASZ80} -l -o -s -g -I${CMAKE_CURRENT_SOURCE_DIR} ${folder}/${stem}.rel ${source}
+            COMMAND ${SDASZ80} -l -o -s -g -I${CMAKE_CURRENT_SOURCE_DIR} -I${folder} ${folder}/${stem}.rel ${source}
             DEPENDS ${source} ${ROM_DEPENDS}
             WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} VERBATIM)
         list(APPEND z80_objects ${folder}/${stem}.rel)

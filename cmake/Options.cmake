@@ -2,6 +2,7 @@
 
 option(OMBRELUNE_LTO "Link-time optimisation" OFF)
 option(OMBRELUNE_TESTS "Build the tests and benchmarks" OFF)
+option(OMBRELUNE_CHECK_LOCK_RANKS "Check that locks are taken in the order of their ranks" OFF)
 option(OMBRELUNE_FUZZ "Build the libFuzzer entry points (needs Clang)" OFF)
 set(OMBRELUNE_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 
@@ -24,13 +25,15 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 takes its own std::string for overlapping copies.
     target_compile_options(ombrelune_flags INTERFACE -Wno-restrict)
 endif()
-# Debug and sanitizer builds check that locks are taken in the order of their ranks.
-if(OMBRELUNE_SANITIZE)
-    target_compile_definitions(ombrelune_flags INTERFACE
-        OMBRELUNE_CHECK_LOCK_RANKS OMBRELUNE_SANITIZED)
+# Debug and sanitizer builds check the ranks of locks whether asked to or not.
+if(OMBRELUNE_CHECK_LOCK_RANKS OR OMBRELUNE_SANITIZE)
+    target_compile_definitions(ombrelune_flags INTERFACE OMBRELUNE_CHECK_LOCK_RANKS)
 else()
     target_compile_definitions(ombrelune_flags INTERFACE
         $<$<CONFIG:Debug>:OMBRELUNE_CHECK_LOCK_RANKS>)
+endif()
+if(OMBRELUNE_SANITIZE)
+    target_compile_definitions(ombrelune_flags INTERFACE OMBRELUNE_SANITIZED)
 endif()
 
 if(OMBRELUNE_LTO)

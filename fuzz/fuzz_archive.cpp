@@ -3,7 +3,6 @@
 #include "host/archive.h"
 #include "host/report.h"
 #include "host/session.h"
-
 #include "machine/state_piece.h"
 
 #include <array>

@@ -7,9 +7,9 @@
 //
 // Whatever the bytes, both frame loops must come to the same.
 #include "megadrive/mega_drive.h"
+#include "settings/settings.h"
 
 #include "machine_fuzz.h"
-#include "settings/settings.h"
 
 #include <algorithm>
 #include <initializer_list>

@@ -3,9 +3,9 @@
 // is a whole one by 0x80, or, as whole states are long, a patch: bytes that are laid over the fields of a
 // good one, from the offset that the next two bytes name.
 #include "nes/nes.h"
+#include "settings/settings.h"
 
 #include "machine_fuzz.h"
-#include "settings/settings.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "base/bytes.h"
-
 #include "formats/game_file.h"
 #include "machine/emu_system.h"
 #include "machine/state_piece.h"

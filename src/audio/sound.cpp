@@ -7,9 +7,9 @@
 #include "base/ranked_mutex.h"
 #include "host/host_data.h"
 #include "host/session.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <SDL.h>
 
 #include <algorithm>
@@ -91,7 +91,7 @@ bool AttachRings(SoundDevice& device, SoundChannel& channel, uint32_t sessionKey
 void Silence(const OPEN_CHANNEL& open) {
     open.data->noSound = true;
     open.data->syncBias = 0;
-    open.session->soundBytes.store(0, std::memory_order_relaxed);
+    open.session->sound.soundBytes.store(0, std::memory_order_relaxed);
 }
 
 // A channel that had no device until now starts afresh, and the frames' length follows the sound.
@@ -99,7 +99,7 @@ void RestartChannels(SoundDevice& device) {
     for (const OPEN_CHANNEL& open : Sound().channels) {
         Silence(open);
         open.channel->Restart();
-        open.session->directSound = 0;
+        open.session->sound.directSound = 0;
         open.data->noSound = !AttachRings(device, *open.channel, open.session->key);
     }
 }
@@ -119,16 +119,20 @@ void CommitListener() {
     }
 }
 
+// Opening can take seconds, and sessions hand in their sound under the mutex meanwhile.
 template <typename Open>
 bool OpenDevice(const Open& open) {
-    const std::lock_guard guard(EmuSoundMutex());
-    if (Sound().device) {
-        return true;
+    {
+        const std::lock_guard guard(EmuSoundMutex());
+        if (Sound().device) {
+            return true;
+        }
     }
     auto device = std::make_unique<SoundDevice>();
     if (!open(*device)) {
         return false;
     }
+    const std::lock_guard guard(EmuSoundMutex());
     SoundSetVolume(Settings().GetFloat(L"audio_volume"));
     Sound().device = std::move(device);
     RestartChannels(*Sound().device);
@@ -173,16 +177,19 @@ void RenderSound(int16_t* out, uint32_t frames) {
     }
 }
 
+// The rings leave the device under the mutex; the closing itself, which waits for the output, does not
+// hold up the sessions.
 void CloseSoundDevice() {
+    std::unique_ptr<SoundDevice> device;
     const std::lock_guard guard(EmuSoundMutex());
-    Sound().device.reset();
+    device = std::move(Sound().device);
     for (const OPEN_CHANNEL& open : Sound().channels) {
         Silence(open);
+        if (device) {
+            device->Detach(open.channel->mono);
+            device->Detach(open.channel->stereo);
+        }
     }
-}
-
-void SoundDeviceLost() {
-    CloseSoundDevice();
 }
 
 uint32_t SoundDeviceNumber() {

@@ -1,12 +1,12 @@
 // The sound device, the pump and one channel a session. See sound_ring.h for the rings.
 //
-// Threads: OpenSoundDevice and CloseSoundDevice on the main thread; CreateSoundChannel on the session
+// Threads: opening, closing and the pump's start and stop, one at a time; CreateSoundChannel on the session
 // thread from the host's open callback, DestroySoundChannel from close; PumpSound on the pump thread;
 // the device pulls on a thread of its own. Places, listener, volume and the room's flag may be set by
 // any thread.
 // Locks: all that is kept here stands under the sound mutex of host_data.h, but for the listener's
-// numbers, which have a small lock of their own, single atomic words, and the pump's thread, which
-// the main thread alone starts and stops.
+// numbers, which have a small lock of their own, single atomic words, and the pump's thread.
+// Opening and closing may take seconds; the mutex is free meanwhile.
 // Order: DestroySoundChannel before the host frees the session's data.
 // Failure: no device, or one that vanishes, leaves a silent running program: samples are dropped, and
 // frames last as long as their samples say, with no bias. A device that is opened later serves the
@@ -26,14 +26,10 @@ struct EMU_THREAD;
 [[nodiscard]] bool OpenSoundLoopback(std::string& error);
 void RenderSound(int16_t* out, uint32_t frames);
 
-// Stop the pump first. Channels stay, without a device, and go on with the next one that is opened.
+// Also for an output that has gone. Stop the pump first. Channels stay, without a device, and go on with the next one that is opened.
 void CloseSoundDevice();
 
-// The same for an output that has gone: to be called when SDL reports the removal of the output
-// numbered SoundDeviceNumber. A later OpenSoundDevice may find another one.
-void SoundDeviceLost();
-
-// SDL's number of the open output; 0 without one.
+// SDL's number of the open output, by which it reports that this one has gone; 0 without one.
 [[nodiscard]] uint32_t SoundDeviceNumber();
 
 // After the session has its host data. Without a device, or when the device has no room for it, the

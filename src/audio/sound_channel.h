@@ -7,8 +7,8 @@
 // Units: positions in bytes of their ring.
 #pragma once
 
+#include "audio/sound_backlog.h"
 #include "audio/sound_ring.h"
-
 #include "machine/band_splitter.h"
 
 #include <array>
@@ -29,6 +29,7 @@ struct SoundChannel {
     uint32_t lastPlayMono = 0;
     uint32_t writeStereo = 0;
     uint32_t writeMono = 0;
+    SoundBacklog backlog;                // of the session's waiting sound
     std::array<BandSplitter, 2> filters; // left, right: the boost
     std::vector<int16_t> scratch;        // two seconds of stereo
 };

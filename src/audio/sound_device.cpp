@@ -1,6 +1,7 @@
 #include "audio/sound_device.h"
 
 #include "audio/clocked_output.h"
+#include "audio/driver_messages.h"
 #include "audio/sound_ring.h"
 #include "base/ranked_mutex.h"
 
@@ -325,6 +326,7 @@ bool SoundDevice::OpenSdl(uint32_t rate, std::string& error) {
         return false;
     }
     p->sdlReady = true;
+    SilenceDriverMessages();
     SDL_AudioSpec wanted{};
     wanted.freq = static_cast<int>(rate);
     wanted.format = AUDIO_S16SYS;

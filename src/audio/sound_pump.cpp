@@ -2,7 +2,6 @@
 
 #include "host/host_data.h"
 #include "host/session.h"
-
 #include "settings/settings.h"
 
 #include <algorithm>
@@ -58,30 +57,30 @@ void ResetCursors(SoundChannel& channel) {
 // Full screen or room, heard or not.
 void ChooseRing(EMU_THREAD& session, SoundChannel& channel, const PUMP_SURROUNDINGS& surroundings) {
     if (surroundings.inFront && !surroundings.roomVisible) {
-        if (session.directSound == 0) {
+        if (session.sound.directSound == 0) {
             SwitchRings(channel.mono, channel.stereo);
             ResetCursors(channel);
         }
-        session.directSound = 1;
-        session.audible = 1;
+        session.sound.directSound = 1;
+        session.sound.audible = 1;
         return;
     }
-    session.audible = surroundings.roomVisible ? 1 : 0;
-    if (surroundings.roomVisible && session.directSound != 0) {
+    session.sound.audible = surroundings.roomVisible ? 1 : 0;
+    if (surroundings.roomVisible && session.sound.directSound != 0) {
         SwitchRings(channel.stereo, channel.mono);
         ResetCursors(channel);
-        session.directSound = 0;
+        session.sound.directSound = 0;
     }
 }
 
-// A value that is no number comes out as the lowest.
-double Clip(double value) {
-    return value >= -32768.0 ? std::min(value, 32767.0) : -32768.0;
+// The bands are summed in double precision, the volume is applied in single. NaN comes out as the lowest.
+float Clip(double value) {
+    return static_cast<float>(value >= -32768.0 ? std::min(value, 32767.0) : -32768.0);
 }
 
 // Clipped before the volume, so that a low volume keeps what clipping did; and after it, so that a
 // volume above one cannot wrap.
-int16_t Finish(double value) {
+int16_t Finish(float value) {
     return static_cast<int16_t>(Clip(value));
 }
 
@@ -91,19 +90,32 @@ int16_t SampleAt(const uint8_t* bytes, size_t index) {
     return sample;
 }
 
-void BoostStereo(SoundChannel& channel, const uint8_t* pending, size_t pairs, double volume) {
+void BoostStereo(SoundChannel& channel, const uint8_t* pending, size_t pairs, float volume) {
     for (size_t i = 0; i < pairs * 2; ++i) {
         const double boosted = channel.filters[i % 2].Process(SampleAt(pending, i));
         channel.scratch[i] = Finish(Clip(boosted) * volume);
     }
 }
 
-void BoostMono(SoundChannel& channel, const uint8_t* pending, size_t pairs, double volume) {
+void BoostMono(SoundChannel& channel, const uint8_t* pending, size_t pairs, float volume) {
     for (size_t i = 0; i < pairs; ++i) {
-        const double left = Clip(channel.filters[0].Process(SampleAt(pending, i * 2)));
-        const double right = Clip(channel.filters[1].Process(SampleAt(pending, i * 2 + 1)));
-        channel.scratch[i] = Finish((left + right) * volume * 0.5);
+        const float left = Clip(channel.filters[0].Process(SampleAt(pending, i * 2)));
+        const float right = Clip(channel.filters[1].Process(SampleAt(pending, i * 2 + 1)));
+        channel.scratch[i] = Finish((left + right) * volume * 0.5f);
     }
+}
+
+// The bytes that wait for this round: never more than there is, or than a ring holds.
+uint32_t BoundWaiting(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel) {
+    const auto waiting = std::min<uint32_t>(
+        session.sound.soundBytes.load(std::memory_order_relaxed),
+        static_cast<uint32_t>(std::min<size_t>(data.pending.size(), channel.stereo.LengthBytes())));
+    const uint32_t kept = channel.backlog.Bound(data.pending.data(), waiting);
+    if (kept != waiting) {
+        session.sound.soundBytes.store(kept, std::memory_order_relaxed);
+        session.statistics.soundRepositions.fetch_add(1, std::memory_order_relaxed);
+    }
+    return kept;
 }
 
 // Whether the write position was out of bounds and had to be moved.
@@ -120,9 +132,9 @@ bool Reposition(const LINE& line, uint32_t play, uint32_t soundGapMs) {
 }
 
 void WriteLine(const EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel,
-               const LINE& line, uint32_t bytes, double volume) {
+               const LINE& line, uint32_t bytes, float volume) {
     const size_t frames = bytes / line.ring.FrameBytes();
-    if (session.audible == 0) {
+    if (session.sound.audible == 0) {
         line.ring.WriteSilence(line.write, bytes);
     } else {
         if (line.positional) {
@@ -148,6 +160,7 @@ SoundChannel::SoundChannel(uint32_t rateValue)
     : rate(rateValue)
     , stereo(2, rateValue)
     , mono(1, rateValue)
+    , backlog(rateValue)
     , scratch(static_cast<size_t>(rateValue) * 2 * 2) {
     const SettingsStore& settings = Settings();
     for (BandSplitter& filter : filters) {
@@ -164,6 +177,7 @@ void SoundChannel::Restart() {
     mono.Stop();
     stereo.WriteSilence(0, stereo.LengthBytes());
     mono.WriteSilence(0, mono.LengthBytes());
+    backlog.Restart();
     lastPlayStereo = 0;
     lastPlayMono = 0;
     writeStereo = stereo.Wrap(uint64_t{10} * UnitBytes(rate));
@@ -175,7 +189,7 @@ void SoundChannel::Restart() {
 void PumpChannel(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel,
                  const PUMP_SURROUNDINGS& surroundings, uint32_t& soundGapMs) {
     ChooseRing(session, channel, surroundings);
-    const bool direct = session.directSound != 0;
+    const bool direct = session.sound.directSound != 0;
     const LINE line = direct
                           ? LINE{channel.stereo, channel.lastPlayStereo, channel.writeStereo, false}
                           : LINE{channel.mono, channel.lastPlayMono, channel.writeMono, true};
@@ -184,10 +198,7 @@ void PumpChannel(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel
     const uint32_t gap = line.ring.Distance(play, safe);
     soundGapMs = std::max(soundGapMs, gap / line.ring.BytesPerMs());
 
-    // Never more than there is, or than a ring holds.
-    const auto waiting = std::min<uint32_t>(
-        session.soundBytes.load(std::memory_order_relaxed),
-        static_cast<uint32_t>(std::min<size_t>(data.pending.size(), channel.stereo.LengthBytes())));
+    const uint32_t waiting = BoundWaiting(session, data, channel);
     const uint32_t usable = line.positional ? waiting / 2 : waiting;
     const uint32_t bytes = std::min(line.ring.Distance(line.lastPlay, play), usable) /
                            line.ring.FrameBytes() * line.ring.FrameBytes();
@@ -196,12 +207,13 @@ void PumpChannel(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel
     }
     line.lastPlay = line.ring.Wrap(uint64_t{line.lastPlay} + bytes);
     if (Reposition(line, play, soundGapMs)) {
-        session.soundRepositions.fetch_add(1, std::memory_order_relaxed);
+        session.statistics.soundRepositions.fetch_add(1, std::memory_order_relaxed);
     }
     WriteLine(session, data, channel, line, bytes, surroundings.volume);
     data.syncBias.store(BiasFor(waiting, channel.stereo), std::memory_order_relaxed);
 
     const uint32_t used = line.positional ? bytes * 2 : bytes;
+    channel.backlog.Taken(waiting, used);
     std::memmove(data.pending.data(), data.pending.data() + used, waiting - used);
-    session.soundBytes.store(waiting - used, std::memory_order_relaxed);
+    session.sound.soundBytes.store(waiting - used, std::memory_order_relaxed);
 }

@@ -1,8 +1,8 @@
 // The transfer of a session's waiting samples to the ring that plays, without device or thread.
 //
-// It decides which ring plays, keeps the write position a little ahead of the play cursor, boosts the
-// bands, applies the volume, and sets the bias with which the session shortens or lengthens its
-// frames. No allocation.
+// It decides which ring plays, drops what would be heard too late, keeps the write position a little
+// ahead of the play cursor, boosts the bands, applies the volume, and sets the bias with which the
+// session shortens or lengthens its frames. No allocation.
 //
 // Threads: under the sound mutex.
 #pragma once

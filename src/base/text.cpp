@@ -1,6 +1,9 @@
 #include "base/text.h"
 
-#include <cstdint>
+#include <utf8.h>
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -11,63 +14,11 @@ bool IsSurrogate(char32_t c) {
     return c >= 0xD800 && c <= 0xDFFF;
 }
 
-// Decodes one code point at the front of the text and drops it from there.
-char32_t TakeUtf8(std::string_view& text) {
-    const auto first = static_cast<uint8_t>(text.front());
-    text.remove_prefix(1);
-    if (first < 0x80) {
-        return first;
-    }
-    size_t following = 0;
-    char32_t point = 0;
-    char32_t smallest = 0;
-    if ((first & 0xE0) == 0xC0) {
-        following = 1;
-        point = first & 0x1Fu;
-        smallest = 0x80;
-    } else if ((first & 0xF0) == 0xE0) {
-        following = 2;
-        point = first & 0x0Fu;
-        smallest = 0x800;
-    } else if ((first & 0xF8) == 0xF0) {
-        following = 3;
-        point = first & 0x07u;
-        smallest = 0x10000;
+void AppendWide(std::wstring& out, std::string_view valid) {
+    if constexpr (sizeof(wchar_t) == 2) {
+        utf8::unchecked::utf8to16(valid.begin(), valid.end(), std::back_inserter(out));
     } else {
-        return kReplacement;
-    }
-    if (text.size() < following) {
-        return kReplacement;
-    }
-    for (size_t i = 0; i < following; ++i) {
-        const auto next = static_cast<uint8_t>(text[i]);
-        if ((next & 0xC0) != 0x80) {
-            return kReplacement;
-        }
-        point = (point << 6) | (next & 0x3Fu);
-    }
-    if (point < smallest || point > kLastCodePoint || IsSurrogate(point)) {
-        return kReplacement;
-    }
-    text.remove_prefix(following);
-    return point;
-}
-
-void AppendUtf8(std::string& out, char32_t point) {
-    if (point < 0x80) {
-        out += static_cast<char>(point);
-    } else if (point < 0x800) {
-        out += static_cast<char>(0xC0 | (point >> 6));
-        out += static_cast<char>(0x80 | (point & 0x3F));
-    } else if (point < 0x10000) {
-        out += static_cast<char>(0xE0 | (point >> 12));
-        out += static_cast<char>(0x80 | ((point >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (point & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (point >> 18));
-        out += static_cast<char>(0x80 | ((point >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((point >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (point & 0x3F));
+        utf8::unchecked::utf8to32(valid.begin(), valid.end(), std::back_inserter(out));
     }
 }
 
@@ -77,15 +28,13 @@ std::wstring WideFromUtf8(std::string_view text) {
     std::wstring out;
     out.reserve(text.size());
     while (!text.empty()) {
-        char32_t point = TakeUtf8(text);
-        if constexpr (sizeof(wchar_t) == 2) {
-            if (point > 0xFFFF) {
-                point -= 0x10000;
-                out += static_cast<wchar_t>(0xD800 + (point >> 10));
-                point = 0xDC00 + (point & 0x3FF);
-            }
+        const size_t valid = std::min(utf8::find_invalid(text), text.size());
+        AppendWide(out, text.substr(0, valid));
+        text.remove_prefix(valid);
+        if (!text.empty()) {
+            out += static_cast<wchar_t>(kReplacement);
+            text.remove_prefix(1);
         }
-        out += static_cast<wchar_t>(point);
     }
     return out;
 }
@@ -103,7 +52,8 @@ std::string Utf8FromWide(std::wstring_view text) {
                 ++i;
             }
         }
-        AppendUtf8(out, point > kLastCodePoint || IsSurrogate(point) ? kReplacement : point);
+        const bool valid = point <= kLastCodePoint && !IsSurrogate(point);
+        utf8::unchecked::append(valid ? point : kReplacement, std::back_inserter(out));
     }
     return out;
 }

@@ -1,6 +1,7 @@
 #include "display/full_screen.h"
 
 #include "display/gl.h"
+
 #include <GL/gl.h>
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "display/gl.h"
 
 #include "display/gl_private.h"
+
 #include <GL/gl.h>
 #include <GL/glext.h>
 #include <GL/glu.h>

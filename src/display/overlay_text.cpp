@@ -1,6 +1,7 @@
 #include "display/overlay_text.h"
 
 #include "display/overlay_letters.h"
+
 #include <GL/gl.h>
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 
 #include "display/gl.h"
 #include "settings/settings.h"
+
 #include <GL/gl.h>
 #include <GL/glext.h>
 

@@ -1,6 +1,7 @@
 #include "display/texture.h"
 
 #include "display/gl.h"
+
 #include <GL/gl.h>
 #include <GL/glext.h>
 

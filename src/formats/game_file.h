@@ -20,6 +20,7 @@
 // in the image, and the rest of rawSize is zero.
 #pragma once
 
+#include "facts/machine_facts.h"
 #include "formats/sha256.h"
 
 #include <array>
@@ -32,14 +33,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-enum GameSystem : uint16_t {
-    kSystemMasterSystem = 1,
-    kSystemGameGear = 2,
-    kSystemMegaDrive = 4,
-    kSystemNes = 5,
-    kSystemArcade = 6,
-};
 
 #pragma pack(push, 1)
 

@@ -1,6 +1,5 @@
 // Records and images read from memory and from files.
 #include "base/bytes.h"
-
 #include "formats/game_file.h"
 #include "formats/packing.h"
 

@@ -3,29 +3,26 @@
 #include "audio/sound.h"
 #include "base/bytes.h"
 #include "base/random.h"
-#include "front/commands.h"
+#include "display/gl.h"
+#include "display/screen_reader.h"
+#include "facts/sms_facts.h"
 #include "front/notices.h"
-#include "front/play.h"
 #include "front/processor_binder.h"
 #include "front/program_title.h"
-#include "front/run_settings.h"
-#include "host/battery_file.h"
+#include "front/tools/commands.h"
+#include "front/tools/play.h"
+#include "front/tools/run_settings.h"
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/session.h"
-#include "library/systems.h"
-#include "sega8/sms.h"
-
-#include "display/full_screen.h"
-#include "display/gl.h"
-#include "display/screen_reader.h"
+#include "host/session_saves.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
+
 #include <SDL.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <mutex>
@@ -36,9 +33,6 @@ constexpr int64_t kSecond = 1000000;          // microseconds
 constexpr int64_t kPointerAims = 3 * kSecond; // the same; then keys aim again
 
 std::atomic<uint32_t> gFramesPresented{0};
-// For the light guns of both players: y << 32 | x in pixels of the picture; 0: nobody points, so the very
-// first pixel counts as the one beside it.
-std::atomic<uint64_t> gPointers[2]{};
 thread_local bool gFrameIsMachines = false; // of the session thread: not television static
 
 int64_t Now() {
@@ -60,11 +54,7 @@ void CloseSession(EMU_THREAD* session) {
 EMU_INPUT_STATE* SessionInput(EMU_THREAD* session) {
     EMU_INPUT_STATE* const input = HostGetInput(session);
     if (input != nullptr && session->key == InputActiveKey()) {
-        for (size_t player = 0; player < std::size(gPointers); ++player) {
-            const uint64_t pointer = gPointers[player];
-            input->pointer[player].x = static_cast<uint32_t>(pointer);
-            input->pointer[player].y = static_cast<uint32_t>(pointer >> 32);
-        }
+        LightGun::HandPointers(*input);
     }
     return input;
 }
@@ -84,40 +74,6 @@ void PresentFrame(EMU_THREAD* session, uint32_t microseconds) {
         }
     }
     HostPresent(session, microseconds);
-}
-
-// The pixel of the picture's visible window under a place on the screen, y << 32 | x; 0 beside it.
-uint64_t PointInPicture(const SESSION_PICTURE& session, bool crop, uint32_t screenWidth,
-                        uint32_t screenHeight, const MOUSE_STATE& mouse) {
-    const EMU_VIDEO_FRAME& picture = session.picture;
-    const SCREEN_QUAD quad =
-        PlaceFullScreen(picture, session.texture, crop, screenWidth, screenHeight);
-    const int64_t x = int64_t{mouse.x} - quad.left;
-    const int64_t y = int64_t{mouse.y} - quad.top;
-    if (x < 0 || y < 0 || x >= quad.width || y >= quad.height || picture.visibleWidth == 0 ||
-        picture.visibleHeight == 0) {
-        return 0;
-    }
-    const int64_t shownWidth = crop ? picture.visibleWidth : picture.width;
-    const int64_t shownHeight = crop ? picture.visibleHeight : picture.height;
-    const int64_t left = crop ? 0 : picture.visibleX;
-    const int64_t top = crop ? 0 : picture.visibleY;
-    const int64_t column = x * shownWidth / quad.width - left;
-    const int64_t row = y * shownHeight / quad.height - top;
-    if (column < 0 || row < 0 || column >= picture.visibleWidth || row >= picture.visibleHeight) {
-        return 0;
-    }
-    const uint64_t point = static_cast<uint64_t>(row / session.factor) << 32 |
-                           static_cast<uint64_t>(column / session.factor);
-    return std::max<uint64_t>(point, 1);
-}
-
-// Whether the game is played with a light gun in that player's port.
-bool HasLightGun(const OPENED_GAME& opened, size_t player) {
-    SMS_OPTIONS options{};
-    std::memcpy(&options, opened.options.data(), sizeof options);
-    return opened.game.Header().system == kSystemMasterSystem &&
-           PadDeviceOf(options.devices[player]) == PadDevice::kLightPhaser;
 }
 
 // A machine goes before what only draws it: a late frame is late sound. The system may refuse.
@@ -164,7 +120,7 @@ bool Application::Start(std::string& error) {
     for (const std::string& word : words) {
         PostReport(word);
     }
-    StartSound();
+    sound.Start(Now());
     EmuSetHost(kCallbacks);
     InputSetActiveKey(kFrontTelevision);
     InputSetWalkingRoom(false);
@@ -200,40 +156,6 @@ bool Application::StartSdl(std::string& error) {
     return true;
 }
 
-void Application::StartSound() {
-    // Held until the end, so that outputs which come and go are told of while none is open.
-    SDL_InitSubSystem(SDL_INIT_AUDIO);
-    std::string error;
-    if (!OpenSoundDevice(error)) {
-        PostReport(error + "; playing without sound");
-        return;
-    }
-    SoundSetVolume(Settings().GetFloat(L"audio_volume"));
-    StartSoundPump();
-}
-
-// An output that goes takes its sound along; the next one that comes takes over.
-void Application::WatchSound(const PUMP_EVENTS& events) {
-    if (events.outputRemoved && SoundDeviceNumber() != 0 &&
-        events.outputNumber == SoundDeviceNumber()) {
-        StopSoundPump();
-        SoundDeviceLost();
-        PostReport("the sound device is gone; playing on without sound");
-    }
-    soundWanted |= events.outputAdded || events.outputRemoved;
-    if (soundWanted && SoundDeviceNumber() == 0 && Now() - soundTried > kSecond) {
-        soundWanted = false;
-        soundTried = Now();
-        std::string error;
-        ReleaseThisThread(processor); // which the new threads would inherit
-        if (OpenSoundDevice(error)) {
-            StartSoundPump();
-            PostNotice("Sound is back");
-        }
-        processor = BindProcessor(0);
-    }
-}
-
 bool Application::Round() {
     // The 3D room is rendered here, and the camera kept for the pump.
     window.TellSize(pump);
@@ -241,13 +163,15 @@ bool Application::Round() {
     if (events.quit) {
         return false;
     }
-    WatchSound(events);
+    sound.Watch(events, Now());
     RunCommands(events);
     for (const std::string& path : events.dropped) {
         PlayFile(path);
     }
     const bool screenNews = gameScreen->Update({events, pump.Mouse(), Now()});
-    AimPointer();
+    lightGun.Aim({televisions.Picture(InputActiveKey()), View().crop, window.PixelWidth(),
+                  window.PixelHeight()},
+                 pump.Mouse(), Now() - gameScreen->MouseMoved() < kPointerAims);
     const bool pictureNews = televisions.Upload(InputActiveKey(), View().scaler);
     StopEndedGame();
     KeepBatteries();
@@ -332,21 +256,6 @@ void Application::ToggleFullScreen() {
     pacer.NoteNews();
 }
 
-// The mouse as a light gun: where it points in the visible window, in the picture's pixels, with its
-// left button as the trigger.
-void Application::AimPointer() const {
-    uint64_t pointer = 0;
-    if (Now() - gameScreen->MouseMoved() < kPointerAims) {
-        pointer = PointInPicture(televisions.Picture(InputActiveKey()), View().crop,
-                                 window.PixelWidth(), window.PixelHeight(), pump.Mouse());
-    }
-    const bool trigger = pointer != 0 && (pump.Mouse().left || pump.Mouse().leftPressed);
-    for (size_t player = 0; player < lightGuns.size(); ++player) {
-        gPointers[player] = lightGuns[player] ? pointer : 0;
-        InputPointerTrigger(static_cast<uint32_t>(player), lightGuns[player] && trigger);
-    }
-}
-
 void Application::StopEndedGame() {
     for (const uint32_t key : StopEndedSessions()) {
         playing = playing && key != kFrontTelevision;
@@ -373,9 +282,7 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     auto& bios = const_cast<CGameFile&>(opened.bios);
     CGameFile* const games[2] = {&game, opened.hasBios ? &bios : nullptr};
     EmuSetLastError("");
-    for (size_t player = 0; player < lightGuns.size(); ++player) {
-        lightGuns[player] = HasLightGun(opened, player);
-    }
+    lightGun.SetGame(opened);
     playing = EmuStartSession(kFrontTelevision, games, opened.options.data(), opened.title) != 0;
     if (!playing) {
         window.SetTitle(ProgramTitle());
@@ -432,16 +339,15 @@ void Application::Stop() {
     Settings().SetBool(L"app_720runonce", true);
     std::string error;
     if (!SaveSettingsFile(Settings(), error)) {
-        Complain(error);
+        PostReport(error);
     }
 }
 
 // Gives back whatever has been opened, in the order of the stop.
 void Application::Release() {
+    sound.Stop(); // its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
     // The room's objects and the toolkit go here.
-    StopSoundPump();
-    CloseSoundDevice();
     televisions.End();
     overlay.End();
     window.Close();

@@ -14,12 +14,13 @@
 #include "front/frame_pacer.h"
 #include "front/game_screen.h"
 #include "front/joysticks.h"
+#include "front/light_gun.h"
 #include "front/program_commands.h"
+#include "front/sound_output.h"
 #include "front/status_overlay.h"
 #include "front/televisions.h"
 #include "front/window.h"
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -83,12 +84,9 @@ private:
 
     void Release();
     [[nodiscard]] bool StartSdl(std::string& error);
-    void StartSound();
-    void WatchSound(const PUMP_EVENTS& events);
     void RunCommands(const PUMP_EVENTS& events);
     void StopEndedGame();
     void KeepBatteries();
-    void AimPointer() const;
     void Draw();
     [[nodiscard]] DRAW_TARGET Target() const;
 
@@ -101,18 +99,17 @@ private:
 
     Window window;
     Joysticks joysticks;
+    SoundOutput sound;
     EventPump pump{joysticks};
     Televisions televisions;
     std::unique_ptr<GameScreen> gameScreen = std::make_unique<GameScreen>(televisions);
     StatusOverlay overlay;
     FramePacer pacer;
-    std::array<bool, 2> lightGuns{}; // a player's port has one
+    LightGun lightGun;
     std::string title;
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;
-    bool soundWanted = false;  // an output has come or gone while none is open
-    int64_t soundTried = 0;    // microseconds, of the last attempt
     int64_t batteriesKept = 0; // microseconds, of the last look at them
     int processor = -1;        // the main thread's binding
     bool ceilingLight = true;  // of the room

@@ -2,8 +2,8 @@
 
 #include "base/text.h"
 #include "front/joysticks.h"
-
 #include "settings/bindings.h"
+
 #include <SDL.h>
 
 #include <algorithm>
@@ -58,19 +58,11 @@ void HandleText(const char* text, PUMP_EVENTS& events) {
     AddRecord(events, record);
 }
 
-// The library tells of every output that goes, with number 0 for one that wasn't open. The number of
-// an open one must not be lost behind that.
+// The library tells of every output that goes, with number 0 for one that wasn't open. That must not hide
+// the number of an open one.
 void HandleAudioDevice(const SDL_AudioDeviceEvent& event, PUMP_EVENTS& events) {
-    if (event.iscapture != 0) {
-        return;
-    }
-    if (event.type == SDL_AUDIODEVICEADDED) {
-        events.outputAdded = true;
-        return;
-    }
-    events.outputRemoved = true;
-    if (event.which != 0) {
-        events.outputNumber = event.which;
+    if (event.iscapture == 0 && event.which != 0) {
+        events.outputGone = event.which;
     }
 }
 
@@ -119,7 +111,6 @@ void EventPump::HandleEvent(const SDL_Event& event, PUMP_EVENTS& events) {
     case SDL_MOUSEBUTTONUP: HandleButton(event.button, events); break;
     case SDL_MOUSEWHEEL: HandleWheel(event.wheel, events); break;
     case SDL_WINDOWEVENT: HandleWindow(event.window, events); break;
-    case SDL_AUDIODEVICEADDED:
     case SDL_AUDIODEVICEREMOVED: HandleAudioDevice(event.adevice, events); break;
     case SDL_DROPFILE:
     case SDL_DROPTEXT:

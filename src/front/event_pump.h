@@ -53,11 +53,9 @@ struct GUI_INPUT {
 struct PUMP_EVENTS {
     bool quit = false; // the window was closed, or the program asked to end
     std::vector<ProgramCommand>
-        commands;               // of the program's own keys, in the order of their presses
-    bool windowChanged = false; // resized, exposed or restored: to be drawn again
-    bool outputRemoved = false; // an audio output went
-    uint32_t outputNumber = 0;  // the one that was open, 0 if none of ours was
-    bool outputAdded = false;
+        commands;                     // of the program's own keys, in the order of their presses
+    bool windowChanged = false;       // resized, exposed or restored: to be drawn again
+    uint32_t outputGone = 0;          // number of an open audio output that went; 0: none did
     std::vector<std::string> dropped; // files dropped on the window, paths in UTF-8
     std::vector<GUI_INPUT> gui;       // for the toolkit
     std::vector<GUI_INPUT> room; // the same while the user walks the room; the toolkit gets none

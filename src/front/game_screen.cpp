@@ -1,11 +1,11 @@
 #include "front/game_screen.h"
 
+#include "display/full_screen.h"
 #include "front/event_pump.h"
 #include "front/televisions.h"
 #include "host/host_data.h"
-
-#include "display/full_screen.h"
 #include "settings/bindings.h"
+
 #include <SDL_events.h>
 #include <SDL_mouse.h>
 

@@ -4,9 +4,8 @@
 // Thread: main, with the OpenGL context current.
 #pragma once
 
-#include "front/screen.h"
-
 #include "display/picture_scaler.h"
+#include "front/screen.h"
 
 #include <cstdint>
 

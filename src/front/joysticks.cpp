@@ -1,6 +1,7 @@
 #include "front/joysticks.h"
 
 #include "settings/bindings.h"
+
 #include <SDL.h>
 
 #include <algorithm>

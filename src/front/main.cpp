@@ -1,4 +1,4 @@
-#include "front/command_line.h"
+#include "front/tools/command_line.h"
 
 #ifdef OMBRELUNE_SANITIZED
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "front/notices.h"
 
-#include "front/commands.h"
+#include "front/tools/commands.h"
 #include "host/host_data.h"
 
 #include <algorithm>
@@ -12,13 +12,35 @@ constexpr int64_t kMicroseconds = 1000000;
 
 } // namespace
 
-void Notices::Post(const std::string& text, int64_t now) {
+void Notices::Post(const std::string& text, int64_t now, Kind kind) {
     const std::scoped_lock hold(lock);
     std::erase_if(lines, [&](const LINE& line) { return line.text == text; });
-    lines.push_back({text, now + kSecondsShown * kMicroseconds});
+    lines.push_back({text, now + kSecondsShown * kMicroseconds, kind});
     if (lines.size() > kMostLines) {
+        KeepAsUnread(lines.front(), now);
         lines.pop_front();
     }
+}
+
+void Notices::KeepAsUnread(const LINE& line, int64_t now) {
+    if (line.kind == Kind::kFault && line.until > now) {
+        std::erase(unread, line.text);
+        unread.push_back(line.text);
+        if (unread.size() > kMostUnread) {
+            unread.pop_front();
+        }
+    }
+}
+
+std::vector<std::string> Notices::UnreadFaults(int64_t now) {
+    const std::scoped_lock hold(lock);
+    for (const LINE& line : lines) {
+        KeepAsUnread(line, now);
+    }
+    std::erase_if(lines, [](const LINE& line) { return line.kind == Kind::kFault; });
+    std::vector<std::string> texts(unread.begin(), unread.end());
+    unread.clear();
+    return texts;
 }
 
 std::vector<std::string> Notices::Lines(int64_t now) {
@@ -42,5 +64,5 @@ void PostNotice(const std::string& text) {
 
 void PostReport(const std::string& text) {
     Complain(text);
-    PostNotice(text);
+    ProgramNotices().Post(text, HostClock().nowMicroseconds(), Notices::Kind::kFault);
 }

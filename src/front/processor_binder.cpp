@@ -1,8 +1,8 @@
 #include "front/processor_binder.h"
 
 #include "host/host_data.h"
-
 #include "settings/settings.h"
+
 #include <SDL.h>
 
 #ifdef __linux__

@@ -1,9 +1,11 @@
 #include "front/status_overlay.h"
 
+#include "front/notice_lines.h"
 #include "front/notices.h"
 #include "host/session.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -31,9 +33,7 @@ size_t LettersAcross(const DRAW_TARGET& target) {
 std::vector<std::string> NoticeLines(size_t letters, int64_t now) {
     std::vector<std::string> lines;
     for (const std::string& line : ProgramNotices().Lines(now)) {
-        for (size_t from = 0; from == 0 || from < line.size(); from += letters) {
-            lines.push_back(line.substr(from, letters));
-        }
+        std::ranges::move(WrapNotice(line, letters), std::back_inserter(lines));
     }
     return lines;
 }

@@ -5,9 +5,8 @@
 // Thread: main, with the OpenGL context current.
 #pragma once
 
-#include "front/screen.h"
-
 #include "display/overlay_text.h"
+#include "front/screen.h"
 
 #include <memory>
 #include <string>

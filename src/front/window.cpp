@@ -2,8 +2,8 @@
 
 #include "front/event_pump.h"
 #include "front/window_icon.h"
-
 #include "settings/settings.h"
+
 #include <SDL.h>
 #include <SDL_opengl.h>
 

@@ -2,15 +2,15 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "formats/zip.h"
+#include "host/kept_copy.h"
 #include "host/report.h"
 #include "host/session.h"
-
-#include "formats/zip.h"
+#include "host/turns.h"
 
 #include <algorithm>
 #include <exception>
 #include <filesystem>
-#include <functional>
 #include <mutex>
 #include <span>
 #include <string>
@@ -26,21 +26,14 @@ constexpr uint64_t kReadLimit = uint64_t{1} << 26;
 constexpr uint64_t kUnpackLimit = uint64_t{1} << 26;
 
 using Bytes = std::vector<uint8_t>;
-using SameContent = std::function<bool(const Bytes& kept)>;
 
-// One for all archives: reading, carrying over and replacing must not interleave. Reports are
-// gathered under it and spoken after it, since a sink may take a lock of the same rank.
-RankedMutex<LockRank::kLeaf>& ArchiveLock() {
-    static auto* lock = new RankedMutex<LockRank::kLeaf>;
-    return *lock;
-}
+// Only one thread at a time reads an archive, carries its entries over and replaces it.
+using ArchiveTurns = Turns<std::string, LockRank::kArchive>;
+using ArchiveTurn = Turn<std::string, LockRank::kArchive>;
 
-using Reports = std::vector<std::string>;
-
-void Speak(const Reports& reports) {
-    for (const std::string& report : reports) {
-        HostReport(report);
-    }
+ArchiveTurns& AllArchives() {
+    static auto* turns = new ArchiveTurns;
+    return *turns;
 }
 
 bool IsEntry(const std::string& rawName, const std::string& entryName) {
@@ -62,62 +55,14 @@ EntryResult ReadEntry(const ZipReader& zip, const std::string& entryName, Bytes&
     return EntryResult::kAbsent;
 }
 
-fs::path AsidePath(const fs::path& archive, const std::string& word, uint32_t number) {
-    return archive.parent_path() /
-           (archive.stem().string() + "." + word + "-" + std::to_string(number) + ".zip");
-}
-
-fs::path FreeAsidePath(const fs::path& archive, const std::string& word) {
-    std::error_code code;
-    uint32_t number = 1;
-    // A path that cannot even be asked about ends the search: writing to it then says why.
-    while (fs::exists(fs::symlink_status(AsidePath(archive, word, number), code))) {
-        ++number;
-    }
-    return AsidePath(archive, word, number);
-}
-
-bool IsKeptAlready(const fs::path& archive, const std::string& word, const SameContent& same) {
-    const std::string prefix = archive.stem().string() + "." + word + "-";
-    std::error_code code;
-    fs::directory_iterator entry(archive.parent_path(), code);
-    for (; !code && entry != fs::directory_iterator(); entry.increment(code)) {
-        const std::string name = entry->path().filename().string();
-        Bytes kept;
-        std::string ignored;
-        if (name.starts_with(prefix) && name.ends_with(".zip") &&
-            ReadFile(entry->path(), kept, ignored, kReadLimit) && same(kept)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-// Keeps a copy of the archive beside it, unless there is one of the same content.
-bool KeepCopy(const fs::path& archive, const std::string& word, const Bytes& content,
-              const std::string& why, const SameContent& same, Reports& reports) {
-    if (IsKeptAlready(archive, word, same)) {
-        return true;
-    }
-    const fs::path aside = FreeAsidePath(archive, word);
-    std::string error;
-    if (!WriteFile(aside, content, error, WriteMode::kCreate)) {
-        reports.push_back(archive.string() + ": " + why + ", and no copy can be kept: " + error);
-        return false;
-    }
-    reports.push_back(archive.string() + ": " + why + "; a copy is kept as " + aside.string());
-    return true;
-}
-
-bool KeepDamaged(const fs::path& archive, const Bytes& content, const std::string& why,
-                 Reports& reports) {
+bool KeepDamaged(const fs::path& archive, const Bytes& content, const std::string& why) {
     const auto same = [&](const Bytes& kept) { return kept == content; };
-    return KeepCopy(archive, "damaged", content, why, same, reports);
+    return KeepCopy(archive, "damaged", content, why, same, kReadLimit);
 }
 
-// The same refused state counts as kept, whatever else the archive beside it held at the time.
+// A copy made before counts when it holds the same refused state, whatever other entries it has.
 bool KeepRefused(const fs::path& archive, const Bytes& content, const std::string& entryName,
-                 const Bytes& state, Reports& reports) {
+                 const Bytes& state) {
     const auto same = [&](const Bytes& kept) {
         ZipReader zip;
         Bytes keptState;
@@ -128,25 +73,25 @@ bool KeepRefused(const fs::path& archive, const Bytes& content, const std::strin
                 keptState == state);
     };
     return KeepCopy(archive, "refused", content, "its state " + entryName + " was not loaded", same,
-                    reports);
+                    kReadLimit);
 }
 
 // A file too large to be an archive of ours is moved, since it cannot be read to be copied. An
 // archive that cannot be read for any other reason (a disk's fault, too many open files) may be whole:
 // it stays where it is and the save fails.
-bool MoveAside(const fs::path& archive, const std::string& why, fs::path& aside, Reports& reports) {
+bool MoveAside(const fs::path& archive, const std::string& why, fs::path& aside) {
     std::error_code code;
     if (!fs::is_regular_file(archive, code) || fs::file_size(archive, code) <= kReadLimit || code) {
-        reports.push_back(why);
+        HostReport(why);
         return false;
     }
     aside = FreeAsidePath(archive, "damaged");
     fs::rename(archive, aside, code);
     if (code) {
-        reports.push_back(why + ", and it cannot be moved: " + code.message());
+        HostReport(why + ", and it cannot be moved: " + code.message());
         return false;
     }
-    reports.push_back(why + "; it is kept as " + aside.string());
+    HostReport(why + "; it is kept as " + aside.string());
     return true;
 }
 
@@ -171,7 +116,7 @@ bool CarryOver(const Bytes& archive, const std::string& entryName, ZipWriter& wr
         if (entry.unpackedSize == 0) {
             continue;
         }
-        // The own entry is read as well: one that is damaged is the user's still.
+        // The session's own entry is read as well: a damaged one is still the user's and is kept.
         Bytes state;
         const bool read = zip.Unpack(i, state, error, room);
         const bool own = IsEntry(entry.rawName, entryName);
@@ -185,25 +130,54 @@ bool CarryOver(const Bytes& archive, const std::string& entryName, ZipWriter& wr
     return whole;
 }
 
-bool ArchiveExists(const fs::path& path) {
-    std::error_code code;
-    // One that cannot be asked about may well be there; reading it then tells.
-    return fs::status(path, code).type() != fs::file_type::not_found;
+// The archive that a save replaces, as it was read.
+struct OLD_ARCHIVE {
+    Bytes bytes;            // empty without a file that can be read
+    std::string unreadable; // why the file cannot be read; empty when it can, or when there is none
+    std::string damage;     // why something in it cannot be carried over; empty when all can
+};
+
+// Reads the old archive and starts the new one with all that can be carried over.
+OLD_ARCHIVE ReadOld(const fs::path& path, const std::string& entryName, ZipWriter& writer) {
+    OLD_ARCHIVE old;
+    if (!FileMayExist(path)) {
+        return old;
+    }
+    if (!ReadFile(path, old.bytes, old.unreadable, kReadLimit)) {
+        old.bytes.clear();
+    } else if (!CarryOver(old.bytes, entryName, writer, old.damage) && old.damage.empty()) {
+        old.damage = "cannot be read";
+    }
+    return old;
+}
+
+// The whole new archive. Empty, with the cause, when it cannot be made.
+Bytes FinishArchive(ZipWriter& writer, const std::string& entryName, std::span<const uint8_t> state,
+                    std::string& error) {
+    if (!writer.Add(entryName, state, error)) {
+        return {};
+    }
+    Bytes archive = writer.Finish(error);
+    if (archive.size() > kArchiveLimit) {
+        error = "the archive would be " + std::to_string(archive.size()) +
+                " bytes long, over its limit of " + std::to_string(kArchiveLimit);
+        return {};
+    }
+    return archive;
 }
 
 // Everything that must be safe before the old archive goes.
-bool KeepWhatWouldBeLost(EMU_THREAD& session, const fs::path& path, const Bytes& old,
-                         const std::string& damage, Reports& reports) {
-    if (!damage.empty() && !old.empty() && !KeepDamaged(path, old, damage, reports)) {
+bool KeepWhatWouldBeLost(EMU_THREAD& session, const fs::path& path, const OLD_ARCHIVE& old) {
+    if (!old.damage.empty() && !old.bytes.empty() && !KeepDamaged(path, old.bytes, old.damage)) {
         return false;
     }
     if (session.unloadedStateUnkept) {
         ZipReader zip;
         Bytes state;
         std::string ignored;
-        if (zip.Open(old, ignored) &&
+        if (zip.Open(old.bytes, ignored) &&
             ReadEntry(zip, session.stateEntryName, state, ignored) == EntryResult::kRead &&
-            !KeepRefused(path, old, session.stateEntryName, state, reports)) {
+            !KeepRefused(path, old.bytes, session.stateEntryName, state)) {
             return false;
         }
         session.unloadedStateUnkept = false;
@@ -211,44 +185,27 @@ bool KeepWhatWouldBeLost(EMU_THREAD& session, const fs::path& path, const Bytes&
     return true;
 }
 
-bool StoreState(EMU_THREAD& session, std::span<const uint8_t> state, Reports& reports) {
+// The caller has the archive's turn.
+bool StoreState(EMU_THREAD& session, std::span<const uint8_t> state) {
     const fs::path path = ResolvePath(session.archivePath);
     const std::string failed = path.string() + ": state not saved: ";
-    Bytes old;
     ZipWriter writer;
-    std::string unreadable;
-    std::string damage;
+    const OLD_ARCHIVE old = ReadOld(path, session.stateEntryName, writer);
     std::string error;
-    if (ArchiveExists(path)) {
-        if (!ReadFile(path, old, unreadable, kReadLimit)) {
-            old.clear();
-        } else if (!CarryOver(old, session.stateEntryName, writer, damage) && damage.empty()) {
-            damage = "cannot be read";
-        }
-    }
-    if (!writer.Add(session.stateEntryName, state, error)) {
-        reports.push_back(failed + error);
-        return false;
-    }
-    const Bytes archive = writer.Finish(error);
+    const Bytes archive = FinishArchive(writer, session.stateEntryName, state, error);
     if (archive.empty()) {
-        reports.push_back(failed + error);
-        return false;
-    }
-    if (archive.size() > kArchiveLimit) {
-        reports.push_back(failed + "the archive would be " + std::to_string(archive.size()) +
-                          " bytes long, over its limit of " + std::to_string(kArchiveLimit));
+        HostReport(failed + error);
         return false;
     }
     fs::path aside;
-    const bool safe = unreadable.empty() ? KeepWhatWouldBeLost(session, path, old, damage, reports)
-                                         : MoveAside(path, unreadable, aside, reports);
+    const bool safe = old.unreadable.empty() ? KeepWhatWouldBeLost(session, path, old)
+                                             : MoveAside(path, old.unreadable, aside);
     if (!safe) {
-        reports.push_back(failed + "the old archive cannot be kept safe");
+        HostReport(failed + "the old archive cannot be kept safe");
         return false;
     }
     if (!WriteFile(path, archive, error)) {
-        reports.push_back("state not saved: " + error);
+        HostReport("state not saved: " + error);
         if (!aside.empty()) {
             std::error_code ignored;
             fs::rename(aside, path, ignored);
@@ -258,91 +215,100 @@ bool StoreState(EMU_THREAD& session, std::span<const uint8_t> state, Reports& re
     return true;
 }
 
-// Reads the session's state and, with it, the archive around it.
-EntryResult FetchState(const EMU_THREAD& session, const fs::path& path, Bytes& archive,
-                       Bytes& state, Reports& reports) {
-    if (!ArchiveExists(path)) {
+// Reads the session's state and, with it, the archive around it. The caller has the archive's turn.
+EntryResult FetchState(const EMU_THREAD& session, Bytes& archive, Bytes& state) {
+    const fs::path path = ResolvePath(session.archivePath);
+    if (!FileMayExist(path)) {
         return EntryResult::kAbsent;
     }
     std::string error;
     if (!ReadFile(path, archive, error, kReadLimit)) {
-        reports.push_back("state not loaded: " + error);
+        HostReport("state not loaded: " + error);
         return EntryResult::kUnreadable;
     }
     ZipReader zip;
     if (!zip.Open(archive, error)) {
-        reports.push_back(path.string() + ": state not loaded: " + error);
+        HostReport(path.string() + ": state not loaded: " + error);
         return EntryResult::kUnreadable;
     }
     const EntryResult result = ReadEntry(zip, session.stateEntryName, state, error);
     if (result == EntryResult::kUnreadable) {
-        reports.push_back(path.string() + ": state " + session.stateEntryName +
-                          " not loaded: " + error);
+        HostReport(path.string() + ": state " + session.stateEntryName + " not loaded: " + error);
     }
     return result;
 }
 
-bool SaveState(EMU_THREAD& session) {
-    uint32_t size = 0;
-    const StateBlob state = session.machine->SaveState(size);
-    if (!state) {
-        HostReport(ResolvePath(session.archivePath).string() +
-                   ": state not saved: the machine gives none");
-        return false;
-    }
-    Reports reports;
-    bool saved = false;
-    {
-        const std::scoped_lock hold(ArchiveLock());
-        saved = StoreState(session, std::span(state.get(), size), reports);
-    }
-    Speak(reports);
-    return saved;
-}
-
-bool LoadState(EMU_THREAD& session, bool& wasThere) {
-    const fs::path path = ResolvePath(session.archivePath);
-    Bytes archive;
-    Bytes state;
-    Reports reports;
-    EntryResult result = EntryResult::kAbsent;
-    {
-        const std::scoped_lock hold(ArchiveLock());
-        result = FetchState(session, path, archive, state, reports);
-    }
-    Speak(reports);
-    wasThere = result != EntryResult::kAbsent;
-    if (result != EntryResult::kRead) {
-        // What could not be read now may be readable at the next save, which must not replace it.
-        session.unloadedStateUnkept |= result == EntryResult::kUnreadable;
-        return false;
-    }
+// Gives the machine a state that was read. One that it refuses leaves it reset and not half restored.
+bool GiveState(EMU_THREAD& session, const Bytes& state) {
+    const std::scoped_lock hold(session.lock);
     const bool loaded =
         session.machine->LoadState(state.data(), static_cast<uint32_t>(state.size()));
-    session.unloadedStateUnkept = false;
-    if (!loaded) {
+    if (loaded) {
+        session.battery.rolledBack = true;
+    } else {
         session.machine->Reset();
-        reports.clear();
-        {
-            const std::scoped_lock hold(ArchiveLock());
-            session.unloadedStateUnkept =
-                !KeepRefused(path, archive, session.stateEntryName, state, reports);
-        }
-        Speak(reports);
     }
     session.showStatic = 0;
     return loaded;
 }
 
+bool LoadState(EMU_THREAD& session, bool& wasThere) {
+    Bytes archive;
+    Bytes state;
+    {
+        const ArchiveTurn turn(AllArchives(), session.archivePath);
+        const EntryResult result = FetchState(session, archive, state);
+        wasThere = result != EntryResult::kAbsent;
+        if (result != EntryResult::kRead) {
+            // What cannot be read now may be readable at the next save, which must not replace it.
+            session.unloadedStateUnkept |= result == EntryResult::kUnreadable;
+            return false;
+        }
+    }
+    const bool loaded = GiveState(session, state);
+    const ArchiveTurn turn(AllArchives(), session.archivePath);
+    session.unloadedStateUnkept = !loaded && !KeepRefused(ResolvePath(session.archivePath), archive,
+                                                          session.stateEntryName, state);
+    return loaded;
+}
+
 } // namespace
 
-bool EmuSaveToArchive(EMU_THREAD& session) {
+TAKEN_STATE EmuTakeState(EMU_THREAD& session) {
+    std::string why = "the machine gives none";
     try {
-        return SaveState(session);
+        TAKEN_STATE state;
+        state.bytes = session.machine->SaveState(state.size);
+        if (state.bytes) {
+            return state;
+        }
+    } catch (const std::exception& error) {
+        why = error.what();
+    }
+    HostReport(ResolvePath(session.archivePath).string() + ": state not saved: " + why);
+    return {};
+}
+
+bool EmuStoreState(EMU_THREAD& session, const TAKEN_STATE& state) {
+    if (!state.bytes) {
+        return false;
+    }
+    try {
+        const ArchiveTurn turn(AllArchives(), session.archivePath);
+        return StoreState(session, std::span(state.bytes.get(), state.size));
     } catch (const std::exception& error) {
         HostReport(std::string("state not saved: ") + error.what());
         return false;
     }
+}
+
+bool EmuSaveToArchive(EMU_THREAD& session) {
+    TAKEN_STATE state;
+    {
+        const std::scoped_lock hold(session.lock);
+        state = EmuTakeState(session);
+    }
+    return EmuStoreState(session, state);
 }
 
 bool EmuLoadFromArchive(EMU_THREAD& session, bool* wasThere) {
@@ -352,6 +318,7 @@ bool EmuLoadFromArchive(EMU_THREAD& session, bool* wasThere) {
     try {
         return LoadState(session, there);
     } catch (const std::exception& error) {
+        const ArchiveTurn turn(AllArchives(), session.archivePath);
         session.unloadedStateUnkept = true;
         HostReport(std::string("state not loaded: ") + error.what());
         return false;

@@ -12,9 +12,14 @@
 // with the smallest free n, and no second copy of the same content. An archive that exists and cannot
 // be read at all is not touched: the save fails.
 //
-// Threads: any, under the session's lock (at a frame boundary). Sessions that share an archive take
-// turns. Failure: by result, after one line through HostReport with the path and the cause.
+// A save takes the state under the session's `lock`, which waits for a frame boundary, and writes it under
+// no lock: however long the disk takes, no other session waits. Sessions that share an archive take turns.
+//
+// Threads: any, with neither the list lock nor a session's `lock` held, unless said otherwise. Failure:
+// by result, after one line through HostReport with the path and the cause.
 #pragma once
+
+#include "machine/emu_system.h"
 
 #include <cstdint>
 
@@ -23,10 +28,21 @@ struct EMU_THREAD;
 // A finished archive is at most this long, in bytes; a save that would exceed it fails.
 inline constexpr uint32_t kArchiveLimit = 4194304;
 
-// Saves the machine's state in the session's entry. All other entries stay.
+// A machine's state on its way to the disk.
+struct TAKEN_STATE {
+    StateBlob bytes; // null: there is nothing to store
+    uint32_t size = 0;
+};
+
+// The two steps of a save, for a caller that holds the session's `lock` itself: takes the state under it;
+// stores it, after the lock is given back, in the session's entry. All other entries stay.
+[[nodiscard]] TAKEN_STATE EmuTakeState(EMU_THREAD& session);
+bool EmuStoreState(EMU_THREAD& session, const TAKEN_STATE& state);
+
+// Both steps, on the session's own thread or when it has none.
 bool EmuSaveToArchive(EMU_THREAD& session);
 
-// Loads the session's entry. Without one nothing changes. A state that the machine refuses resets it.
-// Either way the static is over. True when the state was taken; `wasThere` then and when one, or what may
-// hold one, is there all the same.
+// Loads the session's entry, on the session's own thread or before it has one. True when the machine took
+// the state. One that it refuses resets it; in both cases the static is over. Without an entry nothing
+// changes. `wasThere` tells, after a false, whether there was something that could not be loaded.
 bool EmuLoadFromArchive(EMU_THREAD& session, bool* wasThere = nullptr);

@@ -1,18 +1,14 @@
 #include "host/battery_file.h"
 
 #include "base/files.h"
+#include "host/kept_copy.h"
 #include "host/report.h"
-#include "host/session.h"
-#include "host/session_private.h"
-
 #include "machine/battery.h"
 
 #include <atomic>
 #include <filesystem>
-#include <string>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -25,39 +21,10 @@ std::atomic<bool> gWrites{true};
 
 using Bytes = std::vector<uint8_t>;
 
-CBattery* BatteryOf(const EMU_THREAD& session) {
-    return dynamic_cast<CBattery*>(session.machine.get());
-}
-
-// `.\folder\saves\name.zip` becomes `.\folder\saves\name.0123456789ab`.
-std::string Stem(const EMU_THREAD& session) {
-    const std::string& archive = session.archivePath;
-    return archive.substr(0, archive.rfind('.') + 1) + session.stateEntryName;
-}
-
-// One that cannot be asked about may well be there; reading it then tells.
-bool Exists(const fs::path& path) {
-    std::error_code code;
-    return fs::status(path, code).type() != fs::file_type::not_found;
-}
-
-fs::path FreeName(const std::string& stem, const std::string& word) {
-    const auto named = [&](uint32_t number) {
-        return ResolvePath(stem + "." + word + "-" + std::to_string(number) + kSuffix);
-    };
-    uint32_t number = 1;
-    std::error_code code;
-    // A path that cannot even be asked about ends the search: writing to it then says why.
-    while (fs::exists(fs::symlink_status(named(number), code))) {
-        ++number;
-    }
-    return named(number);
-}
-
-// Gives a file that is no memory of this game another name.
+// Renames a file that cannot be this game's memory.
 bool SetAside(const std::string& stem, size_t bytes) {
     const fs::path path = ResolvePath(stem + kSuffix);
-    const fs::path aside = FreeName(stem, "damaged");
+    const fs::path aside = FreeAsidePath(path, "damaged");
     const std::string why =
         path.string() + ": not this game's memory (" + std::to_string(bytes) + " bytes); ";
     std::error_code code;
@@ -68,9 +35,9 @@ bool SetAside(const std::string& stem, size_t bytes) {
 }
 
 // Keeps a copy of what somebody else has written.
-bool KeepOther(const std::string& stem, const Bytes& content) {
-    const std::string path = ResolvePath(stem + kSuffix).string();
-    const fs::path aside = FreeName(stem, "other");
+bool KeepOther(const fs::path& file, const Bytes& content) {
+    const std::string path = file.string();
+    const fs::path aside = FreeAsidePath(file, "other");
     std::string error;
     if (!WriteFile(aside, content, error, WriteMode::kCreate)) {
         HostReport(path + ": somebody else has written it, and no copy can be kept: " + error);
@@ -80,26 +47,9 @@ bool KeepOther(const std::string& stem, const Bytes& content) {
     return true;
 }
 
-// A write as it is to be done, apart from the session.
-struct BATTERY_WRITE {
-    std::string stem;
-    bool formerKept;
-    bool rolledBack;     // the contents are older than what is in the file
-    bool fileRolledBack; // so was that
-    Bytes expected;      // in the file
-    Bytes contents;
-};
-
-// The caller holds the session.
-BATTERY_WRITE Prepare(EMU_THREAD& session, Bytes contents) {
-    BATTERY_STATUS& battery = session.battery;
-    return {Stem(session),          battery.formerKept, std::exchange(battery.rolledBack, false),
-            battery.fileRolledBack, battery.onDisk,     std::move(contents)};
-}
-
-// What the file is about to lose.
+// Keeps what the write would replace, unless there is a copy already. False when it cannot be kept.
 bool KeepFormer(const BATTERY_WRITE& write, const fs::path& path) {
-    if (!Exists(path)) {
+    if (!FileMayExist(path)) {
         return true;
     }
     Bytes former;
@@ -109,7 +59,7 @@ bool KeepFormer(const BATTERY_WRITE& write, const fs::path& path) {
         return false;
     }
     if (former != write.expected) {
-        return KeepOther(write.stem, former);
+        return KeepOther(path, former);
     }
     if (write.formerKept && (!write.rolledBack || write.fileRolledBack)) {
         return true;
@@ -122,8 +72,55 @@ bool KeepFormer(const BATTERY_WRITE& write, const fs::path& path) {
     return true;
 }
 
-// Gives whether the contents are on the disk now.
-bool Write(const BATTERY_WRITE& write) {
+} // namespace
+
+void BatteryLoad(BATTERY_FILE& file, CBattery& memory) {
+    file.onDisk = memory.BatteryContents();
+    const fs::path path = ResolvePath(file.stem + kSuffix);
+    if (file.onDisk.empty() || !FileMayExist(path)) {
+        return;
+    }
+    Bytes bytes;
+    std::string error;
+    if (!ReadFile(path, bytes, error, kReadLimit)) {
+        HostReport(error + "; the game starts without it and it stays as it is");
+        file.untouchable = true;
+        return;
+    }
+    if (memory.SetBatteryContents(bytes)) {
+        file.onDisk = std::move(bytes);
+        file.isFile = true;
+        return;
+    }
+    file.untouchable = !SetAside(file.stem, bytes.size());
+    file.formerKept = true;
+}
+
+void BatteryPutBack(const BATTERY_FILE& file, CBattery& memory) {
+    if (file.isFile) {
+        // It was taken before, and the length is always the same.
+        static_cast<void>(memory.SetBatteryContents(file.onDisk));
+    }
+}
+
+void EmuWriteBatteries(bool write) {
+    gWrites = write;
+}
+
+std::optional<BATTERY_WRITE> BatteryDue(BATTERY_FILE& file, Bytes contents) {
+    if (contents == file.onDisk) {
+        file.rolledBack = false; // what came back is what the file holds
+        return std::nullopt;
+    }
+    if (!gWrites || file.untouchable || contents.empty() || contents == file.refused) {
+        return std::nullopt;
+    }
+    return BATTERY_WRITE{
+        file.stem,           file.formerKept, std::exchange(file.rolledBack, false),
+        file.fileRolledBack, file.onDisk,     std::move(contents)};
+}
+
+bool BatteryWrite(const BATTERY_WRITE& write) {
     const fs::path path = ResolvePath(write.stem + kSuffix);
     if (!KeepFormer(write, path)) {
         return false;
@@ -136,116 +133,23 @@ bool Write(const BATTERY_WRITE& write) {
     return true;
 }
 
-// The caller holds the session.
-bool IsDue(EMU_THREAD& session, const Bytes& contents) {
-    BATTERY_STATUS& battery = session.battery;
-    if (contents == battery.onDisk) {
-        battery.rolledBack = false; // to the same memory
-        return false;
-    }
-    return gWrites && !battery.untouchable && !contents.empty() && contents != battery.refused;
-}
-
-// The caller holds the session.
-void Note(EMU_THREAD& session, BATTERY_WRITE& write, bool written) {
-    BATTERY_STATUS& battery = session.battery;
+void BatteryWritten(BATTERY_FILE& file, BATTERY_WRITE write, bool written) {
     if (written) {
-        battery.onDisk = std::move(write.contents);
-        battery.isFile = true;
-        battery.formerKept = true;
-        battery.fileRolledBack = write.rolledBack;
-        battery.refused.clear();
+        file.onDisk = std::move(write.contents);
+        file.isFile = true;
+        file.formerKept = true;
+        file.fileRolledBack = write.rolledBack;
+        file.refused.clear();
     } else {
-        battery.rolledBack |= write.rolledBack;
-        battery.refused = std::move(write.contents); // the same bytes are not tried again
+        file.rolledBack |= write.rolledBack;
+        file.refused = std::move(write.contents); // the same bytes are not tried again
     }
 }
 
-} // namespace
-
-void EmuLoadBattery(EMU_THREAD& session) {
-    CBattery* const battery = BatteryOf(session);
-    if (battery == nullptr) {
-        return;
+void BatterySave(BATTERY_FILE& file, const CBattery& memory) {
+    file.refused.clear(); // a last try
+    if (std::optional<BATTERY_WRITE> write = BatteryDue(file, memory.BatteryContents())) {
+        const bool written = BatteryWrite(*write);
+        BatteryWritten(file, std::move(*write), written);
     }
-    session.battery.onDisk = battery->BatteryContents();
-    const std::string stem = Stem(session);
-    const fs::path path = ResolvePath(stem + kSuffix);
-    if (session.battery.onDisk.empty() || !Exists(path)) {
-        return;
-    }
-    Bytes bytes;
-    std::string error;
-    if (!ReadFile(path, bytes, error, kReadLimit)) {
-        HostReport(error + "; the game starts without it and it stays as it is");
-        session.battery.untouchable = true;
-        return;
-    }
-    if (battery->SetBatteryContents(bytes)) {
-        session.battery.onDisk = std::move(bytes);
-        session.battery.isFile = true;
-        return;
-    }
-    session.battery.untouchable = !SetAside(stem, bytes.size());
-    session.battery.formerKept = true;
-}
-
-void EmuBatteryAfterState(EMU_THREAD& session) {
-    CBattery* const battery = BatteryOf(session);
-    if (battery != nullptr && session.battery.isFile) {
-        // It was taken before, and the length is always the same.
-        static_cast<void>(battery->SetBatteryContents(session.battery.onDisk));
-    }
-}
-
-void EmuWriteBatteries(bool write) {
-    gWrites = write;
-}
-
-void EmuSaveBattery(EMU_THREAD& session) {
-    const CBattery* const battery = BatteryOf(session);
-    if (battery == nullptr) {
-        return;
-    }
-    session.battery.refused.clear(); // a last try
-    Bytes contents = battery->BatteryContents();
-    if (IsDue(session, contents)) {
-        BATTERY_WRITE write = Prepare(session, std::move(contents));
-        const bool written = Write(write);
-        Note(session, write, written);
-    }
-}
-
-void EmuKeepBatteries() {
-    struct DUE {
-        uint32_t serial;
-        BATTERY_WRITE write;
-        bool written;
-    };
-    std::vector<DUE> due;
-    EmuForEachSession([&](EMU_THREAD& session) {
-        const CBattery* const battery = BatteryOf(session);
-        if (battery == nullptr || session.battery.onDisk.empty()) {
-            return;
-        }
-        const SessionHold hold(session);
-        Bytes contents = battery->BatteryContents();
-        if (IsDue(session, contents)) {
-            due.push_back({session.serial, Prepare(session, std::move(contents)), false});
-        }
-    });
-    if (due.empty()) {
-        return;
-    }
-    for (DUE& file : due) {
-        file.written = Write(file.write);
-    }
-    EmuForEachSession([&](EMU_THREAD& session) {
-        for (DUE& file : due) {
-            if (file.serial == session.serial) {
-                const SessionHold hold(session);
-                Note(session, file.write, file.written);
-            }
-        }
-    });
 }

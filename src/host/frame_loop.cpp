@@ -6,9 +6,9 @@
 #include "host/report.h"
 #include "host/rewind.h"
 #include "host/screenshot.h"
+#include "host/session_list.h"
 #include "host/session_private.h"
 #include "host/static.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -32,50 +32,46 @@ void RunMachine(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vi
 
 bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
               EMU_AUDIO_FRAME& audio) {
-    if (session.rewindSteps == 0) {
-        session.rewindCursor = session.rewindHead.get();
+    REWIND_STACK& stack = session.rewind;
+    if (stack.rewindSteps == 0) {
+        stack.rewindCursor = stack.rewindHead.get();
     }
-    if (session.rewindCount == 0) {
-        RewindClear(session);
+    if (stack.rewindCount == 0) {
+        RewindClear(stack);
         return false;
     }
-    const REWIND_NODE& node = *session.rewindCursor;
+    const REWIND_NODE& node = *stack.rewindCursor;
     // The machine's own state of a moment ago: it takes it.
     static_cast<void>(session.machine->LoadState(node.state.get(), node.size));
     session.battery.rolledBack = true;
     RunMachine(session, input, video, audio);
     EmuDrawSpeedGlyph(SpeedGlyph::kBack, video);
     EmuReverseSound(audio);
-    RewindPop(session);
-    ++session.rewindSteps;
+    RewindPop(stack);
+    ++stack.rewindSteps;
     return true;
 }
 
 void StepForward(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
                  EMU_AUDIO_FRAME& audio) {
-    session.rewindSteps = 0;
+    session.rewind.rewindSteps = 0;
     const uint64_t limit = RewindLimitBytes(Settings().GetInt(L"emu_rewindbuffer"));
     RunMachine(session, input, video, audio);
     if (limit != 0) {
         uint32_t size = 0;
         StateBlob state = session.machine->SaveState(size);
-        RewindPush(session, std::move(state), size, limit);
+        RewindPush(session.rewind, std::move(state), size, limit);
     }
 }
 
-// The session's lock keeps a stop's autosave and a reset on other threads away from the machine.
+// The session waits for the disk here, and nobody else does.
 void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) {
-    if (keys.saveState && !loop.saveWasDown) {
-        const std::scoped_lock hold(session.lock);
-        if (EmuSaveToArchive(session)) {
-            HostNotice("State saved");
-        }
+    if (keys.saveState && !loop.saveWasDown && EmuSaveToArchive(session)) {
+        HostNotice("State saved");
     }
     if (keys.loadState && !loop.loadWasDown) {
-        const std::scoped_lock hold(session.lock);
         bool wasThere = false;
         const bool loaded = EmuLoadFromArchive(session, &wasThere);
-        session.battery.rolledBack |= loaded;
         HostNotice(loaded     ? "State loaded"
                    : wasThere ? "The saved state cannot be loaded"
                               : "No saved state to load");
@@ -84,13 +80,33 @@ void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) 
     loop.loadWasDown = keys.loadState;
 }
 
+// The frames of a fast round. A machine holds a frame so that the next one is drawn over it, unseen. A
+// round that ends on such a frame shows the newest picture of the round that is not held. Running on
+// until there is one would play faster than the setting says; this way the frames, their sound and the
+// recorded states are the same with and without holding, and every round still shows a new picture.
+void RunFastRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
+                  FRAME_LOOP& loop) {
+    EMU_VIDEO_FRAME kept{};
+    for (uint32_t left = loop.fastForwardSteps; left > 0; --left) {
+        EmuStep(session, input, &video, &loop.sound.frame, false);
+        if (video.hold == 0 && left > 1) {
+            loop.kept.resize(EmuPicturePixels(session));
+            kept.pixels = loop.kept.data();
+            EmuCopyPicture(video, kept);
+        }
+    }
+    if (video.hold != 0 && kept.pixels != nullptr) {
+        EmuCopyPicture(kept, video);
+        video.hold = 0;
+    }
+}
+
 void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
                FRAME_LOOP& loop, const HOTKEYS& keys) {
     bool drawn = false;
     if (keys.fastForward) {
-        for (uint32_t i = 0; i < loop.fastForwardSteps; ++i) {
-            drawn = EmuStep(session, input, video, &loop.sound.frame, false);
-        }
+        RunFastRound(session, input, *video, loop);
+        drawn = loop.fastForwardSteps > 0;
     } else {
         const bool rewind = keys.rewind && Settings().GetInt(L"emu_rewindbuffer") > 0;
         drawn = EmuStep(session, input, video, &loop.sound.frame, rewind);
@@ -154,6 +170,7 @@ bool EmuStep(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video
         std::this_thread::yield();
     }
     const std::scoped_lock hold(session.lock);
+    const InputFrame look(session.inputs, session.key);
     if (session.showStatic != 0) {
         EmuStaticFrame(session, *video, *audio);
         return true;
@@ -198,6 +215,9 @@ void EmuThreadMain(EMU_THREAD* session) {
             host.open(session);
         }
         while (session->stopRequested == 0) {
+            loop.hotkeys.ForgetAfterPause();
+            session->inputs.ForgetAfterPause();
+            const InputFrame look(loop.hotkeys, session->key);
             EmuRound(*session, host, loop, EmuPollHotkeys(session->key));
         }
     }

@@ -1,4 +1,4 @@
-// What happens once a frame on a session's thread: hotkeys, the step, screenshot, sound, pacing.
+// What a session's thread does once a frame: hotkeys, the step, screenshot, sound, pacing.
 //
 // EmuThreadMain is the loop of a running session. A headless driver has no thread and calls EmuStep
 // itself on a record of EmuCreateSession, with buffers of its own:
@@ -16,6 +16,7 @@
 
 #include "host/aligned_block.h"
 #include "host/session.h"
+#include "settings/input_frame.h"
 
 #include <cstdint>
 #include <vector>
@@ -28,14 +29,14 @@ struct SOUND_FRAME {
     EMU_AUDIO_FRAME frame{};
 };
 
-// One step under the session's lock: a frame of static while it runs; with `rewind` the newest state
-// of the rewind stack, shown once more with its sound reversed; otherwise a frame of the machine, which
-// is recorded on the stack. False when nothing was drawn, since the stack is empty: picture and sound
-// are then as they were.
+// One step under the session's lock: a frame of static while it runs; with `rewind` the frame
+// after the newest state of the rewind stack, its sound reversed; otherwise a frame of the machine, whose
+// state goes on the stack. False when the stack is empty and nothing was drawn: picture and sound are
+// then as they were.
 bool EmuStep(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
              EMU_AUDIO_FRAME* audio, bool rewind);
 
-// Each output pair gets in both channels the left sample of the pair that lies as far from the end.
+// Turns the sound of n pairs around: pair i takes, in both channels, the left sample of pair n - 1 - i.
 void EmuReverseSound(EMU_AUDIO_FRAME& audio);
 
 // Length of a frame in microseconds; 0 without samples. Single precision, truncated.
@@ -44,7 +45,7 @@ void EmuReverseSound(EMU_AUDIO_FRAME& audio);
 // Steps in a round while "Fast Forward" is down: a negative setting gives 2, one above 10 gives 10.
 [[nodiscard]] uint32_t EmuFastForwardSteps(int32_t setting);
 
-// What is down. Only the active session ever has any.
+// Which hotkeys are down. Nothing is down for a session that is not the active one.
 struct HOTKEYS {
     bool saveState = false;
     bool loadState = false;
@@ -58,10 +59,12 @@ struct FRAME_LOOP {
     FRAME_LOOP(); // reads emu_fastforward, which stays as it was for the life of the session
 
     SOUND_FRAME sound;
+    InputLooker hotkeys; // which are looked at once a round, however many frames it runs
     uint32_t fastForwardSteps;
     bool saveWasDown = false;
     bool loadWasDown = false;
     EMU_VIDEO_FRAME lastPicture{}; // as presented last; its block belongs to the host
+    std::vector<uint32_t> kept;    // a picture of this round that a held one was drawn over
     std::vector<uint32_t> scratch; // for turning pictures
 };
 

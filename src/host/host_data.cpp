@@ -126,7 +126,7 @@ void HostPublishFrame(EMU_THREAD& session, EMU_HOST_DATA& data) {
         }
         data.frames[data.writeIndex].fresh = 0;
         if (data.frames[data.writeIndex].shown == 0) {
-            ++session.framesMissed;
+            ++session.statistics.framesMissed;
         }
     }
     data.frames[data.writeIndex].hold = 0;
@@ -173,10 +173,10 @@ void HostSubmitAudio(EMU_THREAD* session, EMU_AUDIO_FRAME* audio) {
     }
     const auto second = static_cast<uint32_t>(data->pending.size() / kPendingSeconds);
     const uint32_t bytes = std::min(audio->sampleCount * kBytesAPair, second);
-    if (session->soundBytes + bytes > second) {
-        session->soundBytes = second - bytes;
-        ++session->soundRepositions;
+    if (session->sound.soundBytes + bytes > second) {
+        session->sound.soundBytes = second - bytes;
+        ++session->statistics.soundRepositions;
     }
-    std::memcpy(data->pending.data() + session->soundBytes, audio->samples, bytes);
-    session->soundBytes += bytes;
+    std::memcpy(data->pending.data() + session->sound.soundBytes, audio->samples, bytes);
+    session->sound.soundBytes += bytes;
 }

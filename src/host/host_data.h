@@ -8,7 +8,6 @@
 
 #include "base/ranked_mutex.h"
 #include "host/aligned_block.h"
-
 #include "machine/emu_system.h"
 
 #include <atomic>
@@ -61,8 +60,8 @@ void HostSetClock(const HOST_CLOCK& clock); // null members restore the steady c
 // wait and by how much it ran over.
 void PaceFrame(EMU_HOST_DATA& data, uint32_t wait);
 
-// The callbacks of the windowed program that need no window: buffers, pacing, appended samples. All but
-// HostClose run on the session thread. A session that was never opened gets null frames and a sleep
+// The callbacks of the windowed program that need no window: buffers, pacing and pending samples. All but
+// HostClose run on the session's thread. A session that was never opened gets null frames and a sleep
 // of 5 ms for every present.
 void HostOpen(EMU_THREAD* session);
 void HostClose(EMU_THREAD* session);
@@ -74,7 +73,8 @@ void HostPresent(EMU_THREAD* session, uint32_t microseconds);
 // newest frame then overwrites the end and counts as a reposition.
 void HostSubmitAudio(EMU_THREAD* session, EMU_AUDIO_FRAME* audio);
 
-// Publishes the frame at writeIndex and moves on, unless it is held. Under the frame mutex.
+// Publishes the frame at writeIndex and moves on to the next buffer, unless the frame is held. Under the
+// frame mutex.
 void HostPublishFrame(EMU_THREAD& session, EMU_HOST_DATA& data);
 
 // The display's side, under the frame mutex: the picture to be shown next, already marked as shown,

@@ -100,18 +100,21 @@ void EmuRotateFrame(EMU_VIDEO_FRAME& video, std::vector<uint32_t>& scratch) {
     video.visibleAspect = Reciprocal(video.visibleAspect);
 }
 
+void EmuCopyPicture(const EMU_VIDEO_FRAME& from, EMU_VIDEO_FRAME& to) {
+    std::memcpy(to.pixels, from.pixels, size_t{from.width} * from.height * sizeof(uint32_t));
+    to.width = from.width;
+    to.height = from.height;
+    to.aspect = from.aspect;
+    to.visibleX = from.visibleX;
+    to.visibleY = from.visibleY;
+    to.visibleWidth = from.visibleWidth;
+    to.visibleHeight = from.visibleHeight;
+    to.visibleAspect = from.visibleAspect;
+    to.rotated = from.rotated;
+}
+
 void EmuRepeatPicture(const EMU_VIDEO_FRAME& before, EMU_VIDEO_FRAME& video) {
-    if (before.pixels == nullptr || before.pixels == video.pixels) {
-        return;
+    if (before.pixels != nullptr && before.pixels != video.pixels) {
+        EmuCopyPicture(before, video);
     }
-    std::memcpy(video.pixels, before.pixels,
-                size_t{before.width} * before.height * sizeof(uint32_t));
-    video.width = before.width;
-    video.height = before.height;
-    video.aspect = before.aspect;
-    video.visibleX = before.visibleX;
-    video.visibleY = before.visibleY;
-    video.visibleWidth = before.visibleWidth;
-    video.visibleHeight = before.visibleHeight;
-    video.visibleAspect = before.visibleAspect;
 }

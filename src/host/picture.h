@@ -22,13 +22,17 @@ void EmuClampPicture(EMU_VIDEO_FRAME& video, size_t capacityPixels);
 
 enum class SpeedGlyph { kForward, kBack };
 
-// Two chevrons in the middle of the picture: forward points right, back points left. Nothing on a
-// picture of which half the width or height is 25 pixels or less; what stands over the edge is cut.
+// Draws two chevrons in the middle of the picture: forward points right, back points left. A picture
+// whose half width or half height is 25 pixels or less gets none; what lies beyond its edge is cut.
 void EmuDrawSpeedGlyph(SpeedGlyph direction, EMU_VIDEO_FRAME& video);
 
 // Turns the picture by 90 degrees clockwise in its buffer if it is marked `rotated`, and clears the
 // mark, so that a picture that is shown again is not turned twice. `scratch` is kept between frames.
 void EmuRotateFrame(EMU_VIDEO_FRAME& video, std::vector<uint32_t>& scratch);
+
+// Copies pixels, sizes, aspects and the `rotated` mark from one buffer to another. Both hold
+// EmuPicturePixels.
+void EmuCopyPicture(const EMU_VIDEO_FRAME& from, EMU_VIDEO_FRAME& to);
 
 // Copies a picture that was finished before, so that it is shown once more. Both buffers hold
 // EmuPicturePixels; nothing happens when there was none yet or when it is the same buffer.

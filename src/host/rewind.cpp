@@ -5,61 +5,65 @@
 
 namespace {
 
-void DropOldest(EMU_THREAD& session) {
-    REWIND_NODE* const newTail = session.rewindTail->newer;
+void DropOldest(REWIND_STACK& stack) {
+    REWIND_NODE* const newTail = stack.rewindTail->newer;
     if (newTail == nullptr) {
-        session.rewindHead.reset();
+        stack.rewindHead.reset();
     } else {
         newTail->next.reset();
     }
-    session.rewindTail = newTail;
+    stack.rewindTail = newTail;
 }
 
 } // namespace
+
+REWIND_STACK::~REWIND_STACK() {
+    RewindClear(*this);
+}
 
 uint64_t RewindLimitBytes(int32_t mebibytes) {
     return static_cast<uint64_t>(std::clamp(mebibytes, 0, 1024)) << 20;
 }
 
-void RewindPush(EMU_THREAD& session, StateBlob state, uint32_t size, uint64_t limitBytes) {
+void RewindPush(REWIND_STACK& stack, StateBlob state, uint32_t size, uint64_t limitBytes) {
     if (!state || size == 0) {
         return;
     }
     auto node = std::make_unique<REWIND_NODE>();
     node->state = std::move(state);
     node->size = size;
-    node->next = std::move(session.rewindHead);
+    node->next = std::move(stack.rewindHead);
     if (node->next) {
         node->next->newer = node.get();
     } else {
-        session.rewindTail = node.get();
+        stack.rewindTail = node.get();
     }
-    session.rewindHead = std::move(node);
+    stack.rewindHead = std::move(node);
 
-    if (uint64_t{size} * session.rewindCount >= limitBytes) {
-        DropOldest(session);
+    if (uint64_t{size} * stack.rewindCount >= limitBytes) {
+        DropOldest(stack);
     } else {
-        ++session.rewindCount;
+        ++stack.rewindCount;
     }
 }
 
-void RewindPop(EMU_THREAD& session) {
-    session.rewindHead = std::exchange(session.rewindHead->next, nullptr);
-    if (session.rewindHead) {
-        session.rewindHead->newer = nullptr;
+void RewindPop(REWIND_STACK& stack) {
+    stack.rewindHead = std::exchange(stack.rewindHead->next, nullptr);
+    if (stack.rewindHead) {
+        stack.rewindHead->newer = nullptr;
     } else {
-        session.rewindTail = nullptr;
+        stack.rewindTail = nullptr;
     }
-    session.rewindCursor = session.rewindHead.get();
-    --session.rewindCount;
+    stack.rewindCursor = stack.rewindHead.get();
+    --stack.rewindCount;
 }
 
 // One node at a time: a chain that frees itself would recurse thousands deep.
-void RewindClear(EMU_THREAD& session) {
-    while (session.rewindHead) {
-        session.rewindHead = std::exchange(session.rewindHead->next, nullptr);
+void RewindClear(REWIND_STACK& stack) {
+    while (stack.rewindHead) {
+        stack.rewindHead = std::exchange(stack.rewindHead->next, nullptr);
     }
-    session.rewindTail = nullptr;
-    session.rewindCursor = nullptr;
-    session.rewindCount = 0;
+    stack.rewindTail = nullptr;
+    stack.rewindCursor = nullptr;
+    stack.rewindCount = 0;
 }

@@ -4,7 +4,6 @@
 #include "base/files.h"
 #include "host/report.h"
 #include "host/session.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 

@@ -2,19 +2,15 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "host/archive.h"
-#include "host/battery_file.h"
+#include "formats/game_file.h"
 #include "host/frame_loop.h"
 #include "host/machine_list.h"
-#include "host/rewind.h"
+#include "host/session_list.h"
 #include "host/session_private.h"
-
-#include "formats/game_file.h"
-#include "settings/bindings.h"
-#include "settings/settings.h"
+#include "host/session_saves.h"
+#include "host/turns.h"
 
 #include <chrono>
-#include <cstdio>
 #include <exception>
 #include <mutex>
 #include <thread>
@@ -22,15 +18,17 @@
 
 namespace {
 
-constexpr uint32_t kAutosaveLoad = 1; // bits of emu_autosaves
-constexpr uint32_t kAutosaveSave = 2;
+using KeyTurn = Turn<uint32_t, LockRank::kSessionKey>;
 
 EMU_HOST_CALLBACKS gHost{};
-EMU_THREAD* gSessions = nullptr; // under the list lock
-std::atomic<uint32_t> gLastSerial{0};
 std::atomic<uint32_t> gRunningThreads{0};
-std::atomic<uint32_t> gSoundGapMs{0};
 std::atomic<SESSION_REPORT_HOOK> gReport{nullptr};
+
+// Held for the whole of a start or stop, so that a key never has two sessions.
+Turns<uint32_t, LockRank::kSessionKey>& Keys() {
+    static auto* keys = new Turns<uint32_t, LockRank::kSessionKey>;
+    return *keys;
+}
 
 // Real time, not the clock that pacing may run on: another thread is waited for.
 void SleepMillisecond() {
@@ -43,39 +41,10 @@ bool HostIsComplete() {
            gHost.threadStart != nullptr && gHost.threadEnd != nullptr;
 }
 
-uint32_t Autosaves() {
-    return static_cast<uint32_t>(Settings().GetInt(L"emu_autosaves"));
-}
-
 void Report(SessionReport what, const EMU_THREAD& session) {
     if (const SESSION_REPORT_HOOK hook = gReport.load(); hook != nullptr) {
         hook(what, session.system, session.gameName);
     }
-}
-
-EMU_THREAD* FindByKey(uint32_t key) {
-    EMU_THREAD* session = gSessions;
-    while (session != nullptr && session->key != key) {
-        session = session->next;
-    }
-    return session;
-}
-
-bool IsListed(uint32_t serial) {
-    for (const EMU_THREAD* session = gSessions; session != nullptr; session = session->next) {
-        if (session->serial == serial) {
-            return true;
-        }
-    }
-    return false;
-}
-
-void Unlink(const EMU_THREAD* session) {
-    EMU_THREAD** link = &gSessions;
-    while (*link != session) {
-        link = &(*link)->next;
-    }
-    *link = session->next;
 }
 
 // The first six bytes of the image's hash. A game without such an image is told by the hash of its
@@ -93,57 +62,73 @@ std::string ArchivePath(const char* folder, const std::string& gameName) {
     return LowerAscii(std::string(folder) + "\\saves\\" + FileNameFromTitle(gameName) + ".zip");
 }
 
-// Puts the session at the head of the list and starts its thread. False when there is no thread to
-// be had; the session is then in no list. Under the list lock.
-bool Launch(EMU_THREAD* session) {
-    session->next = gSessions;
-    gSessions = session;
+// `.\folder\saves\name.zip` becomes `.\folder\saves\name.0123456789ab`.
+std::string BatteryStem(const EMU_THREAD& session) {
+    const std::string& archive = session.archivePath;
+    return archive.substr(0, archive.rfind('.') + 1) + session.stateEntryName;
+}
+
+// Lists the session and starts its thread. The list owns it from then on. Returns the serial; 0 when no
+// thread can be started, and the session is then in no list.
+uint32_t Launch(std::unique_ptr<EMU_THREAD>& session) {
+    const std::scoped_lock list(SessionListLock());
+    LinkSession(*session);
     ++gRunningThreads;
     try {
-        std::thread(EmuThreadMain, session).detach();
+        std::thread(EmuThreadMain, session.get()).detach();
     } catch (const std::exception& error) {
         --gRunningThreads;
-        Unlink(session);
+        UnlinkSession(*session);
         EmuSetLastError(std::string("no thread can be started: ") + error.what());
+        return 0;
+    }
+    return session.release()->serial;
+}
+
+// The state is that of the boundary at which the stop was requested; the thread may run one frame more.
+void RequestStop(EMU_THREAD& session) {
+    TAKEN_STATE autosave;
+    {
+        const SessionHold hold(session);
+        autosave = SessionTakeAutosave(session);
+        session.stopRequested = 1;
+    }
+    EmuStoreState(session, autosave);
+}
+
+// The session's thread has ended. What takes long is done after the session has left the list.
+void Free(std::unique_ptr<EMU_THREAD> session) {
+    {
+        const std::scoped_lock list(SessionListLock());
+        gHost.close(session.get());
+        UnlinkSession(*session);
+    }
+    while (session->pins != 0) {
+        SleepMillisecond();
+    }
+    SessionSaveBattery(*session);
+}
+
+// The caller has the turn of the key, so nobody else frees the session meanwhile.
+bool StopInTurn(uint32_t key) {
+    EMU_THREAD* session = nullptr;
+    {
+        const std::scoped_lock list(SessionListLock());
+        session = FindSession(key);
+    }
+    if (session == nullptr) {
         return false;
     }
+    RequestStop(*session);
+    Report(SessionReport::kEnded, *session);
+    while (session->stopRequested != 0) {
+        SleepMillisecond();
+    }
+    Free(std::unique_ptr<EMU_THREAD>(session));
     return true;
 }
 
-void WaitUntilGone(uint32_t serial) {
-    while (true) {
-        {
-            const std::scoped_lock hold(SessionListLock());
-            if (!IsListed(serial)) {
-                return;
-            }
-        }
-        SleepMillisecond();
-    }
-}
-
-// The thread has acknowledged and the caller alone still stops this session.
-void Free(EMU_THREAD* session) {
-    const std::scoped_lock hold(SessionListLock());
-    gHost.close(session);
-    session->machine.reset();
-    RewindClear(*session);
-    Unlink(session);
-    delete session; // NOLINT(cppcoreguidelines-owning-memory): the list holds bare records
-}
-
 } // namespace
-
-EMU_THREAD::EMU_THREAD() = default;
-
-EMU_THREAD::~EMU_THREAD() {
-    RewindClear(*this);
-}
-
-SessionListMutex& SessionListLock() {
-    static auto* lock = new SessionListMutex;
-    return *lock;
-}
 
 const EMU_HOST_CALLBACKS& SessionHost() {
     return gHost;
@@ -191,7 +176,6 @@ std::unique_ptr<EMU_THREAD> EmuCreateSession(uint32_t key, CGameFile* const game
         return nullptr;
     }
     auto session = std::make_unique<EMU_THREAD>();
-    session->serial = ++gLastSerial;
     session->key = key;
     session->machine = std::move(machine);
     session->system = system;
@@ -200,6 +184,7 @@ std::unique_ptr<EMU_THREAD> EmuCreateSession(uint32_t key, CGameFile* const game
     session->frameHeight = session->machine->height;
     session->archivePath = ArchivePath(entry->folder, gameName);
     session->stateEntryName = StateEntryName(game);
+    session->battery.stem = BatteryStem(*session);
     return session;
 }
 
@@ -213,110 +198,32 @@ uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* op
         EmuSetLastError("no game was given");
         return 0;
     }
-    std::unique_lock<SessionListMutex> list(SessionListLock(), std::defer_lock);
-    while (true) {
-        EmuStopSession(key);
-        list.lock();
-        if (FindByKey(key) == nullptr) {
-            break;
-        }
-        // Another thread has started a game here since the stop.
-        list.unlock();
-    }
+    const KeyTurn turn(Keys(), key);
+    StopInTurn(key);
     std::unique_ptr<EMU_THREAD> session = EmuCreateSession(key, games, options, gameName);
     if (!session) {
         return 0;
     }
     Report(SessionReport::kStarted, *session);
-    EmuLoadBattery(*session);
-    if ((Autosaves() & kAutosaveLoad) != 0 && EmuLoadFromArchive(*session)) {
-        EmuBatteryAfterState(*session);
-    }
-    const uint32_t serial = session->serial;
-    if (!Launch(session.get())) {
+    SessionLoadSaves(*session);
+    const uint32_t serial = Launch(session);
+    if (serial == 0) {
         Report(SessionReport::kEnded, *session);
-        return 0;
     }
-    session.release(); // NOLINT(bugprone-unused-return-value): the list owns it now
     return serial;
 }
 
 bool EmuStopSession(uint32_t key) {
-    EMU_THREAD* session = nullptr;
-    uint32_t stoppedElsewhere = 0;
-    {
-        const std::scoped_lock list(SessionListLock());
-        session = FindByKey(key);
-        if (session == nullptr) {
-            return false;
-        }
-        if (session->stopping) {
-            stoppedElsewhere = session->serial;
-        } else {
-            session->stopping = true;
-            const SessionHold hold(*session);
-            if ((Autosaves() & kAutosaveSave) != 0 && !session->machine->ended) {
-                EmuSaveToArchive(*session);
-            }
-            session->stopRequested = 1;
-        }
-    }
-    if (stoppedElsewhere != 0) {
-        WaitUntilGone(stoppedElsewhere);
-        return true;
-    }
-    Report(SessionReport::kEnded, *session);
-    while (session->stopRequested != 0) {
-        SleepMillisecond();
-    }
-    // The thread may have run one more frame since the request.
-    EmuSaveBattery(*session);
-    Free(session);
-    return true;
+    const KeyTurn turn(Keys(), key);
+    return StopInTurn(key);
 }
 
 bool EmuResetSession(uint32_t key) {
-    const std::scoped_lock list(SessionListLock());
-    EMU_THREAD* const session = FindByKey(key);
-    if (session == nullptr) {
+    const SessionPin session = PinSession(key);
+    if (!session) {
         return false;
     }
     const SessionHold hold(*session);
     session->machine->Reset();
     return true;
-}
-
-void EmuForEachSession(const std::function<void(EMU_THREAD&)>& visit) {
-    const std::scoped_lock list(SessionListLock());
-    for (EMU_THREAD* session = gSessions; session != nullptr; session = session->next) {
-        if (session->hostData != nullptr) {
-            visit(*session);
-        }
-    }
-}
-
-std::string EmuFormatStats() {
-    const std::scoped_lock list(SessionListLock());
-    const EMU_THREAD* const session = FindByKey(InputActiveKey());
-    if (session == nullptr) {
-        return {};
-    }
-    const auto number = [](uint32_t value) { return static_cast<int>(value); };
-    char text[160];
-    std::snprintf(text, sizeof text,
-                  "Sound Repos %d | SoundBuffer %d, Sound Min %d | Frames Missed %d | dw1=%d",
-                  number(session->soundRepositions), number(session->soundBytes),
-                  number(EmuSoundGapMs()), number(session->framesMissed),
-                  number(session->machine->debugValue));
-    return text;
-}
-
-void EmuRaiseSoundGap(uint32_t milliseconds) {
-    uint32_t seen = gSoundGapMs;
-    while (milliseconds > seen && !gSoundGapMs.compare_exchange_weak(seen, milliseconds)) {
-    }
-}
-
-uint32_t EmuSoundGapMs() {
-    return gSoundGapMs;
 }

@@ -3,87 +3,87 @@
 // A session reaches screen and sound device only through the eight callbacks of EMU_HOST_CALLBACKS, so
 // a machine runs without either.
 //
-// A session's thread is detached. Clearing `stopRequested` is its last act on the record; after that
-// it only hands its token to threadEnd, so EmuRunningThreads may stay above 0 a moment longer than
-// the session exists.
+// The life of a session, in order:
 //
-// Locks, in the order in which they may nest: the list of sessions (recursive), a session's `lock`,
-// then the frame mutex or the sound mutex of host_data.h.
+//     created    EmuCreateSession constructs the machine, which takes the game in its Init, and fills the
+//                record. A headless driver stops here and calls EmuStep itself.
+//     loaded     EmuStartSession reads the game's own memory and the autosave.
+//     listed     It gets its serial and goes to the head of the list, and its thread starts.
+//     opened     The thread calls threadStart, then open, which makes `hostData`. From now on
+//                EmuForEachSession visits the session.
+//     static     70 frames of television static, unless an autosave was loaded.
+//     running    One round of the frame loop after the other.
+//     stopping   EmuStopSession takes the state for the autosave at a frame boundary, sets
+//                `stopRequested` and stores the state while the thread ends its round.
+//     ended      The thread clears `stopRequested`, its last act on the record, and hands its token to
+//                threadEnd. EmuRunningThreads may stay above 0 a moment longer than the session exists.
+//     closed     The stopping thread calls close, which frees `hostData`, and takes the session off the list.
+//     freed      It writes the game's own memory and destroys the machine, the rewind stack and the record.
+//
+// Starting or stopping one session holds no other one up. Starts and stops of one key wait for each other,
+// those of different keys don't; Init, frames and disks are waited for with no lock that another session,
+// the display or the sound pump needs.
+//
+// Locks, in the order in which they may nest: the turn of a key (turns.h), kept during a whole start or
+// stop; the list of sessions (recursive); a session's `lock`; then the frame mutex or the sound mutex of
+// host_data.h. An archive's turn (archive.cpp) is taken with none of the others but the key's.
 #pragma once
 
 #include "base/ranked_mutex.h"
-
+#include "host/battery_file.h"
+#include "host/rewind.h"
+#include "host/session_sound.h"
+#include "host/session_statistics.h"
 #include "machine/emu_system.h"
+#include "settings/input_frame.h"
 
 #include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 class CGameFile;
 struct EMU_HOST_DATA;
 
-// One state of the rewind stack.
-struct REWIND_NODE {
-    StateBlob state;
-    uint32_t size = 0;                 // bytes
-    std::unique_ptr<REWIND_NODE> next; // the older state
-    REWIND_NODE* newer = nullptr;      // null at the head
-};
-
-// What is known of the file of a game's own memory; see battery_file.h.
-struct BATTERY_STATUS {
-    std::vector<uint8_t> onDisk;  // what the file holds, or would hold if it were there
-    std::vector<uint8_t> refused; // what could not be written the last time
-    bool formerKept = false;      // the file as it was found needs no copy any more
-    bool untouchable = false;     // it is there and cannot be read
-    bool isFile = false;          // `onDisk` was read from the file or written to it
-    // A saved state or rewinding has put older memory back since the last write; under the session's lock.
-    bool rolledBack = false;
-    bool fileRolledBack = false; // the same of what was last written
-};
-
 struct EMU_THREAD {
-    EMU_THREAD();
-    ~EMU_THREAD(); // frees the rewind stack without recursion
-    EMU_THREAD(const EMU_THREAD&) = delete;
-    EMU_THREAD& operator=(const EMU_THREAD&) = delete;
-
-    uint32_t serial = 0; // unique over the process, from 1
+    // Who and what: filled before the thread starts, and never changed after that.
+    uint32_t serial = 0; // unique over the process, from 1; 0 until the session is listed
     uint32_t key = 0;    // the caller's session key
-    // Set by EmuStopSession, cleared by the thread as its very last act on this record.
-    std::atomic<uint8_t> stopRequested{0};
-    std::atomic<uint8_t> showStatic{1}; // 1 while television static runs
-    uint8_t audible = 0;                // owned by the sound pump: this session is heard
-    uint8_t directSound = 0; // owned by the sound pump: the stereo ring is the one playing
-    uint32_t staticFrames = 0;
-    std::unique_ptr<CEmuSystem> machine;
-    std::atomic<uint32_t> framesMissed{0};     // frames overwritten before the display took them
-    std::atomic<uint32_t> soundRepositions{0}; // times the sound write position was moved
-    std::atomic<uint32_t> soundBytes{0};       // bytes waiting in `pending`; under the sound mutex
     uint32_t system = 0;
     std::string gameName;       // as the caller gave it
     std::string archivePath;    // in the program's path notation, lower case
     std::string stateEntryName; // twelve hexadecimal digits, lower case
-    BATTERY_STATUS battery;
-    std::unique_ptr<REWIND_NODE> rewindHead;
-    REWIND_NODE* rewindCursor = nullptr;
-    REWIND_NODE* rewindTail = nullptr; // the oldest state, so that dropping it walks nothing
-    uint32_t rewindCount = 0;
-    uint32_t rewindSteps = 0; // taken back in the present rewind; 0 when not rewinding
-    uint32_t frameWidth = 0;  // copies of the machine's
+    uint32_t frameWidth = 0;    // copies of the machine's
     uint32_t frameHeight = 0;
-    std::atomic<EMU_HOST_DATA*> hostData{nullptr}; // set by the open callback
-    RankedMutex<LockRank::kSession> lock;          // guards the machine
-    // Somebody is stopping this session; under the list lock.
-    bool stopping = false;
-    // The archive may hold a state that was not loaded, refused or unreadable at the time, and no copy of
-    // it could be made yet; under `lock`. Nothing may replace it before there is one.
-    bool unloadedStateUnkept = false;
+
+    // The machine and what changes with it: written by the session's thread, and by whoever starts, stops,
+    // resets or saves the session, all under `lock`.
+    RankedMutex<LockRank::kSession>
+        lock; // held for one step of the machine, or to take or load a state
+    std::unique_ptr<CEmuSystem> machine;
+    InputLooker inputs; // of the machine's frames; whoever steps it
+    REWIND_STACK rewind;
+    BATTERY_FILE battery;
+    uint32_t staticFrames = 0;            // of television static, shown so far
+    std::atomic<uint8_t> showStatic{1};   // 1 while the static runs; anyone may read it
     std::atomic<uint32_t> lockWaiters{0}; // other threads that want `lock` at the next boundary
-    EMU_THREAD* next = nullptr;
+
+    // What the host keeps. `hostData` is set by the open callback on the session's thread and cleared by
+    // close on the stopping one, both under the list lock.
+    std::atomic<EMU_HOST_DATA*> hostData{nullptr};
+    SESSION_SOUND sound;           // shared with the sound pump
+    SESSION_STATISTICS statistics; // counted on the session's thread and the pump's
+
+    // The archive may hold a state that could not be loaded and of which no copy could be made yet. A save
+    // makes one before it replaces the archive. Written by the thread that saves or loads, in the
+    // archive's turn.
+    bool unloadedStateUnkept = false;
+
+    // Set by EmuStopSession under `lock`, cleared by the session's thread as its very last act here.
+    std::atomic<uint8_t> stopRequested{0};
+    std::atomic<uint32_t> pins{0}; // threads that use the session without the list lock; freed at 0
+    EMU_THREAD* next = nullptr;    // in the list, under the list lock
 };
 
 struct EMU_HOST_CALLBACKS {
@@ -93,7 +93,7 @@ struct EMU_HOST_CALLBACKS {
     void (*present)(EMU_THREAD* session, uint32_t microseconds);
     void (*submitAudio)(EMU_THREAD* session, EMU_AUDIO_FRAME* audio);
     EMU_INPUT_STATE* (*getInput)(EMU_THREAD* session);
-    int (*threadStart)(int argument); // session thread, first act, with 0; gives a token
+    int (*threadStart)(int argument); // session thread, first act, with 0; returns a token
     void (*threadEnd)(int token);     // session thread, last act
 };
 
@@ -102,44 +102,36 @@ struct EMU_HOST_CALLBACKS {
 void EmuSetHost(const EMU_HOST_CALLBACKS& callbacks);
 
 // Constructs and initialises the machine of the game and fills a record around it: in no list, with
-// no thread, nothing loaded and no host. A headless driver runs EmuStep on it; EmuStartSession puts
-// it to a thread. Null on failure, with the last error in place.
+// no thread, nothing loaded and no host. A headless driver runs EmuStep on it; EmuStartSession gives
+// it a thread. Null on failure, with the last error in place.
 [[nodiscard]] std::unique_ptr<EMU_THREAD> EmuCreateSession(uint32_t key, CGameFile* const games[2],
                                                            const void* options,
                                                            const std::string& gameName);
 
 // Starts the game on `key`, after stopping what ran there. `games[0]` must be there and have its
 // image unpacked; `games[1]` may be null; both stay the caller's. `options` are kMachineOptionBytes.
-// Gives the serial; 0 on failure, with the last error in place. Not from a visit, a host callback or
-// a machine.
+// Returns the serial; 0 on failure, with the last error in place. Not from a visit, a host callback or
+// a machine, and with no lock held.
 [[nodiscard]] uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* options,
                                        const std::string& gameName);
 
-// Stops the session, autosave included, and frees it. False when there is none on this key. When
-// another thread is stopping it already, waits until it is gone and gives true as well. Not from a
-// visit, a host callback or a machine: it waits for the session's thread.
+// Stops the session, autosave included, and frees it. False when there is none on this key, also when
+// another thread was stopping it: it is gone by then. Not from a visit, a host callback or a machine,
+// since it waits for the session's thread, and with no lock held.
 bool EmuStopSession(uint32_t key);
 
-// Resets the machine at a frame boundary. False when there is none on this key.
+// Resets the machine at a frame boundary. False when there is none on this key. With no lock held.
 bool EmuResetSession(uint32_t key);
 
 // Calls `visit` for every session that the host has opened, under the list lock. A visit may take the
-// locks further down and must neither start nor stop a session.
+// locks further down, must neither start nor stop a session, and should be short: others wait for it.
 void EmuForEachSession(const std::function<void(EMU_THREAD&)>& visit);
-
-// One line of statistics for the active session; empty without one.
-[[nodiscard]] std::string EmuFormatStats();
-
-// The largest gap between play and write cursor that the sound pump has seen, in milliseconds.
-// Process-wide, never reset.
-void EmuRaiseSoundGap(uint32_t milliseconds);
-[[nodiscard]] uint32_t EmuSoundGapMs();
 
 // Session threads that have not yet passed threadEnd. 0 some time after the last stop.
 [[nodiscard]] uint32_t EmuRunningThreads();
 
-// What the web service is told of a session. The hook decides whether the user is logged in and must
-// return at once: a start is reported under the list lock, a stop under none. Null tells nobody.
+// What the web service is told of a session. The hook decides whether the user is logged in. It is called
+// in the turn of the session's key, so it must return at once. Null tells nobody.
 enum class SessionReport : uint32_t { kStarted = 4, kEnded = 5 };
 using SESSION_REPORT_HOOK = void (*)(SessionReport what, uint32_t system,
                                      const std::string& gameName);

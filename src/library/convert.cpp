@@ -1,8 +1,7 @@
 #include "library/convert.h"
 
 #include "base/text.h"
-#include "library/systems.h"
-
+#include "facts/machine_facts.h"
 #include "formats/packing.h"
 
 #include <algorithm>
@@ -22,7 +21,7 @@ std::string_view ExtensionOf(std::string_view path) {
     return dot == std::string_view::npos ? std::string_view{} : name.substr(dot);
 }
 
-bool Accepts(const GAME_SYSTEM& system, std::string_view extension) {
+bool Accepts(const MACHINE_FACTS& system, std::string_view extension) {
     return std::find(system.extensions.begin(), system.extensions.end(), LowerAscii(extension)) !=
            system.extensions.end();
 }
@@ -115,7 +114,7 @@ void AddUnknownGame(CGameFile& game, uint16_t system, std::string_view stem,
 } // namespace
 
 uint16_t SystemOfExtension(std::string_view extension) {
-    for (const GAME_SYSTEM& system : GameSystems()) {
+    for (const MACHINE_FACTS& system : MachineFacts()) {
         if (Accepts(system, extension)) {
             return system.system;
         }
@@ -124,7 +123,7 @@ uint16_t SystemOfExtension(std::string_view extension) {
 }
 
 bool ValidExtension(uint16_t system, std::string_view path) {
-    const GAME_SYSTEM* entry = FindGameSystem(system);
+    const MACHINE_FACTS* entry = FindMachineFacts(system);
     return entry != nullptr && (system == kSystemArcade || Accepts(*entry, ExtensionOf(path)));
 }
 

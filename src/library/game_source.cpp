@@ -2,10 +2,9 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "library/convert.h"
-
 #include "formats/game_file.h"
 #include "formats/zip.h"
+#include "library/convert.h"
 
 #include <cstring>
 #include <fstream>
@@ -31,7 +30,7 @@ struct ARCHIVE_ENTRY {
 };
 
 // The entries that are images, or the only file where `system` is given and none has its extension.
-std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const GAME_SYSTEM* system) {
+std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const MACHINE_FACTS* system) {
     std::vector<ARCHIVE_ENTRY> images;
     std::vector<ARCHIVE_ENTRY> files;
     for (uint32_t index = 0; index < reader.EntryCount(); ++index) {
@@ -59,8 +58,8 @@ std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const GAME_SYST
     return images;
 }
 
-bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive, const GAME_SYSTEM* system,
-                  const IMAGE_VISITOR& visitor, std::string& error) {
+bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
+                  const MACHINE_FACTS* system, const IMAGE_VISITOR& visitor, std::string& error) {
     ZipReader reader;
     if (!reader.Open(archive, error)) {
         error = path.string() + ": " + error;
@@ -124,7 +123,7 @@ std::string FaultOfGameFile(const fs::path& path, bool headerOnly) {
     return name + ": its records or its image are damaged";
 }
 
-bool OpenImageFile(const fs::path& path, const GAME_SYSTEM* system, CGameFile& game,
+bool OpenImageFile(const fs::path& path, const MACHINE_FACTS* system, CGameFile& game,
                    std::string& error) {
     bool built = false;
     IMAGE_VISITOR visitor;
@@ -144,7 +143,7 @@ bool OpenImageFile(const fs::path& path, const GAME_SYSTEM* system, CGameFile& g
 }
 
 // Takes the image of a game for another system's, as the user says.
-bool ChangeSystem(const fs::path& path, const GAME_SYSTEM& system, CGameFile& game,
+bool ChangeSystem(const fs::path& path, const MACHINE_FACTS& system, CGameFile& game,
                   std::string& error) {
     const auto image = game.AssembleImage(0);
     NAME_VIEW name;
@@ -161,7 +160,7 @@ bool ChangeSystem(const fs::path& path, const GAME_SYSTEM& system, CGameFile& ga
 
 } // namespace
 
-bool VisitImages(const fs::path& path, const GAME_SYSTEM* system, const IMAGE_VISITOR& visitor,
+bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_VISITOR& visitor,
                  std::string& error) {
     std::vector<uint8_t> bytes;
     const std::string extension = LowerExtension(path);
@@ -184,8 +183,8 @@ bool VisitImages(const fs::path& path, const GAME_SYSTEM* system, const IMAGE_VI
     return true;
 }
 
-bool OpenGame(const fs::path& path, const GAME_SYSTEM* system, CGameFile& game, std::string& title,
-              std::string& error) {
+bool OpenGame(const fs::path& path, const MACHINE_FACTS* system, CGameFile& game,
+              std::string& title, std::string& error) {
     const bool container = LowerExtension(path) == ".game";
     if (container ? !OpenGameFile(path, false, game, error)
                   : !OpenImageFile(path, system, game, error)) {
@@ -210,7 +209,7 @@ bool OpenGameFile(const fs::path& path, bool headerOnly, CGameFile& game, std::s
 }
 
 std::vector<CGameFile> LoadDatabase(uint16_t system) {
-    const GAME_SYSTEM* entry = FindGameSystem(system);
+    const MACHINE_FACTS* entry = FindMachineFacts(system);
     std::vector<uint8_t> bytes;
     std::string ignored;
     if (entry == nullptr || !ReadFile(ResolvePath(entry->databaseFile), bytes, ignored)) {

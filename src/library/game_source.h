@@ -3,7 +3,7 @@
 // Failure: false, and `error` holds one line that names the file and says what is wrong with it.
 #pragma once
 
-#include "library/systems.h"
+#include "facts/machine_facts.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -34,12 +34,12 @@ struct IMAGE_VISITOR {
 // that system's whatever its extension; of an archive its entries of that system, or the only one
 // where none has its extension. True when the file could be read and at least one image was visited;
 // a fault of a single entry goes to the visitor and the others are still visited.
-[[nodiscard]] bool VisitImages(const std::filesystem::path& path, const GAME_SYSTEM* system,
+[[nodiscard]] bool VisitImages(const std::filesystem::path& path, const MACHINE_FACTS* system,
                                const IMAGE_VISITOR& visitor, std::string& error);
 
 // Opens a game for playing, its image unpacked and its first name selected. Of an archive it is the
 // first image. With `system` the image is taken for that system's, whatever the file says.
-[[nodiscard]] bool OpenGame(const std::filesystem::path& path, const GAME_SYSTEM* system,
+[[nodiscard]] bool OpenGame(const std::filesystem::path& path, const MACHINE_FACTS* system,
                             CGameFile& game, std::string& title, std::string& error);
 
 // Reads a `.game`, whole or its records alone, and says what is wrong with one that is refused.

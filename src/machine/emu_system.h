@@ -5,6 +5,8 @@
 // SaveState and LoadState from other threads to the boundaries between frames.
 #pragma once
 
+#include "facts/machine_facts.h"
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -44,16 +46,14 @@ struct EMU_AUDIO_FRAME {
     uint32_t sampleCount; // machine: sample pairs of this frame
 };
 
-// Two pointing devices, one a player. Reset to zero for every frame.
+// Two pointing devices, one a player. (0, 0) says that nobody points; the host sets both to that before
+// every frame.
 struct EMU_INPUT_STATE {
     struct {
-        uint32_t x;
-        uint32_t y;
+        uint32_t x; // pixels of the whole picture, from its top left: the visible window begins at
+        uint32_t y; // (visibleX, visibleY)
     } pointer[2];
 };
-
-// Machine options: 256 bytes whose layout each machine defines.
-inline constexpr size_t kMachineOptionBytes = 256;
 
 using StateBlob = std::unique_ptr<uint8_t[]>;
 

@@ -1,186 +1,303 @@
 #include "machine/resampler.h"
 
-#include "base/audio_rate.h"
-
-#include "settings/settings.h"
-#include <samplerate.h>
+#include "machine/resampler_private.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace {
 
-constexpr double kLargestRatio = 256.0; // libsamplerate's own limit, either way
-constexpr double kBufferSeconds = 0.025;
-constexpr long kConverterFrames = 8192; // output of one call at most
+constexpr double kLargestRatio = 256.0; // either way
+constexpr size_t kChunk = 4096;         // source pairs filtered at once: more than a frame brings
 
-// The cut-off filter: what is under the lower split is lifted by half, what is over the upper one is
-// dropped.
-constexpr std::array<double, 3> kCutoffGains{1.5, 1.0, 0.0};
+// Ticks of a second, over both rates. Every chip's rate is a whole number of 144ths of a Hz; others are kept
+// to a hundred-millionth.
+constexpr double kTicks = 144.0 * 1048576.0;
 
 // Nearest picks are counted in single precision. A piece is short enough that the smallest step still
 // moves the phase, and longer than anything a machine pushes at once.
 constexpr int32_t kPickFrames = 32768;
 
-// Sixteen bits with no clamp: a sum beyond them comes out wrapped.
-int16_t TruncateAndWrap(double value) {
-    if (!(std::fabs(value) < 9.0e18)) {
-        return 0;
+constexpr size_t kRunPairs = 256;
+
+// To the nearest, of two equally near to the even one. Added to 1.5 x 2^23 a float has no room for a fraction,
+// and its lowest bits are the number.
+int16_t RoundToSample(float value) {
+    constexpr float kNoFraction = 12582912.0F;
+    const float clamped = std::min(std::max(value, -32768.0F), 32767.0F);
+    return static_cast<int16_t>(std::bit_cast<uint32_t>(clamped + kNoFraction) & 0xFFFF);
+}
+
+bool SidesAreTheSame(const int16_t* samples, size_t pairs) {
+    constexpr size_t kLook = 64;
+    uint32_t differences = 0;
+    for (size_t from = 0; from < pairs && differences == 0; from += kLook) {
+        const size_t end = std::min(from + kLook, pairs);
+        for (size_t i = from; i < end; ++i) {
+            differences |= static_cast<uint32_t>(samples[i * 2] ^ samples[i * 2 + 1]);
+        }
     }
-    return static_cast<int16_t>(
-        static_cast<uint16_t>(static_cast<uint64_t>(static_cast<int64_t>(value))));
+    return differences == 0;
 }
 
 } // namespace
 
-void AudioResampler::FREE_CONVERTER::operator()(SRC_STATE_tag* state) const {
-    src_delete(state);
-}
-
-AudioResampler::AudioResampler() = default;
-AudioResampler::~AudioResampler() = default;
-
-void AudioResampler::Init(double sourceRateValue) {
-    const double appRate = AudioRate();
-    const double lowest = appRate / kLargestRatio;
+void AudioResampler::Init(double sourceRateValue, uint32_t outputRateValue, int32_t qualityValue) {
+    outputRate = std::max(outputRateValue, 1U);
+    const double lowest = outputRate / kLargestRatio;
     sourceRate =
-        sourceRateValue >= lowest ? std::min(sourceRateValue, appRate * kLargestRatio) : lowest;
-    ratio = appRate / sourceRate;
-    step = static_cast<float>(sourceRate / appRate);
-
-    const size_t outputSize = static_cast<size_t>(AudioRate() / 40) * 2;
-    output.assign(outputSize, 0);
-    floatOut.assign(outputSize, 0.0f);
-    const auto inputSize = static_cast<size_t>(sourceRate * kBufferSeconds * 2.0);
-    floatIn.assign(std::max<size_t>(inputSize, 2), 0.0f);
-
-    const SettingsStore& settings = Settings();
-    cutoffEnabled = settings.GetBool(L"emu_audiocutoff_enabled");
-    cutoffLow = settings.GetInt(L"emu_audiocutoff_low");
-    cutoffHigh = settings.GetInt(L"emu_audiocutoff_high");
-
-    quality = settings.GetInt(L"audio_app_quality");
-    if (quality < 0 || quality > 2) {
-        quality = 0;
-    }
-    converter.reset();
+        sourceRateValue >= lowest ? std::min(sourceRateValue, outputRate * kLargestRatio) : lowest;
+    quality = qualityValue == 1 || qualityValue == 2 ? qualityValue : 0;
+    step = static_cast<float>(sourceRate / outputRate);
+    output.assign(static_cast<size_t>(outputRate / 40) * 2, 0);
+    outputTicks = static_cast<uint64_t>(std::llround(sourceRate * kTicks));
+    middleTicks = static_cast<uint64_t>(std::llround(outputRate * kTicks));
     if (quality != 0) {
-        int error = 0;
-        converter.reset(
-            src_new(quality == 1 ? SRC_SINC_FASTEST : SRC_SINC_MEDIUM_QUALITY, 2, &error));
-        if (!converter) {
-            quality = 0;
-        }
-    }
-    if (converter) {
-        trail.Init(ratio, quality);
+        MakeRoom();
     }
     Reset();
 }
 
+void AudioResampler::MakeRoom() {
+    filter = ResamplerFilterFor(quality, sourceRate, outputRate);
+    const size_t stride = filter->stride;
+    middleTicks *= stride;
+    outputMiddles = outputTicks / middleTicks;
+    outputRest = outputTicks % middleTicks;
+    rowsATick = filter->rows / static_cast<double>(middleTicks);
+
+    const size_t wholeMiddles = size_t{2} * (filter->half + filter->reach / stride + 2);
+    heard.assign((stride * wholeMiddles + stride - 1) * 2, 0);
+    chunk = std::max(kChunk, heard.size() / 2);
+    const size_t sourceRoom = chunk + filter->first.size() + stride;
+    const size_t middleRoom = size_t{2} * filter->half + chunk / stride + 2;
+    for (SIDE& side : sides) {
+        side.source.assign(stride > 1 ? sourceRoom : 0, 0.0F);
+        side.middle.assign(middleRoom, 0.0F);
+    }
+}
+
 void AudioResampler::Reset() {
     outputCount = 0;
-    pendingCount = 0;
-    phase = 0.0f;
-    if (converter) {
-        src_reset(converter.get());
-        trail.Reset();
+    phase = 0.0F;
+    if (quality == 0) {
+        return;
     }
-    BuildFilters();
+    for (SIDE& side : sides) {
+        std::fill(side.source.begin(), side.source.end(), 0.0F);
+        std::fill(side.middle.begin(), side.middle.end(), 0.0F);
+    }
+    std::fill(heard.begin(), heard.end(), int16_t{0});
+    // As after any number of silent pairs.
+    const size_t pending = filter->reach / filter->stride;
+    sourceHeld = filter->reach + pending * filter->stride;
+    middleHeld = filter->half - 1;
+    place = middleHeld + pending;
+    ticks = 0;
+    strayPairs = 0;
+    alike = heard.size() / 2;
 }
 
-void AudioResampler::BuildFilters() {
-    const double rate = std::trunc(sourceRate);
-    for (BandSplitter& filter : filters) {
-        filter.SetCrossovers(rate, cutoffLow, cutoffHigh);
-        filter.gains = kCutoffGains;
-    }
-}
-
-int32_t AudioResampler::Push(int16_t* samples, int32_t count) {
-    const int32_t frames = std::max(count, 0) / 2;
-    if (cutoffEnabled) {
-        CutOff(samples, frames);
-    }
+int32_t AudioResampler::Push(const int16_t* samples, int32_t count) {
+    const int32_t pairs = std::max(count, 0) / 2;
     const int32_t before = outputCount;
-    if (quality != 0) {
-        ConvertAll(samples, frames);
-    } else {
-        for (int32_t done = 0; done < frames; done += kPickFrames) {
-            PickNearest(samples + static_cast<ptrdiff_t>(done) * 2,
-                        std::min(kPickFrames, frames - done));
-        }
+    if (quality == 0) {
+        PickNearest(samples, pairs, 2);
+        return outputCount - before;
+    }
+    for (auto left = static_cast<size_t>(pairs); left != 0;) {
+        const size_t taken = std::min(left, chunk);
+        Filter(samples, taken);
+        samples += taken * 2;
+        left -= taken;
     }
     return outputCount - before;
 }
 
-void AudioResampler::CutOff(int16_t* samples, int32_t frames) {
-    for (ptrdiff_t i = 0; i < frames; ++i) {
-        samples[i * 2] = TruncateAndWrap(filters[0].Process(samples[i * 2]));
-        samples[i * 2 + 1] = TruncateAndWrap(filters[1].Process(samples[i * 2 + 1]));
+int32_t AudioResampler::PushRun(int16_t left, int16_t right, int32_t pairs) {
+    const int32_t before = outputCount;
+    auto toDo = static_cast<size_t>(std::max(pairs, 0));
+    if (quality == 0) {
+        const int16_t pair[2] = {left, right};
+        PickNearest(pair, std::max(pairs, 0), 0);
+        return outputCount - before;
     }
+    std::array<int16_t, kRunPairs * 2> block;
+    for (size_t i = 0; i < block.size(); i += 2) {
+        block[i] = left;
+        block[i + 1] = right;
+    }
+    // Until the filters hear nothing else.
+    for (size_t toFill = std::min(toDo, heard.size() / 2); toFill != 0;) {
+        const size_t taken = std::min(toFill, kRunPairs);
+        Filter(block.data(), taken);
+        toFill -= taken;
+        toDo -= taken;
+    }
+    if (toDo != 0) {
+        StandStill(left, right, toDo);
+    }
+    return outputCount - before;
 }
 
 // The phase runs on while the output is full, so that time is kept.
-void AudioResampler::PickNearest(const int16_t* samples, int32_t frames) {
-    const auto limit = static_cast<float>(frames);
+void AudioResampler::PickNearest(const int16_t* samples, int32_t pairs, ptrdiff_t valuesAPair) {
     const auto room = static_cast<int32_t>(output.size());
-    while (phase < limit) {
-        if (outputCount < room) {
-            const auto frame = static_cast<ptrdiff_t>(phase);
-            const auto out = static_cast<size_t>(outputCount);
-            output[out] = samples[frame * 2];
-            output[out + 1] = samples[frame * 2 + 1];
-            outputCount += 2;
+    for (int32_t done = 0; done < pairs; done += kPickFrames) {
+        const int16_t* const piece = samples + done * valuesAPair;
+        const auto limit = static_cast<float>(std::min(kPickFrames, pairs - done));
+        while (phase < limit) {
+            if (outputCount < room) {
+                const int16_t* const pair = piece + static_cast<ptrdiff_t>(phase) * valuesAPair;
+                const auto out = static_cast<size_t>(outputCount);
+                output[out] = pair[0];
+                output[out + 1] = pair[1];
+                outputCount += 2;
+            }
+            phase += step;
         }
-        phase += step;
+        phase -= limit;
     }
-    phase -= limit;
 }
 
-// A push that fits is one call of the converter; a longer one goes through in pieces.
-void AudioResampler::ConvertAll(const int16_t* samples, int32_t frames) {
-    const auto room = static_cast<int32_t>(floatIn.size() / 2) * 2;
-    int32_t left = frames * 2;
-    do {
-        const int32_t taken = std::min(left, room - pendingCount);
-        src_short_to_float_array(samples, floatIn.data() + pendingCount, taken);
-        pendingCount += taken;
-        samples += taken;
-        left -= taken;
-        if (!ConvertPending()) {
-            return;
+// At most `chunk` pairs. Where both sides have long been the same, as with most chips, one is worked out.
+void AudioResampler::Filter(const int16_t* samples, size_t pairs) {
+    const bool twins = HearAlike(samples, pairs);
+    TakeIn(samples, pairs, twins);
+    while (place + filter->half < middleHeld) {
+        if (outputCount < static_cast<int32_t>(output.size())) {
+            MakeOutput(twins);
         }
-    } while (left > 0);
+        Advance();
+    }
+    DropMiddles(twins);
 }
 
-// One call of the converter on all that is pending. False when it came to nothing.
-bool AudioResampler::ConvertPending() {
-    const auto room = static_cast<long>(output.size() - static_cast<size_t>(outputCount)) / 2;
-    if (room <= 0) {
-        return false;
-    }
-    SRC_DATA data{};
-    data.data_in = floatIn.data();
-    data.data_out = floatOut.data();
-    data.input_frames = pendingCount / 2;
-    data.output_frames = std::min(kConverterFrames, room);
-    data.end_of_input = 0;
-    data.src_ratio = ratio;
-    if (src_process(converter.get(), &data) != 0) {
-        pendingCount = 0;
-        return false;
-    }
-    const auto generated = static_cast<int32_t>(data.output_frames_gen) * 2;
-    src_float_to_short_array(floatOut.data(), output.data() + outputCount, generated);
-    outputCount += generated;
+// Keeps the pairs for the state. True when all that the filters hear of both sides is the same.
+bool AudioResampler::HearAlike(const int16_t* samples, size_t pairs) {
+    const size_t span = heard.size() / 2;
+    const size_t kept = std::min(pairs, span);
+    std::copy(heard.begin() + static_cast<ptrdiff_t>(kept * 2), heard.end(), heard.begin());
+    std::copy_n(samples + (pairs - kept) * 2, kept * 2,
+                heard.end() - static_cast<ptrdiff_t>(kept * 2));
+    strayPairs = static_cast<uint32_t>((strayPairs + pairs) % filter->stride);
 
-    const auto used = static_cast<int32_t>(data.input_frames_used) * 2;
-    trail.Follow(floatIn.data(), static_cast<size_t>(data.input_frames_used),
-                 static_cast<size_t>(data.output_frames_gen));
-    std::copy(floatIn.begin() + used, floatIn.begin() + pendingCount, floatIn.begin());
-    pendingCount -= used;
-    return generated > 0 || used > 0;
+    const bool same = SidesAreTheSame(samples, pairs);
+    const bool twins = same && alike >= span;
+    alike = same ? std::min(alike + pairs, span) : 0;
+    return twins;
+}
+
+// Source pairs to middle pairs at the end of `middle`.
+void AudioResampler::TakeIn(const int16_t* samples, size_t pairs, bool twins) {
+    SIDE& left = sides[0];
+    SIDE& right = sides[1];
+    if (filter->stride == 1) {
+        ResamplerSplit(samples, pairs, left.middle.data() + middleHeld,
+                       right.middle.data() + middleHeld);
+        middleHeld += pairs;
+        return;
+    }
+    ResamplerSplit(samples, pairs, left.source.data() + sourceHeld,
+                   right.source.data() + sourceHeld);
+    sourceHeld += pairs;
+    const size_t made = MiddlesReady();
+    ResamplerThin(*filter, left.source.data(), made, left.middle.data() + middleHeld);
+    if (!twins) {
+        ResamplerThin(*filter, right.source.data(), made, right.middle.data() + middleHeld);
+    }
+    const size_t dropped = made * filter->stride;
+    for (SIDE& side : sides) {
+        std::copy(side.source.data() + dropped, side.source.data() + sourceHeld,
+                  side.source.data());
+    }
+    sourceHeld -= dropped;
+    middleHeld += made;
+}
+
+// Middle pairs whose source pairs are all there.
+size_t AudioResampler::MiddlesReady() const {
+    const size_t window = size_t{2} * filter->reach + 1;
+    return sourceHeld >= window ? (sourceHeld - window) / filter->stride + 1 : 0;
+}
+
+void AudioResampler::MakeOutput(bool twins) {
+    const double at = static_cast<double>(ticks) * rowsATick;
+    const auto row = std::min(static_cast<uint32_t>(at), filter->rows - 1);
+    const auto between = static_cast<float>(at - row);
+    const size_t width = size_t{2} * filter->half;
+    const float* const taps = filter->taps.data() + row * width;
+    const size_t oldest = place + 1 - filter->half;
+    const float* const left = sides[0].middle.data() + oldest;
+    if (twins) {
+        const float value = ResamplerHearOne(taps, width, between, left);
+        Put(value, value);
+    } else {
+        const RESAMPLER_PAIR pair =
+            ResamplerHear(taps, width, between, left, sides[1].middle.data() + oldest);
+        Put(pair.left, pair.right);
+    }
+}
+
+void AudioResampler::Put(float left, float right) {
+    const auto out = static_cast<size_t>(outputCount);
+    output[out] = RoundToSample(left);
+    output[out + 1] = RoundToSample(right);
+    outputCount += 2;
+}
+
+void AudioResampler::Advance() {
+    place += outputMiddles;
+    ticks += outputRest;
+    if (ticks >= middleTicks) {
+        ticks -= middleTicks;
+        ++place;
+    }
+}
+
+// What no output will hear again. An output's way to the next one is shorter than what it hears.
+void AudioResampler::DropMiddles(bool twins) {
+    const size_t dropped = place + 1 - filter->half;
+    middleHeld -= dropped;
+    place -= dropped;
+    const float* const left = sides[0].middle.data() + dropped;
+    const float* const right = sides[1].middle.data() + dropped;
+    std::copy(left, left + middleHeld, sides[0].middle.begin());
+    if (twins) {
+        std::copy_n(sides[0].middle.begin(), middleHeld, sides[1].middle.begin());
+    } else {
+        std::copy(right, right + middleHeld, sides[1].middle.begin());
+    }
+}
+
+// The filters hear one level and nothing else, and a level comes out of them as it is.
+void AudioResampler::StandStill(int16_t left, int16_t right, size_t pairs) {
+    const size_t stride = filter->stride;
+    strayPairs = static_cast<uint32_t>((strayPairs + pairs) % stride);
+    size_t made = pairs;
+    if (stride > 1) {
+        sourceHeld += pairs;
+        made = MiddlesReady();
+        sourceHeld -= made * stride;
+    }
+    middleHeld += made;
+    while (place + filter->half < middleHeld) {
+        if (outputCount < static_cast<int32_t>(output.size())) {
+            Put(left, right);
+        }
+        Advance();
+    }
+    const size_t dropped = place + 1 - filter->half;
+    middleHeld -= dropped;
+    place -= dropped;
+    for (SIDE& side : sides) {
+        const float level = side.middle[0];
+        std::fill_n(side.middle.begin(), middleHeld, level);
+        if (stride > 1) {
+            std::fill(side.source.begin(), side.source.end(), side.source[0]);
+        }
+    }
 }
 
 void AudioResampler::Consume(int32_t count) {

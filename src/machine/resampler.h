@@ -1,19 +1,22 @@
 // AudioResampler: one sound chip's stereo samples, brought to the program's rate.
 //
-// Every sound chip of every machine owns one.
+// Every sound chip of every machine has one, in its ChipSound.
 //
-// Units: counts are i16 values, two a stereo frame; rates are frames a second.
-// Owner: the chip, on its session's thread, with no lock.
+// Units: counts are i16 values, two a stereo pair; rates are pairs a second. Time is counted in ticks, of
+//   which a source pair and an output pair both have a whole number: outputs keep to the ratio of the rates
+//   for ever.
+// Owner: a ChipSound, on its session's thread, with no lock.
 // Order: Init, then Push and Consume by the owner's thread alone; none of them allocates but Init.
-// Quality, as set when Init runs: 0 picks the nearest earlier sample, 1 and 2 use libsamplerate's
-// fastest and medium sinc converters. Any other setting counts as 0, as does a converter that cannot
-// be made.
+// Quality: 0 picks the nearest earlier sample; 1 and 2 filter (resampler_filter.h), 96 and 110 dB clean. Any
+//   other counts as 0.
+// Delay: an output is made once the filter has heard what follows it: 0.9 to 1 ms at 44,100 Hz.
 // Room: `Output` holds 25 ms. A machine that takes a frame's sound every frame never fills it; what
-// comes while it is full is lost, newest first, and what was ready stays as it is.
+//   comes while it is full is lost, newest first, and what was ready stays as it is.
+// State: the source pairs that the filters still hear and the place of the next output among them. A loaded
+//   resampler hears these pairs again and then gives the very samples of the saved one.
 #pragma once
 
-#include "machine/band_splitter.h"
-#include "machine/converter_trail.h"
+#include "machine/resampler_filter.h"
 
 #include <array>
 #include <cstddef>
@@ -22,73 +25,91 @@
 #include <span>
 #include <vector>
 
-struct SRC_STATE_tag;
-
 class AudioResampler {
 public:
     // Values not taken yet that a state keeps; two chips of a machine are a few apart after a frame.
     static constexpr uint32_t kKeptValues = 32;
 
-    AudioResampler();
-    ~AudioResampler();
-    AudioResampler(const AudioResampler&) = delete;
-    AudioResampler& operator=(const AudioResampler&) = delete;
+    // Makes room and forgets what was there. A source rate further than a factor of 256 from the output's
+    // is taken as the nearest that is not.
+    void Init(double sourceRateValue, uint32_t outputRateValue, int32_t qualityValue);
 
-    // Reads the settings, makes room and forgets what was there. A rate further than a factor of 256
-    // from the program's, which no converter does, is taken as the nearest that is not.
-    void Init(double sourceRate);
+    // Takes `count` values and gives the number of values added to `Output`. Any count is safe; a value
+    // without its partner is left out.
+    int32_t Push(const int16_t* samples, int32_t count);
 
-    // Takes `count` values, which the cut-off filter may change in place, and gives the number of
-    // values added to `Output`. Any count is safe; a value without its partner is left out.
-    int32_t Push(int16_t* samples, int32_t count);
+    // The same as pushing this pair `pairs` times in one call.
+    int32_t PushRun(int16_t left, int16_t right, int32_t pairs);
 
     // Removes values from the front of the output; at most those that are there.
     void Consume(int32_t count);
 
-    // Forgets every sample, and the history of filters and converter. The settings stay as of Init.
+    // Forgets every sample. Rates and quality stay as of Init.
     void Reset();
 
     // What is ready, oldest first. Valid until the next call.
     [[nodiscard]] std::span<const int16_t> Output() const;
 
-    // What is on its way: filters, converter and the values that nobody has taken yet, at most
-    // kKeptValues of them. With it a loaded machine gives the very samples that the saved one would
-    // have given. The size depends on the settings at Init.
-    [[nodiscard]] uint32_t StateSize() const;
-    // Writes StateSize bytes and gives the byte behind them.
-    uint8_t* SaveState(uint8_t* out) const;
-    // Gives the bytes used, or 0 for a piece of other settings or one that does not fit; everything on
-    // its way is then forgotten. Any contents are safe.
-    [[nodiscard]] uint32_t LoadState(const uint8_t* data, uint32_t size);
+    // Bytes of the state's fields, by rates and quality, without a piece's header.
+    [[nodiscard]] uint32_t StateBytes() const;
+    // Writes StateBytes bytes and gives the byte after them.
+    uint8_t* SaveFields(uint8_t* out) const;
+    // Reads StateBytes bytes. False for fields of other rates or another quality, or of none; the
+    // resampler is then as after a reset. Any contents are safe.
+    [[nodiscard]] bool LoadFields(const uint8_t* in);
 
     // The quality in use, 0 to 2.
     [[nodiscard]] int32_t Quality() const { return quality; }
 
 private:
-    struct FREE_CONVERTER {
-        void operator()(SRC_STATE_tag* state) const;
+    // One side of the sound on its way through the filters.
+    struct SIDE {
+        std::vector<float> source; // from the first pair that the next middle pair hears on
+        std::vector<float> middle;
     };
 
-    void BuildFilters();
-    void CutOff(int16_t* samples, int32_t frames);
-    void PickNearest(const int16_t* samples, int32_t frames);
-    void ConvertAll(const int16_t* samples, int32_t frames);
-    [[nodiscard]] bool ConvertPending();
+    struct KEPT;
+    void HearAgain(const std::vector<int16_t>& pairs, uint32_t stray);
+    template <typename Visit>
+    void VisitFields(Visit& visit, KEPT& kept, std::vector<int16_t>& pairs) const;
 
-    std::unique_ptr<SRC_STATE_tag, FREE_CONVERTER> converter; // null for quality 0
-    ConverterTrail trail;                                     // of the converter
+    void MakeRoom();
+    void PickNearest(const int16_t* samples, int32_t pairs, ptrdiff_t valuesAPair);
+    void Filter(const int16_t* samples, size_t pairs);
+    [[nodiscard]] bool HearAlike(const int16_t* samples, size_t pairs);
+    void TakeIn(const int16_t* samples, size_t pairs, bool twins);
+    [[nodiscard]] size_t MiddlesReady() const;
+    void MakeOutput(bool twins);
+    void Put(float left, float right);
+    void Advance();
+    void DropMiddles(bool twins);
+    void StandStill(int16_t left, int16_t right, size_t pairs);
+
     double sourceRate = 44100.0;
-    double ratio = 1.0;          // program's rate / sourceRate
-    std::vector<int16_t> output; // (program's rate / 40) x 2
-    std::vector<float> floatIn;  // 25 ms of the source
-    std::vector<float> floatOut; // as long as `output`
+    uint32_t outputRate = 44100;
     int32_t quality = 0;
-    int32_t outputCount = 0;  // values in `output`
-    int32_t pendingCount = 0; // values in `floatIn`
-    float step = 1.0f;        // sourceRate / program's rate, in source frames
-    float phase = 0.0f;       // source frames, carried between calls; quality 0
-    bool cutoffEnabled = false;
-    int32_t cutoffLow = 0;               // Hz
-    int32_t cutoffHigh = 0;              // Hz
-    std::array<BandSplitter, 2> filters; // left, right
+    std::vector<int16_t> output; // (output rate / 40) x 2
+    int32_t outputCount = 0;     // values in `output`
+
+    // Quality 0.
+    float step = 1.0f;  // source pairs an output
+    float phase = 0.0f; // source pairs, carried between calls
+
+    // Quality 1 and 2.
+    std::shared_ptr<const RESAMPLER_FILTER> filter;
+    std::array<SIDE, 2> sides;  // left, right
+    size_t chunk = 0;           // source pairs filtered at once, at most
+    size_t sourceHeld = 0;      // pairs in `source`
+    size_t middleHeld = 0;      // pairs in `middle`
+    size_t place = 0;           // the pair of `middle` at or before the next output
+    uint64_t ticks = 0;         // from there to the output, under `middleTicks`
+    uint64_t middleTicks = 1;   // of a middle pair
+    uint64_t outputTicks = 1;   // of an output pair
+    uint64_t outputMiddles = 0; // the same in whole middle pairs
+    uint64_t outputRest = 0;    // and the ticks left over
+    double rowsATick = 0.0;     // rows of the filter / `middleTicks`
+    std::vector<int16_t>
+        heard;               // the last source pairs, oldest first: all that the filters still hear
+    uint32_t strayPairs = 0; // source pairs beyond a whole middle pair, 0..stride - 1
+    size_t alike = 0;        // pairs at the end of `heard` from which both sides are the same
 };

@@ -1,81 +1,101 @@
 // What a saved state keeps of an AudioResampler.
-//
-// One piece in the common form: quality, phase, the values not taken yet, the histories of the
-// cut-off filter where it is on, and the converter's trail where there is a converter.
 #include "machine/resampler.h"
 #include "machine/state_piece.h"
 
 #include <algorithm>
 
-namespace {
-
-struct KEPT_FIELDS {
+struct AudioResampler::KEPT {
     int32_t quality = 0;
-    float phase = 0.0f;
-    uint32_t count = 0;
+    uint64_t outputTicks = 0; // both rates, so that a state of others is refused
+    uint64_t middleTicks = 0;
+    uint32_t count = 0; // of `values`
     std::array<int16_t, AudioResampler::kKeptValues> values{};
+    float phase = 0.0F;
+    uint32_t wanted = 0; // middle pairs before the next output can be made
+    uint64_t ticks = 0;
+    uint32_t strayPairs = 0;
 };
 
 template <typename Visit>
-void Fields(Visit& visit, KEPT_FIELDS& kept, std::span<BandSplitter> filters) {
+void AudioResampler::VisitFields(Visit& visit, KEPT& kept, std::vector<int16_t>& pairs) const {
     visit(kept.quality);
-    visit(kept.phase);
+    visit(kept.outputTicks);
+    visit(kept.middleTicks);
     visit(kept.count);
     visit(kept.values);
-    for (BandSplitter& filter : filters) {
-        for (Crossover* crossover : {&filter.lowCrossover, &filter.highCrossover}) {
-            visit(crossover->inputs);
-            visit(crossover->lowOutputs);
-            visit(crossover->highOutputs);
-        }
+    if (quality == 0) {
+        visit(kept.phase);
+        return;
+    }
+    visit(kept.wanted);
+    visit(kept.ticks);
+    visit(kept.strayPairs);
+    for (int16_t& value : pairs) {
+        visit(value);
     }
 }
 
-} // namespace
-
-uint32_t AudioResampler::StateSize() const {
-    KEPT_FIELDS kept;
-    std::array<BandSplitter, 2> counted{};
-    const std::span<BandSplitter> used(counted.data(), cutoffEnabled ? counted.size() : 0);
-    return StatePieceSize([&](auto& visit) { Fields(visit, kept, used); }) +
-           (converter ? trail.StateSize() : 0);
+uint32_t AudioResampler::StateBytes() const {
+    KEPT kept;
+    auto pairs = heard;
+    StateCounter counter;
+    VisitFields(counter, kept, pairs);
+    return counter.bytes;
 }
 
-uint8_t* AudioResampler::SaveState(uint8_t* out) const {
-    KEPT_FIELDS kept{quality, phase, 0, {}};
+uint8_t* AudioResampler::SaveFields(uint8_t* out) const {
+    KEPT kept;
+    kept.quality = quality;
+    kept.outputTicks = outputTicks;
+    kept.middleTicks = middleTicks;
     kept.count = std::min(static_cast<uint32_t>(outputCount), kKeptValues);
     std::copy_n(output.begin(), kept.count, kept.values.begin());
-    auto histories = filters;
-    const std::span<BandSplitter> used(histories.data(), cutoffEnabled ? histories.size() : 0);
-
-    out[0] = kStatePieceVersion;
-    StoreLittleEndian<uint32_t>(out + 1, StateSize());
-    StateWriter writer(out + kStatePieceHeader);
-    Fields(writer, kept, used);
-    return converter ? trail.SaveState(writer.out) : writer.out;
+    kept.phase = phase;
+    kept.wanted = quality != 0 ? static_cast<uint32_t>(place + filter->half - middleHeld) : 0;
+    kept.ticks = ticks;
+    kept.strayPairs = strayPairs;
+    auto pairs = heard;
+    StateWriter writer(out);
+    VisitFields(writer, kept, pairs);
+    return writer.out;
 }
 
-uint32_t AudioResampler::LoadState(const uint8_t* data, uint32_t size) {
+bool AudioResampler::LoadFields(const uint8_t* in) {
     Reset();
-    const uint32_t expected = StateSize();
-    if (size < expected || data[0] != kStatePieceVersion ||
-        LoadLittleEndian<uint32_t>(data + 1) != expected) {
-        return 0;
+    KEPT kept;
+    auto pairs = heard;
+    StateReader reader(in);
+    VisitFields(reader, kept, pairs);
+    if (kept.quality != quality || kept.outputTicks != outputTicks ||
+        kept.middleTicks != middleTicks || kept.count > kKeptValues || kept.count > output.size()) {
+        return false;
     }
-    KEPT_FIELDS kept;
-    auto histories = filters;
-    const std::span<BandSplitter> used(histories.data(), cutoffEnabled ? histories.size() : 0);
-    StateReader reader(data + kStatePieceHeader);
-    Fields(reader, kept, used);
-    // The phase lies within the first step; a piece that says otherwise would skip or repeat.
-    if (kept.quality != quality || kept.count > kKeptValues || kept.count > output.size() ||
-        !(kept.phase >= 0.0f && kept.phase <= step) ||
-        (converter && !trail.LoadState(reader.in, converter.get()))) {
-        return 0;
+    if (quality == 0) {
+        // The phase lies within the first step; one that says otherwise would skip or repeat.
+        if (!(kept.phase >= 0.0F && kept.phase <= step)) {
+            return false;
+        }
+        phase = kept.phase;
+    } else if (kept.wanted > filter->half + filter->reach / filter->stride ||
+               kept.ticks >= middleTicks || kept.strayPairs >= filter->stride) {
+        return false;
+    } else {
+        HearAgain(pairs, kept.strayPairs);
+        place = middleHeld + kept.wanted - filter->half;
+        ticks = kept.ticks;
+        DropMiddles(false);
     }
-    phase = kept.phase;
-    filters = histories;
-    outputCount = static_cast<int32_t>(kept.count & ~1u);
+    outputCount = static_cast<int32_t>(kept.count & ~1U);
     std::copy_n(kept.values.begin(), outputCount, output.begin());
-    return expected;
+    return true;
+}
+
+// From a whole middle pair on, so that the same source pairs make up a middle pair as before.
+void AudioResampler::HearAgain(const std::vector<int16_t>& pairs, uint32_t stray) {
+    const size_t skipped = filter->stride - 1 - stray;
+    const int16_t* const first = pairs.data() + skipped * 2;
+    const size_t count = pairs.size() / 2 - skipped;
+    (void)HearAlike(first, count);
+    TakeIn(first, count, false);
+    heard = pairs;
 }

@@ -5,34 +5,33 @@
 // of other sound settings, is as good but for the first milliseconds: the resamplers then start empty.
 #pragma once
 
+#include "machine/chip_sound.h"
 #include "machine/emu_system.h"
-#include "machine/resampler.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <initializer_list>
 
 // What a machine's resamplers take in a state.
-[[nodiscard]] inline uint32_t
-SoundStateSize(std::initializer_list<const AudioResampler*> resamplers) {
+[[nodiscard]] inline uint32_t SoundStateSize(std::initializer_list<const ChipSound*> resamplers) {
     uint32_t size = 0;
-    for (const AudioResampler* resampler : resamplers) {
+    for (const ChipSound* resampler : resamplers) {
         size += resampler->StateSize();
     }
     return size;
 }
 
-inline void SaveSoundState(std::initializer_list<const AudioResampler*> resamplers, uint8_t* out) {
-    for (const AudioResampler* resampler : resamplers) {
+inline void SaveSoundState(std::initializer_list<const ChipSound*> resamplers, uint8_t* out) {
+    for (const ChipSound* resampler : resamplers) {
         out = resampler->SaveState(out);
     }
 }
 
 // From the end of a state; `data` may be null where nothing is left. From the first piece that does not
 // fit on, the resamplers start empty.
-inline void LoadSoundState(std::initializer_list<AudioResampler*> resamplers, const uint8_t* data,
+inline void LoadSoundState(std::initializer_list<ChipSound*> resamplers, const uint8_t* data,
                            uint32_t size) {
-    for (AudioResampler* resampler : resamplers) {
+    for (ChipSound* resampler : resamplers) {
         const uint32_t used = resampler->LoadState(data, size);
         data += used;
         size = used != 0 ? size - used : 0;
@@ -44,13 +43,13 @@ inline void LoadSoundState(std::initializer_list<AudioResampler*> resamplers, co
 }
 
 // Values that fit into the frame, of those that are ready.
-[[nodiscard]] inline uint32_t ReadyValues(const AudioResampler& resampler) {
+[[nodiscard]] inline uint32_t ReadyValues(const ChipSound& resampler) {
     const auto ready = static_cast<uint32_t>(resampler.Output().size());
     return std::min(ready, kAudioFramePairs * 2) & ~1u;
 }
 
 // All the sound of one chip.
-inline void TakeSound(AudioResampler& from, EMU_AUDIO_FRAME& audio) {
+inline void TakeSound(ChipSound& from, EMU_AUDIO_FRAME& audio) {
     const uint32_t values = ReadyValues(from);
     std::copy_n(from.Output().begin(), values, audio.samples);
     from.Consume(static_cast<int32_t>(values));
@@ -60,8 +59,8 @@ inline void TakeSound(AudioResampler& from, EMU_AUDIO_FRAME& audio) {
 // `values` values of both chips, joined by `mix` (int32_t, int32_t to int32_t) and clipped; fewer when
 // one of them has fewer.
 template <typename Mix>
-inline void MixSound(AudioResampler& first, AudioResampler& second, uint32_t values,
-                     EMU_AUDIO_FRAME& audio, Mix mix) {
+inline void MixSound(ChipSound& first, ChipSound& second, uint32_t values, EMU_AUDIO_FRAME& audio,
+                     Mix mix) {
     const uint32_t count = std::min({values, ReadyValues(first), ReadyValues(second)});
     for (uint32_t i = 0; i < count; ++i) {
         audio.samples[i] = ClipSample(mix(first.Output()[i], second.Output()[i]));

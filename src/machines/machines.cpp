@@ -1,5 +1,10 @@
 #include "machines/machines.h"
 
+#include "facts/arcade_facts.h"
+#include "facts/game_gear_facts.h"
+#include "facts/mega_drive_facts.h"
+#include "facts/nes_facts.h"
+#include "facts/sms_facts.h"
 #include "megadrive/mega_drive.h"
 #include "nes/nes.h"
 #include "sega8/game_gear.h"
@@ -15,13 +20,14 @@ std::unique_ptr<CEmuSystem> Construct(uint32_t sessionKey) {
     return std::make_unique<Machine>(sessionKey);
 }
 
-// The arcade board has no folder, so its saves lie in the program's home itself.
+template <typename Machine>
+constexpr MACHINE_ENTRY Entry(const MACHINE_FACTS& facts) {
+    return {facts.system, facts.saveFolder, Construct<Machine>};
+}
+
 constexpr MACHINE_ENTRY kMachines[] = {
-    {1, ".\\sms",       Construct<CSMS>      },
-    {2, ".\\gamegear",  Construct<CGAMEGEAR> },
-    {4, ".\\megadrive", Construct<CMegaDrive>},
-    {5, ".\\nes",       Construct<CNES>      },
-    {6, "",             Construct<CSEGAE>    },
+    Entry<CSMS>(kSmsFacts), Entry<CGAMEGEAR>(kGearFacts), Entry<CMegaDrive>(kMdFacts),
+    Entry<CNES>(kNesFacts), Entry<CSEGAE>(kArcadeFacts),
 };
 
 } // namespace

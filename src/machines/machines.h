@@ -1,4 +1,5 @@
-// The machines that are built into the program.
+// The machines that are built into the program: what constructs each of the rows of
+// `facts/machine_facts.h`.
 #pragma once
 
 #include "host/machine_list.h"

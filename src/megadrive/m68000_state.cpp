@@ -1,6 +1,5 @@
-#include "megadrive/m68000.h"
-
 #include "machine/state_piece.h"
+#include "megadrive/m68000.h"
 
 namespace {
 

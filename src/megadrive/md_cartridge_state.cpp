@@ -1,8 +1,7 @@
 // What a saved state keeps of a cartridge: nothing of a plain one, the contents and the protocol of the
 // others. Range and wiring are written, but a cartridge keeps what its header said.
-#include "megadrive/md_cartridge.h"
-
 #include "machine/state_piece.h"
+#include "megadrive/md_cartridge.h"
 
 #include <algorithm>
 

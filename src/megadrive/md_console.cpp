@@ -1,5 +1,6 @@
 #include "megadrive/md_console.h"
 
+#include "machine/sound_settings.h"
 #include "megadrive/md_bus.h"
 
 #include <algorithm>
@@ -81,6 +82,11 @@ void MdConnect(MEGA_DRIVE& md) {
     ConnectZ80(md);
     PsgInit(md.psg, md.masterClock / kPsgDivider, kPsgModel, false);
     Ym2612SetClock(md.fm, md.masterClock / kFmDivider);
+    md.psg.pairs = &md.psgSound.pairs;
+    md.fm.pairs = &md.fmSound.pairs;
+    const SOUND_CHOICE choice = SoundChoiceFromSettings();
+    md.psgSound.Init(md.psg.clock / double{kPsgClocksPerPair}, choice);
+    md.fmSound.Init(md.fm.clock / double{kYm2612ClocksPerSample}, choice);
     MdVdpInit(
         md.vdp, &md,
         [](void* owner, uint32_t line, uint32_t state) {
@@ -97,8 +103,8 @@ void MdReset(MEGA_DRIVE& md) {
     Ym2612Reset(md.fm);
     // The chip's own reset, which programs pull in mid-frame, keeps what has sounded.
     md.fm.tickCount = 0;
-    md.fm.sampleCount = 0;
-    md.fm.resampler.Reset();
+    md.fmSound.Reset();
+    md.psgSound.Reset();
     MdVdpReset(md.vdp);
     PsgReset(md.psg);
     md.z80Clock = 0;

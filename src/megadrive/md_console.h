@@ -15,6 +15,7 @@
 //   horizontal interrupt drops a waiting vertical one. All kept on purpose.
 #pragma once
 
+#include "machine/chip_sound.h"
 #include "megadrive/m68000.h"
 #include "megadrive/md_cartridge.h"
 #include "megadrive/md_io.h"
@@ -43,6 +44,8 @@ struct MEGA_DRIVE {
     MD_VDP vdp;
     YM2612 fm;
     PSG psg;
+    ChipSound fmSound;
+    ChipSound psgSound;
     MD_CARTRIDGE cartridge;
     MD_IO io;
 

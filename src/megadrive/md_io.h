@@ -11,6 +11,8 @@
 //   at once. Kept on purpose.
 #pragma once
 
+#include "facts/mega_drive_facts.h"
+
 #include <array>
 #include <cstdint>
 
@@ -34,13 +36,6 @@ struct MD_PAD {
     uint8_t start;
 };
 static_assert(sizeof(MD_PAD) == 12);
-
-enum MdDevice : uint8_t {
-    kMdDeviceAutomatic = 0, // one of the two pads, by the game's header
-    kMdDeviceNone = 1,      // as every unknown number
-    kMdDevice3Button = 2,
-    kMdDevice6Button = 3,
-};
 
 struct MD_IO {
     uint8_t version = 0;                           // of the console: bit 7 overseas, bit 6 50 Hz

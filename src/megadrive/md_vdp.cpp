@@ -1,9 +1,8 @@
 #include "megadrive/md_vdp.h"
 
+#include "machine/emu_system.h"
 #include "megadrive/md_vdp_colours.h"
 #include "megadrive/md_vdp_private.h"
-
-#include "machine/emu_system.h"
 
 #include <algorithm>
 #include <cstring>

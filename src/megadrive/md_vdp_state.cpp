@@ -1,8 +1,7 @@
+#include "machine/state_piece.h"
 #include "megadrive/md_vdp.h"
 #include "megadrive/md_vdp_private.h"
 #include "megadrive/md_vdp_timetable.h"
-
-#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,10 @@
 #include "megadrive/mega_drive.h"
 
-#include "megadrive/md_bus.h"
-
 #include "machine/machine_image.h"
 #include "machine/sound_frame.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
+#include "megadrive/md_bus.h"
 #include "settings/bindings.h"
 
 #include <algorithm>
@@ -41,21 +40,12 @@ constexpr uint8_t kVersionOverseas = 0x80;
 constexpr uint8_t kVersionJapan = 0x00;
 constexpr uint8_t kVersion50Hz = 0xC0;
 
-// In the order of the actions' names, which is not MD_PAD's.
+// In the order of the actions, which is not MD_PAD's.
 constexpr uint8_t MD_PAD::*kButtons[] = {
     &MD_PAD::up, &MD_PAD::down, &MD_PAD::left, &MD_PAD::right, &MD_PAD::start, &MD_PAD::mode,
     &MD_PAD::a,  &MD_PAD::b,    &MD_PAD::c,    &MD_PAD::x,     &MD_PAD::y,     &MD_PAD::z,
 };
-constexpr const wchar_t* kActions[kMdPads][std::size(kButtons)] = {
-    {L"MEGADRIVE P1 UP", L"MEGADRIVE P1 DOWN", L"MEGADRIVE P1 LEFT", L"MEGADRIVE P1 RIGHT",
-     L"MEGADRIVE P1 START", L"MEGADRIVE P1 MODE", L"MEGADRIVE P1 BUTTONA", L"MEGADRIVE P1 BUTTONB",
-     L"MEGADRIVE P1 BUTTONC", L"MEGADRIVE P1 BUTTONX", L"MEGADRIVE P1 BUTTONY",
-     L"MEGADRIVE P1 BUTTONZ"},
-    {L"MEGADRIVE P2 UP", L"MEGADRIVE P2 DOWN", L"MEGADRIVE P2 LEFT", L"MEGADRIVE P2 RIGHT",
-     L"MEGADRIVE P2 START", L"MEGADRIVE P2 MODE", L"MEGADRIVE P2 BUTTONA", L"MEGADRIVE P2 BUTTONB",
-     L"MEGADRIVE P2 BUTTONC", L"MEGADRIVE P2 BUTTONX", L"MEGADRIVE P2 BUTTONY",
-     L"MEGADRIVE P2 BUTTONZ"},
-};
+static_assert(std::size(kButtons) == std::size(kMdPlayerActions[0]));
 
 char Upper(uint8_t byte) {
     return static_cast<char>(std::toupper(byte));
@@ -224,7 +214,8 @@ void CMegaDrive::ReadPads() {
     for (size_t i = 0; i < kMdPads; ++i) {
         md.io.pads[i] = {};
         for (size_t button = 0; button < std::size(kButtons); ++button) {
-            md.io.pads[i].*kButtons[button] = InputIsDown(sessionKey, kActions[i][button]) ? 1 : 0;
+            md.io.pads[i].*kButtons[button] =
+                InputIsDown(sessionKey, kMdPlayerActions[i][button]) ? 1 : 0;
         }
     }
 }
@@ -259,21 +250,21 @@ void CMegaDrive::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRA
 }
 
 void CMegaDrive::MixFrame(EMU_AUDIO_FRAME& audio) {
-    PsgFlush(md.psg);
-    Ym2612Flush(md.fm);
-    const uint32_t psg = ReadyValues(md.psg.resampler);
-    const uint32_t fm = ReadyValues(md.fm.resampler);
+    md.psgSound.Flush();
+    md.fmSound.Flush();
+    const uint32_t psg = ReadyValues(md.psgSound);
+    const uint32_t fm = ReadyValues(md.fmSound);
     if (fm < psg) {
-        Ym2612CatchUp(md.fm, psg);
+        md.fmSound.CatchUp(psg, [this] { Ym2612Run(md.fm, kYm2612ClocksPerSample); });
     } else if (psg < fm) {
-        PsgCatchUp(md.psg, fm);
+        md.psgSound.CatchUp(fm, [this] { PsgRun(md.psg, kPsgClocksPerPair); });
     }
     const auto mix = [this](int32_t psgValue, int32_t fmValue) {
         const float sum = static_cast<float>(psgValue) * chosen.psgVolume +
                           static_cast<float>(fmValue) * chosen.ymVolume;
         return static_cast<int32_t>(std::clamp(sum, -32768.0F, 32767.0F));
     };
-    MixSound(md.psg.resampler, md.fm.resampler, std::max(psg, fm), audio, mix);
+    MixSound(md.psgSound, md.fmSound, std::max(psg, fm), audio, mix);
 }
 
 template <typename Visit>
@@ -291,7 +282,7 @@ void CMegaDrive::BoardFields(Visit& visit) {
 
 StateBlob CMegaDrive::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    const auto sound = {&std::as_const(md.psg.resampler), &std::as_const(md.fm.resampler)};
+    const auto sound = {&std::as_const(md.psgSound), &std::as_const(md.fmSound)};
     size = StatePieceSize(board) + M68kStateSize() + Z80StateSize() + MdVdpStateSize() +
            PsgStateSize() + Ym2612StateSize() + MdCartStateSize(md.cartridge) +
            SoundStateSize(sound);
@@ -316,8 +307,7 @@ bool CMegaDrive::LoadPieces(const uint8_t* data, uint32_t size) {
                         pieces.Load(md.z80, Z80LoadState) && pieces.Load(md.vdp, MdVdpLoadState) &&
                         pieces.Load(md.psg, PsgLoadState) && pieces.Load(md.fm, Ym2612LoadState) &&
                         pieces.Load(md.cartridge, MdCartLoadState);
-    LoadSoundState({&md.psg.resampler, &md.fm.resampler}, pieces.Rest(),
-                   loaded ? pieces.Left() : 0);
+    LoadSoundState({&md.psgSound, &md.fmSound}, pieces.Rest(), loaded ? pieces.Left() : 0);
     return loaded;
 }
 
@@ -364,10 +354,8 @@ std::vector<uint8_t> CMegaDrive::Dump(std::string_view region) const {
 }
 
 std::span<const std::string_view> CMegaDrive::Regions() const {
-    static constexpr std::string_view kRegions[] = {"ram",   "vram",   "palette",
-                                                    "vsram", "z80ram", "sram"};
     const bool hasMemory = !MdCartSaveData(md.cartridge).empty();
-    return std::span(kRegions).first(std::size(kRegions) - (hasMemory ? 0 : 1));
+    return std::span(kMdRegions).first(std::size(kMdRegions) - (hasMemory ? 0 : 1));
 }
 
 // Battery RAM is held in words of the host.

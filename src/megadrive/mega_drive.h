@@ -10,36 +10,16 @@
 //   says where it was. The picture is then black; a reset or a state starts it again.
 #pragma once
 
-#include "megadrive/md_console.h"
-
+#include "facts/mega_drive_facts.h"
 #include "machine/battery.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
+#include "megadrive/md_console.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
 #include <vector>
-
-enum MdConsole : uint8_t {
-    kMdConsoleAuto = 0, // by the game's header
-    kMdConsoleGenesis = 1,
-    kMdConsoleJapan = 2,
-    kMdConsolePal = 3,
-};
-
-// The option block of this machine.
-struct MD_OPTIONS {
-    uint8_t console;    // MdConsole
-    uint8_t devices[2]; // MdDevice of port 1 and 2
-    uint8_t padding;
-    float ymVolume; // gains of FM and PSG in the mix
-    float psgVolume;
-    uint8_t reserved[244];
-};
-static_assert(sizeof(MD_OPTIONS) == kMachineOptionBytes);
-static_assert(offsetof(MD_OPTIONS, ymVolume) == 4);
 
 class CMegaDrive : public CEmuSystem, public CInspection, public CBattery {
 public:

@@ -1,7 +1,6 @@
 // What a saved state keeps of the signal processor.
-#include "megadrive/svp_private.h"
-
 #include "machine/state_piece.h"
+#include "megadrive/svp_private.h"
 
 #include <memory>
 

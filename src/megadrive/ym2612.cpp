@@ -1,11 +1,10 @@
-// The YM2612's life: clock, reset, sound to the resampler and states.
+// The YM2612's life: clock, reset and states.
 #include "megadrive/ym2612.h"
 
+#include "machine/state_piece.h"
 #include "megadrive/ym2612_private.h"
 #include "megadrive/ym2612_tables.h"
 #include "megadrive/ym2612_tick.h"
-
-#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <memory>
@@ -224,9 +223,7 @@ void Rebuild(YM2612& ym) {
 void Ym2612SetClock(YM2612& ym, uint32_t clock) {
     ym.clock = clock;
     ym.tickCount = 0;
-    ym.sampleCount = 0;
     ClearChannels(ym);
-    ym.resampler.Init(static_cast<double>(clock) / kYm2612ClocksPerSample);
 }
 
 void Ym2612Reset(YM2612& ym) {
@@ -266,21 +263,6 @@ void Ym2612Run(YM2612& ym, uint32_t clocks) {
         Ym2612MakeSample(ym);
     }
     ym.tickCount = clocks;
-}
-
-void Ym2612Flush(YM2612& ym) {
-    ym.resampler.Push(ym.sampleBuffer.data(), static_cast<int32_t>(ym.sampleCount));
-    ym.sampleCount = 0;
-}
-
-void Ym2612CatchUp(YM2612& ym, uint32_t count) {
-    Ym2612Flush(ym);
-    // Twice what fills the resampler and its converter: with that, more than it holds was asked for.
-    const uint32_t mostSamples = ym.clock / kYm2612ClocksPerSample / 20 + 1;
-    for (uint32_t i = 0; i < mostSamples && ym.resampler.Output().size() < count; ++i) {
-        Ym2612Run(ym, kYm2612ClocksPerSample);
-        Ym2612Flush(ym);
-    }
 }
 
 uint32_t Ym2612StateSize() {

@@ -6,10 +6,10 @@
 // Units: envelopes and levels are in steps of 3/32 dB, 0 loud, 1,023 silent. A phase is a turn in 26
 //   bits, the upper ten of which index the sine. Timers count samples. One carrier peaks at 8,168, the
 //   DAC at 8,192; the sum of six channels is clipped to 16 bits.
-// Owner: one machine, on its session's thread; no lock. Not copyable, for the resampler in it.
-// Pins: none. Nothing on this console hangs on the interrupt line, which is only kept in `irq`.
-// Order: Ym2612SetClock, Ym2612Reset, then ticks (ym2612_tick.h) and writes. Ym2612Flush at the end
-//   of a frame, then the sound is taken from `resampler`. `status` is read directly, as often as one
+// Owner: one machine, on its session's thread; no lock.
+// Pins: `pairs`, the owner's, takes the sound. Nothing on this console hangs on the interrupt line, which is only kept in `irq`.
+// Order: Ym2612SetClock, Ym2612Reset, then ticks (ym2612_tick.h) and writes.
+//   `status` is read directly, as often as one
 //   likes: reading changes nothing.
 // Slots are kept in the order of their registers: operators 1, 3, 2, 4. Within a sample they are
 //   computed in the order 1, 2, 3, 4, so that every one hears its modulators of the same sample. The
@@ -29,7 +29,7 @@
 //   was cleared is silent, at volume 1,023. These are kept on purpose.
 #pragma once
 
-#include "machine/resampler.h"
+#include "machine/sound_pairs.h"
 
 #include <array>
 #include <cstddef>
@@ -38,9 +38,6 @@
 inline constexpr uint32_t kYm2612ClocksPerSample = 144;
 inline constexpr size_t kYm2612Channels = 6;
 inline constexpr size_t kYm2612Slots = 4; // of a channel
-
-// Room for raw sound: over a frame of 50 Hz (1,063 pairs). The chip flushes by itself when it is full.
-inline constexpr uint32_t kYm2612RawPairs = 1280;
 
 // Envelopes step once in three samples: a sample is added, and a step taken at the overflow.
 inline constexpr uint32_t kYm2612EgTimerAdd = 65'536;
@@ -146,13 +143,10 @@ struct YM2612 {
     bool recalculate = false; // some channel waits for recalculation
     uint32_t ssgSlots = 0;    // bit channel x 4 + slot: its `ssg` bit 3
 
-    uint32_t sampleCount = 0; // i16 values in `sampleBuffer`, two a pair
-    std::array<int16_t, size_t{kYm2612RawPairs} * 2> sampleBuffer{};
-    AudioResampler resampler; // holds the sound that is ready for the machine
+    SOUND_PAIRS* pairs = nullptr; // not null while the chip runs; as wired
 };
 
-// `clock` in Hz. Clears slots and channels, so Ym2612Reset follows. The sound settings are those of the
-// call. Forgets sound that wasn't taken.
+// `clock` in Hz. Clears slots and channels, so Ym2612Reset follows.
 void Ym2612SetClock(YM2612& ym, uint32_t clock);
 
 // The chip's reset line, which the console's programs pull at any time. So what sounded until now
@@ -170,14 +164,7 @@ void Ym2612Run(YM2612& ym, uint32_t clocks);
 // Registers that don't exist do nothing.
 void Ym2612Write(YM2612& ym, uint32_t port, uint8_t value);
 
-// Hands the raw pairs to the resampler.
-void Ym2612Flush(YM2612& ym);
-
-// Runs the chip with no clock from the machine, in blocks of 144 ticks, until the resampler holds at
-// least `count` i16 values. Gives up where the resampler can hold no more.
-void Ym2612CatchUp(YM2612& ym, uint32_t count);
-
-// The state holds the chip without the sound on its way, raw or resampled.
+// The state holds the chip without the sound on its way.
 [[nodiscard]] uint32_t Ym2612StateSize();
 // Writes Ym2612StateSize bytes and gives the byte behind them.
 uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out);

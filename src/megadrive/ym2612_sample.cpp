@@ -355,10 +355,5 @@ void Ym2612MakeSample(YM2612& ym) {
     }
     AdvanceTimers(ym);
 
-    ym.sampleBuffer[ym.sampleCount] = Clip(left);
-    ym.sampleBuffer[ym.sampleCount + 1] = Clip(right);
-    ym.sampleCount += 2;
-    if (ym.sampleCount >= ym.sampleBuffer.size()) [[unlikely]] {
-        Ym2612Flush(ym);
-    }
+    ym.pairs->Add(Clip(left), Clip(right));
 }

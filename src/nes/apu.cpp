@@ -104,8 +104,6 @@ void FiveStep(APU& apu, uint8_t step) {
 void ApuInit(APU& apu, uint8_t (*readByte)(void* owner, uint16_t address), void* owner) {
     apu.readByte = readByte;
     apu.owner = owner;
-    apu.sampleCount = 0;
-    apu.resampler.Init(kApuSampleRate);
 }
 
 void ApuReset(APU& apu, [[maybe_unused]] bool hard, uint32_t* irqLines) {
@@ -127,8 +125,6 @@ void ApuReset(APU& apu, [[maybe_unused]] bool hard, uint32_t* irqLines) {
     apu.stallCycles = 0;
     apu.irqLines = irqLines;
     *irqLines &= ~(kNesIrqFrame | kNesIrqSample);
-    apu.sampleCount = 0;
-    apu.resampler.Reset();
 }
 
 // Too high a note, or one that the sweep would take beyond eleven bits, on or off.
@@ -218,15 +214,5 @@ void ApuMakePair(APU& apu) {
     const int32_t sum = apu.pulses[0].output + apu.pulses[1].output + apu.triangle.output +
                         apu.noise.output + apu.sample.output;
     const auto value = static_cast<int16_t>(sum * kMixFactor);
-    apu.samples[apu.sampleCount] = value;
-    apu.samples[apu.sampleCount + 1] = value;
-    apu.sampleCount += 2;
-    if (apu.sampleCount >= apu.samples.size()) [[unlikely]] {
-        ApuFlush(apu);
-    }
-}
-
-void ApuFlush(APU& apu) {
-    apu.resampler.Push(apu.samples.data(), static_cast<int32_t>(apu.sampleCount));
-    apu.sampleCount = 0;
+    apu.pairs->Add(value, value);
 }

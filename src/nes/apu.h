@@ -4,22 +4,20 @@
 // Clock: one step is one processor cycle (1,789,773 Hz). Eight steps make one pair of samples.
 // Units: timers are in processor cycles; envelopes and the linear counter count quarter frames, lengths
 //   and sweeps half frames. Channel outputs are signed; a sample is their sum x 50.
-// Owner: one machine, on its session's thread; no lock. Not copyable, for the resampler in it.
-// Pins: `irqLines`, the processor's interrupt word, of which kNesIrqFrame and kNesIrqSample are this
+// Owner: one machine, on its session's thread; no lock.
+// Pins: `pairs`, the owner's, takes the sound. `irqLines`, the processor's interrupt word, of which kNesIrqFrame and kNesIrqSample are this
 //   chip's and are the only copy of both flags. `readByte` gives a byte of 0x8000 to 0xFFFF for the
 //   sample channel; it must not look at `stallCycles`, which the owner's bus takes down as it holds
 //   the processor.
 // Order: ApuInit, ApuReset, then in every cycle ApuStep (apu_tick.h) before the processor's access.
-//   ApuFlush at the end of a frame, then the sound is taken from `resampler`.
 // Differs, and kept so on purpose: pulse and noise are signed and the mix is a plain sum, where the part
 //   has unsigned levels in two non-linear tables; a triangle of a period under 4 is silent; a read of
 //   the status clears the sample interrupt too; a direct write to the sample level gives 3 more than a
 //   step to it. Where a channel's level is taken, and what restarts what, are the published rules.
 #pragma once
 
+#include "machine/sound_pairs.h"
 #include "nes/nes_lines.h"
-
-#include "machine/resampler.h"
 
 #include <array>
 #include <cstddef>
@@ -28,10 +26,6 @@
 inline constexpr double kApuClock = 1789773.0; // Hz
 inline constexpr uint32_t kApuCyclesPerPair = 8;
 inline constexpr double kApuSampleRate = 223721.625; // pairs a second
-
-// Room for raw sound: over a frame of 29,781 cycles (3,723 pairs). A machine that never flushes loses
-// nothing here, as the chip flushes by itself when this is full.
-inline constexpr uint32_t kApuRawPairs = 4096;
 
 inline constexpr uint32_t kApuStallCycles = 4; // the processor is held this long for a sample byte
 
@@ -130,17 +124,14 @@ struct APU {
     void* owner = nullptr;
     uint32_t* irqLines = nullptr;
 
-    uint32_t sampleCount = 0; // i16 values in `samples`, two a pair
-    std::array<int16_t, size_t{kApuRawPairs} * 2> samples{};
-    AudioResampler resampler; // holds the sound that is ready for the machine
+    SOUND_PAIRS* pairs = nullptr; // not null while the chip runs
 };
 
-// The machine calls it with every reset, before ApuReset: it reads the sound settings, so that changed
-// ones are in force from the next reset on.
+// The machine calls it before the first ApuReset.
 void ApuInit(APU& apu, uint8_t (*readByte)(void* owner, uint16_t address), void* owner);
 
-// Power-on values; takes both interrupts down and forgets sound that wasn't taken. The button of the
-// console does the same, so `hard` changes nothing.
+// Power-on values; takes both interrupts down and the button of the console
+// does the same, so `hard` changes nothing.
 void ApuReset(APU& apu, bool hard, uint32_t* irqLines);
 
 // 0x4000 to 0x4017, by the low five bits; those that are none of the sound unit's are ignored.
@@ -150,10 +141,7 @@ void ApuWrite(APU& apu, uint16_t address, uint8_t value);
 [[nodiscard]] uint8_t ApuReadStatus(APU& apu);
 [[nodiscard]] uint8_t ApuPeekStatus(const APU& apu);
 
-// Hands the raw pairs to the resampler.
-void ApuFlush(APU& apu);
-
-// The state holds the chip, both interrupts included, without the sound on its way, raw or resampled.
+// The state holds the chip, both interrupts included, without the sound on its way.
 [[nodiscard]] uint32_t ApuStateSize();
 // Writes ApuStateSize bytes and gives the byte behind them.
 uint8_t* ApuSaveState(const APU& apu, uint8_t* out);

@@ -1,9 +1,8 @@
 // What a saved state keeps of the sound unit. Whatever is loaded is brought into the ranges that the
 // chip itself keeps to: most of it becomes an index or a counter that must not be zero.
+#include "machine/state_piece.h"
 #include "nes/apu.h"
 #include "nes/apu_private.h"
-
-#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <memory>

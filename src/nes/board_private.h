@@ -4,9 +4,8 @@
 // image is a power of two of banks and shows absent pages where it is not.
 #pragma once
 
-#include "nes/board.h"
-
 #include "machine/state_piece.h"
+#include "nes/board.h"
 
 // The rows of the table.
 extern const NES_BOARD_ROW kNesPlainBoard;         // 0

@@ -15,8 +15,8 @@
 // Differs from the real part, and kept so on purpose: the interrupt lines are sampled as a cycle begins
 //   and looked at between instructions only, so CLI, SEI and PLP act at once and a taken branch delays
 //   nothing; only BRK lets an NMI take its vector over; 0B 2B 4B 6B 8B AB CB read their operand and do
-//   nothing; 9B and BB form their address, read there and do nothing; 93 9C 9E 9F, unstable on the real
-//   part, write to the indexed address in any page; the twelve opcodes that stop the real chip are
+//   nothing; 9B and BB form their address, read there and do nothing; 93 9C 9E 9F, whose high byte drops
+//   out at times on the real part, always store it; the twelve opcodes that stop the real chip are
 //   one-cycle no-operations.
 #pragma once
 

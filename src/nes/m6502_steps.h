@@ -29,12 +29,13 @@ enum class M6502Step : uint8_t {
     kPointerLow = 15,    // address's low byte from the pointer, which moves on within page zero
     kPointerHigh = 16,   // address's high byte from the pointer
 
-    kLoad = 17,        // register from memory, with Z and N
-    kLoadAX = 18,      // A and X from memory, with Z and N
-    kStore = 19,       // register to memory
-    kStoreAX = 20,     // A AND X to memory
-    kStoreHigh = 21,   // register AND data to memory
-    kStoreAXHigh = 22, // A AND X AND data to memory
+    kLoad = 17,    // register from memory, with Z and N
+    kLoadAX = 18,  // A and X from memory, with Z and N
+    kStore = 19,   // register to memory
+    kStoreAX = 20, // A AND X to memory
+    kStoreHigh =
+        21, // register AND data to memory; where the index carried, to the page of that number
+    kStoreAXHigh = 22, // the same with A AND X for the register
     kReadDropped = 23, // read at the address for nothing
     kOr = 24,          // A with memory
     kAnd = 25,

@@ -199,6 +199,18 @@ inline void IndexHigh(M6502& cpu, Bus& bus, uint32_t index) {
     IndexAlways(cpu, bus, index);
 }
 
+// The chip forms the high byte plus 1 on the internal bus that carries the value to be stored. Where the
+// index has carried, that AND is what reaches the address's high byte.
+template <typename Bus>
+inline void StoreHigh(M6502& cpu, Bus& bus, uint32_t registers) {
+    const uint8_t value = Byte(registers & cpu.data);
+    const bool hasCarried = cpu.address >> 8 == cpu.data;
+    if (hasCarried) {
+        cpu.address = Word(value, cpu.address);
+    }
+    Write(cpu, bus, cpu.address, value);
+}
+
 template <typename Bus>
 inline void IndexPointer(M6502& cpu, Bus& bus, uint32_t index) {
     Read(cpu, bus, cpu.data);
@@ -341,8 +353,8 @@ inline bool RunStep(M6502& cpu, Bus& bus) {
     case kLoadAX: LoadAX(cpu, bus); break;
     case kStore: Write(cpu, bus, cpu.address, Register(cpu)); break;
     case kStoreAX: Write(cpu, bus, cpu.address, cpu.a & cpu.x); break;
-    case kStoreHigh: Write(cpu, bus, cpu.address, Byte(Register(cpu) & cpu.data)); break;
-    case kStoreAXHigh: Write(cpu, bus, cpu.address, Byte(cpu.a & cpu.x & cpu.data)); break;
+    case kStoreHigh: StoreHigh(cpu, bus, Register(cpu)); break;
+    case kStoreAXHigh: StoreHigh(cpu, bus, cpu.a & cpu.x); break;
     case kReadDropped: Memory(cpu, bus); break;
     case kOr: cpu.a = Result(cpu, cpu.a | Memory(cpu, bus)); break;
     case kAnd: cpu.a = Result(cpu, cpu.a & Memory(cpu, bus)); break;

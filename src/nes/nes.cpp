@@ -1,12 +1,12 @@
 #include "nes/nes.h"
 
-#include "nes/board.h"
-
+#include "facts/nes_facts.h"
 #include "machine/machine_image.h"
+#include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
-#include "settings/bindings.h"
+#include "nes/board.h"
 
 #include <algorithm>
 #include <memory>
@@ -22,21 +22,9 @@ constexpr uint8_t kPlainBoard = 0;
 constexpr uint32_t kProgramRamPage = 6;
 constexpr uint32_t kProgramRamPages = 2;
 
-// In the order of a pad's bits.
-constexpr const wchar_t* kActions[kNesPads][8] = {
-    {L"NES P1 BUTTONA", L"NES P1 BUTTONB", L"NES P1 SELECT", L"NES P1 START", L"NES P1 UP",
-     L"NES P1 DOWN", L"NES P1 LEFT", L"NES P1 RIGHT"},
-    {L"NES P2 BUTTONA", L"NES P2 BUTTONB", L"NES P2 SELECT", L"NES P2 START", L"NES P2 UP",
-     L"NES P2 DOWN", L"NES P2 LEFT", L"NES P2 RIGHT"},
-};
-
-uint8_t ReadButtons(uint32_t sessionKey, std::span<const wchar_t* const> actions) {
-    uint32_t buttons = 0;
-    for (size_t i = 0; i < actions.size(); ++i) {
-        buttons |= (InputIsDown(sessionKey, actions[i]) ? 1U : 0U) << i;
-    }
-    return static_cast<uint8_t>(buttons);
-}
+// In the order of the actions, which is not that of the bits.
+constexpr uint32_t kButtonBits[] = {kNesUp,      kNesDown,    kNesLeft,   kNesRight,
+                                    kNesButtonB, kNesButtonA, kNesSelect, kNesStart};
 
 template <typename Bytes>
 std::vector<uint8_t> Copy(const Bytes& bytes) {
@@ -77,7 +65,8 @@ void CNES::Reset() {
 void CNES::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
                     EMU_AUDIO_FRAME* audio) {
     for (size_t i = 0; i < kNesPads; ++i) {
-        nes.pads[i].buttons = ReadButtons(sessionKey, kActions[i]);
+        nes.pads[i].buttons =
+            static_cast<uint8_t>(ReadButtons(sessionKey, kNesPlayerActions[i], kButtonBits));
     }
     video->width = kPpuWidth;
     video->height = kPpuHeight;
@@ -96,8 +85,8 @@ void CNES::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* vi
     // The host's buffer may be gone before the next frame, while a loaded state may stand in a picture.
     nes.ppu.pixels = nullptr;
     nes.ppu.row = nullptr;
-    ApuFlush(nes.apu);
-    TakeSound(nes.apu.resampler, *audio);
+    nes.sound.Flush();
+    TakeSound(nes.sound, *audio);
 }
 
 template <typename Visit>
@@ -124,7 +113,7 @@ bool CNES::HasPlainRam() const {
 StateBlob CNES::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
     const auto plainRam = [&](auto& visit) { PlainRamFields(visit); };
-    const auto sound = {&std::as_const(nes.apu.resampler)};
+    const auto sound = {&std::as_const(nes.sound)};
     size = StatePieceSize(board) + M6502StateSize() + PpuStateSize() + ApuStateSize() +
            BoardStateSize(nes.cartridge) + (HasPlainRam() ? StatePieceSize(plainRam) : 0) +
            SoundStateSize(sound);
@@ -155,7 +144,7 @@ bool CNES::LoadPieces(const uint8_t* data, uint32_t size) {
             return StatePieceRead(piece, left, plainRam);
         });
     }
-    LoadSoundState({&nes.apu.resampler}, pieces.Rest(), loaded ? pieces.Left() : 0);
+    LoadSoundState({&nes.sound}, pieces.Rest(), loaded ? pieces.Left() : 0);
     return loaded;
 }
 
@@ -203,7 +192,6 @@ std::vector<uint8_t> CNES::Dump(std::string_view region) const {
 }
 
 std::span<const std::string_view> CNES::Regions() const {
-    static constexpr std::string_view kRegions[] = {"ram", "vram", "palette", "oam", "sram"};
     const bool hasProgramRam = nes.cartridge.pages.cpu[kProgramRamPage].data != nullptr;
-    return std::span(kRegions).first(std::size(kRegions) - (hasProgramRam ? 0 : 1));
+    return std::span(kNesRegions).first(std::size(kNesRegions) - (hasProgramRam ? 0 : 1));
 }

@@ -11,10 +11,9 @@
 //   Where a piece is refused those before it are in force.
 #pragma once
 
-#include "nes/nes_console.h"
-
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
+#include "nes/nes_console.h"
 
 #include <cstdint>
 #include <span>

@@ -10,6 +10,7 @@
 //   they go on after eight reads with zeroes and after 32 with the buttons again.
 #pragma once
 
+#include "machine/chip_sound.h"
 #include "nes/apu.h"
 #include "nes/cartridge.h"
 #include "nes/m6502.h"
@@ -47,6 +48,7 @@ struct NES_CONSOLE {
     M6502 cpu;
     PPU ppu;
     APU apu;
+    ChipSound sound; // of the APU
     std::array<NES_PAD, kNesPads> pads;
     std::array<uint8_t, kNesWorkRamBytes> workRam{};
     NES_CARTRIDGE cartridge;

@@ -1,13 +1,16 @@
 // The frame loops of the NES, with everything that runs in a cycle inlined into them, and the stall path
 // beside them.
 //
-// In the plain loop every chip is stepped in every cycle. In the late one the picture unit waits until
+// In the plain loop every chip is stepped in every cycle and nothing is put off, so that it is the measure
+// for the other. In the late one the picture unit waits until
 // somebody could tell: something on the processor's side of it is read or written, or it has an event,
 // such as the blank's interrupt or, sooner, one of a board that watches its addresses.
 #include "base/flatten.h"
+#include "machine/sound_settings.h"
 #include "nes/apu_tick.h"
 #include "nes/m6502_tick.h"
 #include "nes/nes_bus.h"
+#include "nes/ppu_plain.h"
 #include "nes/ppu_run.h"
 #include "nes/ppu_tick.h"
 
@@ -17,25 +20,29 @@ namespace {
 
 constexpr uint32_t kDotsPerCycle = 3;
 
-// The chips of a cycle but for the processor. Few boards count cycles (`boardClock`); with the others
-// the call is saved.
-template <bool boardClock>
-[[gnu::always_inline]] inline void RunChips(NES_CONSOLE& nes) {
-    if constexpr (boardClock) {
-        nes.cartridge.cpuClock(nes.cartridge);
+// A cycle of all chips but the processor, one after the other.
+void RunChipsPlain(NES_CONSOLE& nes) {
+    BoardCpuClock(nes.cartridge);
+    for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
+        PpuPlainDot(nes.ppu);
     }
+    ApuStep(nes.apu);
+}
+
+// The same for the late loop, with pixels and sprite search that wait.
+void RunChips(NES_CONSOLE& nes) {
+    BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
         PpuDot(nes.ppu);
     }
     ApuStep(nes.apu);
 }
 
-template <bool boardClock>
-void RunFrame(NES_CONSOLE& nes) {
+void RunFramePlain(NES_CONSOLE& nes) {
     NES_BUS bus{nes};
     while (!nes.ppu.frameDone) {
         M6502Sample(nes.cpu);
-        RunChips<boardClock>(nes);
+        RunChipsPlain(nes);
         M6502Cycle(nes.cpu, bus);
     }
 }
@@ -91,7 +98,8 @@ private:
     }
 };
 
-// The board's clock, which knows nothing of the picture, is never late.
+// The board's clock, which knows nothing of the picture, is never late. Few boards have one (`boardClock`);
+// with the others the call is saved.
 template <bool boardClock>
 OMBRELUNE_FLATTEN void RunFrameLate(NES_CONSOLE& nes) {
     NES_LATE_BUS bus{{nes}, 0, 0};
@@ -144,6 +152,8 @@ void NesReset(NES_CONSOLE& nes) {
             return CartridgeRead(Console(context).cartridge, address);
         },
         &nes);
+    nes.apu.pairs = &nes.sound.pairs;
+    nes.sound.Init(kApuSampleRate, SoundChoiceFromSettings());
     ApuReset(nes.apu, true, &nes.cpu.irqLines);
     PpuReset(nes.ppu, true, &nes.cpu.nmiLine);
     BoardReset(nes.cartridge);
@@ -154,7 +164,7 @@ void NesReset(NES_CONSOLE& nes) {
 void NesRunFrame(NES_CONSOLE& nes) {
     const bool boardClock = nes.cartridge.cpuClock != nullptr;
     if (nes.stepByStep) {
-        boardClock ? RunFrame<true>(nes) : RunFrame<false>(nes);
+        RunFramePlain(nes);
     } else {
         boardClock ? RunFrameLate<true>(nes) : RunFrameLate<false>(nes);
     }
@@ -164,7 +174,6 @@ void NesStall(NES_CONSOLE& nes) {
     const uint32_t cycles = nes.apu.stallCycles - 1;
     nes.apu.stallCycles = 0;
     for (uint32_t i = 0; i < cycles; ++i) {
-        BoardCpuClock(nes.cartridge);
-        RunChips<false>(nes);
+        nes.stepByStep ? RunChipsPlain(nes) : RunChips(nes);
     }
 }

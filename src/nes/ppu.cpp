@@ -151,11 +151,12 @@ uint32_t PpuEvent(PPU& ppu, uint32_t dot) {
         EndLine(ppu);
         return 0;
     }
-    if (dot == kClearStatusDot) {
-        ppu.status = 0;
-    } else if (dot == kPpuFrameEndDot) {
+    const bool preRender = ppu.line == kPpuPreRenderLine;
+    if (dot == kPpuFrameEndDot) {
         EndPicture(ppu);
-    } else if (ppu.rendering) {
+    } else if (preRender && dot == kClearStatusDot) {
+        ppu.status = 0;
+    } else if (preRender && dot == kCopyScrollDot && ppu.rendering) {
         ppu.vramAddress = ppu.tempAddress;
     }
     ppu.eventDot = NextEvent(ppu, dot);

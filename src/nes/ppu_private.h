@@ -6,8 +6,9 @@
 #include <array>
 #include <cstdint>
 
-// What is due as `dot` reaches `eventDot`: the end of a line or of its picture, and on the pre-render line
-// the clearing of the flags and the taking of the scroll as well. Sets the next eventDot. Gives the number
+// What is due as `dot` is reached: the end of a line or of its picture, and on the pre-render line the
+// clearing of the flags and the taking of the scroll as well; on a dot other than `eventDot` nothing. Sets
+// the next eventDot. Gives the number
 // of the dot that has begun: `dot`, or 0 where the line has ended.
 [[nodiscard]] uint32_t PpuEvent(PPU& ppu, uint32_t dot);
 

@@ -1,6 +1,6 @@
 // Many dots of the picture unit at once.
 //
-// Does the same as PpuDot so many times: groups of eight dots in which one tile or sprite is fetched run
+// Does the same as PpuDot, and so as PpuPlainDot, so many times: groups of eight dots in which one tile or sprite is fetched run
 // in one piece, and so do dots that do nothing. Registers and what is fetched must not have changed since
 // the first of the dots, so a machine that runs late comes here before every access of a register, as
 // reads have effects too and see where the dot is, and before every write to the board. A board sees the

@@ -1,7 +1,6 @@
+#include "machine/state_piece.h"
 #include "nes/ppu.h"
 #include "nes/ppu_private.h"
-
-#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,14 +1,14 @@
 #include "sega8/game_gear.h"
 
-#include "sega8/game_image.h"
-#include "sega8/late_chips.h"
-
 #include "formats/game_file.h"
 #include "machine/machine_image.h"
+#include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
+#include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
-#include "settings/bindings.h"
+#include "sega8/game_image.h"
+#include "sega8/late_chips.h"
 
 #include <algorithm>
 #include <cstring>
@@ -30,27 +30,9 @@ constexpr float kWindowAspect = 4.0f / 3.0f;
 constexpr uint32_t kBlack = 0xFF000000;
 constexpr uint8_t kThLevels = 0xA0; // of the odd ports up to 0x3F; a rise latches the H counter
 
-struct BUTTON {
-    const wchar_t* action;
-    uint8_t bit; // of port 0xDC
-};
-
-constexpr uint32_t kButtonsOfPlayer = 6;
-constexpr BUTTON kButtons[2][kButtonsOfPlayer] = {
-    {{L"GG P1 UP", 0x01},
-     {L"GG P1 DOWN", 0x02},
-     {L"GG P1 LEFT", 0x04},
-     {L"GG P1 RIGHT", 0x08},
-     {L"GG P1 BUTTON1", 0x10},
-     {L"GG P1 BUTTON2", 0x20}},
-    {{L"GG P2 UP", 0x01},
-     {L"GG P2 DOWN", 0x02},
-     {L"GG P2 LEFT", 0x04},
-     {L"GG P2 RIGHT", 0x08},
-     {L"GG P2 BUTTON1", 0x10},
-     {L"GG P2 BUTTON2", 0x20}},
-};
-constexpr const wchar_t* kStartButtons[2] = {L"GG P1 START", L"GG P2 START"};
+// In the order of the actions: the bits of port 0xDC, and the start button, which is on port 0.
+constexpr uint32_t kStart = 0x80;
+constexpr uint32_t kButtonBits[] = {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, kStart};
 
 GEAR_CONSOLE& Console(void* context) {
     return *static_cast<GEAR_CONSOLE*>(context);
@@ -144,7 +126,7 @@ bool LinkIsQuiet(const GEAR_LINK& link, uint32_t clocks) {
            (link.errorClocks == 0 || link.errorClocks > clocks);
 }
 
-void ConnectConsole(GEAR_CONSOLE& console, int psgModel) {
+void ConnectConsole(GEAR_CONSOLE& console, int psgModel, const SOUND_CHOICE& choice) {
     Z80Init(
         console.z80, &console,
         [](void* context, uint32_t address, uint32_t) {
@@ -162,6 +144,8 @@ void ConnectConsole(GEAR_CONSOLE& console, int psgModel) {
     VdpInit(console.vdp, &console.irqOut, &console.z80.nmiEdge, false, kVdpGameGear);
     console.vdp.vram = console.vram.data();
     PsgInit(console.psg, kPsgClock, psgModel, true);
+    console.psg.pairs = &console.sound.pairs;
+    console.sound.Init(kPsgClock / double{kPsgClocksPerPair}, choice);
     console.link.nmi = &console.z80.nmiEdge;
 }
 
@@ -171,6 +155,7 @@ void ResetConsole(GEAR_CONSOLE& console) {
     console.z80.regs[kZ80Sp] = kStackStart;
     VdpReset(console.vdp);
     PsgReset(console.psg);
+    console.sound.Reset();
     GearLinkReset(console.link);
     console.ioControl = 0xFF;
     console.buttons = 0xFF;
@@ -289,8 +274,9 @@ bool CGAMEGEAR::Init(const void* options, CGameFile* const games[2]) {
 }
 
 void CGAMEGEAR::ConnectChips() {
-    ConnectConsole(consoles[0], 1);
-    ConnectConsole(consoles[1], 2);
+    const SOUND_CHOICE choice = SoundChoiceFromSettings();
+    ConnectConsole(consoles[0], 1, choice);
+    ConnectConsole(consoles[1], 2, choice);
     const bool linked = consoleCount == 2;
     consoles[0].link.partner = linked ? &consoles[1].link : nullptr;
     consoles[1].link.partner = linked ? &consoles[0].link : nullptr;
@@ -308,13 +294,9 @@ void CGAMEGEAR::Reset() {
 void CGAMEGEAR::ReadInput() {
     for (uint32_t player = 0; player < consoleCount; ++player) {
         GEAR_CONSOLE& console = consoles[player];
-        console.buttons = 0xFF;
-        for (const BUTTON& button : kButtons[player]) {
-            if (InputIsDown(sessionKey, button.action)) {
-                console.buttons = static_cast<uint8_t>(console.buttons & ~button.bit);
-            }
-        }
-        console.link.startDown = InputIsDown(sessionKey, kStartButtons[player]);
+        const uint32_t held = ReadButtons(sessionKey, kGearPlayerActions[player], kButtonBits);
+        console.buttons = static_cast<uint8_t>(~(held & ~kStart));
+        console.link.startDown = (held & kStart) != 0;
     }
 }
 
@@ -325,17 +307,17 @@ void CGAMEGEAR::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video,
     for (uint32_t i = 0; i < consoleCount; ++i) {
         VdpBeginFrame(consoles[i].vdp, video->pixels + size_t{i} * kVdpPictureWidth, rowLength);
     }
-    PSG& first = consoles[0].psg;
-    PSG& second = consoles[1].psg;
+    ChipSound& first = consoles[0].sound;
+    ChipSound& second = consoles[1].sound;
     if (consoleCount == 1) {
         RunRounds();
-        PsgFlush(first);
-        TakeSound(first.resampler, *audio);
+        first.Flush();
+        TakeSound(first, *audio);
     } else {
         RunRounds();
-        PsgFlush(first);
-        PsgFlush(second);
-        MixSound(first.resampler, second.resampler, kAudioFramePairs * 2, *audio,
+        first.Flush();
+        second.Flush();
+        MixSound(first, second, kAudioFramePairs * 2, *audio,
                  [](int32_t a, int32_t b) { return (a + b) / 2; });
     }
     FinishPicture(*video);
@@ -453,8 +435,7 @@ void CGAMEGEAR::BoardFields(Visit& visit) {
 
 StateBlob CGAMEGEAR::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    const auto sound = {&std::as_const(consoles[0].psg.resampler),
-                        &std::as_const(consoles[1].psg.resampler)};
+    const auto sound = {&std::as_const(consoles[0].sound), &std::as_const(consoles[1].sound)};
     size = StatePieceSize(board) + 2 * (Z80StateSize() + VdpStateSize() + PsgStateSize()) +
            SoundStateSize(sound);
     auto blob = std::make_unique<uint8_t[]>(size);
@@ -479,7 +460,7 @@ bool CGAMEGEAR::LoadPieces(const uint8_t* data, uint32_t size) {
         return pieces.Load(console.z80, Z80LoadState) && pieces.Load(console.vdp, VdpLoadState) &&
                pieces.Load(console.psg, PsgLoadState);
     });
-    LoadSoundState({&consoles[0].psg.resampler, &consoles[1].psg.resampler}, pieces.Rest(),
+    LoadSoundState({&consoles[0].sound, &consoles[1].sound}, pieces.Rest(),
                    loaded ? pieces.Left() : 0);
     return loaded;
 }
@@ -516,6 +497,5 @@ std::vector<uint8_t> CGAMEGEAR::Dump(std::string_view region) const {
 }
 
 std::span<const std::string_view> CGAMEGEAR::Regions() const {
-    static constexpr std::string_view kRegions[] = {"ram", "sram", "vram", "palette"};
-    return kRegions;
+    return kGearRegions;
 }

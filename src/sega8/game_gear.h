@@ -14,39 +14,28 @@
 //   off, as on the Master System; zero written to port 6 doesn't mute.
 #pragma once
 
+#include "facts/game_gear_facts.h"
+#include "machine/chip_sound.h"
+#include "machine/emu_system.h"
+#include "machine/inspection.h"
 #include "sega8/gear_link.h"
 #include "sega8/psg.h"
 #include "sega8/sega_memory.h"
 #include "sega8/vdp.h"
 #include "sega8/z80.h"
 
-#include "machine/emu_system.h"
-#include "machine/inspection.h"
-
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
 #include <vector>
-
-enum GearModel : uint8_t { kGearExport = 0, kGearJapanese = 1 };
-
-// The option block of this machine. All zero is one export console with its own window.
-struct GEAR_OPTIONS {
-    uint8_t model;       // GearModel; export for an unknown number
-    uint8_t gearToGear;  // not 0: two consoles
-    uint8_t fullDisplay; // not 0: the whole picture
-    uint8_t reserved[253];
-};
-static_assert(sizeof(GEAR_OPTIONS) == kMachineOptionBytes);
-static_assert(offsetof(GEAR_OPTIONS, fullDisplay) == 2);
 
 // One console.
 struct GEAR_CONSOLE {
     Z80 z80;
     VDP vdp;
     PSG psg;
+    ChipSound sound; // of the PSG
     SEGA_MEMORY memory;
     GEAR_LINK link;
     uint32_t irqOut = 0;      // by the VDP

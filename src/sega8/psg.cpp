@@ -134,8 +134,6 @@ void PsgInit(PSG& psg, uint32_t clock, int model, bool stereo) {
         psg.lfsrShift = 14;
         psg.lfsrTaps = 3;
     }
-    psg.sampleCount = 0;
-    psg.resampler.Init(clock * 0.0625);
 }
 
 void PsgReset(PSG& psg) {
@@ -152,8 +150,6 @@ void PsgReset(PSG& psg) {
     psg.noiseToggle = 0;
     psg.leftEnable.fill(1);
     psg.rightEnable.fill(1);
-    psg.sampleCount = 0;
-    psg.resampler.Reset();
 }
 
 void PsgMakePair(PSG& psg) {
@@ -172,12 +168,7 @@ void PsgMakePair(PSG& psg) {
         left = levels[0] + levels[1] + levels[2] + levels[3];
         right = left;
     }
-    psg.samples[psg.sampleCount] = static_cast<int16_t>(left);
-    psg.samples[psg.sampleCount + 1] = static_cast<int16_t>(right);
-    psg.sampleCount += 2;
-    if (psg.sampleCount >= psg.samples.size()) [[unlikely]] {
-        PsgFlush(psg);
-    }
+    psg.pairs->Add(static_cast<int16_t>(left), static_cast<int16_t>(right));
 }
 
 void PsgWrite(PSG& psg, uint8_t value) {
@@ -194,23 +185,6 @@ void PsgStereoWrite(PSG& psg, uint8_t value) {
     for (size_t i = 0; i < 4; ++i) {
         psg.leftEnable[i] = mask >> (4 + i) & 1;
         psg.rightEnable[i] = mask >> i & 1;
-    }
-}
-
-void PsgFlush(PSG& psg) {
-    psg.resampler.Push(psg.samples.data(), static_cast<int32_t>(psg.sampleCount));
-    psg.sampleCount = 0;
-}
-
-void PsgCatchUp(PSG& psg, uint32_t values) {
-    PsgFlush(psg);
-    // Twice what fills the resampler and its converter: with that, more than it holds was asked for.
-    const uint32_t mostPairs = psg.clock / kPsgClocksPerPair / 20 + 1;
-    for (uint32_t i = 0; i < mostPairs && psg.resampler.Output().size() < values; ++i) {
-        for (uint32_t clocks = 0; clocks < kPsgClocksPerPair; ++clocks) {
-            PsgTick(psg);
-        }
-        PsgFlush(psg);
     }
 }
 

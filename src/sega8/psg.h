@@ -4,25 +4,20 @@
 // Clock: one tick is one clock of the Z80 (master / 15). Sixteen ticks make one pair of samples.
 // Units: periods and counters are in sample pairs, that is in clocks / 16; half a wave lasts `period`
 //   pairs. Attenuation is in steps of 2 dB, 15 being silence.
-// Owner: one machine, on its session's thread; no lock. Not copyable, for the resampler in it.
-// Pins: none. The owner calls PsgWrite for its sound port and, on the Game Gear, PsgStereoWrite.
-// Order: PsgInit, PsgReset, then ticks and writes. PsgFlush at the end of a frame, then the sound is
-//   taken from `resampler`.
+// Owner: one machine, on its session's thread; no lock.
+// Pins: `pairs`, the owner's, takes the sound. The owner calls PsgWrite for its sound port and, on the Game Gear, PsgStereoWrite.
+// Order: PsgInit, PsgReset, then ticks and writes.
 // Differs: noise is 2.5 times as loud as a tone at the same setting, and zero written to the panning
 //   port opens every channel. Both are settled.
 #pragma once
 
-#include "machine/resampler.h"
+#include "machine/sound_pairs.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
 inline constexpr uint32_t kPsgClocksPerPair = 16;
-
-// Room for raw sound: over a frame of 313 lines (4,460 pairs). A machine that never flushes loses nothing
-// here, as the chip flushes by itself when this is full.
-inline constexpr uint32_t kPsgRawPairs = 5120;
 
 struct PSG {
     // As wired by the board: set by PsgInit, never by PsgReset or PsgLoadState.
@@ -45,16 +40,14 @@ struct PSG {
     std::array<uint8_t, 4> leftEnable{1, 1, 1, 1};  // 0 or 1
     std::array<uint8_t, 4> rightEnable{1, 1, 1, 1}; // 0 or 1
 
-    uint32_t sampleCount = 0; // i16 values in `samples`, two a pair
-    std::array<int16_t, size_t{kPsgRawPairs} * 2> samples{};
-    AudioResampler resampler; // holds the sound that is ready for the machine
+    SOUND_PAIRS* pairs = nullptr; // not null while the chip runs; as wired
 };
 
 // `clock` in Hz. Models 1 to 3 have a noise register of 16 bits, 4 to 6 one of 15; model 0 leaves the
-// register as it is. Reads the sound settings, so it is called again when those change.
+// register as it is.
 void PsgInit(PSG& psg, uint32_t clock, int model, bool stereo);
 
-// Power-on values; forgets sound that wasn't taken.
+// Power-on values.
 void PsgReset(PSG& psg);
 
 // Makes one pair; what PsgTick calls on every sixteenth clock.
@@ -83,14 +76,7 @@ void PsgWrite(PSG& psg, uint8_t value);
 // The Game Gear's panning port: bits 4-7 left, 0-3 right, for tones 0 to 2 and noise.
 void PsgStereoWrite(PSG& psg, uint8_t value);
 
-// Hands the raw pairs to the resampler.
-void PsgFlush(PSG& psg);
-
-// Runs the chip with no clock from the machine, in blocks of 16 ticks, until the resampler holds at
-// least `values` i16 values. Gives up where the resampler can hold no more.
-void PsgCatchUp(PSG& psg, uint32_t values);
-
-// The state holds the chip without the sound on its way, raw or resampled.
+// The state holds the chip without the sound on its way.
 [[nodiscard]] uint32_t PsgStateSize();
 // Writes PsgStateSize bytes and gives the byte behind them.
 uint8_t* PsgSaveState(const PSG& psg, uint8_t* out);

@@ -1,14 +1,14 @@
 #include "sega8/sms.h"
 
-#include "sega8/game_image.h"
-#include "sega8/late_chips.h"
-
 #include "formats/game_file.h"
 #include "machine/machine_image.h"
+#include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
+#include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
-#include "settings/bindings.h"
+#include "sega8/game_image.h"
+#include "sega8/late_chips.h"
 
 #include <cstring>
 #include <memory>
@@ -28,45 +28,12 @@ constexpr double kFmGain = 0.7;
 constexpr double kPsgGain = 0.7;
 constexpr uint32_t kPaletteBytes = 32; // of colour RAM
 
-struct BUTTON {
-    const wchar_t* action;
-    uint32_t bit;
+// In the order of the actions.
+constexpr uint32_t kConsoleBits[] = {kPadPause, kPadReset};
+constexpr uint32_t kPlayerBits[] = {
+    kPadUp,           kPadDown,         kPadLeft,         kPadRight,        kPadButton1,
+    kPadButton1 << 1, kPadButton1 << 2, kPadButton1 << 3, kPadButton1 << 4, kPadButton1 << 5,
 };
-
-constexpr BUTTON kPlayer1[] = {
-    {L"SMS P1 UP",      kPadUp          },
-    {L"SMS P1 DOWN",    kPadDown        },
-    {L"SMS P1 LEFT",    kPadLeft        },
-    {L"SMS P1 RIGHT",   kPadRight       },
-    {L"SMS P1 BUTTON1", kPadButton1     },
-    {L"SMS P1 BUTTON2", kPadButton1 << 1},
-    {L"SMS P1 BUTTON3", kPadButton1 << 2},
-    {L"SMS P1 BUTTON4", kPadButton1 << 3},
-    {L"SMS P1 BUTTON5", kPadButton1 << 4},
-    {L"SMS P1 BUTTON6", kPadButton1 << 5},
-    {L"SMS RESET",      kPadReset       },
-    {L"SMS PAUSE",      kPadPause       },
-};
-constexpr BUTTON kPlayer2[] = {
-    {L"SMS P2 UP",      kPadUp          },
-    {L"SMS P2 DOWN",    kPadDown        },
-    {L"SMS P2 LEFT",    kPadLeft        },
-    {L"SMS P2 RIGHT",   kPadRight       },
-    {L"SMS P2 BUTTON1", kPadButton1     },
-    {L"SMS P2 BUTTON2", kPadButton1 << 1},
-    {L"SMS P2 BUTTON3", kPadButton1 << 2},
-    {L"SMS P2 BUTTON4", kPadButton1 << 3},
-    {L"SMS P2 BUTTON5", kPadButton1 << 4},
-    {L"SMS P2 BUTTON6", kPadButton1 << 5},
-};
-
-uint32_t ReadButtons(uint32_t sessionKey, std::span<const BUTTON> buttons) {
-    uint32_t word = 0;
-    for (const BUTTON& button : buttons) {
-        word |= InputIsDown(sessionKey, button.action) ? button.bit : 0;
-    }
-    return word;
-}
 
 struct MODEL {
     uint32_t clock; // of Z80 and PSG
@@ -185,6 +152,11 @@ void CSMS::ConnectChips() {
     vdp.vram = vram.data();
     PsgInit(psg, model.clock, kPsgModel, false);
     YmInit(fm, model.clock);
+    psg.pairs = &psgSound.pairs;
+    fm.pairs = &fmSound.pairs;
+    const SOUND_CHOICE choice = SoundChoiceFromSettings();
+    psgSound.Init(model.clock / double{kPsgClocksPerPair}, choice);
+    fmSound.Init(model.clock / double{kYmClocksPerSample}, choice);
     pads.device = {PadDeviceOf(chosen.devices[0]), PadDeviceOf(chosen.devices[1])};
     pads.thReturns = chosen.console != kSmsJapanese && chosen.console != kMarkIii;
 }
@@ -198,6 +170,8 @@ void CSMS::Reset() {
     // The chip's own reset leaves its oscillators and the rhythm section as they were.
     YmInit(fm, ModelOf(chosen.console).clock);
     YmReset(fm);
+    psgSound.Reset();
+    fmSound.Reset();
     PadsReset(pads);
     fmAddress = 0;
     fmControl = 0;
@@ -207,7 +181,10 @@ void CSMS::Reset() {
 }
 
 void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) {
-    PadsBeginFrame(pads, {ReadButtons(sessionKey, kPlayer1), ReadButtons(sessionKey, kPlayer2)},
+    PadsBeginFrame(pads,
+                   {ReadButtons(sessionKey, kSmsPlayerActions[0], kPlayerBits) |
+                        ReadButtons(sessionKey, kSmsConsoleActions, kConsoleBits),
+                    ReadButtons(sessionKey, kSmsPlayerActions[1], kPlayerBits)},
                    input);
     vdp.pausePressed = (pads.input[0] & kPadPause) != 0;
     VdpBeginFrame(vdp, video->pixels, kVdpPictureWidth);
@@ -219,8 +196,8 @@ void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FR
     if (chosen.fmChip != 0) {
         MixFm(*audio);
     } else {
-        PsgFlush(psg);
-        TakeSound(psg.resampler, *audio);
+        psgSound.Flush();
+        TakeSound(psgSound, *audio);
     }
     frameToggle ^= 1;
     video->hold = chosen.glasses != 0 && frameToggle == 1 ? 1 : 0;
@@ -269,12 +246,12 @@ void CSMS::RunCatchingUp() {
 // The two chips come to the program's rate by themselves, so one may have a sample less than the other:
 // it then runs on by itself, and what it has made too much stays for the next frame.
 void CSMS::MixFm(EMU_AUDIO_FRAME& audio) {
-    PsgFlush(psg);
-    YmFlush(fm);
-    const uint32_t values = std::max(ReadyValues(psg.resampler), ReadyValues(fm.resampler));
-    PsgCatchUp(psg, values);
-    YmCatchUp(fm, values);
-    MixSound(fm.resampler, psg.resampler, values, audio, [](int32_t fmValue, int32_t psgValue) {
+    psgSound.Flush();
+    fmSound.Flush();
+    const uint32_t values = std::max(ReadyValues(psgSound), ReadyValues(fmSound));
+    psgSound.CatchUp(values, [this] { PsgRun(psg, kPsgClocksPerPair); });
+    fmSound.CatchUp(values, [this] { YmRun(fm, kYmClocksPerSample); });
+    MixSound(fmSound, psgSound, values, audio, [](int32_t fmValue, int32_t psgValue) {
         return static_cast<int32_t>(fmValue * kFmGain + psgValue * kPsgGain);
     });
 }
@@ -306,7 +283,7 @@ void CSMS::BoardFields(Visit& visit, uint8_t& irqByte) {
 StateBlob CSMS::SaveState(uint32_t& size) {
     auto irqByte = static_cast<uint8_t>(irqOut);
     const auto board = [&](auto& visit) { BoardFields(visit, irqByte); };
-    const auto sound = {&std::as_const(psg.resampler), &std::as_const(fm.resampler)};
+    const auto sound = {&std::as_const(psgSound), &std::as_const(fmSound)};
     size = StatePieceSize(board) + Z80StateSize() + VdpStateSize() + PsgStateSize() +
            YmStateSize() + SoundStateSize(sound);
     auto blob = std::make_unique<uint8_t[]>(size);
@@ -329,7 +306,7 @@ bool CSMS::LoadPieces(const uint8_t* data, uint32_t size) {
     const bool loaded = boardTaken && pieces.Load(z80, Z80LoadState) &&
                         pieces.Load(vdp, VdpLoadState) && pieces.Load(psg, PsgLoadState) &&
                         pieces.Load(fm, YmLoadState);
-    LoadSoundState({&psg.resampler, &fm.resampler}, pieces.Rest(), loaded ? pieces.Left() : 0);
+    LoadSoundState({&psgSound, &fmSound}, pieces.Rest(), loaded ? pieces.Left() : 0);
     return loaded;
 }
 
@@ -359,6 +336,5 @@ std::vector<uint8_t> CSMS::Dump(std::string_view region) const {
 }
 
 std::span<const std::string_view> CSMS::Regions() const {
-    static constexpr std::string_view kRegions[] = {"ram", "sram", "vram", "palette"};
-    return kRegions;
+    return kSmsRegions;
 }

@@ -10,6 +10,10 @@
 //   reset button; no mute of PSG or FM by 0xF2; TR outputs don't come back.
 #pragma once
 
+#include "facts/sms_facts.h"
+#include "machine/chip_sound.h"
+#include "machine/emu_system.h"
+#include "machine/inspection.h"
 #include "sega8/psg.h"
 #include "sega8/sega_memory.h"
 #include "sega8/sms_pads.h"
@@ -17,35 +21,11 @@
 #include "sega8/ym2413.h"
 #include "sega8/z80.h"
 
-#include "machine/emu_system.h"
-#include "machine/inspection.h"
-
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
 #include <vector>
-
-enum SmsConsole : uint8_t {
-    kSms1Pal = 1,
-    kSms2Pal = 2,
-    kSms1Ntsc = 4,
-    kSms2Ntsc = 8, // also for 0 and every unknown number
-    kSmsJapanese = 16,
-    kMarkIii = 32
-};
-
-// The option block of this machine. All zero is a second-generation NTSC console with two joypads.
-struct SMS_OPTIONS {
-    uint8_t console;    // SmsConsole
-    uint8_t fmChip;     // not 0: fitted
-    uint8_t glasses;    // not 0: the 3D glasses, which halve the frame rate
-    uint8_t devices[2]; // PadDevice of port A and B; 0 and unknown numbers are joypads
-    uint8_t reserved[251];
-};
-static_assert(sizeof(SMS_OPTIONS) == kMachineOptionBytes);
-static_assert(offsetof(SMS_OPTIONS, devices) == 3);
 
 struct SMS_BUS;
 
@@ -91,6 +71,8 @@ private:
     VDP vdp;
     PSG psg;
     YM2413 fm;
+    ChipSound psgSound;
+    ChipSound fmSound;
     SEGA_MEMORY memory;
     PAD_PORTS pads;
     uint32_t irqOut = 0;     // by the VDP

@@ -249,16 +249,6 @@ void Roll(PAD_PORTS& pads, uint32_t port) {
 
 } // namespace
 
-PadDevice PadDeviceOf(uint8_t option) {
-    switch (option) {
-    case 2: return PadDevice::kLightPhaser;
-    case 4: return PadDevice::kSportsPad;
-    case 8: return PadDevice::kPaddle;
-    case 16: return PadDevice::kSixButton;
-    default: return PadDevice::kJoypad;
-    }
-}
-
 void PadsReset(PAD_PORTS& pads) {
     pads.input = {};
     pads.lightLine = {-1, -1};

@@ -9,8 +9,8 @@
 // - Joypad: directions, TL button 1, TR button 2.
 // - Light Phaser: TL is the trigger, button 1. TH drops while the beam is within four lines of the
 //   point aimed at, for 100 clocks from that point on, and the H counter is latched there. The aim, in
-//   pixels of the picture, is the pointer of this player in EMU_INPUT_STATE; a frame in which that
-//   stands at (0, 0) leaves the aim where it was and lets the four directions move it by 2 pixels a
+//   pixels of the whole picture, is the pointer of this player in EMU_INPUT_STATE; a frame in which
+//   that is (0, 0) leaves the aim where it was and lets the four directions move it by 2 pixels a
 //   frame. It starts in the middle, at (128, 112).
 // - Sports Pad: TL, TR are buttons 1, 2; a held direction is a movement of 10 for every reading, right
 //   and up being positive. Every TH edge goes on to the next nibble: X high, X low, Y high, Y low. A
@@ -25,22 +25,13 @@
 // Owner: the machine. The aim of a phaser, the turn of a paddle and all counters are in its state.
 #pragma once
 
+#include "facts/sms_facts.h"
 #include "machine/emu_system.h"
 
 #include <array>
 #include <cstdint>
 
 struct VDP;
-
-enum class PadDevice : uint8_t {
-    kJoypad = 1,
-    kLightPhaser = 2,
-    kSportsPad = 4,
-    kPaddle = 8,
-    kSixButton = 16
-};
-// kJoypad for an unknown number.
-[[nodiscard]] PadDevice PadDeviceOf(uint8_t option);
 
 // What a player holds down, a bit each.
 enum PadInput : uint32_t {

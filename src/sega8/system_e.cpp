@@ -1,14 +1,15 @@
 #include "sega8/system_e.h"
 
-#include "sega8/game_image.h"
-#include "sega8/vdp_run.h"
-
+#include "facts/arcade_facts.h"
 #include "formats/game_file.h"
 #include "machine/machine_image.h"
+#include "machine/read_buttons.h"
 #include "machine/sound_frame.h"
+#include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
-#include "settings/bindings.h"
+#include "sega8/game_image.h"
+#include "sega8/vdp_run.h"
 
 #include <algorithm>
 #include <memory>
@@ -33,47 +34,13 @@ constexpr uint8_t kShowD = 0x40;      // vdp2 shows bank D, not C
 constexpr uint8_t kWriteFirst = 0x20; // the window writes to vdp1's other bank, not vdp2's
 constexpr uint8_t kRomBank = 0x0F;
 
-struct BUTTON {
-    const wchar_t* action;
-    uint32_t bit;
+// In the order of the actions.
+constexpr uint32_t kConsoleBits[] = {kArcadeCoin1, kArcadeCoin2, kArcadeStart1, kArcadeStart2};
+constexpr uint32_t kPlayerBits[] = {
+    kArcadeUp,           kArcadeDown,         kArcadeLeft,         kArcadeRight,
+    kArcadeButton1,      kArcadeButton1 << 1, kArcadeButton1 << 2, kArcadeButton1 << 3,
+    kArcadeButton1 << 4, kArcadeButton1 << 5,
 };
-
-constexpr BUTTON kPlayer1[] = {
-    {L"Arcade Start1",       kArcadeStart1      },
-    {L"Arcade Start2",       kArcadeStart2      },
-    {L"Arcade Insert Coin1", kArcadeCoin1       },
-    {L"Arcade Insert Coin2", kArcadeCoin2       },
-    {L"Arcade P1 UP",        kArcadeUp          },
-    {L"Arcade P1 DOWN",      kArcadeDown        },
-    {L"Arcade P1 LEFT",      kArcadeLeft        },
-    {L"Arcade P1 RIGHT",     kArcadeRight       },
-    {L"Arcade P1 BUTTON1",   kArcadeButton1     },
-    {L"Arcade P1 BUTTON2",   kArcadeButton1 << 1},
-    {L"Arcade P1 BUTTON3",   kArcadeButton1 << 2},
-    {L"Arcade P1 BUTTON4",   kArcadeButton1 << 3},
-    {L"Arcade P1 BUTTON5",   kArcadeButton1 << 4},
-    {L"Arcade P1 BUTTON6",   kArcadeButton1 << 5},
-};
-constexpr BUTTON kPlayer2[] = {
-    {L"Arcade P2 UP",      kArcadeUp          },
-    {L"Arcade P2 DOWN",    kArcadeDown        },
-    {L"Arcade P2 LEFT",    kArcadeLeft        },
-    {L"Arcade P2 RIGHT",   kArcadeRight       },
-    {L"Arcade P2 BUTTON1", kArcadeButton1     },
-    {L"Arcade P2 BUTTON2", kArcadeButton1 << 1},
-    {L"Arcade P2 BUTTON3", kArcadeButton1 << 2},
-    {L"Arcade P2 BUTTON4", kArcadeButton1 << 3},
-    {L"Arcade P2 BUTTON5", kArcadeButton1 << 4},
-    {L"Arcade P2 BUTTON6", kArcadeButton1 << 5},
-};
-
-uint32_t ReadButtons(uint32_t sessionKey, std::span<const BUTTON> buttons) {
-    uint32_t word = 0;
-    for (const BUTTON& button : buttons) {
-        word |= InputIsDown(sessionKey, button.action) ? button.bit : 0;
-    }
-    return word;
-}
 
 bool IsEnciphered(uint32_t board) {
     return board == 2 || board == 5 || board == 6;
@@ -205,6 +172,11 @@ void CSEGAE::ConnectChips() {
     vdp2.secondChip = true;
     PsgInit(psg1, kPsgClock, kPsgModel, false);
     PsgInit(psg2, kPsgClock, kPsgModel, false);
+    psg1.pairs = &sound1.pairs;
+    psg2.pairs = &sound2.pairs;
+    const SOUND_CHOICE choice = SoundChoiceFromSettings();
+    sound1.Init(kPsgClock / double{kPsgClocksPerPair}, choice);
+    sound2.Init(kPsgClock / double{kPsgClocksPerPair}, choice);
     RebuildMap();
 }
 
@@ -219,6 +191,8 @@ void CSEGAE::Reset() {
     Z80Reset(z80);
     PsgReset(psg1);
     PsgReset(psg2);
+    sound1.Reset();
+    sound2.Reset();
     VdpReset(vdp1);
     VdpReset(vdp2);
     RebuildMap();
@@ -290,18 +264,19 @@ void CSEGAE::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video, EMU_AU
     } else {
         RunCatchingUp();
     }
-    PsgFlush(psg1);
-    PsgFlush(psg2);
-    const uint32_t values = ReadyValues(psg2.resampler);
-    MixSound(psg1.resampler, psg2.resampler, values, *audio, [](int32_t first, int32_t second) {
+    sound1.Flush();
+    sound2.Flush();
+    const uint32_t values = ReadyValues(sound2);
+    MixSound(sound1, sound2, values, *audio, [](int32_t first, int32_t second) {
         return static_cast<int32_t>((first + second) * kPsgGain);
     });
     VdpFinishFrame(vdp1, video);
 }
 
 void CSEGAE::ReadInput() {
-    panel.inputP1 = ReadButtons(sessionKey, kPlayer1);
-    panel.inputP2 = ReadButtons(sessionKey, kPlayer2);
+    panel.inputP1 = ReadButtons(sessionKey, kArcadePlayerActions[0], kPlayerBits) |
+                    ReadButtons(sessionKey, kArcadeConsoleActions, kConsoleBits);
+    panel.inputP2 = ReadButtons(sessionKey, kArcadePlayerActions[1], kPlayerBits);
 }
 
 // The order in which the chips are clocked.
@@ -377,7 +352,7 @@ void CSEGAE::BoardFields(Visit& visit) {
 
 StateBlob CSEGAE::SaveState(uint32_t& size) {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    const auto sound = {&std::as_const(psg1.resampler), &std::as_const(psg2.resampler)};
+    const auto sound = {&std::as_const(sound1), &std::as_const(sound2)};
     size = StatePieceSize(board) + Z80StateSize() + 2 * VdpStateSize() + 2 * PsgStateSize() +
            SoundStateSize(sound);
     auto blob = std::make_unique<uint8_t[]>(size);
@@ -399,7 +374,7 @@ bool CSEGAE::LoadPieces(const uint8_t* data, uint32_t size) {
     const bool loaded = boardTaken && pieces.Load(z80, Z80LoadState) &&
                         pieces.Load(vdp1, VdpLoadState) && pieces.Load(vdp2, VdpLoadState) &&
                         pieces.Load(psg1, PsgLoadState) && pieces.Load(psg2, PsgLoadState);
-    LoadSoundState({&psg1.resampler, &psg2.resampler}, pieces.Rest(), loaded ? pieces.Left() : 0);
+    LoadSoundState({&sound1, &sound2}, pieces.Rest(), loaded ? pieces.Left() : 0);
     return loaded;
 }
 
@@ -442,6 +417,5 @@ std::vector<uint8_t> CSEGAE::Dump(std::string_view region) const {
 }
 
 std::span<const std::string_view> CSEGAE::Regions() const {
-    static constexpr std::string_view kRegions[] = {"ram", "vram", "palette"};
-    return kRegions;
+    return kArcadeRegions;
 }

@@ -13,12 +13,12 @@
 //   analog and dial panels is left out.
 #pragma once
 
+#include "machine/chip_sound.h"
+#include "machine/emu_system.h"
+#include "machine/inspection.h"
 #include "sega8/psg.h"
 #include "sega8/vdp.h"
 #include "sega8/z80.h"
-
-#include "machine/emu_system.h"
-#include "machine/inspection.h"
 
 #include <array>
 #include <cstddef>
@@ -126,6 +126,8 @@ private:
     VDP vdp2;
     PSG psg1;
     PSG psg2;
+    ChipSound sound1; // of psg1
+    ChipSound sound2;
     std::vector<uint8_t> rom;       // kArcadeRomBytes
     std::vector<uint8_t> opcodeRom; // as long, or empty: opcodes come from `rom`
     // Offset in `opcodeRom` for fetches through the banked window. Boards know 0, 32,768 and 49,152, and

@@ -1,8 +1,7 @@
 #include "sega8/vdp.h"
 
-#include "sega8/vdp_private.h"
-
 #include "machine/emu_system.h"
+#include "sega8/vdp_private.h"
 
 #include <cstddef>
 
@@ -75,6 +74,18 @@ void WriteColour(VDP& vdp, uint8_t value) {
         vdp.cram[odd - 1] = vdp.cramLatch;
         vdp.cram[odd] = value;
         ConvertColour(vdp, odd >> 1);
+    }
+}
+
+// Published: the counter goes down as each line of the picture and the one below it begins, asks for an
+// interrupt as it passes 0, and is held at register 10 elsewhere.
+void StepLineCounter(VDP& vdp) {
+    const bool counts = vdp.line <= vdp.activeHeight;
+    if (counts && vdp.lineCounter != 0) {
+        --vdp.lineCounter;
+    } else {
+        vdp.lineInterrupt = vdp.lineInterrupt || counts;
+        vdp.lineCounter = vdp.regs[10];
     }
 }
 
@@ -264,20 +275,14 @@ bool VdpBeam(const VDP& vdp, uint32_t& x, uint32_t& y) {
     return x < kVdpPictureWidth && y < vdp.activeHeight;
 }
 
-// Published: the counter goes down after each line of the picture and the one below it, asks for an
-// interrupt as it passes 0, and is held at register 10 elsewhere. It, the frame flag and the V counter
-// step together at H counter 0xF4, so a handler finds the line behind the one that was drawn.
+// The V counter, the line counter and the frame flag step together at H counter 0xF4, just before the line
+// that they belong to is drawn: a handler reads the line that it was asked for.
 void VdpLineEvent(VDP& vdp) {
-    if (vdp.line <= vdp.activeHeight && vdp.lineCounter != 0) {
-        --vdp.lineCounter;
-    } else {
-        vdp.lineInterrupt = vdp.lineInterrupt || vdp.line <= vdp.activeHeight;
-        vdp.lineCounter = vdp.regs[10];
-    }
     if (++vdp.line >= vdp.totalLines) {
         vdp.line = 0;
         vdp.frameDone = true;
     }
+    StepLineCounter(vdp);
     if (vdp.line == vdp.activeHeight + 1) {
         vdp.frameInterrupt = true;
         vdp.status |= kVdpStatusFrame;

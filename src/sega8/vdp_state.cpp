@@ -1,8 +1,7 @@
+#include "machine/state_piece.h"
 #include "sega8/vdp.h"
 #include "sega8/vdp_private.h"
 #include "sega8/vdp_slots.h"
-
-#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,10 +1,9 @@
 // Clocking: low-frequency oscillators, operators, rhythm, envelopes, phases and noise.
 #include "sega8/ym2413.h"
 
+#include "machine/state_piece.h"
 #include "sega8/ym2413_private.h"
 #include "sega8/ym2413_tables.h"
-
-#include "machine/state_piece.h"
 
 #include <algorithm>
 #include <memory>
@@ -380,8 +379,6 @@ void YmInit(YM2413& ym, uint32_t clock) {
     ym.noiseF = kWholeStep;
     ym.outMelody = 0;
     ym.outRhythm = 0;
-    ym.sampleCount = 0;
-    ym.resampler.Init(clock / 72.0);
 }
 
 void YmReset(YM2413& ym) {
@@ -399,8 +396,6 @@ void YmReset(YM2413& ym) {
             slot.volume = kSilent;
         }
     }
-    ym.sampleCount = 0;
-    ym.resampler.Reset();
 }
 
 void YmMakeSample(YM2413& ym) {
@@ -418,33 +413,11 @@ void YmMakeSample(YM2413& ym) {
     }
     const auto sample =
         static_cast<int16_t>(std::clamp((ym.outMelody + ym.outRhythm) * 4, -32768, 32767));
-    ym.sampleBuffer[ym.sampleCount] = sample;
-    ym.sampleBuffer[ym.sampleCount + 1] = sample;
-    ym.sampleCount += 2;
+    ym.pairs->Add(sample, sample);
 
     AdvanceEnvelopes(ym);
     AdvancePhases(ym);
     AdvanceNoise(ym);
-    if (ym.sampleCount >= ym.sampleBuffer.size()) [[unlikely]] {
-        YmFlush(ym);
-    }
-}
-
-void YmFlush(YM2413& ym) {
-    ym.resampler.Push(ym.sampleBuffer.data(), static_cast<int32_t>(ym.sampleCount));
-    ym.sampleCount = 0;
-}
-
-void YmCatchUp(YM2413& ym, uint32_t values) {
-    YmFlush(ym);
-    // Twice what fills the resampler and its converter: with that, more than it holds was asked for.
-    const uint32_t mostSamples = ym.clock / kYmClocksPerSample / 20 + 1;
-    for (uint32_t i = 0; i < mostSamples && ym.resampler.Output().size() < values; ++i) {
-        for (uint32_t clocks = 0; clocks < kYmClocksPerSample; ++clocks) {
-            YmTick(ym);
-        }
-        YmFlush(ym);
-    }
 }
 
 uint32_t YmStateSize() {

@@ -4,17 +4,16 @@
 // Clock: one tick is one clock of the Z80 (master / 15). 72 ticks make one sample.
 // Units: envelopes and levels are in steps of 0.375 dB, 0 loud. A phase is a turn in 26 bits, the
 //   upper ten of which index the sine. Rates are 4 x the register's value + 16, or 0 for never.
-// Owner: one machine, on its session's thread; no lock. Not copyable, for the resampler in it.
-// Pins: none. The owner keeps the address latch and calls YmWrite with register and value.
-// Order: YmInit, YmReset, then ticks and writes. YmFlush at the end of a frame, then the sound is
-//   taken from `resampler`.
+// Owner: one machine, on its session's thread; no lock.
+// Pins: `pairs`, the owner's, takes the sound. The owner keeps the address latch and calls YmWrite with register and value.
+// Order: YmInit, YmReset, then ticks and writes.
 // Differs: channels 0 to 8 are summed in one sample, while the part plays them in turn over 18 slots of
 //   four clocks; registers take effect at once; the test register does nothing. Envelope rates from 52
 //   of 63 on step twice as fast as the manual says, a reset leaves register 0x0E, and a vibrato that
 //   carries past F-number 511 goes on low in the next block. These are settled.
 #pragma once
 
-#include "machine/resampler.h"
+#include "machine/sound_pairs.h"
 
 #include <array>
 #include <cstddef>
@@ -22,9 +21,6 @@
 
 inline constexpr uint32_t kYmClocksPerSample = 72;
 inline constexpr uint32_t kYmChannels = 9;
-
-// Room for raw sound: over a frame of 50 Hz (995 pairs). The chip flushes by itself when it is full.
-inline constexpr uint32_t kYmRawPairs = 1280;
 
 // Values are saved in states.
 enum class YmEnvelope : uint8_t {
@@ -107,15 +103,13 @@ struct YM2413 {
     int32_t outMelody = 0;              // of one sample
     int32_t outRhythm = 0;              // of one sample
 
-    uint32_t sampleCount = 0; // i16 values in `sampleBuffer`, two a pair
-    std::array<int16_t, size_t{kYmRawPairs} * 2> sampleBuffer{};
-    AudioResampler resampler; // holds the sound that is ready for the machine
+    SOUND_PAIRS* pairs = nullptr; // not null while the chip runs; as wired
 };
 
-// `clock` in Hz. Reads the sound settings, so it is called again when those change.
+// `clock` in Hz.
 void YmInit(YM2413& ym, uint32_t clock);
 
-// The chip's reset line; forgets sound that wasn't taken.
+// The chip's reset line.
 void YmReset(YM2413& ym);
 
 // Makes one sample; what YmTick calls on every 72nd clock.
@@ -141,14 +135,7 @@ inline void YmRun(YM2413& ym, uint32_t clocks) {
 // Registers 0x00 to 0x3F; others don't exist and do nothing.
 void YmWrite(YM2413& ym, uint8_t reg, uint8_t value);
 
-// Hands the raw pairs to the resampler.
-void YmFlush(YM2413& ym);
-
-// Runs the chip with no clock from the machine, in blocks of 72 ticks, until the resampler holds at
-// least `values` i16 values. Gives up where the resampler can hold no more.
-void YmCatchUp(YM2413& ym, uint32_t values);
-
-// The state holds the chip without the sound on its way, raw or resampled.
+// The state holds the chip without the sound on its way.
 [[nodiscard]] uint32_t YmStateSize();
 // Writes YmStateSize bytes and gives the byte behind them.
 uint8_t* YmSaveState(const YM2413& ym, uint8_t* out);

@@ -10,7 +10,7 @@
 // accesses may change irqLine and nmiEdge. A bus whose accesses may change busHold or enabled as well, or
 // that must see to something else first, also has
 //     bool Stops() const;
-// which is asked behind each of them and ends the run.
+// which is asked after each of them, fetches too, and ends the run.
 #pragma once
 
 #include "sega8/z80.h"
@@ -21,7 +21,8 @@
 
 namespace z80_detail {
 
-inline constexpr uint32_t kDecodedAt = 3; // the clocks of fetch and decode
+inline constexpr uint32_t kFetchedAt = 2; // the clocks of a fetch
+inline constexpr uint32_t kDecodedAt = 3; // and of the decode
 
 template <typename Bus>
 inline bool Stops(const Bus& bus) {
@@ -46,16 +47,20 @@ inline bool IsInProgram(const Z80& z80) {
     return done < 32 && z80.program->actions >> done != 0;
 }
 
-// The first three clocks, of which `over` were over at the first.
+// The first two clocks, with `over` clocks of the run over before them.
 template <typename Bus>
-inline void FetchAndDecode(Z80& z80, Bus& bus, uint32_t over) {
+inline void Fetch(Z80& z80, Bus& bus, uint32_t over) {
     bus.At(over + 1);
     z80.eiDelay = 0;
     z80.queue[1] = static_cast<uint8_t>(Z80Step::kFetch);
     z80.queue[2] = static_cast<uint8_t>(Z80Step::kDecode);
-    z80.queueIndex = kDecodedAt;
     z80.opcode = bus.ReadOpcode(Address(z80.regs[kZ80Pc]));
     Advance(z80.regs[kZ80Pc], 1);
+}
+
+// The third.
+inline void Decode(Z80& z80) {
+    z80.queueIndex = kDecodedAt;
     z80.r7 = (z80.r7 + 1) & 0xFF;
     if (z80.prefix == kZ80NoPrefix) {
         kZ80BaseTable[z80.opcode % kZ80BaseTable.size()](z80);
@@ -105,12 +110,19 @@ inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uin
     }
 }
 
-// Instructions one behind another, up to an interrupt. Gives how many of the `left` clocks are left, in
-// any case so few that no instruction can be decoded in them or so many that an interrupt is due.
+// Instructions one behind another, up to an interrupt or until the bus stops the run. Gives how many of the
+// `left` clocks are left; without a stop so few that no instruction can be decoded in them, unless an
+// interrupt is due.
 template <typename Bus>
 [[gnu::noinline]] uint32_t RunInstructions(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
     do {
-        FetchAndDecode(z80, bus, clocks - left);
+        Fetch(z80, bus, clocks - left);
+        if (Stops(bus)) [[unlikely]] {
+            z80.queueIndex = kFetchedAt;
+            z80.program = nullptr;
+            return left - kFetchedAt;
+        }
+        Decode(z80);
         left = RunSteps(z80, bus, clocks, left - kDecodedAt);
     } while (left >= kDecodedAt && z80.pendingInterrupt == kZ80NoInterrupt && !Stops(bus));
     return left;

@@ -5,9 +5,17 @@
 // bits index one table of state bytes that all devices share: keyboard scancodes (USB HID usage
 // numbers, below 512) first, joystick codes from 400 up, 200 for each joystick.
 //
+// Modifiers: a plain key does not act while a shift, ctrl or alt key is held, so that it does not fire
+// under a chord. A modifier key that a machine's action is bound to, as Right Shift is to the NES's
+// Select, is an ordinary key for all actions of that machine. For the program's own actions it stays a
+// modifier: Right Shift + Tab rewinds as Left Shift + Tab does, and the NES sees Select meanwhile.
+//
 // Threads: the main thread feeds events and sets the values below; every thread may ask. The tables
-// are single atomic bytes, read without a lock.
+// are single atomic bytes, read without a lock. Whoever looks once a frame holds an `InputFrame`
+// (`input_frame.h`), so that no short press is lost.
 #pragma once
+
+#include "settings/input_state.h"
 
 #include <cstdint>
 #include <span>
@@ -16,7 +24,6 @@
 
 class SettingsStore;
 
-inline constexpr uint32_t kInputCodes = 2048;
 inline constexpr uint32_t kKeyboardCodes = 512;
 inline constexpr uint32_t kApplicationKey = 0xFFFFFFFF; // the program's own session key, -1
 
@@ -61,13 +68,22 @@ struct INPUT_ACTION {
 // Every action in the order of registration.
 [[nodiscard]] std::span<const INPUT_ACTION> InputActions();
 
+// The machine of each action, in the same order: 0 for the program's own, and a number below
+// `kInputOwners` for those whose names begin with a machine's.
+inline constexpr uint32_t kInputOwners = 6;
+[[nodiscard]] std::span<const uint8_t> InputOwners();
+
 // Adds "INPUT " + name for every action: all with zeroes, then the defaults as primary binding.
 void RegisterBindings(SettingsStore& store);
 
 // Whether one of the action's two bindings is down, or a control of a game controller that acts for it
-// by default. False when the session is not the active one or
-// the user walks the room; `kApplicationKey` is always answered.
+// by default. False when the session is not the active one or the user walks the room;
+// `kApplicationKey` is always answered.
 [[nodiscard]] bool InputIsDown(uint32_t sessionKey, std::wstring_view name);
+
+// Is told the name of every action that a session's machine or hotkeys ask for, on the asking thread;
+// null, as at the start, for nobody. For tests.
+void InputSetPollObserver(void (*observer)(std::wstring_view name));
 
 // Whether one code is down; with `useReleased` also when it went up since the pump began, so that a
 // press shorter than a round is seen.

@@ -7,8 +7,8 @@
 // and nothing else.
 //
 // Units: a control is a bit of a 64-bit word, player 1's in the low half. An action has such a word in
-// `INPUT_ACTION`; what acts of it just now stands in `Setting::padControls`, so that a lookup that has
-// found the binding costs one AND more.
+// `INPUT_ACTION`; what may act of it just now stands in the binding's note (`bindings/action_notes.h`),
+// so that a lookup that has found the binding costs one AND more.
 // Threads: the main thread feeds; every thread may ask, without a lock.
 #pragma once
 

@@ -34,9 +34,9 @@ struct Setting {
     std::atomic<int32_t> intValue2{0}; // second value of kInt2
     std::atomic<SettingType> type{SettingType::kInt};
     std::atomic<float> floatValue{0.0f};
-    // Found out from the two numbers of a binding, and kept here for those who look it up: the controls
-    // of game controllers that act beside them (`front/settings/pad_defaults.h`). Never saved.
-    mutable std::atomic<uint64_t> padControls{0};
+    // For whoever gives the numbers their meaning: what follows from them, kept where one lookup finds
+    // both. Never saved.
+    mutable std::atomic<uint64_t> note{0};
     std::unique_ptr<Setting> next; // older settings
 };
 
@@ -107,9 +107,9 @@ public:
     // The newest setting, from which `next` leads through all of them.
     [[nodiscard]] const Setting* First() const { return head.get(); }
 
-    // Takes over what a document validly says about settings that are registered; later elements win.
-    // False when the bytes are no such document; nothing has changed then, and `reason` says what is
-    // wrong with it.
+    // Takes over what a document validly says about settings that are registered; later elements win. A
+    // document that is broken somewhere counts up to there; `reason` then says what is wrong, and is
+    // empty for a whole one. False when it can't be read from its start on; nothing has changed then.
     bool Load(const uint8_t* bytes, size_t size);
     bool Load(const uint8_t* bytes, size_t size, std::string& reason);
 
@@ -135,12 +135,13 @@ private:
 [[nodiscard]] SettingsStore& Settings();
 
 // Registers every setting of the program with the value of a first run, then all bindings: with zero
-// values first, then with their defaults.
+// values first, then with their defaults. The list is the program's, beside the bindings; the store
+// itself knows no name.
 void RegisterDefaultSettings(SettingsStore& store);
 
-// Reads and writes `.\config.xml`. A missing or broken file leaves the defaults; `error` then says
-// what is wrong with it and stays empty for a missing one. Before the first save over a file that
-// could not be read as settings, that file is copied to `config.xml.damaged`, or the next free
-// name of that kind, beside it.
+// Reads and writes `.\config.xml`. What can't be read leaves the defaults; `error` then says what is
+// wrong with the file, also when part of it was read and the result is true. It stays empty for a
+// missing file. Before the first save over a file that was not read to its end, that file is copied to
+// `config.xml.damaged`, or the next free name of that kind, beside it.
 bool LoadSettingsFile(SettingsStore& store, std::string& error);
 [[nodiscard]] bool SaveSettingsFile(const SettingsStore& store, std::string& error);

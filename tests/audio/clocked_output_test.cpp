@@ -1,5 +1,6 @@
 #include "audio/clocked_output.h"
 
+#include "support/wait_until.h"
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -11,11 +12,8 @@ namespace {
 constexpr uint32_t kRate = 44100;
 constexpr int64_t kSecond = 1'000'000'000;
 
-// Waits for what another thread does; the suite's own time limit ends it when that never comes.
-void WaitForPulls(const std::atomic<int>& pulls, int count) {
-    while (pulls < count) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+testing::AssertionResult HasPulled(const std::atomic<int>& pulls, int count) {
+    return WaitUntil("the output to pull", [&] { return pulls >= count; });
 }
 
 } // namespace
@@ -29,7 +27,7 @@ TEST(ClockedOutput, PullsBlocksOfTheSizeAskedForUntilItIsStopped) {
         otherSizes += frames != 64 ? 1u : 0u;
         ++pulls;
     });
-    WaitForPulls(pulls, 5);
+    ASSERT_TRUE(HasPulled(pulls, 5));
     output.Stop();
     const int atStop = pulls;
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -43,10 +41,10 @@ TEST(ClockedOutput, StartsAgainWithAnotherPull) {
     std::atomic<int> first{0};
     std::atomic<int> second{0};
     output.Start(kRate, 64, [&first](int16_t*, uint32_t) { ++first; });
-    WaitForPulls(first, 1);
+    ASSERT_TRUE(HasPulled(first, 1));
     output.Start(kRate, 64, [&second](int16_t*, uint32_t) { ++second; });
     const int done = first;
-    WaitForPulls(second, 3);
+    ASSERT_TRUE(HasPulled(second, 3));
     EXPECT_EQ(first, done);
 }
 

@@ -4,8 +4,8 @@
 #include "audio/sound.h"
 #include "host/host_data.h"
 #include "host/host_fixture.h"
-
 #include "settings/bindings.h"
+
 #include <SDL.h>
 
 #include <chrono>
@@ -52,7 +52,7 @@ TEST_F(PumpedSessions, ComeAndGoWhileThePumpVisitsThem) {
         InputSetActiveKey(round % 4);
         SoundSetRoomVisible(round % 2 == 0);
         if (round % 5 == 4) {
-            SoundDeviceLost();
+            CloseSoundDevice();
             ASSERT_TRUE(OpenSoundDevice(error)) << error;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));

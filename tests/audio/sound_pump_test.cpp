@@ -18,10 +18,11 @@ std::vector<int16_t> Steady(SoundRig& rig, int16_t left, int16_t right) {
     for (int i = 0; i < 10; ++i) {
         rig.AppendPairs(441, left, right);
         rig.Play(441);
-        position = rig.session.directSound != 0 ? rig.channel->writeStereo : rig.channel->writeMono;
+        position =
+            rig.session.sound.directSound != 0 ? rig.channel->writeStereo : rig.channel->writeMono;
         rig.Pump();
     }
-    EXPECT_EQ(rig.session.soundRepositions, 0u);
+    EXPECT_EQ(rig.session.statistics.soundRepositions, 0u);
     return SoundRig::Content(rig.Active(), position, 441);
 }
 
@@ -60,8 +61,8 @@ TEST(SoundPump, EnteringFullScreenSwitchesToStereo) {
     EXPECT_EQ(rig.channel->lastPlayMono, 0u);
     EXPECT_EQ(rig.channel->writeStereo, 8 * kUnit);
     EXPECT_EQ(rig.channel->writeMono, 4 * kUnit);
-    EXPECT_EQ(rig.session.directSound, 1);
-    EXPECT_EQ(rig.session.audible, 1);
+    EXPECT_EQ(rig.session.sound.directSound, 1);
+    EXPECT_EQ(rig.session.sound.audible, 1);
 }
 
 TEST(SoundPump, StayingInFullScreenKeepsTheCursors) {
@@ -85,16 +86,16 @@ TEST(SoundPump, ShowingTheRoomSwitchesBack) {
     EXPECT_EQ(rig.channel->lastPlayStereo, 0u);
     EXPECT_EQ(rig.channel->writeStereo, 8 * kUnit);
     EXPECT_EQ(rig.channel->writeMono, 4 * kUnit);
-    EXPECT_EQ(rig.session.directSound, 0);
-    EXPECT_EQ(rig.session.audible, 1);
+    EXPECT_EQ(rig.session.sound.directSound, 0);
+    EXPECT_EQ(rig.session.sound.audible, 1);
 }
 
 TEST(SoundPump, InTheRoomEverySessionIsHeard) {
     SoundRig rig;
     rig.surroundings = {false, true, 1.0f};
     rig.Pump();
-    EXPECT_EQ(rig.session.audible, 1);
-    EXPECT_EQ(rig.session.directSound, 0);
+    EXPECT_EQ(rig.session.sound.audible, 1);
+    EXPECT_EQ(rig.session.sound.directSound, 0);
     EXPECT_TRUE(rig.channel->mono.Playing());
 }
 
@@ -102,20 +103,20 @@ TEST(SoundPump, BehindAnothersFullScreenASessionIsSilentOnTheRingItHas) {
     SoundRig rig;
     rig.surroundings = {false, false, 1.0f};
     rig.Pump();
-    EXPECT_EQ(rig.session.audible, 0);
-    EXPECT_EQ(rig.session.directSound, 0);
+    EXPECT_EQ(rig.session.sound.audible, 0);
+    EXPECT_EQ(rig.session.sound.directSound, 0);
 
     SoundRig second;
     second.Pump();
     second.surroundings.inFront = false;
     second.Pump();
-    EXPECT_EQ(second.session.audible, 0);
-    EXPECT_EQ(second.session.directSound, 1);
+    EXPECT_EQ(second.session.sound.audible, 0);
+    EXPECT_EQ(second.session.sound.directSound, 1);
     // Back in front with the room never shown: heard again, where it was.
     second.Play(100);
     second.surroundings.inFront = true;
     second.Pump();
-    EXPECT_EQ(second.session.audible, 1);
+    EXPECT_EQ(second.session.sound.audible, 1);
     EXPECT_EQ(second.channel->stereo.Cursors().play, 400u);
 }
 
@@ -132,7 +133,7 @@ TEST(SoundPump, SilentSessionWritesZeroesAndStillConsumes) {
     EXPECT_EQ(rig.channel->writeStereo, position + 600 * 4);
     EXPECT_EQ(SoundRig::Content(rig.channel->stereo, position, 600), std::vector<int16_t>(1200, 0));
     EXPECT_EQ(SoundRig::Content(rig.channel->stereo, position + 2400, 1)[0], 55);
-    EXPECT_EQ(rig.session.soundBytes, 400u * 4);
+    EXPECT_EQ(rig.session.sound.soundBytes, 400u * 4);
 }
 
 TEST(SoundPump, StereoPathFiltersEachChannelApart) {
@@ -174,6 +175,16 @@ TEST(SoundPump, ClippingComesBeforeTheVolume) {
     EXPECT_EQ(heard[1], -8192);
 }
 
+TEST(SoundPump, TheVolumeIsAppliedInSinglePrecision) {
+    // 0.7 in single precision is a little less than that, and the product of 1,000 with it rounds to 700.
+    // In double precision it stays under 700 and is truncated to 699.
+    for (const bool room : {false, true}) {
+        SoundRig rig;
+        rig.surroundings = {!room, room, 0.7f};
+        EXPECT_EQ(Steady(rig, 1000, 1000).back(), 700) << (room ? "room" : "full screen");
+    }
+}
+
 TEST(SoundPump, MonoPathAddsAndHalves) {
     SoundRig rig;
     rig.surroundings = {false, true, 0.5f};
@@ -199,11 +210,11 @@ TEST(SoundPump, MonoPathTakesTwiceTheBytesThatItWrites) {
     const uint32_t position = rig.channel->writeMono;
     rig.Pump();
     EXPECT_EQ(rig.channel->writeMono, position + 600 * 2);
-    EXPECT_EQ(rig.session.soundBytes, 400u * 4);
+    EXPECT_EQ(rig.session.sound.soundBytes, 400u * 4);
     // Less is waiting than was played: half the waiting bytes is what there is.
     rig.Play(600);
     rig.Pump();
-    EXPECT_EQ(rig.session.soundBytes, 0u);
+    EXPECT_EQ(rig.session.sound.soundBytes, 0u);
 }
 
 TEST(SoundPump, WhatIsLeftMovesToTheFront) {
@@ -219,7 +230,7 @@ TEST(SoundPump, WhatIsLeftMovesToTheFront) {
     int16_t first = 0;
     std::memcpy(&first, rig.data.pending.data(), 2);
     EXPECT_EQ(first, 600);
-    EXPECT_EQ(rig.session.soundBytes, 700u * 4);
+    EXPECT_EQ(rig.session.sound.soundBytes, 700u * 4);
 }
 
 TEST(SoundPump, VolumeAboveOneSaturates) {
@@ -243,7 +254,7 @@ TEST(SoundPump, DamagedBoostsAndVolumesDoNoHarm) {
         rig.AppendPairs(2000, 30000, -30000);
         rig.Play(1000);
         rig.Pump();
-        EXPECT_EQ(rig.session.soundBytes, 4000u);
+        EXPECT_EQ(rig.session.sound.soundBytes, 4000u);
     }
 }
 
@@ -257,9 +268,9 @@ TEST(SoundPump, NothingPlayedMeansNothingMoves) {
         rig.Pump();
     }
     EXPECT_EQ(rig.channel->writeStereo, position);
-    EXPECT_EQ(rig.session.soundBytes, 4000u);
+    EXPECT_EQ(rig.session.sound.soundBytes, 4000u);
     EXPECT_EQ(rig.data.syncBias, 7);
-    EXPECT_EQ(rig.session.soundRepositions, 0u);
+    EXPECT_EQ(rig.session.statistics.soundRepositions, 0u);
 }
 
 TEST(SoundPump, NothingWaitingLeavesTheDebtStanding) {
@@ -312,7 +323,7 @@ TEST(SoundPump, WritePositionMovesOnlyWhenItIsOutOfBounds) {
         uint32_t& last = row.positional ? rig.channel->lastPlayMono : rig.channel->lastPlayStereo;
         write = play + row.aheadMs * ring.BytesPerMs();
         rig.Pump();
-        EXPECT_EQ(rig.session.soundRepositions, row.moves ? 1u : 0u) << row.aheadMs;
+        EXPECT_EQ(rig.session.statistics.soundRepositions, row.moves ? 1u : 0u) << row.aheadMs;
         // The pump wrote 1,000 frames from there.
         const uint32_t start = play + (row.moves ? 15 : row.aheadMs) * ring.BytesPerMs();
         EXPECT_EQ(write, start + 1000 * ring.FrameBytes()) << row.aheadMs;
@@ -326,7 +337,7 @@ TEST(SoundPump, RepositionForgetsTheDebt) {
     rig.AppendPairs(100, 1, 1);
     rig.Play(4000); // 90 ms, far beyond the write position
     rig.Pump();
-    EXPECT_EQ(rig.session.soundRepositions, 1u);
+    EXPECT_EQ(rig.session.statistics.soundRepositions, 1u);
     EXPECT_EQ(rig.channel->lastPlayStereo, 16000u);
 }
 
@@ -372,24 +383,26 @@ TEST(SoundPump, RingsWrapWithoutAClick) {
             }
         }
     }
-    EXPECT_EQ(rig.session.soundRepositions, 0u);
+    EXPECT_EQ(rig.session.statistics.soundRepositions, 0u);
 }
 
-TEST(SoundPump, DeviceThatNeverMovesFillsUpAndNothingElse) {
+TEST(SoundPump, DeviceThatNeverMovesLeavesATenthOfASecondWaiting) {
     SoundRig rig;
     std::vector<int16_t> samples(size_t{735} * 2, 100);
     EMU_AUDIO_FRAME frame{samples.data(), 44100, 735};
     for (int i = 0; i < 300; ++i) {
         HostSubmitAudio(&rig.session, &frame);
         rig.Pump();
-        ASSERT_LE(rig.session.soundBytes, 44100u * 4);
+        ASSERT_LE(rig.session.sound.soundBytes, 4410u * 4);
     }
-    EXPECT_EQ(rig.session.soundBytes, 44100u * 4);
-    EXPECT_EQ(rig.session.soundRepositions, 240u); // after the first 60 frames each one
-    // It comes back: the second that waits is played from there on.
+    // Seven frames are more than the bound. What is then left is 35 ms, a little more than two frames,
+    // and four are the fewest that pass the bound again: at the 7th, the 11th and so on to the 299th.
+    EXPECT_EQ(rig.session.statistics.soundRepositions, 74u);
+    EXPECT_EQ(rig.session.sound.soundBytes, (1543u + 735u) * 4);
+    // It comes back: what waits is played from there on.
     rig.Play(512);
     rig.Pump();
-    EXPECT_EQ(rig.session.soundBytes, 44100u * 4 - 512 * 4);
+    EXPECT_EQ(rig.session.sound.soundBytes, (1543u + 735u - 512u) * 4);
     EXPECT_EQ(rig.data.syncBias, 1);
 }
 

@@ -7,7 +7,6 @@
 #include "base/audio_rate.h"
 #include "host/host_data.h"
 #include "host/session.h"
-
 #include "settings/settings.h"
 
 #include <cstdint>
@@ -55,7 +54,7 @@ struct SoundRig {
     void Pump() { PumpChannel(session, data, *channel, surroundings, gapMs); }
 
     [[nodiscard]] SoundRing& Active() {
-        return session.directSound != 0 ? channel->stereo : channel->mono;
+        return session.sound.directSound != 0 ? channel->stereo : channel->mono;
     }
 
     // The device plays `frames` of the ring in use and returns what was heard.
@@ -70,9 +69,9 @@ struct SoundRig {
 
     // Samples on their way to the pump, as the host appends them.
     void Append(std::span<const int16_t> samples) {
-        const uint32_t at = session.soundBytes;
+        const uint32_t at = session.sound.soundBytes;
         std::memcpy(data.pending.data() + at, samples.data(), samples.size_bytes());
-        session.soundBytes = at + static_cast<uint32_t>(samples.size_bytes());
+        session.sound.soundBytes = at + static_cast<uint32_t>(samples.size_bytes());
     }
     void AppendPairs(uint32_t pairs, int16_t left, int16_t right) {
         std::vector<int16_t> samples;

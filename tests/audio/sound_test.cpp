@@ -5,9 +5,10 @@
 #include "base/audio_rate.h"
 #include "host/host_data.h"
 #include "host/session.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
+#include "support/wait_until.h"
 #include <SDL.h>
 #include <gtest/gtest.h>
 
@@ -55,8 +56,8 @@ struct Session {
     // The cursors of the ring that plays, under the lock that guards the channel.
     [[nodiscard]] uint32_t PlayCursor() {
         const std::lock_guard guard(EmuSoundMutex());
-        return thread.directSound != 0 ? data.sound->stereo.Cursors().play
-                                       : data.sound->mono.Cursors().play;
+        return thread.sound.directSound != 0 ? data.sound->stereo.Cursors().play
+                                             : data.sound->mono.Cursors().play;
     }
 };
 
@@ -90,17 +91,17 @@ bool AreAlike(const SIDES& a, const SIDES& b) {
     return near(a.left, b.left) && near(a.right, b.right);
 }
 
+// Pumps until the device has taken all that the session submitted.
+testing::AssertionResult IsPlayed(Session& session) {
+    return WaitUntil("the submitted sound to be taken", [&] {
+        PumpSound(session.thread);
+        return session.thread.sound.soundBytes == 0;
+    });
+}
+
 std::string Decibels(const SIDES& sides) {
     return std::to_string(10.0 * std::log10(sides.left)) + " left, " +
            std::to_string(10.0 * std::log10(sides.right)) + " right";
-}
-
-// Waits for what another thread does; the suite's own time limit ends it when that never comes.
-template <typename Condition>
-void WaitFor(const Condition& condition) {
-    while (!condition()) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
 }
 
 } // namespace
@@ -118,11 +119,23 @@ TEST_F(Sound, NoDriverMeansAClearWordAndSilence) {
     CreateSoundChannel(session.thread);
     EXPECT_TRUE(session.data.noSound);
     session.Submit();
-    EXPECT_EQ(session.thread.soundBytes, 0u);
+    EXPECT_EQ(session.thread.sound.soundBytes, 0u);
     PumpSound(session.thread);
     SoundSetTelevision(1, 1, 2, 3);
     DestroySoundChannel(session.thread);
-    SoundDeviceLost();
+    CloseSoundDevice();
+}
+
+TEST_F(Sound, ADeviceThatCannotBeOpenedIsToldOfOnceAndByUs) {
+    // ALSA's library would write a line of its own about such a name.
+    UseDriver("alsa");
+    SDL_setenv("AUDIODEV", "no-such-device", 1);
+    testing::internal::CaptureStderr();
+    std::string error;
+    EXPECT_FALSE(OpenSoundDevice(error));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_NE(error.find("no sound: "), std::string::npos);
+    SDL_setenv("AUDIODEV", "", 1);
 }
 
 TEST_F(Sound, SessionWithoutHostDataIsPassedOver) {
@@ -130,7 +143,7 @@ TEST_F(Sound, SessionWithoutHostDataIsPassedOver) {
     CreateSoundChannel(bare);
     PumpSound(bare);
     DestroySoundChannel(bare);
-    EXPECT_EQ(bare.soundBytes, 0u);
+    EXPECT_EQ(bare.sound.soundBytes, 0u);
 }
 
 TEST_F(Sound, DevicePullsTheRingsAndThePumpFillsThem) {
@@ -143,14 +156,11 @@ TEST_F(Sound, DevicePullsTheRingsAndThePumpFillsThem) {
     CreateSoundChannel(session.thread);
     ASSERT_FALSE(session.data.noSound);
     PumpSound(session.thread);
-    EXPECT_EQ(session.thread.directSound, 1);
-    EXPECT_EQ(session.thread.audible, 1);
+    EXPECT_EQ(session.thread.sound.directSound, 1);
+    EXPECT_EQ(session.thread.sound.audible, 1);
     session.Submit();
-    EXPECT_EQ(session.thread.soundBytes, 735u * 4);
-    WaitFor([&session] {
-        PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
-    });
+    EXPECT_EQ(session.thread.sound.soundBytes, 735u * 4);
+    EXPECT_TRUE(IsPlayed(session));
     EXPECT_GT(session.PlayCursor(), 0u);
     // The gap is one pull and the lookahead: 576 frames at 176 bytes a millisecond.
     EXPECT_GE(EmuSoundGapMs(), 13u);
@@ -172,15 +182,15 @@ TEST_F(Sound, ActiveKeyAndRoomDecideWhatIsHeard) {
     };
     InputSetActiveKey(2);
     pump();
-    EXPECT_EQ(first.thread.audible, 0);
-    EXPECT_EQ(first.thread.directSound, 0);
-    EXPECT_EQ(second.thread.audible, 1);
-    EXPECT_EQ(second.thread.directSound, 1);
+    EXPECT_EQ(first.thread.sound.audible, 0);
+    EXPECT_EQ(first.thread.sound.directSound, 0);
+    EXPECT_EQ(second.thread.sound.audible, 1);
+    EXPECT_EQ(second.thread.sound.directSound, 1);
     SoundSetRoomVisible(true);
     pump();
-    EXPECT_EQ(first.thread.audible, 1);
-    EXPECT_EQ(second.thread.audible, 1);
-    EXPECT_EQ(second.thread.directSound, 0);
+    EXPECT_EQ(first.thread.sound.audible, 1);
+    EXPECT_EQ(second.thread.sound.audible, 1);
+    EXPECT_EQ(second.thread.sound.directSound, 0);
     DestroySoundChannel(first.thread);
     DestroySoundChannel(second.thread);
 }
@@ -203,15 +213,15 @@ TEST_F(Sound, LostDeviceSilencesItsSessionsAndANewOneGoesOn) {
     InputSetActiveKey(1);
     CreateSoundChannel(session.thread);
     PumpSound(session.thread);
-    WaitFor([&session] { return session.PlayCursor() > 0; });
+    EXPECT_TRUE(WaitUntil("the device to play", [&] { return session.PlayCursor() > 0; }));
     session.data.syncBias = -1;
-    SoundDeviceLost();
+    CloseSoundDevice();
     const uint32_t stood = session.PlayCursor();
     EXPECT_EQ(session.data.syncBias, 0) << "frames last what their samples say";
     for (int i = 0; i < 100; ++i) {
         session.Submit();
         PumpSound(session.thread);
-        ASSERT_EQ(session.thread.soundBytes, 0u);
+        ASSERT_EQ(session.thread.sound.soundBytes, 0u);
     }
     EXPECT_EQ(session.PlayCursor(), stood);
     EXPECT_EQ(session.data.syncBias, 0);
@@ -220,11 +230,8 @@ TEST_F(Sound, LostDeviceSilencesItsSessionsAndANewOneGoesOn) {
     EXPECT_FALSE(session.data.noSound);
     PumpSound(session.thread);
     session.Submit();
-    EXPECT_GT(session.thread.soundBytes, 0u);
-    WaitFor([&session] {
-        PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
-    });
+    EXPECT_GT(session.thread.sound.soundBytes, 0u);
+    EXPECT_TRUE(IsPlayed(session));
     DestroySoundChannel(session.thread);
 }
 
@@ -238,10 +245,7 @@ TEST_F(Sound, SessionStartedWithoutADeviceIsHeardOnceThereIsOne) {
     EXPECT_FALSE(session.data.noSound);
     PumpSound(session.thread);
     session.Submit();
-    WaitFor([&session] {
-        PumpSound(session.thread);
-        return session.thread.soundBytes == 0;
-    });
+    EXPECT_TRUE(IsPlayed(session));
     DestroySoundChannel(session.thread);
 }
 
@@ -325,7 +329,7 @@ TEST_F(Sound, TheListenerIsInRoomUnitsTooAndOnTheFloor) {
     listener.z = -100.0f;
     SoundSetListener(listener);
     StartSoundPump();
-    WaitFor([&first] { return !AreAlike(Heard(), first); });
+    EXPECT_TRUE(WaitUntil("the listener's new place", [&] { return !AreAlike(Heard(), first); }));
     const SIDES after = Heard(); // all of it after the move
     EXPECT_TRUE(AreAlike(after, expected)) << Decibels(after) << "; " << Decibels(expected);
     StopSoundPump();
@@ -364,7 +368,7 @@ TEST_F(Sound, ThreadsMeetWithoutHarm) {
         listener.x = static_cast<float>(round);
         SoundSetListener(listener);
         if (round % 20 == 19) {
-            SoundDeviceLost();
+            CloseSoundDevice();
             EXPECT_TRUE(OpenSoundDevice(error)) << error;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

@@ -19,6 +19,24 @@ TEST(Text, MalformedUtf8BecomesReplacementCharacters) {
     EXPECT_EQ(WideFromUtf8("\xF4\x90\x80\x80")[0], L'\uFFFD'); // beyond the last code point
 }
 
+// One for each byte that fits nowhere, as the header says.
+TEST(Text, EveryByteOfABrokenCharacterBecomesAReplacement) {
+    EXPECT_EQ(WideFromUtf8("a\xE6\x97z"), L"a\uFFFD\uFFFDz"); // two of three bytes
+    EXPECT_EQ(WideFromUtf8("\xF0\x9F\x8E"), L"\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(WideFromUtf8("\xED\xA0\x80"), L"\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(WideFromUtf8("\xE0\x81\x81"), L"\uFFFD\uFFFD\uFFFD"); // A in three bytes
+    EXPECT_EQ(WideFromUtf8("\xF8\x88\x80\x80\x80"), std::wstring(5, L'\uFFFD'));
+    EXPECT_EQ(WideFromUtf8("\xC3\xC3\xA9"), L"\uFFFD\u00E9");
+    EXPECT_EQ(WideFromUtf8(std::string_view("a\0b", 3)), std::wstring(L"a\0b", 3));
+    EXPECT_EQ(WideFromUtf8("\xEF\xBF\xBF\xEF\xBB\xBF"), L"\xFFFF\xFEFF") << "these two fit";
+}
+
+TEST(Text, WhatIsNoCharacterBecomesAReplacementInUtf8) {
+    EXPECT_EQ(Utf8FromWide(std::wstring(1, wchar_t{0xD800})), "\xEF\xBF\xBD");
+    EXPECT_EQ(Utf8FromWide(std::wstring(1, wchar_t{0x110000})), "\xEF\xBF\xBD");
+    EXPECT_EQ(Utf8FromWide(std::wstring(1, wchar_t{0x10FFFF})), "\xF4\x8F\xBF\xBF");
+}
+
 TEST(Text, AnyBytesConvertAndConvertBackToValidText) {
     std::mt19937 random(1);
     for (int round = 0; round < 20000; ++round) {

@@ -4,6 +4,7 @@
 
 #include "display/gl.h"
 #include "display/texture.h"
+
 #include "support/gl_context.h"
 #include <GL/gl.h>
 #include <GL/glext.h>

@@ -3,6 +3,7 @@
 #include "display/overlay_letters.h"
 #include "display/overlay_text.h"
 #include "display/screen_reader.h"
+
 #include <gmock/gmock.h>
 
 #include <algorithm>

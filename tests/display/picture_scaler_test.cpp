@@ -1,5 +1,6 @@
 #include "display/picture_scaler.h"
 #include "display/picture_scaler_private.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // Changes to the records of database entries.
 #include "formats/game_file.h"
 #include "formats/hand_made.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>

@@ -1,6 +1,7 @@
 // `.game` files read from the disk.
 #include "formats/game_file.h"
 #include "formats/hand_made.h"
+
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>
 

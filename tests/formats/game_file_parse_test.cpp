@@ -2,6 +2,7 @@
 #include "formats/game_file.h"
 #include "formats/hand_made.h"
 #include "formats/packing.h"
+
 #include <gtest/gtest.h>
 
 #include <string>

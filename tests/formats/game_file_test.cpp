@@ -1,6 +1,7 @@
 // Containers built, serialised, written and read back.
 #include "formats/game_file.h"
 #include "formats/hand_made.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #include "formats/hand_made.h"
 #include "formats/packing.h"
 #include "formats/sha256.h"
+
 #include <gtest/gtest.h>
 
 #include <string_view>

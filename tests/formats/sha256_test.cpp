@@ -1,4 +1,5 @@
 #include "formats/sha256.h"
+
 #include <gtest/gtest.h>
 
 #include <string_view>

@@ -1,5 +1,6 @@
 #include "formats/hand_made.h"
 #include "formats/zip.h"
+
 #include <gtest/gtest.h>
 #include <zlib.h>
 

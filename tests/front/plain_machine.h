@@ -2,9 +2,8 @@
 // picture whose place and shape the test chooses, and tells what it was given of the pointers.
 #pragma once
 
-#include "host/machine_list.h"
-
 #include "formats/game_file.h"
+#include "host/machine_list.h"
 #include "machine/emu_system.h"
 #include "settings/bindings.h"
 
@@ -17,12 +16,14 @@ inline constexpr uint32_t kPlainWidth = 320;
 inline constexpr uint32_t kPlainHeight = 240;
 inline constexpr uint32_t kPlainColour = 0xFFC8B4A0; // no grey, which static has
 
-// Of the whole picture and of its visible window, 256 by 192 at (32, 24).
+// Of the whole picture and of its visible window, 256 by 192.
 struct PLAIN_SHAPE {
-    float aspect;
-    float visibleAspect;
+    float aspect = 1.0f;
+    float visibleAspect = 2.0f;
+    uint32_t visibleX = 32;
+    uint32_t visibleY = 24;
 };
-inline PLAIN_SHAPE gPlainShape{1.0f, 2.0f}; // set before a game starts
+inline PLAIN_SHAPE gPlainShape{}; // set before a game starts
 
 // Written by the session's thread in every frame, `frames` last.
 struct PLAIN_INPUT {
@@ -50,8 +51,8 @@ public:
         video->width = kPlainWidth;
         video->height = kPlainHeight;
         video->aspect = gPlainShape.aspect;
-        video->visibleX = 32;
-        video->visibleY = 24;
+        video->visibleX = gPlainShape.visibleX;
+        video->visibleY = gPlainShape.visibleY;
         video->visibleWidth = 256;
         video->visibleHeight = 192;
         video->visibleAspect = gPlainShape.visibleAspect;

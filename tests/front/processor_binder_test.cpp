@@ -1,6 +1,6 @@
 #include "front/processor_binder.h"
-
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 #include <sched.h>
 

@@ -3,6 +3,7 @@
 
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <SDL.h>
 #include <gtest/gtest.h>
 

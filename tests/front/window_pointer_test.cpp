@@ -21,45 +21,29 @@ constexpr POINT kNowhere{0, 0};
 struct PLACE {
     int32_t x; // in the window
     int32_t y;
-    POINT pixel; // of the visible window
+    POINT pixel; // of the whole picture
 };
-
-// Moves the mouse, then holds its left button there or lets go of it.
-void PointAt(int32_t x, int32_t y, bool down) {
-    SDL_Event move{};
-    move.type = SDL_MOUSEMOTION;
-    move.motion.x = x;
-    move.motion.y = y;
-    SDL_PushEvent(&move);
-    SDL_Event button{};
-    button.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
-    button.button.button = SDL_BUTTON_LEFT;
-    button.button.state = down ? SDL_PRESSED : SDL_RELEASED;
-    button.button.x = x;
-    button.button.y = y;
-    SDL_PushEvent(&button);
-}
 
 class WindowPointer : public WindowTest {
 protected:
     void SetUp() override {
         WindowTest::SetUp();
         EmuSetMachines(PlainMachines());
-        gPlainShape = {1.0f, 2.0f};
+        gPlainShape = {};
         gPlainInput.frames = 0;
     }
 
     // A picture is shown, and the machine's own, not static.
-    static bool PlayUntilShown(Application& application) {
+    static testing::AssertionResult PlayUntilShown(Application& application) {
         return RunUntil(application, [&] {
             return MiddleOf(application) == kPlainColour && gPlainInput.frames > 0;
         });
     }
 
     // Lets the machine see what was done. The frame that is under way may have begun before it.
-    static bool LetItSee(Application& application) {
+    static testing::AssertionResult LetItSee(Application& application) {
         if (!application.Round()) {
-            return false;
+            return testing::AssertionFailure() << "the program ended";
         }
         const uint32_t before = gPlainInput.frames;
         return RunUntil(application, [&] { return gPlainInput.frames >= before + 2; });
@@ -75,8 +59,8 @@ protected:
 
 TEST_F(WindowTest, TheMouseOverThePictureIsALightGun) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame(), {"port1=phaser"});
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=phaser"}));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     SDL_Event move{};
     move.type = SDL_MOUSEMOTION;
@@ -93,28 +77,40 @@ TEST_F(WindowTest, TheMouseOverThePictureIsALightGun) {
     EXPECT_TRUE(RunUntilColour(application, kBlue)) << "the trigger is button 1";
 }
 
-TEST_F(WindowPointer, ThePointerIsInPixelsOfTheVisibleWindowInEveryView) {
-    // In a window of 640 by 480 the visible window of 256 by 192, twice as wide as high, is 640 by 320 with
-    // 80 lines of black above and below: 2.5 by 1.667 screen pixels to one of the picture. The whole of 320
-    // by 240, square, is 480 by 480 with 80 columns of black beside it: 1.5 by 2 screen pixels to one of
-    // the picture, whose visible window begins at pixel (32, 24), that is at (128, 48) of the screen.
-    // The first pixel is taken for the one beside it, since (0, 0) says that nobody points.
+TEST_F(WindowTest, AClickWithinOneRoundPullsTheTrigger) {
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=phaser"}));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    for (int click = 0; click < 3 && MiddleOf(application) == kRed; ++click) {
+        PointAt(320, 240, true);
+        PointAt(320, 240, false);
+        ASSERT_TRUE(RunFrames(application, 6));
+    }
+    EXPECT_EQ(MiddleOf(application), kBlue);
+}
+
+TEST_F(WindowPointer, ThePointerIsInPixelsOfTheWholePictureInEveryView) {
+    // The visible window of 256 by 192 begins at pixel (32, 24). In a window of 640 by 480, twice as wide
+    // as high, it is 640 by 320 with 80 lines of black above and below: 2.5 by 1.667 screen pixels to one
+    // of the picture. The whole of 320 by 240, square, is 480 by 480 with 80 columns of black beside it:
+    // 1.5 by 2 screen pixels to one of the picture, the visible window's first at (128, 48) of the screen.
     const std::vector<PLACE> cropped = {
-        {0,   80,  {1, 0}    },
-        {2,   81,  {1, 0}    },
-        {3,   82,  {1, 1}    },
-        {0,   82,  {0, 1}    },
-        {320, 240, {128, 96} },
-        {639, 399, {255, 191}},
+        {0,   80,  {32, 24}  },
+        {2,   81,  {32, 24}  },
+        {3,   82,  {33, 25}  },
+        {0,   82,  {32, 25}  },
+        {320, 240, {160, 120}},
+        {639, 399, {287, 215}},
         {320, 79,  kNowhere  },
         {320, 400, kNowhere  },
     };
     const std::vector<PLACE> whole = {
-        {128, 48,  {1, 0}    },
-        {130, 50,  {1, 1}    },
-        {128, 50,  {0, 1}    },
-        {320, 240, {128, 96} },
-        {511, 431, {255, 191}},
+        {128, 48,  {32, 24}  },
+        {130, 50,  {33, 25}  },
+        {128, 50,  {32, 25}  },
+        {320, 240, {160, 120}},
+        {511, 431, {287, 215}},
         {127, 240, kNowhere  }, // the picture's border
         {512, 240, kNowhere  },
         {320, 47,  kNowhere  },
@@ -123,8 +119,8 @@ TEST_F(WindowPointer, ThePointerIsInPixelsOfTheVisibleWindowInEveryView) {
         {560, 240, kNowhere  },
     };
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame(), {"port1=phaser"});
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=phaser"}));
     ASSERT_TRUE(PlayUntilShown(application));
     for (const bool crop : {true, false}) {
         for (const PictureScaler scaler : {PictureScaler::kNone, PictureScaler::kEdge2x,
@@ -146,22 +142,43 @@ TEST_F(WindowPointer, ThePointerIsInPixelsOfTheVisibleWindowInEveryView) {
     }
 }
 
+// (0, 0) says that nobody points.
+TEST_F(WindowPointer, ThePicturesFirstPixelCountsAsTheOneBesideIt) {
+    gPlainShape.visibleX = 0;
+    gPlainShape.visibleY = 0;
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=phaser"}));
+    ASSERT_TRUE(PlayUntilShown(application));
+    const std::vector<PLACE> places = {
+        {0, 80, {1, 0}},
+        {3, 80, {1, 0}},
+        {0, 82, {0, 1}}
+    };
+    for (const PLACE& place : places) {
+        PointAt(place.x, place.y, true);
+        ASSERT_TRUE(LetItSee(application));
+        EXPECT_EQ(Seen(0), place.pixel) << place.x << ", " << place.y;
+    }
+    EXPECT_TRUE(gPlainInput.trigger);
+}
+
 TEST_F(WindowPointer, EachPortWithAGunHasThePointer) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame(), {"port1=joypad", "port2=phaser"});
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=joypad", "port2=phaser"}));
     ASSERT_TRUE(PlayUntilShown(application));
     PointAt(320, 240, true);
     ASSERT_TRUE(LetItSee(application));
     EXPECT_EQ(Seen(0), kNowhere);
-    EXPECT_EQ(Seen(1), (POINT{128, 96}));
+    EXPECT_EQ(Seen(1), (POINT{160, 120}));
     EXPECT_FALSE(gPlainInput.trigger) << "the first player's port has none";
 }
 
 TEST_F(WindowPointer, BesideThePictureFiresNothing) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame(), {"port1=phaser"});
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=phaser"}));
     ASSERT_TRUE(PlayUntilShown(application));
     PointAt(320, 79, true); // the black above it
     ASSERT_TRUE(LetItSee(application));

@@ -4,16 +4,20 @@
 
 #include "base/files.h"
 #include "front/application.h"
-#include "front/play.h"
+#include "front/tools/play.h"
 #include "host/machine_list.h"
-#include "sega8/machine_rig.h"
-
 #include "machines/machines.h"
+#include "sega8/machine_rig.h"
 #include "settings/settings.h"
+
 #include "support/temporary_folder.h"
+#include "support/wait_until.h"
 #include <SDL.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -37,6 +41,22 @@ inline std::vector<uint8_t> LatchingRom() {
     return program.Image();
 }
 
+// Moves the mouse to a place in the window, then holds its left button there or lets go of it.
+inline void PointAt(int32_t x, int32_t y, bool down) {
+    SDL_Event move{};
+    move.type = SDL_MOUSEMOTION;
+    move.motion.x = x;
+    move.motion.y = y;
+    SDL_PushEvent(&move);
+    SDL_Event button{};
+    button.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
+    button.button.button = SDL_BUTTON_LEFT;
+    button.button.state = down ? SDL_PRESSED : SDL_RELEASED;
+    button.button.x = x;
+    button.button.y = y;
+    SDL_PushEvent(&button);
+}
+
 class WindowTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -48,8 +68,13 @@ protected:
         Settings().SetInt(L"app_window_height", 480);
         EmuSetMachines(BuiltInMachines());
         folder.Write("latch.sms", LatchingRom());
+        EndIfItHangs();
     }
 
+    void TearDown() override { alarm(0); }
+
+    // To be called within ASSERT_NO_FATAL_FAILURE, as the two below: without a window there is nothing
+    // that a test could go on with.
     static void Start(Application& application) {
         std::string error;
         ASSERT_TRUE(application.Start(error)) << error;
@@ -69,21 +94,29 @@ protected:
 
     [[nodiscard]] std::string LatchGame() const { return (folder.Path() / "latch.sms").string(); }
 
-    // Rounds until `done`; false when the program ends or ten thousand rounds don't do.
+public:
+    // Rounds until `done`. Fails when the program ends, or after a number of rounds or a time that is far
+    // beyond what a busy machine takes.
     template <typename Done>
-    static bool RunUntil(Application& application, Done done) {
-        for (int rounds = 0; rounds < 10000; ++rounds) {
+    static testing::AssertionResult RunUntil(Application& application, Done done) {
+        constexpr int kMostRounds = 10000;
+        const auto end = std::chrono::steady_clock::now() + kLongestWait;
+        for (int rounds = 0; rounds < kMostRounds; ++rounds) {
             if (done()) {
-                return true;
+                return testing::AssertionSuccess();
             }
             if (!application.Round()) {
-                return false;
+                return testing::AssertionFailure() << "the program ended in round " << rounds;
+            }
+            if (std::chrono::steady_clock::now() >= end) {
+                return testing::AssertionFailure() << "not within " << kLongestWait.count()
+                                                   << " seconds, " << rounds << " rounds";
             }
         }
-        return false;
+        return testing::AssertionFailure() << "not within " << kMostRounds << " rounds";
     }
 
-    static bool RunUntilColour(Application& application, uint32_t colour) {
+    static testing::AssertionResult RunUntilColour(Application& application, uint32_t colour) {
         return RunUntil(application, [&] { return MiddleOf(application) == colour; });
     }
 
@@ -96,10 +129,25 @@ protected:
                               picture.frame.width / 2];
     }
 
-    static bool RunFrames(Application& application, uint32_t frames) {
+    static testing::AssertionResult RunFrames(Application& application, uint32_t frames) {
         const uint32_t end = Application::FramesPresented() + frames;
         return RunUntil(application, [&] { return Application::FramesPresented() >= end; });
     }
 
+protected:
     TemporaryFolder folder;
+
+private:
+    // A call that waits for a display for ever cannot be left, so the process ends and names the test.
+    static void EndIfItHangs() {
+        constexpr unsigned kLongestTest = 280; // seconds; less than the time limit of a test
+        static std::string word;
+        const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+        word = std::string(test.test_suite_name()) + "." + test.name() + " hangs and is ended\n";
+        std::signal(SIGALRM, [](int) {
+            [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, word.data(), word.size());
+            _exit(1);
+        });
+        alarm(kLongestTest);
+    }
 };

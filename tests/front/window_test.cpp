@@ -1,14 +1,18 @@
 // The windowed program: started, played by keys, looked at and ended, in this process.
 #include "audio/sound.h"
-#include "front/key_injector.h"
 #include "front/notices.h"
 #include "front/program_title.h"
-#include "front/run_settings.h"
+#include "front/tools/key_injector.h"
+#include "front/tools/run_settings.h"
+#include "front/unread_notices.h"
 #include "front/window_rig.h"
+#include "host/host_data.h"
 #include "megadrive/md_rig.h"
-
 #include "settings/bindings.h"
+
 #include <gmock/gmock.h>
+
+#include <atomic>
 
 #ifdef OMBRELUNE_SANITIZED
 // The graphics driver is unloaded with each window and leaves memory behind that no name is left for.
@@ -20,6 +24,7 @@ extern "C" const char* __asan_default_options() {
 using testing::AllOf;
 using testing::Contains;
 using testing::HasSubstr;
+using testing::Not;
 
 namespace {
 
@@ -62,8 +67,8 @@ testing::Environment* const kSurroundings =
 TEST_F(WindowTest, IsPlayedByKeysAndResumesWhereItWasLeft) {
     {
         Application application;
-        Start(application);
-        PlayGame(application, LatchGame());
+        ASSERT_NO_FATAL_FAILURE(Start(application));
+        ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
         ASSERT_TRUE(RunUntilColour(application, kRed));
         ASSERT_TRUE(InjectAction(ActionIndex(L"SMS P1 BUTTON1"), true));
         ASSERT_TRUE(RunUntilColour(application, kBlue));
@@ -76,16 +81,31 @@ TEST_F(WindowTest, IsPlayedByKeysAndResumesWhereItWasLeft) {
         application.Stop();
     }
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntil(application, [&] { return application.Sets().PicturesShown() > 0; }));
     EXPECT_EQ(MiddleOf(application), kBlue) << "no static, and the button's colour at once";
 }
 
+// Press and release come in one batch of events. A computer that is very busy may keep the session from
+// looking for longer than a tap lives, so a few are made.
+TEST_F(WindowTest, ATapWithinOneRoundPressesTheButton) {
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    for (int tap = 0; tap < 3 && MiddleOf(application) == kRed; ++tap) {
+        ASSERT_TRUE(InjectAction(ActionIndex(L"SMS P1 BUTTON1"), true));
+        ASSERT_TRUE(InjectAction(ActionIndex(L"SMS P1 BUTTON1"), false));
+        ASSERT_TRUE(RunFrames(application, 6));
+    }
+    EXPECT_EQ(MiddleOf(application), kBlue);
+}
+
 TEST_F(WindowTest, SavesLoadsAndRewindsByHotkey) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     ASSERT_TRUE(RunFrames(application, 20));
     const auto press = [&](const wchar_t* action, bool down) {
@@ -120,8 +140,8 @@ TEST_F(WindowTest, SavesLoadsAndRewindsByHotkey) {
 
 TEST_F(WindowTest, AFileDroppedOnItIsPlayed) {
     Application application;
-    Start(application);
-    PlayGame(application, "demo:sms-luciole");
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:sms-luciole"));
     ASSERT_TRUE(RunFrames(application, 20));
     folder.Write("broken.sms", "");
     Drop((folder.Path() / "broken.sms").string());
@@ -138,20 +158,40 @@ TEST_F(WindowTest, AFileDroppedOnItIsPlayed) {
 
 TEST_F(WindowTest, PlaysOnWithoutItsSoundDeviceAndFindsItAgain) {
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     const uint32_t device = SoundDeviceNumber();
     ASSERT_NE(device, 0u) << "SDL's dummy driver";
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     SDL_Event event{};
     event.type = SDL_AUDIODEVICEREMOVED;
     event.adevice.which = device;
     event.adevice.iscapture = 0;
     SDL_PushEvent(&event);
-    ASSERT_TRUE(RunFrames(application, 20));
-    EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("sound device is gone")));
-    EXPECT_THAT(ProgramNotices().Lines(0), Contains("Sound is back"));
+    const auto said = [](const std::string& part) {
+        return testing::Matches(Contains(HasSubstr(part)))(ProgramNotices().Lines(0));
+    };
+    ASSERT_TRUE(RunUntil(application, [&] { return said("sound device is gone"); }));
+    ASSERT_TRUE(RunUntil(application, [&] { return said("Sound is back"); }));
     EXPECT_NE(SoundDeviceNumber(), 0u) << "the next output took over";
+    EXPECT_TRUE(RunFrames(application, 20));
+}
+
+TEST_F(WindowTest, FindsASoundDriverThatWasMissingAtTheStart) {
+    static std::atomic<int64_t> clock;
+    clock = 1'000'000;
+    HostSetClock({[] { return clock.load(); }, nullptr});
+    const std::string driver = SDL_getenv("SDL_AUDIODRIVER");
+    SDL_setenv("SDL_AUDIODRIVER", "nonesuch", 1);
+    {
+        Application application;
+        ASSERT_NO_FATAL_FAILURE(Start(application));
+        EXPECT_EQ(SoundDeviceNumber(), 0u);
+        SDL_setenv("SDL_AUDIODRIVER", driver.c_str(), 1); // time stands still, so nobody looks
+        clock += 2'000'000;
+        EXPECT_TRUE(RunUntil(application, [] { return SoundDeviceNumber() != 0; }));
+    }
+    HostSetClock({nullptr, nullptr});
 }
 
 TEST_F(WindowTest, SizesThatCannotBeHadAreMadeUsableAndSaidSo) {
@@ -159,20 +199,20 @@ TEST_F(WindowTest, SizesThatCannotBeHadAreMadeUsableAndSaidSo) {
         Settings().SetInt(L"app_window_width", size);
         Settings().SetInt(L"app_window_height", size);
         Application application;
-        Start(application);
+        ASSERT_NO_FATAL_FAILURE(Start(application));
         EXPECT_GE(application.MainWindow().PixelWidth(), 320u);
         const std::string asked = std::to_string(size) + " x " + std::to_string(size);
         EXPECT_THAT(ProgramNotices().Lines(0),
                     Contains(AllOf(HasSubstr("cannot be had"), HasSubstr(asked))));
-        PlayGame(application, LatchGame());
+        ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
         EXPECT_TRUE(RunUntilColour(application, kRed));
     }
 }
 
 TEST_F(WindowTest, ADroppedGameThatCannotRunEndsTheOldOneAndSaysSo) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     // An image like any other as far as files go; the console takes none of less than 512 bytes.
     const auto path = folder.Write("short.md", std::vector<uint8_t>(511, 0));
@@ -192,21 +232,21 @@ TEST_F(WindowTest, AMachineThatEndsIsTurnedOffAndSaidSo) {
     program.PutLong(4, kMdCodeStart + 1); // no program starts at an odd address
     const auto path = folder.Write("gone.md", program.Image());
     Application application;
-    Start(application);
-    PlayGame(application, path.string());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, path.string()));
     EXPECT_TRUE(application.Playing());
     EXPECT_THAT(Title(), HasSubstr("gone"));
     ASSERT_TRUE(RunUntil(application, [&] { return !application.Playing(); }));
     EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("address error at 0x000201")));
     EXPECT_EQ(Title(), ProgramTitle());
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     EXPECT_TRUE(RunUntilColour(application, kRed)) << "another game can be played";
     EXPECT_THAT(Title(), HasSubstr("latch"));
 }
 
 TEST_F(WindowTest, AGameThatCannotRunLeavesTheProgramUp) {
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     OPENED_GAME nothing;
     std::string error;
     EXPECT_FALSE(application.Play(nothing, error));
@@ -219,7 +259,7 @@ TEST_F(WindowTest, AGameThatCannotRunLeavesTheProgramUp) {
 TEST_F(WindowTest, SettingsOfThisRunAreNotSaved) {
     {
         Application application;
-        Start(application);
+        ASSERT_NO_FATAL_FAILURE(Start(application));
         PLAY_OPTIONS options;
         options.game = LatchGame();
         options.settings = {"audio_volume=0.25", "fm=1"};
@@ -272,4 +312,41 @@ TEST(Notices, StayForTheirTimeAndMakeRoomForNewerOnes) {
         notices.Post(text, 6000000);
     }
     EXPECT_THAT(notices.Lines(6000000), testing::ElementsAre("b", "c", "d", "e"));
+}
+
+TEST(Notices, FaultsThatHadNoTimeToBeReadAreUnread) {
+    using enum Notices::Kind;
+    Notices notices;
+    notices.Post("read", 0, kFault);
+    notices.Post("a word", 2000000);
+    notices.Post("unread", 2000000, kFault);
+    EXPECT_THAT(notices.UnreadFaults(4000000), testing::ElementsAre("unread"));
+    EXPECT_THAT(notices.UnreadFaults(4000000), testing::IsEmpty()) << "asked once";
+    EXPECT_THAT(notices.Lines(4000000), testing::ElementsAre("a word"));
+}
+
+TEST(Notices, AFaultThatMadeRoomIsUnreadToo) {
+    Notices notices;
+    notices.Post("fault", 0, Notices::Kind::kFault);
+    for (const char* text : {"a", "b", "c", "d"}) {
+        notices.Post(text, 1000000);
+    }
+    EXPECT_THAT(notices.Lines(1000000), testing::ElementsAre("a", "b", "c", "d"));
+    EXPECT_THAT(notices.UnreadFaults(9000000), testing::ElementsAre("fault"));
+}
+
+TEST_F(WindowTest, AFaultOfAWindowClosedAtOnceIsToldAtTheNextStart) {
+    static_cast<void>(ProgramNotices().UnreadFaults(0)); // those of other tests
+    KeepUnreadNotices();
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "unread.txt")) << "nothing to tell";
+    PostReport("the disk is full");
+    KeepUnreadNotices();
+    EXPECT_THAT(ProgramNotices().Lines(0), Not(Contains("the disk is full")));
+    TellUnreadNotices();
+    EXPECT_THAT(ProgramNotices().Lines(0), Contains("Last time: the disk is full"));
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "unread.txt"));
+    KeepUnreadNotices(); // closed at once again
+    TellUnreadNotices();
+    EXPECT_THAT(ProgramNotices().Lines(0), Contains("Last time: the disk is full"));
+    static_cast<void>(ProgramNotices().UnreadFaults(0));
 }

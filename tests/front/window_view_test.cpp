@@ -1,10 +1,9 @@
 // What the window shows of a game: the picture in every view, its size and place, the text over it.
+#include "facts/machine_facts.h"
 #include "front/demos.h"
 #include "front/plain_machine.h"
 #include "front/window_rig.h"
 #include "library/convert.h"
-#include "library/systems.h"
-
 #include "settings/bindings.h"
 
 #include <algorithm>
@@ -185,9 +184,8 @@ void CompareAllViews(Application& application) {
                 application.SetView(view);
                 // The next picture comes through this scaler.
                 const uint64_t shown = application.Sets().PicturesShown();
-                while (application.Sets().PicturesShown() == shown) {
-                    ASSERT_TRUE(application.Round());
-                }
+                ASSERT_TRUE(WindowTest::RunUntil(
+                    application, [&] { return application.Sets().PicturesShown() != shown; }));
                 CompareWindow(application, view);
             }
         }
@@ -198,8 +196,8 @@ void CompareAllViews(Application& application) {
 
 TEST_F(WindowTest, ShowsTheMachinesPictureInEveryView) {
     Application application;
-    Start(application);
-    PlayGame(application, "demo:sms-luciole");
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:sms-luciole"));
     ASSERT_TRUE(RunFrames(application, 150));
     CompareAllViews(application);
 }
@@ -208,16 +206,16 @@ TEST_F(WindowTest, ShowsAWidePictureAndANarrowWindow) {
     Settings().SetInt(L"app_window_width", 350);
     Settings().SetInt(L"app_window_height", 601);
     Application application;
-    Start(application);
-    PlayGame(application, "demo:gg-glimmer");
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:gg-glimmer"));
     ASSERT_TRUE(RunFrames(application, 150));
     CompareAllViews(application);
 }
 
 TEST_F(WindowTest, ShowsAPictureThatWasTurned) {
     Application application;
-    Start(application);
-    PlayGame(application, "demo:arcade-skywren");
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:arcade-skywren"));
     ASSERT_TRUE(RunFrames(application, 100));
     const EMU_VIDEO_FRAME upright = application.Sets().Kept().frame;
     OPENED_GAME opened;
@@ -233,8 +231,8 @@ TEST_F(WindowTest, ShowsAPictureThatWasTurned) {
 
 TEST_F(WindowTest, FunctionKeysChangeTheView) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     const auto tap = [&](SDL_Scancode key) {
         Key(key, true);
@@ -279,10 +277,10 @@ TEST_F(WindowTest, TheStatusLinesStandAtTheirPlaces) {
     EmuSetMachines(PlainMachines());
     gPlainShape = {1.44f, 1.44f}; // over the whole width, with four rows of black above
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_EQ(application.MainWindow().PixelWidth(), kWidth);
     ASSERT_EQ(application.MainWindow().PixelHeight(), 720u);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kPlainColour));
     ASSERT_TRUE(application.Round());
     const std::vector<uint32_t> without = application.ReadWindow();
@@ -331,11 +329,11 @@ TEST_F(WindowTest, TheStatusLinesStandAtTheirPlaces) {
 
 TEST_F(WindowTest, AResizedWindowIsDrawnInItsNewSize) {
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     if (std::strcmp(SDL_GetCurrentVideoDriver(), "offscreen") == 0) {
         GTEST_SKIP() << "off the screen what is drawn on keeps its size; WindowUnderX runs this";
     }
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     constexpr WINDOW_SIZE kSizes[] = {
         {800, 450},
@@ -354,8 +352,8 @@ TEST_F(WindowTest, AResizedWindowIsDrawnInItsNewSize) {
 
 TEST_F(WindowTest, FullScreenAndBack) {
     Application application;
-    Start(application);
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     // Without a window manager no window is given another size, so here it is only asked for.
     for (const SDL_Keymod modifier : {KMOD_NONE, KMOD_ALT}) {
@@ -376,7 +374,7 @@ TEST_F(WindowTest, FullScreenAndBack) {
 TEST_F(WindowTest, AWindowThatStartsFullScreenIsDrawnInTheDisplaysSize) {
     Settings().SetBool(L"app_fullscreen", true);
     Application application;
-    Start(application);
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     EXPECT_TRUE(IsFullScreen());
     if (std::strcmp(SDL_GetCurrentVideoDriver(), "offscreen") != 0) {
         GTEST_SKIP() << "a display server may want a window manager for it; run off the screen";
@@ -385,7 +383,7 @@ TEST_F(WindowTest, AWindowThatStartsFullScreenIsDrawnInTheDisplaysSize) {
     ASSERT_EQ(SDL_GetDesktopDisplayMode(0, &display), 0);
     EXPECT_EQ(application.MainWindow().PixelWidth(), static_cast<uint32_t>(display.w));
     EXPECT_EQ(application.MainWindow().PixelHeight(), static_cast<uint32_t>(display.h));
-    PlayGame(application, LatchGame());
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     ASSERT_TRUE(application.Round());
     CompareWindow(application, application.View());

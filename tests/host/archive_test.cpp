@@ -1,9 +1,9 @@
 #include "base/files.h"
+#include "formats/zip.h"
 #include "host/archive.h"
 #include "host/host_fixture.h"
 #include "host/report.h"
 
-#include "formats/zip.h"
 #include <sys/resource.h>
 
 #include <csignal>

@@ -2,6 +2,7 @@
 #include "host/battery_file.h"
 #include "host/frame_loop.h"
 #include "host/host_fixture.h"
+#include "host/session_saves.h"
 
 #include <algorithm>
 #include <chrono>
@@ -53,6 +54,11 @@ protected:
         });
     }
 
+    static void Load(EMU_THREAD& session) { BatteryLoad(session.battery, MachineOf(session)); }
+    static void PutBack(EMU_THREAD& session) {
+        BatteryPutBack(session.battery, MachineOf(session));
+    }
+
     static void Fill(EMU_THREAD& session, uint8_t value) {
         MachineOf(session).battery.assign(kBatteryBytes, value);
     }
@@ -60,21 +66,21 @@ protected:
 
 TEST_F(BatteryFile, UntouchedMemoryMakesNoFile) {
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
-    EmuSaveBattery(*session);
+    Load(*session);
+    SessionSaveBattery(*session);
     EXPECT_TRUE(Names().empty());
     EXPECT_TRUE(TakeReports().empty());
 }
 
 TEST_F(BatteryFile, ChangedMemoryIsThereTheNextTime) {
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Fill(*session, 0x42);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 0x42));
 
     const auto again = Create(WithBattery());
-    EmuLoadBattery(*again);
+    Load(*again);
     EXPECT_EQ(MachineOf(*again).battery, Bytes(kBatteryBytes, 0x42));
     EXPECT_TRUE(TakeReports().empty());
 }
@@ -83,12 +89,12 @@ TEST_F(BatteryFile, TwoImagesOfOneNameHaveTheirOwn) {
     const auto first = Create(WithBattery());
     const auto second = Create(WithBattery(), "GAME", 1, 0x01);
     for (EMU_THREAD* session : {first.get(), second.get()}) {
-        EmuLoadBattery(*session);
+        Load(*session);
     }
     Fill(*first, 1);
     Fill(*second, 2);
-    EmuSaveBattery(*first);
-    EmuSaveBattery(*second);
+    SessionSaveBattery(*first);
+    SessionSaveBattery(*second);
     EXPECT_EQ(Names(),
               (std::vector<std::string>{"game.010101010101.sav", "game.a5a5a5a5a5a5.sav"}));
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 1));
@@ -97,8 +103,8 @@ TEST_F(BatteryFile, TwoImagesOfOneNameHaveTheirOwn) {
 TEST_F(BatteryFile, GameWithoutMemoryLeavesAFileAlone) {
     Put({1, 2, 3});
     const auto session = Create();
-    EmuLoadBattery(*session);
-    EmuSaveBattery(*session);
+    Load(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(Path()), (Bytes{1, 2, 3}));
     EXPECT_EQ(Names().size(), 1u);
 }
@@ -106,11 +112,11 @@ TEST_F(BatteryFile, GameWithoutMemoryLeavesAFileAlone) {
 TEST_F(BatteryFile, TheFileAsFoundIsKeptOnceASession) {
     Put(Bytes(kBatteryBytes, 7));
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Fill(*session, 8);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     Fill(*session, 9);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 9));
     EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.before.sav"), Bytes(kBatteryBytes, 7));
 }
@@ -119,11 +125,11 @@ TEST_F(BatteryFile, WrongLengthIsSetAsideUnderTheFirstFreeName) {
     for (uint8_t round = 1; round <= 2; ++round) {
         Put(Bytes(round, round));
         const auto session = Create(WithBattery());
-        EmuLoadBattery(*session);
+        Load(*session);
         EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, 0xFF));
         EXPECT_EQ(TakeReports().size(), 1u);
         Fill(*session, 0x10);
-        EmuSaveBattery(*session);
+        SessionSaveBattery(*session);
         EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 0x10));
     }
     EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.damaged-1.sav"), Bytes(1, 1));
@@ -133,10 +139,10 @@ TEST_F(BatteryFile, WrongLengthIsSetAsideUnderTheFirstFreeName) {
 TEST_F(BatteryFile, OneThatCannotBeReadIsNeverTouched) {
     fs::create_directories(Path()); // a folder of that name is there and is no file
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     EXPECT_EQ(TakeReports().size(), 1u);
     Fill(*session, 3);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_TRUE(fs::is_directory(Path()));
     EXPECT_TRUE(TakeReports().empty());
 }
@@ -157,12 +163,12 @@ TEST_F(BatteryFile, AFailedWriteIsToldOnceAndTriedAgainAtTheEnd) {
 
 TEST_F(BatteryFile, WhatSomebodyElseWroteIsKept) {
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Fill(*session, 1);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     Put(Bytes(kBatteryBytes, 2));
     Fill(*session, 3);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(TakeReports().size(), 1u);
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 3));
     EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.other-1.sav"), Bytes(kBatteryBytes, 2));
@@ -170,12 +176,12 @@ TEST_F(BatteryFile, WhatSomebodyElseWroteIsKept) {
 
 TEST_F(BatteryFile, AWriteThatFailedIsNotTakenForOneThatCameLater) {
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     session->battery.refused = Bytes(kBatteryBytes, 1); // as after a failed write of it
     Fill(*session, 2);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     Fill(*session, 1);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 1));
 }
 
@@ -183,27 +189,27 @@ TEST_F(BatteryFile, AWriteThatFailedIsNotTakenForOneThatCameLater) {
 TEST_F(BatteryFile, TheFilesMemoryGoesBackOverTheAutosaves) {
     Put(Bytes(kBatteryBytes, 9));
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Fill(*session, 5); // by the state
-    EmuBatteryAfterState(*session);
+    PutBack(*session);
     EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, 9));
 }
 
 TEST_F(BatteryFile, AFileOfAnotherLengthLeavesTheAutosavesMemory) {
     Put(Bytes(3, 9));
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Fill(*session, 5);
-    EmuBatteryAfterState(*session);
+    PutBack(*session);
     EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, 5));
     TakeReports();
 }
 
 TEST_F(BatteryFile, WithoutAFileTheAutosavesMemoryStays) {
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Fill(*session, 5);
-    EmuBatteryAfterState(*session);
+    PutBack(*session);
     EXPECT_EQ(MachineOf(*session).battery, Bytes(kBatteryBytes, 5));
 }
 
@@ -211,44 +217,44 @@ TEST_F(BatteryFile, WithoutAFileTheAutosavesMemoryStays) {
 TEST_F(BatteryFile, WhatAStateOrRewindingTakesBackIsKept) {
     const fs::path former = Folder() / "game.a5a5a5a5a5a5.before-state.sav";
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Fill(*session, 1); // by the game
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_FALSE(fs::exists(former));
 
     session->battery.rolledBack = true;
     Fill(*session, 2);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 2));
     EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 1));
 
     session->battery.rolledBack = true; // further back: nothing that the game wrote is in the file
     Fill(*session, 3);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 1));
 
     Fill(*session, 4); // by the game again
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 1));
     session->battery.rolledBack = true;
     Fill(*session, 5);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 4));
     EXPECT_TRUE(TakeReports().empty());
 }
 
 TEST_F(BatteryFile, GoingBackToTheSameMemoryCountsForNothing) {
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Fill(*session, 1);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     session->battery.rolledBack = true; // and the state held the same
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     Fill(*session, 2); // by the game
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     session->battery.rolledBack = true;
     Fill(*session, 1);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.before-state.sav"), Bytes(kBatteryBytes, 2));
 }
 
@@ -270,9 +276,9 @@ TEST_F(BatteryFile, NothingIsWrittenWhereNobodyPlays) {
     Put(Bytes(kBatteryBytes, 7));
     EmuWriteBatteries(false);
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Fill(*session, 8);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EmuWriteBatteries(true);
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 7));
     EXPECT_EQ(Names().size(), 1u);
@@ -282,20 +288,20 @@ TEST_F(BatteryFile, OneThatIsTooLongToBeReadIsNeverTouched) {
     const Bytes huge((size_t{1} << 20) + 1, 1);
     Put(huge);
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     EXPECT_EQ(TakeReports().size(), 1u);
     Fill(*session, 3);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(Path()), huge);
     EXPECT_EQ(Names().size(), 1u);
 }
 
 TEST_F(BatteryFile, OneThatAppearsAfterTheStartIsSomebodyElses) {
     const auto session = Create(WithBattery());
-    EmuLoadBattery(*session);
+    Load(*session);
     Put(Bytes(kBatteryBytes, 2));
     Fill(*session, 3);
-    EmuSaveBattery(*session);
+    SessionSaveBattery(*session);
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 3));
     EXPECT_EQ(Content(Folder() / "game.a5a5a5a5a5a5.other-1.sav"), Bytes(kBatteryBytes, 2));
     EXPECT_EQ(TakeReports().size(), 1u);

@@ -6,11 +6,12 @@
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/static.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <filesystem>
 #include <set>
 
@@ -188,8 +189,58 @@ TEST_F(FrameLoop, FastForwardRunsSeveralFramesAndDrawsItsGlyph) {
     EXPECT_EQ(machine->runs, 4u);
     EXPECT_EQ(FrameOf(drawn), 4u);
     EXPECT_TRUE(HasGlyph(drawn, SpeedGlyph::kForward));
-    EXPECT_EQ(session->rewindCount, 4u); // recorded as usual
-    EXPECT_EQ(gSubmitted[0], 400);       // only the last frame is heard
+    EXPECT_EQ(session->rewind.rewindCount, 4u); // recorded as usual
+    EXPECT_EQ(gSubmitted[0], 400);              // only the last frame is heard
+}
+
+// Frames 1, 3, 5 and so on are held. From wherever the key is held and however fast, every round shows
+// the newest frame of its own that is not.
+TEST_F(FrameLoop, FastForwardShowsTheNewestFrameThatIsNotHeld) {
+    for (const uint32_t steps : {2u, 3u, 4u, 9u, 10u}) {
+        for (uint32_t before = 0; before < 2; ++before) {
+            Settings().SetInt(L"emu_fastforward", static_cast<int32_t>(steps));
+            Open({.glasses = 1});
+            EMU_HOST_DATA& data = *session->hostData;
+            for (uint32_t i = 0; i < before; ++i) {
+                Round();
+            }
+            for (uint32_t round = 1; round <= 6; ++round) {
+                const uint32_t newest = before + round * steps;
+                Round(kForward);
+                const EMU_VIDEO_FRAME* const shown = HostTakeFrame(data);
+                ASSERT_NE(shown, nullptr) << steps << " steps, round " << round;
+                EXPECT_EQ(FrameOf(*shown), newest - newest % 2);
+                EXPECT_TRUE(HasGlyph(*shown, SpeedGlyph::kForward));
+                EXPECT_EQ(machine->runs, newest); // the set pace
+                EXPECT_EQ(gSubmitted[0],
+                          static_cast<int16_t>(newest * 100)); // the last frame's sound
+                EXPECT_EQ(session->rewind.rewindCount, newest);
+            }
+            HostClose(session.get());
+        }
+    }
+}
+
+// One frame a round is normal play: every second one is held as ever.
+TEST_F(FrameLoop, AFastRoundOfHeldFramesAloneIsHeld) {
+    Settings().SetInt(L"emu_fastforward", 1);
+    Open({.glasses = 1});
+    EMU_HOST_DATA& data = *session->hostData;
+    Round(kForward);
+    EXPECT_EQ(HostTakeFrame(data), nullptr);
+    Round(kForward);
+    const EMU_VIDEO_FRAME* const shown = HostTakeFrame(data);
+    ASSERT_NE(shown, nullptr);
+    EXPECT_EQ(FrameOf(*shown), 2u);
+}
+
+TEST_F(FrameLoop, APictureThatAHeldOneWasDrawnOverIsStillTurned) {
+    Open({.glasses = 1, .rotated = 1});
+    Round();
+    const EMU_VIDEO_FRAME& drawn = Round(kForward); // frames 2 and 3
+    EXPECT_EQ(FrameOf(drawn), 2u);
+    EXPECT_EQ(drawn.width, 240u);
+    EXPECT_EQ(drawn.height, 320u);
 }
 
 TEST_F(FrameLoop, FastForwardIsFixedForTheLifeOfTheSession) {
@@ -205,7 +256,7 @@ TEST_F(FrameLoop, FastForwardBeatsRewind) {
     Round();
     const EMU_VIDEO_FRAME& drawn = Round({.fastForward = true, .rewind = true});
     EXPECT_EQ(FrameOf(drawn), 3u);
-    EXPECT_EQ(session->rewindSteps, 0u);
+    EXPECT_EQ(session->rewind.rewindSteps, 0u);
 }
 
 TEST_F(FrameLoop, FastForwardOfZeroDrawsOnlyItsGlyphOverTheOldPicture) {
@@ -231,7 +282,7 @@ TEST_F(FrameLoop, RewindWithoutABufferActsAsIfNotPressed) {
         Round();
         const EMU_VIDEO_FRAME& drawn = Round(kRewind);
         EXPECT_EQ(FrameOf(drawn), 2u);
-        EXPECT_EQ(session->rewindCount, 0u);
+        EXPECT_EQ(session->rewind.rewindCount, 0u);
         EXPECT_FALSE(HasGlyph(drawn, SpeedGlyph::kBack));
         HostClose(session.get());
     }
@@ -243,14 +294,14 @@ TEST_F(FrameLoop, RewindPlaysHistoryBackwards) {
     for (uint32_t frame = 1; frame <= 5; ++frame) {
         EXPECT_EQ(Step(false), frame);
     }
-    EXPECT_EQ(session->rewindCount, 5u);
+    EXPECT_EQ(session->rewind.rewindCount, 5u);
     for (uint32_t taken = 1; taken <= 5; ++taken) {
         EXPECT_EQ(Step(true), 7 - taken);
-        EXPECT_EQ(session->rewindSteps, taken);
-        EXPECT_EQ(session->rewindCount, 5 - taken);
+        EXPECT_EQ(session->rewind.rewindSteps, taken);
+        EXPECT_EQ(session->rewind.rewindCount, 5 - taken);
         EXPECT_TRUE(HasGlyph(video, SpeedGlyph::kBack));
     }
-    EXPECT_EQ(session->rewindHead, nullptr);
+    EXPECT_EQ(session->rewind.rewindHead, nullptr);
 }
 
 TEST_F(FrameLoop, PlayGoesOnFromWhereRewindEnded) {
@@ -261,10 +312,10 @@ TEST_F(FrameLoop, PlayGoesOnFromWhereRewindEnded) {
     Step(true);
     Step(true);
     EXPECT_EQ(Step(true), 9u); // state 8, and one frame on
-    EXPECT_EQ(session->rewindCount, 7u);
+    EXPECT_EQ(session->rewind.rewindCount, 7u);
     EXPECT_EQ(Step(false), 10u);
-    EXPECT_EQ(session->rewindSteps, 0u);
-    EXPECT_EQ(session->rewindCount, 8u); // recording goes on upon what remained
+    EXPECT_EQ(session->rewind.rewindSteps, 0u);
+    EXPECT_EQ(session->rewind.rewindCount, 8u); // recording goes on upon what remained
     EXPECT_EQ(Step(true), 11u);
     EXPECT_EQ(Step(true), 8u); // state 7, from before the rewind
 }
@@ -310,7 +361,7 @@ TEST_F(FrameLoop, WhenRewindRunsOutPictureAndSoundStay) {
         EXPECT_EQ(gPresented, 16666u);
     }
     EXPECT_EQ(machine->runs, runs);
-    EXPECT_EQ(session->rewindCount, 0u);
+    EXPECT_EQ(session->rewind.rewindCount, 0u);
 }
 
 // States of 64 KiB against one mebibyte: sixteen fit.
@@ -319,15 +370,15 @@ TEST_F(FrameLoop, StackIsBoundedByTheSettingReadAfreshEachFrame) {
     for (int i = 0; i < 40; ++i) {
         Step(false);
     }
-    EXPECT_EQ(session->rewindCount, 16u);
+    EXPECT_EQ(session->rewind.rewindCount, 16u);
     Settings().SetInt(L"emu_rewindbuffer", 2);
     for (int i = 0; i < 40; ++i) {
         Step(false);
     }
-    EXPECT_EQ(session->rewindCount, 32u);
+    EXPECT_EQ(session->rewind.rewindCount, 32u);
     Settings().SetInt(L"emu_rewindbuffer", 0);
     Step(false);
-    EXPECT_EQ(session->rewindCount, 32u); // nothing is saved, and nothing taken away
+    EXPECT_EQ(session->rewind.rewindCount, 32u); // nothing is saved, and nothing taken away
     Settings().SetInt(L"emu_rewindbuffer", 1);
     EXPECT_EQ(Step(true), 81u); // state 80: frame 81 had none
 }
@@ -335,8 +386,8 @@ TEST_F(FrameLoop, StackIsBoundedByTheSettingReadAfreshEachFrame) {
 TEST_F(FrameLoop, AStateThatCannotBeSavedIsNotPushed) {
     OpenBare({.failSave = 1});
     Step(false);
-    EXPECT_EQ(session->rewindCount, 0u);
-    EXPECT_EQ(session->rewindHead, nullptr);
+    EXPECT_EQ(session->rewind.rewindCount, 0u);
+    EXPECT_EQ(session->rewind.rewindHead, nullptr);
 }
 
 TEST_F(FrameLoop, AStateThatCannotBeLoadedStillRunsAFrame) {
@@ -344,7 +395,7 @@ TEST_F(FrameLoop, AStateThatCannotBeLoadedStillRunsAFrame) {
     Step(false);
     machine->behaviour.failLoad = 1;
     EXPECT_EQ(Step(true), 2u);
-    EXPECT_EQ(session->rewindCount, 0u);
+    EXPECT_EQ(session->rewind.rewindCount, 0u);
 }
 
 TEST_F(FrameLoop, StaticRunsSeventyFramesBeforeTheMachine) {
@@ -398,7 +449,7 @@ TEST_F(FrameLoop, StaticNeitherRewindsNorRecords) {
     EXPECT_TRUE(EmuStep(*session, &input, &video, &sound.frame, true));
     EXPECT_TRUE(EmuStep(*session, &input, &video, &sound.frame, false));
     EXPECT_EQ(machine->runs, 0u);
-    EXPECT_EQ(session->rewindCount, 0u);
+    EXPECT_EQ(session->rewind.rewindCount, 0u);
     EXPECT_EQ(session->staticFrames, 2u);
 }
 
@@ -482,6 +533,54 @@ TEST_F(FrameLoop, HotkeysReachTheActiveSessionAlone) {
     InputSetWalkingRoom(true);
     const HOTKEYS none = EmuPollHotkeys(3);
     EXPECT_FALSE(none.fastForward || none.rewind || none.saveState || none.loadState);
+}
+
+TEST_F(FrameLoop, ATapIsDownInOneFrameOfTheMachine) {
+    Open();
+    InputSetActiveKey(session->key);
+    Press(L"SMS P1 BUTTON1", true);
+    Press(L"SMS P1 BUTTON1", false);
+    Round();
+    EXPECT_EQ(machine->pressed, 1u);
+    Round();
+    EXPECT_EQ(machine->pressed, 1u);
+    Press(L"SMS P1 BUTTON1", true);
+    Press(L"SMS P1 BUTTON1", false);
+    Round(kForward);
+    EXPECT_EQ(machine->runs, 4u);
+    EXPECT_EQ(machine->pressed, 2u) << "in one of the two frames of a fast round";
+}
+
+TEST_F(FrameLoop, ATapDuringStaticIsNotPlayedAfterwards) {
+    Open();
+    InputSetActiveKey(session->key);
+    session->showStatic = 1;
+    Press(L"SMS P1 BUTTON1", true);
+    Press(L"SMS P1 BUTTON1", false);
+    Round();
+    session->showStatic = 0;
+    Round();
+    EXPECT_EQ(machine->runs, 1u);
+    EXPECT_EQ(machine->pressed, 0u);
+}
+
+// A computer that is very busy may keep the session from looking for longer than a tap lives, so several
+// are made; without a look of its own the session would see hardly one in a thousand.
+TEST_F(FrameLoop, ATapOfAHotkeyActsOnce) {
+    static std::atomic<uint32_t> saved{0};
+    saved = 0;
+    HostSetNoticeSink([](const std::string& notice) { saved += notice == "State saved" ? 1 : 0; });
+    Start(3);
+    InputSetActiveKey(3);
+    uint32_t taps = 0;
+    for (; taps < 5 && saved == 0; ++taps) {
+        Press(L"Save State", true);
+        Press(L"Save State", false);
+        const int32_t end = gCounts.presents + 3;
+        ASSERT_TRUE(Eventually([&] { return gCounts.presents >= end; }));
+    }
+    EmuStopSession(3);
+    EXPECT_EQ(saved, 1u) << taps << " taps";
 }
 
 TEST_F(FrameLoop, ASessionWithoutBuffersOnlyWaits) {

@@ -127,7 +127,7 @@ TEST_F(HostData, FramesNobodyTookAreCountedAsMissed) {
     Publish(1);
     Publish(2);
     Publish(3);
-    EXPECT_EQ(session.framesMissed, 3u);
+    EXPECT_EQ(session.statistics.framesMissed, 3u);
     EXPECT_EQ(Take(), 2u); // the older of the two that wait
     EXPECT_EQ(Take(), 3u);
     EXPECT_EQ(Take(), 0u);
@@ -138,12 +138,12 @@ TEST_F(HostData, ADisplayThatKeepsUpMissesNothingAfterTheFirstRound) {
         Publish(number);
         Take();
     }
-    const uint32_t missed = session.framesMissed;
+    const uint32_t missed = session.statistics.framesMissed;
     for (uint32_t number = 5; number <= 100; ++number) {
         Publish(number);
         Take();
     }
-    EXPECT_EQ(session.framesMissed, missed);
+    EXPECT_EQ(session.statistics.framesMissed, missed);
 }
 
 TEST_F(HostData, AHeldFrameKeepsItsBufferAndIsNotPublished) {
@@ -153,7 +153,7 @@ TEST_F(HostData, AHeldFrameKeepsItsBufferAndIsNotPublished) {
     EXPECT_EQ(HostGetVideoFrame(&session), before);
     EXPECT_EQ(before->hold, 0); // cleared, so that the next one goes out
     EXPECT_EQ(Take(), 0u);
-    EXPECT_EQ(session.framesMissed, 0u);
+    EXPECT_EQ(session.statistics.framesMissed, 0u);
     Publish(2);
     EXPECT_EQ(Take(), 2u);
 }
@@ -191,24 +191,24 @@ TEST_F(HostData, ReadAndWriteNeverMeetInAnyOrder) {
         ASSERT_EQ(data->frames[data->writeIndex].hold, 0);
     }
     EXPECT_GT(taken, 1000u);
-    EXPECT_GT(session.framesMissed, 1000u);
+    EXPECT_GT(session.statistics.framesMissed, 1000u);
 }
 
 TEST_F(HostData, SamplesAreAppended) {
     Submit(100, 1);
     Submit(50, 2);
-    EXPECT_EQ(session.soundBytes, 600u);
+    EXPECT_EQ(session.sound.soundBytes, 600u);
     EXPECT_EQ(PendingSample(0), 1);
     EXPECT_EQ(PendingSample(398), 1);
     EXPECT_EQ(PendingSample(400), 2);
     EXPECT_EQ(PendingSample(598), 2);
-    EXPECT_EQ(session.soundRepositions, 0u);
+    EXPECT_EQ(session.statistics.soundRepositions, 0u);
 }
 
 TEST_F(HostData, ASilentSessionKeepsNoSamples) {
     data->noSound = true;
     Submit(100, 1);
-    EXPECT_EQ(session.soundBytes, 0u);
+    EXPECT_EQ(session.sound.soundBytes, 0u);
 }
 
 TEST_F(HostData, ExactlyOneSecondFits) {
@@ -220,22 +220,22 @@ TEST_F(HostData, ExactlyOneSecondFits) {
     EMU_AUDIO_FRAME audio{samples.data(), 1000, 500};
     HostSubmitAudio(&slow, &audio);
     HostSubmitAudio(&slow, &audio);
-    EXPECT_EQ(slow.soundBytes, 4000u);
-    EXPECT_EQ(slow.soundRepositions, 0u);
+    EXPECT_EQ(slow.sound.soundBytes, 4000u);
+    EXPECT_EQ(slow.statistics.soundRepositions, 0u);
     // One pair more: the newest 500 pairs then end at the second, over what was there.
     HostSubmitAudio(&slow, &audio);
-    EXPECT_EQ(slow.soundBytes, 4000u);
-    EXPECT_EQ(slow.soundRepositions, 1u);
+    EXPECT_EQ(slow.sound.soundBytes, 4000u);
+    EXPECT_EQ(slow.statistics.soundRepositions, 1u);
     // More than a second in one frame is cut to a second.
     audio.sampleCount = 1000;
     HostSubmitAudio(&slow, &audio);
-    EXPECT_EQ(slow.soundBytes, 4000u);
+    EXPECT_EQ(slow.sound.soundBytes, 4000u);
     audio.sampleCount = 0xFFFFFFF;
     EMU_AUDIO_FRAME most{samples.data(), 1000, 1001};
     samples.resize(2002);
     most.samples = samples.data();
     HostSubmitAudio(&slow, &most);
-    EXPECT_EQ(slow.soundBytes, 4000u);
+    EXPECT_EQ(slow.sound.soundBytes, 4000u);
     HostClose(&slow);
 }
 
@@ -243,10 +243,10 @@ TEST_F(HostData, AFullBufferOverwritesItsEnd) {
     for (int16_t i = 0; i < 60; ++i) {
         Submit(735, i); // 60 x 735 pairs are one second to the byte
     }
-    EXPECT_EQ(session.soundBytes, 44100u * 4);
+    EXPECT_EQ(session.sound.soundBytes, 44100u * 4);
     Submit(700, 99);
-    EXPECT_EQ(session.soundRepositions, 1u);
-    EXPECT_EQ(session.soundBytes, 44100u * 4);
+    EXPECT_EQ(session.statistics.soundRepositions, 1u);
+    EXPECT_EQ(session.sound.soundBytes, 44100u * 4);
     EXPECT_EQ(PendingSample(size_t{44100 - 700} * 4), 99);
     EXPECT_EQ(PendingSample(size_t{44100 - 700} * 4 - 2), 59);
     EXPECT_EQ(PendingSample(0), 0);

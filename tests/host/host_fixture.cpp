@@ -1,7 +1,6 @@
 #include "host/host_fixture.h"
 
 #include "host/report.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 

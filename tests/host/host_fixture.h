@@ -2,11 +2,11 @@
 // machines, a host without window or device, and a check that nothing is left behind.
 #pragma once
 
+#include "formats/game_file.h"
 #include "host/host_data.h"
 #include "host/session.h"
 #include "host/test_machine.h"
 
-#include "formats/game_file.h"
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>
 

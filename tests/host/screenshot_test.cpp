@@ -1,6 +1,5 @@
 #include "host/host_fixture.h"
 #include "host/screenshot.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 

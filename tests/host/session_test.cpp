@@ -1,7 +1,6 @@
 #include "base/files.h"
 #include "host/host_fixture.h"
 #include "host/session.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -52,7 +51,7 @@ TEST_F(Session, RecordIsFilledAsTold) {
     EXPECT_EQ(session->frameWidth, 320u);
     EXPECT_EQ(session->frameHeight, 240u);
     EXPECT_EQ(session->staticFrames, 0u);
-    EXPECT_EQ(session->rewindHead, nullptr);
+    EXPECT_EQ(session->rewind.rewindHead, nullptr);
     EXPECT_EQ(session->hostData, nullptr);
     EXPECT_EQ(session->stopRequested, 0);
     EXPECT_EQ(MachineOf(*session).resets, 1u); // by its own Init
@@ -239,9 +238,7 @@ TEST_F(Session, StopDoesNotWaitForThreadEnd) {
     gMayEnd = false;
     EMU_HOST_CALLBACKS host = base;
     host.threadEnd = [](int token) {
-        while (!gMayEnd) {
-            std::this_thread::yield();
-        }
+        EXPECT_TRUE(Eventually([] { return gMayEnd.load(); })) << "the stop waits for the thread";
         base.threadEnd(token);
     };
     EmuSetHost(host);
@@ -262,9 +259,7 @@ TEST_F(Session, SessionsThatTheHostHasNotOpenedAreNotVisited) {
     EMU_HOST_CALLBACKS host = base;
     host.threadStart = [](int argument) {
         gOpening = true;
-        while (!gMayStart) {
-            std::this_thread::yield();
-        }
+        EXPECT_TRUE(Eventually([] { return gMayStart.load(); })) << "the visit waits for the host";
         return base.threadStart(argument);
     };
     EmuSetHost(host);
@@ -391,9 +386,9 @@ TEST_F(Session, StatsAreOneLineForTheActiveSession) {
     EmuRaiseSoundGap(12);
     EmuRaiseSoundGap(5);
     EmuForEachSession([](EMU_THREAD& session) {
-        session.soundRepositions = 3;
-        session.soundBytes = 4096;
-        session.framesMissed = 9;
+        session.statistics.soundRepositions = 3;
+        session.sound.soundBytes = 4096;
+        session.statistics.framesMissed = 9;
         session.machine->debugValue = 0xFFFFFFFF;
     });
     EXPECT_EQ(EmuFormatStats(),

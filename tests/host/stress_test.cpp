@@ -1,6 +1,5 @@
 // Everything at once from several threads: the sanitizers look on, and nothing may be left behind.
 #include "host/host_fixture.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -67,8 +66,8 @@ TEST_F(Stress, StartStopResetRewindAndSaveAtRandom) {
             }
             EmuForEachSession([](EMU_THREAD& session) {
                 const std::scoped_lock hold(EmuSoundMutex());
-                session.hostData.load()->syncBias = session.soundBytes > 4000 ? 1 : -1;
-                session.soundBytes = 0;
+                session.hostData.load()->syncBias = session.sound.soundBytes > 4000 ? 1 : -1;
+                session.sound.soundBytes = 0;
             });
             EXPECT_LT(EmuFormatStats().size(), 160u);
             std::this_thread::sleep_for(std::chrono::milliseconds(2));

@@ -1,11 +1,16 @@
 #include "host/test_machine.h"
 
 #include "machine/state_piece.h"
+#include "settings/bindings.h"
 
+#include <chrono>
 #include <cstring>
+#include <thread>
 
 std::atomic<int32_t> CTestMachine::gLive{0};
 std::atomic<int32_t> CTestMachine::gCollisions{0};
+std::atomic<bool> CTestMachine::gGateOpen{true};
+std::atomic<int32_t> CTestMachine::gWaiting{0};
 std::atomic<int32_t> gTablesBuilt{0};
 
 namespace {
@@ -74,6 +79,14 @@ CTestMachine::~CTestMachine() {
     --gLive;
 }
 
+void CTestMachine::WaitAtGate() {
+    ++gWaiting;
+    while (!gGateOpen) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    --gWaiting;
+}
+
 template <typename Visit>
 void CTestMachine::Fields(Visit& visit) {
     visit(frameField);
@@ -85,6 +98,9 @@ void CTestMachine::Fields(Visit& visit) {
 bool CTestMachine::Init(const void* options, CGameFile* const[2]) {
     if (options != nullptr) {
         std::memcpy(&behaviour, options, sizeof behaviour);
+    }
+    if (behaviour.waitsInInit != 0) {
+        WaitAtGate();
     }
     if (behaviour.failInit != 0) {
         EmuSetLastError("this game cannot be run");
@@ -115,8 +131,12 @@ void CTestMachine::Reset() {
 
 void CTestMachine::RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) {
     const InsideGuard guard(inside);
+    if (behaviour.waitsInFrame != 0) {
+        WaitAtGate();
+    }
     frame = ++frameField;
     ++runs;
+    pressed += InputIsDown(sessionKey, L"SMS P1 BUTTON1") ? 1 : 0;
     seed = seed * 1664525 + 1013904223; // the constants of Numerical Recipes
     memory[frameField % memory.size()] = static_cast<uint8_t>(seed >> 24);
     flag = !flag;
@@ -134,7 +154,7 @@ void CTestMachine::RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME* video, EMU_AUDIO_
     video->visibleWidth = behaviour.visibleWidth != 0 ? behaviour.visibleWidth : video->width;
     video->visibleHeight = video->height;
     video->visibleAspect = 1.25f;
-    video->hold = behaviour.hold;
+    video->hold = behaviour.glasses != 0 ? frameField % 2 : behaviour.hold;
     video->rotated = behaviour.rotated;
     std::fill_n(video->pixels, size_t{width} * height, 0xFF000000 + frameField);
 
@@ -163,6 +183,9 @@ bool CTestMachine::LoadState(const uint8_t* data, uint32_t size) {
 
 StateBlob CTestMachine::SaveState(uint32_t& size) {
     const InsideGuard guard(inside);
+    if (behaviour.waitsInSave != 0) {
+        WaitAtGate();
+    }
     if (behaviour.failSave != 0) {
         return nullptr;
     }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "host/machine_list.h"
-
 #include "machine/battery.h"
 #include "machine/emu_system.h"
 
@@ -18,6 +17,10 @@ struct TEST_BEHAVIOUR {
     uint8_t failSave = 0;
     uint8_t failLoad = 0;
     uint8_t hold = 0;
+    uint8_t glasses = 0;     // holds every odd frame, as 3D glasses do
+    uint8_t waitsInInit = 0; // each at the gate below
+    uint8_t waitsInFrame = 0;
+    uint8_t waitsInSave = 0;
     uint8_t rotated = 0;
     uint8_t noisySound = 0; // frames of 600 to 900 pairs, by the machine's own generator
     uint32_t width = 0;     // of the picture it claims to have drawn; 0: its own
@@ -54,11 +57,17 @@ public:
     std::atomic<uint32_t> frame{0}; // frames since reset; part of the state
     std::atomic<uint32_t> resets{0};
     std::atomic<uint32_t> runs{0};
+    std::atomic<uint32_t> pressed{0}; // frames in which the first player's first button was down
 
     static std::atomic<int32_t> gLive;       // machines that exist
     static std::atomic<int32_t> gCollisions; // calls into a machine that another call was inside of
 
+    // Where machines wait that are told to, until a test opens it.
+    static std::atomic<bool> gGateOpen;
+    static std::atomic<int32_t> gWaiting; // machines at the gate
+
 private:
+    static void WaitAtGate();
     template <typename Visit>
     void Fields(Visit& visit);
 

@@ -1,6 +1,6 @@
+#include "formats/hand_made.h"
 #include "library/convert.h"
 
-#include "formats/hand_made.h"
 #include <gtest/gtest.h>
 
 #include <string>
@@ -52,6 +52,7 @@ Bytes Dump(const Bytes& body) {
 TEST(Extensions, BelongToTheirSystemsInAnyCase) {
     const std::tuple<const char*, uint16_t> rows[] = {
         {".sms",  1},
+        {".sg",   1},
         {".gg",   2},
         {".bin",  4},
         {".smd",  4},

@@ -1,4 +1,5 @@
 #include "machine/band_splitter.h"
+
 #include "support/spectrum.h"
 #include <gtest/gtest.h>
 

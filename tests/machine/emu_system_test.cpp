@@ -1,4 +1,5 @@
 #include "machine/emu_system.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>

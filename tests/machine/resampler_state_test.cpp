@@ -1,8 +1,9 @@
 // A resampler that takes up another one's state must give the very samples the other one gives.
 #include "base/audio_rate.h"
-
-#include "machine/resampler.h"
+#include "machine/chip_sound.h"
+#include "machine/sound_settings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -28,6 +29,20 @@ constexpr RATES kRates[] = {
     {44100.0,     44100 },
     {88200.0,     44100 },
     {31250.0,     44100 }
+};
+
+// The sound of a chip by the settings of the moment.
+struct CHIP : ChipSound {
+    void Init(double rate) { ChipSound::Init(rate, SoundChoiceFromSettings()); }
+    void Push(const std::vector<int16_t>& samples) {
+        for (size_t i = 0; i + 1 < samples.size(); i += 2) {
+            pairs.Add(samples[i], samples[i + 1]);
+            if (pairs.sampleCount == pairs.samples.size()) {
+                Flush();
+            }
+        }
+        Flush();
+    }
 };
 
 class ResamplerState : public testing::TestWithParam<int> {
@@ -59,9 +74,9 @@ private:
     int wave = 0;
 };
 
-std::vector<int16_t> PushAndTake(AudioResampler& resampler, std::vector<int16_t> samples,
+std::vector<int16_t> PushAndTake(CHIP& resampler, const std::vector<int16_t>& samples,
                                  size_t left) {
-    resampler.Push(samples.data(), static_cast<int32_t>(samples.size()));
+    resampler.Push(samples);
     const size_t ready = resampler.Output().size();
     const size_t taken = ready > left ? ready - left : 0;
     std::vector<int16_t> out(resampler.Output().begin(),
@@ -70,7 +85,7 @@ std::vector<int16_t> PushAndTake(AudioResampler& resampler, std::vector<int16_t>
     return out;
 }
 
-std::vector<uint8_t> StateOf(const AudioResampler& resampler) {
+std::vector<uint8_t> StateOf(const CHIP& resampler) {
     std::vector<uint8_t> state(resampler.StateSize());
     EXPECT_EQ(resampler.SaveState(state.data()), state.data() + state.size());
     return state;
@@ -84,8 +99,8 @@ TEST_P(ResamplerState, GoesOnWithTheSameSamples) {
             SCOPED_TRACE(std::to_string(rates.source) + " to " + std::to_string(rates.app) +
                          (cutoff ? " cut off" : ""));
             SetAudioRate(rates.app);
-            AudioResampler first;
-            AudioResampler second;
+            CHIP first;
+            CHIP second;
             first.Init(rates.source);
             second.Init(rates.source);
             Source source(7);
@@ -117,12 +132,12 @@ TEST_P(ResamplerState, OfTheFirstFewFramesGoesOnWithTheSameSamples) {
     Settings().SetInt(L"audio_app_quality", GetParam());
     SetAudioRate(44100);
     for (const double rate : {223721.0, 49716.0, 20000.0}) {
-        AudioResampler first;
+        CHIP first;
         first.Init(rate);
         Source source(3);
         for (int pushes = 0; pushes < 1200; ++pushes) {
             const auto state = StateOf(first);
-            AudioResampler second;
+            CHIP second;
             second.Init(rate);
             ASSERT_EQ(second.LoadState(state.data(), static_cast<uint32_t>(state.size())),
                       state.size());
@@ -136,16 +151,16 @@ TEST_P(ResamplerState, OfTheFirstFewFramesGoesOnWithTheSameSamples) {
 TEST_P(ResamplerState, OfOtherSettingsIsRefusedAndLeavesAnEmptyOne) {
     SetAudioRate(44100);
     Settings().SetInt(L"audio_app_quality", GetParam());
-    AudioResampler first;
+    CHIP first;
     first.Init(50000.0);
     Source source(5);
     PushAndTake(first, source.Next(5000), 6);
     const auto state = StateOf(first);
 
     Settings().SetInt(L"audio_app_quality", (GetParam() + 1) % 3);
-    AudioResampler other;
+    CHIP other;
     other.Init(50000.0);
-    AudioResampler fresh;
+    CHIP fresh;
     fresh.Init(50000.0);
     PushAndTake(other, source.Next(5000), 6);
     EXPECT_EQ(other.LoadState(state.data(), static_cast<uint32_t>(state.size())), 0u);
@@ -157,7 +172,7 @@ TEST_P(ResamplerState, OfOtherSettingsIsRefusedAndLeavesAnEmptyOne) {
 TEST_P(ResamplerState, CutShortIsRefused) {
     SetAudioRate(44100);
     Settings().SetInt(L"audio_app_quality", GetParam());
-    AudioResampler resampler;
+    CHIP resampler;
     resampler.Init(50000.0);
     const auto state = StateOf(resampler);
     for (uint32_t size = 0; size < state.size(); ++size) {
@@ -171,12 +186,12 @@ TEST_P(ResamplerState, WithAnyByteChangedEitherRunsOrIsRefused) {
     SetAudioRate(44100);
     Settings().SetInt(L"audio_app_quality", GetParam());
     Settings().SetBool(L"emu_audiocutoff_enabled", true);
-    AudioResampler first;
+    CHIP first;
     first.Init(223721.0);
     Source source(11);
     PushAndTake(first, source.Next(5000), 4);
     const auto state = StateOf(first);
-    AudioResampler second;
+    CHIP second;
     second.Init(223721.0);
     std::mt19937 random(1);
     const size_t head = std::min<size_t>(state.size(), 600);

@@ -1,4 +1,5 @@
 #include "machine/state_piece.h"
+
 #include <gtest/gtest.h>
 
 #include <array>

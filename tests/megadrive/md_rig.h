@@ -2,11 +2,11 @@
 // without host.
 #pragma once
 
+#include "formats/game_file.h"
 #include "megadrive/md_bus.h"
 #include "megadrive/mega_drive.h"
 #include "sega8/machine_rig.h"
 
-#include "formats/game_file.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The timetable's counters and interrupts, the rows of the picture and what the frame record says.
+#include "machine/emu_system.h"
 #include "megadrive/md_vdp_rig.h"
 
-#include "machine/emu_system.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>

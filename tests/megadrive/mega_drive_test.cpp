@@ -626,9 +626,9 @@ TEST(MegaDriveFrame, MixesAsMuchAsTheChipThatIsAheadHas) {
     MACHINE_RIG rig;
     for (int i = 0; i < 120; ++i) {
         rig.Frame(*machine);
-        EXPECT_TRUE(md.fm.resampler.Output().empty() || md.psg.resampler.Output().empty());
-        EXPECT_LT(md.fm.resampler.Output().size(), AudioResampler::kKeptValues) << i;
-        EXPECT_LT(md.psg.resampler.Output().size(), AudioResampler::kKeptValues) << i;
+        EXPECT_TRUE(md.fmSound.Output().empty() || md.psgSound.Output().empty());
+        EXPECT_LT(md.fmSound.Output().size(), AudioResampler::kKeptValues) << i;
+        EXPECT_LT(md.psgSound.Output().size(), AudioResampler::kKeptValues) << i;
     }
 }
 
@@ -643,12 +643,15 @@ TEST(MegaDriveFrame, MixesAtTheLargerCountAndPullsTheOtherChipUp) {
             rig.Frame(*machine); // the first ones fill the resamplers
         }
         const uint32_t usual = rig.audio.sampleCount;
-        AudioResampler& ahead = fmIsAhead ? md.fm.resampler : md.psg.resampler;
-        AudioResampler& behind = fmIsAhead ? md.psg.resampler : md.fm.resampler;
+        ChipSound& ahead = fmIsAhead ? md.fmSound : md.psgSound;
+        ChipSound& behind = fmIsAhead ? md.psgSound : md.fmSound;
         // 20 pairs more than the frame brings, whatever the resampler makes of them.
         const int extra = fmIsAhead ? 20 * 53267 / 44100 : 20 * 223722 / 44100;
-        std::vector<int16_t> pairs(static_cast<size_t>(extra) * 2, 100);
-        EXPECT_GT(ahead.Push(pairs.data(), extra * 2), 0);
+        for (int i = 0; i < extra; ++i) {
+            ahead.pairs.Add(100, 100);
+        }
+        ahead.Flush();
+        EXPECT_FALSE(ahead.Output().empty());
         rig.Frame(*machine);
         EXPECT_GE(rig.audio.sampleCount, usual + 18);
         EXPECT_LE(rig.audio.sampleCount, usual + 22);

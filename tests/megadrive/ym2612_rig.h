@@ -5,8 +5,9 @@
 #include "base/audio_rate.h"
 #include "megadrive/ym2612.h"
 #include "megadrive/ym2612_tick.h"
-
 #include "settings/settings.h"
+
+#include "support/heard_chip.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -106,23 +107,23 @@ protected:
         std::vector<double> out;
         out.reserve(count);
         for (size_t i = 0; i < count; ++i) {
-            ym->sampleCount = 0;
+            ym->pairs->sampleCount = 0;
             for (uint32_t clock = 0; clock < 144; ++clock) {
                 Ym2612Tick(*ym);
             }
-            out.push_back(ym->sampleBuffer.at(side));
+            out.push_back(ym->pairs->samples.at(side));
         }
-        ym->sampleCount = 0;
+        ym->pairs->sampleCount = 0;
         return out;
     }
 
     // The same without listening.
     void Skip(size_t count) {
         for (size_t i = 0; i < count; ++i) {
-            ym->sampleCount = 0;
+            ym->pairs->sampleCount = 0;
             Ym2612MakeSample(*ym);
         }
-        ym->sampleCount = 0;
+        ym->pairs->sampleCount = 0;
     }
 
     // Cycles a second between the first and the last rising zero crossing.
@@ -169,5 +170,5 @@ protected:
         return state;
     }
 
-    std::unique_ptr<YM2612> ym = std::make_unique<YM2612>();
+    std::unique_ptr<HEARD_CHIP<YM2612>> ym = std::make_unique<HEARD_CHIP<YM2612>>();
 };

@@ -1,6 +1,8 @@
 // States: exact continuation, refusal of what doesn't fit, and safety from any contents.
 #include "megadrive/ym2612_rig.h"
 
+#include "support/heard_chip.h"
+
 #include <random>
 
 namespace {
@@ -55,14 +57,14 @@ void ExpectIndexesInRange(const YM2612& ym) {
 
 TEST_F(Ym2612State, SavedAtAnyClockGivesTheSameSound) {
     std::mt19937 random(7);
-    auto other = std::make_unique<YM2612>();
+    auto other = std::make_unique<HEARD_CHIP<YM2612>>();
     bool heard = false;
     for (uint32_t round = 0; round < 60; ++round) {
         WriteAtRandom(random, 300);
         Skip(150);
         Ym2612Run(*ym, round * 3); // somewhere within a sample
         WriteAtRandom(random, 3);  // some channels wait for recalculation
-        ym->sampleCount = 0;
+        ym->pairs->sampleCount = 0;
         const std::vector<uint8_t> state = StateOf(*ym);
         EXPECT_EQ(state[0], 1);
         Ym2612SetClock(*other, kClock);
@@ -129,7 +131,7 @@ TEST_F(Ym2612State, DerivedFieldsAreRebuilt) {
     SetOperator(6, 4, 0x90, 0x08);
     Pitch(4, 3, 700);
     const std::vector<uint8_t> state = StateOf(*ym);
-    auto other = std::make_unique<YM2612>();
+    auto other = std::make_unique<HEARD_CHIP<YM2612>>();
     Ym2612SetClock(*other, kClock);
     Ym2612Reset(*other);
     ASSERT_NE(Ym2612LoadState(*other, state.data(), Ym2612StateSize()), 0u);

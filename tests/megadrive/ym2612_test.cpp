@@ -1,6 +1,9 @@
 // Registers, keys, DAC, sides, sample grid and resampler.
+#include "machine/sound_settings.h"
 #include "megadrive/ym2612_rig.h"
 #include "megadrive/ym2612_tables.h"
+
+#include "support/heard_chip.h"
 
 namespace {
 
@@ -52,12 +55,12 @@ TEST_F(Ym2612Test, SineTableIsSymmetric) {
 TEST_F(Ym2612Test, OneSampleComesEvery144Clocks) {
     for (uint32_t clock = 1; clock <= 1440; ++clock) {
         Ym2612Tick(*ym);
-        EXPECT_EQ(ym->sampleCount, clock / 144 * 2) << clock;
+        EXPECT_EQ(ym->pairs->sampleCount, clock / 144 * 2) << clock;
     }
 }
 
 TEST_F(Ym2612Test, ManyTicksAtOnceAreTheSame) {
-    auto other = std::make_unique<YM2612>();
+    auto other = std::make_unique<HEARD_CHIP<YM2612>>();
     Ym2612SetClock(*other, kClock);
     Ym2612Reset(*other);
     const auto play = [](YM2612& chip) {
@@ -80,13 +83,13 @@ TEST_F(Ym2612Test, ManyTicksAtOnceAreTheSame) {
         for (uint32_t i = 0; i < clocks; ++i) {
             Ym2612Tick(*other);
         }
-        ASSERT_EQ(ym->sampleCount, other->sampleCount);
+        ASSERT_EQ(ym->pairs->sampleCount, other->pairs->sampleCount);
         ASSERT_EQ(ym->tickCount, other->tickCount);
     }
-    EXPECT_GT(ym->sampleCount, 300u);
-    EXPECT_EQ(ym->sampleBuffer, other->sampleBuffer);
+    EXPECT_GT(ym->pairs->sampleCount, 300u);
+    EXPECT_EQ(ym->pairs->samples, other->pairs->samples);
     EXPECT_EQ(StateOf(*ym), StateOf(*other));
-    EXPECT_NE(*std::max_element(ym->sampleBuffer.begin(), ym->sampleBuffer.end()), 0);
+    EXPECT_NE(*std::max_element(ym->pairs->samples.begin(), ym->pairs->samples.end()), 0);
 }
 
 // --- registers ----------------------------------------------------------------------------------
@@ -258,8 +261,8 @@ TEST_F(Ym2612Test, ResetLeavesTheSampleGridAndWhatSounded) {
     Ym2612Run(*ym, 20 * 144 + 50);
     Ym2612Reset(*ym);
     EXPECT_EQ(ym->tickCount, 50u);
-    EXPECT_EQ(ym->sampleCount, 40u);
-    EXPECT_NE(ym->sampleBuffer[20], 0);
+    EXPECT_EQ(ym->pairs->sampleCount, 40u);
+    EXPECT_NE(ym->pairs->samples[20], 0);
 }
 
 // --- DAC and sides ------------------------------------------------------------------------------
@@ -325,14 +328,15 @@ TEST_F(Ym2612Test, SoundComesAtTheProgramsRate) {
             Settings().SetInt(L"audio_app_quality", quality);
             Ym2612SetClock(*ym, kPalClock);
             Ym2612Reset(*ym);
+            ym->sound.Init(kPalClock / 144.0, SoundChoiceFromSettings());
             size_t pairs = 0;
             for (int frame = 0; frame < kFrames; ++frame) {
                 Ym2612Run(*ym, kFrameClocks);
-                Ym2612Flush(*ym);
-                EXPECT_EQ(ym->sampleCount, 0u);
-                const size_t ready = ym->resampler.Output().size();
+                ym->sound.Flush();
+                EXPECT_EQ(ym->pairs->sampleCount, 0u);
+                const size_t ready = ym->sound.Output().size();
                 pairs += ready / 2;
-                ym->resampler.Consume(static_cast<int32_t>(ready));
+                ym->sound.Consume(static_cast<int32_t>(ready));
             }
             const double expected = double{kFrames} * kFrameClocks / kPalClock * rate;
             EXPECT_NEAR(static_cast<double>(pairs), expected, rate * 0.003 + 5.0)
@@ -341,26 +345,26 @@ TEST_F(Ym2612Test, SoundComesAtTheProgramsRate) {
     }
 }
 
-TEST_F(Ym2612Test, BufferThatIsFullIsHandedOn) {
-    Ym2612Run(*ym, kYm2612RawPairs * 144);
-    EXPECT_EQ(ym->sampleCount, 0u);
-    EXPECT_GT(ym->resampler.Output().size(), 1000u);
+TEST_F(Ym2612Test, OwnerThatNeverFlushesIsSafe) {
+    Ym2612Run(*ym, 10'000 * 144);
+    EXPECT_EQ(ym->pairs->sampleCount, ym->pairs->samples.size()) << "what comes then is lost";
 }
 
 TEST_F(Ym2612Test, CatchUpRunsInWholeSamplesUntilEnoughIsReady) {
+    ym->sound.Init(kRate, SoundChoiceFromSettings());
     Ym2612Run(*ym, 31);
-    Ym2612CatchUp(*ym, 401);
-    EXPECT_GE(ym->resampler.Output().size(), 401u);
-    EXPECT_LE(ym->resampler.Output().size(), 404u);
+    ym->sound.CatchUp(401, [this] { Ym2612Run(*ym, kYm2612ClocksPerSample); });
+    EXPECT_GE(ym->sound.Output().size(), 401u);
+    EXPECT_LE(ym->sound.Output().size(), 404u);
     EXPECT_EQ(ym->tickCount, 31u);
     const uint32_t steps = ym->egCounter;
     const uint32_t timer = ym->egTimer;
-    Ym2612CatchUp(*ym, 300);
+    ym->sound.CatchUp(300, [this] { Ym2612Run(*ym, kYm2612ClocksPerSample); });
     EXPECT_EQ(ym->egCounter, steps);
     EXPECT_EQ(ym->egTimer, timer);
 }
 
 TEST_F(Ym2612Test, CatchUpToMoreThanTheResamplerHoldsEnds) {
-    Ym2612CatchUp(*ym, 1'000'000);
-    EXPECT_EQ(ym->resampler.Output().size(), 44100u / 40 * 2);
+    ym->sound.CatchUp(1'000'000, [this] { Ym2612Run(*ym, kYm2612ClocksPerSample); });
+    EXPECT_EQ(ym->sound.Output().size(), 44100u / 40 * 2);
 }

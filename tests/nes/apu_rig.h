@@ -3,8 +3,9 @@
 
 #include "nes/apu.h"
 #include "nes/apu_tick.h"
-
 #include "settings/settings.h"
+
+#include "support/heard_chip.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -38,10 +39,10 @@ public:
             ApuStep(*apu);
             ++cycle;
             apu->stallCycles = 0;
-            if (apu->sampleCount != 0) {
-                raw.push_back(apu->samples[0]);
-                sidesDiffer = sidesDiffer || apu->samples[0] != apu->samples[1];
-                apu->sampleCount = 0;
+            if (apu->pairs->sampleCount != 0) {
+                raw.push_back(apu->pairs->samples[0]);
+                sidesDiffer = sidesDiffer || apu->pairs->samples[0] != apu->pairs->samples[1];
+                apu->pairs->sampleCount = 0;
             }
         }
     }
@@ -71,7 +72,7 @@ public:
         }
     }
 
-    std::unique_ptr<APU> apu = std::make_unique<APU>();
+    std::unique_ptr<HEARD_CHIP<APU>> apu = std::make_unique<HEARD_CHIP<APU>>();
     uint32_t irqLines = 0;
     uint64_t cycle = 0;
     std::vector<int> raw;

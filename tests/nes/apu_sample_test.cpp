@@ -183,7 +183,7 @@ TEST(ApuSample, EveryFetchAsksForFourStalledCycles) {
     for (int cycle = 0; cycle < 54 * 8 * 20; ++cycle) {
         rig.apu->stallCycles = 1;
         ApuStep(*rig.apu);
-        rig.apu->sampleCount = 0;
+        rig.apu->pairs->sampleCount = 0;
         EXPECT_EQ(rig.apu->stallCycles, rig.fetched.size() != fetched ? 4u : 1u);
         fetched = rig.fetched.size();
     }

@@ -1,5 +1,6 @@
 #include "base/audio_rate.h"
 #include "base/bytes.h"
+#include "machine/sound_settings.h"
 #include "nes/apu_rig.h"
 
 #include <random>
@@ -130,18 +131,18 @@ TEST(ApuState, TamperedStatesAreSafe) {
 TEST(ApuState, FlushHandsOverWhatWasMade) {
     ApuRig rig;
     Settings().SetInt(L"audio_app_quality", 0);
-    ApuInit(*rig.apu, rig.apu->readByte, &rig);
+    rig.apu->sound.Init(kApuSampleRate, SoundChoiceFromSettings());
     rig.Write(0x4011, 64);
     for (int i = 0; i < 8 * 1000; ++i) {
         ApuStep(*rig.apu);
     }
-    EXPECT_EQ(rig.apu->sampleCount, 2000u);
-    EXPECT_TRUE(rig.apu->resampler.Output().empty());
-    ApuFlush(*rig.apu);
-    EXPECT_EQ(rig.apu->sampleCount, 0u);
+    EXPECT_EQ(rig.apu->pairs->sampleCount, 2000u);
+    EXPECT_TRUE(rig.apu->sound.Output().empty());
+    rig.apu->sound.Flush();
+    EXPECT_EQ(rig.apu->pairs->sampleCount, 0u);
     // 1000 pairs at 223,721.625 a second are 197.1 at 44,100.
-    EXPECT_EQ(rig.apu->resampler.Output().size() / 2, 198u);
-    EXPECT_EQ(rig.apu->resampler.Output()[100], 150);
+    EXPECT_EQ(rig.apu->sound.Output().size() / 2, 198u);
+    EXPECT_EQ(rig.apu->sound.Output()[100], 150);
     RegisterDefaultSettings(Settings());
     Settings().SetInt(L"audio_app_quality", 1);
 }
@@ -151,9 +152,9 @@ TEST(ApuState, OwnerThatNeverFlushesIsSafe) {
     PlayAll(rig);
     for (int i = 0; i < 200'000; ++i) {
         ApuStep(*rig.apu);
-        ASSERT_LT(rig.apu->sampleCount, rig.apu->samples.size());
     }
-    EXPECT_FALSE(rig.apu->resampler.Output().empty());
+    EXPECT_EQ(rig.apu->pairs->sampleCount, rig.apu->pairs->samples.size())
+        << "what comes then is lost";
 }
 
 // Frames of 29,781 cycles, the longest there are; none of their sound may be dropped.
@@ -164,19 +165,18 @@ TEST(ApuState, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
             ApuRig rig;
             SetAudioRate(rate);
             Settings().SetInt(L"audio_app_quality", quality);
-            ApuInit(*rig.apu, rig.apu->readByte, &rig);
-            ApuReset(*rig.apu, true, &rig.irqLines);
+            rig.apu->sound.Init(kApuSampleRate, SoundChoiceFromSettings());
             PlayAll(rig);
             size_t pairs = 0;
             for (int frame = 0; frame < kFrames; ++frame) {
                 for (int cycle = 0; cycle < 29'781; ++cycle) {
                     ApuStep(*rig.apu);
                 }
-                ASSERT_LT(rig.apu->sampleCount, rig.apu->samples.size()); // no flush of its own
-                ApuFlush(*rig.apu);
-                const size_t ready = rig.apu->resampler.Output().size();
+                ASSERT_LT(rig.apu->pairs->sampleCount, rig.apu->pairs->samples.size());
+                rig.apu->sound.Flush();
+                const size_t ready = rig.apu->sound.Output().size();
                 pairs += ready / 2;
-                rig.apu->resampler.Consume(static_cast<int32_t>(ready));
+                rig.apu->sound.Consume(static_cast<int32_t>(ready));
             }
             const double expected = kFrames * 29'781.0 / kApuClock * rate;
             // A converter holds back half of its filter; one frame lost would be 367 or more.

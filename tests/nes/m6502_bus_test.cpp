@@ -136,10 +136,23 @@ const std::vector<BUS_ROW> kRows{
     Row("Break", {0x00, 0x55}, "r8000=00 r8001=55 w01FD=80 w01FC=02 w01FB=30 rFFFE=00 rFFFF=A0"),
     Row("StoreHighInPage", {0x9F, 0x00, 0x03},
         "r8000=9F r8001=00 r8002=03 r0306=66 w0306=00"), // SHA abs,Y: 42 AND 05 AND 04
-    Row("StoreHighAcross", {0x9E, 0xFE, 0x02},
-        "r8000=9E r8001=FE r8002=02 r0204=00 w0304=01"), // SHX abs,Y: 05 AND 03
+    Row("StoreHighXInPage", {0x9E, 0x00, 0x03},
+        "r8000=9E r8001=00 r8002=03 r0306=66 w0306=04"), // SHX abs,Y: 05 AND 04
     Row("StoreHighY", {0x9C, 0x00, 0x03},
         "r8000=9C r8001=00 r8002=03 r0305=00 w0305=04"), // SHY abs,X: 06 AND 04
+    // Where the index carries, what is stored is the high byte of the address as well.
+    Row("StoreHighXAcross", {0x9E, 0xFE, 0x02},
+        "r8000=9E r8001=FE r8002=02 r0204=00 w0104=01"), // SHX abs,Y: 05 AND 03
+    Row("StoreHighYAcross", {0x9C, 0xFE, 0x03},
+        "r8000=9C r8001=FE r8002=03 r0303=00 w0403=04"), // SHY abs,X: 06 AND 04
+    Row("StoreHighYAcrossIntoPageZero", {0x9C, 0xFE, 0x07},
+        "r8000=9C r8001=FE r8002=07 r0703=00 w0003=00"), // SHY abs,X: 06 AND 08
+    Row("StoreHighAcross", {0x9F, 0xFE, 0x42},
+        "r8000=9F r8001=FE r8002=42 r4204=00 w0004=00"), // SHA abs,Y: 42 AND 05 AND 43
+    Row("StoreHighIndirectInPage", {0x93, 0x10},
+        "r8000=93 r8001=10 r0010=00 r0011=03 r0306=66 w0306=00"), // SHA (zp),Y: 42 AND 05 AND 04
+    Row("StoreHighIndirectAcross", {0x93, 0xFF},
+        "r8000=93 r8001=FF r00FF=FE r0000=12 r1204=00 w0004=00"), // SHA (zp),Y: 42 AND 05 AND 13
     Row("NoOperationAbsolute", {0x0C, 0x00, 0x03}, "r8000=0C r8001=00 r8002=03 r0300=11"),
     Row("NoOperationAbsoluteXAcross", {0x1C, 0xFB, 0x02},
         "r8000=1C r8001=FB r8002=02 r0200=77 r0300=11"),

@@ -285,6 +285,29 @@ TEST(M6502, StoresWithTheHighByteWrapAroundTheMemory) {
     EXPECT_TRUE(test.bus.trace.ends_with("rFF10=00 w0010=00"));
 }
 
+// SHA: where the index carries, A AND X AND the high byte plus 1 is both what is stored and the page.
+TEST(M6502, StoreOfBothRegistersReplacesThePageOnlyWhereTheIndexCarries) {
+    struct ROW {
+        uint8_t y;
+        const char* lastAccesses;
+    };
+    for (const ROW& row : {
+             ROW{0x0F, "r45FF=00 w45FF=42"},
+             ROW{0x10, "r4500=00 w4200=42"},
+    }) {
+        for (const bool isIndirect : {false, true}) {
+            TEST_6502 test = isIndirect ? TEST_6502{0x93, 0x10} : TEST_6502{0x9F, 0xF0, 0x45};
+            test.Put(0x0010, {0xF0, 0x45});
+            test.cpu.a = 0xF3;
+            test.cpu.x = 0x5A; // F3 AND 5A AND 46 is 42
+            test.cpu.y = row.y;
+            EXPECT_EQ(test.Instruction(), isIndirect ? 6U : 5U);
+            EXPECT_TRUE(test.bus.trace.ends_with(row.lastAccesses)) << test.bus.trace;
+            EXPECT_EQ(test.cpu.p, kM6502FlagOne);
+        }
+    }
+}
+
 TEST(M6502, IndexedReadWrapsAroundTheMemory) {
     TEST_6502 test{0xBD, 0xF0, 0xFF};
     test.cpu.x = 0x20;

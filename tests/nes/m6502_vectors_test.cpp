@@ -41,7 +41,7 @@ enum class Kind {
     kAddress,   // as kNoEffect, and what the last cycle does is not compared
     kStops,     // the real chip stops: one cycle here
     kReads,     // the cases lack the last read, which the chip's published cycle tables have
-    kUnstable   // addresses alone
+    kUnstable // addresses alone; where the index carries, that of the store by the rule for its page
 };
 
 bool IsOneOf(uint32_t opcode, std::initializer_list<uint32_t> list) {
@@ -161,9 +161,35 @@ std::vector<CASE_ACCESS> WithLastRead(const PROCESSOR_CASE& test,
     return bus;
 }
 
+// The bus of SHA, SHX, SHY: a case leaves the page of the store as the index made it. Where the index
+// carries, the published rule has it be the value that is stored: the registers AND the high byte of the
+// address before the index, plus 1. The cycle before shows that address, its high byte untouched.
+std::vector<CASE_ACCESS> WithStorePage(const PROCESSOR_CASE& test) {
+    std::vector<CASE_ACCESS> bus = test.accesses;
+    const uint32_t high = bus.at(bus.size() - 2).address >> 8;
+    if (bus.back().address >> 8 == high) {
+        return bus;
+    }
+    const CASE_REGISTERS& before = test.before.registers;
+    const uint32_t opcode = CaseNumber(test.opcode);
+    const uint32_t stored = opcode == 0x9C   ? before[kY]
+                            : opcode == 0x9E ? before[kX]
+                                             : before[kA] & before[kX];
+    bus.back().address = (stored & (high + 1) & 0xFF) << 8 | (bus.back().address & 0xFF);
+    return bus;
+}
+
+std::vector<CASE_ACCESS> ExpectedBus(const PROCESSOR_CASE& test, Kind kind,
+                                     const std::vector<uint8_t>& memory) {
+    switch (kind) {
+    case Kind::kReads: return WithLastRead(test, memory);
+    case Kind::kUnstable: return WithStorePage(test);
+    default: return test.accesses;
+    }
+}
+
 std::string CompareBus(const PROCESSOR_CASE& test, Kind kind, const CASE_BUS& bus) {
-    const std::vector<CASE_ACCESS> expected =
-        Comparable(kind == Kind::kReads ? WithLastRead(test, bus.memory) : test.accesses, kind);
+    const std::vector<CASE_ACCESS> expected = Comparable(ExpectedBus(test, kind, bus.memory), kind);
     const size_t clocks =
         kind == Kind::kStops || kind == Kind::kReads ? expected.size() : test.clocks;
     if (bus.accesses.size() != clocks) {

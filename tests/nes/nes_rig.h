@@ -1,13 +1,13 @@
 // What the tests of the NES share: small programs for the 6502, images of them, a console without host.
 #pragma once
 
+#include "formats/game_file.h"
 #include "nes/board.h"
 #include "nes/nes.h"
 #include "nes/nes_bus.h"
 #include "nes/nes_console.h"
 #include "sega8/machine_rig.h"
 
-#include "formats/game_file.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,14 +1,14 @@
 // States of the NES with every kind of board: what follows a load is what followed the save, and bytes of
 // any kind do no harm.
 #include "base/bytes.h"
+#include "machine/state_piece.h"
+#include "nes/nes_boards.h"
 #include "nes/nes_rig.h"
 
-#include "machine/state_piece.h"
 #include "support/machine_states.h"
 
 #include <cstring>
 #include <numeric>
-#include <ostream>
 #include <random>
 
 namespace {
@@ -43,60 +43,13 @@ NesProgram Restless() {
     return program;
 }
 
-struct CASE {
-    const char* name;
-    int board;
-    int flags;
-    int programBanks;
-    int characterBanks;
-};
-
-// How a failing test names its case.
-void PrintTo(const CASE& what, std::ostream* out) {
-    *out << what.name;
-}
-
-constexpr CASE kCases[] = {
-    {"Plain",           0,  1, 2, 1},
-    {"PlainRam",        0,  0, 2, 0},
-    {"Shift",           1,  1, 8, 4},
-    {"ShiftRam",        1,  0, 4, 0},
-    {"ProgramBank",     2,  1, 3, 0},
-    {"CharacterBank",   3,  0, 2, 4},
-    {"Scanline",        4,  0, 8, 8},
-    {"ScanlineFourRam", 4,  8, 4, 0},
-    {"OneScreen",       7,  0, 8, 0},
-    {"Latched",         9,  0, 8, 8},
-    {"TwoBanks",        66, 1, 8, 4},
-    {"Cycle",           73, 0, 4, 0},
-};
-
-std::unique_ptr<CNES> Start(const CASE& what) {
-    std::mt19937 random(static_cast<uint32_t>(what.board) + 1);
-    std::vector<uint8_t> characters(static_cast<size_t>(what.characterBanks) * 0x2000);
-    for (uint8_t& byte : characters) {
-        byte = static_cast<uint8_t>(random());
-    }
-    return StartNes(Restless(),
-                    {what.board, what.flags, what.programBanks, what.characterBanks, characters});
-}
-
-// Runs frames with the same input for the same frame numbers.
-std::vector<FRAME_RESULT> Play(CNES& machine, int from, int count) {
-    auto rig = std::make_unique<MACHINE_RIG>();
-    std::vector<FRAME_RESULT> results;
-    for (int frame = from; frame < from + count; ++frame) {
-        MACHINE_RIG::Press(L"NES P1 UP", (frame / 8 & 1) != 0);
-        MACHINE_RIG::Press(L"NES P2 BUTTONB", (frame / 16 & 1) != 0);
-        rig->Frame(machine);
-        results.push_back({rig->pictureHash, rig->soundHash, rig->audio.sampleCount});
-    }
-    return results;
+std::unique_ptr<CNES> Start(const NES_BOARD_CASE& what) {
+    return StartNes(Restless(), ImageOf(what));
 }
 
 constexpr size_t kPiecesOfEveryBoard = 5; // before the plain board's RAM and the sound
 
-class EveryNesState : public testing::TestWithParam<CASE> {};
+class EveryNesState : public testing::TestWithParam<NES_BOARD_CASE> {};
 
 } // namespace
 
@@ -189,38 +142,38 @@ TEST_P(EveryNesState, DamagedBytesLoadAndRunOrAreRefused) {
     Play(*machine, 0, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(NesState, EveryNesState, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(NesState, EveryNesState, testing::ValuesIn(kNesBoardCases),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
 TEST(NesState, PiecesStandInTheirOrder) {
-    const std::vector<uint32_t> plain = AllPieceSizes(Save(*Start(kCases[0])));
+    const std::vector<uint32_t> plain = AllPieceSizes(Save(*Start(kNesBoardCases[0])));
     ASSERT_EQ(plain.size(), 6U);
     EXPECT_EQ(plain[0], 5U + 0x800 + 2 + 8) << "header, work RAM, buttons, read counts";
     EXPECT_EQ(plain[1], kM6502StateSize);
     EXPECT_EQ(plain[2], PpuStateSize());
     EXPECT_EQ(plain[3], ApuStateSize());
     EXPECT_EQ(plain[4], 5U) << "the plain board keeps nothing";
-    const std::vector<uint32_t> withRam = AllPieceSizes(Save(*Start(kCases[1])));
+    const std::vector<uint32_t> withRam = AllPieceSizes(Save(*Start(kNesBoardCases[1])));
     ASSERT_EQ(withRam.size(), 7U);
     EXPECT_EQ(withRam[4], 5U);
     EXPECT_EQ(withRam[5], 5U + 0x2000);
 }
 
 TEST(NesState, OfAnotherBoardIsRefused) {
-    const auto shift = Start(kCases[2]);
+    const auto shift = Start(kNesBoardCases[2]);
     const SAVED saved = Save(*shift);
-    EXPECT_FALSE(Start(kCases[0])->LoadState(saved.blob.get(), saved.size));
+    EXPECT_FALSE(Start(kNesBoardCases[0])->LoadState(saved.blob.get(), saved.size));
 }
 
 // What the five pieces hold comes; of the RAM they say nothing, so it stays.
 TEST(NesState, OfAPlainBoardMayEndBeforeItsRam) {
-    const auto machine = Start(kCases[1]);
+    const auto machine = Start(kNesBoardCases[1]);
     Play(*machine, 0, 5);
     const SAVED saved = Save(*machine);
     const std::vector<uint32_t> sizes = AllPieceSizes(saved);
     const uint32_t length =
         std::accumulate(sizes.begin(), sizes.begin() + kPiecesOfEveryBoard, uint32_t{0});
-    const auto other = Start(kCases[1]);
+    const auto other = Start(kNesBoardCases[1]);
     Play(*other, 0, 9);
     const NesBoardRam before = other->Console().cartridge.plainRam;
     ASSERT_NE(before, machine->Console().cartridge.plainRam);
@@ -235,10 +188,10 @@ TEST(NesState, OfAPlainBoardMayEndBeforeItsRam) {
 // those behind it have changed nothing.
 TEST(NesState, ARefusedPieceKeepsThoseBeforeIt) {
     for (size_t refused = 0; refused < kPiecesOfEveryBoard; ++refused) {
-        const auto machine = Start(kCases[2]);
+        const auto machine = Start(kNesBoardCases[2]);
         Play(*machine, 0, 5);
         const SAVED saved = Save(*machine);
-        const auto other = Start(kCases[2]);
+        const auto other = Start(kNesBoardCases[2]);
         Play(*other, 0, 9);
         const SAVED before = Save(*other);
         const std::vector<uint32_t> sizes = AllPieceSizes(saved);

@@ -3,6 +3,7 @@
 
 #include "nes/ppu.h"
 #include "nes/ppu_colours.h"
+#include "nes/ppu_plain.h"
 #include "nes/ppu_tick.h"
 
 #include <array>
@@ -69,6 +70,11 @@ public:
     uint8_t Read(uint32_t address) { return PpuReadRegister(*ppu, static_cast<uint16_t>(address)); }
 
     void Dot() { PpuDot(*ppu); }
+    void PlainDots(uint32_t count) {
+        for (; count != 0; --count) {
+            PpuPlainDot(*ppu);
+        }
+    }
     void Dots(uint32_t count) {
         for (; count != 0; --count) {
             Dot();

@@ -1,8 +1,10 @@
 // Holds every #include to the layers: a target includes its own headers and those of the targets that
-// its link line names, and nothing else of ours.
+// its link line names, and nothing else of ours; and of others' libraries those that the tables here
+// allow it. A target or library without a row fails, so nothing passes for want of one.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -16,6 +18,110 @@ namespace fs = std::filesystem;
 namespace {
 
 const fs::path kSources = fs::path(OMBRELUNE_SOURCE_FOLDER) / "src";
+
+using Names = std::set<std::string>;
+
+// Whether a row is in force, or waits for code that is to come. The code that comes changes the mark.
+enum class Row { kInUse, kToCome };
+
+// What a target may name on its link line, at most. The machines themselves are known to `machines` alone.
+struct TARGET_ROW {
+    std::string target;
+    Names mayUse;
+    Row row = Row::kInUse;
+};
+
+// clang-format off
+const std::vector<TARGET_ROW> kTargets = {
+    {"base",      {}},
+    {"facts",     {}},
+    {"settings",  {"base"}},
+    {"bindings",  {"base", "facts", "settings"}},
+    {"formats",   {"base", "facts"}},
+    {"machine",   {"base", "bindings", "facts", "formats", "settings"}},
+    {"sega8",     {"base", "bindings", "facts", "formats", "machine", "settings"}},
+    {"nes",       {"base", "bindings", "facts", "formats", "machine", "settings"}},
+    {"megadrive", {"base", "bindings", "facts", "formats", "machine", "sega8", "settings"}},
+    {"host",      {"base", "bindings", "facts", "formats", "machine", "settings"}},
+    {"machines",  {"base", "bindings", "facts", "formats", "host", "machine", "megadrive", "nes", "sega8",
+                   "settings"}},
+    {"catalogue", {"base", "facts", "formats", "settings"}},
+    {"demos",     {}},
+    {"sound",     {"base", "bindings", "host", "machine", "settings"}},
+    {"display",   {"base", "host", "machine", "settings"}},
+    {"gui",       {"base"}},
+    {"room",      {"base", "bindings", "display", "facts", "gui", "host", "machine", "settings"}, Row::kToCome},
+    {"web",       {"base", "formats"}, Row::kToCome},
+    {"screens",   {"base", "bindings", "catalogue", "facts", "formats", "gui", "host", "machine", "machines",
+                   "room", "settings", "web"}, Row::kToCome},
+    {"front",     {"base", "bindings", "catalogue", "demos", "display", "facts", "formats", "gui", "host",
+                   "machine", "machines", "room", "screens", "settings", "sound", "web"}},
+    {"ombrelune", {"front"}},
+};
+// clang-format on
+
+// Other people's libraries by the beginnings of their headers' names, and the targets that may include
+// them. The first row that fits counts.
+struct LIBRARY_ROW {
+    std::string library;
+    Names prefixes;
+    Names targets;
+    Row row = Row::kInUse;
+};
+
+// clang-format off
+const std::vector<LIBRARY_ROW> kLibraries = {
+    {"OpenGL",           {"GL/", "SDL_opengl"},              {"display", "front", "room"}},
+    {"SDL2",             {"SDL.h", "SDL_"},                  {"bindings", "front", "sound"}},
+    {"OpenAL",           {"AL/"},                            {"sound"}},
+    {"FreeType",         {"ft2build.h", "freetype/", "FT_"}, {"gui"}},
+    {"stb_image",        {"stb_image", "stb/"},              {"gui", "room"}},
+    {"XML",              {"pugixml", "tinyxml"},             {"gui", "settings"}},
+    {"utf8cpp",          {"utf8"},                          {"base", "front"}},
+    {"Boost.Signals2",   {"boost/signals2"},                 {"gui"}},
+    {"Boost.Asio",       {"boost/asio"},                     {"web"}, Row::kToCome},
+    {"CLI11",            {"CLI/"},                           {"front"}},
+    {"libpng",           {"png.h"},                          {"front"}},
+    {"libzip",           {"zip.h"},                          {"formats"}},
+    {"liblzma",          {"lzma.h"},                         {"formats"}},
+    {"OpenSSL",          {"openssl/"},                       {"formats"}},
+
+    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "unistd.h"}, {"base", "front"}},
+};
+// clang-format on
+
+const TARGET_ROW* RowOfTarget(const std::string& target) {
+    const auto found = std::find_if(kTargets.begin(), kTargets.end(),
+                                    [&](const TARGET_ROW& row) { return row.target == target; });
+    return found == kTargets.end() ? nullptr : &*found;
+}
+
+const LIBRARY_ROW* RowOfHeader(const std::string& header) {
+    const auto found =
+        std::find_if(kLibraries.begin(), kLibraries.end(), [&](const LIBRARY_ROW& row) {
+            return std::any_of(
+                row.prefixes.begin(), row.prefixes.end(),
+                [&](const std::string& prefix) { return header.starts_with(prefix); });
+        });
+    return found == kLibraries.end() ? nullptr : &*found;
+}
+
+// The standard library's headers are the only ones without a dot or a slash, FreeType's macros aside.
+bool IsStandard(const std::string& header) {
+    return header.find_first_of("./") == std::string::npos && !header.starts_with("FT_");
+}
+
+// What is wrong with an include of a header that is not ours; empty for nothing.
+std::string FaultOfForeign(const std::string& target, const std::string& header) {
+    if (IsStandard(header)) {
+        return {};
+    }
+    const LIBRARY_ROW* const row = RowOfHeader(header);
+    if (row == nullptr) {
+        return header + " is of no library in the table";
+    }
+    return row->targets.contains(target) ? std::string() : row->library + " is not for " + target;
+}
 
 struct LAYERS {
     std::map<std::string, std::string> targetOf; // file below src/ to target
@@ -39,16 +145,43 @@ LAYERS ReadLayers() {
     return layers;
 }
 
-std::vector<std::string> QuotedIncludes(const fs::path& path) {
-    std::vector<std::string> includes;
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) {
-        constexpr std::string_view kStart = "#include \"";
-        if (line.starts_with(kStart)) {
-            includes.push_back(line.substr(kStart.size(), line.rfind('"') - kStart.size()));
+struct INCLUDES {
+    std::vector<std::string> ours;    // in quotes
+    std::vector<std::string> foreign; // in angle brackets, or macros
+};
+
+INCLUDES ReadIncludes(std::istream& source) {
+    constexpr const char* kBlanks = " \t";
+    INCLUDES includes;
+    for (std::string line; std::getline(source, line);) {
+        size_t at = line.find_first_not_of(kBlanks);
+        if (at == std::string::npos || line[at] != '#') {
+            continue;
+        }
+        at = line.find_first_not_of(kBlanks, at + 1);
+        constexpr std::string_view kWord = "include";
+        if (at == std::string::npos || line.compare(at, kWord.size(), kWord) != 0) {
+            continue;
+        }
+        at = line.find_first_not_of(kBlanks, at + kWord.size());
+        if (at == std::string::npos) {
+            continue;
+        }
+        const char open = line[at];
+        if (open == '"') {
+            includes.ours.push_back(line.substr(at + 1, line.find('"', at + 1) - at - 1));
+        } else if (open == '<') {
+            includes.foreign.push_back(line.substr(at + 1, line.find('>', at) - at - 1));
+        } else {
+            includes.foreign.push_back(line.substr(at, line.find_first_of(kBlanks, at) - at));
         }
     }
     return includes;
+}
+
+INCLUDES IncludesOf(const std::string& file) {
+    std::ifstream source(kSources / file);
+    return ReadIncludes(source);
 }
 
 std::vector<std::string> SourceFiles() {
@@ -75,7 +208,7 @@ TEST(Layers, EverySourceBelongsToATarget) {
 TEST(Layers, EveryIncludeIsOfATargetThatTheLinkLineNames) {
     const LAYERS layers = ReadLayers();
     for (const auto& [file, target] : layers.targetOf) {
-        for (const std::string& include : QuotedIncludes(kSources / file)) {
+        for (const std::string& include : IncludesOf(file).ours) {
             const auto found = layers.targetOf.find(include);
             if (found == layers.targetOf.end()) {
                 EXPECT_TRUE(
@@ -121,21 +254,92 @@ TEST(Layers, NoTargetReachesUpwardsOrRound) {
     EXPECT_TRUE(open.empty()) << *open.begin() << " stands in a circle";
 }
 
-TEST(Layers, NothingBelowTheFrontOpensAWindowOrKnowsAnothersDevice) {
+TEST(Layers, EveryTargetHasARowAndUsesNoMoreThanItAllows) {
     const LAYERS layers = ReadLayers();
-    const std::map<std::string, std::set<std::string>> mayInclude = {
-        {"SDL", {"front", "sound", "settings"}},
-        {"GL/", {"front", "display"}          },
-        {"AL/", {"sound"}                     },
-    };
+    Names targets;
     for (const auto& [file, target] : layers.targetOf) {
-        std::ifstream source(kSources / file);
-        for (std::string line; std::getline(source, line);) {
-            for (const auto& [prefix, targets] : mayInclude) {
-                if (line.starts_with("#include <" + prefix)) {
-                    EXPECT_TRUE(targets.contains(target)) << file << ": " << line;
-                }
+        targets.insert(target);
+    }
+    for (const std::string& target : targets) {
+        const TARGET_ROW* const row = RowOfTarget(target);
+        ASSERT_NE(row, nullptr) << target << " has no row";
+        const auto uses = layers.uses.find(target);
+        for (const std::string& used : uses == layers.uses.end() ? Names() : uses->second) {
+            EXPECT_TRUE(row->mayUse.contains(used)) << target << " uses " << used;
+        }
+    }
+    for (const TARGET_ROW& row : kTargets) {
+        EXPECT_EQ(targets.contains(row.target), row.row == Row::kInUse)
+            << row.target << ": the mark of its row is wrong";
+        for (const std::string& used : row.mayUse) {
+            EXPECT_NE(RowOfTarget(used), nullptr) << row.target << " may use " << used;
+        }
+    }
+}
+
+TEST(Layers, OthersLibrariesAreIncludedOnlyWhereTheirRowsAllow) {
+    const LAYERS layers = ReadLayers();
+    Names found;
+    for (const auto& [file, target] : layers.targetOf) {
+        for (const std::string& header : IncludesOf(file).foreign) {
+            EXPECT_EQ(FaultOfForeign(target, header), "") << file;
+            if (const LIBRARY_ROW* const row = RowOfHeader(header)) {
+                found.insert(row->library);
             }
         }
     }
+    for (const LIBRARY_ROW& row : kLibraries) {
+        EXPECT_EQ(found.contains(row.library), row.row == Row::kInUse)
+            << row.library << ": the mark of its row is wrong, or no header begins so";
+        for (const std::string& target : row.targets) {
+            EXPECT_NE(RowOfTarget(target), nullptr) << row.library << " is for " << target;
+        }
+    }
+}
+
+TEST(Layers, TheRowsRefuseWhatTheyAreThereToRefuse) {
+    const std::vector<std::pair<std::string, std::string>> allowed = {
+        {"front",   "SDL_events.h"             },
+        {"front",   "CLI/CLI.hpp"              },
+        {"display", "GL/gl.h"                  },
+        {"room",    "GL/glu.h"                 },
+        {"room",    "stb/stb_image.h"          },
+        {"gui",     "ft2build.h"               },
+        {"gui",     "FT_FREETYPE_H"            },
+        {"gui",     "pugixml.hpp"              },
+        {"gui",     "boost/signals2/signal.hpp"},
+        {"web",     "boost/asio/ip/tcp.hpp"    },
+        {"screens", "vector"                   },
+    };
+    for (const auto& [target, header] : allowed) {
+        EXPECT_EQ(FaultOfForeign(target, header), "") << target << header;
+    }
+    const std::vector<std::pair<std::string, std::string>> refused = {
+        {"gui",     "SDL.h"               },
+        {"gui",     "GL/gl.h"             },
+        {"room",    "SDL_video.h"         },
+        {"display", "SDL.h"               },
+        {"host",    "AL/al.h"             },
+        {"front",   "FT_FREETYPE_H"       },
+        {"screens", "boost/signals2.hpp"  },
+        {"screens", "boost/asio.hpp"      },
+        {"front",   "boost/asio.hpp"      },
+        {"web",     "boost/filesystem.hpp"},
+        {"base",    "curl/curl.h"         },
+    };
+    for (const auto& [target, header] : refused) {
+        EXPECT_NE(FaultOfForeign(target, header), "") << target << header;
+    }
+}
+
+TEST(Layers, AnIncludeIsSeenHoweverItIsWritten) {
+    std::istringstream source("#include \"a/b.h\"\n"
+                              "  #  include <SDL.h> // why\n"
+                              "#include FT_FREETYPE_H\n"
+                              "// #include <GL/gl.h>\n"
+                              "#pragma once\n"
+                              "#\n");
+    const INCLUDES includes = ReadIncludes(source);
+    EXPECT_EQ(includes.ours, std::vector<std::string>{"a/b.h"});
+    EXPECT_EQ(includes.foreign, (std::vector<std::string>{"SDL.h", "FT_FREETYPE_H"}));
 }

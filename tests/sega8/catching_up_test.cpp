@@ -1,15 +1,15 @@
 // The fast frame loops against the plain ones: same pixels, same sound, same state, on our own games
 // with buttons pressed at random.
 
+#include "formats/game_file.h"
 #include "front/demos.h"
 #include "library/convert.h"
 #include "sega8/game_gear.h"
 #include "sega8/sms.h"
 #include "sega8/system_e.h"
-
-#include "formats/game_file.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>

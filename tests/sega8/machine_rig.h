@@ -2,11 +2,11 @@
 #pragma once
 
 #include "base/bytes.h"
-
 #include "formats/game_file.h"
 #include "machine/emu_system.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <array>

@@ -1,11 +1,11 @@
 // States of the three machines: sizes, order, sameness of what follows, damaged bytes.
 #include "base/bytes.h"
+#include "machines/machines.h"
 #include "sega8/game_gear.h"
 #include "sega8/machine_rig.h"
 #include "sega8/sms.h"
 #include "sega8/system_e.h"
 
-#include "machines/machines.h"
 #include "support/machine_states.h"
 #include <gtest/gtest.h>
 

@@ -1,8 +1,10 @@
 #include "base/audio_rate.h"
+#include "machine/sound_settings.h"
 #include "sega8/psg.h"
 #include "sega8/ym2413.h"
-
 #include "settings/settings.h"
+
+#include "support/heard_chip.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -41,14 +43,14 @@ protected:
         std::vector<int16_t> out;
         out.reserve(pairs * 2);
         for (size_t i = 0; i < pairs; ++i) {
-            psg->sampleCount = 0;
+            psg->pairs->sampleCount = 0;
             for (uint32_t clock = 0; clock < 16; ++clock) {
                 PsgTick(*psg);
             }
-            out.push_back(psg->samples[0]);
-            out.push_back(psg->samples[1]);
+            out.push_back(psg->pairs->samples[0]);
+            out.push_back(psg->pairs->samples[1]);
         }
-        psg->sampleCount = 0;
+        psg->pairs->sampleCount = 0;
         return out;
     }
 
@@ -73,7 +75,7 @@ protected:
             {0x80 | channel << 5 | (period & 15), period >> 4, 0x90 | channel << 5 | attenuation});
     }
 
-    std::unique_ptr<PSG> psg = std::make_unique<PSG>();
+    std::unique_ptr<HEARD_CHIP<PSG>> psg = std::make_unique<HEARD_CHIP<PSG>>();
 };
 
 // Cycles a second by the first and the last rising edge.
@@ -136,7 +138,7 @@ TEST_F(Psg, ResetIsSilentWithEverythingOpen) {
 TEST_F(Psg, OnePairComesEverySixteenClocks) {
     for (uint32_t clock = 1; clock <= 160; ++clock) {
         PsgTick(*psg);
-        EXPECT_EQ(psg->sampleCount, clock / 16 * 2) << clock;
+        EXPECT_EQ(psg->pairs->sampleCount, clock / 16 * 2) << clock;
     }
 }
 
@@ -396,27 +398,24 @@ TEST_F(Psg, WithoutStereoThePanningIsNotHeard) {
 
 TEST_F(Psg, FlushHandsOverWhatWasMade) {
     Settings().SetInt(L"audio_app_quality", 0);
-    PsgInit(*psg, kClock, 1, false);
+    psg->sound.Init(kPairRate, SoundChoiceFromSettings());
     Tone(0, 0, 0);
     for (int i = 0; i < 16 * 1000; ++i) {
         PsgTick(*psg);
     }
-    EXPECT_EQ(psg->sampleCount, 2000u);
-    EXPECT_TRUE(psg->resampler.Output().empty());
-    PsgFlush(*psg);
-    EXPECT_EQ(psg->sampleCount, 0u);
+    EXPECT_EQ(psg->pairs->sampleCount, 2000u);
+    EXPECT_TRUE(psg->sound.Output().empty());
+    psg->sound.Flush();
+    EXPECT_EQ(psg->pairs->sampleCount, 0u);
     // 1000 pairs at 223,721 a second are 197.1 at 44,100.
-    EXPECT_EQ(psg->resampler.Output().size() / 2, 198u);
-    EXPECT_EQ(psg->resampler.Output()[100], 3276);
+    EXPECT_EQ(psg->sound.Output().size() / 2, 198u);
+    EXPECT_EQ(psg->sound.Output()[100], 3276);
 }
 
 TEST_F(Psg, OwnerThatNeverFlushesIsSafe) {
     Tone(0, 100, 0);
-    for (int i = 0; i < 400'000; ++i) {
-        PsgTick(*psg);
-        ASSERT_LT(psg->sampleCount, psg->samples.size());
-    }
-    EXPECT_FALSE(psg->resampler.Output().empty());
+    PsgRun(*psg, 400'000);
+    EXPECT_EQ(psg->pairs->sampleCount, psg->pairs->samples.size()) << "what comes then is lost";
 }
 
 // Frames of 313 lines of 228 clocks are the longest there are; none of their sound may be dropped.
@@ -429,20 +428,21 @@ TEST_F(Psg, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
             Settings().SetInt(L"audio_app_quality", quality);
             PsgInit(*psg, kClockPal, 1, false);
             PsgReset(*psg);
+            psg->sound.Init(kClockPal / 16.0, SoundChoiceFromSettings());
             Tone(0, 200, 0);
             size_t pairs = 0;
             for (int frame = 0; frame < kFrames; ++frame) {
                 for (int clock = 0; clock < kFrameClocks; ++clock) {
                     PsgTick(*psg);
                 }
-                ASSERT_LT(psg->sampleCount, psg->samples.size()); // no flush of its own
-                PsgFlush(*psg);
-                const size_t ready = psg->resampler.Output().size();
+                ASSERT_LT(psg->pairs->sampleCount, psg->pairs->samples.size());
+                psg->sound.Flush();
+                const size_t ready = psg->sound.Output().size();
                 pairs += ready / 2;
-                psg->resampler.Consume(static_cast<int32_t>(ready));
+                psg->sound.Consume(static_cast<int32_t>(ready));
             }
             const double expected = double{kFrames} * kFrameClocks / kClockPal * rate;
-            // A sinc converter keeps back the reach of its filter: under 3 ms at every rate.
+            // The resampler keeps back the reach of its filter: under 3 ms at every rate.
             EXPECT_NEAR(static_cast<double>(pairs), expected, rate * 0.003 + 2.0)
                 << rate << " quality " << quality;
         }
@@ -452,56 +452,60 @@ TEST_F(Psg, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
 TEST_F(Psg, CatchUpRunsInWholePairsUntilEnoughIsReady) {
     for (const int quality : {0, 1, 2}) {
         Settings().SetInt(L"audio_app_quality", quality);
-        PsgInit(*psg, kClock, 1, false);
         PsgReset(*psg);
+        psg->sound.Init(kPairRate, SoundChoiceFromSettings());
         Tone(0, 200, 0);
         for (int i = 0; i < 7; ++i) {
             PsgTick(*psg);
         }
-        PsgCatchUp(*psg, 401);
-        EXPECT_GE(psg->resampler.Output().size(), 401u);
-        EXPECT_LE(psg->resampler.Output().size(), 404u);
+        psg->sound.CatchUp(401, [this] { PsgRun(*psg, kPsgClocksPerPair); });
+        EXPECT_GE(psg->sound.Output().size(), 401u);
+        EXPECT_LE(psg->sound.Output().size(), 404u);
         EXPECT_EQ(psg->divider, 7u);
         const PSG& chip = *psg;
         const std::array<int32_t, 4> counter = chip.counter;
-        PsgCatchUp(*psg, 300); // enough is there
+        psg->sound.CatchUp(300, [this] { PsgRun(*psg, kPsgClocksPerPair); }); // enough is there
         EXPECT_EQ(chip.counter, counter);
     }
 }
 
 TEST_F(Psg, CatchUpToMoreThanTheResamplerHoldsEnds) {
-    PsgCatchUp(*psg, 1'000'000);
-    EXPECT_EQ(psg->resampler.Output().size(), 44100u / 40 * 2);
+    psg->sound.CatchUp(1'000'000, [this] { PsgRun(*psg, kPsgClocksPerPair); });
+    EXPECT_EQ(psg->sound.Output().size(), 44100u / 40 * 2);
 }
 
 // As a machine with both chips ends its frame.
 TEST_F(Psg, BothChipsReachOneLengthAndNeitherRunsAway) {
-    const auto ym = std::make_unique<YM2413>();
+    const auto ym = std::make_unique<HEARD_CHIP<YM2413>>();
     for (const uint32_t rate : {22050u, 44100u, 192000u}) {
         for (const int quality : {0, 1, 2}) {
             SetAudioRate(rate);
             Settings().SetInt(L"audio_app_quality", quality);
             PsgInit(*psg, kClockPal, 1, false);
             PsgReset(*psg);
+            psg->sound.Init(kClockPal / 16.0, SoundChoiceFromSettings());
             YmInit(*ym, kClockPal);
             YmReset(*ym);
+            ym->sound.Init(kClockPal / 72.0, SoundChoiceFromSettings());
             size_t taken = 0;
             for (int frame = 0; frame < 50; ++frame) {
                 for (int clock = 0; clock < 313 * 228; ++clock) {
                     PsgTick(*psg);
                     YmTick(*ym);
                 }
-                PsgFlush(*psg);
-                YmFlush(*ym);
-                PsgCatchUp(*psg, static_cast<uint32_t>(ym->resampler.Output().size()));
-                YmCatchUp(*ym, static_cast<uint32_t>(psg->resampler.Output().size()));
-                const size_t psgValues = psg->resampler.Output().size();
-                const size_t ymValues = ym->resampler.Output().size();
+                psg->sound.Flush();
+                ym->sound.Flush();
+                psg->sound.CatchUp(static_cast<uint32_t>(ym->sound.Output().size()),
+                                   [this] { PsgRun(*psg, kPsgClocksPerPair); });
+                ym->sound.CatchUp(static_cast<uint32_t>(psg->sound.Output().size()),
+                                  [&] { YmRun(*ym, kYmClocksPerSample); });
+                const size_t psgValues = psg->sound.Output().size();
+                const size_t ymValues = ym->sound.Output().size();
                 ASSERT_GE(ymValues, psgValues);
                 ASSERT_LE(ymValues - psgValues, 20u) << rate << " quality " << quality;
                 taken += psgValues;
-                psg->resampler.Consume(static_cast<int32_t>(psgValues));
-                ym->resampler.Consume(static_cast<int32_t>(psgValues));
+                psg->sound.Consume(static_cast<int32_t>(psgValues));
+                ym->sound.Consume(static_cast<int32_t>(psgValues));
             }
             const double expected = 50.0 * 313 * 228 / kClockPal * rate * 2;
             EXPECT_NEAR(static_cast<double>(taken), expected, rate * 0.006 + 40.0);
@@ -516,13 +520,13 @@ TEST_F(Psg, StateSavedAtAnyClockGivesTheSameSound) {
     Tone(2, 678, 3);
     Write({0xE7, 0xF2});
     PsgStereoWrite(*psg, 0x5A);
-    auto other = std::make_unique<PSG>();
+    auto other = std::make_unique<HEARD_CHIP<PSG>>();
     for (int round = 0; round < 20; ++round) {
         Run(37);
         for (int clock = 0; clock < round; ++clock) {
             PsgTick(*psg);
         }
-        psg->sampleCount = 0;
+        psg->pairs->sampleCount = 0;
         std::vector<uint8_t> state(PsgStateSize());
         ASSERT_EQ(PsgSaveState(*psg, state.data()), state.data() + state.size());
         EXPECT_EQ(state[0], 1);

@@ -180,7 +180,34 @@ TEST(Sms, LineInterruptReachesTheProcessorOnItsLines) {
     rig.Frames(*machine, 2);
     const int before = machine->Peek(0xC101);
     rig.Frames(*machine, 4);
-    EXPECT_EQ(machine->Peek(0xC101) - before, 4 * 3) << "after lines 63, 127 and 191";
+    EXPECT_EQ(machine->Peek(0xC101) - before, 4 * 3) << "on lines 63, 127 and 191";
+}
+
+// Notes V as each handler begins, from 0xC200 on, with no frame interrupt between them.
+TEST(Sms, LineHandlersReadTheirOwnLine) {
+    for (const int value : {5, 0}) {
+        MACHINE_RIG rig;
+        Program program;
+        program.Bytes({0xF3, 0xED, 0x56, 0xC3, 0x80, 0x00}); // di; im 1; jp 0x0080
+        program.At(0x38).Bytes({0xDB, 0x7E, 0x77, 0x23});    // in a,(0x7E); ld (hl),a; inc hl
+        program.Bytes({0xDB, 0xBF, 0xFB, 0xC9});             // in a,(0xBF); ei; ret
+        program.At(0x80).VdpRegister(0xBF, 1, 0x40).VdpRegister(0xBF, 10, value);
+        program.VdpRegister(0xBF, 0, 0x14);
+        // The frame's end, then one frame with the interrupts on.
+        program.Bytes({0xDB, 0x7E, 0xFE, 0xE0, 0x20, 0xFA, 0xDB, 0xBF, 0x21, 0x00, 0xC2, 0xFB});
+        program.Bytes({0xDB, 0x7E, 0xFE, 0xD0, 0x20, 0xFA, 0xF3}).Stop();
+        const Sms machine = Start({}, program);
+        rig.Frames(*machine, 3);
+        const std::vector<uint8_t> ram = machine->Memory("ram");
+        std::vector<uint8_t> expected;
+        for (int line = value; line <= 192; line += value + 1) {
+            expected.push_back(static_cast<uint8_t>(line));
+        }
+        ASSERT_EQ(expected.size(), value == 0 ? 193u : 32u);
+        expected.push_back(0); // and no more
+        const auto from = ram.begin() + 0x200;
+        EXPECT_EQ((std::vector<uint8_t>(from, from + static_cast<int>(expected.size()))), expected);
+    }
 }
 
 TEST(Sms, StackStartsUnderTheMapperRegisters) {

@@ -1,9 +1,9 @@
 // Ports, counters, interrupts and the geometry of a frame.
+#include "machine/emu_system.h"
 #include "sega8/vdp.h"
 #include "sega8/vdp_rig.h"
 #include "sega8/vdp_slots.h"
 
-#include "machine/emu_system.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -392,7 +392,7 @@ TEST(VdpInterrupts, OneStatusReadClearsBothRequests) {
     rig.StartMode4();
     rig.Reg(0, 0x14);
     rig.Reg(1, 0x60);
-    rig.Reg(10, 192); // asks after line 192, as the frame flag comes
+    rig.Reg(10, 192); // asks with line 192, one line before the frame flag
     rig.Frame();
     (void)VdpStatusRead(rig.vdp);
     rig.RunTo(193, 318);
@@ -463,32 +463,51 @@ TEST(VdpInterrupts, TurningTheBitOnRaisesTheLineAtOnceAndOffDropsIt) {
     EXPECT_EQ(rig.irq, 0U);
 }
 
-// Value n asks after lines n, 2n + 1, 3n + 2 and so on, up to the line below the picture.
-TEST(VdpInterrupts, LineCounterAsksAfterEveryNPlusOneLines) {
+// The counter steps with the V counter, as V becomes 0 and so on to the line below the picture. Value n
+// asks as V becomes n, 2n + 1, 3n + 2 and so on; the frame flag comes a line after the last of them.
+TEST(VdpInterrupts, LineCounterAsksAsTheVCounterBecomesItsLines) {
+    for (const bool pal : {false, true}) {
+        for (const uint32_t height : {192U, 224U, 240U}) {
+            VdpRig rig(kVdpSecond, pal);
+            rig.StartMode4();
+            SetHeight(rig, height);
+            rig.Reg(0, rig.vdp.regs[0] | 0x10U);
+            for (uint32_t value = 0; value < 256; ++value) {
+                rig.RunTo(height + 8, 0);
+                rig.Reg(10, value);
+                (void)VdpStatusRead(rig.vdp);
+                std::vector<uint32_t> lines;
+                for (uint32_t step = 0; step < rig.vdp.totalLines * kLineSteps; ++step) {
+                    rig.Steps(1);
+                    if (rig.irq != 0) {
+                        EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
+                        EXPECT_FALSE(rig.vdp.frameInterrupt);
+                        lines.push_back(rig.vdp.line);
+                        (void)VdpStatusRead(rig.vdp);
+                    }
+                }
+                std::vector<uint32_t> expected;
+                for (uint32_t line = value; line <= height; line += value + 1) {
+                    expected.push_back(line);
+                }
+                ASSERT_EQ(lines, expected) << height << " " << value;
+            }
+        }
+    }
+}
+
+TEST(VdpInterrupts, LineHandlerReadsTheLineThatItAskedFor) {
     VdpRig rig;
     rig.StartMode4();
     rig.Reg(0, 0x14);
-    for (uint32_t value = 0; value < 256; ++value) {
-        rig.RunTo(200, 0);
-        rig.Reg(10, value);
-        rig.Finish();
-        (void)VdpStatusRead(rig.vdp);
-        std::vector<uint32_t> after;
-        while (!rig.vdp.frameDone) {
-            VdpTick(rig.vdp);
-            if (rig.irq != 0) {
-                EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
-                after.push_back(rig.vdp.line - 1);
-                (void)VdpStatusRead(rig.vdp);
-            }
-        }
-        std::vector<uint32_t> expected;
-        for (uint32_t line = value; line <= 192; line += value + 1) {
-            expected.push_back(line);
-        }
-        EXPECT_EQ(after, expected) << value;
-        VdpBeginFrame(rig.vdp, rig.pixels.data(), kRigWidth);
+    rig.Reg(10, 5);
+    rig.Frame();
+    (void)VdpStatusRead(rig.vdp);
+    while (rig.irq == 0) {
+        rig.Steps(1);
     }
+    rig.Steps(200); // what a handler does before it looks
+    EXPECT_EQ(VdpVCounter(rig.vdp), 5U);
 }
 
 TEST(VdpInterrupts, RegisterTenActsAtTheNextReload) {
@@ -500,15 +519,15 @@ TEST(VdpInterrupts, RegisterTenActsAtTheNextReload) {
     rig.RunTo(10, 0);
     (void)VdpStatusRead(rig.vdp);
     rig.Reg(10, 3);
-    std::vector<uint32_t> after;
+    std::vector<uint32_t> lines;
     while (rig.vdp.line < 40) {
         VdpTick(rig.vdp);
         if (rig.irq != 0) {
-            after.push_back(rig.vdp.line - 1);
+            lines.push_back(rig.vdp.line);
             (void)VdpStatusRead(rig.vdp);
         }
     }
-    EXPECT_EQ(after, (std::vector<uint32_t>{20, 24, 28, 32, 36}));
+    EXPECT_EQ(lines, (std::vector<uint32_t>{20, 24, 28, 32, 36, 40}));
 }
 
 TEST(VdpInterrupts, PauseRaisesNmiOnItsRisingEdge) {

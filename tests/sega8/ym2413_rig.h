@@ -3,8 +3,9 @@
 
 #include "base/audio_rate.h"
 #include "sega8/ym2413.h"
-
 #include "settings/settings.h"
+
+#include "support/heard_chip.h"
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -36,23 +37,23 @@ protected:
         std::vector<double> out;
         out.reserve(count);
         for (size_t i = 0; i < count; ++i) {
-            ym->sampleCount = 0;
+            ym->pairs->sampleCount = 0;
             for (uint32_t clock = 0; clock < 72; ++clock) {
                 YmTick(*ym);
             }
-            out.push_back(ym->sampleBuffer[0]);
+            out.push_back(ym->pairs->samples[0]);
         }
-        ym->sampleCount = 0;
+        ym->pairs->sampleCount = 0;
         return out;
     }
 
     // The same without listening.
     void Skip(size_t count) {
         for (size_t i = 0; i < count; ++i) {
-            ym->sampleCount = 0;
+            ym->pairs->sampleCount = 0;
             YmMakeSample(*ym);
         }
-        ym->sampleCount = 0;
+        ym->pairs->sampleCount = 0;
     }
 
     void Write(std::initializer_list<std::pair<int, int>> writes) {
@@ -91,5 +92,5 @@ protected:
     YM_SLOT& Modulator(size_t channel) { return ym->channels[channel].slots[0]; }
     YM_SLOT& Carrier(size_t channel) { return ym->channels[channel].slots[1]; }
 
-    std::unique_ptr<YM2413> ym = std::make_unique<YM2413>();
+    std::unique_ptr<HEARD_CHIP<YM2413>> ym = std::make_unique<HEARD_CHIP<YM2413>>();
 };

@@ -1,6 +1,9 @@
 // Registers, timing, states and the way to the resampler.
+#include "machine/sound_settings.h"
 #include "sega8/ym2413_rig.h"
 #include "sega8/ym2413_tables.h"
+
+#include "support/heard_chip.h"
 
 #include <algorithm>
 #include <array>
@@ -158,7 +161,7 @@ TEST_F(Ym2413, VibratoIsATriangleAsDeepAsTheNumberIsHigh) {
 TEST_F(Ym2413, OneSampleComesEvery72Clocks) {
     for (uint32_t clock = 1; clock <= 720; ++clock) {
         YmTick(*ym);
-        EXPECT_EQ(ym->sampleCount, clock / 72 * 2) << clock;
+        EXPECT_EQ(ym->pairs->sampleCount, clock / 72 * 2) << clock;
     }
 }
 
@@ -202,9 +205,9 @@ TEST_F(Ym2413, BothSidesAreTheSame) {
     for (int i = 0; i < 72 * 600; ++i) {
         YmTick(*ym);
     }
-    ASSERT_EQ(ym->sampleCount, 1200u);
+    ASSERT_EQ(ym->pairs->sampleCount, 1200u);
     for (size_t i = 0; i < 1200; i += 2) {
-        EXPECT_EQ(ym->sampleBuffer[i], ym->sampleBuffer[i + 1]);
+        EXPECT_EQ(ym->pairs->samples[i], ym->pairs->samples[i + 1]);
     }
 }
 
@@ -476,11 +479,8 @@ TEST_F(Ym2413, SustainBitCountsWhenTheRatesAreReadAgain) {
 // --- on the way to the machine ------------------------------------------------------------------------
 
 TEST_F(Ym2413, OwnerThatNeverFlushesIsSafe) {
-    for (int i = 0; i < 400'000; ++i) {
-        YmTick(*ym);
-        ASSERT_LT(ym->sampleCount, ym->sampleBuffer.size());
-    }
-    EXPECT_FALSE(ym->resampler.Output().empty());
+    YmRun(*ym, 800'000);
+    EXPECT_EQ(ym->pairs->sampleCount, ym->pairs->samples.size()) << "what comes then is lost";
 }
 
 // Frames of 313 lines of 228 clocks are the longest there are; none of their sound may be dropped.
@@ -494,17 +494,18 @@ TEST_F(Ym2413, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
             Settings().SetInt(L"audio_app_quality", quality);
             YmInit(*ym, kClockPal);
             YmReset(*ym);
+            ym->sound.Init(kClockPal / 72.0, SoundChoiceFromSettings());
             size_t pairs = 0;
             for (int frame = 0; frame < kFrames; ++frame) {
                 for (int clock = 0; clock < kFrameClocks; ++clock) {
                     YmTick(*ym);
                 }
-                ASSERT_LT(ym->sampleCount, ym->sampleBuffer.size());
-                YmFlush(*ym);
-                EXPECT_EQ(ym->sampleCount, 0u);
-                const size_t ready = ym->resampler.Output().size();
+                ASSERT_LT(ym->pairs->sampleCount, ym->pairs->samples.size());
+                ym->sound.Flush();
+                EXPECT_EQ(ym->pairs->sampleCount, 0u);
+                const size_t ready = ym->sound.Output().size();
                 pairs += ready / 2;
-                ym->resampler.Consume(static_cast<int32_t>(ready));
+                ym->sound.Consume(static_cast<int32_t>(ready));
             }
             const double expected = double{kFrames} * kFrameClocks / kClockPal * rate;
             EXPECT_NEAR(static_cast<double>(pairs), expected, rate * 0.003 + 5.0)
@@ -514,21 +515,22 @@ TEST_F(Ym2413, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
 }
 
 TEST_F(Ym2413, CatchUpRunsInWholeSamplesUntilEnoughIsReady) {
+    ym->sound.Init(kRate, SoundChoiceFromSettings());
     for (int i = 0; i < 31; ++i) {
         YmTick(*ym);
     }
-    YmCatchUp(*ym, 401);
-    EXPECT_GE(ym->resampler.Output().size(), 401u);
-    EXPECT_LE(ym->resampler.Output().size(), 404u);
+    ym->sound.CatchUp(401, [&] { YmRun(*ym, kYmClocksPerSample); });
+    EXPECT_GE(ym->sound.Output().size(), 401u);
+    EXPECT_LE(ym->sound.Output().size(), 404u);
     EXPECT_EQ(ym->tick, 31u);
     const uint32_t steps = ym->egCounter;
-    YmCatchUp(*ym, 300);
+    ym->sound.CatchUp(300, [&] { YmRun(*ym, kYmClocksPerSample); });
     EXPECT_EQ(ym->egCounter, steps);
 }
 
 TEST_F(Ym2413, CatchUpToMoreThanTheResamplerHoldsEnds) {
-    YmCatchUp(*ym, 1'000'000);
-    EXPECT_EQ(ym->resampler.Output().size(), 44100u / 40 * 2);
+    ym->sound.CatchUp(1'000'000, [&] { YmRun(*ym, kYmClocksPerSample); });
+    EXPECT_EQ(ym->sound.Output().size(), 44100u / 40 * 2);
 }
 
 // --- states -------------------------------------------------------------------------------------------
@@ -551,7 +553,7 @@ TEST_F(Ym2413, StateSavedAtAnyClockGivesTheSameSound) {
         {5, 0x81}
     });
     KeyOn(3, 6, 300);
-    auto other = std::make_unique<YM2413>();
+    auto other = std::make_unique<HEARD_CHIP<YM2413>>();
     for (int round = 0; round < 20; ++round) {
         Write({
             {0x0E, 0x20 | round}
@@ -560,7 +562,7 @@ TEST_F(Ym2413, StateSavedAtAnyClockGivesTheSameSound) {
         for (int clock = 0; clock < round * 3; ++clock) {
             YmTick(*ym);
         }
-        ym->sampleCount = 0;
+        ym->pairs->sampleCount = 0;
         const std::vector<uint8_t> state = StateOf(*ym);
         EXPECT_EQ(state[0], 1);
         YmInit(*other, kClock);

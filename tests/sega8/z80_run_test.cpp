@@ -116,11 +116,80 @@ void CompareRuns(uint32_t seed) {
     EXPECT_EQ(plain.bus.memory, fast.bus.memory) << "seed " << seed;
 }
 
+// The same, and ends the run after so many accesses.
+struct STOPPING_BUS : NOISE_BUS {
+    uint32_t accessesLeft = 0;
+
+    explicit STOPPING_BUS(Z80& cpu)
+        : NOISE_BUS{cpu, std::vector<uint8_t>(0x10000), {}} {}
+    void Count() { accessesLeft -= accessesLeft != 0 ? 1 : 0; }
+    uint8_t Read(uint16_t address) {
+        Count();
+        return NOISE_BUS::Read(address);
+    }
+    uint8_t ReadOpcode(uint16_t address) {
+        Count();
+        return NOISE_BUS::ReadOpcode(address);
+    }
+    void Write(uint16_t address, uint8_t value) {
+        Count();
+        NOISE_BUS::Write(address, value);
+    }
+    uint8_t IoRead(uint16_t port) {
+        Count();
+        return NOISE_BUS::IoRead(port);
+    }
+    void IoWrite(uint16_t port, uint8_t value) {
+        Count();
+        NOISE_BUS::IoWrite(port, value);
+    }
+    [[nodiscard]] bool Stops() const { return accessesLeft == 0; }
+};
+
 } // namespace
 
 TEST(Z80Run, EqualsSingleClocksOnRandomPrograms) {
     for (uint32_t seed = 1; seed <= 120 && !HasFatalFailure(); ++seed) {
         CompareRuns(seed);
+    }
+}
+
+// Fetches too.
+TEST(Z80Run, EndsWithTheAccessThatMakesTheBusStopIt) {
+    constexpr uint32_t kClocks = 230;
+    std::mt19937 random(7);
+    MACHINE plain;
+    Z80 z80;
+    Z80Init(z80, nullptr, nullptr, nullptr, nullptr, nullptr);
+    Z80Reset(z80);
+    STOPPING_BUS bus(z80);
+    for (uint8_t& byte : plain.bus.memory) {
+        byte = RandomOpcode(random);
+    }
+    bus.memory = plain.bus.memory;
+    uint64_t clocks = 0;
+    for (int run = 0; run < 3000; ++run) {
+        const auto accesses = static_cast<uint32_t>(1 + random() % 6);
+        plain.bus.runStart = bus.runStart = clocks;
+        bus.accessesLeft = accesses;
+        const uint32_t done = kClocks - Z80RunOn(z80, bus, kClocks);
+        for (uint32_t i = 0; i < done; ++i) {
+            plain.bus.At(i);
+            Z80TickOn(plain.z80, plain.bus);
+        }
+        clocks += done;
+        ASSERT_EQ(std::ranges::count(bus.trace, '='), accesses) << bus.trace;
+        ASSERT_EQ(bus.trace, plain.bus.trace) << "run " << run;
+        std::vector<uint8_t> state(Z80StateSize());
+        Z80SaveState(z80, state.data());
+        ASSERT_EQ(state, plain.State()) << "run " << run << ": " << bus.trace;
+        bus.trace.clear();
+        plain.bus.trace.clear();
+        if (z80.halted != 0) {
+            for (Z80* each : {&z80, &plain.z80}) {
+                each->nmiEdge = 1;
+            }
+        }
     }
 }
 

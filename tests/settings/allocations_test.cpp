@@ -1,6 +1,7 @@
 // Counts the allocations of the calls that machines make at every poll.
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>

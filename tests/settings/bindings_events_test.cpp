@@ -1,5 +1,6 @@
 // From the event pump's raw joystick events to the table of codes.
 #include "settings/bindings.h"
+
 #include <gtest/gtest.h>
 
 #include <set>

@@ -1,6 +1,7 @@
 // Codes, what is down, names of bindings, and who gets input.
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,6 +11,7 @@ namespace {
 constexpr uint32_t kKeyA = 4;
 constexpr uint32_t kKeyTab = 43;
 constexpr uint32_t kKeySpace = 44;
+constexpr uint32_t kKeyUp = 82;
 constexpr uint32_t kLeftCtrl = 224;
 constexpr uint32_t kLeftShift = 225;
 constexpr uint32_t kLeftAlt = 226;
@@ -105,10 +107,90 @@ TEST_F(Bindings, AnyOtherModifierCountsAsNone) {
     }
 }
 
-TEST_F(Bindings, AModifierKeyBoundPlainlyIsHeldBackByItself) {
+TEST_F(Bindings, AModifierKeyThatNoActionAsksForHoldsItselfBack) {
     InputKeyChanged(kRightShift, true);
     EXPECT_FALSE(BindingIsDown(kRightShift, false));
     EXPECT_TRUE(BindingIsDown(KeyboardBinding(kRightShift, kModifierShift), false));
+}
+
+TEST_F(Bindings, SelectWorksOnItsDefaultKey) {
+    EXPECT_FALSE(InputIsDown(7, L"NES P1 SELECT"));
+    InputKeyChanged(kRightShift, true);
+    EXPECT_TRUE(InputIsDown(7, L"NES P1 SELECT"));
+    InputKeyChanged(kRightShift, false);
+    EXPECT_FALSE(InputIsDown(7, L"NES P1 SELECT"));
+}
+
+TEST_F(Bindings, SelectDoesNotHoldBackTheOtherButtonsOfItsMachine) {
+    InputKeyChanged(kRightShift, true);
+    InputKeyChanged(kKeyA, true);
+    InputKeyChanged(kKeyUp, true);
+    EXPECT_TRUE(InputIsDown(7, L"NES P1 SELECT"));
+    EXPECT_TRUE(InputIsDown(7, L"NES P1 BUTTONB"));
+    EXPECT_TRUE(InputIsDown(7, L"NES P1 UP"));
+    EXPECT_FALSE(InputIsDown(7, L"SMS P1 UP")) << "on other machines it is a modifier";
+}
+
+TEST_F(Bindings, TheOtherModifiersStayModifiersBesideSelect) {
+    InputKeyChanged(kKeyUp, true);
+    for (const uint32_t key : {kLeftShift, kLeftCtrl, kRightCtrl, kLeftAlt, kRightAlt}) {
+        InputKeyChanged(key, true);
+        EXPECT_FALSE(InputIsDown(7, L"NES P1 UP")) << key;
+        InputKeyChanged(kRightShift, true);
+        EXPECT_FALSE(InputIsDown(7, L"NES P1 SELECT")) << key;
+        InputKeyChanged(kRightShift, false);
+        InputKeyChanged(key, false);
+    }
+}
+
+TEST_F(Bindings, EveryShiftKeyRewindsWhateverSelectIsBoundTo) {
+    InputKeyChanged(kKeyTab, true);
+    for (const uint32_t key : {kLeftShift, kRightShift}) {
+        InputKeyChanged(key, true);
+        EXPECT_TRUE(InputIsDown(7, L"Rewind")) << key;
+        EXPECT_FALSE(InputIsDown(7, L"Fast Forward")) << key;
+        EXPECT_EQ(InputIsDown(7, L"NES P1 SELECT"), key == kRightShift);
+        InputKeyChanged(key, false);
+    }
+    EXPECT_TRUE(InputIsDown(7, L"Fast Forward"));
+}
+
+TEST_F(Bindings, AnyModifierKeyMayBeBoundToAMachine) {
+    for (const uint32_t key :
+         {kLeftCtrl, kLeftShift, kLeftAlt, kRightCtrl, kRightShift, kRightAlt}) {
+        Settings().SetInt2(L"INPUT GG P1 BUTTON1", 0, static_cast<int32_t>(key));
+        InputBeginPump();
+        InputKeyChanged(key, true);
+        InputKeyChanged(kKeyUp, true);
+        EXPECT_TRUE(InputIsDown(7, L"GG P1 BUTTON1")) << key;
+        EXPECT_TRUE(InputIsDown(7, L"GG P1 UP")) << key;
+        EXPECT_FALSE(InputIsDown(7, L"MEGADRIVE P1 UP")) << key;
+        InputKeyChanged(key, false);
+    }
+    Settings().SetInt2(L"INPUT GG P1 BUTTON1", static_cast<int32_t>(kKeyA), 0);
+    InputBeginPump();
+    InputKeyChanged(kRightAlt, true);
+    EXPECT_FALSE(InputIsDown(7, L"GG P1 UP")) << "a modifier again, once nothing is bound to it";
+}
+
+// So does a screen write it that records a press with the modifiers held.
+TEST_F(Bindings, SelectBoundToShiftWithItselfWorksToo) {
+    const uint32_t binding = KeyboardBinding(kRightShift, kModifierShift);
+    Settings().SetInt2(L"INPUT NES P1 SELECT", static_cast<int32_t>(binding), 0);
+    InputBeginPump();
+    InputKeyChanged(kRightShift, true);
+    InputKeyChanged(kKeyUp, true);
+    EXPECT_TRUE(InputIsDown(7, L"NES P1 SELECT"));
+    EXPECT_TRUE(InputIsDown(7, L"NES P1 UP"));
+}
+
+TEST_F(Bindings, TheProgramsOwnActionsTakeNoModifierAway) {
+    Settings().SetInt2(L"INPUT Slow Movement", static_cast<int32_t>(kLeftShift), 0);
+    InputBeginPump();
+    InputKeyChanged(kLeftShift, true);
+    InputKeyChanged(kKeyTab, true);
+    EXPECT_TRUE(InputIsDown(7, L"Rewind"));
+    EXPECT_FALSE(InputIsDown(7, L"Fast Forward"));
 }
 
 TEST_F(Bindings, KeyboardCodesEndAt512) {

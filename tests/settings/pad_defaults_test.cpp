@@ -2,6 +2,7 @@
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <string>

@@ -2,6 +2,7 @@
 // shows.
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <string>

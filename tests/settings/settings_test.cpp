@@ -1,8 +1,8 @@
 // The store by itself: names, types, list and index.
 #include "base/text.h"
-
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,6 +1,8 @@
 // One thread sets while others read: no value is ever anything but one of those that were set.
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
+#include "support/wait_until.h"
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -36,9 +38,7 @@ TEST(SettingsThreads, ReadersSeeOnlyValuesThatWereSet) {
     for (int i = 0; i < 3; ++i) {
         threads.emplace_back(read);
     }
-    while (reading.load() < 3) {
-        std::this_thread::yield();
-    }
+    EXPECT_TRUE(WaitUntil("three readers", [&] { return reading.load() == 3; }));
     for (int i = 0; i < kRounds; ++i) {
         const bool first = i % 2 == 0;
         store.SetInt(L"emu_fastforward", first ? 0x22222222 : 0x11111111);
@@ -67,9 +67,7 @@ TEST(SettingsThreads, AHeldDirectionOfAHatNeverLooksLetGo) {
             reading.store(true);
         }
     });
-    while (!reading.load()) {
-        std::this_thread::yield();
-    }
+    EXPECT_TRUE(WaitUntil("the reader", [&] { return reading.load(); }));
     for (int i = 0; i < kRounds; ++i) {
         InputHatMoved(0, 0, i % 2 == 0 ? kHatLeft | kHatDown : kHatLeft);
     }

@@ -14,13 +14,11 @@ constexpr size_t kFailuresShown = 20;
 constexpr size_t kLongestLine = 16384;
 
 std::filesystem::path CaseFile(const std::string& name) {
-    const char* named =
-        std::getenv("OMBRELUNE_VECTORS"); // NOLINT(concurrency-mt-unsafe): one thread
-    const std::filesystem::path folder =
-        named != nullptr
-            ? std::filesystem::path(named)
-            : std::filesystem::path(OMBRELUNE_SOURCE_FOLDER) / ".." / "shared" / "vectors";
-    return folder / name;
+    const std::filesystem::path project(OMBRELUNE_SOURCE_FOLDER);
+    return FindCaseFile(
+        name,
+        std::getenv("OMBRELUNE_VECTORS"), // NOLINT(concurrency-mt-unsafe): one thread
+        {project / ".." / "shared" / "vectors", project / "tests" / "vectors"});
 }
 
 CASE_SNAPSHOT ParseSnapshot(std::istringstream& line) {
@@ -98,6 +96,21 @@ bool ForEachCase(const std::filesystem::path& path,
 
 } // namespace
 
+std::filesystem::path FindCaseFile(const std::string& file, const char* named,
+                                   const std::vector<std::filesystem::path>& folders) {
+    if (named != nullptr) {
+        return std::filesystem::path(named) / file;
+    }
+    std::filesystem::path path;
+    for (const std::filesystem::path& folder : folders) {
+        path = folder / file;
+        if (std::filesystem::exists(path)) {
+            break;
+        }
+    }
+    return path;
+}
+
 uint32_t CaseNumber(const std::string& hexadecimal) {
     return static_cast<uint32_t>(std::stoul(hexadecimal, nullptr, 16));
 }
@@ -125,5 +138,5 @@ void RunProcessorCases(const std::string& file,
     EXPECT_GT(count, 0U) << path;
     EXPECT_EQ(failures, 0U) << "of " << count << " cases";
     testing::Test::RecordProperty("cases", static_cast<int>(count));
-    std::printf("%zu cases, %zu of them fail\n", count, failures);
+    std::printf("%zu cases of %s, %zu of them fail\n", count, path.c_str(), failures);
 }

@@ -1,13 +1,14 @@
-// Single-instruction cases of other people's, which lie beside the project and are no part of it: the state
-// before and after one instruction, and what it accessed.
+// Single-instruction cases made by other people: the state before and after one instruction, and what it
+// accessed.
 //
 // A file is gzipped text. All numbers but those of T are hexadecimal. A case is, in this order:
 //     T opcode index clocks [title]      clocks in decimal
 //     I registers | address:value ...    before
 //     F registers | address:value ...    after
 //     P or B address:value:r|w ...       accesses of ports, or of the whole bus; may be missing
-// The folder is that of the environment variable OMBRELUNE_VECTORS, else `shared/vectors` beside the
-// project's own.
+// A file is looked for in the folder of the environment variable OMBRELUNE_VECTORS and there alone; without
+// the variable in `shared/vectors` beside the project's own folder, then in `tests/vectors`, where a sample
+// of the cases may lie.
 #pragma once
 
 #include <array>
@@ -48,6 +49,11 @@ struct PROCESSOR_CASE {
     CASE_SNAPSHOT after;
     std::vector<CASE_ACCESS> accesses;
 };
+
+// Where a file of cases is: in the folder `named`, unless it is null, else in the first of `folders` that has
+// it. Where none has, the path in the last one.
+[[nodiscard]] std::filesystem::path FindCaseFile(const std::string& file, const char* named,
+                                                 const std::vector<std::filesystem::path>& folders);
 
 [[nodiscard]] uint32_t CaseNumber(const std::string& hexadecimal);
 

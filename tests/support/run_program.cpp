@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <stdexcept>
 
 namespace {
@@ -23,7 +24,8 @@ std::string Text(const TemporaryFolder& folder, std::string_view name) {
 
 } // namespace
 
-PROGRAM_RESULT RunProgram(const std::string& program, const std::vector<std::string>& arguments) {
+PROGRAM_RESULT RunProgram(const std::string& program, const std::vector<std::string>& arguments,
+                          unsigned longestSeconds) {
     const TemporaryFolder folder;
     std::vector<std::string> words = arguments;
     words.insert(words.begin(), program);
@@ -40,6 +42,7 @@ PROGRAM_RESULT RunProgram(const std::string& program, const std::vector<std::str
         throw std::runtime_error("fork failed");
     }
     if (child == 0) {
+        alarm(longestSeconds); // goes on in the program, and ends it
         Redirect(output, STDOUT_FILENO);
         Redirect(error, STDERR_FILENO);
         execv(program.c_str(), pointers.data());
@@ -51,5 +54,12 @@ PROGRAM_RESULT RunProgram(const std::string& program, const std::vector<std::str
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.output = Text(folder, "output");
     result.error = Text(folder, "error");
+    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM) {
+        result.error +=
+            "ended after " + std::to_string(longestSeconds) + " seconds: " + words.front();
+        for (const std::string& argument : arguments) {
+            result.error += " " + argument;
+        }
+    }
     return result;
 }

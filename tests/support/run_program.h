@@ -1,4 +1,5 @@
-// Runs a program as a child, as a user's shell would, and gathers what it says.
+// Runs a program as a child, as a user's shell would, and gathers what it says. One that hangs is ended
+// after a time, and the last line of `error` says so.
 #pragma once
 
 #include <string>
@@ -11,4 +12,5 @@ struct PROGRAM_RESULT {
 };
 
 [[nodiscard]] PROGRAM_RESULT RunProgram(const std::string& program,
-                                        const std::vector<std::string>& arguments);
+                                        const std::vector<std::string>& arguments,
+                                        unsigned longestSeconds = 240);

@@ -49,9 +49,8 @@ static const u8 foothills[17] = {4, 6, 10, 14, 12, 6, 3, 5, 7, 10, 16, 12, 8, 3,
 // Heights of the towers of the night, 8 dots each.
 static const u8 towers[32] = {8, 20, 14, 28, 28, 10, 16, 34, 22, 12, 6, 18, 26, 16, 38, 38,
                               20, 12, 24, 14, 8, 30, 18, 10, 22, 36, 16, 12, 26, 20, 10, 14};
-// Half the width of the disc's rows, from its top to its middle. The first line of a band still has the
-// scroll of the band above, so the disc leaves it free.
-static const u8 discHalf[16] = {0, 6, 9, 10, 11, 12, 13, 13, 14, 14, 15, 15, 15, 16, 16, 16};
+// Half the width of the disc's rows, from its top to its middle.
+static const u8 discHalf[16] = {4, 6, 9, 10, 11, 12, 13, 13, 14, 14, 15, 15, 15, 16, 16, 16};
 // clang-format on
 
 static u8 colours[8];

@@ -7,49 +7,9 @@ __sfr __at 0x7B secondPsgPort;
 #define SILENT 15
 #define NOISE  3
 
-static const TUNE titleTune = {
-    {"D4--F4--A4--D5--C5--A4--F4------"
-     "C4--E4--G4--C5--a4--G4--E4------"
-     "a3--D4--F4--a4--A4--F4--D4------"
-     "A4--G4--F4--E4--D4--------------", "D3--..D3A2--..A2D3--..D3A2--..A2"
-     "C3--..C3G3--..G3C3--..C3G3--..G3"
-     "a2--..a2F3--..F3a2--..a2F3--..F3"
-     "A2--..A2E3--..E3D3--..D3A2--D3--", "A4..F4..D4..F4..A4..F4..D4..F4.."
-     "G4..E4..C4..E4..G4..E4..C4..E4.."
-     "F4..D4..a3..D4..F4..D4..a3..D4.."
-     "E4..c4..A3..c4..F4..D4..A3......"},
-    "k.h.s.h.k.h.s.hh",
-    {4,                                       4,                                      9                                     },
-    {4,                                       3,                                      2                                     },
-    6
-};
-
-static const TUNE playTune = {
-    {"D5--A4D5--F5E5--D5--C5--A4------"
-     "F4--A4C5--D5C5--A4--G4--F4------"
-     "G4--a4D5--G5F5--D5--a4--G4------"
-     "A4--c5E5--G5F5E5D5C5a4A4--------", "D3D3..D3D3..D3..D3D3..D3C3..A2.."
-     "F3F3..F3F3..F3..F3F3..F3E3..C3.."
-     "G3G3..G3G3..G3..G3G3..G3F3..D3.."
-     "A2A2..A2A2..A2..A2A2..E3A3..A2..", "A4F4D4F4A4F4D4F4A4F4D4F4A4F4D4F4"
-     "C5A4F4A4C5A4F4A4C5A4F4A4C5A4F4A4"
-     "a4G4D4G4a4G4D4G4a4G4D4G4a4G4D4G4"
-     "A4E4c4E4A4E4c4E4G4E4c4E4G4E4c4E4"},
-    "k.hhs.h.k.hks.hh",
-    {4,                                       4,                                      10                                    },
-    {4,                                       3,                                      1                                     },
-    6
-};
-
-static const TUNE overTune = {
-    {"A4--G4--F4--E4--D4--------------"
-     "................................", "D3------A2------D3--------------"
-     "................................", 0     },
-    0,
-    {3,                                       4,                                      SILENT},
-    {6,                                       6,                                      1     },
-    9
-};
+#include "title.inc"
+#include "play.inc"
+#include "over.inc"
 
 static const TUNE* const tunes[4] = {0, &titleTune, &playTune, &overTune};
 

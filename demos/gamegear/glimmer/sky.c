@@ -5,10 +5,9 @@
 
 #define LINES_PER_ENTRY 3
 #define ENTRIES         (FIRST_ENTRY + SKY_ENTRIES + LAKE_ENTRIES)
-#define READ_ENTRIES    66 // what the interrupts of 192 lines take
+#define READ_ENTRIES    65 // what the interrupts of a frame take
 #define FIRST_ENTRY     (WINDOW_Y / LINES_PER_ENTRY)
-#define FADE_FIRST      (FIRST_ENTRY - 1) // its last line is the first that is seen
-#define SKY_ENTRIES     40                // down to the lake
+#define SKY_ENTRIES     40 // down to the lake
 #define LAKE_ENTRIES    8
 #define STOPS           5
 #define STOP_DISTANCE   (SKY_ENTRIES / (STOPS - 1))
@@ -48,7 +47,7 @@ u16 skyTable[READ_ENTRIES];
 u16* skyPointer;
 static u16 landscape[LANDSCAPE];
 static const MOOD* mood;
-static u8 fadeEntry = FADE_FIRST;
+static u8 fadeEntry = FIRST_ENTRY;
 static u8 pendingIndex; // of a landscape colour to be sent, 0 none
 
 // The colour of the sky `entry` steps below the zenith.
@@ -129,5 +128,5 @@ void SkyStep(void) {
         landscape[pendingIndex] = Nearer(landscape[pendingIndex], mood->landscape[pendingIndex]);
     }
     if (++fadeEntry == ENTRIES + LANDSCAPE - 1)
-        fadeEntry = FADE_FIRST;
+        fadeEntry = FIRST_ENTRY;
 }

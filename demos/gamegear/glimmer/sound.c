@@ -14,57 +14,9 @@ __sfr __at 0x7F psgPort;
 
 #define SILENT 15
 
-// The tune of the title: an evening by the lake, in A minor.
-static const TUNE titleTune = {
-    {"A4--E4--C5--B4--A4--G4--A4------"
-     "G4--D4--B4--A4--G4--F4--E4------"
-     "F4--A4--C5--E5--D5--C5--B4------"
-     "C5--B4--A4--g4--A4--------------", "A2--....E3--....A3--....E3--...."
-     "B2--....D3--....G3--....D3--...."
-     "D3--....A3--....F3--....D3--...."
-     "E3--....E3--....A3--E3--A2--....", 0     },
-    0,
-    {4,                                       5,                                      SILENT},
-    {5,                                       6,                                      1     },
-    7
-};
-
-// During a match: a running figure.
-static const TUNE matchTune = {
-    {"A3C4E4A4E4C4"
-     "A3C4E4A4E4C4"
-     "F3A3C4F4C4A3"
-     "G3B3D4G4D4B3"
-     "A3C4E4A4E4C4"
-     "D4F4A4D5A4F4"
-     "E4g4B4E5B4g4"
-     "A4E4C4A3----", "A2----A2--E3"
-     "A2----A2--A2"
-     "F3----F3--C3"
-     "G3----G3--D3"
-     "A2----A2--E3"
-     "D3----D3--A3"
-     "E3----E3--B3"
-     "A2----E3--..", 0     },
-    0,
-    {8,                   7,                  SILENT},
-    {4,                   5,                  1     },
-    8
-};
-
-// After it.
-static const TUNE endTune = {
-    {"A4C5E5A5--E5A5--------"
-     "F4A4C5F5G4B4D5G5------"
-     "A5----------..........", //
-     "A2------A3--A2--------"
-     "F3------G3------------"
-     "A2----------..........", 0     },
-    0,
-    {4,                             5,                            SILENT},
-    {6,                             6,                            1     },
-    7
-};
+#include "title.inc"
+#include "match.inc"
+#include "end.inc"
 
 static const TUNE* const tunes[4] = {0, &titleTune, &matchTune, &endTune};
 

@@ -3,67 +3,30 @@
     .module songs
     .include "common/sound.inc"
     .globl songs, effects, voices, envelopes
-    .globl titleLead, titleBass, titlePluck, titlePad, titleDrums, titleChordLow, titleChordHigh, titleHats
-    .globl dayLead, dayBass, dayPluck, dayPad, dayDrums, dayChordLow, dayChordHigh, dayHats
-    .globl nightLead, nightBass, nightPluck, nightPad, nightDrums, nightChordLow, nightChordHigh, nightHats
+    .globl titleStep, titleLead, titleBass, titlePluck, titlePad, titleDrums, titleChordLow, titleChordHigh, titleHats
+    .globl dayStep, dayLead, dayBass, dayPluck, dayPad, dayDrums, dayChordLow, dayChordHigh, dayHats
+    .globl nightStep, nightLead, nightBass, nightPluck, nightPad, nightDrums, nightChordLow, nightChordHigh, nightHats
 
     .area _CODE
 ; A song: ticks of a step, then FM 1 to 4, drums, PSG 1 and 2, noise.
 songs:
     .dw titleSong, daySong, nightSong, overSong
 titleSong:
-    .db 8
+    .db titleStep
     .dw titleLead, titleBass, titlePluck, titlePad, titleDrums, titleChordLow, titleChordHigh, titleHats
 daySong:
-    .db 7
+    .db dayStep
     .dw dayLead, dayBass, dayPluck, dayPad, dayDrums, dayChordLow, dayChordHigh, dayHats
 nightSong:
-    .db 8
+    .db nightStep
     .dw nightLead, nightBass, nightPluck, nightPad, nightDrums, nightChordLow, nightChordHigh, nightHats
 overSong:
-    .db 8
+    .db overStep
     .dw overLead, overBass, overPluck, overPad, overDrums, silence, silence, silence
 
 silence:
     finish
-overLead:
-    voice 1
-    length 4
-    .db A5, Fs5, D5
-    length 2
-    .db E5, D5
-    length 4
-    .db Cs5, D5
-    length 16
-    .db A4
-    finish
-overBass:
-    voice 0
-    length 8
-    .db D3, B2, A2
-    length 16
-    .db D2
-    finish
-overPluck:
-    voice 4
-    level 6
-    length 2
-    .db D5, A5, Fs5, D5, B4, Fs5, D5, B4, A4, E5, Cs5, A4
-    length 16
-    .db D5
-    finish
-overPad:
-    voice 3
-    level 4
-    length 8
-    .db Fs4, Fs4, G4
-    length 16
-    .db Fs4
-    finish
-overDrums:
-    length 8
-    .db 2, 2, 2, 0
-    finish
+    .include "over.inc"
 
 ; Operators in the chip's order 1, 3, 2, 4: connection, multiples, levels, attacks, decays, second
 ; decays, sustain and release.
@@ -157,81 +120,4 @@ effectHeart:
     .dw heartTone
     .db 0xFF
 
-shotTone:
-    voice 5
-    level 2
-    move 14
-    length 9
-    .db A5
-    finish
-burstTone:
-    voice 6
-    move -9
-    length 24
-    .db E3
-    finish
-burstNoise:
-    voice 4
-    level 4
-    length 28
-    .db 6
-    finish
-lanternTone:
-    voice 4
-    level 0
-    length 4
-    .db D6, Fs6
-    length 24
-    .db A6
-    finish
-hurtTone:
-    voice 6
-    move -6
-    length 12
-    .db A3
-    length 40
-    .db D3
-    finish
-gustTone:
-    voice 3
-    level 0
-    move 7
-    length 50
-    .db D4
-    finish
-gustNoise:
-    voice 3
-    level 0
-    length 16
-    .db 5
-    length 16
-    .db 4
-    length 20
-    .db 5
-    finish
-rollNoise:
-    voice 3
-    level 2
-    length 20
-    .db 4
-    finish
-startTone:
-    voice 4
-    length 5
-    .db D5, Fs5, A5
-    length 30
-    .db D6
-    finish
-startChirp:
-    voice 5
-    move -6
-    length 10
-    .db D5, A5
-    finish
-heartTone:
-    voice 4
-    length 5
-    .db A5, Cs6, E6
-    length 30
-    .db A6
-    finish
+    .include "effects.inc"

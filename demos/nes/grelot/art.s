@@ -1,126 +1,51 @@
 ; The bells: every bank of characters has the letters and four bells, and in each bank but the first
 ; another of them swings. So a ringing bell is nothing but a change of banks.
 
-    .include "common/drawing.inc"
-
-; A bell at rest, and one that swings.
-.macro standing
-    drawing
-    row "..............1111.............."
-    row "..............1111.............."
-    row "..............1..1.............."
-    row "..............1..1.............."
-    row "...........1111111111..........."
-    row "..........123322222211.........."
-    row ".........12233222222211........."
-    row ".........12333222222121........."
-    row "........1223332222222121........"
-    row "........1223322222222211........"
-    row ".......122233222222221211......."
-    row ".......122333222222222121......."
-    row ".......122333222222221211......."
-    row ".......122333222222222121......."
-    row ".......122333222222221211......."
-    row ".......122333222222222121......."
-    row ".......122333222222221211......."
-    row ".......122333222222222121......."
-    row ".......122333222222221211......."
-    row ".......122333222222222121......."
-    row ".......122333222222221211......."
-    row "......11111111111111111111......"
-    row "......12223332222222222121......"
-    row ".....1222333322222222212121....."
-    row "....122233332222222222212121...."
-    row "...11111111111111111111111111..."
-    row ".............113311............."
-    row ".............133331............."
-    row ".............133331............."
-    row "..............1331.............."
-    row "...............11..............."
-    row "................................"
-    cells
-.endmacro
-
-.macro swinging
-    drawing
-    row "................11.............."
-    row "..............1111.............."
-    row "..............1..1.............."
-    row "..............1...1111.........."
-    row "..............1.1112111........."
-    row "............111222222211........"
-    row "...........12332222221211......."
-    row "...........123322222222121......"
-    row "..........12233222222212111....."
-    row "..........12233222222221211....."
-    row "..........12233222222222121....."
-    row "..........122333222222212111...."
-    row ".........1122333222222222111...."
-    row "..........122333222222221221...."
-    row "..........122333222222222111...."
-    row "..........122233222222221221...."
-    row "..........1222333222222222111..."
-    row "..........1122333222222221221..."
-    row "...........1223332222222221111.."
-    row "...........12233322222111111111."
-    row "...........122233311111122221211"
-    row "...........112111111222222212121"
-    row "...........111113322222222221111"
-    row "...........1223333222222111111.."
-    row "...........12233332211111......."
-    row "..........12223311111331........"
-    row ".........12111111..133331......."
-    row ".........111.......133331......."
-    row "...................113311......."
-    row "....................1111........"
-    row "................................"
-    row "................................"
-    cells
-.endmacro
-
-; What is behind the letters: the bells, of which number `swings` from 1 on does so.
-.macro bells swings
-    .repeat 4, BELL
-        .if swings = BELL + 1
-            swinging
-        .else
-            standing
-        .endif
-    .endrepeat
-    .res (256 - 64 - 16 - 64) * 16
-.endmacro
+; What is free behind letters, quarters and bells.
+kFree = (256 - 64 - 16 - 64) * 16
 
     .segment "CHARS"
-    .include "common/font.inc"
+    .include "font.inc"
     .include "common/quarters.inc"
-    bells 0
+    .include "standing.inc"
+    .include "standing.inc"
+    .include "standing.inc"
+    .include "standing.inc"
+    .res kFree
 
-    .include "common/font.inc"
+    .include "font.inc"
     .include "common/quarters.inc"
-    bells 1
+    .include "swinging.inc"
+    .include "standing.inc"
+    .include "standing.inc"
+    .include "standing.inc"
+    .res kFree
 
-    .include "common/font.inc"
+    .include "font.inc"
     .include "common/quarters.inc"
-    bells 2
+    .include "standing.inc"
+    .include "swinging.inc"
+    .include "standing.inc"
+    .include "standing.inc"
+    .res kFree
 
-    .include "common/font.inc"
+    .include "font.inc"
     .include "common/quarters.inc"
-    bells 3
+    .include "standing.inc"
+    .include "standing.inc"
+    .include "swinging.inc"
+    .include "standing.inc"
+    .res kFree
 
-    .include "common/font.inc"
+    .include "font.inc"
     .include "common/quarters.inc"
-    bells 4
+    .include "standing.inc"
+    .include "standing.inc"
+    .include "standing.inc"
+    .include "swinging.inc"
+    .res kFree
 
-; The bank of the sprites: two notes, a spark, stars.
+; The bank of the sprites: two notes, a spark, a star.
 figures:
-    drawing
-    row "...33......3333....3............"
-    row "...333.....3..3....3............"
-    row "...3.33....3333..3.3.3.....3...."
-    row "...3.......3..3...323.....323..."
-    row "...3.......3..3.3332333....3...."
-    row ".333.....333.33...323..........."
-    row "3333....333.333..3.3.3.........."
-    row ".33......3...3.....3............"
-    cells
+    .include "figures.inc"
     .res figures + $3000 - *

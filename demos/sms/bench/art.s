@@ -1,26 +1,8 @@
-; The pond of the benchmark's program.
+; The pond of the benchmark's program, a character a pixel.
 
     .module art
+    .globl _artPond, _artFish
 
     .area _CODE
-; Wave crests, a bubble, a glint, two strokes of a weed, sand with and without a shell. 64 x 8.
-_artPond::
-    .ascii "11111111111111114444444444444444555955555555595566666666666BB666"
-    .ascii "111AA11111111AA14447744444444444555995555555995566B666666BBAABB6"
-    .ascii "1AA22AA11AAAA22A447AA74444447444555595555555955566666B66BBABBABB"
-    .ascii "A222222AA222222247A44A74444777445559955555559955BBBBBBBBBABBBBAB"
-    .ascii "222222222222222247A44474447777745599555555559955BBBDBBBBBBABBABB"
-    .ascii "2222222222222222447447444447774455955555555559559BBBBBBBBBBAABBB"
-    .ascii "222222222222222244477444444474445599555555555995BBBBBDBBBBBBBBBB"
-    .ascii "222222222222222244444444444444445559555555555955BBBBBBBBBDBBBBBB"
-
-; A fish from the right: two strokes of its tail. 16 x 8.
-_artFish::
-    .ascii "................"
-    .ascii "..2233....2233.3"
-    .ascii ".222233..222233."
-    .ascii "2F2222332F222233"
-    .ascii "2222223322222233"
-    .ascii ".222233..222233."
-    .ascii "..2233....2233.3"
-    .ascii "................"
+    .include "pond.inc"
+    .include "fish.inc"

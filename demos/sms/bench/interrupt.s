@@ -1,5 +1,4 @@
-; A line interrupt every eight lines gives each row of tiles its own scroll. The values are written one
-; line too late for the row's first line, which the picture's vertical scroll of 7 makes up for.
+; A line interrupt in the last line of every row of tiles gives the next row its own scroll.
 
     .module interrupt
     .include "common/sms.inc"

@@ -164,7 +164,7 @@ static void Plain(uint8_t colour)
 
 static void Begin(void)
 {
-    static const uint8_t kRegisters[11] = {0x36, 0xA0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xF0, 0, 7, 7};
+    static const uint8_t kRegisters[11] = {0x36, 0xA0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xF0, 0, 0, 7};
     uint8_t i;
     randomState = 0xACE1;
     for (i = 0; i < 11; ++i)

@@ -2,13 +2,13 @@
 ; takes its next entry.
 ;
 ; A scroll value written in a line holds from the next line on, and the handler writes in the line
-; after the one that it was asked for: so an interrupt after line n moves line n + 2 and the rest.
+; that asked for it: so the interrupt of line n moves line n + 1 and the rest.
 ; A line count written now is what the counter takes at the next interrupt.
 
     .module interrupt
     .include "common/sms.inc"
 
-FIRST_LINE = 14                 ; under it: the panel, which stands still
+FIRST_LINE = 15                 ; under it: the panel, which stands still
 
     .area _CODE
 _Interrupt::

@@ -157,7 +157,7 @@ void ScreenInit(void)
 
     // Line counts: see interrupt.s. The bands begin at lines 16, 72, 104 and 176; the second entry only
     // bridges the first two.
-    bands[1] = 40;
+    bands[1] = 39;
     bands[3] = 31;
     bands[5] = 71;
     bands[7] = 255;

@@ -74,8 +74,7 @@ void FlagsStep(uint8_t tick)
     SetCase(&kCases[current]);
 }
 
-// Line interrupts of a frame for a value of register 10. The one under the picture comes together with
-// the frame interrupt and is not counted.
+// Line interrupts of a frame for a value of register 10.
 static uint8_t LinesWith(uint8_t value)
 {
     VdpRegister(10, value);
@@ -114,7 +113,7 @@ void CountersStep(uint8_t tick)
     switch (tick & 31) {
     case 8:
         Row(CELL(5, 21), 193 << 8 | frameV);
-        pair = 192 << 8 | LinesWith(0);
+        pair = 193 << 8 | LinesWith(0);
         Row(CELL(6, 21), pair);
         break;
     case 10:
@@ -124,7 +123,7 @@ void CountersStep(uint8_t tick)
     case 12:
         pair = 1 << 8 | LinesWith(99);
         Row(CELL(8, 21), pair);
-        Row(CELL(9, 21), 100 << 8 | lineV);
+        Row(CELL(9, 21), 99 << 8 | lineV);
         break;
     case 14:
         portIo = 0xDD; // TH of port A an output, low, then high: the latch

@@ -117,7 +117,7 @@ void BarsBegin(void)
     Text(CELL(20, 2), "BOTH CHANGE WITHIN A LINE.");
     Text(CELL(21, 2), "THE EDGES MUST NOT TREMBLE.");
     lineHandler = LineBars;
-    VdpRegister(10, 38);
+    VdpRegister(10, 39);
     VdpRegister(0, 0x36);
     DisplayOn(0xE0);
 }
@@ -125,7 +125,7 @@ void BarsBegin(void)
 void BarsStep(uint8_t tick)
 {
     (void)tick;
-    VdpRegister(10, 38); // for the next frame; the handler lets no second one come
+    VdpRegister(10, 39); // for the next frame; the handler lets no second one come
 }
 
 void SizesBegin(void)

@@ -1,0 +1,197 @@
+// `ombrelune bench`: whole machines, unpaced, on one core.
+
+#include "base/files.h"
+#include "facts/machine_facts.h"
+#include "front/demos.h"
+#include "front/tools/commands.h"
+#include "front/tools/play.h"
+#include "host/aligned_block.h"
+#include "host/frame_loop.h"
+#include "host/machine_list.h"
+#include "host/picture.h"
+#include "host/session.h"
+#include "settings/settings.h"
+
+#include <chrono>
+#include <cinttypes>
+#include <cstdio>
+#include <string_view>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct BENCH_RESULT {
+    std::string machine;
+    std::string game;
+    uint32_t frames = 0;
+    double seconds = 0.0;
+    double framesPerSecond = 0.0;
+    double timesRealTime = 0.0; // by the sound that the frames delivered
+    uint32_t stateBytes = 0;
+    double stateMicroseconds = 0.0; // of one SaveState
+    double rewindPercent = 0.0;     // what a frame with rewind on costs more
+};
+
+double SecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// One machine with its buffers, run frame by frame.
+class BenchRun {
+public:
+    explicit BenchRun(OPENED_GAME& opened) {
+        CGameFile* const games[2] = {&opened.game, nullptr};
+        session = EmuCreateSession(1, games, opened.options.data(), opened.title);
+        if (session) {
+            session->showStatic = 0;
+            pixels = AllocateAligned<uint32_t>(EmuPicturePixels(*session));
+            video.pixels = pixels.get();
+        }
+    }
+
+    [[nodiscard]] bool Started() const { return session != nullptr; }
+    [[nodiscard]] CEmuSystem& Machine() { return *session->machine; }
+
+    // Runs frames for so many seconds and gives how many. `soundSeconds` is how long they last.
+    uint32_t Run(double seconds, double& elapsed, double& soundSeconds) {
+        uint32_t frames = 0;
+        uint64_t pairs = 0;
+        const Clock::time_point start = Clock::now();
+        do {
+            EmuStep(*session, &input, &video, &sound.frame, false);
+            pairs += sound.frame.sampleCount;
+            ++frames;
+            elapsed = SecondsSince(start);
+        } while (elapsed < seconds);
+        soundSeconds = static_cast<double>(pairs) / sound.frame.sampleRate;
+        return frames;
+    }
+
+private:
+    std::unique_ptr<EMU_THREAD> session;
+    AlignedBlock<uint32_t> pixels;
+    EMU_VIDEO_FRAME video{};
+    EMU_INPUT_STATE input{};
+    SOUND_FRAME sound;
+};
+
+void MeasureStates(BenchRun& run, BENCH_RESULT& result) {
+    constexpr uint32_t kStates = 200;
+    const Clock::time_point start = Clock::now();
+    for (uint32_t i = 0; i < kStates; ++i) {
+        const StateBlob state = run.Machine().SaveState(result.stateBytes);
+    }
+    result.stateMicroseconds = SecondsSince(start) / kStates * 1e6;
+}
+
+bool Measure(const DEMO& demo, double seconds, BENCH_RESULT& result) {
+    OPENED_GAME opened;
+    if (!OpenDemo(demo.name, opened)) {
+        Complain(std::string(demo.name) + ": cannot be opened");
+        return false;
+    }
+    opened.options = DefaultMachineOptions(opened.game);
+    BenchRun run(opened);
+    if (!run.Started()) {
+        Complain(std::string(demo.name) + ": " + EmuLastError());
+        return false;
+    }
+    double elapsed = 0.0;
+    double soundSeconds = 0.0;
+    Settings().SetInt(L"emu_rewindbuffer", 0);
+    run.Run(0.0, elapsed, soundSeconds); // one frame that is not counted
+    result.machine = FindMachineFacts(demo.system)->shortName;
+    result.game = demo.name;
+    // In turns, so that a busy machine weighs on both alike.
+    constexpr int kTurns = 4;
+    double rewindElapsed = 0.0;
+    uint32_t rewindFrames = 0;
+    double sound = 0.0;
+    for (int turn = 0; turn < kTurns; ++turn) {
+        Settings().SetInt(L"emu_rewindbuffer", 0);
+        result.frames += run.Run(seconds / kTurns, elapsed, soundSeconds);
+        result.seconds += elapsed;
+        sound += soundSeconds;
+        Settings().SetInt(L"emu_rewindbuffer", 16);
+        rewindFrames += run.Run(seconds / kTurns / 2, elapsed, soundSeconds);
+        rewindElapsed += elapsed;
+    }
+    result.framesPerSecond = result.frames / result.seconds;
+    result.timesRealTime = sound / result.seconds;
+    const double plain = result.seconds / result.frames;
+    result.rewindPercent = (rewindElapsed / rewindFrames / plain - 1.0) * 100.0;
+    MeasureStates(run, result);
+    return true;
+}
+
+std::string Json(const std::vector<BENCH_RESULT>& results) {
+    std::string text = "{\"machines\": [";
+    for (const BENCH_RESULT& result : results) {
+        char row[512];
+        std::snprintf(
+            row, sizeof row,
+            "%s{\"machine\": \"%s\", \"game\": \"%s\", \"frames\": %" PRIu32
+            ", \"seconds\": %.3f, \"framesPerSecond\": %.2f, \"timesRealTime\": %.3f, "
+            "\"stateBytes\": %" PRIu32 ", \"stateMicroseconds\": %.2f, \"rewindPercent\": %.2f}",
+            &result == results.data() ? "" : ", ", result.machine.c_str(), result.game.c_str(),
+            result.frames, result.seconds, result.framesPerSecond, result.timesRealTime,
+            result.stateBytes, result.stateMicroseconds, result.rewindPercent);
+        text += row;
+    }
+    return text + "]}\n";
+}
+
+// The game of a system that is its benchmark: the one that says so by its name, else the first.
+const DEMO* BenchGame(uint16_t system) {
+    const DEMO* found = nullptr;
+    for (const DEMO& demo : Demos()) {
+        if (demo.system == system && std::string_view(demo.name).ends_with("-bench")) {
+            return &demo;
+        }
+        if (demo.system == system && found == nullptr) {
+            found = &demo;
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+int BenchCommand(const BENCH_OPTIONS& options) {
+    std::vector<BENCH_RESULT> results;
+    bool done = true;
+    for (const MACHINE_FACTS& system : MachineFacts()) {
+        const bool wanted = options.machine == "all" || options.machine == system.shortName;
+        const DEMO* demo = wanted ? BenchGame(system.system) : nullptr;
+        if (demo == nullptr || EmuFindMachine(system.system) == nullptr) {
+            if (wanted && options.machine != "all") {
+                Complain(std::string(system.name) + ": that machine is not built in");
+                done = false;
+            }
+            continue;
+        }
+        BENCH_RESULT result;
+        if (!Measure(*demo, options.seconds, result)) {
+            done = false;
+            continue;
+        }
+        std::printf("%-6s %-16s %8.1f frames/s  %6.2f x real time  state %6" PRIu32
+                    " bytes in %.1f us  rewind %+.1f %%\n",
+                    result.machine.c_str(), result.game.c_str(), result.framesPerSecond,
+                    result.timesRealTime, result.stateBytes, result.stateMicroseconds,
+                    result.rewindPercent);
+        std::fflush(stdout);
+        results.push_back(result);
+    }
+    if (!options.jsonFile.empty()) {
+        const std::string json = Json(results);
+        std::string error;
+        if (!WriteFile(options.jsonFile,
+                       {reinterpret_cast<const uint8_t*>(json.data()), json.size()}, error)) {
+            Complain(error);
+            done = false;
+        }
+    }
+    return done ? kExitDone : kExitFailed;
+}

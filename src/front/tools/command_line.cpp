@@ -1,0 +1,168 @@
+#include "front/tools/command_line.h"
+
+#include "base/files.h"
+#include "facts/machine_facts.h"
+#include "front/notices.h"
+#include "front/tools/commands.h"
+#include "front/tools/play.h"
+#include "front/version.h"
+#include "machines/machines.h"
+#include "settings/settings.h"
+
+#include <CLI/CLI.hpp>
+#include <SDL.h>
+
+#include <cstdlib>
+
+namespace {
+
+std::filesystem::path ExecutableFolder() {
+    char* folder = SDL_GetBasePath();
+    std::filesystem::path path = folder != nullptr ? folder : ".";
+    SDL_free(folder);
+    return path;
+}
+
+// Finds the home folder and loads the settings: what every command does first.
+void StartUp(const std::string& homeOption) {
+    const char* variable =
+        std::getenv("OMBRELUNE_HOME"); // NOLINT(concurrency-mt-unsafe): one thread yet
+    if (!homeOption.empty()) {
+        SetHomeFolder(homeOption);
+    } else if (variable != nullptr && *variable != '\0') {
+        SetHomeFolder(variable);
+    } else {
+        SetHomeFolder(FindHomeFolder(ExecutableFolder()));
+    }
+    RegisterDefaultSettings(Settings());
+    std::string error;
+    static_cast<void>(LoadSettingsFile(Settings(), error));
+    if (!error.empty()) {
+        PostReport(error + "; what it does not say has its default");
+    }
+    ApplyAudioRate();
+    EmuSetMachines(BuiltInMachines());
+}
+
+std::vector<std::string> MachineNames() {
+    std::vector<std::string> names;
+    for (const MACHINE_FACTS& system : MachineFacts()) {
+        names.emplace_back(system.shortName);
+    }
+    return names;
+}
+
+void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
+    app.add_option("GAME", play.game, "A ROM, a .zip, a .game or demo:NAME")->required();
+    app.add_option("--machine", play.machine, "The machine, instead of what the file says")
+        ->check(CLI::IsMember(MachineNames()));
+    app.add_option("--set", play.settings, "A machine option or a setting for this run")
+        ->type_name("NAME=VALUE")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--bios", play.bios, "A console BIOS")->type_name("FILE");
+    app.add_flag("--headless", play.headless,
+                 "No window, no device, no pacing, no autosave, no .sav");
+    app.add_option("--frames", play.frames, "Stop after so many frames")->type_name("N");
+    app.add_flag("--static", play.showStatic, "Begin with the television static");
+    app.add_option("--input", play.inputFile, "Lines \"FRAME ACTION down|up\"")->type_name("FILE");
+    app.add_option("--screenshot", play.screenshots,
+                   "FRAME=FILE.png or last=FILE.png; frames count from 1")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--wav", play.wavFile, "The sound as the machine delivered it")
+        ->type_name("FILE");
+    app.add_option("--frame-hashes", play.hashFile,
+                   "A line a frame with the hashes of picture and sound")
+        ->type_name("FILE");
+    app.add_option("--save-state", play.saveState, "The state at the end")->type_name("FILE");
+    app.add_option("--load-state", play.loadState, "The state at the start")->type_name("FILE");
+    app.add_option("--peek", play.peeks,
+                   "At the end print bytes as the main processor would read them")
+        ->type_name("ADDRESS[:LENGTH]")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--dump", play.dumps, "At the end write a memory whole")
+        ->type_name("REGION=FILE")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--latency", play.latencyAction,
+                   "In the window: measure from this action's key to the picture, and end")
+        ->type_name("ACTION");
+    app.footer(PlayHelp());
+}
+
+int Run(int argc, const char* const* argv) {
+    CLI::App app("Ombrelune, an emulator of five consoles", "ombrelune");
+    app.set_version_flag("--version", "ombrelune " OMBRELUNE_VERSION);
+    app.require_subcommand(0, 1);
+    app.fallthrough();
+    std::string home;
+    app.add_option("--home", home, "The folder of settings, saves and games")->type_name("DIR");
+
+    PLAY_OPTIONS play;
+    CLI::App* playApp = app.add_subcommand("play", "Play one game at once");
+    AddPlayOptions(*playApp, play);
+
+    BENCH_OPTIONS bench;
+    CLI::App* benchApp =
+        app.add_subcommand("bench", "How fast the machines run, unpaced, on one core");
+    std::vector<std::string> benchMachines = MachineNames();
+    benchMachines.emplace_back("all");
+    benchApp->add_option("--machine", bench.machine, "One machine, or all")
+        ->check(CLI::IsMember(benchMachines));
+    benchApp->add_option("--seconds", bench.seconds, "How long to run each")
+        ->check(CLI::Range(0.01, 3600.0));
+    benchApp->add_option("--json", bench.jsonFile, "Write the figures to a file")
+        ->type_name("FILE");
+
+    CONVERT_OPTIONS convert;
+    CLI::App* convertApp =
+        app.add_subcommand("convert", "Make .game files of ROMs and zips; sources are kept");
+    convertApp->add_option("PATH", convert.paths, "ROM or zip files")->required();
+    convertApp->add_option("--out", convert.outFolder, "Where the .game files go")
+        ->type_name("DIR");
+    convertApp->add_option("--machine", convert.machine, "The machine, instead of the extension")
+        ->check(CLI::IsMember(MachineNames()));
+
+    std::vector<std::filesystem::path> infoPaths;
+    CLI::App* infoApp = app.add_subcommand("info", "What a ROM, zip or .game holds");
+    infoApp->add_option("PATH", infoPaths, "Files")->required();
+
+    CLI::App* actionsApp = app.add_subcommand("actions", "Every action name with its bindings");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? kExitDone : kExitUsage;
+    }
+    StartUp(home);
+    if (*playApp) {
+        return PlayCommand(play);
+    }
+    if (*convertApp) {
+        return ConvertCommand(convert);
+    }
+    if (*benchApp) {
+        return BenchCommand(bench);
+    }
+    if (*infoApp) {
+        return InfoCommand(infoPaths);
+    }
+    if (*actionsApp) {
+        return ActionsCommand();
+    }
+    return PlayWithoutGame();
+}
+
+} // namespace
+
+int RunCommandLine(int argc, const char* const* argv) {
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {
+        // Nothing of ours throws; what comes here is the want of memory.
+        Complain(error.what());
+        return kExitFailed;
+    }
+}

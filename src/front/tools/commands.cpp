@@ -1,0 +1,225 @@
+#include "front/tools/commands.h"
+
+#include "base/audio_rate.h"
+#include "base/files.h"
+#include "base/text.h"
+#include "facts/machine_facts.h"
+#include "formats/game_file.h"
+#include "library/convert.h"
+#include "library/game_source.h"
+#include "settings/bindings.h"
+#include "settings/settings.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <map>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string SystemText(uint16_t system) {
+    const MACHINE_FACTS* entry = FindMachineFacts(system);
+    return entry != nullptr ? entry->name : "unknown (" + std::to_string(system) + ")";
+}
+
+// Control characters of a name must not reach the terminal.
+std::string Printable(std::string_view text) {
+    std::wstring wide = WideFromUtf8(text);
+    for (wchar_t& c : wide) {
+        const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
+        c = control ? L'?' : c;
+    }
+    return Utf8FromWide(wide);
+}
+
+void ShowImage(const FOUND_IMAGE& image) {
+    const std::vector<uint8_t> prepared = PrepareImage(image.system, image.bytes);
+    std::printf("  image: %s\n", Printable(image.stem).c_str());
+    std::printf("    system: %s\n", SystemText(image.system).c_str());
+    std::printf("    size: %zu bytes", prepared.size());
+    if (prepared.size() != image.bytes.size()) {
+        std::printf(" (%zu in the file, which is an interleaved dump)", image.bytes.size());
+    }
+    std::printf("\n    sha256: %s\n", HexText(Sha256(prepared)).c_str());
+}
+
+void ShowGame(const CGameFile& game) {
+    const GAME_HEADER& header = game.Header();
+    std::printf("  game: %s, %" PRIu32 " bytes packed to %" PRIu32 "\n",
+                SystemText(header.system).c_str(), header.rawSize, header.packedSize);
+    for (uint32_t i = 0; i < game.NameCount(); ++i) {
+        NAME_VIEW name;
+        if (!game.GetName(i, name)) {
+            continue;
+        }
+        std::printf("  name: %s\n", Printable(name.title).c_str());
+        if (!name.regions.empty()) {
+            std::printf("    regions: %s\n", Printable(name.regions).c_str());
+        }
+        if (name.raw.year != 0) {
+            std::printf("    year: %d\n", 1900 + name.raw.year);
+        }
+    }
+    for (uint32_t i = 0; i < game.RomCount(); ++i) {
+        std::string name;
+        ROM_RECORD rom;
+        if (game.GetRom(i, name, rom)) {
+            std::printf("  piece: %s, %" PRIu32 " bytes\n    sha256: %s\n", Printable(name).c_str(),
+                        rom.size, HexText(rom.sha256).c_str());
+        }
+    }
+}
+
+bool ShowFile(const fs::path& path) {
+    std::string error;
+    if (LowerAscii(std::string_view(path.extension().string())) == ".game") {
+        CGameFile game;
+        if (!OpenGameFile(path, true, game, error)) {
+            Complain(error);
+            return false;
+        }
+        std::printf("%s\n", Printable(path.string()).c_str());
+        ShowGame(game);
+        CGameFile whole;
+        if (!OpenGameFile(path, false, whole, error)) {
+            Complain(error);
+            return false;
+        }
+        return true;
+    }
+    bool shown = false;
+    bool whole = true;
+    IMAGE_VISITOR visitor;
+    visitor.image = [&](const FOUND_IMAGE& image) {
+        if (!shown) {
+            std::printf("%s\n", Printable(path.string()).c_str());
+        }
+        shown = true;
+        ShowImage(image);
+        return true;
+    };
+    visitor.fault = [&](const std::string& fault) {
+        Complain(fault);
+        whole = false;
+    };
+    if (!VisitImages(path, nullptr, visitor, error)) {
+        Complain(error);
+        return false;
+    }
+    return whole;
+}
+
+// The first name that is free or already holds these bytes.
+fs::path TargetOf(fs::path target, std::span<const uint8_t> bytes, bool& alreadyThere) {
+    alreadyThere = false;
+    while (true) {
+        fs::path file = target;
+        file += ".game";
+        std::error_code code;
+        if (fs::symlink_status(file, code).type() == fs::file_type::not_found) {
+            return file;
+        }
+        std::vector<uint8_t> old;
+        std::string ignored;
+        if (ReadFile(file, old, ignored) && std::ranges::equal(old, bytes)) {
+            alreadyThere = true;
+            return file;
+        }
+        target += "0";
+    }
+}
+
+// The databases of the systems met so far, each read once.
+using Databases = std::map<uint16_t, std::vector<CGameFile>>;
+
+bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& outFolder,
+                Databases& databases) {
+    const auto [database, added] = databases.try_emplace(image.system);
+    if (added) {
+        database->second = LoadDatabase(image.system);
+    }
+    std::vector<uint8_t> bytes;
+    bool known = false;
+    if (!ConvertImage(image.system, image.stem, image.bytes, database->second, bytes, known)) {
+        Complain(path.string() + ": " + image.stem + ": cannot be converted by itself");
+        return false;
+    }
+    const fs::path folder = outFolder.empty() ? path.parent_path() : outFolder;
+    bool alreadyThere = false;
+    const fs::path target = TargetOf(folder / FileNameFromTitle(image.stem), bytes, alreadyThere);
+    std::string error;
+    if (!alreadyThere && !WriteFile(target, bytes, error, WriteMode::kCreate)) {
+        Complain(error);
+        return false;
+    }
+    std::printf("%s%s%s\n", Printable(target.string()).c_str(), known ? "" : ": unknown game",
+                alreadyThere ? ", already there" : "");
+    return true;
+}
+
+} // namespace
+
+void Complain(const std::string& message) {
+    std::fprintf(stderr, "ombrelune: %s\n", Printable(message).c_str());
+}
+
+int ActionsCommand() {
+    for (const INPUT_ACTION& action : InputActions()) {
+        const auto [primary, secondary] = Settings().GetInt2(std::wstring(L"INPUT ") + action.name);
+        std::printf("%s\t%s\t%s\n", Utf8FromWide(action.name).c_str(),
+                    Utf8FromWide(BindingName(static_cast<uint32_t>(primary))).c_str(),
+                    Utf8FromWide(BindingName(static_cast<uint32_t>(secondary))).c_str());
+    }
+    return kExitDone;
+}
+
+int InfoCommand(const std::vector<fs::path>& paths) {
+    bool done = true;
+    for (const fs::path& path : paths) {
+        done = ShowFile(path) && done;
+    }
+    return done ? kExitDone : kExitFailed;
+}
+
+int ConvertCommand(const CONVERT_OPTIONS& options) {
+    const MACHINE_FACTS* system =
+        options.machine.empty() ? nullptr : FindMachineFacts(std::string_view(options.machine));
+    Databases databases;
+    bool done = true;
+    for (const fs::path& path : options.paths) {
+        if (LowerAscii(std::string_view(path.extension().string())) == ".game") {
+            Complain(path.string() + ": is a .game already");
+            done = false;
+            continue;
+        }
+        IMAGE_VISITOR visitor;
+        visitor.image = [&](const FOUND_IMAGE& image) {
+            done = ConvertOne(path, image, options.outFolder, databases) && done;
+            return true;
+        };
+        visitor.fault = [&](const std::string& fault) {
+            Complain(fault);
+            done = false;
+        };
+        std::string error;
+        if (!VisitImages(path, system, visitor, error)) {
+            Complain(error);
+            done = false;
+        }
+    }
+    return done ? kExitDone : kExitFailed;
+}
+
+void ApplyAudioRate() {
+    constexpr int32_t kLowestRate = 8000;
+    constexpr int32_t kHighestRate = 192000;
+    const int32_t rate = Settings().GetInt(L"audio_app_samplerate");
+    if (rate >= kLowestRate && rate <= kHighestRate) {
+        SetAudioRate(static_cast<uint32_t>(rate));
+    } else {
+        Complain("a sample rate of " + std::to_string(rate) + " cannot be; " +
+                 std::to_string(AudioRate()) + " is used");
+    }
+}

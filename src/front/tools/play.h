@@ -1,0 +1,59 @@
+// `ombrelune play`: one game at once.
+#pragma once
+
+#include "formats/game_file.h"
+#include "machines/machine_options.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct PLAY_OPTIONS {
+    std::string game; // a path, or "demo:" and the name of one of our own
+    std::string machine;
+    std::vector<std::string> settings; // NAME=VALUE
+    std::string bios;
+    bool headless = false;
+    uint32_t frames = 0; // machine frames to run; 0: without an end
+    bool showStatic = false;
+    std::string inputFile;
+    std::vector<std::string> screenshots; // FRAME=FILE.png or last=FILE.png
+    std::string wavFile;
+    std::string hashFile;
+    std::string saveState;
+    std::string loadState;
+    std::vector<std::string> peeks; // ADDRESS[:LENGTH]
+    std::vector<std::string> dumps; // REGION=FILE
+    std::string latencyAction;      // in the window: measure from its key to the picture, and end
+};
+
+// A game opened for playing, with its options.
+struct OPENED_GAME {
+    CGameFile game;
+    CGameFile bios;
+    bool hasBios = false;
+    std::string title;
+    OptionBlock options{};
+};
+
+// Opens the game and the BIOS, and applies the settings for this run. Gives an exit code; with anything
+// but kExitDone `error` is one line that says why.
+[[nodiscard]] int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& error);
+
+// Opens one of our own games. False for an unknown name.
+[[nodiscard]] bool OpenDemo(const std::string& name, OPENED_GAME& opened);
+
+int PlayCommand(const PLAY_OPTIONS& options);
+
+// The game without window, device, pacing and autosave: the same input gives the same bytes.
+int PlayHeadless(const PLAY_OPTIONS& options, OPENED_GAME& opened);
+
+// The game in the program's window, with sound, until the window is closed or --frames are over.
+int PlayInWindow(const PLAY_OPTIONS& options, const OPENED_GAME& opened);
+
+// The program without a game named: our own Master System game, in the window or, where there is no
+// display, off the screen for some seconds, which ends with a screenshot.
+int PlayWithoutGame();
+
+// Options, settings, regions and demos by name, for the help text.
+[[nodiscard]] std::string PlayHelp();

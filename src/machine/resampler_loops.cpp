@@ -1,0 +1,103 @@
+#include "machine/resampler_private.h"
+
+#include <cstring>
+
+namespace {
+
+// Four floats, for whatever the processor has: a vector extension of GCC and Clang.
+using FLOAT4 = float __attribute__((vector_size(16)));
+
+constexpr size_t kLanes = 4;
+
+inline FLOAT4 Load(const float* from) {
+    FLOAT4 value;
+    std::memcpy(&value, from, sizeof value);
+    return value;
+}
+
+// Taps lie at multiples of 16 bytes: their rows are whole multiples of that, from the start of a vector on.
+inline FLOAT4 LoadTaps(const float* from) {
+    return Load(static_cast<const float*>(__builtin_assume_aligned(from, sizeof(FLOAT4))));
+}
+
+// The sum of each.
+inline FLOAT4 AddUp(const FLOAT4 (&sums)[4]) {
+    const FLOAT4 evens = {sums[0][0], sums[1][0], sums[2][0], sums[3][0]};
+    const FLOAT4 seconds = {sums[0][1], sums[1][1], sums[2][1], sums[3][1]};
+    const FLOAT4 thirds = {sums[0][2], sums[1][2], sums[2][2], sums[3][2]};
+    const FLOAT4 fourths = {sums[0][3], sums[1][3], sums[2][3], sums[3][3]};
+    return (evens + thirds) + (seconds + fourths);
+}
+
+inline float Sum(FLOAT4 even, FLOAT4 odd) {
+    const FLOAT4 sum = even + odd;
+    return (sum[0] + sum[2]) + (sum[1] + sum[3]);
+}
+
+// What lies between two rows of taps.
+inline FLOAT4 Between(const float* row, const float* next, float share) {
+    const FLOAT4 taps = LoadTaps(row);
+    return taps + (LoadTaps(next) - taps) * share;
+}
+
+} // namespace
+
+void ResamplerSplit(const int16_t* samples, size_t pairs, float* left, float* right) {
+    for (size_t i = 0; i < pairs; ++i) {
+        left[i] = samples[i * 2];
+        right[i] = samples[i * 2 + 1];
+    }
+}
+
+// Four at a time, as each hears its own four sums alone and a chain of additions is slow.
+void ResamplerThin(const RESAMPLER_FILTER& filter, const float* source, size_t count, float* out) {
+    const float* const taps = filter.first.data();
+    const size_t width = filter.first.size();
+    const size_t stride = filter.stride;
+    const auto weigh = [&](const float* from, size_t step) {
+        FLOAT4 sums[4] = {};
+        for (size_t tap = 0; tap < width; tap += kLanes) {
+            const FLOAT4 weights = LoadTaps(taps + tap);
+            for (size_t i = 0; i < 4; ++i) {
+                sums[i] += weights * Load(from + tap + i * step);
+            }
+        }
+        return AddUp(sums);
+    };
+    size_t done = 0;
+    for (; done + 4 <= count; done += 4) {
+        const FLOAT4 four = weigh(source + done * stride, stride);
+        std::memcpy(out + done, &four, sizeof four);
+    }
+    for (; done < count; ++done) {
+        out[done] = weigh(source + done * stride, 0)[0];
+    }
+}
+
+RESAMPLER_PAIR ResamplerHear(const float* row, size_t width, float share, const float* left,
+                             const float* right) {
+    const float* const next = row + width;
+    FLOAT4 lefts[2] = {};
+    FLOAT4 rights[2] = {};
+    for (size_t i = 0; i < width; i += 2 * kLanes) {
+        for (size_t half = 0; half < 2; ++half) {
+            const size_t at = i + half * kLanes;
+            const FLOAT4 taps = Between(row + at, next + at, share);
+            lefts[half] += taps * Load(left + at);
+            rights[half] += taps * Load(right + at);
+        }
+    }
+    return {Sum(lefts[0], lefts[1]), Sum(rights[0], rights[1])};
+}
+
+float ResamplerHearOne(const float* row, size_t width, float share, const float* side) {
+    const float* const next = row + width;
+    FLOAT4 sums[2] = {};
+    for (size_t i = 0; i < width; i += 2 * kLanes) {
+        for (size_t half = 0; half < 2; ++half) {
+            const size_t at = i + half * kLanes;
+            sums[half] += Between(row + at, next + at, share) * Load(side + at);
+        }
+    }
+    return Sum(sums[0], sums[1]);
+}

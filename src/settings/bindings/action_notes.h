@@ -1,0 +1,45 @@
+// What follows from the bindings of all actions together, kept in each binding's note: the controls of
+// game controllers that may act for the action, and the modifier keys that are ordinary keys to it.
+//
+// A note has the pad controls at their own bits (`PadBit`) and the modifier keys at bits 18 to 25, which
+// no control has.
+#pragma once
+
+#include "settings/input_state.h"
+#include "settings/pad_defaults.h"
+
+#include <bitset>
+#include <cstdint>
+
+class SettingsStore;
+
+inline constexpr uint32_t kFirstModifierKey = 224; // scancode of Left Ctrl; bit 0
+inline constexpr uint32_t kModifierKeys = 8;
+inline constexpr uint32_t kCtrlKeyBits = 1u << 0 | 1u << 4;
+inline constexpr uint32_t kShiftKeyBits = 1u << 1 | 1u << 5;
+inline constexpr uint32_t kAltKeyBits = 1u << 2 | 1u << 6;
+
+inline constexpr uint32_t kNoteModifiers = 18; // their lowest bit
+static_assert(kPadControls <= kNoteModifiers && kNoteModifiers + kModifierKeys < 31);
+
+// The bit of a key that is a shift, ctrl or alt key; 0 for any other.
+[[nodiscard]] constexpr uint32_t ModifierKeyBit(uint32_t scancode) {
+    const bool modifier =
+        scancode >= kFirstModifierKey && scancode < kFirstModifierKey + kModifierKeys;
+    return modifier ? 1u << (scancode - kFirstModifierKey) : 0;
+}
+[[nodiscard]] constexpr uint64_t NoteOf(uint64_t pads, uint32_t modifiers) {
+    return pads | uint64_t{modifiers} << kNoteModifiers;
+}
+[[nodiscard]] constexpr uint32_t ModifiersOfNote(uint64_t note) {
+    return static_cast<uint32_t>(note >> kNoteModifiers) & ((1u << kModifierKeys) - 1);
+}
+[[nodiscard]] constexpr uint64_t PadsOfNote(uint64_t note) {
+    return note & ~(uint64_t{(1u << kModifierKeys) - 1} << kNoteModifiers);
+}
+
+// The joystick codes that the bindings name.
+using BoundCodes = std::bitset<kInputCodes>;
+
+// Writes every action's note afresh.
+BoundCodes RefreshActionNotes(const SettingsStore& store);

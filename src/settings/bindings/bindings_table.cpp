@@ -1,0 +1,207 @@
+// Every action in the order of registration, with the key it is bound to on a first run as a scancode
+// of the USB HID usage tables (page 7). Of the machines' actions only those of the first player and of
+// the console itself have one. Behind it stand the controls of game controllers that do the same.
+
+#include "facts/arcade_facts.h"
+#include "facts/game_gear_facts.h"
+#include "facts/mega_drive_facts.h"
+#include "facts/nes_facts.h"
+#include "facts/sms_facts.h"
+#include "settings/bindings.h"
+#include "settings/pad_defaults.h"
+
+#include <array>
+
+namespace {
+
+constexpr uint64_t Up(uint32_t player) {
+    return PadBit(player, kPadDpadUp) | PadBit(player, kPadStickUp);
+}
+constexpr uint64_t Down(uint32_t player) {
+    return PadBit(player, kPadDpadDown) | PadBit(player, kPadStickDown);
+}
+constexpr uint64_t Left(uint32_t player) {
+    return PadBit(player, kPadDpadLeft) | PadBit(player, kPadStickLeft);
+}
+constexpr uint64_t Right(uint32_t player) {
+    return PadBit(player, kPadDpadRight) | PadBit(player, kPadStickRight);
+}
+
+constexpr size_t kProgramActions = 12; // come first in the table
+
+// clang-format off
+constexpr INPUT_ACTION kInputActions[] = {
+    // the program's own
+    {L"Move Forward", 26},                                      // W
+    {L"Move Back", 22},                                         // S
+    {L"Move Left", 4},                                          // A
+    {L"Move Right", 7},                                         // D
+    {L"Use", 8},                                                // E
+    {L"Turn Off", 20},                                          // Q
+    {L"Slow Movement", 44},                                     // Space
+    {L"Take ScreenShot", 69},                                   // F12
+    {L"Fast Forward", 43, PadBit(0, kPadRightTrigger)},         // Tab
+    {L"Rewind", KeyboardBinding(43, kModifierShift), PadBit(0, kPadLeftTrigger)}, // Shift + Tab
+    {L"Load State", 65},                                        // F8
+    {L"Save State", 64},                                        // F7
+    // NES
+    {L"NES P1 UP", 82, Up(0)},                                  // Up
+    {L"NES P1 DOWN", 81, Down(0)},                              // Down
+    {L"NES P1 LEFT", 80, Left(0)},                              // Left
+    {L"NES P1 RIGHT", 79, Right(0)},                            // Right
+    {L"NES P1 BUTTONB", 4, PadBit(0, kPadWest)},                // A
+    {L"NES P1 BUTTONA", 22, PadBit(0, kPadSouth)},              // S
+    {L"NES P1 SELECT", 229, PadBit(0, kPadBack)},               // Right Shift
+    {L"NES P1 START", 40, PadBit(0, kPadStart)},                // Return
+    {L"NES P2 UP", 0, Up(1)},
+    {L"NES P2 DOWN", 0, Down(1)},
+    {L"NES P2 LEFT", 0, Left(1)},
+    {L"NES P2 RIGHT", 0, Right(1)},
+    {L"NES P2 BUTTONB", 0, PadBit(1, kPadWest)},
+    {L"NES P2 BUTTONA", 0, PadBit(1, kPadSouth)},
+    {L"NES P2 SELECT", 0, PadBit(1, kPadBack)},
+    {L"NES P2 START", 0, PadBit(1, kPadStart)},
+    // arcade
+    {L"Arcade Insert Coin1", 34, PadBit(0, kPadBack)},          // 5
+    {L"Arcade Insert Coin2", 35, PadBit(1, kPadBack)},          // 6
+    {L"Arcade Start1", 30, PadBit(0, kPadStart)},               // 1
+    {L"Arcade Start2", 31, PadBit(1, kPadStart)},               // 2
+    {L"Arcade P1 UP", 82, Up(0)},                               // Up
+    {L"Arcade P1 DOWN", 81, Down(0)},                           // Down
+    {L"Arcade P1 LEFT", 80, Left(0)},                           // Left
+    {L"Arcade P1 RIGHT", 79, Right(0)},                         // Right
+    {L"Arcade P1 BUTTON1", 4, PadBit(0, kPadSouth)},            // A
+    {L"Arcade P1 BUTTON2", 22, PadBit(0, kPadEast)},            // S
+    {L"Arcade P1 BUTTON3", 7, PadBit(0, kPadWest)},             // D
+    {L"Arcade P1 BUTTON4", 29, PadBit(0, kPadNorth)},           // Z
+    {L"Arcade P1 BUTTON5", 27, PadBit(0, kPadLeftShoulder)},    // X
+    {L"Arcade P1 BUTTON6", 6, PadBit(0, kPadRightShoulder)},    // C
+    {L"Arcade P2 UP", 0, Up(1)},
+    {L"Arcade P2 DOWN", 0, Down(1)},
+    {L"Arcade P2 LEFT", 0, Left(1)},
+    {L"Arcade P2 RIGHT", 0, Right(1)},
+    {L"Arcade P2 BUTTON1", 0, PadBit(1, kPadSouth)},
+    {L"Arcade P2 BUTTON2", 0, PadBit(1, kPadEast)},
+    {L"Arcade P2 BUTTON3", 0, PadBit(1, kPadWest)},
+    {L"Arcade P2 BUTTON4", 0, PadBit(1, kPadNorth)},
+    {L"Arcade P2 BUTTON5", 0, PadBit(1, kPadLeftShoulder)},
+    {L"Arcade P2 BUTTON6", 0, PadBit(1, kPadRightShoulder)},
+    // Master System
+    {L"SMS PAUSE", 44, PadBit(0, kPadStart) | PadBit(1, kPadStart)}, // Space
+    {L"SMS RESET", 76},                                         // Delete
+    {L"SMS P1 UP", 82, Up(0)},                                  // Up
+    {L"SMS P1 DOWN", 81, Down(0)},                              // Down
+    {L"SMS P1 LEFT", 80, Left(0)},                              // Left
+    {L"SMS P1 RIGHT", 79, Right(0)},                            // Right
+    {L"SMS P1 BUTTON1", 4, PadBit(0, kPadSouth) | PointerTriggerBit(0)}, // A
+    {L"SMS P1 BUTTON2", 22, PadBit(0, kPadEast)},               // S
+    {L"SMS P1 BUTTON3", 7, PadBit(0, kPadWest)},                // D
+    {L"SMS P1 BUTTON4", 29, PadBit(0, kPadNorth)},              // Z
+    {L"SMS P1 BUTTON5", 27, PadBit(0, kPadLeftShoulder)},       // X
+    {L"SMS P1 BUTTON6", 6, PadBit(0, kPadRightShoulder)},       // C
+    {L"SMS P2 UP", 0, Up(1)},
+    {L"SMS P2 DOWN", 0, Down(1)},
+    {L"SMS P2 LEFT", 0, Left(1)},
+    {L"SMS P2 RIGHT", 0, Right(1)},
+    {L"SMS P2 BUTTON1", 0, PadBit(1, kPadSouth) | PointerTriggerBit(1)},
+    {L"SMS P2 BUTTON2", 0, PadBit(1, kPadEast)},
+    {L"SMS P2 BUTTON3", 0, PadBit(1, kPadWest)},
+    {L"SMS P2 BUTTON4", 0, PadBit(1, kPadNorth)},
+    {L"SMS P2 BUTTON5", 0, PadBit(1, kPadLeftShoulder)},
+    {L"SMS P2 BUTTON6", 0, PadBit(1, kPadRightShoulder)},
+    // Mega Drive
+    {L"MEGADRIVE PAUSE", 44},                                   // Space
+    {L"MEGADRIVE RESET", 76},                                   // Delete
+    {L"MEGADRIVE P1 UP", 82, Up(0)},                            // Up
+    {L"MEGADRIVE P1 DOWN", 81, Down(0)},                        // Down
+    {L"MEGADRIVE P1 LEFT", 80, Left(0)},                        // Left
+    {L"MEGADRIVE P1 RIGHT", 79, Right(0)},                      // Right
+    {L"MEGADRIVE P1 START", 40, PadBit(0, kPadStart)},          // Return
+    {L"MEGADRIVE P1 MODE", 42, PadBit(0, kPadBack)},            // Backspace
+    {L"MEGADRIVE P1 BUTTONA", 29, PadBit(0, kPadWest)},         // Z
+    {L"MEGADRIVE P1 BUTTONB", 27, PadBit(0, kPadSouth)},        // X
+    {L"MEGADRIVE P1 BUTTONC", 6, PadBit(0, kPadEast)},          // C
+    {L"MEGADRIVE P1 BUTTONX", 4, PadBit(0, kPadLeftShoulder)},  // A
+    {L"MEGADRIVE P1 BUTTONY", 22, PadBit(0, kPadNorth)},        // S
+    {L"MEGADRIVE P1 BUTTONZ", 7, PadBit(0, kPadRightShoulder)}, // D
+    {L"MEGADRIVE P2 UP", 0, Up(1)},
+    {L"MEGADRIVE P2 DOWN", 0, Down(1)},
+    {L"MEGADRIVE P2 LEFT", 0, Left(1)},
+    {L"MEGADRIVE P2 RIGHT", 0, Right(1)},
+    {L"MEGADRIVE P2 START", 0, PadBit(1, kPadStart)},
+    {L"MEGADRIVE P2 MODE", 0, PadBit(1, kPadBack)},
+    {L"MEGADRIVE P2 BUTTONA", 0, PadBit(1, kPadWest)},
+    {L"MEGADRIVE P2 BUTTONB", 0, PadBit(1, kPadSouth)},
+    {L"MEGADRIVE P2 BUTTONC", 0, PadBit(1, kPadEast)},
+    {L"MEGADRIVE P2 BUTTONX", 0, PadBit(1, kPadLeftShoulder)},
+    {L"MEGADRIVE P2 BUTTONY", 0, PadBit(1, kPadNorth)},
+    {L"MEGADRIVE P2 BUTTONZ", 0, PadBit(1, kPadRightShoulder)},
+    // Game Gear
+    {L"GG P1 UP", 82, Up(0)},                                   // Up
+    {L"GG P1 DOWN", 81, Down(0)},                               // Down
+    {L"GG P1 LEFT", 80, Left(0)},                               // Left
+    {L"GG P1 RIGHT", 79, Right(0)},                             // Right
+    {L"GG P1 BUTTON1", 4, PadBit(0, kPadSouth)},                // A
+    {L"GG P1 BUTTON2", 22, PadBit(0, kPadEast)},                // S
+    {L"GG P1 START", 40, PadBit(0, kPadStart)},                 // Return
+    {L"GG P2 UP", 0, Up(1)},
+    {L"GG P2 DOWN", 0, Down(1)},
+    {L"GG P2 LEFT", 0, Left(1)},
+    {L"GG P2 RIGHT", 0, Right(1)},
+    {L"GG P2 BUTTON1", 0, PadBit(1, kPadSouth)},
+    {L"GG P2 BUTTON2", 0, PadBit(1, kPadEast)},
+    {L"GG P2 START", 0, PadBit(1, kPadStart)},
+};
+// clang-format on
+
+// What the names of a machine's actions begin with.
+constexpr std::array<std::wstring_view, kInputOwners - 1> kMachinePrefixes = {
+    L"NES ", L"Arcade ", L"SMS ", L"MEGADRIVE ", L"GG "};
+
+constexpr std::array<uint8_t, std::size(kInputActions)> MakeOwners() {
+    std::array<uint8_t, std::size(kInputActions)> owners{};
+    for (size_t action = 0; action < owners.size(); ++action) {
+        for (size_t machine = 0; machine < kMachinePrefixes.size(); ++machine) {
+            if (std::wstring_view(kInputActions[action].name)
+                    .starts_with(kMachinePrefixes[machine])) {
+                owners[action] = static_cast<uint8_t>(machine + 1);
+            }
+        }
+    }
+    return owners;
+}
+
+constexpr auto kInputOwnersOfActions = MakeOwners();
+
+// The table goes on with this machine's actions, in their order.
+constexpr bool NamesActionsOf(const MACHINE_FACTS& machine, size_t& row) {
+    for (const auto names :
+         {machine.consoleActions, machine.playerActions[0], machine.playerActions[1]}) {
+        for (const std::wstring_view name : names) {
+            if (row == std::size(kInputActions) || name != kInputActions[row].name) {
+                return false;
+            }
+            ++row;
+        }
+    }
+    return true;
+}
+
+// A machine polls its actions by these names, and one without a row here would never be down.
+constexpr bool NamesEveryMachinesActions() {
+    size_t row = kProgramActions;
+    return NamesActionsOf(kNesFacts, row) && NamesActionsOf(kArcadeFacts, row) &&
+           NamesActionsOf(kSmsFacts, row) && NamesActionsOf(kMdFacts, row) &&
+           NamesActionsOf(kGearFacts, row) && row == std::size(kInputActions);
+}
+static_assert(NamesEveryMachinesActions());
+
+} // namespace
+
+std::span<const INPUT_ACTION> InputActions() {
+    return kInputActions;
+}
+
+std::span<const uint8_t> InputOwners() {
+    return kInputOwnersOfActions;
+}

@@ -1,0 +1,345 @@
+// The document: declaration version "1.0", the root `Settings`, one child for each setting in list
+// order. The child's name is the type ("int", "int2", "string", "bool", "float"), its attributes are
+// `name`, `value` and, for "int2", `value2`. Numbers are written as "%d", floats as "%f" with a point
+// in every locale, booleans as "true" and "false", texts as UTF-8. A child is a line of its own, four
+// spaces in; a value with a double quote stands in single ones.
+//
+// A file that somebody has written into may be no XML any more. What stands before the first fault that
+// stops the reader is taken all the same.
+
+#include "base/files.h"
+#include "base/text.h"
+#include "settings/settings.h"
+#include "settings/store/settings_private.h"
+
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kSettingsFile = ".\\config.xml";
+constexpr const char* kRootName = "Settings";
+constexpr std::array<const char*, 5> kTypeNames = {"int", "int2", "string", "bool", "float"};
+
+const char* TypeName(const Setting& setting) {
+    return kTypeNames[static_cast<size_t>(setting.type.load(std::memory_order_relaxed))];
+}
+
+// What the conversions skip before a number: white space and a plus sign.
+std::string_view NumberText(std::string_view text) {
+    const size_t begin = text.find_first_not_of(" \t\n\v\f\r");
+    text.remove_prefix(begin == text.npos ? text.size() : begin);
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
+        text.remove_prefix(1);
+    }
+    return text;
+}
+
+// The number in base 10 that the text begins with, at the end of the range when it lies beyond; false
+// when it begins with none.
+bool ParseInt(std::string_view text, int32_t& value) {
+    text = NumberText(text);
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value, 10);
+    if (result.ec == std::errc::result_out_of_range) {
+        value = text.starts_with('-') ? std::numeric_limits<int32_t>::min()
+                                      : std::numeric_limits<int32_t>::max();
+        return true;
+    }
+    return result.ec == std::errc();
+}
+
+// False when the text begins with no number, or with one that no finite float holds.
+bool ParseFloat(std::string_view text, float& value) {
+    text = NumberText(text);
+    double wide = 0.0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), wide);
+    if (result.ec != std::errc() || !(std::abs(wide) <= std::numeric_limits<float>::max())) {
+        return false;
+    }
+    value = static_cast<float>(wide);
+    return true;
+}
+
+std::string FloatText(float value) {
+    std::array<char, 64> text{}; // The greatest float has 39 digits before the point.
+    const auto result = std::to_chars(text.data(), text.data() + text.size(),
+                                      static_cast<double>(value), std::chars_format::fixed, 6);
+    return {text.data(), result.ptr};
+}
+
+// A text as the document can carry it: characters that XML has no way to write become U+FFFD.
+std::string DocumentText(std::wstring_view wide) {
+    std::wstring clean(wide);
+    for (wchar_t& c : clean) {
+        if (c == L'\0' || c == 0xFFFE || c == 0xFFFF) {
+            c = 0xFFFD;
+        }
+    }
+    return Utf8FromWide(clean);
+}
+
+void AppendEscaped(std::string& out, char c) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    switch (c) {
+    case '&': out += "&amp;"; break;
+    case '<': out += "&lt;"; break;
+    case '>': out += "&gt;"; break;
+    case '"': out += "&quot;"; break;
+    case '\'': out += "&apos;"; break;
+    default:
+        if (const auto byte = static_cast<uint8_t>(c); byte < ' ') {
+            out.append("&#x").append(1, kDigits[byte >> 4u]).append(1, kDigits[byte & 15u]) += ';';
+        } else {
+            out += c;
+        }
+    }
+}
+
+void AppendAttribute(std::string& out, std::string_view name, std::string_view value) {
+    const char quote = value.find('"') == value.npos ? '"' : '\'';
+    out.append(" ").append(name).append("=").append(1, quote);
+    for (const char c : value) {
+        AppendEscaped(out, c);
+    }
+    out += quote;
+}
+
+// Parses the text and says what stopped the reader, if anything did. An element whose tag was not read
+// to its end is taken out again.
+pugi::xml_parse_result Parse(std::string_view text, pugi::xml_document& document) {
+    const pugi::xml_parse_result result =
+        document.load_buffer(text.data(), text.size(), pugi::parse_escapes, pugi::encoding_utf8);
+    if (result.status == pugi::status_bad_start_element ||
+        result.status == pugi::status_bad_attribute) {
+        pugi::xml_node last = document;
+        while (last.last_child()) {
+            last = last.last_child();
+        }
+        last.parent().remove_child(last);
+    }
+    return result;
+}
+
+std::string WhatStopped(std::string_view text, const pugi::xml_parse_result& result) {
+    const auto offset = std::clamp<std::ptrdiff_t>(result.offset, 0, std::ssize(text));
+    const auto line = std::count(text.begin(), text.begin() + offset, '\n') + 1;
+    std::string what = result.description();
+    if (!what.empty()) {
+        what[0] = LowerAscii(what[0]);
+    }
+    return "line " + std::to_string(line) + ": " + what;
+}
+
+bool Complain(std::string& reason, const char* what) {
+    reason = what;
+    return false;
+}
+
+enum class FileState { kMissing, kSettings, kPartlySettings, kDamaged };
+
+// Looks at the file as it stands on the disk. `error` names what keeps it from being settings.
+FileState ReadSettingsFile(const fs::path& path, std::vector<uint8_t>& bytes, std::string& error) {
+    std::error_code code;
+    const fs::file_status status = fs::status(path, code);
+    if (status.type() == fs::file_type::not_found) {
+        return FileState::kMissing;
+    }
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        error = path.string() + ": is not a regular file";
+        return FileState::kDamaged;
+    }
+    if (!ReadFile(path, bytes, error, kSettingsDocumentLimit)) {
+        return FileState::kDamaged;
+    }
+    std::vector<SETTING_ENTRY> entries;
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    std::string reason;
+    if (!ReadSettingsDocument(text, entries, reason)) {
+        error = path.string() + ": is not a settings file: " + reason;
+        return FileState::kDamaged;
+    }
+    if (!reason.empty()) {
+        error = path.string() + ": is read only in part: " + reason;
+        return FileState::kPartlySettings;
+    }
+    return FileState::kSettings;
+}
+
+} // namespace
+
+bool ReadSettingsDocument(std::string_view text, std::vector<SETTING_ENTRY>& entries,
+                          std::string& reason) {
+    entries.clear();
+    if (text.size() > kSettingsDocumentLimit) {
+        return Complain(reason, "the document is too long");
+    }
+    reason.clear();
+    pugi::xml_document document;
+    const pugi::xml_parse_result result = Parse(text, document);
+    if (!result) {
+        reason = WhatStopped(text, result);
+    }
+    for (const pugi::xml_node child : document.document_element().children()) {
+        const pugi::xml_attribute name = child.attribute("name");
+        const pugi::xml_attribute value = child.attribute("value");
+        const pugi::xml_attribute value2 = child.attribute("value2");
+        if (!name || !value) {
+            continue;
+        }
+        SETTING_ENTRY& entry = entries.emplace_back();
+        entry.type = child.name();
+        entry.name = name.value();
+        entry.value = value.value();
+        if (value2) {
+            entry.value2 = value2.value();
+        }
+    }
+    return result || !entries.empty();
+}
+
+bool SettingsStore::Load(const uint8_t* bytes, size_t size) {
+    std::string reason;
+    return Load(bytes, size, reason);
+}
+
+bool SettingsStore::Load(const uint8_t* bytes, size_t size, std::string& reason) {
+    std::vector<SETTING_ENTRY> entries;
+    const std::string_view text(reinterpret_cast<const char*>(bytes), size);
+    if (!ReadSettingsDocument(text, entries, reason)) {
+        return false;
+    }
+    for (const SETTING_ENTRY& entry : entries) {
+        Setting* setting = FindMutable(WideFromUtf8(entry.name));
+        if (setting != nullptr && entry.type == TypeName(*setting)) {
+            Apply(*setting, entry.value, entry.value2 ? &*entry.value2 : nullptr);
+        }
+    }
+    return true;
+}
+
+void SettingsStore::Apply(Setting& setting, const std::string& value, const std::string* value2) {
+    int32_t number = 0;
+    float real = 0.0f;
+    switch (setting.type.load(std::memory_order_relaxed)) {
+    case SettingType::kInt:
+        if (ParseInt(value, number)) {
+            setting.intValue.store(number, std::memory_order_relaxed);
+        }
+        break;
+    case SettingType::kInt2:
+        if (ParseInt(value, number)) {
+            setting.intValue.store(number, std::memory_order_relaxed);
+        }
+        if (value2 != nullptr && ParseInt(*value2, number)) {
+            setting.intValue2.store(number, std::memory_order_relaxed);
+        }
+        break;
+    case SettingType::kString: StoreString(setting, WideFromUtf8(value)); break;
+    case SettingType::kBool:
+        setting.boolValue.store(value == "true" || value == "1", std::memory_order_relaxed);
+        break;
+    case SettingType::kFloat:
+        if (ParseFloat(value, real)) {
+            setting.floatValue.store(real, std::memory_order_relaxed);
+        }
+        break;
+    }
+}
+
+std::vector<uint8_t> SettingsStore::Save() const {
+    std::string elements;
+    for (const Setting* setting = First(); setting != nullptr; setting = setting->next.get()) {
+        elements.append("    <").append(TypeName(*setting));
+        AppendAttribute(elements, "name", DocumentText(setting->name));
+        const int32_t number = setting->intValue.load(std::memory_order_relaxed);
+        const bool flag = setting->boolValue.load(std::memory_order_relaxed);
+        const float real = setting->floatValue.load(std::memory_order_relaxed);
+        switch (setting->type.load(std::memory_order_relaxed)) {
+        case SettingType::kInt: AppendAttribute(elements, "value", std::to_string(number)); break;
+        case SettingType::kInt2:
+            AppendAttribute(elements, "value", std::to_string(number));
+            AppendAttribute(elements, "value2",
+                            std::to_string(setting->intValue2.load(std::memory_order_relaxed)));
+            break;
+        case SettingType::kString:
+            AppendAttribute(elements, "value", DocumentText(ReadString(*setting)));
+            break;
+        case SettingType::kBool: AppendAttribute(elements, "value", flag ? "true" : "false"); break;
+        case SettingType::kFloat: AppendAttribute(elements, "value", FloatText(real)); break;
+        }
+        elements += " />\n";
+    }
+    std::string text = "<?xml version=\"1.0\" ?>\n";
+    const std::string root = kRootName;
+    if (elements.empty()) {
+        text.append("<").append(root).append(" />\n");
+    } else {
+        text.append("<").append(root).append(">\n").append(elements);
+        text.append("</").append(root).append(">\n");
+    }
+    return {text.begin(), text.end()};
+}
+
+bool LoadSettingsFile(SettingsStore& store, std::string& error) {
+    error.clear();
+    std::vector<uint8_t> bytes;
+    const FileState state = ReadSettingsFile(ResolvePath(kSettingsFile), bytes, error);
+    return (state == FileState::kSettings || state == FileState::kPartlySettings) &&
+           store.Load(bytes.data(), bytes.size());
+}
+
+namespace {
+
+// A name beside the settings file that nothing has.
+fs::path FreeKeptName(const fs::path& path) {
+    fs::path kept = path;
+    kept += ".damaged";
+    std::error_code code;
+    for (int number = 2;
+         fs::symlink_status(kept, code).type() != fs::file_type::not_found && number < 10000;
+         ++number) {
+        kept = path;
+        kept += ".damaged-" + std::to_string(number);
+    }
+    return kept;
+}
+
+// Copies a damaged file, so that the settings file, which may also mark the home folder, is there at
+// every moment. What is no file (a folder, a pipe) cannot be copied and is moved out of the way.
+bool KeepDamaged(const fs::path& path, std::string& error) {
+    const fs::path kept = FreeKeptName(path);
+    std::error_code code;
+    if (fs::is_regular_file(path, code)) {
+        fs::copy_file(path, kept, code);
+    } else {
+        fs::rename(path, kept, code);
+    }
+    if (code) {
+        error = path.string() + ": cannot be kept as " + kept.filename().string() + ": " +
+                code.message();
+    }
+    return !code;
+}
+
+} // namespace
+
+bool SaveSettingsFile(const SettingsStore& store, std::string& error) {
+    const fs::path path = ResolvePath(kSettingsFile);
+    std::vector<uint8_t> bytes;
+    const FileState state = ReadSettingsFile(path, bytes, error);
+    // What could not be read is not in the store, and would be gone.
+    const bool losesSomething = state == FileState::kDamaged || state == FileState::kPartlySettings;
+    if (losesSomething && !KeepDamaged(path, error)) {
+        return false;
+    }
+    error.clear();
+    return WriteFile(path, store.Save(), error);
+}

@@ -1,0 +1,25 @@
+// The document side of the settings store, for its sources and tests.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+inline constexpr size_t kSettingsDocumentLimit = size_t{4} << 20; // bytes
+
+// What one child element of the root says.
+struct SETTING_ENTRY {
+    std::string type; // the element's name
+    std::string name;
+    std::string value;
+    std::optional<std::string> value2;
+};
+
+// Reads a document into the entries of its root's children in their order, leaving out those without
+// `name` or `value`. The root may have any name. A fault in the XML ends the reading; the entries before
+// it stay, and `reason` says where and what it was. False, with the reason, for a text that gives nothing:
+// one that is too long, has no element or is faulty before its first entry.
+[[nodiscard]] bool ReadSettingsDocument(std::string_view text, std::vector<SETTING_ENTRY>& entries,
+                                        std::string& reason);

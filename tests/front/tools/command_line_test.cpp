@@ -1,0 +1,207 @@
+// Drives the built program as a user does: arguments in; exit code, output and files out.
+
+#include "base/files.h"
+#include "formats/sha256.h"
+#include "formats/zip.h"
+
+#include "support/run_program.h"
+#include "support/temporary_folder.h"
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <string>
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+PROGRAM_RESULT Ombrelune(std::vector<std::string> arguments, const TemporaryFolder& home) {
+    arguments.insert(arguments.begin(), {"--home", home.Path().string()});
+    return RunProgram(OMBRELUNE_BUILD_FOLDER "/ombrelune", arguments);
+}
+
+std::vector<uint8_t> Image(size_t size) {
+    std::vector<uint8_t> bytes(size);
+    std::iota(bytes.begin(), bytes.end(), uint8_t{0});
+    return bytes;
+}
+
+size_t Lines(const std::string& text) {
+    return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+} // namespace
+
+TEST(CommandLine, HelpAndVersionAnswerOnStandardOutput) {
+    const TemporaryFolder home;
+    const PROGRAM_RESULT help = Ombrelune({"--help"}, home);
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_THAT(help.output, AllOf(HasSubstr("play"), HasSubstr("convert"), HasSubstr("info"),
+                                   HasSubstr("actions")));
+    const PROGRAM_RESULT version = Ombrelune({"--version"}, home);
+    EXPECT_EQ(version.exitCode, 0);
+    EXPECT_THAT(version.output, StartsWith("ombrelune 0."));
+}
+
+TEST(CommandLine, WrongUsageIsExitCodeTwo) {
+    const TemporaryFolder home;
+    EXPECT_EQ(Ombrelune({"nonsense"}, home).exitCode, 2);
+    EXPECT_EQ(Ombrelune({"convert"}, home).exitCode, 2);
+    EXPECT_EQ(Ombrelune({"play", "x.sms", "--machine", "toaster"}, home).exitCode, 2);
+}
+
+TEST(CommandLine, ActionsListsEveryActionWithItsKeys) {
+    const TemporaryFolder home;
+    const PROGRAM_RESULT result = Ombrelune({"actions"}, home);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.output, HasSubstr("Move Forward\tW\t<undefined>\n"));
+    EXPECT_THAT(result.output, HasSubstr("Rewind\tSHIFT + TAB\t<undefined>\n"));
+    EXPECT_THAT(result.output, HasSubstr("SMS P1 BUTTON1\tA\t<undefined>\n"));
+    // 12 of the program, 16 NES, 24 arcade, 22 Master System, 26 Mega Drive, 14 Game Gear.
+    EXPECT_EQ(Lines(result.output), 114u);
+}
+
+TEST(CommandLine, ConvertMakesAGameAndKeepsTheSource) {
+    const TemporaryFolder home;
+    const auto image = Image(40000);
+    const auto rom = home.Write("My Game.sms", image);
+    const PROGRAM_RESULT result = Ombrelune({"convert", rom.string()}, home);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_EQ(home.Read("My Game.sms"), image);
+    EXPECT_EQ(home.Read("My Game.game").size() > 88, true);
+
+    const PROGRAM_RESULT info = Ombrelune({"info", (home.Path() / "My Game.game").string()}, home);
+    EXPECT_EQ(info.exitCode, 0) << info.error;
+    EXPECT_THAT(info.output, AllOf(HasSubstr("Master System, 40000 bytes"), HasSubstr("My Game"),
+                                   HasSubstr("v1.0"), HasSubstr(HexText(Sha256(image)))));
+}
+
+// Of the console before the Master System, which plays them.
+TEST(CommandLine, ConvertTakesAnSgImageForTheMasterSystem) {
+    const TemporaryFolder home;
+    const auto rom = home.Write("old.sg", Image(8192));
+    const PROGRAM_RESULT result = Ombrelune({"convert", rom.string()}, home);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    const PROGRAM_RESULT info = Ombrelune({"info", (home.Path() / "old.game").string()}, home);
+    EXPECT_THAT(info.output, HasSubstr("Master System, 8192 bytes"));
+}
+
+TEST(CommandLine, ConvertingAgainAddsNothingAndAnotherGameOfTheNameReplacesNothing) {
+    const TemporaryFolder home;
+    const auto rom = home.Write("a.gg", Image(1000));
+    ASSERT_EQ(Ombrelune({"convert", rom.string()}, home).exitCode, 0);
+    const auto first = home.Read("a.game");
+    EXPECT_THAT(Ombrelune({"convert", rom.string()}, home).output, HasSubstr("already there"));
+    EXPECT_FALSE(std::filesystem::exists(home.Path() / "a0.game"));
+
+    home.Write("a.gg", Image(1001));
+    ASSERT_EQ(Ombrelune({"convert", rom.string()}, home).exitCode, 0);
+    EXPECT_EQ(home.Read("a.game"), first);
+    EXPECT_TRUE(std::filesystem::exists(home.Path() / "a0.game"));
+}
+
+TEST(CommandLine, ConvertTakesEveryImageOutOfAZip) {
+    const TemporaryFolder home;
+    ZipWriter writer;
+    std::string error;
+    ASSERT_TRUE(writer.Add("folder/One.nes", Image(500), error));
+    ASSERT_TRUE(writer.Add("Two.md", Image(700), error));
+    ASSERT_TRUE(writer.Add("readme.txt", Image(10), error));
+    const auto zip = home.Write("both.zip", writer.Finish(error));
+    const PROGRAM_RESULT result =
+        Ombrelune({"convert", zip.string(), "--out", (home.Path() / "out").string()}, home);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_TRUE(std::filesystem::exists(home.Path() / "out" / "One.game"));
+    EXPECT_TRUE(std::filesystem::exists(home.Path() / "out" / "Two.game"));
+    EXPECT_TRUE(std::filesystem::exists(zip));
+    EXPECT_EQ(Lines(result.output), 2u);
+}
+
+TEST(CommandLine, AnArchiveIsTakenForTheMachineThatTheUserNames) {
+    const TemporaryFolder home;
+    ZipWriter writer;
+    std::string error;
+    ASSERT_TRUE(writer.Add("game.rom", Image(500), error));
+    const auto zip = home.Write("one.zip", writer.Finish(error));
+    EXPECT_EQ(Ombrelune({"convert", zip.string()}, home).exitCode, 1);
+    ASSERT_EQ(Ombrelune({"convert", zip.string(), "--machine", "sms"}, home).exitCode, 0);
+    const auto info = Ombrelune({"info", (home.Path() / "game.game").string()}, home);
+    EXPECT_THAT(info.output, HasSubstr("Master System, 500 bytes"));
+}
+
+TEST(CommandLine, ABrokenEntryOfAnArchiveLeavesTheOthers) {
+    const TemporaryFolder home;
+    ZipWriter writer;
+    std::string error;
+    // Data without a pattern is stored as it is, so that a changed byte is found by the checksum.
+    std::vector<uint8_t> noise(500);
+    uint32_t state = 1;
+    for (uint8_t& byte : noise) {
+        state = state * 1664525 + 1013904223;
+        byte = static_cast<uint8_t>(state >> 24);
+    }
+    ASSERT_TRUE(writer.Add("broken.sms", noise, error));
+    ASSERT_TRUE(writer.Add("whole.sms", Image(700), error));
+    auto archive = writer.Finish(error);
+    archive[200] = static_cast<uint8_t>(archive[200] ^ 0xFF);
+    const auto zip = home.Write("two.zip", archive);
+    const PROGRAM_RESULT result = Ombrelune({"convert", zip.string()}, home);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr(zip.string()));
+    EXPECT_FALSE(std::filesystem::exists(home.Path() / "broken.game"));
+    EXPECT_TRUE(std::filesystem::exists(home.Path() / "whole.game"));
+}
+
+TEST(CommandLine, ASettingsFileIsWrittenAtTheEndOfTheRun) {
+    const TemporaryFolder home;
+    EXPECT_EQ(Ombrelune({}, home).exitCode, 0);
+    const auto bytes = home.Read("config.xml");
+    const std::string text(bytes.begin(), bytes.end());
+    EXPECT_THAT(text, HasSubstr("<bool name=\"app_720runonce\" value=\"true\""));
+}
+
+TEST(CommandLine, EveryBadFileGetsOneLineThatNamesItAndExitCodeOne) {
+    const TemporaryFolder home;
+    const std::vector<std::pair<std::filesystem::path, std::string>> files = {
+        {home.Path() / "missing.sms",                 "cannot be opened"               },
+        {home.Write("empty.sms",                      std::string_view()),               "is empty"},
+        {home.Write("text.txt",                                           std::string_view("hello")),                                                        "is of no known kind"},
+        {home.Write("broken.zip",                      std::string_view("PK\x03\x04 no archive")),"broken.zip"},
+        {home.Write("short.game",std::string_view("GAME")),  "too short"},
+        {home.Write("foreign.game",                     std::string(200,                                                  'x')), "is not a game file"},
+        {home.Path(),                                           "is a folder"                                                   },
+    };
+    for (const auto& [path, words] : files) {
+        for (const char* command : {"info", "play"}) {
+            const PROGRAM_RESULT result = Ombrelune({command, path.string()}, home);
+            EXPECT_EQ(result.exitCode, 1) << command << path;
+            EXPECT_THAT(result.error, AllOf(HasSubstr(path.string()), HasSubstr(words)));
+            EXPECT_EQ(Lines(result.error), 1u) << result.error;
+        }
+    }
+}
+
+TEST(CommandLine, ATruncatedGameIsRefusedWithItsLengths) {
+    const TemporaryFolder home;
+    const auto rom = home.Write("a.sms", Image(3000));
+    ASSERT_EQ(Ombrelune({"convert", rom.string()}, home).exitCode, 0);
+    auto bytes = home.Read("a.game");
+    bytes.resize(bytes.size() - 1);
+    const auto cut = home.Write("cut.game", bytes);
+    const PROGRAM_RESULT result = Ombrelune({"play", cut.string()}, home);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr("is " + std::to_string(bytes.size()) + " bytes long"));
+}
+
+TEST(CommandLine, ABrokenSettingsFileIsNamedAndTheProgramStarts) {
+    const TemporaryFolder home;
+    home.Write("config.xml", std::string_view("<Settings><int name="));
+    const PROGRAM_RESULT result = Ombrelune({"actions"}, home);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.error, HasSubstr("config.xml"));
+    EXPECT_EQ(Lines(result.output), 114u);
+}

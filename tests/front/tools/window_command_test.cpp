@@ -1,0 +1,186 @@
+// `ombrelune` and `ombrelune play GAME` as a user runs them.
+#include "megadrive/md_rig.h"
+
+#include "support/run_program.h"
+#include "support/temporary_folder.h"
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+// The variable is set, or gone with null, while this lives.
+class Environment {
+public:
+    Environment(const char* variable, const char* value)
+        : name(variable) {
+        const char* const old = std::getenv(variable); // NOLINT(concurrency-mt-unsafe)
+        had = old != nullptr;
+        before = had ? old : "";
+        Set(value);
+    }
+    ~Environment() { Set(had ? before.c_str() : nullptr); }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+
+private:
+    void Set(const char* value) const {
+        if (value != nullptr) {
+            setenv(name, value, 1); // NOLINT(concurrency-mt-unsafe)
+        } else {
+            unsetenv(name); // NOLINT(concurrency-mt-unsafe)
+        }
+    }
+
+    const char* name;
+    std::string before;
+    bool had = false;
+};
+
+class WindowCommand : public testing::Test {
+protected:
+    PROGRAM_RESULT Run(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"--home", folder.Path().string()});
+        return RunProgram(OMBRELUNE_BUILD_FOLDER "/ombrelune", arguments);
+    }
+
+    // The path of a Mega Drive game that ends in its first frame: nothing starts at an odd address.
+    [[nodiscard]] std::string EndingGame() const {
+        MdProgram program;
+        program.PutLong(4, kMdCodeStart + 1);
+        return folder.Write("ending.md", program.Image()).string();
+    }
+
+    TemporaryFolder folder;
+};
+
+// Every file below a folder, with what it holds.
+std::map<std::string, std::vector<uint8_t>> FilesBelow(const TemporaryFolder& folder,
+                                                       const std::string& name) {
+    std::map<std::string, std::vector<uint8_t>> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.Path() / name)) {
+        if (entry.is_regular_file()) {
+            const std::string path =
+                std::filesystem::relative(entry.path(), folder.Path()).string();
+            files[path] = folder.Read(path);
+        }
+    }
+    return files;
+}
+
+} // namespace
+
+TEST_F(WindowCommand, PlaysForSoManyFramesAndTakesScreenshots) {
+    const std::string shot = (folder.Path() / "shot.png").string();
+    const std::string last = (folder.Path() / "last.png").string();
+    const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", "--frames", "30", "--screenshot",
+                                       "10=" + shot, "--screenshot", "last=" + last});
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_GT(std::filesystem::file_size(shot), 1000u);
+    EXPECT_GT(std::filesystem::file_size(last), 1000u);
+}
+
+TEST_F(WindowCommand, WithoutADisplayRunsOffTheScreenAndSaysSo) {
+    const Environment driver("SDL_VIDEODRIVER", nullptr);
+    const Environment display("DISPLAY", nullptr);
+    const Environment wayland("WAYLAND_DISPLAY", nullptr);
+    const PROGRAM_RESULT result = Run({});
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_THAT(result.error, HasSubstr("no display"));
+    EXPECT_THAT(result.error, HasSubstr("demo:gg-glimmer")) << "what else there is";
+    const auto picture = folder.Path() / "screenshots" / "without-a-display.png";
+    EXPECT_THAT(result.error, HasSubstr(picture.string()));
+    EXPECT_GT(std::filesystem::file_size(picture), 1000u);
+}
+
+TEST_F(WindowCommand, ARunOffTheScreenLeavesTheSavesAlone) {
+    // A game that counts in its battery RAM without end.
+    MdProgram program;
+    program.Text(0x1B0, "RA").Bytes(0x1B2, {0xF8, 0x20});
+    program.PutLong(0x1B4, 0x200001).PutLong(0x1B8, 0x20FFFF);
+    program.Words({0x5239}).Long(0x200001); // addq.b #1
+    program.Words({0x5239}).Long(0x200003);
+    program.Words({0x60F2}); // bra to the first
+    const std::string game = folder.Write("counter.md", program.Image()).string();
+    ASSERT_EQ(Run({"play", game, "--frames", "30"}).exitCode, 0);
+    const auto before = FilesBelow(folder, "megadrive");
+    const auto has = [&](const std::string& extension) {
+        return std::count_if(before.begin(), before.end(), [&](const auto& file) {
+                   return file.first.ends_with(extension);
+               }) == 1;
+    };
+    ASSERT_TRUE(has(".zip")) << "the autosave of a run in a window";
+    ASSERT_TRUE(has(".sav"));
+
+    const Environment driver("SDL_VIDEODRIVER", nullptr);
+    const Environment display("DISPLAY", nullptr);
+    const Environment wayland("WAYLAND_DISPLAY", nullptr);
+    const PROGRAM_RESULT result = Run({"play", game, "--frames", "40"});
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_THAT(result.error, HasSubstr("no display"));
+    EXPECT_TRUE(FilesBelow(folder, "megadrive") == before);
+}
+
+TEST_F(WindowCommand, AGameThatEndsEndsTheOffScreenRun) {
+    const PROGRAM_RESULT result = Run({"play", EndingGame(), "--frames", "300"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr("address error at 0x000201"));
+}
+
+// The run is over as soon as its game is, so nobody can have read why.
+TEST_F(WindowCommand, AFaultOfARunThatWasOverAtOnceIsToldAtTheNextStart) {
+    ASSERT_EQ(Run({"play", EndingGame(), "--frames", "300"}).exitCode, 1);
+    EXPECT_TRUE(std::filesystem::exists(folder.Path() / "unread.txt"));
+    const PROGRAM_RESULT next = Run({"play", "demo:gg-glimmer", "--frames", "5"});
+    EXPECT_EQ(next.exitCode, 0);
+    EXPECT_THAT(next.error, HasSubstr("Last time: "));
+    EXPECT_THAT(next.error, HasSubstr("address error at 0x000201"));
+}
+
+TEST_F(WindowCommand, ScreenshotsOfFramesThatNeverCameAreNamed) {
+    const std::string shot = (folder.Path() / "late.png").string();
+    const std::string last = (folder.Path() / "last.png").string();
+    const PROGRAM_RESULT result = Run({"play", EndingGame(), "--frames", "300", "--screenshot",
+                                       "200=" + shot, "--screenshot", "last=" + last});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr(shot + ": not written, for frame 200 was never shown"));
+    EXPECT_FALSE(std::filesystem::exists(shot));
+    EXPECT_THAT(result.error, Not(HasSubstr(last))) << "there is always a last picture";
+    EXPECT_GT(std::filesystem::file_size(last), 500u);
+}
+
+TEST_F(WindowCommand, ADriverThatIsNotThereIsAnError) {
+    const Environment driver("SDL_VIDEODRIVER", "nonesuch");
+    const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", "--frames", "30"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr("no display"));
+}
+
+TEST_F(WindowCommand, PlaysOnWithoutASoundDevice) {
+    const Environment driver("SDL_AUDIODRIVER", "nonesuch");
+    const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", "--frames", "30"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.error, HasSubstr("without sound"));
+}
+
+TEST_F(WindowCommand, OptionsForExactRunsNeedHeadless) {
+    for (const char* option : {"--wav", "--frame-hashes", "--save-state", "--load-state"}) {
+        const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", option, "file"});
+        EXPECT_EQ(result.exitCode, 2) << option;
+        EXPECT_THAT(result.error, HasSubstr("--headless"));
+    }
+}
+
+TEST_F(WindowCommand, AFileThatIsNoGameIsAnError) {
+    folder.Write("empty.sms", "");
+    const PROGRAM_RESULT result = Run({"play", (folder.Path() / "empty.sms").string()});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr("empty.sms"));
+}

@@ -1,0 +1,43 @@
+// How a drawing's pixels become bytes, for each of the demos' machines.
+#pragma once
+
+#include "demo_tables/indexed_picture.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+enum class PIXEL_FORMAT {
+    // A character a pixel, line by line; the demo makes tiles of them as it runs.
+    kLetters,
+    // A bit a pixel, eight bytes a cell, cells line by line. For letters.
+    kBits,
+    // NES: for each cell eight bytes of the low bits, then eight of the high ones, cells line by line.
+    kNes,
+    // The same, column by column: the order of sprites of 8 x 16.
+    kNesTall,
+    // Mega Drive: columns and lines in cells, two words, then four bits a pixel, line by line; the demo
+    // makes cells of them as it runs.
+    kMegaDrive,
+};
+
+struct CELLS { // of eight pixels
+    unsigned column = 0;
+    unsigned line = 0;
+    unsigned columns = 0;
+    unsigned lines = 0;
+};
+
+struct PIXEL_RULES {
+    PIXEL_FORMAT format = PIXEL_FORMAT::kLetters;
+    std::string letters; // of kLetters: that of each colour from 0
+    unsigned colours = 0;
+    // A picture may show several of the machine's palettes, one after the other, each of `colours`. Its
+    // pixels then stand for what is left after a division by `colours`.
+    unsigned palettes = 1;
+    unsigned times = 1; // how often each cell of kBits is written; 2 for the two planes of the NES
+};
+
+// The picture holds the cells, and its colours have been checked.
+[[nodiscard]] std::vector<uint8_t> BytesOf(const INDEXED_PICTURE& picture, const CELLS& cells,
+                                           const PIXEL_RULES& rules);

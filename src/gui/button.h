@@ -6,7 +6,8 @@
 
 class CGhostButton : public CGhostGUIHandler, public CGhostGUICommonFunc {
 public:
-    static constexpr uint32_t kGrips = 1;   // the outer 6 units of each side resize: no press shows there
+    static constexpr uint32_t kGrips =
+        1; // the outer 6 units of each side resize: no press shows there
     static constexpr uint32_t kLatches = 2; // stays down until the next press
     static constexpr uint32_t kNoKeys = 4;  // keys do not activate it
 

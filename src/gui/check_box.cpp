@@ -40,7 +40,7 @@ void CGhostCheckBox::SetChecked(bool wanted) {
 void CGhostCheckBox::SetEnabled(bool enable) {
     enabled = enable;
     down = captured = false;
-    state = !enable ? CGhostButton::kDisabled
+    state = !enable   ? CGhostButton::kDisabled
             : checked ? CGhostButton::kPressed
                       : CGhostButton::kNormal;
     dirty = true;

@@ -20,8 +20,7 @@ class CGhostSurface;
 // All signals are called on the main thread alone, so they carry no lock.
 template <typename Signature>
 using GuiSignal = typename boost::signals2::signal_type<
-    Signature,
-    boost::signals2::keywords::mutex_type<boost::signals2::dummy_mutex>>::type;
+    Signature, boost::signals2::keywords::mutex_type<boost::signals2::dummy_mutex>>::type;
 
 // Where a control's window is: within its parent's client area, or, with nonClient, in its frame.
 struct GUI_PLACE {
@@ -34,8 +33,7 @@ struct GUI_PLACE {
 
 // Makes a control's window, without a size yet; the control places it when its style is known.
 [[nodiscard]] GHOSTMANAGER_WINDOW* MakeControlWindow(GHOSTMANAGER_WINDOW* parent,
-                                                     uint32_t creationId,
-                                                     CGhostGUIHandler* handler,
+                                                     uint32_t creationId, CGhostGUIHandler* handler,
                                                      const GUI_PLACE& place);
 void PlaceControl(GHOSTMANAGER_WINDOW* window, const GUI_PLACE& place);
 

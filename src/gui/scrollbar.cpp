@@ -56,8 +56,8 @@ int32_t CGhostScrollbar::TrackLength() const {
 void CGhostScrollbar::PlaceThumb() {
     const int64_t track = TrackLength();
     const int64_t length = total > 0 ? track * page / total : track;
-    thumbLength = static_cast<int32_t>(
-        std::min(track, std::max<int64_t>(length, style.verThumbMinHeight)));
+    thumbLength =
+        static_cast<int32_t>(std::min(track, std::max<int64_t>(length, style.verThumbMinHeight)));
 }
 
 int32_t CGhostScrollbar::ThumbTop() const {

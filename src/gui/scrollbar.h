@@ -58,7 +58,7 @@ private:
     int32_t thumbLength = 0;
     Part hot = Part::kNone;
     Part held = Part::kNone;
-    int32_t grabbedAt = 0;    // of the cursor within the thumb
-    int32_t lastY = 0;        // of the cursor while a button or the track is held
-    int64_t untilRepeat = 0;  // microseconds
+    int32_t grabbedAt = 0;   // of the cursor within the thumb
+    int32_t lastY = 0;       // of the cursor while a button or the track is held
+    int64_t untilRepeat = 0; // microseconds
 };

@@ -30,7 +30,6 @@ protected:
     ~CGhostTextBox() override = default;
 
 private:
-
     std::wstring text;
     GhostTextStyle style;
 };

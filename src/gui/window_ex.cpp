@@ -12,7 +12,6 @@ namespace {
 
 constexpr int32_t kButtonsWide = 3 * CGhostWindowEx::kTitleHeight;
 
-
 } // namespace
 
 CGhostWindowEx::CGhostWindowEx(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
@@ -199,7 +198,7 @@ void CGhostWindowEx::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRec
     }
     PaintFill(*surface, background.bg, {0, 0, surface->Width(), surface->Height()});
     if (backgroundImage != nullptr) {
-        surface->Blit(*backgroundImage,
-                      {0, 0, backgroundImage->width, backgroundImage->height}, 0, 0);
+        surface->Blit(*backgroundImage, {0, 0, backgroundImage->width, backgroundImage->height}, 0,
+                      0);
     }
 }

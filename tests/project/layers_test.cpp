@@ -54,7 +54,8 @@ const std::vector<TARGET_ROW> kTargets = {
     {"web",       {"base", "formats"}, Row::kToCome},
     {"screens",   {"base", "bindings", "catalogue", "facts", "formats", "gui", "host", "machine", "machines",
                    "room", "settings", "web"}, Row::kToCome},
-    {"front",     {"base", "bindings", "catalogue", "demos", "display", "facts", "formats", "gui", "host",
+    {"assets",    {"gui"}},
+    {"front",     {"assets", "base", "bindings", "catalogue", "demos", "display", "facts", "formats", "gui", "host",
                    "machine", "machines", "room", "screens", "settings", "sound", "web"}},
     {"ombrelune", {"front"}},
 };

@@ -1,0 +1,194 @@
+// The program's screens as they are laid out, made of controls that do nothing: what matters is how the
+// styles look beside each other, in the sizes that they are used in.
+#include "front/tools/gallery_pages.h"
+
+#include "front/tools/gallery_parts.h"
+#include "gui/check_box.h"
+#include "gui/slider.h"
+#include "gui/surface.h"
+#include "gui/text.h"
+#include "gui/theme.h"
+#include "gui/window_ex.h"
+
+#include <array>
+#include <string>
+
+namespace {
+
+using Window = CGhostWindowEx;
+
+// The bar with the logo, and the area below it.
+GHOSTMANAGER_WINDOW* Frame(GHOSTMANAGER_WINDOW* root) {
+    GHOSTMANAGER_WINDOW* const bar = GalleryWindow(root, L"TOPAREA", L"", 32, {0, 0, 1280, 60});
+    GalleryWindow(bar, L"OMBRELUNE_LOGO", L"", 32, {16, 6, 48, 48});
+    GalleryText(bar, L"LARGEHEADERTEXT", L"Ombrelune", {76, 16, 300, 28});
+    GalleryText(root, L"TEXT_RIGHT", L"v0.720 64-bit  ", {1060, 18, 200, 25});
+    return GalleryWindow(root, L"BATTLEMAIN", L"", Window::kFrame | 32, {0, 60, 1280, 660});
+}
+
+void DropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, const GUI_RECT& place) {
+    new GalleryCanvas(parent, place, [value = std::wstring(text)](CGhostSurface& surface) {
+        GhostDropListStyle style;
+        CGhostTheme::Get().GetStyle(L"DROPLIST", style);
+        const int32_t side = surface.Height();
+        PaintText(surface, style.bg, value, {0, 0, surface.Width(), side});
+        PaintText(surface, style.button.states[0], {}, {surface.Width() - side, 0, side, side});
+    });
+}
+
+} // namespace
+
+void BuildMenuPage(GHOSTMANAGER_WINDOW* root) {
+    GHOSTMANAGER_WINDOW* const area = Frame(root);
+    GalleryText(area, L"SECTIONTEXT", L"The moon has no dark side, only one that is not plugged in.",
+                {292, 0, 680, 25});
+    constexpr std::array<const wchar_t*, 5> kMenu = {L"PLAY GAMES", L"BENCHMARK", L"OPTIONS",
+                                                     L"CREDITS", L"QUIT"};
+    for (size_t i = 0; i < kMenu.size(); ++i) {
+        GalleryButton(area, L"BUTTON", kMenu[i],
+                      i == 0 ? GalleryState::kFocused : GalleryState::kNormal,
+                      {232 + static_cast<int32_t>(i) * 160, 35, 140, 25});
+    }
+    GalleryText(area, L"LARGEHEADERTEXT", L"Member Login", {20, 70, 350, 25});
+    GalleryText(area, L"WINDOWOVERLAY", L"", {20, 95, 350, 180});
+    GalleryText(area, L"LARGEHEADERTEXT", L"News", {390, 70, 854, 25});
+    GalleryText(area, L"WINDOWOVERLAY", L"Connecting to server to collect news...",
+                {390, 95, 854, 529});
+}
+
+namespace {
+
+void PaintGames(CGhostSurface& surface) {
+    GhostListViewStyle style;
+    CGhostTheme::Get().GetStyle(L"GAMELIST", style);
+    struct GAME {
+        const wchar_t* name;
+        const wchar_t* year;
+        int32_t mark;
+    };
+    constexpr GAME kGames[] = {
+        {L"Luciole",               L"1989", 0},
+        {L"Bells under the Harbour", L"1991", 0},
+        {L"Moth Patrol",           L"1988", 1},
+        {L"Night Ferry",           L"1990", 0},
+        {L"Paper Lamps",           L"1992", 1},
+        {L"homebrew-test-2",       L"",     2},
+        {L"Tin Harbour",           L"1987", 1},
+        {L"damaged dump",          L"",     3},
+        {L"The Long Way Down",     L"1993", 0},
+        {L"Weather Station",       L"1989", 0},
+    };
+    const int32_t name = surface.Width() - 80;
+    PaintText(surface, style.header.states[0], L"Name", {0, 0, name, style.headerHeight});
+    PaintText(surface, style.header.states[0], L"Year", {name, 0, 80, style.headerHeight});
+    PaintFill(surface, style.list.bg.bg,
+              {0, style.headerHeight, surface.Width(), surface.Height() - style.headerHeight});
+    int32_t y = style.headerHeight;
+    for (size_t i = 0; i < std::size(kGames); ++i) {
+        const bool known = kGames[i].mark < 2;
+        const GhostTextStyle& row = i == 3   ? style.list.itemSelected
+                                    : i == 5 ? style.list.item2Hot
+                                    : known  ? style.list.itemNormal
+                                             : style.list.item2Normal;
+        PaintFill(surface, row.bg, {0, y, surface.Width(), style.itemHeight});
+        GalleryIcon(surface, style.list.imageList, kGames[i].mark, 4, y + 1);
+        GhostTextStyle text = row;
+        text.bg.type = GhostFill::kNone;
+        PaintText(surface, text, kGames[i].name, {26, y, name - 26, style.itemHeight});
+        PaintText(surface, text, kGames[i].year, {name, y, 80, style.itemHeight});
+        y += style.itemHeight;
+    }
+    PaintFrame(surface, style.list.bg.border);
+}
+
+} // namespace
+
+void BuildBrowserPage(GHOSTMANAGER_WINDOW* root) {
+    GHOSTMANAGER_WINDOW* const area = Frame(root);
+    GalleryButton(area, L"BUTTON", L"BACK", GalleryState::kNormal, {15, 15, 100, 25});
+    GalleryButton(area, L"LEFTSEL", L"", GalleryState::kHot, {200, 40, 40, 40});
+    GalleryWindow(area, L"MEGADRIVE", L"", 0, {260, 12, 192, 96});
+    GalleryButton(area, L"RIGHTSEL", L"", GalleryState::kNormal, {472, 40, 40, 40});
+    GalleryText(area, L"TEXT_CENTER", L"Genesis / Megadrive (MD)", {200, 108, 312, 20});
+    new GalleryCanvas(area, {15, 136, 690, 310}, PaintGames);
+
+    GHOSTMANAGER_WINDOW* const options =
+        GalleryWindow(area, L"GAMEOPTIONS", L"", Window::kFrame, {15, 456, 714, 140});
+    GalleryText(options, L"TEXT_RIGHT", L"Console:", {0, 10, 70, 25});
+    DropList(options, L"SMS JAPANESE", {80, 10, 150, 25});
+    GalleryText(options, L"TEXT_RIGHT", L"BIOS:", {230, 10, 60, 25});
+    DropList(options, L"None", {300, 10, 380, 25});
+    GalleryText(options, L"TEXT_RIGHT", L"INPUT 1:", {0, 45, 70, 25});
+    DropList(options, L"Control Pad", {80, 45, 260, 25});
+    GalleryText(options, L"TEXT_RIGHT", L"INPUT 2:", {345, 45, 70, 25});
+    DropList(options, L"Light Phaser", {420, 45, 260, 25});
+    new CGhostCheckBox(options, 0, L"CHECKBOX", L"3D Glasses", {false, 80, 80, 110, 25});
+    auto* const chip =
+        new CGhostCheckBox(options, 0, L"CHECKBOX", L"FM Chip", {false, 190, 80, 110, 25});
+    chip->SetChecked(true);
+    GalleryButton(area, L"PLAYOFFLINE", L"START GAME", GalleryState::kNormal, {745, 560, 170, 36});
+    GalleryButton(area, L"HOSTGAME", L"HOST GAME", GalleryState::kNormal, {925, 560, 160, 36});
+    GalleryButton(area, L"JOINGAME", L"JOIN GAME", GalleryState::kDisabled, {1095, 560, 160, 36});
+
+    constexpr std::array<const wchar_t*, 5> kTabs = {L"COVERS", L"REVIEWS", L"HINTS", L"TRIVIA",
+                                                     L"METAINFO"};
+    for (size_t i = 0; i < kTabs.size(); ++i) {
+        GalleryButton(area, L"BUTTON3", kTabs[i],
+                      i == 0   ? GalleryState::kPressed
+                      : i == 2 ? GalleryState::kHot
+                               : GalleryState::kNormal,
+                      {745 + static_cast<int32_t>(i) * 102, 40, 102, 28});
+    }
+    GalleryWindow(area, L"3DBOXBG", L"", 0, {745, 68, 510, 310});
+    GalleryWindow(area, L"3DBOX_SSHOTSBG", L"", 0, {745, 386, 510, 160});
+    GalleryWindow(area, L"SSHOT", L"", 0, {753, 391, 200, 150});
+}
+
+void BuildOptionsPage(GHOSTMANAGER_WINDOW* root) {
+    GHOSTMANAGER_WINDOW* const area = Frame(root);
+    GalleryButton(area, L"BUTTON", L"BACK", GalleryState::kNormal, {15, 15, 100, 25});
+    GalleryText(area, L"SECTIONTEXT", L"OPTIONS", {292, 10, 680, 25});
+    constexpr std::array<const wchar_t*, 4> kTabs = {L"General", L"Graphics", L"Sound", L"Input"};
+    for (size_t i = 0; i < kTabs.size(); ++i) {
+        GalleryButton(area, L"OPTIONBUTTON", kTabs[i],
+                      i == 2 ? GalleryState::kPressed : GalleryState::kNormal,
+                      {360 + static_cast<int32_t>(i) * 138, 52, 130, 28});
+    }
+    GHOSTMANAGER_WINDOW* const panel =
+        GalleryWindow(area, L"OPTIONWINDOW", L"", Window::kFrame, {200, 92, 864, 440});
+    struct ROW {
+        const wchar_t* label;
+        const wchar_t* value;
+    };
+    constexpr ROW kRows[] = {
+        {L"Sample Rate:",    L"48000"    },
+        {L"Sound Quality:",  L"Very Good"},
+        {L"Cut Off Filter:", L"Enabled"  },
+    };
+    int32_t y = 24;
+    for (const ROW& row : kRows) {
+        GalleryText(panel, L"TEXT_RIGHT", row.label, {100, y, 260, 25});
+        DropList(panel, row.value, {372, y, 260, 25});
+        y += 36;
+    }
+    struct SLIDER {
+        const wchar_t* label;
+        const wchar_t* style;
+        float value;
+    };
+    constexpr SLIDER kSliders[] = {
+        {L"Volume:",     L"PROGRESSBAR_VOLUME", 0.8f },
+        {L"Bass Boost:", L"PROGRESSBAR",        0.5f },
+        {L"Mid Boost:",  L"PROGRESSBAR",        0.35f},
+        {L"High Boost:", L"PROGRESSBAR",        0.6f },
+    };
+    for (const SLIDER& row : kSliders) {
+        GalleryText(panel, L"TEXT_RIGHT", row.label, {100, y, 260, 25});
+        auto* const slider =
+            new CGhostSlider(panel, 0, row.style, 0.0f, 100.0f, {false, 372, y, 260, 25});
+        slider->SetValue(row.value);
+        y += 36;
+    }
+    GalleryText(panel, L"TEXT_CENTER",
+                L"Some of these settings require a restart to become active", {0, 380, 848, 20});
+}

@@ -26,6 +26,17 @@ void PaintFocusRing(CGhostSurface& surface, const GUI_RECT& rect) {
                      style.textColour);
 }
 
+bool MoveFocusByKey(GHOSTGUIKey key) {
+    CGhostManager& manager = CGhostManager::Get();
+    switch (key) {
+    case GHOSTGUIKey::kLeft: return manager.MoveFocus(GUI_DIRECTION::kLeft);
+    case GHOSTGUIKey::kRight: return manager.MoveFocus(GUI_DIRECTION::kRight);
+    case GHOSTGUIKey::kUp: return manager.MoveFocus(GUI_DIRECTION::kUp);
+    case GHOSTGUIKey::kDown: return manager.MoveFocus(GUI_DIRECTION::kDown);
+    default: return false;
+    }
+}
+
 void ShowCursor(uint32_t index) {
     CGhostManager::Get().SetCursorIndex(index);
 }

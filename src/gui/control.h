@@ -40,6 +40,9 @@ void PlaceControl(GHOSTMANAGER_WINDOW* window, const GUI_PLACE& place);
 // The ring around what has the focus, two units thick, just inside the rectangle.
 void PaintFocusRing(CGhostSurface& surface, const GUI_RECT& rect);
 
+// What up, down, left and right do at controls that have no use for them. False for other keys.
+bool MoveFocusByKey(GHOSTGUIKey key);
+
 // Takes the mouse cursor of this index (see the manager) while the mouse is over a control.
 void ShowCursor(uint32_t index);
 inline constexpr uint32_t kCursorNormal = 0;

@@ -45,6 +45,8 @@ enum class GHOSTGUIKey : uint32_t {
     kRightShift = 229,
 };
 
+enum class GUI_DIRECTION : uint8_t { kLeft, kRight, kUp, kDown };
+
 class CGhostGUIHandler {
 public:
     CGhostGUIHandler() = default;
@@ -84,6 +86,13 @@ public:
     virtual void Reserved28() {}
     // The surface's origin is the client rectangle.
     virtual void OnPaint(CGhostSurface* /*surface*/, const GUI_RECT& /*clientRect*/) {}
+
+    // ---- A game controller's directions and its two buttons, at the window that has the focus. True
+    // when the control used it; if not, the focus moves, the window's middle is clicked, or nothing
+    // happens.
+    virtual bool OnNavigate(GUI_DIRECTION /*direction*/) { return false; }
+    virtual bool OnActivateKey() { return false; }
+    virtual bool OnCancelKey() { return false; }
 
     bool dirty = false;               // wants to be painted again; cleared after painting
     CGhostGUIHandler* next = nullptr; // in the chain; not owned

@@ -32,6 +32,25 @@ CGhostManager::~CGhostManager() {
     }
 }
 
+void CGhostManager::Reset() {
+    const std::scoped_lock hold(apiLock);
+    const std::scoped_lock holdTree(treeLock);
+    while (lastWindow != nullptr) {
+        FreeSubtree(lastWindow);
+    }
+    const std::scoped_lock holdQueue(queueLock);
+    eventQueue.clear();
+    pendingDelete.clear();
+    keyState.fill(false);
+    clipboard.clear();
+    hasClipboard = captureInFrame = toolTipVisible = false;
+    cursorX = cursorY = lastClickButton = 0;
+    cursorIndex = 0;
+    timeMicroseconds = lastActivity = lastClickTimeMs = 0;
+    dirtyRect = screenRect;
+    times = {};
+}
+
 void CGhostManager::SetHost(GUI_HOST_CALLBACKS callbacks) {
     const std::scoped_lock hold(apiLock);
     const std::scoped_lock holdTree(treeLock);

@@ -95,6 +95,9 @@ public:
     bool SetFocus(GHOSTMANAGER_WINDOW* window);
     // Takes the input of all other windows. Ends when the window is destroyed, and not before.
     bool SetModal(GHOSTMANAGER_WINDOW* window);
+    // Makes a top-level window float for another: it takes input when that one does, though another is
+    // modal, and ends with it. Null lets it go.
+    bool SetOwner(GHOSTMANAGER_WINDOW* window, GHOSTMANAGER_WINDOW* owner);
     [[nodiscard]] uint32_t GetWindowFlags(const GHOSTMANAGER_WINDOW* window) const;
     // -1: to the front of its siblings. -2 takes it out of the tree for good.
     bool SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where);
@@ -111,10 +114,22 @@ public:
 
     // Beyond tab order: the focus goes to the nearest visible tab stop in a direction, within the modal
     // window if there is one. False when there is none.
-    enum class Direction : uint8_t { kLeft, kRight, kUp, kDown };
+    using Direction = GUI_DIRECTION;
     bool MoveFocus(Direction direction);
-    // Clicks the middle of the window that has the focus, as a controller's button does.
+    // What a controller does. The control that has the focus is asked first, at once; if it has no use
+    // for it, the focus moves, or the middle of its window is clicked. Thread: main.
+    bool Navigate(Direction direction);
     bool ActivateFocus();
+    bool CancelFocus(); // false when nothing was left or closed by it
+
+    // For a window that takes the input of others for a while: who has it now, and giving it back to
+    // them, as far as they are still there.
+    struct INPUT_OWNERS {
+        uint32_t modal = 0; // ids of windows, 0: none
+        uint32_t focus = 0;
+    };
+    [[nodiscard]] INPUT_OWNERS RememberInput() const;
+    void RestoreInput(const INPUT_OWNERS& owners);
 
     // ---- Clipboard, keys, cursor.
 
@@ -148,6 +163,12 @@ public:
         double compositePeak = 0;
     };
     [[nodiscard]] TIMES Times() const { return times; }
+
+    // Keeps other threads out of the round while they make several windows that belong together.
+    [[nodiscard]] auto HoldRound() { return std::unique_lock(apiLock); }
+
+    // Frees every window and forgets all but the host and the display, as if newly made. For tests.
+    void Reset();
 
     // Visits every window, back to front: a window, its children, its next sibling.
     void ForEachWindow(const std::function<void(const GHOSTMANAGER_WINDOW&)>& visit) const;
@@ -191,6 +212,9 @@ private:
     void FrameInput(GHOSTMANAGER_WINDOW& window, GUI_INPUT_RECORD& record, int x, int y);
     void NoteActivity(const GUI_INPUT_RECORD& record);
     void FreeSubtree(GHOSTMANAGER_WINDOW* window);
+    [[nodiscard]] GHOSTMANAGER_WINDOW* OwnedBy(const GHOSTMANAGER_WINDOW* owner) const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* WithId(uint32_t id) const;
+    [[nodiscard]] bool AskFocus(const std::function<bool(CGhostGUIHandler&)>& ask);
     void Forget(GHOSTMANAGER_WINDOW* window);
     void TickHandlers(uint32_t microseconds);
     void TickToolTip();

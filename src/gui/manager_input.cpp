@@ -151,8 +151,40 @@ bool CGhostManager::MoveFocus(Direction direction) {
     return true;
 }
 
+// Every handler of the chain is asked until one used it. No lock is held meanwhile; the windows stay,
+// since they are freed by the tick alone.
+bool CGhostManager::AskFocus(const std::function<bool(CGhostGUIHandler&)>& ask) {
+    CGhostGUIHandler* handler = nullptr;
+    {
+        const std::scoped_lock hold(treeLock);
+        if (focusWindow == nullptr || !EffectivelyVisible(focusWindow)) {
+            return false;
+        }
+        handler = focusWindow->handler;
+    }
+    while (handler != nullptr) {
+        CGhostGUIHandler* const next = handler->next;
+        if (ask(*handler)) {
+            return true;
+        }
+        handler = next;
+    }
+    return false;
+}
+
+bool CGhostManager::Navigate(Direction direction) {
+    const std::scoped_lock hold(apiLock);
+    return AskFocus(
+               [direction](CGhostGUIHandler& handler) { return handler.OnNavigate(direction); }) ||
+           MoveFocus(direction);
+}
+
 bool CGhostManager::ActivateFocus() {
-    const std::scoped_lock hold(treeLock);
+    const std::scoped_lock hold(apiLock);
+    if (AskFocus([](CGhostGUIHandler& handler) { return handler.OnActivateKey(); })) {
+        return true;
+    }
+    const std::scoped_lock holdTree(treeLock);
     if (focusWindow == nullptr || !EffectivelyVisible(focusWindow)) {
         return false;
     }
@@ -163,6 +195,27 @@ bool CGhostManager::ActivateFocus() {
         handler.OnMouseUp(x, y, 1);
     });
     return true;
+}
+
+bool CGhostManager::CancelFocus() {
+    const std::scoped_lock hold(apiLock);
+    return AskFocus([](CGhostGUIHandler& handler) { return handler.OnCancelKey(); });
+}
+
+CGhostManager::INPUT_OWNERS CGhostManager::RememberInput() const {
+    const std::scoped_lock hold(treeLock);
+    return {modalWindow != nullptr ? modalWindow->id : 0,
+            focusWindow != nullptr ? focusWindow->id : 0};
+}
+
+void CGhostManager::RestoreInput(const INPUT_OWNERS& owners) {
+    const std::scoped_lock hold(treeLock);
+    if (GHOSTMANAGER_WINDOW* const modal = WithId(owners.modal)) {
+        SetModal(modal);
+    }
+    if (GHOSTMANAGER_WINDOW* const focus = WithId(owners.focus)) {
+        FocusOn(focus);
+    }
 }
 
 // ---- The mouse.

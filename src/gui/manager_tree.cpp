@@ -133,9 +133,27 @@ bool CGhostManager::WithinModal(const GHOSTMANAGER_WINDOW* window) const {
         return true;
     }
     while (window != nullptr && window != modalWindow) {
-        window = window->parent;
+        window = window->parent != nullptr ? window->parent : window->owner;
     }
     return window != nullptr;
+}
+
+GHOSTMANAGER_WINDOW* CGhostManager::OwnedBy(const GHOSTMANAGER_WINDOW* owner) const {
+    for (GHOSTMANAGER_WINDOW* at = firstWindow; at != nullptr; at = at->nextSibling) {
+        if (at->owner == owner && !at->ending) {
+            return at;
+        }
+    }
+    return nullptr;
+}
+
+// Ids are never given twice, unlike addresses.
+GHOSTMANAGER_WINDOW* CGhostManager::WithId(uint32_t id) const {
+    GHOSTMANAGER_WINDOW* at = id != 0 ? firstWindow : nullptr;
+    while (at != nullptr && (at->id != id || at->ending)) {
+        at = Next(at);
+    }
+    return at;
 }
 
 // ---- Places.
@@ -475,6 +493,22 @@ bool CGhostManager::SetToolTipWindow(GHOSTMANAGER_WINDOW* window) {
     return true;
 }
 
+bool CGhostManager::SetOwner(GHOSTMANAGER_WINDOW* window, GHOSTMANAGER_WINDOW* owner) {
+    const std::scoped_lock hold(treeLock);
+    if (!Knows(window) || window->parent != nullptr || (owner != nullptr && !Knows(owner))) {
+        return false;
+    }
+    // Nobody owns himself, by whatever detour.
+    for (const GHOSTMANAGER_WINDOW* at = owner; at != nullptr;
+         at = at->parent != nullptr ? at->parent : at->owner) {
+        if (at == window) {
+            return false;
+        }
+    }
+    window->owner = owner;
+    return true;
+}
+
 uint32_t CGhostManager::GetWindowFlags(const GHOSTMANAGER_WINDOW* window) const {
     const std::scoped_lock hold(treeLock);
     return Knows(window) ? window->flags : 0;
@@ -498,10 +532,14 @@ void CGhostManager::Forget(GHOSTMANAGER_WINDOW* window) {
     std::erase_if(eventQueue, [&](const EVENT& event) { return event.window == window; });
 }
 
-// Children first; in each window the second handler before the first.
+// Children first, then what floats for the window; in each the second handler before the first.
 void CGhostManager::FreeSubtree(GHOSTMANAGER_WINDOW* window) {
+    window->ending = true;
     while (window->lastChild != nullptr) {
         FreeSubtree(window->lastChild);
+    }
+    while (GHOSTMANAGER_WINDOW* const owned = OwnedBy(window)) {
+        FreeSubtree(owned);
     }
     if (CGhostGUIHandler* const first = window->handler; first != nullptr) {
         window->handler = nullptr;
@@ -510,9 +548,12 @@ void CGhostManager::FreeSubtree(GHOSTMANAGER_WINDOW* window) {
         }
         first->Destroy();
     }
-    // A handler may have made children while it ended.
+    // A handler may have made more while it ended.
     while (window->lastChild != nullptr) {
         FreeSubtree(window->lastChild);
+    }
+    while (GHOSTMANAGER_WINDOW* const owned = OwnedBy(window)) {
+        FreeSubtree(owned);
     }
     Forget(window);
     AddDirty(*window);

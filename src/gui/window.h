@@ -40,9 +40,13 @@ struct GHOSTMANAGER_WINDOW {
     uint32_t flags = 0;                  // the creator's, handed to the host's draw callback
     int32_t depth = 0;                   // 0 at top level
     GhostBorderStyle frame;
+    // A top-level window that floats for another, such as an open list: it takes input when its owner
+    // does and ends with it. Null: none.
+    GHOSTMANAGER_WINDOW* owner = nullptr;
     bool visible = true;
     bool dirty = true;      // the surface must be painted again
     bool nonClient = false; // placed in and cut to the parent's outer rectangle
     bool tabStop = false;
     bool deletePending = false;
+    bool ending = false; // being freed
 };

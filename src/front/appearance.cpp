@@ -36,6 +36,8 @@ void LoadAppearance() {
     for (const FONT_ASSET& font : BuiltInFonts()) {
         CGhostFontManager::Get().AddFont(font.name, font.data, kFontSize, 0);
     }
+    // Chosen before the theme asks for fonts: one of those could be taken for it.
+    static_cast<void>(CGhostFontManager::Get().DefaultFont());
     SetThemeImages(BuiltInImages());
     const std::string theme = PlayersTheme();
     CGhostTheme::Get().ParseTheme(theme.empty() ? BuiltInTheme() : theme);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int32_t kStampUnits = 7; // across
 constexpr double kStampRadius = 3.2;
-constexpr double kStampStrength = 90.0; // coverage in its middle; many stamps lie over each other
+constexpr double kStampStrength = 130.0; // coverage in its middle; many stamps lie over each other
 
 int32_t UnitsOf(int64_t advances) {
     return static_cast<int32_t>((advances + 63) >> 6);

@@ -57,16 +57,16 @@ void CGhostWindowEx::MakeTitle(const std::wstring& caption) {
     if ((flags & kNoButtons) != 0) {
         return;
     }
-    const auto make = [&](const wchar_t* style, auto& signal) {
+    const auto make = [&](const wchar_t* style, const wchar_t* sign, auto& signal) {
         auto* const button =
-            new CGhostButton(window, GetFlags(), style, L"", CGhostButton::kNoKeys, nowhere);
+            new CGhostButton(window, GetFlags(), style, sign, CGhostButton::kNoKeys, nowhere);
         button->OnClick.connect(
             [this, &signal](CGhostButton*, int, int, unsigned) { signal(this); });
         return button;
     };
-    minimise = make(L"WINDOW_TITLE_MIN", OnMinimise);
-    maximise = make(L"WINDOW_TITLE_MAX", OnMaximise);
-    close = make(L"WINDOW_TITLE_CLOSE", OnClose);
+    minimise = make(L"WINDOW_TITLE_MIN", L"\u2013", OnMinimise);
+    maximise = make(L"WINDOW_TITLE_MAX", L"+", OnMaximise);
+    close = make(L"WINDOW_TITLE_CLOSE", L"\u00D7", OnClose);
 }
 
 void CGhostWindowEx::PlaceTitle(int width) {

@@ -6,7 +6,9 @@
 #include "gui/bitmap.h"
 #include "gui/button.h"
 #include "gui/check_box.h"
+#include "gui/edit.h"
 #include "gui/font.h"
+#include "gui/list.h"
 #include "gui/scrollbar.h"
 #include "gui/slider.h"
 #include "gui/surface.h"
@@ -58,23 +60,26 @@ void PaintFonts(CGhostSurface& surface) {
         int32_t size;
     };
     constexpr SAMPLE kSamples[] = {
-        {"Default",     14},
-        {"Default",     15},
-        {"Default",     18},
-        {"Default",     20},
-        {"DefaultBold", 14},
-        {"DefaultBold", 18},
-        {"DefaultMono", 14},
-        {"DefaultMono", 18},
+        {nullptr,           14}, // the default font
+        {"Default",         15},
+        {"Default",         18},
+        {"Default",         21},
+        {"DefaultBold",     15},
+        {"DefaultBold",     18},
+        {"DefaultBold",     21},
+        {"DefaultMono",     15},
+        {"DefaultMono",     18},
         {"DefaultMonoBold", 18},
-        {"DefaultBold", 25},
-        {"DefaultBold", 35},
-        {"DefaultBold", 54},
+        {"DefaultBold",     25},
+        {"DefaultBold",     35},
     };
     int32_t y = 0;
     for (const SAMPLE& sample : kSamples) {
-        CGhostFont* const font = CGhostFontManager::Get().GetFont(sample.font, sample.size);
-        const std::string name = std::string(sample.font) + " " + std::to_string(sample.size);
+        CGhostFont* const font =
+            sample.font != nullptr ? CGhostFontManager::Get().GetFont(sample.font, sample.size)
+                                   : nullptr;
+        const std::string name = (sample.font != nullptr ? sample.font : "none:") +
+                                 std::string(" ") + std::to_string(sample.size);
         DrawText(surface, nullptr, std::wstring(name.begin(), name.end()), 0xFF8C91B8, 0, kAlignLeft,
                  {0, y, 140, sample.size + 4}, 0, 0);
         const std::wstring_view text = sample.size > 20 ? L"Ombrelune, moon and shadow" : kSentence;
@@ -87,7 +92,7 @@ void PaintFonts(CGhostSurface& surface) {
 void PaintOutline(CGhostSurface& surface) {
     surface.FillRect({0, 0, surface.Width() / 2, surface.Height()}, 0xFFE0D8C0);
     surface.FillRect({surface.Width() / 2, 0, surface.Width() / 2, surface.Height()}, 0xFF205060);
-    CGhostFont* const font = CGhostFontManager::Get().GetFont("DefaultBold", 20);
+    CGhostFont* const font = CGhostFontManager::Get().GetFont("DefaultBold", 21);
     DrawText(surface, font, L"Main Menu [F10]  Load Game [E]  Turn off Game [Q]", kMoon, kNight, 0,
              {0, 0, surface.Width(), 40}, 0, 0);
     DrawText(surface, nullptr, L"60.0 frames a second, 4 sessions, 2.1 ms, peak 3.4 ms", kMoon, kNight,
@@ -166,13 +171,6 @@ void BuildButtonsPage(GHOSTMANAGER_WINDOW* root) {
 
 namespace {
 
-// An edit field as its control paints it.
-void PaintField(CGhostSurface& surface, size_t state, std::wstring_view text) {
-    GhostEditStyle style;
-    CGhostTheme::Get().GetStyle(L"EDIT", style);
-    PaintText(surface, style.states[state], text, {0, 0, surface.Width(), surface.Height()});
-}
-
 void PaintDropList(CGhostSurface& surface, size_t arrow, std::wstring_view text) {
     GhostDropListStyle style;
     CGhostTheme::Get().GetStyle(L"DROPLIST", style);
@@ -241,14 +239,20 @@ void BuildScrollbars(GHOSTMANAGER_WINDOW* root, int32_t y) {
 
 void BuildFieldsPage(GHOSTMANAGER_WINDOW* root) {
     GalleryTitle(root, L"Fields");
-    constexpr std::array<std::wstring_view, 3> kFieldStates = {L"normal", L"hot", L"read-only"};
+    constexpr std::array<std::wstring_view, 4> kFieldStates = {L"normal", L"hot", L"read-only",
+                                                               L"focus"};
     GalleryLabel(root, L"EDIT", 24, 84);
     GalleryLabel(root, L"DROPLIST", 24, 144);
     for (size_t i = 0; i < kFieldStates.size(); ++i) {
         const int32_t x = 220 + static_cast<int32_t>(i) * 240;
         GalleryLabel(root, kFieldStates[i], x, 60);
-        new GalleryCanvas(root, {x, 80, 220, 25},
-                          [i](CGhostSurface& surface) { PaintField(surface, i, L"A name"); });
+        auto* const edit = new CGhostEdit(root, 0, L"EDIT", L"A name", 0, {false, x, 80, 220, 25});
+        switch (i) {
+        case 1: edit->OnMouseMove(1, 1); break;
+        case 2: edit->SetReadOnly(true); break;
+        case 3: edit->OnFocus(true, nullptr); break;
+        default: break;
+        }
     }
     constexpr std::array<std::wstring_view, 4> kArrowStates = {L"normal", L"hot", L"open",
                                                                L"disabled"};
@@ -388,6 +392,14 @@ void PaintTable(CGhostSurface& surface, const std::wstring& name) {
 
 void BuildRecordsPage(GHOSTMANAGER_WINDOW* root) {
     GalleryTitle(root, L"Lists and tables");
+    GalleryLabel(root, L"LIST, a control of 20,000 rows", 844, 60);
+    auto* const list = new CGhostList(root, 0, L"LIST", 0, {false, 844, 80, 380, 200});
+    for (int32_t i = 0; i < 20000; ++i) {
+        list->AddItem(L"Row " + std::to_wstring(i + 1), i % 9 < 6 ? i % 9 : -1,
+                      i % 7 == 3 ? GHOSTLIST_ITEM::kDisabled : 0);
+    }
+    list->SetSelected(10001, false);
+    list->OnFocus(true, nullptr);
     const wchar_t* const lists[] = {L"LIST", L"POPUPMENU"};
     int32_t x = 24;
     for (const wchar_t* const name : lists) {

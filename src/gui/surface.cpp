@@ -229,11 +229,12 @@ namespace {
 // Which pixel of a bitmap belongs to a pixel of the target: along one axis.
 class SourceAxis {
 public:
-    // `from` and `extent` in units of the bitmap, spread over `pixels` of the target.
-    SourceAxis(double from, double extent, double density, int32_t pixels, int32_t limit)
-        : start(from * density)
-        , scale(extent * density / pixels)
-        , last(limit - 1) {}
+    // `from` and `extent` in units of the bitmap, spread over `pixels` of the target. A bitmap of a
+    // density that does not divide has a pixel more or less than its units say, so both sides count.
+    SourceAxis(double from, double extent, int32_t bitmapUnits, int32_t bitmapPixels, int32_t pixels)
+        : start(from * bitmapPixels / bitmapUnits)
+        , scale(extent * bitmapPixels / bitmapUnits / pixels)
+        , last(bitmapPixels - 1) {}
 
     [[nodiscard]] int32_t At(int32_t pixel) const {
         const auto at = static_cast<int32_t>(std::floor(start + (pixel + 0.5) * scale));
@@ -260,10 +261,10 @@ void CGhostSurface::Blit(const GUI_BITMAP& bitmap, const GUI_RECT& target, int32
                           source.width, source.height};
     const PIXEL_RECT whole = ToPixels(placed);
     const PIXEL_RECT visible = Clipped(whole);
-    const SourceAxis columns(source.x, source.width, bitmap.density, whole.right - whole.left,
-                             bitmap.pixelWidth);
-    const SourceAxis rows(source.y, source.height, bitmap.density, whole.bottom - whole.top,
-                          bitmap.pixelHeight);
+    const SourceAxis columns(source.x, source.width, bitmap.width, bitmap.pixelWidth,
+                             whole.right - whole.left);
+    const SourceAxis rows(source.y, source.height, bitmap.height, bitmap.pixelHeight,
+                          whole.bottom - whole.top);
     for (int32_t y = visible.top; y < visible.bottom; ++y) {
         int32_t sourceRow = rows.At(y - whole.top);
         if (flip == Flip::kTopToBottom) {

@@ -63,6 +63,7 @@ TEST(Images, EveryOneIsAPictureOfWholeUnits) {
 }
 
 TEST(Images, CursorsAreOf64UnitsWithTheHotSpotInTheMiddle) {
+    LoadedTheme();
     for (const char* const name : {"#CURSOR", "#CURSORHOT", "#CURSORWE"}) {
         const GUI_BITMAP* const bitmap = LoadThemeBitmap(name);
         ASSERT_NE(bitmap, nullptr) << name;

@@ -81,7 +81,7 @@ struct ASKED {
 std::vector<ASKED> AskedInSource(const std::string& file, const std::string& text) {
     static const std::regex kControl(
         R"(new CGhost(\w+)\(\s*[^,;()]+,\s*[^,;()]+,\s*L"([A-Z0-9_]+)\")");
-    static const std::regex kGallery(R"(\bGallery(\w+)\(\s*[^,;()]+,\s*L"([A-Z0-9_]+)\")");
+    static const std::regex kGallery(R"(\bGallery(Text|Window|Button)\(\s*[^,;()]+,\s*L"([A-Z0-9_]+)\")");
     std::vector<ASKED> asked;
     for (const std::regex* const pattern : {&kControl, &kGallery}) {
         for (std::sregex_iterator at(text.begin(), text.end(), *pattern), end; at != end; ++at) {

@@ -56,9 +56,10 @@ TEST(FocusRing, IsRoundTwoUnitsThickAndHasALineWithin) {
         EXPECT_EQ(PixelAt(surface, middle, 2 * density), 0xFF0B0E1F) << density;
         EXPECT_EQ(PixelAt(surface, middle, 3 * density), 0u) << density;
         // The corners are cut, and all alike.
-        const uint32_t corner = PixelAt(surface, density, density);
+        const int32_t in = 19 * density / 10; // 1.9 units, where the diagonal crosses the ring
+        const uint32_t corner = PixelAt(surface, in, in);
         EXPECT_EQ(PixelAt(surface, 0, 0) >> 24, 0u) << density;
-        EXPECT_EQ(PixelAt(surface, 40 * density - 1 - density, down - density), corner) << density;
+        EXPECT_EQ(PixelAt(surface, 40 * density - 1 - in, down - in), corner) << density;
         EXPECT_GT(corner >> 24, 0x80u) << density;
     }
     CGhostTheme::Get().ParseTheme("");

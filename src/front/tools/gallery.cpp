@@ -11,12 +11,14 @@
 #include "front/tools/media_files.h"
 #include "front/window.h"
 #include "gui/bitmap.h"
+#include "gui/blend.h"
 #include "gui/manager.h"
 
 #include <SDL.h>
 #include <SDL_opengl.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -58,6 +60,30 @@ public:
         manager.CompositeAll();
     }
 
+    // The cursor of the moment over the pages, its middle at the mouse.
+    void DrawCursor() {
+        constexpr std::array<const char*, 3> kNames = {"#CURSOR", "#CURSORHOT", "#CURSORWE"};
+        constexpr int32_t kHotSpot = 32; // units from the image's corner
+        CGhostManager& manager = CGhostManager::Get();
+        const size_t index = std::min<size_t>(manager.CursorIndex(), kNames.size() - 1);
+        if (cursors[index] == nullptr) {
+            cursors[index] = LoadThemeBitmap(kNames[index]);
+        }
+        const GUI_BITMAP* const cursor = cursors[index];
+        if (cursor == nullptr) {
+            return;
+        }
+        const int32_t left = PixelEdge(manager.CursorX() - kHotSpot, manager.Density());
+        const int32_t top = PixelEdge(manager.CursorY() - kHotSpot, manager.Density());
+        for (int32_t y = std::max(0, -top); y < std::min(cursor->pixelHeight, height - top); ++y) {
+            for (int32_t x = std::max(0, -left); x < std::min(cursor->pixelWidth, width - left);
+                 ++x) {
+                uint32_t& to = pixels[static_cast<size_t>((top + y) * width + left + x)];
+                to = BlendPixel(to, cursor->pixels[static_cast<size_t>(y * cursor->pixelWidth + x)]);
+            }
+        }
+    }
+
     [[nodiscard]] const std::vector<uint32_t>& Pixels() const { return pixels; }
     [[nodiscard]] int32_t Width() const { return width; }
     [[nodiscard]] int32_t Height() const { return height; }
@@ -74,6 +100,7 @@ private:
     int32_t width = 0;
     int32_t height = 0;
     std::vector<uint32_t> pixels;
+    std::array<const GUI_BITMAP*, 3> cursors{};
     GHOSTMANAGER_WINDOW* root = nullptr;
 };
 
@@ -135,6 +162,7 @@ public:
             window.TellSize(pump);
             open = HandleEvents(gallery);
             gallery.Draw(kRound);
+            gallery.DrawCursor();
             ShowPixels(gallery);
         }
         DestroyTexture(texture);

@@ -300,7 +300,7 @@ void BuildWindowsPage(GHOSTMANAGER_WINDOW* root) {
 void BuildImagesPage(GHOSTMANAGER_WINDOW* root) {
     GalleryTitle(root, L"Images");
     int32_t x = 24;
-    int32_t y = 64;
+    int32_t y = 52;
     int32_t rowHeight = 0;
     for (const GUI_IMAGE_ROW& row : BuiltInImages()) {
         const GUI_BITMAP* const bitmap = LoadThemeBitmap(row.name);
@@ -312,7 +312,7 @@ void BuildImagesPage(GHOSTMANAGER_WINDOW* root) {
         const int32_t cell = std::max(width, 130);
         if (x + cell > 1256) {
             x = 24;
-            y += rowHeight + 30;
+            y += rowHeight + 22;
             rowHeight = 0;
         }
         GalleryLabel(root, std::wstring(row.name.begin(), row.name.end()), x, y, cell);
@@ -329,16 +329,16 @@ void BuildImagesPage(GHOSTMANAGER_WINDOW* root) {
 void BuildStylesPage(GHOSTMANAGER_WINDOW* root) {
     GalleryTitle(root, L"Text styles");
     int32_t x = 24;
-    int32_t y = 64;
+    int32_t y = 56;
     for (const CGhostTheme::NAMED& named : CGhostTheme::Get().Names()) {
         if (named.kind != StyleKind::kTextBox) {
             continue;
         }
-        GalleryLabel(root, named.name, x, y, 300);
+        GalleryLabel(root, named.name, x, y, 232);
         GalleryText(root, named.name, L"Ombrelune 123", {x, y + 16, 220, 32});
         y += 56;
-        if (y > 660) {
-            y = 64;
+        if (y > 664) {
+            y = 56;
             x += 240;
         }
     }

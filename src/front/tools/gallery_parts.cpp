@@ -37,7 +37,7 @@ void GalleryLabel(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, int32_t x
 }
 
 void GalleryTitle(GHOSTMANAGER_WINDOW* parent, std::wstring_view text) {
-    GalleryText(parent, L"LARGEHEADERTEXT", text, {24, 16, 1000, 28});
+    GalleryText(parent, L"TEXT_TITLE", text, {24, 16, 1000, 28});
 }
 
 GHOSTMANAGER_WINDOW* GalleryWindow(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,

@@ -21,7 +21,7 @@ using Window = CGhostWindowEx;
 GHOSTMANAGER_WINDOW* Frame(GHOSTMANAGER_WINDOW* root) {
     GHOSTMANAGER_WINDOW* const bar = GalleryWindow(root, L"TOPAREA", L"", 32, {0, 0, 1280, 60});
     GalleryWindow(bar, L"OMBRELUNE_LOGO", L"", 32, {16, 6, 48, 48});
-    GalleryText(bar, L"LARGEHEADERTEXT", L"Ombrelune", {76, 16, 300, 28});
+    GalleryText(bar, L"TEXT_TITLE", L"Ombrelune", {76, 16, 300, 28});
     GalleryText(root, L"TEXT_RIGHT", L"v0.720 64-bit  ", {1060, 18, 200, 25});
     return GalleryWindow(root, L"BATTLEMAIN", L"", Window::kFrame | 32, {0, 60, 1280, 660});
 }
@@ -41,19 +41,19 @@ void DropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, const GUI_REC
 void BuildMenuPage(GHOSTMANAGER_WINDOW* root) {
     GHOSTMANAGER_WINDOW* const area = Frame(root);
     GalleryText(area, L"SECTIONTEXT", L"The moon has no dark side, only one that is not plugged in.",
-                {292, 0, 680, 25});
+                {300, 0, 680, 25});
     constexpr std::array<const wchar_t*, 5> kMenu = {L"PLAY GAMES", L"BENCHMARK", L"OPTIONS",
                                                      L"CREDITS", L"QUIT"};
     for (size_t i = 0; i < kMenu.size(); ++i) {
         GalleryButton(area, L"BUTTON", kMenu[i],
                       i == 0 ? GalleryState::kFocused : GalleryState::kNormal,
-                      {232 + static_cast<int32_t>(i) * 160, 35, 140, 25});
+                      {240 + static_cast<int32_t>(i) * 160, 35, 140, 25});
     }
     GalleryText(area, L"LARGEHEADERTEXT", L"Member Login", {20, 70, 350, 25});
     GalleryText(area, L"WINDOWOVERLAY", L"", {20, 95, 350, 180});
-    GalleryText(area, L"LARGEHEADERTEXT", L"News", {390, 70, 854, 25});
+    GalleryText(area, L"LARGEHEADERTEXT", L"News", {390, 70, 870, 25});
     GalleryText(area, L"WINDOWOVERLAY", L"Connecting to server to collect news...",
-                {390, 95, 854, 529});
+                {390, 95, 870, 545});
 }
 
 namespace {
@@ -147,7 +147,7 @@ void BuildBrowserPage(GHOSTMANAGER_WINDOW* root) {
 void BuildOptionsPage(GHOSTMANAGER_WINDOW* root) {
     GHOSTMANAGER_WINDOW* const area = Frame(root);
     GalleryButton(area, L"BUTTON", L"BACK", GalleryState::kNormal, {15, 15, 100, 25});
-    GalleryText(area, L"SECTIONTEXT", L"OPTIONS", {292, 10, 680, 25});
+    GalleryText(area, L"SECTIONTEXT", L"OPTIONS", {300, 10, 680, 25});
     constexpr std::array<const wchar_t*, 4> kTabs = {L"General", L"Graphics", L"Sound", L"Input"};
     for (size_t i = 0; i < kTabs.size(); ++i) {
         GalleryButton(area, L"OPTIONBUTTON", kTabs[i],

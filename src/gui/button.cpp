@@ -38,6 +38,12 @@ void CGhostButton::SetStyle(const std::wstring& name) {
     dirty = true;
 }
 
+void CGhostButton::SetStyle(const GhostButtonStyle& wanted) {
+    styleName.clear();
+    style = wanted;
+    dirty = true;
+}
+
 void CGhostButton::SetEnabled(bool enable) {
     enabled = enable;
     state = enable ? kNormal : kDisabled;
@@ -63,10 +69,11 @@ bool CGhostButton::OnGrip(int x) const {
 
 void CGhostButton::OnFocus(bool gained, void* /*other*/) {
     focused = gained;
-    if (!gained && enabled && (flags & kLatches) == 0 && !captured) {
-        down = false; // a key that was held belongs to another control now
+    if (!gained && enabled && keyHeld) {
+        down = false; // the key that is held belongs to another control now
         state = kNormal;
     }
+    keyHeld = false;
     dirty = true;
 }
 
@@ -165,8 +172,10 @@ void CGhostButton::OnMouseWheel(int x, int y, bool up) {
 void CGhostButton::OnKeyDown(GHOSTGUIKey key) {
     if (enabled && (key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kReturn)) {
         state = kPressed;
-        down = true;
+        down = keyHeld = true;
         dirty = true;
+    } else {
+        MoveFocusByKey(key);
     }
 }
 
@@ -176,7 +185,7 @@ void CGhostButton::OnKeyUp(GHOSTGUIKey key) {
     }
     if (key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kReturn) {
         state = kNormal;
-        down = false;
+        down = keyHeld = false;
         dirty = true;
         OnClick(this, 0, 0, 0);
     }

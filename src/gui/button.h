@@ -19,6 +19,7 @@ public:
 
     void SetCaption(const std::wstring& text);
     void SetStyle(const std::wstring& name);
+    void SetStyle(const GhostButtonStyle& wanted);
     void SetEnabled(bool enable);
     void SetDown(bool wanted);
     [[nodiscard]] const std::wstring& Caption() const { return caption; }
@@ -64,4 +65,5 @@ private:
     uint32_t flags;
     bool enabled = true;
     bool focused = false;
+    bool keyHeld = false; // it is down by a key
 };

@@ -6,6 +6,15 @@
 #include "gui/text.h"
 #include "gui/theme.h"
 
+namespace {
+
+constexpr auto kMinus = static_cast<GHOSTGUIKey>(45);
+constexpr auto kPlus = static_cast<GHOSTGUIKey>(46);
+constexpr auto kKeypadMinus = static_cast<GHOSTGUIKey>(86);
+constexpr auto kKeypadPlus = static_cast<GHOSTGUIKey>(87);
+
+} // namespace
+
 CGhostCheckBox::CGhostCheckBox(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
                                const std::wstring& wantedStyle, const std::wstring& text,
                                const GUI_PLACE& place)
@@ -121,10 +130,16 @@ void CGhostCheckBox::OnKeyDown(GHOSTGUIKey key) {
         state = CGhostButton::kPressed;
         down = true;
         dirty = true;
+    } else if (enabled && (key == kPlus || key == kKeypadPlus) && !checked) {
+        Toggle();
+    } else if (enabled && (key == kMinus || key == kKeypadMinus) && checked) {
+        Toggle();
+    } else {
+        MoveFocusByKey(key);
     }
 }
 
-// A key releases and reports, but does not toggle.
+// These two keys release and report, but do not toggle; plus checks and minus unchecks.
 void CGhostCheckBox::OnKeyUp(GHOSTGUIKey key) {
     if (enabled && (key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kReturn)) {
         state = CGhostButton::kNormal;

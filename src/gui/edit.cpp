@@ -8,10 +8,10 @@
 
 namespace {
 
-constexpr int64_t kBlink = 530000;       // microseconds that the caret is seen or not
-constexpr int64_t kDragStep = 30000;     // microseconds of a step while a drag scrolls
-constexpr int32_t kDragUnits = 8;        // of such a step
-constexpr size_t kAll = 100000;          // what a double click selects up to
+constexpr int64_t kBlink = 530000;   // microseconds that the caret is seen or not
+constexpr int64_t kDragStep = 30000; // microseconds of a step while a drag scrolls
+constexpr int32_t kDragUnits = 8;    // of such a step
+constexpr size_t kAll = 100000;      // what a double click selects up to
 constexpr uint32_t kCaretColour = 0xFF000000;
 
 } // namespace
@@ -376,8 +376,8 @@ void CGhostEdit::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/)
     const size_t before = FitText(look.font, text, std::max(0, scroll));
     const size_t first = before - std::min<size_t>(before, 1);
     const int32_t firstX = CaretX(first) - scroll;
-    const size_t count = FitText(look.font, std::wstring_view(text).substr(first),
-                                 inner.width - firstX) + 1;
+    const size_t count =
+        FitText(look.font, std::wstring_view(text).substr(first), inner.width - firstX) + 1;
     const uint32_t align = kAlignLeft | (look.align & (kAlignTop | kAlignBottom));
     DrawText(*surface, look.font, std::wstring_view(text).substr(first, count), look.textColour,
              look.textOutlineColour, align, {firstX, 0, inner.width - firstX, inner.height},

@@ -24,9 +24,9 @@ struct ROW {
     const wchar_t* large;
 };
 constexpr ROW kRows[] = {
-    {L"1234567890-=",  L"!@#$%^&*()_+"},
-    {L"qwertyuiop[]",  L"QWERTYUIOP{}"},
-    {L"asdfghjkl;'\\", L"ASDFGHJKL:\"|"},
+    {L"1234567890-=",  L"!@#$%^&*()_+"          },
+    {L"qwertyuiop[]",  L"QWERTYUIOP{}"          },
+    {L"asdfghjkl;'\\", L"ASDFGHJKL:\"|"         },
     {L"zxcvbnm,./`~",  L"ZXCVBNM<>?\u00E9\u00E8"},
 };
 
@@ -88,10 +88,12 @@ void CGhostKeyboard::EditIsGone() {
 void CGhostKeyboard::MakeKeys() {
     for (int32_t row = 0; row < static_cast<int32_t>(std::size(kRows)); ++row) {
         for (int32_t column = 0; column < kColumns; ++column) {
-            keys.push_back({{ColumnX(column), RowY(row), kKeyWide, kKeyHigh},
-                            Action::kCharacter,
-                            kRows[row].small[column],
-                            kRows[row].large[column]});
+            keys.push_back({
+                {ColumnX(column), RowY(row), kKeyWide, kKeyHigh},
+                Action::kCharacter,
+                kRows[row].small[column],
+                kRows[row].large[column]
+            });
         }
     }
     struct WIDE {
@@ -109,7 +111,10 @@ void CGhostKeyboard::MakeKeys() {
     int32_t column = 0;
     for (const WIDE& key : kLast) {
         const int32_t wide = key.columns * (kKeyWide + kGap) - kGap;
-        keys.push_back({{ColumnX(column), RowY(kGridRows - 1), wide, kKeyHigh}, key.action, 0, 0});
+        keys.push_back({
+            {ColumnX(column), RowY(kGridRows - 1), wide, kKeyHigh},
+            key.action, 0, 0
+        });
         column += key.columns;
     }
     aim = kColumns; // the first letter

@@ -185,8 +185,8 @@ void CGhostList::EnsureVisible(int32_t index) {
 }
 
 void CGhostList::ScrollTo(int32_t pixels) {
-    frame->Scrollbar()->SetRange(-1, -1, std::clamp(pixels, 0, std::max(0, ContentHeight() - height)),
-                                 false);
+    frame->Scrollbar()->SetRange(
+        -1, -1, std::clamp(pixels, 0, std::max(0, ContentHeight() - height)), false);
 }
 
 GHOSTMANAGER_WINDOW* CGhostList::ScrollbarWindow() const {
@@ -285,9 +285,7 @@ void CGhostList::OnKeyDown(GHOSTGUIKey key) {
     case GHOSTGUIKey::kPageDown:
         (flags & kNoSelection) != 0 ? ScrollTo(scrollPixels + height) : MoveAim(Aim() + rows, -1);
         break;
-    case GHOSTGUIKey::kHome:
-        (flags & kNoSelection) != 0 ? ScrollTo(0) : MoveAim(0, 1);
-        break;
+    case GHOSTGUIKey::kHome: (flags & kNoSelection) != 0 ? ScrollTo(0) : MoveAim(0, 1); break;
     case GHOSTGUIKey::kEnd:
         (flags & kNoSelection) != 0 ? ScrollTo(ContentHeight()) : MoveAim(Count() - 1, -1);
         break;

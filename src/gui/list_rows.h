@@ -24,9 +24,8 @@ class ListTypeAhead {
 public:
     // The row that the letters select, or -1. `textOf` returns a row's text; the search begins at
     // `selected` and goes round. The same letter again and again goes through the rows with it.
-    [[nodiscard]] int32_t
-    Type(wchar_t character, int32_t count, int32_t selected,
-         const std::function<std::wstring_view(int32_t)>& textOf);
+    [[nodiscard]] int32_t Type(wchar_t character, int32_t count, int32_t selected,
+                               const std::function<std::wstring_view(int32_t)>& textOf);
     void Tick(uint32_t microseconds);
     [[nodiscard]] bool Active() const { return !typed.empty(); }
 

@@ -3,6 +3,7 @@
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/theme.h"
+#include "gui/window.h"
 
 #include <algorithm>
 
@@ -141,6 +142,58 @@ void CGhostScrollbar::OnMouseUp(int /*x*/, int /*y*/, unsigned button) {
 
 void CGhostScrollbar::OnMouseWheel(int /*x*/, int /*y*/, bool up) {
     ScrollTo(pos + (up ? -kWheelStep : kWheelStep) * step);
+}
+
+namespace {
+
+// Calls each handler of the window that a bar belongs to until one has used it.
+template <typename Call>
+bool AskOwner(const GHOSTMANAGER_WINDOW* bar, Call call) {
+    CGhostGUIHandler* handler = bar->parent != nullptr ? bar->parent->handler : nullptr;
+    while (handler != nullptr) {
+        CGhostGUIHandler* const next = handler->next;
+        if (call(*handler)) {
+            return true;
+        }
+        handler = next;
+    }
+    return false;
+}
+
+} // namespace
+
+void CGhostScrollbar::OnKeyDown(GHOSTGUIKey key) {
+    AskOwner(window, [key](CGhostGUIHandler& handler) {
+        handler.OnKeyDown(key);
+        return false;
+    });
+}
+
+void CGhostScrollbar::OnKeyUp(GHOSTGUIKey key) {
+    AskOwner(window, [key](CGhostGUIHandler& handler) {
+        handler.OnKeyUp(key);
+        return false;
+    });
+}
+
+void CGhostScrollbar::OnChar(unsigned character) {
+    AskOwner(window, [character](CGhostGUIHandler& handler) {
+        handler.OnChar(character);
+        return false;
+    });
+}
+
+bool CGhostScrollbar::OnNavigate(GUI_DIRECTION direction) {
+    return AskOwner(
+        window, [direction](CGhostGUIHandler& handler) { return handler.OnNavigate(direction); });
+}
+
+bool CGhostScrollbar::OnActivateKey() {
+    return AskOwner(window, [](CGhostGUIHandler& handler) { return handler.OnActivateKey(); });
+}
+
+bool CGhostScrollbar::OnCancelKey() {
+    return AskOwner(window, [](CGhostGUIHandler& handler) { return handler.OnCancelKey(); });
 }
 
 // What is held goes on: a step of a button, a page of the track until the thumb is under the mouse.

@@ -32,6 +32,13 @@ public:
     void OnMouseDoubleClick(int x, int y, unsigned button) override;
     void OnMouseUp(int x, int y, unsigned button) override;
     void OnMouseWheel(int x, int y, bool up) override;
+    // Keys belong to what the bar scrolls, though the bar was clicked last.
+    void OnKeyDown(GHOSTGUIKey key) override;
+    void OnKeyUp(GHOSTGUIKey key) override;
+    void OnChar(unsigned character) override;
+    bool OnNavigate(GUI_DIRECTION direction) override;
+    bool OnActivateKey() override;
+    bool OnCancelKey() override;
     void OnTick(unsigned microseconds) override;
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
 

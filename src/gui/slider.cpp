@@ -104,6 +104,7 @@ void CGhostSlider::OnMouseWheel(int /*x*/, int /*y*/, bool up) {
 void CGhostSlider::OnKeyDown(GHOSTGUIKey key) {
     constexpr int kPage = 10;
     if (readOnly) {
+        MoveFocusByKey(key);
         return;
     }
     switch (key) {
@@ -113,8 +114,18 @@ void CGhostSlider::OnKeyDown(GHOSTGUIKey key) {
     case GHOSTGUIKey::kPageDown: Step(-kPage); break;
     case GHOSTGUIKey::kHome: Change(0.0f); break;
     case GHOSTGUIKey::kEnd: Change(1.0f); break;
-    default: break;
+    default: MoveFocusByKey(key); break;
     }
+}
+
+// A read-only slider is passed over.
+bool CGhostSlider::OnNavigate(GUI_DIRECTION direction) {
+    const bool right = direction == GUI_DIRECTION::kRight;
+    if (readOnly || (!right && direction != GUI_DIRECTION::kLeft)) {
+        return false;
+    }
+    Step(right ? 1 : -1);
+    return true;
 }
 
 void CGhostSlider::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {

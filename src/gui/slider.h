@@ -28,6 +28,8 @@ public:
     void OnMouseUp(int x, int y, unsigned button) override;
     void OnMouseWheel(int x, int y, bool up) override;
     void OnKeyDown(GHOSTGUIKey key) override;
+    bool OnNavigate(GUI_DIRECTION direction) override; // left and right change the value
+    bool OnActivateKey() override { return true; }
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
 
 protected:

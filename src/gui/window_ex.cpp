@@ -34,11 +34,15 @@ CGhostWindowEx::CGhostWindowEx(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
     PlaceControl(window, place);
     if ((flags & (kFrame | kTitle)) != 0) {
         GhostBorderStyle border = (flags & kFrame) != 0 ? background.border : GhostBorderStyle{};
-        if ((flags & kTitle) != 0) {
-            border.thickness.top += kTitleHeight;
-        }
+        border.thickness = FrameEdges();
         CGhostManager::Get().SetWindowFrame(window, &border);
     }
+}
+
+GUI_EDGES CGhostWindowEx::FrameEdges() const {
+    GUI_EDGES edges = (flags & kFrame) != 0 ? background.border.thickness : GUI_EDGES{};
+    edges.top += (flags & kTitle) != 0 ? kTitleHeight : 0;
+    return edges;
 }
 
 void CGhostWindowEx::MakeTitle(const std::wstring& caption) {

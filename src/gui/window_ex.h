@@ -34,6 +34,8 @@ public:
     void ShowScrollbar(bool show);
     [[nodiscard]] CGhostScrollbar* Scrollbar() const { return scrollbar; }
 
+    [[nodiscard]] GUI_EDGES FrameEdges() const; // of the border and the title bar
+
     // (clientWidth, clientHeight); (x, y, up); (x, y); (x, y, button).
     GuiSignal<void(CGhostWindowEx*, int, int)> OnResized;
     GuiSignal<void(CGhostWindowEx*, int, int, bool)> OnWheel;

@@ -6,9 +6,11 @@
 #include "gui/bitmap.h"
 #include "gui/button.h"
 #include "gui/check_box.h"
+#include "gui/drop_list.h"
 #include "gui/edit.h"
 #include "gui/font.h"
 #include "gui/list.h"
+#include "gui/message_box.h"
 #include "gui/scrollbar.h"
 #include "gui/slider.h"
 #include "gui/surface.h"
@@ -46,6 +48,7 @@ std::span<const GALLERY_PAGE> GalleryPages() {
         {"the menu",        BuildMenuPage   },
         {"the browser",     BuildBrowserPage},
         {"the options",     BuildOptionsPage},
+        {"a message",       BuildMessagePage},
     };
     return pages;
 }
@@ -171,14 +174,6 @@ void BuildButtonsPage(GHOSTMANAGER_WINDOW* root) {
 
 namespace {
 
-void PaintDropList(CGhostSurface& surface, size_t arrow, std::wstring_view text) {
-    GhostDropListStyle style;
-    CGhostTheme::Get().GetStyle(L"DROPLIST", style);
-    const int32_t side = surface.Height();
-    PaintText(surface, style.bg, text, {0, 0, surface.Width(), side});
-    PaintText(surface, style.button.states[arrow], {}, {surface.Width() - side, 0, side, side});
-}
-
 void BuildCheckBoxes(GHOSTMANAGER_WINDOW* root, int32_t y) {
     GalleryLabel(root, L"CHECKBOX", 24, y + 4);
     for (size_t i = 0; i < kStates.size(); ++i) {
@@ -254,18 +249,22 @@ void BuildFieldsPage(GHOSTMANAGER_WINDOW* root) {
         default: break;
         }
     }
-    constexpr std::array<std::wstring_view, 4> kArrowStates = {L"normal", L"hot", L"open",
-                                                               L"disabled"};
+    constexpr std::array<std::wstring_view, 4> kArrowStates = {L"normal", L"hot", L"disabled",
+                                                               L"open"};
     for (size_t i = 0; i < kArrowStates.size(); ++i) {
         const int32_t x = 220 + static_cast<int32_t>(i) * 240;
         GalleryLabel(root, kArrowStates[i], x, 120);
-        new GalleryCanvas(root, {x, 140, 150, 25}, [i](CGhostSurface& surface) {
-            PaintDropList(surface, i, L"SMS JAPANESE");
-        });
+        CGhostDropList* const list = GalleryDropList(root, L"SMS JAPANESE", {x, 140, 190, 25});
+        switch (i) {
+        case 1: list->OnMouseMove(1, 1); break;
+        case 2: list->SetEnabled(false); break;
+        case 3: list->Open(); break;
+        default: break;
+        }
     }
-    BuildCheckBoxes(root, 200);
-    BuildSliders(root, 250);
-    BuildScrollbars(root, 350);
+    BuildCheckBoxes(root, 320);
+    BuildSliders(root, 370);
+    BuildScrollbars(root, 470);
 }
 
 // ---- Windows.
@@ -293,6 +292,41 @@ void BuildWindowsPage(GHOSTMANAGER_WINDOW* root) {
     GHOSTMANAGER_WINDOW* const scrolled =
         GalleryWindow(root, L"GAMEOPTIONS", L"", Window::kFrame, {560, 420, 500, 260});
     GalleryText(scrolled, L"TEXT", L"A panel that scrolls", {8, 8, 300, 25});
+}
+
+namespace {
+
+// Takes the message box, which is nobody's child, away with the page.
+class MessageGuard : public GalleryCanvas {
+public:
+    MessageGuard(GHOSTMANAGER_WINDOW* parent, CGhostMessageBox* message)
+        : GalleryCanvas(parent, {0, 0, 1, 1}, [](CGhostSurface&) {})
+        , box(message) {
+        box->OnClosed.connect([this](CGhostMessageBox*) { box = nullptr; });
+    }
+    void Destroy() override {
+        if (box != nullptr) {
+            box->OnClosed.disconnect_all_slots();
+            box->Dismiss();
+        }
+        GalleryCanvas::Destroy();
+    }
+
+private:
+    ~MessageGuard() override = default;
+    CGhostMessageBox* box;
+};
+
+} // namespace
+
+void BuildMessagePage(GHOSTMANAGER_WINDOW* root) {
+    BuildBrowserPage(root);
+    CGhostMessageBox* const box = CGhostMessageBox::Show(
+        L"Error loading game", L"The file holds no game of a machine that is known here. "
+                               L"What \"ombrelune info\" says about it may help.");
+    if (box != nullptr) {
+        new MessageGuard(root, box);
+    }
 }
 
 // ---- Images.

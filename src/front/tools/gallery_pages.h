@@ -26,3 +26,4 @@ void BuildRecordsPage(GHOSTMANAGER_WINDOW* root);
 void BuildMenuPage(GHOSTMANAGER_WINDOW* root);
 void BuildBrowserPage(GHOSTMANAGER_WINDOW* root);
 void BuildOptionsPage(GHOSTMANAGER_WINDOW* root);
+void BuildMessagePage(GHOSTMANAGER_WINDOW* root);

@@ -2,6 +2,7 @@
 
 #include "gui/bitmap.h"
 #include "gui/button.h"
+#include "gui/drop_list.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/text_box.h"
@@ -60,6 +61,18 @@ CGhostButton* GalleryButton(GHOSTMANAGER_WINDOW* parent, const std::wstring& sty
     case GalleryState::kNormal: break;
     }
     return button;
+}
+
+CGhostDropList* GalleryDropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view text,
+                                const GUI_RECT& place) {
+    constexpr int32_t kMostHeight = 240;
+    auto* const list = new CGhostDropList(parent, 0, L"DROPLIST", L"", kMostHeight, PlaceOf(place));
+    list->AddItem(std::wstring(text));
+    for (const wchar_t* const more : {L"Another choice", L"A third", L"The last of them"}) {
+        list->AddItem(more);
+    }
+    list->SetSelected(0, false);
+    return list;
 }
 
 void GalleryRow(CGhostSurface& surface, const GhostTextStyle& style, std::wstring_view text,

@@ -44,6 +44,11 @@ enum class GalleryState { kNormal, kHot, kPressed, kDisabled, kFocused };
 CGhostButton* GalleryButton(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,
                             std::wstring_view caption, GalleryState state, const GUI_RECT& place);
 
+// A drop list with one entry chosen.
+class CGhostDropList;
+CGhostDropList* GalleryDropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view text,
+                                const GUI_RECT& place);
+
 // Paints a row of a list or table, a cell of it, as the control would.
 void GalleryRow(CGhostSurface& surface, const GhostTextStyle& style, std::wstring_view text,
                 const GUI_RECT& place);

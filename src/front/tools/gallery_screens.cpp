@@ -4,10 +4,9 @@
 
 #include "front/tools/gallery_parts.h"
 #include "gui/check_box.h"
+#include "gui/drop_list.h"
+#include "gui/list_view.h"
 #include "gui/slider.h"
-#include "gui/surface.h"
-#include "gui/text.h"
-#include "gui/theme.h"
 #include "gui/window_ex.h"
 
 #include <array>
@@ -24,16 +23,6 @@ GHOSTMANAGER_WINDOW* Frame(GHOSTMANAGER_WINDOW* root) {
     GalleryText(bar, L"TEXT_TITLE", L"Ombrelune", {76, 16, 300, 28});
     GalleryText(root, L"TEXT_RIGHT", L"v0.720 64-bit  ", {1060, 18, 200, 25});
     return GalleryWindow(root, L"BATTLEMAIN", L"", Window::kFrame | 32, {0, 60, 1280, 660});
-}
-
-void DropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, const GUI_RECT& place) {
-    new GalleryCanvas(parent, place, [value = std::wstring(text)](CGhostSurface& surface) {
-        GhostDropListStyle style;
-        CGhostTheme::Get().GetStyle(L"DROPLIST", style);
-        const int32_t side = surface.Height();
-        PaintText(surface, style.bg, value, {0, 0, surface.Width(), side});
-        PaintText(surface, style.button.states[0], {}, {surface.Width() - side, 0, side, side});
-    });
 }
 
 } // namespace
@@ -58,47 +47,42 @@ void BuildMenuPage(GHOSTMANAGER_WINDOW* root) {
 
 namespace {
 
-void PaintGames(CGhostSurface& surface) {
-    GhostListViewStyle style;
-    CGhostTheme::Get().GetStyle(L"GAMELIST", style);
-    struct GAME {
-        const wchar_t* name;
-        const wchar_t* year;
-        int32_t mark;
-    };
-    constexpr GAME kGames[] = {
-        {L"Luciole",               L"1989", 0},
-        {L"Bells under the Harbour", L"1991", 0},
-        {L"Moth Patrol",           L"1988", 1},
-        {L"Night Ferry",           L"1990", 0},
-        {L"Paper Lamps",           L"1992", 1},
-        {L"homebrew-test-2",       L"",     2},
-        {L"Tin Harbour",           L"1987", 1},
-        {L"damaged dump",          L"",     3},
-        {L"The Long Way Down",     L"1993", 0},
-        {L"Weather Station",       L"1989", 0},
-    };
-    const int32_t name = surface.Width() - 80;
-    PaintText(surface, style.header.states[0], L"Name", {0, 0, name, style.headerHeight});
-    PaintText(surface, style.header.states[0], L"Year", {name, 0, 80, style.headerHeight});
-    PaintFill(surface, style.list.bg.bg,
-              {0, style.headerHeight, surface.Width(), surface.Height() - style.headerHeight});
-    int32_t y = style.headerHeight;
-    for (size_t i = 0; i < std::size(kGames); ++i) {
-        const bool known = kGames[i].mark < 2;
-        const GhostTextStyle& row = i == 3   ? style.list.itemSelected
-                                    : i == 5 ? style.list.item2Hot
-                                    : known  ? style.list.itemNormal
-                                             : style.list.item2Normal;
-        PaintFill(surface, row.bg, {0, y, surface.Width(), style.itemHeight});
-        GalleryIcon(surface, style.list.imageList, kGames[i].mark, 4, y + 1);
-        GhostTextStyle text = row;
-        text.bg.type = GhostFill::kNone;
-        PaintText(surface, text, kGames[i].name, {26, y, name - 26, style.itemHeight});
-        PaintText(surface, text, kGames[i].year, {name, y, 80, style.itemHeight});
-        y += style.itemHeight;
+struct GAME {
+    const wchar_t* name;
+    const wchar_t* year;
+    int32_t mark; // in the strip of the games' marks
+};
+constexpr GAME kGames[] = {
+    {L"Luciole",                 L"1989", 0},
+    {L"Bells under the Harbour", L"1991", 0},
+    {L"Moth Patrol",             L"1988", 1},
+    {L"Night Ferry",             L"1990", 0},
+    {L"Paper Lamps",             L"1992", 1},
+    {L"homebrew-test-2",         L"",     2},
+    {L"Tin Harbour",             L"1987", 1},
+    {L"damaged dump",            L"",     3},
+    {L"The Long Way Down",       L"1993", 0},
+    {L"Weather Station",         L"1989", 0},
+};
+
+// As many rows as a large collection has.
+void BuildGames(GHOSTMANAGER_WINDOW* parent) {
+    constexpr int32_t kRows = 20000;
+    constexpr int32_t kKnownMarks = 2;
+    auto* const games = new CGhostListView(parent, 0, L"GAMELIST", 0, {false, 15, 136, 690, 310});
+    games->AddColumn(L"Name", 594);
+    games->AddColumn(L"Year", 80, kAlignRight);
+    games->Reserve(kRows);
+    for (int32_t i = 0; i < kRows; ++i) {
+        const GAME& game = kGames[static_cast<size_t>(i) % std::size(kGames)];
+        const int32_t row = games->AddRow();
+        games->SetCell(row, 0, game.name, game.mark);
+        games->SetCell(row, 1, game.year);
+        for (int32_t column = 0; column < 2; ++column) {
+            games->Cell(row, column)->colourSet = game.mark < kKnownMarks ? 0 : 1;
+        }
     }
-    PaintFrame(surface, style.list.bg.border);
+    games->SetSelected(3, false);
 }
 
 } // namespace
@@ -110,18 +94,18 @@ void BuildBrowserPage(GHOSTMANAGER_WINDOW* root) {
     GalleryWindow(area, L"MEGADRIVE", L"", 0, {260, 12, 192, 96});
     GalleryButton(area, L"RIGHTSEL", L"", GalleryState::kNormal, {472, 40, 40, 40});
     GalleryText(area, L"TEXT_CENTER", L"Genesis / Megadrive (MD)", {200, 108, 312, 20});
-    new GalleryCanvas(area, {15, 136, 690, 310}, PaintGames);
+    BuildGames(area);
 
     GHOSTMANAGER_WINDOW* const options =
         GalleryWindow(area, L"GAMEOPTIONS", L"", Window::kFrame, {15, 456, 714, 140});
     GalleryText(options, L"TEXT_RIGHT", L"Console:", {0, 10, 70, 25});
-    DropList(options, L"SMS JAPANESE", {80, 10, 150, 25});
+    GalleryDropList(options, L"SMS JAPANESE", {80, 10, 150, 25});
     GalleryText(options, L"TEXT_RIGHT", L"BIOS:", {230, 10, 60, 25});
-    DropList(options, L"None", {300, 10, 380, 25});
+    GalleryDropList(options, L"None", {300, 10, 380, 25});
     GalleryText(options, L"TEXT_RIGHT", L"INPUT 1:", {0, 45, 70, 25});
-    DropList(options, L"Control Pad", {80, 45, 260, 25});
+    GalleryDropList(options, L"Control Pad", {80, 45, 260, 25});
     GalleryText(options, L"TEXT_RIGHT", L"INPUT 2:", {345, 45, 70, 25});
-    DropList(options, L"Light Phaser", {420, 45, 260, 25});
+    GalleryDropList(options, L"Light Phaser", {420, 45, 260, 25});
     new CGhostCheckBox(options, 0, L"CHECKBOX", L"3D Glasses", {false, 80, 80, 110, 25});
     auto* const chip =
         new CGhostCheckBox(options, 0, L"CHECKBOX", L"FM Chip", {false, 190, 80, 110, 25});
@@ -168,7 +152,7 @@ void BuildOptionsPage(GHOSTMANAGER_WINDOW* root) {
     int32_t y = 24;
     for (const ROW& row : kRows) {
         GalleryText(panel, L"TEXT_RIGHT", row.label, {100, y, 260, 25});
-        DropList(panel, row.value, {372, y, 260, 25});
+        GalleryDropList(panel, row.value, {372, y, 260, 25});
         y += 36;
     }
     struct SLIDER {

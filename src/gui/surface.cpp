@@ -226,19 +226,32 @@ void CGhostSurface::InvertRect(const GUI_RECT& rect) {
 
 namespace {
 
-// Which pixel of a bitmap belongs to a pixel of the target: along one axis.
+// Which pixels of a bitmap belong to a pixel of the target, along one axis.
+struct TAP {
+    int32_t low = 0;
+    int32_t high = 0;
+    uint32_t share = 0; // of the high one, in 256ths
+};
+
+// A bitmap of a density that does not divide has a pixel more or less than its place on the screen, and a
+// row left out would bend every line that crosses it; so pixels between two rows are mixed of both. Where
+// the sizes are equal, as at whole densities, each pixel is copied as it is.
 class SourceAxis {
 public:
-    // `from` and `extent` in units of the bitmap, spread over `pixels` of the target. A bitmap of a
-    // density that does not divide has a pixel more or less than its units say, so both sides count.
-    SourceAxis(double from, double extent, int32_t bitmapUnits, int32_t bitmapPixels, int32_t pixels)
-        : start(from * bitmapPixels / bitmapUnits)
-        , scale(extent * bitmapPixels / bitmapUnits / pixels)
+    // `from` and `extent` in units of the bitmap, spread over `pixels` of the target.
+    SourceAxis(int32_t from, int32_t extent, int32_t bitmapUnits, int32_t bitmapPixels, int32_t pixels)
+        : start(static_cast<double>(from) * bitmapPixels / bitmapUnits)
+        , scale(static_cast<double>(extent) * bitmapPixels / bitmapUnits / pixels)
         , last(bitmapPixels - 1) {}
 
-    [[nodiscard]] int32_t At(int32_t pixel) const {
-        const auto at = static_cast<int32_t>(std::floor(start + (pixel + 0.5) * scale));
-        return std::clamp(at, 0, last);
+    [[nodiscard]] TAP At(int32_t pixel) const {
+        constexpr double kWhole = 256.0;
+        const double at = std::clamp(start + (pixel + 0.5) * scale - 0.5, 0.0, static_cast<double>(last));
+        TAP tap;
+        tap.low = static_cast<int32_t>(at);
+        tap.share = static_cast<uint32_t>((at - tap.low) * kWhole);
+        tap.high = std::min(tap.low + 1, last);
+        return tap;
     }
 
 private:
@@ -246,6 +259,37 @@ private:
     double scale;
     int32_t last;
 };
+
+// The mean of four pixels, by their shares and alphas.
+uint32_t MixPixels(const uint32_t* low, const uint32_t* high, const TAP& column, uint32_t rowShare) {
+    const uint32_t corners[] = {low[column.low], low[column.high], high[column.low],
+                                high[column.high]};
+    if (corners[0] == corners[1] && corners[0] == corners[2] && corners[0] == corners[3]) {
+        return corners[0];
+    }
+    const uint64_t shares[] = {uint64_t{256 - column.share} * (256 - rowShare),
+                               uint64_t{column.share} * (256 - rowShare),
+                               uint64_t{256 - column.share} * rowShare,
+                               uint64_t{column.share} * rowShare};
+    constexpr uint64_t kAll = 1 << 16;
+    uint64_t alpha = 0;
+    uint64_t colour[3] = {};
+    for (size_t i = 0; i < 4; ++i) {
+        const uint64_t weight = shares[i] * (corners[i] >> 24);
+        alpha += weight;
+        for (size_t c = 0; c < 3; ++c) {
+            colour[c] += weight * (corners[i] >> (c * 8) & 0xFF);
+        }
+    }
+    if (alpha == 0) {
+        return 0;
+    }
+    auto mixed = static_cast<uint32_t>((alpha + kAll / 2) / kAll) << 24;
+    for (size_t c = 0; c < 3; ++c) {
+        mixed |= static_cast<uint32_t>((colour[c] + alpha / 2) / alpha) << (c * 8);
+    }
+    return mixed;
+}
 
 } // namespace
 
@@ -261,22 +305,29 @@ void CGhostSurface::Blit(const GUI_BITMAP& bitmap, const GUI_RECT& target, int32
                           source.width, source.height};
     const PIXEL_RECT whole = ToPixels(placed);
     const PIXEL_RECT visible = Clipped(whole);
-    const SourceAxis columns(source.x, source.width, bitmap.width, bitmap.pixelWidth,
-                             whole.right - whole.left);
-    const SourceAxis rows(source.y, source.height, bitmap.height, bitmap.pixelHeight,
-                          whole.bottom - whole.top);
+    if (visible.Empty()) {
+        return;
+    }
+    const SourceAxis acrossAxis(source.x, source.width, bitmap.width, bitmap.pixelWidth,
+                                whole.right - whole.left);
+    const SourceAxis downAxis(source.y, source.height, bitmap.height, bitmap.pixelHeight,
+                              whole.bottom - whole.top);
+    std::vector<TAP> columns;
+    columns.reserve(static_cast<size_t>(visible.right - visible.left));
+    for (int32_t x = visible.left; x < visible.right; ++x) {
+        columns.push_back(
+            acrossAxis.At(flip == Flip::kLeftToRight ? whole.right - 1 - x : x - whole.left));
+    }
+    const auto rowOf = [&](int32_t row) {
+        return bitmap.pixels.data() + static_cast<ptrdiff_t>(row) * bitmap.pixelWidth;
+    };
     for (int32_t y = visible.top; y < visible.bottom; ++y) {
-        int32_t sourceRow = rows.At(y - whole.top);
-        if (flip == Flip::kTopToBottom) {
-            sourceRow = rows.At(whole.bottom - 1 - y);
-        }
-        const uint32_t* const from =
-            bitmap.pixels.data() + static_cast<ptrdiff_t>(sourceRow) * bitmap.pixelWidth;
-        uint32_t* const to = Row(y);
-        for (int32_t x = visible.left; x < visible.right; ++x) {
-            const int32_t column =
-                flip == Flip::kLeftToRight ? whole.right - 1 - x : x - whole.left;
-            to[x] = BlendPixel(to[x], from[columns.At(column)]);
+        const TAP row =
+            downAxis.At(flip == Flip::kTopToBottom ? whole.bottom - 1 - y : y - whole.top);
+        uint32_t* to = Row(y) + visible.left;
+        for (const TAP& column : columns) {
+            *to = BlendPixel(*to, MixPixels(rowOf(row.low), rowOf(row.high), column, row.share));
+            ++to;
         }
     }
 }

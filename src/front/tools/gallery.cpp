@@ -42,13 +42,27 @@ public:
         manager.SetCompositeBuffer(pixels.data(), width, height, width);
     }
 
-    // From 0; the page before goes.
-    void Show(size_t page) {
+    // No window is left when the process ends what the controls refer to.
+    ~Gallery() { Clear(); }
+    Gallery(const Gallery&) = delete;
+    Gallery& operator=(const Gallery&) = delete;
+
+    void Clear() {
+        constexpr int kTicks = 3; // a message box goes with the tick after the one that dismissed it
         CGhostManager& manager = CGhostManager::Get();
         if (root != nullptr) {
             manager.DestroyWindow(root);
+            root = nullptr;
+        }
+        for (int i = 0; i < kTicks; ++i) {
             manager.Tick(0);
         }
+    }
+
+    // From 0; the page before goes.
+    void Show(size_t page) {
+        Clear();
+        CGhostManager& manager = CGhostManager::Get();
         const GUI_RECT screen = manager.ScreenRect();
         root = GalleryWindow(nullptr, L"FLAT", L"", 0, screen);
         GalleryPages()[page].build(root);

@@ -70,6 +70,32 @@ TEST(CommandLine, GalleryWritesAPageOfTheSizeAskedFor) {
     EXPECT_EQ(Ombrelune({"gallery", "--page", "99"}, home).exitCode, 2);
 }
 
+// The built-in theme itself in the home folder changes nothing; another one does.
+TEST(CommandLine, GalleryUsesTheThemeInTheHomeFolder) {
+    const TemporaryFolder home;
+    const auto page = [&](const std::string& name) {
+        const auto file = home.Path() / name;
+        const PROGRAM_RESULT result =
+            Ombrelune({"gallery", "--page", "2", "--screenshot", file.string()}, home);
+        EXPECT_EQ(result.exitCode, 0) << result.error;
+        std::vector<uint8_t> bytes;
+        std::string error;
+        EXPECT_TRUE(ReadFile(file, bytes, error)) << error;
+        return bytes;
+    };
+    const auto builtIn = page("built-in.png");
+    std::vector<uint8_t> theme;
+    std::string error;
+    ASSERT_TRUE(ReadFile(OMBRELUNE_SOURCE_FOLDER "/assets/theme.xml", theme, error)) << error;
+    ASSERT_TRUE(WriteFile(home.Path() / "theme.xml", theme, error)) << error;
+    EXPECT_EQ(page("same.png"), builtIn);
+    const std::string text = "<?xml version=\"1.0\"?><theme></theme>";
+    ASSERT_TRUE(WriteFile(home.Path() / "theme.xml",
+                          {reinterpret_cast<const uint8_t*>(text.data()), text.size()}, error))
+        << error;
+    EXPECT_NE(page("other.png"), builtIn);
+}
+
 TEST(CommandLine, ActionsListsEveryActionWithItsKeys) {
     const TemporaryFolder home;
     const PROGRAM_RESULT result = Ombrelune({"actions"}, home);

@@ -1,4 +1,4 @@
-// The window's picture in task bars: the moon and its shadow.
+// The window's icon: the moon and its shadow.
 #pragma once
 
 #include <cstdint>

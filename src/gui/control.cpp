@@ -39,12 +39,12 @@ uint8_t CornerCoverage(int32_t x, int32_t y, PIXEL_SIZE pixels, int32_t radius, 
 }
 
 // The quarter of a ring in a corner of `radius` units.
-void PaintRingCorner(CGhostSurface& surface, const GUI_RECT& corner, int32_t thickness, bool atRight,
-                     bool atBottom, uint32_t colour) {
+void PaintRingCorner(CGhostSurface& surface, const GUI_RECT& corner, int32_t thickness,
+                     bool atRight, bool atBottom, uint32_t colour) {
     const int32_t left = surface.PixelX(corner.x);
     const int32_t top = surface.PixelY(corner.y);
     const PIXEL_SIZE pixels{surface.PixelX(corner.Right()) - left,
-                               surface.PixelY(corner.Bottom()) - top};
+                            surface.PixelY(corner.Bottom()) - top};
     if (pixels.width <= 0 || pixels.height <= 0) {
         return;
     }
@@ -52,8 +52,8 @@ void PaintRingCorner(CGhostSurface& surface, const GUI_RECT& corner, int32_t thi
     for (int32_t y = 0; y < pixels.height; ++y) {
         for (int32_t x = 0; x < pixels.width; ++x) {
             mask.push_back(CornerCoverage(atRight ? pixels.width - 1 - x : x,
-                                          atBottom ? pixels.height - 1 - y : y, pixels, corner.width,
-                                          thickness));
+                                          atBottom ? pixels.height - 1 - y : y, pixels,
+                                          corner.width, thickness));
         }
     }
     surface.StampMask(left, top, mask.data(), pixels.width, pixels.height, pixels.width, colour);

@@ -239,14 +239,16 @@ struct TAP {
 class SourceAxis {
 public:
     // `from` and `extent` in units of the bitmap, spread over `pixels` of the target.
-    SourceAxis(int32_t from, int32_t extent, int32_t bitmapUnits, int32_t bitmapPixels, int32_t pixels)
+    SourceAxis(int32_t from, int32_t extent, int32_t bitmapUnits, int32_t bitmapPixels,
+               int32_t pixels)
         : start(static_cast<double>(from) * bitmapPixels / bitmapUnits)
         , scale(static_cast<double>(extent) * bitmapPixels / bitmapUnits / pixels)
         , last(bitmapPixels - 1) {}
 
     [[nodiscard]] TAP At(int32_t pixel) const {
         constexpr double kWhole = 256.0;
-        const double at = std::clamp(start + (pixel + 0.5) * scale - 0.5, 0.0, static_cast<double>(last));
+        const double at =
+            std::clamp(start + (pixel + 0.5) * scale - 0.5, 0.0, static_cast<double>(last));
         TAP tap;
         tap.low = static_cast<int32_t>(at);
         tap.share = static_cast<uint32_t>((at - tap.low) * kWhole);
@@ -261,16 +263,16 @@ private:
 };
 
 // The mean of four pixels, by their shares and alphas.
-uint32_t MixPixels(const uint32_t* low, const uint32_t* high, const TAP& column, uint32_t rowShare) {
+uint32_t MixPixels(const uint32_t* low, const uint32_t* high, const TAP& column,
+                   uint32_t rowShare) {
     const uint32_t corners[] = {low[column.low], low[column.high], high[column.low],
                                 high[column.high]};
     if (corners[0] == corners[1] && corners[0] == corners[2] && corners[0] == corners[3]) {
         return corners[0];
     }
-    const uint64_t shares[] = {uint64_t{256 - column.share} * (256 - rowShare),
-                               uint64_t{column.share} * (256 - rowShare),
-                               uint64_t{256 - column.share} * rowShare,
-                               uint64_t{column.share} * rowShare};
+    const uint64_t shares[] = {
+        uint64_t{256 - column.share} * (256 - rowShare), uint64_t{column.share} * (256 - rowShare),
+        uint64_t{256 - column.share} * rowShare, uint64_t{column.share} * rowShare};
     constexpr uint64_t kAll = 1 << 16;
     uint64_t alpha = 0;
     uint64_t colour[3] = {};

@@ -1,8 +1,7 @@
 // The images, fonts and documents that come with the theme.
-#include "assets/theme_fixture.h"
-
 #include "gui/bitmap.h"
 
+#include "assets/theme_fixture.h"
 #include <gtest/gtest.h>
 
 #include <regex>
@@ -13,18 +12,60 @@ namespace {
 const std::filesystem::path kSources = OMBRELUNE_SOURCE_FOLDER;
 
 // The names that a theme may use, in the order of the table.
-constexpr std::string_view kNames[] = {
-    "#ARCADE", "#BATTLEMAIN_BORDER_BOTTOM", "#BATTLEMAIN_BORDER_LEFT", "#BATTLEMAIN_BORDER_RIGHT",
-    "#BATTLEMAIN_BORDER_TOP", "#BUTTON00", "#BUTTON01", "#BUTTON02", "#BUTTON03", "#BUTTON2_00",
-    "#BUTTON2_01", "#BUTTON2_02", "#BUTTON3_00", "#BUTTON3_01", "#BUTTON3_02", "#CHECKBOX00",
-    "#CHECKBOX02", "#CHECKBOX03", "#CURSOR", "#CURSORHOT", "#CURSORWE", "#DROPLISTBUTTON00",
-    "#DROPLISTBUTTON01", "#DROPLISTBUTTON02", "#GAMEGEAR", "#HEADER0", "#HEADER1", "#HOSTGAME",
-    "#IMAGESET_COMMON", "#IMAGESET_GAMELIST", "#ITEMBG", "#ITEMBGSEL", "#JOINGAME", "#MAINBG",
-    "#MASTERSYSTEM", "#MEGADRIVE", "#NES", "#OPTIONBUTTON00", "#OPTIONBUTTON02", "#PLAYOFFLINE",
-    "#OMBRELUNE_LOGO", "#SCROLL_BG", "#SCROLL_THUMB00", "#SCROLL_VARROW_TOP00",
-    "#SCROLL_VARROW_TOP01", "#SEL_LEFT00", "#SEL_LEFT01", "#SEL_LEFT02", "#TOPBG",
-    "#WINDOW_BORDER_BOTTOM", "#WINDOW_BORDER_LEFT", "#WINDOW_BORDER_RIGHT", "#WINDOW_BORDER_TOP",
-    "#WINDOW_BORDER_TOP2"};
+constexpr std::string_view kNames[] = {"#ARCADE",
+                                       "#BATTLEMAIN_BORDER_BOTTOM",
+                                       "#BATTLEMAIN_BORDER_LEFT",
+                                       "#BATTLEMAIN_BORDER_RIGHT",
+                                       "#BATTLEMAIN_BORDER_TOP",
+                                       "#BUTTON00",
+                                       "#BUTTON01",
+                                       "#BUTTON02",
+                                       "#BUTTON03",
+                                       "#BUTTON2_00",
+                                       "#BUTTON2_01",
+                                       "#BUTTON2_02",
+                                       "#BUTTON3_00",
+                                       "#BUTTON3_01",
+                                       "#BUTTON3_02",
+                                       "#CHECKBOX00",
+                                       "#CHECKBOX02",
+                                       "#CHECKBOX03",
+                                       "#CURSOR",
+                                       "#CURSORHOT",
+                                       "#CURSORWE",
+                                       "#DROPLISTBUTTON00",
+                                       "#DROPLISTBUTTON01",
+                                       "#DROPLISTBUTTON02",
+                                       "#GAMEGEAR",
+                                       "#HEADER0",
+                                       "#HEADER1",
+                                       "#HOSTGAME",
+                                       "#IMAGESET_COMMON",
+                                       "#IMAGESET_GAMELIST",
+                                       "#ITEMBG",
+                                       "#ITEMBGSEL",
+                                       "#JOINGAME",
+                                       "#MAINBG",
+                                       "#MASTERSYSTEM",
+                                       "#MEGADRIVE",
+                                       "#NES",
+                                       "#OPTIONBUTTON00",
+                                       "#OPTIONBUTTON02",
+                                       "#PLAYOFFLINE",
+                                       "#OMBRELUNE_LOGO",
+                                       "#SCROLL_BG",
+                                       "#SCROLL_THUMB00",
+                                       "#SCROLL_VARROW_TOP00",
+                                       "#SCROLL_VARROW_TOP01",
+                                       "#SEL_LEFT00",
+                                       "#SEL_LEFT01",
+                                       "#SEL_LEFT02",
+                                       "#TOPBG",
+                                       "#WINDOW_BORDER_BOTTOM",
+                                       "#WINDOW_BORDER_LEFT",
+                                       "#WINDOW_BORDER_RIGHT",
+                                       "#WINDOW_BORDER_TOP",
+                                       "#WINDOW_BORDER_TOP2"};
 
 // All matches of the first group.
 std::set<std::string> Found(const std::string& text, const std::string& pattern) {
@@ -114,7 +155,8 @@ TEST(Fonts, EveryFaceHasTheLettersThatTitlesNeed) {
         CGhostFont* const font = CGhostFontManager::Get().GetFont(face.name, 18);
         ASSERT_NE(font, nullptr) << face.name;
         for (const wchar_t letter : std::wstring(L"AZaz09ÄÖÜäöüßéèêçñøåœ–—×…’“”")) {
-            EXPECT_GT(font->Advance(letter), 0) << face.name << " lacks " << static_cast<int>(letter);
+            EXPECT_GT(font->Advance(letter), 0)
+                << face.name << " lacks " << static_cast<int>(letter);
         }
     }
 }

@@ -1,9 +1,8 @@
 // Text can be read in every style and state: the contrast of its colour with what it lies on is at least
 // 4.5 to 1, as the guidelines for accessible content on the web ask.
-#include "assets/theme_fixture.h"
-
 #include "gui/bitmap.h"
 
+#include "assets/theme_fixture.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -36,7 +35,8 @@ uint32_t Composited(uint32_t over, uint32_t ground) {
     const double alpha = (over >> 24) / 255.0;
     uint32_t result = 0xFF000000;
     for (const uint32_t shift : {0u, 8u, 16u}) {
-        const double mixed = (over >> shift & 0xFF) * alpha + (ground >> shift & 0xFF) * (1.0 - alpha);
+        const double mixed =
+            (over >> shift & 0xFF) * alpha + (ground >> shift & 0xFF) * (1.0 - alpha);
         result |= static_cast<uint32_t>(mixed + 0.5) << shift;
     }
     return result;
@@ -135,7 +135,9 @@ std::vector<SAMPLE> Samples() {
     for (const CGhostTheme::NAMED& named : LoadedTheme().Names()) {
         const std::string name(named.name.begin(), named.name.end());
         switch (named.kind) {
-        case StyleKind::kTextBox: samples.push_back({name, Record<GhostTextStyle>(named.name)}); break;
+        case StyleKind::kTextBox:
+            samples.push_back({name, Record<GhostTextStyle>(named.name)});
+            break;
         case StyleKind::kButton: Add(samples, name, Record<GhostButtonStyle>(named.name)); break;
         case StyleKind::kEdit: Add(samples, name, Record<GhostEditStyle>(named.name)); break;
         case StyleKind::kList: Add(samples, name, Record<GhostListStyle>(named.name)); break;

@@ -1,7 +1,6 @@
 // Every style that the program asks for is in the built-in theme, with the right kind, and in the
 // document for those who write a theme of their own.
 #include "assets/theme_fixture.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
@@ -25,32 +24,63 @@ Kinds KindsOfTheme() {
 // What the toolkit and the screens ask for by fixed names.
 const std::vector<std::pair<StyleKind, std::vector<std::string>>> kFixed = {
     {StyleKind::kTextBox,
-     {"FOCUS",           "TEXT_LEFT",          "TEXT_RIGHT",
-      "TEXT_CENTER",     "SECTIONTEXT",        "LARGEHEADERTEXT",
-      "WINDOWOVERLAY",   "MESSAGEBOXBG",       "MESSAGEBOX",
-      "MESSAGEBOX_TEXT", "MESSAGEBOX_TITLE",   "TOOLTIP",
-      "TOOLTIP_TEXT",    "PROGRESSBAR",        "PROGRESSBAR_VOLUME",
-      "MASTERSYSTEM",    "GAMEGEAR",           "ARCADE",
-      "MEGADRIVE",       "NES",                "SSHOT",
-      "3DBOX",           "3DBOXBG",            "3DBOX_SSHOTSBG",
-      "OMBRELUNE_LOGO",  "GAMELISTOPTIONS_MENUBG"}},
+     {"FOCUS",
+      "TEXT_LEFT",
+      "TEXT_RIGHT",
+      "TEXT_CENTER",
+      "SECTIONTEXT",
+      "LARGEHEADERTEXT",
+      "WINDOWOVERLAY",
+      "MESSAGEBOXBG",
+      "MESSAGEBOX",
+      "MESSAGEBOX_TEXT",
+      "MESSAGEBOX_TITLE",
+      "TOOLTIP",
+      "TOOLTIP_TEXT",
+      "PROGRESSBAR",
+      "PROGRESSBAR_VOLUME",
+      "MASTERSYSTEM",
+      "GAMEGEAR",
+      "ARCADE",
+      "MEGADRIVE",
+      "NES",
+      "SSHOT",
+      "3DBOX",
+      "3DBOXBG",
+      "3DBOX_SSHOTSBG",
+      "OMBRELUNE_LOGO",
+      "GAMELISTOPTIONS_MENUBG"}                                    },
     {StyleKind::kButton,
      {"BUTTON", "BUTTON2", "BUTTON3", "OPTIONBUTTON", "MESSAGEBOX_BUTTON", "CHECKBOX", "LEFTSEL",
       "RIGHTSEL", "PLAYOFFLINE", "HOSTGAME", "JOINGAME", "WINDOW_TITLE_MIN", "WINDOW_TITLE_MAX",
-      "WINDOW_TITLE_CLOSE"}},
-    {StyleKind::kEdit,      {"EDIT"}},
-    {StyleKind::kList,      {"LIST", "POPUPMENU"}},
+      "WINDOW_TITLE_CLOSE"}                                        },
+    {StyleKind::kEdit,      {"EDIT"}                               },
+    {StyleKind::kList,      {"LIST", "POPUPMENU"}                  },
     {StyleKind::kListView,  {"GAMELIST", "INPUTLIST", "CREDITLIST"}},
-    {StyleKind::kScrollbar, {"WINDOW_SCROLLBAR"}},
-    {StyleKind::kDropList,  {"DROPLIST"}},
+    {StyleKind::kScrollbar, {"WINDOW_SCROLLBAR"}                   },
+    {StyleKind::kDropList,  {"DROPLIST"}                           },
 };
 
 // A window of base name X asks for X_BACKGROUND.
-const std::vector<std::string> kWindowNames = {
-    "TOPAREA",      "OMBRELUNE_LOGO", "BATTLEMAIN",     "GAMEOPTIONS", "GAMELISTOPTIONS",
-    "OPTIONWINDOW", "3DBOX",          "3DBOXBG",        "SSHOT",       "3DBOX_SSHOTSBG",
-    "MESSAGEBOXBG", "MESSAGEBOX",     "MASTERSYSTEM",   "GAMEGEAR",    "ARCADE",
-    "MEGADRIVE",    "NES",            "TOOLTIP",        "GAMELISTOPTIONS_MENUBG"};
+const std::vector<std::string> kWindowNames = {"TOPAREA",
+                                               "OMBRELUNE_LOGO",
+                                               "BATTLEMAIN",
+                                               "GAMEOPTIONS",
+                                               "GAMELISTOPTIONS",
+                                               "OPTIONWINDOW",
+                                               "3DBOX",
+                                               "3DBOXBG",
+                                               "SSHOT",
+                                               "3DBOX_SSHOTSBG",
+                                               "MESSAGEBOXBG",
+                                               "MESSAGEBOX",
+                                               "MASTERSYSTEM",
+                                               "GAMEGEAR",
+                                               "ARCADE",
+                                               "MEGADRIVE",
+                                               "NES",
+                                               "TOOLTIP",
+                                               "GAMELISTOPTIONS_MENUBG"};
 
 // The kind that a control's class asks for; a window's name gets its ending.
 const std::map<std::string, StyleKind> kKindOfClass = {
@@ -81,7 +111,8 @@ struct ASKED {
 std::vector<ASKED> AskedInSource(const std::string& file, const std::string& text) {
     static const std::regex kControl(
         R"(new CGhost(\w+)\(\s*[^,;()]+,\s*[^,;()]+,\s*L"([A-Z0-9_]+)\")");
-    static const std::regex kGallery(R"(\bGallery(Text|Window|Button)\(\s*[^,;()]+,\s*L"([A-Z0-9_]+)\")");
+    static const std::regex kGallery(
+        R"(\bGallery(Text|Window|Button)\(\s*[^,;()]+,\s*L"([A-Z0-9_]+)\")");
     std::vector<ASKED> asked;
     for (const std::regex* const pattern : {&kControl, &kGallery}) {
         for (std::sregex_iterator at(text.begin(), text.end(), *pattern), end; at != end; ++at) {
@@ -122,9 +153,10 @@ TEST(ThemeNames, EveryFixedNameHasItsKind) {
 }
 
 TEST(ThemeNames, ALiteralIsSeenHoweverItIsBroken) {
-    const auto asked = AskedInSource("", "new CGhostButton(window, 0,\n    L\"BUTTON\", L\"QUIT\", 0);"
-                                         "GalleryWindow(root, L\"TOOLTIP\", L\"\");"
-                                         "new CGhostButton(window, 0, style, L\"BACK\", 0);");
+    const auto asked =
+        AskedInSource("", "new CGhostButton(window, 0,\n    L\"BUTTON\", L\"QUIT\", 0);"
+                          "GalleryWindow(root, L\"TOOLTIP\", L\"\");"
+                          "new CGhostButton(window, 0, style, L\"BACK\", 0);");
     ASSERT_EQ(asked.size(), 2u);
     EXPECT_EQ(asked[0].name + " " + asked[0].control, "BUTTON Button");
     EXPECT_EQ(asked[1].name + " " + asked[1].control, "TOOLTIP Window");

@@ -83,9 +83,10 @@ TEST(Surface, BitmapIsCopiedAsItIsAtWholeDensities) {
 }
 
 TEST(FocusRing, IsRoundTwoUnitsThickAndHasALineWithin) {
-    CGhostTheme::Get().ParseTheme("<?xml version=\"1.0\"?><theme><textbox name=\"FOCUS\">"
-                                  "<color name=\"text\" val=\"FFFFB347\"/>"
-                                  "<color name=\"textoutline\" val=\"FF0B0E1F\"/></textbox></theme>");
+    CGhostTheme::Get().ParseTheme(
+        "<?xml version=\"1.0\"?><theme><textbox name=\"FOCUS\">"
+        "<color name=\"text\" val=\"FFFFB347\"/>"
+        "<color name=\"textoutline\" val=\"FF0B0E1F\"/></textbox></theme>");
     for (const int32_t density : {1, 2, 3}) {
         CGhostSurface surface;
         ASSERT_TRUE(surface.Create({0, 0, 40, 20}, density));

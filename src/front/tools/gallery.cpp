@@ -48,7 +48,8 @@ public:
     Gallery& operator=(const Gallery&) = delete;
 
     void Clear() {
-        constexpr int kTicks = 3; // a message box goes with the tick after the one that dismissed it
+        constexpr int kTicks =
+            3; // a message box goes with the tick after the one that dismissed it
         CGhostManager& manager = CGhostManager::Get();
         if (root != nullptr) {
             manager.DestroyWindow(root);
@@ -93,7 +94,8 @@ public:
             for (int32_t x = std::max(0, -left); x < std::min(cursor->pixelWidth, width - left);
                  ++x) {
                 uint32_t& to = pixels[static_cast<size_t>((top + y) * width + left + x)];
-                to = BlendPixel(to, cursor->pixels[static_cast<size_t>(y * cursor->pixelWidth + x)]);
+                to =
+                    BlendPixel(to, cursor->pixels[static_cast<size_t>(y * cursor->pixelWidth + x)]);
             }
         }
     }
@@ -187,9 +189,7 @@ public:
 
 private:
     [[nodiscard]] int32_t PixelWidth() const { return static_cast<int32_t>(window.PixelWidth()); }
-    [[nodiscard]] int32_t PixelHeight() const {
-        return static_cast<int32_t>(window.PixelHeight());
-    }
+    [[nodiscard]] int32_t PixelHeight() const { return static_cast<int32_t>(window.PixelHeight()); }
 
     bool HandleEvents(Gallery& gallery) {
         const PUMP_EVENTS events = pump.Pump();
@@ -223,7 +223,8 @@ private:
         const auto units = [&](int32_t at) {
             return static_cast<int32_t>(std::floor(at / manager.Density()));
         };
-        constexpr std::array<int32_t, 4> kButtons = {0, 1, 3, 2}; // the middle one is the third here
+        constexpr std::array<int32_t, 4> kButtons = {0, 1, 3,
+                                                     2}; // the middle one is the third here
         const int32_t button = input.button < kButtons.size() ? kButtons[input.button] : 0;
         switch (input.kind) {
         case GuiInputKind::kMouseMove:

@@ -24,8 +24,9 @@
 
 namespace {
 
-constexpr std::wstring_view kSentence = L"The quick brown fox jumps over 13 lazy dogs; Ärger, naïve, "
-                                        L"señor, œuvre: 0O 1lI 8B 5S.";
+constexpr std::wstring_view kSentence =
+    L"The quick brown fox jumps over 13 lazy dogs; Ärger, naïve, "
+    L"señor, œuvre: 0O 1lI 8B 5S.";
 constexpr uint32_t kMoon = 0xFFF3EAD3;
 constexpr uint32_t kNight = 0xFF0B0E1F;
 
@@ -38,17 +39,17 @@ constexpr std::array<std::wstring_view, 5> kStateNames = {L"normal", L"hot", L"p
 
 std::span<const GALLERY_PAGE> GalleryPages() {
     static const GALLERY_PAGE pages[] = {
-        {"text",            BuildTextPage   },
-        {"buttons",         BuildButtonsPage},
-        {"fields",          BuildFieldsPage },
-        {"windows",         BuildWindowsPage},
-        {"images",          BuildImagesPage },
-        {"text styles",     BuildStylesPage },
-        {"lists, tables",   BuildRecordsPage},
-        {"the menu",        BuildMenuPage   },
-        {"the browser",     BuildBrowserPage},
-        {"the options",     BuildOptionsPage},
-        {"a message",       BuildMessagePage},
+        {"text",          BuildTextPage   },
+        {"buttons",       BuildButtonsPage},
+        {"fields",        BuildFieldsPage },
+        {"windows",       BuildWindowsPage},
+        {"images",        BuildImagesPage },
+        {"text styles",   BuildStylesPage },
+        {"lists, tables", BuildRecordsPage},
+        {"the menu",      BuildMenuPage   },
+        {"the browser",   BuildBrowserPage},
+        {"the options",   BuildOptionsPage},
+        {"a message",     BuildMessagePage},
     };
     return pages;
 }
@@ -78,13 +79,13 @@ void PaintFonts(CGhostSurface& surface) {
     };
     int32_t y = 0;
     for (const SAMPLE& sample : kSamples) {
-        CGhostFont* const font =
-            sample.font != nullptr ? CGhostFontManager::Get().GetFont(sample.font, sample.size)
-                                   : nullptr;
+        CGhostFont* const font = sample.font != nullptr
+                                     ? CGhostFontManager::Get().GetFont(sample.font, sample.size)
+                                     : nullptr;
         const std::string name = (sample.font != nullptr ? sample.font : "none:") +
                                  std::string(" ") + std::to_string(sample.size);
-        DrawText(surface, nullptr, std::wstring(name.begin(), name.end()), 0xFF8C91B8, 0, kAlignLeft,
-                 {0, y, 140, sample.size + 4}, 0, 0);
+        DrawText(surface, nullptr, std::wstring(name.begin(), name.end()), 0xFF8C91B8, 0,
+                 kAlignLeft, {0, y, 140, sample.size + 4}, 0, 0);
         const std::wstring_view text = sample.size > 20 ? L"Ombrelune, moon and shadow" : kSentence;
         DrawText(surface, font, text, kMoon, 0, kAlignLeft, {150, y, 1100, sample.size + 4}, 0, 0);
         y += sample.size + 10;
@@ -98,8 +99,8 @@ void PaintOutline(CGhostSurface& surface) {
     CGhostFont* const font = CGhostFontManager::Get().GetFont("DefaultBold", 21);
     DrawText(surface, font, L"Main Menu [F10]  Load Game [E]  Turn off Game [Q]", kMoon, kNight, 0,
              {0, 0, surface.Width(), 40}, 0, 0);
-    DrawText(surface, nullptr, L"60.0 frames a second, 4 sessions, 2.1 ms, peak 3.4 ms", kMoon, kNight,
-             0, {0, 40, surface.Width(), 24}, 0, 0);
+    DrawText(surface, nullptr, L"60.0 frames a second, 4 sessions, 2.1 ms, peak 3.4 ms", kMoon,
+             kNight, 0, {0, 40, surface.Width(), 24}, 0, 0);
 }
 
 void PaintAlignment(CGhostSurface& surface) {
@@ -134,16 +135,16 @@ void BuildButtonsPage(GHOSTMANAGER_WINDOW* root) {
         int32_t height;
     };
     constexpr KIND kKinds[] = {
-        {L"BUTTON",            L"PLAY GAMES",  140, 25},
-        {L"MESSAGEBOX_BUTTON", L"Ok",          100, 25},
-        {L"BUTTON2",           L"Main Menu",   150, 28},
-        {L"BUTTON3",           L"REVIEWS",     110, 28},
-        {L"OPTIONBUTTON",      L"Graphics",    130, 28},
-        {L"PLAYOFFLINE",       L"START GAME",  170, 36},
-        {L"HOSTGAME",          L"HOST GAME",   170, 36},
-        {L"JOINGAME",          L"JOIN GAME",   170, 36},
-        {L"LEFTSEL",           L"",            40,  40},
-        {L"RIGHTSEL",          L"",            40,  40},
+        {L"BUTTON",             L"PLAY GAMES", 140, 25},
+        {L"MESSAGEBOX_BUTTON",  L"Ok",         100, 25},
+        {L"BUTTON2",            L"Main Menu",  150, 28},
+        {L"BUTTON3",            L"REVIEWS",    110, 28},
+        {L"OPTIONBUTTON",       L"Graphics",   130, 28},
+        {L"PLAYOFFLINE",        L"START GAME", 170, 36},
+        {L"HOSTGAME",           L"HOST GAME",  170, 36},
+        {L"JOINGAME",           L"JOIN GAME",  170, 36},
+        {L"LEFTSEL",            L"",           40,  40},
+        {L"RIGHTSEL",           L"",           40,  40},
         {L"WINDOW_TITLE_CLOSE", L"\u00D7",     20,  20},
     };
     GalleryTitle(root, L"Buttons");
@@ -162,7 +163,7 @@ void BuildButtonsPage(GHOSTMANAGER_WINDOW* root) {
     GalleryLabel(root, L"Widths", 24, y + 8);
     int32_t x = 220;
     for (const int32_t width : {28, 60, 100, 140, 300, 420}) {
-        const std::wstring_view caption = width > 200   ? L"A caption of some length, in one line"
+        const std::wstring_view caption = width > 200  ? L"A caption of some length, in one line"
                                           : width > 30 ? L"Ok"
                                                        : L"?";
         GalleryButton(root, L"BUTTON", caption, GalleryState::kNormal, {x, y + 4, width, 25});
@@ -223,8 +224,7 @@ void BuildScrollbars(GHOSTMANAGER_WINDOW* root, int32_t y) {
     };
     int32_t x = 220;
     for (const RANGE& range : kRanges) {
-        auto* const bar =
-            new CGhostScrollbar(root, 0, L"WINDOW_SCROLLBAR", {false, x, y, 16, 200});
+        auto* const bar = new CGhostScrollbar(root, 0, L"WINDOW_SCROLLBAR", {false, x, y, 16, 200});
         bar->SetRange(range.total, range.page, range.pos, true);
         x += 48;
     }

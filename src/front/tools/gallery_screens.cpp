@@ -1,7 +1,6 @@
 // The program's screens as they are laid out, made of controls that do nothing: what matters is how the
 // styles look beside each other, in the sizes that they are used in.
 #include "front/tools/gallery_pages.h"
-
 #include "front/tools/gallery_parts.h"
 #include "gui/check_box.h"
 #include "gui/drop_list.h"
@@ -29,8 +28,8 @@ GHOSTMANAGER_WINDOW* Frame(GHOSTMANAGER_WINDOW* root) {
 
 void BuildMenuPage(GHOSTMANAGER_WINDOW* root) {
     GHOSTMANAGER_WINDOW* const area = Frame(root);
-    GalleryText(area, L"SECTIONTEXT", L"The moon has no dark side, only one that is not plugged in.",
-                {300, 0, 680, 25});
+    GalleryText(area, L"SECTIONTEXT",
+                L"The moon has no dark side, only one that is not plugged in.", {300, 0, 680, 25});
     constexpr std::array<const wchar_t*, 5> kMenu = {L"PLAY GAMES", L"BENCHMARK", L"OPTIONS",
                                                      L"CREDITS", L"QUIT"};
     for (size_t i = 0; i < kMenu.size(); ++i) {
@@ -173,6 +172,6 @@ void BuildOptionsPage(GHOSTMANAGER_WINDOW* root) {
         slider->SetValue(row.value);
         y += 36;
     }
-    GalleryText(panel, L"TEXT_CENTER",
-                L"Some of these settings require a restart to become active", {0, 380, 848, 20});
+    GalleryText(panel, L"TEXT_CENTER", L"Some of these settings require a restart to become active",
+                {0, 380, 848, 20});
 }

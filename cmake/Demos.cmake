@@ -166,7 +166,7 @@ function(ombrelune_demo)
     string(MAKE_C_IDENTIFIER ${DEMO_NAME} identifier)
     set(source ${CMAKE_CURRENT_BINARY_DIR}/${DEMO_NAME}.cpp)
     add_custom_command(OUTPUT ${source}
-        COMMAND ${CMAKE_COMMAND} -DIMAGE=${DEMO_ROM} -DSOURCE=${source} -DIDENTIFIER=${identifier}
+        COMMAND ${CMAKE_COMMAND} -DIMAGE=${DEMO_ROM} -DSOURCE=${source} -DSYMBOL=gDemo_${identifier}
             -P ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake
         DEPENDS ${DEMO_ROM} ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake VERBATIM)
     # The target must be in the folder of its rules; the list is built in another folder.

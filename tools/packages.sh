@@ -4,8 +4,8 @@
 build_packages=(
     g++ cmake ninja-build pkg-config ccache sdcc cc65 binutils-m68k-linux-gnu
     libcli11-dev libgl1-mesa-dev libgl1-mesa-dri libglu1-mesa-dev libopenal-dev libpng-dev
-    liblzma-dev libpugixml-dev libsamplerate0-dev libsdl2-dev libssl-dev libutfcpp-dev libzip-dev
-    zlib1g-dev
+    liblzma-dev libpugixml-dev libsamplerate0-dev libsdl2-dev libssl-dev libutfcpp-dev libzip-dev libfreetype-dev libboost-dev libstb-dev
+    zlib1g-dev librsvg2-bin fonts-inter fonts-jetbrains-mono
 )
 
 # Also to build and run the tests, benchmarks and fuzz entry points.

@@ -9,6 +9,9 @@
 
 // The order in which locks nest, outermost first.
 enum class LockRank : int {
+    kGuiApi = 1,       // the toolkit's round; recursive
+    kGuiTree = 2,      // the tree of windows; recursive
+    kGuiQueue = 3,     // calls that wait for the toolkit's tick; recursive
     kSessionKey = 5,   // starting and stopping sessions on one key
     kSessionList = 10, // the list of sessions; recursive
     kSession = 20,     // one session's machine

@@ -131,6 +131,15 @@ int Run(int argc, const char* const* argv) {
     CLI::App* infoApp = app.add_subcommand("info", "Show what a ROM, zip or .game holds");
     infoApp->add_option("PATH", infoPaths, "Files")->required();
 
+    GALLERY_OPTIONS gallery;
+    CLI::App* galleryApp =
+        app.add_subcommand("gallery", "How the program's controls look, to check a theme");
+    galleryApp->add_option("--density", gallery.density, "Pixels to a unit")
+        ->check(CLI::Range(0.5, 4.0));
+    galleryApp->add_option("--page", gallery.page, "One page, from 1")->type_name("N");
+    galleryApp->add_option("--screenshot", gallery.screenshot, "Write the pages, open no window")
+        ->type_name("FILE.png");
+
     CLI::App* actionsApp = app.add_subcommand("actions", "List every action with its bindings");
 
     try {
@@ -150,6 +159,9 @@ int Run(int argc, const char* const* argv) {
     }
     if (*infoApp) {
         return InfoCommand(infoPaths);
+    }
+    if (*galleryApp) {
+        return GalleryCommand(gallery);
     }
     if (*actionsApp) {
         return ActionsCommand();

@@ -38,3 +38,12 @@ struct BENCH_OPTIONS {
     std::string jsonFile;
 };
 int BenchCommand(const BENCH_OPTIONS& options);
+
+// Shows every control and style of the toolkit, page by page, in a window (F7 and F8 turn the page, Esc
+// ends) or as PNG files.
+struct GALLERY_OPTIONS {
+    double density = 1.0;             // pixels to a unit
+    size_t page = 0;                  // from 1; 0: the first, or with a screenshot all
+    std::filesystem::path screenshot; // without a page each gets its number behind the name
+};
+int GalleryCommand(const GALLERY_OPTIONS& options);

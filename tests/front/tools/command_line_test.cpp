@@ -54,6 +54,48 @@ TEST(CommandLine, WrongUsageIsExitCodeTwo) {
     EXPECT_EQ(Ombrelune({"play", "x.sms", "--machine", "toaster"}, home).exitCode, 2);
 }
 
+// A PNG begins with eight fixed bytes and a header with its width and height, most significant byte first.
+TEST(CommandLine, GalleryWritesAPageOfTheSizeAskedFor) {
+    const TemporaryFolder home;
+    const auto file = home.Path() / "page.png";
+    const PROGRAM_RESULT result = Ombrelune(
+        {"gallery", "--page", "2", "--density", "1.5", "--screenshot", file.string()}, home);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    std::vector<uint8_t> bytes;
+    std::string error;
+    ASSERT_TRUE(ReadFile(file, bytes, error)) << error;
+    ASSERT_GT(bytes.size(), 24u);
+    const std::vector<uint8_t> size(bytes.begin() + 16, bytes.begin() + 24);
+    EXPECT_EQ(size, (std::vector<uint8_t>{0, 0, 0x07, 0x80, 0, 0, 0x04, 0x38})); // 1920 by 1080
+    EXPECT_EQ(Ombrelune({"gallery", "--page", "99"}, home).exitCode, 2);
+}
+
+// The built-in theme itself in the home folder changes nothing; another one does.
+TEST(CommandLine, GalleryUsesTheThemeInTheHomeFolder) {
+    const TemporaryFolder home;
+    const auto page = [&](const std::string& name) {
+        const auto file = home.Path() / name;
+        const PROGRAM_RESULT result =
+            Ombrelune({"gallery", "--page", "2", "--screenshot", file.string()}, home);
+        EXPECT_EQ(result.exitCode, 0) << result.error;
+        std::vector<uint8_t> bytes;
+        std::string error;
+        EXPECT_TRUE(ReadFile(file, bytes, error)) << error;
+        return bytes;
+    };
+    const auto builtIn = page("built-in.png");
+    std::vector<uint8_t> theme;
+    std::string error;
+    ASSERT_TRUE(ReadFile(OMBRELUNE_SOURCE_FOLDER "/assets/theme.xml", theme, error)) << error;
+    ASSERT_TRUE(WriteFile(home.Path() / "theme.xml", theme, error)) << error;
+    EXPECT_EQ(page("same.png"), builtIn);
+    const std::string text = "<?xml version=\"1.0\"?><theme></theme>";
+    ASSERT_TRUE(WriteFile(home.Path() / "theme.xml",
+                          {reinterpret_cast<const uint8_t*>(text.data()), text.size()}, error))
+        << error;
+    EXPECT_NE(page("other.png"), builtIn);
+}
+
 TEST(CommandLine, ActionsListsEveryActionWithItsKeys) {
     const TemporaryFolder home;
     const PROGRAM_RESULT result = Ombrelune({"actions"}, home);

@@ -1,0 +1,21 @@
+// How the program looks: what assets/ holds, embedded by the build. The toolkit itself knows none of it.
+#pragma once
+
+#include "gui/bitmap.h"
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+// The 54 images that a theme may name, as PNG of kImagePixelsPerUnit pixels to a unit.
+[[nodiscard]] std::span<const GUI_IMAGE_ROW> BuiltInImages();
+
+struct FONT_ASSET {
+    std::string_view name;
+    std::span<const uint8_t> data;
+};
+// `Default`, `DefaultBold`, `DefaultMono` and `DefaultMonoBold`.
+[[nodiscard]] std::span<const FONT_ASSET> BuiltInFonts();
+
+// The text of theme.xml.
+[[nodiscard]] std::string_view BuiltInTheme();

@@ -1,0 +1,299 @@
+// The gallery: what every control and style looks like, in a window or as PNG files.
+#include "base/files.h"
+#include "display/gl.h"
+#include "display/texture.h"
+#include "front/appearance.h"
+#include "front/event_pump.h"
+#include "front/joysticks.h"
+#include "front/tools/commands.h"
+#include "front/tools/gallery_pages.h"
+#include "front/tools/gallery_parts.h"
+#include "front/tools/media_files.h"
+#include "front/window.h"
+#include "gui/bitmap.h"
+#include "gui/blend.h"
+#include "gui/manager.h"
+
+#include <SDL.h>
+#include <SDL_opengl.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+constexpr int32_t kWidth = 1280;
+constexpr int32_t kHeight = 720;
+constexpr uint32_t kRound = 16667; // microseconds
+
+// The pages on one screen of pixels.
+class Gallery {
+public:
+    Gallery(int32_t pixelWidth, int32_t pixelHeight) { Resize(pixelWidth, pixelHeight); }
+
+    void Resize(int32_t pixelWidth, int32_t pixelHeight) {
+        width = pixelWidth;
+        height = pixelHeight;
+        pixels.assign(static_cast<size_t>(width) * static_cast<size_t>(height), 0);
+        CGhostManager& manager = CGhostManager::Get();
+        manager.SetScreen(width, height);
+        manager.SetCompositeBuffer(pixels.data(), width, height, width);
+    }
+
+    // No window is left when the process ends what the controls refer to.
+    ~Gallery() { Clear(); }
+    Gallery(const Gallery&) = delete;
+    Gallery& operator=(const Gallery&) = delete;
+
+    void Clear() {
+        constexpr int kTicks =
+            3; // a message box goes with the tick after the one that dismissed it
+        CGhostManager& manager = CGhostManager::Get();
+        if (root != nullptr) {
+            manager.DestroyWindow(root);
+            root = nullptr;
+        }
+        for (int i = 0; i < kTicks; ++i) {
+            manager.Tick(0);
+        }
+    }
+
+    // From 0; the page before goes.
+    void Show(size_t page) {
+        Clear();
+        CGhostManager& manager = CGhostManager::Get();
+        const GUI_RECT screen = manager.ScreenRect();
+        root = GalleryWindow(nullptr, L"FLAT", L"", 0, screen);
+        GalleryPages()[page].build(root);
+    }
+
+    void Draw(uint32_t microseconds) {
+        CGhostManager& manager = CGhostManager::Get();
+        manager.Tick(microseconds);
+        manager.CompositeAll();
+    }
+
+    // The cursor of the moment over the pages, its middle at the mouse.
+    void DrawCursor() {
+        constexpr std::array<const char*, 3> kNames = {"#CURSOR", "#CURSORHOT", "#CURSORWE"};
+        constexpr int32_t kHotSpot = 32; // units from the image's corner
+        CGhostManager& manager = CGhostManager::Get();
+        const size_t index = std::min<size_t>(manager.CursorIndex(), kNames.size() - 1);
+        if (cursors[index] == nullptr) {
+            cursors[index] = LoadThemeBitmap(kNames[index]);
+        }
+        const GUI_BITMAP* const cursor = cursors[index];
+        if (cursor == nullptr) {
+            return;
+        }
+        const int32_t left = PixelEdge(manager.CursorX() - kHotSpot, manager.Density());
+        const int32_t top = PixelEdge(manager.CursorY() - kHotSpot, manager.Density());
+        for (int32_t y = std::max(0, -top); y < std::min(cursor->pixelHeight, height - top); ++y) {
+            for (int32_t x = std::max(0, -left); x < std::min(cursor->pixelWidth, width - left);
+                 ++x) {
+                uint32_t& to = pixels[static_cast<size_t>((top + y) * width + left + x)];
+                to =
+                    BlendPixel(to, cursor->pixels[static_cast<size_t>(y * cursor->pixelWidth + x)]);
+            }
+        }
+    }
+
+    [[nodiscard]] const std::vector<uint32_t>& Pixels() const { return pixels; }
+    [[nodiscard]] int32_t Width() const { return width; }
+    [[nodiscard]] int32_t Height() const { return height; }
+
+    [[nodiscard]] std::vector<uint8_t> Png() {
+        EMU_VIDEO_FRAME frame{};
+        frame.pixels = pixels.data();
+        frame.width = frame.visibleWidth = static_cast<uint32_t>(width);
+        frame.height = frame.visibleHeight = static_cast<uint32_t>(height);
+        return PngOfFrame(frame);
+    }
+
+private:
+    int32_t width = 0;
+    int32_t height = 0;
+    std::vector<uint32_t> pixels;
+    std::array<const GUI_BITMAP*, 3> cursors{};
+    GHOSTMANAGER_WINDOW* root = nullptr;
+};
+
+// "pages.png" becomes "pages-03.png".
+std::filesystem::path PageFile(const std::filesystem::path& file, size_t page) {
+    std::string number = std::to_string(page + 1);
+    number.insert(0, number.size() < 2 ? 1 : 0, '0');
+    std::filesystem::path path = file;
+    path.replace_filename(file.stem().string() + "-" + number + file.extension().string());
+    return path;
+}
+
+int WritePages(const GALLERY_OPTIONS& options) {
+    const auto pixelsOf = [&](int32_t units) {
+        return static_cast<int32_t>(std::lround(units * options.density));
+    };
+    Gallery gallery(pixelsOf(kWidth), pixelsOf(kHeight));
+    for (size_t page = 0; page < GalleryPages().size(); ++page) {
+        if (options.page != 0 && options.page != page + 1) {
+            continue;
+        }
+        gallery.Show(page);
+        gallery.Draw(kRound);
+        std::string error;
+        const auto file =
+            options.page != 0 ? options.screenshot : PageFile(options.screenshot, page);
+        if (!WriteFile(file, gallery.Png(), error)) {
+            Complain(error);
+            return kExitFailed;
+        }
+    }
+    return kExitDone;
+}
+
+// ---- In a window.
+
+class GalleryRun {
+public:
+    explicit GalleryRun(const GALLERY_OPTIONS& options)
+        : page(options.page > 0 ? options.page - 1 : 0) {}
+
+    int Run(double density) {
+        std::vector<std::string> words;
+        std::string error;
+        WINDOW_OPTIONS wanted;
+        wanted.width = static_cast<int32_t>(std::lround(kWidth * density));
+        wanted.height = static_cast<int32_t>(std::lround(kHeight * density));
+        if (SDL_Init(SDL_INIT_VIDEO) != 0 ||
+            !window.Open(wanted, "Ombrelune: gallery", words, error) || !GlStart(error)) {
+            Complain(error.empty() ? SDL_GetError() : error);
+            SDL_Quit();
+            return kExitFailed;
+        }
+        SDL_ShowCursor(SDL_DISABLE);
+        Gallery gallery(PixelWidth(), PixelHeight());
+        gallery.Show(page);
+        bool open = true;
+        while (open) {
+            window.TellSize(pump);
+            open = HandleEvents(gallery);
+            gallery.Draw(kRound);
+            gallery.DrawCursor();
+            ShowPixels(gallery);
+        }
+        DestroyTexture(texture);
+        window.Close();
+        SDL_Quit();
+        return kExitDone;
+    }
+
+private:
+    [[nodiscard]] int32_t PixelWidth() const { return static_cast<int32_t>(window.PixelWidth()); }
+    [[nodiscard]] int32_t PixelHeight() const { return static_cast<int32_t>(window.PixelHeight()); }
+
+    bool HandleEvents(Gallery& gallery) {
+        const PUMP_EVENTS events = pump.Pump();
+        if (PixelWidth() != gallery.Width() || PixelHeight() != gallery.Height()) {
+            gallery.Resize(PixelWidth(), PixelHeight());
+            gallery.Show(page);
+        }
+        for (const GUI_INPUT& input : events.gui) {
+            if (input.kind == GuiInputKind::kKeyDown && !input.repeat) {
+                if (input.key == SDL_SCANCODE_ESCAPE) {
+                    return false;
+                }
+                Turn(gallery, input.key);
+            }
+            Post(input);
+        }
+        return !events.quit;
+    }
+
+    void Turn(Gallery& gallery, uint32_t key) {
+        const size_t count = GalleryPages().size();
+        if (key == SDL_SCANCODE_F7 || key == SDL_SCANCODE_F8) {
+            page = (page + (key == SDL_SCANCODE_F8 ? 1 : count - 1)) % count;
+            gallery.Show(page);
+        }
+    }
+
+    static void Post(const GUI_INPUT& input) {
+        CGhostManager& manager = CGhostManager::Get();
+        GUI_INPUT_RECORD record;
+        const auto units = [&](int32_t at) {
+            return static_cast<int32_t>(std::floor(at / manager.Density()));
+        };
+        constexpr std::array<int32_t, 4> kButtons = {0, 1, 3,
+                                                     2}; // the middle one is the third here
+        const int32_t button = input.button < kButtons.size() ? kButtons[input.button] : 0;
+        switch (input.kind) {
+        case GuiInputKind::kMouseMove:
+            record.moved = true;
+            record.dx = units(input.x) - manager.CursorX();
+            record.dy = units(input.y) - manager.CursorY();
+            break;
+        case GuiInputKind::kMouseDown: record.buttonDown = button != 0; break;
+        case GuiInputKind::kMouseUp: record.buttonUp = button != 0; break;
+        case GuiInputKind::kWheel: record.wheel = true; break;
+        case GuiInputKind::kKeyDown: record.keyDown = true; break;
+        case GuiInputKind::kKeyUp: record.keyUp = true; break;
+        case GuiInputKind::kText: record.character = static_cast<int32_t>(input.character); break;
+        }
+        record.button = input.kind == GuiInputKind::kWheel ? (input.wheel < 0 ? 1 : 0) : button;
+        record.key = static_cast<int32_t>(input.key);
+        manager.PostInput(record, SDL_GetTicks64());
+    }
+
+    void ShowPixels(const Gallery& gallery) {
+        const auto width = static_cast<uint32_t>(gallery.Width());
+        const auto height = static_cast<uint32_t>(gallery.Height());
+        if (texture.width != width || texture.height != height) {
+            texture.width = width;
+            texture.height = height;
+            if (!CreateTexture(texture, false)) {
+                return;
+            }
+            SetTextureFilter(TextureFilter::kNearest);
+        }
+        UploadTexture(texture, gallery.Pixels().data(), width, height, width);
+        Ortho2D(width, height);
+        DrawQuad({0, 0, gallery.Width(), gallery.Height()},
+                 static_cast<float>(width) / static_cast<float>(texture.texWidth),
+                 static_cast<float>(height) / static_cast<float>(texture.texHeight));
+        window.Swap();
+    }
+
+    static void DrawQuad(const GUI_RECT& at, float right, float bottom) {
+        glEnable(GL_TEXTURE_2D);
+        glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+        glBegin(GL_QUADS);
+        glTexCoord2f(0.0f, 0.0f);
+        glVertex2i(at.x, at.y);
+        glTexCoord2f(right, 0.0f);
+        glVertex2i(at.Right(), at.y);
+        glTexCoord2f(right, bottom);
+        glVertex2i(at.Right(), at.Bottom());
+        glTexCoord2f(0.0f, bottom);
+        glVertex2i(at.x, at.Bottom());
+        glEnd();
+    }
+
+    Window window;
+    Joysticks joysticks;
+    EventPump pump{joysticks};
+    TEXTURE_RECORD texture{};
+    size_t page;
+};
+
+} // namespace
+
+int GalleryCommand(const GALLERY_OPTIONS& options) {
+    if (options.page > GalleryPages().size()) {
+        Complain("--page " + std::to_string(options.page) + ": there are " +
+                 std::to_string(GalleryPages().size()));
+        return kExitUsage;
+    }
+    LoadAppearance();
+    return options.screenshot.empty() ? GalleryRun(options).Run(options.density)
+                                      : WritePages(options);
+}

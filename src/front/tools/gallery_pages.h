@@ -1,0 +1,29 @@
+// The pages of the gallery: every control in every state, every style, every image.
+//
+// A page makes its controls below `root`, which fills the virtual screen of 1280 by 720; they go with
+// the root. Thread: main.
+#pragma once
+
+#include <span>
+
+struct GHOSTMANAGER_WINDOW;
+
+struct GALLERY_PAGE {
+    const char* name; // for people
+    void (*build)(GHOSTMANAGER_WINDOW* root);
+};
+
+[[nodiscard]] std::span<const GALLERY_PAGE> GalleryPages();
+
+// The single pages; those that show the program's screens, in their sizes, lie in gallery_screens.cpp.
+void BuildTextPage(GHOSTMANAGER_WINDOW* root);
+void BuildButtonsPage(GHOSTMANAGER_WINDOW* root);
+void BuildFieldsPage(GHOSTMANAGER_WINDOW* root);
+void BuildWindowsPage(GHOSTMANAGER_WINDOW* root);
+void BuildImagesPage(GHOSTMANAGER_WINDOW* root);
+void BuildStylesPage(GHOSTMANAGER_WINDOW* root);
+void BuildRecordsPage(GHOSTMANAGER_WINDOW* root);
+void BuildMenuPage(GHOSTMANAGER_WINDOW* root);
+void BuildBrowserPage(GHOSTMANAGER_WINDOW* root);
+void BuildOptionsPage(GHOSTMANAGER_WINDOW* root);
+void BuildMessagePage(GHOSTMANAGER_WINDOW* root);

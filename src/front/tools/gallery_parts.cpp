@@ -1,0 +1,89 @@
+#include "front/tools/gallery_parts.h"
+
+#include "gui/bitmap.h"
+#include "gui/button.h"
+#include "gui/drop_list.h"
+#include "gui/surface.h"
+#include "gui/text.h"
+#include "gui/text_box.h"
+#include "gui/theme.h"
+#include "gui/window_ex.h"
+
+namespace {
+
+GUI_PLACE PlaceOf(const GUI_RECT& rect) {
+    return {false, rect.x, rect.y, rect.width, rect.height};
+}
+
+} // namespace
+
+GalleryCanvas::GalleryCanvas(GHOSTMANAGER_WINDOW* parent, const GUI_RECT& place, Paint painter)
+    : paint(std::move(painter)) {
+    window = MakeControlWindow(parent, 0, this, PlaceOf(place));
+    PlaceControl(window, PlaceOf(place));
+}
+
+void GalleryCanvas::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
+    paint(*surface);
+}
+
+void GalleryText(GHOSTMANAGER_WINDOW* parent, const std::wstring& style, std::wstring_view text,
+                 const GUI_RECT& place) {
+    new CGhostTextBox(parent, 0, style, std::wstring(text), PlaceOf(place));
+}
+
+void GalleryLabel(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, int32_t x, int32_t y,
+                  int32_t width) {
+    GalleryText(parent, L"TOOLTIP_TEXT", text, {x, y, width, 16});
+}
+
+void GalleryTitle(GHOSTMANAGER_WINDOW* parent, std::wstring_view text) {
+    GalleryText(parent, L"TEXT_TITLE", text, {24, 16, 1000, 28});
+}
+
+GHOSTMANAGER_WINDOW* GalleryWindow(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,
+                                   std::wstring_view caption, uint32_t flags,
+                                   const GUI_RECT& place) {
+    auto* const made =
+        new CGhostWindowEx(parent, 0, style, std::wstring(caption), flags, PlaceOf(place));
+    return made->window;
+}
+
+CGhostButton* GalleryButton(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,
+                            std::wstring_view caption, GalleryState state, const GUI_RECT& place) {
+    auto* const button =
+        new CGhostButton(parent, 0, style, std::wstring(caption), 0, PlaceOf(place));
+    switch (state) {
+    case GalleryState::kHot: button->OnMouseMove(1, 1); break;
+    case GalleryState::kPressed: button->SetDown(true); break;
+    case GalleryState::kDisabled: button->SetEnabled(false); break;
+    case GalleryState::kFocused: button->OnFocus(true, nullptr); break;
+    case GalleryState::kNormal: break;
+    }
+    return button;
+}
+
+CGhostDropList* GalleryDropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view text,
+                                const GUI_RECT& place) {
+    constexpr int32_t kMostHeight = 240;
+    auto* const list = new CGhostDropList(parent, 0, L"DROPLIST", L"", kMostHeight, PlaceOf(place));
+    list->AddItem(std::wstring(text));
+    for (const wchar_t* const more : {L"Another choice", L"A third", L"The last of them"}) {
+        list->AddItem(more);
+    }
+    list->SetSelected(0, false);
+    return list;
+}
+
+void GalleryRow(CGhostSurface& surface, const GhostTextStyle& style, std::wstring_view text,
+                const GUI_RECT& place) {
+    PaintText(surface, style, text, place);
+}
+
+void GalleryIcon(CGhostSurface& surface, const GhostTexture& strip, int32_t index, int32_t x,
+                 int32_t y) {
+    if (strip.bitmap != nullptr) {
+        const int32_t side = strip.bitmap->height;
+        surface.Blit(*strip.bitmap, {x, y, side, side}, index * side, 0);
+    }
+}

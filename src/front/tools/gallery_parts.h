@@ -1,0 +1,57 @@
+// What the pages of the gallery are made of: labels, controls in a given state, painted samples.
+#pragma once
+
+#include "gui/control.h"
+#include "gui/styles.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+class CGhostButton;
+class CGhostCheckBox;
+
+// A window of a page's own painting. It goes with its parent.
+class GalleryCanvas : public CGhostGUIHandler, public CGhostGUICommonFunc {
+public:
+    using Paint = std::function<void(CGhostSurface&)>;
+    GalleryCanvas(GHOSTMANAGER_WINDOW* parent, const GUI_RECT& place, Paint painter);
+
+    void Destroy() override { delete this; }
+    void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
+
+protected:
+    ~GalleryCanvas() override = default;
+
+private:
+    Paint paint;
+};
+
+// Text in a style of the theme.
+void GalleryText(GHOSTMANAGER_WINDOW* parent, const std::wstring& style, std::wstring_view text,
+                 const GUI_RECT& place);
+// A small line that says what is below it.
+void GalleryLabel(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, int32_t x, int32_t y,
+                  int32_t width = 300);
+// The page's title, at its top.
+void GalleryTitle(GHOSTMANAGER_WINDOW* parent, std::wstring_view text);
+// A window of a style; its client area is the parent of what lies in it.
+GHOSTMANAGER_WINDOW* GalleryWindow(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,
+                                   std::wstring_view caption, uint32_t flags,
+                                   const GUI_RECT& place);
+
+enum class GalleryState { kNormal, kHot, kPressed, kDisabled, kFocused };
+CGhostButton* GalleryButton(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,
+                            std::wstring_view caption, GalleryState state, const GUI_RECT& place);
+
+// A drop list with one entry chosen.
+class CGhostDropList;
+CGhostDropList* GalleryDropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view text,
+                                const GUI_RECT& place);
+
+// Paints a row of a list or table, a cell of it, as the control would.
+void GalleryRow(CGhostSurface& surface, const GhostTextStyle& style, std::wstring_view text,
+                const GUI_RECT& place);
+// One picture of a strip of square ones.
+void GalleryIcon(CGhostSurface& surface, const GhostTexture& strip, int32_t index, int32_t x,
+                 int32_t y);

@@ -1,0 +1,48 @@
+// GUI_BITMAP: an image of the theme. It has a size in units and, for dense screens, more pixels than
+// units.
+//
+// Owner: whoever loaded it; the store keeps the theme's until the program ends.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+struct GUI_BITMAP {
+    int32_t width = 0; // in units
+    int32_t height = 0;
+    double density = 1.0; // pixels to a unit
+    int32_t pixelWidth = 0;
+    int32_t pixelHeight = 0;
+    std::vector<uint32_t> pixels; // ARGB, rows of pixelWidth
+};
+
+// Decodes a PNG into ARGB pixels. False, and both sizes 0, for anything else.
+[[nodiscard]] bool LoadEmbeddedImage(std::span<const uint8_t> png, std::vector<uint32_t>& pixels,
+                                     uint32_t& width, uint32_t& height);
+
+// The images that a theme may name. A PNG has kImagePixelsPerUnit pixels to a unit each way, enough for
+// the densest display, and is reduced to the display's density when it is loaded.
+inline constexpr int32_t kImagePixelsPerUnit = 4;
+
+struct GUI_IMAGE_ROW {
+    std::string_view name; // with its "#"
+    std::span<const uint8_t> png;
+};
+
+// The table that LoadThemeBitmap looks names up in; the rows must stay.
+void SetThemeImages(std::span<const GUI_IMAGE_ROW> rows);
+
+// Decodes the image of that name, compared whole. Each call makes a bitmap of its own, which stays
+// until the program ends. Null for a name that is not in the table or an image that is damaged.
+[[nodiscard]] const GUI_BITMAP* LoadThemeBitmap(std::string_view name);
+
+// Reduces every bitmap that has been loaded to another density, in place.
+void RefitThemeBitmaps(double density);
+
+// The pixels reduced to another size by the mean of the area that each new pixel covers, weighted by
+// alpha.
+[[nodiscard]] std::vector<uint32_t> ReducePixels(std::span<const uint32_t> pixels, int32_t width,
+                                                 int32_t height, int32_t newWidth,
+                                                 int32_t newHeight);

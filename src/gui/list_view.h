@@ -1,0 +1,164 @@
+// CGhostListView: a table with headings. One row may be selected.
+//
+// Only the rows that are seen are painted, so a table of tens of thousands is as quick as a short one.
+// Headings: dragging their edges changes a column's width, clicking one fires OnHeader and, if the owner
+//   has made the column sortable, sorts by it, the second time the other way round.
+// Keys and a controller: as in CGhostList. Images: see list_rows.h.
+// Cells: those with a colourSet other than 0 have the item2 styles.
+#pragma once
+
+#include "gui/control.h"
+#include "gui/list_rows.h"
+#include "gui/styles.h"
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+class CGhostButton;
+class CGhostEdit;
+class CGhostWindowEx;
+
+struct GHOSTLISTVIEW_ITEM {
+    static constexpr uint32_t kSelected = 1;
+    std::wstring text;
+    int32_t image = -1; // index in the image list, -1: none
+    uint32_t flags = 0;
+    uint8_t colourSet = 0;
+    int32_t indent = 0; // widths of an image
+    uint64_t value = 0; // the owner's
+};
+
+class CGhostListView : public CGhostGUIHandlerEx {
+public:
+    static constexpr uint32_t kNoSelection = 1;
+    static constexpr uint32_t kReportsAgain = 2; // selecting the selected row is reported
+    static constexpr uint32_t kFixedColumns = 8; // their edges cannot be dragged
+
+    // True when the first comes before the second.
+    using Before = std::function<bool(const GHOSTLISTVIEW_ITEM&, const GHOSTLISTVIEW_ITEM&)>;
+
+    CGhostListView(GHOSTMANAGER_WINDOW* parent, uint32_t creationId, const std::wstring& style,
+                   uint32_t viewFlags, const GUI_PLACE& place);
+
+    // ---- Columns. Adding one clears the rows. `align`: bits of styles.h, 0 takes the style's.
+    int32_t AddColumn(const std::wstring& caption, int32_t columnWidth, uint32_t align = 0);
+    void SetColumnWidth(int32_t column, int32_t wanted);
+    [[nodiscard]] int32_t ColumnWidth(int32_t column) const; // 0 outside
+    [[nodiscard]] int32_t ColumnCount() const { return static_cast<int32_t>(columns.size()); }
+    // Without `before` by the text, without regard to capitals.
+    void SetSortable(int32_t column, Before before = {});
+    void SortBy(int32_t column, bool descending);
+    [[nodiscard]] int32_t SortColumn() const { return sortColumn; } // -1: none
+    [[nodiscard]] bool SortDescending() const { return sortDescending; }
+
+    // ---- Rows.
+    int32_t AddRow(); // its index; the cells are empty
+    void RemoveRow(int32_t row);
+    void Clear();
+    void Reserve(int32_t rows);
+    [[nodiscard]] int32_t RowCount() const { return rowCount; }
+    [[nodiscard]] GHOSTLISTVIEW_ITEM* Cell(int32_t row, int32_t column); // null outside
+    void SetCell(int32_t row, int32_t column, const std::wstring& text, int32_t image = -1);
+    void Refresh() { dirty = true; } // after cells were changed in place
+
+    // -1 or a row outside: none. Moves the flag of the cells along.
+    void SetSelected(int32_t row, bool notify = true);
+    [[nodiscard]] int32_t Selected() const { return selected; }
+    [[nodiscard]] int32_t HotRow() const { return hotRow; }
+    void EnsureVisible(int32_t row);
+    void ScrollTo(int32_t pixels);
+    [[nodiscard]] int32_t ScrollPixels() const { return scrollPixels; }
+    [[nodiscard]] int32_t RowHeight() const { return rowHeight; }
+    [[nodiscard]] int32_t HeaderHeight() const { return style.headerHeight; }
+    // What is seen of a cell, within the client area.
+    [[nodiscard]] GUI_RECT CellPlace(int32_t row, int32_t column) const;
+    // An edit over a cell, until return, escape or the loss of the focus.
+    void BeginEdit(int32_t row, int32_t column);
+    [[nodiscard]] CGhostEdit* Editor() const { return editor; }
+    void SetStyle(const std::wstring& name);
+
+    // (button, row, column, cell)
+    GuiSignal<void(CGhostListView*, unsigned, int, int, GHOSTLISTVIEW_ITEM*)> OnClick;
+    GuiSignal<void(CGhostListView*, int, GHOSTLISTVIEW_ITEM*)> OnSelect; // the row's first cell
+    // Beyond selection: return or a double click on a row; escape; a heading; an edited cell.
+    GuiSignal<void(CGhostListView*, int, GHOSTLISTVIEW_ITEM*)> OnChoose;
+    GuiSignal<void(CGhostListView*)> OnCancel;
+    GuiSignal<void(CGhostListView*, int)> OnHeader;
+    GuiSignal<void(CGhostListView*, int, int, const std::wstring&)> OnEdited;
+
+    void Destroy() override { delete this; }
+    void OnFocus(bool gained, void* other) override;
+    void OnResize(int outerWidth, int outerHeight, int clientWidth, int clientHeight) override;
+    void OnMouseMove(int x, int y) override;
+    void OnMouseLeave() override;
+    void OnMouseDoubleClick(int x, int y, unsigned button) override;
+    void OnMouseDown(int x, int y, unsigned button) override;
+    void OnKeyDown(GHOSTGUIKey key) override;
+    void OnChar(unsigned character) override;
+    void OnTick(unsigned microseconds) override;
+    bool OnNavigate(GUI_DIRECTION direction) override;
+    bool OnActivateKey() override;
+    bool OnCancelKey() override;
+    void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
+
+protected:
+    ~CGhostListView() override = default;
+
+private:
+    struct COLUMN {
+        std::wstring caption;
+        int32_t width = 0;
+        uint32_t align = 0;
+        bool sortable = false;
+        Before before;
+        CGhostButton* heading = nullptr;
+    };
+
+    [[nodiscard]] int32_t ColumnX(int32_t column) const;
+    [[nodiscard]] int32_t ColumnAt(int x) const; // -1 beside all
+    [[nodiscard]] int32_t RowUnder(int y) const; // -1 outside of all
+    [[nodiscard]] int32_t Page() const { return std::max(0, height - style.headerHeight); }
+    [[nodiscard]] int32_t ContentHeight() const { return rowHeight * rowCount; }
+    [[nodiscard]] const GhostTextStyle& CellStyle(const GHOSTLISTVIEW_ITEM& cell,
+                                                  int32_t row) const;
+    void FlagRow(int32_t row, bool on);
+    void UpdateScroll();
+    void UpdateHot();
+    void MoveSelection(int32_t wanted);
+    bool StepSelection(int32_t step);
+    void Choose();
+    void MakeHeading(int32_t column);
+    void PlaceHeadings();
+    void HeadingState(int32_t column, int x, bool pressed, bool released);
+    void HeadingClicked(int32_t column);
+    void EndEdit(bool keep);
+    void PaintRow(CGhostSurface& surface, int32_t row, int32_t y);
+    void PaintCell(CGhostSurface& surface, int32_t row, int32_t column, const GUI_RECT& place);
+
+    CGhostWindowEx* frame = nullptr; // whose chain this is the second of
+    GhostListViewStyle style;
+    uint32_t flags;
+    std::vector<COLUMN> columns;
+    std::vector<GHOSTLISTVIEW_ITEM> cells; // row by row
+    int32_t rowCount = 0;
+    int32_t rowHeight = 1;
+    int32_t width = 0; // of the client area
+    int32_t height = 0;
+    int32_t scrollPixels = 0;
+    int32_t selected = -1;
+    int32_t hotRow = -1;
+    bool hovered = false;
+    bool focused = false;
+    int32_t mouseY = 0;
+    int32_t sortColumn = -1;
+    bool sortDescending = false;
+    int32_t dragColumn = -1; // whose width a drag changes
+    int32_t dragWidth = 0;   // at the drag's start
+    int32_t dragFrom = 0;    // of the cursor, on the screen
+    bool dragged = false;    // the press on the heading was a drag
+    CGhostEdit* editor = nullptr;
+    int32_t editRow = -1;
+    int32_t editColumn = -1;
+    ListTypeAhead typeAhead;
+};

@@ -1,0 +1,280 @@
+// CGhostManager: the window system. One tree of windows with their surfaces, input by hit test, focus,
+// and drawing through four callbacks of the host.
+//
+// Units: those of the virtual screen, 1280 by 720 on a display of 16 to 9. The host's callbacks count
+//   in pixels, which at density 1 are the same.
+// Order: SetHost and SetScreen before the first window; then once a frame PostInput for every event,
+//   Tick, CompositeAll.
+// Handles: every operation looks for its window in the tree, so a stale handle yields false.
+// Calls: handlers are called from Tick, but for those that a change of size or place concerns, which
+//   are called at once. Whatever PostInput and SetFocus bring about is queued and called by the tick.
+// Locks, in this order: the API mutex around Tick, CompositeAll and PostInput; the tree lock; the queue
+//   lock. While a queued call runs neither the tree nor the queue is locked, so a handler may call any
+//   operation, and another thread may queue.
+// Thread: main for Tick, CompositeAll and PostInput; any for the rest.
+#pragma once
+
+#include "base/ranked_mutex.h"
+#include "gui/geometry.h"
+#include "gui/handler.h"
+#include "gui/window.h"
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+// What one event of a device is to the toolkit. PostInput clears what has been consumed.
+struct GUI_INPUT_RECORD {
+    bool moved = false;
+    bool wheel = false;
+    bool buttonDown = false;
+    bool buttonUp = false;
+    bool keyDown = false;
+    bool keyUp = false;
+    int32_t key = 0;
+    int32_t character = 0; // 0: none
+    int32_t dx = 0;        // units
+    int32_t dy = 0;
+    int32_t button = 0; // 1 left, 2 right, 3 middle; for the wheel 1 up, 0 down
+};
+
+// The all-ones id of the draw call that begins a composite.
+inline constexpr uint32_t kCompositeStart = 0xFFFFFFFF;
+
+// Sizes and places in pixels.
+struct GUI_HOST_CALLBACKS {
+    std::function<void(uint32_t id, int32_t width, int32_t height)> create;
+    std::function<void(uint32_t id)> destroy;
+    std::function<void(uint32_t id, const uint32_t* pixels, int32_t stride)> upload;
+    // A clipped piece of a window. Without this callback the manager blends into a buffer.
+    std::function<void(uint32_t id, uint32_t flags, int32_t sourceX, int32_t sourceY, int32_t x,
+                       int32_t y, int32_t width, int32_t height)>
+        draw;
+};
+
+// Keeps the value that a window has.
+inline constexpr int32_t kKeepValue = -999999;
+
+class CGhostManager {
+public:
+    static CGhostManager& Get(); // the process's own
+    CGhostManager();
+    ~CGhostManager();
+    CGhostManager(const CGhostManager&) = delete;
+    CGhostManager& operator=(const CGhostManager&) = delete;
+
+    void SetHost(GUI_HOST_CALLBACKS callbacks);
+
+    // The display in pixels. Density and virtual screen follow from it, and every surface is made anew.
+    void SetScreen(int32_t pixelWidth, int32_t pixelHeight);
+    [[nodiscard]] double Density() const { return density; }
+    [[nodiscard]] GUI_RECT ScreenRect() const { return screenRect; }
+
+    // ---- Windows.
+
+    // Appended as the last sibling. An unknown parent makes it top-level.
+    GHOSTMANAGER_WINDOW* CreateWindow(GHOSTMANAGER_WINDOW* parent, uint32_t flags,
+                                      CGhostGUIHandler* handler, bool nonClient);
+    bool DestroyWindow(GHOSTMANAGER_WINDOW* window); // it lives until the end of a tick
+    bool SetWindowToolTip(GHOSTMANAGER_WINDOW* window, const std::wstring& text);
+    bool SetTabStop(GHOSTMANAGER_WINDOW* window, bool tabStop);
+    // kKeepValue keeps a value; negative sizes become 0, sizes are limited to 4000.
+    bool SetWindowPos(GHOSTMANAGER_WINDOW* window, int32_t x, int32_t y, int32_t width,
+                      int32_t height);
+    bool SetWindowMinimum(GHOSTMANAGER_WINDOW* window, int32_t width, int32_t height);
+    bool GetWindowRects(const GHOSTMANAGER_WINDOW* window, GUI_RECT* outer, GUI_RECT* client,
+                        GUI_RECT* inset) const;
+    bool SetWindowFrame(GHOSTMANAGER_WINDOW* window, const GhostBorderStyle* border); // null clears
+    [[nodiscard]] bool IsWindowVisible(const GHOSTMANAGER_WINDOW* window) const;
+    bool ShowWindow(GHOSTMANAGER_WINDOW* window, bool show);
+    bool SetToolTipWindow(GHOSTMANAGER_WINDOW* window);
+    bool SetFocus(GHOSTMANAGER_WINDOW* window);
+    // Takes the input of all other windows. Ends when the window is destroyed, and not before.
+    bool SetModal(GHOSTMANAGER_WINDOW* window);
+    // Makes a top-level window float for another: it takes input when that one does, though another is
+    // modal, and ends with it. Null lets it go.
+    bool SetOwner(GHOSTMANAGER_WINDOW* window, GHOSTMANAGER_WINDOW* owner);
+    [[nodiscard]] uint32_t GetWindowFlags(const GHOSTMANAGER_WINDOW* window) const;
+    // -1: to the front of its siblings. -2 takes it out of the tree for good.
+    bool SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where);
+    bool GetScreenRect(const GHOSTMANAGER_WINDOW* window, GUI_RECT* rect) const;
+    bool RecalcClient(GHOSTMANAGER_WINDOW* window);
+    // The window is painted again with the next tick.
+    bool Invalidate(GHOSTMANAGER_WINDOW* window);
+
+    [[nodiscard]] GHOSTMANAGER_WINDOW* FocusWindow() const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* HoverWindow() const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* CaptureWindow() const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* ModalWindow() const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* ActiveTopWindow() const;
+
+    // Beyond tab order: the focus goes to the nearest visible tab stop in a direction, within the modal
+    // window if there is one. False when there is none.
+    using Direction = GUI_DIRECTION;
+    bool MoveFocus(Direction direction);
+    // What a controller does. The control that has the focus is asked first, at once; if it has no use
+    // for it, the focus moves, or the middle of its window is clicked. Thread: main.
+    bool Navigate(Direction direction);
+    bool ActivateFocus();
+    bool CancelFocus(); // false when nothing was left or closed by it
+
+    // For a window that takes the input of others for a while: who has it now, and giving it back to
+    // them, as far as they are still there.
+    struct INPUT_OWNERS {
+        uint32_t modal = 0; // ids of windows, 0: none
+        uint32_t focus = 0;
+    };
+    [[nodiscard]] INPUT_OWNERS RememberInput() const;
+    void RestoreInput(const INPUT_OWNERS& owners);
+
+    // ---- Clipboard, keys, cursor.
+
+    void SetClipboard(const std::wstring& text);
+    [[nodiscard]] bool GetClipboard(std::wstring& out) const; // false until something was set
+    [[nodiscard]] bool IsKeyDown(uint32_t key) const;
+    [[nodiscard]] int32_t CursorX() const { return cursorX; }
+    [[nodiscard]] int32_t CursorY() const { return cursorY; }
+    // 0 normal, 1 hot, 2 resizes to left and right.
+    void SetCursorIndex(uint32_t index) { cursorIndex = index; }
+    [[nodiscard]] uint32_t CursorIndex() const { return cursorIndex; }
+
+    // ---- The round.
+
+    // `nowMilliseconds`: any steady clock, for the double click.
+    void PostInput(GUI_INPUT_RECORD& record, uint64_t nowMilliseconds);
+    void Tick(uint32_t microseconds);
+    void CompositeAll();
+    // With no draw callback CompositeAll blends into these pixels of the display, rows of `stride`.
+    void SetCompositeBuffer(uint32_t* pixels, int32_t width, int32_t height, int32_t stride);
+    // Screen areas changed since the last composite, in units.
+    [[nodiscard]] GUI_RECT DirtyRect() const;
+
+    // Called by the tick, in order with the calls of handlers.
+    void QueueEvent(std::function<void()> event);
+
+    struct TIMES {
+        double tick = 0; // milliseconds, of the last
+        double tickPeak = 0;
+        double composite = 0;
+        double compositePeak = 0;
+    };
+    [[nodiscard]] TIMES Times() const { return times; }
+
+    // Keeps other threads out of the round while they make several windows that belong together.
+    [[nodiscard]] auto HoldRound() { return std::unique_lock(apiLock); }
+
+    // Frees every window and forgets all but the host and the display, as if newly made. For tests.
+    void Reset();
+
+    // Visits every window, back to front: a window, its children, its next sibling.
+    void ForEachWindow(const std::function<void(const GHOSTMANAGER_WINDOW&)>& visit) const;
+
+private:
+    struct CLIPPED_RECTS {
+        GUI_RECT outer;     // on the screen, in units; empty where nothing is seen
+        GUI_RECT client;    // on the screen
+        int32_t outerX = 0; // of the clipped part within the window
+        int32_t outerY = 0;
+        int32_t clientX = 0; // of the clipped client part within the client area
+        int32_t clientY = 0;
+    };
+
+    // All of these under the tree lock.
+    [[nodiscard]] bool Knows(const GHOSTMANAGER_WINDOW* window) const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* Next(const GHOSTMANAGER_WINDOW* window) const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* FrontMost() const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* NextBehind(const GHOSTMANAGER_WINDOW* window) const;
+    void Link(GHOSTMANAGER_WINDOW& window);
+    void Unlink(GHOSTMANAGER_WINDOW& window);
+    [[nodiscard]] static bool EffectivelyVisible(const GHOSTMANAGER_WINDOW* window);
+    [[nodiscard]] bool WithinModal(const GHOSTMANAGER_WINDOW* window) const;
+    [[nodiscard]] static GUI_RECT PlaceOnScreen(const GHOSTMANAGER_WINDOW& window);
+    [[nodiscard]] GUI_RECT ClipToAncestors(const GHOSTMANAGER_WINDOW& window, GUI_RECT rect) const;
+    [[nodiscard]] CLIPPED_RECTS GetClippedRects(const GHOSTMANAGER_WINDOW& window) const;
+    void AddDirty(const GHOSTMANAGER_WINDOW& window);
+    void ComputeClient(GHOSTMANAGER_WINDOW& window);
+    void TellSize(GHOSTMANAGER_WINDOW& window);
+    void MakeSurface(GHOSTMANAGER_WINDOW& window);
+    void RefitSurfaces(GHOSTMANAGER_WINDOW& window);
+    void FocusOn(GHOSTMANAGER_WINDOW* window);
+    void HoverOn(GHOSTMANAGER_WINDOW* window);
+    void FocusNextTabStop(bool backward);
+    void InputToFocus(GUI_INPUT_RECORD& record);
+    void DetectDoubleClick(GUI_INPUT_RECORD& record, bool& doubleClick, uint64_t now);
+    void InputToWindow(GHOSTMANAGER_WINDOW& window, GUI_INPUT_RECORD& record, bool& doubleClick);
+    [[nodiscard]] static bool Pending(const GUI_INPUT_RECORD& record, bool doubleClick);
+    void ClientInput(GHOSTMANAGER_WINDOW& window, GUI_INPUT_RECORD& record, bool& doubleClick,
+                     int x, int y);
+    void FrameInput(GHOSTMANAGER_WINDOW& window, GUI_INPUT_RECORD& record, int x, int y);
+    void NoteActivity(const GUI_INPUT_RECORD& record);
+    void FreeSubtree(GHOSTMANAGER_WINDOW* window);
+    [[nodiscard]] GHOSTMANAGER_WINDOW* OwnedBy(const GHOSTMANAGER_WINDOW* owner) const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* WithId(uint32_t id) const;
+    [[nodiscard]] bool AskFocus(const std::function<bool(CGhostGUIHandler&)>& ask);
+    void Forget(GHOSTMANAGER_WINDOW* window);
+    void TickHandlers(uint32_t microseconds);
+    void TickToolTip();
+    void DrainQueue();
+    void FreePending();
+    void RepaintWindows();
+    void Repaint(GHOSTMANAGER_WINDOW& window);
+    void DrawWindow(const GHOSTMANAGER_WINDOW& window);
+    void StartBuffer();
+    void BlendIntoBuffer(const CGhostSurface& surface, int32_t sourceX, int32_t sourceY, int32_t x,
+                         int32_t y, int32_t width, int32_t height);
+
+    // Queues a call for every handler of the chain.
+    void QueueChain(GHOSTMANAGER_WINDOW* window,
+                    const std::function<void(CGhostGUIHandler&)>& call);
+
+    using ApiMutex = RankedRecursiveMutex<LockRank::kGuiApi>;
+    using TreeMutex = RankedRecursiveMutex<LockRank::kGuiTree>;
+    using QueueMutex = RankedRecursiveMutex<LockRank::kGuiQueue>;
+    ApiMutex apiLock;
+    mutable TreeMutex treeLock;
+    QueueMutex queueLock;
+    struct EVENT {
+        GHOSTMANAGER_WINDOW*
+            window; // whose handler is called; null for one that was queued outside
+        std::function<void()> call;
+    };
+    std::deque<EVENT> eventQueue;
+
+    GUI_HOST_CALLBACKS host;
+    int32_t cursorX = 0;
+    int32_t cursorY = 0;
+    uint32_t nextId = 1;
+    double density = 1.0;
+    GUI_RECT screenRect{0, 0, 1280, 720};
+    GUI_RECT dirtyRect;
+    std::vector<GHOSTMANAGER_WINDOW*> pendingDelete;
+    uint64_t timeMicroseconds = 0; // sum of the ticks' lengths
+    uint64_t lastActivity = 0;     // of the mouse over a window, on that clock
+    uint32_t cursorIndex = 0;
+    std::array<bool, 512> keyState{};
+    GHOSTMANAGER_WINDOW* firstWindow = nullptr; // of the top level
+    GHOSTMANAGER_WINDOW* lastWindow = nullptr;  // the frontmost
+    bool captureInFrame = false;
+    bool toolTipVisible = false;
+    GHOSTMANAGER_WINDOW* captureWindow = nullptr; // under a held button
+    GHOSTMANAGER_WINDOW* hoverWindow = nullptr;
+    GHOSTMANAGER_WINDOW* focusWindow = nullptr;
+    GHOSTMANAGER_WINDOW* activeTopWindow = nullptr; // topmost ancestor of the focus
+    GHOSTMANAGER_WINDOW* modalWindow = nullptr;
+    GHOSTMANAGER_WINDOW* toolTipWindow = nullptr;
+    uint64_t lastClickTimeMs = 0;
+    int32_t lastClickButton = 0;
+    bool hasClipboard = false;
+    std::wstring clipboard;
+    TIMES times;
+
+    uint32_t* bufferPixels = nullptr;
+    int32_t bufferWidth = 0;
+    int32_t bufferHeight = 0;
+    int32_t bufferStride = 0;
+    PIXEL_RECT bufferClip; // of the composite in progress
+};

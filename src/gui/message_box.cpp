@@ -1,0 +1,124 @@
+#include "gui/message_box.h"
+
+#include "gui/button.h"
+#include "gui/multi_text.h"
+#include "gui/window_ex.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+std::array<CGhostMessageBox*, CGhostMessageBox::kMost>& Table() {
+    static std::array<CGhostMessageBox*, CGhostMessageBox::kMost> table{};
+    return table;
+}
+
+constexpr int32_t kFirstWidth = 450;
+constexpr int32_t kWidthStep = 50;
+constexpr int32_t kButtonWide = 100;
+constexpr int32_t kButtonHigh = 25;
+constexpr int32_t kButtonRow = 35; // from the client area's lower edge
+
+// Escape, and a controller's second button, at the box's button.
+class Dismisser : public CGhostGUIHandler {
+public:
+    explicit Dismisser(CGhostMessageBox* owner)
+        : box(owner) {}
+    void Destroy() override { delete this; }
+    void OnKeyDown(GHOSTGUIKey key) override {
+        if (key == GHOSTGUIKey::kEscape) {
+            box->Dismiss();
+        }
+    }
+    bool OnCancelKey() override {
+        box->Dismiss();
+        return true;
+    }
+
+private:
+    CGhostMessageBox* box; // which ends after its button
+};
+
+} // namespace
+
+CGhostMessageBox* CGhostMessageBox::Show(const std::wstring& title, const std::wstring& text) {
+    const auto hold = CGhostManager::Get().HoldRound();
+    auto& table = Table();
+    const auto slot = std::find(table.begin(), table.end(), nullptr);
+    if (slot == table.end()) {
+        return nullptr;
+    }
+    return *slot = new CGhostMessageBox(title, text);
+}
+
+size_t CGhostMessageBox::Count() {
+    const auto hold = CGhostManager::Get().HoldRound();
+    const auto& table = Table();
+    return table.size() - static_cast<size_t>(std::count(table.begin(), table.end(), nullptr));
+}
+
+CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring& text) {
+    CGhostManager& manager = CGhostManager::Get();
+    before = manager.RememberInput();
+    screen = manager.ScreenRect();
+    dimmed = new CGhostWindowEx(nullptr, 0, L"MESSAGEBOXBG", {}, CGhostWindowEx::kNoSignals,
+                                {false, 0, 0, screen.width, screen.height});
+    window = dimmed->window;
+    dimmed->next = this;
+    box = new CGhostWindowEx(window, 0, L"MESSAGEBOX", title,
+                             CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
+                                 CGhostWindowEx::kNoButtons,
+                             {false, 0, 0, kFirstWidth, kFirstWidth});
+    button = new CGhostButton(box->window, 0, L"MESSAGEBOX_BUTTON", L"Ok", 0, {});
+    button->next = new Dismisser(this);
+    button->OnClick.connect([this](CGhostButton*, int, int, unsigned) { Dismiss(); });
+    message = new CGhostMultiText(box->window, 0, L"MESSAGEBOX_TEXT", text, {});
+    Place();
+    manager.SetModal(window);
+    button->SetFocus();
+}
+
+CGhostMessageBox::~CGhostMessageBox() {
+    auto& table = Table();
+    std::replace(table.begin(), table.end(), this, static_cast<CGhostMessageBox*>(nullptr));
+    CGhostManager::Get().RestoreInput(before);
+}
+
+// Wider step by step, until it is more than twice as wide as it is high.
+void CGhostMessageBox::Place() {
+    CGhostManager& manager = CGhostManager::Get();
+    GUI_RECT outer;
+    GUI_RECT client;
+    manager.GetWindowRects(box->window, &outer, &client, nullptr);
+    const int32_t frameWide = outer.width - client.width;
+    const int32_t frameHigh = outer.height - client.height;
+    int32_t width = kFirstWidth;
+    int32_t height = 0;
+    while (true) {
+        height = message->HeightAt(width - frameWide) + frameHigh + kButtonRow;
+        if (width > 2 * height || width + kWidthStep > screen.width) {
+            break;
+        }
+        width += kWidthStep;
+    }
+    height = std::min(height, screen.height); // a longer text scrolls
+    box->SetPos((screen.width - width) / 2, (screen.height - height) / 2, width, height);
+    manager.GetWindowRects(box->window, nullptr, &client, nullptr);
+    button->SetPos((client.width - kButtonWide) / 2, client.height - kButtonRow, kButtonWide,
+                   kButtonHigh);
+    message->SetPos(0, 0, client.width, client.height - kButtonRow);
+}
+
+void CGhostMessageBox::OnTick(unsigned /*microseconds*/) {
+    if (closed) {
+        OnClosed(this);
+        Close();
+        return;
+    }
+    if (const GUI_RECT now = CGhostManager::Get().ScreenRect(); now != screen) {
+        screen = now;
+        SetPos(0, 0, screen.width, screen.height);
+        Place();
+    }
+}

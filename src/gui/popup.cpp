@@ -1,0 +1,81 @@
+#include "gui/popup.h"
+
+namespace {
+
+constexpr int32_t kBesideText = 35; // of a menu's width, beyond its widest item
+
+} // namespace
+
+// The companion window has no size; it carries the control, and the list floats for it.
+CGhostPopup::CGhostPopup(GHOSTMANAGER_WINDOW* parent, uint32_t creationId) {
+    CGhostManager& manager = CGhostManager::Get();
+    window = MakeControlWindow(parent, creationId, this, {});
+    list = new CGhostList(nullptr, creationId, L"POPUPMENU",
+                          CGhostList::kReportsAgain | CGhostList::kOnRelease | CGhostList::kKeysAim,
+                          {});
+    list->SetVisible(false);
+    manager.SetTabStop(list->window, false);
+    manager.SetOwner(list->window, window);
+    list->OnSelect.connect([this](CGhostList*, int index, GHOSTLIST_ITEM* item) {
+        if (item != nullptr) {
+            Hide();
+            OnSelect(this, index, item);
+        }
+    });
+    list->OnCancel.connect([this](CGhostList*) { Hide(); });
+    // What has the focus now counts, since the list may have it again already.
+    list->OnFocusChange.connect([this](CGhostList*, bool gained, void*) {
+        const GHOSTMANAGER_WINDOW* const focus = CGhostManager::Get().FocusWindow();
+        if (!gained && focus != list->window && focus != list->ScrollbarWindow()) {
+            Hide();
+        }
+    });
+}
+
+int32_t CGhostPopup::AddItem(const std::wstring& text, int32_t image, uint32_t itemFlags,
+                             uint64_t value) {
+    return list->AddItem(text, image, itemFlags, 0, value);
+}
+
+void CGhostPopup::Clear() {
+    Hide();
+    list->Clear();
+}
+
+void CGhostPopup::Show() {
+    const CGhostManager& manager = CGhostManager::Get();
+    ShowAt(manager.CursorX(), manager.CursorY());
+}
+
+void CGhostPopup::ShowAt(int32_t x, int32_t y) {
+    CGhostManager& manager = CGhostManager::Get();
+    const GUI_RECT at{x, y, 0, 0};
+    const int32_t width = list->WidestItem() + kBesideText;
+    const int32_t height = list->ContentHeight() + list->FrameHeight();
+    const GUI_RECT place = DropPlace(at, width, height, manager.ScreenRect());
+    if (!shown) {
+        before = manager.RememberInput();
+    }
+    shown = true;
+    list->SetPos(place.x, place.y, place.width, place.height);
+    list->SetSelected(-1, false);
+    list->SetHot(-1);
+    SetZOrder(-1);
+    list->SetZOrder(-1);
+    list->SetVisible(true);
+    list->SetFocus();
+}
+
+void CGhostPopup::Hide() {
+    if (!shown) {
+        return;
+    }
+    shown = false;
+    CGhostManager& manager = CGhostManager::Get();
+    const GHOSTMANAGER_WINDOW* const focus = manager.FocusWindow();
+    const bool within = focus == list->window || focus == list->ScrollbarWindow();
+    list->SetVisible(false);
+    if (within) {
+        manager.RestoreInput({0, before.focus});
+    }
+}

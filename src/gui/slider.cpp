@@ -1,0 +1,143 @@
+#include "gui/slider.h"
+
+#include "gui/manager.h"
+#include "gui/surface.h"
+#include "gui/text.h"
+#include "gui/theme.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr float kFineSteps = 100.0f; // across the whole, for a range below it or of fractions
+
+} // namespace
+
+CGhostSlider::CGhostSlider(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
+                           const std::wstring& wantedStyle, float least, float extent,
+                           const GUI_PLACE& place)
+    : minimum(least)
+    , range(extent) {
+    window = MakeControlWindow(parent, creationId, this, place);
+    CGhostTheme::Get().GetStyle(wantedStyle, style);
+    CGhostManager::Get().SetTabStop(window, true);
+    PlaceControl(window, place);
+}
+
+void CGhostSlider::SetValue(float wanted) {
+    value = wanted >= 0.0f ? std::min(wanted, 1.0f) : 0.0f; // NaN is 0
+    dirty = true;
+}
+
+void CGhostSlider::SetPixel(int x) {
+    SetValue(width > 0 ? static_cast<float>(x) / static_cast<float>(width) : 0.0f);
+}
+
+void CGhostSlider::SetReadOnly(bool wanted) {
+    readOnly = wanted;
+    dragging = false;
+    dirty = true;
+}
+
+void CGhostSlider::Change(float wanted) {
+    const float before = value;
+    SetValue(wanted);
+    if (value != before) {
+        OnChange(this, value);
+    }
+}
+
+// One unit of the number that is shown, or a hundredth of the way where that would be too much.
+void CGhostSlider::Step(int steps) {
+    const float units = std::abs(range) > 1.0f ? std::abs(range) : kFineSteps;
+    Change(value + static_cast<float>(steps) / units);
+}
+
+void CGhostSlider::OnFocus(bool gained, void* /*other*/) {
+    focused = gained;
+    dirty = true;
+}
+
+void CGhostSlider::OnResize(int /*outerWidth*/, int /*outerHeight*/, int clientWidth,
+                            int clientHeight) {
+    width = clientWidth;
+    height = clientHeight;
+    dirty = true;
+}
+
+void CGhostSlider::OnMouseMove(int x, int /*y*/) {
+    ShowCursor(kCursorHot);
+    if (dragging && width > 0) {
+        Change(static_cast<float>(std::clamp(x, 0, width)) / static_cast<float>(width));
+    }
+}
+
+void CGhostSlider::OnMouseLeave() {
+    ShowCursor(kCursorNormal);
+}
+
+void CGhostSlider::OnMouseDown(int x, int y, unsigned button) {
+    if (!readOnly && button == 1) {
+        dragging = true;
+        OnMouseMove(x, y);
+    }
+}
+
+void CGhostSlider::OnMouseDoubleClick(int x, int y, unsigned button) {
+    OnMouseDown(x, y, button);
+    dragging = false; // the press of a double click is not captured
+}
+
+void CGhostSlider::OnMouseUp(int /*x*/, int /*y*/, unsigned button) {
+    if (button == 1) {
+        dragging = false;
+    }
+}
+
+void CGhostSlider::OnMouseWheel(int /*x*/, int /*y*/, bool up) {
+    if (!readOnly) {
+        Step(up ? 1 : -1);
+    }
+}
+
+void CGhostSlider::OnKeyDown(GHOSTGUIKey key) {
+    constexpr int kPage = 10;
+    if (readOnly) {
+        MoveFocusByKey(key);
+        return;
+    }
+    switch (key) {
+    case GHOSTGUIKey::kRight: Step(1); break;
+    case GHOSTGUIKey::kLeft: Step(-1); break;
+    case GHOSTGUIKey::kPageUp: Step(kPage); break;
+    case GHOSTGUIKey::kPageDown: Step(-kPage); break;
+    case GHOSTGUIKey::kHome: Change(0.0f); break;
+    case GHOSTGUIKey::kEnd: Change(1.0f); break;
+    default: MoveFocusByKey(key); break;
+    }
+}
+
+// A read-only slider is passed over.
+bool CGhostSlider::OnNavigate(GUI_DIRECTION direction) {
+    const bool right = direction == GUI_DIRECTION::kRight;
+    if (readOnly || (!right && direction != GUI_DIRECTION::kLeft)) {
+        return false;
+    }
+    Step(right ? 1 : -1);
+    return true;
+}
+
+void CGhostSlider::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
+    const GUI_RECT whole{0, 0, surface->Width(), surface->Height()};
+    PaintFill(*surface, style.bg, whole);
+    const auto filled = static_cast<int32_t>(static_cast<float>(whole.width) * value);
+    PaintFill(*surface, style.bg2, {0, 0, filled, whole.height});
+    GhostTextStyle text = style;
+    text.bg.type = GhostFill::kNone;
+    const auto number = static_cast<int64_t>(std::floor(value * range + minimum));
+    PaintText(*surface, text, std::to_wstring(number), whole);
+    if (focused) {
+        PaintFocusRing(*surface, whole);
+    }
+}

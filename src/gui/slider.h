@@ -1,0 +1,51 @@
+// CGhostSlider: a bar with a value from 0 to 1, shown as a number from `minimum` to `minimum` + `range`.
+#pragma once
+
+#include "gui/control.h"
+#include "gui/styles.h"
+
+class CGhostSlider : public CGhostGUIHandler, public CGhostGUICommonFunc {
+public:
+    // The style's bg is the bar, its bg2 the fill.
+    CGhostSlider(GHOSTMANAGER_WINDOW* parent, uint32_t creationId, const std::wstring& style,
+                 float minimum, float range, const GUI_PLACE& place);
+
+    void SetValue(float wanted); // 0 to 1
+    void SetPixel(int x);        // from the left, in units
+    void SetReadOnly(bool wanted);
+    [[nodiscard]] float Value() const { return value; }
+
+    // The new value, of every move of a drag and every key.
+    GuiSignal<void(CGhostSlider*, float)> OnChange;
+
+    void Destroy() override { delete this; }
+    void OnFocus(bool gained, void* other) override;
+    void OnResize(int outerWidth, int outerHeight, int clientWidth, int clientHeight) override;
+    void OnMouseMove(int x, int y) override;
+    void OnMouseLeave() override;
+    void OnMouseDown(int x, int y, unsigned button) override;
+    void OnMouseDoubleClick(int x, int y, unsigned button) override;
+    void OnMouseUp(int x, int y, unsigned button) override;
+    void OnMouseWheel(int x, int y, bool up) override;
+    void OnKeyDown(GHOSTGUIKey key) override;
+    bool OnNavigate(GUI_DIRECTION direction) override; // left and right change the value
+    bool OnActivateKey() override { return true; }
+    void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
+
+protected:
+    ~CGhostSlider() override = default;
+
+private:
+    void Step(int steps);
+    void Change(float wanted);
+
+    GhostTextStyle style;
+    int32_t width = 0;
+    int32_t height = 0;
+    bool readOnly = false;
+    bool dragging = false;
+    bool focused = false;
+    float value = 0.0f;
+    float minimum;
+    float range;
+};

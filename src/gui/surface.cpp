@@ -1,0 +1,369 @@
+#include "gui/surface.h"
+
+#include "gui/bitmap.h"
+#include "gui/blend.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+namespace {
+
+constexpr int32_t kMostPixels = 16384; // a side of a surface
+
+float Channel(uint32_t argb, uint32_t shift) {
+    return static_cast<float>(argb >> shift & 0xFF);
+}
+
+// A colour that moves by a step of its own in each channel.
+class Ramp {
+public:
+    Ramp(uint32_t from, uint32_t to, int32_t steps) {
+        for (size_t i = 0; i < 4; ++i) {
+            const auto shift = static_cast<uint32_t>(i * 8);
+            value[i] = Channel(from, shift);
+            step[i] = (Channel(to, shift) - value[i]) / static_cast<float>(steps);
+        }
+    }
+
+    uint32_t Next() {
+        uint32_t argb = 0;
+        for (size_t i = 0; i < 4; ++i) {
+            value[i] += step[i];
+            const float bounded = std::clamp(value[i], 0.0f, 255.0f);
+            argb |= static_cast<uint32_t>(bounded) << (i * 8);
+        }
+        return argb;
+    }
+
+private:
+    std::array<float, 4> value{};
+    std::array<float, 4> step{};
+};
+
+} // namespace
+
+int32_t PixelEdge(int32_t units, double density) {
+    return static_cast<int32_t>(std::floor(units * density + 0.5));
+}
+
+bool CGhostSurface::Create(const GUI_RECT& place, double pixelsPerUnit) {
+    stackDepth = 0;
+    density = pixelsPerUnit;
+    area = place;
+    pixelLeft = PixelEdge(place.x, density);
+    pixelTop = PixelEdge(place.y, density);
+    pixelWidth = std::max(1, PixelEdge(place.Right(), density) - pixelLeft);
+    pixelHeight = std::max(1, PixelEdge(place.Bottom(), density) - pixelTop);
+    clip = {0, 0, pixelWidth, pixelHeight};
+    if (place.Empty() || pixelWidth > kMostPixels || pixelHeight > kMostPixels) {
+        return false;
+    }
+    try {
+        pixels.assign(static_cast<size_t>(pixelWidth) * static_cast<size_t>(pixelHeight), 0);
+    } catch (const std::bad_alloc&) {
+        pixels.clear();
+        return false;
+    }
+    return true;
+}
+
+void CGhostSurface::PushOrigin(const GUI_RECT& rect) {
+    if (stackDepth < stack.size()) {
+        stack[stackDepth] = {area, clip};
+        const GUI_RECT wanted = rect.Moved(area.x, area.y);
+        const PIXEL_RECT inner = Clipped(ToPixels(rect));
+        area = Intersection(wanted, area);
+        clip = area.Empty() ? PIXEL_RECT{} : inner;
+    }
+    ++stackDepth;
+}
+
+void CGhostSurface::PopOrigin() {
+    if (stackDepth > 0 && --stackDepth < stack.size()) {
+        area = stack[stackDepth].area;
+        clip = stack[stackDepth].clip;
+    }
+}
+
+PIXEL_RECT CGhostSurface::ToPixels(const GUI_RECT& rect) const {
+    if (rect.Empty()) {
+        return {};
+    }
+    const int32_t left = PixelEdge(area.x + rect.x, density) - pixelLeft;
+    const int32_t top = PixelEdge(area.y + rect.y, density) - pixelTop;
+    // What is one unit wide is at least one pixel wide.
+    return {left, top, std::max(left + 1, PixelEdge(area.x + rect.Right(), density) - pixelLeft),
+            std::max(top + 1, PixelEdge(area.y + rect.Bottom(), density) - pixelTop)};
+}
+
+PIXEL_RECT CGhostSurface::Clipped(const PIXEL_RECT& rect) const {
+    return {std::max(rect.left, clip.left), std::max(rect.top, clip.top),
+            std::min(rect.right, clip.right), std::min(rect.bottom, clip.bottom)};
+}
+
+int32_t CGhostSurface::PixelX(double units) const {
+    return static_cast<int32_t>(std::floor((area.x + units) * density + 0.5)) - pixelLeft;
+}
+
+int32_t CGhostSurface::PixelY(double units) const {
+    return static_cast<int32_t>(std::floor((area.y + units) * density + 0.5)) - pixelTop;
+}
+
+void CGhostSurface::Clear() {
+    std::fill(pixels.begin(), pixels.end(), 0u);
+}
+
+void CGhostSurface::SetPixel(int32_t x, int32_t y, uint32_t argb) {
+    FillRect({x, y, 1, 1}, argb);
+}
+
+void CGhostSurface::BlendRun(uint32_t* to, int32_t count, uint32_t argb) {
+    for (int32_t i = 0; i < count; ++i) {
+        to[i] = BlendPixel(to[i], argb);
+    }
+}
+
+void CGhostSurface::FillRect(const GUI_RECT& rect, uint32_t argb) {
+    const PIXEL_RECT target = Clipped(ToPixels(rect));
+    if (target.Empty() || argb >> 24 == 0) {
+        return;
+    }
+    for (int32_t y = target.top; y < target.bottom; ++y) {
+        BlendRun(Row(y) + target.left, target.right - target.left, argb);
+    }
+}
+
+void CGhostSurface::Line(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t argb) {
+    if (area.Empty()) {
+        return;
+    }
+    x1 = std::clamp(x1, 0, area.width - 1);
+    x2 = std::clamp(x2, 0, area.width - 1);
+    y1 = std::clamp(y1, 0, area.height - 1);
+    y2 = std::clamp(y2, 0, area.height - 1);
+    if (x1 == x2 || y1 == y2) {
+        FillRect({std::min(x1, x2), std::min(y1, y2), std::abs(x2 - x1) + 1, std::abs(y2 - y1) + 1},
+                 argb);
+    } else {
+        LinePixels(x1, y1, x2, y2, argb);
+    }
+}
+
+// Bresenham from the middle of one unit to that of the other, with a square pen of one unit.
+void CGhostSurface::LinePixels(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t argb) {
+    const PIXEL_RECT from = ToPixels({x1, y1, 1, 1});
+    const PIXEL_RECT to = ToPixels({x2, y2, 1, 1});
+    const int32_t pen = std::max(1, static_cast<int32_t>(std::floor(density + 0.5)));
+    int32_t x = from.left;
+    int32_t y = from.top;
+    const int32_t dx = std::abs(to.left - x);
+    const int32_t dy = -std::abs(to.top - y);
+    const int32_t stepX = x < to.left ? 1 : -1;
+    const int32_t stepY = y < to.top ? 1 : -1;
+    int32_t error = dx + dy;
+    while (true) {
+        const PIXEL_RECT dot = Clipped({x, y, x + pen, y + pen});
+        for (int32_t row = dot.top; row < dot.bottom; ++row) {
+            BlendRun(Row(row) + dot.left, std::max(0, dot.right - dot.left), argb);
+        }
+        if (x == to.left && y == to.top) {
+            break;
+        }
+        const int32_t twice = 2 * error;
+        if (twice >= dy) {
+            error += dy;
+            x += stepX;
+        }
+        if (twice <= dx) {
+            error += dx;
+            y += stepY;
+        }
+    }
+}
+
+void CGhostSurface::FillGradient(const GUI_RECT& rect, uint32_t from, uint32_t to,
+                                 bool horizontal) {
+    const PIXEL_RECT whole = ToPixels(rect);
+    const PIXEL_RECT target = Clipped(whole);
+    if (target.Empty()) {
+        return;
+    }
+    if (horizontal) {
+        std::vector<uint32_t> colours;
+        Ramp ramp(from, to, whole.right - whole.left);
+        for (int32_t x = whole.left; x < target.right; ++x) {
+            const uint32_t colour = ramp.Next();
+            if (x >= target.left) {
+                colours.push_back(colour);
+            }
+        }
+        for (int32_t y = target.top; y < target.bottom; ++y) {
+            uint32_t* const row = Row(y) + target.left;
+            for (size_t i = 0; i < colours.size(); ++i) {
+                row[i] = BlendPixel(row[i], colours[i]);
+            }
+        }
+        return;
+    }
+    Ramp ramp(from, to, whole.bottom - whole.top);
+    for (int32_t y = whole.top; y < target.bottom; ++y) {
+        const uint32_t colour = ramp.Next();
+        if (y >= target.top) {
+            BlendRun(Row(y) + target.left, target.right - target.left, colour);
+        }
+    }
+}
+
+void CGhostSurface::InvertRect(const GUI_RECT& rect) {
+    const PIXEL_RECT target = Clipped(ToPixels(rect));
+    for (int32_t y = target.top; y < target.bottom; ++y) {
+        for (int32_t x = target.left; x < target.right; ++x) {
+            Row(y)[x] ^= 0x00FFFFFF;
+        }
+    }
+}
+
+namespace {
+
+// Which pixels of a bitmap belong to a pixel of the target, along one axis.
+struct TAP {
+    int32_t low = 0;
+    int32_t high = 0;
+    uint32_t share = 0; // of the high one, in 256ths
+};
+
+// A bitmap of a density that does not divide has a pixel more or less than its place on the screen, and a
+// row left out would bend every line that crosses it; so pixels between two rows are mixed of both. Where
+// the sizes are equal, as at whole densities, each pixel is copied as it is.
+class SourceAxis {
+public:
+    // `from` and `extent` in units of the bitmap, spread over `pixels` of the target.
+    SourceAxis(int32_t from, int32_t extent, int32_t bitmapUnits, int32_t bitmapPixels,
+               int32_t pixels)
+        : start(static_cast<double>(from) * bitmapPixels / bitmapUnits)
+        , scale(static_cast<double>(extent) * bitmapPixels / bitmapUnits / pixels)
+        , last(bitmapPixels - 1) {}
+
+    [[nodiscard]] TAP At(int32_t pixel) const {
+        constexpr double kWhole = 256.0;
+        const double at =
+            std::clamp(start + (pixel + 0.5) * scale - 0.5, 0.0, static_cast<double>(last));
+        TAP tap;
+        tap.low = static_cast<int32_t>(at);
+        tap.share = static_cast<uint32_t>((at - tap.low) * kWhole);
+        tap.high = std::min(tap.low + 1, last);
+        return tap;
+    }
+
+private:
+    double start;
+    double scale;
+    int32_t last;
+};
+
+// The mean of four pixels, by their shares and alphas.
+uint32_t MixPixels(const uint32_t* low, const uint32_t* high, const TAP& column,
+                   uint32_t rowShare) {
+    const uint32_t corners[] = {low[column.low], low[column.high], high[column.low],
+                                high[column.high]};
+    if (corners[0] == corners[1] && corners[0] == corners[2] && corners[0] == corners[3]) {
+        return corners[0];
+    }
+    const uint64_t shares[] = {
+        uint64_t{256 - column.share} * (256 - rowShare), uint64_t{column.share} * (256 - rowShare),
+        uint64_t{256 - column.share} * rowShare, uint64_t{column.share} * rowShare};
+    constexpr uint64_t kAll = 1 << 16;
+    uint64_t alpha = 0;
+    uint64_t colour[3] = {};
+    for (size_t i = 0; i < 4; ++i) {
+        const uint64_t weight = shares[i] * (corners[i] >> 24);
+        alpha += weight;
+        for (size_t c = 0; c < 3; ++c) {
+            colour[c] += weight * (corners[i] >> (c * 8) & 0xFF);
+        }
+    }
+    if (alpha == 0) {
+        return 0;
+    }
+    auto mixed = static_cast<uint32_t>((alpha + kAll / 2) / kAll) << 24;
+    for (size_t c = 0; c < 3; ++c) {
+        mixed |= static_cast<uint32_t>((colour[c] + alpha / 2) / alpha) << (c * 8);
+    }
+    return mixed;
+}
+
+} // namespace
+
+void CGhostSurface::Blit(const GUI_BITMAP& bitmap, const GUI_RECT& target, int32_t sourceX,
+                         int32_t sourceY, Flip flip) {
+    // Cut to the bitmap, the target along with the source.
+    const GUI_RECT wanted{sourceX, sourceY, target.width, target.height};
+    const GUI_RECT source = Intersection(wanted, {0, 0, bitmap.width, bitmap.height});
+    if (source.Empty() || bitmap.pixels.empty()) {
+        return;
+    }
+    const GUI_RECT placed{target.x + source.x - sourceX, target.y + source.y - sourceY,
+                          source.width, source.height};
+    const PIXEL_RECT whole = ToPixels(placed);
+    const PIXEL_RECT visible = Clipped(whole);
+    if (visible.Empty()) {
+        return;
+    }
+    const SourceAxis acrossAxis(source.x, source.width, bitmap.width, bitmap.pixelWidth,
+                                whole.right - whole.left);
+    const SourceAxis downAxis(source.y, source.height, bitmap.height, bitmap.pixelHeight,
+                              whole.bottom - whole.top);
+    std::vector<TAP> columns;
+    columns.reserve(static_cast<size_t>(visible.right - visible.left));
+    for (int32_t x = visible.left; x < visible.right; ++x) {
+        columns.push_back(
+            acrossAxis.At(flip == Flip::kLeftToRight ? whole.right - 1 - x : x - whole.left));
+    }
+    const auto rowOf = [&](int32_t row) {
+        return bitmap.pixels.data() + static_cast<ptrdiff_t>(row) * bitmap.pixelWidth;
+    };
+    for (int32_t y = visible.top; y < visible.bottom; ++y) {
+        const TAP row =
+            downAxis.At(flip == Flip::kTopToBottom ? whole.bottom - 1 - y : y - whole.top);
+        uint32_t* to = Row(y) + visible.left;
+        for (const TAP& column : columns) {
+            *to = BlendPixel(*to, MixPixels(rowOf(row.low), rowOf(row.high), column, row.share));
+            ++to;
+        }
+    }
+}
+
+void CGhostSurface::BlitScaled(const GUI_BITMAP& bitmap, const GUI_RECT& target) {
+    const PIXEL_RECT whole = ToPixels(target);
+    const PIXEL_RECT visible = Clipped(whole);
+    if (visible.Empty() || bitmap.pixels.empty()) {
+        return;
+    }
+    // Nearest neighbour as the scaled copy has always been done: by the pixel's corner.
+    const int64_t width = whole.right - whole.left;
+    const int64_t height = whole.bottom - whole.top;
+    for (int32_t y = visible.top; y < visible.bottom; ++y) {
+        const int64_t sourceRow = int64_t{y - whole.top} * bitmap.pixelHeight / height;
+        const uint32_t* const from = bitmap.pixels.data() + sourceRow * bitmap.pixelWidth;
+        uint32_t* const to = Row(y);
+        for (int32_t x = visible.left; x < visible.right; ++x) {
+            const int64_t column = int64_t{x - whole.left} * bitmap.pixelWidth / width;
+            to[x] = BlendPixel(to[x], from[column]);
+        }
+    }
+}
+
+void CGhostSurface::StampMask(int32_t x, int32_t y, const uint8_t* coverage, int32_t width,
+                              int32_t height, int32_t pitch, uint32_t argb) {
+    const PIXEL_RECT visible = Clipped({x, y, x + width, y + height});
+    for (int32_t row = visible.top; row < visible.bottom; ++row) {
+        const uint8_t* const from = coverage + static_cast<ptrdiff_t>(row - y) * pitch;
+        uint32_t* const to = Row(row);
+        for (int32_t column = visible.left; column < visible.right; ++column) {
+            if (const uint32_t covered = from[column - x]; covered != 0) {
+                to[column] = BlendPixel(to[column], WithCoverage(argb, covered));
+            }
+        }
+    }
+}

@@ -1,0 +1,409 @@
+#include "gui/theme.h"
+
+#include "base/text.h"
+#include "gui/bitmap.h"
+#include "gui/font.h"
+
+#include <pugixml.hpp>
+
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+using Node = pugi::xml_node;
+
+bool Is(const char* a, const char* b) {
+    return std::strcmp(a, b) == 0;
+}
+
+bool HasName(Node node, const char* name) {
+    return Is(node.attribute("name").value(), name);
+}
+
+int32_t Decimal(const char* text) {
+    const long value = std::strtol(text, nullptr, 10);
+    constexpr long kMost = 1 << 20; // nothing on a screen is larger
+    return static_cast<int32_t>(std::min(std::max(value, -kMost), kMost));
+}
+
+// Hexadecimal, with "0x" or without.
+uint32_t Colour(Node node) {
+    return static_cast<uint32_t>(std::strtoull(node.attribute("val").value(), nullptr, 16));
+}
+
+int32_t Number(Node node) {
+    return Decimal(node.attribute("val").value());
+}
+
+// The word forms are read after the short ones and win.
+GUI_EDGES Edges(Node node) {
+    GUI_EDGES edges;
+    const auto read = [&](const char* shortForm, const char* word, int32_t& value) {
+        for (const char* name : {shortForm, word}) {
+            if (const pugi::xml_attribute found = node.attribute(name)) {
+                value = Decimal(found.value());
+            }
+        }
+    };
+    read("x1", "left", edges.left);
+    read("y1", "top", edges.top);
+    read("x2", "right", edges.right);
+    read("y2", "bottom", edges.bottom);
+    return edges;
+}
+
+struct FILL_NAME {
+    const char* name;
+    GhostFill type;
+};
+constexpr FILL_NAME kFillNames[] = {
+    {"color",               GhostFill::kColour               },
+    {"color_hor",           GhostFill::kGradientHorizontal   },
+    {"color_ver",           GhostFill::kGradientVertical     },
+    {"none",                GhostFill::kNone                 },
+    {"bitmap",              GhostFill::kBitmap               },
+    {"bitmap_flipy",        GhostFill::kBitmapFlipY          },
+    {"bitmap_flipx",        GhostFill::kBitmapFlipX          },
+    {"bitmap_smartfillhor", GhostFill::kBitmapSmartHorizontal},
+    {"bitmap_smartfillver", GhostFill::kBitmapSmartVertical  },
+    {"bitmap_stretch",      GhostFill::kBitmapStretch        },
+    {"bitmap_repeaty",      GhostFill::kBitmapRepeatY        },
+    {"bitmap_repeatxy",     GhostFill::kBitmapRepeatXY       },
+};
+
+void Parse(Node node, GhostTexture& texture) {
+    const char* const type = node.attribute("type").value();
+    for (const FILL_NAME& fill : kFillNames) {
+        if (Is(type, fill.name)) {
+            texture.type = fill.type;
+        }
+    }
+    for (const Node child : node.children()) {
+        const char* const name = child.attribute("name").value();
+        if (Is(child.name(), "color")) {
+            if (Is(name, "bg")) {
+                texture.colour1 = Colour(child);
+            } else if (Is(name, "bg2")) {
+                texture.colour2 = Colour(child);
+            }
+        } else if (Is(child.name(), "rect")) {
+            if (Is(name, "fill1")) {
+                texture.fill1 = Edges(child);
+            } else if (Is(name, "fill2")) {
+                texture.fill2 = Edges(child);
+            } else if (*name == '\0') {
+                texture.rect = Edges(child);
+            }
+        } else if (Is(child.name(), "file") && *name == '#') {
+            if (const GUI_BITMAP* const bitmap = LoadThemeBitmap(name); bitmap != nullptr) {
+                texture.bitmap = bitmap;
+            }
+        }
+    }
+    if (texture.type >= GhostFill::kBitmap && texture.bitmap == nullptr) {
+        texture.type = GhostFill::kNone;
+    }
+}
+
+struct FRAME_NAME {
+    const char* name;
+    GhostFrame type;
+};
+constexpr FRAME_NAME kFrameNames[] = {
+    {"user",               GhostFrame::kUser              },
+    {"color",              GhostFrame::kColour            },
+    {"rounded_color",      GhostFrame::kRoundedColour     },
+    {"rounded_colorinset", GhostFrame::kRoundedColourInset},
+};
+
+// Without a type, written or inherited, a border is left alone.
+void Parse(Node node, GhostBorderStyle& border) {
+    const char* const type = node.attribute("type").value();
+    for (const FRAME_NAME& frame : kFrameNames) {
+        if (Is(type, frame.name)) {
+            border.type = frame.type;
+        }
+    }
+    if (border.type == GhostFrame::kNone) {
+        return;
+    }
+    for (const Node child : node.children()) {
+        const char* const name = child.attribute("name").value();
+        if (Is(child.name(), "rect")) {
+            border.thickness = Edges(child);
+        } else if (Is(child.name(), "texture")) {
+            if (*name == '\0' || Is(name, "left")) {
+                Parse(child, border.left);
+            } else if (Is(name, "top")) {
+                Parse(child, border.top);
+            } else if (Is(name, "right")) {
+                Parse(child, border.right);
+            } else if (Is(name, "bottom")) {
+                Parse(child, border.bottom);
+            }
+        }
+    }
+}
+
+void ParseFont(Node node, GhostTextStyle& style) {
+    const pugi::xml_attribute name = node.attribute("name");
+    const pugi::xml_attribute size = node.attribute("size");
+    if (name && size) {
+        style.font = CGhostFontManager::Get().GetFont(name.value(), Decimal(size.value()));
+    }
+    const std::string_view align = node.attribute("align").value();
+    const auto bit = [&](const char* word, uint32_t value) {
+        return align.find(word) != std::string_view::npos ? value : 0;
+    };
+    style.align = bit("left", kAlignLeft) | bit("right", kAlignRight) | bit("top", kAlignTop) |
+                  bit("bottom", kAlignBottom);
+    style.xOffset = static_cast<int16_t>(Decimal(node.attribute("xoffset").value()));
+    style.yOffset = static_cast<int16_t>(Decimal(node.attribute("yoffset").value()));
+}
+
+void Parse(Node node, GhostTextStyle& style) {
+    for (const Node child : node.children()) {
+        if (Is(child.name(), "texture")) {
+            Parse(child, HasName(child, "bg2") ? style.bg2 : style.bg);
+        } else if (Is(child.name(), "color")) {
+            if (HasName(child, "text")) {
+                style.textColour = Colour(child);
+            } else if (HasName(child, "textoutline")) {
+                style.textOutlineColour = Colour(child);
+            }
+        } else if (Is(child.name(), "border")) {
+            Parse(child, style.border);
+        } else if (Is(child.name(), "rect")) {
+            style.textRect = Edges(child);
+        } else if (Is(child.name(), "font")) {
+            ParseFont(child, style);
+        }
+    }
+}
+
+// A state of another name is the fifth.
+void Parse(Node node, GhostButtonStyle& style) {
+    constexpr const char* kStates[] = {"normal", "hot", "pressed", "disabled"};
+    for (const Node child : node.children("textbox")) {
+        size_t state = 0;
+        while (state < std::size(kStates) && !HasName(child, kStates[state])) {
+            ++state;
+        }
+        Parse(child, style.states[state]);
+    }
+}
+
+// A state of another name goes over the one named last.
+void Parse(Node node, GhostEditStyle& style) {
+    constexpr const char* kStates[] = {"normal", "hot", "readonly"};
+    size_t last = 0;
+    for (const Node child : node.children("textbox")) {
+        for (size_t state = 0; state < std::size(kStates); ++state) {
+            last = HasName(child, kStates[state]) ? state : last;
+        }
+        Parse(child, style.states[last]);
+    }
+}
+
+struct LIST_FIELD {
+    const char* name;
+    GhostTextStyle GhostListStyle::*field;
+};
+constexpr LIST_FIELD kListFields[] = {
+    {"bg",             &GhostListStyle::bg           },
+    {"item_normal",    &GhostListStyle::itemNormal   },
+    {"item_hot",       &GhostListStyle::itemHot      },
+    {"item_selected",  &GhostListStyle::itemSelected },
+    {"item2_normal",   &GhostListStyle::item2Normal  },
+    {"item2_hot",      &GhostListStyle::item2Hot     },
+    {"item2_selected", &GhostListStyle::item2Selected},
+};
+
+void ParseListChild(Node child, GhostListStyle& style) {
+    if (Is(child.name(), "texture") && HasName(child, "imagelist")) {
+        Parse(child, style.imageList);
+    } else if (Is(child.name(), "textbox")) {
+        for (const LIST_FIELD& row : kListFields) {
+            if (HasName(child, row.name)) {
+                Parse(child, style.*row.field);
+            }
+        }
+    }
+}
+
+void Parse(Node node, GhostListStyle& style) {
+    for (const Node child : node.children()) {
+        ParseListChild(child, style);
+    }
+}
+
+void Parse(Node node, GhostListViewStyle& style) {
+    for (const Node child : node.children()) {
+        if (Is(child.name(), "number")) {
+            if (HasName(child, "headerheight")) {
+                style.headerHeight = Number(child);
+            } else if (HasName(child, "itemheight")) {
+                style.itemHeight = Number(child);
+            }
+        } else if (Is(child.name(), "button")) {
+            Parse(child, style.header);
+        } else if (Is(child.name(), "edit")) {
+            Parse(child, style.edit);
+        } else {
+            ParseListChild(child, style.list);
+        }
+    }
+}
+
+struct SCROLLBAR_NUMBER {
+    const char* name;
+    int32_t GhostScrollbarStyle::*field;
+};
+constexpr SCROLLBAR_NUMBER kScrollbarNumbers[] = {
+    {"hor_arrowbuttonwidth",  &GhostScrollbarStyle::horArrowButtonWidth },
+    {"hor_height",            &GhostScrollbarStyle::horHeight           },
+    {"hor_thumbminwidth",     &GhostScrollbarStyle::horThumbMinWidth    },
+    {"ver_arrowbuttonheight", &GhostScrollbarStyle::verArrowButtonHeight},
+    {"ver_width",             &GhostScrollbarStyle::verWidth            },
+    {"ver_thumbminheight",    &GhostScrollbarStyle::verThumbMinHeight   },
+};
+
+// By the children's names alone, whatever the elements are.
+void Parse(Node node, GhostScrollbarStyle& style) {
+    for (const Node child : node.children()) {
+        for (const SCROLLBAR_NUMBER& row : kScrollbarNumbers) {
+            if (HasName(child, row.name)) {
+                style.*row.field = Number(child);
+            }
+        }
+        if (HasName(child, "bg")) {
+            Parse(child, style.bg);
+        } else if (HasName(child, "ver_top")) {
+            Parse(child, style.verTop);
+        } else if (HasName(child, "ver_mid")) {
+            Parse(child, style.verMid);
+        } else if (HasName(child, "ver_bottom")) {
+            Parse(child, style.verBottom);
+        }
+    }
+}
+
+void Parse(Node node, GhostDropListStyle& style) {
+    for (const Node child : node.children()) {
+        if (HasName(child, "bg")) {
+            Parse(child, style.bg);
+        } else if (Is(child.name(), "button")) {
+            Parse(child, style.button);
+        }
+    }
+}
+
+} // namespace
+
+CGhostTheme& CGhostTheme::Get() {
+    static CGhostTheme theme;
+    return theme;
+}
+
+void CGhostTheme::ParseTheme(std::string_view text) {
+    entries.clear();
+    pugi::xml_document document;
+    const unsigned options = pugi::parse_default | pugi::parse_declaration;
+    // A file that breaks off has the records before the break.
+    document.load_buffer(text.data(), text.size(), options, pugi::encoding_utf8);
+    const Node first = document.first_child();
+    if (first.type() != pugi::node_declaration) {
+        return;
+    }
+    const auto add = [&](Node node, auto style) {
+        using Style = decltype(style);
+        auto& entry = *entries.emplace_back(std::make_unique<ENTRY>());
+        entry.name = WideFromUtf8(node.attribute("name").value());
+        if (const pugi::xml_attribute use = node.attribute("use")) {
+            // Looked up while the entry is in the store without a record, so it does not find itself.
+            GetStyle(WideFromUtf8(use.value()), style);
+        }
+        Parse(node, style);
+        entry.record.emplace<Style>(style);
+    };
+    for (const Node node : first.next_sibling().children()) {
+        const char* const kind = node.name();
+        if (!node.attribute("name")) {
+            continue;
+        }
+        if (Is(kind, "border")) {
+            add(node, GhostBorderStyle{});
+        } else if (Is(kind, "textbox")) {
+            add(node, GhostTextStyle{});
+        } else if (Is(kind, "button")) {
+            add(node, GhostButtonStyle{});
+        } else if (Is(kind, "edit")) {
+            add(node, GhostEditStyle{});
+        } else if (Is(kind, "list")) {
+            add(node, GhostListStyle{});
+        } else if (Is(kind, "listview")) {
+            add(node, GhostListViewStyle{});
+        } else if (Is(kind, "scrollbar")) {
+            add(node, GhostScrollbarStyle{});
+        } else if (Is(kind, "droplist")) {
+            add(node, GhostDropListStyle{});
+        }
+    }
+}
+
+template <typename Style>
+bool CGhostTheme::Find(std::wstring_view name, Style& record) const {
+    record = {};
+    for (const auto& entry : entries) {
+        if (entry->name == name) {
+            const Style* const found = std::get_if<Style>(&entry->record);
+            if (found != nullptr) {
+                record = *found;
+            }
+            return found != nullptr;
+        }
+    }
+    return false;
+}
+
+bool CGhostTheme::GetStyle(std::wstring_view name, GhostBorderStyle& record) const {
+    return Find(name, record);
+}
+
+bool CGhostTheme::GetStyle(std::wstring_view name, GhostTextStyle& record) const {
+    return Find(name, record);
+}
+
+bool CGhostTheme::GetStyle(std::wstring_view name, GhostButtonStyle& record) const {
+    return Find(name, record);
+}
+
+bool CGhostTheme::GetStyle(std::wstring_view name, GhostEditStyle& record) const {
+    return Find(name, record);
+}
+
+bool CGhostTheme::GetStyle(std::wstring_view name, GhostListStyle& record) const {
+    return Find(name, record);
+}
+
+bool CGhostTheme::GetStyle(std::wstring_view name, GhostListViewStyle& record) const {
+    return Find(name, record);
+}
+
+bool CGhostTheme::GetStyle(std::wstring_view name, GhostScrollbarStyle& record) const {
+    return Find(name, record);
+}
+
+bool CGhostTheme::GetStyle(std::wstring_view name, GhostDropListStyle& record) const {
+    return Find(name, record);
+}
+
+std::vector<CGhostTheme::NAMED> CGhostTheme::Names() const {
+    std::vector<NAMED> names;
+    for (const auto& entry : entries) {
+        names.push_back({entry->name, static_cast<StyleKind>(entry->record.index() + 1)});
+    }
+    return names;
+}

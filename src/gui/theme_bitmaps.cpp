@@ -1,0 +1,144 @@
+// The theme's images: from the embedded PNG to a bitmap of the display's density.
+#include "gui/bitmap.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <deque>
+
+namespace {
+
+struct LOADED {
+    GUI_BITMAP bitmap;
+    std::span<const uint8_t> png;
+};
+
+struct IMAGES {
+    std::span<const GUI_IMAGE_ROW> rows;
+    std::deque<LOADED> loaded; // addresses stay
+    double density = 1.0;
+};
+
+IMAGES& Images() {
+    static IMAGES images;
+    return images;
+}
+
+bool Decode(LOADED& loaded, double density) {
+    std::vector<uint32_t> pixels;
+    uint32_t width = 0;
+    uint32_t height = 0;
+    if (!LoadEmbeddedImage(loaded.png, pixels, width, height)) {
+        return false;
+    }
+    GUI_BITMAP& bitmap = loaded.bitmap;
+    const auto units = [](uint32_t size) {
+        return std::max(1, static_cast<int32_t>(size) / kImagePixelsPerUnit);
+    };
+    const auto scaled = [density](int32_t size) {
+        return std::max(1, static_cast<int32_t>(std::lround(size * density)));
+    };
+    bitmap.width = units(width);
+    bitmap.height = units(height);
+    bitmap.density = density;
+    bitmap.pixelWidth = scaled(bitmap.width);
+    bitmap.pixelHeight = scaled(bitmap.height);
+    bitmap.pixels = ReducePixels(pixels, static_cast<int32_t>(width), static_cast<int32_t>(height),
+                                 bitmap.pixelWidth, bitmap.pixelHeight);
+    return true;
+}
+
+} // namespace
+
+void SetThemeImages(std::span<const GUI_IMAGE_ROW> rows) {
+    Images().rows = rows;
+}
+
+const GUI_BITMAP* LoadThemeBitmap(std::string_view name) {
+    IMAGES& images = Images();
+    const auto row = std::find_if(images.rows.begin(), images.rows.end(),
+                                  [&](const GUI_IMAGE_ROW& at) { return at.name == name; });
+    if (row == images.rows.end()) {
+        return nullptr;
+    }
+    LOADED loaded;
+    loaded.png = row->png;
+    if (!Decode(loaded, images.density)) {
+        return nullptr;
+    }
+    return &images.loaded.emplace_back(std::move(loaded)).bitmap;
+}
+
+void RefitThemeBitmaps(double density) {
+    IMAGES& images = Images();
+    if (density == images.density) {
+        return;
+    }
+    images.density = density;
+    for (LOADED& loaded : images.loaded) {
+        Decode(loaded, density);
+    }
+}
+
+namespace {
+
+// The pixels of a row or column that a new one covers, with the share of each.
+struct COVER {
+    int32_t first;
+    std::vector<double> shares;
+};
+
+std::vector<COVER> CoversOf(int32_t from, int32_t to) {
+    std::vector<COVER> covers;
+    const double step = static_cast<double>(from) / to;
+    for (int32_t i = 0; i < to; ++i) {
+        const double start = i * step;
+        const double end = std::min<double>(from, (i + 1) * step);
+        COVER cover{static_cast<int32_t>(start), {}};
+        for (int32_t at = cover.first; at < from && at < end; ++at) {
+            cover.shares.push_back(std::min<double>(end, at + 1) - std::max<double>(start, at));
+        }
+        covers.push_back(std::move(cover));
+    }
+    return covers;
+}
+
+} // namespace
+
+std::vector<uint32_t> ReducePixels(std::span<const uint32_t> pixels, int32_t width, int32_t height,
+                                   int32_t newWidth, int32_t newHeight) {
+    const std::vector<COVER> columns = CoversOf(width, newWidth);
+    const std::vector<COVER> rows = CoversOf(height, newHeight);
+    std::vector<uint32_t> reduced;
+    reduced.reserve(static_cast<size_t>(newWidth) * static_cast<size_t>(newHeight));
+    for (const COVER& row : rows) {
+        for (const COVER& column : columns) {
+            double area = 0;
+            double alpha = 0;
+            double colour[3] = {};
+            for (size_t y = 0; y < row.shares.size(); ++y) {
+                const auto line = static_cast<size_t>(row.first) + y;
+                for (size_t x = 0; x < column.shares.size(); ++x) {
+                    const uint32_t pixel = pixels[line * static_cast<size_t>(width) +
+                                                  static_cast<size_t>(column.first) + x];
+                    const double share = row.shares[y] * column.shares[x];
+                    const double weight = share * (pixel >> 24);
+                    area += share;
+                    alpha += weight;
+                    for (size_t i = 0; i < 3; ++i) {
+                        colour[i] += weight * (pixel >> (i * 8) & 0xFF);
+                    }
+                }
+            }
+            uint32_t out = 0;
+            if (alpha > 0) {
+                out = static_cast<uint32_t>(alpha / area + 0.5) << 24;
+                for (size_t i = 0; i < 3; ++i) {
+                    out |= static_cast<uint32_t>(colour[i] / alpha + 0.5) << (i * 8);
+                }
+            }
+            reduced.push_back(out);
+        }
+    }
+    return reduced;
+}

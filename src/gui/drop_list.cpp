@@ -24,8 +24,7 @@ CGhostDropList::CGhostDropList(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
     arrow->OnClick.connect([this](CGhostButton*, int, int, unsigned) { Toggle(); });
 
     list = new CGhostList(nullptr, creationId, L"LIST",
-                          CGhostList::kReportsAgain | CGhostList::kOnRelease |
-                              CGhostList::kKeysAim,
+                          CGhostList::kReportsAgain | CGhostList::kOnRelease | CGhostList::kKeysAim,
                           {});
     list->SetVisible(false);
     manager.SetTabStop(list->window, false);

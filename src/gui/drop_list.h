@@ -19,7 +19,7 @@ public:
 
     int32_t AddItem(const std::wstring& text, int32_t image = -1, uint32_t itemFlags = 0,
                     uint64_t value = 0);
-    void Clear(); // the caption stays
+    void Clear();                                        // the caption stays
     void SetSelected(int32_t index, bool notify = true); // and the caption with it
     [[nodiscard]] int32_t Selected() const { return list->Selected(); }
     [[nodiscard]] int32_t Count() const { return list->Count(); }

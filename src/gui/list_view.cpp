@@ -245,8 +245,7 @@ GHOSTLISTVIEW_ITEM* CGhostListView::Cell(int32_t row, int32_t column) {
     return &cells[static_cast<size_t>(row) * columns.size() + static_cast<size_t>(column)];
 }
 
-void CGhostListView::SetCell(int32_t row, int32_t column, const std::wstring& text,
-                             int32_t image) {
+void CGhostListView::SetCell(int32_t row, int32_t column, const std::wstring& text, int32_t image) {
     if (GHOSTLISTVIEW_ITEM* const cell = Cell(row, column)) {
         cell->text = text;
         cell->image = image;

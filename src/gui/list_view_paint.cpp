@@ -13,8 +13,7 @@ GUI_RECT CGhostListView::CellPlace(int32_t row, int32_t column) const {
                         {0, style.headerHeight, width, Page()});
 }
 
-const GhostTextStyle& CGhostListView::CellStyle(const GHOSTLISTVIEW_ITEM& cell,
-                                                int32_t row) const {
+const GhostTextStyle& CGhostListView::CellStyle(const GHOSTLISTVIEW_ITEM& cell, int32_t row) const {
     const GhostListStyle& list = style.list;
     const bool second = cell.colourSet != 0;
     if ((cell.flags & GHOSTLISTVIEW_ITEM::kSelected) != 0) {
@@ -46,7 +45,8 @@ void CGhostListView::PaintCell(CGhostSurface& surface, int32_t row, int32_t colu
         const GUI_EDGES& margin = look.textRect;
         DrawText(surface, look.font, cell.text, look.textColour, look.textOutlineColour,
                  align != 0 ? align : look.align,
-                 {x + margin.left, place.y + margin.top, place.width - x - margin.left - margin.right,
+                 {x + margin.left, place.y + margin.top,
+                  place.width - x - margin.left - margin.right,
                   place.height - margin.top - margin.bottom},
                  look.xOffset, look.yOffset);
     }

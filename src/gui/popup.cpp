@@ -11,8 +11,7 @@ CGhostPopup::CGhostPopup(GHOSTMANAGER_WINDOW* parent, uint32_t creationId) {
     CGhostManager& manager = CGhostManager::Get();
     window = MakeControlWindow(parent, creationId, this, {});
     list = new CGhostList(nullptr, creationId, L"POPUPMENU",
-                          CGhostList::kReportsAgain | CGhostList::kOnRelease |
-                              CGhostList::kKeysAim,
+                          CGhostList::kReportsAgain | CGhostList::kOnRelease | CGhostList::kKeysAim,
                           {});
     list->SetVisible(false);
     manager.SetTabStop(list->window, false);

@@ -15,7 +15,7 @@ public:
     int32_t AddItem(const std::wstring& text, int32_t image = -1, uint32_t itemFlags = 0,
                     uint64_t value = 0);
     void Clear();
-    void Show();                     // at the cursor
+    void Show();                       // at the cursor
     void ShowAt(int32_t x, int32_t y); // on the screen
     void Hide();
     [[nodiscard]] bool IsShown() const { return shown; }

@@ -16,8 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     constexpr uint32_t kSmall = 512;
     if (decoded && width <= kSmall && height <= kSmall) {
-        const auto reduced = ReducePixels(pixels, static_cast<int32_t>(width),
-                                          static_cast<int32_t>(height), 7, 5);
+        const auto reduced =
+            ReducePixels(pixels, static_cast<int32_t>(width), static_cast<int32_t>(height), 7, 5);
         if (reduced.size() != size_t{7} * 5) {
             std::abort();
         }

@@ -125,8 +125,7 @@ TEST_F(Button, SetDownOutlastsTheFocus) {
 
 TEST_F(Button, ArrowsMoveTheFocusBetweenButtons) {
     CGhostButton* const button = Make(0);
-    auto* const below =
-        new CGhostButton(nullptr, 0, L"BUTTON", L"", 0, {false, 100, 140, 80, 30});
+    auto* const below = new CGhostButton(nullptr, 0, L"BUTTON", L"", 0, {false, 100, 140, 80, 30});
     Focus(button->window);
     Key(kDown);
     EXPECT_EQ(manager.FocusWindow(), below->window);

@@ -1,6 +1,5 @@
 // The text field and the keyboard on the screen.
 #include "gui/control_rig.h"
-
 #include "gui/text.h"
 
 namespace {
@@ -87,7 +86,7 @@ TEST_F(Edit, CopyWithNothingSelectedLeavesTheClipboard) {
     EXPECT_EQ(clip, L"before");
     WithKey(kCtrl, kA);
     WithKey(kCtrl, kC);
-    manager.GetClipboard(clip);
+    EXPECT_TRUE(manager.GetClipboard(clip));
     EXPECT_EQ(clip, L"text");
     WithKey(kCtrl, kX);
     EXPECT_EQ(edit->Text(), L"");
@@ -168,6 +167,7 @@ TEST_F(Edit, ReturnAndEscapeSubmitIfTheFlagsSaySo) {
     CGhostEdit* const plain = Make(L"");
     plain->OnSubmit.connect([&](CGhostEdit*, bool) { FAIL(); });
     Key(kReturn);
+    EXPECT_EQ(told.size(), 2u);
 }
 
 TEST_F(Edit, TheCaretIsALineOfOpaqueBlackAndBlinks) {

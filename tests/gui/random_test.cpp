@@ -23,12 +23,12 @@ void DrawWhole(CGhostManager& manager, SCREEN& screen) {
 } // namespace
 
 TEST_F(GuiRandom, HoverFocusAndCaptureAreAlwaysLivingVisibleWindows) {
-    for (uint32_t seed = 1; seed <= 12; ++seed) {
+    for (uint32_t seed = 1; seed <= 30; ++seed) {
         std::mt19937 random(seed);
         const auto next = [&]() -> uint32_t { return random() & 0xFF; };
         manager.Reset();
         RandomTree tree(next);
-        for (int step = 0; step < 600; ++step) {
+        for (int step = 0; step < 1000; ++step) {
             tree.Step(next);
             ASSERT_EQ(BrokenInvariant(), "") << "seed " << seed << " step " << step;
         }

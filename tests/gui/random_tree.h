@@ -101,9 +101,7 @@ public:
         case 6: manager.Navigate(static_cast<GUI_DIRECTION>(next() % 4)); break;
         case 7: manager.ActivateFocus(); break;
         case 8: manager.CancelFocus(); break;
-        case 9:
-            manager.SetWindowToolTip(Some(next), std::wstring(next() % 8, L't'));
-            break;
+        case 9: manager.SetWindowToolTip(Some(next), std::wstring(next() % 8, L't')); break;
         case 10: manager.Tick(next() * 20000u); break;
         default: Input(next); break;
         }
@@ -201,9 +199,8 @@ private:
         }
         case 6: {
             auto* const made = new CGhostList(parent, 0, L"LIST", next() % 32, place);
-            Fill(next, [&](const std::wstring& text, uint32_t flags) {
-                made->AddItem(text, -1, flags);
-            });
+            Fill(next,
+                 [&](const std::wstring& text, uint32_t flags) { made->AddItem(text, -1, flags); });
             made->OnSelect.connect([this](auto&&...) { Disturb(); });
             made->OnChoose.connect([this](auto&&...) { Disturb(); });
             made->OnFocusChange.connect([this](auto&&...) { Disturb(); });
@@ -212,18 +209,16 @@ private:
         case 7: MakeView(next, parent, place); break;
         case 8: {
             auto* const made = new CGhostDropList(parent, 0, L"DROP", L"choose", 100, place);
-            Fill(next, [&](const std::wstring& text, uint32_t flags) {
-                made->AddItem(text, -1, flags);
-            });
+            Fill(next,
+                 [&](const std::wstring& text, uint32_t flags) { made->AddItem(text, -1, flags); });
             made->OnSelect.connect([this](auto&&...) { Disturb(); });
             break;
         }
         case 9: new CGhostMultiText(parent, 0, L"T", std::wstring(next(), L'w'), place); break;
         case 10: {
             auto* const made = new CGhostPopup(parent, 0);
-            Fill(next, [&](const std::wstring& text, uint32_t flags) {
-                made->AddItem(text, -1, flags);
-            });
+            Fill(next,
+                 [&](const std::wstring& text, uint32_t flags) { made->AddItem(text, -1, flags); });
             made->OnSelect.connect([this](auto&&...) { Disturb(); });
             made->Show();
             break;

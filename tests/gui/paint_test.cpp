@@ -55,12 +55,12 @@ protected:
     CGhostSurface surface;
 };
 
-using Fill = PaintTest;
-using Text = PaintTest;
+using Fills = PaintTest;
+using Texts = PaintTest;
 
 } // namespace
 
-TEST_F(Fill, ColoursAndGradients) {
+TEST_F(Fills, ColoursAndGradients) {
     Fill(GhostFill::kColour, {2, 2, 3, 3});
     EXPECT_EQ(At(2, 2), 0xFF0000FFu);
     EXPECT_EQ(At(5, 2), 0u);
@@ -81,7 +81,7 @@ TEST_F(Fill, ColoursAndGradients) {
     EXPECT_EQ(At(2, 2), 0u);
 }
 
-TEST_F(Fill, BitmapsCopiedAndFlippedNeverReadOutside) {
+TEST_F(Fills, BitmapsCopiedAndFlippedNeverReadOutside) {
     Fill(GhostFill::kBitmap, {1, 1, 18, 10});
     EXPECT_EQ(Row(1), ".012345.............");
     EXPECT_EQ(Column(1), ".0123.......");
@@ -91,7 +91,7 @@ TEST_F(Fill, BitmapsCopiedAndFlippedNeverReadOutside) {
     EXPECT_EQ(Row(1), ".543210.............");
 }
 
-TEST_F(Fill, StretchedAndTiled) {
+TEST_F(Fills, StretchedAndTiled) {
     Fill(GhostFill::kBitmapStretch, {0, 0, 18, 12});
     EXPECT_EQ(Row(0), "000111222333444555..");
     EXPECT_EQ(Column(0), "000111222333");
@@ -102,7 +102,7 @@ TEST_F(Fill, StretchedAndTiled) {
     EXPECT_EQ(Row(0), "01234501234501234501");
 }
 
-TEST_F(Fill, SmartFillsKeepTheirEndsAndRepeatTheMiddle) {
+TEST_F(Fills, SmartFillsKeepTheirEndsAndRepeatTheMiddle) {
     Fill(GhostFill::kBitmapSmartHorizontal, {0, 0, 20, 4}, {1, 0, 2, 0});
     EXPECT_EQ(Row(0), "01231231231231231245");
     Fill(GhostFill::kBitmapSmartVertical, {0, 0, 6, 11}, {0, 1, 0, 1});
@@ -111,7 +111,7 @@ TEST_F(Fill, SmartFillsKeepTheirEndsAndRepeatTheMiddle) {
     EXPECT_EQ(Row(0), ".....045............") << "the right end lies over the left";
 }
 
-TEST_F(Fill, RoundedFramesHaveCutCorners) {
+TEST_F(Fills, RoundedFramesHaveCutCorners) {
     ASSERT_TRUE(surface.Create({0, 0, 20, 12}, 1.0));
     GhostBorderStyle border;
     border.type = GhostFrame::kRoundedColour;
@@ -127,7 +127,7 @@ TEST_F(Fill, RoundedFramesHaveCutCorners) {
     EXPECT_EQ(At(18, 10), 0xFFABCDEFu);
 }
 
-TEST_F(Text, MeasuresAddUpAndHalfALetterFits) {
+TEST_F(Texts, MeasuresAddUpAndHalfALetterFits) {
     const int whole = MeasureText(nullptr, L"mmmm").width;
     const int one = MeasureText(nullptr, L"m").width;
     EXPECT_NEAR(whole, 4 * one, 4);
@@ -143,7 +143,7 @@ TEST_F(Text, MeasuresAddUpAndHalfALetterFits) {
     EXPECT_EQ(CGhostFontManager::Get().GetFont("Unknown", 20), nullptr);
 }
 
-TEST_F(Text, IsAlignedWithinItsRectangleAndOutlinedAround) {
+TEST_F(Texts, IsAlignedWithinItsRectangleAndOutlinedAround) {
     const auto extent = [&](uint32_t align, uint32_t outline) {
         EXPECT_TRUE(surface.Create({0, 0, 200, 60}, 1.0));
         DrawText(surface, nullptr, L"H", 0xFFFFFFFF, outline, align, {0, 0, 200, 60}, 0, 0);

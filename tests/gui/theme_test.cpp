@@ -22,13 +22,13 @@ protected:
 
 using Theme = ThemeTest;
 
-const std::string kRed =
-    R"(<texture type="color"><color name="bg" val="FFFF0000"/></texture>)";
+const std::string kRed = R"(<texture type="color"><color name="bg" val="FFFF0000"/></texture>)";
 
 } // namespace
 
 TEST_F(Theme, UseCopiesAnEarlierRecordAndChildrenOverwrite) {
-    Parse("<textbox name='A'>" + kRed + "<color name='text' val='11223344'/></textbox>"
+    Parse("<textbox name='A'>" + kRed +
+          "<color name='text' val='11223344'/></textbox>"
           "<textbox name='B' use='A'><color name='text' val='FFFFFFFF'/></textbox>");
     EXPECT_EQ(Text(L"B").bg.colour1, 0xFFFF0000);
     EXPECT_EQ(Text(L"B").textColour, 0xFFFFFFFF);
@@ -37,8 +37,12 @@ TEST_F(Theme, UseCopiesAnEarlierRecordAndChildrenOverwrite) {
 
 TEST_F(Theme, UseOfALaterRecordOrAnotherKindGivesZerosAndKeepsItsOwnChildren) {
     Parse("<textbox name='A' use='LATER'><color name='text' val='FF'/></textbox>"
-          "<textbox name='LATER'>" + kRed + "</textbox>"
-          "<button name='BUTTON'><textbox name='normal'>" + kRed + "</textbox></button>"
+          "<textbox name='LATER'>" +
+          kRed +
+          "</textbox>"
+          "<button name='BUTTON'><textbox name='normal'>" +
+          kRed +
+          "</textbox></button>"
           "<textbox name='B' use='BUTTON'><color name='text' val='FE'/></textbox>"
           "<textbox name='SELF' use='SELF'><color name='text' val='FD'/></textbox>");
     EXPECT_EQ(Text(L"A").bg.colour1, 0u);
@@ -74,9 +78,11 @@ TEST_F(Theme, RectsAreZeroedFirstAndTheWordsWin) {
 }
 
 TEST_F(Theme, AFillThatNeedsABitmapItHasNotPaintsNothing) {
-    Parse("<textbox name='A'><texture type='bitmap_stretch'><file name='BUTTON00'/></texture></textbox>"
+    Parse("<textbox name='A'><texture type='bitmap_stretch'><file "
+          "name='BUTTON00'/></texture></textbox>"
           "<textbox name='B'><texture type='bitmap'><file name='#NOWHERE'/></texture></textbox>"
-          "<textbox name='C'>" + kRed + "<texture type='unheard of'/></textbox>");
+          "<textbox name='C'>" +
+          kRed + "<texture type='unheard of'/></textbox>");
     EXPECT_EQ(Text(L"A").bg.type, GhostFill::kNone);
     EXPECT_EQ(Text(L"B").bg.type, GhostFill::kNone);
     EXPECT_EQ(Text(L"C").bg.type, GhostFill::kColour) << "as inherited";

@@ -1,5 +1,5 @@
-// The NES's sound unit, as cost of a cycle and as multiples of real time. A frame is a sixtieth of a
-// second of processor cycles; with the resampler it is flushed and taken at its end.
+// The APU: cost of a cycle and multiple of real time. A frame is a sixtieth of a second of CPU cycles; with the
+// resampler its sound is flushed and taken at the end.
 #include "base/audio_rate.h"
 #include "machine/sound_settings.h"
 #include "nes/apu.h"
@@ -76,7 +76,7 @@ void ApuCycles(benchmark::State& state) {
     const auto apu = PlayingApu(irqLines);
     for ([[maybe_unused]] auto step : state) {
         for (uint32_t cycle = 0; cycle < kFrameCycles; ++cycle) {
-            ApuStep(*apu);
+            ApuTick(*apu);
         }
         benchmark::DoNotOptimize(apu->pairs->samples[0]);
         apu->pairs->sampleCount = 0;
@@ -90,7 +90,7 @@ void ApuFrames(benchmark::State& state) {
     const auto apu = PlayingApu(irqLines);
     for ([[maybe_unused]] auto step : state) {
         for (uint32_t cycle = 0; cycle < kFrameCycles; ++cycle) {
-            ApuStep(*apu);
+            ApuTick(*apu);
         }
         apu->sound.Flush();
         apu->sound.Consume(static_cast<int32_t>(apu->sound.Output().size()));

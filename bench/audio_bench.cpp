@@ -26,8 +26,8 @@ std::vector<int16_t> Noise(size_t count) {
     return samples;
 }
 
-// One frame of a sixtieth of a second at a time, taken at once, as a machine does. `mono`: both sides the same, as
-// of all chips of this rate but the Game Gear's.
+// Pushes a sixtieth of a second at a time and takes it at once, as a machine does. `mono`: both sides
+// the same, as of all chips of this rate but the Game Gear's.
 void RunResampler(benchmark::State& state, double sourceRate, bool mono) {
     AudioResampler resampler;
     resampler.Init(sourceRate, 44100, static_cast<int32_t>(state.range(0)));
@@ -55,7 +55,7 @@ void ResampleSlowChip(benchmark::State& state) {
     RunResampler(state, 53267.0, false);
 }
 
-// What ours is measured against.
+// The library to compare ours with.
 void ResampleFastChipWithLibsamplerate(benchmark::State& state) {
     int error = 0;
     SRC_STATE* const converter = src_new(SRC_SINC_FASTEST, 2, &error);

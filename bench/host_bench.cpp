@@ -1,5 +1,5 @@
-// What the host costs beside the machine: a state on the rewind stack, a step, a frame's samples, and
-// the work on pictures.
+// The host's own cost: a state on the rewind stack, a step, a frame's samples, and the work on
+// pictures.
 #include "host/frame_loop.h"
 #include "host/host_data.h"
 #include "host/picture.h"
@@ -18,7 +18,7 @@ constexpr uint32_t kWidth = 320;
 constexpr uint32_t kHeight = 240;
 constexpr uint32_t kPairs = 735;
 
-// Does nothing but say that it made a frame and copy a state of the given size.
+// Only reports a frame and copies a state of the given size.
 class CIdleMachine : public CEmuSystem {
 public:
     explicit CIdleMachine(uint32_t stateBytes)
@@ -56,7 +56,7 @@ std::unique_ptr<EMU_THREAD> MakeSession(uint32_t stateBytes) {
     return session;
 }
 
-// A push on a full stack, the oldest state dropped. Argument: bytes of a state.
+// A push on a full stack, which drops the oldest state. Argument: bytes of a state.
 void RewindPushWhenFull(benchmark::State& state) {
     const auto size = static_cast<uint32_t>(state.range(0));
     const auto session = MakeSession(size);

@@ -1,4 +1,4 @@
-// The 6502 on an inlined 64 KB bus, in cycles a second; an NES runs it at 1.79 million.
+// The 6502 on an inlined 64 KB bus, in cycles per second; an NES runs it at 1.79 million.
 #include "nes/m6502.h"
 
 #include <benchmark/benchmark.h>
@@ -14,7 +14,7 @@ constexpr double kConsoleClock = 1'789'773.0;
 constexpr int kCyclesARound = 29'781; // about one frame
 constexpr uint16_t kStart = 0x8000;
 
-// Copies, adds up, branches and calls, for ever.
+// Copies, adds, branches and calls in an endless loop.
 constexpr std::array<uint8_t, 32> kProgram{
     0xA2, 0x40,       // 8000 LDX #40
     0xA0, 0x00,       // 8002 LDY #00

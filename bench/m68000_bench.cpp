@@ -1,6 +1,6 @@
 // The 68000 on pages and on callbacks, in instructions a second; a Mega Drive runs 7.67 million clocks, about
 // a million instructions.
-#include "megadrive/m68000_step.h"
+#include "megadrive/m68000_tick.h"
 
 #include <benchmark/benchmark.h>
 
@@ -15,7 +15,7 @@ constexpr int kStepsARound = 10'000;
 constexpr uint32_t kStart = 0x400;
 constexpr uint32_t kPageWords = 0x8000;
 
-// Copies, adds up, shifts, multiplies, branches and calls, for ever.
+// Copies, adds up, shifts, multiplies, branches and calls, forever.
 constexpr std::array<uint16_t, 30> kProgram{
     0x41F8, 0x2000, // 400 LEA 2000.W,A0
     0x43F8, 0x3000, // 404 LEA 3000.W,A1
@@ -85,7 +85,7 @@ void Measure(benchmark::State& state, bool usesPages) {
     for (auto round : state) {
         static_cast<void>(round);
         for (int i = 0; i < kStepsARound; ++i) {
-            clocks += M68kStep(cpu);
+            clocks += M68kTick(cpu);
         }
     }
     const auto steps = static_cast<double>(state.iterations()) * kStepsARound;

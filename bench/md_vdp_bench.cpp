@@ -1,4 +1,4 @@
-// Cost of an H step and of a frame of the Mega Drive's video processor, single steps and many at once.
+// Cost of an H step and of a frame of the Mega Drive's VDP, by single ticks and by runs of many.
 // A frame is 262 lines of 3,420 master clocks.
 #include "megadrive/md_vdp.h"
 
@@ -77,7 +77,7 @@ void SingleClocks(benchmark::State& state, uint8_t reg1, uint8_t reg12) {
     for (auto _ : state) {
         MdVdpBeginFrame(*board.vdp, board.pixels.data());
         while (board.vdp->frameDone == 0) {
-            MdVdpClock(*board.vdp);
+            MdVdpTick(*board.vdp);
         }
         benchmark::DoNotOptimize(board.pixels.data());
     }

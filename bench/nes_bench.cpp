@@ -16,8 +16,8 @@ namespace {
 
 constexpr double kFramesPerSecond = 1789773.0 / 29780.5;
 
-// At 0xE000: colours, nametables, 64 sprites and all channels of sound are set up; then memory is read,
-// added up and written for ever.
+// At 0xE000: sets up colours, nametables, 64 sprites and all sound channels; then reads, adds and writes memory in an
+// endless loop.
 constexpr uint8_t kSetUp[] = {
     0x2C, 0x02, 0x20, 0x10, 0xFB, 0x2C, 0x02, 0x20, 0x10, 0xFB, // BIT 2002; BPL, twice
     0xA9, 0x3F, 0x8D, 0x06, 0x20, 0xA9, 0x00, 0x8D, 0x06, 0x20, // 2006 = 3F00
@@ -58,7 +58,7 @@ constexpr uint8_t kLoop[] = {
     0xEA, 0xEA, 0x20, 0x00, 0xF0,       // NOP; NOP; JSR F000
 };
 constexpr uint8_t kRoutine[] = {0x48, 0x0A, 0x4A, 0x68, 0x60}; // PHA; ASL; LSR; PLA; RTS
-// Sprite transfer, and the picture a dot further.
+// Sprite DMA, and scrolls the picture by a pixel.
 constexpr uint8_t kBlank[] = {0x48, 0xA9, 0x02, 0x8D, 0x14, 0x40, 0xAD, 0x02,
                               0x20, 0xE6, 0x30, 0xA5, 0x30, 0x8D, 0x05, 0x20,
                               0xA9, 0x00, 0x8D, 0x05, 0x20, 0x68, 0x40};
@@ -133,7 +133,7 @@ void RunFrames(benchmark::State& state, uint8_t board, uint8_t mask, int32_t qua
         static_cast<double>(state.iterations()) / kFramesPerSecond, benchmark::Counter::kIsRate);
 }
 
-// A plain board; one that watches the picture's addresses; one that counts cycles.
+// A plain board, one that watches PPU addresses, and one that counts CPU cycles.
 BENCHMARK_CAPTURE(RunFrames, Plain, 0, 0x1E, 1);
 BENCHMARK_CAPTURE(RunFrames, PlainNearestSound, 0, 0x1E, 0);
 BENCHMARK_CAPTURE(RunFrames, Scanline, 4, 0x1E, 1);

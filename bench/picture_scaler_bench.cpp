@@ -1,5 +1,5 @@
-// What a scaled picture costs, 320 by 224 pixels: of discs on a dithered sky, of nothing but dithering,
-// and of one colour.
+// The cost of scaling a picture of 320 by 224 pixels: discs on a dithered sky, only dithering, and one
+// colour.
 #include "display/picture_scaler.h"
 
 #include <benchmark/benchmark.h>

@@ -1,4 +1,4 @@
-// Cost of a dot and of a frame of the NES picture unit. A frame has 89,342 dots.
+// Cost of a dot and of a frame of the PPU. A frame has 89,342 dots.
 #include "nes/ppu.h"
 #include "nes/ppu_tick.h"
 
@@ -17,7 +17,7 @@ void CountRise(void* board, uint16_t address) {
     rises += uint32_t{address} >> 12 & 1;
 }
 
-// Whether the board looks at addresses.
+// Whether the board watches addresses.
 enum class Watching { kNo, kYes };
 
 struct Board {
@@ -59,7 +59,7 @@ void RunFrames(benchmark::State& state, uint8_t mask, Watching watching) {
     for (auto _ : state) {
         PpuBeginFrame(*board.ppu, board.pixels.data(), kPpuWidth);
         while (!board.ppu->frameDone) {
-            PpuDot(*board.ppu);
+            PpuTick(*board.ppu);
         }
         benchmark::DoNotOptimize(board.pixels.data());
     }

@@ -1,5 +1,5 @@
-// The sound chips of the 8-bit machines, as cost of a clock and as multiples of real time. A frame is
-// a sixtieth of a second of Z80 clocks; with the resampler it is flushed and taken at its end.
+// The sound chips of the 8-bit machines: cost of a clock and multiple of real time. A frame is a
+// sixtieth of a second of Z80 clocks; with the resampler its sound is resampled at the end.
 #include "base/audio_rate.h"
 #include "machine/sound_settings.h"
 #include "sega8/psg.h"

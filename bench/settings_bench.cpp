@@ -1,4 +1,4 @@
-// Lookup by name, which every machine does for every action at every poll of its controllers.
+// Lookup by name, which every machine does for every action whenever it polls its controllers.
 #include "base/text.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -14,7 +14,7 @@ void Prepare() {
     InputClearAll();
 }
 
-// The list without its index, as a measure.
+// The list without its index, for comparison.
 const Setting* FindByWalk(const SettingsStore& store, std::wstring_view prefix,
                           std::wstring_view name) {
     const std::wstring lowered = LowerAscii(std::wstring(prefix) + std::wstring(name));

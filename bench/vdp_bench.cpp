@@ -1,4 +1,5 @@
-// Cost of a step and of a frame of the 8-bit VDP. A step is half a dot; a 262-line frame has 179,208.
+// Cost of a tick and of a frame of the 8-bit VDP. A tick is half a dot; a 262-line frame has
+// 179,208.
 #include "sega8/vdp.h"
 #include "sega8/vdp_run.h"
 
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr uint32_t kStepsPerFrame = 262 * kVdpStepsPerLine;
+constexpr uint32_t kTicksPerFrame = 262 * kVdpTicksPerLine;
 
 struct Board {
     VDP vdp;
@@ -43,17 +44,17 @@ void RunFrames(benchmark::State& state, uint8_t mode0, uint8_t mode1, Way way) {
         VdpBeginFrame(board.vdp, board.pixels.data(), 256);
         while (!board.vdp.frameDone) {
             if (way == Way::kCatchingUp) {
-                VdpRun(board.vdp, VdpStepsToEvent(board.vdp));
+                VdpRun(board.vdp, VdpTicksToEvent(board.vdp));
             } else {
                 VdpTick(board.vdp);
             }
         }
         benchmark::DoNotOptimize(board.pixels.data());
     }
-    state.counters["steps/s"] = benchmark::Counter(
-        static_cast<double>(state.iterations()) * kStepsPerFrame, benchmark::Counter::kIsRate);
-    state.counters["s/step"] =
-        benchmark::Counter(static_cast<double>(state.iterations()) * kStepsPerFrame,
+    state.counters["ticks/s"] = benchmark::Counter(
+        static_cast<double>(state.iterations()) * kTicksPerFrame, benchmark::Counter::kIsRate);
+    state.counters["s/tick"] =
+        benchmark::Counter(static_cast<double>(state.iterations()) * kTicksPerFrame,
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
     state.counters["timesRealTime"] = benchmark::Counter(
         static_cast<double>(state.iterations()) / 59.92, benchmark::Counter::kIsRate);

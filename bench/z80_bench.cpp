@@ -1,4 +1,4 @@
-// The Z80 on an inlined 64 KB bus, in clocks a second; a console runs it at 3.58 million.
+// The Z80 on an inlined 64 KB bus, in clocks a second; a console has 3.58 million.
 #include "sega8/z80.h"
 
 #include <benchmark/benchmark.h>
@@ -13,7 +13,7 @@ namespace {
 constexpr double kConsoleClock = 3'579'545.0;
 constexpr int kClocksARound = 60'000; // about one frame
 
-// Copies, adds up, branches and calls, for ever.
+// An endless loop of copies, sums, branches and calls.
 constexpr std::array<uint8_t, 27> kProgram{
     0x31, 0x00, 0xF0,       // LD SP,F000
     0x21, 0x00, 0x40,       // LD HL,4000

@@ -13,8 +13,8 @@ find_program(M68K_OBJCOPY m68k-linux-gnu-objcopy REQUIRED)
 
 # ombrelune_tables(folder variable file...)
 #
-# Pictures, sheets, scores and sounds (demos/README.md) as tables: of each FILE.* comes FOLDER/FILE.inc,
-# and of a picture FOLDER/FILE_count.inc too. Sets the variable to all that is made.
+# Converts pictures, sheets, scores and sounds (demos/README.md) to tables: each FILE.* to FOLDER/FILE.inc, and a
+# picture to FOLDER/FILE_count.inc too. Sets the variable to the list of products.
 function(ombrelune_tables folder variable)
     set(tables "")
     foreach(source ${ARGN})
@@ -25,7 +25,7 @@ function(ombrelune_tables folder variable)
         if(extension STREQUAL ".png")
             list(APPEND products ${folder}/${stem}_count.inc)
         endif()
-        # The depfile names the picture that a sheet reads.
+        # The depfile lists the picture that a sheet reads.
         add_custom_command(OUTPUT ${products}
             COMMAND demo_tables ${source} ${folder}/${stem}.inc
             DEPENDS demo_tables ${source} DEPFILE ${folder}/${stem}.inc.d VERBATIM)
@@ -38,8 +38,8 @@ endfunction()
 #
 # Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, SIZE bytes of a Z80 program: code from address 0, data
 # from 0xC000. The first source is linked first and holds the reset vector. Sources are assembly (.s,
-# sdasz80) or C (.c, sdcc, without its start code). DEPENDS are included files, and TABLES are what tables
-# that the sources include are made of: `.include "x.inc"` takes in those of x.png, x.sheet or x.score.
+# sdasz80) or C (.c, sdcc, without its start code). DEPENDS are included files. TABLES are converted to tables for
+# the sources to include: x.png, x.sheet or x.score becomes "x.inc".
 function(ombrelune_z80_rom)
     cmake_parse_arguments(ROM "" "NAME;SIZE" "SOURCES;DEPENDS;TABLES;FLAGS" ${ARGN})
     set(objects "")
@@ -73,9 +73,9 @@ endfunction()
 
 # ombrelune_nes_rom(NAME name CONFIG file SOURCES file... [DEPENDS file...] [TABLES file...])
 #
-# Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, a NES cartridge with the header that the sources hold,
-# laid out by the linker's CONFIG. Sources are assembly (.s, ca65) or C (.c, cc65 with its helpers of
-# arithmetic, but no start code and no library of a machine). DEPENDS and TABLES are as above.
+# Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, an NES cartridge whose header is in the sources, laid out by the
+# linker's CONFIG. Sources are assembly (.s, ca65) or C (.c, cc65 with its arithmetic helpers, but without start
+# code or a machine's library). DEPENDS and TABLES are as above.
 function(ombrelune_nes_rom)
     cmake_parse_arguments(ROM "" "NAME;CONFIG" "SOURCES;DEPENDS;TABLES" ${ARGN})
     set(objects "")
@@ -114,7 +114,7 @@ endfunction()
 # Builds ${CMAKE_CURRENT_BINARY_DIR}/NAME.rom, a Mega Drive cartridge of 68000 assembly (.s, GNU as),
 # laid out by the linker script CONFIG. The files of Z80 (.s, sdasz80; the first is linked first, at
 # address 0) become a program of at most 8 KiB in ${CMAKE_CURRENT_BINARY_DIR}/NAME.dir/z80.bin, which the
-# sources take in with .incbin "z80.bin". DEPENDS and TABLES are as above.
+# sources include with .incbin "z80.bin". DEPENDS and TABLES are as above.
 function(ombrelune_md_rom)
     cmake_parse_arguments(ROM "" "NAME;CONFIG" "SOURCES;DEPENDS;TABLES;Z80" ${ARGN})
     set(objects "")
@@ -169,7 +169,7 @@ function(ombrelune_demo)
         COMMAND ${CMAKE_COMMAND} -DIMAGE=${DEMO_ROM} -DSOURCE=${source} -DIDENTIFIER=${identifier}
             -P ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake
         DEPENDS ${DEMO_ROM} ${PROJECT_SOURCE_DIR}/cmake/EmbedFile.cmake VERBATIM)
-    # A target in the folder of its rules; the list below is made in another one.
+    # The target must be in the folder of its rules; the list is built in another folder.
     add_library(demo-${DEMO_NAME} OBJECT ${source})
     set_property(GLOBAL APPEND PROPERTY OMBRELUNE_DEMO_OBJECTS $<TARGET_OBJECTS:demo-${DEMO_NAME}>)
     set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_DEMO_EXTERNS
@@ -178,7 +178,7 @@ function(ombrelune_demo)
         "    {\"${DEMO_NAME}\", \"${DEMO_TITLE}\", ${DEMO_SYSTEM}, {gDemo_${identifier}, gDemo_${identifier}_size}},\n")
 endfunction()
 
-# To be called once, in the folder of the demos, after the last of them: makes the target `demos`.
+# Makes the target `demos`. Call it once, in the demos' folder, after the last of them.
 function(ombrelune_embed_demos)
     get_property(objects GLOBAL PROPERTY OMBRELUNE_DEMO_OBJECTS)
     get_property(DEMO_EXTERNS GLOBAL PROPERTY OMBRELUNE_DEMO_EXTERNS)

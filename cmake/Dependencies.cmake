@@ -1,4 +1,4 @@
-# The libraries that the program calls. All come from Debian; tools/packages lists their packages.
+# The libraries that the program calls. All come from Debian; tools/packages.sh lists their packages.
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(ZLIB REQUIRED)

@@ -1,6 +1,6 @@
 # cmake -D PROGRAM=... -D LIST=... -D TIMEOUT=... -D COST=... -D LABELS=... -P DiscoverSuites.cmake
-# Writes to LIST what ctest includes: an entry for each suite of the test program. Suites of many tests run
-# first, so that none runs on alone at the end.
+# Writes the file LIST for ctest to include, with an entry for each suite of the test program. Large suites run
+# first, so that none is left running alone at the end.
 cmake_minimum_required(VERSION 3.25)
 execute_process(COMMAND ${PROGRAM} --gtest_list_tests
     OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY TIMEOUT 120)

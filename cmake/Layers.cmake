@@ -1,7 +1,7 @@
 # ombrelune_library(NAME SOURCES file... USES target... [LIBRARIES external...])
 #
-# One library of the program. USES is the whole list of our own targets that it may know; the list is
-# also written to layers.txt in the build folder, against which a test reads every #include.
+# One library of the program. USES is the whole list of our own targets that it may include; it is also
+# written to layers.txt in the build folder, and a test checks every #include against it.
 set_property(GLOBAL PROPERTY OMBRELUNE_LAYERS "")
 
 function(ombrelune_layer name)
@@ -24,7 +24,7 @@ function(ombrelune_library name)
     ombrelune_layer(${name} SOURCES ${LIB_SOURCES} USES ${LIB_USES})
 endfunction()
 
-# To be called once, after the last library: writes what the functions above gathered.
+# Writes what the functions above collected. Call it once, after the last library.
 function(ombrelune_write_layers)
     get_property(layers GLOBAL PROPERTY OMBRELUNE_LAYERS)
     file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/layers.txt CONTENT "${layers}" @ONLY)

@@ -22,10 +22,10 @@ target_compile_options(ombrelune_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # GCC 12 takes its own std::string for overlapping copies.
+    # GCC 12 falsely reports overlapping copies in its own std::string.
     target_compile_options(ombrelune_flags INTERFACE -Wno-restrict)
 endif()
-# Debug and sanitizer builds check the ranks of locks whether asked to or not.
+# Debug and sanitizer builds always check lock ranks.
 if(OMBRELUNE_CHECK_LOCK_RANKS OR OMBRELUNE_SANITIZE)
     target_compile_definitions(ombrelune_flags INTERFACE OMBRELUNE_CHECK_LOCK_RANKS)
 else()
@@ -51,12 +51,12 @@ if(OMBRELUNE_SANITIZE)
         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${OMBRELUNE_SANITIZE})
     if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND OMBRELUNE_SANITIZE MATCHES "undefined")
-        # Clang's check of virtual tables opens a pipe, which a test that has used up all files refuses.
+        # Clang's vptr check opens a pipe, which fails in a test that has used up all file descriptors.
         add_compile_options(-fno-sanitize=vptr)
         add_link_options(-fno-sanitize=vptr)
     endif()
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND OMBRELUNE_SANITIZE MATCHES "thread")
-        # The standard library's own fences are seen by the sanitizer through its atomics.
+        # The sanitizer handles the standard library's fences through its atomics.
         add_compile_options(-Wno-tsan)
     endif()
 endif()

@@ -87,7 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     session.stateEntryName = "a5a5a5a5a5a5";
     EmuLoadFromArchive(session);
     const bool saved = EmuSaveToArchive(session);
-    // After a save the state is there, whatever stood in the way before.
+    // After a save the state can be loaded, whatever the file was before.
     if (saved && !EmuLoadFromArchive(session)) {
         std::abort();
     }

@@ -1,4 +1,4 @@
-// Conversion of any image, against a database of any bytes and against one that knows it.
+// Conversion of any image, with a database of any bytes and with one that has the image.
 //
 // Input: system (one byte), lengths of the stem (one byte) and the database (two), then stem, database
 // and image.
@@ -46,12 +46,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Require(system == kSystemArcade);
         return 0;
     }
-    // The game's own records, as a database, know the image.
+    // The game's own records as a database, which has the image.
     const std::vector<uint8_t> records = game.Serialise(false);
     const std::vector<CGameFile> own = ParseDatabase(records.data(), records.size());
     CGameFile again;
     Require(own.size() == 1 && BuildGame(system, stem, rest, own, again, known) && known);
-    // Seldom, as packing takes most of the time.
+    // Rarely, as packing takes most of the time.
     if (rest.size() % 64 == 1) {
         std::vector<uint8_t> file;
         Require(ConvertImage(system, stem, rest, database, file, known));

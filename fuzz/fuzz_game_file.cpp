@@ -1,4 +1,4 @@
-// Containers and databases of any bytes: read, walked, edited and written again.
+// Containers and databases of any bytes: read, queried, edited and written again.
 #include "formats/game_file.h"
 #include "formats/packing.h"
 
@@ -32,7 +32,7 @@ void ReadEverything(CGameFile& game) {
         Require(game.NameRomAt(i, i) < 255);
         (void)game.RomOffset(i);
     }
-    // One image a game: lists that repeat a large piece would take all the time.
+    // One image for each game: lists that repeat a large piece would take all the time.
     game.selectedName = 0;
     if (const auto image = game.AssembleSelectedImage()) {
         Require(image->size() <= kImageLimit);

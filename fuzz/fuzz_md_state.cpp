@@ -25,8 +25,7 @@ constexpr uint8_t kWhole = 0x80;
 constexpr uint8_t kImage = 0x40;
 constexpr uint8_t kFromTheEnd = 0x80;
 constexpr size_t kPatchHeader = 5;
-constexpr size_t kChipPieces =
-    7; // board, 68000, Z80, video, PSG, FM, cartridge; the sound is behind
+constexpr size_t kChipPieces = 7; // board, 68000, Z80, video, PSG, FM, cartridge; the sound follows
 
 struct CARTRIDGE {
     std::string_view title;
@@ -85,7 +84,7 @@ void PutFrame(std::vector<uint8_t>& image, const CARTRIDGE& cartridge) {
 }
 
 // Shows the picture with both interrupts on, has the Z80 play the FM chip and reach through its window, and writes
-// random numbers to RAM, the cartridge, the signal processor and video memory for ever.
+// random numbers to RAM, the cartridge, the signal processor and VRAM forever.
 void PutProgram(std::vector<uint8_t>& image) {
     constexpr uint16_t kRegisters[] = {0x8014, 0x8174, 0x8230, 0x832C, 0x8407, 0x855C, 0x8A13,
                                        0x8B03, 0x8C89, 0x8D2E, 0x8F02, 0x9011, 0x9185, 0x9206};
@@ -112,7 +111,7 @@ void PutProgram(std::vector<uint8_t>& image) {
 }
 
 FUZZ_PLAYER StartCartridge(const CARTRIDGE& cartridge, uint8_t console) {
-    // Noise behind the program: a picture, and code for the signal processor.
+    // Noise after the program: a picture, and code for the signal processor.
     std::vector<uint8_t> image(0x10000);
     std::mt19937 random(3);
     for (uint8_t& byte : image) {

@@ -1,7 +1,6 @@
-// States of any bytes, loaded into the NES with each of its boards, and a frame run after it; or a whole
-// image of any bytes, run for two frames. The first byte picks the board, or the image by 0x40. A state
-// is a whole one by 0x80, or, as whole states are long, a patch: bytes that are laid over the fields of a
-// good one, from the offset that the next two bytes name.
+// Loads arbitrary states into the NES with each of its boards and runs a frame; or loads an arbitrary image and runs
+// two frames. The first byte selects the board, or an image with 0x40. With 0x80 the input is a whole state;
+// otherwise, as states are long, it patches a valid state from the offset in the next two bytes.
 #include "nes/nes.h"
 #include "settings/settings.h"
 
@@ -22,7 +21,7 @@ std::unique_ptr<CNES> Start(std::vector<uint8_t> image) {
 }
 
 FUZZ_PLAYER StartBoard(uint8_t board, uint8_t characterBanks) {
-    // Shows the picture and writes what it counts to RAM, board and picture: LDA #1E; STA 2001; INX; TXA;
+    // Turns rendering on and writes a counter to RAM, board and PPU: LDA #1E; STA 2001; INX; TXA;
     // STA 0200,X; STA 8000,X; STA 2007; STA 6000,X; JMP.
     const uint8_t code[] = {0xA9, 0x1E, 0x8D, 0x01, 0x20, 0xE8, 0x8A, 0x9D, 0x00, 0x02, 0x9D,
                             0x00, 0x80, 0x8D, 0x07, 0x20, 0x9D, 0x00, 0x60, 0x4C, 0x05, 0xE0};
@@ -55,7 +54,7 @@ std::vector<FUZZ_PLAYER> StartAll() {
 }
 
 void RunImage(const uint8_t* data, size_t size) {
-    // The mark is given; everything behind it is the input's.
+    // The header's mark is fixed; all bytes after it are the input's.
     std::vector<uint8_t> image = {'N', 'E', 'S', 0x1A};
     image.insert(image.end(), data, data + size);
     if (const auto machine = Start(std::move(image))) {

@@ -1,6 +1,7 @@
-// States of any bytes, loaded into each of the 8-bit machines of Sega, and a frame run after it. The first
-// byte picks the machine; the rest is a state, or, as whole states are long, a patch: bytes that are
-// laid over the fields of a good one, from the offset before its end that the next two bytes name.
+// Loads any bytes as a state of each of the 8-bit Sega machines and runs a frame. The first byte
+// selects the machine; the rest is a state or a patch, as whole states are long. A patch has two
+// bytes of offset from the end of a valid state, and bytes that replace those of the state from
+// there on.
 #include "sega8/game_gear.h"
 #include "sega8/sms.h"
 #include "sega8/system_e.h"
@@ -14,7 +15,7 @@ namespace {
 
 template <typename Machine, typename Options>
 FUZZ_PLAYER Start(const Options& options, uint16_t system, uint32_t board = 0) {
-    // Counts through video memory and RAM: inc hl; ld (hl),a; out (0xBE),a; inc a; jr.
+    // Fills VRAM and RAM with a counter: inc hl; ld (hl),a; out (0xBE),a; inc a; jr.
     std::vector<uint8_t> image = {0x23, 0x77, 0xD3, 0xBE, 0x3C, 0x18, 0xF9};
     image.resize(0xC000, 0);
     return FuzzPlayer(FuzzStart<Machine>(options, system, std::move(image), board));

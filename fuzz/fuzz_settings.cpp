@@ -1,5 +1,5 @@
-// Settings documents. Whatever the bytes, nothing breaks; a refused document changes nothing; what an
-// accepted one leaves behind survives being saved and loaded.
+// Settings documents. No bytes break anything; a refused document changes nothing; the settings of an
+// accepted one survive saving and loading.
 #include "settings/settings.h"
 
 #include <cstddef>
@@ -14,7 +14,7 @@ void Require(bool holds) {
     }
 }
 
-// A few of the program's settings, two of most types: the whole table would only be slower.
+// A few of the program's settings, two of most types; the whole table would only be slower.
 void RegisterSome(SettingsStore& store) {
     store.RegisterBool(L"app_vsync", true);
     store.RegisterBool(L"app_lighting", true);

@@ -78,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Require(after == before);
         return 0;
     }
-    // What was taken is written back alike, but for bools, which come back as 0 or 1.
+    // An accepted piece is written back unchanged, except bools, which become 0 or 1.
     Require(used == before.size() && used <= size);
     RECORD again;
     Require(Read(again, after.data(), after.size()) == used);

@@ -1,5 +1,5 @@
-// What the fuzz entries of the machines share: games made of bytes, players with a state that loads,
-// patches over that state, and the host's side of a frame. A broken promise of a machine ends the process.
+// What the machines' fuzz entries share: games made of bytes, players with a valid state, patches over
+// that state, and the host's side of a frame. A broken guarantee of a machine ends the process.
 #pragma once
 
 #include "base/bytes.h"
@@ -23,7 +23,7 @@ inline void FuzzRequire(bool fact) {
     }
 }
 
-// A machine with a game of one image in it; null when it refuses the image. `board` goes into the record of an
+// A machine with a game of one image; null if it refuses the image. `board` goes into the record of an
 // arcade game; all other systems get the default record.
 template <typename Machine, typename Options>
 std::unique_ptr<Machine> FuzzStart(const Options& options, uint16_t system,
@@ -48,7 +48,7 @@ std::unique_ptr<Machine> FuzzStart(const Options& options, uint16_t system,
 }
 
 inline void FuzzRunFrame(CEmuSystem& machine) {
-    // Just as much as the host allocates, so that the sanitizer sees a write behind it.
+    // Exactly what the host allocates, so that the sanitizer sees a write after it.
     const auto pixels = std::make_unique<uint32_t[]>(size_t{machine.width} * machine.height);
     const auto samples = std::make_unique<int16_t[]>(size_t{kAudioFramePairs} * 2);
     EMU_VIDEO_FRAME video{};
@@ -77,7 +77,7 @@ struct FUZZ_PLAYER {
     std::vector<uint8_t> good; // a state that loads
 };
 
-// A player whose good state is the machine's after so many frames.
+// A player whose good state is the machine's after `frames` frames.
 inline FUZZ_PLAYER FuzzPlayer(std::unique_ptr<CEmuSystem> machine, int frames = 0) {
     FuzzRequire(machine != nullptr);
     for (int frame = 0; frame < frames; ++frame) {
@@ -88,7 +88,7 @@ inline FUZZ_PLAYER FuzzPlayer(std::unique_ptr<CEmuSystem> machine, int frames = 
     return {std::move(machine), std::move(good)};
 }
 
-// Where the pieces of a good state begin.
+// The offsets of a good state's pieces.
 inline std::vector<size_t> FuzzPieces(const std::vector<uint8_t>& good) {
     std::vector<size_t> pieces;
     for (size_t at = 0; at + kStatePieceHeader <= good.size();
@@ -98,20 +98,20 @@ inline std::vector<size_t> FuzzPieces(const std::vector<uint8_t>& good) {
     return pieces;
 }
 
-// Lays bytes over a state; what hangs over its end is cut off.
+// Overwrites part of a state; bytes beyond its end are dropped.
 inline void FuzzLay(std::vector<uint8_t>& state, size_t at, std::span<const uint8_t> bytes) {
     const auto kept = bytes.first(std::min(bytes.size(), state.size() - at));
     std::copy(kept.begin(), kept.end(), state.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
-// Puts every piece's version and size back, so that a patch reaches the fields of all chips.
+// Restores every piece's version and size, so that a patch reaches the fields of all chips.
 inline void FuzzMendHeaders(std::vector<uint8_t>& state, const std::vector<uint8_t>& good) {
     for (const size_t at : FuzzPieces(good)) {
         FuzzLay(state, at, std::span(good).subspan(at, kStatePieceHeader));
     }
 }
 
-// The good state with bytes laid over it.
+// The good state, partly overwritten.
 inline std::vector<uint8_t> FuzzPatched(const std::vector<uint8_t>& good, size_t at,
                                         std::span<const uint8_t> bytes) {
     std::vector<uint8_t> state = good;
@@ -120,8 +120,8 @@ inline std::vector<uint8_t> FuzzPatched(const std::vector<uint8_t>& good, size_t
     return state;
 }
 
-// Loads a state of any bytes, runs a frame whether it was taken or not, and asks for a state that loads; gives
-// that one.
+// Loads a state of any bytes, runs a frame whether it was accepted or not, and returns the machine's
+// new state, which must load.
 inline std::vector<uint8_t> FuzzState(FUZZ_PLAYER& player, const std::vector<uint8_t>& state) {
     static_cast<void>(FuzzLoad(*player.machine, state));
     FuzzRunFrame(*player.machine);

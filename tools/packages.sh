@@ -8,15 +8,15 @@ build_packages=(
     zlib1g-dev
 )
 
-# To build and run the tests, benchmarks and fuzz entry points besides.
+# Also to build and run the tests, benchmarks and fuzz entry points.
 test_packages=(
     clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev xauth xvfb
 )
 
-# To check format and lint as well.
+# Also to check format and lint.
 lint_packages=(clang-format clang-tidy)
 
-# need_packages NAME...: installs those that are missing, without a question, and says which.
+# need_packages NAME...: installs the missing ones without asking, and prints them.
 need_packages() {
     local missing=() name
     for name in "$@"; do

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Stages of ./test and .ci/run, sourced by them: each runs whatever became of those before it, and the last
-# lines say how all of them ended.
+# Stages of ./test and .ci/run, sourced by them: each runs even if an earlier one failed, and the last
+# lines report all of them.
 
 results="$PWD/build/results" # what ctest writes of its tests, a file a stage
 mkdir -p "$results"
@@ -21,7 +21,7 @@ run_ctest() {
         --test-output-size-failed 10000000 --output-junit "$results/$2.xml"
 }
 
-# finish NAME...: says what became of the tests of these names and ends the program.
+# finish NAME...: reports the results of these names and exits.
 finish() {
     printf '\n== results (%ss)\n' "$SECONDS"
     local name code=0

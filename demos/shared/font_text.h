@@ -12,5 +12,5 @@ extern const char fontText[];
 // The first character of a glyph's drawing.
 #define FONT_GLYPH(index) (fontText + ((u16)((index) >> 3) << 9) + (((index)&7) << 3))
 
-// The glyph of a character, FONT_GLYPHS for a space and for whatever has no drawing.
+// The glyph of a character, FONT_GLYPHS for a space and for characters without a drawing.
 u8 FontIndex(char character);

@@ -1,4 +1,4 @@
-// A small generator of pseudo-random bytes: the same seed gives the same row on every console.
+// A small generator of pseudo-random bytes: the same seed gives the same sequence on every console.
 #pragma once
 
 #include "types.h"

@@ -16,7 +16,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int64_t kSecond = 1'000'000'000;
 
-// The time that so many frames last, exact over centuries.
+// The time that the frames last, exact over centuries.
 std::chrono::nanoseconds Duration(uint64_t frames, uint32_t rate) {
     const auto seconds = static_cast<int64_t>(frames / rate);
     const auto rest = static_cast<int64_t>(frames % rate);
@@ -36,12 +36,12 @@ uint64_t FramesAfterStandstill(uint64_t pulled, int64_t now, uint32_t rate, uint
 
 struct ClockedOutput::Private {
     std::thread thread;
-    std::mutex lock; // of `ending`; nothing else is taken under it
+    std::mutex lock; // guards `ending`; no other lock is taken under it
     std::condition_variable changed;
     bool ending = false;
 
     void Run(uint32_t rate, uint32_t framesPerPull, const Pull& pull) {
-        // A late pull is heard like any other dropout where someone records the output.
+        // In a recording of the output a late pull is a dropout like any other.
         SDL_SetThreadPriority(SDL_THREAD_PRIORITY_TIME_CRITICAL);
         std::vector<int16_t> unheard(size_t{framesPerPull} * 2);
         const auto leastGap = Duration(framesPerPull, rate) / 2;

@@ -1,13 +1,13 @@
-// ClockedOutput: an output that nobody hears, which takes sound at the rate of the system's steady
-// clock. It stands in where the system has no loudspeaker, so that machines keep their pace there: a
-// driver that only sleeps a whole number of milliseconds between two pulls runs percents away from it.
+// ClockedOutput: a silent output, which takes sound at the rate of the system's steady clock. It is
+// used on a system without an output device, so that machines keep their speed there: a driver that
+// sleeps whole milliseconds between two pulls is off by percents.
 //
-// Units: frames are stereo pairs. A pull is due when as many seconds have gone as the frames pulled before
-// it last. Behind one that came late the next one waits for half a pull's time at least, so that who fills
-// in between finds time for it. Late by more than a pull the whole computer has stood still, the machines
-// too, and what was missed is skipped.
-// Threads: the owner calls Start and Stop; pulls come on a thread of the output's own, which has ended
-// when Stop returns.
+// Units: frames are stereo pairs. A pull is due when the frames pulled before it have been played.
+// After a late pull the next one waits at least half a pull's time, so that the pump can run in
+// between. If a pull is late by more than its own length, the whole computer was suspended, machines
+// included, and the missed time is skipped.
+// Threads: the owner calls Start and Stop; pulls come on the output's own thread, which has ended when
+// Stop returns.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ public:
     ClockedOutput(const ClockedOutput&) = delete;
     ClockedOutput& operator=(const ClockedOutput&) = delete;
 
-    // Neither number is 0. One that runs is stopped first.
+    // Neither number is 0. Stops a running output first.
     void Start(uint32_t rate, uint32_t framesPerPull, Pull pull);
     void Stop();
 
@@ -32,7 +32,7 @@ private:
     std::unique_ptr<Private> p;
 };
 
-// The place of a pull that comes `now` nanoseconds after the start, with `pulled` frames done: that number, or
-// a later one when the pull is late by more than `longest` frames. For the thread above, and for its test.
+// The frame position of a pull that comes `now` nanoseconds after the start, with `pulled` frames done:
+// `pulled`, or more if the pull is late by over `longest` frames. Used by the thread and its test.
 [[nodiscard]] uint64_t FramesAfterStandstill(uint64_t pulled, int64_t now, uint32_t rate,
                                              uint32_t longest);

@@ -15,7 +15,7 @@ void SayNothing(const char* /*file*/, int /*line*/, const char* /*function*/, in
 
 } // namespace
 
-// The library is asked for only where SDL has it loaded, and stays loaded with the handler in it.
+// Only a library that SDL has loaded is used; it stays loaded, since it keeps the handler.
 void SilenceDriverMessages() {
     const char* const driver = SDL_GetCurrentAudioDriver();
     if (driver == nullptr || std::string_view(driver) != "alsa") {

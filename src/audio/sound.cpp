@@ -42,7 +42,7 @@ struct SOUND_STATE {
     std::map<uint32_t, SOUND_PLACE> televisions; // by session key, in the device's units
 };
 
-// Never freed: what an open device holds belongs to libraries that may be gone when statics are.
+// Never freed: an open device uses libraries that may be gone when statics are destroyed.
 SOUND_STATE& Sound() {
     static auto* sound = new SOUND_STATE;
     return *sound;
@@ -54,7 +54,7 @@ SOUND_LISTENER gListener;
 std::atomic<bool> gRoomVisible{false};
 std::atomic<float> gAudioVolume{1.0f};
 
-// Ends with the program at the latest.
+// Stops when the program ends at the latest.
 struct PUMP_THREAD {
     std::thread thread;
     std::atomic<bool> stop{false};
@@ -74,7 +74,7 @@ SOUND_PLACE Television(uint32_t sessionKey) {
     return found == Sound().televisions.end() ? SOUND_PLACE{} : found->second;
 }
 
-// Both rings or none.
+// Attaches both rings or none.
 bool AttachRings(SoundDevice& device, SoundChannel& channel, uint32_t sessionKey) {
     if (!device.Attach(channel.mono, RingKind::kPositioned)) {
         return false;
@@ -87,14 +87,14 @@ bool AttachRings(SoundDevice& device, SoundChannel& channel, uint32_t sessionKey
     return true;
 }
 
-// Silent, and paced by nothing but its own samples.
+// Makes a session silent and paced only by its own samples.
 void Silence(const OPEN_CHANNEL& open) {
     open.data->noSound = true;
     open.data->syncBias = 0;
     open.session->sound.soundBytes.store(0, std::memory_order_relaxed);
 }
 
-// A channel that had no device until now starts afresh, and the frames' length follows the sound.
+// A channel without a device until now starts from the beginning, and paces the frames from now on.
 void RestartChannels(SoundDevice& device) {
     for (const OPEN_CHANNEL& open : Sound().channels) {
         Silence(open);
@@ -140,7 +140,7 @@ bool OpenDevice(const Open& open) {
 }
 
 void PumpThread() {
-    // Some milliseconds late are heard, and the work is little. Where the system refuses, it stays as it is.
+    // A delay of some milliseconds is audible, and the thread has little work. The system may refuse.
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_TIME_CRITICAL);
     uint32_t rounds = 0;
     while (!gPump.stop.load(std::memory_order_relaxed)) {
@@ -165,7 +165,7 @@ bool OpenSoundLoopback(std::string& error) {
     });
 }
 
-// Not under the sound mutex, just as no output holds it.
+// Not under the sound mutex, like a real output.
 void RenderSound(int16_t* out, uint32_t frames) {
     SoundDevice* device = nullptr;
     {
@@ -177,8 +177,8 @@ void RenderSound(int16_t* out, uint32_t frames) {
     }
 }
 
-// The rings leave the device under the mutex; the closing itself, which waits for the output, does not
-// hold up the sessions.
+// The rings leave the device under the mutex; closing waits for the output, without the mutex, so that
+// sessions don't wait.
 void CloseSoundDevice() {
     std::unique_ptr<SoundDevice> device;
     const std::lock_guard guard(EmuSoundMutex());

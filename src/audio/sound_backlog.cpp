@@ -7,15 +7,15 @@ namespace {
 
 constexpr uint32_t kPairBytes = 4;
 
-// More than this is dropped at once. A frame of 50 ms, the longest, fits on top of the band in which the
-// bias holds the waiting sound, which is 20 to 35 ms.
+// More than this is dropped at once. It leaves room for the longest frame, 50 ms, above the band of 20
+// to 35 ms in which the bias holds the waiting sound.
 constexpr uint32_t kMostMs = 100;
-// What is kept then: the bound is passed when a frame has just come, so this is the top of the level's
-// swing, and the middle of it lies in the band.
+// What is kept then. The bound is passed just after a frame arrives, so this is the peak of the level,
+// and its mean is in the band.
 constexpr uint32_t kKeptMs = 35;
 
-// A level that does not fall to the band's top in half a second is lowered to the band's bottom: its
-// lowest lies there while all is well.
+// A level that stays above the band's top for half a second is lowered to the band's bottom, where its
+// lowest point normally is.
 constexpr uint32_t kSurplusMs = 35;
 constexpr uint32_t kLowestMs = 20;
 
@@ -74,8 +74,8 @@ void SoundBacklog::Taken(uint32_t waiting, uint32_t used) {
     }
 }
 
-// What is kept moves to the front and fades in over what the device would have taken next. While the
-// device stands still that remains the same, however often something is dropped.
+// The kept sound moves to the front, with a crossfade from what the device would have taken next. While
+// the device takes nothing that stays the same, however often sound is dropped.
 void SoundBacklog::CrossfadeOver(uint8_t* pending, uint32_t dropped, uint32_t kept) {
     if (!nextKnown) {
         nextKnown = true;
@@ -85,7 +85,7 @@ void SoundBacklog::CrossfadeOver(uint8_t* pending, uint32_t dropped, uint32_t ke
     std::memmove(pending, pending + dropped, kept);
     const uint32_t pairs = std::min(nextBytes, kept) / kPairBytes;
     for (uint32_t i = 0; i < pairs * 2; ++i) {
-        const auto weight = static_cast<int32_t>(i / 2); // of what is kept
+        const auto weight = static_cast<int32_t>(i / 2); // of the kept sound
         const auto whole = static_cast<int32_t>(pairs);
         uint8_t* const at = pending + size_t{i} * 2;
         const auto mixed =

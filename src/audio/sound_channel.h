@@ -1,8 +1,8 @@
 // SoundChannel: the sound layer's side of one session, guarded by the sound mutex.
 //
-// Two rings, of which one plays: stereo while the session has the full screen, mono while its
-// television stands in the room. Each has a write position, which the pump keeps ahead of the play
-// cursor, and the play cursor as the pump last took account of it.
+// Two rings, of which one plays: stereo while the session has the full screen, mono while it is on its
+// television in the room. Each has a write position, which the pump keeps ahead of the play cursor, and
+// the play cursor as the pump last saw it.
 //
 // Units: positions in bytes of their ring.
 #pragma once
@@ -16,10 +16,10 @@
 #include <vector>
 
 struct SoundChannel {
-    // Reads the boosts from the settings. The positional ring plays from now on.
+    // Reads the boosts from the settings. The mono ring plays first.
     explicit SoundChannel(uint32_t rate);
 
-    // Both rings to their start with nothing in them, the positional one playing.
+    // Clears both rings and rewinds them; the mono one plays.
     void Restart();
 
     const uint32_t rate; // sample pairs a second

@@ -33,7 +33,7 @@ uint32_t SdlPullFrames(uint32_t rate) {
     return frames;
 }
 
-// SDL's stand-in for a system without a loudspeaker, which counts time in whole milliseconds.
+// SDL's dummy driver for a system without an output; it counts time in whole milliseconds.
 bool IsStandIn(const char* driver) {
     return driver != nullptr && std::string_view(driver) == "dummy";
 }
@@ -73,7 +73,7 @@ struct SOURCE_LINE {
     std::vector<ALuint> spare;        // buffers not in the queue
     std::vector<QUEUED_BUFFER> queue; // oldest first
     uint32_t queuedFrames = 0;
-    uint32_t heardFrames = 0; // of the queue, already told to the ring
+    uint32_t heardFrames = 0; // of the queue, already reported to the ring
     uint32_t epoch = 0;
 };
 
@@ -81,7 +81,7 @@ bool IsFinite(const SOUND_PLACE& place) {
     return std::isfinite(place.x) && std::isfinite(place.y) && std::isfinite(place.z);
 }
 
-// Both have a length and they do not lie on one line.
+// Neither is zero, and they are not parallel.
 bool IsBearing(const SOUND_PLACE& front, const SOUND_PLACE& top) {
     if (!IsFinite(front) || !IsFinite(top)) {
         return false;
@@ -103,14 +103,14 @@ void DropQueue(SOURCE_LINE& line) {
     line.heardFrames = 0;
 }
 
-// After a render: tells the ring what was heard, and takes back the buffers that are done.
+// After a render: reports to the ring what was heard, and takes back the finished buffers.
 void Settle(SOURCE_LINE& line) {
     if (line.queue.empty()) {
         return;
     }
     ALint state = AL_STOPPED;
     alGetSourcei(line.source, AL_SOURCE_STATE, &state);
-    uint32_t position = line.queuedFrames; // a source that ran dry has played everything
+    uint32_t position = line.queuedFrames; // a source that ran out has played everything
     if (state == AL_PLAYING) {
         ALint offset = 0;
         alGetSourcei(line.source, AL_SAMPLE_OFFSET, &offset);
@@ -133,7 +133,7 @@ void Settle(SOURCE_LINE& line) {
     }
 }
 
-// Before a render of `frames`: fills the queue with what the render needs and the lookahead.
+// Before a render of `frames`: fills the queue for the render and the lookahead.
 void Feed(SOURCE_LINE& line, uint32_t frames, uint32_t rate, std::vector<int16_t>& block) {
     const SoundRing::DEVICE_VIEW view = line.ring->View();
     if (view.epoch != line.epoch || !view.playing) {
@@ -188,11 +188,11 @@ struct SoundDevice::Private {
     std::vector<int16_t> block; // one feed
     std::vector<float> mixed;   // one pull
     SDL_AudioDeviceID sdlDevice = 0;
-    bool sdlReady = false; // SDL's audio subsystem is ours to leave
-    ClockedOutput clocked; // pulls in SDL's place where that has only its stand-in
+    bool sdlReady = false; // we have started SDL's audio subsystem
+    ClockedOutput clocked; // pulls if SDL has only its dummy driver
 
     [[nodiscard]] uint32_t ReserveFrames() const {
-        // At least one pull, and as many as fall between two looks.
+        // At least one pull, or all that fall between two looks of the pump.
         const uint32_t framesPerLook = rate * kPumpMs / 1000;
         return kLookaheadFrames + (framesPerLook + pullFrames - 1) / pullFrames * pullFrames;
     }
@@ -226,8 +226,8 @@ bool SoundDevice::Private::OpenContext(std::string& error) {
         error = "no sound: OpenAL cannot render stereo at " + std::to_string(rate) + " Hz";
         return false;
     }
-    // Asked for HRTF that it has not got for the rate, the library would blend left and right as for
-    // headphones, so it is then asked again without.
+    // Without HRTF data for the rate the library would still mix for headphones, so it is then opened
+    // again without HRTF.
     bool made = MakeContext(ALC_TRUE);
     if (made && !HasHrtf()) {
         DropContext();
@@ -240,7 +240,7 @@ bool SoundDevice::Private::OpenContext(std::string& error) {
 }
 
 bool SoundDevice::Private::MakeContext(ALCint hrtf) {
-    // Floats, and no limiter, so that a stereo ring comes out as it went in, without dither.
+    // Floats and no limiter, so that a stereo ring passes unchanged, without dither.
     const std::array<ALCint, 11> attributes{ALC_FORMAT_CHANNELS_SOFT,
                                             ALC_STEREO_SOFT,
                                             ALC_FORMAT_TYPE_SOFT,
@@ -334,7 +334,7 @@ bool SoundDevice::OpenSdl(uint32_t rate, std::string& error) {
     wanted.samples = static_cast<Uint16>(SdlPullFrames(rate));
     wanted.userdata = this;
     wanted.callback = [](void* user, Uint8* stream, int bytes) {
-        // SDL aligns its buffers for any sample format.
+        // SDL's buffers are aligned for any sample format.
         static_cast<SoundDevice*>(user)->Render(reinterpret_cast<int16_t*>(stream),
                                                 static_cast<uint32_t>(bytes) / 4);
     };
@@ -345,8 +345,8 @@ bool SoundDevice::OpenSdl(uint32_t rate, std::string& error) {
         Close();
         return false;
     }
-    // The device is paused as yet, so nothing pulls while the rest opens. OpenLoopback starts by
-    // closing what is open; this output is not yet known to it.
+    // The device is still paused, so nothing pulls while the rest opens. OpenLoopback first closes what
+    // is open, and does not know this output yet.
     p->sdlReady = false;
     const bool open = OpenLoopback(rate, obtained.samples, error);
     p->sdlReady = true;

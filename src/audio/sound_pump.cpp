@@ -14,16 +14,16 @@ constexpr double kBoostLowHz = 600.0;
 constexpr double kBoostHighHz = 5000.0;
 constexpr uint32_t kPairBytes = 4;
 
-// A write position further ahead of the play cursor than the gap and this is moved back.
+// A write position further ahead of the play cursor than the gap plus this is moved back.
 constexpr uint32_t kLargestLeadMs = 20;
-// A write position that is moved comes to lie this much beyond the gap.
+// A moved write position is set to the gap plus this.
 constexpr uint32_t kLeadMs = 5;
 
-// Waiting sound under and over which frames get shorter and longer.
+// Waiting sound below which frames get shorter, and above which they get longer.
 constexpr uint32_t kShortenBelowMs = 20;
 constexpr uint32_t kLengthenAboveMs = 35;
 
-// The ring in use, with the channel's numbers for it.
+// The ring that plays, with the channel's numbers for it.
 struct LINE {
     SoundRing& ring;
     uint32_t& lastPlay;
@@ -31,7 +31,7 @@ struct LINE {
     bool positional;
 };
 
-// Bytes of 5 ms of stereo, the unit in which the first write positions are given.
+// Bytes of 5 ms of stereo, the unit of the first write positions.
 uint32_t UnitBytes(uint32_t rate) {
     return rate * kPairBytes / 200;
 }
@@ -54,7 +54,7 @@ void ResetCursors(SoundChannel& channel) {
     channel.writeMono = channel.mono.Wrap(4 * unit);
 }
 
-// Full screen or room, heard or not.
+// Chooses full screen or room, and heard or not.
 void ChooseRing(EMU_THREAD& session, SoundChannel& channel, const PUMP_SURROUNDINGS& surroundings) {
     if (surroundings.inFront && !surroundings.roomVisible) {
         if (session.sound.directSound == 0) {
@@ -73,12 +73,13 @@ void ChooseRing(EMU_THREAD& session, SoundChannel& channel, const PUMP_SURROUNDI
     }
 }
 
-// The bands are summed in double precision, the volume is applied in single. NaN comes out as the lowest.
+// The bands are summed in double precision, the volume is applied in single. NaN becomes the lowest
+// sample.
 float Clip(double value) {
     return static_cast<float>(value >= -32768.0 ? std::min(value, 32767.0) : -32768.0);
 }
 
-// Clipped before the volume, so that a low volume keeps what clipping did; and after it, so that a
+// Clipped before the volume, so that clipping does not depend on a low volume; and after it, so that a
 // volume above one cannot wrap.
 int16_t Finish(float value) {
     return static_cast<int16_t>(Clip(value));
@@ -105,7 +106,7 @@ void BoostMono(SoundChannel& channel, const uint8_t* pending, size_t pairs, floa
     }
 }
 
-// The bytes that wait for this round: never more than there is, or than a ring holds.
+// The waiting bytes for this round, at most those in the buffer or what a ring holds.
 uint32_t BoundWaiting(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel) {
     const auto waiting = std::min<uint32_t>(
         session.sound.soundBytes.load(std::memory_order_relaxed),

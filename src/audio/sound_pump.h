@@ -1,7 +1,7 @@
-// The transfer of a session's waiting samples to the ring that plays, without device or thread.
+// Moves a session's waiting samples to the ring that plays. Knows no device or thread.
 //
-// It decides which ring plays, drops what would be heard too late, keeps the write position a little
-// ahead of the play cursor, boosts the bands, applies the volume, and sets the bias with which the
+// It chooses the ring that plays, drops sound that would be heard too late, keeps the write position a
+// little ahead of the play cursor, boosts the bands, applies the volume, and sets the bias by which the
 // session shortens or lengthens its frames. No allocation.
 //
 // Threads: under the sound mutex.
@@ -14,7 +14,7 @@
 struct EMU_HOST_DATA;
 struct EMU_THREAD;
 
-// What the pump is told from outside.
+// The pump's view of the program.
 struct PUMP_SURROUNDINGS {
     bool inFront;     // this session is the active one
     bool roomVisible; // the room is shown, and every television in it heard

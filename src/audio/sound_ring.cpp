@@ -84,7 +84,7 @@ SoundRing::DEVICE_VIEW SoundRing::View() const {
 
 void SoundRing::SetReserveFrames(uint32_t frames) {
     const std::lock_guard guard(lock);
-    // Half the ring stays the pump's, whatever the device says.
+    // Half the ring is always left to the pump.
     reserveBytes = Wrap(std::min<uint64_t>(uint64_t{frames} * frameBytes, lengthBytes / 2));
 }
 

@@ -1,14 +1,14 @@
-// SoundRing: one second of 16-bit sound that plays round and round, with two cursors.
+// SoundRing: one second of 16-bit sound in a ring buffer, with two cursors.
 //
 // Each session has two: stereo for the full screen, mono for its television in the room. The pump
 // writes into a ring, the device reads it in short blocks.
 //
-// Units: positions and lengths are bytes from the ring's start, always on a frame's border (2 bytes
-// mono, 4 stereo); what comes in between is rounded down to one.
-// Cursors: the play cursor is what has been heard; the write cursor is the first byte that is still
-// safe to write until the pump looks again, beyond all that the device has taken or may take by then.
-// Threads: any; each operation takes the ring's own lock, nothing is taken under it. Only the
-// constructor allocates.
+// Units: positions and lengths are bytes from the ring's start, always whole frames (2 bytes mono, 4
+// stereo); others are rounded down.
+// Cursors: the play cursor is the end of what has been heard; the write cursor is the first byte that
+// is safe to write until the pump looks again, after all that the device has taken or may take by then.
+// Threads: any; each operation takes the ring's own lock and no other under it. Only the constructor
+// allocates.
 #pragma once
 
 #include "base/ranked_mutex.h"
@@ -26,10 +26,10 @@ public:
     [[nodiscard]] uint32_t FrameBytes() const { return frameBytes; }
     [[nodiscard]] uint32_t LengthBytes() const { return lengthBytes; }
 
-    // Whole bytes of a millisecond, the fraction dropped: the measure in which cursors are compared.
+    // Bytes of a millisecond, truncated: the unit in which cursors are compared.
     [[nodiscard]] uint32_t BytesPerMs() const { return bytesPerMs; }
 
-    // From `first` forward to `second`, round the ring.
+    // The distance from `first` forward to `second`, around the ring.
     [[nodiscard]] uint32_t Distance(uint32_t first, uint32_t second) const {
         return (second + lengthBytes - first) % lengthBytes;
     }
@@ -37,7 +37,7 @@ public:
         return static_cast<uint32_t>(position % lengthBytes) / frameBytes * frameBytes;
     }
 
-    // The pump's side. Setting the position throws away what the device has taken and not yet played.
+    // The pump's side. Setting the position discards what the device has taken and not yet played.
     void Play();
     void Stop();
     void SetPosition(uint32_t position);
@@ -46,13 +46,13 @@ public:
         uint32_t play;
         uint32_t write;
     };
-    [[nodiscard]] CURSORS Cursors() const; // both of one moment
+    [[nodiscard]] CURSORS Cursors() const; // both at the same moment
 
     // Copies whole frames to `position`, in two pieces where the ring wraps; at most one ring full.
     void Write(uint32_t position, std::span<const int16_t> samples);
     void WriteSilence(uint32_t position, uint32_t bytes);
 
-    // Copies whole frames from `position` on, moving no cursor.
+    // Copies whole frames from `position` without moving a cursor.
     void Read(uint32_t position, std::span<int16_t> samples) const;
 
     // The device's side. `epoch` changes with each start, stop and new position, so that the device

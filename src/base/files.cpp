@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Never freed: a session's thread may still name a file while the program ends.
+// Never freed: a session's thread may still open a file while the program ends.
 fs::path& Home() {
     static auto* home = new fs::path(".");
     return *home;
@@ -53,7 +53,7 @@ bool FlushToDisk(std::FILE* file) {
 #endif
 }
 
-// Makes a rename last through a power cut. Failure here costs nothing that was there before.
+// Makes a rename survive a power cut. A failure here loses neither file.
 void FlushFolder([[maybe_unused]] const fs::path& folder) {
 #ifndef _WIN32
     const int descriptor =
@@ -163,7 +163,7 @@ bool ReadFile(const fs::path& path, std::vector<uint8_t>& bytes, std::string& er
         error = Describe(path, "cannot be opened", errno);
         return false;
     }
-    // Read in pieces: the size that the folder states may be wrong, for a pipe or a growing file.
+    // Read in pieces: the reported size may be wrong, for a pipe or a growing file.
     constexpr size_t kPiece = size_t{1} << 16;
     const uint64_t stated = fs::file_size(path, code);
     if (!code && stated > limit) {
@@ -197,7 +197,7 @@ bool ReadFile(const fs::path& path, std::vector<uint8_t>& bytes, std::string& er
 
 namespace {
 
-// Opens a temporary that nobody has: one left behind by a program that was killed may be in the way.
+// Opens a new temporary. One that a killed program has left may already have the name.
 FilePointer OpenTemporary(const fs::path& target, fs::path& temporary) {
     constexpr int kTries = 1000;
     for (int i = 0; i < kTries; ++i) {
@@ -219,7 +219,7 @@ bool FillAndFlush(FilePointer file, std::span<const uint8_t> bytes) {
     return written && closed;
 }
 
-// Gives the finished temporary its name.
+// Renames the finished temporary.
 bool PutInPlace(const fs::path& temporary, const fs::path& target, WriteMode mode,
                 std::error_code& code) {
     if (mode == WriteMode::kCreate) {

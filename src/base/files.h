@@ -1,12 +1,12 @@
 // Whole files in and out, and the program's notation for paths.
 //
 // Paths inside the program are UTF-8 text with backslashes. One that begins `.\` lies in the home
-// folder; one that begins `\` lies at the root of the drive that the home folder stands for, which is
-// the home folder itself, as the platforms the program runs on have no drives. Any other is the
+// folder; one that begins `\` lies at the root of the home folder's drive. The platforms that the
+// program runs on have no drives, so that root is the home folder itself. Any other path is the
 // platform's own.
 //
 // Failure: every function reports by its result and fills `error` with one line that names the file
-// and the cause. Nothing throws but for want of memory.
+// and the cause. Only running out of memory throws.
 #pragma once
 
 #include <cstdint>
@@ -24,25 +24,25 @@ void SetHomeFolder(const std::filesystem::path& folder);
 // a file named `portable`, otherwise $XDG_DATA_HOME/ombrelune (~/.local/share/ombrelune without that).
 [[nodiscard]] std::filesystem::path FindHomeFolder(const std::filesystem::path& executableFolder);
 
-// A path in the program's notation as one of the platform.
+// Converts a path in the program's notation to one of the platform.
 [[nodiscard]] std::filesystem::path ResolvePath(std::string_view path);
 
-// Puts '_' for every character that some platform does not allow in a file name, and cuts
-// what is too long, so that a title can name a file and can never name a folder.
+// Replaces every character that some platform does not allow in a file name with '_' and shortens what
+// is too long. A title thus names a file and never a folder.
 [[nodiscard]] std::string FileNameFromTitle(std::string_view title);
 
-// Reads a file whole. A file that states more than `limit` bytes is refused before anything is
-// allocated, one that turns out longer when the limit is reached.
+// Reads a file whole. A file that reports more than `limit` bytes is refused before anything is
+// allocated; one that turns out longer is refused when the limit is reached.
 [[nodiscard]] bool ReadFile(const std::filesystem::path& path, std::vector<uint8_t>& bytes,
                             std::string& error, uint64_t limit = uint64_t{1} << 30);
 
 enum class WriteMode {
-    kReplace, // an old file goes; its permissions stay
-    kCreate,  // an old file stays, and the write fails
+    kReplace, // an existing file is replaced and keeps its permissions
+    kCreate,  // an existing file stays, and the write fails
 };
 
-// Writes a file so that at every moment either the old one or the whole new one is there: into a
-// temporary beside it, flushed to the disk, renamed over. Missing folders are made; of a symbolic
-// link the target is replaced. On failure the old file is untouched and the temporary is gone.
+// Writes a file so that at every moment either the old one or the whole new one exists: writes a
+// temporary beside it, flushes it to the disk and renames it over the old one. Creates missing folders
+// and follows symbolic links. On failure the old file is untouched and the temporary is deleted.
 [[nodiscard]] bool WriteFile(const std::filesystem::path& path, std::span<const uint8_t> bytes,
                              std::string& error, WriteMode mode = WriteMode::kReplace);

@@ -1,5 +1,5 @@
-// OMBRELUNE_FLATTEN: everything that a function calls is inlined into it, for the loops that the speed of
-// a machine hangs on. Not in sanitizer builds: instrumented, such a function takes minutes to compile.
+// OMBRELUNE_FLATTEN: inlines everything that a function calls into it. For a machine's hot loops. Off
+// in sanitizer builds, where such a function takes minutes to compile.
 #pragma once
 
 #ifdef OMBRELUNE_SANITIZED

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Any odd number close to 2^64 divided by the golden ratio steps the counter well.
+// The counter's step: an odd number close to 2^64 divided by the golden ratio.
 constexpr uint64_t kStep = 0x9E3779B97F4A7C15;
 std::atomic<uint64_t> gCounter{1};
 

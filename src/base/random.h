@@ -1,7 +1,7 @@
 // The program's one generator of pseudo-random numbers.
 //
-// Process-wide and lock-free: a counter behind a mixing function, so that any thread may draw. A run
-// in which one thread draws repeats exactly from the same seed; headless runs rest on that.
+// Process-wide and lock-free: an atomic counter and a mixing function. Any thread may draw. When only
+// one thread draws, the same seed repeats the sequence exactly; headless runs rely on that.
 #pragma once
 
 #include <cstdint>

@@ -12,7 +12,7 @@ struct HELD_LOCK {
     const void* mutex;
 };
 
-// A plain array: it needs no destructor, so that a lock taken while the program ends still finds it.
+// A plain array has no destructor, so it is still valid for locks taken while the program ends.
 constexpr size_t kMostHeld = 32;
 
 struct HELD_LOCKS {

@@ -1,4 +1,4 @@
-// Mutexes that know their place in the order of locks.
+// Mutexes with a rank, which fixes the order in which locks nest.
 //
 // A thread may take a mutex only if its rank is above that of every one it holds; a recursive mutex
 // may be taken again by its owner. Builds with OMBRELUNE_CHECK_LOCK_RANKS (all presets but release)
@@ -12,15 +12,15 @@ enum class LockRank : int {
     kGuiApi = 1,       // the toolkit's round; recursive
     kGuiTree = 2,      // the tree of windows; recursive
     kGuiQueue = 3,     // calls that wait for the toolkit's tick; recursive
-    kSessionKey = 5,   // the turn to start and stop sessions on one key
+    kSessionKey = 5,   // starting and stopping sessions on one key
     kSessionList = 10, // the list of sessions; recursive
     kSession = 20,     // one session's machine
     kFrame = 30,       // picture exchange between sessions and display
     kSound = 40,       // sound exchange between sessions and pump
     kDevice = 50,      // the sound device's list of playing rings
     kRing = 60,        // one ring of the sound device
-    kArchive = 70,     // the turn to read and replace one archive of saved states
-    kLeaf = 90,        // small values: nothing is taken under these
+    kArchive = 70,     // reading and replacing one archive of saved states
+    kLeaf = 90,        // small values; no lock is taken under these
 };
 
 // Called by RankedMutex in checking builds only.

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// Malformed input becomes U+FFFD, one for each byte that fits nowhere; nothing fails.
+// Each invalid byte becomes U+FFFD; nothing fails.
 [[nodiscard]] std::wstring WideFromUtf8(std::string_view text);
 [[nodiscard]] std::string Utf8FromWide(std::wstring_view text);
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr float kHalfTexel = 0.5f;
 
-// What is shown of a picture, in texels.
+// The part of a picture that is shown, in texels.
 struct SHOWN_AREA {
     uint32_t x;
     uint32_t y;
@@ -37,8 +37,8 @@ SHOWN_AREA ShownArea(const EMU_VIDEO_FRAME& picture, bool crop) {
     return area;
 }
 
-// A whole number of pixels from 1 to the screen's; the cut happens before the conversion, which an
-// extreme aspect would overflow.
+// A whole number of pixels from 1 to the screen's. Clamped before the conversion, which an extreme
+// aspect would overflow.
 uint32_t WholePixels(float length, uint32_t screen) {
     const float cut = std::min(length, static_cast<float>(screen));
     return std::max(static_cast<uint32_t>(cut), 1U);

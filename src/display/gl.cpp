@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kNeededMajor = 2;
 constexpr int kNeededMinor = 1;
-constexpr int kFirstProfileMajor = 3; // contexts from 3.2 on say which profile they are of
+constexpr int kFirstProfileMajor = 3; // contexts from 3.2 report their profile
 constexpr int kFirstProfileMinor = 2;
 
 GL_CAPABILITIES gCapabilities; // main thread only, like the context it describes
@@ -27,7 +27,7 @@ struct GL_VERSION_NUMBER {
     }
 };
 
-// "MAJOR.MINOR", then whatever the vendor adds. Zero for any other text, that of OpenGL ES included.
+// "MAJOR.MINOR", then a vendor's text. Zero for any other text, including that of OpenGL ES.
 GL_VERSION_NUMBER ParseVersion(std::string_view text) {
     GL_VERSION_NUMBER version;
     const char* const end = text.data() + text.size();
@@ -55,7 +55,7 @@ bool IsCoreProfile(std::string_view version) {
     return (static_cast<GLuint>(mask) & GL_CONTEXT_CORE_PROFILE_BIT) != 0;
 }
 
-// Tries it on two by two texels: a driver may accept the parameter and make nothing.
+// Tries it on two by two texels: a driver may accept the parameter and do nothing.
 bool MakesMipmaps() {
     constexpr uint32_t kTexels[4]{};
     GLuint name = 0;

@@ -1,6 +1,6 @@
-// The letters of OverlayText as they are drawn: five columns and nine rows each, the two lowest for what
-// hangs below the line. Eight letters a strip, from the space (32) on; a blank column parts them. The
-// last one, in the place of code 127, stands for everything that has no letter.
+// The letters of OverlayText, drawn in text: five columns and nine rows each, the two lowest for
+// descenders. Eight letters a strip, from the space (32), with a blank column between them. The last
+// one, code 127, is shown for all characters without a letter.
 #pragma once
 
 #include <array>

@@ -10,9 +10,9 @@
 
 namespace {
 
-// The texture holds two sheets: above, the rims of all letters; below, the letters. Each stands in a box
-// with room for the rim. A rim leaves its letter's own dots out, so that text that lets the picture
-// through has its own colour and not one mixed with the rim's.
+// The texture holds two sheets: the rims of all letters above, the letters below. Each is in a box with
+// room for the rim. A rim excludes its letter's dots, so that translucent text does not mix with the
+// rim's colour.
 constexpr uint32_t kRim = 1; // dots
 constexpr uint32_t kBoxWidth = kLetterColumns + 2 * kRim;
 constexpr uint32_t kBoxHeight = kLetterRows + 2 * kRim;
@@ -102,7 +102,7 @@ void DrawBar(int left, int top, int right, int bottom) {
     glVertex2i(left, bottom);
 }
 
-// A bar for each line with letters. They touch and don't overlap, so that none is darker.
+// A bar for each line with letters. They touch but don't overlap, so that all are equally dark.
 void DrawBars(std::string_view text, int x, int y, int scale) {
     const int lastLine = static_cast<int>(std::count(text.begin(), text.end(), '\n'));
     glBegin(GL_QUADS);

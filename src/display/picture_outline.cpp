@@ -2,24 +2,24 @@
 
 #include <utility>
 
-// Everything here works on planes of bytes that are 0 or 1, a block of a row at a time and without branches,
-// so that the compiler makes whole vectors of it. A block's results lie in an array of their own first:
-// the compiler can't know that the planes don't overlap. What the last block of a row has beyond the tile
-// is never looked at.
+// Everything here works on planes of bytes that are 0 or 1, a block of a row at a time and without
+// branches, so that the compiler vectorises it. A block's results go to a local array first, since the
+// compiler can't know that the planes don't overlap. What the last block of a row has beyond the tile
+// is never read.
 namespace {
 
 using Plane = BytePlane;
 
-// Two pixels further apart than this are of different colours. The distance is twice the difference of
-// luma plus those of the two colour differences, each on a scale of 255: a step of the 6-bit palettes is
-// about 150 in luma alone, one of the 9-bit and 12-bit ones 30 to 70. It tells a shade from its neighbour
-// there, while steps that can't be seen are no outlines.
+// Two pixels further apart than this count as different colours. The distance is twice the difference
+// of luma plus those of the two colour differences, each on a scale of 255: a step of the 6-bit
+// palettes is about 150 in luma alone, one of the 9-bit and 12-bit ones 30 to 70. So neighbouring
+// shades differ there, while invisible steps make no outlines.
 constexpr uint16_t kAlikeDistance = 40;
 
-// What one corner knows of its two runs, in the bits of a byte.
+// A corner's facts about its two runs, as bits of a byte.
 constexpr uint8_t kRowStep = 1;    // the run along the row is a step: one pixel, turning away
 constexpr uint8_t kColumnStep = 2; // the same along the column
-constexpr uint8_t kRowOpen = 4;    // that run is not the end of a thin line
+constexpr uint8_t kRowOpen = 4;    // the run along the row is not the end of a thin line
 constexpr uint8_t kColumnOpen = 8;
 constexpr uint32_t kRowLegShift = 4; // leg minus 1, two bits
 constexpr uint32_t kColumnLegShift = 6;
@@ -27,12 +27,12 @@ constexpr uint32_t kColumnLegShift = 6;
 constexpr uint32_t kLanes = 32;
 constexpr uint32_t kHalfLanes = 16;
 
-// The columns from the first one that a corner is looked at in, in whole blocks.
+// The columns from the first one whose corners are analysed, in whole blocks.
 uint32_t WorkedColumns(const OutlineTile& tile) {
     return (tile.columns + 4 + kLanes - 1) / kLanes * kLanes;
 }
 
-// The columns from the tile's first one that runs and crossings look at.
+// The columns from the tile's first one that runs and crossings read.
 uint32_t SeenColumns(const OutlineTile& tile) {
     return WorkedColumns(tile) + kHalfLanes;
 }
@@ -55,7 +55,7 @@ constexpr uint8_t Byte(Value value) {
 }
 
 void ReadPixels(const SourcePicture& source, int64_t left, int64_t top, OutlineTile& tile) {
-    // One more than is seen, to compare the last one with.
+    // One more than the margin, to compare the last one with.
     const uint32_t count = SeenColumns(tile) + kHalfLanes;
     for (uint32_t row = 0; row < tile.rows + 2 * kTileMargin; ++row) {
         const int64_t line = top + row - kTileMargin;
@@ -93,7 +93,7 @@ inline uint16_t Apart(uint8_t one, uint8_t other) {
     return Byte(uint32_t{std::max(one, other)} - std::min(one, other));
 }
 
-// Compares `rows` by `columns` pixels, each with the one so many rows and columns further.
+// Compares `rows` by `columns` pixels, each with the one at the given offset in rows and columns.
 void ComparePixels(const OutlineWork& work, uint32_t firstRow, uint32_t firstColumn,
                    uint32_t otherRow, uint32_t otherColumn, uint32_t rows, uint32_t columns,
                    Plane& alike) {
@@ -115,8 +115,8 @@ void ComparePixels(const OutlineWork& work, uint32_t firstRow, uint32_t firstCol
     }
 }
 
-// Of two diagonals that cross: is the one a thin line and the other the surface behind it? Counted are
-// the neighbours that go with the pixels of each, of four.
+// Of two diagonals that cross, whether one is a thin line and the other the surface behind it. Takes
+// how many of four neighbours match the pixels of each.
 inline uint8_t IsThin(uint8_t kin, uint8_t otherKin) {
     const uint8_t wide = otherKin >= 3 ? 1 : 0;
     const uint8_t wider = otherKin >= Byte(kin + 2) ? 1 : 0;
@@ -173,13 +173,13 @@ void JoinDiagonals(const OutlineTile& tile, OutlineWork& work) {
 // The bytes of one step along a run, for a row of pixels at once.
 struct RunStep {
     const uint8_t* surfaceGoesOn; // the surface beyond the outline: is its next pixel still it?
-    const uint8_t* figureEnds;    // is the next pixel on this side of the outline the surface too?
-    const uint8_t* shut;          // does the surface go on crosswise to this side?
+    const uint8_t* figureEnds;    // is the next pixel on this side of the outline also the surface?
+    const uint8_t* shut;          // does the surface continue diagonally to this side?
 };
 
 struct RunFacts {
     uint8_t step;
-    uint8_t closed; // turns back, or too long to tell
+    uint8_t closed; // turns back, or is too long to tell
     uint8_t open;
     uint8_t leg; // minus 1
 };
@@ -198,7 +198,7 @@ inline RunFacts FollowRun(const std::array<RunStep, 4>& steps, size_t at) {
     const uint8_t four = Byte(three & goesOn(2));
     const uint8_t more = Byte(four & goesOn(3));
     const uint8_t step = turnsAway(0);
-    // Of a run of two to four pixels: does it turn back?
+    // Whether a run of two to four pixels turns back.
     const uint8_t turnsBack =
         Byte((two & (three ^ 1) & (turnsAway(1) ^ 1)) | (three & (four ^ 1) & (turnsAway(2) ^ 1)) |
              (four & (more ^ 1) & (turnsAway(3) ^ 1)));
@@ -206,10 +206,10 @@ inline RunFacts FollowRun(const std::array<RunStep, 4>& steps, size_t at) {
 }
 
 // Reads the two runs that meet at one corner of every pixel. `across` and `down` are +1 or -1, from the
-// pixel to its corner. The runs go the other way, along the row and along the column.
+// pixel to its corner. The runs go away from it, along the row and along the column.
 //
-// Where a step ends at a pixel of a third colour, it may be that of a slanted outline with shades, or that
-// of a shadow beside a square corner. The long flat side that meets it there tells the shadow.
+// A step that ends at a pixel of a third colour may belong to a slanted outline with shades, or to a
+// shadow beside a square corner. A shadow is recognised by the long flat side that meets it there.
 template <int across, int down>
 void FollowRuns(const OutlineTile& tile, const OutlineWork& work, Plane& corners) {
     constexpr bool onFalling = across * down > 0;
@@ -220,7 +220,7 @@ void FollowRuns(const OutlineTile& tile, const OutlineWork& work, Plane& corners
         return plane[static_cast<uint32_t>(static_cast<int>(row) + rowOffset)].data() +
                columnOffset;
     };
-    // Offsets of the pair between a place and the next one in a direction.
+    // Offsets of the pair of a place and the next one in a direction.
     constexpr int besideColumn = across > 0 ? 0 : -1;
     constexpr int besideRow = down > 0 ? 0 : -1;
     constexpr uint32_t first = kTileMargin - 2;
@@ -321,7 +321,7 @@ void ExtendCuts(const OutlineTile& tile, const Plane& cuts, Plane& all) {
 
 template <int across, int down>
 void CutAndExtend(OutlineTile& tile, OutlineWork& work, OutlineCorner corner) {
-    // The luma plane has done its work.
+    // The luma plane is no longer needed.
     CutCorners<across, down>(tile, work, corner, work.luma);
     ExtendCuts<across, down>(tile, work.luma, tile.cuts[corner]);
 }
@@ -350,7 +350,7 @@ void AnalysePiece(const SourcePicture& source, const PiecePlace& place, OutlineT
 }
 
 #if defined(__x86_64__) && defined(__GNUC__)
-// The same once more for processors with vectors of 32 bytes; everything it calls becomes part of it.
+// The same for processors with vectors of 32 bytes; everything it calls is inlined.
 [[gnu::target("avx2"), gnu::flatten]] void
 AnalysePieceWide(const SourcePicture& source, const PiecePlace& place, OutlineTile& tile) {
     AnalysePiece(source, place, tile);

@@ -1,18 +1,18 @@
-// Where the outlines of a picture's shapes are to be cut: the reading half of the edge scalers.
+// Finds where the outlines of a picture's shapes are to be cut: the analysing half of the edge scalers.
 //
-// An outline runs along the borders of pixels that differ. Drawn in pixels, a slanted line is a row of
-// steps: runs of one pixel that turn one way at one end and the other way at the other, with runs of any
-// length between them. The line that such steps stand for goes through the middles of the runs, exactly
-// so where the steps repeat. So at every corner of the outline the triangle between the corner and the
-// middles of the two runs that meet there changes to the colour on the other side.
+// An outline follows the borders between pixels that differ. Drawn in pixels, a slanted line is a row
+// of steps: runs of one pixel that turn one way at one end and the other way at the other, with runs of
+// any length between them. The line that such steps represent goes through the middles of the runs,
+// exactly if the steps repeat. So at every corner of the outline the triangle between the corner and
+// the middles of the two runs that meet there gets the colour on the other side.
 //
 // A corner stays square when neither run is a step, or when either run is one pixel long and turns back
-// at both ends: that is the end of a thin line, a dot or a tooth. Where two colours meet crosswise, the
-// pair that is the thin line among the larger surface is joined; in dithering neither is, and nothing is
-// cut.
+// at both ends: that is the end of a thin line, a dot or a tooth. If the diagonals of a two by two
+// block have different colours, the pair that is a thin line on a larger surface is joined; in
+// dithering neither is, and nothing is cut.
 //
 // Units: lengths of runs in source pixels, legs of triangles in halves of one.
-// Owner: a tile is the caller's, 300 KiB, and is cleared once before it is first used. Any thread.
+// Owner: the caller owns the tile, 300 KiB, and clears it once before its first use. Any thread.
 // Order: AnalyseOutlines, then reads of `cuts` inside the tile.
 #pragma once
 
@@ -20,9 +20,9 @@
 
 #include <array>
 
-// The pixels that a tile holds, and how far it sees beyond them. The reach of the analysis is seven: one
-// for a triangle that crosses into the next pixel, one for the far end of a step, four for the length of
-// runs and one for the surroundings of a crossing.
+// The pixels of a tile, and the margin around them. The reach of the analysis is seven: one for a
+// triangle that crosses into the next pixel, one for the far end of a step, four for the length of runs
+// and one for the surroundings of a crossing.
 constexpr uint32_t kTileColumns = 124;
 constexpr uint32_t kTileRows = 64;
 constexpr uint32_t kTileMargin = 8;
@@ -34,7 +34,7 @@ constexpr uint32_t kTileLines = kTileRows + 2 * kTileMargin;
 enum OutlineCorner : uint32_t { kUpperLeft = 0, kUpperRight = 1, kLowerLeft = 2, kLowerRight = 3 };
 constexpr uint32_t kCorners = 4;
 
-// What happens to a corner. The first leg lies along the row, the second along the column.
+// What happens to a corner. The first leg is along the row, the second along the column.
 enum OutlineCut : uint8_t {
     kWhole = 0,
     kCut1x1 = 1, // legs of one half each: a slope of 45 degrees
@@ -56,7 +56,7 @@ using TilePlane = std::array<std::array<Value, kTileStride>, kTileLines>;
 
 using BytePlane = TilePlane<uint8_t>;
 
-// A plane of pairs has the pair's upper left member's place.
+// In a plane of pairs, a pair has the place of its upper left pixel.
 struct AlikePairs {
     BytePlane right; // alike: this pixel and the one to its right
     BytePlane below;
@@ -64,14 +64,14 @@ struct AlikePairs {
     BytePlane rising;  // the pixel to the right and the one below
 };
 
-// What the analysis has in its hands. All of it is bytes of 0 or 1 but for colours and corners.
+// The analysis's working data. All are bytes of 0 or 1 except colours and corners.
 struct OutlineWork {
     BytePlane luma;
     BytePlane blueness;
     BytePlane redness;
     AlikePairs alike;
-    // Diagonal pairs that belong together, and those that a run doesn't get between: the second also
-    // where a crossing is undecided.
+    // Diagonal pairs that are joined, and those that a run cannot pass between: the second includes
+    // undecided crossings.
     BytePlane fallingJoined;
     BytePlane risingJoined;
     BytePlane fallingShut;
@@ -120,8 +120,8 @@ constexpr uint32_t GatherChannels(uint64_t sums, uint32_t weight) {
     return pixel;
 }
 
-// Twice the colour that a corner takes: the mean of the pixels on both sides of it, or the pixel that the
-// thin end of a triangle comes from. Row and column count in the tile.
+// Twice the colour that a corner gets: the mean of the pixels on both sides of it, or the pixel that
+// the thin end of a triangle comes from. Row and column are the tile's.
 inline uint64_t CutColour(const OutlineTile& tile, uint32_t row, uint32_t column, uint32_t corner,
                           uint32_t kind) {
     const uint64_t beside = SpreadChannels(tile.pixels[row][corner & 1 ? column + 1 : column - 1]);

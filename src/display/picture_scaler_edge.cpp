@@ -1,11 +1,11 @@
-// The drawing half of the edge scalers: each target pixel is covered by the shape that it lies in, as
-// exactly as the triangles at its corners say.
+// The drawing half of the edge scalers: colours each target pixel by the exact area that the corners'
+// triangles cover of it.
 #include "display/picture_outline.h"
 #include "display/picture_scaler_private.h"
 
 namespace {
 
-// The part of a target pixel that is coloured by one corner, in 128ths, for one factor.
+// The part of a target pixel that one corner colours, in 128ths, for one factor.
 template <uint32_t factor>
 using Coverage = std::array<uint8_t, size_t{factor} * factor>;
 template <uint32_t factor>
@@ -13,8 +13,9 @@ using CoverageTable = std::array<std::array<Coverage<factor>, kCutKinds>, kCorne
 
 constexpr uint32_t kFullCoverage = 128;
 
-// Legs in target pixels, (x, y) the target pixel as seen from the corner. What lies of a triangle beyond a
-// point in both directions is a smaller triangle of the same form, so that four of them give a square.
+// The area of a triangle inside a target pixel. Legs in target pixels, (x, y) the target pixel relative
+// to the corner. The part of a triangle beyond a point in both directions is a smaller triangle of the
+// same shape, so four of them make a square.
 constexpr uint8_t TriangleCoverage(uint32_t rowLeg, uint32_t columnLeg, uint32_t x, uint32_t y) {
     const uint32_t product = rowLeg * columnLeg;
     // Twice the area beyond a point, times the product.
@@ -28,7 +29,7 @@ constexpr uint8_t TriangleCoverage(uint32_t rowLeg, uint32_t columnLeg, uint32_t
     return static_cast<uint8_t>((square * (kFullCoverage / 2) + product / 2) / product);
 }
 
-// The kinds along the row, for the upper left corner. What lies along the column is their transpose.
+// The kinds along the row, for the upper left corner. Those along the column are their transposes.
 template <uint32_t factor>
 constexpr Coverage<factor> RowCoverage(uint32_t kind) {
     const bool rest = kind >= kRest3x1;
@@ -102,7 +103,8 @@ void DrawCutPixel(const OutlineTile& tile, uint32_t row, uint32_t column, uint32
     const uint64_t own = SpreadChannels(tile.pixels[row][column]);
     for (size_t cell = 0; cell < sums.size(); ++cell) {
         uint32_t& to = target[cell / factor * pitch + cell % factor];
-        // Triangles of one pixel overlap only where colours are alike by pairs and yet not all alike.
+        // "Alike" is not transitive: triangles of one pixel overlap where pairs of colours are alike
+        // but not all of them.
         to = weights[cell] > kWhole2
                  ? GatherChannels(sums[cell], weights[cell])
                  : GatherChannels(sums[cell] + own * (kWhole2 - weights[cell]), kWhole2);

@@ -1,4 +1,4 @@
-// The kinds behind ScalePicture, and what they share. Sizes are not zero here.
+// The scalers that ScalePicture calls, and what they share. Sizes are not zero here.
 #pragma once
 
 #include <algorithm>
@@ -13,13 +13,13 @@ struct SourcePicture {
     uint32_t height;
 };
 
-// The coordinate of the picture that stands for `position` before or behind its border.
+// The coordinate inside the picture for a `position` that may lie outside: the nearest one.
 inline uint32_t ClampedCoordinate(int64_t position, uint32_t size) {
     return static_cast<uint32_t>(std::clamp<int64_t>(position, 0, int64_t{size} - 1));
 }
 
-// The arithmetic for vectors of any processor, and for those of 32 bytes, which the processor at hand must
-// have then. The results are the same.
+// The arithmetic for any processor, and for vectors of 32 bytes, which the processor must then have.
+// The results are the same.
 enum class VectorForm : uint8_t { kPlain, kWide };
 [[nodiscard]] bool HasWideVectors();
 

@@ -1,9 +1,9 @@
 // The soft scaler. A quadratic B-spline through the pixels gives a surface without steps: where pixels
 // climb in steps, the line along which it is half way between two colours is straight. Alone it is a
 // blur. So every value is moved away from the middle between the darkest and the brightest of its
-// surroundings, by half its distance, and held between the two: edges get steep and don't ring.
+// surroundings, by half its distance, and clamped between the two: edges get steep and don't ring.
 //
-// Colours are mixed as they are coded, not as light. So the mean of a dithered surface stays as it is,
+// Colours are mixed as coded, not as linear light. So the mean of a dithered surface does not change,
 // and dark strokes are as wide as bright ones.
 #include "display/picture_outline.h"
 #include "display/picture_scaler_private.h"
@@ -16,15 +16,15 @@ namespace {
 constexpr size_t kFactor = 4;
 constexpr uint32_t kChannels = 4;
 
-// How far the surface and its bounds see, and what that leaves of an analysed piece.
+// The reach of the surface and its bounds, and what that leaves of an analysed piece.
 constexpr uint32_t kReach = 2;
 constexpr uint32_t kPieceColumns = kTileColumns - 2 * kReach;
 constexpr uint32_t kPieceRows = kTileRows - 2 * kReach;
 constexpr uint32_t kStripBytes = kPieceColumns * kChannels;
 
-// The weights of the pixel before, of the own and of the one behind at the four places in a source pixel.
-// The spline's are 49 78 1 and 25 94 9 in 128ths. In 16ths both directions together fit 16 bits, so that
-// nothing is rounded between them and rows and columns come out alike.
+// The weights of the previous, the own and the next pixel at the four places in a source pixel. The
+// spline's are 49 78 1 and 25 94 9 in 128ths. In 16ths both directions together fit 16 bits, so nothing
+// is rounded between them, and rows and columns are treated alike.
 constexpr std::array<std::array<uint16_t, 3>, kFactor> kSpline = {
     {{6, 10, 0}, {3, 12, 1}, {1, 12, 3}, {0, 10, 6}}
 };
@@ -43,14 +43,14 @@ struct WideRow {
     std::array<StripShorts, kFactor> brightest;
 };
 
-// A piece with its reach on all sides, outlines smoothed.
+// A piece with its margin on all sides, outlines smoothed.
 using SoftPiece = std::array<SourceBytes, kTileRows>;
 
-// The area in which each kind of cut lies, in 48ths of a pixel.
+// The area of each kind of cut, in 48ths of a pixel.
 constexpr std::array<uint8_t, kCutKinds> kCutArea = {0, 6, 12, 16, 18, 12, 16, 18, 2, 6, 2, 6};
 constexpr uint32_t kPixelArea = 48;
 
-// Gives a pixel the mean of what its corners are cut to.
+// The mean colour of a pixel with its corners cut.
 uint32_t SmoothPixel(const OutlineTile& tile, uint32_t row, uint32_t column) {
     uint64_t sums = 0;
     uint32_t weight = 0;
@@ -71,7 +71,7 @@ uint32_t SmoothPixel(const OutlineTile& tile, uint32_t row, uint32_t column) {
 void SmoothOutlines(const OutlineTile& tile, SoftPiece& piece) {
     for (uint32_t row = 0; row < tile.rows; ++row) {
         const uint32_t line = row + kTileMargin;
-        // Bytes are taken in the order in which they lie and put back so, whichever channels they are.
+        // Bytes are read and written in memory order, independent of their channels.
         std::array<uint32_t, kTileColumns> pixels;
         std::copy_n(tile.pixels[line].data() + kTileMargin, tile.columns, pixels.data());
         for (uint32_t column = kTileMargin; column < tile.columns + kTileMargin; ++column) {
@@ -112,7 +112,7 @@ void FindBounds(const SourceBytes* rows, uint32_t count, SourceBytes& darkest,
     }
 }
 
-// Weights are template arguments here and below, so that those of zero cost nothing.
+// Weights are template arguments here and below, so that zero weights cost nothing.
 template <std::array<uint16_t, 3> weights>
 void WeighNeighbours(const SourceBytes& bytes, uint32_t count, StripShorts& wide) {
     const uint8_t* own = bytes.data() + size_t{kReach} * kChannels;
@@ -123,7 +123,7 @@ void WeighNeighbours(const SourceBytes& bytes, uint32_t count, StripShorts& wide
     }
 }
 
-// The row in the middle of three.
+// The middle row of three.
 void WidenRow(const SourceBytes* rows, uint32_t columns, WideRow& wide) {
     SourceBytes darkest;
     SourceBytes brightest;
@@ -207,7 +207,7 @@ void DrawPiece(const SoftPiece& piece, uint32_t columns, uint32_t rows, uint32_t
 }
 
 #if defined(__x86_64__) && defined(__GNUC__)
-// The same once more for processors with vectors of 32 bytes; everything it calls becomes part of it.
+// The same for processors with vectors of 32 bytes; everything it calls is inlined.
 [[gnu::target("avx2"), gnu::flatten]] void DrawPieceWide(const SoftPiece& piece, uint32_t columns,
                                                          uint32_t rows, uint32_t* target,
                                                          size_t pitch) {

@@ -21,8 +21,8 @@ bool FitsTexture(const EMU_VIDEO_FRAME& picture, uint32_t factor) {
     return picture.width <= largest && picture.height <= largest;
 }
 
-// Smaller levels are wanted only where the picture is seen from a distance. Without them the texture
-// is told to have none, as it would count as incomplete and show nothing.
+// Smaller levels are used only if the picture is seen from a distance. Otherwise the texture is limited
+// to one level, as it would be incomplete and show nothing.
 void ChooseMipmaps(const SESSION_PICTURE& session) {
     const bool on = session.inRoom && session.texture.mipmapped != 0 &&
                     Settings().GetBool(L"emu_gameroomfilter");
@@ -44,7 +44,7 @@ const uint32_t* Enlarge(const EMU_VIDEO_FRAME& picture, SESSION_PICTURE& session
     return session.scratch.data();
 }
 
-// The texture for pictures of this size. A texture of another size is made again.
+// Makes the texture for pictures of this size; one of another size is recreated.
 bool MakeTexture(TEXTURE_RECORD& texture, uint32_t width, uint32_t height) {
     if (texture.width != width || texture.height != height || texture.glTexture == 0) {
         texture.width = width;
@@ -55,7 +55,7 @@ bool MakeTexture(TEXTURE_RECORD& texture, uint32_t width, uint32_t height) {
 }
 
 EMU_VIDEO_FRAME Enlarged(EMU_VIDEO_FRAME picture, uint32_t factor) {
-    picture.pixels = nullptr; // the host's, and gone with the session
+    picture.pixels = nullptr; // the host's, which the session frees
     picture.width *= factor;
     picture.height *= factor;
     picture.visibleX *= factor;

@@ -13,7 +13,7 @@ namespace {
 constexpr uint32_t kLargestRounded = 4096; // the largest power of two that sizes are rounded up to
 constexpr uint32_t kOpaqueBlack = 0xFF000000;
 
-// One side as it is allocated; 0 when there is no such texture.
+// The allocated length of a side; 0 if there is no such texture.
 uint32_t AllocatedSide(uint32_t used) {
     if (used > Gl().largestTexture) {
         return 0;
@@ -28,7 +28,7 @@ uint32_t AllocatedSide(uint32_t used) {
     return rounded > Gl().largestTexture ? 0 : rounded;
 }
 
-// Bounded, since a context that is lost may report errors without end.
+// Bounded, since a lost context may report errors forever.
 void ForgetErrors() {
     constexpr int kErrorFlags = 16;
     for (int i = 0; i < kErrorFlags && glGetError() != GL_NO_ERROR; ++i) {
@@ -45,8 +45,8 @@ void WriteTexels(uint32_t x, uint32_t y, uint32_t width, uint32_t height, const 
     glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
 }
 
-// The last column and row once more in the unused texels next to them, so that a filter that reaches
-// over the used area's edge finds the edge's own colour.
+// Repeats the last column and row in the unused texels next to them, so that a filter that reaches over
+// the used area's edge reads the edge's colour.
 void RepeatEdges(const TEXTURE_RECORD& record, const uint32_t* pixels, uint32_t stride) {
     const bool right = record.width < record.texWidth;
     const bool below = record.height < record.texHeight;

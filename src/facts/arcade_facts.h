@@ -1,7 +1,7 @@
 // The row of the System E arcade board. It has no options.
 //
-// A set has no extension of its own: it is assembled from whatever files its database names. Its saves lie
-// in the program's home itself.
+// A set has no extension of its own: it is assembled from the files that its database names. Its saves
+// are in the home folder itself.
 #pragma once
 
 #include "facts/machine_facts.h"

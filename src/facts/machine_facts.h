@@ -1,14 +1,13 @@
 // What is known of a machine before one runs: its number and names, folders, options and actions.
 //
 // Each machine has one row, in a header of its own (`sms_facts.h` and so on) beside the enumerators and
-// the option record that the machine works with. The rows stand below everything that reads them:
+// the option record that the machine works with. Who reads the rows:
 // - the settings have a binding for every action,
 // - the game library knows a machine's files by their extensions,
 // - the machine polls the actions and reads the options,
 // - the command line and the screens show the names.
-// Plain constants: no row knows a chip, a file or a setting. What constructs a machine stands above the
-// machines, in `machines/machines.h`; what makes and reads an option block in
-// `machines/machine_options.h`.
+// Plain constants: no row knows a chip, a file or a setting. `machines/machines.h` constructs the
+// machines; `machines/machine_options.h` makes and reads option blocks.
 #pragma once
 
 #include <cstddef>
@@ -36,7 +35,7 @@ struct OPTION_VALUE {
     uint8_t byte;          // in the option block
 };
 
-// Of every option that is on or off.
+// The values of every on/off option.
 inline constexpr OPTION_VALUE kSwitchValues[] = {
     {"0", "Disabled", 0},
     {"1", "Enabled",  1},
@@ -46,11 +45,11 @@ struct MACHINE_OPTION {
     std::string_view name; // on the command line
     const char* label;     // on the screens
     size_t offset;         // of its byte in the option block
-    uint8_t initial;       // its byte when nobody has chosen
+    uint8_t initial;       // the default
     std::span<const OPTION_VALUE> values;
 };
 
-// The option, and its value, with which a player's port takes a pointer.
+// The option, and its value, that plugs a light gun into a player's port.
 struct POINTER_PORT {
     size_t offset; // in the option block
     uint8_t byte;
@@ -67,10 +66,10 @@ struct MACHINE_FACTS {
     std::span<const MACHINE_OPTION> options = {};
     std::span<const POINTER_PORT> pointers = {}; // by player, or empty
 
-    // In the order in which they are registered: the console's own, then those of each player.
+    // In the order of registration: the console's own, then those of each player.
     std::span<const std::wstring_view> consoleActions = {};
     std::span<const std::wstring_view> playerActions[kMachinePlayers];
-    // False: they can be bound, and the machine does nothing with them.
+    // False: the actions can be bound, but the machine does not read them.
     bool readsConsoleActions = true;
 
     std::span<const std::string_view> regions; // memories to look into; a game may have fewer

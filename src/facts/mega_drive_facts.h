@@ -20,7 +20,7 @@ enum MdDevice : uint8_t {
     kMdDevice6Button = 3,
 };
 
-// The option block. The gains are settings of the program and no options by name.
+// The option block. The gains are settings of the program, not named options.
 struct MD_OPTIONS {
     uint8_t console;    // MdConsole
     uint8_t devices[2]; // MdDevice of port 1 and 2
@@ -68,7 +68,7 @@ inline constexpr std::wstring_view kMdPlayerActions[kMachinePlayers][12] = {
 };
 
 inline constexpr std::string_view kMdExtensions[] = {".bin", ".smd", ".gen", ".md"};
-// The last one is a cartridge's with memory of its own.
+// Only cartridges with memory of their own have the last one.
 inline constexpr std::string_view kMdRegions[] = {"ram",   "vram",   "palette",
                                                   "vsram", "z80ram", "sram"};
 

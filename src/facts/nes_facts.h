@@ -11,7 +11,7 @@ inline constexpr std::wstring_view kNesPlayerActions[kMachinePlayers][8] = {
 };
 
 inline constexpr std::string_view kNesExtensions[] = {".nes"};
-// The last one is a board's with RAM at 0x6000.
+// Only boards with RAM at 0x6000 have the last one.
 inline constexpr std::string_view kNesRegions[] = {"ram", "vram", "palette", "oam", "sram"};
 
 inline constexpr MACHINE_FACTS kNesFacts = {

@@ -130,7 +130,7 @@ std::vector<uint8_t> CGameFile::Serialise(bool withGada) {
     }
     for (const MACHINE_RECORD& record : machineRecords) {
         const bool isShort = std::memcmp(record.bytes, "GDF0", 4) == 0 && FixedRecordSize() > 4;
-        // Under its own tag a default record would be read back as four bytes and not as its length.
+        // Under its own tag a default record would be read back as four bytes.
         AppendRecord(bytes, isShort ? FittedMachineRecord(record) : record, FixedRecordSize());
     }
     return bytes;
@@ -207,7 +207,7 @@ void CGameFile::AddMachineRecord(const MACHINE_RECORD& record) {
     machineRecords.push_back(FittedMachineRecord(record));
 }
 
-// The record cut to what this system's files hold, with the system's tag.
+// The record as this system's files hold it, cut to their length and with the system's tag.
 MACHINE_RECORD CGameFile::FittedMachineRecord(const MACHINE_RECORD& record) const {
     MACHINE_RECORD fitted{};
     std::memcpy(fitted.bytes, record.bytes, FixedRecordSize());

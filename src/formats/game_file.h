@@ -1,8 +1,8 @@
-// A game container: headers of a game with its variants and pieces, and the image data behind them.
+// A game container: the headers of a game, its variants and pieces, followed by the image data.
 //
 // A `.game` file is one container; a `.dat` database is the headers of many, back to back, with no
 // data. Everything is little-endian. A record begins with a tag of four characters. Text fields are
-// UTF-8, ended by a NUL inside their fixed width.
+// UTF-8, ended by a NUL within their fixed width.
 //
 //     GAME  88 bytes    once
 //     NAME  368 each    one a variant: a title under which the browser lists the game
@@ -13,11 +13,10 @@
 // A database entry may begin with a GADA record of 68 bytes and has no data.
 //
 // Owner: one thread at a time; a session's machine copies what it needs.
-// Failure: by result alone, with no message. No input, whatever its bytes, reads or writes outside
-// its buffer, and nothing is allocated on the word of a size field that the data cannot bear out: a
-// rawSize over LargestUnpackedSize(packedSize) (packing.h) is refused before anything is allocated.
-// Below that, neither hash is checked and a damaged stream is no failure: what comes out of it stands
-// in the image, and the rest of rawSize is zero.
+// Failure: by result alone, with no message. No input of any bytes reads or writes outside its buffer.
+// A size field is not trusted: a rawSize over LargestUnpackedSize(packedSize) (packing.h) is refused
+// before anything is allocated. Neither hash is checked, and a damaged stream is no failure: the image
+// holds what could be unpacked, and zeros after it.
 #pragma once
 
 #include "facts/machine_facts.h"
@@ -124,7 +123,7 @@ struct NAME_TEXTS {
     const char* regions = nullptr;
 };
 
-// What GetName gives, ended texts.
+// What GetName returns; the texts are ended by a NUL.
 struct NAME_VIEW {
     std::string title;
     std::string altTitle;
@@ -148,8 +147,8 @@ public:
     // At most 63 bytes.
     void SetGadaText(std::string_view text);
 
-    // Reads records from the front of the data, and with `unpack` the image behind them, which must
-    // then end exactly where the data ends. After a failure the records read until then stand.
+    // Reads records from the front of the data, and with `unpack` the image after them, which must end
+    // exactly where the data ends. After a failure the records read so far are kept.
     [[nodiscard]] bool Parse(const uint8_t* data, size_t size, bool unpack);
 
     [[nodiscard]] uint32_t HeaderSize(bool withGada) const;
@@ -180,34 +179,34 @@ public:
     [[nodiscard]] bool GetName(uint32_t index, NAME_VIEW& name) const;
     [[nodiscard]] bool GetRawName(uint32_t index, NAME_RECORD& record) const;
     [[nodiscard]] bool GetRom(uint32_t index, std::string& name, ROM_RECORD& record) const;
-    // The record stays where it is until the next change of this object.
+    // The pointer is valid until the next change of this object.
     [[nodiscard]] bool GetMachineRecord(uint32_t index, const uint8_t*& record,
                                         uint32_t& length) const;
     // The first piece of this hash, or -1.
     [[nodiscard]] int FindRom(const Sha256Digest& sha256, ROM_RECORD* record = nullptr) const;
     [[nodiscard]] std::vector<int> NamesUsingRom(uint32_t romIndex) const; // ended by -1
-    // 0 for a bad name; -1 for a slot out of range or empty.
+    // 0 for a bad name; -1 for an empty slot or one out of range.
     [[nodiscard]] int NameRomAt(uint32_t nameIndex, uint32_t slot) const;
     [[nodiscard]] uint32_t RomOffset(uint32_t romIndex) const; // in the unpacked data
 
-    // The pieces of a variant, joined. Nothing for a bad index, when no image is unpacked, for a piece
-    // that lies outside it, and for more than kImageLimit bytes in all.
+    // The pieces of a variant, joined. Empty for a bad index, when no image is unpacked, for a piece
+    // outside it, and for more than kImageLimit bytes in all.
     [[nodiscard]] std::optional<std::vector<uint8_t>> AssembleImage(uint32_t nameIndex) const;
     [[nodiscard]] std::optional<std::vector<uint8_t>> AssembleSelectedImage() const;
     [[nodiscard]] bool SelectedMachineRecord(MACHINE_RECORD& record) const;
-    // The hash of the ROM0 record whose index equals `selectedName`: the name's index is used as a
-    // piece's, since the key of saved states rests on it. Null when there is none.
+    // The hash of the ROM0 record whose index equals `selectedName`: the key of saved states uses the
+    // name's index as a piece's. Null if there is none.
     [[nodiscard]] const uint8_t* SelectedRomHash() const;
 
     // Editing does nothing for an index out of range.
-    // A text is cut at its field's width, and not ended when it fills the field.
+    // A text is cut at its field's width and has no NUL if it fills the field.
     void SetNameText(uint32_t index, const NAME_TEXTS& texts);
-    // Takes the four bytes behind the tag from the pattern, and the machine record.
+    // Copies the four bytes after the tag from the pattern, and the machine record.
     void SetNameBytes(uint32_t index, const NAME_RECORD& pattern,
                       const MACHINE_RECORD& machineRecord);
     void RenameRom(uint32_t index, std::string_view name);
-    // Takes the piece out of a name's list wherever it stands there; with `renumber` the indices above
-    // it go down by one.
+    // Removes every occurrence of the piece from a name's list; with `renumber` the indices above it go
+    // down by one.
     void UnlinkRom(uint32_t nameIndex, uint32_t romIndex, bool renumber);
     // Also unlinks the piece from every name, with renumbering.
     void RemoveRom(uint32_t index);
@@ -227,8 +226,8 @@ public:
     int32_t selectedName = -1; // index of the NAME record that the user picked
 
 private:
-    // Reads one record at the front of `rest`. Gives the bytes taken; 0 for an unknown tag, a record
-    // out of place and one that does not fit.
+    // Reads one record at the front of `rest`. Returns the bytes read; 0 for an unknown tag, a record
+    // out of place or one that does not fit.
     [[nodiscard]] size_t TakeRecord(std::span<const uint8_t> rest);
     [[nodiscard]] size_t TakeMachineRecord(std::span<const uint8_t> rest);
     void TakeDefaultMachineRecord();
@@ -250,12 +249,12 @@ private:
 // The largest `.game` file that is read, well over what the largest image packs to.
 inline constexpr uint64_t kGameFileLimit = uint64_t{1} << 29;
 
-// Reads a `.game` file: with `headerOnly` its records alone, whatever follows them; otherwise all of
+// Reads a `.game` file: with `headerOnly` its records alone, ignoring what follows; otherwise all of
 // it, and then the file must be exactly as long as its header says. A file that does not begin with
 // "GAME" is refused.
 [[nodiscard]] bool LoadGameFile(bool headerOnly, const std::filesystem::path& path,
                                 CGameFile& game);
 
-// The entries of a `.dat` file. Stops at the first bytes that are no entry; what was read until then is
-// given.
+// The entries of a `.dat` file. Stops at the first bytes that are no entry and returns the entries
+// before them.
 [[nodiscard]] std::vector<CGameFile> ParseDatabase(const uint8_t* data, size_t size);

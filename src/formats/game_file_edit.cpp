@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint8_t kNoRom = 255;
 
-// A text that fills the field is not ended; a shorter one is filled up with NULs.
+// A text that fills the field has no NUL; a shorter one is padded with NULs.
 template <size_t Width>
 void SetField(char (&field)[Width], const char* text) {
     if (text == nullptr) {

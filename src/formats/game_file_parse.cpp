@@ -12,7 +12,7 @@
 namespace {
 
 constexpr size_t kTagBytes = 4;
-// Far more than any game has; a file of short records must not take many times its size in memory.
+// Far more than any game has: a file of short records must not take many times its size in memory.
 constexpr size_t kMostRecords = 65536;
 
 bool HasTag(std::span<const uint8_t> bytes, const char* tag) {
@@ -86,7 +86,7 @@ size_t CGameFile::TakeMachineRecord(std::span<const uint8_t> rest) {
     return size;
 }
 
-// "GDF0" is the tag alone. In a Game Gear file it stands for a record of its own kind.
+// "GDF0" is the tag alone: the default record of a Game Gear file.
 void CGameFile::TakeDefaultMachineRecord() {
     MACHINE_RECORD record{};
     if (header.system == kSystemGameGear) {
@@ -101,7 +101,7 @@ void CGameFile::TakeDefaultMachineRecord() {
     machineRecords.push_back(record);
 }
 
-// Takes records until they add up to headerSize.
+// Reads records until they add up to headerSize.
 bool CGameFile::TakeRecords(std::span<const uint8_t> bytes, size_t& consumed) {
     consumed = 0;
     while (bytes.size() - consumed >= kTagBytes) {
@@ -114,7 +114,7 @@ bool CGameFile::TakeRecords(std::span<const uint8_t> bytes, size_t& consumed) {
         }
         consumed += taken;
         if (header.tag[0] == '\0') {
-            continue; // GADA alone until now
+            continue; // only GADA so far
         }
         const uint64_t expected =
             uint64_t{header.headerSize} + (HasGada() ? sizeof(GADA_RECORD) : 0);
@@ -157,7 +157,7 @@ bool LoadGameFile(bool headerOnly, const std::filesystem::path& path, CGameFile&
         return false;
     }
     std::ifstream file;
-    file.rdbuf()->pubsetbuf(nullptr, 0); // nothing is read ahead of what is asked for
+    file.rdbuf()->pubsetbuf(nullptr, 0); // no read-ahead
     file.open(path, std::ios::binary);
     std::array<uint8_t, sizeof(GAME_HEADER)> head{};
     if (!file || !ReadWhole(file, head) || !HasTag(head, "GAME")) {
@@ -196,8 +196,8 @@ std::vector<CGameFile> ParseDatabase(const uint8_t* data, size_t size) {
         if (!entry.Parse(data + offset, size - offset, false)) {
             break;
         }
-        // The size in the file, which differs from that of a rewritten entry where short default
-        // records stand in a Game Gear database. It is never zero: the header counts in it.
+        // The entry's size in the file. A rewritten entry differs where a Game Gear database has short
+        // default records. Never zero: it includes the header.
         offset += size_t{entry.Header().headerSize} + (entry.HasGada() ? sizeof(GADA_RECORD) : 0);
         entries.push_back(std::move(entry));
     }

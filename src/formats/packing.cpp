@@ -8,9 +8,9 @@ namespace {
 
 constexpr uint64_t kLargestRatio = 8192;
 constexpr uint32_t kPropertyBases[] = {9, 5}; // byte 0 is (pb * 5 + lp) * 9 + lc
-constexpr uint32_t kMostLcAndLp = 4;          // what the decoder takes, and more than we write
+constexpr uint32_t kMostLcAndLp = 4;          // the decoder's limit; we write less
 
-// What the file format's packer is asked for, spelled out: the presets of versions differ.
+// The file format's packer settings, spelled out because presets differ between versions.
 lzma_options_lzma PackingSettings(uint64_t imageSize) {
     lzma_options_lzma settings{};
     settings.dict_size = uint32_t{1} << 22;
@@ -35,8 +35,8 @@ void PutProperties(const lzma_options_lzma& settings, uint8_t* bytes) {
     }
 }
 
-// False for properties that no stream can have. The stated dictionary is cut to the image: nothing
-// can lie farther back than the image is long, and a stream must not say how much memory is used.
+// False for invalid properties. The stated dictionary is capped at the image's size: no match can reach
+// farther back, and a stream must not decide how much memory is used.
 bool TakeProperties(const uint8_t* bytes, size_t imageSize, lzma_options_lzma& settings) {
     settings = {};
     const uint32_t packed = bytes[0];
@@ -86,8 +86,7 @@ std::vector<uint8_t> PackImage(std::span<const uint8_t> image) {
     return {};
 }
 
-// As a stream of unknown size, which is done when the image is full: streams with an end marker and
-// without one are the same to it.
+// Decodes a stream of unknown size until the image is full, with or without an end marker.
 bool UnpackImage(std::span<const uint8_t> packed, std::span<uint8_t> image) {
     std::fill(image.begin(), image.end(), uint8_t{0});
     lzma_options_lzma settings{};

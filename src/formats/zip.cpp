@@ -54,7 +54,7 @@ bool HasDrive(std::wstring_view name) {
     return name.size() >= 2 && name[1] == L':' && letter >= L'a' && letter <= L'z';
 }
 
-// Where the text behind the last step upwards begins; 0 when there is none.
+// Where the text after the last step upwards begins; 0 if there is none.
 size_t BehindLastStepUp(std::wstring_view name) {
     for (size_t i = name.size(); i >= 4; --i) {
         if (IsSlash(name[i - 4]) && name[i - 3] == L'.' && name[i - 2] == L'.' &&
@@ -76,8 +76,8 @@ ArchivePointer OpenArchive(SourcePointer source, int flags, std::string& error) 
     return archive;
 }
 
-// Reads to the end of an entry, which is where the library compares the checksum. The size that the
-// archive states allocates nothing; a stream of another size is damage.
+// Reads to the end of an entry, where the library compares the checksum. Does not allocate by the
+// stated size; a stream of another size is damage.
 bool ReadEntry(zip_file_t* file, uint64_t stated, uint64_t limit, std::vector<uint8_t>& bytes,
                std::string& error) {
     if (stated > limit) {
@@ -201,7 +201,7 @@ bool ZipReader::Unpack(uint32_t index, std::vector<uint8_t>& bytes, std::string&
 struct ZipWriter::ARCHIVE {
     std::list<std::vector<uint8_t>> copies; // of the entries, which are packed at the end
     SourcePointer bytes;                    // the growing archive
-    ArchivePointer zip;                     // goes first: it refers to the others
+    ArchivePointer zip;                     // destroyed first: it refers to the others
 };
 
 ZipWriter::ZipWriter() = default;

@@ -1,7 +1,7 @@
 // Zip archives held wholly in memory, over a zip library.
 //
 // Reading copies nothing: the buffer must outlive the reader. No name, size or offset in an archive is
-// trusted; whatever its bytes, an operation ends in a result. Not for use by two threads at once.
+// trusted; any bytes end in a result. One thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -32,11 +32,11 @@ public:
 
     // False for an index out of range or a header that cannot be read. In the name a leading drive
     // part and leading slashes are dropped, and everything up to and including the last step upwards
-    // ("/../" with either slash) is cut.
+    // ("/../" with either slash) is removed.
     [[nodiscard]] bool Entry(uint32_t index, ZIP_ENTRY& entry) const;
 
     // Unpacks an entry of at most `limit` bytes. False, with nothing in `bytes`, when it is larger,
-    // damaged or enciphered; a checksum or a size that does not fit counts as damage.
+    // damaged or encrypted; a wrong checksum or size counts as damage.
     [[nodiscard]] bool Unpack(uint32_t index, std::vector<uint8_t>& bytes, std::string& error,
                               uint64_t limit = uint64_t{1} << 28) const;
 
@@ -67,5 +67,5 @@ private:
 // The cleaning rule of ZipReader::Entry.
 [[nodiscard]] std::wstring CleanEntryName(std::wstring_view name);
 
-// What stands behind the last slash of either kind.
+// The part after the last slash of either kind.
 [[nodiscard]] std::wstring LastPathComponent(std::wstring_view name);

@@ -1,19 +1,17 @@
 #include "front/application.h"
 
 #include "audio/sound.h"
-#include "base/bytes.h"
 #include "base/random.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
-#include "facts/sms_facts.h"
 #include "front/notices.h"
 #include "front/processor_binder.h"
 #include "front/program_title.h"
+#include "front/session_callbacks.h"
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
 #include "front/tools/run_settings.h"
 #include "host/host_data.h"
-#include "host/picture.h"
 #include "host/report.h"
 #include "host/session.h"
 #include "host/session_saves.h"
@@ -23,68 +21,16 @@
 
 #include <SDL.h>
 
-#include <atomic>
 #include <cstring>
-#include <mutex>
 
 namespace {
 
 constexpr int64_t kSecond = 1000000;          // microseconds
-constexpr int64_t kPointerAims = 3 * kSecond; // the same; then keys aim again
-
-std::atomic<uint32_t> gFramesPresented{0};
-thread_local bool gFrameIsMachines = false; // of the session thread: not television static
+constexpr int64_t kPointerAims = 3 * kSecond; // without a mouse move keys aim again
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
 }
-
-// ---- The host's callbacks: those of host_data.h, with the sound channel and the pointer.
-
-void OpenSession(EMU_THREAD* session) {
-    HostOpen(session);
-    CreateSoundChannel(*session);
-}
-
-void CloseSession(EMU_THREAD* session) {
-    DestroySoundChannel(*session);
-    HostClose(session);
-}
-
-EMU_INPUT_STATE* SessionInput(EMU_THREAD* session) {
-    EMU_INPUT_STATE* const input = HostGetInput(session);
-    if (input != nullptr && session->key == InputActiveKey()) {
-        LightGun::HandPointers(*input);
-    }
-    return input;
-}
-
-EMU_VIDEO_FRAME* SessionPicture(EMU_THREAD* session) {
-    gFrameIsMachines = session->showStatic == 0;
-    return HostGetVideoFrame(session);
-}
-
-// The picture carries its number along, so that the display side knows what it shows.
-void PresentFrame(EMU_THREAD* session, uint32_t microseconds) {
-    EMU_HOST_DATA* const data = session->hostData;
-    if (gFrameIsMachines) {
-        const uint32_t number = ++gFramesPresented;
-        if (data != nullptr) {
-            StoreLittleEndian(data->frames[data->writeIndex].reserved, number);
-        }
-    }
-    HostPresent(session, microseconds);
-}
-
-// A machine goes before what only draws it: a late frame is late sound. The system may refuse.
-int StartSessionThread(int argument) {
-    SDL_SetThreadPriority(SDL_THREAD_PRIORITY_HIGH);
-    return BindProcessor(argument);
-}
-
-const EMU_HOST_CALLBACKS kCallbacks = {OpenSession,        CloseSession,    SessionPicture,
-                                       PresentFrame,       HostSubmitAudio, SessionInput,
-                                       StartSessionThread, ReleaseProcessor};
 
 } // namespace
 
@@ -101,36 +47,37 @@ bool Application::Start(std::string& error) {
         Release();
         return false;
     }
-    InputClearAll(); // whatever was held when a window closed before
+    InputClearAll(); // keys that were held when an earlier window closed
     joysticks.Open();
 
-    std::vector<std::string> words;
+    std::vector<std::string> messages;
     title = ProgramTitle();
-    if (!window.Open(WindowOptionsFromSettings(), title, words, error) || !GlStart(error)) {
+    if (!window.Open(WindowOptionsFromSettings(), title, messages, error) || !GlStart(error)) {
         Release();
         return false;
     }
     SeedRandom(static_cast<uint32_t>(Now() / 1000));
     if (!overlay.Start()) {
-        words.emplace_back("the graphics driver has no memory for text; messages come here alone");
+        messages.emplace_back(
+            "the graphics driver has no memory for text; messages appear only here");
     }
     SDL_StopTextInput(); // no text field has the focus, and an input method would swallow the keys
     HostSetReportSink(PostReport);
     HostSetNoticeSink(PostNotice);
-    for (const std::string& word : words) {
-        PostReport(word);
+    for (const std::string& message : messages) {
+        PostReport(message);
     }
     sound.Start(Now());
-    EmuSetHost(kCallbacks);
+    InstallSessionCallbacks();
     InputSetActiveKey(kFrontTelevision);
     InputSetWalkingRoom(false);
     SoundSetRoomVisible(false);
     pacer.Start(window.FollowsDisplay(), Now());
     started = true;
-    // Last, since every thread that this one makes inherits it: the pump, the device and the graphics
-    // driver's workers keep all processors, and session threads bind themselves.
+    // Last, since new threads inherit it: the pump, the device and the graphics driver's workers keep
+    // all processors, and session threads bind themselves.
     processor = BindProcessor(0);
-    // A round holds locks that the sound pump waits for, so it must not be put off by other programs.
+    // A round holds locks that the sound pump waits for, so other programs must not delay it.
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_HIGH);
     return true;
 }
@@ -145,12 +92,11 @@ bool Application::StartSdl(std::string& error) {
         return false;
     }
     sdlStarted = true;
-    // Without a display SDL may fall back to a driver that draws where nobody sees it; that is for
-    // those who ask for it.
+    // Without a display SDL may fall back to an invisible driver, which is only for users who ask for it.
     const char* const driver = SDL_GetCurrentVideoDriver();
     if (SDL_GetHint(SDL_HINT_VIDEODRIVER) == nullptr && driver != nullptr &&
         (std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0)) {
-        error = "no display is there";
+        error = "there is no display";
         return false;
     }
     return true;
@@ -166,7 +112,7 @@ bool Application::Round() {
     sound.Watch(events, Now());
     RunCommands(events);
     for (const std::string& path : events.dropped) {
-        PlayFile(path);
+        PlayDroppedFile(path);
     }
     const bool screenNews = gameScreen->Update({events, pump.Mouse(), Now()});
     lightGun.Aim({televisions.Picture(InputActiveKey()), View().crop, window.PixelWidth(),
@@ -277,7 +223,7 @@ void Application::Draw() {
 }
 
 bool Application::Play(const OPENED_GAME& opened, std::string& error) {
-    // Session start takes the games as they are and leaves them to their owner.
+    // EmuStartSession does not change the games, though its parameters are not const.
     auto& game = const_cast<CGameFile&>(opened.game);
     auto& bios = const_cast<CGameFile&>(opened.bios);
     CGameFile* const games[2] = {&game, opened.hasBios ? &bios : nullptr};
@@ -295,7 +241,7 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     return true;
 }
 
-void Application::PlayFile(const std::string& path) {
+void Application::PlayDroppedFile(const std::string& path) {
     PLAY_OPTIONS options;
     options.game = path;
     OPENED_GAME opened;
@@ -314,18 +260,14 @@ void Application::TurnOff() {
     window.SetTitle(ProgramTitle());
 }
 
-uint32_t Application::FramesPresented() {
-    return gFramesPresented;
-}
-
-// What was swapped is the display's; it is drawn once more.
+// The swapped buffer is undefined, so the window is drawn again.
 std::vector<uint32_t> Application::ReadWindow() {
     Draw();
     return ReadScreen(window.PixelWidth(), window.PixelHeight());
 }
 
-// A game that fills the window is turned off with it, so that its autosave is there the next time: closing
-// the window is the only way to turn it off.
+// Turns the game off first, so that its autosave is written: closing the window is the only way to turn it
+// off.
 void Application::Stop() {
     if (!started) {
         return;
@@ -343,9 +285,9 @@ void Application::Stop() {
     }
 }
 
-// Gives back whatever has been opened, in the order of the stop.
+// Closes everything that is open, in the order of the stop.
 void Application::Release() {
-    sound.Stop(); // its thread starts and ends parts of SDL, as the joysticks do
+    sound.Stop(); // first: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
     // The room's objects and the toolkit go here.
     televisions.End();

@@ -1,13 +1,12 @@
-// Application: the windowed program, from its start to its end.
+// Application: the windowed program, from start to stop.
 //
-// It owns the window, the joysticks, the sound device, the pictures of all sessions and what is drawn
-// over them, and installs the host's callbacks. The toolkit's screens and the room are drawn by the
-// same rounds; until they stand, one game fills the window.
+// It owns the window, the joysticks, the sound device, the pictures of all sessions and the text over
+// them, and installs the host's callbacks (session_callbacks.h). One game fills the window.
 //
 // Thread: the main thread alone; one Application at a time.
 // Order: Start, any number of rounds, Stop. A game may be started and turned off between rounds.
-// Failure: only SDL or the window failing ends the program. Anything else that cannot be had is said in
-// one line, and the program goes on without it.
+// Failure: the program ends only if SDL or the window fails. It reports anything else that is missing in
+// one line and runs without it.
 #pragma once
 
 #include "front/event_pump.h"
@@ -39,34 +38,29 @@ public:
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    // False with a line that says what is missing; nothing is left behind then.
+    // False with a line that says what is missing; everything is closed again then.
     [[nodiscard]] bool Start(std::string& error);
 
-    // One round: events, pictures, drawing, swap. False when the program is to end.
+    // One round: events, pictures, drawing, swap. False when the program must end.
     [[nodiscard]] bool Round();
 
-    // Turns the game off, gives back what Start opened, in the order of the stop, and saves the settings.
+    // Turns the game off, closes what Start opened and saves the settings.
     void Stop();
 
-    // Puts a game in the place of the one that runs, which is turned off first, autosave included. False
-    // with the reason when it cannot run; the window then stays empty.
+    // Turns off the running game, autosave included, and starts this one. False with the reason if it
+    // cannot run; the window then stays empty.
     bool Play(const OPENED_GAME& game, std::string& error);
 
-    // Opens and plays what the user named or dropped on the window; says what is wrong with it.
-    void PlayFile(const std::string& path);
-
-    // Ends the game, autosave included.
+    // Stops the game, autosave included.
     void TurnOff();
 
-    // Whether a game runs, from Play on. One whose machine cannot go on is turned off by the next round.
+    // Whether a game runs. One whose machine cannot go on is turned off by the next round.
     [[nodiscard]] bool Playing() const { return playing; }
 
-    // Picture frames of machines presented so far, television static left out.
-    [[nodiscard]] static uint32_t FramesPresented();
     [[nodiscard]] const Televisions& Sets() const { return televisions; }
     [[nodiscard]] Televisions& Sets() { return televisions; }
 
-    // The window as composed by the last round, 0xFFRRGGBB, top row first.
+    // The window as the next swap would show it, 0xFFRRGGBB, top row first.
     [[nodiscard]] std::vector<uint32_t> ReadWindow();
     [[nodiscard]] const Window& MainWindow() const { return window; }
 
@@ -85,6 +79,7 @@ private:
     void Release();
     [[nodiscard]] bool StartSdl(std::string& error);
     void RunCommands(const PUMP_EVENTS& events);
+    void PlayDroppedFile(const std::string& path);
     void StopEndedGame();
     void KeepBatteries();
     void Draw();
@@ -110,7 +105,7 @@ private:
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;
-    int64_t batteriesKept = 0; // microseconds, of the last look at them
-    int processor = -1;        // the main thread's binding
+    int64_t batteriesKept = 0; // microseconds, of the last KeepBatteries
+    int processor = -1;        // the main thread's token (processor_binder.h)
     bool ceilingLight = true;  // of the room
 };

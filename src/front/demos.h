@@ -1,15 +1,15 @@
-// Our own games and demos, which the program carries with it.
+// Our own games and demos, embedded in the program.
 #pragma once
 
 #include <cstdint>
 #include <span>
 
 struct DEMO {
-    const char* name;  // on the command line, behind "demo:"
+    const char* name;  // on the command line, after "demo:"
     const char* title; // for people
     uint16_t system;   // system number
     std::span<const uint8_t> image;
 };
 
-// In the order in which they are to be shown.
+// In the order in which they are shown.
 [[nodiscard]] std::span<const DEMO> Demos();

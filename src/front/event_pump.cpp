@@ -23,12 +23,12 @@ int32_t Scale(int32_t value, int32_t from, int32_t to) {
     return static_cast<int32_t>((product + half) / from);
 }
 
-// A record goes to whoever has mouse and keys just now.
+// A record goes to the current owner of mouse and keys, the toolkit or the room.
 void AddRecord(PUMP_EVENTS& events, const GUI_INPUT& record) {
     (InputWalkingRoom() ? events.room : events.gui).push_back(record);
 }
 
-// The character of a key, which the library keeps in its number unless the key has none.
+// The character of a key: the library's key code, unless the key has none.
 uint32_t KeyCharacter(SDL_Keycode key) {
     return key > 0 && (key & SDLK_SCANCODE_MASK) == 0 ? static_cast<uint32_t>(key) : 0;
 }
@@ -58,8 +58,8 @@ void HandleText(const char* text, PUMP_EVENTS& events) {
     AddRecord(events, record);
 }
 
-// The library tells of every output that goes, with number 0 for one that wasn't open. That must not hide
-// the number of an open one.
+// The library reports every output that goes, with number 0 for one that wasn't open, which must not
+// hide the number of an open one.
 void HandleAudioDevice(const SDL_AudioDeviceEvent& event, PUMP_EVENTS& events) {
     if (event.iscapture == 0 && event.which != 0) {
         events.outputGone = event.which;
@@ -124,8 +124,8 @@ void EventPump::HandleKey(const SDL_KeyboardEvent& event, PUMP_EVENTS& events) {
     const bool down = event.type == SDL_KEYDOWN;
     const bool repeat = down && event.repeat != 0;
     const auto scancode = static_cast<uint32_t>(event.keysym.scancode);
-    // A repeat says nothing new. It must not set again what the loss of the keyboard has cleared.
-    // Nor does the Return of Alt + Return, which is the program's own and no game's.
+    // A repeat does not reach the tables: it must not set again what the loss of keyboard focus has
+    // cleared. Nor does the Return of Alt + Return, which is the program's and not a game's.
     const bool chord =
         event.keysym.scancode == SDL_SCANCODE_RETURN && (event.keysym.mod & KMOD_ALT) != 0 && down;
     if (!repeat && !chord && scancode < keysDown.size()) {
@@ -170,7 +170,7 @@ void EventPump::HandleWheel(const SDL_MouseWheelEvent& event, PUMP_EVENTS& event
         event.direction == SDL_MOUSEWHEEL_FLIPPED ? -int64_t{event.y} : int64_t{event.y};
     GUI_INPUT record = MouseRecord(GuiInputKind::kWheel);
     record.wheel = steps > 0 ? -1 : 1;
-    constexpr int64_t kMostSteps = 64; // more in one event are a broken device
+    constexpr int64_t kMostSteps = 64; // more in one event mean a broken device
     for (int64_t i = 0; i < std::min(std::abs(steps), kMostSteps); ++i) {
         AddRecord(events, record);
     }
@@ -190,7 +190,7 @@ void EventPump::HandleWindow(const SDL_WindowEvent& event, PUMP_EVENTS& events) 
     }
 }
 
-// The keyboard belongs to another window now, which will get the releases. Joysticks belong to none.
+// Another window has the keyboard now and will get the releases. Joysticks belong to no window.
 void EventPump::LetGo() {
     for (uint32_t scancode = 0; scancode < keysDown.size(); ++scancode) {
         if (keysDown[scancode]) {

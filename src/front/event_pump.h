@@ -1,10 +1,10 @@
-// The window's events: read once a round, into the tables of `bindings.h` and a record of what concerns
-// the program itself.
+// The window's events: read once a round, into the tables of `bindings.h` and a record for the program
+// itself.
 //
-// Order: `Pump` begins with `InputBeginPump`, so what was let go in the round before is forgotten, and
-// a key pressed and let go within this round is seen through `BindingIsDown(code, true)`.
-// Units: mouse positions in pixels of the drawing surface, which on a high-density screen has more of
-// them than the window; `SetWindowSize` says both sizes. Keys are scancodes of the USB HID tables.
+// Order: `Pump` begins with `InputBeginPump`, which forgets the releases of the previous round; a key
+// pressed and released within this round is seen with `BindingIsDown(code, true)`.
+// Units: mouse positions in pixels of the drawing surface, which on a high-density screen has more than
+// the window; `SetWindowSize` sets both sizes. Keys are scancodes of the USB HID tables.
 // Thread: main, the one that made the window.
 #pragma once
 
@@ -37,25 +37,25 @@ enum class GuiInputKind : uint8_t {
 struct GUI_INPUT {
     GuiInputKind kind = GuiInputKind::kMouseMove;
     bool repeat = false; // of a key down: the key is held
-    int32_t x = 0;       // where the mouse is, for all kinds of the mouse
+    int32_t x = 0;       // where the mouse is, for every mouse event
     int32_t y = 0;
-    int32_t dx = 0; // how far it went, for a move alone
+    int32_t dx = 0; // how far it moved, only for a move
     int32_t dy = 0;
-    uint32_t button = 0; // 1 left, 2 middle, 3 right, then those at the side
-    int32_t wheel = 0;   // -1 up, +1 down; a record for each step
+    uint32_t button = 0; // 1 left, 2 middle, 3 right, then the side buttons
+    int32_t wheel = 0;   // -1 up, +1 down; one record for each step
     uint32_t key = 0;    // scancode
-    // Of a key: its own character in the present layout, without modifiers; 0 for one that has none.
-    // Of text: what was typed, 32 or more.
+    // Of a key: its character in the current layout, without modifiers; 0 if it has none. Of text: the
+    // typed character, 32 or more.
     uint32_t character = 0;
 };
 
-// What one round brought.
+// The events of one round.
 struct PUMP_EVENTS {
-    bool quit = false; // the window was closed, or the program asked to end
+    bool quit = false; // the window was closed, or the system asks the program to end
     std::vector<ProgramCommand>
         commands;                     // of the program's own keys, in the order of their presses
     bool windowChanged = false;       // resized, exposed or restored: to be drawn again
-    uint32_t outputGone = 0;          // number of an open audio output that went; 0: none did
+    uint32_t outputGone = 0;          // number of an open audio output that was lost; 0: none
     std::vector<std::string> dropped; // files dropped on the window, paths in UTF-8
     std::vector<GUI_INPUT> gui;       // for the toolkit
     std::vector<GUI_INPUT> room; // the same while the user walks the room; the toolkit gets none
@@ -65,18 +65,18 @@ struct MOUSE_STATE {
     int32_t x = 0;
     int32_t y = 0;
     bool left = false;        // the left button is down
-    bool leftPressed = false; // or went down since the pump began, if only for a moment
+    bool leftPressed = false; // went down since the pump began, even if it is up again
 };
 
 class EventPump {
 public:
     explicit EventPump(Joysticks& joysticks);
 
-    // Reads all events that are there.
+    // Reads all waiting events.
     [[nodiscard]] PUMP_EVENTS Pump();
 
-    // The window's size in its own units and in pixels of the drawing surface. Until told, and with a
-    // size of 0, they count as equal.
+    // The window's size in its own units and in pixels of the drawing surface. Until it is called, or
+    // for a size of 0, both are equal.
     void SetWindowSize(int32_t width, int32_t height, int32_t drawableWidth,
                        int32_t drawableHeight);
     [[nodiscard]] const MOUSE_STATE& Mouse() const { return mouse; }

@@ -1,7 +1,7 @@
-// FramePacer: decides when the window is drawn again, and counts how often it was.
+// FramePacer: decides when the window is drawn again, and counts how often it is.
 //
-// A display with vertical sync gives the beat: every round draws and waits in the swap. Without one a
-// round draws only when there is something new, and sleeps a little otherwise.
+// With vertical sync the display sets the pace: every round draws and waits in the swap. Without it a
+// round draws only if there is something new, and sleeps a little otherwise.
 //
 // Thread: main.
 // Units: microseconds of the host's clock.
@@ -21,7 +21,7 @@ public:
         return visible && (followDisplay || news);
     }
 
-    // After a swap. A swap that returns at once, time after time, does not follow the display after all.
+    // After a swap. If swaps keep returning at once, they do not follow the display after all.
     void CountSwap(int64_t now);
     // Instead of a swap.
     static void Wait(bool visible);
@@ -37,7 +37,7 @@ private:
     int64_t roundStart = 0;
     int64_t rateStart = 0; // of the second being counted
     uint32_t swapsThisSecond = 0;
-    uint32_t hastySwaps = 0; // in a row, too quick for a display that gives the beat
+    uint32_t hastySwaps = 0; // in a row, too quick to follow a display
     float frameTimeSeconds = 0.0f;
     bool followDisplay = false;
     bool news = true;

@@ -26,7 +26,7 @@ bool GameScreen::Update(const SCREEN_INPUT& input) {
     return news;
 }
 
-// Over a game the cursor is in the way when nobody moves it.
+// Over a game an unused cursor is in the way.
 void GameScreen::HideIdleCursor(const SCREEN_INPUT& input) {
     const MOUSE_STATE& mouse = input.mouse;
     if (mouse.x != lastX || mouse.y != lastY || mouse.left || mouse.leftPressed) {

@@ -1,6 +1,6 @@
 // GameScreen: the active session's picture over the whole window.
 //
-// Keys and mouse are the machine's while it is shown. The mouse cursor hides when nobody moves it.
+// Keys and mouse go to the machine while it is shown. An unused mouse cursor is hidden.
 // Thread: main, with the OpenGL context current.
 #pragma once
 
@@ -29,7 +29,7 @@ public:
     void Draw(const DRAW_TARGET& target) override;
     [[nodiscard]] bool WantsInput() const override { return false; }
 
-    // A change of the view shows with the next round.
+    // A change of the view takes effect with the next round.
     void SetView(const GAME_VIEW& wanted) { view = wanted; }
     [[nodiscard]] const GAME_VIEW& View() const { return view; }
 

@@ -15,7 +15,7 @@ constexpr int kMostHats = 8;
 
 constexpr uint32_t kSubsystems = SDL_INIT_JOYSTICK | SDL_INIT_GAMECONTROLLER;
 
-// A way along an axis that turns a control on, and the lower one that turns it off again.
+// The deflection of an axis that turns a control on, and the lower one that turns it off again.
 struct THRESHOLD {
     int on;
     int off;
@@ -26,7 +26,7 @@ constexpr THRESHOLD kTrigger = {SDL_JOYSTICK_AXIS_MAX / 2, SDL_JOYSTICK_AXIS_MAX
 static_assert(SDL_HAT_UP == kHatUp && SDL_HAT_RIGHT == kHatRight && SDL_HAT_DOWN == kHatDown &&
               SDL_HAT_LEFT == kHatLeft);
 
-// Which half of an axis a control lies on. That of a button or trigger isn't told by the library.
+// Which half of an axis a control is. The library doesn't tell it for buttons and triggers.
 enum class Half : uint8_t { kNegative, kPositive, kEither };
 
 struct BUTTON_CONTROL {
@@ -50,7 +50,7 @@ constexpr BUTTON_CONTROL kButtonControls[] = {
     {SDL_CONTROLLER_BUTTON_START,         kPadStart,         Half::kEither  },
 };
 
-// A control that a way along an axis turns on, counted in the direction of `sign`.
+// A control that an axis turns on, deflected in the direction of `sign`.
 struct AXIS_CONTROL {
     SDL_GameControllerAxis axis;
     PadControl control;
@@ -104,8 +104,8 @@ std::array<uint32_t, 2> CodesOf(const SDL_GameControllerButtonBind& bind, uint32
     return {0, 0};
 }
 
-// Whether the mapping turns the axis round. The library tells of it nowhere but in the mapping's text,
-// where an entry such as "lefty:a1~" ends in a tilde.
+// Whether the mapping inverts the axis. The library says so only in the mapping's text, where an entry
+// such as "lefty:a1~" ends in a tilde.
 bool IsTurnedRound(SDL_GameController* controller, SDL_GameControllerAxis axis) {
     char* const text = SDL_GameControllerMapping(controller);
     if (text == nullptr) {
@@ -167,7 +167,7 @@ void Joysticks::Open() {
     if (opened) {
         return;
     }
-    // Buttons go by their place on the controller, so that a hand finds the same game on each of them.
+    // Buttons go by position, so that every controller plays the same.
     SDL_SetHint(SDL_HINT_GAMECONTROLLER_USE_BUTTON_LABELS, "0");
     if (SDL_InitSubSystem(kSubsystems) != 0) {
         return;
@@ -197,9 +197,10 @@ uint32_t Joysticks::PlaceOf(int32_t instance) const {
     return kNoJoystick;
 }
 
-// The index that an arrival names may be stale when the event is read, and the library announces those
-// present at the start as well; of one that arrives while another leaves it may say nothing at all. So
-// after each arrival and each departure the list is searched for whatever is neither open nor ignored.
+// The index in an arrival may be stale when the event is read, and the library also announces those
+// present at the start; for one that arrives while another leaves there may be no event at all. So
+// after each arrival and departure the list is searched for joysticks that are neither open nor
+// ignored.
 void Joysticks::OpenArrived() {
     for (int index = 0; index < SDL_NumJoysticks(); ++index) {
         const SDL_JoystickID instance = SDL_JoystickGetDeviceInstanceID(index);
@@ -285,7 +286,7 @@ void Joysticks::Removed(int32_t instance) {
     OpenArrived();
 }
 
-// Only what is held counts: a code set to 0 would be marked as just let go, and nothing has been.
+// Only what is held is set: setting a code to 0 would mark it as just released.
 void Joysticks::TakeState(uint32_t place) {
     const DEVICE& device = (*devices)[place];
     const JOYSTICK& joystick = places[place];

@@ -2,18 +2,18 @@
 //
 // Joysticks found at the start take the places in the order of the device list. One that arrives later
 // takes the lowest free place, one that leaves frees its own, and one that finds all places taken is
-// ignored until it is plugged in again. Events name a joystick by an instance number of the device
-// library; here it becomes the place, which is the joystick's number in the codes of `bindings.h`.
+// ignored until it is plugged in again. Events name a joystick by the library's instance number; the
+// place is the joystick's number in the codes of `bindings.h`.
 //
 // A joystick that the library knows as a game controller feeds two tables: the codes, like any other,
-// and the controls of `pad_defaults.h`. The first two controllers are the players 1 and 2. Who plays
-// stays so: when one leaves, the other keeps its player and the next to arrive takes the free one.
+// and the controls of `pad_defaults.h`. The first two controllers are players 1 and 2. When one leaves,
+// the other keeps its player, and the next to arrive takes the free one.
 //
-// Units: axes -32768 to 32767. A stick's direction is down from 40 percent of its way (within the
-// square of both axes that makes the eight directions about equally wide, 43 degrees for a diagonal)
-// until it comes back to 30; a trigger from half its way until it comes back to 40 percent.
+// Units: axes -32768 to 32767. A stick's direction goes down at 40 percent of an axis and up again at
+// 30 (which makes the eight directions about equally wide, 43 degrees for a diagonal); a trigger goes
+// down at 50 percent and up again at 40.
 // Thread: main.
-// Failure: without joysticks, or without the library's part for them, there are none; nothing is
+// Failure: without joysticks, or if the library's joystick part fails, there are none; nothing is
 // reported.
 #pragma once
 
@@ -32,14 +32,14 @@ inline constexpr uint32_t kJoystickPlaces = 4;
 inline constexpr uint32_t kNoJoystick = 0xFFFFFFFF;
 inline constexpr uint32_t kNoPlayer = 0xFFFFFFFF;
 
-// What is known of one joystick. More inputs than there are codes for aren't counted.
+// What is known of one joystick. Inputs without a code aren't counted.
 struct JOYSTICK {
     bool present = false;
     std::string name;            // UTF-8
     uint32_t axes = 0;           // at most 32
     uint32_t buttons = 0;        // at most 64
     uint32_t hats = 0;           // at most 8
-    uint32_t balls = 0;          // nothing reads them
+    uint32_t balls = 0;          // unused
     bool controller = false;     // a game controller with known controls
     uint32_t player = kNoPlayer; // 0 or 1 for the controllers that play
 };
@@ -47,16 +47,16 @@ struct JOYSTICK {
 class Joysticks {
 public:
     Joysticks();
-    ~Joysticks(); // closes them
+    ~Joysticks(); // calls Close
     Joysticks(const Joysticks&) = delete;
     Joysticks& operator=(const Joysticks&) = delete;
 
-    // Opens what is there and takes its first state. A joystick held at this moment is seen as held.
+    // Opens the connected joysticks and reads their state: what is held at this moment is down.
     void Open();
     // Closes all; nothing of theirs is down afterwards.
     void Close();
 
-    // Takes an event of a joystick or controller, whoever it is from. False for any other event.
+    // Handles an event of any joystick or controller. False for any other event.
     bool Handle(const SDL_Event& event);
 
     [[nodiscard]] std::span<const JOYSTICK, kJoystickPlaces> Places() const { return places; }
@@ -79,6 +79,6 @@ private:
 
     std::array<JOYSTICK, kJoystickPlaces> places{};
     std::unique_ptr<std::array<DEVICE, kJoystickPlaces>> devices;
-    std::vector<int32_t> ignored; // instances that found no place
+    std::vector<int32_t> ignored; // instances without a place
     bool opened = false;
 };

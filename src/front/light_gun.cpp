@@ -13,7 +13,8 @@
 
 namespace {
 
-// Of each player: y << 32 | x, 0 for nobody, so that a session's thread reads both at once.
+// Each player's aim: y << 32 | x in one word, so that a session's thread reads both at once; 0 for
+// nobody.
 std::atomic<uint64_t> gPointers[2]{};
 
 struct PICTURE_POINT {
@@ -21,7 +22,7 @@ struct PICTURE_POINT {
     uint32_t y;
 };
 
-// The pixel under the mouse; none beside the visible window and where no picture is shown.
+// The pixel under the mouse; none outside the visible window or without a picture.
 std::optional<PICTURE_POINT> PointInPicture(const SHOWN_PICTURE& shown, const MOUSE_STATE& mouse) {
     const EMU_VIDEO_FRAME& texels = shown.picture.picture;
     const SCREEN_QUAD quad = PlaceFullScreen(texels, shown.picture.texture, shown.crop,
@@ -45,7 +46,7 @@ std::optional<PICTURE_POINT> PointInPicture(const SHOWN_PICTURE& shown, const MO
     return PICTURE_POINT{static_cast<uint32_t>(x) / factor, static_cast<uint32_t>(y) / factor};
 }
 
-// A picture's very first pixel would read as nobody and counts as the one beside it.
+// The picture's first pixel, (0, 0), would mean nobody, so it counts as the one beside it.
 uint64_t PackedPointer(const std::optional<PICTURE_POINT>& point) {
     if (!point) {
         return 0;

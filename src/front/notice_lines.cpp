@@ -19,7 +19,7 @@ size_t BytesOf(std::string_view text, size_t letters) {
     return static_cast<size_t>(at - text.data());
 }
 
-// Takes one line off the text. The space at which it ends belongs to neither.
+// Removes one line from the text. The space where it ends is dropped.
 std::string_view TakeLine(std::string_view& text, size_t letters) {
     size_t end = BytesOf(text, letters);
     size_t next = end;
@@ -38,7 +38,7 @@ std::string_view TakeLine(std::string_view& text, size_t letters) {
 } // namespace
 
 std::vector<std::string> WrapNotice(std::string_view text, size_t letters) {
-    // Converted there and back, every byte that fits nowhere is a character.
+    // Converting there and back turns every invalid byte into a character.
     const std::string whole = Utf8FromWide(WideFromUtf8(text));
     std::vector<std::string> lines;
     std::string_view rest = whole;

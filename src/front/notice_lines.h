@@ -1,4 +1,4 @@
-// A notice cut into lines that fit across the window.
+// Splits a notice into lines that fit the window.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-// Lines of at most `letters` characters each, at least one; a line feed begins a new one. A line ends at
-// its last space where it has one, and that space is gone; a word longer than a line is cut between
-// characters. A byte that is not UTF-8 counts as a character.
+// Lines of at most `letters` characters each, at least one; a line feed begins a new one. A line is
+// broken at its last space, which is dropped; a word longer than a line is cut between characters. A
+// byte that is not UTF-8 counts as a character.
 [[nodiscard]] std::vector<std::string> WrapNotice(std::string_view text, size_t letters);

@@ -17,7 +17,7 @@
 namespace {
 
 constexpr uint32_t kMostProcessors = 32;
-constexpr uint32_t kFull = 1000; // threads on one processor
+constexpr uint32_t kFull = 1000; // the most threads on one processor
 constexpr int kNotBound = -1;
 constexpr uint32_t kTokenLimit = 33;
 
@@ -26,9 +26,9 @@ std::array<uint32_t, kTokenLimit> gCoreUse{}; // threads bound to each; under th
 
 #ifdef __linux__
 
-cpu_set_t gAllowed; // of the process when the binder started; a thread's own set narrows
+cpu_set_t gAllowed; // of the process when the binder started
 
-// Once a process, before anything was bound. Gives the number of processors.
+// Once a process, before anything is bound. Returns the number of processors.
 uint32_t ReadAllowed() {
     static const bool kRead = sched_getaffinity(0, sizeof gAllowed, &gAllowed) == 0;
     return kRead ? static_cast<uint32_t>(CPU_COUNT(&gAllowed)) : 1;
@@ -38,7 +38,7 @@ void AllowAll() {
     pthread_setaffinity_np(pthread_self(), sizeof gAllowed, &gAllowed);
 }
 
-// The n-th processor that the process may use becomes the thread's only one.
+// Binds the thread to the n-th processor that the process may use.
 bool SetThreadProcessor(uint32_t number) {
     for (size_t bit = 0; bit < CPU_SETSIZE; ++bit) {
         if (!CPU_ISSET(bit, &gAllowed) || number-- != 0) {

@@ -1,4 +1,4 @@
-// Binds session threads to processors of their own, where the user wants it.
+// Binds session threads to processors of their own, if the user wants it.
 //
 // A binding is a token: the processor's number, or -1 for a thread that was left alone.
 // Threads: any. Order: ProcessorBinderStart once before the rest.
@@ -10,12 +10,12 @@
 void ProcessorBinderStart();
 [[nodiscard]] uint32_t ProcessorCount();
 
-// Binds the calling thread to the processor with the fewest bound threads. Does nothing and gives -1
-// unless `app_managecpucores` is set or `always` is not 0, with less than two processors, or when the
+// Binds the calling thread to the processor with the fewest bound threads. Does nothing and returns -1
+// unless `app_managecpucores` is set or `always` is not 0, with fewer than two processors, or if the
 // system refuses.
 [[nodiscard]] int BindProcessor(int always);
 
-// Gives the processor of the token back.
+// Releases the processor of the token.
 void ReleaseProcessor(int token);
 
 // The same for the calling thread, which may then run on every processor again.

@@ -1,8 +1,7 @@
-// What the window's own keys ask of the program. These keys are the program's and cannot be bound to
-// anything else.
+// The commands of the window's fixed keys, which cannot be bound to anything else.
 //
 // The pump finds the commands of a round in this table, in the order of their presses; Application has
-// the table of what each of them does.
+// the table of their handlers.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +20,7 @@ inline constexpr uint32_t kProgramCommands = 6;
 struct PROGRAM_KEY {
     uint32_t scancode; // of the USB HID tables
     bool alt;          // with alt held; otherwise no alt, ctrl or system key may be down
-    bool whileWalking; // also while the user walks the room
+    bool whileWalking; // also while the user is walking in the room
     ProgramCommand command;
 };
 [[nodiscard]] std::span<const PROGRAM_KEY> ProgramKeys();

@@ -1,4 +1,4 @@
-// What the program calls itself on the window.
+// The program's name and the window's title.
 #pragma once
 
 #include <string>

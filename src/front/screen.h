@@ -28,12 +28,12 @@ public:
     Screen& operator=(const Screen&) = delete;
     virtual ~Screen() = default;
 
-    // Takes the round's input. True when the screen looks different from now on.
+    // Handles the round's input. True if the screen must be drawn again.
     [[nodiscard]] virtual bool Update(const SCREEN_INPUT& input) = 0;
 
-    // Draws the whole of the target.
+    // Draws the whole target.
     virtual void Draw(const DRAW_TARGET& target) = 0;
 
-    // Whether keys and mouse are the screen's own. If not, they are the machine's.
+    // Whether the screen uses keys and mouse itself. If not, they go to the machine.
     [[nodiscard]] virtual bool WantsInput() const = 0;
 };

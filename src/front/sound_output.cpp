@@ -80,6 +80,7 @@ void SoundOutput::Stop() {
     if (worker.joinable()) {
         Order(Task::kEnd);
         worker.join();
+        task = Task::kNone; // for the next Start; there is no other thread now
     }
     state = State::kStopped;
 }
@@ -98,7 +99,7 @@ void SoundOutput::Order(Task wanted) {
     changed.notify_all();
 }
 
-// The attempt is over.
+// The attempt has ended.
 void SoundOutput::Learn(int64_t now) {
     bool open = false;
     std::string why;
@@ -117,7 +118,7 @@ void SoundOutput::Learn(int64_t now) {
     silenceSaid = !open;
 }
 
-// Another output may be there at once.
+// Another output may already be available.
 void SoundOutput::Lose() {
     PostReport("the sound device is gone; playing on without sound");
     silenceSaid = true;

@@ -1,12 +1,13 @@
 // SoundOutput: opens the program's sound device and its pump, and tries again every two seconds while
 // there is none.
 //
-// A driver may be missing at the start, a device busy for a moment, and one that is open may go. Each
-// attempt looks for the driver anew. The player reads one line when sound goes and one when it is back.
+// A driver may be missing at the start, a device may be busy for a moment, and an open one may vanish.
+// Each attempt looks for the driver again. The player reads one line when sound is lost and one when it
+// is back.
 //
-// Threads: the main thread calls. All opening and closing is done by one thread of the output's own, since
-// a sound server may let a client wait for seconds; the device's and the pump's threads come from it, so
-// they inherit nothing of what the main thread's binding becomes later.
+// Threads: the main thread calls. One thread of the output's own does all opening and closing, since a
+// sound server may block a client for seconds. The device's and the pump's threads start from it, so
+// they do not inherit the main thread's later processor binding.
 // Order: Start, Watch once a round, Stop.
 #pragma once
 
@@ -19,12 +20,12 @@
 
 struct PUMP_EVENTS;
 
-// What is opened; tests bring their own.
+// What is opened; tests pass their own.
 struct SOUND_OUTPUT_CALLS {
     std::function<bool(std::string& error)> open; // device and pump
-    std::function<void()> close;                  // both, also when nothing is open
-    std::function<uint32_t()> number;             // of the open device, as events name it
-    uint32_t startPatience = 3000;                // milliseconds that Start waits at most
+    std::function<void()> close;                  // both; also called when nothing is open
+    std::function<uint32_t()> number;             // of the open device, as in SDL's events
+    uint32_t startPatience = 3000;                // the longest wait of Start, in milliseconds
 };
 
 class SoundOutput {
@@ -35,17 +36,17 @@ public:
     SoundOutput(const SoundOutput&) = delete;
     SoundOutput& operator=(const SoundOutput&) = delete;
 
-    // Opens the device. One that does not answer in time is left to Watch. `now` in microseconds.
+    // Opens the device. If it does not answer in time, Watch gets the result. `now` in microseconds.
     void Start(int64_t now);
 
-    // Learns what became of an attempt, whether the device has gone, and orders the next attempt when it
-    // is due. Never waits.
+    // Gets the result of an attempt, notices a lost device, and starts the next attempt when it is due.
+    // Never waits.
     void Watch(const PUMP_EVENTS& events, int64_t now);
 
-    // Closes the device. Waits for an attempt that is under way.
+    // Closes the device. Waits for a running attempt.
     void Stop();
 
-    // Whether an attempt is under way; once it is over, the next Watch learns its result.
+    // Whether an attempt is running; after it ends, the next Watch gets its result.
     [[nodiscard]] bool Trying();
 
 private:
@@ -59,16 +60,16 @@ private:
 
     SOUND_OUTPUT_CALLS calls;
 
-    // The main thread's.
+    // Used by the main thread only.
     State state = State::kStopped;
-    int64_t lastTry = 0;      // microseconds, when the end of the last attempt was learned
-    bool silenceSaid = false; // the player has read that there is no sound
-    uint32_t gone = 0;        // number of a device that went during the attempt
+    int64_t lastTry = 0;      // microseconds, when the last attempt's end was noticed
+    bool silenceSaid = false; // the player has been told that there is no sound
+    uint32_t gone = 0;        // number of a device that was lost during the attempt
 
     std::thread worker;
-    std::mutex lock; // of what follows; nothing else is taken under it
+    std::mutex lock; // guards what follows; no other lock is taken under it
     std::condition_variable changed;
     Task task = Task::kNone; // kNone: done
-    bool opened = false;     // by the last attempt
-    std::string reason;      // why not
+    bool opened = false;     // result of the last attempt
+    std::string reason;      // why the last attempt failed
 };

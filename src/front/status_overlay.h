@@ -1,7 +1,7 @@
-// StatusOverlay: the lines of text over whatever the window shows. At the top the two status lines, at
-// the foot what the player is told.
+// StatusOverlay: the lines of text over the window's contents: two status lines at the top, notices at
+// the bottom.
 //
-// Units: places are those of a screen of 1280 by 720, scaled to the window's height.
+// Units: positions are those of a screen of 1280 by 720, scaled to the window's height.
 // Thread: main, with the OpenGL context current.
 #pragma once
 
@@ -14,16 +14,16 @@
 
 class StatusOverlay {
 public:
-    // False when the driver has no memory for the letters; nothing is drawn then.
+    // False if the driver has no memory for the letters; nothing is drawn then.
     [[nodiscard]] bool Start();
     void End();
 
-    // Takes the notices of the moment. True when they look different from now on. The status lines are
-    // shown and kept up to date with `statistics` only.
+    // Reads the current notices. True if the text has changed. The status lines are shown only with
+    // `statistics`.
     [[nodiscard]] bool Update(const DRAW_TARGET& target, bool statistics,
                               const std::string& frameRate, int64_t now);
 
-    // In Ortho2D, after the screen below it.
+    // Call in Ortho2D, after drawing the screen below it.
     void Draw(const DRAW_TARGET& target) const;
 
 private:

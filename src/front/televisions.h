@@ -13,12 +13,12 @@
 
 class Televisions {
 public:
-    // Takes the pictures that the sessions have published since the last call, and gives up those of
-    // sessions that are gone. True when the active session's picture is new or a television went dark.
+    // Uploads the pictures that sessions have published since the last call, and drops those of ended
+    // sessions. True if the active session's picture is new or a television went dark.
     [[nodiscard]] bool Upload(uint32_t activeKey, PictureScaler scaler);
     void End();
 
-    // The picture of a session; one without a texture where none has come yet.
+    // The picture of a session; without a texture before the first one.
     [[nodiscard]] const SESSION_PICTURE& Picture(uint32_t key) const;
 
     // Number of uploads of the active session's picture; 0 before the first.
@@ -50,6 +50,5 @@ private:
     bool keepPicture = false;
 };
 
-// Turns off the sessions whose machine cannot go on and tells the player why. The keys of those it
-// turned off.
+// Turns off the sessions whose machine cannot go on and tells the player why. Returns their keys.
 std::vector<uint32_t> StopEndedSessions();

@@ -1,12 +1,13 @@
-// Faults that nobody had time to read, told again at the next start.
+// Faults that nobody had time to read, shown again at the next start.
 //
-// A window that is closed at once takes its notices along, and of a program that was not started from a
-// terminal nobody sees the standard error. So what stood in the window for less than its time, or came
-// when the window was gone, is kept in `.\unread.txt`, one fault a line.
-// Thread: main. Failure: a file that can't be written or read loses the words; nothing is reported.
+// A window that is closed at once takes its notices along, and the standard error of a program started
+// without a terminal is not seen. So a fault that was shown for less than its time, or came after the
+// window closed, is kept in `.\unread.txt`, one fault a line.
+// Thread: main. Failure: if the file can't be written or read, the faults are lost; nothing is
+// reported.
 #pragma once
 
-// Posts what the last run has kept, and forgets it.
+// Posts what the last run has kept, and deletes the file.
 void TellUnreadNotices();
-// Keeps the faults that are unread now. Without any there is no file.
+// Keeps the unread faults. Writes no file if there are none.
 void KeepUnreadNotices();

@@ -61,7 +61,7 @@ WINDOW_OPTIONS WindowOptionsFromSettings() {
     return options;
 }
 
-WINDOW_SIZE UsableWindowSize(WINDOW_SIZE wanted, WINDOW_SIZE display, std::string& word) {
+WINDOW_SIZE UsableWindowSize(WINDOW_SIZE wanted, WINDOW_SIZE display, std::string& message) {
     WINDOW_SIZE size = wanted;
     if (std::min(size.width, size.height) < 1 || std::max(size.width, size.height) > kLongestSide) {
         size = kDefaultSize;
@@ -69,7 +69,8 @@ WINDOW_SIZE UsableWindowSize(WINDOW_SIZE wanted, WINDOW_SIZE display, std::strin
     size.width = std::max(std::min(size.width, display.width), kSmallestSize.width);
     size.height = std::max(std::min(size.height, display.height), kSmallestSize.height);
     if (size.width != wanted.width || size.height != wanted.height) {
-        word = "a window of " + Dimensions(wanted) + " cannot be had; it is " + Dimensions(size);
+        message =
+            "a window of " + Dimensions(wanted) + " is not possible; it is " + Dimensions(size);
     }
     return size;
 }
@@ -99,13 +100,14 @@ bool Window::Create(const WINDOW_OPTIONS& options, const std::string& title, int
 }
 
 bool Window::Open(const WINDOW_OPTIONS& options, const std::string& title,
-                  std::vector<std::string>& words, std::string& error) {
+                  std::vector<std::string>& messages, std::string& error) {
     Close();
     WINDOW_OPTIONS wanted = options;
-    std::string word;
-    const WINDOW_SIZE size = UsableWindowSize({options.width, options.height}, DisplaySize(), word);
-    if (!word.empty() && !options.fullScreen) {
-        words.push_back(word);
+    std::string message;
+    const WINDOW_SIZE size =
+        UsableWindowSize({options.width, options.height}, DisplaySize(), message);
+    if (!message.empty() && !options.fullScreen) {
+        messages.push_back(message);
     }
     wanted.width = size.width;
     wanted.height = size.height;
@@ -114,7 +116,7 @@ bool Window::Open(const WINDOW_OPTIONS& options, const std::string& title,
     if (!created && options.antialias) {
         created = Create(wanted, title, 0);
         if (created) {
-            words.emplace_back("this display has no multisampling; edges are not smoothed");
+            messages.emplace_back("this display has no multisampling; edges are not smoothed");
         }
     }
     if (!created) {

@@ -1,4 +1,4 @@
-// The window's picture in task bars: a television whose screen is in the shade, hence the name.
+// The window's icon: a television with a shaded screen, like the program's name.
 #pragma once
 
 #include <cstdint>

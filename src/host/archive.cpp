@@ -21,13 +21,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// No archive of ours comes near these; they bound what a foreign file can make the program allocate.
+// Far above any archive of ours; these limit what a foreign file can make the program allocate.
 constexpr uint64_t kReadLimit = uint64_t{1} << 26;
 constexpr uint64_t kUnpackLimit = uint64_t{1} << 26;
 
 using Bytes = std::vector<uint8_t>;
 
-// Only one thread at a time reads an archive, carries its entries over and replaces it.
+// One thread at a time reads an archive, copies its entries and replaces it.
 using ArchiveTurns = Turns<std::string, LockRank::kArchive>;
 using ArchiveTurn = Turn<std::string, LockRank::kArchive>;
 
@@ -42,7 +42,7 @@ bool IsEntry(const std::string& rawName, const std::string& entryName) {
 
 enum class EntryResult { kAbsent, kUnreadable, kRead };
 
-// Reads the first entry of this name that holds anything.
+// Reads the first entry of this name that is not empty.
 EntryResult ReadEntry(const ZipReader& zip, const std::string& entryName, Bytes& state,
                       std::string& error) {
     for (uint32_t i = 0; i < zip.EntryCount(); ++i) {
@@ -60,7 +60,7 @@ bool KeepDamaged(const fs::path& archive, const Bytes& content, const std::strin
     return KeepCopy(archive, "damaged", content, why, same, kReadLimit);
 }
 
-// A copy made before counts when it holds the same refused state, whatever other entries it has.
+// An earlier copy counts if it holds the same refused state, whatever its other entries.
 bool KeepRefused(const fs::path& archive, const Bytes& content, const std::string& entryName,
                  const Bytes& state) {
     const auto same = [&](const Bytes& kept) {
@@ -95,8 +95,8 @@ bool MoveAside(const fs::path& archive, const std::string& why, fs::path& aside)
     return true;
 }
 
-// Copies every entry but the session's own into the new archive. False, with the cause, when
-// something in the old one cannot be carried over; the rest is there all the same.
+// Copies every entry but the session's own into the new archive. False, with the cause, if something in
+// the old one cannot be copied; the rest still is.
 bool CarryOver(const Bytes& archive, const std::string& entryName, ZipWriter& writer,
                std::string& cause) {
     ZipReader zip;
@@ -132,12 +132,12 @@ bool CarryOver(const Bytes& archive, const std::string& entryName, ZipWriter& wr
 
 // The archive that a save replaces, as it was read.
 struct OLD_ARCHIVE {
-    Bytes bytes;            // empty without a file that can be read
-    std::string unreadable; // why the file cannot be read; empty when it can, or when there is none
-    std::string damage;     // why something in it cannot be carried over; empty when all can
+    Bytes bytes;            // empty if there is no readable file
+    std::string unreadable; // why the file cannot be read; empty if it can, or if there is none
+    std::string damage;     // why something in it cannot be copied; empty if all can
 };
 
-// Reads the old archive and starts the new one with all that can be carried over.
+// Reads the old archive and starts the new one with all entries that can be copied.
 OLD_ARCHIVE ReadOld(const fs::path& path, const std::string& entryName, ZipWriter& writer) {
     OLD_ARCHIVE old;
     if (!FileMayExist(path)) {
@@ -151,7 +151,7 @@ OLD_ARCHIVE ReadOld(const fs::path& path, const std::string& entryName, ZipWrite
     return old;
 }
 
-// The whole new archive. Empty, with the cause, when it cannot be made.
+// The whole new archive. Empty, with the cause, if it cannot be made.
 Bytes FinishArchive(ZipWriter& writer, const std::string& entryName, std::span<const uint8_t> state,
                     std::string& error) {
     if (!writer.Add(entryName, state, error)) {
@@ -166,7 +166,7 @@ Bytes FinishArchive(ZipWriter& writer, const std::string& entryName, std::span<c
     return archive;
 }
 
-// Everything that must be safe before the old archive goes.
+// Makes all copies that must be safe before the old archive is replaced.
 bool KeepWhatWouldBeLost(EMU_THREAD& session, const fs::path& path, const OLD_ARCHIVE& old) {
     if (!old.damage.empty() && !old.bytes.empty() && !KeepDamaged(path, old.bytes, old.damage)) {
         return false;
@@ -215,7 +215,7 @@ bool StoreState(EMU_THREAD& session, std::span<const uint8_t> state) {
     return true;
 }
 
-// Reads the session's state and, with it, the archive around it. The caller has the archive's turn.
+// Reads the archive and the session's state in it. The caller has the archive's turn.
 EntryResult FetchState(const EMU_THREAD& session, Bytes& archive, Bytes& state) {
     const fs::path path = ResolvePath(session.archivePath);
     if (!FileMayExist(path)) {
@@ -238,7 +238,7 @@ EntryResult FetchState(const EMU_THREAD& session, Bytes& archive, Bytes& state) 
     return result;
 }
 
-// Gives the machine a state that was read. One that it refuses leaves it reset and not half restored.
+// Loads a state into the machine. A refused one leaves the machine reset, not half restored.
 bool GiveState(EMU_THREAD& session, const Bytes& state) {
     const std::scoped_lock hold(session.lock);
     const bool loaded =
@@ -260,7 +260,7 @@ bool LoadState(EMU_THREAD& session, bool& wasThere) {
         const EntryResult result = FetchState(session, archive, state);
         wasThere = result != EntryResult::kAbsent;
         if (result != EntryResult::kRead) {
-            // What cannot be read now may be readable at the next save, which must not replace it.
+            // What cannot be read now may be readable at the next save, which must not lose it.
             session.unloadedStateUnkept |= result == EntryResult::kUnreadable;
             return false;
         }
@@ -275,7 +275,7 @@ bool LoadState(EMU_THREAD& session, bool& wasThere) {
 } // namespace
 
 TAKEN_STATE EmuTakeState(EMU_THREAD& session) {
-    std::string why = "the machine gives none";
+    std::string why = "the machine returned no state";
     try {
         TAKEN_STATE state;
         state.bytes = session.machine->SaveState(state.size);

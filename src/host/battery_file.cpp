@@ -21,7 +21,7 @@ std::atomic<bool> gWrites{true};
 
 using Bytes = std::vector<uint8_t>;
 
-// Renames a file that cannot be this game's memory.
+// Sets aside a file that cannot be this game's memory.
 bool SetAside(const std::string& stem, size_t bytes) {
     const fs::path path = ResolvePath(stem + kSuffix);
     const fs::path aside = FreeAsidePath(path, "damaged");
@@ -34,20 +34,20 @@ bool SetAside(const std::string& stem, size_t bytes) {
     return !code;
 }
 
-// Keeps a copy of what somebody else has written.
+// Keeps a copy of what another program has written.
 bool KeepOther(const fs::path& file, const Bytes& content) {
     const std::string path = file.string();
     const fs::path aside = FreeAsidePath(file, "other");
     std::string error;
     if (!WriteFile(aside, content, error, WriteMode::kCreate)) {
-        HostReport(path + ": somebody else has written it, and no copy can be kept: " + error);
+        HostReport(path + ": another program has written it, and no copy can be kept: " + error);
         return false;
     }
-    HostReport(path + ": somebody else has written it; a copy is kept as " + aside.string());
+    HostReport(path + ": another program has written it; a copy is kept as " + aside.string());
     return true;
 }
 
-// Keeps what the write would replace, unless there is a copy already. False when it cannot be kept.
+// Keeps a copy of what the write will replace, unless there is one. False if no copy can be made.
 bool KeepFormer(const BATTERY_WRITE& write, const fs::path& path) {
     if (!FileMayExist(path)) {
         return true;
@@ -98,7 +98,7 @@ void BatteryLoad(BATTERY_FILE& file, CBattery& memory) {
 
 void BatteryPutBack(const BATTERY_FILE& file, CBattery& memory) {
     if (file.isFile) {
-        // It was taken before, and the length is always the same.
+        // The machine took it before, and the length never changes.
         static_cast<void>(memory.SetBatteryContents(file.onDisk));
     }
 }
@@ -109,7 +109,7 @@ void EmuWriteBatteries(bool write) {
 
 std::optional<BATTERY_WRITE> BatteryDue(BATTERY_FILE& file, Bytes contents) {
     if (contents == file.onDisk) {
-        file.rolledBack = false; // what came back is what the file holds
+        file.rolledBack = false; // the restored memory is the file's
         return std::nullopt;
     }
     if (!gWrites || file.untouchable || contents.empty() || contents == file.refused) {
@@ -142,7 +142,7 @@ void BatteryWritten(BATTERY_FILE& file, BATTERY_WRITE write, bool written) {
         file.refused.clear();
     } else {
         file.rolledBack |= write.rolledBack;
-        file.refused = std::move(write.contents); // the same bytes are not tried again
+        file.refused = std::move(write.contents); // these bytes are not tried again
     }
 }
 

@@ -22,7 +22,7 @@ namespace {
 constexpr int32_t kDefaultFastForward = 2;
 constexpr int32_t kMostFastForward = 10;
 
-// A frame of the machine, brought into the bounds that everything behind it relies on.
+// Runs a frame and brings its records into the bounds that all later stages rely on.
 void RunMachine(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
                 EMU_AUDIO_FRAME& audio) {
     session.machine->RunFrame(input, &video, &audio);
@@ -41,7 +41,7 @@ bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vide
         return false;
     }
     const REWIND_NODE& node = *stack.rewindCursor;
-    // The machine's own state of a moment ago: it takes it.
+    // This machine saved the state a moment ago, so it takes it.
     static_cast<void>(session.machine->LoadState(node.state.get(), node.size));
     session.battery.rolledBack = true;
     RunMachine(session, input, video, audio);
@@ -64,7 +64,7 @@ void StepForward(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& v
     }
 }
 
-// The session waits for the disk here, and nobody else does.
+// Only this session waits for the disk here.
 void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) {
     if (keys.saveState && !loop.saveWasDown && EmuSaveToArchive(session)) {
         HostNotice("State saved");
@@ -81,11 +81,17 @@ void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) 
 }
 
 // The frames of a fast round. A machine holds a frame so that the next one is drawn over it, unseen. A
-// round that ends on such a frame shows the newest picture of the round that is not held. Running on
-// until there is one would play faster than the setting says; this way the frames, their sound and the
-// recorded states are the same with and without holding, and every round still shows a new picture.
+// round that ends on such a frame shows the newest picture of the round that is not held. Running
+// further until there is one would play faster than the setting says. This way the frames, their sound
+// and the recorded states are the same with and without held frames, and every round still shows a new
+// picture.
 void RunFastRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
                   FRAME_LOOP& loop) {
+    if (loop.fastForwardSteps == 0) {
+        // No frame of the machine looks, and what is tapped now must not reach it afterwards.
+        const std::scoped_lock hold(session.lock);
+        const InputFrame look(session.inputs, session.key);
+    }
     EMU_VIDEO_FRAME kept{};
     for (uint32_t left = loop.fastForwardSteps; left > 0; --left) {
         EmuStep(session, input, &video, &loop.sound.frame, false);
@@ -112,7 +118,7 @@ void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* vid
         drawn = EmuStep(session, input, video, &loop.sound.frame, rewind);
     }
     if (!drawn) {
-        // This buffer holds some older picture; what was shown last is to stay.
+        // This buffer holds some older picture; the last one shown must stay.
         EmuRepeatPicture(loop.lastPicture, *video);
     }
     if (keys.fastForward) {
@@ -165,7 +171,7 @@ HOTKEYS EmuPollHotkeys(uint32_t key) {
 
 bool EmuStep(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
              EMU_AUDIO_FRAME* audio, bool rewind) {
-    // A machine slower than real time would leave no gap for those who wait at the frame boundary.
+    // A machine slower than real time would leave no gap for threads that wait for a frame boundary.
     while (session.lockWaiters != 0) {
         std::this_thread::yield();
     }
@@ -187,7 +193,7 @@ void EmuRound(EMU_THREAD& session, const EMU_HOST_CALLBACKS& host, FRAME_LOOP& l
     EMU_VIDEO_FRAME* const video = host.getVideoFrame(&session);
     EMU_INPUT_STATE* const input = host.getInput(&session);
     if (video == nullptr || input == nullptr) {
-        // A host that could not open the session; it waits to be stopped.
+        // The host could not open the session, which waits to be stopped.
         host.present(&session, 0);
         return;
     }
@@ -221,7 +227,7 @@ void EmuThreadMain(EMU_THREAD* session) {
             EmuRound(*session, host, loop, EmuPollHotkeys(session->key));
         }
     }
-    // From here on the record may be gone. Whoever waits must not wait for the processor's release.
+    // The record may be gone from here on. A stop must not wait for the processor's release.
     session->stopRequested = 0;
     host.threadEnd(token);
     SessionThreadEnded();

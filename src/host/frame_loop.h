@@ -8,10 +8,11 @@
 //     EMU_VIDEO_FRAME video{}; video.pixels = pixels.get();
 //     session->showStatic = 0;                                 // unless the static is wanted
 //     EMU_INPUT_STATE input{};
-//     EmuStep(*session, &input, &video, &sound.frame, false);  // picture and sound are there
+//     EmuStep(*session, &input, &video, &sound.frame, false);  // picture and sound are filled
 //     EmuRotateFrame(video, scratch);
 //
-// There is no global clock: the samples that a machine made for a frame decide how long it lasts.
+// There is no global clock: the number of samples that a machine makes for a frame is the frame's
+// length.
 #pragma once
 
 #include "host/aligned_block.h"
@@ -21,8 +22,8 @@
 #include <cstdint>
 #include <vector>
 
-// The sound of the frame at hand: the record that a machine fills and the block behind it, at the
-// application's rate of the moment it was made.
+// The sound of the current frame: the record that a machine fills and its samples, at the program's
+// rate when it was constructed.
 struct SOUND_FRAME {
     SOUND_FRAME();
     AlignedBlock<int16_t> samples;
@@ -30,19 +31,19 @@ struct SOUND_FRAME {
 };
 
 // One step under the session's lock: a frame of static while it runs; with `rewind` the frame
-// after the newest state of the rewind stack, its sound reversed; otherwise a frame of the machine, whose
-// state goes on the stack. False when the stack is empty and nothing was drawn: picture and sound are
-// then as they were.
+// after the newest state of the rewind stack, its sound reversed; otherwise a frame of the machine,
+// whose state goes on the stack. False if the stack is empty: nothing was drawn, and picture and sound
+// are unchanged.
 bool EmuStep(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
              EMU_AUDIO_FRAME* audio, bool rewind);
 
-// Turns the sound of n pairs around: pair i takes, in both channels, the left sample of pair n - 1 - i.
+// Reverses the sound of n pairs: pair i gets, in both channels, the left sample of pair n - 1 - i.
 void EmuReverseSound(EMU_AUDIO_FRAME& audio);
 
-// Length of a frame in microseconds; 0 without samples. Single precision, truncated.
+// Length of a frame in microseconds, single precision, truncated; 0 without samples.
 [[nodiscard]] uint32_t EmuFrameMicroseconds(uint32_t sampleCount, uint32_t sampleRate);
 
-// Steps in a round while "Fast Forward" is down: a negative setting gives 2, one above 10 gives 10.
+// Steps in a round while "Fast Forward" is down: a negative setting means 2, one above 10 means 10.
 [[nodiscard]] uint32_t EmuFastForwardSteps(int32_t setting);
 
 // Which hotkeys are down. Nothing is down for a session that is not the active one.
@@ -56,16 +57,16 @@ struct HOTKEYS {
 
 // What a session's thread keeps from one round to the next.
 struct FRAME_LOOP {
-    FRAME_LOOP(); // reads emu_fastforward, which stays as it was for the life of the session
+    FRAME_LOOP(); // reads emu_fastforward once, for the life of the session
 
     SOUND_FRAME sound;
-    InputLooker hotkeys; // which are looked at once a round, however many frames it runs
+    InputLooker hotkeys; // read once a round, however many frames it runs
     uint32_t fastForwardSteps;
     bool saveWasDown = false;
     bool loadWasDown = false;
-    EMU_VIDEO_FRAME lastPicture{}; // as presented last; its block belongs to the host
+    EMU_VIDEO_FRAME lastPicture{}; // the last one presented; the host owns its pixels
     std::vector<uint32_t> kept;    // a picture of this round that a held one was drawn over
-    std::vector<uint32_t> scratch; // for turning pictures
+    std::vector<uint32_t> scratch; // for rotating pictures
 };
 
 // One round of the loop. A round that draws nothing shows the picture of the round before again.

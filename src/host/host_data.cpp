@@ -14,8 +14,8 @@ namespace {
 
 constexpr int64_t kBiasMicroseconds = 200;
 constexpr uint32_t kUnpacedSleepMs = 5;
-constexpr int64_t kSleepAbove = 1500; // microseconds left, above which a millisecond is slept
-constexpr int64_t kYieldAbove = 100;  // and above which the processor is given away
+constexpr int64_t kSleepAbove = 1500; // above this many microseconds left: sleep a millisecond
+constexpr int64_t kYieldAbove = 100;  // above this: yield the processor
 constexpr uint32_t kBytesAPair = 4;
 constexpr uint32_t kPendingSeconds = 2;
 
@@ -100,7 +100,7 @@ void HostClose(EMU_THREAD* session) {
     const std::unique_ptr<EMU_HOST_DATA> data(session->hostData.exchange(nullptr));
 }
 
-// The write index is the session thread's own; the mutex is for those who only look at it.
+// Only the session's thread changes the write index; the mutex is for threads that read it.
 EMU_VIDEO_FRAME* HostGetVideoFrame(EMU_THREAD* session) {
     EMU_HOST_DATA* const data = session->hostData;
     return data == nullptr ? nullptr : &data->frames[data->writeIndex];

@@ -1,9 +1,9 @@
-// The host's side of a session: triple buffer, pacing and the samples on their way to the pump.
+// The host's side of a session: triple buffer, pacing and the samples that wait for the pump.
 //
-// One record a session, made by the open callback and freed by close. The frame mutex guards the
-// indices and flags of the triple buffer; the sound mutex guards `pending`, the session's
-// `soundBytes` and all that the sound layer keeps. The session draws into frames[writeIndex] and the
-// display reads frames[readIndex] without a lock: the two indices are never equal.
+// One record for each session, made by the open callback and freed by close. The frame mutex guards the
+// indices and flags of the triple buffer; the sound mutex guards `pending`, the session's `soundBytes`
+// and all that the sound layer keeps. The session draws into frames[writeIndex] and the display reads
+// frames[readIndex] without a lock: the two indices are never equal.
 #pragma once
 
 #include "base/ranked_mutex.h"
@@ -20,7 +20,7 @@ struct SoundChannel;
 
 struct EMU_HOST_DATA {
     EMU_VIDEO_FRAME frames[3]{};
-    AlignedBlock<uint32_t> pixels[3]; // the blocks behind `frames`, EmuPicturePixels() each
+    AlignedBlock<uint32_t> pixels[3]; // the memory of `frames`, EmuPicturePixels() each
     uint32_t writeIndex = 2;
     uint32_t readIndex = 0;
     std::atomic<int32_t> syncBias{0}; // -1, 0 or +1, set by the sound pump
@@ -29,7 +29,7 @@ struct EMU_HOST_DATA {
     EMU_INPUT_STATE input{};
     std::vector<uint8_t> pending;  // interleaved stereo, twice rate x 4 bytes long
     SoundChannel* sound = nullptr; // owned by the sound layer; null without one
-    bool noSound = true; // no channel, or one that could not be made: the session is silent
+    bool noSound = true;           // no channel: the session is silent
 };
 
 using FrameMutex = RankedMutex<LockRank::kFrame>;
@@ -37,47 +37,47 @@ using SoundMutex = RankedMutex<LockRank::kSound>;
 [[nodiscard]] FrameMutex& EmuFrameMutex();
 [[nodiscard]] SoundMutex& EmuSoundMutex();
 
-// Time as pacing sees it, replaceable so that its arithmetic is tested without waiting. Both must be
-// callable from any thread. Set while no session runs.
+// The clock of pacing, replaceable so that tests need not wait. Both functions must be callable from
+// any thread. Set while no session runs.
 struct HOST_CLOCK {
     int64_t (*nowMicroseconds)();
-    void (*sleepMilliseconds)(uint32_t milliseconds); // 0 gives the processor away
+    void (*sleepMilliseconds)(uint32_t milliseconds); // 0 yields the processor
 };
 void HostSetClock(const HOST_CLOCK& clock); // null members restore the steady clock
 [[nodiscard]] const HOST_CLOCK& HostClock();
 
-// Frames of 1,000 to 50,000 microseconds are paced; others, those without sound among them, are not
-// shown and only sleep 5 ms.
+// Frames of 1,000 to 50,000 microseconds are paced; others, such as those without sound, are not shown
+// and only sleep 5 ms.
 [[nodiscard]] constexpr bool IsPacedLength(uint32_t microseconds) {
     return microseconds >= 1000 && microseconds <= 50000;
 }
 
 // How long a paced frame waits, in microseconds: its length, 200 less or more by the sign of
-// `syncBias`, and less by what the wait before ran over.
+// `syncBias`, less the previous wait's overshoot.
 [[nodiscard]] uint32_t PaceWait(uint32_t length, int32_t syncBias, uint32_t overshoot);
 
 // Waits until `wait` microseconds have passed since `data.lastFrameTime`, then records the end of the
-// wait and by how much it ran over.
+// wait and its overshoot.
 void PaceFrame(EMU_HOST_DATA& data, uint32_t wait);
 
 // The callbacks of the windowed program that need no window: buffers, pacing and pending samples. All but
-// HostClose run on the session's thread. A session that was never opened gets null frames and a sleep
-// of 5 ms for every present.
+// HostClose run on the session's thread. For a session that was never opened the frames are null and
+// every present sleeps 5 ms.
 void HostOpen(EMU_THREAD* session);
 void HostClose(EMU_THREAD* session);
 [[nodiscard]] EMU_VIDEO_FRAME* HostGetVideoFrame(EMU_THREAD* session);
 [[nodiscard]] EMU_INPUT_STATE* HostGetInput(EMU_THREAD* session); // zeroed for every frame
 void HostPresent(EMU_THREAD* session, uint32_t microseconds);
 
-// Appends the samples to `pending` under the sound mutex. More than one second is never kept: the
-// newest frame then overwrites the end and counts as a reposition.
+// Appends the samples to `pending` under the sound mutex. At most one second is kept: beyond it the
+// newest frame overwrites the end and counts as a reposition.
 void HostSubmitAudio(EMU_THREAD* session, EMU_AUDIO_FRAME* audio);
 
 // Publishes the frame at writeIndex and moves on to the next buffer, unless the frame is held. Under the
 // frame mutex.
 void HostPublishFrame(EMU_THREAD& session, EMU_HOST_DATA& data);
 
-// The display's side, under the frame mutex: the picture to be shown next, already marked as shown,
-// or null when there is no new one. It stays untouched until the mutex is released; the session may
-// then take the buffer back.
+// The display's side, under the frame mutex: the next picture to show, already marked as shown, or null
+// if there is no new one. It stays unchanged until the mutex is released; the session may then take the
+// buffer back.
 [[nodiscard]] EMU_VIDEO_FRAME* HostTakeFrame(EMU_HOST_DATA& data);

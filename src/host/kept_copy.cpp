@@ -41,7 +41,7 @@ bool FileMayExist(const fs::path& path) {
 fs::path FreeAsidePath(const fs::path& file, const std::string& word) {
     std::error_code code;
     uint32_t number = 1;
-    // A path that cannot even be asked about ends the search: writing to it then says why.
+    // A path that the file system cannot check ends the search: writing to it then reports why.
     while (fs::exists(fs::symlink_status(AsidePath(file, word, number), code))) {
         ++number;
     }

@@ -1,5 +1,5 @@
-// What constructs a machine. The host knows machines only through this list, which the program (or a
-// test) installs once before the first session.
+// The list of machines that can be constructed. The host knows machines only through this list, which
+// the program (or a test) installs once before the first session.
 #pragma once
 
 #include <cstdint>
@@ -23,5 +23,5 @@ struct MACHINE_LIST {
 void EmuSetMachines(const MACHINE_LIST& list);
 [[nodiscard]] const MACHINE_LIST& EmuMachines();
 
-// Null for a number that selects no machine.
+// Null for an unknown number.
 [[nodiscard]] const MACHINE_ENTRY* EmuFindMachine(uint32_t system);

@@ -15,7 +15,7 @@ void HostReport(const std::string& message) {
         sink(message);
         return;
     }
-    // One call, so that lines of several threads stay whole.
+    // One call, so that lines of several threads don't mix.
     std::fprintf(stderr, "%s\n", message.c_str());
 }
 

@@ -58,7 +58,7 @@ void RewindPop(REWIND_STACK& stack) {
     --stack.rewindCount;
 }
 
-// One node at a time: a chain that frees itself would recurse thousands deep.
+// One node at a time: the default destructor would recurse thousands deep.
 void RewindClear(REWIND_STACK& stack) {
     while (stack.rewindHead) {
         stack.rewindHead = std::exchange(stack.rewindHead->next, nullptr);

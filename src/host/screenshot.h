@@ -18,10 +18,10 @@ struct EMU_THREAD;
 [[nodiscard]] std::string ScreenshotName(const std::string& gameName, const std::tm& time,
                                          uint32_t attempt);
 
-// Writes a screenshot when "Take ScreenShot" has just gone down. One flag for the whole program
-// remembers that it was down; only the active session, which alone gets input, touches it. Session
-// thread. A failure is reported and changes nothing.
+// Writes a screenshot when "Take ScreenShot" has just been pressed. One process-wide flag remembers the
+// key's last state; only the active session, the one that gets input, uses it. Session thread. A
+// failure is reported and changes nothing.
 void EmuTakeScreenshot(const EMU_THREAD& session, const EMU_VIDEO_FRAME& video);
 
-// The part behind the hotkey: encodes and writes, whatever the key does.
+// Encodes and writes a screenshot, without looking at the hotkey.
 bool WriteScreenshot(const EMU_THREAD& session, const EMU_VIDEO_FRAME& video);

@@ -30,7 +30,7 @@ Turns<uint32_t, LockRank::kSessionKey>& Keys() {
     return *keys;
 }
 
-// Real time, not the clock that pacing may run on: another thread is waited for.
+// Real time, not the replaceable clock of pacing: this waits for another thread.
 void SleepMillisecond() {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
@@ -47,8 +47,8 @@ void Report(SessionReport what, const EMU_THREAD& session) {
     }
 }
 
-// The first six bytes of the image's hash. A game without such an image is told by the hash of its
-// header, as arcade games are everywhere else.
+// The first six bytes of the image's hash. A game without such an image is identified by the hash of
+// its header, as arcade games are everywhere else.
 std::string StateEntryName(const CGameFile& game) {
     const uint8_t* identity = game.SelectedRomHash();
     if (identity == nullptr) {
@@ -68,8 +68,8 @@ std::string BatteryStem(const EMU_THREAD& session) {
     return archive.substr(0, archive.rfind('.') + 1) + session.stateEntryName;
 }
 
-// Lists the session and starts its thread. The list owns it from then on. Returns the serial; 0 when no
-// thread can be started, and the session is then in no list.
+// Lists the session and starts its thread. The list then owns it. Returns the serial; 0 if no thread
+// can be started, and the session is then not in the list.
 uint32_t Launch(std::unique_ptr<EMU_THREAD>& session) {
     const std::scoped_lock list(SessionListLock());
     LinkSession(*session);
@@ -85,7 +85,8 @@ uint32_t Launch(std::unique_ptr<EMU_THREAD>& session) {
     return session.release()->serial;
 }
 
-// The state is that of the boundary at which the stop was requested; the thread may run one frame more.
+// The state is from the frame boundary at which the stop was requested; the thread may run one more
+// frame.
 void RequestStop(EMU_THREAD& session) {
     TAKEN_STATE autosave;
     {
@@ -96,7 +97,7 @@ void RequestStop(EMU_THREAD& session) {
     EmuStoreState(session, autosave);
 }
 
-// The session's thread has ended. What takes long is done after the session has left the list.
+// The session's thread has ended. Slow work is done after the session has left the list.
 void Free(std::unique_ptr<EMU_THREAD> session) {
     {
         const std::scoped_lock list(SessionListLock());
@@ -109,7 +110,7 @@ void Free(std::unique_ptr<EMU_THREAD> session) {
     SessionSaveBattery(*session);
 }
 
-// The caller has the turn of the key, so nobody else frees the session meanwhile.
+// The caller has the key's turn, so nobody else can free the session.
 bool StopInTurn(uint32_t key) {
     EMU_THREAD* session = nullptr;
     {
@@ -163,12 +164,12 @@ std::unique_ptr<EMU_THREAD> EmuCreateSession(uint32_t key, CGameFile* const game
     const uint32_t system = game.Header().system;
     const MACHINE_ENTRY* const entry = EmuFindMachine(system);
     if (entry == nullptr) {
-        EmuSetLastError("system number " + std::to_string(system) + " selects no machine");
+        EmuSetLastError("no machine has the system number " + std::to_string(system));
         return nullptr;
     }
     std::unique_ptr<CEmuSystem> machine = entry->construct(key);
     if (!machine) {
-        EmuSetLastError("the machine cannot be made");
+        EmuSetLastError("the machine cannot be constructed");
         return nullptr;
     }
     EmuSetLastError({});

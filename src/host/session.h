@@ -1,4 +1,4 @@
-// Sessions: one running machine each, with a thread of its own, told apart by the caller's key.
+// Sessions: each runs one machine on a thread of its own. The caller's key identifies a session.
 //
 // A session reaches screen and sound device only through the eight callbacks of EMU_HOST_CALLBACKS, so
 // a machine runs without either.
@@ -12,7 +12,7 @@
 //     opened     The thread calls threadStart, then open, which makes `hostData`. From now on
 //                EmuForEachSession visits the session.
 //     static     70 frames of television static, unless an autosave was loaded.
-//     running    One round of the frame loop after the other.
+//     running    The frame loop, round after round.
 //     stopping   EmuStopSession takes the state for the autosave at a frame boundary, sets
 //                `stopRequested` and stores the state while the thread ends its round.
 //     ended      The thread clears `stopRequested`, its last act on the record, and hands its token to
@@ -20,9 +20,9 @@
 //     closed     The stopping thread calls close, which frees `hostData`, and takes the session off the list.
 //     freed      It writes the game's own memory and destroys the machine, the rewind stack and the record.
 //
-// Starting or stopping one session holds no other one up. Starts and stops of one key wait for each other,
-// those of different keys don't; Init, frames and disks are waited for with no lock that another session,
-// the display or the sound pump needs.
+// Starting or stopping a session never delays another. Starts and stops of one key wait for each other,
+// those of different keys don't; no lock that another session, the display or the sound pump needs is
+// held during Init, a frame or disk access.
 //
 // Locks, in the order in which they may nest: the turn of a key (turns.h), kept during a whole start or
 // stop; the list of sessions (recursive); a session's `lock`; then the frame mutex or the sound mutex of
@@ -47,7 +47,7 @@ class CGameFile;
 struct EMU_HOST_DATA;
 
 struct EMU_THREAD {
-    // Who and what: filled before the thread starts, and never changed after that.
+    // Identity: filled before the thread starts, never changed after that.
     uint32_t serial = 0; // unique over the process, from 1; 0 until the session is listed
     uint32_t key = 0;    // the caller's session key
     uint32_t system = 0;
@@ -57,17 +57,17 @@ struct EMU_THREAD {
     uint32_t frameWidth = 0;    // copies of the machine's
     uint32_t frameHeight = 0;
 
-    // The machine and what changes with it: written by the session's thread, and by whoever starts, stops,
-    // resets or saves the session, all under `lock`.
+    // The machine and what changes with it: written under `lock`, by the session's thread and by
+    // threads that start, stop, reset or save the session.
     RankedMutex<LockRank::kSession>
         lock; // held for one step of the machine, or to take or load a state
     std::unique_ptr<CEmuSystem> machine;
-    InputLooker inputs; // of the machine's frames; whoever steps it
+    InputLooker inputs; // of the machine's frames; used by the thread that steps it
     REWIND_STACK rewind;
     BATTERY_FILE battery;
     uint32_t staticFrames = 0;            // of television static, shown so far
     std::atomic<uint8_t> showStatic{1};   // 1 while the static runs; anyone may read it
-    std::atomic<uint32_t> lockWaiters{0}; // other threads that want `lock` at the next boundary
+    std::atomic<uint32_t> lockWaiters{0}; // other threads that wait for `lock`
 
     // What the host keeps. `hostData` is set by the open callback on the session's thread and cleared by
     // close on the stopping one, both under the list lock.
@@ -80,7 +80,8 @@ struct EMU_THREAD {
     // archive's turn.
     bool unloadedStateUnkept = false;
 
-    // Set by EmuStopSession under `lock`, cleared by the session's thread as its very last act here.
+    // Set by EmuStopSession under `lock`, cleared by the session's thread as its last access to the
+    // record.
     std::atomic<uint8_t> stopRequested{0};
     std::atomic<uint32_t> pins{0}; // threads that use the session without the list lock; freed at 0
     EMU_THREAD* next = nullptr;    // in the list, under the list lock
@@ -108,19 +109,19 @@ void EmuSetHost(const EMU_HOST_CALLBACKS& callbacks);
                                                            const void* options,
                                                            const std::string& gameName);
 
-// Starts the game on `key`, after stopping what ran there. `games[0]` must be there and have its
-// image unpacked; `games[1]` may be null; both stay the caller's. `options` are kMachineOptionBytes.
+// Starts the game on `key`, after stopping what ran there. `games[0]` must not be null and must have
+// its image unpacked; `games[1]` may be null. The caller keeps both. `options` are kMachineOptionBytes.
 // Returns the serial; 0 on failure, with the last error in place. Not from a visit, a host callback or
 // a machine, and with no lock held.
 [[nodiscard]] uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* options,
                                        const std::string& gameName);
 
-// Stops the session, autosave included, and frees it. False when there is none on this key, also when
-// another thread was stopping it: it is gone by then. Not from a visit, a host callback or a machine,
+// Stops the session, autosave included, and frees it. False if there is none on this key, also if
+// another thread was stopping it; it is gone by then. Not from a visit, a host callback or a machine,
 // since it waits for the session's thread, and with no lock held.
 bool EmuStopSession(uint32_t key);
 
-// Resets the machine at a frame boundary. False when there is none on this key. With no lock held.
+// Resets the machine at a frame boundary. False if there is none on this key. With no lock held.
 bool EmuResetSession(uint32_t key);
 
 // Calls `visit` for every session that the host has opened, under the list lock. A visit may take the
@@ -130,8 +131,8 @@ void EmuForEachSession(const std::function<void(EMU_THREAD&)>& visit);
 // Session threads that have not yet passed threadEnd. 0 some time after the last stop.
 [[nodiscard]] uint32_t EmuRunningThreads();
 
-// What the web service is told of a session. The hook decides whether the user is logged in. It is called
-// in the turn of the session's key, so it must return at once. Null tells nobody.
+// The hook that reports sessions to the web service; it checks itself whether the user is logged in.
+// Called in the turn of the session's key, so it must return at once. Null: no report.
 enum class SessionReport : uint32_t { kStarted = 4, kEnded = 5 };
 using SESSION_REPORT_HOOK = void (*)(SessionReport what, uint32_t system,
                                      const std::string& gameName);

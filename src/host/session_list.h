@@ -1,8 +1,8 @@
-// The list of sessions: new ones at the head, behind one lock for the whole process.
+// The list of sessions: new ones at the head, guarded by one lock for the whole process.
 //
-// The display and the sound pump wait for the lock, so it is held to link, to unlink and to walk the list,
-// and never while a machine starts, a frame runs or a disk is written. A thread that needs a session for
-// longer pins it.
+// The display and the sound pump wait for the lock, so it is held only to link, unlink and visit
+// sessions, never while a machine starts, a frame runs or a disk is written. A thread that needs a
+// session for longer pins it.
 #pragma once
 
 #include "base/ranked_mutex.h"
@@ -21,23 +21,23 @@ using SessionListMutex = RankedRecursiveMutex<LockRank::kSessionList>;
 void LinkSession(EMU_THREAD& session);
 void UnlinkSession(const EMU_THREAD& session);
 
-// Null when there is none on this key.
+// Null if there is none on this key.
 [[nodiscard]] EMU_THREAD* FindSession(uint32_t key);
 
 // ---- Pins, under no lock.
 
 struct UNPIN_SESSION {
-    void operator()(EMU_THREAD* session) const { --session->pins; } // the last act on the record
+    void operator()(EMU_THREAD* session) const { --session->pins; } // the last access to the record
 };
 
-// A session that is not freed before this object goes. It may leave the list all the same.
+// Keeps a session from being freed during this object's life. It may still leave the list.
 using SessionPin = std::unique_ptr<EMU_THREAD, UNPIN_SESSION>;
 
-[[nodiscard]] SessionPin PinSession(uint32_t key); // empty when there is none on this key
+[[nodiscard]] SessionPin PinSession(uint32_t key); // empty if there is none on this key
 [[nodiscard]] std::vector<SessionPin> PinSessions();
 
-// Takes a session's `lock` from another thread than its own. The session's thread takes it again at once
-// after every step, so it is told that somebody waits.
+// Takes a session's `lock` on another thread than its own. The session's thread retakes the lock at
+// once after every step, so `lockWaiters` tells it that somebody waits.
 class SessionHold {
 public:
     explicit SessionHold(EMU_THREAD& waitedFor)

@@ -1,10 +1,10 @@
-// What a session's thread needs of those who start it.
+// What a session's thread needs from session.cpp.
 #pragma once
 
 #include "host/session.h"
 
-// The callbacks as installed. A session's thread copies them at its start, while nobody may change
-// them, and never looks again.
+// The installed callbacks. A session's thread copies them once at its start, while nobody may change
+// them.
 [[nodiscard]] const EMU_HOST_CALLBACKS& SessionHost();
 
 // The last act of a session's thread.

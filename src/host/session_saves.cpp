@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -52,11 +53,11 @@ void SessionLoadSaves(EMU_THREAD& session) {
     if (memory != nullptr) {
         BatteryPutBack(session.battery, *memory);
     }
-    session.battery.rolledBack = false; // nothing of this session's has been written yet
+    session.battery.rolledBack = false; // this session has not written anything yet
 }
 
 TAKEN_STATE SessionTakeAutosave(EMU_THREAD& session) {
-    // A machine that cannot go on would be resumed just to end again.
+    // A machine that cannot go on would only end again when resumed.
     if (!AutosaveWanted(kAutosaveSave) || session.machine->ended) {
         return {};
     }
@@ -70,7 +71,14 @@ void SessionSaveBattery(EMU_THREAD& session) {
 }
 
 void EmuKeepBatteries() {
+    std::vector<uint32_t> keys;
     for (const SessionPin& session : PinSessions()) {
-        KeepBattery(*session);
+        keys.push_back(session->key);
+    }
+    // Pinned one at a time: nobody who stops a session waits for the disk of another.
+    for (const uint32_t key : keys) {
+        if (const SessionPin session = PinSession(key); session != nullptr) {
+            KeepBattery(*session);
+        }
     }
 }

@@ -7,6 +7,6 @@ struct EMU_THREAD;
 
 inline constexpr uint32_t kStaticFrames = 70;
 
-// One frame of noise in picture and sound; the last one clears the session's showStatic. Under the
+// One frame of noise in picture and sound; the last frame clears the session's showStatic. Under the
 // session's lock.
 void EmuStaticFrame(EMU_THREAD& session, EMU_VIDEO_FRAME& video, EMU_AUDIO_FRAME& audio);

@@ -1,7 +1,7 @@
 // A table of turns: one thread at a time has the turn of a value, such as a key or a file's path.
 //
 // A thread that wants a turn waits while another one has it. Turns of different values never wait for
-// each other, so one may be kept for as long as a disk takes. A turn counts as a lock of its rank, and a
+// each other, so a thread may keep one during disk access. A turn counts as a lock of its rank, and a
 // thread has at most one turn of a table at a time.
 #pragma once
 
@@ -37,10 +37,10 @@ public:
 private:
     RankedMutex<LockRank::kLeaf> lock;
     std::condition_variable_any given;
-    std::set<Value> taken; // under `lock`; its address stands for a turn where ranks are checked
+    std::set<Value> taken; // under `lock`; its address identifies turns to the rank check
 };
 
-// The turn of a value for the life of this object.
+// Has the turn of a value for the life of this object.
 template <typename Value, LockRank Rank>
 class Turn {
 public:

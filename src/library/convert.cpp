@@ -13,7 +13,7 @@ constexpr size_t kCopierHeader = 512;
 constexpr size_t kInterleaveBlock = 16384;
 constexpr size_t kSmallestMegaDrive = 512; // vectors and header
 
-// From the last dot of the last component; empty without one.
+// The extension from the last dot of the last component; empty without one.
 std::string_view ExtensionOf(std::string_view path) {
     const size_t slash = path.find_last_of("/\\");
     const std::string_view name = slash == std::string_view::npos ? path : path.substr(slash + 1);
@@ -30,7 +30,7 @@ bool IsInterleaved(std::span<const uint8_t> file) {
     if ((file.size() & kCopierHeader) == 0) {
         return false;
     }
-    // One byte in its place is enough for a plain image.
+    // One matching letter is enough for a plain image.
     constexpr std::string_view kMark = "SEGA";
     for (size_t i = 0; i < kMark.size(); ++i) {
         if (file[256 + i] == static_cast<uint8_t>(kMark[i])) {
@@ -40,8 +40,8 @@ bool IsInterleaved(std::span<const uint8_t> file) {
     return true;
 }
 
-// A block holds its odd bytes first and then its even ones. What is left behind the last whole block
-// stays as it is.
+// A block holds its odd bytes first and then its even ones. The rest after the last whole block stays
+// as it is.
 std::vector<uint8_t> Deinterleave(std::span<const uint8_t> image) {
     constexpr size_t kHalf = kInterleaveBlock / 2;
     std::vector<uint8_t> out(image.begin(), image.end());
@@ -70,7 +70,7 @@ MACHINE_RECORD DefaultMachineRecord(uint16_t system) {
     return record;
 }
 
-// Copies the names of a database entry that use this piece. False when the entry doesn't hold it.
+// Copies the names of a database entry that use this piece. False if the entry doesn't have it.
 bool AddKnownGame(CGameFile& game, const CGameFile& entry, const Sha256Digest& hash,
                   uint32_t size) {
     const int found = entry.FindRom(hash);
@@ -93,7 +93,7 @@ bool AddKnownGame(CGameFile& game, const CGameFile& entry, const Sha256Digest& h
             std::memcpy(machine.bytes, bytes, length);
         }
         game.AddNameCopy(name, machine);
-        // The position counts within this entry, also when an entry before has brought names.
+        // The position counts within this entry, even if an earlier entry added names.
         (void)game.LinkRom(position, 0);
         ++position;
     }
@@ -149,14 +149,14 @@ bool BuildGame(uint16_t system, std::string_view stem, std::span<const uint8_t> 
     std::vector<uint8_t> image = PrepareImage(system, file);
     const Sha256Digest hash = Sha256(image);
     const auto size = static_cast<uint32_t>(image.size());
-    // The walk goes on behind the first entry that knows the image.
+    // The search goes on after the first entry that knows the image.
     for (const CGameFile& entry : database) {
         known |= AddKnownGame(game, entry, hash, size);
     }
     if (!known) {
         AddUnknownGame(game, system, stem, hash, size);
     }
-    // Every entry brings a piece of its own, for which the data holds the image once more.
+    // Every entry adds a piece of its own, so the data holds the image once for each.
     const uint64_t total = uint64_t{game.RomCount()} * size;
     if (total > kImageLimit) {
         return false;

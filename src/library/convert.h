@@ -11,23 +11,22 @@
 #include <string_view>
 #include <vector>
 
-// The system whose images have this file extension (with its dot, any case); 0 for none. ".bin" is a
+// The system whose images have this file extension (with its dot, in any case); 0 for none. ".bin" is a
 // Mega Drive image.
 [[nodiscard]] uint16_t SystemOfExtension(std::string_view extension);
 
-// Whether a file of this name is taken for an image of the system, by its extension in any case. An
-// arcade set may consist of any files.
+// Whether the name has an extension of the system, in any case. Always true for arcade sets.
 [[nodiscard]] bool ValidExtension(uint16_t system, std::string_view path);
 
-// Makes an image into what the machine sees: takes the copier header of 512 bytes off an interleaved
-// Mega Drive dump and puts its bytes in order. Any other image is used as it is, header and all.
+// Converts an image to what the machine sees: removes the 512-byte copier header of an interleaved Mega
+// Drive dump and reorders its bytes. Any other image stays as it is, headers included.
 //
-// A Mega Drive file is taken for an interleaved one when bit 9 of its size is set and none of the four
-// bytes at 256 is the letter of "SEGA" that a plain image has there.
+// A Mega Drive file counts as interleaved if bit 9 of its size is set and none of the four bytes at 256
+// is the letter of "SEGA" that a plain image has there.
 [[nodiscard]] std::vector<uint8_t> PrepareImage(uint16_t system, std::span<const uint8_t> file);
 
-// Whether a Mega Drive file is taken for an interleaved one and has no image behind the copier's header:
-// less than the vectors and the header that every program begins with.
+// Whether a Mega Drive file counts as interleaved but has no image after the copier header: less than
+// the vectors and header that every program begins with.
 [[nodiscard]] bool IsBareCopierHeader(uint16_t system, std::span<const uint8_t> file);
 
 // The game of one image, with the image unpacked in it, ready to be played or written. Games that the

@@ -17,7 +17,7 @@ std::string LowerExtension(const fs::path& path) {
     return LowerAscii(std::string_view(path.extension().string()));
 }
 
-// A file name may hold any bytes; a title is UTF-8.
+// A file name may hold any bytes, but a title is UTF-8.
 std::string StemOf(const fs::path& path) {
     return Utf8FromWide(WideFromUtf8(path.stem().string()));
 }
@@ -29,7 +29,7 @@ struct ARCHIVE_ENTRY {
     uint64_t unpackedSize;
 };
 
-// The entries that are images, or the only file where `system` is given and none has its extension.
+// The entries that are images; if none has the extension of a given `system`, the only file.
 std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const MACHINE_FACTS* system) {
     std::vector<ARCHIVE_ENTRY> images;
     std::vector<ARCHIVE_ENTRY> files;
@@ -93,7 +93,7 @@ bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
     return true;
 }
 
-// Says in words why LoadGameFile refused a file.
+// The reason why LoadGameFile refused a file.
 std::string FaultOfGameFile(const fs::path& path, bool headerOnly) {
     const std::string name = path.string();
     std::error_code code;
@@ -129,20 +129,20 @@ bool OpenImageFile(const fs::path& path, const MACHINE_FACTS* system, CGameFile&
     IMAGE_VISITOR visitor;
     visitor.image = [&](const FOUND_IMAGE& image) {
         if (IsBareCopierHeader(image.system, image.bytes)) {
-            error = path.string() + ": is only a copier's header; no Mega Drive image is behind it";
+            error = path.string() + ": is only a copier's header, without a Mega Drive image";
             return false;
         }
         bool known = false;
         built = BuildGame(image.system, image.stem, image.bytes, LoadDatabase(image.system), game,
                           known);
-        error = built ? "" : path.string() + ": is no image that can be played by itself";
+        error = built ? "" : path.string() + ": is not an image that can be played by itself";
         return false;
     };
     visitor.fault = [&](const std::string& fault) { error = fault; };
     return VisitImages(path, system, visitor, error) && built;
 }
 
-// Takes the image of a game for another system's, as the user says.
+// Changes the system of a game's image, as the user asked.
 bool ChangeSystem(const fs::path& path, const MACHINE_FACTS& system, CGameFile& game,
                   std::string& error) {
     const auto image = game.AssembleImage(0);
@@ -176,7 +176,7 @@ bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_
     }
     const uint16_t number = system != nullptr ? system->system : SystemOfExtension(extension);
     if (number == 0) {
-        error = path.string() + ": is of no known kind; the extension tells the system";
+        error = path.string() + ": is of an unknown kind; the extension tells the system";
         return false;
     }
     visitor.image({StemOf(path), number, std::move(bytes)});

@@ -11,7 +11,7 @@ constexpr double kHighestSplit = 0.499; // of the sample rate; the tangent has i
 
 Crossover MakeCrossover(double sampleRate, double splitHz) {
     Crossover crossover{};
-    // A comparison that a number which is none fails, so that it counts as the lowest.
+    // NaN fails this comparison and gets the lowest split.
     const double fs = sampleRate >= 8.0 ? sampleRate : 8.0;
     const double fc =
         splitHz >= kLowestSplit ? std::min(splitHz, fs * kHighestSplit) : kLowestSplit;
@@ -38,8 +38,8 @@ Crossover MakeCrossover(double sampleRate, double splitHz) {
     return crossover;
 }
 
-// Written out flat: this runs for every sample of every chip and session. `biased` is the input with
-// the bias, which the history does not keep.
+// Unrolled: this runs for every sample of every chip and session. `biased` is the input with the bias,
+// which is not kept in the history.
 inline void Split(Crossover& x, double input, double biased, double& low, double& high) {
     const double* const a = x.low.data();
     const double* const c = x.high.data();

@@ -1,7 +1,7 @@
-// Memory that outlives the power: what a cartridge keeps by a battery or in an EEPROM.
+// Memory that survives power-off: a cartridge's battery RAM or EEPROM.
 //
-// A machine whose game has some derives from this beside CEmuSystem. The bytes are the game's own, in
-// the order in which the console's programs see them, and always as many for the same game.
+// A machine whose game may have some derives from this as well as from CEmuSystem. The bytes are in the
+// order in which the console's programs see them; their number is fixed for a game.
 #pragma once
 
 #include <cstdint>
@@ -12,9 +12,9 @@ class CBattery {
 public:
     virtual ~CBattery() = default;
 
-    // A copy of the memory; empty where the game has none.
+    // A copy of the memory; empty if the game has none.
     [[nodiscard]] virtual std::vector<uint8_t> BatteryContents() const = 0;
 
-    // Puts a copy back. False, with nothing changed, when the length is not this game's.
+    // Restores a copy. False, with nothing changed, for a length that is not this game's.
     [[nodiscard]] virtual bool SetBatteryContents(std::span<const uint8_t> bytes) = 0;
 };

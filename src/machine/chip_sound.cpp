@@ -84,6 +84,17 @@ void ChipSound::VisitFilters(Visit& visit, std::array<BandSplitter, 2>& historie
     }
 }
 
+bool ChipSound::HistoryIsFinite(std::array<BandSplitter, 2>& histories) const {
+    bool finite = true;
+    const auto look = [&](const std::array<double, 4>& values) {
+        for (const double value : values) {
+            finite = finite && std::isfinite(value);
+        }
+    };
+    VisitFilters(look, histories);
+    return finite;
+}
+
 uint32_t ChipSound::StateSize() const {
     auto histories = filters;
     StateCounter counter;
@@ -113,6 +124,9 @@ uint32_t ChipSound::LoadState(const uint8_t* data, uint32_t size) {
     if (!resampler.LoadFields(reader.in)) {
         return 0;
     }
-    filters = histories;
+    // The filters feed back, so a history that is no number would never leave them.
+    if (HistoryIsFinite(histories)) {
+        filters = histories;
+    }
     return expected;
 }

@@ -12,7 +12,7 @@ struct LAST_ERROR {
     std::string text;
 };
 
-// Never destroyed: a session thread may still speak while the process ends.
+// Never destroyed: a session thread may still set the error while the process ends.
 LAST_ERROR& LastError() {
     static auto* error = new LAST_ERROR;
     return *error;

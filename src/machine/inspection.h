@@ -1,5 +1,5 @@
-// Looking into a machine from outside: what a debugger, a test or the command line may ask of one.
-// A machine that can be looked into derives from this beside CEmuSystem. Nothing here changes it.
+// Inspection of a machine by a debugger, a test or the command line. A machine that supports it derives
+// from this as well as from CEmuSystem. Nothing here changes the machine.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +11,11 @@ class CInspection {
 public:
     virtual ~CInspection() = default;
 
-    // The byte at an address as the main processor would read it, with no side effect. False beyond
+    // The byte at an address as the main processor would read it, without side effects. False beyond
     // its address space.
     [[nodiscard]] virtual bool Peek(uint32_t address, uint8_t& value) const = 0;
 
-    // A memory whole, in the chip's own numbering; nothing for a name that the machine does not have.
+    // A whole memory, in the chip's own numbering; empty for an unknown name.
     [[nodiscard]] virtual std::vector<uint8_t> Dump(std::string_view region) const = 0;
 
     // The names that Dump knows.

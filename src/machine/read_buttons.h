@@ -1,4 +1,4 @@
-// A machine's buttons from the actions that are bound to them.
+// A machine's buttons, read from their actions.
 #pragma once
 
 #include "settings/bindings.h"
@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
-// The bits of the actions that are down. The two lists go side by side, so that a machine that polls
-// its actions in this way misses none.
+// The bits of the actions that are down. The two lists are parallel, so a machine that polls this way
+// misses no action.
 template <size_t Count>
 [[nodiscard]] uint32_t ReadButtons(uint32_t sessionKey, const std::wstring_view (&actions)[Count],
                                    const uint32_t (&bits)[Count]) {

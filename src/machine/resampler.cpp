@@ -11,18 +11,18 @@ namespace {
 constexpr double kLargestRatio = 256.0; // either way
 constexpr size_t kChunk = 4096;         // source pairs filtered at once: more than a frame brings
 
-// Ticks of a second, over both rates. Every chip's rate is a whole number of 144ths of a Hz; others are kept
-// to a hundred-millionth.
+// Ticks a second divided by both rates. Every chip's rate is a whole number of 144ths of a Hz; other
+// rates are kept to a hundred-millionth.
 constexpr double kTicks = 144.0 * 1048576.0;
 
-// Nearest picks are counted in single precision. A piece is short enough that the smallest step still
-// moves the phase, and longer than anything a machine pushes at once.
+// Quality 0 counts its phase in single precision. A piece is short enough for the smallest step to move
+// the phase, and longer than anything a machine pushes at once.
 constexpr int32_t kPickFrames = 32768;
 
 constexpr size_t kRunPairs = 256;
 
-// To the nearest, of two equally near to the even one. Added to 1.5 x 2^23 a float has no room for a fraction,
-// and its lowest bits are the number.
+// Rounds to the nearest, ties to even. A float near 1.5 x 2^23 has no fraction bits, and its lowest
+// bits are the number.
 int16_t RoundToSample(float value) {
     constexpr float kNoFraction = 12582912.0F;
     const float clamped = std::min(std::max(value, -32768.0F), 32767.0F);
@@ -89,7 +89,7 @@ void AudioResampler::Reset() {
         std::fill(side.middle.begin(), side.middle.end(), 0.0F);
     }
     std::fill(heard.begin(), heard.end(), int16_t{0});
-    // As after any number of silent pairs.
+    // The state after any number of silent pairs.
     const size_t pending = filter->reach / filter->stride;
     sourceHeld = filter->reach + pending * filter->stride;
     middleHeld = filter->half - 1;
@@ -128,7 +128,7 @@ int32_t AudioResampler::PushRun(int16_t left, int16_t right, int32_t pairs) {
         block[i] = left;
         block[i + 1] = right;
     }
-    // Until the filters hear nothing else.
+    // Until the history holds nothing else.
     for (size_t toFill = std::min(toDo, heard.size() / 2); toFill != 0;) {
         const size_t taken = std::min(toFill, kRunPairs);
         Filter(block.data(), taken);
@@ -141,14 +141,14 @@ int32_t AudioResampler::PushRun(int16_t left, int16_t right, int32_t pairs) {
     return outputCount - before;
 }
 
-// The phase runs on while the output is full, so that time is kept.
+// The phase advances while the output is full, so that time is kept.
 void AudioResampler::PickNearest(const int16_t* samples, int32_t pairs, ptrdiff_t valuesAPair) {
     const auto room = static_cast<int32_t>(output.size());
     for (int32_t done = 0; done < pairs; done += kPickFrames) {
         const int16_t* const piece = samples + done * valuesAPair;
         const auto limit = static_cast<float>(std::min(kPickFrames, pairs - done));
         while (phase < limit) {
-            if (outputCount < room) {
+            if (outputCount + 2 <= room) {
                 const int16_t* const pair = piece + static_cast<ptrdiff_t>(phase) * valuesAPair;
                 const auto out = static_cast<size_t>(outputCount);
                 output[out] = pair[0];
@@ -161,12 +161,12 @@ void AudioResampler::PickNearest(const int16_t* samples, int32_t pairs, ptrdiff_
     }
 }
 
-// At most `chunk` pairs. Where both sides have long been the same, as with most chips, one is worked out.
+// At most `chunk` pairs. While both sides are the same, as with most chips, only one is computed.
 void AudioResampler::Filter(const int16_t* samples, size_t pairs) {
     const bool twins = HearAlike(samples, pairs);
     TakeIn(samples, pairs, twins);
     while (place + filter->half < middleHeld) {
-        if (outputCount < static_cast<int32_t>(output.size())) {
+        if (outputCount + 2 <= static_cast<int32_t>(output.size())) {
             MakeOutput(twins);
         }
         Advance();
@@ -174,7 +174,7 @@ void AudioResampler::Filter(const int16_t* samples, size_t pairs) {
     DropMiddles(twins);
 }
 
-// Keeps the pairs for the state. True when all that the filters hear of both sides is the same.
+// Keeps the pairs for the state. True if the whole history of both sides is the same.
 bool AudioResampler::HearAlike(const int16_t* samples, size_t pairs) {
     const size_t span = heard.size() / 2;
     const size_t kept = std::min(pairs, span);
@@ -189,7 +189,7 @@ bool AudioResampler::HearAlike(const int16_t* samples, size_t pairs) {
     return twins;
 }
 
-// Source pairs to middle pairs at the end of `middle`.
+// Filters source pairs to middle pairs at the end of `middle`.
 void AudioResampler::TakeIn(const int16_t* samples, size_t pairs, bool twins) {
     SIDE& left = sides[0];
     SIDE& right = sides[1];
@@ -216,7 +216,7 @@ void AudioResampler::TakeIn(const int16_t* samples, size_t pairs, bool twins) {
     middleHeld += made;
 }
 
-// Middle pairs whose source pairs are all there.
+// The middle pairs whose source pairs are complete.
 size_t AudioResampler::MiddlesReady() const {
     const size_t window = size_t{2} * filter->reach + 1;
     return sourceHeld >= window ? (sourceHeld - window) / filter->stride + 1 : 0;
@@ -256,7 +256,7 @@ void AudioResampler::Advance() {
     }
 }
 
-// What no output will hear again. An output's way to the next one is shorter than what it hears.
+// Drops what no output uses again. Outputs are closer together than the filter is long.
 void AudioResampler::DropMiddles(bool twins) {
     const size_t dropped = place + 1 - filter->half;
     middleHeld -= dropped;
@@ -271,7 +271,7 @@ void AudioResampler::DropMiddles(bool twins) {
     }
 }
 
-// The filters hear one level and nothing else, and a level comes out of them as it is.
+// The history is one constant level, which the filters pass unchanged.
 void AudioResampler::StandStill(int16_t left, int16_t right, size_t pairs) {
     const size_t stride = filter->stride;
     strayPairs = static_cast<uint32_t>((strayPairs + pairs) % stride);
@@ -283,7 +283,7 @@ void AudioResampler::StandStill(int16_t left, int16_t right, size_t pairs) {
     }
     middleHeld += made;
     while (place + filter->half < middleHeld) {
-        if (outputCount < static_cast<int32_t>(output.size())) {
+        if (outputCount + 2 <= static_cast<int32_t>(output.size())) {
             Put(left, right);
         }
         Advance();

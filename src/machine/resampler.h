@@ -1,19 +1,19 @@
 // AudioResampler: one sound chip's stereo samples, brought to the program's rate.
 //
-// Every sound chip of every machine has one, in its ChipSound.
+// Each sound chip has one, in its ChipSound.
 //
 // Units: counts are i16 values, two a stereo pair; rates are pairs a second. Time is counted in ticks, of
-//   which a source pair and an output pair both have a whole number: outputs keep to the ratio of the rates
-//   for ever.
+//   which both a source pair and an output pair last a whole number, so the ratio of the rates is exact
+//   and does not drift.
 // Owner: a ChipSound, on its session's thread, with no lock.
-// Order: Init, then Push and Consume by the owner's thread alone; none of them allocates but Init.
-// Quality: 0 picks the nearest earlier sample; 1 and 2 filter (resampler_filter.h), 96 and 110 dB clean. Any
-//   other counts as 0.
-// Delay: an output is made once the filter has heard what follows it: 0.9 to 1 ms at 44,100 Hz.
-// Room: `Output` holds 25 ms. A machine that takes a frame's sound every frame never fills it; what
-//   comes while it is full is lost, newest first, and what was ready stays as it is.
-// State: the source pairs that the filters still hear and the place of the next output among them. A loaded
-//   resampler hears these pairs again and then gives the very samples of the saved one.
+// Order: Init, then Push and Consume on the owner's thread. Only Init allocates.
+// Quality: 0 picks the nearest earlier sample; 1 and 2 filter (resampler_filter.h) with images and
+//   aliases 96 and 110 dB down. Any other value counts as 0.
+// Delay: an output is made once the filter has the input after it: 0.9 to 1 ms at 44,100 Hz.
+// Room: `Output` holds 25 ms. A machine that takes a frame's sound every frame never fills it. New
+//   samples are dropped while it is full.
+// State: the filters' input history and the position of the next output in it. A loaded resampler then
+//   makes exactly the samples of the saved one.
 #pragma once
 
 #include "machine/resampler_filter.h"
@@ -27,44 +27,44 @@
 
 class AudioResampler {
 public:
-    // Values not taken yet that a state keeps; two chips of a machine are a few apart after a frame.
+    // Values not taken yet that a state keeps; after a frame a machine's two chips differ by a few.
     static constexpr uint32_t kKeptValues = 32;
 
-    // Makes room and forgets what was there. A source rate further than a factor of 256 from the output's
-    // is taken as the nearest that is not.
+    // Allocates and resets. The source rate is clamped to a factor of 256 from the output's, either
+    // way.
     void Init(double sourceRateValue, uint32_t outputRateValue, int32_t qualityValue);
 
-    // Takes `count` values and gives the number of values added to `Output`. Any count is safe; a value
-    // without its partner is left out.
+    // Takes `count` values and returns the number of values added to `Output`. Any count is safe; an
+    // odd last value is left out.
     int32_t Push(const int16_t* samples, int32_t count);
 
     // The same as pushing this pair `pairs` times in one call.
     int32_t PushRun(int16_t left, int16_t right, int32_t pairs);
 
-    // Removes values from the front of the output; at most those that are there.
+    // Removes values from the front of the output, at most all of them.
     void Consume(int32_t count);
 
-    // Forgets every sample. Rates and quality stay as of Init.
+    // Forgets every sample. Rates and quality stay.
     void Reset();
 
-    // What is ready, oldest first. Valid until the next call.
+    // The samples that are ready, oldest first. Valid until the next call.
     [[nodiscard]] std::span<const int16_t> Output() const;
 
-    // Bytes of the state's fields, by rates and quality, without a piece's header.
+    // Size of the state's fields, which depends on rates and quality, without the piece header.
     [[nodiscard]] uint32_t StateBytes() const;
-    // Writes StateBytes bytes and gives the byte after them.
+    // Writes StateBytes bytes and returns the position after them.
     uint8_t* SaveFields(uint8_t* out) const;
-    // Reads StateBytes bytes. False for fields of other rates or another quality, or of none; the
-    // resampler is then as after a reset. Any contents are safe.
+    // Reads StateBytes bytes. False for fields of other rates or quality and for invalid ones; the
+    // resampler is then reset. Any contents are safe.
     [[nodiscard]] bool LoadFields(const uint8_t* in);
 
     // The quality in use, 0 to 2.
     [[nodiscard]] int32_t Quality() const { return quality; }
 
 private:
-    // One side of the sound on its way through the filters.
+    // One side of the sound inside the filters.
     struct SIDE {
-        std::vector<float> source; // from the first pair that the next middle pair hears on
+        std::vector<float> source; // from the first pair that the next middle pair uses
         std::vector<float> middle;
     };
 
@@ -101,15 +101,14 @@ private:
     size_t chunk = 0;           // source pairs filtered at once, at most
     size_t sourceHeld = 0;      // pairs in `source`
     size_t middleHeld = 0;      // pairs in `middle`
-    size_t place = 0;           // the pair of `middle` at or before the next output
-    uint64_t ticks = 0;         // from there to the output, under `middleTicks`
+    size_t place = 0;           // the pair of `middle`, at or before the next output
+    uint64_t ticks = 0;         // from there to the output, less than `middleTicks`
     uint64_t middleTicks = 1;   // of a middle pair
     uint64_t outputTicks = 1;   // of an output pair
     uint64_t outputMiddles = 0; // the same in whole middle pairs
     uint64_t outputRest = 0;    // and the ticks left over
     double rowsATick = 0.0;     // rows of the filter / `middleTicks`
-    std::vector<int16_t>
-        heard;               // the last source pairs, oldest first: all that the filters still hear
-    uint32_t strayPairs = 0; // source pairs beyond a whole middle pair, 0..stride - 1
-    size_t alike = 0;        // pairs at the end of `heard` from which both sides are the same
+    std::vector<int16_t> heard; // the last source pairs, oldest first: the filters' input history
+    uint32_t strayPairs = 0;    // source pairs beyond a whole middle pair, 0..stride - 1
+    size_t alike = 0;           // pairs at the end of `heard` from which both sides are the same
 };

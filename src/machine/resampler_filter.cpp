@@ -11,9 +11,9 @@
 
 namespace {
 
-// What a quality asks for. Rates are fractions of the lower of both rates.
+// The design of a quality. Rates are fractions of the lower of both rates.
 struct DESIGN {
-    double attenuation; // dB, of what is beyond half the lower rate
+    double attenuation; // dB, beyond half the lower rate
     double reach;       // periods of the lower rate to either side of an output
     double cutoff;      // the middle of the slope
     double rowsFactor;  // rows x middle rate / lower rate, at least
@@ -24,13 +24,13 @@ struct DESIGN {
 constexpr DESIGN kVeryGood{100.0, 31.4, 0.4484, 350.0};
 constexpr DESIGN kBest{114.0, 34.6, 0.4472, 800.0};
 
-// Of the lower rate: 18,000 of 44,100 Hz come through, within 0.1 dB; what lies beyond a half does not.
+// Of the lower rate: up to 18,000 of 44,100 Hz passes within 0.1 dB; beyond a half is the stop band.
 constexpr double kPassEdge = 0.4082;
 
-// The first step must spare what the second one would let through: an image in the upper part of its slope
-// is its business already.
+// The first step stops only what the second one would let through. An image in the upper part of its
+// slope is already the second one's to stop.
 constexpr double kFirstStopEdge = 0.465;
-constexpr double kFirstLength = 0.85; // of the textbook length; the droop at the edge is 0.05 dB
+constexpr double kFirstLength = 0.85; // of the textbook length, for 0.05 dB of droop at the edge
 constexpr double kLeastMiddleRate = 1.25;
 
 double Bessel0(double x) {
@@ -44,7 +44,7 @@ double Bessel0(double x) {
     return sum;
 }
 
-// A low-pass at `cutoff` of the rate, at `at` pairs from its middle. Not normalised.
+// A low-pass at `cutoff` of the rate, `at` pairs from its centre. Not normalised.
 struct LOW_PASS {
     double cutoff;
     double reach; // pairs
@@ -66,7 +66,7 @@ struct LOW_PASS {
     }
 };
 
-// Taps around `middle`. They add up to one, so that a level that stands comes out as it is.
+// Taps around `middle`. They add up to one, so that a constant level passes unchanged.
 void AppendRow(std::vector<float>& taps, const LOW_PASS& lowPass, size_t count, double middle) {
     std::vector<double> row(count);
     double sum = 0.0;

@@ -1,12 +1,12 @@
 // The filters of an AudioResampler, computed once for every pair of rates and shared.
 //
-// A chip that is much faster than the output is brought down in two steps. The first keeps every
-// `stride`-th of its pairs behind a short low-pass; the second, which is the sharp one, puts an output
-// anywhere between the pairs that are left. Both are sines over their arguments under a Kaiser window
-// (J. F. Kaiser, "Nonrecursive digital filter design using the I0-sinh window function", 1974),
-// symmetric, so that no frequency is delayed more than another.
+// A chip that is much faster than the output is resampled in two steps. The first is a short low-pass
+// that keeps every `stride`-th pair; the second, a sharp one, computes an output anywhere between the
+// remaining pairs. Both are windowed sincs with a Kaiser window (J. F. Kaiser, "Nonrecursive digital
+// filter design using the I0-sinh window function", 1974), symmetric, so that all frequencies have the
+// same delay.
 //
-// Units: a middle pair is what the first step leaves: `stride` source pairs.
+// Units: a middle pair is an output of the first step: one for `stride` source pairs.
 #pragma once
 
 #include <cstdint>
@@ -15,12 +15,12 @@
 
 struct RESAMPLER_FILTER {
     uint32_t stride = 1;      // source pairs of a middle pair; 1: there is no first step
-    uint32_t reach = 0;       // source pairs that the first step hears to either side
+    uint32_t reach = 0;       // source pairs that the first step uses on either side
     std::vector<float> first; // its 2 x `reach` + 1 taps, and zeros up to a multiple of 8
 
-    // The second step's taps for outputs at 0, 1/rows, 2/rows ... of the way to the next middle pair,
-    // 2 x `half` of them a row; one row more than `rows`.
-    uint32_t half = 0; // middle pairs that an output hears to either side; a multiple of 4
+    // The second step's taps for outputs at 0, 1/rows, 2/rows ... of the way to the next middle pair:
+    // `rows` + 1 rows of 2 x `half` taps.
+    uint32_t half = 0; // middle pairs that an output uses on either side; a multiple of 4
     uint32_t rows = 0;
     std::vector<float> taps;
 };

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Four floats, for whatever the processor has: a vector extension of GCC and Clang.
+// Four floats as a vector extension of GCC and Clang, for any processor.
 using FLOAT4 = float __attribute__((vector_size(16)));
 
 constexpr size_t kLanes = 4;
@@ -15,12 +15,12 @@ inline FLOAT4 Load(const float* from) {
     return value;
 }
 
-// Taps lie at multiples of 16 bytes: their rows are whole multiples of that, from the start of a vector on.
+// Taps are aligned to 16 bytes: a row is a whole multiple of that, and so is the start of a vector.
 inline FLOAT4 LoadTaps(const float* from) {
     return Load(static_cast<const float*>(__builtin_assume_aligned(from, sizeof(FLOAT4))));
 }
 
-// The sum of each.
+// The sum of each side.
 inline FLOAT4 AddUp(const FLOAT4 (&sums)[4]) {
     const FLOAT4 evens = {sums[0][0], sums[1][0], sums[2][0], sums[3][0]};
     const FLOAT4 seconds = {sums[0][1], sums[1][1], sums[2][1], sums[3][1]};
@@ -34,7 +34,7 @@ inline float Sum(FLOAT4 even, FLOAT4 odd) {
     return (sum[0] + sum[2]) + (sum[1] + sum[3]);
 }
 
-// What lies between two rows of taps.
+// Interpolates between two rows of taps.
 inline FLOAT4 Between(const float* row, const float* next, float share) {
     const FLOAT4 taps = LoadTaps(row);
     return taps + (LoadTaps(next) - taps) * share;
@@ -49,7 +49,7 @@ void ResamplerSplit(const int16_t* samples, size_t pairs, float* left, float* ri
     }
 }
 
-// Four at a time, as each hears its own four sums alone and a chain of additions is slow.
+// Four outputs at a time: each has its own four sums, and a single chain of additions is slow.
 void ResamplerThin(const RESAMPLER_FILTER& filter, const float* source, size_t count, float* out) {
     const float* const taps = filter.first.data();
     const size_t width = filter.first.size();

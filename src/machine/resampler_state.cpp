@@ -6,12 +6,12 @@
 
 struct AudioResampler::KEPT {
     int32_t quality = 0;
-    uint64_t outputTicks = 0; // both rates, so that a state of others is refused
+    uint64_t outputTicks = 0; // the rates, so that a state of other rates is refused
     uint64_t middleTicks = 0;
     uint32_t count = 0; // of `values`
     std::array<int16_t, AudioResampler::kKeptValues> values{};
     float phase = 0.0F;
-    uint32_t wanted = 0; // middle pairs before the next output can be made
+    uint32_t wanted = 0; // middle pairs missing before the next output
     uint64_t ticks = 0;
     uint32_t strayPairs = 0;
 };
@@ -71,7 +71,7 @@ bool AudioResampler::LoadFields(const uint8_t* in) {
         return false;
     }
     if (quality == 0) {
-        // The phase lies within the first step; one that says otherwise would skip or repeat.
+        // The phase must be within the first step; any other would skip or repeat.
         if (!(kept.phase >= 0.0F && kept.phase <= step)) {
             return false;
         }
@@ -90,7 +90,7 @@ bool AudioResampler::LoadFields(const uint8_t* in) {
     return true;
 }
 
-// From a whole middle pair on, so that the same source pairs make up a middle pair as before.
+// From the start of a middle pair, so that the same source pairs make up each middle pair.
 void AudioResampler::HearAgain(const std::vector<int16_t>& pairs, uint32_t stray) {
     const size_t skipped = filter->stride - 1 - stray;
     const int16_t* const first = pairs.data() + skipped * 2;

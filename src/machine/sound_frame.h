@@ -1,8 +1,8 @@
-// How machines bring their chips' resampled sound into an EMU_AUDIO_FRAME.
+// How machines put their chips' resampled sound into an EMU_AUDIO_FRAME.
 //
-// Sound and states: behind the chips a state holds what the resamplers have on their way, so that a
-// run that begins by loading gives the very samples of the run that was saved. A state without it, or
-// of other sound settings, is as good but for the first milliseconds: the resamplers then start empty.
+// Sound and states: after the chips a state holds the resamplers' history, so that a loaded run makes
+// exactly the samples of the saved one. A state without it, or of other sound settings, differs only in
+// the first milliseconds: the resamplers then start empty.
 #pragma once
 
 #include "machine/chip_sound.h"
@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <initializer_list>
 
-// What a machine's resamplers take in a state.
+// The size of a machine's resamplers in a state.
 [[nodiscard]] inline uint32_t SoundStateSize(std::initializer_list<const ChipSound*> resamplers) {
     uint32_t size = 0;
     for (const ChipSound* resampler : resamplers) {
@@ -27,8 +27,8 @@ inline void SaveSoundState(std::initializer_list<const ChipSound*> resamplers, u
     }
 }
 
-// From the end of a state; `data` may be null where nothing is left. From the first piece that does not
-// fit on, the resamplers start empty.
+// Loads the end of a state; `data` may be null if nothing is left. From the first piece that does not
+// fit, the resamplers start empty.
 inline void LoadSoundState(std::initializer_list<ChipSound*> resamplers, const uint8_t* data,
                            uint32_t size) {
     for (ChipSound* resampler : resamplers) {
@@ -42,7 +42,7 @@ inline void LoadSoundState(std::initializer_list<ChipSound*> resamplers, const u
     return static_cast<int16_t>(std::clamp(value, -32768, 32767));
 }
 
-// Values that fit into the frame, of those that are ready.
+// The ready values that fit into the frame.
 [[nodiscard]] inline uint32_t ReadyValues(const ChipSound& resampler) {
     const auto ready = static_cast<uint32_t>(resampler.Output().size());
     return std::min(ready, kAudioFramePairs * 2) & ~1u;
@@ -56,7 +56,7 @@ inline void TakeSound(ChipSound& from, EMU_AUDIO_FRAME& audio) {
     audio.sampleCount = values / 2;
 }
 
-// `values` values of both chips, joined by `mix` (int32_t, int32_t to int32_t) and clipped; fewer when
+// `values` values of both chips, combined by `mix` (int32_t, int32_t to int32_t) and clipped; fewer if
 // one of them has fewer.
 template <typename Mix>
 inline void MixSound(ChipSound& first, ChipSound& second, uint32_t values, EMU_AUDIO_FRAME& audio,

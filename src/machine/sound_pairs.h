@@ -1,14 +1,14 @@
-// What a sound chip gives: raw stereo pairs at its own rate, in order.
+// A sound chip's output: raw stereo pairs at its own rate, in order.
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
 struct SOUND_PAIRS {
-    std::vector<int16_t> samples; // left and right in turn; as long as there is room
-    uint32_t sampleCount = 0;     // values in it
+    std::vector<int16_t> samples; // left and right in turn; its length is the room
+    uint32_t sampleCount = 0;     // values in use
 
-    // What comes while it is full is lost.
+    // Pairs are dropped while it is full.
     void Add(int16_t left, int16_t right) {
         if (sampleCount + 2 <= samples.size()) [[likely]] {
             samples[sampleCount] = left;

@@ -3,5 +3,6 @@
 
 #include "machine/chip_sound.h"
 
-// The program's rate, "audio_app_quality" and the three "emu_audiocutoff_" settings, as they are now.
+// The current values of the program's rate, "audio_app_quality" and the three "emu_audiocutoff_"
+// settings.
 [[nodiscard]] SOUND_CHOICE SoundChoiceFromSettings();

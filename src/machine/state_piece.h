@@ -1,8 +1,8 @@
 // State pieces: one function that names a chip's fields both writes and reads them.
 //
 // A piece is a version byte (1), its own size in bytes as a little-endian u32, header included, and
-// the fields, packed and little-endian. The fields are given by a callable that is handed a visitor
-// and passes every field to it, always the same ones in the same order:
+// the fields, packed and little-endian. A callable names the fields: it gets a visitor and passes every
+// field to it, always in the same order:
 //
 //     auto fields = [&](auto& visit) { visit(chip.pc); visit(chip.ram); };
 //
@@ -38,7 +38,7 @@ inline constexpr bool kFlat =
     std::endian::native == std::endian::little&& std::is_arithmetic_v<T> &&
     !std::is_same_v<T, bool>;
 
-// Calls `scalar` for every scalar in a field, or `block` for a run that is already in file order.
+// Calls `scalar` for every scalar of a field, or `block` for bytes that are already in file order.
 template <typename T, typename Scalar, typename Block>
 void Walk(T& field, Scalar&& scalar, Block&& block) {
     if constexpr (std::is_array_v<T> || IsStdArray<T>::value) {
@@ -138,7 +138,7 @@ template <typename Fields>
     return kStatePieceHeader + counter.bytes;
 }
 
-// Writes the piece and gives the byte behind it. `out` has room for StatePieceSize bytes.
+// Writes the piece and returns the position after it. `out` has room for StatePieceSize bytes.
 template <typename Fields>
 uint8_t* StatePieceWrite(uint8_t* out, Fields&& fields) {
     out[0] = kStatePieceVersion;
@@ -148,8 +148,8 @@ uint8_t* StatePieceWrite(uint8_t* out, Fields&& fields) {
     return writer.out;
 }
 
-// Reads a piece from the front of `size` bytes and gives how many it took; 0 when version or size do
-// not fit, and then no field has changed.
+// Reads a piece from the front of `size` bytes and returns its length; 0 if version or size do not fit,
+// and then no field has changed.
 template <typename Fields>
 [[nodiscard]] uint32_t StatePieceRead(const uint8_t* data, uint32_t size, Fields&& fields) {
     const uint32_t expected = StatePieceSize(fields);

@@ -1,4 +1,4 @@
-// Walks a state blob piece by piece.
+// Loads a state blob piece by piece.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ public:
         : next(data)
         , left(size) {}
 
-    // Hands what is left to `load` (const uint8_t*, uint32_t), which gives the bytes it used or 0.
+    // Passes the rest to `load` (const uint8_t*, uint32_t), which returns the bytes it used, or 0.
     template <typename Load>
     [[nodiscard]] bool Take(Load&& load) {
         const uint32_t used = load(next, left);
@@ -24,7 +24,7 @@ public:
         return Take([&](const uint8_t* data, uint32_t size) { return load(chip, data, size); });
     }
 
-    // What no piece has taken yet.
+    // The bytes that no piece has taken yet.
     [[nodiscard]] const uint8_t* Rest() const { return next; }
     [[nodiscard]] uint32_t Left() const { return left; }
 

@@ -29,7 +29,7 @@ void PutGain(OptionBlock& options, size_t at, const wchar_t* setting) {
     std::memcpy(&options[at], &gain, sizeof gain);
 }
 
-// A Master System game's record knows what the game is played with.
+// A Master System game's record names the FM chip, the glasses and the devices.
 void TakeSmsRecord(const CGameFile& game, OptionBlock& block) {
     constexpr uint8_t kGlassesFeature = 1;
     constexpr uint8_t kFmFeature = 2;

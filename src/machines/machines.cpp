@@ -33,7 +33,7 @@ constexpr MACHINE_ENTRY kMachines[] = {
 } // namespace
 
 const MACHINE_LIST& BuiltInMachines() {
-    // All other tables of chips are constants or built before `main`.
+    // All other chips' tables are constants or built before `main`.
     static constexpr MACHINE_LIST kList{kMachines, [] {
                                             NesBuildTables();
                                             MdBuildTables();

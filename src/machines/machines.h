@@ -1,4 +1,4 @@
-// The machines that are built into the program: what constructs each of the rows of
+// The machines that are built into the program: constructs the machine of each row of
 // `facts/machine_facts.h`.
 #pragma once
 

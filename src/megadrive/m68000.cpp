@@ -7,7 +7,9 @@
 namespace {
 
 constexpr uint32_t kType68000 = 1;
-constexpr uint32_t kStatusBits = 0xA71F;
+constexpr uint32_t kStatusBits = 0xA71F; // those that a 68000 has
+constexpr uint32_t kTrace1 = 0x8000;
+constexpr uint32_t kTrace0 = 0x4000;
 constexpr uint32_t kMaskAll = 0x700;
 constexpr uint32_t kSupervisor = 4;
 constexpr uint32_t kMaster = 2;
@@ -33,7 +35,7 @@ uint32_t ReadVector(M68K_STATE& cpu, uint32_t vector) {
     return target != 0 ? target : M68kReadLong(cpu, cpu.vbr + kM68kUninitialised * kVectorSize);
 }
 
-// Gives the status word as it was.
+// Returns the status word from before.
 uint32_t EnterSupervisor(M68K_STATE& cpu) {
     const uint32_t status = M68kStatus(cpu);
     cpu.instrMode = kExceptionMode;
@@ -154,8 +156,8 @@ uint32_t M68kStatus(const M68K_STATE& cpu) {
 
 void M68kSetStatus(M68K_STATE& cpu, uint32_t status) {
     const uint32_t bits = status & cpu.srMask;
-    cpu.t1 = bits & 0x8000;
-    cpu.t0 = bits & 0x4000;
+    cpu.t1 = bits & kTrace1;
+    cpu.t0 = bits & kTrace0;
     cpu.intMask = bits & kMaskAll;
     M68kSetConditions(cpu, bits);
     SwitchStack(cpu, bits >> 11 & kSupervisor, bits >> 11 & kMaster);

@@ -1,20 +1,20 @@
-// The processor's side of the bus: fetches through the one-word queue, data accesses with their test for
-// odd addresses, and the shortcut around the callbacks for pages that are plain memory.
+// The processor's side of the bus: fetches through the one-word queue, data accesses that check for odd
+// addresses, and direct access to pages of plain memory.
 #pragma once
 
 #include "base/bytes.h"
 #include "megadrive/m68000.h"
 
-// The lower part of a function code; s is the upper.
+// The lower bits of a function code; s is the upper one.
 enum M68kSpace : uint32_t { kM68kData = 1, kM68kProgram = 2 };
 
-// Notes the fault and leaves the instruction by throwing M68K_ADDRESS_ERROR.
+// Records the fault and throws M68K_ADDRESS_ERROR.
 [[noreturn]] void M68kAddressError(M68K_STATE& cpu, uint32_t address, M68kAccess access,
                                    uint32_t functionCode);
 
 inline constexpr uint32_t kM68kAddressMask = 0xFFFFFF;
 inline constexpr uint32_t kM68kPageMask = 0xFFFF;
-// A long at the last word of a page reaches into the next one, which the callback sorts out.
+// A long at the last word of a page reaches into the next one, so it goes to the callback.
 inline constexpr uint32_t kM68kLastWordOfPage = 0xFFFE;
 
 inline uint32_t M68kPageOf(uint32_t address) {
@@ -44,9 +44,9 @@ inline uint32_t M68kReadImmediate(const M68K_STATE& cpu, uint32_t address) {
     return cpu.readImmediate(cpu.owner, address & kM68kAddressMask) & 0xFFFF;
 }
 
-// The next word of the program, taken from the queue, which is filled again at once: a write to the word
-// behind a fetched one comes too late. pc is even here, since the step tests it and an instruction only
-// ever moves it by whole words before its last fetch.
+// The next word of the program, taken from the queue, which is refilled at once: a write to the word after a
+// fetched one comes too late. pc is even here, since the tick checks it and an instruction moves it by whole
+// words until its last fetch.
 inline uint32_t M68kFetchWord(M68K_STATE& cpu) {
     if (cpu.pc != cpu.prefetchAddr) [[unlikely]] {
         cpu.prefetchAddr = cpu.pc;
@@ -148,7 +148,7 @@ inline uint32_t M68kPullLong(M68K_STATE& cpu) {
     return value;
 }
 
-// Time that reaches no clock.
+// Time that depends on data. It reaches no clock.
 inline void M68kSpend(M68K_STATE& cpu, int32_t clocks) {
     cpu.cyclesLeft =
         static_cast<int32_t>(static_cast<uint32_t>(cpu.cyclesLeft) - static_cast<uint32_t>(clocks));

@@ -7,7 +7,7 @@ using enum M68kMode;
 using Slot = M68kSlot;
 using Size = M68kSize;
 
-// An operation sets the flags and gives the result; whether that is kept depends on the operation.
+// An operation sets the flags and returns the result. `kKeeps` is false for a compare, whose result is dropped.
 struct Add {
     static constexpr bool kKeeps = true;
     template <Size kSize>
@@ -39,7 +39,7 @@ struct Compare {
     }
 };
 
-// The extended forms leave Z alone where the result is 0, so that it holds for a whole chain.
+// The extended forms leave Z alone if the result is 0, so that Z holds for a whole chain.
 struct AddExtended {
     template <Size kSize>
     static uint32_t Apply(M68K_STATE& cpu, uint32_t source, uint32_t target) {
@@ -118,7 +118,7 @@ void Immediate(M68K_STATE& cpu) {
     }
 }
 
-// On an address register all 32 bits count and no flag changes.
+// An address register is changed with all 32 bits and no flag.
 template <class Operation, Size kSize, M68kMode kMode>
 void Quick(M68K_STATE& cpu) {
     const uint32_t source = M68kQuickValue(cpu);
@@ -144,7 +144,7 @@ void ToAddress(M68K_STATE& cpu) {
     }
 }
 
-// Register with register, or memory with memory downwards; the source goes first.
+// Register with register, or memory with memory by predecrement; the source is read first.
 template <class Operation, Size kSize, M68kMode kSource, M68kMode kTarget>
 void Extended(M68K_STATE& cpu) {
     const uint32_t source = M68kOperand<kSource, kSize>(cpu);
@@ -165,7 +165,7 @@ void CompareMemory(M68K_STATE& cpu) {
     Compare::Apply<kSize>(cpu, source, M68kOperand<kTarget, kSize, Slot::kHigh>(cpu));
 }
 
-// A long result that comes from a register or a literal keeps the adder busy for two clocks more.
+// A long operand from a register or a literal takes two clocks more (M68000 User's Manual).
 constexpr uint32_t LongClocks(M68kMode mode) {
     return M68kIsRegister(mode) || mode == kImmediate ? 8 : 6;
 }
@@ -269,7 +269,7 @@ void AddCompareMemory(M68kRowList& rows) {
     }
 }
 
-// ORI, ANDI and EORI to the conditions, and to the whole status word where that is allowed.
+// ORI, ANDI and EORI to the conditions, and to the status word, which is privileged.
 template <class Operation>
 void ToConditions(M68K_STATE& cpu) {
     const uint32_t operand = M68kFetchWord(cpu) & 0xFF;

@@ -21,7 +21,7 @@ struct Raise {
     static uint32_t Apply(uint32_t value, uint32_t bit) { return value | bit; }
 };
 
-// The number comes from a register, or from an extension word in front of the operand's own.
+// The number comes from a register, or from an extension word before those of the operand.
 template <bool kFromRegister>
 uint32_t BitNumber(M68K_STATE& cpu) {
     return kFromRegister ? M68kDataRegister<Slot::kHigh>(cpu) : M68kFetchWord(cpu);
@@ -43,9 +43,9 @@ void Bit(M68K_STATE& cpu) {
     }
 }
 
-// Shifts take `count` 0 to 63 and a value with its upper bits clear, and give the result. All set C, all but
-// the plain rotates X, and ASL V; the caller clears V before and sets N and Z behind. A count of 0 leaves X
-// and clears C, which a rotate through X sets to X instead.
+// A shift takes a count of 0 to 63 and a value with its upper bits clear, and returns the result. All set C,
+// all but the plain rotates set X, and ASL sets V; the caller clears V before and sets N and Z after. A count
+// of 0 leaves X and clears C; a rotate through X sets C to X instead.
 void CarryOut(M68K_STATE& cpu, uint32_t count, uint64_t lastBit) {
     cpu.c = count != 0 && (lastBit & 1) != 0 ? kM68kFlagC : 0;
 }
@@ -66,8 +66,7 @@ struct LogicalLeft {
     }
 };
 
-// V is set where the sign was another one at any time: where the bits that pass through the top are not
-// all alike.
+// V is set if the sign changed at any time: if the bits that pass through the top bit are not all alike.
 struct ArithmeticLeft {
     template <Size kSize>
     static uint32_t Apply(M68K_STATE& cpu, uint32_t value, uint32_t count) {
@@ -166,7 +165,7 @@ uint32_t ShiftAndFlag(M68K_STATE& cpu, uint32_t value, uint32_t count) {
 template <class Operation, Size kSize, bool kFromRegister>
 void ShiftRegister(M68K_STATE& cpu) {
     constexpr uint32_t kMostCount = 63;
-    constexpr uint32_t kMostPlaces = 15; // of a shift that a loaded state may hold
+    constexpr uint32_t kMostPlaces = 15; // a loaded state may hold any shift
     const uint32_t count =
         kFromRegister ? M68kDataRegister<Slot::kHigh>(cpu) & kMostCount : M68kQuickValue(cpu);
     uint32_t& target = M68kDataRegister<Slot::kLow>(cpu);
@@ -229,7 +228,7 @@ void AddShift(M68kRowList& rows, uint32_t kind, bool isLeft) {
 } // namespace
 
 void M68kAddBitRows(M68kRowList& rows) {
-    // Data registers cost what their upper half needs.
+    // On data registers the time depends on the half of the bit; this is that of the upper one.
     AddBits<Keep, true>(rows, 0, 6);
     AddBits<Flip, true>(rows, 1, 8);
     AddBits<Drop, true>(rows, 2, 10);

@@ -1,4 +1,4 @@
-// What changes the flow: branches, conditions, calls and returns, traps, and the instructions of the system.
+// Control flow: branches, conditions, calls and returns, traps, and system control.
 #include "megadrive/m68000_operand.h"
 
 #include <utility>
@@ -22,8 +22,8 @@ void RefuseLineF(M68K_STATE& cpu) {
     M68kTakeException(cpu, kM68kLineF, cpu.prevPc);
 }
 
-// Displacements count from the word behind the opcode. On a 68000 a displacement byte of 0xFF is -1, as
-// any other: an odd address, which the next step refuses.
+// Displacements count from the word after the opcode. On a 68000 a displacement byte of 0xFF is -1 like any
+// other: an odd address, which is an address error of the next tick.
 template <uint32_t kCondition>
 void BranchByte(M68K_STATE& cpu) {
     if (M68kHolds<kCondition>(cpu)) {
@@ -107,7 +107,7 @@ void ReturnAndRestore(M68K_STATE& cpu) {
     cpu.pc = M68kPullLong(cpu);
 }
 
-// Both pulls come from the supervisor's stack, whatever state the status word leads to.
+// Both words come from the supervisor's stack, even if the new status word leads to user state.
 void ReturnFromException(M68K_STATE& cpu) {
     if (M68kIsPrivileged(cpu)) {
         const uint32_t status = M68kPullWord(cpu);
@@ -129,7 +129,7 @@ void TrapOnOverflow(M68K_STATE& cpu) {
 
 void DoNothing(M68K_STATE& /*cpu*/) {}
 
-// The devices are reset, not the processor; that is the owner's to hook.
+// Resets the devices, not the processor, by a callback of the owner.
 void ResetDevices(M68K_STATE& cpu) {
     constexpr size_t kOnReset = 1;
     if (M68kIsPrivileged(cpu)) {
@@ -140,7 +140,7 @@ void ResetDevices(M68K_STATE& cpu) {
     }
 }
 
-// The stop is the one that the video chip uses, and ends when that next releases the bus.
+// `stopped` is shared with the VDP, so STOP ends when the VDP next releases the bus.
 void Stop(M68K_STATE& cpu) {
     if (M68kIsPrivileged(cpu)) {
         const uint32_t status = M68kFetchWord(cpu);
@@ -161,7 +161,7 @@ void ForConditions(Add&& call) {
     (std::make_integer_sequence<uint32_t, kConditions - kFirst>{});
 }
 
-// A displacement of 0xFF would be a third form on later processors and has a row of its own.
+// A displacement byte of 0xFF, a third form on later processors, has a row of its own.
 void AddBranch(M68kRowList& rows, M68kHandler byByte, M68kHandler byWord, uint32_t number,
                uint8_t cycles) {
     const uint32_t match = 0x6000 | number << 8;

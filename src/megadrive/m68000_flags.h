@@ -1,7 +1,7 @@
-// Condition flags in the form in which the processor keeps them, and the arithmetic that makes them.
+// Condition flags in the form in which the processor keeps them, and the arithmetic that sets them.
 //
-// x and c lie in bit 8, n and v in bit 7, z is kept as a value that is 0 when the flag is set. A result is
-// moved right until its top bit is bit 7; bits beside the flag's own mean nothing.
+// x and c are bit 8 of their fields, n and v bit 7, and notZ is 0 when Z is set. A result is shifted right
+// until its top bit is bit 7; the other bits of a field mean nothing.
 #pragma once
 
 #include "megadrive/m68000.h"
@@ -19,7 +19,7 @@ template <M68kSize kSize>
 inline constexpr uint32_t kM68kBits = static_cast<uint32_t>(kSize);
 template <M68kSize kSize>
 inline constexpr uint32_t kM68kMask = 0xFFFFFFFF >> (32 - kM68kBits<kSize>);
-// Brings the top bit of a value to bit 7.
+// The right shift that moves the top bit to bit 7.
 template <M68kSize kSize>
 inline constexpr uint32_t kM68kTopShift = kM68kBits<kSize> - 8;
 
@@ -84,7 +84,7 @@ inline bool M68kHolds(const M68K_STATE& cpu) {
     return (kCondition & 1) != 0 ? !isTrue : isTrue;
 }
 
-// N and Z by a result of the size, V and C clear; X stays.
+// Sets N and Z from a result, clears V and C; X stays. Returns the result.
 template <M68kSize kSize>
 inline uint32_t M68kLogicFlags(M68K_STATE& cpu, uint32_t result) {
     cpu.n = result >> kM68kTopShift<kSize>;
@@ -94,7 +94,7 @@ inline uint32_t M68kLogicFlags(M68K_STATE& cpu, uint32_t result) {
     return result;
 }
 
-// Sets N, V and C of a sum; operands have their upper bits clear.
+// Returns a sum and sets N, V and C. The upper bits of the operands must be clear.
 template <M68kSize kSize>
 inline uint32_t M68kSum(M68K_STATE& cpu, uint32_t source, uint32_t target, uint32_t carry) {
     const uint32_t result = target + source + carry;
@@ -108,7 +108,7 @@ inline uint32_t M68kSum(M68K_STATE& cpu, uint32_t source, uint32_t target, uint3
     return result & kM68kMask<kSize>;
 }
 
-// Sets N, V and C of target - source - borrow.
+// Returns target - source - borrow and sets N, V and C.
 template <M68kSize kSize>
 inline uint32_t M68kDifference(M68K_STATE& cpu, uint32_t source, uint32_t target, uint32_t borrow) {
     const uint32_t result = target - source - borrow;

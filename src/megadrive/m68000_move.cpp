@@ -5,13 +5,13 @@ namespace {
 
 using enum M68kMode;
 
-// The destination's mode and register stand the other way round, in bits 6 to 11.
+// The destination is in bits 6 to 11, with its register above its mode.
 constexpr uint32_t DestinationBits(M68kMode mode) {
     const uint32_t bits = M68kModeBits(mode);
     return (bits & 7) << 9 | (bits & 0x38) << 3;
 }
 
-// A predecrement takes no longer here than the other indirect modes.
+// As a destination, a predecrement takes no longer than the other indirect modes.
 constexpr uint32_t DestinationClocks(M68kMode mode, M68kSize size) {
     const bool isPreDecrement = mode == kPreDecrement || mode == kPreDecrementA7;
     return M68kModeClocks(isPreDecrement ? kIndirect : mode, size);

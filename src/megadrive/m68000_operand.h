@@ -1,5 +1,5 @@
-// Addressing modes as template parameters: effective addresses, operands, and the times and opcode bits of
-// a mode, from which the definition rows are made.
+// Addressing modes as template parameters: effective addresses, operands, and the clocks and opcode bits of a
+// mode, of which the definition rows are made.
 #pragma once
 
 #include "megadrive/m68000_access.h"
@@ -33,13 +33,13 @@ namespace m68k_modes {
 
 using enum M68kMode;
 
-// Memory that can be written, but for what depends on the operand's size.
+// Memory that can be written. Bytes also have the two forms of A7.
 using Alterable = M68K_MODES<kIndirect, kPostIncrement, kPreDecrement, kDisplacement, kIndexed,
                              kAbsoluteWord, kAbsoluteLong>;
 using AlterableByte =
     M68K_MODES<kIndirect, kPostIncrement, kPostIncrementA7, kPreDecrement, kPreDecrementA7,
                kDisplacement, kIndexed, kAbsoluteWord, kAbsoluteLong>;
-// What LEA, JMP and their like take.
+// The modes of LEA, JMP and the like.
 using Control = M68K_MODES<kIndirect, kDisplacement, kIndexed, kAbsoluteWord, kAbsoluteLong,
                            kPcDisplacement, kPcIndexed>;
 using ReadOnly = M68K_MODES<kPcDisplacement, kPcIndexed, kImmediate>;
@@ -52,7 +52,7 @@ void M68kForModes(M68K_MODES<kModes...> /*list*/, Call&& call) {
     (call.template operator()<kModes>(), ...);
 }
 
-// The same for memory that can be written, in bytes with the forms of A7.
+// The same for memory that can be written.
 template <M68kSize kSize, typename Call>
 void M68kForAlterable(Call&& call) {
     if constexpr (kSize == M68kSize::kByte) {
@@ -62,7 +62,7 @@ void M68kForAlterable(Call&& call) {
     }
 }
 
-// Every mode that holds data: no address registers.
+// Every mode but address registers.
 template <M68kSize kSize, typename Call>
 void M68kForData(Call&& call) {
     M68kForModes(M68K_MODES<M68kMode::kData>{}, call);
@@ -70,7 +70,7 @@ void M68kForData(Call&& call) {
     M68kForModes(m68k_modes::ReadOnly{}, call);
 }
 
-// Every mode at all. An address register has no byte form.
+// Every mode. An address register has no byte form.
 template <M68kSize kSize, typename Call>
 void M68kForAll(Call&& call) {
     M68kForData<kSize>(call);
@@ -180,7 +180,7 @@ inline void M68kWrite(M68K_STATE& cpu, uint32_t address, uint32_t value) {
     }
 }
 
-// PC-relative operands lie in the program's space.
+// PC-relative operands are in program space.
 template <M68kMode kMode>
 inline constexpr M68kSpace kM68kSpaceOf =
     kMode == M68kMode::kPcDisplacement || kMode == M68kMode::kPcIndexed ? kM68kProgram : kM68kData;
@@ -203,7 +203,7 @@ inline uint32_t M68kOperand(M68K_STATE& cpu) {
     }
 }
 
-// Replaces the operand of an alterable mode by what `change` makes of it.
+// Replaces the operand of an alterable mode by what `change` returns for it.
 template <M68kMode kMode, M68kSize kSize, typename Change>
 inline void M68kModify(M68K_STATE& cpu, Change&& change) {
     if constexpr (kMode == M68kMode::kData) {
@@ -228,7 +228,7 @@ constexpr bool M68kNamesRegister(M68kMode mode) {
     return mode <= kIndexed && mode != kPostIncrementA7 && mode != kPreDecrementA7;
 }
 
-// Clocks that the mode adds to an instruction.
+// Clocks that the mode adds to an instruction (M68000 User's Manual, effective address times).
 constexpr uint32_t M68kModeClocks(M68kMode mode, M68kSize size) {
     constexpr uint32_t kClocks[] = {0, 0, 4, 4, 4, 6, 6, 8, 10, 8, 12, 8, 10, 4};
     constexpr uint32_t kSecondWord = 4;
@@ -245,7 +245,7 @@ constexpr uint32_t M68kSizeBits(M68kSize size) {
     return size == M68kSize::kByte ? 0x00 : size == M68kSize::kWord ? 0x40 : 0x80;
 }
 
-// A row with a mode in the low bits and nothing else left open.
+// A row whose only open bits are the register of its mode.
 inline void M68kAddRow(M68kRowList& rows, M68kHandler handler, uint32_t match, M68kMode mode,
                        uint32_t cycles) {
     rows.push_back({handler, M68kNamesRegister(mode) ? 0xFFF8U : 0xFFFFU,

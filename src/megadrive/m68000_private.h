@@ -20,12 +20,12 @@ enum M68kVector : uint32_t {
     kM68kTraps = 32
 };
 
-// A pattern of opcodes: all those that agree with `match` in the bits of `mask`.
+// A pattern of opcodes: all that equal `match` in the bits of `mask`.
 struct M68K_OPCODE_ROW {
     M68kHandler handler;
     uint32_t mask; // one of the classes that M68kBuildTables fills in turn
     uint32_t match;
-    uint8_t cycles; // of the 68000
+    uint8_t cycles;
 };
 
 using M68kRowList = std::vector<M68K_OPCODE_ROW>;
@@ -41,13 +41,13 @@ void M68kAddControlRows(M68kRowList& rows); // branches, calls, conditions, trap
 // All of them.
 [[nodiscard]] M68kRowList M68kRows();
 
-// Any exception but reset: the frame is pushed with `returnPc`, and pc comes from the vector.
+// Takes any exception but reset: pushes the frame with `returnPc` and loads pc from the vector.
 void M68kTakeException(M68K_STATE& cpu, uint32_t vector, uint32_t returnPc);
 
-// The handler of every opcode that is none, and of ILLEGAL.
+// The handler of illegal opcodes and of ILLEGAL.
 void M68kIllegalHandler(M68K_STATE& cpu);
 
-// False in user state, and then the privilege exception has been taken.
+// Takes the privilege exception and returns false in user state.
 [[nodiscard]] bool M68kIsPrivileged(M68K_STATE& cpu);
 
 // Loads the status word, stack pointer included.

@@ -53,9 +53,8 @@ auto Fields(M68K_STATE& cpu) {
     };
 }
 
-// A piece from elsewhere may hold anything; what selects an entry of a table is brought into its range.
-// Values that the processor makes itself pass unchanged.
-void MaskLoaded(M68K_STATE& cpu) {
+// Brings a loaded record into the ranges that the processor itself keeps to.
+void Sanitize(M68K_STATE& cpu) {
     cpu.ir &= kM68kOpcodes - 1;
     cpu.prefetchData &= 0xFFFF;
     cpu.t1 &= 0x8000;
@@ -82,7 +81,7 @@ uint8_t* M68kSave(const M68K_STATE& cpu, uint8_t* out) {
 uint32_t M68kLoad(M68K_STATE& cpu, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, Fields(cpu));
     if (used != 0) {
-        MaskLoaded(cpu);
+        Sanitize(cpu);
     }
     return used;
 }

@@ -11,6 +11,7 @@ std::array<uint8_t, kM68kOpcodes> m68kCycles;
 
 namespace {
 
+// Clocks of exceptions by vector (M68000 User's Manual, exception processing times).
 struct VECTOR_RANGE {
     uint32_t first;
     uint32_t last;
@@ -40,11 +41,11 @@ constexpr std::array<uint8_t, 256> ExceptionClocks() {
     return clocks;
 }
 
-// The classes of masks, in the order in which they are filled: a narrow pattern, such as the A7 form of a
-// byte access, replaces the wide one that covers it too. All masks that are not named come first.
+// The masks that are filled last, in this order: a narrow pattern, such as the A7 form of a byte access,
+// replaces the wide one that covers it. All other masks come first.
 constexpr std::array<uint32_t, 6> kLaterMasks{0xFF00, 0xF1F8, 0xFFF0, 0xF1FF, 0xFFF8, 0xFFFF};
 
-// Enters a row for every opcode it matches: counts through the bits that its mask leaves open.
+// Enters a row for every opcode that it matches: counts through the open bits of its mask.
 void Enter(const M68K_OPCODE_ROW& row) {
     const uint32_t open = ~row.mask & (kM68kOpcodes - 1);
     uint32_t bits = 0;

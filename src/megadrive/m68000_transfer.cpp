@@ -1,5 +1,5 @@
-// What moves data without working on it: MOVEQ, MOVEM, MOVEP, LEA, PEA, LINK, UNLK, EXG, SWAP, EXT, and the
-// moves to and from the status word and the user stack pointer.
+// Data movement: MOVEQ, MOVEM, MOVEP, LEA, PEA, LINK, UNLK, EXG, SWAP, EXT, and the moves to and from the status
+// word and the user stack pointer.
 #include "megadrive/m68000_operand.h"
 
 #include <utility>
@@ -50,7 +50,7 @@ void PushAddress(M68K_STATE& cpu) {
     M68kPushLong(cpu, M68kEffectiveAddress<kMode, Size::kLong>(cpu));
 }
 
-// A7 as the frame is pushed as it was before the push.
+// If A7 is the frame register, its value from before the push is pushed.
 void Link(M68K_STATE& cpu) {
     const uint32_t displacement = M68kSignExtendWord(M68kFetchWord(cpu));
     uint32_t& frame = M68kAddressRegister<Slot::kLow>(cpu);
@@ -59,7 +59,7 @@ void Link(M68K_STATE& cpu) {
     cpu.regs[kM68kA7] += displacement;
 }
 
-// What is pulled replaces A7 where that is the frame: the step behind the pull is lost.
+// If A7 is the frame register, the pulled value replaces it, and the increment of the pull is lost.
 void Unlink(M68K_STATE& cpu) {
     uint32_t& frame = M68kAddressRegister<Slot::kLow>(cpu);
     cpu.regs[kM68kA7] = frame;
@@ -68,12 +68,12 @@ void Unlink(M68K_STATE& cpu) {
 
 template <Size kSize>
 void SpendOnRegisters(M68K_STATE& cpu, uint32_t count) {
-    constexpr uint32_t kMostPlaces = 31; // of a shift that a loaded state may hold
+    constexpr uint32_t kMostPlaces = 31; // a loaded state may hold any shift
     const int32_t places = kSize == Size::kLong ? cpu.cycMovemLong : cpu.cycMovemWord;
     M68kSpend(cpu, static_cast<int32_t>(count << (static_cast<uint32_t>(places) & kMostPlaces)));
 }
 
-// The list of -(An) begins with A7. An itself goes out as it was before the instruction.
+// The list of -(An) begins with A7. An itself is stored with its value from before the instruction.
 template <Size kSize>
 void StoreDownwards(M68K_STATE& cpu) {
     constexpr uint32_t kStep = kM68kBits<kSize> / 8;
@@ -107,8 +107,8 @@ void Store(M68K_STATE& cpu) {
     SpendOnRegisters<kSize>(cpu, count);
 }
 
-// Words are extended to whole registers, data registers too. The chip reads one word more than it wants,
-// and with (An)+ the final address wins over a value loaded into An.
+// Words are sign-extended to whole registers, data registers too. The chip reads one word more than it needs.
+// With (An)+ the final address replaces a value that was loaded into An.
 template <Size kSize, M68kMode kMode>
 void Load(M68K_STATE& cpu) {
     constexpr uint32_t kStep = kM68kBits<kSize> / 8;

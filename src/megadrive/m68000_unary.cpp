@@ -1,5 +1,5 @@
-// One operand, and what is no plain binary sum: CLR, NEG, NEGX, NOT, TST, TAS, decimal arithmetic,
-// multiplication, division and the bound check.
+// One operand: CLR, NEG, NEGX, NOT, TST, TAS. And decimal arithmetic, multiplication, division and the bound
+// check.
 #include "megadrive/m68000_operand.h"
 
 namespace {
@@ -61,8 +61,8 @@ void TestAndSet(M68K_STATE& cpu) {
         cpu, [&](uint32_t value) { return M68kLogicFlags<Size::kByte>(cpu, value) | kTaken; });
 }
 
-// Decimal arithmetic adds binary and then corrects a digit by 6 where it left its range. V is set where
-// the correction changes the top bit: upwards in a sum, downwards in a difference.
+// Decimal arithmetic adds in binary and then corrects by 6 each digit that left its range. V is set if the
+// correction changes the top bit: to 1 in a sum, to 0 in a difference (measured by B. Trzynadlowski).
 constexpr uint32_t kLowDigit = 0x06;
 constexpr uint32_t kHighDigit = 0x60;
 
@@ -139,7 +139,7 @@ void DivideByZero(M68K_STATE& cpu) {
     M68kTakeException(cpu, kM68kZeroDivide, cpu.pc);
 }
 
-// The register stays as it was.
+// The register keeps its value.
 void DivisionOverflows(M68K_STATE& cpu) {
     cpu.n = kM68kFlagN;
     cpu.notZ = 1;
@@ -166,7 +166,7 @@ void DivideUnsigned(M68K_STATE& cpu) {
     }
 }
 
-// Worked out in 64 bits, where the lowest number divided by -1 has a quotient.
+// Computed in 64 bits, where the lowest number divided by -1 has a quotient.
 template <M68kMode kMode>
 void DivideSigned(M68K_STATE& cpu) {
     const int64_t divisor = static_cast<int16_t>(M68kOperand<kMode, Size::kWord>(cpu));
@@ -185,7 +185,7 @@ void DivideSigned(M68K_STATE& cpu) {
                                   static_cast<uint32_t>(dividend % divisor));
 }
 
-// Z is measured, V and C too: they are set before the trap and whether or not there is one.
+// Z (measured on a console by B. Trzynadlowski), V and C are set before the trap, whether or not it is taken.
 template <M68kMode kMode>
 void CheckBounds(M68K_STATE& cpu) {
     const auto bound = static_cast<int16_t>(M68kOperand<kMode, Size::kWord>(cpu));

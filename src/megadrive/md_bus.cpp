@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr uint32_t kNothingStart = 0x800000;
+constexpr uint32_t kCartridgeEnd = 0x800000; // nothing from here to the Z80's side
 constexpr uint32_t kZ80Start = 0xA00000;
 constexpr uint32_t kIoStart = 0xA10000;
 constexpr uint32_t kIoEnd = 0xA10020;
@@ -16,14 +16,23 @@ constexpr uint32_t kBusRequestPage = 0xA11100; // and the 256 bytes from there
 constexpr uint32_t kResetPage = 0xA11200;
 constexpr uint32_t kSvpPort = 0xA15000;
 constexpr uint32_t kSvpPortMirror = 0xA15002;
-constexpr uint32_t kVideoStart = 0xC00000;
-constexpr uint32_t kVideoSelect = 0xE700E0; // these address bits are decoded
+constexpr uint32_t kVdpStart = 0xC00000;
+constexpr uint32_t kVdpSelect = 0xE700E0; // the address bits that the VDP decodes
 constexpr uint32_t kRamStart = 0xE00000;
 constexpr uint32_t kZ80HandOver = 3;    // clocks that the Z80 still runs when its bus changes hands
-constexpr int32_t kZ80ResetDelay = -45; // master clocks
-constexpr uint32_t kBankMask = 0xFF8000;
-constexpr uint32_t kBankInput = 23; // the bit at which the bank register takes a new one
-constexpr uint32_t kStatusBits = 0x3FF;
+constexpr int32_t kZ80ResetDelay = -45; // master clocks from the end of a reset to the first clock
+constexpr uint32_t kBankInput = 23;     // the bit of the bank address that a write shifts in
+constexpr uint32_t kBusNotGranted = 0x01;    // of the bus request register, as read
+constexpr uint32_t kRegisterPage = 0xFFFF00; // of the control registers; the low byte isn't decoded
+
+// The Z80's map. Its RAM is repeated up to kMdZ80RamEnd.
+constexpr uint32_t kZ80FmEnd = 0x6000;
+constexpr uint32_t kZ80BankPage = 0x6000; // 256 bytes: the register that shifts the window's bank
+constexpr uint32_t kZ80VdpPage = 0x7F00;  // 256 bytes
+constexpr uint32_t kZ80VdpHole = 0x00E0;  // of that page: the VDP answers where these bits are 0
+constexpr uint32_t kZ80WindowStart = 0x8000;
+constexpr uint32_t kZ80WindowBits = 0x7FFF;
+constexpr uint32_t kZ80Page = 0xFF00;
 
 MEGA_DRIVE& Machine(void* owner) {
     return *static_cast<MEGA_DRIVE*>(owner);
@@ -45,7 +54,7 @@ uint16_t RamWord(const MEGA_DRIVE& md, uint32_t address) {
     return md.workRam[(address & 0xFFFF) >> 1];
 }
 
-// What floats on the bus: the word at the program counter. Where that lies in nothing itself, zero.
+// An undriven bus reads as the word at the program counter. If that address is undriven too, as zero.
 uint32_t OpenBus(MEGA_DRIVE& md) {
     if (md.openBusRead) {
         return 0;
@@ -56,12 +65,12 @@ uint32_t OpenBus(MEGA_DRIVE& md) {
     return word;
 }
 
-// The 68000 reaches the Z80's side only while the Z80 has given its bus away.
+// The 68000 reaches the Z80's side only while the Z80 is off its bus and not in reset.
 bool Z80BusBlocked(const MEGA_DRIVE& md) {
     return md.z80.enabled == 0 || md.z80.running != 0;
 }
 
-// A program of the Z80 itself that reaches these registers through its window runs on once, not deeper.
+// The Z80 itself may write to these registers through its window. The clocks then run once and don't nest.
 void RunZ80(MEGA_DRIVE& md, uint32_t clocks) {
     if (md.z80HandingOver) {
         return;
@@ -82,7 +91,7 @@ void RequestBus(MEGA_DRIVE& md, uint32_t bit) {
 void DriveZ80Reset(MEGA_DRIVE& md, uint32_t bit) {
     if ((bit & 1) == 0) {
         RunZ80(md, kZ80HandOver);
-        MdCatchUpSound(md);
+        MdCatchUpFm(md);
         Ym2612Reset(md.fm);
         Z80Reset(md.z80);
         md.z80.enabled = 0;
@@ -93,20 +102,20 @@ void DriveZ80Reset(MEGA_DRIVE& md, uint32_t bit) {
 }
 
 void ShiftBank(MEGA_DRIVE& md, uint32_t bit) {
-    md.z80Bank = ((md.z80Bank >> 1) | ((bit & 1) << kBankInput)) & kBankMask;
+    md.z80Bank = ((md.z80Bank >> 1) | ((bit & 1) << kBankInput)) & kMdZ80BankMask;
 }
 
 uint8_t FmStatus(MEGA_DRIVE& md) {
-    MdCatchUpSound(md);
+    MdCatchUpFm(md);
     return md.fm.status;
 }
 
 void WriteFm(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
-    MdCatchUpSound(md);
+    MdCatchUpFm(md);
     Ym2612Write(md.fm, address & 3, static_cast<uint8_t>(value));
 }
 
-// Z80's memory and what else hangs on its bus, as the 68000 sees it. `address` is 16 bits.
+// The Z80's RAM and the chips on its bus, as the 68000 sees them. `address` has 16 bits.
 uint32_t ReadZ80Side(MEGA_DRIVE& md, uint32_t address) {
     if (Z80BusBlocked(md)) {
         return OpenBus(md);
@@ -114,10 +123,10 @@ uint32_t ReadZ80Side(MEGA_DRIVE& md, uint32_t address) {
     if (address < kMdZ80RamEnd) {
         return BothHalves(md.z80Ram[address % kMdZ80RamBytes]);
     }
-    if (address < 0x6000) {
+    if (address < kZ80FmEnd) {
         return BothHalves(FmStatus(md));
     }
-    return (address & 0xFF00) == 0x7F00 ? 0 : OpenBus(md);
+    return (address & kZ80Page) == kZ80VdpPage ? 0 : OpenBus(md);
 }
 
 void WriteZ80Side(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
@@ -126,16 +135,16 @@ void WriteZ80Side(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
     }
     if (address < kMdZ80RamEnd) {
         md.z80Ram[address % kMdZ80RamBytes] = static_cast<uint8_t>(value);
-    } else if (address < 0x6000) {
+    } else if (address < kZ80FmEnd) {
         WriteFm(md, address, value);
-    } else if ((address & 0xFF00) == 0x6000) {
+    } else if ((address & kZ80Page) == kZ80BankPage) {
         ShiftBank(md, value);
     }
 }
 
-// 1 while the 68000 must not touch the Z80's side.
+// The bit of the bus request register: 1 while the 68000 must not touch the Z80's side.
 uint32_t BusState(const MEGA_DRIVE& md) {
-    return md.z80.enabled == 0 || md.z80.running != 0 ? 1 : 0;
+    return Z80BusBlocked(md) ? kBusNotGranted : 0;
 }
 
 uint32_t ReadIoWord(MEGA_DRIVE& md, uint32_t address) {
@@ -143,8 +152,8 @@ uint32_t ReadIoWord(MEGA_DRIVE& md, uint32_t address) {
         return BothHalves(MdReadIo(md.io, (address >> 1) & 15));
     }
     const uint32_t open = OpenBus(md);
-    if ((address & 0xFFFF00) == kBusRequestPage) {
-        return (open & 0xFEFF) | BusState(md) << 8;
+    if ((address & kRegisterPage) == kBusRequestPage) {
+        return (open & ~(kBusNotGranted << 8)) | BusState(md) << 8;
     }
     return open;
 }
@@ -154,13 +163,13 @@ uint8_t ReadIoByte(MEGA_DRIVE& md, uint32_t address) {
         return MdReadIo(md.io, (address >> 1) & 15);
     }
     const auto open = static_cast<uint8_t>(OpenBus(md) >> 8);
-    if ((address & 0xFFFF01) == kBusRequestPage) {
-        return static_cast<uint8_t>((open & 0xFE) | BusState(md));
+    if ((address & (kRegisterPage | 1)) == kBusRequestPage) {
+        return static_cast<uint8_t>((open & ~kBusNotGranted) | BusState(md));
     }
     return open;
 }
 
-// `isWord`: the bit of the two control registers then lies in the high half.
+// In a word the bit of the two control registers is in the high half.
 void WriteIo(MEGA_DRIVE& md, uint32_t address, uint32_t value, bool isWord) {
     if (address < kIoEnd) {
         MdWriteIo(md.io, (address >> 1) & 15, static_cast<uint8_t>(value), md.m68kBusCycles);
@@ -170,7 +179,7 @@ void WriteIo(MEGA_DRIVE& md, uint32_t address, uint32_t value, bool isWord) {
         return;
     }
     const uint32_t bit = isWord ? value >> 8 : value;
-    const uint32_t page = address & 0xFFFF00;
+    const uint32_t page = address & kRegisterPage;
     if (page == kBusRequestPage) {
         RequestBus(md, bit);
     } else if (page == kResetPage) {
@@ -182,25 +191,28 @@ void WriteIo(MEGA_DRIVE& md, uint32_t address, uint32_t value, bool isWord) {
     }
 }
 
-// While a DMA holds the 68000, memory is changed by the Z80 and the signal processor alone. What the Z80
-// writes through its window lets the video chip catch up first; its own memory and the processor's don't.
+// While a DMA holds the 68000, only the Z80 and the signal processor change memory. Before the Z80 writes
+// through its window the VDP catches up; writes to the Z80's own RAM and those of the signal processor don't
+// wait for that, so a DMA that reads there isn't quiet.
 bool DmaSourceIsQuiet(const MEGA_DRIVE& md) {
     const auto quiet = [](uint32_t address) {
         address &= kMdAddressMask;
-        return address < kZ80Start || address >= kVideoStart;
+        return address < kZ80Start || address >= kVdpStart;
     };
-    // The next word lies in the 128 KiB of the transfer's start.
+    // The source stays within the 128 KiB of the DMA's start.
     return md.cartridge.cartKind != kMdCartSvp && quiet(md.vdp.dmaSource) && quiet(md.vdp.dmaBase);
 }
 
-// The window of the video chip, by the low five bits of the address.
-uint32_t ReadVideo(MEGA_DRIVE& md, uint32_t address) {
-    MdCatchUpVideo(md);
+// The VDP's 32 addresses, decoded by the low five bits: data, control, HV counter, PSG.
+uint32_t ReadVdp(MEGA_DRIVE& md, uint32_t address) {
+    MdCatchUpVdp(md);
     switch ((address >> 1) & 15) {
     case 0:
     case 1: return MdVdpReadData(md.vdp);
     case 2:
-    case 3: return (MdVdpReadStatus(md.vdp) & kStatusBits) | (OpenBus(md) & ~kStatusBits & 0xFFFF);
+    case 3:
+        return (MdVdpReadStatus(md.vdp) & kMdVdpStatusBits) |
+               (OpenBus(md) & ~uint32_t{kMdVdpStatusBits} & 0xFFFF);
     case 4:
     case 5:
     case 6:
@@ -213,21 +225,21 @@ uint32_t ReadVideo(MEGA_DRIVE& md, uint32_t address) {
     }
 }
 
-// The same, and the chip is afterwards as it was.
-uint32_t PeekVideo(MEGA_DRIVE& md, uint32_t address) {
-    MdCatchUpVideo(md);
+// The same, but the chip is left as it was.
+uint32_t PeekVdp(MEGA_DRIVE& md, uint32_t address) {
+    MdCatchUpVdp(md);
     const uint32_t dataAddress = md.vdp.address;
     const uint32_t pendingSecond = md.vdp.pendingSecond;
     const uint16_t status = md.vdp.status;
-    const uint32_t word = ReadVideo(md, address);
+    const uint32_t word = ReadVdp(md, address);
     md.vdp.address = dataAddress;
     md.vdp.pendingSecond = pendingSecond;
     md.vdp.status = status;
     return word;
 }
 
-void WriteVideo(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
-    MdCatchUpVideo(md);
+void WriteVdp(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
+    MdCatchUpVdp(md);
     switch ((address >> 1) & 15) {
     case 0:
     case 1: MdVdpWriteData(md.vdp, static_cast<uint16_t>(word)); break;
@@ -242,32 +254,35 @@ void WriteVideo(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
         break;
     default: break;
     }
-    MdFindEvent(md); // it may have work now
+    MdRefreshVdpToEvent(md); // the write may bring an event nearer
 }
 
-// The PSG lies on the low half of the bus, so a byte at an even address doesn't reach it.
-void WriteVideoByte(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
-    if ((address & 0x18) == 0x10 && (address & 1) == 0) {
+// The PSG is on the low half of the bus, so a byte at an even address doesn't reach it.
+void WriteVdpByte(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
+    constexpr uint32_t kPortBits = 0x18;
+    constexpr uint32_t kPsgPorts = 0x10; // and the seven addresses after it
+    if ((address & kPortBits) == kPsgPorts && (address & 1) == 0) {
         return;
     }
-    WriteVideo(md, address, BothHalves(value & 0xFF));
+    WriteVdp(md, address, BothHalves(value & 0xFF));
 }
 
-bool IsVideo(uint32_t address) {
-    return (address & kVideoSelect) == kVideoStart;
+bool IsVdp(uint32_t address) {
+    return (address & kVdpSelect) == kVdpStart;
 }
 
-// Reads above the cartridge's pages, as words; bytes are the halves of these but for the I/O area.
+// Word reads outside the cartridge's pages. Bytes are halves of these, except in the I/O area.
 uint32_t ReadFixedWord(MEGA_DRIVE& md, uint32_t address) {
     if (address >= kRamStart) {
         return RamWord(md, address);
     }
-    if (address >= kVideoStart) {
-        return IsVideo(address) ? ReadVideo(md, address) : OpenBus(md);
+    if (address >= kVdpStart) {
+        return IsVdp(address) ? ReadVdp(md, address) : OpenBus(md);
     }
-    if (address < kNothingStart) {
-        return RomWord(
-            md, address); // of the cartridges that have no pages up here; a DMA gets work RAM
+    // Some kinds of cartridge have handlers for the lower half alone; the ROM goes on here. A DMA gets work
+    // RAM instead.
+    if (address < kCartridgeEnd) {
+        return RomWord(md, address);
     }
     if (address < kZ80Start) {
         return 0;
@@ -279,17 +294,17 @@ uint32_t ReadFixedWord(MEGA_DRIVE& md, uint32_t address) {
     }
 }
 
-// A byte of nothing is the high half of the bus at either address.
-constexpr uint8_t VideoByte(uint32_t word, uint32_t address) {
-    constexpr uint32_t kUnusedPorts = 0x18; // and the seven addresses behind
+// A byte of the unused ports is the high half of the undriven bus, also at odd addresses.
+constexpr uint8_t VdpByte(uint32_t word, uint32_t address) {
+    constexpr uint32_t kUnusedPorts = 0x18; // and the seven addresses after it
     return HalfAt(word, (address & kUnusedPorts) == kUnusedPorts ? 0 : address);
 }
 
 uint32_t ReadFixedByte(MEGA_DRIVE& md, uint32_t address) {
-    if (address >= kVideoStart && address < kRamStart) {
-        return IsVideo(address) ? VideoByte(ReadVideo(md, address), address) : OpenBus(md) >> 8;
+    if (address >= kVdpStart && address < kRamStart) {
+        return IsVdp(address) ? VdpByte(ReadVdp(md, address), address) : OpenBus(md) >> 8;
     }
-    if (address >= kZ80Start && address < kVideoStart) {
+    if (address >= kZ80Start && address < kVdpStart) {
         switch (address >> 16) {
         case kZ80Start >> 16: return ReadZ80Side(md, address & 0xFFFF) >> 8;
         case kIoStart >> 16: return ReadIoByte(md, address);
@@ -337,9 +352,9 @@ void MdWriteByte(void* owner, uint32_t address, uint32_t value) {
         handler(md.cartridge, address, static_cast<uint8_t>(value));
     } else if (address >= kRamStart) {
         WriteRamByte(md, address, value);
-    } else if (address >= kVideoStart) {
-        if (IsVideo(address)) {
-            WriteVideoByte(md, address, value);
+    } else if (address >= kVdpStart) {
+        if (IsVdp(address)) {
+            WriteVdpByte(md, address, value);
         }
     } else if (address >> 16 == kZ80Start >> 16) {
         WriteZ80Side(md, address & 0xFFFF, value);
@@ -355,9 +370,9 @@ void MdWriteWord(void* owner, uint32_t address, uint32_t value) {
         handler(md.cartridge, address, static_cast<uint16_t>(value));
     } else if (address >= kRamStart) {
         md.workRam[(address & 0xFFFF) >> 1] = static_cast<uint16_t>(value);
-    } else if (address >= kVideoStart) {
-        if (IsVideo(address)) {
-            WriteVideo(md, address, value);
+    } else if (address >= kVdpStart) {
+        if (IsVdp(address)) {
+            WriteVdp(md, address, value);
         }
     } else if (address >> 16 == kZ80Start >> 16) {
         WriteZ80Side(md, address & 0xFFFF, value >> 8);
@@ -373,8 +388,8 @@ void MdWriteLong(void* owner, uint32_t address, uint32_t value) {
 
 uint8_t MdPeekByte(MEGA_DRIVE& md, uint32_t address) {
     address &= kMdAddressMask;
-    if (IsVideo(address)) {
-        return VideoByte(PeekVideo(md, address), address);
+    if (IsVdp(address)) {
+        return VdpByte(PeekVdp(md, address), address);
     }
     const auto handler = md.cartridge.readByte[address >> 16];
     if (handler == nullptr) {
@@ -389,59 +404,61 @@ uint16_t MdReadForDma(void* owner, uint32_t address) {
     if (const auto handler = md.cartridge.readWord[address >> 16]; handler != nullptr) {
         return handler(md.cartridge, address);
     }
-    if (address >= kZ80Start && address < kVideoStart) {
+    if (address >= kZ80Start && address < kVdpStart) {
         return static_cast<uint16_t>(BothHalves(md.z80Ram[address % kMdZ80RamBytes]));
     }
     return RamWord(md, address);
 }
 
-void MdFindEvent(MEGA_DRIVE& md) {
+void MdRefreshVdpToEvent(MEGA_DRIVE& md) {
     md.vdpToEvent = MdVdpClocksToEvent(md.vdp, DmaSourceIsQuiet(md)) / kMdCycleClocks;
 }
 
-void MdCatchUpVideo(MEGA_DRIVE& md) {
-    if (md.vdpWaiting != 0) {
-        MdVdpRun(md.vdp, md.vdpWaiting * kMdCycleClocks);
-        md.vdpToEvent -= std::min(md.vdpToEvent, md.vdpWaiting);
-        md.vdpWaiting = 0;
+void MdCatchUpVdp(MEGA_DRIVE& md) {
+    if (md.vdpOwed != 0) {
+        MdVdpRun(md.vdp, md.vdpOwed * kMdCycleClocks);
+        md.vdpToEvent -= std::min(md.vdpToEvent, md.vdpOwed);
+        md.vdpOwed = 0;
     }
 }
 
-void MdCatchUpSound(MEGA_DRIVE& md) {
-    if (md.fmWaiting != 0) {
-        Ym2612Run(md.fm, md.fmWaiting);
-        md.fmWaiting = 0;
+void MdCatchUpFm(MEGA_DRIVE& md) {
+    if (md.fmOwed != 0) {
+        Ym2612Run(md.fm, md.fmOwed);
+        md.fmOwed = 0;
     }
 }
 
 void MdCatchUpPsg(MEGA_DRIVE& md) {
-    PsgRun(md.psg, md.psgWaiting);
-    md.psgWaiting = 0;
+    PsgRun(md.psg, md.psgOwed);
+    md.psgOwed = 0;
 }
 
 uint8_t MD_Z80_BUS::ReadBeyondRam(uint16_t address) {
-    if (address < 0x6000) {
+    if (address < kZ80FmEnd) {
         return FmStatus(md);
     }
-    if (address >= 0x8000) {
-        const uint32_t target = md.z80Bank | (address & 0x7FFFU);
-        return (target & 0xFFF000) == 0xA11000 ? 0xFF : MdPeekByte(md, target);
+    if (address >= kZ80WindowStart) {
+        constexpr uint32_t kControlArea =
+            0xA11000; // 4 KiB with the bus request and reset registers
+        const uint32_t target = md.z80Bank | (address & kZ80WindowBits);
+        return (target & 0xFFF000) == kControlArea ? 0xFF : MdPeekByte(md, target);
     }
-    if ((address & 0xFF00) != 0x7F00 || (address & 0xE0) != 0) {
+    if ((address & kZ80Page) != kZ80VdpPage || (address & kZ80VdpHole) != 0) {
         return 0xFF;
     }
-    return VideoByte(ReadVideo(md, address), address);
+    return VdpByte(ReadVdp(md, address), address);
 }
 
 void MD_Z80_BUS::WriteBeyondRam(uint16_t address, uint8_t value) {
-    if (address < 0x6000) {
+    if (address < kZ80FmEnd) {
         WriteFm(md, address, value);
-    } else if (address >= 0x8000) {
-        MdCatchUpVideo(md); // a DMA may be about to read there
-        MdWriteByte(&md, md.z80Bank | (address & 0x7FFFU), value);
-    } else if ((address & 0xFF00) == 0x6000) {
+    } else if (address >= kZ80WindowStart) {
+        MdCatchUpVdp(md); // a DMA may have had to read there before
+        MdWriteByte(&md, md.z80Bank | (address & kZ80WindowBits), value);
+    } else if ((address & kZ80Page) == kZ80BankPage) {
         ShiftBank(md, value);
-    } else if ((address & 0xFFE0) == 0x7F00) {
-        WriteVideoByte(md, address, value);
+    } else if ((address & (kZ80Page | kZ80VdpHole)) == kZ80VdpPage) {
+        WriteVdpByte(md, address, value);
     }
 }

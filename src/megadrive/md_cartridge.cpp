@@ -21,7 +21,7 @@ constexpr size_t kRamMark = 0x1B0;
 constexpr size_t kRamStart = 0x1B4;
 constexpr size_t kRamEnd = 0x1B8;
 
-constexpr std::string_view kDoubleTitle = "SONIC & KNUCKLES";
+constexpr std::string_view kDoubleTitle = "SONIC & KNUCKLES"; // its image is in both halves
 constexpr std::string_view kSvpTitle = "Virtua Racing";
 
 class Image {
@@ -84,14 +84,14 @@ void CopyTo(MD_CARTRIDGE& cart, const std::vector<uint16_t>& words, size_t at) {
     std::copy_n(words.begin(), count, cart.rom.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
-bool TitleHolds(const MD_CARTRIDGE& cart, std::string_view text) {
+bool TitleContains(const MD_CARTRIDGE& cart, std::string_view text) {
     return cart.title.find(text) != std::string::npos;
 }
 
-void LayOut(MD_CARTRIDGE& cart, const Image& image) {
+void FillRom(MD_CARTRIDGE& cart, const Image& image) {
     cart.rom.assign(kWindowWords, 0xFFFF);
     const std::vector<uint16_t> words = image.Words();
-    if (TitleHolds(cart, kDoubleTitle)) {
+    if (TitleContains(cart, kDoubleTitle)) {
         CopyTo(cart, words, 0);
         CopyTo(cart, words, kSecondHalfWords);
         return;
@@ -101,7 +101,7 @@ void LayOut(MD_CARTRIDGE& cart, const Image& image) {
     }
 }
 
-void MakeSram(MD_CARTRIDGE& cart, const Image& image) {
+void AddSram(MD_CARTRIDGE& cart, const Image& image) {
     cart.cartKind = kMdCartSram;
     cart.sram = std::make_unique<MD_SRAM>();
     cart.sram->data.fill(0xFF);
@@ -109,8 +109,8 @@ void MakeSram(MD_CARTRIDGE& cart, const Image& image) {
     cart.sram->end = image.Long(kRamEnd) + 1;
 }
 
-void MakeHardware(MD_CARTRIDGE& cart, const Image& image) {
-    if (TitleHolds(cart, kSvpTitle)) {
+void AddHardware(MD_CARTRIDGE& cart, const Image& image) {
+    if (TitleContains(cart, kSvpTitle)) {
         cart.cartKind = kMdCartSvp;
         cart.svpDmaQuirk = 1;
         cart.svp = std::make_unique<MD_SVP>();
@@ -126,7 +126,7 @@ void MakeHardware(MD_CARTRIDGE& cart, const Image& image) {
         MdEepromInit(*cart.eeprom, game->device);
         return;
     }
-    MakeSram(cart, image);
+    AddSram(cart, image);
 }
 
 void InstallHandlers(MD_CARTRIDGE& cart) {
@@ -153,8 +153,8 @@ void MdCartSetup(MD_CARTRIDGE& cart, std::span<const uint8_t> image) {
     cart.svp.reset();
     cart.title = FoldBlanks(header.Text(kTitleOffset, kTitleBytes));
     cart.productCode = header.Text(kProductOffset, kProductBytes);
-    LayOut(cart, header);
-    MakeHardware(cart, header);
+    FillRom(cart, header);
+    AddHardware(cart, header);
     InstallHandlers(cart);
     MdCartReset(cart);
 }
@@ -179,7 +179,7 @@ std::span<uint8_t> MdCartSaveData(MD_CARTRIDGE& cart) {
     if (start >= end) {
         return {};
     }
-    // Counted from an odd address, a word at the very last address reaches a byte further.
+    // If the range starts at an odd address, a word at the last address reaches one byte further.
     const size_t reached = end - start + (start & 1);
     const size_t used = (reached + 1) & ~size_t{1};
     return std::span(cart.sram->data).first(std::min(used, kMdSramBytes));

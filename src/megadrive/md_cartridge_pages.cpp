@@ -2,8 +2,7 @@
 
 namespace {
 
-// What lies behind the last byte of battery RAM, for a word that straddles its end: a store there is
-// lost.
+// What a word that straddles the end of battery RAM reads after the last byte. A store there is lost.
 constexpr uint32_t kNoByte = 0xFF;
 
 void IgnoreByte(MD_CARTRIDGE& cart, uint32_t address, uint8_t value) {
@@ -42,7 +41,7 @@ uint8_t ReadSramByte(MD_CARTRIDGE& cart, uint32_t address) {
     return sram.data[SramOffset(sram, address) ^ 1];
 }
 
-// The offset of a word is odd when the range starts at an odd address.
+// The offset of a word is odd if the range starts at an odd address.
 uint16_t ReadSramWord(MD_CARTRIDGE& cart, uint32_t address) {
     const MD_SRAM& sram = *cart.sram;
     if (!InRange(sram, address)) {
@@ -72,7 +71,7 @@ void WriteSramWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
     }
 }
 
-uint32_t WordOf(uint32_t lineAddress) {
+uint32_t WordAddress(uint32_t lineAddress) {
     return lineAddress & 0xFFFFFE;
 }
 
@@ -86,8 +85,8 @@ uint8_t ReadEepromByte(MD_CARTRIDGE& cart, uint32_t address) {
 
 uint16_t ReadEepromWord(MD_CARTRIDGE& cart, uint32_t address) {
     const MD_EEPROM& eeprom = *cart.eeprom;
-    return address == WordOf(eeprom.sdaOutAddress) ? MdEepromRead(eeprom, true)
-                                                   : MdCartRomWord(cart, address);
+    return address == WordAddress(eeprom.sdaOutAddress) ? MdEepromRead(eeprom, true)
+                                                        : MdCartRomWord(cart, address);
 }
 
 void WriteEepromByte(MD_CARTRIDGE& cart, uint32_t address, uint8_t value) {
@@ -99,7 +98,7 @@ void WriteEepromByte(MD_CARTRIDGE& cart, uint32_t address, uint8_t value) {
 
 void WriteEepromWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
     MD_EEPROM& eeprom = *cart.eeprom;
-    if (address == WordOf(eeprom.sclAddress) || address == WordOf(eeprom.sdaInAddress)) {
+    if (address == WordAddress(eeprom.sclAddress) || address == WordAddress(eeprom.sdaInAddress)) {
         MdEepromWrite(eeprom, address, value, true);
     }
 }
@@ -113,23 +112,26 @@ void WriteSvpWord(MD_CARTRIDGE& cart, uint32_t address, uint16_t value) {
     SvpWriteWord(*cart.svp, address, value);
 }
 
+// By MD_CART_KIND.
+constexpr uint32_t kHalfWindowPages = kMdCartWindowPages / 2;
 constexpr std::array<MD_CART_HANDLERS, 4> kHandlers{
-    {{ReadRomByte, ReadRomWord, IgnoreByte, IgnoreWord, 128},
-     {ReadSramByte, ReadSramWord, WriteSramByte, WriteSramWord, 128},
-     {ReadEepromByte, ReadEepromWord, WriteEepromByte, WriteEepromWord, 64},
-     {ReadRomByte, ReadSvpWord, IgnoreByte, WriteSvpWord, 64}}
+    {{ReadRomByte, ReadRomWord, IgnoreByte, IgnoreWord, kMdCartWindowPages},
+     {ReadSramByte, ReadSramWord, WriteSramByte, WriteSramWord, kMdCartWindowPages},
+     {ReadEepromByte, ReadEepromWord, WriteEepromByte, WriteEepromWord, kHalfWindowPages},
+     {ReadRomByte, ReadSvpWord, IgnoreByte, WriteSvpWord, kHalfWindowPages}}
 };
 
-bool Covers(uint32_t page, uint32_t address) {
+bool ContainsAddress(uint32_t page, uint32_t address) {
     return address / kMdCartPageBytes == page;
 }
 
-bool RangeTouches(const MD_SRAM& sram, uint32_t page) {
+bool OverlapsPage(const MD_SRAM& sram, uint32_t page) {
     const uint32_t first = page * kMdCartPageBytes;
     return sram.start < sram.end && sram.start < first + kMdCartPageBytes && sram.end > first;
 }
 
-bool SvpShows(uint32_t page) {
+// Pages in which the signal processor shows its DRAM: 128 KiB plain, and the two rearranged views (svp.cpp).
+bool IsSvpPage(uint32_t page) {
     return page == 0x30 || page == 0x31 || page == 0x39 || page == 0x3A;
 }
 
@@ -146,12 +148,13 @@ const uint16_t* MdCartPlainPage(const MD_CARTRIDGE& cart, uint32_t page) {
     bool plain = true;
     switch (cart.cartKind) {
     case kMdCartPlain: break;
-    case kMdCartSram: plain = !RangeTouches(*cart.sram, page); break;
+    case kMdCartSram: plain = !OverlapsPage(*cart.sram, page); break;
     case kMdCartEeprom:
-        plain = !Covers(page, cart.eeprom->sdaInAddress) &&
-                !Covers(page, cart.eeprom->sdaOutAddress) && !Covers(page, cart.eeprom->sclAddress);
+        plain = !ContainsAddress(page, cart.eeprom->sdaInAddress) &&
+                !ContainsAddress(page, cart.eeprom->sdaOutAddress) &&
+                !ContainsAddress(page, cart.eeprom->sclAddress);
         break;
-    case kMdCartSvp: plain = !SvpShows(page); break;
+    case kMdCartSvp: plain = !IsSvpPage(page); break;
     }
     return plain ? &cart.rom[size_t{page} * (kMdCartPageBytes / 2)] : nullptr;
 }

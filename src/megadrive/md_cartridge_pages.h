@@ -1,4 +1,4 @@
-// The handlers of the four kinds of cartridge.
+// The bus handlers of the four kinds of cartridge.
 #pragma once
 
 #include "megadrive/md_cartridge.h"
@@ -8,7 +8,7 @@ struct MD_CART_HANDLERS {
     MdCartReadWord readWord;
     MdCartWriteByte writeByte;
     MdCartWriteWord writeWord;
-    uint32_t pages; // from page 0 on
+    uint32_t pages; // that the handlers serve, from page 0 on
 };
 
 [[nodiscard]] const MD_CART_HANDLERS& MdCartHandlers(MD_CART_KIND kind);

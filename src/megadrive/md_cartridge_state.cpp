@@ -1,5 +1,5 @@
-// What a saved state keeps of a cartridge: nothing of a plain one, the contents and the protocol of the
-// others. Range and wiring are written, but a cartridge keeps what its header said.
+// A cartridge's piece of a state: nothing of a plain one; contents and protocol of the others. Range and wiring
+// are written too, but a load keeps those of the cartridge's own header.
 #include "machine/state_piece.h"
 #include "megadrive/md_cartridge.h"
 
@@ -16,7 +16,7 @@ void SramFields(MD_SRAM& sram, Visit& visit) {
     visit(sram.data);
 }
 
-// 23 bytes and the contents. The addresses of the lines are in none of them.
+// 23 bytes and the contents. The addresses of the lines aren't saved.
 template <typename Visit>
 void EepromFields(MD_EEPROM& eeprom, Visit& visit) {
     uint8_t addressBits = eeprom.addressBits;
@@ -38,7 +38,7 @@ void EepromFields(MD_EEPROM& eeprom, Visit& visit) {
     visit(eeprom.data);
 }
 
-void MakeSafe(MD_EEPROM& eeprom) {
+void Sanitize(MD_EEPROM& eeprom) {
     eeprom.sda &= 1;
     eeprom.scl &= 1;
     eeprom.oldSda &= 1;
@@ -66,7 +66,7 @@ uint32_t MdCartStateSize(const MD_CARTRIDGE& cart) {
     if (cart.cartKind == kMdCartSvp) {
         return SvpStateSize();
     }
-    // The visitor that only reads is the one that also writes.
+    // Writing visits the fields like reading does, and changes none of them.
     return WithFields(const_cast<MD_CARTRIDGE&>(cart),
                       [](auto&& fields) { return StatePieceSize(fields); });
 }
@@ -86,7 +86,7 @@ uint32_t MdCartLoadState(MD_CARTRIDGE& cart, const uint8_t* data, uint32_t size)
     const uint32_t used =
         WithFields(cart, [&](auto&& fields) { return StatePieceRead(data, size, fields); });
     if (used != 0 && cart.cartKind == kMdCartEeprom) {
-        MakeSafe(*cart.eeprom);
+        Sanitize(*cart.eeprom);
     }
     return used;
 }

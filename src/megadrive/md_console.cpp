@@ -10,23 +10,21 @@ namespace {
 constexpr uint32_t kPsgModel = 1;
 constexpr uint32_t kPsgDivider = 15;
 constexpr uint32_t kFmDivider = 7;
-constexpr uint32_t kAutovector = 0xFFFFFFFF;
 constexpr uint32_t kHorizontalLevel = 4;
 constexpr uint32_t kVerticalLevel = 6;
-constexpr uint32_t kRamPages = 0xE0; // the first page of the work RAM and its mirrors
+constexpr uint32_t kFirstRamPage = 0xE0; // the work RAM and its mirrors go on to the last page
 
 MEGA_DRIVE& Machine(void* owner) {
     return *static_cast<MEGA_DRIVE*>(owner);
 }
 
-// Both marks of the vertical interrupt fall with either level, so a horizontal interrupt that is taken
-// drops a vertical one that the chip still meant to raise.
+// Either level clears vPending, so a horizontal interrupt that is taken drops a vertical one that still waits.
 uint32_t AckInterrupt(void* owner, uint32_t level) {
     MEGA_DRIVE& md = Machine(owner);
     if (level != kHorizontalLevel && level != kVerticalLevel) {
-        return kAutovector;
+        return kM68kAutovector;
     }
-    MdCatchUpVideo(md);
+    MdCatchUpVdp(md);
     if (level == kHorizontalLevel) {
         md.vdp.hPending = 0;
     } else {
@@ -34,7 +32,7 @@ uint32_t AckInterrupt(void* owner, uint32_t level) {
     }
     md.vdp.vPending = 0;
     M68kSetIrqLine(md.cpu, level, 0);
-    return kAutovector;
+    return kM68kAutovector;
 }
 
 void ConnectCpu(MEGA_DRIVE& md) {
@@ -47,11 +45,11 @@ void ConnectCpu(MEGA_DRIVE& md) {
     md.cpu.writeByte = MdWriteByte;
     md.cpu.writeWord = MdWriteWord;
     md.cpu.writeLong = MdWriteLong;
-    for (uint32_t page = 0; page < kRamPages; ++page) {
+    for (uint32_t page = 0; page < kFirstRamPage; ++page) {
         md.cpu.readPages[page] = MdCartPlainPage(md.cartridge, page);
         md.cpu.writePages[page] = nullptr;
     }
-    for (uint32_t page = kRamPages; page < md.cpu.readPages.size(); ++page) {
+    for (uint32_t page = kFirstRamPage; page < md.cpu.readPages.size(); ++page) {
         md.cpu.readPages[page] = md.workRam.data();
         md.cpu.writePages[page] = md.workRam.data();
     }
@@ -101,16 +99,16 @@ void MdReset(MEGA_DRIVE& md) {
     md.z80Ram.fill(0);
     md.z80Bank = 0;
     Ym2612Reset(md.fm);
-    // The chip's own reset, which programs pull in mid-frame, keeps what has sounded.
+    // The FM chip's own reset, which programs drive in mid-frame, keeps the samples of that frame.
     md.fm.tickCount = 0;
     md.fmSound.Reset();
     md.psgSound.Reset();
     MdVdpReset(md.vdp);
     PsgReset(md.psg);
     md.z80Clock = 0;
-    md.vdpWaiting = 0;
-    md.fmWaiting = 0;
-    md.psgWaiting = 0;
+    md.vdpOwed = 0;
+    md.fmOwed = 0;
+    md.psgOwed = 0;
     MdIoReset(md.io);
     Z80Reset(md.z80);
     md.m68kBusCycles = 0;
@@ -118,17 +116,16 @@ void MdReset(MEGA_DRIVE& md) {
     MdCartReset(md.cartridge);
 }
 
-void MdSettle(MEGA_DRIVE& md) {
-    constexpr int32_t kMostDebt = 1 << 20; // master clocks; far above any instruction
-    constexpr uint32_t kBankMask = 0xFF8000;
-    md.vdpWaiting = 0;
-    md.fmWaiting = 0;
+void MdSanitize(MEGA_DRIVE& md) {
+    constexpr int32_t kMostDebt = 1 << 20; // master clocks; far more than any instruction takes
+    md.vdpOwed = 0;
+    md.fmOwed = 0;
     md.vdpToEvent = 0;
     md.openBusRead = false;
     md.z80HandingOver = false;
     md.z80Clock = std::clamp(md.z80Clock, -kMostDebt, kMostDebt);
-    md.z80Bank &= kBankMask;
+    md.z80Bank &= kMdZ80BankMask;
     for (size_t port = 0; port < kMdPads; ++port) {
-        md.io.padTh[port] &= 0x40;
+        md.io.padTh[port] &= kMdIoTh;
     }
 }

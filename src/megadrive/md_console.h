@@ -1,18 +1,15 @@
-// The Mega Drive as a board of chips: 68000, Z80, video, FM and PSG, the I/O chip, two memories and a
+// The Mega Drive as a board of chips: 68000, Z80, VDP, FM chip and PSG, the I/O chip, two memories and a
 // cartridge, all in one record so that the frame loop reaches them by fixed offsets.
 //
-// Clock: everything hangs on one master clock of 53.69 MHz (60 Hz) or 53.20 MHz (50 Hz). A cycle of the
-//   68000 is 7 master clocks, a clock of Z80 and PSG 15; the FM chip counts 68000 cycles. A line is 3,420
-//   master clocks; 262 lines or 313 make a frame.
-// Order of a round (one 68000 cycle): Z80, PSG, FM, video. The 68000 itself does a whole instruction at
-//   once, ahead of the rounds that the instruction takes.
-// Units: `workRam` holds words as the host reads them, so a byte lies at its address with bit 0 flipped.
-// Owner: CMegaDrive, on its session's thread, with no lock. Not movable, for the chips point at each other.
-// Order of calls: MdConnect once a cartridge is in (MdCartSetup), MdReset, then MdRunFrame.
-// Differs: the Z80 pays its whole debt of an instruction in the first rounds of it; giving the Z80's bus
-//   away and back moves it by three clocks at once; reads of nothing give the word at the 68000's
-//   program counter; after 256 instructions in a row without time one takes four cycles; an acknowledged
-//   horizontal interrupt drops a waiting vertical one. All kept on purpose.
+// Clock: one master clock of 53.69 MHz (60 Hz) or 53.20 MHz (50 Hz). A 68000 cycle is 7 master clocks, a
+//   clock of Z80 and PSG is 15; the FM chip counts 68000 cycles. A line is 3,420 master clocks; a frame is
+//   262 or 313 lines.
+// Within a 68000 cycle the chips run in this order: Z80, PSG, FM chip, VDP. The 68000 runs a whole
+//   instruction at once, before the cycles that it takes.
+// Units: `workRam` holds words as the host reads them, so a byte is stored at its address with bit 0 flipped.
+// Owner: CMegaDrive, on its session's thread, with no lock. Not movable, since the chips point at each other.
+// Order: MdCartSetup, MdConnect, MdReset, then MdRunFrame for each frame.
+// Differs: docs/HARDWARE.md, Mega Drive, Board.
 #pragma once
 
 #include "machine/chip_sound.h"
@@ -34,9 +31,11 @@ inline constexpr uint32_t kMdCycleClocks = 7; // master clocks of a 68000 cycle
 inline constexpr int32_t kMdZ80Clocks = 15;   // of a Z80 clock
 inline constexpr size_t kMdWorkRamBytes = 65536;
 inline constexpr size_t kMdZ80RamBytes = 8192;
-inline constexpr uint32_t kMdZ80RamEnd = 0x4000; // on the Z80's bus, where it lies twice
+inline constexpr uint32_t kMdZ80RamEnd = 0x4000;     // on the Z80's bus, where it is repeated once
+inline constexpr uint32_t kMdZ80BankMask = 0xFF8000; // of the Z80's window
 inline constexpr uint32_t kMdAddressMask = 0xFFFFFF;
-inline constexpr uint32_t kMdIoPage = 0xA1; // of 64 KiB: the I/O chip and what controls the Z80
+inline constexpr uint32_t kMdIoPage =
+    0xA1; // of 64 KiB: the I/O chip and the registers that control the Z80
 
 struct MEGA_DRIVE {
     M68K_STATE cpu;
@@ -51,36 +50,36 @@ struct MEGA_DRIVE {
 
     bool is50Hz = false;
     uint32_t masterClock = kMdClock60; // Hz
-    bool stepByStep = false; // every chip in every round; for comparison with the fast loop
+    bool stepByStep = false;           // the plain loop, which runs every chip in every cycle
 
-    uint32_t m68kBusCycles = 0; // since the reset; wraps, and is used as a difference only
-    int32_t z80Clock = 0;       // master clocks owed to Z80 and PSG
-    uint32_t z80Bank = 0;       // base of the Z80's window, a multiple of 0x8000 below 0x1000000
-    // Guards a read of nothing whose program counter lies in nothing as well.
-    bool openBusRead = false;
-    bool z80HandingOver = false; // the Z80 does its last clocks before its bus changes hands
+    uint32_t m68kBusCycles = 0;  // since the reset; wraps, so only differences count
+    int32_t z80Clock = 0;        // master clocks owed to Z80 and PSG
+    uint32_t z80Bank = 0;        // base of the Z80's window, a multiple of 0x8000 below 0x1000000
+    bool openBusRead = false;    // an undriven read is looking up the word at the program counter
+    bool z80HandingOver = false; // the Z80 runs its last clocks before its bus changes hands
 
-    // 68000 cycles for which video and FM chip have not been clocked yet, and clocks of the PSG; 0 between
-    // frames.
-    uint32_t vdpWaiting = 0;
-    uint32_t fmWaiting = 0;
-    uint32_t psgWaiting = 0;
-    uint32_t vdpToEvent = 0; // cycles from the last one that was run to where others may notice
+    // Clocks that the fast loop still owes, 0 between frames: 68000 cycles of VDP and FM chip, clocks of the
+    // PSG.
+    uint32_t vdpOwed = 0;
+    uint32_t fmOwed = 0;
+    uint32_t psgOwed = 0;
+    uint32_t vdpToEvent =
+        0; // 68000 cycles from the VDP's own time to its next event that others may see
 
     alignas(8) std::array<uint16_t, kMdWorkRamBytes / 2> workRam{};
     std::array<uint8_t, kMdZ80RamBytes> z80Ram{};
 };
 
-// Wires the chips. `md` holds its cartridge, region and devices already.
+// Wires the chips. `md` must hold its cartridge, region and devices.
 void MdConnect(MEGA_DRIVE& md);
 
-// Power-on values of everything but what the cartridge keeps.
+// Power-on values of everything except what the cartridge keeps.
 void MdReset(MEGA_DRIVE& md);
 
-// Brings what a loaded state, or an instruction that was left half done, may have put out of its bounds back
-// into them, and lets no chip wait.
-void MdSettle(MEGA_DRIVE& md);
+// After a load, or after an instruction that was left half done: brings every field back into its range and
+// forgets the clocks that are owed.
+void MdSanitize(MEGA_DRIVE& md);
 
-// Until the video chip has ended its last line. The 68000 may run over by the rest of an instruction.
-// Throws M68K_ADDRESS_ERROR where the program goes wrong beyond repair.
+// Runs until the VDP has ended its last line. The 68000 may run over by the rest of an instruction. Throws
+// M68K_ADDRESS_ERROR if the program accesses a word at an odd address.
 void MdRunFrame(MEGA_DRIVE& md);

@@ -20,8 +20,8 @@ uint32_t BitOfWord(uint32_t lineAddress, uint32_t address, uint32_t bit) {
     return ((lineAddress | address) & 1) != 0 ? bit : bit + 8;
 }
 
-void TakeLine(uint8_t& line, uint32_t lineAddress, uint32_t bit, uint32_t address, uint16_t value,
-              bool word) {
+void UpdateLine(uint8_t& line, uint32_t lineAddress, uint32_t bit, uint32_t address, uint16_t value,
+                bool word) {
     if (word && (lineAddress | 1) == (address | 1)) {
         line = (value >> BitOfWord(lineAddress, address, bit)) & 1;
     } else if (!word && lineAddress == address) {
@@ -29,6 +29,8 @@ void TakeLine(uint8_t& line, uint32_t lineAddress, uint32_t bit, uint32_t addres
     }
 }
 
+// The address bits of the device byte are ORed to the counter, so a sequential access stays in the block of 256
+// bytes that the device byte named, unless that is the first one.
 uint8_t& Cell(MD_EEPROM& eeprom) {
     return eeprom.data[static_cast<uint16_t>(eeprom.wordAddress | eeprom.slave)];
 }
@@ -85,7 +87,8 @@ void RisingClock(MD_EEPROM& eeprom) {
     }
 }
 
-// After the acknowledge. What the line held while SCL was high counts, since one write may change both.
+// After the acknowledge clock. One write may change both lines, so the SDA that counts is the one from before,
+// while SCL was high.
 void EndByte(MD_EEPROM& eeprom) {
     switch (eeprom.state) {
     case kMdEepromDevice:
@@ -162,8 +165,8 @@ void MdEepromReset(MD_EEPROM& eeprom) {
 }
 
 void MdEepromWrite(MD_EEPROM& eeprom, uint32_t address, uint16_t value, bool word) {
-    TakeLine(eeprom.scl, eeprom.sclAddress, eeprom.sclBit, address, value, word);
-    TakeLine(eeprom.sda, eeprom.sdaInAddress, eeprom.sdaInBit, address, value, word);
+    UpdateLine(eeprom.scl, eeprom.sclAddress, eeprom.sclBit, address, value, word);
+    UpdateLine(eeprom.sda, eeprom.sdaInAddress, eeprom.sdaInBit, address, value, word);
     if (eeprom.oldScl != 0 && eeprom.scl != 0) {
         if (eeprom.oldSda != 0 && eeprom.sda == 0) {
             Start(eeprom);

@@ -1,18 +1,16 @@
 // Serial EEPROM of a Mega Drive cartridge: a two-wire part of the 24C and X24C families.
 //
 // Clock: none of its own; it acts on the edges of the SCL line as the program writes them.
-// Units: `cycle` counts SCL clocks of a byte, 1 to 9, and stands at 0 between a start and the first
-//   falling edge. Addresses of lines are 68000 addresses, those of contents bytes.
+// Units: `cycle` counts the SCL clocks of a byte, 1 to 9, and is 0 between a start and the first falling
+//   edge. Addresses of lines are 68000 addresses; addresses of contents count bytes.
 // Owner: the cartridge (md_cartridge.h), on its session's thread.
 // Kinds: 7 address bits (a start is followed by the word address, no device byte), 8 (device byte whose
 //   low bits extend the address, then one address byte) and 16 (device byte, two address bytes).
-// Differs: the page of a page write is as large as the part. A byte is stored as its eighth clock ends,
-//   with no write time. The device code isn't checked. Address bits that come with the device byte are
-//   ORed to the counter, so a sequential access of a part with such bits stays in the block of 256 bytes
-//   it named, unless that is the first one; the address byte of a smaller part clears what a sequential
-//   access has carried above it. A word written to an even address also moves a line that is wired to the
-//   odd one, since the board sees both halves of the bus. All of it is kept on purpose.
-// Sources: published data sheets of the parts.
+// Differs: docs/HARDWARE.md, Mega Drive, Board.
+// Sources: Atmel AT24C01A to 16, Microchip 24C01B/02B, 24LC01B, 24AA128, Fairchild FM24C256, Siemens SLx
+//   24C01/02, Xicor X24C01 (data sheets).
+// Of the board: a word written to an even address also drives a line that is wired to the odd one, since the
+//   board sees both halves of the bus.
 #pragma once
 
 #include <array>
@@ -32,13 +30,13 @@ enum MD_EEPROM_STATE : uint32_t {
     kMdEepromReading = 7,
 };
 
-// How a part is built and wired; 24 bytes.
+// How a part is built and wired.
 struct MD_EEPROM_DEVICE {
     uint16_t addressBits; // 7, 8 or 16
     uint16_t sizeMask;    // bytes of the part - 1
     uint16_t pageMask;    // bytes of a page - 1
     uint16_t spare;
-    uint32_t sdaInAddress; // what the program writes SDA to
+    uint32_t sdaInAddress; // where the program writes SDA
     uint32_t sdaOutAddress;
     uint32_t sclAddress;
     uint8_t sdaInBit; // 0 to 7, of the byte at the address
@@ -68,18 +66,18 @@ struct MD_EEPROM {
     uint8_t sdaInBit = 0;
     uint8_t sdaOutBit = 0;
     uint8_t sclBit = 0;
-    uint8_t shift = 0; // the byte on its way in
+    uint8_t shift = 0; // the byte that is being received
     std::array<uint8_t, kMdEepromBytes> data{};
 };
 
-// Takes the part's configuration and fills it with 0xFF, as it leaves the factory.
+// Takes the part's configuration and fills the contents with 0xFF, as a part leaves the factory.
 void MdEepromInit(MD_EEPROM& eeprom, const MD_EEPROM_DEVICE& device);
 
-// Lines and protocol start anew; the contents stay.
+// Resets lines and protocol; the contents stay.
 void MdEepromReset(MD_EEPROM& eeprom);
 
-// A write of a byte, or of a word, to an address that holds a line.
+// A write of a byte, or with `word` of a word, to an address with a line.
 void MdEepromWrite(MD_EEPROM& eeprom, uint32_t address, uint16_t value, bool word);
 
-// The byte, or the word, with the data line in its place and zeros around it.
+// The byte, or the word, with the data line in its bit and zeros around it.
 [[nodiscard]] uint16_t MdEepromRead(const MD_EEPROM& eeprom, bool word);

@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-// 44 bytes. The code ends with a zero; the list ends with an empty code.
+// The code ends with a zero; the list ends with an empty code.
 struct MD_EEPROM_GAME {
     char productCode[20];
     MD_EEPROM_DEVICE device;
@@ -18,6 +18,6 @@ inline constexpr int kMdEepromGames = 28;
 // `kMdEepromGames` rows, then the empty one.
 [[nodiscard]] const MD_EEPROM_GAME* MdEepromGames();
 
-// The first row whose code stands anywhere in the product code of a header, which has a blank in front
-// and often a revision behind. Null when there is none.
+// The first row whose code is contained in the product code of a header, which begins with a blank and often
+// ends with a revision. Null if there is none.
 [[nodiscard]] const MD_EEPROM_GAME* MdEepromFindGame(std::string_view productCode);

@@ -1,14 +1,13 @@
 // The Mega Drive's I/O chip: version byte, three ports and their direction, and the pads on two of them.
 //
-// Registers: 0 version, 1 to 3 data of ports 1 to 3, 4 to 6 direction (a bit set is an output), then for
-//   each port transmit, receive and serial control; the serial side only keeps what is written to it.
-// Pads: pins 0 to 5 are inputs of the console and low when pressed; pin 6, TH, selects which buttons are
-//   on them. The six-button pad counts the rises of TH, and forgets them when it is left alone for 4,192
-//   processor cycles.
-// Owner: one machine, on its session's thread. `now` in all functions is the running count of processor
-//   cycles, which may wrap.
-// Differs: a pin that the console drives itself doesn't come back in a pad's read, and every port answers
-//   at once. Kept on purpose.
+// Registers: 0 version, 1 to 3 data of ports 1 to 3, 4 to 6 direction (a set bit is an output), then for each
+//   port transmit, receive and serial control. The serial registers only keep what is written to them.
+// Pads: pins 0 to 5 are inputs of the console, low when pressed. Pin 6, TH, selects which buttons are on them.
+//   The six-button pad counts the rising edges of TH and forgets them after 4,192 68000 cycles without a
+//   write.
+// Units: `now` is the running count of 68000 cycles, which may wrap.
+// Owner: one machine, on its session's thread.
+// Differs: docs/HARDWARE.md, Mega Drive, Board.
 #pragma once
 
 #include "facts/mega_drive_facts.h"
@@ -18,9 +17,10 @@
 
 inline constexpr uint32_t kMdIoRegisters = 16;
 inline constexpr uint32_t kMdPads = 2;
-inline constexpr uint32_t kMdPadTimeout = 4192; // processor cycles
+inline constexpr uint32_t kMdPadTimeout = 4192; // 68000 cycles
+inline constexpr uint8_t kMdIoTh = 0x40;        // of a data register
 
-// What is pressed, 1 each, in this order.
+// The buttons of a pad in this order, 1 when pressed.
 struct MD_PAD {
     uint8_t up;
     uint8_t down;
@@ -40,14 +40,14 @@ static_assert(sizeof(MD_PAD) == 12);
 struct MD_IO {
     uint8_t version = 0;                           // of the console: bit 7 overseas, bit 6 50 Hz
     std::array<uint8_t, kMdPads> devices{};        // MdDevice
-    std::array<MD_PAD, kMdPads> pads{};            // the owner's to set, before a frame
+    std::array<MD_PAD, kMdPads> pads{};            // set by the owner before a frame
     std::array<uint8_t, kMdIoRegisters> ioPorts{}; // as written
     std::array<uint8_t, kMdPads> padTh{};          // 0 or 0x40
-    std::array<uint32_t, kMdPads> padLastWrite{};  // in processor cycles
-    std::array<uint32_t, kMdPads> padEdges{};      // rises of TH since the last timeout
+    std::array<uint32_t, kMdPads> padLastWrite{};  // in 68000 cycles
+    std::array<uint32_t, kMdPads> padEdges{};      // rising edges of TH since the last timeout
 };
 
-// Registers alone; the pads keep their count of edges, as they are not on the reset line.
+// Resets the registers alone: pads are not on the reset line and keep their count of edges.
 void MdIoReset(MD_IO& io);
 
 // `index` 0..15. Reading changes nothing.

@@ -1,10 +1,10 @@
 // The frame loops of the Mega Drive.
 //
-// The plain loop is the console: an instruction of the 68000, then a round for each of its cycles with
-// Z80, PSG, FM chip and video chip in this order. In the late one both sound chips and the video chip wait
-// until somebody could tell: one of their addresses is reached, or the video chip comes to where it drives a line
-// or moves memory.
-#include "megadrive/m68000_step.h"
+// The plain loop is the console: an instruction of the 68000, then for each of its cycles a tick of Z80, PSG,
+// FM chip and VDP in this order. The fast loop has the same results. In it VDP, FM chip and PSG owe their clocks
+// and catch up when one of their addresses is accessed, or when the VDP comes to an event that drives a line
+// or reads memory.
+#include "megadrive/m68000_tick.h"
 #include "megadrive/md_bus.h"
 #include "megadrive/md_vdp_tick.h"
 #include "megadrive/ym2612_tick.h"
@@ -14,89 +14,89 @@
 
 namespace {
 
-[[gnu::always_inline]] inline void RunRound(MEGA_DRIVE& md, MD_Z80_BUS& bus) {
+[[gnu::always_inline]] inline void TickChips(MEGA_DRIVE& md, MD_Z80_BUS& bus) {
     if (md.z80Clock >= kMdZ80Clocks) {
         Z80TickOn(md.z80, bus);
         PsgTick(md.psg);
         md.z80Clock -= kMdZ80Clocks;
     }
     Ym2612Tick(md.fm);
-    MdVdpClock(md.vdp);
+    MdVdpTick(md.vdp);
 }
 
-// Opcodes that are none take no time, and a program that has gone astray may find nothing else: its frame
-// would never end. Some in a row are free, and then one costs what a step of the stopped processor does.
-constexpr uint32_t kFreeSteps = 256;
-constexpr uint32_t kStepCycles = 4;
+// Illegal opcodes take no time, and a program that runs astray may find nothing else: its frame would never
+// end. So after this many of them in a row one costs what a tick of a stopped 68000 does.
+constexpr uint32_t kFreeInstructions = 256;
+constexpr uint32_t kStoppedCycles = 4;
 
-// The instruction, and what hangs on it before its rounds; gives their number.
+// One instruction, with everything that comes before its cycles; returns their number.
 template <bool svp>
-[[gnu::always_inline]] inline uint32_t RunInstruction(MEGA_DRIVE& md, uint32_t& freeSteps) {
-    uint32_t cycles = M68kStep(md.cpu);
-    if (cycles == 0 && ++freeSteps > kFreeSteps) [[unlikely]] {
-        cycles = kStepCycles;
+[[gnu::always_inline]] inline uint32_t RunInstruction(MEGA_DRIVE& md, uint32_t& freeInstructions) {
+    uint32_t cycles = M68kTick(md.cpu);
+    if (cycles == 0 && ++freeInstructions > kFreeInstructions) [[unlikely]] {
+        cycles = kStoppedCycles;
     }
     if (cycles != 0) {
-        freeSteps = 0;
+        freeInstructions = 0;
     }
     md.m68kBusCycles += cycles;
     if constexpr (svp) {
-        MdCartSvpHook(md.cartridge, cycles * kMdCycleClocks);
+        MdCartRunSvp(md.cartridge, cycles * kMdCycleClocks);
     }
     md.z80Clock += static_cast<int32_t>(cycles * kMdCycleClocks);
     return cycles;
 }
 
 template <bool svp>
-void RunFrame(MEGA_DRIVE& md) {
+void RunFramePlain(MEGA_DRIVE& md) {
     MD_Z80_BUS bus{md};
-    uint32_t freeSteps = 0;
+    uint32_t freeInstructions = 0;
     while (md.vdp.frameDone == 0) {
-        const uint32_t cycles = RunInstruction<svp>(md, freeSteps);
+        const uint32_t cycles = RunInstruction<svp>(md, freeInstructions);
         for (uint32_t i = 0; i < cycles; ++i) {
-            RunRound(md, bus);
+            TickChips(md, bus);
         }
     }
 }
 
 void CatchUpToEvent(MEGA_DRIVE& md) {
-    MdCatchUpVideo(md);
-    MdFindEvent(md);
+    MdCatchUpVdp(md);
+    MdRefreshVdpToEvent(md);
 }
 
-// The rounds of an instruction in which the video chip does something that others see.
-[[gnu::noinline]] void RunRoundsUpToDate(MEGA_DRIVE& md, uint32_t cycles) {
+// Runs the cycles of an instruction in which the VDP does something that others see.
+[[gnu::noinline]] void RunCyclesPlain(MEGA_DRIVE& md, uint32_t cycles) {
     MD_Z80_BUS bus{md};
-    MdCatchUpVideo(md);
-    MdCatchUpSound(md);
+    MdCatchUpVdp(md);
+    MdCatchUpFm(md);
     MdCatchUpPsg(md);
     for (uint32_t i = 0; i < cycles; ++i) {
-        RunRound(md, bus);
+        TickChips(md, bus);
     }
-    MdFindEvent(md);
+    MdRefreshVdpToEvent(md);
 }
 
-// The Z80's bus while it does several clocks at once: the rounds that are over are counted when it reaches
-// beyond its own memory. It stops where the video chip then comes near an event, and where it may have run
-// itself on or away.
-struct MD_LATE_Z80_BUS {
+// The Z80's bus while it runs several clocks at once, one in each 68000 cycle. An access beyond its own RAM
+// counts the cycles up to its clock, so that the other chips catch up to there. The run stops after an access
+// that brings an event of the VDP near, or that may have changed the Z80's own bus request or reset.
+struct MD_CATCH_UP_Z80_BUS {
     MEGA_DRIVE& md;
-    uint32_t rounds; // that the instruction still has at the first clock
+    uint32_t cycles; // left of the instruction at the first clock
     MD_Z80_BUS bus{md};
-    uint32_t clock = 0;   // of this run
-    uint32_t counted = 0; // clocks whose rounds are counted
+    uint32_t clock = 0;   // the clock of this run that is going on
+    uint32_t counted = 0; // clocks whose cycles have been counted
     bool stops = false;
 
     void At(uint32_t now) { clock = now; }
     [[nodiscard]] bool Stops() const { return stops; }
     [[nodiscard]] bool EventIsNear() const {
-        return md.vdpWaiting + (rounds - counted) >= md.vdpToEvent;
+        return md.vdpOwed + (cycles - counted) >= md.vdpToEvent;
     }
     void Count(uint32_t now) {
         const uint32_t passed = now - counted;
-        md.vdpWaiting += passed;
-        md.fmWaiting += passed;
-        md.psgWaiting += passed;
+        md.vdpOwed += passed;
+        md.fmOwed += passed;
+        md.psgOwed += passed;
         md.z80Clock -= static_cast<int32_t>(passed) * kMdZ80Clocks;
         counted = now;
     }
@@ -116,51 +116,52 @@ struct MD_LATE_Z80_BUS {
             return;
         }
         Count(clock);
-        const bool reachesItself = address >= 0x8000 && md.z80Bank >> 16 == kMdIoPage;
+        constexpr uint16_t kWindowStart = 0x8000;
+        const bool reachesItself = address >= kWindowStart && md.z80Bank >> 16 == kMdIoPage;
         bus.Write(address, value);
         stops |= reachesItself || EventIsNear();
     }
 };
 
-// As many of the Z80's clocks as fall into the next rounds; gives how many that were. The whole debt of an
-// instruction is there at its start, so they fall into its first ones.
-uint32_t RunZ80(MEGA_DRIVE& md, uint32_t rounds) {
+// Runs the Z80's clocks that fall into the next `cycles`, and returns their number. The Z80 is owed the whole
+// instruction at its start, so its clocks fall into the first cycles, one in each.
+uint32_t RunZ80(MEGA_DRIVE& md, uint32_t cycles) {
     if (md.z80Clock < kMdZ80Clocks) {
         return 0;
     }
     const uint32_t clocks =
-        std::min(static_cast<uint32_t>(md.z80Clock) / static_cast<uint32_t>(kMdZ80Clocks), rounds);
-    MD_LATE_Z80_BUS bus{md, rounds};
-    // Where its bus is away or its reset line is low, clocks do nothing.
-    const bool stands = md.z80.enabled == 0 || (md.z80.running == 0 && md.z80.busHold != 0);
-    const uint32_t done = stands ? clocks : clocks - Z80RunOn(md.z80, bus, clocks);
+        std::min(static_cast<uint32_t>(md.z80Clock) / static_cast<uint32_t>(kMdZ80Clocks), cycles);
+    MD_CATCH_UP_Z80_BUS bus{md, cycles};
+    // While the Z80 is off its bus or in reset its clocks do nothing.
+    const bool halted = md.z80.enabled == 0 || (md.z80.running == 0 && md.z80.busHold != 0);
+    const uint32_t done = halted ? clocks : clocks - Z80RunOn(md.z80, bus, clocks);
     bus.Count(done);
     return done;
 }
 
 template <bool svp>
-void RunFrameLate(MEGA_DRIVE& md) {
-    uint32_t freeSteps = 0;
+void RunFrameFast(MEGA_DRIVE& md) {
+    uint32_t freeInstructions = 0;
     CatchUpToEvent(md);
     while (md.vdp.frameDone == 0) {
-        uint32_t rounds = RunInstruction<svp>(md, freeSteps);
-        // The Z80 may write to the video chip and bring an event near.
-        while (md.vdpWaiting + rounds < md.vdpToEvent) {
-            const uint32_t done = RunZ80(md, rounds);
+        uint32_t cycles = RunInstruction<svp>(md, freeInstructions);
+        // The Z80 may write to the VDP and so bring an event near.
+        while (md.vdpOwed + cycles < md.vdpToEvent) {
+            const uint32_t done = RunZ80(md, cycles);
             if (done == 0) {
                 break;
             }
-            rounds -= done;
+            cycles -= done;
         }
-        if (md.vdpWaiting + rounds >= md.vdpToEvent) [[unlikely]] {
-            RunRoundsUpToDate(md, rounds);
+        if (md.vdpOwed + cycles >= md.vdpToEvent) [[unlikely]] {
+            RunCyclesPlain(md, cycles);
             continue;
         }
-        md.vdpWaiting += rounds;
-        md.fmWaiting += rounds;
+        md.vdpOwed += cycles;
+        md.fmOwed += cycles;
     }
-    MdCatchUpVideo(md);
-    MdCatchUpSound(md);
+    MdCatchUpVdp(md);
+    MdCatchUpFm(md);
     MdCatchUpPsg(md);
 }
 
@@ -169,8 +170,8 @@ void RunFrameLate(MEGA_DRIVE& md) {
 void MdRunFrame(MEGA_DRIVE& md) {
     const bool svp = md.cartridge.cartKind == kMdCartSvp;
     if (md.stepByStep) {
-        svp ? RunFrame<true>(md) : RunFrame<false>(md);
+        svp ? RunFramePlain<true>(md) : RunFramePlain<false>(md);
     } else {
-        svp ? RunFrameLate<true>(md) : RunFrameLate<false>(md);
+        svp ? RunFrameFast<true>(md) : RunFrameFast<false>(md);
     }
 }

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr double kFullLevel = 248; // the brightest a colour gets by itself; highlight goes further
+constexpr double kFullLevel = 248; // the highest plain level; highlight goes beyond it
 
 struct Luma {
     double y;
@@ -20,7 +20,7 @@ uint32_t Pixel(uint32_t red, uint32_t green, uint32_t blue) {
     return 0xFF000000U | red << 16 | green << 8 | blue;
 }
 
-// BT.601 in its studio range.
+// ITU-R BT.601 in studio range, as is the way back.
 Luma ToLuma(double red, double green, double blue) {
     return {0.257 * red + 0.504 * green + 0.098 * blue + 16,
             -0.148 * red - 0.291 * green + 0.439 * blue + 128,

@@ -1,4 +1,4 @@
-// The pixels of the Mega Drive's 512 colours, as they are, in shadow and highlighted.
+// The Mega Drive's 512 colours as pixels: plain, in shadow and highlighted.
 #pragma once
 
 #include <array>

@@ -9,22 +9,23 @@
 namespace {
 
 constexpr uint32_t kCell = 8;        // pixels across
-constexpr uint32_t kLastCellX = 320; // where a cell fits the line buffers
-constexpr uint32_t kPriority = 0x8000;
-constexpr uint32_t kHighLayer = 4; // from the low to the high layer of a plane
+constexpr uint32_t kLastCellX = 320; // the last place where a whole cell fits into a line buffer
+constexpr uint32_t kHighLayer = 4;   // from the low to the high layer of a plane
+constexpr uint32_t kScrollBits = 0x3FF;
 
 struct Cell {
     uint32_t word;    // of the name table
-    uint32_t pattern; // the row's eight pixels, the leftmost on top
+    uint32_t pattern; // the row's eight pixels, the leftmost in the top bits
 };
 
-// One cell of a plane, at the line being drawn. `width` is in cells, a power of two.
+// One cell of a plane, at the line being drawn. `width` is in cells, a power of two. In double interlace a
+// cell is 16 rows of 64 bytes and a line of the screen is two lines of the plane.
 Cell FetchCell(const MD_VDP& vdp, uint32_t base, uint32_t width, uint32_t column, uint32_t scroll) {
     const uint32_t doubled = vdp.interlace2;
     const uint32_t rowBits = 3 + doubled;
     const uint32_t lastRow = (kCell << doubled) - 1;
     const uint32_t top = doubled != 0 ? vdp.line * 2 + vdp.field : vdp.line;
-    const uint32_t y = (top + (scroll & 1023)) & ((vdp.planeHeight << rowBits) - 1);
+    const uint32_t y = (top + (scroll & kScrollBits)) & ((vdp.planeHeight << rowBits) - 1);
     const uint32_t place = (y >> rowBits) * width + (column & (width - 1));
     const uint32_t word = MdVdpVramWord(vdp, base + place * 2);
     const uint32_t row = (word & kMdVdpFlipY) != 0 ? ~y & lastRow : y & lastRow;
@@ -36,6 +37,7 @@ Cell FetchCell(const MD_VDP& vdp, uint32_t base, uint32_t width, uint32_t column
     return {word, pattern};
 }
 
+// Where a cell is drawn: its colours, and the layer code of its pixels without priority.
 struct Layer {
     std::array<uint16_t, kMdVdpLine>& line;
     MdVdpCellLayer low;
@@ -52,10 +54,10 @@ uint64_t SpreadPixels(uint32_t pattern) {
     return std::endian::native == std::endian::little ? __builtin_bswap64(pixels) : pixels;
 }
 
-// As DrawPixels for a whole cell, eight codes at a time.
+// DrawPixels for a whole cell, with all eight layer codes at once.
 [[gnu::always_inline]] inline void DrawWhole(MD_VDP& vdp, const Layer& layer, const Cell& cell,
                                              uint32_t x) {
-    const uint64_t high = cell.word >> 15;
+    const uint64_t high = cell.word / kMdVdpPriority;
     if (high != 0) {
         std::memcpy(&vdp.lineFlags[x], &kEachByte, sizeof kEachByte);
     }
@@ -67,21 +69,22 @@ uint64_t SpreadPixels(uint32_t pattern) {
     const uint64_t raised = opaque * (layer.low + high * kHighLayer);
     uint64_t codes = 0;
     std::memcpy(&codes, &vdp.layerCode[x], sizeof codes);
-    // Codes are small, so that a borrow tells which of two bytes is larger.
+    // Codes are below 0x80, so with bit 7 set no byte borrows from the next, and bit 7 stays set where the
+    // old code is at least as large as the new one.
     const uint64_t stays = ((codes | kEachByte * 0x80) - raised) >> 7 & kEachByte;
     codes = (codes & stays * 0xFF) | (raised & ~(stays * 0xFF));
     std::memcpy(&vdp.layerCode[x], &codes, sizeof codes);
-    const uint16_t* palette = &vdp.cram[cell.word >> 9 & 48];
+    const uint16_t* palette = &vdp.cram[MdVdpPaletteOf(cell.word)];
     uint16_t* line = &layer.line[x];
     for (uint32_t i = 0; i < kCell; ++i) {
         line[i] = palette[cell.pattern >> (28 - 4 * i) & 15];
     }
 }
 
-// Pixels `first` to `first` + `count` - 1 of a cell, to `x` and on.
+// Draws the pixels `first` to `first` + `count` - 1 of a cell, starting at `x`.
 [[gnu::always_inline]] inline void DrawPixels(MD_VDP& vdp, const Layer& layer, const Cell& cell,
                                               uint32_t x, uint32_t first, uint32_t count) {
-    const bool high = (cell.word & kPriority) != 0;
+    const bool high = (cell.word & kMdVdpPriority) != 0;
     if (high) {
         std::fill_n(&vdp.lineFlags[x], count, uint8_t{1});
     }
@@ -89,12 +92,12 @@ uint64_t SpreadPixels(uint32_t pattern) {
         return;
     }
     const auto code = static_cast<uint8_t>(layer.low + (high ? kHighLayer : 0));
-    const uint16_t* palette = &vdp.cram[cell.word >> 9 & 48];
+    const uint16_t* palette = &vdp.cram[MdVdpPaletteOf(cell.word)];
     uint32_t pattern = cell.pattern << first * 4;
     for (uint32_t i = 0; i < count; ++i) {
         const uint32_t pixel = pattern >> 28;
         pattern <<= 4;
-        // A transparent pixel leaves the code, so that nobody looks at the colour stored with it.
+        // A transparent pixel leaves the code alone, so the colour stored with it is never shown.
         const uint8_t raised = pixel != 0 ? code : uint8_t{0};
         vdp.layerCode[x + i] = std::max(vdp.layerCode[x + i], raised);
         layer.line[x + i] = palette[pixel];
@@ -111,7 +114,8 @@ bool IsWindow(const MD_VDP& vdp, uint32_t column) {
     return column >= vdp.windowColumn.size() || vdp.windowColumn[column] != 0;
 }
 
-// A cell of plane A lies in two columns as a rule, of which one may be the window's.
+// With fine scroll a cell of plane A lies in two columns, and one of them may belong to the window. Beside
+// the window plane A goes on as if there were none: the chip's scroll fault there isn't built.
 void DrawCellA(MD_VDP& vdp, const Cell& cell, uint32_t x) {
     const Layer layer{vdp.planeALine, kMdVdpPlaneALow};
     const uint32_t column = x / kCell;
@@ -127,27 +131,30 @@ void DrawCellA(MD_VDP& vdp, const Cell& cell, uint32_t x) {
     }
 }
 
-// The scroll words of a pair of columns. Those of the whole planes are latched at the end of a line.
+// The vertical scroll of `plane` (0 A, 1 B) at a pair of columns. The scroll of a whole plane is latched at
+// the end of a line, that of a column pair is read as the pair is fetched.
 uint32_t VScroll(const MD_VDP& vdp, uint32_t pair, uint32_t plane) {
-    const bool byColumn = (vdp.regs[11] & kMdVdpReg11ColumnScroll) != 0;
+    const bool byColumn = (vdp.regs[kMdVdpRegMode3] & kMdVdpReg11ColumnScroll) != 0;
     return byColumn ? vdp.vsram[(pair * 2 + plane) & 63] : vdp.vsramLine[plane];
 }
 
 void MarkWindow(MD_VDP& vdp) {
-    const uint32_t across = vdp.regs[17];
-    const uint32_t down = vdp.regs[18];
-    const uint32_t columns = std::min((across & 31) * 2, 40U);
-    const bool inRows = (down & 0x80) != 0
-                            ? vdp.line >= (down * 8 & 255) && vdp.line < vdp.activeHeight
-                            : vdp.line < (down & 31) * 8;
-    const bool rightOf = (across & 0x80) != 0;
+    const uint32_t across = vdp.regs[kMdVdpRegWindowAcross];
+    const uint32_t down = vdp.regs[kMdVdpRegWindowDown];
+    const uint32_t columns = (across & kMdVdpWindowEdge) * 2;
+    const uint32_t edge = (down & kMdVdpWindowEdge) * 8;
+    const bool inRows = (down & kMdVdpWindowFar) != 0
+                            ? vdp.line >= edge && vdp.line < vdp.activeHeight
+                            : vdp.line < edge;
+    const bool rightOf = (across & kMdVdpWindowFar) != 0;
     for (uint32_t column = 0; column < vdp.windowColumn.size(); ++column) {
         const bool inColumns = rightOf ? column >= columns : column < columns;
         vdp.windowColumn[column] = inRows || inColumns ? 1 : 0;
     }
 }
 
-// Moves on past the cell at the left edge that fine scroll shows a part of; true when there is one.
+// Sets where a plane's fetches start. Returns true if fine scroll leaves a part of a cell at the left edge;
+// `x` and `column` are then those after it.
 bool StartPlane(uint32_t scroll, uint32_t& x, uint32_t& column) {
     const uint32_t fine = scroll % kCell;
     column = scroll / kCell;
@@ -160,14 +167,17 @@ bool StartPlane(uint32_t scroll, uint32_t& x, uint32_t& column) {
     return true;
 }
 
-// Without display the dots at 40 cells clear what was drawn for them as they go out, so that a line whose
-// display comes on shows its planes from that dot on. Those at 32 cells don't, and nothing is drawn there.
+// A line without display at 40 cells fetches its cells, and each dot clears what was drawn for it as it goes
+// out. So if the display comes on within the line, the planes show from that very dot on. At 32 cells the
+// dots clear nothing, so such a line fetches no cells: it goes on showing its sprites and what was fetched
+// before the display went off, and shows planes again from the next fetch on. Settled here.
 bool DrawsCells(const MD_VDP& vdp) {
     return vdp.line < vdp.activeHeight && (vdp.h40 != 0 || MdVdpDisplayOn(vdp));
 }
 
 } // namespace
 
+// The partial first cell takes the scroll of the first pair of columns.
 void MdVdpStartLine(MD_VDP& vdp) {
     MarkWindow(vdp);
     const bool draws = DrawsCells(vdp);
@@ -192,9 +202,10 @@ void MdVdpFetchCells(MD_VDP& vdp) {
     if (left + 2 > vdp.windowColumn.size()) {
         return;
     }
-    std::fill_n(&vdp.backdropLine[size_t{left} * kCell], 2 * kCell, vdp.cram[vdp.regs[7] & 63]);
+    std::fill_n(&vdp.backdropLine[size_t{left} * kCell], 2 * kCell,
+                vdp.cram[vdp.regs[kMdVdpRegBackdrop] & kMdVdpReg7Colour]);
     vdp.backdropX = (left + 2) * kCell;
-    // Cells that aren't drawn pass all the same, so that a line switched on again is in its place.
+    // The columns advance even if nothing is drawn, so a line that is switched on again is in its place.
     const bool draws = DrawsCells(vdp);
     const uint32_t scrollA = VScroll(vdp, left / 2, 0);
     const uint32_t scrollB = VScroll(vdp, left / 2, 1);

@@ -1,33 +1,22 @@
-// What the files of the Mega Drive's video processor share.
+// What the files of the Mega Drive's VDP share: accesses to its memories and the work of a step.
 #pragma once
 
 #include "megadrive/md_vdp.h"
+#include "megadrive/md_vdp_registers.h"
 
 #include <bit>
 #include <cstdint>
 #include <cstring>
 
-// Bits of registers.
-inline constexpr uint8_t kMdVdpReg0HInterrupt = 0x10;
-inline constexpr uint8_t kMdVdpReg1AllRegisters = 0x04;
-inline constexpr uint8_t kMdVdpReg1Tall = 0x08; // 240 lines
-inline constexpr uint8_t kMdVdpReg1Dma = 0x10;
-inline constexpr uint8_t kMdVdpReg1VInterrupt = 0x20;
-inline constexpr uint8_t kMdVdpReg1Display = 0x40;
-inline constexpr uint8_t kMdVdpReg11ColumnScroll = 0x04;
+// The first CRAM entry of the palette, which is in bits 13 and 14.
+[[nodiscard]] inline uint32_t MdVdpPaletteOf(uint32_t attributes) {
+    return attributes >> 9 & 0x30;
+}
 
-// Codes of the command: its low four bits, and the bit that begins a DMA.
-inline constexpr uint32_t kMdVdpCodeReadVram = 0;
-inline constexpr uint32_t kMdVdpCodeVram = 1;
-inline constexpr uint32_t kMdVdpCodeCram = 3;
-inline constexpr uint32_t kMdVdpCodeReadVsram = 4;
-inline constexpr uint32_t kMdVdpCodeVsram = 5;
-inline constexpr uint32_t kMdVdpCodeReadCram = 8;
-inline constexpr uint32_t kMdVdpCodeDma = 0x20;
-
-// Bits of a cell's name table word and of a sprite's attributes.
-inline constexpr uint32_t kMdVdpFlipX = 0x0800;
-inline constexpr uint32_t kMdVdpFlipY = 0x1000;
+// The entry of CRAM or VSRAM that an address names.
+[[nodiscard]] inline uint32_t MdVdpEntryOf(uint32_t address) {
+    return address >> 1 & 63;
+}
 
 [[nodiscard]] inline uint32_t MdVdpVramWord(const MD_VDP& vdp, uint32_t address) {
     uint16_t word = 0;
@@ -39,7 +28,7 @@ inline constexpr uint32_t kMdVdpFlipY = 0x1000;
 }
 
 inline void MdVdpStoreVramWord(MD_VDP& vdp, uint32_t address, uint32_t word) {
-    // At an odd address the two bytes change places.
+    // At an odd address the two bytes are swapped.
     const uint32_t swap = address & 1;
     address &= 0xFFFE;
     vdp.vram[address + swap] = static_cast<uint8_t>(word);
@@ -57,7 +46,7 @@ inline void MdVdpStoreVramWord(MD_VDP& vdp, uint32_t address, uint32_t word) {
     return std::rotl(pattern, 16);
 }
 
-// 0000BBB0GGG0RRR0 to nine bits, and back.
+// The programmer's 0000BBB0GGG0RRR0 to the nine bits that CRAM holds here, and back.
 [[nodiscard]] inline uint16_t MdVdpPackColour(uint32_t word) {
     return static_cast<uint16_t>((word >> 1 & 7) << 6 | (word >> 5 & 7) << 3 | (word >> 9 & 7));
 }
@@ -67,21 +56,26 @@ inline void MdVdpStoreVramWord(MD_VDP& vdp, uint32_t address, uint32_t word) {
 }
 
 [[nodiscard]] inline bool MdVdpDisplayOn(const MD_VDP& vdp) {
-    return (vdp.regs[1] & kMdVdpReg1Display) != 0;
+    return (vdp.regs[kMdVdpRegMode2] & kMdVdpReg1Display) != 0;
 }
 
-// What follows from registers, activeHeight and tvMode.
+// After each access through the data port and each unit of a DMA.
+inline void MdVdpAdvanceAddress(MD_VDP& vdp) {
+    vdp.address = (vdp.address + vdp.regs[kMdVdpRegIncrement]) & 0xFFFF;
+}
+
+// Sizes, bases and border, from the registers, activeHeight and tvMode; after each register write.
 void MdVdpRefreshGeometry(MD_VDP& vdp);
-// After a change of the display bit, of `line` or of activeHeight.
+// `blanked`; after a change of the display bit, of `line` or of activeHeight.
 void MdVdpRefreshBlanked(MD_VDP& vdp);
-// Sets the tables and the row pointer that follow from other fields.
+// stepTable and rowOut; after a change of h40, `pixels` or rowOffset.
 void MdVdpRefreshPointers(MD_VDP& vdp);
 
-// The first cell of a line as far as fine scroll leaves of it, and the columns of the window.
+// Marks the columns of the window and draws the part of a cell that fine scroll leaves at the left edge.
 void MdVdpStartLine(MD_VDP& vdp);
-// 16 pixels of both planes, the window and the backdrop.
+// Fetches and draws 16 pixels of both planes, the window and the backdrop.
 void MdVdpFetchCells(MD_VDP& vdp);
-// The sprites of the line after `line`; `budget` words of VRAM may be read.
+// Finds and draws the sprites of the line after `line`, with at most `budget` words read from VRAM.
 void MdVdpFetchSprites(MD_VDP& vdp, uint32_t budget);
-// One access of FIFO or DMA.
+// One access slot: serves the FIFO, or else the DMA.
 void MdVdpAccessSlot(MD_VDP& vdp);

@@ -1,4 +1,4 @@
-// Many H steps at once: stretches without slot or event put out their dots in one go.
+// Many H steps at once: a span of steps without slot or event puts out its dots together.
 #include "megadrive/md_vdp.h"
 #include "megadrive/md_vdp_private.h"
 #include "megadrive/md_vdp_timetable.h"
@@ -10,55 +10,55 @@
 
 namespace {
 
-using md_vdp_timetable::OutwardSteps;
+using md_vdp_timetable::SpanLengths;
 using md_vdp_timetable::StartClocks;
-using md_vdp_timetable::Stretches;
+using md_vdp_timetable::VisibleEvents;
 
-// The steps whose events the machine may see something of, and when every step begins.
-constexpr auto kOutwardH32 = OutwardSteps(kMdVdpActionsH32);
-constexpr auto kOutwardH40 = OutwardSteps(kMdVdpActionsH40);
+// The steps whose events may reach the machine, and the master clock at which each step begins.
+constexpr auto kVisibleEventsH32 = VisibleEvents(kMdVdpActionsH32);
+constexpr auto kVisibleEventsH40 = VisibleEvents(kMdVdpActionsH40);
 constexpr auto kStartsH32 = StartClocks(kMdVdpLengthsH32);
 constexpr auto kStartsH40 = StartClocks(kMdVdpLengthsH40);
 
-// Whether an event of this line does anything that the machine can see.
-bool IsSeen(const MD_VDP& vdp, uint32_t event) {
+// Whether an event of this line changes anything that the machine sees.
+bool IsVisible(const MD_VDP& vdp, uint32_t event) {
     switch (event) {
     case kMdVdpVInterrupt: return *vdp.zIntLine != 0 || vdp.vCount == vdp.activeHeight;
-    case kMdVdpHBlankBegin: return vdp.hCounter <= 0 && (vdp.regs[0] & kMdVdpReg0HInterrupt) != 0;
-    default: return vdp.line + 1 >= vdp.totalLines; // the end of a line
+    case kMdVdpHBlankBegin:
+        return vdp.hCounter <= 0 && (vdp.regs[kMdVdpRegMode1] & kMdVdpReg0HInterrupt) != 0;
+    default: return vdp.line + 1 >= vdp.totalLines; // the end of a line may end the frame
     }
 }
 
-// Master clocks from the beginning of the next step to the beginning of one that the machine sees something
-// of, or to the end of the line: the next one may have the other width.
-template <typename Outward, typename Starts>
-uint32_t ClocksToSeen(const MD_VDP& vdp, const Outward& outward, const Starts& starts) {
+// Master clocks from the start of the next step to the start of the next one with a visible event; or to the
+// end of the line, because the next line may have the other width.
+template <typename VisibleEvent, typename Starts>
+uint32_t ClocksToVisibleEvent(const MD_VDP& vdp, const VisibleEvent& events, const Starts& starts) {
     const uint32_t now = starts[vdp.hCount];
-    for (const auto& [step, event] : outward) {
-        if (step >= vdp.hCount && IsSeen(vdp, event)) {
+    for (const auto& [step, event] : events) {
+        if (step >= vdp.hCount && IsVisible(vdp, event)) {
             return starts[step] - now;
         }
     }
     return kMdVdpLineClocks - now;
 }
 
-// By what the slots are good for.
-enum SlotUse : uint32_t { kNoUse, kDisplaySlots, kBlankedSlots };
+// Which slots end a span, because the FIFO or a DMA would use them.
+enum SlotUse : uint32_t { kNoSlots, kDisplaySlots, kBlankedSlots };
 
 template <size_t Steps>
 constexpr std::array<std::array<uint8_t, Steps>, 3>
-BuildStretches(const std::array<uint8_t, Steps>& actions,
-               const std::array<uint8_t, Steps>& lengths) {
-    return {Stretches(actions, lengths, kMdVdpEventBits),
-            Stretches(actions, lengths, kMdVdpEventBits | kMdVdpDisplaySlot),
-            Stretches(actions, lengths, kMdVdpEventBits | kMdVdpBlankedSlot)};
+BuildSpans(const std::array<uint8_t, Steps>& actions, const std::array<uint8_t, Steps>& lengths) {
+    return {SpanLengths(actions, lengths, kMdVdpEventBits),
+            SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpDisplaySlot),
+            SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpBlankedSlot)};
 }
 
-constexpr auto kStretchesH32 = BuildStretches(kMdVdpActionsH32, kMdVdpLengthsH32);
-constexpr auto kStretchesH40 = BuildStretches(kMdVdpActionsH40, kMdVdpLengthsH40);
+constexpr auto kSpansH32 = BuildSpans(kMdVdpActionsH32, kMdVdpLengthsH32);
+constexpr auto kSpansH40 = BuildSpans(kMdVdpActionsH40, kMdVdpLengthsH40);
 
-// Table of a shadow mode pixel by operator, whether its layer is above a low sprite, and flag: the
-// distance from the shadow table. Operators that there aren't put out nothing.
+// In shadow mode: the offset of a pixel's colour table from the shadow table, by operator, layer and
+// `lineFlags`. An invalid operator puts out nothing.
 constexpr uint16_t kNothing = 0xFFFF;
 constexpr uint16_t kShadow = 0;
 constexpr uint16_t kPlain = 512;
@@ -78,7 +78,7 @@ constexpr uint16_t FindShade(uint32_t op, uint32_t layer, uint32_t flag) {
     }
 }
 
-// The same by operator, layer and flag, for the dots of a whole line.
+// The same as one flat table.
 constexpr uint32_t kShadeOps = 16;
 constexpr uint32_t kShadeLayers = 16;
 
@@ -106,8 +106,8 @@ constexpr auto kShades = [] {
     }
 }
 
-// Operators are rare: where there are none, the flag alone chooses the table. The buffers are longer than
-// a line by just these eight.
+// Operators are rare. In a block of eight dots without any, the flag alone chooses the table. The line
+// buffers are longer than a line by one block, so the last one may be read whole.
 constexpr uint32_t kBlock = 8;
 static_assert(kMdVdpWidth + kBlock <= kMdVdpLine);
 
@@ -130,7 +130,7 @@ void PutShadowedDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
 }
 
 void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
-    // The first dot takes the colour of a DMA.
+    // The first dot shows the colour of a DMA to CRAM, if there was one.
     md_vdp_tick::SetBackdropDot(vdp, first, vdp.h40 != 0);
     std::fill_n(&vdp.backdropLine[first] + 1, count - 1, md_vdp_tick::BackdropColour(vdp));
     std::fill_n(&vdp.lineFlags[first] + 1, count - 1, uint8_t{1});
@@ -140,7 +140,7 @@ void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
     vdp.backdropX = first + count - 1;
 }
 
-// Whether sprites meet at any of these dots: a count above 1.
+// Whether sprites collide at any of these dots: the count is above 1.
 bool Collide(const MD_VDP& vdp, uint32_t x, uint32_t end) {
     constexpr uint64_t kAboveOne = 0xFEFEFEFEFEFEFEFE;
     uint64_t met = 0;
@@ -172,8 +172,8 @@ void PutDots(MD_VDP& vdp, uint32_t count) {
     vdp.outX = end;
 }
 
-// Steps that have nothing to do but their dots.
-void Stretch(MD_VDP& vdp, uint32_t count) {
+// Runs `count` steps that do nothing but put out their dots.
+void RunSpan(MD_VDP& vdp, uint32_t count) {
     const uint32_t start = vdp.h40 != 0 ? kMdVdpFirstDotH40 : kMdVdpFirstDotH32;
     const uint32_t dots = vdp.h40 != 0 ? kMdVdpDotsH40 : kMdVdpDotsH32;
     const uint32_t first = std::max(vdp.hCount, start);
@@ -190,12 +190,12 @@ void Stretch(MD_VDP& vdp, uint32_t count) {
     }
 }
 
-uint32_t StretchLength(const MD_VDP& vdp) {
-    uint32_t use = kNoUse;
+uint32_t SpanLength(const MD_VDP& vdp) {
+    uint32_t use = kNoSlots;
     if (md_vdp_tick::HasSlotWork(vdp)) {
         use = vdp.blanked != 0 ? kBlankedSlots : kDisplaySlots;
     }
-    return vdp.h40 != 0 ? kStretchesH40[use][vdp.hCount] : kStretchesH32[use][vdp.hCount];
+    return vdp.h40 != 0 ? kSpansH40[use][vdp.hCount] : kSpansH32[use][vdp.hCount];
 }
 
 } // namespace
@@ -208,8 +208,8 @@ void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
     vdp.stepDebt += static_cast<int32_t>(masterClocks);
     while (vdp.stepDebt > 0) {
         const uint32_t length = vdp.stepTable[vdp.hCount];
-        const uint32_t stretch = StretchLength(vdp);
-        if (stretch == 0) {
+        const uint32_t span = SpanLength(vdp);
+        if (span == 0) {
             vdp.stepDebt -= static_cast<int32_t>(length);
             if (vdp.h40 != 0) {
                 MdVdpStepH40(vdp);
@@ -220,19 +220,19 @@ void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
         }
         const auto debt = static_cast<uint32_t>(vdp.stepDebt);
         const uint32_t due = length == 8 ? (debt + 7) / 8 : (debt + 9) / 10;
-        const uint32_t count = std::min(due, stretch);
+        const uint32_t count = std::min(due, span);
         vdp.stepDebt -= static_cast<int32_t>(count * length);
-        Stretch(vdp, count);
+        RunSpan(vdp, count);
     }
 }
 
 uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet) {
-    // A control word that waits for the end of a copy or fill may begin a DMA on the bus.
+    // A control word that waits for the end of a copy or fill may start a DMA from the bus.
     if (vdp.fifoCount > kMdVdpFifo || vdp.dmaPending != 0) {
         return 0;
     }
-    const uint32_t clocks = vdp.h40 != 0 ? ClocksToSeen(vdp, kOutwardH40, kStartsH40)
-                                         : ClocksToSeen(vdp, kOutwardH32, kStartsH32);
+    const uint32_t clocks = vdp.h40 != 0 ? ClocksToVisibleEvent(vdp, kVisibleEventsH40, kStartsH40)
+                                         : ClocksToVisibleEvent(vdp, kVisibleEventsH32, kStartsH32);
     const uint32_t toEvent = clocks + static_cast<uint32_t>(-vdp.stepDebt);
     if (vdp.dmaState != kMdVdpDmaBus) {
         return toEvent;
@@ -240,7 +240,7 @@ uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet) {
     if (!busIsQuiet || *vdp.stall == 0) {
         return 0;
     }
-    // The end of a DMA lets the processor go on. At best every second step of 8 clocks is a slot.
+    // The end of the DMA releases the 68000. At best every second step of 8 clocks is a slot.
     constexpr uint32_t kClocksASlot = 16;
     const uint32_t slots = (vdp.dmaLength - 1) * (vdp.dmaCode == kMdVdpCodeVram ? 2 : 1);
     return std::min(toEvent, slots * kClocksASlot);

@@ -5,17 +5,17 @@
 
 namespace {
 
-// A word of the bus or of the FIFO to where the command says. Codes of reads write nothing.
+// Stores a word from the bus or the FIFO where the command says. The codes of reads store nothing.
 void StoreWord(MD_VDP& vdp, uint32_t code, uint32_t address, uint32_t word) {
     switch (code) {
     case kMdVdpCodeVram: MdVdpStoreVramWord(vdp, address, word); break;
-    case kMdVdpCodeCram: vdp.cram[address >> 1 & 63] = MdVdpPackColour(word); break;
-    case kMdVdpCodeVsram: vdp.vsram[address >> 1 & 63] = static_cast<uint16_t>(word); break;
+    case kMdVdpCodeCram: vdp.cram[MdVdpEntryOf(address)] = MdVdpPackColour(word); break;
+    case kMdVdpCodeVsram: vdp.vsram[MdVdpEntryOf(address)] = static_cast<uint16_t>(word); break;
     default: break;
     }
 }
 
-// VRAM is written a byte a slot: true when a word, or a byte that was read first, has its second slot.
+// VRAM takes one byte a slot, so a word, or a byte that is read first, needs two. Returns true at the second.
 bool SecondHalf(uint32_t& half) {
     half ^= 1;
     return half == 0;
@@ -46,19 +46,19 @@ void EndDma(MD_VDP& vdp) {
     if (held) {
         *vdp.stall = 0;
     }
-    if ((vdp.dmaPending & kMdVdpHeld) != 0) {
+    if ((vdp.dmaPending & kMdVdpValid) != 0) {
         const auto word = static_cast<uint16_t>(vdp.dmaPending);
         vdp.dmaPending = 0;
         MdVdpWriteControl(vdp, word);
     }
 }
 
-// Behind each unit; the registers count along.
+// After each unit. The length registers count down with it.
 void EndUnit(MD_VDP& vdp) {
-    vdp.address = (vdp.address + vdp.regs[15]) & 0xFFFF;
+    MdVdpAdvanceAddress(vdp);
     --vdp.dmaLength;
-    vdp.regs[19] = static_cast<uint8_t>(vdp.dmaLength);
-    vdp.regs[20] = static_cast<uint8_t>(vdp.dmaLength >> 8);
+    vdp.regs[kMdVdpRegDmaLengthLow] = static_cast<uint8_t>(vdp.dmaLength);
+    vdp.regs[kMdVdpRegDmaLengthHigh] = static_cast<uint8_t>(vdp.dmaLength >> 8);
     if (vdp.dmaLength == 0) {
         EndDma(vdp);
     }
@@ -70,8 +70,8 @@ void CopyByte(MD_VDP& vdp) {
     }
     vdp.vram[vdp.address] = vdp.vram[vdp.dmaSource];
     vdp.dmaSource = (vdp.dmaSource + 1) & 0xFFFF;
-    vdp.regs[21] = static_cast<uint8_t>(vdp.dmaSource);
-    vdp.regs[22] = static_cast<uint8_t>(vdp.dmaSource >> 8);
+    vdp.regs[kMdVdpRegDmaSourceLow] = static_cast<uint8_t>(vdp.dmaSource);
+    vdp.regs[kMdVdpRegDmaSourceMiddle] = static_cast<uint8_t>(vdp.dmaSource >> 8);
     EndUnit(vdp);
 }
 
@@ -87,12 +87,14 @@ void MoveWord(MD_VDP& vdp) {
     const uint32_t word = vdp.dmaRead(vdp.owner, vdp.dmaSource);
     StoreWord(vdp, vdp.dmaCode, vdp.address, word);
     if (vdp.dmaCode == kMdVdpCodeCram) {
-        vdp.cramDot = kMdVdpHeld | MdVdpPackColour(word);
+        vdp.cramDot = kMdVdpValid | MdVdpPackColour(word);
     }
+    // The source wraps within its 128 KiB. The registers hold it in words.
     vdp.dmaSource = ((vdp.dmaSource + 2) & 0x1FFFF) | (vdp.dmaBase & 0xFE0000);
-    vdp.regs[21] = static_cast<uint8_t>(vdp.dmaSource >> 1);
-    vdp.regs[22] = static_cast<uint8_t>(vdp.dmaSource >> 9);
-    vdp.regs[23] = static_cast<uint8_t>(vdp.dmaSource >> 17 & 0x7F);
+    vdp.regs[kMdVdpRegDmaSourceLow] = static_cast<uint8_t>(vdp.dmaSource >> 1);
+    vdp.regs[kMdVdpRegDmaSourceMiddle] = static_cast<uint8_t>(vdp.dmaSource >> 9);
+    vdp.regs[kMdVdpRegDmaSourceHigh] =
+        static_cast<uint8_t>(vdp.dmaSource >> 17 & kMdVdpReg23Source);
     EndUnit(vdp);
 }
 

@@ -5,40 +5,59 @@
 namespace {
 
 struct Limits {
-    uint32_t visible; // sprites of a line
-    uint32_t dots;
-    uint32_t links; // entries of the list
+    uint32_t visible; // sprites a line
+    uint32_t dots;    // pixels of sprites a line
+    uint32_t links;   // entries of the list
 };
 constexpr Limits kLimitsH32{16, 256, 64};
 constexpr Limits kLimitsH40{20, 320, 80};
 constexpr uint32_t kLastIndex = 79;
-constexpr uint32_t kOrigin = 128; // sprite coordinates of the picture's corner
+constexpr uint32_t kOrigin = 128; // both coordinates of a sprite in the picture's upper left corner
+constexpr uint32_t kLinkBits = 0x7F;
+constexpr uint32_t kPlaceBits = 0x1FF;     // of both coordinates
+constexpr uint32_t kUnshadowedColour = 14; // of any palette but the last
 
-// What the words before the patterns say of a sprite on the line.
+// The first line of a sprite; wraps below 0. In double interlace the word counts rows of both fields and has
+// ten bits.
+uint32_t TopOf(uint32_t word, uint32_t doubled) {
+    return (word >> doubled & kPlaceBits) - kOrigin;
+}
+
+// Pixels, from the second word of an entry: cells - 1 in bits 8 and 9 downwards, in 10 and 11 across.
+uint32_t HeightOf(uint32_t size) {
+    return (size >> 8 & 3) * 8 + 8;
+}
+
+uint32_t WidthOf(uint32_t size) {
+    return (size >> 10 & 3) * 8 + 8;
+}
+
+// A sprite on the line, from the words of its list entry.
 struct Sprite {
-    uint32_t row;   // of its pixels, from its top
+    uint32_t row;   // to be drawn, counted from its top
     uint32_t rows;  // pixels high
     uint32_t width; // pixels
     uint32_t attributes;
-    uint32_t x; // of the picture; wraps below 0
+    uint32_t x; // in the picture; wraps below 0
 };
 
-// The operators of shadow and highlight, and who is never shadowed. False: no pixel to store.
-bool Operate(MD_VDP& vdp, uint32_t x, uint32_t colour, uint8_t code) {
+// A pixel in shadow mode: an operator marks the dot for shadow or highlight and returns false, because it has
+// no pixel of its own. Others return true and say whether they are shadowed.
+bool ApplyOperator(MD_VDP& vdp, uint32_t x, uint32_t colour, uint8_t code) {
     constexpr uint32_t kHighlight = 0x3E; // colours 14 and 15 of the last palette
     constexpr uint32_t kShadow = 0x3F;
     if (colour == kHighlight || colour == kShadow) {
         vdp.shadowOp[x] = static_cast<uint8_t>(code + (colour == kHighlight ? 2 : 1));
         return false;
     }
-    vdp.lineFlags[x] = (colour & 15) == 14 || code == kMdVdpSpriteHigh ? 1 : 0;
+    vdp.lineFlags[x] = (colour & 15) == kUnshadowedColour || code == kMdVdpSpriteHigh ? 1 : 0;
     return true;
 }
 
-// Eight pixels, the leftmost on top of `pattern`.
+// Draws eight pixels, the leftmost in the top bits of `pattern`. The first sprite of the list stays on top.
 void DrawEight(MD_VDP& vdp, uint32_t x, uint32_t pattern, uint32_t attributes) {
-    const uint8_t code = (attributes & 0x8000) != 0 ? kMdVdpSpriteHigh : kMdVdpSpriteLow;
-    const uint32_t palette = attributes >> 9 & 48;
+    const uint8_t code = (attributes & kMdVdpPriority) != 0 ? kMdVdpSpriteHigh : kMdVdpSpriteLow;
+    const uint32_t palette = MdVdpPaletteOf(attributes);
     for (; pattern != 0; pattern <<= 4, ++x) {
         const uint32_t pixel = pattern >> 28;
         if (pixel == 0 || x >= kMdVdpWidth) {
@@ -51,7 +70,7 @@ void DrawEight(MD_VDP& vdp, uint32_t x, uint32_t pattern, uint32_t attributes) {
         if (vdp.shadowOp[x] != 0) {
             continue;
         }
-        if (vdp.shadowMode != 0 && !Operate(vdp, x, palette | pixel, code)) {
+        if (vdp.shadowMode != 0 && !ApplyOperator(vdp, x, palette | pixel, code)) {
             continue;
         }
         vdp.layerCode[x] = code;
@@ -60,13 +79,13 @@ void DrawEight(MD_VDP& vdp, uint32_t x, uint32_t pattern, uint32_t attributes) {
     }
 }
 
-// The pattern of the cell that is `column` from the left of the picture.
+// The pattern row of a sprite's cell, `column` counted from the left as shown.
 uint32_t CellPattern(const MD_VDP& vdp, const Sprite& sprite, uint32_t column) {
     const bool flipX = (sprite.attributes & kMdVdpFlipX) != 0;
     const uint32_t cell = flipX ? sprite.width / 8 - 1 - column : column;
     const uint32_t row =
         (sprite.attributes & kMdVdpFlipY) != 0 ? sprite.rows - 1 - sprite.row : sprite.row;
-    // Cells go down before they go across.
+    // The cells of a column follow each other, then those of the next column.
     const uint32_t base = sprite.attributes << (5 + vdp.interlace2);
     uint32_t pattern = MdVdpPattern(vdp, base + (cell * sprite.rows + row) * 4);
     if (flipX) {
@@ -76,28 +95,31 @@ uint32_t CellPattern(const MD_VDP& vdp, const Sprite& sprite, uint32_t column) {
     return pattern;
 }
 
-class Walk {
+// The scan of the sprite list for one line. It reads one word of VRAM at a time until the budget or a limit
+// ends it; a link of 0 leads back to the first sprite and ends nothing. It checks link and visible limit as
+// it leaves a sprite, and the dots after every 8.
+class SpriteScan {
 public:
-    Walk(MD_VDP& vdpValue, uint32_t lineValue, uint32_t budgetValue)
+    SpriteScan(MD_VDP& vdpValue, uint32_t lineValue, uint32_t budgetValue)
         : vdp(vdpValue)
-        , walk(vdpValue.walk)
+        , scan(vdpValue.spriteScan)
         , limits(vdpValue.h40 != 0 ? kLimitsH40 : kLimitsH32)
         , line(lineValue)
         , budget(budgetValue) {}
 
     void Run() {
-        while (Look()) {
+        while (ScanNext()) {
         }
-        if (walk.dots >= limits.dots) {
-            walk.flags |= kMdVdpWalkDotsRanOut;
+        if (scan.dots >= limits.dots) {
+            scan.flags |= kMdVdpScanDotsRanOut;
         }
-        if (walk.visible >= limits.visible) {
+        if (scan.visible >= limits.visible) {
             vdp.status |= kMdVdpOverflow;
         }
     }
 
 private:
-    // One word of VRAM; false when the line has no time for it.
+    // Takes the time of one word of VRAM; false if none is left.
     bool Spend() {
         if (budget == 0) {
             return false;
@@ -106,78 +128,78 @@ private:
         return true;
     }
 
-    // The next word of the list entry.
+    // Reads the next word of the list entry; false if no time is left.
     bool Read(uint32_t& word) {
         if (!Spend()) {
             return false;
         }
-        word = MdVdpVramWord(vdp, vdp.spriteBase + walk.index * 8 + walk.step);
-        walk.step += 2;
+        word = MdVdpVramWord(vdp, vdp.spriteBase + scan.index * 8 + scan.step);
+        scan.step += 2;
         return true;
     }
 
-    // Goes on while sprites aren't on the line, which most aren't, and there is time for one more.
+    // Most sprites aren't on the line: skips them while there is time for one more.
     void SkipUnseen() {
         const uint32_t doubled = vdp.interlace2;
-        uint32_t index = walk.index;
+        uint32_t index = scan.index;
         uint32_t skipped = 0;
         for (; budget >= 4; budget -= 2, ++skipped) {
             const uint32_t entry = vdp.spriteBase + index * 8;
-            const uint32_t y = (MdVdpVramWord(vdp, entry) >> doubled & 511) - kOrigin;
+            const uint32_t y = TopOf(MdVdpVramWord(vdp, entry), doubled);
             const uint32_t size = MdVdpVramWord(vdp, entry + 2);
-            const uint32_t link = size & 127;
+            const uint32_t link = size & kLinkBits;
             const bool isLast = index == kLastIndex && vdp.h40 != 0;
-            if (line - y < (size >> 8 & 3) * 8 + 8 || link >= limits.links || isLast) {
+            if (line - y < HeightOf(size) || link >= limits.links || isLast) {
                 break;
             }
             index = link;
         }
-        walk.index = index;
-        walk.seen += skipped;
+        scan.index = index;
+        scan.seen += skipped;
     }
 
-    // Looks at a sprite and goes on to the next; false at the end of the walk.
-    bool Look() {
+    // Reads one list entry, draws its sprite and moves to the next entry; false at the end of the scan.
+    bool ScanNext() {
         SkipUnseen();
-        walk.step = 0;
+        scan.step = 0;
         uint32_t top = 0;
         uint32_t size = 0;
         if (!Read(top)) {
             return false;
         }
-        ++walk.seen;
+        ++scan.seen;
         if (!Read(size)) {
             return false;
         }
         const uint32_t doubled = vdp.interlace2;
-        const uint32_t y = (top >> doubled & 511) - kOrigin;
-        const uint32_t height = (size >> 8 & 3) * 8 + 8;
-        const uint32_t row = line - y;
+        const uint32_t height = HeightOf(size);
+        const uint32_t row = line - TopOf(top, doubled);
         if (row < height) {
-            ++walk.visible;
+            ++scan.visible;
             Sprite sprite{};
             sprite.row = doubled != 0 ? 2 * row + vdp.field : row;
             sprite.rows = height << doubled;
-            sprite.width = (size >> 10 & 3) * 8 + 8;
+            sprite.width = WidthOf(size);
             if (!Draw(sprite)) {
                 return false;
             }
         }
-        const uint32_t link = size & 127;
-        const bool isLast = vdp.h40 != 0 && walk.index == kLastIndex;
-        if (isLast || link >= limits.links || walk.visible >= limits.visible) {
+        const uint32_t link = size & kLinkBits;
+        const bool isLast = vdp.h40 != 0 && scan.index == kLastIndex;
+        if (isLast || link >= limits.links || scan.visible >= limits.visible) {
             return false;
         }
-        walk.index = link;
+        scan.index = link;
         return true;
     }
 
-    // A sprite whose X is 0 hides those behind it, unless it is the first with nothing to hide from.
-    void TakeX(uint32_t x) {
+    // A sprite with X 0 masks the rest of the line, if a sprite with another X came before it on this line or
+    // the line before ran out of dots.
+    void MaskByX(uint32_t x) {
         if (x != 0) {
-            walk.flags |= kMdVdpWalkSeenX;
-        } else if ((walk.flags & (kMdVdpWalkSeenX | kMdVdpWalkLastLineRanOut)) != 0) {
-            walk.flags |= kMdVdpWalkMasked;
+            scan.flags |= kMdVdpScanSeenX;
+        } else if ((scan.flags & (kMdVdpScanSeenX | kMdVdpScanLastLineRanOut)) != 0) {
+            scan.flags |= kMdVdpScanMasked;
         }
     }
 
@@ -186,21 +208,21 @@ private:
         if (!Read(sprite.attributes) || !Read(x)) {
             return false;
         }
-        x &= 511;
-        TakeX(x);
+        x &= kPlaceBits;
+        MaskByX(x);
         sprite.x = x - kOrigin;
-        const bool hidden = (walk.flags & kMdVdpWalkMasked) != 0 || !MdVdpDisplayOn(vdp);
+        const bool hidden = (scan.flags & kMdVdpScanMasked) != 0 || !MdVdpDisplayOn(vdp);
         for (uint32_t column = 0; column < sprite.width / 8; ++column) {
             if (!Spend() || !Spend()) {
                 return false;
             }
-            walk.step += 4;
+            scan.step += 4;
             if (!hidden) {
                 DrawEight(vdp, sprite.x + column * 8, CellPattern(vdp, sprite, column),
                           sprite.attributes);
             }
-            walk.dots += 8;
-            if (walk.dots >= limits.dots) {
+            scan.dots += 8;
+            if (scan.dots >= limits.dots) {
                 return false;
             }
         }
@@ -208,7 +230,7 @@ private:
     }
 
     MD_VDP& vdp;
-    MD_VDP_SPRITE_WALK& walk;
+    MD_VDP_SPRITE_SCAN& scan;
     const Limits limits;
     const uint32_t line;
     uint32_t budget;
@@ -220,6 +242,6 @@ void MdVdpFetchSprites(MD_VDP& vdp, uint32_t budget) {
     const uint32_t next = vdp.line + 1;
     const uint32_t line = next >= vdp.totalLines ? 0 : next;
     if (line < vdp.activeHeight) {
-        Walk(vdp, line, budget).Run();
+        SpriteScan(vdp, line, budget).Run();
     }
 }

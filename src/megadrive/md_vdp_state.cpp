@@ -40,12 +40,12 @@ void CounterFields(MD_VDP& vdp, Visit& visit) {
     visit(vdp.planeBColumn);
     visit(vdp.vCount);
     visit(vdp.line);
-    visit(vdp.walk.visible);
-    visit(vdp.walk.seen);
-    visit(vdp.walk.index);
-    visit(vdp.walk.step);
-    visit(vdp.walk.dots);
-    visit(vdp.walk.flags);
+    visit(vdp.spriteScan.visible);
+    visit(vdp.spriteScan.seen);
+    visit(vdp.spriteScan.index);
+    visit(vdp.spriteScan.step);
+    visit(vdp.spriteScan.dots);
+    visit(vdp.spriteScan.flags);
     visit(vdp.cramDot);
 }
 
@@ -89,7 +89,7 @@ void MemoryFields(MD_VDP& vdp, Visit& visit) {
     visit(vdp.vram);
 }
 
-// The line in progress: the sprites of the next one are there at the end of a frame.
+// The line in progress. At the end of a frame the buffers already hold the sprites of the next line.
 template <typename Visit>
 void BufferFields(MD_VDP& vdp, Visit& visit) {
     visit(vdp.lineFlags);
@@ -118,13 +118,13 @@ uint32_t SafePlaneSize(uint32_t cells) {
 }
 
 template <size_t Count>
-void RestrainColours(std::array<uint16_t, Count>& colours) {
+void SanitizeColours(std::array<uint16_t, Count>& colours) {
     for (uint16_t& colour : colours) {
-        colour &= 0x1FF;
+        colour &= kMdVdpColourBits;
     }
 }
 
-void RestrainGeometry(MD_VDP& vdp) {
+void SanitizeGeometry(MD_VDP& vdp) {
     vdp.planeWidth = SafePlaneSize(vdp.planeWidth);
     vdp.planeHeight = SafePlaneSize(vdp.planeHeight);
     vdp.windowWidth = vdp.windowWidth == 64 ? 64 : 32;
@@ -144,7 +144,7 @@ void RestrainGeometry(MD_VDP& vdp) {
     }
 }
 
-void RestrainCounters(MD_VDP& vdp) {
+void SanitizeCounters(MD_VDP& vdp) {
     const bool h40 = vdp.h40 != 0;
     const uint32_t first = h40 ? kMdVdpFirstDotH40 : kMdVdpFirstDotH32;
     const uint32_t dots = h40 ? kMdVdpDotsH40 : kMdVdpDotsH32;
@@ -153,8 +153,8 @@ void RestrainCounters(MD_VDP& vdp) {
     vdp.vCount = std::min(vdp.vCount, vdp.totalLines - 1);
     vdp.stepDebt = std::clamp(vdp.stepDebt, -9, 0);
     vdp.hCounter = std::clamp(vdp.hCounter, 0, 255);
-    // Behind the line's start a pixel never goes out before its step; until then the last line's count
-    // stands.
+    // After the line's start a pixel never goes out before its step. Up to there `outX` is still that of the
+    // line before.
     const uint32_t start = h40 ? md_vdp_timetable::kLineStartH40 : md_vdp_timetable::kLineStartH32;
     const uint32_t reached = vdp.hCount > first ? vdp.hCount - first : 0;
     vdp.outX = std::min(vdp.outX, vdp.hCount <= start ? kMdVdpWidth : std::min(reached, dots));
@@ -166,10 +166,10 @@ void RestrainCounters(MD_VDP& vdp) {
     vdp.planeBColumn &= 255;
     vdp.hScrollA &= 1023;
     vdp.hScrollB &= 1023;
-    vdp.walk.index = std::min(vdp.walk.index, 79U);
+    vdp.spriteScan.index = std::min(vdp.spriteScan.index, 79U);
 }
 
-void RestrainAccess(MD_VDP& vdp) {
+void SanitizeAccess(MD_VDP& vdp) {
     vdp.fifoCount = std::min(vdp.fifoCount, kMdVdpFifoRoom);
     vdp.vramHalf &= 1;
     vdp.dmaHalf &= 1;
@@ -182,17 +182,17 @@ void RestrainAccess(MD_VDP& vdp) {
     vdp.code &= 63;
 }
 
-// Brings whatever was loaded into the ranges that the chip itself keeps to.
-void Restrain(MD_VDP& vdp) {
-    RestrainGeometry(vdp);
-    RestrainCounters(vdp);
-    RestrainAccess(vdp);
-    RestrainColours(vdp.cram);
-    RestrainColours(vdp.planeALine);
-    RestrainColours(vdp.planeBLine);
-    RestrainColours(vdp.spriteLine);
-    RestrainColours(vdp.windowLine);
-    RestrainColours(vdp.backdropLine);
+// Brings a loaded record into the ranges that the chip itself keeps to.
+void Sanitize(MD_VDP& vdp) {
+    SanitizeGeometry(vdp);
+    SanitizeCounters(vdp);
+    SanitizeAccess(vdp);
+    SanitizeColours(vdp.cram);
+    SanitizeColours(vdp.planeALine);
+    SanitizeColours(vdp.planeBLine);
+    SanitizeColours(vdp.spriteLine);
+    SanitizeColours(vdp.windowLine);
+    SanitizeColours(vdp.backdropLine);
     for (uint8_t& code : vdp.layerCode) {
         code = std::min<uint8_t>(code, kMdVdpSpriteHigh);
     }
@@ -209,14 +209,14 @@ uint32_t MdVdpStateSize() {
 }
 
 uint8_t* MdVdpSaveState(const MD_VDP& vdp, uint8_t* out) {
-    // The visitor that writes shares its type of field with the one that reads; it changes nothing.
+    // Writing visits the fields like reading does, and changes none of them.
     return StatePieceWrite(out, FieldsOf(const_cast<MD_VDP&>(vdp)));
 }
 
 uint32_t MdVdpLoadState(MD_VDP& vdp, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, FieldsOf(vdp));
     if (used != 0) {
-        Restrain(vdp);
+        Sanitize(vdp);
         MdVdpRefreshBlanked(vdp);
         MdVdpRefreshPointers(vdp);
     }

@@ -1,35 +1,37 @@
-// The H step of the Mega Drive's video processor, to be inlined into a machine's loop.
+// The H step and the tick of the Mega Drive's VDP, for the machine's loop to inline.
 //
-// A step sets the backdrop of its dot if the line is blanked, has its slot or event, moves on, and puts
-// out its dot.
+// A step, in this order: sets the backdrop of its dot if the line is blanked; runs the access slot and then
+// the event of the timetable; increments `hCount`; puts out the dot of the step that has just run. That the
+// dot comes last, so that it shows what its own step wrote, is settled here.
 #pragma once
 
 #include "megadrive/md_vdp.h"
+#include "megadrive/md_vdp_registers.h"
 #include "megadrive/md_vdp_timetable.h"
 
 #include <cstdint>
 
-// A slot, an event, or a slot and then an event; `blanked` is that of the step's beginning.
-void MdVdpAct(MD_VDP& vdp, uint32_t action, bool blanked);
-// The pixel of `outX` in shadow mode.
+// Runs the access slot of `action`, then its event. `blanked` is the value at the beginning of the step.
+void MdVdpRunAction(MD_VDP& vdp, uint32_t action, bool blanked);
+// Puts out the pixel at `outX` in shadow mode.
 void MdVdpPutShadowedDot(MD_VDP& vdp);
 
 namespace md_vdp_tick {
 
-// Whether FIFO or DMA have a use for a slot.
+// Whether the FIFO or a DMA would use a slot.
 [[nodiscard]] inline bool HasSlotWork(const MD_VDP& vdp) {
     return vdp.fifoCount != 0 ||
            (vdp.dmaState != kMdVdpNoDma && vdp.dmaState != kMdVdpDmaFillArmed);
 }
 
 [[nodiscard]] inline uint16_t BackdropColour(const MD_VDP& vdp) {
-    return vdp.cram[vdp.regs[7] & 63];
+    return vdp.cram[vdp.regs[kMdVdpRegBackdrop] & kMdVdpReg7Colour];
 }
 
 inline void SetBackdropDot(MD_VDP& vdp, uint32_t x, bool h40) {
     vdp.backdropX = x;
-    vdp.backdropLine[x] = (vdp.cramDot & kMdVdpHeld) != 0
-                              ? static_cast<uint16_t>(vdp.cramDot & 0x1FF)
+    vdp.backdropLine[x] = (vdp.cramDot & kMdVdpValid) != 0
+                              ? static_cast<uint16_t>(vdp.cramDot & kMdVdpColourBits)
                               : BackdropColour(vdp);
     vdp.cramDot = 0;
     vdp.lineFlags[x] = 1;
@@ -38,7 +40,7 @@ inline void SetBackdropDot(MD_VDP& vdp, uint32_t x, bool h40) {
     }
 }
 
-inline constexpr uint32_t kNormal = 512; // second of the three colour tables
+inline constexpr uint32_t kNormal = 512; // offset of the second of the three colour tables
 
 inline void PutDot(MD_VDP& vdp) {
     const uint32_t x = vdp.outX;
@@ -65,9 +67,9 @@ inline void Step(MD_VDP& vdp) {
         SetBackdropDot(vdp, x, H40);
     }
     const uint32_t action = H40 ? kMdVdpActionsH40[step] : kMdVdpActionsH32[step];
-    vdp.hCount = step + 1; // the wrap sets it to 0
+    vdp.hCount = step + 1; // the wrap event sets it to 0
     if ((action & kMdVdpEventBits) != 0 || (action != 0 && HasSlotWork(vdp))) {
-        MdVdpAct(vdp, action, blanked);
+        MdVdpRunAction(vdp, action, blanked);
     }
     if (x < kDots && vdp.rowOut != nullptr && vdp.outX < kDots) {
         PutDot(vdp);
@@ -84,7 +86,7 @@ inline void MdVdpStepH40(MD_VDP& vdp) {
     md_vdp_tick::Step<true>(vdp);
 }
 
-inline void MdVdpClock(MD_VDP& vdp) {
+inline void MdVdpTick(MD_VDP& vdp) {
     vdp.stepDebt += 7;
     if (vdp.stepDebt > 0) {
         vdp.stepDebt -= vdp.stepTable[vdp.hCount];

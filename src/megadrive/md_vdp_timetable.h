@@ -1,4 +1,9 @@
-// The timetable of a line: what the Mega Drive's video processor does at which H step, for both widths.
+// The timetable of a line: what the Mega Drive's VDP does at which H step, for both widths.
+//
+// Published: 342 and 422 steps a line, two for each value of the H counter (C. MacDonald, "Sega Genesis VDP
+//   documentation"). 16 and 18 access slots on a line with display: Sega's "Genesis Software Manual" counts
+//   that many bytes of DMA to VRAM. Without display it counts 167 and 205 bytes; here are 167 and 207 slots.
+// Settled here: at which steps the slots, the refresh and the events lie.
 #pragma once
 
 #include <array>
@@ -16,19 +21,19 @@ inline constexpr uint32_t kMdVdpFirstDotH40 = 77;
 // The low four bits of an action.
 enum MdVdpEvent : uint8_t {
     kMdVdpNoEvent,
-    kMdVdpFetch,      // 16 pixels of the planes
-    kMdVdpHBlankEnd,  // the line's horizontal scroll is read, too
-    kMdVdpLineStart,  // columns start over, window and first cell
-    kMdVdpTargetRow,  // the row that the line goes to
-    kMdVdpVInterrupt, // and the Z80's line
-    kMdVdpVCountStep,
-    kMdVdpHBlankBegin, // and the H interrupt
-    kMdVdpLineEnd,     // the sprites of the next line
+    kMdVdpFetch,      // fetches 16 pixels of the planes
+    kMdVdpHBlankEnd,  // also reads the line's horizontal scroll
+    kMdVdpLineStart,  // restarts the columns; window and first cell
+    kMdVdpTargetRow,  // finds the row of the picture
+    kMdVdpVInterrupt, // also drives the Z80's line
+    kMdVdpVCountIncrement,
+    kMdVdpHBlankBegin, // also counts towards the H interrupt
+    kMdVdpLineEnd,     // draws the sprites of the next line
     kMdVdpWrap,        // the next step is 0
 };
 inline constexpr uint8_t kMdVdpEventBits = 0x0F;
-inline constexpr uint8_t kMdVdpDisplaySlot = 0x40; // an access slot while cells are fetched
-inline constexpr uint8_t kMdVdpBlankedSlot = 0x80; // one while they aren't
+inline constexpr uint8_t kMdVdpDisplaySlot = 0x40; // an access slot on a line with display
+inline constexpr uint8_t kMdVdpBlankedSlot = 0x80; // an access slot on a line without
 
 namespace md_vdp_timetable {
 
@@ -43,26 +48,26 @@ inline constexpr uint32_t kLineStartH32 = 31;
 inline constexpr uint32_t kLineStartH40 = 45;
 
 inline constexpr Row kEventsH32[] = {
-    {47,            287,           16, kMdVdpFetch      },
-    {10,            10,            1,  kMdVdpHBlankEnd  },
-    {kLineStartH32, kLineStartH32, 1,  kMdVdpLineStart  },
-    {62,            62,            1,  kMdVdpTargetRow  },
-    {0,             0,             1,  kMdVdpVInterrupt },
-    {266,           266,           1,  kMdVdpVCountStep },
-    {295,           295,           1,  kMdVdpHBlankBegin},
-    {319,           319,           1,  kMdVdpLineEnd    },
-    {341,           341,           1,  kMdVdpWrap       },
+    {47,            287,           16, kMdVdpFetch          },
+    {10,            10,            1,  kMdVdpHBlankEnd      },
+    {kLineStartH32, kLineStartH32, 1,  kMdVdpLineStart      },
+    {62,            62,            1,  kMdVdpTargetRow      },
+    {0,             0,             1,  kMdVdpVInterrupt     },
+    {266,           266,           1,  kMdVdpVCountIncrement},
+    {295,           295,           1,  kMdVdpHBlankBegin    },
+    {319,           319,           1,  kMdVdpLineEnd        },
+    {341,           341,           1,  kMdVdpWrap           },
 };
 inline constexpr Row kEventsH40[] = {
-    {61,            365,           16, kMdVdpFetch      },
-    {16,            16,            1,  kMdVdpHBlankEnd  },
-    {kLineStartH40, kLineStartH40, 1,  kMdVdpLineStart  },
-    {76,            76,            1,  kMdVdpTargetRow  },
-    {52,            52,            1,  kMdVdpVInterrupt },
-    {330,           330,           1,  kMdVdpVCountStep },
-    {366,           366,           1,  kMdVdpHBlankBegin},
-    {397,           397,           1,  kMdVdpLineEnd    },
-    {421,           421,           1,  kMdVdpWrap       },
+    {61,            365,           16, kMdVdpFetch          },
+    {16,            16,            1,  kMdVdpHBlankEnd      },
+    {kLineStartH40, kLineStartH40, 1,  kMdVdpLineStart      },
+    {76,            76,            1,  kMdVdpTargetRow      },
+    {52,            52,            1,  kMdVdpVInterrupt     },
+    {330,           330,           1,  kMdVdpVCountIncrement},
+    {366,           366,           1,  kMdVdpHBlankBegin    },
+    {397,           397,           1,  kMdVdpLineEnd        },
+    {421,           421,           1,  kMdVdpWrap           },
 };
 
 inline constexpr uint32_t kSlotsH32[] = {7,   23,  45,  61,  93,  109, 125, 157,
@@ -70,7 +75,7 @@ inline constexpr uint32_t kSlotsH32[] = {7,   23,  45,  61,  93,  109, 125, 157,
 inline constexpr uint32_t kSlotsH40[] = {5,   59,  75,  107, 123, 139, 171, 187, 203,
                                          235, 251, 267, 299, 315, 331, 363, 379, 411};
 
-// Refresh takes these odd steps of a line without display; the other odd ones are slots.
+// Without display every odd step is a slot, except these, which refresh VRAM.
 inline constexpr uint32_t kRefreshH32[] = {211, 233, 251, 273};
 inline constexpr uint32_t kRefreshH40[] = {101, 103, 105, 107};
 
@@ -115,42 +120,42 @@ constexpr uint32_t Sum(const std::array<uint8_t, Steps>& lengths) {
     return sum;
 }
 
-// How many steps from each one on have nothing of `mask` to do and the same length.
+// For each step: how many steps from it on have nothing of `mask` to do and the same length.
 template <size_t Steps>
-constexpr std::array<uint8_t, Steps> Stretches(const std::array<uint8_t, Steps>& actions,
-                                               const std::array<uint8_t, Steps>& lengths,
-                                               uint32_t mask) {
-    std::array<uint8_t, Steps> stretches{};
+constexpr std::array<uint8_t, Steps> SpanLengths(const std::array<uint8_t, Steps>& actions,
+                                                 const std::array<uint8_t, Steps>& lengths,
+                                                 uint32_t mask) {
+    std::array<uint8_t, Steps> spans{};
     for (size_t step = Steps; step-- != 0;) {
         if ((actions[step] & mask) != 0) {
             continue;
         }
         const bool goesOn = step + 1 < Steps && lengths[step + 1] == lengths[step];
-        stretches[step] = static_cast<uint8_t>(1U + (goesOn ? stretches[step + 1] : 0U));
+        spans[step] = static_cast<uint8_t>(1U + (goesOn ? spans[step + 1] : 0U));
     }
-    return stretches;
+    return spans;
 }
 
-struct Outward {
+struct VisibleEvent {
     uint32_t step;
     uint32_t event;
 };
 
-// The three steps of a line whose events reach the machine, in their order.
+// The three steps of a line whose events may reach the machine, in their order.
 template <size_t Steps>
-constexpr std::array<Outward, 3> OutwardSteps(const std::array<uint8_t, Steps>& actions) {
-    std::array<Outward, 3> outward{};
+constexpr std::array<VisibleEvent, 3> VisibleEvents(const std::array<uint8_t, Steps>& actions) {
+    std::array<VisibleEvent, 3> events{};
     size_t count = 0;
     for (uint32_t step = 0; step < Steps; ++step) {
         const uint32_t event = actions[step] & kMdVdpEventBits;
         if (event == kMdVdpVInterrupt || event == kMdVdpHBlankBegin || event == kMdVdpLineEnd) {
-            outward[count++] = {step, event};
+            events[count++] = {step, event};
         }
     }
-    return outward;
+    return events;
 }
 
-// Master clocks from the beginning of the line to that of each step.
+// Master clocks from the start of the line to the start of each step.
 template <size_t Steps>
 constexpr std::array<uint16_t, Steps> StartClocks(const std::array<uint8_t, Steps>& lengths) {
     std::array<uint16_t, Steps> starts{};

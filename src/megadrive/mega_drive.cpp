@@ -33,6 +33,7 @@ constexpr uint32_t kBlack = 0xFF000000;
 
 // Bits of a header's region.
 constexpr uint32_t kRegionJapan = 1;
+constexpr uint32_t kRegionJapan50 = 2;
 constexpr uint32_t kRegionOverseas60 = 4;
 constexpr uint32_t kRegionOverseas50 = 8;
 
@@ -73,7 +74,7 @@ uint32_t RegionBits(uint8_t byte) {
     return 0;
 }
 
-// Old headers spell one region out; later ones have up to three letters, or one hexadecimal digit.
+// Old headers spell out one region; later ones have up to three letters, or one hexadecimal digit.
 uint32_t HeaderRegions(std::span<const uint8_t> text) {
     std::string name;
     for (const uint8_t byte : text) {
@@ -105,10 +106,11 @@ uint8_t VersionFor(uint32_t regions) {
     if ((regions & kRegionOverseas50) != 0) {
         return kVersion50Hz;
     }
-    return static_cast<uint8_t>(~(regions * 64) & 0x80);
+    // A domestic console at 50 Hz was never made; its bit selects the one at 60 Hz.
+    return (regions & kRegionJapan50) != 0 ? kVersionJapan : kVersionOverseas;
 }
 
-// A gain from outside; what is no number is silence.
+// A gain from the settings. NaN and infinity are silence.
 void BoundGain(float& gain) {
     constexpr float kLoudest = 16.0F;
     gain = std::isfinite(gain) ? std::clamp(gain, -kLoudest, kLoudest) : 0.0F;
@@ -129,14 +131,14 @@ bool HasHeader(const MD_CARTRIDGE& cartridge) {
     return maker.find("SEGA") != std::string::npos;
 }
 
-// A program that goes wrong may be no Mega Drive program at all, or one whose bytes are out of order.
+// Without a header the image may be no Mega Drive program at all, or have its bytes in another order.
 std::string AddressErrorText(const M68K_STATE& cpu, const MD_CARTRIDGE& cartridge) {
     return "the program has gone wrong: address error at " + Hex(cpu.aerrAddress) +
            ", program counter " + Hex(cpu.prevPc) +
            (HasHeader(cartridge) ? "" : "; the image has no Mega Drive header");
 }
 
-// The bytes of words in the order of the console.
+// The bytes of words, high byte first.
 template <typename Words>
 std::vector<uint8_t> BigEndian(const Words& words) {
     std::vector<uint8_t> bytes;
@@ -224,10 +226,10 @@ void CMegaDrive::RunProgram() {
     try {
         MdRunFrame(md);
     } catch (const M68K_ADDRESS_ERROR&) {
-        MdCatchUpVideo(md);
-        MdCatchUpSound(md);
+        MdCatchUpVdp(md);
+        MdCatchUpFm(md);
         MdCatchUpPsg(md);
-        MdSettle(md);
+        MdSanitize(md);
         End();
     }
 }
@@ -239,7 +241,7 @@ void CMegaDrive::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRA
     if (!ended) {
         RunProgram();
     }
-    // The host's buffer may be gone before the next frame, while a loaded state may stand in a picture.
+    // The host's buffer may be gone before the next frame, and a state loaded until then may be mid-picture.
     MdVdpFinishFrame(md.vdp, video);
     md.vdp.pixels = nullptr;
     md.vdp.rowOut = nullptr;
@@ -311,10 +313,10 @@ bool CMegaDrive::LoadPieces(const uint8_t* data, uint32_t size) {
     return loaded;
 }
 
-// What is masked here is in force even where a later piece was refused.
+// Also after a refused piece: the pieces before it have been loaded.
 bool CMegaDrive::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
-    MdSettle(md);
+    MdSanitize(md);
     ended = false;
     return loaded;
 }
@@ -358,7 +360,7 @@ std::span<const std::string_view> CMegaDrive::Regions() const {
     return std::span(kMdRegions).first(std::size(kMdRegions) - (hasMemory ? 0 : 1));
 }
 
-// Battery RAM is held in words of the host.
+// Battery RAM is held as words with the low byte first.
 void CMegaDrive::SwapBattery(std::span<uint8_t> bytes) const {
     if (md.cartridge.cartKind == kMdCartSram) {
         for (size_t i = 0; i + 1 < bytes.size(); i += 2) {

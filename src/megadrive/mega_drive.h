@@ -1,13 +1,13 @@
 // CMegaDrive: the Mega Drive or Genesis of three regions, with a cartridge of one of four kinds.
-// md_console.h tells of the hardware.
+// md_console.h describes the hardware.
 //
-// Games: the first file is an image of at least 512 bytes; a second file is not looked at.
-// Options: MD_OPTIONS. Devices left automatic are chosen by the game's header, and the session's own block
-//   keeps what was asked for.
-// States: board, 68000, Z80, video, PSG, FM, cartridge; behind them the sound on its way, of which
-//   sound_frame.h tells.
-// Fails: a program that reaches for a word at an odd address ends the machine (`ended`), and the last error
-//   says where it was. The picture is then black; a reset or a state starts it again.
+// Games: the first file is an image of at least 512 bytes; a second file is ignored.
+// Options: MD_OPTIONS. A device left automatic is chosen by the game's header; the session's own block keeps
+//   the setting as it was.
+// States: board, 68000, Z80, VDP, PSG, FM chip, cartridge, then the sound that hasn't been taken yet
+//   (sound_frame.h).
+// Fails: a program that accesses a word at an odd address ends the machine (`ended`), and the last error says
+//   where. The picture is black from then on; a reset or a loaded state starts the machine again.
 #pragma once
 
 #include "facts/mega_drive_facts.h"
@@ -32,15 +32,15 @@ public:
     [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
 
     [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
-    // "ram", "vram", "palette" (colour RAM), "vsram", "z80ram", and "sram" on a cartridge with memory of its
-    // own. Words are big-endian, as the console's own programs see them.
+    // "ram", "vram", "palette" (CRAM), "vsram", "z80ram", and "sram" for a cartridge with memory of its own.
+    // Words are big-endian, as the console's programs see them.
     [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
     [[nodiscard]] std::vector<uint8_t> BatteryContents() const override;
     [[nodiscard]] bool SetBatteryContents(std::span<const uint8_t> bytes) override;
 
-    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    // Runs frames by the plain loop, which the fast one must match.
     void SetStepByStep(bool plain) { md.stepByStep = plain; }
     // For tests.
     [[nodiscard]] MEGA_DRIVE& Console() { return md; }
@@ -58,9 +58,9 @@ private:
     void BoardFields(Visit& visit);
 
     MD_OPTIONS chosen{};
-    // Peek reads through the same functions as the 68000, which want a machine that they may change.
+    // Peek reads through the 68000's own functions, which take a machine that they may change.
     mutable MEGA_DRIVE md;
 };
 
-// Builds the tables that all these machines share, so that no game has to wait for them.
+// Builds the tables that all these machines share, so that no game's start waits for them.
 void MdBuildTables();

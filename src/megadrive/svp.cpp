@@ -16,9 +16,9 @@ constexpr uint32_t kWideView = 0x3A;
 constexpr uint32_t kFirstMailbox = 0x30FE06;
 constexpr uint32_t kSecondMailbox = 0x30FE08;
 
-// The views show DRAM, which the signal processor fills as a bitmap, in the order of cells, so that a
-// DMA to video memory needs no rearranging. `rows`: the bits of a word address that count the rows of
-// a cell row, `kept`: those that stay. The lowest bit of a word address takes no part.
+// The signal processor fills the DRAM as a bitmap. The two views show it in the order of cells, so a DMA to VRAM
+// needs no rearranging. `rows` are the bits of a word address that count the rows within cells, `kept` those
+// that stay. The lowest bit of a word address is ignored.
 uint32_t ViewIndex(uint32_t address, uint32_t rows, uint32_t kept, uint32_t columnShift) {
     constexpr uint32_t kColumns = 126;
     const uint32_t word = address >> 1;

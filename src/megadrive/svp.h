@@ -1,18 +1,18 @@
 // SVP: the SSP1601 signal processor of one Mega Drive cartridge, with 128 KiB of DRAM that the 68000
 // sees too.
 //
-// Clock: three instructions to a 68000 cycle, whatever the instruction; SvpRun is given the number.
-// Units: addresses of program memory, DRAM and ROM count 16-bit words, but those of the 68000, which
-//   count bytes. A register holds its value in the high half of its u32.
+// Clock: three instructions in a 68000 cycle, whatever the instruction. SvpRun takes their number; there is no
+//   smaller unit.
+// Units: addresses of program memory, DRAM and ROM count 16-bit words; those of the 68000 count bytes. A
+//   register holds its value in the high half of its u32.
 // Owner: the cartridge (md_cartridge.h), on its session's thread.
-// Pins: `rom`, the cartridge's window, of which 2 MiB are reached. It must outlive the record.
+// Pins: `rom`, the cartridge's window; the processor reaches its first 2 MiB. It must outlive the record.
 // Order: SvpReset, then SvpRun and the 68000's accesses in any order.
-// Waits: the game's idle loops stand at known addresses. A read that would find nothing there stops the
-//   processor until the 68000 writes what the loop waits for.
-// Differs: starts at word 0x400 without the internal ROM; no interrupts, general pins, saturation or
-//   multiply shift; of the flags only Z and N are kept. All of it is kept on purpose.
-// Sources: published register and operand descriptions of the SSP1601; the layout of the external
-//   memory modes as far as the game's own program uses them.
+// Waits: the game's idle loops are at known addresses. A read there that finds nothing stops the processor
+//   until the 68000 writes what the loop waits for.
+// Differs: docs/HARDWARE.md, Mega Drive, Board.
+// Sources: published register and operand descriptions of the SSP1601; of the external memory modes, those
+//   that the game's own program uses.
 #pragma once
 
 #include <array>
@@ -32,8 +32,8 @@ enum SVP_REGISTER : uint32_t {
     kSvpA = 3, // all 32 bits
     kSvpSt = 4,
     kSvpStack = 5, // the high half holds the depth, 0 to 5
-    kSvpPc = 6,    // in force between runs
-    kSvpP = 7,     // all 32 bits, formed when read and at the end of a run
+    kSvpPc = 6,    // valid between runs
+    kSvpP = 7,     // all 32 bits; computed when read and at the end of a run
     kSvpPm0 = 8,
     kSvpPm1 = 9,
     kSvpPm2 = 10,
@@ -41,11 +41,11 @@ enum SVP_REGISTER : uint32_t {
     kSvpPm4 = 12,
     kSvpExt5 = 13,
     kSvpPmc = 14, // address in the high half, mode in the low half
-    kSvpAl = 15,  // the low half of A; its own cell is unused
+    kSvpAl = 15,  // the low half of A; its own entry is unused
 };
 
 // Bits of ST.
-inline constexpr uint32_t kSvpStModulo = 0x0007;     // pointers count in 2^n words; 0: 256
+inline constexpr uint32_t kSvpStModulo = 0x0007;     // pointers wrap at 2^n words; 0: at 256
 inline constexpr uint32_t kSvpStProgrammed = 0x0060; // PM0 to PM3 reach memory
 inline constexpr uint32_t kSvpStZero = 0x2000;
 inline constexpr uint32_t kSvpStNegative = 0x8000;
@@ -66,7 +66,7 @@ struct MD_SVP {
     std::array<std::array<uint16_t, 256>, 2> ram{};
     std::array<uint32_t, 16> gr{};
     std::array<uint8_t, 8> r{}; // r0 to r3 point into bank 0, r4 to r7 into bank 1
-    // Programmed accesses of PM0 to PM4 and a spare: address in the high half, mode in the low half.
+    // The accesses programmed for PM0 to PM4, and a spare: address in the high half, mode in the low half.
     std::array<uint32_t, kSvpPmRegisters> pmacRead{};
     std::array<uint32_t, kSvpPmRegisters> pmacWrite{};
     uint32_t emuStatus = 0;
@@ -74,17 +74,18 @@ struct MD_SVP {
     std::array<uint16_t, kSvpMemoryWords> iramRom{};
     std::array<uint16_t, kSvpMemoryWords> dram{};
     const uint16_t* rom = nullptr; // kSvpRomWords words
-    uint32_t pc = 0;               // where a run stands; written at its start and its end
-    int32_t budget = 0;            // instructions left in this run
+    uint32_t pc = 0;               // the program counter; written at the end of a run
+    int32_t budget = 0;            // instructions that the last run left, since it had to wait
 };
 
-// Clears the record and takes the image.
+// Clears the record and sets `rom`.
 void SvpReset(MD_SVP& svp, const uint16_t* rom);
 
+// Runs up to `instructions`; fewer if the processor has to wait.
 void SvpRun(MD_SVP& svp, int32_t instructions);
 
-// The 68000's side. `address` is within the cartridge's pages; false: no DRAM there, and `value` is
-// untouched.
+// The 68000's side. `address` is within the cartridge's pages. Returns false if there is no DRAM; `value`
+// then stays.
 [[nodiscard]] bool SvpReadWord(const MD_SVP& svp, uint32_t address, uint16_t& value);
 void SvpWriteWord(MD_SVP& svp, uint32_t address, uint16_t value);
 // A word write to 0xA15000 or 0xA15002.
@@ -93,5 +94,5 @@ void SvpWriteXst(MD_SVP& svp, uint16_t value);
 // The state piece.
 [[nodiscard]] uint32_t SvpStateSize();
 uint8_t* SvpSaveState(const MD_SVP& svp, uint8_t* out);
-// Gives the bytes used, or 0 with nothing changed when the piece does not fit. Any contents are safe.
+// Returns the bytes used, or 0 with nothing changed if the piece doesn't fit. Any contents are safe.
 [[nodiscard]] uint32_t SvpLoadState(MD_SVP& svp, const uint8_t* data, uint32_t size);

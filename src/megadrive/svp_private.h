@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-// The answer of an access that reaches no memory, since the register isn't programmed.
+// What an access returns that reaches no memory because the register isn't programmed.
 inline constexpr uint32_t kSvpNotProgrammed = 0xFFFFFFFF;
 
 // X and Y are signed fractions, so their product is doubled.
@@ -21,7 +21,7 @@ inline void SvpPush(MD_SVP& svp, uint32_t value) {
     svp.gr[kSvpStack] = ((depth + 1) % kSvpStackDepth) << 16;
 }
 
-// The registers that do more than hold a value, 5 to 15. `pc` is the word behind the instruction's
-// own. A read gives the value as `gr` would hold it; a write takes 16 bits and isn't for PC.
+// The registers that do more than hold a value, 5 to 15. `pc` is the word after the instruction's own. A read
+// returns the value as `gr` would hold it. A write takes 16 bits; PC isn't written this way.
 [[nodiscard]] uint32_t SvpReadSpecial(MD_SVP& svp, uint32_t number, uint32_t pc);
 void SvpWriteSpecial(MD_SVP& svp, uint32_t number, uint32_t value, uint32_t pc);

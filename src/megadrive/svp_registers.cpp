@@ -3,8 +3,8 @@
 
 namespace {
 
-// Mode words: bit 15 steps down, 14 steps by cells, 13-11 the step, 10 keeps what a zero nibble would
-// overwrite, 4-0 the kind of memory.
+// Mode words: bit 15 steps down, bit 14 steps by cells, bits 13 to 11 are the step, bit 10 keeps what a nibble of
+// 0 would overwrite, bits 4 to 0 are the kind of memory.
 constexpr uint32_t kStepDown = 0x8000;
 constexpr uint32_t kOverwrite = 0x0400;
 constexpr uint32_t kDram = 0x0018;
@@ -12,16 +12,16 @@ constexpr uint32_t kDramByCells = 0x4018;
 constexpr uint32_t kIram = 0x001C;
 constexpr uint32_t kRom = 0x0800; // and the high bits of the address
 
-// What of a mode word tells the kind of an access; the step and what doesn't matter to it are left out.
+// The bits of a mode word that select the kind of an access, without the step and the bits it ignores.
 constexpr uint32_t kDramWriteMask = 0x43FF;
 constexpr uint32_t kDramByCellsMask = 0xFBFF;
 constexpr uint32_t kReadMask = 0x47FF; // and of writes to IRAM
 constexpr uint32_t kRomMask = 0xFFF0;
 
-// The step that ends at the second word of a row's cell goes to the same cell of the next row.
+// By cells, the step after the second word of a cell's row leads to the cell's next row.
 constexpr uint32_t kNextRow = 31;
 
-// Where the game's idle loops read, in words.
+// The addresses in words at which the game's idle loops read.
 constexpr uint32_t kFirstPm0Loop = 0x400;
 constexpr uint32_t kSecondPm0Loop = 0xC28F;
 constexpr uint32_t k30Fe08Loop = 0x42A;
@@ -36,7 +36,7 @@ uint32_t StepOf(uint32_t mode) {
     return (mode & kStepDown) != 0 ? 0 - step : step;
 }
 
-// Steps the address half alone: what runs out of it is lost.
+// Steps the address half alone; a carry out of it is lost.
 void Step(uint32_t& slot, uint32_t step) {
     slot += step << 16;
 }
@@ -85,9 +85,11 @@ uint32_t ReadMemory(MD_SVP& svp, uint32_t& slot) {
     return 0;
 }
 
-// `ld -, PMx` and `ld PMx, -`: what gives a register the access that PMC holds.
+// `ld -, PMx` and `ld PMx, -` give a register the access that PMC holds.
 bool IsBlind(uint32_t word) {
-    return (word & 0xFF0F) == 0 || word <= 15;
+    constexpr uint32_t kAllButDestination = 0xFF0F;
+    constexpr uint32_t kSource = 0x000F;
+    return (word & kAllButDestination) == 0 || word <= kSource;
 }
 
 uint32_t PmAccess(MD_SVP& svp, uint32_t number, bool write, uint32_t value, uint32_t pc) {
@@ -155,7 +157,7 @@ void WritePm(MD_SVP& svp, uint32_t number, uint32_t value, uint32_t pc) {
     }
 }
 
-// Address and mode take turns, in reads as in writes, and the mode ends the sequence.
+// Address and mode alternate, in reads as in writes. The mode ends the sequence.
 bool TakePmcTurn(MD_SVP& svp) {
     const bool hadAddress = (svp.emuStatus & kSvpPmcHasAddress) != 0;
     if (hadAddress) {
@@ -166,7 +168,7 @@ bool TakePmcTurn(MD_SVP& svp) {
     return hadAddress;
 }
 
-// The mode comes back with its nibbles turned by one.
+// The mode is read with its nibbles rotated by one.
 uint32_t ReadPmc(MD_SVP& svp) {
     const uint32_t pmc = svp.gr[kSvpPmc];
     if (TakePmcTurn(svp)) {
@@ -180,7 +182,7 @@ void WritePmc(MD_SVP& svp, uint32_t value) {
     pmc = TakePmcTurn(svp) ? (pmc & 0xFFFF0000) | value : (pmc & 0xFFFF) | value << 16;
 }
 
-// A blind read starts the sequence of PMC anew.
+// A blind read of AL restarts the sequence of PMC.
 uint32_t ReadAl(MD_SVP& svp, uint32_t pc) {
     if (svp.iramRom[(pc - 1) & 0xFFFF] == kSvpAl) {
         svp.emuStatus &= ~(kSvpPmcHasAddress | kSvpPmcSet);

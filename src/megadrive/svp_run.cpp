@@ -19,7 +19,7 @@ constexpr uint32_t kConditionNegative = 7;
 
 constexpr uint32_t kLoadAFromP = 0x0037;
 
-// How a modifier moves a pointer: none, plain up, down and up within the modulo.
+// How far a modifier moves a pointer: not at all, up within its bank, down and up within the modulo.
 constexpr std::array<uint32_t, 4> kPointerStep{0, 1, 0xFFFFFFFF, 1};
 constexpr uint32_t kPlainIncrement = 1;
 
@@ -38,12 +38,12 @@ inline uint32_t RegisterField(uint32_t opcode) {
     return (opcode >> 4) & 15;
 }
 
-// The register as `gr` holds it, A and P with all their bits.
+// The register as `gr` holds it; A and P with all 32 bits.
 inline uint32_t ReadRegister(MD_SVP& svp, uint32_t number, uint16_t pc) {
     return number <= kSvpSt ? svp.gr[number] : SvpReadSpecial(svp, number, pc);
 }
 
-// Gives the word address to go on at.
+// Returns the word address of the next instruction.
 inline uint16_t WriteRegister(MD_SVP& svp, uint32_t number, uint16_t value, uint16_t pc) {
     switch (number) {
     case kSvpBlind: break;
@@ -62,8 +62,8 @@ inline uint32_t PointerIndex(uint32_t opcode) {
     return ((opcode >> 6) & 4) | ((opcode & 12) * 2) | (opcode & 3);
 }
 
-// The cell that a pointer names, which is then moved. Pointer 3 of a bank is none: its modifier is the
-// number of a cell.
+// The cell that a pointer names; the pointer is moved after it. Pointer 3 of a bank doesn't exist: there the
+// modifier is the number of a cell.
 inline uint16_t& PointerModify(MD_SVP& svp, uint32_t index) {
     auto& bank = svp.ram[(index >> 2) & 1];
     const uint32_t modifier = index >> 3;
@@ -79,7 +79,7 @@ inline uint16_t& PointerModify(MD_SVP& svp, uint32_t index) {
     return cell;
 }
 
-// The program word whose address a cell holds; the cell then names the next one. A pointer stays.
+// The program word whose address a cell holds. The cell then holds the next address; the pointer stays.
 inline uint16_t PointerRead(MD_SVP& svp, uint32_t index) {
     auto& bank = svp.ram[(index >> 2) & 1];
     uint16_t& cell = (index & 3) == 3 ? bank[index >> 3] : bank[svp.r[index & 7]];
@@ -130,7 +130,7 @@ inline void Operate(MD_SVP& svp, uint32_t value) {
     SetFlags(svp, result);
 }
 
-// A source of 16 bits comes in above zeros.
+// A source of 16 bits goes to the high half, with zeros below.
 template <OPERATION kOperation>
 inline void OperateWord(MD_SVP& svp, uint32_t word) {
     Operate<kOperation>(svp, word << 16);
@@ -183,18 +183,18 @@ inline uint16_t LoadRegister(MD_SVP& svp, uint32_t opcode, uint16_t pc) {
 }
 
 inline uint16_t Jump(MD_SVP& svp, uint32_t opcode, uint16_t pc, bool call) {
-    const auto behind = static_cast<uint16_t>(pc + 1);
+    const auto next = static_cast<uint16_t>(pc + 1);
     if (!ConditionHolds(svp, opcode)) {
-        return behind;
+        return next;
     }
     if (call) {
-        SvpPush(svp, behind);
+        SvpPush(svp, next);
     }
     return svp.iramRom[pc];
 }
 
-// One instruction; `pc` is the word behind it. Gives the word address to go on at. An opcode that is
-// none does nothing.
+// One instruction; `pc` is the word after its opcode. Returns the word address of the next one. An illegal
+// opcode does nothing.
 inline uint16_t Execute(MD_SVP& svp, uint32_t op, uint16_t pc) {
     switch (op >> 9) {
     case 0x00: return LoadRegister(svp, op, pc);

@@ -1,4 +1,4 @@
-// What a saved state keeps of the signal processor.
+// The signal processor's piece of a state.
 #include "machine/state_piece.h"
 #include "megadrive/svp_private.h"
 
@@ -27,7 +27,7 @@ void Fields(MD_SVP& svp, Visit& visit) {
     visit(svp.dram);
 }
 
-void MakeSafe(MD_SVP& svp) {
+void Sanitize(MD_SVP& svp) {
     svp.emuStatus &= kSvpWaits | kSvpPmcSet | kSvpPmcHasAddress;
     svp.pc %= kSvpMemoryWords;
     for (uint32_t i = 0; i < svp.gr.size(); ++i) {
@@ -51,15 +51,15 @@ uint32_t SvpStateSize() {
 }
 
 uint8_t* SvpSaveState(const MD_SVP& svp, uint8_t* out) {
-    auto& fields =
-        const_cast<MD_SVP&>(svp); // The visitor that only reads is the one that also writes.
+    // Writing visits the fields like reading does, and changes none of them.
+    auto& fields = const_cast<MD_SVP&>(svp);
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });
 }
 
 uint32_t SvpLoadState(MD_SVP& svp, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, [&](auto& visit) { Fields(svp, visit); });
     if (used != 0) {
-        MakeSafe(svp);
+        Sanitize(svp);
     }
     return used;
 }

@@ -124,7 +124,7 @@ void Fields(YM2612& ym, Visit& visit) {
     visit(ym.channelOut);
 }
 
-void MakeSafe(YM2612_SLOT& slot) {
+void Sanitize(YM2612_SLOT& slot) {
     constexpr uint32_t kHighestRate = 31 * 2 + 32;
     constexpr uint32_t kHighestLevel = 127 * 8;
     slot.dt &= 7;
@@ -152,16 +152,16 @@ void MakeSafe(YM2612_SLOT& slot) {
     slot.amMask = slot.amMask != 0 ? kAllOnes : 0;
 }
 
-void MakeSafe(YM2612_PITCH& pitch) {
+void Sanitize(YM2612_PITCH& pitch) {
     pitch.blockFnum &= 0x3FFF;
     pitch.keyCode &= 31;
     pitch.fc = std::min(pitch.fc, Ym2612PhaseStepOf(4095, 7));
 }
 
-void MakeSafe(YM2612_CHANNEL& channel) {
+void Sanitize(YM2612_CHANNEL& channel) {
     constexpr int32_t kPeak = 8192;
     for (YM2612_SLOT& slot : channel.slots) {
-        MakeSafe(slot);
+        Sanitize(slot);
     }
     channel.algorithm &= 7;
     channel.feedback = std::min<uint8_t>(channel.feedback, 13);
@@ -172,17 +172,17 @@ void MakeSafe(YM2612_CHANNEL& channel) {
     channel.ams = std::min<uint8_t>(channel.ams, 8);
     channel.leftMask = channel.leftMask != 0 ? kAllOnes : 0;
     channel.rightMask = channel.rightMask != 0 ? kAllOnes : 0;
-    MakeSafe(channel.pitch);
+    Sanitize(channel.pitch);
 }
 
-// Brings whatever was loaded into the ranges that the chip itself keeps to.
-void MakeSafe(YM2612& ym) {
+// Brings a loaded record into the ranges that the chip itself keeps to.
+void Sanitize(YM2612& ym) {
     constexpr int32_t kDacPeak = 128 * 64;
     for (YM2612_CHANNEL& channel : ym.channels) {
-        MakeSafe(channel);
+        Sanitize(channel);
     }
     for (YM2612_PITCH& pitch : ym.channel3) {
-        MakeSafe(pitch);
+        Sanitize(pitch);
     }
     ym.address &= 0x1FF;
     ym.irq &= 1;
@@ -201,11 +201,11 @@ void MakeSafe(YM2612& ym) {
     ym.egTimer %= ym.egTimerOverflow;
     ym.csmKey &= 1;
     ym.dacOut = std::clamp(ym.dacOut, -kDacPeak, kDacPeak);
-    ym.dacEnabled &= 0x80;
+    ym.dacEnabled &= kYm2612DacOn;
     ym.tickCount %= kYm2612ClocksPerSample;
 }
 
-// What isn't in the piece.
+// Recomputes the fields that aren't in the piece.
 void Rebuild(YM2612& ym) {
     ym.recalculate = true;
     ym.ssgSlots = 0;
@@ -247,11 +247,11 @@ void Ym2612Reset(YM2612& ym) {
     ym.dacOut = 0;
     ym.dacEnabled = 0;
     ym.channelOut = {};
-    WriteRegister(ym, 0x27, kYm2612ClearA | kYm2612ClearB);
-    for (uint32_t reg = 0xB6; reg >= 0xB4; --reg) {
-        WriteRegister(ym, reg, 0xC0);
+    WriteRegister(ym, kYm2612RegMode, kYm2612ClearA | kYm2612ClearB);
+    for (uint32_t reg = kYm2612RegSides + 2; reg >= kYm2612RegSides; --reg) {
+        WriteRegister(ym, reg, kYm2612Left | kYm2612Right);
     }
-    for (uint32_t reg = 0xB2; reg >= 0x30; --reg) {
+    for (uint32_t reg = kYm2612RegAlgorithm + 2; reg >= kYm2612RegMultiple; --reg) {
         WriteRegister(ym, reg, 0);
     }
     ym.address = 0;
@@ -274,7 +274,7 @@ uint32_t Ym2612StateSize() {
 }
 
 uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out) {
-    // The visitor that only reads is the one that also writes.
+    // Writing visits the fields like reading does, and changes none of them.
     auto& fields = const_cast<YM2612&>(ym);
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });
 }
@@ -282,7 +282,7 @@ uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out) {
 uint32_t Ym2612LoadState(YM2612& ym, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, [&](auto& visit) { Fields(ym, visit); });
     if (used != 0) {
-        MakeSafe(ym);
+        Sanitize(ym);
         Rebuild(ym);
     }
     return used;

@@ -1,32 +1,19 @@
-// YM2612: the FM sound chip of the Mega Drive. Six channels of four operators (slots), of which the
-// sixth can be a DAC and the third can have a pitch per operator; an LFO, envelopes with SSG shapes,
-// and two timers.
+// YM2612: the FM sound chip of the Mega Drive. Six channels of four operators (slots). The sixth can be a DAC,
+// and the third can have a pitch for each operator. An LFO, envelopes with SSG shapes, two timers.
 //
-// Clock: one tick is one clock of the 68000 (master / 7). 144 ticks make one stereo sample.
-// Units: envelopes and levels are in steps of 3/32 dB, 0 loud, 1,023 silent. A phase is a turn in 26
-//   bits, the upper ten of which index the sine. Timers count samples. One carrier peaks at 8,168, the
-//   DAC at 8,192; the sum of six channels is clipped to 16 bits.
+// Clock: one tick is one clock of the 68000 (master / 7). 144 ticks are one stereo sample.
+// Units: envelopes and levels are in steps of 3/32 dB, 0 loud, 1,023 silent. A phase is a turn in 26 bits;
+//   the upper ten index the sine. Timers count samples. One carrier peaks at 8,168, the DAC at 8,192; the
+//   sum of six channels is clipped to 16 bits.
 // Owner: one machine, on its session's thread; no lock.
-// Pins: `pairs`, the owner's, takes the sound. Nothing on this console hangs on the interrupt line, which is only kept in `irq`.
-// Order: Ym2612SetClock, Ym2612Reset, then ticks (ym2612_tick.h) and writes.
-//   `status` is read directly, as often as one
-//   likes: reading changes nothing.
-// Slots are kept in the order of their registers: operators 1, 3, 2, 4. Within a sample they are
-//   computed in the order 1, 2, 3, 4, so that every one hears its modulators of the same sample. The
-//   part computes them as 1, 3, 2, 4 and hears some of them a sample late; no such delay is kept here.
-// A modulator moves whole steps of the phase: the carrier's own fraction is dropped before, as on the part.
-// With pitches of its own each operator of channel 3 has its own vibrato.
-// Differs: registers take effect at once and the chip is never busy. The output has its full range,
-//   without the step of the part's DAC around zero. All channels are computed at the 144th clock, in
-//   which timers, too, move by one. The four operators' own pitches on channel 3 need bit 6 of the
-//   mode: CSM alone plays the common pitch. A key pressed on any channel while CSM holds channel 3's
-//   keys, that is within one sample, is noted but not started. The LFO, when stopped, leaves its last
-//   attenuation and pitch in force. Vibrato that carries past F-number 2,047 goes on low in the next
-//   block. While an SSG envelope runs, its level is turned over by the alternate bit alone, and to
-//   1,023 - level; only key presses, levels that are written and the ends of a ramp go by the part's
-//   own rule (512 - level, by the attack bit and the ramp's turn), as does a key let go in ten bits. A rate with its key scale of 94 and
-//   above stops the steps of an attack alone; the other rates there step at their fastest. A slot that
-//   was cleared is silent, at volume 1,023. These are kept on purpose.
+// Pins: `pairs`, the owner's, takes the sound. `irq` is the interrupt line, which this console leaves open.
+// Order: Ym2612SetClock, Ym2612Reset, then ticks (ym2612_tick.h) and writes. `status` is read directly; a read
+//   changes nothing.
+// Slots are stored in the order of their registers, operators 1, 3, 2, 4. A sample is computed all at once,
+//   on the 144th clock, in the order 1, 2, 3, 4: every operator hears its modulators of the same sample.
+// Differs: docs/HARDWARE.md, Mega Drive, FM chip.
+// Sources: Sega "Genesis Technical Manual", YM2612 section (transcription by Maxim); Yamaha application
+//   manuals of the YM2203 and YM2608.
 #pragma once
 
 #include "machine/sound_pairs.h"
@@ -39,11 +26,11 @@ inline constexpr uint32_t kYm2612ClocksPerSample = 144;
 inline constexpr size_t kYm2612Channels = 6;
 inline constexpr size_t kYm2612Slots = 4; // of a channel
 
-// Envelopes step once in three samples: a sample is added, and a step taken at the overflow.
+// Envelopes step once in three samples: each sample adds to a timer, and its overflow is an envelope clock.
 inline constexpr uint32_t kYm2612EgTimerAdd = 65'536;
 inline constexpr uint32_t kYm2612EgTimerOverflow = 196'608;
 
-// `phaseStep` of a channel's first slot while the channel waits for recalculation.
+// `phaseStep` of a channel's first slot while the channel's pitches are to be recalculated.
 inline constexpr int32_t kYm2612Recalculate = -1;
 
 // Bits of `status`, and of `irqMask`.
@@ -59,7 +46,7 @@ enum class Ym2612Envelope : uint8_t {
     kAttack = 4,
 };
 
-// How fast an envelope steps: every 2^shift of its clocks, by eight increments in turn.
+// How fast an envelope moves: every 2^shift envelope clocks, by eight increments in turn.
 struct YM2612_RATE {
     uint8_t shift;  // 0..11
     uint8_t select; // 8 x row of the envelope step table
@@ -72,23 +59,23 @@ struct YM2612_SLOT {
     uint32_t d1r;      //
     uint32_t d2r;      //
     uint32_t rr;       // 4 x the register's value + 34
-    uint8_t ksrShift;  // of the key code, 0..3
-    uint8_t ksr;       // key code >> `ksrShift`, as of the last look at the rates; 0..31
+    uint8_t ksrShift;  // right shift of the key code, 0..3
+    uint8_t ksr;       // key code >> `ksrShift`, when the rates were last looked up; 0..31
     uint32_t phase;    //
     int32_t phaseStep; // per sample, or kYm2612Recalculate
     Ym2612Envelope state;
     uint32_t tl;        // total level, 0..1,016
     int32_t volume;     // envelope, 0..1,023
     uint32_t sl;        // sustain level, 0..992
-    uint32_t volOut;    // `tl` and the envelope as heard
-    YM2612_RATE attack; // of `ar` at this key code, and so on
+    uint32_t volOut;    // `tl` plus the envelope as heard
+    YM2612_RATE attack; // of `ar` at `ksr`, and so on
     YM2612_RATE decay;
     YM2612_RATE sustain;
     YM2612_RATE release;
     uint8_t ssg;         // bit 3 on, 2 attack, 1 alternate, 0 hold
-    uint8_t ssgInverted; // 0, or 4 when ramps have turned the shape over
-    uint8_t keyOn;       // 0 or 1: what register 0x28 said
-    uint32_t amMask;     // all ones with the LFO's attenuation
+    uint8_t ssgInverted; // 0, or 4 after the ends of ramps have inverted the shape
+    uint8_t keyOn;       // 0 or 1, from register 0x28
+    uint32_t amMask;     // all ones if the LFO attenuates this slot, or 0
 };
 
 struct YM2612_PITCH {
@@ -100,7 +87,7 @@ struct YM2612_PITCH {
 struct YM2612_CHANNEL {
     std::array<YM2612_SLOT, kYm2612Slots> slots; // operators 1, 3, 2, 4
     uint8_t algorithm;                           // 0..7
-    uint8_t feedback;                            // shift: 0 for none, or 7..13
+    uint8_t feedback;                            // left shift: 0 for none, or 7..13
     std::array<int32_t, 2> operator1Out;         // the last two outputs, the older first
     uint32_t pms;                                // LFO pitch depth x 32
     uint8_t ams;                                 // LFO attenuation shift: 8, 3, 1, 0
@@ -110,7 +97,7 @@ struct YM2612_CHANNEL {
 };
 
 struct YM2612 {
-    uint32_t clock = 0; // Hz; set by Ym2612SetClock, no part of a state
+    uint32_t clock = 0; // Hz; set by Ym2612SetClock, not in a state
     std::array<YM2612_CHANNEL, kYm2612Channels> channels{};
 
     uint16_t address = 0; // register of the next data write; bit 8 is the second port
@@ -122,8 +109,8 @@ struct YM2612 {
     uint32_t timerB = 0;       // register, 0..255
     int32_t timerBCount = 0;   // samples left
     uint8_t mode = 0;          // register 0x27
-    uint8_t fnHighLatch = 0;   // block and upper F-number until the lower part comes, 0..63
-    uint8_t channel3Latch = 0; // the same for the next field
+    uint8_t fnHighLatch = 0;   // block and upper F-number, until the lower part is written; 0..63
+    uint8_t channel3Latch = 0; // the same for `channel3`
     std::array<YM2612_PITCH, 3> channel3{}; // registers 0xA8 to 0xAA: operators 3, 1, 2
     uint32_t lfoCounter = 0;                // position in the upper eight bits
     uint32_t lfoIncrement = 0;              // per sample; 0 stops the LFO
@@ -133,40 +120,40 @@ struct YM2612 {
     uint32_t egTimer = 0;                   // 16-bit fraction of a sample
     uint32_t egTimerAdd = kYm2612EgTimerAdd;
     uint32_t egTimerOverflow = kYm2612EgTimerOverflow;
-    uint8_t csmKey = 0; // 1 from a CSM key press to the next sample, in which it is 2
+    uint8_t csmKey = 0; // 1 from a CSM key on to the next sample, in which it becomes 2
     int32_t dacOut = 0;
     uint8_t dacEnabled = 0; // 0 or 0x80
     uint32_t tickCount = 0; // clocks since the last sample, 0..143
     std::array<int32_t, kYm2612Channels> channelOut{};
 
-    // Made from the fields above when a state is loaded.
-    bool recalculate = false; // some channel waits for recalculation
-    uint32_t ssgSlots = 0;    // bit channel x 4 + slot: its `ssg` bit 3
+    // Derived from the fields above after a load.
+    bool recalculate = false; // some channel's pitches are to be recalculated
+    uint32_t ssgSlots = 0;    // bit channel x 4 + slot is `ssg` bit 3 of that slot
 
-    SOUND_PAIRS* pairs = nullptr; // not null while the chip runs; as wired
+    SOUND_PAIRS* pairs = nullptr; // set by the owner; not null while the chip runs
 };
 
 // `clock` in Hz. Clears slots and channels, so Ym2612Reset follows.
 void Ym2612SetClock(YM2612& ym, uint32_t clock);
 
-// The chip's reset line, which the console's programs pull at any time. So what sounded until now
-// stays, as does the place between two samples. Every register is 0 then, except that both sides of
-// each channel are on, since some games never write that.
+// The chip's reset line, which programs drive at any time. The samples made so far stay, and so does the
+// place between two samples. Every register becomes 0, except that both sides of each channel are on, since
+// some games never write that.
 void Ym2612Reset(YM2612& ym);
 
-// Makes one sample; what Ym2612Tick calls on every 144th clock.
+// Makes one sample; Ym2612Tick calls it on every 144th clock.
 void Ym2612MakeSample(YM2612& ym);
 
-// So many clocks at once; the same as that many Ym2612Tick.
+// The same as `clocks` calls of Ym2612Tick.
 void Ym2612Run(YM2612& ym, uint32_t clocks);
 
-// Ports 0 and 2 take the address within the first or second half of the registers, 1 and 3 the data.
-// Registers that don't exist do nothing.
+// Ports 0 and 2 take an address in the first or second half of the registers, 1 and 3 the data. Writes to
+// registers that don't exist do nothing.
 void Ym2612Write(YM2612& ym, uint32_t port, uint8_t value);
 
-// The state holds the chip without the sound on its way.
+// The state piece holds the chip, but not the samples in `pairs`.
 [[nodiscard]] uint32_t Ym2612StateSize();
-// Writes Ym2612StateSize bytes and gives the byte behind them.
+// Writes Ym2612StateSize bytes and returns the byte after them.
 uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out);
-// Gives the bytes used, or 0 with nothing changed when the piece doesn't fit. Any contents are safe.
+// Returns the bytes used, or 0 with nothing changed if the piece doesn't fit. Any contents are safe.
 [[nodiscard]] uint32_t Ym2612LoadState(YM2612& ym, const uint8_t* data, uint32_t size);

@@ -1,4 +1,4 @@
-// What the YM2612's registers and its clocking share: places of operators, keys and levels.
+// What the YM2612's registers and its samples share: register bits, places of operators, keys and levels.
 #pragma once
 
 #include "megadrive/ym2612.h"
@@ -14,6 +14,39 @@ inline constexpr size_t kYm2612Operator4 = 3;
 
 inline constexpr size_t kYm2612Special = 2; // channel 3: CSM and a pitch per operator
 inline constexpr size_t kYm2612Dac = 5;     // channel 6
+
+// Numbers of the registers of the whole chip.
+inline constexpr uint32_t kYm2612RegLfo = 0x22;
+inline constexpr uint32_t kYm2612RegTimerAHigh = 0x24;
+inline constexpr uint32_t kYm2612RegTimerALow = 0x25;
+inline constexpr uint32_t kYm2612RegTimerB = 0x26;
+inline constexpr uint32_t kYm2612RegMode = 0x27;
+inline constexpr uint32_t kYm2612RegKeys = 0x28;
+inline constexpr uint32_t kYm2612RegDac = 0x2A;
+inline constexpr uint32_t kYm2612RegDacEnable = 0x2B;
+
+// Registers of slots, from here on: bits 4 to 7 are the kind, 2 and 3 the slot, 0 and 1 the channel.
+inline constexpr uint32_t kYm2612RegMultiple = 0x30; // and detune
+inline constexpr uint32_t kYm2612RegLevel = 0x40;
+inline constexpr uint32_t kYm2612RegAttack = 0x50; // and key scale
+inline constexpr uint32_t kYm2612RegDecay = 0x60;  // and the LFO's attenuation
+inline constexpr uint32_t kYm2612RegSustain = 0x70;
+inline constexpr uint32_t kYm2612RegRelease = 0x80; // and sustain level
+inline constexpr uint32_t kYm2612RegSsg = 0x90;
+
+// Registers of channels, from here on: bits 2 to 7 are the kind, 0 and 1 the channel.
+inline constexpr uint32_t kYm2612RegPitchLow = 0xA0;
+inline constexpr uint32_t kYm2612RegPitchHigh = 0xA4;
+inline constexpr uint32_t kYm2612RegChannel3Low = 0xA8;
+inline constexpr uint32_t kYm2612RegChannel3High = 0xAC;
+inline constexpr uint32_t kYm2612RegAlgorithm = 0xB0; // and feedback
+inline constexpr uint32_t kYm2612RegSides = 0xB4;     // and the LFO's depths
+
+inline constexpr uint8_t kYm2612LfoOn = 0x08; // of register 0x22
+inline constexpr uint8_t kYm2612DacOn = 0x80; // of register 0x2B
+inline constexpr uint8_t kYm2612AmOn = 0x80;  // of registers 0x60
+inline constexpr uint8_t kYm2612Left = 0x80;  // of registers 0xB4
+inline constexpr uint8_t kYm2612Right = 0x40;
 
 // Bits of register 0x27.
 inline constexpr uint8_t kYm2612RunA = 0x01;
@@ -33,18 +66,18 @@ inline constexpr uint8_t kYm2612SsgAlternate = 2;
 inline constexpr uint8_t kYm2612SsgHold = 1;
 
 inline constexpr int32_t kYm2612Silent = 1023;
-inline constexpr int32_t kYm2612SsgEnd = 512; // where a ramp of an SSG envelope ends
+inline constexpr int32_t kYm2612SsgEnd = 512; // the level at which a ramp of an SSG envelope ends
 
-// From this index (rate and key scale) on an attack takes no time.
+// From this sum of rate and key scale on, an attack takes no time.
 inline constexpr uint32_t kYm2612InstantAttack = 94;
 
-// The lower bits of a frequency are lost in blocks under 7. F-numbers are counted in halves for the
-// LFO's sake: 4,096 of them.
+// Blocks below 7 lose the lower bits of a frequency. F-numbers are counted in halves, because the LFO moves
+// them by halves: there are 4,096 of them.
 [[nodiscard]] constexpr uint32_t Ym2612PhaseStepOf(uint32_t halfFnum, uint32_t block) {
     return (halfFnum * 2048) >> (7 - block);
 }
 
-// Brings `volOut` up to `tl`, `volume` and the SSG shape's turn.
+// Recomputes `volOut` from `tl`, `volume` and the SSG shape.
 inline void Ym2612RefreshLevel(YM2612_SLOT& slot) {
     auto volume = static_cast<uint32_t>(slot.volume);
     const bool running = slot.state > Ym2612Envelope::kRelease;
@@ -65,25 +98,25 @@ inline void Ym2612BeginDecay(YM2612_SLOT& slot) {
     return slot.ar + slot.ksr >= kYm2612InstantAttack;
 }
 
-// Starts a slot from the beginning, unless register or CSM hold its key already.
-void Ym2612Press(const YM2612& ym, YM2612_SLOT& slot);
+// Starts a slot, unless the key register or CSM holds its key already.
+void Ym2612KeyOn(const YM2612& ym, YM2612_SLOT& slot);
 
-// Lets a slot die away if it sounds.
-void Ym2612Release(YM2612_SLOT& slot);
+// Starts the release of a slot that sounds.
+void Ym2612KeyOff(YM2612_SLOT& slot);
 
-// Reads the rate tables again for the slot's `ksr`.
+// Look up the rate tables for the slot's `ksr`.
 void Ym2612RefreshAttack(YM2612_SLOT& slot);
 void Ym2612RefreshDecay(YM2612_SLOT& slot);
 void Ym2612RefreshSustain(YM2612_SLOT& slot);
 void Ym2612RefreshRelease(YM2612_SLOT& slot);
 
-// Marks a channel whose phase steps and key scale have to be looked at before the next sample.
+// Marks a channel whose phase steps and key scale are to be recalculated before the next sample.
 inline void Ym2612Mark(YM2612& ym, YM2612_CHANNEL& channel) {
     channel.slots[0].phaseStep = kYm2612Recalculate;
     ym.recalculate = true;
 }
 
-// The pitch of one of a channel's slots.
+// The pitch of a slot. Operators 1 to 3 of channel 3 may have their own.
 [[nodiscard]] inline const YM2612_PITCH& Ym2612SlotPitch(const YM2612& ym, size_t channel,
                                                          size_t slot) {
     if (channel == kYm2612Special && (ym.mode & kYm2612OwnPitches) != 0) {

@@ -54,22 +54,22 @@ void WriteSlot(YM2612& ym, size_t channelIndex, size_t index, uint32_t reg, uint
     YM2612_CHANNEL& channel = ym.channels[channelIndex];
     YM2612_SLOT& slot = channel.slots[index];
     switch (reg & 0xF0) {
-    case 0x30: WriteMultiple(ym, channel, slot, value); break;
-    case 0x40:
+    case kYm2612RegMultiple: WriteMultiple(ym, channel, slot, value); break;
+    case kYm2612RegLevel:
         slot.tl = (value & 127u) * 8;
         Ym2612RefreshLevel(slot);
         break;
-    case 0x50: WriteAttack(ym, channel, slot, value); break;
-    case 0x60:
+    case kYm2612RegAttack: WriteAttack(ym, channel, slot, value); break;
+    case kYm2612RegDecay:
         slot.d1r = RateOf(value);
-        slot.amMask = (value & 0x80) != 0 ? ~0u : 0;
+        slot.amMask = (value & kYm2612AmOn) != 0 ? ~0u : 0;
         Ym2612RefreshDecay(slot);
         break;
-    case 0x70:
+    case kYm2612RegSustain:
         slot.d2r = RateOf(value);
         Ym2612RefreshSustain(slot);
         break;
-    case 0x80: WriteRelease(slot, value); break;
+    case kYm2612RegRelease: WriteRelease(slot, value); break;
     default: WriteSsg(ym, channelIndex, index, value); break;
     }
 }
@@ -92,8 +92,8 @@ void WriteAlgorithm(YM2612_CHANNEL& channel, uint8_t value) {
 
 void WriteSides(YM2612_CHANNEL& channel, uint8_t value) {
     constexpr std::array<uint8_t, 4> kAmShift{8, 3, 1, 0}; // 0, 1.4, 5.9, 11.8 dB
-    channel.leftMask = (value & 0x80) != 0 ? ~0u : 0;
-    channel.rightMask = (value & 0x40) != 0 ? ~0u : 0;
+    channel.leftMask = (value & kYm2612Left) != 0 ? ~0u : 0;
+    channel.rightMask = (value & kYm2612Right) != 0 ? ~0u : 0;
     channel.ams = kAmShift[value >> 4u & 3u];
     channel.pms = (value & 7u) * kYm2612LfoPositions;
 }
@@ -102,24 +102,24 @@ void WriteChannel(YM2612& ym, size_t channelIndex, uint32_t reg, uint8_t value) 
     YM2612_CHANNEL& channel = ym.channels[channelIndex];
     const bool firstPort = channelIndex < 3;
     switch (reg & 0xFC) {
-    case 0xA0:
+    case kYm2612RegPitchLow:
         SetPitch(channel.pitch, ym.fnHighLatch, value);
         Ym2612Mark(ym, channel);
         break;
-    case 0xA4: ym.fnHighLatch = value & 63; break;
-    case 0xA8:
+    case kYm2612RegPitchHigh: ym.fnHighLatch = value & 63; break;
+    case kYm2612RegChannel3Low:
         if (firstPort) {
             SetPitch(ym.channel3[reg & 3], ym.channel3Latch, value);
             Ym2612Mark(ym, ym.channels[kYm2612Special]);
         }
         break;
-    case 0xAC:
+    case kYm2612RegChannel3High:
         if (firstPort) {
             ym.channel3Latch = value & 63;
         }
         break;
-    case 0xB0: WriteAlgorithm(channel, value); break;
-    case 0xB4: WriteSides(channel, value); break;
+    case kYm2612RegAlgorithm: WriteAlgorithm(channel, value); break;
+    case kYm2612RegSides: WriteSides(channel, value); break;
     default: break;
     }
 }
@@ -127,7 +127,7 @@ void WriteChannel(YM2612& ym, size_t channelIndex, uint32_t reg, uint8_t value) 
 // --- the chip -----------------------------------------------------------------------------------
 
 void WriteLfo(YM2612& ym, uint8_t value) {
-    if ((value & 8) == 0) {
+    if ((value & kYm2612LfoOn) == 0) {
         ym.lfoIncrement = 0;
         return;
     }
@@ -146,7 +146,7 @@ void WriteMode(YM2612& ym, uint8_t value) {
         if ((value & kYm2612SpecialBits) != kYm2612Csm && ym.csmKey != 0) {
             for (YM2612_SLOT& slot : channel.slots) {
                 if (slot.keyOn == 0) {
-                    Ym2612Release(slot);
+                    Ym2612KeyOff(slot);
                 }
             }
             ym.csmKey = 0;
@@ -181,11 +181,11 @@ void WriteKeys(YM2612& ym, uint8_t value) {
     for (uint32_t i = 0; i < kYm2612Slots; ++i) {
         YM2612_SLOT& slot = channel.slots[kSlotOfBit[i]];
         if ((value >> (4 + i) & 1) != 0) {
-            Ym2612Press(ym, slot);
+            Ym2612KeyOn(ym, slot);
             slot.keyOn = 1;
         } else {
             if (slot.keyOn != 0 && ym.csmKey == 0) {
-                Ym2612Release(slot);
+                Ym2612KeyOff(slot);
             }
             slot.keyOn = 0;
         }
@@ -194,14 +194,14 @@ void WriteKeys(YM2612& ym, uint8_t value) {
 
 void WriteChip(YM2612& ym, uint32_t reg, uint8_t value) {
     switch (reg) {
-    case 0x22: WriteLfo(ym, value); break;
-    case 0x24: ym.timerA = (ym.timerA & 3) | uint32_t{value} << 2; break;
-    case 0x25: ym.timerA = (ym.timerA & 0x3FC) | (value & 3u); break;
-    case 0x26: ym.timerB = value; break;
-    case 0x27: WriteMode(ym, value); break;
-    case 0x28: WriteKeys(ym, value); break;
-    case 0x2A: ym.dacOut = (value - 128) * 64; break;
-    case 0x2B: ym.dacEnabled = value & 0x80; break;
+    case kYm2612RegLfo: WriteLfo(ym, value); break;
+    case kYm2612RegTimerAHigh: ym.timerA = (ym.timerA & 3) | uint32_t{value} << 2; break;
+    case kYm2612RegTimerALow: ym.timerA = (ym.timerA & 0x3FC) | (value & 3u); break;
+    case kYm2612RegTimerB: ym.timerB = value; break;
+    case kYm2612RegMode: WriteMode(ym, value); break;
+    case kYm2612RegKeys: WriteKeys(ym, value); break;
+    case kYm2612RegDac: ym.dacOut = (value - 128) * 64; break;
+    case kYm2612RegDacEnable: ym.dacEnabled = value & kYm2612DacOn; break;
     default: break;
     }
 }
@@ -209,7 +209,7 @@ void WriteChip(YM2612& ym, uint32_t reg, uint8_t value) {
 void WriteData(YM2612& ym, uint8_t value) {
     const uint32_t reg = ym.address & 0xFFu;
     const bool secondPort = (ym.address & kSecondPort) != 0;
-    if (reg < 0x30) {
+    if (reg < kYm2612RegMultiple) {
         if (!secondPort) {
             WriteChip(ym, reg, value);
         }
@@ -219,7 +219,7 @@ void WriteData(YM2612& ym, uint8_t value) {
         return;
     }
     const size_t channel = (reg & 3) + (secondPort ? 3 : 0);
-    if (reg < 0xA0) {
+    if (reg < kYm2612RegPitchLow) {
         WriteSlot(ym, channel, reg >> 2 & 3, reg, value);
     } else {
         WriteChannel(ym, channel, reg, value);
@@ -236,8 +236,7 @@ void Ym2612Write(YM2612& ym, uint32_t port, uint8_t value) {
     }
 }
 
-// A key that is held already, by register or by CSM, doesn't start again.
-void Ym2612Press(const YM2612& ym, YM2612_SLOT& slot) {
+void Ym2612KeyOn(const YM2612& ym, YM2612_SLOT& slot) {
     if (slot.keyOn != 0 || ym.csmKey != 0) {
         return;
     }
@@ -251,8 +250,8 @@ void Ym2612Press(const YM2612& ym, YM2612_SLOT& slot) {
     Ym2612RefreshLevel(slot);
 }
 
-// A release falls from the level that is heard, so an SSG shape that is turned over is turned back.
-void Ym2612Release(YM2612_SLOT& slot) {
+// A release starts from the level that is heard, so an inverted SSG shape is inverted back.
+void Ym2612KeyOff(YM2612_SLOT& slot) {
     if (slot.state <= Ym2612Envelope::kRelease) {
         return;
     }
@@ -269,7 +268,7 @@ void Ym2612Release(YM2612_SLOT& slot) {
     Ym2612RefreshLevel(slot);
 }
 
-// The attack stands still at the indexes where a key press jumps to full volume.
+// At the rates where a key on jumps to full volume, an attack that is going on never steps.
 void Ym2612RefreshAttack(YM2612_SLOT& slot) {
     slot.attack = Ym2612AttacksAtOnce(slot) ? YM2612_RATE{0, kYm2612StepNever}
                                             : kYm2612RateTable[slot.ar + slot.ksr];

@@ -6,11 +6,11 @@
 
 namespace {
 
-constexpr uint32_t kEnvelopeLimit = 832; // at this attenuation and above an operator is silent
+constexpr uint32_t kEnvelopeLimit = 832; // from this attenuation on an operator is silent
 constexpr uint32_t kPhaseShift = 16;
 constexpr uint32_t kWholePhase = 0xFFFF0000; // without the fraction
-constexpr int32_t kFrequencyWrap = 1 << 23;  // a pitch that detune takes below 0 comes round
-constexpr uint32_t kModulationShift = 15;    // a full wave at full level is four turns
+constexpr int32_t kFrequencyWrap = 1 << 23;  // a pitch that detune takes below 0 wraps to the top
+constexpr uint32_t kModulationShift = 15;    // a full level modulates by four turns
 
 static_assert(kEnvelopeLimit * 8 == kYm2612Levels);
 
@@ -115,8 +115,9 @@ void EndRamp(YM2612_SLOT& slot) {
 
 // --- operators ----------------------------------------------------------------------------------
 
-// `modulation` is added to the phase.
-inline int32_t Operator(const YM2612_SLOT& slot, uint32_t modulation, uint32_t lfoAttenuation) {
+// `modulation` is added to the phase, whose fraction is dropped before: a modulator moves whole steps.
+inline int32_t OperatorOutput(const YM2612_SLOT& slot, uint32_t modulation,
+                              uint32_t lfoAttenuation) {
     const uint32_t envelope = slot.volOut + (slot.amMask & lfoAttenuation);
     if (envelope >= kEnvelopeLimit) {
         return 0;
@@ -127,12 +128,12 @@ inline int32_t Operator(const YM2612_SLOT& slot, uint32_t modulation, uint32_t l
     return p < kYm2612Levels ? kYm2612Tables.level[p] : 0;
 }
 
-// The eight ways to connect the operators behind the first one. Each case takes its operators in
-// their true order, so that a modulator is always of the same sample.
-inline int32_t Connect(const YM2612_CHANNEL& channel, uint32_t lfoAttenuation, int32_t one) {
+// The eight algorithms, after operator 1. Each case runs its operators in their true order, so a modulator is
+// always of the same sample.
+inline int32_t RunAlgorithm(const YM2612_CHANNEL& channel, uint32_t lfoAttenuation, int32_t one) {
     const auto run = [&](size_t place, int32_t modulator) {
-        return Operator(channel.slots[place], static_cast<uint32_t>(modulator) << kModulationShift,
-                        lfoAttenuation);
+        return OperatorOutput(channel.slots[place],
+                              static_cast<uint32_t>(modulator) << kModulationShift, lfoAttenuation);
     };
     const auto two = [&](int32_t modulator) { return run(kYm2612Operator2, modulator); };
     const auto three = [&](int32_t modulator) { return run(kYm2612Operator3, modulator); };
@@ -154,10 +155,10 @@ inline int32_t ChannelOutput(YM2612_CHANNEL& channel, uint32_t lfoAm) {
     const auto sum = static_cast<uint32_t>(channel.operator1Out[0]) +
                      static_cast<uint32_t>(channel.operator1Out[1]);
     const uint32_t feedback = channel.feedback != 0 ? sum << channel.feedback : 0;
-    const int32_t one = Operator(channel.slots[kYm2612Operator1], feedback, lfoAttenuation);
+    const int32_t one = OperatorOutput(channel.slots[kYm2612Operator1], feedback, lfoAttenuation);
     channel.operator1Out[0] = channel.operator1Out[1];
     channel.operator1Out[1] = one;
-    return Connect(channel, lfoAttenuation, one);
+    return RunAlgorithm(channel, lfoAttenuation, one);
 }
 
 void RunChannels(YM2612& ym) {
@@ -177,7 +178,7 @@ void RunChannels(YM2612& ym) {
     }
 }
 
-// A triangle for the level; the pitch has a sine of 32 steps in the same time.
+// The attenuation is a triangle; the pitch goes through the 32 positions of its wave in the same time.
 void AdvanceLfo(YM2612& ym) {
     if (ym.lfoIncrement == 0) {
         return;
@@ -190,8 +191,8 @@ void AdvanceLfo(YM2612& ym) {
 
 // --- envelopes ----------------------------------------------------------------------------------
 
-// Whether it is a rate's turn, and by how much it then steps.
-inline bool Steps(uint32_t counter, YM2612_RATE rate, int32_t& increment) {
+// Whether a rate steps at this envelope clock, and by which increment.
+inline bool IsStepDue(uint32_t counter, YM2612_RATE rate, int32_t& increment) {
     if ((counter & ((1u << rate.shift) - 1)) != 0) {
         return false;
     }
@@ -199,10 +200,10 @@ inline bool Steps(uint32_t counter, YM2612_RATE rate, int32_t& increment) {
     return true;
 }
 
-// Every step takes a sixteenth of what is left, or more at higher rates.
+// Every step takes a sixteenth of the attenuation that is left, or more at higher rates.
 inline void StepAttack(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
-    if (!Steps(counter, slot.attack, increment)) {
+    if (!IsStepDue(counter, slot.attack, increment)) {
         return;
     }
     slot.volume += (~slot.volume * increment) >> 4;
@@ -211,8 +212,8 @@ inline void StepAttack(uint32_t counter, YM2612_SLOT& slot) {
     }
 }
 
-// An SSG ramp goes four times as fast, to its end.
-inline void Fall(YM2612_SLOT& slot, int32_t increment) {
+// An SSG ramp goes four times as fast, and stops at its end.
+inline void AddAttenuation(YM2612_SLOT& slot, int32_t increment) {
     if ((slot.ssg & kYm2612SsgOn) == 0) {
         slot.volume += increment;
     } else if (slot.volume < kYm2612SsgEnd) {
@@ -222,10 +223,10 @@ inline void Fall(YM2612_SLOT& slot, int32_t increment) {
 
 inline void StepDecay(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
-    if (!Steps(counter, slot.decay, increment)) {
+    if (!IsStepDue(counter, slot.decay, increment)) {
         return;
     }
-    Fall(slot, increment);
+    AddAttenuation(slot, increment);
     if (slot.volume >= static_cast<int32_t>(slot.sl)) {
         slot.state = Ym2612Envelope::kSustain;
     }
@@ -233,18 +234,18 @@ inline void StepDecay(uint32_t counter, YM2612_SLOT& slot) {
 
 inline void StepSustain(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
-    if (Steps(counter, slot.sustain, increment)) {
-        Fall(slot, increment);
+    if (IsStepDue(counter, slot.sustain, increment)) {
+        AddAttenuation(slot, increment);
         slot.volume = std::min(slot.volume, kYm2612Silent);
     }
 }
 
 inline void StepRelease(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
-    if (!Steps(counter, slot.release, increment)) {
+    if (!IsStepDue(counter, slot.release, increment)) {
         return;
     }
-    Fall(slot, increment);
+    AddAttenuation(slot, increment);
     const bool ssg = (slot.ssg & kYm2612SsgOn) != 0;
     if (slot.volume >= (ssg ? kYm2612SsgEnd : kYm2612Silent)) {
         slot.volume = kYm2612Silent;
@@ -261,10 +262,10 @@ inline void StepEnvelope(uint32_t counter, YM2612_SLOT& slot) {
     case Ym2612Envelope::kAttack: StepAttack(counter, slot); break;
     }
     auto volume = static_cast<uint32_t>(slot.volume);
-    // Kept on purpose: a running shape goes by the alternate bit here, whatever its turn.
-    constexpr uint8_t kTurned = kYm2612SsgOn | kYm2612SsgAlternate;
-    if ((slot.ssg & kTurned) == kTurned && slot.state > Ym2612Envelope::kRelease) {
-        volume ^= 1023;
+    // Settled here: a running shape is inverted by the alternate bit alone, whatever its ramp.
+    constexpr uint8_t kInverted = kYm2612SsgOn | kYm2612SsgAlternate;
+    if ((slot.ssg & kInverted) == kInverted && slot.state > Ym2612Envelope::kRelease) {
+        volume ^= static_cast<uint32_t>(kYm2612Silent);
     }
     slot.volOut = slot.tl + volume;
 }
@@ -291,17 +292,17 @@ void RaiseFlag(YM2612& ym, uint8_t timer) {
     }
 }
 
-void PressCsmKeys(YM2612& ym) {
+void CsmKeysOn(YM2612& ym) {
     for (YM2612_SLOT& slot : ym.channels[kYm2612Special].slots) {
-        Ym2612Press(ym, slot);
+        Ym2612KeyOn(ym, slot);
     }
     ym.csmKey = 1;
 }
 
-void ReleaseCsmKeys(YM2612& ym) {
+void CsmKeysOff(YM2612& ym) {
     for (YM2612_SLOT& slot : ym.channels[kYm2612Special].slots) {
         if (slot.keyOn == 0) {
-            Ym2612Release(slot);
+            Ym2612KeyOff(slot);
         }
     }
     ym.csmKey = 0;
@@ -315,11 +316,11 @@ void AdvanceTimers(YM2612& ym) {
         }
         ym.timerACount = static_cast<int32_t>(1024 - ym.timerA);
         if ((ym.mode & kYm2612SpecialBits) == kYm2612Csm) {
-            PressCsmKeys(ym);
+            CsmKeysOn(ym);
         }
     }
     if ((ym.csmKey & 2) != 0) {
-        ReleaseCsmKeys(ym);
+        CsmKeysOff(ym);
     }
     if ((ym.mode & kYm2612RunB) != 0 && --ym.timerBCount < 1) {
         if ((ym.mode & kYm2612FlagB) != 0) {

@@ -37,8 +37,8 @@ int32_t LfoOffset(uint32_t fnum, uint32_t depth, uint32_t position) {
     return offset;
 }
 
-// A quarter of the LFO's wave rises as the offsets do; the next one mirrors it, and the second half is
-// the first with the sign turned.
+// The first quarter of the LFO's wave is the row of offsets, the second mirrors it, and the second half is the
+// first one negated.
 void BuildLfoPhases(YM2612_TABLES& tables) {
     for (uint32_t row = 0; row < 128 * kYm2612LfoDepths; ++row) {
         int16_t* const wave = &tables.lfoPhase[size_t{row} * kYm2612LfoPositions];
@@ -129,7 +129,7 @@ constexpr std::array<uint16_t, 16> kYm2612SustainLevel{0,   32,  64,  96,  128, 
 
 constexpr std::array<uint8_t, 16> kYm2612KeyTable{0, 0, 0, 0, 0, 0, 0, 1, 2, 3, 3, 3, 3, 3, 3, 3};
 
-// 2^24 by the samples that a position lasts, of which 128 make a wave.
+// 2^24 divided by the samples of a position. A wave has 128 positions.
 constexpr std::array<uint32_t, 8> kYm2612LfoSteps{(1u << 24) / 108, (1u << 24) / 77, (1u << 24) / 71,
                                                   (1u << 24) / 67,  (1u << 24) / 62, (1u << 24) / 44,
                                                   (1u << 24) / 8,   (1u << 24) / 5};
@@ -159,9 +159,9 @@ constexpr std::array<std::array<int32_t, 32>, 8> MakeDetune() {
     return detune;
 }
 
-// The first 34 never step. From there on, four rates double the speed, first by stepping more often
-// and, from 80 on, by larger steps, until nothing gets faster from 92 on. The row of 36 and 37 is the
-// slower one of its four.
+// The first 34 rates never step. From there on, every four rates double the speed: first by stepping more
+// often, from 80 on by larger increments; from 92 on all are alike. 36 and 37 use the slowest row of their
+// group of four.
 constexpr uint32_t RowOfRate(uint32_t rate) {
     if (rate < 34) {
         return 18;

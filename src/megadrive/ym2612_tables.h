@@ -1,5 +1,5 @@
-// The constant tables of the YM2612. Sine, level and LFO tables follow a rule and are built once,
-// before `main`; the others are the part's own figures.
+// The constant tables of the YM2612. Sine, level and LFO tables follow a rule and are built once, before
+// `main`; the others are the chip's own figures (sources in ym2612.h).
 #pragma once
 
 #include "megadrive/ym2612.h"
@@ -9,7 +9,7 @@
 #include <cstdint>
 
 inline constexpr uint32_t kYm2612LevelSteps = 512; // entries of a row of `level`: 6 dB, both signs
-inline constexpr uint32_t kYm2612Levels = 13 * kYm2612LevelSteps; // from here on lies silence
+inline constexpr uint32_t kYm2612Levels = 13 * kYm2612LevelSteps; // from here on all is silent
 inline constexpr uint32_t kYm2612SineLength = 1024;
 
 inline constexpr uint32_t kYm2612LfoDepths = 8;

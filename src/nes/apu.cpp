@@ -6,13 +6,14 @@ namespace {
 
 constexpr int32_t kMixFactor = 50;
 
-// A step of 2 is not taken from here on.
+// The sample level moves by 2, but not from here up or down.
 constexpr uint8_t kLevelTop = 126;
 constexpr uint8_t kLevelBottom = 1;
 
-// Frame steps, by number.
-constexpr uint8_t kFiveStepIdle = 4; // the one that clocks nothing
-constexpr uint8_t kFourStepFirstIrq = 3;
+// Steps of the frame sequencer.
+constexpr uint8_t kFiveStepIdle = 4;     // clocks nothing
+constexpr uint8_t kFourStepFirstIrq = 3; // the interrupt rises in three cycles in a row
+constexpr uint8_t kFourStepHalfAtEnd = 4;
 constexpr uint8_t kFourStepLast = 5;
 
 void ClockEnvelope(APU_ENVELOPE& envelope) {
@@ -43,7 +44,7 @@ void ClockLinear(APU_TRIANGLE& triangle) {
     }
 }
 
-// The first pulse channel subtracts by adding the complement without the carry, so one more is gone.
+// Pulse 1 subtracts by adding the one's complement, so its result is one less.
 void ClockSweep(APU_PULSE& pulse, uint32_t negateExtra) {
     if (pulse.sweepDivider == 0 && pulse.sweepEnable && pulse.sweepShift != 0 && !pulse.muted) {
         const uint32_t change = uint32_t{pulse.period} >> pulse.sweepShift;
@@ -78,10 +79,10 @@ void ClockHalf(APU& apu) {
 }
 
 void FourStep(APU& apu, uint8_t step) {
-    if (step < 3 || step == 4) {
+    if (step < kFourStepFirstIrq || step == kFourStepHalfAtEnd) {
         ClockQuarter(apu);
     }
-    if (step == 1 || step == 4) {
+    if (step == 1 || step == kFourStepHalfAtEnd) {
         ClockHalf(apu);
     }
     if (step >= kFourStepFirstIrq && !apu.irqInhibit) {
@@ -127,7 +128,7 @@ void ApuReset(APU& apu, [[maybe_unused]] bool hard, uint32_t* irqLines) {
     *irqLines &= ~(kNesIrqFrame | kNesIrqSample);
 }
 
-// Too high a note, or one that the sweep would take beyond eleven bits, on or off.
+// Muted: a period under 8, or one that the sweep would take beyond eleven bits, even with the sweep off.
 void ApuUpdateMuting(APU_PULSE& pulse) {
     const uint32_t up = pulse.period + (uint32_t{pulse.period} >> pulse.sweepShift);
     pulse.muted = pulse.period < 8 || (!pulse.sweepNegate && (up & 0x800) != 0);
@@ -150,7 +151,7 @@ void ApuFrameStep(APU& apu) {
     }
 }
 
-// A clock of the counter in the same moment wins over the write.
+// A half frame that clocks the counter in the same cycle wins over the load.
 void ApuTakePendingLengths(APU& apu) {
     for (size_t i = 0; i < kApuLengths; ++i) {
         if ((apu.pendingLengths >> i & 1) != 0 && apu.length[i] == apu.lengthBeforeLoad[i]) {
@@ -184,7 +185,7 @@ void ApuFetchSample(APU& apu) {
     }
 }
 
-void ApuStepSample(APU& apu) {
+void ApuClockSample(APU& apu) {
     APU_SAMPLE& sample = apu.sample;
     sample.counter = kApuSampleRates[sample.rate];
     if (!sample.silent) {

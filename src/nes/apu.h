@@ -1,19 +1,17 @@
-// APU: the NES's sound unit. Two pulse channels, triangle, noise, a channel that plays delta-modulated
-// samples from memory, and the frame sequencer that times envelopes, sweeps and lengths.
+// APU: the NES's sound chip. Two pulse channels, triangle, noise, a channel that plays delta-modulated
+// samples from memory (DMC), and the frame sequencer that clocks envelopes, sweeps and length counters.
 //
-// Clock: one step is one processor cycle (1,789,773 Hz). Eight steps make one pair of samples.
-// Units: timers are in processor cycles; envelopes and the linear counter count quarter frames, lengths
+// Clock: one tick is one CPU cycle, 1,789,773 Hz. Eight ticks make one pair of samples.
+// Units: timers are in CPU cycles; envelopes and the linear counter count quarter frames, length counters
 //   and sweeps half frames. Channel outputs are signed; a sample is their sum x 50.
-// Owner: one machine, on its session's thread; no lock.
-// Pins: `pairs`, the owner's, takes the sound. `irqLines`, the processor's interrupt word, of which kNesIrqFrame and kNesIrqSample are this
-//   chip's and are the only copy of both flags. `readByte` gives a byte of 0x8000 to 0xFFFF for the
-//   sample channel; it must not look at `stallCycles`, which the owner's bus takes down as it holds
-//   the processor.
-// Order: ApuInit, ApuReset, then in every cycle ApuStep (apu_tick.h) before the processor's access.
-// Differs, and kept so on purpose: pulse and noise are signed and the mix is a plain sum, where the part
-//   has unsigned levels in two non-linear tables; a triangle of a period under 4 is silent; a read of
-//   the status clears the sample interrupt too; a direct write to the sample level gives 3 more than a
-//   step to it. Where a channel's level is taken, and what restarts what, are the published rules.
+// Owner: one machine, on its session's thread, without a lock.
+// Pins: `pairs` (the owner's) takes the sound. `irqLines` is the CPU's interrupt word: its bits kNesIrqFrame
+//   and kNesIrqSample belong to this chip and are the only copy of both flags. `readByte` returns a byte of
+//   0x8000 to 0xFFFF for the sample channel. It must not read `stallCycles`, which the owner's bus counts
+//   down while it holds the CPU.
+// Order: ApuInit, ApuReset, then ApuTick (apu_tick.h) in every cycle, before the CPU's access.
+// Sources: nesdev wiki, "APU", "APU Frame Counter", "APU DMC".
+// Differs: docs/HARDWARE.md, NES, APU. The page has the full list; all of it is settled here.
 #pragma once
 
 #include "machine/sound_pairs.h"
@@ -25,19 +23,19 @@
 
 inline constexpr double kApuClock = 1789773.0; // Hz
 inline constexpr uint32_t kApuCyclesPerPair = 8;
-inline constexpr double kApuSampleRate = 223721.625; // pairs a second
+inline constexpr double kApuSampleRate = 223721.625; // pairs per second
 
-inline constexpr uint32_t kApuStallCycles = 4; // the processor is held this long for a sample byte
+inline constexpr uint32_t kApuStallCycles = 4; // the CPU is held this long for a sample byte
 
-// The channels with a length counter, as the bits of registers and of the pending mask count them.
+// The channels with a length counter. The number is also the channel's bit in 0x4015 and in pendingLengths.
 enum ApuLength : uint32_t { kApuPulse1, kApuPulse2, kApuTriangle, kApuNoise, kApuLengths };
 
-// A volume that falls by itself, of pulse and noise.
+// The decaying volume of a pulse or noise channel.
 struct APU_ENVELOPE {
-    uint8_t period = 0; // the volume, or quarter frames a step minus 1; 0..15
+    uint8_t period = 0; // the constant volume, or quarter frames per decay step - 1; 0..15
     bool constant = false;
     bool loop = false;  // also halts the length counter
-    bool start = false; // begins anew with the next quarter frame
+    bool start = false; // restart on the next quarter frame
     uint8_t divider = 1;
     uint8_t decay = 0; // 0..15
 };
@@ -46,25 +44,25 @@ struct APU_PULSE {
     APU_ENVELOPE envelope;
     uint8_t duty = 0;     // 0..3
     uint8_t position = 0; // step of the wave, 0..7
-    uint16_t period = 0;  // 0..2047, in pairs of cycles minus 1
+    uint16_t period = 0;  // 0..2047, pairs of cycles - 1
     uint32_t counter = 1; // cycles until the next step
     bool sweepEnable = false;
     bool sweepNegate = false;
     bool sweepReload = false;
-    uint8_t sweepPeriod = 0; // half frames minus 1; 0..7
+    uint8_t sweepPeriod = 0; // half frames - 1; 0..7
     uint8_t sweepShift = 0;  // 0..7
     uint8_t sweepDivider = 1;
-    bool muted = true;  // by the sweep: follows from period, shift and negation
+    bool muted = true;  // by the sweep unit; derived from period, shift and negate
     int32_t output = 0; // -60..60
 };
 
 struct APU_TRIANGLE {
-    bool control = false; // keeps the linear counter reloading and the length halted
+    bool control = false; // keeps reloading the linear counter and halts the length counter
     bool linearReload = false;
     uint8_t linearPeriod = 0; // 0..127
     uint8_t linear = 0;       // quarter frames left
     uint8_t position = 0;     // step of the wave, 0..31
-    uint16_t period = 0;      // 0..2047, in cycles minus 1
+    uint16_t period = 0;      // 0..2047, cycles - 1
     uint32_t counter = 1;     // cycles until the next step
     int32_t output = 0;       // -64..56
 };
@@ -85,22 +83,21 @@ struct APU_SAMPLE {
     uint8_t startAddress = 0;  // 0xC000 + 64 x this
     uint8_t length = 0;        // 16 x this + 1 bytes
     uint16_t address = 0xC000; // of the next byte, 0x8000 and up
-    uint16_t bytesLeft = 0;    // still to be fetched
-    uint8_t buffer = 0;        // fetched and waiting
+    uint16_t bytesLeft = 0;    // to fetch
+    uint8_t buffer = 0;        // next byte to play
     bool bufferEmpty = true;
-    uint8_t shift = 0;    // being played, lowest bit first
+    uint8_t shift = 0;    // the byte being played, lowest bit first
     uint8_t bitsLeft = 8; // of this byte, 1..8
-    bool silent = true;   // no byte is being played
+    bool silent = true;   // no byte to play
     uint8_t level = 0;    // 0..127
     uint32_t counter = 1; // cycles until the next bit
     int32_t output = 0;   // level x 3 - 192, or - 189 after a direct write
 };
 
 struct APU {
-    uint32_t sampleClock =
-        0; // cycles since the last pair, 0..7; its lowest bit is the cycle's parity
-    uint32_t frameCounter = 1; // cycles until the next frame step
-    uint8_t frameStep = 0;     // which comes next: 0..5, or 0..4 with five steps
+    uint32_t sampleClock = 0;  // cycles since the last pair, 0..7; bit 0 is the cycle's parity
+    uint32_t frameCounter = 1; // cycles until the next step of the frame sequencer
+    uint8_t frameStep = 0;     // the next step: 0..5, or 0..4 in five-step mode
     bool fiveSteps = false;
     bool irqInhibit = false;
 
@@ -110,16 +107,16 @@ struct APU {
     APU_SAMPLE sample;
 
     // By ApuLength.
-    std::array<uint8_t, kApuLengths> length{};           // half frames left
-    std::array<bool, kApuLengths> halted{};              // the length stands
-    std::array<bool, kApuLengths> enabled{};             // by the status register
-    std::array<uint8_t, kApuLengths> pendingLength{};    // waits for the next cycle
-    std::array<uint8_t, kApuLengths> lengthBeforeLoad{}; // as it was at the write
-    uint8_t pendingLengths = 0;                          // bits by ApuLength: which wait
+    std::array<uint8_t, kApuLengths> length{}; // half frames left
+    std::array<bool, kApuLengths> halted{};
+    std::array<bool, kApuLengths> enabled{};             // by a write to 0x4015
+    std::array<uint8_t, kApuLengths> pendingLength{};    // loaded in the next cycle
+    std::array<uint8_t, kApuLengths> lengthBeforeLoad{}; // at the write
+    uint8_t pendingLengths = 0;                          // bits by ApuLength: a load is pending
 
-    uint32_t stallCycles = 0; // asked of the owner's bus, 0..4
+    uint32_t stallCycles = 0; // for the owner's bus to hold the CPU, 0..4
 
-    // As wired by the machine: set by ApuInit and ApuReset, in no state.
+    // Wiring, set by ApuInit and ApuReset; not part of a state.
     uint8_t (*readByte)(void* owner, uint16_t address) = nullptr;
     void* owner = nullptr;
     uint32_t* irqLines = nullptr;
@@ -127,23 +124,23 @@ struct APU {
     SOUND_PAIRS* pairs = nullptr; // not null while the chip runs
 };
 
-// The machine calls it before the first ApuReset.
+// Before the first ApuReset.
 void ApuInit(APU& apu, uint8_t (*readByte)(void* owner, uint16_t address), void* owner);
 
-// Power-on values; takes both interrupts down and the button of the console
-// does the same, so `hard` changes nothing.
+// Power-on values; clears both interrupts. The console's reset button does the same, so `hard` changes
+// nothing.
 void ApuReset(APU& apu, bool hard, uint32_t* irqLines);
 
-// 0x4000 to 0x4017, by the low five bits; those that are none of the sound unit's are ignored.
+// 0x4000 to 0x4017, by the low five bits. Addresses that are no APU registers are ignored.
 void ApuWrite(APU& apu, uint16_t address, uint8_t value);
 
-// 0x4015; the second one has no side effect.
+// 0x4015. The read clears both interrupts, the peek has no side effect.
 [[nodiscard]] uint8_t ApuReadStatus(APU& apu);
 [[nodiscard]] uint8_t ApuPeekStatus(const APU& apu);
 
-// The state holds the chip, both interrupts included, without the sound on its way.
+// The state holds the chip and both interrupts, not the samples already in `pairs`.
 [[nodiscard]] uint32_t ApuStateSize();
-// Writes ApuStateSize bytes and gives the byte behind them.
+// Writes ApuStateSize bytes; returns the byte after them.
 uint8_t* ApuSaveState(const APU& apu, uint8_t* out);
-// Gives the bytes used, or 0 with nothing changed when the piece doesn't fit. Any contents are safe.
+// Returns the bytes used, or 0 with nothing changed if the version or size is wrong. Any contents are safe.
 [[nodiscard]] uint32_t ApuLoadState(APU& apu, const uint8_t* data, uint32_t size);

@@ -3,7 +3,7 @@
 
 namespace {
 
-// Offsets within the first 32 bytes of 0x4000.
+// Registers are offsets from 0x4000.
 constexpr uint32_t kOffsetMask = 0x1F;
 
 enum Offset : uint32_t {
@@ -31,43 +31,75 @@ enum Offset : uint32_t {
     kFrame = 0x17,
 };
 
-// The four low bits of the status are the length counters.
+// 0x4000, 0x4004, 0x400C. Pulse channels have the duty in the upper two bits.
+constexpr uint8_t kEnvelopePeriod = 0x0F;
+constexpr uint8_t kEnvelopeConstant = 0x10;
+constexpr uint8_t kEnvelopeLoop = 0x20;
+constexpr uint32_t kDutyShift = 6;
+
+// 0x4001, 0x4005.
+constexpr uint8_t kSweepShift = 0x07;
+constexpr uint8_t kSweepNegate = 0x08;
+constexpr uint8_t kSweepPeriod = 0x70;
+constexpr uint32_t kSweepPeriodShift = 4;
+constexpr uint8_t kSweepEnable = 0x80;
+
+// 0x4003, 0x4007, 0x400B, 0x400F.
+constexpr uint8_t kPeriodHigh = 0x07;
+constexpr uint32_t kLengthShift = 3;
+
+// 0x4008.
+constexpr uint8_t kLinearPeriod = 0x7F;
+constexpr uint8_t kLinearControl = 0x80;
+
+// 0x400E.
+constexpr uint8_t kNoiseRate = 0x0F;
+constexpr uint8_t kNoiseShortMode = 0x80;
+
+// 0x4010 and 0x4011.
+constexpr uint8_t kSampleRateIndex = 0x0F;
+constexpr uint8_t kSampleLoop = 0x40;
+constexpr uint8_t kSampleIrqEnable = 0x80;
+constexpr uint8_t kSampleLevelBits = 0x7F;
+
+// 0x4015. The low four bits are the channels of ApuLength.
 constexpr uint8_t kStatusSample = 0x10;
 constexpr uint8_t kStatusFrameIrq = 0x40;
 constexpr uint8_t kStatusSampleIrq = 0x80;
 
-constexpr uint8_t kFrameFiveSteps = 0x80;
+// 0x4017.
 constexpr uint8_t kFrameIrqInhibit = 0x40;
+constexpr uint8_t kFrameFiveSteps = 0x80;
 
 uint16_t WithLowBits(uint16_t period, uint8_t value) {
-    return static_cast<uint16_t>((period & 0x700) | value);
+    return static_cast<uint16_t>((period & kPeriodHigh << 8) | value);
 }
 
 uint16_t WithHighBits(uint16_t period, uint8_t value) {
-    return static_cast<uint16_t>((period & 0x0FF) | (value & 7) << 8);
+    return static_cast<uint16_t>((period & 0xFF) | (value & kPeriodHigh) << 8);
 }
 
 void WriteEnvelope(APU& apu, APU_ENVELOPE& envelope, ApuLength channel, uint8_t value) {
-    envelope.period = value & 15;
-    envelope.constant = (value & 0x10) != 0;
-    envelope.loop = (value & 0x20) != 0;
+    envelope.period = value & kEnvelopePeriod;
+    envelope.constant = (value & kEnvelopeConstant) != 0;
+    envelope.loop = (value & kEnvelopeLoop) != 0;
     apu.halted[channel] = envelope.loop;
 }
 
-// The value waits until the next cycle has clocked the counter, should that be due.
+// The load waits for the next cycle, after a half frame that may clock the counter there.
 void WriteLength(APU& apu, ApuLength channel, uint8_t value) {
     if (apu.enabled[channel]) {
-        apu.pendingLength[channel] = kApuLengthTable[value >> 3];
+        apu.pendingLength[channel] = kApuLengthTable[value >> kLengthShift];
         apu.lengthBeforeLoad[channel] = apu.length[channel];
         apu.pendingLengths = static_cast<uint8_t>(apu.pendingLengths | 1u << channel);
     }
 }
 
 void WriteSweep(APU_PULSE& pulse, uint8_t value) {
-    pulse.sweepEnable = (value & 0x80) != 0;
-    pulse.sweepPeriod = value >> 4 & 7;
-    pulse.sweepNegate = (value & 8) != 0;
-    pulse.sweepShift = value & 7;
+    pulse.sweepEnable = (value & kSweepEnable) != 0;
+    pulse.sweepPeriod = (value & kSweepPeriod) >> kSweepPeriodShift;
+    pulse.sweepNegate = (value & kSweepNegate) != 0;
+    pulse.sweepShift = value & kSweepShift;
     pulse.sweepReload = true;
     ApuUpdateMuting(pulse);
 }
@@ -76,7 +108,7 @@ void WritePulse(APU& apu, ApuLength channel, uint32_t offset, uint8_t value) {
     APU_PULSE& pulse = apu.pulses[channel];
     switch (offset) {
     case kPulse1Volume:
-        pulse.duty = value >> 6;
+        pulse.duty = value >> kDutyShift;
         WriteEnvelope(apu, pulse.envelope, channel, value);
         break;
     case kPulse1Sweep: WriteSweep(pulse, value); break;
@@ -98,8 +130,8 @@ void WriteTriangle(APU& apu, uint32_t offset, uint8_t value) {
     APU_TRIANGLE& triangle = apu.triangle;
     switch (offset) {
     case kTriangleLinear:
-        triangle.control = (value & 0x80) != 0;
-        triangle.linearPeriod = value & 0x7F;
+        triangle.control = (value & kLinearControl) != 0;
+        triangle.linearPeriod = value & kLinearPeriod;
         apu.halted[kApuTriangle] = triangle.control;
         break;
     case kTriangleLow: triangle.period = WithLowBits(triangle.period, value); break;
@@ -117,8 +149,8 @@ void WriteNoise(APU& apu, uint32_t offset, uint8_t value) {
     switch (offset) {
     case kNoiseVolume: WriteEnvelope(apu, noise.envelope, kApuNoise, value); break;
     case kNoisePeriod:
-        noise.shortMode = (value & 0x80) != 0;
-        noise.rate = value & 15;
+        noise.shortMode = (value & kNoiseShortMode) != 0;
+        noise.rate = value & kNoiseRate;
         break;
     case kNoiseLength:
         noise.envelope.start = true;
@@ -129,9 +161,9 @@ void WriteNoise(APU& apu, uint32_t offset, uint8_t value) {
 }
 
 void WriteSampleRate(APU& apu, uint8_t value) {
-    apu.sample.irqEnable = (value & 0x80) != 0;
-    apu.sample.loop = (value & 0x40) != 0;
-    apu.sample.rate = value & 15;
+    apu.sample.irqEnable = (value & kSampleIrqEnable) != 0;
+    apu.sample.loop = (value & kSampleLoop) != 0;
+    apu.sample.rate = value & kSampleRateIndex;
     if (!apu.sample.irqEnable) {
         *apu.irqLines &= ~kNesIrqSample;
     }
@@ -142,7 +174,7 @@ void WriteSample(APU& apu, uint32_t offset, uint8_t value) {
     switch (offset) {
     case kSampleRate: WriteSampleRate(apu, value); break;
     case kSampleLevel:
-        sample.level = value & 0x7F;
+        sample.level = value & kSampleLevelBits;
         sample.output = sample.level * kApuSampleFactor + kApuSampleOffsetWritten;
         break;
     case kSampleAddress: sample.startAddress = value; break;

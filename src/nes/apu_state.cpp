@@ -1,5 +1,5 @@
-// What a saved state keeps of the sound unit. Whatever is loaded is brought into the ranges that the
-// chip itself keeps to: most of it becomes an index or a counter that must not be zero.
+// The APU's state. Loaded values are brought into the chip's own ranges: most become an index or a counter
+// that must not be zero.
 #include "machine/state_piece.h"
 #include "nes/apu.h"
 #include "nes/apu_private.h"
@@ -76,7 +76,7 @@ void SampleFields(APU_SAMPLE& sample, Visit& visit) {
     visit(sample.output);
 }
 
-// `irqs`: the chip's bits of the interrupt word.
+// `irqs`: the APU's bits of the interrupt word.
 template <typename Visit>
 void Fields(APU& apu, uint32_t& irqs, Visit& visit) {
     visit(apu.sampleClock);
@@ -100,14 +100,14 @@ void Fields(APU& apu, uint32_t& irqs, Visit& visit) {
     visit(irqs);
 }
 
-void MakeSafe(APU_ENVELOPE& envelope) {
+void Sanitize(APU_ENVELOPE& envelope) {
     envelope.period &= 15;
     envelope.divider &= 15;
     envelope.decay &= 15;
 }
 
-void MakeSafe(APU_PULSE& pulse) {
-    MakeSafe(pulse.envelope);
+void Sanitize(APU_PULSE& pulse) {
+    Sanitize(pulse.envelope);
     pulse.duty &= 3;
     pulse.position &= 7;
     pulse.period &= 0x7FF;
@@ -119,7 +119,7 @@ void MakeSafe(APU_PULSE& pulse) {
     ApuUpdateMuting(pulse);
 }
 
-void MakeSafe(APU_TRIANGLE& triangle) {
+void Sanitize(APU_TRIANGLE& triangle) {
     triangle.linearPeriod &= 0x7F;
     triangle.linear &= 0x7F;
     triangle.position &= 31;
@@ -128,8 +128,8 @@ void MakeSafe(APU_TRIANGLE& triangle) {
     triangle.output = std::clamp(triangle.output, -64, 56);
 }
 
-void MakeSafe(APU_NOISE& noise) {
-    MakeSafe(noise.envelope);
+void Sanitize(APU_NOISE& noise) {
+    Sanitize(noise.envelope);
     noise.rate &= 15;
     noise.shift &= 0x7FFF;
     noise.shift = std::max<uint16_t>(noise.shift, 1);
@@ -137,7 +137,7 @@ void MakeSafe(APU_NOISE& noise) {
     noise.output = std::clamp(noise.output, -30, 30);
 }
 
-void MakeSafe(APU_SAMPLE& sample) {
+void Sanitize(APU_SAMPLE& sample) {
     sample.rate &= 15;
     sample.address |= 0x8000;
     sample.bytesLeft = std::min<uint16_t>(sample.bytesLeft, 255 * 16 + 1);
@@ -148,17 +148,17 @@ void MakeSafe(APU_SAMPLE& sample) {
                                127 * kApuSampleFactor + kApuSampleOffsetWritten);
 }
 
-void MakeSafe(APU& apu) {
+void Sanitize(APU& apu) {
     apu.sampleClock %= kApuCyclesPerPair;
     apu.frameCounter = std::clamp<uint32_t>(apu.frameCounter, 1, kApuFourSteps[0] + 2u);
     const size_t frameSteps = (apu.fiveSteps ? kApuFiveSteps.size() : kApuFourSteps.size()) - 1;
     apu.frameStep = static_cast<uint8_t>(apu.frameStep % frameSteps);
     for (APU_PULSE& pulse : apu.pulses) {
-        MakeSafe(pulse);
+        Sanitize(pulse);
     }
-    MakeSafe(apu.triangle);
-    MakeSafe(apu.noise);
-    MakeSafe(apu.sample);
+    Sanitize(apu.triangle);
+    Sanitize(apu.noise);
+    Sanitize(apu.sample);
     apu.pendingLengths &= 15;
     apu.stallCycles = std::min(apu.stallCycles, kApuStallCycles);
 }
@@ -178,7 +178,7 @@ uint32_t ApuStateSize() {
 
 uint8_t* ApuSaveState(const APU& apu, uint8_t* out) {
     auto& fields =
-        const_cast<APU&>(apu); // The visitor that only reads is the one that also writes.
+        const_cast<APU&>(apu); // saving shares the field list with loading; it changes nothing
     uint32_t irqs = *apu.irqLines & kOwnIrqs;
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, irqs, visit); });
 }
@@ -188,7 +188,7 @@ uint32_t ApuLoadState(APU& apu, const uint8_t* data, uint32_t size) {
     const uint32_t used =
         StatePieceRead(data, size, [&](auto& visit) { Fields(apu, irqs, visit); });
     if (used != 0) {
-        MakeSafe(apu);
+        Sanitize(apu);
         *apu.irqLines = (*apu.irqLines & ~kOwnIrqs) | (irqs & kOwnIrqs);
     }
     return used;

@@ -1,9 +1,10 @@
-// The sound unit's cycle, for the machine's loop: a few counters, of which one rarely runs out.
+// The APU's tick, one CPU cycle, to be inlined into a machine's frame loop: a few counters that rarely run
+// out.
 #pragma once
 
 #include "nes/apu_private.h"
 
-inline void ApuStepPulse(APU_PULSE& pulse, uint8_t length) {
+inline void ApuClockPulse(APU_PULSE& pulse, uint8_t length) {
     pulse.counter = pulse.period * 2u + 2;
     pulse.position = (pulse.position + 1) & 7;
     pulse.output = length != 0 && !pulse.muted
@@ -11,8 +12,8 @@ inline void ApuStepPulse(APU_PULSE& pulse, uint8_t length) {
                        : 0;
 }
 
-// A channel that isn't playing keeps its level, so that it stops and starts without a click.
-inline void ApuStepTriangle(APU_TRIANGLE& triangle, uint8_t length) {
+// A stopped channel keeps its level, so it stops and starts without a click.
+inline void ApuClockTriangle(APU_TRIANGLE& triangle, uint8_t length) {
     triangle.counter = triangle.period + 1u;
     if (length == 0 || triangle.linear == 0) {
         return;
@@ -22,7 +23,7 @@ inline void ApuStepTriangle(APU_TRIANGLE& triangle, uint8_t length) {
         triangle.period < kApuTriangleLeastPeriod ? 0 : kApuTriangleWave[triangle.position] * 8;
 }
 
-inline void ApuStepNoise(APU_NOISE& noise, uint8_t length) {
+inline void ApuClockNoise(APU_NOISE& noise, uint8_t length) {
     noise.counter = kApuNoisePeriods[noise.rate];
     const uint32_t shift = noise.shift;
     const uint32_t bit = (shift >> 14 ^ shift >> (noise.shortMode ? 8 : 13)) & 1;
@@ -31,8 +32,8 @@ inline void ApuStepNoise(APU_NOISE& noise, uint8_t length) {
     noise.output = (noise.shift & 0x4000) != 0 ? volume * -2 : volume * 2;
 }
 
-// One processor cycle.
-inline void ApuStep(APU& apu) {
+// One CPU cycle.
+inline void ApuTick(APU& apu) {
     ++apu.sampleClock;
     if (--apu.frameCounter == 0) [[unlikely]] {
         ApuFrameStep(apu);
@@ -41,19 +42,19 @@ inline void ApuStep(APU& apu) {
         ApuTakePendingLengths(apu);
     }
     if (--apu.pulses[0].counter == 0) {
-        ApuStepPulse(apu.pulses[0], apu.length[kApuPulse1]);
+        ApuClockPulse(apu.pulses[0], apu.length[kApuPulse1]);
     }
     if (--apu.pulses[1].counter == 0) {
-        ApuStepPulse(apu.pulses[1], apu.length[kApuPulse2]);
+        ApuClockPulse(apu.pulses[1], apu.length[kApuPulse2]);
     }
     if (--apu.triangle.counter == 0) {
-        ApuStepTriangle(apu.triangle, apu.length[kApuTriangle]);
+        ApuClockTriangle(apu.triangle, apu.length[kApuTriangle]);
     }
     if (--apu.noise.counter == 0) {
-        ApuStepNoise(apu.noise, apu.length[kApuNoise]);
+        ApuClockNoise(apu.noise, apu.length[kApuNoise]);
     }
     if (--apu.sample.counter == 0) [[unlikely]] {
-        ApuStepSample(apu);
+        ApuClockSample(apu);
     }
     if (apu.sampleClock == kApuCyclesPerPair) {
         ApuMakePair(apu);

@@ -1,11 +1,17 @@
-// Boards of at most one register: 0 plain, 2 program bank, 3 character bank, 7 one-screen, 66 two
-// banks.
+// Boards with at most one register: 0 plain, 2 program bank, 3 character bank, 7 one-screen, 66 two banks.
 //
-// Any write to 0x8000 and up is the register, wherever it goes. A game without a character image has
-// the 8 KB of its record as character RAM; 2 and 7 have that RAM whatever the image brings.
+// Every write to 0x8000 and up sets the register. A game without a character image has the 8 KB of its record
+// as character RAM; 2 and 7 always have that RAM.
 #include "nes/board_private.h"
 
 namespace {
+
+// The register of 7: a 32 KB program bank and the nametable page. 66: a program and a character bank.
+constexpr uint8_t kOneScreenProgram = 0x07;
+constexpr uint8_t kOneScreenPageB = 0x10;
+constexpr uint8_t kTwoBankCharacter = 0x03;
+constexpr uint8_t kTwoBankProgram = 0x30;
+constexpr uint32_t kTwoBankProgramShift = 4;
 
 struct BANK_STATE : NES_BOARD_STATE {
     uint8_t value = 0;
@@ -51,15 +57,16 @@ void SyncCharacterBank(NES_CARTRIDGE& cartridge) {
 
 void SyncOneScreen(NES_CARTRIDGE& cartridge) {
     const uint8_t value = State(cartridge).value;
-    MapPrg32(cartridge, 8, value & 7);
+    MapPrg32(cartridge, 8, value & kOneScreenProgram);
     MapRam(cartridge);
-    SetMirroring(cartridge, (value & 0x10) != 0 ? NesMirroring::kPageB : NesMirroring::kPageA);
+    SetMirroring(cartridge,
+                 (value & kOneScreenPageB) != 0 ? NesMirroring::kPageB : NesMirroring::kPageA);
 }
 
 void SyncTwoBanks(NES_CARTRIDGE& cartridge) {
     const uint8_t value = State(cartridge).value;
-    MapPrg32(cartridge, 8, value >> 4 & 3);
-    MapChrImageOrRam(cartridge, value & 3);
+    MapPrg32(cartridge, 8, (value & kTwoBankProgram) >> kTwoBankProgramShift);
+    MapChrImageOrRam(cartridge, value & kTwoBankCharacter);
 }
 
 template <void (*Sync)(NES_CARTRIDGE&)>

@@ -1,15 +1,16 @@
-// Board 73: a program bank and a counter of processor cycles.
+// Board 73: a program bank and a counter of CPU cycles.
 #include "nes/board_private.h"
 
 namespace {
 
-// Bits of the control register.
+// Control register.
 constexpr uint8_t kEnableAfterAcknowledge = 1;
 constexpr uint8_t kCounting = 2;
 constexpr uint8_t kEightBits = 4;
+constexpr uint8_t kControlMask = 7;
 
 constexpr uint32_t kFull = 0xFFFF;
-// Bit 16 lies above the counter, so in this mode it is never full and no interrupt comes.
+// Bit 16 is above the counter: in this mode it is never full and never interrupts.
 constexpr uint32_t kFullEightBits = 0x100FF;
 
 struct CYCLE_STATE : NES_BOARD_STATE {
@@ -35,8 +36,7 @@ CYCLE_STATE& State(NES_CARTRIDGE& cartridge) {
     return BoardState<CYCLE_STATE>(cartridge);
 }
 
-// The program RAM stands in the first two pages, which the machine answers by itself, so no access
-// ever reaches it.
+// The program RAM is in the first two pages, which the machine answers itself, so no access reaches it.
 void MapHiddenRam(NES_CARTRIDGE& cartridge) {
     NesBoardRam& ram = State(cartridge).programRam;
     cartridge.pages.cpu[0] = {ram.data(), true, true};
@@ -65,7 +65,7 @@ void Clock(NES_CARTRIDGE& cartridge) {
     }
 }
 
-// Pages 8 to 11 each hold one digit of the latch, lowest first.
+// Pages 8 to 11 each set one hexadecimal digit of the latch, the lowest first.
 void WriteLatch(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     CYCLE_STATE& state = State(cartridge);
     const uint32_t shift = (address >> 12 & 3u) * 4;
@@ -74,7 +74,7 @@ void WriteLatch(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
 
 void WriteControl(NES_CARTRIDGE& cartridge, uint16_t /*address*/, uint8_t value) {
     CYCLE_STATE& state = State(cartridge);
-    state.control = value & 7;
+    state.control = value & kControlMask;
     if ((state.control & kCounting) != 0) {
         state.counter = state.latch;
     }
@@ -107,7 +107,7 @@ void Reset(NES_CARTRIDGE& cartridge) {
 }
 
 void Restore(NES_CARTRIDGE& cartridge) {
-    State(cartridge).control &= 7;
+    State(cartridge).control &= kControlMask;
     Sync(cartridge);
 }
 

@@ -1,17 +1,19 @@
-// Board 9: each half of the patterns has two registers, and the picture unit's own reads of tiles FD
-// and FE choose between them.
+// Board 9: each half of the pattern tables has two bank registers, and the PPU's reads of tiles FD and FE
+// select between them.
 #include "nes/board_private.h"
 
 namespace {
 
 constexpr uint32_t kPagesAHalf = 4;
 constexpr uint16_t kTileMask = 0x3F8;
-constexpr uint16_t kTileFd = 0x3D8; // high planes of the tiles within the last page of a half
+constexpr uint16_t kTileFd = 0x3D8; // high plane of the tile, in the last page of a half
 constexpr uint16_t kTileFe = 0x3E8;
+constexpr uint8_t kProgramBits = 15;
+constexpr uint8_t kCharacterBits = 31;
 
 enum Latch : uint8_t { kFd, kFe };
 
-// In place of the mirroring register's bit: an image with four screens, and nothing written yet.
+// Stored instead of the mirroring register's bit: four screens by the header, and nothing written yet.
 constexpr uint8_t kFourScreens = 2;
 
 struct LATCHED_STATE : NES_BOARD_STATE {
@@ -38,7 +40,7 @@ void MapHalf(NES_CARTRIDGE& cartridge, uint32_t half) {
     MapChr4(cartridge, half * kPagesAHalf, state.character[half * 2 + state.latches[half]]);
 }
 
-// The header's four screens last until the register is written.
+// The header's four screens apply until the register is written.
 void SyncMirroring(NES_CARTRIDGE& cartridge) {
     const uint8_t value = State(cartridge).mirroring;
     SetMirroring(cartridge, (value & kFourScreens) != 0 ? HeaderMirroring(cartridge)
@@ -55,7 +57,7 @@ void Sync(NES_CARTRIDGE& cartridge) {
     MapHalf(cartridge, 1);
 }
 
-// The tile's own byte still comes from the bank that was shown.
+// The byte read still comes from the old bank.
 uint8_t ReadAndLatch(void* board, uint16_t address) {
     NES_CARTRIDGE& cartridge = *static_cast<NES_CARTRIDGE*>(board);
     const uint8_t* data = cartridge.pages.ppu[address >> 10 & 15].data;
@@ -70,18 +72,18 @@ uint8_t ReadAndLatch(void* board, uint16_t address) {
 }
 
 void WriteProgram(NES_CARTRIDGE& cartridge, uint16_t /*address*/, uint8_t value) {
-    State(cartridge).program = value & 15;
+    State(cartridge).program = value & kProgramBits;
     Sync(cartridge);
 }
 
 void WriteCharacter(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     constexpr uint32_t kFirstPage = 11;
-    State(cartridge).character[(address >> 12) - kFirstPage] = value & 31;
+    State(cartridge).character[(address >> 12) - kFirstPage] = value & kCharacterBits;
     Sync(cartridge);
 }
 
 void WriteMirroring(NES_CARTRIDGE& cartridge, uint16_t /*address*/, uint8_t value) {
-    State(cartridge).mirroring = value & 1;
+    State(cartridge).mirroring = value & kMirroringHorizontal;
     Sync(cartridge);
 }
 
@@ -102,13 +104,13 @@ void Reset(NES_CARTRIDGE& cartridge) {
 
 void Restore(NES_CARTRIDGE& cartridge) {
     LATCHED_STATE& state = State(cartridge);
-    state.program &= 15;
-    state.mirroring &= kFourScreens | 1;
+    state.program &= kProgramBits;
+    state.mirroring &= kFourScreens | kMirroringHorizontal;
     for (uint8_t& latch : state.latches) {
         latch &= 1;
     }
     for (uint8_t& bank : state.character) {
-        bank &= 31;
+        bank &= kCharacterBits;
     }
     Sync(cartridge);
 }

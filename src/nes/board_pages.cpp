@@ -9,7 +9,7 @@ constexpr size_t kFirstNametable = 8;
 constexpr size_t kFirstNametableMirror = 12;
 constexpr uint32_t kFirstRamPage = 6;
 
-// Index: NesMirroring. The nametable page that each quarter shows.
+// Index: NesMirroring, nametable. The nametable page.
 constexpr std::array<std::array<uint8_t, kNametablePages>, 5> kMirrorings{
     {{0, 0, 0, 0}, {1, 1, 1, 1}, {0, 1, 0, 1}, {0, 0, 1, 1}, {0, 1, 2, 3}}
 };
@@ -95,11 +95,12 @@ NesMirroring HeaderMirroring(const NES_CARTRIDGE& cartridge) {
 }
 
 uint8_t HeaderMirroringRegister(const NES_CARTRIDGE& cartridge) {
-    return (cartridge.flags & kNesVerticalMirroring) != 0 ? 0 : 1;
+    return (cartridge.flags & kNesVerticalMirroring) != 0 ? 0 : kMirroringHorizontal;
 }
 
 NesMirroring RegisterMirroring(uint8_t value) {
-    return (value & 1) != 0 ? NesMirroring::kHorizontal : NesMirroring::kVertical;
+    return (value & kMirroringHorizontal) != 0 ? NesMirroring::kHorizontal
+                                               : NesMirroring::kVertical;
 }
 
 void SetWriteHandler(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t lastPage,

@@ -1,7 +1,7 @@
-// What the boards share: putting pages into the tables, mirroring, and state records.
+// What the boards share: mapping pages, mirroring, and state records.
 //
-// Every page number is masked by the image's size, so a bank number that is too large wraps where the
-// image is a power of two of banks and shows absent pages where it is not.
+// Every page number is masked by the image's size: a bank number that is too large wraps if the number of
+// banks is a power of two, and otherwise maps absent pages.
 #pragma once
 
 #include "machine/state_piece.h"
@@ -18,7 +18,7 @@ extern const NES_BOARD_ROW kNesLatchedBoard;       // 9
 extern const NES_BOARD_ROW kNesTwoBankBoard;       // 66
 extern const NES_BOARD_ROW kNesCycleBoard;         // 73
 
-// Which pages the four nametables are.
+// The pages of the four nametables.
 enum class NesMirroring : uint8_t {
     kPageA,       // A A A A
     kPageB,       // B B B B
@@ -27,7 +27,7 @@ enum class NesMirroring : uint8_t {
     kFourScreens, // A B C D
 };
 
-// Program image: 8, 4 and 2 pages of 4 KB from `firstPage` on.
+// Program image: maps 8, 4 or 2 pages of 4 KB from `firstPage` on.
 void MapPrg32(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t bank);
 void MapPrg16(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t bank);
 void MapPrg8(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t bank);
@@ -35,21 +35,22 @@ void MapPrg8(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t bank);
 // The number of the image's last bank of 16 KB.
 [[nodiscard]] uint32_t LastPrg16(const NES_CARTRIDGE& cartridge);
 
-// Character image: 8, 4 and 1 pages of 1 KB. Nothing happens where the image has none.
+// Character image: maps 8, 4 or 1 pages of 1 KB. Does nothing if there is no character image.
 void MapChr8(NES_CARTRIDGE& cartridge, uint32_t bank);
 void MapChr4(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t bank);
 void MapChr1(NES_CARTRIDGE& cartridge, uint32_t page, uint32_t bank);
 
-// Character RAM: `pages` pages from `firstPage` on show `ram` in order.
+// Character RAM: maps `pages` pages of `ram` in order, from `firstPage` on.
 void MapChrRam(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t pages, uint8_t* ram);
 
-// Program RAM at CPU pages 6 and 7; closed, it is neither readable nor writable.
+// Program RAM at CPU pages 6 and 7.
 void MapPrgRam(NES_CARTRIDGE& cartridge, NesBoardRam& ram, bool readable, bool writable);
 
 void SetMirroring(NES_CARTRIDGE& cartridge, NesMirroring mirroring);
 [[nodiscard]] NesMirroring HeaderMirroring(const NES_CARTRIDGE& cartridge);
 
-// The mirroring register of boards 4 and 9: bit 0 is set for A A B B and clear for A B A B.
+// The mirroring register of boards 4 and 9: set for A A B B, clear for A B A B.
+inline constexpr uint8_t kMirroringHorizontal = 1;
 [[nodiscard]] uint8_t HeaderMirroringRegister(const NES_CARTRIDGE& cartridge);
 [[nodiscard]] NesMirroring RegisterMirroring(uint8_t value);
 
@@ -66,7 +67,7 @@ template <typename State>
     return static_cast<State&>(*cartridge.state);
 }
 
-// A record names what a state keeps of it in `Fields` (Visit&).
+// A record lists its saved fields in `Fields` (Visit&).
 template <typename State>
 uint32_t SaveBoardState(const NES_CARTRIDGE& cartridge, uint8_t* out) {
     State& state = BoardState<State>(cartridge);
@@ -77,7 +78,7 @@ uint32_t SaveBoardState(const NES_CARTRIDGE& cartridge, uint8_t* out) {
     return StatePieceSize(fields);
 }
 
-// `Restore` masks what was loaded and brings the page tables back.
+// `Restore` masks the loaded fields and maps the pages again.
 template <typename State, void (*Restore)(NES_CARTRIDGE&)>
 uint32_t LoadBoardState(NES_CARTRIDGE& cartridge, const uint8_t* data, uint32_t size) {
     State& state = BoardState<State>(cartridge);

@@ -1,21 +1,23 @@
-// Board 4: eight character and four program registers, and a counter of scanlines.
+// Board 4: eight character and four program registers, and a scanline counter.
 //
-// The counter falls with the first pattern address of the upper half (bit 12 set) that follows enough
-// of the lower one. Background and sprites in different halves make that once a line.
+// The counter is clocked by a rise of address bit 12 after enough addresses with the bit clear. With background
+// and sprites in different pattern tables that happens once per line.
 #include "nes/board_private.h"
 
 namespace {
 
-// How long an address with bit 12 set hides further ones from the counter: it passes over the next seven
-// addresses, and from the eighth on one with bit 12 set counts.
+// An address with bit 12 set closes the filter for the next seven addresses; from the eighth on, bit 12 counts
+// again.
 constexpr uint8_t kFilterAddresses = 8;
 constexpr uint16_t kUpperHalf = 0x1000;
 
-// Bits of the bank select register.
+// Bank select register.
+constexpr uint8_t kSelectMask = 0x07;
 constexpr uint8_t kSwapPrograms = 0x40;
 constexpr uint8_t kSwapCharacters = 0x80;
+constexpr uint8_t kProgramBits = 63;
 
-// Bits of the RAM control.
+// RAM control register.
 constexpr uint8_t kRamOpen = 0x80;
 constexpr uint8_t kRamProtected = 0x40;
 
@@ -23,7 +25,7 @@ struct SCANLINE_STATE : NES_BOARD_STATE {
     uint8_t irqEnable = 0; // 0 or 1
     uint8_t counter = 0;   // scanlines left
     uint8_t latch = 0;
-    uint8_t reload = 0; // 0 or 1: the counter takes the latch next time
+    uint8_t reload = 0; // 1: the next clock loads the latch
     uint8_t filter = 0; // addresses until bit 12 counts again, 0..8
     uint8_t bankSelect = 0;
     uint8_t ramControl = 0;
@@ -56,14 +58,14 @@ SCANLINE_STATE& State(NES_CARTRIDGE& cartridge) {
 
 void Sync(NES_CARTRIDGE& cartridge) {
     SCANLINE_STATE& state = State(cartridge);
-    // An image with four screens keeps its four pages whatever is written.
+    // Four screens by the header override the mirroring register.
     if ((cartridge.flags & kNesFourScreens) == 0) {
         SetMirroring(cartridge, RegisterMirroring(state.mirroring));
     }
     const uint32_t swapped = (state.bankSelect & kSwapPrograms) != 0 ? 2 : 0;
     for (uint32_t i = 0; i < 4; ++i) {
         const uint32_t index = (i & 1) != 0 ? i : i ^ swapped;
-        MapPrg8(cartridge, 8 + i * 2, state.program[index] & 63u);
+        MapPrg8(cartridge, 8 + i * 2, uint32_t{state.program[index]} & kProgramBits);
     }
     const uint32_t half = (state.bankSelect & kSwapCharacters) != 0 ? 4 : 0;
     for (uint32_t i = 0; i < 8; ++i) {
@@ -79,14 +81,14 @@ void Sync(NES_CARTRIDGE& cartridge) {
 }
 
 void SetRegister(SCANLINE_STATE& state, uint8_t value) {
-    const size_t number = state.bankSelect & 7;
+    const size_t number = state.bankSelect & kSelectMask;
     if (number < 2) {
         state.character[number * 2] = value & 254;
         state.character[number * 2 + 1] = value | 1;
     } else if (number < 6) {
         state.character[number + 2] = value;
     } else {
-        state.program[number - 6] = value & 63;
+        state.program[number - 6] = value & kProgramBits;
     }
 }
 
@@ -100,7 +102,7 @@ void WriteBanks(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     Sync(cartridge);
 }
 
-// No image says that its RAM obeys the control, so a write opens the RAM whatever its value.
+// The header can't say whether a board's RAM protection works, so any write opens the RAM.
 void WriteMirroringAndRam(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     SCANLINE_STATE& state = State(cartridge);
     if ((address & 1) == 0) {
@@ -154,7 +156,7 @@ void WatchAddress(void* board, uint16_t address) {
     }
 }
 
-// Two counts are at least kFilterAddresses addresses apart, and a dot shows one address at most.
+// Two clocks of the counter are at least kFilterAddresses addresses apart, and a dot has at most one address.
 uint32_t QuietDots(const NES_CARTRIDGE& cartridge) {
     const auto& state = BoardState<SCANLINE_STATE>(cartridge);
     uint32_t counts = state.counter; // until the interrupt
@@ -175,7 +177,7 @@ void Reset(NES_CARTRIDGE& cartridge) {
     state.bankSelect = 0;
     state.ramControl = 0;
     state.mirroring = HeaderMirroringRegister(cartridge);
-    state.program = {0x3C, 0x3D, 0x3E, 0x3F};
+    state.program = {0x3C, 0x3D, 0x3E, 0x3F}; // the last four
     state.character = {0, 1, 2, 3, 4, 5, 6, 7};
     cartridge.quietDots = QuietDots;
     SetWriteHandler(cartridge, 8, 9, WriteBanks);

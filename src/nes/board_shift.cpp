@@ -1,34 +1,38 @@
-// Board 1: four registers behind a shift register that takes one bit a write, lowest first.
+// Board 1: four registers, written through a shift register that takes one bit per write, the lowest first.
 #include "nes/board_private.h"
 
 namespace {
 
-constexpr uint8_t kControlAtReset = 12; // last program bank fixed at 0xC000
+constexpr uint8_t kControlAtReset = 12; // kFixLast and kSwitchHalf: last bank fixed at 0xC000
 constexpr uint8_t kBitsAValue = 5;
-constexpr uint32_t kBanksOfTwoHalves = 32; // 512 KB: CHR 0 bit 4 picks a half of the program
+constexpr uint8_t kValueMask = 31;
+constexpr uint32_t kBanksOfTwoHalves = 32; // 512 KB: kOuterBank selects a half of the program
+constexpr uint8_t kShiftReset = 0x80;      // bit of a written value
 
 enum Register : uint32_t { kControl, kChr0, kChr1, kPrg };
 
-// Bits of the control register.
+// Control register.
 constexpr uint8_t kMirroringMask = 3;
 constexpr uint8_t kFixLast = 4; // with kSwitchHalf: 0xC000 is fixed, otherwise 0x8000
 constexpr uint8_t kSwitchHalf = 8;
 constexpr uint8_t kChrHalves = 16;
-// Above them, for each bit of kControlAtReset: it was set by a reset write and isn't in force yet. A
-// state keeps them too, so that what follows a load is what followed the save.
-constexpr uint8_t kLateShift = 3;
-constexpr uint8_t kControlMask = 31 | kControlAtReset << kLateShift;
+// Above them, a bit for each bit of kControlAtReset: set by a reset write, but not mapped yet. A state keeps
+// them too, so that a loaded run goes on as the saved one did.
+constexpr uint8_t kPendingShift = 3;
+constexpr uint8_t kControlMask = kValueMask | kControlAtReset << kPendingShift;
 
 constexpr size_t kHalfBytes = 4 * kNesPpuPageBytes;
 
-constexpr uint8_t kRamClosed = 16; // bit of the PRG register
+constexpr uint8_t kOuterBank = 0x10; // CHR 0 register, with kBanksOfTwoHalves
+constexpr uint8_t kPrgBank = 0x0F;   // PRG register
+constexpr uint8_t kRamClosed = 0x10;
 
 struct SHIFT_STATE : NES_BOARD_STATE {
-    std::array<uint8_t, 4> registers{}; // by Register, 5 bits each and the late ones
-    uint8_t shift = 0;                  // bits taken so far
-    uint8_t count = 0;                  // how many, 0..4
+    std::array<uint8_t, 4> registers{}; // by Register, 5 bits each and the pending ones
+    uint8_t shift = 0;                  // bits shifted in so far
+    uint8_t count = 0;                  // number of them, 0..4
     uint32_t lastRegister = 0;          // the one that was set last, 0..3
-    uint32_t lastCycle = 0;             // processor cycle of the last write taken
+    uint32_t lastCycle = 0;             // CPU cycle of the last accepted write
     NesBoardRam programRam{};
     NesBoardRam characterRam{};
 
@@ -50,17 +54,17 @@ SHIFT_STATE& State(NES_CARTRIDGE& cartridge) {
 
 void SyncProgram(NES_CARTRIDGE& cartridge) {
     const auto& registers = State(cartridge).registers;
-    const uint32_t late = registers[kControl] >> kLateShift & kControlAtReset;
-    const uint32_t control = registers[kControl] & ~late;
+    const uint32_t pending = registers[kControl] >> kPendingShift & kControlAtReset;
+    const uint32_t control = registers[kControl] & ~pending;
     const uint32_t outer =
-        cartridge.programBanks == kBanksOfTwoHalves ? registers[kChr0] & 0x10u : 0;
-    const uint32_t bank = registers[kPrg] & 15u;
+        cartridge.programBanks == kBanksOfTwoHalves ? uint32_t{registers[kChr0]} & kOuterBank : 0;
+    const uint32_t bank = uint32_t{registers[kPrg]} & kPrgBank;
     uint32_t low = bank & 14;
     uint32_t high = low | 1;
     if ((control & kSwitchHalf) != 0) {
         const bool fixLast = (control & kFixLast) != 0;
         low = fixLast ? bank : 0;
-        high = fixLast ? 15 : bank;
+        high = fixLast ? kPrgBank : bank;
     }
     MapPrg16(cartridge, 8, low + outer);
     MapPrg16(cartridge, 12, high + outer);
@@ -78,11 +82,12 @@ void MapHalf(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t bank) {
 void SyncCharacters(NES_CARTRIDGE& cartridge) {
     const auto& registers = State(cartridge).registers;
     if ((registers[kControl] & kChrHalves) != 0) {
-        MapHalf(cartridge, 0, registers[kChr0] & 31);
-        MapHalf(cartridge, 4, registers[kChr1] & 31);
+        MapHalf(cartridge, 0, registers[kChr0] & kValueMask);
+        MapHalf(cartridge, 4, registers[kChr1] & kValueMask);
     } else {
-        MapHalf(cartridge, 0, registers[kChr0] & 30);
-        MapHalf(cartridge, 4, (registers[kChr0] & 30) | 1);
+        // 8 KB: bit 0 of the bank number doesn't count.
+        MapHalf(cartridge, 0, registers[kChr0] & (kValueMask - 1));
+        MapHalf(cartridge, 4, (registers[kChr0] & kValueMask) | 1);
     }
 }
 
@@ -99,19 +104,18 @@ void Sync(NES_CARTRIDGE& cartridge) {
     MapPrgRam(cartridge, state.programRam, open, open);
 }
 
-// The second of two writes in consecutive cycles, as read-modify-write instructions make them, is
-// not seen.
+// The second of two writes in consecutive cycles, as a read-modify-write instruction makes them, is ignored.
 void Write(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     SHIFT_STATE& state = State(cartridge);
     if (*cartridge.cpuCycles - state.lastCycle <= 1) {
         return;
     }
     state.lastCycle = *cartridge.cpuCycles;
-    if ((value & 0x80) != 0) {
-        // The page tables follow with the next register that is set.
+    if ((value & kShiftReset) != 0) {
+        // The new control bits take effect with the next register write.
         uint8_t& control = state.registers[kControl];
-        const auto late = static_cast<uint8_t>(kControlAtReset & ~control);
-        control = static_cast<uint8_t>(control | late | late << kLateShift);
+        const auto pending = static_cast<uint8_t>(kControlAtReset & ~control);
+        control = static_cast<uint8_t>(control | pending | pending << kPendingShift);
         state.shift = 0;
         state.count = 0;
         return;
@@ -119,8 +123,8 @@ void Write(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     state.shift = static_cast<uint8_t>(state.shift | (value & 1) << state.count);
     if (++state.count == kBitsAValue) {
         state.lastRegister = address >> 13 & 3;
-        state.registers[kControl] &= 31;
-        state.registers[state.lastRegister] = state.shift & 31;
+        state.registers[kControl] &= kValueMask;
+        state.registers[state.lastRegister] = state.shift & kValueMask;
         state.shift = 0;
         state.count = 0;
         Sync(cartridge);
@@ -142,7 +146,7 @@ void Restore(NES_CARTRIDGE& cartridge) {
     SHIFT_STATE& state = State(cartridge);
     const uint8_t control = state.registers[kControl] & kControlMask;
     for (uint8_t& value : state.registers) {
-        value &= 31;
+        value &= kValueMask;
     }
     state.registers[kControl] = control;
     state.count %= kBitsAValue;

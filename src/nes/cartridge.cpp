@@ -13,7 +13,7 @@ constexpr size_t kCharacterBankBytes = 8192;
 constexpr uint32_t kProgramPagesABank = 4;
 constexpr uint32_t kCharacterPagesABank = 8;
 
-// The widest mask where the banks are no power of two: what lies beyond the image is absent then.
+// If the number of banks isn't a power of two, the mask is the widest, and pages past the image are absent.
 uint32_t PageMask(uint32_t banks, uint32_t pagesABank, uint32_t mostPages) {
     return std::has_single_bit(banks) ? (banks * pagesABank - 1) & (mostPages - 1) : mostPages - 1;
 }

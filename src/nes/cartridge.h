@@ -1,16 +1,15 @@
-// NES cartridge: the image's pages, the board that shows them to the two buses, and the board's memory.
+// NES cartridge: the image's pages, the board that maps them into the two buses, and the board's memory.
 //
-// An image is a header of 16 bytes, program banks of 16 KB and character banks of 8 KB. It is kept as
-// program pages of 4 KB and character pages of 1 KB; a board only ever rewrites the page tables.
-// Units: bank and page numbers count pages of the size that the name says. `cpuCycles` is in processor
-//   cycles.
-// Owner: one machine, on its session's thread; no lock. Not copyable or movable, for the page tables
-//   point into it.
-// Pins: the processor's cycle counter and interrupt word and the picture unit's four nametable pages
-//   come in by CartridgeConnect and stay the machine's.
+// An image is a header of 16 bytes, program banks of 16 KB and character banks of 8 KB. It is kept as program
+// pages of 4 KB and character pages of 1 KB; a board only changes the page tables.
+// Units: bank and page numbers count units of the size in the name. `cpuCycles` is in CPU cycles.
+// Owner: one machine, on its session's thread, without a lock. Not copyable or movable: the page tables point
+//   into it.
+// Pins: CartridgeConnect takes the CPU's cycle counter and interrupt word and the PPU's four nametable pages;
+//   the machine owns them.
 // Order: CartridgeLoad, CartridgeConnect, BoardReset (board.h), then reads and writes.
-// Absent pages: bank numbers wrap at the image's size where that is a power of two of banks. Otherwise
-//   they run past its end; what they show there reads as kNesUnreadable and takes no write.
+// Absent pages: bank numbers wrap at the image's size if the number of banks is a power of two. Otherwise they
+//   can run past its end: such a page reads as kNesUnreadable and ignores writes.
 #pragma once
 
 #include "nes/nes_lines.h"
@@ -28,7 +27,7 @@ inline constexpr uint32_t kNesMostProgramPages = 2048;
 inline constexpr uint32_t kNesMostCharacterPages = 4096;
 inline constexpr size_t kNesBoardRamBytes = 8192;
 
-inline constexpr uint32_t kNesQuietForEver = 1 << 20; // dots; more than a frame has
+inline constexpr uint32_t kNesQuietForEver = 1 << 20; // dots; more than a frame
 
 using NesBoardRam = std::array<uint8_t, kNesBoardRamBytes>;
 
@@ -40,7 +39,7 @@ inline constexpr uint8_t kNesFourScreens = 8;
 struct NES_BOARD_ROW;
 struct NES_CARTRIDGE;
 
-// What a board keeps between accesses; each kind derives its own record.
+// A board's registers and RAM; each kind of board derives its own record.
 struct NES_BOARD_STATE {
     NES_BOARD_STATE() = default;
     NES_BOARD_STATE(const NES_BOARD_STATE&) = delete;
@@ -55,30 +54,30 @@ struct NES_CARTRIDGE {
     NES_CARTRIDGE(const NES_CARTRIDGE&) = delete;
     NES_CARTRIDGE& operator=(const NES_CARTRIDGE&) = delete;
 
-    // The image, each page its own block; null where it has none.
+    // The image, each page a block of its own; null past its end.
     std::array<std::unique_ptr<uint8_t[]>, kNesMostProgramPages> program;
     std::array<std::unique_ptr<uint8_t[]>, kNesMostCharacterPages> character;
     uint32_t programBanks = 0;   // of 16 KB, as the header says
-    uint32_t characterBanks = 0; // of 8 KB; 0: the board has RAM instead
+    uint32_t characterBanks = 0; // of 8 KB; 0: character RAM on most boards
     uint32_t programMask = 0;    // for 4 KB page numbers, up to 2047
     uint32_t characterMask = 0;  // for 1 KB page numbers, up to 4095
     uint8_t flags = 0;           // low nibbles of header bytes 7 and 6
     uint8_t boardNumber = 0;
 
     const NES_BOARD_ROW* board = nullptr;
-    std::unique_ptr<NES_BOARD_STATE> state; // null for a board that keeps nothing
+    std::unique_ptr<NES_BOARD_STATE> state; // null for a board without registers
     NES_PAGES pages;
-    // By CPU page; null where the page table alone decides. Boards set those of pages 6 to 15.
+    // Index: CPU page. Null: writes go to the page table. Boards set those of pages 6 to 15.
     std::array<NesWriteHandler, kNesCpuPages> write{};
-    // Once a processor cycle; null for a board without, so that a machine's loop can leave it out.
+    // Once per CPU cycle; null for most boards, so that a frame loop can leave out the call.
     void (*cpuClock)(NES_CARTRIDGE& cartridge) = nullptr;
 
-    // Of a board that watches addresses to interrupt: for how many dots at least it will not, whatever the
-    // picture unit fetches, unless the board is written to. Null for a board that never does.
+    // For a board that interrupts by PPU addresses: the number of dots for which it certainly will not,
+    // whatever the PPU fetches, if nothing is written to the board. Null for all other boards.
     uint32_t (*quietDots)(const NES_CARTRIDGE& cartridge) = nullptr;
 
-    // Character RAM of the plain board. One to a machine, as several machines run at once. The board's
-    // piece of a state has no fields, so the machine saves it in a piece of its own.
+    // Character RAM of the plain board, whose piece of a state has no fields: the machine saves this RAM in a
+    // piece of its own.
     NesBoardRam plainRam{};
 
     const uint32_t* cpuCycles = nullptr;
@@ -86,11 +85,10 @@ struct NES_CARTRIDGE {
     std::array<uint8_t*, 4> nametables{};
 };
 
-// Takes the image and makes the board's record; the bytes are copied, and those behind what the header
-// speaks of are not looked at. False for an image without the header's mark, shorter than its header
-// says, with a trainer, or of a board that isn't built: the cartridge is empty then, and `error` holds a
-// line for the user, but for a trainer, which is refused without a word before its board is looked at.
-// What CartridgeConnect has wired stays.
+// Copies the image and makes the board's record. Bytes after those that the header promises are ignored.
+// Returns false for an image without the header's mark, shorter than its header says, with a trainer, or for
+// a board that isn't built. The cartridge is then empty and `error` holds a line for the user; for a trainer
+// `error` stays empty. The wiring of CartridgeConnect stays.
 [[nodiscard]] bool CartridgeLoad(NES_CARTRIDGE& cartridge, std::span<const uint8_t> image,
                                  std::string& error);
 

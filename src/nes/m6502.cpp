@@ -4,7 +4,6 @@
 
 namespace {
 
-// The callbacks as a bus.
 struct CALLBACK_BUS {
     M6502& cpu;
 
@@ -12,7 +11,6 @@ struct CALLBACK_BUS {
     void Write(uint16_t address, uint8_t value) const { cpu.write(cpu.context, address, value); }
 };
 
-// All saved fields in their order.
 template <typename Visit>
 void VisitFields(M6502& cpu, Visit& visit) {
     visit(cpu.pc);
@@ -35,7 +33,7 @@ void VisitFields(M6502& cpu, Visit& visit) {
     visit(cpu.irqSeen);
 }
 
-// A queue is run without a look at its bounds: every step must be one, and the last entry an end.
+// The queue runs without bounds checks: every entry must be a valid step and the last one kEnd.
 bool IsRunnable(const M6502& cpu) {
     for (const M6502Step step : cpu.queue) {
         if (step >= M6502Step::kCount) {
@@ -43,6 +41,13 @@ bool IsRunnable(const M6502& cpu) {
         }
     }
     return cpu.queue.back() == M6502Step::kEnd && cpu.queueIndex < kM6502QueueSize;
+}
+
+void Sanitize(M6502& cpu) {
+    cpu.p = static_cast<uint8_t>((cpu.p & ~kM6502FlagB) | kM6502FlagOne);
+    cpu.opcode &= 0xFF;
+    cpu.operandRegister %= kM6502RegisterCount;
+    cpu.data &= 0xFF;
 }
 
 } // namespace
@@ -82,10 +87,7 @@ uint32_t M6502LoadState(M6502& cpu, const uint8_t* data, uint32_t size) {
     if (used == 0 || !IsRunnable(loaded)) {
         return 0;
     }
-    loaded.p = static_cast<uint8_t>((loaded.p & ~kM6502FlagB) | kM6502FlagOne);
-    loaded.opcode &= 0xFF;
-    loaded.operandRegister %= kM6502RegisterCount;
-    loaded.data &= 0xFF;
+    Sanitize(loaded);
     cpu = loaded;
     return used;
 }

@@ -1,23 +1,19 @@
-// M6502: the processor of the NES, a 6502 without decimal arithmetic.
+// M6502: the CPU of the NES, a 6502 without decimal arithmetic.
 //
-// Every instruction is expanded at its opcode fetch into a short list of steps, and every memory access
-// of the real chip, dummy ones included, is one step and one cycle.
+// The opcode fetch expands each instruction into a short list of steps. Every memory access of the real
+// chip, dummy accesses included, is one step and takes one cycle.
 //
-// Clock: one cycle is master / 12, 1,789,773 a second; the picture unit runs three dots in it.
-// Units: addresses are 16 bits wide; the stack lies at 0x100 + sp.
-// Owner: its machine, on the session's thread, with no lock.
-// Pins: devices write irqLines (levels, one bit each, see nes_lines.h) and nmiLine (bit 0 set by the
-//   picture unit; taken back here when the interrupt begins). The owner's bus may read busValue: it is
-//   written here, after a read and before a write, so that a read of nothing finds the value of the
-//   access before. What a bus does beyond the processor's own accesses it notes there itself.
+// Clock: one cycle is master / 12, 1,789,773 Hz. The PPU runs three dots per cycle.
+// Units: addresses have 16 bits; the stack is at 0x100 + sp.
+// Owner: its machine, on the session's thread, without a lock.
+// Pins: devices write irqLines (levels, one bit each, see nes_lines.h) and nmiLine (bit 0, set by the PPU
+//   and cleared here when the interrupt begins). busValue is for the owner's bus, as open bus: it is
+//   written here, after a read and before a write. A bus that makes further accesses (DMA) updates it
+//   itself.
 // Order: M6502Init, then a reset through the bus. In a cycle: M6502Sample, then the rest of the machine,
 //   then M6502Cycle.
-// Differs from the real part, and kept so on purpose: the interrupt lines are sampled as a cycle begins
-//   and looked at between instructions only, so CLI, SEI and PLP act at once and a taken branch delays
-//   nothing; only BRK lets an NMI take its vector over; 0B 2B 4B 6B 8B AB CB read their operand and do
-//   nothing; 9B and BB form their address, read there and do nothing; 93 9C 9E 9F, whose high byte drops
-//   out at times on the real part, always store it; the twelve opcodes that stop the real chip are
-//   one-cycle no-operations.
+// Sources: bus cycles and opcodes, J. West, M. Makela, "64doc"; test cases in tests/vectors.
+// Differs: docs/HARDWARE.md, NES, CPU. The page has the full list; all of it is settled here.
 #pragma once
 
 #include "nes/m6502_steps.h"
@@ -48,16 +44,16 @@ inline constexpr size_t kM6502RegisterStride = 4;
 struct M6502 {
     M6502ReadFunction read = nullptr;
     M6502WriteFunction write = nullptr;
-    void* context = nullptr; // handed back in both
+    void* context = nullptr; // passed to both
 
     uint16_t pc = 0;
     alignas(kM6502RegisterStride) uint8_t a = 0;
     alignas(kM6502RegisterStride) uint8_t x = 0;
     alignas(kM6502RegisterStride) uint8_t y = 0;
     alignas(kM6502RegisterStride) uint8_t sp = 0;
-    uint8_t p = 0; // M6502Flag; bit 5 stays set, bit 4 clear
+    uint8_t p = 0; // M6502Flag; kM6502FlagOne stays set, kM6502FlagB clear
     M6502Queue queue{};
-    uint32_t queueIndex = 0;            // next step, 0..15; the queue's last entry is always kEnd
+    uint32_t queueIndex = 0;            // of the next step, 0..15; the last entry is always kEnd
     uint32_t cycles = 0;                // since power-on or reset, wrapping
     uint32_t opcode = 0;                // 0..255
     uint32_t operandRegister = kM6502A; // M6502Register
@@ -66,48 +62,47 @@ struct M6502 {
     uint8_t busValue = 0;               // last value on the bus
     uint32_t nmiLine = 0;
     uint32_t irqLines = 0; // levels, asserted while any bit is set
-    uint32_t nmiSeen = 0;  // nmiLine as the cycle began
-    uint32_t irqSeen = 0;  // 1: as the cycle began, irqLines held a bit and interrupts were enabled
+    uint32_t nmiSeen = 0;  // nmiLine at the start of the cycle
+    uint32_t irqSeen = 0;  // 1: an IRQ was asserted and enabled at the start of the cycle
 };
 static_assert(offsetof(M6502, x) == offsetof(M6502, a) + kM6502X * kM6502RegisterStride);
 static_assert(offsetof(M6502, y) == offsetof(M6502, a) + kM6502Y * kM6502RegisterStride);
 static_assert(offsetof(M6502, sp) == offsetof(M6502, a) + kM6502Sp * kM6502RegisterStride);
 
-// Stores the callbacks, which may be null for a processor that only ever runs on a Bus, and clears all
-// else.
+// Stores the callbacks and clears everything else. A CPU that only runs on a Bus needs no callbacks.
 void M6502Init(M6502& cpu, void* context, M6502ReadFunction read, M6502WriteFunction write);
 
-// Power-on and reset: seven reads, no cycle of the machine. The lines are cleared too, so it comes
-// behind the resets of the devices on them.
+// Power-on and reset: seven reads, which take no cycle of the machine. It also clears the interrupt lines,
+// so reset the devices first.
 void M6502Reset(M6502& cpu);
 
 // One cycle, through the callbacks.
 void M6502Tick(M6502& cpu);
 
-// The same on a machine's own bus, for its frame loop: the accesses are inlined. A Bus has
+// The same on a machine's own bus, for its frame loop, with the accesses inlined. A Bus has
 //     uint8_t Read(uint16_t address);
 //     void Write(uint16_t address, uint8_t value);
 template <typename Bus>
 void M6502ResetOn(M6502& cpu, Bus& bus);
-// Samples the interrupt lines: the first thing in a cycle.
+// First half of a tick: samples the interrupt lines, before any device runs.
 inline void M6502Sample(M6502& cpu);
-// Runs steps up to the cycle's access and counts the cycle: the last thing in it.
+// Second half: runs steps until one has accessed the bus, and counts the cycle.
 template <typename Bus>
 inline void M6502Cycle(M6502& cpu, Bus& bus);
 
-// Whether the next cycle begins an instruction or an interrupt's sequence.
+// True if the next cycle begins an instruction or an interrupt sequence.
 [[nodiscard]] inline bool M6502IsBetweenInstructions(const M6502& cpu) {
     return cpu.queue[cpu.queueIndex] <= M6502Step::kFetch;
 }
 
-// The state piece: a version byte, its size and the fields of the record behind the callbacks, each in
-// its own width.
+// The state piece: a version byte, its size, and the fields of the record after the callbacks, each in its
+// own width.
 inline constexpr uint32_t kM6502StateSize = 65;
 [[nodiscard]] uint32_t M6502StateSize();
-// Writes the piece and gives the byte behind it.
+// Writes the piece; returns the byte after it.
 uint8_t* M6502SaveState(const M6502& cpu, uint8_t* out);
-// Gives the bytes used, or 0, with nothing changed, for a piece of another version or size or a queue
-// that no instruction makes. Callbacks are kept.
+// Returns the bytes used. A piece of another version or size, or with an invalid queue, returns 0 and
+// changes nothing. The callbacks stay.
 [[nodiscard]] uint32_t M6502LoadState(M6502& cpu, const uint8_t* data, uint32_t size);
 
 #include "nes/m6502_tick.h"

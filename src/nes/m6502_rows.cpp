@@ -8,8 +8,8 @@ namespace {
 
 using enum M6502Step;
 
-// The steps that form an address. Reads take the dummy access of an index only where it leaves the
-// page; the modes for stores and changes of memory take it always.
+// Addressing modes. An indexed read makes the dummy access only on a page crossing; the modes with
+// "Always", for stores and read-modify-write, always make it.
 template <size_t kSteps>
 using MODE = std::array<M6502Step, kSteps>;
 
@@ -26,7 +26,7 @@ constexpr MODE<4> kIndexedIndirect{kPointer, kIndexPointerX, kPointerLow, kPoint
 constexpr MODE<4> kIndirectIndexed{kPointer, kPointerLow, kPointerHigh, kIndexY};
 constexpr MODE<4> kIndirectIndexedAlways{kPointer, kPointerLow, kPointerHigh, kIndexYAlways};
 
-// A whole queue: the fetch that has been, the steps, and ends up to the last entry.
+// kFetch, which has already run, the steps, and kEnd (0) in all entries that follow.
 template <M6502Step... kSteps>
 constexpr M6502Queue MakeQueue() {
     static_assert(sizeof...(kSteps) + 2 <= kM6502QueueSize);
@@ -48,7 +48,7 @@ void Set(M6502& cpu, M6502Register operandRegister = kM6502A) {
     (std::make_index_sequence<kMode.size()>{});
 }
 
-// A change of memory.
+// Read-modify-write.
 template <const auto& kMode, M6502Step... kOperation>
 void Change(M6502& cpu) {
     Set<kMode, kRead, kWriteBack, kOperation..., kWrite>(cpu);
@@ -128,7 +128,7 @@ void DecodeControl(M6502& cpu) {
     }
 }
 
-// The operations of the accumulator.
+// Operations on the accumulator.
 void DecodeAccumulator(M6502& cpu) {
     switch (cpu.opcode) {
     case 0x01: Set<kIndexedIndirect, kOr>(cpu); break;
@@ -270,7 +270,7 @@ void DecodeShifts(M6502& cpu) {
     }
 }
 
-// What the other columns give together: undocumented, but dependable for the most part.
+// The undocumented column: mostly two operations of the columns before it at once. Stable for the most part.
 void DecodeUndocumented(M6502& cpu) {
     switch (cpu.opcode) {
     case 0x03: Change<kIndexedIndirect, kShiftLeft, kOrData>(cpu); break;

@@ -6,9 +6,9 @@
 #include <array>
 #include <cstdint>
 
-// Fills the queue for the opcode that was fetched.
+// Fills the queue for `opcode`.
 void M6502Decode(M6502& cpu);
-// Fills the queue for the interrupt that was sampled; an NMI goes first.
+// Fills the queue for the sampled interrupt; an NMI wins over an IRQ.
 void M6502StartInterrupt(M6502& cpu);
 
 namespace m6502_detail {
@@ -18,7 +18,7 @@ inline constexpr uint16_t kNmiVector = 0xFFFA;
 inline constexpr uint16_t kResetVector = 0xFFFC;
 inline constexpr uint16_t kIrqVector = 0xFFFE;
 
-// Z and N of every byte.
+// Index: a byte. Its Z and N flags.
 inline constexpr std::array<uint8_t, 256> kZeroNegative = [] {
     std::array<uint8_t, 256> flags{};
     for (uint32_t i = 0; i < flags.size(); ++i) {
@@ -39,7 +39,7 @@ constexpr uint16_t Sum(uint32_t address, uint32_t index) {
     return static_cast<uint16_t>((address + index) & 0xFFFF);
 }
 
-// The sum as the chip first has it, with no carry into the high byte.
+// The sum before the carry reaches the high byte.
 constexpr uint16_t WrongPage(uint32_t address, uint32_t index) {
     return Word(address >> 8, address + index);
 }
@@ -63,8 +63,6 @@ inline uint8_t Result(M6502& cpu, uint32_t value) {
     return result;
 }
 
-// The operations; those that give a byte leave it to the caller.
-
 inline void Add(M6502& cpu, uint32_t value) {
     const uint32_t a = cpu.a;
     const uint32_t sum = a + value + (cpu.p & kM6502FlagC);
@@ -87,7 +85,7 @@ inline void Bit(M6502& cpu, uint32_t value) {
              (value & (kM6502FlagV | kM6502FlagN)) | (kZeroNegative[cpu.a & value] & kM6502FlagZ));
 }
 
-// Shifts take what moves in from below or, as 0x80, from above.
+// `in` is the bit shifted in: 1 from below, 0x80 from above.
 inline uint8_t Left(M6502& cpu, uint32_t value, uint32_t in) {
     SetFlags(cpu, kM6502FlagC, value >> 7 & 1);
     return Result(cpu, value << 1 | in);
@@ -105,8 +103,6 @@ inline uint32_t CarryBelow(const M6502& cpu) {
 inline uint32_t CarryAbove(const M6502& cpu) {
     return uint32_t{cpu.p} << 7 & 0x80;
 }
-
-// The accesses.
 
 template <typename Bus>
 inline uint8_t Read(M6502& cpu, Bus& bus, uint16_t address) {
@@ -156,10 +152,10 @@ inline uint8_t Pull(M6502& cpu, Bus& bus) {
     return Read(cpu, bus, static_cast<uint16_t>(kStackPage + cpu.sp));
 }
 
-// The steps that take more than a line. Those with a result of their own give whether they made an
-// access.
+// The steps that take more than a line. Those that return a bool say whether they made an access.
 
-// A queue's last entry is an end, so behind any other step there is room for one.
+// Ends the instruction here. The last entry is always kEnd, so queueIndex is in the queue after any other
+// step.
 inline void DropRest(M6502& cpu) {
     cpu.queue[cpu.queueIndex % kM6502QueueSize] = M6502Step::kEnd;
 }
@@ -199,8 +195,8 @@ inline void IndexHigh(M6502& cpu, Bus& bus, uint32_t index) {
     IndexAlways(cpu, bus, index);
 }
 
-// The chip forms the high byte plus 1 on the internal bus that carries the value to be stored. Where the
-// index has carried, that AND is what reaches the address's high byte.
+// The chip forms the high byte + 1 on the internal bus that also carries the value to be stored. If the
+// index has carried, the AND of both becomes the high byte of the address.
 template <typename Bus>
 inline void StoreHigh(M6502& cpu, Bus& bus, uint32_t registers) {
     const uint8_t value = Byte(registers & cpu.data);
@@ -229,15 +225,15 @@ inline void LoadAX(M6502& cpu, Bus& bus) {
     cpu.x = cpu.a;
 }
 
-// A value as it is behind the dummy read of a one-byte instruction.
+// `value` was read before the dummy read of a one-byte instruction.
 template <typename Bus>
-inline uint8_t BehindDummy(M6502& cpu, Bus& bus, uint8_t value) {
+inline uint8_t AfterDummy(M6502& cpu, Bus& bus, uint8_t value) {
     Dummy(cpu, bus);
     return value;
 }
 
 template <typename Bus>
-inline void StepRegister(M6502& cpu, Bus& bus, uint32_t by) {
+inline void AddToRegister(M6502& cpu, Bus& bus, uint32_t by) {
     Dummy(cpu, bus);
     Register(cpu) = Result(cpu, Register(cpu) + by);
 }
@@ -253,7 +249,6 @@ inline void PullFlags(M6502& cpu, Bus& bus) {
     cpu.p = static_cast<uint8_t>((Pull(cpu, bus) & ~kM6502FlagB) | kM6502FlagOne);
 }
 
-// The flags of an interrupt, its vector to the address.
 template <typename Bus>
 inline void PushFlagsFor(M6502& cpu, Bus& bus, uint16_t vector, uint32_t breakFlag) {
     cpu.address = vector;
@@ -261,7 +256,7 @@ inline void PushFlagsFor(M6502& cpu, Bus& bus, uint16_t vector, uint32_t breakFl
     SetFlags(cpu, kM6502FlagI, kM6502FlagI);
 }
 
-// An NMI that has come by now takes the vector over.
+// An NMI that has arrived by now takes over the vector.
 template <typename Bus>
 inline void PushFlagsForBreak(M6502& cpu, Bus& bus) {
     const bool isTaken = (cpu.nmiLine & 1) != 0;
@@ -276,7 +271,7 @@ inline void PushFlagsForNmi(M6502& cpu, Bus& bus) {
     PushFlagsFor(cpu, bus, kNmiVector, 0);
 }
 
-// N, V, C, Z by the opcode's top bits; bit 5 is the value that branches.
+// The opcode's top two bits select N, V, C or Z; bit 5 is the value on which it branches.
 inline bool IsBranchTaken(const M6502& cpu) {
     constexpr std::array<uint8_t, 4> kFlags{kM6502FlagN, kM6502FlagV, kM6502FlagC, kM6502FlagZ};
     return ((cpu.p & kFlags[cpu.opcode >> 6 & 3]) != 0) == ((cpu.opcode & 0x20) != 0);
@@ -310,7 +305,7 @@ inline void BranchPage(M6502& cpu, Bus& bus) {
     cpu.pc = cpu.address;
 }
 
-// Gives false where an interrupt's sequence begins, whose first step makes the access.
+// Returns false if an interrupt sequence begins: its first step makes this cycle's access.
 template <typename Bus>
 inline bool Fetch(M6502& cpu, Bus& bus) {
     cpu.queueIndex = 1;
@@ -323,7 +318,7 @@ inline bool Fetch(M6502& cpu, Bus& bus) {
     return true;
 }
 
-// Runs one step and gives whether it made an access.
+// Runs one step; returns whether it accessed the bus.
 template <typename Bus>
 inline bool RunStep(M6502& cpu, Bus& bus) {
     using enum M6502Step;
@@ -381,16 +376,16 @@ inline bool RunStep(M6502& cpu, Bus& bus) {
     case kCompareData: Compare(cpu, cpu.a, cpu.data); return false;
 
     case kDummy: Dummy(cpu, bus); break;
-    case kShiftLeftA: cpu.a = Left(cpu, BehindDummy(cpu, bus, cpu.a), 0); break;
-    case kRotateLeftA: cpu.a = Left(cpu, BehindDummy(cpu, bus, cpu.a), CarryBelow(cpu)); break;
-    case kShiftRightA: cpu.a = Right(cpu, BehindDummy(cpu, bus, cpu.a), 0); break;
-    case kRotateRightA: cpu.a = Right(cpu, BehindDummy(cpu, bus, cpu.a), CarryAbove(cpu)); break;
-    case kIncrementRegister: StepRegister(cpu, bus, 1); break;
-    case kDecrementRegister: StepRegister(cpu, bus, 0xFF); break;
-    case kAToRegister: Register(cpu) = Result(cpu, BehindDummy(cpu, bus, cpu.a)); break;
-    case kRegisterToA: cpu.a = Result(cpu, BehindDummy(cpu, bus, Register(cpu))); break;
-    case kStackToX: cpu.x = Result(cpu, BehindDummy(cpu, bus, cpu.sp)); break;
-    case kXToStack: cpu.sp = BehindDummy(cpu, bus, cpu.x); break;
+    case kShiftLeftA: cpu.a = Left(cpu, AfterDummy(cpu, bus, cpu.a), 0); break;
+    case kRotateLeftA: cpu.a = Left(cpu, AfterDummy(cpu, bus, cpu.a), CarryBelow(cpu)); break;
+    case kShiftRightA: cpu.a = Right(cpu, AfterDummy(cpu, bus, cpu.a), 0); break;
+    case kRotateRightA: cpu.a = Right(cpu, AfterDummy(cpu, bus, cpu.a), CarryAbove(cpu)); break;
+    case kIncrementRegister: AddToRegister(cpu, bus, 1); break;
+    case kDecrementRegister: AddToRegister(cpu, bus, 0xFF); break;
+    case kAToRegister: Register(cpu) = Result(cpu, AfterDummy(cpu, bus, cpu.a)); break;
+    case kRegisterToA: cpu.a = Result(cpu, AfterDummy(cpu, bus, Register(cpu))); break;
+    case kStackToX: cpu.x = Result(cpu, AfterDummy(cpu, bus, cpu.sp)); break;
+    case kXToStack: cpu.sp = AfterDummy(cpu, bus, cpu.x); break;
     case kClearCarry: FlagStep(cpu, bus, kM6502FlagC, false); break;
     case kSetCarry: FlagStep(cpu, bus, kM6502FlagC, true); break;
     case kClearDisable: FlagStep(cpu, bus, kM6502FlagI, false); break;

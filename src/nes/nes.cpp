@@ -15,14 +15,14 @@
 
 namespace {
 
-constexpr uint32_t kLargestImage = 8 * 1024 * 1024; // a header can speak of no more
+constexpr uint32_t kLargestImage = 8 * 1024 * 1024; // more than a header can express
 constexpr float kAspect = 1.25F;
 constexpr uint32_t kBlack = 0xFF000000;
 constexpr uint8_t kPlainBoard = 0;
 constexpr uint32_t kProgramRamPage = 6;
 constexpr uint32_t kProgramRamPages = 2;
 
-// In the order of the actions, which is not that of the bits.
+// Index: action. Not the order of the bits.
 constexpr uint32_t kButtonBits[] = {kNesUp,      kNesDown,    kNesLeft,   kNesRight,
                                     kNesButtonB, kNesButtonA, kNesSelect, kNesStart};
 
@@ -77,12 +77,12 @@ void CNES::RunFrame([[maybe_unused]] EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* vi
     video->visibleHeight = kPpuHeight;
     video->visibleAspect = kAspect;
     if (nes.ppu.line != kPpuPreRenderLine) {
-        // The first frame after a reset begins with the blank, and nothing is drawn in it.
+        // The first frame after a reset begins in vblank: it draws nothing.
         std::fill_n(video->pixels, size_t{kPpuWidth} * kPpuHeight, kBlack);
     }
     PpuBeginFrame(nes.ppu, video->pixels, kPpuWidth);
     NesRunFrame(nes);
-    // The host's buffer may be gone before the next frame, while a loaded state may stand in a picture.
+    // The host's buffer may be freed before the next frame, and a loaded state may be on a visible line.
     nes.ppu.pixels = nullptr;
     nes.ppu.row = nullptr;
     nes.sound.Flush();
@@ -105,7 +105,7 @@ void CNES::PlainRamFields(Visit& visit) {
     visit(nes.cartridge.plainRam);
 }
 
-// The piece of a plain board has no fields, so its RAM stands behind the cartridge.
+// The piece of a plain board has no fields, so its RAM has a piece of its own.
 bool CNES::HasPlainRam() const {
     return nes.cartridge.boardNumber == kPlainBoard && nes.cartridge.characterBanks == 0;
 }
@@ -138,7 +138,7 @@ bool CNES::LoadPieces(const uint8_t* data, uint32_t size) {
         [&](const uint8_t* piece, uint32_t left) { return StatePieceRead(piece, left, board); });
     loaded = loaded && pieces.Load(nes.cpu, M6502LoadState) && pieces.Load(nes.ppu, PpuLoadState) &&
              pieces.Load(nes.apu, ApuLoadState) && pieces.Load(nes.cartridge, BoardLoadState);
-    // A state that ends here says nothing of the RAM, which then stays as it is.
+    // A state that ends here leaves the RAM unchanged.
     if (loaded && HasPlainRam() && pieces.Left() != 0) {
         loaded = pieces.Take([&](const uint8_t* piece, uint32_t left) {
             return StatePieceRead(piece, left, plainRam);
@@ -148,7 +148,7 @@ bool CNES::LoadPieces(const uint8_t* data, uint32_t size) {
     return loaded;
 }
 
-// The lines are masked even where a later piece was refused: those before it are then in force.
+// The lines are masked even if a later piece was refused: the CPU's may be loaded then.
 bool CNES::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
     nes.cpu.irqLines &= kNesIrqFrame | kNesIrqSample | kNesIrqBoard;

@@ -1,14 +1,12 @@
-// CNES: the NES in its 60 Hz form, with a cartridge on one of nine boards. nes_console.h tells of the
-// hardware.
+// CNES: the 60 Hz NES, with a cartridge on one of nine boards. The hardware is in nes_console.h.
 //
-// Games: the first file is an image with its header of 16 bytes; a second file is not looked at. A
-//   header without its mark ("NES" and 0x1A), a trainer, a board that is not built and an image shorter
-//   than its header says are refused; bytes beyond that are not looked at.
+// Games: the first file is an image with a 16-byte header; a second file is ignored. Refused: a header
+//   without its mark ("NES" and 0x1A), a trainer, a board that isn't built, an image shorter than its header
+//   says. Bytes after the image are ignored.
 // Options: none.
-// States: board, processor, picture unit, sound unit, cartridge board. Behind them comes the RAM that a
-//   plain board without character image shows, where there is one, and then the sound on its way, of
-//   which sound_frame.h tells. A state that ends before that RAM loads, and the RAM keeps its bytes.
-//   Where a piece is refused those before it are in force.
+// States: console, CPU, PPU, APU, cartridge board; then, for a plain board without character image, its
+//   character RAM; then the resampler history (sound_frame.h). A state that ends before the character RAM
+//   loads and leaves that RAM unchanged. If a piece is refused, the pieces before it stay loaded.
 #pragma once
 
 #include "machine/emu_system.h"
@@ -31,12 +29,11 @@ public:
     [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
 
     [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
-    // "ram", "vram" (the four nametable pages), "palette", "oam", and "sram" on a board with RAM at
-    // 0x6000.
+    // "ram", "vram" (the four nametable pages), "palette", "oam", and "sram" if the board has RAM at 0x6000.
     [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
-    // Frames by the plain loop, every chip stepped in every cycle; for comparison with the fast one.
+    // Runs frames in the plain loop, which ticks every chip in every cycle; for comparison with the fast one.
     void SetStepByStep(bool plain) { nes.stepByStep = plain; }
     // For tests.
     [[nodiscard]] const NES_CONSOLE& Console() const { return nes; }
@@ -52,5 +49,5 @@ private:
     NES_CONSOLE nes;
 };
 
-// Builds the tables that all these machines share, so that no game has to wait for them.
+// Builds the shared tables ahead of time, so that no game has to wait for them.
 void NesBuildTables();

@@ -6,16 +6,17 @@ namespace {
 constexpr uint16_t kLastSoundRegister = 0x13;
 constexpr uint16_t kSpriteDma = 0x14;
 constexpr uint16_t kSoundStatus = 0x15;
-constexpr uint16_t kPad1 = 0x16; // written: the strobe of both
-constexpr uint16_t kPad2 = 0x17; // written: the frame register of the sound unit
+constexpr uint16_t kPad1 = 0x16; // written: the strobe of both pads
+constexpr uint16_t kPad2 = 0x17; // written: the APU's frame counter
 
 constexpr uint16_t kOffsetMask = 0x0FFF;
 constexpr uint16_t kOamData = 0x2004;
 constexpr uint32_t kOamBytes = 256;
-constexpr uint8_t kPadOpenBits = 0xC0; // of the bus, which a pad doesn't drive
+constexpr uint8_t kPadOpenBits = 0xC0; // open bus: not driven by a pad
+constexpr uint32_t kPadReads = 31;     // mask: the buttons come again after 32 reads
 
 uint8_t PadBits(const NES_CONSOLE& nes, const NES_PAD& pad) {
-    const uint32_t bit = uint32_t{pad.buttons} >> (pad.readIndex & 31) & 1;
+    const uint32_t bit = uint32_t{pad.buttons} >> (pad.readIndex & kPadReads) & 1;
     return static_cast<uint8_t>((nes.cpu.busValue & kPadOpenBits) | bit);
 }
 
@@ -25,7 +26,7 @@ uint8_t ReadPad(NES_CONSOLE& nes, NES_PAD& pad) {
     return value;
 }
 
-// The whole page at once, within the write. Behind it the processor's next fetch is on the bus.
+// Copies the whole page within the write's cycle. The CPU's next fetch is then the last value on the bus.
 void CopySprites(NES_CONSOLE& nes, uint8_t page) {
     NES_BUS bus{nes};
     for (uint32_t i = 0; i < kOamBytes; ++i) {
@@ -38,7 +39,7 @@ void CopySprites(NES_CONSOLE& nes, uint8_t page) {
 } // namespace
 
 uint8_t NesReadChip(NES_CONSOLE& nes, uint16_t address) {
-    if (address < nes_bus::kSoundStart) {
+    if (address < nes_bus::kApuStart) {
         return PpuReadRegister(nes.ppu, address);
     }
     switch (address & kOffsetMask) {
@@ -50,7 +51,7 @@ uint8_t NesReadChip(NES_CONSOLE& nes, uint16_t address) {
 }
 
 void NesWriteChip(NES_CONSOLE& nes, uint16_t address, uint8_t value) {
-    if (address < nes_bus::kSoundStart) {
+    if (address < nes_bus::kApuStart) {
         PpuWriteRegister(nes.ppu, address, value);
         return;
     }
@@ -70,11 +71,11 @@ uint8_t NesPeek(const NES_CONSOLE& nes, uint16_t address) {
     if (address >= nes_bus::kCartridgeStart) {
         return CartridgeRead(nes.cartridge, address);
     }
-    if (address < nes_bus::kPictureStart) {
+    if (address < nes_bus::kPpuStart) {
         return nes.workRam[address & nes_bus::kWorkRamMask];
     }
-    if (address < nes_bus::kSoundStart) {
-        // A copy takes the side effects.
+    if (address < nes_bus::kApuStart) {
+        // A read of a copy, so that the side effects are lost.
         PPU copy = nes.ppu;
         uint32_t nmiLine = 0;
         copy.nmiLine = &nmiLine;

@@ -1,8 +1,7 @@
-// The bus of the NES, to be inlined into its frame loop: addresses to chips, and what a read or write
-// waits for.
+// The CPU bus of the NES, to be inlined into its frame loop: address decoding and DMA stalls.
 //
-// 0x0000 to 0x1FFF work RAM; 0x2000 to 0x3FFF picture unit; 0x4000 to 0x4FFF sound unit, sprite DMA and
-// pads, of which the first 24 addresses count and the rest is empty; from 0x5000 on the cartridge.
+// 0x0000 to 0x1FFF work RAM; 0x2000 to 0x3FFF PPU; 0x4000 to 0x4FFF APU, sprite DMA and pads in the first 24
+// addresses, the rest empty; from 0x5000 on the cartridge.
 #pragma once
 
 #include "nes/board.h"
@@ -12,8 +11,8 @@
 
 namespace nes_bus {
 
-inline constexpr uint16_t kPictureStart = 0x2000;
-inline constexpr uint16_t kSoundStart = 0x4000;
+inline constexpr uint16_t kPpuStart = 0x2000;
+inline constexpr uint16_t kApuStart = 0x4000;
 inline constexpr uint16_t kCartridgeStart = 0x5000;
 inline constexpr uint16_t kWorkRamMask = kNesWorkRamBytes - 1;
 
@@ -23,8 +22,8 @@ inline constexpr uint16_t kWorkRamMask = kNesWorkRamBytes - 1;
 [[nodiscard]] uint8_t NesReadChip(NES_CONSOLE& nes, uint16_t address);
 void NesWriteChip(NES_CONSOLE& nes, uint16_t address, uint8_t value);
 
-// Lets the time pass for which the sound unit holds the processor. It becomes part of the read that
-// found it, so one cycle of it is that read's own.
+// Runs the other chips while the APU holds the CPU. The stall belongs to the read that it delays, whose own
+// cycle is the last of it.
 void NesStall(NES_CONSOLE& nes);
 
 struct NES_BUS {
@@ -37,18 +36,18 @@ struct NES_BUS {
         if (address >= nes_bus::kCartridgeStart) {
             return CartridgeRead(nes.cartridge, address);
         }
-        if (address < nes_bus::kPictureStart) {
+        if (address < nes_bus::kPpuStart) {
             return nes.workRam[address & nes_bus::kWorkRamMask];
         }
         return NesReadChip(nes, address);
     }
 
-    // The processor is held at a read only, and writes meanwhile shorten the wait.
+    // Only a read can be held; each write before it shortens the stall.
     void Write(uint16_t address, uint8_t value) {
         if (nes.apu.stallCycles != 0) [[unlikely]] {
             --nes.apu.stallCycles;
         }
-        if (address < nes_bus::kPictureStart) {
+        if (address < nes_bus::kPpuStart) {
             nes.workRam[address & nes_bus::kWorkRamMask] = value;
         } else if (address >= nes_bus::kCartridgeStart) {
             BoardWrite(nes.cartridge, address, value);

@@ -1,13 +1,10 @@
-// The NES as a board of chips: processor, picture unit, sound unit, work RAM, two pads, a cartridge.
+// The chips of the NES wired together: CPU, PPU, APU, work RAM, two pads, a cartridge.
 //
-// Clock: one cycle of the 6502 (1,789,773 Hz) is three dots and one step of the sound unit; a frame has
-//   29,780.5 of them on average while a picture is drawn. The stretches in which the sound unit holds the
-//   processor are no cycles of its counter.
-// Owner: CNES, on its session's thread, with no lock. Not movable, for the chips point at each other.
-// Order: NesConnect once a cartridge is in (CartridgeLoad), NesReset, then a frame after the other with
-//   PpuBeginFrame and NesRunFrame.
-// Differs, and kept so on purpose: sprite DMA takes no time; each write to 0x4016 restarts the pads, and
-//   they go on after eight reads with zeroes and after 32 with the buttons again.
+// Clock: one cycle of the 6502 (1,789,773 Hz) is three ticks of the PPU and one of the APU. A frame has
+//   29,780.5 cycles on average with rendering on. The CPU's cycle counter stops while the APU holds the CPU.
+// Owner: CNES, on its session's thread, without a lock. Not movable: the chips point to each other.
+// Order: CartridgeLoad, NesConnect, NesReset, then PpuBeginFrame and NesRunFrame for each frame.
+// Differs: docs/HARDWARE.md, NES, Board.
 #pragma once
 
 #include "machine/chip_sound.h"
@@ -20,7 +17,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// Bits of a pad's byte, in the order in which they are read.
+// Bits of a pad's byte, in the order in which reads return them.
 enum NesButton : uint8_t {
     kNesButtonA = 1,
     kNesButtonB = 2,
@@ -52,17 +49,17 @@ struct NES_CONSOLE {
     std::array<NES_PAD, kNesPads> pads;
     std::array<uint8_t, kNesWorkRamBytes> workRam{};
     NES_CARTRIDGE cartridge;
-    bool stepByStep = false; // every chip in every cycle, for comparison; in no state
+    bool stepByStep = false; // run the plain loop, for comparison; not part of a state
 };
 
 // Wires the chips and the cartridge to each other.
 void NesConnect(NES_CONSOLE& nes);
 
-// Power-on values of everything but memory on the cartridge. Reads the sound settings.
+// Power-on values of everything but the cartridge's memory. Reads the sound settings.
 void NesReset(NES_CONSOLE& nes);
 
-// Cycles until the picture unit reports its frame done.
+// Runs until the PPU sets frameDone.
 void NesRunFrame(NES_CONSOLE& nes);
 
-// What the processor would read at an address, with no side effect.
+// What the CPU would read at an address, without side effects.
 [[nodiscard]] uint8_t NesPeek(const NES_CONSOLE& nes, uint16_t address);

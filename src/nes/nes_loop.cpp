@@ -1,10 +1,8 @@
-// The frame loops of the NES, with everything that runs in a cycle inlined into them, and the stall path
-// beside them.
+// The frame loops of the NES, with everything that runs in a cycle inlined, and the stall of sample DMA.
 //
-// In the plain loop every chip is stepped in every cycle and nothing is put off, so that it is the measure
-// for the other. In the late one the picture unit waits until
-// somebody could tell: something on the processor's side of it is read or written, or it has an event,
-// such as the blank's interrupt or, sooner, one of a board that watches its addresses.
+// The plain loop ticks every chip in every cycle and is the reference for the fast one. In the fast loop the PPU
+// lags until the difference could be seen: at a CPU access to anything but memory, at a PPU event such as
+// the NMI, or when a board that watches PPU addresses might interrupt.
 #include "base/flatten.h"
 #include "machine/sound_settings.h"
 #include "nes/apu_tick.h"
@@ -20,22 +18,22 @@ namespace {
 
 constexpr uint32_t kDotsPerCycle = 3;
 
-// A cycle of all chips but the processor, one after the other.
+// One cycle of all chips but the CPU.
 void RunChipsPlain(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
-        PpuPlainDot(nes.ppu);
+        PpuPlainTick(nes.ppu);
     }
-    ApuStep(nes.apu);
+    ApuTick(nes.apu);
 }
 
-// The same for the late loop, with pixels and sprite search that wait.
+// The same for the fast loop: pixels and sprite evaluation may lag.
 void RunChips(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
-        PpuDot(nes.ppu);
+        PpuTick(nes.ppu);
     }
-    ApuStep(nes.apu);
+    ApuTick(nes.apu);
 }
 
 void RunFramePlain(NES_CONSOLE& nes) {
@@ -47,73 +45,72 @@ void RunFramePlain(NES_CONSOLE& nes) {
     }
 }
 
-// The bus with a picture unit that may be late.
-struct NES_LATE_BUS {
+// The bus of the fast loop: runs the owed dots before an access that could tell.
+struct NES_CATCH_UP_BUS {
     NES_BUS bus;
-    uint32_t waiting = 0; // dots not run yet
-    uint32_t toEvent = 0; // dots from the last one that was run to where something may happen
+    uint32_t owedDots = 0;    // have passed but not run
+    uint32_t dotsToEvent = 0; // from the last dot that has run to the next possible event
 
     uint8_t Read(uint16_t address) {
-        const bool isMemory =
-            address < nes_bus::kPictureStart || address >= nes_bus::kCartridgeStart;
+        const bool isMemory = address < nes_bus::kPpuStart || address >= nes_bus::kCartridgeStart;
         if (isMemory && bus.nes.apu.stallCycles == 0) [[likely]] {
             return bus.Read(address);
         }
-        return ReadUpToDate(address);
+        return CatchUpAndRead(address);
     }
 
     void Write(uint16_t address, uint8_t value) {
-        if (address < nes_bus::kPictureStart) [[likely]] {
+        if (address < nes_bus::kPpuStart) [[likely]] {
             bus.Write(address, value);
         } else {
-            WriteUpToDate(address, value);
+            CatchUpAndWrite(address, value);
         }
     }
 
     [[gnu::noinline]] void CatchUp() {
-        PpuRun(bus.nes.ppu, waiting);
-        waiting = 0;
+        PpuRun(bus.nes.ppu, owedDots);
+        owedDots = 0;
         FindEvent();
     }
 
     void FindEvent() {
-        toEvent = PpuDotsToEvent(bus.nes.ppu);
+        dotsToEvent = PpuDotsToEvent(bus.nes.ppu);
         if (bus.nes.cartridge.quietDots != nullptr) {
-            toEvent = std::min(toEvent, bus.nes.cartridge.quietDots(bus.nes.cartridge) + 1);
+            dotsToEvent = std::min(dotsToEvent, bus.nes.cartridge.quietDots(bus.nes.cartridge) + 1);
         }
     }
 
 private:
-    [[gnu::noinline]] uint8_t ReadUpToDate(uint16_t address) {
+    [[gnu::noinline]] uint8_t CatchUpAndRead(uint16_t address) {
         CatchUp();
         const uint8_t value = bus.Read(address);
         FindEvent();
         return value;
     }
 
-    [[gnu::noinline]] void WriteUpToDate(uint16_t address, uint8_t value) {
+    [[gnu::noinline]] void CatchUpAndWrite(uint16_t address, uint8_t value) {
         CatchUp();
         bus.Write(address, value);
         FindEvent();
     }
 };
 
-// The board's clock, which knows nothing of the picture, is never late. Few boards have one (`boardClock`);
-// with the others the call is saved.
+// The board's CPU clock runs in every cycle: it doesn't depend on the PPU. Only board 73 has one (`boardClock`);
+// the others save the call.
 template <bool boardClock>
-OMBRELUNE_FLATTEN void RunFrameLate(NES_CONSOLE& nes) {
-    NES_LATE_BUS bus{{nes}, 0, 0};
+OMBRELUNE_FLATTEN void RunFrameFast(NES_CONSOLE& nes) {
+    NES_CATCH_UP_BUS bus{{nes}, 0, 0};
     bus.FindEvent();
     while (!nes.ppu.frameDone) {
         M6502Sample(nes.cpu);
         if constexpr (boardClock) {
             nes.cartridge.cpuClock(nes.cartridge);
         }
-        bus.waiting += kDotsPerCycle;
-        if (bus.waiting >= bus.toEvent) [[unlikely]] {
+        bus.owedDots += kDotsPerCycle;
+        if (bus.owedDots >= bus.dotsToEvent) [[unlikely]] {
             bus.CatchUp();
         }
-        ApuStep(nes.apu);
+        ApuTick(nes.apu);
         M6502Cycle(nes.cpu, bus);
     }
     bus.CatchUp();
@@ -139,7 +136,7 @@ void NesConnect(NES_CONSOLE& nes) {
 }
 
 void NesReset(NES_CONSOLE& nes) {
-    // What the chip's RAM is found to hold as a rule.
+    // Work RAM at power-on as commonly measured.
     nes.workRam.fill(0xFF);
     nes.workRam[8] = 0xF7;
     nes.workRam[9] = 0xEF;
@@ -166,7 +163,7 @@ void NesRunFrame(NES_CONSOLE& nes) {
     if (nes.stepByStep) {
         RunFramePlain(nes);
     } else {
-        boardClock ? RunFrameLate<true>(nes) : RunFrameLate<false>(nes);
+        boardClock ? RunFrameFast<true>(nes) : RunFrameFast<false>(nes);
     }
 }
 

@@ -1,10 +1,8 @@
-// The page tables of the two NES buses, which a cartridge board fills and processor and picture unit
-// read.
+// The page tables of the two NES buses. A cartridge board fills them; CPU and PPU read them.
 //
-// CPU pages are 4 KB and stand for 0x0000 to 0xFFFF; the machine answers the first five by itself. PPU
-// pages are 1 KB and stand for 0x0000 to 0x3FFF: eight of patterns, four nametables and their mirror.
-// Owner: the cartridge of one machine, on its session's thread. A page that a bank number leads
-// beyond the image has no data.
+// CPU pages have 4 KB and cover 0x0000 to 0xFFFF; the machine answers the first five itself. PPU pages have
+// 1 KB and cover 0x0000 to 0x3FFF: eight pages of patterns, four nametables and their mirror.
+// Owner: the cartridge of one machine, on its session's thread. A page past the end of the image has no data.
 #pragma once
 
 #include <array>
@@ -26,8 +24,8 @@ struct NES_CPU_PAGE {
 struct NES_PPU_PAGE {
     uint8_t* data = nullptr; // kNesPpuPageBytes, or null: reads as kNesUnreadable
     uint8_t writable = 0;    // 1 for RAM, 0 for image data
-    // What a board watches; null for a plain page. `address` has 14 bits. A watching reader gives the
-    // byte as it stood before it acts.
+    // For a board that watches the page, otherwise null. `address` has 14 bits. `read` returns the byte from
+    // before any bank that it switches.
     uint8_t (*read)(void* board, uint16_t address) = nullptr;
     void (*write)(void* board, uint16_t address, uint8_t value) = nullptr;
 };
@@ -35,12 +33,12 @@ struct NES_PPU_PAGE {
 struct NES_PAGES {
     std::array<NES_CPU_PAGE, kNesCpuPages> cpu{};
     std::array<NES_PPU_PAGE, kNesPpuPages> ppu{};
-    void* board = nullptr; // handed to readers and writers and to the hook
-    // Called with every address the picture unit puts on its bus; never null while it runs.
+    void* board = nullptr; // passed to `read`, `write` and the hook
+    // Called with every address that the PPU puts on its bus; never null while it runs.
     void (*ppuAddressHook)(void* board, uint16_t address) = nullptr;
 };
 
-// The hook of boards that watch no addresses: the picture unit compares with it and saves the call.
+// The hook of boards that watch no addresses. The PPU compares with it to save the call.
 void NesIgnoreAddress(void* board, uint16_t address);
 
 [[nodiscard]] inline uint8_t NesReadPpuPage(const NES_PAGES& pages, uint16_t address) {

@@ -5,7 +5,9 @@
 
 namespace {
 
-constexpr uint32_t kRandomSeed = 0x2C02;
+constexpr uint8_t kColourBits = 0x3F;
+constexpr uint8_t kGrayColumn = 0x30;    // of the colour numbers: luminance without hue
+constexpr uint32_t kRandomSeed = 0x2C02; // at every reset, so that runs repeat
 
 const std::array<uint32_t, kPpuColours>& SharedColours() {
     static const std::array<uint32_t, kPpuColours> kColours = PpuBuildColourTable();
@@ -17,20 +19,20 @@ const std::array<uint32_t, kPpuColours>& SharedColours() {
     return static_cast<uint8_t>(ppu.randomState >> 24);
 }
 
-void BeginBlank(PPU& ppu) {
-    ppu.status |= kPpuBlank;
+void BeginVblank(PPU& ppu) {
+    ppu.status |= kPpuStatusVblank;
     ppu.oamAddress = 0;
-    if ((ppu.control & kPpuNmi) != 0) {
+    if ((ppu.control & kPpuCtrlNmi) != 0) {
         *ppu.nmiLine |= 1;
     }
 }
 
-// On every line PpuEvent is due at kPpuFrameEndDot and at the line's end, on the pre-render line at these
-// two as well.
+// On every line PpuEvent is due at kPpuFrameEndDot and at the end of the line; on the pre-render line also
+// at these two.
 constexpr uint32_t kClearStatusDot = 1;
 constexpr uint32_t kCopyScrollDot = 304;
 
-// The first of them behind `dot`.
+// The first event dot after `dot`.
 [[nodiscard]] uint32_t NextEvent(const PPU& ppu, uint32_t dot) {
     const bool preRender = ppu.line == kPpuPreRenderLine;
     if (preRender && dot < kClearStatusDot) {
@@ -42,7 +44,7 @@ constexpr uint32_t kCopyScrollDot = 304;
     return preRender && dot < kCopyScrollDot ? kCopyScrollDot : ppu.lineLength;
 }
 
-// Dot 256, when `dot` is still that of the last pixel.
+// Dot 256, while `dot` is still that of the last pixel.
 void EndPicture(PPU& ppu) {
     PpuCatchUp(ppu);
     if (ppu.line < kPpuIdleLine) {
@@ -71,9 +73,15 @@ void EndLine(PPU& ppu) {
     ppu.evaluatedDots = 0;
     PpuDerive(ppu);
     PpuDeriveRow(ppu);
-    if (ppu.line == kPpuBlankLine) {
-        BeginBlank(ppu);
+    if (ppu.line == kPpuVblankLine) {
+        BeginVblank(ppu);
     }
+}
+
+[[nodiscard]] uint8_t LayersOf(uint8_t mask, uint8_t backgroundBit, uint8_t spriteBit) {
+    const uint32_t background = (mask & backgroundBit) != 0 ? kPpuLayerBackground : 0;
+    const uint32_t sprites = (mask & spriteBit) != 0 ? kPpuLayerSprites : 0;
+    return static_cast<uint8_t>(background | sprites);
 }
 
 } // namespace
@@ -102,7 +110,7 @@ void PpuReset(PPU& ppu, bool hard, uint32_t* nmiLine) {
     ppu.randomState = kRandomSeed;
     ppu.oam.fill(0xFF);
     ppu.secondaryOam.fill(0xFF);
-    ppu.palette.fill(0x3F);
+    ppu.palette.fill(kColourBits);
     for (auto& page : ppu.nametables) {
         page.fill(0xFF);
     }
@@ -136,12 +144,11 @@ void PpuDeriveShades(PPU& ppu) {
 }
 
 void PpuDerive(PPU& ppu) {
-    const uint32_t shown = ppu.mask >> 3 & 3;
-    ppu.layers = static_cast<uint8_t>(shown);
-    ppu.leftLayers = static_cast<uint8_t>(shown & ppu.mask >> 1);
-    ppu.grayMask = (ppu.mask & kPpuGray) != 0 ? 0x30 : 0x3F;
-    ppu.emphasis = (ppu.mask & 0xE0U) * 2;
-    ppu.rendering = shown != 0 && ppu.line < kPpuIdleLine;
+    ppu.layers = LayersOf(ppu.mask, kPpuMaskBackground, kPpuMaskSprites);
+    ppu.leftLayers = ppu.layers & LayersOf(ppu.mask, kPpuMaskLeftBackground, kPpuMaskLeftSprites);
+    ppu.grayMask = (ppu.mask & kPpuMaskGray) != 0 ? kGrayColumn : kColourBits;
+    ppu.emphasis = (ppu.mask & uint32_t{kPpuMaskEmphasis}) << 1;
+    ppu.rendering = ppu.layers != 0 && ppu.line < kPpuIdleLine;
     ppu.visible = ppu.line >= 0 && ppu.line < kPpuIdleLine;
     ppu.eventDot = NextEvent(ppu, ppu.dot);
 }
@@ -173,11 +180,10 @@ void PpuAccessDot(PPU& ppu) {
         default: break;
         }
     }
-    ppu.ioState = static_cast<uint8_t>(ppu.ioState > 2 ? ppu.ioState - 2 : 0);
+    ppu.ioState = static_cast<uint8_t>(ppu.ioState > kPpuWriteEnd ? ppu.ioState - 2 : 0);
 }
 
-// Processor and picture want the bus at once: neither address wins, and what a write leaves behind is
-// whatever stood on the lines.
+// CPU and PPU use the bus at the same time: neither address wins, and a write stores a garbled byte.
 uint8_t PpuCollide(PPU& ppu) {
     const uint8_t value = RandomByte(ppu);
     if (ppu.ioState == kPpuWriteEnd) {

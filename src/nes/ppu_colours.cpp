@@ -8,8 +8,8 @@ namespace {
 
 constexpr uint32_t kPhases = 12;
 constexpr double kPhaseDegrees = 30.0;
-// Where the sine that hues are measured against starts, so that hue 8, which has the phase of the
-// colour burst, comes out on the burst's axis.
+// Start of the sine against which hues are measured. It puts hue 8, which has the phase of the colour
+// burst, on the burst's axis.
 constexpr double kFirstPhaseDegrees = -105.0;
 constexpr double kDecoderDegrees = 270.0;
 
@@ -25,8 +25,8 @@ constexpr uint32_t kHueAllHigh = 0;
 constexpr uint32_t kHueAllLow = 13;
 constexpr uint32_t kHueBlack = 14; // and 15
 
-// Index: emphasis bits, blue green red from the top; phase. 1 where the signal is darkened: red while
-// hue 12 is high, green while hue 4 is, blue while hue 8 is. Published.
+// Index: emphasis bits (blue, green, red from the highest); phase. 1: the signal is darkened, by red while
+// hue 12 is high, by green while hue 4 is, by blue while hue 8 is (nesdev wiki, "NTSC video").
 constexpr uint8_t kDarkened[8][kPhases] = {
     {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, // none
     {0, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0}, // red
@@ -40,7 +40,7 @@ constexpr uint8_t kDarkened[8][kPhases] = {
 
 using Wave = std::array<double, kPhases>;
 
-// Hue 1 is high in phases 0 to 5, and every further hue one phase earlier.
+// Hue 1 is high in phases 0 to 5, each next hue one phase earlier.
 [[nodiscard]] bool IsHigh(uint32_t hue, uint32_t phase) {
     return hue == kHueAllHigh || (hue != kHueAllLow && (phase + hue - 1) % kPhases < 6);
 }
@@ -62,8 +62,8 @@ using Wave = std::array<double, kPhases>;
     return wave;
 }
 
-// How well a sine that starts at `degrees` fits. For sines of one amplitude the largest product has
-// the least square error.
+// How well a sine that starts at `degrees` fits the wave: among sines of one amplitude, the largest product
+// has the least square error.
 [[nodiscard]] double Likeness(const Wave& wave, double degrees) {
     double sum = 0;
     for (uint32_t phase = 0; phase < kPhases; ++phase) {
@@ -73,8 +73,8 @@ using Wave = std::array<double, kPhases>;
     return sum;
 }
 
-// The start of the best fitting sine, in degrees: twelve trials around the circle, twelve around the
-// best of them, and again.
+// The start of the best fitting sine, in degrees: twelve trials around the circle, then twice twelve finer
+// ones around the best.
 [[nodiscard]] double PhaseOf(const Wave& wave) {
     constexpr int kRounds = 3;
     constexpr int kTrials = 12;
@@ -106,7 +106,7 @@ using Wave = std::array<double, kPhases>;
     for (const double level : wave) {
         mean += level / kPhases;
     }
-    double squares = 0; // their sum; divided by the phases below it is the variance
+    double squares = 0; // sum; divided by kPhases it is the variance
     for (const double level : wave) {
         squares += (level - mean) * (level - mean);
     }

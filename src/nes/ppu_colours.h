@@ -1,10 +1,10 @@
-// The colours of the picture unit, from a model of the composite signal that it makes.
+// The PPU's colours, from a model of its composite signal.
 //
-// A colour number is six bits: hue in the low four, luminance in the upper two. The emphasis bits (red,
-// green, blue from the lowest) stand above it. The chip switches between two levels in twelve half
-// clocks to a cycle of the colour carrier; hue is which six of them are high. Levels, decoder matrix
-// and gains are this model's own, kept on purpose; the phases of hues and emphasis bits are published
-// (NTSC video).
+// A colour number has six bits: hue in the low four, luminance in the upper two. The emphasis bits (red,
+// green, blue from the lowest) are the three bits above it. The chip switches between two levels, with
+// twelve half clocks in a cycle of the colour carrier; the hue selects which six of them are high.
+// Sources: the phases of hues and emphasis bits are published (nesdev wiki, "NTSC video"); levels, decoder
+// matrix and gains are settled here.
 #pragma once
 
 #include "nes/ppu.h"

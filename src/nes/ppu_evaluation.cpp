@@ -1,20 +1,20 @@
-// The search for the next line's sprites.
+// Sprite evaluation: finds the sprites of the next line (nesdev wiki, "PPU sprite evaluation").
 #include "nes/ppu.h"
 #include "nes/ppu_private.h"
 
 namespace {
 
 constexpr uint32_t kClearDots = 64;
-constexpr uint32_t kSearchPairs = 96; // from there to dot 255, an even and an odd dot each
+constexpr uint32_t kSearchPairs = 96; // of dots, even and odd, from dot 64 to 255
 
-// Whether a Y, that of the line above a sprite, puts it on the line after this one. None is on line 0,
-// as no Y is within reach of line -1.
+// A sprite's Y is the line above its first row, so this compares the current line for the next one. No Y
+// is in range on line -1: line 0 has no sprites.
 [[nodiscard]] bool InRange(const PPU& ppu, uint8_t y) {
-    const uint32_t height = (ppu.control & kPpuTallSprites) != 0 ? 16 : 8;
+    const uint32_t height = (ppu.control & kPpuCtrlTallSprites) != 0 ? 16 : 8;
     return static_cast<uint32_t>(ppu.line - y) < height;
 }
 
-// Every second sprite can be the first: the lowest bit of its number is lost.
+// OAMADDR selects the first sprite, without the lowest bit of its number.
 void Start(PPU& ppu) {
     ppu.evaluation = kPpuFindSprite;
     ppu.spriteIndex = static_cast<uint8_t>((ppu.oamAddress >> 2 & 0x3E) * 4);
@@ -22,7 +22,7 @@ void Start(PPU& ppu) {
     ppu.foundZero = false;
 }
 
-// To byte 0 of the next sprite.
+// Moves to byte 0 of the next sprite.
 void NextSprite(PPU& ppu) {
     ppu.spriteIndex = static_cast<uint8_t>((ppu.spriteIndex & 0xFC) + 4);
     if (ppu.spriteIndex == 0) {
@@ -30,7 +30,7 @@ void NextSprite(PPU& ppu) {
     }
 }
 
-// The place for the byte just read.
+// The place in secondary OAM for the byte just read.
 [[nodiscard]] uint8_t& Copy(PPU& ppu) {
     return ppu.secondaryOam[(ppu.foundCount * 4U + (ppu.spriteIndex & 3U)) & 31];
 }
@@ -60,11 +60,11 @@ void CopySprite(PPU& ppu) {
     }
 }
 
-// The search for a ninth sprite steps the byte along with the sprite, so that after the first it takes
-// tiles, attributes and X positions for a Y.
+// The overflow bug: while it looks for a ninth sprite, the chip increments the byte along with the sprite,
+// so it compares tiles, attributes and X positions as if they were a Y.
 void FindOverflow(PPU& ppu) {
     if (InRange(ppu, ppu.spriteByte)) {
-        ppu.status |= kPpuOverflow;
+        ppu.status |= kPpuStatusSpriteOverflow;
         ppu.evaluation = kPpuSkipSprite;
         ppu.skipBytes = 3;
         ++ppu.spriteIndex;
@@ -88,8 +88,8 @@ void SkipSprite(PPU& ppu) {
     }
 }
 
-// What an odd dot does with the byte that the even one has read.
-void Step(PPU& ppu) {
+// An odd dot: handles the byte that the even dot has read.
+void EvaluateByte(PPU& ppu) {
     switch (ppu.evaluation) {
     case kPpuFindSprite: FindSprite(ppu); break;
     case kPpuCopySprite: CopySprite(ppu); break;
@@ -99,7 +99,7 @@ void Step(PPU& ppu) {
     }
 }
 
-// So many pairs of dots after the last sprite, which read every Y in turn.
+// `pairs` pairs of dots past the last sprite, which read every Y in turn.
 void Idle(PPU& ppu, uint32_t pairs) {
     const uint32_t last = (ppu.spriteIndex & 0xFCU) + (pairs - 1) * 4;
     ppu.spriteByte = ppu.oam[last & 0xFF];
@@ -115,7 +115,7 @@ void PpuEvaluateDot(PPU& ppu, uint32_t dot) {
             ppu.secondaryOam[dot >> 1] = 0xFF;
         }
     } else if (odd) {
-        Step(ppu);
+        EvaluateByte(ppu);
     } else {
         if (dot == kClearDots) {
             Start(ppu);
@@ -133,7 +133,7 @@ void PpuEvaluateLine(PPU& ppu) {
             return;
         }
         ppu.spriteByte = ppu.oam[ppu.spriteIndex];
-        Step(ppu);
+        EvaluateByte(ppu);
     }
 }
 

@@ -1,7 +1,7 @@
-// What the picture unit fetches on each dot of a line, as a table.
+// What the PPU fetches on each dot of a line (nesdev wiki, "PPU rendering", whose dots are numbered from 1).
 //
-// Even dots set an address up, odd dots read the byte there. Dot 339 reads too, for nobody, and has no
-// entry; dot 340 does nothing.
+// An even dot puts an address on the bus, the odd dot after it reads the byte. Dot 339 also reads, drops the
+// byte and has no entry; dot 340 does nothing.
 #pragma once
 
 #include <array>
@@ -13,13 +13,13 @@ enum PpuFetch : uint8_t {
     kFetchNameAddress,
     kFetchTile,
     kFetchAttributeAddress,
-    kFetchAttributeAddressStepY, // the last of a line: goes down a row too
-    kFetchAttributeStepX,
+    kFetchAttributeAddressIncrementY, // the last of the visible dots
+    kFetchAttributeIncrementX,
     kFetchLowAddress,
     kFetchLow,
     kFetchHighAddress,
-    kFetchHigh,      // its tile follows the eight pixels that are going out
-    kFetchHighAhead, // of the next line's first tiles, while no pixels go out
+    kFetchHigh,      // completes the tile after the one being drawn
+    kFetchHighAhead, // completes one of the next line's first two tiles
     kFetchUnused,
     kFetchUnusedCopyX,
     kFetchSpriteLowAddress,
@@ -33,28 +33,28 @@ namespace ppu_fetch_table {
 
 using Cycle = std::array<PpuFetch, 8>;
 
-// Dots `from` to `to`, both included, take the entries of `cycle` in turn.
+// Dots `from` to `to` inclusive repeat the entries of `cycle`.
 struct Row {
     size_t from;
     size_t to;
     Cycle cycle;
 };
 
-inline constexpr Cycle kBackground{kFetchNameAddress,    kFetchTile,       kFetchAttributeAddress,
-                                   kFetchAttributeStepX, kFetchLowAddress, kFetchLow,
-                                   kFetchHighAddress,    kFetchHigh};
-inline constexpr Cycle kAhead{kFetchNameAddress,    kFetchTile,       kFetchAttributeAddress,
-                              kFetchAttributeStepX, kFetchLowAddress, kFetchLow,
-                              kFetchHighAddress,    kFetchHighAhead};
+inline constexpr Cycle kBackground{
+    kFetchNameAddress, kFetchTile, kFetchAttributeAddress, kFetchAttributeIncrementX,
+    kFetchLowAddress,  kFetchLow,  kFetchHighAddress,      kFetchHigh};
+inline constexpr Cycle kAhead{kFetchNameAddress,         kFetchTile,       kFetchAttributeAddress,
+                              kFetchAttributeIncrementX, kFetchLowAddress, kFetchLow,
+                              kFetchHighAddress,         kFetchHighAhead};
 inline constexpr Cycle kSprite{
     kFetchNameAddress,      kFetchUnused, kFetchNameAddress,       kFetchUnused,
     kFetchSpriteLowAddress, kFetchLow,    kFetchSpriteHighAddress, kFetchSpriteHigh};
 
-// A later row goes over an earlier one.
+// A later row overrides an earlier one.
 inline constexpr std::array<Row, 6> kRows{
     {
      {0, 255, kBackground},
-     {250, 250, {kFetchAttributeAddressStepY}},
+     {250, 250, {kFetchAttributeAddressIncrementY}},
      {256, 319, kSprite},
      {257, 257, {kFetchUnusedCopyX}},
      {320, 335, kAhead},

@@ -1,4 +1,4 @@
-// The pixels.
+// Pixels: mixes background and sprites.
 #include "nes/ppu.h"
 #include "nes/ppu_private.h"
 
@@ -7,26 +7,29 @@
 
 namespace {
 
+constexpr uint32_t kLeftColumn = 8; // pixels, with mask bits of their own
+
 void Put(PPU& ppu, uint32_t x, uint32_t entry) {
     if (ppu.row != nullptr) {
         ppu.row[x] = ppu.shades[entry];
     }
 }
 
-// The entry where a sprite has a pixel; `background` is 0 or a solid background's entry.
+// The palette entry of a pixel with a sprite. `background` is 0 or the entry of a solid background pixel.
 [[nodiscard]] uint32_t Mix(PPU& ppu, uint32_t x, uint32_t background, uint32_t sprite) {
     if (background == 0) {
         return sprite & kPpuSpriteEntry;
     }
-    if ((sprite & kPpuSpriteZero) != 0 && ppu.zeroNote && x < 255) {
-        ppu.status |= kPpuHit;
+    constexpr uint32_t kNoHitX = 255; // the chip never reports a hit there
+    if ((sprite & kPpuSpriteZero) != 0 && ppu.zeroNote && x < kNoHitX) {
+        ppu.status |= kPpuStatusSpriteZeroHit;
         ppu.zeroNote = false;
     }
     return (sprite & kPpuSpriteBehind) != 0 ? background : sprite & kPpuSpriteEntry;
 }
 
 void Pixel(PPU& ppu, uint32_t x) {
-    const uint32_t layers = x < 8 ? ppu.leftLayers : ppu.layers;
+    const uint32_t layers = x < kLeftColumn ? ppu.leftLayers : ppu.layers;
     auto entry = static_cast<uint32_t>(ppu.background >> (60 - 4 * ppu.fineX)) & 15;
     ppu.background <<= 4;
     if ((layers & kPpuLayerBackground) == 0 || (entry & 3) == 0) {
@@ -39,9 +42,9 @@ void Pixel(PPU& ppu, uint32_t x) {
     Put(ppu, x, entry);
 }
 
-// Does the same as eight times Pixel, from a multiple of 8 on.
+// The same as eight times Pixel; `x` is a multiple of 8.
 void EightPixels(PPU& ppu, uint32_t x) {
-    const uint32_t layers = x < 8 ? ppu.leftLayers : ppu.layers;
+    const uint32_t layers = x < kLeftColumn ? ppu.leftLayers : ppu.layers;
     auto entries = static_cast<uint32_t>(ppu.background << (4 * ppu.fineX) >> 32);
     ppu.background <<= 32;
     const uint32_t solid = (entries | entries >> 1) & 0x11111111U;
@@ -65,10 +68,11 @@ void EightPixels(PPU& ppu, uint32_t x) {
     }
 }
 
-// Without rendering the address that stands on the bus may choose the colour.
+// Without rendering the whole line shows palette entry 0, or the entry that vramAddress points to.
 void Backdrop(PPU& ppu, uint32_t end) {
     if (ppu.row != nullptr) {
-        const uint32_t entry = ppu_bus::IsPalette(ppu.vramAddress) ? ppu.vramAddress & 0x1F : 0;
+        const uint32_t entry =
+            ppu_bus::IsPalette(ppu.vramAddress) ? ppu.vramAddress & ppu_bus::kPaletteEntry : 0;
         std::fill(ppu.row + ppu.drawnDots, ppu.row + end, ppu.shades[entry]);
     }
 }

@@ -1,15 +1,15 @@
-// The dot of the picture unit with nothing put off and nothing passed over: the measure for PpuDot and PpuRun,
-// which must give the same pictures, flags and addresses.
+// The PPU's tick without shortcuts: the reference for PpuTick and PpuRun, which must produce the same
+// pictures, flags and addresses.
 //
-// Every dot asks whether something begins or ends on it, fetches, moves the register access in progress, and
-// does its own pixel and its own step of the sprite search. It is several times as slow.
+// Every dot checks for events, fetches, advances the PPUDATA access in progress, draws its own pixel and does
+// its own part of the sprite evaluation. It is several times as slow.
 #pragma once
 
 #include "nes/ppu_tick.h"
 
 #include <cstdint>
 
-inline void PpuPlainDot(PPU& ppu) {
+inline void PpuPlainTick(PPU& ppu) {
     ppu.dot = PpuEvent(ppu, ppu.dot + 1);
     if (ppu.rendering) {
         ppu_tick::Fetch(ppu, ppu.dot);
@@ -19,5 +19,5 @@ inline void PpuPlainDot(PPU& ppu) {
     if (ppu.ioState != kPpuNoAccess) {
         PpuAccessDot(ppu);
     }
-    PpuCatchUp(ppu); // of this dot alone, since all before it are done
+    PpuCatchUp(ppu); // this dot only: all before it are done
 }

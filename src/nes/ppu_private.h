@@ -1,4 +1,4 @@
-// Parts of the picture unit that its sources and the tick share.
+// What the PPU's sources and its tick share.
 #pragma once
 
 #include "nes/ppu.h"
@@ -6,44 +6,44 @@
 #include <array>
 #include <cstdint>
 
-// What is due as `dot` is reached: the end of a line or of its picture, and on the pre-render line the
-// clearing of the flags and the taking of the scroll as well; on a dot other than `eventDot` nothing. Sets
-// the next eventDot. Gives the number
-// of the dot that has begun: `dot`, or 0 where the line has ended.
+// Does what is due at the start of `dot`: the end of the line or of its visible part, and on the pre-render
+// line the clearing of `status` and the copy of the scroll; nothing on a dot other than `eventDot`. Sets the
+// next eventDot. Returns the number of the dot that begins: `dot`, or 0 at the end of the line.
 [[nodiscard]] uint32_t PpuEvent(PPU& ppu, uint32_t dot);
 
-// Puts out what is due of a visible line's pixels before dot `end`, 1 to 256.
+// Draws the owed pixels of a visible line before dot `end`, 1 to 256.
 void PpuDrawTo(PPU& ppu, uint32_t end);
 
-// Does what is due of the sprite search before dot `end`, 1 to 256. PpuEvaluateLine is the whole of a
-// line at once and does the same as 256 times PpuEvaluateDot.
+// Runs the owed sprite evaluation before dot `end`, 1 to 256. PpuEvaluateLine does a whole line at once,
+// with the same result as 256 times PpuEvaluateDot.
 void PpuEvaluateTo(PPU& ppu, uint32_t end);
 void PpuEvaluateDot(PPU& ppu, uint32_t dot);
 void PpuEvaluateLine(PPU& ppu);
 
-// The low plane's address of the sprite in slot 0 to 7 of the line. A slot without one holds tile 0xFF
-// where rendering was on for the line's first 64 dots, and what an earlier line left there where not.
+// Address of the low pattern plane of slot 0 to 7. An empty slot holds tile 0xFF if rendering was on in the
+// line's first 64 dots, otherwise what an earlier line left there.
 [[nodiscard]] uint16_t PpuSpriteAddress(const PPU& ppu, uint32_t slot);
 
-// Lays a fetched sprite under those of the slots before it.
+// Draws a fetched sprite into `spriteLine`, under the sprites of earlier slots.
 void PpuStoreSprite(PPU& ppu, uint32_t slot, uint8_t high);
 
-// A dot of the register access in progress.
+// One dot of the PPUDATA access in progress.
 void PpuAccessDot(PPU& ppu);
 
-// What a fetch gives while a register access is in progress.
+// What a fetch reads during a PPUDATA access; a write also stores it at the address of the fetch.
 [[nodiscard]] uint8_t PpuCollide(PPU& ppu);
 
-// Sets the other fields that follow from `mask` and the position.
+// Derives the fields that follow from `mask`, `line` and `dot`.
 void PpuDerive(PPU& ppu);
 
-// Where the present line goes in the picture.
+// Derives `row`.
 void PpuDeriveRow(PPU& ppu);
 
-// The palette as pixels.
+// Derives `shades`.
 void PpuDeriveShades(PPU& ppu);
 
-// A byte's bits, one in four: the highest on top. Two planes and an attribute make eight pixels.
+// Index: a byte. Its bits four apart, the highest in bits 28 to 31: two planes and an attribute make eight
+// pixels.
 inline constexpr std::array<uint32_t, 256> kPpuSpread = [] {
     std::array<uint32_t, 256> spread{};
     for (uint32_t byte = 0; byte < 256; ++byte) {
@@ -64,16 +64,41 @@ inline constexpr std::array<uint8_t, 256> kPpuReversed = [] {
     return reversed;
 }();
 
+// Fields of `vramAddress` and `tempAddress`.
+namespace ppu_address {
+
+inline constexpr uint16_t kCoarseX = 0x001F;
+inline constexpr uint16_t kCoarseY = 0x03E0;
+inline constexpr uint16_t kNametableX = 0x0400;
+inline constexpr uint16_t kNametableY = 0x0800;
+inline constexpr uint16_t kNametables = kNametableX | kNametableY;
+inline constexpr uint16_t kFineY = 0x7000;
+inline constexpr uint16_t kAll = 0x7FFF;
+inline constexpr uint16_t kTile = 0x0FFF; // nametable and tile: all but fine Y
+
+inline constexpr uint32_t kCoarseYShift = 5;
+inline constexpr uint32_t kNametableShift = 10;
+inline constexpr uint32_t kFineYShift = 12;
+
+} // namespace ppu_address
+
 namespace ppu_bus {
 
 inline constexpr uint16_t kMask = 0x3FFF;
+inline constexpr uint32_t kSecondPatternTable = 0x1000;
+inline constexpr uint32_t kNametables = 0x2000;
+inline constexpr uint32_t kTileBytes = 16; // two planes
+inline constexpr uint32_t kPlaneBytes = 8; // the low one first
+inline constexpr uint16_t kPaletteEntry = 0x1F;
+inline constexpr uint32_t kSpritePalettes =
+    0x10; // first entry; those of the background come before
 
-// Whether an address is answered by the palette inside the chip.
+// True for the addresses of the palette inside the chip.
 [[nodiscard]] inline bool IsPalette(uint16_t address) {
     return (address & 0x3F00) == 0x3F00;
 }
 
-// Shows an address to the board, if that looks.
+// Shows an address to a board that watches the bus.
 inline void Watch(const PPU& ppu, uint16_t address) {
     const NES_PAGES& pages = *ppu.pages;
     if (pages.ppuAddressHook != NesIgnoreAddress) {

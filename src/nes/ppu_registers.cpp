@@ -3,20 +3,25 @@
 
 namespace {
 
+// Offsets from 0x2000.
 enum Register : uint16_t {
-    kControl = 0,
-    kMask = 1,
-    kStatus = 2,
-    kOamAddress = 3,
-    kOamData = 4,
-    kScroll = 5,
-    kAddress = 6,
-    kData = 7,
+    kControl = 0,    // PPUCTRL
+    kMask = 1,       // PPUMASK
+    kStatus = 2,     // PPUSTATUS
+    kOamAddress = 3, // OAMADDR
+    kOamData = 4,    // OAMDATA
+    kScroll = 5,     // PPUSCROLL
+    kAddress = 6,    // PPUADDR
+    kData = 7,       // PPUDATA
 };
 
-constexpr uint16_t kVramAddressMask = 0x7FFF;
-constexpr uint32_t kNmiUndecidedDots = 3; // of line 241: what is done there still reaches the NMI
-constexpr uint8_t kAttributeBits = 0xE3;  // of a sprite; three bits don't exist
+constexpr uint32_t kNmiUndecidedDots = 3; // of line 241: an access there can still cancel the NMI
+constexpr uint32_t kFineBits = 3;         // of a byte written to PPUSCROLL; the rest is coarse
+constexpr uint8_t kAttributeByte = 2;     // of the four of a sprite
+constexpr uint8_t kColourBits = 0x3F;
+// Byte 2 of a sprite: bits 2 to 4 don't exist.
+constexpr uint8_t kAttributeBits =
+    kPpuAttributePalette | kPpuAttributeBehind | kPpuAttributeFlipX | kPpuAttributeFlipY;
 
 void RaiseNmi(PPU& ppu) {
     *ppu.nmiLine |= 1;
@@ -27,7 +32,7 @@ void DropNmi(PPU& ppu) {
 }
 
 [[nodiscard]] bool NmiUndecided(const PPU& ppu) {
-    return ppu.line == kPpuBlankLine && ppu.dot < kNmiUndecidedDots;
+    return ppu.line == kPpuVblankLine && ppu.dot < kNmiUndecidedDots;
 }
 
 void SetTempBits(PPU& ppu, uint32_t bits, uint32_t value) {
@@ -35,21 +40,22 @@ void SetTempBits(PPU& ppu, uint32_t bits, uint32_t value) {
 }
 
 void WriteControl(PPU& ppu, uint8_t value) {
-    if ((value & ~ppu.control & kPpuNmi) != 0 && (ppu.status & kPpuBlank) != 0) {
+    if ((value & ~ppu.control & kPpuCtrlNmi) != 0 && (ppu.status & kPpuStatusVblank) != 0) {
         RaiseNmi(ppu);
     }
-    if ((value & kPpuNmi) == 0 && NmiUndecided(ppu)) {
+    if ((value & kPpuCtrlNmi) == 0 && NmiUndecided(ppu)) {
         DropNmi(ppu);
     }
     ppu.control = value;
-    SetTempBits(ppu, 0xC00, value * 0x400U);
+    SetTempBits(ppu, ppu_address::kNametables,
+                (value & uint32_t{kPpuCtrlNametable}) << ppu_address::kNametableShift);
 }
 
 void WriteOam(PPU& ppu, uint8_t value) {
     if (ppu.rendering) {
         value = 0xFF;
     }
-    if ((ppu.oamAddress & 3) == 2) {
+    if ((ppu.oamAddress & 3) == kAttributeByte) {
         value &= kAttributeBits;
     }
     ppu.oam[ppu.oamAddress] = value;
@@ -57,36 +63,43 @@ void WriteOam(PPU& ppu, uint8_t value) {
 }
 
 void WriteScroll(PPU& ppu, uint8_t value) {
+    using namespace ppu_address;
+    const uint32_t coarse = value >> kFineBits;
+    const uint32_t fine = value & 7U;
     if (ppu.firstWrite != 0) {
-        SetTempBits(ppu, 0x001F, value >> 3);
-        ppu.fineX = value & 7;
+        SetTempBits(ppu, kCoarseX, coarse);
+        ppu.fineX = static_cast<uint8_t>(fine);
     } else {
-        SetTempBits(ppu, 0x73E0, (value & 7U) << 12 | (value & 0xF8U) << 2);
+        SetTempBits(ppu, kFineY | kCoarseY, fine << kFineYShift | coarse << kCoarseYShift);
     }
     ppu.firstWrite ^= 1;
 }
 
+// The first write also clears bit 14: the bus has only 14 address bits.
 void WriteAddress(PPU& ppu, uint8_t value) {
+    constexpr uint32_t kHighByte = 0x7F00;
+    constexpr uint32_t kLowByte = 0x00FF;
     if (ppu.firstWrite != 0) {
-        SetTempBits(ppu, 0x7F00, (value & 0x3FU) << 8);
+        SetTempBits(ppu, kHighByte, (value & 0x3FU) << 8);
     } else {
-        SetTempBits(ppu, 0x00FF, value);
+        SetTempBits(ppu, kLowByte, value);
         ppu.vramAddress = ppu.tempAddress;
     }
     ppu.firstWrite ^= 1;
 }
 
-void StepAddress(PPU& ppu) {
-    const uint32_t step = (ppu.control & kPpuStepDown) != 0 ? 32 : 1;
-    ppu.vramAddress = static_cast<uint16_t>((ppu.vramAddress + step) & kVramAddressMask);
+void IncrementAddress(PPU& ppu) {
+    const uint32_t step = (ppu.control & kPpuCtrlIncrement32) != 0 ? 32 : 1;
+    ppu.vramAddress = static_cast<uint16_t>((ppu.vramAddress + step) & ppu_address::kAll);
 }
 
 void WriteData(PPU& ppu, uint8_t value) {
     if (ppu_bus::IsPalette(ppu.vramAddress)) {
-        const uint32_t entry = ppu.vramAddress & 0x1F;
-        ppu.palette[entry] = value & 0x3F;
+        const uint32_t entry = ppu.vramAddress & ppu_bus::kPaletteEntry;
+        ppu.palette[entry] = value & kColourBits;
+        // Entry 0 of a background palette is also that of the sprite palette.
         if ((entry & 3) == 0) {
-            ppu.palette[entry ^ 0x10] = value & 0x3F;
+            ppu.palette[entry ^ ppu_bus::kSpritePalettes] = value & kColourBits;
         }
         PpuDeriveShades(ppu);
     } else {
@@ -94,30 +107,31 @@ void WriteData(PPU& ppu, uint8_t value) {
         ppu.ioState = kPpuWriteStart;
         ppu.ioAddress = ppu.vramAddress & ppu_bus::kMask;
     }
-    StepAddress(ppu);
+    IncrementAddress(ppu);
 }
 
 [[nodiscard]] uint8_t ReadStatus(PPU& ppu) {
-    auto result = static_cast<uint8_t>(ppu.status | (ppu.openBus & 0x1F));
+    auto result = static_cast<uint8_t>(ppu.status | (ppu.openBus & kPpuStatusOpenBus));
     ppu.firstWrite = 1;
-    ppu.status &= static_cast<uint8_t>(~kPpuBlank);
+    ppu.status &= static_cast<uint8_t>(~kPpuStatusVblank);
     if (NmiUndecided(ppu)) {
         if (ppu.dot == 0) {
-            result &= static_cast<uint8_t>(~kPpuBlank);
+            result &= static_cast<uint8_t>(~kPpuStatusVblank);
         }
         DropNmi(ppu);
     }
     return result;
 }
 
-// A palette entry comes at once, while the buffer takes the byte of the nametable mirror beneath it.
+// A palette read returns the entry at once; the buffer takes the byte of the nametable mirror beneath.
 [[nodiscard]] uint8_t ReadData(PPU& ppu) {
     const uint16_t address = ppu.vramAddress & ppu_bus::kMask;
     ppu.ioState = kPpuReadStart;
     ppu.ioAddress = address;
-    StepAddress(ppu);
-    return ppu_bus::IsPalette(address) ? ppu.palette[address & 0x1F] & ppu.grayMask
-                                       : ppu.readBuffer;
+    IncrementAddress(ppu);
+    return ppu_bus::IsPalette(address)
+               ? ppu.palette[address & ppu_bus::kPaletteEntry] & ppu.grayMask
+               : ppu.readBuffer;
 }
 
 } // namespace
@@ -137,7 +151,7 @@ void PpuWriteRegister(PPU& ppu, uint16_t address, uint8_t value) {
     case kScroll: WriteScroll(ppu, value); break;
     case kAddress: WriteAddress(ppu, value); break;
     case kData: WriteData(ppu, value); break;
-    default: break; // the status can't be written
+    default: break; // PPUSTATUS can't be written
     }
 }
 

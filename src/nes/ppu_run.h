@@ -1,11 +1,11 @@
-// Many dots of the picture unit at once.
+// Many dots of the PPU at once.
 //
-// Does the same as PpuDot, and so as PpuPlainDot, so many times: groups of eight dots in which one tile or sprite is fetched run
-// in one piece, and so do dots that do nothing. Registers and what is fetched must not have changed since
-// the first of the dots, so a machine that runs late comes here before every access of a register, as
-// reads have effects too and see where the dot is, and before every write to the board. A board sees the
-// addresses and the patterns that it watches in their order; of the nametables that are read for nobody
-// beside sprites it sees the addresses alone.
+// PpuRun(n) does the same as n times PpuTick, and so as n times PpuPlainTick: eight dots that fetch one tile
+// or sprite run as a group, and so do dots that do nothing. Registers and memory must not have changed since
+// the first of the dots. A machine that lets the PPU lag therefore calls it before every register access
+// (reads have side effects and depend on the dot) and before every write to the board. A board sees the
+// addresses in order, and its pattern readers are called in order; for the unused nametable fetches between
+// sprites it sees the addresses only.
 #pragma once
 
 #include "nes/ppu_tick.h"
@@ -19,9 +19,9 @@ inline constexpr uint32_t kGroup = 8; // dots
 inline constexpr uint32_t kSpritesStart = 256;
 inline constexpr uint32_t kAheadStart = 320;
 inline constexpr uint32_t kGroupsEnd = 336;
-inline constexpr uint32_t kLastGroup = 248; // of the picture: goes down a row
+inline constexpr uint32_t kLastGroup = 248; // of the visible dots: increments Y
 
-// The groups begin at `dot`, a multiple of eight.
+// `dot` is the first of a group, a multiple of eight.
 
 [[nodiscard]] inline uint8_t ReadWatched(PPU& ppu, uint32_t address) {
     ppu_bus::Watch(ppu, static_cast<uint16_t>(address));
@@ -29,15 +29,15 @@ inline constexpr uint32_t kLastGroup = 248; // of the picture: goes down a row
 }
 
 inline void TileGroup(PPU& ppu, uint32_t dot) {
-    ppu.tile = ReadWatched(ppu, 0x2000U | (ppu.vramAddress & 0xFFFU));
+    ppu.tile = ReadWatched(ppu, ppu_tick::TileAddress(ppu));
     const uint32_t attributes = ppu_tick::AttributeAddress(ppu);
     if (dot == kLastGroup) {
-        ppu_tick::StepY(ppu);
+        ppu_tick::IncrementY(ppu);
     }
     ppu_tick::TakeAttribute(ppu, ReadWatched(ppu, attributes));
     const uint32_t low = ppu_tick::PatternAddress(ppu);
     ppu.lowPlane = ReadWatched(ppu, low);
-    ppu.fetchAddress = static_cast<uint16_t>(low + 8);
+    ppu.fetchAddress = static_cast<uint16_t>(low + ppu_bus::kPlaneBytes);
     const uint8_t high = ReadWatched(ppu, ppu.fetchAddress);
     if (dot < kSpritesStart) {
         ppu_tick::TakeTile(ppu, dot + kGroup - 1, high);
@@ -48,16 +48,16 @@ inline void TileGroup(PPU& ppu, uint32_t dot) {
 
 inline void SpriteGroup(PPU& ppu, uint32_t dot) {
     const uint32_t slot = dot >> 3 & 7;
-    const auto unused = static_cast<uint16_t>(0x2000U | (ppu.vramAddress & 0xFFFU));
+    const auto unused = static_cast<uint16_t>(ppu_tick::TileAddress(ppu));
     ppu_bus::Watch(ppu, unused);
     ppu_bus::Watch(ppu, unused);
     const uint32_t low = PpuSpriteAddress(ppu, slot);
     ppu.lowPlane = ReadWatched(ppu, low);
-    ppu.fetchAddress = static_cast<uint16_t>(low + 8);
+    ppu.fetchAddress = static_cast<uint16_t>(low + ppu_bus::kPlaneBytes);
     PpuStoreSprite(ppu, slot, ReadWatched(ppu, ppu.fetchAddress));
 }
 
-// Whether a group begins with dot `next` and lies before any event, whole.
+// True if a whole group begins with dot `next` and ends before any event.
 [[nodiscard]] inline bool IsGroup(const PPU& ppu, uint32_t next, uint32_t count) {
     return next % kGroup == 0 && count >= kGroup && next < kGroupsEnd &&
            next + kGroup <= ppu.eventDot;
@@ -74,7 +74,7 @@ inline void Group(PPU& ppu, uint32_t dot) {
 
 } // namespace ppu_run
 
-// Dots until something begins or ends that others may see: at least one.
+// Dots until the next event that others may see, at least 1.
 [[nodiscard]] inline uint32_t PpuDotsToEvent(const PPU& ppu) {
     return ppu.eventDot - ppu.dot;
 }
@@ -92,7 +92,7 @@ inline void PpuRun(PPU& ppu, uint32_t count) {
             done = ppu_run::kGroup;
             ppu_run::Group(ppu, next);
         } else {
-            PpuDot(ppu);
+            PpuTick(ppu);
         }
         count -= done;
     }

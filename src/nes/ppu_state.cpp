@@ -71,21 +71,21 @@ auto FieldsOf(PPU& ppu) {
     };
 }
 
-// An access is one of those that count down, or none.
+// The access that counts down, or none.
 uint8_t SafeAccess(uint8_t state) {
     return state <= kPpuWriteStart ? state : uint8_t{kPpuNoAccess};
 }
 
-// Brings whatever was loaded into the ranges that the chip itself keeps to.
-void Restrain(PPU& ppu) {
-    ppu.vramAddress &= 0x7FFF;
-    ppu.tempAddress &= 0x7FFF;
+// Brings loaded values into the chip's own ranges.
+void Sanitize(PPU& ppu) {
+    ppu.vramAddress &= ppu_address::kAll;
+    ppu.tempAddress &= ppu_address::kAll;
     ppu.fineX &= 7;
     ppu.firstWrite &= 1;
     ppu.ioState = SafeAccess(ppu.ioState);
     ppu.ioAddress &= ppu_bus::kMask;
     ppu.fetchAddress &= ppu_bus::kMask;
-    ppu.status &= kPpuBlank | kPpuHit | kPpuOverflow;
+    ppu.status &= kPpuStatusVblank | kPpuStatusSpriteZeroHit | kPpuStatusSpriteOverflow;
     ppu.line = std::clamp(ppu.line, kPpuPreRenderLine, ppu.totalLines - 2);
     const bool isShort = ppu.lineLength == kPpuShortLineDots && ppu.line == kPpuPreRenderLine;
     ppu.lineLength = isShort ? kPpuShortLineDots : kPpuLineDots;
@@ -99,7 +99,7 @@ void Restrain(PPU& ppu) {
     const auto most = static_cast<uint8_t>(kPpuLineSprites);
     ppu.foundCount = std::min(ppu.foundCount, most);
     ppu.spriteCount = std::min(ppu.spriteCount, most);
-    // With eight found there is no place for another.
+    // With eight found, secondary OAM has no room for another.
     if (ppu.foundCount == most && ppu.evaluation < kPpuFindOverflow) {
         ppu.evaluation = kPpuFindOverflow;
     }
@@ -122,14 +122,14 @@ uint32_t PpuStateSize() {
 }
 
 uint8_t* PpuSaveState(const PPU& ppu, uint8_t* out) {
-    // The visitor that writes shares its type of field with the one that reads; it changes nothing.
+    // Saving shares the field list with loading, which needs a non-const chip; it changes nothing.
     return StatePieceWrite(out, FieldsOf(const_cast<PPU&>(ppu)));
 }
 
 uint32_t PpuLoadState(PPU& ppu, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, FieldsOf(ppu));
     if (used != 0) {
-        Restrain(ppu);
+        Sanitize(ppu);
         PpuDerive(ppu);
         PpuDeriveRow(ppu);
         PpuDeriveShades(ppu);

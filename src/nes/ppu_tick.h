@@ -1,9 +1,9 @@
-// The dot of the picture unit, to be inlined into a machine's loop.
+// The PPU's tick, one dot, to be inlined into a machine's frame loop.
 //
-// A dot moves on along the line, puts out its pixel, looks for sprites, fetches, and moves a register
-// access in progress, in this order. Pixels and search wait: they follow from registers and from tiles
-// fetched before, so that a new tile, the picture's edge or a register access is soon enough for them.
-// Fetches don't wait, as boards watch them and change what they find.
+// A dot moves along the line, draws its pixel, evaluates sprites, fetches, and advances the PPUDATA access
+// in progress, in this order. Pixels and evaluation depend on registers and on tiles already fetched only,
+// so they are put off until a new tile, the end of the visible line or a register access. Fetches are never
+// put off: boards watch them and change what they read.
 #pragma once
 
 #include "nes/nes_pages.h"
@@ -15,28 +15,29 @@
 
 namespace ppu_tick {
 
-inline constexpr uint16_t kHorizontalBits = 0x41F;
+inline constexpr uint16_t kHorizontalBits = ppu_address::kNametableX | ppu_address::kCoarseX;
 
-inline void StepX(PPU& ppu) {
-    if ((ppu.vramAddress & 0x1F) == 0x1F) {
-        ppu.vramAddress ^= kHorizontalBits; // coarse X to 0, and the other nametable
+inline void IncrementX(PPU& ppu) {
+    if ((ppu.vramAddress & ppu_address::kCoarseX) == ppu_address::kCoarseX) {
+        ppu.vramAddress ^= kHorizontalBits; // coarse X to 0, other nametable
     } else {
         ++ppu.vramAddress;
     }
 }
 
-inline void StepY(PPU& ppu) {
-    constexpr uint16_t kFineY = 0x7000;
-    constexpr uint16_t kCoarseY = 0x3E0;
+inline void IncrementY(PPU& ppu) {
+    using namespace ppu_address;
+    constexpr uint16_t kLastRow = 29 << kCoarseYShift;
+    constexpr uint16_t kLastAttributeRow = 31 << kCoarseYShift;
     if ((ppu.vramAddress & kFineY) != kFineY) {
-        ppu.vramAddress += 0x1000;
+        ppu.vramAddress += 1 << kFineYShift;
         return;
     }
-    ppu.vramAddress &= 0x0FFF;
+    ppu.vramAddress &= kTile;
     switch (ppu.vramAddress & kCoarseY) {
-    case 29 << 5: ppu.vramAddress ^= 0xBA0; break; // to row 0 of the nametable below
-    case 31 << 5: ppu.vramAddress ^= 0x3E0; break; // from among the attributes, without it
-    default: ppu.vramAddress += 0x20; break;
+    case kLastRow: ppu.vramAddress ^= kNametableY | kLastRow; break; // row 0 of the other nametable
+    case kLastAttributeRow: ppu.vramAddress ^= kCoarseY; break;      // row 0 of the same nametable
+    default: ppu.vramAddress += 1 << kCoarseYShift; break;
     }
 }
 
@@ -47,21 +48,29 @@ inline void StepY(PPU& ppu) {
     return NesReadPpuPage(*ppu.pages, ppu.fetchAddress);
 }
 
-[[nodiscard]] inline uint32_t AttributeAddress(const PPU& ppu) {
-    const uint32_t v = ppu.vramAddress;
-    return 0x23C0U | (v & 0xC00) | (v >> 4 & 0x38) | (v >> 2 & 7);
+[[nodiscard]] inline uint32_t TileAddress(const PPU& ppu) {
+    return ppu_bus::kNametables | (ppu.vramAddress & ppu_address::kTile);
 }
 
-// The two bits for the quarter of 2 by 2 tiles that the present tile is in.
+// An attribute byte covers 4 by 4 tiles; its address has bits 2 to 4 of coarse X and of coarse Y.
+[[nodiscard]] inline uint32_t AttributeAddress(const PPU& ppu) {
+    constexpr uint32_t kAttributes = ppu_bus::kNametables | 0x3C0;
+    const uint32_t v = ppu.vramAddress;
+    return kAttributes | (v & ppu_address::kNametables) | (v >> 4 & 0x38) | (v >> 2 & 7);
+}
+
+// Takes the two bits for the current tile's quarter, 2 by 2 tiles, and moves to the next tile.
 inline void TakeAttribute(PPU& ppu, uint8_t byte) {
     const uint32_t quarter = (ppu.vramAddress >> 4 & 4) | (ppu.vramAddress & 2);
     ppu.attribute = byte >> quarter & 3;
-    StepX(ppu);
+    IncrementX(ppu);
 }
 
 [[nodiscard]] inline uint32_t PatternAddress(const PPU& ppu) {
-    const uint32_t table = (ppu.control & kPpuBackgroundTable) != 0 ? 0x1000 : 0;
-    return table | ppu.tile * 16U | (ppu.vramAddress >> 12 & 7U);
+    const uint32_t table =
+        (ppu.control & kPpuCtrlBackgroundTable) != 0 ? ppu_bus::kSecondPatternTable : 0;
+    const uint32_t fineY = ppu.vramAddress >> ppu_address::kFineYShift & 7U;
+    return table | ppu.tile * ppu_bus::kTileBytes | fineY;
 }
 
 // Eight pixels from the planes and the attribute of a tile.
@@ -82,28 +91,28 @@ inline void CopyX(PPU& ppu) {
                                             (ppu.tempAddress & kHorizontalBits));
 }
 
-// What an even dot sets up.
+// The address that an even dot puts on the bus.
 [[nodiscard]] inline uint32_t AddressOf(PPU& ppu, PpuFetch fetch, uint32_t slot) {
     switch (fetch) {
     case kFetchAttributeAddress: return AttributeAddress(ppu);
-    case kFetchAttributeAddressStepY: {
+    case kFetchAttributeAddressIncrementY: {
         const uint32_t address = AttributeAddress(ppu);
-        StepY(ppu);
+        IncrementY(ppu);
         return address;
     }
     case kFetchLowAddress: return PatternAddress(ppu);
-    case kFetchHighAddress: return PatternAddress(ppu) + 8;
+    case kFetchHighAddress: return PatternAddress(ppu) + ppu_bus::kPlaneBytes;
     case kFetchSpriteLowAddress: return PpuSpriteAddress(ppu, slot);
-    case kFetchSpriteHighAddress: return PpuSpriteAddress(ppu, slot) + 8U;
-    default: return 0x2000U | (ppu.vramAddress & 0xFFF);
+    case kFetchSpriteHighAddress: return PpuSpriteAddress(ppu, slot) + ppu_bus::kPlaneBytes;
+    default: return TileAddress(ppu);
     }
 }
 
-// Where the byte of an odd dot goes.
+// Stores the byte that an odd dot reads.
 inline void Take(PPU& ppu, PpuFetch fetch, uint32_t dot, uint32_t slot, uint8_t byte) {
     switch (fetch) {
     case kFetchTile: ppu.tile = byte; break;
-    case kFetchAttributeStepX: TakeAttribute(ppu, byte); break;
+    case kFetchAttributeIncrementX: TakeAttribute(ppu, byte); break;
     case kFetchLow: ppu.lowPlane = byte; break;
     case kFetchHigh: TakeTile(ppu, dot, byte); break;
     case kFetchHighAhead: ppu.background = ppu.background << 32 | TilePixels(ppu, byte); break;
@@ -127,7 +136,7 @@ inline void Take(PPU& ppu, PpuFetch fetch, uint32_t dot, uint32_t slot, uint8_t 
 } // namespace ppu_tick
 
 // One dot.
-inline void PpuDot(PPU& ppu) {
+inline void PpuTick(PPU& ppu) {
     uint32_t dot = ppu.dot + 1;
     if (dot == ppu.eventDot) [[unlikely]] {
         dot = PpuEvent(ppu, dot);

@@ -1,13 +1,13 @@
-// The control panels of the System E board and the ports that show them.
+// The control panels of the System E board and the ports that read them.
 #include "sega8/system_e.h"
 
 namespace {
 
-// Wheel of the analog panel.
-constexpr uint8_t kSteeringLow = 33;   // a left turn stops under this
-constexpr uint8_t kSteeringHigh = 224; // a right turn stops here
+// The wheel and throttle of the analog panel. Settled.
+constexpr uint8_t kSteeringLow = 33;   // a left turn stops below this value
+constexpr uint8_t kSteeringHigh = 224; // a right turn stops at this value
 constexpr uint8_t kSteeringStep = 4;
-constexpr uint8_t kRestLow = 123; // between the two the wheel rests
+constexpr uint8_t kRestLow = 123; // from here to below kRestHigh the wheel does not move back
 constexpr uint8_t kRestHigh = 132;
 constexpr uint8_t kReturnStep = 5;
 constexpr uint8_t kThrottleHigh = 251;
@@ -15,11 +15,18 @@ constexpr uint8_t kThrottleStep = 4;
 constexpr uint8_t kSelectSteering = 8;
 constexpr uint8_t kSelectThrottle = 9;
 
+// The dial. Its word has 12 bits of movement and the buttons, 0 while pressed. Settled.
 constexpr int16_t kDialSpeed = 24;
 constexpr int16_t kDialSlowing = 6;
+constexpr int16_t kDialRange = 4095;
+constexpr uint16_t kDialOpen = 0xF000;
+constexpr uint16_t kDialButton1 = 0x4000;
+constexpr uint16_t kDialButton2 = 0x1000;
+constexpr uint32_t kDialSelectShift = 2; // of the panel select port
 
 constexpr uint8_t kCoinSwitches = 0x11; // one coin, one credit in both slots
 constexpr uint8_t kGameSwitches = 0xCC;
+constexpr uint8_t kNothingPressed = 0xFF;
 
 bool Holds(const ARCADE_PANEL& panel, uint32_t bit) {
     return (panel.inputP1 & bit) != 0;
@@ -69,14 +76,14 @@ void MoveDial(ARCADE_PANEL& panel) {
 }
 
 struct PULL {
-    uint32_t input;
-    uint8_t bit;
+    uint32_t input; // ArcadeInput
+    uint8_t bit;    // of the port, 0 while the input is held
 };
 
 // 0xFF without the bits of what is held down.
 template <size_t Count>
 uint8_t Pulled(const ARCADE_PANEL& panel, const PULL (&pulls)[Count]) {
-    uint32_t value = 0xFF;
+    uint32_t value = kNothingPressed;
     for (const PULL& pull : pulls) {
         value &= Holds(panel, pull.input) ? ~uint32_t{pull.bit} : 0xFFu;
     }
@@ -97,7 +104,7 @@ uint8_t ReadCoins(const ARCADE_PANEL& panel) {
     if (panel.board == kBoardAnalog) {
         return Pulled(panel, kAnalog);
     }
-    return panel.board >= 2 && panel.board <= 7 ? Pulled(panel, kOthers) : uint8_t{0xFF};
+    return panel.board >= 2 && panel.board <= 7 ? Pulled(panel, kOthers) : kNothingPressed;
 }
 
 uint8_t ReadJoystick(const ARCADE_PANEL& panel) {
@@ -109,18 +116,18 @@ uint8_t ReadJoystick(const ARCADE_PANEL& panel) {
         {kArcadeButton1, 0x10},
         {kArcadeButton2, 0x20}
     };
-    return HasJoystick(panel.board) ? Pulled(panel, kJoystick) : uint8_t{0xFF};
+    return HasJoystick(panel.board) ? Pulled(panel, kJoystick) : kNothingPressed;
 }
 
 uint8_t ReadDial(const ARCADE_PANEL& panel) {
     auto word =
-        static_cast<uint16_t>(panel.dialSpeed < 0 ? panel.dialSpeed + 4095 : panel.dialSpeed);
-    word |= 0xF000;
+        static_cast<uint16_t>(panel.dialSpeed < 0 ? panel.dialSpeed + kDialRange : panel.dialSpeed);
+    word |= kDialOpen;
     if (Holds(panel, kArcadeButton1)) {
-        word = static_cast<uint16_t>(word & ~0x4000);
+        word = static_cast<uint16_t>(word & ~kDialButton1);
     }
     if (Holds(panel, kArcadeButton2)) {
-        word = static_cast<uint16_t>(word & ~0x1000);
+        word = static_cast<uint16_t>(word & ~kDialButton2);
     }
     switch (panel.dialSelect) {
     case 0: return static_cast<uint8_t>(word);
@@ -150,15 +157,15 @@ void ArcadePanelMove(ARCADE_PANEL& panel) {
 
 uint8_t ArcadePanelRead(const ARCADE_PANEL& panel, uint8_t port) {
     switch (port) {
-    case 0xE0: return ReadCoins(panel);
-    case 0xE1: return ReadJoystick(panel);
-    case 0xF2: return kCoinSwitches;
-    case 0xF3: return kGameSwitches;
-    case 0xF8:
+    case kArcadePortCoins: return ReadCoins(panel);
+    case kArcadePortJoystick: return ReadJoystick(panel);
+    case kArcadePortCoinSwitches: return kCoinSwitches;
+    case kArcadePortGameSwitches: return kGameSwitches;
+    case kArcadePortPanel:
         if (panel.board == kBoardAnalog) {
             return ReadAnalog(panel);
         }
-        return panel.board == kBoardDial ? ReadDial(panel) : uint8_t{0xFF};
+        return panel.board == kBoardDial ? ReadDial(panel) : kNothingPressed;
     default: return 0;
     }
 }
@@ -167,6 +174,6 @@ void ArcadePanelSelect(ARCADE_PANEL& panel, uint8_t value) {
     if (panel.board == kBoardAnalog) {
         panel.analogSelect = value;
     } else if (panel.board == kBoardDial) {
-        panel.dialSelect = value >> 2 & 3;
+        panel.dialSelect = value >> kDialSelectShift & 3;
     }
 }

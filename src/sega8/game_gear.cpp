@@ -7,8 +7,8 @@
 #include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
+#include "sega8/catch_up.h"
 #include "sega8/game_image.h"
-#include "sega8/late_chips.h"
 
 #include <algorithm>
 #include <cstring>
@@ -18,7 +18,9 @@
 
 namespace {
 
-constexpr uint32_t kVdpStepsPerRound = 3; // a round is a Z80 clock
+constexpr uint32_t kVdpTicksPerClock = 3; // of the Z80
+// Two of the three VDP ticks come before the Z80 acts in its clock.
+constexpr uint32_t kVdpTicksBeforeZ80 = 2;
 
 constexpr uint32_t kPsgClock = 3579545; // Hz
 constexpr uint32_t kStackStart = 0xDFF0;
@@ -28,9 +30,8 @@ constexpr uint32_t kWindowColumn = 48; // of the whole picture
 constexpr uint32_t kWindowRow = 24;    // below the border
 constexpr float kWindowAspect = 4.0f / 3.0f;
 constexpr uint32_t kBlack = 0xFF000000;
-constexpr uint8_t kThLevels = 0xA0; // of the odd ports up to 0x3F; a rise latches the H counter
 
-// In the order of the actions: the bits of port 0xDC, and the start button, which is on port 0.
+// In the order of the actions: the bits of port 0xDC, and the start button, which port 0x00 reads.
 constexpr uint32_t kStart = 0x80;
 constexpr uint32_t kButtonBits[] = {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, kStart};
 
@@ -61,13 +62,12 @@ inline void ConsoleTick(GEAR_CONSOLE& console) {
     console.z80.irqLine = console.irqOut;
 }
 
-// The same with chips that may be late: every port is touched by a console that is up to date.
-// The VDP's third step of a round comes behind the Z80's clock.
-struct GEAR_LATE_BUS {
+// The same for a Z80 that runs ahead: its console's other chips catch up before every port access.
+struct GEAR_CATCH_UP_BUS {
     GEAR_BUS bus;
-    LATE_CHIPS& late;
-    uint32_t clock = 0;     // of the stretch
-    uint32_t linkClock = 0; // the link's, of the same
+    CATCH_UP_CHIPS& chips;
+    uint32_t clock = 0;     // of the span
+    uint32_t linkClock = 0; // clocks of the span that the link has run
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
@@ -85,7 +85,7 @@ struct GEAR_LATE_BUS {
     }
     void At(uint32_t now) { clock = now; }
     void CatchUp() {
-        late.CatchUp(clock * kVdpStepsPerRound + 2, clock);
+        chips.CatchUp(clock * kVdpTicksPerClock + kVdpTicksBeforeZ80, clock);
         RunLink(clock);
     }
     void RunLink(uint32_t to) {
@@ -93,34 +93,36 @@ struct GEAR_LATE_BUS {
             GearLinkTick(bus.console.link);
         }
     }
-    void BeginStretch() {
-        late.BeginStretch();
+    void BeginSpan() {
+        chips.BeginSpan();
         linkClock = 0;
     }
-    void EndStretch(uint32_t rounds) {
-        late.CatchUp(rounds * kVdpStepsPerRound, rounds);
-        RunLink(rounds);
+    void EndSpan(uint32_t clocks) {
+        chips.CatchUp(clocks * kVdpTicksPerClock, clocks);
+        RunLink(clocks);
     }
 };
 
-inline void LateConsoleTick(GEAR_CONSOLE& console, GEAR_LATE_BUS& bus, uint32_t round) {
-    bus.At(round);
+// One clock of the Z80 and of the link; the other chips owe it.
+inline void Z80AndLinkTick(GEAR_CONSOLE& console, GEAR_CATCH_UP_BUS& bus, uint32_t clock) {
+    bus.At(clock);
     Z80TickOn(console.z80, bus);
-    bus.RunLink(round + 1);
+    bus.RunLink(clock + 1);
     console.z80.irqLine = console.irqOut;
 }
 
-// The consoles that there are, a clock each by turns.
-void RunInTurns(std::span<GEAR_CONSOLE> consoles, std::span<GEAR_LATE_BUS> buses, uint32_t rounds) {
-    for (uint32_t round = 0; round < rounds; ++round) {
+// The consoles in turn, a clock each.
+void RunInTurns(std::span<GEAR_CONSOLE> consoles, std::span<GEAR_CATCH_UP_BUS> buses,
+                uint32_t clocks) {
+    for (uint32_t clock = 0; clock < clocks; ++clock) {
         for (size_t i = 0; i < consoles.size(); ++i) {
-            LateConsoleTick(consoles[i], buses[i], round);
+            Z80AndLinkTick(consoles[i], buses[i], clock);
         }
     }
 }
 
-// Nothing comes or goes through the plug within so many clocks, and what begins meanwhile takes longer
-// than a line.
+// True if no byte and no frame error is due within `clocks` clocks. A transfer that starts in that
+// time takes longer than a line.
 bool LinkIsQuiet(const GEAR_LINK& link, uint32_t clocks) {
     return (link.sendClocks == 0 || link.sendClocks > clocks) &&
            (link.errorClocks == 0 || link.errorClocks > clocks);
@@ -185,13 +187,13 @@ void ConsoleFields(GEAR_CONSOLE& console, Visit& visit) {
     visit(console.vram);
 }
 
-void AfterLoad(GEAR_CONSOLE& console) {
+void Sanitize(GEAR_CONSOLE& console) {
     console.irqOut = console.irqOut != 0 ? 1 : 0;
-    GearLinkAfterLoad(console.link);
+    GearLinkSanitize(console.link);
     SegaMemoryRebuild(console.memory);
 }
 
-// The rows from `row` on of one console's part of the picture.
+// Fills the rows from `row` on of one console's part of the picture.
 void FillBlack(EMU_VIDEO_FRAME& video, uint32_t column, uint32_t row, uint32_t rowLength) {
     for (; row < video.height; ++row) {
         std::fill_n(video.pixels + size_t{row} * rowLength + column, kVdpPictureWidth, kBlack);
@@ -199,47 +201,6 @@ void FillBlack(EMU_VIDEO_FRAME& video, uint32_t column, uint32_t row, uint32_t r
 }
 
 } // namespace
-
-uint8_t GearReadPort(GEAR_CONSOLE& console, uint16_t port) {
-    const auto low = static_cast<uint8_t>(port);
-    if (low <= 6) {
-        return GearLinkRead(console.link, low);
-    }
-    switch (low & 0xC1) {
-    case 0x40: return VdpVCounter(console.vdp);
-    case 0x41: return console.vdp.hLatch;
-    case 0x80: return VdpDataRead(console.vdp);
-    case 0x81: return VdpStatusRead(console.vdp);
-    default: break;
-    }
-    // The second pad port has nothing on it, so 0xC1 and 0xDD read as the empty addresses do.
-    return low == 0xC0 || low == 0xDC ? console.buttons : 0xFF;
-}
-
-void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value) {
-    const auto low = static_cast<uint8_t>(port);
-    if (low <= 6) {
-        GearLinkWrite(console.link, low, value);
-        if (low == 6) {
-            PsgStereoWrite(console.psg, value);
-        }
-        return;
-    }
-    switch (low & 0xC1) {
-    case 0x00: SegaMemoryWriteControl(console.memory, value); break;
-    case 0x01:
-        if ((value & ~console.ioControl & kThLevels) != 0) {
-            VdpLatchH(console.vdp);
-        }
-        console.ioControl = value;
-        break;
-    case 0x40:
-    case 0x41: PsgWrite(console.psg, value); break;
-    case 0x80: VdpDataWrite(console.vdp, value); break;
-    case 0x81: VdpControlWrite(console.vdp, value); break;
-    default: break;
-    }
-}
 
 CGAMEGEAR::CGAMEGEAR(uint32_t sessionKeyValue)
     : CEmuSystem(sessionKeyValue, 512, 256) {}
@@ -310,11 +271,11 @@ void CGAMEGEAR::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video,
     ChipSound& first = consoles[0].sound;
     ChipSound& second = consoles[1].sound;
     if (consoleCount == 1) {
-        RunRounds();
+        RunConsoles();
         first.Flush();
         TakeSound(first, *audio);
     } else {
-        RunRounds();
+        RunConsoles();
         first.Flush();
         second.Flush();
         MixSound(first, second, kAudioFramePairs * 2, *audio,
@@ -323,7 +284,7 @@ void CGAMEGEAR::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video,
     FinishPicture(*video);
 }
 
-void CGAMEGEAR::RunRounds() {
+void CGAMEGEAR::RunConsoles() {
     if (stepByStep) {
         RunStepByStep();
     } else {
@@ -331,8 +292,9 @@ void CGAMEGEAR::RunRounds() {
     }
 }
 
-// Every chip in every round; two consoles take turns, a Z80 clock each. They come out of Reset together
-// and so end their frames together. A state may have them apart; the first one's frame counts then.
+// Every chip on every clock; two consoles take turns, a Z80 clock each. A reset starts both at the
+// same dot, so their frames end together. A state may have them apart; then the first console's
+// frame counts.
 void CGAMEGEAR::RunStepByStep() {
     while (!consoles[0].vdp.frameDone) {
         for (uint32_t i = 0; i < consoleCount; ++i) {
@@ -341,37 +303,36 @@ void CGAMEGEAR::RunStepByStep() {
     }
 }
 
-// The same frame with VDP and PSG catching up when a port of their console is touched; the round in
-// which a VDP acts by itself is run in full, and so is the first one, after which every line has its
-// level.
+// The same frame, in which VDP and PSG catch up. A clock in which a VDP changes a line of its Z80
+// runs every chip; so does the first clock, which sets the lines' levels.
 void CGAMEGEAR::RunCatchingUp() {
-    LATE_CHIPS late[2] = {
+    CATCH_UP_CHIPS chips[2] = {
         {consoles[0].vdp, consoles[0].psg},
         {consoles[1].vdp, consoles[1].psg}
     };
-    GEAR_LATE_BUS buses[2] = {
-        {{consoles[0]}, late[0]},
-        {{consoles[1]}, late[1]}
+    GEAR_CATCH_UP_BUS buses[2] = {
+        {{consoles[0]}, chips[0]},
+        {{consoles[1]}, chips[1]}
     };
     for (uint32_t i = 0; i < consoleCount; ++i) {
         ConsoleTick(consoles[i]);
     }
     while (!consoles[0].vdp.frameDone) {
-        uint32_t steps = VdpStepsToEvent(consoles[0].vdp);
+        uint32_t ticks = VdpTicksToEvent(consoles[0].vdp);
         if (consoleCount == 2) {
-            steps = std::min(steps, VdpStepsToEvent(consoles[1].vdp));
+            ticks = std::min(ticks, VdpTicksToEvent(consoles[1].vdp));
         }
-        const uint32_t rounds = (steps - 1) / kVdpStepsPerRound;
-        for (GEAR_LATE_BUS& bus : buses) {
-            bus.BeginStretch();
+        const uint32_t clocks = (ticks - 1) / kVdpTicksPerClock;
+        for (GEAR_CATCH_UP_BUS& bus : buses) {
+            bus.BeginSpan();
         }
-        if (consoleCount == 1 && LinkIsQuiet(consoles[0].link, rounds)) {
-            Z80RunOn(consoles[0].z80, buses[0], rounds);
+        if (consoleCount == 1 && LinkIsQuiet(consoles[0].link, clocks)) {
+            Z80RunOn(consoles[0].z80, buses[0], clocks);
         } else {
-            RunInTurns(std::span(consoles).first(consoleCount), buses, rounds);
+            RunInTurns(std::span(consoles).first(consoleCount), buses, clocks);
         }
         for (uint32_t i = 0; i < consoleCount; ++i) {
-            buses[i].EndStretch(rounds);
+            buses[i].EndSpan(clocks);
         }
         for (uint32_t i = 0; i < consoleCount; ++i) {
             ConsoleTick(consoles[i]);
@@ -402,8 +363,8 @@ void CGAMEGEAR::FinishPicture(EMU_VIDEO_FRAME& video) const {
     }
 }
 
-// Packs the windows to the start of the buffer, row by row; a row's new place is always before what
-// is still to be moved.
+// Moves the windows to the start of the buffer, row by row. A row's new place is always before the
+// rows that are still to be moved.
 void CGAMEGEAR::CutWindow(EMU_VIDEO_FRAME& video) const {
     uint32_t* out = video.pixels;
     for (uint32_t row = 0; row < kWindowHeight; ++row) {
@@ -465,12 +426,12 @@ bool CGAMEGEAR::LoadPieces(const uint8_t* data, uint32_t size) {
     return loaded;
 }
 
-// What is derived is made again after a refusal too, as the pieces before it are then in force.
+// Derived values are computed after a refusal too: the pieces before the refused one are loaded.
 bool CGAMEGEAR::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
     for (GEAR_CONSOLE& console : consoles) {
-        AfterLoad(console);
-        console.vdp.pausePressed = false; // there is no pause button here
+        Sanitize(console);
+        console.vdp.pausePressed = false; // this console has no pause button
     }
     return loaded;
 }

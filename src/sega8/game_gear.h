@@ -1,17 +1,16 @@
-// CGAMEGEAR: the Game Gear, or two of them joined by a link cable in one picture.
+// CGAMEGEAR: the Game Gear, or two of them with a link cable, side by side in one picture.
 //
-// Clock: as the Master System, NTSC. Two consoles run clock by clock in turn, the first one first.
-// Games: the first file is the cartridge. With one console a second file is the BIOS; with two it is
-//   the second player's cartridge, and without it both play the first.
-// Picture: 160 x 144 as on the console's screen, or all 256 x (height and borders) with Full Display.
-//   Two consoles stand side by side: 320 x 144, or 512 wide. When their heights differ, the lower
-//   one is filled up with black.
-// Sound: one console as it is; of two the average, each with its own panning.
+// Clock: as an NTSC Master System. Two consoles run in turn, a Z80 clock each, the first one first.
+// Games: the first file is the cartridge. With one console a second file is the BIOS; with two it
+//   is the second player's cartridge; without it both play the first.
+// Picture: 160 x 144 as on the console's screen, or all 256 x (height and borders) with Full
+//   Display. Two consoles make 320 x 144 pixels, or a width of 512. If their heights differ, black
+//   rows fill the lower one.
+// Sound: of two consoles the average; each has its own panning.
 // Input: "GG P1 ..." for the first console, "GG P2 ..." for the second.
-// States: board (both consoles' halves), then Z80, VDP, PSG of the first and of the second, also with
-//   one console. What is guaranteed about sound stands in sound_frame.h.
-// Differs from the real console: no Master System mode; a BIOS fills the space when the cartridge is
-//   off, as on the Master System; zero written to port 6 doesn't mute.
+// States: board of both consoles, then Z80, VDP and PSG of the first and of the second, also with
+//   one console. sound_frame.h says what is guaranteed about sound.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Board.
 #pragma once
 
 #include "facts/game_gear_facts.h"
@@ -39,8 +38,8 @@ struct GEAR_CONSOLE {
     SEGA_MEMORY memory;
     GEAR_LINK link;
     uint32_t irqOut = 0;      // by the VDP
-    uint8_t ioControl = 0xFF; // the odd ports to 0x3F
-    uint8_t buttons = 0xFF;   // port 0xDC, 0 pressed
+    uint8_t ioControl = 0xFF; // port 0x3F
+    uint8_t buttons = 0xFF;   // port 0xDC; 0: pressed
     std::array<uint8_t, kVdpVramBytes> vram{};
 };
 
@@ -57,12 +56,13 @@ public:
     [[nodiscard]] bool LoadState(const uint8_t* data, uint32_t size) override;
     [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
 
-    // What a console's Z80 would read, with no side effect; 0 is the first console, all else the second.
+    // What a console's Z80 would read, with no side effect. 0 is the first console, any other
+    // number the second.
     [[nodiscard]] uint8_t Peek(uint16_t address, uint32_t console = 0) const;
-    // "ram", "sram", "vram", "palette" of a console; empty for any other name.
+    // "ram", "sram", "vram" or "palette" of a console; empty for any other name.
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region, uint32_t console = 0) const;
 
-    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    // Frames by the plain loop, which ticks every chip on every clock; for tests of the fast loop.
     void SetStepByStep(bool plain) { stepByStep = plain; }
 
     [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
@@ -70,9 +70,11 @@ public:
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
 private:
+    friend struct MACHINE_FIELDS; // of the tests: every field of a state
+
     void ConnectChips();
     void ReadInput();
-    void RunRounds();
+    void RunConsoles();
     void RunStepByStep();
     void RunCatchingUp();
     void FinishPicture(EMU_VIDEO_FRAME& video) const;
@@ -84,5 +86,5 @@ private:
     GEAR_OPTIONS chosen{};
     uint32_t consoleCount = 1;
     bool stepByStep = false;
-    std::array<GEAR_CONSOLE, 2> consoles; // the second one stands still without a link
+    std::array<GEAR_CONSOLE, 2> consoles; // the second one runs only with a link
 };

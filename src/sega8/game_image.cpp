@@ -6,7 +6,7 @@
 
 namespace {
 
-// The record's bytes as `Record`, or `fallback` when its tag is another one.
+// The record's bytes as `Record`; `fallback` if it has another tag.
 template <typename Record>
 Record RecordOf(const CGameFile& game, const char* tag, const Record& fallback) {
     MACHINE_RECORD raw{};
@@ -39,6 +39,6 @@ GAG_RECORD GearRecordOf(const CGameFile& game) {
 
 ARC_RECORD ArcadeRecordOf(const CGameFile& game) {
     ARC_RECORD record{};
-    record.board = 3; // a joystick with two buttons, nothing enciphered
+    record.board = 3; // a joystick with two buttons, not encrypted
     return RecordOf(game, "ARC0", record);
 }

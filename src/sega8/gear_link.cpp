@@ -4,20 +4,23 @@
 
 namespace {
 
-constexpr uint8_t kStart = 0x80;
-constexpr uint8_t kExport = 0x40;
+// Port 0.
+constexpr uint8_t kStart = 0x80;  // 0: pressed
+constexpr uint8_t kExport = 0x40; // 0: Japanese
+
 constexpr uint8_t kLineBits = 0x7F;
 constexpr uint8_t kNmiLine = 0x40;
-constexpr uint8_t kNoNmi = 0x80; // in `directions`
+constexpr uint8_t kNoNmi = 0x80;    // in `directions`
+constexpr uint32_t kSpeedShift = 6; // in `serial`
 
-// Ten bits at 4,800 baud, in Z80 clocks; the other speeds are 2, 4 and 16 times slower.
+// Ten bits at 4,800 baud in Z80 clocks; the other speeds are 2,400, 1,200 and 300 baud.
 constexpr uint32_t kByteClocks = 7457;
 constexpr uint32_t kSlowestByteClocks = kByteClocks * 16;
 
-// The partner's line at the other end of each of ours.
+// By line: the partner's line at the other end of the cable.
 constexpr std::array<uint8_t, 7> kCable{2, 3, 0, 1, 5, 4, 6};
 
-// What comes in on all seven lines.
+// The levels that the cable brings to the seven lines.
 uint8_t Incoming(const GEAR_LINK& link) {
     if (link.partner == nullptr) {
         return kLineBits;
@@ -39,7 +42,7 @@ void RaiseNmi(GEAR_LINK& link) {
     }
 }
 
-// A write to our lines, and what it does to the partner's NMI line.
+// A write to `lines` or `directions`, and its effect on the partner's NMI.
 void Drive(GEAR_LINK& link, uint8_t& field, uint8_t value) {
     GEAR_LINK* const partner = link.partner;
     const uint8_t before = partner != nullptr ? Incoming(*partner) : kLineBits;
@@ -54,7 +57,7 @@ void Drive(GEAR_LINK& link, uint8_t& field, uint8_t value) {
     }
 }
 
-// A receiver hears nobody and takes that for broken bytes.
+// True for a receiver without a partner: its idle line reads as broken bytes.
 bool HearsErrors(const GEAR_LINK& link) {
     return link.partner == nullptr && (link.serial & kGearReceiveOn) != 0;
 }
@@ -81,7 +84,7 @@ uint8_t ReadSerial(const GEAR_LINK& link) {
 } // namespace
 
 uint32_t GearLinkByteClocks(uint8_t serial) {
-    switch (serial >> 6) {
+    switch (serial >> kSpeedShift) {
     case 1: return kByteClocks * 2;
     case 2: return kByteClocks * 4;
     case 3: return kSlowestByteClocks;
@@ -97,11 +100,11 @@ void GearLinkReset(GEAR_LINK& link) {
     link = fresh;
 }
 
-void GearLinkAfterLoad(GEAR_LINK& link) {
+void GearLinkSanitize(GEAR_LINK& link) {
     link.sendClocks = std::min(link.sendClocks, kSlowestByteClocks);
     link.errorClocks = std::min(link.errorClocks, kSlowestByteClocks);
-    // The frame error is told from the partner at every read. A flag without its byte would block the
-    // port for good.
+    // The frame error is derived at every read. kGearSendFull without a byte would block the port
+    // for ever.
     link.serial = static_cast<uint8_t>(link.serial & ~(kGearSendFull | kGearFrameError));
     if (link.sendClocks != 0) {
         link.serial |= kGearSendFull;
@@ -113,33 +116,33 @@ void GearLinkAfterLoad(GEAR_LINK& link) {
 
 uint8_t GearLinkRead(GEAR_LINK& link, uint8_t port) {
     switch (port) {
-    case 0:
+    case kGearPortStart:
         return static_cast<uint8_t>((link.startDown ? 0 : kStart) | (link.japanese ? 0 : kExport));
-    case 1: {
+    case kGearPortLines: {
         const auto inputs = static_cast<uint8_t>(link.directions & kLineBits);
         return static_cast<uint8_t>((link.lines & ~inputs) | (Incoming(link) & inputs));
     }
-    case 2: return link.directions;
-    case 3: return link.sendByte;
-    case 4:
+    case kGearPortDirections: return link.directions;
+    case kGearPortSend: return link.sendByte;
+    case kGearPortReceive:
         link.serial = static_cast<uint8_t>(link.serial & ~kGearReceived);
         return link.receivedByte;
-    case 5: return ReadSerial(link);
+    case kGearPortSerial: return ReadSerial(link);
     default: return 0xFF;
     }
 }
 
 void GearLinkWrite(GEAR_LINK& link, uint8_t port, uint8_t value) {
     switch (port) {
-    case 1: Drive(link, link.lines, value); break;
-    case 2: Drive(link, link.directions, value); break;
-    case 3: Send(link, value); break;
-    case 5:
+    case kGearPortLines: Drive(link, link.lines, value); break;
+    case kGearPortDirections: Drive(link, link.directions, value); break;
+    case kGearPortSend: Send(link, value); break;
+    case kGearPortSerial:
         link.serial = static_cast<uint8_t>((link.serial & ~kGearSerialWritable) |
                                            (value & kGearSerialWritable));
         WaitForError(link);
         break;
-    case 6: link.panning = value; break;
+    case kGearPortPanning: link.panning = value; break;
     default: break;
     }
 }

@@ -11,25 +11,36 @@ namespace {
 constexpr size_t kTones = 3;
 constexpr size_t kNoise = 3;
 
-// Index: attenuation. Steps of 2 dB from full level; settled.
+// By attenuation, in steps of 2 dB from full level. Settled.
 constexpr std::array<int32_t, 16> kToneVolume{3276, 2602, 2067, 1642, 1304, 1036, 823, 656,
                                               519,  412,  327,  260,  206,  164,  130, 0};
 constexpr std::array<int32_t, 16> kNoiseVolume{8191, 6507, 5168, 4105, 3261, 2590, 2057, 1642,
                                                1298, 1031, 819,  650,  516,  410,  326,  0};
 
+// A byte at the sound port. A latch byte selects a register and has its low four bits; a data byte
+// has the high six bits of a period, or the whole value of another register.
+constexpr uint8_t kLatchByte = 0x80;
+constexpr uint32_t kLatchChannelShift = 5;
+constexpr uint8_t kLatchChannelMask = 3;
+constexpr uint8_t kLatchVolume = 0x10;
+constexpr uint8_t kLatchPeriodBits = 0x0F;
+constexpr uint8_t kDataPeriodBits = 0x3F;
+constexpr uint32_t kDataPeriodShift = 4;
+
 constexpr uint8_t kAttenuationMask = 0x0F;
 constexpr uint8_t kNoiseControlMask = 0x0F;
 constexpr uint16_t kPeriodMask = 0x3FF;
+constexpr uint16_t kPeriodHigh = kDataPeriodBits << kDataPeriodShift;
 constexpr uint8_t kNoiseRateMask = 3;
 constexpr uint8_t kNoiseRateFromTone = 3;
 constexpr uint8_t kNoiseIsWhite = 4;
 
-void StepTones(PSG& psg) {
+void AdvanceTones(PSG& psg) {
     for (size_t i = 0; i < kTones; ++i) {
         if (--psg.counter[i] < 1) {
             psg.output[i] = -psg.output[i];
             psg.counter[i] = psg.period[i];
-            // A constant level, which games modulate by the attenuation to play samples.
+            // A constant level; games play samples by changing its attenuation.
             if (psg.period[i] < 2) {
                 psg.output[i] = 1;
             }
@@ -44,7 +55,7 @@ void ShiftNoise(PSG& psg) {
     psg.lfsr = psg.lfsr >> 1 | bit << psg.lfsrShift;
 }
 
-void StepNoise(PSG& psg) {
+void AdvanceNoise(PSG& psg) {
     if (--psg.counter[kNoise] < 1) {
         const uint8_t rate = psg.noiseControl & kNoiseRateMask;
         psg.counter[kNoise] = rate == kNoiseRateFromTone ? psg.period[2] : 16 << rate;
@@ -56,7 +67,7 @@ void StepNoise(PSG& psg) {
     psg.noiseOutput = psg.lfsr & 1;
 }
 
-// What every channel adds, tones first.
+// The levels of the channels, tones first.
 std::array<int32_t, 4> Levels(const PSG& psg) {
     std::array<int32_t, 4> levels{};
     for (size_t i = 0; i < kTones; ++i) {
@@ -74,14 +85,15 @@ void WriteRegister(PSG& psg, uint8_t value, bool isLatch) {
         psg.noiseControl = value & kNoiseControlMask;
         psg.lfsr = 1u << psg.lfsrShift;
     } else if (isLatch) {
-        psg.period[channel] = static_cast<uint16_t>((psg.period[channel] & 0x3F0) | (value & 0x0F));
-    } else {
         psg.period[channel] =
-            static_cast<uint16_t>((psg.period[channel] & 0x00F) | (value & 0x3F) << 4);
+            static_cast<uint16_t>((psg.period[channel] & kPeriodHigh) | (value & kLatchPeriodBits));
+    } else {
+        psg.period[channel] = static_cast<uint16_t>((psg.period[channel] & kLatchPeriodBits) |
+                                                    (value & kDataPeriodBits) << kDataPeriodShift);
     }
 }
 
-// Every field in the order of the piece; `visit` reads or writes it.
+// The fields in the order of the piece; `visit` reads or writes them.
 template <typename Visit>
 void Fields(PSG& psg, Visit& visit) {
     visit(psg.clock);
@@ -103,8 +115,8 @@ void Fields(PSG& psg, Visit& visit) {
     visit(psg.lfsrTaps);
 }
 
-// Brings whatever was loaded into the ranges that the chip itself keeps to.
-void MakeSafe(PSG& psg) {
+// Brings loaded fields into the ranges that the chip keeps.
+void Sanitize(PSG& psg) {
     psg.divider %= kPsgClocksPerPair;
     for (size_t i = 0; i < 4; ++i) {
         psg.attenuation[i] &= kAttenuationMask;
@@ -119,7 +131,7 @@ void MakeSafe(PSG& psg) {
     psg.noiseOutput &= 1;
     psg.noiseControl &= kNoiseControlMask;
     psg.noiseToggle &= 1;
-    psg.latchChannel &= 3;
+    psg.latchChannel &= kLatchChannelMask;
 }
 
 } // namespace
@@ -153,8 +165,8 @@ void PsgReset(PSG& psg) {
 }
 
 void PsgMakePair(PSG& psg) {
-    StepTones(psg);
-    StepNoise(psg);
+    AdvanceTones(psg);
+    AdvanceNoise(psg);
 
     const std::array<int32_t, 4> levels = Levels(psg);
     int32_t left = 0;
@@ -172,14 +184,15 @@ void PsgMakePair(PSG& psg) {
 }
 
 void PsgWrite(PSG& psg, uint8_t value) {
-    const bool isLatch = (value & 0x80) != 0;
+    const bool isLatch = (value & kLatchByte) != 0;
     if (isLatch) {
-        psg.latchChannel = value >> 5 & 3;
-        psg.latchIsVolume = (value & 0x10) != 0;
+        psg.latchChannel = value >> kLatchChannelShift & kLatchChannelMask;
+        psg.latchIsVolume = (value & kLatchVolume) != 0;
     }
     WriteRegister(psg, value, isLatch);
 }
 
+// Settled: 0 enables every channel.
 void PsgStereoWrite(PSG& psg, uint8_t value) {
     const uint8_t mask = value == 0 ? uint8_t{0xFF} : value;
     for (size_t i = 0; i < 4; ++i) {
@@ -198,7 +211,7 @@ uint32_t PsgStateSize() {
 
 uint8_t* PsgSaveState(const PSG& psg, uint8_t* out) {
     auto& fields =
-        const_cast<PSG&>(psg); // The visitor that only reads is the one that also writes.
+        const_cast<PSG&>(psg); // Fields lists them for reading and writing; saving changes none.
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });
 }
 
@@ -208,13 +221,13 @@ uint32_t PsgLoadState(PSG& psg, const uint8_t* data, uint32_t size) {
     const uint32_t lfsrShift = psg.lfsrShift;
     const uint32_t lfsrTaps = psg.lfsrTaps;
     const uint32_t used = StatePieceRead(data, size, [&](auto& visit) { Fields(psg, visit); });
-    // The wiring is the board's, whatever machine wrote the state.
+    // The board sets the wiring, not the state.
     psg.clock = clock;
     psg.stereo = stereo;
     psg.lfsrShift = lfsrShift;
     psg.lfsrTaps = lfsrTaps;
     if (used != 0) {
-        MakeSafe(psg);
+        Sanitize(psg);
     }
     return used;
 }

@@ -8,11 +8,10 @@ namespace {
 
 constexpr uint32_t kPageBytes = 256;
 constexpr uint32_t kPagesInSlot = kSegaBankBytes / kPageBytes;
-constexpr uint32_t kFixedPages = 4; // the first 1 KB, where the interrupt vectors are
+constexpr uint32_t kFixedPages = 4; // the first 1 KB, with the interrupt vectors, is never switched
 constexpr uint32_t kSlotsBytes = 3 * kSegaBankBytes;
-constexpr uint8_t kControlRam = 0x08; // of a mapper's control register
-constexpr uint8_t kControlWithBios = 0xE0;
-constexpr uint8_t kControlAfterBios = 0xAB;
+constexpr uint8_t kControlWithBios = 0xE0;  // BIOS, RAM and I/O on
+constexpr uint8_t kControlAfterBios = 0xAB; // cartridge, RAM and I/O on
 
 constexpr std::array<uint8_t, kPageBytes> kNothing = [] {
     std::array<uint8_t, kPageBytes> page{};
@@ -45,7 +44,7 @@ void MapImage(SEGA_MEMORY& memory, const SEGA_IMAGE& image, const SEGA_MAPPER_WO
     }
 }
 
-// 8 KB of RAM from `firstPage` on, twice.
+// Maps 8 KB of RAM from `firstPage` on, and again after it.
 void MapRamTwice(SEGA_MEMORY& memory, uint32_t firstPage, std::array<uint8_t, kSegaRamBytes>& ram) {
     for (uint32_t page = 0; page < kPagesInSlot; ++page) {
         uint8_t* const bytes = ram.data() + size_t{page} * kPageBytes % kSegaRamBytes;
@@ -104,6 +103,7 @@ void SegaMemoryReset(SEGA_MEMORY& memory) {
     memory.control = kControlWithBios;
     if (!memory.bios.Present()) {
         memory.control = kControlAfterBios;
+        // A BIOS leaves port 0x3E's value at 0xC000 and the bank registers' at the end of RAM.
         memory.workRam[0] = kControlAfterBios;
         memory.workRam[kSegaRamBytes - 3] = 0;
         memory.workRam[kSegaRamBytes - 2] = 1;
@@ -120,7 +120,7 @@ void SegaMemoryRebuild(SEGA_MEMORY& memory) {
     if (cartridgeOn && memory.cartridge.Present()) {
         const bool sega = memory.mapper == SegaMapper::kSega;
         MapImage(memory, memory.cartridge, memory.cartridgeWords, sega);
-        if (sega && (memory.cartridgeWords.control & kControlRam) != 0) {
+        if (sega && (memory.cartridgeWords.control & kSegaMapperRam) != 0) {
             MapRamTwice(memory, 2 * kPagesInSlot, memory.cartridgeRam);
         }
     } else if ((memory.control & kSegaBiosOff) == 0 && memory.bios.Present()) {
@@ -145,10 +145,10 @@ void SegaMemoryWriteControl(SEGA_MEMORY& memory, uint8_t value) {
 void SegaMemoryWriteRegister(SEGA_MEMORY& memory, uint16_t address, uint8_t value) {
     switch (memory.listening) {
     case SegaMapper::kSega:
-        if (address == 0xFFFC) {
+        if (address == kSegaMapperControl) {
             memory.cartridgeWords.control = value;
         } else {
-            WriteSlot(memory, address - 0xFFFDu, value);
+            WriteSlot(memory, address - (kSegaMapperControl + 1u), value);
         }
         break;
     case SegaMapper::kCodemasters: WriteSlot(memory, address / kSegaBankBytes, value); break;

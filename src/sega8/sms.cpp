@@ -7,8 +7,8 @@
 #include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
+#include "sega8/catch_up.h"
 #include "sega8/game_image.h"
-#include "sega8/late_chips.h"
 
 #include <cstring>
 #include <memory>
@@ -20,9 +20,11 @@ namespace {
 constexpr uint32_t kMasterPal = 53203425; // Hz
 constexpr uint32_t kMasterNtsc = 53693175;
 constexpr uint32_t kMasterDivider = 15;
-constexpr uint32_t kVdpStepsPerRound = 3; // a round is a Z80 clock
+constexpr uint32_t kVdpTicksPerClock = 3; // of the Z80
+// Two of the three VDP ticks come before the Z80 acts in its clock.
+constexpr uint32_t kVdpTicksBeforeZ80 = 2;
 constexpr uint32_t kStackStart = 0xDFF0;
-constexpr uint8_t kKindBios = 3; // of a machine record
+constexpr uint8_t kKindBios = 3; // `kind` of a machine record
 constexpr int kPsgModel = 1;
 constexpr double kFmGain = 0.7;
 constexpr double kPsgGain = 0.7;
@@ -70,16 +72,15 @@ struct SMS_BUS {
     void IoWrite(uint16_t port, uint8_t value) { machine.WritePort(port, value); }
 };
 
-// The same with chips that may be late: every port is touched by a machine that is up to date.
-// The VDP's third step of a round comes behind the Z80's clock.
-struct SMS_LATE_BUS {
+// The same for a Z80 that runs ahead: the other chips catch up before every port access.
+struct SMS_CATCH_UP_BUS {
     SMS_BUS& bus;
-    LATE_CHIPS& late;
+    CATCH_UP_CHIPS& chips;
     uint32_t& irqLine; // of the Z80
     const uint32_t& irqOut;
     uint32_t& clockCount;
-    uint32_t clock = 0;      // of the stretch
-    uint32_t startCount = 0; // `clockCount` at its beginning
+    uint32_t clock = 0;      // of the span
+    uint32_t startCount = 0; // `clockCount` at the start of the span
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
@@ -97,7 +98,7 @@ struct SMS_LATE_BUS {
     }
     void At(uint32_t now) { clock = now; }
     void CatchUp() {
-        late.CatchUp(clock * kVdpStepsPerRound + 2, clock);
+        chips.CatchUp(clock * kVdpTicksPerClock + kVdpTicksBeforeZ80, clock);
         clockCount = startCount + clock;
     }
 };
@@ -167,7 +168,7 @@ void CSMS::Reset() {
     z80.regs[kZ80Sp] = kStackStart;
     VdpReset(vdp);
     PsgReset(psg);
-    // The chip's own reset leaves its oscillators and the rhythm section as they were.
+    // YmReset alone leaves the oscillators and the rhythm register as they were.
     YmInit(fm, ModelOf(chosen.console).clock);
     YmReset(fm);
     psgSound.Reset();
@@ -204,8 +205,8 @@ void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FR
     VdpFinishFrame(vdp, video);
 }
 
-// The order in which the chips are clocked.
-void CSMS::RunRound(SMS_BUS& bus) {
+// One Z80 clock of every chip, in the order in which they are clocked.
+void CSMS::RunClock(SMS_BUS& bus) {
     VdpTick(vdp);
     VdpTick(vdp);
     Z80TickOn(z80, bus);
@@ -221,30 +222,30 @@ void CSMS::RunRound(SMS_BUS& bus) {
 void CSMS::RunStepByStep() {
     SMS_BUS bus{*this, memory};
     while (!vdp.frameDone) {
-        RunRound(bus);
+        RunClock(bus);
     }
 }
 
-// The same frame with the chips around the Z80 catching up; the round in which the VDP acts by itself
-// is run in full, and so is the first one, after which every line has its level.
+// The same frame, in which the chips around the Z80 catch up. A clock in which the VDP changes a
+// line of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
 void CSMS::RunCatchingUp() {
     SMS_BUS bus{*this, memory};
-    LATE_CHIPS late{vdp, psg, chosen.fmChip != 0 ? &fm : nullptr};
-    SMS_LATE_BUS lateBus{bus, late, z80.irqLine, irqOut, clockCount};
-    RunRound(bus);
+    CATCH_UP_CHIPS chips{vdp, psg, chosen.fmChip != 0 ? &fm : nullptr};
+    SMS_CATCH_UP_BUS catchUpBus{bus, chips, z80.irqLine, irqOut, clockCount};
+    RunClock(bus);
     while (!vdp.frameDone) {
-        const uint32_t rounds = (VdpStepsToEvent(vdp) - 1) / kVdpStepsPerRound;
-        late.BeginStretch();
-        lateBus.startCount = clockCount;
-        Z80RunOn(z80, lateBus, rounds);
-        late.CatchUp(rounds * kVdpStepsPerRound, rounds);
-        clockCount = lateBus.startCount + rounds;
-        RunRound(bus);
+        const uint32_t clocks = (VdpTicksToEvent(vdp) - 1) / kVdpTicksPerClock;
+        chips.BeginSpan();
+        catchUpBus.startCount = clockCount;
+        Z80RunOn(z80, catchUpBus, clocks);
+        chips.CatchUp(clocks * kVdpTicksPerClock, clocks);
+        clockCount = catchUpBus.startCount + clocks;
+        RunClock(bus);
     }
 }
 
-// The two chips come to the program's rate by themselves, so one may have a sample less than the other:
-// it then runs on by itself, and what it has made too much stays for the next frame.
+// Each chip has a resampler of its own, so one may be a sample short of the other. It then runs
+// until it has as many, and the pairs that are left over stay for the next frame.
 void CSMS::MixFm(EMU_AUDIO_FRAME& audio) {
     psgSound.Flush();
     fmSound.Flush();
@@ -310,11 +311,11 @@ bool CSMS::LoadPieces(const uint8_t* data, uint32_t size) {
     return loaded;
 }
 
-// What is derived is made again after a refusal too, as the pieces before it are then in force.
+// Derived values are computed after a refusal too: the pieces before the refused one are loaded.
 bool CSMS::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
     frameToggle &= 1;
-    PadsAfterLoad(pads);
+    PadsSanitize(pads);
     SegaMemoryRebuild(memory);
     return loaded;
 }

@@ -1,13 +1,12 @@
-// CSMS: the Master System and the Mark III. A Z80, the 8-bit VDP, the PSG, optionally the FM chip, and
-// a cartridge or BIOS behind a mapper.
+// CSMS: the Master System and the Mark III. A Z80, the 8-bit VDP, the PSG, an optional FM chip, and
+// a cartridge and a BIOS with their mappers.
 //
-// Clock: Z80, PSG and FM chip run at master / 15, the VDP does three steps a Z80 clock.
-// Games: the first file is the cartridge and the second, if any, the BIOS; a first file whose record
-//   says BIOS runs alone. Images of up to 4 MB are taken, of any length.
-// States: board, Z80, VDP, PSG, YM2413, the last one also on a console without the chip. What is
-//   guaranteed about sound stands in sound_frame.h.
-// Differs from the real consoles: only 0xF2 looks at the switch of the I/O chip; every model has a
-//   reset button; no mute of PSG or FM by 0xF2; TR outputs don't come back.
+// Clock: Z80, PSG and FM chip run at master / 15; the VDP makes three ticks a Z80 clock.
+// Games: the first file is the cartridge, the second, if any, the BIOS. A first file whose record
+//   says BIOS runs alone. Images may have any length up to 4 MB.
+// States: board, Z80, VDP, PSG, YM2413; the last also on a console without the chip. sound_frame.h
+//   says what is guaranteed about sound.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Board.
 #pragma once
 
 #include "facts/sms_facts.h"
@@ -41,13 +40,13 @@ public:
 
     // What the Z80 would read, with no side effect.
     [[nodiscard]] uint8_t Peek(uint16_t address) const { return SegaMemoryRead(memory, address); }
-    // "ram", "sram" (on the cartridge), "vram", "palette" (colour RAM); empty for any other name.
+    // "ram", "sram" (on the cartridge), "vram" or "palette" (colour RAM); empty for any other name.
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region) const;
 
-    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    // Frames by the plain loop, which ticks every chip on every clock; for tests of the fast loop.
     void SetStepByStep(bool plain) { stepByStep = plain; }
 
-    // The ports as the Z80 sees them; the low byte counts.
+    // The ports as the Z80 sees them; only the low byte counts.
     [[nodiscard]] uint8_t ReadPort(uint16_t port);
     void WritePort(uint16_t port, uint8_t value);
 
@@ -56,8 +55,10 @@ public:
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
 private:
+    friend struct MACHINE_FIELDS; // of the tests: every field of a state
+
     void ConnectChips();
-    void RunRound(SMS_BUS& bus);
+    void RunClock(SMS_BUS& bus);
     void RunStepByStep();
     void RunCatchingUp();
     void MixFm(EMU_AUDIO_FRAME& audio);
@@ -76,7 +77,7 @@ private:
     SEGA_MEMORY memory;
     PAD_PORTS pads;
     uint32_t irqOut = 0;     // by the VDP
-    uint8_t fmAddress = 0;   // register that port 0xF1 writes
+    uint8_t fmAddress = 0;   // port 0xF0: the register that port 0xF1 writes
     uint8_t fmControl = 0;   // port 0xF2
     uint8_t frameToggle = 0; // 1 in the first frame of a pair
     uint32_t clockCount = 0; // Z80 clocks

@@ -1,12 +1,13 @@
 #include "sega8/sms_pads.h"
 
+#include "sega8/sega_ports.h"
 #include "sega8/vdp.h"
 
 #include <algorithm>
 
 namespace {
 
-// Lines of a port, 1 when open.
+// Lines of a pad port, 1 when open.
 enum PadLine : uint8_t {
     kLineDirections = 0x0F, // up, down, left, right from bit 0
     kLineTl = 0x10,
@@ -14,6 +15,17 @@ enum PadLine : uint8_t {
     kLineTh = 0x40,
     kLinesOpen = 0x7F
 };
+
+// Port 0xDC has six lines of A and two of B, port 0xDD the rest.
+constexpr uint32_t kDcLinesA = 0x3F; // directions, TL, TR
+constexpr uint32_t kDcLinesB = 0x03; // up, down
+constexpr uint32_t kDcShiftB = 6;
+constexpr uint32_t kDdLinesB = 0x0F; // left, right, TL, TR
+constexpr uint32_t kDdShiftB = 2;
+constexpr uint32_t kDdReset = 0x10;  // 0 while the button is pressed
+constexpr uint32_t kDdUnused = 0x20; // reads 1
+constexpr uint32_t kDdThA = 0x40;
+constexpr uint32_t kDdThB = 0x80;
 
 constexpr uint32_t kPaddleStart = 127;
 constexpr uint32_t kPaddleStep = 4;
@@ -28,17 +40,13 @@ constexpr uint32_t kSixButtonTimeOut = 1956; // clocks
 constexpr int32_t kSpotLines = 4;            // above and below the aim
 constexpr int32_t kSpotDots = 150;           // 100 clocks
 
-// Bits of port 0x3F for port A; those of port B lie two above.
-constexpr uint32_t kThIsInput = 0x02;
-constexpr uint32_t kThLevel = 0x20;
-
 bool ThIsInput(uint8_t ioControl, uint32_t port) {
-    return (ioControl & kThIsInput << port * 2) != 0;
+    return (ioControl & kSegaIoThInput << port * 2) != 0;
 }
 
-// TH as the device sees it: an input floats high.
+// The level of TH at the device; an input floats high.
 bool ThHigh(uint8_t ioControl, uint32_t port) {
-    return ThIsInput(ioControl, port) || (ioControl & kThLevel << port * 2) != 0;
+    return ThIsInput(ioControl, port) || (ioControl & kSegaIoThLevel << port * 2) != 0;
 }
 
 // ---- Light Phaser
@@ -60,11 +68,12 @@ int32_t BeamDot(const VDP& vdp) {
     return static_cast<int32_t>(vdp.dotCounter / 2);
 }
 
-// The line that is being drawn. The chip counts on to the next one behind the last pixel.
+// The line being drawn. `line` steps after the last pixel.
 int32_t BeamLine(const VDP& vdp) {
     return static_cast<int32_t>(vdp.line) - (vdp.dotCounter / 2 >= kVdpEventDot ? 1 : 0);
 }
 
+// True if the port's phaser can pull TH.
 bool Sees(const PAD_PORTS& pads, uint32_t port) {
     return pads.device[port] == PadDevice::kLightPhaser && ThIsInput(pads.ioControl, port);
 }
@@ -73,11 +82,12 @@ bool SeesBeam(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
     const int32_t line = BeamLine(vdp);
     const int32_t down = line - AimLine(pads, vdp, port);
     const int32_t right = BeamDot(vdp) - AimDot(pads, port);
-    return line < static_cast<int32_t>(vdp.activeHeight) && down >= -kSpotLines &&
+    return line >= 0 && line < static_cast<int32_t>(vdp.activeHeight) && down >= -kSpotLines &&
            down <= kSpotLines && right >= 0 && right < kSpotDots;
 }
 
-// The last point at which the beam came into the spot, in this frame and since the last look.
+// The last point at which the beam entered the spot since the call before, in this frame; line -1:
+// none.
 BEAM_POINT NewHit(PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
     if (!Sees(pads, port)) {
         return {};
@@ -142,7 +152,7 @@ uint8_t PaddleLines(PAD_PORTS& pads, uint32_t port, bool flip) {
     return static_cast<uint8_t>(OpenWithout(pulled) | nibble);
 }
 
-// B, C, A, X, Y, Z of the pad, whose start and mode have no action.
+// The pad's buttons in the order B, C, A, X, Y, Z; start and mode have no action.
 constexpr uint32_t kPadA = kPadButton1 << 2;
 constexpr uint32_t kPadX = kPadButton1 << 3;
 constexpr uint32_t kPadY = kPadButton1 << 4;
@@ -169,7 +179,7 @@ uint8_t SixButtonLines(PAD_PORTS& pads, uint32_t port, uint32_t clock) {
     }
 }
 
-// `flip`: this reading takes the port's TR.
+// `flip`: this reading includes the TR line of `port`.
 uint8_t DeviceLines(PAD_PORTS& pads, const VDP& vdp, uint32_t port, uint32_t clock, bool flip) {
     switch (pads.device[port]) {
     case PadDevice::kLightPhaser: return PhaserLines(pads, vdp, port);
@@ -258,7 +268,7 @@ void PadsReset(PAD_PORTS& pads) {
     pads.lastEdgeClock = {};
     for (uint32_t port = 0; port < 2; ++port) {
         const PadDevice device = pads.device[port];
-        // The first edge then begins a reading, whenever it comes.
+        // So that the first edge starts a reading, whenever it comes.
         pads.deviceState[port] = device == PadDevice::kSportsPad ? kSportsLastPhase : 0;
         pads.deviceX[port] = device == PadDevice::kPaddle        ? kPaddleStart
                              : device == PadDevice::kLightPhaser ? kAimStartX
@@ -269,7 +279,7 @@ void PadsReset(PAD_PORTS& pads) {
     }
 }
 
-void PadsAfterLoad(PAD_PORTS& pads) {
+void PadsSanitize(PAD_PORTS& pads) {
     pads.lightLine = {-1, -1};
     for (uint32_t port = 0; port < 2; ++port) {
         if (pads.device[port] != PadDevice::kSportsPad) {
@@ -300,7 +310,7 @@ void PadsLatchLight(PAD_PORTS& pads, VDP& vdp) {
     const bool bIsLater = b.line > a.line || (b.line == a.line && b.dot > a.dot);
     const BEAM_POINT hit = bIsLater ? b : a;
     if (hit.line >= 0) {
-        // Every dot of the aim lies in the left part of the counter's two.
+        // Every dot of an aim is before the jump of the H counter.
         vdp.hLatch = static_cast<uint8_t>(hit.dot / 2);
     }
 }
@@ -309,8 +319,7 @@ void PadsWriteControl(PAD_PORTS& pads, VDP& vdp, uint8_t value, uint32_t clock) 
     PadsLatchLight(pads, vdp);
     const uint8_t before = pads.ioControl;
     pads.ioControl = value;
-    constexpr uint32_t kBothThLevels = kThLevel | kThLevel << 2;
-    if ((value & ~before & kBothThLevels) != 0) {
+    if ((value & ~before & kSegaIoThLevels) != 0) {
         VdpLatchH(vdp);
     }
     for (uint32_t port = 0; port < 2; ++port) {
@@ -324,7 +333,7 @@ uint8_t PadsReadDc(PAD_PORTS& pads, VDP& vdp, uint32_t clock) {
     PadsLatchLight(pads, vdp);
     const uint32_t a = DeviceLines(pads, vdp, 0, clock, true);
     const uint32_t b = DeviceLines(pads, vdp, 1, clock, false);
-    pads.portDc = static_cast<uint8_t>((a & 0x3F) | (b & 3) << 6);
+    pads.portDc = static_cast<uint8_t>((a & kDcLinesA) | (b & kDcLinesB) << kDcShiftB);
     return pads.portDc;
 }
 
@@ -332,9 +341,9 @@ uint8_t PadsReadDd(PAD_PORTS& pads, VDP& vdp, uint32_t clock) {
     PadsLatchLight(pads, vdp);
     const uint8_t a = DeviceLines(pads, vdp, 0, clock, false);
     const uint8_t b = DeviceLines(pads, vdp, 1, clock, true);
-    const uint32_t reset = (pads.input[0] & kPadReset) != 0 ? 0u : 0x10u;
-    pads.portDd = static_cast<uint8_t>((b >> 2 & 0x0F) | reset | 0x20u |
-                                       (ThReadBack(pads, 0, a) ? 0x40u : 0u) |
-                                       (ThReadBack(pads, 1, b) ? 0x80u : 0u));
+    const uint32_t reset = (pads.input[0] & kPadReset) != 0 ? 0 : kDdReset;
+    pads.portDd = static_cast<uint8_t>((b >> kDdShiftB & kDdLinesB) | reset | kDdUnused |
+                                       (ThReadBack(pads, 0, a) ? kDdThA : 0) |
+                                       (ThReadBack(pads, 1, b) ? kDdThB : 0));
     return pads.portDd;
 }

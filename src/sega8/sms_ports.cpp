@@ -1,8 +1,10 @@
-// The port decoder of CSMS: address lines 7, 6 and 0 pick the chip.
+// The port decoder of CSMS.
+#include "sega8/sega_ports.h"
 #include "sega8/sms.h"
 
 namespace {
 
+// Ports of the FM unit, which decodes all eight address lines.
 constexpr uint8_t kPortFmAddress = 0xF0;
 constexpr uint8_t kPortFmData = 0xF1;
 constexpr uint8_t kPortFmControl = 0xF2;
@@ -16,26 +18,26 @@ uint8_t CSMS::ReadPort(uint16_t port) {
         return ioOn ? static_cast<uint8_t>(fmControl & PadsReadDc(pads, vdp, clockCount))
                     : fmControl;
     }
-    switch (low & 0xC1) {
-    case 0x40: return VdpVCounter(vdp);
-    case 0x41: PadsLatchLight(pads, vdp); return vdp.hLatch;
-    case 0x80: return VdpDataRead(vdp);
-    case 0x81: return VdpStatusRead(vdp);
-    case 0xC0: return PadsReadDc(pads, vdp, clockCount);
-    case 0xC1: return PadsReadDd(pads, vdp, clockCount);
+    switch (low & kSegaPortLines) {
+    case kSegaPortVCounter: return VdpVCounter(vdp);
+    case kSegaPortHCounter: PadsLatchLight(pads, vdp); return vdp.hLatch;
+    case kSegaPortVdpData: return VdpDataRead(vdp);
+    case kSegaPortVdpControl: return VdpStatusRead(vdp);
+    case kSegaPortPadDc: return PadsReadDc(pads, vdp, clockCount);
+    case kSegaPortPadDd: return PadsReadDd(pads, vdp, clockCount);
     default: return 0xFF;
     }
 }
 
 void CSMS::WritePort(uint16_t port, uint8_t value) {
     const auto low = static_cast<uint8_t>(port);
-    switch (low & 0xC1) {
-    case 0x00: SegaMemoryWriteControl(memory, value); return;
-    case 0x01: PadsWriteControl(pads, vdp, value, clockCount); return;
-    case 0x40:
-    case 0x41: PsgWrite(psg, value); return;
-    case 0x80: VdpDataWrite(vdp, value); return;
-    case 0x81: VdpControlWrite(vdp, value); return;
+    switch (low & kSegaPortLines) {
+    case kSegaPortMemoryControl: SegaMemoryWriteControl(memory, value); return;
+    case kSegaPortIoControl: PadsWriteControl(pads, vdp, value, clockCount); return;
+    case kSegaPortPsg:
+    case kSegaPortPsgMirror: PsgWrite(psg, value); return;
+    case kSegaPortVdpData: VdpDataWrite(vdp, value); return;
+    case kSegaPortVdpControl: VdpControlWrite(vdp, value); return;
     default: break;
     }
     if (chosen.fmChip == 0) {

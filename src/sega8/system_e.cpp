@@ -22,9 +22,10 @@ namespace {
 constexpr uint32_t kPsgClock = 3579545; // Hz
 constexpr int kPsgModel = 1;
 constexpr double kPsgGain = 0.7;
-constexpr uint32_t kVdpStepsPerRound = 2; // a round is a Z80 clock
-constexpr uint32_t kPsgStep = 10;         // of kPsgPeriod, a Z80 clock
-constexpr uint32_t kPsgPeriod = 15;
+constexpr uint32_t kVdpTicksPerClock = 2; // of the Z80
+// The PSGs run at 10/15 of the Z80's clock.
+constexpr uint32_t kPsgPhasePerZ80Clock = 10;
+constexpr uint32_t kPsgPhasePerPsgClock = 15;
 constexpr uint32_t kImageLimit = 0x100000;
 constexpr uint32_t kPaletteBytes = 32; // of colour RAM
 
@@ -42,7 +43,7 @@ constexpr uint32_t kPlayerBits[] = {
     kArcadeButton1 << 4, kArcadeButton1 << 5,
 };
 
-bool IsEnciphered(uint32_t board) {
+bool IsEncrypted(uint32_t board) {
     return board == 2 || board == 5 || board == 6;
 }
 
@@ -65,13 +66,13 @@ struct ARCADE_BUS {
 
 namespace {
 
-// The same with chips that may be late: every port is touched by a machine that is up to date.
-struct ARCADE_LATE_BUS {
+// The same for a Z80 that runs ahead: the other chips catch up before every port access.
+struct ARCADE_CATCH_UP_BUS {
     ARCADE_BUS& bus;
     uint32_t& irqLine; // of the Z80
     const uint32_t& irqOut;
-    uint32_t round = 0; // of the stretch between two acts of a VDP
-    uint32_t done = 0;  // the others' rounds of it
+    uint32_t clock = 0; // of the span
+    uint32_t done = 0;  // clocks of the span that the other chips have run
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
@@ -87,10 +88,10 @@ struct ARCADE_LATE_BUS {
         bus.IoWrite(port, value);
         irqLine = irqOut;
     }
-    void At(uint32_t now) { round = now; }
+    void At(uint32_t now) { clock = now; }
     void CatchUp() {
-        bus.machine.CatchUp(round - done);
-        done = round;
+        bus.machine.CatchUp(clock - done);
+        done = clock;
     }
 };
 
@@ -126,7 +127,7 @@ bool CSEGAE::Init(const void* /*options*/, CGameFile* const games[2]) {
     rom = std::move(*image);
     rom.resize(std::max(imageBytes, size_t{kArcadeRomBytes}), 0xFF);
     opcodeRom.clear();
-    if (IsEnciphered(panel.board) && !PrepareOpcodes(*games[0], imageBytes)) {
+    if (IsEncrypted(panel.board) && !PrepareOpcodes(*games[0], imageBytes)) {
         return false;
     }
     ConnectChips();
@@ -134,14 +135,14 @@ bool CSEGAE::Init(const void* /*options*/, CGameFile* const games[2]) {
     return true;
 }
 
-// Behind the end of the piece opcodes are read as they stand in the image: only a part of it may be
-// enciphered.
+// Past the end of the piece opcodes come from the image itself: a board may encrypt only a part of
+// it.
 bool CSEGAE::PrepareOpcodes(const CGameFile& game, size_t imageBytes) {
     const std::span<const uint8_t> piece = OpcodePiece(game);
     if (piece.empty() || piece.size() > imageBytes) {
-        EmuSetLastError(GameTitle(game) + " runs on an enciphered processor (board " +
+        EmuSetLastError(GameTitle(game) + " has an encrypted program (board " +
                         std::to_string(panel.board) +
-                        (piece.empty() ? ") and brings no piece named \"opcodes\""
+                        (piece.empty() ? ") and no piece named \"opcodes\""
                                        : ") and its piece \"opcodes\" is longer than its image"));
         return false;
     }
@@ -210,7 +211,7 @@ void CSEGAE::RebuildMap() {
         opcodeWindows[1] = opcodeRom.data() + kArcadeBankBytes;
         opcodeWindows[2] = opcodeRom.data() + opcodeBank;
     }
-    // What a chip shows and what the window can reach of it are always the two different banks.
+    // A chip shows one of its two banks; the window writes to the other one.
     uint8_t* const banks = vram.data();
     uint8_t* const first[2] = {banks, banks + kVdpVramBytes};
     uint8_t* const second[2] = {banks + size_t{2} * kVdpVramBytes,
@@ -226,29 +227,29 @@ void CSEGAE::RebuildMap() {
 
 uint8_t CSEGAE::ReadPort(uint16_t port) {
     switch (const auto low = static_cast<uint8_t>(port)) {
-    case 0x7E: return VdpVCounter(vdp1);
-    case 0xBA: return VdpDataRead(vdp1);
-    case 0xBB: return VdpStatusRead(vdp1);
-    case 0xBE: return VdpDataRead(vdp2);
-    case 0xBF: return VdpStatusRead(vdp2);
+    case kArcadePortVCounter: return VdpVCounter(vdp1);
+    case kArcadePortVdp1Data: return VdpDataRead(vdp1);
+    case kArcadePortVdp1Control: return VdpStatusRead(vdp1);
+    case kArcadePortVdp2Data: return VdpDataRead(vdp2);
+    case kArcadePortVdp2Control: return VdpStatusRead(vdp2);
     default: return ArcadePanelRead(panel, low);
     }
 }
 
 void CSEGAE::WritePort(uint16_t port, uint8_t value) {
     switch (static_cast<uint8_t>(port)) {
-    case 0x7B: PsgWrite(psg2, value); break;
-    case 0x7E:
-    case 0x7F: PsgWrite(psg1, value); break;
-    case 0xBA: VdpDataWrite(vdp1, value); break;
-    case 0xBB: VdpControlWrite(vdp1, value); break;
-    case 0xBE: VdpDataWrite(vdp2, value); break;
-    case 0xBF: VdpControlWrite(vdp2, value); break;
-    case 0xF7:
+    case kArcadePortPsg2: PsgWrite(psg2, value); break;
+    case kArcadePortPsg1:
+    case kArcadePortPsg1Mirror: PsgWrite(psg1, value); break;
+    case kArcadePortVdp1Data: VdpDataWrite(vdp1, value); break;
+    case kArcadePortVdp1Control: VdpControlWrite(vdp1, value); break;
+    case kArcadePortVdp2Data: VdpDataWrite(vdp2, value); break;
+    case kArcadePortVdp2Control: VdpControlWrite(vdp2, value); break;
+    case kArcadePortBankLatch:
         bankLatch = value;
         RebuildMap();
         break;
-    case 0xFA: ArcadePanelSelect(panel, value); break;
+    case kArcadePortPanelSelect: ArcadePanelSelect(panel, value); break;
     default: break;
     }
 }
@@ -279,8 +280,8 @@ void CSEGAE::ReadInput() {
     panel.inputP2 = ReadButtons(sessionKey, kArcadePlayerActions[1], kPlayerBits);
 }
 
-// The order in which the chips are clocked.
-void CSEGAE::RunRound(ARCADE_BUS& bus) {
+// One Z80 clock of every chip, in the order in which they are clocked.
+void CSEGAE::RunClock(ARCADE_BUS& bus) {
     Z80TickOn(z80, bus);
     VdpTick(vdp1);
     VdpTick(vdp1);
@@ -290,48 +291,47 @@ void CSEGAE::RunRound(ARCADE_BUS& bus) {
     z80.irqLine = irqLine;
 }
 
-// The sound chips run at 10/15 of the Z80's clock.
-void CSEGAE::RunSound(uint32_t rounds) {
-    const uint32_t phase = psgPhase + rounds * kPsgStep;
-    PsgRun(psg1, phase / kPsgPeriod);
-    PsgRun(psg2, phase / kPsgPeriod);
-    psgPhase = phase % kPsgPeriod;
+void CSEGAE::RunSound(uint32_t clocks) {
+    const uint32_t phase = psgPhase + clocks * kPsgPhasePerZ80Clock;
+    PsgRun(psg1, phase / kPsgPhasePerPsgClock);
+    PsgRun(psg2, phase / kPsgPhasePerPsgClock);
+    psgPhase = phase % kPsgPhasePerPsgClock;
 }
 
 void CSEGAE::RunStepByStep() {
     ARCADE_BUS bus{*this};
     while (!vdp2.frameDone) {
-        RunRound(bus);
+        RunClock(bus);
     }
 }
 
-// The first chip has drawn a stretch of a line before the second one lays its own over it, as with
-// single steps.
-void CSEGAE::CatchUp(uint32_t rounds) {
-    VdpRun(vdp1, rounds * kVdpStepsPerRound);
-    VdpRun(vdp2, rounds * kVdpStepsPerRound);
-    RunSound(rounds);
+// The first chip draws its pixels of a span before the second one draws over them, as in single
+// ticks.
+void CSEGAE::CatchUp(uint32_t clocks) {
+    VdpRun(vdp1, clocks * kVdpTicksPerClock);
+    VdpRun(vdp2, clocks * kVdpTicksPerClock);
+    RunSound(clocks);
 }
 
-// The same frame with the chips around the Z80 catching up when a port is touched; the round in which
-// a VDP acts by itself is run in full, and so is the first one, after which every line has its level.
+// The same frame, in which the chips around the Z80 catch up. A clock in which a VDP changes a line
+// of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
 void CSEGAE::RunCatchingUp() {
     ARCADE_BUS bus{*this};
-    ARCADE_LATE_BUS lateBus{bus, z80.irqLine, irqLine};
-    RunRound(bus);
+    ARCADE_CATCH_UP_BUS catchUpBus{bus, z80.irqLine, irqLine};
+    RunClock(bus);
     while (!vdp2.frameDone) {
-        // From reset on both chips stand at the same dot; a state may have them apart.
-        const uint32_t steps = std::min(VdpStepsToEvent(vdp1), VdpStepsToEvent(vdp2));
-        const uint32_t rounds = (steps - 1) / kVdpStepsPerRound;
-        lateBus.done = 0;
-        Z80RunOn(z80, lateBus, rounds);
-        CatchUp(rounds - lateBus.done);
-        RunRound(bus);
+        // A reset starts both chips at the same dot; a state may have them apart.
+        const uint32_t ticks = std::min(VdpTicksToEvent(vdp1), VdpTicksToEvent(vdp2));
+        const uint32_t clocks = (ticks - 1) / kVdpTicksPerClock;
+        catchUpBus.done = 0;
+        Z80RunOn(z80, catchUpBus, clocks);
+        CatchUp(clocks - catchUpBus.done);
+        RunClock(bus);
     }
 }
 
-// The mapper words are the banks in the three ROM slots and the latch that they come from. They tell a
-// reader of the state what was mapped and are made again from the latch.
+// The mapper words are the banks of the three ROM slots and the bank latch. They are for readers of
+// the state; a load derives them from the latch.
 template <typename Visit>
 void CSEGAE::BoardFields(Visit& visit) {
     std::array<uint8_t, 2> spare{};
@@ -378,13 +378,13 @@ bool CSEGAE::LoadPieces(const uint8_t* data, uint32_t size) {
     return loaded;
 }
 
-// What is derived is made again after a refusal too, as the pieces before it are then in force.
+// Derived values are computed after a refusal too: the pieces before the refused one are loaded.
 bool CSEGAE::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
     irqLine = irqLine != 0 ? 1 : 0;
-    psgPhase %= kPsgPeriod;
+    psgPhase %= kPsgPhasePerPsgClock;
     panel.dialSelect &= 3;
-    // This board has no pause button, whatever the state says.
+    // This board has no pause button.
     vdp1.pausePressed = false;
     vdp2.pausePressed = false;
     RebuildMap();

@@ -1,16 +1,16 @@
-// CSEGAE: the System E arcade board. A Z80, two 8-bit VDPs drawing one picture, two PSGs, banked ROM
-// and one of several control panels, picked by the board number of the game's record.
+// CSEGAE: the System E arcade board. A Z80, two 8-bit VDPs that draw one picture, two PSGs, banked
+// ROM and one of several control panels, selected by the board number of the game's record.
 //
-// Clock: the Z80 runs at 5.37 MHz, two VDP steps a clock; both PSGs at 10/15 of it.
-// Units: `steering` 0..255 with the middle at 127; `throttle` 0..254; `dialSpeed` in dial steps a frame.
-// Games: the image is 32 KB for 0x0000-0x7FFF and up to 16 banks of 16 KB for 0x8000-0xBFFF; what an
-//   image does not have reads 0xFF. Boards 2, 5 and 6 have an enciphered processor, whose decoding is
-//   not part of this machine: such a game brings its deciphered opcodes in a piece named "opcodes"
-//   (docs/FORMATS.md), and Init fails without it.
-// Layers: the second VDP is the upper one; where it shows nothing the first one's pixel stays.
-// States: board, Z80, both VDPs, both PSGs. What is guaranteed about sound stands in sound_frame.h.
-// Differs from the real board: the operator's switches are constants; the parallel chip behind the
-//   analog and dial panels is left out.
+// Clock: the Z80 runs at 5.37 MHz, with two VDP ticks a clock; both PSGs at 10/15 of that.
+// Units: `steering` 0..255 with the middle at 127; `throttle` 0..254; `dialSpeed` in dial counts a
+//   frame.
+// Games: the image has 32 KB for 0x0000-0x7FFF and up to 16 banks of 16 KB for 0x8000-0xBFFF;
+//   missing parts read 0xFF. Boards 2, 5 and 6 have an encrypted program, which this machine does
+//   not decrypt: such a game has its decrypted opcodes in a piece named "opcodes"
+//   (docs/FORMATS.md). Init fails without it.
+// Layers: the second VDP is the upper one; its transparent pixels show the first VDP.
+// States: board, Z80, both VDPs, both PSGs. sound_frame.h says what is guaranteed about sound.
+// Differs: docs/HARDWARE.md, "System E".
 #pragma once
 
 #include "machine/chip_sound.h"
@@ -32,10 +32,30 @@ inline constexpr uint32_t kArcadeBankBytes = 0x4000;
 inline constexpr uint32_t kArcadeBanks = 16;
 inline constexpr uint32_t kArcadeRomBytes = kArcadeFixedBytes + kArcadeBanks * kArcadeBankBytes;
 
-// Board numbers of game records. 3 and 7 are joystick panels like 2, 5 and 6, with nothing enciphered.
+// Ports, of which all eight address lines count.
+enum ArcadePort : uint8_t {
+    kArcadePortPsg2 = 0x7B,
+    kArcadePortPsg1 = 0x7E, // write; also 0x7F
+    kArcadePortPsg1Mirror = 0x7F,
+    kArcadePortVCounter = 0x7E, // read
+    kArcadePortVdp1Data = 0xBA,
+    kArcadePortVdp1Control = 0xBB, // read: status
+    kArcadePortVdp2Data = 0xBE,
+    kArcadePortVdp2Control = 0xBF, // read: status
+    kArcadePortCoins = 0xE0,       // and start buttons
+    kArcadePortJoystick = 0xE1,
+    kArcadePortCoinSwitches = 0xF2,
+    kArcadePortGameSwitches = 0xF3,
+    kArcadePortBankLatch = 0xF7,
+    kArcadePortPanel = 0xF8,      // value of the analog or dial panel
+    kArcadePortPanelSelect = 0xFA // selects that value
+};
+
+// Board numbers of game records. 2, 3, 5, 6 and 7 have a joystick panel; the programs of 2, 5 and 6
+// are encrypted.
 enum ArcadeBoard : uint32_t { kBoardAnalog = 1, kBoardDial = 4 };
 
-// What a player holds down, a bit each. The coins and starts stand in player 1's word.
+// What a player holds down, a bit each. Coins and start buttons are in player 1's word.
 enum ArcadeInput : uint32_t {
     kArcadeUp = 1u << 0,
     kArcadeDown = 1u << 1,
@@ -49,11 +69,11 @@ enum ArcadeInput : uint32_t {
     kArcadeCoin2 = 1u << 27
 };
 
-// The control panel: what it makes of the input, frame by frame.
+// The control panel and its input of this frame.
 struct ARCADE_PANEL {
     uint32_t board = 3;
     uint32_t inputP1 = 0; // ArcadeInput
-    uint32_t inputP2 = 0; // no port shows it
+    uint32_t inputP2 = 0; // ArcadeInput; no port reads it
     uint8_t analogSelect = 0;
     uint8_t steering = 127;
     uint8_t throttle = 0;
@@ -63,7 +83,7 @@ struct ARCADE_PANEL {
 
 // Moves wheel, throttle and dial by one frame.
 void ArcadePanelMove(ARCADE_PANEL& panel);
-// Ports 0xE0 to 0xFB of the panel; 0 for a port that it does not have.
+// Ports 0xE0 to 0xFB of the panel; 0 for any other port.
 [[nodiscard]] uint8_t ArcadePanelRead(const ARCADE_PANEL& panel, uint8_t port);
 // Port 0xFA.
 void ArcadePanelSelect(ARCADE_PANEL& panel, uint8_t value);
@@ -88,14 +108,14 @@ public:
     // colour RAM of the first chip and then of the second one. Empty for any other name.
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region) const;
 
-    // The bus as the Z80 sees it; of a port the low byte counts.
+    // The bus as the Z80 sees it; only the low byte of a port counts.
     [[nodiscard]] uint8_t PeekOpcode(uint16_t address) const {
         return opcodeWindows[address >> 14][address & 0x3FFF];
     }
-    // Frames by the plain loop, every chip stepped in every round; for comparison with the fast one.
+    // Frames by the plain loop, which ticks every chip on every clock; for tests of the fast loop.
     void SetStepByStep(bool plain) { stepByStep = plain; }
-    // Runs the chips around the Z80 by so many rounds.
-    void CatchUp(uint32_t rounds);
+    // Runs the Z80 clocks that the other chips owe.
+    void CatchUp(uint32_t clocks);
 
     void WriteMemory(uint16_t address, uint8_t value) {
         writeWindows[address >> 14][address & 0x3FFF] = value;
@@ -108,12 +128,14 @@ public:
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
 private:
+    friend struct MACHINE_FIELDS; // of the tests: every field of a state
+
     [[nodiscard]] bool PrepareOpcodes(const CGameFile& game, size_t imageBytes);
     void ConnectChips();
     void RebuildMap();
     void ReadInput();
-    void RunRound(ARCADE_BUS& bus);
-    void RunSound(uint32_t rounds);
+    void RunClock(ARCADE_BUS& bus);
+    void RunSound(uint32_t clocks);
     void RunStepByStep();
     void RunCatchingUp();
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
@@ -129,13 +151,13 @@ private:
     ChipSound sound1; // of psg1
     ChipSound sound2;
     std::vector<uint8_t> rom;       // kArcadeRomBytes
-    std::vector<uint8_t> opcodeRom; // as long, or empty: opcodes come from `rom`
-    // Offset in `opcodeRom` for fetches through the banked window. Boards know 0, 32,768 and 49,152, and
-    // what the last two pick is not published; an image laid out as the ROM itself, the only kind that
-    // is taken here, needs 0.
+    std::vector<uint8_t> opcodeRom; // as long as `rom`, or empty: opcodes come from `rom`
+    // Offset in `opcodeRom` for fetches through the banked window. Boards have 0, 32,768 or 49,152
+    // (open: no source tells what the last two select). An image with the layout of the ROM, the
+    // only kind that is accepted, needs 0.
     uint32_t opcodeOffset = 0;
     uint32_t irqLine = 0;   // by vdp2
-    uint32_t irqUnread = 0; // by vdp1; leads nowhere
+    uint32_t irqUnread = 0; // by vdp1; not connected
     bool stepByStep = false;
     uint32_t psgPhase = 0; // in fifteenths of a PSG clock, 0..14
     uint8_t bankLatch = 0; // port 0xF7
@@ -146,5 +168,5 @@ private:
     std::array<const uint8_t*, 4> readWindows{};
     std::array<const uint8_t*, 4> opcodeWindows{};
     std::array<uint8_t*, 4> writeWindows{};
-    std::array<uint8_t, 0x4000> dummy{}; // takes writes that go nowhere
+    std::array<uint8_t, 0x4000> dummy{}; // for writes to ROM
 };

@@ -7,45 +7,34 @@
 
 namespace {
 
-// Bits of the registers.
-constexpr uint8_t kLineInterruptOn = 0x10;  // register 0
-constexpr uint8_t kFrameInterruptOn = 0x20; // register 1
-
 constexpr uint32_t kLinesNtsc = 262;
 constexpr uint32_t kLinesPal = 313;
 
-constexpr uint32_t Opaque(uint32_t red, uint32_t green, uint32_t blue) {
-    return 0xFF000000U | red << 16 | green << 8 | blue;
-}
-
-constexpr uint32_t SixBitColour(uint32_t value) {
-    return Opaque((value & 3) * 85, ((value >> 2) & 3) * 85, ((value >> 4) & 3) * 85);
-}
-
-// Bits 0-3 red, 4-7 green, 8-11 blue; each a multiple of 16, so white is 0xF0.
-constexpr uint32_t TwelveBitColour(uint32_t value) {
-    return Opaque((value & 15) * 16, ((value >> 4) & 15) * 16, ((value >> 8) & 15) * 16);
+// Bits 0-3 red, 4-7 green, 8-11 blue. Settled: steps of 16, so white is 0xF0 in each.
+constexpr uint32_t TwelveBitPixel(uint32_t value) {
+    return VdpPixel((value & 15) * 16, ((value >> 4) & 15) * 16, ((value >> 8) & 15) * 16);
 }
 
 void ConvertColour(VDP& vdp, uint32_t entry) {
     if (vdp.variant == kVdpGameGear) {
         const uint32_t pair = (entry & 31) * 2;
         vdp.palette[entry & 31] =
-            TwelveBitColour(vdp.cram[pair] | static_cast<uint32_t>(vdp.cram[pair + 1]) << 8);
+            TwelveBitPixel(vdp.cram[pair] | static_cast<uint32_t>(vdp.cram[pair + 1]) << 8);
     } else {
-        vdp.palette[entry & 31] = SixBitColour(vdp.cram[entry & 31]);
+        vdp.palette[entry & 31] = VdpSixBitPixel(vdp.cram[entry & 31]);
     }
 }
 
 uint32_t HeightOf(const VDP& vdp) {
     const bool tall =
-        vdp.variant != kVdpFirst && (vdp.regs[0] & 0x02) != 0 && VdpModeOf(vdp.regs) == 4;
-    if (tall && (vdp.regs[1] & 0x08) != 0) {
-        return 240;
+        vdp.variant != kVdpFirst && (vdp.regs[0] & kVdpReg0M2) != 0 && VdpModeOf(vdp.regs) == 4;
+    if (tall && (vdp.regs[1] & kVdpReg1M3) != 0) {
+        return 240; // settled: with M1 too, where the chip is said to stay at 192
     }
-    return tall && (vdp.regs[1] & 0x10) != 0 ? 224 : 192;
+    return tall && (vdp.regs[1] & kVdpReg1M1) != 0 ? 224 : 192;
 }
 
+// Rows of border above and below. The chip draws more; pictures are cut to 224 or 240 rows.
 uint32_t BorderOf(bool pal, uint32_t height) {
     if (pal) {
         return (240 - height) / 2;
@@ -61,8 +50,8 @@ void RequestAccess(VDP& vdp, VdpAccess access, uint8_t value) {
     vdp.addr = (vdp.addr + 1) & kVdpVramMask;
 }
 
-// The Game Gear keeps the byte at an even address back; the odd one writes both. A second byte alone
-// takes the old first one again.
+// On the Game Gear a write to an even address only fills the latch; a write to an odd address
+// stores the latch and the byte as a pair. Another odd write uses the same latch again.
 void WriteColour(VDP& vdp, uint8_t value) {
     if (vdp.variant != kVdpGameGear) {
         vdp.cram[vdp.addr & 31] = value;
@@ -77,17 +66,48 @@ void WriteColour(VDP& vdp, uint8_t value) {
     }
 }
 
-// Published: the counter goes down as each line of the picture and the one below it begins, asks for an
-// interrupt as it passes 0, and is held at register 10 elsewhere.
+// Published: the counter steps down on every line of the picture and on the line below it. Below 0
+// it reloads and requests an interrupt. On all other lines it reloads.
 void StepLineCounter(VDP& vdp) {
     const bool counts = vdp.line <= vdp.activeHeight;
     if (counts && vdp.lineCounter != 0) {
         --vdp.lineCounter;
     } else {
         vdp.lineInterrupt = vdp.lineInterrupt || counts;
-        vdp.lineCounter = vdp.regs[10];
+        vdp.lineCounter = vdp.regs[kVdpLineInterval];
     }
 }
+
+// Published: the eight-bit V counter follows the line number and jumps back once a frame, after
+// line `last` (C. MacDonald, Sega Master System VDP documentation, V counter values).
+struct V_COUNTER_JUMP {
+    uint32_t last; // last line before the jump
+    uint32_t back; // lines that are counted twice
+};
+
+constexpr V_COUNTER_JUMP VCounterJump(bool pal, uint32_t height) {
+    if (pal) {
+        return {242, 57}; // 00-F2, BA-FF. Settled: at 224 and 240 lines too
+    }
+    switch (height) {
+    case 192: return {218, 6}; // 00-DA, D5-FF
+    case 224: return {234, 6}; // 00-EA, E5-FF
+    default: return {261, 0};  // 00-FF, 00-05: no jump, only the wrap at 256
+    }
+}
+
+// Published: the H counter steps every two dots, 00-93 and then E9-FF; it jumps within the blank.
+constexpr uint32_t kHCounterJumpDot = 296;
+constexpr uint32_t kHCounterAfterJump = 0xE9;
+
+constexpr uint8_t HCounterAt(uint32_t dot) {
+    return static_cast<uint8_t>(
+        dot < kHCounterJumpDot ? dot / 2 : (dot - kHCounterJumpDot) / 2 + kHCounterAfterJump);
+}
+
+static_assert(HCounterAt(kHCounterJumpDot - 1) == 0x93);
+static_assert(HCounterAt(kVdpEventDot) == 0xF4);
+static_assert(HCounterAt(kVdpDots - 1) == 0xFF);
 
 } // namespace
 
@@ -98,17 +118,19 @@ void VdpConvertPalette(VDP& vdp) {
 }
 
 void VdpUpdateIrq(VDP& vdp) {
-    const bool lineIrq = vdp.lineInterrupt && (vdp.regs[0] & kLineInterruptOn) != 0;
-    const bool frameIrq = vdp.frameInterrupt && (vdp.regs[1] & kFrameInterruptOn) != 0;
+    const bool lineIrq = vdp.lineInterrupt && (vdp.regs[0] & kVdpReg0LineInterrupt) != 0;
+    const bool frameIrq = vdp.frameInterrupt && (vdp.regs[1] & kVdpReg1FrameInterrupt) != 0;
     *vdp.irqOut = lineIrq || frameIrq ? 1 : 0;
 }
 
-// M4 M3 M2 M1 as a number. Odd mixtures show as mode 0, as this chip's table has it.
 uint8_t VdpModeOf(const uint8_t* regs) {
-    const uint32_t bits = ((regs[0] >> 2U) & 1U) << 3 | ((regs[1] >> 3U) & 1U) << 2 |
-                          ((regs[0] >> 1U) & 1U) << 1 | ((regs[1] >> 4U) & 1U);
+    const uint32_t m4 = (regs[0] & kVdpReg0M4) != 0 ? 8 : 0;
+    const uint32_t m3 = (regs[1] & kVdpReg1M3) != 0 ? 4 : 0;
+    const uint32_t m2 = (regs[0] & kVdpReg0M2) != 0 ? 2 : 0;
+    const uint32_t m1 = (regs[1] & kVdpReg1M1) != 0 ? 1 : 0;
+    // By M4 M3 M2 M1. Settled: multicolour and the mixed modes show as mode 0.
     constexpr uint8_t kModes[16] = {0, 1, 2, 0, 0, 0, 0, 0, 4, 0, 4, 4, 4, 0, 4, 4};
-    return kModes[bits];
+    return kModes[m4 | m3 | m2 | m1];
 }
 
 void VdpDeriveHeight(VDP& vdp) {
@@ -127,10 +149,10 @@ void VdpDeriveSlotList(VDP& vdp) {
     vdp.slotList = static_cast<uint8_t>(active ? first : first + 1);
 }
 
-// What follows from the fields of a state.
 void VdpDeriveLine(VDP& vdp) {
     vdp.slotTable = kVdpSlotLists[vdp.slotList].data();
-    // Settled: both console chips show modes 0 to 2 in fixed colours, the Game Gear in entries 16-31.
+    // Published: the Master System chips show modes 0 to 2 in fixed colours, the Game Gear in
+    // entries 16-31.
     vdp.fixedColours = vdp.mode != 4 && vdp.variant != kVdpGameGear;
     const bool drawn = vdp.pixels != nullptr && vdp.outputRow != kVdpNoRow;
     vdp.row = drawn ? vdp.pixels + size_t{vdp.outputRow} * vdp.rowLength : nullptr;
@@ -164,13 +186,14 @@ void VdpReset(VDP& vdp) {
     fresh.pauseSeen = vdp.pauseSeen;
     fresh.pixels = vdp.pixels;
     fresh.rowLength = vdp.rowLength;
+    // Mode 4, both interrupts on, display off; the usual tables, no scroll.
     constexpr uint8_t kStart[11] = {0x36, 0xA0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFB, 0, 0, 0, 0xFF};
     for (size_t i = 0; i < sizeof kStart; ++i) {
         fresh.regs[i] = kStart[i];
     }
-    fresh.lineCounter = fresh.regs[10];
+    fresh.lineCounter = fresh.regs[kVdpLineInterval];
     vdp = fresh;
-    VdpConvertPalette(vdp); // colour RAM is cleared, so all are black
+    VdpConvertPalette(vdp); // all black, as colour RAM is cleared
     VdpDeriveHeight(vdp);
     VdpDeriveSlotList(vdp);
     VdpDeriveLine(vdp);
@@ -186,7 +209,7 @@ void VdpBeginFrame(VDP& vdp, uint32_t* pixels, uint32_t rowLength) {
 
 void VdpFinishFrame(const VDP& vdp, EMU_VIDEO_FRAME* video) {
     const float width = vdp.pal ? 352.0F : 288.0F;
-    const bool narrow = (vdp.regs[0] & 0x20) != 0;
+    const bool narrow = (vdp.regs[0] & kVdpReg0BlankLeft) != 0;
     video->width = kVdpPictureWidth;
     video->height = vdp.pictureHeight;
     video->visibleX = narrow ? 8 : 0;
@@ -209,20 +232,20 @@ void VdpControlWrite(VDP& vdp, uint8_t value) {
     vdp.latchFull = false;
     vdp.code = value >> 6;
     vdp.addr = static_cast<uint16_t>((value & 0x3F) << 8 | vdp.latchByte);
-    if (vdp.code == 0) {
+    if (vdp.code == kVdpCodeRead) {
         RequestAccess(vdp, kVdpRead, 0);
-    } else if (vdp.code == 2) {
+    } else if (vdp.code == kVdpCodeRegister) {
         vdp.regs[value & 15] = vdp.latchByte;
         VdpDeriveHeight(vdp);
         VdpUpdateIrq(vdp);
     }
 }
 
-// Published, open elsewhere: the value goes into the read buffer too.
+// Published: the value also goes to the read buffer.
 void VdpDataWrite(VDP& vdp, uint8_t value) {
     vdp.latchFull = false;
     vdp.readBuffer = value;
-    if (vdp.code == 3) {
+    if (vdp.code == kVdpCodeColour) {
         WriteColour(vdp, value);
         vdp.addr = (vdp.addr + 1) & kVdpVramMask;
     } else {
@@ -230,7 +253,7 @@ void VdpDataWrite(VDP& vdp, uint8_t value) {
     }
 }
 
-// Published: a read gives the buffer and fills it anew, whatever the code.
+// Published: a read returns the buffer and refills it, with any code.
 uint8_t VdpDataRead(VDP& vdp) {
     const uint8_t value = vdp.readBuffer;
     vdp.latchFull = false;
@@ -239,7 +262,7 @@ uint8_t VdpDataRead(VDP& vdp) {
 }
 
 uint8_t VdpStatusRead(VDP& vdp) {
-    const uint8_t value = vdp.status | 0x1F;
+    const uint8_t value = vdp.status | kVdpStatusUnused;
     vdp.status = 0;
     vdp.lineInterrupt = false;
     vdp.frameInterrupt = false;
@@ -248,24 +271,13 @@ uint8_t VdpStatusRead(VDP& vdp) {
     return value;
 }
 
-// Published jump tables: the counter repeats six lines of a 262-line frame after the last line of
-// the bottom border. The 313-line frame has one formula for all heights here.
 uint8_t VdpVCounter(const VDP& vdp) {
-    uint32_t last = 0;
-    uint32_t back = 0;
-    if (vdp.pal) {
-        last = 242;
-        back = 57;
-    } else {
-        last = vdp.activeHeight == 192 ? 218 : vdp.activeHeight == 224 ? 234 : 261;
-        back = 6;
-    }
-    return static_cast<uint8_t>(vdp.line <= last ? vdp.line : vdp.line - back);
+    const V_COUNTER_JUMP jump = VCounterJump(vdp.pal, vdp.activeHeight);
+    return static_cast<uint8_t>(vdp.line <= jump.last ? vdp.line : vdp.line - jump.back);
 }
 
 uint8_t VdpLatchH(VDP& vdp) {
-    const uint32_t position = (vdp.dotCounter % kVdpStepsPerLine) / 2;
-    vdp.hLatch = static_cast<uint8_t>(position > 295 ? (position - 296) / 2 + 233 : position / 2);
+    vdp.hLatch = HCounterAt((vdp.dotCounter % kVdpTicksPerLine) / 2);
     return vdp.hLatch;
 }
 
@@ -275,8 +287,8 @@ bool VdpBeam(const VDP& vdp, uint32_t& x, uint32_t& y) {
     return x < kVdpPictureWidth && y < vdp.activeHeight;
 }
 
-// The V counter, the line counter and the frame flag step together at H counter 0xF4, just before the line
-// that they belong to is drawn: a handler reads the line that it was asked for.
+// V counter, line counter and frame flag step together at H counter 0xF4, just before their line is
+// drawn, so an interrupt handler reads the number of the line that requested it.
 void VdpLineEvent(VDP& vdp) {
     if (++vdp.line >= vdp.totalLines) {
         vdp.line = 0;
@@ -288,7 +300,8 @@ void VdpLineEvent(VDP& vdp) {
         vdp.status |= kVdpStatusFrame;
     }
     VdpUpdateIrq(vdp);
-    // The fetch of this line's finds is under way and knows its places; the search begins anew.
+    // The sprites found for this line are being fetched by now; the search for the next line
+    // starts.
     vdp.spriteCount = vdp.foundCount;
     vdp.foundCount = 0;
     vdp.spriteIndex = 0;

@@ -1,19 +1,17 @@
-// Video chip of the Master System, the Game Gear and the System E boards: TMS9918-family modes 0 to 2
-// and the scrolling mode 4.
+// 8-bit VDP: the video chip of the Master System, the Game Gear and the System E board. TMS9918
+// modes 0 to 2 and the scrolling mode 4.
 //
-// Clock: a step (VdpTick) is half a dot; a line has 342 dots, 684 steps. Three steps make a Z80 clock
-//   of a console, two a Z80 clock of System E. Every second step does the work of one dot.
-// Units: `dotCounter` in half dots, `line` in lines, VRAM addresses in bytes (14 bits), except for
-//   `nextAddr` and `cycleAddr` of a word cycle, which count words. Screen pixel x goes out at dot x + 11.
+// Clock: one tick (VdpTick) is half a dot; a line has 342 dots, 684 ticks. A Z80 clock is three
+//   ticks on a console and two on System E. Every second tick does the work of one dot.
+// Units: `dotCounter` in half dots, `line` in lines, VRAM addresses in bytes (14 bits); `nextAddr`
+//   and `cycleAddr` of a word cycle count words. Screen pixel x is drawn at dot x + 11.
 // Owner: one machine, on its session's thread. The record may be moved only before the first frame.
-// Pins: `irqOut` and `nmiOut` point to the owner's lines and are written by the chip (the first as a
-//   level, the second only ever set to 1). `vram` points to 16 KB of the owner, who may change the
-//   pointer between any two steps. `pausePressed` and `secondChip` are written by the owner.
-// Order: VdpInit, `vram`, VdpReset, then for each frame VdpBeginFrame, steps until `frameDone`,
+// Pins: the chip writes the owner's lines `irqOut` (a level) and `nmiOut` (set to 1, never
+//   cleared). `vram` points to 16 KB of the owner, who may change the pointer between any two
+//   ticks. The owner writes `pausePressed` and `secondChip`.
+// Order: VdpInit, `vram`, VdpReset, then for each frame VdpBeginFrame, ticks until `frameDone`,
 //   VdpFinishFrame.
-// Differs: the mode, the display bit, the scroll values and the name table base of modes 0 to 2 are
-//   taken once a line; multicolour and the mixed modes show as mode 0; the low status bits read as ones;
-//   bits 0 and 1 of register 6, said to mask tile bits of mode 4 sprites on the first chip, do nothing.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", VDP. All of it is settled here.
 #pragma once
 
 #include "sega8/vdp_record.h"
@@ -22,18 +20,19 @@
 
 struct EMU_VIDEO_FRAME;
 
-// Clears everything but `vram`. Neither pointer may be null; they outlive the chip.
+// Clears everything but `vram`. `variant` is a VdpVariant. Neither pointer may be null; both
+// outlive the chip.
 void VdpInit(VDP& vdp, uint32_t* irqOut, uint32_t* nmiOut, bool pal, uint32_t variant);
-// Start values of the registers, black palette, top of the frame. `vram` is the owner's to clear.
+// Start values of the registers, black palette, top of the frame. The owner clears `vram`.
 void VdpReset(VDP& vdp);
 
-// Hands over the picture of the next frame: rows of `rowLength` pixels (256 or more), at least 240
-// of them. Null draws nothing. Clears `frameDone`.
+// Sets the picture of the next frame: at least 240 rows of `rowLength` pixels (256 or more). Null
+// draws nothing. Clears `frameDone`.
 void VdpBeginFrame(VDP& vdp, uint32_t* pixels, uint32_t rowLength);
-// Fills in size, visible window and aspects; the other fields are left alone.
+// Fills in size, visible window and aspect ratios; leaves the other fields alone.
 void VdpFinishFrame(const VDP& vdp, EMU_VIDEO_FRAME* video);
 
-// One step, half a dot. Defined in vdp_tick.h.
+// Half a dot. Defined in vdp_tick.h.
 inline void VdpTick(VDP& vdp);
 
 void VdpControlWrite(VDP& vdp, uint8_t value);
@@ -41,18 +40,19 @@ void VdpDataWrite(VDP& vdp, uint8_t value);
 [[nodiscard]] uint8_t VdpDataRead(VDP& vdp);
 [[nodiscard]] uint8_t VdpStatusRead(VDP& vdp);
 [[nodiscard]] uint8_t VdpVCounter(const VDP& vdp);
-// Stores the H counter of this moment in hLatch and returns it.
+// Stores the current H counter in `hLatch` and returns it.
 uint8_t VdpLatchH(VDP& vdp);
 
-// The screen pixel that the beam is on: x is 0..255 inside the picture, y is `line`. False outside
-// of the active picture.
+// The screen pixel under the beam: x is 0..255 inside the picture, y is `line`. False outside the
+// active picture.
 [[nodiscard]] bool VdpBeam(const VDP& vdp, uint32_t& x, uint32_t& y);
 
-// The chip's piece of a state. It restores in the middle of a line, into a chip of the same variant
-// and television standard; the drawing goes on in the picture that was last handed over.
+// The chip's piece of a state. It loads in the middle of a line, into a chip of the same variant
+// and television standard. Drawing goes on in the picture of the last VdpBeginFrame.
 [[nodiscard]] uint32_t VdpStateSize();
+// Writes VdpStateSize bytes; returns the byte after them.
 uint8_t* VdpSaveState(const VDP& vdp, uint8_t* out);
-// Gives the bytes used, 0 when the piece does not fit; the chip is unchanged then.
+// Returns the bytes used, or 0 and changes nothing if the piece does not fit. Any bytes are safe.
 [[nodiscard]] uint32_t VdpLoadState(VDP& vdp, const uint8_t* data, uint32_t size);
 
 #include "sega8/vdp_tick.h"

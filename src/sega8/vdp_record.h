@@ -1,12 +1,15 @@
-// The record of the 8-bit VDP and its constants. Included by vdp.h, which tells units, owner and order.
+// The record of the 8-bit VDP and its constants. Included by vdp.h, which states units, owner and
+// order.
 #pragma once
+
+#include "sega8/vdp_registers.h"
 
 #include <cstddef>
 #include <cstdint>
 
 inline constexpr uint32_t kVdpDots = 342;         // a line
-inline constexpr uint32_t kVdpStepsPerLine = 684; // two steps a dot
-inline constexpr uint32_t kVdpFirstPixelDot = 11; // the dot at which pixel 0 goes out
+inline constexpr uint32_t kVdpTicksPerLine = 684; // two ticks a dot
+inline constexpr uint32_t kVdpFirstPixelDot = 11; // the dot that outputs pixel 0
 inline constexpr uint32_t kVdpPictureWidth = 256;
 inline constexpr uint32_t kVdpEventDot = 318; // H counter 0xF4: next line, line counter, frame flag
 inline constexpr uint32_t kVdpLineBuffer = 264; // 256 pixels and one column that scrolled out
@@ -31,14 +34,9 @@ enum VdpAccess : uint8_t {
     kVdpWrite = 2,
 };
 
-// Bits of `status`.
-inline constexpr uint8_t kVdpStatusFrame = 0x80;
-inline constexpr uint8_t kVdpStatusOverflow = 0x40;
-inline constexpr uint8_t kVdpStatusCollision = 0x20;
-
-// Values of `priorityLine`: what a background pixel does to a sprite and to a chip below.
+// Bits of `priorityLine`: what a background pixel does to a sprite and to the chip below.
 inline constexpr uint8_t kVdpSolid = 1;  // not colour 0 and not the backdrop
-inline constexpr uint8_t kVdpCovers = 2; // solid with the priority bit: in front of sprites
+inline constexpr uint8_t kVdpCovers = 2; // solid with the priority bit: covers sprites
 
 // Bits of `spriteLine`; the low five are the palette entry.
 inline constexpr uint8_t kVdpSpriteEntry = 0x1F;
@@ -49,7 +47,7 @@ struct VDP {
     // Fixed by VdpInit and the owner; not part of a state.
     uint32_t variant = kVdpFirst;
     bool pal = false;          // 313 lines instead of 262
-    bool secondChip = false;   // upper layer of System E: transparent pixels stay as they are
+    bool secondChip = false;   // upper layer of System E: transparent pixels are not drawn
     uint32_t totalLines = 262; // in a frame
     uint8_t* vram = nullptr;   // 16 KB of the owner
     uint32_t* irqOut = nullptr;
@@ -58,48 +56,48 @@ struct VDP {
     // The picture being drawn; set by VdpBeginFrame, not part of a state.
     uint32_t* pixels = nullptr;
     uint32_t rowLength = 0;  // in pixels
-    uint32_t* row = nullptr; // row of the present line, null when it is not drawn
+    uint32_t* row = nullptr; // row of the current line, null if the line is not drawn
 
     // Derived from the registers and the fields below; not part of a state.
     uint32_t activeHeight = 192;        // 192, 224 or 240 lines
     uint32_t border = 16;               // lines above and below
     uint32_t pictureHeight = 224;       // activeHeight + 2 * border
     const uint8_t* slotTable = nullptr; // kind and cycle width of every slot of this line
-    bool fixedColours = false;          // this line shows the TMS9918 colours and not colour RAM
+    bool fixedColours = false;          // this line shows the TMS9918 colours, not colour RAM
     uint32_t palette[32] = {};          // pixels, from `cram`
 
     // The frame: position and outputs.
     uint32_t dotCounter = 0; // 0..683, in half dots
-    uint32_t line = 0;       // 0..totalLines - 1; steps at dot 318, when the line before is drawn
+    uint32_t line = 0;       // 0..totalLines - 1; steps at dot 318, after the last pixel
     bool frameDone = false;  // set when `line` wraps to 0, cleared by VdpBeginFrame
     bool pausePressed = false;
-    bool pauseSeen = false;         // pausePressed at the last look
+    bool pauseSeen = false;         // pausePressed at dot 0 of this line
     uint8_t hLatch = 0;             // H counter as last latched
-    uint8_t status = 0;             // top three bits
+    uint8_t status = 0;             // kVdpStatusFrame, Overflow, Collision
     bool lineInterrupt = false;     // pending until the status is read
-    bool frameInterrupt = false;    // the same
+    bool frameInterrupt = false;    // pending until the status is read
     uint8_t lineCounter = 0;        // counts down to a line interrupt
     uint32_t outputRow = kVdpNoRow; // row of `pixels` for this line, or kVdpNoRow
-    uint8_t slotList = 3;           // 0..3, the list behind slotTable
+    uint8_t slotList = 3;           // VdpSlotListNumber of slotTable
 
     // Ports.
-    uint8_t regs[16] = {};
+    uint8_t regs[16] = {};  // by VdpRegister
     uint8_t cram[64] = {};  // 32 bytes, on the Game Gear 32 pairs
     uint8_t cramLatch = 0;  // Game Gear: first byte of a pair
     uint16_t addr = 0;      // 14 bits
-    uint8_t code = 0;       // 0..3
+    uint8_t code = 0;       // VdpCode
     bool latchFull = false; // the first control byte is in latchByte
     uint8_t latchByte = 0;
     uint8_t readBuffer = 0;
-    uint8_t pendingAccess = kVdpNoAccess; // asked for by the processor
-    uint8_t pendingCount = 0;             // even dots it has waited, 0..2
+    uint8_t pendingAccess = kVdpNoAccess; // requested by the processor
+    uint8_t pendingCount = 0;             // even dots since the request, 0..2
     uint8_t pendingValue = 0;
     uint16_t pendingAddress = 0;
     uint8_t activeAccess = kVdpNoAccess; // waits for a free slot
     uint8_t activeValue = 0;
     uint16_t activeAddress = 0;
 
-    // Taken as the line begins.
+    // Sampled at dot 0 of the line.
     uint8_t mode = 0; // 0, 1, 2 or 4
     bool displayEnabled = false;
     uint8_t scrollX = 0; // regs[8]
@@ -122,18 +120,18 @@ struct VDP {
     uint16_t tileAddress = 0; // mode 4, in words
     uint16_t tileLow = 0;     // bit planes 0 and 1
     uint16_t tileRow = 0;     // line of the scrolled background
-    uint8_t names[2] = {};    // modes 0 to 2; text mode has two on the way
+    uint8_t names[2] = {};    // modes 0 to 2; text mode fetches two ahead
     uint8_t patternByte = 0;  // modes 0 and 2
 
     // Sprite search for the next line. Mode 4 counts words of two sprites, the others sprites.
-    uint8_t spriteIndex = 0; // next Y to be addressed
+    uint8_t spriteIndex = 0; // next Y to address
     uint8_t spriteTested = 0;
     bool searchDone = true;
     uint8_t foundCount = 0;
     uint8_t foundIndex[kVdpMaxSprites] = {};
     uint8_t foundRow[kVdpMaxSprites] = {}; // row in the pattern, 0..15
 
-    // Sprite fetch, and after it the sprites of the line that begins.
+    // Sprite fetch; from dot 0 on the sprites of this line.
     uint8_t spriteCount = 0;
     uint8_t fetchIndex = 0;
     uint16_t fetchAddress = 0; // pattern: mode 4 in words, others in bytes
@@ -141,7 +139,7 @@ struct VDP {
     uint8_t spriteFlags[kVdpMaxSprites] = {}; // modes 0 and 2: early clock and colour
     uint16_t spriteData[kVdpMaxSprites][2] = {};
 
-    // The line on its way out, by screen pixel.
+    // The line being drawn, by screen pixel.
     uint8_t colourLine[kVdpLineBuffer] = {};
     uint8_t priorityLine[kVdpLineBuffer] = {};
     uint8_t spriteLine[kVdpLineBuffer] = {};

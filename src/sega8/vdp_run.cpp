@@ -1,8 +1,9 @@
-// Catching up. Mode 4, which nearly every program shows, runs by stretches of a line (vdp_run_mode4.h).
-// Where an access of the processor is on its way, and in the older modes, whole groups of four slots run
-// as straight code, one function for each place in each slot list. Pixels go out a run at a time
-// (vdp_run_pixels.h). Nothing writes a register or a colour in the meantime, and video memory only in a
-// slot that is run by itself, so no order can be told from the dot by dot one.
+// VdpRun. Mode 4, which nearly every program uses, runs a span of a line at a time
+// (vdp_run_mode4.h). While an access of the processor is pending, and in modes 0 to 2, groups of
+// four slots run as straight code, one function for each group of each slot list. Pixels are drawn
+// a span at a time (vdp_run_pixels.h). Meanwhile nothing writes a register or a colour, and VRAM is
+// written only by slots that run one by one, so the order of fetches and pixels makes no
+// difference.
 #include "sega8/vdp_run.h"
 
 #include "base/flatten.h"
@@ -19,10 +20,10 @@ namespace {
 using namespace vdp_run;
 
 constexpr uint32_t kDotsPerGroup = 8; // four slots
-constexpr uint32_t kGroups = 42;      // whole groups in a line; three slots are left over
+constexpr uint32_t kGroups = 42;      // in a line; the last three slots are in no group
 
-// The two dots of a slot, its kind, its cycle and the kind before it known. A free slot may have had
-// nothing to do, and then no data follow.
+// The two dots of a slot whose kind, cycle width and predecessor are known at compile time. A free
+// slot without an access is followed by no data.
 template <uint8_t Kind, uint8_t IsByte, uint8_t KindBefore>
 inline void RunSlot(VDP& vdp, uint32_t dot) {
     vdp_tick::EvenDot(vdp, Kind, dot);
@@ -45,7 +46,7 @@ inline void RunListSlot(VDP& vdp) {
     RunSlot<list[2 * Slot], list[2 * Slot + 1], list[2 * Slot - 2]>(vdp, 2 * Slot);
 }
 
-// Group 0 begins with the kind of the line before in `lastKind`, so it runs dot by dot.
+// Group 0 runs dot by dot: its first slot takes the data of the line before.
 template <size_t List, size_t Group>
 OMBRELUNE_FLATTEN void RunGroup(VDP& vdp) {
     constexpr size_t kFirst = Group * 4;
@@ -81,10 +82,10 @@ void FetchDot(VDP& vdp, uint32_t dot) {
     }
 }
 
-// Runs as much of mode 4 as is known beforehand, from `dot` on but not past `end`. Gives the dot that is
-// next, which is `dot` itself where the slots have to be run one by one.
+// Runs as many dots of mode 4 as it can from `dot` on, but not past `end`. Returns the next dot,
+// which is `dot` if the slots must run one by one.
 uint32_t RunKnownDots(VDP& vdp, uint32_t dot, uint32_t end) {
-    if (vdp.slotList > kVdpMode4Blank || AccessOnItsWay(vdp)) {
+    if (vdp.slotList > kVdpMode4Blank || AccessIsPending(vdp)) {
         return dot;
     }
     const bool active = vdp.slotList == kVdpMode4Active;
@@ -110,7 +111,7 @@ uint32_t RunKnownDots(VDP& vdp, uint32_t dot, uint32_t end) {
     return dot;
 }
 
-// The dots from `first` to before `end` of one line, none of which is dot 0 or 318.
+// The dots from `first` to before `end` of one line. Dots 0 and 318 are not among them.
 void RunDots(VDP& vdp, uint32_t first, uint32_t end) {
     const GroupTable& groups = kGroupTables[vdp.slotList & 3];
     uint32_t dot = first;
@@ -136,20 +137,20 @@ void RunDots(VDP& vdp, uint32_t first, uint32_t end) {
 
 } // namespace
 
-void VdpRun(VDP& vdp, uint32_t steps) {
-    while (steps != 0) {
+void VdpRun(VDP& vdp, uint32_t ticks) {
+    while (ticks != 0) {
         const uint32_t counter = vdp.dotCounter;
         const uint32_t dot = counter >> 1;
         const bool atEvent = dot == 0 || dot == kVdpEventDot;
-        if (atEvent || (counter & 1) != 0 || steps < 2) {
+        if (atEvent || (counter & 1) != 0 || ticks < 2) {
             VdpTick(vdp);
-            --steps;
+            --ticks;
             continue;
         }
         const uint32_t limit = dot < kVdpEventDot ? kVdpEventDot : kVdpDots;
-        const uint32_t end = std::min(limit, dot + steps / 2);
+        const uint32_t end = std::min(limit, dot + ticks / 2);
         RunDots(vdp, dot, end);
-        steps -= 2 * (end - dot);
+        ticks -= 2 * (end - dot);
         vdp.dotCounter = end == kVdpDots ? 0 : 2 * end;
     }
 }

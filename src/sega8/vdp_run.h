@@ -1,29 +1,28 @@
-// Many steps of the 8-bit VDP at once: the same work as so many calls of VdpTick, for a machine that
-// lets the chip fall behind and catches up before anything can see it.
+// Many ticks of the 8-bit VDP at once, with the same result as single calls of VdpTick: for a frame
+// loop that lets the chip catch up before anything can see it.
 //
-// The VDP acts on the outside by itself at two dots of a line only: at dot 0, if it sees the pause button
-// go down there, and at dot 318, where it steps the line, raises its flags and ends the frame. Between
-// them nothing but a port shows how far it has come.
+// The VDP changes its pins and `frameDone` without a port access at two dots of a line only: at dot
+// 0, when it sees a press of the pause button, and at dot 318, where it steps the line, raises its
+// flags and ends the frame. Between them only a port access shows which dot it is on.
 #pragma once
 
 #include "sega8/vdp.h"
 
 #include <cstdint>
 
-// Runs `steps` steps.
-void VdpRun(VDP& vdp, uint32_t steps);
+void VdpRun(VDP& vdp, uint32_t ticks);
 
-// Steps up to and including the next one at which the VDP acts by itself; at least 1.
-[[nodiscard]] inline uint32_t VdpStepsToEvent(const VDP& vdp) {
-    constexpr uint32_t kStartStep = 1; // the second half of dot 0
-    constexpr uint32_t kEventStep = 2 * kVdpEventDot + 1;
+// Ticks up to and including the next one that changes a pin or `frameDone`; at least 1.
+[[nodiscard]] inline uint32_t VdpTicksToEvent(const VDP& vdp) {
+    constexpr uint32_t kStartTick = 1; // the second tick of dot 0
+    constexpr uint32_t kEventTick = 2 * kVdpEventDot + 1;
     const uint32_t next = vdp.dotCounter;
     const bool pause = vdp.pausePressed && !vdp.pauseSeen;
-    if (pause && next <= kStartStep) {
-        return kStartStep + 1 - next;
+    if (pause && next <= kStartTick) {
+        return kStartTick + 1 - next;
     }
-    if (next <= kEventStep) {
-        return kEventStep + 1 - next;
+    if (next <= kEventTick) {
+        return kEventTick + 1 - next;
     }
-    return kVdpStepsPerLine + (pause ? kStartStep : kEventStep) + 1 - next;
+    return kVdpTicksPerLine + (pause ? kStartTick : kEventTick) + 1 - next;
 }

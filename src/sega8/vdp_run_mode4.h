@@ -1,9 +1,9 @@
-// Stretches of a mode 4 line at once. A part of vdp_run.cpp.
+// Spans of a mode 4 line at once. Part of vdp_run.cpp.
 //
-// While no access of the processor is on its way and nobody writes a register, what the slots of whole
-// columns do is known beforehand: fetch, draw, search. It is done here in plain loops, and the pipeline
-// is left as the last of the slots would have left it. Every function names the dots it stands for; at
-// the first of them the slot before must have been the list's own (`lastKind`).
+// While no access of the processor is pending and no register is written, the slots of whole
+// columns do always the same: fetch, draw, search. Here that runs in plain loops, and the pipeline
+// ends up as the last of the slots would have left it. Each function names the dots that it runs.
+// Before the first of them `lastKind` must be the kind that the slot list has there.
 #pragma once
 
 #include "base/bytes.h"
@@ -18,10 +18,10 @@ namespace vdp_run {
 
 inline constexpr uint32_t kDotsPerColumn = 8; // four slots
 inline constexpr uint32_t kColumns = 32;
-inline constexpr uint32_t kSpriteDot = kColumns * kDotsPerColumn; // the columns end here
-inline constexpr uint32_t kTailDot = 320; // the first whole slot behind the line's event
+inline constexpr uint32_t kSpriteDot = kColumns * kDotsPerColumn; // after the last column
+inline constexpr uint32_t kTailDot = 320; // the first whole slot after kVdpEventDot
 
-inline bool AccessOnItsWay(const VDP& vdp) {
+inline bool AccessIsPending(const VDP& vdp) {
     return vdp.pendingAccess != kVdpNoAccess || vdp.activeAccess != kVdpNoAccess;
 }
 
@@ -29,8 +29,8 @@ inline uint16_t WordAt(const VDP& vdp, uint32_t wordAddress) {
     return LoadLittleEndian<uint16_t>(&vdp.vram[(wordAddress << 1) & kVdpVramMask]);
 }
 
-// The pipeline behind a slot of `kind` with this address, whose predecessor's data have come.
-inline void LeavePipeline(VDP& vdp, uint8_t kind, uint32_t address, bool isByte) {
+// Sets the pipeline as after a slot of `kind` with this address; the slot before it has its data.
+inline void SetPipeline(VDP& vdp, uint8_t kind, uint32_t address, bool isByte) {
     vdp.nextKind = kind;
     vdp.lastKind = kind;
     vdp.nextAddr = address;
@@ -38,20 +38,20 @@ inline void LeavePipeline(VDP& vdp, uint8_t kind, uint32_t address, bool isByte)
     vdp.cycleIsByte = isByte;
 }
 
-// Columns from `first` to before `end` in which a search slot stands: not those divisible by four.
+// Search slots in the columns from `first` to before `end`: every fourth column has none.
 inline uint32_t SearchSlots(uint32_t first, uint32_t end) {
     return (end - first) - ((end + 3) / 4 - (first + 3) / 4);
 }
 
-// Not 0 if a byte is.
+// Not 0 if one of the bytes is 0.
 inline uint64_t ZeroBytes(uint64_t bytes) {
     return (bytes - vdp_fetch::kEveryPixel) & ~bytes & vdp_fetch::kEveryPixel * 0x80;
 }
 
 inline constexpr uint32_t kWordsAtOnce = 4; // of two sprites
 
-// Whether none of the next eight sprites is on the line or ends the list: the search passes over them.
-// The rows of a sprite are a power of two.
+// True if none of the next eight sprites is on the line or ends the list. A sprite's rows are a
+// power of two, so a distance is past them if one of the bits of 256 - rows is set.
 inline bool SearchFindsNothing(const VDP& vdp) {
     constexpr uint32_t kTableWords = 64;
     constexpr uint64_t kTop = vdp_fetch::kEveryPixel * 0x80;
@@ -70,10 +70,10 @@ inline bool SearchFindsNothing(const VDP& vdp) {
     return ZeroBytes(beyond) == 0 && (!endCounts || ZeroBytes(ends) == 0);
 }
 
-// Data of so many search slots, whose addresses begin with `spriteIndex`.
+// The data of `words` search slots, the first of which addresses `spriteIndex`.
 inline void TakeSearchData(VDP& vdp, uint32_t words) {
     const auto indexAfter = static_cast<uint8_t>(vdp.spriteIndex + words);
-    const bool blank = (vdp.regs[1] & 0x40) == 0;
+    const bool blank = (vdp.regs[1] & kVdpReg1Display) == 0;
     while (words != 0 && !vdp.searchDone && !blank) {
         if (words >= kWordsAtOnce && SearchFindsNothing(vdp)) {
             vdp.spriteIndex += kWordsAtOnce;
@@ -93,7 +93,7 @@ inline void TakeSearchData(VDP& vdp, uint32_t words) {
     vdp.spriteIndex = indexAfter;
 }
 
-// The memory cycle on its way at the start of a column, and its data: the column before is drawn.
+// The memory cycle in progress at the start of a column; its data complete the column before.
 inline void FinishColumn(VDP& vdp, uint32_t dot) {
     vdp_tick::MemoryCycle(vdp);
     vdp_fetch::TileHighData(vdp, dot);
@@ -106,7 +106,7 @@ inline void FetchColumn(VDP& vdp, uint32_t column) {
     vdp.tileLow = WordAt(vdp, vdp.tileAddress);
 }
 
-// Columns from `first` to before `end`, all of them or none with the vertical lock.
+// Columns from `first` to before `end`; the vertical lock holds for all of them or for none.
 inline void DrawColumns(VDP& vdp, uint32_t first, uint32_t end) {
     const vdp_fetch::NAME_ROW row = vdp_fetch::NameRow4(vdp, first);
     const uint32_t scrollX = vdp_fetch::ScrollX(vdp);
@@ -121,8 +121,8 @@ inline void DrawColumns(VDP& vdp, uint32_t first, uint32_t end) {
     }
 }
 
-// Dots 8 * first to 8 * end of an active line: columns first - 1 to end - 2 are drawn, and of the last
-// one the upper bit planes are still to come.
+// Dots 8 * first to before 8 * end of an active line. Draws columns first - 1 to end - 2; the last
+// column still waits for its upper bit planes.
 inline void RunColumns(VDP& vdp, uint32_t first, uint32_t end) {
     TakeSearchData(vdp, SearchSlots(first, end));
     FinishColumn(vdp, first * kDotsPerColumn);
@@ -132,10 +132,10 @@ inline void RunColumns(VDP& vdp, uint32_t first, uint32_t end) {
     DrawColumns(vdp, lock, last);
     FetchColumn(vdp, last);
     vdp.readData = vdp.tileLow;
-    LeavePipeline(vdp, kSlotTileHigh, vdp.tileAddress + 1U, false);
+    SetPipeline(vdp, kSlotTileHigh, vdp.tileAddress + 1U, false);
 }
 
-// The same dots of a line that shows the backdrop alone.
+// The same dots of a line that shows only the backdrop.
 inline void RunBlankColumns(VDP& vdp, uint32_t first, uint32_t end) {
     TakeSearchData(vdp, SearchSlots(first, end));
     const size_t x = size_t{first} * kDotsPerColumn;
@@ -143,10 +143,11 @@ inline void RunBlankColumns(VDP& vdp, uint32_t first, uint32_t end) {
     std::memset(&vdp.colourLine[x], vdp_fetch::Backdrop(vdp), pixels);
     std::memset(&vdp.priorityLine[x], 0, pixels);
     vdp.readData = vdp.vram[0];
-    LeavePipeline(vdp, kSlotBlank, 0, true);
+    SetPipeline(vdp, kSlotBlank, 0, true);
 }
 
-// Dots 256 to 317: the last column is drawn and the sprites are fetched, but for the pattern of the last.
+// Dots 256 to 317. Draws the last column and fetches the sprites, up to the pattern of the last
+// one.
 inline void RunSpriteFetch(VDP& vdp, bool active) {
     if (active) {
         FinishColumn(vdp, kSpriteDot);
@@ -163,11 +164,11 @@ inline void RunSpriteFetch(VDP& vdp, bool active) {
         data[1] = WordAt(vdp, vdp.fetchAddress + 1U);
         ++vdp.fetchIndex;
     }
-    LeavePipeline(vdp, kSlotNone, 0, true);
+    SetPipeline(vdp, kSlotNone, 0, true);
 }
 
-// Dots 320 to 341: the pattern of the last sprite, and the first eight words of the search. The data of
-// the eighth come at dot 1.
+// Dots 320 to 341: the pattern of the last sprite and the first eight words of the search. The
+// eighth word arrives at dot 1.
 inline void RunTail(VDP& vdp) {
     constexpr uint32_t kTailWords = 8;
     ++vdp.fetchIndex;
@@ -180,7 +181,7 @@ inline void RunTail(VDP& vdp) {
     const auto seventh = static_cast<uint8_t>(vdp.spriteIndex - 1);
     vdp.readData = WordAt(vdp, vdp_fetch::SearchAddress4(vdp, seventh));
     vdp_fetch::TestY4(vdp);
-    LeavePipeline(vdp, kSlotTestY4, vdp.nextAddr, false);
+    SetPipeline(vdp, kSlotTestY4, vdp.nextAddr, false);
 }
 
 } // namespace vdp_run

@@ -1,5 +1,5 @@
-// Pixels of the 8-bit VDP, eight at a time as the bytes of a word. A part of vdp_run.cpp: background and
-// sprites lie in the line buffers, and the colours that hold for the first of the pixels hold for all.
+// Pixels of the 8-bit VDP, eight at a time as the bytes of a word. Part of vdp_run.cpp: background
+// and sprites are in the line buffers, and the palette does not change within a span.
 #pragma once
 
 #include "base/bytes.h"
@@ -13,17 +13,17 @@
 
 namespace vdp_run {
 
-inline constexpr uint32_t kChunk = 8; // pixels that lie in one word of a line buffer
+inline constexpr uint32_t kChunk = 8; // pixels in a word
 
 inline uint64_t EveryPixel(uint8_t value) {
     return value * vdp_fetch::kEveryPixel;
 }
 
-inline constexpr uint8_t kNotSolid = 0x80; // in an entry: a chip below shows through
+inline constexpr uint8_t kNotSolid = 0x80; // of an entry: the chip below shows through
 
-// What vdp_tick::Pixel picks for the pixels from `x` to before `end`, both multiples of eight: entries
-// of the palette, with kNotSolid for the upper of two chips. A sprite's entry is under 128, so that the
-// sum carries into its own top bit only, and only if the entry is not 0.
+// The palette entries that vdp_tick::Pixel picks for the pixels from `x` to before `end`, both
+// multiples of eight; the upper of two chips adds kNotSolid. A sprite's entry is below 128, so
+// adding 0x7F carries into the byte's own top bit, and only if the entry is not 0.
 inline void PickPixels(VDP& vdp, uint8_t* entries, uint32_t x, uint32_t end) {
     const uint64_t throughBits = vdp.secondChip ? EveryPixel(kNotSolid) : 0;
     uint64_t everySprite = 0;
@@ -61,7 +61,7 @@ inline void StorePixels(uint32_t* row, const uint32_t* colours, const uint8_t* e
     }
 }
 
-// The upper of two chips leaves pixels out.
+// The upper of two chips leaves out transparent pixels.
 inline void StoreSolidPixels(uint32_t* row, const uint32_t* colours, const uint8_t* entries,
                              uint32_t pixels) {
     for (size_t i = 0; i < pixels; i += kChunk) {
@@ -92,8 +92,8 @@ inline void OutputChunks(VDP& vdp, uint32_t x, uint32_t end) {
     }
 }
 
-// Pixels of the dots from `first` to before `end`. Chunks begin at multiples of eight, so that the left
-// column is one of them.
+// Draws the pixels of the dots from `first` to before `end`. Chunks start at multiples of eight, so
+// the left column is one chunk.
 inline void OutputPixels(VDP& vdp, uint32_t first, uint32_t end) {
     constexpr uint32_t kEnd = kVdpFirstPixelDot + kVdpPictureWidth;
     if (first >= kEnd || end <= kVdpFirstPixelDot) {

@@ -1,5 +1,5 @@
-// The four slot lists of the 8-bit VDP, expanded at compile time. For the sources that run them as
-// straight code; others read kVdpSlotLists.
+// The four slot lists of the 8-bit VDP, expanded at compile time. For sources that run them as
+// straight code; others read kVdpSlotLists. The order of the slots is settled here.
 #pragma once
 
 #include "sega8/vdp_slots.h"
@@ -42,14 +42,14 @@ constexpr Slots<Times * Bytes> Repeat(const Slots<Bytes>& part) {
 
 inline constexpr auto kFree = Byte(kSlotFree);
 
-// Thirty-two columns come in eight groups of four. The second slot of the first column is the
-// processor's, that of the three others searches sprites.
+// Thirty-two columns in eight groups of four. The second slot of a group's first column is for the
+// processor; that of the other three tests sprites.
 template <size_t Bytes>
 constexpr auto Columns(const Slots<Bytes>& first, const Slots<Bytes>& other) {
     return Repeat<8>(Row(first, Repeat<3>(other)));
 }
 
-// Mode 4: eight sprites are fetched, then the search for the line after next begins.
+// Mode 4: fetch of eight sprites, then the start of the search for the line after next.
 inline constexpr auto kSprites4 =
     Repeat<8>(Row(Word(kSlotSprite4), kFree, Word(kSlotSprite4Low), Word(kSlotSprite4High)));
 inline constexpr auto kSearch4 = Repeat<4>(Word(kSlotTestY4));
@@ -65,7 +65,8 @@ inline constexpr auto kMode4Blank =
                 Row(kFree, Word(kSlotTestY4), kFree, Byte(kSlotBlank))),
         kEnd4);
 
-// Modes 0 to 2: four sprites of six slots; the third one is interrupted by the retrace.
+// Modes 0 to 2: four sprites of six slots. Five other slots split the third sprite after its
+// second.
 inline constexpr auto kSpriteHead = Row(Byte(kSlotSpriteY), Byte(kSlotSpriteX));
 inline constexpr auto kSpriteRest = Row(Byte(kSlotSpriteNumber), Byte(kSlotSpriteFlags),
                                         Byte(kSlotSpriteLeft), Byte(kSlotSpriteRight));

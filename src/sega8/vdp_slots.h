@@ -1,8 +1,8 @@
 // What the 8-bit VDP does with its memory in every slot of a line.
 //
-// A line is 171 slots of two dots. A list gives two bytes a slot, in dot order: the slot's kind and the
-// width of its memory cycle (1 byte, 0 word). A kind is even and sets an address; kind + 1 takes the
-// data one slot later.
+// A line has 171 slots of two dots. A slot list has two bytes a slot, in dot order: the kind, and
+// the width of the memory cycle (1: a byte, 0: a word). A kind is even and sets an address; kind +
+// 1 takes the data one slot later.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@
 enum VdpSlotKind : uint8_t {
     kSlotNone = 0,
     kSlotBlank = 4, // eight pixels of backdrop, no access
-    kSlotFree = 8,  // the processor's
+    kSlotFree = 8,  // for the processor
     kSlotFreeData = 9,
     // Mode 4.
     kSlotName4 = 10,

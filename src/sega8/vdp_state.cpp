@@ -90,17 +90,18 @@ auto FieldsOf(VDP& vdp) {
     };
 }
 
-// What a slot of the list leaves behind as its kind; a free one leaves none where no access was due.
+// The kind that a slot of the list leaves in the pipeline. A free slot without an access leaves
+// kSlotNone.
 uint8_t KindLeft(const VDP& vdp, size_t slot, uint8_t loaded) {
     const uint8_t kind = kVdpSlotLists[vdp.slotList][2 * slot];
     return kind == kSlotFree && loaded != kSlotFree ? uint8_t{kSlotNone} : kind;
 }
 
-// The kinds on their way follow from the place in the list, and what runs a list at once counts on
-// that. The first slot follows the line before, whose list may have been another one: all of them end
-// in the sprite search. A chip that was reset comes from nowhere.
-void RestrainKinds(VDP& vdp) {
-    const uint32_t dot = vdp.dotCounter / 2; // the next one to be done
+// The kinds in the pipeline follow from the place in the slot list; VdpRun relies on that. Slot 0
+// takes the data of the line before, whose list is not known here; every list ends in the sprite
+// search. After a reset there is no line before.
+void SanitizeKinds(VDP& vdp) {
+    const uint32_t dot = vdp.dotCounter / 2; // the next to run
     const size_t slot = dot / 2;
     if (slot != 0) {
         vdp.lastKind = KindLeft(vdp, slot - 1, vdp.lastKind);
@@ -110,14 +111,14 @@ void RestrainKinds(VDP& vdp) {
     vdp.nextKind = dot % 2 != 0 ? KindLeft(vdp, slot, vdp.nextKind) : vdp.lastKind;
 }
 
-// Brings what counts or selects into its range; the rest is masked where it is used.
-void Restrain(VDP& vdp) {
+// Brings counters and selectors into their ranges; all other fields are masked where they are used.
+void Sanitize(VDP& vdp) {
     vdp.addr &= kVdpVramMask;
     vdp.code &= 3;
     vdp.pendingAccess = std::min<uint8_t>(vdp.pendingAccess, kVdpWrite);
     vdp.pendingCount %= vdp_tick::kAccessDots;
     vdp.activeAccess = std::min<uint8_t>(vdp.activeAccess, kVdpWrite);
-    vdp.dotCounter %= kVdpStepsPerLine;
+    vdp.dotCounter %= kVdpTicksPerLine;
     vdp.line %= vdp.totalLines;
     vdp.status &= kVdpStatusFrame | kVdpStatusOverflow | kVdpStatusCollision;
     if (vdp.outputRow >= kVdpLargestPicture) {
@@ -130,7 +131,7 @@ void Restrain(VDP& vdp) {
     const auto maxSprites = static_cast<uint8_t>(kVdpMaxSprites);
     vdp.foundCount = std::min(vdp.foundCount, maxSprites);
     vdp.spriteCount = std::min(vdp.spriteCount, maxSprites);
-    RestrainKinds(vdp);
+    SanitizeKinds(vdp);
 }
 
 } // namespace
@@ -141,14 +142,14 @@ uint32_t VdpStateSize() {
 }
 
 uint8_t* VdpSaveState(const VDP& vdp, uint8_t* out) {
-    // The visitor that writes shares its type of field with the one that reads; it changes nothing.
+    // The fields are listed once, for reading and writing; a visitor that saves changes none.
     return StatePieceWrite(out, FieldsOf(const_cast<VDP&>(vdp)));
 }
 
 uint32_t VdpLoadState(VDP& vdp, const uint8_t* data, uint32_t size) {
     const uint32_t used = StatePieceRead(data, size, FieldsOf(vdp));
     if (used != 0) {
-        Restrain(vdp);
+        Sanitize(vdp);
         VdpConvertPalette(vdp);
         VdpDeriveHeight(vdp);
         VdpDeriveLine(vdp);

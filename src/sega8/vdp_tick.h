@@ -1,30 +1,32 @@
-// The step of the 8-bit VDP, to be inlined into a machine's loop. Included by vdp.h, not by users.
+// The tick of the 8-bit VDP, inlined into a machine's loop. Included by vdp.h, not by users.
 //
-// A dot reads one byte of the slot list. The even dot of a slot sets an address (kind k), the odd one
-// runs the memory cycle of the address that was set a slot earlier and gives its data to kind k + 1.
-// Every index into memory or a line buffer is masked, so that no state of whatever bytes leads outside.
+// Each dot reads one byte of the slot list. The even dot of a slot sets an address (kind k). The
+// odd dot runs the memory cycle of the address set one slot earlier and passes its data to kind k +
+// 1. Every index into memory or a line buffer is masked: no bytes of a state lead outside.
 #pragma once
 
 #include "base/bytes.h"
 #include "sega8/vdp_fetch.h"
+#include "sega8/vdp_fetch_legacy.h"
 #include "sega8/vdp_record.h"
 #include "sega8/vdp_slots.h"
 
 #include <cstdint>
 
-// The work of dot 0: takes mode, display bit, scroll values and table bases, clears the line and lays
-// the fetched sprites into it.
+// The work of dot 0: samples mode, display bit, scroll values and table bases, clears the line
+// buffers and draws the fetched sprites into them.
 void VdpStartLine(VDP& vdp);
 
-// The work of dot 318: next line, line counter, frame flag, end of frame, start of the sprite search.
+// The work of dot 318: next line, line counter, frame flag, end of the frame, start of the sprite
+// search.
 void VdpLineEvent(VDP& vdp);
 
-// TMS9918 colours at entries 16 to 31, as pixels.
+// The fixed colours of modes 0 to 2 as pixels, at entries 16 to 31.
 extern const uint32_t kVdpFixedColours[32];
 
 namespace vdp_tick {
 
-// An access of the processor becomes due at the third even dot after it was asked for.
+// An access of the processor waits for three even dots, then takes the next free slot.
 inline constexpr uint8_t kAccessDots = 3;
 
 inline void AgeAccess(VDP& vdp) {
@@ -113,9 +115,9 @@ inline void OddDot(VDP& vdp, uint8_t isByte, uint32_t dot) {
     vdp.lastKind = vdp.nextKind;
 }
 
-// Settled (published): a sprite covers the background unless the tile has the priority bit and this
-// pixel of it is not colour 0. The palette is looked up as the pixel goes out, so a colour written in
-// the middle of a line changes the very next dot.
+// Published: a sprite covers the background unless the tile has the priority bit and this pixel of
+// it is not colour 0. The palette is read as the pixel is drawn, so a colour written in the middle
+// of a line counts from the next dot on.
 inline void Pixel(VDP& vdp, uint32_t x) {
     const uint8_t background = vdp.priorityLine[x];
     uint32_t entry = vdp.colourLine[x];
@@ -151,7 +153,7 @@ inline void Dot(VDP& vdp, uint32_t dot) {
     } else {
         OddDot(vdp, slot, dot);
     }
-    const uint32_t x = dot - kVdpFirstPixelDot; // wraps to a large number before the first
+    const uint32_t x = dot - kVdpFirstPixelDot; // wraps to a large number before the first pixel
     if (x < kVdpPictureWidth) {
         Pixel(vdp, x);
     } else if (dot == kVdpEventDot) {
@@ -161,13 +163,13 @@ inline void Dot(VDP& vdp, uint32_t dot) {
 
 } // namespace vdp_tick
 
-// One step, half a dot.
+// Half a dot.
 inline void VdpTick(VDP& vdp) {
     const uint32_t counter = vdp.dotCounter;
     vdp.dotCounter = counter + 1;
     if ((counter & 1) != 0) {
         vdp_tick::Dot(vdp, counter >> 1);
-        if (counter == kVdpStepsPerLine - 1) {
+        if (counter == kVdpTicksPerLine - 1) {
             vdp.dotCounter = 0;
         }
     }

@@ -1,21 +1,18 @@
-// Clocking: low-frequency oscillators, operators, rhythm, envelopes, phases and noise.
+// The sample of the YM2413: low-frequency oscillators, operators, rhythm, envelopes, phases and
+// noise.
 #include "sega8/ym2413.h"
 
-#include "machine/state_piece.h"
 #include "sega8/ym2413_private.h"
 #include "sega8/ym2413_tables.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace {
 
 constexpr uint32_t kEnvelopeLimit = 176; // at this attenuation and above an operator is silent
-constexpr int32_t kSilent = 255;
 
-constexpr uint32_t kTremoloWrap = kYmTremoloLength << 24;
-constexpr uint32_t kTremoloStep = 262'144; // an entry of the table every 64 samples
-constexpr uint32_t kVibratoStep = 16'384;  // a column every 1,024 samples
+constexpr uint32_t kTremoloStep = 262'144; // a table entry every 64 samples
+constexpr uint32_t kVibratoStep = 16'384;  // a table column every 1,024 samples
 constexpr uint32_t kWholeStep = 65'536;    // 1 with 16 bits of fraction
 constexpr uint32_t kNoiseTaps = 0x800302;
 
@@ -39,8 +36,8 @@ int32_t Operator(uint32_t phase, uint32_t modulation, uint32_t envelope, uint32_
     return p >= kYmLevels ? 0 : kYmWaves.tl[p];
 }
 
-// Clocks the modulator and gives the carrier's output. The carrier hears what the modulator put out
-// in the sample before.
+// Computes the modulator and returns the carrier's output. The carrier is modulated by the
+// modulator's output of the sample before.
 int32_t ChannelOutput(const YM2413& ym, YM_CHANNEL& channel) {
     YM_SLOT& modulator = channel.slots[kYmModulator];
     const auto sum =
@@ -62,7 +59,7 @@ int32_t ChannelOutput(const YM2413& ym, YM_CHANNEL& channel) {
                     carrier.wavetable);
 }
 
-// One of the rhythm's operators at a phase of ten bits of its own making.
+// A rhythm operator at a ten-bit phase that does not come from its own oscillator alone.
 int32_t RhythmOperator(const YM2413& ym, const YM_SLOT& slot, uint32_t phaseWord) {
     const uint32_t envelope = Envelope(ym, slot);
     return envelope < kEnvelopeLimit
@@ -70,8 +67,19 @@ int32_t RhythmOperator(const YM2413& ym, const YM_SLOT& slot, uint32_t phaseWord
                : 0;
 }
 
-// Hi-hat, snare and cymbal have square phases, made from bits of two oscillators and the noise.
-// Everything is counted twice.
+// Ten-bit phases of the square voices.
+constexpr uint32_t kHatPhases[2][2] = {
+    {0x0D0, 0x034},
+    {0x234, 0x2D0}
+}; // by metal, noise
+constexpr uint32_t kSnarePhases[2][2] = {
+    {0x100, 0x000},
+    {0x200, 0x300}
+};                  // by bit 24 of the hi-hat's phase, noise
+constexpr uint32_t kCymbalPhases[2] = {0x100, 0x300}; // by metal
+
+// Hi-hat, snare and cymbal are square waves, made from bits of two oscillators and the noise. The
+// whole rhythm counts twice.
 int32_t RhythmOutput(YM2413& ym) {
     const bool noise = Bit(ym.noiseRng, 0);
     const YM_SLOT& hat = ym.channels[kYmHatAndSnare].slots[kYmModulator];
@@ -82,25 +90,17 @@ int32_t RhythmOutput(YM2413& ym) {
     const uint32_t b = cymbal.phase;
     const bool metal = Bit(b, 21) || Bit(b, 19) || Bit(a, 23) != Bit(a, 18) || Bit(a, 19);
 
-    uint32_t hatWord = metal ? 0x234 : 0xD0;
-    if (noise) {
-        hatWord = metal ? 0x2D0 : 0x34;
-    }
-    uint32_t snareWord = Bit(a, 24) ? 0x200 : 0x100;
-    if (noise) {
-        snareWord = Bit(a, 24) ? 0x300 : 0;
-    }
     int32_t sum = ChannelOutput(ym, ym.channels[kYmBassDrum]);
-    sum += RhythmOperator(ym, hat, hatWord);
-    sum += RhythmOperator(ym, snare, snareWord);
+    sum += RhythmOperator(ym, hat, kHatPhases[metal ? 1 : 0][noise ? 1 : 0]);
+    sum += RhythmOperator(ym, snare, kSnarePhases[Bit(a, 24) ? 1 : 0][noise ? 1 : 0]);
     sum += RhythmOperator(ym, tom, tom.phase >> kPhaseShift);
-    sum += RhythmOperator(ym, cymbal, metal ? 0x300 : 0x100);
+    sum += RhythmOperator(ym, cymbal, kCymbalPhases[metal ? 1 : 0]);
     return sum * 2;
 }
 
 // --- envelopes --------------------------------------------------------------------------------
 
-// Whether a rate steps now, and by how much.
+// True if a rate steps now; `increment` is then by how much.
 bool Steps(uint32_t counter, const YM_RATE& rate, int32_t& increment) {
     if ((counter & ((1u << rate.shift) - 1)) != 0) {
         return false;
@@ -115,8 +115,8 @@ void StepDump(uint32_t counter, YM_SLOT& slot) {
         return;
     }
     slot.volume += increment;
-    if (slot.volume >= kSilent) {
-        slot.volume = kSilent;
+    if (slot.volume >= kYmSilent) {
+        slot.volume = kYmSilent;
         slot.state = YmEnvelope::kAttack;
         slot.phase = 0;
     }
@@ -148,7 +148,7 @@ void StepDecay(uint32_t counter, YM_SLOT& slot) {
 void StepSustain(uint32_t counter, YM_SLOT& slot) {
     int32_t increment = 0;
     if (slot.egType == 0 && Steps(counter, slot.release, increment)) {
-        slot.volume = std::min(slot.volume + increment, kSilent);
+        slot.volume = std::min(slot.volume + increment, kYmSilent);
     }
 }
 
@@ -159,13 +159,13 @@ void StepRelease(uint32_t counter, YM_SLOT& slot, bool channelSustain) {
         return;
     }
     slot.volume += increment;
-    if (slot.volume >= kSilent) {
-        slot.volume = kSilent;
+    if (slot.volume >= kYmSilent) {
+        slot.volume = kYmSilent;
         slot.state = YmEnvelope::kOff;
     }
 }
 
-// A modulator keeps its level when the key goes up, except in the channels of the rhythm.
+// After a key off a modulator keeps its level, except in the channels of the rhythm.
 void StepEnvelope(const YM2413& ym, size_t channel, size_t index, YM_SLOT& slot) {
     switch (slot.state) {
     case YmEnvelope::kOff: break;
@@ -228,128 +228,12 @@ void AdvanceNoise(YM2413& ym) {
 
 void AdvanceOscillators(YM2413& ym) {
     ym.lfoAmCnt += ym.lfoAmInc;
-    if (ym.lfoAmCnt >= kTremoloWrap) {
-        ym.lfoAmCnt -= kTremoloWrap;
+    if (ym.lfoAmCnt >= kYmTremoloWrap) {
+        ym.lfoAmCnt -= kYmTremoloWrap;
     }
     ym.lfoAm = kYmTremolo[ym.lfoAmCnt >> 24] >> 1u;
     ym.lfoPmCnt += ym.lfoPmInc;
     ym.lfoPm = ym.lfoPmCnt >> 24 & 7;
-}
-
-// --- state ------------------------------------------------------------------------------------
-
-template <typename Visit>
-void RateFields(YM_RATE& rate, Visit& visit) {
-    visit(rate.shift);
-    visit(rate.select);
-}
-
-template <typename Visit>
-void SlotFields(YM_SLOT& slot, Visit& visit) {
-    visit(slot.ar);
-    visit(slot.dr);
-    visit(slot.rr);
-    visit(slot.ksr);
-    visit(slot.ksl);
-    visit(slot.kscale);
-    visit(slot.mul);
-    visit(slot.phase);
-    visit(slot.incr);
-    visit(slot.fbOut);
-    visit(slot.egType);
-    visit(slot.state);
-    visit(slot.tl);
-    visit(slot.tll);
-    visit(slot.volume);
-    visit(slot.sl);
-    RateFields(slot.attack, visit);
-    RateFields(slot.decay, visit);
-    RateFields(slot.release, visit);
-    RateFields(slot.sustainRelease, visit);
-    RateFields(slot.dump, visit);
-    visit(slot.key);
-    visit(slot.amMask);
-    visit(slot.vib);
-    visit(slot.wavetable);
-}
-
-// Every field in the order of the piece. What YmInit alone sets isn't there.
-template <typename Visit>
-void Fields(YM2413& ym, Visit& visit) {
-    visit(ym.instVol);
-    visit(ym.instrument);
-    visit(ym.rhythm);
-    visit(ym.egCounter);
-    visit(ym.egTimer);
-    visit(ym.lfoAmCnt);
-    visit(ym.lfoPmCnt);
-    visit(ym.lfoAm);
-    visit(ym.lfoPm);
-    visit(ym.noiseRng);
-    visit(ym.noiseP);
-    visit(ym.tick);
-    visit(ym.outMelody);
-    visit(ym.outRhythm);
-    for (YM_CHANNEL& channel : ym.channels) {
-        visit(channel.blockFnum);
-        visit(channel.fc);
-        visit(channel.kslBase);
-        visit(channel.kcode);
-        visit(channel.sustain);
-        visit(channel.fb);
-        SlotFields(channel.slots[kYmModulator], visit);
-        SlotFields(channel.slots[kYmCarrier], visit);
-    }
-}
-
-void MakeSafe(YM_RATE& rate) {
-    rate.shift &= 15;
-    rate.select = std::min<uint8_t>(rate.select & 0x78, kYmStepLast);
-}
-
-void MakeSafe(YM_SLOT& slot) {
-    constexpr uint32_t kHighestRate = 15 * 4 + 16;
-    slot.ar = std::min(slot.ar, kHighestRate);
-    slot.dr = std::min(slot.dr, kHighestRate);
-    slot.rr = std::min(slot.rr, kHighestRate);
-    slot.ksr &= 2;
-    slot.ksl &= 31;
-    slot.kscale &= 15;
-    slot.egType &= 1;
-    if (slot.state > YmEnvelope::kDump) {
-        slot.state = YmEnvelope::kOff;
-    }
-    slot.tl &= 127;
-    slot.tll &= 255;
-    slot.volume = std::clamp(slot.volume, 0, kSilent);
-    slot.sl &= 127;
-    for (YM_RATE* rate :
-         {&slot.attack, &slot.decay, &slot.release, &slot.sustainRelease, &slot.dump}) {
-        MakeSafe(*rate);
-    }
-    slot.key &= kYmKeyMelody | kYmKeyRhythm;
-    slot.wavetable &= kYmSineLength;
-    for (int32_t& output : slot.fbOut) {
-        output = std::clamp(output, -kYmWaves.tl[0], kYmWaves.tl[0]);
-    }
-}
-
-// Brings whatever was loaded into the ranges that the chip itself keeps to.
-void MakeSafe(YM2413& ym) {
-    ym.rhythm &= 63;
-    ym.egTimer %= ym.egTimerOverflow;
-    ym.lfoAmCnt %= kTremoloWrap;
-    ym.lfoPm &= 7;
-    ym.noiseP &= 0xFFFF;
-    ym.tick %= kYmClocksPerSample;
-    for (YM_CHANNEL& channel : ym.channels) {
-        channel.blockFnum &= 0xFFF;
-        channel.kslBase &= 127;
-        channel.kcode &= 15;
-        channel.fb &= 15;
-        MakeSafe(channel.slots[kYmModulator]);
-        MakeSafe(channel.slots[kYmCarrier]);
-    }
 }
 
 } // namespace
@@ -386,14 +270,14 @@ void YmReset(YM2413& ym) {
     ym.egTimer = 0;
     ym.noiseRng = 1;
     ym.instrument = kYmVoices;
-    YmWrite(ym, 15, 0);
-    for (uint8_t reg = 63; reg >= 16; --reg) {
+    YmWrite(ym, kYmRegTest, 0);
+    for (uint8_t reg = kYmRegLast; reg >= kYmRegFnum; --reg) {
         YmWrite(ym, reg, 0);
     }
     for (YM_CHANNEL& channel : ym.channels) {
         for (YM_SLOT& slot : channel.slots) {
             slot.state = YmEnvelope::kOff;
-            slot.volume = kSilent;
+            slot.volume = kYmSilent;
         }
     }
 }
@@ -418,26 +302,4 @@ void YmMakeSample(YM2413& ym) {
     AdvanceEnvelopes(ym);
     AdvancePhases(ym);
     AdvanceNoise(ym);
-}
-
-uint32_t YmStateSize() {
-    static const uint32_t kSize = [] {
-        const auto ym = std::make_unique<YM2413>();
-        return StatePieceSize([&](auto& visit) { Fields(*ym, visit); });
-    }();
-    return kSize;
-}
-
-uint8_t* YmSaveState(const YM2413& ym, uint8_t* out) {
-    auto& fields =
-        const_cast<YM2413&>(ym); // The visitor that only reads is the one that also writes.
-    return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });
-}
-
-uint32_t YmLoadState(YM2413& ym, const uint8_t* data, uint32_t size) {
-    const uint32_t used = StatePieceRead(data, size, [&](auto& visit) { Fields(ym, visit); });
-    if (used != 0) {
-        MakeSafe(ym);
-    }
-    return used;
 }

@@ -1,16 +1,15 @@
 // YM2413: the FM sound chip of the Japanese Master System and of the Mark III's sound unit. Nine
 // channels of two operators (slots), or six of them and five rhythm voices.
 //
-// Clock: one tick is one clock of the Z80 (master / 15). 72 ticks make one sample.
-// Units: envelopes and levels are in steps of 0.375 dB, 0 loud. A phase is a turn in 26 bits, the
-//   upper ten of which index the sine. Rates are 4 x the register's value + 16, or 0 for never.
+// Clock: one tick (YmTick) is one clock of the Z80 (master / 15). 72 ticks make one sample.
+// Units: envelopes and levels are in steps of 0.375 dB; 0 is the loudest. A phase has 26 bits for a
+//   period; the upper ten index the sine. Rates are 4 x the register's value + 16, or 0 for never.
 // Owner: one machine, on its session's thread; no lock.
-// Pins: `pairs`, the owner's, takes the sound. The owner keeps the address latch and calls YmWrite with register and value.
+// Pins: the chip adds its sound to the owner's `pairs`. The owner keeps the address latch and calls
+//   YmWrite with register and value.
 // Order: YmInit, YmReset, then ticks and writes.
-// Differs: channels 0 to 8 are summed in one sample, while the part plays them in turn over 18 slots of
-//   four clocks; registers take effect at once; the test register does nothing. Envelope rates from 52
-//   of 63 on step twice as fast as the manual says, a reset leaves register 0x0E, and a vibrato that
-//   carries past F-number 511 goes on low in the next block. These are settled.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", FM chip. All of it is settled
+//   here.
 #pragma once
 
 #include "machine/sound_pairs.h"
@@ -29,10 +28,10 @@ enum class YmEnvelope : uint8_t {
     kSustain = 2,
     kDecay = 3,
     kAttack = 4,
-    kDump = 5, // what was sounding dies away quickly before a new attack
+    kDump = 5, // a key on ends the old tone quickly before the attack
 };
 
-// How fast an envelope steps: every 2^shift samples, by eight increments in turn.
+// Speed of an envelope: a step every 2^shift samples, by one of eight increments in turn.
 struct YM_RATE {
     uint8_t shift;  // 0..13
     uint8_t select; // 8 x row of the envelope step table
@@ -44,23 +43,23 @@ struct YM_SLOT {
     uint32_t rr;    // release rate
     uint8_t ksr;    // shift of `kcode`: 0 or 2
     uint8_t ksl;    // shift of `kslBase`: 0..2, or 31 for none
-    uint8_t kscale; // `kcode` >> `ksr`, as of the last look at the rates
+    uint8_t kscale; // `kcode` >> `ksr`, for which the rates below are
     uint8_t mul;    // 2 x the multiple
     uint32_t phase;
     uint32_t incr;                // phase per sample: `fc` x `mul`
-    std::array<int32_t, 2> fbOut; // the last two outputs, the older first
+    std::array<int32_t, 2> fbOut; // the last two outputs, the older one first
     uint8_t egType;               // 1 sustained, 0 percussive
     YmEnvelope state;
     uint32_t tl;    // total level, 0..126
-    uint32_t tll;   // `tl` and the key scale level
-    int32_t volume; // envelope, 0 loud to 255 silent
+    uint32_t tll;   // `tl` plus the key scale level
+    int32_t volume; // envelope, 0 loudest to 255 silent
     uint32_t sl;    // sustain level, 0..120
     YM_RATE attack;
     YM_RATE decay;
     YM_RATE release;
     YM_RATE sustainRelease;
     YM_RATE dump;
-    uint32_t key;       // who holds the key: kYmKeyMelody, kYmKeyRhythm
+    uint32_t key;       // what holds the key: kYmKeyMelody, kYmKeyRhythm
     uint32_t amMask;    // all ones with tremolo
     uint8_t vib;        // not 0 with vibrato
     uint32_t wavetable; // 0 sine, 1024 half sine
@@ -85,12 +84,14 @@ struct YM2413 {
     std::array<uint8_t, kYmChannels> instVol{};          // registers 0x30 + n
     std::array<std::array<uint8_t, 8>, 19> instrument{}; // row 0 is the user's voice
     uint32_t egCounter = 0;                              // envelope steps
-    uint32_t egTimer = 0;                                // 16-bit fraction of the next
-    uint32_t egTimerAdd = 0;                             // constant, as are the next ones
+    uint32_t egTimer = 0;                                // 16-bit fraction of the next step
+    // Constant from YmInit on.
+    uint32_t egTimerAdd = 0;
     uint32_t egTimerOverflow = 0;
     uint32_t lfoAmInc = 0;
     uint32_t lfoPmInc = 0;
     uint32_t noiseF = 0;
+
     uint32_t lfoAmCnt = 0;              // tremolo, top byte 0..209
     uint32_t lfoPmCnt = 0;              // vibrato, top byte's low three bits
     uint32_t lfoAm = 0;                 // attenuation, 0..13
@@ -103,7 +104,7 @@ struct YM2413 {
     int32_t outMelody = 0;              // of one sample
     int32_t outRhythm = 0;              // of one sample
 
-    SOUND_PAIRS* pairs = nullptr; // not null while the chip runs; as wired
+    SOUND_PAIRS* pairs = nullptr; // as wired; not null while the chip runs
 };
 
 // `clock` in Hz.
@@ -112,7 +113,7 @@ void YmInit(YM2413& ym, uint32_t clock);
 // The chip's reset line.
 void YmReset(YM2413& ym);
 
-// Makes one sample; what YmTick calls on every 72nd clock.
+// Makes one sample. YmTick calls it on every 72nd clock.
 void YmMakeSample(YM2413& ym);
 
 // One clock.
@@ -123,7 +124,7 @@ inline void YmTick(YM2413& ym) {
     }
 }
 
-// So many clocks at once.
+// `clocks` calls of YmTick at once.
 inline void YmRun(YM2413& ym, uint32_t clocks) {
     clocks += ym.tick;
     for (; clocks >= kYmClocksPerSample; clocks -= kYmClocksPerSample) {
@@ -132,12 +133,12 @@ inline void YmRun(YM2413& ym, uint32_t clocks) {
     ym.tick = clocks;
 }
 
-// Registers 0x00 to 0x3F; others don't exist and do nothing.
+// Registers 0x00 to 0x3F; any other number does nothing.
 void YmWrite(YM2413& ym, uint8_t reg, uint8_t value);
 
-// The state holds the chip without the sound on its way.
+// The state of the chip, without the pairs already made.
 [[nodiscard]] uint32_t YmStateSize();
-// Writes YmStateSize bytes and gives the byte behind them.
+// Writes YmStateSize bytes; returns the byte after them.
 uint8_t* YmSaveState(const YM2413& ym, uint8_t* out);
-// Gives the bytes used, or 0 with nothing changed when the piece doesn't fit. Any contents are safe.
+// Returns the bytes used, or 0 and changes nothing if the piece does not fit. Any bytes are safe.
 [[nodiscard]] uint32_t YmLoadState(YM2413& ym, const uint8_t* data, uint32_t size);

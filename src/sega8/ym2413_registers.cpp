@@ -1,4 +1,4 @@
-// What writing a register of the YM2413 changes.
+// Register writes of the YM2413.
 #include "sega8/ym2413.h"
 #include "sega8/ym2413_private.h"
 #include "sega8/ym2413_tables.h"
@@ -7,7 +7,7 @@ namespace {
 
 constexpr size_t kFirstRhythmVoice = 16;
 
-constexpr uint32_t kInstantAttack = 78; // rates from here on attack at once
+constexpr uint32_t kInstantAttack = 78; // rates from here on attack in one step
 constexpr uint32_t kReleaseRate = 44;   // of percussive tones
 constexpr uint32_t kSustainRate = 36;   // with the channel's sustain
 constexpr uint32_t kDumpRate = 68;
@@ -25,7 +25,7 @@ void ReadAttack(YM_SLOT& slot) {
     slot.attack = rate >= kInstantAttack ? YM_RATE{0, kYmStepInstant} : RateAt(rate);
 }
 
-// The sustain bit of the channel counts here and not when it is written.
+// A change of the channel's sustain bit counts from here on, not from its write on.
 void RefreshRates(const YM_CHANNEL& channel, YM_SLOT& slot) {
     slot.incr = channel.fc * slot.mul;
     const auto kscale = static_cast<uint8_t>(channel.kcode >> slot.ksr);
@@ -51,26 +51,27 @@ uint8_t KeyScaleShift(uint8_t value) {
 }
 
 void SetFlags(const YM_CHANNEL& channel, YM_SLOT& slot, uint8_t value) {
-    slot.mul = kYmMultiple[value & 15];
-    slot.ksr = (value & 0x10) != 0 ? 0 : 2;
-    slot.egType = (value & 0x20) != 0 ? 1 : 0;
-    slot.vib = value & 0x40;
-    slot.amMask = (value & 0x80) != 0 ? ~0u : 0;
+    slot.mul = kYmMultiple[value & kYmVoiceMultiple];
+    slot.ksr = (value & kYmVoiceKeyScaleRate) != 0 ? 0 : 2;
+    slot.egType = (value & kYmVoiceSustained) != 0 ? 1 : 0;
+    slot.vib = value & kYmVoiceVibrato;
+    slot.amMask = (value & kYmVoiceTremolo) != 0 ? ~0u : 0;
     RefreshRates(channel, slot);
 }
 
 void SetModulatorLevel(YM_CHANNEL& channel, uint8_t value) {
     YM_SLOT& slot = channel.slots[kYmModulator];
     slot.ksl = KeyScaleShift(value);
-    slot.tl = (value & 63u) * 2;
+    slot.tl = (value & uint32_t{kYmVoiceLevel}) * 2;
     RefreshLevel(channel, slot);
 }
 
 void SetWavesAndFeedback(YM_CHANNEL& channel, uint8_t value) {
     YM_SLOT& carrier = channel.slots[kYmCarrier];
-    channel.slots[kYmModulator].wavetable = (value & 0x08) != 0 ? kYmSineLength : 0;
-    carrier.wavetable = (value & 0x10) != 0 ? kYmSineLength : 0;
-    const uint8_t feedback = value & 7;
+    channel.slots[kYmModulator].wavetable =
+        (value & kYmVoiceModulatorHalfSine) != 0 ? kYmSineLength : 0;
+    carrier.wavetable = (value & kYmVoiceCarrierHalfSine) != 0 ? kYmSineLength : 0;
+    const uint8_t feedback = value & kYmVoiceFeedback;
     channel.fb = feedback != 0 ? static_cast<uint8_t>(feedback + 8) : uint8_t{0};
     carrier.ksl = KeyScaleShift(value);
     RefreshLevel(channel, carrier);
@@ -150,7 +151,7 @@ void WriteUserVoice(YM2413& ym, size_t index, uint8_t value) {
     }
 }
 
-// Hi-hat and tom have their level where a melody channel has its instrument.
+// Hi-hat and tom take their level from the bits that select the instrument of a melody channel.
 void SetRhythmModulatorLevel(YM2413& ym, size_t channel) {
     YM_SLOT& slot = ym.channels[channel].slots[kYmModulator];
     slot.tl = (ym.instVol[channel] >> 4u) * 8;
@@ -169,16 +170,16 @@ void WriteRhythm(YM2413& ym, uint8_t value) {
         SetRhythmModulatorLevel(ym, kYmHatAndSnare);
         SetRhythmModulatorLevel(ym, kYmTomAndCymbal);
     }
-    const auto key = [&](size_t channel, size_t slot, uint32_t bit) {
-        SetKey(ym.channels[channel].slots[slot], kYmKeyRhythm, on && (value >> bit & 1) != 0);
+    const auto key = [&](size_t channel, size_t slot, uint8_t bit) {
+        SetKey(ym.channels[channel].slots[slot], kYmKeyRhythm, on && (value & bit) != 0);
     };
-    key(kYmBassDrum, kYmModulator, 4);
-    key(kYmBassDrum, kYmCarrier, 4);
-    key(kYmHatAndSnare, kYmModulator, 0);
-    key(kYmHatAndSnare, kYmCarrier, 3);
-    key(kYmTomAndCymbal, kYmModulator, 2);
-    key(kYmTomAndCymbal, kYmCarrier, 1);
-    ym.rhythm = value & 63;
+    key(kYmBassDrum, kYmModulator, kYmRhythmBassDrum);
+    key(kYmBassDrum, kYmCarrier, kYmRhythmBassDrum);
+    key(kYmHatAndSnare, kYmModulator, kYmRhythmHat);
+    key(kYmHatAndSnare, kYmCarrier, kYmRhythmSnare);
+    key(kYmTomAndCymbal, kYmModulator, kYmRhythmTom);
+    key(kYmTomAndCymbal, kYmCarrier, kYmRhythmCymbal);
+    ym.rhythm = value & kYmRhythmBits;
 }
 
 void SetPitch(YM2413& ym, YM_CHANNEL& channel, uint32_t blockFnum) {
@@ -196,12 +197,12 @@ void SetPitch(YM2413& ym, YM_CHANNEL& channel, uint32_t blockFnum) {
 }
 
 void WriteKeyAndBlock(YM2413& ym, YM_CHANNEL& channel, uint8_t value) {
-    const bool down = (value & 0x10) != 0;
+    const bool down = (value & kYmKeyOn) != 0;
     for (YM_SLOT& slot : channel.slots) {
         SetKey(slot, kYmKeyMelody, down);
     }
-    channel.sustain = (value & 0x20) != 0 ? 1 : 0;
-    SetPitch(ym, channel, (value & 15u) << 8 | (channel.blockFnum & 0xFF));
+    channel.sustain = (value & kYmSustainOn) != 0 ? 1 : 0;
+    SetPitch(ym, channel, (value & uint32_t{kYmBlockFnumHigh}) << 8 | (channel.blockFnum & 0xFF));
 }
 
 void WriteInstrument(YM2413& ym, size_t channel, uint8_t value) {
@@ -224,24 +225,24 @@ void WriteInstrument(YM2413& ym, size_t channel, uint8_t value) {
 } // namespace
 
 void YmWrite(YM2413& ym, uint8_t reg, uint8_t value) {
-    // The numbers behind the ninth channel are those of the first ones again.
+    // Numbers 9 to 15 of a group address channels 0 to 6 again.
     const size_t low = reg & 15u;
     const size_t channel = low >= kYmChannels ? low - kYmChannels : low;
-    switch (reg >> 4u) {
-    case 0:
+    switch (reg & 0xF0u) {
+    case kYmRegUserVoice:
         if (low < 8) {
             WriteUserVoice(ym, low, value);
-        } else if (low == 0x0E) {
+        } else if (reg == kYmRegRhythm) {
             WriteRhythm(ym, value);
         }
         break;
-    case 1: {
+    case kYmRegFnum: {
         YM_CHANNEL& changed = ym.channels[channel];
         SetPitch(ym, changed, (changed.blockFnum & 0xF00) | value);
         break;
     }
-    case 2: WriteKeyAndBlock(ym, ym.channels[channel], value); break;
-    case 3: WriteInstrument(ym, channel, value); break;
+    case kYmRegKey: WriteKeyAndBlock(ym, ym.channels[channel], value); break;
+    case kYmRegInstrument: WriteInstrument(ym, channel, value); break;
     default: break;
     }
 }

@@ -1,5 +1,7 @@
-// The constant tables of the YM2413. They are the part's own figures as settled for this system; the
-// sine and level tables follow a formula and are built once, before `main`.
+// The constant tables of the YM2413. Voices, multiples, key scale and oscillators are those of the
+// chip as settled here; the application manual gives the multiples, the envelope times and the
+// depths of tremolo and vibrato. The sine and level tables follow a formula and are built once,
+// before `main`.
 #pragma once
 
 #include <array>
@@ -7,7 +9,7 @@
 #include <cstdint>
 
 inline constexpr uint32_t kYmLevelSteps = 512; // entries of a row of `tl`: 6 dB, both signs
-inline constexpr uint32_t kYmLevels = 11 * kYmLevelSteps; // at this index and above lies silence
+inline constexpr uint32_t kYmLevels = 11 * kYmLevelSteps; // silence from this index on
 inline constexpr uint32_t kYmSineLength = 1024;
 
 // An attenuation is 2 x (256ths of 6 dB), with bit 0 set for a negative value.
@@ -18,8 +20,8 @@ struct YM_WAVES {
 };
 extern const YM_WAVES kYmWaves;
 
-// Rows 1 to 15 are the fixed voices, 16 to 18 the rhythm (bass drum, snare and hi-hat, tom and cymbal).
-// Row 0 is what the user's voice holds until the program writes registers 0 to 7.
+// Rows 1 to 15 are the fixed voices, 16 to 18 the rhythm (bass drum, snare and hi-hat, tom and
+// cymbal). Row 0 is the user's voice until the program writes registers 0 to 7.
 extern const std::array<std::array<uint8_t, 8>, 19> kYmVoices;
 
 // Twice the frequency multiple, by the register's low nibble.
@@ -28,12 +30,12 @@ extern const std::array<uint8_t, 16> kYmMultiple;
 // Key scale level: a row per block, by the F-number's top four bits.
 extern const std::array<uint8_t, 128> kYmKeyScale;
 
-// Envelope increments, a row of eight per kind of rate. Rows 15 and up don't exist.
+// Envelope increments, a row of eight per kind of rate; 15 rows.
 inline constexpr uint8_t kYmStepLast = 14 * 8;    // row that never steps
 inline constexpr uint8_t kYmStepInstant = 13 * 8; // row of the fastest attack
 extern const std::array<uint8_t, size_t{15} * 8> kYmSteps;
 
-// By rate: the row (x 8) of the steps, and how many bits of the envelope counter are 0 at a step.
+// By rate: the row (x 8) of kYmSteps, and the number of envelope counter bits that are 0 at a step.
 inline constexpr uint32_t kYmRates = 96;
 extern const std::array<uint8_t, kYmRates> kYmRateSelect;
 extern const std::array<uint8_t, kYmRates> kYmRateShift;

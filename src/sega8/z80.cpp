@@ -10,7 +10,7 @@ namespace {
 constexpr uint32_t kAfAtReset = 0x0040;
 constexpr uint32_t kIndexAtReset = 0xFFFF;
 
-// The callbacks as a bus.
+// A bus of the four callbacks.
 struct CALLBACK_BUS {
     Z80& z80;
 
@@ -21,7 +21,7 @@ struct CALLBACK_BUS {
     void IoWrite(uint16_t port, uint8_t value) const { z80.ioWrite(z80.context, port, value); }
 };
 
-// Visits a field in the width that it is saved in.
+// Visits a field in the width that a state has for it.
 template <typename Saved, typename Visit>
 void VisitAs(Visit& visit, uint32_t& field) {
     auto saved = static_cast<Saved>(field);
@@ -29,7 +29,7 @@ void VisitAs(Visit& visit, uint32_t& field) {
     field = saved;
 }
 
-// All saved fields in their order.
+// The fields of a state, in order.
 template <typename Visit>
 void VisitFields(Z80& z80, Visit& visit) {
     std::array<uint8_t, kZ80QueueSize> queue{};
@@ -47,6 +47,13 @@ void VisitFields(Z80& z80, Visit& visit) {
     for (uint32_t i = 0; i < kZ80RegisterCount; ++i) {
         VisitAs<uint16_t>(visit, z80.regs[i]);
     }
+}
+
+// Brings what indexes the queue and the registers into range; other fields are masked where they
+// are used.
+void Sanitize(Z80& z80) {
+    z80.queueIndex %= kZ80QueueSize;
+    z80.regIndex = std::min(z80.regIndex, kZ80LastRegisterByte);
 }
 
 } // namespace
@@ -96,8 +103,7 @@ uint32_t Z80LoadState(Z80& z80, const uint8_t* data, uint32_t size) {
     const uint32_t used =
         StatePieceRead(data, size, [&](auto& visit) { VisitFields(loaded, visit); });
     if (used != 0) {
-        loaded.queueIndex %= kZ80QueueSize;
-        loaded.regIndex = std::min(loaded.regIndex, kZ80LastRegisterByte);
+        Sanitize(loaded);
         z80 = loaded;
     }
     return used;

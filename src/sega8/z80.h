@@ -1,24 +1,20 @@
 // Z80: the processor of the Master System, Game Gear and System E, and the sound processor of the
 // Mega Drive.
 //
-// An opcode is not executed when it is fetched. It is expanded into a short string of steps, one for
-// every remaining clock of the instruction, and each clock takes one step off the queue. What needs
-// no bus is done while decoding; what touches the bus stands at the clock where the chip does it.
+// A fetched opcode is decoded to a queue of steps, one for each remaining clock of the instruction,
+// and each clock runs one step. Work without a bus access is done while decoding; every access has
+// its step on the clock on which the chip makes it.
 //
-// Clock: one Z80Tick is one clock of the processor, master / 15 in all machines.
+// Clock: one tick (Z80Tick) is one clock of the processor: master / 15 on the consoles, 5.37 MHz on
+//   System E.
 // Units: memory addresses and ports are 16 bits wide.
-// Owner: its machine, on the session's thread, with no lock.
-// Pins: the owner writes irqLine (a level), nmiEdge (set, taken back by the chip at an instruction's
-//   end), busHold (asks for the bus) and enabled (0 freezes the chip at any clock). It reads running,
-//   which is 0 while the bus is given away.
-// Order: Z80Init, then Z80Reset, before the first tick. SP is 0 after a reset; a machine that wants
-//   another value writes regs[kZ80Sp] behind it.
-// Differs from the real part, all settled: an NMI takes 13 clocks, not 11; CALL pushes its return
-//   address before it reads its target; EX (SP),HL alternates reads and writes; DD CB and FD CB forms
-//   that name a register change memory only; interrupt mode 0 always runs RST 38h; mode 2 always takes
-//   0xFF as the vector's low byte; SCF and CCF take flag bits 3 and 5 from A; HALT keeps PC on its
-//   opcode and runs it again; the bus is given away at the sampling steps only, and going on costs one
-//   clock.
+// Owner: one machine, on its session's thread; no lock.
+// Pins: the owner writes irqLine (a level), nmiEdge (set by the owner, cleared by the chip at the
+//   end of an instruction), busHold (requests the bus) and enabled (0 freezes the chip at any
+//   clock). It reads running, which is 0 while the chip has released the bus.
+// Order: Z80Init, then Z80Reset, before the first tick. SP is 0 after a reset; a machine that needs
+//   another value writes regs[kZ80Sp] after it.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Z80. All of it is settled here.
 #pragma once
 
 #include "sega8/z80_steps.h"
@@ -73,11 +69,11 @@ using Z80IoReadFunction = uint8_t (*)(void* context, uint32_t port);
 using Z80WriteFunction = void (*)(void* context, uint32_t address, uint8_t value);
 using Z80IoWriteFunction = void (*)(void* context, uint32_t port, uint8_t value);
 
-// The queue proper. Behind it lies room for a whole template, which is never read, so that a template
-// may be written at any index without a test.
+// Steps in the queue, and the room after them, which is never read: a template may be written at
+// any index without a test.
 inline constexpr uint32_t kZ80QueueSize = 32;
 inline constexpr uint32_t kZ80QueueRoom = 20;
-// The last byte of the registers, for steps that address them by bytes.
+// The last byte of the registers, for steps that address bytes of them.
 inline constexpr uint32_t kZ80LastRegisterByte = 4 * kZ80RegisterCount - 1;
 
 struct Z80 {
@@ -85,15 +81,15 @@ struct Z80 {
     Z80IoReadFunction ioRead = nullptr;
     Z80WriteFunction write = nullptr;
     Z80IoWriteFunction ioWrite = nullptr;
-    void* context = nullptr; // handed back in all four
+    void* context = nullptr; // first argument of all four
 
-    std::array<uint8_t, kZ80QueueSize + kZ80QueueRoom> queue{}; // steps of the present instruction
+    std::array<uint8_t, kZ80QueueSize + kZ80QueueRoom> queue{}; // steps of this instruction
     uint32_t queueIndex = 0;                                    // next step, 0..31
-    // The template of the decoded opcode, which the queue holds from index `programAt` on; not saved.
+    // Template of the decoded opcode, in the queue from index `programAt` on; not saved.
     const Z80Template* program = nullptr;
     uint32_t programAt = 0;
     std::array<uint32_t, kZ80RegisterCount> regs{}; // by Z80Register; the low 16 bits count
-    uint32_t r7 = 0;                                // R; the low seven bits count
+    uint32_t r7 = 0;                                // R; only the low seven bits count
     uint32_t r8 = 0;                                // top bit of R, 0 or 0x80
     uint32_t i = 0;                                 // high byte of the mode 2 vector
     uint32_t iff1 = 0;
@@ -101,22 +97,22 @@ struct Z80 {
     uint32_t halted = 0;
     uint32_t im = 0;   // interrupt mode 0..2
     uint32_t temp = 0; // low byte: data latch; next byte: bit number, or high data
-    uint32_t wz = 0;   // 16-bit address latch; its bytes also hold operands
+    uint32_t wz = 0;   // 16-bit address latch; its halves also hold operands
     uint32_t pendingInterrupt =
-        kZ80NoInterrupt;            // Z80Interrupt, taken by the next instruction's first clock
-    uint32_t irqLine = 0;           // level, by the owner
-    uint32_t nmiEdge = 0;           // set by the owner, cleared when it is taken
+        kZ80NoInterrupt;  // Z80Interrupt; starts on the first clock of the next instruction
+    uint32_t irqLine = 0; // level, by the owner
+    uint32_t nmiEdge = 0; // set by the owner, cleared when the NMI is accepted
     uint32_t prefix = kZ80NoPrefix; // Z80Prefix
-    uint32_t busHold = 0;           // owner's request to stop
-    uint32_t running = 1;           // 0 while stopped for busHold
+    uint32_t busHold = 0;           // by the owner: requests the bus
+    uint32_t running = 1;           // 0 while the bus is released
     uint32_t enabled = 1;           // by the owner; 0: ticks do nothing
-    uint32_t eiDelay = 0;           // 1 from EI to the next instruction's first clock
+    uint32_t eiDelay = 0;           // 1 from EI to the first clock of the next instruction
     uint32_t opcode = 0;
     uint32_t regIndex =
         0; // entry of regs for the queue's steps; for the CB steps a byte of them, 0..55
 };
 
-// Stores the callbacks and clears all else; running and enabled are 1.
+// Stores the callbacks and clears everything else; running and enabled are 1.
 void Z80Init(Z80& z80, void* context, Z80ReadFunction read, Z80IoReadFunction ioRead,
              Z80WriteFunction write, Z80IoWriteFunction ioWrite);
 
@@ -126,8 +122,7 @@ void Z80Reset(Z80& z80);
 // One clock, through the callbacks.
 void Z80Tick(Z80& z80);
 
-// One clock on a machine's own bus, for its frame loop: as Z80Tick, but the accesses are inlined. A
-// Bus has
+// One clock on a machine's own bus, for its frame loop: as Z80Tick with inlined accesses. A Bus has
 //     uint8_t Read(uint16_t address);
 //     uint8_t ReadOpcode(uint16_t address);
 //     uint8_t IoRead(uint16_t port);
@@ -136,13 +131,13 @@ void Z80Tick(Z80& z80);
 template <typename Bus>
 inline void Z80TickOn(Z80& z80, Bus& bus);
 
-// The state piece: a version byte, its size and the fields, 87 bytes.
+// The state piece: a version byte, its size and the fields.
 inline constexpr uint32_t kZ80StateSize = 87;
 [[nodiscard]] uint32_t Z80StateSize();
-// Writes the piece and gives the byte behind it.
+// Writes kZ80StateSize bytes; returns the byte after them.
 uint8_t* Z80SaveState(const Z80& z80, uint8_t* out);
-// Gives the bytes used, or 0 for a piece of another version or size, which changes nothing. Callbacks
-// are kept.
+// Returns the bytes used; 0, with the chip unchanged, for a piece of another version or size. Keeps
+// the callbacks. Any contents are safe.
 [[nodiscard]] uint32_t Z80LoadState(Z80& z80, const uint8_t* data, uint32_t size);
 
 #include "sega8/z80_run.h"

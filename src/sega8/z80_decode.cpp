@@ -1,4 +1,4 @@
-// The Z80's base table, and its index table, which is the base table with IX or IY in the place of HL.
+// The Z80's base table, and its index table: the base table with IX or IY in place of HL.
 #include "base/flatten.h"
 #include "sega8/z80_private.h"
 #include "sega8/z80_templates.h"
@@ -18,9 +18,9 @@ using enum Z80Step;
 
 constexpr uint32_t kNmiVector = 0x0066;
 constexpr uint32_t kMode2LowByte = 0xFF; // the data bus floats high
-constexpr uint32_t kRst38 = 0xFF;
+constexpr uint32_t kRst38 = 0xFF;        // the opcode
 
-// The accumulator's eight operations, in the order of their opcodes.
+// The accumulator's eight operations in opcode order.
 constexpr std::array<Z80Step, 8> kAluSteps{kAdd, kAddCarry, kSubtract, kSubtractCarry,
                                            kAnd, kXor,      kOr,       kCompare};
 
@@ -58,7 +58,7 @@ constexpr MEMORY_TEMPLATE kIncrementMemory = BothForms(ChangeMemory(kIncrementT)
 constexpr MEMORY_TEMPLATE kDecrementMemory = BothForms(ChangeMemory(kDecrementT));
 constexpr MEMORY_TEMPLATE kOperandInto{kStoreOperand, kIndexedStoreOperand};
 
-// What a decoder works on: the opcode's fields, and HL or the index register in its place.
+// What a decoder works on: the opcode's fields, and HL or the index register that replaces it.
 struct DECODE {
     Z80& z80;
     Z80Register hl;
@@ -67,13 +67,13 @@ struct DECODE {
     [[nodiscard]] bool IsIndexed() const { return hl != kZ80Hl; }
 };
 
-// BC, DE, HL and SP, or with AF in the place of SP.
+// BC, DE, HL and `last`, which is SP or AF.
 Z80Register PairOfRow(const DECODE& at, Z80Register last) {
     const std::array<Z80Register, 4> pairs{kZ80Bc, kZ80De, at.hl, last};
     return pairs[(at.row >> 1) % pairs.size()];
 }
 
-// NZ, Z, NC, C, PO, PE, P, M.
+// Conditions 0 to 7: NZ, Z, NC, C, PO, PE, P, M.
 bool Holds(const Z80& z80, uint32_t condition) {
     static constexpr std::array<Z80Flag, 4> kFlags{kZ80FlagZ, kZ80FlagC, kZ80FlagPv, kZ80FlagS};
     const bool isSet = (F(z80) & kFlags[(condition >> 1) % kFlags.size()]) != 0;
@@ -124,7 +124,7 @@ void DecimalAdjust(Z80& z80) {
                   When(isOver, kZ80FlagC));
 }
 
-// RLCA, RRCA, RLA and RRA: the rotates of the CB table without their effect on S, Z and P/V.
+// RLCA, RRCA, RLA and RRA: as in the CB table, but S, Z and P/V stay.
 void RotateAccumulator(Z80& z80, Z80Step step) {
     const uint32_t kept = F(z80) & kSZAndPv;
     const uint8_t result = Z80Rotate(z80, step, A(z80));
@@ -238,7 +238,8 @@ void DecodeFirstQuarter(const DECODE& at) {
     }
 }
 
-// Opcodes 0x40 to 0x7F. Beside an operand in memory, H and L are themselves under a prefix too.
+// Opcodes 0x40 to 0x7F. If the other operand is in memory, H and L are not replaced by the index
+// register.
 void DecodeLoads(const DECODE& at) {
     Z80& z80 = at.z80;
     if (at.row == kMemoryCode && at.column == kMemoryCode) { // HALT
@@ -318,7 +319,7 @@ void StartCb(const DECODE& at) {
     Z80WriteTemplate(at.z80, kIndexedBits);
 }
 
-// IN A,(n) and OUT (n),A: A is the high byte of the port.
+// IN A,(n) and OUT (n),A. A is the high byte of the port.
 void PortOperand(Z80& z80, const Z80Template& steps) {
     SetHighByte(z80.wz, A(z80));
     Finish(z80, steps, kZ80Af);
@@ -336,7 +337,7 @@ void DecodeMixedColumn(const DECODE& at) {
         z80.temp = Address(z80.regs[at.hl]);
         Finish(z80, kExchangeStack, at.hl);
         break;
-    case 5: // EX DE,HL takes no prefix.
+    case 5: // EX DE,HL ignores a prefix.
         std::swap(z80.regs[kZ80De], z80.regs[kZ80Hl]);
         Z80WriteTemplate(z80, kFour);
         break;
@@ -395,7 +396,7 @@ void DecodeQuarter(const DECODE& at, uint32_t quarter) {
     }
 }
 
-// An opcode without a prefix, its fields known to the compiler.
+// An opcode without a prefix, with its fields as constants.
 template <uint32_t Opcode>
 OMBRELUNE_FLATTEN void DecodeOpcode(Z80& z80) {
     DecodeQuarter({z80, kZ80Hl, (Opcode >> 3) & 7, Opcode & 7}, Opcode >> 6);

@@ -15,17 +15,17 @@ using enum Z80Step;
 // The quarters of the CB tables.
 enum BitTable : uint32_t { kRotates, kBits, kResets, kSets };
 
-// The two filled parts of the ED table, by bits 6 and 7 of the opcode.
+// The two parts of the ED table that have opcodes, by bits 6 and 7.
 constexpr uint32_t kEdRows = 1;
 constexpr uint32_t kEdBlocks = 2;
 constexpr uint32_t kFirstBlockRow = 4;
 constexpr uint32_t kBlockInput = 2;
-constexpr uint32_t kRefreshTop = 0x80; // the bit of R that only LD R,A changes
+constexpr uint32_t kRefreshTop = 0x80; // of R; only LD R,A changes it
 
 constexpr std::array<Z80Step, 8> kRotateSteps{kRlc, kRrc, kRl, kRr, kSla, kSra, kSll, kSrl};
 
-// Where a CB step copies its result, in bytes from the low byte of AF, by the opcode's low three bits:
-// all of them are upper halves of register words, so that only memory changes.
+// The byte of `regs` to which a CB step copies its result, by the low three bits of the opcode. All
+// of them are in unused upper halves of register words, so only memory changes.
 constexpr std::array<uint8_t, 8> kCopyPlaces{7, 6, 11, 10, 15, 14, 55, 2};
 
 template <typename Make>
@@ -47,7 +47,7 @@ constexpr Z80Template kSetIndexed = ChangeIndexed(kSet);
 constexpr Z80Template kRldTemplate = RotateDigit(kRld);
 constexpr Z80Template kRrdTemplate = RotateDigit(kRrd);
 
-// By operation (LD, CP, IN, OUT), then up, down, up and repeating, down and repeating.
+// By operation (LD, CP, IN, OUT), then by direction: up, down, up repeating, down repeating.
 constexpr std::array<std::array<Z80Template, 4>, 4> kBlocks{
     {
      {MoveBlock(kLdi, kEnd), MoveBlock(kLdd, kEnd), MoveBlock(kLdi, kLdir),
@@ -88,7 +88,7 @@ void ChangeBitsOfRegister(Z80& z80) {
     Z80WriteTemplate(z80, kFour);
 }
 
-// Prepares a CB step on memory: the bit's number, and the place that the result is copied to.
+// Prepares a CB step on memory: the number of the bit and the byte to copy the result to.
 void PrepareBits(Z80& z80, uint32_t place) {
     SetHighByte(z80.temp, static_cast<uint8_t>(Row(z80)));
     z80.regIndex = kCopyPlaces[place];
@@ -102,7 +102,7 @@ void TransferPort(Z80& z80) {
     const uint32_t code = Row(z80);
     z80.wz = Address(z80.regs[kZ80Bc]);
     if (IsPortOutput(z80)) {
-        // Without a register the chip puts out 0.
+        // OUT (C),(HL) outputs 0.
         z80.temp = code == kMemoryCode ? 0 : GetRegister(z80, code, kZ80Hl);
         Z80WriteTemplate(z80, kOutputT);
     } else if (code == kMemoryCode) {
@@ -135,7 +135,7 @@ void AddWithCarry(Z80& z80) {
     Z80WriteTemplate(z80, kAddWords);
 }
 
-// LD A,I and LD A,R: P/V shows whether interrupts were on.
+// LD A,I and LD A,R copy iff2 to P/V.
 void LoadA(Z80& z80, uint32_t value) {
     SetA(z80, value);
     SetF(z80, kZ80FlagsSz[A(z80)] | When(z80.iff2 != 0, kZ80FlagPv) | (F(z80) & kZ80FlagC));
@@ -197,7 +197,7 @@ void DecodeEdRows(Z80& z80) {
     }
 }
 
-// ED A0 to ED BB: the low bits pick the operation, bits 3 and 4 its direction and repetition.
+// ED A0 to ED BB: bits 0 and 1 are the operation, bits 3 and 4 its direction and repetition.
 void DecodeBlock(Z80& z80) {
     const uint32_t operation = Column(z80);
     const bool takesPort = operation == kBlockInput;

@@ -37,8 +37,8 @@ void Logic(Z80& z80, uint32_t result, uint32_t half) {
     SetF(z80, kZ80FlagsParity[LowByte(result)] | half);
 }
 
-// Stores the result of a CB step. The places named are upper halves of the register words, which
-// nothing reads: the chip of these machines is known here by its memory alone.
+// Stores the result of a CB step in T and in a byte of `regs`, which is one of the unused upper
+// halves (kCopyPlaces).
 void StoreResult(Z80& z80, uint8_t result) {
     const uint32_t place = z80.regIndex;
     const uint32_t shift = 8 * (place % 4);
@@ -75,7 +75,7 @@ void CompareBlock(Z80& z80, uint32_t by) {
                   ((shown << 4) & kZ80FlagY) | When(Address(Word(z80, kZ80Bc)) != 0, kZ80FlagPv));
 }
 
-// The flags of the block transfers with ports, by the sum that the chip forms on the side.
+// The flags of the port block transfers. `sum` is a sum that the chip computes internally.
 void SetBlockPortFlags(Z80& z80, uint32_t sum) {
     const uint8_t b = HighByte(Word(z80, kZ80Bc));
     const uint32_t parity = kZ80FlagsParity[(sum & 7) ^ b] & kZ80FlagPv;
@@ -129,7 +129,7 @@ bool IsZeroSet(const Z80& z80) {
     return (F(z80) & kZ80FlagZ) != 0;
 }
 
-// RLD (toward the high nibble) and RRD: three nibbles go round through A and T.
+// RLD (to the left) and RRD rotate three nibbles through A and T.
 void RotateDigit(Z80& z80, bool left) {
     const uint32_t a = A(z80);
     const uint32_t t = LowByte(z80.temp);
@@ -145,19 +145,19 @@ void JumpRelative(Z80& z80) {
     End(z80);
 }
 
-// A with W, and the end.
+// A with the operand in WzLow, then the end.
 void AccumulatorStep(Z80& z80, Z80Step step) {
     using enum Z80Step;
-    const uint8_t w = LowByte(z80.wz);
+    const uint8_t operand = LowByte(z80.wz);
     switch (step) {
-    case kAnd: Z80And(z80, w); break;
-    case kOr: Z80Or(z80, w); break;
-    case kXor: Z80Xor(z80, w); break;
-    case kAdd: Z80Add(z80, w, 0); break;
-    case kAddCarry: Z80Add(z80, w, Carry(z80)); break;
-    case kSubtract: Z80Subtract(z80, w, 0); break;
-    case kSubtractCarry: Z80Subtract(z80, w, Carry(z80)); break;
-    default: Z80Compare(z80, w); break;
+    case kAnd: Z80And(z80, operand); break;
+    case kOr: Z80Or(z80, operand); break;
+    case kXor: Z80Xor(z80, operand); break;
+    case kAdd: Z80Add(z80, operand, 0); break;
+    case kAddCarry: Z80Add(z80, operand, Carry(z80)); break;
+    case kSubtract: Z80Subtract(z80, operand, 0); break;
+    case kSubtractCarry: Z80Subtract(z80, operand, Carry(z80)); break;
+    default: Z80Compare(z80, operand); break;
     }
     End(z80);
 }

@@ -1,16 +1,17 @@
-// Many clocks of the Z80 at once, for a machine's frame loop: the same work as so many calls of
-// Z80TickOn, an instruction at a time.
+// Many clocks of the Z80 at once, an instruction at a time, for a machine's frame loop. The result
+// equals that of single calls of Z80TickOn.
 //
-// Most clocks of an instruction only wait. Its template says which don't, so that the others are counted
-// and not run. What is left in the record, the queue with all its bytes too, is what single clocks leave.
+// On most clocks of an instruction nothing happens. Its template tells the others, so that idle
+// clocks are counted and not run. The record afterwards, every byte of the queue included, is that
+// of single clocks.
 //
-// The bus has what Z80TickOn asks for, and
+// Besides the functions of Z80TickOn the bus has
 //     void At(uint32_t clock);
-// which is called ahead of what may touch a port, and of a fetch: so many clocks of this run are over. Its
-// accesses may change irqLine and nmiEdge. A bus whose accesses may change busHold or enabled as well, or
-// that must see to something else first, also has
+// which is called before every fetch and before every step that may touch a port, with the number
+// of clocks of this run that are over. Accesses may change irqLine and nmiEdge. A bus whose
+// accesses may change busHold or enabled, or that must end the run for another reason, also has
 //     bool Stops() const;
-// which is asked after each of them, fetches too, and ends the run.
+// which is called after every access and fetch and ends the run when it returns true.
 #pragma once
 
 #include "sega8/z80.h"
@@ -21,8 +22,9 @@
 
 namespace z80_detail {
 
-inline constexpr uint32_t kFetchedAt = 2; // the clocks of a fetch
-inline constexpr uint32_t kDecodedAt = 3; // and of the decode
+inline constexpr uint32_t kFetchedAt = 2;   // clocks of an instruction after its fetch
+inline constexpr uint32_t kDecodedAt = 3;   // and after its decode
+inline constexpr uint32_t kActionBits = 32; // of Z80Template::actions
 
 template <typename Bus>
 inline bool Stops(const Bus& bus) {
@@ -38,16 +40,16 @@ inline bool StartsInstruction(const Z80& z80) {
            z80.pendingInterrupt == kZ80NoInterrupt;
 }
 
-// Whether it stands at a step of its program that is followed by an action.
+// True if the next step belongs to `program` and an action is left in it.
 inline bool IsInProgram(const Z80& z80) {
     if (z80.program == nullptr || z80.queueIndex < z80.programAt) {
         return false;
     }
     const uint32_t done = z80.queueIndex - z80.programAt;
-    return done < 32 && z80.program->actions >> done != 0;
+    return done < kActionBits && z80.program->actions >> done != 0;
 }
 
-// The first two clocks, with `over` clocks of the run over before them.
+// The first two clocks of an instruction; `over` clocks of the run are before them.
 template <typename Bus>
 inline void Fetch(Z80& z80, Bus& bus, uint32_t over) {
     bus.At(over + 1);
@@ -58,7 +60,7 @@ inline void Fetch(Z80& z80, Bus& bus, uint32_t over) {
     Advance(z80.regs[kZ80Pc], 1);
 }
 
-// The third.
+// The third clock.
 inline void Decode(Z80& z80) {
     z80.queueIndex = kDecodedAt;
     z80.r7 = (z80.r7 + 1) & 0xFF;
@@ -69,9 +71,9 @@ inline void Decode(Z80& z80) {
     }
 }
 
-// The clocks behind them, `left` at most, with `done` steps of the program over. Gives how many of the clocks
-// are left, 0 where the instruction is not over, any number where the bus stops the run. Every program has its
-// end among its actions.
+// The other clocks of the instruction, at most `left`, from step `done` of the program on. Returns
+// the clocks that are left: 0 if the instruction has not ended, any number if the bus stops the
+// run. Every program has an end among its actions.
 template <typename Bus>
 inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uint32_t done = 0) {
     using enum Z80Step;
@@ -97,7 +99,7 @@ inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uin
         if (Stops(bus)) [[unlikely]] {
             return left;
         }
-        if (step >= kAnd) { // it may have been the end, or have written another program
+        if (step >= kAnd) { // such a step may end the instruction or write another program
             if (z80.queueIndex == 0) {
                 return left;
             }
@@ -110,9 +112,8 @@ inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uin
     }
 }
 
-// Instructions one behind another, up to an interrupt or until the bus stops the run. Gives how many of the
-// `left` clocks are left; without a stop so few that no instruction can be decoded in them, unless an
-// interrupt is due.
+// Instructions until an interrupt is due, the bus stops the run or the clocks do not suffice to
+// decode another one. Returns how many of the `left` clocks are left.
 template <typename Bus>
 [[gnu::noinline]] uint32_t RunInstructions(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
     do {
@@ -136,7 +137,7 @@ template <typename Bus>
 
 } // namespace z80_detail
 
-// `clocks` clocks; gives how many of them are left where the bus has stopped the run, else 0.
+// Runs `clocks` clocks. Returns how many of them are left if the bus has stopped the run, else 0.
 template <typename Bus>
 inline uint32_t Z80RunOn(Z80& z80, Bus& bus, uint32_t clocks) {
     using namespace z80_detail;

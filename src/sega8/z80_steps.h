@@ -1,8 +1,7 @@
-// The steps that a Z80's queue is made of, one a clock. The values are saved with a state.
+// The steps of a Z80's queue, one a clock. Their values are saved in states.
 //
-// "Low" and "High" are the bytes of regs[regIndex]; "W" is the low byte of wz, "Z" its high byte; "T"
-// is the low byte of temp. A step that goes on to the instruction's end in the same clock says so. A
-// value that is not here is an idle clock.
+// "Low" and "High" are the bytes of regs[regIndex], "WzLow" and "WzHigh" those of wz; "T" is the
+// low byte of temp. Steps that also end the instruction say so. Any other value is an idle clock.
 #pragma once
 
 #include <array>
@@ -13,24 +12,24 @@ enum class Z80Step : uint8_t {
     kIdle = 0,
     kFetch = 1,  // opcode fetch at PC
     kStart = 2,  // first clock of an instruction; an interrupt starts here
-    kSample = 3, // the bus may be given away
+    kSample = 3, // the chip may release the bus
     kSampleAndEnd = 4,
     kSampleAgain = 5, // as kSample, before the second and later accesses
-    kEnd = 6,         // the instruction is over and interrupts are looked at
+    kEnd = 6,         // the instruction is over; interrupts are sampled
 
     kPortToLow = 90,
     kPortToHigh = 91,
-    kPortToW = 92,
+    kPortToWzLow = 92,
     kPortToT = 93,
     kLowToPort = 94,
     kHighToPort = 95,
     kTToPort = 96,
-    kPortToLowFlags = 97, // with flags
+    kPortToLowFlags = 97, // also sets the flags of IN r,(C)
     kPortToHighFlags = 98,
     kPortToTFlags = 99,
 
-    kOperandToW = 100, // from PC, which moves on
-    kOperandToZ = 101,
+    kOperandToWzLow = 100, // read at PC; PC + 1
+    kOperandToWzHigh = 101,
     kOperandToLow = 102,
     kOperandToHigh = 103,
     kOperandToT = 104,
@@ -47,24 +46,24 @@ enum class Z80Step : uint8_t {
     kMemoryToLow = 122,
     kMemoryToHigh = 123,
     kMemoryToT = 124,
-    kMemoryToW = 125,
-    kPushW = 130,
-    kPushZ = 131,
+    kMemoryToWzLow = 125,
+    kPushWzLow = 130,
+    kPushWzHigh = 131,
     kPushLow = 132,
     kPushHigh = 133,
-    kPopW = 134,
-    kPopZ = 135,
+    kPopWzLow = 134,
+    kPopWzHigh = 135,
     kPopLow = 136,
     kPopHigh = 137,
 
-    kAnd = 140, // A with W, then the end; so are the others up to kCompare
+    kAnd = 140, // A with WzLow, then the end; so are the others up to kCompare
     kOr = 141,
     kXor = 142,
     kCompare = 143,
-    kJumpRelative = 144, // PC += W, then the end
+    kJumpRelative = 144, // PC += WzLow, signed; then the end
     kIncrementT = 145,
     kDecrementT = 146,
-    kAdd = 147, // A with W, then the end; so are the others up to kSubtractCarry
+    kAdd = 147, // A with WzLow, then the end; so are the others up to kSubtractCarry
     kAddCarry = 148,
     kSubtract = 149,
     kSubtractCarry = 150,
@@ -109,7 +108,7 @@ inline constexpr uint32_t kZ80TemplateSize = 20;
 
 using Z80TemplateSteps = std::array<Z80Step, kZ80TemplateSize>;
 
-// A clock on which nothing happens unless the bus is asked for.
+// True for a clock on which nothing happens unless busHold is set.
 constexpr bool Z80IsWait(Z80Step step) {
     return step == Z80Step::kIdle || step == Z80Step::kSample || step == Z80Step::kSampleAgain;
 }
@@ -117,7 +116,7 @@ constexpr bool Z80IsWait(Z80Step step) {
 // The remaining clocks of an instruction, one step each.
 struct Z80Template {
     Z80TemplateSteps steps{};
-    uint32_t actions = 0; // bit n: step n is no wait
+    uint32_t actions = 0; // bit n: step n is not a wait
 
     constexpr Z80Template() = default;
     constexpr explicit Z80Template(const Z80TemplateSteps& list)

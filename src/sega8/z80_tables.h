@@ -1,4 +1,4 @@
-// Flag bytes of the Z80 by an 8-bit result. X and Y come from the result in all of them.
+// Flags of the Z80 by an 8-bit result. X and Y come from the result in all tables.
 #pragma once
 
 #include <array>

@@ -1,7 +1,9 @@
-// The Z80's templates: the remaining clocks of an instruction behind its third, one step a clock.
+// The Z80's templates: the clocks of an instruction after its third, one step a clock.
 //
-// An access stands on the last of its three clocks, a sampling point on its first. The number of steps
-// and three is the instruction's clock count; a prefix is four clocks before.
+// An access is made on the last of its three clocks; the bus is sampled on the first. An
+// instruction has three clocks more than its template has steps, and four more for each prefix.
+// Clock counts are those of the Zilog Z80 CPU User Manual but for the interrupts
+// (docs/HARDWARE.md).
 #pragma once
 
 #include "sega8/z80_private.h"
@@ -10,7 +12,7 @@ namespace z80_templates {
 
 using enum Z80Step;
 
-// A line for each access.
+// One line for each access.
 // clang-format off
 inline constexpr Z80Template kFour{kSampleAndEnd};
 inline constexpr Z80Template kSix{kIdle, kIdle, kSampleAndEnd};
@@ -31,46 +33,46 @@ inline constexpr Z80Template kAddWords{
     kSample, kIdle, kIdle, kIdle,
     kSampleAgain, kIdle, kIdle, kEnd};
 inline constexpr Z80Template kLoadADirect{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ,
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh,
     kSampleAgain, kIdle, kMemoryToHigh, kEnd};
 inline constexpr Z80Template kStoreADirect{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ,
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh,
     kSampleAgain, kIdle, kHighToMemory, kEnd};
 inline constexpr Z80Template kLoadWordDirect{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ,
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh,
     kSampleAgain, kIdle, kMemoryToLowFirst,
     kSampleAgain, kIdle, kNextToHigh, kEnd};
 inline constexpr Z80Template kStoreWordDirect{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ,
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh,
     kSampleAgain, kIdle, kLowToMemoryFirst,
     kSampleAgain, kIdle, kHighToNext, kEnd};
 inline constexpr Z80Template kJump{
     kSample, kIdle, kMemoryToLowFirst,
     kSampleAgain, kIdle, kNextToHigh, kEnd};
 inline constexpr Z80Template kJumpNotTaken{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToZ, kEnd};
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzHigh, kEnd};
 inline constexpr Z80Template kRelative{
-    kSample, kIdle, kOperandToW,
+    kSample, kIdle, kOperandToWzLow,
     kSampleAgain, kIdle, kIdle, kIdle, kIdle, kJumpRelative};
-inline constexpr Z80Template kRelativeNotTaken{kSample, kIdle, kOperandToW, kEnd};
+inline constexpr Z80Template kRelativeNotTaken{kSample, kIdle, kOperandToWzLow, kEnd};
 inline constexpr Z80Template kLoop{
-    kIdle, kSample, kIdle, kOperandToW,
+    kIdle, kSample, kIdle, kOperandToWzLow,
     kSampleAgain, kIdle, kIdle, kIdle, kIdle, kJumpRelative};
 inline constexpr Z80Template kLoopNotTaken{
-    kIdle, kSample, kIdle, kOperandToW, kEnd};
+    kIdle, kSample, kIdle, kOperandToWzLow, kEnd};
 inline constexpr Z80Template kCall{
     kSample, kIdle, kPushHigh,
     kSampleAgain, kIdle, kPushLow, kIdle,
     kSampleAgain, kIdle, kMemoryToLowFirst,
     kSampleAgain, kIdle, kNextToHigh, kEnd};
 inline constexpr Z80Template kCallNotTaken{
-    kSample, kIdle, kOperandToW,
-    kSampleAgain, kIdle, kOperandToW, kEnd};
+    kSample, kIdle, kOperandToWzLow,
+    kSampleAgain, kIdle, kOperandToWzLow, kEnd};
 inline constexpr Z80Template kPop{
     kSample, kIdle, kPopLow,
     kSampleAgain, kIdle, kPopHigh, kEnd};
@@ -78,18 +80,18 @@ inline constexpr Z80Template kReturnTaken{
     kIdle, kSample, kIdle, kPopLow,
     kSampleAgain, kIdle, kPopHigh, kEnd};
 inline constexpr Z80Template kPush{
-    kIdle, kSample, kIdle, kPushZ,
-    kSampleAgain, kIdle, kPushW, kEnd};
+    kIdle, kSample, kIdle, kPushWzHigh,
+    kSampleAgain, kIdle, kPushWzLow, kEnd};
 inline constexpr Z80Template kExchangeStack{
     kSample, kIdle, kMemoryToLowFirst,
     kSampleAgain, kIdle, kIdle, kTToMemoryFirst,
     kSampleAgain, kIdle, kNextToHigh,
     kSampleAgain, kIdle, kIdle, kIdle, kTempHighToNext, kEnd};
 inline constexpr Z80Template kInput{
-    kSample, kIdle, kOperandToW,
+    kSample, kIdle, kOperandToWzLow,
     kSampleAgain, kIdle, kIdle, kPortToHigh, kEnd};
 inline constexpr Z80Template kOutput{
-    kSample, kIdle, kOperandToW,
+    kSample, kIdle, kOperandToWzLow,
     kSampleAgain, kIdle, kIdle, kHighToPort, kEnd};
 inline constexpr Z80Template kIndexedBits{
     kSample, kIdle, kOperandToT, kIdle, kIdle,
@@ -99,8 +101,8 @@ inline constexpr Z80Template kIndexedStoreOperand{
     kSampleAgain, kIdle, kOperandToT, kIdle, kIdle,
     kSampleAgain, kIdle, kTToMemory, kEnd};
 inline constexpr Z80Template kNmiTemplate{
-    kIdle, kIdle, kIdle, kIdle, kIdle, kSample, kIdle, kPushZ,
-    kSampleAgain, kIdle, kPushW, kEnd};
+    kIdle, kIdle, kIdle, kIdle, kIdle, kSample, kIdle, kPushWzHigh,
+    kSampleAgain, kIdle, kPushWzLow, kEnd};
 inline constexpr Z80Template kMode2Template{
     kIdle, kIdle, kIdle, kIdle, kSample, kIdle, kPushHigh,
     kSampleAgain, kIdle, kPushLow, kIdle,
@@ -110,19 +112,20 @@ inline constexpr Z80Template kFakeOpcode{kIdle, kIdle, kIdle, kDecode};
 // clang-format on
 
 constexpr Z80Template AluOperand(Z80Step step) {
-    return {kSample, kIdle, kOperandToW, step};
+    return {kSample, kIdle, kOperandToWzLow, step};
 }
 
 constexpr Z80Template AluMemory(Z80Step step) {
-    return {kSample, kIdle, kMemoryToW, step};
+    return {kSample, kIdle, kMemoryToWzLow, step};
 }
 
 constexpr Z80Template ChangeMemory(Z80Step step) {
     return {kSample, kIdle, kMemoryToT, step, kSampleAgain, kIdle, kTToMemory, kEnd};
 }
 
-// Puts the displacement of an indexed form before the template of the plain one. The first two clocks
-// of the plain one, a sampling point and an idle clock, stay in their place before its access.
+// The indexed form of a template on (HL): first the read of the displacement, then the plain form.
+// The plain form's first two clocks, a sampling point and an idle clock, stay right before its
+// access.
 constexpr Z80Template WithDisplacement(const Z80Template& plain) {
     constexpr size_t kAhead = 8;
     Z80TemplateSteps indexed{kSample, kIdle, kDisplacement, kSampleAgain, kIdle,
@@ -133,7 +136,7 @@ constexpr Z80Template WithDisplacement(const Z80Template& plain) {
     return Z80Template(indexed);
 }
 
-// Behind an ED prefix.
+// After an ED prefix.
 inline constexpr Z80Template kNine{kIdle, kSampleAndEnd};
 inline constexpr Z80Template kInputHigh{kSample, kIdle, kPortToHighFlags, kIdle, kEnd};
 inline constexpr Z80Template kInputLow{kSample, kIdle, kPortToLowFlags, kIdle, kEnd};
@@ -161,7 +164,7 @@ constexpr Z80Template OutputBlock(Z80Step step, Z80Step last) {
     return {kIdle, kSample, kIdle, kMemoryToT, kSampleAgain, kIdle, step, kTToPort, last};
 }
 
-// Behind a CB prefix, on (HL); and behind the last byte of DD CB and FD CB.
+// After a CB prefix, on (HL); after the last byte of DD CB and FD CB.
 inline constexpr Z80Template kTestMemory{kSample, kIdle, kMemoryToT, kBit, kEnd};
 inline constexpr Z80Template kTestIndexed{kIdle, kMemoryToT, kBitIndexed, kEnd};
 

@@ -1,18 +1,18 @@
-// The Z80's clock, to be inlined into a machine's frame loop. Included by z80.h.
+// The Z80's clock, inlined into a machine's frame loop. Included by z80.h.
 //
-// Z80TickOn holds what most clocks are: idle, fetch, decode and end. The accesses of operands are one
-// call away in Z80TransferStep, and what needs no bus is compiled once, in z80_operate.cpp.
+// Z80TickOn has the most frequent clocks: idle, fetch, decode and end. Operand accesses are in
+// TransferStep; steps without an access are compiled once, in z80_operate.cpp.
 #pragma once
 
 #include "sega8/z80.h"
 #include "sega8/z80_steps.h"
 #include "sega8/z80_tables.h"
 
-// The steps without an access; an unknown one does nothing.
+// The steps without an access; an unknown step does nothing.
 void Z80Operate(Z80& z80, Z80Step step);
 // Writes the template of the opcode that was fetched.
 void Z80Decode(Z80& z80);
-// The same where there was no prefix, by the opcode.
+// Decoders of opcodes without a prefix, by the opcode.
 using Z80DecodeTable = std::array<void (*)(Z80&), 256>;
 extern const Z80DecodeTable kZ80BaseTable;
 // The second decode of DD CB and FD CB.
@@ -45,17 +45,17 @@ inline uint16_t Address(uint32_t word) {
     return static_cast<uint16_t>(word & 0xFFFF);
 }
 
-// Moves a register on, or back with 0xFFFF, within its 16 bits.
+// Adds to a register, modulo 0x10000; 0xFFFF subtracts 1.
 inline void Advance(uint32_t& word, uint32_t by) {
     word = (word + by) & 0xFFFF;
 }
 
-// The register that the steps work on. An index that no instruction makes falls on the spare word.
+// The register that the steps work on. An invalid index of a state selects the spare word.
 inline uint32_t& Indexed(Z80& z80) {
     return z80.regs[z80.regIndex < kZ80RegisterCount ? z80.regIndex : uint32_t{kZ80SparePrime}];
 }
 
-// A place where the bus may be given away.
+// A sampling point: releases the bus if the owner requests it.
 inline void Sample(Z80& z80) {
     if (z80.busHold != 0) {
         z80.running = 0;
@@ -84,8 +84,7 @@ inline void Start(Z80& z80) {
         z80.queue[z80.queueIndex] = static_cast<uint8_t>(Z80Step::kFetch);
         z80.queue[z80.queueIndex + 1] = static_cast<uint8_t>(Z80Step::kDecode);
     }
-    z80.program =
-        nullptr; // until one is decoded: z80_run.h goes by programs without a decode in them
+    z80.program = nullptr; // until the decode: z80_run.h expects no decode in a program
 }
 
 template <typename Bus>
@@ -108,13 +107,13 @@ inline uint8_t Pop(Z80& z80, Bus& bus) {
     return value;
 }
 
-// The flags of IN r,(C); the carry stays.
+// The flags of IN r,(C). It keeps the carry.
 inline void SetInputFlags(Z80& z80, uint8_t value) {
     const uint32_t carry = z80.regs[kZ80Af] & kZ80FlagC;
     SetLowByte(z80.regs[kZ80Af], static_cast<uint8_t>(kZ80FlagsParity[value] | carry));
 }
 
-// The steps that access an operand, a stack or a port.
+// The steps that access an operand, the stack or a port.
 template <typename Bus>
 inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
     using enum Z80Step;
@@ -124,7 +123,7 @@ inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
     switch (step) {
     case kPortToLow: SetLowByte(word, bus.IoRead(address)); break;
     case kPortToHigh: SetHighByte(word, bus.IoRead(address)); break;
-    case kPortToW: SetLowByte(z80.wz, bus.IoRead(address)); break;
+    case kPortToWzLow: SetLowByte(z80.wz, bus.IoRead(address)); break;
     case kPortToT: SetLowByte(z80.temp, bus.IoRead(address)); break;
     case kLowToPort: bus.IoWrite(address, LowByte(word)); break;
     case kHighToPort: bus.IoWrite(address, HighByte(word)); break;
@@ -141,8 +140,8 @@ inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
         SetLowByte(z80.temp, bus.IoRead(address));
         SetInputFlags(z80, LowByte(z80.temp));
         break;
-    case kOperandToW: SetLowByte(z80.wz, ReadOperand(z80, bus)); break;
-    case kOperandToZ: SetHighByte(z80.wz, ReadOperand(z80, bus)); break;
+    case kOperandToWzLow: SetLowByte(z80.wz, ReadOperand(z80, bus)); break;
+    case kOperandToWzHigh: SetHighByte(z80.wz, ReadOperand(z80, bus)); break;
     case kOperandToLow: SetLowByte(word, ReadOperand(z80, bus)); break;
     case kOperandToHigh: SetHighByte(word, ReadOperand(z80, bus)); break;
     case kOperandToT: SetLowByte(z80.temp, ReadOperand(z80, bus)); break;
@@ -159,13 +158,13 @@ inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
     case kNextToHigh: SetHighByte(word, bus.Read(next)); break;
     case kMemoryToHigh: SetHighByte(word, bus.Read(address)); break;
     case kMemoryToT: SetLowByte(z80.temp, bus.Read(address)); break;
-    case kMemoryToW: SetLowByte(z80.wz, bus.Read(address)); break;
-    case kPushW: Push(z80, bus, LowByte(z80.wz)); break;
-    case kPushZ: Push(z80, bus, HighByte(z80.wz)); break;
+    case kMemoryToWzLow: SetLowByte(z80.wz, bus.Read(address)); break;
+    case kPushWzLow: Push(z80, bus, LowByte(z80.wz)); break;
+    case kPushWzHigh: Push(z80, bus, HighByte(z80.wz)); break;
     case kPushLow: Push(z80, bus, LowByte(word)); break;
     case kPushHigh: Push(z80, bus, HighByte(word)); break;
-    case kPopW: SetLowByte(z80.wz, Pop(z80, bus)); break;
-    case kPopZ: SetHighByte(z80.wz, Pop(z80, bus)); break;
+    case kPopWzLow: SetLowByte(z80.wz, Pop(z80, bus)); break;
+    case kPopWzHigh: SetHighByte(z80.wz, Pop(z80, bus)); break;
     case kPopLow: SetLowByte(word, Pop(z80, bus)); break;
     case kPopHigh: SetHighByte(word, Pop(z80, bus)); break;
     case kIndexedOpcode: z80.opcode = ReadOperand(z80, bus); break;
@@ -182,13 +181,13 @@ inline void Z80TickOn(Z80& z80, Bus& bus) {
         return;
     }
     if (z80.running == 0) {
-        z80.running = z80.busHold == 0 ? 1 : 0; // the clock of the restart
+        z80.running = z80.busHold == 0 ? 1 : 0; // the restart takes this clock
         return;
     }
     const uint32_t index = z80.queueIndex % kZ80QueueSize;
     const Z80Step step{z80.queue[index]};
     z80.queueIndex = (index + 1) % kZ80QueueSize;
-    if (step == kIdle) { // the most frequent one, ahead of the dispatch
+    if (step == kIdle) { // the most frequent step
         return;
     }
     switch (step) {

@@ -11,8 +11,8 @@
 // modifier: Right Shift + Tab rewinds as Left Shift + Tab does, and the NES sees Select meanwhile.
 //
 // Threads: the main thread feeds events and sets the values below; every thread may ask. The tables
-// are single atomic bytes, read without a lock. Whoever looks once a frame holds an `InputFrame`
-// (`input_frame.h`), so that no short press is lost.
+// are single atomic bytes, read without a lock. Code that reads inputs once a frame holds an
+// `InputFrame` (`input_frame.h`), so that no short press is lost.
 #pragma once
 
 #include "settings/input_state.h"
@@ -29,7 +29,7 @@ inline constexpr uint32_t kApplicationKey = 0xFFFFFFFF; // the program's own ses
 
 enum BindingModifier : uint32_t { kModifierNone = 0, kModifierShift = 3, kModifierCtrl = 192 };
 
-// Codes of joystick `joystick`: which is the raw number of its axis, hat or button.
+// Codes of joystick `joystick`; `which` is the raw number of its axis, hat or button.
 [[nodiscard]] constexpr uint32_t JoystickAxisCode(uint32_t joystick, uint32_t axis, bool positive) {
     return 400 + joystick * 200 + axis * 2 + (positive ? 1 : 0);
 }
@@ -77,35 +77,36 @@ inline constexpr uint32_t kInputOwners = 6;
 void RegisterBindings(SettingsStore& store);
 
 // Whether one of the action's two bindings is down, or a control of a game controller that acts for it
-// by default. False when the session is not the active one or the user walks the room;
+// by default. False when the session is not the active one or the user is walking in the room;
 // `kApplicationKey` is always answered.
 [[nodiscard]] bool InputIsDown(uint32_t sessionKey, std::wstring_view name);
 
-// Is told the name of every action that a session's machine or hotkeys ask for, on the asking thread;
-// null, as at the start, for nobody. For tests.
+// Called with the name of every action that a session's machine or hotkeys read, on the reading thread.
+// Null, the initial value: no call. For tests.
 void InputSetPollObserver(void (*observer)(std::wstring_view name));
 
-// Whether one code is down; with `useReleased` also when it went up since the pump began, so that a
-// press shorter than a round is seen.
+// Whether one code is down. With `useReleased` also when it was released since the pump began, so that
+// a press shorter than a round is seen.
 [[nodiscard]] bool BindingIsDown(uint32_t code, bool useReleased);
 
 // Text for screens, in upper case.
 [[nodiscard]] std::wstring BindingName(uint32_t code);
 
-// The one session that gets input, and whether the user walks the room (nobody gets any then).
+// The one session that gets input, and whether the user is walking in the room (then no session gets
+// any).
 void InputSetActiveKey(uint32_t sessionKey);
 [[nodiscard]] uint32_t InputActiveKey();
 void InputSetWalkingRoom(bool walking);
 [[nodiscard]] bool InputWalkingRoom();
 
 // The event pump's side. Numbers out of range are ignored.
-// Forgets the releases of the round before, and sees which bindings the user has changed since.
+// Forgets the releases of the previous round and notes which bindings the user has changed since.
 void InputBeginPump();
-// Setting a code to 0 marks it as released, also when it was not down.
+// Setting a code to 0 marks it as released, even if it was not down.
 void InputSetCode(uint32_t code, bool down);
 void InputKeyChanged(uint32_t scancode, bool down);
 void InputAxisMoved(uint32_t joystick, uint32_t axis, int16_t value);
 void InputHatMoved(uint32_t joystick, uint32_t hat, uint8_t position);
 void InputButtonChanged(uint32_t joystick, uint32_t button, bool down);
-void InputClearJoystick(uint32_t joystick); // one that was unplugged
+void InputClearJoystick(uint32_t joystick); // after it was unplugged
 void InputClearAll();

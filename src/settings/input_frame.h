@@ -1,21 +1,21 @@
-// A look at the inputs that stays the same for a frame, and in which no short press is missing.
+// A snapshot of the inputs for one frame, in which no short press is missing.
 //
-// The main thread changes the tables of `bindings.h` whenever events come. Whoever reads inputs frame by
-// frame (a machine, the hotkeys of a session) keeps an `InputLooker` and holds an `InputFrame` while its
-// frame lasts; `InputIsDown` and `BindingIsDown` on that thread then answer from the moment at which the
-// frame began. An input counts as down in a frame if it is down at that moment, or if it was pressed
-// since the looker's frame before, even when it was let go again. So a tap that came and went between
-// two frames is down in exactly one, whatever the rates of frames and events, and a press that is seen in
-// one frame adds nothing to the next. Every looker sees each tap once, and none takes it from another.
+// The main thread changes the tables of `bindings.h` whenever events arrive. A reader that works frame
+// by frame (a machine, the hotkeys of a session) keeps an `InputLooker` and holds an `InputFrame` for
+// the length of its frame; `InputIsDown` and `BindingIsDown` on that thread then return the state at
+// the moment when the frame began. An input is down in a frame if it is down at that moment, or if it
+// was pressed since the looker's previous frame, even if it has been released again. A tap between two
+// frames is therefore down in exactly one frame, at any rate of frames and events, and a press seen in
+// one frame adds nothing to the next. Every looker sees each tap once, independently of the others.
 //
-// A tap that no frame could use is lost, not kept for later: one from a time when the session was not the
-// active one or the user walked the room, and, for a looker whose owner says `ForgetAfterPause` before its
-// frames, one from a pause of more than `kLongestFrame`. Runs of exact frames don't say so, since the
-// clock must not decide anything in them.
+// A tap that no frame could use is dropped, not kept for later: one made while the session was not the
+// active one or the user was walking in the room, and, for a looker whose owner calls
+// `ForgetAfterPause` before its frames, one made in a pause longer than `kLongestFrame`. Headless runs
+// don't call it: in them nothing may depend on the clock.
 //
 // Units: microseconds of a steady clock.
-// Threads: a looker belongs to one thread at a time; nothing takes a lock. Frames nest: the inner one
-// answers.
+// Threads: a looker belongs to one thread at a time; nothing takes a lock. Frames nest: the innermost
+// one is read.
 #pragma once
 
 #include "settings/input_state.h"
@@ -28,7 +28,7 @@ inline constexpr int64_t kLongestFrame = 250'000;
 
 class InputLooker {
 public:
-    InputLooker(); // what was pressed before is not its own
+    InputLooker(); // ignores earlier presses
 
     void ForgetAfterPause(int64_t now = InputClock());
 
@@ -38,9 +38,9 @@ private:
     void Look(bool withTaps);
 
     INPUT_STATE state;
-    uint64_t seen;         // the newest change that it knows
-    int64_t lookedAt;      // when it was asked about a pause
-    bool refreshes = true; // `state` holds taps, or nothing yet
+    uint64_t seen;         // number of the newest change seen
+    int64_t lookedAt;      // time of the last ForgetAfterPause
+    bool refreshes = true; // `state` holds taps, or is still empty
 };
 
 class InputFrame {

@@ -11,5 +11,5 @@ inline constexpr uint32_t kPadBits = 64;
 
 struct INPUT_STATE {
     std::array<std::atomic<uint8_t>, kInputCodes> down{};
-    std::atomic<uint64_t> pads{0}; // that act: down, and not bound by the user
+    std::atomic<uint64_t> pads{0}; // down and not bound by the user
 };

@@ -1,5 +1,4 @@
-// Game controllers without any set-up: which control of a controller does what as long as the user
-// has bound nothing else.
+// Game controllers without set-up: what each control does until the user binds something else.
 //
 // The first two controllers act as players 1 and 2, beside the bindings and without changing them. A
 // binding of the user's own always wins, in two ways. An action that has a joystick code bound to it
@@ -7,15 +6,15 @@
 // and nothing else.
 //
 // Units: a control is a bit of a 64-bit word, player 1's in the low half. An action has such a word in
-// `INPUT_ACTION`; what may act of it just now stands in the binding's note (`bindings/action_notes.h`),
-// so that a lookup that has found the binding costs one AND more.
-// Threads: the main thread feeds; every thread may ask, without a lock.
+// `INPUT_ACTION`; the part of it that may act at the moment is in the binding's note
+// (`bindings/action_notes.h`), so that it costs a lookup one more AND.
+// Threads: the main thread writes; any thread may read, without a lock.
 #pragma once
 
 #include <array>
 #include <cstdint>
 
-// The pad and the stick are told apart, as the user may bind the codes of either.
+// The pad and the stick are separate, since the user may bind the codes of either.
 enum PadControl : uint32_t {
     kPadDpadUp = 0,
     kPadDpadDown = 1,
@@ -25,7 +24,7 @@ enum PadControl : uint32_t {
     kPadStickDown = 5,
     kPadStickLeft = 6,
     kPadStickRight = 7,
-    kPadSouth = 8, // the four buttons on the right by where they lie, whatever is printed on them
+    kPadSouth = 8, // the four buttons on the right, by position and not by label
     kPadEast = 9,
     kPadWest = 10,
     kPadNorth = 11,
@@ -43,30 +42,30 @@ inline constexpr uint32_t kPadPlayers = 2;
     return uint64_t{1} << (player * 32 + control);
 }
 
-// Beside a player's controls: the trigger of a light gun, which is the mouse's left button over the
-// picture. It acts whatever else is bound.
+// Added to a player's controls: the trigger of a light gun, which is the mouse's left button over the
+// picture. It acts even if the user has bound something else.
 [[nodiscard]] constexpr uint64_t PointerTriggerBit(uint32_t player) {
     return uint64_t{1} << (player * 32 + 31);
 }
 static_assert(kPadControls < 31);
 
-// The raw joystick codes behind each control, 0 for none. Of an axis whose direction isn't known both
-// codes count.
+// The raw joystick codes of each control, 0 for none. An axis whose direction is unknown has both
+// codes.
 using PadCodes = std::array<std::array<uint32_t, 2>, kPadControls>;
 
-// A controller takes the place of player 0 or 1, or leaves it; nothing of it is down then. Other
-// numbers are ignored.
+// Assigns a controller to player 0 or 1, or removes it; all its controls are then up. Other players are
+// ignored.
 void InputAttachPad(uint32_t player, const PadCodes& codes);
 void InputDetachPad(uint32_t player);
-// Its codes have changed, as its mapping has; what is down stays.
+// Its codes have changed with its mapping; the controls that are down stay down.
 void InputSetPadCodes(uint32_t player, const PadCodes& codes);
 
 void InputPadChanged(uint32_t player, PadControl control, bool down);
 void InputPointerTrigger(uint32_t player, bool down);
-void InputClearPads(); // nothing is down any more
+void InputClearPads(); // releases all controls
 
-// Reads the bindings afresh and finds out which actions and controls the user has bound. Each pump does
-// so at its beginning (`InputBeginPump`); it takes a few microseconds and allocates nothing.
+// Reads the bindings again and finds which actions and controls the user has bound. Each pump begins
+// with this (`InputBeginPump`); it takes a few microseconds and allocates nothing.
 void InputRefreshPadDefaults();
 
 // The controls that are down and not bound by the user.

@@ -1,13 +1,13 @@
 // The settings store: a process-wide list of named, typed values.
 //
-// Names are lower-cased on registration and on lookup, A to Z alone. The list has the newest setting
-// at its head, which is also the order of the file. Beside the list stands an index by name, so that a
-// lookup costs one hash of the name and, nearly always, one comparison.
+// Names are lower-cased on registration and on lookup, A to Z alone. The newest setting is at the head
+// of the list, which is also the order of the file. An index by name makes a lookup cost one hash of
+// the name and, nearly always, one comparison.
 //
-// Threads: registration and Load happen on the main thread before any other thread runs. After that
-// any thread reads and the main thread alone sets; numbers are single atomic words, read without a
-// lock. Texts take a small lock, since they are more than a word; no session thread reads one.
-// Failure: a missing name gives 0, false or an empty text; nothing is reported.
+// Threads: registration and Load happen on the main thread before any other thread runs. After that any
+// thread reads and only the main thread sets. Numbers are single atomic words, read without a lock.
+// Texts take a small lock; no session thread reads one.
+// Failure: an unknown name returns 0, false or an empty text; nothing is reported.
 #pragma once
 
 #include "base/ranked_mutex.h"
@@ -24,8 +24,8 @@
 
 enum class SettingType : uint8_t { kInt = 0, kInt2 = 1, kString = 2, kBool = 3, kFloat = 4 };
 
-// One setting. Every type has its own field; the others keep their zeroes, and a getter of the wrong
-// type reads them. `stringValue` is reached through the store, which holds its lock.
+// One setting. Every type has its own field; the others stay 0, and a getter of the wrong type returns
+// that. `stringValue` is reached through the store, which holds its lock.
 struct Setting {
     std::wstring name; // lower case, always
     std::wstring stringValue;
@@ -34,23 +34,23 @@ struct Setting {
     std::atomic<int32_t> intValue2{0}; // second value of kInt2
     std::atomic<SettingType> type{SettingType::kInt};
     std::atomic<float> floatValue{0.0f};
-    // For whoever gives the numbers their meaning: what follows from them, kept where one lookup finds
-    // both. Never saved.
+    // Computed from the values by the layer that knows their meaning (`bindings/action_notes.h`), kept
+    // here so that one lookup finds both. Never saved.
     mutable std::atomic<uint64_t> note{0};
     std::unique_ptr<Setting> next; // older settings
 };
 
-// The beginning that many names share, hashed once, so that a lookup hashes only the rest of the name.
-// The text must outlive it.
+// The prefix that many names share, hashed once, so that a lookup hashes only the rest of the name. The
+// text must outlive the object.
 class SettingPrefix {
 public:
     explicit constexpr SettingPrefix(std::wstring_view prefix)
         : text(prefix)
         , hash(Hash(kHashStart, prefix)) {}
 
-    // A rolling hash, which goes on where the part before stopped. Bit 5 tells the two cases of a letter
-    // apart and is left out; the index compares the names themselves anyway. A multiplying hash would
-    // wait four clocks for each character, this one waits two.
+    // A rolling hash, which continues that of the prefix. It leaves out bit 5, the case of a letter;
+    // the index compares the names themselves anyway. Two clocks of latency a character, against four
+    // with a multiplication.
     [[nodiscard]] static constexpr uint64_t Hash(uint64_t hash, std::wstring_view text) {
         for (const wchar_t c : text) {
             hash = std::rotl(hash, 7) ^ (static_cast<uint32_t>(c) | kCaseBit);
@@ -76,8 +76,8 @@ public:
     SettingsStore(const SettingsStore&) = delete;
     SettingsStore& operator=(const SettingsStore&) = delete;
 
-    // Registering a name that exists overwrites its value and type; its place in the list stays, and
-    // so does what stands in the fields of other types.
+    // Registering an existing name overwrites its value and type; its place in the list and the fields
+    // of other types stay.
     void RegisterInt(std::wstring_view name, int32_t value);
     void RegisterInt2(std::wstring_view name, int32_t value, int32_t value2);
     void RegisterString(std::wstring_view name, std::wstring_view value);
@@ -90,8 +90,8 @@ public:
     [[nodiscard]] bool GetBool(std::wstring_view name) const;
     [[nodiscard]] float GetFloat(std::wstring_view name) const;
 
-    // A setter changes the value of an existing setting, whatever its type, and does nothing for an
-    // unknown name. The type stays.
+    // A setter changes the value of an existing setting of any type, and does nothing for an unknown
+    // name. The type stays.
     void SetInt(std::wstring_view name, int32_t value);
     void SetInt2(std::wstring_view name, int32_t value, int32_t value2);
     void SetString(std::wstring_view name, std::wstring_view value);
@@ -107,9 +107,9 @@ public:
     // The newest setting, from which `next` leads through all of them.
     [[nodiscard]] const Setting* First() const { return head.get(); }
 
-    // Takes over what a document validly says about settings that are registered; later elements win. A
-    // document that is broken somewhere counts up to there; `reason` then says what is wrong, and is
-    // empty for a whole one. False when it can't be read from its start on; nothing has changed then.
+    // Reads the valid entries of registered settings from a document; later entries win. A malformed
+    // document is used up to its first error; `reason` then says what is wrong, and is empty for a
+    // valid one. False if nothing could be read; nothing has changed then.
     bool Load(const uint8_t* bytes, size_t size);
     bool Load(const uint8_t* bytes, size_t size, std::string& reason);
 
@@ -131,16 +131,16 @@ private:
     mutable Lock stringLock; // guards every `stringValue`
 };
 
-// The program's store. It lives until the process ends, as session threads may read it until then.
+// The program's store. It is never destroyed, as session threads may read it until the process ends.
 [[nodiscard]] SettingsStore& Settings();
 
-// Registers every setting of the program with the value of a first run, then all bindings: with zero
-// values first, then with their defaults. The list is the program's, beside the bindings; the store
-// itself knows no name.
+// Registers every setting of the program with its default, then all bindings: with zero values first,
+// then with their defaults. Defined beside the bindings (settings_table.cpp); the store itself knows no
+// name.
 void RegisterDefaultSettings(SettingsStore& store);
 
-// Reads and writes `.\config.xml`. What can't be read leaves the defaults; `error` then says what is
-// wrong with the file, also when part of it was read and the result is true. It stays empty for a
+// Reads and writes `.\config.xml`. Values that can't be read keep their defaults; `error` then says
+// what is wrong with the file, even if part of it was read and the result is true. It stays empty for a
 // missing file. Before the first save over a file that was not read to its end, that file is copied to
 // `config.xml.damaged`, or the next free name of that kind, beside it.
 bool LoadSettingsFile(SettingsStore& store, std::string& error);

@@ -50,10 +50,10 @@ TEST(ClockedOutput, StartsAgainWithAnotherPull) {
 
 TEST(ClockedOutput, WhatWasMissedByMoreThanAPullIsSkipped) {
     constexpr uint32_t kPull = 441; // 10 ms
-    // With one second done: on time, and late by just a pull, which counts where it was due.
+    // With one second done: on time, and late by exactly a pull, which keeps its place.
     EXPECT_EQ(FramesAfterStandstill(kRate, kSecond, kRate, kPull), kRate);
     EXPECT_EQ(FramesAfterStandstill(kRate, kSecond + kSecond / 100, kRate, kPull), kRate);
-    // A millisecond more, and it goes on with what is due now: 44,100 x 1.011.
+    // One millisecond more, and it skips to what is due now: 44,100 x 1.011.
     EXPECT_EQ(FramesAfterStandstill(kRate, kSecond + kSecond / 1000 * 11, kRate, kPull), 44585u);
     // Early ones stay.
     EXPECT_EQ(FramesAfterStandstill(kRate, 0, kRate, kPull), kRate);

@@ -1,5 +1,5 @@
-// Real sessions with the real pump and SDL's driver without a device: they come and go while the pump
-// visits them.
+// Real sessions with the real pump and SDL's driver without a device: they start and stop while the
+// pump visits them.
 
 #include "audio/sound.h"
 #include "host/host_data.h"

@@ -1,4 +1,4 @@
-// How late a sound is heard when the device asks for much at once, or for nothing for a while.
+// How late a sound is heard when the device takes much at once, or nothing for a while.
 
 #include "audio/sound_rig.h"
 
@@ -19,8 +19,8 @@ constexpr int64_t kMillisecond = kSecond / 1000;
 constexpr uint32_t kPull = 512; // frames
 constexpr double kFramesPerSecond = 60.0;
 
-// From `at` on the device takes `burst` frames at once, then nothing for `pause`, then the sound as it
-// goes by.
+// At `at` the device takes `burst` frames at once, then nothing for `pause`, then sound at the normal
+// rate.
 struct STANDSTILL {
     int64_t at;
     uint32_t burst;
@@ -32,8 +32,8 @@ struct HEARD {
     int16_t sample;
 };
 
-// One machine, one pump and one device, each with its own next moment. The machine's sample is a
-// function of the moment at which its frame begins and of the sample's number.
+// One machine, one pump and one device, each with the time of its next action. The machine's sample is
+// a function of its frame's start and of the sample's number.
 class Delayed {
 public:
     using Source = std::function<int16_t(int64_t time, uint64_t pair)>;
@@ -65,7 +65,7 @@ public:
         return rig.session.sound.soundBytes * 1000.0 / (kRate * 4);
     }
 
-    // The mean over a second, looked at when the pump comes.
+    // The mean over a second, sampled at the pump's rounds.
     double SecondsMean(int64_t from) {
         RunUntil(from);
         sumMs = 0.0;
@@ -74,7 +74,7 @@ public:
         return sumMs / rounds;
     }
 
-    // The first sample from `from` on that is loud, in milliseconds after it; -1 for none.
+    // The first loud sample from `from`, in milliseconds after it; -1 for none.
     [[nodiscard]] int64_t LoudAfterMs(int64_t from) const {
         const auto found = std::find_if(heard.begin(), heard.end(), [from](const HEARD& x) {
             return x.time >= from && std::abs(x.sample) > 5000;
@@ -150,7 +150,7 @@ TEST(SoundDelay, TwoSecondsAtOnceAreCaughtUpWithinASecond) {
     for (const bool room : {false, true}) {
         for (const int64_t at : {int64_t{0}, 5 * kSecond}) {
             const STANDSTILL device{at, 2 * kRate, kSecond};
-            const int64_t key = at + 2 * kSecond; // a second after the device goes on
+            const int64_t key = at + 2 * kSecond; // a second after the device continues
             Delayed run(device, room, Beep(key));
             const double mean = run.SecondsMean(key);
             EXPECT_GT(mean, 20.0);
@@ -169,7 +169,7 @@ TEST(SoundDelay, NeverMoreThanATenthOfASecondWaits) {
 }
 
 TEST(SoundDelay, AStandstillOfAnyLengthIsForgottenWithinASecond) {
-    // Short ones leave less than the bound and are a surplus all the same.
+    // Short ones stay under the bound but leave a surplus.
     for (int64_t pause = 20; pause <= 400; pause += 10) {
         const int64_t key = 6 * kSecond + pause * kMillisecond;
         Delayed run({5 * kSecond, 0, pause * kMillisecond}, false, Beep(key));
@@ -181,9 +181,9 @@ TEST(SoundDelay, AStandstillOfAnyLengthIsForgottenWithinASecond) {
 }
 
 TEST(SoundDelay, WhatIsDroppedLeavesNoClick) {
-    // The device stands still and goes on where it was, so that the only cuts are those in the waiting
-    // sound. A sine of 100 Hz and 10,000 rises by 142 from sample to sample; in a fade of 220 pairs
-    // between two of them up to 20,000 / 220 come on top. A hard cut is up to 20,000.
+    // The device pauses and continues where it was, so the only cuts are those in the waiting sound. A
+    // sine of 100 Hz and 10,000 rises by 142 from sample to sample; in a fade of 220 pairs between two
+    // of them up to 20,000 / 220 come on top. A hard cut is up to 20,000.
     for (const int64_t pause : {70, 90, 150, 300, 1000, 3000}) {
         Delayed run({5 * kSecond, 0, pause * kMillisecond}, false,
                     [](int64_t, uint64_t pair) { return Tone(pair, 100.0); });

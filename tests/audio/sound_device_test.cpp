@@ -46,7 +46,7 @@ TEST(SoundDevice, SourceToTheLeftIsLouderOnTheLeft) {
     const SIDES left = ListenAt({-1, 0, 0});
     const SIDES right = ListenAt({1, 0, 0});
     const SIDES ahead = ListenAt({0, 0, -1});
-    // At 440 Hz the head throws a slight shadow only; 2 dB is still far from equal.
+    // At 440 Hz the head shadows only slightly; 2 dB is still far from equal.
     EXPECT_GT(left.left, left.right * 1.6);
     EXPECT_GT(right.right, right.left * 1.6);
     EXPECT_NEAR(ahead.left / ahead.right, 1.0, 0.1);
@@ -54,7 +54,7 @@ TEST(SoundDevice, SourceToTheLeftIsLouderOnTheLeft) {
 }
 
 TEST(SoundDevice, TurningTheListenerTurnsTheSound) {
-    // What lies to the right is on the left for one who looks the other way.
+    // What is on the right is on the left for a listener who looks the other way.
     const SIDES turned = ListenAt({1, 0, 0}, {0, 0, 1});
     EXPECT_GT(turned.left, turned.right * 1.6);
 }
@@ -85,12 +85,12 @@ TEST(SoundDevice, StereoRingComesOutAsItWentIn) {
         }
         ring.Write(0, samples);
         ASSERT_TRUE(device.Attach(ring, RingKind::kDirect));
-        // Where the listener stands makes no difference.
+        // The listener's place makes no difference.
         device.PlaceListener({3, 0, 4}, {1, 0, 0}, {0, 1, 0});
         ring.Play();
         std::vector<int16_t> out(size_t{rate} * 3);
         device.Render(out.data(), static_cast<uint32_t>(out.size() / 2));
-        // From the first sample on, round the ring, bit for bit.
+        // From the first sample, around the ring, bit for bit.
         for (size_t i = 0; i < out.size(); ++i) {
             ASSERT_EQ(out[i], samples[i % samples.size()]) << rate << " at " << i;
         }
@@ -172,7 +172,7 @@ TEST(SoundDevice, RingThatStartsOverIsHeardFromItsStart) {
     device.Render(out.data(), kPull * 20);
     EXPECT_EQ(ring.Cursors().play, kPull * 80);
     EXPECT_EQ(out[size_t{kPull} * 40 - 2], samples[size_t{kPull} * 40 - 2]);
-    // Stopped, it is silent and stands still.
+    // Stopped, it is silent and does not advance.
     ring.Stop();
     device.Render(out.data(), kPull);
     device.Render(out.data(), kPull);
@@ -180,7 +180,7 @@ TEST(SoundDevice, RingThatStartsOverIsHeardFromItsStart) {
     for (size_t i = 0; i < size_t{kPull} * 2; ++i) {
         ASSERT_EQ(out[i], 0);
     }
-    // And a later start goes on from there.
+    // A later start continues from there.
     ring.Play();
     device.Render(out.data(), kPull * 20);
     EXPECT_EQ(out[size_t{kPull} * 40 - 2], samples[size_t{kPull} * 80 - 2]);

@@ -10,8 +10,8 @@ namespace {
 
 constexpr uint32_t kUnit = 44100 * 4 / 200; // bytes of 5 ms of stereo
 
-// Pumps a steady sound until the splitters' answer to it has settled, and gives the 441 frames that
-// the pump wrote last.
+// Pumps a steady sound until the splitters have settled, and returns the 441 frames that the pump wrote
+// last.
 std::vector<int16_t> Steady(SoundRig& rig, int16_t left, int16_t right) {
     rig.Pump();
     uint32_t position = 0;
@@ -112,7 +112,7 @@ TEST(SoundPump, BehindAnothersFullScreenASessionIsSilentOnTheRingItHas) {
     second.Pump();
     EXPECT_EQ(second.session.sound.audible, 0);
     EXPECT_EQ(second.session.sound.directSound, 1);
-    // Back in front with the room never shown: heard again, where it was.
+    // In front again, with the room never shown: heard again, in the same place.
     second.Play(100);
     second.surroundings.inFront = true;
     second.Pump();
@@ -211,7 +211,7 @@ TEST(SoundPump, MonoPathTakesTwiceTheBytesThatItWrites) {
     rig.Pump();
     EXPECT_EQ(rig.channel->writeMono, position + 600 * 2);
     EXPECT_EQ(rig.session.sound.soundBytes, 400u * 4);
-    // Less is waiting than was played: half the waiting bytes is what there is.
+    // Less is waiting than was played: the limit is half the waiting bytes.
     rig.Play(600);
     rig.Pump();
     EXPECT_EQ(rig.session.sound.soundBytes, 0u);
@@ -294,7 +294,7 @@ TEST(SoundPump, GapIsTheLargestEverSeen) {
     EXPECT_EQ(rig.gapMs, 20u);
 }
 
-// How far the write position stands ahead decides alone; one row is one distance.
+// Only the write position's lead decides; each row is one lead.
 TEST(SoundPump, WritePositionMovesOnlyWhenItIsOutOfBounds) {
     struct ROW {
         bool positional;
@@ -368,7 +368,7 @@ TEST(SoundPump, BiasFollowsTheWaitingSoundBeforeTheTransfer) {
 }
 
 TEST(SoundPump, RingsWrapWithoutAClick) {
-    // A steady value written for three seconds of the ring stands everywhere in it.
+    // A steady value written for three seconds fills the whole ring.
     SoundRig rig;
     rig.SetReserve(512 + 64);
     rig.Pump();
@@ -395,11 +395,11 @@ TEST(SoundPump, DeviceThatNeverMovesLeavesATenthOfASecondWaiting) {
         rig.Pump();
         ASSERT_LE(rig.session.sound.soundBytes, 4410u * 4);
     }
-    // Seven frames are more than the bound. What is then left is 35 ms, a little more than two frames,
-    // and four are the fewest that pass the bound again: at the 7th, the 11th and so on to the 299th.
+    // Seven frames exceed the bound. Then 35 ms are left, a little more than two frames, and four more
+    // exceed the bound again: at the 7th, the 11th and so on to the 299th.
     EXPECT_EQ(rig.session.statistics.soundRepositions, 74u);
     EXPECT_EQ(rig.session.sound.soundBytes, (1543u + 735u) * 4);
-    // It comes back: what waits is played from there on.
+    // It comes back: the waiting sound is played from then on.
     rig.Play(512);
     rig.Pump();
     EXPECT_EQ(rig.session.sound.soundBytes, (1543u + 735u - 512u) * 4);

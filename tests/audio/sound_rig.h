@@ -36,7 +36,7 @@ struct SoundRig {
     SoundRig(const SoundRig&) = delete;
     SoundRig& operator=(const SoundRig&) = delete;
 
-    // Again, with the settings as they are now.
+    // Again, with the current settings.
     void MakeChannel() {
         channel = std::make_unique<SoundChannel>(AudioRate());
         data.sound = channel.get();
@@ -67,7 +67,7 @@ struct SoundRig {
         return heard;
     }
 
-    // Samples on their way to the pump, as the host appends them.
+    // Adds samples for the pump, as the host does.
     void Append(std::span<const int16_t> samples) {
         const uint32_t at = session.sound.soundBytes;
         std::memcpy(data.pending.data() + at, samples.data(), samples.size_bytes());
@@ -82,7 +82,7 @@ struct SoundRig {
         Append(samples);
     }
 
-    // What stands in a ring, read without moving it.
+    // The contents of a ring, read without moving its cursors.
     [[nodiscard]] static std::vector<int16_t> Content(const SoundRing& source, uint32_t position,
                                                       uint32_t frames) {
         std::vector<int16_t> samples(size_t{frames} * source.Channels());

@@ -1,4 +1,4 @@
-// Whether sound and frames keep together when the device's clock is not the program's.
+// Sound and frames stay in step when the device's clock is not the program's.
 
 #include "audio/sound_rig.h"
 
@@ -41,7 +41,7 @@ struct LEVELS {
     [[nodiscard]] double Mean() const { return sum / static_cast<double>(count); }
 };
 
-// What a run shows. Levels are milliseconds of waiting sound.
+// The measurements of a run. Levels are milliseconds of waiting sound.
 struct SYNC_RESULT {
     LEVELS decided;   // as the pump sees it when it sets the bias
     LEVELS appended;  // right after a frame's sound has come
@@ -51,8 +51,8 @@ struct SYNC_RESULT {
     uint32_t repositionsAfter = 0;
 };
 
-// One machine, one pump and one device, each with its own next moment; ties go to machine, device,
-// pump.
+// One machine, one pump and one device, each with the time of its next action; ties go to machine,
+// device, pump.
 class Simulation {
 public:
     explicit Simulation(const SYNC_CASE& c)
@@ -160,15 +160,15 @@ SYNC_RESULT Report(const SYNC_CASE& c) {
 }
 
 // The level cannot stay within 20 to 35 ms at every instant: a frame brings 16.7 or 20 ms at once and
-// a pull takes 11.6, each most of that band or more. What is held is its mean over time: every second
-// of it, looked at each 5 ms, lies in the band.
+// a pull takes 11.6, each most of that band or more. Its mean does: that of every second, sampled each
+// 5 ms, is in the band.
 void ExpectHeld(const SYNC_CASE& c) {
     const SYNC_RESULT r = Report(c);
     EXPECT_EQ(r.repositionsAfter, 0u) << c.name;
     EXPECT_GE(r.seconds.count, kMinutes * 60 - 3) << c.name;
     EXPECT_GT(r.seconds.lowest, 20.0) << c.name;
     EXPECT_LT(r.seconds.highest, 35.0) << c.name;
-    // At no instant is there nothing left, nor more than the band's top and one frame.
+    // There is never nothing left, nor more than the band's top and one frame.
     EXPECT_GT(r.allRounds.lowest, 0.0) << c.name;
     EXPECT_LT(r.allRounds.highest, 35.0 + 1000.0 / c.framesPerSecond) << c.name;
 }
@@ -209,13 +209,13 @@ TEST(SoundSync, FiftyHertzHoldsTheSame) {
 }
 
 TEST(SoundSync, WithoutTheBiasTheLevelLeavesTheBand) {
-    // The contrast: the same clock with a bias that has no effect. Sound that nobody takes heaps up, three
-    // milliseconds in a second, until a surplus is dropped, time and again.
+    // The contrast: the same clock with a bias that has no effect. The waiting sound grows by three
+    // milliseconds a second until a surplus is dropped, again and again.
     SYNC_CASE c{"no bias", 44100, 60.0, 0.997, 512, true};
     Simulation simulation(c);
     simulation.IgnoreBias();
     const SYNC_RESULT r = simulation.Run();
     EXPECT_GT(r.seconds.highest, 35.0);
-    // What comes too much is 180 ms in a minute, and a drop is 15 ms and what half a second brings.
+    // The excess is 180 ms a minute, and a drop is 15 ms plus half a second's growth.
     EXPECT_GT(r.repositionsAfter, kMinutes * 5);
 }

@@ -78,7 +78,7 @@ SIDES HeardByHand(const SOUND_PLACE& place, const SOUND_PLACE& listener) {
     return sides;
 }
 
-// What comes out of the loopback device.
+// The output of the loopback device.
 SIDES Heard() {
     return MeasureSides(RenderSound, AudioRate());
 }
@@ -91,7 +91,7 @@ bool AreAlike(const SIDES& a, const SIDES& b) {
     return near(a.left, b.left) && near(a.right, b.right);
 }
 
-// Pumps until the device has taken all that the session submitted.
+// Pumps until the device has taken everything that the session submitted.
 testing::AssertionResult IsPlayed(Session& session) {
     return WaitUntil("the submitted sound to be taken", [&] {
         PumpSound(session.thread);

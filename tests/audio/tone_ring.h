@@ -1,4 +1,4 @@
-// A tone in a ring, and how loud it comes out on either side.
+// A tone in a ring, and how loud it is on either side of the output.
 #pragma once
 
 #include "audio/sound_ring.h"
@@ -30,7 +30,7 @@ struct SIDES {
     double right;
 };
 
-// Power of either side over a second, after a tenth to settle. `render(out, frames)` gives the sound.
+// Power of either side over a second, after a tenth to settle. `render(out, frames)` makes the sound.
 template <typename Render>
 SIDES MeasureSides(const Render& render, uint32_t rate) {
     std::vector<int16_t> out(size_t{rate} * 2);

@@ -130,7 +130,7 @@ TEST(Files, ReplacingKeepsPermissionsAndALink) {
 
 TEST(Files, ATemporaryLeftBehindIsNotInTheWay) {
     const TemporaryFolder folder;
-    // What the next hundred serial numbers of this process would be called.
+    // The names that this process's next hundred temporaries would get.
     for (int serial = 0; serial < 200; ++serial) {
         folder.Write("f.tmp-" + std::to_string(getpid()) + "-" + std::to_string(serial),
                      std::string_view("left behind"));

@@ -19,7 +19,7 @@ TEST(Text, MalformedUtf8BecomesReplacementCharacters) {
     EXPECT_EQ(WideFromUtf8("\xF4\x90\x80\x80")[0], L'\uFFFD'); // beyond the last code point
 }
 
-// One for each byte that fits nowhere, as the header says.
+// One for each invalid byte, as the header says.
 TEST(Text, EveryByteOfABrokenCharacterBecomesAReplacement) {
     EXPECT_EQ(WideFromUtf8("a\xE6\x97z"), L"a\uFFFD\uFFFDz"); // two of three bytes
     EXPECT_EQ(WideFromUtf8("\xF0\x9F\x8E"), L"\uFFFD\uFFFD\uFFFD");

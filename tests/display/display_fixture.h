@@ -1,5 +1,5 @@
-// A context in a window of 128 x 96 pixels. A test that wants a smaller screen draws into the lower left
-// of it, where OpenGL's viewport begins.
+// A context in a window of 128 x 96 pixels. A test of a smaller screen draws into its lower left, where
+// OpenGL's viewport begins.
 #pragma once
 
 #include "display/gl.h"
@@ -29,7 +29,7 @@ protected:
         ASSERT_TRUE(GlStart(error)) << error;
     }
 
-    // OpenGL keeps its first error until somebody asks.
+    // OpenGL keeps its first error until it is read.
     void TearDown() override {
         if (context.Ready()) {
             EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));

@@ -180,7 +180,7 @@ TEST(FullScreenPlace, CropOfNothingShowsTheWholeAndOneThatLeavesThePictureIsCut)
     EXPECT_EQ(quad.textureBottom, 3.5f / 4);
 }
 
-// Pictures that go through UploadPicture and are read back from the screen.
+// Pictures passed through UploadPicture and read back from the screen.
 class FullScreen : public DisplayTest {
 protected:
     void SetUp() override {
@@ -199,7 +199,7 @@ protected:
         ASSERT_TRUE(UploadPicture(picture, session, PictureScaler::kNone));
     }
 
-    // Leaves red on the screen before, so that what is not drawn shows.
+    // Fills the screen with red before, so that undrawn areas show.
     std::vector<uint32_t> Draw(const FULL_SCREEN_VIEW& view, uint32_t width, uint32_t height) {
         ClearScreen(kRed);
         DrawFullScreen(session, view, width, height);
@@ -281,7 +281,7 @@ int Channel(uint32_t pixel, int shift) {
     return static_cast<int>(pixel >> shift & 0xFF);
 }
 
-// The largest difference of two pictures in any channel.
+// The largest difference between two pictures in any channel.
 int LargestDifference(const std::vector<uint32_t>& a, const std::vector<uint32_t>& b) {
     int largest = 0;
     for (size_t i = 0; i < a.size() && i < b.size(); ++i) {
@@ -306,8 +306,8 @@ double Bilinear(const std::vector<uint32_t>& pixels, double x, double y, int shi
     return std::lerp(upper, lower, y - top);
 }
 
-// A renderer may hold the weights of a filter in as few as eight bits: half a step of a weight in each
-// direction and half a step of the result.
+// A renderer may keep filter weights in only eight bits: half a step of a weight in each direction and
+// half a step of the result.
 constexpr double kFilterTolerance = 255.0 / 512 * 2 + 0.5 + 0.01;
 
 TEST_F(FullScreen, LinearIsBilinearBetweenTheMiddlesOfTexels) {
@@ -367,7 +367,7 @@ TEST_F(FullScreen, LinearCropDoesNotReachOverTheWindowsEdge) {
     EXPECT_EQ(Draw({true, true}, 60, 20), std::vector<uint32_t>(1200, kWhite));
 }
 
-// What each row of a screen of one colour beside black must be.
+// What each row of a screen must be: one colour between black bars.
 std::vector<uint32_t> Framed(uint32_t screenWidth, uint32_t screenHeight, const PLACE& place,
                              uint32_t colour) {
     std::vector<uint32_t> pixels(size_t{screenWidth} * screenHeight, kBlack);

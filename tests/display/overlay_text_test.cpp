@@ -121,7 +121,7 @@ protected:
                            [ground](uint32_t pixel) { return pixel == ground; });
     }
 
-    OverlayText text; // ends before the context
+    OverlayText text; // destroyed before the context
 };
 
 TEST_F(OverlayScreen, LetterStandsWhereToldWithADarkRimOnADarkBar) {
@@ -169,7 +169,7 @@ TEST_F(OverlayScreen, BarsOfLinesTouchWithoutOverlapping) {
     Prepare(kGround);
     text.Draw("..\n\n.\n.", 2, 2, 1, kYellow);
     const std::vector<std::string> lines = Screen(16, 46);
-    // The last column of a line is right of its letters: nothing but the bar is there.
+    // The last column of a line is right of its letters and shows only the bar.
     std::string firstBar;
     std::string otherBars;
     for (const std::string& line : lines) {
@@ -243,7 +243,7 @@ TEST_F(OverlayScreen, TextWithoutOpacityChangesNothing) {
 TEST_F(OverlayScreen, TextOverTheEdgeIsCut) {
     Prepare(kGround);
     text.Draw("L", -2, -3, 1, kYellow);
-    // Of the L only columns from 2 on are left: the foot in row 6, which is row 3 of the screen.
+    // Only columns 2 and up of the L are left: the foot in row 6, which is row 3 of the screen.
     const std::vector<std::string> expected = {
         "-----.", //
         "-----.", //

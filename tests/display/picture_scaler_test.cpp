@@ -52,7 +52,7 @@ Picture DrawText(const std::vector<std::string>& rows) {
                 });
 }
 
-// Fails the test when anything beside the target is written.
+// Fails the test if anything outside the target is written.
 Picture Scale(PictureScaler scaler, const Picture& source) {
     constexpr uint32_t kGuard = 0x5EAF00D5;
     constexpr size_t kGuards = 64;
@@ -89,7 +89,7 @@ Picture Transpose(const Picture& source) {
                 [&](uint32_t x, uint32_t y) { return source.At(y, x); });
 }
 
-// The picture with so many more pixels on every side, each like the border's nearest.
+// The picture enlarged on every side by copies of its nearest border pixels.
 Picture Widen(const Picture& source, uint32_t by) {
     const auto inside = [by](uint32_t at, uint32_t size) {
         return at < by ? 0 : std::min(at - by, size - 1);
@@ -104,7 +104,8 @@ Picture Narrow(const Picture& source, uint32_t by) {
                 [&](uint32_t x, uint32_t y) { return source.At(x + by, y + by); });
 }
 
-// Noise of so many colours: few make outlines of every form, many make every distance between colours.
+// Noise of `colours` colours: few make outlines of every shape, many make every distance between
+// colours.
 Picture DrawNoise(uint32_t width, uint32_t height, uint32_t colours) {
     std::mt19937 random(width * 7919 + height * 31 + colours);
     std::vector<uint32_t> palette(colours);
@@ -116,7 +117,7 @@ Picture DrawNoise(uint32_t width, uint32_t height, uint32_t colours) {
     });
 }
 
-// Noise of shades so near each other that some neighbours are told apart and others are not.
+// Noise of shades so close that some neighbours count as different and others as alike.
 Picture DrawShades(uint32_t width, uint32_t height) {
     std::mt19937 random(width + height);
     const auto channel = [&random] { return static_cast<uint32_t>(random()) % 56; };
@@ -162,7 +163,7 @@ Picture DrawStair(uint32_t width, uint32_t height, uint32_t run) {
                 [run](uint32_t x, uint32_t y) { return y >= x / run ? kWhite : kBlack; });
 }
 
-// The part of the cell from (x, y), `size` wide and high, that lies below `line`, a straight line. The
+// The part of the cell at (x, y), `size` wide and high, that is below the straight line `line`. The
 // mean of the heights in the middle of thin slices is its integral where the line doesn't bend.
 double CoveredPart(double x, double y, double size, const std::function<double(double)>& line) {
     constexpr int kSlices = 256;
@@ -255,7 +256,7 @@ TEST(PictureScaler, TransposedPicturesGiveTransposedResults) {
     }
 }
 
-// Also holds the parts in which a picture is worked on to each other: they lie elsewhere in the wider one.
+// Also compares the tiles in which a picture is processed: they lie elsewhere in the wider one.
 TEST(PictureScaler, BorderPixelsGoOnOutside) {
     for (const Picture& picture : DrawSamples()) {
         for (const PictureScaler scaler : kEveryScaler) {
@@ -343,7 +344,7 @@ TEST(PictureScalerEdge, LettersOfStraightStrokesStayAsDrawn) {
     }
 }
 
-// A shadow's edge lies a pixel beside that of its box, which is a step, but not one of a slanted line.
+// A shadow's edge is a pixel beside that of its box, which is a step, but not one of a slanted line.
 TEST(PictureScalerEdge, BoxesWithShadowsKeepTheirCorners) {
     for (uint32_t width = 3; width <= 8; ++width) {
         for (uint32_t height = 3; height <= 8; ++height) {
@@ -362,7 +363,7 @@ TEST(PictureScalerEdge, BoxesWithShadowsKeepTheirCorners) {
     }
 }
 
-// Where a bar and a box meet crosswise, the ground runs between them as much as they go together.
+// Where a bar and a box touch diagonally, the ground between them is joined as much as they are.
 TEST(PictureScalerEdge, BarThatTouchesABoxIsNotJoined) {
     for (uint32_t length = 3; length <= 6; ++length) {
         const Picture picture = Draw(20, 14, [length](uint32_t x, uint32_t y) {
@@ -413,7 +414,8 @@ TEST(PictureScalerEdge, DitheringStaysAsDrawn) {
     }
 }
 
-// Four by four thresholds in the usual order, every share of white from none to all, and a rising one.
+// Ordered dithering with four by four thresholds: every share of white from none to all, and a rising
+// one.
 TEST(PictureScalerEdge, OrderedDitheringStaysAsDrawn) {
     constexpr uint32_t kOrder[4][4] = {
         {0,  8,  2,  10},
@@ -466,10 +468,11 @@ TEST(PictureScaler, CheckersKeepTheirMeanColour) {
     }
 }
 
-// The line that a stair stands for goes through the middles of its runs: y = x / run - 1/2. Pixels as they
-// are miss it by two triangles a step, each of a half by half a run: a quarter of a pixel in each column.
-// What the edge kinds miss is rounding, coverage to 1/128 and the result to 1/255: at most two levels in
-// each target pixel that the line goes through, of which a column of pixels has at most twice the factor.
+// The line that a stair represents goes through the middles of its runs: y = x / run - 1/2. Pixels as
+// they are miss it by two triangles a step, each of a half by half a run: a quarter of a pixel in each
+// column. What the edge kinds miss is rounding, coverage to 1/128 and the result to 1/255: at most two
+// levels in each target pixel that the line goes through, of which a column of pixels has at most twice
+// the factor.
 TEST(PictureScalerEdge, StairsBecomeStraightLines) {
     constexpr uint32_t kMargin = 8;
     for (uint32_t run = 1; run <= 4; ++run) {
@@ -481,7 +484,7 @@ TEST(PictureScalerEdge, StairsBecomeStraightLines) {
             const Picture nearest = Enlarge(stair, factor);
             double error = 0;
             double nearestError = 0;
-            // The line leaves the upper border far to the left of the columns that are compared.
+            // The line crosses the upper border far to the left of the compared columns.
             for (uint32_t x = kMargin * factor; x < (stair.width - kMargin) * factor; ++x) {
                 for (uint32_t y = 0; y < scaled.height; ++y) {
                     const double part = CoveredPart(static_cast<double>(x) / factor,
@@ -580,8 +583,8 @@ TEST(PictureScalerEdge, ThinLineIsJoinedInEitherColour) {
     }
 }
 
-// The spline has (12/16) squared of a lone dot's contrast in the middle of its pixel, which is more than
-// half and so is only made more.
+// In the middle of a lone dot's pixel the spline has (12/16) squared of its contrast, more than half,
+// so steepening only adds to it.
 TEST(PictureScalerSoft, LoneDotSurvives) {
     for (const auto& [dot, ground] : {
              std::array{kWhite, kBlack},
@@ -612,8 +615,8 @@ TEST(PictureScalerSoft, EdgesDoNotRing) {
     EXPECT_EQ(scaled.At(8 * 4 + 3, 9), 0xFFE0A010);
 }
 
-// The height at which each column goes from black to white, against the line that the stair stands for.
-// Pixels as they are miss it by up to half a pixel; what is seen as a step is at least a target pixel.
+// The height at which each column goes from black to white, against the line that the stair represents.
+// Unscaled pixels miss it by up to half a pixel; a visible step is at least a target pixel.
 TEST(PictureScalerSoft, StairsAreStraightLines) {
     for (uint32_t run = 1; run <= 4; ++run) {
         const Picture stair = DrawStair(64, 80, run);

@@ -16,7 +16,7 @@ TEST(ColourHistory, StartsAtTheFaintestLight) {
 }
 
 TEST(ColourHistory, SamplesEveryFourthPixelFromTheTopLeft) {
-    // Samples stand at columns and rows 0 and 4. Everything else is white and must not count.
+    // Samples are taken at columns and rows 0 and 4. Everything else is white and must not count.
     std::vector<uint32_t> pixels(size_t{7} * 5, kWhite);
     pixels[0] = 0xFFFF0000;         // (0, 0)
     pixels[4] = 0xFFFF3300;         // (4, 0)
@@ -164,7 +164,7 @@ TEST_F(SessionPicture, ScratchBufferIsMadeOnceForTheLargestPicture) {
 
 TEST_F(SessionPicture, TextureIsMadeAgainOnlyForAnotherSize) {
     ASSERT_TRUE(UploadColour(8, 4, kRed, PictureScaler::kNone));
-    // Names are given out again, so the texture is known by a parameter that only this test sets.
+    // GL names are reused, so a parameter that only this test sets identifies the texture.
     glBindTexture(GL_TEXTURE_2D, session.texture.glTexture);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
     const auto wrap = [this] {

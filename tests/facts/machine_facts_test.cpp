@@ -1,4 +1,4 @@
-// The rows by themselves: what is filed and typed under them, and that no two things share a name.
+// The rows alone: their saved values and typed names, and that all names are distinct.
 
 #include "facts/machine_facts.h"
 #include "facts/sms_facts.h"
@@ -104,7 +104,7 @@ TEST(MachineFacts, AnOptionHasAByteOfItsOwnAndEachValueToo) {
     }
 }
 
-// The bytes that games' records and players' option blocks hold.
+// The bytes in games' records and option blocks.
 TEST(MachineFacts, TheMasterSystemsBytesAreSingleBits) {
     std::vector<std::vector<int>> bytes;
     std::vector<size_t> offsets;

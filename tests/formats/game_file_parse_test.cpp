@@ -78,7 +78,7 @@ TEST(GameFileParse, GadaCountsBesideTheHeaderSize) {
     ASSERT_TRUE(game.Parse(bytes.data(), bytes.size(), false));
     EXPECT_EQ(game.GadaText(), "set");
     EXPECT_EQ(game.Header().headerSize, 88u);
-    // Also behind the header, as long as more records follow.
+    // Also after the header, if more records follow.
     EXPECT_TRUE(ParseHeader(HandGame(6, 88 + 80) + HandGada("set") + HandRom("r", 1)));
 }
 
@@ -128,7 +128,7 @@ TEST(GameFileParse, MachineRecordsLengthComesFromTheSystem) {
 }
 
 TEST(GameFileParse, RecordOfNoLengthIsRefused) {
-    // A system without machine records gives them no length: nothing would ever be consumed.
+    // A system without machine records has no length for them: nothing would ever be consumed.
     EXPECT_FALSE(ParseHeader(HandGame(3, 200) + HandMachine("SMS0", 112)));
     EXPECT_FALSE(ParseHeader(HandGame(0, 200) + HandMachine("ARC0", 112)));
 }
@@ -191,7 +191,7 @@ TEST(GameFileParse, DamagedBodyShowsOnlyInWhatComesOut) {
     ASSERT_TRUE(game.Parse(whole.data(), whole.size(), true));
     EXPECT_EQ(game.Data().size(), 16u);
     EXPECT_NE(Bytes(game.Data().begin(), game.Data().end()), Text("sixteen bytes..."));
-    // Properties that are none: nothing comes out.
+    // Invalid properties: nothing is unpacked.
     body[0] = 255;
     whole = FileWithBody(16, body);
     ASSERT_TRUE(game.Parse(whole.data(), whole.size(), true));

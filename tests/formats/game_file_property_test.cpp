@@ -1,4 +1,4 @@
-// What holds for every container, tried on thousands made at random from fixed seeds.
+// Properties of every container, tried on thousands of random ones from fixed seeds.
 #include "formats/game_file.h"
 #include "formats/hand_made.h"
 #include "formats/packing.h"
@@ -13,8 +13,7 @@ struct RANDOM_GAME {
     Bytes records;
     Bytes image;
     std::vector<Bytes> pieces;
-    std::vector<std::vector<uint8_t>>
-        lists; // each as it is walked: up to the first index that is none
+    std::vector<std::vector<uint8_t>> lists; // each list up to its first invalid index
 };
 
 void AddRandomPieces(CRandom& random, RANDOM_GAME& game, Bytes& records) {
@@ -47,7 +46,7 @@ Bytes RandomName(CRandom& random, RANDOM_GAME& game, size_t romCount) {
     return name;
 }
 
-// Valid records in the order that is written, with random bytes wherever the format allows any.
+// Valid records in the written order, with random bytes wherever the format allows any.
 RANDOM_GAME RandomGame(CRandom& random) {
     struct KIND {
         uint16_t system;
@@ -210,7 +209,7 @@ TEST(GameFileProperty, MutationsAreRefusedOrParsed) {
         ReadEverything(game);
         (whole0 ? parsed : refused) += 1;
         if (game.Parse(mutated.data(), mutated.size(), false)) {
-            // What was read is written as valid records again.
+            // What was read is written again as valid records.
             const Bytes again = game.Serialise(true);
             CGameFile second;
             ASSERT_TRUE(second.Parse(again.data(), again.size(), false));

@@ -219,7 +219,7 @@ TEST(GameFile, LongTitleRunsOnIntoTheSecondOne) {
     title += std::string(50, 'b');
     game.AddNameFromTitle(title, 1, 3, {});
     const Bytes bytes = game.Serialise(false);
-    // 127 bytes from offset 16 of the record and a NUL behind them.
+    // 127 bytes from offset 16 of the record and a NUL after them.
     EXPECT_EQ(Slice(bytes, 88 + 16, 128),
               Text(std::string(96, 'a') + std::string(31, 'b')) + Bytes(1));
     NAME_VIEW view;
@@ -431,7 +431,8 @@ TEST(GameFile, SelectedRomHashTakesTheNameIndexForAPieces) {
     EXPECT_EQ(game.SelectedRomHash(), nullptr);
     game.selectedName = 1;
     ASSERT_NE(game.SelectedRomHash(), nullptr);
-    EXPECT_EQ(game.SelectedRomHash()[0], 2); // of the second piece, though the name uses the first
+    EXPECT_EQ(game.SelectedRomHash()[0],
+              2); // of the second piece, although the name uses the first
     game.selectedName = 3;
     EXPECT_EQ(game.SelectedRomHash(), nullptr);
 }

@@ -1,4 +1,4 @@
-// Containers assembled byte by byte, at the offsets of the file format and without its records.
+// Containers assembled byte by byte, at the offsets of the file format, without the program's records.
 #pragma once
 
 #include <algorithm>
@@ -82,7 +82,7 @@ inline Bytes HandGada(std::string_view text) {
     return bytes;
 }
 
-// A machine record: its tag, and bytes 1, 2, 3... behind it.
+// A machine record: its tag, then bytes 1, 2, 3...
 inline Bytes HandMachine(std::string_view tag, size_t size) {
     Bytes bytes(size);
     for (size_t i = 4; i < size; ++i) {

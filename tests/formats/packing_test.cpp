@@ -13,7 +13,7 @@ const Bytes kProperties = {(2 * 5 + 0) * 9 + 3, 0x00, 0x00, 0x40, 0x00};
 
 constexpr std::string_view kVerse =
     "By the light of the moon, by the light of the moon, by the light of the moon.";
-// The verse as liblzma packs it with the same properties; an encoder of other hands.
+// The verse as liblzma packs it with the same properties: an independent encoder.
 const Bytes kPackedVerse = {0x00, 0x21, 0x1E, 0x40, 0x07, 0x43, 0x7C, 0xF3, 0xFE, 0x77,
                             0xF7, 0xD4, 0x2B, 0x0F, 0xC3, 0x07, 0x35, 0xBA, 0x68, 0x94,
                             0x99, 0x68, 0xA0, 0x00, 0x01, 0x8F, 0x50, 0x34, 0x94, 0x93,
@@ -74,7 +74,7 @@ TEST(Packing, EmptyImageSurvives) {
 TEST(Packing, ImageLargerThanTheDictionarySurvives) {
     CRandom random(2);
     const Bytes noise = random.Fill(100000);
-    // The second stretch repeats the first from farther back than the dictionary reaches.
+    // The second span repeats the first from farther back than the dictionary reaches.
     const Bytes image = noise + Bytes(size_t{1} << 22, 0) + noise;
     EXPECT_GT(PackImage(image).size(), 2 * noise.size());
     ExpectRoundTrip(image);

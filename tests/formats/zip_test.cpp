@@ -14,10 +14,10 @@ struct HAND_ENTRY {
     std::string name;
     Bytes data;
     bool deflate = false;
-    bool descriptor = false; // sizes and checksum stand behind the data, not before it
+    bool descriptor = false; // sizes and checksum come after the data, not before it
     bool zip64 = false;
     uint16_t flags = 0;
-    uint32_t checksumFault = 0; // put over the checksum
+    uint32_t checksumFault = 0; // XORed into the checksum
     uint32_t sizeFault = 0;     // added to the stated size
 };
 
@@ -229,7 +229,7 @@ TEST(ZipReader, Utf8NamesArriveWide) {
     ASSERT_TRUE(reader.Entry(0, read));
     EXPECT_EQ(read.name, L"\u00E9\u20AC.sms");
     EXPECT_EQ(read.rawName, "\xC3\xA9\xE2\x82\xAC.sms");
-    // Without the flag too, as many writers leave it out.
+    // Also without the flag, as many writers leave it out.
     ASSERT_TRUE(reader.Entry(1, read));
     EXPECT_EQ(read.name, L"\u00E9");
 }

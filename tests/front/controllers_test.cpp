@@ -11,8 +11,8 @@ constexpr uint16_t kAxisPadModel = 2;
 
 using Controllers = JoystickRounds;
 
-// Something on a controller pressed fully, with the actions of player 1 and 2 that it stands for; an
-// asterisk is the player's number.
+// A fully pressed control, with the actions of players 1 and 2 that it triggers; an asterisk is the
+// player's number.
 struct CONTROL_ROW {
     const char* what;
     int button; // -1: an axis
@@ -145,7 +145,7 @@ TEST_F(Controllers, TheStickHasADeadZoneAndHoldsOnWithinIt) {
         {-310,  true,  false},
         {-290,  false, false},
         {1000,  false, true },
-        {-1000, true,  false}, // across in one step
+        {-1000, true,  false}, // to the other side in one step
         {350,   false, false},
     };
     for (const ROW& row : rows) {
@@ -159,7 +159,7 @@ TEST_F(Controllers, TheStickHasADeadZoneAndHoldsOnWithinIt) {
 TEST_F(Controllers, AStickPushedCornerwiseGivesBothDirections) {
     const VirtualJoystick pad(kController);
     joysticks.Open();
-    pad.Axis(0, 23170); // the whole way at 45 degrees
+    pad.Axis(0, 23170); // full deflection at 45 degrees
     pad.Axis(1, -23170);
     Round();
     EXPECT_TRUE(InputIsDown(kTestSession, L"NES P1 RIGHT"));
@@ -272,7 +272,7 @@ TEST_F(Controllers, ABoundAxisActsNoMoreAsTheStickThatItIs) {
     EXPECT_TRUE(InputIsDown(kTestSession, L"NES P1 LEFT")) << "the pad still does";
 }
 
-// Tells the library of a controller with the given model number, before it is opened here.
+// Adds a controller with the given model number to the library, before it is opened here.
 void AddMapping(const VirtualJoystick& joystick, const std::string& controls) {
     char id[33];
     SDL_JoystickGetGUIDString(SDL_JoystickGetGUID(SDL_JoystickFromInstanceID(joystick.Instance())),
@@ -281,7 +281,7 @@ void AddMapping(const VirtualJoystick& joystick, const std::string& controls) {
     ASSERT_GE(SDL_GameControllerAddMapping(mapping.c_str()), 0) << SDL_GetError();
 }
 
-// Whether the control stops to act for `action` once `code` is bound, and acts again without.
+// Whether the control stops acting for `action` while `code` is bound, and acts again after.
 void ExpectTakenBy(uint32_t code, const wchar_t* action) {
     EXPECT_TRUE(InputIsDown(kTestSession, action)) << code;
     Settings().SetInt2(L"INPUT Use", 8, static_cast<int32_t>(JoystickBinding(0, code)));

@@ -1,4 +1,5 @@
-// The window's events by the tables they end in; events are pushed into the device library's queue.
+// The window's events and the tables that they change; events are pushed into the device library's
+// queue.
 #include "front/event_pump.h"
 #include "front/joysticks.h"
 #include "front/sdl_fixture.h"
@@ -292,7 +293,7 @@ TEST_F(EventPumpTest, AWindowThatShowsOtherwiseIsDrawnAgain) {
 
 TEST_F(EventPumpTest, AnOutputThatGoesIsNamed) {
     Audio(SDL_AUDIODEVICEREMOVED, 2);
-    Audio(SDL_AUDIODEVICEREMOVED, 0); // the library's word on the device itself
+    Audio(SDL_AUDIODEVICEREMOVED, 0); // the library's event for the device itself
     EXPECT_EQ(pump.Pump().outputGone, 2u);
     Audio(SDL_AUDIODEVICEADDED, 1);
     EXPECT_EQ(pump.Pump().outputGone, 0u);
@@ -385,7 +386,7 @@ TEST_F(EventPumpTest, TheWheelGoesInStepsMinusOneUpAndPlusOneDown) {
     EXPECT_EQ(WheelSteps(pump.Pump()), (std::vector<int32_t>{-1, -1, -1}));
     Wheel(2, true);
     EXPECT_EQ(WheelSteps(pump.Pump()), (std::vector<int32_t>{1, 1}));
-    Wheel(0); // a step to the side
+    Wheel(0); // a horizontal step
     EXPECT_TRUE(pump.Pump().gui.empty());
 }
 

@@ -46,7 +46,7 @@ TEST(FramePacer, ABeatThatIsTooQuickToBeADisplaysIsNotFollowed) {
         now = Swap(pacer, now, 1 * kMillisecond);
     }
     EXPECT_TRUE(pacer.WantsDrawing(true));
-    now = Swap(pacer, now, 2 * kMillisecond); // one that waited: the count begins anew
+    now = Swap(pacer, now, 2 * kMillisecond); // a swap that waited: the count restarts
     for (int round = 0; round < 30; ++round) {
         now = Swap(pacer, now, 1 * kMillisecond);
     }

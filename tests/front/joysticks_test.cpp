@@ -35,7 +35,7 @@ TEST_F(JoysticksTest, ThoseAtTheStartTakeThePlacesInOrder) {
     const VirtualJoystick second(Named("second"));
     joysticks.Open();
     EXPECT_EQ(Names(), (::Names{"first", "second", "-", "-"}));
-    Round(); // the library announces them as arrivals, too
+    Round(); // the library also announces them as arrivals
     EXPECT_EQ(Names(), (::Names{"first", "second", "-", "-"}));
     EXPECT_EQ(joysticks.PlaceOf(second.Instance()), 1u);
 }

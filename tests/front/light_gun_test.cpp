@@ -1,4 +1,4 @@
-// The mouse as a light gun, from a place in the window to what a program reads on each console.
+// The mouse as a light gun, from a place in the window to what a program reads on each machine.
 #include "front/window_rig.h"
 #include "host/session.h"
 #include "machine/inspection.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-// What a program finds of the light: the V counter and the H counter, latched.
+// What a program reads when the gun sees light: the latched V and H counters.
 struct LIGHT {
     int line;
     int half; // of a dot's number in the line
@@ -40,10 +40,11 @@ constexpr CONSOLE_ROW kConsoles[] = {
 constexpr int kLineNoted = 0xC100;
 constexpr int kHalfNoted = 0xC101;
 constexpr int kTimesNoted = 0xC102;
-constexpr int kAbove = 4;     // the gun sees light from so many lines above its aim on
+constexpr int kAbove = 4;     // lines above its aim from which the gun sees light
 constexpr int kFirstDot = 11; // of a line's pixels
 
-// Waits for the light once a frame and notes where it was seen. With `narrow` the left column is blanked.
+// Waits for the light once a frame and records where it was seen. With `narrow` the left column is
+// blanked.
 std::vector<uint8_t> LightMeter(bool tall, bool narrow) {
     Program program;
     program.Bytes({0xF3, 0xED, 0x56, 0x31, 0xF0, 0xDF}); // di; im 1; ld sp,0xDFF0
@@ -69,7 +70,7 @@ int Peek(int address) {
     return value;
 }
 
-// What is shown of the picture, and its proportions: 288 or 352 to the number of its lines.
+// The visible part of the picture, and its proportions: 288 or 352 to its number of lines.
 struct SHOWN {
     int left; // pixels of the whole picture
     int top;
@@ -95,8 +96,8 @@ struct PLACE {
     int32_t y;
 };
 
-// The first place in a window of 640 by 480 that shows a pixel of the whole picture. The picture fills the
-// window's width or height, cut to whole screen pixels, and lies in its middle.
+// The first place in a window of 640 by 480 that shows a pixel of the whole picture. The picture fills
+// the window's width or height, truncated to whole screen pixels, and is centred.
 PLACE PlaceOf(const SHOWN& shown, int column, int row) {
     const int width = std::min(640, static_cast<int>(480 * shown.aspect));
     const int height = std::min(480, static_cast<int>(640 / shown.aspect));
@@ -131,14 +132,14 @@ protected:
         return open;
     }
 
-    // Points at a pixel of the active picture and gives what the program notes of the light there.
+    // Points at a pixel of the active picture and returns the counters that the program records there.
     static LIGHT See(Application& application, const SHOWN& shown, int border, int column,
                      int line) {
         const PLACE place = PlaceOf(shown, column, line + border);
         PointAt(place.x, place.y, true);
         EXPECT_TRUE(application.Round());
         const int before = Peek(kTimesNoted);
-        // The frame that is under way may have begun before the mouse moved.
+        // The current frame may have begun before the mouse moved.
         const bool seen = RunUntil(
             application, [&] { return static_cast<uint8_t>(Peek(kTimesNoted) - before) >= 2; });
         return seen ? LIGHT{Peek(kLineNoted), Peek(kHalfNoted)} : LIGHT{-1, -1};

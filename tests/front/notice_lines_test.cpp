@@ -51,7 +51,7 @@ TEST(NoticeLines, NoWidthIsTooSmall) {
     EXPECT_THAT(WrapNotice("a\u00E9", 0), ElementsAre("a", "\u00E9"));
 }
 
-// Whatever the text: lines of valid characters, none too long, and nothing but spaces missing.
+// For any text: lines of valid characters, none too long, and only spaces missing.
 TEST(NoticeLines, NothingIsLostButSpaces) {
     std::mt19937 random(3);
     const std::wstring letters = L"ab  \u00E9\u6F22\U0001F3AE";

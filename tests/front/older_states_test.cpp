@@ -1,9 +1,6 @@
-// States from before the resampler that the program has now: their sound pieces are of version 1 and are passed over.
-#include "base/files.h"
+// States saved before the current resampler: their sound pieces have version 1 and are skipped.
 #include "formats/game_file.h"
-#include "formats/zip.h"
-#include "front/demos.h"
-#include "library/convert.h"
+#include "front/golden_files.h"
 #include "machine/emu_system.h"
 #include "machines/machine_options.h"
 #include "machines/machines.h"
@@ -20,7 +17,7 @@
 
 namespace {
 
-constexpr int kStateFrames = 300; // that were run before each state was saved
+constexpr int kStateFrames = 300; // run before each state was saved
 constexpr int kFrames = 30;
 constexpr size_t kSettled = 5;   // frames
 constexpr size_t kTogether = 16; // samples that are added up
@@ -32,30 +29,14 @@ struct RUN {
 
 class Player {
 public:
-    explicit Player(const DEMO& demo) {
+    explicit Player(const std::string& name) {
         CGameFile game;
-        MACHINE_RECORD record{};
-        ARC_RECORD arcade{};
-        arcade.board = 3;
-        if (demo.system == kSystemArcade) {
-            std::copy_n("ARC0", 4, arcade.tag);
-            std::copy_n(reinterpret_cast<const uint8_t*>(&arcade), sizeof arcade, record.bytes);
-        }
-        if (demo.system == kSystemMasterSystem) {
-            SMS_RECORD sms{};
-            sms.features = 2; // the FM chip
-            sms.input1 = 1;
-            sms.input2 = 1;
-            sms.board = 1;
-            sms.consoles = 63;
-            std::copy_n(reinterpret_cast<const uint8_t*>(&sms), sizeof sms, record.bytes);
-        }
-        EXPECT_TRUE(BuildKnownGame(demo.system, demo.title, demo.image, record, game));
+        EXPECT_TRUE(LoadGameFile(false, kGoldenFolder / (name + ".game"), game));
         game.selectedName = 0;
         OptionBlock options = DefaultMachineOptions(game);
-        TakeMachineSettings(demo.system, options);
+        TakeMachineSettings(game.Header().system, options);
         for (const MACHINE_ENTRY& entry : BuiltInMachines().machines) {
-            if (entry.system == demo.system) {
+            if (entry.system == game.Header().system) {
                 machine = entry.construct(1);
             }
         }
@@ -86,7 +67,7 @@ public:
     std::unique_ptr<CEmuSystem> machine;
 };
 
-// The lower part of the sound, under 2 kHz or so.
+// The sound below about 2 kHz.
 std::vector<double> LeftFrom(const RUN& run, size_t frame) {
     std::vector<double> left;
     for (; frame < run.sounds.size(); ++frame) {
@@ -101,10 +82,9 @@ std::vector<double> LeftFrom(const RUN& run, size_t frame) {
     return left;
 }
 
-// 1 for the same sound, at the best of some places.
+// The best correlation over some shifts; 1 for the same sound.
 double Likeness(const std::vector<double>& one, const std::vector<double>& other) {
-    constexpr size_t kApart =
-        40; // pairs: what the filter of a loaded machine keeps back, and a little
+    constexpr size_t kApart = 40; // pairs: a little more than the delay of the filter
     double best = -1.0;
     const size_t count = std::min(one.size(), other.size()) - 2 * kApart;
     for (size_t shift = 0; shift <= 2 * kApart; ++shift) {
@@ -128,33 +108,20 @@ double Likeness(const std::vector<double>& one, const std::vector<double>& other
 
 } // namespace
 
-// Where an output lies between two of the chip's pairs is not known any more, so the sound comes out up to half a
-// sample earlier or later: at 2 kHz that leaves a likeness of cos(0.14) = 0.99. Where two chips are mixed, the older
-// program had let the one that was behind run on by itself at other times, so they are some samples apart.
+// The position of an output between two of the chip's pairs is lost, so the sound is up to half a
+// sample earlier or later: at 2 kHz that leaves a correlation of cos(0.14) = 0.99. Two mixed chips are
+// some samples apart, since the older program ran the later one on at other times.
 TEST(OlderStates, LoadWithTheSamePicturesAndTheSoundSettles) {
     RegisterDefaultSettings(Settings());
     BuiltInMachines().buildTables();
-    std::vector<uint8_t> archive;
-    std::string error;
-    ASSERT_TRUE(
-        ReadFile(OMBRELUNE_SOURCE_FOLDER "/tests/golden/states-of-300-frames.zip", archive, error))
-        << error;
-    ZipReader reader;
-    ASSERT_TRUE(reader.Open(archive, error)) << error;
-    ASSERT_EQ(reader.EntryCount(), 5U);
-    for (uint32_t index = 0; index < reader.EntryCount(); ++index) {
-        ZIP_ENTRY entry;
-        std::vector<uint8_t> state;
-        ASSERT_TRUE(reader.Entry(index, entry) && reader.Unpack(index, state, error)) << error;
-        SCOPED_TRACE(entry.rawName);
-        const auto demo = std::find_if(Demos().begin(), Demos().end(), [&](const DEMO& known) {
-            return known.name == entry.rawName;
-        });
-        ASSERT_NE(demo, Demos().end());
-        Player unbroken(*demo);
+    for (const char* name : {"older-arcade-skywren", "older-gg-glimmer", "older-md-mistral",
+                             "older-nes-ecume", "older-sms-luciole"}) {
+        SCOPED_TRACE(name);
+        const std::vector<uint8_t> state = ReadGoldenState(name);
+        Player unbroken(name);
         static_cast<void>(unbroken.Run(kStateFrames));
         const RUN wanted = unbroken.Run(kFrames);
-        Player loaded(*demo);
+        Player loaded(name);
         ASSERT_TRUE(loaded.machine->LoadState(state.data(), static_cast<uint32_t>(state.size())));
         const RUN got = loaded.Run(kFrames);
         for (size_t frame = 0; frame < wanted.pictures.size(); ++frame) {

@@ -1,5 +1,5 @@
-// A machine in the place of the Master System for tests of the window: it shows one plain colour in a
-// picture whose place and shape the test chooses, and tells what it was given of the pointers.
+// A replacement for the Master System in tests of the window: it shows one plain colour in a picture
+// whose place and shape the test chooses, and records the pointers it got.
 #pragma once
 
 #include "formats/game_file.h"
@@ -14,7 +14,7 @@
 
 inline constexpr uint32_t kPlainWidth = 320;
 inline constexpr uint32_t kPlainHeight = 240;
-inline constexpr uint32_t kPlainColour = 0xFFC8B4A0; // no grey, which static has
+inline constexpr uint32_t kPlainColour = 0xFFC8B4A0; // not grey, as static is
 
 // Of the whole picture and of its visible window, 256 by 192.
 struct PLAIN_SHAPE {

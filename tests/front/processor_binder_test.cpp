@@ -71,7 +71,7 @@ TEST(ProcessorBinder, AFullProcessorIsPassedOver) {
     ProcessorBinderStart();
 }
 
-// In a process of its own, since a process looks once at the processors that it may use.
+// In a process of its own, since a process checks only once which processors it may use.
 TEST(ProcessorBinder, OneProcessorNeverBinds) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     const auto runOnOne = [] {

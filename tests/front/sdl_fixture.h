@@ -1,4 +1,4 @@
-// The device library without a display, and with no joysticks but those that a test attaches.
+// The device library without a display, and only with the joysticks that a test attaches.
 #pragma once
 
 #include "settings/bindings.h"
@@ -36,7 +36,7 @@ protected:
         RegisterDefaultSettings(Settings());
     }
 
-    // The codes from the first joystick's up that are down.
+    // The joystick codes that are down.
     static std::set<uint32_t> JoystickCodes() {
         std::set<uint32_t> codes;
         for (uint32_t code = JoystickAxisCode(0, 0, false); code < kInputCodes; ++code) {

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int64_t kSecond = 1'000'000; // microseconds
 
-// A device that is there or not as the test says, and answers when it says so.
+// A device that the test plugs in and out, and that answers when the test says so.
 class SoundOutputTest : public testing::Test {
 protected:
     ~SoundOutputTest() override { answers = true; }
@@ -43,7 +43,7 @@ protected:
         return calls;
     }
 
-    // A round after the attempt that is under way, if any.
+    // A round after the running attempt, if there is one.
     static void Round(SoundOutput& sound, int64_t now, uint32_t gone = 0) {
         while (sound.Trying()) {
             std::this_thread::yield();
@@ -53,7 +53,7 @@ protected:
         sound.Watch(events, now);
     }
 
-    // What the player has read since the last look; lines stay for seconds of a clock that is not ours.
+    // The notices since the last call; by the test's clock they stay for seconds.
     static std::vector<std::string> Lines() {
         const std::vector<std::string> lines = ProgramNotices().Lines(0);
         (void)ProgramNotices().Lines(INT64_MAX);
@@ -147,9 +147,9 @@ TEST_F(SoundOutputTest, OneThatGoesBeforeItsOpeningIsKnownIsNotForgotten) {
     events.outputGone = 7;
     sound.Watch(events, 2 * kSecond);
     answers = true;
+    Round(sound, 3 * kSecond); // learns of it, and has it closed and opened anew
     Round(sound, 3 * kSecond);
     EXPECT_EQ(closes, 1);
-    Round(sound, 3 * kSecond);
     EXPECT_EQ(attempts, 3);
     EXPECT_TRUE(open);
 }
@@ -161,7 +161,7 @@ TEST_F(SoundOutputTest, AnAttemptThatTakesLongHoldsUpNoRound) {
     answers = false;
     Round(sound, 2 * kSecond);
     for (int64_t now = 2 * kSecond; now < 60 * kSecond; now += kSecond) {
-        sound.Watch({}, now); // would never return if it waited
+        sound.Watch({}, now); // must not wait
     }
     EXPECT_TRUE(sound.Trying());
     EXPECT_LE(attempts, 2);
@@ -183,6 +183,16 @@ TEST_F(SoundOutputTest, ADeviceThatDoesNotAnswerDoesNotHoldUpTheStart) {
     EXPECT_THAT(Lines(), testing::ElementsAre("Sound is back"));
 }
 
+TEST_F(SoundOutputTest, StartsAgainAsOftenAsItWasStopped) {
+    SoundOutput sound(Calls());
+    for (int run = 1; run <= 20000; ++run) {
+        sound.Start(0);
+        ASSERT_TRUE(open) << run;
+        sound.Stop();
+    }
+    EXPECT_EQ(attempts, 20000);
+}
+
 TEST_F(SoundOutputTest, StopsInEveryStateAndStartsAgain) {
     SoundOutput sound(Calls());
     sound.Stop();
@@ -194,7 +204,7 @@ TEST_F(SoundOutputTest, StopsInEveryStateAndStartsAgain) {
     EXPECT_TRUE(open);
     there = false;
     Round(sound, kSecond, 7);
-    sound.Stop(); // with an attempt under way
+    sound.Stop(); // while an attempt is running
     sound.Stop();
     EXPECT_FALSE(open);
 }

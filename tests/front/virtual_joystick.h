@@ -1,4 +1,4 @@
-// Joysticks and game controllers of the device library's own making, and the rounds that read them.
+// Virtual joysticks and game controllers of the device library, and the rounds that read them.
 #pragma once
 
 #include "front/event_pump.h"
@@ -10,7 +10,7 @@
 
 inline constexpr uint16_t kTestMaker = 0x1209; // a vendor number for anybody's use
 
-// A device of the library's own making. It is held open, as only an open one can be moved.
+// A virtual device. It is kept open, as only an open one can be moved.
 class VirtualJoystick {
 public:
     struct SHAPE {

@@ -1,4 +1,4 @@
-// The mouse as a light gun: what a game gets of it.
+// The mouse as a light gun, as a game sees it.
 #include "front/plain_machine.h"
 #include "front/window_rig.h"
 
@@ -40,7 +40,7 @@ protected:
         });
     }
 
-    // Lets the machine see what was done. The frame that is under way may have begun before it.
+    // Lets the machine see the change. The current frame may have begun before it.
     static testing::AssertionResult LetItSee(Application& application) {
         if (!application.Round()) {
             return testing::AssertionFailure() << "the program ended";
@@ -130,7 +130,7 @@ TEST_F(WindowPointer, ThePointerIsInPixelsOfTheWholePictureInEveryView) {
             ASSERT_TRUE(
                 RunUntil(application, [&] { return application.Sets().PicturesShown() > shown; }));
             for (const PLACE& place : crop ? cropped : whole) {
-                // With the button held a slow computer doesn't take the mouse for forgotten.
+                // With the button held the mouse counts as in use even on a slow computer.
                 PointAt(place.x, place.y, true);
                 ASSERT_TRUE(LetItSee(application));
                 EXPECT_EQ(Seen(0), place.pixel)
@@ -142,7 +142,7 @@ TEST_F(WindowPointer, ThePointerIsInPixelsOfTheWholePictureInEveryView) {
     }
 }
 
-// (0, 0) says that nobody points.
+// (0, 0) means that nobody points.
 TEST_F(WindowPointer, ThePicturesFirstPixelCountsAsTheOneBesideIt) {
     gPlainShape.visibleX = 0;
     gPlainShape.visibleY = 0;

@@ -1,9 +1,10 @@
 // The windowed program in this process, for the tests that play it: a home folder of its own, a game
-// that shows what was pressed, rounds until something happens.
+// that shows button presses, rounds until something happens.
 #pragma once
 
 #include "base/files.h"
 #include "front/application.h"
+#include "front/session_callbacks.h"
 #include "front/tools/play.h"
 #include "host/machine_list.h"
 #include "machines/machines.h"
@@ -25,7 +26,7 @@
 inline constexpr uint32_t kRed = 0xFFFF0000;
 inline constexpr uint32_t kBlue = 0xFF0000FF;
 
-// Fills the screen with red until button 1 was pressed once, and with blue from then on.
+// Fills the screen with red until button 1 is pressed, then with blue.
 inline std::vector<uint8_t> LatchingRom() {
     Program program;
     program.Bytes({0xF3, 0xED, 0x56, 0x31, 0xF0, 0xDF});
@@ -73,8 +74,8 @@ protected:
 
     void TearDown() override { alarm(0); }
 
-    // To be called within ASSERT_NO_FATAL_FAILURE, as the two below: without a window there is nothing
-    // that a test could go on with.
+    // To be called in ASSERT_NO_FATAL_FAILURE, like the two below: without a window a test cannot
+    // continue.
     static void Start(Application& application) {
         std::string error;
         ASSERT_TRUE(application.Start(error)) << error;
@@ -95,8 +96,8 @@ protected:
     [[nodiscard]] std::string LatchGame() const { return (folder.Path() / "latch.sms").string(); }
 
 public:
-    // Rounds until `done`. Fails when the program ends, or after a number of rounds or a time that is far
-    // beyond what a busy machine takes.
+    // Rounds until `done`. Fails if the program ends, or after far more rounds or time than a busy
+    // computer takes.
     template <typename Done>
     static testing::AssertionResult RunUntil(Application& application, Done done) {
         constexpr int kMostRounds = 10000;
@@ -130,15 +131,16 @@ public:
     }
 
     static testing::AssertionResult RunFrames(Application& application, uint32_t frames) {
-        const uint32_t end = Application::FramesPresented() + frames;
-        return RunUntil(application, [&] { return Application::FramesPresented() >= end; });
+        const uint32_t end = FramesPresented() + frames;
+        return RunUntil(application, [&] { return FramesPresented() >= end; });
     }
 
 protected:
     TemporaryFolder folder;
 
 private:
-    // A call that waits for a display for ever cannot be left, so the process ends and names the test.
+    // A call that waits forever for a display cannot be cancelled, so the process ends and names the
+    // test.
     static void EndIfItHangs() {
         constexpr unsigned kLongestTest = 280; // seconds; less than the time limit of a test
         static std::string word;

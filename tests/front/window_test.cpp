@@ -1,4 +1,4 @@
-// The windowed program: started, played by keys, looked at and ended, in this process.
+// The windowed program: started, played with keys, checked and ended, in this process.
 #include "audio/sound.h"
 #include "front/notices.h"
 #include "front/program_title.h"
@@ -15,7 +15,7 @@
 #include <atomic>
 
 #ifdef OMBRELUNE_SANITIZED
-// The graphics driver is unloaded with each window and leaves memory behind that no name is left for.
+// The graphics driver is unloaded with each window and leaks memory that cannot be attributed to it.
 extern "C" const char* __asan_default_options() {
     return "detect_leaks=0";
 }
@@ -50,8 +50,8 @@ std::string Title() {
     return SDL_GetWindowTitle(SDL_GL_GetCurrentWindow());
 }
 
-// Off the screen and without a device, unless whoever runs the tests wants others; the programs that
-// tests start inherit it.
+// Off the screen and without a device, unless the environment says otherwise; the programs that tests
+// start inherit it.
 class Surroundings : public testing::Environment {
 public:
     void SetUp() override {
@@ -60,7 +60,7 @@ public:
     }
 };
 testing::Environment* const kSurroundings =
-    testing::AddGlobalTestEnvironment(new Surroundings); // the test library's own from here on
+    testing::AddGlobalTestEnvironment(new Surroundings); // owned by the test library
 
 } // namespace
 
@@ -87,8 +87,8 @@ TEST_F(WindowTest, IsPlayedByKeysAndResumesWhereItWasLeft) {
     EXPECT_EQ(MiddleOf(application), kBlue) << "no static, and the button's colour at once";
 }
 
-// Press and release come in one batch of events. A computer that is very busy may keep the session from
-// looking for longer than a tap lives, so a few are made.
+// Press and release come in one batch of events. On a very busy computer a session may pause for longer
+// than a tap is kept, so a few are made.
 TEST_F(WindowTest, ATapWithinOneRoundPressesTheButton) {
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));
@@ -133,7 +133,7 @@ TEST_F(WindowTest, SavesLoadsAndRewindsByHotkey) {
     press(L"SMS P1 BUTTON1", false);
     ASSERT_TRUE(RunFrames(application, 5));
     press(L"Rewind", true); // Shift and Tab
-    // The glyph stands in the middle of what is shown; a corner has the picture's colour.
+    // The glyph is in the middle of the screen; a corner has the picture's colour.
     EXPECT_TRUE(RunUntil(application, [&] { return application.Sets().Kept().pixels[0] == kRed; }));
     press(L"Rewind", false);
 }
@@ -187,7 +187,8 @@ TEST_F(WindowTest, FindsASoundDriverThatWasMissingAtTheStart) {
         Application application;
         ASSERT_NO_FATAL_FAILURE(Start(application));
         EXPECT_EQ(SoundDeviceNumber(), 0u);
-        SDL_setenv("SDL_AUDIODRIVER", driver.c_str(), 1); // time stands still, so nobody looks
+        SDL_setenv("SDL_AUDIODRIVER", driver.c_str(),
+                   1); // time does not advance, so nothing retries
         clock += 2'000'000;
         EXPECT_TRUE(RunUntil(application, [] { return SoundDeviceNumber() != 0; }));
     }
@@ -203,7 +204,7 @@ TEST_F(WindowTest, SizesThatCannotBeHadAreMadeUsableAndSaidSo) {
         EXPECT_GE(application.MainWindow().PixelWidth(), 320u);
         const std::string asked = std::to_string(size) + " x " + std::to_string(size);
         EXPECT_THAT(ProgramNotices().Lines(0),
-                    Contains(AllOf(HasSubstr("cannot be had"), HasSubstr(asked))));
+                    Contains(AllOf(HasSubstr("is not possible"), HasSubstr(asked))));
         ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
         EXPECT_TRUE(RunUntilColour(application, kRed));
     }
@@ -214,7 +215,7 @@ TEST_F(WindowTest, ADroppedGameThatCannotRunEndsTheOldOneAndSaysSo) {
     ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
-    // An image like any other as far as files go; the console takes none of less than 512 bytes.
+    // A valid file, but the console refuses images of less than 512 bytes.
     const auto path = folder.Write("short.md", std::vector<uint8_t>(511, 0));
     Drop(path.string());
     ASSERT_TRUE(application.Round());
@@ -229,7 +230,7 @@ TEST_F(WindowTest, ADroppedGameThatCannotRunEndsTheOldOneAndSaysSo) {
 
 TEST_F(WindowTest, AMachineThatEndsIsTurnedOffAndSaidSo) {
     MdProgram program;
-    program.PutLong(4, kMdCodeStart + 1); // no program starts at an odd address
+    program.PutLong(4, kMdCodeStart + 1); // a program cannot start at an odd address
     const auto path = folder.Write("gone.md", program.Image());
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));

@@ -44,7 +44,7 @@ bool IsFullScreen() {
 }
 
 // ---- The composed picture, by the rule of its placing: as high as the screen unless that makes it too
-// wide, in the middle, the texture cut by half a texel on each side.
+// wide, centred, the texture cut by half a texel on each side.
 
 struct EXPECTED_VIEW {
     double left, top, width, height;                // on the screen
@@ -128,7 +128,7 @@ uint32_t Bilinear(const ENLARGED& picture, double u, double v) {
     return colour;
 }
 
-// Counts the pixels of the window that are not what it should show.
+// Counts the wrong pixels of the window.
 void CompareWindow(Application& application, const GAME_VIEW& view) {
     const std::vector<uint32_t> window = application.ReadWindow();
     const auto width = static_cast<int>(application.MainWindow().PixelWidth());
@@ -161,7 +161,7 @@ void CompareWindow(Application& application, const GAME_VIEW& view) {
                 return Distance(wanted, shown) <= tolerance;
             };
             bool found = fits(0, 0);
-            // Just on the border of two texels rounding decides.
+            // On the border of two texels rounding decides.
             for (const double nudge : {-0.02, 0.0, 0.02}) {
                 for (const double lift : {-0.02, 0.0, 0.02}) {
                     found = found || fits(nudge, lift);
@@ -251,7 +251,7 @@ TEST_F(WindowTest, FunctionKeysChangeTheView) {
     tap(SDL_SCANCODE_F3);
     EXPECT_FALSE(application.View().crop);
 
-    // The picture is one colour, so whatever else is seen near the top left is text.
+    // The picture has one colour, so anything else near the top left is text.
     const auto textRows = [&] {
         const auto pixels = application.ReadWindow();
         const uint32_t width = application.MainWindow().PixelWidth();
@@ -270,7 +270,7 @@ TEST_F(WindowTest, FunctionKeysChangeTheView) {
 }
 
 TEST_F(WindowTest, TheStatusLinesStandAtTheirPlaces) {
-    // As wide as SDL's display without a display allows; the height is what places are reckoned from.
+    // As wide as SDL's offscreen display allows; positions depend on the height.
     constexpr uint32_t kWidth = 1024;
     Settings().SetInt(L"app_window_width", kWidth);
     Settings().SetInt(L"app_window_height", 720);

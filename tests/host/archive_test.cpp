@@ -96,8 +96,7 @@ protected:
 
 constexpr const char* kEntry = "a5a5a5a5a5a5";
 
-// No file of this process may grow beyond `bytes`, as on a full disk: a write then fails and nothing
-// else does.
+// No file of this process may grow beyond `bytes`, as on a full disk: only writes fail.
 class FullDisk {
 public:
     explicit FullDisk(rlim_t bytes) {
@@ -238,7 +237,7 @@ TEST_F(Archive, ARefusedStateResetsTheMachineAndIsKept) {
     EXPECT_EQ(MachineOf(*session).resets, 2u);
     EXPECT_EQ(session->showStatic, 0);
     EXPECT_EQ(Content(Folder() / "game.refused-1.zip"), old);
-    EXPECT_EQ(Content(Path()), old); // the other entries stay in reach
+    EXPECT_EQ(Content(Path()), old); // the other entries are still there
     EXPECT_TRUE(AnyMentions(TakeReports(), "game.refused-1.zip"));
     EXPECT_TRUE(EmuSaveToArchive(*session));
     EXPECT_EQ(Unzip(Path()), (Entries{
@@ -269,7 +268,7 @@ TEST_F(Archive, ARefusedStateIsKeptOnceForItsContent) {
     Put(Zip({
         {kEntry,  {1, 2, 3}},
         {"other", {4}      }
-    })); // the same state beside something new
+    })); // the same state with another entry
     EXPECT_FALSE(EmuLoadFromArchive(*Create()));
     EXPECT_EQ(Names(), (std::vector<std::string>{"game.refused-1.zip", "game.zip"}));
     Put(Zip({
@@ -398,7 +397,7 @@ TEST_F(Archive, AnArchiveOverItsLimitIsNotWritten) {
     ASSERT_LT(old.size(), kArchiveLimit);
     Put(old);
     const auto session = Create({.stateBytes = 4096});
-    EXPECT_TRUE(EmuSaveToArchive(*session)); // zeroes: they pack to little
+    EXPECT_TRUE(EmuSaveToArchive(*session)); // zeroes pack well
     const auto other = Create({}, "Game", 1, 0x02);
     Put(Zip({
         {"large", Noise(4190000, 5)},

@@ -46,7 +46,7 @@ protected:
         return names;
     }
 
-    // A session can be looked at once its thread has opened it.
+    // A session can be visited once its thread has opened it.
     static bool FillRunning(uint8_t value) {
         return Eventually([=] {
             return WithMachine(
@@ -137,7 +137,7 @@ TEST_F(BatteryFile, WrongLengthIsSetAsideUnderTheFirstFreeName) {
 }
 
 TEST_F(BatteryFile, OneThatCannotBeReadIsNeverTouched) {
-    fs::create_directories(Path()); // a folder of that name is there and is no file
+    fs::create_directories(Path()); // a folder has that name
     const auto session = Create(WithBattery());
     Load(*session);
     EXPECT_EQ(TakeReports().size(), 1u);
@@ -228,7 +228,7 @@ TEST_F(BatteryFile, WhatAStateOrRewindingTakesBackIsKept) {
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 2));
     EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 1));
 
-    session->battery.rolledBack = true; // further back: nothing that the game wrote is in the file
+    session->battery.rolledBack = true; // further back: the file holds nothing that the game wrote
     Fill(*session, 3);
     SessionSaveBattery(*session);
     EXPECT_EQ(Content(former), Bytes(kBatteryBytes, 1));
@@ -311,7 +311,7 @@ TEST_F(BatteryFile, RunningGamesAreKeptWithoutAStop) {
     ASSERT_NE(Start(1, "Game", 1, WithBattery()), 0u);
     ASSERT_TRUE(FillRunning(5));
     EXPECT_TRUE(Eventually([&] {
-        EmuKeepBatteries(); // until the host has opened the session
+        EmuKeepBatteries(); // repeated until the host has opened the session
         return fs::exists(Path());
     }));
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 5));

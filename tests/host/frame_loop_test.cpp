@@ -17,7 +17,7 @@
 
 namespace {
 
-// What the last present and submit were given.
+// The arguments of the last present and submit.
 uint32_t gPresented = 0;
 std::vector<int16_t> gSubmitted;
 std::vector<std::string> gNotices;
@@ -56,14 +56,14 @@ protected:
         loop = std::make_unique<FRAME_LOOP>();
     }
 
-    // One round; gives the picture that it drew.
+    // One round; returns the picture that it drew.
     const EMU_VIDEO_FRAME& Round(const HOTKEYS& keys = {}) {
         const EMU_VIDEO_FRAME* const drawn = HostGetVideoFrame(session.get());
         EmuRound(*session, host, *loop, keys);
         return *drawn;
     }
 
-    // A step into a picture of the test's own; gives the machine frame that was drawn, 0 for none.
+    // A step into a picture of the test's own; returns the machine frame that was drawn, 0 for none.
     uint32_t Step(bool rewind) {
         return EmuStep(*session, &input, &video, &sound.frame, rewind) ? video.pixels[0] & 0xFFFFFF
                                                                        : 0;
@@ -193,8 +193,8 @@ TEST_F(FrameLoop, FastForwardRunsSeveralFramesAndDrawsItsGlyph) {
     EXPECT_EQ(gSubmitted[0], 400);              // only the last frame is heard
 }
 
-// Frames 1, 3, 5 and so on are held. From wherever the key is held and however fast, every round shows
-// the newest frame of its own that is not.
+// Frames 1, 3, 5 and so on are held. From any frame and at any speed, every round shows its newest
+// frame that is not held.
 TEST_F(FrameLoop, FastForwardShowsTheNewestFrameThatIsNotHeld) {
     for (const uint32_t steps : {2u, 3u, 4u, 9u, 10u}) {
         for (uint32_t before = 0; before < 2; ++before) {
@@ -211,7 +211,7 @@ TEST_F(FrameLoop, FastForwardShowsTheNewestFrameThatIsNotHeld) {
                 ASSERT_NE(shown, nullptr) << steps << " steps, round " << round;
                 EXPECT_EQ(FrameOf(*shown), newest - newest % 2);
                 EXPECT_TRUE(HasGlyph(*shown, SpeedGlyph::kForward));
-                EXPECT_EQ(machine->runs, newest); // the set pace
+                EXPECT_EQ(machine->runs, newest); // the set speed
                 EXPECT_EQ(gSubmitted[0],
                           static_cast<int16_t>(newest * 100)); // the last frame's sound
                 EXPECT_EQ(session->rewind.rewindCount, newest);
@@ -221,7 +221,7 @@ TEST_F(FrameLoop, FastForwardShowsTheNewestFrameThatIsNotHeld) {
     }
 }
 
-// One frame a round is normal play: every second one is held as ever.
+// One frame a round is normal play: every second frame is held.
 TEST_F(FrameLoop, AFastRoundOfHeldFramesAloneIsHeld) {
     Settings().SetInt(L"emu_fastforward", 1);
     Open({.glasses = 1});
@@ -288,7 +288,7 @@ TEST_F(FrameLoop, RewindWithoutABufferActsAsIfNotPressed) {
     }
 }
 
-// States 1 to 5 are kept; going back loads each, newest first, and shows the frame behind it.
+// States 1 to 5 are kept; going back loads each, newest first, and shows the frame after it.
 TEST_F(FrameLoop, RewindPlaysHistoryBackwards) {
     OpenBare();
     for (uint32_t frame = 1; frame <= 5; ++frame) {
@@ -315,7 +315,7 @@ TEST_F(FrameLoop, PlayGoesOnFromWhereRewindEnded) {
     EXPECT_EQ(session->rewind.rewindCount, 7u);
     EXPECT_EQ(Step(false), 10u);
     EXPECT_EQ(session->rewind.rewindSteps, 0u);
-    EXPECT_EQ(session->rewind.rewindCount, 8u); // recording goes on upon what remained
+    EXPECT_EQ(session->rewind.rewindCount, 8u); // recording continues on the remaining states
     EXPECT_EQ(Step(true), 11u);
     EXPECT_EQ(Step(true), 8u); // state 7, from before the rewind
 }
@@ -473,7 +473,7 @@ TEST_F(FrameLoop, SaveAndLoadWorkOnceForEachPress) {
     Round(kSave); // frames 1 to 4 have run
     ASSERT_TRUE(std::filesystem::exists(archive));
     Round();
-    EXPECT_EQ(FrameOf(Round(kLoad)), 5u); // state 4, and the frame behind it
+    EXPECT_EQ(FrameOf(Round(kLoad)), 5u); // state 4, and the frame after it
     EXPECT_EQ(FrameOf(Round(kLoad)), 6u); // held: no second load
     Round();
     EXPECT_EQ(FrameOf(Round(kLoad)), 5u);
@@ -564,8 +564,22 @@ TEST_F(FrameLoop, ATapDuringStaticIsNotPlayedAfterwards) {
     EXPECT_EQ(machine->pressed, 0u);
 }
 
-// A computer that is very busy may keep the session from looking for longer than a tap lives, so several
-// are made; without a look of its own the session would see hardly one in a thousand.
+TEST_F(FrameLoop, ATapWhileFastForwardRunsNoFramesIsNotPlayedAfterwards) {
+    Settings().SetInt(L"emu_fastforward", 0);
+    Open();
+    InputSetActiveKey(session->key);
+    Round();
+    Press(L"SMS P1 BUTTON1", true);
+    Press(L"SMS P1 BUTTON1", false);
+    Round(kForward);
+    Round(kForward);
+    Round();
+    EXPECT_EQ(machine->runs, 2u);
+    EXPECT_EQ(machine->pressed, 0u);
+}
+
+// On a very busy computer a session may pause for longer than a tap is kept, so several are made;
+// without its own looker the session would see hardly one in a thousand.
 TEST_F(FrameLoop, ATapOfAHotkeyActsOnce) {
     static std::atomic<uint32_t> saved{0};
     saved = 0;

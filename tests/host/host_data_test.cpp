@@ -108,8 +108,8 @@ TEST_F(HostData, DisplayTakesEachPublishedFrameOnce) {
     }
 }
 
-// From the start, by hand: frame 1 goes out of buffer 2; writing moves to 0, where reading stands, so
-// reading moves to 1.
+// From the start, by hand: frame 1 goes out of buffer 2; writing moves to 0, the read index, so reading
+// moves to 1.
 TEST_F(HostData, IndicesMoveAsToldFromTheStart) {
     Publish(1);
     EXPECT_EQ(data->writeIndex, 0u);
@@ -128,7 +128,7 @@ TEST_F(HostData, FramesNobodyTookAreCountedAsMissed) {
     Publish(2);
     Publish(3);
     EXPECT_EQ(session.statistics.framesMissed, 3u);
-    EXPECT_EQ(Take(), 2u); // the older of the two that wait
+    EXPECT_EQ(Take(), 2u); // the older of the two waiting ones
     EXPECT_EQ(Take(), 3u);
     EXPECT_EQ(Take(), 0u);
 }
@@ -222,7 +222,7 @@ TEST_F(HostData, ExactlyOneSecondFits) {
     HostSubmitAudio(&slow, &audio);
     EXPECT_EQ(slow.sound.soundBytes, 4000u);
     EXPECT_EQ(slow.statistics.soundRepositions, 0u);
-    // One pair more: the newest 500 pairs then end at the second, over what was there.
+    // One pair more: the newest 500 pairs then overwrite the end of the second.
     HostSubmitAudio(&slow, &audio);
     EXPECT_EQ(slow.sound.soundBytes, 4000u);
     EXPECT_EQ(slow.statistics.soundRepositions, 1u);

@@ -1,5 +1,5 @@
 // What the host's tests share: a home folder of their own, the settings of a first run, the tests'
-// machines, a host without window or device, and a check that nothing is left behind.
+// machines, a host without window or device, and a check for leftovers.
 #pragma once
 
 #include "formats/game_file.h"
@@ -21,7 +21,7 @@
 // A game of one piece whose hash begins with `identity`, six times; its first variant is picked.
 [[nodiscard]] CGameFile MakeGame(uint16_t system, uint8_t identity = 0xA5);
 
-// The session-side host callbacks, with what they did counted. Time is simulated and runs by itself.
+// The session-side host callbacks, with counters. Time is simulated and advances by itself.
 struct HOST_COUNTS {
     std::atomic<int32_t> opens{0};
     std::atomic<int32_t> closes{0};
@@ -38,7 +38,7 @@ public:
 protected:
     HostTest();
 
-    // Starts a game of `system` and gives its serial.
+    // Starts a game of `system` and returns its serial.
     uint32_t Start(uint32_t key, const std::string& name = "Game", uint16_t system = 1,
                    const TEST_BEHAVIOUR& behaviour = {}, uint8_t identity = 0xA5);
     // A session without a thread, past its static.
@@ -47,7 +47,7 @@ protected:
                                        uint8_t identity = 0xA5);
     // Calls `with` for the machine of a running session, under its lock. False without one.
     static bool WithMachine(uint32_t key, const std::function<void(CTestMachine&)>& with);
-    // Waits, as long as it takes within a minute, until `condition` holds.
+    // Waits up to a minute until `condition` is true.
     static bool Eventually(const std::function<bool()>& condition);
     static void Press(std::wstring_view action, bool down);
     static std::vector<std::string> TakeReports();

@@ -5,8 +5,8 @@
 
 namespace {
 
-// A clock that is as bad as a busy desktop's: every look at it takes a little, a sleep of one
-// millisecond takes up to two and a half, and giving the processor away takes up to 120 microseconds.
+// A clock as bad as a busy desktop's: every read takes a little time, a sleep of one millisecond takes
+// up to two and a half, and a yield up to 120 microseconds.
 std::mt19937 gRandom;
 int64_t gTime = 0;
 uint32_t gSleeps[6]; // calls by milliseconds
@@ -24,7 +24,7 @@ void NoisySleep(uint32_t milliseconds) {
     gTime += milliseconds == 0 ? 1 + Draw(119) : int64_t{milliseconds} * 1000 + Draw(1500);
 }
 
-// An exact clock: it stands still but for sleeps, and a look takes one microsecond.
+// An exact clock: it advances only by sleeps, and by one microsecond for each read.
 int64_t ExactNow() {
     return gTime++;
 }
@@ -104,8 +104,8 @@ TEST_F(Pacing, TimeCountsFromOpening) {
     EXPECT_EQ(data->overshoot, data->lastFrameTime - 1010000);
 }
 
-// The exact clock: milliseconds are slept while more than 1,500 microseconds are left, then the
-// processor is given away in steps of 10 while more than 100 are, then the clock is polled.
+// The exact clock: sleeps of a millisecond while more than 1,500 microseconds are left, then yields of
+// 10 while more than 100 are left, then polling.
 TEST_F(Pacing, SleepsThenYieldsThenPolls) {
     Open({ExactNow, ExactSleep});
     data->lastFrameTime = gTime;
@@ -133,7 +133,7 @@ TEST_F(Pacing, BoundsOfSleepingAndYieldingAreExact) {
 
 TEST_F(Pacing, ALongDelayIsForgivenAfterOneFrame) {
     Open({ExactNow, ExactSleep});
-    gTime += 100000000; // the machine stood for a hundred seconds
+    gTime += 100000000; // the computer stopped for a hundred seconds
     HostPresent(&session, 16667);
     EXPECT_GT(data->overshoot, 99000000u);
     gTime += 3000;

@@ -99,8 +99,8 @@ TEST(SpeedGlyph, WhatStandsOverTheEdgeIsCut) {
     PICTURE picture(52, 52); // forward reaches from column 0 to 54
     EmuDrawSpeedGlyph(SpeedGlyph::kForward, picture.video);
     EXPECT_EQ(Four(picture, 0, 20), kForwardStroke);
-    EXPECT_EQ(picture.At(51, 25), kForwardStroke[0]); // 28 + 23: the point's first column
-    EXPECT_EQ(picture.At(0, 25), kWhite);             // and its next ones are on no row
+    EXPECT_EQ(picture.At(51, 25), kForwardStroke[0]); // 28 + 23: the tip's first column
+    EXPECT_EQ(picture.At(0, 25), kWhite);             // the next ones are clipped
     EXPECT_EQ(picture.At(0, 26), kWhite);
     EXPECT_EQ(picture.At(4, 26), 0u);
 

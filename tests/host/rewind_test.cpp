@@ -14,7 +14,7 @@ void Push(REWIND_STACK& stack, uint8_t mark, uint32_t size, uint64_t limit) {
     RewindPush(stack, std::move(state), size, limit);
 }
 
-// The marks on the stack, newest first; also walks it back from the oldest.
+// The marks on the stack, newest first; also checks the links back from the oldest.
 std::vector<uint8_t> Marks(const REWIND_STACK& stack) {
     std::vector<uint8_t> marks;
     for (const REWIND_NODE* node = stack.rewindHead.get(); node; node = node->next.get()) {

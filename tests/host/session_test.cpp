@@ -88,8 +88,8 @@ TEST_F(Session, AGameWithoutASelectedImageIsNamedByItsHeader) {
     EXPECT_NE(session->stateEntryName, "000000000000");
 }
 
-// The entry follows the picked variant's number among the pieces, for an arcade game as for all others;
-// one that has no piece of that number goes by the records as a whole.
+// The entry is named by the piece with the selected variant's number, for arcade games like all others;
+// without such a piece, by the hash of the records.
 TEST_F(Session, AnArcadeGameIsNamedByItsPieceOrElseByItsHeader) {
     CGameFile game = MakeGame(6, 0x3C);
     for (const char* const title : {"First", "Second"}) {
@@ -231,7 +231,7 @@ TEST_F(Session, CallbacksComeInTheirOrderOnTheirThreads) {
     EXPECT_EQ(std::count(gLog.begin() + 2, gLog.end(), "threadEnd"), 1);
 }
 
-// The record is gone before the thread gives its processor back, and the stop did not wait for that.
+// The record is gone before the thread releases its processor, and the stop did not wait for that.
 TEST_F(Session, StopDoesNotWaitForThreadEnd) {
     static std::atomic<bool> gMayEnd;
     static EMU_HOST_CALLBACKS base = TestHost();
@@ -333,7 +333,7 @@ TEST_F(Session, AutosaveBitsAreLoadAndSave) {
         Settings().SetInt(L"emu_autosaves", bits & 1);
         CGameFile game = MakeGame(1);
         CGameFile* const games[2] = {&game, nullptr};
-        // The static is over before the first frame exactly when the state was loaded.
+        // The static is over before the first frame if and only if the state was loaded.
         static std::atomic<int32_t> gStaticAtOpen;
         static EMU_HOST_CALLBACKS base = TestHost();
         EMU_HOST_CALLBACKS host = base;

@@ -1,4 +1,4 @@
-// Everything at once from several threads: the sanitizers look on, and nothing may be left behind.
+// Everything at once from several threads, for the sanitizers and the check for leftovers.
 #include "host/host_fixture.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -75,7 +75,7 @@ TEST_F(Stress, StartStopResetRewindAndSaveAtRandom) {
         EXPECT_GT(shown, 0u);
     });
 
-    // The user: hotkeys at random on a session at random.
+    // The user: random hotkeys on random sessions.
     std::mt19937 random(99);
     const auto end = std::chrono::steady_clock::now() + Duration();
     constexpr const wchar_t* kActions[] = {L"Save State", L"Load State", L"Rewind", L"Fast Forward",

@@ -15,7 +15,7 @@ std::atomic<int32_t> gTablesBuilt{0};
 
 namespace {
 
-// Notes when two threads are inside one machine.
+// Detects two threads inside one machine.
 class InsideGuard {
 public:
     explicit InsideGuard(std::atomic<int32_t>& counter)

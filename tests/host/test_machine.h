@@ -1,4 +1,4 @@
-// A machine of the tests' own: deterministic, small, and able to fail wherever a machine may.
+// The tests' machine: deterministic, small, and able to fail wherever a machine can.
 #pragma once
 
 #include "host/machine_list.h"
@@ -11,7 +11,7 @@
 #include <span>
 #include <vector>
 
-// What a test wants of a machine; travels in the option block.
+// A test's choices for a machine, passed in the option block.
 struct TEST_BEHAVIOUR {
     uint8_t failInit = 0;
     uint8_t failSave = 0;
@@ -23,7 +23,7 @@ struct TEST_BEHAVIOUR {
     uint8_t waitsInSave = 0;
     uint8_t rotated = 0;
     uint8_t noisySound = 0; // frames of 600 to 900 pairs, by the machine's own generator
-    uint32_t width = 0;     // of the picture it claims to have drawn; 0: its own
+    uint32_t width = 0;     // of the picture that it claims; 0: the true one
     uint32_t height = 0;
     uint32_t visibleX = 0;
     uint32_t visibleWidth = 0;
@@ -60,9 +60,9 @@ public:
     std::atomic<uint32_t> pressed{0}; // frames in which the first player's first button was down
 
     static std::atomic<int32_t> gLive;       // machines that exist
-    static std::atomic<int32_t> gCollisions; // calls into a machine that another call was inside of
+    static std::atomic<int32_t> gCollisions; // calls into a machine during another call
 
-    // Where machines wait that are told to, until a test opens it.
+    // Where machines with `waitsInInit` wait until a test opens it.
     static std::atomic<bool> gGateOpen;
     static std::atomic<int32_t> gWaiting; // machines at the gate
 

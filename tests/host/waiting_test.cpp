@@ -1,4 +1,4 @@
-// What one session waits for, no other session, display or pump waits for.
+// While one session waits, no other session, nor display or pump, waits for it.
 #include "host/host_fixture.h"
 #include "host/session_saves.h"
 #include "settings/bindings.h"
@@ -39,14 +39,14 @@ public:
 
 private:
     std::atomic<bool> done{false};
-    std::thread thread; // last: it uses what stands above
+    std::thread thread; // last: it uses the members above
 };
 
 constexpr uint32_t kOther = 2; // the session that must not be held up
 
 class Waiting : public HostTest {
 public:
-    // Whatever has failed, nobody is left waiting.
+    // After any failure no thread is left waiting.
     ~Waiting() override {
         CTestMachine::gGateOpen = true;
         InputSetActiveKey(0);
@@ -77,7 +77,7 @@ protected:
         return Eventually([] { return CTestMachine::gWaiting == 1; });
     }
 
-    // Ends the wait that a test is about, so that a test that fails still ends.
+    // Ends the wait under test, so that a failing test still ends.
     std::function<void()> letGo = [] { CTestMachine::gGateOpen = true; };
 
     void ExpectDone(const Errand& errand) const {
@@ -87,7 +87,7 @@ protected:
         }
     }
 
-    // The pump's walk, and frames of the other session.
+    // A visit of all sessions, as the pump's, and frames of the other session.
     void ExpectTheOtherPlaysOn() const {
         const Errand errand([] {
             const uint32_t before = FramesOf(kOther);
@@ -162,7 +162,7 @@ TEST_F(Waiting, ForAFrameHoldsNobodyUp) {
 
 namespace {
 
-// A pipe in the place of a file: who reads it waits until it is let go, as for a disk that takes its time.
+// A pipe in place of a file: its reader waits until the pipe is released, as for a slow disk.
 class SlowFile {
 public:
     explicit SlowFile(fs::path at)
@@ -180,12 +180,12 @@ public:
     SlowFile(const SlowFile&) = delete;
     SlowFile& operator=(const SlowFile&) = delete;
 
-    // Whether somebody has begun to read it. It can be opened for writing only then.
+    // Whether a read has begun. Only then can it be opened for writing.
     bool Reached() {
         writer = writer >= 0 ? writer : open(path.c_str(), O_WRONLY | O_NONBLOCK);
         return writer >= 0;
     }
-    // Its reader finds it empty.
+    // The reader then gets an empty file.
     void LetGo() {
         if (Reached()) {
             close(std::exchange(writer, -1));
@@ -232,7 +232,7 @@ TEST_F(Waiting, ForAHotkeysDiskHoldsUpItsSessionAlone) {
     ExpectOthersComeAndGo();
     {
         const Errand reset([] { EXPECT_TRUE(EmuResetSession(1)); });
-        ExpectDone(reset); // the machine stands at a frame boundary
+        ExpectDone(reset); // the machine is at a frame boundary
     }
     archive.LetGo();
     const uint32_t frames = FramesOf(1);
@@ -244,7 +244,8 @@ TEST_F(Waiting, ForTheDiskOfAGamesMemoryHoldsNobodyUp) {
     CTestMachine::gGateOpen = true;
     ASSERT_NE(Start(kOther, "Other"), 0u);
     ASSERT_NE(Start(1, "Game", 1, {.batteryBytes = 8}), 0u);
-    ASSERT_TRUE(Eventually([] { return Keys().size() == 2; }));
+    ASSERT_NE(Start(4, "Fourth"), 0u);
+    ASSERT_TRUE(Eventually([] { return Keys().size() == 3; }));
     WithMachine(1, [](CTestMachine& machine) { machine.battery.assign(8, 5); });
     SlowFile file(home.Path() / "sms" / "saves" / "game.a5a5a5a5a5a5.sav");
     letGo = [&] { file.LetGo(); };
@@ -252,6 +253,8 @@ TEST_F(Waiting, ForTheDiskOfAGamesMemoryHoldsNobodyUp) {
     ASSERT_TRUE(Eventually([&] { return file.Reached(); }));
     ExpectTheOtherPlaysOn();
     ExpectOthersComeAndGo();
+    const Errand other([] { EXPECT_TRUE(EmuStopSession(4)); });
+    EXPECT_TRUE(Eventually([&] { return other.Done(); })) << "it was there when the look began";
     EXPECT_FALSE(keep.Done());
     const Errand stop([] { EXPECT_TRUE(EmuStopSession(1)); });
     ASSERT_TRUE(Eventually([] { return Keys() == std::vector<uint32_t>{kOther}; }));

@@ -134,7 +134,7 @@ TEST(PrepareImage, AnyLetterOfTheMarkInItsPlaceKeepsTheImage) {
         Bytes file = Dump(Bytes(16384, 0xCC));
         file[256 + i] = static_cast<uint8_t>("SEGA"[i]);
         EXPECT_TRUE(PrepareImage(kMegaDrive, file) == file) << i;
-        // A letter in another's place is none.
+        // A letter in the wrong place does not count.
         file = Dump(Bytes(16384, 0xCC));
         file[256 + i] = static_cast<uint8_t>("ASEG"[i]);
         EXPECT_EQ(PrepareImage(kMegaDrive, file).size(), 16384u) << i;
@@ -259,12 +259,12 @@ TEST(ConvertImage, EveryEntryThatKnowsTheImageIsTaken) {
                          HandName("C", {0}) + RomOf("two", image) + Text("GDF0GDF0");
     const CONVERTED made = Convert(5, "stem", image, Database(first + second));
     EXPECT_TRUE(made.known);
-    // The positions count anew in each entry: A is linked twice, C never.
+    // The positions restart in each entry: A is linked twice, C never.
     EXPECT_EQ(Slice(made.records, 88, made.records.size() - 88),
               HandName("A", {0, 0}) + HandName("B", {0}) + HandName("C", {}) + RomOf("one", image) +
                   RomOf("two", image) + Text("GDF0GDF0GDF0"));
     EXPECT_EQ(made.game.AssembleImage(1), image);
-    // Each piece holds the bytes that its hash names.
+    // Each piece holds the bytes of its hash.
     EXPECT_EQ(Bytes(made.game.Data().begin(), made.game.Data().end()), image + image);
 }
 

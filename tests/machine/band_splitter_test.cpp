@@ -16,7 +16,7 @@ struct SPLITS {
     double highHz;
 };
 
-// Response in dB at `frequency`, from a second of a sine after the filters have settled.
+// Response in dB at `frequency`, measured over a second of a sine after the filters have settled.
 double Measure(const SPLITS& splits, const std::array<double, 3>& gains, double frequency) {
     BandSplitter splitter;
     splitter.SetCrossovers(splits.rate, splits.lowHz, splits.highHz);
@@ -67,7 +67,7 @@ constexpr std::array kFrequencies{20.0,   50.0,   100.0,   200.0,   400.0,   600
 
 TEST(BandSplitter, EachBandIsSixDecibelsDownAtItsSplits) {
     // A pair of identical Butterworth filters in a row: 2 x 3.01 dB at the split. The other crossover
-    // adds next to nothing there.
+    // adds almost nothing there.
     const double down = 2.0 * ToDecibels(std::sqrt(0.5));
     EXPECT_NEAR(Measure(kBoost, {1, 0, 0}, 600.0), down, 0.01);
     EXPECT_NEAR(Measure(kBoost, {0, 1, 0}, 600.0), down, 0.01);
@@ -101,8 +101,8 @@ TEST(BandSplitter, EveryBandFollowsTheAnaloguePairs) {
 
 TEST(BandSplitter, TheSumIsFlatButForAShallowDipAboveTheLowerSplit) {
     // The low band has not gone through the second crossover's phase shift, so the three cannot sum
-    // flat. Between 600 and 5,000 Hz theory gives a dip of 0.152 dB at 789 Hz for this structure, and
-    // under a tenth of a decibel below 570 and above 1,290 Hz.
+    // flat. Between 600 and 5,000 Hz theory predicts a dip of 0.152 dB at 789 Hz for this structure,
+    // and under a tenth of a decibel below 570 and above 1,290 Hz.
     double lowest = 0.0;
     for (const double frequency : kFrequencies) {
         const double sum = Measure(kBoost, {1, 1, 1}, frequency);

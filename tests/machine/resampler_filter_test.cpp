@@ -1,5 +1,5 @@
-// What the filters of a resampler let through, computed from their taps in double precision, and a second opinion
-// on the whole: libsamplerate.
+// What the filters of a resampler let through, computed from their taps in double precision, and a
+// comparison of the whole with libsamplerate.
 #include "machine/resampler.h"
 #include "machine/resampler_filter.h"
 
@@ -46,14 +46,14 @@ double FirstGain(const RESAMPLER_FILTER& filter, double turns) {
     return std::fabs(gain);
 }
 
-// What the second step makes of a tone, `turns` of which fall on a middle pair.
+// What the second step makes of a tone of `turns` cycles a middle pair.
 struct SECOND {
     double gain = 0.0;     // of the tone itself
-    double spurious = 0.0; // of all that comes with it
-    double most = 0.0;     // anywhere between two middle pairs
+    double spurious = 0.0; // of everything else
+    double most = 0.0;     // the largest gain between two middle pairs
 };
 SECOND SecondGain(const RESAMPLER_FILTER& filter, double turns) {
-    constexpr int kPlaces = 257; // in no step with the rows
+    constexpr int kPlaces = 257; // not a multiple of the rows
     const size_t width = size_t{2} * filter.half;
     std::complex<double> mean;
     double power = 0.0;
@@ -153,7 +153,8 @@ TEST(ResamplerFilter, IsSharedByEqualRatesAlone) {
     EXPECT_NE(ResamplerFilterFor(1, 50001.0, 44100.0), one);
 }
 
-// Tones below 16 kHz, of which both make the same at the same time: the first output lies at the first input.
+// Tones below 16 kHz, which both must resample alike and without a shift: the first output is at the
+// first input.
 TEST(ResamplerFilter, AgreesWithLibsamplerateBelow16Kilohertz) {
     for (const double source : {223721.5625, 53267.0}) {
         constexpr double kTones[] = {100.0, 997.0, 4211.0, 9973.0, 15800.0};

@@ -1,4 +1,4 @@
-// A resampler that takes up another one's state must give the very samples the other one gives.
+// A resampler with another one's state must make exactly the samples that the other one makes.
 #include "base/audio_rate.h"
 #include "machine/chip_sound.h"
 #include "machine/sound_settings.h"
@@ -18,7 +18,7 @@ struct RATES {
     uint32_t app;
 };
 
-// The rates of the chips and of the program, and some that hit whole and half steps.
+// The rates of the chips and of the program, and some with whole and half steps.
 constexpr RATES kRates[] = {
     {223721.5625, 44100 },
     {223721.625,  48000 },
@@ -31,7 +31,7 @@ constexpr RATES kRates[] = {
     {31250.0,     44100 }
 };
 
-// The sound of a chip by the settings of the moment.
+// The sound of a chip with the current settings.
 struct CHIP : ChipSound {
     void Init(double rate) { ChipSound::Init(rate, SoundChoiceFromSettings()); }
     void Push(const std::vector<int16_t>& samples) {
@@ -54,7 +54,7 @@ protected:
     }
 };
 
-// Noise over a slow wave, so that no two places of the signal look alike.
+// Noise over a slow wave, so that no two places of the signal are the same.
 class Source {
 public:
     explicit Source(uint32_t seed)
@@ -107,7 +107,8 @@ TEST_P(ResamplerState, GoesOnWithTheSameSamples) {
             std::mt19937 sizes(static_cast<uint32_t>(rates.source) + rates.app);
             const auto frame = static_cast<size_t>(rates.source / 60.0);
             for (size_t round = 0; round < 60; ++round) {
-                // Whole frames, single frames and anything between; sometimes values stay behind.
+                // Whole frames, single pairs and anything between; sometimes values are left in the
+                // output.
                 const size_t push = round % 5 == 3 ? 1 : frame - sizes() % 40 * (round % 3);
                 const size_t left = round % 4 == 0 ? 2 * (round % 8) : 0;
                 const auto samples = source.Next(push);
@@ -119,7 +120,7 @@ TEST_P(ResamplerState, GoesOnWithTheSameSamples) {
                     << round;
                 ASSERT_EQ(StateOf(second).size(), StateOf(first).size());
             }
-            // A loaded one stays equal for long.
+            // A loaded one stays equal for a long time.
             for (int round = 0; round < 60; ++round) {
                 const auto samples = source.Next(frame);
                 ASSERT_EQ(PushAndTake(second, samples, 0), PushAndTake(first, samples, 0)) << round;
@@ -176,7 +177,7 @@ TEST_P(ResamplerState, CutShortIsRefused) {
     resampler.Init(50000.0);
     const auto state = StateOf(resampler);
     for (uint32_t size = 0; size < state.size(); ++size) {
-        // A block of exactly that size, so that a read beyond it is found.
+        // A block of exactly that size, so that the sanitizer finds a read beyond it.
         const std::vector<uint8_t> block(state.begin(), state.begin() + size);
         ASSERT_EQ(resampler.LoadState(block.data(), size), 0u) << size;
     }

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr double kPsgRate = 223721.0;
-constexpr double kAmplitude = 32700.0; // all but full scale
+constexpr double kAmplitude = 32700.0; // almost full scale
 
 int32_t gQuality = 1; // of the resamplers that a test makes
 
@@ -44,7 +44,7 @@ std::vector<int> LeftOf(const AudioResampler& resampler) {
     return left;
 }
 
-// A second of `out` left samples after a settling time, from a sine pushed a sixtieth at a time.
+// A second of left output samples after a settling time, from a sine pushed a sixtieth at a time.
 std::vector<double> Convert(double sourceRate, double frequency, double amplitude) {
     AudioResampler resampler;
     resampler.Init(sourceRate, AudioRate(), gQuality);
@@ -87,7 +87,7 @@ int RisingCrossings(const std::vector<double>& samples) {
 TEST_F(Resampler, SincQualitiesKeepATonePure) {
     // Noise of the whole band against a tone of full scale. Rounding to 16 bits costs 98.1 dB once at the
     // output over its whole band and once at the input, of which a fifth is left in the output's band: 105 dB.
-    // Summed, 97.3 dB are left, and what is under 96.4 is the filter's.
+    // Together they leave 97.3 dB; the bound of 96.4 leaves the rest to the filter.
     struct ROW {
         int32_t quality;
         double noise;    // dB under the tone, whole band
@@ -136,7 +136,7 @@ TEST_F(Resampler, SincQualitiesLeaveNoImageWhenTheRateRises) {
 }
 
 TEST_F(Resampler, NearestPickLeavesTheAliasesThatSincRemoves) {
-    // The contrast that shows the measure above can fail.
+    // Shows that the measure above can fail.
     gQuality = 0;
     const std::vector<double> out = Convert(kPsgRate, 60000.0, kAmplitude);
     EXPECT_GT(MeasureTone(out, 15900.0, 44100.0).amplitude, 0.5 * kAmplitude);
@@ -164,6 +164,21 @@ TEST_F(Resampler, SlowerChipRepeatsFrames) {
     EXPECT_EQ(resampler.Push(samples.data(), 8), 12);
     // Phases 0, 0.67, 1.33, 2, 2.67, 3.33.
     EXPECT_EQ(LeftOf(resampler), (std::vector<int>{1, 1, 2, 3, 3, 4}));
+}
+
+TEST_F(Resampler, AfterAnOddCountIsConsumedNothingIsWrittenBeyondTheOutput) {
+    for (const int32_t quality : {0, 1, 2}) {
+        gQuality = quality;
+        AudioResampler resampler;
+        resampler.Init(44100.0, AudioRate(), quality);
+        const std::vector<int16_t> samples(6000, 100);
+        resampler.Push(samples.data(), 600);
+        resampler.Consume(1);
+        resampler.Push(samples.data(), 6000);
+        // A pair fits whole or not at all: an odd count stays odd, below the end.
+        EXPECT_EQ(resampler.Output().size() % 2, 1u) << quality;
+        EXPECT_LT(resampler.Output().size(), size_t{44100} / 40 * 2) << quality;
+    }
 }
 
 TEST_F(Resampler, NearestPickKeepsTimeOverManyPushes) {
@@ -201,7 +216,7 @@ TEST_F(Resampler, QualityOutOfRangeCountsAsZero) {
         AudioResampler resampler;
         resampler.Init(88200.0, AudioRate(), gQuality);
         EXPECT_EQ(resampler.Quality(), 0) << setting;
-        // The pick's pattern, with none of a filter's delay.
+        // The pattern of picked samples, without a filter's delay.
         std::vector<int16_t> samples = Frames({5, 6, 7, 8});
         EXPECT_EQ(resampler.Push(samples.data(), 8), 4);
         EXPECT_EQ(LeftOf(resampler), (std::vector<int>{5, 7}));
@@ -247,7 +262,7 @@ TEST_F(Resampler, OutputHoldsTwentyFiveMillisecondsAndDropsTheNewest) {
             const std::vector<int16_t> ready(resampler.Output().begin(), resampler.Output().end());
             EXPECT_EQ(resampler.Push(samples.data(), 5000), 0);
             EXPECT_TRUE(std::equal(ready.begin(), ready.end(), resampler.Output().begin()));
-            // And goes on when there is room again.
+            // It continues when there is room again.
             resampler.Consume(room);
             EXPECT_GT(resampler.Push(samples.data(), 5000), 0) << quality;
         }
@@ -369,8 +384,8 @@ TEST_F(Resampler, EveryProgramRateKeepsTheTonesPitch) {
     }
 }
 
-// The ratio is exact: an hour of the PSG's pairs comes to an hour of the program's, but for what the filter
-// keeps back.
+// The ratio is exact: an hour of the PSG's pairs makes an hour of the program's, less the filter's
+// delay.
 TEST_F(Resampler, CountsFollowTheRatioOverHours) {
     for (const double rate : {223721.5625, 223721.625, 3579545.0 / 72.0, 7670453.0 / 144.0}) {
         for (const uint32_t appRate : {22050U, 44100U, 48000U, 192000U}) {
@@ -391,7 +406,7 @@ TEST_F(Resampler, CountsFollowTheRatioOverHours) {
     }
 }
 
-// In one push, in single pairs and as a count, also after something else and on from there.
+// In one push, in single pairs and as a run, also after other samples and before more.
 TEST_F(Resampler, RunsOfOnePairComeOutAsTheSameSamples) {
     for (const int32_t quality : {0, 1, 2}) {
         for (const double rate : {223721.5625, 53267.0, 31250.0}) {

@@ -28,7 +28,7 @@ using Names = std::set<std::string>;
 
 Names gPolled;
 
-// Notes every action asked for while it lives.
+// Records every action read during its life.
 class PollRecorder {
 public:
     PollRecorder() {
@@ -46,7 +46,7 @@ void Add(Names& names, std::span<const std::wstring_view> actions) {
     }
 }
 
-// What a machine of this row is to poll.
+// The actions that a machine of this row must poll.
 Names ActionsOf(const MACHINE_FACTS& facts) {
     Names names;
     Add(names, facts.playerActions[0]);

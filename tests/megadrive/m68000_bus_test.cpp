@@ -9,7 +9,7 @@ constexpr uint32_t kNop = 0x4E71;
 
 TEST(M68000Bus, TheWordAheadIsFetchedBeforeTheInstructionRuns) {
     TEST_68000 rig{kNop, 0x1234, 0x5678};
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.TakeLog(), "f 1002 1234; ");
     EXPECT_EQ(rig.cpu.prefetchAddr, kProgram + 2);
     EXPECT_EQ(rig.cpu.prefetchData, 0x1234U);
@@ -20,16 +20,16 @@ TEST(M68000Bus, AWriteToTheNextWordIsNotSeenAndOneBehindItIs) {
     TEST_68000 near{0x3080, kNop, kNop};
     near.D(0) = 0x7E05;
     near.A(0) = kProgram + 2;
-    near.Step();
-    near.Step();
+    near.Tick();
+    near.Tick();
     EXPECT_EQ(near.D(7), 0U);
 
     TEST_68000 far{0x3080, kNop, kNop};
     far.D(0) = 0x7E05;
     far.A(0) = kProgram + 4;
-    far.Step();
-    far.Step();
-    far.Step();
+    far.Tick();
+    far.Tick();
+    far.Tick();
     EXPECT_EQ(far.D(7), 5U);
 }
 
@@ -79,7 +79,7 @@ TEST(M68000Bus, InstructionsAccessTheBusInTheirOrder) {
         rig.A(0) = 0x2000;
         rig.A(1) = 0x3000;
         rig.SetLong(0x2000, 0x89ABCDEF);
-        rig.Step();
+        rig.Tick();
         EXPECT_EQ(rig.TakeLog(), trace.bus);
     }
 }
@@ -87,17 +87,17 @@ TEST(M68000Bus, InstructionsAccessTheBusInTheirOrder) {
 TEST(M68000Bus, AddressesOnTheBusHave24Bits) {
     TEST_68000 rig{0x1010};
     rig.A(0) = 0xFF012345;
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.TakeLog(), "f 1002 0000; rb 12345 00; ");
 }
 
 TEST(M68000Bus, ByteAccessesThroughA7MoveItByTwo) {
     TEST_68000 rig{0x101F, 0x1F00, 0x1E9F};
     rig.SetWord(kStack, 0xAB12);
-    rig.Step(); // MOVE.B (A7)+,D0
+    rig.Tick(); // MOVE.B (A7)+,D0
     EXPECT_EQ(rig.D(0), 0xABU);
     EXPECT_EQ(rig.A(7), kStack + 2);
-    rig.Step(); // MOVE.B D0,-(A7)
+    rig.Tick(); // MOVE.B D0,-(A7)
     EXPECT_EQ(rig.A(7), kStack);
 }
 
@@ -174,7 +174,7 @@ TEST(M68000Bus, AnOddJumpInUserStateHasCodeTwo) {
     EXPECT_EQ(rig.cpu.aerrCode, 2U);
 }
 
-// The stack of the supervisor, which the entry has just taken up.
+// The entry of the exception has just switched to the supervisor's stack, which is odd.
 TEST(M68000Bus, AnOddStackAtAnEntryFromUserStateHasCodeFive) {
     TEST_68000 rig{0x4E40}; // TRAP #0
     rig.A(7) = 0x8001;
@@ -202,7 +202,7 @@ TEST(M68000Bus, AnOddStartAddressFailsAtTheFirstStep) {
     EXPECT_EQ(rig.cpu.aerrCode, 6U);
 }
 
-// Memory as pages hold it.
+// Memory in the form that pages have.
 struct PAGES {
     static constexpr uint32_t kWords = 0x8000;
     std::vector<uint16_t> words = std::vector<uint16_t>(kWords);
@@ -223,10 +223,10 @@ TEST(M68000Bus, APageTakesFetchesAndAccessesWithoutACall) {
     rig.D(0) = 0x77;
     rig.SetLong(0x2000, 0x89ABCDEF);
     PAGES pages(rig);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(pages.words[0x1800], 0x89ABU);
     EXPECT_EQ(pages.words[0x1801], 0xCDEFU);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(pages.words[0x1801], 0xCD77U); // the odd byte
     EXPECT_EQ(rig.TakeLog(), "");
 }
@@ -237,7 +237,7 @@ TEST(M68000Bus, ALongOverTheEndOfAPageGoesToTheCallback) {
     rig.A(1) = 0xFFFE;
     rig.SetLong(0xFFFE, 0x11223344);
     PAGES pages(rig);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.TakeLog(), "rl FFFE 11223344; wl FFFE 11223344; ");
 }
 

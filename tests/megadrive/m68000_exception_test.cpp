@@ -49,7 +49,7 @@ TEST(M68000Exception, EveryKindPushesItsAddressAndStatusAndTakesItsVector) {
         rig.cpu.prefetchAddr = 1;
         rig.SetStatus(0x2300);
         const uint32_t before = kind.vector == 6 ? 0x2304 : 0x2300; // CHK sets Z of D0 first
-        EXPECT_EQ(rig.Step(), kind.clocks);
+        EXPECT_EQ(rig.Tick(), kind.clocks);
         EXPECT_EQ(rig.cpu.pc, HandlerOf(kind.vector));
         ExpectFrame(rig, before, kind.returnPc);
         EXPECT_EQ(rig.cpu.intMask, 0x300U);
@@ -59,17 +59,17 @@ TEST(M68000Exception, EveryKindPushesItsAddressAndStatusAndTakesItsVector) {
 
 TEST(M68000Exception, TrapvTakesItsVectorOnlyWhenVIsSet) {
     TEST_68000 rig{0x4E76, 0x4E76};
-    EXPECT_EQ(rig.Step(), 4U);
+    EXPECT_EQ(rig.Tick(), 4U);
     EXPECT_EQ(rig.cpu.pc, kProgram + 2);
     rig.SetStatus(0x2702);
-    EXPECT_EQ(rig.Step(), 4U);
+    EXPECT_EQ(rig.Tick(), 4U);
     EXPECT_EQ(rig.cpu.pc, HandlerOf(7));
     ExpectFrame(rig, 0x2702, kProgram + 4);
 }
 
 TEST(M68000Exception, ReadsItsVectorBeforeItPushesAddressAndStatus) {
     TEST_68000 rig{0x4E41};
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.TakeLog(), "f 1002 0000; rl 84 00004210; wl 7FFC 00001002; ww 7FFA 2704; ");
 }
 
@@ -91,7 +91,7 @@ TEST(M68000Exception, AVectorThatHoldsZeroFallsBackToTheUninitialisedOne) {
         TEST_68000 rig{row.opcode};
         rig.SetStatus(0x2700);
         rig.SetLong(row.vector * 4, 0);
-        EXPECT_EQ(rig.Step(), 4U);
+        EXPECT_EQ(rig.Tick(), 4U);
         EXPECT_EQ(rig.cpu.pc, HandlerOf(15));
         EXPECT_EQ(rig.TakeLog(), row.bus);
     }
@@ -101,7 +101,7 @@ TEST(M68000Exception, FromUserStateItUsesTheSupervisorStackAndKeepsTheStatusAsIt
     TEST_68000 rig{0x4E40};
     rig.EnterUserState();
     rig.SetStatus(0x0015);
-    rig.Step();
+    rig.Tick();
     ExpectFrame(rig, 0x0015, kProgram + 2);
     EXPECT_EQ(rig.cpu.s, 4U);
     EXPECT_EQ(rig.cpu.stackSlots[0], kUserStack);
@@ -110,7 +110,7 @@ TEST(M68000Exception, FromUserStateItUsesTheSupervisorStackAndKeepsTheStatusAsIt
 TEST(M68000Exception, ClearsTheTraceBitBehindTheSavedStatus) {
     TEST_68000 rig{0x4E40};
     rig.SetStatus(0xA700);
-    rig.Step();
+    rig.Tick();
     ExpectFrame(rig, 0xA700, kProgram + 2);
     EXPECT_EQ(M68kStatus(rig.cpu), 0x2700U);
 }
@@ -127,7 +127,7 @@ TEST(M68000Exception, PrivilegedInstructionsTrapInUserStateBeforeAnyEffect) {
         rig.cpu.prefetchAddr = 1;
         rig.EnterUserState();
         rig.A(0) = 0x12345678;
-        rig.Step();
+        rig.Tick();
         EXPECT_EQ(rig.cpu.pc, HandlerOf(8));
         ExpectFrame(rig, 0, kProgram);
         EXPECT_EQ(rig.A(0), 0x12345678U);
@@ -139,26 +139,26 @@ TEST(M68000Exception, PrivilegedInstructionsTrapInUserStateBeforeAnyEffect) {
 TEST(M68000Exception, MoveFromStatusAndAllToTheConditionsAreFreeInUserState) {
     TEST_68000 rig{0x40C0, 0x44FC, 0x001F, 0x023C, 0x0011};
     rig.EnterUserState();
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.D(0) & 0xFFFF, 0U);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(M68kStatus(rig.cpu), 0x001FU);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(M68kStatus(rig.cpu), 0x0011U);
 }
 
 TEST(M68000Exception, StatusHoldsOnlyImplementedBits) {
     TEST_68000 rig{0x46FC, 0xFFFF};
-    EXPECT_EQ(rig.Step(), 16U);
+    EXPECT_EQ(rig.Tick(), 16U);
     EXPECT_EQ(M68kStatus(rig.cpu), 0xA71FU);
 }
 
 TEST(M68000Exception, LeavingSupervisorStateSwapsTheStackPointers) {
     TEST_68000 rig{0x4E60, 0x46FC, 0x0000, 0x40CF};
     rig.A(0) = kUserStack; // MOVE A0,USP
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.A(7), kStack);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.A(7), kUserStack);
     EXPECT_EQ(rig.cpu.stackSlots[4], kStack);
     EXPECT_EQ(rig.cpu.s, 0U);
@@ -170,7 +170,7 @@ TEST(M68000Exception, RteToUserStatePullsBothFromTheSupervisorStack) {
     rig.A(7) = 0x7000;
     rig.SetWord(0x7000, 0x001F);
     rig.SetLong(0x7002, 0x00002000);
-    EXPECT_EQ(rig.Step(), 20U);
+    EXPECT_EQ(rig.Tick(), 20U);
     EXPECT_EQ(rig.TakeLog(), "f 1002 0000; rw 7000 001F; rl 7002 00002000; ");
     EXPECT_EQ(rig.cpu.pc, 0x2000U);
     EXPECT_EQ(M68kStatus(rig.cpu), 0x001FU);
@@ -183,7 +183,7 @@ TEST(M68000Exception, RtrRestoresTheConditionsAlone) {
     rig.A(7) = 0x7000;
     rig.SetWord(0x7000, 0x801F);
     rig.SetLong(0x7002, 0x00002000);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(M68kStatus(rig.cpu), 0x271FU);
     EXPECT_EQ(rig.cpu.pc, 0x2000U);
     EXPECT_EQ(rig.A(7), 0x7006U);
@@ -222,28 +222,28 @@ TEST(M68000Exception, ResetClearsStopLinesAndAPositiveCounterAndParksTheStack) {
 
 TEST(M68000Exception, ResetInstructionCostsNothingAndCallsTheSecondHook) {
     TEST_68000 rig{kReset, kReset};
-    EXPECT_EQ(rig.Step(), 0U);
+    EXPECT_EQ(rig.Tick(), 0U);
     EXPECT_EQ(rig.cpu.pc, kProgram + 2);
     rig.cpu.events[1] = [](void* owner) { static_cast<TEST_68000*>(owner)->answer = 1234; };
-    EXPECT_EQ(rig.Step(), 0U);
+    EXPECT_EQ(rig.Tick(), 0U);
     EXPECT_EQ(rig.answer, 1234U);
 }
 
 TEST(M68000Exception, StopEndsOnlyWhenStoppedIsCleared) {
     TEST_68000 rig{kStop, 0x2000, kNop};
-    EXPECT_EQ(rig.Step(), 4U);
+    EXPECT_EQ(rig.Tick(), 4U);
     EXPECT_EQ(M68kStatus(rig.cpu), 0x2000U);
     for (uint32_t line = 1; line < 8; ++line) {
         M68kSetIrqLine(rig.cpu, line, 1);
-        EXPECT_EQ(rig.Step(), 4U);
+        EXPECT_EQ(rig.Tick(), 4U);
     }
     rig.TakeLog();
-    EXPECT_EQ(rig.Step(), 4U);
+    EXPECT_EQ(rig.Tick(), 4U);
     EXPECT_EQ(rig.TakeLog(), "");
     EXPECT_EQ(rig.cpu.pc, kProgram + 4);
     EXPECT_TRUE(rig.acknowledged.empty());
     rig.cpu.stopped = 0;
-    EXPECT_EQ(rig.Step(), 44U);
+    EXPECT_EQ(rig.Tick(), 44U);
     EXPECT_EQ(rig.acknowledged, std::vector<uint32_t>{7});
 }
 
@@ -252,10 +252,10 @@ TEST(M68000Exception, HeldOffTheBusItTakesALineAfterwards) {
     rig.SetStatus(0x2000);
     rig.cpu.stopped = 1;
     M68kSetIrqLine(rig.cpu, 6, 1);
-    EXPECT_EQ(rig.Step(), 4U);
+    EXPECT_EQ(rig.Tick(), 4U);
     EXPECT_EQ(rig.cpu.pc, kProgram);
     rig.cpu.stopped = 0;
-    EXPECT_EQ(rig.Step(), 44U);
+    EXPECT_EQ(rig.Tick(), 44U);
     EXPECT_EQ(rig.cpu.pc, HandlerOf(30));
 }
 
@@ -265,7 +265,7 @@ TEST(M68000Interrupt, TakesTheAutovectorAndRaisesTheMask) {
         rig.SetStatus(0x201F);
         M68kSetIrqLine(rig.cpu, level, 1);
         EXPECT_EQ(rig.cpu.intLevel, level << 8);
-        EXPECT_EQ(rig.Step(), 44U);
+        EXPECT_EQ(rig.Tick(), 44U);
         EXPECT_EQ(rig.acknowledged, std::vector<uint32_t>{level});
         EXPECT_EQ(rig.cpu.pc, HandlerOf(24 + level));
         EXPECT_EQ(rig.cpu.intMask, level << 8);
@@ -277,9 +277,9 @@ TEST(M68000Interrupt, WaitsUntilTheMaskIsBelowItsLevel) {
     TEST_68000 rig{kNop, 0x46FC, 0x2300, kNop};
     rig.SetStatus(0x2400);
     M68kSetIrqLine(rig.cpu, 4, 1);
-    EXPECT_EQ(rig.Step(), 4U);
-    EXPECT_EQ(rig.Step(), 16U);
-    EXPECT_EQ(rig.Step(), 44U);
+    EXPECT_EQ(rig.Tick(), 4U);
+    EXPECT_EQ(rig.Tick(), 16U);
+    EXPECT_EQ(rig.Tick(), 44U);
     EXPECT_EQ(rig.cpu.pc, HandlerOf(28));
 }
 
@@ -314,7 +314,7 @@ TEST(M68000Interrupt, VectorsComeFromTheAcknowledgement) {
         rig.SetStatus(0x2000);
         rig.answer = row.answer;
         M68kSetIrqLine(rig.cpu, 5, 1);
-        EXPECT_EQ(rig.Step(), row.clocks);
+        EXPECT_EQ(rig.Tick(), row.clocks);
         EXPECT_EQ(rig.cpu.pc, HandlerOf(row.vector));
     }
 }
@@ -326,8 +326,8 @@ TEST(M68000Interrupt, AnAnswerAbove255DropsItForOneClockAndItIsAskedAgain) {
         rig.answer = answer;
         M68kSetIrqLine(rig.cpu, 5, 1);
         const std::array<uint32_t, 16> before = rig.cpu.regs;
-        EXPECT_EQ(rig.Step(), 1U);
-        EXPECT_EQ(rig.Step(), 1U);
+        EXPECT_EQ(rig.Tick(), 1U);
+        EXPECT_EQ(rig.Tick(), 1U);
         EXPECT_EQ(rig.cpu.regs, before);
         EXPECT_EQ(rig.cpu.pc, kProgram);
         EXPECT_EQ(rig.cpu.intLevel, 0x500U);
@@ -342,7 +342,7 @@ TEST(M68000Interrupt, AVectorThatHoldsZeroFallsBackToTheUninitialisedOne) {
     rig.SetStatus(0x2000);
     rig.SetLong(30 * 4, 0);
     M68kSetIrqLine(rig.cpu, 6, 1);
-    EXPECT_EQ(rig.Step(), 44U);
+    EXPECT_EQ(rig.Tick(), 44U);
     EXPECT_EQ(rig.cpu.pc, HandlerOf(15));
     EXPECT_EQ(rig.TakeLog(), "rl 78 00000000; rl 3C 000040F0; wl 7FFC 00001000; ww 7FFA 2000; ");
 }
@@ -351,7 +351,7 @@ TEST(M68000Interrupt, LineSevenIsAnEdgeThatNoMaskHolds) {
     TEST_68000 rig{kNop, kNop, kNop, kNop};
     M68kSetIrqLine(rig.cpu, 7, 1);
     EXPECT_EQ(rig.cpu.nmiPending, 1U);
-    EXPECT_EQ(rig.Step(), 44U); // although the mask is 7
+    EXPECT_EQ(rig.Tick(), 44U); // although the mask is 7
     EXPECT_EQ(rig.cpu.nmiPending, 0U);
     EXPECT_EQ(rig.cpu.intMask, 0x700U);
     EXPECT_EQ(rig.cpu.pc, HandlerOf(31));
@@ -363,7 +363,7 @@ TEST(M68000Interrupt, LineSevenIsAnEdgeThatNoMaskHolds) {
     EXPECT_EQ(rig.cpu.nmiPending, 1U);
 }
 
-// Before the interrupt is taken: the mark is set by the first rise, and a second one leaves just one.
+// Before the interrupt is taken: the first rise sets nmiPending, and a second one adds nothing.
 TEST(M68000Interrupt, LineSevenRaisedTwiceIsTakenOnce) {
     TEST_68000 rig{kNop, kNop};
     rig.SetWord(HandlerOf(31), kNop);
@@ -372,35 +372,35 @@ TEST(M68000Interrupt, LineSevenRaisedTwiceIsTakenOnce) {
     M68kSetIrqLine(rig.cpu, 7, 0);
     M68kSetIrqLine(rig.cpu, 7, 1);
     EXPECT_EQ(rig.cpu.nmiPending, 1U);
-    EXPECT_EQ(rig.Step(), 44U);
-    EXPECT_EQ(rig.Step(), 4U); // the handler's first instruction, not the interrupt again
+    EXPECT_EQ(rig.Tick(), 44U);
+    EXPECT_EQ(rig.Tick(), 4U); // the handler's first instruction, not the interrupt again
     EXPECT_EQ(rig.cpu.pc, HandlerOf(31) + 2);
     EXPECT_EQ(rig.acknowledged, (std::vector<uint32_t>{7}));
 }
 
-// The mark is gone with the acknowledgement, so that a dropped level 7 isn't asked for again. That the line
-// is still up raises no mask of 7.
+// The acknowledgement clears nmiPending, so a dropped level 7 isn't requested again. The line alone, still up,
+// doesn't pass a mask of 7.
 TEST(M68000Interrupt, ADroppedLevelSevenIsNotAskedAgain) {
     TEST_68000 rig{kNop, kNop};
     rig.answer = 256;
     M68kSetIrqLine(rig.cpu, 7, 1);
-    EXPECT_EQ(rig.Step(), 1U);
+    EXPECT_EQ(rig.Tick(), 1U);
     EXPECT_EQ(rig.cpu.nmiPending, 0U);
     EXPECT_EQ(rig.cpu.pc, kProgram);
     EXPECT_EQ(rig.A(7), kStack);
-    EXPECT_EQ(rig.Step(), 4U);
+    EXPECT_EQ(rig.Tick(), 4U);
     EXPECT_EQ(rig.cpu.pc, kProgram + 2);
     EXPECT_EQ(rig.acknowledged, (std::vector<uint32_t>{7}));
 }
 
-// A mask below 7 lets the line itself through, mark or not.
+// A mask below 7 lets the line itself through, with nmiPending or without.
 TEST(M68000Interrupt, ADroppedLevelSevenIsAskedAgainByItsLineUnderALowerMask) {
     TEST_68000 rig{kNop};
     rig.answer = 256;
     rig.SetStatus(0x2600);
     M68kSetIrqLine(rig.cpu, 7, 1);
-    EXPECT_EQ(rig.Step(), 1U);
-    EXPECT_EQ(rig.Step(), 1U);
+    EXPECT_EQ(rig.Tick(), 1U);
+    EXPECT_EQ(rig.Tick(), 1U);
     EXPECT_EQ(rig.acknowledged, (std::vector<uint32_t>{7, 7}));
 }
 
@@ -409,10 +409,10 @@ TEST(M68000Interrupt, FromUserStateRteReturnsToIt) {
     rig.SetWord(HandlerOf(28), 0x4E73);
     rig.EnterUserState();
     M68kSetIrqLine(rig.cpu, 4, 1);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.A(7), kStack - 6);
     M68kSetIrqLine(rig.cpu, 4, 0);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.cpu.pc, kProgram);
     EXPECT_EQ(rig.A(7), kUserStack);
     EXPECT_EQ(M68kStatus(rig.cpu), 0U);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "megadrive/m68000_private.h"
-#include "megadrive/m68000_step.h"
+#include "megadrive/m68000_tick.h"
 
 #include <array>
 #include <cstdint>
@@ -23,7 +23,8 @@ constexpr uint32_t HandlerOf(uint32_t vector) {
 struct TEST_68000 {
     static constexpr uint32_t kSize = 0x100000;
 
-    // The words lie at kProgram; everything behind them is 0. Reset has been done, and logs nothing.
+    // The words are at kProgram; everything after them is 0. The constructor resets the processor, and the log
+    // starts after that.
     explicit TEST_68000(std::initializer_list<uint32_t> program)
         : TEST_68000(std::vector<uint32_t>(program)) {}
     explicit TEST_68000(const std::vector<uint32_t>& program) {
@@ -44,11 +45,11 @@ struct TEST_68000 {
     TEST_68000(const TEST_68000&) = delete;
     TEST_68000& operator=(const TEST_68000&) = delete;
 
-    uint32_t Step() { return M68kStep(cpu); }
-    // Gives whether the next step ends in an address error.
+    uint32_t Tick() { return M68kTick(cpu); }
+    // Returns whether the next tick ends in an address error.
     bool StepFails() {
         try {
-            M68kStep(cpu);
+            M68kTick(cpu);
         } catch (const M68K_ADDRESS_ERROR&) {
             return true;
         }

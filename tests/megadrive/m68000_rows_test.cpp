@@ -24,7 +24,7 @@ struct FAMILY {
     std::vector<MEMBER> members;
 };
 
-// A row belongs to the first member that it matches, so narrow patterns stand in front.
+// A row belongs to the first member that it matches, so narrow patterns come first.
 const std::vector<FAMILY>& Families() {
     static const std::vector<FAMILY> kFamilies{
         {16,  24,  {{"MOVEP", 0xF138, 0x0108, 4}}                                                          },

@@ -140,7 +140,7 @@ TEST(M68000State, LoadedItGoesOnExactly) {
         TEST_68000 second{};
         try {
             for (int step = 0; step < 10; ++step) {
-                first.Step();
+                first.Tick();
             }
             for (uint32_t address = 0; address < TEST_68000::kSize; address += 2) {
                 second.SetWord(address, first.Word(address));
@@ -151,7 +151,7 @@ TEST(M68000State, LoadedItGoesOnExactly) {
             for (int step = 0; step < 20; ++step) {
                 first.TakeLog();
                 second.TakeLog();
-                ASSERT_EQ(first.Step(), second.Step());
+                ASSERT_EQ(first.Tick(), second.Tick());
                 ASSERT_EQ(first.TakeLog(), second.TakeLog());
                 ASSERT_EQ(Save(first.cpu), Save(second.cpu));
             }

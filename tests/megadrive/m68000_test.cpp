@@ -29,7 +29,7 @@ void RunRows(const std::vector<ROW>& rows) {
         rig.D(0) = row.d0;
         rig.D(1) = row.d1;
         rig.SetStatus(0x2700 | row.before);
-        rig.Step();
+        rig.Tick();
         EXPECT_EQ(rig.D(1), row.result);
         EXPECT_EQ(rig.Conditions(), row.after);
     }
@@ -129,7 +129,7 @@ TEST(M68000, ExtendedFormsOnlyEverClearZ) {
 TEST(M68000, TasWritesMemoryBack) {
     TEST_68000 rig{0x4AD0};
     rig.A(0) = 0x2001;
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.Byte(0x2001), 0x80U);
     EXPECT_EQ(rig.Conditions() & (kN | kZ), kZ);
 }
@@ -159,7 +159,7 @@ TEST(M68000, TasThroughA7MovesItByTwoAndWritesTheHighByte) {
         rig.SetStatus(0x271F);
         rig.A(7) = step.from;
         rig.SetWord(0x2000, 0x4755);
-        rig.Step();
+        rig.Tick();
         EXPECT_EQ(rig.A(7), step.to);
         EXPECT_EQ(rig.Word(0x2000), 0xC755U);
         EXPECT_EQ(rig.Conditions(), kX);
@@ -167,10 +167,10 @@ TEST(M68000, TasThroughA7MovesItByTwoAndWritesTheHighByte) {
     }
 }
 
-// The frame is pushed as it was before the push, which the chip does with A7, too.
+// The frame register is pushed with its value from before the push; the chip does so with A7, too.
 TEST(M68000, LinkOfA7PushesItAsItWas) {
     TEST_68000 rig{0x4E57, 0xFFF8}; // LINK A7,#-8
-    EXPECT_EQ(rig.Step(), 16U);
+    EXPECT_EQ(rig.Tick(), 16U);
     EXPECT_EQ(rig.Long(kStack - 4), kStack);
     EXPECT_EQ(rig.A(7), kStack - 4 - 8);
 }
@@ -178,17 +178,17 @@ TEST(M68000, LinkOfA7PushesItAsItWas) {
 TEST(M68000, UnlkOfA7LoadsItFromItsTopWithoutTheStep) {
     TEST_68000 rig{0x4E5F};
     rig.SetLong(kStack, 0x00012344);
-    EXPECT_EQ(rig.Step(), 12U);
+    EXPECT_EQ(rig.Tick(), 12U);
     EXPECT_EQ(rig.A(7), 0x00012344U);
 }
 
 TEST(M68000, UnlkUndoesLink) {
     TEST_68000 rig{0x4E56, 0xFF00, 0x4E5E}; // LINK A6,#-256; UNLK A6
     rig.A(6) = 0x89ABCDEF;
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.A(6), kStack - 4);
     EXPECT_EQ(rig.A(7), kStack - 4 - 256);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.A(6), 0x89ABCDEFU);
     EXPECT_EQ(rig.A(7), kStack);
 }
@@ -215,7 +215,7 @@ TEST(M68000, MovepLoadsEverySecondByteTheHighestFirst) {
         rig.SetStatus(0x271F);
         rig.A(0) = 0x2000;
         rig.D(1) = 0xFFFFFFFF;
-        EXPECT_EQ(rig.Step(), load.clocks);
+        EXPECT_EQ(rig.Tick(), load.clocks);
         EXPECT_EQ(rig.D(1), load.result);
         EXPECT_EQ(rig.A(0), 0x2000U);
         EXPECT_EQ(rig.Conditions(), 0x1FU);
@@ -243,7 +243,7 @@ TEST(M68000, ExgSwapsWholeRegistersOfBothKinds) {
         expected[swap.first] = 0x80010000 + swap.second * 0x101;
         expected[swap.second] = 0x80010000 + swap.first * 0x101;
         rig.SetStatus(0x271F);
-        EXPECT_EQ(rig.Step(), 6U);
+        EXPECT_EQ(rig.Tick(), 6U);
         EXPECT_EQ(rig.cpu.regs, expected);
         EXPECT_EQ(rig.Conditions(), 0x1FU);
     }
@@ -252,12 +252,12 @@ TEST(M68000, ExgSwapsWholeRegistersOfBothKinds) {
 TEST(M68000, MovemStoresItsPointerAsItWasAndLoadsEndAtTheFinalAddress) {
     TEST_68000 rig{0x48E0, 0x0080, 0x4CD8, 0x0301}; // MOVEM.L A0,-(A0); MOVEM.L (A0)+,D0/A0-A1
     rig.A(0) = 0x2004;
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.A(0), 0x2000U);
     EXPECT_EQ(rig.Long(0x2000), 0x2004U);
     rig.SetLong(0x2004, 0x11111111);
     rig.SetLong(0x2008, 0x22222222);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.D(0), 0x2004U);
     EXPECT_EQ(rig.A(1), 0x22222222U);
     EXPECT_EQ(rig.A(0), 0x200CU);
@@ -267,7 +267,7 @@ TEST(M68000, MovemWordsFillWholeRegisters) {
     TEST_68000 rig{0x4C90, 0x0101}; // MOVEM.W (A0),D0/A0
     rig.A(0) = 0x2000;
     rig.SetLong(0x2000, 0x80007FFF);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.D(0), 0xFFFF8000U);
     EXPECT_EQ(rig.A(0), 0x00007FFFU);
 }
@@ -275,10 +275,10 @@ TEST(M68000, MovemWordsFillWholeRegisters) {
 TEST(M68000, DbccCountsTheLowWordAndFallsThroughBehindZero) {
     TEST_68000 rig{0x51C8, 0xFFFE}; // DBF D0,*
     rig.D(0) = 0xABCD0001;
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.D(0), 0xABCD0000U);
     EXPECT_EQ(rig.cpu.pc, kProgram);
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.D(0), 0xABCDFFFFU);
     EXPECT_EQ(rig.cpu.pc, kProgram + 4);
 }
@@ -295,7 +295,7 @@ TEST(M68000, ConditionsAreTheSixteenOfTheManual) {
         for (uint32_t condition = 0; condition < 16; ++condition) {
             TEST_68000 rig{0x50C0 | condition << 8}; // Scc D0
             rig.SetStatus(0x2700 | flags);
-            EXPECT_EQ(rig.Step(), 4U);
+            EXPECT_EQ(rig.Tick(), 4U);
             EXPECT_EQ(rig.D(0), expected[condition] ? 0xFFU : 0U) << condition << " " << flags;
         }
     }
@@ -326,7 +326,7 @@ TEST(M68000, ExtraClocksReachTheCounterAlone) {
         rig.SetStatus(0x2700);
         rig.D(0) = 63;
         rig.A(1) = 0x2000;
-        EXPECT_EQ(rig.Step(), extra.clocks);
+        EXPECT_EQ(rig.Tick(), extra.clocks);
         EXPECT_EQ(rig.cpu.cyclesLeft, -extra.spent);
     }
 }
@@ -334,7 +334,7 @@ TEST(M68000, ExtraClocksReachTheCounterAlone) {
 TEST(M68000, TheCounterWraps) {
     TEST_68000 rig{0x4E70};
     rig.cpu.cyclesLeft = INT32_MIN;
-    rig.Step();
+    rig.Tick();
     EXPECT_EQ(rig.cpu.cyclesLeft, INT32_MAX - 131);
 }
 

@@ -1,7 +1,7 @@
 // Published single-instruction cases: registers and memory after every instruction, once through the
 // callbacks and once through the pages.
 #include "megadrive/m68000_private.h"
-#include "megadrive/m68000_step.h"
+#include "megadrive/m68000_tick.h"
 
 #include "support/processor_cases.h"
 #include <gtest/gtest.h>
@@ -97,8 +97,8 @@ CASE_REGISTERS Registers(M68K_STATE& cpu) {
     return actual;
 }
 
-// Bits of the status word that the manual leaves open, where this processor goes by published notes on
-// real chips and the cases by something else.
+// Bits of the status word that the manual leaves open: this processor follows published notes on real chips,
+// and the cases follow something else.
 uint32_t OpenFlags(const PROCESSOR_CASE& test) {
     constexpr uint32_t kN = 8;
     constexpr uint32_t kZ = 4;
@@ -155,7 +155,7 @@ std::string RunCase(const PROCESSOR_CASE& test, M68K_STATE& cpu, MEMORY& memory)
     }
     std::string wrong;
     try {
-        const uint32_t clocks = M68kStep(cpu);
+        const uint32_t clocks = M68kTick(cpu);
         wrong = clocks == m68kCycles[test.before.registers[kCaseRegisterCount - 2]]
                     ? Compare(test, cpu, memory)
                     : " takes other clocks than the table says";

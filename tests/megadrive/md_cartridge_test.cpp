@@ -194,7 +194,7 @@ TEST(MdCartridge, RamOnOddBytesWorksByBytes) {
     EXPECT_EQ(rig.cart->sram->data[1], 0);
     EXPECT_EQ(rig.cart->sram->data[3], 5);
     EXPECT_EQ(rig.cart->sram->data[0], 0xFF);
-    // The address in front of the range is the ROM's.
+    // The address before the range is the ROM's.
     EXPECT_EQ(rig.Byte(0x200000), rig.Rom(0x200000));
     EXPECT_EQ(rig.Word(0x200000), rig.Rom(0x200000) << 8 | rig.Rom(0x200001));
     // A word doesn't reach the byte that its address names.
@@ -215,7 +215,7 @@ TEST(MdCartridge, RamLargerThanItsBlockRepeats) {
 
 TEST(MdCartridge, WordAcrossTheEndOfTheRamBlockLosesItsHighByte) {
     CartridgeRig rig{ImageRig(0x80000).Ram(0x200001, 0x21FFFF)};
-    rig.PutWord(0x210000, 0x1234); // 0xFFFF bytes behind the start
+    rig.PutWord(0x210000, 0x1234); // 0xFFFF bytes after the start
     EXPECT_EQ(rig.cart->sram->data[0xFFFF], 0x34);
     EXPECT_EQ(rig.cart->sram->data[0], 0xFF);
     EXPECT_EQ(rig.Word(0x210000), 0xFF34);
@@ -251,7 +251,7 @@ TEST(MdCartridge, SaveDataIsTheUsedRam) {
     constexpr std::array<ROW, 9> kRows{
         {{0x200000, 0x203FFF, 0x4000, 0x4000},
          {0x200001, 0x203FFF, 0x4000, 0x4000}, // 0x3FFF addresses, whole words of them
-         // The word at the last address lies 0x3FFF behind the start, its high byte 0x4000.
+         // The word at the last address is 0x3FFF after the start, its high byte 0x4000.
          {0x200001, 0x204000, 0x4002, 0x4001},
          {0x200001, 0x200002, 4, 3},
          {0x200001, 0x200001, 2, 1}, // one byte, and no word

@@ -297,7 +297,7 @@ TEST(MdEeprom, BytesWrittenThroughTheLinesAreReadBack) {
             EXPECT_EQ(rig.Read(row.sizeMask, 1), Bytes{0x3C}) << row.code << access;
             EXPECT_EQ(rig.Part().data[6], 0x00);
             EXPECT_EQ(rig.Part().data[row.sizeMask], 0x3C);
-            // The stop behind the data wrote none.
+            // The stop after the data wrote nothing.
             EXPECT_EQ(rig.Part().data[9], 0xFF);
         }
     }

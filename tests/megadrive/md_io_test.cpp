@@ -115,7 +115,7 @@ TEST(MdPad, SecondPortHasItsOwn) {
     EXPECT_EQ(MdReadIo(io, 2), 0x7E);
 }
 
-// What a six-button pad gives after each write of TH, low and high in turn.
+// What a six-button pad returns after each write of TH, low and high in turn.
 std::vector<uint8_t> Sequence(MD_IO& io, uint32_t count, uint32_t interval) {
     std::vector<uint8_t> values;
     for (uint32_t i = 0; i < count; ++i) {
@@ -138,7 +138,7 @@ TEST(MdPad, SixButtonsNamedOneByOne) {
         uint32_t step; // of the sequence above, from 0
         uint8_t value;
     };
-    // Four rises make the count 4, which is taken modulo 4: the eighth write begins a round again.
+    // Four rises make the count 4, which is taken modulo 4: the eighth write begins the sequence again.
     constexpr ROW kRows[] = {
         {"A in the third low",      &MD_PAD::a,     4, 0x20},
         {"start in the third low",  &MD_PAD::start, 4, 0x10},

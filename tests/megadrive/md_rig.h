@@ -75,7 +75,7 @@ public:
     MdProgram& VdpRegister(int index, int value) {
         return StoreWord(0xC00004, 0x8000 | index << 8 | value);
     }
-    // A command word pair of the video chip.
+    // The two words of a VDP command.
     MdProgram& VdpAddress(int code, uint32_t address) {
         const auto high = static_cast<uint32_t>(code & 3) << 30 | (address & 0x3FFF) << 16;
         return StoreLong(0xC00004,

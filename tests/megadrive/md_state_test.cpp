@@ -11,9 +11,9 @@
 
 namespace {
 
-// A restless program. The 68000 writes random numbers to video memory, registers of scroll and window,
-// to the cartridge and to its own RAM, and keeps transfers of all three kinds going, also while the picture
-// is drawn; the Z80 plays both sound chips, reads and writes the video chip and the 68000's RAM through its
+// A program that keeps every chip busy. The 68000 writes random numbers to VRAM, to registers of scroll and
+// window, to the cartridge and to its own RAM, and keeps DMA of all three kinds going, also while the picture
+// is drawn; the Z80 plays both sound chips, reads and writes the VDP and the 68000's RAM through its
 // windows. Interrupts of both levels change colour and scroll, and one takes the Z80's bus.
 MdProgram Restless() {
     MdProgram program;
@@ -51,7 +51,7 @@ MdProgram Restless() {
     program.Words({0x3087, 0x3210, 0x33C7}).Long(0x200100);           // to RAM and the cartridge
     program.Words({0x13C7}).Long(0x200001).Words({0x3439}).Long(0x200100);
     program.Words({0xD487, 0x33C2}).Long(0xFF1002);
-    // Every 256th round or so a transfer: bits 8 and 9 of d7 choose, one in four does nothing.
+    // About every 256th pass starts a DMA: bits 8 and 9 of d7 choose, one in four does nothing.
     program.Words({0x3607, 0x0243, 0x00FF, 0x6600, 0}); // move.w d7,d3; andi; bne next
     const uint32_t branch = program.Here() - 2;
     program.VdpRegister(19, 0x40).VdpRegister(20, 0x00);
@@ -124,8 +124,7 @@ MdProgram Restless() {
     add({0x7A, 0x32, 0x11, 0x7F});                                           // the PSG
     add({0x32, 0x10, 0x80, 0x3A, 0x12, 0x80});                               // the 68000's RAM
     add({0x3A, 0x00, 0x40, 0x32, 0x10, 0x1E}); // status of the FM chip
-    add({0x3A, 0x05, 0x7F, 0x32, 0x11, 0x1E, 0x3A, 0x09, 0x7F, 0x32, 0x12,
-         0x1E});                                                 // and the video chip
+    add({0x3A, 0x05, 0x7F, 0x32, 0x11, 0x1E, 0x3A, 0x09, 0x7F, 0x32, 0x12, 0x1E}); // and the VDP
     add({0x7A, 0xE6, 0x3F, 0x20, 0x04, 0x7A, 0x32, 0x00, 0x7F}); // now and then a word for that
     add({0x06, 0x00, 0x10, 0xFE});
     z80.push_back(0xC3);
@@ -201,44 +200,20 @@ class EveryMdState : public testing::TestWithParam<CASE> {};
 } // namespace
 
 TEST_P(EveryMdState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
-    const auto machine = Start(GetParam());
-    Play(*machine, 0, 37);
-    const SAVED saved = Save(*machine);
-    const auto continued = Play(*machine, 37, kFollowingFrames);
-    ASSERT_FALSE(machine->ended) << EmuLastError();
-    const auto other = Start(GetParam());
-    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-    ExpectSameFrames(continued, Play(*other, 37, kFollowingFrames));
-    ExpectALivelyRun(continued);
+    ExpectTheRunThatWentOn([] { return Start(GetParam()); }, Play);
 }
 
-// Video and FM chip may run late in one and are always up to date in the other.
+// VDP and FM chip catch up in one and are always up to date in the other.
 TEST_P(EveryMdState, FastAndPlainFramesAreTheSame) {
-    const auto fast = Start(GetParam());
-    const auto plain = Start(GetParam());
-    plain->SetStepByStep(true);
-    for (int frame = 0; frame < 100; ++frame) {
-        const auto one = Play(*fast, frame, 1);
-        const auto two = Play(*plain, frame, 1);
-        ASSERT_EQ(one[0].picture, two[0].picture) << frame;
-        ASSERT_EQ(one[0].sound, two[0].sound) << frame;
-        ASSERT_TRUE(Save(*fast) == Save(*plain)) << frame;
-    }
+    ExpectFastAndPlainAlike([] { return Start(GetParam()); }, Play);
 }
 
 TEST_P(EveryMdState, LoadsAtAnyFrameOfItsOwnRun) {
-    const auto machine = Start(GetParam());
-    const auto other = Start(GetParam());
     int inTransfer = 0;
-    for (int frame = 0; frame < 60; ++frame) {
-        const SAVED saved = Save(*machine);
-        inTransfer += machine->Console().vdp.dmaState != kMdVdpNoDma ? 1 : 0;
-        const auto continued = Play(*machine, frame, 1);
-        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-        const auto loaded = Play(*other, frame, 1);
-        ASSERT_EQ(continued[0].picture, loaded[0].picture) << frame;
-        ASSERT_EQ(continued[0].sound, loaded[0].sound) << frame;
-    }
+    ExpectLoadsAtAnyFrame([] { return Start(GetParam()); }, Play, 60,
+                          [&](CMegaDrive& machine) {
+                              inTransfer += machine.Console().vdp.dmaState != kMdVdpNoDma ? 1 : 0;
+                          });
     EXPECT_GT(inTransfer, 0);
 }
 
@@ -248,11 +223,15 @@ TEST_P(EveryMdState, IsSavedAlikeAfterLoading) {
     ExpectSavedAlike(Save(*machine), *Start(GetParam()));
 }
 
+TEST_P(EveryMdState, WithoutItsSoundLoadsWithEmptyResamplers) {
+    ExpectLoadsWithoutItsSound([] { return Start(GetParam()); }, Play, 2);
+}
+
 TEST_P(EveryMdState, IsRefusedWhenItIsCutOrOfAnotherVersionOrSize) {
     const auto machine = Start(GetParam());
     const SAVED saved = Save(*machine);
     std::vector<uint32_t> sizes = AllPieceSizes(saved);
-    sizes.resize(7); // the sound behind them may be missing
+    sizes.resize(7); // the sound after them may be missing
     ExpectCutsAreRefused(*machine, saved, sizes);
     ExpectWrongHeadersAreRefused(*machine, saved, sizes);
 }

@@ -197,7 +197,7 @@ TEST(MdVdpFifo, TheFifthWriteStallsUntilFourAreLeft) {
     EXPECT_EQ(rig.vdp->status & kMdVdpFifoFull, 0);
 }
 
-// The FIFO looks at its own count alone, whatever else holds the processor.
+// The FIFO checks its own count alone, whatever else stalls the processor.
 TEST(MdVdpFifo, FallingToFourReleasesTheProcessorThoughADmaRuns) {
     MdVdpRig rig;
     rig.Setup(true);
@@ -432,13 +432,13 @@ TEST(MdVdpDma, ItsColourIsForgottenAtTheStartOfALine) {
             rig.Setup(h40);
             rig.Reg(1, 4);
             rig.Reg(7, 0);
-            // The slot is the first odd step from here on: two in front of the start, or two behind it.
+            // The slot is the first odd step from here on: two before the start, or two after it.
             rig.RunTo(30, before ? start - 2 : start + 1);
             Dma(rig, kCramCode, 0x40, 0x0E0E, 1);
             rig.Steps(2);
-            EXPECT_EQ(rig.vdp->cramDot, kMdVdpHeld | 7 << 6 | 7);
-            rig.Step(); // that of the start, or one behind it
-            EXPECT_EQ(rig.vdp->cramDot, before ? 0 : kMdVdpHeld | 7 << 6 | 7);
+            EXPECT_EQ(rig.vdp->cramDot, kMdVdpValid | 7 << 6 | 7);
+            rig.Step(); // that of the start, or one after it
+            EXPECT_EQ(rig.vdp->cramDot, before ? 0 : kMdVdpValid | 7 << 6 | 7);
             rig.RunTo(31, 0);
             EXPECT_EQ(rig.At(0, 30), before ? EntryPixel(0) : PlainPixel(7 << 6 | 7));
             EXPECT_EQ(rig.At(1, 30), EntryPixel(0));
@@ -557,7 +557,7 @@ TEST(MdVdpDma, AHeldWordBeginsTheNextOne) {
     rig.vdp->pendingSecond = 1;
     rig.Control(0x0090);
     rig.reads.clear();
-    rig.Steps(4); // both words; the length of 0 behind them is 65,536
+    rig.Steps(4); // both words; the length of 0 after them is 65,536
     EXPECT_EQ(rig.reads.size(), 2U);
     EXPECT_EQ(rig.vdp->dmaState, kMdVdpDmaBus);
     EXPECT_EQ(rig.vdp->dmaLength, 0x10000U);

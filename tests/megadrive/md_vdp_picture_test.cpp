@@ -110,7 +110,7 @@ TEST(MdVdpMidLine, DisplaySwitchedOffShowsTheBackdropAndOnAgainThePlane) {
         {319, 8}
     };
     // 32 cells show what was fetched up to dot 49, pixels 64 to 79 at the last, and draw again what is fetched
-    // behind dot 149; pixels 160 to 175 would have been fetched six steps before.
+    // after dot 149; pixels 160 to 175 would have been fetched six steps before.
     const std::vector<Pixel> narrow{
         {49,  2},
         {50,  3},
@@ -232,7 +232,7 @@ namespace {
 struct Scene {
     uint32_t plane;  // word of plane A's cell
     uint32_t sprite; // first sprite's attributes, 0 for none
-    uint32_t second; // a sprite behind it
+    uint32_t second; // the next sprite of the list
 };
 
 constexpr uint32_t kHigh = 0x8000;
@@ -354,7 +354,7 @@ TEST(MdVdpShadow, AnOperatorCountsNoDotAndHidesTheSpriteBehind) {
     rig.Reg(12, 0x89);
     rig.Sprite(0, 0, 40, 0, 1, kShadow);
     rig.Sprite(1, 0, 40, 0, 0x7F, 3);
-    rig.WalkFor(40);
+    rig.ScanFor(40);
     EXPECT_EQ(rig.vdp->shadowOp[3], 5);
     EXPECT_EQ(rig.vdp->spriteDots[3], 0);
     EXPECT_EQ(rig.vdp->layerCode[3], 0);
@@ -373,12 +373,12 @@ TEST(MdVdpShadow, OperatorCodesFollowPriority) {
         rig.Setup(true);
         rig.Reg(12, 0x89);
         rig.Sprite(0, 0, 40, 0, 0x7F, row[0]);
-        rig.WalkFor(40);
+        rig.ScanFor(40);
         EXPECT_EQ(rig.vdp->shadowOp[3], row[1]);
     }
 }
 
-// An operator behind a sprite pixel is a collision and does nothing.
+// An operator under a sprite pixel is a collision and does nothing.
 TEST(MdVdpShadow, AnOperatorBehindASpriteDoesNothing) {
     EXPECT_EQ(ShadowPixel({2, 3 | kHigh, kShadow}), Normal(3));
     EXPECT_EQ(ShadowPixel({2, 3, kHighlight | kHigh}), Shadowed(3));

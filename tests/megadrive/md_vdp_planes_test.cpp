@@ -47,7 +47,7 @@ TEST(MdVdpPlanes, CellsShowTheirPaletteAndFlips) {
     }
 }
 
-// Whatever has a pixel, the largest code is seen.
+// Of all layers with a pixel, the one with the largest code is shown.
 TEST(MdVdpPlanes, OrderOfLayersIsThatOfTheirCodes) {
     struct Layers {
         uint32_t b, a, window, sprite; // name table words; 0 is transparent
@@ -207,7 +207,7 @@ TEST(MdVdpPlanes, VerticalScrollOfColumnPairs) {
 }
 
 // Fine scroll of 5 shows a part of a cell at the left, which goes with the first pair of columns, as do the
-// two cells behind it: pixels 0 to 20.
+// two cells after it: pixels 0 to 20.
 TEST(MdVdpPlanes, PartialFirstCellTakesTheScrollOfTheFirstPair) {
     for (const uint32_t plane : {0U, 1U}) {
         MdVdpRig rig;

@@ -52,7 +52,7 @@ TEST(MdVdpReset, KeepsTheCartridgesMarkAndDropsWhatWaits) {
     EXPECT_EQ(rig.vdp->fifoCount, 0U);
     EXPECT_EQ(rig.stall, 0U);
     EXPECT_EQ(rig.zInt, 0U);
-    // Nothing goes on behind it.
+    // Nothing goes on after it.
     rig.irqs.clear();
     rig.Steps(300);
     EXPECT_TRUE(rig.reads.empty());
@@ -365,10 +365,10 @@ TEST(MdVdpColours, SomeByHand) {
     EXPECT_EQ(tables[512], 0xFF000000U);
     EXPECT_EQ(tables[512 + 511], 0xFFF8F8F8U);
     EXPECT_EQ(tables[512 + (1 << 6 | 2 << 3 | 3)], 0xFF23466AU); // 35, 70 and 106
-    // Black: Y 16; shadow 0 gives 1.164 * -16, highlight 32 gives 1.164 * 16 = 18.6.
+    // Black: Y 16; shadow 0 is 1.164 * -16, highlight 32 is 1.164 * 16 = 18.6.
     EXPECT_EQ(tables[0], 0xFF000000U);
     EXPECT_EQ(tables[1024], 0xFF121212U);
-    // White: Y = 248 * 0.859 + 16 = 229.032; shadow 106.516 gives 105.36, highlight 255 gives 278.
+    // White: Y = 248 * 0.859 + 16 = 229.032; shadow 106.516 is 105.36, highlight 255 is 278.
     EXPECT_EQ(tables[511], 0xFF696969U);
     EXPECT_EQ(tables[1024 + 511], 0xFFFFFFFFU);
 }

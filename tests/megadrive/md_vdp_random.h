@@ -1,4 +1,4 @@
-// A busy picture and accesses of every kind, by chance.
+// A busy picture and accesses of every kind, at random.
 #pragma once
 
 #include "megadrive/md_vdp_rig.h"

@@ -1,4 +1,4 @@
-// A bare video processor with its lines, a bus and a picture, for the tests of the chip.
+// A bare VDP with its lines, a bus and a picture, for the tests of the chip.
 #pragma once
 
 #include "megadrive/md_vdp.h"
@@ -28,7 +28,7 @@ inline uint32_t EntryPixel(uint32_t entry) {
 }
 
 struct IrqLog {
-    uint32_t hCount; // behind the step
+    uint32_t hCount; // after the step
     uint32_t line;
     uint32_t irq;
     uint32_t state;
@@ -126,13 +126,13 @@ public:
             Step();
         }
     }
-    // Until this step is the next.
+    // Runs until this step is the next.
     void RunTo(uint32_t line, uint32_t hCount) {
         do {
             Step();
         } while (vdp->line != line || vdp->hCount != hCount);
     }
-    // To the end of the frame; gives the steps that it took.
+    // Runs to the end of the frame and returns the number of steps.
     uint32_t Finish() {
         MdVdpBeginFrame(*vdp, pixels.data());
         uint32_t steps = 0;
@@ -141,8 +141,8 @@ public:
         }
         return steps;
     }
-    // The sprites of `line`, as its walk finds them.
-    void WalkFor(uint32_t line) {
+    // Scans the list for the sprites of `line`.
+    void ScanFor(uint32_t line) {
         RunTo(line - 1, vdp->h40 != 0 ? 397 : 319);
         Step();
     }
@@ -155,7 +155,7 @@ public:
     uint32_t zInt = 0;
     uint32_t stall = 0;
     std::vector<IrqLog> irqs;
-    std::vector<uint32_t> reads; // addresses on the bus, which gives half of each
+    std::vector<uint32_t> reads; // addresses on the bus, which returns half of each
     std::unique_ptr<MD_VDP> vdp = std::make_unique<MD_VDP>();
     std::vector<uint32_t> pixels = std::vector<uint32_t>(kMdVdpPixels);
 

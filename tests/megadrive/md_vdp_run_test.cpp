@@ -34,7 +34,7 @@ TEST(MdVdpRun, IsTheSameAsSingleClocks) {
             const uint32_t clocks = 1 + static_cast<uint32_t>(random()) % longest;
             MdVdpRun(*many.vdp, clocks * 7);
             for (uint32_t clock = 0; clock < clocks; ++clock) {
-                MdVdpClock(*single.vdp);
+                MdVdpTick(*single.vdp);
             }
             ASSERT_EQ(many.vdp->hCount, single.vdp->hCount) << seed << " " << round;
             ASSERT_EQ(many.vdp->stepDebt, single.vdp->stepDebt) << seed << " " << round;
@@ -54,7 +54,7 @@ TEST(MdVdpRun, IsTheSameAsSingleClocks) {
     }
 }
 
-// As many clocks as the chip promises to keep to itself: nothing of the machine has changed behind them.
+// Runs as many clocks as the chip promises to keep to itself: after them nothing of the machine has changed.
 TEST(MdVdpRun, NothingOfTheMachineChangesBeforeTheEventTold) {
     uint32_t promised = 0;
     for (uint32_t seed = 0; seed < 8; ++seed) {
@@ -71,7 +71,7 @@ TEST(MdVdpRun, NothingOfTheMachineChangesBeforeTheEventTold) {
             uint32_t clocks = MdVdpClocksToEvent(*rig.vdp) / 7;
             promised += clocks;
             for (; clocks != 0; --clocks) {
-                MdVdpClock(*rig.vdp);
+                MdVdpTick(*rig.vdp);
             }
             ASSERT_TRUE(rig.irqs.empty()) << seed << " " << round;
             ASSERT_TRUE(rig.reads.empty()) << seed << " " << round;
@@ -79,7 +79,7 @@ TEST(MdVdpRun, NothingOfTheMachineChangesBeforeTheEventTold) {
             ASSERT_EQ(rig.stall, stall);
             ASSERT_EQ(rig.zInt, zInt);
             for (uint32_t i = static_cast<uint32_t>(random()) % 40; i != 0; --i) {
-                MdVdpClock(*rig.vdp);
+                MdVdpTick(*rig.vdp);
             }
         }
     }

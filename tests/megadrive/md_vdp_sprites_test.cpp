@@ -1,4 +1,4 @@
-// Sprites: sizes and flips, the walk and its ends, masking, collision and overflow.
+// Sprites: sizes and flips, the list scan and its ends, masking, collision and overflow.
 #include "megadrive/md_vdp_private.h"
 #include "megadrive/md_vdp_rig.h"
 
@@ -141,13 +141,13 @@ TEST(MdVdpSpriteWalk, EndsAtTheVisibleLimitAndSetsOverflow) {
         MdVdpRig rig;
         rig.Setup(mode.h40);
         Chain(rig, mode.visible - 1, 0);
-        rig.WalkFor(40);
-        EXPECT_EQ(rig.vdp->walk.visible, mode.visible - 1);
+        rig.ScanFor(40);
+        EXPECT_EQ(rig.vdp->spriteScan.visible, mode.visible - 1);
         EXPECT_EQ(Overflow(rig), 0U);
         Chain(rig, mode.visible + 3, 0);
-        rig.WalkFor(40);
-        EXPECT_EQ(rig.vdp->walk.visible, mode.visible);
-        EXPECT_EQ(rig.vdp->walk.seen, mode.visible);
+        rig.ScanFor(40);
+        EXPECT_EQ(rig.vdp->spriteScan.visible, mode.visible);
+        EXPECT_EQ(rig.vdp->spriteScan.seen, mode.visible);
         EXPECT_NE(Overflow(rig), 0U);
         // The last one that counts is drawn, the next isn't: sprites begin every three pixels.
         EXPECT_NE(rig.vdp->spriteDots[4 + (mode.visible - 1) * 3 + 7], 0);
@@ -161,13 +161,13 @@ TEST(MdVdpSpriteWalk, EndsWhenTheDotsRunOut) {
         rig.Setup(mode.h40);
         const uint32_t wide = 0xC; // 32 pixels
         Chain(rig, mode.dots / 32 - 1, wide);
-        rig.WalkFor(40);
-        EXPECT_EQ(rig.vdp->walk.flags & kMdVdpWalkDotsRanOut, 0U);
+        rig.ScanFor(40);
+        EXPECT_EQ(rig.vdp->spriteScan.flags & kMdVdpScanDotsRanOut, 0U);
         Chain(rig, mode.dots / 32 + 2, wide);
-        rig.WalkFor(40);
-        EXPECT_EQ(rig.vdp->walk.dots, mode.dots);
-        EXPECT_EQ(rig.vdp->walk.seen, mode.dots / 32);
-        EXPECT_NE(rig.vdp->walk.flags & kMdVdpWalkDotsRanOut, 0U);
+        rig.ScanFor(40);
+        EXPECT_EQ(rig.vdp->spriteScan.dots, mode.dots);
+        EXPECT_EQ(rig.vdp->spriteScan.seen, mode.dots / 32);
+        EXPECT_NE(rig.vdp->spriteScan.flags & kMdVdpScanDotsRanOut, 0U);
         EXPECT_EQ(Overflow(rig), 0U);
     }
 }
@@ -178,8 +178,8 @@ TEST(MdVdpSpriteWalk, DotsRunOutWithinASprite) {
     Chain(rig, 9, 0xC);
     rig.Sprite(0, 200, 40, 0x8, 1, 1); // 24 pixels: 24 + 7 * 32 = 248, and 8 of the last
     rig.Sprite(8, 220, 40, 0xC, 0x7F, 1);
-    rig.WalkFor(40);
-    EXPECT_EQ(rig.vdp->walk.dots, 256U);
+    rig.ScanFor(40);
+    EXPECT_EQ(rig.vdp->spriteScan.dots, 256U);
     EXPECT_NE(rig.vdp->spriteDots[227], 0);
     EXPECT_EQ(rig.vdp->spriteDots[228], 0);
 }
@@ -191,10 +191,10 @@ TEST(MdVdpSpriteWalk, EndsAtALinkBeyondTheList) {
         rig.Sprite(0, 10, 0, 0, mode.links - 1, 1); // not on the line
         rig.Sprite(mode.links - 1, 20, 40, 0, mode.links, 1);
         rig.Sprite(mode.links, 60, 40, 0, 0x7F, 1);
-        rig.WalkFor(40);
-        EXPECT_EQ(rig.vdp->walk.seen, 2U);
-        EXPECT_EQ(rig.vdp->walk.visible, 1U);
-        EXPECT_EQ(rig.vdp->walk.index, mode.links - 1);
+        rig.ScanFor(40);
+        EXPECT_EQ(rig.vdp->spriteScan.seen, 2U);
+        EXPECT_EQ(rig.vdp->spriteScan.visible, 1U);
+        EXPECT_EQ(rig.vdp->spriteScan.index, mode.links - 1);
     }
 }
 
@@ -204,9 +204,9 @@ TEST(MdVdpSpriteWalk, EndsBehindSprite79WhateverItsLink) {
     rig.Sprite(0, 10, 40, 0, 79, 1);
     rig.Sprite(79, 60, 40, 0, 1, 1);
     rig.Sprite(1, 100, 40, 0, 0x7F, 1);
-    rig.WalkFor(40);
-    EXPECT_EQ(rig.vdp->walk.seen, 2U);
-    EXPECT_EQ(rig.vdp->walk.index, 79U);
+    rig.ScanFor(40);
+    EXPECT_EQ(rig.vdp->spriteScan.seen, 2U);
+    EXPECT_EQ(rig.vdp->spriteScan.index, 79U);
     EXPECT_NE(rig.vdp->spriteDots[60], 0);
     EXPECT_EQ(rig.vdp->spriteDots[100], 0);
 }
@@ -217,9 +217,9 @@ TEST(MdVdpSpriteWalk, EndsWithItsTime) {
         rig.Setup(mode.h40);
         // Sprite 0 is not on the line and links to itself: two words each time.
         rig.Sprite(0, 10, 0, 0, 0, 1);
-        rig.WalkFor(40);
-        EXPECT_EQ(rig.vdp->walk.seen, mode.budget / 2);
-        EXPECT_EQ(rig.vdp->walk.visible, 0U);
+        rig.ScanFor(40);
+        EXPECT_EQ(rig.vdp->spriteScan.seen, mode.budget / 2);
+        EXPECT_EQ(rig.vdp->spriteScan.visible, 0U);
     }
 }
 
@@ -231,11 +231,11 @@ TEST(MdVdpSpriteWalk, TimeRunsOutInTheMiddleOfASprite) {
         rig.Setup(true);
         rig.Sprite(0, 10, 40, 0xC, 0x7F, 1);
         rig.RunTo(39, 200);
-        rig.vdp->walk = {};
+        rig.vdp->spriteScan = {};
         MdVdpFetchSprites(*rig.vdp, budget);
-        EXPECT_EQ(rig.vdp->walk.seen, budget >= 1 ? 1U : 0U) << budget;
-        EXPECT_EQ(rig.vdp->walk.visible, budget >= 2 ? 1U : 0U) << budget;
-        EXPECT_EQ(rig.vdp->walk.dots, dots[budget]) << budget;
+        EXPECT_EQ(rig.vdp->spriteScan.seen, budget >= 1 ? 1U : 0U) << budget;
+        EXPECT_EQ(rig.vdp->spriteScan.visible, budget >= 2 ? 1U : 0U) << budget;
+        EXPECT_EQ(rig.vdp->spriteScan.dots, dots[budget]) << budget;
         for (uint32_t x = 0; x < 32; ++x) {
             ASSERT_EQ(rig.vdp->spriteDots[10 + x], x < dots[budget] ? 1 : 0) << budget;
         }
@@ -247,8 +247,8 @@ TEST(MdVdpSpriteWalk, ALinkOf0GoesRoundUntilALimit) {
         MdVdpRig rig;
         rig.Setup(mode.h40);
         rig.Sprite(0, 10, 40, 0, 0, 1);
-        rig.WalkFor(40);
-        EXPECT_EQ(rig.vdp->walk.seen, mode.visible);
+        rig.ScanFor(40);
+        EXPECT_EQ(rig.vdp->spriteScan.seen, mode.visible);
         EXPECT_EQ(rig.vdp->spriteDots[10], mode.visible); // over itself
         EXPECT_NE(Overflow(rig), 0U);
     }
@@ -258,13 +258,13 @@ TEST(MdVdpSpriteWalk, IsForActiveLinesOnly) {
     MdVdpRig rig;
     rig.Setup(true);
     rig.Sprite(0, 10, 220, 0, 0x7F, 1);
-    rig.WalkFor(223);
-    EXPECT_EQ(rig.vdp->walk.visible, 1U);
-    rig.WalkFor(224);
-    EXPECT_EQ(rig.vdp->walk.seen, 0U);
+    rig.ScanFor(223);
+    EXPECT_EQ(rig.vdp->spriteScan.visible, 1U);
+    rig.ScanFor(224);
+    EXPECT_EQ(rig.vdp->spriteScan.seen, 0U);
     rig.RunTo(261, 397);
     rig.Step();
-    EXPECT_EQ(rig.vdp->walk.seen, 1U);
+    EXPECT_EQ(rig.vdp->spriteScan.seen, 1U);
 }
 
 TEST(MdVdpSpriteWalk, CountsWithoutDrawingWhenTheDisplayIsOff) {
@@ -272,8 +272,8 @@ TEST(MdVdpSpriteWalk, CountsWithoutDrawingWhenTheDisplayIsOff) {
     rig.Setup(true);
     Chain(rig, 3, 0xC);
     rig.Reg(1, 4);
-    rig.WalkFor(40);
-    EXPECT_EQ(rig.vdp->walk.dots, 96U);
+    rig.ScanFor(40);
+    EXPECT_EQ(rig.vdp->spriteScan.dots, 96U);
     EXPECT_EQ(rig.vdp->spriteDots[10], 0);
     EXPECT_EQ(rig.vdp->layerCode[10], 0);
 }
@@ -285,10 +285,10 @@ TEST(MdVdpSpriteMask, HidesBehindASpriteWithX0AfterAnother) {
     rig.Sprite(0, 10, 40, 0, 1, 1);
     rig.Sprite(1, masking, 40, 0, 2, 1);
     rig.Sprite(2, 60, 40, 0, 0x7F, 1);
-    rig.WalkFor(40);
+    rig.ScanFor(40);
     EXPECT_NE(rig.vdp->spriteDots[10], 0);
     EXPECT_EQ(rig.vdp->spriteDots[60], 0);
-    EXPECT_EQ(rig.vdp->walk.dots, 24U); // all three
+    EXPECT_EQ(rig.vdp->spriteScan.dots, 24U); // all three
 }
 
 TEST(MdVdpSpriteMask, DoesNothingAsTheFirstOfALine) {
@@ -297,13 +297,13 @@ TEST(MdVdpSpriteMask, DoesNothingAsTheFirstOfALine) {
     rig.Sprite(0, 0U - 128, 40, 0, 1, 1);
     rig.Sprite(1, 60, 40, 0, 2, 1);
     rig.Sprite(2, 80, 40, 0, 0x7F, 1);
-    rig.WalkFor(40);
+    rig.ScanFor(40);
     EXPECT_NE(rig.vdp->spriteDots[60], 0);
     EXPECT_NE(rig.vdp->spriteDots[80], 0);
     // A sprite of another line doesn't count as seen.
     rig.Sprite(0, 10, 100, 0, 1, 1);
     rig.Sprite(1, 0U - 128, 40, 0, 2, 1);
-    rig.WalkFor(40);
+    rig.ScanFor(40);
     EXPECT_NE(rig.vdp->spriteDots[80], 0);
 }
 
@@ -318,11 +318,11 @@ TEST(MdVdpSpriteMask, HidesAtOnceWhenTheLineBeforeRanOutOfDots) {
         }
         rig.Sprite(count, 0U - 128, 40, 0, count + 1, 1);
         rig.Sprite(count + 1, 60, 40, 0, 0x7F, 1);
-        rig.WalkFor(40);
+        rig.ScanFor(40);
         EXPECT_EQ(rig.vdp->spriteDots[60], 0);
-        EXPECT_EQ(rig.vdp->walk.dots, 16U);
+        EXPECT_EQ(rig.vdp->spriteScan.dots, 16U);
         rig.Step();
-        rig.WalkFor(41); // line 40 didn't run out
+        rig.ScanFor(41); // line 40 didn't run out
         EXPECT_NE(rig.vdp->spriteDots[60], 0);
     }
 }
@@ -337,14 +337,14 @@ TEST(MdVdpSprites, OfDoubleInterlaceHaveTenBitsOfYAndBothFields) {
     rig.Sprite(0, 10, 0, 1, 0x7F, 8);
     rig.Word(0x5000, (150 + 128) * 2);
     for (uint32_t frame = 0; frame < 2; ++frame) {
-        rig.WalkFor(150);
+        rig.ScanFor(150);
         EXPECT_NE(rig.vdp->spriteDots[10], 0);
         for (uint32_t y = 0; y < 16; ++y) {
-            rig.WalkFor(150 + y);
+            rig.ScanFor(150 + y);
             const uint32_t row = 2 * y + rig.vdp->field;
             ASSERT_EQ(rig.vdp->spriteLine[10], RigColour(row % 15 + 1)) << y;
         }
-        rig.WalkFor(166);
+        rig.ScanFor(166);
         EXPECT_EQ(rig.vdp->spriteDots[10], 0);
         rig.Finish();
     }

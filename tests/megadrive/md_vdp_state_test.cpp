@@ -53,7 +53,7 @@ TEST(MdVdpState, ARefusedOneChangesNothing) {
     EXPECT_EQ(Save(*rig.vdp), before);
 }
 
-// Any moment: what the ports and the picture give from there on is the same.
+// At any moment: what the ports return and the picture shows from there on is the same.
 TEST(MdVdpState, RestoredRunsAreTheSame) {
     for (uint32_t seed = 0; seed < 60; ++seed) {
         MdVdpRig first;
@@ -78,8 +78,8 @@ TEST(MdVdpState, RestoredRunsAreTheSame) {
         for (uint32_t i = 0; i < 300; ++i) {
             const uint32_t clocks = static_cast<uint32_t>(random()) % 700;
             for (uint32_t clock = 0; clock < clocks; ++clock) {
-                MdVdpClock(*first.vdp);
-                MdVdpClock(*second.vdp);
+                MdVdpTick(*first.vdp);
+                MdVdpTick(*second.vdp);
             }
             ASSERT_EQ(Access(first, firstAccess), Access(second, secondAccess)) << seed;
         }
@@ -101,7 +101,7 @@ TEST(MdVdpState, RestoresInTheMiddleOfADma) {
     first.Reg(22, 0x10);
     first.Reg(23, 0);
     first.Command(0x21, 0x8000);
-    first.RunTo(first.vdp->line + 2, 60); // behind slot 59: an odd number of halves
+    first.RunTo(first.vdp->line + 2, 60); // after slot 59: an odd number of halves
     first.Control(0x8712);
     EXPECT_EQ(first.vdp->dmaState, kMdVdpDmaBus);
     MdVdpRig second;
@@ -119,7 +119,7 @@ TEST(MdVdpState, RestoresInTheMiddleOfADma) {
     EXPECT_EQ(Save(*first.vdp), Save(*second.vdp));
 }
 
-// One less than the lowest number would be none.
+// Decrementing the lowest number would overflow.
 TEST(MdVdpState, ALineCounterOutOfItsRangeComesBackIntoIt) {
     MdVdpRig rig;
     for (const int32_t counter : {std::numeric_limits<int32_t>::min(), -2, 256, 1 << 30}) {
@@ -131,7 +131,7 @@ TEST(MdVdpState, ALineCounterOutOfItsRangeComesBackIntoIt) {
     }
 }
 
-// Bytes of no chip: what counts or points is brought back into its range, and the chip runs on.
+// Random bytes: counters and indexes are brought back into range, and the chip runs on.
 TEST(MdVdpState, AnyBytesAreSafe) {
     std::mt19937 random(1);
     for (uint32_t round = 0; round < 60; ++round) {

@@ -68,12 +68,12 @@ TEST(MdVdpTiming, TheClockRunsAStepWhenItsTimeIsOwed) {
         rig.vdp->stepDebt = 0;
         // 7 * 3420 clocks of 7 are 7 lines, to the clock.
         for (uint32_t clock = 0; clock < 3420; ++clock) {
-            MdVdpClock(*rig.vdp);
+            MdVdpTick(*rig.vdp);
         }
         EXPECT_EQ(rig.vdp->line, 14U);
         EXPECT_EQ(rig.vdp->hCount, 0U);
         EXPECT_EQ(rig.vdp->stepDebt, 0);
-        MdVdpClock(*rig.vdp);
+        MdVdpTick(*rig.vdp);
         EXPECT_EQ(rig.vdp->hCount, 1U);
         EXPECT_EQ(rig.vdp->stepDebt, width.h40 ? -1 : -3);
     }
@@ -215,7 +215,7 @@ TEST(MdVdpTiming, HBlankLiesBetweenItsSteps) {
     }
 }
 
-// From the first line on an H interrupt comes behind register 10's number of lines and one more.
+// From the first line on, an H interrupt comes after register 10's number of lines plus one.
 TEST(MdVdpTiming, HInterruptCountsLines) {
     for (const Width& width : kWidths) {
         for (const uint32_t every : {0U, 1U, 5U, 100U, 223U, 224U, 255U}) {
@@ -316,7 +316,7 @@ TEST(MdVdpPicture, HasItsBordersAboveAndBelow) {
     }
 }
 
-// The border above is drawn in the last lines of the frame, the one below behind the picture.
+// The border above is drawn in the last lines of the frame, the one below after the picture.
 TEST(MdVdpPicture, BorderRowsComeFromTheirLines) {
     for (const uint32_t tvMode : {kMdVdp60Hz, kMdVdp50Hz}) {
         MdVdpRig rig(tvMode);
@@ -447,7 +447,7 @@ void RunInterlaced(MdVdpRig& rig, uint32_t reg12, uint32_t field, uint32_t line)
 } // namespace
 
 // The border of 8 rows counts doubled lines: four lines at the end of the frame are above the picture, four
-// behind it below.
+// after it below.
 TEST(MdVdpPicture, BorderRowsOfDoubleInterlaceAreFourLines) {
     struct Row {
         uint32_t line;

@@ -31,7 +31,7 @@ protected:
         ASSERT_EQ(md.z80.running, 0u);
     }
 
-    // What reads of nothing give: the word at the program counter, which is put on a known one.
+    // What an undriven bus reads as: the word at the program counter, which is set to a known one.
     uint32_t OpenBus() {
         md.workRam[0x100] = 0x5AA5;
         md.cpu.pc = 0xFF0200;
@@ -632,7 +632,7 @@ TEST(MegaDriveFrame, MixesAsMuchAsTheChipThatIsAheadHas) {
     }
 }
 
-// The chip that is ahead sets the count, and the other one is pulled up to it.
+// The chip that is ahead sets the count, and the other one catches up with it.
 TEST(MegaDriveFrame, MixesAtTheLargerCountAndPullsTheOtherChipUp) {
     for (const bool fmIsAhead : {true, false}) {
         SCOPED_TRACE(fmIsAhead ? "FM" : "PSG");
@@ -660,7 +660,7 @@ TEST(MegaDriveFrame, MixesAtTheLargerCountAndPullsTheOtherChipUp) {
     }
 }
 
-// The processor's own STOP shares its flag with the video chip, and here the chip alone stops it.
+// The processor's STOP shares its flag with the VDP; here the VDP alone stops it.
 TEST(MegaDriveFrame, HeldByATransferItTakesItsInterruptAfterwards) {
     MdProgram program;
     // 32 KiB of ROM to VRAM with the picture on takes longer than a frame.
@@ -759,11 +759,10 @@ TEST(MegaDriveFrame, AddressErrorEndsTheMachineWithWords) {
     EXPECT_FALSE(machine->ended);
 }
 
-// The chips that wait in the fast loop have their time before the machine stands still.
+// The chips that the fast loop owes clocks get them before the machine stops.
 TEST(MegaDriveFrame, AddressErrorLeavesTheSameStateInBothLoops) {
     MdProgram program;
-    program.Words({0x303C, 999, 0x51C8, 0xFFFE, 0x3039})
-        .Long(0xFF0001); // 1000 rounds of dbra; move.w
+    program.Words({0x303C, 999, 0x51C8, 0xFFFE, 0x3039}).Long(0xFF0001); // 1000 times dbra; move.w
     std::vector<std::vector<uint8_t>> states;
     for (const bool plain : {false, true}) {
         const auto machine = StartMd(program);
@@ -782,7 +781,7 @@ TEST(MegaDriveFrame, AddressErrorLeavesTheSameStateInBothLoops) {
 TEST(MegaDriveFrame, AZ80ThatStopsItselfLeavesTheSameStateInBothLoops) {
     MdProgram program;
     // ld a,(count); inc a; ld (count),a; bank 0xA10000, bit by bit from bit 15; ld a,1; ld (0x9100),a with
-    // something behind it; then the same by HL, and a reset.
+    // something after it; then the same by HL, and a reset.
     std::vector<int> code{0x3A, 0x00, 0x01, 0x3C, 0x32, 0x00, 0x01, 0x21, 0x00, 0x60};
     for (const int bit : {0, 1, 0, 0, 0, 0, 1, 0, 1}) {
         code.insert(code.end(), {0x36, bit}); // ld (hl),bit
@@ -829,8 +828,8 @@ TEST(MegaDriveFrame, OddResetVectorEndsTheMachine) {
     EXPECT_TRUE(machine->ended);
 }
 
-// An opcode that there isn't takes no time, so a routine for it that begins with another one never gets on. The
-// frame ends all the same, at the same place of both loops.
+// An illegal opcode takes no time, so its routine that begins with another one never gets anywhere. The frame
+// ends all the same, at the same point in both loops.
 TEST(MegaDriveFrame, EndsThoughItsInstructionsTakeNoTime) {
     constexpr int kNoSuchOpcode = 0x4E78;
     const MdProgram program =

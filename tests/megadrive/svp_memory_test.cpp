@@ -82,8 +82,8 @@ TEST(SvpMemory, OtherAccessWithPmcSetTakesNothingAndReadsZero) {
     EXPECT_EQ(rig.Get(9), 0u);
 }
 
-// The word in front of the next instruction is looked at, which is the immediate of `ld PMx, imm`: 0 to 15 and
-// those of the form 00n0 make the access a blind one, whatever register they would name.
+// The word before the next instruction decides, which is the immediate of `ld PMx, imm`: 0 to 15 and those of
+// the form 00n0 make the access a blind one, whatever register they would name.
 TEST(SvpMemory, ImmediateOfTheBlindFormMakesTheAccessBlind) {
     struct ROW {
         int immediate;
@@ -183,7 +183,7 @@ TEST(SvpMemory, StepsOfReadsAndWrites) {
          {0x8000 | Step(1), 0x100, 0x0FF},
          {0x8000 | Step(6), 0x100, 0x0E0},
          {0x8000 | Step(7), 0x100, 0x080},
-         // What runs out of the address is lost.
+         // A carry out of the address is lost.
          {Step(1), 0xFFFF, 0x0000},
          {Step(7), 0xFFC0, 0x0040},
          {0x8000 | Step(1), 0x0000, 0xFFFF},

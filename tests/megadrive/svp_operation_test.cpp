@@ -143,7 +143,7 @@ TEST(SvpOperation, EveryPlainRegisterIsSourceAndDestination) {
         SvpRig rig;
         const int value = 0x1204 + number * 0x100; // no bit that programs a PM register
         rig.Run({0x0800 | number << 4, value, 0x0400 | number << 4 | 0x03}, 2);
-        // PM0's low bits are status and AL a half of A; neither stands in the way here.
+        // PM0's low bits are status and AL a half of A; neither matters here.
         EXPECT_EQ(rig.svp->ram[0][0], value) << number;
         // And from register to register.
         SvpRig copy;
@@ -410,7 +410,7 @@ TEST(SvpOperation, MultiplyFormsReachFixedCellsOfBothBanks) {
 }
 
 TEST(SvpOperation, FreeOpcodesDoNothing) {
-    // All that stand for an instruction: the families of operations have seven forms each.
+    // All opcodes with an instruction: each family of operations has seven forms.
     std::vector<int> used{0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x09, 0x0A, 0x0C,
                           0x0D, 0x0E, 0x0F, 0x24, 0x25, 0x26, 0x48, 0x1B, 0x4B, 0x5B};
     for (const OPERATION_ROW& row : kOperations) {

@@ -27,7 +27,7 @@ public:
         return static_cast<uint16_t>((index * 0x9E35 + (index >> 16) * 0x1357) & 0xFFFF);
     }
 
-    // Runs as many instructions from `at`.
+    // Stores `words` at `at` and runs `instructions` from there.
     void Run(std::initializer_list<int> words, int instructions = 1, uint32_t at = kProgram) {
         uint32_t to = at;
         for (const int word : words) {
@@ -54,7 +54,7 @@ public:
 
     uint32_t Flags() const { return Get(kSvpSt) & (kSvpStZero | kSvpStNegative); }
 
-    // Gives a PM register its access, as a program does: address, mode, then a blind access.
+    // Sets the access of a PM register, as a program does: address, mode, then a blind access.
     void Program(uint32_t number, bool write, uint32_t address, uint32_t mode) {
         const int blind = static_cast<int>(write ? number << 4 : number);
         Run({0x08E0, static_cast<int>(address), 0x08E0, static_cast<int>(mode), blind}, 3);

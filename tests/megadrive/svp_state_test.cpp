@@ -15,7 +15,7 @@ uint32_t Load(SvpRig& rig, const std::vector<uint8_t>& block) {
     return SvpLoadState(*rig.svp, block.data(), static_cast<uint32_t>(block.size()));
 }
 
-// A program of chance in all of program memory, and registers of chance.
+// Random words in all of program memory, and random registers.
 void Shuffle(SvpRig& rig, uint32_t seed) {
     std::mt19937 random(seed);
     for (auto& word : rig.svp->iramRom) {
@@ -57,7 +57,7 @@ TEST(SvpState, FieldsStandInTheirPlaces) {
     EXPECT_EQ(at32(13), 0x4321u);
     EXPECT_EQ(at32(17), 0xFFFF0000u);
     EXPECT_EQ(at32(17 + 3 * 4), 0x89ABCDEFu);
-    // Triples of 10 bytes behind the registers.
+    // Triples of 10 bytes after the registers.
     EXPECT_EQ(at16(81 + 10), 0x1111);
     EXPECT_EQ(at32(81 + 12), 0x22222222u);
     EXPECT_EQ(at32(81 + 16), 0x33333333u);

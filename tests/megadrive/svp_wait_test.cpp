@@ -44,7 +44,7 @@ TEST(SvpReset, StartsAtItsFirstRomWord) {
     EXPECT_EQ(rig.svp->emuStatus, 0u);
     EXPECT_EQ(rig.svp->dram[0x1234], 0);
     EXPECT_EQ(rig.svp->r[0], 0);
-    // IRAM is empty; the ROM copy stands at its own addresses, up to the end of program memory.
+    // IRAM is empty; the ROM copy is at its own addresses, up to the end of program memory.
     EXPECT_EQ(rig.svp->iramRom[0x3FF], 0);
     EXPECT_EQ(rig.svp->iramRom[0x400], SvpRig::RomWord(0x400));
     EXPECT_EQ(rig.svp->iramRom[0xFFFF], SvpRig::RomWord(0xFFFF));
@@ -162,7 +162,7 @@ TEST(SvpCartridge, HookRunsThreeInstructionsForEachWholeCycle) {
         SvpCartridge rig;
         rig.Svp().iramRom.fill(0);
         rig.Svp().gr[kSvpPc] = 0x1000 << 16;
-        MdCartSvpHook(*rig.cart, clocks);
+        MdCartRunSvp(*rig.cart, clocks);
         EXPECT_EQ(rig.Svp().gr[kSvpPc] >> 16, 0x1000 + clocks / 7 * 3) << clocks;
     }
 }

@@ -101,7 +101,7 @@ TEST_F(Ym2612Algorithm, OutputIsThatOfThePublishedLayout) {
         std::array<double, 5> decibels{};
         for (int op = 1; op <= 4; ++op) {
             const auto i = static_cast<size_t>(op);
-            // Carriers at alike levels, so that none hides behind another.
+            // Carriers at similar levels, so that none masks another.
             const auto& carriers = Layouts().at(algorithm).carriers;
             const bool carrier = std::find(carriers.begin(), carriers.end(), op) != carriers.end();
             const int level = carrier ? 4 : kLevels.at(i);
@@ -125,7 +125,7 @@ TEST_F(Ym2612Algorithm, OutputIsThatOfThePublishedLayout) {
 }
 
 // Published: a modulation of pi/16 at 1, doubling up to 4 pi at 7, by the mean of the last two outputs.
-// From pi on the wave hangs on the last digit, and no ideal tells it.
+// From pi on the wave depends on the last digit, and no ideal predicts it.
 TEST_F(Ym2612Algorithm, FeedbackTurnsThePhaseByThePublishedDepth) {
     const double turns = 300.0 * 8.0 / 1'048'576.0;
     std::vector<std::vector<double>> sounds;

@@ -69,7 +69,7 @@ protected:
         ASSERT_GT(perSample, 0.0);
         const int steps = std::clamp(static_cast<int>(perSample * 50'000), 8, 800);
         const double expected = steps / perSample;
-        // It may begin and end anywhere in a round of eight increments.
+        // It may begin and end anywhere in the cycle of eight increments.
         EXPECT_NEAR(static_cast<double>(SamplesFor(steps)), expected, 2.0 / perSample + 9.0)
             << what << " at rate " << rate;
     }

@@ -131,7 +131,7 @@ TEST_F(Ym2612Pitch, DetuneRisesWithTheKeyCode) {
     }
 }
 
-// A frequency of 0 that is tuned down comes round to the top of 2^23.
+// A frequency of 0 that is detuned downwards wraps to the top of 2^23.
 TEST_F(Ym2612Pitch, DetuneBelowZeroComesRound) {
     PlayOne(1, 4, 0, 0);
     SetOperator(1, 4, 0x30, 0x71);
@@ -220,7 +220,7 @@ TEST_F(Ym2612Pitch, OwnPitchesAreOfTheFirstPortAlone) {
 
 // --- LFO ----------------------------------------------------------------------------------------
 
-// A position of 128 lasts so many samples at each of the eight speeds.
+// The samples that each of the 128 positions lasts, at each of the eight speeds.
 TEST_F(Ym2612Pitch, LfoSpeedsAreHeardAsTremolo) {
     constexpr std::array<int, 8> kSamples{108, 77, 71, 67, 62, 44, 8, 5};
     for (int speed = 0; speed < 8; ++speed) {

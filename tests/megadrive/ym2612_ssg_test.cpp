@@ -24,13 +24,13 @@ protected:
         SetOperator(1, 4, 0x70, 20);
         SetOperator(1, 4, 0x80, 0xFF);
         SetOperator(1, 4, 0x90, ssg);
-        // Let the ramp begin with a whole round of the slowest increments.
+        // Let the ramp begin with a whole cycle of the slowest increments.
         while (ym->egCounter % 64 != 0) {
             Skip(1);
         }
     }
 
-    // Attenuation that is heard, in dB under a full carrier: the sine stands at its crest while it is
+    // Attenuation that is heard, in dB under a full carrier: the sine is held at its crest while it is
     // measured, so that one sample tells the level.
     double HeardNow() {
         Voice().phase = 256u << 16;
@@ -200,7 +200,7 @@ TEST_F(Ym2612Ssg, ReleaseOfARampBeyondItsEndIsSilent) {
     }
 }
 
-// A shape that is written when the plain envelope stands far below the end: 512 - 700 is 836 in ten bits.
+// A shape that is written when the plain envelope is far below the end: 512 - 700 is 836 in ten bits.
 TEST_F(Ym2612Ssg, ReleaseOfAPlainLevelBeyondTheEndIsSilent) {
     for (const int ssg : {0x8, 0xC}) {
         Prepare(0);

@@ -21,7 +21,7 @@ protected:
     }
 };
 
-// What indexes or shifts; the memory behind an array in the record is the record's own.
+// What indexes or shifts; the memory after an array in the record is the record's own.
 void ExpectIndexesInRange(const YM2612& ym) {
     ASSERT_LT(ym.tickCount, 144u);
     ASSERT_LT(ym.lfoPm, 32u);

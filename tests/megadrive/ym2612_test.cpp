@@ -241,7 +241,7 @@ TEST_F(Ym2612Test, ResetSilencesAndClears) {
         }
     }
     EXPECT_EQ(PeakOf(Run(2000)), 0.0);
-    EXPECT_EQ(ym->status, 0); // the timers stand
+    EXPECT_EQ(ym->status, 0); // the timers are stopped
 }
 
 // Some games never write the register of the sides.

@@ -8,8 +8,8 @@ struct EVENTS {
     std::vector<uint64_t> irqs;
 };
 
-// The cycles, counted from now, in which the sequencer does something. An envelope without a wait
-// changes with every quarter frame, a long length with every half.
+// The cycles, counted from now, in which the sequencer acts. An envelope of period 0 changes with every quarter
+// frame, a long length with every half frame.
 EVENTS Watch(ApuRig& rig, uint64_t cycles) {
     rig.Write(0x4015, 0x01);
     rig.Writes({
@@ -36,7 +36,7 @@ EVENTS Watch(ApuRig& rig, uint64_t cycles) {
     return events;
 }
 
-// Half frames until the channel's length has run out, by the status register.
+// Half frames until the channel's length counter is 0, by the status register.
 int CountLength(ApuRig& rig, int bit) {
     int halves = 0;
     while ((rig.Status() >> bit & 1) != 0 && halves < 1000) {
@@ -52,7 +52,7 @@ constexpr std::array<int, 4> kHaltBits{0x20, 0x20, 0x80, 0x20};
 
 } // namespace
 
-// 7459, + 7456, + 7458, then 7457 + 1 + 1, and 7457 to the first of the next round: 29,830 in all.
+// 7459, + 7456, + 7458, then + 7457 + 1 + 1, and 7457 to the first step of the next sequence: 29,830 in all.
 TEST(ApuFrame, FourStepTimes) {
     ApuRig rig;
     const EVENTS events = Watch(rig, 29'830 * 2 + 10'000);
@@ -62,7 +62,7 @@ TEST(ApuFrame, FourStepTimes) {
     EXPECT_EQ(events.irqs, (std::vector<uint64_t>{29830, 29831, 29832, 59660, 59661, 59662}));
 }
 
-// At once, + 7458, + 7456, + 7458, + 7456 for the idle step and + 7454: 37,282 in all.
+// At once, + 7458, + 7456, + 7458, + 7456 for the idle step, + 7454: 37,282 in all.
 TEST(ApuFrame, FiveStepTimes) {
     ApuRig rig;
     rig.Write(0x4017, 0x80);
@@ -111,7 +111,7 @@ TEST(ApuFrame, InhibitBitTakesTheInterruptBack) {
     rig.irqLines = kNesIrqBoard;
     rig.Run(29'830);
     EXPECT_EQ(rig.irqLines, kNesIrqBoard | kNesIrqFrame);
-    rig.Write(0x4017, 0x00); // without the bit it stays
+    rig.Write(0x4017, 0x00); // inhibit bit clear: the flag stays
     EXPECT_EQ(rig.irqLines, kNesIrqBoard | kNesIrqFrame);
     rig.Write(0x4017, 0x80);
     EXPECT_EQ(rig.irqLines, kNesIrqBoard | kNesIrqFrame);
@@ -129,7 +129,7 @@ TEST(ApuFrame, StatusReadClearsTheInterrupt) {
     EXPECT_EQ(rig.Status() & 0x40, 0);
 }
 
-// The flag rises in three cycles one after the other.
+// The flag is set in three consecutive cycles.
 TEST(ApuFrame, StatusReadInTheCycleOfTheRiseClearsIt) {
     ApuRig rig;
     rig.Run(29'829);
@@ -187,7 +187,7 @@ TEST(ApuFrame, DisablingClearsTheLength) {
     }
 }
 
-TEST(ApuFrame, HaltedLengthStands) {
+TEST(ApuFrame, HaltedLengthDoesNotCount) {
     for (size_t channel = 0; channel < 4; ++channel) {
         ApuRig rig;
         rig.Write(0x4015, 0x0F);
@@ -203,7 +203,7 @@ TEST(ApuFrame, HaltedLengthStands) {
     }
 }
 
-// A write waits for the next cycle; before that the counter is the old one.
+// A load waits for the next cycle; until then the counter keeps its value.
 TEST(ApuFrame, LengthLoadWaitsForTheNextCycle) {
     ApuRig rig;
     rig.Write(0x4015, 0x01);
@@ -213,8 +213,8 @@ TEST(ApuFrame, LengthLoadWaitsForTheNextCycle) {
     EXPECT_EQ(rig.Status() & 1, 1);
 }
 
-// A half frame that falls together with the load: from a running counter the clock wins, from an
-// empty or a halted one there is nothing to clock.
+// A half frame in the same cycle as the load: on a running counter the clock wins; a counter that is 0 or halted
+// isn't clocked, so the load wins.
 TEST(ApuFrame, ClockInTheSameCycleWinsOverALengthLoad) {
     for (size_t channel = 0; channel < 4; ++channel) {
         for (const bool halted : {false, true}) {
@@ -254,7 +254,7 @@ TEST(ApuFrame, LengthLoadOneCycleEarlierIsClocked) {
     EXPECT_EQ(rig.apu->length[0], 3);
 }
 
-TEST(ApuFrame, OtherAddressesAreNotHeard) {
+TEST(ApuFrame, OtherAddressesAreIgnored) {
     ApuRig rig;
     std::vector<uint8_t> before(ApuStateSize());
     std::vector<uint8_t> after(ApuStateSize());
@@ -266,7 +266,7 @@ TEST(ApuFrame, OtherAddressesAreNotHeard) {
     EXPECT_EQ(before, after);
 }
 
-TEST(ApuFrame, ResetStopsEverythingAndTakesTheLinesDown) {
+TEST(ApuFrame, ResetStopsEverythingAndClearsTheLines) {
     ApuRig rig;
     rig.Write(0x4015, 0x0F);
     rig.Writes({

@@ -4,7 +4,7 @@
 
 namespace {
 
-// A channel that plays: constant volume, the length halted, the sweep off and not muting.
+// A channel that plays: constant volume, length counter halted, sweep off and not muting.
 class PulseRig : public ApuRig {
 public:
     explicit PulseRig(int channelNumber = 0)
@@ -24,7 +24,7 @@ public:
 
     [[nodiscard]] int Period() const { return apu->pulses[static_cast<size_t>(channel)].period; }
 
-    // The volume that is heard; 0 for silence. Takes two waves of a period of 15.
+    // The audible volume, 0 for silence. Runs two waves of period 15.
     int Level() {
         const std::vector<int> samples = Raw(64 + 4);
         return Highest(std::vector<int>(samples.begin() + 4, samples.end())) / 200;
@@ -64,8 +64,8 @@ TEST(ApuPulse, FrequencyFollowsThePeriod) {
     }
 }
 
-// A period of 399 makes a step of 800 cycles, a hundred pairs. The first step after a restart is the
-// second of the wave.
+// A period of 399 makes a step of 800 cycles, a hundred pairs. The first step after a restart is the wave's
+// second.
 TEST(ApuPulse, DutiesStepByStep) {
     const std::array<std::string, 4> waves{"-+------", "-++-----", "-++++---", "+--+++++"};
     for (size_t duty = 0; duty < waves.size(); ++duty) {
@@ -74,13 +74,13 @@ TEST(ApuPulse, DutiesStepByStep) {
             rig.Play(399, static_cast<int>(duty), 1);
             rig.Align();
             rig.Raw(200);
-            rig.Set(3, 0x09); // the timer runs on, the wave restarts
+            rig.Set(3, 0x09); // restarts the wave, not the timer
             const std::vector<int> samples = rig.Raw(800 + 100);
             const auto next = std::find_if(samples.begin(), samples.end(),
                                            [&](int sample) { return sample != samples[0]; });
             ASSERT_NE(next, samples.end());
             std::string seen;
-            // The middle of every step; the steps themselves begin at the same pair of every hundred.
+            // The middle of every step: every step begins at the same pair of each hundred.
             const auto offset = static_cast<size_t>(next - samples.begin()) % 100 + 50;
             for (size_t step = 0; step < 8; ++step) {
                 const int sample = samples[step * 100 + offset];
@@ -102,7 +102,7 @@ TEST(ApuPulse, LevelIsTwoHundredTimesTheVolumeEitherWay) {
             EXPECT_EQ(Highest(samples), volume * 200);
             EXPECT_EQ(Lowest(samples), volume * -200);
             EXPECT_FALSE(rig.sidesDiffer);
-            // Of 32 pairs a wave: an eighth, a quarter, a half and three quarters.
+            // Of 32 pairs per wave: an eighth, a quarter, a half and three quarters.
             const std::array<int, 4> high{40, 80, 160, 240};
             if (volume != 0) {
                 EXPECT_EQ(std::count(samples.begin(), samples.end(), volume * 200),
@@ -143,12 +143,12 @@ TEST(ApuPulse, ConstantVolumeIgnoresTheEnvelope) {
     }
 }
 
-// From 15 down by one every period + 1 quarter frames, and then it stays at 0.
+// From 15 down by one every period + 1 quarter frames; then it stays at 0.
 TEST(ApuPulse, EnvelopeDecaysStepByStep) {
     for (const int period : {0, 1, 5}) {
         PulseRig rig;
         rig.Play(15, 2, 0);
-        rig.Set(0, 0x80 | period); // duty 2, no loop, no constant
+        rig.Set(0, 0x80 | period); // duty 2, decay, no loop
         rig.Set(3, 0x08);          // a length of 254
         std::vector<int> levels;
         std::vector<int> expected;
@@ -187,7 +187,7 @@ TEST(ApuPulse, EnvelopeStartsAgainWithTheHighRegister) {
     EXPECT_EQ(rig.Level(), 15);
 }
 
-// Period under 8: silent, with the sweep off and whatever it would do.
+// Period under 8: silent, even with the sweep off.
 TEST(ApuPulse, PeriodUnderEightIsMuted) {
     for (int channel = 0; channel < 2; ++channel) {
         for (const int sweep : {0x00, 0x08, 0x80, 0x8F}) {
@@ -198,7 +198,7 @@ TEST(ApuPulse, PeriodUnderEightIsMuted) {
                 rig.Raw(50);
                 const bool muted = Highest(rig.Raw(100)) == 0;
                 EXPECT_EQ(muted, period < 8) << period << " sweep " << sweep;
-                EXPECT_EQ(rig.Status() & 3, 1 << channel); // the length runs all the same
+                EXPECT_EQ(rig.Status() & 3, 1 << channel); // the length counter still runs
             }
         }
     }
@@ -234,7 +234,7 @@ TEST(ApuPulse, SweepThatWouldOverflowMutes) {
     }
 }
 
-// The first clock only loads the divider: both flags meet, and the divider of 1 hasn't run out.
+// The first clock only reloads the divider, which is 1 and so doesn't change the period.
 TEST(ApuPulse, SweepGoesUpByTheShiftedPeriod) {
     for (int channel = 0; channel < 2; ++channel) {
         PulseRig rig(channel);
@@ -260,7 +260,7 @@ TEST(ApuPulse, SweepDownTakesOneMoreOnTheFirstChannel) {
             rig.HalfFrame();
             periods.push_back(rig.Period());
         }
-        // Stops under 8, where the channel is muted.
+        // Stops under 8: the channel is muted.
         EXPECT_EQ(periods, channel == 0 ? (std::vector<int>{512, 255, 127, 63, 31, 15, 7, 7})
                                         : (std::vector<int>{512, 256, 128, 64, 32, 16, 8, 4}));
     }

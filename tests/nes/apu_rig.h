@@ -1,4 +1,4 @@
-// A sound unit with memory for its sample channel, run cycle by cycle.
+// An APU with memory for its sample channel, run cycle by cycle.
 #pragma once
 
 #include "nes/apu.h"
@@ -36,7 +36,7 @@ public:
 
     void Run(uint64_t cycles) {
         for (uint64_t i = 0; i < cycles; ++i) {
-            ApuStep(*apu);
+            ApuTick(*apu);
             ++cycle;
             apu->stallCycles = 0;
             if (apu->pairs->sampleCount != 0) {
@@ -47,25 +47,25 @@ public:
         }
     }
 
-    // The raw pairs of the next `pairs` x 8 cycles, one value each, as both sides are the same.
+    // The raw pairs of the next `pairs` x 8 cycles, one value each: both sides are the same.
     std::vector<int> Raw(uint64_t pairs) {
         raw.clear();
         Run(pairs * 8);
         return raw;
     }
 
-    // Lets the next cycles clock everything that a half frame clocks (a quarter frame is one too).
+    // Makes the next cycles clock a half frame, and with it a quarter frame.
     void HalfFrame() {
         Write(0x4017, 0x80);
         Run(3);
     }
-    // The same for what a quarter frame clocks alone.
+    // The same for a quarter frame only.
     void QuarterFrame() {
         Write(0x4017, 0x40);
         Run(7461);
     }
 
-    // Brings the chip to an even cycle, from where a write to 0x4017 acts one cycle earlier.
+    // Runs to an even cycle, where a write to 0x4017 acts one cycle earlier.
     void Align() {
         while (apu->sampleClock != 0) {
             Run(1);
@@ -88,7 +88,7 @@ private:
     }
 };
 
-// Cycles a second by the first and the last rise through zero.
+// Frequency in Hz, by the first and the last rise through zero.
 inline double Frequency(const std::vector<int>& samples) {
     size_t first = 0;
     size_t last = 0;

@@ -16,7 +16,7 @@ public:
 
     void Start() { Write(0x4015, 0x10); }
 
-    // The level after each bit, from the first that is played.
+    // The level after each bit, from the first one played.
     std::vector<int> Levels(size_t bits) {
         std::vector<int> levels;
         while (apu->sample.silent) {
@@ -105,7 +105,8 @@ TEST(ApuSample, DirectLevelIsThreeHigher) {
         ApuRig rig;
         rig.Write(0x4011, value);
         EXPECT_EQ(rig.Raw(1).front(), ((value & 0x7F) * 3 - 189) * 50) << value;
-        EXPECT_EQ(rig.Raw(1000).back(), ((value & 0x7F) * 3 - 189) * 50); // nothing plays: it stays
+        EXPECT_EQ(rig.Raw(1000).back(),
+                  ((value & 0x7F) * 3 - 189) * 50); // nothing plays: the level stays
     }
 }
 
@@ -156,7 +157,7 @@ TEST(ApuSample, AddressWrapsToTheMiddleOfMemory) {
     EXPECT_EQ(rig.fetched[80], 0x8010);
 }
 
-// The first byte comes with the write, each of the others when a byte begins to play.
+// The first byte is fetched with the write, each further one when a byte begins to play.
 TEST(ApuSample, FetchesAsBytesBeginToPlay) {
     SampleRig rig(15, 0, 0, 1);
     rig.Start();
@@ -178,11 +179,11 @@ TEST(ApuSample, EveryFetchAsksForFourStalledCycles) {
     EXPECT_EQ(rig.apu->stallCycles, 0u);
     rig.Start();
     EXPECT_EQ(rig.apu->stallCycles, 4u);
-    rig.apu->stallCycles = 1; // partly worked off
+    rig.apu->stallCycles = 1; // partly done
     size_t fetched = rig.fetched.size();
     for (int cycle = 0; cycle < 54 * 8 * 20; ++cycle) {
         rig.apu->stallCycles = 1;
-        ApuStep(*rig.apu);
+        ApuTick(*rig.apu);
         rig.apu->pairs->sampleCount = 0;
         EXPECT_EQ(rig.apu->stallCycles, rig.fetched.size() != fetched ? 4u : 1u);
         fetched = rig.fetched.size();
@@ -232,7 +233,7 @@ TEST(ApuSample, InterruptComesWithTheLastFetch) {
     }
     EXPECT_EQ(rig.irqLines, kNesIrqBoard | kNesIrqSample);
     EXPECT_EQ(rig.Status() & 0x90, 0x80);
-    EXPECT_EQ(rig.irqLines, kNesIrqBoard); // the read has cleared it
+    EXPECT_EQ(rig.irqLines, kNesIrqBoard); // cleared by the read
     EXPECT_EQ(rig.Status() & 0x90, 0);
 }
 
@@ -241,7 +242,7 @@ TEST(ApuSample, InterruptIsTakenBackByItsEnableBitAndByTheStatusRegister) {
         SampleRig rig(15, 0x80, 0, 0);
         rig.Start();
         EXPECT_EQ(rig.irqLines, kNesIrqSample);
-        rig.Write(0x4010, 0x8F); // still enabled: stays
+        rig.Write(0x4010, 0x8F); // still enabled: the flag stays
         EXPECT_EQ(rig.irqLines, kNesIrqSample);
         rig.Write(byStatus ? 0x4015 : 0x4010, 0x0F);
         EXPECT_EQ(rig.irqLines, 0u);

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Every channel in the middle of something.
+// Every channel busy.
 void PlayAll(ApuRig& rig) {
     for (size_t i = 0; i < rig.memory.size(); ++i) {
         rig.memory[i] = static_cast<uint8_t>(i * 37 >> 3);
@@ -54,7 +54,7 @@ TEST(ApuState, LoadedChipGivesTheSameSamples) {
         ApuRig saved;
         PlayAll(saved);
         saved.Run(cycles);
-        saved.Write(0x400F, 0x20); // a load that still waits
+        saved.Write(0x400F, 0x20); // a pending length load
         const std::vector<uint8_t> block = Save(saved);
         ApuRig loaded;
         loaded.memory = saved.memory;
@@ -104,8 +104,8 @@ TEST(ApuState, WrongVersionOrLengthIsRefusedWithNothingChanged) {
     EXPECT_EQ(Load(rig, more), block.size());
 }
 
-// Whatever is loaded, the chip stays within the sum of its channels' ranges and runs on: every timer
-// and the sequencer come round.
+// Any loaded bytes leave the chip within the sum of its channels' ranges and running: every timer and the
+// sequencer expire.
 TEST(ApuState, TamperedStatesAreSafe) {
     std::mt19937 random(1);
     for (int round = 0; round < 200; ++round) {
@@ -134,7 +134,7 @@ TEST(ApuState, FlushHandsOverWhatWasMade) {
     rig.apu->sound.Init(kApuSampleRate, SoundChoiceFromSettings());
     rig.Write(0x4011, 64);
     for (int i = 0; i < 8 * 1000; ++i) {
-        ApuStep(*rig.apu);
+        ApuTick(*rig.apu);
     }
     EXPECT_EQ(rig.apu->pairs->sampleCount, 2000u);
     EXPECT_TRUE(rig.apu->sound.Output().empty());
@@ -151,13 +151,13 @@ TEST(ApuState, OwnerThatNeverFlushesIsSafe) {
     ApuRig rig;
     PlayAll(rig);
     for (int i = 0; i < 200'000; ++i) {
-        ApuStep(*rig.apu);
+        ApuTick(*rig.apu);
     }
     EXPECT_EQ(rig.apu->pairs->sampleCount, rig.apu->pairs->samples.size())
         << "what comes then is lost";
 }
 
-// Frames of 29,781 cycles, the longest there are; none of their sound may be dropped.
+// Frames of 29,781 cycles, the longest; no sample may be dropped.
 TEST(ApuState, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
     constexpr int kFrames = 20;
     for (const uint32_t rate : {22050u, 44100u, 192000u}) {
@@ -170,7 +170,7 @@ TEST(ApuState, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
             size_t pairs = 0;
             for (int frame = 0; frame < kFrames; ++frame) {
                 for (int cycle = 0; cycle < 29'781; ++cycle) {
-                    ApuStep(*rig.apu);
+                    ApuTick(*rig.apu);
                 }
                 ASSERT_LT(rig.apu->pairs->sampleCount, rig.apu->pairs->samples.size());
                 rig.apu->sound.Flush();
@@ -179,7 +179,7 @@ TEST(ApuState, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
                 rig.apu->sound.Consume(static_cast<int32_t>(ready));
             }
             const double expected = kFrames * 29'781.0 / kApuClock * rate;
-            // A converter holds back half of its filter; one frame lost would be 367 or more.
+            // The resampler holds back half of its filter; one lost frame would be 367 samples or more.
             EXPECT_NEAR(static_cast<double>(pairs), expected, 64.0)
                 << rate << " quality " << quality;
         }

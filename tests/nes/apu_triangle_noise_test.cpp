@@ -33,7 +33,7 @@ public:
         Write(0x400F, 0x08);
     }
 
-    // The output's sign after each of the next shifts.
+    // The sign of the output after each of the next shifts.
     std::vector<int> Bits(size_t count) {
         std::vector<int> bits;
         uint16_t before = apu->noise.shift;
@@ -48,7 +48,7 @@ public:
     }
 };
 
-// The shortest length after which the bits repeat, 0 if none is seen.
+// The shortest period of the bits, 0 if none.
 size_t RepeatLength(const std::vector<int>& bits, size_t longest) {
     for (size_t length = 1; length <= longest; ++length) {
         if (std::equal(bits.begin() + static_cast<ptrdiff_t>(length), bits.end(), bits.begin())) {
@@ -74,7 +74,7 @@ TEST(ApuTriangle, WaveStepByStep) {
     TriangleRig rig(799); // a step is 800 cycles, a hundred pairs
     rig.Align();
     std::vector<int> samples = rig.Raw(6500);
-    // From the first pair behind the lowest stretch that is seen whole.
+    // Starts where the next lowest span begins.
     size_t at = 0;
     while (samples[at] == -3200) {
         ++at;
@@ -93,7 +93,7 @@ TEST(ApuTriangle, WaveStepByStep) {
     for (int level = 7; level >= -8; --level) {
         expected.push_back(level);
     }
-    // The search finds the last step of the wave first.
+    // That is the wave's last step, before its first.
     std::rotate(expected.begin(), expected.end() - 1, expected.end());
     EXPECT_EQ(steps, expected);
     for (const int sample : samples) {
@@ -119,7 +119,7 @@ TEST(ApuTriangle, StopsAtItsLevelWithoutLengthOrLinearCounter) {
         if (byLength) {
             rig.Write(0x4015, 0);
         } else {
-            rig.Write(0x4008, 0); // no control: the reload flag goes with the next quarter frame
+            rig.Write(0x4008, 0); // control off: the next quarter frame clears the reload flag
             rig.QuarterFrame();
         }
         rig.Raw(50);
@@ -129,9 +129,9 @@ TEST(ApuTriangle, StopsAtItsLevelWithoutLengthOrLinearCounter) {
     }
 }
 
-// The level is worked out as the wave moves on: a channel that stands keeps it, whatever period comes,
-// and one that has been silenced by its period stands silent.
-TEST(ApuTriangle, PeriodUnderFourDoesNothingToAChannelThatStands) {
+// The level is computed when the wave moves: a stopped channel keeps it whatever its period, and one that was
+// silenced by its period stays silent.
+TEST(ApuTriangle, PeriodUnderFourLeavesAStoppedChannelAlone) {
     for (const bool byLength : {false, true}) {
         for (const bool isSilentBefore : {false, true}) {
             TriangleRig rig(100);
@@ -145,11 +145,11 @@ TEST(ApuTriangle, PeriodUnderFourDoesNothingToAChannelThatStands) {
             if (byLength) {
                 rig.Write(0x4015, 0);
             } else {
-                rig.apu->triangle.linear = 0; // run out
+                rig.apu->triangle.linear = 0; // expired
                 rig.apu->triangle.linearReload = false;
             }
             rig.Write(0x400A, isSilentBefore ? 100 : 3);
-            rig.Run(200); // past the timer's end at either period
+            rig.Run(200); // the timer expires at either period
             const std::vector<int> samples = rig.Raw(100);
             EXPECT_EQ(Lowest(samples), isSilentBefore ? 0 : 40 * 50) << byLength;
             EXPECT_EQ(Highest(samples), Lowest(samples)) << byLength;
@@ -157,7 +157,7 @@ TEST(ApuTriangle, PeriodUnderFourDoesNothingToAChannelThatStands) {
     }
 }
 
-// The counter is loaded with the first quarter frame and runs out after as many more.
+// The first quarter frame loads the counter n; it is 0 after n more.
 TEST(ApuTriangle, LinearCounterCountsQuarterFrames) {
     for (const int linear : {1, 2, 10, 127}) {
         TriangleRig rig(20);
@@ -179,7 +179,7 @@ TEST(ApuTriangle, ControlFlagKeepsReloadingTheLinearCounter) {
         rig.QuarterFrame();
         EXPECT_TRUE(rig.Moves());
     }
-    rig.Write(0x4008, 2); // reloads once more, then counts 2, 1, 0
+    rig.Write(0x4008, 2); // one more reload, then 2, 1, 0
     for (int quarter = 0; quarter < 2; ++quarter) {
         rig.QuarterFrame();
         EXPECT_TRUE(rig.Moves());
@@ -210,7 +210,7 @@ TEST(ApuNoise, PeriodFollowsTheRate) {
     }
 }
 
-// The orders of the two feedback polynomials: the long one runs through every state but zero.
+// The periods of the two feedback polynomials: the long one runs through every state but zero.
 TEST(ApuNoise, SequenceLengths) {
     NoiseRig rig(0, 15);
     EXPECT_EQ(RepeatLength(rig.Bits(32'767 * 2 + 100), 32'800), 32'767u);
@@ -218,15 +218,15 @@ TEST(ApuNoise, SequenceLengths) {
     EXPECT_EQ(RepeatLength(shortRig.Bits(93 * 4), 100), 93u);
 }
 
-// Sixteen thousand three hundred and eighty-four ones in a whole sequence, and one zero fewer.
+// A whole sequence has 16,384 ones and 16,383 zeroes.
 TEST(ApuNoise, LongSequenceIsBalanced) {
     NoiseRig rig(0, 15);
     const std::vector<int> bits = rig.Bits(32'767);
     EXPECT_EQ(std::count(bits.begin(), bits.end(), 1), 16'384);
 }
 
-// From 1 the register moves left; the fourteenth shift brings the 1 to the top, and feedback begins
-// as soon as it stands at a tap.
+// From 1 the register shifts left. The fourteenth shift brings the 1 to the top bit; feedback begins when it
+// reaches a tap.
 TEST(ApuNoise, RegisterMovesLeft) {
     NoiseRig rig(0, 15);
     std::vector<int> states;
@@ -274,11 +274,11 @@ TEST(ApuNoise, TopBitSetIsTheLowLevel) {
 
 TEST(ApuNoise, EnvelopeDecaysAndStartsWithTheLengthRegister) {
     NoiseRig rig(0, 0);
-    rig.Write(0x400C, 0x01); // a step every two quarter frames
+    rig.Write(0x400C, 0x01); // decays every two quarter frames
     rig.Write(0x400F, 0x08);
     for (int quarter = 0; quarter < 8; ++quarter) {
         rig.QuarterFrame();
-        rig.Raw(4); // the level is taken at the next shift
+        rig.Raw(4); // the new level applies at the next shift
         EXPECT_EQ(Highest(rig.Raw(100)), (15 - quarter / 2) * 100) << quarter;
     }
     rig.Write(0x400F, 0x08);

@@ -38,8 +38,8 @@ TEST(ProgramBankBoard, HasCharacterRam) {
     EXPECT_EQ(rig.Characters(), Pages(0, 8));
 }
 
-// 2, 7 and 73 have their RAM in the patterns whatever the image brings.
-TEST(BankBoards, RamStandsBeforeACharacterImage) {
+// 2, 7 and 73 have character RAM even if the image has characters.
+TEST(BankBoards, RamReplacesACharacterImage) {
     for (const int board : {2, 7, 73}) {
         CartridgeRig rig({board, 8, 2, 0});
         EXPECT_EQ(rig.PpuRead(0x0001), 0) << board << ": the image's pages have 0x80 here";
@@ -73,7 +73,7 @@ TEST(CharacterBankBoard, GameWithoutCharactersHasRam) {
 
 TEST(OneScreenBoard, ValuePicksProgramAndNametable) {
     CartridgeRig rig({7, 32, 0, 1});    // more banks than the three bits reach
-    EXPECT_EQ(rig.Mirroring(), "AAAA"); // whatever the header says
+    EXPECT_EQ(rig.Mirroring(), "AAAA"); // ignores the header
     for (int value = 0; value < 256; ++value) {
         rig.Write(0x8000 + value * 0x71, value);
         EXPECT_EQ(rig.Program(), Pages((value & 7) * 8, 8)) << value;
@@ -113,7 +113,7 @@ TEST(BankBoards, ResetReturnsToTheFirstBankAndKeepsTheRam) {
     EXPECT_EQ(rig.Characters(), Pages(0, 8));
 }
 
-TEST(BankBoards, ResetTakesTheInterruptLineDown) {
+TEST(BankBoards, ResetClearsTheInterruptLine) {
     CartridgeRig rig({0, 1, 1, 0});
     rig.irqLines = kNesIrqBoard | kNesIrqFrame;
     BoardReset(*rig.cartridge);

@@ -16,7 +16,7 @@ public:
         }
     }
 
-    // Cycles until the line rises, 0 if it doesn't within `limit`.
+    // Cycles until the line rises, 0 if not within `limit`.
     int CyclesToIrq(int limit) {
         for (int cycle = 1; cycle <= limit; ++cycle) {
             BoardCpuClock(*cartridge);
@@ -37,7 +37,7 @@ TEST(CycleBoard, BankAndTheLastOne) {
         rig.Write(0xF000 + bank, bank);
         EXPECT_EQ(rig.Program(), Join({Pages(bank % 8 * 4, 4), Pages(28, 4)})) << bank;
     }
-    rig.Write(0xE000, 3); // no register
+    rig.Write(0xE000, 3); // not a register
     EXPECT_EQ(rig.Program(), Join({Pages(19 % 8 * 4, 4), Pages(28, 4)}));
 }
 
@@ -53,7 +53,7 @@ TEST(CycleBoard, InterruptsWhenTheCounterIsFull) {
         rig.SetLatch(latch);
         rig.Write(kControl, 2);
         EXPECT_EQ(rig.CyclesToIrq(100'000), 0x10000 - latch) << latch;
-        rig.Write(kAcknowledge, 0); // counting goes off, as bit 0 is clear
+        rig.Write(kAcknowledge, 0); // stops counting: bit 0 is clear
         EXPECT_FALSE(rig.Irq());
         EXPECT_EQ(rig.CyclesToIrq(100'000), 0) << latch;
     }
@@ -65,7 +65,7 @@ TEST(CycleBoard, CounterReloadsAndGoesOn) {
     rig.Write(kControl, 3);
     EXPECT_EQ(rig.CyclesToIrq(1000), 256);
     for (int i = 0; i < 100; ++i) {
-        BoardCpuClock(*rig.cartridge); // counts on while the interrupt waits
+        BoardCpuClock(*rig.cartridge); // keeps counting while the interrupt is pending
     }
     rig.Write(kAcknowledge, 0);
     EXPECT_FALSE(rig.Irq());
@@ -75,7 +75,7 @@ TEST(CycleBoard, CounterReloadsAndGoesOn) {
 TEST(CycleBoard, LatchIsWrittenDigitByDigit) {
     CycleRig rig;
     rig.SetLatch(0xFFFF);
-    rig.Write(0x9FFF, 0xF0); // second digit; the upper bits don't count
+    rig.Write(0x9FFF, 0xF0); // second digit; the upper four bits are ignored
     rig.Write(kControl, 2);
     EXPECT_EQ(rig.CyclesToIrq(1000), 0x10000 - 0xFF0F);
 }
@@ -99,7 +99,7 @@ TEST(CycleBoard, ControlWithoutCountingLeavesTheCounter) {
     }
     rig.Write(kControl, 1);
     EXPECT_EQ(rig.CyclesToIrq(1000), 0);
-    rig.Write(kAcknowledge, 0); // bit 0 turns the counting on again, with no load
+    rig.Write(kAcknowledge, 0); // bit 0 starts counting again without a load
     EXPECT_EQ(rig.CyclesToIrq(1000), 10);
 }
 

@@ -12,7 +12,7 @@ public:
         Write(0xE000, 9);               // right, FE
     }
 
-    // The 4 KB bank shown by a half, from a page that nobody watches.
+    // The 4 KB bank of a half, read from an unwatched page.
     [[nodiscard]] int Half(int half) const {
         return (PpuRead(half * 0x1000) | (PpuRead(half * 0x1000 + 1) & 0x7F) << 8) / 4;
     }
@@ -36,7 +36,7 @@ TEST(LatchedBoard, MirroringRegister) {
     }
 }
 
-// The header's four screens are there until the register is written, in a loaded state as well.
+// The header's four screens apply until the register is written, also in a loaded state.
 TEST(LatchedBoard, MirroringRegisterRulesOverFourScreens) {
     for (const int flags : {8, 9}) {
         CartridgeRig rig({9, 8, 16, flags});
@@ -81,7 +81,7 @@ TEST(LatchedBoard, CharacterRegistersHaveFiveBits) {
     }
 }
 
-// Every address of both halves, from either latch: exactly the high planes of tiles FD and FE switch.
+// Every address of both halves, from either latch: only the high planes of tiles FD and FE switch.
 TEST(LatchedBoard, ReadsOfTheTwoTilesSwitchTheirHalf) {
     LatchedRig rig;
     const std::array<std::array<int, 2>, 2> banks{

@@ -24,8 +24,8 @@ public:
         Write(kData, value);
     }
 
-    // One clock of the counter: low addresses until the filter is open, then a high one. True when the
-    // line has risen with it.
+    // One clock of the counter: low addresses until the filter is open, then a high one. Returns true if it raised
+    // the line.
     bool Line() {
         const bool before = Irq();
         for (int i = 0; i < 20; ++i) {
@@ -35,7 +35,7 @@ public:
         return !before && Irq();
     }
 
-    // The numbers, from 1, of those lines that interrupt, acknowledged at once.
+    // The numbers, from 1, of the lines that interrupt; each interrupt is acknowledged at once.
     std::vector<int> Interrupts(int lines) {
         std::vector<int> numbers;
         for (int line = 1; line <= lines; ++line) {
@@ -127,7 +127,7 @@ TEST(ScanlineBoard, AnyWriteToTheControlOpensTheRam) {
     }
 }
 
-// The control register itself can only hold this by a state.
+// Only a loaded state can put this in the register.
 TEST(ScanlineBoard, ProtectedRamTakesNoWrites) {
     ScanlineRig rig;
     rig.Write(kRamControl, 0);
@@ -152,7 +152,7 @@ TEST(ScanlineBoard, GameWithoutCharactersBanksItsOwnRam) {
     EXPECT_EQ(rig.Characters(), (std::vector<int>{0, 1, 2, 3, 1, 5, 6, 2}));
 }
 
-// The first line loads the latch of n, n lines bring it to 0.
+// The first line loads the latch n; n more bring the counter to 0.
 TEST(ScanlineBoard, InterruptsEveryLatchPlusOneLines) {
     for (const int latch : {1, 2, 7, 255}) {
         ScanlineRig rig;
@@ -166,7 +166,7 @@ TEST(ScanlineBoard, InterruptsEveryLatchPlusOneLines) {
     }
 }
 
-// The counter is loaded with 0 every time and never falls to it.
+// The counter is always loaded with 0 and never falls to 0.
 TEST(ScanlineBoard, LatchOfZeroNeverInterrupts) {
     ScanlineRig rig;
     rig.Write(kLatch, 0);
@@ -175,7 +175,7 @@ TEST(ScanlineBoard, LatchOfZeroNeverInterrupts) {
     EXPECT_EQ(rig.Interrupts(100), std::vector<int>());
 }
 
-// A reload from a counter that had not come to 0 counts as a fall to 0.
+// A reload with 0 from another value counts as a fall to 0.
 TEST(ScanlineBoard, ReloadToZeroInterruptsOnce) {
     ScanlineRig rig;
     rig.Write(kLatch, 5);
@@ -192,7 +192,7 @@ TEST(ScanlineBoard, ReloadTakesTheLatchOnTheNextLine) {
     rig.Write(kIrqOn, 0);
     rig.Interrupts(5); // 10 9 8 7 6
     rig.Write(kLatch, 3);
-    EXPECT_EQ(rig.Interrupts(5), std::vector<int>()); // 5 4 3 2 1: the latch alone does nothing
+    EXPECT_EQ(rig.Interrupts(5), std::vector<int>()); // 5 4 3 2 1: a new latch alone does nothing
     rig.Write(kReload, 0);
     EXPECT_EQ(rig.Interrupts(4), std::vector<int>{4}); // 3 2 1 0
 }
@@ -216,14 +216,14 @@ TEST(ScanlineBoard, EvenWriteToTheLastPagesTakesTheLineBack) {
     rig.Line();
     EXPECT_TRUE(rig.Line());
     rig.Write(kIrqOn, 0);
-    EXPECT_TRUE(rig.Irq()); // the odd one leaves it
+    EXPECT_TRUE(rig.Irq()); // the odd address leaves it
     rig.Write(kIrqOff, 0);
     EXPECT_EQ(rig.irqLines, kNesIrqFrame);
     EXPECT_FALSE(rig.Line());
-    EXPECT_FALSE(rig.Line()); // and nothing more comes
+    EXPECT_FALSE(rig.Line()); // no further interrupt
 }
 
-// A high address closes the filter for the seven that follow; the eighth is seen again.
+// A high address closes the filter for the next seven; the eighth counts again.
 TEST(ScanlineBoard, HighAddressesTooCloseTogetherCountOnce) {
     for (int between = 0; between < 12; ++between) {
         ScanlineRig rig;

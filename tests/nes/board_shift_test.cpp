@@ -12,7 +12,7 @@ public:
     ShiftRig(int programBanks, int characterBanks)
         : CartridgeRig({1, programBanks, characterBanks, 0}) {}
 
-    // One bit, far enough from the one before.
+    // One bit, more than a cycle after the one before.
     void Bit(int address, int value) {
         cycles += 2;
         Write(address, value);
@@ -86,7 +86,7 @@ TEST(ShiftBoard, GameWithoutCharactersHasTwoHalvesOfRam) {
     ShiftRig rig(16, 0);
     EXPECT_TRUE(rig.FillCharacterRam());
     rig.Set(kChr0, 3);
-    EXPECT_EQ(rig.Characters(), Pages(0, 8)); // 8 KB at once: always both in order
+    EXPECT_EQ(rig.Characters(), Pages(0, 8)); // 8 KB mode: both halves in order
     rig.Set(kControl, 12 | 16);
     rig.Set(kChr1, 4);
     EXPECT_EQ(rig.Characters(), Join({Pages(4, 4), Pages(0, 4)}));
@@ -150,7 +150,7 @@ TEST(ShiftBoard, BitSevenStartsOver) {
     rig.Bit(kPrg, 1);
     rig.Bit(kPrg, 1);
     rig.Bit(kPrg, 0x80);
-    rig.Set(kPrg, 4); // would come out otherwise if the two bits were still there
+    rig.Set(kPrg, 4); // would differ if the two bits were still there
     EXPECT_EQ(rig.Program(), Join({Pages(16, 4), Pages(60, 4)}));
 }
 
@@ -160,16 +160,16 @@ TEST(ShiftBoard, BitSevenSetsTheFixedBankWithTheNextRegister) {
     rig.Set(kControl, 0x13); // mirroring A A B B, 32 KB, halves
     EXPECT_EQ(rig.Program(), Pages(24, 8));
     rig.Bit(kControl, 0xFF);
-    EXPECT_EQ(rig.Program(), Pages(24, 8)); // the page tables aren't touched
+    EXPECT_EQ(rig.Program(), Pages(24, 8)); // the page tables are unchanged
     rig.Set(kPrg, 6);
     EXPECT_EQ(rig.Program(), Join({Pages(24, 4), Pages(60, 4)}));
     EXPECT_EQ(rig.Mirroring(), "AABB"); // the other control bits stay
     EXPECT_EQ(rig.Characters(), Join({Pages(0, 4), Pages(0, 4)}));
 }
 
-// Between the write with bit 7 and the next register the tables are those of before. A load leaves it
-// at that: the fixed bank comes with the register on either side, whichever it is.
-TEST(ShiftBoard, AStateSavedBehindBitSevenGoesOnAsTheRunDoes) {
+// A write with bit 7 changes the page tables only with the next register write. A state in between keeps that:
+// the fixed bank appears with the next write to any register, saved or loaded.
+TEST(ShiftBoard, AStateSavedAfterBitSevenGoesOnAsTheRunDoes) {
     for (const int next : {kChr0, kChr1, kPrg}) {
         ShiftRig saved(16, 4);
         saved.Set(kPrg, 6);
@@ -206,7 +206,7 @@ TEST(ShiftBoard, DroppedWriteDoesNotMoveTheCycle) {
     rig.cycles += 1;
     rig.Write(kPrg, 0); // dropped
     rig.cycles += 1;
-    rig.Write(kPrg, 1); // two cycles after the one taken
+    rig.Write(kPrg, 1); // two cycles after the accepted one
     rig.Bit(kPrg, 0);
     rig.Bit(kPrg, 0);
     rig.Bit(kPrg, 0);

@@ -1,6 +1,8 @@
 #include "base/bytes.h"
 #include "nes/cartridge_rig.h"
 
+#include "support/state_fields.h"
+
 #include <algorithm>
 #include <random>
 
@@ -30,7 +32,7 @@ IMAGE ImageFor(int board) {
     return {board, 32, board == 9 ? 16 : 0, 0};
 }
 
-// Everything that the buses show of a cartridge, the RAM of it included.
+// Everything that the buses can read of a cartridge, its RAM included.
 std::vector<int> Seen(CartridgeRig& rig) {
     std::vector<int> bytes;
     for (int address = 0x5000; address < 0x10000; address += 0x80) {
@@ -44,12 +46,12 @@ std::vector<int> Seen(CartridgeRig& rig) {
     return bytes;
 }
 
-// Registers set by chance, and RAM filled.
+// Random registers and RAM.
 void Play(CartridgeRig& rig, uint32_t seed) {
     std::mt19937 random(seed);
     for (int i = 0; i < 400; ++i) {
         rig.cycles += static_cast<uint32_t>(1 + random() % 3);
-        // Few resets, so that registers of five bits come about.
+        // Few reset writes, so that five-bit values complete.
         const auto value = static_cast<int>(random() & (random() % 16 == 0 ? 0xFF : 0x7F));
         rig.Write(static_cast<int>(0x6000 + random() % 0xA000), value);
         rig.PpuWrite(static_cast<int>(random() % 0x2000), static_cast<int>(random() & 0xFF));
@@ -58,7 +60,7 @@ void Play(CartridgeRig& rig, uint32_t seed) {
     }
 }
 
-// What may be read has data behind it, and nametables are the machine's.
+// Readable pages have data, and nametables belong to the machine.
 void ExpectSoundTables(const CartridgeRig& rig) {
     for (const NES_CPU_PAGE& page : rig.cartridge->pages.cpu) {
         EXPECT_TRUE(page.data != nullptr || (!page.readable && !page.writable));
@@ -90,12 +92,12 @@ TEST(BoardState, LoadedBoardShowsWhatTheSavedOneShowed) {
             const std::vector<uint8_t> block = saved.Save();
             CartridgeRig loaded(ImageFor(row.board));
             Play(loaded, seed + 1000);
-            loaded.cartridge->plainRam = saved.cartridge->plainRam; // the machine saves it
+            loaded.cartridge->plainRam = saved.cartridge->plainRam; // saved by the machine
             ASSERT_EQ(loaded.Load(block), block.size()) << row.board;
             EXPECT_EQ(loaded.Save(), block) << row.board;
             EXPECT_EQ(Seen(loaded), Seen(saved)) << row.board << " seed " << seed;
 
-            // From here on both run alike.
+            // From here on both must behave the same.
             loaded.cycles = saved.cycles;
             loaded.irqLines = saved.irqLines;
             Play(loaded, seed + 2000);
@@ -118,12 +120,15 @@ TEST(BoardState, WrongVersionOrLengthIsRefusedWithNothingChanged) {
             wrong[byte] ^= 1;
             EXPECT_EQ(rig.Load(wrong), 0u) << row.board << " byte " << byte;
         }
+        ExpectOtherVersionsRefused(
+            [&] { return rig.Save(); },
+            [&](const std::vector<uint8_t>& piece) { return rig.Load(piece); });
         std::vector<uint8_t> cut = block;
         cut.pop_back();
         EXPECT_EQ(rig.Load(cut), 0u);
         EXPECT_EQ(rig.Load({}), 0u);
         EXPECT_EQ(rig.Save(), before) << row.board;
-        std::vector<uint8_t> more = block; // of the blob behind it nothing is taken
+        std::vector<uint8_t> more = block; // bytes after the piece are ignored
         more.push_back(0);
         EXPECT_EQ(rig.Load(more), block.size());
     }
@@ -152,8 +157,13 @@ TEST(BoardState, SimpleBoardsHoldValuePageAndAddress) {
         rig.PpuWrite(0x1FFF, 0x78);
         rig.Write(0xCABC, 0x31);
         const std::vector<uint8_t> block = rig.Save();
-        EXPECT_EQ(std::vector<uint8_t>(block.begin() + 5, block.begin() + 11),
-                  (std::vector<uint8_t>{0x31, 0x0C, 0x00, 0xBC, 0x0A, 0x77}));
+        ExpectValuesAsListed("Board 2", block,
+                             {
+                                 {"value",        {0x31} },
+                                 {"page",         {0x0C} },
+                                 {"address",      {0xABC}},
+                                 {"characterRam", {0x77} }
+        });
         EXPECT_EQ(block.back(), 0x78);
     }
 }
@@ -177,11 +187,16 @@ TEST(BoardState, ShiftBoardFieldOrder) {
     rig.cycles += 2;
     rig.Write(0xA000, 1);
     const std::vector<uint8_t> block = rig.Save();
-    EXPECT_EQ(std::vector<uint8_t>(block.begin() + 5, block.begin() + 20),
-              (std::vector<uint8_t>{0x0D, 0x05, 0x06, 0x03, 2, 2, // registers, shift, count
-                                    2, 0, 0, 0,                   // the last one set was CHR 1
-                                    0x7A, 0x56, 0x34, 0x12, 0x11}));
-    EXPECT_EQ(block[5 + 14 + kRam], 0x22);
+    ExpectValuesAsListed("Board 1", block,
+                         {
+                             {"registers",    {0x0D, 0x05, 0x06, 0x03}},
+                             {"shift",        {2}                     },
+                             {"count",        {2}                     },
+                             {"lastRegister", {2}                     }, // the second of characters
+                             {"lastCycle",    {0x1234567A}            },
+                             {"programRam",   {0x11}                  },
+                             {"characterRam", {0x22}                  }
+    });
 }
 
 TEST(BoardState, ScanlineBoardFieldOrder) {
@@ -205,12 +220,21 @@ TEST(BoardState, ScanlineBoardFieldOrder) {
     rig.Write(0xC000, 0x44);
     rig.Write(0xC001, 0);
     const std::vector<uint8_t> block = rig.Save();
-    EXPECT_EQ(std::vector<uint8_t>(block.begin() + 5, block.begin() + 26),
-              (std::vector<uint8_t>{1,    8,    0x44, 1,    7,    7, // enable, counter, latch, ...
-                                    0x80, 3,                         // RAM control, mirroring
-                                    0x24, 0x25, 0x3E, 0x3F,          // programs
-                                    0,    1,    2,    3,    0x20, 0x21, 0x22, 0x23, 0x11}));
-    EXPECT_EQ(block[25 + kRam], 0x22);
+    ExpectValuesAsListed("Board 4", block,
+                         {
+                             {"irqEnable",    {1}                                 },
+                             {"counter",      {8}                                 },
+                             {"latch",        {0x44}                              },
+                             {"reload",       {1}                                 },
+                             {"filter",       {7}                                 },
+                             {"bankSelect",   {7}                                 },
+                             {"ramControl",   {0x80}                              },
+                             {"mirroring",    {3}                                 },
+                             {"program",      {0x24, 0x25, 0x3E, 0x3F}            },
+                             {"character",    {0, 1, 2, 3, 0x20, 0x21, 0x22, 0x23}},
+                             {"programRam",   {0x11}                              },
+                             {"characterRam", {0x22}                              }
+    });
 }
 
 TEST(BoardState, LatchedBoardFieldOrder) {
@@ -223,8 +247,13 @@ TEST(BoardState, LatchedBoardFieldOrder) {
     rig.Write(0xE000, 4);
     (void)rig.PpuRead(0x1FE8);
     const std::vector<uint8_t> block = rig.Save();
-    EXPECT_EQ(std::vector<uint8_t>(block.begin() + 5, block.end()),
-              (std::vector<uint8_t>{5, 0, 0, 1, 1, 2, 3, 4}));
+    ExpectValuesAsListed("Board 9", block,
+                         {
+                             {"program",   {5}         },
+                             {"mirroring", {0}         },
+                             {"latches",   {0, 1}      },
+                             {"character", {1, 2, 3, 4}}
+    });
 }
 
 TEST(BoardState, CycleBoardFieldOrder) {
@@ -238,7 +267,13 @@ TEST(BoardState, CycleBoardFieldOrder) {
     rig.Write(0x8000, 9);
     rig.PpuWrite(0, 0x33);
     const std::vector<uint8_t> block = rig.Save();
-    EXPECT_EQ(std::vector<uint8_t>(block.begin() + 5, block.begin() + 11),
-              (std::vector<uint8_t>{7, 0x22, 0x43, 0x29, 0x43, 0x15}));
-    EXPECT_EQ(block[11 + kRam], 0x33);
+    ExpectValuesAsListed("Board 73", block,
+                         {
+                             {"control",      {7}     },
+                             {"counter",      {0x4322}},
+                             {"latch",        {0x4329}},
+                             {"bank",         {0x15}  },
+                             {"programRam",   {}      },
+                             {"characterRam", {0x33}  }
+    });
 }

@@ -1,7 +1,7 @@
-// A cartridge with the pins that a machine would give it, and images assembled for a test.
+// A cartridge wired as a machine would wire it, and images made for a test.
 //
-// Every page of an image carries its own number: the first two bytes of a program page are its 4 KB
-// page number, lowest byte first, those of a character page its 1 KB page number with bit 15 set.
+// Every page of an image starts with its own number, two bytes, low byte first: a program page with its 4 KB page
+// number, a character page with its 1 KB page number with bit 15 set.
 #pragma once
 
 #include "nes/board.h"
@@ -76,7 +76,7 @@ public:
         cartridge->pages.ppuAddressHook(cartridge->pages.board, static_cast<uint16_t>(address));
     }
 
-    // The numbers of the program pages seen at 0x8000 to 0xFFFF.
+    // The numbers of the program pages at 0x8000 to 0xFFFF.
     std::vector<int> Program() const {
         std::vector<int> pages;
         for (int address = 0x8000; address < 0x10000; address += 0x1000) {
@@ -84,7 +84,7 @@ public:
         }
         return pages;
     }
-    // The numbers of the character pages seen at 0x0000 to 0x1FFF.
+    // The numbers of the character pages at 0x0000 to 0x1FFF.
     std::vector<int> Characters() const {
         std::vector<int> pages;
         for (int address = 0; address < 0x2000; address += 0x400) {
@@ -93,8 +93,7 @@ public:
         }
         return pages;
     }
-    // The nametable pages seen at 0x2000 to 0x2FFF, by their letters; "?" where the mirror at 0x3000
-    // shows others.
+    // The letters of the nametable pages at 0x2000 to 0x2FFF; "?" if the mirror at 0x3000 differs.
     std::string Mirroring() const {
         std::string pages;
         for (int address = 0x2000; address < 0x3000; address += 0x400) {
@@ -103,8 +102,7 @@ public:
         }
         return pages;
     }
-    // Puts the image's page numbers into the first bytes of the 8 KB at PPU address 0; false where
-    // something there takes no writes.
+    // Writes the image's page numbers to the 8 KB at PPU address 0; false if a page there is read-only.
     bool FillCharacterRam() {
         for (int page = 0; page < 8; ++page) {
             PpuWrite(page * 0x400, page);
@@ -142,7 +140,7 @@ inline std::vector<int> Pages(int first, int count) {
     return numbers;
 }
 
-// One list behind the other.
+// The lists in a row.
 inline std::vector<int> Join(std::initializer_list<std::vector<int>> lists) {
     std::vector<int> all;
     for (const std::vector<int>& list : lists) {

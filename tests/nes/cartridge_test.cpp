@@ -45,8 +45,8 @@ TEST(Cartridge, EveryOtherBoardIsRefusedWithItsNumber) {
     }
 }
 
-TEST(Cartridge, TrainerIsRefusedWithoutAWord) {
-    for (const int board : {0, 5}) { // before the board is looked up
+TEST(Cartridge, TrainerIsRefusedWithoutAMessage) {
+    for (const int board : {0, 5}) { // refused before the board is looked up
         std::string error = "old";
         EXPECT_FALSE(Loads(MakeImage({board, 1, 1, kNesTrainer}), error));
         EXPECT_EQ(error, "");
@@ -74,7 +74,7 @@ TEST(Cartridge, HeaderThatPromisesMoreThanTheImageHoldsIsRefused) {
     std::vector<uint8_t> image = MakeImage({0, 2, 1, 0});
     std::string error;
     EXPECT_TRUE(Loads(image, error));
-    image.push_back(0); // more than promised is fine
+    image.push_back(0); // more than the header promises is fine
     EXPECT_TRUE(Loads(image, error));
     image.resize(image.size() - 2);
     EXPECT_FALSE(Loads(image, error));
@@ -101,8 +101,7 @@ TEST(Cartridge, LoadingAgainForgetsTheOldImage) {
     EXPECT_EQ(rig.cartridge->program[0], nullptr);
 }
 
-// Four program pages and eight character pages a bank; the widest mask where a count is no power of
-// two.
+// Four program pages and eight character pages per bank; the widest mask if the count is no power of two.
 TEST(Cartridge, MasksFollowTheBankCounts) {
     struct ROW {
         int banks;
@@ -215,7 +214,7 @@ TEST(Cartridge, OnlyTheBoardsThatHaveThemHaveClockAndHook) {
         CartridgeRig rig({board, 2, 1, 0});
         EXPECT_EQ(rig.cartridge->cpuClock != nullptr, board == 73) << board;
         EXPECT_EQ(rig.cartridge->pages.ppuAddressHook != NesIgnoreAddress, board == 4) << board;
-        rig.Hook(0x1000); // safe on every board
+        rig.Hook(0x1000); // must be safe on every board
         BoardCpuClock(*rig.cartridge);
         EXPECT_FALSE(rig.Irq());
     }

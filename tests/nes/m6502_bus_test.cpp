@@ -1,5 +1,4 @@
-// Every cycle of one instruction of each kind on the bus, written out by hand from the chip's published
-// cycle tables.
+// Every bus cycle of one instruction of each kind, written by hand from the published cycle tables (64doc).
 #include "nes/m6502_rig.h"
 
 #include <gtest/gtest.h>
@@ -29,8 +28,8 @@ void PrintTo(const BUS_ROW& row, std::ostream* out) {
 
 class M6502Bus : public testing::TestWithParam<BUS_ROW> {};
 
-// Zero page holds the pointers 0300 at 10, 0400 at 15 and, from FF on to 00, 12FE. Behind an index of 6
-// they lead to 0306 and to 1304, whose page is not that of 12FE.
+// Page zero holds the pointers 0300 at 10, 0400 at 15 and 12FE at FF (its high byte at 00). With an index of 6
+// they lead to 0306 and, across a page, to 1304.
 TEST_P(M6502Bus, ShowsEveryAccess) {
     TEST_6502 test;
     uint32_t address = TEST_6502::kProgram;
@@ -140,7 +139,7 @@ const std::vector<BUS_ROW> kRows{
         "r8000=9E r8001=00 r8002=03 r0306=66 w0306=04"), // SHX abs,Y: 05 AND 04
     Row("StoreHighY", {0x9C, 0x00, 0x03},
         "r8000=9C r8001=00 r8002=03 r0305=00 w0305=04"), // SHY abs,X: 06 AND 04
-    // Where the index carries, what is stored is the high byte of the address as well.
+    // If the index carries, the stored value is also the high byte of the address.
     Row("StoreHighXAcross", {0x9E, 0xFE, 0x02},
         "r8000=9E r8001=FE r8002=02 r0204=00 w0104=01"), // SHX abs,Y: 05 AND 03
     Row("StoreHighYAcross", {0x9C, 0xFE, 0x03},

@@ -1,6 +1,6 @@
-// When an interrupt is taken: every expectation follows from two rules. The lines are sampled as a
-// cycle begins, ahead of the devices; and the sample counts in the first cycle of an instruction only.
-// A sequence has seven cycles and reads its vector in the sixth and seventh.
+// When an interrupt is taken. Every expectation follows from two rules: the lines are sampled at the start of a
+// cycle, before the devices run, and the sample counts in the first cycle of an instruction only. A sequence
+// has seven cycles and reads its vector in the sixth and seventh.
 #include "nes/m6502_rig.h"
 #include "nes/nes_lines.h"
 
@@ -31,8 +31,8 @@ uint32_t VectorOf(Line line) {
     return line == Line::kNmi ? 0xFFFA : 0xFFFE;
 }
 
-// Runs up to `cycles` cycles, a device raising the line within cycle `raisedIn` (0: before the first
-// one), and gives the cycle that reads the line's vector.
+// Runs up to `cycles` cycles; a device raises the line in cycle `raisedIn` (0: before the first). Returns the
+// cycle that reads the line's vector.
 uint32_t VectorCycle(TEST_6502& test, Line line, uint32_t raisedIn, uint32_t cycles = 30) {
     const std::string wanted = AccessText('r', VectorOf(line));
     if (raisedIn == 0) {
@@ -54,7 +54,7 @@ uint32_t VectorCycle(TEST_6502& test, Line line, uint32_t raisedIn, uint32_t cyc
 
 struct KIND_ROW {
     const char* name;
-    std::vector<uint8_t> program; // the instruction; NOPs stand behind it
+    std::vector<uint8_t> program; // the instruction; NOPs follow
     uint32_t cycles;
 };
 
@@ -110,8 +110,8 @@ const std::vector<KIND_ROW> kKinds{
     {"EmptyRow",                  {0x02},             1},
 };
 
-// An interrupt raised in any cycle of an instruction begins behind its last.
-TEST(M6502Interrupt, IsTakenBehindTheInstructionInWhichItComes) {
+// An interrupt raised in any cycle of an instruction begins after its last.
+TEST(M6502Interrupt, IsTakenAfterTheInstructionInWhichItComes) {
     for (const Line line : {Line::kNmi, Line::kIrq}) {
         for (const KIND_ROW& row : kKinds) {
             for (uint32_t raisedIn = 1; raisedIn <= row.cycles; ++raisedIn) {
@@ -132,7 +132,7 @@ TEST(M6502Interrupt, RaisedBeforeAnInstructionIsTakenInItsPlace) {
     }
 }
 
-// The line has been sampled by the time the device raises it.
+// The line is sampled before the device raises it.
 TEST(M6502Interrupt, RaisedInTheFirstCycleOfAnInstructionWaitsForItsEnd) {
     for (const Line line : {Line::kNmi, Line::kIrq}) {
         for (const KIND_ROW& row : kKinds) {
@@ -172,7 +172,7 @@ TEST(M6502Interrupt, NmiIsTakenBackAndComesOnce) {
     EXPECT_EQ(VectorCycle(test, Line::kNmi, kNever), kNever);
 }
 
-// The device has to take an IRQ back; with interrupts enabled again it comes again.
+// A device must clear its IRQ; otherwise it comes again once interrupts are enabled.
 TEST(M6502Interrupt, IrqKeepsItsLevel) {
     TEST_6502 test;
     test.Put(TEST_6502::kIrqHandler, {0x58}); // CLI
@@ -184,7 +184,7 @@ TEST(M6502Interrupt, IrqKeepsItsLevel) {
 
 TEST(M6502Interrupt, IrqThatIsTakenBackInTimeDoesNotCome) {
     TEST_6502 test;
-    test.Put(TEST_6502::kProgram, {0xE6, 0x20, 0x4C, 0x02, 0x80}); // INC 20, and on the spot
+    test.Put(TEST_6502::kProgram, {0xE6, 0x20, 0x4C, 0x02, 0x80}); // INC 20, then a jump to itself
     for (uint32_t cycle = 1; cycle <= 5; ++cycle) {
         test.Cycle([&] { test.cpu.irqLines = cycle < 5 ? kNesIrqSample : 0; });
     }
@@ -220,8 +220,8 @@ TEST(M6502Interrupt, NmiGoesBeforeAnIrq) {
     EXPECT_EQ(test.cpu.irqLines, uint32_t{kNesIrqFrame});
 }
 
-// Only BRK looks at the line again: the IRQ's sequence ends with its own vector, and the NMI's follows
-// before the first instruction of the handler.
+// Only BRK tests the line again: the IRQ sequence ends with its own vector, and the NMI's follows before the
+// first instruction of the handler.
 TEST(M6502Interrupt, NmiDuringAnIrqsSequenceFollowsIt) {
     for (uint32_t raisedIn = 1; raisedIn <= 7; ++raisedIn) {
         TEST_6502 test;
@@ -242,7 +242,7 @@ TEST(M6502Interrupt, NmiDuringAnIrqsSequenceFollowsIt) {
     }
 }
 
-TEST(M6502Interrupt, NmiBehindBreaksPushOfTheFlagsWaits) {
+TEST(M6502Interrupt, NmiAfterBreaksPushOfTheFlagsWaits) {
     for (uint32_t raisedIn = kBreakFlagsAt + 1; raisedIn <= kBreakCycles; ++raisedIn) {
         TEST_6502 test{0x00, 0x00};
         EXPECT_EQ(VectorCycle(test, Line::kNmi, raisedIn), kBreakCycles + kVectorAt) << raisedIn;
@@ -282,21 +282,21 @@ TEST(M6502Interrupt, IrqDuringBreakIsHeldBackByTheFlagThatItSets) {
     }
 }
 
-// CLI, SEI, PLP and RTI change the flag in the cycle that reads, and the next sample goes by it.
+// CLI, SEI, PLP and RTI change the flag in a read cycle; the next sample uses the new flag.
 
 TEST(M6502Interrupt, ClearedDisableActsAtOnce) {
     for (uint32_t raisedIn = 0; raisedIn <= 2; ++raisedIn) {
         TEST_6502 test{0x58, 0x78}; // CLI, SEI
         test.cpu.p |= kM6502FlagI;
         EXPECT_EQ(VectorCycle(test, Line::kIrq, raisedIn), 2 + kVectorAt) << raisedIn;
-        EXPECT_EQ(test.bus.memory[0x01FC], 0x01); // SEI is what it goes back to
+        EXPECT_EQ(test.bus.memory[0x01FC], 0x01); // returns to SEI
     }
 }
 
 TEST(M6502Interrupt, SetDisableActsAtOnce) {
     for (uint32_t raisedIn = 1; raisedIn <= 2; ++raisedIn) {
         TEST_6502 test;
-        test.Put(TEST_6502::kProgram, {0x78, 0x4C, 0x01, 0x80}); // SEI, and on the spot
+        test.Put(TEST_6502::kProgram, {0x78, 0x4C, 0x01, 0x80}); // SEI, then a jump to itself
         EXPECT_EQ(VectorCycle(test, Line::kIrq, raisedIn), kNever) << raisedIn;
     }
 }
@@ -304,7 +304,7 @@ TEST(M6502Interrupt, SetDisableActsAtOnce) {
 TEST(M6502Interrupt, PulledDisableActsAtOnce) {
     constexpr uint32_t kPullCycles = 4;
     for (uint32_t raisedIn = 1; raisedIn <= kPullCycles; ++raisedIn) {
-        TEST_6502 enables{0x28, 0x4C, 0x01, 0x80}; // PLP, and on the spot
+        TEST_6502 enables{0x28, 0x4C, 0x01, 0x80}; // PLP, then a jump to itself
         enables.cpu.p |= kM6502FlagI;
         EXPECT_EQ(VectorCycle(enables, Line::kIrq, raisedIn), kPullCycles + kVectorAt) << raisedIn;
         TEST_6502 disables{0x28, 0x4C, 0x01, 0x80};
@@ -316,7 +316,7 @@ TEST(M6502Interrupt, PulledDisableActsAtOnce) {
 TEST(M6502Interrupt, ReturnFromInterruptActsAtOnce) {
     constexpr uint32_t kReturnCycles = 6;
     for (uint32_t raisedIn = 1; raisedIn <= kReturnCycles; ++raisedIn) {
-        TEST_6502 enables{0x40, 0x4C, 0x01, 0x80}; // RTI to a jump on the spot
+        TEST_6502 enables{0x40, 0x4C, 0x01, 0x80}; // RTI to a jump to itself
         enables.Put(0x01FE, {0x00, 0x01});
         enables.Put(0x0100, {0x80});
         enables.cpu.p |= kM6502FlagI;
@@ -340,8 +340,8 @@ TEST(M6502Interrupt, ReturnFromAnInterruptGoesOnWhereItCame) {
     EXPECT_EQ(test.cpu.p, kM6502FlagOne | kM6502FlagC | kM6502FlagD);
 }
 
-// On the real chip a branch taken within its page doesn't look for interrupts in its last cycles, so that
-// one raised there waits for the instruction behind it too. Here a branch is as any instruction.
+// On the real chip a taken branch within its page doesn't poll interrupts in its last cycles, so one raised
+// there also waits for the next instruction. Here a branch is like any instruction.
 TEST(M6502Interrupt, TakenBranchDelaysNothing) {
     TEST_6502 test{0xD0, 0x00, 0xEA};
     EXPECT_EQ(VectorCycle(test, Line::kIrq, 3), 3 + kVectorAt);

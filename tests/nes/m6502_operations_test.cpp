@@ -1,5 +1,5 @@
-// What the operations do to registers, flags and memory, worked out by hand from the published rules; and
-// the accesses of the no-operations with an absolute operand.
+// What the operations do to registers, flags and memory, computed by hand from the published rules, and the
+// accesses of the NOPs with an absolute operand.
 #include "nes/m6502_rig.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ constexpr uint8_t kZ = kM6502FlagZ;
 constexpr uint8_t kV = kM6502FlagV;
 constexpr uint8_t kN = kM6502FlagN;
 
-constexpr uint8_t kCell = 0x40; // of the zero page, where those with a memory operand have it
+constexpr uint8_t kCell = 0x40; // in page zero: the memory operand
 
 struct VALUES {
     uint8_t a;
@@ -38,7 +38,7 @@ void PrintTo(const VALUES& values, std::ostream* out) {
 }
 
 struct OPERATION_ROW {
-    uint8_t opcode; // with a zero-page operand, or with none
+    uint8_t opcode; // with a zero-page operand or none
     VALUES before;
     VALUES after;
 };
@@ -77,7 +77,7 @@ TEST(M6502Operations, AndOrXorSetZeroAndNegative) {
     });
 }
 
-// Carry says "not below", as unsigned numbers; overflow isn't touched.
+// Carry means "not below", unsigned; overflow stays.
 TEST(M6502Operations, ComparesSubtractWithoutKeepingTheResult) {
     ExpectRows({
         {0xC5, {0x40, 1, 2, 0x40, kN},      {0x40, 1, 2, 0x40, kC | kZ}     }, // CMP
@@ -158,7 +158,7 @@ TEST(M6502Operations, LoadOfTwoRegisters) {
     });
 }
 
-// Carry comes from the shift, zero and negative from the accumulator.
+// Carry is from the shift, zero and negative from the accumulator.
 TEST(M6502Operations, ShiftsOfMemoryJoinedWithLogic) {
     ExpectRows({
         {0x07, {0x04, 2, 3, 0xC1, kZ},           {0x86, 2, 3, 0x82, kC | kN}     }, // SLO
@@ -172,7 +172,7 @@ TEST(M6502Operations, ShiftsOfMemoryJoinedWithLogic) {
     });
 }
 
-// The addition takes the bit that the rotation has let fall as its carry.
+// The carry of the addition is the bit that was rotated out.
 TEST(M6502Operations, RotationOfMemoryJoinedWithAnAddition) {
     ExpectRows({
         {0x67, {0x10, 2, 3, 0x03, kN},      {0x12, 2, 3, 0x01, 0}      }, // RRA: 10 + 01 + 1

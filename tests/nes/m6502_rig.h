@@ -1,6 +1,6 @@
-// A 6502 on 64 KB of plain memory that writes down every access, for the processor's tests.
+// A 6502 on 64 KB of plain memory that logs every access, for the CPU's tests.
 //
-// An access is written as kind, address and value, and accesses are parted by spaces: "r8000=A9".
+// An access is logged as kind, address and value, separated by spaces: "r8000=A9".
 #pragma once
 
 #include "nes/m6502.h"
@@ -14,7 +14,7 @@
 
 using BYTES = std::initializer_list<uint8_t>;
 
-// An access in a trace without its value: "r8000".
+// An access in a log without its value: "r8000".
 inline std::string AccessText(char kind, uint32_t address) {
     std::array<char, 8> text{};
     std::snprintf(text.data(), text.size(), "%c%04X", kind, address & 0xFFFFU);
@@ -42,8 +42,8 @@ private:
     }
 };
 
-// Starts an instruction at 8000 with SP FD and interrupts enabled. Memory is zero but for the program
-// and the vectors: an NMI goes to 9000, a reset to 8000, IRQ and BRK to A000; a NOP lies at each.
+// Starts an instruction at 8000 with SP FD and interrupts enabled. Memory is zero except for the program and the
+// vectors: NMI 9000, reset 8000, IRQ and BRK A000, with a NOP at each.
 struct TEST_6502 {
     static constexpr uint16_t kProgram = 0x8000;
     static constexpr uint16_t kNmiHandler = 0x9000;
@@ -76,7 +76,7 @@ struct TEST_6502 {
         }
     }
 
-    // One cycle; `between` stands for the devices that run behind the sampling.
+    // One cycle; `between` is the devices, which run after the sampling.
     template <typename Between>
     void Cycle(Between between) {
         M6502Sample(cpu);
@@ -90,7 +90,7 @@ struct TEST_6502 {
         }
     }
 
-    // Runs an instruction and gives its cycles; 20 if it does not come to its end.
+    // Runs an instruction; returns its cycles, or 20 if it doesn't end.
     uint32_t Instruction() {
         uint32_t cycles = 0;
         do {

@@ -9,7 +9,7 @@ namespace {
 
 using STATE = std::array<uint8_t, kM6502StateSize>;
 
-// Where fields lie in the piece.
+// Offsets of fields in the piece.
 constexpr size_t kQueueAt = 12;
 constexpr size_t kQueueIndexAt = kQueueAt + kM6502QueueSize;
 constexpr size_t kOperandRegisterAt = kQueueIndexAt + 12;
@@ -118,7 +118,7 @@ TEST(M6502State, OperandRegisterIsMaskedAndTheCallbacksAreKept) {
     std::vector<uint8_t> blob(200, 0xEE);
     M6502SaveState(test.cpu, blob.data());
     blob[kOperandRegisterAt] = 0xFF;
-    blob[kOperandRegisterAt - 4] = 0x42; // opcode, of which the low byte counts
+    blob[kOperandRegisterAt - 4] = 0x42; // opcode: only the low byte counts
     blob[kOperandRegisterAt - 3] = 0x01;
     EXPECT_EQ(M6502LoadState(test.cpu, blob.data(), 200), kM6502StateSize);
     EXPECT_EQ(test.cpu.operandRegister, uint32_t{kM6502Sp});

@@ -10,7 +10,7 @@ namespace {
 constexpr std::array<uint32_t, 12> kEmptyRows{0x02, 0x12, 0x22, 0x32, 0x42, 0x52,
                                               0x62, 0x72, 0x92, 0xB2, 0xD2, 0xF2};
 
-TEST(M6502Reset, ReadsItsVectorBehindThreeStackReads) {
+TEST(M6502Reset, ReadsItsVectorAfterThreeStackReads) {
     TEST_6502 test;
     test.Put(0xFFFC, {0x34, 0x12});
     test.Put(0x0000, {0x5A});
@@ -71,9 +71,9 @@ TEST(M6502, EmptyRowsAreNoOperationsOfOneCycle) {
     }
 }
 
-// The cycles of every opcode where no flag is set and the index registers are 0: nothing crosses a page,
-// and of the branches those on a clear flag are taken, which is a cycle more. They are those of the
-// published map but for the twelve opcodes that stop the real chip, which take one cycle here.
+// The cycles of every opcode with all flags clear and index registers of 0: nothing crosses a page, and branches
+// on a clear flag are taken, which adds a cycle. From the published opcode map (64doc), except for the twelve
+// opcodes that stop the real chip and take one cycle here.
 constexpr std::array<uint8_t, 256> kCycles{
     7, 6, 1, 8, 3, 3, 5, 5, 3, 2, 2, 2, 4, 4, 6, 6, // 0x
     3, 5, 1, 8, 4, 4, 6, 6, 2, 4, 2, 7, 4, 4, 7, 7, // 1x: BPL is taken
@@ -170,7 +170,7 @@ struct SUM_ROW {
     uint8_t flags; // of C, Z, V and N
 };
 
-// In decimal, 15 + 27 would be 42 and 42 - 15 would be 27.
+// In decimal mode, 15 + 27 would be 42 and 42 - 15 would be 27.
 TEST(M6502, DecimalFlagIsKeptAndIgnored) {
     constexpr uint8_t kC = kM6502FlagC;
     constexpr uint8_t kV = kM6502FlagV;
@@ -200,7 +200,7 @@ TEST(M6502, DecimalFlagIsKeptAndIgnored) {
     }
 }
 
-TEST(M6502, PulledFlagsIgnoreTheBitsThatAreNone) {
+TEST(M6502, PulledFlagsIgnoreBitsFourAndFive) {
     for (const uint8_t opcode : BYTES{0x28, 0x40}) { // PLP, RTI
         for (const uint8_t pulled : BYTES{0x00, 0xFF, 0x10}) {
             TEST_6502 test{opcode};
@@ -275,7 +275,7 @@ TEST(M6502, OpcodesThatOnlyFormTheirAddressChangeNothing) {
     }
 }
 
-// SHA, SHX, SHY at a base in page FF: the high byte plus 1 is 0, and so is all that is stored.
+// SHA, SHX, SHY with a base in page FF: the high byte + 1 is 0, and so is the stored value.
 TEST(M6502, StoresWithTheHighByteWrapAroundTheMemory) {
     TEST_6502 test{0x9E, 0xF0, 0xFF};
     test.cpu.x = 0xFF;
@@ -285,7 +285,7 @@ TEST(M6502, StoresWithTheHighByteWrapAroundTheMemory) {
     EXPECT_TRUE(test.bus.trace.ends_with("rFF10=00 w0010=00"));
 }
 
-// SHA: where the index carries, A AND X AND the high byte plus 1 is both what is stored and the page.
+// SHA: if the index carries, A AND X AND (high byte + 1) is both the stored value and the page.
 TEST(M6502, StoreOfBothRegistersReplacesThePageOnlyWhereTheIndexCarries) {
     struct ROW {
         uint8_t y;
@@ -325,7 +325,7 @@ TEST(M6502, BusValueIsThatOfTheLastAccess) {
     }
 }
 
-// What a bus sees in busValue: at a read the access before, at a write the value.
+// What a bus finds in busValue: at a read the value of the access before, at a write the value written.
 struct OPEN_BUS {
     M6502& cpu;
     RECORDING_BUS& memory;

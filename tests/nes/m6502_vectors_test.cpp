@@ -33,15 +33,15 @@ struct CASE_BUS {
     }
 };
 
-// What of a case is another matter here than on the real chip.
+// How an opcode differs here from the real chip.
 enum class Kind {
     kSame,
-    kNoDecimal, // A and the flags of the operation
-    kNoEffect,  // registers but PC, and memory, stay
-    kAddress,   // as kNoEffect, and what the last cycle does is not compared
+    kNoDecimal, // A and the operation's flags differ in decimal mode
+    kNoEffect,  // memory and all registers but PC stay
+    kAddress,   // as kNoEffect; the last cycle is not compared
     kStops,     // the real chip stops: one cycle here
-    kReads,     // the cases lack the last read, which the chip's published cycle tables have
-    kUnstable // addresses alone; where the index carries, that of the store by the rule for its page
+    kReads,     // the cases lack the last read, which the published cycle tables have
+    kUnstable   // addresses only; on a page crossing the store's page follows the published rule
 };
 
 bool IsOneOf(uint32_t opcode, std::initializer_list<uint32_t> list) {
@@ -65,7 +65,7 @@ Kind KindOf(const PROCESSOR_CASE& test) {
     if (IsOneOf(opcode, {0x0C, 0x1C, 0x3C, 0x5C, 0x7C, 0xDC, 0xFC})) {
         return Kind::kReads;
     }
-    // ADC and SBC stand in the columns 1 and 3 of rows 6, 7, E and F, and at EB.
+    // ADC and SBC are in columns 1 and 3 of rows 6, 7, E and F, and at EB.
     const uint32_t row = opcode >> 4;
     const bool isSum = (row == 6 || row == 7 || row == 0xE || row == 0xF) && (opcode & 1) != 0;
     return isSum && (test.before.registers[kP] & kM6502FlagD) != 0 ? Kind::kNoDecimal : Kind::kSame;
@@ -131,7 +131,7 @@ std::string CompareMemory(const PROCESSOR_CASE& test, Kind kind,
     return wrong.str();
 }
 
-// The accesses as far as they are compared.
+// The accesses that are compared.
 std::vector<CASE_ACCESS> Comparable(std::vector<CASE_ACCESS> bus, Kind kind) {
     if (kind == Kind::kStops) {
         bus.resize(1);
@@ -146,8 +146,8 @@ std::vector<CASE_ACCESS> Comparable(std::vector<CASE_ACCESS> bus, Kind kind) {
     return bus;
 }
 
-// The bus of a three-byte no-operation: a case ends at the address as it is without the carry of an
-// index, or behind the operand of 0C; the tables go on to a read at the full address.
+// The bus of a three-byte NOP: a case ends with the address before the carry, or after the operand of 0C; the
+// published tables go on to a read at the full address.
 std::vector<CASE_ACCESS> WithLastRead(const PROCESSOR_CASE& test,
                                       const std::vector<uint8_t>& memory) {
     constexpr size_t kLow = 1;
@@ -161,9 +161,9 @@ std::vector<CASE_ACCESS> WithLastRead(const PROCESSOR_CASE& test,
     return bus;
 }
 
-// The bus of SHA, SHX, SHY: a case leaves the page of the store as the index made it. Where the index
-// carries, the published rule has it be the value that is stored: the registers AND the high byte of the
-// address before the index, plus 1. The cycle before shows that address, its high byte untouched.
+// The bus of SHA, SHX, SHY: a case stores to the indexed page. If the index carries, the published rule makes the
+// stored value the page: the registers AND (high byte of the address before the index, + 1). The cycle before
+// shows that high byte.
 std::vector<CASE_ACCESS> WithStorePage(const PROCESSOR_CASE& test) {
     std::vector<CASE_ACCESS> bus = test.accesses;
     const uint32_t high = bus.at(bus.size() - 2).address >> 8;
@@ -199,7 +199,7 @@ std::string CompareBus(const PROCESSOR_CASE& test, Kind kind, const CASE_BUS& bu
     return Comparable(bus.accesses, kind) == expected ? "" : " the bus differs";
 }
 
-// What is wrong with a case; empty if nothing is.
+// What is wrong with a case; empty if it passes.
 std::string RunCase(const PROCESSOR_CASE& test, std::vector<uint8_t>& memory) {
     const Kind kind = KindOf(test);
     M6502 cpu = Prepare(test.before.registers);

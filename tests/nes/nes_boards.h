@@ -1,4 +1,4 @@
-// A cartridge of every kind of board, for the tests that hold for all of them.
+// A cartridge with each kind of board, for tests that hold for all of them.
 #pragma once
 
 #include "nes/nes_rig.h"
@@ -18,7 +18,7 @@ struct NES_BOARD_CASE {
     int characterBanks;
 };
 
-// How a failing test names its case.
+// The case's name in a failing test.
 inline void PrintTo(const NES_BOARD_CASE& what, std::ostream* out) {
     *out << what.name;
 }
@@ -38,7 +38,7 @@ inline constexpr NES_BOARD_CASE kNesBoardCases[] = {
     {"Cycle",           73, 0, 4, 0},
 };
 
-// With random patterns where the board has them in its image.
+// With random patterns if the board has character ROM.
 inline NES_IMAGE ImageOf(const NES_BOARD_CASE& what) {
     std::mt19937 random(static_cast<uint32_t>(what.board) + 1);
     std::vector<uint8_t> characters(static_cast<size_t>(what.characterBanks) * 0x2000);

@@ -1,5 +1,5 @@
-// What lies between the chips and the cartridge: addresses that are nobody's, transfers and samples
-// together with banks and stalls, and boards that are worked by real instructions.
+// The bus between the chips and the cartridge: empty addresses, sprite DMA and sample fetches with banks and
+// stalls, and boards driven by real instructions.
 #include "nes/apu_tick.h"
 #include "nes/nes_rig.h"
 
@@ -25,7 +25,7 @@ void RunFrames(CEmuSystem& machine, uint32_t count) {
     rig->Frames(machine, count);
 }
 
-// The nametable pages that the four quarters show, by letters.
+// The letters of the four nametables' pages.
 std::string Mirroring(const NES_CONSOLE& nes) {
     std::string pages;
     for (size_t quarter = 0; quarter < 4; ++quarter) {
@@ -46,7 +46,7 @@ std::vector<uint8_t> State(CNES& machine) {
 
 } // namespace
 
-// The page answers by its first 24 addresses alone: nothing repeats in it.
+// Only the first 24 addresses of the page respond; there are no mirrors.
 TEST(NesBus, WritesBeyondTheSoundRegistersReachNothing) {
     constexpr std::array<uint16_t, 12> kAddresses{0x4115, 0x4055, 0x4035, 0x4117, 0x4057, 0x4116,
                                                   0x4056, 0x4114, 0x4054, 0x4100, 0x4018, 0x4FFF};
@@ -71,9 +71,9 @@ TEST(NesBus, WritesBeyondTheSoundRegistersReachNothing) {
     }
 }
 
-// The write takes one cycle off the wait; the first read of the transfer finds the rest, of which one
-// cycle is its own.
-TEST(NesBus, SpriteTransferWaitsForTheSampleChannelOnce) {
+// The write takes one cycle off the stall. The first read of the transfer gets the rest, whose last cycle is its
+// own.
+TEST(NesBus, SpriteDmaWaitsForTheSampleChannelOnce) {
     for (const auto& [pending, cycles] : std::vector<std::pair<uint32_t, uint32_t>>{
              {4, 2},
              {3, 1},
@@ -93,16 +93,17 @@ TEST(NesBus, SpriteTransferWaitsForTheSampleChannelOnce) {
         EXPECT_EQ(nes->apu.sampleClock, clock + cycles) << pending;
         EXPECT_EQ(nes->apu.stallCycles, 0U) << pending;
         for (uint32_t i = 0; i < 256; ++i) {
-            const uint32_t mask = i % 4 == 2 ? 0xE3 : 0xFF; // three bits of a sprite don't exist
+            const uint32_t mask =
+                i % 4 == 2 ? 0xE3 : 0xFF; // three bits of the attributes don't exist
             EXPECT_EQ(nes->ppu.oam[i], (i ^ 0x80) & mask) << i;
         }
     }
 }
 
-// A byte is fetched when the one before it begins to play, from what the board shows by then.
+// A byte is fetched when the one before it begins to play, from the bank that is mapped then.
 TEST(NesBus, SamplesComeFromTheBankThatIsSwitchedIn) {
     constexpr size_t kPagesABank = 8;
-    constexpr size_t kSamplePage = 4; // of a bank: 0xC000
+    constexpr size_t kSamplePage = 4; // in the bank: 0xC000
     const auto nes = StartConsole(Idle(), {7, 0, 4, 0, {}});
     NES_BUS bus{*nes};
     for (size_t bank = 0; bank < 2; ++bank) {
@@ -114,7 +115,7 @@ TEST(NesBus, SamplesComeFromTheBankThatIsSwitchedIn) {
     const auto nextByte = [&] {
         const uint32_t left = nes->apu.sample.bytesLeft;
         for (int cycles = 0; cycles < 1000 && nes->apu.sample.bytesLeft == left; ++cycles) {
-            ApuStep(nes->apu);
+            ApuTick(nes->apu);
         }
         return nes->apu.sample.buffer;
     };
@@ -131,9 +132,9 @@ TEST(NesBus, SamplesComeFromTheBankThatIsSwitchedIn) {
     EXPECT_EQ(nextByte(), 0xB3);
 }
 
-// INC writes the old value and in the next cycle the new one, of which board 1 takes only the first. The
-// values' lowest bits are 1, 1, 1, 1, 0: control 0x0F, A A B B. Taken as well, the second writes would
-// leave A B A B, and they alone A A A A.
+// INC writes the old value and in the next cycle the new one; board 1 accepts only the first. The lowest bits of
+// the old values are 1, 1, 1, 1, 0: control 0x0F, A A B B. With the second writes accepted too the result would be
+// A B A B, with only those A A A A.
 TEST(NesBus, BoardOneTakesTheFirstWriteOfAnIncrement) {
     for (const bool plain : {false, true}) {
         NesProgram program;
@@ -141,7 +142,7 @@ TEST(NesBus, BoardOneTakesTheFirstWriteOfAnIncrement) {
             program.Absolute(0xEE, address);
         }
         program.Stop();
-        program.At(0xF000).Bytes({0x00, 0x01}); // seen at 0x9000 too
+        program.At(0xF000).Bytes({0x00, 0x01}); // also at 0x9000
         const auto machine = StartNes(program, {1, 0, 2, 1, {}});
         machine->SetStepByStep(plain);
         EXPECT_EQ(Mirroring(machine->Console()), "AAAA");
@@ -150,7 +151,7 @@ TEST(NesBus, BoardOneTakesTheFirstWriteOfAnIncrement) {
     }
 }
 
-// Bank 0 starts at 0xE000 and bank 1 at 0xE100. A reset puts bank 0 back before the vector is read.
+// Bank 0 starts at 0xE000 and bank 1 at 0xE100. A reset maps bank 0 before it reads the vector.
 TEST(NesBus, ResetReadsItsVectorThroughTheBoardsResetMap) {
     for (const int board : {7, 66}) {
         NesProgram program;
@@ -171,8 +172,8 @@ TEST(NesBus, ResetReadsItsVectorThroughTheBoardsResetMap) {
     }
 }
 
-// With no picture the address register stands on the bus, so that a program clocks the counter by taking it
-// over 0x1000 and back. A latch of 2 gives 2, 1, 0 and the interrupt, and again.
+// Without rendering the PPU's bus shows the VRAM address, so a program clocks the counter by moving it to 0x1000
+// and back. A latch of 2 counts 2, 1, 0 with an interrupt, and again.
 TEST(NesBus, BoardFoursCounterIsClockedByHandThroughTheAddress) {
     constexpr int kClocks = 7;
     std::array<std::vector<uint8_t>, 2> states;
@@ -186,7 +187,7 @@ TEST(NesBus, BoardFoursCounterIsClockedByHandThroughTheAddress) {
             program.PictureAddress(0x1000).Bytes({0xEA, 0xEA}).PictureAddress(0x0FFF);
         }
         program.Stop();
-        // LDX $11; LDA $10; STA $20,X; INC $11; acknowledged and on again; RTI
+        // LDX $11; LDA $10; STA $20,X; INC $11; acknowledge and enable; RTI
         program.At(kNesIrq).Bytes({0xA6, 0x11, 0xA5, 0x10, 0x95, 0x20, 0xE6, 0x11});
         program.Sta(0xE000).Sta(0xE001).Bytes({0x40});
         const auto machine = StartNes(program, {4, 0, 2, 1, {}});

@@ -1,5 +1,5 @@
-// Random programs that poke whatever they can reach in cycles of the frame that nobody chose: the loop with a
-// picture unit that runs late against the plain one, on every kind of board.
+// Random programs that access everything they can reach at random cycles of the frame: the fast loop, in which the
+// PPU lags, against the plain one, on every kind of board.
 #include "nes/nes_boards.h"
 
 #include <random>
@@ -8,19 +8,19 @@
 namespace {
 
 constexpr uint16_t kAccumulated =
-    0x0010; // every value read so far, mixed; what is written comes of it too
-constexpr uint16_t kRoutineEnd = 0x00C0; // bytes of a routine, behind which it returns
+    0x0010; // a mix of every value read so far; written values use it too
+constexpr uint16_t kRoutineEnd = 0x00C0; // bytes of a routine; then it returns
 
 class RandomProgram {
 public:
     explicit RandomProgram(uint32_t seed)
         : random(seed) {
-        // Something to see from the start: patterns where they are RAM, nametables, sprites, palette.
+        // A visible picture from the start: character RAM, nametables, sprites, palette.
         program.Bytes({0xA2, 0xFF, 0x9A}); // LDX # TXS
         Fill(0x0000, 0x30);
         Fill(0x3F00, 1);
         program.Store(0x4014, static_cast<int>(kNesCodeStart >> 8));
-        program.Store(0x2000, 0x80).Store(0x2001, 0x1E).Bytes({0x58}); // and interrupts on
+        program.Store(0x2000, 0x80).Store(0x2001, 0x1E).Bytes({0x58}); // CLI
         const uint16_t loop = program.Here();
         while (program.Here() < kNesNmi - 0x20) {
             Poke();
@@ -36,14 +36,14 @@ private:
     uint32_t Below(uint32_t end) { return static_cast<uint32_t>(random() % end); }
     int Byte() { return static_cast<int>(Below(256)); }
 
-    // Pages of picture memory, with bytes of ADC and ROL in turn.
+    // Fills pages of PPU memory with bytes made by ADC and ROL.
     void Fill(int address, int pages) {
         program.PictureAddress(address).Lda(Byte()).Bytes({0xA0, pages, 0xA2, 0}); // LDY # LDX #
         program.Bytes({0x69, 0x35, 0x2A}).Sta(0x2007);                             // ADC # ROL
         program.Bytes({0xCA, 0xD0, 0xF7, 0x88, 0xD0, 0xF4}); // DEX BNE, DEY BNE
     }
 
-    // Pokes with A and X kept for what was interrupted; acknowledges what the boards and the chips raise.
+    // Random accesses with A and X saved; acknowledges the interrupts of boards and chips.
     void Routine(uint16_t at) {
         program.At(at).Bytes({0x48, 0x8A, 0x48}); // PHA TXA PHA
         program.Load(0x4015).Sta(0xE000).Sta(0xE001).Sta(0xD000);
@@ -57,7 +57,7 @@ private:
         Delay();
         switch (Below(8)) {
         case 0:
-        case 1: Read(0x2000 + Below(0x2000)); break; // any mirror of the picture unit's registers
+        case 1: Read(0x2000 + Below(0x2000)); break; // any mirror of the PPU's registers
         case 2:
         case 3: Write(PictureRegister()); break;
         case 4: Write(0x8000 + Below(0x8000)); break; // the board's registers
@@ -78,7 +78,7 @@ private:
         }
     }
 
-    // Rendering is switched seldom, so that there is something to see, and off and on alike.
+    // Rendering is switched rarely, on as often as off, so that pictures are drawn.
     uint16_t PictureRegister() {
         const uint32_t number = Below(8);
         return static_cast<uint16_t>(0x2000 + (number == 1 && Below(3) != 0 ? 7 : number));
@@ -95,11 +95,11 @@ private:
         } else {
             program.Bytes({0xA5, kAccumulated});
         }
-        // A change of memory reads and writes twice, in cycles next to each other.
+        // A read-modify-write instruction writes twice in consecutive cycles.
         program.Absolute(Below(6) == 0 ? 0xEE : 0x8D, static_cast<int>(address));
     }
 
-    // Samples hold the processor up; a sprite copy reads a page at once.
+    // Sample fetches hold the CPU; sprite DMA reads a page at once.
     void Sound() {
         switch (Below(3)) {
         case 0:

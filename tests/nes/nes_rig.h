@@ -1,4 +1,4 @@
-// What the tests of the NES share: small programs for the 6502, images of them, a console without host.
+// What the tests of the NES share: small 6502 programs, images of them, a console without a host.
 #pragma once
 
 #include "formats/game_file.h"
@@ -18,14 +18,15 @@
 #include <string>
 #include <vector>
 
-inline constexpr uint16_t kNesCodeStart = 0xE000; // in the last 8 KB, which every board begins with
+inline constexpr uint16_t kNesCodeStart =
+    0xE000; // in the last 8 KB, which every board maps at reset
 inline constexpr size_t kNesCodeBytes = 0x2000;
 inline constexpr uint16_t kNesReset = 0xE000;
 inline constexpr uint16_t kNesNmi = 0xE800;
 inline constexpr uint16_t kNesIrq = 0xEC00;
 
-// Code from 0xE000 on, put together byte by byte. The reset vector is its start; an NMI and an IRQ go to
-// routines that return at once unless At(kNesNmi) and At(kNesIrq) are filled.
+// Code from 0xE000 on, assembled byte by byte. The reset vector is its start. NMI and IRQ return at once unless
+// At(kNesNmi) and At(kNesIrq) are filled.
 class NesProgram {
 public:
     NesProgram()
@@ -66,7 +67,7 @@ public:
     }
     NesProgram& Jump(int address) { return Absolute(0x4C, address); }
     NesProgram& Stop() { return Jump(here); }
-    // Waits for the flag of the blank; the first of two may be a left-over.
+    // Waits for the vblank flag twice, as the first may be an old one.
     NesProgram& WaitForBlank() { return Absolute(0x2C, 0x2002).Bytes({0x10, 0xFB}); }
 
     [[nodiscard]] uint16_t Here() const { return here; }
@@ -82,12 +83,12 @@ struct NES_IMAGE {
     int flags = 0; // low nibble of header byte 6
     int programBanks = 2;
     int characterBanks = 1;
-    std::vector<uint8_t> characters{}; // from the first bank's start; zeroes behind
+    std::vector<uint8_t> characters{}; // from the start of the first bank; zeroes follow
 };
 
-inline constexpr size_t kBankNumberOffset = 0x1FF0; // where each 8 KB holds its number
+inline constexpr size_t kBankNumberOffset = 0x1FF0; // where each 8 KB has its number
 
-// The code stands in each 8 KB of the program, so that a switched bank changes nothing but its number.
+// The code is in each 8 KB of the program, so that a bank switch changes only the number.
 inline std::vector<uint8_t> NesImage(const NesProgram& program, const NES_IMAGE& what = {}) {
     std::vector<uint8_t> image(16, 0);
     image[0] = 'N';
@@ -137,7 +138,7 @@ inline uint8_t NesByte(const CNES& machine, uint32_t address) {
     return value;
 }
 
-// A console with a program in it, reset, whose bus a test may drive.
+// A console with a program, reset, whose bus a test can drive.
 inline std::unique_ptr<NES_CONSOLE> StartConsole(const NesProgram& program,
                                                  const NES_IMAGE& what = {}) {
     RegisterSettings();

@@ -1,5 +1,5 @@
-// States of the NES with every kind of board: what follows a load is what followed the save, and bytes of
-// any kind do no harm.
+// States of the NES with every kind of board: a loaded run continues like the saved one, and arbitrary bytes do no
+// harm.
 #include "base/bytes.h"
 #include "machine/state_piece.h"
 #include "nes/nes_boards.h"
@@ -13,9 +13,9 @@
 
 namespace {
 
-// A restless program: random numbers go to work RAM, to the board's registers and RAM, to the pads and
-// into the picture while it is drawn; each blank moves sprites, scroll, palette, nametables and all
-// channels of sound, samples included; interrupts of the board and the sound unit are answered.
+// A busy program: random numbers go to work RAM, to the board's registers and RAM, to the pads and to the PPU while
+// it draws; each vblank changes sprites, scroll, palette, nametables and all sound channels, samples included;
+// board and APU interrupts are handled.
 NesProgram Restless() {
     NesProgram program;
     program.Store(0x0000, 0x35).Store(0x0001, 1).Store(0x0011, 0);
@@ -54,14 +54,7 @@ class EveryNesState : public testing::TestWithParam<NES_BOARD_CASE> {};
 } // namespace
 
 TEST_P(EveryNesState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
-    const auto machine = Start(GetParam());
-    Play(*machine, 0, 37);
-    const SAVED saved = Save(*machine);
-    const auto continued = Play(*machine, 37, kFollowingFrames);
-    const auto other = Start(GetParam());
-    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-    ExpectSameFrames(continued, Play(*other, 37, kFollowingFrames));
-    ExpectALivelyRun(continued);
+    ExpectTheRunThatWentOn([] { return Start(GetParam()); }, Play);
 }
 
 TEST_P(EveryNesState, TwoRunsAreTheSame) {
@@ -72,31 +65,13 @@ TEST_P(EveryNesState, TwoRunsAreTheSame) {
     ExpectSameFrames(one, two);
 }
 
-// The picture unit may run late in one and is always up to date in the other.
+// The PPU lags in the one and never in the other.
 TEST_P(EveryNesState, FastAndPlainFramesAreTheSame) {
-    const auto fast = Start(GetParam());
-    const auto plain = Start(GetParam());
-    plain->SetStepByStep(true);
-    for (int frame = 0; frame < 100; ++frame) {
-        const auto one = Play(*fast, frame, 1);
-        const auto two = Play(*plain, frame, 1);
-        ASSERT_EQ(one[0].picture, two[0].picture) << frame;
-        ASSERT_EQ(one[0].sound, two[0].sound) << frame;
-        ASSERT_TRUE(Save(*fast) == Save(*plain)) << frame;
-    }
+    ExpectFastAndPlainAlike([] { return Start(GetParam()); }, Play);
 }
 
 TEST_P(EveryNesState, LoadsAtAnyFrameOfItsOwnRun) {
-    const auto machine = Start(GetParam());
-    const auto other = Start(GetParam());
-    for (int frame = 0; frame < 24; ++frame) {
-        const SAVED saved = Save(*machine);
-        const auto continued = Play(*machine, frame, 1);
-        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-        const auto loaded = Play(*other, frame, 1);
-        ASSERT_EQ(continued[0].picture, loaded[0].picture) << frame;
-        ASSERT_EQ(continued[0].sound, loaded[0].sound) << frame;
-    }
+    ExpectLoadsAtAnyFrame([] { return Start(GetParam()); }, Play, 24, [](CNES&) {});
 }
 
 TEST_P(EveryNesState, IsSavedAlikeAfterLoading) {
@@ -106,19 +81,7 @@ TEST_P(EveryNesState, IsSavedAlikeAfterLoading) {
 }
 
 TEST_P(EveryNesState, WithoutItsSoundLoadsWithAnEmptyResampler) {
-    const auto machine = Start(GetParam());
-    Play(*machine, 0, 37);
-    const SAVED saved = Save(*machine);
-    const uint32_t chips = saved.size - AllPieceSizes(saved).back();
-    const auto continued = Play(*machine, 37, 10);
-    const auto other = Start(GetParam());
-    for (const uint32_t length : {chips, chips + 3, saved.size - 1}) {
-        ASSERT_TRUE(other->LoadState(saved.Cut(length).data(), length)) << length;
-        const auto loaded = Play(*other, 37, 10);
-        for (size_t i = 0; i < loaded.size(); ++i) {
-            ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
-        }
-    }
+    ExpectLoadsWithoutItsSound([] { return Start(GetParam()); }, Play, 1);
 }
 
 TEST_P(EveryNesState, IsRefusedWhenItIsCutOrOfAnotherVersionOrSize) {
@@ -126,7 +89,7 @@ TEST_P(EveryNesState, IsRefusedWhenItIsCutOrOfAnotherVersionOrSize) {
     const SAVED saved = Save(*machine);
     std::vector<uint32_t> sizes = AllPieceSizes(saved);
     sizes.pop_back();
-    // A plain board's state may be one from before its RAM was kept.
+    // A plain board's state may end before its RAM.
     const auto isWithoutRam = [](size_t piece, bool atStart) {
         return piece == kPiecesOfEveryBoard && atStart;
     };
@@ -145,7 +108,7 @@ TEST_P(EveryNesState, DamagedBytesLoadAndRunOrAreRefused) {
 INSTANTIATE_TEST_SUITE_P(NesState, EveryNesState, testing::ValuesIn(kNesBoardCases),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
-TEST(NesState, PiecesStandInTheirOrder) {
+TEST(NesState, PiecesComeInTheirOrder) {
     const std::vector<uint32_t> plain = AllPieceSizes(Save(*Start(kNesBoardCases[0])));
     ASSERT_EQ(plain.size(), 6U);
     EXPECT_EQ(plain[0], 5U + 0x800 + 2 + 8) << "header, work RAM, buttons, read counts";
@@ -165,7 +128,7 @@ TEST(NesState, OfAnotherBoardIsRefused) {
     EXPECT_FALSE(Start(kNesBoardCases[0])->LoadState(saved.blob.get(), saved.size));
 }
 
-// What the five pieces hold comes; of the RAM they say nothing, so it stays.
+// The five pieces are loaded; the RAM, which they don't contain, stays.
 TEST(NesState, OfAPlainBoardMayEndBeforeItsRam) {
     const auto machine = Start(kNesBoardCases[1]);
     Play(*machine, 0, 5);
@@ -184,8 +147,8 @@ TEST(NesState, OfAPlainBoardMayEndBeforeItsRam) {
     EXPECT_EQ(0, std::memcmp(saved.blob.get(), again.blob.get(), length));
 }
 
-// The pieces are taken one after the other: those before the refused one are in force, and that one and
-// those behind it have changed nothing.
+// Pieces are loaded in order: those before the refused one stay loaded; that one and those after it change
+// nothing.
 TEST(NesState, ARefusedPieceKeepsThoseBeforeIt) {
     for (size_t refused = 0; refused < kPiecesOfEveryBoard; ++refused) {
         const auto machine = Start(kNesBoardCases[2]);

@@ -1,4 +1,4 @@
-// The NES as a machine: bus, pads, transfers, stalls, frames, picture, sound, images that are refused.
+// The NES as a machine: bus, pads, DMA, stalls, frames, picture, sound, refused images.
 #include "nes/nes_rig.h"
 #include "nes/ppu_colours.h"
 
@@ -16,7 +16,7 @@ NesProgram Idle() {
     return program;
 }
 
-// The byte that a program's read of an address gives.
+// The byte that a program reads at an address.
 uint8_t ReadByProgram(int address, const NES_IMAGE& what = {}) {
     NesProgram program;
     program.Copy(address, 0x0200).Stop();
@@ -61,7 +61,7 @@ TEST(Nes, PictureRegistersRepeatUpTo0x3FFF) {
     EXPECT_EQ(machine->Dump("oam")[0x10], 0x55);
 }
 
-// The last byte on the bus is the address' own high byte.
+// The last byte on the bus is the high byte of the address.
 TEST(Nes, EmptyAddressesGiveTheLastByteOnTheBus) {
     EXPECT_EQ(ReadByProgram(0x4014), 0x40);
     EXPECT_EQ(ReadByProgram(0x4018), 0x40);
@@ -79,7 +79,7 @@ TEST(Nes, ProgramBanksBeyondTheImageReadAsOnes) {
     program.Store(0x9000, 1).Copy(0x8000 + kBankNumberOffset, 0x0200);
     program.Store(0x9000, 5).Copy(0x8000 + kBankNumberOffset, 0x0201);
     program.Copy(0xC000 + kBankNumberOffset, 0x0202).Stop();
-    // Three banks are no power of two, so nothing wraps.
+    // Three banks are no power of two, so page numbers don't wrap.
     const auto machine = StartNes(program, {2, 0, 3, 0, {}});
     RunFrames(*machine, 1);
     EXPECT_EQ(NesByte(*machine, 0x0200), 2) << "bank 1 begins with the third 8 KB";
@@ -91,7 +91,7 @@ TEST(Nes, ProgramBanksBeyondTheImageReadAsOnes) {
 
 namespace {
 
-// Reads a port 40 times behind a strobe, to 0x0200 and on.
+// Reads a port 40 times after a strobe, to 0x0200 and up.
 NesProgram ReadPadOften(int port) {
     NesProgram program;
     program.Store(0x4016, 1).Store(0x4016, 0).Bytes({0xA2, 0x00}); // LDX #0
@@ -115,7 +115,7 @@ TEST(Nes, PadGivesEightButtonsThenZeroesThenTheButtonsAgain) {
     RegisterSettings();
     const std::wstring names[] = {L"BUTTONA", L"BUTTONB", L"SELECT", L"START",
                                   L"UP",      L"DOWN",    L"LEFT",   L"RIGHT"};
-    // By default a shift key, which no plain binding answers to.
+    // The default is a shift key; binds a plain key instead.
     Settings().SetInt2(L"INPUT NES P1 SELECT", 290, 0);
     for (int player = 1; player <= 2; ++player) {
         for (int button = 0; button < 8; ++button) {
@@ -152,7 +152,7 @@ TEST(Nes, AnyWriteRestartsBothPads) {
         bus.Write(0x4016, static_cast<uint8_t>(value));
         EXPECT_EQ(bus.Read(0x4016), 1);
         EXPECT_EQ(bus.Read(0x4017), 1);
-        // A strobe that stays set holds nothing.
+        // A strobe that stays set has no effect.
         EXPECT_EQ(bus.Read(0x4016), 0);
         EXPECT_EQ(bus.Read(0x4017), 0);
     }
@@ -184,15 +184,15 @@ TEST(Nes, FrameInterruptComesUnlessTheFrameRegisterForbidsIt) {
         program.At(kNesIrq).Load(0x4015).Bytes({0xE6, 0x10, 0x40}); // INC $10; RTI
         const auto machine = StartNes(program);
         RunFrames(*machine, 20);
-        // One in 29,830 cycles, over 20 frames of 29,780.7; it stands for three cycles, so the read
-        // of the first may be followed by another.
+        // One per 29,830 cycles, over 20 frames of 29,780.7. The flag is set in three cycles, so a read in
+        // the first may be followed by another interrupt.
         const uint32_t count = NesByte(*machine, 0x0010);
         EXPECT_GE(count, forbidden ? 0U : 19U);
         EXPECT_LE(count, forbidden ? 0U : 20U);
     }
 }
 
-TEST(Nes, StatusOfTheSoundUnitIsReadAt0x4015) {
+TEST(Nes, ApuStatusIsReadAt0x4015) {
     NesProgram program;
     program.Store(0x4015, 0x03).Store(0x4000, 0x30).Store(0x4003, 0x08).Store(0x4007, 0x08);
     program.Bytes({0xEA, 0xEA}).Copy(0x4015, 0x0200).Stop();
@@ -201,9 +201,9 @@ TEST(Nes, StatusOfTheSoundUnitIsReadAt0x4015) {
     EXPECT_EQ(NesByte(*machine, 0x0200), 0x03);
 }
 
-// Transfers and stalls.
+// DMA and stalls.
 
-TEST(Nes, SpriteTransferCopiesAPageAtOnceAndReadsAtPc) {
+TEST(Nes, SpriteDmaCopiesAPageAtOnceAndReadsAtPc) {
     const auto nes = StartConsole(Idle());
     NES_BUS bus{*nes};
     for (uint32_t i = 0; i < 256; ++i) {
@@ -220,13 +220,13 @@ TEST(Nes, SpriteTransferCopiesAPageAtOnceAndReadsAtPc) {
     EXPECT_EQ(nes->cpu.busValue, 0x4C) << "the jump at pc";
     for (uint32_t i = 0; i < 256; ++i) {
         const uint32_t at = (i + 0x10) & 0xFF;
-        const uint32_t mask = at % 4 == 2 ? 0xE3 : 0xFF; // three bits of a sprite don't exist
+        const uint32_t mask = at % 4 == 2 ? 0xE3 : 0xFF; // three bits of the attributes don't exist
         EXPECT_EQ(nes->ppu.oam[at], (i * 3 + 1) & mask) << i;
     }
     EXPECT_EQ(nes->ppu.oamAddress, 0x10);
 }
 
-TEST(Nes, SpriteTransferReadsThroughTheBus) {
+TEST(Nes, SpriteDmaReadsThroughTheBus) {
     const auto nes = StartConsole(Idle());
     NES_BUS bus{*nes};
     bus.Write(0x4014, 0xE0);
@@ -262,7 +262,7 @@ TEST(Nes, WritesShortenTheWaitByOneEach) {
     EXPECT_EQ(nes->ppu.dot, dot + 3);
 }
 
-// The counter of board 73 interrupts a clock after it has reached 0xFFFF.
+// Board 73 interrupts one clock after its counter reaches 0xFFFF.
 TEST(Nes, BoardIsClockedWhileTheProcessorWaits) {
     for (const int low : {0xD, 0xC}) {
         const auto nes = StartConsole(Idle(), {73, 0, 2, 0, {}});
@@ -280,7 +280,7 @@ TEST(Nes, BoardIsClockedWhileTheProcessorWaits) {
 
 namespace {
 
-// Cycles of the processor in 60 frames, once a program has set itself up.
+// CPU cycles in 60 frames, after the program's setup.
 uint32_t CyclesOfSixtyFrames(const NesProgram& program) {
     const auto machine = StartNes(program);
     MACHINE_RIG rig;
@@ -292,7 +292,7 @@ uint32_t CyclesOfSixtyFrames(const NesProgram& program) {
 
 } // namespace
 
-// 341 x 262 dots, and every second frame one less while something is shown.
+// 341 x 262 dots, with rendering on one less in every second frame.
 TEST(Nes, FrameHas29780AndTwoThirdsCyclesWithoutAPicture) {
     EXPECT_NEAR(CyclesOfSixtyFrames(Idle()), 60 * 341 * 262 / 3.0, 1.0);
 }
@@ -303,7 +303,7 @@ TEST(Nes, FrameHas29780AndAHalfCyclesWithAPicture) {
     EXPECT_NEAR(CyclesOfSixtyFrames(program), (60 * 341 * 262 - 30) / 3.0, 1.0);
 }
 
-// A byte every 8 x 54 cycles, three of which the processor misses.
+// A byte every 8 x 54 cycles, three of which the CPU loses.
 TEST(Nes, SamplesTakeTimeFromTheProcessor) {
     NesProgram program;
     program.Store(0x4010, 0x4F).Store(0x4012, 0).Store(0x4013, 0xFF).Store(0x4015, 0x10).Stop();
@@ -311,26 +311,25 @@ TEST(Nes, SamplesTakeTimeFromTheProcessor) {
     EXPECT_NEAR(CyclesOfSixtyFrames(program), kAll - 3 * kAll / 432, 5.0);
 }
 
-// Every fourth line that is drawn, the one before the picture included, in the plain loop and in the one
-// where the picture unit may be late.
+// Every fourth rendered line, the pre-render line included, in the plain and in the fast loop.
 TEST(Nes, ScanlineBoardInterruptsOnItsLines) {
     for (const bool plain : {false, true}) {
         NesProgram program;
         program.Store(0x0010, 0).Store(0x0011, 0).Store(0x4017, 0x40);
-        program.Store(0x2000, 0x08).Store(0x2001, 0x18); // sprites from the upper half
+        program.Store(0x2000, 0x08).Store(0x2001, 0x18); // sprites from the table at 0x1000
         program.Store(0xC000, 3).Sta(0xC001).Sta(0xE001).Bytes({0x58}).Stop();
-        // INC $10; BNE; INC $11; off and on again; RTI
+        // INC $10; BNE; INC $11; acknowledge and enable; RTI
         program.At(kNesIrq).Bytes({0xE6, 0x10, 0xD0, 0x02, 0xE6, 0x11});
         program.Sta(0xE000).Sta(0xE001).Bytes({0x40});
         const auto machine = StartNes(program, {4, 0, 2, 1, {}});
         machine->SetStepByStep(plain);
-        RunFrames(*machine, 21); // a blank and twenty pictures
+        RunFrames(*machine, 21); // a vblank and twenty pictures
         const int count = NesByte(*machine, 0x0010) + 256 * NesByte(*machine, 0x0011);
         EXPECT_NEAR(count, 20 * 241 / 4.0, 2.0) << plain;
     }
 }
 
-TEST(Nes, BlankInterruptsOnceAFrame) {
+TEST(Nes, VblankInterruptsOnceAFrame) {
     NesProgram program;
     program.Store(0x0010, 0).Store(0x2000, 0x80).Stop();
     program.At(kNesNmi).Bytes({0xE6, 0x10, 0x40}); // INC $10; RTI
@@ -345,7 +344,7 @@ TEST(Nes, BlankInterruptsOnceAFrame) {
 
 namespace {
 
-// Tile 1 is solid in colour 1; tile 2 has colour 1 in its top row and left column.
+// Tile 1 is solid colour 1; tile 2 has colour 1 in its top row and left column.
 std::vector<uint8_t> Characters() {
     std::vector<uint8_t> characters(0x2000, 0);
     std::fill_n(characters.begin() + 0x10, 8, uint8_t{0xFF});
@@ -405,7 +404,7 @@ TEST(Nes, ShowsCharactersThatTheGameWrites) {
         NesProgram program;
         const std::vector<uint8_t> characters = Characters();
         program.WaitForBlank().WaitForBlank().PictureAddress(0x0000);
-        // All tiles are cleared first: LDA #0; LDY #32; LDX #0; STA 2007; DEX; BNE; DEY; BNE.
+        // Clears all tiles: LDA #0; LDY #32; LDX #0; STA 2007; DEX; BNE; DEY; BNE.
         program.Bytes({0xA9, 0, 0xA0, 32, 0xA2, 0}).Sta(0x2007);
         program.Bytes({0xCA, 0xD0, 0xFA, 0x88, 0xD0, 0xF7});
         for (int i = 0x10; i < 0x30; ++i) {
@@ -416,7 +415,7 @@ TEST(Nes, ShowsCharactersThatTheGameWrites) {
         for (uint16_t i = 0; i < 0x100; ++i) {
             program.Bytes({show.Code()[i]});
         }
-        // The copied code ends in a jump to itself, which must lead to where it stands now.
+        // The copied code ends in a jump to itself, so its address must be adjusted.
         const uint16_t end = static_cast<uint16_t>(show.Here() - kNesCodeStart - 3);
         program.At(static_cast<uint16_t>(shown + end)).Stop();
         const auto machine = StartNes(program, {board, 0, 2, 0, {}});
@@ -461,7 +460,7 @@ TEST(Nes, EveryPixelOfEveryFrameIsSet) {
     for (int frame = 0; frame < 3; ++frame) {
         rig.pixels.fill(0);
         rig.Frame(*machine);
-        // The first frame is the blank alone that the picture unit is reset into.
+        // The first frame is only the vblank in which the PPU starts after a reset.
         const uint32_t colour = frame == 0 ? 0xFF000000 : PpuBuildColourTable()[0x3F];
         for (size_t i = 0; i < size_t{256} * 240; ++i) {
             ASSERT_EQ(rig.pixels[i], colour) << i;
@@ -571,7 +570,7 @@ TEST(Nes, RegionsHaveTheirSizes) {
 
 namespace {
 
-// What the user is told where a game doesn't start.
+// The message when a game doesn't start.
 std::string Refusal(const std::vector<uint8_t>& image) {
     CGameFile game = NesGame(image);
     CGameFile* const games[2] = {&game, nullptr};
@@ -584,7 +583,7 @@ std::string Refusal(const std::vector<uint8_t>& image) {
 
 } // namespace
 
-TEST(Nes, TrainerIsRefusedWithoutAWord) {
+TEST(Nes, TrainerIsRefusedWithoutAMessage) {
     EXPECT_EQ(Refusal(NesImage(Idle(), {5, 4, 2, 1, {}})), "") << "before the board is looked at";
 }
 
@@ -606,7 +605,7 @@ TEST(Nes, ShortOrHeaderlessImageIsRefusedWithALine) {
     EXPECT_EQ(Refusal({}), "the image of \"Test Game\" is empty");
 }
 
-TEST(Nes, BytesBehindTheImageAreNotLookedAt) {
+TEST(Nes, BytesAfterTheImageAreIgnored) {
     std::vector<uint8_t> image = NesImage(Idle());
     image.resize(image.size() + 1000, 0x12);
     EXPECT_EQ(NesByte(*StartNes(image), 0xE000), 0x4C);

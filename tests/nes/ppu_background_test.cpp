@@ -1,4 +1,4 @@
-// The background: what is fetched, where it is shown, and what a write in the middle of a line does.
+// The background: what is fetched, where it appears, and what a write in the middle of a line does.
 #include "nes/ppu_rig.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr uint32_t kBackgroundOn = 0x0A; // the left column too
 
-// Palette set, tile 0 empty, tile n (1 to 3) solid of colour n.
+// Sets the palette; tile 0 empty, tile n (1 to 3) solid in colour n.
 void StartSolid(PpuRig& rig) {
     rig.SetPalette();
     rig.Tile(1, 0xFF, 0x00);
@@ -19,7 +19,7 @@ void StartSolid(PpuRig& rig) {
     rig.Tile(3, 0xFF, 0xFF);
 }
 
-// What the board's hook of the scanline counter does with an address; gives whether it counts.
+// The filter of the scanline board's hook; returns true if the address clocks the counter.
 bool Counts(uint32_t& filter, uint16_t address) {
     if (filter != 0) {
         --filter;
@@ -34,7 +34,7 @@ bool Counts(uint32_t& filter, uint16_t address) {
 
 } // namespace
 
-TEST(PpuBackground, TilesStandWhereTheNametableSays) {
+TEST(PpuBackground, TilesAreWhereTheNametableSays) {
     PpuRig rig;
     rig.SetPalette();
     for (uint32_t row = 0; row < 8; ++row) {
@@ -74,7 +74,7 @@ TEST(PpuBackground, AttributesColourQuartersOfFourByFourTiles) {
     auto& page = rig.ppu->nametables[0];
     std::fill(page.begin(), page.begin() + 0x3C0, uint8_t{2});
     page[0x3C0] = 0b11100100;             // palettes 0, 1 above 2, 3
-    page[0x3C0 + 7 * 8 + 7] = 0b00011011; // half of it beyond the picture
+    page[0x3C0 + 7 * 8 + 7] = 0b00011011; // half of it below the picture
     page[0x3C0 + 3 * 8 + 5] = 0b01000000; // one quarter only
     rig.Write(1, kBackgroundOn);
     rig.Scroll(0, 0);
@@ -99,7 +99,7 @@ TEST(PpuBackground, AttributesColourQuartersOfFourByFourTiles) {
 TEST(PpuBackground, ColourZeroOfEveryPaletteIsEntryZero) {
     PpuRig rig;
     rig.SetPalette();
-    rig.ppu->palette[12] = 0x2C; // would be told from entry 0
+    rig.ppu->palette[12] = 0x2C; // differs from entry 0
     auto& page = rig.ppu->nametables[0];
     std::fill(page.begin() + 0x3C0, page.end(), uint8_t{0xFF});
     rig.Write(1, kBackgroundOn);
@@ -122,8 +122,8 @@ TEST(PpuBackground, PatternsComeFromTheTableOfControlBit4) {
     EXPECT_EQ(rig.At(8, 8), Shade(2));
 }
 
-// Every tile of the two nametables is told by its number; the pixel at (x, y) must be the one that lies
-// at (x + scroll, y + scroll) of the plane of two by two nametables.
+// Every tile of the two nametables has its own number; the pixel at (x, y) must be the one at (x + scroll,
+// y + scroll) in the plane of two by two nametables.
 TEST(PpuBackground, ScrollsOverTheNametables) {
     struct Row {
         uint32_t x;
@@ -184,7 +184,7 @@ TEST(PpuBackground, ScrolledBelowTheLastRowItShowsAttributesAndStaysInTheTable) 
     std::fill(page.begin(), page.begin() + 0x20, uint8_t{1});   // row 0
     std::fill(page.begin() + 0x3C0, page.end(), uint8_t{0xAA}); // "rows" 30 and 31
     rig.Tile(0xAA, 0xFF, 0x00);
-    rig.ppu->nametables[2].fill(3); // the one below is not reached
+    rig.ppu->nametables[2].fill(3); // the nametable below is not reached
     rig.Write(1, kBackgroundOn);
     rig.Scroll(0, 0xF0); // row 30
     rig.Frame();
@@ -213,7 +213,7 @@ TEST(PpuBackground, NothingOfItWithoutItsEnableBit) {
     PpuRig rig;
     StartSolid(rig);
     rig.ppu->nametables[0].fill(1);
-    rig.Write(1, 0x16); // sprites alone
+    rig.Write(1, 0x16); // sprites only
     rig.Frame();
     for (const uint32_t pixel : rig.pixels) {
         ASSERT_EQ(pixel, Shade(0));
@@ -235,7 +235,7 @@ TEST(PpuBackground, GrayAndEmphasisChooseTheColour) {
     }
 }
 
-// The nametable is next read on dot 88, for what is shown from 104 on.
+// The next nametable fetch is on dot 88, for pixels from 104 on.
 TEST(PpuBackground, AnAddressWrittenInALineShowsFromTheNextTileFetched) {
     struct Row {
         uint32_t dot; // after which the second half is written
@@ -376,7 +376,7 @@ TEST(PpuBackground, WithoutRenderingAPaletteAddressChoosesTheBackdrop) {
     rig.RunTo(10, 50);
     rig.Address(0x3F07);
     rig.RunTo(11, 99);
-    rig.Address(0x3FF5); // any of the mirrors
+    rig.Address(0x3FF5); // one of the mirrors
     rig.RunTo(12, 0);
     rig.Address(0x3EFF);
     rig.RunTo(13, 0);
@@ -409,7 +409,7 @@ TEST(PpuBackground, ABackdropByAddressIsGrayAndTintedAsAnyPixel) {
 TEST(PpuBackground, ThePaletteAddressDoesntMatterWhileRendering) {
     PpuRig rig;
     StartSolid(rig);
-    rig.Write(1, 0x10); // sprites on, none there
+    rig.Write(1, 0x10); // sprites on, none in the picture
     rig.Finish();
     rig.RunTo(10, 50);
     rig.Address(0x3F07);
@@ -417,8 +417,8 @@ TEST(PpuBackground, ThePaletteAddressDoesntMatterWhileRendering) {
     EXPECT_EQ(rig.At(60, 10), Shade(0));
 }
 
-// One line, from the timetable: 32 tiles that are shown two tiles later, the last of them with the next
-// row's number as X and Y have moved on by then, eight empty sprite slots, two tiles of the next line.
+// One line, from the fetch table: 32 tiles, each drawn two tiles later, the last ones in the next row as X and Y
+// are incremented by then; eight empty sprite slots; two tiles of the next line.
 TEST(PpuBackground, ALineFetchesByTheTimetable) {
     PpuRig rig;
     for (uint32_t i = 0; i < 0x400; ++i) {
@@ -428,14 +428,14 @@ TEST(PpuBackground, ALineFetchesByTheTimetable) {
     rig.Write(1, kBackgroundOn);
     rig.Scroll(0, 0, 0x08); // sprites at 0x1000
     rig.Finish();
-    rig.RunTo(20, 340); // behind the fetches of line 20
+    rig.RunTo(20, 340); // after the fetches of line 20
     rig.watching = true;
     rig.RunTo(21, 340);
     std::vector<Watched> expected;
     const auto watch = [&expected](uint32_t dot, uint32_t address) {
         expected.push_back({21, dot, static_cast<uint16_t>(address)});
     };
-    // Line 21 is row 5 of the third row of tiles (row 2).
+    // Line 21 is line 5 of tile row 2.
     const auto background = [&](uint32_t dot, uint32_t column, uint32_t row, uint32_t patternRow) {
         const uint32_t page = column / 32;
         const uint32_t index = 2 * 32 + column % 32;
@@ -449,12 +449,12 @@ TEST(PpuBackground, ALineFetchesByTheTimetable) {
     for (uint32_t i = 0; i < 32; ++i) {
         background(i * 8, i + 2, 2, i == 31 ? 6 : 5);
     }
-    // Row 6 by now, of column 34; from dot 257 on of column 0.
+    // Line 6 by now, in column 34; from dot 257 on in column 0.
     for (uint32_t slot = 0; slot < 8; ++slot) {
         const uint32_t dot = 256 + slot * 8;
         watch(dot, slot == 0 ? 0x2000 + 0x400 + 2 * 32 + 2 : 0x2000 + 2 * 32);
         watch(dot + 2, 0x2000 + 2 * 32);
-        // Tile 0xFF. The first empty slot has the last Y that was read, 0xFF as all of them here.
+        // Tile 0xFF. The first empty slot has the last Y read, here 0xFF like all of them.
         const uint32_t patternRow = (21U - 0xFFU) & 7U;
         const uint32_t flipped = patternRow ^ 7; // attributes are 0xFF too
         watch(dot + 4, 0x1FF0 + flipped);
@@ -472,7 +472,7 @@ TEST(PpuBackground, ALineFetchesByTheTimetable) {
     }
 }
 
-// Address bit 12 rises once a sprite slot or once a tile, and counts once a line where a board filters.
+// Address bit 12 rises once per sprite slot or per tile, and counts once per line with a board's filter.
 TEST(PpuBackground, PatternTablesMoveAddressBit12) {
     struct Row {
         uint32_t control;
@@ -491,7 +491,7 @@ TEST(PpuBackground, PatternTablesMoveAddressBit12) {
         rig.watching = true;
         rig.RunTo(110, 340);
         uint32_t rises = 0;
-        uint32_t filter = 8; // as line 10 has left it, and harmless
+        uint32_t filter = 8; // as line 10 left it
         uint16_t last = 0;
         std::vector<std::pair<int32_t, uint32_t>> counted;
         for (const Watched& watched : rig.log) {
@@ -516,7 +516,7 @@ TEST(PpuBackground, FetchesRunOnThePreRenderLineToo) {
     rig.RunTo(260, 340);
     rig.watching = true;
     rig.RunTo(-1, 338);
-    EXPECT_EQ(rig.log.size(), 170U); // one each even dot up to 338
+    EXPECT_EQ(rig.log.size(), 170U); // one on each even dot up to 338
 }
 
 TEST(PpuBackground, TheWholeScrollPositionIsTakenAtDot304OfThePreRenderLine) {

@@ -1,4 +1,4 @@
-// A data access while the picture is drawn.
+// A PPUDATA access during rendering.
 #include "nes/ppu_rig.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 namespace {
 
-// Tile 0 empty and all others solid, a nametable of empty ones: a garbled tile number shows.
+// Tile 0 is empty, all others solid, the nametable empty: a garbled tile number is visible.
 void Start(PpuRig& rig) {
     rig.SetPalette();
     for (uint32_t tile = 1; tile < 256; ++tile) {
@@ -31,8 +31,8 @@ Memory MemoryOf(const PpuRig& rig) {
 
 } // namespace
 
-// A write after dot d is in progress on the three dots behind it. An odd one of these fetches a random
-// byte; the last one also writes it, to the address of the fetch.
+// A write after dot d is in progress on the next three dots. An odd one of these fetches a random byte; the last
+// dot also writes it, to the address of the fetch.
 TEST(PpuCollision, AWriteLeavesARandomByteAtTheAddressOfTheFetch) {
     uint32_t changed = 0;
     for (uint32_t dot = 64; dot < 80; ++dot) {
@@ -45,8 +45,8 @@ TEST(PpuCollision, AWriteLeavesARandomByteAtTheAddressOfTheFetch) {
         EXPECT_EQ(rig.ppu->ioState, 0);
         Memory expected = before;
         if (dot % 2 == 0) {
-            // The odd dot is the last: whatever byte came, it stands where it was fetched from, and
-            // nothing else has changed.
+            // The last dot is odd: the byte is stored at the address of the fetch, and nothing else
+            // changes.
             const uint16_t at = rig.ppu->fetchAddress;
             const uint8_t now = at < 0x2000 ? rig.patterns[at] : rig.ppu->nametables[0][at & 0x3FF];
             uint8_t& cell =
@@ -56,7 +56,7 @@ TEST(PpuCollision, AWriteLeavesARandomByteAtTheAddressOfTheFetch) {
         }
         EXPECT_EQ(MemoryOf(rig), expected) << dot;
     }
-    EXPECT_GE(changed, 4U); // of eight; a random byte may be the old one
+    EXPECT_GE(changed, 4U); // of eight; a random byte may equal the old one
 }
 
 TEST(PpuCollision, ReadOnlyPagesAreNotChanged) {
@@ -89,8 +89,8 @@ TEST(PpuCollision, AReadChangesNeitherMemoryNorBuffer) {
     }
 }
 
-// The tile number is fetched on dot 8n + 1 and shown from pixel 8n + 16 on. A read steps the address
-// as well, so that what is fetched behind it comes from a column further on; all of them are empty.
+// The tile number is fetched on dot 8n + 1 and drawn from pixel 8n + 16 on. A read also increments the address, so
+// later fetches are one column further; all of them are empty.
 TEST(PpuCollision, TheGarbledFetchIsSeen) {
     PpuRig rig;
     Start(rig);
@@ -125,8 +125,8 @@ TEST(PpuCollision, TheBoardDoesntSeeTheAddressOfTheAccess) {
     EXPECT_EQ(rig.log.size(), 1U); // the address of dot 66
 }
 
-// An access is in progress on the three dots behind it and does its work on the last. From dot 338 of the
-// last line on that one lies behind the picture. From 337 it is dot 340, which fetches nothing either.
+// An access is in progress on the next three dots and takes effect on the last. From dot 338 of the last line on
+// that dot is after the picture. From 337 it is dot 340, which fetches nothing.
 TEST(PpuCollision, AnAccessAcrossTheEndOfThePictureDependsOnItsLastDot) {
     for (uint32_t dot = 337; dot < 341; ++dot) {
         const bool arrives = dot != 337;

@@ -1,4 +1,4 @@
-// The colours against what is published of the composite signal: levels, phases, emphasis.
+// The colours against the published composite signal: levels, phases, emphasis.
 #include "nes/ppu_colours.h"
 
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ bool Clamped(const Rgb& c) {
     return std::min({c.red, c.green, c.blue}) == 0 || std::max({c.red, c.green, c.blue}) == 255;
 }
 
-// The published matrix back from colours to brightness and colour plane; 0 to 1.
+// The published matrix from RGB to YIQ; 0 to 1.
 double Luma(const Rgb& c) {
     return (0.299 * c.red + 0.587 * c.green + 0.114 * c.blue) / 256;
 }
@@ -46,7 +46,7 @@ double Angle(const Rgb& c) {
     return std::atan2(Quadrature(c), InPhase(c)) * 180 / std::numbers::pi;
 }
 
-// A channel's fraction is cut off; this is its middle.
+// A channel is truncated; this is the middle of its range.
 constexpr double kHalf = 0.5 / 256;
 
 double Circular(double degrees) {
@@ -86,7 +86,7 @@ TEST(PpuColours, HuesHaveThePublishedNames) {
         const Rgb red = Of(hue);
         EXPECT_GT(red.red, std::max(red.green, red.blue));
     }
-    const Rgb olive = Of(0x18); // the burst's own, yellowish brown
+    const Rgb olive = Of(0x18); // the colour burst's hue, yellowish brown
     EXPECT_LT(olive.blue, std::min(olive.red, olive.green));
     EXPECT_LT(std::abs(olive.red - olive.green), 64);
     const Rgb green = Of(0x1A);
@@ -95,8 +95,8 @@ TEST(PpuColours, HuesHaveThePublishedNames) {
     EXPECT_LT(cyan.red, std::min(cyan.green, cyan.blue));
 }
 
-// Where no channel is clamped the angle of a hue can be taken back from its pixel: in the lightest row
-// with all three emphasis bits, which darken every phase alike.
+// If no channel is clamped, the angle of a hue can be computed from its pixel: in the lightest row with all three
+// emphasis bits, which darken every phase equally.
 TEST(PpuColours, HuesFollowEachOtherBy30Degrees) {
     for (uint32_t hue = 1; hue <= 12; ++hue) {
         const Rgb c = Of(0x30 + hue, 7);
@@ -154,8 +154,8 @@ TEST(PpuColours, EmphasisTintsWhiteItsWay) {
     EXPECT_EQ(all.red, GreyLevel(1.96 * 0.74));
 }
 
-// Red's phases are those in which hue 12 is high, green's those of hue 4, blue's those of hue 8: there
-// the whole high half is darkened and nothing of the low one.
+// Red darkens the phases in which hue 12 is high, green those of hue 4, blue those of hue 8: the whole high half
+// and nothing of the low one.
 TEST(PpuColours, EmphasisHasThePhasesOfThreeHues) {
     const double mean = (1.96 * 0.74 + 1.55) / 2;
     const double deviation = (1.55 - 1.96 * 0.74) / 2;

@@ -1,4 +1,4 @@
-// The registers of the picture unit, outside the picture.
+// The PPU's registers, outside rendering.
 #include "nes/ppu_rig.h"
 
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ TEST(PpuRegisters, StartWithTheirResetValues) {
         EXPECT_EQ(ppu->nametables[page][0], 0xFF);
         EXPECT_EQ(ppu->nametables[page][1023], 0xFF);
     }
-    EXPECT_EQ(nmi, 2U); // its own bit is dropped, the rest isn't its
+    EXPECT_EQ(nmi, 2U); // only bit 0 is cleared
 }
 
 TEST(PpuRegisters, ASoftResetLeavesTheTwoAddresses) {
@@ -107,7 +107,7 @@ TEST(PpuRegisters, ReadingTheStatusMakesTheNextWriteTheFirst) {
     (void)rig.Read(2);
     EXPECT_EQ(rig.ppu->firstWrite, 1);
     rig.Write(5, 0x08);
-    rig.Write(6, 0x55); // the second of the two, whichever register the first went to
+    rig.Write(6, 0x55); // the second write, whichever register the first one went to
     EXPECT_EQ(rig.ppu->vramAddress, 0x2155);
 }
 
@@ -140,7 +140,7 @@ TEST(PpuRegisters, DataAccessesStepTheAddress) {
 
 TEST(PpuRegisters, TheAddressHas15Bits) {
     PpuRig rig;
-    // Second write to the scroll and then of the address: the only way to fine Y 4 and more.
+    // Second write to PPUSCROLL, then second write to PPUADDR: the only way to a fine Y of 4 or more.
     WriteAll(rig, {
                       {6, 0x3F},
                       {5, 0xFF},
@@ -150,7 +150,7 @@ TEST(PpuRegisters, TheAddressHas15Bits) {
     ASSERT_EQ(rig.ppu->vramAddress, 0x7FFF);
     (void)rig.Read(7);
     EXPECT_EQ(rig.ppu->vramAddress, 0);
-    // On the bus there are 14: with fine Y 4 the address of a data access is still 0x23FF.
+    // The bus has 14 bits: with fine Y 4 the address of a data access is still 0x23FF.
     WriteAll(rig, {
                       {6, 0x03},
                       {5, 0xFE},
@@ -180,7 +180,7 @@ TEST(PpuRegisters, PaletteHas32EntriesOfSixBits) {
     }
 }
 
-// The bus has 14 of the address' 15 bits, so the palette answers at 0x7F00 to 0x7FFF too.
+// The bus has 14 of the address's 15 bits, so 0x7F00 to 0x7FFF is the palette too.
 TEST(PpuRegisters, PaletteIsAlsoAt0x7F00) {
     PpuRig rig;
     rig.WriteMemory(0x2F05, 0x66);
@@ -212,7 +212,7 @@ TEST(PpuRegisters, FirstEntriesOfThePalettesMirrorBothWays) {
     }
     PpuRig rig;
     rig.WriteMemory(0x3F11, 0x21);
-    EXPECT_EQ(rig.ReadPalette(0x3F01), 0x3F); // the others don't
+    EXPECT_EQ(rig.ReadPalette(0x3F01), 0x3F); // other entries have no mirror
 }
 
 TEST(PpuRegisters, PaletteWritesDontReachTheMemoryBeneath) {
@@ -223,7 +223,7 @@ TEST(PpuRegisters, PaletteWritesDontReachTheMemoryBeneath) {
     EXPECT_EQ(rig.ppu->palette[5], 0x11);
 }
 
-TEST(PpuRegisters, MemoryReadsComeOneLate) {
+TEST(PpuRegisters, MemoryReadsAreDelayedByOne) {
     PpuRig rig;
     rig.WriteMemory(0x2005, 0xAA);
     rig.WriteMemory(0x2006, 0xBB);
@@ -234,7 +234,7 @@ TEST(PpuRegisters, MemoryReadsComeOneLate) {
     EXPECT_EQ(rig.Read(7), 0xAA);
     rig.Dots(3);
     rig.Address(0x0123);
-    EXPECT_EQ(rig.Read(7), 0xBB); // the new address changes nothing of it
+    EXPECT_EQ(rig.Read(7), 0xBB); // a new address leaves the buffer unchanged
     rig.Dots(3);
     EXPECT_EQ(rig.Read(7), 0xCC);
 }
@@ -266,14 +266,14 @@ TEST(PpuRegisters, UnreadableOnesGiveTheLastValueOfThePort) {
         EXPECT_EQ(rig.Read(address), 0x5A);
         EXPECT_EQ(rig.Read(address), 0x5A);
     }
-    for (uint32_t address = 0; address < 8; ++address) { // every write is a last value
+    for (uint32_t address = 0; address < 8; ++address) { // every write sets the port's last value
         rig.Write(address, 0x90 + address);
         EXPECT_EQ(rig.Read(0), 0x90 + address);
     }
     rig.Write(1, 0x00);
     rig.WriteMemory(0x3F01, 0x15);
     EXPECT_EQ(rig.ReadPalette(0x3F01), 0x15);
-    EXPECT_EQ(rig.Read(0), 0x15); // and so is what was read
+    EXPECT_EQ(rig.Read(0), 0x15); // and so does every read
 }
 
 TEST(PpuRegisters, StatusHasTheLowFiveBitsOfThePort) {
@@ -298,7 +298,7 @@ TEST(PpuRegisters, OamWritesStepAndWrap) {
     for (const uint32_t value : {0xFFU, 0x12U, 0x34U}) {
         rig.Write(4, value);
     }
-    EXPECT_EQ(rig.ppu->oam[0xFE], 0xE3); // bits that attributes don't have
+    EXPECT_EQ(rig.ppu->oam[0xFE], 0xE3); // three bits of the attributes don't exist
     EXPECT_EQ(rig.ppu->oam[0xFF], 0x12);
     EXPECT_EQ(rig.ppu->oam[0x00], 0x34);
     EXPECT_EQ(rig.ppu->oamAddress, 1);

@@ -1,4 +1,4 @@
-// A bare picture unit with its memory, lines and picture, for the tests of the chip.
+// A bare PPU with its memory, lines and picture, for the tests of the chip.
 #pragma once
 
 #include "nes/ppu.h"
@@ -21,8 +21,8 @@ struct Watched {
     bool operator==(const Watched&) const = default;
 };
 
-// A colour number for every palette entry, all of them of different colours, so that a pixel tells its
-// entry. The first entries of the sprite palettes are those of the background ones.
+// A colour number for every palette entry, all different, so that a pixel identifies its entry. The first entries
+// of the sprite palettes equal those of the background.
 constexpr uint8_t RigColour(uint32_t entry) {
     if ((entry & 3) == 0) {
         entry &= 15;
@@ -30,7 +30,7 @@ constexpr uint8_t RigColour(uint32_t entry) {
     return static_cast<uint8_t>(entry < 13 ? 0x10 + entry : entry < 25 ? 0x14 + entry : entry - 24);
 }
 
-// A pixel of a palette entry as the rig sets it.
+// The pixel of a palette entry of the rig.
 inline uint32_t Shade(uint32_t entry, uint32_t emphasis = 0, bool gray = false) {
     static const auto kColours = PpuBuildColourTable();
     return kColours[(RigColour(entry) & (gray ? 0x30U : 0x3FU)) | emphasis << 6];
@@ -69,10 +69,10 @@ public:
     }
     uint8_t Read(uint32_t address) { return PpuReadRegister(*ppu, static_cast<uint16_t>(address)); }
 
-    void Dot() { PpuDot(*ppu); }
+    void Dot() { PpuTick(*ppu); }
     void PlainDots(uint32_t count) {
         for (; count != 0; --count) {
-            PpuPlainDot(*ppu);
+            PpuPlainTick(*ppu);
         }
     }
     void Dots(uint32_t count) {
@@ -80,13 +80,13 @@ public:
             Dot();
         }
     }
-    // Until this dot is done.
+    // Runs until this dot is done.
     void RunTo(int32_t line, uint32_t dot) {
         do {
             Dot();
         } while (ppu->line != line || ppu->dot != dot);
     }
-    // To the end of the frame; gives the dots that it took.
+    // Runs to the end of the frame; returns the number of dots.
     uint32_t Finish() {
         PpuBeginFrame(*ppu, pixels.data(), kPpuWidth);
         uint32_t dots = 0;
@@ -95,7 +95,7 @@ public:
         }
         return dots;
     }
-    // A whole frame with what has been written so far.
+    // Draws a whole frame.
     void Frame() {
         Finish();
         Finish();
@@ -106,7 +106,7 @@ public:
         Write(6, address >> 8);
         Write(6, address & 255);
     }
-    // Through the data register, outside rendering.
+    // Through PPUDATA, outside rendering.
     void WriteMemory(uint32_t address, uint32_t value) {
         Address(address);
         Write(7, value);
@@ -124,7 +124,7 @@ public:
         }
         Address(0);
     }
-    // Scroll position and nametable, as a game sets them in the blank.
+    // Sets scroll position and nametable, as a game does in vblank.
     void Scroll(uint32_t x, uint32_t y, uint32_t control = 0) {
         (void)Read(2);
         Write(0, control);
@@ -132,7 +132,7 @@ public:
         Write(5, y);
     }
 
-    // A row of a tile, planes low and high.
+    // Sets a row of a tile, low and high plane.
     void TileRow(uint32_t tile, uint32_t row, uint32_t low, uint32_t high) {
         patterns[tile * 16 + row] = static_cast<uint8_t>(low);
         patterns[tile * 16 + 8 + row] = static_cast<uint8_t>(high);

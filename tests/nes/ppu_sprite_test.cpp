@@ -1,4 +1,4 @@
-// Sprites: where they are shown, over or under what, the hit, and the search for them.
+// Sprites: position, priority, sprite 0 hit, and evaluation.
 #include "nes/ppu_rig.h"
 
 #include <gtest/gtest.h>
@@ -11,9 +11,9 @@ namespace {
 
 constexpr uint32_t kAllOn = 0x1E;
 constexpr uint32_t kSpritesOn = 0x14;
-constexpr uint8_t kFar = 200; // a Y of no line looked at, and a byte of no meaning
+constexpr uint8_t kFar = 200; // a Y outside the tested lines, and an arbitrary byte
 
-// Palette set, tile n (1 to 3) solid of colour n, tile 0 empty, no sprite in the picture's upper part.
+// Sets the palette; tile n (1 to 3) solid in colour n, tile 0 empty, no sprite in the upper part of the picture.
 void Start(PpuRig& rig, uint32_t mask, uint32_t control = 0) {
     rig.SetPalette();
     rig.Tile(1, 0xFF, 0x00);
@@ -31,8 +31,7 @@ void FillBackground(PpuRig& rig, uint8_t tile) {
     std::fill(page.begin(), page.begin() + 0x3C0, tile);
 }
 
-// The entries of a stretch of a line, one hexadecimal digit for each of the sixteen of sprites and '.'
-// for entry 0.
+// The palette entries of a span of a line: a hexadecimal digit for each sprite entry, '.' for entry 0.
 std::string Entries(PpuRig& rig, uint32_t x, uint32_t y, uint32_t count) {
     std::string text;
     for (uint32_t i = 0; i < count; ++i) {
@@ -51,7 +50,7 @@ std::string Entries(PpuRig& rig, uint32_t x, uint32_t y, uint32_t count) {
     return text;
 }
 
-// Eight sprites of line 50 to 57 and nothing else there.
+// Eight sprites on lines 50 to 57 and nothing else there.
 void StartEight(PpuRig& rig) {
     Start(rig, kSpritesOn);
     for (uint32_t i = 0; i < 8; ++i) {
@@ -67,7 +66,7 @@ bool OverflowOnLine50(PpuRig& rig) {
 
 } // namespace
 
-TEST(PpuSprite, StandsOneLineBelowItsY) {
+TEST(PpuSprite, AppearsOneLineBelowItsY) {
     PpuRig rig;
     Start(rig, kSpritesOn);
     rig.Tile(9, 0b11110000, 0b11001100);
@@ -109,7 +108,7 @@ TEST(PpuSprite, TakesItsPatternsFromTheTableOfControlBit3) {
     rig.Sprite(0, 10, 60, 1, 0);
     rig.Frame();
     EXPECT_EQ(Entries(rig, 10, 61, 1), "2");
-    rig.Scroll(0, 0, 0x10); // that of the background doesn't matter
+    rig.Scroll(0, 0, 0x10); // the background's table bit doesn't matter
     rig.Frame();
     EXPECT_EQ(Entries(rig, 10, 61, 1), "1");
 }
@@ -223,14 +222,14 @@ TEST(PpuSprite, ZeroHitsWhereBothAreSolid) {
     Start(rig, kAllOn);
     rig.ppu->nametables[0][8 * 32 + 10] = 1; // x 80 to 87, y 64 to 71
     rig.Tile(9, 0x00, 0x01);
-    rig.Sprite(0, 76, 66, 9, 0); // its one column is x 83, from line 67 on
+    rig.Sprite(0, 76, 66, 9, 0); // its only column is x 83, from line 67 on
     rig.Finish();
     rig.RunTo(67, 82);
     EXPECT_EQ(rig.Read(2) & 0x40, 0);
     rig.Dot();
     EXPECT_EQ(rig.Read(2) & 0x40, 0x40);
     rig.RunTo(-1, 0);
-    EXPECT_EQ(rig.Read(2) & 0x40, 0x40); // until the next frame's line
+    EXPECT_EQ(rig.Read(2) & 0x40, 0x40); // until dot 1 of the pre-render line
     rig.Dot();
     EXPECT_EQ(rig.Read(2) & 0x40, 0);
 }
@@ -279,7 +278,7 @@ TEST(PpuSprite, NoHitInALineWhereItIsNotAmongTheEight) {
     Start(rig, kAllOn);
     FillBackground(rig, 1);
     rig.Sprite(0, 100, 60, 1, 0);
-    rig.Sprite(1, 100, 90, 1, 0); // first of its lines, but not sprite 0
+    rig.Sprite(1, 100, 90, 1, 0); // first on its lines, but not sprite 0
     rig.Finish();
     rig.RunTo(69, 0);
     EXPECT_EQ(rig.Read(2) & 0x40, 0x40);
@@ -294,8 +293,8 @@ TEST(PpuSprite, EightDontOverflow) {
     EXPECT_FALSE(OverflowOnLine50(rig));
 }
 
-// Sprites 0 to 7 take eight dots each from 64 on; the ninth is read on dot 128 and judged on 129.
-TEST(PpuSprite, ANinthRightBehindTheEightOverflows) {
+// Sprites 0 to 7 take eight dots each from dot 64 on; the ninth is read on dot 128 and compared on 129.
+TEST(PpuSprite, ANinthRightAfterTheEightOverflows) {
     PpuRig rig;
     StartEight(rig);
     rig.Sprite(8, 0, 50, 1, 0);
@@ -310,7 +309,7 @@ TEST(PpuSprite, ANinthRightBehindTheEightOverflows) {
     EXPECT_EQ(rig.Read(2) & 0x20, 0);
 }
 
-// Of the sprites behind the eighth bytes 0, 1, 2, 3, 0 … are taken for a Y, one each.
+// Of the sprites after the eighth, bytes 0, 1, 2, 3, 0 … are compared as a Y, one each.
 TEST(PpuSprite, SearchForANinthRunsDiagonally) {
     struct Row {
         uint32_t sprite;
@@ -319,7 +318,7 @@ TEST(PpuSprite, SearchForANinthRunsDiagonally) {
     };
     for (const Row& row : std::vector<Row>{
              {8,  0, true },
-             {9,  0, false}, // a true ninth that is missed
+             {9,  0, false}, // a real ninth that is missed
              {9,  1, true }, // a tile number
              {10, 0, false},
              {10, 2, true }, // attributes
@@ -368,7 +367,7 @@ TEST(PpuSprite, EmptySpritesBetweenTheEightDontCount) {
     for (uint32_t i = 0; i < 8; ++i) {
         rig.Sprite(i * 5, i * 16, 50, 1, 0);
     }
-    rig.Sprite(36, 0, 50, 1, 0); // right behind the eighth, which is 35
+    rig.Sprite(36, 0, 50, 1, 0); // right after the eighth, which is 35
     EXPECT_TRUE(OverflowOnLine50(rig));
 }
 
@@ -445,7 +444,7 @@ TEST(PpuSprite, OamWritesWhileRenderingStoreAllOnes) {
     EXPECT_EQ(rig.ppu->oam[0x41], 0x12);
 }
 
-// With no sprite in range each takes two dots: the even one reads, the odd one steps.
+// A sprite out of range takes two dots: the even one reads, the odd one goes to the next.
 TEST(PpuSprite, OamReadsWhileRenderingSeeTheSearch) {
     PpuRig rig;
     Start(rig, kSpritesOn);
@@ -463,7 +462,7 @@ TEST(PpuSprite, OamReadsWhileRenderingSeeTheSearch) {
     EXPECT_EQ(rig.Read(4), 129);
     rig.RunTo(20, 90);
     EXPECT_EQ(rig.Read(4), 128 + 13);
-    rig.RunTo(20, 190); // round again: 63 sprites are seen by dot 191, and every Y is read on
+    rig.RunTo(20, 190); // all 64 sprites are done by dot 191; then every Y is read again
     EXPECT_EQ(rig.Read(4), 128 + 63);
     rig.RunTo(20, 200);
     EXPECT_EQ(rig.Read(4), 128 + 4);
@@ -471,7 +470,7 @@ TEST(PpuSprite, OamReadsWhileRenderingSeeTheSearch) {
 
 namespace {
 
-// What 0x2004 gives on every dot of a line, by its index.
+// Index: dot of a line. The OAM index of the byte that 0x2004 returns.
 std::vector<uint8_t> OamReads(PpuRig& rig, int32_t line) {
     rig.RunTo(line, 0);
     std::vector<uint8_t> values{rig.Read(4)};
@@ -484,8 +483,8 @@ std::vector<uint8_t> OamReads(PpuRig& rig, int32_t line) {
 
 } // namespace
 
-// A sprite of the line takes eight dots: the odd one that finds it and the three behind it each go on by a
-// byte, so that 0x2004 gives its Y, then tile, attributes, X, and behind them the next one's Y.
+// A sprite in range takes eight dots: the odd dot that finds it and the next three odd dots each advance by a byte,
+// so 0x2004 returns its Y, tile, attributes and X, then the next sprite's Y.
 TEST(PpuSprite, OamReadsSeeTheBytesOfASpriteThatIsCopied) {
     PpuRig rig;
     Start(rig, kSpritesOn);
@@ -500,15 +499,14 @@ TEST(PpuSprite, OamReadsSeeTheBytesOfASpriteThatIsCopied) {
         (std::vector<uint8_t>{128, 18, 18, 0x22, 0x22, 0x33, 0x33, 0x44, 0x44, 130, 130, 131}));
 }
 
-// Behind eight sprites, with 64 dots, sprite and byte go on together: bytes 32, 37, 42, 47, 48. The one at
-// 37 is taken for a Y of the line, and the three bytes behind it are read as well; then it is every Y from
-// sprite 10 on.
+// After eight sprites, 64 dots, sprite and byte advance together: bytes 32, 37, 42, 47, 48. The byte at 37 is
+// compared as a Y in range, so the next three bytes are read as well; then every Y from sprite 10 on.
 TEST(PpuSprite, OamReadsSeeTheSearchForANinth) {
     for (const bool hasNinth : {false, true}) {
         PpuRig rig;
         Start(rig, kSpritesOn);
         for (uint32_t i = 0; i < 256; ++i) {
-            rig.ppu->oam[i] = static_cast<uint8_t>(0x80 | i); // Y of no line near
+            rig.ppu->oam[i] = static_cast<uint8_t>(0x80 | i); // no Y near the line
         }
         for (uint32_t i = 0; i < 8; ++i) {
             rig.Sprite(i, 0, 18, 0, 0);
@@ -528,8 +526,8 @@ TEST(PpuSprite, OamReadsSeeTheSearchForANinth) {
     }
 }
 
-// Outside the search its index stands. With no sprite found 96 pairs of dots have gone on by one each:
-// once round and to sprite 32, up to dot 63 of the next line, whatever oamAddress says.
+// Outside evaluation its index stays. With no sprite found, 96 pairs of dots have advanced it by one sprite each:
+// once around and to sprite 32. It stays there up to dot 63 of the next line, whatever oamAddress is.
 TEST(PpuSprite, OamReadsOutsideTheSearchSeeWhereItEnded) {
     PpuRig rig;
     Start(rig, kSpritesOn);

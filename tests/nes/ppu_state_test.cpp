@@ -1,5 +1,5 @@
-// States: at any dot, and of whatever bytes. And the work that is put off or done in one piece, against the
-// same done dot by dot.
+// States at any dot and of arbitrary bytes; and work that is put off or done in groups, against the same work done
+// dot by dot.
 #include "base/bytes.h"
 #include "nes/ppu_rig.h"
 #include "nes/ppu_run.h"
@@ -39,7 +39,7 @@ void Randomize(PpuRig& rig, uint32_t seed) {
             byte = RandomByte(random);
         }
     }
-    // Few enough Y that lines with many sprites happen, and sprite 0 among them.
+    // Few different Y, so that some lines have many sprites, sprite 0 among them.
     for (uint32_t i = 0; i < 64; ++i) {
         rig.Sprite(i, RandomByte(random), RandomByte(random) & 0x7C, RandomByte(random),
                    RandomByte(random) & 0xE3U);
@@ -48,7 +48,7 @@ void Randomize(PpuRig& rig, uint32_t seed) {
     rig.Write(1, 0x1E);
 }
 
-// A register access of any kind; mostly harmless ones, so that pictures stay on.
+// A random register access; mostly harmless, so that rendering stays on.
 void Access(PpuRig& rig, std::mt19937& random) {
     const uint8_t value = RandomByte(random);
     switch (random() % 12) {
@@ -182,7 +182,7 @@ TEST(PpuState, RestoredRunsGiveTheSamePictures) {
     }
 }
 
-// Bytes of no chip: what counts or points is brought back into its range, and the chip runs on.
+// Arbitrary bytes: counters and indices are brought into range, and the chip runs on.
 TEST(PpuState, AnyBytesAreSafe) {
     std::mt19937 random(1);
     for (uint32_t round = 0; round < 60; ++round) {
@@ -239,10 +239,9 @@ TEST(PpuState, ALoadedLineEndsWhereItShould) {
     EXPECT_EQ(second.ppu->line, 0);
 }
 
-// Pixels and sprite search wait for a reason to be done, and what happens at certain dots is looked for when
-// the next one is due. Done on every single dot instead they give the same pictures, the same register values
-// and the same state.
-TEST(PpuLag, IsNeverSeen) {
+// Pixels and sprite evaluation are put off, and events are only checked on event dots. Done on every single dot
+// instead, pictures, register values and states are the same.
+TEST(PpuCatchUp, DelayIsNeverSeen) {
     for (uint32_t seed = 0; seed < 12; ++seed) {
         PpuRig late;
         PpuRig prompt;
@@ -250,7 +249,7 @@ TEST(PpuLag, IsNeverSeen) {
         Randomize(prompt, seed);
         std::mt19937 lateRandom(seed);
         std::mt19937 promptRandom(seed);
-        // From no access in the picture to one every few dots.
+        // From no access during the picture to one every few dots.
         const uint32_t pause = seed % 3 == 0 ? 1000000 : seed % 3 == 1 ? 1709 : 37;
         for (uint32_t frame = 0; frame < 3; ++frame) {
             PpuBeginFrame(*late.ppu, late.pixels.data(), kPpuWidth);
@@ -272,7 +271,7 @@ TEST(PpuLag, IsNeverSeen) {
     }
 }
 
-TEST(PpuLag, SearchOfALineAtOnceEndsAsDotByDot) {
+TEST(PpuCatchUp, SearchOfALineAtOnceEndsAsDotByDot) {
     std::mt19937 random(9);
     for (uint32_t round = 0; round < 3000; ++round) {
         PpuRig rig;
@@ -293,7 +292,7 @@ TEST(PpuLag, SearchOfALineAtOnceEndsAsDotByDot) {
     }
 }
 
-TEST(PpuLag, WithoutAPictureTheChipBehavesTheSame) {
+TEST(PpuCatchUp, WithoutAPictureTheChipBehavesTheSame) {
     PpuRig seen;
     PpuRig unseen;
     Randomize(seen, 4);
@@ -309,9 +308,9 @@ TEST(PpuLag, WithoutAPictureTheChipBehavesTheSame) {
     EXPECT_EQ(unseen.pixels, std::vector<uint32_t>(size_t{kPpuWidth} * kPpuHeight));
 }
 
-// Stretches of any length, and register accesses between them; with a board that watches the addresses,
-// which then has seen the same ones in the same order, and with one that doesn't.
-TEST(PpuRun, DoesTheSameAsSoManyDots) {
+// Spans of any length with register accesses between them; with a board that watches the addresses, which must see
+// the same ones in the same order, and with one that doesn't.
+TEST(PpuRun, DoesTheSameAsSingleDots) {
     for (uint32_t seed = 0; seed < 16; ++seed) {
         PpuRig run;
         PpuRig dots;

@@ -1,4 +1,4 @@
-// Lines, frames, the blank with its interrupt, and accesses of memory by the dot.
+// Lines, frames, vblank with its NMI, and memory accesses, dot by dot.
 #include "nes/ppu_rig.h"
 
 #include <gtest/gtest.h>
@@ -95,7 +95,7 @@ TEST(PpuTiming, ALineThatIsShortAlreadyIsMadeWhole) {
     EXPECT_EQ(rig.ppu->lineLength, kPpuLineDots);
 }
 
-TEST(PpuTiming, BlankFlagStandsFromLine241ToDot1OfThePreRenderLine) {
+TEST(PpuTiming, VblankFlagIsSetFromLine241ToDot1OfThePreRenderLine) {
     PpuRig rig;
     rig.RunTo(-1, 1);
     EXPECT_EQ(rig.Status(), 0);
@@ -129,7 +129,7 @@ TEST(PpuTiming, RenderingAndVisibleFollowTheLines) {
     EXPECT_FALSE(rig.ppu->rendering);
 }
 
-TEST(PpuTiming, OamAddressIsClearedAsTheBlankBegins) {
+TEST(PpuTiming, OamAddressIsClearedAsVblankBegins) {
     PpuRig rig;
     rig.RunTo(240, 0);
     rig.Write(3, 0x44);
@@ -139,7 +139,7 @@ TEST(PpuTiming, OamAddressIsClearedAsTheBlankBegins) {
     EXPECT_EQ(rig.ppu->oamAddress, 0);
 }
 
-TEST(PpuTiming, BlankRaisesTheInterruptWhereItIsEnabled) {
+TEST(PpuTiming, VblankRaisesTheNmiIfEnabled) {
     for (const uint32_t control : {0x00U, 0x7FU, 0x80U}) {
         PpuRig rig;
         rig.Write(0, control);
@@ -156,22 +156,22 @@ TEST(PpuTiming, StatusReadsAroundTheFlag) {
         uint32_t dot;
         uint8_t seen;
         uint32_t nmiNow;
-        uint8_t laterStatus; // ten dots into the blank
+        uint8_t laterStatus; // ten dots into vblank
         uint32_t nmiLater;
     };
     const std::vector<Row> rows{
-        {240, 340, 0x00, 0, 0x80, 1}, // too early to matter
-        {241, 0,   0x00, 0, 0x00, 0}, // doesn't see the flag and takes it back
-        {241, 1,   0x80, 0, 0x00, 0}, // sees it, and takes back the interrupt
+        {240, 340, 0x00, 0, 0x80, 1}, // too early to have an effect
+        {241, 0,   0x00, 0, 0x00, 0}, // doesn't see the flag and clears it
+        {241, 1,   0x80, 0, 0x00, 0}, // sees it and cancels the NMI
         {241, 2,   0x80, 0, 0x00, 0},
-        {241, 3,   0x80, 1, 0x00, 1}, // the interrupt is out
+        {241, 3,   0x80, 1, 0x00, 1}, // the NMI can't be cancelled any more
         {241, 4,   0x80, 1, 0x00, 1},
     };
     for (const Row& row : rows) {
         PpuRig rig;
         rig.Write(0, 0x80);
         rig.Finish();
-        rig.Write(2, 0x00); // nothing on the port
+        rig.Write(2, 0x00); // clears the port's last value
         rig.RunTo(row.line, row.dot);
         EXPECT_EQ(rig.Read(2), row.seen) << row.dot;
         EXPECT_EQ(rig.nmi, row.nmiNow) << row.dot;
@@ -192,14 +192,14 @@ TEST(PpuTiming, AReadClearsTheFlagAndNothingElse) {
     EXPECT_EQ(rig.Read(2), 0x60);
 }
 
-TEST(PpuTiming, EnablingTheInterruptWhileTheFlagStandsRaisesIt) {
+TEST(PpuTiming, EnablingTheNmiWhileTheFlagIsSetRaisesIt) {
     PpuRig rig;
     rig.Finish();
     rig.RunTo(245, 100);
     EXPECT_EQ(rig.nmi, 0U);
     rig.Write(0, 0x80);
     EXPECT_EQ(rig.nmi, 1U);
-    rig.nmi = 0; // taken by the processor
+    rig.nmi = 0; // taken by the CPU
     rig.Write(0, 0x80);
     EXPECT_EQ(rig.nmi, 0U); // it was enabled before
     rig.Write(0, 0x00);
@@ -209,10 +209,10 @@ TEST(PpuTiming, EnablingTheInterruptWhileTheFlagStandsRaisesIt) {
     (void)rig.Read(2);
     rig.Write(0, 0x00);
     rig.Write(0, 0x80);
-    EXPECT_EQ(rig.nmi, 0U); // no flag any more
+    EXPECT_EQ(rig.nmi, 0U); // the flag is clear
 }
 
-TEST(PpuTiming, DisablingTheInterruptTakesItBackInTheFirstThreeDots) {
+TEST(PpuTiming, DisablingTheNmiClearsItInTheFirstThreeDots) {
     for (uint32_t dot = 0; dot < 6; ++dot) {
         PpuRig rig;
         rig.Write(0, 0x80);
@@ -223,8 +223,8 @@ TEST(PpuTiming, DisablingTheInterruptTakesItBackInTheFirstThreeDots) {
     }
 }
 
-// Only on line 241 is anything undecided.
-TEST(PpuTiming, FirstDotsOfLaterBlankLinesAreAsAnyOthers) {
+// Only line 241 has dots on which the NMI can be cancelled.
+TEST(PpuTiming, FirstDotsOfLaterVblankLinesAreLikeAnyOthers) {
     for (const int32_t line : {242, 250, 260}) {
         for (uint32_t dot = 0; dot < 3; ++dot) {
             PpuRig rig;
@@ -252,7 +252,7 @@ TEST(PpuTiming, AWriteTakesThreeDots) {
     }
     EXPECT_EQ(rig.ppu->nametables[0][0x155], 0x99);
     rig.Dots(2);
-    // The board sees the address of the access once, and then where the next one would go.
+    // The board sees the address of the access once, then the incremented address.
     EXPECT_EQ(rig.log, (std::vector<Watched>{
                            {250, 1, 0x2155},
                            {250, 4, 0x2156},
@@ -331,7 +331,7 @@ TEST(PpuTiming, BoardsCanAnswerAPageThemselves) {
 TEST(PpuTiming, WithoutRenderingTheBoardSeesTheAddressOnEveryDot) {
     PpuRig rig;
     rig.RunTo(100, 0);
-    rig.Address(0x3F05); // the palette's addresses too
+    rig.Address(0x3F05); // palette addresses too
     rig.watching = true;
     rig.Dots(341);
     ASSERT_EQ(rig.log.size(), 341U);

@@ -1,6 +1,6 @@
 // Holds every #include to the layers: a target includes its own headers and those of the targets that
-// its link line names, and nothing else of ours; and of others' libraries those that the tables here
-// allow it. A target or library without a row fails, so nothing passes for want of one.
+// its link line names, and nothing else of ours; and those outside libraries that the tables here
+// allow. A target or library without a row fails.
 
 #include <gtest/gtest.h>
 
@@ -21,10 +21,10 @@ const fs::path kSources = fs::path(OMBRELUNE_SOURCE_FOLDER) / "src";
 
 using Names = std::set<std::string>;
 
-// Whether a row is in force, or waits for code that is to come. The code that comes changes the mark.
+// Whether a row is in use, or is for code that does not exist yet.
 enum class Row { kInUse, kToCome };
 
-// What a target may name on its link line, at most. The machines themselves are known to `machines` alone.
+// All that a target may name on its link line. Only `machines` knows the machines themselves.
 struct TARGET_ROW {
     std::string target;
     Names mayUse;
@@ -60,8 +60,8 @@ const std::vector<TARGET_ROW> kTargets = {
 };
 // clang-format on
 
-// Other people's libraries by the beginnings of their headers' names, and the targets that may include
-// them. The first row that fits counts.
+// Outside libraries by the prefixes of their headers' names, and the targets that may include them. The
+// first matching row counts.
 struct LIBRARY_ROW {
     std::string library;
     Names prefixes;
@@ -111,7 +111,7 @@ bool IsStandard(const std::string& header) {
     return header.find_first_of("./") == std::string::npos && !header.starts_with("FT_");
 }
 
-// What is wrong with an include of a header that is not ours; empty for nothing.
+// What is wrong with an include of an outside header; empty if nothing is.
 std::string FaultOfForeign(const std::string& target, const std::string& header) {
     if (IsStandard(header)) {
         return {};
@@ -231,7 +231,7 @@ TEST(Layers, NoTargetReachesUpwardsOrRound) {
     for (const auto& [file, target] : layers.targetOf) {
         open.insert(target);
     }
-    // Take off, again and again, what uses only what has been taken off; a circle never empties.
+    // Repeatedly removes targets that use only removed ones; a cycle is never removed.
     for (bool progress = true; progress;) {
         progress = false;
         for (auto target = open.begin(); target != open.end();) {

@@ -1,5 +1,5 @@
-// The fast frame loops against the plain ones: same pixels, same sound, same state, on our own games
-// with buttons pressed at random.
+// The catch-up frame loops against the plain ones: same pixels, sound and states, on our own games
+// with random button presses.
 
 #include "formats/game_file.h"
 #include "front/demos.h"
@@ -22,12 +22,12 @@ namespace {
 
 constexpr uint32_t kKey = 1;
 #ifdef OMBRELUNE_SANITIZED
-constexpr uint32_t kFrames = 50; // a third tells of bytes out of bounds just as well
+constexpr uint32_t kFrames = 50; // a third of the frames finds bytes out of bounds just as well
 #else
 constexpr uint32_t kFrames = 150;
 #endif
 
-// A machine with its buffers.
+// A machine with its picture and sound buffers.
 template <typename Machine>
 class Rig {
 public:
@@ -116,19 +116,19 @@ void CompareLoops(uint16_t system, const std::vector<uint8_t>& optionBytes) {
 
 } // namespace
 
-TEST(CatchingUp, MasterSystemGivesTheSameFrames) {
+TEST(CatchingUp, MasterSystemMakesTheSameFrames) {
     CompareLoops<CSMS>(kSystemMasterSystem, {8, 0, 0, 1, 1});
 }
 
-TEST(CatchingUp, MasterSystemWithFmGivesTheSameFrames) {
+TEST(CatchingUp, MasterSystemWithFmMakesTheSameFrames) {
     CompareLoops<CSMS>(kSystemMasterSystem, {8, 1, 0, 1, 1});
 }
 
-TEST(CatchingUp, PalMasterSystemWithAPhaserGivesTheSameFrames) {
+TEST(CatchingUp, PalMasterSystemWithAPhaserMakesTheSameFrames) {
     CompareLoops<CSMS>(kSystemMasterSystem, {1, 1, 0, 2, 4});
 }
 
-TEST(CatchingUp, GameGearGivesTheSameFrames) {
+TEST(CatchingUp, GameGearMakesTheSameFrames) {
     CompareLoops<CGAMEGEAR>(kSystemGameGear, {0, 0, 1});
 }
 
@@ -136,6 +136,6 @@ TEST(CatchingUp, TwoLinkedGameGearsGiveTheSameFrames) {
     CompareLoops<CGAMEGEAR>(kSystemGameGear, {0, 1, 0});
 }
 
-TEST(CatchingUp, SystemEGivesTheSameFrames) {
+TEST(CatchingUp, SystemEMakesTheSameFrames) {
     CompareLoops<CSEGAE>(kSystemArcade, {});
 }

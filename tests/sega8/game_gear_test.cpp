@@ -76,8 +76,8 @@ TEST(GameGear, SizesHoldTwoConsoles) {
 
 namespace {
 
-// A picture in which every pixel differs from its neighbours: a name table of 32 x 28 different tiles
-// would not fit, so that 448 tiles of noise are shown.
+// A picture in which every pixel differs from its neighbours: 448 tiles of noise, as 32 x 28
+// different tiles would not fit.
 Program Noise(int register0 = 0x04, int register1 = 0x40) {
     Program program;
     program.Bytes({0xF3});
@@ -144,7 +144,7 @@ TEST(GameGear, WindowOf224LinesBeginsAtItsRow24) {
     EXPECT_GT(unlikeTheMiddle, 1000u) << "a picture that tells the rows apart";
 }
 
-TEST(GameGear, LinkedConsolesStandSideBySide) {
+TEST(GameGear, LinkedConsolesAreSideBySide) {
     GEAR_OPTIONS full{};
     full.fullDisplay = 1;
     auto alone = std::make_unique<MACHINE_RIG>();
@@ -215,7 +215,7 @@ TEST(GameGear, ProgramReadsItsOwnPorts) {
     }
 }
 
-TEST(GameGear, PadStandsAtC0AndDcOnly) {
+TEST(GameGear, PadIsReadAtC0AndDcOnly) {
     MACHINE_RIG rig;
     Program program;
     const int loop = program.Here();
@@ -294,7 +294,8 @@ TEST(GameGear, LinkedSoundIsTheAverageOfBoth) {
 
 TEST(GameGear, BytesGoBetweenLinkedConsoles) {
     MACHINE_RIG rig;
-    // The sender waits until the other one listens; the receiver notes what comes by NMI.
+    // The sender waits until the receiver is enabled; the receiver stores each byte in its NMI
+    // handler.
     Program sender;
     sender.Out(5, 0x38).Bytes({0x06, 0x00, 0x10, 0xFE}); // ld b,0; djnz
     sender.Out(3, 0x5A);

@@ -196,7 +196,7 @@ TEST(GearLink, FlagsAndTimesAgreeAfterAnyState) {
         link.serial = row.serial;
         link.sendClocks = row.sendClocks;
         link.errorClocks = row.errorClocks;
-        GearLinkAfterLoad(link);
+        GearLinkSanitize(link);
         EXPECT_EQ(GearLinkRead(link, 5), row.expectedSerial);
         EXPECT_EQ(link.sendClocks, row.expectedSendClocks);
         EXPECT_EQ(link.errorClocks, row.expectedErrorClocks);

@@ -83,7 +83,7 @@ protected:
 
 } // namespace
 
-// The same eye's picture in every round, wherever the key goes down.
+// Fast forward shows the same eye's picture whenever its key is pressed.
 TEST_F(Glasses, FastForwardShowsAnEvenFrameInEveryRound) {
     const std::vector<std::vector<uint32_t>> frames = Frames();
     for (uint32_t frame = kMovesFrom; frame <= kFrames; ++frame) {

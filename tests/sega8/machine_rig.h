@@ -1,4 +1,4 @@
-// What the tests of the 8-bit machines share: games made of bytes, small programs, frames.
+// For the tests of the 8-bit machines: games made of bytes, small programs, frames.
 #pragma once
 
 #include "base/bytes.h"
@@ -17,7 +17,7 @@
 #include <string_view>
 #include <vector>
 
-// A program for the Z80, put together byte by byte.
+// A Z80 program, byte by byte.
 class Program {
 public:
     Program& Bytes(std::initializer_list<int> values) {
@@ -45,7 +45,7 @@ public:
     Program& Stop() { return Bytes({0x18, 0xFE}); }
 
     [[nodiscard]] uint16_t Here() const { return static_cast<uint16_t>(code.size()); }
-    // The image, filled up with zeroes.
+    // The image, padded with zeroes.
     [[nodiscard]] std::vector<uint8_t> Image(size_t bytes = 0x8000) const {
         std::vector<uint8_t> image = code;
         image.resize(bytes, 0);
@@ -100,7 +100,7 @@ inline CGameFile ArcadeGame(const std::vector<uint8_t>& image, uint32_t board,
     return MakeGame(kSystemArcade, image, record, opcodes);
 }
 
-// The same game with the record that stands for a default one.
+// The same game with a default record.
 inline CGameFile WithDefaultRecord(CGameFile game, const std::vector<uint8_t>& image) {
     std::vector<uint8_t> records = game.Serialise(false);
     records.resize(records.size() - game.FixedRecordSize());

@@ -1,4 +1,4 @@
-// States of the three machines: sizes, order, sameness of what follows, damaged bytes.
+// States of the three machines: sizes, order, equal frames after a load, damaged bytes.
 #include "base/bytes.h"
 #include "machines/machines.h"
 #include "sega8/game_gear.h"
@@ -16,8 +16,8 @@
 
 namespace {
 
-// A restless program: fills video memory, scrolls by interrupt, plays, pokes all it can reach.
-// `dataPort` is that of the video chip, `soundPort` that of a PSG.
+// A busy program: fills VRAM, scrolls in an interrupt handler, plays sound, writes to all memory.
+// `dataPort` is that of a VDP, `soundPort` that of a PSG.
 Program Restless(int dataPort, int soundPort) {
     const int control = dataPort + 1;
     Program program;
@@ -48,7 +48,7 @@ struct CASE {
     std::vector<std::wstring> actions; // held in some of the frames
 };
 
-// How a failing test names its case.
+// The name of a case in a failure.
 void PrintTo(const CASE& what, std::ostream* out) {
     *out << what.name;
 }
@@ -127,7 +127,13 @@ std::vector<FRAME_RESULT> Play(CEmuSystem& machine, const CASE& what, int from, 
     return results;
 }
 
-// Behind the chips stand the resamplers, two in each of these machines.
+auto PlayOf(const CASE& what) {
+    return [&what](CEmuSystem& machine, int from, int count) {
+        return Play(machine, what, from, count);
+    };
+}
+
+// The resamplers come after the chips, two in each of these machines.
 constexpr size_t kSoundPieces = 2;
 
 // Of the board's and the chips' pieces.
@@ -140,14 +146,14 @@ std::vector<uint32_t> PieceSizes(const SAVED& saved) {
 
 } // namespace
 
-TEST(MachineState, SmsPiecesStandInTheirOrder) {
+TEST(MachineState, SmsPiecesAreInOrder) {
     const SAVED saved = Save(*StartSms({}));
     const std::vector<uint32_t> expected = {32849, 87, VdpStateSize(), PsgStateSize(),
                                             YmStateSize()};
     EXPECT_EQ(PieceSizes(saved), expected);
 }
 
-TEST(MachineState, GearPiecesStandInTheirOrder) {
+TEST(MachineState, GearPiecesAreInOrder) {
     for (const bool linked : {false, true}) {
         const std::vector<uint32_t> sizes = PieceSizes(Save(*StartGear(linked)));
         const std::vector<uint32_t> chips = {87, VdpStateSize(), PsgStateSize(),
@@ -157,7 +163,7 @@ TEST(MachineState, GearPiecesStandInTheirOrder) {
     }
 }
 
-TEST(MachineState, ArcadePiecesStandInTheirOrder) {
+TEST(MachineState, ArcadePiecesAreInOrder) {
     const SAVED saved = Save(*StartArcade(3));
     // Header, two words, seven latches, the dial, four mapper words, memories.
     constexpr uint32_t kBoard = 5 + 8 + 7 + 2 + 16 + 16384 + 32768 + 32768;
@@ -186,38 +192,19 @@ TEST(MachineState, SmsBoardBeginsWithTheEightPortLatches) {
 
 class EveryMachineState : public testing::TestWithParam<CASE> {};
 
-TEST_P(EveryMachineState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
+TEST_P(EveryMachineState, ContinuesAsTheUnbrokenRunInPictureAndSound) {
     const CASE& what = GetParam();
-    const auto machine = what.start();
-    Play(*machine, what, 0, 37);
-    const SAVED saved = Save(*machine);
-    const auto continued = Play(*machine, what, 37, kFollowingFrames);
-    const auto other = what.start();
-    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
-    ExpectSameFrames(continued, Play(*other, what, 37, kFollowingFrames));
-    ExpectALivelyRun(continued);
+    ExpectTheRunThatWentOn([&] { return what.start(); }, PlayOf(what));
 }
 
-// An older state, or one of a program with other sound settings.
+TEST_P(EveryMachineState, LoadsAtAnyFrameOfItsOwnRun) {
+    const CASE& what = GetParam();
+    ExpectLoadsAtAnyFrame([&] { return what.start(); }, PlayOf(what), 24, [](CEmuSystem&) {});
+}
+
 TEST_P(EveryMachineState, WithoutItsSoundLoadsWithEmptyResamplers) {
     const CASE& what = GetParam();
-    const auto machine = what.start();
-    Play(*machine, what, 0, 37);
-    const SAVED saved = Save(*machine);
-    uint32_t chips = 0;
-    for (const uint32_t size : PieceSizes(saved)) {
-        chips += size;
-    }
-    const auto continued = Play(*machine, what, 37, 20);
-    const auto other = what.start();
-    for (const uint32_t length : {chips, chips + 3, chips + 40, saved.size - 1}) {
-        Play(*other, what, 0, 5);
-        ASSERT_TRUE(other->LoadState(saved.Cut(length).data(), length)) << length;
-        const auto loaded = Play(*other, what, 37, 20);
-        for (size_t i = 0; i < loaded.size(); ++i) {
-            ASSERT_EQ(continued[i].picture, loaded[i].picture) << i;
-        }
-    }
+    ExpectLoadsWithoutItsSound([&] { return what.start(); }, PlayOf(what), kSoundPieces);
 }
 
 INSTANTIATE_TEST_SUITE_P(MachineState, EveryMachineState, testing::ValuesIn(kCases),

@@ -21,7 +21,7 @@ constexpr double kPairRate = kClock / 16.0;
 
 constexpr uint8_t kSilence = 15;
 
-// A chip whose raw pairs are taken as they come.
+// A chip whose raw pairs are collected.
 class Psg : public testing::Test {
 protected:
     Psg() { Start(1, false); }
@@ -38,7 +38,7 @@ protected:
         Settings().SetInt(L"audio_app_quality", 1);
     }
 
-    // Runs 16 clocks a pair and gives the pairs, left and right in turn.
+    // Runs 16 clocks a pair; returns the pairs, left and right in turn.
     std::vector<int16_t> RunBoth(size_t pairs) {
         std::vector<int16_t> out;
         out.reserve(pairs * 2);
@@ -104,7 +104,7 @@ std::vector<int> NoiseBits(const std::vector<int16_t>& samples, size_t from, siz
     return bits;
 }
 
-// The shortest length after which the bits repeat, 0 if none is seen.
+// The shortest period of the bits; 0 if they do not repeat.
 size_t RepeatLength(const std::vector<int>& bits, size_t longest) {
     for (size_t length = 1; length <= longest; ++length) {
         if (std::equal(bits.begin() + static_cast<ptrdiff_t>(length), bits.end(), bits.begin())) {
@@ -163,7 +163,7 @@ TEST_F(Psg, ToneIsASymmetricSquare) {
     EXPECT_EQ(std::count(samples.begin(), samples.end(), -3276), 6000);
 }
 
-// Two decibels a step from a tenth of the range at full level; the table keeps to it within 0.1 dB.
+// Two decibels a step from a tenth of the range at full level; the table is within 0.1 dB of that.
 TEST_F(Psg, ToneLevelFallsTwoDecibelsAStep) {
     for (int attenuation = 0; attenuation < 15; ++attenuation) {
         PsgReset(*psg);
@@ -205,7 +205,7 @@ TEST_F(Psg, ChannelsAddUp) {
     EXPECT_EQ(Run(10).back(), 3276 + 1036 + 130);
 }
 
-// What games play samples with: the level follows the attenuation and nothing else.
+// Games play samples this way: the level depends only on the attenuation.
 TEST_F(Psg, PeriodsOfZeroAndOneGiveAConstantLevel) {
     for (const int period : {0, 1}) {
         PsgReset(*psg);
@@ -244,7 +244,7 @@ TEST_F(Psg, LatchWritesTheLowBitsAndDataTheHighBits) {
     EXPECT_EQ(psg->period[0], 0x05A);
     Write({0x80 | 0x0C});
     EXPECT_EQ(psg->period[0], 0x05C);
-    Write({0xC0 | 0x01, 0x40 | 0x12}); // bit 6 of a data byte isn't looked at
+    Write({0xC0 | 0x01, 0x40 | 0x12}); // bit 6 of a data byte does not count
     EXPECT_EQ(psg->period[2], 0x121);
     EXPECT_EQ(psg->period[0], 0x05C);
 }
@@ -288,8 +288,8 @@ TEST_F(Psg, NoiseIsSilentUntilItsRegisterIsWritten) {
     }
 }
 
-// The register shifts every 2 x 16, 32 or 64 pairs, or every two half waves of tone 2. Periodic noise
-// is one bit going round, so its pulses stand a register's length of shifts apart.
+// The register shifts every 2 x 16, 32 or 64 pairs, or every two half waves of tone 2. Periodic
+// noise is one rotating bit, so its pulses are one register length of shifts apart.
 TEST_F(Psg, NoisePeriodFollowsTheControlBits) {
     struct ROW {
         int control;
@@ -319,8 +319,8 @@ TEST_F(Psg, NoiseFromAToneOfPeriodZeroShiftsEverySecondPair) {
     EXPECT_NEAR(Frequency(Run(64'000)), kPairRate / 32.0, kPairRate / 32000.0);
 }
 
-// Taps 0 and 3 of 16 bits repeat after 57,337 shifts, taps 0 and 1 of 15 bits after 32,767: the orders
-// of x^16 + x^3 + 1 and x^15 + x + 1.
+// Taps 0 and 3 of 16 bits repeat after 57,337 shifts, taps 0 and 1 of 15 bits after 32,767: the
+// orders of x^16 + x^3 + 1 and x^15 + x + 1.
 TEST_F(Psg, WhiteNoiseRepeatsAfterItsPolynomialsOrder) {
     for (const auto& [model, length] : {
              std::pair<int, size_t>{1, 57'337},
@@ -407,7 +407,7 @@ TEST_F(Psg, FlushHandsOverWhatWasMade) {
     EXPECT_TRUE(psg->sound.Output().empty());
     psg->sound.Flush();
     EXPECT_EQ(psg->pairs->sampleCount, 0u);
-    // 1000 pairs at 223,721 a second are 197.1 at 44,100.
+    // 1000 pairs at 223,721 Hz are 197.1 at 44,100 Hz.
     EXPECT_EQ(psg->sound.Output().size() / 2, 198u);
     EXPECT_EQ(psg->sound.Output()[100], 3276);
 }
@@ -418,7 +418,7 @@ TEST_F(Psg, OwnerThatNeverFlushesIsSafe) {
     EXPECT_EQ(psg->pairs->sampleCount, psg->pairs->samples.size()) << "what comes then is lost";
 }
 
-// Frames of 313 lines of 228 clocks are the longest there are; none of their sound may be dropped.
+// 313 lines of 228 clocks are the longest frame; no pair of it may be lost.
 TEST_F(Psg, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
     constexpr int kFrames = 30;
     constexpr int kFrameClocks = 313 * 228;
@@ -442,7 +442,7 @@ TEST_F(Psg, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
                 psg->sound.Consume(static_cast<int32_t>(ready));
             }
             const double expected = double{kFrames} * kFrameClocks / kClockPal * rate;
-            // The resampler keeps back the reach of its filter: under 3 ms at every rate.
+            // The resampler delays by the length of its filter: under 3 ms at every rate.
             EXPECT_NEAR(static_cast<double>(pairs), expected, rate * 0.003 + 2.0)
                 << rate << " quality " << quality;
         }
@@ -474,7 +474,7 @@ TEST_F(Psg, CatchUpToMoreThanTheResamplerHoldsEnds) {
     EXPECT_EQ(psg->sound.Output().size(), 44100u / 40 * 2);
 }
 
-// As a machine with both chips ends its frame.
+// The end of a frame in a machine with both chips.
 TEST_F(Psg, BothChipsReachOneLengthAndNeitherRunsAway) {
     const auto ym = std::make_unique<HEARD_CHIP<YM2413>>();
     for (const uint32_t rate : {22050u, 44100u, 192000u}) {
@@ -513,7 +513,7 @@ TEST_F(Psg, BothChipsReachOneLengthAndNeitherRunsAway) {
     }
 }
 
-TEST_F(Psg, StateSavedAtAnyClockGivesTheSameSound) {
+TEST_F(Psg, StateSavedAtAnyClockContinuesWithTheSameSound) {
     Start(1, true);
     Tone(0, 123, 1);
     Tone(1, 45, 2);
@@ -575,7 +575,7 @@ TEST_F(Psg, AnyBytesAsAStateAreSafe) {
             state[i] = round == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
         }
         ASSERT_EQ(PsgLoadState(*psg, state.data(), PsgStateSize()), PsgStateSize());
-        // What indexes or shifts; the memory behind an array in the record is the record's own.
+        // Fields that index or shift. A sanitizer does not see an index into the next array.
         ASSERT_LE(psg->latchChannel, 3);
         ASSERT_LT(psg->divider, 16u);
         ASSERT_LE(*std::max_element(psg->attenuation.begin(), psg->attenuation.end()), 15);

@@ -77,7 +77,7 @@ TEST(SegaMemory, SlotsShowWholeBanksInOrder) {
 
 TEST(SegaMemory, BankPastTheEndMapsBankZero) {
     const auto memory = WithCartridge(NumberedBanks(6));
-    SegaMemoryWrite(*memory, 0xFFFF, 6); // the mask is 7, and 6 is not there
+    SegaMemoryWrite(*memory, 0xFFFF, 6); // the mask is 7, and there is no bank 6
     EXPECT_EQ(Banks(*memory)[2], 0);
     SegaMemoryWrite(*memory, 0xFFFF, 7);
     EXPECT_EQ(Banks(*memory)[2], 0);

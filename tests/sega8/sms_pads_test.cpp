@@ -1,4 +1,4 @@
-// The controller ports, each device from the program's side.
+// The pad ports: each device as a program sees it.
 #include "sega8/sms_pads.h"
 #include "sega8/vdp.h"
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-// Ports with a VDP beside them, and a clock that the test moves.
+// Pad ports with a VDP, and a clock that the test sets.
 struct PORTS {
     explicit PORTS(PadDevice a, PadDevice b = PadDevice::kJoypad) {
         VdpInit(*vdp, &irq, &nmi, false, kVdpSecond);
@@ -35,7 +35,7 @@ struct PORTS {
     uint32_t clock = 100000;
 };
 
-// Port 0x3F: TH of A, and of B, as output at a level; everything else input.
+// Port 0x3F with TH of A or of B as an output at a level; all other lines are inputs.
 constexpr uint8_t kAllInputs = 0xFF;
 constexpr uint8_t kThAHigh = 0xFD;
 constexpr uint8_t kThALow = 0xDD;
@@ -169,6 +169,17 @@ TEST(SmsPads, PhaserPullsThInItsSpotOnly) {
     }
 }
 
+TEST(SmsPads, PhaserSeesNoLightAboveTheFirstLine) {
+    PORTS ports(PadDevice::kLightPhaser);
+    ports.pointers.pointer[0] = {200, 16 + 2};
+    ports.Frame(0);
+    ports.vdp->line = 0; // the counter of lines has begun the new frame, the beam has not
+    ports.vdp->dotCounter = 330 * 2;
+    EXPECT_EQ(ports.Dd() & 0x40, 0x40);
+    ports.Beam(0, 250);
+    EXPECT_EQ(ports.Dd() & 0x40, 0);
+}
+
 TEST(SmsPads, PhaserLatchesTheHCounterAtTheSpot) {
     PORTS ports(PadDevice::kLightPhaser);
     ports.pointers.pointer[0] = {100, 66};
@@ -180,7 +191,7 @@ TEST(SmsPads, PhaserLatchesTheHCounterAtTheSpot) {
     ports.Beam(46, 150);
     PadsLatchLight(ports.pads, *ports.vdp);
     EXPECT_EQ(ports.vdp->hLatch, 111 / 2);
-    // A latch by the program stays until the beam comes into the spot again.
+    // A latch by the program stays until the beam enters the spot again.
     ports.vdp->hLatch = 0x33;
     PadsLatchLight(ports.pads, *ports.vdp);
     EXPECT_EQ(ports.vdp->hLatch, 0x33);
@@ -261,7 +272,7 @@ using Nibbles = std::array<int, 4>;
 
 } // namespace
 
-TEST(SmsPads, SportsPadGivesItsMovementInFourNibbles) {
+TEST(SmsPads, SportsPadReturnsItsMovementInFourNibbles) {
     PORTS ports(PadDevice::kSportsPad);
     ports.Control(kThAHigh);
     ports.Frame(0);
@@ -368,14 +379,14 @@ TEST(SmsPads, SixButtonPadFollowsItsTable) {
         const int plain = 0x3F & ~(directions | bc);
         const int plainLow = 0x3F & ~((directions & 3) | 0x0C | a);
         const int expected[8] = {
-            plainLow,           // TH 0, none risen
+            plainLow,           // TH 0, no rising edge yet
             plain,              // TH 1, once
             plainLow,           //
             plain,              // twice
             0x3F & ~(0x0F | a), // TH 0: the mark
             0x3F & ~(pulled(kButton(6), 1) | pulled(kButton(5), 2) | pulled(kButton(4), 4) | bc),
             0x3F & ~a, // TH 0: all ones
-            plain,     // and round again
+            plain,     // and again
         };
         EXPECT_EQ(ports.Dc() & 0x3F, plain);
         for (int step = 0; step < 8; ++step) {

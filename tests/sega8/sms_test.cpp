@@ -27,7 +27,7 @@ SMS_OPTIONS Console(uint8_t console) {
     return options;
 }
 
-// Sets the colour entries 0 and 16 and leaves a black screen of backdrop.
+// Sets colour entries 0 and 16 and shows a black backdrop.
 bool Silent(const MACHINE_RIG& rig) {
     return std::all_of(rig.samples.begin(), rig.samples.begin() + rig.audio.sampleCount * 2,
                        [](int16_t value) { return value == 0; });
@@ -183,7 +183,7 @@ TEST(Sms, LineInterruptReachesTheProcessorOnItsLines) {
     EXPECT_EQ(machine->Peek(0xC101) - before, 4 * 3) << "on lines 63, 127 and 191";
 }
 
-// Notes V as each handler begins, from 0xC200 on, with no frame interrupt between them.
+// Stores V at the start of each handler, from 0xC200 on, with no frame interrupt between them.
 TEST(Sms, LineHandlersReadTheirOwnLine) {
     for (const int value : {5, 0}) {
         MACHINE_RIG rig;
@@ -241,7 +241,7 @@ TEST(Sms, VCounterAnswersOnEvenPorts) {
 
 TEST(Sms, VCounterFollowsTheBeam) {
     MACHINE_RIG rig;
-    // Waits for line 0x60, then notes that it came there.
+    // Waits for line 0x60, then stores a mark.
     Program program;
     program.Bytes({0xDB, 0x7E, 0xFE, 0x60, 0x20, 0xFA}).Store(0xC100, 0x77).Stop();
     const Sms machine = Start({}, program);
@@ -259,7 +259,7 @@ TEST(Sms, VCounterPortCountsEveryLineOfAFrame) {
         {kSms2Ntsc, 192, {{0x00, 0xDA}, {0xD5, 0xFF}}},
         {kSms2Ntsc, 224, {{0x00, 0xEA}, {0xE5, 0xFF}}},
         {kSms2Ntsc, 240, {{0x00, 0xFF}, {0x00, 0x05}}},
-        {kSms2Pal,  192, {{0x00, 0xF2}, {0xBA, 0xFF}}}, // of 313 lines all heights count alike
+        {kSms2Pal,  192, {{0x00, 0xF2}, {0xBA, 0xFF}}}, // with 313 lines all heights count alike
         {kSms2Pal,  224, {{0x00, 0xF2}, {0xBA, 0xFF}}},
         {kSms2Pal,  240, {{0x00, 0xF2}, {0xBA, 0xFF}}},
     };
@@ -271,7 +271,7 @@ TEST(Sms, VCounterPortCountsEveryLineOfAFrame) {
             }
         }
         ASSERT_EQ(frame.size(), row.console == kSms2Pal ? 313u : 262u);
-        // Notes every change from 0xC100 on; a round takes 51 of a line's 228 clocks at most.
+        // Stores every change from 0xC100 on; an iteration takes at most 51 of a line's 228 clocks.
         Program program;
         program.VdpRegister(0xBF, 0, row.height == 192 ? 0x04 : 0x06);
         program.VdpRegister(0xBF, 1, row.height == 240 ? 0x48 : row.height == 224 ? 0x50 : 0x40);
@@ -355,7 +355,7 @@ TEST(Sms, SoundIsAsLongAsTheFrames) {
             rig.Frame(*machine);
             pairs += rig.audio.sampleCount;
         }
-        // 300 frames of 59,736 clocks at 3,579,545 Hz, less what the converter keeps at its start.
+        // 300 frames of 59,736 clocks at 3,579,545 Hz, less the delay of the resampler.
         EXPECT_NEAR(pairs, 300.0 * 262 * 228 / 3579545 * 44100, 400) << withFm;
     }
 }
@@ -430,7 +430,7 @@ TEST(Sms, FmChipIsHeard) {
 
 TEST(Sms, FmMixTakesThePsgDownToSevenTenths) {
     Program program;
-    // A tone of period 1 is a constant level, so both runs end in one value.
+    // A tone of period 1 is a constant level, so both runs end in the same value.
     program.Out(0x7F, 0x81).Out(0x7F, 0x00).Out(0x7F, 0x90).Stop();
     int level[2] = {};
     for (int withFm = 0; withFm < 2; ++withFm) {
@@ -459,11 +459,11 @@ TEST(Sms, GlassesHoldEveryFirstFrameOfAPair) {
     EXPECT_EQ(rig.video.hold, 0);
 }
 
-TEST(Sms, ResetGivesThePowerOnState) {
+TEST(Sms, ResetRestoresThePowerOnState) {
     Program program = Counting();
     program.VdpRegister(0xBF, 1, 0x60).Out(0x7F, 0x90).Out(0xBE, 0x55);
-    // The FM chip: a voice of its own on channel 0 with tremolo and vibrato, a fixed one on channel 1,
-    // and the whole rhythm.
+    // The FM chip: the user's voice on channel 0 with tremolo and vibrato, a fixed voice on channel
+    // 1, and the whole rhythm.
     const std::pair<int, int> writes[] = {
         {0x00, 0xE1},
         {0x01, 0xE1},
@@ -499,7 +499,7 @@ TEST(Sms, ResetGivesThePowerOnState) {
     }
 }
 
-// As the state is that of a fresh machine, so is what follows, in picture and sound.
+// After a reset the state is that of a new machine, and so are pictures and sound.
 TEST(Sms, FrameAfterAResetIsThatOfAFreshMachine) {
     Program program;
     program.VdpRegister(0xBF, 0, 0x04).VdpRegister(0xBF, 1, 0x60);
@@ -622,7 +622,7 @@ TEST(Sms, MemoryIsKnownByItsName) {
 }
 
 TEST(Sms, PhaserIsAimedAndReadByAProgram) {
-    // Polls 0xDD until TH drops, then notes V and H, once.
+    // Polls 0xDD until TH drops, then stores V and H once.
     Program program;
     program.Bytes({0xDB, 0xDD, 0xCB, 0x77, 0x20, 0xFA}); // in a,(0xDD); bit 6,a; jr nz
     program.In(0x7E, 0xC100).In(0x7F, 0xC101).Store(0xC102, 1).Stop();

@@ -1,4 +1,4 @@
-// The System E board: panels, ports, banks, the two video chips.
+// The System E board: panels, ports, banks, the two VDPs.
 #include "sega8/machine_rig.h"
 #include "sega8/system_e.h"
 
@@ -38,7 +38,7 @@ bool Silent(const MACHINE_RIG& rig) {
                        [](int16_t value) { return value == 0; });
 }
 
-// Writes one byte of video memory of the chip whose control port this is.
+// Writes one byte of VRAM of the VDP with this control port.
 Program& Poke(Program& program, int control, int address, int value) {
     return program.Out(control, address & 0xFF)
         .Out(control, 0x40 | address >> 8)
@@ -62,7 +62,7 @@ Program& Colour(Program& program, int control, int index, int value) {
     return program.Out(control, index).Out(control, 0xC0).Out(control - 1, value);
 }
 
-// Mode 4, display on, name table at 0x3800, nothing scrolled, no sprite.
+// Mode 4, display on, name table at 0x3800, no scroll, no sprite.
 Program& Display(Program& program, int control) {
     return program.VdpRegister(control, 0, 0x04)
         .VdpRegister(control, 1, 0x40)
@@ -169,7 +169,7 @@ TEST(ArcadePanel, WheelTurnsByFourToItsStops) {
     panel = Panel(1);
     Move(panel, kArcadeRight, 25);
     EXPECT_EQ(panel.steering, 227);
-    // At a stop the held direction no longer counts, and the wheel springs back by a step.
+    // At a stop the held direction no longer counts, and the wheel moves back by one step.
     Move(panel, kArcadeRight);
     EXPECT_EQ(panel.steering, 222);
     panel.steering = 33;
@@ -338,7 +338,7 @@ TEST(SystemE, PictureIsThatOfTheFirstChip) {
 TEST(SystemE, ClockIsOneAndAHalfOfTheMasterSystems) {
     MACHINE_RIG rig;
     Program program;
-    program.Bytes({0x21, 0, 0, 0x23, 0x22, 0x00, 0xC1, 0x18, 0xFA}); // 34 clocks a round
+    program.Bytes({0x21, 0, 0, 0x23, 0x22, 0x00, 0xC1, 0x18, 0xFA}); // 34 clocks an iteration
     const Arcade machine = Start(program);
     rig.Frame(*machine);
     const auto count = [&] { return machine->Peek(0xC100) + machine->Peek(0xC101) * 256; };
@@ -523,7 +523,7 @@ TEST(SystemE, SoundIsSevenTenthsOfTheSum) {
     EXPECT_NEAR(rig.samples[200], 2 * 3276 * 0.7, 3);
 }
 
-TEST(SystemE, SecondChipLiesOverTheFirst) {
+TEST(SystemE, SecondChipCoversTheFirst) {
     MACHINE_RIG rig;
     Program program;
     for (const int control : {kVdp1, kVdp2}) {
@@ -603,16 +603,15 @@ TEST(SystemE, OpcodesInRamAreReadFromRam) {
     EXPECT_EQ(machine->PeekOpcode(0xC010), 0x3C);
 }
 
-TEST(SystemE, EncipheredGameWithoutOpcodesIsRefused) {
+TEST(SystemE, EncryptedGameWithoutOpcodesIsRefused) {
     const std::array<uint8_t, 256> options{};
     for (const uint32_t board : {2u, 5u, 6u}) {
         CGameFile game = ArcadeGame({0x18, 0xFE}, board);
         CGameFile* games[2] = {&game, nullptr};
         CSEGAE machine(kRigKey);
         EXPECT_FALSE(machine.Init(options.data(), games));
-        EXPECT_EQ(EmuLastError(), "\"Test Game\" runs on an enciphered processor (board " +
-                                      std::to_string(board) +
-                                      ") and brings no piece named \"opcodes\"");
+        EXPECT_EQ(EmuLastError(), "\"Test Game\" has an encrypted program (board " +
+                                      std::to_string(board) + ") and no piece named \"opcodes\"");
     }
     CGameFile game = ArcadeGame({0x18, 0xFE}, 2, {1, 2, 3});
     CGameFile* games[2] = {&game, nullptr};

@@ -69,7 +69,7 @@ TEST(VdpLegacy, ModeBitsDecodeAsTheTableHasIt) {
         rig.Reg(0, (bits >> 3) << 2 | (bits & 2));
         rig.Reg(1, ((bits >> 2) & 1) << 3 | (bits & 1) << 4);
         rig.RunTo(1, 0);
-        rig.Steps(4);
+        rig.Ticks(4);
         EXPECT_EQ(rig.vdp.mode, expected[bits]) << bits;
     }
 }

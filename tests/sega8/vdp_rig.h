@@ -12,7 +12,8 @@ constexpr uint32_t kRigWidth = 256;
 constexpr uint32_t kRigRows = 256;
 constexpr uint32_t kUntouched = 0x12345678;
 
-// A colour of the six-bit palette as a pixel: two bits each of red, green and blue from the low end.
+// A colour of the six-bit palette as a pixel: two bits each of red, green and blue from the low
+// end.
 constexpr uint32_t SixBits(uint32_t value) {
     constexpr uint32_t kLevels[4] = {0x00, 0x55, 0xAA, 0xFF};
     return 0xFF000000U | kLevels[value & 3] << 16 | kLevels[(value >> 2) & 3] << 8 |
@@ -31,7 +32,7 @@ public:
     VdpRig& operator=(const VdpRig&) = delete;
 
     // Mode 4, display on, name table 0x3800, sprite table 0x3F00 (empty), sprite tiles from 0, and
-    // palette entry n = colour value n, so that a pixel tells its entry.
+    // palette entry n = colour value n: a pixel shows its entry.
     void StartMode4() {
         const uint8_t values[11] = {0x04, 0x40, 0xFF, 0xFF, 0xFF, 0xFF, 0xFB, 0, 0, 0, 0xFF};
         for (uint8_t i = 0; i < sizeof values; ++i) {
@@ -81,7 +82,7 @@ public:
         vram[at + 1] = static_cast<uint8_t>(entry >> 8);
     }
 
-    // A mode 4 sprite; the list is ended behind it.
+    // A mode 4 sprite, the last one of the list.
     void Sprite(uint32_t number, uint32_t y, uint32_t x, uint32_t tile) {
         vram[0x3F00 + number] = static_cast<uint8_t>(y);
         vram[0x3F80 + number * 2] = static_cast<uint8_t>(x);
@@ -91,13 +92,13 @@ public:
         }
     }
 
-    void Steps(uint32_t steps) {
-        for (; steps != 0; --steps) {
+    void Ticks(uint32_t ticks) {
+        for (; ticks != 0; --ticks) {
             VdpTick(vdp);
         }
     }
 
-    // Runs up to the moment before the work of `dot` on `line`, at least one step.
+    // Runs to just before the work of `dot` on `line`, at least one tick.
     void RunTo(uint32_t line, uint32_t dot) {
         do {
             VdpTick(vdp);
@@ -115,13 +116,13 @@ public:
         VdpBeginFrame(vdp, pixels.data(), kRigWidth);
     }
 
-    // A whole frame whose every line saw what is set now.
+    // A whole frame with the current settings on every line.
     void Frame() {
         Finish();
         Finish();
     }
 
-    // Of the active picture: the border is left out.
+    // A pixel of the active picture, without the border.
     [[nodiscard]] uint32_t At(uint32_t x, uint32_t y) const {
         return pixels[(y + vdp.border) * kRigWidth + x];
     }

@@ -1,4 +1,4 @@
-// Many steps at once against single steps: random memory, registers, accesses and lengths.
+// VdpRun against VdpTick: random memory, registers, accesses and lengths.
 
 #include "sega8/vdp_run.h"
 
@@ -66,11 +66,11 @@ void Compare(bool pal, uint32_t variant, bool second, uint8_t mode0, uint8_t mod
         }
     }
     for (int run = 0; run < 4000; ++run) {
-        const auto steps = static_cast<uint32_t>(random() % (run % 3 == 0 ? 900 : 40));
-        for (uint32_t i = 0; i < steps; ++i) {
+        const auto ticks = static_cast<uint32_t>(random() % (run % 3 == 0 ? 900 : 40));
+        for (uint32_t i = 0; i < ticks; ++i) {
             VdpTick(plain.vdp);
         }
-        VdpRun(fast.vdp, steps);
+        VdpRun(fast.vdp, ticks);
         const auto kind = static_cast<uint32_t>(random() % 24);
         const auto value = static_cast<uint32_t>(random());
         if (kind < 7) {
@@ -87,7 +87,7 @@ void Compare(bool pal, uint32_t variant, bool second, uint8_t mode0, uint8_t mod
     EXPECT_EQ(plain.pixels, fast.pixels);
 }
 
-// What the derived fields say of the line being drawn, and the row as a place in the picture.
+// Compares the derived fields of the line being drawn; the row as an offset in its picture.
 void ExpectSameDerived(const Chip& plain, const Chip& fast, const std::string& where) {
     const VDP& a = plain.vdp;
     const VDP& b = fast.vdp;
@@ -103,8 +103,8 @@ void ExpectSameDerived(const Chip& plain, const Chip& fast, const std::string& w
     }
 }
 
-// Registers that a game would set: display on, a mode as often as another, tall pictures, large and
-// zoomed sprites, every scroll and lock.
+// Registers as games set them: display on, all modes, tall pictures, large and zoomed sprites,
+// every scroll and lock.
 std::array<uint8_t, 11> DrawRegisters(std::mt19937& random) {
     constexpr uint8_t kModes0[] = {0x04, 0x06, 0x06, 0x06, 0x02, 0x00};
     constexpr uint8_t kModes1[] = {0x00, 0x00, 0x08, 0x10};
@@ -120,8 +120,8 @@ std::array<uint8_t, 11> DrawRegisters(std::mt19937& random) {
     return regs;
 }
 
-// Sprites in crowds, so that some lines have too many and some sprites overlap: a few rows and columns
-// for all of them, wherever the table lies. Now and then the list ends early.
+// Crowds of sprites, so that some lines have too many and some sprites overlap: all are in a few
+// rows and columns, at every place of the table. Sometimes the list ends early.
 void CrowdSprites(std::mt19937& random, std::array<uint8_t, kVdpVramBytes>& vram) {
     const auto middle = static_cast<uint32_t>(random());
     for (size_t table = 0; table < vram.size(); table += 128) {
@@ -134,7 +134,7 @@ void CrowdSprites(std::mt19937& random, std::array<uint8_t, kVdpVramBytes>& vram
     }
 }
 
-// Runs long enough for whole lines and whole parts of lines, with rare accesses in between.
+// Runs of whole lines and of parts of lines, with rare accesses between them.
 void CompareLines(uint32_t seed) {
     std::mt19937 random(seed);
     const bool pal = random() % 2 == 0;
@@ -158,19 +158,19 @@ void CompareLines(uint32_t seed) {
     }
     uint32_t left = 220000; // more than a frame
     while (left != 0) {
-        uint32_t steps = VdpStepsToEvent(fast.vdp);
+        uint32_t ticks = VdpTicksToEvent(fast.vdp);
         switch (random() % 4) {
-        case 0: steps = kVdpStepsPerLine * static_cast<uint32_t>(1 + random() % 4); break;
-        case 1: steps = static_cast<uint32_t>(1 + random() % 1400); break;
-        case 2: steps = std::max(steps, 2U) - 1; break;
+        case 0: ticks = kVdpTicksPerLine * static_cast<uint32_t>(1 + random() % 4); break;
+        case 1: ticks = static_cast<uint32_t>(1 + random() % 1400); break;
+        case 2: ticks = std::max(ticks, 2U) - 1; break;
         default: break;
         }
-        steps = std::min(steps, left);
-        left -= steps;
-        for (uint32_t i = 0; i < steps; ++i) {
+        ticks = std::min(ticks, left);
+        left -= ticks;
+        for (uint32_t i = 0; i < ticks; ++i) {
             VdpTick(plain.vdp);
         }
-        VdpRun(fast.vdp, steps);
+        VdpRun(fast.vdp, ticks);
         const std::string where =
             "seed " + std::to_string(seed) + " line " + std::to_string(plain.vdp.line);
         ASSERT_EQ(plain.State(), fast.State()) << where;
@@ -189,24 +189,24 @@ void CompareLines(uint32_t seed) {
 
 } // namespace
 
-TEST(VdpRun, EqualsSingleStepsInMode4) {
+TEST(VdpRun, EqualsSingleTicksInMode4) {
     for (const uint32_t variant : {0U, 1U, 2U}) {
         Compare(false, variant, false, 0x06, 0x62);
         Compare(true, variant, false, 0x26, 0x61);
     }
 }
 
-TEST(VdpRun, EqualsSingleStepsInTheOlderModes) {
+TEST(VdpRun, EqualsSingleTicksInTheOlderModes) {
     Compare(false, 0, false, 0x00, 0x60);
     Compare(false, 1, false, 0x02, 0x62);
     Compare(false, 1, false, 0x00, 0x70);
 }
 
-TEST(VdpRun, EqualsSingleStepsAsASecondChip) {
+TEST(VdpRun, EqualsSingleTicksAsASecondChip) {
     Compare(false, 0, true, 0x06, 0x60);
 }
 
-TEST(VdpRun, WholeLinesEqualSingleStepsWhateverTheRegistersSay) {
+TEST(VdpRun, WholeLinesEqualSingleTicksWhateverTheRegistersSay) {
     for (uint32_t seed = 1; seed <= 100 && !HasFatalFailure(); ++seed) {
         CompareLines(seed);
     }
@@ -218,24 +218,24 @@ TEST(VdpRun, StopsForThePauseButtonAtTheLineStartAlone) {
         VdpRun(chip.vdp, 640);
         chip.vdp.pausePressed = true;
         chip.vdp.pauseSeen = seen;
-        const uint32_t steps = VdpStepsToEvent(chip.vdp);
+        const uint32_t ticks = VdpTicksToEvent(chip.vdp);
         // Steps 640 to 683 of this line; then the two of dot 0, or those up to the end of dot 318.
-        EXPECT_EQ(steps, seen ? 44U + 638U : 44U + 2U);
-        VdpRun(chip.vdp, steps - 1);
+        EXPECT_EQ(ticks, seen ? 44U + 638U : 44U + 2U);
+        VdpRun(chip.vdp, ticks - 1);
         EXPECT_EQ(chip.nmi, 0U);
         VdpRun(chip.vdp, 1);
         EXPECT_EQ(chip.nmi, seen ? 0U : 1U);
     }
 }
 
-TEST(VdpRun, StepsToTheEventEndWithIt) {
+TEST(VdpRun, TicksToTheEventEndWithIt) {
     Chip chip(false, 1, false);
-    for (uint32_t start = 0; start < kVdpStepsPerLine; ++start) {
+    for (uint32_t start = 0; start < kVdpTicksPerLine; ++start) {
         const uint32_t line = chip.vdp.line;
-        const uint32_t steps = VdpStepsToEvent(chip.vdp);
-        // Without the pause button the event is dot 318, where the line steps; before it nothing does.
+        const uint32_t ticks = VdpTicksToEvent(chip.vdp);
+        // Without the pause button the only event is dot 318, where `line` steps.
         VDP copy = chip.vdp;
-        for (uint32_t i = 1; i < steps; ++i) {
+        for (uint32_t i = 1; i < ticks; ++i) {
             VdpTick(copy);
             EXPECT_EQ(copy.line, line);
         }

@@ -16,7 +16,7 @@ void Start(VdpRig& rig) {
     }
 }
 
-// Runs a frame and gives the flags that it raised.
+// Runs a frame; returns the flags that it raised.
 uint8_t FlagsOfAFrame(VdpRig& rig) {
     rig.Finish();
     (void)VdpStatusRead(rig.vdp);
@@ -141,7 +141,7 @@ TEST(VdpSprites, OverflowComesDuringTheLineBeforeAndNotOutsideThePicture) {
     }
     rig.Frame();
     (void)VdpStatusRead(rig.vdp);
-    // The search of the first sixteen for line 51 is the last thing on the line before line 50.
+    // The search of the first sixteen sprites for line 51 is at the end of line 49.
     rig.RunTo(50, 320);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
     rig.RunTo(50, 0);
@@ -185,7 +185,7 @@ TEST(VdpSprites, NinthIsFlaggedDownToTheLastLineOfATallPicture) {
     }
 }
 
-TEST(VdpSprites, TheFirstOfTheListLiesOnTop) {
+TEST(VdpSprites, TheFirstOfTheListIsOnTop) {
     VdpRig rig;
     Start(rig);
     rig.Sprite(0, 50, 20, 1);
@@ -220,7 +220,7 @@ TEST(VdpSprites, CollisionIsRaisedAtTheDotWhereTwoMeet) {
     rig.RunTo(51, 11 + 104);
     (void)VdpStatusRead(rig.vdp);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
-    rig.Steps(2);
+    rig.Ticks(2);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x3F);
 }
 
@@ -342,7 +342,7 @@ TEST(VdpSprites, ZoomedOnesCollideInsideThePictureOnly) {
     VdpRig rig;
     Start(rig);
     for (uint32_t row = 0; row < 8; ++row) {
-        rig.TileRow(20, row, {0, 0, 0, 0, 1, 1, 1, 1}); // eight dots behind eight empty ones
+        rig.TileRow(20, row, {0, 0, 0, 0, 1, 1, 1, 1}); // eight dots after eight empty ones
     }
     rig.Reg(1, 0x41);
     rig.Sprite(0, 50, 248, 20);
@@ -353,8 +353,8 @@ TEST(VdpSprites, ZoomedOnesCollideInsideThePictureOnly) {
     EXPECT_EQ(FlagsOfAFrame(rig), kFrame | kCollision);
 }
 
-// Y counts modulo 256 for doubled rows as well. Y = 0xF8 would begin on line 249, so that line 0 shows
-// the eighth of its lines, row 3.
+// Y counts modulo 256 for doubled rows as well. Y = 0xF8 would begin on line 249, so that line 0
+// shows the eighth of its lines, row 3.
 TEST(VdpSprites, ZoomedOnesComeInAtTheTop) {
     VdpRig rig;
     Start(rig);
@@ -371,7 +371,8 @@ TEST(VdpSprites, ZoomedOnesComeInAtTheTop) {
         EXPECT_EQ(rig.At(100, line), SixBits(17 + rows[line])) << line;
     }
     EXPECT_EQ(rig.At(100, 9), SixBits(0));
-    rig.Reg(1, 0x43); // two tiles and 32 lines: Y = 0xE8 shows the last nine of them, behind row 11
+    rig.Reg(1,
+            0x43); // two tiles and 32 lines: Y = 0xE8 shows the last nine of them, from row 11 on
     rig.Sprite(0, 0xE8, 100, 20);
     rig.Frame();
     for (uint32_t line = 0; line < 9; ++line) {
@@ -380,7 +381,7 @@ TEST(VdpSprites, ZoomedOnesComeInAtTheTop) {
     EXPECT_EQ(rig.At(100, 9), SixBits(0));
 }
 
-// Bit 2 picks the upper tiles. The lower two bits, which are said to mask tile bits on the first chip,
+// Bit 2 selects the upper tiles. The lower two bits, which mask tile bits on the real first chip,
 // do nothing here.
 TEST(VdpSprites, Register6Bits0And1ChangeNothingOnAnyChip) {
     for (const uint32_t variant : {kVdpFirst, kVdpSecond}) {
@@ -400,8 +401,8 @@ TEST(VdpSprites, Register6Bits0And1ChangeNothingOnAnyChip) {
     }
 }
 
-// The real first chip would take X and tile from the lower half of the table; here only an address
-// bit of the Y words is cleared, which is clear anyway.
+// The real first chip reads X and tile number from the lower half of the table; here only an
+// address bit of the Y words is cleared, which is 0 anyway.
 TEST(VdpSprites, TableIsTheSameWithRegister5Bit0OnEveryChip) {
     for (const uint32_t variant : {kVdpFirst, kVdpSecond, kVdpGameGear}) {
         VdpRig rig(variant);

@@ -1,4 +1,4 @@
-// States: at any dot, and of whatever bytes.
+// States: at any dot, and of any bytes.
 #include "base/bytes.h"
 #include "sega8/vdp.h"
 #include "sega8/vdp_rig.h"
@@ -37,7 +37,7 @@ std::vector<uint8_t> Save(const VDP& vdp) {
     return state;
 }
 
-// Where a field lies in a state: the first byte that differs when `change` has changed its lowest byte.
+// The offset of a field in a state: the first byte that differs after `change` to its lowest byte.
 size_t OffsetOf(void (*change)(VDP& vdp)) {
     VdpRig rig;
     const std::vector<uint8_t> before = Save(rig.vdp);
@@ -47,7 +47,7 @@ size_t OffsetOf(void (*change)(VDP& vdp)) {
     return static_cast<size_t>(differ.first - before.begin());
 }
 
-// One frame more, with accesses of a processor in it.
+// One more frame, with accesses of a processor.
 void Play(VdpRig& rig) {
     rig.Address(1, 0x0400);
     VdpDataWrite(rig.vdp, 0x3C);
@@ -60,10 +60,10 @@ void CompareThreeFrames(uint32_t variant, bool pal, uint32_t reg0, uint32_t reg1
         VdpRig first(variant, pal);
         StartChip(first, reg0, reg1);
         first.Finish();
-        first.Steps(moment);
+        first.Ticks(moment);
         first.Address(1, 0x0200);
         VdpDataWrite(first.vdp, 0xA5);
-        first.Steps(moment % 7);
+        first.Ticks(moment % 7);
         VdpRig second(variant, pal);
         const std::vector<uint8_t> state = Save(first.vdp);
         ASSERT_EQ(VdpLoadState(second.vdp, state.data(), VdpStateSize()), VdpStateSize());
@@ -128,7 +128,7 @@ TEST(VdpState, RestoresInTheOlderModes) {
     CompareThreeFrames(kVdpSecond, false, 0x02, 0x61, Every(70 * 684, 40, 71 * 684));
 }
 
-// Nothing may be read or written outside, which the sanitizers watch, and the frame comes to its end.
+// Nothing may be accessed out of bounds, which the sanitizers check, and the frame must end.
 TEST(VdpState, ArbitraryBytesStayInBounds) {
     std::mt19937 random(1);
     for (uint32_t round = 0; round < 60; ++round) {
@@ -141,10 +141,10 @@ TEST(VdpState, ArbitraryBytesStayInBounds) {
         }
         ASSERT_NE(VdpLoadState(rig.vdp, state.data(), VdpStateSize()), 0U);
         VdpBeginFrame(rig.vdp, rig.pixels.data(), kRigWidth);
-        uint32_t steps = 0;
+        uint32_t ticks = 0;
         while (!rig.vdp.frameDone) {
             VdpTick(rig.vdp);
-            ASSERT_LE(++steps, 314U * 684);
+            ASSERT_LE(++ticks, 314U * 684);
         }
         VdpBeginFrame(rig.vdp, rig.pixels.data(), kRigWidth);
         (void)VdpDataRead(rig.vdp);
@@ -156,8 +156,8 @@ TEST(VdpState, ArbitraryBytesStayInBounds) {
     }
 }
 
-// The kinds on their way follow from the place in the list, so that a state cannot put wrong ones
-// there. Before slot 1 it is the line before that tells them.
+// The kinds in the pipeline follow from the place in the slot list, so a state cannot set wrong
+// ones. For slot 0 they come from the line before.
 TEST(VdpState, KindsOnTheirWayAreThoseOfTheList) {
     const size_t lastKind = OffsetOf([](VDP& vdp) { vdp.lastKind ^= 1; });
     const size_t nextKind = OffsetOf([](VDP& vdp) { vdp.nextKind ^= 1; });
@@ -176,7 +176,7 @@ TEST(VdpState, KindsOnTheirWayAreThoseOfTheList) {
         StartChip(rig, row.reg0, row.reg1);
         rig.Frame();
         rig.RunTo(row.line, 0);
-        for (uint32_t dot = 0; dot < kVdpDots; ++dot, rig.Steps(2)) {
+        for (uint32_t dot = 0; dot < kVdpDots; ++dot, rig.Ticks(2)) {
             const std::vector<uint8_t> state = Save(rig.vdp);
             for (const uint8_t kind : {uint8_t{0}, uint8_t{16}, uint8_t{17}, uint8_t{255}}) {
                 std::vector<uint8_t> other = state;
@@ -193,11 +193,11 @@ TEST(VdpState, KindsOnTheirWayAreThoseOfTheList) {
     }
 }
 
-// What runs a piece of the line at once may not go by other fields of a state than a single step does.
-TEST(VdpState, ArbitraryBytesRunAlikeInOneGoAndStepByStep) {
+// VdpRun may not depend on other fields of a state than VdpTick does.
+TEST(VdpState, ArbitraryBytesRunAlikeInOneGoAndTickByTick) {
     const size_t dotCounter = OffsetOf([](VDP& vdp) { vdp.dotCounter ^= 1; });
     std::mt19937 random(2);
-    for (uint32_t counter = 0; counter < kVdpStepsPerLine; ++counter) {
+    for (uint32_t counter = 0; counter < kVdpTicksPerLine; ++counter) {
         VdpRig plain(counter % 3, (counter & 4) != 0);
         VdpRig fast(counter % 3, (counter & 4) != 0);
         plain.vdp.secondChip = fast.vdp.secondChip = counter % 5 == 0;
@@ -212,10 +212,10 @@ TEST(VdpState, ArbitraryBytesRunAlikeInOneGoAndStepByStep) {
         ASSERT_NE(VdpLoadState(fast.vdp, state.data(), VdpStateSize()), 0U);
         const std::vector<uint8_t> loaded = Save(plain.vdp);
         ASSERT_EQ(LoadLittleEndian<uint32_t>(&loaded[dotCounter]), counter);
-        for (const uint32_t steps : {700U, 3U, 1501U}) {
-            plain.Steps(steps);
-            VdpRun(fast.vdp, steps);
-            ASSERT_EQ(Save(plain.vdp), Save(fast.vdp)) << counter << " " << steps;
+        for (const uint32_t ticks : {700U, 3U, 1501U}) {
+            plain.Ticks(ticks);
+            VdpRun(fast.vdp, ticks);
+            ASSERT_EQ(Save(plain.vdp), Save(fast.vdp)) << counter << " " << ticks;
             ASSERT_EQ(plain.irq, fast.irq);
         }
         ASSERT_EQ(plain.vram, fast.vram) << counter;

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr uint32_t kLineSteps = 684;
+constexpr uint32_t kLineTicks = 684;
 
 uint32_t CountSlots(VdpSlotListNumber list, uint8_t kind) {
     uint32_t count = 0;
@@ -35,19 +35,20 @@ std::vector<uint8_t> Sequence(const std::vector<std::pair<uint32_t, uint32_t>>& 
     return values;
 }
 
-// Register 1 of mode 4 with the display on, for a height; register 0 has bit 1 set for the tall ones.
+// Register 1 of mode 4 with the display on, for a height; register 0 has bit 1 set for the tall
+// ones.
 void SetHeight(VdpRig& rig, uint32_t height, uint32_t more = 0) {
     rig.Reg(0, height == 192 ? 0x04 : 0x06);
     rig.Reg(1, (height == 240 ? 0x48U : height == 224 ? 0x50U : 0x40U) | more);
 }
 
-// Steps to the next frame flag and gives how many it took; 0 if there is none in a whole frame.
-uint32_t StepsToFrameFlag(VdpRig& rig) {
+// Runs to the next frame flag; returns the ticks, or 0 if a whole frame has no flag.
+uint32_t TicksToFrameFlag(VdpRig& rig) {
     (void)VdpStatusRead(rig.vdp);
-    for (uint32_t steps = 1; steps <= 313 * kLineSteps; ++steps) {
+    for (uint32_t ticks = 1; ticks <= 313 * kLineTicks; ++ticks) {
         VdpTick(rig.vdp);
         if (rig.vdp.frameInterrupt) {
-            return steps;
+            return ticks;
         }
     }
     return 0;
@@ -114,7 +115,7 @@ TEST(VdpSlots, PlacesFollowTheTimetable) {
     EXPECT_EQ(active[2], kSlotFree);
     EXPECT_EQ(active[8 + 2], kSlotTestY4); // second column
     EXPECT_EQ(active[32 + 2], kSlotFree);  // second group
-    EXPECT_EQ(active[256], kSlotFree);     // behind the columns
+    EXPECT_EQ(active[256], kSlotFree);     // after the columns
     EXPECT_EQ(active[258], kSlotSprite4);
     EXPECT_EQ(active[324], kSlotTestY4); // first search slot of the next line
     const VdpSlotList& legacy = kVdpSlotLists[kVdpLegacyActive];
@@ -125,7 +126,7 @@ TEST(VdpSlots, PlacesFollowTheTimetable) {
     EXPECT_EQ(kVdpSlotLists[kVdpLegacyBlank][2 * 136], kSlotFree);
 }
 
-TEST(VdpReset, GivesTheStartValues) {
+TEST(VdpReset, SetsTheStartValues) {
     VdpRig rig;
     rig.StartMode4();
     VdpReset(rig.vdp);
@@ -189,14 +190,14 @@ TEST(VdpPorts, WritesAndReadsGoThroughFreeSlots) {
     for (const uint8_t value : {uint8_t{0xAB}, uint8_t{0xCD}}) {
         VdpDataWrite(rig.vdp, value);
         EXPECT_NE(rig.vram[value == 0xAB ? 0x123 : 0x124], value);
-        rig.Steps(120);
+        rig.Ticks(120);
     }
     EXPECT_EQ(rig.vram[0x123], 0xAB);
     EXPECT_EQ(rig.vram[0x124], 0xCD);
     rig.Address(0, 0x0123);
-    rig.Steps(120);
+    rig.Ticks(120);
     EXPECT_EQ(VdpDataRead(rig.vdp), 0xAB);
-    rig.Steps(120);
+    rig.Ticks(120);
     EXPECT_EQ(VdpDataRead(rig.vdp), 0xCD);
 }
 
@@ -286,7 +287,7 @@ TEST(VdpCounters, VCounterFollowsTheJumpTables) {
     }
 }
 
-TEST(VdpCounters, HCounterRunsTo93AndGoesOnAtE9) {
+TEST(VdpCounters, HCounterJumpsFrom93ToE9) {
     VdpRig rig;
     const std::vector<uint8_t> expected = Sequence({
         {0x00, 0x93},
@@ -297,7 +298,7 @@ TEST(VdpCounters, HCounterRunsTo93AndGoesOnAtE9) {
     for (uint32_t dot = 0; dot < 342; ++dot) {
         EXPECT_EQ(VdpLatchH(rig.vdp), expected[dot / 2]) << dot;
         EXPECT_EQ(rig.vdp.hLatch, expected[dot / 2]);
-        rig.Steps(2);
+        rig.Ticks(2);
     }
 }
 
@@ -326,7 +327,7 @@ TEST(VdpInterrupts, FrameFlagComesWithLineHeightPlusOneAtDot318) {
             }
             EXPECT_EQ(rig.vdp.line, height + 1);
             EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
-            rig.Steps(200); // an interrupt handler's time
+            rig.Ticks(200); // an interrupt handler's time
             EXPECT_EQ(VdpVCounter(rig.vdp), height + 1);
         }
     }
@@ -338,13 +339,13 @@ TEST(VdpInterrupts, FrameFlagComesOnceInTheLinesOfAFrame) {
             VdpRig rig(kVdpSecond, pal);
             rig.StartMode4();
             SetHeight(rig, height);
-            StepsToFrameFlag(rig);
-            EXPECT_EQ(StepsToFrameFlag(rig), (pal ? 313U : 262U) * kLineSteps) << height;
+            TicksToFrameFlag(rig);
+            EXPECT_EQ(TicksToFrameFlag(rig), (pal ? 313U : 262U) * kLineTicks) << height;
         }
     }
 }
 
-// The flag comes as a line is reached that is one past the height of that moment.
+// The flag is raised on the line that is one past the current height.
 TEST(VdpInterrupts, FrameFlagFollowsAHeightThatChangesInMidFrame) {
     struct CHANGE_ROW {
         uint32_t from;
@@ -406,19 +407,19 @@ TEST(VdpInterrupts, OneStatusReadClearsBothRequests) {
     rig.Reg(1, 0x60);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x9F);
     EXPECT_EQ(rig.irq, 0U);
-    for (const uint32_t mask : {0x04U, 0x14U}) { // neither of them was kept behind a mask
+    for (const uint32_t mask : {0x04U, 0x14U}) { // a mask keeps no old interrupt
         rig.Reg(0, mask);
         EXPECT_EQ(rig.irq, 0U);
     }
     rig.Reg(1, 0x40);
     rig.Reg(1, 0x60);
     EXPECT_EQ(rig.irq, 0U);
-    rig.Steps(kLineSteps * 60);
+    rig.Ticks(kLineTicks * 60);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
     EXPECT_EQ(rig.irq, 0U);
 }
 
-// A read with one of the two masked forgets that one too.
+// A status read clears a masked interrupt too.
 TEST(VdpInterrupts, StatusReadForgetsAMaskedRequest) {
     VdpRig rig;
     rig.StartMode4();
@@ -440,7 +441,7 @@ TEST(VdpInterrupts, StatusReadInTheDotOfTheFlagFindsAndClearsIt) {
     }
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x9F);
     EXPECT_FALSE(rig.vdp.frameInterrupt);
-    rig.Steps(kLineSteps * 3);
+    rig.Ticks(kLineTicks * 3);
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
 }
 
@@ -463,8 +464,9 @@ TEST(VdpInterrupts, TurningTheBitOnRaisesTheLineAtOnceAndOffDropsIt) {
     EXPECT_EQ(rig.irq, 0U);
 }
 
-// The counter steps with the V counter, as V becomes 0 and so on to the line below the picture. Value n
-// asks as V becomes n, 2n + 1, 3n + 2 and so on; the frame flag comes a line after the last of them.
+// The counter steps with the V counter, from V = 0 to the line below the picture. Value n requests
+// an interrupt at V = n, 2n + 1, 3n + 2 and so on; the frame flag is raised one line after the last
+// line.
 TEST(VdpInterrupts, LineCounterAsksAsTheVCounterBecomesItsLines) {
     for (const bool pal : {false, true}) {
         for (const uint32_t height : {192U, 224U, 240U}) {
@@ -477,8 +479,8 @@ TEST(VdpInterrupts, LineCounterAsksAsTheVCounterBecomesItsLines) {
                 rig.Reg(10, value);
                 (void)VdpStatusRead(rig.vdp);
                 std::vector<uint32_t> lines;
-                for (uint32_t step = 0; step < rig.vdp.totalLines * kLineSteps; ++step) {
-                    rig.Steps(1);
+                for (uint32_t step = 0; step < rig.vdp.totalLines * kLineTicks; ++step) {
+                    rig.Ticks(1);
                     if (rig.irq != 0) {
                         EXPECT_EQ((rig.vdp.dotCounter - 1) / 2, 318U);
                         EXPECT_FALSE(rig.vdp.frameInterrupt);
@@ -504,9 +506,9 @@ TEST(VdpInterrupts, LineHandlerReadsTheLineThatItAskedFor) {
     rig.Frame();
     (void)VdpStatusRead(rig.vdp);
     while (rig.irq == 0) {
-        rig.Steps(1);
+        rig.Ticks(1);
     }
-    rig.Steps(200); // what a handler does before it looks
+    rig.Ticks(200); // the time until a handler reads V
     EXPECT_EQ(VdpVCounter(rig.vdp), 5U);
 }
 
@@ -533,20 +535,20 @@ TEST(VdpInterrupts, RegisterTenActsAtTheNextReload) {
 TEST(VdpInterrupts, PauseRaisesNmiOnItsRisingEdge) {
     VdpRig rig;
     rig.vdp.pausePressed = true;
-    rig.Steps(kLineSteps);
+    rig.Ticks(kLineTicks);
     EXPECT_EQ(rig.nmi, 1U);
     rig.nmi = 0;
     rig.Frame();
     EXPECT_EQ(rig.nmi, 0U); // held
     rig.vdp.pausePressed = false;
-    rig.Steps(kLineSteps);
+    rig.Ticks(kLineTicks);
     rig.vdp.pausePressed = true;
-    rig.Steps(kLineSteps);
+    rig.Ticks(kLineTicks);
     EXPECT_EQ(rig.nmi, 1U);
 }
 
-// A picture of 262 lines has a border of 16 rows at 192 lines and none at 224, so what is drawn after
-// the change moves up, over rows that are drawn already; the V counter takes the other table at once.
+// With 262 lines the border has 16 rows at 192 lines and none at 224, so lines after the change are
+// drawn higher, over older rows; the V counter uses the other table at once.
 TEST(VdpFrame, HeightThatChangesInMidFrameMovesTheRowsBelow) {
     VdpRig rig;
     rig.StartMode4();
@@ -569,10 +571,10 @@ TEST(VdpFrame, HeightThatChangesInMidFrameMovesTheRowsBelow) {
     while (!rig.vdp.frameDone) {
         VdpTick(rig.vdp);
     }
-    // Rows 0 to 15 were the top border, which was drawn as the frame before ended.
+    // Rows 0 to 15 were the top border, drawn at the end of the frame before.
     EXPECT_EQ(rig.pixels[size_t{15} * kRigWidth], kUntouched);
     for (size_t row = 16; row < 224; ++row) {
-        // Line 0 of 192 lies at row 16 and line 99 at 115, line 100 of 224 at row 100.
+        // Of 192 lines line 0 is at row 16 and line 99 at 115; of 224 lines line 100 is at row 100.
         EXPECT_EQ(rig.pixels[row * kRigWidth], SixBits(row < 100 ? 1 : 2)) << row;
     }
     EXPECT_EQ(rig.pixels[size_t{224} * kRigWidth], kUntouched);
@@ -621,7 +623,8 @@ TEST(VdpFrame, GeometryFollowsHeightAndStandard) {
         EXPECT_EQ(frame.visibleHeight, row.height);
         EXPECT_FLOAT_EQ(frame.aspect, wide / static_cast<float>(whole));
         EXPECT_FLOAT_EQ(frame.visibleAspect, wide / static_cast<float>(row.height));
-        EXPECT_NE(rig.pixels[whole * 256 - 1], kUntouched); // every row is drawn, none behind
+        EXPECT_NE(rig.pixels[whole * 256 - 1],
+                  kUntouched); // every row is drawn, and none after them
         EXPECT_NE(rig.pixels[0], kUntouched);
     }
 }
@@ -640,16 +643,16 @@ TEST(VdpFrame, HasItsLinesAndIsDoneOnce) {
     for (const bool pal : {false, true}) {
         VdpRig rig(kVdpSecond, pal);
         rig.Finish();
-        uint32_t steps = 0;
+        uint32_t ticks = 0;
         while (!rig.vdp.frameDone) {
             VdpTick(rig.vdp);
-            ++steps;
+            ++ticks;
         }
-        EXPECT_EQ(steps, kLineSteps * (pal ? 313U : 262U));
+        EXPECT_EQ(ticks, kLineTicks * (pal ? 313U : 262U));
     }
 }
 
-TEST(VdpFrame, BordersShowTheBackdropAndNothingBehindThePictureIsDrawn) {
+TEST(VdpFrame, BordersShowTheBackdropAndNothingAfterThePictureIsDrawn) {
     VdpRig rig;
     rig.StartMode4();
     rig.Reg(7, 5);
@@ -669,7 +672,7 @@ TEST(VdpFrame, WithoutAPictureNothingIsDrawn) {
     VdpRig rig;
     rig.StartMode4();
     VdpBeginFrame(rig.vdp, nullptr, 0);
-    rig.Steps(kLineSteps * 262);
+    rig.Ticks(kLineTicks * 262);
     for (const uint32_t pixel : rig.pixels) {
         ASSERT_EQ(pixel, kUntouched);
     }

@@ -37,7 +37,7 @@ protected:
         return samples;
     }
 
-    // Lets the envelope counter reach a multiple, so that slow rates begin a whole round.
+    // Runs to a multiple of the envelope counter, where slow rates start a cycle.
     void Align(uint32_t multiple) {
         while (ym->egCounter % multiple != 0) {
             Skip(1);
@@ -45,9 +45,9 @@ protected:
     }
 };
 
-// The manual gives 20,926.60 ms for the 127 steps of a decay over 48 dB at rate 4 of 63 and a clock of
-// 3.579545 MHz. Every four rates halve it, and within four it goes as 4 : 5 : 6 : 7; the last four
-// rates are alike. From rate 52 on this system's steps are settled at twice the manual's speed.
+// By the manual the 127 steps of a decay over 48 dB take 20,926.60 ms at rate 4 of 63 and a clock
+// of 3.579545 MHz. Every four rates halve that; four speeds in turn are as 4 : 5 : 6 : 7; the last
+// four rates are equal. Settled: from rate 52 on the steps have twice the manual's speed.
 double SamplesPerStep(int rate63) {
     const int capped = std::min(rate63, 60);
     const double slowest = 20.92660 * (3'579'545.0 / 72.0) / 127.0;
@@ -65,7 +65,7 @@ TEST_F(Ym2413Envelope, DecayTimesAreTheManuals) {
             for (int dr = 1; dr < 16; ++dr) {
                 const int rate = std::min(63, dr * 4 + (keyScaleRate != 0 ? kcode : kcode >> 2));
                 if (rate < 16 && (kcode != 0 || keyScaleRate != 0)) {
-                    continue; // the slowest take long; once is enough
+                    continue; // once is enough for the slowest rates
                 }
                 Start();
                 PureVoice();
@@ -80,7 +80,7 @@ TEST_F(Ym2413Envelope, DecayTimesAreTheManuals) {
                 const int steps = std::clamp(static_cast<int>(200'000 / step), 16, 112);
                 const auto samples = static_cast<double>(SamplesFor(steps));
                 const double expected = step * steps;
-                // It may begin and end anywhere within a round of eight increments.
+                // It may start and end anywhere within the eight increments.
                 EXPECT_NEAR(samples, expected, step * 1.5 + 3.0) << "rate " << rate << " dr " << dr;
             }
         }
@@ -110,7 +110,7 @@ TEST_F(Ym2413Envelope, AttackRateZeroNeverSounds) {
     EXPECT_EQ(Carrier(0).volume, 255);
 }
 
-// Every step leaves three quarters of the 256 parts that an envelope begins with, in whole parts.
+// Every step leaves three quarters of the 256 parts that an envelope starts with, in whole parts.
 TEST_F(Ym2413Envelope, AttackTimesFollowTheRate) {
     for (int ar = 4; ar < 15; ++ar) {
         Start();
@@ -125,7 +125,7 @@ TEST_F(Ym2413Envelope, AttackTimesFollowTheRate) {
         if (ar < 14) {
             EXPECT_NEAR(samples / SamplesPerStep(ar * 4), 16.0, 1.0) << ar;
         } else {
-            // Steps of two leave a half, every sample.
+            // Steps of two halve it, every sample.
             EXPECT_NEAR(samples, 8.0, 1.0) << ar;
         }
     }
@@ -189,7 +189,7 @@ TEST_F(Ym2413Envelope, DecayEndsAtTheSustainLevel) {
         });
         KeyOn(0, 4, 300);
         SkipTo(YmEnvelope::kSustain);
-        // Three decibels a step of the register; a step of the envelope may go past it.
+        // Three decibels a step of the register; a step of the envelope may overshoot.
         EXPECT_GE(Carrier(0).volume, level * 8);
         EXPECT_LE(Carrier(0).volume, level * 8 + 3);
     }
@@ -223,8 +223,8 @@ TEST_F(Ym2413Envelope, SustainedTonesHoldAndPercussiveOnesDieAway) {
     EXPECT_EQ(Carrier(0).state, YmEnvelope::kSustain);
 }
 
-// Sustained tones go by their own release rate or, with the channel's sustain, by 5; percussive ones
-// by 7 or 5.
+// Sustained tones use their own release rate or, with the channel's sustain, rate 5; percussive
+// tones use rate 7 or 5.
 TEST_F(Ym2413Envelope, ReleaseRateDependsOnTypeAndSustain) {
     struct ROW {
         int flags;
@@ -337,7 +337,7 @@ TEST_F(Ym2413Envelope, PhaseRestartsOnlyWhenTheDumpEnds) {
         }
     }
     EXPECT_EQ(Carrier(0).state, YmEnvelope::kAttack);
-    EXPECT_EQ(Carrier(0).phase, Carrier(0).incr); // the sample that ended it has moved on once
+    EXPECT_EQ(Carrier(0).phase, Carrier(0).incr); // one increment in the sample that ended the dump
     EXPECT_NEAR(samples, 255.0 * SamplesPerStep(52 + 2), 10.0);
 }
 

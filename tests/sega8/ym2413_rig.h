@@ -1,4 +1,4 @@
-// A YM2413 whose samples are taken as they come, and the voices that its tests play.
+// A YM2413 whose samples are collected, and the voices that its tests play.
 #pragma once
 
 #include "base/audio_rate.h"
@@ -47,7 +47,7 @@ protected:
         return out;
     }
 
-    // The same without listening.
+    // The same without the samples.
     void Skip(size_t count) {
         for (size_t i = 0; i < count; ++i) {
             ym->pairs->sampleCount = 0;
@@ -62,7 +62,8 @@ protected:
         }
     }
 
-    // The user's voice as a bare sine that sounds at once and is held: the modulator never attacks.
+    // The user's voice as a plain sine with an instant attack and no decay; the modulator never
+    // attacks.
     void PureVoice() {
         Write({
             {0, 0x20},

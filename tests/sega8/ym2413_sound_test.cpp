@@ -1,4 +1,4 @@
-// What is heard: pitches, waves, feedback, oscillators, voices and the rhythm.
+// The sound: pitches, waves, feedback, oscillators, voices and the rhythm.
 #include "sega8/ym2413_rig.h"
 
 #include "support/spectrum.h"
@@ -28,8 +28,8 @@ protected:
         return cycles < 1 ? 0.0 : cycles * kRate / (last - first);
     }
 
-    // The spectrum by the root of its amplitudes, so that quiet parts count, and behind it the course
-    // of the loudness; each of unit length.
+    // The square roots of the spectrum's amplitudes, so that quiet parts count, then the loudness
+    // over time; each of unit length.
     std::vector<double> Fingerprint(const std::vector<double>& samples) {
         std::vector<double> bands;
         for (double frequency = 30.0; frequency < 24'000.0; frequency *= 1.04) {
@@ -53,7 +53,7 @@ protected:
         }
     }
 
-    // 1 for the same spectrum, 0 for nothing in common.
+    // 1 for equal spectra, 0 for spectra with nothing in common.
     static double Likeness(const std::vector<double>& a, const std::vector<double>& b) {
         return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
     }
@@ -152,9 +152,9 @@ TEST_F(Ym2413Sound, ModulatorOfTheSecondWaveIsAHalfSine) {
     }
 }
 
-// The first-order Bessel functions give what phase modulation puts where: an index of b radians leaves
-// J0(b) at the carrier and 2 J... at its sidebands. The modulator's 2042 / 1024 x 2 turns at full level
-// are 8 pi; 0.75 dB steps take it down from there.
+// Bessel functions of the first kind tell the spectrum of phase modulation: an index of b radians
+// leaves J0(b) at the carrier and 2 J... at its sidebands. The modulator's 2042 / 1024 x 2 turns at
+// full level are 8 pi; 0.75 dB steps take it down from there.
 TEST_F(Ym2413Sound, ModulationDepthIsEightPiAtFullLevel) {
     for (const int level : {24, 28, 32, 40}) {
         Start();
@@ -180,7 +180,7 @@ TEST_F(Ym2413Sound, ModulationDepthIsEightPiAtFullLevel) {
     }
 }
 
-// What of the modulator's own output isn't its fundamental.
+// The part of the modulator's output that is not its fundamental.
 TEST_F(Ym2413Sound, FeedbackAddsHarmonicsStepByStep) {
     double before = -1.0;
     for (int feedback = 0; feedback < 7; ++feedback) {
@@ -212,8 +212,8 @@ TEST_F(Ym2413Sound, FeedbackAddsHarmonicsStepByStep) {
     EXPECT_GT(before, 0.1);
 }
 
-// The carrier takes what the modulator put out in the sample before.
-TEST_F(Ym2413Sound, CarrierHearsTheModulatorOneSampleLate) {
+// The carrier is modulated by the modulator's output of the sample before.
+TEST_F(Ym2413Sound, CarrierIsModulatedOneSampleLater) {
     PureVoice();
     Write({
         {2, 0x00},
@@ -245,7 +245,7 @@ TEST_F(Ym2413Sound, TremoloDepthAndRate) {
     const double depth = *std::max_element(peaks.begin(), peaks.end()) /
                          *std::min_element(peaks.begin(), peaks.end());
     EXPECT_NEAR(ToDecibels(depth), 4.875, 0.1);
-    // It comes back to the same place after 140 peaks and not before, away from its turning points.
+    // It returns to the same level after 140 peaks and not before, except at its turning points.
     const double middle = std::sqrt(depth) * *std::min_element(peaks.begin(), peaks.end());
     std::vector<size_t> rises;
     for (size_t i = 1; i < peaks.size(); ++i) {
@@ -296,7 +296,7 @@ TEST_F(Ym2413Sound, VibratoDepthAndRate) {
     EXPECT_NEAR(kRate / (8 * 1024), 6.07, 0.01);
 }
 
-TEST_F(Ym2413Sound, VibratoThatLeavesTheBlockGoesOnInTheNext) {
+TEST_F(Ym2413Sound, VibratoThatLeavesTheBlockContinuesInTheNext) {
     PureVoice();
     Write({
         {1, 0x61}
@@ -335,7 +335,7 @@ TEST_F(Ym2413Sound, EveryRhythmSoundDiffersFromTheOthers) {
     std::vector<std::vector<double>> prints;
     for (int bit = 0; bit < 5; ++bit) {
         Start();
-        // The pitches that the manual gives for the rhythm.
+        // The pitches of the rhythm in the manual.
         Write({
             {0x0E, 0x20},
             {0x16, 0x20},
@@ -361,7 +361,7 @@ TEST_F(Ym2413Sound, EveryRhythmSoundDiffersFromTheOthers) {
     }
 }
 
-// Each of the five sounds alone, at phases set by hand, against the sine of the phase it is to have.
+// Each of the five sounds alone, at phases set by hand, against the sine of its expected phase.
 TEST_F(Ym2413Sound, MetalAndSnarePhasesAreMadeOfTwoOscillatorsAndNoise) {
     struct ROW {
         uint32_t a; // phase of channel 7's modulator
@@ -447,7 +447,7 @@ TEST_F(Ym2413Sound, Channels6To8AreSilentAsMelodyInRhythmMode) {
     }
 }
 
-// 23 bits with the mask 0x800302: the longest run there is.
+// 23 bits with the mask 0x800302: a sequence of the greatest length.
 TEST_F(Ym2413Sound, NoiseRunsThroughAllItsStates) {
     const uint32_t start = ym->noiseRng;
     uint32_t value = start;

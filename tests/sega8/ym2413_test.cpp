@@ -1,4 +1,4 @@
-// Registers, timing, states and the way to the resampler.
+// Registers, timing, states and the resampler.
 #include "machine/sound_settings.h"
 #include "sega8/ym2413_rig.h"
 #include "sega8/ym2413_tables.h"
@@ -30,10 +30,11 @@ bool AllZero(const std::vector<double>& samples) {
 
 } // namespace
 
-// --- tables ---------------------------------------------------------------------------------------
+// --- tables
+// ---------------------------------------------------------------------------------------
 
-// The family's masks hold a quarter wave of 256 entries, round(-log2(sin x) x 256), at the middle of
-// each 256th of a right angle; the first is 2137, the last 0.
+// The family's masks hold a quarter wave of 256 entries, round(-log2(sin x) x 256), at the middle
+// of each 256th of a right angle; the first is 2137, the last 0.
 TEST_F(Ym2413, SineIsTheFamilysLogarithmicSine) {
     for (size_t i = 0; i < 256; ++i) {
         const double x = (static_cast<double>(i) + 0.5) / 256.0 * std::numbers::pi / 2.0;
@@ -45,7 +46,7 @@ TEST_F(Ym2413, SineIsTheFamilysLogarithmicSine) {
     }
     EXPECT_EQ(kYmWaves.sine[0], 2u * 2137);
     EXPECT_EQ(kYmWaves.sine[255], 0u);
-    // The sine of 30 degrees, a half, lies between entries 84 and 85: 6 dB are 256 parts.
+    // The sine of 30 degrees, a half, is between entries 84 and 85; 6 dB are 256 parts.
     EXPECT_GT(kYmWaves.sine[84], 2u * 256);
     EXPECT_LT(kYmWaves.sine[85], 2u * 256);
 }
@@ -57,8 +58,8 @@ TEST_F(Ym2413, SecondWaveIsSilentInTheNegativeHalf) {
     }
 }
 
-// The family's other mask holds round((2^(x / 256) - 1) x 1024), from 0 to 1018. An attenuation of x
-// 256ths of 6 dB takes the entry 255 - x, with the leading 1 of 1024 in front.
+// The family's other mask holds round((2^(x / 256) - 1) x 1024), from 0 to 1018. An attenuation of
+// x 256ths of 6 dB selects entry 255 - x, to which 1024 is added.
 TEST_F(Ym2413, LevelsAreTheFamilysExponentialAndHalveWithEveryRow) {
     for (size_t x = 0; x < 256; ++x) {
         const double power = std::exp2(static_cast<double>(255 - x) / 256.0);
@@ -72,8 +73,8 @@ TEST_F(Ym2413, LevelsAreTheFamilysExponentialAndHalveWithEveryRow) {
     EXPECT_EQ(kYmWaves.tl[510], 1024);
 }
 
-// 1 to 25 take four steps each on the way up and on the way down; the ends take 3 and 7, which makes
-// 210 together.
+// 1 to 25 take four steps each on the way up and on the way down; the ends take 3 and 7, which
+// makes 210 together.
 TEST_F(Ym2413, TremoloIsATriangleOf210Steps) {
     ASSERT_EQ(kYmTremolo.size(), 2 * 25 * 4 + 3 + 7u);
     for (int level = 0; level <= 26; ++level) {
@@ -87,10 +88,10 @@ TEST_F(Ym2413, TremoloIsATriangleOf210Steps) {
     EXPECT_EQ(std::count(kYmTremolo.begin(), top, 13), 4);
 }
 
-// Published: a rate of 4n + q is (4 + q) / 4 times as fast as the rate 4n, and four rates double the
-// speed. The slowest that moves makes one increment in two rounds of 8192 samples. Settled: from rate
-// 68 on (52 of the manual's 63, the table begins with 16 that stand still) it is twice as fast, and
-// from 76 on it is 4 a sample.
+// Published: a rate of 4n + q is (4 + q) / 4 times as fast as the rate 4n, and four rates double
+// the speed. The slowest that moves makes one increment in 2 x 8192 samples. Settled: from rate 68
+// on (52 of the manual's 63; the first 16 of the table never step) it is twice as fast, and from 76
+// on it is 4 a sample.
 TEST_F(Ym2413, RateTablesDoubleTheSpeedEveryFourRates) {
     for (size_t rate = 0; rate < kYmRates; ++rate) {
         double perSample = 0.0;
@@ -111,9 +112,9 @@ TEST_F(Ym2413, RateTablesDoubleTheSpeedEveryFourRates) {
     }
 }
 
-// The increments of a round are spread as evenly as they go: none is more than one size above the
-// smallest, and each half of the round gets as many, or one more.
-TEST_F(Ym2413, IncrementsOfARoundAreSpreadEvenly) {
+// The eight increments are spread evenly: none is more than one size above the smallest, and the
+// sums of both halves differ by no more than that.
+TEST_F(Ym2413, EnvelopeIncrementsAreSpreadEvenly) {
     for (size_t row = 0; row < 15; ++row) {
         const uint8_t* const steps = &kYmSteps[row * 8];
         const auto [least, most] = std::minmax_element(steps, steps + 8);
@@ -126,8 +127,8 @@ TEST_F(Ym2413, IncrementsOfARoundAreSpreadEvenly) {
     EXPECT_EQ(kYmSteps[kYmStepLast], 0);
 }
 
-// Six decibels an octave, an octave being 16 parts: 16 x log2 of the F-number's top bits, rounded up
-// to an even number, and 16 less for each block below the last; never under 0.
+// Six decibels an octave, an octave being 16 parts: 16 x log2 of the F-number's top bits, rounded
+// up to an even number, and 16 less for each block below the last; at least 0.
 TEST_F(Ym2413, KeyScaleRisesSixDecibelsAnOctave) {
     for (int block = 0; block < 8; ++block) {
         for (int top = 0; top < 16; ++top) {
@@ -156,7 +157,8 @@ TEST_F(Ym2413, VibratoIsATriangleAsDeepAsTheNumberIsHigh) {
     }
 }
 
-// --- timing and reset -------------------------------------------------------------------------------
+// --- timing and reset
+// -------------------------------------------------------------------------------
 
 TEST_F(Ym2413, OneSampleComesEvery72Clocks) {
     for (uint32_t clock = 1; clock <= 720; ++clock) {
@@ -223,7 +225,8 @@ TEST_F(Ym2413, SumIsClippedToSixteenBits) {
     EXPECT_EQ(*std::min_element(samples.begin(), samples.end()), -32768.0);
 }
 
-// --- registers ----------------------------------------------------------------------------------------
+// --- registers
+// ----------------------------------------------------------------------------------------
 
 TEST_F(Ym2413, UserVoiceIsFollowedByItsChannelsAlone) {
     Write({
@@ -335,7 +338,7 @@ TEST_F(Ym2413, EveryFixedVoiceIsLoadedWhole) {
 }
 
 // Numbers 9 to 15 of each group are those of channels 0 to 6 again.
-TEST_F(Ym2413, RegistersBehindTheNinthChannelRepeat) {
+TEST_F(Ym2413, RegistersAfterTheNinthChannelRepeat) {
     Write({
         {0x19, 0x55},
         {0x2F, 0x0B},
@@ -425,7 +428,7 @@ TEST_F(Ym2413, RhythmBitsKeyTheirSlots) {
     }
 }
 
-TEST_F(Ym2413, RhythmModeLoadsItsVoicesAndGivesTheOldOnesBack) {
+TEST_F(Ym2413, RhythmModeLoadsItsVoicesAndRestoresTheOldOnes) {
     Write({
         {0x36, 0x12},
         {0x37, 0x34},
@@ -476,14 +479,15 @@ TEST_F(Ym2413, SustainBitCountsWhenTheRatesAreReadAgain) {
     EXPECT_EQ(Carrier(0).sustainRelease.shift, before.shift + 2); // eight rates slower
 }
 
-// --- on the way to the machine ------------------------------------------------------------------------
+// --- output
+// -------------------------------------------------------------------------------------------
 
 TEST_F(Ym2413, OwnerThatNeverFlushesIsSafe) {
     YmRun(*ym, 800'000);
     EXPECT_EQ(ym->pairs->sampleCount, ym->pairs->samples.size()) << "what comes then is lost";
 }
 
-// Frames of 313 lines of 228 clocks are the longest there are; none of their sound may be dropped.
+// 313 lines of 228 clocks are the longest frame; no pair of it may be lost.
 TEST_F(Ym2413, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
     constexpr uint32_t kClockPal = 3'546'895;
     constexpr int kFrames = 20;
@@ -533,9 +537,10 @@ TEST_F(Ym2413, CatchUpToMoreThanTheResamplerHoldsEnds) {
     EXPECT_EQ(ym->sound.Output().size(), 44100u / 40 * 2);
 }
 
-// --- states -------------------------------------------------------------------------------------------
+// --- states
+// -------------------------------------------------------------------------------------------
 
-TEST_F(Ym2413, StateSavedAtAnyClockGivesTheSameSound) {
+TEST_F(Ym2413, StateSavedAtAnyClockContinuesWithTheSameSound) {
     Write({
         {0x30, 0x10},
         {0x31, 0x22},
@@ -569,7 +574,7 @@ TEST_F(Ym2413, StateSavedAtAnyClockGivesTheSameSound) {
         YmReset(*other);
         ASSERT_EQ(YmLoadState(*other, state.data(), YmStateSize()), YmStateSize());
         EXPECT_EQ(StateOf(*other), state);
-        // Writes that go by what the chip remembers of earlier ones must come out alike too.
+        // Writes whose effect depends on earlier writes must match too.
         const auto listen = [&] {
             std::vector<double> samples = Run(500);
             Write({
@@ -606,7 +611,7 @@ TEST_F(Ym2413, StateOfAnotherSizeOrVersionIsRefused) {
 
 namespace {
 
-// What indexes or shifts; the memory behind an array in the record is the record's own.
+// Fields that index or shift. Sanitizers do not see an index past an array within the record.
 void ExpectIndexesInRange(const YM2413& ym) {
     ASSERT_LT(ym.tick, 72u);
     ASSERT_LT(ym.lfoAmCnt, 210u << 24);

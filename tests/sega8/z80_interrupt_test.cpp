@@ -5,7 +5,7 @@
 
 namespace {
 
-// Runs one NOP, at whose end the interrupt is seen.
+// Runs one NOP, at whose end interrupts are sampled.
 void NopThenInterrupt(TEST_Z80& test) {
     test.Instruction();
     test.bus.clock = 0;
@@ -126,8 +126,8 @@ TEST(Z80Interrupt, RunOfEiHoldsTheInterruptOff) {
     EXPECT_EQ(test.Word(kZ80Pc), 0x0038U);
 }
 
-// The instruction that EI still lets through is a whole one: the prefixes count with their opcode.
-TEST(Z80Interrupt, InterruptWaitsForThePrefixedInstructionBehindEi) {
+// EI delays interrupts by a whole instruction, prefixes included.
+TEST(Z80Interrupt, InterruptWaitsForThePrefixedInstructionAfterEi) {
     struct PREFIX_ROW {
         std::vector<uint8_t> program;
         uint8_t back; // low byte of the return address
@@ -138,10 +138,10 @@ TEST(Z80Interrupt, InterruptWaitsForThePrefixedInstructionBehindEi) {
         {{0xFB, 0xFD, 0x23},             0x03},
         {{0xFB, 0xED, 0x44},             0x03},
         {{0xFB, 0xDD, 0xDD, 0xFD, 0x23}, 0x05},
-        {{0xFB, 0xDD, 0x00},             0x03}, // an opcode that the prefix means nothing to
+        {{0xFB, 0xDD, 0x00},             0x03}, // an opcode that ignores the prefix
         {{0xFB, 0xDD, 0xCB, 0x00, 0xC6}, 0x05},
         {{0xFB, 0xFD, 0xCB, 0x00, 0x46}, 0x05},
-        {{0xFB, 0xED, 0xB0},             0x01}, // LDIR after its first round
+        {{0xFB, 0xED, 0xB0},             0x01}, // LDIR after its first repetition
     };
     for (const PREFIX_ROW& row : rows) {
         TEST_Z80 test;
@@ -163,9 +163,9 @@ TEST(Z80Interrupt, InterruptWaitsForThePrefixedInstructionBehindEi) {
     }
 }
 
-// EI holds back the line alone. The NMI keeps what EI has set in the second flip-flop, and as RETN
-// brings it back, the line comes before the program goes on.
-TEST(Z80Interrupt, NmiComesRightBehindEi) {
+// EI delays only irqLine. The NMI leaves the second flip-flop as EI has set it; RETN copies it
+// back, so the interrupt is taken before the next instruction of the program.
+TEST(Z80Interrupt, NmiComesRightAfterEi) {
     TEST_Z80 test{0xFB, 0x00};
     test.z80.im = 1;
     test.z80.irqLine = 1;
@@ -189,7 +189,7 @@ TEST(Z80Interrupt, NmiComesRightBehindEi) {
 }
 
 TEST(Z80Interrupt, PrefixLetsNoInterruptIn) {
-    // Every prefix followed by an opcode; the interrupt comes behind the whole instruction.
+    // Every prefix with an opcode: the interrupt is taken after the whole instruction.
     struct PREFIX_ROW {
         std::array<uint8_t, 4> program;
         uint32_t length;
@@ -232,7 +232,7 @@ TEST(Z80Interrupt, HaltStaysOnItsOpcodeUntilAnInterrupt) {
     test.Instruction();
     EXPECT_EQ(test.Word(kZ80Pc), 0x0038U);
     EXPECT_EQ(test.z80.halted, 0U);
-    EXPECT_EQ(test.bus.memory[0x5FFE], 0x01); // the instruction behind HALT
+    EXPECT_EQ(test.bus.memory[0x5FFE], 0x01); // the instruction after HALT
     EXPECT_EQ(test.bus.memory[0x5FFF], 0x40);
 }
 
@@ -245,7 +245,7 @@ TEST(Z80Interrupt, NmiWakesHaltToo) {
     EXPECT_EQ(test.bus.memory[0x5FFE], 0x01);
 }
 
-TEST(Z80Interrupt, BlockMoveIsInterruptedBetweenRoundsAndGoesOn) {
+TEST(Z80Interrupt, BlockMoveIsInterruptedBetweenRepetitionsAndContinues) {
     TEST_Z80 test{0xED, 0xB0, 0x00};
     test.z80.regs[kZ80Bc] = 3;
     test.bus.memory[0x5000] = 0x11;
@@ -303,7 +303,7 @@ TEST(Z80Interrupt, RefreshCountsFetchesAndRestartsOnly) {
 TEST(Z80Interrupt, RefreshKeepsItsTopBit) {
     TEST_Z80 test{0x3E, 0xFF, 0xED, 0x4F, 0x00, 0xED, 0x5F}; // LD A,FF; LD R,A; NOP; LD A,R
     test.Instructions(4);
-    EXPECT_EQ(test.A(), 0x82U); // FF, and three fetches on within seven bits
+    EXPECT_EQ(test.A(), 0x82U); // FF plus three fetches, in seven bits
 }
 
 TEST(Z80Bus, HoldStopsAtTheNextSamplingPoint) {
@@ -327,14 +327,14 @@ TEST(Z80Bus, HoldStopsAtTheNextSamplingPoint) {
 }
 
 TEST(Z80Bus, HoldStopsAtAnInstructionsEndWithEverySamplingStep) {
-    // How far the processor gets with the request there from the start, in clocks.
+    // Clocks until the processor stops, with the request present from the start.
     struct HOLD_ROW {
         std::vector<uint8_t> program;
         uint32_t stop;
     };
     const std::vector<HOLD_ROW> rows{
         {{0x00},       4}, // the end of a short instruction
-        {{0x03},       6}, // the end behind idle clocks
+        {{0x03},       6}, // the end after idle clocks
         {{0x7E},       4}, // the point before the first access
         {{0xC5},       5}, // as before, after one more clock
         {{0xDD, 0x00}, 4}, // a prefix
@@ -367,13 +367,13 @@ TEST(Z80Bus, HoldStopsBetweenTheAccessesOfAnInstruction) {
     EXPECT_EQ(test.bus.memory[0x7001], 0x50);
 }
 
-TEST(Z80Bus, HoldStopsInTheMiddleOfABlockRound) {
+TEST(Z80Bus, HoldStopsInTheMiddleOfABlockRepetition) {
     struct BLOCK_ROW {
         uint8_t opcode;
         uint32_t from; // clocks that pass before the request
         uint32_t stop; // clock that it stops on
     };
-    // LDIR samples at its step on clock 11, on 14, and on 16 when it goes round.
+    // LDIR samples on clocks 11 and 14, and on 16 if it repeats.
     for (const BLOCK_ROW& row : {
              BLOCK_ROW{0xB0, 10, 11},
              BLOCK_ROW{0xB0, 11, 14},
@@ -391,15 +391,15 @@ TEST(Z80Bus, HoldStopsInTheMiddleOfABlockRound) {
     }
 }
 
-// The start of an interrupt gives the bus away around its accesses as an instruction does: before each
-// and at the end. What was begun goes on one clock after the bus came back.
+// The start of an interrupt releases the bus where an instruction does: before each access and at
+// the end. It continues one clock after the bus is returned.
 TEST(Z80Bus, HoldStopsWhileAnInterruptStarts) {
     struct START_ROW {
         const char* what;
         bool nmi;
         uint32_t im;
         uint32_t vector;
-        std::vector<uint32_t> stops; // clocks that sample, the last one of the start behind them
+        std::vector<uint32_t> stops; // sampling clocks, then the last clock of the start
         std::vector<uint32_t> accesses;
     };
     const std::vector<START_ROW> rows = {
@@ -446,7 +446,7 @@ TEST(Z80Bus, InterruptThatWasSeenOutlivesAHold) {
     TEST_Z80 test;
     test.z80.nmiEdge = 1;
     test.z80.busHold = 1;
-    test.Clocks(4); // the NOP's end gives the bus away and sees the edge
+    test.Clocks(4); // the NOP's end releases the bus and samples the edge
     EXPECT_EQ(test.z80.running, 0U);
     EXPECT_EQ(test.z80.pendingInterrupt, kZ80Nmi + 0U);
     test.Clocks(50);
@@ -459,14 +459,14 @@ TEST(Z80Bus, InterruptThatWasSeenOutlivesAHold) {
 
 TEST(Z80Bus, IndexedBitOpcodeSamplesAtItsSecondDecode) {
     TEST_Z80 test{0xDD, 0xCB, 0x00, 0xC6};
-    test.Clocks(13); // behind the sampling point on clock 13
+    test.Clocks(13); // after the sampling point on clock 13
     test.z80.busHold = 1;
     test.Clocks(3);
     EXPECT_EQ(test.z80.running, 0U);
     EXPECT_EQ(test.z80.opcode, 0xC6U);
 }
 
-TEST(Z80Bus, DisabledProcessorStandsStillAtAnyClock) {
+TEST(Z80Bus, DisabledProcessorFreezesAtAnyClock) {
     for (uint32_t at = 0; at < 16; ++at) {
         TEST_Z80 test{0x22, 0x00, 0x70};
         test.Clocks(at);

@@ -1,4 +1,4 @@
-// Many clocks at once against single ones: random programs, registers, interrupts and lengths.
+// Z80RunOn against Z80TickOn: random programs, registers, interrupts and lengths.
 
 #include "sega8/z80.h"
 
@@ -13,8 +13,8 @@
 
 namespace {
 
-// 64 KB of RAM and ports that give noise. Writes down every access; those of ports with their clock,
-// as only they are seen by chips that run late. A port may pull the interrupt line.
+// 64 KB of RAM, and ports that read as noise. Logs every access; ports with their clock, as chips
+// that catch up see only those. A port may pull the interrupt line.
 struct NOISE_BUS {
     Z80& z80;
     std::vector<uint8_t> memory;
@@ -116,7 +116,7 @@ void CompareRuns(uint32_t seed) {
     EXPECT_EQ(plain.bus.memory, fast.bus.memory) << "seed " << seed;
 }
 
-// The same, and ends the run after so many accesses.
+// The same, and stops the run after a number of accesses.
 struct STOPPING_BUS : NOISE_BUS {
     uint32_t accessesLeft = 0;
 
@@ -195,7 +195,8 @@ TEST(Z80Run, EndsWithTheAccessThatMakesTheBusStopIt) {
 
 TEST(Z80Run, TellsTheBusTheClockOfAPortAccess) {
     MACHINE machine;
-    // NOP; OUT (1),A; IN A,(2). The write is the tenth clock of the OUT, the read the tenth of the IN.
+    // NOP; OUT (1),A; IN A,(2). The write is the tenth clock of the OUT, the read the tenth of the
+    // IN.
     const std::array<uint8_t, 5> program{0x00, 0xD3, 0x01, 0xDB, 0x02};
     std::copy(program.begin(), program.end(), machine.bus.memory.begin());
     machine.z80.regs[kZ80Af] = 0;
@@ -205,7 +206,7 @@ TEST(Z80Run, TellsTheBusTheClockOfAPortAccess) {
     EXPECT_NE(machine.bus.trace.find("@1024 "), std::string::npos) << machine.bus.trace;
 }
 
-TEST(Z80Run, StandsStillWhileItIsNotEnabled) {
+TEST(Z80Run, DoesNothingWhileNotEnabled) {
     MACHINE machine;
     machine.z80.enabled = 0;
     const std::vector<uint8_t> before = machine.State();

@@ -16,7 +16,7 @@ STATE Save(const Z80& z80) {
     return state;
 }
 
-// Any bytes behind a header that fits.
+// Any bytes after a valid header.
 STATE RandomState(std::mt19937& random) {
     STATE state{};
     for (uint8_t& byte : state) {
@@ -194,7 +194,7 @@ TEST(Z80Reset, ClearsTheProcessorAndKeepsItsOwnersInputs) {
     STATE expected{};
     expected[0] = 1;
     expected[1] = 87;
-    expected[5] = 2;     // the queue begins an instruction
+    expected[5] = 2;     // the queue starts an instruction
     expected[46] = 1;    // irqLine
     expected[47] = 1;    // nmiEdge
     expected[49] = 1;    // busHold

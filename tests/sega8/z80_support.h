@@ -1,7 +1,7 @@
-// A Z80 on a plain bus that writes down every access, for the processor's tests.
+// A Z80 on a plain bus that logs every access, for the processor's tests.
 //
-// An access is written as clock, kind and address, and the value where one is put out: "2f4000" is an
-// opcode fetch on the second clock, r and w are memory, i and o are ports.
+// An access is logged as clock, kind and address, and the value of a write: "2f4000" is an opcode
+// fetch on the second clock; r and w are memory, i and o are ports.
 #pragma once
 
 #include "sega8/z80.h"
@@ -90,7 +90,8 @@ struct TEST_Z80 {
         }
     }
 
-    // Runs to the end of an instruction, its prefixes included, and gives its clocks; 0 if it has none.
+    // Runs to the end of an instruction, prefixes included; returns its clocks, or 0 if it does not
+    // end.
     uint32_t Instruction() {
         constexpr uint32_t kLimit = 64;
         for (uint32_t clocks = 1; clocks <= kLimit; ++clocks) {

@@ -5,7 +5,7 @@
 
 namespace {
 
-// A bus behind the four callbacks.
+// A bus for the four callbacks.
 struct CALLBACK_OWNER {
     RECORDING_BUS bus;
 
@@ -124,7 +124,7 @@ TEST(Z80, MemoryFormsBesideAnIndexUseTheRealHAndL) {
 }
 
 TEST(Z80, PrefixBeforeAnotherOpcodeIsFourClocksMore) {
-    TEST_Z80 test{0xDD, 0xEB}; // EX DE,HL takes no index
+    TEST_Z80 test{0xDD, 0xEB}; // EX DE,HL ignores the prefix
     EXPECT_EQ(test.Instruction(), 8U);
     EXPECT_EQ(test.Word(kZ80De), 0x5000U);
     EXPECT_EQ(test.Word(kZ80Hl), 0x5100U);
@@ -159,11 +159,11 @@ TEST(Z80, LoadFromRShowsIff2) {
     test.z80.r7 = 0x10;
     test.z80.r8 = 0x80;
     test.Instruction();
-    EXPECT_EQ(test.A(), 0x92U); // two fetches on
+    EXPECT_EQ(test.A(), 0x92U); // plus two fetches
     EXPECT_EQ(test.F(), 0x84U);
 }
 
-TEST(Z80, AddressesGoRoundAtTheEndOfMemory) {
+TEST(Z80, AddressesWrapAtTheEndOfMemory) {
     TEST_Z80 test;
     test.z80.regs[kZ80Pc] = 0xFFFF;
     test.z80.regs[kZ80Sp] = 0;

@@ -1,5 +1,5 @@
-// Every template's accesses by the clock they fall on, written out by hand. An access of three clocks
-// shows on its last one; the number behind the colon is the clock that the instruction ends on.
+// The accesses of every template by their clocks, written by hand. An access of three clocks is
+// logged on its last; the number after the colon is the last clock of the instruction.
 #include "z80_support.h"
 #include <gtest/gtest.h>
 
@@ -134,19 +134,19 @@ TEST(Z80Timing, BitTableFetchesItsSecondByteAsAnOpcode) {
 
 TEST(Z80Timing, IndexedFormsTakeTheirDisplacementFirst) {
     Check({
-        {"LD B,(IX+5)",      {0xDD, 0x46, 0x05},       "2f4000 6f4001 10r4002 18r5205 : 19"                      },
-        {"LD (IX-2),B",      {0xDD, 0x70, 0xFE},       "2f4000 6f4001 10r4002 18w51FE=02 : 19"                   },
-        {"LD (IY+5),n",      {0xFD, 0x36, 0x05, 0x5A}, "2f4000 6f4001 10r4002 13r4003 18w5305=5A : 19"           },
-        {"ADD A,(IX+5)",     {0xDD, 0x86, 0x05},       "2f4000 6f4001 10r4002 18r5205 : 19"                      },
-        {"INC (IY+5)",       {0xFD, 0x34, 0x05},       "2f4000 6f4001 10r4002 18r5305 22w5305=01 : 23"           },
-        {"LD IX,nn",         {0xDD, 0x21, 0x34, 0x12}, "2f4000 6f4001 10r4002 13r4003 : 14"                      },
-        {"LD IXH,n",         {0xDD, 0x26, 0x12},       "2f4000 6f4001 10r4002 : 11"                              },
-        {"ADD IX,BC",        {0xDD, 0x09},             "2f4000 6f4001 : 15"                                      },
-        {"EX (SP),IX",       {0xDD, 0xE3},             "2f4000 6f4001 10r6000 14w6000=00 17r6001 22w6001=52 : 23"},
-        {"LD B,C behind DD", {0xDD, 0x41},             "2f4000 6f4001 : 8"                                       },
+        {"LD B,(IX+5)",     {0xDD, 0x46, 0x05},       "2f4000 6f4001 10r4002 18r5205 : 19"                      },
+        {"LD (IX-2),B",     {0xDD, 0x70, 0xFE},       "2f4000 6f4001 10r4002 18w51FE=02 : 19"                   },
+        {"LD (IY+5),n",     {0xFD, 0x36, 0x05, 0x5A}, "2f4000 6f4001 10r4002 13r4003 18w5305=5A : 19"           },
+        {"ADD A,(IX+5)",    {0xDD, 0x86, 0x05},       "2f4000 6f4001 10r4002 18r5205 : 19"                      },
+        {"INC (IY+5)",      {0xFD, 0x34, 0x05},       "2f4000 6f4001 10r4002 18r5305 22w5305=01 : 23"           },
+        {"LD IX,nn",        {0xDD, 0x21, 0x34, 0x12}, "2f4000 6f4001 10r4002 13r4003 : 14"                      },
+        {"LD IXH,n",        {0xDD, 0x26, 0x12},       "2f4000 6f4001 10r4002 : 11"                              },
+        {"ADD IX,BC",       {0xDD, 0x09},             "2f4000 6f4001 : 15"                                      },
+        {"EX (SP),IX",      {0xDD, 0xE3},             "2f4000 6f4001 10r6000 14w6000=00 17r6001 22w6001=52 : 23"},
+        {"LD B,C after DD", {0xDD, 0x41},             "2f4000 6f4001 : 8"                                       },
         {"three prefixes",
          {0xDD, 0xDD, 0xFD, 0x46, 0x05},
-         "2f4000 6f4001 10f4002 14f4003 18r4004 26r5305 : 27"                                                    },
+         "2f4000 6f4001 10f4002 14f4003 18r4004 26r5305 : 27"                                                   },
     });
 }
 

@@ -1,4 +1,5 @@
-// Published single-instruction cases: registers, memory, ports and the clock count, before and after.
+// Published single-instruction cases: registers, memory, ports and the clock count, before and
+// after.
 #include "sega8/z80.h"
 
 #include "support/processor_cases.h"
@@ -41,7 +42,7 @@ constexpr std::array<const char*, kCaseRegisterCount> kNames{
     "PC",  "SP",  "AF",  "BC", "DE", "HL", "IX",   "IY",  "AF'",
     "BC'", "DE'", "HL'", "I",  "R",  "IM", "IFF1", "IFF2"};
 
-// Answers port reads from the case and keeps what was accessed.
+// Answers port reads from the case and logs accesses.
 struct CASE_BUS {
     const PROCESSOR_CASE& expected;
     std::vector<uint8_t>& memory;
@@ -97,7 +98,7 @@ bool IsIndexedBits(const std::string& opcode) {
     return opcode.size() == 8;
 }
 
-// The opcode without a DD or FD that stands before a whole table.
+// A two-byte opcode without its DD or FD.
 std::string Plain(const std::string& opcode) {
     const bool hasIndex = opcode.starts_with("dd") || opcode.starts_with("fd");
     return hasIndex && opcode.size() == 4 ? opcode.substr(2) : opcode;
@@ -150,7 +151,7 @@ CASE_REGISTERS Expected(const PROCESSOR_CASE& test) {
     return expected;
 }
 
-// What is wrong with the registers; empty if nothing is.
+// The registers that differ; empty if none does.
 std::string CompareRegisters(const PROCESSOR_CASE& test, const Z80& z80) {
     auto actual = Registers(z80);
     auto expected = Expected(test);
@@ -191,7 +192,7 @@ std::string ComparePorts(const PROCESSOR_CASE& test, const CASE_BUS& bus) {
     return bus.ports == test.accesses ? "" : " ports differ";
 }
 
-// Runs one case and says what is wrong with it.
+// Runs one case; returns what differs.
 std::string Run(const PROCESSOR_CASE& test, std::vector<uint8_t>& memory) {
     constexpr uint32_t kLimit = 64;
     for (const CASE_CELL& cell : test.before.memory) {

@@ -13,7 +13,7 @@ thread_local size_t gAllocations = 0;
 
 } // namespace
 
-// Out of line, or the compiler sees the two halves apart and takes them for a mismatch.
+// Not inlined, or the compiler reports a mismatch of new and delete.
 [[gnu::noinline]] void* operator new(size_t size) {
     ++gAllocations;
     if (void* block = std::malloc(size == 0 ? 1 : size)) {

@@ -173,7 +173,7 @@ TEST_F(Bindings, AnyModifierKeyMayBeBoundToAMachine) {
     EXPECT_FALSE(InputIsDown(7, L"GG P1 UP")) << "a modifier again, once nothing is bound to it";
 }
 
-// So does a screen write it that records a press with the modifiers held.
+// A screen that records a press with the modifiers held writes it this way.
 TEST_F(Bindings, SelectBoundToShiftWithItselfWorksToo) {
     const uint32_t binding = KeyboardBinding(kRightShift, kModifierShift);
     Settings().SetInt2(L"INPUT NES P1 SELECT", static_cast<int32_t>(binding), 0);

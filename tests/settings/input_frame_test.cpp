@@ -1,4 +1,4 @@
-// Taps: presses that come and go between two looks.
+// Taps: presses and releases between two looks.
 #include "settings/bindings.h"
 #include "settings/input_frame.h"
 #include "settings/pad_defaults.h"
@@ -112,7 +112,7 @@ TEST_F(InputFrames, WhatIsDownStaysSoForTheWholeFrame) {
     EXPECT_FALSE(BindingIsDown(kKeyA, false));
     InputKeyChanged(kKeyA, false);
     {
-        InputLooker other; // one that begins to look only now
+        InputLooker other; // a looker that starts only now
         const InputFrame inner(other, kSession);
         EXPECT_FALSE(InputIsDown(kSession, L"NES P1 BUTTONB"));
     }
@@ -208,11 +208,12 @@ TEST_F(InputFrames, ClearingEverythingForgetsTaps) {
     EXPECT_FALSE(Next(L"SMS P1 BUTTON1"));
 }
 
-// Taps while another thread looks as fast as it can: an edge for each tap, none lost and none twice. The
-// tapping thread waits for each to be seen.
+// Taps while another thread looks as fast as it can: one edge for each tap, none lost and none twice.
+// The tapping thread waits until each is seen.
 TEST_F(InputFrames, EveryTapIsOneEdgeToAThreadThatLooks) {
     constexpr int kTaps = 2000;
     std::atomic<int> edges{0};
+    std::atomic<int> ends{0};
     std::atomic<bool> looking{false};
     std::atomic<bool> stop{false};
     std::thread session([&] {
@@ -223,6 +224,7 @@ TEST_F(InputFrames, EveryTapIsOneEdgeToAThreadThatLooks) {
             const InputFrame frame(own, kSession);
             const bool down = InputIsDown(kSession, L"Save State");
             edges += down && !wasDown ? 1 : 0;
+            ends += !down && wasDown ? 1 : 0;
             wasDown = down;
         }
     });
@@ -232,7 +234,8 @@ TEST_F(InputFrames, EveryTapIsOneEdgeToAThreadThatLooks) {
     int lost = 0;
     for (int tap = 1; tap <= kTaps && lost == 0; ++tap) {
         Tap(kKeyF7);
-        for (int wait = 0; edges < tap; ++wait) {
+        // Taps of two frames in a row would be one long press.
+        for (int wait = 0; ends < tap; ++wait) {
             std::this_thread::yield();
             lost += wait > 10'000'000 ? 1 : 0;
             if (lost != 0) {

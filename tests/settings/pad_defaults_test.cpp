@@ -1,4 +1,4 @@
-// Game controllers without set-up, and the user's bindings winning over them.
+// Game controllers without set-up, and the user's bindings, which override them.
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"

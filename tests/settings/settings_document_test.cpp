@@ -312,8 +312,8 @@ TEST(SettingsDocument, CharactersThatXmlCannotHoldBecomeReplacements) {
     }
 }
 
-// What a hand or another program may have put into the file. All of it loads, with the value that the
-// odd place has and the setting after it.
+// What a user or another program may write into the file. All of it loads: the odd entry and the
+// setting after it.
 void ExpectWhole(const char* what, const std::string& document, const wchar_t* expected) {
     SettingsStore store;
     RegisterSome(store);
@@ -340,6 +340,7 @@ TEST(SettingsDocument, ADocumentWithSomethingOddInItLoadsWhole) {
                 "<!DOCTYPE Settings [<!ENTITY b \"c\">]>" + Wrapped(text + number), L"new");
     ExpectWhole("another root", "<Other>" + text + number + "</Other>", L"new");
     ExpectWhole("a second root", Wrapped(text + number) + "<Settings/>", L"new");
+    ExpectWhole("the settings in the second root", "<Other/>" + Wrapped(text + number), L"new");
     ExpectWhole("words around the root", "one" + Wrapped(text + number) + "two", L"new");
     ExpectWhole("a byte order mark", "\xEF\xBB\xBF" + Wrapped(text + number), L"new");
     ExpectWhole("an instruction", "<?xml-style x?>" + Wrapped("<?x > <b> ?>" + text + number),
@@ -350,6 +351,16 @@ TEST(SettingsDocument, ADocumentWithSomethingOddInItLoadsWhole) {
                 L"Zo\xFFFD");
     ExpectWhole("a control character", Wrapped(Element("string", "text", "a\x01") + number),
                 L"a\x01");
+}
+
+TEST(SettingsDocument, WhatFollowsAZeroByteIsSaidToBeUnread) {
+    const std::string text =
+        Wrapped(Element("int", "number", "5")) + std::string("\n\0<Settings/>", 13);
+    std::vector<SETTING_ENTRY> entries;
+    std::string reason;
+    EXPECT_TRUE(ReadSettingsDocument(text, entries, reason));
+    EXPECT_EQ(entries.size(), 1u);
+    EXPECT_NE(reason, "");
 }
 
 TEST(SettingsDocument, AFaultEndsTheReadingThere) {
@@ -380,7 +391,7 @@ TEST(SettingsDocument, AFaultEndsTheReadingThere) {
     }
 }
 
-// A value that is cut must not be taken for a shorter one.
+// A truncated value must not be read as a shorter one.
 TEST(SettingsDocument, OfACutDocumentTheWholeElementsCount) {
     const std::string one = Element("int", "app_window_width", "1111");
     const std::string two = Element("int", "app_window_height", "2222");
@@ -460,7 +471,7 @@ TEST(SettingsDocument, ADocumentFullOfUnknownNamesLoads) {
     EXPECT_EQ(store.GetInt(L"number"), 5);
 }
 
-// A locale whose decimal sign is a comma, where the machine has one.
+// A locale whose decimal sign is a comma, if one is installed.
 TEST(SettingsDocument, TheLocaleChangesNothing) {
     const std::string before =
         std::setlocale(LC_ALL, nullptr); // NOLINT(concurrency-mt-unsafe): one thread

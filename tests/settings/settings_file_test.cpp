@@ -1,4 +1,4 @@
-// `config.xml` on the disk: what a start makes of it and what a save leaves behind.
+// `config.xml` on the disk: what a start reads from it and what a save writes.
 #include "settings/settings.h"
 #include "settings/store/settings_private.h"
 
@@ -149,7 +149,7 @@ TEST(SettingsFile, ASecondDamagedFileDoesNotReplaceTheFirst) {
     EXPECT_EQ(home.Read("config.xml"), Defaults());
 }
 
-// A child that hangs is ended by its own alarm, so that no wait for it is without end.
+// A child that hangs is killed by its own alarm, so that no wait is endless.
 constexpr unsigned kLongestChild = 120; // seconds
 
 // Saves in a child that may write no file of more than 500 bytes, as on a disk that fills up in the
@@ -190,7 +190,7 @@ TEST(SettingsFile, AFailedSaveLeavesTheOldFile) {
     EXPECT_EQ(home.Read("config.xml"), Defaults());
 }
 
-// Saves two contents in turn until it is killed; says so after the first.
+// Saves two contents in turn until it is killed; reports the first save.
 [[noreturn]] void SaveForEver(const SettingsStore& one, const SettingsStore& other, int pipe) {
     std::string error;
     for (bool first = true;; first = false) {

@@ -1,5 +1,4 @@
-// The settings and actions of a first run, written down a second time: a row that changes by mistake
-// shows.
+// The default settings and actions, listed a second time, so that an accidental change fails.
 #include "settings/bindings.h"
 #include "settings/settings.h"
 

@@ -1,4 +1,4 @@
-// The store by itself: names, types, list and index.
+// The store alone: names, types, list and index.
 #include "base/text.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-// What the index must agree with.
+// The plain search that the index must agree with.
 const Setting* FindByWalk(const SettingsStore& store, std::wstring_view name) {
     const std::wstring lowered = LowerAscii(name);
     const Setting* setting = store.First();
@@ -151,8 +151,8 @@ TEST(Settings, ASetterOfAnUnknownNameDoesNothing) {
     EXPECT_EQ(store.GetInt(L"unknown"), 0);
 }
 
-// Every name in lower, upper and its own case, cut into prefix and rest at every place, and names that
-// are nearly there.
+// Every name in lower, upper and its own case, split into prefix and rest at every place, and names
+// that almost exist.
 TEST(Settings, IndexAndWalkAgreeOnEveryName) {
     SettingsStore store;
     RegisterDefaultSettings(store);

@@ -1,4 +1,4 @@
-// One thread sets while others read: no value is ever anything but one of those that were set.
+// One thread sets while others read: every value read is one that was set.
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -53,7 +53,7 @@ TEST(SettingsThreads, ReadersSeeOnlyValuesThatWereSet) {
     EXPECT_EQ(store.GetInt(L"emu_fastforward"), 0x11111111);
 }
 
-// The hat goes between left and down-left, so that left stays held; no reader may ever see it let go.
+// The hat goes between left and down-left, so that left stays held; no reader may see it released.
 TEST(SettingsThreads, AHeldDirectionOfAHatNeverLooksLetGo) {
     InputClearAll();
     const uint32_t left = JoystickBinding(0, JoystickHatCode(0, 0, 6));

@@ -1,4 +1,4 @@
-// Counts what a stretch of code allocates with `new` on the calling thread. allocation_counter.cpp
+// Counts the allocations with `new` on the calling thread during its life. allocation_counter.cpp
 // replaces the global operators of the test program.
 #pragma once
 

@@ -6,8 +6,8 @@
 
 namespace {
 
-// Starts SDL's video once and leaves it on until the process ends: the driver takes longer to load than a
-// test runs, and what it keeps to its end is reachable as long as it is loaded.
+// Starts SDL's video once and keeps it until the process ends: the driver takes longer to load than a
+// test runs, and its memory is not a leak while it is loaded.
 bool StartVideo() {
     if (SDL_WasInit(SDL_INIT_VIDEO) != 0) {
         return true;
@@ -15,7 +15,7 @@ bool StartVideo() {
     if (std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr) {
         SDL_setenv("SDL_VIDEODRIVER", "offscreen", 0);
     }
-    // One load more than windows make: the last window would take the driver with it.
+    // One more load than the windows make, or the last window would unload the driver.
     return SDL_InitSubSystem(SDL_INIT_VIDEO) == 0 && SDL_GL_LoadLibrary(nullptr) == 0;
 }
 

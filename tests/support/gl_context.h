@@ -1,5 +1,5 @@
-// A hidden window with an OpenGL context, current as long as the object lives. Without a display it is
-// the software renderer's. There is no way around it: a test that gets no context fails.
+// A hidden window with an OpenGL context, current for the life of the object. Without a display it is
+// the software renderer's. A test that gets no context fails.
 #pragma once
 
 #include <cstdint>

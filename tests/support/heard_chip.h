@@ -1,4 +1,4 @@
-// A sound chip with somewhere to put its pairs.
+// A sound chip with a buffer for its pairs.
 #pragma once
 
 #include "machine/chip_sound.h"

@@ -5,16 +5,19 @@
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 
+#include "support/state_table.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <map>
 #include <random>
+#include <string>
 #include <vector>
 
-// Frames of a run behind a state. Instrumented, a tenth of it tells of bytes out of bounds just as well.
+// Frames of a run after a state. In a sanitizer build a tenth finds reads out of bounds just as well.
 #ifdef OMBRELUNE_SANITIZED
 inline constexpr int kFollowingFrames = 60;
 #else
@@ -34,7 +37,7 @@ struct SAVED {
     [[nodiscard]] bool operator==(const SAVED& other) const {
         return size == other.size && std::memcmp(blob.get(), other.blob.get(), size) == 0;
     }
-    // A copy of just this length, so that a read past its end is seen by the sanitizer.
+    // A copy of exactly this length, so that the sanitizer sees a read past its end.
     [[nodiscard]] std::vector<uint8_t> Cut(uint32_t length) const {
         return {blob.get(), blob.get() + length};
     }
@@ -46,7 +49,7 @@ inline SAVED Save(CEmuSystem& machine) {
     return saved;
 }
 
-// Of all pieces, the sound's too.
+// Of all pieces, including the sound's.
 inline std::vector<uint32_t> AllPieceSizes(const SAVED& saved) {
     std::vector<uint32_t> sizes;
     for (uint32_t at = 0; at + 5 <= saved.size;) {
@@ -59,6 +62,32 @@ inline std::vector<uint32_t> AllPieceSizes(const SAVED& saved) {
     return sizes;
 }
 
+// The state is made of the pieces that docs/STATES.md lists for the machine. `kinds` says which tables stand for the
+// pieces that go by the cartridge, with an empty name for one that this machine does not have.
+inline void ExpectPiecesAsListed(const std::string& machine, const SAVED& saved,
+                                 const std::map<std::string, std::string>& kinds = {}) {
+    const std::vector<uint32_t> sizes = AllPieceSizes(saved);
+    size_t index = 0;
+    uint32_t at = 0;
+    for (const std::string& name : ReadMachinePieces(machine)) {
+        SCOPED_TRACE(name);
+        const auto kind = kinds.find(name);
+        const std::string table = kind != kinds.end() ? kind->second : name;
+        if (table.empty()) {
+            continue;
+        }
+        ASSERT_LT(index, sizes.size());
+        if (name == "sound") {
+            EXPECT_EQ(saved.blob[at], kSoundPieceVersion);
+        } else {
+            EXPECT_EQ(saved.blob[at], ReadStateTable(table).version);
+            EXPECT_EQ(sizes[index], ReadStateTable(table).size);
+        }
+        at += sizes[index++];
+    }
+    EXPECT_EQ(index, sizes.size());
+}
+
 inline void ExpectSameFrames(const std::vector<FRAME_RESULT>& one,
                              const std::vector<FRAME_RESULT>& other) {
     ASSERT_EQ(one.size(), other.size());
@@ -69,7 +98,7 @@ inline void ExpectSameFrames(const std::vector<FRAME_RESULT>& one,
     }
 }
 
-// That a run is no still picture and no even tone, so that comparing it tells something.
+// Expects a moving picture and a changing sound, so that comparing runs proves something.
 inline void ExpectALivelyRun(const std::vector<FRAME_RESULT>& run) {
     size_t pictures = 0;
     size_t sounds = 0;
@@ -86,8 +115,8 @@ inline void ExpectSavedAlike(const SAVED& saved, CEmuSystem& other) {
     EXPECT_TRUE(Save(other) == saved);
 }
 
-// A state that ends in the middle of one of these pieces, which stand at its beginning, or behind its first
-// bytes. `fits` says which of the cuts are a state all the same.
+// States cut off in the middle of each of these first pieces, or after their first bytes. `fits` says
+// which of them are still valid.
 inline void ExpectCutsAreRefused(
     CEmuSystem& machine, const SAVED& saved, const std::vector<uint32_t>& sizes,
     const std::function<bool(size_t piece, bool atStart)>& fits = [](size_t, bool) {
@@ -120,14 +149,14 @@ inline void ExpectWrongHeadersAreRefused(CEmuSystem& machine, const SAVED& saved
     EXPECT_TRUE(machine.LoadState(saved.blob.get(), saved.size));
 }
 
-// Loads sixty damaged copies and calls `play` behind each that was taken; gives how many were.
+// Loads sixty damaged copies and calls `play` after each that was accepted; returns how many were.
 inline int LoadDamaged(CEmuSystem& machine, const SAVED& saved, const std::function<void()>& play) {
     std::mt19937 random(1);
     const std::vector<uint32_t> sizes = AllPieceSizes(saved);
     int taken = 0;
     for (int round = 0; round < 60; ++round) {
         std::vector<uint8_t> damaged = saved.Cut(saved.size);
-        // One piece after the other, as a refused one hides those behind it.
+        // One piece after the other, as a refused one hides those after it.
         const size_t piece = static_cast<size_t>(round) % sizes.size();
         uint32_t at = 0;
         for (size_t i = 0; i < piece; ++i) {
@@ -146,4 +175,82 @@ inline int LoadDamaged(CEmuSystem& machine, const SAVED& saved, const std::funct
         }
     }
     return taken;
+}
+
+// What every machine's states are held to. `start` makes a machine with its game, `play` (machine, from, count) runs
+// frames with the same input for the same frame numbers.
+inline constexpr int kFramesBefore = 37;
+
+template <typename Start, typename Play>
+void ExpectTheRunThatWentOn(Start&& start, Play&& play) {
+    const auto machine = start();
+    play(*machine, 0, kFramesBefore);
+    const SAVED saved = Save(*machine);
+    const auto continued = play(*machine, kFramesBefore, kFollowingFrames);
+    ASSERT_FALSE(machine->ended) << EmuLastError();
+    const auto other = start();
+    ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+    ExpectSameFrames(continued, play(*other, kFramesBefore, kFollowingFrames));
+    ExpectALivelyRun(continued);
+}
+
+// Chips may run late in the fast loop and are always up to date in the plain one.
+template <typename Start, typename Play>
+void ExpectFastAndPlainAlike(Start&& start, Play&& play) {
+    const auto fast = start();
+    const auto plain = start();
+    plain->SetStepByStep(true);
+    for (int frame = 0; frame < 100; ++frame) {
+        ExpectSameFrames(play(*fast, frame, 1), play(*plain, frame, 1));
+        ASSERT_TRUE(Save(*fast) == Save(*plain)) << frame;
+    }
+}
+
+// `look` (machine) sees the machine before each of the frames.
+template <typename Start, typename Play, typename Look>
+void ExpectLoadsAtAnyFrame(Start&& start, Play&& play, int frames, Look&& look) {
+    const auto machine = start();
+    const auto other = start();
+    for (int frame = 0; frame < frames; ++frame) {
+        SCOPED_TRACE(frame);
+        const SAVED saved = Save(*machine);
+        look(*machine);
+        const auto continued = play(*machine, frame, 1);
+        ASSERT_TRUE(other->LoadState(saved.blob.get(), saved.size));
+        ExpectSameFrames(continued, play(*other, frame, 1));
+    }
+}
+
+// An older state, or one of a program with other sound settings: the last `soundPieces` pieces are missing, cut, or of
+// a version that this program does not know. The pictures are those of the run that went on.
+template <typename Start, typename Play>
+void ExpectLoadsWithoutItsSound(Start&& start, Play&& play, size_t soundPieces) {
+    const auto machine = start();
+    play(*machine, 0, kFramesBefore);
+    const SAVED saved = Save(*machine);
+    const std::vector<uint32_t> sizes = AllPieceSizes(saved);
+    uint32_t chips = saved.size;
+    for (size_t i = 0; i < soundPieces; ++i) {
+        chips -= sizes[sizes.size() - 1 - i];
+    }
+    std::vector<std::vector<uint8_t>> states;
+    for (const uint32_t length : {chips, chips + 3, chips + 40, saved.size - 1}) {
+        states.push_back(saved.Cut(length));
+    }
+    for (const int version : {0, 1, 3, 255}) {
+        states.push_back(saved.Cut(saved.size));
+        states.back()[chips] = static_cast<uint8_t>(version);
+    }
+    const auto continued = play(*machine, kFramesBefore, 20);
+    const auto other = start();
+    for (size_t state = 0; state < states.size(); ++state) {
+        play(*other, 0, 5);
+        ASSERT_TRUE(
+            other->LoadState(states[state].data(), static_cast<uint32_t>(states[state].size())))
+            << state;
+        const auto loaded = play(*other, kFramesBefore, 20);
+        for (size_t i = 0; i < loaded.size(); ++i) {
+            ASSERT_EQ(continued[i].picture, loaded[i].picture) << state << ", frame " << i;
+        }
+    }
 }

@@ -58,7 +58,7 @@ PROCESSOR_CASE ParseTitle(std::istringstream& line) {
     return started;
 }
 
-// Hands over every case of the file; gives false if it cannot be read.
+// Passes on every case of the file; returns false if it cannot be read.
 bool ForEachCase(const std::filesystem::path& path,
                  const std::function<void(const PROCESSOR_CASE&)>& with) {
     struct CLOSE {

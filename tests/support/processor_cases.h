@@ -19,7 +19,7 @@
 #include <string>
 #include <vector>
 
-// In the order of the file; what a processor has less of is 0.
+// In the order of the file; missing ones are 0.
 inline constexpr size_t kMostCaseRegisters = 21;
 using CASE_REGISTERS = std::array<uint32_t, kMostCaseRegisters>;
 
@@ -50,16 +50,15 @@ struct PROCESSOR_CASE {
     std::vector<CASE_ACCESS> accesses;
 };
 
-// Where a file of cases is: in the folder `named`, unless it is null, else in the first of `folders` that has
-// it. Where none has, the path in the last one.
+// The path of a file of cases: in the folder `named`, unless it is null, else in the first of `folders`
+// that has it, else in the last one.
 [[nodiscard]] std::filesystem::path FindCaseFile(const std::string& file, const char* named,
                                                  const std::vector<std::filesystem::path>& folders);
 
 [[nodiscard]] uint32_t CaseNumber(const std::string& hexadecimal);
 
-// Runs every case of the file that `chosen` picks, hands the test library what `run` says is wrong with it,
-// the first twenty at most, and asks that there are cases and that all pass. Skips the test where there is no
-// such file.
+// Runs every case of the file that `chosen` picks, reports at most twenty errors that `run` returns,
+// and expects at least one case and no error. Skips the test if there is no such file.
 void RunProcessorCases(const std::string& file,
                        const std::function<bool(const PROCESSOR_CASE&)>& chosen,
                        const std::function<std::string(const PROCESSOR_CASE&)>& run);

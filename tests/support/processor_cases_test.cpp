@@ -1,4 +1,4 @@
-// Where the published cases of the processors are looked for.
+// Where the processors' published cases are searched.
 #include "support/processor_cases.h"
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>

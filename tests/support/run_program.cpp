@@ -42,7 +42,7 @@ PROGRAM_RESULT RunProgram(const std::string& program, const std::vector<std::str
         throw std::runtime_error("fork failed");
     }
     if (child == 0) {
-        alarm(longestSeconds); // goes on in the program, and ends it
+        alarm(longestSeconds); // survives exec and ends the program
         Redirect(output, STDOUT_FILENO);
         Redirect(error, STDERR_FILENO);
         execv(program.c_str(), pointers.data());

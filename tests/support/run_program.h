@@ -1,12 +1,12 @@
-// Runs a program as a child, as a user's shell would, and gathers what it says. One that hangs is ended
-// after a time, and the last line of `error` says so.
+// Runs a program as a child, as a shell would, and collects its output. One that hangs is killed after
+// a time, and the last line of `error` says so.
 #pragma once
 
 #include <string>
 #include <vector>
 
 struct PROGRAM_RESULT {
-    int exitCode = -1; // -1 when it was ended by a signal
+    int exitCode = -1; // -1 if it was killed by a signal
     std::string output;
     std::string error;
 };

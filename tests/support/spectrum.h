@@ -1,4 +1,4 @@
-// Measuring a tone in a stretch of samples.
+// Measures a tone in a span of samples.
 #pragma once
 
 #include <cmath>

@@ -15,7 +15,7 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     [[nodiscard]] const std::filesystem::path& Path() const { return path; }
-    // Writes a file below the folder, with its parents, and gives its path.
+    // Writes a file below the folder, creating its parents, and returns its path.
     std::filesystem::path Write(std::string_view name, std::span<const uint8_t> bytes) const;
     std::filesystem::path Write(std::string_view name, std::string_view text) const;
     [[nodiscard]] std::vector<uint8_t> Read(std::string_view name) const;

@@ -1,4 +1,4 @@
-// Waiting for what another thread does. A wait has a limit, and a failure says for what it waited.
+// Waits for another thread. A wait has a limit, and a failure says what it waited for.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <thread>
 
-// Far beyond what a busy machine takes: it ends a run that hangs and measures nothing.
+// Far longer than on a busy computer: it only ends a run that hangs.
 inline constexpr std::chrono::seconds kLongestWait{120};
 
 template <typename Condition>

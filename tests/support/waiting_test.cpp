@@ -1,4 +1,4 @@
-// No test waits without end: a wait that fails says for what it waited, a program that hangs is ended.
+// No test waits forever: a wait that fails says what it waited for, a program that hangs is killed.
 #include "support/run_program.h"
 #include "support/wait_until.h"
 #include <gtest/gtest.h>

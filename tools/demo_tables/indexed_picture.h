@@ -1,5 +1,5 @@
-// A PNG with a palette, as numbers of colours. The colours themselves are only for who looks at the
-// file: the demos set theirs as they run.
+// A PNG with a palette, as colour numbers. The colours themselves are only for editing the file: the demos set
+// their own as they run.
 #pragma once
 
 #include <cstddef>

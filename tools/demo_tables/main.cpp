@@ -1,7 +1,7 @@
 // demo_tables INPUT OUTPUT: turns a picture, a sheet of drawings, a score or a sound of our own demos into the
-// tables that their programs include. What it is tells the input's ending.
+// tables that their programs include. The input's extension selects the kind.
 //
-// Beside OUTPUT it writes OUTPUT.d, the files that were read, for the build.
+// It also writes OUTPUT.d, a depfile of the files that it has read.
 #include "base/files.h"
 
 #include "demo_tables/plane_map.h"

@@ -8,16 +8,16 @@
 #include <vector>
 
 enum class PIXEL_FORMAT {
-    // A character a pixel, line by line; the demo makes tiles of them as it runs.
+    // A character per pixel, line by line; the demo makes tiles from them as it runs.
     kLetters,
-    // A bit a pixel, eight bytes a cell, cells line by line. For letters.
+    // A bit per pixel, eight bytes per cell, cells line by line. For letters.
     kBits,
     // NES: for each cell eight bytes of the low bits, then eight of the high ones, cells line by line.
     kNes,
     // The same, column by column: the order of sprites of 8 x 16.
     kNesTall,
-    // Mega Drive: columns and lines in cells, two words, then four bits a pixel, line by line; the demo
-    // makes cells of them as it runs.
+    // Mega Drive: columns and lines in cells, two words, then four bits per pixel, line by line; the
+    // demo makes cells from them as it runs.
     kMegaDrive,
 };
 
@@ -30,14 +30,14 @@ struct CELLS { // of eight pixels
 
 struct PIXEL_RULES {
     PIXEL_FORMAT format = PIXEL_FORMAT::kLetters;
-    std::string letters; // of kLetters: that of each colour from 0
+    std::string letters; // for kLetters: one for each colour from 0
     unsigned colours = 0;
-    // A picture may show several of the machine's palettes, one after the other, each of `colours`. Its
-    // pixels then stand for what is left after a division by `colours`.
+    // A picture can use several of the machine's palettes in a row, each with `colours` colours. A pixel's
+    // number is then taken modulo `colours`.
     unsigned palettes = 1;
-    unsigned times = 1; // how often each cell of kBits is written; 2 for the two planes of the NES
+    unsigned times = 1; // copies of each cell of kBits; 2 for the two planes of the NES
 };
 
-// The picture holds the cells, and its colours have been checked.
+// The cells must be inside the picture and its colours checked.
 [[nodiscard]] std::vector<uint8_t> BytesOf(const INDEXED_PICTURE& picture, const CELLS& cells,
                                            const PIXEL_RULES& rules);

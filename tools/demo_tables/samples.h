@@ -10,6 +10,6 @@
 constexpr uint32_t kSampleRate = 8900; // Hz
 
 // Takes 8 bits, one channel and that rate. The table is named after the file and ends with a zero, so
-// that no sample may be one. `error` names the file.
+// no sample may be 0. `error` names the file.
 [[nodiscard]] bool ConvertSamples(const std::filesystem::path& file, std::string& text,
                                   std::string& error);

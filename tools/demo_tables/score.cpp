@@ -81,7 +81,7 @@ private:
 
     SCORE& score;
     int line = 0;
-    int length = 0; // of the sound before; 0 where none is known
+    int length = 0; // of the sound before; 0 if unknown
     bool repeating = false;
 };
 
@@ -187,7 +187,7 @@ bool Parser::ReadWord(const std::string& word) {
     }
     if (word.starts_with('@')) {
         Add(SCORE_ITEM_KIND::kPhrase, 0, word.substr(1));
-        length = 0; // whatever the phrase leaves behind
+        length = 0; // unknown after a phrase
         return true;
     }
     const size_t equals = word.find('=');

@@ -28,8 +28,8 @@ struct SCORE_ITEM {
     SCORE_ITEM_KIND kind = SCORE_ITEM_KIND::kRest;
     int line = 0;
     int value = 0;
-    int length = 0;          // steps, of all that sounds and of rests
-    bool saysLength = false; // or it is that of the one before
+    int length = 0;          // steps, of sounds and rests
+    bool saysLength = false; // false: the length of the sound before
     std::string name;
 };
 
@@ -50,7 +50,7 @@ struct SCORE {
     std::vector<SCORE_TRACK> tracks;   // and phrases
 };
 
-// All that follow fill in `error`, which names the file and the line.
+// All functions below set `error`, which names the file and the line.
 [[nodiscard]] bool ParseScore(const std::filesystem::path& file, std::string_view text,
                               SCORE& score, std::string& error);
 
@@ -60,7 +60,7 @@ public:
     explicit ScoreSettings(const SCORE& ofScore)
         : score(ofScore) {}
 
-    // Without a setting of that name, nothing and no error.
+    // Nothing, without an error, if there is no such setting.
     [[nodiscard]] std::string Word(const std::string& name) const;
     // Refuses any name but these, and a name that comes twice.
     [[nodiscard]] bool Check(const std::vector<std::string>& names, std::string& error) const;

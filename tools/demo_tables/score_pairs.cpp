@@ -10,7 +10,7 @@ constexpr int kLastNote = 83;  // B-6
 
 struct DRUM_NAME {
     DRUM drum;
-    const char* nes; // null: it has none such
+    const char* nes; // null: not supported
     const char* masterSystem;
 };
 

@@ -19,7 +19,7 @@ public:
     explicit Sheet(std::filesystem::path path)
         : file(std::move(path)) {}
 
-    // Both fill in `error`.
+    // Both set `error`.
     [[nodiscard]] bool Read(const std::vector<SOURCE_LINE>& lines);
     [[nodiscard]] bool CheckFreePixels();
 
@@ -200,7 +200,7 @@ bool Sheet::ReadDrawing() {
     return true;
 }
 
-// Zeros until a multiple of so many bytes.
+// Pads with zeros to a multiple of the given bytes.
 bool Sheet::ReadFill() {
     const auto multiple = words.size() == 2 ? NumberOf(words[1], 1, kMostBytes) : std::nullopt;
     if (!multiple || language == LANGUAGE::kC) {
@@ -215,7 +215,7 @@ bool Sheet::ReadFill() {
     return true;
 }
 
-// A pixel that is in no drawing would be lost without a word.
+// A pixel outside every drawing would be lost silently.
 bool Sheet::CheckFreePixels() {
     for (unsigned y = 0; y < picture.height; ++y) {
         for (unsigned x = 0; x < picture.width; ++x) {

@@ -1,5 +1,4 @@
-// A sheet: a text that says which drawings a picture holds, in which order and in which form they come
-// into the program. demos/README.md has its words.
+// A sheet: a text that lists the drawings in a picture, in the program's order, and their format. demos/README.md has its words.
 #pragma once
 
 #include "demo_tables/table_text.h"

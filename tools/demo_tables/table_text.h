@@ -1,5 +1,5 @@
-// Tables of bytes as source text. What is written in assembly is understood by all three assemblers of
-// the demos: labels, .byte and decimal numbers.
+// Tables of bytes as source text. The assembly uses only what all three assemblers of the demos understand: labels,
+// .byte and decimal numbers.
 #pragma once
 
 #include <cstdint>

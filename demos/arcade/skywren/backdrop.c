@@ -102,7 +102,7 @@ static void BuildSky(void) {
     }
 }
 
-// Stars stand in single dots of some cells.
+// Stars are single dots of some cells.
 static void BuildStars(void) {
     for (u8 row = 1; row < 7; ++row) {
         for (u8 line = 0; line < 8; ++line) {
@@ -319,7 +319,7 @@ static void FadeStep(void) {
     SendColours(step > 3 ? 7 - step : step);
 }
 
-// Clouds crawl, the disc stands still, the ridge drifts, the sea runs faster row by row.
+// Clouds crawl, the disc doesn't move, the ridge drifts, the sea runs faster row by row.
 static void ScrollBands(u16 distance) {
     const u8 ridge = (u8)(0 - (distance >> 2));
     const u8 cloud = (u8)(0 - (distance >> 3));

@@ -1,4 +1,4 @@
-// The System E board: two video chips with two memory banks each, the control panel.
+// The System E board: two VDPs with two memory banks each, the control panel.
 //
 // The lower chip holds the landscape, one scene in each bank. The upper chip holds the play: what it
 // shows next is made in its hidden bank, through the window at 0x8000, and then the banks change place.

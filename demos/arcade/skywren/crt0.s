@@ -1,7 +1,7 @@
 ; Vectors, start and the interrupt handler.
 ;
-; Only the second video chip interrupts. Its line interrupt, every eight lines, gives the first chip the
-; next horizontal scroll: the bands of the landscape move at speeds of their own.
+; Only the second VDP interrupts. Its line interrupt, every eight lines, sets the first VDP's next
+; horizontal scroll: each band of the landscape moves at its own speed.
     .module crt0
     .globl _main
     .globl _frameCount, _bankLatch, _flipReady, _playScroll, _bands, _bandPointer

@@ -36,7 +36,7 @@ static void NextHeight(void) {
     heights[lastColumn & HEIGHT_MASK] = height;
 }
 
-// A slope stands on the lower of two columns, so the newest but one is the newest that is known whole.
+// A slope is drawn in the lower of two columns, so the newest column that can be drawn is the last but one.
 static void DrawColumn(u16 column) {
     const u8 before = heights[(column - 1) & HEIGHT_MASK];
     const u8 height = heights[column & HEIGHT_MASK];

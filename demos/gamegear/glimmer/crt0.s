@@ -1,7 +1,7 @@
 ; Vectors, start and the interrupt handlers.
 ;
-; The video chip's line interrupt repaints colour 0, the sky, every three lines: that is what gives the
-; evening its many shades. Serial bytes of the link cable come by NMI.
+; The VDP's line interrupt changes colour 0, the sky, every three lines, for the many shades of the evening.
+; Serial bytes of the link cable arrive by NMI.
     .module crt0
     .globl _main
     .globl _frameCount, _skyTable, _skyPointer

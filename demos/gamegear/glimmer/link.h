@@ -11,7 +11,7 @@
 
 void LinkOpen(void);
 void LinkClose(void);
-// Once a frame until it gives something else than LINK_WAITING: looks for the other console. The one
+// Once a frame until it returns something else than LINK_WAITING: looks for the other console. The one
 // that asks first is the host.
 u8 LinkMeet(void);
 // Sends this console's pad for a frame and waits for the other's. Returns 0 when the line is lost.

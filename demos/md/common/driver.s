@@ -462,7 +462,7 @@ Rest:
     ret c
     jp PsgOff
 
-; Remembers where the stream goes on.
+; Saves the position in the stream.
 Wait:
     ld CHANNEL_AT(ix), l
     ld CHANNEL_AT+1(ix), h

@@ -282,7 +282,7 @@ PaletteGo:
     move.l a0,paletteGoal
     rts
 
-| Each part of each colour goes one step towards the goal, every other frame.
+| Every other frame, each component of each colour moves one step towards its target.
 PaletteStep:
     btst #0,frameCount+1
     beq.s 9f

@@ -247,7 +247,7 @@ ScoreAdd:
     dbra d1,1b
     jbra BarShow
 
-| The bar: its tiles, its place, what stands on it.
+| The bar: its tiles, its position, its text.
 BarLoad:
     move.w #kFontTile,d0
     moveq #0,d1

@@ -263,7 +263,7 @@ PlaneDraw:
 9:
     rts
 
-| Its shade on the sea, the higher the farther behind; by night its lamp.
+| Its shadow on the sea, further behind the higher it flies; by night its lamp.
 PlaneLight:
     cmp.w #3,mode
     beq.s 1f

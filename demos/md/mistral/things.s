@@ -493,7 +493,7 @@ ThingsSpawn:
     movem.l (sp)+,d2-d5
     rts
 
-| The whole list anew: who comes first lies on top, and lights lie behind all.
+| Builds the sprite list anew: the first sprites are in front, the lights behind all others.
 SpritesBuild:
     movem.l d2-d7/a2-a6,-(sp)
     lea spriteTable,a6
@@ -541,7 +541,7 @@ SpritesBuild:
     clr.l (a6)+                 | one sprite there must be: above the picture
     clr.l (a6)+
 6:
-    clr.b -5(a6)                | the last links to none
+    clr.b -5(a6)                | the last one ends the list
     movem.l (sp)+,d2-d7/a2-a6
     rts
 

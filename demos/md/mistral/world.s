@@ -143,7 +143,7 @@ MapSwell:
     movem.l (sp)+,d2-d5
     rts
 
-| d0 = angle of 256, gives -127 to 127 in d0. Changes a0.
+| d0 = angle, 256 to a turn. Returns -127 to 127 in d0. Changes a0.
 Sine:
     and.w #0xFF,d0
     lea sines,a0
@@ -399,8 +399,8 @@ WindDraw:
     dbra d7,1b
     rts
 
-| What lies behind all other sprites: rays from between the clouds by day, the path of the sun or the
-| moon on the water, and the plane's shade there.
+| The sprites behind all others: rays between the clouds by day, the reflection of the sun or the moon on the
+| water, and the plane's shadow there.
 LightDraw:
     moveq #5,d7
 1:

@@ -103,7 +103,7 @@ Draw:
     movem.l (sp)+, d2-d7/a2
     rts
 
-| What stands in the middle, 16 cells wide, d5 being the address of its cells: the title, the size, bars of full
+| The middle, 16 cells wide; d5 is the address of its cells: the title, the size, bars of full
 | colour and a ramp of gray.
 Middle:
     move.w d6, d5

@@ -1,5 +1,5 @@
 | Shadow and highlight. A row for each way in which the planes can lie, a column for each kind of sprite;
-| under each field stands what the sprite's square is to look like: S in shadow, N normal, H highlighted.
+| under each field is what the sprite's square should look like: S in shadow, N normal, H highlighted.
 | The ground around the sprite shows what the planes do by themselves.
     .include "testcard/testcard.inc"
 

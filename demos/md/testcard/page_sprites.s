@@ -249,7 +249,7 @@ steady:
     sprite 160, 192, 4, 1, kDigits
     sprite 160, 215, 4, 1, kDigits+kYellow
     sprite 160, 238, 4, 1, kDigits
-    | A sprite in the VDP's column 0 hides those behind it in the list, if one elsewhere came before.
+    | A sprite in the VDP's column 0 masks those after it in the list, if one elsewhere comes before it.
     sprite 184, 192, 2, 2, kBricks
     sprite 192, -1, 1, 1, kDigits
     sprite 184, 216, 2, 2, kBricks+32

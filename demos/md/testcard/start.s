@@ -89,9 +89,9 @@ ReadPads:
     movem.l (sp)+, d2-d4/a2-a3
     rts
 
-| One pad at a0: its buttons to d0, its kind (0, 3 or 6 buttons) to d2. A pad counts how often TH rises: of
-| six buttons it names itself at the third fall and gives the further four after the third rise. An empty
-| port has no zeros in the place of left and right while TH is low.
+| One pad at a0: its buttons to d0, its kind (0, 3 or 6 buttons) to d2. A pad counts the rises of
+| TH: one with six buttons identifies itself at the third fall and returns the other four after the third rise. An
+| empty port has no zeros in the bits of left and right while TH is low.
 ReadPad:
     moveq #0x40, d3
     move.b d3, (a0)

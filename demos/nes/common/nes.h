@@ -1,4 +1,4 @@
-// What C has of the console: registers, the pad, the list of sprites and the queue to picture memory.
+// The console for C: registers, the pad, the sprite list and the queue of VRAM writes.
 #ifndef NES_H
 #define NES_H
 
@@ -26,7 +26,7 @@ enum {
 };
 
 // start.s
-extern u8 ppuControl, ppuMask, scrollX, scrollY; // go to their registers in every blanking
+extern u8 ppuControl, ppuMask, scrollX, scrollY; // written to the registers in every vblank
 extern u8 frameCount;
 extern u8 pad, padPressed;
 extern u8 vramUsed, oamUsed;
@@ -54,7 +54,7 @@ void ScreenOn(void);
 // A cell of the first nametable.
 #define CELL(row, column) (0x2000 + (row)*32 + (column))
 
-// picture.c. Those with Put write at once and need the screen off, the others join the queue.
+// picture.c. Functions with Put write at once and need the screen off, the others use the queue.
 void PutAddress(u16 address);
 void PutFill(u8 value, u16 count);
 void PutText(u16 address, const char* text);
@@ -64,7 +64,7 @@ void PutLogo(u16 address, const char* word, u8 quarters);
 void Text(u16 address, const char* text);
 void Byte(u16 address, u8 value);
 void Palette(const u8* colours);                      // 32
-void Digits(u16 address, const u8* digits, u8 count); // one a byte, the first on the left
+void Digits(u16 address, const u8* digits, u8 count); // one per byte, the first on the left
 u8 Random(void);
 
 #endif

@@ -30,8 +30,8 @@ void PutBytes(u16 address, const u8* bytes, u8 count) {
     }
 }
 
-// The letters of the font, each dot four by four: a tile holds two by two. Their drawings come from the
-// character memory.
+// The letters of the font with each dot enlarged to 4 x 4: a tile holds two by two dots. The drawings are read
+// from character memory.
 void PutLogo(u16 address, const char* word, u8 quarters) {
     static u8 lines[8];
     static u8 row, i, tile;
@@ -105,7 +105,7 @@ void Digits(u16 address, const u8* digits, u8 count) {
     }
 }
 
-// A shift register of eight bits with the period 255, stirred by the time of the call.
+// An 8-bit shift register of period 255, mixed with the time of the call.
 u8 Random(void) {
     randomState ^= frameCount;
     if (randomState == 0) {

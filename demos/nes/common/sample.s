@@ -1,6 +1,5 @@
-; A bass drum for the sample channel, made by a formula: a triangle wave, from 206 Hz down to about 60
-; at rate 12, whose size falls. It is followed by one bit a step: up where the wave is above the level,
-; down where it isn't.
+; A bass drum for the sample channel, made by a formula: a triangle wave that decays and falls from 206 Hz to
+; about 60 Hz, at rate 12. Each bit follows it by one step: up if the wave is above the level, otherwise down.
 
     .export _kickAddress, _kickLength
 

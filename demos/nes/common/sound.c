@@ -4,7 +4,7 @@
 static const u16 kPeriods[12] = {1709, 1613, 1522, 1437, 1356, 1280,
                                  1208, 1140, 1076, 1016, 959,  905};
 
-// Of the drum sample, in the units of its registers (sample.s).
+// Address and length of the drum sample, in the units of its registers (sample.s).
 extern const u8 kickAddress, kickLength;
 
 static const SONG* song;
@@ -141,7 +141,7 @@ static void Step(void) {
     }
 }
 
-// A note falls quickly at first and then hangs on.
+// A note decays quickly at first, then slowly.
 static void Fade(u8 channel) {
     ++ages[channel];
     if ((ages[channel] & 7) == 0 && volumes[channel] > 3) {

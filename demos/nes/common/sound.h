@@ -1,7 +1,7 @@
 // Music and effects on all five channels.
 //
-// A track is pairs of a value and the steps it lasts, and begins again at kTrackLoop. The first two
-// tracks are pulses, the third the triangle, one octave lower than written; the fourth is drums, a mask.
+// A track is pairs of a value and its length in steps; kTrackLoop restarts it. The first two tracks are pulses,
+// the third is the triangle, one octave lower than written, the fourth is drums, a mask.
 #ifndef SOUND_H
 #define SOUND_H
 
@@ -31,7 +31,7 @@ typedef struct {
     s16 slide;  // added every frame
     u8 volume;
     u8 frames;
-    u8 noise; // volume to start with; 0 leaves the channel alone
+    u8 noise; // initial volume; 0: channel unchanged
     u8 noiseRate;
 } EFFECT;
 

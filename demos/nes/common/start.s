@@ -1,7 +1,7 @@
-; The road from reset to main, the blanking interrupt and the few things that C is too slow for.
+; From reset to main, the vblank NMI, and the few things that C is too slow for.
 ;
-; A program gives `frameHook`, called in the blanking interrupt when all transfers are done, and
-; `interruptRequest`, where the IRQ vector points.
+; A program defines `frameHook`, called in the NMI after all transfers, and `interruptRequest`, the target of
+; the IRQ vector.
 
     .include "common/nes.inc"
 
@@ -13,23 +13,23 @@
     .addr blanking, reset, interruptRequest
 
     .zeropage
-_ppuControl: .res 1     ; as they go to the registers in every blanking
+_ppuControl: .res 1     ; written to the registers in every vblank
 _ppuMask:    .res 1
 _scrollX:    .res 1
 _scrollY:    .res 1
-_frameCount: .res 1     ; blankings
+_frameCount: .res 1     ; NMIs
 _pad:        .res 1     ; held buttons: A B Select Start Up Down Left Right from the top
 _padPressed: .res 1     ; newly pressed
 _vramUsed:   .res 1     ; bytes in vramBuffer
 _oamUsed:    .res 1     ; bytes in oam
-ready:       .res 1     ; 1: the frame is prepared and may go out
+ready:       .res 1     ; 1: the frame is prepared for transfer
 held:        .res 1
 
     .segment "OAM"
 _oam: .res 256
 
     .bss
-; Entries of address high, address low, count and as many bytes; bit 7 of the first goes down a column.
+; Entries: address high, address low, count, then `count` bytes; bit 7 of the first byte: down a column.
 _vramBuffer: .res 192
 
     .segment "STARTUP"
@@ -153,7 +153,7 @@ sendBuffer:
     sta _vramUsed
     rts
 
-; void Frame(void): hands the prepared frame to the blanking interrupt, waits for it, and begins the
+; void Frame(void): hands the prepared frame to the NMI, waits for it, and begins the
 ; next one with an empty list of sprites and the pad read.
     .export _Frame
 _Frame:
@@ -196,7 +196,7 @@ readPad:
     sta _pad
     rts
 
-; void ScreenOff(void): from here on the program may write to the picture memory itself.
+; void ScreenOff(void): from here on the program can write to VRAM itself.
     .export _ScreenOff
 _ScreenOff:
     lda _ppuMask
@@ -206,7 +206,7 @@ _ScreenOff:
     sta _vramUsed
     jsr hideSprites
     lda _ppuControl
-    bpl @off        ; there are no blankings yet
+    bpl @off        ; the NMI is still off
     jsr _Frame
 @off:
     lda _ppuControl

@@ -1,5 +1,5 @@
-; The tiles: 1 KB a bank for the background, which are letters, sky, sea floor, four steps of the water and a
-; free one, then 4 KB for the figures.
+; The tiles: background banks of 1 KB (letters, sky, sea floor, four steps of the water, a free one), then 4 KB
+; for the sprites.
 
     .segment "CHARS"
     .include "font.inc"

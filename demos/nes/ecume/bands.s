@@ -1,8 +1,8 @@
 ; The picture in bands, each with its own scroll: an interrupt on the line before a band sets it.
 ;
-; The counter takes `height - 1` as the last band's interrupt comes and then interrupts on a band's last
-; line but one, behind its pixels. The new scroll is written during the last line, which is of one
-; colour in this picture, so that a few dots of fine scroll in its middle show nothing.
+; The counter is loaded with `height - 1` at the interrupt of the band before, so it interrupts on a band's last
+; line but one, after its pixels. The new scroll is written during the last line, which has one colour in
+; this picture, so a change of fine scroll in its middle is invisible.
 
     .include "common/nes.inc"
 
@@ -27,7 +27,7 @@ _bandTable:  .res BANDS     ; its bit 8, as bit 0 of the control register
 water:       .res 1
 
     .rodata
-; Of the bands behind the status panel; the last entry is none.
+; Of the bands below the status panel; 0 ends the list.
 heights: .byte 40, 40, 24, 56, 0
 PANEL_HEIGHT = 32
 
@@ -39,7 +39,7 @@ _BoardInit:
     ldx #7
 @next:
     txa
-    ora #$80        ; the single banks are the background's
+    ora #$80        ; the 1 KB banks are the background's
     sta BANK_SELECT
     lda banks,x
     sta BANK_DATA

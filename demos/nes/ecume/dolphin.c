@@ -28,7 +28,7 @@ static void Swim(u8 buttons) {
     if ((buttons & kPadA) != 0) {
         speed -= kThrust + 0x20;
     }
-    // Water slows.
+    // Drag of the water.
     speed -= speed / 16;
     if (speed > kFastest) {
         speed = kFastest;

@@ -34,12 +34,12 @@ enum {
     kTileFar = 0xC8    // 4 x 3
 };
 
-// Tiles of figures 16 high; the lowest bit picks the half of the memory that they are in.
+// Tiles of sprites 16 high; the lowest bit selects their pattern table.
 #define FIGURE(index) ((index)*2 + 1)
 enum {
     kDolphin = 0, // two strokes, rising, falling; three tiles each
     kPearl = 12,  // two
-    kStar = 14,   // two of two, as all below
+    kStar = 14,   // two, each of two tiles, like all below
     kJelly = 18,
     kUrchin = 22,
     kGull = 24,
@@ -52,13 +52,13 @@ enum {
 enum { kRowClouds = 4, kRowIslands = 9, kRowFar = 14, kRowNear = 17, kRowFloor = 24 };
 enum { kSurface = 142, kHighest = 40, kLowest = 208 };
 
-// The bands behind the panel.
+// The bands below the panel.
 enum { kBandClouds, kBandIslands, kBandFar, kBandNear, kBandFloor, kBands };
 extern u8 bandScroll[kBands], bandTable[kBands]; // bands.s
 void BoardInit(void);
 void __fastcall__ WaterStep(u8 step);
 
-// scene.c: draws everything; with the logo for the title.
+// scene.c: draws everything, for the title with the logo.
 void SceneDraw(u8 logo);
 extern const u8 kPalette[32];
 void SceneScroll(u16 distance, u8 logo);
@@ -71,17 +71,17 @@ void DolphinReset(void);
 void DolphinMove(u8 buttons);
 void DolphinDraw(void);
 
-// things.c: what comes along.
+// things.c: everything that comes from the right.
 enum { kThingNone, kThingPearl, kThingStar, kThingJelly, kThingUrchin, kThingGull, kThingSparkle };
 enum { kThings = 10 };
 extern u8 thingKind[kThings], thingX[kThings], thingY[kThings];
 void ThingsReset(void);
 void ThingsMove(u8 speed, u8 night);
 void ThingsDraw(void);
-u8 ThingsTouched(void); // the kind that the dolphin touches, which is gone then
+u8 ThingsTouched(void); // the kind of thing that the dolphin touches; it disappears
 void Splash(u8 x);
 
-// pilot.c: plays by itself. Gives buttons.
+// pilot.c: returns the buttons that the demo presses.
 u8 Pilot(void);
 
 // songs.c

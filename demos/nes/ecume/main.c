@@ -1,4 +1,4 @@
-// The game's road: title, a round by hand or by itself, the end, title.
+// The game: title, a round played or shown as a demo, the end, title again.
 #include "ecume/ecume.h"
 
 enum {
@@ -11,7 +11,7 @@ enum {
 static u8 score[kScoreDigits], best[kScoreDigits];
 static u8 hearts;
 static u16 distance;
-static u8 night; // grows with the way; everything comes faster then
+static u8 night; // grows with the distance and speeds everything up
 
 static const EFFECT kEffectPearl = {213, -6, 8, 8, 0, 0};
 static const EFFECT kEffectStar = {160, -10, 9, 14, 0, 0};
@@ -66,7 +66,7 @@ static void Open(u8 logo) {
     Text(CELL(1, 24), "  BEST");
 }
 
-// One frame of swimming; the sounds only where somebody plays.
+// One frame of swimming; the demo is silent.
 static void Swim(u8 buttons, u8 aloud) {
     static u8 speed;
     speed = 2 + ((frameCount & 3) < night);
@@ -130,7 +130,7 @@ static u8 Title(void) {
     return 0;
 }
 
-// With `demo` the pilot plays, and a button ends it; true when one did.
+// With `demo` the pilot plays until a button ends it. True if a button did.
 static u8 Round(u8 demo) {
     static u16 frames;
     static u8 i;
@@ -161,7 +161,7 @@ static u8 Round(u8 demo) {
                 return 0;
             }
         } else if ((padPressed & kPadStart) != 0) {
-            // A rest.
+            // A pause.
             SoundPlay(0);
             do {
                 SoundTick();
@@ -193,7 +193,7 @@ static void End(void) {
 void main(void) {
     BoardInit();
     SoundInit();
-    ppuControl = 0x20 | 0x08; // figures 16 high; the background in the lower half of the characters
+    ppuControl = 0x20 | 0x08; // sprites 16 high; the background in the first pattern table
     for (;;) {
         if (Title() || Round(1)) {
             SoundEffect(&kEffectStart);

@@ -1,4 +1,4 @@
-// Plays the game when nobody does: goes for what shines and away from what stings.
+// Plays the game in the demo: goes for what shines and away from what stings.
 #include "ecume/ecume.h"
 
 static u8 danger, goal, goalX, goalY;
@@ -44,7 +44,7 @@ u8 Pilot(void) {
         goalX = thingX[goal];
     }
     if (goalY < kSurface) {
-        // A leap takes a run from below.
+        // A leap needs a run-up from below.
         if (goalX < dolphinX + 62 && goalX > dolphinX) {
             return dolphinY > 172 ? kPadUp | kPadA : kPadUp;
         }

@@ -1,4 +1,4 @@
-// The scenery: two screens side by side that every band goes around at its own speed.
+// The scenery: two screens side by side; every band scrolls around them at its own speed.
 #include "ecume/ecume.h"
 
 // clang-format off
@@ -33,13 +33,13 @@ static const u8 kScenery[2][91] = {
     }
 };
 
-// From row 4 on, what fills a row where nothing stands; the last ones are drawn by rule.
+// From row 4 on: the tile of a row where nothing else is drawn; the rows after these follow a rule.
 static const u8 kRows[10] = {
     kTileBlank, kTileBlank, kTileBlank, kTileBlank, kTileToPurple,
     kTilePurple, kTileToOrange, kTileOrange, kTileOrange, kTileHorizon
 };
 
-// Palettes of 4 x 4 tiles, a row of eight the same; the two halves of the byte are its upper and lower
+// Attributes of 4 x 4 tiles, eight equal ones per row; the two halves of the byte are the upper and lower tile
 // rows.
 static const u8 kAttributes[8] = {0xFF, 0x00, 0x00, 0x50, 0x55, 0x55, 0xAA, 0xAA};
 // clang-format on
@@ -94,7 +94,7 @@ static void PutScenery(const u8* piece) {
                 ++tile;
             }
         }
-        // Coral wears the panel's palette.
+        // Coral uses the panel's palette.
         if (piece[2] == kTileCoral || piece[2] == kTileAnemone) {
             floorColours[piece[0] >> 2] |= (piece[0] & 2) != 0 ? 0x40 : 0x10;
         }

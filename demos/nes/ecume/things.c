@@ -1,4 +1,4 @@
-// What comes along from the right: groups of pearls and stars, and what stings.
+// What comes from the right: groups of pearls and stars, and things that sting.
 #include "ecume/ecume.h"
 
 u8 thingKind[kThings], thingX[kThings], thingY[kThings];

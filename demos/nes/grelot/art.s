@@ -1,7 +1,7 @@
 ; The bells: every bank of characters has the letters and four bells, and in each bank but the first
-; another of them swings. So a ringing bell is nothing but a change of banks.
+; another of them swings. So a ringing bell is just a bank switch.
 
-; What is free behind letters, quarters and bells.
+; Free after letters, quarters and bells.
 kFree = (256 - 64 - 16 - 64) * 16
 
     .segment "CHARS"

@@ -1,4 +1,4 @@
-; The board's registers, which take five bits one by one, lowest first.
+; The board's registers, written one bit at a time, five in all, the lowest first.
 
     .include "common/nes.inc"
 
@@ -13,7 +13,7 @@ PROGRAM = $E000
 FIGURES = 5             ; the bank of the sprites, in 4 KB
 
     .bss
-_bells:       .res 1    ; the background's bank, for the next blanking
+_bells:       .res 1    ; the background's bank, for the next vblank
 _programBank: .res 1    ; at 0x8000
 
     .macro fiveBits register
@@ -40,7 +40,7 @@ _BoardInit:
 ; __fastcall__ void BoardControl(u8 mirroring): 0 and 1 one page, 2 side by side, 3 one below the other.
 _BoardControl:
     and #3
-    ora #$1C            ; the last program bank stands, characters in halves
+    ora #$1C            ; the last program bank is fixed, characters in halves
     fiveBits CONTROL
     rts
 

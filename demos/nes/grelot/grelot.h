@@ -1,4 +1,4 @@
-// Grelot: four bells ring a tune that grows by a note at a time; who listens can ring it again.
+// Grelot: four bells ring a tune that grows by one note each round; the player repeats it.
 #ifndef GRELOT_H
 #define GRELOT_H
 
@@ -19,7 +19,7 @@ enum { kBellUp, kBellLeft, kBellRight, kBellDown, kBells, kNoBell = 0xFF };
 
 // board.s
 enum { kOnePageA, kOnePageB, kSideBySide, kBelow };
-extern u8 bells; // 0: all stand; else the bell that swings, from 1 on
+extern u8 bells; // 0: none swings; else the bell that swings, from 1 on
 void BoardInit(void);
 void __fastcall__ BoardControl(u8 mirroring);
 void __fastcall__ BoardProgram(u8 bank);
@@ -41,7 +41,7 @@ extern u8 ringing; // kNoBell
 void Ring(u8 bell, u8 aloud);
 void RingFrame(void); // once a frame: swings, fades, sprites
 
-// kept.c: the best round, in memory that stays when the power goes.
+// kept.c: the best round, in battery-backed memory.
 u8 BestRound(void);
 void KeepRound(u8 round);
 #endif

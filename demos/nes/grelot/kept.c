@@ -11,7 +11,7 @@ static u8 best, bestInverted;
 
 static const u8 kMark[4] = {'G', 'R', 'E', 'L'};
 
-// What was never written holds anything, so the mark and the inverted copy must both be right.
+// Memory that was never written can hold anything, so the mark and the inverted copy must both match.
 u8 BestRound(void) {
     static u8 i;
     for (i = 0; i != 4; ++i) {

@@ -1,4 +1,4 @@
-// Title, where the bells ring to one tune after the other, and the game.
+// The title, with one tune after another, and the game.
 #include "grelot/grelot.h"
 
 enum { kMostRounds = 60, kSecondsOfTune = 22, kFramesOfAnswer = 60 * 6 };
@@ -131,7 +131,7 @@ static void Game(void) {
 void main(void) {
     BoardInit();
     SoundInit();
-    ppuControl = 0x08; // sprites from the upper half of the characters
+    ppuControl = 0x08; // sprites from the second pattern table
     ringing = kNoBell;
     for (;;) {
         Title();

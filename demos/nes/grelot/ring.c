@@ -1,4 +1,4 @@
-// A bell that rings: it swings, sounds and sends notes up.
+// A ringing bell: it swings, sounds and lets notes rise.
 #include "grelot/grelot.h"
 
 enum { kSparks = 6, kFramesOfRing = 34 };

@@ -1,4 +1,4 @@
-// The two screens, each in a page of its own, and the ways between them.
+// The two screens, each in its own nametable page, and the scrolling between them.
 #include "grelot/grelot.h"
 
 enum { kPageA = 0x2000, kPageB = 0x2400 };
@@ -28,7 +28,7 @@ static void PutBell(u16 page, u8 bell) {
     }
 }
 
-// Every bell's place in its own palette, the letters in the second.
+// Each bell in its own palette, the letters in the second.
 static void PutPage(u16 page) {
     // Rows 8 to 11, 12 to 15, 16 to 19; the bells begin in the second half of a byte's columns.
     static const u8 kAttributes[3][8] = {

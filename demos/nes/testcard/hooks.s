@@ -1,4 +1,4 @@
-; What a page does in time with the picture: nothing, the colours, or the split.
+; What a page does during the picture: nothing, the colours, or the split.
 
     .include "common/nes.inc"
 
@@ -13,7 +13,7 @@ FIRST_LINE  = 40
 
     .zeropage
 _hook:        .res 1    ; 0 none, 1 colours, 2 split
-_statusSeen:  .res 1    ; the status as blanking began
+_statusSeen:  .res 1    ; PPUSTATUS at the start of vblank
 _splitScroll: .res 1
 third:        .res 1
 at:           .res 1
@@ -39,7 +39,7 @@ frameHook:
 @colours:
     jmp colours
 
-; Returns 3 to 10 cycles after sprite zero met the background in this frame, plus 6 for its own end.
+; Returns 3 to 10 cycles after the sprite 0 hit of this frame, plus 6 for the return.
 waitForHit:
     bit PPU_STATUS
     bvs waitForHit
@@ -48,7 +48,7 @@ waitForHit:
     bvc @next
     rts
 
-; The colours. `now` counts the cycles since the line before a block ended. A delay takes X with it.
+; The colours. `now` counts cycles since the end of the line before a block. A delay changes X.
 
 .macro spend cycles
     .local loop, rounds, rest
@@ -91,7 +91,7 @@ loop:   dex
     .endif
 .endmacro
 
-; To `early` cycles before the end of line `line` of a block, line 0 being the one before it.
+; Waits until `early` cycles before the end of line `line` of a block; line 0 is the one before it.
 .macro until line, early
     spend (line) * 341 / 3 - (early) - now
     now .set (line) * 341 / 3 - (early)
@@ -107,7 +107,7 @@ hues:
         .byte BRIGHTNESS * 16, BRIGHTNESS * 16 + $0D, TEXT_COLOUR
     .endrepeat
 
-; Where the picture goes on behind each block's blank lines.
+; VRAM addresses at which the picture continues after each block's blank lines.
 rows:
     .repeat 4, BLOCK
         .byte <($2000 + (FIRST_LINE + 8 + BLOCK * BLOCK_LINES) * 4)
@@ -156,8 +156,8 @@ block:
     lda #0
     sta PPU_ADDRESS
     now .set now + 18
-    ; Colours change behind the end of a line; in between the address rests on a black entry, which is
-    ; what the screen shows meanwhile.
+    ; Colours change after the end of a line. In between the VRAM address points to a black entry, which the
+    ; screen shows meanwhile.
     .repeat 5, GROUP
         ldy at
         lda hues + 2,y

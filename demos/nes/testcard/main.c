@@ -1,11 +1,11 @@
-// The pages of the test card and the way from one to the next.
+// The pages of the test card and how one follows another.
 #include "common/sound.h"
 #include "testcard/testcard.h"
 
 enum {
     kPages = 5,
     kSeconds = 12
-}; // until the next page comes by itself, while no button is pressed
+}; // until the next page appears if no button is pressed
 
 typedef struct {
     void (*draw)(void);

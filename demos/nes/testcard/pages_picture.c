@@ -1,4 +1,4 @@
-// The pages that are looked at.
+// The picture pages.
 #include "testcard/testcard.h"
 
 // Colours: twelve hues in columns of 16 dots, four rows of brightness; in each all eight emphases,
@@ -29,7 +29,7 @@ void ColoursDraw(void) {
     PPU_DATA = kCross;
 }
 
-// The list of sprites is made once: hooks.s leaves little of a frame.
+// The sprite list is made once: hooks.s leaves little time in a frame.
 void ColoursFrame(void) {
     static u8 i, y;
     if (oam[1] == kCross) {
@@ -51,7 +51,7 @@ void ColoursFrame(void) {
     }
 }
 
-// The edge: a frame of 8 dots at the very edge, one of 8 dots behind 8 more, and a grid.
+// The edge: a frame of 8 dots at the very edge, one of 8 dots further in, and a grid.
 void FrameDraw(void) {
     PutBlock(0, 0, 32, 30, kGrid);
     PutBlock(0, 0, 32, 1, kStripes);
@@ -126,7 +126,7 @@ void SplitDraw(void) {
     PutText(CELL(4, 3), "ABOVE THE CROSS ALL STANDS");
     PutText(CELL(6, 3), "BELOW IT THE STRIPES MOVE");
     PutAddress(CELL(8, 16));
-    PPU_DATA = '_' - ' '; // meets the foot of the cross
+    PPU_DATA = '_' - ' '; // the foot of the cross hits it
     for (i = 10; i != 28; ++i) {
         PutAddress(CELL(i, 0));
         PutFill(i % 6 < 3 ? kStripes : kPlain2 + (i & 1), 32);

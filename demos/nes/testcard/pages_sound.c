@@ -1,4 +1,4 @@
-// The page that is listened to: the channels one by one.
+// The sound page: the channels one by one.
 #include "common/sound.h"
 #include "testcard/testcard.h"
 
@@ -50,7 +50,7 @@ static void Triangle(u8 note) {
 }
 
 static void Noise(u8 rate) {
-    APU(0x0C) = 0x05; // falls by itself
+    APU(0x0C) = 0x05; // decays
     APU(0x0E) = rate;
     APU(0x0F) = 0x08;
 }

@@ -8,7 +8,7 @@
     .module interrupt
     .include "common/sms.inc"
 
-FIRST_LINE = 15                 ; under it: the panel, which stands still
+FIRST_LINE = 15                 ; under it: the panel, which doesn't move
 
     .area _CODE
 _Interrupt::

@@ -76,7 +76,7 @@ void GardenText(uint8_t row, const char *text); // centred on the hedge
 
 // creatures.c: all that moves, and the player.
 extern uint8_t playerX, playerY, hearts, light;
-extern uint16_t score;              // in tens, as it is shown with a 0 behind it
+extern uint16_t score;              // in tens; shown with a 0 after it
 extern uint8_t hurtFrames;          // left of being invulnerable
 void CreaturesBegin(void);
 void CreaturesSpawn(uint8_t night);

@@ -257,7 +257,7 @@ void Frame(void)
             --flash;
         SendSky();
     }
-    // The music keeps its time even if a frame was late.
+    // The music keeps its tempo even if a frame took too long.
     while (framesSeen != frameCount) {
         ++framesSeen;
         SoundTick();

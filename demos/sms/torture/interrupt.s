@@ -50,7 +50,7 @@ _LineScroll::
     jr leave
 
 ; Colours that change within a line. From here on every line takes its 228 clocks; the processor was
-; halted, so the whole stands still on the screen.
+; halted, so the picture is steady.
 BAR_LINES = 20
 COLOUR_LINES = 40
 BACKDROP = VDP_REGISTER + 7

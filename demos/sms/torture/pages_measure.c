@@ -36,7 +36,7 @@ static void SetCase(const FlagCase *test)
         x += test->step;
     }
     SpriteEnd(i);
-    if (test == &kCases[2]) { // behind the end mark stands one more
+    if (test == &kCases[2]) { // one more after the end mark
         SpriteAt(i + 1, 0x8000 | kTestY);
         SpriteTile(i + 1, kTileBall);
     }

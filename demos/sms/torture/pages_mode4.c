@@ -51,7 +51,7 @@ void ColoursStep(uint8_t tick)
     SpriteAt(0, (uint16_t)(24 + (tick & 127) + (tick & 63)) << 8 | 159);
 }
 
-#define FIRST_WAVE 22 // lines: the title above stands still
+#define FIRST_WAVE 22 // lines: the title above doesn't move
 
 void WaveBegin(void)
 {

@@ -27,10 +27,10 @@ struct BENCH_RESULT {
     uint32_t frames = 0;
     double seconds = 0.0;
     double framesPerSecond = 0.0;
-    double timesRealTime = 0.0; // by the sound that the frames delivered
+    double timesRealTime = 0.0; // measured by the frames' sound
     uint32_t stateBytes = 0;
     double stateMicroseconds = 0.0; // of one SaveState
-    double rewindPercent = 0.0;     // what a frame with rewind on costs more
+    double rewindPercent = 0.0;     // extra cost of a frame with rewind on
 };
 
 double SecondsSince(Clock::time_point start) {
@@ -53,7 +53,8 @@ public:
     [[nodiscard]] bool Started() const { return session != nullptr; }
     [[nodiscard]] CEmuSystem& Machine() { return *session->machine; }
 
-    // Runs frames for so many seconds and gives how many. `soundSeconds` is how long they last.
+    // Runs frames for `seconds` and returns how many. `elapsed` is the time they took, `soundSeconds`
+    // how long they last.
     uint32_t Run(double seconds, double& elapsed, double& soundSeconds) {
         uint32_t frames = 0;
         uint64_t pairs = 0;
@@ -100,10 +101,10 @@ bool Measure(const DEMO& demo, double seconds, BENCH_RESULT& result) {
     double elapsed = 0.0;
     double soundSeconds = 0.0;
     Settings().SetInt(L"emu_rewindbuffer", 0);
-    run.Run(0.0, elapsed, soundSeconds); // one frame that is not counted
+    run.Run(0.0, elapsed, soundSeconds); // one frame to warm up
     result.machine = FindMachineFacts(demo.system)->shortName;
     result.game = demo.name;
-    // In turns, so that a busy machine weighs on both alike.
+    // In turns, so that other load on the computer affects both alike.
     constexpr int kTurns = 4;
     double rewindElapsed = 0.0;
     uint32_t rewindFrames = 0;
@@ -142,7 +143,7 @@ std::string Json(const std::vector<BENCH_RESULT>& results) {
     return text + "]}\n";
 }
 
-// The game of a system that is its benchmark: the one that says so by its name, else the first.
+// The game to benchmark a system with: the one whose name says so, else the first.
 const DEMO* BenchGame(uint16_t system) {
     const DEMO* found = nullptr;
     for (const DEMO& demo : Demos()) {

@@ -38,7 +38,7 @@ void StartUp(const std::string& homeOption) {
     std::string error;
     static_cast<void>(LoadSettingsFile(Settings(), error));
     if (!error.empty()) {
-        PostReport(error + "; what it does not say has its default");
+        PostReport(error + "; missing settings have their defaults");
     }
     ApplyAudioRate();
     EmuSetMachines(BuiltInMachines());
@@ -54,7 +54,7 @@ std::vector<std::string> MachineNames() {
 
 void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
     app.add_option("GAME", play.game, "A ROM, a .zip, a .game or demo:NAME")->required();
-    app.add_option("--machine", play.machine, "The machine, instead of what the file says")
+    app.add_option("--machine", play.machine, "The machine, if not the one that the file says")
         ->check(CLI::IsMember(MachineNames()));
     app.add_option("--set", play.settings, "A machine option or a setting for this run")
         ->type_name("NAME=VALUE")
@@ -63,37 +63,38 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
     app.add_option("--bios", play.bios, "A console BIOS")->type_name("FILE");
     app.add_flag("--headless", play.headless,
                  "No window, no device, no pacing, no autosave, no .sav");
-    app.add_option("--frames", play.frames, "Stop after so many frames")->type_name("N");
-    app.add_flag("--static", play.showStatic, "Begin with the television static");
-    app.add_option("--input", play.inputFile, "Lines \"FRAME ACTION down|up\"")->type_name("FILE");
+    app.add_option("--frames", play.frames, "Stop after N frames")->type_name("N");
+    app.add_flag("--static", play.showStatic, "Begin with television static");
+    app.add_option("--input", play.inputFile, "A file of presses, lines \"FRAME ACTION down|up\"")
+        ->type_name("FILE");
     app.add_option("--screenshot", play.screenshots,
                    "FRAME=FILE.png or last=FILE.png; frames count from 1")
         ->expected(1)
         ->take_all();
-    app.add_option("--wav", play.wavFile, "The sound as the machine delivered it")
+    app.add_option("--wav", play.wavFile, "Write the sound as the machine made it")
         ->type_name("FILE");
     app.add_option("--frame-hashes", play.hashFile,
-                   "A line a frame with the hashes of picture and sound")
+                   "Write a line for each frame with the hashes of picture and sound")
         ->type_name("FILE");
-    app.add_option("--save-state", play.saveState, "The state at the end")->type_name("FILE");
-    app.add_option("--load-state", play.loadState, "The state at the start")->type_name("FILE");
+    app.add_option("--save-state", play.saveState, "Write the state at the end")->type_name("FILE");
+    app.add_option("--load-state", play.loadState, "Load a state at the start")->type_name("FILE");
     app.add_option("--peek", play.peeks,
                    "At the end print bytes as the main processor would read them")
         ->type_name("ADDRESS[:LENGTH]")
         ->expected(1)
         ->take_all();
-    app.add_option("--dump", play.dumps, "At the end write a memory whole")
+    app.add_option("--dump", play.dumps, "At the end write a whole memory")
         ->type_name("REGION=FILE")
         ->expected(1)
         ->take_all();
     app.add_option("--latency", play.latencyAction,
-                   "In the window: measure from this action's key to the picture, and end")
+                   "In the window: measure the time from this action's key to the picture, and end")
         ->type_name("ACTION");
     app.footer(PlayHelp());
 }
 
 int Run(int argc, const char* const* argv) {
-    CLI::App app("Ombrelune, an emulator of five consoles", "ombrelune");
+    CLI::App app("Ombrelune, an emulator of five machines", "ombrelune");
     app.set_version_flag("--version", "ombrelune " OMBRELUNE_VERSION);
     app.require_subcommand(0, 1);
     app.fallthrough();
@@ -101,12 +102,12 @@ int Run(int argc, const char* const* argv) {
     app.add_option("--home", home, "The folder of settings, saves and games")->type_name("DIR");
 
     PLAY_OPTIONS play;
-    CLI::App* playApp = app.add_subcommand("play", "Play one game at once");
+    CLI::App* playApp = app.add_subcommand("play", "Play a game");
     AddPlayOptions(*playApp, play);
 
     BENCH_OPTIONS bench;
     CLI::App* benchApp =
-        app.add_subcommand("bench", "How fast the machines run, unpaced, on one core");
+        app.add_subcommand("bench", "Measure how fast the machines run, unpaced, on one core");
     std::vector<std::string> benchMachines = MachineNames();
     benchMachines.emplace_back("all");
     benchApp->add_option("--machine", bench.machine, "One machine, or all")
@@ -122,14 +123,15 @@ int Run(int argc, const char* const* argv) {
     convertApp->add_option("PATH", convert.paths, "ROM or zip files")->required();
     convertApp->add_option("--out", convert.outFolder, "Where the .game files go")
         ->type_name("DIR");
-    convertApp->add_option("--machine", convert.machine, "The machine, instead of the extension")
+    convertApp
+        ->add_option("--machine", convert.machine, "The machine, if not the one of the extension")
         ->check(CLI::IsMember(MachineNames()));
 
     std::vector<std::filesystem::path> infoPaths;
-    CLI::App* infoApp = app.add_subcommand("info", "What a ROM, zip or .game holds");
+    CLI::App* infoApp = app.add_subcommand("info", "Show what a ROM, zip or .game holds");
     infoApp->add_option("PATH", infoPaths, "Files")->required();
 
-    CLI::App* actionsApp = app.add_subcommand("actions", "Every action name with its bindings");
+    CLI::App* actionsApp = app.add_subcommand("actions", "List every action with its bindings");
 
     try {
         app.parse(argc, argv);
@@ -161,7 +163,7 @@ int RunCommandLine(int argc, const char* const* argv) {
     try {
         return Run(argc, argv);
     } catch (const std::exception& error) {
-        // Nothing of ours throws; what comes here is the want of memory.
+        // Nothing of ours throws; only running out of memory gets here.
         Complain(error.what());
         return kExitFailed;
     }

@@ -111,7 +111,7 @@ bool ShowFile(const fs::path& path) {
     return whole;
 }
 
-// The first name that is free or already holds these bytes.
+// The first name that is unused or already holds these bytes.
 fs::path TargetOf(fs::path target, std::span<const uint8_t> bytes, bool& alreadyThere) {
     alreadyThere = false;
     while (true) {
@@ -131,7 +131,7 @@ fs::path TargetOf(fs::path target, std::span<const uint8_t> bytes, bool& already
     }
 }
 
-// The databases of the systems met so far, each read once.
+// The databases of the systems so far, each read once.
 using Databases = std::map<uint16_t, std::vector<CGameFile>>;
 
 bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& outFolder,
@@ -219,7 +219,7 @@ void ApplyAudioRate() {
     if (rate >= kLowestRate && rate <= kHighestRate) {
         SetAudioRate(static_cast<uint32_t>(rate));
     } else {
-        Complain("a sample rate of " + std::to_string(rate) + " cannot be; " +
+        Complain("a sample rate of " + std::to_string(rate) + " is not possible; " +
                  std::to_string(AudioRate()) + " is used");
     }
 }

@@ -1,4 +1,4 @@
-// What the small commands of the command line do. Each gives the program's exit code.
+// The small commands of the command line. Each returns the program's exit code.
 #pragma once
 
 #include <filesystem>
@@ -15,12 +15,12 @@ void Complain(const std::string& message);
 // Every action with its bindings, a line each: name, primary, secondary, separated by tabs.
 int ActionsCommand();
 
-// What each file holds. A file that fails is complained about, and the others still shown.
+// Prints what each file holds. A file that fails is reported, and the others are still shown.
 int InfoCommand(const std::vector<std::filesystem::path>& paths);
 
-// A `.game` for every image in the files, beside its source or in `outFolder`. Sources stay. A target
-// that already holds the same bytes stays as it is; one that holds others is never replaced, and the
-// new file's name gets a "0" behind it, as often as it takes.
+// Writes a `.game` for every image in the files, beside its source or in `outFolder`. Sources stay. An
+// existing target with the same bytes stays as it is; one with other bytes is never replaced: the new
+// file's name then gets a "0" appended until it is unused.
 struct CONVERT_OPTIONS {
     std::vector<std::filesystem::path> paths;
     std::filesystem::path outFolder; // empty: beside the source
@@ -28,10 +28,10 @@ struct CONVERT_OPTIONS {
 };
 int ConvertCommand(const CONVERT_OPTIONS& options);
 
-// Copies the setting of the sample rate to the program's own; one that cannot be is complained about.
+// Sets the program's sample rate from the setting; reports one that is out of range.
 void ApplyAudioRate();
 
-// Runs machines unpaced on one core with our own games, and prints what they do.
+// Runs machines unpaced on one core with our own games, and prints their speed.
 struct BENCH_OPTIONS {
     std::string machine = "all";
     double seconds = 5.0;

@@ -22,7 +22,7 @@
 namespace {
 
 constexpr uint32_t kSessionKey = 1;
-constexpr uint32_t kDefaultFrames = 600; // where nothing says how long to run
+constexpr uint32_t kDefaultFrames = 600; // without --frames
 
 class HeadlessRun {
 public:
@@ -46,7 +46,7 @@ public:
                 return kExitFailed;
             }
             if (session->machine->ended) {
-                // What was asked for is written all the same: it may tell why.
+                // The requested files are still written: they may tell why.
                 Complain(options.game + ": frame " + std::to_string(frame) + ": " + EmuLastError());
                 static_cast<void>(Finish());
                 return kExitFailed;
@@ -68,7 +68,7 @@ private:
 
     bool Prepare() {
         SeedRandom(1);
-        // No state is taken after each frame: there is no key to go back with.
+        // No rewind states: there is no key to rewind with.
         Settings().SetInt(L"emu_rewindbuffer", 0);
         InputScript::BindActions(Settings());
         InputSetActiveKey(kSessionKey);
@@ -105,7 +105,7 @@ private:
             return false;
         }
         if (!session->machine->LoadState(bytes.data(), static_cast<uint32_t>(bytes.size()))) {
-            Complain(options.loadState + ": is no state of this machine");
+            Complain(options.loadState + ": is not a state of this machine");
             return false;
         }
         return true;
@@ -149,7 +149,7 @@ private:
         uint32_t size = 0;
         const StateBlob state = session->machine->SaveState(size);
         if (!state) {
-            Complain(options.saveState + ": the machine gives no state");
+            Complain(options.saveState + ": the machine returned no state");
             return false;
         }
         return Write(options.saveState, {state.get(), size});

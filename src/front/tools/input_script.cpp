@@ -37,7 +37,7 @@ bool ParseLine(std::string_view line, INPUT_EVENT& event, std::string& error) {
     const auto digits = static_cast<size_t>(end - line.data());
     if (code != std::errc() || digits == line.size() ||
         (line[digits] != ' ' && line[digits] != '\t')) {
-        error = "begins with no frame number";
+        error = "does not begin with a frame number";
         return false;
     }
     const std::string_view rest = Trim(line.substr(digits));
@@ -51,7 +51,7 @@ bool ParseLine(std::string_view line, INPUT_EVENT& event, std::string& error) {
     const std::string_view name =
         space == std::string_view::npos ? std::string_view{} : Trim(rest.substr(0, space));
     if (!FindAction(name, event.action)) {
-        error = "names no action: \"" + std::string(name) + "\"";
+        error = "unknown action: \"" + std::string(name) + "\"";
         return false;
     }
     return true;

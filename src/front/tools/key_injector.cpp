@@ -29,7 +29,7 @@ bool InjectAction(size_t action, bool down) {
     const uint32_t modifierKey = modifier == kModifierShift  ? SDL_SCANCODE_LSHIFT
                                  : modifier == kModifierCtrl ? SDL_SCANCODE_LCTRL
                                                              : SDL_SCANCODE_UNKNOWN;
-    // The modifier is held around the key; without it the key would act by another binding.
+    // The modifier is held around the key; without it the key could act for another binding.
     if (down && modifierKey != SDL_SCANCODE_UNKNOWN) {
         InjectKey(modifierKey, true);
     }

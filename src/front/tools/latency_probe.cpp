@@ -14,9 +14,9 @@ namespace {
 
 constexpr int kPresses = 20;
 constexpr uint64_t kStillPictures = 12;   // in a row, before a press
-constexpr int64_t kPatience = 10'000'000; // microseconds until something must happen
-constexpr int64_t kFewestPause = 20'000;  // microseconds after the picture stands still
-constexpr int kPauseSpread = 50'000;      // microseconds on top, by chance
+constexpr int64_t kPatience = 10'000'000; // microseconds to wait for a picture
+constexpr int64_t kFewestPause = 20'000;  // microseconds after the picture has stopped changing
+constexpr int kPauseSpread = 50'000;      // microseconds on top, at random
 constexpr double kMicroseconds = 1000.0;  // in a millisecond
 
 class Probe {
@@ -26,7 +26,7 @@ public:
         application.Sets().KeepPicture(true);
     }
 
-    // Runs rounds until `done`; false when the program ends or the patience does.
+    // Runs rounds until `done`; false when the program or the patience ends.
     template <typename Done>
     bool RunUntil(Done done) {
         const int64_t start = Now();
@@ -76,7 +76,7 @@ int MeasureLatency(Application& application, size_t action) {
     std::vector<double> milliseconds;
     for (int press = 0; press < kPresses; ++press) {
         if (!probe.WaitForStillPicture() || !probe.Pause()) {
-            Complain("latency: the picture does not stand still");
+            Complain("latency: the picture does not stop changing");
             return kExitFailed;
         }
         const int64_t start = Probe::Now();
@@ -88,7 +88,7 @@ int MeasureLatency(Application& application, size_t action) {
         milliseconds.push_back(static_cast<double>(Probe::Now() - start) / kMicroseconds);
         static_cast<void>(InjectAction(action, false));
         if (!changed) {
-            Complain("latency: the picture does not answer the key");
+            Complain("latency: the picture does not react to the key");
             return kExitFailed;
         }
     }

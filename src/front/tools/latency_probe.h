@@ -1,7 +1,7 @@
-// Measures how long it takes from a key to the picture that shows it.
+// Measures the time from a key press to the picture that shows it.
 //
-// It waits until the picture stands still, presses the key of an action, and takes the time until the
-// first picture that differs has been swapped to the screen. The display's own delay comes on top.
+// It waits until the picture stops changing, presses the key of an action, and measures the time until
+// the first different picture has been swapped to the screen. The display's own delay comes on top.
 #pragma once
 
 #include <cstddef>
@@ -9,5 +9,5 @@
 class Application;
 
 // Presses the key some twenty times, at uneven intervals, and prints the figures on standard output.
-// Gives an exit code: failed when the picture never stands still or never answers.
+// Returns an exit code: failure if the picture never stops changing or never reacts.
 [[nodiscard]] int MeasureLatency(Application& application, size_t action);

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// The visible window of a picture as a PNG of 24 bits a pixel; the same picture gives the same bytes.
+// The visible window of a picture as a PNG of 24 bits a pixel; the same picture makes the same bytes.
 // Empty for a picture without pixels.
 [[nodiscard]] std::vector<uint8_t> PngOfFrame(const EMU_VIDEO_FRAME& frame);
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-// A number with or without "0x" before it; `text` becomes what stands behind it.
+// Reads a number, with or without "0x" before it; `text` becomes the rest after it.
 [[nodiscard]] inline bool TakeNumber(std::string_view& text, uint32_t& value) {
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
     text.remove_prefix(hexadecimal ? 2 : 0);

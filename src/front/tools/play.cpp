@@ -30,8 +30,8 @@ int ApplySetting(const std::string& text, OPENED_GAME& opened, std::string& erro
     if (reason.empty()) {
         switch (SetForThisRun(name, value)) {
         case RunSetting::kSet: return kExitDone;
-        case RunSetting::kUnknown: reason = "there is no such option or setting"; break;
-        case RunSetting::kNoValue: reason = "is no value for that setting"; break;
+        case RunSetting::kUnknown: reason = "no such option or setting"; break;
+        case RunSetting::kNoValue: reason = "is not a value of that setting"; break;
         }
     }
     error = "--set " + text + ": " + reason;
@@ -93,7 +93,7 @@ int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& e
         options.machine.empty() ? nullptr : FindMachineFacts(std::string_view(options.machine));
     if (options.game.starts_with(kDemoPrefix)) {
         if (!OpenDemo(options.game.substr(kDemoPrefix.size()), opened)) {
-            error = options.game + ": there is no such demo; play --help lists them";
+            error = options.game + ": no such demo; play --help lists them";
             return kExitFailed;
         }
     } else if (!OpenGame(options.game, system, opened.game, opened.title, error)) {

@@ -14,7 +14,7 @@ struct PLAY_OPTIONS {
     std::vector<std::string> settings; // NAME=VALUE
     std::string bios;
     bool headless = false;
-    uint32_t frames = 0; // machine frames to run; 0: without an end
+    uint32_t frames = 0; // machine frames to run; 0: no limit
     bool showStatic = false;
     std::string inputFile;
     std::vector<std::string> screenshots; // FRAME=FILE.png or last=FILE.png
@@ -24,7 +24,7 @@ struct PLAY_OPTIONS {
     std::string loadState;
     std::vector<std::string> peeks; // ADDRESS[:LENGTH]
     std::vector<std::string> dumps; // REGION=FILE
-    std::string latencyAction;      // in the window: measure from its key to the picture, and end
+    std::string latencyAction;      // in the window: measure this action's latency, and end
 };
 
 // A game opened for playing, with its options.
@@ -36,8 +36,8 @@ struct OPENED_GAME {
     OptionBlock options{};
 };
 
-// Opens the game and the BIOS, and applies the settings for this run. Gives an exit code; with anything
-// but kExitDone `error` is one line that says why.
+// Opens the game and the BIOS, and applies the settings for this run. Returns an exit code; unless it
+// is kExitDone, `error` is one line that says why.
 [[nodiscard]] int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& error);
 
 // Opens one of our own games. False for an unknown name.
@@ -45,14 +45,14 @@ struct OPENED_GAME {
 
 int PlayCommand(const PLAY_OPTIONS& options);
 
-// The game without window, device, pacing and autosave: the same input gives the same bytes.
+// Runs the game without window, device, pacing and autosave: the same input makes the same bytes.
 int PlayHeadless(const PLAY_OPTIONS& options, OPENED_GAME& opened);
 
-// The game in the program's window, with sound, until the window is closed or --frames are over.
+// Runs the game in the window, with sound, until the window is closed or --frames have run.
 int PlayInWindow(const PLAY_OPTIONS& options, const OPENED_GAME& opened);
 
-// The program without a game named: our own Master System game, in the window or, where there is no
-// display, off the screen for some seconds, which ends with a screenshot.
+// Starting without a game: runs our own Master System game in the window or, without a display, off the
+// screen for some seconds, ending with a screenshot.
 int PlayWithoutGame();
 
 // Options, settings, regions and demos by name, for the help text.

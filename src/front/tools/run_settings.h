@@ -8,8 +8,8 @@
 
 enum class RunSetting { kSet, kUnknown, kNoValue };
 
-// Sets a setting of the store from text, by the type it was registered with, and keeps what it was.
+// Sets a setting from text, by its registered type, and remembers its old value.
 [[nodiscard]] RunSetting SetForThisRun(const std::string& name, const std::string& value);
 
-// Puts back what was there before, except what has been changed again since.
+// Restores the old values, except of settings that have been changed again since.
 void RestoreRunSettings();

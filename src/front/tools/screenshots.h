@@ -10,7 +10,7 @@ struct SCREENSHOT_REQUEST {
     std::string path;
 };
 
-// `frames` is the length of the run, 0 for one without an end. False with a line on the first request
-// that is none or that the run never reaches.
+// `frames` is the length of the run, 0 for no limit. False, with a line on the first request that is
+// invalid or that the run never reaches.
 [[nodiscard]] bool ReadScreenshots(const std::vector<std::string>& texts, uint32_t frames,
                                    std::vector<SCREENSHOT_REQUEST>& requests, std::string& error);

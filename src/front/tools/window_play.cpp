@@ -3,6 +3,7 @@
 #include "front/application.h"
 #include "front/demos.h"
 #include "front/notices.h"
+#include "front/session_callbacks.h"
 #include "front/tools/commands.h"
 #include "front/tools/input_script.h"
 #include "front/tools/key_injector.h"
@@ -27,7 +28,7 @@ constexpr const char* kFirstGame = "sms-luciole";
 constexpr const char* kOffscreenPicture = ".\\screenshots\\without-a-display.png";
 constexpr uint32_t kOffscreenFrames = 420; // about seven seconds
 
-// Options that only make sense for a run of exact frames.
+// Options that only make sense with --headless.
 const char* OptionForHeadless(const PLAY_OPTIONS& options) {
     if (!options.wavFile.empty()) {
         return "--wav";
@@ -61,7 +62,7 @@ public:
     explicit WindowRun(const PLAY_OPTIONS& playOptions)
         : options(playOptions) {}
 
-    // Gives an exit code; what is wrong has been said.
+    // Returns an exit code; the error has been reported.
     int ReadOptions() {
         std::string error;
         if (const char* option = OptionForHeadless(options); option != nullptr) {
@@ -74,7 +75,7 @@ public:
         }
         if (!options.latencyAction.empty() && !FindAction(options.latencyAction, latencyAction)) {
             Complain("--latency " + options.latencyAction +
-                     ": is no action; \"ombrelune actions\" lists them");
+                     ": unknown action; \"ombrelune actions\" lists them all");
             return kExitUsage;
         }
         if (!options.inputFile.empty() && !script.Load(options.inputFile, error)) {
@@ -108,13 +109,13 @@ public:
     }
 
 private:
-    // Nobody is at the keys, so what the player left is not to be played on.
+    // Nobody is playing, so the player's saves must not be continued.
     static void LeaveSavesAlone() {
         static_cast<void>(SetForThisRun("emu_autosaves", "0"));
         EmuWriteBatteries(false);
     }
 
-    // In a window, or without one where there is no display at all.
+    // In a window, or off the screen without a display.
     bool StartSomewhere(std::string& error) {
         if (application.Start(error)) {
             return true;
@@ -140,31 +141,30 @@ private:
         bool over = false;
         bool ended = false;
         while (!over && !ended && application.Round()) {
-            const uint32_t frame = Application::FramesPresented();
+            const uint32_t frame = FramesPresented();
             for (const INPUT_EVENT& event : script.TakeEarliest(frame + 1)) {
                 if (!InjectAction(event.action, event.down)) {
-                    Complain(options.inputFile + ": an action that no key is bound to");
+                    Complain(options.inputFile + ": names an action without a key");
                 }
             }
             over = lastFrame != 0 && application.Sets().FrameShown() >= lastFrame;
-            // A machine that cannot go on was turned off. Who sits at a window may start another game;
-            // a run of so many frames would wait for ever.
+            // A machine that cannot go on was turned off. A user may start another game in the window;
+            // a run with --frames would wait forever.
             ended = lastFrame != 0 && !over && !application.Playing();
             if (!TakeScreenshots(application.Sets().FrameShown(), false)) {
                 return kExitFailed;
             }
         }
         if (options.frames != 0) {
-            std::printf("%u frames | %s\n", Application::FramesPresented(),
-                        EmuFormatStats().c_str());
+            std::printf("%u frames | %s\n", FramesPresented(), EmuFormatStats().c_str());
         }
         const bool taken = TakeScreenshots(application.Sets().FrameShown(), true);
-        // Also when the game ended, which is why a frame never came.
+        // Also if the game ended, so that a frame never came.
         const bool missing = ComplainOfMissing();
         return taken && !ended && !missing ? kExitDone : kExitFailed;
     }
 
-    // Of the screenshots that were asked for and whose frame never came.
+    // Reports the requested screenshots whose frame never came.
     bool ComplainOfMissing() const {
         bool missing = false;
         for (const SCREENSHOT_REQUEST& shot : screenshots) {
@@ -177,7 +177,8 @@ private:
         return missing;
     }
 
-    // The window as it is composed, once its frame has come.
+    // Writes the due screenshots of the composed window. False, after a report, if one cannot be
+    // written.
     bool TakeScreenshots(uint32_t frame, bool last) {
         for (SCREENSHOT_REQUEST& shot : screenshots) {
             const bool due = shot.frame == 0 ? last : shot.frame <= frame;

@@ -50,7 +50,7 @@ BoundCodes RefreshActionNotes(const SettingsStore& store) {
             continue;
         }
         bool own =
-            false; // No binding of a first run is a joystick's, so any that is one is the user's.
+            false; // No default binding is a joystick's, so a joystick binding is the user's.
         for (const uint32_t binding : BindingsOf(*setting)) {
             const uint32_t code = binding & 0xFFFF;
             own |= IsJoystickBinding(binding);

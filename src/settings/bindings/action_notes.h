@@ -1,5 +1,5 @@
-// What follows from the bindings of all actions together, kept in each binding's note: the controls of
-// game controllers that may act for the action, and the modifier keys that are ordinary keys to it.
+// What each action's note holds, computed from the bindings of all actions: the controls of game
+// controllers that may act for the action, and the modifier keys that are ordinary keys to it.
 //
 // A note has the pad controls at their own bits (`PadBit`) and the modifier keys at bits 18 to 25, which
 // no control has.
@@ -22,7 +22,7 @@ inline constexpr uint32_t kAltKeyBits = 1u << 2 | 1u << 6;
 inline constexpr uint32_t kNoteModifiers = 18; // their lowest bit
 static_assert(kPadControls <= kNoteModifiers && kNoteModifiers + kModifierKeys < 31);
 
-// The bit of a key that is a shift, ctrl or alt key; 0 for any other.
+// The bit of a shift, ctrl or alt key; 0 for any other key.
 [[nodiscard]] constexpr uint32_t ModifierKeyBit(uint32_t scancode) {
     const bool modifier =
         scancode >= kFirstModifierKey && scancode < kFirstModifierKey + kModifierKeys;
@@ -41,5 +41,5 @@ static_assert(kPadControls <= kNoteModifiers && kNoteModifiers + kModifierKeys <
 // The joystick codes that the bindings name.
 using BoundCodes = std::bitset<kInputCodes>;
 
-// Writes every action's note afresh.
+// Recomputes every action's note.
 BoundCodes RefreshActionNotes(const SettingsStore& store);

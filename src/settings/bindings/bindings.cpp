@@ -18,7 +18,7 @@ constexpr SettingPrefix kInputPrefix{L"INPUT "};
 constexpr uint32_t kKeyboard = 0; // top byte of a binding
 constexpr uint32_t kJoystick = 1;
 
-constexpr uint32_t kJoysticks = 5; // numbers that codes have room for
+constexpr uint32_t kJoysticks = 5; // joystick numbers that have codes
 constexpr uint32_t kAxes = 32;
 constexpr uint32_t kHats = 8;
 constexpr uint32_t kHatDirections = 8;
@@ -36,7 +36,7 @@ constexpr std::array<uint8_t, 16> MakeHatCodes() {
     codes[kHatRight] = 1 << 2;
     codes[kHatDown] = 1 << 4;
     codes[kHatLeft] = 1 << 6;
-    // This diagonal alone has its own code, beside that of right and without that of up.
+    // Only this diagonal has its own code, set together with that of right but not that of up.
     codes[kHatUp | kHatRight] = 1 << 1 | 1 << 2;
     codes[kHatRight | kHatDown] = 1 << 2 | 1 << 4;
     codes[kHatLeft | kHatUp] = 1 << 6 | 1 << 0;
@@ -44,8 +44,8 @@ constexpr std::array<uint8_t, 16> MakeHatCodes() {
     return codes;
 }
 
-// A hat's position to the directions whose codes are set, bit 0 for direction 0. Positions that no hat
-// can take set none.
+// The directions whose codes a hat's position sets, bit 0 for direction 0. Impossible positions set
+// none.
 constexpr std::array<uint8_t, 16> kHatCodes = MakeHatCodes();
 
 // Written by the main thread, read by every thread one byte at a time.
@@ -58,9 +58,9 @@ bool IsSet(const std::atomic<uint8_t>& byte) {
     return byte.load(std::memory_order_relaxed) != 0;
 }
 
-// Whether the modifiers around a key are those of its binding. The keys of `inUse` have another purpose
-// and are not looked at. A key that is a modifier itself serves as its own all the same, since a screen
-// that records what was pressed puts it there.
+// Whether the modifiers held with a key are those of its binding. The keys in `inUse` are ordinary keys
+// for this action and are ignored. A modifier key may be its own modifier, since a screen that records
+// a press stores it that way.
 bool ModifierHolds(const INPUT_STATE& state, uint32_t modifier, uint32_t key, uint32_t inUse) {
     uint32_t held = 0;
     for (uint32_t i = 0; i < kModifierKeys; ++i) {
@@ -119,7 +119,7 @@ std::string JoystickName(uint32_t joystick, uint32_t code) {
     const uint32_t firstHat = JoystickHatCode(joystick, 0, 0);
     const uint32_t firstButton = JoystickButtonCode(joystick, 0);
     if (code >= firstAxis && code < firstHat) {
-        // The sign shown is the opposite of the axis's own.
+        // The sign shown is the opposite of the axis's sign.
         const uint32_t axis = (code - firstAxis) / 2;
         return name + "Axis" + std::to_string(axis) + ((code - firstAxis) % 2 == 0 ? " +" : " -");
     }
@@ -242,7 +242,7 @@ void InputAxisMoved(uint32_t joystick, uint32_t axis, int16_t value) {
     const uint32_t over = JoystickAxisCode(joystick, axis, true);
     if (value < -kAxisThreshold) {
         InputSetCode(under, true);
-        ClearIfDown(over); // A stick may cross from one end to the other between two events.
+        ClearIfDown(over); // a stick may go from one end to the other between two events
     } else if (value > kAxisThreshold) {
         InputSetCode(over, true);
         ClearIfDown(under);
@@ -256,8 +256,8 @@ void InputHatMoved(uint32_t joystick, uint32_t hat, uint8_t position) {
     if (joystick >= kJoysticks || hat >= kHats) {
         return;
     }
-    // The mark goes to all eight, as an event clears them all. The state of those that stay down is
-    // never 0 in between, or a session that asks just then would see the direction let go.
+    // All eight are marked, as an event clears them all. The state of those that stay down is never 0
+    // in between, or a session that reads at that moment would see a release.
     const uint32_t set = position < kHatCodes.size() ? kHatCodes[position] : 0u;
     for (uint32_t direction = 0; direction < kHatDirections; ++direction) {
         const uint32_t code = JoystickHatCode(joystick, hat, direction);

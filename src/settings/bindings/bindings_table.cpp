@@ -1,6 +1,6 @@
-// Every action in the order of registration, with the key it is bound to on a first run as a scancode
-// of the USB HID usage tables (page 7). Of the machines' actions only those of the first player and of
-// the console itself have one. Behind it stand the controls of game controllers that do the same.
+// Every action in the order of registration, with its default key as a scancode of the USB HID usage
+// tables (page 7). Of the machines' actions only those of the first player and of the console itself
+// have one. After it come the controls of game controllers that do the same.
 
 #include "facts/arcade_facts.h"
 #include "facts/game_gear_facts.h"
@@ -154,7 +154,7 @@ constexpr INPUT_ACTION kInputActions[] = {
 };
 // clang-format on
 
-// What the names of a machine's actions begin with.
+// The prefix of a machine's action names.
 constexpr std::array<std::wstring_view, kInputOwners - 1> kMachinePrefixes = {
     L"NES ", L"Arcade ", L"SMS ", L"MEGADRIVE ", L"GG "};
 
@@ -173,7 +173,7 @@ constexpr std::array<uint8_t, std::size(kInputActions)> MakeOwners() {
 
 constexpr auto kInputOwnersOfActions = MakeOwners();
 
-// The table goes on with this machine's actions, in their order.
+// The next rows of the table are this machine's actions, in their order.
 constexpr bool NamesActionsOf(const MACHINE_FACTS& machine, size_t& row) {
     for (const auto names :
          {machine.consoleActions, machine.playerActions[0], machine.playerActions[1]}) {
@@ -187,7 +187,7 @@ constexpr bool NamesActionsOf(const MACHINE_FACTS& machine, size_t& row) {
     return true;
 }
 
-// A machine polls its actions by these names, and one without a row here would never be down.
+// A machine polls its actions by these names; one without a row here would never be down.
 constexpr bool NamesEveryMachinesActions() {
     size_t row = kProgramActions;
     return NamesActionsOf(kNesFacts, row) && NamesActionsOf(kArcadeFacts, row) &&

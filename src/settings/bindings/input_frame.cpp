@@ -30,7 +30,8 @@ void LogCode(uint32_t code, bool down) {
     if (down && !wasDown) {
         gPressLog.codes[code].store(number, kRelaxed);
     }
-    gLiveInput.down[code].store(down ? 1 : 0, kRelaxed);
+    // Whoever sees the key down sees its number as well.
+    gLiveInput.down[code].store(down ? 1 : 0, std::memory_order_release);
     if (down != wasDown) {
         Publish(number);
     }
@@ -71,8 +72,8 @@ InputLooker::InputLooker()
     : seen(gPressLog.newest.load(std::memory_order_acquire))
     , lookedAt(InputClock()) {}
 
-// A press later than the newest number may be in the tables already. It belongs to the next frame, or a
-// tap could be seen in two.
+// The tables may already hold a press later than the newest number. It belongs to the next frame;
+// otherwise two frames could see one tap.
 void InputLooker::Look(bool withTaps) {
     const uint64_t newest = gPressLog.newest.load(std::memory_order_acquire);
     if (newest == seen && !refreshes) {
@@ -87,7 +88,7 @@ void InputLooker::Look(bool withTaps) {
         return tapped || (down && pressed <= newest);
     };
     for (uint32_t code = 0; code < kInputCodes; ++code) {
-        const bool down = gLiveInput.down[code].load(kRelaxed) != 0;
+        const bool down = gLiveInput.down[code].load(std::memory_order_acquire) != 0;
         state.down[code].store(look(gPressLog.codes[code], down) ? 1 : 0, kRelaxed);
     }
     const uint64_t acting = gLiveInput.pads.load(kRelaxed);

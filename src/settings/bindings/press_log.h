@@ -1,8 +1,8 @@
 // The state of the inputs as the main thread writes it, and when each was last pressed.
 //
-// Every change has a number, counted up. A reader that knows the newest number of its look before can tell
-// which presses are new to it. The main thread writes a change first and its number last, so whoever has
-// read a number sees all that belongs to it.
+// Every change has a rising number. A reader that keeps the newest number of its previous look knows
+// which presses are new to it. The main thread writes a change first and its number last, so a reader
+// of a number sees the whole change.
 #pragma once
 
 #include "settings/input_state.h"
@@ -11,14 +11,15 @@ struct PRESS_LOG {
     std::array<std::atomic<uint64_t>, kInputCodes>
         codes{}; // number of the newest press, 0 for none
     std::array<std::atomic<uint64_t>, kPadBits> pads{};
-    std::atomic<uint64_t> padsTaken{0}; // controls that the user has bound, which don't act
+    std::atomic<uint64_t> padsTaken{
+        0}; // controls that the user has bound and that don't act by default
     std::atomic<uint64_t> newest{0};
 };
 
 extern constinit INPUT_STATE gLiveInput;
 extern constinit PRESS_LOG gPressLog;
 
-// What this thread reads: the live state, or that of its frame.
+// The state this thread reads: the live one, or that of its frame.
 extern constinit thread_local const INPUT_STATE* tInputState;
 
 // Main thread. Each also writes the live state.

@@ -12,11 +12,11 @@ struct DEFAULT_SETTING {
 
 constexpr std::wstring_view kEmpty;
 
-// The values of a first run, in the order of registration. The first name holds the build number; its
-// value becomes true at the end of every run, so that a first run of a build shows.
+// The default values, in the order of registration. The first name holds the build number; its value
+// becomes true at the end of every run, so that the first run of a build can be told.
 constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"app_720runonce",           false },
-    {L"emu_startfullscreen",      false }, // or else on the room's television
+    {L"emu_startfullscreen",      false }, // false: on the room's television
     {L"app_fullScreen",           true  },
     {L"app_antialias",            false },
     {L"app_anisotropicfiltering", false },

@@ -12,7 +12,7 @@ bool SameName(std::wstring_view lowered, std::wstring_view prefix, std::wstring_
     if (lowered.size() != prefix.size() + name.size()) {
         return false;
     }
-    // Without an early way out the loops become vector code.
+    // Without an early exit the compiler vectorises the loops.
     uint32_t difference = 0;
     for (size_t i = 0; i < prefix.size(); ++i) {
         difference |=
@@ -27,7 +27,7 @@ bool SameName(std::wstring_view lowered, std::wstring_view prefix, std::wstring_
 
 } // namespace
 
-// Open addressing with linear probing; at most half of the slots are taken, and nothing ever leaves.
+// Open addressing with linear probing; at most half of the slots are used, and none is ever removed.
 struct SettingsStore::Index {
     struct SLOT {
         uint64_t hash = 0;
@@ -37,7 +37,7 @@ struct SettingsStore::Index {
     std::vector<SLOT> slots = std::vector<SLOT>(512); // a power of two
     size_t used = 0;
 
-    // Multiplied by 2^64 over the golden ratio, so that every bit of the hash reaches the upper ones.
+    // Multiplied by 2^64 / golden ratio, so that every bit of the hash affects the upper bits.
     [[nodiscard]] size_t Start(uint64_t hash) const {
         return (hash * 0x9E3779B97F4A7C15 >> 32) & (slots.size() - 1);
     }
@@ -81,7 +81,7 @@ SettingsStore::SettingsStore()
     : index(std::make_unique<Index>()) {}
 
 SettingsStore::~SettingsStore() {
-    // One by one: left to itself the chain would be freed by as many nested calls as it is long.
+    // One by one: the default destructor would recurse once for each setting.
     while (head) {
         head = std::move(head->next);
     }

@@ -2,10 +2,9 @@
 // order. The child's name is the type ("int", "int2", "string", "bool", "float"), its attributes are
 // `name`, `value` and, for "int2", `value2`. Numbers are written as "%d", floats as "%f" with a point
 // in every locale, booleans as "true" and "false", texts as UTF-8. A child is a line of its own, four
-// spaces in; a value with a double quote stands in single ones.
+// spaces in; a value that contains a double quote is in single quotes.
 //
-// A file that somebody has written into may be no XML any more. What stands before the first fault that
-// stops the reader is taken all the same.
+// A file edited by hand may be invalid XML. Everything before the first error is still read.
 
 #include "base/files.h"
 #include "base/text.h"
@@ -33,7 +32,7 @@ const char* TypeName(const Setting& setting) {
     return kTypeNames[static_cast<size_t>(setting.type.load(std::memory_order_relaxed))];
 }
 
-// What the conversions skip before a number: white space and a plus sign.
+// The conversions skip white space and a plus sign before a number.
 std::string_view NumberText(std::string_view text) {
     const size_t begin = text.find_first_not_of(" \t\n\v\f\r");
     text.remove_prefix(begin == text.npos ? text.size() : begin);
@@ -43,8 +42,7 @@ std::string_view NumberText(std::string_view text) {
     return text;
 }
 
-// The number in base 10 that the text begins with, at the end of the range when it lies beyond; false
-// when it begins with none.
+// The decimal number that the text begins with, clamped to the range; false if it begins with none.
 bool ParseInt(std::string_view text, int32_t& value) {
     text = NumberText(text);
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value, 10);
@@ -56,7 +54,7 @@ bool ParseInt(std::string_view text, int32_t& value) {
     return result.ec == std::errc();
 }
 
-// False when the text begins with no number, or with one that no finite float holds.
+// False if the text does not begin with a number, or with one too large for a finite float.
 bool ParseFloat(std::string_view text, float& value) {
     text = NumberText(text);
     double wide = 0.0;
@@ -75,7 +73,7 @@ std::string FloatText(float value) {
     return {text.data(), result.ptr};
 }
 
-// A text as the document can carry it: characters that XML has no way to write become U+FFFD.
+// Text as XML can hold it: characters that XML cannot represent become U+FFFD.
 std::string DocumentText(std::wstring_view wide) {
     std::wstring clean(wide);
     for (wchar_t& c : clean) {
@@ -112,8 +110,8 @@ void AppendAttribute(std::string& out, std::string_view name, std::string_view v
     out += quote;
 }
 
-// Parses the text and says what stopped the reader, if anything did. An element whose tag was not read
-// to its end is taken out again.
+// Parses the text and returns the error that stopped the parser, if any. Removes an element whose tag
+// was not read to its end.
 pugi::xml_parse_result Parse(std::string_view text, pugi::xml_document& document) {
     const pugi::xml_parse_result result =
         document.load_buffer(text.data(), text.size(), pugi::parse_escapes, pugi::encoding_utf8);
@@ -143,9 +141,28 @@ bool Complain(std::string& reason, const char* what) {
     return false;
 }
 
+// As a rule there is one root; what a second one holds is not lost.
+void AddEntries(pugi::xml_node root, std::vector<SETTING_ENTRY>& entries) {
+    for (const pugi::xml_node child : root.children()) {
+        const pugi::xml_attribute name = child.attribute("name");
+        const pugi::xml_attribute value = child.attribute("value");
+        const pugi::xml_attribute value2 = child.attribute("value2");
+        if (!name || !value) {
+            continue;
+        }
+        SETTING_ENTRY& entry = entries.emplace_back();
+        entry.type = child.name();
+        entry.name = name.value();
+        entry.value = value.value();
+        if (value2) {
+            entry.value2 = value2.value();
+        }
+    }
+}
+
 enum class FileState { kMissing, kSettings, kPartlySettings, kDamaged };
 
-// Looks at the file as it stands on the disk. `error` names what keeps it from being settings.
+// Reads the file from the disk. `error` says why it cannot be used as settings.
 FileState ReadSettingsFile(const fs::path& path, std::vector<uint8_t>& bytes, std::string& error) {
     std::error_code code;
     const fs::file_status status = fs::status(path, code);
@@ -186,21 +203,13 @@ bool ReadSettingsDocument(std::string_view text, std::vector<SETTING_ENTRY>& ent
     const pugi::xml_parse_result result = Parse(text, document);
     if (!result) {
         reason = WhatStopped(text, result);
+    } else if (const size_t zero = text.find('\0'); zero != std::string_view::npos) {
+        const auto lines =
+            std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
+        reason = "line " + std::to_string(lines + 1) + ": a zero byte ends the document";
     }
-    for (const pugi::xml_node child : document.document_element().children()) {
-        const pugi::xml_attribute name = child.attribute("name");
-        const pugi::xml_attribute value = child.attribute("value");
-        const pugi::xml_attribute value2 = child.attribute("value2");
-        if (!name || !value) {
-            continue;
-        }
-        SETTING_ENTRY& entry = entries.emplace_back();
-        entry.type = child.name();
-        entry.name = name.value();
-        entry.value = value.value();
-        if (value2) {
-            entry.value2 = value2.value();
-        }
+    for (const pugi::xml_node root : document.children()) {
+        AddEntries(root, entries);
     }
     return result || !entries.empty();
 }
@@ -298,7 +307,7 @@ bool LoadSettingsFile(SettingsStore& store, std::string& error) {
 
 namespace {
 
-// A name beside the settings file that nothing has.
+// An unused name beside the settings file.
 fs::path FreeKeptName(const fs::path& path) {
     fs::path kept = path;
     kept += ".damaged";
@@ -312,8 +321,8 @@ fs::path FreeKeptName(const fs::path& path) {
     return kept;
 }
 
-// Copies a damaged file, so that the settings file, which may also mark the home folder, is there at
-// every moment. What is no file (a folder, a pipe) cannot be copied and is moved out of the way.
+// Copies a damaged file, so that the settings file, which may also mark the home folder, exists at
+// every moment. A folder or a pipe of that name cannot be copied and is moved out of the way.
 bool KeepDamaged(const fs::path& path, std::string& error) {
     const fs::path kept = FreeKeptName(path);
     std::error_code code;
@@ -335,7 +344,7 @@ bool SaveSettingsFile(const SettingsStore& store, std::string& error) {
     const fs::path path = ResolvePath(kSettingsFile);
     std::vector<uint8_t> bytes;
     const FileState state = ReadSettingsFile(path, bytes, error);
-    // What could not be read is not in the store, and would be gone.
+    // What could not be read is not in the store and would be lost.
     const bool losesSomething = state == FileState::kDamaged || state == FileState::kPartlySettings;
     if (losesSomething && !KeepDamaged(path, error)) {
         return false;

@@ -18,8 +18,8 @@ struct SETTING_ENTRY {
 };
 
 // Reads a document into the entries of its root's children in their order, leaving out those without
-// `name` or `value`. The root may have any name. A fault in the XML ends the reading; the entries before
-// it stay, and `reason` says where and what it was. False, with the reason, for a text that gives nothing:
-// one that is too long, has no element or is faulty before its first entry.
+// `name` or `value`. The root may have any name. An error in the XML ends the reading; the entries
+// before it are kept, and `reason` says where and what it was. False, with the reason, for a text
+// without any entry: one that is too long, has no element or has an error before its first entry.
 [[nodiscard]] bool ReadSettingsDocument(std::string_view text, std::vector<SETTING_ENTRY>& entries,
                                         std::string& reason);

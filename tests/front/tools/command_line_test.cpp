@@ -80,7 +80,7 @@ TEST(CommandLine, ConvertMakesAGameAndKeepsTheSource) {
                                    HasSubstr("v1.0"), HasSubstr(HexText(Sha256(image)))));
 }
 
-// Of the console before the Master System, which plays them.
+// Images of the Master System's predecessor, whose games it plays.
 TEST(CommandLine, ConvertTakesAnSgImageForTheMasterSystem) {
     const TemporaryFolder home;
     const auto rom = home.Write("old.sg", Image(8192));
@@ -167,13 +167,13 @@ TEST(CommandLine, ASettingsFileIsWrittenAtTheEndOfTheRun) {
 TEST(CommandLine, EveryBadFileGetsOneLineThatNamesItAndExitCodeOne) {
     const TemporaryFolder home;
     const std::vector<std::pair<std::filesystem::path, std::string>> files = {
-        {home.Path() / "missing.sms",                 "cannot be opened"               },
-        {home.Write("empty.sms",                      std::string_view()),               "is empty"},
-        {home.Write("text.txt",                                           std::string_view("hello")),                                                        "is of no known kind"},
-        {home.Write("broken.zip",                      std::string_view("PK\x03\x04 no archive")),"broken.zip"},
-        {home.Write("short.game",std::string_view("GAME")),  "too short"},
-        {home.Write("foreign.game",                     std::string(200,                                                  'x')), "is not a game file"},
-        {home.Path(),                                           "is a folder"                                                   },
+        {home.Path() / "missing.sms",                 "cannot be opened"             },
+        {home.Write("empty.sms",                      std::string_view()),             "is empty"},
+        {home.Write("text.txt",                                           std::string_view("hello")),                                                      "is of an unknown kind"},
+        {home.Write("broken.zip",                    std::string_view("PK\x03\x04 no archive")),"broken.zip"},
+        {home.Write("short.game",std::string_view("GAME")),    "too short"},
+        {home.Write("foreign.game",                     std::string(200,                                              'x')), "is not a game file"},
+        {home.Path(),                                           "is a folder"                                                 },
     };
     for (const auto& [path, words] : files) {
         for (const char* command : {"info", "play"}) {

@@ -64,7 +64,7 @@ protected:
         }
         return lines;
     }
-    // A line of hashes but for the frame's number.
+    // A line of hashes without the frame's number.
     static std::string WithoutNumber(const std::string& line) {
         return line.substr(line.find(' '));
     }
@@ -123,7 +123,7 @@ TEST_F(Headless, EveryDemoMovesAndSounds) {
         for (const std::string& line : lines) {
             pictures.insert(Picture(line));
         }
-        // The NES test card stands still on each page and turns it now and then.
+        // The NES test card shows still pages and turns them now and then.
         EXPECT_GT(pictures.size(), demo.ends_with("-testcard") ? 1u : 10u)
             << demo << " stands still";
         if (demo.ends_with("-torture") || demo.ends_with("-testcard")) {
@@ -168,13 +168,13 @@ TEST_F(Headless, WrongOptionsAreToldApart) {
     folder.Write("bad-state", std::string_view("no state"));
     const PROGRAM_RESULT bad = Play({game, "--frames", "1", "--load-state", Path("bad-state")});
     EXPECT_EQ(bad.exitCode, 1);
-    EXPECT_THAT(bad.error, HasSubstr("bad-state: is no state of this machine"));
+    EXPECT_THAT(bad.error, HasSubstr("bad-state: is not a state of this machine"));
 }
 
 TEST_F(Headless, MegaDriveFilesArePlayedOrSaidToBeWrong) {
     MdProgram loops;
     loops.Stop();
-    // The last byte of a vector that is never used; out of order it is the start's.
+    // The last byte of an unused vector; with the bytes out of order it belongs to the start vector.
     loops.PutLong(12, kMdOther + 1);
     const std::vector<uint8_t>& plain = loops.Image();
     // The same program in the 16 KiB blocks of a copier: first the odd bytes, then the even ones.
@@ -203,7 +203,7 @@ TEST_F(Headless, MegaDriveFilesArePlayedOrSaidToBeWrong) {
 
     const std::string noHeader = "; the image has no Mega Drive header\n";
     const std::string gone = "address error at 0x000301, program counter 0x000301\n";
-    const std::string bare = ": is only a copier's header; no Mega Drive image is behind it\n";
+    const std::string bare = ": is only a copier's header, without a Mega Drive image\n";
     const struct {
         const char* name;
         std::vector<uint8_t> bytes;

@@ -74,7 +74,7 @@ TEST_F(Script, EveryActionCanBePressedAlone) {
 
 TEST_F(Script, WrongLinesAreNamed) {
     EXPECT_FALSE(script.Parse("1 SMS P1 UP down\nSMS P1 UP down", error));
-    EXPECT_THAT(error, HasSubstr("line 2: begins with no frame number"));
+    EXPECT_THAT(error, HasSubstr("line 2: does not begin with a frame number"));
     EXPECT_FALSE(script.Parse("1 SMS P1 UP sideways", error));
     EXPECT_THAT(error, HasSubstr("line 1: does not end"));
     EXPECT_FALSE(script.Parse("1 SMS P9 UP down", error));

@@ -24,7 +24,7 @@ std::vector<uint8_t> Decode(const std::vector<uint8_t>& file, uint32_t& width, u
 } // namespace
 
 TEST(Png, HoldsTheVisibleWindowInRedGreenBlue) {
-    // Each pixel's number in its three channels, moved apart.
+    // Each pixel's number in its three channels, with different offsets.
     std::vector<uint32_t> pixels(6 * 4);
     for (uint32_t i = 0; i < pixels.size(); ++i) {
         pixels[i] = 0xFF000000 | i << 16 | (i + 100) << 8 | (i + 200);

@@ -16,7 +16,7 @@ using testing::Not;
 
 namespace {
 
-// The variable is set, or gone with null, while this lives.
+// Sets the variable, or unsets it for null, for the life of this object.
 class Environment {
 public:
     Environment(const char* variable, const char* value)
@@ -101,7 +101,7 @@ TEST_F(WindowCommand, WithoutADisplayRunsOffTheScreenAndSaysSo) {
 }
 
 TEST_F(WindowCommand, ARunOffTheScreenLeavesTheSavesAlone) {
-    // A game that counts in its battery RAM without end.
+    // A game that counts in its battery RAM forever.
     MdProgram program;
     program.Text(0x1B0, "RA").Bytes(0x1B2, {0xF8, 0x20});
     program.PutLong(0x1B4, 0x200001).PutLong(0x1B8, 0x20FFFF);
@@ -134,7 +134,7 @@ TEST_F(WindowCommand, AGameThatEndsEndsTheOffScreenRun) {
     EXPECT_THAT(result.error, HasSubstr("address error at 0x000201"));
 }
 
-// The run is over as soon as its game is, so nobody can have read why.
+// The run ends with its game, so nobody can have read why.
 TEST_F(WindowCommand, AFaultOfARunThatWasOverAtOnceIsToldAtTheNextStart) {
     ASSERT_EQ(Run({"play", EndingGame(), "--frames", "300"}).exitCode, 1);
     EXPECT_TRUE(std::filesystem::exists(folder.Path() / "unread.txt"));

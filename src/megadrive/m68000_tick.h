@@ -1,18 +1,18 @@
-// One round of the processor's run loop, inline for the machine's own loop.
+// The processor's tick, for the machine's loop to inline.
 #pragma once
 
 #include "megadrive/m68000.h"
 #include "megadrive/m68000_access.h"
 
-// Takes an interrupt and gives the clocks of its entry; 1 when intAck drops it.
+// Takes an interrupt and returns the clocks of its entry; 1 if intAck drops it.
 uint32_t M68kTakeInterrupt(M68K_STATE& cpu, uint32_t level);
 
 inline constexpr uint32_t kM68kStoppedClocks = 4;
 inline constexpr uint32_t kM68kNmiLevel = 7;
 
-// Runs an instruction, takes an interrupt, or stands still for four clocks. Gives the clocks. Throws
+// Runs one instruction, takes an interrupt, or stays stopped for four clocks. Returns the clocks. Throws
 // M68K_ADDRESS_ERROR.
-inline uint32_t M68kStep(M68K_STATE& cpu) {
+inline uint32_t M68kTick(M68K_STATE& cpu) {
     if (cpu.stopped != 0) {
         return kM68kStoppedClocks;
     }

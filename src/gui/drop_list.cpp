@@ -20,7 +20,7 @@ CGhostDropList::CGhostDropList(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
     manager.SetWindowFrame(window, &style.bg.border);
     arrow = new CGhostButton(window, creationId, L"none", {}, CGhostButton::kNoKeys, {});
     arrow->SetStyle(style.button);
-    manager.SetTabStop(arrow->window, false);
+    manager.SetPart(arrow->window);
     arrow->OnClick.connect([this](CGhostButton*, int, int, unsigned) { Toggle(); });
 
     list = new CGhostList(nullptr, creationId, L"LIST",
@@ -29,6 +29,7 @@ CGhostDropList::CGhostDropList(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
     list->SetVisible(false);
     manager.SetTabStop(list->window, false);
     manager.SetOwner(list->window, window);
+    manager.SetPart(list->window);
     list->OnSelect.connect(
         [this](CGhostList*, int index, GHOSTLIST_ITEM* item) { Chosen(index, item); });
     list->OnCancel.connect([this](CGhostList*) { CloseList(); });
@@ -143,9 +144,9 @@ void CGhostDropList::StepSelection(int32_t step) {
     }
 }
 
-// A list whose control is hidden goes with it.
+// A list whose control is hidden goes with it. Its bar does not tell who took the focus from it.
 void CGhostDropList::OnTick(unsigned /*microseconds*/) {
-    if (open && !IsVisible()) {
+    if (open && (!IsVisible() || !IsOwnPart(CGhostManager::Get().FocusWindow()))) {
         CloseList();
     }
 }

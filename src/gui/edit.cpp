@@ -33,6 +33,7 @@ CGhostEdit::~CGhostEdit() {
     if (keyboard != nullptr) {
         keyboard->EditIsGone();
     }
+    OnGone(this);
 }
 
 void CGhostEdit::SetText(const std::wstring& wanted) {
@@ -292,7 +293,9 @@ void CGhostEdit::OnFocus(bool gained, void* /*other*/) {
     focused = gained;
     caretShown = true;
     blinkTime = 0;
-    if (!gained) {
+    if (gained) {
+        ShowCaret();
+    } else {
         dragging = false;
         dragScroll = 0;
     }

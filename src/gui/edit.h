@@ -43,6 +43,7 @@ public:
     GuiSignal<void(CGhostEdit*, const std::wstring&)> OnChange;
     GuiSignal<void(CGhostEdit*, bool)> OnSubmit; // true: return, false: escape
     GuiSignal<void(CGhostEdit*, bool)> OnFocusChange;
+    GuiSignal<void(CGhostEdit*)> OnGone; // while it ends
 
     void Destroy() override { delete this; }
     void OnFocus(bool gained, void* other) override;

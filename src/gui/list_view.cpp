@@ -76,6 +76,7 @@ void CGhostListView::MakeHeading(int32_t column) {
     made.heading = new CGhostButton(window, GetFlags(), L"none", made.caption,
                                     CGhostButton::kNoKeys | grips, {});
     made.heading->SetStyle(style.header);
+    CGhostManager::Get().SetPart(made.heading->window);
     made.heading->OnState.connect(
         [this, column](CGhostButton*, int x, int, bool pressed, bool released) {
             HeadingState(column, x, pressed, released);
@@ -370,6 +371,8 @@ void CGhostListView::BeginEdit(int32_t row, int32_t column) {
             EndEdit(true);
         }
     });
+    editor->OnGone.connect(
+        [this](CGhostEdit* from) { editor = from == editor ? nullptr : editor; });
     editor->SetFocus();
 }
 

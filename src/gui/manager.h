@@ -79,7 +79,9 @@ public:
     // Appended as the last sibling. An unknown parent makes it top-level.
     GHOSTMANAGER_WINDOW* CreateWindow(GHOSTMANAGER_WINDOW* parent, uint32_t flags,
                                       CGhostGUIHandler* handler, bool nonClient);
-    bool DestroyWindow(GHOSTMANAGER_WINDOW* window); // it lives until the end of a tick
+    // It lives until the end of a tick. A part of a control takes the whole control with it.
+    bool DestroyWindow(GHOSTMANAGER_WINDOW* window);
+    bool SetPart(GHOSTMANAGER_WINDOW* window); // of its parent's control, or its owner's
     bool SetWindowToolTip(GHOSTMANAGER_WINDOW* window, const std::wstring& text);
     bool SetTabStop(GHOSTMANAGER_WINDOW* window, bool tabStop);
     // kKeepValue keeps a value; negative sizes become 0, sizes are limited to 4000.

@@ -40,7 +40,19 @@ bool CGhostManager::DestroyWindow(GHOSTMANAGER_WINDOW* window) {
     if (!Knows(window)) {
         return false;
     }
+    while (window->part && (window->parent != nullptr || window->owner != nullptr)) {
+        window = window->parent != nullptr ? window->parent : window->owner;
+    }
     window->deletePending = true;
+    return true;
+}
+
+bool CGhostManager::SetPart(GHOSTMANAGER_WINDOW* window) {
+    const std::scoped_lock hold(treeLock);
+    if (!Knows(window)) {
+        return false;
+    }
+    window->part = true;
     return true;
 }
 

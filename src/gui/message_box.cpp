@@ -74,6 +74,9 @@ CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring
     button->next = new Dismisser(this);
     button->OnClick.connect([this](CGhostButton*, int, int, unsigned) { Dismiss(); });
     message = new CGhostMultiText(box->window, 0, L"MESSAGEBOX_TEXT", text, {});
+    for (GHOSTMANAGER_WINDOW* const part : {box->window, button->window, message->window}) {
+        manager.SetPart(part);
+    }
     Place();
     manager.SetModal(window);
     button->SetFocus();

@@ -16,6 +16,7 @@ CGhostPopup::CGhostPopup(GHOSTMANAGER_WINDOW* parent, uint32_t creationId) {
     list->SetVisible(false);
     manager.SetTabStop(list->window, false);
     manager.SetOwner(list->window, window);
+    manager.SetPart(list->window);
     list->OnSelect.connect([this](CGhostList*, int index, GHOSTLIST_ITEM* item) {
         if (item != nullptr) {
             Hide();
@@ -25,11 +26,22 @@ CGhostPopup::CGhostPopup(GHOSTMANAGER_WINDOW* parent, uint32_t creationId) {
     list->OnCancel.connect([this](CGhostList*) { Hide(); });
     // What has the focus now counts, since the list may have it again already.
     list->OnFocusChange.connect([this](CGhostList*, bool gained, void*) {
-        const GHOSTMANAGER_WINDOW* const focus = CGhostManager::Get().FocusWindow();
-        if (!gained && focus != list->window && focus != list->ScrollbarWindow()) {
+        if (!gained && !HasFocus()) {
             Hide();
         }
     });
+}
+
+bool CGhostPopup::HasFocus() const {
+    const GHOSTMANAGER_WINDOW* const focus = CGhostManager::Get().FocusWindow();
+    return focus == list->window || focus == list->ScrollbarWindow();
+}
+
+// The list's bar does not tell who took the focus from it.
+void CGhostPopup::OnTick(unsigned /*microseconds*/) {
+    if (shown && !HasFocus()) {
+        Hide();
+    }
 }
 
 int32_t CGhostPopup::AddItem(const std::wstring& text, int32_t image, uint32_t itemFlags,
@@ -72,8 +84,7 @@ void CGhostPopup::Hide() {
     }
     shown = false;
     CGhostManager& manager = CGhostManager::Get();
-    const GHOSTMANAGER_WINDOW* const focus = manager.FocusWindow();
-    const bool within = focus == list->window || focus == list->ScrollbarWindow();
+    const bool within = HasFocus();
     list->SetVisible(false);
     if (within) {
         manager.RestoreInput({0, before.focus});

@@ -24,11 +24,14 @@ public:
     GuiSignal<void(CGhostPopup*, int, GHOSTLIST_ITEM*)> OnSelect;
 
     void Destroy() override { delete this; }
+    void OnTick(unsigned microseconds) override;
 
 protected:
     ~CGhostPopup() override = default;
 
 private:
+    [[nodiscard]] bool HasFocus() const;
+
     CGhostList* list = nullptr; // its window is owned by this one's, and ends first
     bool shown = false;
     CGhostManager::INPUT_OWNERS before; // who had the focus

@@ -20,6 +20,7 @@ CGhostToolTipWindow::CGhostToolTipWindow()
     frame->next = this;
     hint = new CGhostMultiText(window, 0, L"TOOLTIP_TEXT", {}, {});
     CGhostManager& manager = CGhostManager::Get();
+    manager.SetPart(hint->window);
     manager.ShowWindow(window, false);
     manager.SetToolTipWindow(window);
 }

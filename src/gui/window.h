@@ -48,5 +48,6 @@ struct GHOSTMANAGER_WINDOW {
     bool nonClient = false; // placed in and cut to the parent's outer rectangle
     bool tabStop = false;
     bool deletePending = false;
+    bool part = false;   // of its parent or owner, with which alone it ends
     bool ending = false; // being freed
 };

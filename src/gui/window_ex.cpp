@@ -25,6 +25,7 @@ CGhostWindowEx::CGhostWindowEx(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
     window = MakeControlWindow(parent, creationId, this, place);
     scrollbar = new CGhostScrollbar(window, creationId, L"WINDOW_SCROLLBAR", {true, 0, 0, 0, 0});
     scrollbar->SetVisible(false);
+    CGhostManager::Get().SetPart(scrollbar->window);
     if (scrollbarStyle.verWidth > 0) {
         scrollbar->SetStyle(scrollbarStyle);
     }
@@ -48,6 +49,7 @@ GUI_EDGES CGhostWindowEx::FrameEdges() const {
 void CGhostWindowEx::MakeTitle(const std::wstring& caption) {
     const GUI_PLACE nowhere{true, 0, 0, 0, 0};
     title = new CGhostTextBox(window, GetFlags(), captionStyle, caption, nowhere);
+    CGhostManager::Get().SetPart(title->window);
     title->OnDown.connect([this](CGhostTextBox*, int x, int y, unsigned button) {
         const GUI_RECT at = title->GetRect();
         OnFrameMouseDown(at.x + x, at.y + y, button);
@@ -64,6 +66,7 @@ void CGhostWindowEx::MakeTitle(const std::wstring& caption) {
     const auto make = [&](const wchar_t* style, const wchar_t* sign, auto& signal) {
         auto* const button =
             new CGhostButton(window, GetFlags(), style, sign, CGhostButton::kNoKeys, nowhere);
+        CGhostManager::Get().SetPart(button->window);
         button->OnClick.connect(
             [this, &signal](CGhostButton*, int, int, unsigned) { signal(this); });
         return button;

@@ -1,0 +1,289 @@
+// Lists and tables.
+#include "gui/control_rig.h"
+
+namespace {
+
+class ListTest : public ControlTest {
+protected:
+    CGhostList* Make(uint32_t flags, int rows, GUI_PLACE place = {false, 100, 100, 200, 202}) {
+        auto* const list = new CGhostList(nullptr, 0, L"LIST", flags, place);
+        for (int i = 0; i < rows; ++i) {
+            list->AddItem(std::wstring(1, static_cast<wchar_t>(L'a' + i % 26)) + L"-row");
+        }
+        list->OnSelect.connect([this](CGhostList*, int index, GHOSTLIST_ITEM* item) {
+            EXPECT_EQ(item == nullptr, index < 0);
+            selections.push_back(index);
+        });
+        manager.Tick(0);
+        return list;
+    }
+    std::vector<int> Selections() { return std::exchange(selections, {}); }
+    std::vector<int> selections;
+
+    CGhostListView* MakeView(int rows, uint32_t flags = 0) {
+        auto* const view =
+            new CGhostListView(nullptr, 0, L"VIEW", flags, {false, 100, 100, 300, 224});
+        view->AddColumn(L"Name", 100);
+        view->AddColumn(L"Size", 60);
+        for (int i = 0; i < rows; ++i) {
+            view->AddRow();
+            view->SetCell(i, 0, L"row " + std::to_wstring(rows - i));
+            view->SetCell(i, 1, std::to_wstring(i));
+        }
+        view->OnSelect.connect(
+            [this](CGhostListView*, int row, GHOSTLISTVIEW_ITEM*) { selections.push_back(row); });
+        manager.Tick(0);
+        return view;
+    }
+};
+
+using List = ListTest;
+using ListView = ListTest;
+using Ints = std::vector<int>;
+
+} // namespace
+
+TEST_F(List, GrowsFrom128To256AndKeepsTheSelectedRow) {
+    CGhostList* const list = Make(0, 128);
+    EXPECT_EQ(list->Capacity(), 128u);
+    list->SetSelected(77);
+    list->AddItem(L"one more");
+    EXPECT_EQ(list->Capacity(), 256u);
+    EXPECT_EQ(list->Selected(), 77);
+    EXPECT_EQ(list->Item(77)->text, L"z-row");
+}
+
+TEST_F(List, APressSelectsTheRowAndPastTheLastNone) {
+    CGhostList* const list = Make(0, 3);
+    const int row = list->RowHeight();
+    ClickAt(110, 101 + row + 1); // within a frame of 1
+    EXPECT_EQ(Selections(), (Ints{1}));
+    ClickAt(110, 101 + row + 1);
+    EXPECT_EQ(Selections(), Ints{}) << "it is selected";
+    ClickAt(110, 101 + 3 * row);
+    EXPECT_EQ(Selections(), (Ints{-1}));
+    ClickAt(110, 101 + 3 * row - 1);
+    EXPECT_EQ(Selections(), (Ints{2}));
+}
+
+TEST_F(List, FlagsSayWhatIsSelectedAndReported) {
+    Make(CGhostList::kNoSelection, 3);
+    ClickAt(110, 105);
+    EXPECT_EQ(Selections(), Ints{});
+    manager.Reset();
+    Make(CGhostList::kReportsAgain, 3);
+    ClickAt(110, 105);
+    ClickAt(110, 105);
+    EXPECT_EQ(Selections(), (Ints{0, 0}));
+    manager.Reset();
+    Make(CGhostList::kOnRelease, 3);
+    MoveTo(110, 105);
+    Press();
+    EXPECT_EQ(Selections(), Ints{});
+    Release();
+    EXPECT_EQ(Selections(), (Ints{0}));
+}
+
+TEST_F(List, ADisabledRowIsNoRow) {
+    CGhostList* const list = Make(0, 4);
+    list->Item(1)->flags = GHOSTLIST_ITEM::kDisabled;
+    list->SetSelected(2);
+    list->SetSelected(1);
+    EXPECT_EQ(list->Selected(), -1);
+    EXPECT_EQ(Selections(), (Ints{2, -1}));
+    list->SetSelected(0, false);
+    EXPECT_EQ(Selections(), Ints{}) << "not to be reported";
+    Focus(list->window);
+    Key(kDown);
+    EXPECT_EQ(list->Selected(), 2) << "passed over";
+    Key(kUp);
+    EXPECT_EQ(list->Selected(), 0);
+}
+
+TEST_F(List, KeysMoveAndShowTheSelection) {
+    CGhostList* const list = Make(0, 100);
+    Focus(list->window);
+    Key(kEnd);
+    EXPECT_EQ(list->Selected(), 99);
+    EXPECT_EQ(list->ScrollPixels(), list->ContentHeight() - 200) << "no further than the end";
+    const int page = 200 / list->RowHeight();
+    Key(kPageUp);
+    EXPECT_EQ(list->Selected(), 99 - page);
+    Key(kHome);
+    EXPECT_EQ(list->Selected(), 0);
+    EXPECT_EQ(list->ScrollPixels(), 0);
+    Key(kUp);
+    EXPECT_EQ(list->Selected(), 0);
+    Key(kPageDown);
+    EXPECT_EQ(list->Selected(), page);
+}
+
+TEST_F(List, LettersLookForARow) {
+    CGhostList* const list = Make(0, 30);
+    Focus(list->window);
+    Type("c");
+    EXPECT_EQ(list->Selected(), 2);
+    Type("c");
+    EXPECT_EQ(list->Selected(), 28) << "the next one with it";
+    Type("c");
+    EXPECT_EQ(list->Selected(), 2) << "round";
+    manager.Tick(1000000);
+    list->AddItem(L"Delta");
+    Type("de");
+    EXPECT_EQ(list->Selected(), 30) << "capitals or not";
+}
+
+TEST_F(List, TheWheelScrollsToTheEndsAndNoFurther) {
+    CGhostList* const list = Make(0, 100);
+    MoveTo(110, 150);
+    Wheel(true);
+    EXPECT_EQ(list->ScrollPixels(), 0);
+    Wheel(false);
+    EXPECT_EQ(list->ScrollPixels(), 3 * list->RowHeight());
+    for (int i = 0; i < 60; ++i) {
+        Wheel(false);
+    }
+    EXPECT_EQ(list->ScrollPixels(), list->ContentHeight() - 200);
+    EXPECT_EQ(list->window->clientRect.width, 200 - 2 - 14) << "the bar's width is taken off";
+}
+
+TEST_F(List, AControllerLeavesItAtTheEnds) {
+    CGhostList* const list = Make(0, 3);
+    auto* const below = new CGhostButton(nullptr, 0, L"BUTTON", L"", 0, {false, 100, 400, 80, 30});
+    int chosen = -1;
+    list->OnChoose.connect([&](CGhostList*, int index, GHOSTLIST_ITEM*) { chosen = index; });
+    Focus(list->window);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(manager.Navigate(GUI_DIRECTION::kDown));
+    }
+    EXPECT_EQ(list->Selected(), 2);
+    manager.ActivateFocus();
+    EXPECT_EQ(chosen, 2);
+    EXPECT_TRUE(manager.Navigate(GUI_DIRECTION::kDown));
+    EXPECT_EQ(manager.FocusWindow(), below->window);
+}
+
+TEST_F(List, RemovingARowKeepsTheSelectionOnItsRow) {
+    CGhostList* const list = Make(0, 5);
+    list->SetSelected(3);
+    list->RemoveItem(1);
+    EXPECT_EQ(list->Selected(), 2);
+    EXPECT_EQ(list->Item(2)->text, L"d-row");
+    list->RemoveItem(2);
+    EXPECT_EQ(list->Selected(), -1);
+    list->RemoveItem(17);
+    list->Clear();
+    EXPECT_EQ(list->Count(), 0);
+}
+
+TEST_F(ListView, AClickReportsButtonRowAndColumn) {
+    CGhostListView* const view = MakeView(5);
+    std::vector<Ints> clicks;
+    view->OnClick.connect(
+        [&](CGhostListView*, unsigned button, int row, int column, GHOSTLISTVIEW_ITEM* cell) {
+            clicks.push_back({static_cast<int>(button), row, column, cell != nullptr ? 1 : 0});
+        });
+    ClickAt(110, 124);         // the first row begins under the heading of 24
+    ClickAt(210, 124 + 45, 2); // rows of 20
+    ClickAt(290, 124 + 99);    // beside the columns
+    ClickAt(110, 124 + 100);   // below the rows
+    EXPECT_EQ(clicks, (std::vector<Ints>{
+                          {1, 0,  0,  1},
+                          {2, 2,  1,  1},
+                          {1, 4,  -1, 0},
+                          {1, -1, -1, 0}
+    }));
+    EXPECT_EQ(Selections(), (Ints{0, 4, -1}));
+}
+
+TEST_F(ListView, TheSelectionIsAFlagOfTheRowsCells) {
+    CGhostListView* const view = MakeView(5);
+    view->SetSelected(1);
+    EXPECT_EQ(view->Cell(1, 1)->flags, GHOSTLISTVIEW_ITEM::kSelected);
+    view->SetSelected(3);
+    EXPECT_EQ(view->Cell(1, 1)->flags, 0u);
+    EXPECT_EQ(view->Cell(3, 0)->flags, GHOSTLISTVIEW_ITEM::kSelected);
+    EXPECT_EQ(view->Cell(5, 0), nullptr);
+    EXPECT_EQ(view->Cell(0, 2), nullptr);
+}
+
+TEST_F(ListView, AHeadingSortsIfTheOwnerSaysSo) {
+    CGhostListView* const view = MakeView(9); // "row 9" to "row 1"
+    int heading = -1;
+    view->OnHeader.connect([&](CGhostListView*, int column) { heading = column; });
+    view->SetSelected(0);
+    ClickAt(150, 110);
+    EXPECT_EQ(heading, 0);
+    EXPECT_EQ(view->Cell(0, 0)->text, L"row 9") << "not sortable yet";
+    view->SetSortable(0);
+    ClickAt(150, 110);
+    EXPECT_EQ(view->Cell(0, 0)->text, L"row 1");
+    EXPECT_EQ(view->Cell(0, 1)->text, L"8") << "the whole row goes along";
+    EXPECT_EQ(view->Selected(), 8) << "the selection stays on its row";
+    ClickAt(150, 110);
+    EXPECT_EQ(view->Cell(0, 0)->text, L"row 9");
+    EXPECT_EQ(view->Selected(), 0);
+    view->SetSortable(1, [](const GHOSTLISTVIEW_ITEM& a, const GHOSTLISTVIEW_ITEM& b) {
+        return std::stoi(a.text) % 3 < std::stoi(b.text) % 3;
+    });
+    view->SortBy(1, false);
+    EXPECT_EQ(view->Cell(0, 1)->text, L"0");
+    EXPECT_EQ(view->Cell(1, 1)->text, L"3") << "equal rows keep their order";
+}
+
+TEST_F(ListView, DraggingAnEdgeOfAHeadingChangesTheWidthAndDoesNotSort) {
+    CGhostListView* const view = MakeView(3);
+    bool sorted = false;
+    view->OnHeader.connect([&](CGhostListView*, int) { sorted = true; });
+    MoveTo(100 + 97, 110); // within 6 of the right edge
+    Press();
+    MoveTo(100 + 137, 110);
+    EXPECT_EQ(view->ColumnWidth(0), 140);
+    Release();
+    EXPECT_EQ(view->CellPlace(0, 1), (GUI_RECT{140, 24, 60, 20}));
+    MoveTo(100 + 143, 110); // the left edge of the second column is the right one of the first
+    Press();
+    MoveTo(100 + 103, 110);
+    Release();
+    EXPECT_EQ(view->ColumnWidth(0), 100);
+    EXPECT_EQ(view->ColumnWidth(1), 60);
+    EXPECT_FALSE(sorted);
+}
+
+TEST_F(ListView, CellsAreCutToWhatIsSeen) {
+    CGhostListView* const view = MakeView(100);
+    view->ScrollTo(10);
+    EXPECT_EQ(view->CellPlace(0, 0), (GUI_RECT{0, 24, 100, 10}));
+    EXPECT_EQ(view->CellPlace(10, 0), (GUI_RECT{0, 214, 100, 10}));
+    EXPECT_TRUE(view->CellPlace(11, 0).Empty());
+    Focus(view->window);
+    Key(kEnd);
+    EXPECT_EQ(view->Selected(), 99);
+    EXPECT_EQ(view->ScrollPixels(), 100 * 20 - 200);
+    Key(kPageUp);
+    EXPECT_EQ(view->Selected(), 89);
+    Type("row 50");
+    EXPECT_EQ(view->Selected(), 50);
+}
+
+TEST_F(ListView, AnEditedCellIsReportedAndEscapeKeepsIt) {
+    CGhostListView* const view = MakeView(5);
+    std::wstring told;
+    view->OnEdited.connect([&](CGhostListView*, int row, int column, const std::wstring& text) {
+        told = std::to_wstring(row) + L" " + std::to_wstring(column) + L" " + text;
+    });
+    Focus(view->window);
+    view->BeginEdit(2, 1);
+    manager.Tick(0);
+    Type("new");
+    Key(kReturn);
+    EXPECT_EQ(told, L"2 1 new");
+    EXPECT_EQ(view->Cell(2, 1)->text, L"new");
+    EXPECT_EQ(manager.FocusWindow(), view->window);
+    view->BeginEdit(2, 1);
+    manager.Tick(0);
+    Type("x");
+    Key(kEscape);
+    EXPECT_EQ(view->Cell(2, 1)->text, L"new");
+    EXPECT_EQ(view->Editor(), nullptr);
+}

@@ -1,0 +1,144 @@
+// theme.xml: what is read, what is inherited, what is left zero.
+#include "gui/theme.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+class ThemeTest : public testing::Test {
+protected:
+    void Parse(const std::string& records) {
+        theme.ParseTheme("<?xml version=\"1.0\"?><theme>" + records + "</theme>");
+    }
+    GhostTextStyle Text(const wchar_t* name) {
+        GhostTextStyle style;
+        EXPECT_TRUE(theme.GetStyle(name, style));
+        return style;
+    }
+    CGhostTheme theme;
+};
+
+using Theme = ThemeTest;
+
+const std::string kRed = R"(<texture type="color"><color name="bg" val="FFFF0000"/></texture>)";
+
+} // namespace
+
+TEST_F(Theme, UseCopiesAnEarlierRecordAndChildrenOverwrite) {
+    Parse("<textbox name='A'>" + kRed +
+          "<color name='text' val='11223344'/></textbox>"
+          "<textbox name='B' use='A'><color name='text' val='FFFFFFFF'/></textbox>");
+    EXPECT_EQ(Text(L"B").bg.colour1, 0xFFFF0000);
+    EXPECT_EQ(Text(L"B").textColour, 0xFFFFFFFF);
+    EXPECT_EQ(Text(L"A").textColour, 0x11223344u);
+}
+
+TEST_F(Theme, UseOfALaterRecordOrAnotherKindGivesZerosAndKeepsItsOwnChildren) {
+    Parse("<textbox name='A' use='LATER'><color name='text' val='FF'/></textbox>"
+          "<textbox name='LATER'>" +
+          kRed +
+          "</textbox>"
+          "<button name='BUTTON'><textbox name='normal'>" +
+          kRed +
+          "</textbox></button>"
+          "<textbox name='B' use='BUTTON'><color name='text' val='FE'/></textbox>"
+          "<textbox name='SELF' use='SELF'><color name='text' val='FD'/></textbox>");
+    EXPECT_EQ(Text(L"A").bg.colour1, 0u);
+    EXPECT_EQ(Text(L"A").textColour, 0xFFu);
+    EXPECT_EQ(Text(L"B").bg.colour1, 0u);
+    EXPECT_EQ(Text(L"B").textColour, 0xFEu);
+    EXPECT_EQ(Text(L"SELF").textColour, 0xFDu);
+}
+
+TEST_F(Theme, TheFirstRecordOfANameDecidesWhateverItsKind) {
+    Parse("<textbox name='A'>" + kRed + "</textbox><textbox name='A'/><button name='A'/>");
+    EXPECT_EQ(Text(L"A").bg.colour1, 0xFFFF0000);
+    GhostButtonStyle button;
+    button.states[0].textColour = 7;
+    EXPECT_FALSE(theme.GetStyle(L"A", button));
+    EXPECT_EQ(button.states[0].textColour, 0u) << "cleared all the same";
+    GhostTextStyle text;
+    EXPECT_FALSE(theme.GetStyle(L"a", text)) << "capitals count";
+}
+
+TEST_F(Theme, ColoursAreHexadecimalWithOrWithoutAPrefix) {
+    Parse("<textbox name='A'><color name='text' val='FF00FF00'/></textbox>"
+          "<textbox name='B'><color name='text' val='0xFF00FF00'/></textbox>");
+    EXPECT_EQ(Text(L"A").textColour, 0xFF00FF00);
+    EXPECT_EQ(Text(L"B").textColour, 0xFF00FF00);
+}
+
+TEST_F(Theme, RectsAreZeroedFirstAndTheWordsWin) {
+    Parse("<textbox name='A'><rect x1='1' y1='2' x2='3' y2='4'/></textbox>"
+          "<textbox name='B' use='A'><rect left='9' x1='5'/></textbox>");
+    EXPECT_EQ(Text(L"A").textRect, (GUI_EDGES{1, 2, 3, 4}));
+    EXPECT_EQ(Text(L"B").textRect, (GUI_EDGES{9, 0, 0, 0}));
+}
+
+TEST_F(Theme, AFillThatNeedsABitmapItHasNotPaintsNothing) {
+    Parse("<textbox name='A'><texture type='bitmap_stretch'><file "
+          "name='BUTTON00'/></texture></textbox>"
+          "<textbox name='B'><texture type='bitmap'><file name='#NOWHERE'/></texture></textbox>"
+          "<textbox name='C'>" +
+          kRed + "<texture type='unheard of'/></textbox>");
+    EXPECT_EQ(Text(L"A").bg.type, GhostFill::kNone);
+    EXPECT_EQ(Text(L"B").bg.type, GhostFill::kNone);
+    EXPECT_EQ(Text(L"C").bg.type, GhostFill::kColour) << "as inherited";
+}
+
+TEST_F(Theme, ABorderWithoutATypeIsNotRead) {
+    Parse("<border name='A'><rect left='5'/></border>"
+          "<border name='B' type='color'><rect left='5'/></border>"
+          "<border name='C' use='B'><rect top='6'/></border>");
+    GhostBorderStyle border;
+    theme.GetStyle(L"A", border);
+    EXPECT_EQ(border.thickness, GUI_EDGES{});
+    theme.GetStyle(L"B", border);
+    EXPECT_EQ(border.thickness, (GUI_EDGES{5, 0, 0, 0}));
+    theme.GetStyle(L"C", border);
+    EXPECT_EQ(border.thickness, (GUI_EDGES{0, 6, 0, 0}));
+    EXPECT_EQ(border.type, GhostFrame::kColour);
+}
+
+TEST_F(Theme, FontsAlignByWordsFoundAnywhere) {
+    Parse("<textbox name='A'><font align='left top' xoffset='-3' yoffset='4'/></textbox>"
+          "<textbox name='B' use='A'><font/></textbox>");
+    EXPECT_EQ(Text(L"A").align, kAlignLeft | kAlignTop);
+    EXPECT_EQ(Text(L"A").xOffset, -3);
+    EXPECT_EQ(Text(L"A").yOffset, 4);
+    EXPECT_EQ(Text(L"B").align, 0u) << "absent is 0";
+}
+
+TEST_F(Theme, StatesOfOtherNamesHaveTheirPlaces) {
+    Parse("<button name='A'><textbox name='other'><color name='text' val='5'/></textbox></button>"
+          "<edit name='E'><textbox name='hot'><color name='text' val='1'/></textbox>"
+          "<textbox name='what'><color name='text' val='2'/></textbox></edit>");
+    GhostButtonStyle button;
+    theme.GetStyle(L"A", button);
+    EXPECT_EQ(button.states[4].textColour, 5u);
+    GhostEditStyle edit;
+    theme.GetStyle(L"E", edit);
+    EXPECT_EQ(edit.states[1].textColour, 2u) << "over the state named last";
+}
+
+TEST_F(Theme, AScrollbarGoesByNamesAlone) {
+    Parse("<scrollbar name='S'><anything name='bg'><color name='text' val='7'/></anything>"
+          "<what name='ver_width' val='14'/></scrollbar>");
+    GhostScrollbarStyle bar;
+    theme.GetStyle(L"S", bar);
+    EXPECT_EQ(bar.bg.textColour, 7u);
+    EXPECT_EQ(bar.verWidth, 14);
+}
+
+TEST_F(Theme, WithoutADeclarationNothingIsRead) {
+    theme.ParseTheme("<theme><textbox name='A'/></theme>");
+    EXPECT_TRUE(theme.Names().empty());
+    theme.ParseTheme("");
+    EXPECT_TRUE(theme.Names().empty());
+    Parse("<textbox name='A'/><textbox/><nothing name='B'/>");
+    EXPECT_EQ(theme.Names().size(), 1u);
+    theme.ParseTheme("<?xml version='1.0'?>");
+    EXPECT_TRUE(theme.Names().empty()) << "the store is dropped first";
+}

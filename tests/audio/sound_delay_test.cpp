@@ -17,7 +17,6 @@ constexpr uint32_t kRate = 44100;
 constexpr int64_t kSecond = 1'000'000'000; // in nanoseconds, the simulation's time
 constexpr int64_t kMillisecond = kSecond / 1000;
 constexpr uint32_t kPull = 512; // frames
-constexpr double kFramesPerSecond = 60.0;
 
 // At `at` the device takes `burst` frames at once, then nothing for `pause`, then sound at the normal
 // rate.

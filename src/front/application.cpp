@@ -61,6 +61,7 @@ bool Application::Start(std::string& error) {
         messages.emplace_back(
             "the graphics driver has no memory for text; messages appear only here");
     }
+    gui.Start(Target());
     SDL_StopTextInput(); // no text field has the focus, and an input method would swallow the keys
     HostSetReportSink(PostReport);
     HostSetNoticeSink(PostNotice);
@@ -122,12 +123,12 @@ bool Application::Round() {
     StopEndedGame();
     KeepBatteries();
     const bool textNews = overlay.Update(Target(), View().statistics, pacer.RateText(), Now());
-    if (events.windowChanged || screenNews || pictureNews || textNews) {
+    const bool guiNews = gui.Update(events, Target(), Now());
+    if (events.windowChanged || screenNews || pictureNews || textNews || guiNews) {
         pacer.NoteNews();
     }
     if (pacer.WantsDrawing(window.IsVisible())) {
         Draw();
-        // The toolkit's screens and its cursor are drawn here.
         window.Swap();
         pacer.CountSwap(Now());
     } else {
@@ -219,6 +220,7 @@ void Application::KeepBatteries() {
 
 void Application::Draw() {
     gameScreen->Draw(Target());
+    gui.Draw();
     overlay.Draw(Target());
 }
 
@@ -289,7 +291,8 @@ void Application::Stop() {
 void Application::Release() {
     sound.Stop(); // first: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
-    // The room's objects and the toolkit go here.
+    // The room's objects go here.
+    gui.End();
     televisions.End();
     overlay.End();
     window.Close();

@@ -12,6 +12,7 @@
 #include "front/event_pump.h"
 #include "front/frame_pacer.h"
 #include "front/game_screen.h"
+#include "front/gui_overlay.h"
 #include "front/joysticks.h"
 #include "front/light_gun.h"
 #include "front/program_commands.h"
@@ -68,6 +69,8 @@ public:
     void SetView(const GAME_VIEW& wanted) { gameScreen->SetView(wanted); }
     [[nodiscard]] const GAME_VIEW& View() const { return gameScreen->View(); }
 
+    [[nodiscard]] const GuiOverlay& Gui() const { return gui; }
+
 private:
     struct COMMAND {
         ProgramCommand action;
@@ -99,6 +102,7 @@ private:
     Televisions televisions;
     std::unique_ptr<GameScreen> gameScreen = std::make_unique<GameScreen>(televisions);
     StatusOverlay overlay;
+    GuiOverlay gui;
     FramePacer pacer;
     LightGun lightGun;
     std::string title;

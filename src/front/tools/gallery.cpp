@@ -3,16 +3,21 @@
 #include "display/gl.h"
 #include "display/texture.h"
 #include "front/appearance.h"
+#include "front/application.h"
 #include "front/event_pump.h"
+#include "front/gui_overlay.h"
 #include "front/joysticks.h"
+#include "front/session_callbacks.h"
 #include "front/tools/commands.h"
 #include "front/tools/gallery_pages.h"
 #include "front/tools/gallery_parts.h"
 #include "front/tools/media_files.h"
+#include "front/tools/play.h"
 #include "front/window.h"
 #include "gui/bitmap.h"
 #include "gui/blend.h"
 #include "gui/manager.h"
+#include "gui/window_ex.h"
 
 #include <SDL.h>
 #include <SDL_opengl.h>
@@ -204,7 +209,7 @@ private:
                 }
                 Turn(gallery, input.key);
             }
-            Post(input);
+            PostGuiInput(input);
         }
         return !events.quit;
     }
@@ -215,33 +220,6 @@ private:
             page = (page + (key == SDL_SCANCODE_F8 ? 1 : count - 1)) % count;
             gallery.Show(page);
         }
-    }
-
-    static void Post(const GUI_INPUT& input) {
-        CGhostManager& manager = CGhostManager::Get();
-        GUI_INPUT_RECORD record;
-        const auto units = [&](int32_t at) {
-            return static_cast<int32_t>(std::floor(at / manager.Density()));
-        };
-        constexpr std::array<int32_t, 4> kButtons = {0, 1, 3,
-                                                     2}; // the middle one is the third here
-        const int32_t button = input.button < kButtons.size() ? kButtons[input.button] : 0;
-        switch (input.kind) {
-        case GuiInputKind::kMouseMove:
-            record.moved = true;
-            record.dx = units(input.x) - manager.CursorX();
-            record.dy = units(input.y) - manager.CursorY();
-            break;
-        case GuiInputKind::kMouseDown: record.buttonDown = button != 0; break;
-        case GuiInputKind::kMouseUp: record.buttonUp = button != 0; break;
-        case GuiInputKind::kWheel: record.wheel = true; break;
-        case GuiInputKind::kKeyDown: record.keyDown = true; break;
-        case GuiInputKind::kKeyUp: record.keyUp = true; break;
-        case GuiInputKind::kText: record.character = static_cast<int32_t>(input.character); break;
-        }
-        record.button = input.kind == GuiInputKind::kWheel ? (input.wheel < 0 ? 1 : 0) : button;
-        record.key = static_cast<int32_t>(input.key);
-        manager.PostInput(record, SDL_GetTicks64());
     }
 
     void ShowPixels(const Gallery& gallery) {
@@ -285,6 +263,54 @@ private:
     size_t page;
 };
 
+// ---- Over a running game.
+
+// The window as it is composed, after five seconds of the game.
+bool TakePicture(Application& application, const std::filesystem::path& file, std::string& error) {
+    std::vector<uint32_t> pixels = application.ReadWindow();
+    EMU_VIDEO_FRAME frame{};
+    frame.pixels = pixels.data();
+    frame.width = frame.visibleWidth = application.MainWindow().PixelWidth();
+    frame.height = frame.visibleHeight = application.MainWindow().PixelHeight();
+    return WriteFile(file, PngOfFrame(frame), error);
+}
+
+int ShowOverGame(const GALLERY_OPTIONS& options) {
+    constexpr uint32_t kFramesBefore = 300;
+    PLAY_OPTIONS play;
+    play.game = options.over;
+    OPENED_GAME opened;
+    std::string error;
+    Application application;
+    if (const int code = OpenForPlay(play, opened, error); code != kExitDone) {
+        Complain(error);
+        return code;
+    }
+    if (!application.Start(error) || !application.Play(opened, error)) {
+        Complain(error);
+        return kExitFailed;
+    }
+    CGhostManager& manager = CGhostManager::Get();
+    GHOSTMANAGER_WINDOW* const root =
+        GalleryWindow(nullptr, L"FLAT", L"", CGhostWindowEx::kNoPaint, manager.ScreenRect());
+    GalleryPages()[options.page > 0 ? options.page - 1 : 0].build(root);
+    bool open = true;
+    bool taken = options.screenshot.empty();
+    while (open && application.Round()) {
+        if (!options.screenshot.empty() && FramesPresented() >= kFramesBefore) {
+            taken = TakePicture(application, options.screenshot, error);
+            open = false;
+        }
+    }
+    manager.DestroyWindow(root);
+    manager.Tick(0);
+    application.Stop();
+    if (!taken) {
+        Complain(error.empty() ? "the window was closed before the picture was taken" : error);
+    }
+    return taken ? kExitDone : kExitFailed;
+}
+
 } // namespace
 
 int GalleryCommand(const GALLERY_OPTIONS& options) {
@@ -294,6 +320,9 @@ int GalleryCommand(const GALLERY_OPTIONS& options) {
         return kExitUsage;
     }
     LoadAppearance();
+    if (!options.over.empty()) {
+        return ShowOverGame(options);
+    }
     return options.screenshot.empty() ? GalleryRun(options).Run(options.density)
                                       : WritePages(options);
 }

@@ -1,0 +1,42 @@
+// GuiOverlay: the windows of the toolkit over whatever the main window shows.
+//
+// It turns the pump's events into the toolkit's input records, runs the toolkit's tick and draws its windows
+// through the four drawing callbacks. Without windows it costs next to nothing.
+//
+// Units: mouse places come in pixels of the drawing surface and go on in units of the virtual screen.
+// Thread: main, with the OpenGL context current.
+// Order: Start, any number of Update and Draw, End. The toolkit's windows outlive it and are drawn again after
+// the next Start.
+#pragma once
+
+#include "display/window_textures.h"
+#include "front/screen.h"
+
+#include <cstdint>
+
+struct GUI_INPUT;
+struct PUMP_EVENTS;
+
+// Hands one event to the toolkit.
+void PostGuiInput(const GUI_INPUT& input);
+
+class GuiOverlay {
+public:
+    void Start(const DRAW_TARGET& target);
+    void End();
+
+    // The input of a round, then the tick. True when the windows look different from now on.
+    [[nodiscard]] bool Update(const PUMP_EVENTS& events, const DRAW_TARGET& target, int64_t now);
+
+    // In Ortho2D, after the picture below. In this call the toolkit composites.
+    void Draw();
+
+    // Uploads of windows so far.
+    [[nodiscard]] uint64_t Uploads() const { return textures.Uploads(); }
+
+private:
+    WindowTextures textures;
+    DRAW_TARGET size{0, 0}; // that the toolkit was told
+    int64_t lastTick = 0;   // microseconds of the host's clock
+    bool started = false;
+};

@@ -18,7 +18,7 @@ constexpr uint32_t kFullCoverage = 128;
 // same shape, so four of them make a square.
 constexpr uint8_t TriangleCoverage(uint32_t rowLeg, uint32_t columnLeg, uint32_t x, uint32_t y) {
     const uint32_t product = rowLeg * columnLeg;
-    // Twice the area beyond a point, times the product.
+    // The area of the triangle beyond a point, times 2 x `product`.
     const auto beyond = [&](uint32_t fromX, uint32_t fromY) {
         const uint32_t taken = fromX * columnLeg + fromY * rowLeg;
         const uint32_t side = product - std::min(taken, product);
@@ -76,7 +76,8 @@ constexpr CoverageTable<factor> MakeCoverage() {
 template <uint32_t factor>
 constexpr CoverageTable<factor> kCoverage = MakeCoverage<factor>();
 
-// A half by a half: half of one of four target pixels, or one of sixteen and half of two beside it.
+// Legs of half a source pixel cut off half of one target pixel at factor 2, and one target pixel and half of its two
+// neighbours at factor 4.
 static_assert(kCoverage<2>[kUpperLeft][kCut1x1] == Coverage<2>{64, 0, 0, 0});
 static_assert(kCoverage<4>[kUpperLeft][kCut1x1] ==
               Coverage<4>{128, 64, 0, 0, 64, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});

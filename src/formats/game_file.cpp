@@ -7,7 +7,7 @@
 #include <cstring>
 
 static_assert(std::endian::native == std::endian::little,
-              "records are copied between memory and files as they stand");
+              "records are copied between memory and files unchanged");
 
 static_assert(offsetof(GAME_HEADER, headerSize) == 4 && offsetof(GAME_HEADER, rawSize) == 8 &&
               offsetof(GAME_HEADER, packedSize) == 12 && offsetof(GAME_HEADER, system) == 16 &&

@@ -9,7 +9,7 @@ Sha256Digest Sha256(std::span<const uint8_t> bytes) {
     Sha256Digest digest{};
     if (EVP_Digest(bytes.data(), bytes.size(), digest.data(), nullptr, EVP_sha256(), nullptr) !=
         1) {
-        // Only running out of memory gets here. A made-up digest would give games a wrong identity.
+        // Only running out of memory gets here. A made-up digest would identify games wrongly.
         std::fputs("the crypto library cannot compute SHA-256\n", stderr);
         std::abort();
     }

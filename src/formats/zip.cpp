@@ -12,7 +12,7 @@
 namespace {
 
 // Every entry is dated 1 January 1980, midnight, the first day that the format knows, so that equal
-// contents give equal bytes.
+// contents make equal bytes.
 constexpr zip_uint16_t kFixedDate = (1u << 5) | 1u;
 constexpr zip_uint16_t kFixedTime = 0;
 
@@ -55,7 +55,7 @@ bool HasDrive(std::wstring_view name) {
 }
 
 // Where the text after the last step upwards begins; 0 if there is none.
-size_t BehindLastStepUp(std::wstring_view name) {
+size_t AfterLastStepUp(std::wstring_view name) {
     for (size_t i = name.size(); i >= 4; --i) {
         if (IsSlash(name[i - 4]) && name[i - 3] == L'.' && name[i - 2] == L'.' &&
             IsSlash(name[i - 1])) {
@@ -272,9 +272,9 @@ std::vector<uint8_t> ZipWriter::Finish(std::string& error) {
 
 std::wstring CleanEntryName(std::wstring_view name) {
     while (true) {
-        const size_t behind = BehindLastStepUp(name);
-        if (behind > 0) {
-            name.remove_prefix(behind);
+        const size_t start = AfterLastStepUp(name);
+        if (start > 0) {
+            name.remove_prefix(start);
         } else if (HasDrive(name)) {
             name.remove_prefix(2);
         } else if (!name.empty() && IsSlash(name.front())) {

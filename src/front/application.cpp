@@ -104,7 +104,6 @@ bool Application::StartSdl(std::string& error) {
 }
 
 bool Application::Round() {
-    // The 3D room is rendered here, and the camera kept for the pump.
     window.TellSize(pump);
     const PUMP_EVENTS events = pump.Pump();
     if (events.quit) {

@@ -457,7 +457,7 @@ bool CGhostManager::SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where) {
     }
     AddDirty(*window);
     if (where == kOut) {
-        // Nothing may point at what no walk finds any more.
+        // Nothing may point at a window that is no longer in the tree.
         for (GHOSTMANAGER_WINDOW* at = window; at != nullptr;) {
             Forget(at);
             GHOSTMANAGER_WINDOW* const next = Next(at);

@@ -37,7 +37,7 @@ int32_t Number(Node node) {
     return Decimal(node.attribute("val").value());
 }
 
-// The word forms are read after the short ones and win.
+// Where both forms are present, the word (`left`) overrides the short one (`x1`).
 GUI_EDGES Edges(Node node) {
     GUI_EDGES edges;
     const auto read = [&](const char* shortForm, const char* word, int32_t& value) {
@@ -195,7 +195,7 @@ void Parse(Node node, GhostButtonStyle& style) {
     }
 }
 
-// A state of another name goes over the one named last.
+// A state of an unknown name is read into the last known state before it, or else into `normal`.
 void Parse(Node node, GhostEditStyle& style) {
     constexpr const char* kStates[] = {"normal", "hot", "readonly"};
     size_t last = 0;
@@ -311,7 +311,7 @@ void CGhostTheme::ParseTheme(std::string_view text) {
     entries.clear();
     pugi::xml_document document;
     const unsigned options = pugi::parse_default | pugi::parse_declaration;
-    // A file that breaks off has the records before the break.
+    // A truncated file still has the records before the cut.
     document.load_buffer(text.data(), text.size(), options, pugi::encoding_utf8);
     const Node first = document.first_child();
     if (first.type() != pugi::node_declaration) {
@@ -322,7 +322,7 @@ void CGhostTheme::ParseTheme(std::string_view text) {
         auto& entry = *entries.emplace_back(std::make_unique<ENTRY>());
         entry.name = WideFromUtf8(node.attribute("name").value());
         if (const pugi::xml_attribute use = node.attribute("use")) {
-            // Looked up while the entry is in the store without a record, so it does not find itself.
+            // The entry has no record yet, so it cannot use itself.
             GetStyle(WideFromUtf8(use.value()), style);
         }
         Parse(node, style);

@@ -33,8 +33,8 @@ public:
     // Drops all records, then reads the text, UTF-8.
     void ParseTheme(std::string_view text);
 
-    // Clears the record, then copies the first one of that name. False when there is none of it, or
-    // when it is of another kind.
+    // Clears `record`, then copies the first record of that name into it. False if there is none
+    // or it is of another kind.
     bool GetStyle(std::wstring_view name, GhostBorderStyle& record) const;
     bool GetStyle(std::wstring_view name, GhostTextStyle& record) const;
     bool GetStyle(std::wstring_view name, GhostButtonStyle& record) const;

@@ -40,14 +40,14 @@ inline constexpr bool kFlat =
 
 // Calls `scalar` for every scalar of a field, or `block` for bytes that are already in file order.
 template <typename T, typename Scalar, typename Block>
-void Walk(T& field, Scalar&& scalar, Block&& block) {
+void EachScalar(T& field, Scalar&& scalar, Block&& block) {
     if constexpr (std::is_array_v<T> || IsStdArray<T>::value) {
         using Element = std::remove_reference_t<decltype(field[0])>;
         if constexpr (kFlat<Element>) {
             block(&field[0], sizeof field);
         } else {
             for (auto& element : field) {
-                Walk(element, scalar, block);
+                EachScalar(element, scalar, block);
             }
         }
     } else {
@@ -63,7 +63,7 @@ class StateCounter {
 public:
     template <typename T>
     void operator()(T& field) {
-        state_piece_detail::Walk(
+        state_piece_detail::EachScalar(
             field, [this](auto& value) { bytes += static_cast<uint32_t>(sizeof value); },
             [this](void*, size_t size) { bytes += static_cast<uint32_t>(size); });
     }
@@ -79,7 +79,7 @@ public:
 
     template <typename T>
     void operator()(T& field) {
-        state_piece_detail::Walk(
+        state_piece_detail::EachScalar(
             field,
             [this](auto& value) {
                 using Unsigned = state_piece_detail::UnsignedOf<sizeof value>;
@@ -109,7 +109,7 @@ public:
 
     template <typename T>
     void operator()(T& field) {
-        state_piece_detail::Walk(
+        state_piece_detail::EachScalar(
             field,
             [this](auto& value) {
                 using Unsigned = state_piece_detail::UnsignedOf<sizeof value>;

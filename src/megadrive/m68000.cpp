@@ -35,7 +35,7 @@ uint32_t ReadVector(M68K_STATE& cpu, uint32_t vector) {
     return target != 0 ? target : M68kReadLong(cpu, cpu.vbr + kM68kUninitialised * kVectorSize);
 }
 
-// Returns the status word from before.
+// Returns the old status word.
 uint32_t EnterSupervisor(M68K_STATE& cpu) {
     const uint32_t status = M68kStatus(cpu);
     cpu.instrMode = kExceptionMode;

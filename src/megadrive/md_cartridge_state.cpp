@@ -66,7 +66,7 @@ uint32_t MdCartStateSize(const MD_CARTRIDGE& cart) {
     if (cart.cartKind == kMdCartSvp) {
         return SvpStateSize();
     }
-    // Writing visits the fields like reading does, and changes none of them.
+    // Counting and loading share this list of fields. Counting does not change them.
     return WithFields(const_cast<MD_CARTRIDGE&>(cart),
                       [](auto&& fields) { return StatePieceSize(fields); });
 }

@@ -123,8 +123,8 @@ struct MD_CATCH_UP_Z80_BUS {
     }
 };
 
-// Runs the Z80's clocks that fall into the next `cycles`, and returns their number. The Z80 is owed the whole
-// instruction at its start, so its clocks fall into the first cycles, one in each.
+// Runs the Z80's owed clocks, at most one in each of the next `cycles`, and returns their number. The clocks of a
+// whole 68000 instruction are owed from its start, so the Z80 runs them in its first cycles.
 uint32_t RunZ80(MEGA_DRIVE& md, uint32_t cycles) {
     if (md.z80Clock < kMdZ80Clocks) {
         return 0;

@@ -1,4 +1,4 @@
-// Registers, command words and bits of the Mega Drive's VDP, as Sega's "Genesis Software Manual" gives them.
+// Registers, command words and bits of the Mega Drive's VDP. Source: Sega, "Genesis Software Manual".
 #pragma once
 
 #include <cstdint>

@@ -209,7 +209,7 @@ uint32_t MdVdpStateSize() {
 }
 
 uint8_t* MdVdpSaveState(const MD_VDP& vdp, uint8_t* out) {
-    // Writing visits the fields like reading does, and changes none of them.
+    // Saving and loading share this list of fields. Saving does not change them.
     return StatePieceWrite(out, FieldsOf(const_cast<MD_VDP&>(vdp)));
 }
 

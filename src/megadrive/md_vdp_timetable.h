@@ -120,7 +120,8 @@ constexpr uint32_t Sum(const std::array<uint8_t, Steps>& lengths) {
     return sum;
 }
 
-// For each step: how many steps from it on have nothing of `mask` to do and the same length.
+// For each step, the number of consecutive steps from it on that have the same length and no action of `mask`; 0 if
+// the step itself has one.
 template <size_t Steps>
 constexpr std::array<uint8_t, Steps> SpanLengths(const std::array<uint8_t, Steps>& actions,
                                                  const std::array<uint8_t, Steps>& lengths,

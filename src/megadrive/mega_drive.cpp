@@ -106,7 +106,7 @@ uint8_t VersionFor(uint32_t regions) {
     if ((regions & kRegionOverseas50) != 0) {
         return kVersion50Hz;
     }
-    // A domestic console at 50 Hz was never made; its bit selects the one at 60 Hz.
+    // No Japanese console ran at 50 Hz; its bit selects the 60 Hz one.
     return (regions & kRegionJapan50) != 0 ? kVersionJapan : kVersionOverseas;
 }
 
@@ -138,7 +138,7 @@ std::string AddressErrorText(const M68K_STATE& cpu, const MD_CARTRIDGE& cartridg
            (HasHeader(cartridge) ? "" : "; the image has no Mega Drive header");
 }
 
-// The bytes of words, high byte first.
+// The words as bytes, high byte first.
 template <typename Words>
 std::vector<uint8_t> BigEndian(const Words& words) {
     std::vector<uint8_t> bytes;

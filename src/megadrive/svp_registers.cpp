@@ -85,7 +85,7 @@ uint32_t ReadMemory(MD_SVP& svp, uint32_t& slot) {
     return 0;
 }
 
-// `ld -, PMx` and `ld PMx, -` give a register the access that PMC holds.
+// `ld -, PMx` and `ld PMx, -` program an external register with the access in PMC.
 bool IsBlind(uint32_t word) {
     constexpr uint32_t kAllButDestination = 0xFF0F;
     constexpr uint32_t kSource = 0x000F;

@@ -51,7 +51,7 @@ uint32_t SvpStateSize() {
 }
 
 uint8_t* SvpSaveState(const MD_SVP& svp, uint8_t* out) {
-    // Writing visits the fields like reading does, and changes none of them.
+    // Saving and loading share this list of fields. Saving does not change them.
     auto& fields = const_cast<MD_SVP&>(svp);
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });
 }

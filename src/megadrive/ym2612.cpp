@@ -274,7 +274,7 @@ uint32_t Ym2612StateSize() {
 }
 
 uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out) {
-    // Writing visits the fields like reading does, and changes none of them.
+    // Saving and loading share this list of fields. Saving does not change them.
     auto& fields = const_cast<YM2612&>(ym);
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });
 }

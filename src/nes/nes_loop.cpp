@@ -1,7 +1,7 @@
 // The frame loops of the NES, with everything that runs in a cycle inlined, and the stall of sample DMA.
 //
-// The plain loop ticks every chip in every cycle and is the reference for the fast one. In the fast loop the PPU
-// lags until the difference could be seen: at a CPU access to anything but memory, at a PPU event such as
+// The plain loop ticks every chip in every cycle and is the reference for the fast one. In the fast loop dots
+// are owed to the PPU until the difference could be seen: at a CPU access to anything but memory, at a PPU event such as
 // the NMI, or when a board that watches PPU addresses might interrupt.
 #include "base/flatten.h"
 #include "machine/sound_settings.h"
@@ -27,7 +27,7 @@ void RunChipsPlain(NES_CONSOLE& nes) {
     ApuTick(nes.apu);
 }
 
-// The same for the fast loop: pixels and sprite evaluation may lag.
+// The same for the fast loop: pixels and sprite evaluation may be owed.
 void RunChips(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {

@@ -2,7 +2,7 @@
 //
 // PpuRun(n) does the same as n times PpuTick, and so as n times PpuPlainTick: eight dots that fetch one tile
 // or sprite run as a group, and so do dots that do nothing. Registers and memory must not have changed since
-// the first of the dots. A machine that lets the PPU lag therefore calls it before every register access
+// the first of the dots. A machine that owes the PPU dots therefore calls it before every register access
 // (reads have side effects and depend on the dot) and before every write to the board. A board sees the
 // addresses in order, and its pattern readers are called in order; for the unused nametable fetches between
 // sprites it sees the addresses only.

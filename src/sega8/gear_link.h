@@ -6,8 +6,8 @@
 // 0 with 2, 1 with 3, 4 with 5; 6 is straight. An undriven line reads 1.
 // Serial: a byte written to port 3 with kGearTransmitOn is sent for ten bit times and arrives at a
 // partner with kGearReceiveOn; it overwrites a byte that was not read. Until then kGearSendFull is
-// 1 and further writes to port 3 are lost (open: published is only that a write sends while the bit
-// is 0). A receiver without a partner sees kGearFrameError and, with kGearNmiOnByte, an NMI every
+// 1 and further writes to port 3 are lost (open: documents only say that a write sends while the
+// bit is 0). A receiver without a partner sees kGearFrameError and, with kGearNmiOnByte, an NMI every
 // ten bit times. Programs take that as "no partner".
 //
 // Clock: one tick (GearLinkTick) is one Z80 clock.

@@ -1,9 +1,9 @@
 // Spans of a mode 4 line at once. Part of vdp_run.cpp.
 //
-// While no access of the processor is pending and no register is written, the slots of whole
-// columns do always the same: fetch, draw, search. Here that runs in plain loops, and the pipeline
-// ends up as the last of the slots would have left it. Each function names the dots that it runs.
-// Before the first of them `lastKind` must be the kind that the slot list has there.
+// While no CPU access is pending and no register is written, the slots of whole columns always do
+// the same: fetch, draw, search. The plain loops here run them and leave the pipeline as the last
+// slot would have left it. Each function names the dots that it runs. Before the first one
+// `lastKind` must be the kind that the slot list has there.
 #pragma once
 
 #include "base/bytes.h"
@@ -50,8 +50,9 @@ inline uint64_t ZeroBytes(uint64_t bytes) {
 
 inline constexpr uint32_t kWordsAtOnce = 4; // of two sprites
 
-// True if none of the next eight sprites is on the line or ends the list. A sprite's rows are a
-// power of two, so a distance is past them if one of the bits of 256 - rows is set.
+// True if none of the next eight sprites is on the line or ends the list. The height of a sprite is
+// a power of two, so the line is outside it if its distance from the first row has a bit of
+// 256 - rows set.
 inline bool SearchFindsNothing(const VDP& vdp) {
     constexpr uint32_t kTableWords = 64;
     constexpr uint64_t kTop = vdp_fetch::kEveryPixel * 0x80;

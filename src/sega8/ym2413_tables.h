@@ -1,6 +1,6 @@
 // The constant tables of the YM2413. Voices, multiples, key scale and oscillators are those of the
-// chip as settled here; the application manual gives the multiples, the envelope times and the
-// depths of tremolo and vibrato. The sine and level tables follow a formula and are built once,
+// chip as settled here; the multiples, the envelope times and the depths of tremolo and vibrato are in
+// the application manual. The sine and level tables follow a formula and are built once,
 // before `main`.
 #pragma once
 

@@ -7,8 +7,8 @@
 //
 // Besides the functions of Z80TickOn the bus has
 //     void At(uint32_t clock);
-// which is called before every fetch and before every step that may touch a port, with the number
-// of clocks of this run that are over. Accesses may change irqLine and nmiEdge. A bus whose
+// which is called before every fetch and before every step that may touch a port. `clock` is the
+// number of clocks of this run that have ended. Accesses may change irqLine and nmiEdge. A bus whose
 // accesses may change busHold or enabled, or that must end the run for another reason, also has
 //     bool Stops() const;
 // which is called after every access and fetch and ends the run when it returns true.
@@ -40,7 +40,7 @@ inline bool StartsInstruction(const Z80& z80) {
            z80.pendingInterrupt == kZ80NoInterrupt;
 }
 
-// True if the next step belongs to `program` and an action is left in it.
+// True if the next step belongs to `program` and the program has an action left.
 inline bool IsInProgram(const Z80& z80) {
     if (z80.program == nullptr || z80.queueIndex < z80.programAt) {
         return false;
@@ -49,7 +49,7 @@ inline bool IsInProgram(const Z80& z80) {
     return done < kActionBits && z80.program->actions >> done != 0;
 }
 
-// The first two clocks of an instruction; `over` clocks of the run are before them.
+// The first two clocks of an instruction that starts `over` clocks into the run.
 template <typename Bus>
 inline void Fetch(Z80& z80, Bus& bus, uint32_t over) {
     bus.At(over + 1);
@@ -71,9 +71,9 @@ inline void Decode(Z80& z80) {
     }
 }
 
-// The other clocks of the instruction, at most `left`, from step `done` of the program on. Returns
-// the clocks that are left: 0 if the instruction has not ended, any number if the bus stops the
-// run. Every program has an end among its actions.
+// Runs the rest of the instruction, from step `done` of its program, for at most `left` clocks.
+// Returns the clocks that it did not use: 0 if the instruction has not ended, unless the bus stops
+// the run. `actions` is never 0, because the end of the program is one of them.
 template <typename Bus>
 inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uint32_t done = 0) {
     using enum Z80Step;
@@ -112,8 +112,8 @@ inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uin
     }
 }
 
-// Instructions until an interrupt is due, the bus stops the run or the clocks do not suffice to
-// decode another one. Returns how many of the `left` clocks are left.
+// Runs instructions until an interrupt is due, the bus stops the run or too few clocks are left to
+// decode another one. Returns the clocks that it did not use.
 template <typename Bus>
 [[gnu::noinline]] uint32_t RunInstructions(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
     do {

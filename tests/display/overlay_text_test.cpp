@@ -159,7 +159,8 @@ TEST_F(OverlayScreen, ScaleMakesEveryDotASquare) {
             EXPECT_EQ(lines[y][x] == '#', bar || stem) << x << ',' << y;
         }
     }
-    EXPECT_EQ(lines[0], "---------------------------...") << "two dots before, two behind";
+    EXPECT_EQ(lines[0], "---------------------------...")
+        << "two dots on the left, two on the right";
     EXPECT_EQ(lines[3], "---ooooooooooooooooooooo---...") << "the rim above";
     EXPECT_EQ(lines[38], "---------------------------...") << "two dots below the ninth row";
     EXPECT_EQ(lines[39], "..............................");

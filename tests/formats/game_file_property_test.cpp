@@ -31,7 +31,7 @@ void AddRandomPieces(CRandom& random, RANDOM_GAME& game, Bytes& records) {
 Bytes RandomName(CRandom& random, RANDOM_GAME& game, size_t romCount) {
     Bytes name = HandName("", {});
     PutBytes(name, 4, random.Fill(300));
-    std::vector<uint8_t> walked;
+    std::vector<uint8_t> listed;
     bool ended = false;
     for (uint32_t slot = random.Below(66), i = 0; i < std::min(slot, 64u); ++i) {
         const auto index = static_cast<uint8_t>(random.Below(romCount + 1));
@@ -39,10 +39,10 @@ Bytes RandomName(CRandom& random, RANDOM_GAME& game, size_t romCount) {
         name[304 + i] = entry;
         ended = ended || entry == 255;
         if (!ended) {
-            walked.push_back(entry);
+            listed.push_back(entry);
         }
     }
-    game.lists.push_back(walked);
+    game.lists.push_back(listed);
     return name;
 }
 

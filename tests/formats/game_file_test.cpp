@@ -344,9 +344,9 @@ TEST(GameFile, FindRomGivesTheFirstOfItsHash) {
 }
 
 TEST(GameFile, NamesUsingRomSearchesEachListUpToItsEnd) {
-    Bytes behindEnd = HandName("c", {0, 255, 1});
+    Bytes afterEnd = HandName("c", {0, 255, 1});
     const CGameFile game =
-        Parsed(HandGame(5, 88 + 3 * 368) + HandName("a", {1, 0}) + HandName("b", {1}) + behindEnd);
+        Parsed(HandGame(5, 88 + 3 * 368) + HandName("a", {1, 0}) + HandName("b", {1}) + afterEnd);
     EXPECT_THAT(game.NamesUsingRom(1), ElementsAre(0, 1, -1));
     EXPECT_THAT(game.NamesUsingRom(0), ElementsAre(0, 2, -1));
     EXPECT_THAT(game.NamesUsingRom(2), ElementsAre(-1));

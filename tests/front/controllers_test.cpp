@@ -11,8 +11,8 @@ constexpr uint16_t kAxisPadModel = 2;
 
 using Controllers = JoystickRounds;
 
-// A fully pressed control, with the actions of players 1 and 2 that it triggers; an asterisk is the
-// player's number.
+// A fully pressed control and the actions that it triggers; `*` is the number of the player, 1 or
+// 2.
 struct CONTROL_ROW {
     const char* what;
     int button; // -1: an axis

@@ -19,7 +19,7 @@ TEST(NoticeLines, ALineEndsAtASpace) {
     EXPECT_THAT(WrapNotice("the saved state cannot be loaded", 16),
                 ElementsAre("the saved state", "cannot be loaded"));
     EXPECT_THAT(WrapNotice("one two three", 7), ElementsAre("one two", "three"))
-        << "the space may lie just behind the line";
+        << "the space may lie just after the line";
     EXPECT_THAT(WrapNotice("one two three", 6), ElementsAre("one", "two", "three"));
 }
 

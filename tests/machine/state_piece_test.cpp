@@ -142,14 +142,14 @@ TEST(StatePiece, TwoPiecesFollowEachOtherWithoutFraming) {
     RECORD second;
     second.byte = 0x77;
     std::vector<uint8_t> blob = Write(first);
-    const std::vector<uint8_t> behind = Write(second);
-    blob.insert(blob.end(), behind.begin(), behind.end());
+    const std::vector<uint8_t> next = Write(second);
+    blob.insert(blob.end(), next.begin(), next.end());
 
     RECORD one = Other();
     RECORD two = Other();
     const uint32_t used = Read(one, blob);
     ASSERT_EQ(used, kExpected.size());
-    EXPECT_EQ(Read(two, {blob.begin() + used, blob.end()}), behind.size());
+    EXPECT_EQ(Read(two, {blob.begin() + used, blob.end()}), next.size());
     EXPECT_EQ(one.byte, 0x11);
     EXPECT_EQ(two.byte, 0x77);
 }

@@ -272,9 +272,9 @@ TEST(MdCartridge, SaveDataIsTheUsedRam) {
             }
         }
         const auto& data = rig.cart->sram->data;
-        const auto behind = data.begin() + static_cast<std::ptrdiff_t>(row.bytes);
-        EXPECT_EQ(std::count(behind, data.end(), 0xFF), data.end() - behind);
-        EXPECT_EQ(static_cast<size_t>(std::count(data.begin(), behind, 0)), row.reached);
+        const auto end = data.begin() + static_cast<std::ptrdiff_t>(row.bytes);
+        EXPECT_EQ(std::count(end, data.end(), 0xFF), data.end() - end);
+        EXPECT_EQ(static_cast<size_t>(std::count(data.begin(), end, 0)), row.reached);
     }
 }
 

@@ -77,7 +77,7 @@ TEST(MdVdpSlots, WithoutDisplayAreTheOddStepsButForRefresh) {
     }
 }
 
-// Half a word at every odd step but those of refresh, on a line of the picture as on one of the blank.
+// One byte at every odd step except refresh, on visible and blank lines alike.
 TEST(MdVdpSlots, WithoutDisplayTakeVramWrites) {
     for (const bool h40 : {false, true}) {
         for (const uint32_t line : {30U, 240U}) {
@@ -321,7 +321,7 @@ TEST(MdVdpDma, OfTheSvpStartsAWordLower) {
     rig.Steps(4);
     EXPECT_EQ(rig.reads, (std::vector<uint32_t>{0x01FFFE, 0x020000}));
     rig.reads.clear();
-    Dma(rig, kVsramCode, 0, 0x200000, 1); // 0x400000 is no more of the ROM
+    Dma(rig, kVsramCode, 0, 0x200000, 1); // 0x400000 is beyond the ROM
     rig.Steps(2);
     EXPECT_EQ(rig.reads, (std::vector<uint32_t>{0x400000}));
     rig.reads.clear();
@@ -470,7 +470,7 @@ TEST(MdVdpDma, FillOfAnotherMemoryWritesVram) {
     }
 }
 
-// It has none, so that those of the source stay as they were written; the length counts down.
+// A fill has no source, so the source registers do not change; the length counts down.
 TEST(MdVdpDma, FillLeavesTheRegistersOfTheSource) {
     MdVdpRig rig;
     rig.Reg(1, 4);
@@ -485,7 +485,7 @@ TEST(MdVdpDma, FillLeavesTheRegistersOfTheSource) {
     EXPECT_EQ(rig.vdp->regs[23], 0x80);
 }
 
-// A command that names no memory to write to reads the bus all the same, a word a slot, and counts.
+// A command with an invalid target still reads the bus, one word a slot, and counts.
 TEST(MdVdpDma, FromTheBusWithAnotherCodeWritesNothing) {
     for (const uint32_t code : {0U, 4U, 7U, 8U}) {
         MdVdpRig rig;
@@ -536,7 +536,8 @@ TEST(MdVdpDma, AHeldSecondWordIsTakenAsAFirst) {
     EXPECT_EQ(rig.vdp->address, 0x8080U); // the high part stays
 }
 
-// A DMA whose command began while the last one ran; and a word that completes one, as a state may hold.
+// First, the second word of a command whose first word came during a DMA. Then a second word that itself comes during
+// a DMA, as is possible after a load.
 TEST(MdVdpDma, AHeldWordBeginsTheNextOne) {
     MdVdpRig rig;
     rig.Reg(1, 4);

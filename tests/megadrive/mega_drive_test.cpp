@@ -362,7 +362,7 @@ TEST_F(MegaDrive, Z80ResetRunsItOnAndResetsTheFmChipEachTime) {
         md.fm.dacEnabled = 0x80;
         WriteWord(0xA11200, 0);
         EXPECT_EQ(md.fm.dacEnabled, 0) << time;
-        EXPECT_EQ(md.z80.regs[kZ80Pc], 0u) << "reset behind its three clocks";
+        EXPECT_EQ(md.z80.regs[kZ80Pc], 0u) << "reset after its three clocks";
     }
 }
 

@@ -70,7 +70,7 @@ TEST(SvpPointer, ModifiersMoveWithinTheModulo) {
             rig.svp->r[pointer] = static_cast<uint8_t>(row.before);
             rig.svp->ram[pointer / 4][static_cast<size_t>(row.before)] = 0x4321;
             rig.Run({LoadX(number / 4, row.modifier, number % 4)});
-            // The cell is that of before.
+            // The access uses the pointer's old value.
             EXPECT_EQ(rig.Get(kSvpX), 0x4321u);
             EXPECT_EQ(rig.svp->r[pointer], row.after)
                 << row.modifier << ' ' << row.modulo << ' ' << row.before;

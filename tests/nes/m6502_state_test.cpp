@@ -69,7 +69,7 @@ TEST(M6502State, LoadedInAnyCycleItGoesOnTheSame) {
             first.bus.trace.clear();
             first.Cycles(20);
             second.Cycles(20);
-            ASSERT_EQ(first.bus.trace, second.bus.trace) << opcode << " behind " << cycles;
+            ASSERT_EQ(first.bus.trace, second.bus.trace) << opcode << " after " << cycles;
             EXPECT_EQ(Save(first.cpu), Save(second.cpu));
         }
     }

@@ -1,5 +1,5 @@
 // Random programs that access everything they can reach at random cycles of the frame: the fast loop, in which the
-// PPU lags, against the plain one, on every kind of board.
+// PPU is owed dots, against the plain one, on every kind of board.
 #include "nes/nes_boards.h"
 
 #include <random>

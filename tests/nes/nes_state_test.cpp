@@ -65,7 +65,7 @@ TEST_P(EveryNesState, TwoRunsAreTheSame) {
     ExpectSameFrames(one, two);
 }
 
-// The PPU lags in the one and never in the other.
+// The PPU is owed dots in the one and never in the other.
 TEST_P(EveryNesState, FastAndPlainFramesAreTheSame) {
     ExpectFastAndPlainAlike([] { return Start(GetParam()); }, Play);
 }

@@ -465,7 +465,7 @@ TEST(Nes, EveryPixelOfEveryFrameIsSet) {
         for (size_t i = 0; i < size_t{256} * 240; ++i) {
             ASSERT_EQ(rig.pixels[i], colour) << i;
         }
-        EXPECT_EQ(rig.pixels[size_t{256} * 240], 0U) << "nothing behind the picture";
+        EXPECT_EQ(rig.pixels[size_t{256} * 240], 0U) << "nothing after the picture";
     }
 }
 

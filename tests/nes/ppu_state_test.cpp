@@ -243,30 +243,30 @@ TEST(PpuState, ALoadedLineEndsWhereItShould) {
 // instead, pictures, register values and states are the same.
 TEST(PpuCatchUp, DelayIsNeverSeen) {
     for (uint32_t seed = 0; seed < 12; ++seed) {
-        PpuRig late;
-        PpuRig prompt;
-        Randomize(late, seed);
-        Randomize(prompt, seed);
-        std::mt19937 lateRandom(seed);
-        std::mt19937 promptRandom(seed);
+        PpuRig fast;
+        PpuRig plain;
+        Randomize(fast, seed);
+        Randomize(plain, seed);
+        std::mt19937 fastRandom(seed);
+        std::mt19937 plainRandom(seed);
         // From no access during the picture to one every few dots.
         const uint32_t pause = seed % 3 == 0 ? 1000000 : seed % 3 == 1 ? 1709 : 37;
         for (uint32_t frame = 0; frame < 3; ++frame) {
-            PpuBeginFrame(*late.ppu, late.pixels.data(), kPpuWidth);
-            PpuBeginFrame(*prompt.ppu, prompt.pixels.data(), kPpuWidth);
+            PpuBeginFrame(*fast.ppu, fast.pixels.data(), kPpuWidth);
+            PpuBeginFrame(*plain.ppu, plain.pixels.data(), kPpuWidth);
             uint32_t dots = 0;
-            while (!late.ppu->frameDone) {
-                late.Dot();
-                prompt.PlainDots(1);
+            while (!fast.ppu->frameDone) {
+                fast.Dot();
+                plain.PlainDots(1);
                 if (++dots % pause == 0) {
-                    Access(late, lateRandom);
-                    Access(prompt, promptRandom);
-                    ASSERT_EQ(late.ppu->openBus, prompt.ppu->openBus) << seed;
-                    ASSERT_EQ(late.ppu->status, prompt.ppu->status) << seed;
+                    Access(fast, fastRandom);
+                    Access(plain, plainRandom);
+                    ASSERT_EQ(fast.ppu->openBus, plain.ppu->openBus) << seed;
+                    ASSERT_EQ(fast.ppu->status, plain.ppu->status) << seed;
                 }
             }
-            ASSERT_EQ(late.pixels, prompt.pixels) << seed << " " << frame;
-            ASSERT_EQ(Save(*late.ppu), Save(*prompt.ppu)) << seed << " " << frame;
+            ASSERT_EQ(fast.pixels, plain.pixels) << seed << " " << frame;
+            ASSERT_EQ(Save(*fast.ppu), Save(*plain.ppu)) << seed << " " << frame;
         }
     }
 }

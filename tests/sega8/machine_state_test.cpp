@@ -187,7 +187,7 @@ TEST(MachineState, SmsBoardBeginsWithTheEightPortLatches) {
     for (size_t i = 0; i < 8; ++i) {
         EXPECT_EQ(saved.blob[5 + i], expected[i]) << i;
     }
-    EXPECT_EQ(saved.blob[13 + 68], 0xAB) << "the work RAM, behind 17 words";
+    EXPECT_EQ(saved.blob[13 + 68], 0xAB) << "the work RAM, after 17 words";
 }
 
 class EveryMachineState : public testing::TestWithParam<CASE> {};

@@ -193,7 +193,7 @@ TEST(StateLayout, Z80) {
         {"wz",               z80.wz              },
         {"regs",             z80.regs            }
     };
-    fields[0].count = kZ80QueueSize; // of the room behind it nothing is kept
+    fields[0].count = kZ80QueueSize; // the bytes after it are not saved
     const auto save = PieceSaver<::Z80>(z80, Z80StateSize, Z80SaveState);
     ExpectFieldsAsListed("Z80", fields, save);
     ExpectOtherVersionsRefused(save, PieceLoader<::Z80>(z80, Z80LoadState));

@@ -588,7 +588,7 @@ TEST(SystemE, EncipheredBoardsFetchTheirOpcodesFromTheirOwnImage) {
         const Arcade machine = StartMachine<CSEGAE>(std::array<uint8_t, 256>{}, game);
         EXPECT_EQ(machine->Peek(0x4000), 0x11);
         EXPECT_EQ(machine->PeekOpcode(0x4000), 0x22);
-        EXPECT_EQ(machine->PeekOpcode(0x8000), 0x11) << "behind the end of the piece";
+        EXPECT_EQ(machine->PeekOpcode(0x8000), 0x11) << "beyond the end of the piece";
         rig.Frame(*machine);
         EXPECT_EQ(machine->Peek(0xC100), 0x42);
     }

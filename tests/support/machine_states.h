@@ -62,8 +62,8 @@ inline std::vector<uint32_t> AllPieceSizes(const SAVED& saved) {
     return sizes;
 }
 
-// The state is made of the pieces that docs/STATES.md lists for the machine. `kinds` says which tables stand for the
-// pieces that go by the cartridge, with an empty name for one that this machine does not have.
+// The state is made of the pieces that docs/STATES.md lists for the machine. `kinds` names the tables of
+// the pieces that depend on the cartridge; the name is empty for a piece that this machine does not have.
 inline void ExpectPiecesAsListed(const std::string& machine, const SAVED& saved,
                                  const std::map<std::string, std::string>& kinds = {}) {
     const std::vector<uint32_t> sizes = AllPieceSizes(saved);
@@ -194,7 +194,7 @@ void ExpectTheRunThatWentOn(Start&& start, Play&& play) {
     ExpectALivelyRun(continued);
 }
 
-// Chips may run late in the fast loop and are always up to date in the plain one.
+// The fast loop may owe its chips clocks; the plain one never does.
 template <typename Start, typename Play>
 void ExpectFastAndPlainAlike(Start&& start, Play&& play) {
     const auto fast = start();

@@ -186,7 +186,7 @@ void ExpectOtherVersionsRefused(Save&& save, Load&& load) {
     EXPECT_EQ(load(before), before.size());
 }
 
-// For records that no test can reach: what the program was brought to by its registers stands in its rows. Every
+// For records that no test can reach: the values that the test set through registers must be in their rows. Every
 // row is named; of an array the first values.
 inline void ExpectValuesAsListed(const std::string& piece, const std::vector<uint8_t>& block,
                                  const std::map<std::string, std::vector<uint64_t>>& values) {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr uint32_t kHeaderBytes = 5;
 constexpr std::string_view kAndMore =
-    " and more"; // behind the size of a piece that does not end with its table
+    " and more"; // after the size of a piece that is longer than its table
 
 using CELLS = std::vector<std::string>;
 
@@ -104,7 +104,7 @@ uint32_t Expand(const SECTION& section, const std::vector<CELLS>& rows, const st
         const std::string type = cells[2].substr(0, times);
         const uint32_t count =
             times == std::string::npos ? 1 : Number(cells[2].substr(times + kTimes.size()));
-        // What is written and not read back stands in brackets.
+        // A field that is written and not read back is in brackets.
         const bool bracketed = cells[3].front() == '(';
         const std::string name =
             prefix + (bracketed ? cells[3].substr(1, cells[3].size() - 2) : cells[3]);

@@ -186,7 +186,7 @@ AddRawSprite:
     rts
 
 | The list to VRAM. It always has all its places, the rest of them above the picture: so it ends by its length
-| in both widths, and nothing is walked twice.
+| in both widths, and no sprite is scanned twice.
     .globl PutSprites
 PutSprites:
     vramWrite kSprites

@@ -45,6 +45,6 @@ struct GALLERY_OPTIONS {
     double density = 1.0;             // pixels to a unit
     std::string over;                 // a game that runs below the page, as `play` takes it
     size_t page = 0;                  // from 1; 0: the first, or with a screenshot all
-    std::filesystem::path screenshot; // without a page each gets its number behind the name
+    std::filesystem::path screenshot; // without a page, one file each, its number after the name
 };
 int GalleryCommand(const GALLERY_OPTIONS& options);

@@ -1,8 +1,8 @@
 // The frame loops of the NES, with everything that runs in a cycle inlined, and the stall of sample DMA.
 //
 // The plain loop ticks every chip in every cycle and is the reference for the fast one. In the fast loop dots
-// are owed to the PPU until the difference could be seen: at a CPU access to anything but memory, at a PPU event such as
-// the NMI, or when a board that watches PPU addresses might interrupt.
+// are owed to the PPU until the difference could be seen: at a CPU access to anything but memory, at a PPU
+// event such as the NMI, or when a board that watches PPU addresses might interrupt.
 #include "base/flatten.h"
 #include "machine/sound_settings.h"
 #include "nes/apu_tick.h"

@@ -1,7 +1,7 @@
 // The constant tables of the YM2413. Voices, multiples, key scale and oscillators are those of the
-// chip as settled here; the multiples, the envelope times and the depths of tremolo and vibrato are in
-// the application manual. The sine and level tables follow a formula and are built once,
-// before `main`.
+// chip as settled here; the multiples, the envelope times and the depths of tremolo and vibrato are
+// in the application manual. The sine and level tables follow a formula and are built once, before
+// `main`.
 #pragma once
 
 #include <array>

@@ -99,7 +99,7 @@ TEST(SoundPump, InTheRoomEverySessionIsHeard) {
     EXPECT_TRUE(rig.channel->mono.Playing());
 }
 
-TEST(SoundPump, BehindAnothersFullScreenASessionIsSilentOnTheRingItHas) {
+TEST(SoundPump, ASessionThatIsNotInFrontIsSilentOnTheRingItHas) {
     SoundRig rig;
     rig.surroundings = {false, false, 1.0f};
     rig.Pump();
@@ -273,7 +273,7 @@ TEST(SoundPump, NothingPlayedMeansNothingMoves) {
     EXPECT_EQ(rig.session.statistics.soundRepositions, 0u);
 }
 
-TEST(SoundPump, NothingWaitingLeavesTheDebtStanding) {
+TEST(SoundPump, NothingWaitingLeavesTheDebt) {
     SoundRig rig;
     rig.Pump();
     rig.Play(300);

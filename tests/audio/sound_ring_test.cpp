@@ -98,7 +98,7 @@ TEST(SoundRing, ReserveLeavesHalfTheRingToThePump) {
     EXPECT_EQ(ring.Cursors().write, 16000u);
 }
 
-TEST(SoundRing, StoppedRingGivesSilenceAndStandsStill) {
+TEST(SoundRing, StoppedRingPlaysSilenceAndKeepsItsPosition) {
     SoundRing ring(1, 8000);
     ring.Write(0, Counting(100, 1));
     std::vector<int16_t> block(10, 77);

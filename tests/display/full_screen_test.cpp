@@ -100,7 +100,7 @@ TEST(FullScreenPlace, ExtremeAspectsStayOnTheScreen) {
     EXPECT_EQ(PlaceOf(std::numeric_limits<float>::denorm_min(), 640, 480), (PLACE{319, 0, 1, 480}));
 }
 
-TEST(FullScreenPlace, AspectThatIsNoneMeansSquarePixels) {
+TEST(FullScreenPlace, InvalidAspectMeansSquarePixels) {
     const float none[] = {0.0f, -1.0f, std::nanf(""), std::numeric_limits<float>::infinity(),
                           -std::numeric_limits<float>::infinity()};
     for (const float aspect : none) {

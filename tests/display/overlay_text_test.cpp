@@ -36,7 +36,7 @@ TEST(OverlayLetters, OnlyTheSpaceIsEmpty) {
     }
 }
 
-TEST(OverlayLetters, CapitalsAndDigitsStandOnTheLineAndAreSevenRowsHigh) {
+TEST(OverlayLetters, CapitalsAndDigitsAreOnTheLineAndSevenRowsHigh) {
     const std::string_view upright = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
     for (const char c : upright) {
         const auto letter = static_cast<uint32_t>(c - kFirstLetter);
@@ -124,7 +124,7 @@ protected:
     OverlayText text; // destroyed before the context
 };
 
-TEST_F(OverlayScreen, LetterStandsWhereToldWithADarkRimOnADarkBar) {
+TEST_F(OverlayScreen, LetterIsDrawnAtItsPlaceWithADarkRimOnADarkBar) {
     Prepare(kGround);
     text.Draw("L", 3, 3, 1, kYellow);
     const std::vector<std::string> expected = {

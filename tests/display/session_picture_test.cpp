@@ -212,7 +212,7 @@ TEST_F(SessionPicture, EachPictureGoesIntoTheLightBeforeItIsScaled) {
     EXPECT_NEAR(session.colours.light[2], kFaint, kClose);
 }
 
-TEST_F(SessionPicture, PictureThatIsNoneLeavesEverythingAsItWas) {
+TEST_F(SessionPicture, InvalidPictureLeavesEverythingAsItWas) {
     ASSERT_TRUE(UploadColour(2, 2, kBlue, PictureScaler::kNone));
     EXPECT_FALSE(UploadColour(0, 2, kRed, PictureScaler::kNone));
     EXPECT_FALSE(UploadColour(2, 0, kRed, PictureScaler::kEdge4x));

@@ -126,7 +126,7 @@ TEST_F(Texture, UploadPutsTheFirstPixelFirstWithItsBytesInPlace) {
     DestroyTexture(record);
 }
 
-TEST_F(Texture, UploadSkipsWhatStandsBehindARow) {
+TEST_F(Texture, UploadSkipsThePaddingAfterARow) {
     TEXTURE_RECORD record = OfSize(2, 2);
     ASSERT_TRUE(CreateTexture(record, false));
     const std::vector<uint32_t> pixels = {kRed, kGreen, 0, 0, kBlue, kWhite, 0, 0};

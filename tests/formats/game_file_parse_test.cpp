@@ -198,7 +198,7 @@ TEST(GameFileParse, DamagedBodyShowsOnlyInWhatComesOut) {
     EXPECT_EQ(Bytes(game.Data().begin(), game.Data().end()), Bytes(16));
 }
 
-TEST(GameFileParse, BodyShorterThanItsPropertiesGivesZero) {
+TEST(GameFileParse, BodyShorterThanItsPropertiesReadsAsZero) {
     for (size_t length = 1; length < 5; ++length) {
         const Bytes whole = FileWithBody(16, Slice(kBody, 0, length));
         CGameFile game;
@@ -228,7 +228,7 @@ TEST(GameFileParse, ParseEmptiesWhatWasThereBefore) {
     EXPECT_TRUE(game.Data().empty());
 }
 
-TEST(GameDatabase, EntriesStandBackToBack) {
+TEST(GameDatabase, EntriesFollowEachOtherWithoutGaps) {
     const Bytes first = HandGame(5, 88 + 80) + HandRom("a", 1, 1);
     const Bytes second =
         HandGada("set") + HandGame(6, 88 + 368 + 16) + HandName("n", {}) + HandMachine("ARC0", 16);
@@ -245,7 +245,7 @@ TEST(GameDatabase, NoBytesAreNoEntries) {
     EXPECT_TRUE(ParseDatabase(nullptr, 0).empty());
 }
 
-TEST(GameDatabase, EntriesBehindShortDefaultRecordsAreFound) {
+TEST(GameDatabase, EntriesAfterShortDefaultRecordsAreFound) {
     const Bytes entry = HandGame(2, 88 + 4) + Text("GDF0");
     const Bytes all = entry + entry + entry;
     EXPECT_EQ(ParseDatabase(all.data(), all.size()).size(), 3u);

@@ -330,7 +330,7 @@ TEST(GameFile, NameRomAtTellsABadNameFromAnEmptySlot) {
     EXPECT_EQ(game.NameRomAt(0, 0), 2);
 }
 
-TEST(GameFile, FindRomGivesTheFirstOfItsHash) {
+TEST(GameFile, FindRomReturnsTheFirstOfItsHash) {
     CGameFile game = ThreePieces();
     game.AddRom("again", Digest(2), 5);
     ROM_RECORD rom{};
@@ -369,7 +369,7 @@ TEST(GameFile, EmptyListAssemblesToAnImageOfNothing) {
     EXPECT_EQ(game.AssembleImage(0), Bytes());
 }
 
-TEST(GameFile, FullListIsWalkedToItsEnd) {
+TEST(GameFile, FullListIsReadToItsEnd) {
     CGameFile game = ThreePieces();
     for (int i = 0; i < 64; ++i) {
         ASSERT_TRUE(game.LinkRom(0, 2));
@@ -379,7 +379,7 @@ TEST(GameFile, FullListIsWalkedToItsEnd) {
     EXPECT_THAT(game.NamesUsingRom(2), ElementsAre(0, -1));
 }
 
-TEST(GameFile, ListEndsAtAnIndexThatIsNone) {
+TEST(GameFile, ListEndsAtAnInvalidIndex) {
     CGameFile game = ThreePieces();
     Bytes file = game.WriteGame(kImage);
     const Bytes list = {0, 3, 1};

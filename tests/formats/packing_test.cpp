@@ -94,7 +94,7 @@ TEST(Packing, BoundEndsAtTheImageLimit) {
     EXPECT_EQ(LargestUnpackedSize(UINT64_MAX), kImageLimit);
 }
 
-TEST(Packing, StreamThatEndsEarlyGivesItsBeginningAndThenZero) {
+TEST(Packing, StreamThatEndsEarlyUnpacksToItsBeginningAndThenZero) {
     CRandom random(3);
     const Bytes image = random.Fill(4000);
     const Bytes packed = PackImage(image);
@@ -112,7 +112,7 @@ TEST(Packing, MoreBytesThanTheStreamHoldsAreZero) {
     EXPECT_EQ(Slice(unpacked, image.size() + 40, 10), Bytes(10, 0));
 }
 
-TEST(Packing, PropertiesThatAreNoneAreRefused) {
+TEST(Packing, InvalidPropertiesAreRefused) {
     Bytes unpacked(10, 0xEE);
     EXPECT_FALSE(UnpackImage(Bytes{225, 0, 0, 0x40, 0} + kPackedVerse, unpacked));
     EXPECT_EQ(unpacked, Bytes(10, 0));

@@ -186,7 +186,7 @@ TEST(ZipReader, StoredAndDeflatedEntriesAreRead) {
     ExpectContent(reader, 1, large); // and once more
 }
 
-TEST(ZipReader, SizesBehindTheDataAreRead) {
+TEST(ZipReader, SizesAfterTheDataAreRead) {
     HAND_ENTRY entry = Packed("a", kText);
     entry.descriptor = true;
     const Bytes archive = HandZip({entry, Stored("b", kText)});
@@ -327,7 +327,7 @@ TEST(ZipReader, DamagedDataIsRefused) {
     ExpectRefused(reader, 0);
 }
 
-TEST(ZipReader, EncipheredEntryIsRefused) {
+TEST(ZipReader, EncryptedEntryIsRefused) {
     HAND_ENTRY entry = Stored("a", kText);
     entry.flags = 1;
     const Bytes archive = HandZip({entry});
@@ -436,7 +436,7 @@ TEST(ZipWriter, EntriesAreCopiedAndDeflated) {
     ExpectContent(reader, 0, Bytes(100000, 3));
 }
 
-TEST(ZipWriter, EqualContentGivesEqualBytesInAnyTimeZone) {
+TEST(ZipWriter, EqualContentMakesEqualBytesInAnyTimeZone) {
     Bytes archives[2];
     for (const char* zone : {"UTC+11", "UTC-5"}) {
         ASSERT_EQ(setenv("TZ", zone, 1), 0); // NOLINT(concurrency-mt-unsafe): one thread runs
@@ -521,7 +521,7 @@ TEST(CleanEntryName, DropsDrivesSlashesAndStepsUp) {
     }
 }
 
-TEST(LastPathComponent, StandsBehindTheLastSlashOfEitherKind) {
+TEST(LastPathComponent, IsTheTextAfterTheLastSlashOfEitherKind) {
     EXPECT_EQ(LastPathComponent(L"a/b\\c"), L"c");
     EXPECT_EQ(LastPathComponent(L"a\\b/c"), L"c");
     EXPECT_EQ(LastPathComponent(L"c"), L"c");

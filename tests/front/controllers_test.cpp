@@ -156,7 +156,7 @@ TEST_F(Controllers, TheStickHasADeadZoneAndHoldsOnWithinIt) {
     }
 }
 
-TEST_F(Controllers, AStickPushedCornerwiseGivesBothDirections) {
+TEST_F(Controllers, AStickPushedCornerwisePressesBothDirections) {
     const VirtualJoystick pad(kController);
     joysticks.Open();
     pad.Axis(0, 23170); // full deflection at 45 degrees

@@ -27,7 +27,7 @@ TEST(FramePacer, WithoutABeatOnlyNewsAreDrawn) {
     EXPECT_FALSE(pacer.WantsDrawing(false)) << "nobody sees it";
 }
 
-TEST(FramePacer, ADisplayThatGivesTheBeatIsAlwaysDrawn) {
+TEST(FramePacer, ADisplayThatSetsTheBeatIsAlwaysDrawn) {
     FramePacer pacer;
     pacer.Start(true, 0);
     int64_t now = 0;

@@ -269,7 +269,7 @@ TEST_F(WindowTest, FunctionKeysChangeTheView) {
     EXPECT_TRUE(application.View().statistics) << "not while the user walks the room";
 }
 
-TEST_F(WindowTest, TheStatusLinesStandAtTheirPlaces) {
+TEST_F(WindowTest, TheStatusLinesAreAtTheirPlaces) {
     // As wide as SDL's offscreen display allows; positions depend on the height.
     constexpr uint32_t kWidth = 1024;
     Settings().SetInt(L"app_window_width", kWidth);

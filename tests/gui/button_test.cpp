@@ -38,7 +38,7 @@ TEST_F(Button, AReleaseInsideClicks) {
     EXPECT_EQ(Told(), "click released up ");
 }
 
-TEST_F(Button, AReleaseOutsideGivesNoClickButAnUp) {
+TEST_F(Button, AReleaseOutsideSendsNoClickButAnUp) {
     CGhostButton* const button = Make(0);
     MoveTo(110, 110);
     Press();

@@ -195,7 +195,7 @@ TEST_F(ManagerInput, FocusTellsTheOldTheTopWindowsAndTheNew) {
     EXPECT_EQ(Told(), (Log{"c blur"}));
 }
 
-TEST_F(ManagerInput, TabWalksTheVisibleTabStopsAmongTheSiblings) {
+TEST_F(ManagerInput, TabGoesThroughTheVisibleTabStopsAmongTheSiblings) {
     GHOSTMANAGER_WINDOW* const top = Make("top", nullptr, {0, 0, 400, 100});
     std::vector<GHOSTMANAGER_WINDOW*> row;
     for (int i = 0; i < 5; ++i) {

@@ -175,7 +175,7 @@ TEST_F(MessageBox, GrowsBy50UntilItIsMoreThanTwiceAsWideAsHigh) {
     EXPECT_GT(at.width, 2 * at.height);
 }
 
-TEST_F(MessageBox, FourMayBeAndEachGivesTheInputBack) {
+TEST_F(MessageBox, FourMayBeOpenAndEachReturnsTheInput) {
     auto* const button = new CGhostButton(nullptr, 0, L"BUTTON", L"", 0, {false, 5, 5, 50, 30});
     Focus(button->window);
     std::vector<CGhostMessageBox*> boxes;
@@ -209,7 +209,7 @@ TEST_F(MessageBox, MayBeMadeInsideAHandler) {
     EXPECT_EQ(CGhostMessageBox::Count(), 1u);
 }
 
-TEST_F(ToolTip, StandsAboveTheCursorWithinTheScreen) {
+TEST_F(ToolTip, IsAboveTheCursorWithinTheScreen) {
     auto* const tip = new CGhostToolTipWindow();
     auto* const button = new CGhostButton(nullptr, 0, L"BUTTON", L"", 0, {false, 0, 0, 1280, 720});
     button->SetToolTip(L"What it does");

@@ -35,7 +35,7 @@ TEST_F(Theme, UseCopiesAnEarlierRecordAndChildrenOverwrite) {
     EXPECT_EQ(Text(L"A").textColour, 0x11223344u);
 }
 
-TEST_F(Theme, UseOfALaterRecordOrAnotherKindGivesZerosAndKeepsItsOwnChildren) {
+TEST_F(Theme, UseOfALaterRecordOrAnotherKindReadsZerosAndKeepsItsOwnChildren) {
     Parse("<textbox name='A' use='LATER'><color name='text' val='FF'/></textbox>"
           "<textbox name='LATER'>" +
           kRed +

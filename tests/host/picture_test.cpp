@@ -42,7 +42,7 @@ constexpr std::array<uint32_t, 4> kBackStroke = {kBlack, kDark, kLight, kWhite};
 } // namespace
 
 // A picture of 256 x 192: the middle is (128, 96), so rows 72 to 119 and forward bars at 102 and 130.
-TEST(SpeedGlyph, ForwardStandsAtItsPlace) {
+TEST(SpeedGlyph, ForwardIsAtItsPlace) {
     PICTURE picture(256, 192);
     EmuDrawSpeedGlyph(SpeedGlyph::kForward, picture.video);
     for (const uint32_t bar : {102u, 130u}) {
@@ -95,7 +95,7 @@ TEST(SpeedGlyph, NothingIsDrawnOnAPictureOfHalfSideTwentyFive) {
     }
 }
 
-TEST(SpeedGlyph, WhatStandsOverTheEdgeIsCut) {
+TEST(SpeedGlyph, WhatIsBeyondTheEdgeIsCut) {
     PICTURE picture(52, 52); // forward reaches from column 0 to 54
     EmuDrawSpeedGlyph(SpeedGlyph::kForward, picture.video);
     EXPECT_EQ(Four(picture, 0, 20), kForwardStroke);

@@ -44,7 +44,7 @@ TEST(Rewind, ANegativeOrZeroSettingKeepsNothing) {
     EXPECT_EQ(RewindLimitBytes(INT32_MIN), 0u);
 }
 
-TEST(Rewind, NewestStateStandsOnTop) {
+TEST(Rewind, NewestStateIsOnTop) {
     REWIND_STACK stack;
     for (uint8_t mark = 1; mark <= 3; ++mark) {
         Push(stack, mark, 10, kMebibyte);

@@ -82,7 +82,7 @@ TEST_F(Screenshot, VisibleWindowAloneIsTakenOtherwise) {
               (std::vector<uint8_t>{4, 5, 6, 7, 8, 9, 0, 0}));
 }
 
-TEST_F(Screenshot, APictureWithoutPixelsGivesNoFile) {
+TEST_F(Screenshot, APictureWithoutPixelsWritesNoFile) {
     video.visibleHeight = 0;
     EXPECT_TRUE(EncodeBmp(video, false).empty());
     video.width = 0;

@@ -31,7 +31,7 @@ uint32_t CountSessions() {
 
 } // namespace
 
-TEST_F(Session, StartGivesRisingSerials) {
+TEST_F(Session, StartReturnsRisingSerials) {
     const uint32_t first = Start(1);
     const uint32_t second = Start(2);
     EXPECT_GE(first, 1u);
@@ -273,7 +273,7 @@ TEST_F(Session, SessionsThatTheHostHasNotOpenedAreNotVisited) {
     EmuSetHost(base);
 }
 
-TEST_F(Session, NewSessionsStandAtTheHeadOfTheList) {
+TEST_F(Session, NewSessionsAreAtTheHeadOfTheList) {
     ASSERT_NE(Start(1), 0u);
     ASSERT_NE(Start(2), 0u);
     ASSERT_TRUE(Eventually([] { return CountSessions() == 2; }));

@@ -180,7 +180,7 @@ TEST(ConvertImage, UnknownGameOfOtherSystemsGetsTheBareDefaultRecord) {
     }
 }
 
-TEST(ConvertImage, HashesStandInTheHeader) {
+TEST(ConvertImage, HashesAreInTheHeader) {
     Bytes out;
     bool known = true;
     ASSERT_TRUE(ConvertImage(5, "stem", Text("image"), {}, out, known));

@@ -15,7 +15,7 @@ TEST(M68000Bus, TheWordAheadIsFetchedBeforeTheInstructionRuns) {
     EXPECT_EQ(rig.cpu.prefetchData, 0x1234U);
 }
 
-TEST(M68000Bus, AWriteToTheNextWordIsNotSeenAndOneBehindItIs) {
+TEST(M68000Bus, AWriteToTheNextWordIsNotSeenAndOneToTheWordAfterItIs) {
     // MOVE.W D0,(A0) writes MOVEQ #5,D7 over a NOP.
     TEST_68000 near{0x3080, kNop, kNop};
     near.D(0) = 0x7E05;

@@ -107,7 +107,7 @@ TEST(M68000Exception, FromUserStateItUsesTheSupervisorStackAndKeepsTheStatusAsIt
     EXPECT_EQ(rig.cpu.stackSlots[0], kUserStack);
 }
 
-TEST(M68000Exception, ClearsTheTraceBitBehindTheSavedStatus) {
+TEST(M68000Exception, ClearsTheTraceBitAfterSavingTheStatus) {
     TEST_68000 rig{0x4E40};
     rig.SetStatus(0xA700);
     rig.Tick();

@@ -272,7 +272,7 @@ TEST(M68000, MovemWordsFillWholeRegisters) {
     EXPECT_EQ(rig.A(0), 0x00007FFFU);
 }
 
-TEST(M68000, DbccCountsTheLowWordAndFallsThroughBehindZero) {
+TEST(M68000, DbccCountsTheLowWordAndFallsThroughAfterZero) {
     TEST_68000 rig{0x51C8, 0xFFFE}; // DBF D0,*
     rig.D(0) = 0xABCD0001;
     rig.Tick();

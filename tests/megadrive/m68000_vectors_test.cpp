@@ -180,11 +180,11 @@ void RunAll(bool usesPages) {
         [&](const PROCESSOR_CASE& test) { return RunCase(test, cpu, memory); });
 }
 
-TEST(M68000Vectors, EveryPublishedCaseGivesItsRegistersAndMemoryThroughTheCallbacks) {
+TEST(M68000Vectors, EveryPublishedCaseEndsWithItsRegistersAndMemoryThroughTheCallbacks) {
     RunAll(false);
 }
 
-TEST(M68000Vectors, EveryPublishedCaseGivesItsRegistersAndMemoryThroughThePages) {
+TEST(M68000Vectors, EveryPublishedCaseEndsWithItsRegistersAndMemoryThroughThePages) {
     RunAll(true);
 }
 

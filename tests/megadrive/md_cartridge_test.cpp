@@ -76,7 +76,7 @@ TEST(MdCartridge, ImageShorterThanItsHeaderReadsAsOnes) {
     }
 }
 
-TEST(MdCartridge, DoubleTitleStandsAtZeroAndAtFourMegabytesOnly) {
+TEST(MdCartridge, DoubleTitleIsMappedAtZeroAndAtFourMegabytesOnly) {
     CartridgeRig rig{ImageRig(2 * kMega).Title("SONIC & KNUCKLES")};
     EXPECT_EQ(rig.Byte(0x12345), ImageRig::Told(0x12345));
     EXPECT_EQ(rig.Byte(0x412345), ImageRig::Told(0x12345));
@@ -143,7 +143,7 @@ TEST(MdCartridge, PlainPagesCoverTheWindowAndIgnoreWrites) {
     EXPECT_TRUE(MdCartSaveData(*rig.cart).empty());
 }
 
-TEST(MdCartridge, RamMarkMustStandWhole) {
+TEST(MdCartridge, RamMarkMustBeWhole) {
     ImageRig image(0x10000);
     image.Ram(0x200000, 0x20FFFF).bytes[0x1B1] = 'B';
     EXPECT_EQ(CartridgeRig(image).cart->cartKind, kMdCartPlain);

@@ -263,7 +263,7 @@ TEST(MdEeprom, TableHas28RowsAndEndsWithAnEmptyCode) {
     EXPECT_EQ(MdEepromFindGame("00000000-00"), games + 21);
 }
 
-TEST(MdEeprom, CodeIsFoundWhereverItStandsInTheSixteenBytes) {
+TEST(MdEeprom, CodeIsFoundAnywhereInTheSixteenBytes) {
     for (const std::string_view code :
          {"T-81406", " T-81406 -00", "GM T-81406", "         T-81406"}) {
         ASSERT_NE(MdEepromFindGame(code), nullptr) << code;
@@ -353,7 +353,7 @@ TEST(MdEeprom, PageWriteWrapsAtTheEndOfThePage) {
     }
 }
 
-TEST(MdEeprom, CurrentReadGoesOnBehindTheLastByte) {
+TEST(MdEeprom, CurrentReadGoesOnAfterTheLastByte) {
     for (const ROW& row : DistinctRows()) {
         if (row.addressBits == 7) {
             continue; // it has none: the address comes with every start

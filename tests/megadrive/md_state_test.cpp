@@ -199,7 +199,7 @@ class EveryMdState : public testing::TestWithParam<CASE> {};
 
 } // namespace
 
-TEST_P(EveryMdState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
+TEST_P(EveryMdState, ContinuesAsTheUnbrokenRunInPictureAndSound) {
     ExpectTheRunThatWentOn([] { return Start(GetParam()); }, Play);
 }
 
@@ -248,7 +248,7 @@ TEST_P(EveryMdState, DamagedBytesLoadAndRunOrAreRefused) {
 INSTANTIATE_TEST_SUITE_P(MdState, EveryMdState, testing::ValuesIn(kCases),
                          [](const auto& testCase) { return std::string(testCase.param.name); });
 
-TEST(MdState, PiecesStandInTheirOrder) {
+TEST(MdState, PiecesAreInTheirOrder) {
     const std::vector<uint32_t> sizes = AllPieceSizes(Save(*Start(kCases[0])));
     ASSERT_EQ(sizes.size(), 9U);
     EXPECT_EQ(sizes[0], 73779U);

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-TEST(MdVdpReset, GivesThePowerOnValues) {
+TEST(MdVdpReset, SetsThePowerOnValues) {
     MdVdpRig rig(kMdVdp50Hz);
     rig.Setup(true);
     rig.vdp->vram[5] = 1;

@@ -136,7 +136,7 @@ TEST(MdVdpSprites, TransparentPixelsDoNotCollide) {
     EXPECT_EQ(rig.vdp->status & kMdVdpCollision, 0);
 }
 
-TEST(MdVdpSpriteWalk, EndsAtTheVisibleLimitAndSetsOverflow) {
+TEST(MdVdpSpriteScan, EndsAtTheVisibleLimitAndSetsOverflow) {
     for (const Mode& mode : kModes) {
         MdVdpRig rig;
         rig.Setup(mode.h40);
@@ -155,7 +155,7 @@ TEST(MdVdpSpriteWalk, EndsAtTheVisibleLimitAndSetsOverflow) {
     }
 }
 
-TEST(MdVdpSpriteWalk, EndsWhenTheDotsRunOut) {
+TEST(MdVdpSpriteScan, EndsWhenTheDotsRunOut) {
     for (const Mode& mode : kModes) {
         MdVdpRig rig;
         rig.Setup(mode.h40);
@@ -172,7 +172,7 @@ TEST(MdVdpSpriteWalk, EndsWhenTheDotsRunOut) {
     }
 }
 
-TEST(MdVdpSpriteWalk, DotsRunOutWithinASprite) {
+TEST(MdVdpSpriteScan, DotsRunOutWithinASprite) {
     MdVdpRig rig;
     rig.Setup(false);
     Chain(rig, 9, 0xC);
@@ -184,7 +184,7 @@ TEST(MdVdpSpriteWalk, DotsRunOutWithinASprite) {
     EXPECT_EQ(rig.vdp->spriteDots[228], 0);
 }
 
-TEST(MdVdpSpriteWalk, EndsAtALinkBeyondTheList) {
+TEST(MdVdpSpriteScan, EndsAtALinkBeyondTheList) {
     for (const Mode& mode : kModes) {
         MdVdpRig rig;
         rig.Setup(mode.h40);
@@ -198,7 +198,7 @@ TEST(MdVdpSpriteWalk, EndsAtALinkBeyondTheList) {
     }
 }
 
-TEST(MdVdpSpriteWalk, EndsBehindSprite79WhateverItsLink) {
+TEST(MdVdpSpriteScan, EndsAfterSprite79WhateverItsLink) {
     MdVdpRig rig;
     rig.Setup(true);
     rig.Sprite(0, 10, 40, 0, 79, 1);
@@ -211,7 +211,7 @@ TEST(MdVdpSpriteWalk, EndsBehindSprite79WhateverItsLink) {
     EXPECT_EQ(rig.vdp->spriteDots[100], 0);
 }
 
-TEST(MdVdpSpriteWalk, EndsWithItsTime) {
+TEST(MdVdpSpriteScan, EndsWithItsTime) {
     for (const Mode& mode : kModes) {
         MdVdpRig rig;
         rig.Setup(mode.h40);
@@ -224,7 +224,7 @@ TEST(MdVdpSpriteWalk, EndsWithItsTime) {
 }
 
 // Y, size, attributes, X, then two words for each eight pixels.
-TEST(MdVdpSpriteWalk, TimeRunsOutInTheMiddleOfASprite) {
+TEST(MdVdpSpriteScan, TimeRunsOutInTheMiddleOfASprite) {
     const uint32_t dots[14] = {0, 0, 0, 0, 0, 0, 8, 8, 16, 16, 24, 24, 32, 32};
     for (uint32_t budget = 0; budget < 14; ++budget) {
         MdVdpRig rig;
@@ -242,7 +242,7 @@ TEST(MdVdpSpriteWalk, TimeRunsOutInTheMiddleOfASprite) {
     }
 }
 
-TEST(MdVdpSpriteWalk, ALinkOf0GoesRoundUntilALimit) {
+TEST(MdVdpSpriteScan, ALinkOf0GoesRoundUntilALimit) {
     for (const Mode& mode : kModes) {
         MdVdpRig rig;
         rig.Setup(mode.h40);
@@ -254,7 +254,7 @@ TEST(MdVdpSpriteWalk, ALinkOf0GoesRoundUntilALimit) {
     }
 }
 
-TEST(MdVdpSpriteWalk, IsForActiveLinesOnly) {
+TEST(MdVdpSpriteScan, IsForActiveLinesOnly) {
     MdVdpRig rig;
     rig.Setup(true);
     rig.Sprite(0, 10, 220, 0, 0x7F, 1);
@@ -267,7 +267,7 @@ TEST(MdVdpSpriteWalk, IsForActiveLinesOnly) {
     EXPECT_EQ(rig.vdp->spriteScan.seen, 1U);
 }
 
-TEST(MdVdpSpriteWalk, CountsWithoutDrawingWhenTheDisplayIsOff) {
+TEST(MdVdpSpriteScan, CountsWithoutDrawingWhenTheDisplayIsOff) {
     MdVdpRig rig;
     rig.Setup(true);
     Chain(rig, 3, 0xC);
@@ -278,7 +278,7 @@ TEST(MdVdpSpriteWalk, CountsWithoutDrawingWhenTheDisplayIsOff) {
     EXPECT_EQ(rig.vdp->layerCode[10], 0);
 }
 
-TEST(MdVdpSpriteMask, HidesBehindASpriteWithX0AfterAnother) {
+TEST(MdVdpSpriteMask, SpriteWithX0AfterAnotherHidesTheRest) {
     MdVdpRig rig;
     rig.Setup(true);
     const uint32_t masking = 0U - 128; // X of 0

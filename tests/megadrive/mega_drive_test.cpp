@@ -696,7 +696,7 @@ TEST(MegaDriveFrame, ResetInstructionMovesNoOtherChip) {
     EXPECT_EQ(machine->Console().vdp.hCount, other->Console().vdp.hCount);
 }
 
-TEST(MegaDriveFrame, OpcodesThatAreNoneDoNotHoldTheFrame) {
+TEST(MegaDriveFrame, IllegalOpcodesDoNotHoldTheFrame) {
     // The illegal instruction's vector leads to an illegal instruction.
     const auto machine =
         StartMd(MdProgram().PutLong(16, 0x300).Words({0x4AFC}).At(0x300).Words({0x00FF}));

@@ -21,7 +21,7 @@ constexpr std::array<uint32_t, 5> kNumbers{8, 9, 10, 11, 12};
 
 } // namespace
 
-TEST(SvpMemory, BlindAccessGivesARegisterWhatPmcHolds) {
+TEST(SvpMemory, BlindAccessProgramsARegisterWithPmc) {
     for (const uint32_t number : kNumbers) {
         for (const bool write : {false, true}) {
             SvpRig rig;
@@ -47,7 +47,7 @@ TEST(SvpMemory, PmcTakesAddressThenMode) {
     EXPECT_EQ(rig.svp->emuStatus, kSvpPmcSet);
 }
 
-TEST(SvpMemory, PmcGivesAddressThenModeWithItsNibblesTurned) {
+TEST(SvpMemory, PmcReadsAsAddressThenModeWithItsNibblesTurned) {
     SvpRig rig;
     rig.svp->gr[kSvpPmc] = 0x12345678;
     rig.Run({0x001E}); // ld X, PMC
@@ -235,7 +235,7 @@ TEST(SvpMemory, OverwriteModeReadsAsZero) {
     EXPECT_EQ(rig.svp->pmacRead[kPm4] >> 16, 0x40u);
 }
 
-TEST(SvpMemory, CellStepGoesToTheNextRowBehindTheSecondWord) {
+TEST(SvpMemory, CellStepGoesToTheNextRowAfterTheSecondWord) {
     SvpRig rig;
     rig.Program(12, true, 0x40, kCells);
     for (int i = 1; i <= 6; ++i) {

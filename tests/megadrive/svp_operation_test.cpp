@@ -319,7 +319,7 @@ TEST(SvpOperation, ConditionsInBothSenses) {
     }
 }
 
-TEST(SvpOperation, CallsReturnToTheWordBehindThem) {
+TEST(SvpOperation, CallsReturnToTheWordAfterThem) {
     SvpRig rig;
     // Six deep: each routine calls the next, the last one returns.
     for (uint32_t i = 0; i < 6; ++i) {

@@ -34,7 +34,7 @@ void Wake(SvpRig& rig) {
 
 } // namespace
 
-TEST(SvpState, FieldsStandInTheirPlaces) {
+TEST(SvpState, FieldsAreInTheirPlaces) {
     SvpRig rig;
     rig.svp->budget = 0x01020304;
     rig.svp->emuStatus = kSvpWaitsForPm0 | kSvpPmcSet;

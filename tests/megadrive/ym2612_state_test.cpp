@@ -55,7 +55,7 @@ void ExpectIndexesInRange(const YM2612& ym) {
 
 } // namespace
 
-TEST_F(Ym2612State, SavedAtAnyClockGivesTheSameSound) {
+TEST_F(Ym2612State, SavedAtAnyClockMakesTheSameSound) {
     std::mt19937 random(7);
     auto other = std::make_unique<HEARD_CHIP<YM2612>>();
     bool heard = false;

@@ -87,7 +87,7 @@ TEST(ApuSample, LevelStopsAtItsLimits) {
     }
 }
 
-TEST(ApuSample, StepGivesThreeTimesTheLevelMinus192) {
+TEST(ApuSample, StepOutputsThreeTimesTheLevelMinus192) {
     SampleRig rig(15, 0x40, 0, 0);
     rig.memory[0xC000] = 0xFF;
     rig.Start();

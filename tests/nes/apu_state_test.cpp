@@ -49,7 +49,7 @@ uint32_t Load(ApuRig& rig, const std::vector<uint8_t>& block) {
 
 } // namespace
 
-TEST(ApuState, LoadedChipGivesTheSameSamples) {
+TEST(ApuState, LoadedChipMakesTheSameSamples) {
     for (const uint64_t cycles : {1u, 777u, 12'345u, 29'830u, 29'831u, 100'003u}) {
         ApuRig saved;
         PlayAll(saved);

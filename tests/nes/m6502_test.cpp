@@ -338,7 +338,7 @@ struct OPEN_BUS {
     void Write(uint16_t, uint8_t) { seen.push_back(cpu.busValue); }
 };
 
-TEST(M6502, ReadOfNothingGivesTheLastByteOfTheAddress) {
+TEST(M6502, ReadOfNothingReturnsTheLastByteOfTheAddress) {
     TEST_6502 test{0xAD, 0x34, 0x41, 0x8D, 0x00, 0x60}; // LDA 4134, STA 6000
     OPEN_BUS bus{test.cpu, test.bus, {}};
     for (int i = 0; i < 8; ++i) {

@@ -224,7 +224,7 @@ std::string RunCase(const PROCESSOR_CASE& test, std::vector<uint8_t>& memory) {
     return wrong;
 }
 
-TEST(M6502Vectors, EveryPublishedCaseGivesItsRegistersMemoryAndBus) {
+TEST(M6502Vectors, EveryPublishedCaseEndsWithItsRegistersMemoryAndBus) {
     std::vector<uint8_t> memory(0x10000, 0);
     RunProcessorCases(
         "m6502.txt.gz", [](const PROCESSOR_CASE& /*any*/) { return true; },

@@ -53,7 +53,7 @@ class EveryNesState : public testing::TestWithParam<NES_BOARD_CASE> {};
 
 } // namespace
 
-TEST_P(EveryNesState, GivesThePicturesAndTheSoundOfTheRunThatWentOn) {
+TEST_P(EveryNesState, ContinuesAsTheUnbrokenRunInPictureAndSound) {
     ExpectTheRunThatWentOn([] { return Start(GetParam()); }, Play);
 }
 

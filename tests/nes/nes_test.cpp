@@ -111,7 +111,7 @@ void ExpectPadBits(const CNES& machine, uint8_t buttons) {
 
 } // namespace
 
-TEST(Nes, PadGivesEightButtonsThenZeroesThenTheButtonsAgain) {
+TEST(Nes, PadReadsAsEightButtonsThenZeroesThenTheButtonsAgain) {
     RegisterSettings();
     const std::wstring names[] = {L"BUTTONA", L"BUTTONB", L"SELECT", L"START",
                                   L"UP",      L"DOWN",    L"LEFT",   L"RIGHT"};

@@ -184,7 +184,7 @@ TEST(PpuSprite, PriorityBitPutsItBehindASolidBackground) {
     EXPECT_EQ(Entries(rig, 84, 71, 8), "11111111");
 }
 
-TEST(PpuSprite, ABehindOneHidesThoseAfterItEvenWhereItIsCovered) {
+TEST(PpuSprite, OneBehindTheBackgroundHidesThoseAfterItEvenWhereItIsCovered) {
     PpuRig rig;
     Start(rig, kAllOn);
     FillBackground(rig, 3);

@@ -574,7 +574,7 @@ TEST(SystemE, LatchSwapsTheShownBankInMidFrame) {
     EXPECT_EQ(at(0xA0), 0xFF00FF00u);
 }
 
-TEST(SystemE, EncipheredBoardsFetchTheirOpcodesFromTheirOwnImage) {
+TEST(SystemE, EncryptedBoardsFetchTheirOpcodesFromTheirOwnImage) {
     for (const uint32_t board : {2u, 5u, 6u}) {
         MACHINE_RIG rig;
         // As data: 0xEE everywhere but for the operands; as opcodes: ld a,n; ld (nn),a; jr e.

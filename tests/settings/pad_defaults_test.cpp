@@ -256,7 +256,7 @@ TEST_F(PadDefaults, NumbersOutOfRangeAreIgnored) {
     EXPECT_EQ(InputPadsActing(), PadBit(0, kPadSouth));
 }
 
-TEST_F(PadDefaults, ABindingOfADeviceThatIsNoneTakesNothing) {
+TEST_F(PadDefaults, ABindingOfAnInvalidDeviceTakesNothing) {
     Bind(L"Use", 8, 2u << 24 | JoystickButtonCode(0, kPadSouth));
     Bind(L"Turn Off", 20, JoystickBinding(0, 0xFFFF));
     InputBeginPump();

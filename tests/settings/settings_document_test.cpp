@@ -118,7 +118,7 @@ TEST(SettingsDocument, AnElementOfAnyOtherTypeIsIgnored) {
     }
 }
 
-TEST(SettingsDocument, ASizeOfZeroIsTakenAsItStands) {
+TEST(SettingsDocument, ASizeOfZeroIsKept) {
     SettingsStore store;
     RegisterDefaultSettings(store);
     EXPECT_TRUE(Load(store, Wrapped("<int name=\"app_window_width\" value=\"0\"/>")));
@@ -264,7 +264,7 @@ TEST(SettingsDocument, AFloatThatIsNoNumberIsNotTakenBack) {
     EXPECT_EQ(next.GetFloat(L"real"), 0.5f);
 }
 
-TEST(SettingsDocument, SaveLoadSaveGivesTheSameBytes) {
+TEST(SettingsDocument, SaveLoadSaveWritesTheSameBytes) {
     SettingsStore store;
     RegisterDefaultSettings(store);
     store.SetInt(L"app_window_width", std::numeric_limits<int32_t>::min());

@@ -154,7 +154,7 @@ std::vector<const Setting*> InOrder(const SettingsStore& store) {
     return settings;
 }
 
-TEST(SettingsTable, DefaultsStandInTheirOrderWithTheirTypesAndValues) {
+TEST(SettingsTable, DefaultsAreInTheirOrderWithTheirTypesAndValues) {
     SettingsStore store;
     RegisterDefaultSettings(store);
     const std::vector<const Setting*> settings = InOrder(store);

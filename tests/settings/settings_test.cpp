@@ -11,7 +11,7 @@
 namespace {
 
 // The plain search that the index must agree with.
-const Setting* FindByWalk(const SettingsStore& store, std::wstring_view name) {
+const Setting* FindBySearch(const SettingsStore& store, std::wstring_view name) {
     const std::wstring lowered = LowerAscii(name);
     const Setting* setting = store.First();
     while (setting != nullptr && setting->name != lowered) {
@@ -36,7 +36,7 @@ std::vector<std::wstring> Names(const SettingsStore& store) {
     return names;
 }
 
-TEST(Settings, EveryTypeGivesBackWhatWasRegistered) {
+TEST(Settings, EveryTypeReturnsWhatWasRegistered) {
     SettingsStore store;
     store.RegisterInt(L"i", -7);
     store.RegisterInt2(L"i2", 5, 6);
@@ -50,7 +50,7 @@ TEST(Settings, EveryTypeGivesBackWhatWasRegistered) {
     EXPECT_EQ(store.GetFloat(L"f"), 1.25f);
 }
 
-TEST(Settings, AMissingNameGivesZeroFalseAndEmpty) {
+TEST(Settings, AMissingNameReadsAsZeroFalseAndEmpty) {
     SettingsStore store;
     store.RegisterInt(L"other", 1);
     EXPECT_EQ(store.GetInt(L"missing"), 0);
@@ -153,14 +153,14 @@ TEST(Settings, ASetterOfAnUnknownNameDoesNothing) {
 
 // Every name in lower, upper and its own case, split into prefix and rest at every place, and names
 // that almost exist.
-TEST(Settings, IndexAndWalkAgreeOnEveryName) {
+TEST(Settings, IndexAndSearchAgreeOnEveryName) {
     SettingsStore store;
     RegisterDefaultSettings(store);
     store.RegisterInt(L"", 1);
     const std::vector<std::wstring> names = Names(store);
     ASSERT_GT(names.size(), 100u);
     for (const std::wstring& name : names) {
-        const Setting* const expected = FindByWalk(store, name);
+        const Setting* const expected = FindBySearch(store, name);
         ASSERT_NE(expected, nullptr);
         const std::wstring upper = UpperAscii(name);
         EXPECT_EQ(store.Find(name), expected);
@@ -173,7 +173,7 @@ TEST(Settings, IndexAndWalkAgreeOnEveryName) {
         }
         for (const std::wstring& near :
              {name + L"x", L"x" + name, name.substr(0, name.size() / 2)}) {
-            EXPECT_EQ(store.Find(near), FindByWalk(store, near));
+            EXPECT_EQ(store.Find(near), FindBySearch(store, near));
         }
     }
 }

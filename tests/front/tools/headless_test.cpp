@@ -93,7 +93,7 @@ TEST_F(Headless, ThereIsAGameForEachMachineThatIsBuiltIn) {
     }
 }
 
-TEST_F(Headless, TheSameCommandTwiceGivesTheSameBytes) {
+TEST_F(Headless, TheSameCommandTwiceWritesTheSameBytes) {
     for (const std::string& demo : demos) {
         for (const char* run : {"a", "b"}) {
             const std::string prefix = run;
@@ -135,7 +135,7 @@ TEST_F(Headless, EveryDemoMovesAndSounds) {
     }
 }
 
-TEST_F(Headless, AStateTakenAndLoadedGivesTheSamePicturesAndSound) {
+TEST_F(Headless, AStateTakenAndLoadedRunsToTheSamePicturesAndSound) {
     for (const std::string& demo : demos) {
         const std::string& game = demo;
         ASSERT_EQ(Play({game, "--frames", "90", "--save-state", Path("s")}).exitCode, 0);

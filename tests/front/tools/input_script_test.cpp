@@ -41,7 +41,7 @@ TEST_F(Script, PressesAndReleasesAtItsFrames) {
     }
 }
 
-TEST_F(Script, LinesMayStandInAnyOrderAndCase) {
+TEST_F(Script, LinesMayBeInAnyOrderAndCase) {
     ASSERT_TRUE(script.Parse("9 gg p1 start up\r\n2\tGG P1 START\tdown\r\n", error)) << error;
     script.Feed(2);
     EXPECT_TRUE(InputIsDown(kKey, L"GG P1 START"));

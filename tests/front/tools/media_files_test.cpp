@@ -48,11 +48,11 @@ TEST(Png, HoldsTheVisibleWindowInRedGreenBlue) {
     EXPECT_EQ(PngOfFrame(frame), PngOfFrame(frame));
 }
 
-TEST(Png, APictureWithoutPixelsGivesNothing) {
+TEST(Png, APictureWithoutPixelsHasNoBytes) {
     EXPECT_TRUE(PngOfFrame(EMU_VIDEO_FRAME{}).empty());
 }
 
-TEST(Wav, HeaderAndSamplesStandByteByByte) {
+TEST(Wav, HeaderAndSamplesAreAsTheFormatSays) {
     const std::vector<int16_t> samples = {1, -1, 0x1234, -0x8000};
     const std::vector<uint8_t> expected = {
         'R', 'I', 'F', 'F', 44, 0, 0,    0,    'W', 'A', 'V',  'E',  'f',  'm',  't',  ' ', 16, 0,

@@ -77,7 +77,7 @@ std::map<std::string, std::vector<uint8_t>> FilesBelow(const TemporaryFolder& fo
 
 } // namespace
 
-TEST_F(WindowCommand, PlaysForSoManyFramesAndTakesScreenshots) {
+TEST_F(WindowCommand, PlaysForTheGivenFramesAndTakesScreenshots) {
     const std::string shot = (folder.Path() / "shot.png").string();
     const std::string last = (folder.Path() / "last.png").string();
     const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", "--frames", "30", "--screenshot",

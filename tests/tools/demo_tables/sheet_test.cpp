@@ -131,7 +131,7 @@ TEST_F(Sheet, NamesAPixelThatIsInNoDrawing) {
     EXPECT_THAT(error, HasSubstr("a.png: pixel 8, 0: is in no drawing"));
 }
 
-TEST_F(Sheet, RefusesPicturesThatAreNone) {
+TEST_F(Sheet, RefusesInvalidPictures) {
     const std::string sheet = "picture a.png\nformat nes\ndrawing - 0 0 1 1\n";
     EXPECT_EQ(Convert(sheet), "");
     EXPECT_THAT(error, HasSubstr("a.png"));

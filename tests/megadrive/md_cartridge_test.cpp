@@ -272,9 +272,9 @@ TEST(MdCartridge, SaveDataIsTheUsedRam) {
             }
         }
         const auto& data = rig.cart->sram->data;
-        const auto end = data.begin() + static_cast<std::ptrdiff_t>(row.bytes);
-        EXPECT_EQ(std::count(end, data.end(), 0xFF), data.end() - end);
-        EXPECT_EQ(static_cast<size_t>(std::count(data.begin(), end, 0)), row.reached);
+        const auto reachedEnd = data.begin() + static_cast<std::ptrdiff_t>(row.bytes);
+        EXPECT_EQ(std::count(reachedEnd, data.end(), 0xFF), data.end() - reachedEnd);
+        EXPECT_EQ(static_cast<size_t>(std::count(data.begin(), reachedEnd, 0)), row.reached);
     }
 }
 

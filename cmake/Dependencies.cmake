@@ -8,8 +8,10 @@ find_package(PNG REQUIRED)
 find_package(OpenGL REQUIRED)
 find_package(utf8cpp REQUIRED)
 pkg_check_modules(PUGIXML REQUIRED IMPORTED_TARGET pugixml)
-# For tests and benchmarks alone, as a second opinion on the resampler.
-pkg_check_modules(SAMPLERATE REQUIRED IMPORTED_TARGET samplerate)
+if(OMBRELUNE_TESTS)
+    # Another resampler, which the tests and benchmarks compare ours with.
+    pkg_check_modules(SAMPLERATE REQUIRED IMPORTED_TARGET samplerate)
+endif()
 pkg_check_modules(OPENAL REQUIRED IMPORTED_TARGET openal)
 pkg_check_modules(SDL2 REQUIRED IMPORTED_TARGET sdl2)
 pkg_check_modules(LIBZIP REQUIRED IMPORTED_TARGET libzip)

@@ -4,13 +4,13 @@
 build_packages=(
     g++ cmake ninja-build pkg-config ccache sdcc cc65 binutils-m68k-linux-gnu
     libcli11-dev libgl1-mesa-dev libgl1-mesa-dri libglu1-mesa-dev libopenal-dev libpng-dev
-    liblzma-dev libpugixml-dev libsamplerate0-dev libsdl2-dev libssl-dev libutfcpp-dev libzip-dev libfreetype-dev libboost-dev libstb-dev
-    zlib1g-dev librsvg2-bin fonts-inter fonts-jetbrains-mono
+    libboost-dev libfreetype-dev liblzma-dev libpugixml-dev libsdl2-dev libssl-dev libstb-dev libutfcpp-dev
+    libzip-dev zlib1g-dev fonts-inter fonts-jetbrains-mono librsvg2-bin
 )
 
 # Also to build and run the tests, benchmarks and fuzz entry points.
 test_packages=(
-    clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev xauth xvfb
+    clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev libsamplerate0-dev xauth xvfb
 )
 
 # Also to check format and lint.

@@ -11,7 +11,7 @@
 
 bool LoadEmbeddedImage(std::span<const uint8_t> png, std::vector<uint32_t>& pixels, uint32_t& width,
                        uint32_t& height) {
-    constexpr int kMostPixels = 1 << 26;
+    constexpr int kMostPixels = 1 << 24; // more than any screen, and no more memory than that takes
     pixels.clear();
     width = height = 0;
     if (png.size() > INT_MAX) {

@@ -49,6 +49,7 @@ int32_t CGhostDropList::AddItem(const std::wstring& text, int32_t image, uint32_
 
 void CGhostDropList::Clear() {
     list->Clear();
+    chosen = -1;
     dirty = true;
 }
 
@@ -61,6 +62,7 @@ void CGhostDropList::SetCaption(const std::wstring& text) {
 
 void CGhostDropList::SetSelected(int32_t index, bool notify) {
     list->SetSelected(index, false);
+    chosen = list->Selected();
     GHOSTLIST_ITEM* const item = list->Item(list->Selected());
     SetCaption(item != nullptr ? item->text : std::wstring());
     if (notify) {
@@ -126,8 +128,10 @@ void CGhostDropList::Toggle() {
 
 void CGhostDropList::Chosen(int32_t index, GHOSTLIST_ITEM* item) {
     if (item == nullptr) {
-        return; // beside the rows
+        list->SetSelected(chosen, false); // beside the rows, or a disabled one: the choice stays
+        return;
     }
+    chosen = index;
     SetCaption(item->text);
     CloseList();
     OnSelect(this, index, item);

@@ -62,6 +62,7 @@ private:
     CGhostButton* arrow = nullptr;
     CGhostList* list = nullptr; // its window is owned by this one's, and ends first
     int32_t maxHeight;
+    int32_t chosen = -1; // the row that the face shows
     bool open = false;
     bool enabled = true;
     bool focused = false;

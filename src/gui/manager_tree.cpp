@@ -126,6 +126,9 @@ void CGhostManager::Unlink(GHOSTMANAGER_WINDOW& window) {
     GHOSTMANAGER_WINDOW*& first =
         window.parent != nullptr ? window.parent->firstChild : firstWindow;
     GHOSTMANAGER_WINDOW*& last = window.parent != nullptr ? window.parent->lastChild : lastWindow;
+    if (window.prevSibling == nullptr && first != &window) {
+        return; // taken out before
+    }
     (window.prevSibling != nullptr ? window.prevSibling->nextSibling : first) = window.nextSibling;
     (window.nextSibling != nullptr ? window.nextSibling->prevSibling : last) = window.prevSibling;
     window.prevSibling = window.nextSibling = nullptr;
@@ -570,7 +573,7 @@ void CGhostManager::FreeSubtree(GHOSTMANAGER_WINDOW* window) {
     Forget(window);
     AddDirty(*window);
     Unlink(*window);
-    if (window->surface != nullptr && host.destroy) {
+    if (host.destroy) {
         host.destroy(window->id);
     }
     delete window;

@@ -83,6 +83,9 @@ CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring
 }
 
 CGhostMessageBox::~CGhostMessageBox() {
+    if (!told) {
+        OnClosed(this);
+    }
     auto& table = Table();
     std::replace(table.begin(), table.end(), this, static_cast<CGhostMessageBox*>(nullptr));
     CGhostManager::Get().RestoreInput(before);
@@ -115,6 +118,7 @@ void CGhostMessageBox::Place() {
 
 void CGhostMessageBox::OnTick(unsigned /*microseconds*/) {
     if (closed) {
+        told = true;
         OnClosed(this);
         Close();
         return;

@@ -28,7 +28,7 @@ public:
     [[nodiscard]] CGhostButton* Button() const { return button; }
     [[nodiscard]] CGhostMultiText* Message() const { return message; }
 
-    GuiSignal<void(CGhostMessageBox*)> OnClosed; // in the tick that takes it away
+    GuiSignal<void(CGhostMessageBox*)> OnClosed; // once, whatever ends it; by then a name only
 
     void Destroy() override { delete this; }
     void OnTick(unsigned microseconds) override;
@@ -46,5 +46,6 @@ private:
     CGhostMultiText* message;
     GUI_RECT screen; // that it was placed for
     bool closed = false;
+    bool told = false; // OnClosed has been called
     CGhostManager::INPUT_OWNERS before;
 };

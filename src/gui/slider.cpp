@@ -50,12 +50,20 @@ void CGhostSlider::Change(float wanted) {
 
 // One unit of the number that is shown, or a hundredth of the way where that would be too much.
 void CGhostSlider::Step(int steps) {
-    const float units = std::abs(range) > 1.0f ? std::abs(range) : kFineSteps;
-    Change(value + static_cast<float>(steps) / units);
+    if (std::abs(range) <= 1.0f) {
+        Change(value + static_cast<float>(steps) / kFineSteps);
+        return;
+    }
+    // From the number that is shown, so that no error adds up. A hair above, or it would be rounded down.
+    constexpr double kHair = 0.001;
+    const double shown = std::floor(value * range + minimum);
+    Change(static_cast<float>((shown + (range > 0.0f ? steps : -steps) + kHair - double{minimum}) /
+                              double{range}));
 }
 
 void CGhostSlider::OnFocus(bool gained, void* /*other*/) {
     focused = gained;
+    dragging = dragging && gained;
     dirty = true;
 }
 

@@ -72,9 +72,8 @@ void CGhostSurface::PushOrigin(const GUI_RECT& rect) {
     if (stackDepth < stack.size()) {
         stack[stackDepth] = {area, clip};
         const GUI_RECT wanted = rect.Moved(area.x, area.y);
-        const PIXEL_RECT inner = Clipped(ToPixels(rect));
-        area = Intersection(wanted, area);
-        clip = area.Empty() ? PIXEL_RECT{} : inner;
+        clip = Clipped(ToPixels(rect));
+        area = wanted;
     }
     ++stackDepth;
 }
@@ -98,6 +97,9 @@ PIXEL_RECT CGhostSurface::ToPixels(const GUI_RECT& rect) const {
 }
 
 PIXEL_RECT CGhostSurface::Clipped(const PIXEL_RECT& rect) const {
+    if (stackDepth > stack.size()) {
+        return {};
+    }
     return {std::max(rect.left, clip.left), std::max(rect.top, clip.top),
             std::min(rect.right, clip.right), std::min(rect.bottom, clip.bottom)};
 }

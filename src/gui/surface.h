@@ -45,7 +45,8 @@ public:
     [[nodiscard]] int32_t PixelWidth() const { return pixelWidth; }
     [[nodiscard]] int32_t PixelHeight() const { return pixelHeight; }
 
-    // Eight deep. A rectangle is cut to the one before; a push too many is one without an area.
+    // Eight deep; after a push too many nothing is painted. Coordinates are those of the rectangle as it
+    // was pushed, also where it reaches beyond the one before, which cuts what is painted.
     void PushOrigin(const GUI_RECT& rect);
     void PopOrigin();
 

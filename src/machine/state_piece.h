@@ -1,6 +1,6 @@
 // State pieces: one function that names a chip's fields both writes and reads them.
 //
-// A piece is a version byte (1), its own size in bytes as a little-endian u32, header included, and
+// A piece is a version byte, its own size in bytes as a little-endian u32, header included, and
 // the fields, packed and little-endian. A callable names the fields: it gets a visitor and passes every
 // field to it, always in the same order:
 //
@@ -18,6 +18,8 @@
 #include <cstring>
 #include <type_traits>
 
+// A piece that has changed its fields has a version of its own, which it hands to StatePieceWrite and
+// StatePieceRead; all others have the first.
 inline constexpr uint8_t kStatePieceVersion = 1;
 inline constexpr uint32_t kStatePieceHeader = 5;
 
@@ -140,8 +142,8 @@ template <typename Fields>
 
 // Writes the piece and returns the position after it. `out` has room for StatePieceSize bytes.
 template <typename Fields>
-uint8_t* StatePieceWrite(uint8_t* out, Fields&& fields) {
-    out[0] = kStatePieceVersion;
+uint8_t* StatePieceWrite(uint8_t* out, Fields&& fields, uint8_t version = kStatePieceVersion) {
+    out[0] = version;
     StoreLittleEndian<uint32_t>(out + 1, StatePieceSize(fields));
     StateWriter writer(out + kStatePieceHeader);
     fields(writer);
@@ -151,9 +153,10 @@ uint8_t* StatePieceWrite(uint8_t* out, Fields&& fields) {
 // Reads a piece from the front of `size` bytes and returns its length; 0 if version or size do not fit,
 // and then no field has changed.
 template <typename Fields>
-[[nodiscard]] uint32_t StatePieceRead(const uint8_t* data, uint32_t size, Fields&& fields) {
+[[nodiscard]] uint32_t StatePieceRead(const uint8_t* data, uint32_t size, Fields&& fields,
+                                      uint8_t version = kStatePieceVersion) {
     const uint32_t expected = StatePieceSize(fields);
-    if (size < kStatePieceHeader || data[0] != kStatePieceVersion ||
+    if (size < kStatePieceHeader || data[0] != version ||
         LoadLittleEndian<uint32_t>(data + 1) != expected || expected > size) {
         return 0;
     }

@@ -14,10 +14,7 @@
 //   vector, kM68kAutovector, kM68kSpurious, or any other value above 255 to drop the interrupt. `stopped` is
 //   also written by the VDP, which keeps the processor off the bus with it.
 // Order: zero the record, set owner, intAck, the seven bus callbacks and the pages, M68kReset, then M68kTick.
-// Differs: docs/HARDWARE.md, Mega Drive, 68000. Settled here:
-//   - Data-dependent clocks are subtracted from cyclesLeft, which nothing reads. A reset and STOP lower it to
-//     0 if it is above.
-//   - An address error builds no frame and takes no vector: it throws M68K_ADDRESS_ERROR out of the tick.
+// Differs: docs/HARDWARE.md, Mega Drive, 68000.
 // As on the 68000, unlike later types:
 //   - A branch with a displacement byte of 0xFF is a byte branch by -1 without extension words. It leads to an
 //     odd address, which is an address error of the next tick.
@@ -43,7 +40,7 @@ inline constexpr uint32_t kM68kA7 = 15;
 enum M68kAccess : uint32_t { kM68kWriting = 0, kM68kReading = 16 };
 
 // Thrown out of M68kTick by a word or long access at an odd address. aerrAddress, aerrMode and aerrCode are
-// set, and the instruction is left half done. The owner catches it.
+// set, and the instruction is left half done; no frame is built and no vector taken. The owner catches it.
 struct M68K_ADDRESS_ERROR {};
 
 using M68kIntAckFunction = uint32_t (*)(void* owner, uint32_t level);
@@ -86,7 +83,8 @@ struct M68K_STATE {
     uint32_t srMask = 0;    // implemented bits of the status word
     uint32_t instrMode = 0; // 8 since the first exception or acknowledgement; never read
     uint32_t runMode = 0;
-    // Changes to an instruction's time, which are all subtracted from cyclesLeft.
+    // What data adds to or takes from an instruction's time. It is subtracted from cyclesLeft, which nothing
+    // reads, so no tick gets longer.
     int32_t cycBranchByte = 0; // branch not taken
     int32_t cycBranchWord = 0;
     int32_t cycLoopRound = 0; // DBcc with a false condition, counter not expired
@@ -97,7 +95,7 @@ struct M68K_STATE {
     int32_t cycShift = 0; // left shift of the shift count
     int32_t cycReset = 0;
     int32_t intCycles = 0;
-    int32_t cyclesLeft = 0; // counts down and wraps
+    int32_t cyclesLeft = 0; // counts down and wraps; a reset and STOP lower it to 0 if it is above
     uint32_t spare0 = 0;    // saved, otherwise unused
     uint32_t spare1 = 0;
     std::array<uint8_t, 256> recovery{}; // stays zero; an address error needs no buffer here

@@ -11,7 +11,7 @@
 // Order: MdCartSetup once, MdCartReset at every reset of the machine, then accesses.
 // Sizes: an image is cut at the 8 MiB of the window. After an image of an odd size a byte of 0xFF follows, and
 //   missing bytes of the header read as 0xFF.
-// Differs: docs/HARDWARE.md, Mega Drive, Board.
+// Differs: docs/HARDWARE.md, Mega Drive, Cartridge.
 #pragma once
 
 #include "megadrive/md_eeprom.h"

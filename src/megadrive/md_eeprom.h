@@ -6,7 +6,7 @@
 // Owner: the cartridge (md_cartridge.h), on its session's thread.
 // Kinds: 7 address bits (a start is followed by the word address, no device byte), 8 (device byte whose
 //   low bits extend the address, then one address byte) and 16 (device byte, two address bytes).
-// Differs: docs/HARDWARE.md, Mega Drive, Board.
+// Differs: docs/HARDWARE.md, Mega Drive, EEPROM.
 // Sources: Atmel AT24C01A to 16, Microchip 24C01B/02B, 24LC01B, 24AA128, Fairchild FM24C256, Siemens SLx
 //   24C01/02, Xicor X24C01 (data sheets).
 // Of the board: a word written to an even address also drives a line that is wired to the odd one, since the

@@ -10,7 +10,7 @@
 // Order: SvpReset, then SvpRun and the 68000's accesses in any order.
 // Waits: the game's idle loops are at known addresses. A read there that finds nothing stops the processor
 //   until the 68000 writes what the loop waits for.
-// Differs: docs/HARDWARE.md, Mega Drive, Board.
+// Differs: docs/HARDWARE.md, Mega Drive, Signal processor (SVP).
 // Sources: published register and operand descriptions of the SSP1601; of the external memory modes, those
 //   that the game's own program uses.
 #pragma once

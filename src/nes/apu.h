@@ -11,7 +11,7 @@
 //   down while it holds the CPU.
 // Order: ApuInit, ApuReset, then ApuTick (apu_tick.h) in every cycle, before the CPU's access.
 // Sources: nesdev wiki, "APU", "APU Frame Counter", "APU DMC".
-// Differs: docs/HARDWARE.md, NES, APU. The page has the full list; all of it is settled here.
+// Differs: docs/HARDWARE.md, NES, APU.
 #pragma once
 
 #include "machine/sound_pairs.h"

@@ -13,7 +13,7 @@
 // Four screens: the header's flag applies to boards without a mirroring register, to 4 whatever is written
 //   there, and to 9 until its register is written. 1 and 7 follow their register from reset on.
 // Sources: nesdev wiki, "MMC1", "MMC2", "MMC3", "VRC3", "iNES".
-// Differs: docs/HARDWARE.md, NES, Board. The page has the full list; all of it is settled here.
+// Differs: docs/HARDWARE.md, NES, Board.
 #pragma once
 
 #include "nes/cartridge.h"

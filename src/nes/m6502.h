@@ -13,7 +13,7 @@
 // Order: M6502Init, then a reset through the bus. In a cycle: M6502Sample, then the rest of the machine,
 //   then M6502Cycle.
 // Sources: bus cycles and opcodes, J. West, M. Makela, "64doc"; test cases in tests/vectors.
-// Differs: docs/HARDWARE.md, NES, CPU. The page has the full list; all of it is settled here.
+// Differs: docs/HARDWARE.md, NES, CPU.
 #pragma once
 
 #include "nes/m6502_steps.h"

@@ -12,7 +12,7 @@
 //   `status` flags that both set may be owed dots. They are current at the end of a frame and in register
 //   reads; at any other time PpuCatchUp runs the dots that are owed.
 // Sources: nesdev wiki, "PPU rendering", "PPU scrolling", "PPU sprite evaluation".
-// Differs: docs/HARDWARE.md, NES, PPU. The page has the full list; all of it is settled here.
+// Differs: docs/HARDWARE.md, NES, PPU.
 #pragma once
 
 #include "nes/nes_pages.h"

@@ -10,7 +10,8 @@
 // Input: "GG P1 ..." for the first console, "GG P2 ..." for the second.
 // States: board of both consoles, then Z80, VDP and PSG of the first and of the second, also with
 //   one console. sound_frame.h says what is guaranteed about sound.
-// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Board.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Master System board
+//   and Game Gear board.
 #pragma once
 
 #include "facts/game_gear_facts.h"

@@ -9,7 +9,7 @@
 // Pins: the chip adds its sound to the owner's `pairs`. The owner calls PsgWrite for its sound port
 //   and, on the Game Gear, PsgStereoWrite.
 // Order: PsgInit, PsgReset, then ticks and writes.
-// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", PSG. All of it is settled here.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", PSG.
 #pragma once
 
 #include "machine/sound_pairs.h"

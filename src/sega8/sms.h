@@ -6,7 +6,7 @@
 //   says BIOS runs alone. Images may have any length up to 4 MB.
 // States: board, Z80, VDP, PSG, YM2413; the last also on a console without the chip. sound_frame.h
 //   says what is guaranteed about sound.
-// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Board.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Master System board.
 #pragma once
 
 #include "facts/sms_facts.h"

@@ -11,7 +11,7 @@
 //   ticks. The owner writes `pausePressed` and `secondChip`.
 // Order: VdpInit, `vram`, VdpReset, then for each frame VdpBeginFrame, ticks until `frameDone`,
 //   VdpFinishFrame.
-// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", VDP. All of it is settled here.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", VDP.
 #pragma once
 
 #include "sega8/vdp_record.h"

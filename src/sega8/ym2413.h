@@ -8,8 +8,7 @@
 // Pins: the chip adds its sound to the owner's `pairs`. The owner keeps the address latch and calls
 //   YmWrite with register and value.
 // Order: YmInit, YmReset, then ticks and writes.
-// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", FM chip. All of it is settled
-//   here.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", FM chip.
 #pragma once
 
 #include "machine/sound_pairs.h"

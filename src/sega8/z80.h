@@ -14,7 +14,7 @@
 //   clock). It reads running, which is 0 while the chip has released the bus.
 // Order: Z80Init, then Z80Reset, before the first tick. SP is 0 after a reset; a machine that needs
 //   another value writes regs[kZ80Sp] after it.
-// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Z80. All of it is settled here.
+// Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Z80.
 #pragma once
 
 #include "sega8/z80_steps.h"

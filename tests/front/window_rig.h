@@ -4,6 +4,7 @@
 
 #include "base/files.h"
 #include "front/application.h"
+#include "front/notices.h"
 #include "front/session_callbacks.h"
 #include "front/tools/play.h"
 #include "host/machine_list.h"
@@ -68,6 +69,8 @@ protected:
         Settings().SetInt(L"app_window_width", 640);
         Settings().SetInt(L"app_window_height", 480);
         EmuSetMachines(BuiltInMachines());
+        // Those of the test before would lie over the picture for some seconds.
+        static_cast<void>(ProgramNotices().Lines(INT64_MAX));
         folder.Write("latch.sms", LatchingRom());
         EndIfItHangs();
     }

@@ -169,3 +169,26 @@ TEST_F(Texts, IsAlignedWithinItsRectangleAndOutlinedAround) {
     EXPECT_LT(outlined.x, middle.x);
     EXPECT_GT(outlined.Bottom(), middle.Bottom());
 }
+
+TEST(SurfaceOrigin, KeepsItsCoordinatesWhereItIsCut) {
+    CGhostSurface surface;
+    ASSERT_TRUE(surface.Create({0, 0, 100, 100}, 1.0));
+    surface.PushOrigin({-10, -10, 50, 50});
+    EXPECT_EQ(surface.Width(), 50);
+    surface.SetPixel(10, 10, 0xFF123456);
+    surface.SetPixel(9, 9, 0xFF654321); // outside the surface
+    surface.SetPixel(49, 49, 0xFF00FF00);
+    surface.SetPixel(50, 50, 0xFF0000FF); // outside the rectangle
+    surface.PopOrigin();
+    EXPECT_EQ(surface.Pixels()[0], 0xFF123456u);
+    EXPECT_EQ(surface.Pixels()[39 * 100 + 39], 0xFF00FF00u);
+    EXPECT_EQ(surface.Pixels()[40 * 100 + 40], 0u);
+    for (int i = 0; i < 9; ++i) {
+        surface.PushOrigin({0, 0, 100, 100});
+    }
+    surface.SetPixel(5, 5, 0xFFFFFFFF);
+    EXPECT_EQ(surface.Pixels()[505], 0u) << "a push too many";
+    surface.PopOrigin();
+    surface.SetPixel(5, 5, 0xFFFFFFFF);
+    EXPECT_EQ(surface.Pixels()[505], 0xFFFFFFFFu);
+}

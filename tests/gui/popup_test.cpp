@@ -226,3 +226,18 @@ TEST_F(ToolTip, IsAboveTheCursorWithinTheScreen) {
     EXPECT_EQ(tip->GetRect().x, 0);
     EXPECT_EQ(tip->GetRect().y, 0);
 }
+
+TEST_F(MessageBox, OneThatIsTakenAwayUnreadSaysSoOnce) {
+    CGhostMessageBox* const box = CGhostMessageBox::Show(L"Title", L"Text");
+    int told = 0;
+    box->OnClosed.connect([&](CGhostMessageBox*) { ++told; });
+    manager.Reset();
+    EXPECT_EQ(told, 1);
+    CGhostMessageBox* const other = CGhostMessageBox::Show(L"Title", L"Text");
+    other->OnClosed.connect([&](CGhostMessageBox*) { ++told; });
+    other->Dismiss();
+    for (int i = 0; i < 3; ++i) {
+        manager.Tick(0);
+    }
+    EXPECT_EQ(told, 2);
+}

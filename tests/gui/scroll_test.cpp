@@ -3,6 +3,8 @@
 #include "gui/text.h"
 #include "gui/wrap.h"
 
+#include <cmath>
+
 using ScrollBar = ControlTest;
 using Slider = ControlTest;
 using MultiText = ControlTest;
@@ -54,7 +56,7 @@ TEST_F(Slider, PressAndDragSetTheValueAndKeysStep) {
     MoveTo(120, 110);
     EXPECT_FLOAT_EQ(slider->Value(), 1.0f) << "released";
     Key(kLeft);
-    EXPECT_FLOAT_EQ(slider->Value(), 0.9f) << "a tenth: a unit of what is shown";
+    EXPECT_NEAR(slider->Value(), 0.9f, 0.001f) << "a tenth: a unit of what is shown";
     EXPECT_TRUE(manager.Navigate(GUI_DIRECTION::kRight));
     EXPECT_FLOAT_EQ(slider->Value(), 1.0f);
     EXPECT_TRUE(manager.ActivateFocus());
@@ -109,4 +111,20 @@ TEST_F(MultiText, ScrollsWhatIsLongerThanItsWindow) {
     made->SetText(L"short again");
     EXPECT_EQ(made->ScrollPixels(), 0);
     EXPECT_EQ(made->window->clientRect.width, 200) << "the bar is gone";
+}
+
+// The number that is shown is the floor of value * 100.
+TEST_F(Slider, EveryKeyMovesTheNumberThatIsShownByOne) {
+    auto* const slider = new CGhostSlider(nullptr, 0, L"T", 0, 100, {false, 100, 100, 200, 28});
+    const auto shown = [&] { return static_cast<int>(std::floor(slider->Value() * 100.0f)); };
+    for (int step = 1; step <= 100; ++step) {
+        slider->OnKeyDown(GHOSTGUIKey::kRight);
+        ASSERT_EQ(shown(), step);
+    }
+    slider->OnKeyDown(GHOSTGUIKey::kRight);
+    EXPECT_EQ(slider->Value(), 1.0f);
+    for (int step = 99; step >= 0; --step) {
+        slider->OnKeyDown(GHOSTGUIKey::kLeft);
+        ASSERT_EQ(shown(), step);
+    }
 }

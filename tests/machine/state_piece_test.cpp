@@ -153,3 +153,25 @@ TEST(StatePiece, TwoPiecesFollowEachOtherWithoutFraming) {
     EXPECT_EQ(one.byte, 0x11);
     EXPECT_EQ(two.byte, 0x77);
 }
+
+// A piece whose fields have changed reads its present form, and asks for an older one by that one's version.
+TEST(StatePiece, APieceMayHaveAVersionOfItsOwn) {
+    uint16_t first = 0x1234;
+    uint8_t added = 0x56;
+    const auto present = [&](auto& visit) {
+        visit(first);
+        visit(added);
+    };
+    const auto former = [&](auto& visit) { visit(first); };
+    uint8_t bytes[8] = {};
+    EXPECT_EQ(StatePieceWrite(bytes, present, 2), bytes + 8);
+    EXPECT_EQ(bytes[0], 2);
+    EXPECT_EQ(StatePieceRead(bytes, 8, present), 0u) << "not the first version";
+    first = added = 0;
+    EXPECT_EQ(StatePieceRead(bytes, 8, present, 2), 8u);
+    EXPECT_EQ(first, 0x1234);
+    EXPECT_EQ(added, 0x56);
+    StatePieceWrite(bytes, former);
+    EXPECT_EQ(StatePieceRead(bytes, 8, present, 2), 0u);
+    EXPECT_EQ(StatePieceRead(bytes, 8, former), 7u);
+}

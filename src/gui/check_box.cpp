@@ -130,9 +130,8 @@ void CGhostCheckBox::OnKeyDown(GHOSTGUIKey key) {
         state = CGhostButton::kPressed;
         down = true;
         dirty = true;
-    } else if (enabled && (key == kPlus || key == kKeypadPlus) && !checked) {
-        Toggle();
-    } else if (enabled && (key == kMinus || key == kKeypadMinus) && checked) {
+    } else if (const bool sets = key == kPlus || key == kKeypadPlus;
+               enabled && sets != checked && (sets || key == kMinus || key == kKeypadMinus)) {
         Toggle();
     } else {
         MoveFocusByKey(key);

@@ -30,8 +30,10 @@ uint8_t CornerCoverage(int32_t x, int32_t y, PIXEL_SIZE pixels, int32_t radius, 
     constexpr int32_t kSamples = 4; // each way
     int32_t inside = 0;
     for (int32_t i = 0; i < kSamples * kSamples; ++i) {
-        const double right = (x + (i % kSamples + 0.5) / kSamples) * radius / pixels.width;
-        const double down = (y + (i / kSamples + 0.5) / kSamples) * radius / pixels.height;
+        const int32_t column = i % kSamples;
+        const int32_t row = i / kSamples;
+        const double right = (x + (column + 0.5) / kSamples) * radius / pixels.width;
+        const double down = (y + (row + 0.5) / kSamples) * radius / pixels.height;
         const double distance = std::hypot(radius - right, radius - down);
         inside += distance <= radius && distance > radius - thickness ? 1 : 0;
     }

@@ -120,7 +120,7 @@ int32_t CGhostFont::Advance(wchar_t character) {
     const auto& freetype = *manager->freetype;
     const FT_UInt glyph = FTC_CMapCache_Lookup(freetype.charmaps, cache->face, cache->charmap,
                                                static_cast<FT_UInt32>(character));
-    const FT_Size at = freetype.SizeOf(cache->face, size);
+    FT_SizeRec_* const at = freetype.SizeOf(cache->face, size);
     FT_Fixed wide = 0;
     if (glyph != 0 && at != nullptr &&
         FT_Get_Advance(at->face, glyph, FT_LOAD_NO_HINTING, &wide) == 0) {
@@ -145,8 +145,8 @@ GUI_GLYPH CGhostFont::Glyph(wchar_t character, double density) {
     drawn.width = bitmap->width;
     drawn.height = bitmap->height;
     drawn.pitch = bitmap->pitch;
-    drawn.left = bitmap->left;
-    drawn.top = bitmap->top;
+    drawn.left = bitmap->left; // NOLINT(bugprone-signed-char-misuse): a small number
+    drawn.top = bitmap->top;   // NOLINT(bugprone-signed-char-misuse)
     return drawn;
 }
 
@@ -189,7 +189,7 @@ CGhostFont* CGhostFontManager::GetFont(std::string_view name, int32_t height) {
         return nullptr;
     }
     for (int32_t size = std::clamp(height, 1, 512); size > 0; --size) {
-        const FT_Size at = freetype->SizeOf(&*face, size);
+        FT_SizeRec_* const at = freetype->SizeOf(&*face, size);
         if (at == nullptr) {
             return nullptr;
         }

@@ -35,8 +35,9 @@ struct STAMP {
             for (int32_t x = 0; x < side; ++x) {
                 const double distance = std::hypot(x - middle, y - middle) / radius;
                 const double soft = std::max(0.0, 1.0 - distance);
-                coverage[static_cast<size_t>(y * side + x)] =
-                    static_cast<uint8_t>(strength * soft * soft + 0.5);
+                coverage[static_cast<size_t>(y) * static_cast<size_t>(side) +
+                         static_cast<size_t>(x)] =
+                    static_cast<uint8_t>(std::lround(strength * soft * soft));
             }
         }
     }
@@ -121,6 +122,7 @@ size_t FitText(CGhostFont* font, std::wstring_view text, int32_t width) {
     return count;
 }
 
+// NOLINTNEXTLINE(readability-function-size): all that a text can have
 void DrawText(CGhostSurface& surface, CGhostFont* font, std::wstring_view text, uint32_t colour,
               uint32_t outlineColour, uint32_t align, const GUI_RECT& rect, int32_t xOffset,
               int32_t yOffset) {

@@ -103,41 +103,52 @@ std::vector<COVER> CoversOf(int32_t from, int32_t to) {
     return covers;
 }
 
+struct IMAGE_VIEW {
+    std::span<const uint32_t> pixels;
+    size_t width;
+};
+
+// The mean of the pixels that a new one covers.
+uint32_t MeanOf(const IMAGE_VIEW& image, const COVER& row, const COVER& column) {
+    double area = 0;
+    double alpha = 0;
+    double colour[3] = {};
+    for (size_t y = 0; y < row.shares.size(); ++y) {
+        const size_t line = static_cast<size_t>(row.first) + y;
+        for (size_t x = 0; x < column.shares.size(); ++x) {
+            const uint32_t pixel =
+                image.pixels[line * image.width + static_cast<size_t>(column.first) + x];
+            const double share = row.shares[y] * column.shares[x];
+            const double weight = share * (pixel >> 24);
+            area += share;
+            alpha += weight;
+            for (size_t i = 0; i < 3; ++i) {
+                colour[i] += weight * (pixel >> (i * 8) & 0xFF);
+            }
+        }
+    }
+    if (alpha <= 0) {
+        return 0;
+    }
+    uint32_t mean = static_cast<uint32_t>(std::lround(alpha / area)) << 24;
+    for (size_t i = 0; i < 3; ++i) {
+        mean |= static_cast<uint32_t>(std::lround(colour[i] / alpha)) << (i * 8);
+    }
+    return mean;
+}
+
 } // namespace
 
 std::vector<uint32_t> ReducePixels(std::span<const uint32_t> pixels, int32_t width, int32_t height,
                                    int32_t newWidth, int32_t newHeight) {
+    const IMAGE_VIEW image{pixels, static_cast<size_t>(width)};
     const std::vector<COVER> columns = CoversOf(width, newWidth);
     const std::vector<COVER> rows = CoversOf(height, newHeight);
     std::vector<uint32_t> reduced;
     reduced.reserve(static_cast<size_t>(newWidth) * static_cast<size_t>(newHeight));
     for (const COVER& row : rows) {
         for (const COVER& column : columns) {
-            double area = 0;
-            double alpha = 0;
-            double colour[3] = {};
-            for (size_t y = 0; y < row.shares.size(); ++y) {
-                const auto line = static_cast<size_t>(row.first) + y;
-                for (size_t x = 0; x < column.shares.size(); ++x) {
-                    const uint32_t pixel = pixels[line * static_cast<size_t>(width) +
-                                                  static_cast<size_t>(column.first) + x];
-                    const double share = row.shares[y] * column.shares[x];
-                    const double weight = share * (pixel >> 24);
-                    area += share;
-                    alpha += weight;
-                    for (size_t i = 0; i < 3; ++i) {
-                        colour[i] += weight * (pixel >> (i * 8) & 0xFF);
-                    }
-                }
-            }
-            uint32_t out = 0;
-            if (alpha > 0) {
-                out = static_cast<uint32_t>(alpha / area + 0.5) << 24;
-                for (size_t i = 0; i < 3; ++i) {
-                    out |= static_cast<uint32_t>(colour[i] / alpha + 0.5) << (i * 8);
-                }
-            }
-            reduced.push_back(out);
+            reduced.push_back(MeanOf(image, row, column));
         }
     }
     return reduced;

@@ -98,9 +98,11 @@ public:
         for (int32_t y = std::max(0, -top); y < std::min(cursor->pixelHeight, height - top); ++y) {
             for (int32_t x = std::max(0, -left); x < std::min(cursor->pixelWidth, width - left);
                  ++x) {
-                uint32_t& to = pixels[static_cast<size_t>((top + y) * width + left + x)];
-                to =
-                    BlendPixel(to, cursor->pixels[static_cast<size_t>(y * cursor->pixelWidth + x)]);
+                const auto placeOf = [](int32_t row, int32_t stride, int32_t column) {
+                    return static_cast<size_t>(int64_t{row} * stride + column);
+                };
+                uint32_t& to = pixels[placeOf(top + y, width, left + x)];
+                to = BlendPixel(to, cursor->pixels[placeOf(y, cursor->pixelWidth, x)]);
             }
         }
     }

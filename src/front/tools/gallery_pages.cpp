@@ -38,7 +38,7 @@ constexpr std::array<std::wstring_view, 5> kStateNames = {L"normal", L"hot", L"p
 } // namespace
 
 std::span<const GALLERY_PAGE> GalleryPages() {
-    static const GALLERY_PAGE pages[] = {
+    static const GALLERY_PAGE kPages[] = {
         {"text",          BuildTextPage   },
         {"buttons",       BuildButtonsPage},
         {"fields",        BuildFieldsPage },
@@ -51,7 +51,7 @@ std::span<const GALLERY_PAGE> GalleryPages() {
         {"the options",   BuildOptionsPage},
         {"a message",     BuildMessagePage},
     };
-    return pages;
+    return kPages;
 }
 
 // ---- Text.

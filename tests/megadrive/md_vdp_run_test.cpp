@@ -54,7 +54,7 @@ TEST(MdVdpRun, IsTheSameAsSingleClocks) {
     }
 }
 
-// Runs as many clocks as the chip promises to keep to itself: after them nothing of the machine has changed.
+// Runs the clocks in which the VDP promises to touch only itself. The machine is unchanged after them.
 TEST(MdVdpRun, NothingOfTheMachineChangesBeforeTheEventTold) {
     uint32_t promised = 0;
     for (uint32_t seed = 0; seed < 8; ++seed) {

@@ -1,6 +1,7 @@
 #include "gui/keyboard.h"
 
 #include "gui/edit.h"
+#include "gui/manager.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/theme.h"
@@ -50,7 +51,6 @@ CGhostKeyboard* CGhostKeyboard::Open(CGhostEdit* edit) {
 CGhostKeyboard::CGhostKeyboard(CGhostEdit* target)
     : edit(target) {
     CGhostManager& manager = CGhostManager::Get();
-    before = manager.RememberInput();
     const CGhostTheme& theme = CGhostTheme::Get();
     if (!theme.GetStyle(L"KEYBOARD_KEY", style)) {
         theme.GetStyle(L"BUTTON", style);
@@ -68,15 +68,13 @@ CGhostKeyboard::CGhostKeyboard(CGhostEdit* target)
     theme.GetStyle(L"TEXT_LEFT", preview);
     edit->keyboard = this;
     MakeKeys();
-    manager.SetModal(window);
+    manager.TakeInput(window);
 }
 
-// The input goes back to who had it.
 CGhostKeyboard::~CGhostKeyboard() {
     if (edit != nullptr) {
         edit->keyboard = nullptr;
     }
-    CGhostManager::Get().RestoreInput(before);
 }
 
 void CGhostKeyboard::EditIsGone() {

@@ -9,7 +9,6 @@
 #pragma once
 
 #include "gui/control.h"
-#include "gui/manager.h"
 #include "gui/styles.h"
 
 #include <vector>
@@ -70,5 +69,4 @@ private:
     size_t held = kNone;  // under a held button
     bool shifted = false; // for one letter
     bool closing = false;
-    CGhostManager::INPUT_OWNERS before;
 };

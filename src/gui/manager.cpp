@@ -41,7 +41,9 @@ void CGhostManager::Reset() {
     const std::scoped_lock holdQueue(queueLock);
     eventQueue.clear();
     pendingDelete.clear();
+    takers.clear();
     keyState.fill(false);
+    keyPressedIn.fill(0);
     clipboard.clear();
     hasClipboard = captureInFrame = toolTipVisible = false;
     cursorX = cursorY = lastClickButton = 0;

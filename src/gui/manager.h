@@ -124,14 +124,15 @@ public:
     bool ActivateFocus();
     bool CancelFocus(); // false when nothing was left or closed by it
 
-    // For a window that takes the input of others for a while: who has it now, and giving it back to
-    // them, as far as they are still there.
-    struct INPUT_OWNERS {
-        uint32_t modal = 0; // ids of windows, 0: none
-        uint32_t focus = 0;
-    };
-    [[nodiscard]] INPUT_OWNERS RememberInput() const;
-    void RestoreInput(const INPUT_OWNERS& owners);
+    // Makes a window modal that takes the input of all others for a while, such as a message box, and
+    // remembers who had it. They have it back when the window is freed, in whatever order several such
+    // windows end.
+    bool TakeInput(GHOSTMANAGER_WINDOW* window);
+    // The id of the window that has the focus, 0 for none, and giving the focus back: to that window, or
+    // the nearest above it that is seen and takes input. Without one, to the first tab stop of the modal
+    // window, if there is a modal window.
+    [[nodiscard]] uint32_t FocusId() const;
+    void ReturnFocus(uint32_t id);
 
     // ---- Clipboard, keys, cursor.
 
@@ -205,6 +206,8 @@ private:
     void FocusOn(GHOSTMANAGER_WINDOW* window);
     void HoverOn(GHOSTMANAGER_WINDOW* window);
     void FocusNextTabStop(bool backward);
+    void KeyDownToFocus(GHOSTGUIKey key);
+    void KeyUpToFocus(GHOSTGUIKey key);
     void InputToFocus(GUI_INPUT_RECORD& record);
     void DetectDoubleClick(GUI_INPUT_RECORD& record, bool& doubleClick, uint64_t now);
     void InputToWindow(GHOSTMANAGER_WINDOW& window, GUI_INPUT_RECORD& record, bool& doubleClick);
@@ -216,6 +219,15 @@ private:
     void FreeSubtree(GHOSTMANAGER_WINDOW* window);
     [[nodiscard]] GHOSTMANAGER_WINDOW* OwnedBy(const GHOSTMANAGER_WINDOW* owner) const;
     [[nodiscard]] GHOSTMANAGER_WINDOW* WithId(uint32_t id) const;
+    struct INPUT_TAKER {
+        uint32_t window; // ids; 0: none
+        uint32_t modal;  // before it
+        uint32_t focus;
+    };
+    [[nodiscard]] GHOSTMANAGER_WINDOW* VisibleWithId(uint32_t id) const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* FirstTabStop(GHOSTMANAGER_WINDOW* within) const;
+    void ReturnInput(const GHOSTMANAGER_WINDOW& window);
+    void ReturnModality(uint32_t before);
     [[nodiscard]] bool AskFocus(const std::function<bool(CGhostGUIHandler&)>& ask);
     void Forget(GHOSTMANAGER_WINDOW* window);
     void TickHandlers(uint32_t microseconds);
@@ -258,6 +270,7 @@ private:
     uint64_t lastActivity = 0;     // of the mouse over a window, on that clock
     uint32_t cursorIndex = 0;
     std::array<bool, 512> keyState{};
+    std::array<uint32_t, 512> keyPressedIn{};   // id of the focus at a held key's press, 0: none
     GHOSTMANAGER_WINDOW* firstWindow = nullptr; // of the top level
     GHOSTMANAGER_WINDOW* lastWindow = nullptr;  // the frontmost
     bool captureInFrame = false;
@@ -268,6 +281,7 @@ private:
     GHOSTMANAGER_WINDOW* activeTopWindow = nullptr; // topmost ancestor of the focus
     GHOSTMANAGER_WINDOW* modalWindow = nullptr;
     GHOSTMANAGER_WINDOW* toolTipWindow = nullptr;
+    std::vector<INPUT_TAKER> takers; // the last one made last
     uint64_t lastClickTimeMs = 0;
     int32_t lastClickButton = 0;
     bool hasClipboard = false;

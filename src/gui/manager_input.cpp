@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -202,19 +203,94 @@ bool CGhostManager::CancelFocus() {
     return AskFocus([](CGhostGUIHandler& handler) { return handler.OnCancelKey(); });
 }
 
-CGhostManager::INPUT_OWNERS CGhostManager::RememberInput() const {
+// ---- Taking the input for a while.
+
+bool CGhostManager::TakeInput(GHOSTMANAGER_WINDOW* window) {
     const std::scoped_lock hold(treeLock);
-    return {modalWindow != nullptr ? modalWindow->id : 0,
-            focusWindow != nullptr ? focusWindow->id : 0};
+    if (!Knows(window)) {
+        return false;
+    }
+    takers.push_back({window->id, modalWindow != nullptr ? modalWindow->id : 0, FocusId()});
+    HoverOn(nullptr); // what was pressed or hot comes to rest
+    return SetModal(window);
 }
 
-void CGhostManager::RestoreInput(const INPUT_OWNERS& owners) {
+uint32_t CGhostManager::FocusId() const {
     const std::scoped_lock hold(treeLock);
-    if (GHOSTMANAGER_WINDOW* const modal = WithId(owners.modal)) {
-        SetModal(modal);
+    return focusWindow != nullptr ? focusWindow->id : 0;
+}
+
+GHOSTMANAGER_WINDOW* CGhostManager::VisibleWithId(uint32_t id) const {
+    GHOSTMANAGER_WINDOW* const window = WithId(id);
+    return window != nullptr && EffectivelyVisible(window) ? window : nullptr;
+}
+
+// Null when there is none.
+GHOSTMANAGER_WINDOW* CGhostManager::FirstTabStop(GHOSTMANAGER_WINDOW* within) const {
+    for (GHOSTMANAGER_WINDOW* at = within; at != nullptr; at = Next(at)) {
+        if (at->depth <= within->depth && at != within) {
+            return nullptr; // beyond its last descendant
+        }
+        if (at->tabStop && EffectivelyVisible(at)) {
+            return at;
+        }
     }
-    if (GHOSTMANAGER_WINDOW* const focus = WithId(owners.focus)) {
-        FocusOn(focus);
+    return nullptr;
+}
+
+void CGhostManager::ReturnFocus(uint32_t id) {
+    const std::scoped_lock hold(treeLock);
+    GHOSTMANAGER_WINDOW* to = WithId(id);
+    const auto usable = [&] {
+        return to->surface != nullptr && EffectivelyVisible(to) && WithinModal(to);
+    };
+    while (to != nullptr && !usable()) {
+        to = to->parent != nullptr ? to->parent : to->owner;
+    }
+    if (to == nullptr && modalWindow != nullptr) {
+        to = FirstTabStop(modalWindow);
+        to = to != nullptr ? to : modalWindow;
+    }
+    if (to != nullptr && EffectivelyVisible(to)) {
+        FocusOn(to);
+    }
+}
+
+// To the window that was modal before, or else the last of the takers that is still seen.
+void CGhostManager::ReturnModality(uint32_t before) {
+    modalWindow = VisibleWithId(before);
+    for (size_t i = takers.size(); modalWindow == nullptr && i-- > 0;) {
+        modalWindow = VisibleWithId(takers[i].window);
+    }
+}
+
+// A window that is freed gives back what it took. If another took the input after it, that one now has to
+// return it to where this one got it from.
+void CGhostManager::ReturnInput(const GHOSTMANAGER_WINDOW& window) {
+    const auto taker = std::find_if(takers.begin(), takers.end(), [&](const INPUT_TAKER& row) {
+        return row.window == window.id;
+    });
+    if (taker == takers.end()) {
+        if (modalWindow == nullptr && !takers.empty()) {
+            ReturnModality(0);
+            if (focusWindow == nullptr) {
+                ReturnFocus(0);
+            }
+        }
+        return;
+    }
+    const INPUT_TAKER ended = *taker;
+    const auto above = takers.erase(taker);
+    if (above != takers.end()) {
+        above->modal = above->modal == ended.window ? ended.modal : above->modal;
+        above->focus = WithId(above->focus) == nullptr ? ended.focus : above->focus;
+    }
+    if (modalWindow == nullptr) {
+        ReturnModality(above == takers.end() ? ended.modal : 0);
+    }
+    // A window that was given the focus meanwhile keeps it if it may have it.
+    if (!Knows(focusWindow) || !EffectivelyVisible(focusWindow) || !WithinModal(focusWindow)) {
+        ReturnFocus(ended.focus);
     }
 }
 
@@ -242,21 +318,52 @@ void CGhostManager::DetectDoubleClick(GUI_INPUT_RECORD& record, bool& doubleClic
     lastClickButton = record.button;
 }
 
+namespace {
+
+// Keys that press and dismiss. Their repeats go only to the window that got the press, so that a held
+// Return does not close the box that it opens.
+bool BelongsToItsPress(GHOSTGUIKey key) {
+    return key == GHOSTGUIKey::kReturn || key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kEscape;
+}
+
+} // namespace
+
+void CGhostManager::KeyDownToFocus(GHOSTGUIKey key) {
+    const auto index = static_cast<size_t>(key);
+    bool elsewhere = false; // a repeat of a key that was pressed in another window
+    if (index < keyState.size()) {
+        if (!keyState[index]) {
+            keyPressedIn[index] = FocusId();
+        }
+        elsewhere = keyPressedIn[index] != FocusId();
+        keyState[index] = true;
+    }
+    if (focusWindow == nullptr) {
+        return;
+    }
+    if (key == GHOSTGUIKey::kTab && focusWindow->parent != nullptr) {
+        FocusNextTabStop(IsKeyDown(static_cast<uint32_t>(GHOSTGUIKey::kLeftShift)));
+    } else if (!elsewhere || !BelongsToItsPress(key)) {
+        QueueChain(focusWindow, [key](CGhostGUIHandler& handler) { handler.OnKeyDown(key); });
+    }
+}
+
+// A release goes to the window that got the press and to no other.
+void CGhostManager::KeyUpToFocus(GHOSTGUIKey key) {
+    const auto index = static_cast<size_t>(key);
+    if (index < keyState.size()) {
+        keyState[index] = false;
+        if (std::exchange(keyPressedIn[index], 0) != FocusId()) {
+            return;
+        }
+    }
+    QueueChain(focusWindow, [key](CGhostGUIHandler& handler) { handler.OnKeyUp(key); });
+}
+
 void CGhostManager::InputToFocus(GUI_INPUT_RECORD& record) {
     const auto key = static_cast<GHOSTGUIKey>(record.key);
-    const bool known = record.key >= 0 && static_cast<size_t>(record.key) < keyState.size();
     if (record.keyDown) {
-        if (known) {
-            keyState[static_cast<size_t>(record.key)] = true;
-        }
-        if (focusWindow != nullptr) {
-            if (key == GHOSTGUIKey::kTab && focusWindow->parent != nullptr) {
-                FocusNextTabStop(IsKeyDown(static_cast<uint32_t>(GHOSTGUIKey::kLeftShift)));
-            } else {
-                QueueChain(focusWindow,
-                           [key](CGhostGUIHandler& handler) { handler.OnKeyDown(key); });
-            }
-        }
+        KeyDownToFocus(key);
     }
     if (record.character != 0) {
         const auto character = static_cast<unsigned>(record.character);
@@ -264,10 +371,7 @@ void CGhostManager::InputToFocus(GUI_INPUT_RECORD& record) {
                    [character](CGhostGUIHandler& handler) { handler.OnChar(character); });
     }
     if (record.keyUp) {
-        if (known) {
-            keyState[static_cast<size_t>(record.key)] = false;
-        }
-        QueueChain(focusWindow, [key](CGhostGUIHandler& handler) { handler.OnKeyUp(key); });
+        KeyUpToFocus(key);
     }
     record.keyDown = record.keyUp = false;
     record.character = 0;

@@ -461,6 +461,7 @@ bool CGhostManager::SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where) {
     AddDirty(*window);
     if (where == kOut) {
         // Nothing may point at a window that is no longer in the tree.
+        Unlink(*window);
         for (GHOSTMANAGER_WINDOW* at = window; at != nullptr;) {
             Forget(at);
             GHOSTMANAGER_WINDOW* const next = Next(at);
@@ -470,7 +471,6 @@ bool CGhostManager::SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where) {
             }
             at = up != nullptr ? next : nullptr;
         }
-        Unlink(*window);
         return true;
     }
     Unlink(*window);
@@ -543,8 +543,11 @@ void CGhostManager::Forget(GHOSTMANAGER_WINDOW* window) {
         toolTipVisible = false;
     }
     std::erase(pendingDelete, window);
-    const std::scoped_lock hold(queueLock);
-    std::erase_if(eventQueue, [&](const EVENT& event) { return event.window == window; });
+    {
+        const std::scoped_lock hold(queueLock);
+        std::erase_if(eventQueue, [&](const EVENT& event) { return event.window == window; });
+    }
+    ReturnInput(*window);
 }
 
 // Children first, then what floats for the window; in each the second handler before the first.

@@ -8,7 +8,6 @@
 #pragma once
 
 #include "gui/control.h"
-#include "gui/manager.h"
 
 class CGhostButton;
 class CGhostMultiText;
@@ -47,5 +46,4 @@ private:
     GUI_RECT screen; // that it was placed for
     bool closed = false;
     bool told = false; // OnClosed has been called
-    CGhostManager::INPUT_OWNERS before;
 };

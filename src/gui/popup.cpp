@@ -1,5 +1,7 @@
 #include "gui/popup.h"
 
+#include "gui/manager.h"
+
 namespace {
 
 constexpr int32_t kBesideText = 35; // of a menu's width, beyond its widest item
@@ -66,7 +68,7 @@ void CGhostPopup::ShowAt(int32_t x, int32_t y) {
     const int32_t height = list->ContentHeight() + list->FrameHeight();
     const GUI_RECT place = DropPlace(at, width, height, manager.ScreenRect());
     if (!shown) {
-        before = manager.RememberInput();
+        focusBefore = manager.FocusId();
     }
     shown = true;
     list->SetPos(place.x, place.y, place.width, place.height);
@@ -87,6 +89,6 @@ void CGhostPopup::Hide() {
     const bool within = HasFocus();
     list->SetVisible(false);
     if (within) {
-        manager.RestoreInput({0, before.focus});
+        manager.ReturnFocus(focusBefore);
     }
 }

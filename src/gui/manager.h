@@ -8,10 +8,15 @@
 // Handles: every operation looks for its window in the tree, so a stale handle yields false.
 // Calls: handlers are called from Tick, but for those that a change of size or place concerns, which
 //   are called at once. Whatever PostInput and SetFocus bring about is queued and called by the tick.
-// Locks, in this order: the API mutex around Tick, CompositeAll and PostInput; the tree lock; the queue
-//   lock. While a queued call runs neither the tree nor the queue is locked, so a handler may call any
-//   operation, and another thread may queue.
-// Thread: main for Tick, CompositeAll and PostInput; any for the rest.
+// Locks, in this order: the API mutex around Tick, CompositeAll, PostInput, whatever else calls handlers,
+//   and the making of message boxes; the tree lock; the queue lock. While a queued call or a handler's tick
+//   or painting runs neither the tree nor the queue is locked, so a handler may call any operation, and
+//   another thread may queue.
+// Thread: main for SetHost, SetScreen, Tick, CompositeAll, PostInput, Navigate, ActivateFocus, CancelFocus
+//   and the composite buffer; any for the rest. SetWindowPos, SetWindowFrame and RecalcClient call handlers
+//   and wait for the round to end, as every other thread must that uses a control: it keeps the round with
+//   HoldRound. The host's callbacks are called on the thread that called SetHost, if need be with the next
+//   tick or composite.
 #pragma once
 
 #include "base/ranked_mutex.h"
@@ -25,6 +30,7 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 // What one event of a device is to the toolkit. PostInput clears what has been consumed.
@@ -71,8 +77,8 @@ public:
 
     // The display in pixels. Density and virtual screen follow from it, and every surface is made anew.
     void SetScreen(int32_t pixelWidth, int32_t pixelHeight);
-    [[nodiscard]] double Density() const { return density; }
-    [[nodiscard]] GUI_RECT ScreenRect() const { return screenRect; }
+    [[nodiscard]] double Density() const;
+    [[nodiscard]] GUI_RECT ScreenRect() const;
 
     // ---- Windows.
 
@@ -139,17 +145,17 @@ public:
     void SetClipboard(const std::wstring& text);
     [[nodiscard]] bool GetClipboard(std::wstring& out) const; // false until something was set
     [[nodiscard]] bool IsKeyDown(uint32_t key) const;
-    [[nodiscard]] int32_t CursorX() const { return cursorX; }
-    [[nodiscard]] int32_t CursorY() const { return cursorY; }
+    [[nodiscard]] int32_t CursorX() const;
+    [[nodiscard]] int32_t CursorY() const;
     // 0 normal, 1 hot, 2 resizes to left and right.
-    void SetCursorIndex(uint32_t index) { cursorIndex = index; }
-    [[nodiscard]] uint32_t CursorIndex() const { return cursorIndex; }
+    void SetCursorIndex(uint32_t index);
+    [[nodiscard]] uint32_t CursorIndex() const;
 
     // ---- The round.
 
     // `nowMilliseconds`: any steady clock, for the double click.
     void PostInput(GUI_INPUT_RECORD& record, uint64_t nowMilliseconds);
-    void Tick(uint32_t microseconds);
+    void Tick(uint32_t microseconds); // does nothing within a tick
     void CompositeAll();
     // With no draw callback CompositeAll blends into these pixels of the display, rows of `stride`.
     void SetCompositeBuffer(uint32_t* pixels, int32_t width, int32_t height, int32_t stride);
@@ -165,7 +171,7 @@ public:
         double composite = 0;
         double compositePeak = 0;
     };
-    [[nodiscard]] TIMES Times() const { return times; }
+    [[nodiscard]] TIMES Times() const;
 
     // Keeps other threads out of the round while they make several windows that belong together.
     [[nodiscard]] auto HoldRound() { return std::unique_lock(apiLock); }
@@ -173,7 +179,8 @@ public:
     // Frees every window and forgets all but the host and the display, as if newly made. For tests.
     void Reset();
 
-    // Visits every window, back to front: a window, its children, its next sibling.
+    // Visits every window, back to front: a window, its children, its next sibling. The tree is locked
+    // meanwhile and must not change.
     void ForEachWindow(const std::function<void(const GHOSTMANAGER_WINDOW&)>& visit) const;
 
 private:
@@ -230,12 +237,15 @@ private:
     void ReturnModality(uint32_t before);
     [[nodiscard]] bool AskFocus(const std::function<bool(CGhostGUIHandler&)>& ask);
     void Forget(GHOSTMANAGER_WINDOW* window);
+    [[nodiscard]] CGhostGUIHandler* FirstHandler(const GHOSTMANAGER_WINDOW& window) const;
     void TickHandlers(uint32_t microseconds);
     void TickToolTip();
     void DrainQueue();
     void FreePending();
     void RepaintWindows();
     void Repaint(GHOSTMANAGER_WINDOW& window);
+    void TellHost(std::function<void()> call);
+    void TellHostWhatWaits();
     void DrawWindow(const GHOSTMANAGER_WINDOW& window);
     void StartBuffer();
     void BlendIntoBuffer(const CGhostSurface& surface, int32_t sourceX, int32_t sourceY, int32_t x,
@@ -259,6 +269,9 @@ private:
     std::deque<EVENT> eventQueue;
 
     GUI_HOST_CALLBACKS host;
+    std::thread::id hostThread;
+    std::vector<std::function<void()>> hostWaits; // calls of it that other threads have left
+    bool ticking = false;
     int32_t cursorX = 0;
     int32_t cursorY = 0;
     uint32_t nextId = 1;

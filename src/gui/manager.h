@@ -120,8 +120,8 @@ public:
     [[nodiscard]] GHOSTMANAGER_WINDOW* ModalWindow() const;
     [[nodiscard]] GHOSTMANAGER_WINDOW* ActiveTopWindow() const;
 
-    // Beyond tab order: the focus goes to the nearest visible tab stop in a direction, within the modal
-    // window if there is one. False when there is none.
+    // Beyond tab order: the focus goes to the nearest tab stop in a direction, within the modal window if
+    // there is one. False when there is none. What lies behind another window is passed over.
     using Direction = GUI_DIRECTION;
     bool MoveFocus(Direction direction);
     // What a controller does. The control that has the focus is asked first, at once; if it has no use
@@ -213,6 +213,7 @@ private:
     void FocusOn(GHOSTMANAGER_WINDOW* window);
     void HoverOn(GHOSTMANAGER_WINDOW* window);
     void FocusNextTabStop(bool backward);
+    [[nodiscard]] std::vector<GHOSTMANAGER_WINDOW*> SeenTabStops() const;
     void KeyDownToFocus(GHOSTGUIKey key);
     void KeyUpToFocus(GHOSTGUIKey key);
     void InputToFocus(GUI_INPUT_RECORD& record);

@@ -2,7 +2,9 @@
 #include "gui/manager.h"
 
 #include <algorithm>
+#include <compare>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -93,56 +95,96 @@ void CGhostManager::FocusNextTabStop(bool backward) {
 
 namespace {
 
-struct CENTRE {
-    int64_t x;
-    int64_t y;
+// How far a target is from where the focus is, in a direction. The least is the nearest.
+struct DISTANCE {
+    bool beside = false; // farther to the side than ahead
+    int64_t gaps = 0;    // between the edges; to the side counts double
+    int64_t centres = 0; // for rectangles that overlap
+    auto operator<=>(const DISTANCE&) const = default;
 };
 
-// Twice the middle of a rectangle, so that it is whole.
-CENTRE TwiceCentre(const GUI_RECT& rect) {
-    return {2 * int64_t{rect.x} + rect.width, 2 * int64_t{rect.y} + rect.height};
+int64_t Gap(int64_t low, int64_t high, int64_t otherLow, int64_t otherHigh) {
+    return std::max<int64_t>({0, otherLow - high, low - otherHigh});
 }
 
-// How far a target is from where the focus is, in a direction; below 0 if it does not lie there. What
-// is off to the side counts for more than what is straight ahead.
-int64_t Distance(const GUI_RECT& from, const GUI_RECT& to, CGhostManager::Direction direction) {
-    constexpr int64_t kSideWeight = 3;
-    const CENTRE a = TwiceCentre(from);
-    const CENTRE b = TwiceCentre(to);
-    const bool sideways = direction == CGhostManager::Direction::kLeft ||
-                          direction == CGhostManager::Direction::kRight;
-    const bool backward =
-        direction == CGhostManager::Direction::kLeft || direction == CGhostManager::Direction::kUp;
-    const int64_t ahead = (sideways ? b.x - a.x : b.y - a.y) * (backward ? -1 : 1);
-    int64_t aside = std::abs(sideways ? b.y - a.y : b.x - a.x);
-    // Rectangles that overlap in the other axis lie straight ahead.
-    const bool overlap = sideways ? from.y < to.Bottom() && to.y < from.Bottom()
-                                  : from.x < to.Right() && to.x < from.Right();
-    if (overlap) {
-        aside /= kSideWeight * kSideWeight;
+// None for a target whose middle does not lie in that direction. What lies within 45 degrees goes first,
+// however far it is: so every control has a neighbour from which it is reached.
+std::optional<DISTANCE> Distance(const GUI_RECT& from, const GUI_RECT& to,
+                                 GUI_DIRECTION direction) {
+    const bool sideways = direction == GUI_DIRECTION::kLeft || direction == GUI_DIRECTION::kRight;
+    const bool backward = direction == GUI_DIRECTION::kLeft || direction == GUI_DIRECTION::kUp;
+    // Twice the way between the middles, so that it is whole.
+    const int64_t x = 2 * (int64_t{to.x} - from.x) + to.width - from.width;
+    const int64_t y = 2 * (int64_t{to.y} - from.y) + to.height - from.height;
+    const int64_t ahead = (sideways ? x : y) * (backward ? -1 : 1);
+    if (ahead <= 0) {
+        return std::nullopt;
     }
-    return ahead <= 0 ? -1 : ahead + kSideWeight * aside;
+    const int64_t gapX = Gap(from.x, from.Right(), to.x, to.Right());
+    const int64_t gapY = Gap(from.y, from.Bottom(), to.y, to.Bottom());
+    const int64_t gapAhead = sideways ? gapX : gapY;
+    const int64_t gapAside = sideways ? gapY : gapX;
+    return DISTANCE{gapAside > gapAhead, gapAhead + 2 * gapAside,
+                    ahead + std::abs(sideways ? y : x)};
 }
 
 } // namespace
 
-bool CGhostManager::MoveFocus(Direction direction) {
-    const std::scoped_lock hold(treeLock);
-    // Without a focus, as if it lay just outside the screen's upper left corner.
-    const bool hasFocus = focusWindow != nullptr && EffectivelyVisible(focusWindow);
-    const GUI_RECT from = hasFocus ? PlaceOnScreen(*focusWindow) : GUI_RECT{-2, -2, 1, 1};
-    const Direction way = hasFocus ? direction : Direction::kDown;
-    GHOSTMANAGER_WINDOW* nearest = nullptr;
-    int64_t least = 0;
-    for (GHOSTMANAGER_WINDOW* at = firstWindow; at != nullptr; at = Next(at)) {
-        if (at == focusWindow || !at->tabStop || !EffectivelyVisible(at) || !WithinModal(at) ||
-            ClipToAncestors(*at, {0, 0, at->width, at->height}).Empty()) {
+// Those that a controller may go to: seen in their middle or near a corner, not behind another window.
+std::vector<GHOSTMANAGER_WINDOW*> CGhostManager::SeenTabStops() const {
+    struct PLACED {
+        GHOSTMANAGER_WINDOW* window;
+        GUI_RECT seen;
+    };
+    std::vector<PLACED> windows; // front to back, as the mouse meets them
+    for (GHOSTMANAGER_WINDOW* at = FrontMost(); at != nullptr; at = NextBehind(at)) {
+        if (EffectivelyVisible(at) && WithinModal(at)) {
+            windows.push_back({at, ClipToAncestors(*at, {0, 0, at->width, at->height})});
+        }
+    }
+    const auto within = [](const GHOSTMANAGER_WINDOW* window, const GHOSTMANAGER_WINDOW* ancestor) {
+        while (window != nullptr && window != ancestor) {
+            window = window->parent;
+        }
+        return window != nullptr;
+    };
+    const auto seenAt = [&](const GHOSTMANAGER_WINDOW* window, int32_t x, int32_t y) {
+        const auto hit = std::find_if(windows.begin(), windows.end(), [&](const PLACED& placed) {
+            return placed.seen.Contains(x, y) && !within(placed.window, toolTipWindow);
+        });
+        return hit != windows.end() && within(hit->window, window);
+    };
+    std::vector<GHOSTMANAGER_WINDOW*> stops;
+    for (const PLACED& placed : windows) {
+        const GUI_RECT& seen = placed.seen;
+        if (!placed.window->tabStop || seen.Empty()) {
             continue;
         }
-        const int64_t distance = Distance(from, PlaceOnScreen(*at), way);
-        if (distance >= 0 && (nearest == nullptr || distance < least)) {
+        const int32_t right = seen.Right() - 1;
+        const int32_t bottom = seen.Bottom() - 1;
+        if (seenAt(placed.window, seen.x + seen.width / 2, seen.y + seen.height / 2) ||
+            seenAt(placed.window, seen.x, seen.y) || seenAt(placed.window, right, seen.y) ||
+            seenAt(placed.window, seen.x, bottom) || seenAt(placed.window, right, bottom)) {
+            stops.push_back(placed.window);
+        }
+    }
+    return stops;
+}
+
+bool CGhostManager::MoveFocus(Direction direction) {
+    const std::scoped_lock hold(treeLock);
+    const bool hasFocus = focusWindow != nullptr && EffectivelyVisible(focusWindow);
+    GHOSTMANAGER_WINDOW* nearest = nullptr;
+    DISTANCE least;
+    for (GHOSTMANAGER_WINDOW* const at : SeenTabStops()) {
+        const GUI_RECT place = PlaceOnScreen(*at);
+        // Without a focus the first one is what is nearest to the screen's upper left corner.
+        const std::optional<DISTANCE> distance =
+            hasFocus ? Distance(PlaceOnScreen(*focusWindow), place, direction)
+                     : DISTANCE{false, int64_t{place.x} + place.y, 0};
+        if (at != focusWindow && distance && (nearest == nullptr || *distance < least)) {
             nearest = at;
-            least = distance;
+            least = *distance;
         }
     }
     if (nearest == nullptr) {

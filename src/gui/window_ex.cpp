@@ -12,6 +12,18 @@ namespace {
 
 constexpr int32_t kButtonsWide = 3 * CGhostWindowEx::kTitleHeight;
 
+// Ends a drag by the title bar when the mouse is taken away from it.
+class LeaveWatcher : public CGhostGUIHandler {
+public:
+    explicit LeaveWatcher(bool& drag)
+        : dragging(drag) {}
+    void Destroy() override { delete this; }
+    void OnMouseLeave() override { dragging = false; }
+
+private:
+    bool& dragging; // of the window, which ends after its title
+};
+
 } // namespace
 
 CGhostWindowEx::CGhostWindowEx(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
@@ -49,6 +61,7 @@ GUI_EDGES CGhostWindowEx::FrameEdges() const {
 void CGhostWindowEx::MakeTitle(const std::wstring& caption) {
     const GUI_PLACE nowhere{true, 0, 0, 0, 0};
     title = new CGhostTextBox(window, GetFlags(), captionStyle, caption, nowhere);
+    title->next = new LeaveWatcher(dragging);
     CGhostManager::Get().SetPart(title->window);
     title->OnDown.connect([this](CGhostTextBox*, int x, int y, unsigned button) {
         const GUI_RECT at = title->GetRect();
@@ -64,8 +77,7 @@ void CGhostWindowEx::MakeTitle(const std::wstring& caption) {
         return;
     }
     const auto make = [&](const wchar_t* style, const wchar_t* sign, auto& signal) {
-        auto* const button =
-            new CGhostButton(window, GetFlags(), style, sign, CGhostButton::kNoKeys, nowhere);
+        auto* const button = new CGhostButton(window, GetFlags(), style, sign, 0, nowhere);
         CGhostManager::Get().SetPart(button->window);
         button->OnClick.connect(
             [this, &signal](CGhostButton*, int, int, unsigned) { signal(this); });
@@ -157,6 +169,10 @@ void CGhostWindowEx::OnFrameMouseMove(int x, int y) {
 }
 
 void CGhostWindowEx::OnFrameMouseUp(int /*x*/, int /*y*/, unsigned /*button*/) {
+    dragging = false;
+}
+
+void CGhostWindowEx::OnMouseLeave() {
     dragging = false;
 }
 

@@ -12,18 +12,6 @@ namespace {
 
 constexpr int32_t kButtonsWide = 3 * CGhostWindowEx::kTitleHeight;
 
-// Ends a drag by the title bar when the mouse is taken away from it.
-class LeaveWatcher : public CGhostGUIHandler {
-public:
-    explicit LeaveWatcher(bool& drag)
-        : dragging(drag) {}
-    void Destroy() override { delete this; }
-    void OnMouseLeave() override { dragging = false; }
-
-private:
-    bool& dragging; // of the window, which ends after its title
-};
-
 } // namespace
 
 CGhostWindowEx::CGhostWindowEx(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
@@ -61,7 +49,6 @@ GUI_EDGES CGhostWindowEx::FrameEdges() const {
 void CGhostWindowEx::MakeTitle(const std::wstring& caption) {
     const GUI_PLACE nowhere{true, 0, 0, 0, 0};
     title = new CGhostTextBox(window, GetFlags(), captionStyle, caption, nowhere);
-    title->next = new LeaveWatcher(dragging);
     CGhostManager::Get().SetPart(title->window);
     title->OnDown.connect([this](CGhostTextBox*, int x, int y, unsigned button) {
         const GUI_RECT at = title->GetRect();
@@ -169,10 +156,6 @@ void CGhostWindowEx::OnFrameMouseMove(int x, int y) {
 }
 
 void CGhostWindowEx::OnFrameMouseUp(int /*x*/, int /*y*/, unsigned /*button*/) {
-    dragging = false;
-}
-
-void CGhostWindowEx::OnMouseLeave() {
     dragging = false;
 }
 

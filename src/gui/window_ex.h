@@ -57,7 +57,6 @@ public:
     void OnFrameMouseUp(int x, int y, unsigned button) override;
     void OnFrameMouseWheel(int x, int y, bool up) override;
     void OnMouseMove(int x, int y) override;
-    void OnMouseLeave() override;
     void OnMouseDoubleClick(int x, int y, unsigned button) override;
     void OnMouseDown(int x, int y, unsigned button) override;
     void OnMouseUp(int x, int y, unsigned button) override;

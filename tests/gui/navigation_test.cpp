@@ -172,29 +172,3 @@ TEST_F(Navigation, TheKeyboardStaysInTheMiddleOfAScreenThatChanges) {
     }
     manager.SetScreen(1280, 720);
 }
-
-TEST_F(Navigation, ADragByTheFrameEndsWithItsCapture) {
-    auto* const window = new CGhostWindowEx(nullptr, 0, L"W", L"title",
-                                            CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
-                                                CGhostWindowEx::kDraggable,
-                                            {false, 100, 100, 400, 200});
-    for (const GUI_RECT grip : {
-             GUI_RECT{150, 110, 0, 0},
-             GUI_RECT{100, 200, 0, 0}
-    }) {
-        manager.SetWindowPos(window->window, 100, 100, kKeepValue, kKeepValue);
-        MoveTo(grip.x, grip.y); // the title, then the frame's left edge
-        Press();
-        MoveTo(grip.x + 10, grip.y);
-        EXPECT_EQ(window->GetRect().x, 110);
-        CGhostMessageBox* const box = CGhostMessageBox::Show(L"Title", L"Text");
-        manager.Tick(0);
-        Release();
-        box->Dismiss();
-        manager.Tick(0);
-        manager.Tick(0);
-        MoveTo(grip.x + 11, grip.y);
-        MoveTo(grip.x + 40, grip.y);
-        EXPECT_EQ(window->GetRect().x, 110) << "the button is no longer held";
-    }
-}

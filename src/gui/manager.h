@@ -45,7 +45,8 @@ struct GUI_INPUT_RECORD {
     int32_t character = 0; // 0: none
     int32_t dx = 0;        // units
     int32_t dy = 0;
-    int32_t button = 0; // 1 left, 2 right, 3 middle; for the wheel 1 up, 0 down
+    int32_t button = 0;  // 1 left, 2 right, 3 middle; for the wheel 1 up, 0 down
+    bool repeat = false; // with keyDown: the key has been held since an earlier record
 };
 
 // The all-ones id of the draw call that begins a composite.
@@ -214,7 +215,7 @@ private:
     void HoverOn(GHOSTMANAGER_WINDOW* window);
     void FocusNextTabStop(bool backward);
     [[nodiscard]] std::vector<GHOSTMANAGER_WINDOW*> SeenTabStops() const;
-    void KeyDownToFocus(GHOSTGUIKey key);
+    void KeyDownToFocus(GHOSTGUIKey key, bool repeat);
     void KeyUpToFocus(GHOSTGUIKey key);
     void InputToFocus(GUI_INPUT_RECORD& record);
     void DetectDoubleClick(GUI_INPUT_RECORD& record, bool& doubleClick, uint64_t now);

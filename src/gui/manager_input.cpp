@@ -370,15 +370,13 @@ bool BelongsToItsPress(GHOSTGUIKey key) {
 
 } // namespace
 
-void CGhostManager::KeyDownToFocus(GHOSTGUIKey key) {
+void CGhostManager::KeyDownToFocus(GHOSTGUIKey key, bool repeat) {
     const auto index = static_cast<size_t>(key);
     bool elsewhere = false; // a repeat of a key that was pressed in another window
     if (index < keyState.size()) {
-        if (!keyState[index]) {
-            keyPressedIn[index] = FocusId();
-        }
-        elsewhere = keyPressedIn[index] != FocusId();
         keyState[index] = true;
+        keyPressedIn[index] = repeat ? keyPressedIn[index] : FocusId();
+        elsewhere = keyPressedIn[index] != FocusId();
     }
     if (focusWindow == nullptr) {
         return;
@@ -405,7 +403,7 @@ void CGhostManager::KeyUpToFocus(GHOSTGUIKey key) {
 void CGhostManager::InputToFocus(GUI_INPUT_RECORD& record) {
     const auto key = static_cast<GHOSTGUIKey>(record.key);
     if (record.keyDown) {
-        KeyDownToFocus(key);
+        KeyDownToFocus(key, record.repeat);
     }
     if (record.character != 0) {
         const auto character = static_cast<unsigned>(record.character);

@@ -39,9 +39,9 @@ bool CGhostPopup::HasFocus() const {
     return focus == list->window || focus == list->ScrollbarWindow();
 }
 
-// The list's bar does not tell who took the focus from it.
+// The list's bar does not tell who took the focus from it. On a screen of another size the menu's place is wrong.
 void CGhostPopup::OnTick(unsigned /*microseconds*/) {
-    if (shown && !HasFocus()) {
+    if (shown && (!HasFocus() || screen != CGhostManager::Get().ScreenRect())) {
         Hide();
     }
 }
@@ -66,7 +66,8 @@ void CGhostPopup::ShowAt(int32_t x, int32_t y) {
     const GUI_RECT at{x, y, 0, 0};
     const int32_t width = list->WidestItem() + kBesideText;
     const int32_t height = list->ContentHeight() + list->FrameHeight();
-    const GUI_RECT place = DropPlace(at, width, height, manager.ScreenRect());
+    screen = manager.ScreenRect();
+    const GUI_RECT place = DropPlace(at, width, height, screen);
     if (!shown) {
         focusBefore = manager.FocusId();
     }

@@ -150,6 +150,22 @@ TEST_F(Density, ABoxCoversAndIsInTheMiddleOfANewDisplay) {
     }
 }
 
+TEST_F(Density, AMenuClosesWhenTheDisplayChanges) {
+    auto* const button = new CGhostButton(nullptr, 0, L"BUTTON", L"", 0, {false, 5, 5, 90, 28});
+    Focus(button->window);
+    auto* const menu = new CGhostPopup(nullptr, 0);
+    menu->AddItem(L"One");
+    manager.SetScreen(1600, 1200);
+    MoveTo(1200, 900);
+    menu->Show();
+    manager.Tick(0);
+    ASSERT_TRUE(menu->IsShown());
+    manager.SetScreen(1280, 720);
+    manager.Tick(0);
+    EXPECT_FALSE(menu->IsShown()) << "it lies below the screen";
+    EXPECT_EQ(manager.FocusWindow(), button->window);
+}
+
 TEST_F(Density, FillsThatTouchInUnitsTouchInPixels) {
     for (const double density : kDensities) {
         for (int32_t place = 0; place < 8; ++place) {

@@ -101,7 +101,7 @@ TEST_F(Locks, AWindowOfAnotherThreadGetsItsTextureWithTheNextTick) {
 }
 
 TEST_F(Locks, OtherThreadsUseTheTreeAndShowBoxesDuringTheRound) {
-    constexpr int kRounds = 300;
+    constexpr int kRounds = 100;
     Painter painter;
     GHOSTMANAGER_WINDOW* const window = manager.CreateWindow(nullptr, 0, &painter, false);
     manager.SetWindowPos(window, 0, 0, 100, 100);

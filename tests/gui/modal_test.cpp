@@ -19,6 +19,14 @@ protected:
         edit = new CGhostEdit(panel->window, 0, L"EDIT", L"text", 0, {false, 10, 50, 200, 28});
         Focus(button->window);
     }
+    // As a keyboard sends it while the key is held.
+    void Repeat(uint32_t key) {
+        GUI_INPUT_RECORD record;
+        record.keyDown = record.repeat = true;
+        record.key = static_cast<int>(key);
+        Post(record);
+        manager.Tick(0);
+    }
     void Dismiss(CGhostMessageBox* box) {
         box->Dismiss();
         manager.Tick(0);
@@ -229,9 +237,9 @@ TEST_F(HeldKey, ARepeatedReturnDoesNotPressTheButtonOfANewBox) {
     list->SetSelected(0);
     list->OnChoose.connect([](auto&&...) { CGhostMessageBox::Show(L"Title", L"Text"); });
     Focus(list->window);
+    KeyDown(kReturn);
     for (int i = 0; i < 5; ++i) {
-        KeyDown(kReturn);
-        manager.Tick(0);
+        Repeat(kReturn);
     }
     EXPECT_EQ(CGhostMessageBox::Count(), 1u);
     KeyUp(kReturn);
@@ -243,9 +251,10 @@ TEST_F(HeldKey, AHeldEscapeClosesOneBox) {
     CGhostMessageBox::Show(L"Title", L"Text");
     CGhostMessageBox::Show(L"Title", L"Text");
     manager.Tick(0);
+    KeyDown(kEscape);
+    manager.Tick(0);
     for (int i = 0; i < 5; ++i) {
-        KeyDown(kEscape);
-        manager.Tick(0);
+        Repeat(kEscape);
     }
     EXPECT_EQ(CGhostMessageBox::Count(), 1u);
     KeyUp(kEscape);
@@ -268,11 +277,27 @@ TEST_F(HeldKey, AReleaseWithoutAPressInTheWindowDoesNothing) {
     EXPECT_EQ(clicks, 1);
 }
 
+// A game may take the keyboard while a key is held, and keep the release.
+TEST_F(HeldKey, APressAfterALostReleaseIsAPress) {
+    int clicks = 0;
+    button->OnClick.connect([&](auto&&...) { ++clicks; });
+    Focus(edit->window);
+    KeyDown(kReturn);
+    Focus(button->window);
+    Key(kReturn);
+    EXPECT_EQ(clicks, 1);
+    Repeat(kSpace); // held since before the toolkit had the keys
+    KeyUp(kSpace);
+    EXPECT_EQ(clicks, 1);
+    EXPECT_FALSE(button->IsDown());
+}
+
 TEST_F(HeldKey, ArrowsGoOnFromWindowToWindowWhileTheyAreHeld) {
     auto* const last =
         new CGhostButton(panel->window, 0, L"BUTTON", L"last", 0, {false, 10, 90, 80, 28});
-    for (int i = 0; i < 4; ++i) {
-        KeyDown(kDown);
+    KeyDown(kDown);
+    for (int i = 0; i < 3; ++i) {
+        Repeat(kDown);
     }
     EXPECT_EQ(manager.FocusWindow(), last->window);
 }

@@ -110,11 +110,12 @@ public:
         , height(target.Height()) {}
 
     // One unit thick, `inset` units in, stopping `cut` units short of a corner whose other side is there.
+    // Without that side a line goes on to the edge.
     void Lines(int32_t inset, int32_t cut, uint32_t colour) {
-        const int32_t fromX = inset + (sides.left ? cut : 0);
-        const int32_t toX = width - 1 - inset - (sides.right ? cut : 0);
-        const int32_t fromY = inset + (sides.top ? cut : 0);
-        const int32_t toY = height - 1 - inset - (sides.bottom ? cut : 0);
+        const int32_t fromX = sides.left ? inset + cut : 0;
+        const int32_t toX = width - 1 - (sides.right ? inset + cut : 0);
+        const int32_t fromY = sides.top ? inset + cut : 0;
+        const int32_t toY = height - 1 - (sides.bottom ? inset + cut : 0);
         // Where corners are not cut, the upright lines leave them to the level ones.
         const int32_t upFrom = cut == 0 && sides.top ? fromY + 1 : fromY;
         const int32_t upTo = cut == 0 && sides.bottom ? toY - 1 : toY;

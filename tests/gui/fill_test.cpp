@@ -153,15 +153,15 @@ TEST_F(Fills, BitmapSmallerThanItsTargetIsNeverReadOutside) {
 // The middle columns, b and c, again and again between the ends; rows are the bitmap's, whatever the
 // target's height is.
 TEST_F(Fills, SmartHorizontalKeepsItsEndsAndRepeatsTheMiddle) {
-    const Picture wanted{"..........", ".abcbcbd..", ".efgfgfh..", ".ijkjkjl..", "..........",
-                         "..........", ".........."};
+    const Picture wanted{"..........", ".abcbcbd..", ".efgfgfh..", ".ijkjkjl..",
+                         "..........", "..........", ".........."};
     EXPECT_EQ(Painted(GhostFill::kBitmapSmartHorizontal, {1, 1, 7, 5}, {1, 9, 1, 9}), wanted);
     EXPECT_EQ(Painted(GhostFill::kBitmapSmartHorizontal, {1, 1, 7, 1}, {1, 9, 1, 9}), wanted);
 }
 
 TEST_F(Fills, SmartVerticalKeepsItsEndsAndRepeatsTheMiddle) {
-    const Picture wanted{".abcd.....", ".efgh.....", ".efgh.....", ".efgh.....", ".efgh.....",
-                         ".ijkl.....", ".........."};
+    const Picture wanted{".abcd.....", ".efgh.....", ".efgh.....", ".efgh.....",
+                         ".efgh.....", ".ijkl.....", ".........."};
     EXPECT_EQ(Painted(GhostFill::kBitmapSmartVertical, {1, 0, 2, 6}, {9, 1, 9, 1}), wanted);
     EXPECT_EQ(Painted(GhostFill::kBitmapSmartVertical, {1, 0, 9, 6}, {9, 1, 9, 1}), wanted);
 }

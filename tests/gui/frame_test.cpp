@@ -162,15 +162,12 @@ Picture User(GhostFrame type, const GUI_EDGES& thickness) {
 } // namespace
 
 TEST(Frames, UserHasTheTopOverTheWholeWidthAndTheSidesBetween) {
-    EXPECT_EQ(
-        User(GhostFrame::kUser, {2, 1, 1, 2}),
-        (Picture{"ttttttt", "ll....r", "ll....r", "ll....r", "bbbbbbb", "bbbbbbb"}));
-    EXPECT_EQ(
-        User(GhostFrame::kUser, {0, 1, 1, 0}),
-        (Picture{"ttttttt", "......r", "......r", "......r", "......r", "......r"}));
-    EXPECT_EQ(
-        User(GhostFrame::kUser, {1, 0, 0, 1}),
-        (Picture{"l......", "l......", "l......", "l......", "l......", "bbbbbbb"}));
+    EXPECT_EQ(User(GhostFrame::kUser, {2, 1, 1, 2}),
+              (Picture{"ttttttt", "ll....r", "ll....r", "ll....r", "bbbbbbb", "bbbbbbb"}));
+    EXPECT_EQ(User(GhostFrame::kUser, {0, 1, 1, 0}),
+              (Picture{"ttttttt", "......r", "......r", "......r", "......r", "......r"}));
+    EXPECT_EQ(User(GhostFrame::kUser, {1, 0, 0, 1}),
+              (Picture{"l......", "l......", "l......", "l......", "l......", "bbbbbbb"}));
 }
 
 TEST(Frames, AnyOtherTypeIsUser) {

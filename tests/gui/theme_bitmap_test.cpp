@@ -17,9 +17,9 @@ constexpr uint8_t kPng[] = {
     0x4D, 0x9C, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82};
 
 constexpr GUI_IMAGE_ROW kRows[] = {
-    {"#BUTTON00", kPng               },
-    {"#DAMAGED",  {kPng, 40}         },
-    {"#BUTTON01", kPng               },
+    {"#BUTTON00", kPng      },
+    {"#DAMAGED",  {kPng, 40}},
+    {"#BUTTON01", kPng      },
 };
 
 class ThemeBitmapsTest : public testing::Test {
@@ -45,8 +45,8 @@ const std::string kStretched =
 
 TEST_F(ThemeBitmaps, NamesAreComparedWhole) {
     EXPECT_NE(LoadThemeBitmap("#BUTTON00"), nullptr);
-    for (const char* const name : {"#BUTTON0", "#BUTTON000", "BUTTON00", "#button00", "#", "",
-                                   " #BUTTON00", "#BUTTON00 "}) {
+    for (const char* const name :
+         {"#BUTTON0", "#BUTTON000", "BUTTON00", "#button00", "#", "", " #BUTTON00", "#BUTTON00 "}) {
         EXPECT_EQ(LoadThemeBitmap(name), nullptr) << name;
     }
     EXPECT_EQ(LoadThemeBitmap("#DAMAGED"), nullptr);
@@ -80,17 +80,18 @@ TEST_F(ThemeBitmaps, AFillThatFindsNoFilePaintsNothingWhateverItInherits) {
           "<texture type='bitmap'><file name='BUTTON00'/></texture>", "<texture type='bitmap'/>",
           "<texture><file name='#BUTTON0'/></texture>",
           "<texture type='bitmap_repeatxy'><file name='#DAMAGED'/></texture>"}) {
-        const GhostTexture fill = Fill(
-            kStretched + "<textbox name='B' use='A'>" + texture + "</textbox>", L"B");
+        const GhostTexture fill =
+            Fill(kStretched + "<textbox name='B' use='A'>" + texture + "</textbox>", L"B");
         EXPECT_EQ(fill.type, GhostFill::kNone) << texture;
         EXPECT_EQ(fill.bitmap, nullptr) << texture;
     }
 }
 
 TEST_F(ThemeBitmaps, ABetterFileAfterAMissingOneCounts) {
-    const GhostTexture fill = Fill("<textbox name='A'><texture type='bitmap'><file name='#NOWHERE'/>"
-                                   "<file name='#BUTTON01'/></texture></textbox>",
-                                   L"A");
+    const GhostTexture fill =
+        Fill("<textbox name='A'><texture type='bitmap'><file name='#NOWHERE'/>"
+             "<file name='#BUTTON01'/></texture></textbox>",
+             L"A");
     EXPECT_EQ(fill.type, GhostFill::kBitmap);
     EXPECT_NE(fill.bitmap, nullptr);
 }
@@ -115,10 +116,9 @@ TEST_F(ThemeBitmaps, EveryTypeHasItsNumber) {
         {"bitmap_repeatxy",     12},
     };
     for (const ROW& row : kTypes) {
-        const GhostTexture fill =
-            Fill(std::string("<textbox name='A'><texture type='") + row.type +
-                     "'><file name='#BUTTON00'/></texture></textbox>",
-                 L"A");
+        const GhostTexture fill = Fill(std::string("<textbox name='A'><texture type='") + row.type +
+                                           "'><file name='#BUTTON00'/></texture></textbox>",
+                                       L"A");
         EXPECT_EQ(static_cast<int>(fill.type), row.number) << row.type;
     }
 }

@@ -80,9 +80,9 @@ TEST(ThemeStates, DifferInBrightnessOrShapeAndNotOnlyInColour) {
         const int least = (sample.place.width + sample.place.height) / 3;
         for (size_t a = 0; a < kStates.size(); ++a) {
             for (size_t b = a + 1; b < kStates.size(); ++b) {
-                EXPECT_GE(Different(Painted(style.states[a], sample),
-                                    Painted(style.states[b], sample)),
-                          least)
+                EXPECT_GE(
+                    Different(Painted(style.states[a], sample), Painted(style.states[b], sample)),
+                    least)
                     << Narrow(sample.name) << ": " << kStates[a] << " and " << kStates[b];
             }
         }
@@ -92,18 +92,22 @@ TEST(ThemeStates, DifferInBrightnessOrShapeAndNotOnlyInColour) {
 TEST(ThemeStates, ADisabledBoxShowsWhetherItIsChecked) {
     GhostButtonStyle style;
     ASSERT_TRUE(LoadedTheme().GetStyle(L"CHECKBOX", style));
-    const SAMPLE box{L"CHECKBOX", L"", {0, 0, 25, 25}};
+    const SAMPLE box{
+        L"CHECKBOX", L"", {0, 0, 25, 25}
+    };
     EXPECT_GE(Different(Painted(style.states[3], box), Painted(style.states[4], box)), 15);
     EXPECT_GE(Different(Painted(style.states[2], box), Painted(style.states[4], box)), 100);
 }
 
 TEST(ThemeStates, FieldsAndRowsDifferInBrightness) {
-    const SAMPLE place{L"", L"", {0, 0, 120, 25}};
+    const SAMPLE place{
+        L"", L"", {0, 0, 120, 25}
+    };
     GhostEditStyle edit;
     ASSERT_TRUE(LoadedTheme().GetStyle(L"EDIT", edit));
     for (size_t i = 0; i < 3; ++i) {
-        EXPECT_GE(Different(Painted(edit.states[i], place), Painted(edit.states[(i + 1) % 3], place)),
-                  72)
+        EXPECT_GE(
+            Different(Painted(edit.states[i], place), Painted(edit.states[(i + 1) % 3], place)), 72)
             << i;
     }
     GhostListStyle list;
@@ -112,6 +116,7 @@ TEST(ThemeStates, FieldsAndRowsDifferInBrightness) {
     EXPECT_GE(Different(Painted(list.itemHot, place), Painted(list.itemSelected, place)), 1000);
     GhostListViewStyle table;
     ASSERT_TRUE(LoadedTheme().GetStyle(L"GAMELIST", table));
-    EXPECT_GE(Different(Painted(table.header.states[0], place), Painted(table.header.states[1], place)),
-              1000);
+    EXPECT_GE(
+        Different(Painted(table.header.states[0], place), Painted(table.header.states[1], place)),
+        1000);
 }

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -199,5 +200,38 @@ TEST(FrameDensities, UserSidesTouchWithoutAGapOrAnOverlap) {
             }
             EXPECT_EQ(bad, 0u) << density << ", " << place;
         }
+    }
+}
+
+// Steps of several pixels would be seen: the corners of a rounded frame are smooth, alike, and closed.
+TEST(FrameDensities, RoundedCornersAreSmooth) {
+    GhostBorderStyle border;
+    border.type = GhostFrame::kRoundedColour;
+    border.thickness = kAll;
+    border.left.colour1 = kFirst;
+    for (const int32_t density : {2, 3, 4}) {
+        CGhostSurface surface;
+        ASSERT_TRUE(surface.Create({5, 5, 20, 12}, density));
+        PaintFrame(surface, border);
+        const int32_t right = surface.PixelWidth() - 1;
+        const int32_t bottom = surface.PixelHeight() - 1;
+        const auto alpha = [&](int32_t x, int32_t y) {
+            return surface.Pixels()[y * surface.Stride() + x] >> 24;
+        };
+        EXPECT_EQ(alpha(0, 0), 0u) << density;
+        size_t soft = 0;
+        for (int32_t y = 0; y < 4 * density; ++y) {
+            uint32_t most = 0;
+            for (int32_t x = 0; x < 4 * density; ++x) {
+                most = std::max(most, alpha(x, y));
+                soft += alpha(x, y) > 0 && alpha(x, y) < 0xFF ? 1u : 0u;
+                EXPECT_EQ(alpha(x, y), alpha(right - x, y)) << density;
+                EXPECT_EQ(alpha(x, y), alpha(x, bottom - y)) << density;
+            }
+            EXPECT_GT(most, 0x80u) << density << ": a gap in row " << y;
+        }
+        EXPECT_GT(soft, 4u) << density;
+        EXPECT_EQ(alpha(10 * density, density - 1), 0xFFu) << density;
+        EXPECT_EQ(alpha(10 * density, density), 0u) << density;
     }
 }

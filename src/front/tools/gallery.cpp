@@ -70,7 +70,7 @@ public:
         Clear();
         CGhostManager& manager = CGhostManager::Get();
         const GUI_RECT screen = manager.ScreenRect();
-        root = GalleryWindow(nullptr, L"FLAT", L"", 0, screen);
+        root = GalleryWindow(nullptr, L"BATTLEMAIN", L"", 0, screen);
         GalleryPages()[page].build(root);
     }
 

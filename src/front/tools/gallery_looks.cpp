@@ -11,8 +11,11 @@
 #include "gui/window_ex.h"
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -23,6 +26,16 @@ constexpr int32_t kRight = 1256;
 
 std::wstring Wide(std::string_view name) {
     return {name.begin(), name.end()};
+}
+
+// Kept, as the theme's store keeps each copy until the program ends.
+const GUI_BITMAP* ImageOf(std::string_view name) {
+    static std::map<std::string_view, const GUI_BITMAP*> images;
+    const auto [at, isNew] = images.try_emplace(name, nullptr);
+    if (isNew) {
+        at->second = LoadThemeBitmap(name);
+    }
+    return at->second;
 }
 
 // Two tones, so that transparent parts and dark edges are seen.
@@ -61,7 +74,7 @@ void BuildImagesPage(GHOSTMANAGER_WINDOW* root) {
     int32_t y = kTop;
     int32_t highest = 0;
     for (const GUI_IMAGE_ROW& row : BuiltInImages()) {
-        const GUI_BITMAP* const bitmap = LoadThemeBitmap(row.name);
+        const GUI_BITMAP* const bitmap = ImageOf(row.name);
         if (bitmap == nullptr || bitmap->height >= kLargeFrom) {
             continue;
         }
@@ -107,15 +120,15 @@ void BuildPicturesPage(GHOSTMANAGER_WINDOW* root) {
     GalleryTitle(root, L"Pictures");
     int32_t x = kLeft;
     for (const char* const name : {"#MASTERSYSTEM", "#GAMEGEAR", "#ARCADE", "#MEGADRIVE", "#NES"}) {
-        const GUI_BITMAP* const bitmap = LoadThemeBitmap(name);
+        const GUI_BITMAP* const bitmap = ImageOf(name);
         if (bitmap != nullptr) {
             GalleryLabel(root, Wide(name), x, kTop);
-            new GalleryCanvas(root, {x, kTop + 18, bitmap->width, bitmap->height},
-                              [bitmap](CGhostSurface& surface) {
-                                  surface.FillRect({0, 0, surface.Width(), surface.Height()},
-                                                   0xFF12162E);
-                                  surface.Blit(*bitmap, {0, 0, bitmap->width, bitmap->height}, 0, 0);
-                              });
+            new GalleryCanvas(
+                root, {x, kTop + 18, bitmap->width, bitmap->height},
+                [bitmap](CGhostSurface& surface) {
+                    surface.FillRect({0, 0, surface.Width(), surface.Height()}, 0xFF12162E);
+                    surface.Blit(*bitmap, {0, 0, bitmap->width, bitmap->height}, 0, 0);
+                });
         }
         x += 250;
     }
@@ -125,7 +138,7 @@ void BuildPicturesPage(GHOSTMANAGER_WINDOW* root) {
     LogoSample(root, 48, kLeft + 48, kBelow + 24);
     LogoSample(root, 96, kLeft + 120, kBelow + 24);
     LogoSample(root, 320, kLeft + 240, kBelow + 24);
-    if (const GUI_BITMAP* const night = LoadThemeBitmap("#MAINBG"); night != nullptr) {
+    if (const GUI_BITMAP* const night = ImageOf("#MAINBG"); night != nullptr) {
         ImageSample(root, "#MAINBG", night, 616, kBelow);
     }
 }
@@ -170,7 +183,8 @@ void BuildStylesPage(GHOSTMANAGER_WINDOW* root) {
         const int32_t height = style.bg.bitmap != nullptr ? style.bg.bitmap->height : 44;
         const int32_t x = kLeft + column * kWide;
         GalleryLabel(root, name, x, y);
-        GalleryText(root, name, picture ? L"" : L"The moon rises 123", {x, y + 18, kWide - 24, height});
+        GalleryText(root, name, picture ? L"" : L"The moon rises 123",
+                    {x, y + 18, kWide - 24, height});
         highest = std::max(highest, height);
         if (++column == kColumns) {
             column = 0;

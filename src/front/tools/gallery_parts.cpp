@@ -36,10 +36,11 @@ void GalleryText(GHOSTMANAGER_WINDOW* parent, const std::wstring& style, std::ws
 
 void GalleryLabel(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, int32_t x, int32_t y) {
     constexpr uint32_t kMist = 0xFFB9BCD6;
+    constexpr uint32_t kNight = 0xFF0B0E1F; // for pages that are shown over a game
     CGhostFont* const font = CGhostFontManager::Get().GetFont("Default", 15);
     const GUI_RECT place{x, y, MeasureText(font, text).width + 2, 16};
     new GalleryCanvas(parent, place, [font, caption = std::wstring(text)](CGhostSurface& surface) {
-        DrawText(surface, font, caption, kMist, 0, kAlignLeft,
+        DrawText(surface, font, caption, kMist, kNight, kAlignLeft,
                  {0, 0, surface.Width(), surface.Height()}, 0, 0);
     });
 }

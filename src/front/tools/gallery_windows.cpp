@@ -20,8 +20,8 @@ void BuildFloating(GHOSTMANAGER_WINDOW* root) {
     GalleryButton(box, L"MESSAGEBOX_BUTTON", L"Ok", GalleryState::kFocused, {147, 71, 100, 25});
     GalleryLabel(root, L"with the buttons of a title", 494, 56);
     GHOSTMANAGER_WINDOW* const titled =
-        GalleryWindow(root, L"MESSAGEBOX", L"A window with a title", Window::kFrame | Window::kTitle,
-                      {482, 72, 400, 170});
+        GalleryWindow(root, L"MESSAGEBOX", L"A window with a title",
+                      Window::kFrame | Window::kTitle, {482, 72, 400, 170});
     GalleryText(titled, L"TEXT", L"What it holds begins here.", {0, 12, 300, 25});
     GalleryLabel(root, L"TOOLTIP", 902, 56);
     GHOSTMANAGER_WINDOW* const tip =
@@ -49,7 +49,8 @@ void BuildPanels(GHOSTMANAGER_WINDOW* root) {
     GHOSTMANAGER_WINDOW* const scrolled =
         GalleryWindow(root, L"GAMELISTOPTIONS", L"", Window::kFrame, {24, 476, 400, 210});
     for (int32_t row = 0; row < 6; ++row) {
-        GalleryText(scrolled, L"TEXT", L"A row of a panel that scrolls", {8, 8 + row * 28, 300, 25});
+        GalleryText(scrolled, L"TEXT", L"A row of a panel that scrolls",
+                    {8, 8 + row * 28, 300, 25});
     }
     if (auto* const window = dynamic_cast<Window*>(scrolled->handler); window != nullptr) {
         window->ShowScrollbar(true);

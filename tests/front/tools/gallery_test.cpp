@@ -67,8 +67,8 @@ protected:
         const GUI_RECT inside{0, 0, window.clientRect.width, window.clientRect.height};
         for (size_t i = 0; i < contents.size(); ++i) {
             const GUI_RECT place = PlaceOf(*contents[i]);
-            EXPECT_EQ(Intersection(place, inside), place) << what << ": cut at " << place.x << ", "
-                                                          << place.y;
+            EXPECT_EQ(Intersection(place, inside), place)
+                << what << ": cut at " << place.x << ", " << place.y;
             for (size_t k = i + 1; k < contents.size(); ++k) {
                 const GUI_RECT other = PlaceOf(*contents[k]);
                 EXPECT_TRUE(Intersection(place, other).Empty())
@@ -91,8 +91,7 @@ TEST_F(Gallery, NothingIsCutOrOverlapsOnAnyScreen) {
     for (const SHAPE& shape : kShapes) {
         manager.SetScreen(shape.width, shape.height);
         for (const GALLERY_PAGE& page : GalleryPages()) {
-            const std::string what =
-                std::string(page.name) + " at " + std::to_string(shape.width);
+            const std::string what = std::string(page.name) + " at " + std::to_string(shape.width);
             Show(&page);
             const auto contents = Contents(*root);
             EXPECT_GE(contents.size(), kBarAndArea) << what;

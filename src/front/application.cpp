@@ -5,12 +5,11 @@
 #include "display/gl.h"
 #include "display/screen_reader.h"
 #include "front/notices.h"
+#include "front/opened_game.h"
 #include "front/processor_binder.h"
 #include "front/program_title.h"
+#include "front/run_settings.h"
 #include "front/session_callbacks.h"
-#include "front/tools/commands.h"
-#include "front/tools/play.h"
-#include "front/tools/run_settings.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
@@ -243,11 +242,9 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
 }
 
 void Application::PlayDroppedFile(const std::string& path) {
-    PLAY_OPTIONS options;
-    options.game = path;
     OPENED_GAME opened;
     std::string error;
-    if (OpenForPlay(options, opened, error) != kExitDone || !Play(opened, error)) {
+    if (!OpenForPlaying(path, nullptr, opened, error) || !Play(opened, error)) {
         PostReport(error);
         return;
     }

@@ -3,7 +3,7 @@
 #include "display/full_screen.h"
 #include "display/session_picture.h"
 #include "front/event_pump.h"
-#include "front/tools/play.h"
+#include "front/opened_game.h"
 #include "machine/emu_system.h"
 #include "machines/machine_options.h"
 #include "settings/pad_defaults.h"

@@ -72,6 +72,13 @@ void LightGun::Aim(const SHOWN_PICTURE& shown, const MOUSE_STATE& mouse, bool in
     }
 }
 
+void LightGun::LetGo() {
+    for (size_t player = 0; player < std::size(gPointers); ++player) {
+        gPointers[player] = 0;
+        InputPointerTrigger(static_cast<uint32_t>(player), false);
+    }
+}
+
 void LightGun::HandPointers(EMU_INPUT_STATE& input) {
     for (size_t player = 0; player < std::size(gPointers); ++player) {
         const uint64_t pointer = gPointers[player];

@@ -110,8 +110,8 @@ TEST(GoldenStates, CoverEveryValueOfEveryOption) {
         for (const MACHINE_OPTION& option : FindMachineFacts(golden.System())->options) {
             for (const OPTION_VALUE& value : option.values) {
                 if (golden.options[option.offset] == value.byte) {
-                    covered.emplace(golden.System(), std::string(option.name) + "=" +
-                                                         std::string(value.word));
+                    covered.emplace(golden.System(),
+                                    std::string(option.name) + "=" + std::string(value.word));
                 }
             }
         }
@@ -119,8 +119,7 @@ TEST(GoldenStates, CoverEveryValueOfEveryOption) {
     for (const MACHINE_FACTS& machine : MachineFacts()) {
         for (const MACHINE_OPTION& option : machine.options) {
             for (const OPTION_VALUE& value : option.values) {
-                const std::string word =
-                    std::string(option.name) + "=" + std::string(value.word);
+                const std::string word = std::string(option.name) + "=" + std::string(value.word);
                 EXPECT_TRUE(covered.contains({machine.system, word}))
                     << "no golden state of the " << machine.name << " with " << word;
             }
@@ -157,9 +156,11 @@ TEST(GoldenStates, CoverEveryPanelAndTheEncryptedProgramsOfSystemE) {
                              return PanelName(ArcadeRecordOf(golden.game).board);
                          }),
               (Names{"analog", "dial", "joystick"}));
-    EXPECT_TRUE(Describing(kSystemArcade, [](const GOLDEN_GAME& golden) {
-                    return std::to_string(golden.game.RomCount()) + " pieces";
-                }).contains("2 pieces"))
+    EXPECT_TRUE(Describing(kSystemArcade,
+                           [](const GOLDEN_GAME& golden) {
+                               return std::to_string(golden.game.RomCount()) + " pieces";
+                           })
+                    .contains("2 pieces"))
         << "a program and its decrypted opcodes";
 }
 

@@ -18,7 +18,10 @@ void PaintFocusRing(CGhostSurface& surface, const GUI_RECT& rect) {
     constexpr int32_t kThickness = 2;
     constexpr int32_t kCorner = 4; // that of the controls
     GhostTextStyle style;
-    CGhostTheme::Get().GetStyle(L"FOCUS", style);
+    if (!CGhostTheme::Get().GetStyle(L"FOCUS", style) || style.textColour >> 24 == 0) {
+        style.textColour = 0xFFFFB347; // a theme that forgot it must not lead a player astray
+        style.textOutlineColour = 0xFF0B0E1F;
+    }
     PaintRing(surface, rect, kThickness, kCorner, style.textColour);
     PaintRing(surface,
               {rect.x + kThickness, rect.y + kThickness, rect.width - 2 * kThickness,

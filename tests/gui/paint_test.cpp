@@ -16,6 +16,18 @@ using Texts = PaintTest;
 
 } // namespace
 
+// Where nothing is, a colour is taken as it is, with an alpha of 0 as well.
+TEST_F(Texts, ATransparentColourIsTakenWhereNothingIsAndLeavesTheRest) {
+    ASSERT_TRUE(surface.Create({0, 0, 20, 12}, 1.0));
+    surface.FillRect({0, 0, 2, 1}, 0x00123456);
+    EXPECT_EQ(At(0, 0), 0x00123456u);
+    surface.SetPixel(0, 0, 0x00654321);
+    EXPECT_EQ(At(0, 0), 0x00654321u);
+    surface.FillRect({5, 5, 1, 1}, 0x80FFFFFF);
+    surface.FillRect({5, 5, 1, 1}, 0x00123456);
+    EXPECT_EQ(At(5, 5), 0x80FFFFFFu);
+}
+
 TEST_F(Texts, MeasuresAddUpAndHalfALetterFits) {
     const int whole = MeasureText(nullptr, L"mmmm").width;
     const int one = MeasureText(nullptr, L"m").width;
@@ -56,6 +68,37 @@ TEST_F(Texts, IsAlignedWithinItsRectangleAndOutlinedAround) {
     const GUI_RECT outlined = extent(0, 0xFF000000);
     EXPECT_LT(outlined.x, middle.x);
     EXPECT_GT(outlined.Bottom(), middle.Bottom());
+}
+
+TEST_F(Texts, AnEmptyRectangleOnTheSurfaceIsAPlaceAndOneOffItIsNot) {
+    const auto seen = [&](const GUI_RECT& rect, uint32_t align) {
+        EXPECT_TRUE(surface.Create({0, 0, 60, 30}, 1.0));
+        DrawText(surface, nullptr, L"HHH", 0xFFFFFFFF, 0, align, rect, 0, 0);
+        GUI_RECT ink;
+        for (int y = 0; y < 30; ++y) {
+            for (int x = 0; x < 60; ++x) {
+                ink = At(x, y) != 0 ? Around(ink, {x, y, 1, 1}) : ink;
+            }
+        }
+        return ink;
+    };
+    const GUI_RECT corner = seen({10, 5, 40, 20}, kAlignLeft | kAlignTop);
+    EXPECT_FALSE(corner.Empty());
+    EXPECT_EQ(seen({10, 5, 0, 0}, kAlignLeft | kAlignTop), corner);
+    EXPECT_EQ(seen({10, 5, -3, 20}, kAlignLeft | kAlignTop), corner);
+    const GUI_RECT middle = seen({30, 15, 0, 0}, 0);
+    EXPECT_NEAR(middle.x + middle.width / 2, 30, 1);
+    const GUI_RECT off[] = {
+        {60,  5,   40, 20},
+        {-40, 5,   40, 20},
+        {10,  30,  40, 20},
+        {10,  -20, 40, 20},
+        {60,  5,   0,  0 }
+    };
+    for (const GUI_RECT& rect : off) {
+        EXPECT_TRUE(seen(rect, kAlignLeft | kAlignTop).Empty()) << rect.x << " " << rect.y;
+        EXPECT_TRUE(seen(rect, kAlignRight | kAlignBottom).Empty()) << rect.x << " " << rect.y;
+    }
 }
 
 TEST(SurfaceOrigin, KeepsItsCoordinatesWhereItIsCut) {

@@ -69,7 +69,7 @@ TEST_F(DropList, AChoiceWritesTheCaptionAndCloses) {
     EXPECT_EQ(drop->Caption(), L"item 1");
     EXPECT_EQ(selections, (std::vector<int>{1}));
     EXPECT_EQ(manager.FocusWindow(), drop->window);
-    Key(kDown);
+    Key(kPageDown);
     EXPECT_EQ(drop->Caption(), L"item 2");
     manager.ActivateFocus();
     manager.Tick(0);

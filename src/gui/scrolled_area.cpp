@@ -87,9 +87,8 @@ bool CGhostScrolledArea::OnNavigate(GUI_DIRECTION direction) {
 
 void CGhostScrolledArea::OnKeyDown(GHOSTGUIKey key) {
     if (const auto way = DirectionOf(key)) {
-        arrow.Press(key, [&](bool newPress) {
-            return GoWithin(*way) || (newPress && GoBeyond(*way));
-        });
+        arrow.Press(key,
+                    [&](bool newPress) { return GoWithin(*way) || (newPress && GoBeyond(*way)); });
         return;
     }
     const CGhostScrollbar& bar = *frame->Scrollbar();

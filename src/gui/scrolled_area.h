@@ -29,12 +29,14 @@ protected:
                        const GUI_PLACE& place);
     ~CGhostScrolledArea() override = default;
 
-    virtual void Lay() = 0;                     // the client area has another size
-    virtual void Scrolled() {}                  // scrollPixels has changed
-    virtual bool GoWithin(GUI_DIRECTION way);   // false at an end; by default a line up or down
-    virtual bool GoBeyond(GUI_DIRECTION /*way*/) { return false; } // past an end, before the focus goes
+    virtual void Lay() = 0;                   // the client area has another size
+    virtual void Scrolled() {}                // scrollPixels has changed
+    virtual bool GoWithin(GUI_DIRECTION way); // false at an end; by default a line up or down
+    virtual bool GoBeyond(GUI_DIRECTION /*way*/) {
+        return false;
+    } // past an end, before the focus goes
 
-    void Wheel(bool up);       // of the mouse, over a part that is a window of its own
+    void Wheel(bool up);     // of the mouse, over a part that is a window of its own
     void ShowBar(bool show); // the focus does not go with the bar
     void SetContent(int32_t total, int32_t page);
     void SetLine(int32_t units); // what an arrow button and a key go
@@ -48,7 +50,7 @@ protected:
 
 private:
     CGhostWindowEx* frame = nullptr; // whose chain this is the second of
-    int32_t lineUnits = 1; // of a key and an arrow button
+    int32_t lineUnits = 1;           // of a key and an arrow button
     bool barShown = false;
     HeldArrow arrow;
 };

@@ -39,8 +39,7 @@ void CGhostScrolledRows::RowsCleared() {
 }
 
 int32_t CGhostScrolledRows::RowUnder(int y) const {
-    return y < RowsTop() ? -1
-                         : RowAt(int64_t{y} - RowsTop() + scrollPixels, rowHeight, Rows());
+    return y < RowsTop() ? -1 : RowAt(int64_t{y} - RowsTop() + scrollPixels, rowHeight, Rows());
 }
 
 void CGhostScrolledRows::UpdateHot() {
@@ -179,10 +178,10 @@ void CGhostScrolledRows::OnChar(unsigned character) {
     if (!Selects() || (character == L' ' && !typeAhead.Active())) {
         return;
     }
-    const int32_t row = typeAhead.Type(static_cast<wchar_t>(character), Rows(), Aim(),
-                                       [this](int32_t at) {
-                                           return Usable(at) ? RowText(at) : std::wstring_view();
-                                       });
+    const int32_t row =
+        typeAhead.Type(static_cast<wchar_t>(character), Rows(), Aim(), [this](int32_t at) {
+            return Usable(at) ? RowText(at) : std::wstring_view();
+        });
     if (Usable(row)) {
         MoveAim(row, 1);
     }

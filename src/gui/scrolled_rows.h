@@ -14,7 +14,7 @@ class CGhostScrolledRows : public CGhostScrolledArea {
 public:
     static constexpr uint32_t kNoSelection = 1;
     static constexpr uint32_t kReportsAgain = 2; // selecting the selected row is reported
-    static constexpr uint32_t kKeysAim = 16; // keys move the hot row; return selects it
+    static constexpr uint32_t kKeysAim = 16;     // keys move the hot row; return selects it
 
     // A disabled row or an index outside becomes -1, no selection.
     void SetSelected(int32_t row, bool notify = true);
@@ -44,8 +44,8 @@ protected:
     [[nodiscard]] virtual int32_t RowsTop() const { return 0; } // within the client area
     virtual void MarkSelected(int32_t /*row*/, bool /*on*/) {}
     virtual void TellSelected() = 0;
-    virtual void TellChosen() = 0;      // the selected row
-    virtual bool TellCancelled() = 0;   // false when nobody listens
+    virtual void TellChosen() = 0;           // the selected row
+    virtual bool TellCancelled() = 0;        // false when nobody listens
     virtual void ActivateKey() { Choose(); } // return, space, a controller's first button
 
     void Lay() override { UpdateScroll(); }

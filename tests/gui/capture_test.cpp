@@ -47,8 +47,8 @@ protected:
             return {name, made->window, 60, 60, [=] { return std::to_string(made->Caret()); }};
         }
         if (name == "thumb" || name == "arrow of a bar") {
-            auto* const made = new CGhostScrollbar(parent, 0, L"WINDOW_SCROLLBAR",
-                                                   {false, 50, 50, 14, 200});
+            auto* const made =
+                new CGhostScrollbar(parent, 0, L"WINDOW_SCROLLBAR", {false, 50, 50, 14, 200});
             made->SetRange(100000, 50000, 0, true);
             return {name, made->window, 55, name == "thumb" ? 70 : 245,
                     [=] { return std::to_string(made->Pos()); }};
@@ -78,10 +78,18 @@ protected:
     }
 
     static const std::vector<std::string>& Names() {
-        static const std::vector<std::string> names = {
-            "button", "toggle",  "check box",         "slider", "edit",              "thumb",
-            "list",   "heading", "edge of a heading", "title of a window", "edge of a window",
-            "arrow of a bar"};
+        static const std::vector<std::string> names = {"button",
+                                                       "toggle",
+                                                       "check box",
+                                                       "slider",
+                                                       "edit",
+                                                       "thumb",
+                                                       "list",
+                                                       "heading",
+                                                       "edge of a heading",
+                                                       "title of a window",
+                                                       "edge of a window",
+                                                       "arrow of a bar"};
         return names;
     }
 

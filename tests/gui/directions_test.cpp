@@ -254,7 +254,8 @@ TEST_F(Directions, AMultiText) {
 }
 
 TEST_F(Directions, AScrollbarOfItsOwn) {
-    auto* const bar = new CGhostScrollbar(nullptr, 0, L"WINDOW_SCROLLBAR", {false, 290, 200, 14, 100});
+    auto* const bar =
+        new CGhostScrollbar(nullptr, 0, L"WINDOW_SCROLLBAR", {false, 290, 200, 14, 100});
     bar->SetRange(100, 100, 0, true);
     Focus(above);
     Play("d");

@@ -119,6 +119,7 @@ private:
     void HeadingClicked(int32_t column);
     void EndDrag();
     void AimAtHeading(int32_t column);
+    [[nodiscard]] bool HeadingIsUsable(int32_t column) const;
     [[nodiscard]] int32_t UsableHeading(int32_t from, int32_t step) const;
     [[nodiscard]] std::vector<int32_t> SortedRows(int32_t column, bool descending);
     void EndEdit(bool keep);

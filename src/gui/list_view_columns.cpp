@@ -138,15 +138,22 @@ void CGhostListView::HeadingClicked(int32_t column) {
 
 // ---- Headings by keys and a controller.
 
-// The nearest heading from there that does something when it is clicked; -1 when there is none.
-int32_t CGhostListView::UsableHeading(int32_t from, int32_t step) const {
-    for (int32_t column = from; column >= 0 && column < ColumnCount(); column += step) {
-        const COLUMN& at = columns[static_cast<size_t>(column)];
-        if (at.width > 0 && (at.sortable || !OnHeader.empty())) {
-            return column;
-        }
+// One that does something when it is clicked.
+bool CGhostListView::HeadingIsUsable(int32_t column) const {
+    if (column < 0 || column >= ColumnCount()) {
+        return false;
     }
-    return -1;
+    const COLUMN& at = columns[static_cast<size_t>(column)];
+    return at.width > 0 && (at.sortable || !OnHeader.empty());
+}
+
+// The nearest one in a direction, itself included; -1 when there is none.
+int32_t CGhostListView::UsableHeading(int32_t from, int32_t step) const {
+    int32_t column = from;
+    while (column >= 0 && column < ColumnCount() && !HeadingIsUsable(column)) {
+        column += step;
+    }
+    return HeadingIsUsable(column) ? column : -1;
 }
 
 void CGhostListView::AimAtHeading(int32_t column) {
@@ -184,8 +191,7 @@ bool CGhostListView::GoBeyond(GUI_DIRECTION way) {
     if (way != GUI_DIRECTION::kUp || aimedHeading >= 0 || style.headerHeight == 0) {
         return CGhostScrolledRows::GoBeyond(way);
     }
-    const int32_t sorted = UsableHeading(std::max(sortColumn, 0), ColumnCount());
-    AimAtHeading(sorted >= 0 ? sorted : UsableHeading(0, 1));
+    AimAtHeading(HeadingIsUsable(sortColumn) ? sortColumn : UsableHeading(0, 1));
     return aimedHeading >= 0;
 }
 

@@ -1,6 +1,7 @@
 // Text can be read in every style and state: the contrast of its colour with what it lies on is at least
 // 4.5 to 1, as the guidelines for accessible content on the web ask.
 #include "gui/bitmap.h"
+#include "gui/list_rows.h"
 
 #include "assets/theme_fixture.h"
 #include <gtest/gtest.h>
@@ -121,6 +122,8 @@ void Add(std::vector<SAMPLE>& samples, const std::string& name, const GhostListS
     samples.push_back({name + " item2_normal", style.item2Normal});
     samples.push_back({name + " item2_hot", style.item2Hot});
     samples.push_back({name + " item2_selected", style.item2Selected});
+    samples.push_back({name + " disabled row", DisabledText(style.itemNormal)});
+    samples.push_back({name + " disabled odd row", DisabledText(style.item2Normal)});
 }
 
 template <typename Style>
@@ -151,6 +154,7 @@ std::vector<SAMPLE> Samples() {
         }
         case StyleKind::kDropList:
             samples.push_back({name, Record<GhostDropListStyle>(named.name).bg});
+            samples.push_back({name + " disabled", DisabledText(samples.back().style)});
             break;
         default: break; // borders and scrollbars have no text
         }

@@ -50,7 +50,7 @@ struct MEGA_DRIVE {
 
     bool is50Hz = false;
     uint32_t masterClock = kMdClock60; // Hz
-    bool stepByStep = false;           // the plain loop, which runs every chip in every cycle
+    bool plainLoop = false;            // the plain loop, which runs every chip in every cycle
 
     uint32_t m68kBusCycles = 0;  // since the reset; wraps, so only differences count
     int32_t z80Clock = 0;        // master clocks owed to Z80 and PSG

@@ -201,7 +201,7 @@ inline bool IsStepDue(uint32_t counter, YM2612_RATE rate, int32_t& increment) {
 }
 
 // Every step takes a sixteenth of the attenuation that is left, or more at higher rates.
-inline void StepAttack(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceAttack(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
     if (!IsStepDue(counter, slot.attack, increment)) {
         return;
@@ -221,7 +221,7 @@ inline void AddAttenuation(YM2612_SLOT& slot, int32_t increment) {
     }
 }
 
-inline void StepDecay(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceDecay(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
     if (!IsStepDue(counter, slot.decay, increment)) {
         return;
@@ -232,7 +232,7 @@ inline void StepDecay(uint32_t counter, YM2612_SLOT& slot) {
     }
 }
 
-inline void StepSustain(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceSustain(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
     if (IsStepDue(counter, slot.sustain, increment)) {
         AddAttenuation(slot, increment);
@@ -240,7 +240,7 @@ inline void StepSustain(uint32_t counter, YM2612_SLOT& slot) {
     }
 }
 
-inline void StepRelease(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceRelease(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
     if (!IsStepDue(counter, slot.release, increment)) {
         return;
@@ -253,13 +253,13 @@ inline void StepRelease(uint32_t counter, YM2612_SLOT& slot) {
     }
 }
 
-inline void StepEnvelope(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceEnvelope(uint32_t counter, YM2612_SLOT& slot) {
     switch (slot.state) {
     case Ym2612Envelope::kOff: break;
-    case Ym2612Envelope::kRelease: StepRelease(counter, slot); break;
-    case Ym2612Envelope::kSustain: StepSustain(counter, slot); break;
-    case Ym2612Envelope::kDecay: StepDecay(counter, slot); break;
-    case Ym2612Envelope::kAttack: StepAttack(counter, slot); break;
+    case Ym2612Envelope::kRelease: AdvanceRelease(counter, slot); break;
+    case Ym2612Envelope::kSustain: AdvanceSustain(counter, slot); break;
+    case Ym2612Envelope::kDecay: AdvanceDecay(counter, slot); break;
+    case Ym2612Envelope::kAttack: AdvanceAttack(counter, slot); break;
     }
     auto volume = static_cast<uint32_t>(slot.volume);
     // Settled here: a running shape is inverted by the alternate bit alone, whatever its ramp.
@@ -277,7 +277,7 @@ void AdvanceEnvelopes(YM2612& ym) {
         ++ym.egCounter;
         for (YM2612_CHANNEL& channel : ym.channels) {
             for (YM2612_SLOT& slot : channel.slots) {
-                StepEnvelope(ym.egCounter, slot);
+                AdvanceEnvelope(ym.egCounter, slot);
             }
         }
     }

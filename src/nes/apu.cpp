@@ -134,7 +134,7 @@ void ApuUpdateMuting(APU_PULSE& pulse) {
     pulse.muted = pulse.period < 8 || (!pulse.sweepNegate && (up & 0x800) != 0);
 }
 
-void ApuFrameStep(APU& apu) {
+void ApuClockFrameCounter(APU& apu) {
     const uint8_t step = apu.frameStep++;
     if (apu.fiveSteps) {
         FiveStep(apu, step);

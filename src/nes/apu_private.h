@@ -53,7 +53,7 @@ void ApuRestartSample(APU_SAMPLE& sample);
 void ApuFetchSample(APU& apu);
 
 // Runs the due step of the frame sequencer and sets the cycles to the next.
-void ApuFrameStep(APU& apu);
+void ApuClockFrameCounter(APU& apu);
 
 // Loads the length counters that were written since the last cycle.
 void ApuTakePendingLengths(APU& apu);

@@ -36,7 +36,7 @@ inline void ApuClockNoise(APU_NOISE& noise, uint8_t length) {
 inline void ApuTick(APU& apu) {
     ++apu.sampleClock;
     if (--apu.frameCounter == 0) [[unlikely]] {
-        ApuFrameStep(apu);
+        ApuClockFrameCounter(apu);
     }
     if (apu.pendingLengths != 0) [[unlikely]] {
         ApuTakePendingLengths(apu);

@@ -239,7 +239,7 @@ inline void AddToRegister(M6502& cpu, Bus& bus, uint32_t by) {
 }
 
 template <typename Bus>
-inline void FlagStep(M6502& cpu, Bus& bus, uint32_t flag, bool isSet) {
+inline void SetOrClear(M6502& cpu, Bus& bus, uint32_t flag, bool isSet) {
     Dummy(cpu, bus);
     SetFlags(cpu, flag, isSet ? flag : 0);
 }
@@ -318,9 +318,9 @@ inline bool Fetch(M6502& cpu, Bus& bus) {
     return true;
 }
 
-// Runs one step; returns whether it accessed the bus.
+// Does one step; returns whether it accessed the bus.
 template <typename Bus>
-inline bool RunStep(M6502& cpu, Bus& bus) {
+inline bool DoStep(M6502& cpu, Bus& bus) {
     using enum M6502Step;
     const M6502Step step = cpu.queue[cpu.queueIndex];
     ++cpu.queueIndex;
@@ -386,13 +386,13 @@ inline bool RunStep(M6502& cpu, Bus& bus) {
     case kRegisterToA: cpu.a = Result(cpu, AfterDummy(cpu, bus, Register(cpu))); break;
     case kStackToX: cpu.x = Result(cpu, AfterDummy(cpu, bus, cpu.sp)); break;
     case kXToStack: cpu.sp = AfterDummy(cpu, bus, cpu.x); break;
-    case kClearCarry: FlagStep(cpu, bus, kM6502FlagC, false); break;
-    case kSetCarry: FlagStep(cpu, bus, kM6502FlagC, true); break;
-    case kClearDisable: FlagStep(cpu, bus, kM6502FlagI, false); break;
-    case kSetDisable: FlagStep(cpu, bus, kM6502FlagI, true); break;
-    case kClearOverflow: FlagStep(cpu, bus, kM6502FlagV, false); break;
-    case kClearDecimal: FlagStep(cpu, bus, kM6502FlagD, false); break;
-    case kSetDecimal: FlagStep(cpu, bus, kM6502FlagD, true); break;
+    case kClearCarry: SetOrClear(cpu, bus, kM6502FlagC, false); break;
+    case kSetCarry: SetOrClear(cpu, bus, kM6502FlagC, true); break;
+    case kClearDisable: SetOrClear(cpu, bus, kM6502FlagI, false); break;
+    case kSetDisable: SetOrClear(cpu, bus, kM6502FlagI, true); break;
+    case kClearOverflow: SetOrClear(cpu, bus, kM6502FlagV, false); break;
+    case kClearDecimal: SetOrClear(cpu, bus, kM6502FlagD, false); break;
+    case kSetDecimal: SetOrClear(cpu, bus, kM6502FlagD, true); break;
 
     case kDummyOperand: Operand(cpu, bus); break;
     case kDummyStack: DummyStack(cpu, bus); break;
@@ -430,7 +430,7 @@ inline void M6502Sample(M6502& cpu) {
 
 template <typename Bus>
 inline void M6502Cycle(M6502& cpu, Bus& bus) {
-    while (!m6502_detail::RunStep(cpu, bus)) {
+    while (!m6502_detail::DoStep(cpu, bus)) {
     }
     ++cpu.cycles;
 }

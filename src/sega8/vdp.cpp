@@ -68,7 +68,7 @@ void WriteColour(VDP& vdp, uint8_t value) {
 
 // Published: the counter steps down on every line of the picture and on the line below it. Below 0
 // it reloads and requests an interrupt. On all other lines it reloads.
-void StepLineCounter(VDP& vdp) {
+void CountLine(VDP& vdp) {
     const bool counts = vdp.line <= vdp.activeHeight;
     if (counts && vdp.lineCounter != 0) {
         --vdp.lineCounter;
@@ -294,7 +294,7 @@ void VdpLineEvent(VDP& vdp) {
         vdp.line = 0;
         vdp.frameDone = true;
     }
-    StepLineCounter(vdp);
+    CountLine(vdp);
     if (vdp.line == vdp.activeHeight + 1) {
         vdp.frameInterrupt = true;
         vdp.status |= kVdpStatusFrame;

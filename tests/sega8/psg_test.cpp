@@ -521,9 +521,9 @@ TEST_F(Psg, StateSavedAtAnyClockContinuesWithTheSameSound) {
     Write({0xE7, 0xF2});
     PsgStereoWrite(*psg, 0x5A);
     auto other = std::make_unique<HEARD_CHIP<PSG>>();
-    for (int round = 0; round < 20; ++round) {
+    for (int trial = 0; trial < 20; ++trial) {
         Run(37);
-        for (int clock = 0; clock < round; ++clock) {
+        for (int clock = 0; clock < trial; ++clock) {
             PsgTick(*psg);
         }
         psg->pairs->sampleCount = 0;
@@ -538,7 +538,7 @@ TEST_F(Psg, StateSavedAtAnyClockContinuesWithTheSameSound) {
         EXPECT_EQ(again, state);
         const std::vector<int16_t> expected = RunBoth(500);
         psg.swap(other);
-        ASSERT_EQ(RunBoth(500), expected) << round;
+        ASSERT_EQ(RunBoth(500), expected) << trial;
     }
 }
 
@@ -570,9 +570,9 @@ TEST_F(Psg, AnyBytesAsAStateAreSafe) {
     std::vector<uint8_t> state(PsgStateSize());
     PsgSaveState(*psg, state.data());
     std::mt19937 random(1);
-    for (int round = 0; round < 300; ++round) {
+    for (int trial = 0; trial < 300; ++trial) {
         for (size_t i = 5; i < state.size(); ++i) {
-            state[i] = round == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
+            state[i] = trial == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
         }
         ASSERT_EQ(PsgLoadState(*psg, state.data(), PsgStateSize()), PsgStateSize());
         // Fields that index or shift. A sanitizer does not see an index into the next array.

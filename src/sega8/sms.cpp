@@ -250,8 +250,8 @@ void CSMS::MixFm(EMU_AUDIO_FRAME& audio) {
     psgSound.Flush();
     fmSound.Flush();
     const uint32_t values = std::max(ReadyValues(psgSound), ReadyValues(fmSound));
-    psgSound.CatchUp(values, [this] { PsgRun(psg, kPsgClocksPerPair); });
-    fmSound.CatchUp(values, [this] { YmRun(fm, kYmClocksPerSample); });
+    psgSound.FlushUntilReady(values, [this] { PsgRun(psg, kPsgClocksPerPair); });
+    fmSound.FlushUntilReady(values, [this] { YmRun(fm, kYmClocksPerSample); });
     MixSound(fmSound, psgSound, values, audio, [](int32_t fmValue, int32_t psgValue) {
         return static_cast<int32_t>(fmValue * kFmGain + psgValue * kPsgGain);
     });

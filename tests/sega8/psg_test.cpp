@@ -449,7 +449,7 @@ TEST_F(Psg, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
     }
 }
 
-TEST_F(Psg, CatchUpRunsInWholePairsUntilEnoughIsReady) {
+TEST_F(Psg, SoundUntilReadyIsMadeInWholePairs) {
     for (const int quality : {0, 1, 2}) {
         Settings().SetInt(L"audio_app_quality", quality);
         PsgReset(*psg);
@@ -458,19 +458,20 @@ TEST_F(Psg, CatchUpRunsInWholePairsUntilEnoughIsReady) {
         for (int i = 0; i < 7; ++i) {
             PsgTick(*psg);
         }
-        psg->sound.CatchUp(401, [this] { PsgRun(*psg, kPsgClocksPerPair); });
+        psg->sound.FlushUntilReady(401, [this] { PsgRun(*psg, kPsgClocksPerPair); });
         EXPECT_GE(psg->sound.Output().size(), 401u);
         EXPECT_LE(psg->sound.Output().size(), 404u);
         EXPECT_EQ(psg->divider, 7u);
         const PSG& chip = *psg;
         const std::array<int32_t, 4> counter = chip.counter;
-        psg->sound.CatchUp(300, [this] { PsgRun(*psg, kPsgClocksPerPair); }); // enough is there
+        psg->sound.FlushUntilReady(300,
+                                   [this] { PsgRun(*psg, kPsgClocksPerPair); }); // enough is there
         EXPECT_EQ(chip.counter, counter);
     }
 }
 
-TEST_F(Psg, CatchUpToMoreThanTheResamplerHoldsEnds) {
-    psg->sound.CatchUp(1'000'000, [this] { PsgRun(*psg, kPsgClocksPerPair); });
+TEST_F(Psg, SoundUntilReadyEndsWhenTheResamplerIsFull) {
+    psg->sound.FlushUntilReady(1'000'000, [this] { PsgRun(*psg, kPsgClocksPerPair); });
     EXPECT_EQ(psg->sound.Output().size(), 44100u / 40 * 2);
 }
 
@@ -495,10 +496,10 @@ TEST_F(Psg, BothChipsReachOneLengthAndNeitherRunsAway) {
                 }
                 psg->sound.Flush();
                 ym->sound.Flush();
-                psg->sound.CatchUp(static_cast<uint32_t>(ym->sound.Output().size()),
-                                   [this] { PsgRun(*psg, kPsgClocksPerPair); });
-                ym->sound.CatchUp(static_cast<uint32_t>(psg->sound.Output().size()),
-                                  [&] { YmRun(*ym, kYmClocksPerSample); });
+                psg->sound.FlushUntilReady(static_cast<uint32_t>(ym->sound.Output().size()),
+                                           [this] { PsgRun(*psg, kPsgClocksPerPair); });
+                ym->sound.FlushUntilReady(static_cast<uint32_t>(psg->sound.Output().size()),
+                                          [&] { YmRun(*ym, kYmClocksPerSample); });
                 const size_t psgValues = psg->sound.Output().size();
                 const size_t ymValues = ym->sound.Output().size();
                 ASSERT_GE(ymValues, psgValues);

@@ -518,22 +518,22 @@ TEST_F(Ym2413, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
     }
 }
 
-TEST_F(Ym2413, CatchUpRunsInWholeSamplesUntilEnoughIsReady) {
+TEST_F(Ym2413, SoundUntilReadyIsMadeInWholeSamples) {
     ym->sound.Init(kRate, SoundChoiceFromSettings());
     for (int i = 0; i < 31; ++i) {
         YmTick(*ym);
     }
-    ym->sound.CatchUp(401, [&] { YmRun(*ym, kYmClocksPerSample); });
+    ym->sound.FlushUntilReady(401, [&] { YmRun(*ym, kYmClocksPerSample); });
     EXPECT_GE(ym->sound.Output().size(), 401u);
     EXPECT_LE(ym->sound.Output().size(), 404u);
     EXPECT_EQ(ym->tick, 31u);
     const uint32_t steps = ym->egCounter;
-    ym->sound.CatchUp(300, [&] { YmRun(*ym, kYmClocksPerSample); });
+    ym->sound.FlushUntilReady(300, [&] { YmRun(*ym, kYmClocksPerSample); });
     EXPECT_EQ(ym->egCounter, steps);
 }
 
-TEST_F(Ym2413, CatchUpToMoreThanTheResamplerHoldsEnds) {
-    ym->sound.CatchUp(1'000'000, [&] { YmRun(*ym, kYmClocksPerSample); });
+TEST_F(Ym2413, SoundUntilReadyEndsWhenTheResamplerIsFull) {
+    ym->sound.FlushUntilReady(1'000'000, [&] { YmRun(*ym, kYmClocksPerSample); });
     EXPECT_EQ(ym->sound.Output().size(), 44100u / 40 * 2);
 }
 

@@ -194,16 +194,22 @@ void ExpectTheRunThatWentOn(Start&& start, Play&& play) {
     ExpectALivelyRun(continued);
 }
 
-// The fast loop may owe its chips clocks; the plain one never does.
-template <typename Start, typename Play>
-void ExpectFastAndPlainAlike(Start&& start, Play&& play) {
+// The fast loop may owe its chips clocks; the plain one, which `usePlainLoop` (machine) chooses, never does.
+template <typename Start, typename UsePlainLoop, typename Play>
+void ExpectFastAndPlainAlike(Start&& start, UsePlainLoop&& usePlainLoop, Play&& play) {
     const auto fast = start();
     const auto plain = start();
-    plain->SetPlainLoop(true);
+    usePlainLoop(*plain);
     for (int frame = 0; frame < 100; ++frame) {
         ExpectSameFrames(play(*fast, frame, 1), play(*plain, frame, 1));
         ASSERT_TRUE(Save(*fast) == Save(*plain)) << frame;
     }
+}
+
+template <typename Start, typename Play>
+void ExpectFastAndPlainAlike(Start&& start, Play&& play) {
+    ExpectFastAndPlainAlike(
+        start, [](auto& machine) { machine.SetPlainLoop(true); }, play);
 }
 
 // `look` (machine) sees the machine before each of the frames.

@@ -184,8 +184,10 @@ void AdvanceLfo(YM2612& ym) {
         return;
     }
     ym.lfoCounter += ym.lfoIncrement;
-    const uint32_t position = ym.lfoCounter >> 24 & 127;
-    ym.lfoAm = position > 63 ? (63 - (position & 63)) * 2 : position * 2;
+    constexpr uint32_t kPositions = 128;
+    constexpr uint32_t kTop = kPositions / 2 - 1;
+    const uint32_t position = ym.lfoCounter >> 24 & (kPositions - 1);
+    ym.lfoAm = (position <= kTop ? position : kPositions - 1 - position) * 2;
     ym.lfoPm = position >> 2;
 }
 

@@ -50,7 +50,7 @@ void ClockSweep(APU_PULSE& pulse, uint32_t negateExtra) {
         const uint32_t change = uint32_t{pulse.period} >> pulse.sweepShift;
         const uint32_t target =
             pulse.sweepNegate ? pulse.period - change - negateExtra : pulse.period + change;
-        pulse.period = static_cast<uint16_t>(target & 0x7FF);
+        pulse.period = static_cast<uint16_t>(target & kApuPeriodBits);
         ApuUpdateMuting(pulse);
     }
     if (pulse.sweepDivider == 0 || pulse.sweepReload) {
@@ -131,7 +131,7 @@ void ApuReset(APU& apu, [[maybe_unused]] bool hard, uint32_t* irqLines) {
 // Muted: a period under 8, or one that the sweep would take beyond eleven bits, even with the sweep off.
 void ApuUpdateMuting(APU_PULSE& pulse) {
     const uint32_t up = pulse.period + (uint32_t{pulse.period} >> pulse.sweepShift);
-    pulse.muted = pulse.period < 8 || (!pulse.sweepNegate && (up & 0x800) != 0);
+    pulse.muted = pulse.period < 8 || (!pulse.sweepNegate && up > kApuPeriodBits);
 }
 
 void ApuClockFrameCounter(APU& apu) {
@@ -173,7 +173,7 @@ void ApuFetchSample(APU& apu) {
     }
     sample.buffer = apu.readByte(apu.owner, sample.address);
     sample.bufferEmpty = false;
-    sample.address = static_cast<uint16_t>((sample.address + 1) | 0x8000);
+    sample.address = static_cast<uint16_t>((sample.address + 1) | kApuSampleSpace);
     apu.stallCycles = kApuStallCycles;
     if (--sample.bytesLeft != 0) {
         return;

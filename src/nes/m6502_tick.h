@@ -2,6 +2,7 @@
 #pragma once
 
 #include "nes/m6502.h"
+#include "nes/nes_lines.h"
 
 #include <array>
 #include <cstdint>
@@ -101,7 +102,7 @@ inline uint32_t CarryBelow(const M6502& cpu) {
 }
 
 inline uint32_t CarryAbove(const M6502& cpu) {
-    return uint32_t{cpu.p} << 7 & 0x80;
+    return (cpu.p & uint32_t{kM6502FlagC}) << 7;
 }
 
 template <typename Bus>
@@ -259,8 +260,8 @@ inline void PushFlagsFor(M6502& cpu, Bus& bus, uint16_t vector, uint32_t breakFl
 // An NMI that has arrived by now takes over the vector.
 template <typename Bus>
 inline void PushFlagsForBreak(M6502& cpu, Bus& bus) {
-    const bool isTaken = (cpu.nmiLine & 1) != 0;
-    cpu.nmiLine &= ~1U;
+    const bool isTaken = (cpu.nmiLine & kNesNmiPpu) != 0;
+    cpu.nmiLine &= ~kNesNmiPpu;
     PushFlagsFor(cpu, bus, isTaken ? kNmiVector : kIrqVector, kM6502FlagB);
 }
 
@@ -273,8 +274,11 @@ inline void PushFlagsForNmi(M6502& cpu, Bus& bus) {
 
 // The opcode's top two bits select N, V, C or Z; bit 5 is the value on which it branches.
 inline bool IsBranchTaken(const M6502& cpu) {
+    constexpr uint32_t kFlagShift = 6;
+    constexpr uint32_t kBranchIfSet = 0x20;
     constexpr std::array<uint8_t, 4> kFlags{kM6502FlagN, kM6502FlagV, kM6502FlagC, kM6502FlagZ};
-    return ((cpu.p & kFlags[cpu.opcode >> 6 & 3]) != 0) == ((cpu.opcode & 0x20) != 0);
+    return ((cpu.p & kFlags[cpu.opcode >> kFlagShift & 3]) != 0) ==
+           ((cpu.opcode & kBranchIfSet) != 0);
 }
 
 template <typename Bus>

@@ -61,6 +61,7 @@ void AudioResampler::Init(double sourceRateValue, uint32_t outputRateValue, int3
 
 void AudioResampler::MakeRoom() {
     filter = ResamplerFilterFor(quality, sourceRate, outputRate);
+    loops = &ResamplerLoops();
     const size_t stride = filter->stride;
     middleTicks *= stride;
     outputMiddles = outputTicks / middleTicks;
@@ -194,18 +195,21 @@ void AudioResampler::TakeIn(const int16_t* samples, size_t pairs, bool twins) {
     SIDE& left = sides[0];
     SIDE& right = sides[1];
     if (filter->stride == 1) {
-        ResamplerSplit(samples, pairs, left.middle.data() + middleHeld,
-                       right.middle.data() + middleHeld);
+        loops->split(samples, pairs, left.middle.data() + middleHeld,
+                     right.middle.data() + middleHeld);
         middleHeld += pairs;
         return;
     }
-    ResamplerSplit(samples, pairs, left.source.data() + sourceHeld,
-                   right.source.data() + sourceHeld);
+    loops->split(samples, pairs, left.source.data() + sourceHeld, right.source.data() + sourceHeld);
     sourceHeld += pairs;
     const size_t made = MiddlesReady();
-    ResamplerThin(*filter, left.source.data(), made, left.middle.data() + middleHeld);
+    const auto thin = [&](SIDE& side) {
+        loops->thin(filter->first.data(), filter->first.size(), filter->stride, side.source.data(),
+                    made, side.middle.data() + middleHeld);
+    };
+    thin(left);
     if (!twins) {
-        ResamplerThin(*filter, right.source.data(), made, right.middle.data() + middleHeld);
+        thin(right);
     }
     const size_t dropped = made * filter->stride;
     for (SIDE& side : sides) {
@@ -231,11 +235,11 @@ void AudioResampler::MakeOutput(bool twins) {
     const size_t oldest = place + 1 - filter->half;
     const float* const left = sides[0].middle.data() + oldest;
     if (twins) {
-        const float value = ResamplerHearOne(taps, width, between, left);
+        const float value = loops->hearOne(taps, width, between, left);
         Put(value, value);
     } else {
         const RESAMPLER_PAIR pair =
-            ResamplerHear(taps, width, between, left, sides[1].middle.data() + oldest);
+            loops->hear(taps, width, between, left, sides[1].middle.data() + oldest);
         Put(pair.left, pair.right);
     }
 }

@@ -25,6 +25,8 @@
 #include <span>
 #include <vector>
 
+struct RESAMPLER_LOOPS;
+
 class AudioResampler {
 public:
     // Values not taken yet that a state keeps; after a frame a machine's two chips differ by a few.
@@ -97,6 +99,7 @@ private:
 
     // Quality 1 and 2.
     std::shared_ptr<const RESAMPLER_FILTER> filter;
+    const RESAMPLER_LOOPS* loops = nullptr;
     std::array<SIDE, 2> sides;  // left, right
     size_t chunk = 0;           // source pairs filtered at once, at most
     size_t sourceHeld = 0;      // pairs in `source`

@@ -49,8 +49,8 @@ void Split(const int16_t* samples, size_t pairs, float* left, float* right) {
 }
 
 // Four outputs at a time: each has its own four sums, and a single chain of additions is slow.
-void Thin(const float* taps, size_t width, size_t stride, const float* source, size_t count,
-          float* out) {
+void Decimate(const float* taps, size_t width, size_t stride, const float* source, size_t count,
+              float* out) {
     const auto weigh = [&](const float* from, size_t step) {
         FLOAT4 sums[4] = {};
         for (size_t tap = 0; tap < width; tap += kLanes) {
@@ -71,8 +71,8 @@ void Thin(const float* taps, size_t width, size_t stride, const float* source, s
     }
 }
 
-RESAMPLER_PAIR Hear(const float* row, size_t width, float share, const float* left,
-                    const float* right) {
+RESAMPLER_PAIR Interpolate(const float* row, size_t width, float share, const float* left,
+                           const float* right) {
     const float* const next = row + width;
     FLOAT4 lefts[2] = {};
     FLOAT4 rights[2] = {};
@@ -87,7 +87,7 @@ RESAMPLER_PAIR Hear(const float* row, size_t width, float share, const float* le
     return {Sum(lefts[0], lefts[1]), Sum(rights[0], rights[1])};
 }
 
-float HearOne(const float* row, size_t width, float share, const float* side) {
+float InterpolateOne(const float* row, size_t width, float share, const float* side) {
     const float* const next = row + width;
     FLOAT4 sums[2] = {};
     for (size_t i = 0; i < width; i += 2 * kLanes) {
@@ -101,7 +101,7 @@ float HearOne(const float* row, size_t width, float share, const float* side) {
 
 } // namespace
 
-constexpr RESAMPLER_LOOPS kResamplerLoopsPlain{Split, Thin, Hear, HearOne};
+constexpr RESAMPLER_LOOPS kResamplerLoopsPlain{Split, Decimate, Interpolate, InterpolateOne};
 
 const RESAMPLER_LOOPS& ResamplerLoops() {
 #ifdef __x86_64__

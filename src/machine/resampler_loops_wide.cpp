@@ -57,8 +57,8 @@ void Split(const int16_t* samples, size_t pairs, float* left, float* right) {
 }
 
 // Eight outputs at a time, two in each vector.
-void Thin(const float* taps, size_t width, size_t stride, const float* source, size_t count,
-          float* out) {
+void Decimate(const float* taps, size_t width, size_t stride, const float* source, size_t count,
+              float* out) {
     size_t done = 0;
     for (; done + 8 <= count; done += 8) {
         const float* const from = source + done * stride;
@@ -76,13 +76,13 @@ void Thin(const float* taps, size_t width, size_t stride, const float* source, s
         }
     }
     if (done < count) {
-        kResamplerLoopsPlain.thin(taps, width, stride, source + done * stride, count - done,
-                                  out + done);
+        kResamplerLoopsPlain.decimate(taps, width, stride, source + done * stride, count - done,
+                                      out + done);
     }
 }
 
-RESAMPLER_PAIR Hear(const float* row, size_t width, float share, const float* left,
-                    const float* right) {
+RESAMPLER_PAIR Interpolate(const float* row, size_t width, float share, const float* left,
+                           const float* right) {
     FLOAT8 lefts = {};
     FLOAT8 rights = {};
     for (size_t i = 0; i < width; i += kLanes) {
@@ -93,7 +93,7 @@ RESAMPLER_PAIR Hear(const float* row, size_t width, float share, const float* le
     return {Sum(Low(lefts) + High(lefts)), Sum(Low(rights) + High(rights))};
 }
 
-float HearOne(const float* row, size_t width, float share, const float* side) {
+float InterpolateOne(const float* row, size_t width, float share, const float* side) {
     FLOAT8 sums = {};
     for (size_t i = 0; i < width; i += kLanes) {
         sums += Between(row + i, row + width + i, share) * Load(side + i);
@@ -101,7 +101,7 @@ float HearOne(const float* row, size_t width, float share, const float* side) {
     return Sum(Low(sums) + High(sums));
 }
 
-constexpr RESAMPLER_LOOPS kWide{Split, Thin, Hear, HearOne};
+constexpr RESAMPLER_LOOPS kWide{Split, Decimate, Interpolate, InterpolateOne};
 
 } // namespace
 

@@ -13,18 +13,22 @@ struct RESAMPLER_PAIR {
 
 struct RESAMPLER_LOOPS {
     // Splits stereo pairs into a row of floats for each side.
-    void (*split)(const int16_t* samples, size_t pairs, float* left, float* right);
+    using SPLIT = void(const int16_t* samples, size_t pairs, float* left, float* right);
+    SPLIT* split;
 
     // The first step on one side: `count` middle pairs, the first one from the source pairs at `source`. `taps`
     // is the filter's `first`, of `width` taps.
-    void (*thin)(const float* taps, size_t width, size_t stride, const float* source, size_t count,
-                 float* out);
+    using DECIMATE = void(const float* taps, size_t width, size_t stride, const float* source,
+                          size_t count, float* out);
+    DECIMATE* decimate;
 
     // The second step: the output interpolated by `share` (0 to 1) between the results of `row` and of the next
     // row, for both sides or one. `width` is a multiple of 8.
-    RESAMPLER_PAIR(*hear)
-    (const float* row, size_t width, float share, const float* left, const float* right);
-    float (*hearOne)(const float* row, size_t width, float share, const float* side);
+    using INTERPOLATE = RESAMPLER_PAIR(const float* row, size_t width, float share,
+                                       const float* left, const float* right);
+    INTERPOLATE* interpolate;
+    using INTERPOLATE_ONE = float(const float* row, size_t width, float share, const float* side);
+    INTERPOLATE_ONE* interpolateOne;
 };
 
 extern const RESAMPLER_LOOPS kResamplerLoopsPlain;

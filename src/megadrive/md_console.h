@@ -80,6 +80,6 @@ void MdReset(MEGA_DRIVE& md);
 // forgets the clocks that are owed.
 void MdSanitize(MEGA_DRIVE& md);
 
-// Runs until the VDP has ended its last line. The 68000 may run over by the rest of an instruction. Throws
+// Runs until the VDP has ended its last line. The 68000 completes the instruction in progress. Throws
 // M68K_ADDRESS_ERROR if the program accesses a word at an odd address.
 void MdRunFrame(MEGA_DRIVE& md);

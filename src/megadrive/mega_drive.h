@@ -62,5 +62,5 @@ private:
     mutable MEGA_DRIVE md;
 };
 
-// Builds the tables that all these machines share, so that no game's start waits for them.
+// Builds the tables that all these machines share, so that no game has to wait for them.
 void MdBuildTables();

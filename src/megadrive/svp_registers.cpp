@@ -3,8 +3,8 @@
 
 namespace {
 
-// Mode words: bit 15 steps down, bit 14 steps by cells, bits 13 to 11 are the step, bit 10 keeps what a nibble of
-// 0 would overwrite, bits 4 to 0 are the kind of memory.
+// Mode words. Bit 15: steps down; bit 14: steps by cells; bits 13 to 11: the step; bit 10: nibbles of 0 are not
+// written; bits 4 to 0: the kind of memory.
 constexpr uint32_t kStepDown = 0x8000;
 constexpr uint32_t kOverwrite = 0x0400;
 constexpr uint32_t kDram = 0x0018;

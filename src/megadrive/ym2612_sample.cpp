@@ -128,8 +128,8 @@ inline int32_t OperatorOutput(const YM2612_SLOT& slot, uint32_t modulation,
     return p < kYm2612Levels ? kYm2612Tables.level[p] : 0;
 }
 
-// The eight algorithms, after operator 1. Each case runs its operators in their true order, so a modulator is
-// always of the same sample.
+// The eight algorithms, after operator 1. Each case runs a modulator before the operators that it modulates, so
+// its output is always that of the same sample.
 inline int32_t RunAlgorithm(const YM2612_CHANNEL& channel, uint32_t lfoAttenuation, int32_t one) {
     const auto run = [&](size_t place, int32_t modulator) {
         return OperatorOutput(channel.slots[place],
@@ -193,7 +193,7 @@ void AdvanceLfo(YM2612& ym) {
 
 // --- envelopes ----------------------------------------------------------------------------------
 
-// Whether a rate steps at this envelope clock, and by which increment.
+// True if an envelope of this rate has a step at this clock; `increment` is then its size.
 inline bool IsStepDue(uint32_t counter, YM2612_RATE rate, int32_t& increment) {
     if ((counter & ((1u << rate.shift) - 1)) != 0) {
         return false;

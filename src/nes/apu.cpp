@@ -6,7 +6,7 @@ namespace {
 
 constexpr int32_t kMixFactor = 50;
 
-// The sample level moves by 2, but not from here up or down.
+// The sample level moves by 2. It no longer rises from the one, or falls from the other.
 constexpr uint8_t kLevelTop = 126;
 constexpr uint8_t kLevelBottom = 1;
 

@@ -1,9 +1,9 @@
 // The PPU's tick, one dot, to be inlined into a machine's frame loop.
 //
 // A dot moves along the line, draws its pixel, evaluates sprites, fetches, and advances the PPUDATA access
-// in progress, in this order. Pixels and evaluation depend on registers and on tiles already fetched only,
-// so they are put off until a new tile, the end of the visible line or a register access. Fetches are never
-// put off: boards watch them and change what they read.
+// in progress, in this order. Pixels and evaluation depend only on registers and on tiles already fetched, so
+// they wait for a new tile, the end of the visible line or a register access. Fetches never wait: boards watch
+// them and change what they read.
 #pragma once
 
 #include "nes/nes_pages.h"

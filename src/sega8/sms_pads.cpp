@@ -87,8 +87,8 @@ bool SeesBeam(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
            down <= kSpotLines && right >= 0 && right < kSpotDots;
 }
 
-// The last point at which the beam entered the spot since the call before, in this frame; line -1:
-// none.
+// The last point at which the beam has entered the spot in this frame and since the last call; line
+// -1 if it has not.
 BEAM_POINT NewHit(PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
     if (!Sees(pads, port)) {
         return {};

@@ -100,7 +100,7 @@ int32_t RhythmOutput(YM2413& ym) {
 
 // --- envelopes --------------------------------------------------------------------------------
 
-// True if a rate steps now; `increment` is then by how much.
+// True if an envelope of this rate has a step now; `increment` is then its size.
 bool IsStepDue(uint32_t counter, const YM_RATE& rate, int32_t& increment) {
     if ((counter & ((1u << rate.shift) - 1)) != 0) {
         return false;

@@ -61,7 +61,7 @@ TEST_F(ResamplerLoopsTest, SplitTheSame) {
     }
 }
 
-TEST_F(ResamplerLoopsTest, ThinTheSame) {
+TEST_F(ResamplerLoopsTest, DecimateTheSame) {
     for (const size_t width : {8U, 16U, 72U}) {
         for (size_t stride = 2; stride < 7; ++stride) {
             for (size_t count = 0; count < 35; ++count) {
@@ -70,15 +70,17 @@ TEST_F(ResamplerLoopsTest, ThinTheSame) {
                 const std::vector<float> source = Noise(random, count * stride + width + 1);
                 std::vector<float> expected(count + kBeyond, 7.0F);
                 std::vector<float> actual = expected;
-                plain.thin(taps.data(), width, stride, source.data() + 1, count, expected.data());
-                wide.thin(taps.data(), width, stride, source.data() + 1, count, actual.data());
-                ASSERT_EQ(BitsOf(actual), BitsOf(expected)) << width << ' ' << stride << ' ' << count;
+                plain.decimate(taps.data(), width, stride, source.data() + 1, count,
+                               expected.data());
+                wide.decimate(taps.data(), width, stride, source.data() + 1, count, actual.data());
+                ASSERT_EQ(BitsOf(actual), BitsOf(expected))
+                    << width << ' ' << stride << ' ' << count;
             }
         }
     }
 }
 
-TEST_F(ResamplerLoopsTest, HearTheSame) {
+TEST_F(ResamplerLoopsTest, InterpolateTheSame) {
     for (const size_t width : {8U, 16U, 80U, 88U}) {
         for (int trial = 0; trial < 100; ++trial) {
             const std::vector<float> rows = Noise(random, 2 * width);
@@ -86,13 +88,13 @@ TEST_F(ResamplerLoopsTest, HearTheSame) {
             const std::vector<float> right = Noise(random, width + 1);
             const float share = static_cast<float>(random() % 1000) / 1000.0F;
             const RESAMPLER_PAIR expected =
-                plain.hear(rows.data(), width, share, left.data() + 1, right.data() + 1);
+                plain.interpolate(rows.data(), width, share, left.data() + 1, right.data() + 1);
             const RESAMPLER_PAIR actual =
-                wide.hear(rows.data(), width, share, left.data() + 1, right.data() + 1);
+                wide.interpolate(rows.data(), width, share, left.data() + 1, right.data() + 1);
             ASSERT_EQ(BitsOf({actual.left, actual.right}), BitsOf({expected.left, expected.right}));
-            const float one = wide.hearOne(rows.data(), width, share, left.data() + 1);
+            const float one = wide.interpolateOne(rows.data(), width, share, left.data() + 1);
             ASSERT_EQ(BitsOf({one}),
-                      BitsOf({plain.hearOne(rows.data(), width, share, left.data() + 1)}));
+                      BitsOf({plain.interpolateOne(rows.data(), width, share, left.data() + 1)}));
             ASSERT_EQ(BitsOf({one}), BitsOf({expected.left}));
         }
     }

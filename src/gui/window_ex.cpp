@@ -2,6 +2,7 @@
 
 #include "gui/bitmap.h"
 #include "gui/button.h"
+#include "gui/control_input.h"
 #include "gui/manager.h"
 #include "gui/scrollbar.h"
 #include "gui/surface.h"
@@ -157,6 +158,15 @@ void CGhostWindowEx::OnFrameMouseMove(int x, int y) {
 
 void CGhostWindowEx::OnFrameMouseUp(int /*x*/, int /*y*/, unsigned /*button*/) {
     dragging = false;
+}
+
+// The press is the title's or the frame's own.
+void CGhostWindowEx::OnTick(unsigned /*microseconds*/) {
+    if (dragging) {
+        const GHOSTMANAGER_WINDOW* const held = CGhostManager::Get().CaptureWindow();
+        const bool atTitle = title != nullptr && held == title->window;
+        RestWithoutCapture(atTitle ? held : window, [this] { dragging = false; });
+    }
 }
 
 void CGhostWindowEx::OnFrameMouseWheel(int x, int y, bool up) {

@@ -214,6 +214,7 @@ void CGhostButton::OnKeyUp(GHOSTGUIKey key) {
 void CGhostButton::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
     const GUI_RECT whole{0, 0, surface->Width(), surface->Height()};
     PaintText(*surface, style.states[state], caption, whole);
+    PaintFrame(*surface, style.states[state].border);
     if (focused && enabled) {
         PaintFocusRing(*surface, whole);
     }

@@ -65,8 +65,7 @@ void CGhostWindowEx::MakeTitle(const std::wstring& caption) {
         return;
     }
     const auto make = [&](const wchar_t* style, const wchar_t* sign, auto& signal) {
-        auto* const button =
-            new CGhostButton(window, GetFlags(), style, sign, CGhostButton::kNoKeys, nowhere);
+        auto* const button = new CGhostButton(window, GetFlags(), style, sign, 0, nowhere);
         CGhostManager::Get().SetPart(button->window);
         button->OnClick.connect(
             [this, &signal](CGhostButton*, int, int, unsigned) { signal(this); });

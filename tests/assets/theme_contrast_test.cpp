@@ -98,6 +98,7 @@ double WorstContrast(uint32_t text, const GhostTexture& fill) {
 struct SAMPLE {
     std::string what;
     GhostTextStyle style;
+    bool field = false; // whose second fill is the caret
 };
 
 void Add(std::vector<SAMPLE>& samples, const std::string& name, const GhostButtonStyle& style) {
@@ -110,7 +111,7 @@ void Add(std::vector<SAMPLE>& samples, const std::string& name, const GhostButto
 void Add(std::vector<SAMPLE>& samples, const std::string& name, const GhostEditStyle& style) {
     constexpr std::array<const char*, 3> kStates = {" normal", " hot", " read-only"};
     for (size_t i = 0; i < kStates.size(); ++i) {
-        samples.push_back({name + kStates[i], style.states[i]});
+        samples.push_back({name + kStates[i], style.states[i], true});
     }
 }
 
@@ -191,8 +192,13 @@ TEST(ThemeContrast, IsEnoughInEveryStyleAndState) {
         ++tested;
         EXPECT_GE(WorstContrast(sample.style.textColour, sample.style.bg), kLeastContrast)
             << sample.what;
-        // The part of a slider that is filled.
         const GhostTexture& second = sample.style.bg2;
+        if (sample.field) {
+            EXPECT_GE(WorstContrast(second.colour1, sample.style.bg), kLeastContrast)
+                << sample.what << ", caret";
+            continue;
+        }
+        // The part of a slider that is filled.
         if (second.type != GhostFill::kColour || second.colour1 >> 24 != 0) {
             EXPECT_GE(WorstContrast(sample.style.textColour, second), kLeastContrast)
                 << sample.what << ", filled";

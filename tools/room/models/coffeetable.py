@@ -8,7 +8,8 @@ from model import LACQUER, SATIN, Model
 from texture import OAK, WALNUT, cloud, colour, mix, noise, paper, picture, plastic, planks, sample, step, weave, wood
 
 TOP = 48.2
-m = Model('coffeetable', size=(200, 49, 80), sheets=2, lamp=scene.lamp_for('coffeetable'))
+m = Model('coffeetable', size=(200, 49, 80), sheets=2, lamp=scene.lamp_for('coffeetable'),
+          faint={'-y': 0.3})
 
 
 def kilim(s):

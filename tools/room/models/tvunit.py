@@ -6,11 +6,12 @@ import prints
 import scene
 from ground import ground
 from mesh import Mesh, box, curve, cushion, cylinder, lathe, prism, rounded_outline, tube
-from model import GLOSS, LACQUER, MATT, SATIN, Model
-from texture import DARK, OAK, WALNUT, cloud, colour, mix, noise, paper, picture, plastic, step, weave, wood
+from model import GLOSS, LACQUER, SATIN, Model
+from texture import DARK, WALNUT, cloud, colour, mix, noise, paper, picture, plastic, step, weave, wood
 
 WIDE, TOP, BACK, FRONT = 500 / 6, 70.0, -68.5, 65.0
-m = Model('tvunit', size=(500, 70, 137), sheets=4, lamp=scene.lamp_for('tvunit'))
+m = Model('tvunit', size=(500, 70, 137), sheets=5, lamp=scene.lamp_for('tvunit'), brightness=2.2,
+          faint={'-y': 0.3, '-z': 0.25})
 rng = np.random.default_rng(8)
 
 
@@ -22,9 +23,7 @@ def middle(k):
 for row in scene.PLACED:
     if row[0] == 'tv':
         x, y, z = scene.centre(*row) - (250, 0, 68.5)
-        m.block(box(77, 74, 62, 3), at=(x, 70 + 5 + 37, z - 4), returned=0.08)
-        for sx in (-1, 1):
-            m.block(box(12, 6, 50, 1), at=(x + sx * 28, 72, z), returned=0.05)
+        m.block(box(77, 79, 66, 3), at=(x, 72 + 39.5, z), returned=0.12)
 for wall in ([[-250, 0, BACK], [250, 0, BACK], [250, 260, BACK], [-250, 260, BACK]],
              [[-250.1, 0, 300], [-250.1, 0, BACK], [-250.1, 260, BACK], [-250.1, 260, 300]],
              [[250.1, 0, BACK], [250.1, 0, 300], [250.1, 260, 300], [250.1, 260, BACK]]):
@@ -32,7 +31,7 @@ for wall in ([[-250, 0, BACK], [250, 0, BACK], [250, 260, BACK], [-250, 260, BAC
 
 
 # ---- the modules
-def module(k, inside=MATT):
+def module(k):
     x = middle(k)
     tone = 0.96 + 0.08 * rng.random()
     grain = wood(WALNUT, 'x', rings=1.8, tone=tone)
@@ -124,8 +123,8 @@ def lamp(x, y, z, rgb, r=0.35):
     m.plain(lathe([(0, 0), (r, 0), (r, 0.15), (0, 0.3)], 10).turned('x', 90), rgb, at=(x, y, z), gloss=(0.2, 20, 0.35))
 
 
-def cable(points, rgb=(0.045, 0.045, 0.05), r=0.28, steps=6):
-    m.plain(tube(curve(points, steps), r, 5), rgb, gloss=(0.15, 12, 0))
+def cable(points, rgb=(0.045, 0.045, 0.05), r=0.28, steps=5):
+    m.plain(tube(curve(points, steps), r, 4), rgb, gloss=(0.15, 12, 0))
 
 
 def pad(x, y, z, turn, body, accent, cord):
@@ -277,7 +276,7 @@ game(end + 2.4, y, 50, 12, 9)
 cable([(x - 20, y + 5, 27), (x - 22, y + 3, 14), (x - 18, y + 8, -13)])
 # The sleeves stand with their edges to the front.
 at = x - 37.5
-for n in range(34):
+for n in range(24):
     w = rng.uniform(0.5, 0.95)
     tint = '%02x%02x%02x' % tuple(rng.integers(low, high) for low, high in (((60, 190), (40, 130), (40, 130)) if n % 3 else ((150, 220), (140, 205), (110, 170))))
     m.add(box(w, 25.4, 25.4, 0.08), paper(tint, 0.06), at=(at + w / 2, LOW + 12.7, 44 + rng.uniform(-0.8, 0.8)), density=0.9)
@@ -296,9 +295,9 @@ def wicker(s):
 basket = lathe([(0, 0), (9.5, 0), (11.4, 10), (12.2, 15), (12.6, 15.5), (12.2, 16), (11.6, 15.4), (10.6, 9), (0, 8)], 30)
 m.add(basket.scaled(1.15, 1, 0.9), wicker, at=(x + 22, LOW, 46), density=1.1)
 for n in range(5):
-    ball = lathe([(3.6 * np.sin(t), -3.6 * np.cos(t)) for t in np.linspace(0, np.pi, 9)], 14)
+    ball = lathe([(3.6 * np.sin(t), -3.6 * np.cos(t)) for t in np.linspace(0, np.pi, 8)], 12)
     m.add(ball, weave(('C65F4A', 'E4D3AC', '2B7377', 'C48736', '5A4A8A')[n], threads=1.4, contrast=0.3),
           at=(x + 22 + (-6, 4, 6.5, -2, 0)[n], LOW + (11.5, 12, 11, 12, 14)[n], 46 + (2, 4, -4, -5, 0)[n]), turn=[('x', 40 * n), ('z', 25 * n)])
 
-ground(m, fade=3.2, sides='Z', strips=[(-250, 250, 50, 68.5, 1.5), (-250, 250, -68.5, 50, 0.08)])
+ground(m, fade=3.2, sides='Z', strips=[(-250, 250, 52, 68.5, 1.2), (-250, 250, -68.5, 52, 0.08)])
 m.build(rays=48)

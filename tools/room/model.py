@@ -200,8 +200,8 @@ class Model:
                 self.charts.append([part.density * share, plane.min(0), plane.max(0)])
 
     def _pack(self):
-        low, high = 0.05, 60.0
-        for _ in range(18):
+        low, high = 0.2, 40.0
+        for _ in range(13):
             middle = np.sqrt(low * high)
             if self._fits(middle):
                 low = middle
@@ -331,8 +331,10 @@ class Model:
                             t['lamp'].astype(float), t['edge'].astype(float), part.seed)
                 s.turned = normal
                 rgb = part.paint(s) * self.light(s)[:, None] * self.brightness
-                # What would be brighter than the file can hold comes near white slowly.
-                rgb = np.where(rgb > 0.78, 1 - 0.22 * np.exp(-(rgb - 0.78) / 0.22), rgb)
+                # What would be brighter than the file can hold keeps its hue and comes near white slowly.
+                most = np.maximum(rgb.max(1), 1e-6)
+                held = np.where(most > 0.75, 1 - 0.25 * np.exp(-(most - 0.75) / 0.25), most)
+                rgb = rgb * (held / most)[:, None]
                 sheet[ys[pick], xs[pick]] = rgb
             image = Image.fromarray((np.clip(filled(sheet, known), 0, 1) * 255 + 0.5).astype(np.uint8))
             name = f'{self.name}{page + 1}.jpg' if self.sheets > 1 else f'{self.name}.jpg'

@@ -10,7 +10,7 @@ from model import GLOSS, LACQUER, SATIN, Model
 from texture import DARK, WALNUT, cloud, colour, mix, noise, paper, picture, plastic, step, weave, wood
 
 WIDE, TOP, BACK, FRONT = 500 / 6, 70.0, -68.5, 65.0
-m = Model('tvunit', size=(500, 70, 137), sheets=5, lamp=scene.lamp_for('tvunit'), brightness=2.2,
+m = Model('tvunit', size=(500, 70, 137), sheets=5, lamp=scene.lamp_for('tvunit'), brightness=2.1, shade=0.9,
           faint={'-y': 0.3, '-z': 0.25})
 rng = np.random.default_rng(8)
 
@@ -62,7 +62,7 @@ def rolling_doors(k):
         m.add(box(2.6, 55.4, 2.3, 0.6), wood(WALNUT, 'y', rings=1.8), at=(x + side * 1.3, 38.7, 58.8 - (side > 0) * 0.5),
               gloss=LACQUER, density=0.9)
         knob = lathe([(0, 0), (0.8, 0), (0.7, 1.0), (1.5, 1.6), (1.5, 2.2), (1.1, 2.6), (0, 2.7)], 20).turned('x', 90)
-        m.plain(knob, (0.62, 0.48, 0.26), at=(x + side * 4.6, 40, 59.0), gloss=GLOSS)
+        m.plain(knob, (0.95, 0.70, 0.36), at=(x + side * 4.6, 40, 59.0), gloss=GLOSS)
     m.add(box(WIDE - 4, 55, 0.4, 0), wood(DARK, 'y', tone=0.5), at=(x, 38.7, 57.0), density=0.2)
 
 
@@ -73,9 +73,9 @@ def drawers(k):
               seed=900)
         for side in (-1, 1):
             pull = prism(rounded_outline(9, 2.0, 0.9, 4), 0.8, 0.25)
-            m.plain(pull, (0.60, 0.46, 0.25), at=(x + side * 19, y + 2, 61.2), gloss=GLOSS)
+            m.plain(pull, (0.95, 0.70, 0.36), at=(x + side * 19, y + 2, 61.2), gloss=GLOSS)
             for end in (-1, 1):
-                m.plain(box(0.9, 0.9, 1.2, 0.1), (0.5, 0.38, 0.2), at=(x + side * 19 + end * 3.4, y + 2, 60.4), gloss=GLOSS)
+                m.plain(box(0.9, 0.9, 1.2, 0.1), (0.8, 0.58, 0.3), at=(x + side * 19 + end * 3.4, y + 2, 60.4), gloss=GLOSS)
     m.add(box(WIDE - 4, 55, 0.4, 0), wood(DARK, 'y', tone=0.45), at=(x, 38.7, 57.0), density=0.2)
 
 
@@ -236,10 +236,10 @@ def receiver(x, y, z):
     m.add(box(27, 4.4, 0.4, 0.1), dial, at=(x - 6.5, y + 10.2, f + 0.3), gloss=(0.4, 60, 0.22), density=1.4)
     for dx, r in ((13.0, 2.5), (18.6, 2.0)):
         knob = lathe([(0, 0), (r, 0), (r, 0.4), (r * 0.86, 0.5), (r * 0.8, 1.9), (r * 0.7, 2.1), (0, 2.0)], 26).turned('x', 90)
-        m.plain(knob, (0.50, 0.48, 0.44), at=(x + dx, y + 9.8, f + 0.2), gloss=(0.5, 30, 0))
+        m.plain(knob, (0.85, 0.82, 0.75), at=(x + dx, y + 9.8, f + 0.2), gloss=(0.5, 30, 0))
         m.plain(box(0.25, r * 0.7, 0.2, 0), (0.12, 0.10, 0.08), at=(x + dx, y + 9.8 + r * 0.42, f + 2.25))
     for k in range(6):
-        m.plain(cylinder(0.75, 1.0, 0.15, 12).turned('x', 90), (0.52, 0.50, 0.46), at=(x - 17 + 4.0 * k, y + 4.4, f + 0.2), gloss=(0.5, 30, 0))
+        m.plain(cylinder(0.75, 1.0, 0.15, 12).turned('x', 90), (0.85, 0.82, 0.75), at=(x - 17 + 4.0 * k, y + 4.4, f + 0.2), gloss=(0.5, 30, 0))
     lamp(x + 19.5, y + 4.4, f + 0.3, (1.0, 0.3, 0.15), 0.4)
 
 
@@ -267,7 +267,7 @@ recorder(x - 12, LOW, 43)
 for n in range(4):
     m.add(box(19, 2.6, 10.6, 0.2), picture(prints.box_spine(('Summer 87', 'Cartoons', 'Grandmother', 'Football')[n],
                                                            ('#2A2440', '#5A2A24', '#20402C', '#3A3A44')[n], prints.MOON), 17, 2.0, plastic('2A2A30')),
-          at=(x + 25.5 + rng.uniform(-1, 1), LOW + 1.3 + 2.62 * n, 48), turn=[('y', rng.uniform(-7, 7))], gloss=SATIN, density=1.1)
+          at=(x + 25.5 + rng.uniform(-1, 1), LOW + 1.3 + 2.62 * n, 48), turn=[('y', rng.uniform(-7, 7))], gloss=SATIN, density=1.9)
 # Module 4: the receiver above; records, games and a basket below.
 x, y = middle(4), SHELVES[4]
 receiver(x - 12, y, 42)

@@ -174,7 +174,6 @@ class Model:
                 u = np.choose(axis[:, None], [-sign * p[..., 2], p[..., 0], sign * p[..., 0]])
                 v = np.choose(axis[:, None], [-p[..., 1], sign * p[..., 2], -p[..., 1]])
                 part.plane = np.stack([u, v], -1)
-            part.axis_key = key
             # Faces of one direction that hang together are one chart.
             parent = list(range(len(mesh.f)))
 
@@ -211,15 +210,13 @@ class Model:
         self.texels = low
 
     def _fits(self, scale, gap=3):
-        """Rows of charts, tallest first; a chart may lie on its side. Leaves the places in self.places."""
+        """Longest charts first, each as low as it goes; one may lie on its side. Leaves the places in self.places."""
         sizes = []
         for density, low, high in self.charts:
             w, h = np.maximum(1, np.ceil((high - low) * density * scale)) + 2 * gap
             sizes.append((w, h))
-        order = sorted(range(len(sizes)), key=lambda n: -min(sizes[n]))
-        page, x, y, row = 0, 0, 0, 0
         self.places = [None] * len(sizes)
-        # A skyline a sheet: the height that is taken per column of 4 texels.
+        # A sheet's skyline: the height that is taken, for each 4 columns of texels.
         step = 4
         columns = self.pixels // step
         skies = [np.zeros(columns, int) for _ in range(self.sheets)]
@@ -326,7 +323,8 @@ class Model:
                 weight = np.stack([1 - t['b'] - t['c'], t['b'], t['c']], 1).astype(float)[..., None]
                 normal = (part.corner[face] * weight).sum(1)
                 normal /= np.maximum(np.linalg.norm(normal, axis=1), 1e-9)[:, None]
-                s = Surface((part.points[part.mesh.f[face]] * weight).sum(1), (part.mesh.v[part.mesh.f[face]] * weight).sum(1),
+                s = Surface((part.points[part.mesh.f[face]] * weight).sum(1),
+                            (part.mesh.v[part.mesh.f[face]] * weight).sum(1),
                             normal @ part.turn, (part.plane[face] * weight).sum(1), t['sky'].astype(float),
                             t['lamp'].astype(float), t['edge'].astype(float), part.seed)
                 s.turned = normal
@@ -338,7 +336,8 @@ class Model:
                 sheet[ys[pick], xs[pick]] = rgb
             image = Image.fromarray((np.clip(filled(sheet, known), 0, 1) * 255 + 0.5).astype(np.uint8))
             name = f'{self.name}{page + 1}.jpg' if self.sheets > 1 else f'{self.name}.jpg'
-            image.save(os.path.join(out, name), quality=self.quality, subsampling=0 if self.quality > 92 else 2, optimize=True)
+            image.save(os.path.join(out, name), quality=self.quality, subsampling=0 if self.quality > 92 else 2,
+                       optimize=True)
             self.files.append(name)
 
     def _write(self, out):
@@ -349,15 +348,17 @@ class Model:
             if part.kind == 'painted':
                 part.names = [f'sheet{page + 1} {spec:g} {shine:g} {glow:g}' for page in part.pages]
                 for page, name in set(zip(part.pages.tolist(), part.names)):
-                    materials.setdefault(name, threeds.Material(name, self.files[page], (0, 0, 0), (spec,) * 3, shine, glow))
+                    materials.setdefault(name, threeds.Material(name, self.files[page], (0, 0, 0), (spec,) * 3, shine,
+                                                                glow))
             elif part.kind == 'screen':
                 part.names = [part.label] * len(part.mesh.f)
-                materials.setdefault(part.label, threeds.Material(part.label, part.texture, (0, 0, 0), (spec,) * 3, shine, glow))
+                materials.setdefault(part.label, threeds.Material(part.label, part.texture, (0, 0, 0), (spec,) * 3,
+                                                                  shine, glow))
             else:
                 name = 'plain ' + ''.join(f'{int(round(c * 255)):02x}' for c in part.diffuse) + f' {spec:g} {shine:g} {glow:g}'
                 part.names = [name] * len(part.mesh.f)
                 materials.setdefault(name, threeds.Material(name, None, part.diffuse, (spec,) * 3, shine, glow))
-        drawn = total = 0
+        drawn = 0
         sink = Sink(self.low + self.shift, self.high + self.shift)
         for number, part in enumerate(self.parts):
             if sink.count() + 3 * len(part.mesh.f) > 60000:
@@ -416,7 +417,8 @@ class Sink:
         for (cluster, *_), at in list(known.items()):
             missing = whole[cluster] - share[at]
             goal = np.linalg.norm(whole[cluster])
-            turned = np.linalg.norm(np.cross(whole[cluster] / max(goal, 1e-12), share[at])) / max(np.linalg.norm(share[at]), 1e-12)
+            turned = np.linalg.norm(np.cross(whole[cluster] / max(goal, 1e-12),
+                                             share[at])) / max(np.linalg.norm(share[at]), 1e-12)
             if turned > 0.03 and goal > 0:
                 self.bend(at, missing)
 

@@ -10,7 +10,8 @@ from texture import WALNUT, cloud, colour, mix, noise, step, weave, wood
 TEAL = weave('1D5F66', '184E56', threads=1.15, contrast=0.10, nap=0.12)
 SEAM = weave('195058', '14424A', threads=1.15, contrast=0.08, nap=0.05, worn=0.8)
 
-m = Model('couch', size=(200, 70.347, 86), sheets=3, faint={'-y': 0.35, '-z': 0.4}, lamp=scene.lamp_for('couch'), brightness=1.5)
+m = Model('couch', size=(200, 70.347, 86), sheets=3, faint={'-y': 0.35, '-z': 0.4}, lamp=scene.lamp_for('couch'),
+          brightness=1.5)
 
 
 def creased(amount, scale, seed):
@@ -91,7 +92,8 @@ m.add(pillow(38, 36, 13), moons, at=(60, 62.4 - 4.0, -1.5), turn=[('z', 7), ('x'
 m.add(pillow(34, 34, 12), stripes, at=(42, 61.0 - 4.6, 1.5), turn=[('z', -9), ('x', -28), ('y', 9)], crease=130)
 
 # The blanket runs up the arm's outside, over it and on to the seat.
-PATH = curve([(-97.0, 19), (-97.4, 34), (-97.2, 49), (-95.0, 55.2), (-88, 57.6), (-80.5, 55.4), (-77.6, 49.6), (-73.0, 47.6),
+PATH = curve([(-97.0, 19), (-97.4, 34), (-97.2, 49), (-95.0, 55.2), (-88, 57.6), (-80.5, 55.4), (-77.6, 49.6),
+              (-73.0, 47.6),
               (-62, 46.9), (-50, 46.6), (-41, 47.0)], 6)
 ALONG = np.concatenate([[0], np.cumsum(np.linalg.norm(np.diff(PATH, axis=0), axis=1))])
 LONG, WIDE = ALONG[-1], 42.0

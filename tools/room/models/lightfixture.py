@@ -2,7 +2,7 @@
 import numpy as np
 
 from mesh import box, cylinder, lathe
-from model import MATT, SATIN, Model
+from model import Model
 from texture import cloud, colour, mix, step
 
 PAPER = (0.0, 0.0, 0.95)

@@ -17,8 +17,8 @@ MARQUEE = (1024, 240)
 PANEL = (1024, 420)
 
 
-def side():
-    """The side, 109 units deep and 180 high, front edge to the right."""
+def side(right=False):
+    """A side, 109 units deep and 180 high; the front edge is to the right on the left side, to the left on the right."""
     wide, tall = SIDE
     height = round(1000 * tall / wide)
     raw = paint.render(skywren.scene(height, (500, 0.27), (520, 0.42, 0.86)), wide, tall)[:, :, :3]
@@ -32,6 +32,9 @@ def side():
     word, layers = skywren.title()
     scale = 430 / word.width
     title = f'<g transform="translate(120,905) rotate(-17) scale({scale:.3f})">{layers}</g>'
+    if right:
+        art = art[:, ::-1]
+        title = f'<g transform="translate(92,778) rotate(17) scale({scale:.3f})">{layers}</g>'
     return paint.paper(paint.over(art, paint.render(svg(title, wide, tall), wide, tall)), 0.01)
 
 
@@ -90,7 +93,7 @@ def all_pieces():
                ('cabinet.py', 'skywren.py', 'shapes.py', 'lettering.py', 'paint.py', 'brush.cpp')]
     newest = max(os.path.getmtime(path) for path in sources)
     pieces = {}
-    for name, make in (('side', side), ('marquee', marquee), ('panel', panel), ('card', bezel_card)):
+    for name, make in (('left', side), ('right', lambda: side(True)), ('marquee', marquee), ('panel', panel), ('card', bezel_card)):
         path = os.path.join(paint.BUILD, f'cabinet-{name}.png')
         if not os.path.exists(path) or os.path.getmtime(path) < newest:
             os.makedirs(paint.BUILD, exist_ok=True)

@@ -12,7 +12,7 @@ SCREEN_W, SCREEN_H, SCREEN_Y = 62, 46.5, 52.0
 PLASTIC = (0.16, 14.0, 0.0)
 
 m = Model('tv', size=(W, H, D), brightness=1.55)
-shell = plastic('42424A', 0.035, 0.5, 0.10)
+shell = plastic('464446', 0.035, 0.5, 0.10)
 face = plastic('2A2A30', 0.03, 0.4)
 panel = plastic('85827C', 0.02, 0.3)
 
@@ -45,7 +45,7 @@ def front(s):
     # A thin bright line runs around the mask, worn in places.
     w, h = SCREEN_W + 9, SCREEN_H + 9
     out = np.maximum(np.abs(x) - w / 2, np.abs(y - SCREEN_Y) - h / 2)
-    line = edge_band(out, -0.35, 0.05, 0.25) * (s.normal[:, 2] > 0.8)
+    line = edge_band(out, 0.25, 0.75, 0.25) * (s.normal[:, 2] > 0.8)
     return mix(rgb, colour('B9B4A8') * (0.75 + 0.25 * cloud(s.own * 0.4, 3, 8))[:, None], line * 0.75)
 
 

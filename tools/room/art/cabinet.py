@@ -21,7 +21,7 @@ def side(right=False):
     """A side, 109 units deep and 180 high; the front edge is to the right on the left side, to the left on the right."""
     wide, tall = SIDE
     height = round(1000 * tall / wide)
-    raw = paint.render(skywren.scene(height, (500, 0.27), (520, 0.42, 0.86)), wide, tall)[:, :, :3]
+    raw = paint.render(skywren.scene(height, (420, 0.25), (405, 0.41, 0.72)), wide, tall)[:, :, :3]
     art = paint.glow(paint.paint(paint.warp(raw, 1.2, 40), 4, -8, (26, 13, 7, 3.5, 2)))
     # Stripes sweep up from the foot, as printed sides have them.
     stripes = ''.join(f'<path d="M-20,{900 + 34 * n} C200,{880 + 34 * n} 420,{800 + 30 * n} 640,{600 + 34 * n} L640,{628 + 34 * n} '
@@ -73,7 +73,7 @@ def panel():
         rings += (f'<circle cx="{x}" cy="{y}" r="54" fill="#120A30" opacity="0.8"/><circle cx="{x}" cy="{y}" r="54" fill="none" '
                   f'stroke="#FFE15A" stroke-width="5"/><text x="{x}" y="{y + 92}" font-family="Inter Display" font-weight="800" '
                   f'font-size="28" fill="{MOON}" text-anchor="middle" letter-spacing="3">{text}</text>')
-    rings += (f'<text x="900" y="120" font-family="Inter Display" font-weight="800" font-size="26" fill="{MOON}" '
+    rings += (f'<text x="900" y="316" font-family="Inter Display" font-weight="800" font-size="26" fill="{MOON}" '
               'text-anchor="middle" letter-spacing="2">START</text>')
     return paint.over(art, paint.render(svg(rings, wide, tall), wide, tall))
 

@@ -29,13 +29,20 @@ profile = [(BACK, 0), (44, 0), (45, 1), (45, 78), (47, 81), (53.2, 84.6), (FRONT
            (34.5, 105), (33, 109), (22, 143), (22.2, 147), (33, 152), (36, 155), (36, 175), (34.6, 178.4), (31, H), (BACK, H)]
 
 
+def soft(rgb):
+    """Print that the sheet's brightness does not bleach."""
+    return 0.70 * rgb - 0.04 * rgb * rgb
+
+
 def side_paint(art, mirror):
-    trim = colour('FFC23C')
+    trim = colour('C58A24')
 
     def paint(s):
         z, y = s.own[:, 0], s.own[:, 1]
         u = (z + D / 2) / D
-        rgb = sample(art, 1 - u if mirror else u, 1 - y / H)
+        rgb = soft(sample(art, 1 - u if mirror else u, 1 - y / H))
+        outside = s.normal[:, 2] * (-1 if mirror else 1) > 0.75
+        rgb = np.where(outside[:, None], rgb, black(s))
         rgb = rgb * (1 - 0.10 * cloud(s.own * 0.05, 3, 5) ** 2)[:, None]
         # Scuffs near the floor, where shoes and a broom reach.
         scuff = step(0.35, 0.9, noise(np.stack([z * 0.25, y * 1.1], 1), 9) + 0.6 - y / 22)
@@ -77,7 +84,7 @@ def strip(points, width, x=0.0, cuts=1):
 def shown(art, width, height, shade=1.0):
     """A picture over the whole of a strip's plane."""
     def paint(s):
-        return sample(art, s.uv[:, 0] / width, s.uv[:, 1] / height) * shade
+        return soft(sample(art, s.uv[:, 0] / width, s.uv[:, 1] / height)) * shade
     return paint
 
 
@@ -94,12 +101,12 @@ panel_turn = np.degrees(np.arctan2(PANEL[1][1] - PANEL[0][1], PANEL[0][0] - PANE
 
 
 def panel_paint(s):
-    rgb = sample(pieces['panel'], s.uv[:, 0] / INNER, s.uv[:, 1] / panel_length)
+    rgb = soft(sample(pieces['panel'], s.uv[:, 0] / INNER, s.uv[:, 1] / panel_length))
     # Hands have worn the print around the stick and below the buttons.
     for px, py, size in ((0.29, 0.86, 0.13), (0.66, 0.90, 0.16)):
         d = np.hypot((s.uv[:, 0] / INNER - px) * 2.3, s.uv[:, 1] / panel_length - py)
         worn = step(0.55, 1.0, np.exp(-(d / size / 1.6) ** 2) + 0.35 * cloud(s.own * 0.7, 3, 15))
-        rgb = mix(rgb, colour('8A8088'), worn * 0.45)
+        rgb = mix(rgb, colour('6A6068'), worn * 0.22)
     return rgb
 
 
@@ -121,7 +128,7 @@ m.add(lathe([(0, 0.2), (2.4, 0.4), (2.2, 1.2), (1.0, 1.9), (0, 2.0)], 28), plast
 m.plain(cylinder(0.62, 7.5, 0.1, 16), (0.62, 0.62, 0.64), at=on_panel(300, 214, 0.6), turn=tilt, gloss=(0.8, 60, 0))
 ball = [(2.5 * np.sin(a), 9.2 - 2.5 * np.cos(a)) for a in np.linspace(0, np.pi, 13)]
 m.add(lathe(ball, 26), plastic('D8301F', 0.01, 0.15), at=on_panel(300, 214), turn=tilt, gloss=GLOSS, density=1.2, crease=80)
-for px, py, tone in ((620, 222, 'F5C531'), (750, 186, '3FB9BE'), (900, 168, 'F3EAD3')):
+for px, py, tone in ((620, 222, 'F5C531'), (750, 186, '3FB9BE'), (900, 246, 'F3EAD3')):
     small = tone == 'F3EAD3'
     r = 1.3 if small else 2.25
     m.add(cylinder(r + 0.55, 0.75, 0.25, 28), plastic('1E1C22', 0.02, 0.5), at=on_panel(px, py), turn=tilt, gloss=SATIN, crease=40)
@@ -142,7 +149,10 @@ def bezel_paint(s):
     out = np.maximum(np.abs(x) - 29.4, np.abs(y - 0.6) - 21.0)
     for k, tone in enumerate(('FFE15A', 'FF8A2E', 'E0365A', 'A02A9A')):
         rgb = mix(rgb, colour(tone), edge_band(np.abs(x), 31.2 + 1.5 * k, 32.4 + 1.5 * k, 0.25) * front * 0.85)
-    card = front & (y < -slope / 2 + 0.0)
+    low = (y + slope / 2) / 3.6
+    card = front & (low > 0.12) & (low < 1) & (np.abs(x) < 29)
+    text = soft(sample(pieces['card'], x / 58 + 0.5, 1 - (low - 0.12) / 0.88))
+    rgb = np.where(card[:, None], text, rgb)
     return rgb
 
 
@@ -167,7 +177,7 @@ m.add(strip([HEAD, (31.5, 153.5)], INNER, cuts=4), grille, density=0.8)
 # The marquee: a lit box behind a bright frame.
 marquee = [(33.0, 156.2), (33.0, 175.6)]
 m.add(strip([(31.5, 153.5), (34.2, 154.6), (34.2, 156.2), (33.0, 156.2)], INNER), steel, gloss=SATIN, density=0.8)
-m.add(strip(marquee, INNER, cuts=8), shown(pieces['marquee'], INNER, marquee[1][1] - marquee[0][1], 1.1), gloss=(0.25, 40, 0.35),
+m.add(strip(marquee, INNER, cuts=8), shown(pieces['marquee'], INNER, marquee[1][1] - marquee[0][1], 1.25), gloss=(0.25, 40, 0.35),
       density=1.3, returned=0.6)
 m.add(strip([(33.0, 175.6), (34.2, 175.6), (34.2, 177.4), (31.0, 179.0)], INNER), steel, gloss=SATIN, density=0.8)
 m.add(strip([(31.0, 179.0), (-32, 179.0)], INNER), black, density=0.35)

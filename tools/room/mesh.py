@@ -279,6 +279,17 @@ def cushion(w, h, d, rounding=4.0, puff=0.0, n=10, sag=None):
     return mesh.mapped(sag) if sag else mesh
 
 
+def pillow(w, h, d, n=12, ears=0.07):
+    """A scatter cushion standing in the x-y plane: two cloths sewn at the rim, with drawn-in sides."""
+    t = np.linspace(-1, 1, n)
+    t = np.sign(t) * (1 - (1 - np.abs(t)) ** 1.4)
+    u, v = (p.reshape(-1) for p in np.meshgrid(t, t))
+    x, y = w / 2 * u * (1 - ears * (1 - v * v)), h / 2 * v * (1 - ears * (1 - u * u))
+    z = d / 2 * np.maximum((1 - np.abs(u) ** 2.6) * (1 - np.abs(v) ** 2.6), 0) ** 0.42
+    front = Mesh(np.stack([x, y, z], 1), grid_faces(n, n))
+    return welded(front + front.scaled(1, 1, -1))
+
+
 def sheet(function, columns, rows, width, height, thickness=0.0):
     """Cloth: function takes u, v in 0..1 (arrays) and returns points (n, 3). width and height are those of its
     texture, in units. With a thickness it has a back and a rim."""

@@ -289,14 +289,14 @@ class Model:
         os.remove(source)
         os.remove(result)
 
-    def _light(self, s, normal):
+    def light(self, s):
         """What the program's light, which knows no shadow, is to be multiplied with at each texel."""
         sky = np.clip(s.sky, 0.0, 1.0)
         sky = 1 - self.shade * (1 - sky)
         if self.lamp is None:
             return sky
         to = np.asarray(self.lamp) - s.place
-        lambert = np.maximum(np.einsum('ij,ij->i', to, normal) / np.linalg.norm(to, axis=1), 0)
+        lambert = np.maximum(np.einsum('ij,ij->i', to, s.turned) / np.linalg.norm(to, axis=1), 0)
         return (0.5 * sky + 0.6 * lambert * (0.12 + 0.88 * s.lamp)) / (0.5 + 0.6 * lambert)
 
     def _paint(self, painted, out):
@@ -325,7 +325,8 @@ class Model:
                 s = Surface((part.points[part.mesh.f[face]] * weight).sum(1), (part.mesh.v[part.mesh.f[face]] * weight).sum(1),
                             normal @ part.turn, (part.plane[face] * weight).sum(1), t['sky'].astype(float),
                             t['lamp'].astype(float), t['edge'].astype(float), part.seed)
-                rgb = part.paint(s) * self._light(s, normal)[:, None] * self.brightness
+                s.turned = normal
+                rgb = part.paint(s) * self.light(s)[:, None] * self.brightness
                 sheet[ys[pick], xs[pick]] = rgb
             image = Image.fromarray((np.clip(filled(sheet, known), 0, 1) * 255 + 0.5).astype(np.uint8))
             name = f'{self.name}{page + 1}.jpg' if self.sheets > 1 else f'{self.name}.jpg'

@@ -32,3 +32,15 @@ def into(name, point, number=0):
     """A place of the room in the model's own space, whose origin is the middle of its box, for its placing `number`."""
     row = [r for r in PLACED if r[0] == name][number]
     return rotation('y', row[4]).T @ (np.asarray(point, float) - centre(*row))
+
+
+def lamp_for(name, number=0):
+    """The lamp's place for a Model, whose parts are built with y 0 at the floor."""
+    return into(name, LAMP, number) + (0, SIZES[name][1] / 2, 0)
+
+
+def out_of(name, points, number=0):
+    """Places of a Model under construction (n, 3) in the room."""
+    row = [r for r in PLACED if r[0] == name][number]
+    points = np.asarray(points, float) - (0, SIZES[name][1] / 2, 0)
+    return points @ rotation('y', row[4]).T + centre(*row)

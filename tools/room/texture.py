@@ -13,6 +13,7 @@ class Surface:
     def __init__(self, place, own, normal, uv, sky, lamp, edge, seed):
         self.place, self.own, self.normal, self.uv = place, own, normal, uv
         self.sky, self.lamp, self.edge, self.seed = sky, lamp, edge, seed
+        self.turned = normal  # In the model's space.
 
     def random(self, k=0):
         """A number of 0..1 that is the part's own."""

@@ -5,7 +5,7 @@ from mesh import box, cylinder, lathe
 from model import MATT, SATIN, Model
 from texture import cloud, colour, mix, step
 
-PAPER = (0.0, 0.0, 0.62)
+PAPER = (0.0, 0.0, 0.85)
 SEGMENTS = 48
 HIGH, LOW, RADIUS, RIBS = -13.0, -44.0, 22.0, 13
 
@@ -26,10 +26,10 @@ def paper(s):
     blotch = cloud(s.own * 0.09, 3, 5)
     # The bulb is a little below the middle; paper glows most beside it.
     near = np.exp(-((t - 0.45) / 0.40) ** 2)
-    rgb = mix(colour('D98A42'), colour('FFE3A8'), np.clip(near + 0.10 * blotch + 0.06 * fibre, 0, 1))
+    rgb = mix(colour('E08A3C'), colour('FFC878'), np.clip(near + 0.10 * blotch + 0.06 * fibre, 0, 1))
     wire = 1 - 0.30 * (1 - step(0.02, 0.09, rib))
     seam = 1 - 0.14 * (1 - step(0.004, 0.02, np.abs(((angle / (2 * np.pi) * 8) % 1) - 0.5)))
-    return rgb * (wire * seam * (0.55 + 0.40 * near))[:, None]
+    return rgb * (wire * seam * (0.62 + 0.40 * near))[:, None]
 
 
 steps = RIBS * 4
@@ -37,7 +37,7 @@ profile = [(radius(k / steps), LOW + (HIGH - LOW) * k / steps) for k in range(st
 m.add(lathe(profile, SEGMENTS), paper, gloss=PAPER, crease=80)
 # Seen from below: the paper's inner side through the lower ring, and the bulb.
 inner = lathe([(r * 0.99, y) for r, y in profile[:steps * 3 // 4]], SEGMENTS).flipped()
-m.add(inner, lambda s: paper(s) * 1.1, gloss=(0, 0, 0.75), crease=80, density=0.5)
+m.add(inner, lambda s: paper(s) * 1.1, gloss=(0, 0, 1.0), crease=80, density=0.5)
 ball = [(5.5 * np.sin(a), -28 - 5.5 * np.cos(a)) for a in np.linspace(0, np.pi, 12)]
 m.plain(lathe(ball, 20), (0.9, 0.8, 0.55), gloss=(0, 0, 1.0))
 m.plain(cylinder(0.25, 10, 0.05, 8), (0.12, 0.11, 0.10), at=(0, -22, 0))

@@ -31,7 +31,7 @@ profile = [(BACK, 0), (44, 0), (45, 1), (45, 78), (47, 81), (53.2, 84.6), (FRONT
 
 def soft(rgb):
     """Print that the sheet's brightness does not bleach."""
-    return 0.70 * rgb - 0.04 * rgb * rgb
+    return 0.92 * rgb - 0.24 * rgb * rgb
 
 
 def side_paint(art, mirror):
@@ -90,7 +90,20 @@ def shown(art, width, height, shade=1.0):
 
 # The front, from the floor up: foot, kick board, the belly under the panel.
 m.add(strip([(38.5, 0.6), (38.5, 6), (42, 6.2)], INNER), plastic('17161B', 0.04, 0.2), density=0.5)
-m.add(strip([(42, 6.2), (42, 80)], INNER, cuts=6), black, gloss=PLASTIC, density=0.7)
+
+
+def kick(s):
+    """Black, with the sides' stripes rising around the coin door."""
+    rgb = black(s)
+    u, y = s.uv[:, 0] - INNER / 2, 80 - s.uv[:, 1]
+    for k, tone in enumerate(('FFE15A', 'FF8A2E', 'E0365A', 'A02A9A')):
+        line = y - (12.5 - 2.5 * k) - 0.0065 * (u + 6) ** 2
+        rgb = mix(rgb, soft(colour(tone)), edge_band(line, 0, 1.9, 0.25) * 0.9)
+    scuff = step(0.35, 0.9, noise(np.stack([u * 0.3, y * 1.1], 1), 19) + 0.65 - y / 20)
+    return mix(rgb, colour('6A6058'), scuff * 0.4)
+
+
+m.add(strip([(42, 6.2), (42, 80)], INNER, cuts=6), kick, gloss=PLASTIC, density=0.9)
 m.add(strip([(42, 80), (51.2, 86.5)], INNER, cuts=6), black, gloss=PLASTIC, density=0.7)
 # The control panel: a box with a round front lip.
 lip = [(51.2, 86.5), (52.2, 87.6), (52.4, 89), (52.4, 93.5), (52.0, 95.0), (50.8, 96.0)]

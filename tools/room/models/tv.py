@@ -12,8 +12,8 @@ SCREEN_W, SCREEN_H, SCREEN_Y = 62, 46.5, 52.0
 PLASTIC = (0.16, 14.0, 0.0)
 
 m = Model('tv', size=(W, H, D), brightness=1.55)
-shell = plastic('464446', 0.035, 0.5, 0.10)
-face = plastic('2A2A30', 0.03, 0.4)
+shell = plastic('5C5A5A', 0.035, 0.5, 0.10)
+face = plastic('333338', 0.03, 0.4)
 panel = plastic('85827C', 0.02, 0.3)
 
 

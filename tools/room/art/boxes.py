@@ -5,7 +5,6 @@ import os
 import numpy as np
 from PIL import Image, ImageFilter
 
-import model
 from mesh import Mesh, box
 from model import OUT, SATIN, Model
 

@@ -11,8 +11,8 @@ COLOUR = '#FF7A6B'
 ANGLE = 20
 TITLE = 'LUCIOLE'
 LINES = ('Twelve lanterns,', 'one small light.')
-TEXT = ('Night has gone out of the garden. Gather the dew, mind the spider, and light every lantern before the day '
-        'breaks.')
+TEXT = ('Night has come over the garden. Gather the dew, mind the bats, the wasps and the spider, and light every '
+        'lantern before the day breaks.')
 
 
 def firefly():

@@ -9,8 +9,8 @@ TAG_BORDER = '#2A3266'
 ANGLE = -12
 TITLE = 'MISTRAL'
 LINES = ('One engine, two wings,', 'four winds.')
-TEXT = ('The wind has taken the lighthouse keepers\' letters. Fly low over the swell, loop around the clouds '
-        'and bring them home between dawn and dark.')
+TEXT = ('Gulls, balloons, lanterns and storms come down the wind. Fire, loop and roll from the first light into the '
+        'night: each hour of the day brings more of everything.')
 
 
 def plane():

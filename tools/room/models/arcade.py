@@ -162,7 +162,7 @@ def bezel_paint(s):
     out = np.maximum(np.abs(x) - 29.4, np.abs(y - 0.6) - 21.0)
     for k, tone in enumerate(('FFE15A', 'FF8A2E', 'E0365A', 'A02A9A')):
         rgb = mix(rgb, colour(tone), edge_band(np.abs(x), 31.2 + 1.5 * k, 32.4 + 1.5 * k, 0.25) * front * 0.85)
-    low = (y + slope / 2) / 3.6
+    low = (y + slope / 2) / 2.75
     card = front & (low > 0.12) & (low < 1) & (np.abs(x) < 29)
     text = soft(sample(pieces['card'], x / 58 + 0.5, 1 - (low - 0.12) / 0.88))
     rgb = np.where(card[:, None], text, rgb)
@@ -218,4 +218,4 @@ for x in (-INNER / 2 + 2.2, INNER / 2 - 2.2):
     for py in (40, 380):
         px = (x + INNER / 2) / INNER * 1024
         m.plain(cylinder(0.55, 0.35, 0.12, 12), (0.5, 0.5, 0.5), at=on_panel(px, py), turn=tilt, gloss=(0.7, 60, 0))
-m.build()
+m.build(rays=40)

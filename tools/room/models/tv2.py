@@ -1,7 +1,7 @@
 """The big set: a projection cabinet against the wall. Above y 203 only a thin board, for the moon that hangs there."""
 import numpy as np
 
-from art.solids import dark_glass, edge_band, glass, hull, loop
+from art.solids import dark_glass, edge_band, glass, hull, lettering, loop, printed
 from mesh import box, cylinder, prism
 from model import LACQUER, OUT, SATIN, Model
 from scene import LAMP, into
@@ -65,6 +65,9 @@ for side in (-1, 1):
         m.add(box(1.4, 36.4, 4.6, 0.3), standing, at=(side * 59.5 + k * 37.8, 25.0, FRONT - 3.2), gloss=SATIN, density=0.8)
 
 
+NAME = lettering('ombrelune')
+
+
 def controls(s):
     rgb = black(s)
     x, yy, _ = s.own.T
@@ -73,6 +76,7 @@ def controls(s):
     rgb = mix(rgb, colour('8A867C'), line * 0.7)
     for k in range(7):
         rgb = mix(rgb, colour('8A867C'), edge_band(x, -9.6 + 2.4 * k, -8.6 + 2.4 * k, 0.2) * edge_band(yy, -1.0, -0.7, 0.2) * front)
+    rgb = mix(rgb, colour('B9B4A8'), printed(NAME, x, yy - 12.6, 1.7) * front * 0.9)
     # A level display, unlit.
     shown = edge_band(x, -13, 13, 0.2) * edge_band(yy, 1.6, 7.2, 0.2) * front
     rgb = mix(rgb, colour('0C1416'), shown)

@@ -16,9 +16,10 @@ from texture import sample, step
 HEIGHT = 0.12
 
 
-def ground(m, fade=6.0, inner=0.35, rim=16.0, sides='xXzZ'):
+def ground(m, fade=6.0, inner=0.35, rim=16.0, sides='xXzZ', strips=None):
     """Adds the sheet to the Model. fade: how far from the border the shadow begins to end; rim: the width of the
-    border part that has full texels, the rest has `inner` of them. sides: the borders at which it fades."""
+    border part that has full texels, the rest has `inner` of them. sides: the borders at which it fades. strips: other
+    rectangles (x0, x1, z0, z1, density) than the whole box."""
     w, _, d = m.size
     data = np.asarray(Image.open(os.path.join(OUT, 'floor2.jpg')).convert('RGB'), float) / 255
 
@@ -36,14 +37,17 @@ def ground(m, fade=6.0, inner=0.35, rim=16.0, sides='xXzZ'):
         return rgb * (1 + keep * (1 / np.maximum(light, 0.02) - 1))[:, None] / m.brightness
 
     def piece(x0, x1, z0, z1, density):
-        columns, rows = max(2, int((x1 - x0) / 12) + 1), max(2, int((z1 - z0) / 12) + 1)
-        x, z = np.meshgrid(np.linspace(x0, x1, columns), np.linspace(z1, z0, rows))
-        points = np.stack([x, np.full(x.shape, HEIGHT), z], -1).reshape(-1, 3)
-        m.add(Mesh(points, grid_faces(columns, rows)), paint, density=density, returned=0.3)
+        # Long strips are cut, so that no chart outgrows a sheet.
+        for k in range(max(1, int((x1 - x0) / 105))):
+            n = max(1, int((x1 - x0) / 105))
+            left, right = x0 + (x1 - x0) * k / n, x0 + (x1 - x0) * (k + 1) / n
+            columns, rows = max(2, int((right - left) / 12) + 1), max(2, int((z1 - z0) / 12) + 1)
+            x, z = np.meshgrid(np.linspace(left, right, columns), np.linspace(z1, z0, rows))
+            points = np.stack([x, np.full(x.shape, HEIGHT), z], -1).reshape(-1, 3)
+            m.add(Mesh(points, grid_faces(columns, rows)), paint, density=density, returned=0.3)
 
     x, z = w / 2, d / 2
-    piece(-x, x, z - rim, z, 1.6)
-    piece(-x, x, -z, -z + rim * 0.5, 0.8)
-    piece(-x, -x + rim, -z + rim * 0.5, z - rim, 1.3)
-    piece(x - rim, x, -z + rim * 0.5, z - rim, 1.3)
-    piece(-x + rim, x - rim, -z + rim * 0.5, z - rim, inner)
+    for strip in strips or [(-x, x, z - rim, z, 1.6), (-x, x, -z, -z + rim * 0.5, 0.8),
+                            (-x, -x + rim, -z + rim * 0.5, z - rim, 1.3), (x - rim, x, -z + rim * 0.5, z - rim, 1.3),
+                            (-x + rim, x - rim, -z + rim * 0.5, z - rim, inner)]:
+        piece(*strip)

@@ -75,7 +75,7 @@ def cloud(p, octaves=4, seed=0, fall=0.5, period=None):
 
 
 # Woods: early wood, late wood, the pores' and the worn edge's colour.
-WALNUT = ('8A5A3A', '5B3722', '3A2114', 'B58A5E')
+WALNUT = ('7D5639', '543824', '352115', 'A98660')
 TEAK = ('A8713F', '7E4E28', '54311A', 'CFA06C')
 OAK = ('C79A5C', 'A57840', '7A5529', 'E0BE88')
 PINE = ('D9B277', 'B98B4C', '9A6E38', 'EBD2A2')
@@ -210,3 +210,18 @@ def filled(data, known):
         t = np.clip(weight, 0, 1)[..., None]
         colour_below = value + up * (1 - t)
     return colour_below
+
+
+def planks(paint, axis, width, gap=0.06, depth=0.55):
+    """A face glued up of boards: along the axis, every `width` units, the paint starts anew with a thin dark joint."""
+    def boards(s):
+        place = s.own[:, axis] / width
+        number = np.floor(place).astype(int)
+        rgb = np.zeros((len(place), 3))
+        for k in np.unique(number):
+            pick = number == k
+            part = Surface(*(a[pick] for a in (s.place, s.own, s.normal, s.uv, s.sky, s.lamp, s.edge)), s.seed * 64 + int(k) % 64)
+            rgb[pick] = paint(part)
+        near = (0.5 - np.abs(place - number - 0.5)) * width
+        return rgb * (1 - depth * (1 - step(gap * 0.5, gap * 3, near)))[:, None]
+    return boards

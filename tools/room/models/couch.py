@@ -4,13 +4,13 @@ import numpy as np
 import scene
 from ground import ground
 from mesh import Mesh, box, curve, cushion, cylinder, pillow, rounded_outline, sheet, tube
-from model import LACQUER, MATT, Model
+from model import LACQUER, Model
 from texture import WALNUT, cloud, colour, mix, noise, step, weave, wood
 
-TEAL = weave('1E6A70', '175259', threads=2.6, contrast=0.20, nap=0.10)
-SEAM = weave('1B6067', '154A50', threads=2.6, contrast=0.15, nap=0.05, worn=0.8)
+TEAL = weave('1D5F66', '184E56', threads=1.15, contrast=0.10, nap=0.12)
+SEAM = weave('195058', '14424A', threads=1.15, contrast=0.08, nap=0.05, worn=0.8)
 
-m = Model('couch', size=(200, 70.347, 86), sheets=2, lamp=scene.lamp_for('couch'), brightness=1.5)
+m = Model('couch', size=(200, 70.347, 86), sheets=3, faint={'-y': 0.35, '-z': 0.4}, lamp=scene.lamp_for('couch'), brightness=1.5)
 
 
 def creased(amount, scale, seed):

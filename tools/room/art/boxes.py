@@ -6,7 +6,7 @@ import numpy as np
 from PIL import Image, ImageFilter
 
 from mesh import Mesh, box
-from model import OUT, SATIN, Model
+from model import OUT, Model
 
 PAPER = 'boxcover.jpg'
 

@@ -9,8 +9,7 @@ import os
 import paint
 import skywren
 from covers import MOON, svg
-from lettering import Word
-from shapes import gradient, halo, picture, rays, ridge
+from shapes import gradient, halo, rays, ridge
 
 SIDE = (620, 1024)
 MARQUEE = (1024, 240)

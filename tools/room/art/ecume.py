@@ -4,7 +4,7 @@ import math
 import random
 
 from lettering import Word
-from shapes import gradient, glints, halo, picture, radial, smooth, stars, wave
+from shapes import gradient, glints, halo, picture, smooth, stars, wave
 
 MACHINE = 'nes'
 COLOUR = '#F3EAD3'

@@ -4,7 +4,7 @@ import math
 import random
 
 from lettering import Word
-from shapes import gradient, halo, picture, radial, ridge, smooth, sparkle, stars
+from shapes import gradient, halo, picture, radial, ridge, sparkle, stars
 
 MACHINE = 'mastersystem'
 COLOUR = '#FF7A6B'

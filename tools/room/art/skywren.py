@@ -3,7 +3,7 @@
 import random
 
 from lettering import Word
-from shapes import gradient, glints, halo, picture, radial, rays, ridge, smooth, wave
+from shapes import gradient, glints, halo, picture, radial, rays, ridge
 
 MACHINE = 'arcade'
 COLOUR = '#FFB347'

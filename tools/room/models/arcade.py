@@ -9,7 +9,7 @@ import model
 sys.path.append(os.path.join(model.HERE, 'art'))
 import cabinet
 from art.solids import dark_glass, edge_band, glass, hull, loop
-from mesh import Mesh, box, curve, cylinder, lathe, prism, tube
+from mesh import Mesh, box, cylinder, lathe, prism
 from model import GLOSS, LACQUER, OUT, SATIN, Model
 from texture import cloud, colour, mix, noise, plastic, sample, step
 
@@ -60,24 +60,20 @@ for name, x, mirror in (('left', -W / 2 + BOARD / 2, False), ('right', W / 2 - B
           density=1.0)
 
 
-def strip(points, width, x=0.0, cuts=1):
+def strip(points, width, cuts=1):
     """A band of planes through (z, y) points, seen from the front and above, `width` wide; flat between the points."""
-    vertices, faces, uv, charts, along = [], [], [], [], 0.0
+    vertices, faces, uv, charts = [], [], [], []
     for k, ((za, ya), (zb, yb)) in enumerate(zip(points, points[1:])):
         length = np.hypot(zb - za, yb - ya)
         base = len(vertices)
-        for t, (z, y) in ((0, (za, ya)), (1, (zb, yb))):
-            for c in range(cuts + 1):
-                px = x - width / 2 + width * c / cuts
-                vertices.append((px, y, z))
+        for z, y in ((za, ya), (zb, yb)):
+            vertices += [(width * c / cuts - width / 2, y, z) for c in range(cuts + 1)]
         for c in range(cuts):
             a, b, d, e = base + c, base + c + 1, base + c + cuts + 2, base + c + cuts + 1
             faces += [[a, b, d], [a, d, e]]
             ua, ub = width * c / cuts, width * (c + 1) / cuts
-            lo, hi = (ua, along + length), (ub, along)
             uv += [[(ua, length), (ub, length), (ub, 0)], [(ua, length), (ub, 0), (ua, 0)]]
             charts += [k, k]
-        along += length
     return Mesh(np.array(vertices, float), faces, uv, charts)
 
 
@@ -159,7 +155,6 @@ def bezel_paint(s):
     rgb = black(s) * 0.55
     x, y = s.own[:, 0], s.own[:, 1]
     front = (s.normal[:, 2] > 0.8) & (s.own[:, 2] > -0.3)
-    out = np.maximum(np.abs(x) - 29.4, np.abs(y - 0.6) - 21.0)
     for k, tone in enumerate(('FFE15A', 'FF8A2E', 'E0365A', 'A02A9A')):
         rgb = mix(rgb, colour(tone), edge_band(np.abs(x), 31.2 + 1.5 * k, 32.4 + 1.5 * k, 0.25) * front * 0.85)
     low = (y + slope / 2) / 2.75
@@ -190,7 +185,7 @@ m.add(strip([HEAD, (31.5, 153.5)], INNER, cuts=4), grille, density=0.8)
 # The marquee: a lit box behind a bright frame.
 marquee = [(33.0, 156.2), (33.0, 175.6)]
 m.add(strip([(31.5, 153.5), (34.2, 154.6), (34.2, 156.2), (33.0, 156.2)], INNER), steel, gloss=SATIN, density=0.8)
-m.add(strip(marquee, INNER, cuts=8), shown(pieces['marquee'], INNER, marquee[1][1] - marquee[0][1], 1.25), gloss=(0.25, 40, 0.35),
+m.add(strip(marquee, INNER, cuts=8), shown(pieces['marquee'], INNER, marquee[1][1] - marquee[0][1], 1.45), gloss=(0.25, 40, 0.12),
       density=1.3, returned=0.6)
 m.add(strip([(33.0, 175.6), (34.2, 175.6), (34.2, 177.4), (31.0, 179.0)], INNER), steel, gloss=SATIN, density=0.8)
 m.add(strip([(31.0, 179.0), (-32, 179.0)], INNER), black, density=0.35)

@@ -2,9 +2,9 @@
 import numpy as np
 
 from art.solids import dark_glass, edge_band, glass, hull, lettering, loop, printed
-from mesh import Mesh, box, cylinder, prism
+from mesh import box, cylinder, prism
 from model import OUT, SATIN, Model
-from texture import colour, mix, noise, plastic
+from texture import colour, mix, plastic
 
 W, H, D = 20, 3, 11
 TOP = 2.5

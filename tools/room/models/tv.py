@@ -3,8 +3,8 @@ import numpy as np
 
 from art.solids import dark_glass, edge_band, glass, hull, lettering, loop, printed
 from mesh import box, cylinder
-from model import GLOSS, OUT, SATIN, Model
-from texture import cloud, colour, mix, noise, plastic, step
+from model import OUT, SATIN, Model
+from texture import cloud, colour, mix, noise, plastic
 
 W, H, D = 77, 82, 70
 FRONT = D / 2

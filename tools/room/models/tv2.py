@@ -5,7 +5,7 @@ from art.solids import dark_glass, edge_band, glass, hull, lettering, loop, prin
 from mesh import box, cylinder, prism
 from model import LACQUER, OUT, SATIN, Model
 from scene import LAMP, into
-from texture import WALNUT, cloud, colour, mix, noise, plastic, step, weave, wood
+from texture import WALNUT, colour, mix, plastic, weave, wood
 
 W, H, D = 200, 235.5, 18.5
 BACK, FRONT = -D / 2, D / 2

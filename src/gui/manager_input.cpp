@@ -2,7 +2,10 @@
 #include "gui/manager.h"
 
 #include <algorithm>
+#include <compare>
 #include <cstdlib>
+#include <optional>
+#include <utility>
 
 namespace {
 
@@ -92,56 +95,96 @@ void CGhostManager::FocusNextTabStop(bool backward) {
 
 namespace {
 
-struct CENTRE {
-    int64_t x;
-    int64_t y;
+// How far a target is from where the focus is, in a direction. The least is the nearest.
+struct DISTANCE {
+    bool beside = false; // farther to the side than ahead
+    int64_t gaps = 0;    // between the edges; to the side counts double
+    int64_t centres = 0; // for rectangles that overlap
+    auto operator<=>(const DISTANCE&) const = default;
 };
 
-// Twice the middle of a rectangle, so that it is whole.
-CENTRE TwiceCentre(const GUI_RECT& rect) {
-    return {2 * int64_t{rect.x} + rect.width, 2 * int64_t{rect.y} + rect.height};
+int64_t Gap(int64_t low, int64_t high, int64_t otherLow, int64_t otherHigh) {
+    return std::max<int64_t>({0, otherLow - high, low - otherHigh});
 }
 
-// How far a target is from where the focus is, in a direction; below 0 if it does not lie there. What
-// is off to the side counts for more than what is straight ahead.
-int64_t Distance(const GUI_RECT& from, const GUI_RECT& to, CGhostManager::Direction direction) {
-    constexpr int64_t kSideWeight = 3;
-    const CENTRE a = TwiceCentre(from);
-    const CENTRE b = TwiceCentre(to);
-    const bool sideways = direction == CGhostManager::Direction::kLeft ||
-                          direction == CGhostManager::Direction::kRight;
-    const bool backward =
-        direction == CGhostManager::Direction::kLeft || direction == CGhostManager::Direction::kUp;
-    const int64_t ahead = (sideways ? b.x - a.x : b.y - a.y) * (backward ? -1 : 1);
-    int64_t aside = std::abs(sideways ? b.y - a.y : b.x - a.x);
-    // Rectangles that overlap in the other axis lie straight ahead.
-    const bool overlap = sideways ? from.y < to.Bottom() && to.y < from.Bottom()
-                                  : from.x < to.Right() && to.x < from.Right();
-    if (overlap) {
-        aside /= kSideWeight * kSideWeight;
+// None for a target whose middle does not lie in that direction. What lies within 45 degrees goes first,
+// however far it is: so every control has a neighbour from which it is reached.
+std::optional<DISTANCE> Distance(const GUI_RECT& from, const GUI_RECT& to,
+                                 GUI_DIRECTION direction) {
+    const bool sideways = direction == GUI_DIRECTION::kLeft || direction == GUI_DIRECTION::kRight;
+    const bool backward = direction == GUI_DIRECTION::kLeft || direction == GUI_DIRECTION::kUp;
+    // Twice the way between the middles, so that it is whole.
+    const int64_t x = 2 * (int64_t{to.x} - from.x) + to.width - from.width;
+    const int64_t y = 2 * (int64_t{to.y} - from.y) + to.height - from.height;
+    const int64_t ahead = (sideways ? x : y) * (backward ? -1 : 1);
+    if (ahead <= 0) {
+        return std::nullopt;
     }
-    return ahead <= 0 ? -1 : ahead + kSideWeight * aside;
+    const int64_t gapX = Gap(from.x, from.Right(), to.x, to.Right());
+    const int64_t gapY = Gap(from.y, from.Bottom(), to.y, to.Bottom());
+    const int64_t gapAhead = sideways ? gapX : gapY;
+    const int64_t gapAside = sideways ? gapY : gapX;
+    return DISTANCE{gapAside > gapAhead, gapAhead + 2 * gapAside,
+                    ahead + std::abs(sideways ? y : x)};
 }
 
 } // namespace
 
-bool CGhostManager::MoveFocus(Direction direction) {
-    const std::scoped_lock hold(treeLock);
-    // Without a focus, as if it lay just outside the screen's upper left corner.
-    const bool hasFocus = focusWindow != nullptr && EffectivelyVisible(focusWindow);
-    const GUI_RECT from = hasFocus ? PlaceOnScreen(*focusWindow) : GUI_RECT{-2, -2, 1, 1};
-    const Direction way = hasFocus ? direction : Direction::kDown;
-    GHOSTMANAGER_WINDOW* nearest = nullptr;
-    int64_t least = 0;
-    for (GHOSTMANAGER_WINDOW* at = firstWindow; at != nullptr; at = Next(at)) {
-        if (at == focusWindow || !at->tabStop || !EffectivelyVisible(at) || !WithinModal(at) ||
-            ClipToAncestors(*at, {0, 0, at->width, at->height}).Empty()) {
+// Those that a controller may go to: seen in their middle or near a corner, not behind another window.
+std::vector<GHOSTMANAGER_WINDOW*> CGhostManager::SeenTabStops() const {
+    struct PLACED {
+        GHOSTMANAGER_WINDOW* window;
+        GUI_RECT seen;
+    };
+    std::vector<PLACED> windows; // front to back, as the mouse meets them
+    for (GHOSTMANAGER_WINDOW* at = FrontMost(); at != nullptr; at = NextBehind(at)) {
+        if (EffectivelyVisible(at) && WithinModal(at)) {
+            windows.push_back({at, ClipToAncestors(*at, {0, 0, at->width, at->height})});
+        }
+    }
+    const auto within = [](const GHOSTMANAGER_WINDOW* window, const GHOSTMANAGER_WINDOW* ancestor) {
+        while (window != nullptr && window != ancestor) {
+            window = window->parent;
+        }
+        return window != nullptr;
+    };
+    const auto seenAt = [&](const GHOSTMANAGER_WINDOW* window, int32_t x, int32_t y) {
+        const auto hit = std::find_if(windows.begin(), windows.end(), [&](const PLACED& placed) {
+            return placed.seen.Contains(x, y) && !within(placed.window, toolTipWindow);
+        });
+        return hit != windows.end() && within(hit->window, window);
+    };
+    std::vector<GHOSTMANAGER_WINDOW*> stops;
+    for (const PLACED& placed : windows) {
+        const GUI_RECT& seen = placed.seen;
+        if (!placed.window->tabStop || seen.Empty()) {
             continue;
         }
-        const int64_t distance = Distance(from, PlaceOnScreen(*at), way);
-        if (distance >= 0 && (nearest == nullptr || distance < least)) {
+        const int32_t right = seen.Right() - 1;
+        const int32_t bottom = seen.Bottom() - 1;
+        if (seenAt(placed.window, seen.x + seen.width / 2, seen.y + seen.height / 2) ||
+            seenAt(placed.window, seen.x, seen.y) || seenAt(placed.window, right, seen.y) ||
+            seenAt(placed.window, seen.x, bottom) || seenAt(placed.window, right, bottom)) {
+            stops.push_back(placed.window);
+        }
+    }
+    return stops;
+}
+
+bool CGhostManager::MoveFocus(Direction direction) {
+    const std::scoped_lock hold(treeLock);
+    const bool hasFocus = focusWindow != nullptr && EffectivelyVisible(focusWindow);
+    GHOSTMANAGER_WINDOW* nearest = nullptr;
+    DISTANCE least;
+    for (GHOSTMANAGER_WINDOW* const at : SeenTabStops()) {
+        const GUI_RECT place = PlaceOnScreen(*at);
+        // Without a focus the first one is what is nearest to the screen's upper left corner.
+        const std::optional<DISTANCE> distance =
+            hasFocus ? Distance(PlaceOnScreen(*focusWindow), place, direction)
+                     : DISTANCE{false, int64_t{place.x} + place.y, 0};
+        if (at != focusWindow && distance && (nearest == nullptr || *distance < least)) {
             nearest = at;
-            least = distance;
+            least = *distance;
         }
     }
     if (nearest == nullptr) {
@@ -202,19 +245,94 @@ bool CGhostManager::CancelFocus() {
     return AskFocus([](CGhostGUIHandler& handler) { return handler.OnCancelKey(); });
 }
 
-CGhostManager::INPUT_OWNERS CGhostManager::RememberInput() const {
+// ---- Taking the input for a while.
+
+bool CGhostManager::TakeInput(GHOSTMANAGER_WINDOW* window) {
     const std::scoped_lock hold(treeLock);
-    return {modalWindow != nullptr ? modalWindow->id : 0,
-            focusWindow != nullptr ? focusWindow->id : 0};
+    if (!Knows(window)) {
+        return false;
+    }
+    takers.push_back({window->id, modalWindow != nullptr ? modalWindow->id : 0, FocusId()});
+    HoverOn(nullptr); // what was pressed or hot comes to rest
+    return SetModal(window);
 }
 
-void CGhostManager::RestoreInput(const INPUT_OWNERS& owners) {
+uint32_t CGhostManager::FocusId() const {
     const std::scoped_lock hold(treeLock);
-    if (GHOSTMANAGER_WINDOW* const modal = WithId(owners.modal)) {
-        SetModal(modal);
+    return focusWindow != nullptr ? focusWindow->id : 0;
+}
+
+GHOSTMANAGER_WINDOW* CGhostManager::VisibleWithId(uint32_t id) const {
+    GHOSTMANAGER_WINDOW* const window = WithId(id);
+    return window != nullptr && EffectivelyVisible(window) ? window : nullptr;
+}
+
+// Null when there is none.
+GHOSTMANAGER_WINDOW* CGhostManager::FirstTabStop(GHOSTMANAGER_WINDOW* within) const {
+    for (GHOSTMANAGER_WINDOW* at = within; at != nullptr; at = Next(at)) {
+        if (at->depth <= within->depth && at != within) {
+            return nullptr; // beyond its last descendant
+        }
+        if (at->tabStop && EffectivelyVisible(at)) {
+            return at;
+        }
     }
-    if (GHOSTMANAGER_WINDOW* const focus = WithId(owners.focus)) {
-        FocusOn(focus);
+    return nullptr;
+}
+
+void CGhostManager::ReturnFocus(uint32_t id) {
+    const std::scoped_lock hold(treeLock);
+    GHOSTMANAGER_WINDOW* to = WithId(id);
+    const auto usable = [&] {
+        return to->surface != nullptr && EffectivelyVisible(to) && WithinModal(to);
+    };
+    while (to != nullptr && !usable()) {
+        to = to->parent != nullptr ? to->parent : to->owner;
+    }
+    if (to == nullptr && modalWindow != nullptr) {
+        to = FirstTabStop(modalWindow);
+        to = to != nullptr ? to : modalWindow;
+    }
+    if (to != nullptr && EffectivelyVisible(to)) {
+        FocusOn(to);
+    }
+}
+
+// To the window that was modal before, or else the last of the takers that is still seen.
+void CGhostManager::ReturnModality(uint32_t before) {
+    modalWindow = VisibleWithId(before);
+    for (size_t i = takers.size(); modalWindow == nullptr && i-- > 0;) {
+        modalWindow = VisibleWithId(takers[i].window);
+    }
+}
+
+// A window that is freed gives back what it took. If another took the input after it, that one now has to
+// return it to where this one got it from.
+void CGhostManager::ReturnInput(const GHOSTMANAGER_WINDOW& window) {
+    const auto taker = std::find_if(takers.begin(), takers.end(), [&](const INPUT_TAKER& row) {
+        return row.window == window.id;
+    });
+    if (taker == takers.end()) {
+        if (modalWindow == nullptr && !takers.empty()) {
+            ReturnModality(0);
+            if (focusWindow == nullptr) {
+                ReturnFocus(0);
+            }
+        }
+        return;
+    }
+    const INPUT_TAKER ended = *taker;
+    const auto above = takers.erase(taker);
+    if (above != takers.end()) {
+        above->modal = above->modal == ended.window ? ended.modal : above->modal;
+        above->focus = WithId(above->focus) == nullptr ? ended.focus : above->focus;
+    }
+    if (modalWindow == nullptr) {
+        ReturnModality(above == takers.end() ? ended.modal : 0);
+    }
+    // A window that was given the focus meanwhile keeps it if it may have it.
+    if (!Knows(focusWindow) || !EffectivelyVisible(focusWindow) || !WithinModal(focusWindow)) {
+        ReturnFocus(ended.focus);
     }
 }
 
@@ -242,21 +360,50 @@ void CGhostManager::DetectDoubleClick(GUI_INPUT_RECORD& record, bool& doubleClic
     lastClickButton = record.button;
 }
 
+namespace {
+
+// Keys that press and dismiss. Their repeats go only to the window that got the press, so that a held
+// Return does not close the box that it opens.
+bool BelongsToItsPress(GHOSTGUIKey key) {
+    return key == GHOSTGUIKey::kReturn || key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kEscape;
+}
+
+} // namespace
+
+void CGhostManager::KeyDownToFocus(GHOSTGUIKey key, bool repeat) {
+    const auto index = static_cast<size_t>(key);
+    bool elsewhere = false; // a repeat of a key that was pressed in another window
+    if (index < keyState.size()) {
+        keyState[index] = true;
+        keyPressedIn[index] = repeat ? keyPressedIn[index] : FocusId();
+        elsewhere = keyPressedIn[index] != FocusId();
+    }
+    if (focusWindow == nullptr) {
+        return;
+    }
+    if (key == GHOSTGUIKey::kTab && focusWindow->parent != nullptr) {
+        FocusNextTabStop(IsKeyDown(static_cast<uint32_t>(GHOSTGUIKey::kLeftShift)));
+    } else if (!elsewhere || !BelongsToItsPress(key)) {
+        QueueChain(focusWindow, [key](CGhostGUIHandler& handler) { handler.OnKeyDown(key); });
+    }
+}
+
+// A release goes to the window that got the press and to no other.
+void CGhostManager::KeyUpToFocus(GHOSTGUIKey key) {
+    const auto index = static_cast<size_t>(key);
+    if (index < keyState.size()) {
+        keyState[index] = false;
+        if (std::exchange(keyPressedIn[index], 0) != FocusId()) {
+            return;
+        }
+    }
+    QueueChain(focusWindow, [key](CGhostGUIHandler& handler) { handler.OnKeyUp(key); });
+}
+
 void CGhostManager::InputToFocus(GUI_INPUT_RECORD& record) {
     const auto key = static_cast<GHOSTGUIKey>(record.key);
-    const bool known = record.key >= 0 && static_cast<size_t>(record.key) < keyState.size();
     if (record.keyDown) {
-        if (known) {
-            keyState[static_cast<size_t>(record.key)] = true;
-        }
-        if (focusWindow != nullptr) {
-            if (key == GHOSTGUIKey::kTab && focusWindow->parent != nullptr) {
-                FocusNextTabStop(IsKeyDown(static_cast<uint32_t>(GHOSTGUIKey::kLeftShift)));
-            } else {
-                QueueChain(focusWindow,
-                           [key](CGhostGUIHandler& handler) { handler.OnKeyDown(key); });
-            }
-        }
+        KeyDownToFocus(key, record.repeat);
     }
     if (record.character != 0) {
         const auto character = static_cast<unsigned>(record.character);
@@ -264,10 +411,7 @@ void CGhostManager::InputToFocus(GUI_INPUT_RECORD& record) {
                    [character](CGhostGUIHandler& handler) { handler.OnChar(character); });
     }
     if (record.keyUp) {
-        if (known) {
-            keyState[static_cast<size_t>(record.key)] = false;
-        }
-        QueueChain(focusWindow, [key](CGhostGUIHandler& handler) { handler.OnKeyUp(key); });
+        KeyUpToFocus(key);
     }
     record.keyDown = record.keyUp = false;
     record.character = 0;

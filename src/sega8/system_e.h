@@ -13,6 +13,7 @@
 // Differs: docs/HARDWARE.md, "System E".
 #pragma once
 
+#include "facts/arcade_facts.h"
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
@@ -51,10 +52,6 @@ enum ArcadePort : uint8_t {
     kArcadePortPanelSelect = 0xFA // selects that value
 };
 
-// Board numbers of game records. 2, 3, 5, 6 and 7 have a joystick panel; the programs of 2, 5 and 6
-// are encrypted.
-enum ArcadeBoard : uint32_t { kBoardAnalog = 1, kBoardDial = 4 };
-
 // What a player holds down, a bit each. Coins and start buttons are in player 1's word.
 enum ArcadeInput : uint32_t {
     kArcadeUp = 1u << 0,
@@ -71,9 +68,9 @@ enum ArcadeInput : uint32_t {
 
 // The control panel and its input of this frame.
 struct ARCADE_PANEL {
-    uint32_t board = 3;
-    uint32_t inputP1 = 0; // ArcadeInput
-    uint32_t inputP2 = 0; // ArcadeInput; no port reads it
+    uint32_t board = kBoardJoystick; // ArcadeBoard
+    uint32_t inputP1 = 0;            // ArcadeInput
+    uint32_t inputP2 = 0;            // ArcadeInput; no port reads it
     uint8_t analogSelect = 0;
     uint8_t steering = 127;
     uint8_t throttle = 0;
@@ -113,7 +110,7 @@ public:
         return opcodeWindows[address >> 14][address & 0x3FFF];
     }
     // Frames by the plain loop, which ticks every chip on every clock; for tests of the fast loop.
-    void SetStepByStep(bool plain) { stepByStep = plain; }
+    void SetPlainLoop(bool plain) { plainLoop = plain; }
     // Runs the Z80 clocks that the other chips owe.
     void CatchUp(uint32_t clocks);
 
@@ -134,10 +131,10 @@ private:
     void ConnectChips();
     void RebuildMap();
     void ReadInput();
-    void RunClock(ARCADE_BUS& bus);
+    void TickChips(ARCADE_BUS& bus);
     void RunSound(uint32_t clocks);
-    void RunStepByStep();
-    void RunCatchingUp();
+    void RunFramePlain();
+    void RunFrameFast();
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
     template <typename Visit>
     void BoardFields(Visit& visit);
@@ -158,7 +155,7 @@ private:
     uint32_t opcodeOffset = 0;
     uint32_t irqLine = 0;   // by vdp2
     uint32_t irqUnread = 0; // by vdp1; not connected
-    bool stepByStep = false;
+    bool plainLoop = false;
     uint32_t psgPhase = 0; // in fifteenths of a PSG clock, 0..14
     uint8_t bankLatch = 0; // port 0xF7
     std::array<uint8_t, 0x4000> ram{};

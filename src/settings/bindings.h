@@ -69,11 +69,14 @@ struct INPUT_ACTION {
 [[nodiscard]] std::span<const INPUT_ACTION> InputActions();
 
 // The machine of each action, in the same order: 0 for the program's own, and a number below
-// `kInputOwners` for those whose names begin with a machine's.
+// `kInputOwners` for a machine's.
 inline constexpr uint32_t kInputOwners = 6;
 [[nodiscard]] std::span<const uint8_t> InputOwners();
 
-// Adds "INPUT " + name for every action: all with zeroes, then the defaults as primary binding.
+// The setting that holds an action's bindings: "INPUT " and its name.
+[[nodiscard]] std::wstring BindingSetting(const INPUT_ACTION& action);
+
+// Adds the setting of every action: all with zeroes, then the defaults as primary binding.
 void RegisterBindings(SettingsStore& store);
 
 // Whether one of the action's two bindings is down, or a control of a game controller that acts for it

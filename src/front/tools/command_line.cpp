@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "facts/machine_facts.h"
 #include "front/notices.h"
+#include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
 #include "front/version.h"
@@ -136,6 +137,10 @@ int Run(int argc, const char* const* argv) {
         app.add_subcommand("gallery", "How the program's controls look, to check a theme");
     galleryApp->add_option("--density", gallery.density, "Pixels to a unit")
         ->check(CLI::Range(0.5, 4.0));
+    galleryApp
+        ->add_option("--size", gallery.size, "The screen in pixels, instead of 1280 by 720 units")
+        ->type_name("WIDTH HEIGHT")
+        ->check(CLI::Range(640, 8192));
     galleryApp->add_option("--over", gallery.over, "Show a page over this running game")
         ->type_name("GAME");
     galleryApp->add_option("--page", gallery.page, "One page, from 1")->type_name("N");

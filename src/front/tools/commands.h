@@ -3,14 +3,12 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;
 inline constexpr int kExitUsage = 2;
-
-// One line on standard error, with the program's name before it.
-void Complain(const std::string& message);
 
 // Every action with its bindings, a line each: name, primary, secondary, separated by tabs.
 int ActionsCommand();
@@ -43,6 +41,7 @@ int BenchCommand(const BENCH_OPTIONS& options);
 // ends) or as PNG files.
 struct GALLERY_OPTIONS {
     double density = 1.0;             // pixels to a unit
+    std::pair<int, int> size;         // of the screen in pixels; 0: 1280 by 720 units
     std::string over;                 // a game that runs below the page, as `play` takes it
     size_t page = 0;                  // from 1; 0: the first, or with a screenshot all
     std::filesystem::path screenshot; // without a page, one file each, its number after the name

@@ -3,19 +3,19 @@
 #include "front/application.h"
 #include "front/demos.h"
 #include "front/notices.h"
+#include "front/run_settings.h"
 #include "front/session_callbacks.h"
+#include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/input_script.h"
 #include "front/tools/key_injector.h"
 #include "front/tools/latency_probe.h"
 #include "front/tools/media_files.h"
 #include "front/tools/play.h"
-#include "front/tools/run_settings.h"
 #include "front/tools/screenshots.h"
 #include "front/unread_notices.h"
 #include "host/battery_file.h"
 #include "host/session.h"
-#include "settings/bindings.h"
 
 #include <SDL.h>
 
@@ -43,18 +43,6 @@ const char* OptionForHeadless(const PLAY_OPTIONS& options) {
         return "--peek and --dump";
     }
     return nullptr;
-}
-
-bool FindAction(const std::string& name, size_t& index) {
-    const auto actions = InputActions();
-    for (index = 0; index < actions.size(); ++index) {
-        if (std::equal(name.begin(), name.end(), actions[index].name,
-                       actions[index].name + std::wcslen(actions[index].name),
-                       [](char a, wchar_t b) { return static_cast<wchar_t>(a) == b; })) {
-            return true;
-        }
-    }
-    return false;
 }
 
 class WindowRun {

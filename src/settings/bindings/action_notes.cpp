@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr SettingPrefix kInputPrefix{L"INPUT "};
 constexpr uint64_t kPointerTriggers = PointerTriggerBit(0) | PointerTriggerBit(1);
 
 std::array<uint32_t, 2> BindingsOf(const Setting& setting) {
@@ -49,8 +48,8 @@ BoundCodes RefreshActionNotes(const SettingsStore& store) {
         if (setting == nullptr) {
             continue;
         }
-        bool own =
-            false; // No default binding is a joystick's, so a joystick binding is the user's.
+        // No default binding is a joystick's, so a joystick binding is the user's own.
+        bool own = false;
         for (const uint32_t binding : BindingsOf(*setting)) {
             const uint32_t code = binding & 0xFFFF;
             own |= IsJoystickBinding(binding);

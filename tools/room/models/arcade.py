@@ -185,7 +185,7 @@ m.add(strip([HEAD, (31.5, 153.5)], INNER, cuts=4), grille, density=0.8)
 # The marquee: a lit box behind a bright frame.
 marquee = [(33.0, 156.2), (33.0, 175.6)]
 m.add(strip([(31.5, 153.5), (34.2, 154.6), (34.2, 156.2), (33.0, 156.2)], INNER), steel, gloss=SATIN, density=0.8)
-m.add(strip(marquee, INNER, cuts=8), shown(pieces['marquee'], INNER, marquee[1][1] - marquee[0][1], 1.45), gloss=(0.25, 40, 0.12),
+m.add(strip(marquee, INNER, cuts=8), shown(pieces['marquee'], INNER, marquee[1][1] - marquee[0][1], 1.45), gloss=(0.25, 40, 0.24),
       density=1.3, returned=0.6)
 m.add(strip([(33.0, 175.6), (34.2, 175.6), (34.2, 177.4), (31.0, 179.0)], INNER), steel, gloss=SATIN, density=0.8)
 m.add(strip([(31.0, 179.0), (-32, 179.0)], INNER), black, density=0.35)

@@ -8,8 +8,6 @@
 namespace {
 
 constexpr float kFieldOfView = 45.0f; // degrees, upright
-constexpr float kNear = 5.0f;
-constexpr float kFar = 1000.0f;
 constexpr float kWalkSpeed = 300.0f; // units a second
 constexpr float kSlowSpeed = 120.0f;
 constexpr float kStandstill = 0.000001f; // units a second
@@ -65,6 +63,11 @@ void CRoomCamera::SetAspect(float screenAspect) {
     aspect = std::isfinite(screenAspect) && screenAspect > 0.0f ? screenAspect : 1.0f;
 }
 
+void CRoomCamera::SetRange(float nearest, float farthest) {
+    nearPlane = nearest;
+    farPlane = farthest;
+}
+
 VECTOR3 CRoomCamera::Forward() const {
     const float level = std::cos(Radians(pitch));
     return {-std::sin(Radians(yaw)) * level, std::sin(Radians(pitch)),
@@ -116,9 +119,9 @@ MATRIX4 CRoomCamera::Projection() const {
     MATRIX4 m{};
     m[0] = height / aspect;
     m[5] = height;
-    m[10] = (kFar + kNear) / (kNear - kFar);
+    m[10] = (farPlane + nearPlane) / (nearPlane - farPlane);
     m[11] = -1.0f;
-    m[14] = 2.0f * kFar * kNear / (kNear - kFar);
+    m[14] = 2.0f * farPlane * nearPlane / (nearPlane - farPlane);
     return m;
 }
 
@@ -142,4 +145,13 @@ MATRIX4 CRoomCamera::View() const {
             -Dot(up, position),
             -Dot(back, position),
             1.0f};
+}
+
+// The inverse of projection and view: the depth gives the distance along the view, and that the two others.
+VECTOR3 CRoomCamera::Unproject(float x, float y, float depth) const {
+    const MATRIX4 projection = Projection();
+    const float distance = projection[14] / (2.0f * depth - 1.0f + projection[10]);
+    const float right = (2.0f * x - 1.0f) * distance / projection[0];
+    const float up = (1.0f - 2.0f * y) * distance / projection[5];
+    return position + Right() * right + Up() * up + Forward() * distance;
 }

@@ -36,14 +36,22 @@ public:
     [[nodiscard]] float Yaw() const { return yaw; }
     void TurnBy(float degreesOfYaw) { yaw += degreesOfYaw; }
 
-    [[nodiscard]] MATRIX4 Projection() const; // 45 degrees upright, near 5, far 1000
+    // Near 5 and far 1000 unless set otherwise.
+    void SetRange(float nearest, float farthest);
+    [[nodiscard]] MATRIX4 Projection() const; // 45 degrees upright
     [[nodiscard]] MATRIX4 View() const;
+
+    // The point that is seen at (x, y), both 0 to 1 from the top left, at this depth: 0 on the near plane, 1 on
+    // the far one, as the depth buffer counts.
+    [[nodiscard]] VECTOR3 Unproject(float x, float y, float depth) const;
 
 private:
     VECTOR3 position;
     float pitch = 0.0f;
     float yaw = 0.0f;
     float aspect = 16.0f / 9.0f;
+    float nearPlane = 5.0f;
+    float farPlane = 1000.0f;
     VECTOR3 acceleration{2500.0f, 2500.0f, 2500.0f};
     VECTOR3 speed{400.0f, 400.0f, 400.0f};
     VECTOR3 velocity;

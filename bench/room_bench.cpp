@@ -76,13 +76,19 @@ struct ROOM {
     }
 };
 
-void DrawRoom(benchmark::State& state, size_t televisions, bool lamp, bool lighting) {
+enum class From : uint8_t { kCorner, kWall };
+
+void DrawRoom(benchmark::State& state, size_t televisions, bool lamp, bool lighting,
+              From from = From::kCorner) {
     ROOM room;
     if (!room.Start(televisions)) {
         state.SkipWithError("no OpenGL");
         return;
     }
     Settings().SetBool(L"app_lighting", lighting);
+    if (from == From::kWall) {
+        room.camera.SetUp(static_cast<float>(kWide) / kHigh, {300, 130, 650}, {300, 130, 800});
+    }
     room.Frame(lamp);
     for (auto _ : state) {
         room.Frame(lamp);
@@ -106,5 +112,7 @@ BENCHMARK_CAPTURE(DrawRoom, WithoutLighting, 0, false, false)->Apply(Measured);
 BENCHMARK_CAPTURE(DrawRoom, NoLight, 0, false, true)->Apply(Measured);
 BENCHMARK_CAPTURE(DrawRoom, Lamp, 0, true, true)->Apply(Measured);
 BENCHMARK_CAPTURE(DrawRoom, FiveLights, 4, true, true)->Apply(Measured);
+BENCHMARK_CAPTURE(DrawRoom, WallWithLamp, 0, true, true, From::kWall)->Apply(Measured);
+BENCHMARK_CAPTURE(DrawRoom, WallWithFiveLights, 4, true, true, From::kWall)->Apply(Measured);
 
 } // namespace

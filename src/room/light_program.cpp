@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::array<float, 4> kAmbient{0.5f, 0.5f, 0.5f, 1.0f};
+constexpr float kAmbient = 0.5f;
 constexpr std::array<float, 4> kLampColour{0.6f, 0.6f, 0.6f, 1.0f};
 constexpr std::array<float, 4> kLampSpecular{0.5f, 0.5f, 0.5f, 1.0f};
 constexpr float kLampLinear = 0.00005f;
@@ -246,7 +246,7 @@ void LightProgram::WriteLight(const ROOM_LIGHT& light, const LIGHT_PLACES& place
     write4(places.color, light.color, written.color);
     write4(places.specular, light.specular, written.specular);
     write4(places.pos, light.pos, written.pos);
-    write4(places.ambient, light.ambient, written.ambient);
+    write1(places.ambient, light.ambient, written.ambient);
     write4(places.direction, light.direction, written.direction);
     write1(places.spotCosCutoff, light.spotCosCutoff, written.spotCosCutoff);
     write1(places.spotBall, light.spotBall, written.spotBall);

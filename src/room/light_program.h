@@ -33,7 +33,7 @@ struct ROOM_LIGHT {
     std::array<float, 4> color{};
     std::array<float, 4> specular{};
     std::array<float, 4> pos{};
-    std::array<float, 4> ambient{};
+    float ambient = 0.0f; // of all three channels
     std::array<float, 4> direction{};
     float spotCosCutoff = 0.0f;
     float spotBall = 0.0f;

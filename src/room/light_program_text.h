@@ -25,7 +25,7 @@ struct Lights {
     vec4 color;
     vec4 specular;
     vec4 pos;
-    vec4 ambient;
+    float ambient; // of all three channels
     vec4 direction;
     float spotCosCutoff;
     float spotBall;
@@ -37,30 +37,29 @@ struct Lights {
 uniform Lights lights[LIGHTS];
 #endif
 
+// No vector is normalised that need not be: a product with one is divided by its length instead.
 void AddLight(Lights source, bool spot, float factor, vec3 N, vec3 E, inout vec3 light,
               inout vec3 gloss) {
     vec3 lightDir = source.pos.xyz - worldPos;
     float square = dot(lightDir, lightDir);
-    float d = sqrt(square);
-    vec3 L = lightDir / d;
+    float inverse = inversesqrt(square);
+    float d = square * inverse;
     float att = factor / (source.constantAttenuation + source.linearAttenuation * d +
                           source.quadraticAttenuation * square);
-    float lambert = max(dot(N, L), 0.0);
+    float lambert = max(dot(N, lightDir) * inverse, 0.0);
     float direct = lambert * att;
     float shine = att;
     if (spot) {
-        bool outside = dot(-L, source.direction.xyz) <= source.spotCosCutoff;
-        bool beyond = outside && d > source.spotBall;
-        float boost = outside ? 5.0 : 1.0;
-        vec3 dim = source.ambient.rgb * clamp(att * 4.0, 0.0, 0.2);
-        light += source.color.rgb * (beyond ? dim : vec3(direct * boost));
+        bool outside = -dot(lightDir, source.direction.xyz) * inverse <= source.spotCosCutoff;
+        float around = d > source.spotBall ? source.ambient * min(att * 4.0, 0.2) : direct * 5.0;
+        light += source.color.rgb * (outside ? around : direct);
         shine = outside ? 0.0 : att;
     } else {
-        light += source.ambient.rgb * att + source.color.rgb * direct;
+        light += source.color.rgb * direct + source.ambient * att;
     }
 #if GLOSSY
-    vec3 R = reflect(-L, N);
-    float mirror = abs(pow(max(dot(R, E), 0.0), gl_FrontMaterial.shininess));
+    vec3 R = N * (2.0 * dot(N, lightDir)) - lightDir;
+    float mirror = abs(pow(max(dot(R, E) * inverse, 0.0), gl_FrontMaterial.shininess));
     gloss += source.specular.rgb * (lambert > 0.0 ? mirror * shine : 0.0);
 #endif
 }

@@ -1,19 +1,22 @@
 // The room of boxes at 1280 by 720, on whatever driver there is: a frame with no light, one and five.
 //
 // Triangles are as many as in the furnished room. Times include the driver's work (glFinish).
-#include "room/room_renderer.h"
-
 #include "display/gl.h"
 #include "room/room_camera.h"
 #include "room/room_objects.h"
+#include "room/room_renderer.h"
 #include "room/room_scene.h"
 #include "settings/settings.h"
-#include "support/gl_context.h"
 
+#include "support/gl_context.h"
 #include <GL/gl.h>
 #include <SDL_video.h>
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,9 +28,23 @@ constexpr uint32_t kHigh = 720;
 constexpr uint32_t kAcross = 320;
 constexpr uint32_t kDown = 240;
 
+// The files of the folder that OMBRELUNE_OBJECTS names, or boxes.
+RoomFiles Furniture() {
+    const char* const folder = std::getenv("OMBRELUNE_OBJECTS");
+    if (folder == nullptr) {
+        return RoomOfBoxes(25, 512);
+    }
+    RoomFiles files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        std::ifstream file(entry.path(), std::ios::binary);
+        files[entry.path().filename()].assign(std::istreambuf_iterator<char>(file), {});
+    }
+    return files;
+}
+
 struct ROOM {
     GlContext context{kWide, kHigh};
-    RoomFiles files = RoomOfBoxes(25, 512);
+    RoomFiles files = Furniture();
     CRoomObjects objects;
     RoomRenderer renderer;
     CRoomCamera camera;

@@ -126,17 +126,17 @@ struct BOX_FILE {
 };
 
 constexpr BOX_FILE kBoxes[] = {
-    {"coffeetable", 200, 49,      80,    0xFF9A6A42, 0xFF8A5A36, false, false},
-    {"couch",       200, 70.347f, 86,    0xFF3C9A9A, 0xFF348888, false, false},
-    {"tvunit",      500, 70,      137,   0xFF8A5A3A, 0xFF7A4E30, false, false},
-    {"tv",          77,  82,      70,    0xFF606068, 0xFF505058, true,  false},
-    {"tv2",         200, 235.5f,  18.5f, 0xFF404048, 0xFF383840, true,  false},
-    {"gamegear",    20,  3,       11,    0xFF505058, 0xFF484850, true,  true },
-    {"arcade",      85,  180,     109,   0xFFC05030, 0xFFA04028, true,  false},
-    {"lightfixture",40,  30,      40,    0xFFFFF0D0, 0xFFF0E0C0, false, false},
-    {"ombrelune",   45,  45,      4,     0xFFF3EAD3, 0xFFE0D8C0, false, false},
-    {"smsbox",      72,  103,     11,    0xFFB0B0B8, 0xFFA0A0A8, true,  false},
-    {"ggbox",       72,  100,     10,    0xFFB0B0B8, 0xFFA0A0A8, true,  false},
+    {"coffeetable",  200, 49,      80,    0xFF9A6A42, 0xFF8A5A36, false, false},
+    {"couch",        200, 70.347f, 86,    0xFF3C9A9A, 0xFF348888, false, false},
+    {"tvunit",       500, 70,      137,   0xFF8A5A3A, 0xFF7A4E30, false, false},
+    {"tv",           77,  82,      70,    0xFF606068, 0xFF505058, true,  false},
+    {"tv2",          200, 235.5f,  18.5f, 0xFF404048, 0xFF383840, true,  false},
+    {"gamegear",     20,  3,       11,    0xFF505058, 0xFF484850, true,  true },
+    {"arcade",       85,  180,     109,   0xFFC05030, 0xFFA04028, true,  false},
+    {"lightfixture", 40,  30,      40,    0xFFFFF0D0, 0xFFF0E0C0, false, false},
+    {"ombrelune",    45,  45,      4,     0xFFF3EAD3, 0xFFE0D8C0, false, false},
+    {"smsbox",       72,  103,     11,    0xFFB0B0B8, 0xFFA0A0A8, true,  false},
+    {"ggbox",        72,  100,     10,    0xFFB0B0B8, 0xFFA0A0A8, true,  false},
 };
 
 Bytes BoxFile(const BOX_FILE& box, uint32_t cells) {
@@ -156,14 +156,16 @@ MeshBytes Box(float width, float height, float depth, const std::array<std::stri
     const float w = width / 2;
     const float h = height / 2;
     const float d = depth / 2;
-    const std::array<std::array<Corner, 4>, 6> sides = {{
-        {{{-w, -d, -h}, {w, -d, -h}, {w, -d, h}, {-w, -d, h}}},
-        {{{w, d, -h}, {-w, d, -h}, {-w, d, h}, {w, d, h}}},
-        {{{w, -d, -h}, {w, d, -h}, {w, d, h}, {w, -d, h}}},
-        {{{-w, d, -h}, {-w, -d, -h}, {-w, -d, h}, {-w, d, h}}},
-        {{{-w, -d, h}, {w, -d, h}, {w, d, h}, {-w, d, h}}},
-        {{{-w, d, -h}, {w, d, -h}, {w, -d, -h}, {-w, -d, -h}}},
-    }};
+    const std::array<std::array<Corner, 4>, 6> sides = {
+        {
+         {{{-w, -d, -h}, {w, -d, -h}, {w, -d, h}, {-w, -d, h}}},
+         {{{w, d, -h}, {-w, d, -h}, {-w, d, h}, {w, d, h}}},
+         {{{w, -d, -h}, {w, d, -h}, {w, d, h}, {w, -d, h}}},
+         {{{-w, d, -h}, {-w, -d, -h}, {-w, -d, h}, {-w, d, h}}},
+         {{{-w, -d, h}, {w, -d, h}, {w, d, h}, {-w, d, h}}},
+         {{{-w, d, -h}, {w, d, -h}, {w, -d, -h}, {-w, -d, -h}}},
+         }
+    };
     MeshBytes mesh;
     for (size_t i = 0; i < sides.size(); ++i) {
         AddSide(mesh, sides[i], materials[i], cells);

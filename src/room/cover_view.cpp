@@ -55,7 +55,8 @@ void CoverView::PlaceCamera() {
         aim = PlaceOf(zoomed);
         distance = DistanceFor(kCellWidth, kCellHeight, aspect);
     } else {
-        const auto rows = static_cast<float>(std::max<size_t>((count + kColumns - 1) / kColumns, 1));
+        const auto rows =
+            static_cast<float>(std::max<size_t>((count + kColumns - 1) / kColumns, 1));
         aim = {kColumns * kCellWidth / 2.0f, kCellHeight - rows * kCellHeight / 2.0f, 0.0f};
         distance = DistanceFor(kColumns * kCellWidth, rows * kCellHeight, aspect);
     }
@@ -85,10 +86,10 @@ void CoverView::Update(float seconds) {
 }
 
 size_t CoverView::SlotAt(int32_t x, int32_t y) const {
-    const VECTOR3 point = camera.Unproject(
-        (static_cast<float>(x) + 0.5f) / static_cast<float>(viewWidth),
-        (static_cast<float>(y) + 0.5f) / static_cast<float>(viewHeight),
-        kFar / (kFar - kNear) - kFar * kNear / (kFar - kNear) / distance);
+    const VECTOR3 point =
+        camera.Unproject((static_cast<float>(x) + 0.5f) / static_cast<float>(viewWidth),
+                         (static_cast<float>(y) + 0.5f) / static_cast<float>(viewHeight),
+                         kFar / (kFar - kNear) - kFar * kNear / (kFar - kNear) / distance);
     for (size_t i = 0; i < count; ++i) {
         if (slots[i].kind == kNoCover) {
             continue;

@@ -24,7 +24,9 @@ struct BOX_SIZE {
     float height;
 };
 // By kind: a Master System box and a Game Gear box.
-inline constexpr std::array<BOX_SIZE, 2> kBoxSizes = {{{72.0f, 103.0f}, {72.0f, 100.0f}}};
+inline constexpr std::array<BOX_SIZE, 2> kBoxSizes = {
+    {{72.0f, 103.0f}, {72.0f, 100.0f}}
+};
 
 class CoverView {
 public:

@@ -38,9 +38,11 @@ LOOKED_AT LookAt(const CRoomObjects& objects, const CRoomCamera& camera) {
     if (object == nullptr || !object->type->isScreen) {
         return {};
     }
-    return {object->id,
-            object->on,
-            object->direction,
-            {object->x + object->type->width / 2.0f, kFocusHeight,
-             object->z + object->type->depth / 2.0f}};
+    return {
+        object->id,
+        object->on,
+        object->direction,
+        {object->x + object->type->width / 2.0f, kFocusHeight,
+                     object->z + object->type->depth / 2.0f}
+    };
 }

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr float kFieldOfView = 45.0f; // degrees, upright
-constexpr float kWalkSpeed = 300.0f; // units a second
+constexpr float kWalkSpeed = 300.0f;  // units a second
 constexpr float kSlowSpeed = 120.0f;
 constexpr float kStandstill = 0.000001f; // units a second
 constexpr float kLookFactor = 0.2f;      // degrees a pixel

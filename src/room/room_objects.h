@@ -38,11 +38,11 @@ struct CRoomObjectType {
     bool isScreen = false;
 
     // Of a screen: the light that its picture casts.
-    VECTOR3 lightOffset;        // from the object's corner
-    VECTOR3 direction;          // the way that the screen faces
-    float ball = 0.0f;          // radius around the light within which it shines to all sides
-    float cutoffAngle = 0.0f;   // degrees from the direction
-    float falloff = 0.0f;       // lessens the quadratic attenuation
+    VECTOR3 lightOffset;      // from the object's corner
+    VECTOR3 direction;        // the way that the screen faces
+    float ball = 0.0f;        // radius around the light within which it shines to all sides
+    float cutoffAngle = 0.0f; // degrees from the direction
+    float falloff = 0.0f;     // lessens the quadratic attenuation
     uint32_t flickerModulus = 0;
     float brightness = 0.0f;       // of the picture itself
     float flickerAmplitude = 0.0f; // 0 for a screen that does not flicker
@@ -104,7 +104,9 @@ public:
     // Newest first: the order of drawing, picking and looking for what lies under an object.
     [[nodiscard]] const std::vector<std::unique_ptr<CRoomObject>>& All() const { return objects; }
     // Object ids by slot; 0 in an empty one.
-    [[nodiscard]] const std::array<uint32_t, kTelevisionSlots>& Televisions() const { return televisions; }
+    [[nodiscard]] const std::array<uint32_t, kTelevisionSlots>& Televisions() const {
+        return televisions;
+    }
 
     // The session's newest picture becomes the object's; the object is on.
     void Attach(uint32_t id, const SESSION_PICTURE& session);

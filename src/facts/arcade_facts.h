@@ -6,6 +6,12 @@
 
 #include "facts/machine_facts.h"
 
+#include <cstdint>
+
+// Board numbers of game records. 2, 3, 5, 6 and 7 have a joystick panel; the programs of 2, 5 and 6
+// are encrypted.
+enum ArcadeBoard : uint32_t { kBoardAnalog = 1, kBoardJoystick = 3, kBoardDial = 4 };
+
 inline constexpr std::wstring_view kArcadeConsoleActions[] = {
     L"Arcade Insert Coin1", L"Arcade Insert Coin2", L"Arcade Start1", L"Arcade Start2"};
 inline constexpr std::wstring_view kArcadePlayerActions[kMachinePlayers][10] = {

@@ -14,6 +14,8 @@ enum SmsConsole : uint8_t {
     kSmsJapanese = 16,
     kMarkIii = 32
 };
+inline constexpr uint8_t kSmsEveryConsole =
+    kSms1Pal | kSms2Pal | kSms1Ntsc | kSms2Ntsc | kSmsJapanese | kMarkIii;
 
 enum class PadDevice : uint8_t {
     kJoypad = 1, // also for 0 and every unknown number

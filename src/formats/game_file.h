@@ -83,15 +83,17 @@ struct MACHINE_RECORD {
     uint8_t bytes[24];
 };
 
+enum SmsFeature : uint8_t { kSmsFeatureGlasses = 1, kSmsFeatureFm = 2 };
+
 struct SMS_RECORD {
     char tag[4]; // "SMS0"
     uint32_t reserved4;
-    uint8_t features; // bit 0: 3D glasses, bit 1: FM sound
+    uint8_t features; // SmsFeature bits
     uint8_t reserved9[3];
     uint32_t input1; // device preset of port 1, in the low byte
     uint32_t input2;
     uint16_t board;   // cartridge board kind
-    uint8_t consoles; // bits of the consoles it is for
+    uint8_t consoles; // bits of the consoles it is for, as SmsConsole has them
     uint8_t kind;     // 3: a console BIOS
 };
 static_assert(sizeof(SMS_RECORD) == 24);

@@ -4,13 +4,13 @@
 #include "base/random.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
+#include "front/game_screen.h"
 #include "front/notices.h"
+#include "front/opened_game.h"
 #include "front/processor_binder.h"
 #include "front/program_title.h"
+#include "front/run_settings.h"
 #include "front/session_callbacks.h"
-#include "front/tools/commands.h"
-#include "front/tools/play.h"
-#include "front/tools/run_settings.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
@@ -22,11 +22,11 @@
 #include <SDL.h>
 
 #include <cstring>
+#include <utility>
 
 namespace {
 
-constexpr int64_t kSecond = 1000000;          // microseconds
-constexpr int64_t kPointerAims = 3 * kSecond; // without a mouse move keys aim again
+constexpr int64_t kSecond = 1000000; // microseconds
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
@@ -71,7 +71,9 @@ bool Application::Start(std::string& error) {
     sound.Start(Now());
     InstallSessionCallbacks();
     InputSetActiveKey(kFrontTelevision);
-    InputSetWalkingRoom(false);
+    ShowGame();
+    ChangeScreen();
+    HandInputOver();
     SoundSetRoomVisible(false);
     pacer.Start(window.FollowsDisplay(), Now());
     started = true;
@@ -104,28 +106,93 @@ bool Application::StartSdl(std::string& error) {
 }
 
 bool Application::Round() {
-    window.TellSize(pump);
+    ChangeScreen();
+    HandInputOver();
     const PUMP_EVENTS events = pump.Pump();
     if (events.quit) {
         return false;
     }
     sound.Watch(events, Now());
     RunCommands(events);
+    PlayDroppedFiles(events);
+    const bool screenNews = UpdateScreen(events);
+    StopEndedGame();
+    KeepBatteries();
+    const bool overlayNews = UpdateOverlays(events);
+    if (events.windowChanged || screenNews || overlayNews) {
+        pacer.NoteNews();
+    }
+    DrawOrWait();
+    pacer.EndRound(Now());
+    return true;
+}
+
+void Application::ChangeScreen() {
+    if (nextScreen != nullptr) {
+        screen.reset(); // the two are not there together
+        screen = std::move(nextScreen);
+        pacer.NoteNews();
+    }
+}
+
+// Before the events are read, so that all of them reach the same owner.
+void Application::HandInputOver() {
+    const bool toScreen = screen->WantsInput();
+    InputSetWalkingRoom(toScreen);
+    Window::CaptureMouse(toScreen);
+    window.TellSize(pump);
+}
+
+void Application::RunCommands(const PUMP_EVENTS& events) {
+    for (const ProgramCommand command : events.commands) {
+        RunCommand(command);
+    }
+}
+
+void Application::RunCommand(ProgramCommand command) {
+    static constexpr const char* kScalerNotices[] = {"No scaler", "Scaler: edges, 2x",
+                                                     "Scaler: edges, 4x", "Scaler: soft, 4x"};
+    switch (command) {
+    case ProgramCommand::kToggleStatistics: view.statistics = !view.statistics; break;
+    case ProgramCommand::kToggleCrop:
+        view.crop = !view.crop;
+        PostNotice(view.crop ? "Visible window" : "Whole picture");
+        break;
+    case ProgramCommand::kToggleCeilingLight: ceilingLight = !ceilingLight; break;
+    case ProgramCommand::kToggleLinear:
+        view.linear = !view.linear;
+        PostNotice(view.linear ? "Smooth pixels" : "Sharp pixels");
+        break;
+    case ProgramCommand::kNextScaler:
+        view.scaler = static_cast<PictureScaler>((static_cast<uint32_t>(view.scaler) + 1) & 3);
+        PostNotice(kScalerNotices[static_cast<size_t>(view.scaler)]);
+        break;
+    case ProgramCommand::kToggleFullScreen:
+        window.ToggleFullScreen();
+        pacer.NoteNews();
+        break;
+    }
+}
+
+void Application::PlayDroppedFiles(const PUMP_EVENTS& events) {
     for (const std::string& path : events.dropped) {
         PlayDroppedFile(path);
     }
-    const bool screenNews = gameScreen->Update({events, pump.Mouse(), Now()});
-    lightGun.Aim({televisions.Picture(InputActiveKey()), View().crop, window.PixelWidth(),
-                  window.PixelHeight()},
-                 pump.Mouse(), Now() - gameScreen->MouseMoved() < kPointerAims);
-    const bool pictureNews = televisions.Upload(InputActiveKey(), View().scaler);
-    StopEndedGame();
-    KeepBatteries();
-    const bool textNews = overlay.Update(Target(), View().statistics, pacer.RateText(), Now());
+}
+
+bool Application::UpdateScreen(const PUMP_EVENTS& events) {
+    const bool screenNews = screen->Update({events, pump.Mouse(), Target(), Now()});
+    const bool pictureNews = televisions.Upload(InputActiveKey(), view.scaler);
+    return screenNews || pictureNews;
+}
+
+bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
+    const bool textNews = overlay.Update(Target(), view.statistics, pacer.RateText(), Now());
     const bool guiNews = gui.Update(events, Target(), Now());
-    if (events.windowChanged || screenNews || pictureNews || textNews || guiNews) {
-        pacer.NoteNews();
-    }
+    return textNews || guiNews;
+}
+
+void Application::DrawOrWait() {
     if (pacer.WantsDrawing(window.IsVisible())) {
         Draw();
         window.Swap();
@@ -133,73 +200,18 @@ bool Application::Round() {
     } else {
         FramePacer::Wait(window.IsVisible());
     }
-    pacer.EndRound(Now());
-    return true;
+}
+
+void Application::Show(std::unique_ptr<Screen> next) {
+    nextScreen = std::move(next);
+}
+
+void Application::ShowGame() {
+    Show(std::make_unique<GameScreen>(televisions, view, lightGun));
 }
 
 DRAW_TARGET Application::Target() const {
     return {window.PixelWidth(), window.PixelHeight()};
-}
-
-std::span<const Application::COMMAND> Application::Commands() {
-    static constexpr COMMAND kCommands[] = {
-        {ProgramCommand::kToggleStatistics,   "Statistics",    &Application::ToggleStatistics  },
-        {ProgramCommand::kToggleCrop,         "Whole Picture", &Application::ToggleCrop        },
-        {ProgramCommand::kToggleCeilingLight, "Ceiling Light", &Application::ToggleCeilingLight},
-        {ProgramCommand::kToggleLinear,       "Smooth Pixels", &Application::ToggleLinear      },
-        {ProgramCommand::kNextScaler,         "Next Scaler",   &Application::NextScaler        },
-        {ProgramCommand::kToggleFullScreen,   "Full Screen",   &Application::ToggleFullScreen  },
-    };
-    static_assert(std::size(kCommands) == kProgramCommands);
-    return kCommands;
-}
-
-void Application::RunCommands(const PUMP_EVENTS& events) {
-    for (const ProgramCommand wanted : events.commands) {
-        for (const COMMAND& command : Commands()) {
-            if (command.action == wanted) {
-                (this->*command.handler)();
-            }
-        }
-    }
-}
-
-void Application::ToggleStatistics() {
-    GAME_VIEW view = View();
-    view.statistics = !view.statistics;
-    SetView(view);
-}
-
-void Application::ToggleCrop() {
-    GAME_VIEW view = View();
-    view.crop = !view.crop;
-    SetView(view);
-    PostNotice(view.crop ? "Visible window" : "Whole picture");
-}
-
-void Application::ToggleCeilingLight() {
-    ceilingLight = !ceilingLight;
-}
-
-void Application::ToggleLinear() {
-    GAME_VIEW view = View();
-    view.linear = !view.linear;
-    SetView(view);
-    PostNotice(view.linear ? "Smooth pixels" : "Sharp pixels");
-}
-
-void Application::NextScaler() {
-    static constexpr const char* kNames[] = {"No scaler", "Scaler: edges, 2x", "Scaler: edges, 4x",
-                                             "Scaler: soft, 4x"};
-    GAME_VIEW view = View();
-    view.scaler = static_cast<PictureScaler>((static_cast<uint32_t>(view.scaler) + 1) & 3);
-    SetView(view);
-    PostNotice(kNames[static_cast<size_t>(view.scaler)]);
-}
-
-void Application::ToggleFullScreen() {
-    window.ToggleFullScreen();
-    pacer.NoteNews();
 }
 
 void Application::StopEndedGame() {
@@ -218,9 +230,11 @@ void Application::KeepBatteries() {
 }
 
 void Application::Draw() {
-    gameScreen->Draw(Target());
+    const DRAW_TARGET target = Target();
+    screen->Draw(target);
+    Ortho2D(target.width, target.height); // the screen may have drawn in another projection
     gui.Draw();
-    overlay.Draw(Target());
+    overlay.Draw(target);
 }
 
 bool Application::Play(const OPENED_GAME& opened, std::string& error) {
@@ -243,11 +257,9 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
 }
 
 void Application::PlayDroppedFile(const std::string& path) {
-    PLAY_OPTIONS options;
-    options.game = path;
     OPENED_GAME opened;
     std::string error;
-    if (OpenForPlay(options, opened, error) != kExitDone || !Play(opened, error)) {
+    if (!OpenForPlaying(path, nullptr, opened, error) || !Play(opened, error)) {
         PostReport(error);
         return;
     }
@@ -290,7 +302,10 @@ void Application::Stop() {
 void Application::Release() {
     sound.Stop(); // first: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
-    // The room's objects go here.
+    nextScreen.reset();
+    screen.reset();
+    Window::CaptureMouse(false);
+    InputSetWalkingRoom(false);
     gui.End();
     televisions.End();
     overlay.End();

@@ -1,7 +1,8 @@
 // Application: the windowed program, from start to stop.
 //
-// It owns the window, the joysticks, the sound device, the pictures of all sessions and the text over
-// them, and installs the host's callbacks (session_callbacks.h). One game fills the window.
+// It owns the window, the joysticks, the sound device, the pictures of all sessions, the screen that shows
+// them, and the toolkit's windows and the text over it, and installs the host's callbacks
+// (session_callbacks.h). The first screen is that of one game.
 //
 // Thread: the main thread alone; one Application at a time.
 // Order: Start, any number of rounds, Stop. A game may be started and turned off between rounds.
@@ -11,11 +12,12 @@
 
 #include "front/event_pump.h"
 #include "front/frame_pacer.h"
-#include "front/game_screen.h"
+#include "front/game_view.h"
 #include "front/gui_overlay.h"
 #include "front/joysticks.h"
 #include "front/light_gun.h"
 #include "front/program_commands.h"
+#include "front/screen.h"
 #include "front/sound_output.h"
 #include "front/status_overlay.h"
 #include "front/televisions.h"
@@ -23,7 +25,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -65,46 +66,49 @@ public:
     [[nodiscard]] std::vector<uint32_t> ReadWindow();
     [[nodiscard]] const Window& MainWindow() const { return window; }
 
-    // How the picture is shown; keys change it as well.
-    void SetView(const GAME_VIEW& wanted) { gameScreen->SetView(wanted); }
-    [[nodiscard]] const GAME_VIEW& View() const { return gameScreen->View(); }
+    // Shows another screen, or the game's again, from the next round on. Between Start and Stop; the screen that
+    // is shown may call it too.
+    void Show(std::unique_ptr<Screen> next);
+    void ShowGame();
+
+    // How games are shown; keys change it as well. A change takes effect with the next round.
+    void SetView(const GAME_VIEW& wanted) { view = wanted; }
+    [[nodiscard]] const GAME_VIEW& View() const { return view; }
 
     [[nodiscard]] const GuiOverlay& Gui() const { return gui; }
 
 private:
-    struct COMMAND {
-        ProgramCommand action;
-        const char* name;
-        void (Application::*handler)();
-    };
-    [[nodiscard]] static std::span<const COMMAND> Commands();
-
-    void Release();
     [[nodiscard]] bool StartSdl(std::string& error);
+    void Release();
+
+    // The steps of a round. Those that return a bool say whether the window must be drawn again.
+    void ChangeScreen();
+    void HandInputOver();
     void RunCommands(const PUMP_EVENTS& events);
-    void PlayDroppedFile(const std::string& path);
+    void PlayDroppedFiles(const PUMP_EVENTS& events);
+    [[nodiscard]] bool UpdateScreen(const PUMP_EVENTS& events);
     void StopEndedGame();
     void KeepBatteries();
+    [[nodiscard]] bool UpdateOverlays(const PUMP_EVENTS& events);
+    void DrawOrWait();
+
+    void RunCommand(ProgramCommand command);
+    void PlayDroppedFile(const std::string& path);
     void Draw();
     [[nodiscard]] DRAW_TARGET Target() const;
-
-    void ToggleStatistics();
-    void ToggleCrop();
-    void ToggleCeilingLight();
-    void ToggleLinear();
-    void NextScaler();
-    void ToggleFullScreen();
 
     Window window;
     Joysticks joysticks;
     SoundOutput sound;
     EventPump pump{joysticks};
     Televisions televisions;
-    std::unique_ptr<GameScreen> gameScreen = std::make_unique<GameScreen>(televisions);
+    GAME_VIEW view;
+    LightGun lightGun;
+    std::unique_ptr<Screen> screen;     // from Start to Stop
+    std::unique_ptr<Screen> nextScreen; // for the next round; null: the same
     StatusOverlay overlay;
     GuiOverlay gui;
     FramePacer pacer;
-    LightGun lightGun;
     std::string title;
     bool started = false;
     bool playing = false;

@@ -23,9 +23,9 @@ int32_t Scale(int32_t value, int32_t from, int32_t to) {
     return static_cast<int32_t>((product + half) / from);
 }
 
-// A record goes to the current owner of mouse and keys, the toolkit or the room.
+// A record goes to the current owner of mouse and keys, the toolkit or the screen.
 void AddRecord(PUMP_EVENTS& events, const GUI_INPUT& record) {
-    (InputWalkingRoom() ? events.room : events.gui).push_back(record);
+    (InputWalkingRoom() ? events.screen : events.gui).push_back(record);
 }
 
 // The character of a key: the library's key code, unless the key has none.

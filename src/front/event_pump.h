@@ -52,13 +52,13 @@ struct GUI_INPUT {
 // The events of one round.
 struct PUMP_EVENTS {
     bool quit = false; // the window was closed, or the system asks the program to end
-    std::vector<ProgramCommand>
-        commands;                     // of the program's own keys, in the order of their presses
+    // Of the program's own keys, in the order of their presses.
+    std::vector<ProgramCommand> commands;
     bool windowChanged = false;       // resized, exposed or restored: to be drawn again
     uint32_t outputGone = 0;          // number of an open audio output that was lost; 0: none
     std::vector<std::string> dropped; // files dropped on the window, paths in UTF-8
     std::vector<GUI_INPUT> gui;       // for the toolkit
-    std::vector<GUI_INPUT> room; // the same while the user walks the room; the toolkit gets none
+    std::vector<GUI_INPUT> screen;    // for the screen, while it wants them; the toolkit gets none
 };
 
 struct MOUSE_STATE {

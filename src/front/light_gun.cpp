@@ -3,7 +3,7 @@
 #include "display/full_screen.h"
 #include "display/session_picture.h"
 #include "front/event_pump.h"
-#include "front/tools/play.h"
+#include "front/opened_game.h"
 #include "machine/emu_system.h"
 #include "machines/machine_options.h"
 #include "settings/pad_defaults.h"
@@ -69,6 +69,13 @@ void LightGun::Aim(const SHOWN_PICTURE& shown, const MOUSE_STATE& mouse, bool in
     for (size_t player = 0; player < players.size(); ++player) {
         gPointers[player] = players[player] ? pointer : 0;
         InputPointerTrigger(static_cast<uint32_t>(player), players[player] && trigger);
+    }
+}
+
+void LightGun::LetGo() {
+    for (size_t player = 0; player < std::size(gPointers); ++player) {
+        gPointers[player] = 0;
+        InputPointerTrigger(static_cast<uint32_t>(player), false);
     }
 }
 

@@ -1,6 +1,6 @@
 #include "front/notices.h"
 
-#include "front/tools/commands.h"
+#include "front/terminal.h"
 #include "host/host_data.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The commands of the window's fixed keys, which cannot be bound to anything else.
 //
-// The pump finds the commands of a round in this table, in the order of their presses; Application has
-// the table of their handlers.
+// The pump finds the commands of a round in this table, in the order of their presses; Application runs
+// them.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,6 @@ enum class ProgramCommand : uint8_t {
     kNextScaler,
     kToggleFullScreen,
 };
-inline constexpr uint32_t kProgramCommands = 6;
 
 struct PROGRAM_KEY {
     uint32_t scancode; // of the USB HID tables

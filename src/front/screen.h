@@ -1,8 +1,14 @@
-// Screen: what fills the window. One screen is shown at a time; Application gives it the input of every
-// round and draws it when something on it has changed.
+// Screen: what fills the window, below the toolkit's windows and the lines of text. Application shows one
+// screen at a time, hands it the input of every round, and draws it when something has changed.
 //
-// Thread: main, with the OpenGL context current.
-// Units: mouse positions and sizes in pixels of the drawing surface.
+// A screen gets what it shows when it is made: Televisions for the pictures of sessions, GAME_VIEW for how
+// to show them.
+//
+// Thread: main, with the OpenGL context current, from its making to its end.
+// Order: any number of Update, each before the Draw that shows what it changed. A screen ends when another
+//   is shown, or before the window closes.
+// Units: mouse positions and sizes in pixels of the drawing surface. A screen that has positions of its own
+//   scales them with the target, as the toolkit does.
 #pragma once
 
 #include <cstdint>
@@ -10,15 +16,17 @@
 struct MOUSE_STATE;
 struct PUMP_EVENTS;
 
-struct SCREEN_INPUT {
-    const PUMP_EVENTS& events; // of this round
-    const MOUSE_STATE& mouse;
-    int64_t now; // microseconds of the host's clock
-};
-
 struct DRAW_TARGET {
     uint32_t width;
     uint32_t height;
+};
+
+// One round.
+struct SCREEN_INPUT {
+    const PUMP_EVENTS& events; // the screen's own input is in `events.screen`
+    const MOUSE_STATE& mouse;
+    DRAW_TARGET target; // what the next Draw gets, unless the window changes its size
+    int64_t now;        // microseconds of the host's clock
 };
 
 class Screen {
@@ -34,6 +42,8 @@ public:
     // Draws the whole target.
     virtual void Draw(const DRAW_TARGET& target) = 0;
 
-    // Whether the screen uses keys and mouse itself. If not, they go to the machine.
+    // Whether keys and mouse belong to the screen alone, from the next round on: as while the user walks
+    // in a room. Then the mouse is captured, so that only its moves count, and neither a machine nor a
+    // window of the toolkit gets any input. Otherwise all of it goes to both.
     [[nodiscard]] virtual bool WantsInput() const = 0;
 };

@@ -149,6 +149,12 @@ void Window::ToggleFullScreen() {
     SDL_SetWindowFullscreen(window, full ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
 }
 
+void Window::CaptureMouse(bool capture) {
+    if ((SDL_GetRelativeMouseMode() == SDL_TRUE) != capture) {
+        SDL_SetRelativeMouseMode(capture ? SDL_TRUE : SDL_FALSE);
+    }
+}
+
 void Window::Swap() {
     glFinish();
     SDL_GL_SwapWindow(window);

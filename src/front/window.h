@@ -40,6 +40,8 @@ public:
 
     void SetTitle(const std::string& title);
     void ToggleFullScreen();
+    // A captured mouse has no cursor and does not leave the window; only its moves count.
+    static void CaptureMouse(bool capture);
 
     // Finishes the drawing and shows it; with vertical sync it waits for the retrace.
     void Swap();

@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "facts/machine_facts.h"
+#include "formats/default_records.h"
 #include "formats/packing.h"
 
 #include <algorithm>
@@ -55,18 +56,11 @@ std::vector<uint8_t> Deinterleave(std::span<const uint8_t> image) {
 }
 
 MACHINE_RECORD DefaultMachineRecord(uint16_t system) {
-    MACHINE_RECORD record{};
     if (system == kSystemMasterSystem) {
-        SMS_RECORD sms{};
-        std::memcpy(sms.tag, "SMS0", sizeof sms.tag);
-        sms.input1 = 1;
-        sms.input2 = 1;
-        sms.board = 1;
-        sms.consoles = 63;
-        std::memcpy(record.bytes, &sms, sizeof sms);
-    } else {
-        std::memcpy(record.bytes, "GDF0", 4);
+        return ToMachineRecord(DefaultSmsRecord());
     }
+    MACHINE_RECORD record{};
+    std::memcpy(record.bytes, "GDF0", 4);
     return record;
 }
 

@@ -31,8 +31,6 @@ void PutGain(OptionBlock& options, size_t at, const wchar_t* setting) {
 
 // A Master System game's record names the FM chip, the glasses and the devices.
 void TakeSmsRecord(const CGameFile& game, OptionBlock& block) {
-    constexpr uint8_t kGlassesFeature = 1;
-    constexpr uint8_t kFmFeature = 2;
     MACHINE_RECORD record{};
     SMS_RECORD sms{};
     if (!game.SelectedMachineRecord(record)) {
@@ -44,8 +42,8 @@ void TakeSmsRecord(const CGameFile& game, OptionBlock& block) {
     }
     SMS_OPTIONS options{};
     std::memcpy(&options, block.data(), sizeof options);
-    options.fmChip = (sms.features & kFmFeature) != 0 ? 1 : 0;
-    options.glasses = (sms.features & kGlassesFeature) != 0 ? 1 : 0;
+    options.fmChip = (sms.features & kSmsFeatureFm) != 0 ? 1 : 0;
+    options.glasses = (sms.features & kSmsFeatureGlasses) != 0 ? 1 : 0;
     options.devices[0] = static_cast<uint8_t>(sms.input1);
     options.devices[1] = static_cast<uint8_t>(sms.input2);
     std::memcpy(block.data(), &options, sizeof options);

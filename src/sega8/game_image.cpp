@@ -1,6 +1,6 @@
 #include "sega8/game_image.h"
 
-#include "formats/game_file.h"
+#include "formats/default_records.h"
 
 #include <cstring>
 
@@ -22,12 +22,7 @@ Record RecordOf(const CGameFile& game, const char* tag, const Record& fallback) 
 } // namespace
 
 SMS_RECORD SmsRecordOf(const CGameFile& game) {
-    SMS_RECORD record{};
-    record.input1 = 1;
-    record.input2 = 1;
-    record.board = 1;
-    record.consoles = 63;
-    return RecordOf(game, "SMS0", record);
+    return RecordOf(game, "SMS0", DefaultSmsRecord());
 }
 
 GAG_RECORD GearRecordOf(const CGameFile& game) {
@@ -38,7 +33,5 @@ GAG_RECORD GearRecordOf(const CGameFile& game) {
 }
 
 ARC_RECORD ArcadeRecordOf(const CGameFile& game) {
-    ARC_RECORD record{};
-    record.board = 3; // a joystick with two buttons, not encrypted
-    return RecordOf(game, "ARC0", record);
+    return RecordOf(game, "ARC0", DefaultArcadeRecord());
 }

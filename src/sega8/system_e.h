@@ -13,6 +13,7 @@
 // Differs: docs/HARDWARE.md, "System E".
 #pragma once
 
+#include "facts/arcade_facts.h"
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
@@ -51,10 +52,6 @@ enum ArcadePort : uint8_t {
     kArcadePortPanelSelect = 0xFA // selects that value
 };
 
-// Board numbers of game records. 2, 3, 5, 6 and 7 have a joystick panel; the programs of 2, 5 and 6
-// are encrypted.
-enum ArcadeBoard : uint32_t { kBoardAnalog = 1, kBoardDial = 4 };
-
 // What a player holds down, a bit each. Coins and start buttons are in player 1's word.
 enum ArcadeInput : uint32_t {
     kArcadeUp = 1u << 0,
@@ -71,9 +68,9 @@ enum ArcadeInput : uint32_t {
 
 // The control panel and its input of this frame.
 struct ARCADE_PANEL {
-    uint32_t board = 3;
-    uint32_t inputP1 = 0; // ArcadeInput
-    uint32_t inputP2 = 0; // ArcadeInput; no port reads it
+    uint32_t board = kBoardJoystick; // ArcadeBoard
+    uint32_t inputP1 = 0;            // ArcadeInput
+    uint32_t inputP2 = 0;            // ArcadeInput; no port reads it
     uint8_t analogSelect = 0;
     uint8_t steering = 127;
     uint8_t throttle = 0;

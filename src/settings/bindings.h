@@ -69,7 +69,7 @@ struct INPUT_ACTION {
 [[nodiscard]] std::span<const INPUT_ACTION> InputActions();
 
 // The machine of each action, in the same order: 0 for the program's own, and a number below
-// `kInputOwners` for those whose names begin with a machine's.
+// `kInputOwners` for a machine's.
 inline constexpr uint32_t kInputOwners = 6;
 [[nodiscard]] std::span<const uint8_t> InputOwners();
 

@@ -107,7 +107,7 @@ TEST_F(EventPumpTest, ARoundWithoutEventsBringsNothing) {
     const PUMP_EVENTS events = pump.Pump();
     EXPECT_FALSE(events.quit || events.windowChanged || events.outputGone != 0);
     EXPECT_TRUE(events.commands.empty());
-    EXPECT_TRUE(events.dropped.empty() && events.gui.empty() && events.room.empty());
+    EXPECT_TRUE(events.dropped.empty() && events.gui.empty() && events.screen.empty());
 }
 
 TEST_F(EventPumpTest, AKeyIsDownFromItsPressToItsRelease) {
@@ -404,9 +404,9 @@ TEST_F(EventPumpTest, WhileTheUserWalksTheRoomTheToolkitGetsNothing) {
     Text("a");
     const PUMP_EVENTS events = pump.Pump();
     EXPECT_TRUE(events.gui.empty());
-    ASSERT_EQ(events.room.size(), 6u);
-    EXPECT_EQ(events.room[0].dx, 7);
-    EXPECT_EQ(events.room[1].wheel, -1);
+    ASSERT_EQ(events.screen.size(), 6u);
+    EXPECT_EQ(events.screen[0].dx, 7);
+    EXPECT_EQ(events.screen[1].wheel, -1);
 }
 
 TEST_F(EventPumpTest, TheMouseIsWhereItWasLastSeen) {

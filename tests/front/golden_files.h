@@ -8,6 +8,8 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,41 @@ inline std::vector<std::string> GoldenNames() {
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+// A picture and its sound, as a line of hashes has them: number, width, height, picture, pairs, sound. "-" where
+// nothing is said.
+using GOLDEN_LINE = std::array<std::string, 6>;
+
+struct GOLDEN_CASE {
+    std::vector<std::string> settings; // "name=value"
+    std::vector<GOLDEN_LINE> lines;
+};
+
+inline std::vector<GOLDEN_LINE> ReadGoldenLines(std::istream& text) {
+    std::vector<GOLDEN_LINE> lines;
+    for (GOLDEN_LINE line;
+         text >> line[0] >> line[1] >> line[2] >> line[3] >> line[4] >> line[5];) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+inline GOLDEN_CASE ReadGoldenCase(const std::string& name) {
+    std::ifstream file(kGoldenFolder / (name + ".txt"));
+    GOLDEN_CASE what;
+    std::string line;
+    while (std::getline(file, line) && line.starts_with('#')) {
+    }
+    std::istringstream words(line);
+    std::string word;
+    words >> word;
+    EXPECT_EQ(word, "options") << name;
+    while (words >> word) {
+        what.settings.push_back(word);
+    }
+    what.lines = ReadGoldenLines(file);
+    return what;
 }
 
 // The state itself, unpacked.

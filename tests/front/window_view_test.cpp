@@ -264,9 +264,6 @@ TEST_F(WindowTest, FunctionKeysChangeTheView) {
     EXPECT_TRUE(application.View().statistics);
     ASSERT_TRUE(RunFrames(application, 70));
     EXPECT_GT(textRows(), 100) << "two lines of text";
-    InputSetWalkingRoom(true);
-    tap(SDL_SCANCODE_F2);
-    EXPECT_TRUE(application.View().statistics) << "not while the user walks the room";
 }
 
 TEST_F(WindowTest, TheStatusLinesAreAtTheirPlaces) {

@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "facts/machine_facts.h"
 #include "front/demos.h"
+#include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
 #include "host/aligned_block.h"
@@ -92,7 +93,6 @@ bool Measure(const DEMO& demo, double seconds, BENCH_RESULT& result) {
         Complain(std::string(demo.name) + ": cannot be opened");
         return false;
     }
-    opened.options = DefaultMachineOptions(opened.game);
     BenchRun run(opened);
     if (!run.Started()) {
         Complain(std::string(demo.name) + ": " + EmuLastError());

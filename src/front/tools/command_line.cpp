@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "facts/machine_facts.h"
 #include "front/notices.h"
+#include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
 #include "front/version.h"

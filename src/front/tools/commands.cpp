@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "facts/machine_facts.h"
 #include "formats/game_file.h"
+#include "front/terminal.h"
 #include "library/convert.h"
 #include "library/game_source.h"
 #include "settings/bindings.h"
@@ -22,16 +23,6 @@ namespace {
 std::string SystemText(uint16_t system) {
     const MACHINE_FACTS* entry = FindMachineFacts(system);
     return entry != nullptr ? entry->name : "unknown (" + std::to_string(system) + ")";
-}
-
-// Control characters of a name must not reach the terminal.
-std::string Printable(std::string_view text) {
-    std::wstring wide = WideFromUtf8(text);
-    for (wchar_t& c : wide) {
-        const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
-        c = control ? L'?' : c;
-    }
-    return Utf8FromWide(wide);
 }
 
 void ShowImage(const FOUND_IMAGE& image) {
@@ -160,10 +151,6 @@ bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& 
 }
 
 } // namespace
-
-void Complain(const std::string& message) {
-    std::fprintf(stderr, "ombrelune: %s\n", Printable(message).c_str());
-}
 
 int ActionsCommand() {
     for (const INPUT_ACTION& action : InputActions()) {

@@ -9,9 +9,6 @@ inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;
 inline constexpr int kExitUsage = 2;
 
-// One line on standard error, with the program's name before it.
-void Complain(const std::string& message);
-
 // Every action with its bindings, a line each: name, primary, secondary, separated by tabs.
 int ActionsCommand();
 

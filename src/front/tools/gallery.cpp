@@ -8,6 +8,7 @@
 #include "front/gui_overlay.h"
 #include "front/joysticks.h"
 #include "front/session_callbacks.h"
+#include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/gallery_pages.h"
 #include "front/tools/gallery_parts.h"

@@ -2,6 +2,7 @@
 #include "base/files.h"
 #include "base/random.h"
 #include "formats/sha256.h"
+#include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/input_script.h"
 #include "front/tools/media_files.h"

@@ -2,6 +2,7 @@
 
 #include "base/random.h"
 #include "front/application.h"
+#include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/key_injector.h"
 #include "host/host_data.h"

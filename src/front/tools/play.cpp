@@ -1,18 +1,12 @@
 #include "front/tools/play.h"
 
-#include "base/audio_rate.h"
 #include "front/demos.h"
+#include "front/run_settings.h"
+#include "front/terminal.h"
 #include "front/tools/commands.h"
-#include "front/tools/run_settings.h"
-#include "host/machine_list.h"
-#include "library/convert.h"
 #include "library/game_source.h"
 
-#include <cstring>
-
 namespace {
-
-constexpr std::string_view kDemoPrefix = "demo:";
 
 // One NAME=VALUE: a machine option, the board of an arcade image, or a setting.
 int ApplySetting(const std::string& text, OPENED_GAME& opened, std::string& error) {
@@ -59,64 +53,22 @@ std::string RegionsHelp() {
 
 } // namespace
 
-bool OpenDemo(const std::string& name, OPENED_GAME& opened) {
-    for (const DEMO& demo : Demos()) {
-        if (demo.name != name) {
-            continue;
-        }
-        MACHINE_RECORD record{};
-        if (demo.system == kSystemArcade) {
-            constexpr uint32_t kJoystickBoard = 3;
-            ARC_RECORD arcade{};
-            arcade.board = kJoystickBoard;
-            std::memcpy(record.bytes, &arcade, sizeof arcade);
-        } else if (demo.system == kSystemMasterSystem) {
-            constexpr uint8_t kFmFeature = 2;
-            SMS_RECORD sms{};
-            sms.features = kFmFeature;
-            sms.input1 = 1;
-            sms.input2 = 1;
-            sms.board = 1;
-            sms.consoles = 63;
-            std::memcpy(record.bytes, &sms, sizeof sms);
-        }
-        const bool built = BuildKnownGame(demo.system, demo.title, demo.image, record, opened.game);
-        opened.game.selectedName = 0;
-        opened.title = demo.title;
-        return built;
-    }
-    return false;
-}
-
 int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& error) {
     const MACHINE_FACTS* system =
         options.machine.empty() ? nullptr : FindMachineFacts(std::string_view(options.machine));
-    if (options.game.starts_with(kDemoPrefix)) {
-        if (!OpenDemo(options.game.substr(kDemoPrefix.size()), opened)) {
-            error = options.game + ": no such demo; play --help lists them";
-            return kExitFailed;
-        }
-    } else if (!OpenGame(options.game, system, opened.game, opened.title, error)) {
+    if (!OpenForPlaying(options.game, system, opened, error)) {
         return kExitFailed;
     }
     const uint16_t number = opened.game.Header().system;
     if (!options.bios.empty() && !OpenBios(options.bios, FindMachineFacts(number), opened, error)) {
         return kExitFailed;
     }
-    opened.options = DefaultMachineOptions(opened.game);
     for (const std::string& setting : options.settings) {
         if (const int code = ApplySetting(setting, opened, error); code != kExitDone) {
             return code;
         }
     }
     TakeMachineSettings(number, opened.options);
-    if (EmuFindMachine(number) == nullptr) {
-        const MACHINE_FACTS* entry = FindMachineFacts(number);
-        error = options.game + ": is a game of the " +
-                (entry != nullptr ? entry->name : "system " + std::to_string(number)) +
-                ", and that machine is not built in";
-        return kExitFailed;
-    }
     return kExitDone;
 }
 

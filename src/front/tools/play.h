@@ -1,8 +1,7 @@
 // `ombrelune play`: one game at once.
 #pragma once
 
-#include "formats/game_file.h"
-#include "machines/machine_options.h"
+#include "front/opened_game.h"
 
 #include <cstdint>
 #include <string>
@@ -27,21 +26,9 @@ struct PLAY_OPTIONS {
     std::string latencyAction;      // in the window: measure this action's latency, and end
 };
 
-// A game opened for playing, with its options.
-struct OPENED_GAME {
-    CGameFile game;
-    CGameFile bios;
-    bool hasBios = false;
-    std::string title;
-    OptionBlock options{};
-};
-
 // Opens the game and the BIOS, and applies the settings for this run. Returns an exit code; unless it
 // is kExitDone, `error` is one line that says why.
 [[nodiscard]] int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& error);
-
-// Opens one of our own games. False for an unknown name.
-[[nodiscard]] bool OpenDemo(const std::string& name, OPENED_GAME& opened);
 
 int PlayCommand(const PLAY_OPTIONS& options);
 

@@ -49,8 +49,8 @@ BoundCodes RefreshActionNotes(const SettingsStore& store) {
         if (setting == nullptr) {
             continue;
         }
-        bool own =
-            false; // No default binding is a joystick's, so a joystick binding is the user's.
+        // No default binding is a joystick's, so a joystick binding is the user's own.
+        bool own = false;
         for (const uint32_t binding : BindingsOf(*setting)) {
             const uint32_t code = binding & 0xFFFF;
             own |= IsJoystickBinding(binding);

@@ -154,47 +154,39 @@ constexpr INPUT_ACTION kInputActions[] = {
 };
 // clang-format on
 
-// The prefix of a machine's action names.
-constexpr std::array<std::wstring_view, kInputOwners - 1> kMachinePrefixes = {
-    L"NES ", L"Arcade ", L"SMS ", L"MEGADRIVE ", L"GG "};
+// The machines in the order of their rows above.
+constexpr std::array<const MACHINE_FACTS*, kInputOwners - 1> kMachines = {
+    &kNesFacts, &kArcadeFacts, &kSmsFacts, &kMdFacts, &kGearFacts};
 
-constexpr std::array<uint8_t, std::size(kInputActions)> MakeOwners() {
-    std::array<uint8_t, std::size(kInputActions)> owners{};
-    for (size_t action = 0; action < owners.size(); ++action) {
-        for (size_t machine = 0; machine < kMachinePrefixes.size(); ++machine) {
-            if (std::wstring_view(kInputActions[action].name)
-                    .starts_with(kMachinePrefixes[machine])) {
-                owners[action] = static_cast<uint8_t>(machine + 1);
+struct OWNERS {
+    std::array<uint8_t, std::size(kInputActions)> ofAction{};
+    bool everyActionHasItsRow = false;
+};
+
+// A machine's rows are its actions in the order of its facts. It polls them by these names: one without
+// a row here would never be down.
+constexpr OWNERS FindOwners() {
+    OWNERS owners;
+    size_t row = kProgramActions;
+    for (size_t machine = 0; machine < kMachines.size(); ++machine) {
+        const MACHINE_FACTS& facts = *kMachines[machine];
+        for (const auto names :
+             {facts.consoleActions, facts.playerActions[0], facts.playerActions[1]}) {
+            for (const std::wstring_view name : names) {
+                if (row == std::size(kInputActions) || name != kInputActions[row].name) {
+                    return owners;
+                }
+                owners.ofAction[row] = static_cast<uint8_t>(machine + 1);
+                ++row;
             }
         }
     }
+    owners.everyActionHasItsRow = row == std::size(kInputActions);
     return owners;
 }
 
-constexpr auto kInputOwnersOfActions = MakeOwners();
-
-// The next rows of the table are this machine's actions, in their order.
-constexpr bool NamesActionsOf(const MACHINE_FACTS& machine, size_t& row) {
-    for (const auto names :
-         {machine.consoleActions, machine.playerActions[0], machine.playerActions[1]}) {
-        for (const std::wstring_view name : names) {
-            if (row == std::size(kInputActions) || name != kInputActions[row].name) {
-                return false;
-            }
-            ++row;
-        }
-    }
-    return true;
-}
-
-// A machine polls its actions by these names; one without a row here would never be down.
-constexpr bool NamesEveryMachinesActions() {
-    size_t row = kProgramActions;
-    return NamesActionsOf(kNesFacts, row) && NamesActionsOf(kArcadeFacts, row) &&
-           NamesActionsOf(kSmsFacts, row) && NamesActionsOf(kMdFacts, row) &&
-           NamesActionsOf(kGearFacts, row) && row == std::size(kInputActions);
-}
-static_assert(NamesEveryMachinesActions());
+constexpr OWNERS kOwners = FindOwners();
+static_assert(kOwners.everyActionHasItsRow);
 
 } // namespace
 
@@ -203,5 +195,5 @@ std::span<const INPUT_ACTION> InputActions() {
 }
 
 std::span<const uint8_t> InputOwners() {
-    return kInputOwnersOfActions;
+    return kOwners.ofAction;
 }

@@ -8,11 +8,11 @@
 #include "settings/input_state.h"
 
 struct PRESS_LOG {
-    std::array<std::atomic<uint64_t>, kInputCodes>
-        codes{}; // number of the newest press, 0 for none
+    // The number of the newest press, 0 for none.
+    std::array<std::atomic<uint64_t>, kInputCodes> codes{};
     std::array<std::atomic<uint64_t>, kPadBits> pads{};
-    std::atomic<uint64_t> padsTaken{
-        0}; // controls that the user has bound and that don't act by default
+    // Controls that the user has bound, so that they don't act by default.
+    std::atomic<uint64_t> padsTaken{0};
     std::atomic<uint64_t> newest{0};
 };
 

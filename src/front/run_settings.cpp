@@ -1,4 +1,4 @@
-#include "front/tools/run_settings.h"
+#include "front/run_settings.h"
 
 #include "base/text.h"
 #include "settings/settings.h"

@@ -1,0 +1,66 @@
+#include "front/opened_game.h"
+
+#include "facts/machine_facts.h"
+#include "formats/default_records.h"
+#include "front/demos.h"
+#include "host/machine_list.h"
+#include "library/convert.h"
+#include "library/game_source.h"
+
+namespace {
+
+constexpr std::string_view kDemoPrefix = "demo:";
+
+MACHINE_RECORD DemoRecord(uint16_t system) {
+    switch (system) {
+    case kSystemArcade: return ToMachineRecord(DefaultArcadeRecord());
+    case kSystemMasterSystem: {
+        SMS_RECORD record = DefaultSmsRecord();
+        record.features = kSmsFeatureFm; // our games play on the FM chip too
+        return ToMachineRecord(record);
+    }
+    default: return {};
+    }
+}
+
+bool CheckMachine(const std::string& game, uint16_t system, std::string& error) {
+    if (EmuFindMachine(system) != nullptr) {
+        return true;
+    }
+    const MACHINE_FACTS* const facts = FindMachineFacts(system);
+    error = game + ": is a game of the " +
+            (facts != nullptr ? facts->name : "system " + std::to_string(system)) +
+            ", and that machine is not built in";
+    return false;
+}
+
+} // namespace
+
+bool OpenDemo(std::string_view name, OPENED_GAME& opened) {
+    for (const DEMO& demo : Demos()) {
+        if (demo.name == name) {
+            const bool built = BuildKnownGame(demo.system, demo.title, demo.image,
+                                              DemoRecord(demo.system), opened.game);
+            opened.game.selectedName = 0;
+            opened.title = demo.title;
+            opened.options = DefaultMachineOptions(opened.game);
+            return built;
+        }
+    }
+    return false;
+}
+
+bool OpenForPlaying(const std::string& game, const MACHINE_FACTS* system, OPENED_GAME& opened,
+                    std::string& error) {
+    if (game.starts_with(kDemoPrefix)) {
+        if (!OpenDemo(std::string_view(game).substr(kDemoPrefix.size()), opened)) {
+            error = game + ": no such demo; play --help lists them";
+            return false;
+        }
+    } else if (OpenGame(game, system, opened.game, opened.title, error)) {
+        opened.options = DefaultMachineOptions(opened.game);
+    } else {
+        return false;
+    }
+    return CheckMachine(game, opened.game.Header().system, error);
+}

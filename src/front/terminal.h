@@ -1,0 +1,14 @@
+// What the program writes to the terminal.
+//
+// Any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// One line on standard error, with the program's name before it.
+void Complain(const std::string& message);
+
+// UTF-8 text with "?" for each control character, which must not reach the terminal: a name in a file may
+// hold any.
+[[nodiscard]] std::string Printable(std::string_view text);

@@ -5,6 +5,7 @@
 
 #include <GL/gl.h>
 #include <GL/glext.h>
+
 #include <functional>
 
 // The address of an entry point, null if there is none: the window library's lookup.

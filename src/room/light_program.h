@@ -105,6 +105,6 @@ private:
     bool works = false;
     std::array<ROOM_LIGHT, kMostLights> lights{};
     std::map<uint32_t, VARIANT> variants;
-    VARIANT* current = nullptr;   // in use; null: the fixed pipeline, or not known
+    VARIANT* current = nullptr; // in use; null: the fixed pipeline, or not known
     bool lightsWritten = false; // to `current`
 };

@@ -168,20 +168,18 @@ bool Reader::ReadFile() {
 
 // Materials first, wherever they lie, since face groups look them up by name.
 bool Reader::ReadEditor(const CHUNK& editor) {
-    const bool materials =
-        ForEachChunk(editor.begin, editor.end, [this](const CHUNK& chunk) {
-            return chunk.id != kMaterial || ReadMaterial(chunk);
-        });
-    return materials && ForEachChunk(editor.begin, editor.end, [this](const CHUNK& chunk) {
-        return chunk.id != kObject || ReadObject(chunk);
+    const bool materials = ForEachChunk(editor.begin, editor.end, [this](const CHUNK& chunk) {
+        return chunk.id != kMaterial || ReadMaterial(chunk);
     });
+    return materials && ForEachChunk(editor.begin, editor.end, [this](const CHUNK& chunk) {
+               return chunk.id != kObject || ReadObject(chunk);
+           });
 }
 
 bool Reader::ReadMaterial(const CHUNK& chunk) {
     Model_3DS::Material& material = model.materials.emplace_back();
-    return ForEachChunk(chunk.begin, chunk.end, [&](const CHUNK& part) {
-        return ReadMaterialPart(part, material);
-    });
+    return ForEachChunk(chunk.begin, chunk.end,
+                        [&](const CHUNK& part) { return ReadMaterialPart(part, material); });
 }
 
 bool Reader::ReadMaterialPart(const CHUNK& chunk, Model_3DS::Material& material) {
@@ -295,14 +293,13 @@ bool Reader::ReadMesh(const CHUNK& chunk, Model_3DS::Object& object) {
         return true;
     });
     size_t faceLists = 0;
-    const bool faces =
-        vertices && ForEachChunk(chunk.begin, chunk.end, [&](const CHUNK& part) {
-            if (part.id != kFaceList) {
-                return true;
-            }
-            ++faceLists;
-            return ReadFaces(part, object);
-        });
+    const bool faces = vertices && ForEachChunk(chunk.begin, chunk.end, [&](const CHUNK& part) {
+                           if (part.id != kFaceList) {
+                               return true;
+                           }
+                           ++faceLists;
+                           return ReadFaces(part, object);
+                       });
     if (!faces) {
         return false;
     }
@@ -310,7 +307,8 @@ bool Reader::ReadMesh(const CHUNK& chunk, Model_3DS::Object& object) {
         return Fail("the object \"" + object.name + "\" has two lists of one kind");
     }
     if (object.textured && object.numTexCoords < object.numVerts) {
-        return Fail("the object \"" + object.name + "\" has fewer texture coordinates than vertices");
+        return Fail("the object \"" + object.name +
+                    "\" has fewer texture coordinates than vertices");
     }
     return true;
 }

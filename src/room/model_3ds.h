@@ -119,8 +119,8 @@ private:
     void MakeMesh(RoomPainter& painter, const Object& object, MESH& mesh) const;
     void DrawGroup(RoomPainter& painter, const MaterialFaces& group, uint32_t indexBuffer) const;
 
-    std::vector<MESH> meshes; // by object
-    uint64_t preparedFor = 0; // the painter's start; 0: none
-    TEXTURE_RECORD ownTexture{};   // the first material's, while a picture replaces it
+    std::vector<MESH> meshes;    // by object
+    uint64_t preparedFor = 0;    // the painter's start; 0: none
+    TEXTURE_RECORD ownTexture{}; // the first material's, while a picture replaces it
     bool ownTextured = false;
 };

@@ -110,8 +110,8 @@ void Model_3DS::DrawGroup(RoomPainter& painter, const MaterialFaces& group,
     const auto rgb = [](const RGBA& colour) {
         return std::array<float, 3>{colour[0], colour[1], colour[2]};
     };
-    painter.SetMaterial({rgb(material.diffuse), rgb(material.specular), material.selfIllum,
-                         material.shininess});
+    painter.SetMaterial(
+        {rgb(material.diffuse), rgb(material.specular), material.selfIllum, material.shininess});
     if (hasOverride && overrideOn && group.materialIndex == 0) {
         painter.BindPicture(material.texture, overridePicture, tvBrightness);
     } else {

@@ -67,8 +67,8 @@ void RoomPainter::BeginScene(const MATRIX4& sceneProjection, const MATRIX4& scen
     imageBytesBefore = imageBytes;
     lighting = Settings().GetBool(L"app_lighting");
     const bool anisotropic = Settings().GetBool(L"app_anisotropicfiltering");
-    anisotropy = anisotropic && Gl().largestAnisotropy > 0.0f ? Gl().largestAnisotropy
-                                                              : kNoAnisotropy;
+    anisotropy =
+        anisotropic && Gl().largestAnisotropy > 0.0f ? Gl().largestAnisotropy : kNoAnisotropy;
     textures.SetAnisotropy(anisotropy);
 
     projection = sceneProjection;
@@ -255,8 +255,8 @@ void RoomPainter::SendTexture() {
     }
     if (!stateKnown || texturePlace != sentPlace) {
         const TEXTURE_PLACE& p = texturePlace;
-        const MATRIX4 matrix{p.scaleU, 0, 0, 0, 0, p.scaleV, 0, 0, 0, 0, 1, 0,
-                             p.offsetU, p.offsetV, 0, 1};
+        const MATRIX4 matrix{p.scaleU, 0, 0, 0, 0,         p.scaleV,  0, 0,
+                             0,        0, 1, 0, p.offsetU, p.offsetV, 0, 1};
         glMatrixMode(GL_TEXTURE);
         glLoadMatrixf(matrix.data());
         glMatrixMode(GL_MODELVIEW);

@@ -39,7 +39,7 @@ struct SURFACE_MATERIAL {
 
 // Vertex arrays: in a buffer, with offsets in place of addresses, or in memory.
 struct VERTEX_ARRAYS {
-    uint32_t buffer = 0; // 0: in memory
+    uint32_t buffer = 0;             // 0: in memory
     const void* positions = nullptr; // 3 floats a vertex, packed, as are the others
     const void* normals = nullptr;   // 3 floats; null: none
     const void* texCoords = nullptr; // 2 floats

@@ -108,8 +108,7 @@ void RoomRenderer::DrawObject(CRoomObject& object) {
     if (shows) {
         model->AttachPicture(object.texture, object.picture, Brightness(object));
     }
-    painter.SetTransform(
-        Multiply(Translation(CentreOf(object)), RotationAboutY(object.rotation)));
+    painter.SetTransform(Multiply(Translation(CentreOf(object)), RotationAboutY(object.rotation)));
     model->Draw(painter);
 }
 

@@ -23,36 +23,55 @@ constexpr size_t kIndicesPerQuad = 6;
 enum : size_t { kFloor = 0, kPlaster = 1, kPlasterQuads = 5, kPictures = 6 };
 
 constexpr SURFACE_MATERIAL kImageMaterial{};
-constexpr SURFACE_MATERIAL kPlasterMaterial{{1.0f, 1.0f, 1.0f}, {0.1f, 0.1f, 0.1f}, 0.0f, 0.0f};
+constexpr SURFACE_MATERIAL kPlasterMaterial{
+    {1.0f, 1.0f, 1.0f},
+    {0.1f, 0.1f, 0.1f},
+    0.0f, 0.0f
+};
 
 using POSITIONS = std::array<std::array<VECTOR3, kCorners>, kQuads>;
 
-constexpr POSITIONS kPositions = {{
-    {{{0, 0, 0}, {0, 0, kD}, {kW, 0, kD}, {kW, 0, 0}}},
-    {{{0, kH, 0}, {kW, kH, 0}, {kW, kH, kD}, {0, kH, kD}}},
-    {{{0, 0, 0}, {0, kH, 0}, {0, kH, kD}, {0, 0, kD}}},
-    {{{kW, 0, 0}, {kW, 0, kD}, {kW, kH, kD}, {kW, kH, 0}}},
-    {{{0, 0, 0}, {kW, 0, 0}, {kW, kH, 0}, {0, kH, 0}}},
-    {{{0, 0, kD}, {0, kH, kD}, {kW, kH, kD}, {kW, 0, kD}}},
-    {{{kPictureX, kPictureHigh, kLeftPicture},
-      {kPictureX, kPictureHigh, kLeftPicture + kPictureWidth},
-      {kPictureX, kPictureLow, kLeftPicture + kPictureWidth},
-      {kPictureX, kPictureLow, kLeftPicture}}},
-    {{{kPictureX, kPictureHigh, kRightPicture},
-      {kPictureX, kPictureHigh, kRightPicture + kPictureWidth},
-      {kPictureX, kPictureLow, kRightPicture + kPictureWidth},
-      {kPictureX, kPictureLow, kRightPicture}}},
-}};
+constexpr POSITIONS kPositions = {
+    {
+     {{{0, 0, 0}, {0, 0, kD}, {kW, 0, kD}, {kW, 0, 0}}},
+     {{{0, kH, 0}, {kW, kH, 0}, {kW, kH, kD}, {0, kH, kD}}},
+     {{{0, 0, 0}, {0, kH, 0}, {0, kH, kD}, {0, 0, kD}}},
+     {{{kW, 0, 0}, {kW, 0, kD}, {kW, kH, kD}, {kW, kH, 0}}},
+     {{{0, 0, 0}, {kW, 0, 0}, {kW, kH, 0}, {0, kH, 0}}},
+     {{{0, 0, kD}, {0, kH, kD}, {kW, kH, kD}, {kW, 0, kD}}},
+     {{{kPictureX, kPictureHigh, kLeftPicture},
+          {kPictureX, kPictureHigh, kLeftPicture + kPictureWidth},
+          {kPictureX, kPictureLow, kLeftPicture + kPictureWidth},
+          {kPictureX, kPictureLow, kLeftPicture}}},
+     {{{kPictureX, kPictureHigh, kRightPicture},
+          {kPictureX, kPictureHigh, kRightPicture + kPictureWidth},
+          {kPictureX, kPictureLow, kRightPicture + kPictureWidth},
+          {kPictureX, kPictureLow, kRightPicture}}},
+     }
+};
 
 // All face inwards.
-constexpr std::array<VECTOR3, kQuads> kNormals = {{
-    {0, 1, 0}, {0, -1, 0}, {1, 0, 0}, {-1, 0, 0}, {0, 0, 1}, {0, 0, -1}, {-1, 0, 0}, {-1, 0, 0},
-}};
+constexpr std::array<VECTOR3, kQuads> kNormals = {
+    {
+     {0, 1, 0},
+     {0, -1, 0},
+     {1, 0, 0},
+     {-1, 0, 0},
+     {0, 0, 1},
+     {0, 0, -1},
+     {-1, 0, 0},
+     {-1, 0, 0},
+     }
+};
 
 using CORNER_COORDINATES = std::array<std::array<float, 2>, kCorners>;
 // The image lies five times across the floor and eight times along it.
-constexpr CORNER_COORDINATES kFloorCoordinates = {{{0, 8}, {0, 0}, {5, 0}, {5, 8}}};
-constexpr CORNER_COORDINATES kWholeImage = {{{0, 0}, {1, 0}, {1, 1}, {0, 1}}};
+constexpr CORNER_COORDINATES kFloorCoordinates = {
+    {{0, 8}, {0, 0}, {5, 0}, {5, 8}}
+};
+constexpr CORNER_COORDINATES kWholeImage = {
+    {{0, 0}, {1, 0}, {1, 1}, {0, 1}}
+};
 
 constexpr size_t kVertices = kQuads * kCorners;
 
@@ -110,9 +129,9 @@ void RoomShell::Start(RoomPainter& painter) {
 
 void RoomShell::DrawQuads(RoomPainter& painter, size_t first, size_t count) const {
     const size_t skipped = first * kIndicesPerQuad;
-    const void* const indices =
-        indexBuffer != 0 ? reinterpret_cast<const void*>(skipped * sizeof(uint16_t))
-                         : static_cast<const void*>(kShellIndices.data() + skipped);
+    const void* const indices = indexBuffer != 0
+                                    ? reinterpret_cast<const void*>(skipped * sizeof(uint16_t))
+                                    : static_cast<const void*>(kShellIndices.data() + skipped);
     painter.DrawTriangles(indexBuffer, indices, static_cast<int32_t>(count * kIndicesPerQuad));
 }
 

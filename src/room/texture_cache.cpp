@@ -23,8 +23,8 @@ std::string LowerCase(std::string_view path) {
 // The side that the driver can repeat, nearest to the image's from above.
 uint32_t TextureSide(uint32_t side) {
     const uint32_t wanted = Gl().anyTextureSize ? side : std::bit_ceil(side);
-    const uint32_t largest = Gl().anyTextureSize ? Gl().largestTexture
-                                                 : std::bit_floor(Gl().largestTexture);
+    const uint32_t largest =
+        Gl().anyTextureSize ? Gl().largestTexture : std::bit_floor(Gl().largestTexture);
     return std::min(wanted, largest);
 }
 
@@ -38,11 +38,10 @@ ROOM_IMAGE Fitted(const ROOM_IMAGE& image) {
     fitted.pixels.resize(size_t{fitted.width} * fitted.height);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glPixelStorei(GL_PACK_ALIGNMENT, 4);
-    const GLint failure =
-        gluScaleImage(GL_BGRA, static_cast<GLsizei>(image.width),
-                      static_cast<GLsizei>(image.height), GL_UNSIGNED_BYTE, image.pixels.data(),
-                      static_cast<GLsizei>(fitted.width), static_cast<GLsizei>(fitted.height),
-                      GL_UNSIGNED_BYTE, fitted.pixels.data());
+    const GLint failure = gluScaleImage(
+        GL_BGRA, static_cast<GLsizei>(image.width), static_cast<GLsizei>(image.height),
+        GL_UNSIGNED_BYTE, image.pixels.data(), static_cast<GLsizei>(fitted.width),
+        static_cast<GLsizei>(fitted.height), GL_UNSIGNED_BYTE, fitted.pixels.data());
     return failure == 0 ? fitted : ROOM_IMAGE{};
 }
 

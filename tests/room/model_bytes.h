@@ -98,7 +98,8 @@ struct MeshBytes {
             for (const size_t face : group.faces) {
                 numbers = numbers + Word(face);
             }
-            bytes = bytes + Chunk(0x4130, Name(group.material) + Word(group.faces.size()) + numbers);
+            bytes =
+                bytes + Chunk(0x4130, Name(group.material) + Word(group.faces.size()) + numbers);
         }
         return Chunk(0x4120, bytes);
     }
@@ -108,7 +109,12 @@ struct MeshBytes {
 
     // A side of four corners, counter-clockwise from its lower left as seen from outside, of this material.
     void AddSide(const std::array<std::array<float, 3>, 4>& corners, const std::string& material) {
-        constexpr float kImage[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+        constexpr float kImage[4][2] = {
+            {0, 0},
+            {1, 0},
+            {1, 1},
+            {0, 1}
+        };
         const size_t first = places.size() / 3;
         for (size_t i = 0; i < 4; ++i) {
             places.insert(places.end(), corners[i].begin(), corners[i].end());
@@ -137,11 +143,35 @@ inline MeshBytes BoxMesh(float width, float height, float depth, const std::stri
     const float h = height / 2;
     const float d = depth / 2;
     MeshBytes mesh;
-    mesh.AddSide({{{-w, -d, -h}, {w, -d, -h}, {w, -d, h}, {-w, -d, h}}}, front);
-    mesh.AddSide({{{w, d, -h}, {-w, d, -h}, {-w, d, h}, {w, d, h}}}, sides);
-    mesh.AddSide({{{w, -d, -h}, {w, d, -h}, {w, d, h}, {w, -d, h}}}, sides);
-    mesh.AddSide({{{-w, d, -h}, {-w, -d, -h}, {-w, -d, h}, {-w, d, h}}}, sides);
-    mesh.AddSide({{{-w, -d, h}, {w, -d, h}, {w, d, h}, {-w, d, h}}}, sides);
-    mesh.AddSide({{{-w, d, -h}, {w, d, -h}, {w, -d, -h}, {-w, -d, -h}}}, sides);
+    mesh.AddSide(
+        {
+            {{-w, -d, -h}, {w, -d, -h}, {w, -d, h}, {-w, -d, h}}
+    },
+        front);
+    mesh.AddSide(
+        {
+            {{w, d, -h}, {-w, d, -h}, {-w, d, h}, {w, d, h}}
+    },
+        sides);
+    mesh.AddSide(
+        {
+            {{w, -d, -h}, {w, d, -h}, {w, d, h}, {w, -d, h}}
+    },
+        sides);
+    mesh.AddSide(
+        {
+            {{-w, d, -h}, {-w, -d, -h}, {-w, -d, h}, {-w, d, h}}
+    },
+        sides);
+    mesh.AddSide(
+        {
+            {{-w, -d, h}, {w, -d, h}, {w, d, h}, {-w, d, h}}
+    },
+        sides);
+    mesh.AddSide(
+        {
+            {{-w, d, -h}, {w, d, -h}, {w, -d, -h}, {-w, -d, -h}}
+    },
+        sides);
     return mesh;
 }

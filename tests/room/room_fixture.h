@@ -1,0 +1,45 @@
+// A context for the tests of the room's drawing, with a painter and files of furniture in memory.
+#pragma once
+
+#include "room/room_painter.h"
+#include "settings/settings.h"
+
+#include "display/display_fixture.h"
+#include "room/model_bytes.h"
+#include <SDL_video.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+// An uncompressed image file that the decoder takes: PNG with stored blocks. Pixels 0xAARRGGBB, top row first.
+[[nodiscard]] Bytes PngFile(uint32_t width, uint32_t height, const std::vector<uint32_t>& pixels);
+
+inline void* WindowLibraryLoader(const char* name) {
+    return SDL_GL_GetProcAddress(name);
+}
+
+class RoomGlTest : public DisplayTest {
+protected:
+    void SetUp() override {
+        DisplayTest::SetUp();
+        RegisterDefaultSettings(Settings());
+        Settings().SetBool(L"app_lighting", true);
+        Settings().SetBool(L"app_anisotropicfiltering", false);
+        Settings().SetBool(L"emu_gameroomfilter", false);
+    }
+
+    [[nodiscard]] ROOM_SERVICES Services() {
+        return {WindowLibraryLoader,
+                [this](std::string_view name) {
+                    ++reads;
+                    const auto found = files.find(std::string(name));
+                    return found != files.end() ? found->second : Bytes();
+                },
+                [this](const std::string& message) { reports.push_back(message); }};
+    }
+
+    std::map<std::string, Bytes> files;
+    std::vector<std::string> reports;
+    size_t reads = 0; // of files
+};

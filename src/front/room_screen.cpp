@@ -40,7 +40,8 @@ float ActionAxis(std::wstring_view less, std::wstring_view more) {
 
 // The key of an action as the player has bound it.
 std::wstring ActionKeyName(std::wstring_view action) {
-    return BindingName(Settings().GetInt2(L"INPUT " + std::wstring(action)).first);
+    return BindingName(
+        static_cast<uint32_t>(Settings().GetInt2(L"INPUT " + std::wstring(action)).first));
 }
 
 float Aspect(const DRAW_TARGET& target) {

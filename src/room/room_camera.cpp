@@ -106,8 +106,12 @@ void CRoomCamera::Move(const WALK_INPUT& walk, float seconds) {
 // Downwards there is no limit: who goes on looks through between his legs.
 void CRoomCamera::Look(float dx, float dy, bool slow) {
     const float factor = slow ? kSlowLookFactor : kLookFactor;
-    yaw -= dx * factor;
-    pitch = std::min(pitch - dy * factor, 90.0f);
+    Turn(dx * factor, dy * factor);
+}
+
+void CRoomCamera::Turn(float right, float down) {
+    yaw -= right;
+    pitch = std::min(pitch - down, 90.0f);
 }
 
 void CRoomCamera::Zoom(int notches, bool slow) {

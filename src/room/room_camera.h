@@ -25,6 +25,8 @@ public:
     void Move(const WALK_INPUT& input, float seconds);
     // A relative movement of the mouse, in pixels.
     void Look(float dx, float dy, bool slow);
+    // By degrees, to the right and downwards.
+    void Turn(float right, float down);
     // Along the view, a notch of the wheel.
     void Zoom(int notches, bool slow);
 

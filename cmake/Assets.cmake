@@ -41,10 +41,39 @@ function(ombrelune_font name file)
         "        {\"${name}\", {gFont_${name}, gFont_${name}_size}},\n")
 endfunction()
 
+# ombrelune_objects(folder): every model and image in it, by its file's name. They are megabytes, which a compiler
+# takes long to read as numbers, so the assembler copies them in.
+function(ombrelune_objects folder)
+    file(GLOB files CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.3ds
+        ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.jpg ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.png)
+    foreach(file ${files})
+        get_filename_component(name ${file} NAME)
+        string(MAKE_C_IDENTIFIER gObject_${name} symbol)
+        set(source ${CMAKE_CURRENT_BINARY_DIR}/${symbol}.cpp)
+        file(CONFIGURE OUTPUT ${source} @ONLY CONTENT [[
+#ifdef __APPLE__
+#define SECTION ".const_data"
+#define NAME "_@symbol@"
+#else
+#define SECTION ".section .rodata"
+#define NAME "@symbol@"
+#endif
+asm(SECTION "\n.globl " NAME "\n.balign 16\n" NAME ":\n.incbin \"@file@\"\n"
+    ".globl " NAME "_end\n" NAME "_end:\n.byte 0\n.text\n");
+]])
+        set_source_files_properties(${source} PROPERTIES OBJECT_DEPENDS ${file})
+        set_property(GLOBAL APPEND PROPERTY OMBRELUNE_ASSET_SOURCES ${source})
+        set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_ASSET_EXTERNS
+            "extern const unsigned char ${symbol}[];\nextern const unsigned char ${symbol}_end[];\n")
+        set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_OBJECT_ROWS
+            "        {\"${name}\", {${symbol}, ${symbol}_end}},\n")
+    endforeach()
+endfunction()
+
 # ombrelune_embed_assets(theme): to be called once, after all images and fonts; makes the target `assets`.
 function(ombrelune_embed_assets theme)
     ombrelune_asset(gTheme ${CMAKE_CURRENT_SOURCE_DIR}/${theme})
-    foreach(list ASSET_SOURCES ASSET_EXTERNS IMAGE_ROWS FONT_ROWS)
+    foreach(list ASSET_SOURCES ASSET_EXTERNS IMAGE_ROWS FONT_ROWS OBJECT_ROWS)
         get_property(${list} GLOBAL PROPERTY OMBRELUNE_${list})
     endforeach()
     configure_file(assets.cpp.in ${CMAKE_CURRENT_BINARY_DIR}/assets.cpp @ONLY)

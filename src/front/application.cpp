@@ -4,11 +4,14 @@
 #include "base/random.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
+#include "front/appearance.h"
 #include "front/game_screen.h"
+#include "front/game_start.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
 #include "front/processor_binder.h"
 #include "front/program_title.h"
+#include "front/room_screen.h"
 #include "front/run_settings.h"
 #include "front/session_callbacks.h"
 #include "host/host_data.h"
@@ -210,6 +213,18 @@ void Application::ShowGame() {
     Show(std::make_unique<GameScreen>(televisions, view, lightGun));
 }
 
+RoomScreen& Application::ShowRoom(std::vector<OPENED_GAME> games) {
+    if (!appearanceLoaded) {
+        LoadAppearance();
+        appearanceLoaded = true;
+    }
+    auto room = std::make_unique<RoomScreen>(
+        ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight}, std::move(games));
+    RoomScreen& shown = *room;
+    Show(std::move(room));
+    return shown;
+}
+
 DRAW_TARGET Application::Target() const {
     return {window.PixelWidth(), window.PixelHeight()};
 }
@@ -238,17 +253,10 @@ void Application::Draw() {
 }
 
 bool Application::Play(const OPENED_GAME& opened, std::string& error) {
-    // EmuStartSession does not change the games, though its parameters are not const.
-    auto& game = const_cast<CGameFile&>(opened.game);
-    auto& bios = const_cast<CGameFile&>(opened.bios);
-    CGameFile* const games[2] = {&game, opened.hasBios ? &bios : nullptr};
-    EmuSetLastError("");
     lightGun.SetGame(opened);
-    playing = EmuStartSession(kFrontTelevision, games, opened.options.data(), opened.title) != 0;
+    playing = StartGame(kFrontTelevision, opened, error);
     if (!playing) {
         window.SetTitle(ProgramTitle());
-        const std::string reason = EmuLastError();
-        error = "Error loading game" + (reason.empty() ? std::string() : ": " + reason);
         return false;
     }
     title = ProgramTitle() + "- " + opened.title;
@@ -259,11 +267,16 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
 void Application::PlayDroppedFile(const std::string& path) {
     OPENED_GAME opened;
     std::string error;
-    if (!OpenForPlaying(path, nullptr, opened, error) || !Play(opened, error)) {
+    if (!OpenForPlaying(path, nullptr, opened, error)) {
         PostReport(error);
         return;
     }
-    PostNotice(opened.title);
+    const std::string gameTitle = opened.title;
+    if (!screen->TakeDropped(opened) && !Play(opened, error)) {
+        PostReport(error);
+        return;
+    }
+    PostNotice(gameTitle);
     SDL_RaiseWindow(SDL_GL_GetCurrentWindow());
 }
 

@@ -28,6 +28,7 @@
 #include <string>
 #include <vector>
 
+class RoomScreen;
 struct OPENED_GAME;
 
 // The session key of the television that fills the window.
@@ -70,6 +71,11 @@ public:
     // is shown may call it too.
     void Show(std::unique_ptr<Screen> next);
     void ShowGame();
+    // The room, where these games are played; it stays Application's.
+    RoomScreen& ShowRoom(std::vector<OPENED_GAME> games);
+    [[nodiscard]] bool CeilingLight() const { return ceilingLight; }
+    void SetCeilingLight(bool on) { ceilingLight = on; }
+    [[nodiscard]] const FramePacer& Pacer() const { return pacer; }
 
     // How games are shown; keys change it as well. A change takes effect with the next round.
     void SetView(const GAME_VIEW& wanted) { view = wanted; }
@@ -113,6 +119,7 @@ private:
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;
+    bool appearanceLoaded = false;
     int64_t batteriesKept = 0; // microseconds, of the last KeepBatteries
     int processor = -1;        // the main thread's token (processor_binder.h)
     bool ceilingLight = true;  // of the room

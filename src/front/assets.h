@@ -19,3 +19,10 @@ struct FONT_ASSET {
 
 // The text of theme.xml.
 [[nodiscard]] std::string_view BuiltInTheme();
+
+// A model or an image of the room's furniture, by its file's name.
+struct OBJECT_ASSET {
+    std::string_view name;
+    std::span<const uint8_t> data;
+};
+[[nodiscard]] std::span<const OBJECT_ASSET> BuiltInObjects();

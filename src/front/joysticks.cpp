@@ -48,6 +48,7 @@ constexpr BUTTON_CONTROL kButtonControls[] = {
     {SDL_CONTROLLER_BUTTON_RIGHTSHOULDER, kPadRightShoulder, Half::kEither  },
     {SDL_CONTROLLER_BUTTON_BACK,          kPadBack,          Half::kEither  },
     {SDL_CONTROLLER_BUTTON_START,         kPadStart,         Half::kEither  },
+    {SDL_CONTROLLER_BUTTON_GUIDE,         kPadGuide,         Half::kEither  },
 };
 
 // A control that an axis turns on, deflected in the direction of `sign`.
@@ -241,6 +242,42 @@ void Joysticks::OpenAt(uint32_t place, int index) {
         OpenController(place, index);
     }
     TakeState(place);
+}
+
+const JOYSTICK* Joysticks::Controller() const {
+    const auto found = std::find_if(places.begin(), places.end(), [](const JOYSTICK& joystick) {
+        return joystick.present && joystick.player == 0;
+    });
+    return found != places.end() ? &*found : nullptr;
+}
+
+// The library's codes for the four buttons go by position, so the family only names them.
+PadFamily Joysticks::Family() const {
+    const JOYSTICK* const controller = Controller();
+    if (controller == nullptr) {
+        return PadFamily::kLetters;
+    }
+    switch (SDL_GameControllerGetType((*devices)[PlaceIndex(*controller)].controller)) {
+    case SDL_CONTROLLER_TYPE_PS3:
+    case SDL_CONTROLLER_TYPE_PS4:
+    case SDL_CONTROLLER_TYPE_PS5: return PadFamily::kShapes;
+    case SDL_CONTROLLER_TYPE_NINTENDO_SWITCH_PRO: return PadFamily::kNintendo;
+    default: return PadFamily::kLetters;
+    }
+}
+
+PAD_STICKS Joysticks::Sticks() const {
+    const JOYSTICK* const controller = Controller();
+    if (controller == nullptr) {
+        return {};
+    }
+    SDL_GameController* const device = (*devices)[PlaceIndex(*controller)].controller;
+    const auto axis = [&](SDL_GameControllerAxis which) {
+        return static_cast<float>(SDL_GameControllerGetAxis(device, which)) /
+               static_cast<float>(SDL_JOYSTICK_AXIS_MAX);
+    };
+    return {axis(SDL_CONTROLLER_AXIS_LEFTX), axis(SDL_CONTROLLER_AXIS_LEFTY),
+            axis(SDL_CONTROLLER_AXIS_RIGHTX), axis(SDL_CONTROLLER_AXIS_RIGHTY)};
 }
 
 void Joysticks::OpenController(uint32_t place, int index) {

@@ -17,6 +17,7 @@
 // reported.
 #pragma once
 
+#include "front/pad_names.h"
 #include "settings/pad_defaults.h"
 
 #include <array>
@@ -44,6 +45,14 @@ struct JOYSTICK {
     uint32_t player = kNoPlayer; // 0 or 1 for the controllers that play
 };
 
+// Both sticks of a controller: -1 to 1, right and down positive.
+struct PAD_STICKS {
+    float leftX = 0.0f;
+    float leftY = 0.0f;
+    float rightX = 0.0f;
+    float rightY = 0.0f;
+};
+
 class Joysticks {
 public:
     Joysticks();
@@ -60,12 +69,20 @@ public:
     bool Handle(const SDL_Event& event);
 
     [[nodiscard]] std::span<const JOYSTICK, kJoystickPlaces> Places() const { return places; }
+    // The first player's controller: how its buttons are named, and where its sticks are. Without one the
+    // sticks rest.
+    [[nodiscard]] PadFamily Family() const;
+    [[nodiscard]] PAD_STICKS Sticks() const;
     // The place of an instance number, or `kNoJoystick`.
     [[nodiscard]] uint32_t PlaceOf(int32_t instance) const;
 
 private:
     struct DEVICE;
 
+    [[nodiscard]] const JOYSTICK* Controller() const;
+    [[nodiscard]] size_t PlaceIndex(const JOYSTICK& joystick) const {
+        return static_cast<size_t>(&joystick - places.data());
+    }
     void OpenArrived();
     void OpenAt(uint32_t place, int index);
     void OpenController(uint32_t place, int index);

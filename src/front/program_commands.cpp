@@ -7,7 +7,7 @@ namespace {
 constexpr PROGRAM_KEY kKeys[] = {
     {SDL_SCANCODE_F2,     false, false, ProgramCommand::kToggleStatistics  },
     {SDL_SCANCODE_F3,     false, false, ProgramCommand::kToggleCrop        },
-    {SDL_SCANCODE_F4,     false, false, ProgramCommand::kToggleCeilingLight},
+    {SDL_SCANCODE_F4,     false, true,  ProgramCommand::kToggleCeilingLight},
     {SDL_SCANCODE_F5,     false, false, ProgramCommand::kToggleLinear      },
     {SDL_SCANCODE_F6,     false, false, ProgramCommand::kNextScaler        },
     {SDL_SCANCODE_F11,    false, false, ProgramCommand::kToggleFullScreen  },

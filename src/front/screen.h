@@ -14,6 +14,7 @@
 #include <cstdint>
 
 struct MOUSE_STATE;
+struct OPENED_GAME;
 struct PUMP_EVENTS;
 
 struct DRAW_TARGET {
@@ -46,4 +47,8 @@ public:
     // in a room. Then the mouse is captured, so that only its moves count, and neither a machine nor a
     // window of the toolkit gets any input. Otherwise all of it goes to both.
     [[nodiscard]] virtual bool WantsInput() const = 0;
+
+    // A game was dropped on the window. True if the screen has played it, or said why not; otherwise it takes
+    // the place of the game that fills the window.
+    [[nodiscard]] virtual bool TakeDropped(OPENED_GAME& /*opened*/) { return false; }
 };

@@ -28,7 +28,12 @@ bool Televisions::Upload(uint32_t activeKey, PictureScaler scaler) {
             StartSessionPicture(set.picture, EmuPicturePixels(session));
             set.serial = session.serial;
         }
-        if (UploadPicture(*frame, set.picture, scaler) && session.key == activeKey) {
+        set.picture.inRoom = inRoom;
+        if (!UploadPicture(*frame, set.picture, scaler)) {
+            return;
+        }
+        news = news || inRoom;
+        if (session.key == activeKey) {
             NoteActivePicture(*frame);
             news = true;
         }

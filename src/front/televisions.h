@@ -13,13 +13,25 @@
 
 class Televisions {
 public:
+    struct TELEVISION {
+        SESSION_PICTURE picture; // without a texture before the first one
+        uint32_t serial = 0;     // of the session that it shows
+    };
+
     // Uploads the pictures that sessions have published since the last call, and drops those of ended
     // sessions. True if the active session's picture is new or a television went dark.
     [[nodiscard]] bool Upload(uint32_t activeKey, PictureScaler scaler);
     void End();
 
+    // Whether the pictures are seen on television sets, all at once and from a distance. Upload then tells of a
+    // new picture of any session.
+    void ShowInRoom(bool show) { inRoom = show; }
+
     // The picture of a session; without a texture before the first one.
     [[nodiscard]] const SESSION_PICTURE& Picture(uint32_t key) const;
+
+    // By session key. Those of ended sessions are gone after the next Upload.
+    [[nodiscard]] const std::map<uint32_t, TELEVISION>& All() const { return sets; }
 
     // Number of uploads of the active session's picture; 0 before the first.
     [[nodiscard]] uint64_t PicturesShown() const { return picturesShown; }
@@ -36,10 +48,6 @@ public:
     [[nodiscard]] const KEPT_PICTURE& Kept() const { return kept; }
 
 private:
-    struct TELEVISION {
-        SESSION_PICTURE picture;
-        uint32_t serial = 0; // of the session that it shows
-    };
     [[nodiscard]] bool GiveUpAllBut(const std::vector<uint32_t>& running);
     void NoteActivePicture(const EMU_VIDEO_FRAME& frame);
 
@@ -48,6 +56,7 @@ private:
     uint64_t picturesShown = 0;
     uint32_t frameShown = 0;
     bool keepPicture = false;
+    bool inRoom = false;
 };
 
 // Turns off the sessions whose machine cannot go on and tells the player why. Returns their keys.

@@ -23,7 +23,9 @@ void CGhostScrolledRows::UpdateScroll() {
     dirty = true;
     ShowBar(ContentHeight() > Page());
     SetContent(ContentHeight(), Page());
-    UpdateHot();
+    if ((flags & kKeysAim) == 0) {
+        UpdateHot(); // what keys aim at stays
+    }
 }
 
 void CGhostScrolledRows::RowRemoved(int32_t row) {
@@ -75,8 +77,9 @@ void CGhostScrolledRows::SetSelected(int32_t row, bool notify) {
 }
 
 void CGhostScrolledRows::SetHot(int32_t row) {
-    hot = Usable(row) ? row : -1;
-    EnsureVisible(hot);
+    const int32_t aim = Usable(row) ? row : -1;
+    EnsureVisible(aim); // which makes hot what comes under the mouse
+    hot = aim;
     dirty = true;
 }
 

@@ -217,11 +217,17 @@ TEST_F(EventPumpTest, ARepeatIsNoCommand) {
 
 TEST_F(EventPumpTest, FunctionKeysDoNothingWhileTheUserWalksTheRoom) {
     InputSetWalkingRoom(true);
-    for (const uint32_t key : {kF2, kF3, kF4, kF5, kF6, kF11}) {
+    for (const uint32_t key : {kF2, kF3, kF5, kF6, kF11}) {
         Press(key);
     }
     EXPECT_TRUE(pump.Pump().commands.empty());
     EXPECT_TRUE(BindingIsDown(kF2, true)) << "the codes are set all the same";
+}
+
+TEST_F(EventPumpTest, TheCeilingLightIsSwitchedWhileTheUserWalksToo) {
+    InputSetWalkingRoom(true);
+    Press(kF4);
+    EXPECT_EQ(pump.Pump().commands, Commands{ProgramCommand::kToggleCeilingLight});
 }
 
 TEST_F(EventPumpTest, FunctionKeysUnderAChordBelongToTheDesktop) {

@@ -157,6 +157,18 @@ TEST_F(DropList, WheelLettersAndPageKeysChangeTheChoiceWhileItIsClosed) {
     EXPECT_EQ(selections, (std::vector<int>{0, 2, 3, 2, 0, 3, 2}));
 }
 
+TEST_F(DropList, KeysAimThoughTheMouseRestsOverTheList) {
+    CGhostDropList* const drop = MakeDrop(100, 100, 100);
+    ClickAt(120, 110);
+    MoveTo(150, 150);
+    EXPECT_EQ(drop->List()->Hot(), 21 / drop->List()->RowHeight());
+    Key(kEnd);
+    EXPECT_GT(drop->List()->ScrollPixels(), 0);
+    EXPECT_EQ(drop->List()->Hot(), 99);
+    Key(kReturn);
+    EXPECT_EQ(drop->Selected(), 99);
+}
+
 TEST_F(DropList, ItemsMayChangeWhileItIsOpen) {
     CGhostDropList* const drop = MakeDrop(100, 5);
     drop->Open();

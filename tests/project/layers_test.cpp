@@ -50,7 +50,7 @@ const std::vector<TARGET_ROW> kTargets = {
     {"sound",     {"base", "bindings", "host", "machine", "settings"}},
     {"display",   {"base", "host", "machine", "settings"}},
     {"gui",       {"base"}},
-    {"room",      {"base", "bindings", "display", "facts", "gui", "host", "machine", "settings"}, Row::kToCome},
+    {"room",      {"base", "bindings", "display", "facts", "gui", "host", "machine", "settings"}},
     {"web",       {"base", "formats"}, Row::kToCome},
     {"screens",   {"base", "bindings", "catalogue", "facts", "formats", "gui", "host", "machine", "machines",
                    "room", "settings", "web"}, Row::kToCome},

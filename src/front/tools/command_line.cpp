@@ -147,6 +147,23 @@ int Run(int argc, const char* const* argv) {
     galleryApp->add_option("--screenshot", gallery.screenshot, "Write the pages, open no window")
         ->type_name("FILE.png");
 
+    ROOM_OPTIONS room;
+    CLI::App* roomApp = app.add_subcommand("room", "Walk in a room in which games play on televisions");
+    roomApp->add_option("GAME", room.games, "ROMs, .zip, .game or demo:NAME; without any, our own");
+    roomApp->add_option("--set", room.settings, "A setting for this run")
+        ->type_name("NAME=VALUE")
+        ->expected(1)
+        ->take_all();
+    roomApp->add_option("--bench", room.benchSeconds, "Measure for this long how fast it is drawn")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.1, 3600.0));
+    roomApp->add_option("--view", room.view, "Where to stand, and the point to look at")
+        ->type_name("X Y Z X Y Z")
+        ->expected(6);
+    roomApp->add_flag("--dark", room.dark, "Without the ceiling light");
+    roomApp->add_option("--screenshot", room.screenshot, "Write a picture of the window and end")
+        ->type_name("FILE.png");
+
     CLI::App* actionsApp = app.add_subcommand("actions", "List every action with its bindings");
 
     try {
@@ -169,6 +186,9 @@ int Run(int argc, const char* const* argv) {
     }
     if (*galleryApp) {
         return GalleryCommand(gallery);
+    }
+    if (*roomApp) {
+        return RoomCommand(room);
     }
     if (*actionsApp) {
         return ActionsCommand();

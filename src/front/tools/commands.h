@@ -47,3 +47,14 @@ struct GALLERY_OPTIONS {
     std::filesystem::path screenshot; // without a page, one file each, its number after the name
 };
 int GalleryCommand(const GALLERY_OPTIONS& options);
+
+// The room with its televisions, in a window. Numbers of the view are room units.
+struct ROOM_OPTIONS {
+    std::vector<std::string> games;    // as `play` takes them; none: our own
+    std::vector<std::string> settings; // NAME=VALUE, for this run
+    double benchSeconds = 0.0;         // 0: until the window is closed
+    std::vector<float> view;           // six numbers: where the player stands, and at what he looks
+    bool dark = false;                 // the ceiling light is off
+    std::filesystem::path screenshot;  // of the window once all sets have a picture; then the program ends
+};
+int RoomCommand(const ROOM_OPTIONS& options);

@@ -4,6 +4,7 @@
 #include "gui/list.h"
 #include "gui/message_box.h"
 #include "gui/popup.h"
+#include "gui/window.h"
 #include "gui/window_ex.h"
 
 using Window = CGhostWindowEx;

@@ -32,13 +32,13 @@ constexpr size_t kProgramActions = 12; // come first in the table
 // clang-format off
 constexpr INPUT_ACTION kInputActions[] = {
     // the program's own
-    {L"Move Forward", 26},                                      // W
-    {L"Move Back", 22},                                         // S
-    {L"Move Left", 4},                                          // A
-    {L"Move Right", 7},                                         // D
-    {L"Use", 8},                                                // E
-    {L"Turn Off", 20},                                          // Q
-    {L"Slow Movement", 44},                                     // Space
+    {L"Move Forward", 26, PadBit(0, kPadDpadUp)},               // W
+    {L"Move Back", 22, PadBit(0, kPadDpadDown)},                // S
+    {L"Move Left", 4, PadBit(0, kPadDpadLeft)},                 // A
+    {L"Move Right", 7, PadBit(0, kPadDpadRight)},               // D
+    {L"Use", 8, PadBit(0, kPadSouth)},                          // E
+    {L"Turn Off", 20, PadBit(0, kPadNorth)},                    // Q
+    {L"Slow Movement", 44, PadBit(0, kPadLeftShoulder)},        // Space
     {L"Take ScreenShot", 69},                                   // F12
     {L"Fast Forward", 43, PadBit(0, kPadRightTrigger)},         // Tab
     {L"Rewind", KeyboardBinding(43, kModifierShift), PadBit(0, kPadLeftTrigger)}, // Shift + Tab

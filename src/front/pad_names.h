@@ -1,0 +1,13 @@
+// What is printed on a game controller's buttons.
+#pragma once
+
+#include "settings/pad_defaults.h"
+
+#include <cstdint>
+
+// The families of controllers whose buttons have names of their own.
+enum class PadFamily : uint8_t { kLetters, kShapes, kNintendo };
+
+// The name of a control by its position: the lower of the four buttons is "A", "Cross" or "B". Empty for a
+// control that has no short name.
+[[nodiscard]] const wchar_t* PadControlName(PadFamily family, PadControl control);

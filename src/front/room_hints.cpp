@@ -1,0 +1,48 @@
+#include "front/room_hints.h"
+
+#include "gui/manager.h"
+#include "gui/text_box.h"
+
+#include <algorithm>
+
+namespace {
+
+// Units.
+constexpr int32_t kHeight = 36;
+constexpr int32_t kFromFoot = 28;
+constexpr int32_t kLetterWidth = 10; // a little more than the mean
+constexpr int32_t kMargins = 48;
+
+} // namespace
+
+RoomHints::RoomHints()
+    : line(new CGhostTextBox(nullptr, 0, L"ROOMHINT", L"", {false, 0, 0, 8, kHeight})) {
+    CGhostManager::Get().ShowWindow(line->window, false);
+}
+
+RoomHints::~RoomHints() {
+    CGhostManager::Get().DestroyWindow(line->window);
+}
+
+void RoomHints::Show(const std::wstring& wanted) {
+    const GUI_RECT screen = CGhostManager::Get().ScreenRect();
+    const bool resized = screen.width != screenWidth || screen.height != screenHeight;
+    if (wanted == text && !resized) {
+        return;
+    }
+    screenWidth = screen.width;
+    screenHeight = screen.height;
+    text = wanted;
+    if (!text.empty()) {
+        line->SetText(text);
+        Place();
+    }
+    CGhostManager::Get().ShowWindow(line->window, !text.empty());
+}
+
+void RoomHints::Place() {
+    const int32_t wanted = static_cast<int32_t>(text.size()) * kLetterWidth + kMargins;
+    const int32_t width = std::min(wanted, screenWidth);
+    CGhostManager::Get().SetWindowPos(line->window, (screenWidth - width) / 2,
+                                      screenHeight - kHeight - kFromFoot, width, kHeight);
+}

@@ -1,0 +1,28 @@
+// RoomHints: one line at the foot of the window: what the player's hands can do at the moment.
+//
+// Thread: main. Order: made after the toolkit has its screen and its theme.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+class CGhostTextBox;
+
+class RoomHints {
+public:
+    RoomHints();
+    ~RoomHints();
+    RoomHints(const RoomHints&) = delete;
+    RoomHints& operator=(const RoomHints&) = delete;
+
+    // An empty text hides the line.
+    void Show(const std::wstring& wanted);
+
+private:
+    void Place();
+
+    CGhostTextBox* line;
+    std::wstring text;
+    int32_t screenWidth = 0; // units, that the line was placed for
+    int32_t screenHeight = 0;
+};

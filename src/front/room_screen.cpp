@@ -1,0 +1,363 @@
+#include "front/room_screen.h"
+
+#include "audio/sound.h"
+#include "base/text.h"
+#include "front/event_pump.h"
+#include "front/game_screen.h"
+#include "front/joysticks.h"
+#include "front/notices.h"
+#include "front/object_files.h"
+#include "front/room_sound.h"
+#include "front/televisions.h"
+#include "host/session_list.h"
+#include "room/look_stick.h"
+#include "settings/bindings.h"
+#include "settings/settings.h"
+
+#include <SDL_video.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr uint32_t kNoSession = 0; // no set has this key
+constexpr uint32_t kEscape = 41;   // scancodes
+constexpr uint32_t kLeftShift = 225;
+constexpr uint32_t kLeftButton = 1;
+constexpr uint32_t kMiddleButton = 2;
+constexpr float kLongestStep = 0.1f;        // seconds; after a standstill nobody flies through a wall
+constexpr int64_t kGeneralHint = 10000000;  // microseconds that the hint to walk stays
+constexpr int64_t kFullScreenHint = 4000000;
+
+bool ActionIsDown(std::wstring_view name) {
+    return InputIsDown(kApplicationKey, name);
+}
+
+float ActionAxis(std::wstring_view less, std::wstring_view more) {
+    return (ActionIsDown(more) ? 1.0f : 0.0f) - (ActionIsDown(less) ? 1.0f : 0.0f);
+}
+
+// The key of an action as the player has bound it.
+std::wstring ActionKeyName(std::wstring_view action) {
+    return BindingName(
+        static_cast<uint32_t>(Settings().GetInt2(L"INPUT " + std::wstring(action)).first));
+}
+
+float Aspect(const DRAW_TARGET& target) {
+    return static_cast<float>(std::max(target.width, 1u)) /
+           static_cast<float>(std::max(target.height, 1u));
+}
+
+} // namespace
+
+// Presses are those of this round; a press that came and went within it counts.
+struct RoomScreen::HANDS {
+    WALK_INPUT walk;
+    float lookX = 0.0f; // pixels of the mouse
+    float lookY = 0.0f;
+    STICK turn; // degrees a second
+    int notches = 0;
+    bool slowWheel = false;
+    bool use = false;
+    bool turnOff = false;
+    bool toggleWalking = false;
+    bool middle = false;
+    bool click = false; // with a free mouse
+};
+
+RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> openedGames)
+    : around(surroundings)
+    , games(std::move(openedGames)) {
+    renderer.InitRoom({[](const char* name) { return SDL_GL_GetProcAddress(name); },
+                       ReadObjectFile, PostReport});
+    objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
+    PlaceTelevisionSounds(objects);
+    camera.SetUp(1.0f);
+    modes.Enter();
+    ApplyModes();
+}
+
+RoomScreen::~RoomScreen() {
+    games.StopAll();
+    SoundSetRoomVisible(false);
+    around.televisions.ShowInRoom(false);
+}
+
+void RoomScreen::StartGames(size_t count) {
+    for (const uint32_t key : objects.Televisions()) {
+        std::string error;
+        if (key == 0 || count == 0) {
+            continue;
+        }
+        --count;
+        if (!games.StartNext(key, error)) {
+            PostReport(error);
+        }
+    }
+}
+
+void RoomScreen::StandAt(VECTOR3 from, VECTOR3 at) {
+    camera.SetUp(1.0f, from, at);
+}
+
+bool RoomScreen::Update(const SCREEN_INPUT& input) {
+    const float seconds =
+        lastRound == 0
+            ? 0.0f
+            : std::min(static_cast<float>(input.now - lastRound) * 0.000001f, kLongestStep);
+    lastRound = input.now;
+    hintsSince = hintsSince == 0 ? input.now : hintsSince;
+
+    DropEndedGames();
+    const RoomModes before = modes;
+    const HANDS hands = ReadHands(input);
+    if (modes.RoomVisible()) {
+        camera.SetAspect(Aspect(input.target));
+        Walk(hands, seconds);
+        modes.SetLookedAt(LookAt(objects, camera));
+    }
+    Act(hands);
+    if (before.RoomVisible() != modes.RoomVisible() || before.Walking() != modes.Walking()) {
+        hintsSince = input.now;
+    }
+    ApplyModes();
+    hints.Show(Hint(input.now));
+    const bool pictureNews = fullScreen != nullptr && fullScreen->Update(input);
+    return modes.RoomVisible() || pictureNews;
+}
+
+RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
+    HANDS hands;
+    const bool walking = modes.Walking();
+    bool keysUsed = false;
+    for (const GUI_INPUT& event : walking ? input.events.screen : input.events.gui) {
+        keysUsed = true;
+        switch (event.kind) {
+        case GuiInputKind::kMouseMove:
+            hands.lookX += static_cast<float>(event.dx);
+            hands.lookY += static_cast<float>(event.dy);
+            break;
+        case GuiInputKind::kMouseDown:
+            hands.use = hands.use || (walking && event.button == kLeftButton);
+            hands.click = hands.click || (!walking && event.button == kLeftButton);
+            hands.middle = hands.middle || event.button == kMiddleButton;
+            break;
+        case GuiInputKind::kWheel: hands.notches -= event.wheel; break;
+        case GuiInputKind::kKeyDown:
+            hands.toggleWalking = hands.toggleWalking || (event.key == kEscape && !event.repeat);
+            break;
+        default: break;
+        }
+    }
+    hands.slowWheel = BindingIsDown(kLeftShift, false);
+
+    const InputFrame frame(looker, kApplicationKey);
+    const PAD_STICKS sticks = around.joysticks.Sticks();
+    const STICK way = WithoutDeadZone({sticks.leftX, sticks.leftY});
+    hands.turn = LookRate({sticks.rightX, sticks.rightY});
+    const float right = ActionAxis(L"Move Left", L"Move Right") + way.x;
+    const float forward = ActionAxis(L"Move Back", L"Move Forward") - way.y;
+    hands.walk = {std::clamp(right, -1.0f, 1.0f), std::clamp(forward, -1.0f, 1.0f),
+                  ActionIsDown(L"Slow Movement")};
+
+    const auto pressed = [](bool down, bool& held) {
+        const bool press = down && !held;
+        held = down;
+        return press;
+    };
+    const uint64_t pads = InputPadsActing();
+    hands.use = pressed(ActionIsDown(L"Use"), useHeld) || hands.use;
+    hands.turnOff = pressed(ActionIsDown(L"Turn Off"), turnOffHeld);
+    // While a machine is played its buttons are its own; the guide button belongs to no machine.
+    const uint64_t leaveControls =
+        PadBit(0, kPadGuide) | (walking ? PadBit(0, kPadEast) : uint64_t{0});
+    hands.toggleWalking = pressed((pads & leaveControls) != 0, leaveHeld) || hands.toggleWalking;
+
+    if (pads != 0 || way.x != 0.0f || way.y != 0.0f || hands.turn.x != 0.0f || hands.turn.y != 0.0f) {
+        padInHand = true;
+    } else if (keysUsed) {
+        padInHand = false;
+    }
+    return hands;
+}
+
+void RoomScreen::Walk(const HANDS& hands, float seconds) {
+    if (!modes.Walking()) {
+        camera.Move({}, seconds);
+        return;
+    }
+    camera.Look(hands.lookX, hands.lookY, hands.walk.slow);
+    camera.Turn(hands.turn.x * seconds, hands.turn.y * seconds);
+    if (hands.notches != 0) {
+        camera.Zoom(hands.notches, hands.slowWheel);
+    }
+    camera.Move(hands.walk, seconds);
+}
+
+void RoomScreen::Act(const HANDS& hands) {
+    if (hands.toggleWalking) {
+        BackToRoom();
+        modes.ToggleWalking();
+        return;
+    }
+    if (!modes.RoomVisible()) {
+        return;
+    }
+    if (hands.middle) {
+        modes.ToggleWalkingAtScreen();
+    } else if (modes.Walking() && hands.turnOff) {
+        Obey(modes.TurnOff(Settings().GetBool(L"emu_startfullscreen")));
+    } else if (modes.Walking() && hands.use) {
+        Obey(modes.Use());
+    } else if (hands.click && !modes.Selected().on) {
+        modes.ToggleWalking(); // nobody plays, so a click takes the camera again
+    }
+}
+
+void RoomScreen::Obey(const ROOM_ORDER& order) {
+    switch (order.order) {
+    case RoomOrder::kNothing: break;
+    case RoomOrder::kChooseGame:
+        if (modes.Selected().on) {
+            ShowFullScreen(order.id);
+            break;
+        }
+        modes.Enter();
+        if (std::string error; !games.StartNext(order.id, error)) {
+            PostReport(error);
+        } else if (Settings().GetBool(L"emu_startfullscreen")) {
+            ShowFullScreen(order.id);
+        }
+        break;
+    case RoomOrder::kStopGame:
+    case RoomOrder::kStopAndChooseGame:
+        games.Stop(order.id);
+        objects.TurnOff(order.id);
+        modes.Enter();
+        break;
+    }
+}
+
+void RoomScreen::ShowFullScreen(uint32_t key) {
+    const LightGun* const itsGuns = games.GunsOn(key);
+    if (itsGuns == nullptr) {
+        return;
+    }
+    guns = *itsGuns;
+    shownKey = key;
+    modes.LeaveForFullScreen();
+    fullScreen = std::make_unique<GameScreen>(around.televisions, around.view, guns);
+}
+
+void RoomScreen::BackToRoom() {
+    if (fullScreen != nullptr) {
+        fullScreen.reset();
+        modes.Enter();
+        modes.ToggleWalking(); // the caller toggles it again
+    }
+}
+
+// A machine that cannot go on has been turned off by the round before.
+void RoomScreen::DropEndedGames() {
+    for (const uint32_t key : objects.Televisions()) {
+        if (key == 0 || games.GunsOn(key) == nullptr || PinSession(key) != nullptr) {
+            continue;
+        }
+        games.Forget(key);
+        objects.TurnOff(key);
+        if (fullScreen != nullptr && key == shownKey) {
+            fullScreen.reset();
+            modes.Enter();
+        }
+    }
+}
+
+// What the rest of the program must know of the modes.
+void RoomScreen::ApplyModes() {
+    around.televisions.ShowInRoom(modes.RoomVisible());
+    SoundSetRoomVisible(modes.RoomVisible());
+    if (!modes.RoomVisible()) {
+        InputSetActiveKey(shownKey);
+    } else if (modes.Selected().id != 0) {
+        InputSetActiveKey(modes.Selected().id);
+    } else {
+        InputSetActiveKey(kNoSession);
+    }
+    PlaceListener(camera);
+}
+
+void RoomScreen::AttachPictures() {
+    const auto& pictures = around.televisions.All();
+    for (const uint32_t key : objects.Televisions()) {
+        const auto found = pictures.find(key);
+        if (found != pictures.end() && found->second.picture.texture.glTexture != 0) {
+            objects.Attach(key, found->second.picture);
+        } else if (const CRoomObject* const set = objects.Find(key); set != nullptr && set->on) {
+            objects.TurnOff(key);
+        }
+    }
+}
+
+void RoomScreen::Draw(const DRAW_TARGET& target) {
+    AttachPictures();
+    if (fullScreen != nullptr) {
+        fullScreen->Draw(target);
+        return;
+    }
+    ROOM_SCENE scene;
+    scene.screenWidth = target.width;
+    scene.screenHeight = target.height;
+    scene.projection = camera.Projection();
+    scene.view = camera.View();
+    scene.ceilingLight = around.ceilingLight;
+    renderer.Draw(scene, objects);
+}
+
+// On the set that the player looks at, or on the first that is off.
+bool RoomScreen::TakeDropped(OPENED_GAME& opened) {
+    uint32_t key = fullScreen != nullptr ? shownKey : modes.Selected().id;
+    for (const uint32_t free : objects.Televisions()) {
+        if (key == 0 && free != 0 && games.GunsOn(free) == nullptr) {
+            key = free;
+        }
+    }
+    std::string error;
+    if (key == 0) {
+        PostReport("all televisions are on; turn one off, or look at the one to play on");
+    } else if (!games.Start(key, std::move(opened), error)) {
+        PostReport(error);
+    } else if (fullScreen != nullptr) {
+        guns = *games.GunsOn(key);
+    }
+    return true;
+}
+
+std::wstring RoomScreen::Hint(int64_t now) const {
+    const auto name = [&](const wchar_t* action, PadControl control) {
+        return padInHand ? std::wstring(PadControlName(around.joysticks.Family(), control))
+                         : ActionKeyName(action);
+    };
+    const std::wstring back = padInHand ? name(L"", kPadGuide) : std::wstring(L"Esc");
+    if (!modes.RoomVisible()) {
+        return now - hintsSince < kFullScreenHint ? back + L"   Back to the room" : std::wstring();
+    }
+    const LOOKED_AT& selected = modes.Selected();
+    if (!modes.Walking()) {
+        return selected.on ? back + L"   Walk on" : back + L" or a click   Walk on";
+    }
+    if (selected.on) {
+        return name(L"Use", kPadSouth) + L"   Play " + WideFromUtf8(games.TitleOn(selected.id)) +
+               L"      " + name(L"Turn Off", kPadNorth) + L"   Turn off";
+    }
+    if (selected.id != 0) {
+        return name(L"Use", kPadSouth) + L"   Turn on: " + WideFromUtf8(games.NextTitle());
+    }
+    if (now - hintsSince >= kGeneralHint) {
+        return {};
+    }
+    return padInHand ? std::wstring(L"Left stick   Walk      Right stick   Look")
+                     : ActionKeyName(L"Move Forward") + L" " + ActionKeyName(L"Move Left") + L" " +
+                           ActionKeyName(L"Move Back") + L" " + ActionKeyName(L"Move Right") +
+                           L"   Walk      Mouse   Look      Esc   Free the mouse";
+}

@@ -1,0 +1,93 @@
+// RoomScreen: the room with its televisions. The player walks in it, looks at a set, starts a game on it, plays
+// it full screen and comes back.
+//
+//   walking       keys, mouse and sticks move the camera; `Use` at a set that is on shows it full screen, at
+//                 one that is off starts the next game on it; `Turn Off` stops the game
+//   standing      the mouse is free; a machine at which the player stands gets the input
+//   full screen   one set's picture fills the window and its machine gets the input
+// Escape, and a controller's guide button, lead back to walking from both.
+//
+// Thread: main, with the OpenGL context current.
+#pragma once
+
+#include "front/game_view.h"
+#include "front/room_games.h"
+#include "front/room_hints.h"
+#include "front/screen.h"
+#include "room/room_camera.h"
+#include "room/room_modes.h"
+#include "room/room_objects.h"
+#include "room/room_renderer.h"
+#include "settings/input_frame.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class GameScreen;
+class Joysticks;
+class Televisions;
+
+// What outlives the screen. The view may change between rounds.
+struct ROOM_SURROUNDINGS {
+    Televisions& televisions;
+    const Joysticks& joysticks;
+    const GAME_VIEW& view;
+    const bool& ceilingLight;
+};
+
+class RoomScreen final : public Screen {
+public:
+    RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> games);
+    ~RoomScreen() override; // stops the games, autosaves included
+
+    // A game on each of the first `count` sets of the list that have a place.
+    void StartGames(size_t count);
+
+    [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
+    void Draw(const DRAW_TARGET& target) override;
+    [[nodiscard]] bool WantsInput() const override { return modes.Walking(); }
+    [[nodiscard]] bool TakeDropped(OPENED_GAME& opened) override;
+
+    // Stands the player somewhere else.
+    void StandAt(VECTOR3 from, VECTOR3 at);
+
+    [[nodiscard]] const RoomModes& Modes() const { return modes; }
+    [[nodiscard]] const CRoomCamera& Camera() const { return camera; }
+    [[nodiscard]] const CRoomObjects& Objects() const { return objects; }
+    [[nodiscard]] const RoomGames& Games() const { return games; }
+    [[nodiscard]] const ROOM_COUNTERS& Counters() const { return renderer.Counters(); }
+
+private:
+    struct HANDS; // what the player's hands did in a round
+
+    [[nodiscard]] HANDS ReadHands(const SCREEN_INPUT& input);
+    void Walk(const HANDS& hands, float seconds);
+    void Act(const HANDS& hands);
+    void Obey(const ROOM_ORDER& order);
+    void ShowFullScreen(uint32_t key);
+    void BackToRoom();
+    void DropEndedGames();
+    void ApplyModes();
+    void AttachPictures();
+    [[nodiscard]] std::wstring Hint(int64_t now) const;
+
+    ROOM_SURROUNDINGS around;
+    RoomGames games;
+    CRoomObjects objects;
+    RoomRenderer renderer;
+    CRoomCamera camera;
+    RoomModes modes;
+    RoomHints hints;
+    std::unique_ptr<GameScreen> fullScreen; // while one set fills the window
+    LightGun guns;                          // of that set's game
+    InputLooker looker;
+    uint32_t shownKey = 0;  // of the set that fills the window
+    int64_t lastRound = 0;  // microseconds of the host's clock; 0 before the first
+    int64_t hintsSince = 0; // of the present mode
+    bool useHeld = false;
+    bool turnOffHeld = false;
+    bool leaveHeld = false;
+    bool padInHand = false;
+};

@@ -1,0 +1,204 @@
+// `ombrelune room`: the room in a window, or its frame times, or a picture of it.
+#include "base/files.h"
+#include "front/application.h"
+#include "front/demos.h"
+#include "front/notices.h"
+#include "front/room_screen.h"
+#include "front/run_settings.h"
+#include "front/session_callbacks.h"
+#include "front/terminal.h"
+#include "front/tools/commands.h"
+#include "front/tools/media_files.h"
+#include "front/unread_notices.h"
+#include "host/battery_file.h"
+#include "host/host_data.h"
+#include "host/session_statistics.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <numeric>
+
+namespace {
+
+// The program's own games, best first; the pages that test a television are none of them.
+constexpr const char* kOwnGames[] = {"demo:sms-luciole", "demo:md-mistral", "demo:nes-ecume",
+                                     "demo:nes-grelot",  "demo:gg-glimmer", "demo:arcade-skywren"};
+constexpr size_t kSets = 8;
+constexpr int64_t kWarmUp = 2000000;      // microseconds until a measurement begins
+constexpr int64_t kPictureWait = 6000000; // longer than television static
+
+bool OpenGames(const std::vector<std::string>& names, std::vector<OPENED_GAME>& games) {
+    for (const std::string& name : names) {
+        OPENED_GAME opened;
+        std::string error;
+        if (!OpenForPlaying(name, nullptr, opened, error)) {
+            Complain(error);
+            return false;
+        }
+        games.push_back(std::move(opened));
+    }
+    return true;
+}
+
+bool ApplySettings(const std::vector<std::string>& settings) {
+    for (const std::string& setting : settings) {
+        const size_t equals = setting.find('=');
+        const std::string name = setting.substr(0, equals);
+        const std::string value = equals == std::string::npos ? "" : setting.substr(equals + 1);
+        if (equals == std::string::npos || SetForThisRun(name, value) != RunSetting::kSet) {
+            Complain("--set " + setting + ": no such setting, or not a value that it can have");
+            return false;
+        }
+    }
+    return true;
+}
+
+double Milliseconds(int64_t microseconds) {
+    return static_cast<double>(microseconds) / 1000.0;
+}
+
+class RoomRun {
+public:
+    explicit RoomRun(const ROOM_OPTIONS& roomOptions)
+        : options(roomOptions) {}
+
+    int Run(std::vector<OPENED_GAME> games) {
+        const bool unattended = options.benchSeconds > 0.0 || !options.screenshot.empty();
+        if (unattended) { // nobody is playing, so the player's saves must not be continued
+            static_cast<void>(SetForThisRun("emu_autosaves", "0"));
+            EmuWriteBatteries(false);
+        }
+        std::string error;
+        if (!application.Start(error)) {
+            Complain(error);
+            return kExitFailed;
+        }
+        TellUnreadNotices();
+        // Named games play at once; of our own the sets show all, and each set has one to follow.
+        const size_t sets = options.games.empty() ? kSets : std::min(kSets, games.size());
+        room = &application.ShowRoom(std::move(games));
+        application.SetCeilingLight(!options.dark);
+        if (!options.view.empty()) {
+            const std::vector<float>& v = options.view;
+            room->StandAt({v[0], v[1], v[2]}, {v[3], v[4], v[5]});
+        }
+        room->StartGames(sets);
+        int code = kExitDone;
+        if (options.benchSeconds > 0.0) {
+            Measure();
+        } else if (!options.screenshot.empty()) {
+            code = TakePicture(sets);
+        } else {
+            while (application.Round()) {
+            }
+        }
+        application.Stop();
+        KeepUnreadNotices();
+        return code;
+    }
+
+private:
+    static int64_t Now() { return HostClock().nowMicroseconds(); }
+
+    // Rounds until the time is over; false if the window was closed.
+    bool RunUntil(int64_t end) {
+        while (Now() < end) {
+            if (!application.Round()) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    void Measure() {
+        if (!RunUntil(Now() + kWarmUp)) {
+            return;
+        }
+        std::vector<int64_t> rounds;
+        const int64_t start = Now();
+        const auto length = static_cast<int64_t>(options.benchSeconds * 1000000.0);
+        const uint32_t framesBefore = FramesPresented();
+        int64_t last = start;
+        while (last - start < length && application.Round()) {
+            const int64_t now = Now();
+            rounds.push_back(now - last);
+            last = now;
+        }
+        Report(rounds, last - start, FramesPresented() - framesBefore);
+    }
+
+    void Report(std::vector<int64_t>& rounds, int64_t length, uint32_t frames) const {
+        if (rounds.empty()) {
+            return;
+        }
+        std::sort(rounds.begin(), rounds.end());
+        const size_t worst = std::max<size_t>(rounds.size() / 100, 1);
+        const int64_t sum = std::accumulate(rounds.begin(), rounds.end(), int64_t{0});
+        const int64_t worstSum = std::accumulate(
+            rounds.end() - static_cast<std::ptrdiff_t>(worst), rounds.end(), int64_t{0});
+        const double seconds = static_cast<double>(length) / 1000000.0;
+        std::printf("pictures   %.1f a second, %.2f ms each, median %.2f, worst 1 %% %.2f\n",
+                    static_cast<double>(rounds.size()) / seconds,
+                    Milliseconds(sum) / static_cast<double>(rounds.size()),
+                    Milliseconds(rounds[rounds.size() / 2]),
+                    Milliseconds(worstSum) / static_cast<double>(worst));
+        size_t playing = 0;
+        for (const auto& [key, set] : application.Sets().All()) {
+            playing += set.picture.texture.glTexture != 0 ? 1 : 0;
+        }
+        std::printf("machines   %zu, together %.1f frames a second\n", playing,
+                    static_cast<double>(frames) / seconds);
+        std::printf("sound      %s\n", EmuFormatStats().c_str());
+        const ROOM_COUNTERS& counters = room->Counters();
+        std::printf("a picture  %u draw calls, %u triangles, %u programs, %u textures, %u materials, "
+                    "%u uniforms, %llu bytes uploaded by the room\n",
+                    counters.drawCalls, counters.triangles, counters.programChanges,
+                    counters.textureBinds, counters.materialWrites, counters.uniformWrites,
+                    static_cast<unsigned long long>(counters.bytesUploaded));
+    }
+
+    int TakePicture(size_t sets) {
+        const int64_t end = Now() + kPictureWait;
+        while (Now() < end && application.Round()) {
+            const auto& all = application.Sets().All();
+            const auto shows = [](const auto& set) { return set.second.picture.texture.glTexture; };
+            if (std::count_if(all.begin(), all.end(), shows) >= static_cast<int64_t>(sets) &&
+                Now() > end - kPictureWait + kWarmUp * 2) {
+                break;
+            }
+        }
+        std::vector<uint32_t> pixels = application.ReadWindow();
+        EMU_VIDEO_FRAME picture{};
+        picture.pixels = pixels.data();
+        picture.width = picture.visibleWidth = application.MainWindow().PixelWidth();
+        picture.height = picture.visibleHeight = application.MainWindow().PixelHeight();
+        std::string error;
+        if (!WriteFile(options.screenshot, PngOfFrame(picture), error)) {
+            Complain(error);
+            return kExitFailed;
+        }
+        return kExitDone;
+    }
+
+    const ROOM_OPTIONS& options;
+    Application application;
+    RoomScreen* room = nullptr;
+};
+
+} // namespace
+
+int RoomCommand(const ROOM_OPTIONS& options) {
+    std::vector<std::string> names = options.games;
+    if (names.empty()) {
+        names.assign(std::begin(kOwnGames), std::end(kOwnGames));
+    }
+    std::vector<OPENED_GAME> games;
+    if (!OpenGames(names, games)) {
+        return kExitFailed;
+    }
+    if (!ApplySettings(options.settings)) {
+        return kExitUsage;
+    }
+    RoomRun run(options);
+    return run.Run(std::move(games));
+}

@@ -1,0 +1,118 @@
+#include "room/cover_view.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+constexpr size_t kColumns = 3;
+constexpr float kCellWidth = 90.0f;
+constexpr float kCellHeight = 130.0f;
+constexpr float kFlipRate = 300.0f; // degrees a second
+constexpr float kMostAcross = 3.0f;
+constexpr float kMostUp = 0.8f;
+constexpr float kNear = 10.0f;
+constexpr float kFar = 1000.0f;
+const float kHalfView = std::tan(std::numbers::pi_v<float> / 8.0f); // of 45 degrees, at distance 1
+
+// From where a rectangle of this size just fits into the view.
+float DistanceFor(float width, float height, float aspect) {
+    return std::max(height, width / aspect) / 2.0f / kHalfView;
+}
+
+} // namespace
+
+VECTOR3 CoverView::PlaceOf(size_t slot) {
+    return {static_cast<float>(slot % kColumns) * kCellWidth + kCellWidth / 2.0f,
+            kCellHeight / 2.0f - static_cast<float>(slot / kColumns) * kCellHeight, 0.0f};
+}
+
+void CoverView::SetCovers(std::span<const int> kinds, bool withCabinet) {
+    slots = {};
+    count = std::min(kinds.size(), kMostCovers);
+    for (size_t i = 0; i < count; ++i) {
+        const bool known = kinds[i] >= 0 && static_cast<size_t>(kinds[i]) < kBoxSizes.size();
+        slots[i].kind = known ? kinds[i] : kNoCover;
+    }
+    cabinet = withCabinet;
+    zoomed = kMostCovers;
+    leanAcross = 0.0f;
+    leanUp = 0.0f;
+    PlaceCamera();
+}
+
+void CoverView::SetSize(uint32_t width, uint32_t height) {
+    viewWidth = std::max(width, 1U);
+    viewHeight = std::max(height, 1U);
+    PlaceCamera();
+}
+
+void CoverView::PlaceCamera() {
+    const float aspect = static_cast<float>(viewWidth) / static_cast<float>(viewHeight);
+    VECTOR3 aim;
+    if (zoomed < kMostCovers) {
+        aim = PlaceOf(zoomed);
+        distance = DistanceFor(kCellWidth, kCellHeight, aspect);
+    } else {
+        const auto rows =
+            static_cast<float>(std::max<size_t>((count + kColumns - 1) / kColumns, 1));
+        aim = {kColumns * kCellWidth / 2.0f, kCellHeight - rows * kCellHeight / 2.0f, 0.0f};
+        distance = DistanceFor(kColumns * kCellWidth, rows * kCellHeight, aspect);
+    }
+    const VECTOR3 from = {aim.x + leanAcross, aim.y + leanUp, distance};
+    camera.SetUp(aspect, from, {from.x, from.y, 0.0f});
+    camera.SetRange(kNear, kFar);
+}
+
+void CoverView::Lean(float across, float up) {
+    leanAcross = std::clamp(across, -kMostAcross, kMostAcross);
+    leanUp = std::clamp(up, -kMostUp, kMostUp);
+    PlaceCamera();
+}
+
+void CoverView::Update(float seconds) {
+    for (SLOT& slot : slots) {
+        if (!slot.flipping) {
+            continue;
+        }
+        const float end = slot.turn < 180.0f ? 180.0f : 360.0f;
+        slot.turn += kFlipRate * seconds;
+        if (slot.turn >= end) {
+            slot.turn = end == 360.0f ? 0.0f : end;
+            slot.flipping = false;
+        }
+    }
+}
+
+size_t CoverView::SlotAt(int32_t x, int32_t y) const {
+    const VECTOR3 point =
+        camera.Unproject((static_cast<float>(x) + 0.5f) / static_cast<float>(viewWidth),
+                         (static_cast<float>(y) + 0.5f) / static_cast<float>(viewHeight),
+                         kFar / (kFar - kNear) - kFar * kNear / (kFar - kNear) / distance);
+    for (size_t i = 0; i < count; ++i) {
+        if (slots[i].kind == kNoCover) {
+            continue;
+        }
+        const BOX_SIZE box = kBoxSizes[static_cast<size_t>(slots[i].kind)];
+        const VECTOR3 place = PlaceOf(i);
+        if (std::abs(point.x - place.x) <= box.width / 2.0f &&
+            std::abs(point.y - place.y) <= box.height / 2.0f) {
+            return i;
+        }
+    }
+    return kMostCovers;
+}
+
+void CoverView::CoverClick(int button, int32_t x, int32_t y) {
+    const size_t slot = SlotAt(x, y);
+    if (slot == kMostCovers) {
+        return;
+    }
+    if (button == 1) {
+        zoomed = slot == zoomed ? kMostCovers : slot;
+        PlaceCamera();
+    } else if (button == 2) {
+        slots[slot].flipping = true;
+    }
+}

@@ -1,0 +1,335 @@
+#include "room/light_program.h"
+
+#include "room/light_program_text.h"
+#include "room/transform.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr float kAmbient = 0.5f;
+constexpr std::array<float, 4> kLampColour{0.6f, 0.6f, 0.6f, 1.0f};
+constexpr std::array<float, 4> kLampSpecular{0.5f, 0.5f, 0.5f, 1.0f};
+constexpr float kLampLinear = 0.00005f;
+constexpr float kLampQuadratic = 0.000008f;
+constexpr float kTelevisionLinear = 0.01f;
+constexpr float kTelevisionQuadratic = 0.0001f;
+constexpr float kFalloffScale = 0.000001f;
+
+constexpr size_t kMostLightSets = 8; // kept compiled
+
+// The kind of a surface, in one number.
+enum SurfaceBits : uint32_t { kGlossy = 1, kTextured = 2, kTelevision = 4 };
+constexpr uint32_t kFullest = kGlossy | kTextured | kTelevision;
+
+// A number as GLSL reads it, exact. Nine digits tell all floats apart; the exponent makes it no integer.
+std::string Literal(float value) {
+    std::array<char, 32> text{};
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value,
+                                            std::chars_format::scientific, 8);
+    return {text.data(), end};
+}
+
+std::string Literal(VECTOR3 v) {
+    return "vec3(" + Literal(v.x) + ", " + Literal(v.y) + ", " + Literal(v.z) + ")";
+}
+
+VECTOR3 Channels(const std::array<float, 4>& colour) {
+    return {colour[0], colour[1], colour[2]};
+}
+
+std::string CallText(const LIGHT_SHAPE& shape, size_t index) {
+    const std::string attenuation = Literal(shape.constantAttenuation) + ", " +
+                                    Literal(shape.linearAttenuation) + ", " +
+                                    Literal(shape.quadraticAttenuation) + ");\n";
+    if (!shape.bSpot) {
+        return "    AddLamp(" + Literal(shape.pos) + ", " + Literal(Channels(kLampColour)) + ", " +
+               Literal(Channels(kLampSpecular)) + ", " + Literal(shape.ambient) + ", " +
+               attenuation;
+    }
+    return "    AddTelevision(color[" + std::to_string(index) + "].rgb, " + Literal(shape.pos) +
+           ", " + Literal(shape.direction) + ", " + Literal(shape.ambient) + ", " +
+           Literal(shape.spotCosCutoff) + ", " + Literal(shape.spotBall) + ", " + attenuation;
+}
+
+std::string FragmentText(const std::vector<LIGHT_SHAPE>& shapes, uint32_t kind) {
+    const auto define = [kind](const char* name, uint32_t bit) {
+        return std::string("#define ") + name + ((kind & bit) != 0 ? " 1\n" : " 0\n");
+    };
+    std::string text = "#version 120\n";
+    text += define("GLOSSY", kGlossy);
+    text += define("TEXTURED", kTextured);
+    text += define("TELEVISION", kTelevision);
+    text += "#define LIGHTS " + std::to_string(shapes.size()) + "\n";
+    text += kFragmentMiddle;
+    for (size_t i = 0; i < shapes.size(); ++i) {
+        text += CallText(shapes[i], i);
+    }
+    return text + kFragmentEnd;
+}
+
+// Some drivers return only a log, and in it the word.
+bool LogTellsOfError(std::string log) {
+    std::transform(log.begin(), log.end(), log.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return log.find("ERROR") != std::string::npos;
+}
+
+template <class GetLog>
+std::string ReadLog(GetLog getLog, GLuint name) {
+    constexpr GLsizei kMost = 4096;
+    std::string log(kMost, '\0');
+    GLsizei length = 0;
+    getLog(name, kMost, &length, log.data());
+    log.resize(static_cast<size_t>(std::clamp<GLsizei>(length, 0, kMost)));
+    return log;
+}
+
+} // namespace
+
+bool LightProgram::Start(const GL_FUNCTIONS& functions, std::string& error) {
+    Release();
+    gl = functions;
+    if (gl.useProgram == nullptr) {
+        error = "the graphics driver has no shaders; the room is drawn without lights";
+        return false;
+    }
+    // Both kinds of light on the fullest kind of surface: no other form has anything that this has not.
+    VARIANT fullest;
+    const std::vector<LIGHT_SHAPE> shapes{
+        {.bEnabled = true},
+        { .bEnabled = true,   .bSpot = true}
+    };
+    works = Compile(FragmentText(shapes, kFullest), fullest, error);
+    DeleteVariant(fullest);
+    if (!works) {
+        Release();
+    }
+    return works;
+}
+
+void LightProgram::Release() {
+    for (const LIGHT_SET& set : sets) {
+        DropLightSet(set);
+    }
+    sets.clear();
+    setKnown = false;
+    current = nullptr;
+    works = false;
+}
+
+void LightProgram::DeleteVariant(const VARIANT& variant) const {
+    if (variant.program != 0 && gl.deleteProgram != nullptr) {
+        gl.deleteProgram(variant.program);
+    }
+}
+
+void LightProgram::DropLightSet(const LIGHT_SET& set) {
+    for (const auto& [kind, variant] : set.variants) {
+        DeleteVariant(variant);
+    }
+}
+
+GLuint LightProgram::CompileShader(GLenum kind, const std::string& text, std::string& error) const {
+    const GLuint shader = gl.createShader(kind);
+    const GLchar* const source = text.c_str();
+    gl.shaderSource(shader, 1, &source, nullptr);
+    gl.compileShader(shader);
+    const std::string log = ReadLog(gl.getShaderInfoLog, shader);
+    if (LogTellsOfError(log)) {
+        error = "the room's shader cannot be compiled: " + log;
+    }
+    return shader;
+}
+
+bool LightProgram::Compile(const std::string& fragmentText, VARIANT& variant,
+                           std::string& error) const {
+    error.clear();
+    const GLuint vertex = CompileShader(GL_VERTEX_SHADER, kVertexText, error);
+    const GLuint fragment = CompileShader(GL_FRAGMENT_SHADER, fragmentText, error);
+    const GLuint program = gl.createProgram();
+    gl.attachShader(program, vertex);
+    gl.attachShader(program, fragment);
+    gl.linkProgram(program);
+    if (gl.deleteShader != nullptr) { // they live on with the program
+        gl.deleteShader(vertex);
+        gl.deleteShader(fragment);
+    }
+    if (error.empty()) {
+        const std::string log = ReadLog(gl.getProgramInfoLog, program);
+        GLint linked = GL_TRUE;
+        if (gl.getProgramiv != nullptr) {
+            gl.getProgramiv(program, GL_LINK_STATUS, &linked);
+        }
+        if (linked != GL_TRUE || LogTellsOfError(log)) {
+            error = "the room's shader cannot be linked: " + log;
+        }
+    }
+    if (!error.empty()) {
+        if (gl.deleteProgram != nullptr) {
+            gl.deleteProgram(program);
+        }
+        return false;
+    }
+    variant.program = program;
+    FindPlaces(variant);
+    return true;
+}
+
+void LightProgram::FindPlaces(VARIANT& variant) const {
+    gl.useProgram(variant.program);
+    gl.uniform1i(gl.getUniformLocation(variant.program, "Texture0"), 0);
+    gl.useProgram(0);
+    variant.tvPlace = gl.getUniformLocation(variant.program, "fTV");
+    variant.eyePlace = gl.getUniformLocation(variant.program, "eye");
+    for (size_t i = 0; i < kMostLights; ++i) {
+        const std::string name = "color[" + std::to_string(i) + "]";
+        variant.colorPlaces[i] = gl.getUniformLocation(variant.program, name.c_str());
+    }
+}
+
+void LightProgram::ClearLights() {
+    for (ROOM_LIGHT& light : lights) {
+        light.shape.bEnabled = false;
+    }
+    setKnown = false;
+    written = false;
+}
+
+void LightProgram::SetLamp(size_t index, VECTOR3 position) {
+    ROOM_LIGHT& light = lights[index];
+    light.shape = {};
+    light.shape.bEnabled = true;
+    light.shape.pos = position;
+    light.shape.ambient = kAmbient;
+    light.shape.constantAttenuation = 1.0f;
+    light.shape.linearAttenuation = kLampLinear;
+    light.shape.quadraticAttenuation = kLampQuadratic;
+    light.color = kLampColour;
+    light.specular = kLampSpecular;
+    setKnown = false;
+    written = false;
+}
+
+void LightProgram::SetLight(size_t index, float falloff, const COLOUR_HISTORY& colours,
+                            VECTOR3 position, VECTOR3 direction, float ball, float cutoffAngle) {
+    ROOM_LIGHT& light = lights[index];
+    light.shape = {};
+    light.shape.bEnabled = true;
+    light.shape.bSpot = true;
+    light.shape.pos = position;
+    light.shape.direction = direction;
+    light.shape.ambient = kAmbient;
+    light.shape.constantAttenuation = 1.0f;
+    light.shape.linearAttenuation = kTelevisionLinear;
+    light.shape.quadraticAttenuation = kTelevisionQuadratic - falloff * kFalloffScale;
+    light.shape.spotCosCutoff = std::cos(Radians(cutoffAngle));
+    light.shape.spotBall = ball;
+    light.color = {colours.light[0], colours.light[1], colours.light[2], 1.0f};
+    light.specular = light.color;
+    setKnown = false;
+    written = false;
+}
+
+void LightProgram::SetEye(VECTOR3 place) {
+    eye = {place.x, place.y, place.z, 1.0f};
+    written = false;
+}
+
+size_t LightProgram::LightCount() const {
+    const auto dark = std::find_if(lights.begin(), lights.end(),
+                                   [](const ROOM_LIGHT& light) { return !light.shape.bEnabled; });
+    return static_cast<size_t>(dark - lights.begin());
+}
+
+// Brings the set of these lights to the front; the one that was not used for longest makes room for a new one.
+void LightProgram::FindLightSet() {
+    if (setKnown) {
+        return;
+    }
+    setKnown = true;
+    std::vector<LIGHT_SHAPE> shapes;
+    for (size_t i = 0; i < LightCount(); ++i) {
+        shapes.push_back(lights[i].shape);
+    }
+    const auto found = std::find_if(sets.begin(), sets.end(),
+                                    [&](const LIGHT_SET& set) { return set.shapes == shapes; });
+    if (found != sets.end()) {
+        sets.splice(sets.begin(), sets, found);
+        return;
+    }
+    if (sets.size() == kMostLightSets) {
+        DropLightSet(sets.back());
+        sets.pop_back();
+    }
+    sets.push_front({std::move(shapes), {}});
+}
+
+// Start has compiled everything, so this should not fail; a form that does draws without the program.
+LightProgram::VARIANT* LightProgram::Find(const LIT_SURFACE& surface) {
+    FindLightSet();
+    LIGHT_SET& set = sets.front();
+    uint32_t kind = surface.textured ? kTextured : 0U;
+    kind |= surface.fTV != 0.0f ? kTelevision : 0U;
+    kind |= surface.glossy && !set.shapes.empty() ? kGlossy : 0U;
+    const auto [found, isNew] = set.variants.try_emplace(kind);
+    std::string error;
+    if (isNew && !Compile(FragmentText(set.shapes, kind), found->second, error)) {
+        found->second = {};
+    }
+    if (isNew) {
+        current = nullptr; // Compile has turned it off
+    }
+    return &found->second;
+}
+
+void LightProgram::Write4(GLint place, const std::array<float, 4>& value,
+                          std::array<float, 4>& last, ROOM_COUNTERS& counters) const {
+    if (place >= 0 && value != last) {
+        gl.uniform4f(place, value[0], value[1], value[2], value[3]);
+        last = value;
+        ++counters.uniformWrites;
+    }
+}
+
+void LightProgram::TurnOn(VARIANT* variant, ROOM_COUNTERS& counters) {
+    if (variant != current) {
+        gl.useProgram(variant->program);
+        current = variant;
+        written = false;
+        ++counters.programChanges;
+    }
+}
+
+// A uniform is 0 until it is written, and so is the record of what was written.
+void LightProgram::Use(const LIT_SURFACE& surface, ROOM_COUNTERS& counters) {
+    if (!works) {
+        return;
+    }
+    VARIANT* const variant = Find(surface);
+    TurnOn(variant, counters);
+    if (!written) {
+        written = true;
+        Write4(variant->eyePlace, eye, variant->writtenEye, counters);
+        for (size_t i = 0; i < kMostLights; ++i) {
+            Write4(variant->colorPlaces[i], lights[i].color, variant->writtenColors[i], counters);
+        }
+    }
+    if (variant->tvPlace >= 0 && surface.fTV != variant->writtenTv) {
+        gl.uniform1f(variant->tvPlace, surface.fTV);
+        variant->writtenTv = surface.fTV;
+        ++counters.uniformWrites;
+    }
+}
+
+void LightProgram::Off(ROOM_COUNTERS& counters) {
+    if (works && current != nullptr) {
+        gl.useProgram(0);
+        current = nullptr;
+        ++counters.programChanges;
+    }
+}

@@ -1,0 +1,138 @@
+// RoomPainter: everything between the room's scene and OpenGL: the program, the textures, vertex buffers,
+// and which state is set already.
+//
+// A setter notes what is wanted; Draw sends what differs from what OpenGL has. So an order of drawing
+// costs no more than the changes in it.
+//
+// Order: Start with a new context and after GlStart; BeginScene, then any setters and draws, EndScene.
+//   Between the two nobody else draws. Release while the context is current. Start may come again, with
+//   another context; models then fetch their textures and buffers anew.
+// Owner: the painter frees all textures and buffers that it makes. Thread: main.
+#pragma once
+
+#include "room/light_program.h"
+#include "room/room_counters.h"
+#include "room/texture_cache.h"
+#include "room/vector.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct EMU_VIDEO_FRAME;
+
+// How the outside world serves the room.
+struct ROOM_SERVICES {
+    GlLoader loader;
+    ObjectFileReader readFile;
+    RoomReport report; // may be empty
+};
+
+struct SURFACE_MATERIAL {
+    std::array<float, 3> diffuse{};
+    std::array<float, 3> specular{};
+    float emission = 0.0f; // of all three channels
+    float shininess = 0.0f;
+};
+
+// Vertex arrays: in a buffer, with offsets in place of addresses, or in memory.
+struct VERTEX_ARRAYS {
+    uint32_t buffer = 0;             // 0: in memory
+    const void* positions = nullptr; // 3 floats a vertex, packed, as are the others
+    const void* normals = nullptr;   // 3 floats; null: none
+    const void* texCoords = nullptr; // 2 floats
+
+    bool operator==(const VERTEX_ARRAYS&) const = default;
+};
+
+class RoomPainter {
+public:
+    RoomPainter() = default;
+    ~RoomPainter() { Release(); }
+    RoomPainter(const RoomPainter&) = delete;
+    RoomPainter& operator=(const RoomPainter&) = delete;
+
+    // Reports a program that cannot be used; the room is drawn without it then.
+    void Start(const ROOM_SERVICES& services);
+    void Release();
+    // The number of this start, never 0: what was made for another one is gone.
+    [[nodiscard]] uint64_t Generation() const { return generation; }
+
+    [[nodiscard]] TextureCache& Textures() { return textures; }
+    [[nodiscard]] LightProgram& Program() { return program; }
+
+    // Buffers for vertices and indices; 0 if there are none, and arrays in memory must serve.
+    [[nodiscard]] uint32_t MakeVertexBuffer(const void* data, size_t bytes);
+    [[nodiscard]] uint32_t MakeIndexBuffer(const void* data, size_t bytes);
+
+    // Takes over from whoever drew before. Reads the settings of drawing.
+    void BeginScene(const MATRIX4& projection, const MATRIX4& view);
+    // Leaves the fixed pipeline, no buffers and no texture matrix.
+    void EndScene();
+
+    // Where what follows stands in the room.
+    void SetTransform(const MATRIX4& model);
+    // Whether any of this box, in the current transform, may be seen. Counts the ones that may not.
+    [[nodiscard]] bool InView(VECTOR3 low, VECTOR3 high);
+
+    void SetMaterial(const SURFACE_MATERIAL& wanted);
+    // The surface's own image, in place of its diffuse colour. Null or a record without a texture: none.
+    void BindTexture(const TEXTURE_RECORD* record);
+    // A moving picture of which the active window shows. The brightness, if not 0, makes it shine.
+    void BindPicture(const TEXTURE_RECORD& record, const EMU_VIDEO_FRAME& picture,
+                     float brightness);
+    void SetArrays(const VERTEX_ARRAYS& wanted);
+    // `indices` is an offset if the buffer is not 0.
+    void DrawTriangles(uint32_t indexBuffer, const void* indices, int32_t count);
+
+    [[nodiscard]] const ROOM_COUNTERS& Counters() const { return counters; }
+
+private:
+    // How texture coordinates become places in the texture: u * scale + offset.
+    struct TEXTURE_PLACE {
+        float scaleU = 1.0f;
+        float scaleV = 1.0f;
+        float offsetU = 0.0f;
+        float offsetV = 0.0f;
+
+        bool operator==(const TEXTURE_PLACE&) const = default;
+    };
+
+    [[nodiscard]] uint32_t MakeBuffer(GLenum target, const void* data, size_t bytes);
+    void SelectTexture(uint32_t name, const TEXTURE_PLACE& wanted);
+    void BindBuffer(GLenum target, uint32_t wanted, uint32_t& bound);
+    void SendMaterial();
+    void SendColour(GLenum which, const std::array<float, 3>& value, std::array<float, 3>& sent);
+    void SendTexture();
+    [[nodiscard]] bool UsesProgram() const { return lighting && program.Works(); }
+
+    GL_FUNCTIONS gl;
+    LightProgram program;
+    TextureCache textures;
+    std::vector<uint32_t> buffers;
+    uint64_t generation = 0;
+    bool lighting = false; // the setting
+    float anisotropy = 1.0f;
+    uint64_t imageBytesBefore = 0; // uploaded before this scene
+    ROOM_COUNTERS counters;
+
+    MATRIX4 camera{}; // projection * view
+    MATRIX4 toClip{}; // that and the current transform
+
+    SURFACE_MATERIAL material;
+    uint32_t texture = 0;
+    TEXTURE_PLACE texturePlace;
+    float brightness = 0.0f;
+
+    // What OpenGL has. `stateKnown` is false until the first draw of a scene has set all of it.
+    bool stateKnown = false;
+    SURFACE_MATERIAL sentMaterial;
+    uint32_t sentTexture = 0;
+    TEXTURE_PLACE sentPlace;
+    VERTEX_ARRAYS sentArrays;
+    bool arraysKnown = false;
+    uint32_t boundVertexBuffer = 0;
+    uint32_t boundIndexBuffer = 0;
+};

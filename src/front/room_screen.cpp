@@ -26,8 +26,8 @@ constexpr uint32_t kEscape = 41;   // scancodes
 constexpr uint32_t kLeftShift = 225;
 constexpr uint32_t kLeftButton = 1;
 constexpr uint32_t kMiddleButton = 2;
-constexpr float kLongestStep = 0.1f;        // seconds; after a standstill nobody flies through a wall
-constexpr int64_t kGeneralHint = 10000000;  // microseconds that the hint to walk stays
+constexpr float kLongestStep = 0.1f; // seconds; after a standstill nobody flies through a wall
+constexpr int64_t kGeneralHint = 10000000; // microseconds that the hint to walk stays
 constexpr int64_t kFullScreenHint = 4000000;
 
 bool ActionIsDown(std::wstring_view name) {
@@ -69,8 +69,8 @@ struct RoomScreen::HANDS {
 RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> openedGames)
     : around(surroundings)
     , games(std::move(openedGames)) {
-    renderer.InitRoom({[](const char* name) { return SDL_GL_GetProcAddress(name); },
-                       ReadObjectFile, PostReport});
+    renderer.InitRoom(
+        {[](const char* name) { return SDL_GL_GetProcAddress(name); }, ReadObjectFile, PostReport});
     objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
     PlaceTelevisionSounds(objects);
     camera.SetUp(1.0f);
@@ -174,7 +174,8 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
         PadBit(0, kPadGuide) | (walking ? PadBit(0, kPadEast) : uint64_t{0});
     hands.toggleWalking = pressed((pads & leaveControls) != 0, leaveHeld) || hands.toggleWalking;
 
-    if (pads != 0 || way.x != 0.0f || way.y != 0.0f || hands.turn.x != 0.0f || hands.turn.y != 0.0f) {
+    if (pads != 0 || way.x != 0.0f || way.y != 0.0f || hands.turn.x != 0.0f ||
+        hands.turn.y != 0.0f) {
         padInHand = true;
     } else if (keysUsed) {
         padInHand = false;

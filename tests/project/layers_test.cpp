@@ -58,7 +58,7 @@ const std::vector<TARGET_ROW> kTargets = {
     {"front",     {"assets", "base", "bindings", "catalogue", "demos", "display", "facts", "formats", "gui", "host",
                    "machine", "machines", "room", "screens", "settings", "sound", "web"}},
     {"front_tools", {"assets", "base", "bindings", "catalogue", "demos", "display", "facts", "formats", "front",
-                   "gui", "host", "machine", "machines", "settings"}},
+                   "gui", "host", "machine", "machines", "room", "settings"}},
     {"ombrelune", {"front_tools"}},
 };
 // clang-format on
@@ -89,6 +89,7 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"liblzma",          {"lzma.h"},                         {"formats"}},
     {"OpenSSL",          {"openssl/"},                       {"formats"}},
 
+    {"the processor",    {"immintrin.h"},                    {"machine"}},
     {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "unistd.h"}, {"base", "front"}},
 };
 // clang-format on

@@ -1,6 +1,5 @@
 // The light of the room, compared pixel for pixel with its formula, which is written out here once more.
 #include "room/light_program.h"
-
 #include "room/room_fixture.h"
 #include "room/room_painter.h"
 #include "room/transform.h"
@@ -115,8 +114,22 @@ constexpr double kHalfWidth = 40;
 constexpr double kHalfHeight = 30;
 
 MATRIX4 EvenProjection() {
-    return {static_cast<float>(1 / kHalfWidth), 0, 0, 0, 0, static_cast<float>(1 / kHalfHeight), 0, 0, 0, 0,
-            -0.001f, 0, 0, 0, 0, 1};
+    return {static_cast<float>(1 / kHalfWidth),
+            0,
+            0,
+            0,
+            0,
+            static_cast<float>(1 / kHalfHeight),
+            0,
+            0,
+            0,
+            0,
+            -0.001f,
+            0,
+            0,
+            0,
+            0,
+            1};
 }
 
 class LightFormula : public RoomGlTest {
@@ -141,15 +154,12 @@ protected:
         painter.Program().SetLamp(lights.size(), kIdentity,
                                   {static_cast<float>(place.x), static_cast<float>(place.y),
                                    static_cast<float>(place.z)});
-        lights.push_back({false,
-                          {0.6, 0.6, 0.6},
-                          {0.5, 0.5, 0.5},
-                          place,
-                          {},
-                          0,
-                          0,
-                          0.00005,
-                          0.000008});
+        lights.push_back({
+            false, {0.6,  0.6, 0.6},
+             {0.5, 0.5, 0.5},
+             place, {},
+             0, 0, 0.00005, 0.000008
+        });
     }
 
     void AddTelevision(RGB colour, XYZ place, XYZ direction, double ball, double angle,
@@ -173,8 +183,8 @@ protected:
     void ExpectFormula(const SURFACE& surface, int tolerance, XYZ normal = {0, 0, 1}) {
         const auto f = [](double value) { return static_cast<float>(value); };
         const auto depth = f(kDepth);
-        const std::array<float, 12> places{-99, -99, depth, 99, -99, depth,
-                                           99,  99,  depth, -99, 99, depth};
+        const std::array<float, 12> places{-99, -99, depth, 99,  -99, depth,
+                                           99,  99,  depth, -99, 99,  depth};
         std::array<float, 12> normals{};
         for (size_t i = 0; i < normals.size(); i += 3) {
             normals[i] = f(normal.x);
@@ -189,10 +199,12 @@ protected:
         painter.BeginScene(EvenProjection(), kIdentity);
         painter.SetArrays({0, places.data(), normals.data(), coordinates.data()});
         const bool textured = surface.texture.r + surface.texture.g + surface.texture.b > 0;
-        painter.SetMaterial({{f(surface.diffuse.r), f(surface.diffuse.g), f(surface.diffuse.b)},
-                             {f(surface.specular.r), f(surface.specular.g), f(surface.specular.b)},
-                             f(surface.emission.r),
-                             f(surface.shininess)});
+        painter.SetMaterial({
+            {f(surface.diffuse.r),  f(surface.diffuse.g),  f(surface.diffuse.b) },
+            {f(surface.specular.r), f(surface.specular.g), f(surface.specular.b)},
+            f(surface.emission.r),
+            f(surface.shininess)
+        });
         if (surface.fTV != 0) {
             painter.BindPicture(texture, {}, f(surface.fTV));
         } else {
@@ -251,50 +263,100 @@ protected:
 
 TEST_F(LightFormula, WithoutLightsAllIsBlackButATelevision) {
     ExpectFormula({.texture = texel}, 0);
-    ExpectFormula({.diffuse = {1, 0.5, 0.25}, .emission = {0.2, 0.2, 0.2}}, 0);
+    ExpectFormula(
+        {
+            .diffuse = {1,   0.5, 0.25},
+              .emission = {0.2, 0.2, 0.2 }
+    },
+        0);
     ExpectFormula({.texture = texel, .fTV = 0.8}, kExact);
 }
 
 TEST_F(LightFormula, LampLightsTexturesAndPlainColours) {
     AddLamp({10, 5, -20});
     ExpectFormula({.texture = texel}, kExact);
-    ExpectFormula({.diffuse = {0.9, 0.5, 0.1}}, kExact);
-    ExpectFormula({.diffuse = {0.3, 0.2, 0.1}, .emission = {0.5, 0.5, 0.5}}, kExact);
-    ExpectFormula({.texture = texel, .emission = {0.25, 0.25, 0.25}}, kExact);
+    ExpectFormula(
+        {
+            .diffuse = {0.9, 0.5, 0.1}
+    },
+        kExact);
+    ExpectFormula(
+        {
+            .diffuse = {0.3, 0.2, 0.1},
+              .emission = {0.5, 0.5, 0.5}
+    },
+        kExact);
+    ExpectFormula(
+        {
+            .texture = texel, .emission = {0.25, 0.25, 0.25}
+    },
+        kExact);
 }
 
 TEST_F(LightFormula, SurfaceThatFacesAwayHasTheLampsAmbientLightAlone) {
     AddLamp({10, 5, -20});
-    ExpectFormula({.diffuse = {0.9, 0.5, 0.1}, .specular = {1, 1, 1}, .shininess = 20}, kExact,
-                  {0, 0, -1});
+    ExpectFormula(
+        {
+            .diffuse = {0.9, 0.5, 0.1},
+              .specular = {1,   1,   1  },
+              .shininess = 20
+    },
+        kExact, {0, 0, -1});
 }
 
 TEST_F(LightFormula, NormalsNeedNotHaveLengthOne) {
     AddLamp({10, 5, -20});
-    ExpectFormula({.diffuse = {0.9, 0.5, 0.1}}, kExact, {1, 2, 3});
+    ExpectFormula(
+        {
+            .diffuse = {0.9, 0.5, 0.1}
+    },
+        kExact, {1, 2, 3});
 }
 
 TEST_F(LightFormula, GlossMirrorsTheLamp) {
     AddLamp({10, 5, -20});
     for (const double shininess : {1.0, 6.0, 30.0}) {
-        ExpectFormula({.diffuse = {0.2, 0.1, 0.1}, .specular = {0.9, 0.8, 0.7}, .shininess = shininess},
-                      kPower);
+        ExpectFormula(
+            {
+                .diffuse = {0.2, 0.1, 0.1},
+                  .specular = {0.9, 0.8, 0.7},
+                  .shininess = shininess
+        },
+            kPower);
     }
-    ExpectFormula({.diffuse = {0.2, 0.1, 0.1}, .specular = {0.9, 0.8, 0.7}, .shininess = 0}, kExact);
+    ExpectFormula(
+        {
+            .diffuse = {0.2, 0.1, 0.1},
+              .specular = {0.9, 0.8, 0.7},
+              .shininess = 0
+    },
+        kExact);
 }
 
 TEST_F(LightFormula, TelevisionShinesIntoItsCone) {
     // Straight at the plane from 20 off: the cone of 55 degrees covers the middle, the rest is dim.
     AddTelevision({0.9, 0.4, 0.2}, {5, 0, -40}, {0, 0, -1}, 0, 55, 80);
     ExpectFormula({.texture = texel}, kExact);
-    ExpectFormula({.diffuse = {0.2, 0.1, 0.1}, .specular = {0.9, 0.8, 0.7}, .shininess = 12}, kPower);
+    ExpectFormula(
+        {
+            .diffuse = {0.2, 0.1, 0.1},
+              .specular = {0.9, 0.8, 0.7},
+              .shininess = 12
+    },
+        kPower);
 }
 
 TEST_F(LightFormula, TelevisionShinesToAllSidesWithinItsBall) {
     // It faces away, so all of the plane is outside the cone, and within 35 of it inside the ball.
     AddTelevision({0.3, 0.4, 1.05}, {0, 0, -40}, {0, 0, 1}, 35, 70, 50);
     ExpectFormula({.texture = texel}, kExact);
-    ExpectFormula({.diffuse = {0.1, 0.1, 0.1}, .specular = {1, 1, 1}, .shininess = 12}, kExact);
+    ExpectFormula(
+        {
+            .diffuse = {0.1, 0.1, 0.1},
+              .specular = {1,   1,   1  },
+              .shininess = 12
+    },
+        kExact);
 }
 
 TEST_F(LightFormula, DirectionNeedNotHaveLengthOne) {
@@ -306,7 +368,12 @@ TEST_F(LightFormula, PictureOnATelevisionTakesLittleLight) {
     AddLamp({10, 5, -20});
     AddTelevision({0.9, 0.4, 0.2}, {5, 0, -40}, {0, 0, -1}, 20, 55, 80);
     ExpectFormula({.texture = texel, .fTV = 0.65}, kExact);
-    ExpectFormula({.texture = texel, .specular = {0.9, 0.8, 0.7}, .shininess = 12, .fTV = 0.8}, kPower);
+    ExpectFormula(
+        {
+            .texture = texel, .specular = {0.9, 0.8, 0.7},
+                 .shininess = 12, .fTV = 0.8
+    },
+        kPower);
 }
 
 TEST_F(LightFormula, FiveLightsAddUp) {
@@ -316,7 +383,13 @@ TEST_F(LightFormula, FiveLightsAddUp) {
     AddTelevision({0.05, 0.1, 0.2}, {0, 20, -50}, {0, -0.2, -1}, 4.5, 85, 20);
     AddTelevision({0.1, 0.1, 0.1}, {30, 20, -55}, {-1, 0, 0}, 60, 55, 50);
     ExpectFormula({.texture = texel}, kExact);
-    ExpectFormula({.diffuse = {0.2, 0.1, 0.3}, .specular = {0.3, 0.3, 0.3}, .shininess = 9}, kPower);
+    ExpectFormula(
+        {
+            .diffuse = {0.2, 0.1, 0.3},
+              .specular = {0.3, 0.3, 0.3},
+              .shininess = 9
+    },
+        kPower);
     ExpectFormula({.texture = texel, .fTV = 0.5}, kExact);
 }
 
@@ -391,7 +464,11 @@ TEST_F(LightFormula, SettingTurnsTheLightsOff) {
         glEnable(GL_TEXTURE_2D);
         painter.BeginScene(EvenProjection(), kIdentity);
         painter.SetArrays({0, places.data(), normals.data(), coordinates.data()});
-        painter.SetMaterial({{f(even.diffuse.r), f(even.diffuse.g), f(even.diffuse.b)}, {}, 0, 0});
+        painter.SetMaterial({
+            {f(even.diffuse.r),  f(even.diffuse.g), f(even.diffuse.b)},
+            {                 },
+            0, 0
+        });
         painter.BindTexture(even.texture.r > 0 ? &texture : nullptr);
         painter.DrawTriangles(0, indices.data(), 3);
         EXPECT_EQ(painter.Counters().programChanges, 0U);
@@ -404,7 +481,11 @@ TEST_F(LightFormula, SettingTurnsTheLightsOff) {
         EXPECT_NEAR(pixel[2], colour.b * 255, 1);
     };
     expectEven({.texture = texel}, texel);
-    expectEven({.diffuse = {0.9, 0.5, 0.1}}, {0.9, 0.5, 0.1});
+    expectEven(
+        {
+            .diffuse = {0.9, 0.5, 0.1}
+    },
+        {0.9, 0.5, 0.1});
 }
 
 TEST_F(LightFormula, UnchangedLightsAreWrittenOnce) {
@@ -450,11 +531,11 @@ TEST_F(LightProgramStart, LinkerWhoseLogSaysErrorLeavesTheProgramOff) {
 }
 
 TEST_F(LightProgramStart, EveryListedEntryPointIsNeededButOne) {
-    const char* const needed[] = {
-        "glCreateProgram", "glAttachShader",     "glLinkProgram",        "glUseProgram",
-        "glCreateShader",  "glShaderSource",     "glCompileShader",      "glGetProgramInfoLog",
-        "glUniform1i",     "glGetShaderInfoLog", "glGetUniformLocation", "glUniform1f",
-        "glUniform4f",     "glUniformMatrix4fv"};
+    const char* const needed[] = {"glCreateProgram",    "glAttachShader",       "glLinkProgram",
+                                  "glUseProgram",       "glCreateShader",       "glShaderSource",
+                                  "glCompileShader",    "glGetProgramInfoLog",  "glUniform1i",
+                                  "glGetShaderInfoLog", "glGetUniformLocation", "glUniform1f",
+                                  "glUniform4f",        "glUniformMatrix4fv"};
     const auto without = [](const std::string& missing) {
         return LoadGlFunctions([missing](const char* name) {
             return missing == name ? nullptr : WindowLibraryLoader(name);

@@ -1,11 +1,11 @@
 // A context for the tests of the room's drawing, with a painter and files of furniture in memory.
 #pragma once
 
+#include "display/display_fixture.h"
+#include "room/model_bytes.h"
 #include "room/room_painter.h"
 #include "settings/settings.h"
 
-#include "display/display_fixture.h"
-#include "room/model_bytes.h"
 #include <SDL_video.h>
 
 #include <map>

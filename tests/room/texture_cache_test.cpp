@@ -1,7 +1,6 @@
-#include "room/texture_cache.h"
-
 #include "display/gl_private.h"
 #include "room/room_fixture.h"
+#include "room/texture_cache.h"
 
 #include <gmock/gmock.h>
 

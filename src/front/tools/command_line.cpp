@@ -144,7 +144,8 @@ int Run(int argc, const char* const* argv) {
         ->type_name("FILE.png");
 
     ROOM_OPTIONS room;
-    CLI::App* roomApp = app.add_subcommand("room", "Walk in a room in which games play on televisions");
+    CLI::App* roomApp =
+        app.add_subcommand("room", "Walk in a room in which games play on televisions");
     roomApp->add_option("GAME", room.games, "ROMs, .zip, .game or demo:NAME; without any, our own");
     roomApp->add_option("--set", room.settings, "A setting for this run")
         ->type_name("NAME=VALUE")

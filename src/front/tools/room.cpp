@@ -134,8 +134,8 @@ private:
         std::sort(rounds.begin(), rounds.end());
         const size_t worst = std::max<size_t>(rounds.size() / 100, 1);
         const int64_t sum = std::accumulate(rounds.begin(), rounds.end(), int64_t{0});
-        const int64_t worstSum = std::accumulate(
-            rounds.end() - static_cast<std::ptrdiff_t>(worst), rounds.end(), int64_t{0});
+        const int64_t worstSum = std::accumulate(rounds.end() - static_cast<std::ptrdiff_t>(worst),
+                                                 rounds.end(), int64_t{0});
         const double seconds = static_cast<double>(length) / 1000000.0;
         std::printf("pictures   %.1f a second, %.2f ms each, median %.2f, worst 1 %% %.2f\n",
                     static_cast<double>(rounds.size()) / seconds,
@@ -150,11 +150,12 @@ private:
                     static_cast<double>(frames) / seconds);
         std::printf("sound      %s\n", EmuFormatStats().c_str());
         const ROOM_COUNTERS& counters = room->Counters();
-        std::printf("a picture  %u draw calls, %u triangles, %u programs, %u textures, %u materials, "
-                    "%u uniforms, %llu bytes uploaded by the room\n",
-                    counters.drawCalls, counters.triangles, counters.programChanges,
-                    counters.textureBinds, counters.materialWrites, counters.uniformWrites,
-                    static_cast<unsigned long long>(counters.bytesUploaded));
+        std::printf(
+            "a picture  %u draw calls, %u triangles, %u programs, %u textures, %u materials, "
+            "%u uniforms, %llu bytes uploaded by the room\n",
+            counters.drawCalls, counters.triangles, counters.programChanges, counters.textureBinds,
+            counters.materialWrites, counters.uniformWrites,
+            static_cast<unsigned long long>(counters.bytesUploaded));
     }
 
     int TakePicture(size_t sets) {

@@ -28,7 +28,8 @@ float Random() {
     return static_cast<float>(state >> 8) / 16777216.0F;
 }
 
-template <typename T> using Field = std::vector<T>;
+template <typename T>
+using Field = std::vector<T>;
 
 size_t At(int x, int y) {
     return static_cast<size_t>(std::clamp(y, 0, height - 1)) * static_cast<size_t>(width) +
@@ -91,7 +92,8 @@ Field<Point> Ways(const Field<Colour>& picture, float radius, float angle) {
     };
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
-            const float gx = light(x + 1, y) - light(x - 1, y), gy = light(x, y + 1) - light(x, y - 1);
+            const float gx = light(x + 1, y) - light(x - 1, y),
+                        gy = light(x, y + 1) - light(x, y - 1);
             xx[At(x, y)] = gx * gx;
             xy[At(x, y)] = gx * gy;
             yy[At(x, y)] = gy * gy;
@@ -103,7 +105,8 @@ Field<Point> Ways(const Field<Colour>& picture, float radius, float angle) {
     for (size_t i = 0; i < ways.size(); ++i) {
         // The default way joins the tensor as a weak edge of its own.
         const float nx = -std::sin(angle), ny = std::cos(angle);
-        const float a = xx[i] + pull * nx * nx, b = xy[i] + pull * nx * ny, c = yy[i] + pull * ny * ny;
+        const float a = xx[i] + pull * nx * nx, b = xy[i] + pull * nx * ny,
+                    c = yy[i] + pull * ny * ny;
         const float turn = 0.5F * std::atan2(2 * b, a - c) + 1.5707963F;
         ways[i] = {std::cos(turn), std::sin(turn)};
     }
@@ -127,9 +130,12 @@ void Nearest(const Stroke& stroke, Point p, float& along, float& aside, float& a
     float before = 0;
     for (size_t i = 0; i + 1 < stroke.points.size(); ++i) {
         const Point a = stroke.points[i], b = stroke.points[i + 1];
-        const float dx = b.x - a.x, dy = b.y - a.y, length = std::max(1e-3F, std::sqrt(dx * dx + dy * dy));
-        const float t = std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / (length * length), 0.0F, 1.0F);
-        const float ex = p.x - a.x - t * dx, ey = p.y - a.y - t * dy, distance = std::sqrt(ex * ex + ey * ey);
+        const float dx = b.x - a.x, dy = b.y - a.y,
+                    length = std::max(1e-3F, std::sqrt(dx * dx + dy * dy));
+        const float t =
+            std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / (length * length), 0.0F, 1.0F);
+        const float ex = p.x - a.x - t * dx, ey = p.y - a.y - t * dy,
+                    distance = std::sqrt(ex * ex + ey * ey);
         if (distance < away) {
             away = distance;
             aside = (dx * ey - dy * ex) / length;
@@ -154,7 +160,8 @@ void Draw(Canvas& canvas, const Stroke& stroke) {
     float bristles[17];
     for (float& bristle : bristles)
         bristle = Random();
-    const int x1 = std::min(width - 1, static_cast<int>(right + r + 1)), y1 = std::min(height - 1, static_cast<int>(bottom + r + 1));
+    const int x1 = std::min(width - 1, static_cast<int>(right + r + 1)),
+              y1 = std::min(height - 1, static_cast<int>(bottom + r + 1));
     for (int y = std::max(0, static_cast<int>(top - r - 1)); y <= y1; ++y)
         for (int x = std::max(0, static_cast<int>(left - r - 1)); x <= x1; ++x) {
             float along = 0, aside = 0, away = 0;
@@ -166,7 +173,8 @@ void Draw(Canvas& canvas, const Stroke& stroke) {
             const float part = place - static_cast<float>(n);
             const float bristle = bristles[n] * (1 - part) + bristles[n + 1] * part;
             // Paint thins out towards the end, bristle by bristle.
-            const float dry = std::clamp((1.25F - along / (length + r)) * 3 - bristle * 1.2F, 0.0F, 1.0F);
+            const float dry =
+                std::clamp((1.25F - along / (length + r)) * 3 - bristle * 1.2F, 0.0F, 1.0F);
             const float edge = std::clamp((r - away) / std::max(1.0F, r * 0.18F), 0.0F, 1.0F);
             const float alpha = 0.95F * edge * (0.35F + 0.65F * dry);
             const float tone = (bristle - 0.5F) * 0.05F;
@@ -179,7 +187,8 @@ void Draw(Canvas& canvas, const Stroke& stroke) {
         }
 }
 
-Stroke Follow(const Field<Colour>& wanted, const Canvas& canvas, const Field<Point>& ways, Point p, float radius) {
+Stroke Follow(const Field<Colour>& wanted, const Canvas& canvas, const Field<Point>& ways, Point p,
+              float radius) {
     Stroke stroke{{p}, wanted[At(static_cast<int>(p.x), static_cast<int>(p.y))], radius};
     Point last{0, 0};
     const float turn = Random() < 0.5F ? -1.0F : 1.0F;
@@ -207,7 +216,8 @@ Stroke Follow(const Field<Colour>& wanted, const Canvas& canvas, const Field<Poi
     return stroke;
 }
 
-void PaintLayer(const Field<Colour>& picture, Canvas& canvas, float radius, float angle, bool first) {
+void PaintLayer(const Field<Colour>& picture, Canvas& canvas, float radius, float angle,
+                bool first) {
     const Field<Colour> wanted = Blurred(picture, radius * 0.35F);
     const Field<Point> ways = Ways(wanted, radius * 1.5F + 1, angle);
     const float grid = std::max(1.5F, radius * 0.9F);
@@ -233,7 +243,8 @@ void PaintLayer(const Field<Colour>& picture, Canvas& canvas, float radius, floa
                 starts.push_back(worst);
         }
     for (size_t i = starts.size(); i > 1; --i)
-        std::swap(starts[i - 1], starts[std::min(i - 1, static_cast<size_t>(Random() * static_cast<float>(i)))]);
+        std::swap(starts[i - 1],
+                  starts[std::min(i - 1, static_cast<size_t>(Random() * static_cast<float>(i)))]);
     for (const Point start : starts)
         Draw(canvas, Follow(wanted, canvas, ways, start, radius));
 }
@@ -270,7 +281,8 @@ int main(int argc, char** argv) {
         PaintLayer(picture, canvas, static_cast<float>(std::atof(argv[i])), angle, i == 7);
     Light(canvas);
     FILE* out = std::fopen(argv[2], "wb");
-    if (!out || std::fwrite(canvas.colours.data(), sizeof(Colour), canvas.colours.size(), out) != canvas.colours.size())
+    if (!out || std::fwrite(canvas.colours.data(), sizeof(Colour), canvas.colours.size(), out) !=
+                    canvas.colours.size())
         return 1;
     return std::fclose(out) == 0 ? 0 : 1;
 }

@@ -254,7 +254,7 @@ void Application::Draw() {
 
 bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     lightGun.SetGame(opened);
-    playing = StartGame(kFrontTelevision, opened, error);
+    playing = StartGame(kFrontTelevision, opened, error) != 0;
     if (!playing) {
         window.SetTitle(ProgramTitle());
         return false;

@@ -86,14 +86,16 @@ RoomScreen::~RoomScreen() {
 
 void RoomScreen::StartGames(size_t count) {
     for (const uint32_t key : objects.Televisions()) {
-        std::string error;
-        if (key == 0 || count == 0) {
-            continue;
+        if (key != 0 && count != 0) {
+            --count;
+            TurnOn(key);
         }
-        --count;
-        if (!games.StartNext(key, error)) {
-            PostReport(error);
-        }
+    }
+}
+
+void RoomScreen::TurnOn(uint32_t key) {
+    if (!games.StartNext(key)) {
+        PostReport("there is no game to play; drop one on the window");
     }
 }
 
@@ -109,7 +111,7 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     lastRound = input.now;
     hintsSince = hintsSince == 0 ? input.now : hintsSince;
 
-    DropEndedGames();
+    CollectGames();
     const RoomModes before = modes;
     const HANDS hands = ReadHands(input);
     if (modes.RoomVisible()) {
@@ -225,9 +227,8 @@ void RoomScreen::Obey(const ROOM_ORDER& order) {
             break;
         }
         modes.Enter();
-        if (std::string error; !games.StartNext(order.id, error)) {
-            PostReport(error);
-        } else if (Settings().GetBool(L"emu_startfullscreen")) {
+        TurnOn(order.id);
+        if (Settings().GetBool(L"emu_startfullscreen")) {
             ShowFullScreen(order.id);
         }
         break;
@@ -259,18 +260,14 @@ void RoomScreen::BackToRoom() {
     }
 }
 
-// A machine that cannot go on has been turned off by the round before.
-void RoomScreen::DropEndedGames() {
-    for (const uint32_t key : objects.Televisions()) {
-        if (key == 0 || games.GunsOn(key) == nullptr || PinSession(key) != nullptr) {
-            continue;
-        }
-        games.Forget(key);
-        objects.TurnOff(key);
-        if (fullScreen != nullptr && key == shownKey) {
-            fullScreen.reset();
-            modes.Enter();
-        }
+// A game that could not start, and a machine that could not go on, leave a dark set.
+void RoomScreen::CollectGames() {
+    for (const std::string& error : games.Collect()) {
+        PostReport(error);
+    }
+    if (fullScreen != nullptr && games.GunsOn(shownKey) == nullptr) {
+        fullScreen.reset();
+        modes.Enter();
     }
 }
 
@@ -288,11 +285,14 @@ void RoomScreen::ApplyModes() {
     PlaceListener(camera);
 }
 
+// A set shows the pictures of the session that plays on it now, and none of the one before.
 void RoomScreen::AttachPictures() {
     const auto& pictures = around.televisions.All();
     for (const uint32_t key : objects.Televisions()) {
+        const uint32_t serial = games.SerialOn(key);
         const auto found = pictures.find(key);
-        if (found != pictures.end() && found->second.picture.texture.glTexture != 0) {
+        if (serial != 0 && found != pictures.end() && found->second.serial == serial &&
+            found->second.picture.texture.glTexture != 0) {
             objects.Attach(key, found->second.picture);
         } else if (const CRoomObject* const set = objects.Find(key); set != nullptr && set->on) {
             objects.TurnOff(key);
@@ -319,16 +319,16 @@ void RoomScreen::Draw(const DRAW_TARGET& target) {
 bool RoomScreen::TakeDropped(OPENED_GAME& opened) {
     uint32_t key = fullScreen != nullptr ? shownKey : modes.Selected().id;
     for (const uint32_t free : objects.Televisions()) {
-        if (key == 0 && free != 0 && games.GunsOn(free) == nullptr) {
+        if (key == 0 && free != 0 && games.StateOf(free) == SetState::kOff) {
             key = free;
         }
     }
-    std::string error;
     if (key == 0) {
         PostReport("all televisions are on; turn one off, or look at the one to play on");
-    } else if (!games.Start(key, std::move(opened), error)) {
-        PostReport(error);
-    } else if (fullScreen != nullptr) {
+        return true;
+    }
+    games.Start(key, std::move(opened));
+    if (fullScreen != nullptr) {
         guns = *games.GunsOn(key);
     }
     return true;

@@ -57,6 +57,8 @@ public:
     [[nodiscard]] const CRoomCamera& Camera() const { return camera; }
     [[nodiscard]] const CRoomObjects& Objects() const { return objects; }
     [[nodiscard]] const RoomGames& Games() const { return games; }
+    // What the line at the foot of the window says.
+    [[nodiscard]] const std::wstring& HintText() const { return hints.Text(); }
     [[nodiscard]] const ROOM_COUNTERS& Counters() const { return renderer.Counters(); }
 
 private:
@@ -68,7 +70,8 @@ private:
     void Obey(const ROOM_ORDER& order);
     void ShowFullScreen(uint32_t key);
     void BackToRoom();
-    void DropEndedGames();
+    void TurnOn(uint32_t key);
+    void CollectGames();
     void ApplyModes();
     void AttachPictures();
     [[nodiscard]] std::wstring Hint(int64_t now) const;

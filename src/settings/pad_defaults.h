@@ -71,3 +71,6 @@ void InputRefreshPadDefaults();
 
 // The controls that are down and not bound by the user.
 [[nodiscard]] uint64_t InputPadsActing();
+
+// Whether the user has bound this code of a joystick to an action, as of the last pump. Main thread.
+[[nodiscard]] bool InputCodeIsBound(uint32_t code);

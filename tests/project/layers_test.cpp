@@ -308,7 +308,7 @@ TEST(Layers, TheRowsRefuseWhatTheyAreThereToRefuse) {
         {"front_tools", "CLI/CLI.hpp"              },
         {"display",     "GL/gl.h"                  },
         {"room",        "GL/glu.h"                 },
-        {"room",        "stb/stb_image.h"          },
+        {"room",        "png.h"                    },
         {"gui",         "ft2build.h"               },
         {"gui",         "FT_FREETYPE_H"            },
         {"gui",         "pugixml.hpp"              },

@@ -120,9 +120,8 @@ void CoverViewDrawing::DrawBox(RoomPainter& painter, const CoverView::SLOT& slot
     box.model->Draw(painter);
 }
 
-void CoverViewDrawing::Draw(RoomPainter& painter, const CoverView& view,
-                            const COVER_RECTANGLE& at, uint32_t screenWidth,
-                            uint32_t screenHeight) {
+void CoverViewDrawing::Draw(RoomPainter& painter, const CoverView& view, const COVER_RECTANGLE& at,
+                            uint32_t screenWidth, uint32_t screenHeight) {
     if (at.width <= 0 || at.height <= 0) {
         return;
     }

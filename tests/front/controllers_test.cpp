@@ -95,8 +95,7 @@ TEST_F(Controllers, EveryControlOfAControllerActsByDefault) {
             if (player == 0) {
                 expected.insert(row.firstPlayers.begin(), row.firstPlayers.end());
             }
-            EXPECT_EQ(ActionsDown(), expected)
-                << row.what << " of player " << player + 1;
+            EXPECT_EQ(ActionsDown(), expected) << row.what << " of player " << player + 1;
             if (row.button >= 0) {
                 controllers[player]->Button(row.button, false);
             } else {

@@ -1,7 +1,6 @@
-#include "room/cover_view_draw.h"
-
 #include "display/gl_private.h"
 #include "display/screen_reader.h"
+#include "room/cover_view_draw.h"
 #include "room/room_fixture.h"
 #include "room/room_renderer.h"
 

@@ -60,7 +60,7 @@ TEST(CommandLine, OptionsMayStandBeforeTheGameAndBeGivenOften) {
         Ombrelune({"play", "--headless", "--frames", "1", "--set", "console=sms2-pal", "--set",
                    "fm=1", "demo:sms-luciole"},
                   home);
-    EXPECT_EQ(played.exitCode, 0) << played.errors;
+    EXPECT_EQ(played.exitCode, 0) << played.error;
 }
 
 // A PNG begins with eight fixed bytes and a header with its width and height, most significant byte first.

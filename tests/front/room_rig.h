@@ -17,7 +17,8 @@
 inline constexpr uint32_t kHandheld = 4;
 inline constexpr uint32_t kFrontSet = 7; // the second from the left of the four along the wall
 inline constexpr uint32_t kRightSet = 9;
-inline constexpr std::array<uint32_t, 8> kAllSets = {6, 7, 8, 9, 10, 11, 4, 5}; // as they are filled
+inline constexpr std::array<uint32_t, 8> kAllSets = {6,  7,  8, 9,
+                                                     10, 11, 4, 5}; // as they are filled
 
 inline void Key(SDL_Scancode scancode, bool down) {
     SDL_Event event{};

@@ -26,6 +26,7 @@ constexpr uint32_t kEscape = 41;   // scancodes
 constexpr uint32_t kLeftShift = 225;
 constexpr uint32_t kLeftButton = 1;
 constexpr uint32_t kMiddleButton = 2;
+constexpr uint64_t kFirstPad = (uint64_t{1} << kPadControls) - 1;
 constexpr float kLongestStep = 0.1f; // seconds; after a standstill nobody flies through a wall
 constexpr int64_t kGeneralHint = 10000000; // microseconds that the hint to walk stays
 constexpr int64_t kFullScreenHint = 4000000;
@@ -38,10 +39,35 @@ float ActionAxis(std::wstring_view less, std::wstring_view more) {
     return (ActionIsDown(more) ? 1.0f : 0.0f) - (ActionIsDown(less) ? 1.0f : 0.0f);
 }
 
-// The key of an action as the player has bound it.
+bool IsOfJoystick(uint32_t binding) {
+    return binding >> 24 == 1;
+}
+
+// The key of an action as the player has bound it, or its joystick binding if that is asked for. Empty if the action
+// has none of the kind.
+std::wstring BindingNameOf(std::wstring_view action, bool ofJoystick) {
+    const auto bound = Settings().GetInt2(L"INPUT " + std::wstring(action));
+    for (const int32_t one : {bound.first, bound.second}) {
+        const auto binding = static_cast<uint32_t>(one);
+        if (binding != 0 && IsOfJoystick(binding) == ofJoystick) {
+            return BindingName(binding);
+        }
+    }
+    return {};
+}
+
 std::wstring ActionKeyName(std::wstring_view action) {
-    return BindingName(
-        static_cast<uint32_t>(Settings().GetInt2(L"INPUT " + std::wstring(action)).first));
+    return BindingNameOf(action, false);
+}
+
+// What a controller's player presses: the control, unless he has bound it or the action to something else. Empty if
+// there is nothing.
+std::wstring ActionPadName(std::wstring_view action, PadFamily family, PadControl control) {
+    std::wstring own = action.empty() ? std::wstring() : BindingNameOf(action, true);
+    if (!own.empty() || (InputPadsTaken() & PadBit(0, control)) != 0) {
+        return own;
+    }
+    return PadControlName(family, control);
 }
 
 float Aspect(const DRAW_TARGET& target) {
@@ -168,12 +194,13 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
         held = down;
         return press;
     };
-    const uint64_t pads = InputPadsActing();
+    const uint64_t pads = InputPadsActing() & kFirstPad;
     hands.use = pressed(ActionIsDown(L"Use"), useHeld) || hands.use;
     hands.turnOff = pressed(ActionIsDown(L"Turn Off"), turnOffHeld);
     // While a machine is played its buttons are its own; the guide button belongs to no machine.
+    const bool played = !modes.RoomVisible() || (!walking && modes.Selected().on);
     const uint64_t leaveControls =
-        PadBit(0, kPadGuide) | (walking ? PadBit(0, kPadEast) : uint64_t{0});
+        PadBit(0, kPadGuide) | (played ? uint64_t{0} : PadBit(0, kPadEast));
     hands.toggleWalking = pressed((pads & leaveControls) != 0, leaveHeld) || hands.toggleWalking;
 
     if (pads != 0 || way.x != 0.0f || way.y != 0.0f || hands.turn.x != 0.0f ||
@@ -335,11 +362,17 @@ bool RoomScreen::TakeDropped(OPENED_GAME& opened) {
 }
 
 std::wstring RoomScreen::Hint(int64_t now) const {
-    const auto name = [&](const wchar_t* action, PadControl control) {
-        return padInHand ? std::wstring(PadControlName(around.joysticks.Family(), control))
-                         : ActionKeyName(action);
+    const auto name = [&](const wchar_t* action, PadControl control, const wchar_t* key) {
+        std::wstring text;
+        if (padInHand) {
+            text = ActionPadName(action, around.joysticks.Family(), control);
+        }
+        if (text.empty()) {
+            text = *key != L'\0' ? std::wstring(key) : ActionKeyName(action);
+        }
+        return text;
     };
-    const std::wstring back = padInHand ? name(L"", kPadGuide) : std::wstring(L"Esc");
+    const std::wstring back = name(L"", kPadGuide, L"Esc");
     if (!modes.RoomVisible()) {
         return now - hintsSince < kFullScreenHint ? back + L"   Back to the room" : std::wstring();
     }
@@ -348,11 +381,12 @@ std::wstring RoomScreen::Hint(int64_t now) const {
         return selected.on ? back + L"   Walk on" : back + L" or a click   Walk on";
     }
     if (selected.on) {
-        return name(L"Use", kPadSouth) + L"   Play " + WideFromUtf8(games.TitleOn(selected.id)) +
-               L"      " + name(L"Turn Off", kPadNorth) + L"   Turn off";
+        return name(L"Use", kPadSouth, L"") + L"   Play " +
+               WideFromUtf8(games.TitleOn(selected.id)) + L"      " +
+               name(L"Turn Off", kPadNorth, L"") + L"   Turn off";
     }
     if (selected.id != 0) {
-        return name(L"Use", kPadSouth) + L"   Turn on: " + WideFromUtf8(games.NextTitle());
+        return name(L"Use", kPadSouth, L"") + L"   Turn on: " + WideFromUtf8(games.NextTitle());
     }
     if (now - hintsSince >= kGeneralHint) {
         return {};

@@ -146,11 +146,16 @@ int Run(int argc, const char* const* argv) {
     ROOM_OPTIONS room;
     CLI::App* roomApp =
         app.add_subcommand("room", "Walk in a room in which games play on televisions");
+    roomApp->footer(
+        "Keys: W A S D walk, the mouse looks, E or the left button uses a set, Q turns it off,\n"
+        "Esc leaves the full screen or frees the mouse, F4 the lamp. More in docs/ROOM.md.");
     roomApp->add_option("GAME", room.games, "ROMs, .zip, .game or demo:NAME; without any, our own");
     roomApp->add_option("--set", room.settings, "A setting for this run")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
-    roomApp->add_option("--bench", room.benchSeconds, "Measure for this long how fast it is drawn")
+    roomApp
+        ->add_option("--bench", room.benchSeconds,
+                     "Measure for this long how fast it is drawn; no saves")
         ->type_name("SECONDS")
         ->check(CLI::Range(0.1, 3600.0));
     roomApp->add_option("--view", room.view, "Where to stand, and the point to look at")

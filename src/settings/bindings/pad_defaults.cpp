@@ -92,7 +92,11 @@ void InputRefreshPadDefaults() {
 }
 
 uint64_t InputPadsActing() {
-    return gLiveInput.pads.load(std::memory_order_relaxed);
+    return tInputState->pads.load(std::memory_order_relaxed);
+}
+
+uint64_t InputPadsTaken() {
+    return gTaken;
 }
 
 bool InputCodeIsBound(uint32_t code) {

@@ -23,6 +23,12 @@ constexpr int kFull = 32767;
 
 class RoomController : public RoomTest {
 protected:
+    void SetUp() override {
+        RoomTest::SetUp();
+        // A window off the screen never has the focus, without which the library drops a joystick's events.
+        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+    }
+
     // The controller is plugged in once the program runs, as its library starts with it.
     RoomScreen* EnterWithPad(Application& application, const std::vector<std::string>& games,
                              VirtualJoystick::SHAPE shape = kController) {

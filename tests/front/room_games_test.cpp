@@ -96,7 +96,7 @@ protected:
 
 int Operations() {
     const char* const text = std::getenv("OMBRELUNE_ROOM_OPERATIONS"); // NOLINT(concurrency-mt-unsafe)
-    return text != nullptr ? std::max(1, std::atoi(text)) : 150;       // NOLINT(cert-err34-c)
+    return text != nullptr ? std::max(1, std::atoi(text)) : 600;       // NOLINT(cert-err34-c)
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include "front/televisions.h"
 #include "host/session_list.h"
 #include "room/look_stick.h"
+#include "room/standpoint.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -23,11 +24,13 @@ namespace {
 
 constexpr uint32_t kNoSession = 0; // no set has this key
 constexpr uint32_t kEscape = 41;   // scancodes
+constexpr uint32_t kPageUp = 75;
+constexpr uint32_t kPageDown = 78;
 constexpr uint32_t kLeftShift = 225;
 constexpr uint32_t kLeftButton = 1;
 constexpr uint32_t kMiddleButton = 2;
 constexpr uint64_t kFirstPad = (uint64_t{1} << kPadControls) - 1;
-constexpr float kLongestStep = 0.1f; // seconds; after a standstill nobody flies through a wall
+constexpr float kLongestStep = 0.1f; // seconds, also after a pause
 constexpr int64_t kGeneralHint = 10000000; // microseconds that the hint to walk stays
 constexpr int64_t kFullScreenHint = 4000000;
 
@@ -84,12 +87,18 @@ struct RoomScreen::HANDS {
     float lookY = 0.0f;
     STICK turn; // degrees a second
     int notches = 0;
+    int nextSet = 0; // +1 the next, -1 the one before
     bool slowWheel = false;
     bool use = false;
     bool turnOff = false;
     bool toggleWalking = false;
     bool middle = false;
     bool click = false; // with a free mouse
+
+    [[nodiscard]] bool Move() const {
+        return walk.right != 0.0f || walk.forward != 0.0f || lookX != 0.0f || lookY != 0.0f ||
+               turn.x != 0.0f || turn.y != 0.0f || notches != 0;
+    }
 };
 
 RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> openedGames)
@@ -140,10 +149,10 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     CollectGames();
     const RoomModes before = modes;
     const HANDS hands = ReadHands(input);
+    camera.SetAspect(Aspect(input.target));
+    Walk(hands, seconds);
     if (modes.RoomVisible()) {
-        camera.SetAspect(Aspect(input.target));
-        Walk(hands, seconds);
-        modes.SetLookedAt(LookAt(objects, camera));
+        ChooseSet(hands);
     }
     Act(hands);
     if (before.RoomVisible() != modes.RoomVisible() || before.Walking() != modes.Walking()) {
@@ -174,6 +183,8 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
         case GuiInputKind::kWheel: hands.notches -= event.wheel; break;
         case GuiInputKind::kKeyDown:
             hands.toggleWalking = hands.toggleWalking || (event.key == kEscape && !event.repeat);
+            hands.nextSet += event.key == kPageDown ? 1 : 0;
+            hands.nextSet -= event.key == kPageUp ? 1 : 0;
             break;
         default: break;
         }
@@ -197,6 +208,7 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
     const uint64_t pads = InputPadsActing() & kFirstPad;
     hands.use = pressed(ActionIsDown(L"Use"), useHeld) || hands.use;
     hands.turnOff = pressed(ActionIsDown(L"Turn Off"), turnOffHeld);
+    hands.nextSet += pressed((pads & PadBit(0, kPadBack)) != 0, nextSetHeld) ? 1 : 0;
     // While a machine is played its buttons are its own; the guide button belongs to no machine.
     const bool played = !modes.RoomVisible() || (!walking && modes.Selected().on);
     const uint64_t leaveControls =
@@ -225,8 +237,40 @@ void RoomScreen::Walk(const HANDS& hands, float seconds) {
     camera.Move(hands.walk, seconds);
 }
 
+// What the player looks at; before a set that he was put before, that set.
+void RoomScreen::ChooseSet(const HANDS& hands) {
+    if (modes.Walking() && hands.nextSet != 0) {
+        VisitSet(hands.nextSet);
+    } else if (modes.Walking() && hands.Move()) {
+        visited = 0;
+    }
+    const CRoomObject* const set = objects.Find(visited);
+    modes.SetLookedAt(set != nullptr ? LookedAtSet(*set) : LookAt(objects, camera));
+}
+
+void RoomScreen::VisitSet(int step) {
+    std::vector<uint32_t> sets;
+    for (const uint32_t key : objects.Televisions()) {
+        if (key != 0) {
+            sets.push_back(key);
+        }
+    }
+    if (sets.empty()) {
+        return;
+    }
+    const auto count = static_cast<int>(sets.size());
+    const auto at = std::find(sets.begin(), sets.end(), modes.Selected().id);
+    const int from = at != sets.end() ? static_cast<int>(at - sets.begin()) : (step > 0 ? -1 : count);
+    visited = sets[static_cast<size_t>(((from + step) % count + count) % count)];
+    const STANDPOINT point = StandpointBefore(*objects.Find(visited));
+    StandAt(point.from, point.at);
+}
+
 void RoomScreen::Act(const HANDS& hands) {
-    if (hands.toggleWalking) {
+    // While a machine is played the middle button leads back, and `Turn Off` is not read: its key may be one of
+    // the machine's.
+    const bool middleLeaves = hands.middle && fullScreen != nullptr;
+    if (hands.toggleWalking || middleLeaves) {
         BackToRoom();
         modes.ToggleWalking();
         return;
@@ -391,8 +435,9 @@ std::wstring RoomScreen::Hint(int64_t now) const {
     if (now - hintsSince >= kGeneralHint) {
         return {};
     }
-    return padInHand ? std::wstring(L"Left stick   Walk      Right stick   Look")
+    return padInHand ? L"Left stick   Walk      Right stick   Look      " + name(L"", kPadBack, L"Page Down") +
+                           L"   Next set"
                      : ActionKeyName(L"Move Forward") + L" " + ActionKeyName(L"Move Left") + L" " +
                            ActionKeyName(L"Move Back") + L" " + ActionKeyName(L"Move Right") +
-                           L"   Walk      Mouse   Look      Esc   Free the mouse";
+                           L"   Walk      Mouse   Look      Page Down   Next set      Esc   Free the mouse";
 }

@@ -465,3 +465,29 @@ TEST_F(RoomScreenTest, WithoutAJoystickNothingMovesByItself) {
     EXPECT_FLOAT_EQ(room->Camera().Yaw(), 0.0f);
     EXPECT_TRUE(room->Modes().Walking());
 }
+
+// All eight, the cabinets and the large set among them, which a look does not choose where they stand.
+TEST_F(RoomScreenTest, PageDownAndUpGoFromSetToSet) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    std::vector<uint32_t> sets(kAllSets.begin(), kAllSets.end());
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEDOWN));
+    const uint32_t first = room->Modes().Selected().id;
+    const auto start = std::find(sets.begin(), sets.end(), first);
+    ASSERT_NE(start, sets.end());
+    std::rotate(sets.begin(), start, sets.end());
+    for (size_t i = 1; i <= sets.size(); ++i) {
+        ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEDOWN));
+        EXPECT_EQ(room->Modes().Selected().id, sets[i % sets.size()]) << i;
+    }
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEUP));
+    EXPECT_EQ(room->Modes().Selected().id, sets.back());
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    EXPECT_TRUE(RunUntil(application, [&] { return SessionRuns(sets.back()); }));
+
+    Key(SDL_SCANCODE_S, true);
+    ASSERT_TRUE(RunUntil(application, [&] { return room->Modes().Selected().id != sets.back(); }))
+        << "a step back chooses by looking again";
+    Key(SDL_SCANCODE_S, false);
+}

@@ -74,7 +74,7 @@ void ApuCycles(benchmark::State& state) {
     Prepare(0);
     uint32_t irqLines = 0;
     const auto apu = PlayingApu(irqLines);
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (uint32_t cycle = 0; cycle < kFrameCycles; ++cycle) {
             ApuTick(*apu);
         }
@@ -88,7 +88,7 @@ void ApuFrames(benchmark::State& state) {
     Prepare(static_cast<int>(state.range(0)));
     uint32_t irqLines = 0;
     const auto apu = PlayingApu(irqLines);
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (uint32_t cycle = 0; cycle < kFrameCycles; ++cycle) {
             ApuTick(*apu);
         }
@@ -103,7 +103,7 @@ void ApuStates(benchmark::State& state) {
     uint32_t irqLines = 0;
     const auto apu = PlayingApu(irqLines);
     std::vector<uint8_t> block(ApuStateSize());
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(ApuSaveState(*apu, block.data()));
     }
     state.counters["bytes"] = static_cast<double>(block.size());

@@ -35,7 +35,7 @@ void RunResampler(benchmark::State& state, double sourceRate, bool mono) {
     for (size_t i = 0; mono && i < samples.size(); i += 2) {
         samples[i + 1] = samples[i];
     }
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const int32_t added = resampler.Push(samples.data(), static_cast<int32_t>(samples.size()));
         benchmark::DoNotOptimize(resampler.Output().data());
         resampler.Consume(added);
@@ -63,7 +63,7 @@ void ResampleFastChipWithLibsamplerate(benchmark::State& state) {
     std::vector<float> in(samples.size());
     src_short_to_float_array(samples.data(), in.data(), static_cast<int>(in.size()));
     std::vector<float> out(in.size());
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         SRC_DATA data{};
         data.data_in = in.data();
         data.data_out = out.data();
@@ -82,7 +82,7 @@ void SplitBands(benchmark::State& state) {
     splitter.SetCrossovers(44100.0, 600.0, 5000.0);
     splitter.gains = {1.25, 1.0, 1.0};
     const std::vector<int16_t> samples = Noise(44100 / 60);
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         double sum = 0.0;
         for (const int16_t sample : samples) {
             sum += splitter.Process(sample);

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr double kConsoleClock = 1'789'773.0;
-constexpr int kCyclesARound = 29'781; // about one frame
+constexpr int kCyclesPerIteration = 29'781; // about one frame
 constexpr uint16_t kStart = 0x8000;
 
 // Copies, adds, branches and calls in an endless loop.
@@ -51,7 +51,7 @@ FLAT_BUS MakeBus() {
 }
 
 void Report(benchmark::State& state) {
-    const auto cycles = static_cast<double>(state.iterations()) * kCyclesARound;
+    const auto cycles = static_cast<double>(state.iterations()) * kCyclesPerIteration;
     state.counters["cycles/s"] = benchmark::Counter(cycles, benchmark::Counter::kIsRate);
     state.counters["timesRealTime"] =
         benchmark::Counter(cycles / kConsoleClock, benchmark::Counter::kIsRate);
@@ -62,9 +62,8 @@ void BenchInlinedBus(benchmark::State& state) {
     M6502 cpu;
     M6502Init(cpu, nullptr, nullptr, nullptr);
     M6502ResetOn(cpu, bus);
-    for (auto round : state) {
-        static_cast<void>(round);
-        for (int i = 0; i < kCyclesARound; ++i) {
+    for (auto _ : state) {
+        for (int i = 0; i < kCyclesPerIteration; ++i) {
             M6502Sample(cpu);
             M6502Cycle(cpu, bus);
         }
@@ -85,9 +84,8 @@ void BenchCallbacks(benchmark::State& state) {
             static_cast<FLAT_BUS*>(owner)->memory[address] = value;
         });
     M6502Reset(cpu);
-    for (auto round : state) {
-        static_cast<void>(round);
-        for (int i = 0; i < kCyclesARound; ++i) {
+    for (auto _ : state) {
+        for (int i = 0; i < kCyclesPerIteration; ++i) {
             M6502Tick(cpu);
         }
         benchmark::DoNotOptimize(cpu.a);

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr double kConsoleClock = 7'670'454.0;
-constexpr int kStepsARound = 10'000;
+constexpr int kTicksPerIteration = 10'000;
 constexpr uint32_t kStart = 0x400;
 constexpr uint32_t kPageWords = 0x8000;
 
@@ -82,14 +82,14 @@ void Measure(benchmark::State& state, bool usesPages) {
     }
     M68kReset(cpu);
     uint64_t clocks = 0;
-    for (auto round : state) {
-        static_cast<void>(round);
-        for (int i = 0; i < kStepsARound; ++i) {
+    for (auto _ : state) {
+        for (int i = 0; i < kTicksPerIteration; ++i) {
             clocks += M68kTick(cpu);
         }
     }
-    const auto steps = static_cast<double>(state.iterations()) * kStepsARound;
-    state.counters["instructions/s"] = benchmark::Counter(steps, benchmark::Counter::kIsRate);
+    const auto instructions = static_cast<double>(state.iterations()) * kTicksPerIteration;
+    state.counters["instructions/s"] =
+        benchmark::Counter(instructions, benchmark::Counter::kIsRate);
     state.counters["timesRealTime"] = benchmark::Counter(
         static_cast<double>(clocks) / kConsoleClock, benchmark::Counter::kIsRate);
 }

@@ -36,7 +36,7 @@ void ScalePictures(benchmark::State& state) {
     }
     const size_t factor = ScalerFactor(scaler);
     std::vector<uint32_t> target(source.size() * factor * factor);
-    for ([[maybe_unused]] auto round : state) {
+    for ([[maybe_unused]] auto _ : state) {
         ScalePicture(scaler, source.data(), kWidth, kHeight, target.data());
         benchmark::DoNotOptimize(target.data());
         benchmark::ClobberMemory();

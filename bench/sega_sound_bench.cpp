@@ -65,7 +65,7 @@ std::unique_ptr<HEARD_CHIP<YM2413>> PlayingYm() {
 void PsgClocks(benchmark::State& state) {
     Prepare(0);
     const auto psg = PlayingPsg();
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             PsgTick(*psg);
         }
@@ -78,7 +78,7 @@ void PsgClocks(benchmark::State& state) {
 void PsgFrames(benchmark::State& state) {
     Prepare(static_cast<int>(state.range(0)));
     const auto psg = PlayingPsg();
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             PsgTick(*psg);
         }
@@ -91,7 +91,7 @@ void PsgFrames(benchmark::State& state) {
 void YmClocks(benchmark::State& state) {
     Prepare(0);
     const auto ym = PlayingYm();
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             YmTick(*ym);
         }
@@ -104,7 +104,7 @@ void YmClocks(benchmark::State& state) {
 void YmFrames(benchmark::State& state) {
     Prepare(static_cast<int>(state.range(0)));
     const auto ym = PlayingYm();
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             YmTick(*ym);
         }
@@ -118,7 +118,7 @@ void PsgStates(benchmark::State& state) {
     Prepare(0);
     const auto psg = PlayingPsg();
     std::vector<uint8_t> block(PsgStateSize());
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(PsgSaveState(*psg, block.data()));
     }
     state.counters["bytes"] = static_cast<double>(block.size());
@@ -128,7 +128,7 @@ void YmStates(benchmark::State& state) {
     Prepare(0);
     const auto ym = PlayingYm();
     std::vector<uint8_t> block(YmStateSize());
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(YmSaveState(*ym, block.data()));
     }
     state.counters["bytes"] = static_cast<double>(block.size());

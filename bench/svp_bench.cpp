@@ -14,7 +14,7 @@ namespace {
 
 constexpr double kConsoleInstructions = 3 * 7'670'453.0;
 constexpr int kInstructionsACall = 30; // for a 68000 instruction of ten cycles
-constexpr int kCallsARound = 1000;
+constexpr int kCallsPerIteration = 1000;
 constexpr size_t kStart = 0x400;
 
 // Sums of products, and pixels stored by cells through PM4, as a game that turns polygons does.
@@ -60,15 +60,14 @@ void BenchRun(benchmark::State& state) {
             bank[i] = static_cast<uint16_t>((i * 0x3B7) & 0xFFFF);
         }
     }
-    for (auto round : state) {
-        static_cast<void>(round);
-        for (int i = 0; i < kCallsARound; ++i) {
+    for (auto _ : state) {
+        for (int i = 0; i < kCallsPerIteration; ++i) {
             SvpRun(*svp, kInstructionsACall);
         }
         benchmark::DoNotOptimize(svp->gr[kSvpA]);
     }
     const double instructions =
-        static_cast<double>(state.iterations()) * kCallsARound * kInstructionsACall;
+        static_cast<double>(state.iterations()) * kCallsPerIteration * kInstructionsACall;
     state.counters["instructions/s"] =
         benchmark::Counter(instructions, benchmark::Counter::kIsRate);
     state.counters["timesRealTime"] =
@@ -80,8 +79,7 @@ void BenchWaiting(benchmark::State& state) {
     const auto svp = std::make_unique<MD_SVP>();
     SvpReset(*svp, rom.data());
     svp->emuStatus = kSvpWaitsForPm0;
-    for (auto round : state) {
-        static_cast<void>(round);
+    for (auto _ : state) {
         SvpRun(*svp, kInstructionsACall);
         benchmark::DoNotOptimize(svp->gr[kSvpA]);
     }

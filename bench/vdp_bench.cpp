@@ -36,14 +36,14 @@ struct Board {
     }
 };
 
-enum class Way { kStepByStep, kCatchingUp };
+enum class Way { kTick, kRun };
 
 void RunFrames(benchmark::State& state, uint8_t mode0, uint8_t mode1, Way way) {
     Board board(mode0, mode1);
     for (auto _ : state) {
         VdpBeginFrame(board.vdp, board.pixels.data(), 256);
         while (!board.vdp.frameDone) {
-            if (way == Way::kCatchingUp) {
+            if (way == Way::kRun) {
                 VdpRun(board.vdp, VdpTicksToEvent(board.vdp));
             } else {
                 VdpTick(board.vdp);
@@ -62,9 +62,8 @@ void RunFrames(benchmark::State& state, uint8_t mode0, uint8_t mode1, Way way) {
 
 } // namespace
 
-BENCHMARK_CAPTURE(RunFrames, mode4, 0x06, 0x60, Way::kStepByStep)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(RunFrames, mode4Run, 0x06, 0x60, Way::kCatchingUp)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(RunFrames, mode4BlankRun, 0x06, 0x20, Way::kCatchingUp)
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(RunFrames, mode2Run, 0x02, 0x60, Way::kCatchingUp)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(RunFrames, textRun, 0x00, 0x70, Way::kCatchingUp)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(RunFrames, mode4, 0x06, 0x60, Way::kTick)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(RunFrames, mode4Run, 0x06, 0x60, Way::kRun)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(RunFrames, mode4BlankRun, 0x06, 0x20, Way::kRun)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(RunFrames, mode2Run, 0x02, 0x60, Way::kRun)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(RunFrames, textRun, 0x00, 0x70, Way::kRun)->Unit(benchmark::kMicrosecond);

@@ -24,12 +24,13 @@ void Prepare(int quality) {
     SetAudioRate(44100);
 }
 
-void Report(benchmark::State& state, double samplesPerRound) {
-    const auto rounds = static_cast<double>(state.iterations());
+void Report(benchmark::State& state, double samplesPerIteration) {
+    const auto iterations = static_cast<double>(state.iterations());
     state.counters["samples"] =
-        benchmark::Counter(rounds * samplesPerRound, benchmark::Counter::kIsRate);
-    state.counters["timesRealTime"] = benchmark::Counter(
-        rounds * samplesPerRound * kYm2612ClocksPerSample / kClock, benchmark::Counter::kIsRate);
+        benchmark::Counter(iterations * samplesPerIteration, benchmark::Counter::kIsRate);
+    state.counters["timesRealTime"] =
+        benchmark::Counter(iterations * samplesPerIteration * kYm2612ClocksPerSample / kClock,
+                           benchmark::Counter::kIsRate);
 }
 
 void Set(YM2612& ym, uint32_t reg, uint32_t value) {
@@ -69,7 +70,7 @@ void Ym2612Samples(benchmark::State& state) {
     constexpr uint32_t kSamples = 1000;
     Prepare(0);
     const auto ym = Playing(state.range(0) != 0);
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         Ym2612Run(*ym, kSamples * kYm2612ClocksPerSample);
         benchmark::DoNotOptimize(ym->pairs->samples[0]);
         ym->pairs->sampleCount = 0;
@@ -84,7 +85,7 @@ void Ym2612Silence(benchmark::State& state) {
     Ym2612SetClock(*ym, kClock);
     Ym2612Reset(*ym);
     ym->sound.Init(kClock / 144.0, SoundChoiceFromSettings());
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         Ym2612Run(*ym, kSamples * kYm2612ClocksPerSample);
         benchmark::DoNotOptimize(ym->pairs->samples[0]);
         ym->pairs->sampleCount = 0;
@@ -95,7 +96,7 @@ void Ym2612Silence(benchmark::State& state) {
 void Ym2612Frames(benchmark::State& state) {
     Prepare(static_cast<int>(state.range(0)));
     const auto ym = Playing(false);
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (uint32_t clock = 0; clock < kFrameClocks; ++clock) {
             Ym2612Tick(*ym);
         }
@@ -109,7 +110,7 @@ void Ym2612States(benchmark::State& state) {
     Prepare(0);
     const auto ym = Playing(true);
     std::vector<uint8_t> block(Ym2612StateSize());
-    for ([[maybe_unused]] auto step : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(Ym2612SaveState(*ym, block.data()));
     }
     state.counters["bytes"] = static_cast<double>(block.size());

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr double kConsoleClock = 3'579'545.0;
-constexpr int kClocksARound = 60'000; // about one frame
+constexpr int kClocksPerIteration = 60'000; // about one frame
 
 // An endless loop of copies, sums, branches and calls.
 constexpr std::array<uint8_t, 27> kProgram{
@@ -48,7 +48,7 @@ FLAT_BUS MakeBus() {
 }
 
 void Report(benchmark::State& state) {
-    const auto clocks = static_cast<double>(state.iterations()) * kClocksARound;
+    const auto clocks = static_cast<double>(state.iterations()) * kClocksPerIteration;
     state.counters["clocks/s"] = benchmark::Counter(clocks, benchmark::Counter::kIsRate);
     state.counters["timesRealTime"] =
         benchmark::Counter(clocks / kConsoleClock, benchmark::Counter::kIsRate);
@@ -59,9 +59,8 @@ void BenchInlinedBus(benchmark::State& state) {
     Z80 z80;
     Z80Init(z80, nullptr, nullptr, nullptr, nullptr, nullptr);
     Z80Reset(z80);
-    for (auto round : state) {
-        static_cast<void>(round);
-        for (int i = 0; i < kClocksARound; ++i) {
+    for (auto _ : state) {
+        for (int i = 0; i < kClocksPerIteration; ++i) {
             Z80TickOn(z80, bus);
         }
         benchmark::DoNotOptimize(z80.regs);
@@ -76,9 +75,8 @@ void BenchRuns(benchmark::State& state) {
     Z80 z80;
     Z80Init(z80, nullptr, nullptr, nullptr, nullptr, nullptr);
     Z80Reset(z80);
-    for (auto round : state) {
-        static_cast<void>(round);
-        for (uint32_t left = kClocksARound; left != 0;) {
+    for (auto _ : state) {
+        for (uint32_t left = kClocksPerIteration; left != 0;) {
             const uint32_t clocks = std::min(left, kClocksALine);
             Z80RunOn(z80, bus, clocks);
             left -= clocks;
@@ -102,9 +100,8 @@ void BenchCallbacks(benchmark::State& state) {
         },
         [](void*, uint32_t, uint8_t) {});
     Z80Reset(z80);
-    for (auto round : state) {
-        static_cast<void>(round);
-        for (int i = 0; i < kClocksARound; ++i) {
+    for (auto _ : state) {
+        for (int i = 0; i < kClocksPerIteration; ++i) {
             Z80Tick(z80);
         }
         benchmark::DoNotOptimize(z80.regs);

@@ -138,7 +138,7 @@ std::vector<uint8_t> RunImage(const std::vector<uint8_t>& image, uint8_t console
     if (!machine) {
         return {};
     }
-    machine->SetStepByStep(plain);
+    machine->SetPlainLoop(plain);
     FuzzRunFrame(*machine);
     FuzzRunFrame(*machine);
     return FuzzSave(*machine);
@@ -175,9 +175,9 @@ void RunState(FUZZ_PLAYER& player, const std::vector<uint8_t>& state) {
     const std::vector<uint8_t> saved = FuzzState(player, state);
     RequireChipsAlike(saved, FuzzSave(*player.machine));
     if (auto& machine = static_cast<CMegaDrive&>(*player.machine); FuzzLoad(machine, state)) {
-        machine.SetStepByStep(true);
+        machine.SetPlainLoop(true);
         FuzzRunFrame(machine);
-        machine.SetStepByStep(false);
+        machine.SetPlainLoop(false);
         FuzzRequire(FuzzSave(machine) == saved);
     }
 }

@@ -30,7 +30,10 @@ void PostGuiInput(const GUI_INPUT& input) {
         record.wheel = true;
         record.button = input.wheel < 0 ? 1 : 0;
         break;
-    case GuiInputKind::kKeyDown: record.keyDown = true; break;
+    case GuiInputKind::kKeyDown:
+        record.keyDown = true;
+        record.repeat = input.repeat;
+        break;
     case GuiInputKind::kKeyUp: record.keyUp = true; break;
     case GuiInputKind::kText: record.character = static_cast<int32_t>(input.character); break;
     }

@@ -22,6 +22,11 @@ void PostGuiInput(const GUI_INPUT& input);
 
 class GuiOverlay {
 public:
+    GuiOverlay() = default;
+    ~GuiOverlay() { End(); }
+    GuiOverlay(const GuiOverlay&) = delete;
+    GuiOverlay& operator=(const GuiOverlay&) = delete;
+
     void Start(const DRAW_TARGET& target);
     void End();
 
@@ -31,6 +36,7 @@ public:
     // In Ortho2D, after the picture below. In this call the toolkit composites.
     void Draw();
 
+    [[nodiscard]] size_t TextureCount() const { return textures.Count(); }
     // Uploads of windows so far.
     [[nodiscard]] uint64_t Uploads() const { return textures.Uploads(); }
 

@@ -1,5 +1,6 @@
 #include "gui/button.h"
 
+#include "gui/control_input.h"
 #include "gui/manager.h"
 #include "gui/surface.h"
 #include "gui/text.h"
@@ -48,8 +49,9 @@ void CGhostButton::SetEnabled(bool enable) {
     enabled = enable;
     state = enable ? kNormal : kDisabled;
     if (!enable) {
-        down = captured = false;
+        down = captured = keyHeld = false;
     }
+    CGhostManager::Get().SetTabStop(window, enable && (flags & kNoKeys) == 0);
     dirty = true;
 }
 
@@ -122,11 +124,10 @@ void CGhostButton::OnMouseDoubleClick(int x, int y, unsigned button) {
 }
 
 void CGhostButton::OnMouseDown(int x, int y, unsigned button) {
-    constexpr unsigned kLeft = 1;
     if (!enabled) {
         return;
     }
-    if (button == kLeft) {
+    if (button == kLeftButton) {
         if (!OnGrip(x)) {
             const bool rises = (flags & kLatches) != 0 && down;
             state = rises ? kHot : kPressed;
@@ -143,11 +144,10 @@ void CGhostButton::OnMouseDown(int x, int y, unsigned button) {
 }
 
 void CGhostButton::OnMouseUp(int x, int y, unsigned button) {
-    constexpr unsigned kLeft = 1;
     if (!enabled || !captured) {
         return;
     }
-    if (button == kLeft) {
+    if (button == kLeftButton) {
         captured = false;
         if ((flags & kLatches) == 0) {
             down = false;
@@ -163,6 +163,25 @@ void CGhostButton::OnMouseUp(int x, int y, unsigned button) {
     dirty = true;
 }
 
+// The capture was taken away: no release will come.
+void CGhostButton::LosePress() {
+    if (!captured) {
+        return;
+    }
+    captured = false;
+    if ((flags & kLatches) == 0 && !keyHeld) {
+        down = false;
+        state = kNormal;
+    }
+    dirty = true;
+}
+
+void CGhostButton::OnTick(unsigned /*microseconds*/) {
+    if (captured) {
+        RestWithoutCapture(window, [this] { LosePress(); });
+    }
+}
+
 void CGhostButton::OnMouseWheel(int x, int y, bool up) {
     if (enabled) {
         OnWheel(this, x, y, up);
@@ -170,7 +189,7 @@ void CGhostButton::OnMouseWheel(int x, int y, bool up) {
 }
 
 void CGhostButton::OnKeyDown(GHOSTGUIKey key) {
-    if (enabled && (key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kReturn)) {
+    if (enabled && IsPressKey(key)) {
         state = kPressed;
         down = keyHeld = true;
         dirty = true;
@@ -179,11 +198,12 @@ void CGhostButton::OnKeyDown(GHOSTGUIKey key) {
     }
 }
 
+// A key that went down at another control is none of this one's.
 void CGhostButton::OnKeyUp(GHOSTGUIKey key) {
     if (!enabled || (flags & kNoKeys) != 0) {
         return;
     }
-    if (key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kReturn) {
+    if (keyHeld && IsPressKey(key)) {
         state = kNormal;
         down = keyHeld = false;
         dirty = true;
@@ -194,6 +214,7 @@ void CGhostButton::OnKeyUp(GHOSTGUIKey key) {
 void CGhostButton::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
     const GUI_RECT whole{0, 0, surface->Width(), surface->Height()};
     PaintText(*surface, style.states[state], caption, whole);
+    PaintFrame(*surface, style.states[state].border);
     if (focused && enabled) {
         PaintFocusRing(*surface, whole);
     }

@@ -45,6 +45,7 @@ public:
     void OnMouseWheel(int x, int y, bool up) override;
     void OnKeyDown(GHOSTGUIKey key) override;
     void OnKeyUp(GHOSTGUIKey key) override;
+    void OnTick(unsigned microseconds) override;
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
 
 protected:
@@ -53,6 +54,7 @@ protected:
 private:
     [[nodiscard]] bool Inside(int x, int y) const;
     [[nodiscard]] bool OnGrip(int x) const;
+    void LosePress();
 
     std::wstring caption;
     std::wstring styleName;

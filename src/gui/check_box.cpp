@@ -1,6 +1,7 @@
 #include "gui/check_box.h"
 
 #include "gui/button.h"
+#include "gui/control_input.h"
 #include "gui/manager.h"
 #include "gui/surface.h"
 #include "gui/text.h"
@@ -40,19 +41,23 @@ void CGhostCheckBox::SetStyle(const std::wstring& name) {
 
 void CGhostCheckBox::SetChecked(bool wanted) {
     checked = wanted;
-    if (enabled) {
-        state = wanted ? CGhostButton::kPressed : CGhostButton::kNormal;
-    }
+    state = StateAtRest();
     dirty = true;
 }
 
 void CGhostCheckBox::SetEnabled(bool enable) {
     enabled = enable;
-    down = captured = false;
-    state = !enable   ? CGhostButton::kDisabled
-            : checked ? CGhostButton::kPressed
-                      : CGhostButton::kNormal;
+    down = captured = keyHeld = false;
+    state = StateAtRest();
+    CGhostManager::Get().SetTabStop(window, enable);
     dirty = true;
+}
+
+uint32_t CGhostCheckBox::StateAtRest() const {
+    if (!enabled) {
+        return CGhostButton::kDisabled;
+    }
+    return checked ? CGhostButton::kPressed : CGhostButton::kNormal;
 }
 
 bool CGhostCheckBox::Inside(int x, int y) const {
@@ -61,6 +66,10 @@ bool CGhostCheckBox::Inside(int x, int y) const {
 
 void CGhostCheckBox::OnFocus(bool gained, void* /*other*/) {
     focused = gained;
+    if (!gained && keyHeld) {
+        down = keyHeld = false; // the key that is held belongs to another control now
+        state = StateAtRest();
+    }
     dirty = true;
 }
 
@@ -98,7 +107,7 @@ void CGhostCheckBox::OnMouseDoubleClick(int x, int y, unsigned button) {
 }
 
 void CGhostCheckBox::OnMouseDown(int /*x*/, int /*y*/, unsigned button) {
-    if (enabled && button == 1) {
+    if (enabled && button == kLeftButton) {
         state = CGhostButton::kPressed;
         down = captured = true;
         dirty = true;
@@ -106,16 +115,31 @@ void CGhostCheckBox::OnMouseDown(int /*x*/, int /*y*/, unsigned button) {
 }
 
 void CGhostCheckBox::OnMouseUp(int x, int y, unsigned button) {
-    if (!enabled || !captured || button != 1) {
+    if (!enabled || !captured || button != kLeftButton) {
         return;
     }
     captured = down = false;
     if (Inside(x, y)) {
         Toggle();
     } else {
-        state = checked ? CGhostButton::kPressed : CGhostButton::kNormal;
+        state = StateAtRest();
     }
     dirty = true;
+}
+
+// The capture was taken away: no release will come.
+void CGhostCheckBox::LosePress() {
+    if (captured) {
+        captured = down = false;
+        state = StateAtRest();
+        dirty = true;
+    }
+}
+
+void CGhostCheckBox::OnTick(unsigned /*microseconds*/) {
+    if (captured) {
+        RestWithoutCapture(window, [this] { LosePress(); });
+    }
 }
 
 void CGhostCheckBox::Toggle() {
@@ -126,9 +150,9 @@ void CGhostCheckBox::Toggle() {
 }
 
 void CGhostCheckBox::OnKeyDown(GHOSTGUIKey key) {
-    if (enabled && (key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kReturn)) {
+    if (enabled && IsPressKey(key)) {
         state = CGhostButton::kPressed;
-        down = true;
+        down = keyHeld = true;
         dirty = true;
     } else if (const bool sets = key == kPlus || key == kKeypadPlus;
                enabled && sets != checked && (sets || key == kMinus || key == kKeypadMinus)) {
@@ -140,18 +164,30 @@ void CGhostCheckBox::OnKeyDown(GHOSTGUIKey key) {
 
 // These two keys release and report, but do not toggle; plus checks and minus unchecks.
 void CGhostCheckBox::OnKeyUp(GHOSTGUIKey key) {
-    if (enabled && (key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kReturn)) {
+    if (enabled && keyHeld && IsPressKey(key)) {
         state = CGhostButton::kNormal;
-        down = false;
+        down = keyHeld = false;
         dirty = true;
         OnChange(this, false);
     }
 }
 
+// Whether a disabled box is checked is seen: by the theme's fifth state, or the square of a checked one.
+const GhostTexture& CGhostCheckBox::Square() const {
+    constexpr size_t kOther = 4;
+    if (state != CGhostButton::kDisabled || !checked) {
+        return style.states[state].bg;
+    }
+    const GhostTexture& own = style.states[kOther].bg;
+    const bool given =
+        own.type != GhostFill::kNone && (own.type != GhostFill::kColour || own.colour1 != 0);
+    return given ? own : style.states[CGhostButton::kPressed].bg;
+}
+
 void CGhostCheckBox::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
     const int32_t side = surface->Height();
     GhostTextStyle text = style.states[state];
-    PaintFill(*surface, text.bg, {0, 0, side, side});
+    PaintFill(*surface, Square(), {0, 0, side, side});
     text.bg.type = GhostFill::kNone;
     PaintText(*surface, text, caption, {side, 0, surface->Width() - side, side});
     if (focused && enabled) {

@@ -28,6 +28,7 @@ public:
     void OnMouseUp(int x, int y, unsigned button) override;
     void OnKeyDown(GHOSTGUIKey key) override;
     void OnKeyUp(GHOSTGUIKey key) override;
+    void OnTick(unsigned microseconds) override;
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
 
 protected:
@@ -35,7 +36,10 @@ protected:
 
 private:
     [[nodiscard]] bool Inside(int x, int y) const;
+    [[nodiscard]] uint32_t StateAtRest() const;
+    [[nodiscard]] const GhostTexture& Square() const;
     void Toggle();
+    void LosePress();
 
     std::wstring caption;
     std::wstring styleName;
@@ -48,4 +52,5 @@ private:
     bool enabled = true;
     bool checked = false;
     bool focused = false;
+    bool keyHeld = false; // it is down by a key
 };

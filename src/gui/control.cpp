@@ -1,12 +1,8 @@
 #include "gui/control.h"
 
 #include "gui/manager.h"
-#include "gui/surface.h"
+#include "gui/ring.h"
 #include "gui/theme.h"
-
-#include <algorithm>
-#include <cmath>
-#include <vector>
 
 GHOSTMANAGER_WINDOW* MakeControlWindow(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
                                        CGhostGUIHandler* handler, const GUI_PLACE& place) {
@@ -17,81 +13,15 @@ void PlaceControl(GHOSTMANAGER_WINDOW* window, const GUI_PLACE& place) {
     CGhostManager::Get().SetWindowPos(window, place.x, place.y, place.width, place.height);
 }
 
-namespace {
-
-struct PIXEL_SIZE {
-    int32_t width;
-    int32_t height;
-};
-
-// What of a pixel of a corner lies in a ring with that outer radius, 0 to 255. (x, y) from the corner,
-// `pixels` across the radius.
-uint8_t CornerCoverage(int32_t x, int32_t y, PIXEL_SIZE pixels, int32_t radius, int32_t thickness) {
-    constexpr int32_t kSamples = 4; // each way
-    int32_t inside = 0;
-    for (int32_t i = 0; i < kSamples * kSamples; ++i) {
-        const int32_t column = i % kSamples;
-        const int32_t row = i / kSamples;
-        const double right = (x + (column + 0.5) / kSamples) * radius / pixels.width;
-        const double down = (y + (row + 0.5) / kSamples) * radius / pixels.height;
-        const double distance = std::hypot(radius - right, radius - down);
-        inside += distance <= radius && distance > radius - thickness ? 1 : 0;
-    }
-    return static_cast<uint8_t>(inside * 255 / (kSamples * kSamples));
-}
-
-// The quarter of a ring in a corner of `radius` units.
-void PaintRingCorner(CGhostSurface& surface, const GUI_RECT& corner, int32_t thickness,
-                     bool atRight, bool atBottom, uint32_t colour) {
-    const int32_t left = surface.PixelX(corner.x);
-    const int32_t top = surface.PixelY(corner.y);
-    const PIXEL_SIZE pixels{surface.PixelX(corner.Right()) - left,
-                            surface.PixelY(corner.Bottom()) - top};
-    if (pixels.width <= 0 || pixels.height <= 0) {
-        return;
-    }
-    std::vector<uint8_t> mask;
-    for (int32_t y = 0; y < pixels.height; ++y) {
-        for (int32_t x = 0; x < pixels.width; ++x) {
-            mask.push_back(CornerCoverage(atRight ? pixels.width - 1 - x : x,
-                                          atBottom ? pixels.height - 1 - y : y, pixels,
-                                          corner.width, thickness));
-        }
-    }
-    surface.StampMask(left, top, mask.data(), pixels.width, pixels.height, pixels.width, colour);
-}
-
-// With round corners, along the inside of the rectangle.
-void PaintRing(CGhostSurface& surface, const GUI_RECT& rect, int32_t thickness, int32_t corner,
-               uint32_t colour) {
-    const int32_t radius = std::min({corner, rect.width / 2, rect.height / 2});
-    if (radius < thickness || colour == 0) {
-        return;
-    }
-    const int32_t across = rect.width - 2 * radius;
-    const int32_t down = rect.height - 2 * radius;
-    surface.FillRect({rect.x + radius, rect.y, across, thickness}, colour);
-    surface.FillRect({rect.x + radius, rect.Bottom() - thickness, across, thickness}, colour);
-    surface.FillRect({rect.x, rect.y + radius, thickness, down}, colour);
-    surface.FillRect({rect.Right() - thickness, rect.y + radius, thickness, down}, colour);
-    for (const bool atRight : {false, true}) {
-        for (const bool atBottom : {false, true}) {
-            PaintRingCorner(surface,
-                            {atRight ? rect.Right() - radius : rect.x,
-                             atBottom ? rect.Bottom() - radius : rect.y, radius, radius},
-                            thickness, atRight, atBottom, colour);
-        }
-    }
-}
-
-} // namespace
-
 // A line of the outline's colour within parts the ring from a face of its own colour.
 void PaintFocusRing(CGhostSurface& surface, const GUI_RECT& rect) {
     constexpr int32_t kThickness = 2;
     constexpr int32_t kCorner = 4; // that of the controls
     GhostTextStyle style;
-    CGhostTheme::Get().GetStyle(L"FOCUS", style);
+    if (!CGhostTheme::Get().GetStyle(L"FOCUS", style) || style.textColour >> 24 == 0) {
+        style.textColour = 0xFFFFB347; // a theme that forgot it must not lead a player astray
+        style.textOutlineColour = 0xFF0B0E1F;
+    }
     PaintRing(surface, rect, kThickness, kCorner, style.textColour);
     PaintRing(surface,
               {rect.x + kThickness, rect.y + kThickness, rect.width - 2 * kThickness,

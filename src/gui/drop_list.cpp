@@ -1,6 +1,7 @@
 #include "gui/drop_list.h"
 
 #include "gui/button.h"
+#include "gui/control_input.h"
 #include "gui/manager.h"
 #include "gui/surface.h"
 #include "gui/text.h"
@@ -18,10 +19,16 @@ CGhostDropList::CGhostDropList(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
     window = MakeControlWindow(parent, creationId, this, place);
     manager.SetTabStop(window, true);
     manager.SetWindowFrame(window, &style.bg.border);
-    arrow = new CGhostButton(window, creationId, L"none", {}, CGhostButton::kNoKeys, {});
+    // It stays down while the list is open, wherever the mouse goes.
+    arrow = new CGhostButton(window, creationId, L"none", {},
+                             CGhostButton::kNoKeys | CGhostButton::kLatches, {});
     arrow->SetStyle(style.button);
     manager.SetPart(arrow->window);
     arrow->OnClick.connect([this](CGhostButton*, int, int, unsigned) { Toggle(); });
+    arrow->OnWheel.connect([this](CGhostButton*, int x, int y, bool up) {
+        SetFocus(); // the keys are the control's
+        OnMouseWheel(x, y, up);
+    });
 
     list = new CGhostList(nullptr, creationId, L"LIST",
                           CGhostList::kReportsAgain | CGhostList::kOnRelease | CGhostList::kKeysAim,
@@ -44,10 +51,15 @@ CGhostDropList::CGhostDropList(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
 
 int32_t CGhostDropList::AddItem(const std::wstring& text, int32_t image, uint32_t itemFlags,
                                 uint64_t value) {
-    return list->AddItem(text, image, itemFlags, 0, value);
+    const int32_t index = list->AddItem(text, image, itemFlags, 0, value);
+    if (open) {
+        PlaceList();
+    }
+    return index;
 }
 
 void CGhostDropList::Clear() {
+    CloseList();
     list->Clear();
     chosen = -1;
     dirty = true;
@@ -87,16 +99,21 @@ bool CGhostDropList::IsOwnPart(const void* part) const {
 
 // ---- Opening and closing.
 
-void CGhostDropList::Open() {
-    CGhostManager& manager = CGhostManager::Get();
+void CGhostDropList::PlaceList() {
+    const CGhostManager& manager = CGhostManager::Get();
     GUI_RECT at;
-    if (open || !enabled || !manager.GetScreenRect(window, &at)) {
-        return;
-    }
+    manager.GetScreenRect(window, &at);
     const int32_t height = std::min(list->ContentHeight() + list->FrameHeight(), maxHeight);
     const GUI_RECT place = DropPlace(at, at.width, height, manager.ScreenRect());
-    open = true;
     list->SetPos(place.x, place.y, place.width, place.height);
+}
+
+void CGhostDropList::Open() {
+    if (open || !enabled) {
+        return;
+    }
+    open = true;
+    PlaceList();
     list->SetHot(list->Selected() >= 0 ? list->Selected() : 0);
     arrow->SetDown(true);
     list->SetZOrder(-1);
@@ -137,19 +154,21 @@ void CGhostDropList::Chosen(int32_t index, GHOSTLIST_ITEM* item) {
     OnSelect(this, index, item);
 }
 
-// While it is closed, past rows that are disabled.
-void CGhostDropList::StepSelection(int32_t step) {
-    int32_t index = Selected() + step;
+// The row, or the next one in that direction that is not disabled. False when there is none.
+bool CGhostDropList::SelectUsable(int32_t index, int32_t step) {
     while (Item(index) != nullptr && (Item(index)->flags & GHOSTLIST_ITEM::kDisabled) != 0) {
         index += step;
     }
-    if (Item(index) != nullptr) {
-        SetSelected(index);
+    if (Item(index) == nullptr || index == Selected()) {
+        return false;
     }
+    SetSelected(index);
+    return true;
 }
 
 // A list whose control is hidden goes with it. Its bar does not tell who took the focus from it.
-void CGhostDropList::OnTick(unsigned /*microseconds*/) {
+void CGhostDropList::OnTick(unsigned microseconds) {
+    typeAhead.Tick(microseconds);
     if (open && (!IsVisible() || !IsOwnPart(CGhostManager::Get().FocusWindow()))) {
         CloseList();
     }
@@ -175,16 +194,11 @@ void CGhostDropList::OnResize(int /*outerWidth*/, int /*outerHeight*/, int clien
 
 void CGhostDropList::OnMouseMove(int /*x*/, int /*y*/) {
     ShowCursor(enabled ? kCursorHot : kCursorNormal);
-    if (!hovered) {
-        hovered = true;
-        dirty = true;
-    }
+    arrow->OnMouseMove(0, 0); // the face is hot as a whole
 }
 
 void CGhostDropList::OnMouseLeave() {
-    ShowCursor(kCursorNormal);
-    hovered = false;
-    dirty = true;
+    arrow->OnMouseLeave();
 }
 
 void CGhostDropList::OnMouseDoubleClick(int x, int y, unsigned button) {
@@ -192,28 +206,49 @@ void CGhostDropList::OnMouseDoubleClick(int x, int y, unsigned button) {
 }
 
 void CGhostDropList::OnMouseDown(int /*x*/, int /*y*/, unsigned button) {
-    if (button == 1) {
+    if (button == kLeftButton) {
         Toggle();
     }
 }
 
 void CGhostDropList::OnMouseWheel(int /*x*/, int /*y*/, bool up) {
     if (enabled && !open) {
-        StepSelection(up ? -1 : 1);
+        SelectUsable(Selected() + (up ? -1 : 1), up ? -1 : 1);
     }
 }
 
 void CGhostDropList::OnKeyDown(GHOSTGUIKey key) {
     if (!enabled) {
+        MoveFocusByKey(key);
         return;
     }
     switch (key) {
-    case GHOSTGUIKey::kReturn:
-    case GHOSTGUIKey::kSpace: Toggle(); break;
+    case GHOSTGUIKey::kReturn: Toggle(); break;
+    case GHOSTGUIKey::kSpace:
+        if (!typeAhead.Active()) {
+            Toggle();
+        }
+        break;
     case GHOSTGUIKey::kEscape: CloseList(); break;
-    case GHOSTGUIKey::kUp: StepSelection(-1); break;
-    case GHOSTGUIKey::kDown: StepSelection(1); break;
+    case GHOSTGUIKey::kPageUp: SelectUsable(Selected() - 1, -1); break;
+    case GHOSTGUIKey::kPageDown: SelectUsable(Selected() + 1, 1); break;
+    case GHOSTGUIKey::kHome: SelectUsable(0, 1); break;
+    case GHOSTGUIKey::kEnd: SelectUsable(Count() - 1, -1); break;
     default: MoveFocusByKey(key); break;
+    }
+}
+
+void CGhostDropList::OnChar(unsigned character) {
+    if (!enabled || open || (character == L' ' && !typeAhead.Active())) {
+        return;
+    }
+    const auto text = [this](int32_t at) {
+        const bool usable = (Item(at)->flags & GHOSTLIST_ITEM::kDisabled) == 0;
+        return usable ? std::wstring_view(Item(at)->text) : std::wstring_view();
+    };
+    const int32_t row = typeAhead.Type(static_cast<wchar_t>(character), Count(), Selected(), text);
+    if (row >= 0) {
+        SelectUsable(row, 1);
     }
 }
 
@@ -226,7 +261,7 @@ void CGhostDropList::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRec
     const GUI_RECT whole{0, 0, surface->Width(), surface->Height()};
     const int32_t text = std::max(0, whole.width - whole.height); // beside the arrow
     PaintFill(*surface, style.bg.bg, whole);
-    GhostTextStyle look = style.bg;
+    GhostTextStyle look = enabled ? style.bg : DisabledText(style.bg);
     look.bg.type = GhostFill::kNone;
     PaintText(*surface, look, caption, {0, 0, text, whole.height});
     if (focused && enabled) {

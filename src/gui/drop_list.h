@@ -1,8 +1,8 @@
 // CGhostDropList: one choice of a list that opens under it, or above it where there is more room.
 //
 // Style: a droplist record for the face and its arrow, LIST for the list.
-// Keys: return and space open it, up and down change the choice while it is closed. A controller's first
-//   button opens it and chooses, the second closes it.
+// Keys: return and space open it; page up and down, home, end and letters change the choice while it is
+//   closed, and the arrows leave it. A controller's first button opens it and chooses, the second closes it.
 #pragma once
 
 #include "gui/control.h"
@@ -44,6 +44,7 @@ public:
     void OnMouseDown(int x, int y, unsigned button) override;
     void OnMouseWheel(int x, int y, bool up) override;
     void OnKeyDown(GHOSTGUIKey key) override;
+    void OnChar(unsigned character) override;
     void OnTick(unsigned microseconds) override;
     bool OnActivateKey() override;
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
@@ -53,8 +54,9 @@ protected:
 
 private:
     void Toggle();
+    void PlaceList();
     void Chosen(int32_t index, GHOSTLIST_ITEM* item);
-    void StepSelection(int32_t step);
+    bool SelectUsable(int32_t index, int32_t step);
     [[nodiscard]] bool IsOwnPart(const void* part) const;
 
     std::wstring caption;
@@ -66,5 +68,5 @@ private:
     bool open = false;
     bool enabled = true;
     bool focused = false;
-    bool hovered = false;
+    ListTypeAhead typeAhead;
 };

@@ -14,14 +14,26 @@ constexpr int32_t kDragUnits = 8;    // of such a step
 constexpr size_t kAll = 100000;      // what a double click selects up to
 constexpr uint32_t kCaretColour = 0xFF000000;
 
+std::wstring OneLine(std::wstring_view text) {
+    std::wstring line;
+    for (const wchar_t character : text) {
+        if (character == L'\n' || character == L'\t') {
+            line += L' ';
+        } else if (!IsControlCharacter(character)) {
+            line += character;
+        }
+    }
+    return line;
+}
+
 } // namespace
 
 CGhostEdit::CGhostEdit(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
                        const std::wstring& wantedStyle, const std::wstring& caption,
                        uint32_t editFlags, const GUI_PLACE& place)
-    : text(caption)
-    , caret(caption.size())
-    , anchor(caption.size())
+    : text(OneLine(caption))
+    , caret(text.size())
+    , anchor(text.size())
     , flags(editFlags) {
     window = MakeControlWindow(parent, creationId, this, place);
     SetStyle(wantedStyle);
@@ -37,7 +49,7 @@ CGhostEdit::~CGhostEdit() {
 }
 
 void CGhostEdit::SetText(const std::wstring& wanted) {
-    text = wanted;
+    text = OneLine(wanted);
     caret = anchor = text.size();
     ShowCaret();
     dirty = true;
@@ -190,19 +202,6 @@ bool ControlIsDown() {
     return KeyIsDown(GHOSTGUIKey::kLeftCtrl, GHOSTGUIKey::kRightCtrl);
 }
 
-// What belongs on one line: a break becomes a space, other control characters go.
-std::wstring OneLine(const std::wstring& text) {
-    std::wstring line;
-    for (const wchar_t character : text) {
-        if (character == L'\n' || character == L'\t') {
-            line += L' ';
-        } else if (character >= L' ' && character != 0x7F) {
-            line += character;
-        }
-    }
-    return line;
-}
-
 } // namespace
 
 bool CGhostEdit::ControlKey(GHOSTGUIKey key) {
@@ -227,17 +226,40 @@ bool CGhostEdit::ControlKey(GHOSTGUIKey key) {
     }
 }
 
-void CGhostEdit::MoveKey(GHOSTGUIKey key) {
+bool CGhostEdit::MoveKey(GHOSTGUIKey key) {
+    const size_t caretBefore = caret;
+    const size_t anchorBefore = anchor;
     const bool select = ShiftIsDown();
     const bool bySpaces = ControlIsDown();
+    // Without shift, left and right end a selection at that side of it.
+    const bool ends = anchor != caret && !select && !bySpaces;
     switch (key) {
     case GHOSTGUIKey::kHome: MoveCaret(0, select); break;
     case GHOSTGUIKey::kEnd: MoveCaret(text.size(), select); break;
     case GHOSTGUIKey::kLeft:
-        MoveCaret(bySpaces ? SpaceBefore(caret) : caret - std::min<size_t>(caret, 1), select);
+        MoveCaret(ends       ? SelectionStart()
+                  : bySpaces ? SpaceBefore(caret)
+                             : caret - std::min<size_t>(caret, 1),
+                  select);
         break;
-    case GHOSTGUIKey::kRight: MoveCaret(bySpaces ? SpaceAfter(caret) : caret + 1, select); break;
-    default: break;
+    case GHOSTGUIKey::kRight:
+        MoveCaret(ends ? SelectionEnd() : bySpaces ? SpaceAfter(caret) : caret + 1, select);
+        break;
+    default: return false;
+    }
+    return select || bySpaces || caret != caretBefore || anchor != anchorBefore;
+}
+
+void CGhostEdit::EraseKey(GHOSTGUIKey key) {
+    if (readOnly) {
+        return;
+    }
+    if (anchor == caret) { // one character, as if it were selected
+        caret = key == GHOSTGUIKey::kDelete ? std::min(caret + 1, text.size())
+                                            : caret - std::min<size_t>(caret, 1);
+    }
+    if (RemoveSelection()) {
+        Changed();
     }
 }
 
@@ -247,19 +269,7 @@ void CGhostEdit::OnKeyDown(GHOSTGUIKey key) {
     }
     switch (key) {
     case GHOSTGUIKey::kBackspace:
-    case GHOSTGUIKey::kDelete:
-        if (readOnly) {
-            break;
-        }
-        if (anchor == caret) {
-            anchor = caret; // one character, as if it were selected
-            caret = key == GHOSTGUIKey::kDelete ? std::min(caret + 1, text.size())
-                                                : caret - std::min<size_t>(caret, 1);
-        }
-        if (RemoveSelection()) {
-            Changed();
-        }
-        break;
+    case GHOSTGUIKey::kDelete: EraseKey(key); break;
     case GHOSTGUIKey::kReturn:
     case GHOSTGUIKey::kEscape:
         if ((flags & kSubmits) != 0) {
@@ -268,14 +278,18 @@ void CGhostEdit::OnKeyDown(GHOSTGUIKey key) {
         break;
     case GHOSTGUIKey::kUp:
     case GHOSTGUIKey::kDown: MoveFocusByKey(key); break;
+    case GHOSTGUIKey::kLeft:
+    case GHOSTGUIKey::kRight:
+        // The keys of the keyboard on the screen move the caret alone.
+        arrow.Press(key, [&](bool) { return MoveKey(key) || keyboard != nullptr; });
+        break;
     default: MoveKey(key); break;
     }
 }
 
 void CGhostEdit::OnChar(unsigned character) {
-    constexpr unsigned kDeleteCode = 0x7F;
-    if (character >= L' ' && character != kDeleteCode) {
-        const auto one = static_cast<wchar_t>(character);
+    const auto one = static_cast<wchar_t>(character);
+    if (!IsControlCharacter(one)) {
         Insert({&one, 1});
     }
 }
@@ -293,11 +307,9 @@ void CGhostEdit::OnFocus(bool gained, void* /*other*/) {
     focused = gained;
     caretShown = true;
     blinkTime = 0;
+    arrow.Forget();
     if (gained) {
         ShowCaret();
-    } else {
-        dragging = false;
-        dragScroll = 0;
     }
     dirty = true;
     OnFocusChange(this, gained);
@@ -326,28 +338,35 @@ void CGhostEdit::OnMouseLeave() {
 }
 
 void CGhostEdit::OnMouseDown(int x, int /*y*/, unsigned button) {
-    if (button == 1) {
+    if (button == kLeftButton) {
         dragging = true;
         MoveCaret(CharacterAt(x), ShiftIsDown());
     }
 }
 
 void CGhostEdit::OnMouseUp(int x, int y, unsigned button) {
-    if (button == 1 && dragging) {
-        dragging = false;
-        dragScroll = 0;
+    if (button == kLeftButton && dragging) {
+        EndDrag();
         OnMouseMove(x, y);
     }
 }
 
 void CGhostEdit::OnMouseDoubleClick(int /*x*/, int /*y*/, unsigned button) {
-    if (button == 1) {
+    if (button == kLeftButton) {
         SetSelection(0, kAll);
     }
 }
 
+void CGhostEdit::EndDrag() {
+    dragging = false;
+    dragScroll = 0;
+}
+
 // While a drag is beyond an end the text moves on, and the selection with it.
 void CGhostEdit::OnTick(unsigned microseconds) {
+    if (dragging) {
+        RestWithoutCapture(window, [this] { EndDrag(); });
+    }
     if (dragging && dragScroll != 0) {
         dragTime += microseconds;
         for (; dragTime >= kDragStep; dragTime -= kDragStep) {

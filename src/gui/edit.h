@@ -2,12 +2,15 @@
 //
 // Mouse: a press places the caret, a drag selects and scrolls at the ends, a double click selects all.
 // Keys: arrows, home and end, with shift selecting, with control from space to space; backspace and
-//   delete; control with A, C, V and X. A controller's button opens the keyboard on the screen.
+//   delete; control with A, C, V and X. Up and down leave it, left and right at the ends of the text. A
+//   controller's button opens the keyboard on the screen.
+// Text: one line. A break or a tab becomes a space, other control characters go.
 // Caret: a line of opaque black. A style whose bg2 is a colour other than 0 gives it that one, for
 //   fields that are dark.
 #pragma once
 
 #include "gui/control.h"
+#include "gui/control_input.h"
 #include "gui/styles.h"
 
 #include <algorithm>
@@ -54,6 +57,7 @@ public:
     void OnMouseDown(int x, int y, unsigned button) override;
     void OnMouseUp(int x, int y, unsigned button) override;
     void OnKeyDown(GHOSTGUIKey key) override;
+    void OnKeyUp(GHOSTGUIKey key) override { arrow.Release(key); }
     void OnChar(unsigned character) override;
     void OnTick(unsigned microseconds) override;
     bool OnActivateKey() override;
@@ -77,7 +81,9 @@ private:
     bool RemoveSelection();
     void Changed();
     bool ControlKey(GHOSTGUIKey key);
-    void MoveKey(GHOSTGUIKey key);
+    bool MoveKey(GHOSTGUIKey key); // false when it changes nothing
+    void EraseKey(GHOSTGUIKey key);
+    void EndDrag();
     [[nodiscard]] size_t SpaceBefore(size_t at) const;
     [[nodiscard]] size_t SpaceAfter(size_t at) const;
 
@@ -99,5 +105,6 @@ private:
     int64_t blinkTime = 0; // microseconds since the caret changed
     uint32_t flags;
     size_t maxLength = 0; // 0: none
+    HeldArrow arrow;
     CGhostKeyboard* keyboard = nullptr;
 };

@@ -1,5 +1,6 @@
 // The fills of the theme and the frames of windows.
 #include "gui/bitmap.h"
+#include "gui/ring.h"
 #include "gui/styles.h"
 #include "gui/surface.h"
 
@@ -110,11 +111,12 @@ public:
         , height(target.Height()) {}
 
     // One unit thick, `inset` units in, stopping `cut` units short of a corner whose other side is there.
+    // Without that side a line goes on to the edge.
     void Lines(int32_t inset, int32_t cut, uint32_t colour) {
-        const int32_t fromX = inset + (sides.left ? cut : 0);
-        const int32_t toX = width - 1 - inset - (sides.right ? cut : 0);
-        const int32_t fromY = inset + (sides.top ? cut : 0);
-        const int32_t toY = height - 1 - inset - (sides.bottom ? cut : 0);
+        const int32_t fromX = sides.left ? inset + cut : 0;
+        const int32_t toX = width - 1 - (sides.right ? inset + cut : 0);
+        const int32_t fromY = sides.top ? inset + cut : 0;
+        const int32_t toY = height - 1 - (sides.bottom ? inset + cut : 0);
         // Where corners are not cut, the upright lines leave them to the level ones.
         const int32_t upFrom = cut == 0 && sides.top ? fromY + 1 : fromY;
         const int32_t upTo = cut == 0 && sides.bottom ? toY - 1 : toY;
@@ -174,6 +176,28 @@ void PaintShadedFrame(FramePainter& painter, uint32_t colour) {
     painter.Corners(2, 2, WithAlpha(colour, 0xA0));
 }
 
+void PaintRoundedFrame(FramePainter& painter, const GhostBorderStyle& border) {
+    const uint32_t colour = border.left.colour1;
+    const uint32_t colour2 = border.left.colour2;
+    painter.Lines(0, 2, colour);
+    painter.Corners(1, 1, colour);
+    if (border.type == GhostFrame::kRoundedColourInset) {
+        painter.Lines(1, 2, colour2);
+        painter.Corners(2, 2, colour2);
+    }
+}
+
+// The same as rings. Where a unit is more than a pixel, the cut corners would be seen as steps.
+void PaintRoundRings(CGhostSurface& surface, const GhostBorderStyle& border) {
+    constexpr int32_t kCorner = 4; // its middle goes through the pixel at (1, 1)
+    const GUI_RECT whole{0, 0, surface.Width(), surface.Height()};
+    PaintRing(surface, whole, 1, kCorner, border.left.colour1);
+    if (border.type == GhostFrame::kRoundedColourInset) {
+        PaintRing(surface, {1, 1, whole.width - 2, whole.height - 2}, 1, kCorner - 1,
+                  border.left.colour2);
+    }
+}
+
 // The top and the bottom over the whole width, the sides between them.
 void PaintUserFrame(CGhostSurface& surface, const GhostBorderStyle& border) {
     const GUI_EDGES& edge = border.thickness;
@@ -189,21 +213,20 @@ void PaintUserFrame(CGhostSurface& surface, const GhostBorderStyle& border) {
 } // namespace
 
 void PaintFrame(CGhostSurface& surface, const GhostBorderStyle& border) {
-    const uint32_t colour = border.left.colour1;
-    const uint32_t colour2 = border.left.colour2;
+    const GUI_EDGES& edge = border.thickness;
+    const bool closed = std::min({edge.left, edge.top, edge.right, edge.bottom}) > 0;
     FramePainter painter(surface, border);
     switch (border.type) {
-    case GhostFrame::kColour: painter.Lines(0, 0, colour); break;
+    case GhostFrame::kColour: painter.Lines(0, 0, border.left.colour1); break;
     case GhostFrame::kRoundedColour:
     case GhostFrame::kRoundedColourInset:
-        painter.Lines(0, 2, colour);
-        painter.Corners(1, 1, colour);
-        if (border.type == GhostFrame::kRoundedColourInset) {
-            painter.Lines(1, 2, colour2);
-            painter.Corners(2, 2, colour2);
+        if (closed && surface.Density() > 1.0) {
+            PaintRoundRings(surface, border);
+        } else {
+            PaintRoundedFrame(painter, border);
         }
         break;
-    case GhostFrame::kShaded: PaintShadedFrame(painter, colour); break;
+    case GhostFrame::kShaded: PaintShadedFrame(painter, border.left.colour1); break;
     default: PaintUserFrame(surface, border); break;
     }
 }

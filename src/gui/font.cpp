@@ -1,13 +1,17 @@
 #include "gui/font.h"
 
+#include "base/ranked_mutex.h"
+
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include FT_ADVANCES_H
 #include FT_CACHE_H
+#include FT_GLYPH_H
 
 #include <algorithm>
 #include <cmath>
 #include <deque>
+#include <mutex>
 #include <unordered_map>
 #include <vector>
 
@@ -60,6 +64,8 @@ struct CGhostFontManager::FREETYPE {
     FTC_Manager manager = nullptr;
     FTC_CMapCache charmaps = nullptr;
     FTC_SBitCache bitmaps = nullptr;
+    FTC_ImageCache images = nullptr; // of glyphs beyond 127 pixels, too large for the other
+    RankedMutex<LockRank::kLeaf> lock;
     std::deque<REGISTERED> registered; // addresses are the cache's names of faces
     std::deque<CGhostFont> fonts;
 
@@ -72,6 +78,7 @@ struct CGhostFontManager::FREETYPE {
                             &manager) == 0) {
             FTC_CMapCache_New(manager, &charmaps);
             FTC_SBitCache_New(manager, &bitmaps);
+            FTC_ImageCache_New(manager, &images);
         }
     }
     ~FREETYPE() {
@@ -111,7 +118,31 @@ struct CGhostFont::CACHE {
     std::unordered_map<wchar_t, int32_t> advances;
 };
 
+namespace {
+
+// The cache of small bitmaps has bytes for places and sizes, and nothing for a glyph beyond them.
+GUI_GLYPH LargeGlyph(FTC_ImageCache images, FTC_ScalerRec& scaler, FT_UInt glyph) {
+    GUI_GLYPH drawn;
+    FT_Glyph image = nullptr;
+    if (FTC_ImageCache_LookupScaler(images, &scaler, kLoadFlags, glyph, &image, nullptr) != 0 ||
+        image->format != FT_GLYPH_FORMAT_BITMAP) {
+        return drawn;
+    }
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): how the library derives its records
+    const auto* const bitmap = reinterpret_cast<FT_BitmapGlyph>(image);
+    drawn.coverage = bitmap->bitmap.buffer;
+    drawn.width = static_cast<int32_t>(bitmap->bitmap.width);
+    drawn.height = static_cast<int32_t>(bitmap->bitmap.rows);
+    drawn.pitch = bitmap->bitmap.pitch;
+    drawn.left = bitmap->left;
+    drawn.top = bitmap->top;
+    return drawn;
+}
+
+} // namespace
+
 int32_t CGhostFont::Advance(wchar_t character) {
+    const std::scoped_lock hold(manager->freetype->lock);
     const auto found = cache->advances.find(character);
     if (found != cache->advances.end()) {
         return found->second;
@@ -132,7 +163,8 @@ int32_t CGhostFont::Advance(wchar_t character) {
 
 GUI_GLYPH CGhostFont::Glyph(wchar_t character, double density) {
     GUI_GLYPH drawn;
-    const auto& freetype = *manager->freetype;
+    auto& freetype = *manager->freetype;
+    const std::scoped_lock hold(freetype.lock);
     const FT_UInt glyph = FTC_CMapCache_Lookup(freetype.charmaps, cache->face, cache->charmap,
                                                static_cast<FT_UInt32>(character));
     FTC_ScalerRec scaler = CGhostFontManager::FREETYPE::Scaler(cache->face, size, density);
@@ -140,6 +172,9 @@ GUI_GLYPH CGhostFont::Glyph(wchar_t character, double density) {
     if (glyph == 0 || FTC_SBitCache_LookupScaler(freetype.bitmaps, &scaler, kLoadFlags, glyph,
                                                  &bitmap, nullptr) != 0) {
         return drawn;
+    }
+    if (bitmap->buffer == nullptr) {
+        return LargeGlyph(freetype.images, scaler, glyph);
     }
     drawn.coverage = bitmap->buffer;
     drawn.width = bitmap->width;
@@ -173,11 +208,13 @@ int32_t CGhostFontManager::AddFont(std::string_view name, std::span<const uint8_
     if (!scalable) {
         return -1;
     }
+    const std::scoped_lock hold(freetype->lock);
     freetype->registered.push_back({std::string(name), data, size, flags});
     return static_cast<int32_t>(freetype->registered.size()) - 1;
 }
 
 CGhostFont* CGhostFontManager::GetFont(std::string_view name, int32_t height) {
+    const std::scoped_lock hold(freetype->lock);
     for (CGhostFont& font : freetype->fonts) {
         if (font.name == name && font.size == height) {
             return &font;
@@ -216,8 +253,9 @@ CGhostFont* CGhostFontManager::GetFont(std::string_view name, int32_t height) {
 }
 
 CGhostFont* CGhostFontManager::DefaultFont() {
-    if (defaultFont == nullptr) {
-        defaultFont = GetFont("Default", kDefaultSize);
+    CGhostFont* font = defaultFont;
+    if (font == nullptr) {
+        defaultFont = font = GetFont("Default", kDefaultSize);
     }
-    return defaultFont;
+    return font;
 }

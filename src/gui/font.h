@@ -5,9 +5,11 @@
 // Advances are those of the outline, in 64ths of a unit, not rounded for each letter.
 // Owner: CGhostFontManager has the faces, fonts and caches until the program ends; a font's address
 //   stays valid.
-// Thread: main.
+// Thread: any for AddFont, GetFont and measuring. Glyphs are drawn in the toolkit's round alone, during which
+//   no other thread measures.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -78,5 +80,5 @@ private:
     friend class CGhostFont;
     struct FREETYPE;
     std::unique_ptr<FREETYPE> freetype;
-    CGhostFont* defaultFont = nullptr;
+    std::atomic<CGhostFont*> defaultFont = nullptr;
 };

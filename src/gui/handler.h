@@ -8,7 +8,8 @@
 // Buttons: 1 left, 2 right, 3 middle.
 // Owner: the control's creator hands it to the manager with its window; the manager ends it through
 // Destroy, where a control deletes itself.
-// Thread: main, inside the manager's tick unless said otherwise.
+// Thread: main, inside the manager's tick. GetClientInset, OnResize and OnMove are called at once, by the
+//   thread that changes the window, with the tree locked: that is main, or one that has the round.
 #pragma once
 
 #include "gui/geometry.h"

@@ -1,6 +1,7 @@
 #include "gui/keyboard.h"
 
 #include "gui/edit.h"
+#include "gui/manager.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/theme.h"
@@ -50,33 +51,41 @@ CGhostKeyboard* CGhostKeyboard::Open(CGhostEdit* edit) {
 CGhostKeyboard::CGhostKeyboard(CGhostEdit* target)
     : edit(target) {
     CGhostManager& manager = CGhostManager::Get();
-    before = manager.RememberInput();
     const CGhostTheme& theme = CGhostTheme::Get();
     if (!theme.GetStyle(L"KEYBOARD_KEY", style)) {
         theme.GetStyle(L"BUTTON", style);
     }
     GhostTextStyle panel;
     const bool own = theme.GetStyle(L"KEYBOARD_BACKGROUND", panel);
-    const GUI_RECT screen = manager.ScreenRect();
-    // Centred, in the lower half, so that the edit is seen as a rule.
-    const GUI_PLACE place{false, (screen.width - kPanelWide) / 2,
-                          screen.height - kPanelHigh - kMargin, kPanelWide, kPanelHigh};
+    screen = manager.ScreenRect();
     frame = new CGhostWindowEx(nullptr, 0, own ? L"KEYBOARD" : L"MESSAGEBOX", {},
-                               CGhostWindowEx::kNoSignals, place);
+                               CGhostWindowEx::kNoSignals, Place());
     window = frame->window;
     frame->next = this;
     theme.GetStyle(L"TEXT_LEFT", preview);
     edit->keyboard = this;
     MakeKeys();
-    manager.SetModal(window);
+    manager.TakeInput(window);
 }
 
-// The input goes back to who had it.
+// Centred, in the lower half, so that the edit is seen as a rule.
+GUI_PLACE CGhostKeyboard::Place() const {
+    return {false, (screen.width - kPanelWide) / 2, screen.height - kPanelHigh - kMargin,
+            kPanelWide, kPanelHigh};
+}
+
+void CGhostKeyboard::OnTick(unsigned /*microseconds*/) {
+    if (const GUI_RECT now = CGhostManager::Get().ScreenRect(); now != screen) {
+        screen = now;
+        const GUI_PLACE place = Place();
+        SetPos(place.x, place.y, place.width, place.height);
+    }
+}
+
 CGhostKeyboard::~CGhostKeyboard() {
     if (edit != nullptr) {
         edit->keyboard = nullptr;
     }
-    CGhostManager::Get().RestoreInput(before);
 }
 
 void CGhostKeyboard::EditIsGone() {

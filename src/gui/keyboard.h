@@ -9,7 +9,6 @@
 #pragma once
 
 #include "gui/control.h"
-#include "gui/manager.h"
 #include "gui/styles.h"
 
 #include <vector>
@@ -35,6 +34,7 @@ public:
     void OnMouseUp(int x, int y, unsigned button) override;
     void OnKeyDown(GHOSTGUIKey key) override;
     void OnChar(unsigned character) override;
+    void OnTick(unsigned microseconds) override;
     bool OnNavigate(GUI_DIRECTION direction) override;
     bool OnActivateKey() override;
     bool OnCancelKey() override;
@@ -56,6 +56,7 @@ private:
 
     explicit CGhostKeyboard(CGhostEdit* target);
     void EditIsGone();
+    [[nodiscard]] GUI_PLACE Place() const;
     void MakeKeys();
     [[nodiscard]] std::wstring Caption(const KEY& key) const;
     [[nodiscard]] size_t KeyAt(int x, int y) const;
@@ -65,10 +66,10 @@ private:
     CGhostEdit* edit;
     GhostButtonStyle style;
     GhostTextStyle preview;
+    GUI_RECT screen; // that it was placed for
     std::vector<KEY> keys;
     size_t aim = 0;       // the key that the controller is on
     size_t held = kNone;  // under a held button
     bool shifted = false; // for one letter
     bool closing = false;
-    CGhostManager::INPUT_OWNERS before;
 };

@@ -1,18 +1,13 @@
 // CGhostList: rows of text, one of which may be selected. It scrolls.
 //
 // Mouse: a press selects, or with kOnRelease the release; a press past the last row selects none.
-// Keys: up, down, page up and down, home and end move the selection, letters look for a row, return and
-//   space choose. A controller's directions move it as well and leave the list at its ends.
-// Images: see list_rows.h. Odd rows have the item2 styles.
+// Keys and a controller: see scrolled_rows.h. Images: see list_rows.h. Odd rows have the item2 styles.
 #pragma once
 
-#include "gui/control.h"
-#include "gui/list_rows.h"
+#include "gui/scrolled_rows.h"
 #include "gui/styles.h"
 
 #include <vector>
-
-class CGhostWindowEx;
 
 struct GHOSTLIST_ITEM {
     static constexpr uint32_t kDisabled = 1;
@@ -23,12 +18,9 @@ struct GHOSTLIST_ITEM {
     uint64_t value = 0;    // the owner's
 };
 
-class CGhostList : public CGhostGUIHandlerEx {
+class CGhostList : public CGhostScrolledRows {
 public:
-    static constexpr uint32_t kNoSelection = 1;
-    static constexpr uint32_t kReportsAgain = 2; // selecting the selected row is reported
-    static constexpr uint32_t kOnRelease = 4;    // the release selects, not the press
-    static constexpr uint32_t kKeysAim = 16;     // keys move the hot row; return selects it
+    static constexpr uint32_t kOnRelease = 4; // the release selects, not the press
 
     CGhostList(GHOSTMANAGER_WINDOW* parent, uint32_t creationId, const std::wstring& style,
                uint32_t listFlags, const GUI_PLACE& place);
@@ -42,23 +34,11 @@ public:
     [[nodiscard]] size_t Capacity() const { return items.capacity(); }
     [[nodiscard]] GHOSTLIST_ITEM* Item(int32_t index); // null outside; valid until the next AddItem
 
-    // A disabled row or an index outside becomes -1, no selection.
-    void SetSelected(int32_t index, bool notify = true);
-    [[nodiscard]] int32_t Selected() const { return selected; }
-    [[nodiscard]] int32_t Hot() const { return hot; }
-    void SetHot(int32_t index); // and shows it
-    void EnsureVisible(int32_t index);
     void SetStyle(const std::wstring& name);
     void SetStyle(const GhostListStyle& wanted);
 
-    [[nodiscard]] int32_t RowHeight() const { return rowHeight; }
-    [[nodiscard]] int32_t ContentHeight() const { return rowHeight * Count(); }
     [[nodiscard]] int32_t WidestItem() const; // text and image, in units
     [[nodiscard]] int32_t FrameHeight() const { return FrameEdges().top + FrameEdges().bottom; }
-    [[nodiscard]] int32_t ScrollPixels() const { return scrollPixels; }
-    void ScrollTo(int32_t pixels);
-    // The bar's window, which takes the focus while it is used.
-    [[nodiscard]] GHOSTMANAGER_WINDOW* ScrollbarWindow() const;
 
     // The item is null for -1.
     GuiSignal<void(CGhostList*, int, GHOSTLIST_ITEM*)> OnSelect;
@@ -69,50 +49,30 @@ public:
 
     void Destroy() override { delete this; }
     void OnFocus(bool gained, void* other) override;
-    void OnResize(int outerWidth, int outerHeight, int clientWidth, int clientHeight) override;
-    void OnMouseMove(int x, int y) override;
-    void OnMouseLeave() override;
     void OnMouseDoubleClick(int x, int y, unsigned button) override;
     void OnMouseDown(int x, int y, unsigned button) override;
     void OnMouseUp(int x, int y, unsigned button) override;
-    void OnKeyDown(GHOSTGUIKey key) override;
-    void OnChar(unsigned character) override;
     void OnTick(unsigned microseconds) override;
-    bool OnNavigate(GUI_DIRECTION direction) override;
-    bool OnActivateKey() override;
-    bool OnCancelKey() override;
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
 
 protected:
     ~CGhostList() override = default;
 
+    [[nodiscard]] int32_t Rows() const override { return Count(); }
+    [[nodiscard]] std::wstring_view RowText(int32_t row) const override;
+    [[nodiscard]] bool Usable(int32_t row) const override;
+    void TellSelected() override;
+    void TellChosen() override;
+    bool TellCancelled() override;
+
 private:
     static constexpr size_t kFirstCapacity = 128;
 
     [[nodiscard]] const GUI_EDGES& FrameEdges() const { return style.bg.border.thickness; }
-    [[nodiscard]] bool Usable(int32_t index) const;
-    [[nodiscard]] int32_t Aim() const; // the row that keys start from
-    [[nodiscard]] const GhostTextStyle& RowStyle(int32_t row) const;
-    void UpdateScroll();
-    void UpdateHot();
-    void MoveAim(int32_t wanted, int32_t step);
-    bool StepAim(int32_t step);
-    void Choose();
+    [[nodiscard]] GhostTextStyle RowStyle(int32_t row) const;
     void PaintRow(CGhostSurface& surface, int32_t row, int32_t y) const;
 
-    CGhostWindowEx* frame = nullptr; // whose chain this is the second of
     std::vector<GHOSTLIST_ITEM> items;
     GhostListStyle style;
-    uint32_t flags;
-    int32_t rowHeight = 1;
-    int32_t width = 0; // of the client area
-    int32_t height = 0;
-    int32_t scrollPixels = 0;
-    int32_t selected = -1;
-    int32_t hot = -1;
-    bool pressed = false;
-    bool hovered = false;
-    bool focused = false;
-    int32_t mouseY = 0;
-    ListTypeAhead typeAhead;
+    bool pressed = false; // a mouse button, on a row
 };

@@ -60,6 +60,13 @@ void ListTypeAhead::Tick(uint32_t microseconds) {
     }
 }
 
+GhostTextStyle DisabledText(GhostTextStyle style) {
+    constexpr uint32_t kSeen = 168; // of 255
+    const uint32_t alpha = (style.textColour >> 24) * kSeen / 255;
+    style.textColour = (style.textColour & 0x00FFFFFF) | alpha << 24;
+    return style;
+}
+
 int32_t RowAt(int64_t place, int32_t rowHeight, int32_t count) {
     if (place < 0 || rowHeight <= 0 || place / rowHeight >= count) {
         return -1;

@@ -36,6 +36,10 @@ private:
 
 // ---- Rows, all of one height.
 
+// How the text of what is disabled looks: as it does otherwise, but fainter. It can still be read, with a
+// contrast of 4.5 to 1 where the text itself has 9.
+[[nodiscard]] GhostTextStyle DisabledText(GhostTextStyle style);
+
 // The index of the row at a place, -1 outside of all.
 [[nodiscard]] int32_t RowAt(int64_t place, int32_t rowHeight, int32_t count);
 

@@ -3,21 +3,20 @@
 // Only the rows that are seen are painted, so a table of tens of thousands is as quick as a short one.
 // Headings: dragging their edges changes a column's width, clicking one fires OnHeader and, if the owner
 //   has made the column sortable, sorts by it, the second time the other way round.
-// Keys and a controller: as in CGhostList. Images: see list_rows.h.
+// Keys and a controller: see scrolled_rows.h. Up from the first row goes to the headings, where left and
+//   right choose one, and return or a controller's first button clicks it.
+// Images: see list_rows.h.
 // Cells: those with a colourSet other than 0 have the item2 styles.
 #pragma once
 
-#include "gui/control.h"
-#include "gui/list_rows.h"
+#include "gui/scrolled_rows.h"
 #include "gui/styles.h"
 
-#include <algorithm>
 #include <functional>
 #include <vector>
 
 class CGhostButton;
 class CGhostEdit;
-class CGhostWindowEx;
 
 struct GHOSTLISTVIEW_ITEM {
     static constexpr uint32_t kSelected = 1;
@@ -29,10 +28,8 @@ struct GHOSTLISTVIEW_ITEM {
     uint64_t value = 0; // the owner's
 };
 
-class CGhostListView : public CGhostGUIHandlerEx {
+class CGhostListView : public CGhostScrolledRows {
 public:
-    static constexpr uint32_t kNoSelection = 1;
-    static constexpr uint32_t kReportsAgain = 2; // selecting the selected row is reported
     static constexpr uint32_t kFixedColumns = 8; // their edges cannot be dragged
 
     // True when the first comes before the second.
@@ -62,14 +59,6 @@ public:
     void SetCell(int32_t row, int32_t column, const std::wstring& text, int32_t image = -1);
     void Refresh() { dirty = true; } // after cells were changed in place
 
-    // -1 or a row outside: none. Moves the flag of the cells along.
-    void SetSelected(int32_t row, bool notify = true);
-    [[nodiscard]] int32_t Selected() const { return selected; }
-    [[nodiscard]] int32_t HotRow() const { return hotRow; }
-    void EnsureVisible(int32_t row);
-    void ScrollTo(int32_t pixels);
-    [[nodiscard]] int32_t ScrollPixels() const { return scrollPixels; }
-    [[nodiscard]] int32_t RowHeight() const { return rowHeight; }
     [[nodiscard]] int32_t HeaderHeight() const { return style.headerHeight; }
     // What is seen of a cell, within the client area.
     [[nodiscard]] GUI_RECT CellPlace(int32_t row, int32_t column) const;
@@ -89,21 +78,26 @@ public:
 
     void Destroy() override { delete this; }
     void OnFocus(bool gained, void* other) override;
-    void OnResize(int outerWidth, int outerHeight, int clientWidth, int clientHeight) override;
-    void OnMouseMove(int x, int y) override;
-    void OnMouseLeave() override;
     void OnMouseDoubleClick(int x, int y, unsigned button) override;
     void OnMouseDown(int x, int y, unsigned button) override;
-    void OnKeyDown(GHOSTGUIKey key) override;
-    void OnChar(unsigned character) override;
     void OnTick(unsigned microseconds) override;
-    bool OnNavigate(GUI_DIRECTION direction) override;
-    bool OnActivateKey() override;
-    bool OnCancelKey() override;
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
 
 protected:
     ~CGhostListView() override = default;
+
+    [[nodiscard]] int32_t Rows() const override { return rowCount; }
+    [[nodiscard]] std::wstring_view RowText(int32_t row) const override;
+    [[nodiscard]] int32_t RowsTop() const override { return style.headerHeight; }
+    void MarkSelected(int32_t row, bool on) override;
+    void TellSelected() override;
+    void TellChosen() override;
+    bool TellCancelled() override;
+    void ActivateKey() override;
+    void Lay() override;
+    void Scrolled() override;
+    bool GoWithin(GUI_DIRECTION way) override;
+    bool GoBeyond(GUI_DIRECTION way) override;
 
 private:
     struct COLUMN {
@@ -117,48 +111,36 @@ private:
 
     [[nodiscard]] int32_t ColumnX(int32_t column) const;
     [[nodiscard]] int32_t ColumnAt(int x) const; // -1 beside all
-    [[nodiscard]] int32_t RowUnder(int y) const; // -1 outside of all
-    [[nodiscard]] int32_t Page() const { return std::max(0, height - style.headerHeight); }
-    [[nodiscard]] int32_t ContentHeight() const { return rowHeight * rowCount; }
     [[nodiscard]] const GhostTextStyle& CellStyle(const GHOSTLISTVIEW_ITEM& cell,
                                                   int32_t row) const;
-    void FlagRow(int32_t row, bool on);
-    void UpdateScroll();
-    void UpdateHot();
-    void MoveSelection(int32_t wanted);
-    bool StepSelection(int32_t step);
-    void Choose();
     void MakeHeading(int32_t column);
     void PlaceHeadings();
     void HeadingState(int32_t column, int x, bool pressed, bool released);
     void HeadingClicked(int32_t column);
+    void EndDrag();
+    void AimAtHeading(int32_t column);
+    [[nodiscard]] bool HeadingIsUsable(int32_t column) const;
+    [[nodiscard]] int32_t UsableHeading(int32_t from, int32_t step) const;
+    [[nodiscard]] std::vector<int32_t> SortedRows(int32_t column, bool descending);
     void EndEdit(bool keep);
     void PaintRow(CGhostSurface& surface, int32_t row, int32_t y);
     void PaintCell(CGhostSurface& surface, int32_t row, int32_t column, const GUI_RECT& place);
 
-    CGhostWindowEx* frame = nullptr; // whose chain this is the second of
     GhostListViewStyle style;
-    uint32_t flags;
     std::vector<COLUMN> columns;
     std::vector<GHOSTLISTVIEW_ITEM> cells; // row by row
     int32_t rowCount = 0;
-    int32_t rowHeight = 1;
-    int32_t width = 0; // of the client area
-    int32_t height = 0;
-    int32_t scrollPixels = 0;
-    int32_t selected = -1;
-    int32_t hotRow = -1;
-    bool hovered = false;
-    bool focused = false;
-    int32_t mouseY = 0;
     int32_t sortColumn = -1;
     bool sortDescending = false;
+    int32_t pressedHeading = -1;
     int32_t dragColumn = -1; // whose width a drag changes
     int32_t dragWidth = 0;   // at the drag's start
     int32_t dragFrom = 0;    // of the cursor, on the screen
     bool dragged = false;    // the press on the heading was a drag
+    int32_t aimedHeading =
+        -1; // the one that keys and a controller are at; -1: they are at the rows
     CGhostEdit* editor = nullptr;
+    std::wstring editedText; // what the editor began with
     int32_t editRow = -1;
     int32_t editColumn = -1;
-    ListTypeAhead typeAhead;
 };

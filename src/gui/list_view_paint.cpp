@@ -19,7 +19,7 @@ const GhostTextStyle& CGhostListView::CellStyle(const GHOSTLISTVIEW_ITEM& cell, 
     if ((cell.flags & GHOSTLISTVIEW_ITEM::kSelected) != 0) {
         return second ? list.item2Selected : list.itemSelected;
     }
-    if (row == hotRow) {
+    if (row == hot) {
         return second ? list.item2Hot : list.itemHot;
     }
     return second ? list.item2Normal : list.itemNormal;
@@ -75,7 +75,7 @@ void CGhostListView::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRec
         PaintRow(*surface, row, row * rowHeight - scrollPixels);
     }
     surface->PopOrigin();
-    if (focused) {
+    if (focused && aimedHeading < 0) {
         PaintFocusRing(*surface, {0, style.headerHeight, width, Page()});
     }
 }

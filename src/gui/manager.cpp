@@ -41,7 +41,9 @@ void CGhostManager::Reset() {
     const std::scoped_lock holdQueue(queueLock);
     eventQueue.clear();
     pendingDelete.clear();
+    takers.clear();
     keyState.fill(false);
+    keyPressedIn.fill(0);
     clipboard.clear();
     hasClipboard = captureInFrame = toolTipVisible = false;
     cursorX = cursorY = lastClickButton = 0;
@@ -55,6 +57,24 @@ void CGhostManager::SetHost(GUI_HOST_CALLBACKS callbacks) {
     const std::scoped_lock hold(apiLock);
     const std::scoped_lock holdTree(treeLock);
     host = std::move(callbacks);
+    hostThread = std::this_thread::get_id();
+    hostWaits.clear(); // what they were about is not known to this host
+}
+
+// Textures belong to one thread. A window that another thread makes or sizes gets its texture later.
+void CGhostManager::TellHost(std::function<void()> call) {
+    if (std::this_thread::get_id() != hostThread) {
+        hostWaits.push_back(std::move(call));
+        return;
+    }
+    TellHostWhatWaits();
+    call();
+}
+
+void CGhostManager::TellHostWhatWaits() {
+    for (const std::function<void()>& call : std::exchange(hostWaits, {})) {
+        call();
+    }
 }
 
 GHOSTMANAGER_WINDOW* CGhostManager::FocusWindow() const {
@@ -80,6 +100,41 @@ GHOSTMANAGER_WINDOW* CGhostManager::ModalWindow() const {
 GHOSTMANAGER_WINDOW* CGhostManager::ActiveTopWindow() const {
     const std::scoped_lock hold(treeLock);
     return activeTopWindow;
+}
+
+double CGhostManager::Density() const {
+    const std::scoped_lock hold(treeLock);
+    return density;
+}
+
+GUI_RECT CGhostManager::ScreenRect() const {
+    const std::scoped_lock hold(treeLock);
+    return screenRect;
+}
+
+int32_t CGhostManager::CursorX() const {
+    const std::scoped_lock hold(treeLock);
+    return cursorX;
+}
+
+int32_t CGhostManager::CursorY() const {
+    const std::scoped_lock hold(treeLock);
+    return cursorY;
+}
+
+void CGhostManager::SetCursorIndex(uint32_t index) {
+    const std::scoped_lock hold(treeLock);
+    cursorIndex = index;
+}
+
+uint32_t CGhostManager::CursorIndex() const {
+    const std::scoped_lock hold(treeLock);
+    return cursorIndex;
+}
+
+CGhostManager::TIMES CGhostManager::Times() const {
+    const std::scoped_lock hold(treeLock);
+    return times;
 }
 
 GUI_RECT CGhostManager::DirtyRect() const {
@@ -110,12 +165,18 @@ bool CGhostManager::IsKeyDown(uint32_t key) const {
 
 void CGhostManager::Tick(uint32_t microseconds) {
     const std::scoped_lock hold(apiLock);
+    if (ticking) {
+        return; // a handler that ran it would have windows freed under its feet
+    }
+    ticking = true;
     const auto start = std::chrono::steady_clock::now();
     TickHandlers(microseconds);
     TickToolTip();
     DrainQueue();
     FreePending();
     RepaintWindows();
+    ticking = false;
+    const std::scoped_lock holdTree(treeLock);
     times.tick = MillisecondsSince(start);
     times.tickPeak = std::max(times.tickPeak, times.tick);
 }
@@ -131,21 +192,24 @@ void CGhostManager::TickHandlers(uint32_t microseconds) {
         }
     }
     for (GHOSTMANAGER_WINDOW* const window : windows) {
-        if (CGhostGUIHandler* const first = window->handler; first != nullptr) {
+        if (CGhostGUIHandler* const first = FirstHandler(*window); first != nullptr) {
             CGhostGUIHandler* const second = first->next;
             first->OnTick(microseconds);
             if (second != nullptr) {
                 second->OnTick(microseconds);
             }
         }
-        if (window->deletePending) {
-            const std::scoped_lock hold(treeLock);
-            if (std::find(pendingDelete.begin(), pendingDelete.end(), window) ==
-                pendingDelete.end()) {
-                pendingDelete.push_back(window);
-            }
+        const std::scoped_lock hold(treeLock);
+        if (window->deletePending &&
+            std::find(pendingDelete.begin(), pendingDelete.end(), window) == pendingDelete.end()) {
+            pendingDelete.push_back(window);
         }
     }
+}
+
+CGhostGUIHandler* CGhostManager::FirstHandler(const GHOSTMANAGER_WINDOW& window) const {
+    const std::scoped_lock hold(treeLock);
+    return window.handler;
 }
 
 void CGhostManager::TickToolTip() {
@@ -161,7 +225,7 @@ void CGhostManager::TickToolTip() {
         hovered = hoverWindow;
         tip = toolTipWindow;
     }
-    for (CGhostGUIHandler* handler = hovered->handler; handler != nullptr;
+    for (CGhostGUIHandler* handler = FirstHandler(*hovered); handler != nullptr;
          handler = handler->next) {
         handler->OnHoverTimeout();
     }
@@ -173,7 +237,8 @@ void CGhostManager::TickToolTip() {
         text = *hovered->toolTip;
         toolTipVisible = true;
     }
-    for (CGhostGUIHandler* handler = tip->handler; handler != nullptr; handler = handler->next) {
+    for (CGhostGUIHandler* handler = FirstHandler(*tip); handler != nullptr;
+         handler = handler->next) {
         handler->ShowToolTip(text);
     }
 }
@@ -201,20 +266,14 @@ void CGhostManager::FreePending() {
     }
 }
 
-// Back to front.
+// Back to front. What a painting makes dirty farther in front is painted in the same pass.
 void CGhostManager::RepaintWindows() {
     std::vector<GHOSTMANAGER_WINDOW*> windows;
     {
         const std::scoped_lock hold(treeLock);
+        TellHostWhatWaits();
         for (GHOSTMANAGER_WINDOW* at = firstWindow; at != nullptr; at = Next(at)) {
-            bool dirty = at->dirty;
-            for (const CGhostGUIHandler* handler = at->handler; handler != nullptr;
-                 handler = handler->next) {
-                dirty = dirty || handler->dirty;
-            }
-            if (dirty && at->visible) {
-                windows.push_back(at);
-            }
+            windows.push_back(at);
         }
     }
     for (GHOSTMANAGER_WINDOW* const window : windows) {
@@ -222,33 +281,58 @@ void CGhostManager::RepaintWindows() {
     }
 }
 
+namespace {
+
+bool WantsPainting(const GHOSTMANAGER_WINDOW& window) {
+    bool dirty = window.dirty;
+    for (const CGhostGUIHandler* handler = window.handler; handler != nullptr;
+         handler = handler->next) {
+        dirty = dirty || handler->dirty;
+    }
+    return dirty && window.visible;
+}
+
+} // namespace
+
 void CGhostManager::Repaint(GHOSTMANAGER_WINDOW& window) {
     // Kept while it is painted, in case a handler changes the window's size meanwhile.
-    const std::shared_ptr<CGhostSurface> surface = window.surface;
-    window.dirty = false;
+    std::shared_ptr<CGhostSurface> surface;
+    GUI_RECT client;
+    {
+        const std::scoped_lock hold(treeLock);
+        if (!WantsPainting(window)) {
+            return;
+        }
+        surface = window.surface;
+        client = window.clientRect;
+    }
     if (surface != nullptr) {
         surface->Clear();
-        surface->PushOrigin(window.clientRect);
-    }
-    for (CGhostGUIHandler* handler = window.handler; handler != nullptr; handler = handler->next) {
-        if (surface != nullptr) {
-            handler->OnPaint(surface.get(), window.clientRect);
+        surface->PushOrigin(client);
+        for (CGhostGUIHandler* handler = FirstHandler(window); handler != nullptr;
+             handler = handler->next) {
+            handler->OnPaint(surface.get(), client);
         }
+        surface->PopOrigin();
+    }
+    const std::scoped_lock hold(treeLock);
+    if (surface != window.surface || client != window.clientRect) {
+        window.dirty = true; // it has another shape now, which the next tick paints
+        return;
+    }
+    if (surface != nullptr) {
+        PaintFrame(*surface, window.frame);
+    }
+    window.dirty = false;
+    for (CGhostGUIHandler* handler = window.handler; handler != nullptr; handler = handler->next) {
         handler->dirty = false;
     }
-    if (surface == nullptr) {
-        return;
+    if (surface != nullptr) {
+        if (host.upload) {
+            host.upload(window.id, surface->Pixels(), surface->Stride());
+        }
+        AddDirty(window);
     }
-    surface->PopOrigin();
-    PaintFrame(*surface, window.frame);
-    const std::scoped_lock hold(treeLock);
-    if (surface != window.surface) {
-        return;
-    }
-    if (host.upload) {
-        host.upload(window.id, surface->Pixels(), surface->Stride());
-    }
-    AddDirty(window);
 }
 
 // ---- The composite.
@@ -268,6 +352,7 @@ void CGhostManager::CompositeAll() {
     const std::scoped_lock hold(apiLock);
     const std::scoped_lock holdTree(treeLock);
     const auto start = std::chrono::steady_clock::now();
+    TellHostWhatWaits();
     if (host.draw) {
         host.draw(kCompositeStart, kCompositeStart, 0, 0, 0, 0, 0, 0);
     } else {

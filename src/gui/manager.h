@@ -8,10 +8,15 @@
 // Handles: every operation looks for its window in the tree, so a stale handle yields false.
 // Calls: handlers are called from Tick, but for those that a change of size or place concerns, which
 //   are called at once. Whatever PostInput and SetFocus bring about is queued and called by the tick.
-// Locks, in this order: the API mutex around Tick, CompositeAll and PostInput; the tree lock; the queue
-//   lock. While a queued call runs neither the tree nor the queue is locked, so a handler may call any
-//   operation, and another thread may queue.
-// Thread: main for Tick, CompositeAll and PostInput; any for the rest.
+// Locks, in this order: the API mutex around Tick, CompositeAll, PostInput, whatever else calls handlers,
+//   and the making of message boxes; the tree lock; the queue lock. While a queued call or a handler's tick
+//   or painting runs neither the tree nor the queue is locked, so a handler may call any operation, and
+//   another thread may queue.
+// Thread: main for SetHost, SetScreen, Tick, CompositeAll, PostInput, Navigate, ActivateFocus, CancelFocus
+//   and the composite buffer; any for the rest. SetWindowPos, SetWindowFrame and RecalcClient call handlers
+//   and wait for the round to end, as every other thread must that uses a control: it keeps the round with
+//   HoldRound. The host's callbacks are called on the thread that called SetHost, if need be with the next
+//   tick or composite.
 #pragma once
 
 #include "base/ranked_mutex.h"
@@ -25,6 +30,7 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 // What one event of a device is to the toolkit. PostInput clears what has been consumed.
@@ -39,7 +45,8 @@ struct GUI_INPUT_RECORD {
     int32_t character = 0; // 0: none
     int32_t dx = 0;        // units
     int32_t dy = 0;
-    int32_t button = 0; // 1 left, 2 right, 3 middle; for the wheel 1 up, 0 down
+    int32_t button = 0;  // 1 left, 2 right, 3 middle; for the wheel 1 up, 0 down
+    bool repeat = false; // with keyDown: the key has been held since an earlier record
 };
 
 // The all-ones id of the draw call that begins a composite.
@@ -71,8 +78,8 @@ public:
 
     // The display in pixels. Density and virtual screen follow from it, and every surface is made anew.
     void SetScreen(int32_t pixelWidth, int32_t pixelHeight);
-    [[nodiscard]] double Density() const { return density; }
-    [[nodiscard]] GUI_RECT ScreenRect() const { return screenRect; }
+    [[nodiscard]] double Density() const;
+    [[nodiscard]] GUI_RECT ScreenRect() const;
 
     // ---- Windows.
 
@@ -114,8 +121,8 @@ public:
     [[nodiscard]] GHOSTMANAGER_WINDOW* ModalWindow() const;
     [[nodiscard]] GHOSTMANAGER_WINDOW* ActiveTopWindow() const;
 
-    // Beyond tab order: the focus goes to the nearest visible tab stop in a direction, within the modal
-    // window if there is one. False when there is none.
+    // Beyond tab order: the focus goes to the nearest tab stop in a direction, within the modal window if
+    // there is one. False when there is none. What lies behind another window is passed over.
     using Direction = GUI_DIRECTION;
     bool MoveFocus(Direction direction);
     // What a controller does. The control that has the focus is asked first, at once; if it has no use
@@ -124,31 +131,32 @@ public:
     bool ActivateFocus();
     bool CancelFocus(); // false when nothing was left or closed by it
 
-    // For a window that takes the input of others for a while: who has it now, and giving it back to
-    // them, as far as they are still there.
-    struct INPUT_OWNERS {
-        uint32_t modal = 0; // ids of windows, 0: none
-        uint32_t focus = 0;
-    };
-    [[nodiscard]] INPUT_OWNERS RememberInput() const;
-    void RestoreInput(const INPUT_OWNERS& owners);
+    // Makes a window modal that takes the input of all others for a while, such as a message box, and
+    // remembers who had it. They have it back when the window is freed, in whatever order several such
+    // windows end.
+    bool TakeInput(GHOSTMANAGER_WINDOW* window);
+    // The id of the window that has the focus, 0 for none, and giving the focus back: to that window, or
+    // the nearest above it that is seen and takes input. Without one, to the first tab stop of the modal
+    // window, if there is a modal window.
+    [[nodiscard]] uint32_t FocusId() const;
+    void ReturnFocus(uint32_t id);
 
     // ---- Clipboard, keys, cursor.
 
     void SetClipboard(const std::wstring& text);
     [[nodiscard]] bool GetClipboard(std::wstring& out) const; // false until something was set
     [[nodiscard]] bool IsKeyDown(uint32_t key) const;
-    [[nodiscard]] int32_t CursorX() const { return cursorX; }
-    [[nodiscard]] int32_t CursorY() const { return cursorY; }
+    [[nodiscard]] int32_t CursorX() const;
+    [[nodiscard]] int32_t CursorY() const;
     // 0 normal, 1 hot, 2 resizes to left and right.
-    void SetCursorIndex(uint32_t index) { cursorIndex = index; }
-    [[nodiscard]] uint32_t CursorIndex() const { return cursorIndex; }
+    void SetCursorIndex(uint32_t index);
+    [[nodiscard]] uint32_t CursorIndex() const;
 
     // ---- The round.
 
     // `nowMilliseconds`: any steady clock, for the double click.
     void PostInput(GUI_INPUT_RECORD& record, uint64_t nowMilliseconds);
-    void Tick(uint32_t microseconds);
+    void Tick(uint32_t microseconds); // does nothing within a tick
     void CompositeAll();
     // With no draw callback CompositeAll blends into these pixels of the display, rows of `stride`.
     void SetCompositeBuffer(uint32_t* pixels, int32_t width, int32_t height, int32_t stride);
@@ -164,7 +172,7 @@ public:
         double composite = 0;
         double compositePeak = 0;
     };
-    [[nodiscard]] TIMES Times() const { return times; }
+    [[nodiscard]] TIMES Times() const;
 
     // Keeps other threads out of the round while they make several windows that belong together.
     [[nodiscard]] auto HoldRound() { return std::unique_lock(apiLock); }
@@ -172,7 +180,8 @@ public:
     // Frees every window and forgets all but the host and the display, as if newly made. For tests.
     void Reset();
 
-    // Visits every window, back to front: a window, its children, its next sibling.
+    // Visits every window, back to front: a window, its children, its next sibling. The tree is locked
+    // meanwhile and must not change.
     void ForEachWindow(const std::function<void(const GHOSTMANAGER_WINDOW&)>& visit) const;
 
 private:
@@ -205,6 +214,9 @@ private:
     void FocusOn(GHOSTMANAGER_WINDOW* window);
     void HoverOn(GHOSTMANAGER_WINDOW* window);
     void FocusNextTabStop(bool backward);
+    [[nodiscard]] std::vector<GHOSTMANAGER_WINDOW*> SeenTabStops() const;
+    void KeyDownToFocus(GHOSTGUIKey key, bool repeat);
+    void KeyUpToFocus(GHOSTGUIKey key);
     void InputToFocus(GUI_INPUT_RECORD& record);
     void DetectDoubleClick(GUI_INPUT_RECORD& record, bool& doubleClick, uint64_t now);
     void InputToWindow(GHOSTMANAGER_WINDOW& window, GUI_INPUT_RECORD& record, bool& doubleClick);
@@ -216,14 +228,26 @@ private:
     void FreeSubtree(GHOSTMANAGER_WINDOW* window);
     [[nodiscard]] GHOSTMANAGER_WINDOW* OwnedBy(const GHOSTMANAGER_WINDOW* owner) const;
     [[nodiscard]] GHOSTMANAGER_WINDOW* WithId(uint32_t id) const;
+    struct INPUT_TAKER {
+        uint32_t window; // ids; 0: none
+        uint32_t modal;  // before it
+        uint32_t focus;
+    };
+    [[nodiscard]] GHOSTMANAGER_WINDOW* VisibleWithId(uint32_t id) const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* FirstTabStop(GHOSTMANAGER_WINDOW* within) const;
+    void ReturnInput(const GHOSTMANAGER_WINDOW& window);
+    void ReturnModality(uint32_t before);
     [[nodiscard]] bool AskFocus(const std::function<bool(CGhostGUIHandler&)>& ask);
     void Forget(GHOSTMANAGER_WINDOW* window);
+    [[nodiscard]] CGhostGUIHandler* FirstHandler(const GHOSTMANAGER_WINDOW& window) const;
     void TickHandlers(uint32_t microseconds);
     void TickToolTip();
     void DrainQueue();
     void FreePending();
     void RepaintWindows();
     void Repaint(GHOSTMANAGER_WINDOW& window);
+    void TellHost(std::function<void()> call);
+    void TellHostWhatWaits();
     void DrawWindow(const GHOSTMANAGER_WINDOW& window);
     void StartBuffer();
     void BlendIntoBuffer(const CGhostSurface& surface, int32_t sourceX, int32_t sourceY, int32_t x,
@@ -247,6 +271,9 @@ private:
     std::deque<EVENT> eventQueue;
 
     GUI_HOST_CALLBACKS host;
+    std::thread::id hostThread;
+    std::vector<std::function<void()>> hostWaits; // calls of it that other threads have left
+    bool ticking = false;
     int32_t cursorX = 0;
     int32_t cursorY = 0;
     uint32_t nextId = 1;
@@ -258,6 +285,7 @@ private:
     uint64_t lastActivity = 0;     // of the mouse over a window, on that clock
     uint32_t cursorIndex = 0;
     std::array<bool, 512> keyState{};
+    std::array<uint32_t, 512> keyPressedIn{};   // id of the focus at a held key's press, 0: none
     GHOSTMANAGER_WINDOW* firstWindow = nullptr; // of the top level
     GHOSTMANAGER_WINDOW* lastWindow = nullptr;  // the frontmost
     bool captureInFrame = false;
@@ -268,6 +296,7 @@ private:
     GHOSTMANAGER_WINDOW* activeTopWindow = nullptr; // topmost ancestor of the focus
     GHOSTMANAGER_WINDOW* modalWindow = nullptr;
     GHOSTMANAGER_WINDOW* toolTipWindow = nullptr;
+    std::vector<INPUT_TAKER> takers; // the last one made last
     uint64_t lastClickTimeMs = 0;
     int32_t lastClickButton = 0;
     bool hasClipboard = false;

@@ -1,8 +1,8 @@
-// Input: the hit test, capture, focus and what is queued for the handlers.
+// Input: the hit test, capture, keys, and what is queued for the handlers.
 #include "gui/manager.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -24,197 +24,6 @@ void CGhostManager::QueueChain(GHOSTMANAGER_WINDOW* window,
     const std::scoped_lock hold(queueLock);
     for (CGhostGUIHandler* handler = window->handler; handler != nullptr; handler = handler->next) {
         eventQueue.push_back({window, [handler, call] { call(*handler); }});
-    }
-}
-
-// ---- Focus.
-
-bool CGhostManager::SetFocus(GHOSTMANAGER_WINDOW* window) {
-    const std::scoped_lock hold(treeLock);
-    if (!Knows(window)) {
-        return false;
-    }
-    FocusOn(window);
-    return true;
-}
-
-void CGhostManager::FocusOn(GHOSTMANAGER_WINDOW* window) {
-    GHOSTMANAGER_WINDOW* const old = focusWindow;
-    if (old == window) {
-        return;
-    }
-    QueueChain(old, [window](CGhostGUIHandler& handler) { handler.OnFocus(false, window); });
-    if (window == nullptr || !EffectivelyVisible(window)) {
-        focusWindow = nullptr;
-        return;
-    }
-    focusWindow = window;
-    GHOSTMANAGER_WINDOW* top = window;
-    while (top->parent != nullptr) {
-        top = top->parent;
-    }
-    if (top != activeTopWindow) {
-        QueueChain(activeTopWindow,
-                   [](CGhostGUIHandler& handler) { handler.OnActivate(nullptr, false); });
-        activeTopWindow = top;
-        QueueChain(top, [window](CGhostGUIHandler& handler) { handler.OnActivate(window, true); });
-    }
-    QueueChain(window, [old](CGhostGUIHandler& handler) { handler.OnFocus(true, old); });
-}
-
-bool CGhostManager::SetModal(GHOSTMANAGER_WINDOW* window) {
-    const std::scoped_lock hold(treeLock);
-    if (!Knows(window)) {
-        return false;
-    }
-    modalWindow = window;
-    captureWindow = nullptr;
-    hoverWindow = nullptr;
-    FocusOn(window);
-    return true;
-}
-
-// Among the siblings of the focus, round to where it began.
-void CGhostManager::FocusNextTabStop(bool backward) {
-    GHOSTMANAGER_WINDOW* const parent = focusWindow->parent;
-    GHOSTMANAGER_WINDOW* at = focusWindow;
-    do {
-        at = backward ? at->prevSibling : at->nextSibling;
-        if (at == nullptr) {
-            at = backward ? parent->lastChild : parent->firstChild;
-        }
-        if (at != focusWindow && at->tabStop && at->visible) {
-            FocusOn(at);
-            return;
-        }
-    } while (at != focusWindow);
-}
-
-namespace {
-
-struct CENTRE {
-    int64_t x;
-    int64_t y;
-};
-
-// Twice the middle of a rectangle, so that it is whole.
-CENTRE TwiceCentre(const GUI_RECT& rect) {
-    return {2 * int64_t{rect.x} + rect.width, 2 * int64_t{rect.y} + rect.height};
-}
-
-// How far a target is from where the focus is, in a direction; below 0 if it does not lie there. What
-// is off to the side counts for more than what is straight ahead.
-int64_t Distance(const GUI_RECT& from, const GUI_RECT& to, CGhostManager::Direction direction) {
-    constexpr int64_t kSideWeight = 3;
-    const CENTRE a = TwiceCentre(from);
-    const CENTRE b = TwiceCentre(to);
-    const bool sideways = direction == CGhostManager::Direction::kLeft ||
-                          direction == CGhostManager::Direction::kRight;
-    const bool backward =
-        direction == CGhostManager::Direction::kLeft || direction == CGhostManager::Direction::kUp;
-    const int64_t ahead = (sideways ? b.x - a.x : b.y - a.y) * (backward ? -1 : 1);
-    int64_t aside = std::abs(sideways ? b.y - a.y : b.x - a.x);
-    // Rectangles that overlap in the other axis lie straight ahead.
-    const bool overlap = sideways ? from.y < to.Bottom() && to.y < from.Bottom()
-                                  : from.x < to.Right() && to.x < from.Right();
-    if (overlap) {
-        aside /= kSideWeight * kSideWeight;
-    }
-    return ahead <= 0 ? -1 : ahead + kSideWeight * aside;
-}
-
-} // namespace
-
-bool CGhostManager::MoveFocus(Direction direction) {
-    const std::scoped_lock hold(treeLock);
-    // Without a focus, as if it lay just outside the screen's upper left corner.
-    const bool hasFocus = focusWindow != nullptr && EffectivelyVisible(focusWindow);
-    const GUI_RECT from = hasFocus ? PlaceOnScreen(*focusWindow) : GUI_RECT{-2, -2, 1, 1};
-    const Direction way = hasFocus ? direction : Direction::kDown;
-    GHOSTMANAGER_WINDOW* nearest = nullptr;
-    int64_t least = 0;
-    for (GHOSTMANAGER_WINDOW* at = firstWindow; at != nullptr; at = Next(at)) {
-        if (at == focusWindow || !at->tabStop || !EffectivelyVisible(at) || !WithinModal(at) ||
-            ClipToAncestors(*at, {0, 0, at->width, at->height}).Empty()) {
-            continue;
-        }
-        const int64_t distance = Distance(from, PlaceOnScreen(*at), way);
-        if (distance >= 0 && (nearest == nullptr || distance < least)) {
-            nearest = at;
-            least = distance;
-        }
-    }
-    if (nearest == nullptr) {
-        return false;
-    }
-    FocusOn(nearest);
-    return true;
-}
-
-// Every handler of the chain is asked until one used it. No lock is held meanwhile; the windows stay,
-// since they are freed by the tick alone.
-bool CGhostManager::AskFocus(const std::function<bool(CGhostGUIHandler&)>& ask) {
-    CGhostGUIHandler* handler = nullptr;
-    {
-        const std::scoped_lock hold(treeLock);
-        if (focusWindow == nullptr || !EffectivelyVisible(focusWindow)) {
-            return false;
-        }
-        handler = focusWindow->handler;
-    }
-    while (handler != nullptr) {
-        CGhostGUIHandler* const next = handler->next;
-        if (ask(*handler)) {
-            return true;
-        }
-        handler = next;
-    }
-    return false;
-}
-
-bool CGhostManager::Navigate(Direction direction) {
-    const std::scoped_lock hold(apiLock);
-    return AskFocus(
-               [direction](CGhostGUIHandler& handler) { return handler.OnNavigate(direction); }) ||
-           MoveFocus(direction);
-}
-
-bool CGhostManager::ActivateFocus() {
-    const std::scoped_lock hold(apiLock);
-    if (AskFocus([](CGhostGUIHandler& handler) { return handler.OnActivateKey(); })) {
-        return true;
-    }
-    const std::scoped_lock holdTree(treeLock);
-    if (focusWindow == nullptr || !EffectivelyVisible(focusWindow)) {
-        return false;
-    }
-    const int x = focusWindow->clientRect.width / 2;
-    const int y = focusWindow->clientRect.height / 2;
-    QueueChain(focusWindow, [x, y](CGhostGUIHandler& handler) {
-        handler.OnMouseDown(x, y, 1);
-        handler.OnMouseUp(x, y, 1);
-    });
-    return true;
-}
-
-bool CGhostManager::CancelFocus() {
-    const std::scoped_lock hold(apiLock);
-    return AskFocus([](CGhostGUIHandler& handler) { return handler.OnCancelKey(); });
-}
-
-CGhostManager::INPUT_OWNERS CGhostManager::RememberInput() const {
-    const std::scoped_lock hold(treeLock);
-    return {modalWindow != nullptr ? modalWindow->id : 0,
-            focusWindow != nullptr ? focusWindow->id : 0};
-}
-
-void CGhostManager::RestoreInput(const INPUT_OWNERS& owners) {
-    const std::scoped_lock hold(treeLock);
-    if (GHOSTMANAGER_WINDOW* const modal = WithId(owners.modal)) {
-        SetModal(modal);
-    }
-    if (GHOSTMANAGER_WINDOW* const focus = WithId(owners.focus)) {
-        FocusOn(focus);
     }
 }
 
@@ -242,21 +51,50 @@ void CGhostManager::DetectDoubleClick(GUI_INPUT_RECORD& record, bool& doubleClic
     lastClickButton = record.button;
 }
 
+namespace {
+
+// Keys that press and dismiss. Their repeats go only to the window that got the press, so that a held
+// Return does not close the box that it opens.
+bool BelongsToItsPress(GHOSTGUIKey key) {
+    return key == GHOSTGUIKey::kReturn || key == GHOSTGUIKey::kSpace || key == GHOSTGUIKey::kEscape;
+}
+
+} // namespace
+
+void CGhostManager::KeyDownToFocus(GHOSTGUIKey key, bool repeat) {
+    const auto index = static_cast<size_t>(key);
+    bool elsewhere = false; // a repeat of a key that was pressed in another window
+    if (index < keyState.size()) {
+        keyState[index] = true;
+        keyPressedIn[index] = repeat ? keyPressedIn[index] : FocusId();
+        elsewhere = keyPressedIn[index] != FocusId();
+    }
+    if (focusWindow == nullptr) {
+        return;
+    }
+    if (key == GHOSTGUIKey::kTab && focusWindow->parent != nullptr) {
+        FocusNextTabStop(IsKeyDown(static_cast<uint32_t>(GHOSTGUIKey::kLeftShift)));
+    } else if (!elsewhere || !BelongsToItsPress(key)) {
+        QueueChain(focusWindow, [key](CGhostGUIHandler& handler) { handler.OnKeyDown(key); });
+    }
+}
+
+// A release goes to the window that got the press and to no other.
+void CGhostManager::KeyUpToFocus(GHOSTGUIKey key) {
+    const auto index = static_cast<size_t>(key);
+    if (index < keyState.size()) {
+        keyState[index] = false;
+        if (std::exchange(keyPressedIn[index], 0) != FocusId()) {
+            return;
+        }
+    }
+    QueueChain(focusWindow, [key](CGhostGUIHandler& handler) { handler.OnKeyUp(key); });
+}
+
 void CGhostManager::InputToFocus(GUI_INPUT_RECORD& record) {
     const auto key = static_cast<GHOSTGUIKey>(record.key);
-    const bool known = record.key >= 0 && static_cast<size_t>(record.key) < keyState.size();
     if (record.keyDown) {
-        if (known) {
-            keyState[static_cast<size_t>(record.key)] = true;
-        }
-        if (focusWindow != nullptr) {
-            if (key == GHOSTGUIKey::kTab && focusWindow->parent != nullptr) {
-                FocusNextTabStop(IsKeyDown(static_cast<uint32_t>(GHOSTGUIKey::kLeftShift)));
-            } else {
-                QueueChain(focusWindow,
-                           [key](CGhostGUIHandler& handler) { handler.OnKeyDown(key); });
-            }
-        }
+        KeyDownToFocus(key, record.repeat);
     }
     if (record.character != 0) {
         const auto character = static_cast<unsigned>(record.character);
@@ -264,10 +102,7 @@ void CGhostManager::InputToFocus(GUI_INPUT_RECORD& record) {
                    [character](CGhostGUIHandler& handler) { handler.OnChar(character); });
     }
     if (record.keyUp) {
-        if (known) {
-            keyState[static_cast<size_t>(record.key)] = false;
-        }
-        QueueChain(focusWindow, [key](CGhostGUIHandler& handler) { handler.OnKeyUp(key); });
+        KeyUpToFocus(key);
     }
     record.keyDown = record.keyUp = false;
     record.character = 0;

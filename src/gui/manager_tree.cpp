@@ -253,7 +253,7 @@ void CGhostManager::MakeSurface(GHOSTMANAGER_WINDOW& window) {
     if (window.surface != nullptr) {
         window.surface.reset();
         if (host.destroy) {
-            host.destroy(window.id);
+            TellHost([this, id = window.id] { host.destroy(id); });
         }
     }
     window.dirty = true;
@@ -267,7 +267,8 @@ void CGhostManager::MakeSurface(GHOSTMANAGER_WINDOW& window) {
     }
     window.surface = std::move(surface);
     if (host.create) {
-        host.create(window.id, window.surface->PixelWidth(), window.surface->PixelHeight());
+        TellHost([this, id = window.id, width = window.surface->PixelWidth(),
+                  height = window.surface->PixelHeight()] { host.create(id, width, height); });
     }
 }
 
@@ -286,7 +287,8 @@ void CGhostManager::RefitSurfaces(GHOSTMANAGER_WINDOW& window) {
 
 bool CGhostManager::SetWindowPos(GHOSTMANAGER_WINDOW* window, int32_t x, int32_t y, int32_t width,
                                  int32_t height) {
-    const std::scoped_lock hold(treeLock);
+    const std::scoped_lock hold(apiLock);
+    const std::scoped_lock holdTree(treeLock);
     if (!Knows(window)) {
         return false;
     }
@@ -307,11 +309,10 @@ bool CGhostManager::SetWindowPos(GHOSTMANAGER_WINDOW* window, int32_t x, int32_t
     window->width = newWidth;
     window->height = newHeight;
     ComputeClient(*window);
-    if (resized) {
+    if (moved && density != std::floor(density)) {
+        RefitSurfaces(*window); // and with them its own
+    } else if (resized) {
         MakeSurface(*window);
-    }
-    if (moved) {
-        RefitSurfaces(*window);
     }
     AddDirty(*window);
     if (moved && window->handler != nullptr) {
@@ -361,7 +362,8 @@ bool CGhostManager::GetScreenRect(const GHOSTMANAGER_WINDOW* window, GUI_RECT* r
 }
 
 bool CGhostManager::SetWindowFrame(GHOSTMANAGER_WINDOW* window, const GhostBorderStyle* border) {
-    const std::scoped_lock hold(treeLock);
+    const std::scoped_lock hold(apiLock);
+    const std::scoped_lock holdTree(treeLock);
     if (!Knows(window)) {
         return false;
     }
@@ -371,7 +373,8 @@ bool CGhostManager::SetWindowFrame(GHOSTMANAGER_WINDOW* window, const GhostBorde
 }
 
 bool CGhostManager::RecalcClient(GHOSTMANAGER_WINDOW* window) {
-    const std::scoped_lock hold(treeLock);
+    const std::scoped_lock hold(apiLock);
+    const std::scoped_lock holdTree(treeLock);
     if (!Knows(window)) {
         return false;
     }
@@ -461,6 +464,7 @@ bool CGhostManager::SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where) {
     AddDirty(*window);
     if (where == kOut) {
         // Nothing may point at a window that is no longer in the tree.
+        Unlink(*window);
         for (GHOSTMANAGER_WINDOW* at = window; at != nullptr;) {
             Forget(at);
             GHOSTMANAGER_WINDOW* const next = Next(at);
@@ -470,7 +474,6 @@ bool CGhostManager::SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where) {
             }
             at = up != nullptr ? next : nullptr;
         }
-        Unlink(*window);
         return true;
     }
     Unlink(*window);
@@ -543,8 +546,11 @@ void CGhostManager::Forget(GHOSTMANAGER_WINDOW* window) {
         toolTipVisible = false;
     }
     std::erase(pendingDelete, window);
-    const std::scoped_lock hold(queueLock);
-    std::erase_if(eventQueue, [&](const EVENT& event) { return event.window == window; });
+    {
+        const std::scoped_lock hold(queueLock);
+        std::erase_if(eventQueue, [&](const EVENT& event) { return event.window == window; });
+    }
+    ReturnInput(*window);
 }
 
 // Children first, then what floats for the window; in each the second handler before the first.
@@ -574,7 +580,7 @@ void CGhostManager::FreeSubtree(GHOSTMANAGER_WINDOW* window) {
     AddDirty(*window);
     Unlink(*window);
     if (host.destroy) {
-        host.destroy(window->id);
+        TellHost([this, id = window->id] { host.destroy(id); });
     }
     delete window;
 }

@@ -1,6 +1,7 @@
 #include "gui/message_box.h"
 
 #include "gui/button.h"
+#include "gui/manager.h"
 #include "gui/multi_text.h"
 #include "gui/window_ex.h"
 
@@ -60,7 +61,6 @@ size_t CGhostMessageBox::Count() {
 
 CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring& text) {
     CGhostManager& manager = CGhostManager::Get();
-    before = manager.RememberInput();
     screen = manager.ScreenRect();
     dimmed = new CGhostWindowEx(nullptr, 0, L"MESSAGEBOXBG", {}, CGhostWindowEx::kNoSignals,
                                 {false, 0, 0, screen.width, screen.height});
@@ -78,7 +78,7 @@ CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring
         manager.SetPart(part);
     }
     Place();
-    manager.SetModal(window);
+    manager.TakeInput(window);
     button->SetFocus();
 }
 
@@ -88,7 +88,6 @@ CGhostMessageBox::~CGhostMessageBox() {
     }
     auto& table = Table();
     std::replace(table.begin(), table.end(), this, static_cast<CGhostMessageBox*>(nullptr));
-    CGhostManager::Get().RestoreInput(before);
 }
 
 // Wider step by step, until it is more than twice as wide as it is high.

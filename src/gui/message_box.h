@@ -4,11 +4,11 @@
 // At most four exist; a fifth is dropped. The one made last is the one that takes input, and when it is
 // closed the input goes back to who had it.
 // Styles: MESSAGEBOXBG and MESSAGEBOX for the windows, MESSAGEBOX_BUTTON, MESSAGEBOX_TEXT.
-// Thread: any; other threads wait for the round to end.
+// Thread: any for Show and Count, which wait for the round to end; main for the rest. Another thread that uses
+//   the box keeps the round with HoldRound, from before Show.
 #pragma once
 
 #include "gui/control.h"
-#include "gui/manager.h"
 
 class CGhostButton;
 class CGhostMultiText;
@@ -47,5 +47,4 @@ private:
     GUI_RECT screen; // that it was placed for
     bool closed = false;
     bool told = false; // OnClosed has been called
-    CGhostManager::INPUT_OWNERS before;
 };

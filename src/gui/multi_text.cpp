@@ -1,33 +1,43 @@
 #include "gui/multi_text.h"
 
 #include "gui/manager.h"
-#include "gui/scrollbar.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/theme.h"
-#include "gui/window_ex.h"
 
 #include <algorithm>
+
+namespace {
+
+// What a font has no glyph for would join the words beside it.
+std::wstring Shown(const std::wstring& text) {
+    std::wstring shown;
+    for (const wchar_t character : text) {
+        if (character == L'\t') {
+            shown += L' ';
+        } else if (character == L'\n' || !IsControlCharacter(character)) {
+            shown += character;
+        }
+    }
+    return shown;
+}
+
+} // namespace
 
 CGhostMultiText::CGhostMultiText(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
                                  const std::wstring& wantedStyle, const std::wstring& caption,
                                  const GUI_PLACE& place)
-    : text(caption) {
+    : CGhostScrolledArea(parent, creationId, wantedStyle, place)
+    , text(caption)
+    , shown(Shown(caption)) {
     CGhostTheme::Get().GetStyle(wantedStyle, style);
-    frame = new CGhostWindowEx(parent, creationId, wantedStyle, {},
-                               CGhostWindowEx::kNoPaint | CGhostWindowEx::kNoSignals, place);
-    window = frame->window;
-    frame->next = this;
-    frame->Scrollbar()->OnScroll.connect([this](int32_t pos) {
-        scrollPixels = pos;
-        dirty = true;
-    });
     CGhostManager::Get().SetWindowFrame(window, &style.border);
 }
 
 void CGhostMultiText::SetText(const std::wstring& wanted) {
     text = wanted;
-    frame->Scrollbar()->SetRange(-1, -1, 0, false);
+    shown = Shown(wanted);
+    ScrollTo(0);
     Lay();
 }
 
@@ -40,76 +50,34 @@ CGhostMultiText::SIZE CGhostMultiText::Around() const {
 
 int32_t CGhostMultiText::HeightAt(int32_t outerWidth) const {
     const SIZE around = Around();
-    return WrapText(style.font, text, outerWidth - around.width).Height() + around.height;
+    return WrapText(style.font, shown, outerWidth - around.width).Height() + around.height;
 }
 
 int32_t CGhostMultiText::WidthAt(int32_t outerWidth) const {
     const SIZE around = Around();
-    return WrapText(style.font, text, outerWidth - around.width).width + around.width;
+    return WrapText(style.font, shown, outerWidth - around.width).width + around.width;
 }
 
-void CGhostMultiText::OnResize(int /*outerWidth*/, int /*outerHeight*/, int clientWidth,
-                               int clientHeight) {
-    width = clientWidth;
-    height = clientHeight;
-    if (!laying) {
-        Lay();
-    }
-}
-
-// First as if there were no bar; if that is too high, again beside the bar.
+// First as if there were no bar; if that is too high, again beside the bar. A bar that stays is not hidden
+// meanwhile: it may be dragged.
 void CGhostMultiText::Lay() {
+    if (laying) {
+        return;
+    }
     laying = true;
     const GUI_EDGES& margin = style.textRect;
     const int32_t room = height - margin.top - margin.bottom;
-    frame->ShowScrollbar(false);
-    layout = WrapText(style.font, text, width - margin.left - margin.right);
-    scrollable = layout.Height() > room;
-    if (scrollable) {
-        frame->ShowScrollbar(true);
-        layout = WrapText(style.font, text, width - margin.left - margin.right);
+    const int32_t whole = width + (BarShown() ? BarWidth() : 0);
+    layout = WrapText(style.font, shown, whole - margin.left - margin.right);
+    ShowBar(layout.Height() > room);
+    if (BarShown()) {
+        layout = WrapText(style.font, shown, width - margin.left - margin.right);
     }
-    frame->Scrollbar()->SetStep(std::max(layout.lineHeight, 1));
-    frame->Scrollbar()->SetRange(layout.Height(), std::max(room, 0), -1, true);
-    CGhostManager::Get().SetTabStop(window, scrollable);
+    SetLine(layout.lineHeight);
+    SetContent(layout.Height(), room);
+    CGhostManager::Get().SetTabStop(window, BarShown());
     laying = false;
     dirty = true;
-}
-
-void CGhostMultiText::ScrollTo(int32_t pixels) {
-    const CGhostScrollbar& bar = *frame->Scrollbar();
-    frame->Scrollbar()->SetRange(-1, -1, std::clamp(pixels, 0, bar.Total() - bar.Page()), false);
-}
-
-void CGhostMultiText::OnFocus(bool gained, void* /*other*/) {
-    focused = gained;
-    dirty = true;
-}
-
-void CGhostMultiText::OnKeyDown(GHOSTGUIKey key) {
-    const int32_t before = scrollPixels;
-    switch (key) {
-    case GHOSTGUIKey::kUp: ScrollTo(scrollPixels - layout.lineHeight); break;
-    case GHOSTGUIKey::kDown: ScrollTo(scrollPixels + layout.lineHeight); break;
-    case GHOSTGUIKey::kPageUp: ScrollTo(scrollPixels - height); break;
-    case GHOSTGUIKey::kPageDown: ScrollTo(scrollPixels + height); break;
-    case GHOSTGUIKey::kHome: ScrollTo(0); break;
-    case GHOSTGUIKey::kEnd: ScrollTo(layout.Height()); break;
-    default: break;
-    }
-    if (scrollPixels == before) {
-        MoveFocusByKey(key); // at an end, on to the next control
-    }
-}
-
-bool CGhostMultiText::OnNavigate(GUI_DIRECTION direction) {
-    if (direction != GUI_DIRECTION::kUp && direction != GUI_DIRECTION::kDown) {
-        return false;
-    }
-    const int32_t before = scrollPixels;
-    const int32_t step = direction == GUI_DIRECTION::kUp ? -layout.lineHeight : layout.lineHeight;
-    ScrollTo(scrollPixels + step);
-    return scrollPixels != before;
 }
 
 void CGhostMultiText::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
@@ -119,21 +87,21 @@ void CGhostMultiText::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRe
                          std::max(0, height - margin.top - margin.bottom)};
     surface->PushOrigin(inner);
     int32_t y = -scrollPixels;
-    if (!scrollable && (style.align & kAlignTop) == 0) {
+    if (!BarShown() && (style.align & kAlignTop) == 0) {
         const int32_t rest = inner.height - layout.Height();
         y = (style.align & kAlignBottom) != 0 ? rest : rest / 2;
     }
     const uint32_t align = kAlignTop | (style.align & (kAlignLeft | kAlignRight));
     for (const GUI_TEXT_LINE& line : layout.lines) {
         if (y + layout.lineHeight > 0 && y < inner.height) {
-            DrawText(*surface, style.font, std::wstring_view(text).substr(line.start, line.count),
+            DrawText(*surface, style.font, std::wstring_view(shown).substr(line.start, line.count),
                      style.textColour, style.textOutlineColour, align,
                      {0, y, inner.width, layout.lineHeight}, style.xOffset, style.yOffset);
         }
         y += layout.lineHeight;
     }
     surface->PopOrigin();
-    if (focused && scrollable) {
+    if (focused && BarShown()) {
         PaintFocusRing(*surface, {0, 0, width, height});
     }
 }

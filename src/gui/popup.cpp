@@ -1,5 +1,7 @@
 #include "gui/popup.h"
 
+#include "gui/manager.h"
+
 namespace {
 
 constexpr int32_t kBesideText = 35; // of a menu's width, beyond its widest item
@@ -37,9 +39,9 @@ bool CGhostPopup::HasFocus() const {
     return focus == list->window || focus == list->ScrollbarWindow();
 }
 
-// The list's bar does not tell who took the focus from it.
+// The list's bar does not tell who took the focus from it. On a screen of another size the menu's place is wrong.
 void CGhostPopup::OnTick(unsigned /*microseconds*/) {
-    if (shown && !HasFocus()) {
+    if (shown && (!HasFocus() || screen != CGhostManager::Get().ScreenRect())) {
         Hide();
     }
 }
@@ -64,9 +66,10 @@ void CGhostPopup::ShowAt(int32_t x, int32_t y) {
     const GUI_RECT at{x, y, 0, 0};
     const int32_t width = list->WidestItem() + kBesideText;
     const int32_t height = list->ContentHeight() + list->FrameHeight();
-    const GUI_RECT place = DropPlace(at, width, height, manager.ScreenRect());
+    screen = manager.ScreenRect();
+    const GUI_RECT place = DropPlace(at, width, height, screen);
     if (!shown) {
-        before = manager.RememberInput();
+        focusBefore = manager.FocusId();
     }
     shown = true;
     list->SetPos(place.x, place.y, place.width, place.height);
@@ -87,6 +90,6 @@ void CGhostPopup::Hide() {
     const bool within = HasFocus();
     list->SetVisible(false);
     if (within) {
-        manager.RestoreInput({0, before.focus});
+        manager.ReturnFocus(focusBefore);
     }
 }

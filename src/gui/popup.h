@@ -5,7 +5,6 @@
 
 #include "gui/control.h"
 #include "gui/list.h"
-#include "gui/manager.h"
 
 class CGhostPopup : public CGhostGUIHandlerEx {
 public:
@@ -33,6 +32,7 @@ private:
     [[nodiscard]] bool HasFocus() const;
 
     CGhostList* list = nullptr; // its window is owned by this one's, and ends first
+    GUI_RECT screen;            // that it was placed for
     bool shown = false;
-    CGhostManager::INPUT_OWNERS before; // who had the focus
+    uint32_t focusBefore = 0; // the id of the window that had it
 };

@@ -1,5 +1,6 @@
 #include "gui/scrollbar.h"
 
+#include "gui/manager.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/theme.h"
@@ -27,6 +28,15 @@ CGhostScrollbar::CGhostScrollbar(GHOSTMANAGER_WINDOW* parent, uint32_t creationI
     PlaceControl(window, place);
 }
 
+void CGhostScrollbar::LeaveKeysToOwner() {
+    ownKeys = false;
+    UpdateTabStop();
+}
+
+void CGhostScrollbar::UpdateTabStop() {
+    CGhostManager::Get().SetTabStop(window, ownKeys && total > page);
+}
+
 void CGhostScrollbar::SetStyle(const GhostScrollbarStyle& wanted) {
     style = wanted;
     PlaceThumb();
@@ -44,6 +54,8 @@ void CGhostScrollbar::SetRange(int32_t wantedTotal, int32_t wantedPage, int32_t 
     if (recalc) {
         PlaceThumb();
     }
+    SettleThumb();
+    UpdateTabStop();
     dirty = true;
     if (pos != before || pos != asked) {
         OnScroll(pos);
@@ -59,11 +71,12 @@ void CGhostScrollbar::PlaceThumb() {
     const int64_t length = total > 0 ? track * page / total : track;
     thumbLength =
         static_cast<int32_t>(std::min(track, std::max<int64_t>(length, style.verThumbMinHeight)));
+    SettleThumb();
 }
 
-int32_t CGhostScrollbar::ThumbTop() const {
+void CGhostScrollbar::SettleThumb() {
     const int64_t room = TrackLength() - thumbLength;
-    return total > page ? static_cast<int32_t>(room * pos / (total - page)) : 0;
+    thumbTop = total > page ? static_cast<int32_t>(room * pos / (total - page)) : 0;
 }
 
 CGhostScrollbar::Part CGhostScrollbar::PartAt(int x, int y) const {
@@ -77,10 +90,10 @@ CGhostScrollbar::Part CGhostScrollbar::PartAt(int x, int y) const {
     if (fromTrack >= TrackLength()) {
         return Part::kBottom;
     }
-    if (fromTrack < ThumbTop()) {
+    if (fromTrack < thumbTop) {
         return Part::kAbove;
     }
-    return fromTrack < ThumbTop() + thumbLength ? Part::kThumb : Part::kBelow;
+    return fromTrack < thumbTop + thumbLength ? Part::kThumb : Part::kBelow;
 }
 
 void CGhostScrollbar::ScrollTo(int32_t wanted) {
@@ -95,16 +108,29 @@ void CGhostScrollbar::OnResize(int /*outerWidth*/, int /*outerHeight*/, int clie
     dirty = true;
 }
 
+// The thumb stays under the cursor, between two positions as well.
+void CGhostScrollbar::DragTo(int y) {
+    const int32_t room = TrackLength() - thumbLength;
+    if (room <= 0) {
+        return;
+    }
+    const int32_t top = std::clamp(y - style.verArrowButtonHeight - grabbedAt, 0, room);
+    ScrollTo(static_cast<int32_t>(int64_t{top} * (total - page) / room));
+    // What follows the bar may have changed its range.
+    thumbTop = std::clamp(top, 0, std::max(0, TrackLength() - thumbLength));
+}
+
+void CGhostScrollbar::LetGo() {
+    held = Part::kNone;
+    SettleThumb();
+    dirty = true;
+}
+
 void CGhostScrollbar::OnMouseMove(int x, int y) {
     ShowCursor(kCursorHot);
     lastY = y;
     if (held == Part::kThumb) {
-        const int32_t room = TrackLength() - thumbLength;
-        const int32_t offset =
-            std::clamp(y - style.verArrowButtonHeight - grabbedAt, 0, std::max(room, 0));
-        if (room > 0) {
-            ScrollTo(static_cast<int32_t>(int64_t{offset} * (total - page) / room));
-        }
+        DragTo(y);
     }
     hot = PartAt(x, y);
     dirty = true;
@@ -117,12 +143,12 @@ void CGhostScrollbar::OnMouseLeave() {
 }
 
 void CGhostScrollbar::OnMouseDown(int x, int y, unsigned button) {
-    if (button != 1) {
+    if (button != kLeftButton) {
         return;
     }
     held = hot = PartAt(x, y);
     lastY = y;
-    grabbedAt = y - style.verArrowButtonHeight - ThumbTop();
+    grabbedAt = y - style.verArrowButtonHeight - thumbTop;
     untilRepeat = kFirstRepeat;
     Repeat();
     dirty = true;
@@ -130,13 +156,12 @@ void CGhostScrollbar::OnMouseDown(int x, int y, unsigned button) {
 
 void CGhostScrollbar::OnMouseDoubleClick(int x, int y, unsigned button) {
     OnMouseDown(x, y, button);
-    held = Part::kNone; // the press of a double click is not captured
+    OnMouseUp(x, y, button); // the press of a double click is not captured
 }
 
 void CGhostScrollbar::OnMouseUp(int /*x*/, int /*y*/, unsigned button) {
-    if (button == 1) {
-        held = Part::kNone;
-        dirty = true;
+    if (button == kLeftButton) {
+        LetGo();
     }
 }
 
@@ -162,38 +187,73 @@ bool AskOwner(const GHOSTMANAGER_WINDOW* bar, Call call) {
 
 } // namespace
 
+void CGhostScrollbar::OnFocus(bool gained, void* /*other*/) {
+    focused = gained;
+    dirty = true;
+    arrow.Forget();
+}
+
 void CGhostScrollbar::OnKeyDown(GHOSTGUIKey key) {
-    AskOwner(window, [key](CGhostGUIHandler& handler) {
-        handler.OnKeyDown(key);
-        return false;
-    });
+    if (!ownKeys) {
+        AskOwner(window, [key](CGhostGUIHandler& handler) {
+            handler.OnKeyDown(key);
+            return false;
+        });
+        return;
+    }
+    if (const auto way = DirectionOf(key)) {
+        arrow.Press(key, [&](bool) { return OnNavigate(*way); });
+        return;
+    }
+    switch (key) {
+    case GHOSTGUIKey::kPageUp: ScrollTo(pos - page); break;
+    case GHOSTGUIKey::kPageDown: ScrollTo(pos + page); break;
+    case GHOSTGUIKey::kHome: ScrollTo(0); break;
+    case GHOSTGUIKey::kEnd: ScrollTo(total - page); break;
+    default: break;
+    }
 }
 
 void CGhostScrollbar::OnKeyUp(GHOSTGUIKey key) {
-    AskOwner(window, [key](CGhostGUIHandler& handler) {
-        handler.OnKeyUp(key);
-        return false;
-    });
+    arrow.Release(key);
+    if (!ownKeys) {
+        AskOwner(window, [key](CGhostGUIHandler& handler) {
+            handler.OnKeyUp(key);
+            return false;
+        });
+    }
 }
 
 void CGhostScrollbar::OnChar(unsigned character) {
-    AskOwner(window, [character](CGhostGUIHandler& handler) {
-        handler.OnChar(character);
-        return false;
-    });
+    if (!ownKeys) {
+        AskOwner(window, [character](CGhostGUIHandler& handler) {
+            handler.OnChar(character);
+            return false;
+        });
+    }
 }
 
 bool CGhostScrollbar::OnNavigate(GUI_DIRECTION direction) {
-    return AskOwner(
-        window, [direction](CGhostGUIHandler& handler) { return handler.OnNavigate(direction); });
+    if (!ownKeys) {
+        return AskOwner(window, [direction](CGhostGUIHandler& handler) {
+            return handler.OnNavigate(direction);
+        });
+    }
+    const int32_t before = pos;
+    if (direction == GUI_DIRECTION::kUp || direction == GUI_DIRECTION::kDown) {
+        ScrollTo(pos + (direction == GUI_DIRECTION::kUp ? -step : step));
+    }
+    return pos != before;
 }
 
 bool CGhostScrollbar::OnActivateKey() {
-    return AskOwner(window, [](CGhostGUIHandler& handler) { return handler.OnActivateKey(); });
+    return ownKeys ||
+           AskOwner(window, [](CGhostGUIHandler& handler) { return handler.OnActivateKey(); });
 }
 
 bool CGhostScrollbar::OnCancelKey() {
-    return AskOwner(window, [](CGhostGUIHandler& handler) { return handler.OnCancelKey(); });
+    return !ownKeys &&
+           AskOwner(window, [](CGhostGUIHandler& handler) { return handler.OnCancelKey(); });
 }
 
 // What is held goes on: a step of a button, a page of the track until the thumb is under the mouse.
@@ -202,12 +262,12 @@ void CGhostScrollbar::Repeat() {
     case Part::kTop: ScrollTo(pos - step); break;
     case Part::kBottom: ScrollTo(pos + step); break;
     case Part::kAbove:
-        if (lastY - style.verArrowButtonHeight < ThumbTop()) {
+        if (lastY - style.verArrowButtonHeight < thumbTop) {
             ScrollTo(pos - page);
         }
         break;
     case Part::kBelow:
-        if (lastY - style.verArrowButtonHeight >= ThumbTop() + thumbLength) {
+        if (lastY - style.verArrowButtonHeight >= thumbTop + thumbLength) {
             ScrollTo(pos + page);
         }
         break;
@@ -216,6 +276,9 @@ void CGhostScrollbar::Repeat() {
 }
 
 void CGhostScrollbar::OnTick(unsigned microseconds) {
+    if (held != Part::kNone) {
+        RestWithoutCapture(window, [this] { LetGo(); });
+    }
     if (held == Part::kNone || held == Part::kThumb) {
         return;
     }
@@ -231,13 +294,16 @@ uint32_t CGhostScrollbar::StateOf(Part part) const {
 }
 
 void CGhostScrollbar::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
-    const int32_t arrow = style.verArrowButtonHeight;
+    const int32_t arrowHigh = style.verArrowButtonHeight;
     PaintText(*surface, style.bg, {}, {0, 0, width, height});
-    PaintText(*surface, style.verTop.states[StateOf(Part::kTop)], {}, {0, 0, width, arrow});
+    PaintText(*surface, style.verTop.states[StateOf(Part::kTop)], {}, {0, 0, width, arrowHigh});
     PaintText(*surface, style.verBottom.states[StateOf(Part::kBottom)], {},
-              {0, height - arrow, width, arrow});
+              {0, height - arrowHigh, width, arrowHigh});
     if (total > page) {
         PaintText(*surface, style.verMid.states[StateOf(Part::kThumb)], {},
-                  {0, arrow + ThumbTop(), width, thumbLength});
+                  {0, arrowHigh + thumbTop, width, thumbLength});
+    }
+    if (focused && ownKeys) {
+        PaintFocusRing(*surface, {0, 0, width, height});
     }
 }

@@ -49,22 +49,26 @@ void CGhostSlider::Change(float wanted) {
 }
 
 // One unit of the number that is shown, or a hundredth of the way where that would be too much.
-void CGhostSlider::Step(int steps) {
+bool CGhostSlider::Step(int steps) {
+    const float before = value;
     if (std::abs(range) <= 1.0f) {
         Change(value + static_cast<float>(steps) / kFineSteps);
-        return;
+        return value != before;
     }
-    // From the number that is shown, so that no error adds up. A hair above, or it would be rounded down.
+    // From the number that is shown, so that no error adds up. A hair above, or it would be rounded down;
+    // but not at the ends.
     constexpr double kHair = 0.001;
     const double shown = std::floor(value * range + minimum);
-    Change(static_cast<float>((shown + (range > 0.0f ? steps : -steps) + kHair - double{minimum}) /
-                              double{range}));
+    const double wanted = shown + (range > 0.0f ? steps : -steps) - double{minimum};
+    const bool atEnd = wanted / range <= 0.0 || wanted / range >= 1.0;
+    Change(static_cast<float>((wanted + (atEnd ? 0.0 : kHair)) / double{range}));
+    return value != before;
 }
 
 void CGhostSlider::OnFocus(bool gained, void* /*other*/) {
     focused = gained;
-    dragging = dragging && gained;
     dirty = true;
+    arrow.Forget();
 }
 
 void CGhostSlider::OnResize(int /*outerWidth*/, int /*outerHeight*/, int clientWidth,
@@ -86,7 +90,7 @@ void CGhostSlider::OnMouseLeave() {
 }
 
 void CGhostSlider::OnMouseDown(int x, int y, unsigned button) {
-    if (!readOnly && button == 1) {
+    if (!readOnly && button == kLeftButton) {
         dragging = true;
         OnMouseMove(x, y);
     }
@@ -98,8 +102,14 @@ void CGhostSlider::OnMouseDoubleClick(int x, int y, unsigned button) {
 }
 
 void CGhostSlider::OnMouseUp(int /*x*/, int /*y*/, unsigned button) {
-    if (button == 1) {
+    if (button == kLeftButton) {
         dragging = false;
+    }
+}
+
+void CGhostSlider::OnTick(unsigned /*microseconds*/) {
+    if (dragging) {
+        RestWithoutCapture(window, [this] { dragging = false; });
     }
 }
 
@@ -111,19 +121,24 @@ void CGhostSlider::OnMouseWheel(int /*x*/, int /*y*/, bool up) {
 
 void CGhostSlider::OnKeyDown(GHOSTGUIKey key) {
     constexpr int kPage = 10;
+    if (const auto way = DirectionOf(key)) {
+        arrow.Press(key, [&](bool) { return OnNavigate(*way); });
+        return;
+    }
     if (readOnly) {
-        MoveFocusByKey(key);
         return;
     }
     switch (key) {
-    case GHOSTGUIKey::kRight: Step(1); break;
-    case GHOSTGUIKey::kLeft: Step(-1); break;
     case GHOSTGUIKey::kPageUp: Step(kPage); break;
     case GHOSTGUIKey::kPageDown: Step(-kPage); break;
     case GHOSTGUIKey::kHome: Change(0.0f); break;
     case GHOSTGUIKey::kEnd: Change(1.0f); break;
-    default: MoveFocusByKey(key); break;
+    default: break;
     }
+}
+
+void CGhostSlider::OnKeyUp(GHOSTGUIKey key) {
+    arrow.Release(key);
 }
 
 // A read-only slider is passed over.
@@ -132,8 +147,7 @@ bool CGhostSlider::OnNavigate(GUI_DIRECTION direction) {
     if (readOnly || (!right && direction != GUI_DIRECTION::kLeft)) {
         return false;
     }
-    Step(right ? 1 : -1);
-    return true;
+    return Step(right ? 1 : -1);
 }
 
 void CGhostSlider::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "gui/control.h"
+#include "gui/control_input.h"
 #include "gui/styles.h"
 
 class CGhostSlider : public CGhostGUIHandler, public CGhostGUICommonFunc {
@@ -28,7 +29,10 @@ public:
     void OnMouseUp(int x, int y, unsigned button) override;
     void OnMouseWheel(int x, int y, bool up) override;
     void OnKeyDown(GHOSTGUIKey key) override;
-    bool OnNavigate(GUI_DIRECTION direction) override; // left and right change the value
+    void OnKeyUp(GHOSTGUIKey key) override;
+    void OnTick(unsigned microseconds) override;
+    bool OnNavigate(
+        GUI_DIRECTION direction) override; // left and right change the value; at an end they leave
     bool OnActivateKey() override { return true; }
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
 
@@ -36,7 +40,7 @@ protected:
     ~CGhostSlider() override = default;
 
 private:
-    void Step(int steps);
+    bool Step(int steps); // false at an end
     void Change(float wanted);
 
     GhostTextStyle style;
@@ -48,4 +52,5 @@ private:
     float value = 0.0f;
     float minimum;
     float range;
+    HeldArrow arrow;
 };

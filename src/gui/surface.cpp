@@ -128,7 +128,7 @@ void CGhostSurface::BlendRun(uint32_t* to, int32_t count, uint32_t argb) {
 
 void CGhostSurface::FillRect(const GUI_RECT& rect, uint32_t argb) {
     const PIXEL_RECT target = Clipped(ToPixels(rect));
-    if (target.Empty() || argb >> 24 == 0) {
+    if (target.Empty()) {
         return;
     }
     for (int32_t y = target.top; y < target.bottom; ++y) {

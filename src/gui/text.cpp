@@ -127,8 +127,11 @@ void DrawText(CGhostSurface& surface, CGhostFont* font, std::wstring_view text, 
               uint32_t outlineColour, uint32_t align, const GUI_RECT& rect, int32_t xOffset,
               int32_t yOffset) {
     CGhostFont* const used = CGhostFontManager::Get().OrDefault(font);
+    // Nothing is drawn for a rectangle that is wholly off the surface. An empty one on it has a place, around
+    // which the text lies.
+    const GUI_RECT held{rect.x, rect.y, std::max(rect.width, 1), std::max(rect.height, 1)};
     if (used == nullptr || text.empty() ||
-        Intersection(rect, {0, 0, surface.Width(), surface.Height()}).Empty()) {
+        Intersection(held, {0, 0, surface.Width(), surface.Height()}).Empty()) {
         return;
     }
     const GUI_TEXT_SIZE size = MeasureText(used, text);

@@ -28,7 +28,8 @@ struct GUI_TEXT_SIZE {
 [[nodiscard]] size_t FitText(CGhostFont* font, std::wstring_view text, int32_t width);
 
 // `align`: bits of styles.h. An outline colour other than 0 draws a soft round edge in that colour
-// around all glyphs first.
+// around all glyphs first. Nothing is drawn if the rectangle is wholly off the surface; a text that is too
+// long for it is not cut.
 void DrawText(CGhostSurface& surface, CGhostFont* font, std::wstring_view text, uint32_t colour,
               uint32_t outlineColour, uint32_t align, const GUI_RECT& rect, int32_t xOffset,
               int32_t yOffset);

@@ -73,11 +73,20 @@ constexpr FILL_NAME kFillNames[] = {
     {"bitmap_repeatxy",     GhostFill::kBitmapRepeatXY       },
 };
 
+bool NeedsBitmap(GhostFill type) {
+    return type >= GhostFill::kBitmap;
+}
+
+// A fill that asks for a bitmap, by its type or by naming a file, and finds none paints nothing, whatever
+// bitmap the record began with.
 void Parse(Node node, GhostTexture& texture) {
     const char* const type = node.attribute("type").value();
+    bool asks = false;
+    bool found = false;
     for (const FILL_NAME& fill : kFillNames) {
         if (Is(type, fill.name)) {
             texture.type = fill.type;
+            asks = true;
         }
     }
     for (const Node child : node.children()) {
@@ -96,14 +105,25 @@ void Parse(Node node, GhostTexture& texture) {
             } else if (*name == '\0') {
                 texture.rect = Edges(child);
             }
-        } else if (Is(child.name(), "file") && *name == '#') {
-            if (const GUI_BITMAP* const bitmap = LoadThemeBitmap(name); bitmap != nullptr) {
+        } else if (Is(child.name(), "file")) {
+            asks = true;
+            if (const GUI_BITMAP* const bitmap = *name == '#' ? LoadThemeBitmap(name) : nullptr) {
                 texture.bitmap = bitmap;
+                found = true;
             }
         }
     }
-    if (texture.type >= GhostFill::kBitmap && texture.bitmap == nullptr) {
+    if (NeedsBitmap(texture.type) && (texture.bitmap == nullptr || (asks && !found))) {
         texture.type = GhostFill::kNone;
+        texture.bitmap = nullptr;
+    }
+}
+
+// What `use` names, of the record's own kind; zeros for what is not there yet or of another kind.
+template <typename Record>
+void Use(const CGhostTheme& theme, Node node, Record& record) {
+    if (const pugi::xml_attribute use = node.attribute("use")) {
+        theme.GetStyle(WideFromUtf8(use.value()), record);
     }
 }
 
@@ -119,15 +139,16 @@ constexpr FRAME_NAME kFrameNames[] = {
 };
 
 // Without a type, written or inherited, a border is left alone.
-void Parse(Node node, GhostBorderStyle& border) {
-    const char* const type = node.attribute("type").value();
+void Parse(const CGhostTheme& theme, Node node, GhostBorderStyle& border) {
+    Use(theme, node, border);
+    const pugi::xml_attribute type = node.attribute("type");
+    if (!type && border.type == GhostFrame::kNone) {
+        return;
+    }
     for (const FRAME_NAME& frame : kFrameNames) {
-        if (Is(type, frame.name)) {
+        if (Is(type.value(), frame.name)) {
             border.type = frame.type;
         }
-    }
-    if (border.type == GhostFrame::kNone) {
-        return;
     }
     for (const Node child : node.children()) {
         const char* const name = child.attribute("name").value();
@@ -159,11 +180,16 @@ void ParseFont(Node node, GhostTextStyle& style) {
     };
     style.align = bit("left", kAlignLeft) | bit("right", kAlignRight) | bit("top", kAlignTop) |
                   bit("bottom", kAlignBottom);
-    style.xOffset = static_cast<int16_t>(Decimal(node.attribute("xoffset").value()));
-    style.yOffset = static_cast<int16_t>(Decimal(node.attribute("yoffset").value()));
+    if (const pugi::xml_attribute offset = node.attribute("xoffset")) {
+        style.xOffset = static_cast<int16_t>(Decimal(offset.value()));
+    }
+    if (const pugi::xml_attribute offset = node.attribute("yoffset")) {
+        style.yOffset = static_cast<int16_t>(Decimal(offset.value()));
+    }
 }
 
-void Parse(Node node, GhostTextStyle& style) {
+void Parse(const CGhostTheme& theme, Node node, GhostTextStyle& style) {
+    Use(theme, node, style);
     for (const Node child : node.children()) {
         if (Is(child.name(), "texture")) {
             Parse(child, HasName(child, "bg2") ? style.bg2 : style.bg);
@@ -174,7 +200,7 @@ void Parse(Node node, GhostTextStyle& style) {
                 style.textOutlineColour = Colour(child);
             }
         } else if (Is(child.name(), "border")) {
-            Parse(child, style.border);
+            Parse(theme, child, style.border);
         } else if (Is(child.name(), "rect")) {
             style.textRect = Edges(child);
         } else if (Is(child.name(), "font")) {
@@ -184,26 +210,28 @@ void Parse(Node node, GhostTextStyle& style) {
 }
 
 // A state of another name is the fifth.
-void Parse(Node node, GhostButtonStyle& style) {
+void Parse(const CGhostTheme& theme, Node node, GhostButtonStyle& style) {
+    Use(theme, node, style);
     constexpr const char* kStates[] = {"normal", "hot", "pressed", "disabled"};
     for (const Node child : node.children("textbox")) {
         size_t state = 0;
         while (state < std::size(kStates) && !HasName(child, kStates[state])) {
             ++state;
         }
-        Parse(child, style.states[state]);
+        Parse(theme, child, style.states[state]);
     }
 }
 
 // A state of an unknown name is read into the last known state before it, or else into `normal`.
-void Parse(Node node, GhostEditStyle& style) {
+void Parse(const CGhostTheme& theme, Node node, GhostEditStyle& style) {
+    Use(theme, node, style);
     constexpr const char* kStates[] = {"normal", "hot", "readonly"};
     size_t last = 0;
     for (const Node child : node.children("textbox")) {
         for (size_t state = 0; state < std::size(kStates); ++state) {
             last = HasName(child, kStates[state]) ? state : last;
         }
-        Parse(child, style.states[last]);
+        Parse(theme, child, style.states[last]);
     }
 }
 
@@ -221,25 +249,27 @@ constexpr LIST_FIELD kListFields[] = {
     {"item2_selected", &GhostListStyle::item2Selected},
 };
 
-void ParseListChild(Node child, GhostListStyle& style) {
+void ParseListChild(const CGhostTheme& theme, Node child, GhostListStyle& style) {
     if (Is(child.name(), "texture") && HasName(child, "imagelist")) {
         Parse(child, style.imageList);
     } else if (Is(child.name(), "textbox")) {
         for (const LIST_FIELD& row : kListFields) {
             if (HasName(child, row.name)) {
-                Parse(child, style.*row.field);
+                Parse(theme, child, style.*row.field);
             }
         }
     }
 }
 
-void Parse(Node node, GhostListStyle& style) {
+void Parse(const CGhostTheme& theme, Node node, GhostListStyle& style) {
+    Use(theme, node, style);
     for (const Node child : node.children()) {
-        ParseListChild(child, style);
+        ParseListChild(theme, child, style);
     }
 }
 
-void Parse(Node node, GhostListViewStyle& style) {
+void Parse(const CGhostTheme& theme, Node node, GhostListViewStyle& style) {
+    Use(theme, node, style);
     for (const Node child : node.children()) {
         if (Is(child.name(), "number")) {
             if (HasName(child, "headerheight")) {
@@ -248,11 +278,11 @@ void Parse(Node node, GhostListViewStyle& style) {
                 style.itemHeight = Number(child);
             }
         } else if (Is(child.name(), "button")) {
-            Parse(child, style.header);
+            Parse(theme, child, style.header);
         } else if (Is(child.name(), "edit")) {
-            Parse(child, style.edit);
+            Parse(theme, child, style.edit);
         } else {
-            ParseListChild(child, style.list);
+            ParseListChild(theme, child, style.list);
         }
     }
 }
@@ -271,7 +301,8 @@ constexpr SCROLLBAR_NUMBER kScrollbarNumbers[] = {
 };
 
 // By the children's names alone, whatever the elements are.
-void Parse(Node node, GhostScrollbarStyle& style) {
+void Parse(const CGhostTheme& theme, Node node, GhostScrollbarStyle& style) {
+    Use(theme, node, style);
     for (const Node child : node.children()) {
         for (const SCROLLBAR_NUMBER& row : kScrollbarNumbers) {
             if (HasName(child, row.name)) {
@@ -279,23 +310,24 @@ void Parse(Node node, GhostScrollbarStyle& style) {
             }
         }
         if (HasName(child, "bg")) {
-            Parse(child, style.bg);
+            Parse(theme, child, style.bg);
         } else if (HasName(child, "ver_top")) {
-            Parse(child, style.verTop);
+            Parse(theme, child, style.verTop);
         } else if (HasName(child, "ver_mid")) {
-            Parse(child, style.verMid);
+            Parse(theme, child, style.verMid);
         } else if (HasName(child, "ver_bottom")) {
-            Parse(child, style.verBottom);
+            Parse(theme, child, style.verBottom);
         }
     }
 }
 
-void Parse(Node node, GhostDropListStyle& style) {
+void Parse(const CGhostTheme& theme, Node node, GhostDropListStyle& style) {
+    Use(theme, node, style);
     for (const Node child : node.children()) {
         if (HasName(child, "bg")) {
-            Parse(child, style.bg);
+            Parse(theme, child, style.bg);
         } else if (Is(child.name(), "button")) {
-            Parse(child, style.button);
+            Parse(theme, child, style.button);
         }
     }
 }
@@ -310,7 +342,8 @@ CGhostTheme& CGhostTheme::Get() {
 void CGhostTheme::ParseTheme(std::string_view text) {
     entries.clear();
     pugi::xml_document document;
-    const unsigned options = pugi::parse_default | pugi::parse_declaration;
+    // Comments are nodes too: one before the declaration takes its place.
+    const unsigned options = pugi::parse_default | pugi::parse_declaration | pugi::parse_comments;
     // A truncated file still has the records before the cut.
     document.load_buffer(text.data(), text.size(), options, pugi::encoding_utf8);
     const Node first = document.first_child();
@@ -321,14 +354,15 @@ void CGhostTheme::ParseTheme(std::string_view text) {
         using Style = decltype(style);
         auto& entry = *entries.emplace_back(std::make_unique<ENTRY>());
         entry.name = WideFromUtf8(node.attribute("name").value());
-        if (const pugi::xml_attribute use = node.attribute("use")) {
-            // The entry has no record yet, so it cannot use itself.
-            GetStyle(WideFromUtf8(use.value()), style);
-        }
-        Parse(node, style);
+        entry.record.emplace<Style>(style); // zeros, for a record that uses itself
+        Parse(*this, node, style);
         entry.record.emplace<Style>(style);
     };
-    for (const Node node : first.next_sibling().children()) {
+    Node root = first.next_sibling();
+    while (root.type() == pugi::node_comment) {
+        root = root.next_sibling();
+    }
+    for (const Node node : root.children()) {
         const char* const kind = node.name();
         if (!node.attribute("name")) {
             continue;

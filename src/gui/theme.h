@@ -1,7 +1,8 @@
 // The theme: named style records, read from theme.xml.
 //
 // The file says what every control looks like; docs/THEMES.md tells its form. Names are not unique: the
-// first record of a name counts. A record may begin as a copy of an earlier one of its kind.
+// first record of a name counts. A record, also one within another, may begin as a copy of an earlier one
+// of its kind.
 // Failure: silent. What cannot be read leaves zeroed records, and controls that are not seen.
 // Thread: main. Order: fonts registered, images set, then ParseTheme, then the first window.
 #pragma once

@@ -2,6 +2,7 @@
 
 #include "gui/bitmap.h"
 #include "gui/button.h"
+#include "gui/control_input.h"
 #include "gui/manager.h"
 #include "gui/scrollbar.h"
 #include "gui/surface.h"
@@ -64,8 +65,7 @@ void CGhostWindowEx::MakeTitle(const std::wstring& caption) {
         return;
     }
     const auto make = [&](const wchar_t* style, const wchar_t* sign, auto& signal) {
-        auto* const button =
-            new CGhostButton(window, GetFlags(), style, sign, CGhostButton::kNoKeys, nowhere);
+        auto* const button = new CGhostButton(window, GetFlags(), style, sign, 0, nowhere);
         CGhostManager::Get().SetPart(button->window);
         button->OnClick.connect(
             [this, &signal](CGhostButton*, int, int, unsigned) { signal(this); });
@@ -158,6 +158,15 @@ void CGhostWindowEx::OnFrameMouseMove(int x, int y) {
 
 void CGhostWindowEx::OnFrameMouseUp(int /*x*/, int /*y*/, unsigned /*button*/) {
     dragging = false;
+}
+
+// The press is the title's or the frame's own.
+void CGhostWindowEx::OnTick(unsigned /*microseconds*/) {
+    if (dragging) {
+        const GHOSTMANAGER_WINDOW* const held = CGhostManager::Get().CaptureWindow();
+        const bool atTitle = title != nullptr && held == title->window;
+        RestWithoutCapture(atTitle ? held : window, [this] { dragging = false; });
+    }
 }
 
 void CGhostWindowEx::OnFrameMouseWheel(int x, int y, bool up) {

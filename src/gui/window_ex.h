@@ -61,6 +61,7 @@ public:
     void OnMouseDown(int x, int y, unsigned button) override;
     void OnMouseUp(int x, int y, unsigned button) override;
     void OnMouseWheel(int x, int y, bool up) override;
+    void OnTick(unsigned microseconds) override;
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
 
 protected:

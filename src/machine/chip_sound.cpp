@@ -13,7 +13,7 @@ constexpr double kMostRate = 65536.0 * 1024.0;
 
 constexpr std::array<double, 3> kCutoffGains{1.5, 1.0, 0.0};
 
-// Sixteen bits with no clamp: a sum beyond them comes out wrapped.
+// Not clamped: a value of more than 16 bits wraps.
 int16_t TruncateAndWrap(double value) {
     if (!(std::fabs(value) < 9.0e18)) {
         return 0;
@@ -124,7 +124,7 @@ uint32_t ChipSound::LoadState(const uint8_t* data, uint32_t size) {
     if (!resampler.LoadFields(reader.in)) {
         return 0;
     }
-    // The filters feed back, so a history that is no number would never leave them.
+    // The filters feed back: NaN or infinity would stay in them for ever.
     if (HistoryIsFinite(histories)) {
         filters = histories;
     }

@@ -46,10 +46,10 @@ public:
     // Removes values from the front of the output, at most all of them.
     void Consume(int32_t count) { resampler.Consume(count); }
 
-    // Flushes, and runs the chip further (`makePair` runs it for one pair) until `values` values are
-    // ready. Gives up when there is no more room.
+    // Flushes, and has the chip make further pairs, one each time `makePair` is called, until `values`
+    // values are ready. Gives up when there is no more room.
     template <typename MakePair>
-    void CatchUp(uint32_t values, MakePair makePair) {
+    void FlushUntilReady(uint32_t values, MakePair makePair) {
         Flush();
         for (uint32_t i = 0; i < mostPairs && Output().size() < values; ++i) {
             makePair();

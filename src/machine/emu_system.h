@@ -50,8 +50,9 @@ struct EMU_AUDIO_FRAME {
 // that before every frame.
 struct EMU_INPUT_STATE {
     struct {
-        uint32_t x; // pixels of the whole picture, from its top left: the visible window begins at
-        uint32_t y; // (visibleX, visibleY)
+        // In pixels from the top left of the whole picture, of which (visibleX, visibleY) is visible first.
+        uint32_t x;
+        uint32_t y;
     } pointer[2];
 };
 

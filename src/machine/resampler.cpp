@@ -61,6 +61,7 @@ void AudioResampler::Init(double sourceRateValue, uint32_t outputRateValue, int3
 
 void AudioResampler::MakeRoom() {
     filter = ResamplerFilterFor(quality, sourceRate, outputRate);
+    loops = &ResamplerLoops();
     const size_t stride = filter->stride;
     middleTicks *= stride;
     outputMiddles = outputTicks / middleTicks;
@@ -68,8 +69,8 @@ void AudioResampler::MakeRoom() {
     rowsATick = filter->rows / static_cast<double>(middleTicks);
 
     const size_t wholeMiddles = size_t{2} * (filter->half + filter->reach / stride + 2);
-    heard.assign((stride * wholeMiddles + stride - 1) * 2, 0);
-    chunk = std::max(kChunk, heard.size() / 2);
+    history.assign((stride * wholeMiddles + stride - 1) * 2, 0);
+    chunk = std::max(kChunk, history.size() / 2);
     const size_t sourceRoom = chunk + filter->first.size() + stride;
     const size_t middleRoom = size_t{2} * filter->half + chunk / stride + 2;
     for (SIDE& side : sides) {
@@ -88,15 +89,15 @@ void AudioResampler::Reset() {
         std::fill(side.source.begin(), side.source.end(), 0.0F);
         std::fill(side.middle.begin(), side.middle.end(), 0.0F);
     }
-    std::fill(heard.begin(), heard.end(), int16_t{0});
-    // The state after any number of silent pairs.
+    std::fill(history.begin(), history.end(), int16_t{0});
+    // As after any number of silent pairs.
     const size_t pending = filter->reach / filter->stride;
     sourceHeld = filter->reach + pending * filter->stride;
     middleHeld = filter->half - 1;
     place = middleHeld + pending;
     ticks = 0;
     strayPairs = 0;
-    alike = heard.size() / 2;
+    monoPairs = history.size() / 2;
 }
 
 int32_t AudioResampler::Push(const int16_t* samples, int32_t count) {
@@ -129,14 +130,14 @@ int32_t AudioResampler::PushRun(int16_t left, int16_t right, int32_t pairs) {
         block[i + 1] = right;
     }
     // Until the history holds nothing else.
-    for (size_t toFill = std::min(toDo, heard.size() / 2); toFill != 0;) {
+    for (size_t toFill = std::min(toDo, history.size() / 2); toFill != 0;) {
         const size_t taken = std::min(toFill, kRunPairs);
         Filter(block.data(), taken);
         toFill -= taken;
         toDo -= taken;
     }
     if (toDo != 0) {
-        StandStill(left, right, toDo);
+        RunConstant(left, right, toDo);
     }
     return outputCount - before;
 }
@@ -161,51 +162,54 @@ void AudioResampler::PickNearest(const int16_t* samples, int32_t pairs, ptrdiff_
     }
 }
 
-// At most `chunk` pairs. While both sides are the same, as with most chips, only one is computed.
+// At most `chunk` pairs. While both sides are the same, as they are with most chips, only one is computed.
 void AudioResampler::Filter(const int16_t* samples, size_t pairs) {
-    const bool twins = HearAlike(samples, pairs);
-    TakeIn(samples, pairs, twins);
+    const bool isMono = Remember(samples, pairs);
+    TakeIn(samples, pairs, isMono);
     while (place + filter->half < middleHeld) {
         if (outputCount + 2 <= static_cast<int32_t>(output.size())) {
-            MakeOutput(twins);
+            MakeOutput(isMono);
         }
         Advance();
     }
-    DropMiddles(twins);
+    DropMiddles(isMono);
 }
 
-// Keeps the pairs for the state. True if the whole history of both sides is the same.
-bool AudioResampler::HearAlike(const int16_t* samples, size_t pairs) {
-    const size_t span = heard.size() / 2;
+// Adds the pairs to the history. Returns true if both sides are the same, in them and in all of the history.
+bool AudioResampler::Remember(const int16_t* samples, size_t pairs) {
+    const size_t span = history.size() / 2;
     const size_t kept = std::min(pairs, span);
-    std::copy(heard.begin() + static_cast<ptrdiff_t>(kept * 2), heard.end(), heard.begin());
+    std::copy(history.begin() + static_cast<ptrdiff_t>(kept * 2), history.end(), history.begin());
     std::copy_n(samples + (pairs - kept) * 2, kept * 2,
-                heard.end() - static_cast<ptrdiff_t>(kept * 2));
+                history.end() - static_cast<ptrdiff_t>(kept * 2));
     strayPairs = static_cast<uint32_t>((strayPairs + pairs) % filter->stride);
 
     const bool same = SidesAreTheSame(samples, pairs);
-    const bool twins = same && alike >= span;
-    alike = same ? std::min(alike + pairs, span) : 0;
-    return twins;
+    const bool isMono = same && monoPairs >= span;
+    monoPairs = same ? std::min(monoPairs + pairs, span) : 0;
+    return isMono;
 }
 
 // Filters source pairs to middle pairs at the end of `middle`.
-void AudioResampler::TakeIn(const int16_t* samples, size_t pairs, bool twins) {
+void AudioResampler::TakeIn(const int16_t* samples, size_t pairs, bool isMono) {
     SIDE& left = sides[0];
     SIDE& right = sides[1];
     if (filter->stride == 1) {
-        ResamplerSplit(samples, pairs, left.middle.data() + middleHeld,
-                       right.middle.data() + middleHeld);
+        loops->split(samples, pairs, left.middle.data() + middleHeld,
+                     right.middle.data() + middleHeld);
         middleHeld += pairs;
         return;
     }
-    ResamplerSplit(samples, pairs, left.source.data() + sourceHeld,
-                   right.source.data() + sourceHeld);
+    loops->split(samples, pairs, left.source.data() + sourceHeld, right.source.data() + sourceHeld);
     sourceHeld += pairs;
     const size_t made = MiddlesReady();
-    ResamplerThin(*filter, left.source.data(), made, left.middle.data() + middleHeld);
-    if (!twins) {
-        ResamplerThin(*filter, right.source.data(), made, right.middle.data() + middleHeld);
+    const auto decimate = [&](SIDE& side) {
+        loops->decimate(filter->first.data(), filter->first.size(), filter->stride,
+                        side.source.data(), made, side.middle.data() + middleHeld);
+    };
+    decimate(left);
+    if (!isMono) {
+        decimate(right);
     }
     const size_t dropped = made * filter->stride;
     for (SIDE& side : sides) {
@@ -222,7 +226,7 @@ size_t AudioResampler::MiddlesReady() const {
     return sourceHeld >= window ? (sourceHeld - window) / filter->stride + 1 : 0;
 }
 
-void AudioResampler::MakeOutput(bool twins) {
+void AudioResampler::MakeOutput(bool isMono) {
     const double at = static_cast<double>(ticks) * rowsATick;
     const auto row = std::min(static_cast<uint32_t>(at), filter->rows - 1);
     const auto between = static_cast<float>(at - row);
@@ -230,12 +234,12 @@ void AudioResampler::MakeOutput(bool twins) {
     const float* const taps = filter->taps.data() + row * width;
     const size_t oldest = place + 1 - filter->half;
     const float* const left = sides[0].middle.data() + oldest;
-    if (twins) {
-        const float value = ResamplerHearOne(taps, width, between, left);
+    if (isMono) {
+        const float value = loops->interpolateOne(taps, width, between, left);
         Put(value, value);
     } else {
         const RESAMPLER_PAIR pair =
-            ResamplerHear(taps, width, between, left, sides[1].middle.data() + oldest);
+            loops->interpolate(taps, width, between, left, sides[1].middle.data() + oldest);
         Put(pair.left, pair.right);
     }
 }
@@ -256,23 +260,24 @@ void AudioResampler::Advance() {
     }
 }
 
-// Drops what no output uses again. Outputs are closer together than the filter is long.
-void AudioResampler::DropMiddles(bool twins) {
+// Drops the middle pairs that no later output uses. Those of the next one are held already, as outputs are closer
+// together than the filter is long.
+void AudioResampler::DropMiddles(bool isMono) {
     const size_t dropped = place + 1 - filter->half;
     middleHeld -= dropped;
     place -= dropped;
     const float* const left = sides[0].middle.data() + dropped;
     const float* const right = sides[1].middle.data() + dropped;
     std::copy(left, left + middleHeld, sides[0].middle.begin());
-    if (twins) {
+    if (isMono) {
         std::copy_n(sides[0].middle.begin(), middleHeld, sides[1].middle.begin());
     } else {
         std::copy(right, right + middleHeld, sides[1].middle.begin());
     }
 }
 
-// The history is one constant level, which the filters pass unchanged.
-void AudioResampler::StandStill(int16_t left, int16_t right, size_t pairs) {
+// For a constant level that fills the history: the filters pass it unchanged.
+void AudioResampler::RunConstant(int16_t left, int16_t right, size_t pairs) {
     const size_t stride = filter->stride;
     strayPairs = static_cast<uint32_t>((strayPairs + pairs) % stride);
     size_t made = pairs;

@@ -25,9 +25,11 @@
 #include <span>
 #include <vector>
 
+struct RESAMPLER_LOOPS;
+
 class AudioResampler {
 public:
-    // Values not taken yet that a state keeps; after a frame a machine's two chips differ by a few.
+    // Values of `Output` that a state keeps. A machine's two chips differ by a few after a frame.
     static constexpr uint32_t kKeptValues = 32;
 
     // Allocates and resets. The source rate is clamped to a factor of 256 from the output's, either
@@ -69,21 +71,21 @@ private:
     };
 
     struct KEPT;
-    void HearAgain(const std::vector<int16_t>& pairs, uint32_t stray);
+    void RefillFrom(const std::vector<int16_t>& pairs, uint32_t stray);
     template <typename Visit>
     void VisitFields(Visit& visit, KEPT& kept, std::vector<int16_t>& pairs) const;
 
     void MakeRoom();
     void PickNearest(const int16_t* samples, int32_t pairs, ptrdiff_t valuesAPair);
     void Filter(const int16_t* samples, size_t pairs);
-    [[nodiscard]] bool HearAlike(const int16_t* samples, size_t pairs);
-    void TakeIn(const int16_t* samples, size_t pairs, bool twins);
+    [[nodiscard]] bool Remember(const int16_t* samples, size_t pairs);
+    void TakeIn(const int16_t* samples, size_t pairs, bool isMono);
     [[nodiscard]] size_t MiddlesReady() const;
-    void MakeOutput(bool twins);
+    void MakeOutput(bool isMono);
     void Put(float left, float right);
     void Advance();
-    void DropMiddles(bool twins);
-    void StandStill(int16_t left, int16_t right, size_t pairs);
+    void DropMiddles(bool isMono);
+    void RunConstant(int16_t left, int16_t right, size_t pairs);
 
     double sourceRate = 44100.0;
     uint32_t outputRate = 44100;
@@ -97,18 +99,19 @@ private:
 
     // Quality 1 and 2.
     std::shared_ptr<const RESAMPLER_FILTER> filter;
-    std::array<SIDE, 2> sides;  // left, right
-    size_t chunk = 0;           // source pairs filtered at once, at most
-    size_t sourceHeld = 0;      // pairs in `source`
-    size_t middleHeld = 0;      // pairs in `middle`
-    size_t place = 0;           // the pair of `middle`, at or before the next output
-    uint64_t ticks = 0;         // from there to the output, less than `middleTicks`
-    uint64_t middleTicks = 1;   // of a middle pair
-    uint64_t outputTicks = 1;   // of an output pair
-    uint64_t outputMiddles = 0; // the same in whole middle pairs
-    uint64_t outputRest = 0;    // and the ticks left over
-    double rowsATick = 0.0;     // rows of the filter / `middleTicks`
-    std::vector<int16_t> heard; // the last source pairs, oldest first: the filters' input history
-    uint32_t strayPairs = 0;    // source pairs beyond a whole middle pair, 0..stride - 1
-    size_t alike = 0;           // pairs at the end of `heard` from which both sides are the same
+    const RESAMPLER_LOOPS* loops = nullptr;
+    std::array<SIDE, 2> sides;    // left, right
+    size_t chunk = 0;             // source pairs filtered at once, at most
+    size_t sourceHeld = 0;        // pairs in `source`
+    size_t middleHeld = 0;        // pairs in `middle`
+    size_t place = 0;             // the pair of `middle`, at or before the next output
+    uint64_t ticks = 0;           // from there to the output, less than `middleTicks`
+    uint64_t middleTicks = 1;     // of a middle pair
+    uint64_t outputTicks = 1;     // of an output pair
+    uint64_t outputMiddles = 0;   // the same in whole middle pairs
+    uint64_t outputRest = 0;      // and the ticks left over
+    double rowsATick = 0.0;       // rows of the filter / `middleTicks`
+    std::vector<int16_t> history; // the last source pairs, oldest first: the filters' input history
+    uint32_t strayPairs = 0;      // source pairs beyond a whole middle pair, 0..stride - 1
+    size_t monoPairs = 0;         // pairs at the end of `history` whose sides are the same
 };

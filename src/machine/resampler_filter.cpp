@@ -27,8 +27,8 @@ constexpr DESIGN kBest{114.0, 34.6, 0.4472, 800.0};
 // Of the lower rate: up to 18,000 of 44,100 Hz passes within 0.1 dB; beyond a half is the stop band.
 constexpr double kPassEdge = 0.4082;
 
-// The first step stops only what the second one would let through. An image in the upper part of its
-// slope is already the second one's to stop.
+// The first step stops only what the second one would let through. Images in the upper part of its slope are
+// stopped by the second one.
 constexpr double kFirstStopEdge = 0.465;
 constexpr double kFirstLength = 0.85; // of the textbook length, for 0.05 dB of droop at the edge
 constexpr double kLeastMiddleRate = 1.25;

@@ -1,3 +1,4 @@
+// The plain loops.
 #include "machine/resampler_private.h"
 
 #include <cstring>
@@ -40,9 +41,7 @@ inline FLOAT4 Between(const float* row, const float* next, float share) {
     return taps + (LoadTaps(next) - taps) * share;
 }
 
-} // namespace
-
-void ResamplerSplit(const int16_t* samples, size_t pairs, float* left, float* right) {
+void Split(const int16_t* samples, size_t pairs, float* left, float* right) {
     for (size_t i = 0; i < pairs; ++i) {
         left[i] = samples[i * 2];
         right[i] = samples[i * 2 + 1];
@@ -50,10 +49,8 @@ void ResamplerSplit(const int16_t* samples, size_t pairs, float* left, float* ri
 }
 
 // Four outputs at a time: each has its own four sums, and a single chain of additions is slow.
-void ResamplerThin(const RESAMPLER_FILTER& filter, const float* source, size_t count, float* out) {
-    const float* const taps = filter.first.data();
-    const size_t width = filter.first.size();
-    const size_t stride = filter.stride;
+void Decimate(const float* taps, size_t width, size_t stride, const float* source, size_t count,
+              float* out) {
     const auto weigh = [&](const float* from, size_t step) {
         FLOAT4 sums[4] = {};
         for (size_t tap = 0; tap < width; tap += kLanes) {
@@ -74,8 +71,8 @@ void ResamplerThin(const RESAMPLER_FILTER& filter, const float* source, size_t c
     }
 }
 
-RESAMPLER_PAIR ResamplerHear(const float* row, size_t width, float share, const float* left,
-                             const float* right) {
+RESAMPLER_PAIR Interpolate(const float* row, size_t width, float share, const float* left,
+                           const float* right) {
     const float* const next = row + width;
     FLOAT4 lefts[2] = {};
     FLOAT4 rights[2] = {};
@@ -90,7 +87,7 @@ RESAMPLER_PAIR ResamplerHear(const float* row, size_t width, float share, const 
     return {Sum(lefts[0], lefts[1]), Sum(rights[0], rights[1])};
 }
 
-float ResamplerHearOne(const float* row, size_t width, float share, const float* side) {
+float InterpolateOne(const float* row, size_t width, float share, const float* side) {
     const float* const next = row + width;
     FLOAT4 sums[2] = {};
     for (size_t i = 0; i < width; i += 2 * kLanes) {
@@ -100,4 +97,17 @@ float ResamplerHearOne(const float* row, size_t width, float share, const float*
         }
     }
     return Sum(sums[0], sums[1]);
+}
+
+} // namespace
+
+constexpr RESAMPLER_LOOPS kResamplerLoopsPlain{Split, Decimate, Interpolate, InterpolateOne};
+
+const RESAMPLER_LOOPS& ResamplerLoops() {
+#ifdef __x86_64__
+    if (__builtin_cpu_supports("avx") != 0) {
+        return *kResamplerLoopsWide;
+    }
+#endif
+    return kResamplerLoopsPlain;
 }

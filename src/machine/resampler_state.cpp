@@ -37,7 +37,7 @@ void AudioResampler::VisitFields(Visit& visit, KEPT& kept, std::vector<int16_t>&
 
 uint32_t AudioResampler::StateBytes() const {
     KEPT kept;
-    auto pairs = heard;
+    auto pairs = history;
     StateCounter counter;
     VisitFields(counter, kept, pairs);
     return counter.bytes;
@@ -54,7 +54,7 @@ uint8_t* AudioResampler::SaveFields(uint8_t* out) const {
     kept.wanted = quality != 0 ? static_cast<uint32_t>(place + filter->half - middleHeld) : 0;
     kept.ticks = ticks;
     kept.strayPairs = strayPairs;
-    auto pairs = heard;
+    auto pairs = history;
     StateWriter writer(out);
     VisitFields(writer, kept, pairs);
     return writer.out;
@@ -63,7 +63,7 @@ uint8_t* AudioResampler::SaveFields(uint8_t* out) const {
 bool AudioResampler::LoadFields(const uint8_t* in) {
     Reset();
     KEPT kept;
-    auto pairs = heard;
+    auto pairs = history;
     StateReader reader(in);
     VisitFields(reader, kept, pairs);
     if (kept.quality != quality || kept.outputTicks != outputTicks ||
@@ -80,7 +80,7 @@ bool AudioResampler::LoadFields(const uint8_t* in) {
                kept.ticks >= middleTicks || kept.strayPairs >= filter->stride) {
         return false;
     } else {
-        HearAgain(pairs, kept.strayPairs);
+        RefillFrom(pairs, kept.strayPairs);
         place = middleHeld + kept.wanted - filter->half;
         ticks = kept.ticks;
         DropMiddles(false);
@@ -91,11 +91,11 @@ bool AudioResampler::LoadFields(const uint8_t* in) {
 }
 
 // From the start of a middle pair, so that the same source pairs make up each middle pair.
-void AudioResampler::HearAgain(const std::vector<int16_t>& pairs, uint32_t stray) {
+void AudioResampler::RefillFrom(const std::vector<int16_t>& pairs, uint32_t stray) {
     const size_t skipped = filter->stride - 1 - stray;
     const int16_t* const first = pairs.data() + skipped * 2;
     const size_t count = pairs.size() / 2 - skipped;
-    (void)HearAlike(first, count);
+    (void)Remember(first, count);
     TakeIn(first, count, false);
-    heard = pairs;
+    history = pairs;
 }

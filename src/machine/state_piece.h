@@ -18,8 +18,7 @@
 #include <cstring>
 #include <type_traits>
 
-// A piece that has changed its fields has a version of its own, which it hands to StatePieceWrite and
-// StatePieceRead; all others have the first.
+// A piece whose fields have changed since version 1 passes its version to StatePieceWrite and StatePieceRead.
 inline constexpr uint8_t kStatePieceVersion = 1;
 inline constexpr uint32_t kStatePieceHeader = 5;
 

@@ -8,11 +8,6 @@ namespace {
 
 constexpr uint32_t kType68000 = 1;
 constexpr uint32_t kStatusBits = 0xA71F; // those that a 68000 has
-constexpr uint32_t kTrace1 = 0x8000;
-constexpr uint32_t kTrace0 = 0x4000;
-constexpr uint32_t kMaskAll = 0x700;
-constexpr uint32_t kSupervisor = 4;
-constexpr uint32_t kMaster = 2;
 constexpr uint32_t kExceptionMode = 8;
 constexpr uint32_t kDropped = 1; // clocks of an interrupt that intAck drops
 constexpr uint32_t kHighestLine = 7;
@@ -20,7 +15,7 @@ constexpr uint32_t kLowestLine = 1;
 constexpr uint32_t kVectorSize = 4;
 
 uint32_t& StackSlot(M68K_STATE& cpu) {
-    return cpu.stackSlots[(cpu.s & kSupervisor) | (cpu.m & cpu.s >> 1 & kMaster)];
+    return cpu.stackSlots[(cpu.s & kM68kSupervisor) | (cpu.m & cpu.s >> 1 & kM68kMaster)];
 }
 
 void SwitchStack(M68K_STATE& cpu, uint32_t s, uint32_t m) {
@@ -41,7 +36,7 @@ uint32_t EnterSupervisor(M68K_STATE& cpu) {
     cpu.instrMode = kExceptionMode;
     cpu.t1 = 0;
     cpu.t0 = 0;
-    SwitchStack(cpu, kSupervisor, cpu.m);
+    SwitchStack(cpu, kM68kSupervisor, cpu.m);
     return status;
 }
 
@@ -87,8 +82,8 @@ void M68kReset(M68K_STATE& cpu) {
     cpu.intLevel = 0;
     cpu.irqLines = 0;
     cpu.vbr = 0;
-    cpu.intMask = kMaskAll;
-    SwitchStack(cpu, kSupervisor, 0);
+    cpu.intMask = kM68kIntMask;
+    SwitchStack(cpu, kM68kSupervisor, 0);
     cpu.pc = 0;
     cpu.prefetchAddr = 0;
     cpu.prefetchData = M68kReadImmediate(cpu, 0);
@@ -111,7 +106,7 @@ void M68kSetIrqLine(M68K_STATE& cpu, uint32_t line, uint32_t state) {
             break;
         }
     }
-    if (cpu.intLevel == kMaskAll && before != kMaskAll) {
+    if (cpu.intLevel == kM68kIntMask && before != kM68kIntMask) {
         cpu.nmiPending = 1;
     }
 }
@@ -156,9 +151,9 @@ uint32_t M68kStatus(const M68K_STATE& cpu) {
 
 void M68kSetStatus(M68K_STATE& cpu, uint32_t status) {
     const uint32_t bits = status & cpu.srMask;
-    cpu.t1 = bits & kTrace1;
-    cpu.t0 = bits & kTrace0;
-    cpu.intMask = bits & kMaskAll;
+    cpu.t1 = bits & kM68kTrace1;
+    cpu.t0 = bits & kM68kTrace0;
+    cpu.intMask = bits & kM68kIntMask;
     M68kSetConditions(cpu, bits);
-    SwitchStack(cpu, bits >> 11 & kSupervisor, bits >> 11 & kMaster);
+    SwitchStack(cpu, bits >> 11 & kM68kSupervisor, bits >> 11 & kM68kMaster);
 }

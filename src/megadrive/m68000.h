@@ -83,8 +83,8 @@ struct M68K_STATE {
     uint32_t srMask = 0;    // implemented bits of the status word
     uint32_t instrMode = 0; // 8 since the first exception or acknowledgement; never read
     uint32_t runMode = 0;
-    // What data adds to or takes from an instruction's time. It is subtracted from cyclesLeft, which nothing
-    // reads, so no tick gets longer.
+    // Time that the data of an instruction adds or saves. It is subtracted from cyclesLeft, which nothing reads,
+    // so no tick gets longer.
     int32_t cycBranchByte = 0; // branch not taken
     int32_t cycBranchWord = 0;
     int32_t cycLoopRound = 0; // DBcc with a false condition, counter not expired

@@ -148,7 +148,7 @@ inline uint32_t M68kPullLong(M68K_STATE& cpu) {
     return value;
 }
 
-// Time that depends on data. It reaches no clock.
+// Counts time that depends on data; no tick gets longer.
 inline void M68kSpend(M68K_STATE& cpu, int32_t clocks) {
     cpu.cyclesLeft =
         static_cast<int32_t>(static_cast<uint32_t>(cpu.cyclesLeft) - static_cast<uint32_t>(clocks));

@@ -7,7 +7,7 @@ using enum M68kMode;
 using Slot = M68kSlot;
 using Size = M68kSize;
 
-// What a bit instruction makes of the bit; Z shows the bit as it was.
+// The value with the bit as the instruction leaves it. Z is set from the old bit.
 struct Keep {
     static uint32_t Apply(uint32_t value, uint32_t /*bit*/) { return value; }
 };

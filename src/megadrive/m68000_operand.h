@@ -245,7 +245,7 @@ constexpr uint32_t M68kSizeBits(M68kSize size) {
     return size == M68kSize::kByte ? 0x00 : size == M68kSize::kWord ? 0x40 : 0x80;
 }
 
-// A row whose only open bits are the register of its mode.
+// A row that matches every register of its mode, and no other variation.
 inline void M68kAddRow(M68kRowList& rows, M68kHandler handler, uint32_t match, M68kMode mode,
                        uint32_t cycles) {
     rows.push_back({handler, M68kNamesRegister(mode) ? 0xFFF8U : 0xFFFFU,

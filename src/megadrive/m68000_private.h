@@ -7,6 +7,14 @@
 #include <cstdint>
 #include <vector>
 
+// The system byte of the status word.
+inline constexpr uint32_t kM68kTrace1 = 0x8000;
+inline constexpr uint32_t kM68kTrace0 = 0x4000;
+inline constexpr uint32_t kM68kIntMask = 0x0700;
+// Supervisor and master bit, as kept in `s` and `m`.
+inline constexpr uint32_t kM68kSupervisor = 4;
+inline constexpr uint32_t kM68kMaster = 2;
+
 enum M68kVector : uint32_t {
     kM68kIllegal = 4,
     kM68kZeroDivide = 5,

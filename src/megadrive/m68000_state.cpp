@@ -1,5 +1,6 @@
 #include "machine/state_piece.h"
 #include "megadrive/m68000.h"
+#include "megadrive/m68000_private.h"
 
 namespace {
 
@@ -57,12 +58,12 @@ auto Fields(M68K_STATE& cpu) {
 void Sanitize(M68K_STATE& cpu) {
     cpu.ir &= kM68kOpcodes - 1;
     cpu.prefetchData &= 0xFFFF;
-    cpu.t1 &= 0x8000;
-    cpu.t0 &= 0x4000;
-    cpu.s &= 4;
-    cpu.m &= 2;
-    cpu.intMask &= 0x700;
-    cpu.intLevel &= 0x700;
+    cpu.t1 &= kM68kTrace1;
+    cpu.t0 &= kM68kTrace0;
+    cpu.s &= kM68kSupervisor;
+    cpu.m &= kM68kMaster;
+    cpu.intMask &= kM68kIntMask;
+    cpu.intLevel &= kM68kIntMask;
     cpu.irqLines &= 0xFF;
 }
 

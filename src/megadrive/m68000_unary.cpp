@@ -166,7 +166,7 @@ void DivideUnsigned(M68K_STATE& cpu) {
     }
 }
 
-// Computed in 64 bits, where the lowest number divided by -1 has a quotient.
+// In 64 bits: the quotient of the lowest number and -1 does not fit into 32.
 template <M68kMode kMode>
 void DivideSigned(M68K_STATE& cpu) {
     const int64_t divisor = static_cast<int16_t>(M68kOperand<kMode, Size::kWord>(cpu));

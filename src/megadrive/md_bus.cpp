@@ -38,6 +38,11 @@ MEGA_DRIVE& Machine(void* owner) {
     return *static_cast<MEGA_DRIVE*>(owner);
 }
 
+// The I/O chip and the VDP are selected by address bits 1 to 4.
+constexpr uint32_t PortOf(uint32_t address) {
+    return address >> 1 & 15;
+}
+
 constexpr uint32_t BothHalves(uint32_t byte) {
     return byte * 0x101;
 }
@@ -149,7 +154,7 @@ uint32_t BusState(const MEGA_DRIVE& md) {
 
 uint32_t ReadIoWord(MEGA_DRIVE& md, uint32_t address) {
     if (address < kIoEnd) {
-        return BothHalves(MdReadIo(md.io, (address >> 1) & 15));
+        return BothHalves(MdReadIo(md.io, PortOf(address)));
     }
     const uint32_t open = OpenBus(md);
     if ((address & kRegisterPage) == kBusRequestPage) {
@@ -160,7 +165,7 @@ uint32_t ReadIoWord(MEGA_DRIVE& md, uint32_t address) {
 
 uint8_t ReadIoByte(MEGA_DRIVE& md, uint32_t address) {
     if (address < kIoEnd) {
-        return MdReadIo(md.io, (address >> 1) & 15);
+        return MdReadIo(md.io, PortOf(address));
     }
     const auto open = static_cast<uint8_t>(OpenBus(md) >> 8);
     if ((address & (kRegisterPage | 1)) == kBusRequestPage) {
@@ -172,7 +177,7 @@ uint8_t ReadIoByte(MEGA_DRIVE& md, uint32_t address) {
 // In a word the bit of the two control registers is in the high half.
 void WriteIo(MEGA_DRIVE& md, uint32_t address, uint32_t value, bool isWord) {
     if (address < kIoEnd) {
-        MdWriteIo(md.io, (address >> 1) & 15, static_cast<uint8_t>(value), md.m68kBusCycles);
+        MdWriteIo(md.io, PortOf(address), static_cast<uint8_t>(value), md.m68kBusCycles);
         return;
     }
     if (!isWord && (address & 1) != 0) {
@@ -206,7 +211,7 @@ bool DmaSourceIsQuiet(const MEGA_DRIVE& md) {
 // The VDP's 32 addresses, decoded by the low five bits: data, control, HV counter, PSG.
 uint32_t ReadVdp(MEGA_DRIVE& md, uint32_t address) {
     MdCatchUpVdp(md);
-    switch ((address >> 1) & 15) {
+    switch (PortOf(address)) {
     case 0:
     case 1: return MdVdpReadData(md.vdp);
     case 2:
@@ -240,7 +245,7 @@ uint32_t PeekVdp(MEGA_DRIVE& md, uint32_t address) {
 
 void WriteVdp(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
     MdCatchUpVdp(md);
-    switch ((address >> 1) & 15) {
+    switch (PortOf(address)) {
     case 0:
     case 1: MdVdpWriteData(md.vdp, static_cast<uint16_t>(word)); break;
     case 2:

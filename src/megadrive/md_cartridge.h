@@ -2,15 +2,15 @@
 // low 8 MiB of its map, the window.
 //
 // Kinds: a plain ROM, battery RAM, a serial EEPROM (md_eeprom.h), or the signal processor (svp.h). The
-//   header decides. The page tables hold the decision, so the bus never asks for the kind.
+//   header decides. The page tables hold the decision, so the bus never tests the kind.
 // Units: addresses are 24-bit 68000 addresses; a page is 64 KiB of them. ROM is held as words of the host
 //   whose high byte is the one at the even address. Battery RAM is held as bytes of such words, low byte
 //   first, so a byte access flips bit 0.
 // Owner: one machine, on its session's thread; no lock. Not copyable, since the signal processor points
 //   into it.
 // Order: MdCartSetup once, MdCartReset at every reset of the machine, then accesses.
-// Sizes: an image is cut at the 8 MiB of the window. After an image of an odd size a byte of 0xFF follows, and
-//   missing bytes of the header read as 0xFF.
+// Sizes: an image is cut at the 8 MiB of the window. A byte of 0xFF is added to an image of odd size, and missing
+//   bytes of the header read as 0xFF.
 // Differs: docs/HARDWARE.md, Mega Drive, Cartridge.
 #pragma once
 

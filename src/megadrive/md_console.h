@@ -50,7 +50,7 @@ struct MEGA_DRIVE {
 
     bool is50Hz = false;
     uint32_t masterClock = kMdClock60; // Hz
-    bool stepByStep = false;           // the plain loop, which runs every chip in every cycle
+    bool plainLoop = false;            // the plain loop, which runs every chip in every cycle
 
     uint32_t m68kBusCycles = 0;  // since the reset; wraps, so only differences count
     int32_t z80Clock = 0;        // master clocks owed to Z80 and PSG
@@ -80,6 +80,6 @@ void MdReset(MEGA_DRIVE& md);
 // forgets the clocks that are owed.
 void MdSanitize(MEGA_DRIVE& md);
 
-// Runs until the VDP has ended its last line. The 68000 may run over by the rest of an instruction. Throws
+// Runs until the VDP has ended its last line. The 68000 completes the instruction in progress. Throws
 // M68K_ADDRESS_ERROR if the program accesses a word at an odd address.
 void MdRunFrame(MEGA_DRIVE& md);

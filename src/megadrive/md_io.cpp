@@ -42,14 +42,14 @@ uint32_t AAndStart(const MD_PAD& pad) {
     return Bit(pad.a, 4) | Bit(pad.start, 5);
 }
 
-// TH low: up, down, A and Start. Left and right are both low, by which a game knows that a pad is there.
+// TH low: up, down, A and Start. Left and right are both low, which tells a game that a pad is there.
 uint8_t ReadLow(const MD_PAD& pad) {
     const uint32_t pressed = Bit(pad.up, 0) | Bit(pad.down, 1) | AAndStart(pad);
     return static_cast<uint8_t>(kPinsWithoutLeftRight & ~pressed);
 }
 
 // Which buttons the pins show depends on TH and on the number of its rising edges, modulo 4. After two of them
-// TH low pulls all directions low, by which a game knows the six-button pad. After three, TH low lets them go
+// TH low pulls all directions low, which tells a game that it is a six-button pad. After three, TH low lets them go
 // high, and TH high shows X, Y, Z and Mode.
 uint8_t ReadSixButtons(const MD_PAD& pad, uint8_t th, uint32_t edges) {
     const uint32_t state = (th != 0 ? 1U : 0U) + 2 * (edges & 3);

@@ -169,7 +169,7 @@ void RunFrameFast(MEGA_DRIVE& md) {
 
 void MdRunFrame(MEGA_DRIVE& md) {
     const bool svp = md.cartridge.cartKind == kMdCartSvp;
-    if (md.stepByStep) {
+    if (md.plainLoop) {
         svp ? RunFramePlain<true>(md) : RunFramePlain<false>(md);
     } else {
         svp ? RunFrameFast<true>(md) : RunFrameFast<false>(md);

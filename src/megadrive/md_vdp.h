@@ -85,7 +85,7 @@ struct MD_VDP_FIFO_ENTRY {
     uint32_t code; // low four bits of the command
 };
 
-// The sprite list scan of a line. Its flags reach over to the next line.
+// The sprite list scan of a line. Its flags carry over to the next line.
 struct MD_VDP_SPRITE_SCAN {
     uint32_t visible; // sprites on the line
     uint32_t seen;    // list entries read
@@ -189,9 +189,9 @@ inline void MdVdpStepH40(MD_VDP& vdp);
 inline void MdVdpTick(MD_VDP& vdp);
 // The same as `masterClocks` / 7 ticks, but faster. `masterClocks` is a multiple of 7.
 void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks);
-// Returns a number of master clocks for which the chip surely touches nothing of the machine: interrupt
-// lines, stall, frameDone, the bus. 0 while a slot may end a stall or read the bus. With `busIsQuiet` reads
-// of the bus don't count, because nobody changes what a DMA will read while it holds the 68000.
+// Returns a number of master clocks in which the chip certainly changes no interrupt line, stall or frameDone and
+// does not read the bus; 0 while a slot may end a stall or read the bus. With `busIsQuiet` reads of the bus don't
+// count, because nothing changes what a DMA will read while it holds the 68000.
 [[nodiscard]] uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet = false);
 
 void MdVdpWriteData(MD_VDP& vdp, uint16_t word);

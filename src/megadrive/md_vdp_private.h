@@ -8,19 +8,23 @@
 #include <cstdint>
 #include <cstring>
 
-// The first CRAM entry of the palette, which is in bits 13 and 14.
+// The first CRAM entry of the palette that the attributes select.
 [[nodiscard]] inline uint32_t MdVdpPaletteOf(uint32_t attributes) {
-    return attributes >> 9 & 0x30;
+    return (attributes & kMdVdpPalette) >> kMdVdpPaletteShift;
 }
 
 // The entry of CRAM or VSRAM that an address names.
 [[nodiscard]] inline uint32_t MdVdpEntryOf(uint32_t address) {
-    return address >> 1 & 63;
+    return address >> 1 & (kMdVdpEntries - 1);
 }
+
+// The parts of a VRAM address that select a word, and a row of a pattern.
+inline constexpr uint32_t kMdVdpWordAddress = 0xFFFE;
+inline constexpr uint32_t kMdVdpRowAddress = 0xFFFC;
 
 [[nodiscard]] inline uint32_t MdVdpVramWord(const MD_VDP& vdp, uint32_t address) {
     uint16_t word = 0;
-    std::memcpy(&word, &vdp.vram[address & 0xFFFE], sizeof word);
+    std::memcpy(&word, &vdp.vram[address & kMdVdpWordAddress], sizeof word);
     if constexpr (std::endian::native == std::endian::big) {
         word = static_cast<uint16_t>(word << 8 | word >> 8);
     }
@@ -30,7 +34,7 @@
 inline void MdVdpStoreVramWord(MD_VDP& vdp, uint32_t address, uint32_t word) {
     // At an odd address the two bytes are swapped.
     const uint32_t swap = address & 1;
-    address &= 0xFFFE;
+    address &= kMdVdpWordAddress;
     vdp.vram[address + swap] = static_cast<uint8_t>(word);
     vdp.vram[address + 1 - swap] = static_cast<uint8_t>(word >> 8);
 }
@@ -38,7 +42,7 @@ inline void MdVdpStoreVramWord(MD_VDP& vdp, uint32_t address, uint32_t word) {
 // Eight pixels of a pattern row, the leftmost in the top bits. `address` is a multiple of 4.
 [[nodiscard]] inline uint32_t MdVdpPattern(const MD_VDP& vdp, uint32_t address) {
     uint32_t pattern = 0;
-    std::memcpy(&pattern, &vdp.vram[address & 0xFFFC], sizeof pattern);
+    std::memcpy(&pattern, &vdp.vram[address & kMdVdpRowAddress], sizeof pattern);
     if constexpr (std::endian::native == std::endian::big) {
         pattern = (pattern & 0x00FF00FF) << 8 | (pattern >> 8 & 0x00FF00FF);
         return pattern;

@@ -67,9 +67,14 @@ inline constexpr uint32_t kMdVdpCodeVsram = 5;
 inline constexpr uint32_t kMdVdpCodeReadCram = 8;
 inline constexpr uint32_t kMdVdpCodeDma = 0x20;
 
-// Bits of a cell's name table word and of a sprite's attributes.
+// Bits of a cell's name table word and of a sprite's attributes. Colours are numbered from the first palette on,
+// 16 a palette.
+inline constexpr uint32_t kMdVdpPalette = 0x6000;
+inline constexpr uint32_t kMdVdpPaletteShift = 9; // of these bits to the palette's first colour
 inline constexpr uint32_t kMdVdpFlipX = 0x0800;
 inline constexpr uint32_t kMdVdpFlipY = 0x1000;
 inline constexpr uint32_t kMdVdpPriority = 0x8000;
 
-inline constexpr uint32_t kMdVdpColourBits = 0x1FF; // of a CRAM entry
+inline constexpr uint32_t kMdVdpColourOfPalette = 0x0F; // of a colour's number
+inline constexpr uint32_t kMdVdpColourBits = 0x1FF;     // of a CRAM entry
+inline constexpr uint32_t kMdVdpEntries = 64;           // of CRAM and VSRAM, a word each

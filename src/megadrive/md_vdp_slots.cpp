@@ -90,7 +90,9 @@ void MoveWord(MD_VDP& vdp) {
         vdp.cramDot = kMdVdpValid | MdVdpPackColour(word);
     }
     // The source wraps within its 128 KiB. The registers hold it in words.
-    vdp.dmaSource = ((vdp.dmaSource + 2) & 0x1FFFF) | (vdp.dmaBase & 0xFE0000);
+    constexpr uint32_t kSourceWithin = 0x1FFFF;
+    constexpr uint32_t kSourceBase = 0xFE0000;
+    vdp.dmaSource = ((vdp.dmaSource + 2) & kSourceWithin) | (vdp.dmaBase & kSourceBase);
     vdp.regs[kMdVdpRegDmaSourceLow] = static_cast<uint8_t>(vdp.dmaSource >> 1);
     vdp.regs[kMdVdpRegDmaSourceMiddle] = static_cast<uint8_t>(vdp.dmaSource >> 9);
     vdp.regs[kMdVdpRegDmaSourceHigh] =

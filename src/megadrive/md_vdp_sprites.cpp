@@ -13,7 +13,12 @@ constexpr Limits kLimitsH32{16, 256, 64};
 constexpr Limits kLimitsH40{20, 320, 80};
 constexpr uint32_t kLastIndex = 79;
 constexpr uint32_t kOrigin = 128; // both coordinates of a sprite in the picture's upper left corner
-constexpr uint32_t kLinkBits = 0x7F;
+constexpr uint32_t kLinkBits =
+    0x7F; // of the second word of an entry, with the size in cells, minus 1
+constexpr uint32_t kCellsDown = 0x0300;
+constexpr uint32_t kCellsDownShift = 8;
+constexpr uint32_t kCellsAcross = 0x0C00;
+constexpr uint32_t kCellsAcrossShift = 10;
 constexpr uint32_t kPlaceBits = 0x1FF;     // of both coordinates
 constexpr uint32_t kUnshadowedColour = 14; // of any palette but the last
 
@@ -23,13 +28,13 @@ uint32_t TopOf(uint32_t word, uint32_t doubled) {
     return (word >> doubled & kPlaceBits) - kOrigin;
 }
 
-// Pixels, from the second word of an entry: cells - 1 in bits 8 and 9 downwards, in 10 and 11 across.
+// Pixels, from the second word of an entry.
 uint32_t HeightOf(uint32_t size) {
-    return (size >> 8 & 3) * 8 + 8;
+    return (((size & kCellsDown) >> kCellsDownShift) + 1) * 8;
 }
 
 uint32_t WidthOf(uint32_t size) {
-    return (size >> 10 & 3) * 8 + 8;
+    return (((size & kCellsAcross) >> kCellsAcrossShift) + 1) * 8;
 }
 
 // A sprite on the line, from the words of its list entry.
@@ -50,7 +55,8 @@ bool ApplyOperator(MD_VDP& vdp, uint32_t x, uint32_t colour, uint8_t code) {
         vdp.shadowOp[x] = static_cast<uint8_t>(code + (colour == kHighlight ? 2 : 1));
         return false;
     }
-    vdp.lineFlags[x] = (colour & 15) == kUnshadowedColour || code == kMdVdpSpriteHigh ? 1 : 0;
+    vdp.lineFlags[x] =
+        (colour & kMdVdpColourOfPalette) == kUnshadowedColour || code == kMdVdpSpriteHigh ? 1 : 0;
     return true;
 }
 

@@ -257,9 +257,9 @@ void CMegaDrive::MixFrame(EMU_AUDIO_FRAME& audio) {
     const uint32_t psg = ReadyValues(md.psgSound);
     const uint32_t fm = ReadyValues(md.fmSound);
     if (fm < psg) {
-        md.fmSound.CatchUp(psg, [this] { Ym2612Run(md.fm, kYm2612ClocksPerSample); });
+        md.fmSound.FlushUntilReady(psg, [this] { Ym2612Run(md.fm, kYm2612ClocksPerSample); });
     } else if (psg < fm) {
-        md.psgSound.CatchUp(fm, [this] { PsgRun(md.psg, kPsgClocksPerPair); });
+        md.psgSound.FlushUntilReady(fm, [this] { PsgRun(md.psg, kPsgClocksPerPair); });
     }
     const auto mix = [this](int32_t psgValue, int32_t fmValue) {
         const float sum = static_cast<float>(psgValue) * chosen.psgVolume +

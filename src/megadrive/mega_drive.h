@@ -41,7 +41,7 @@ public:
     [[nodiscard]] bool SetBatteryContents(std::span<const uint8_t> bytes) override;
 
     // Runs frames by the plain loop, which the fast one must match.
-    void SetStepByStep(bool plain) { md.stepByStep = plain; }
+    void SetPlainLoop(bool plain) { md.plainLoop = plain; }
     // For tests.
     [[nodiscard]] MEGA_DRIVE& Console() { return md; }
 
@@ -62,5 +62,5 @@ private:
     mutable MEGA_DRIVE md;
 };
 
-// Builds the tables that all these machines share, so that no game's start waits for them.
+// Builds the tables that all these machines share, so that no game has to wait for them.
 void MdBuildTables();

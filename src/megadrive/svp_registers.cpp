@@ -3,8 +3,8 @@
 
 namespace {
 
-// Mode words: bit 15 steps down, bit 14 steps by cells, bits 13 to 11 are the step, bit 10 keeps what a nibble of
-// 0 would overwrite, bits 4 to 0 are the kind of memory.
+// Mode words. Bit 15: steps down; bit 14: steps by cells; bits 13 to 11: the step; bit 10: nibbles of 0 are not
+// written; bits 4 to 0: the kind of memory.
 constexpr uint32_t kStepDown = 0x8000;
 constexpr uint32_t kOverwrite = 0x0400;
 constexpr uint32_t kDram = 0x0018;
@@ -36,8 +36,8 @@ uint32_t StepOf(uint32_t mode) {
     return (mode & kStepDown) != 0 ? 0 - step : step;
 }
 
-// Steps the address half alone; a carry out of it is lost.
-void Step(uint32_t& slot, uint32_t step) {
+// Adds to the address half alone; a carry out of it is lost.
+void AddToAddress(uint32_t& slot, uint32_t step) {
     slot += step << 16;
 }
 
@@ -57,13 +57,13 @@ void WriteMemory(MD_SVP& svp, uint32_t& slot, uint32_t value) {
     const bool overwrite = (slot & kOverwrite) != 0;
     if ((slot & kDramWriteMask) == kDram) {
         Store(svp.dram[address], value, overwrite);
-        Step(slot, StepOf(slot));
+        AddToAddress(slot, StepOf(slot));
     } else if ((slot & kDramByCellsMask) == kDramByCells) {
         Store(svp.dram[address], value, overwrite);
-        Step(slot, (address & 1) != 0 ? kNextRow : 1);
+        AddToAddress(slot, (address & 1) != 0 ? kNextRow : 1);
     } else if ((slot & kReadMask) == kIram) {
         svp.iramRom[address % kSvpIramWords] = static_cast<uint16_t>(value);
-        Step(slot, StepOf(slot));
+        AddToAddress(slot, StepOf(slot));
     }
 }
 
@@ -71,7 +71,7 @@ uint32_t ReadMemory(MD_SVP& svp, uint32_t& slot) {
     const uint32_t address = slot >> 16;
     if ((slot & kRomMask) == kRom) {
         const uint32_t value = svp.rom[((slot & 15) << 16) | address];
-        Step(slot, 1);
+        AddToAddress(slot, 1);
         if (address == 0xFFFF) {
             slot = (slot + 1) & 0xFFFF;
         }
@@ -79,7 +79,7 @@ uint32_t ReadMemory(MD_SVP& svp, uint32_t& slot) {
     }
     if ((slot & kReadMask) == kDram) {
         const uint32_t value = svp.dram[address];
-        Step(slot, StepOf(slot));
+        AddToAddress(slot, StepOf(slot));
         return value;
     }
     return 0;

@@ -13,6 +13,19 @@ static_assert(kFlagNegative == 0x80000000); // so bit 31 of A is the flag in its
 // L, Z, OV and N.
 constexpr uint32_t kResultFlags = 0xF0000000;
 
+// What a modification of A does, by the low bits of its opcode.
+enum MODIFICATION : uint32_t {
+    kRotateRight,
+    kRotateLeft,
+    kShiftRight,
+    kShiftLeft,
+    kIncrement,
+    kDecrement,
+    kNegate,
+    kAbsolute
+};
+
+// Conditions, in the bits of the register field; the bit of the bank is the state of the flag that they want.
 constexpr uint32_t kConditionAlways = 0;
 constexpr uint32_t kConditionZero = 5;
 constexpr uint32_t kConditionNegative = 7;
@@ -30,12 +43,38 @@ inline uint16_t High(uint32_t value) {
     return static_cast<uint16_t>(value >> 16);
 }
 
+// Fields of an opcode: two registers, or a byte. A cell of memory is named by its bank and either the byte or a
+// pointer with its modifier.
 inline uint32_t SourceField(uint32_t opcode) {
     return opcode & 15;
 }
 
 inline uint32_t RegisterField(uint32_t opcode) {
     return (opcode >> 4) & 15;
+}
+
+inline uint32_t ByteField(uint32_t opcode) {
+    return opcode & 0xFF;
+}
+
+inline uint32_t BankField(uint32_t opcode) {
+    return (opcode >> 8) & 1;
+}
+
+inline uint32_t ModifierField(uint32_t opcode) {
+    return (opcode >> 2) & 3;
+}
+
+inline uint32_t PointerField(uint32_t opcode) {
+    return opcode & 3;
+}
+
+// A modifier, a bank and a pointer in five bits. The low three of them number a pointer of either bank.
+constexpr uint32_t kPointerNumber = 7;
+constexpr uint32_t kNoPointer = 3; // of a bank
+
+inline uint32_t IndexOf(uint32_t modifier, uint32_t bank, uint32_t pointer) {
+    return modifier << 3 | bank << 2 | pointer;
 }
 
 // The register as `gr` holds it; A and P with all 32 bits.
@@ -57,9 +96,8 @@ inline uint16_t WriteRegister(MD_SVP& svp, uint32_t number, uint16_t value, uint
     return pc;
 }
 
-// Modifier, bank and pointer of an opcode, in 5 bits.
 inline uint32_t PointerIndex(uint32_t opcode) {
-    return ((opcode >> 6) & 4) | ((opcode & 12) * 2) | (opcode & 3);
+    return IndexOf(ModifierField(opcode), BankField(opcode), PointerField(opcode));
 }
 
 // The cell that a pointer names; the pointer is moved after it. Pointer 3 of a bank doesn't exist: there the
@@ -67,10 +105,10 @@ inline uint32_t PointerIndex(uint32_t opcode) {
 inline uint16_t& PointerModify(MD_SVP& svp, uint32_t index) {
     auto& bank = svp.ram[(index >> 2) & 1];
     const uint32_t modifier = index >> 3;
-    if ((index & 3) == 3) {
+    if (PointerField(index) == kNoPointer) {
         return bank[modifier];
     }
-    uint8_t& pointer = svp.r[index & 7];
+    uint8_t& pointer = svp.r[index & kPointerNumber];
     uint16_t& cell = bank[pointer];
     const uint32_t modulo = (svp.gr[kSvpSt] >> 16) & kSvpStModulo;
     const uint32_t mask = modifier == kPlainIncrement ? 0xFF : kModuloMask[modulo];
@@ -82,7 +120,8 @@ inline uint16_t& PointerModify(MD_SVP& svp, uint32_t index) {
 // The program word whose address a cell holds. The cell then holds the next address; the pointer stays.
 inline uint16_t PointerRead(MD_SVP& svp, uint32_t index) {
     auto& bank = svp.ram[(index >> 2) & 1];
-    uint16_t& cell = (index & 3) == 3 ? bank[index >> 3] : bank[svp.r[index & 7]];
+    uint16_t& cell =
+        PointerField(index) == kNoPointer ? bank[index >> 3] : bank[svp.r[index & kPointerNumber]];
     const uint16_t word = svp.iramRom[cell];
     ++cell;
     return word;
@@ -97,11 +136,11 @@ inline uint16_t ProgramOf(MD_SVP& svp, uint32_t opcode) {
 }
 
 inline uint16_t& AddressOf(MD_SVP& svp, uint32_t opcode) {
-    return svp.ram[(opcode >> 8) & 1][opcode & 0xFF];
+    return svp.ram[BankField(opcode)][ByteField(opcode)];
 }
 
 inline uint8_t& PointerOf(MD_SVP& svp, uint32_t opcode) {
-    return svp.r[((opcode >> 6) & 4) | (opcode & 3)];
+    return svp.r[IndexOf(0, BankField(opcode), PointerField(opcode))];
 }
 
 inline void SetFlags(MD_SVP& svp, uint32_t result) {
@@ -137,8 +176,8 @@ inline void OperateWord(MD_SVP& svp, uint32_t word) {
 }
 
 inline bool ConditionHolds(const MD_SVP& svp, uint32_t opcode) {
-    const bool wanted = (opcode & 0x100) != 0;
-    switch ((opcode >> 4) & 15) {
+    const bool wanted = BankField(opcode) != 0;
+    switch (RegisterField(opcode)) {
     case kConditionAlways: return true;
     case kConditionZero: return ((svp.gr[kSvpSt] & kFlagZero) != 0) == wanted;
     case kConditionNegative: return ((svp.gr[kSvpSt] & kFlagNegative) != 0) == wanted;
@@ -151,15 +190,15 @@ void ModifyA(MD_SVP& svp, uint32_t opcode) {
         return;
     }
     uint32_t& a = svp.gr[kSvpA];
-    switch (opcode & 15) {
-    case 0: a = a >> 1 | a << 31; break;
-    case 1: a = a << 1 | a >> 31; break;
-    case 2: a = a >> 1 | (a & 0x80000000); break;
-    case 3: a <<= 1; break;
-    case 4: ++a; break;
-    case 5: --a; break;
-    case 6: a = 0 - a; break;
-    case 7: a = (a & 0x80000000) != 0 ? 0 - a : a; break;
+    switch (SourceField(opcode)) {
+    case kRotateRight: a = a >> 1 | a << 31; break;
+    case kRotateLeft: a = a << 1 | a >> 31; break;
+    case kShiftRight: a = a >> 1 | (a & kFlagNegative); break;
+    case kShiftLeft: a <<= 1; break;
+    case kIncrement: ++a; break;
+    case kDecrement: --a; break;
+    case kNegate: a = 0 - a; break;
+    case kAbsolute: a = (a & kFlagNegative) != 0 ? 0 - a : a; break;
     default: return;
     }
     SetFlags(svp, a);
@@ -167,14 +206,15 @@ void ModifyA(MD_SVP& svp, uint32_t opcode) {
 
 // The second half of the multiply forms: X from bank 0, Y from bank 1.
 inline void LoadFactors(MD_SVP& svp, uint32_t opcode) {
-    const uint32_t x = ((opcode & 12) * 2) | (opcode & 3);
-    const uint32_t y = 4 | ((opcode >> 3) & 24) | ((opcode >> 4) & 3);
+    const uint32_t second = opcode >> 4;
+    const uint32_t x = IndexOf(ModifierField(opcode), 0, PointerField(opcode));
+    const uint32_t y = IndexOf(ModifierField(second), 1, PointerField(second));
     svp.gr[kSvpX] = uint32_t{PointerModify(svp, x)} << 16;
     svp.gr[kSvpY] = uint32_t{PointerModify(svp, y)} << 16;
 }
 
 inline uint16_t LoadRegister(MD_SVP& svp, uint32_t opcode, uint16_t pc) {
-    if ((opcode & 0xFF) == kLoadAFromP) {
+    if (ByteField(opcode) == kLoadAFromP) {
         svp.gr[kSvpA] = SvpProduct(svp);
         return pc;
     }
@@ -221,7 +261,7 @@ inline uint16_t Execute(MD_SVP& svp, uint32_t op, uint16_t pc) {
     case 0x0C:
     case 0x0D:
     case 0x0E:
-    case 0x0F: svp.r[(op >> 8) & 7] = static_cast<uint8_t>(op & 0xFF); break;
+    case 0x0F: svp.r[op >> 8 & kPointerNumber] = static_cast<uint8_t>(ByteField(op)); break;
 
     case 0x24: return Jump(svp, op, pc, true);
     case 0x25: return WriteRegister(svp, RegisterField(op), svp.iramRom[High(svp.gr[kSvpA])], pc);
@@ -249,7 +289,7 @@ inline uint16_t Execute(MD_SVP& svp, uint32_t op, uint16_t pc) {
     case 0x14: OperateWord<kSubtract>(svp, svp.iramRom[pc++]); break;
     case 0x15: OperateWord<kSubtract>(svp, ProgramOf(svp, op)); break;
     case 0x19: OperateWord<kSubtract>(svp, PointerOf(svp, op)); break;
-    case 0x1C: OperateWord<kSubtract>(svp, op & 0xFF); break;
+    case 0x1C: OperateWord<kSubtract>(svp, ByteField(op)); break;
 
     case 0x30: Operate<kCompare>(svp, ReadRegister(svp, SourceField(op), pc)); break;
     case 0x31: OperateWord<kCompare>(svp, CellOf(svp, op)); break;
@@ -257,7 +297,7 @@ inline uint16_t Execute(MD_SVP& svp, uint32_t op, uint16_t pc) {
     case 0x34: OperateWord<kCompare>(svp, svp.iramRom[pc++]); break;
     case 0x35: OperateWord<kCompare>(svp, ProgramOf(svp, op)); break;
     case 0x39: OperateWord<kCompare>(svp, PointerOf(svp, op)); break;
-    case 0x3C: OperateWord<kCompare>(svp, op & 0xFF); break;
+    case 0x3C: OperateWord<kCompare>(svp, ByteField(op)); break;
 
     case 0x40: Operate<kAdd>(svp, ReadRegister(svp, SourceField(op), pc)); break;
     case 0x41: OperateWord<kAdd>(svp, CellOf(svp, op)); break;
@@ -265,7 +305,7 @@ inline uint16_t Execute(MD_SVP& svp, uint32_t op, uint16_t pc) {
     case 0x44: OperateWord<kAdd>(svp, svp.iramRom[pc++]); break;
     case 0x45: OperateWord<kAdd>(svp, ProgramOf(svp, op)); break;
     case 0x49: OperateWord<kAdd>(svp, PointerOf(svp, op)); break;
-    case 0x4C: OperateWord<kAdd>(svp, op & 0xFF); break;
+    case 0x4C: OperateWord<kAdd>(svp, ByteField(op)); break;
 
     case 0x50: Operate<kAnd>(svp, ReadRegister(svp, SourceField(op), pc)); break;
     case 0x51: OperateWord<kAnd>(svp, CellOf(svp, op)); break;
@@ -273,7 +313,7 @@ inline uint16_t Execute(MD_SVP& svp, uint32_t op, uint16_t pc) {
     case 0x54: OperateWord<kAnd>(svp, svp.iramRom[pc++]); break;
     case 0x55: OperateWord<kAnd>(svp, ProgramOf(svp, op)); break;
     case 0x59: OperateWord<kAnd>(svp, PointerOf(svp, op)); break;
-    case 0x5C: OperateWord<kAnd>(svp, op & 0xFF); break;
+    case 0x5C: OperateWord<kAnd>(svp, ByteField(op)); break;
 
     case 0x60: Operate<kOr>(svp, ReadRegister(svp, SourceField(op), pc)); break;
     case 0x61: OperateWord<kOr>(svp, CellOf(svp, op)); break;
@@ -281,7 +321,7 @@ inline uint16_t Execute(MD_SVP& svp, uint32_t op, uint16_t pc) {
     case 0x64: OperateWord<kOr>(svp, svp.iramRom[pc++]); break;
     case 0x65: OperateWord<kOr>(svp, ProgramOf(svp, op)); break;
     case 0x69: OperateWord<kOr>(svp, PointerOf(svp, op)); break;
-    case 0x6C: OperateWord<kOr>(svp, op & 0xFF); break;
+    case 0x6C: OperateWord<kOr>(svp, ByteField(op)); break;
 
     case 0x70: Operate<kExclusiveOr>(svp, ReadRegister(svp, SourceField(op), pc)); break;
     case 0x71: OperateWord<kExclusiveOr>(svp, CellOf(svp, op)); break;
@@ -289,7 +329,7 @@ inline uint16_t Execute(MD_SVP& svp, uint32_t op, uint16_t pc) {
     case 0x74: OperateWord<kExclusiveOr>(svp, svp.iramRom[pc++]); break;
     case 0x75: OperateWord<kExclusiveOr>(svp, ProgramOf(svp, op)); break;
     case 0x79: OperateWord<kExclusiveOr>(svp, PointerOf(svp, op)); break;
-    case 0x7C: OperateWord<kExclusiveOr>(svp, op & 0xFF); break;
+    case 0x7C: OperateWord<kExclusiveOr>(svp, ByteField(op)); break;
 
     default: break;
     }

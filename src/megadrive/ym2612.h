@@ -10,7 +10,7 @@
 // Order: Ym2612SetClock, Ym2612Reset, then ticks (ym2612_tick.h) and writes. `status` is read directly; a read
 //   changes nothing.
 // Slots are stored in the order of their registers, operators 1, 3, 2, 4. A sample is computed all at once,
-//   on the 144th clock, in the order 1, 2, 3, 4: every operator hears its modulators of the same sample.
+//   on the 144th clock, in the order 1, 2, 3, 4: every operator is modulated by outputs of the same sample.
 // Differs: docs/HARDWARE.md, Mega Drive, FM chip.
 // Sources: Sega "Genesis Technical Manual", YM2612 section (transcription by Maxim); Yamaha application
 //   manuals of the YM2203 and YM2608.

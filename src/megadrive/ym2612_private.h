@@ -59,6 +59,23 @@ inline constexpr uint8_t kYm2612OwnPitches = 0x40;
 inline constexpr uint8_t kYm2612SpecialBits = 0xC0;
 inline constexpr uint8_t kYm2612Csm = 0x80; // of the bits above
 
+// Register 0x28: a channel of its port, the second port, and a key for each operator.
+inline constexpr uint8_t kYm2612KeyChannel = 0x03;
+inline constexpr uint8_t kYm2612KeySecondPort = 0x04;
+inline constexpr uint32_t kYm2612KeyShift = 4;
+
+// The fields of the registers of slots and channels.
+inline constexpr uint32_t kYm2612MultipleBits = 0x0F;  // of 0x30; detune is above
+inline constexpr uint32_t kYm2612LevelBits = 0x7F;     // of 0x40
+inline constexpr uint32_t kYm2612RateBits = 0x1F;      // of 0x50, 0x60 and 0x70
+inline constexpr uint32_t kYm2612ReleaseBits = 0x0F;   // of 0x80; the sustain level is above
+inline constexpr uint8_t kYm2612SsgBits = 0x0F;        // of 0x90
+inline constexpr uint8_t kYm2612PitchHighBits = 0x3F;  // of 0xA4 and 0xAC: block and F-number
+inline constexpr uint32_t kYm2612FnumHigh = 0x07;      // of these
+inline constexpr uint8_t kYm2612AlgorithmBits = 0x07;  // of 0xB0; feedback is above
+inline constexpr uint32_t kYm2612VibratoBits = 0x07;   // of 0xB4
+inline constexpr uint32_t kYm2612TimerALowBits = 0x03; // of 0x25
+
 // Bits of a slot's `ssg`.
 inline constexpr uint8_t kYm2612SsgOn = 8;
 inline constexpr uint8_t kYm2612SsgAttack = 4;

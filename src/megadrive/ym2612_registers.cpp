@@ -5,17 +5,21 @@
 namespace {
 
 constexpr uint16_t kSecondPort = 0x100;
-constexpr uint32_t kNoChannel = 3; // in a register's or a key's low two bits
+constexpr uint32_t kNoChannel = 3;       // in a register's or a key's low two bits
+constexpr uint32_t kSlotRegister = 0xF0; // the bits of a register's number that are its kind
+constexpr uint32_t kChannelRegister = 0xFC;
+constexpr uint32_t kChannelBits = 0x03; // and its channel, of three a port
+constexpr uint32_t kChannelsAPort = 3;
 
 uint32_t RateOf(uint8_t value) {
-    const uint32_t rate = value & 31u;
+    const uint32_t rate = value & kYm2612RateBits;
     return rate != 0 ? rate * 2 + 32 : 0;
 }
 
 // --- operators ----------------------------------------------------------------------------------
 
 void WriteMultiple(YM2612& ym, YM2612_CHANNEL& channel, YM2612_SLOT& slot, uint8_t value) {
-    const uint32_t multiple = value & 15u;
+    const uint32_t multiple = value & kYm2612MultipleBits;
     slot.mul = multiple != 0 ? multiple * 2 : 1;
     slot.dt = value >> 4u & 7u;
     Ym2612Mark(ym, channel);
@@ -33,7 +37,7 @@ void WriteAttack(YM2612& ym, YM2612_CHANNEL& channel, YM2612_SLOT& slot, uint8_t
 
 void WriteRelease(YM2612_SLOT& slot, uint8_t value) {
     slot.sl = kYm2612SustainLevel[value >> 4u];
-    slot.rr = (value & 15u) * 4 + 34;
+    slot.rr = (value & kYm2612ReleaseBits) * 4 + 34;
     if (slot.state == Ym2612Envelope::kDecay && slot.volume >= static_cast<int32_t>(slot.sl)) {
         slot.state = Ym2612Envelope::kSustain;
     }
@@ -42,7 +46,7 @@ void WriteRelease(YM2612_SLOT& slot, uint8_t value) {
 
 void WriteSsg(YM2612& ym, size_t channel, size_t index, uint8_t value) {
     YM2612_SLOT& slot = ym.channels[channel].slots[index];
-    slot.ssg = value & 15;
+    slot.ssg = value & kYm2612SsgBits;
     const uint32_t bit = 1u << (channel * kYm2612Slots + index);
     ym.ssgSlots = (slot.ssg & kYm2612SsgOn) != 0 ? ym.ssgSlots | bit : ym.ssgSlots & ~bit;
     if (slot.state > Ym2612Envelope::kRelease) {
@@ -53,10 +57,10 @@ void WriteSsg(YM2612& ym, size_t channel, size_t index, uint8_t value) {
 void WriteSlot(YM2612& ym, size_t channelIndex, size_t index, uint32_t reg, uint8_t value) {
     YM2612_CHANNEL& channel = ym.channels[channelIndex];
     YM2612_SLOT& slot = channel.slots[index];
-    switch (reg & 0xF0) {
+    switch (reg & kSlotRegister) {
     case kYm2612RegMultiple: WriteMultiple(ym, channel, slot, value); break;
     case kYm2612RegLevel:
-        slot.tl = (value & 127u) * 8;
+        slot.tl = (value & kYm2612LevelBits) * 8;
         Ym2612RefreshLevel(slot);
         break;
     case kYm2612RegAttack: WriteAttack(ym, channel, slot, value); break;
@@ -78,7 +82,7 @@ void WriteSlot(YM2612& ym, size_t channelIndex, size_t index, uint32_t reg, uint
 
 void SetPitch(YM2612_PITCH& pitch, uint8_t latch, uint8_t low) {
     const uint32_t block = latch >> 3u;
-    const uint32_t fnum = (latch & 7u) << 8 | low;
+    const uint32_t fnum = (latch & kYm2612FnumHigh) << 8 | low;
     pitch.blockFnum = block << 11 | fnum;
     pitch.keyCode = static_cast<uint8_t>(block << 2 | kYm2612KeyTable[fnum >> 7]);
     pitch.fc = Ym2612PhaseStepOf(fnum * 2, block);
@@ -86,7 +90,7 @@ void SetPitch(YM2612_PITCH& pitch, uint8_t latch, uint8_t low) {
 
 void WriteAlgorithm(YM2612_CHANNEL& channel, uint8_t value) {
     const auto feedback = static_cast<uint8_t>(value >> 3u & 7u);
-    channel.algorithm = value & 7;
+    channel.algorithm = value & kYm2612AlgorithmBits;
     channel.feedback = feedback != 0 ? static_cast<uint8_t>(feedback + 6) : uint8_t{0};
 }
 
@@ -95,27 +99,27 @@ void WriteSides(YM2612_CHANNEL& channel, uint8_t value) {
     channel.leftMask = (value & kYm2612Left) != 0 ? ~0u : 0;
     channel.rightMask = (value & kYm2612Right) != 0 ? ~0u : 0;
     channel.ams = kAmShift[value >> 4u & 3u];
-    channel.pms = (value & 7u) * kYm2612LfoPositions;
+    channel.pms = (value & kYm2612VibratoBits) * kYm2612LfoPositions;
 }
 
 void WriteChannel(YM2612& ym, size_t channelIndex, uint32_t reg, uint8_t value) {
     YM2612_CHANNEL& channel = ym.channels[channelIndex];
-    const bool firstPort = channelIndex < 3;
-    switch (reg & 0xFC) {
+    const bool firstPort = channelIndex < kChannelsAPort;
+    switch (reg & kChannelRegister) {
     case kYm2612RegPitchLow:
         SetPitch(channel.pitch, ym.fnHighLatch, value);
         Ym2612Mark(ym, channel);
         break;
-    case kYm2612RegPitchHigh: ym.fnHighLatch = value & 63; break;
+    case kYm2612RegPitchHigh: ym.fnHighLatch = value & kYm2612PitchHighBits; break;
     case kYm2612RegChannel3Low:
         if (firstPort) {
-            SetPitch(ym.channel3[reg & 3], ym.channel3Latch, value);
+            SetPitch(ym.channel3[reg & kChannelBits], ym.channel3Latch, value);
             Ym2612Mark(ym, ym.channels[kYm2612Special]);
         }
         break;
     case kYm2612RegChannel3High:
         if (firstPort) {
-            ym.channel3Latch = value & 63;
+            ym.channel3Latch = value & kYm2612PitchHighBits;
         }
         break;
     case kYm2612RegAlgorithm: WriteAlgorithm(channel, value); break;
@@ -172,15 +176,16 @@ void WriteMode(YM2612& ym, uint8_t value) {
 }
 
 void WriteKeys(YM2612& ym, uint8_t value) {
-    if ((value & 3) == kNoChannel) {
+    if ((value & kYm2612KeyChannel) == kNoChannel) {
         return;
     }
     constexpr std::array<size_t, kYm2612Slots> kSlotOfBit{kYm2612Operator1, kYm2612Operator2,
                                                           kYm2612Operator3, kYm2612Operator4};
-    YM2612_CHANNEL& channel = ym.channels[(value & 3u) + ((value & 4) != 0 ? 3u : 0u)];
+    const size_t first = (value & kYm2612KeySecondPort) != 0 ? kChannelsAPort : 0;
+    YM2612_CHANNEL& channel = ym.channels[first + (value & kYm2612KeyChannel)];
     for (uint32_t i = 0; i < kYm2612Slots; ++i) {
         YM2612_SLOT& slot = channel.slots[kSlotOfBit[i]];
-        if ((value >> (4 + i) & 1) != 0) {
+        if ((value >> (kYm2612KeyShift + i) & 1) != 0) {
             Ym2612KeyOn(ym, slot);
             slot.keyOn = 1;
         } else {
@@ -195,8 +200,12 @@ void WriteKeys(YM2612& ym, uint8_t value) {
 void WriteChip(YM2612& ym, uint32_t reg, uint8_t value) {
     switch (reg) {
     case kYm2612RegLfo: WriteLfo(ym, value); break;
-    case kYm2612RegTimerAHigh: ym.timerA = (ym.timerA & 3) | uint32_t{value} << 2; break;
-    case kYm2612RegTimerALow: ym.timerA = (ym.timerA & 0x3FC) | (value & 3u); break;
+    case kYm2612RegTimerAHigh:
+        ym.timerA = (ym.timerA & kYm2612TimerALowBits) | uint32_t{value} << 2;
+        break;
+    case kYm2612RegTimerALow:
+        ym.timerA = (ym.timerA & ~kYm2612TimerALowBits) | (value & kYm2612TimerALowBits);
+        break;
     case kYm2612RegTimerB: ym.timerB = value; break;
     case kYm2612RegMode: WriteMode(ym, value); break;
     case kYm2612RegKeys: WriteKeys(ym, value); break;
@@ -215,10 +224,10 @@ void WriteData(YM2612& ym, uint8_t value) {
         }
         return;
     }
-    if ((reg & 3) == kNoChannel) {
+    if ((reg & kChannelBits) == kNoChannel) {
         return;
     }
-    const size_t channel = (reg & 3) + (secondPort ? 3 : 0);
+    const size_t channel = (reg & kChannelBits) + (secondPort ? kChannelsAPort : 0);
     if (reg < kYm2612RegPitchLow) {
         WriteSlot(ym, channel, reg >> 2 & 3, reg, value);
     } else {

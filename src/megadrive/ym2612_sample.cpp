@@ -128,8 +128,8 @@ inline int32_t OperatorOutput(const YM2612_SLOT& slot, uint32_t modulation,
     return p < kYm2612Levels ? kYm2612Tables.level[p] : 0;
 }
 
-// The eight algorithms, after operator 1. Each case runs its operators in their true order, so a modulator is
-// always of the same sample.
+// The eight algorithms, after operator 1. Each case runs a modulator before the operators that it modulates, so
+// its output is always that of the same sample.
 inline int32_t RunAlgorithm(const YM2612_CHANNEL& channel, uint32_t lfoAttenuation, int32_t one) {
     const auto run = [&](size_t place, int32_t modulator) {
         return OperatorOutput(channel.slots[place],
@@ -184,14 +184,16 @@ void AdvanceLfo(YM2612& ym) {
         return;
     }
     ym.lfoCounter += ym.lfoIncrement;
-    const uint32_t position = ym.lfoCounter >> 24 & 127;
-    ym.lfoAm = position > 63 ? (63 - (position & 63)) * 2 : position * 2;
+    constexpr uint32_t kPositions = 128;
+    constexpr uint32_t kTop = kPositions / 2 - 1;
+    const uint32_t position = ym.lfoCounter >> 24 & (kPositions - 1);
+    ym.lfoAm = (position <= kTop ? position : kPositions - 1 - position) * 2;
     ym.lfoPm = position >> 2;
 }
 
 // --- envelopes ----------------------------------------------------------------------------------
 
-// Whether a rate steps at this envelope clock, and by which increment.
+// True if an envelope of this rate has a step at this clock; `increment` is then its size.
 inline bool IsStepDue(uint32_t counter, YM2612_RATE rate, int32_t& increment) {
     if ((counter & ((1u << rate.shift) - 1)) != 0) {
         return false;
@@ -201,7 +203,7 @@ inline bool IsStepDue(uint32_t counter, YM2612_RATE rate, int32_t& increment) {
 }
 
 // Every step takes a sixteenth of the attenuation that is left, or more at higher rates.
-inline void StepAttack(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceAttack(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
     if (!IsStepDue(counter, slot.attack, increment)) {
         return;
@@ -221,7 +223,7 @@ inline void AddAttenuation(YM2612_SLOT& slot, int32_t increment) {
     }
 }
 
-inline void StepDecay(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceDecay(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
     if (!IsStepDue(counter, slot.decay, increment)) {
         return;
@@ -232,7 +234,7 @@ inline void StepDecay(uint32_t counter, YM2612_SLOT& slot) {
     }
 }
 
-inline void StepSustain(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceSustain(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
     if (IsStepDue(counter, slot.sustain, increment)) {
         AddAttenuation(slot, increment);
@@ -240,7 +242,7 @@ inline void StepSustain(uint32_t counter, YM2612_SLOT& slot) {
     }
 }
 
-inline void StepRelease(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceRelease(uint32_t counter, YM2612_SLOT& slot) {
     int32_t increment = 0;
     if (!IsStepDue(counter, slot.release, increment)) {
         return;
@@ -253,13 +255,13 @@ inline void StepRelease(uint32_t counter, YM2612_SLOT& slot) {
     }
 }
 
-inline void StepEnvelope(uint32_t counter, YM2612_SLOT& slot) {
+inline void AdvanceEnvelope(uint32_t counter, YM2612_SLOT& slot) {
     switch (slot.state) {
     case Ym2612Envelope::kOff: break;
-    case Ym2612Envelope::kRelease: StepRelease(counter, slot); break;
-    case Ym2612Envelope::kSustain: StepSustain(counter, slot); break;
-    case Ym2612Envelope::kDecay: StepDecay(counter, slot); break;
-    case Ym2612Envelope::kAttack: StepAttack(counter, slot); break;
+    case Ym2612Envelope::kRelease: AdvanceRelease(counter, slot); break;
+    case Ym2612Envelope::kSustain: AdvanceSustain(counter, slot); break;
+    case Ym2612Envelope::kDecay: AdvanceDecay(counter, slot); break;
+    case Ym2612Envelope::kAttack: AdvanceAttack(counter, slot); break;
     }
     auto volume = static_cast<uint32_t>(slot.volume);
     // Settled here: a running shape is inverted by the alternate bit alone, whatever its ramp.
@@ -277,7 +279,7 @@ void AdvanceEnvelopes(YM2612& ym) {
         ++ym.egCounter;
         for (YM2612_CHANNEL& channel : ym.channels) {
             for (YM2612_SLOT& slot : channel.slots) {
-                StepEnvelope(ym.egCounter, slot);
+                AdvanceEnvelope(ym.egCounter, slot);
             }
         }
     }

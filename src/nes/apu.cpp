@@ -6,7 +6,7 @@ namespace {
 
 constexpr int32_t kMixFactor = 50;
 
-// The sample level moves by 2, but not from here up or down.
+// The sample level moves by 2. It no longer rises from the one, or falls from the other.
 constexpr uint8_t kLevelTop = 126;
 constexpr uint8_t kLevelBottom = 1;
 
@@ -50,7 +50,7 @@ void ClockSweep(APU_PULSE& pulse, uint32_t negateExtra) {
         const uint32_t change = uint32_t{pulse.period} >> pulse.sweepShift;
         const uint32_t target =
             pulse.sweepNegate ? pulse.period - change - negateExtra : pulse.period + change;
-        pulse.period = static_cast<uint16_t>(target & 0x7FF);
+        pulse.period = static_cast<uint16_t>(target & kApuPeriodBits);
         ApuUpdateMuting(pulse);
     }
     if (pulse.sweepDivider == 0 || pulse.sweepReload) {
@@ -131,10 +131,10 @@ void ApuReset(APU& apu, [[maybe_unused]] bool hard, uint32_t* irqLines) {
 // Muted: a period under 8, or one that the sweep would take beyond eleven bits, even with the sweep off.
 void ApuUpdateMuting(APU_PULSE& pulse) {
     const uint32_t up = pulse.period + (uint32_t{pulse.period} >> pulse.sweepShift);
-    pulse.muted = pulse.period < 8 || (!pulse.sweepNegate && (up & 0x800) != 0);
+    pulse.muted = pulse.period < 8 || (!pulse.sweepNegate && up > kApuPeriodBits);
 }
 
-void ApuFrameStep(APU& apu) {
+void ApuClockFrameCounter(APU& apu) {
     const uint8_t step = apu.frameStep++;
     if (apu.fiveSteps) {
         FiveStep(apu, step);
@@ -173,7 +173,7 @@ void ApuFetchSample(APU& apu) {
     }
     sample.buffer = apu.readByte(apu.owner, sample.address);
     sample.bufferEmpty = false;
-    sample.address = static_cast<uint16_t>((sample.address + 1) | 0x8000);
+    sample.address = static_cast<uint16_t>((sample.address + 1) | kApuSampleSpace);
     apu.stallCycles = kApuStallCycles;
     if (--sample.bytesLeft != 0) {
         return;

@@ -11,8 +11,11 @@ inline constexpr std::array<uint16_t, 16> kApuNoisePeriods{
 inline constexpr std::array<uint16_t, 16> kApuSampleRates{428, 380, 340, 320, 286, 254, 226, 214,
                                                           190, 160, 142, 128, 106, 84,  72,  54};
 
+inline constexpr uint32_t kApuDutySteps = 8;
+inline constexpr uint32_t kApuTriangleSteps = 32;
+
 // Index: duty, step.
-inline constexpr std::array<std::array<int8_t, 8>, 4> kApuDuties{
+inline constexpr std::array<std::array<int8_t, kApuDutySteps>, 4> kApuDuties{
     {{-4, 4, -4, -4, -4, -4, -4, -4},
      {-4, 4, 4, -4, -4, -4, -4, -4},
      {-4, 4, 4, 4, 4, -4, -4, -4},
@@ -20,9 +23,9 @@ inline constexpr std::array<std::array<int8_t, 8>, 4> kApuDuties{
 };
 
 // Index: step.
-inline constexpr std::array<int8_t, 32> kApuTriangleWave{-8, -7, -6, -5, -4, -3, -2, -1, 0,  1, 2,
-                                                         3,  4,  5,  6,  7,  7,  6,  5,  4,  3, 2,
-                                                         1,  0,  -1, -2, -3, -4, -5, -6, -7, -8};
+inline constexpr std::array<int8_t, kApuTriangleSteps> kApuTriangleWave{
+    -8, -7, -6, -5, -4, -3, -2, -1, 0,  1,  2,  3,  4,  5,  6,  7,
+    7,  6,  5,  4,  3,  2,  1,  0,  -1, -2, -3, -4, -5, -6, -7, -8};
 
 // Index: the length bits (3 to 7) of a length register. Half frames.
 inline constexpr std::array<uint8_t, 32> kApuLengthTable{
@@ -33,6 +36,15 @@ inline constexpr std::array<uint8_t, 32> kApuLengthTable{
 // when the sequence repeats without a write to 0x4017.
 inline constexpr std::array<uint16_t, 7> kApuFourSteps{7459, 7456, 7458, 7457, 1, 1, 7457};
 inline constexpr std::array<uint16_t, 6> kApuFiveSteps{1, 7458, 7456, 7458, 7456, 7454};
+
+inline constexpr uint16_t kApuPeriodBits = 0x07FF; // of the pulses and the triangle
+
+// The noise channel's shift register: 15 bits, of which the top one is heard.
+inline constexpr uint16_t kApuNoiseBits = 0x7FFF;
+inline constexpr uint16_t kApuNoiseOut = 0x4000;
+
+// Samples lie in the upper half of the CPU's memory; the address wraps to its start.
+inline constexpr uint16_t kApuSampleSpace = 0x8000;
 
 inline constexpr uint16_t kApuTriangleLeastPeriod = 4;
 inline constexpr int32_t kApuSampleFactor = 3;
@@ -53,7 +65,7 @@ void ApuRestartSample(APU_SAMPLE& sample);
 void ApuFetchSample(APU& apu);
 
 // Runs the due step of the frame sequencer and sets the cycles to the next.
-void ApuFrameStep(APU& apu);
+void ApuClockFrameCounter(APU& apu);
 
 // Loads the length counters that were written since the last cycle.
 void ApuTakePendingLengths(APU& apu);

@@ -110,7 +110,7 @@ void Sanitize(APU_PULSE& pulse) {
     Sanitize(pulse.envelope);
     pulse.duty &= 3;
     pulse.position &= 7;
-    pulse.period &= 0x7FF;
+    pulse.period &= kApuPeriodBits;
     pulse.counter = std::clamp(pulse.counter, 1u, 0x1000u);
     pulse.sweepPeriod &= 7;
     pulse.sweepShift &= 7;
@@ -123,7 +123,7 @@ void Sanitize(APU_TRIANGLE& triangle) {
     triangle.linearPeriod &= 0x7F;
     triangle.linear &= 0x7F;
     triangle.position &= 31;
-    triangle.period &= 0x7FF;
+    triangle.period &= kApuPeriodBits;
     triangle.counter = std::clamp(triangle.counter, 1u, 0x800u);
     triangle.output = std::clamp(triangle.output, -64, 56);
 }
@@ -131,7 +131,7 @@ void Sanitize(APU_TRIANGLE& triangle) {
 void Sanitize(APU_NOISE& noise) {
     Sanitize(noise.envelope);
     noise.rate &= 15;
-    noise.shift &= 0x7FFF;
+    noise.shift &= kApuNoiseBits;
     noise.shift = std::max<uint16_t>(noise.shift, 1);
     noise.counter = std::clamp<uint32_t>(noise.counter, 1, kApuNoisePeriods.back());
     noise.output = std::clamp(noise.output, -30, 30);
@@ -139,7 +139,7 @@ void Sanitize(APU_NOISE& noise) {
 
 void Sanitize(APU_SAMPLE& sample) {
     sample.rate &= 15;
-    sample.address |= 0x8000;
+    sample.address |= kApuSampleSpace;
     sample.bytesLeft = std::min<uint16_t>(sample.bytesLeft, 255 * 16 + 1);
     sample.bitsLeft = std::clamp<uint8_t>(sample.bitsLeft, 1, 8);
     sample.level &= 0x7F;

@@ -6,7 +6,7 @@
 
 inline void ApuClockPulse(APU_PULSE& pulse, uint8_t length) {
     pulse.counter = pulse.period * 2u + 2;
-    pulse.position = (pulse.position + 1) & 7;
+    pulse.position = static_cast<uint8_t>((pulse.position + 1u) % kApuDutySteps);
     pulse.output = length != 0 && !pulse.muted
                        ? kApuDuties[pulse.duty][pulse.position] * ApuVolume(pulse.envelope)
                        : 0;
@@ -18,7 +18,7 @@ inline void ApuClockTriangle(APU_TRIANGLE& triangle, uint8_t length) {
     if (length == 0 || triangle.linear == 0) {
         return;
     }
-    triangle.position = (triangle.position + 1) & 31;
+    triangle.position = static_cast<uint8_t>((triangle.position + 1u) % kApuTriangleSteps);
     triangle.output =
         triangle.period < kApuTriangleLeastPeriod ? 0 : kApuTriangleWave[triangle.position] * 8;
 }
@@ -27,16 +27,16 @@ inline void ApuClockNoise(APU_NOISE& noise, uint8_t length) {
     noise.counter = kApuNoisePeriods[noise.rate];
     const uint32_t shift = noise.shift;
     const uint32_t bit = (shift >> 14 ^ shift >> (noise.shortMode ? 8 : 13)) & 1;
-    noise.shift = static_cast<uint16_t>((shift << 1 | bit) & 0x7FFF);
+    noise.shift = static_cast<uint16_t>((shift << 1 | bit) & kApuNoiseBits);
     const int32_t volume = length != 0 ? ApuVolume(noise.envelope) : 0;
-    noise.output = (noise.shift & 0x4000) != 0 ? volume * -2 : volume * 2;
+    noise.output = (noise.shift & kApuNoiseOut) != 0 ? volume * -2 : volume * 2;
 }
 
 // One CPU cycle.
 inline void ApuTick(APU& apu) {
     ++apu.sampleClock;
     if (--apu.frameCounter == 0) [[unlikely]] {
-        ApuFrameStep(apu);
+        ApuClockFrameCounter(apu);
     }
     if (apu.pendingLengths != 0) [[unlikely]] {
         ApuTakePendingLengths(apu);

@@ -60,11 +60,11 @@ void Sync(NES_CARTRIDGE& cartridge) {
 // The byte read still comes from the old bank.
 uint8_t ReadAndLatch(void* board, uint16_t address) {
     NES_CARTRIDGE& cartridge = *static_cast<NES_CARTRIDGE*>(board);
-    const uint8_t* data = cartridge.pages.ppu[address >> 10 & 15].data;
-    const uint8_t value = data != nullptr ? data[address & 0x3FF] : kNesUnreadable;
+    const uint8_t* data = cartridge.pages.ppu[NesPpuPageOf(address)].data;
+    const uint8_t value = data != nullptr ? data[NesPpuPlace(address)] : kNesUnreadable;
     const uint16_t tile = address & kTileMask;
     if (tile == kTileFd || tile == kTileFe) {
-        const uint32_t half = address >> 12 & 1;
+        const uint32_t half = NesPpuPageOf(address) / kPagesAHalf & 1;
         State(cartridge).latches[half] = tile == kTileFe ? kFe : kFd;
         MapHalf(cartridge, half);
     }
@@ -78,7 +78,7 @@ void WriteProgram(NES_CARTRIDGE& cartridge, uint16_t /*address*/, uint8_t value)
 
 void WriteCharacter(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     constexpr uint32_t kFirstPage = 11;
-    State(cartridge).character[(address >> 12) - kFirstPage] = value & kCharacterBits;
+    State(cartridge).character[(address >> kNesCpuPageShift) - kFirstPage] = value & kCharacterBits;
     Sync(cartridge);
 }
 
@@ -107,7 +107,7 @@ void Restore(NES_CARTRIDGE& cartridge) {
     state.program &= kProgramBits;
     state.mirroring &= kFourScreens | kMirroringHorizontal;
     for (uint8_t& latch : state.latches) {
-        latch &= 1;
+        latch &= kFe;
     }
     for (uint8_t& bank : state.character) {
         bank &= kCharacterBits;

@@ -11,11 +11,17 @@ namespace {
 constexpr uint8_t kFilterAddresses = 8;
 constexpr uint16_t kUpperHalf = 0x1000;
 
+// Each page of 8 KB has two registers, by the lowest address bit.
+constexpr uint16_t kOddRegister = 1;
+
 // Bank select register.
 constexpr uint8_t kSelectMask = 0x07;
 constexpr uint8_t kSwapPrograms = 0x40;
 constexpr uint8_t kSwapCharacters = 0x80;
 constexpr uint8_t kProgramBits = 63;
+constexpr uint32_t kRamPages = 8; // of character RAM
+constexpr uint8_t kOddCharacterBank =
+    1; // registers 0 and 1 select two banks, an even one and the next
 
 // RAM control register.
 constexpr uint8_t kRamOpen = 0x80;
@@ -71,7 +77,8 @@ void Sync(NES_CARTRIDGE& cartridge) {
     for (uint32_t i = 0; i < 8; ++i) {
         const uint32_t bank = state.character[i ^ half];
         if (cartridge.characterBanks == 0) {
-            MapChrRam(cartridge, i, 1, state.characterRam.data() + (bank & 7) * kNesPpuPageBytes);
+            MapChrRam(cartridge, i, 1,
+                      state.characterRam.data() + bank % kRamPages * kNesPpuPageBytes);
         } else {
             MapChr1(cartridge, i, bank);
         }
@@ -83,8 +90,8 @@ void Sync(NES_CARTRIDGE& cartridge) {
 void SetRegister(SCANLINE_STATE& state, uint8_t value) {
     const size_t number = state.bankSelect & kSelectMask;
     if (number < 2) {
-        state.character[number * 2] = value & 254;
-        state.character[number * 2 + 1] = value | 1;
+        state.character[number * 2] = value & static_cast<uint8_t>(~kOddCharacterBank);
+        state.character[number * 2 + 1] = value | kOddCharacterBank;
     } else if (number < 6) {
         state.character[number + 2] = value;
     } else {
@@ -94,7 +101,7 @@ void SetRegister(SCANLINE_STATE& state, uint8_t value) {
 
 void WriteBanks(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     SCANLINE_STATE& state = State(cartridge);
-    if ((address & 1) == 0) {
+    if ((address & kOddRegister) == 0) {
         state.bankSelect = value;
     } else {
         SetRegister(state, value);
@@ -105,7 +112,7 @@ void WriteBanks(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
 // The header can't say whether a board's RAM protection works, so any write opens the RAM.
 void WriteMirroringAndRam(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     SCANLINE_STATE& state = State(cartridge);
-    if ((address & 1) == 0) {
+    if ((address & kOddRegister) == 0) {
         state.mirroring = value;
     } else {
         state.ramControl = kRamOpen;
@@ -115,7 +122,7 @@ void WriteMirroringAndRam(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t va
 
 void WriteLatch(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     SCANLINE_STATE& state = State(cartridge);
-    if ((address & 1) == 0) {
+    if ((address & kOddRegister) == 0) {
         state.latch = value;
     } else {
         state.reload = 1;
@@ -123,8 +130,8 @@ void WriteLatch(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
 }
 
 void WriteIrq(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t /*value*/) {
-    State(cartridge).irqEnable = address & 1;
-    if ((address & 1) == 0) {
+    State(cartridge).irqEnable = address & kOddRegister;
+    if ((address & kOddRegister) == 0) {
         *cartridge.irqLines &= ~kNesIrqBoard;
     }
 }

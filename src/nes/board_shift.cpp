@@ -10,6 +10,7 @@ constexpr uint32_t kBanksOfTwoHalves = 32; // 512 KB: kOuterBank selects a half 
 constexpr uint8_t kShiftReset = 0x80;      // bit of a written value
 
 enum Register : uint32_t { kControl, kChr0, kChr1, kPrg };
+constexpr uint32_t kRegisterShift = 13; // of an address to its register
 
 // Control register.
 constexpr uint8_t kMirroringMask = 3;
@@ -25,6 +26,7 @@ constexpr size_t kHalfBytes = 4 * kNesPpuPageBytes;
 
 constexpr uint8_t kOuterBank = 0x10; // CHR 0 register, with kBanksOfTwoHalves
 constexpr uint8_t kPrgBank = 0x0F;   // PRG register
+constexpr uint32_t kOddBank = 1;     // doesn't count where two banks are selected together
 constexpr uint8_t kRamClosed = 0x10;
 
 struct SHIFT_STATE : NES_BOARD_STATE {
@@ -59,8 +61,8 @@ void SyncProgram(NES_CARTRIDGE& cartridge) {
     const uint32_t outer =
         cartridge.programBanks == kBanksOfTwoHalves ? uint32_t{registers[kChr0]} & kOuterBank : 0;
     const uint32_t bank = uint32_t{registers[kPrg]} & kPrgBank;
-    uint32_t low = bank & 14;
-    uint32_t high = low | 1;
+    uint32_t low = bank & ~kOddBank;
+    uint32_t high = bank | kOddBank;
     if ((control & kSwitchHalf) != 0) {
         const bool fixLast = (control & kFixLast) != 0;
         low = fixLast ? bank : 0;
@@ -73,7 +75,7 @@ void SyncProgram(NES_CARTRIDGE& cartridge) {
 void MapHalf(NES_CARTRIDGE& cartridge, uint32_t firstPage, uint32_t bank) {
     if (cartridge.characterBanks == 0) {
         MapChrRam(cartridge, firstPage, 4,
-                  State(cartridge).characterRam.data() + (bank & 1) * kHalfBytes);
+                  State(cartridge).characterRam.data() + bank % 2 * kHalfBytes);
     } else {
         MapChr4(cartridge, firstPage, bank);
     }
@@ -85,9 +87,9 @@ void SyncCharacters(NES_CARTRIDGE& cartridge) {
         MapHalf(cartridge, 0, registers[kChr0] & kValueMask);
         MapHalf(cartridge, 4, registers[kChr1] & kValueMask);
     } else {
-        // 8 KB: bit 0 of the bank number doesn't count.
-        MapHalf(cartridge, 0, registers[kChr0] & (kValueMask - 1));
-        MapHalf(cartridge, 4, (registers[kChr0] & kValueMask) | 1);
+        const uint32_t bank = registers[kChr0] & kValueMask;
+        MapHalf(cartridge, 0, bank & ~kOddBank);
+        MapHalf(cartridge, 4, bank | kOddBank);
     }
 }
 
@@ -122,7 +124,7 @@ void Write(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
     }
     state.shift = static_cast<uint8_t>(state.shift | (value & 1) << state.count);
     if (++state.count == kBitsAValue) {
-        state.lastRegister = address >> 13 & 3;
+        state.lastRegister = address >> kRegisterShift & kPrg;
         state.registers[kControl] &= kValueMask;
         state.registers[state.lastRegister] = state.shift & kValueMask;
         state.shift = 0;
@@ -150,7 +152,7 @@ void Restore(NES_CARTRIDGE& cartridge) {
     }
     state.registers[kControl] = control;
     state.count %= kBitsAValue;
-    state.lastRegister &= 3;
+    state.lastRegister &= kPrg;
     Sync(cartridge);
 }
 

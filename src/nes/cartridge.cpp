@@ -70,7 +70,10 @@ bool CartridgeLoad(NES_CARTRIDGE& cartridge, std::span<const uint8_t> image, std
     }
     const uint32_t programBanks = image[4];
     const uint32_t characterBanks = image[5];
-    const auto flags = static_cast<uint8_t>((image[7] & 0x0F) << 4 | (image[6] & 0x0F));
+    // Each of the two bytes has four flags and, above them, half of the board's number.
+    const uint32_t low = image[6];
+    const uint32_t high = image[7];
+    const auto flags = static_cast<uint8_t>(high % 16 << 4 | low % 16);
     if ((flags & kNesTrainer) != 0) {
         return false;
     }
@@ -80,7 +83,7 @@ bool CartridgeLoad(NES_CARTRIDGE& cartridge, std::span<const uint8_t> image, std
         error = ShortImage(expected, image.size());
         return false;
     }
-    const auto number = static_cast<uint8_t>((image[7] & 0xF0) | image[6] >> 4);
+    const auto number = static_cast<uint8_t>(high / 16 << 4 | low / 16);
     const NES_BOARD_ROW& board = NesBoard(number);
     if (board.reset == nullptr) {
         error = "NES Mapper #";

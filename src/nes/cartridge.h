@@ -98,7 +98,7 @@ void CartridgeConnect(NES_CARTRIDGE& cartridge, const uint32_t* cpuCycles, uint3
 // CPU pages 5 to 15.
 [[nodiscard]] inline uint8_t CartridgeRead(const NES_CARTRIDGE& cartridge, uint16_t address) {
     const NES_CPU_PAGE& page = cartridge.pages.cpu[address >> 12];
-    return page.readable ? page.data[address & 0xFFF] : kNesUnreadable;
+    return page.readable ? page.data[address & (kNesCpuPageBytes - 1)] : kNesUnreadable;
 }
 
 inline void CartridgeWrite(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t value) {
@@ -108,6 +108,6 @@ inline void CartridgeWrite(NES_CARTRIDGE& cartridge, uint16_t address, uint8_t v
     }
     const NES_CPU_PAGE& page = cartridge.pages.cpu[address >> 12];
     if (page.writable) {
-        page.data[address & 0xFFF] = value;
+        page.data[address & (kNesCpuPageBytes - 1)] = value;
     }
 }

@@ -47,13 +47,13 @@ enum class M6502Step : uint8_t {
     kRead = 31,      // data from memory
     kWriteBack = 32, // the old data to memory, while the ALU works
     kWrite = 33,     // data to memory
-    kShiftLeft = 34, // data; no access. The same up to kDecrement
+    kShiftLeft = 34, // data; no access, like all up to kDecrement
     kRotateLeft = 35,
     kShiftRight = 36,
     kRotateRight = 37,
     kIncrement = 38,
     kDecrement = 39,
-    kOrData = 40, // A with data; no access. The same up to kCompareData
+    kOrData = 40, // A with data; no access, like all up to kCompareData
     kAndData = 41,
     kXorData = 42,
     kAddData = 43,
@@ -89,7 +89,7 @@ enum class M6502Step : uint8_t {
     kPushPcLow = 71,
     kPullPcLow = 72,         // to data
     kPullPcHigh = 73,        // high byte of PC; the low one from data
-    kPushFlagsForBreak = 74, // also selects the vector and sets I. The same for the next two
+    kPushFlagsForBreak = 74, // also selects the vector and sets I, like the next two
     kPushFlagsForIrq = 75,
     kPushFlagsForNmi = 76,
     kVectorLow = 77,   // to data

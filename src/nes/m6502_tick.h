@@ -2,6 +2,7 @@
 #pragma once
 
 #include "nes/m6502.h"
+#include "nes/nes_lines.h"
 
 #include <array>
 #include <cstdint>
@@ -101,7 +102,7 @@ inline uint32_t CarryBelow(const M6502& cpu) {
 }
 
 inline uint32_t CarryAbove(const M6502& cpu) {
-    return uint32_t{cpu.p} << 7 & 0x80;
+    return (cpu.p & uint32_t{kM6502FlagC}) << 7;
 }
 
 template <typename Bus>
@@ -239,7 +240,7 @@ inline void AddToRegister(M6502& cpu, Bus& bus, uint32_t by) {
 }
 
 template <typename Bus>
-inline void FlagStep(M6502& cpu, Bus& bus, uint32_t flag, bool isSet) {
+inline void SetOrClear(M6502& cpu, Bus& bus, uint32_t flag, bool isSet) {
     Dummy(cpu, bus);
     SetFlags(cpu, flag, isSet ? flag : 0);
 }
@@ -259,8 +260,8 @@ inline void PushFlagsFor(M6502& cpu, Bus& bus, uint16_t vector, uint32_t breakFl
 // An NMI that has arrived by now takes over the vector.
 template <typename Bus>
 inline void PushFlagsForBreak(M6502& cpu, Bus& bus) {
-    const bool isTaken = (cpu.nmiLine & 1) != 0;
-    cpu.nmiLine &= ~1U;
+    const bool isTaken = (cpu.nmiLine & kNesNmiPpu) != 0;
+    cpu.nmiLine &= ~kNesNmiPpu;
     PushFlagsFor(cpu, bus, isTaken ? kNmiVector : kIrqVector, kM6502FlagB);
 }
 
@@ -273,8 +274,11 @@ inline void PushFlagsForNmi(M6502& cpu, Bus& bus) {
 
 // The opcode's top two bits select N, V, C or Z; bit 5 is the value on which it branches.
 inline bool IsBranchTaken(const M6502& cpu) {
+    constexpr uint32_t kFlagShift = 6;
+    constexpr uint32_t kBranchIfSet = 0x20;
     constexpr std::array<uint8_t, 4> kFlags{kM6502FlagN, kM6502FlagV, kM6502FlagC, kM6502FlagZ};
-    return ((cpu.p & kFlags[cpu.opcode >> 6 & 3]) != 0) == ((cpu.opcode & 0x20) != 0);
+    return ((cpu.p & kFlags[cpu.opcode >> kFlagShift & 3]) != 0) ==
+           ((cpu.opcode & kBranchIfSet) != 0);
 }
 
 template <typename Bus>
@@ -318,9 +322,9 @@ inline bool Fetch(M6502& cpu, Bus& bus) {
     return true;
 }
 
-// Runs one step; returns whether it accessed the bus.
+// Does one step; returns whether it accessed the bus.
 template <typename Bus>
-inline bool RunStep(M6502& cpu, Bus& bus) {
+inline bool DoStep(M6502& cpu, Bus& bus) {
     using enum M6502Step;
     const M6502Step step = cpu.queue[cpu.queueIndex];
     ++cpu.queueIndex;
@@ -386,13 +390,13 @@ inline bool RunStep(M6502& cpu, Bus& bus) {
     case kRegisterToA: cpu.a = Result(cpu, AfterDummy(cpu, bus, Register(cpu))); break;
     case kStackToX: cpu.x = Result(cpu, AfterDummy(cpu, bus, cpu.sp)); break;
     case kXToStack: cpu.sp = AfterDummy(cpu, bus, cpu.x); break;
-    case kClearCarry: FlagStep(cpu, bus, kM6502FlagC, false); break;
-    case kSetCarry: FlagStep(cpu, bus, kM6502FlagC, true); break;
-    case kClearDisable: FlagStep(cpu, bus, kM6502FlagI, false); break;
-    case kSetDisable: FlagStep(cpu, bus, kM6502FlagI, true); break;
-    case kClearOverflow: FlagStep(cpu, bus, kM6502FlagV, false); break;
-    case kClearDecimal: FlagStep(cpu, bus, kM6502FlagD, false); break;
-    case kSetDecimal: FlagStep(cpu, bus, kM6502FlagD, true); break;
+    case kClearCarry: SetOrClear(cpu, bus, kM6502FlagC, false); break;
+    case kSetCarry: SetOrClear(cpu, bus, kM6502FlagC, true); break;
+    case kClearDisable: SetOrClear(cpu, bus, kM6502FlagI, false); break;
+    case kSetDisable: SetOrClear(cpu, bus, kM6502FlagI, true); break;
+    case kClearOverflow: SetOrClear(cpu, bus, kM6502FlagV, false); break;
+    case kClearDecimal: SetOrClear(cpu, bus, kM6502FlagD, false); break;
+    case kSetDecimal: SetOrClear(cpu, bus, kM6502FlagD, true); break;
 
     case kDummyOperand: Operand(cpu, bus); break;
     case kDummyStack: DummyStack(cpu, bus); break;
@@ -430,7 +434,7 @@ inline void M6502Sample(M6502& cpu) {
 
 template <typename Bus>
 inline void M6502Cycle(M6502& cpu, Bus& bus) {
-    while (!m6502_detail::RunStep(cpu, bus)) {
+    while (!m6502_detail::DoStep(cpu, bus)) {
     }
     ++cpu.cycles;
 }

@@ -7,6 +7,7 @@
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
 #include "nes/board.h"
+#include "nes/nes_lines.h"
 
 #include <algorithm>
 #include <memory>
@@ -152,7 +153,7 @@ bool CNES::LoadPieces(const uint8_t* data, uint32_t size) {
 bool CNES::LoadState(const uint8_t* data, uint32_t size) {
     const bool loaded = LoadPieces(data, size);
     nes.cpu.irqLines &= kNesIrqFrame | kNesIrqSample | kNesIrqBoard;
-    nes.cpu.nmiLine &= 1;
+    nes.cpu.nmiLine &= kNesNmiPpu;
     return loaded;
 }
 

@@ -34,7 +34,7 @@ public:
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
     // Runs frames in the plain loop, which ticks every chip in every cycle; for comparison with the fast one.
-    void SetStepByStep(bool plain) { nes.stepByStep = plain; }
+    void SetPlainLoop(bool plain) { nes.plainLoop = plain; }
     // For tests.
     [[nodiscard]] const NES_CONSOLE& Console() const { return nes; }
 

@@ -49,7 +49,7 @@ struct NES_CONSOLE {
     std::array<NES_PAD, kNesPads> pads;
     std::array<uint8_t, kNesWorkRamBytes> workRam{};
     NES_CARTRIDGE cartridge;
-    bool stepByStep = false; // run the plain loop, for comparison; not part of a state
+    bool plainLoop = false; // run the plain loop, for comparison; not part of a state
 };
 
 // Wires the chips and the cartridge to each other.

@@ -19,7 +19,7 @@ namespace {
 constexpr uint32_t kDotsPerCycle = 3;
 
 // One cycle of all chips but the CPU.
-void RunChipsPlain(NES_CONSOLE& nes) {
+void TickChipsPlain(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
         PpuPlainTick(nes.ppu);
@@ -28,7 +28,7 @@ void RunChipsPlain(NES_CONSOLE& nes) {
 }
 
 // The same for the fast loop: pixels and sprite evaluation may be owed.
-void RunChips(NES_CONSOLE& nes) {
+void TickChips(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
         PpuTick(nes.ppu);
@@ -40,7 +40,7 @@ void RunFramePlain(NES_CONSOLE& nes) {
     NES_BUS bus{nes};
     while (!nes.ppu.frameDone) {
         M6502Sample(nes.cpu);
-        RunChipsPlain(nes);
+        TickChipsPlain(nes);
         M6502Cycle(nes.cpu, bus);
     }
 }
@@ -160,7 +160,7 @@ void NesReset(NES_CONSOLE& nes) {
 
 void NesRunFrame(NES_CONSOLE& nes) {
     const bool boardClock = nes.cartridge.cpuClock != nullptr;
-    if (nes.stepByStep) {
+    if (nes.plainLoop) {
         RunFramePlain(nes);
     } else {
         boardClock ? RunFrameFast<true>(nes) : RunFrameFast<false>(nes);
@@ -171,6 +171,6 @@ void NesStall(NES_CONSOLE& nes) {
     const uint32_t cycles = nes.apu.stallCycles - 1;
     nes.apu.stallCycles = 0;
     for (uint32_t i = 0; i < cycles; ++i) {
-        nes.stepByStep ? RunChipsPlain(nes) : RunChips(nes);
+        nes.plainLoop ? TickChipsPlain(nes) : TickChips(nes);
     }
 }

@@ -13,6 +13,8 @@ inline constexpr size_t kNesCpuPages = 16;
 inline constexpr size_t kNesCpuPageBytes = 4096;
 inline constexpr size_t kNesPpuPages = 16;
 inline constexpr size_t kNesPpuPageBytes = 1024;
+inline constexpr uint32_t kNesCpuPageShift = 12; // of an address to its page
+inline constexpr uint32_t kNesPpuPageShift = 10;
 inline constexpr uint8_t kNesUnreadable = 0xFF; // what an unreadable page puts on the bus
 
 struct NES_CPU_PAGE {
@@ -41,19 +43,27 @@ struct NES_PAGES {
 // The hook of boards that watch no addresses. The PPU compares with it to save the call.
 void NesIgnoreAddress(void* board, uint16_t address);
 
+// The page of an address, and the place in it.
+[[nodiscard]] constexpr size_t NesPpuPageOf(uint16_t address) {
+    return address >> kNesPpuPageShift & (kNesPpuPages - 1);
+}
+[[nodiscard]] constexpr size_t NesPpuPlace(uint16_t address) {
+    return address & (kNesPpuPageBytes - 1);
+}
+
 [[nodiscard]] inline uint8_t NesReadPpuPage(const NES_PAGES& pages, uint16_t address) {
-    const NES_PPU_PAGE& page = pages.ppu[address >> 10 & 15];
+    const NES_PPU_PAGE& page = pages.ppu[NesPpuPageOf(address)];
     if (page.read != nullptr) [[unlikely]] {
         return page.read(pages.board, address);
     }
-    return page.data != nullptr ? page.data[address & 0x3FF] : kNesUnreadable;
+    return page.data != nullptr ? page.data[NesPpuPlace(address)] : kNesUnreadable;
 }
 
 inline void NesWritePpuPage(NES_PAGES& pages, uint16_t address, uint8_t value) {
-    const NES_PPU_PAGE& page = pages.ppu[address >> 10 & 15];
+    const NES_PPU_PAGE& page = pages.ppu[NesPpuPageOf(address)];
     if (page.write != nullptr) [[unlikely]] {
         page.write(pages.board, address, value);
     } else if (page.writable != 0 && page.data != nullptr) {
-        page.data[address & 0x3FF] = value;
+        page.data[NesPpuPlace(address)] = value;
     }
 }

@@ -1,5 +1,6 @@
 #include "nes/ppu.h"
 
+#include "nes/nes_lines.h"
 #include "nes/ppu_colours.h"
 #include "nes/ppu_private.h"
 
@@ -23,7 +24,7 @@ void BeginVblank(PPU& ppu) {
     ppu.status |= kPpuStatusVblank;
     ppu.oamAddress = 0;
     if ((ppu.control & kPpuCtrlNmi) != 0) {
-        *ppu.nmiLine |= 1;
+        *ppu.nmiLine |= kNesNmiPpu;
     }
 }
 
@@ -114,7 +115,7 @@ void PpuReset(PPU& ppu, bool hard, uint32_t* nmiLine) {
     for (auto& page : ppu.nametables) {
         page.fill(0xFF);
     }
-    *nmiLine &= ~1U;
+    *nmiLine &= ~kNesNmiPpu;
     PpuDerive(ppu);
     PpuDeriveShades(ppu);
 }

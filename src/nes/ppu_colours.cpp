@@ -76,12 +76,12 @@ using Wave = std::array<double, kPhases>;
 // The start of the best fitting sine, in degrees: twelve trials around the circle, then twice twelve finer
 // ones around the best.
 [[nodiscard]] double PhaseOf(const Wave& wave) {
-    constexpr int kRounds = 3;
+    constexpr int kPasses = 3;
     constexpr int kTrials = 12;
     constexpr int kHalfTurn = kTrials / 2;
     double best = 0;
     double step = 360.0 / kTrials;
-    for (int round = 0; round < kRounds; ++round) {
+    for (int pass = 0; pass < kPasses; ++pass) {
         const double middle = best;
         double most = Likeness(wave, middle);
         for (int trial = 0; trial < kTrials; ++trial) {

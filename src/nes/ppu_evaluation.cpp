@@ -17,14 +17,15 @@ constexpr uint32_t kSearchPairs = 96; // of dots, even and odd, from dot 64 to 2
 // OAMADDR selects the first sprite, without the lowest bit of its number.
 void Start(PPU& ppu) {
     ppu.evaluation = kPpuFindSprite;
-    ppu.spriteIndex = static_cast<uint8_t>((ppu.oamAddress >> 2 & 0x3E) * 4);
+    constexpr uint8_t kEvenSprite = 0xF8;
+    ppu.spriteIndex = ppu.oamAddress & kEvenSprite;
     ppu.foundCount = 0;
     ppu.foundZero = false;
 }
 
 // Moves to byte 0 of the next sprite.
 void NextSprite(PPU& ppu) {
-    ppu.spriteIndex = static_cast<uint8_t>((ppu.spriteIndex & 0xFC) + 4);
+    ppu.spriteIndex = static_cast<uint8_t>((ppu.spriteIndex & kPpuOamSprite) + 4);
     if (ppu.spriteIndex == 0) {
         ppu.evaluation = kPpuIdle;
     }
@@ -32,7 +33,8 @@ void NextSprite(PPU& ppu) {
 
 // The place in secondary OAM for the byte just read.
 [[nodiscard]] uint8_t& Copy(PPU& ppu) {
-    return ppu.secondaryOam[(ppu.foundCount * 4U + (ppu.spriteIndex & 3U)) & 31];
+    return ppu.secondaryOam[(ppu.foundCount * 4U + (ppu.spriteIndex & kPpuOamByte)) %
+                            ppu.secondaryOam.size()];
 }
 
 void FindSprite(PPU& ppu) {
@@ -51,7 +53,7 @@ void FindSprite(PPU& ppu) {
 void CopySprite(PPU& ppu) {
     Copy(ppu) = ppu.spriteByte;
     ++ppu.spriteIndex;
-    if ((ppu.spriteIndex & 3) == 0) {
+    if ((ppu.spriteIndex & kPpuOamByte) == 0) {
         ++ppu.foundCount;
         ppu.evaluation = ppu.foundCount == kPpuLineSprites ? kPpuFindOverflow : kPpuFindSprite;
         if (ppu.spriteIndex == 0) {
@@ -70,8 +72,8 @@ void FindOverflow(PPU& ppu) {
         ++ppu.spriteIndex;
         return;
     }
-    const uint32_t byte = (ppu.spriteIndex + 1U) & 3;
-    const uint32_t sprite = (ppu.spriteIndex + 4U) & 0xFC;
+    const uint32_t byte = (ppu.spriteIndex + 1U) & kPpuOamByte;
+    const uint32_t sprite = (ppu.spriteIndex + 4U) & kPpuOamSprite;
     ppu.spriteIndex = static_cast<uint8_t>(sprite | byte);
     if (sprite == 0) {
         ppu.evaluation = kPpuIdle;
@@ -84,7 +86,7 @@ void SkipSprite(PPU& ppu) {
     if (ppu.skipBytes-- <= 1) {
         ppu.skipBytes = 0;
         ppu.evaluation = kPpuIdle;
-        ppu.spriteIndex &= 0xFC;
+        ppu.spriteIndex &= kPpuOamSprite;
     }
 }
 
@@ -101,7 +103,7 @@ void EvaluateByte(PPU& ppu) {
 
 // `pairs` pairs of dots past the last sprite, which read every Y in turn.
 void Idle(PPU& ppu, uint32_t pairs) {
-    const uint32_t last = (ppu.spriteIndex & 0xFCU) + (pairs - 1) * 4;
+    const uint32_t last = (ppu.spriteIndex & kPpuOamSprite) + (pairs - 1) * 4;
     ppu.spriteByte = ppu.oam[last & 0xFF];
     ppu.spriteIndex = static_cast<uint8_t>(last + 4);
 }

@@ -11,6 +11,10 @@
 // next eventDot. Returns the number of the dot that begins: `dot`, or 0 at the end of the line.
 [[nodiscard]] uint32_t PpuEvent(PPU& ppu, uint32_t dot);
 
+// An address in OAM: a sprite and one of its four bytes.
+inline constexpr uint32_t kPpuOamByte = 0x03;
+inline constexpr uint32_t kPpuOamSprite = 0xFC;
+
 // Draws the owed pixels of a visible line before dot `end`, 1 to 256.
 void PpuDrawTo(PPU& ppu, uint32_t end);
 
@@ -76,6 +80,10 @@ inline constexpr uint16_t kFineY = 0x7000;
 inline constexpr uint16_t kAll = 0x7FFF;
 inline constexpr uint16_t kTile = 0x0FFF; // nametable and tile: all but fine Y
 
+// The tile within the 4 by 4 tiles of an attribute byte: the upper of the two bits selects its quarter.
+inline constexpr uint16_t kQuarterX = 0x0002;
+inline constexpr uint16_t kQuarterY = 0x0040;
+
 inline constexpr uint32_t kCoarseYShift = 5;
 inline constexpr uint32_t kNametableShift = 10;
 inline constexpr uint32_t kFineYShift = 12;
@@ -87,15 +95,17 @@ namespace ppu_bus {
 inline constexpr uint16_t kMask = 0x3FFF;
 inline constexpr uint32_t kSecondPatternTable = 0x1000;
 inline constexpr uint32_t kNametables = 0x2000;
-inline constexpr uint32_t kTileBytes = 16; // two planes
-inline constexpr uint32_t kPlaneBytes = 8; // the low one first
+inline constexpr uint32_t kAttributes = 0x03C0; // the last 64 bytes of a nametable
+inline constexpr uint32_t kTileBytes = 16;      // two planes
+inline constexpr uint32_t kPlaneBytes = 8;      // the low one first
 inline constexpr uint16_t kPaletteEntry = 0x1F;
 inline constexpr uint32_t kSpritePalettes =
     0x10; // first entry; those of the background come before
 
 // True for the addresses of the palette inside the chip.
 [[nodiscard]] inline bool IsPalette(uint16_t address) {
-    return (address & 0x3F00) == 0x3F00;
+    constexpr uint16_t kPalette = 0x3F00; // and the 256 addresses from there
+    return (address & kPalette) == kPalette;
 }
 
 // Shows an address to a board that watches the bus.

@@ -1,3 +1,4 @@
+#include "nes/nes_lines.h"
 #include "nes/ppu.h"
 #include "nes/ppu_private.h"
 
@@ -17,18 +18,22 @@ enum Register : uint16_t {
 
 constexpr uint32_t kNmiUndecidedDots = 3; // of line 241: an access there can still cancel the NMI
 constexpr uint32_t kFineBits = 3;         // of a byte written to PPUSCROLL; the rest is coarse
-constexpr uint8_t kAttributeByte = 2;     // of the four of a sprite
+constexpr uint32_t kFine = (1 << kFineBits) - 1;
+constexpr uint8_t kHighAddress = 0x3F; // of the first byte written to PPUADDR
+constexpr uint16_t kRegisterBits = 7;  // of an address
+constexpr uint32_t kPaletteColour = 3; // of a palette entry's number
+constexpr uint8_t kAttributeByte = 2;  // of the four of a sprite
 constexpr uint8_t kColourBits = 0x3F;
 // Byte 2 of a sprite: bits 2 to 4 don't exist.
 constexpr uint8_t kAttributeBits =
     kPpuAttributePalette | kPpuAttributeBehind | kPpuAttributeFlipX | kPpuAttributeFlipY;
 
 void RaiseNmi(PPU& ppu) {
-    *ppu.nmiLine |= 1;
+    *ppu.nmiLine |= kNesNmiPpu;
 }
 
 void DropNmi(PPU& ppu) {
-    *ppu.nmiLine &= ~1U;
+    *ppu.nmiLine &= ~kNesNmiPpu;
 }
 
 [[nodiscard]] bool NmiUndecided(const PPU& ppu) {
@@ -55,7 +60,7 @@ void WriteOam(PPU& ppu, uint8_t value) {
     if (ppu.rendering) {
         value = 0xFF;
     }
-    if ((ppu.oamAddress & 3) == kAttributeByte) {
+    if ((ppu.oamAddress & kPpuOamByte) == kAttributeByte) {
         value &= kAttributeBits;
     }
     ppu.oam[ppu.oamAddress] = value;
@@ -65,7 +70,7 @@ void WriteOam(PPU& ppu, uint8_t value) {
 void WriteScroll(PPU& ppu, uint8_t value) {
     using namespace ppu_address;
     const uint32_t coarse = value >> kFineBits;
-    const uint32_t fine = value & 7U;
+    const uint32_t fine = value & kFine;
     if (ppu.firstWrite != 0) {
         SetTempBits(ppu, kCoarseX, coarse);
         ppu.fineX = static_cast<uint8_t>(fine);
@@ -80,7 +85,7 @@ void WriteAddress(PPU& ppu, uint8_t value) {
     constexpr uint32_t kHighByte = 0x7F00;
     constexpr uint32_t kLowByte = 0x00FF;
     if (ppu.firstWrite != 0) {
-        SetTempBits(ppu, kHighByte, (value & 0x3FU) << 8);
+        SetTempBits(ppu, kHighByte, (value & uint32_t{kHighAddress}) << 8);
     } else {
         SetTempBits(ppu, kLowByte, value);
         ppu.vramAddress = ppu.tempAddress;
@@ -98,7 +103,7 @@ void WriteData(PPU& ppu, uint8_t value) {
         const uint32_t entry = ppu.vramAddress & ppu_bus::kPaletteEntry;
         ppu.palette[entry] = value & kColourBits;
         // Entry 0 of a background palette is also that of the sprite palette.
-        if ((entry & 3) == 0) {
+        if ((entry & kPaletteColour) == 0) {
             ppu.palette[entry ^ ppu_bus::kSpritePalettes] = value & kColourBits;
         }
         PpuDeriveShades(ppu);
@@ -139,7 +144,7 @@ void WriteData(PPU& ppu, uint8_t value) {
 void PpuWriteRegister(PPU& ppu, uint16_t address, uint8_t value) {
     PpuCatchUp(ppu);
     ppu.openBus = value;
-    switch (address & 7) {
+    switch (address & kRegisterBits) {
     case kControl: WriteControl(ppu, value); break;
     case kMask:
         ppu.mask = value;
@@ -157,7 +162,7 @@ void PpuWriteRegister(PPU& ppu, uint16_t address, uint8_t value) {
 
 uint8_t PpuReadRegister(PPU& ppu, uint16_t address) {
     PpuCatchUp(ppu);
-    switch (address & 7) {
+    switch (address & kRegisterBits) {
     case kStatus: ppu.openBus = ReadStatus(ppu); break;
     case kOamData: ppu.openBus = ppu.oam[ppu.rendering ? ppu.spriteIndex : ppu.oamAddress]; break;
     case kData: ppu.openBus = ReadData(ppu); break;

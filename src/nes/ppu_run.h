@@ -47,7 +47,7 @@ inline void TileGroup(PPU& ppu, uint32_t dot) {
 }
 
 inline void SpriteGroup(PPU& ppu, uint32_t dot) {
-    const uint32_t slot = dot >> 3 & 7;
+    const uint32_t slot = ppu_tick::SpriteSlot(dot);
     const auto unused = static_cast<uint16_t>(ppu_tick::TileAddress(ppu));
     ppu_bus::Watch(ppu, unused);
     ppu_bus::Watch(ppu, unused);

@@ -1,9 +1,9 @@
 // The PPU's tick, one dot, to be inlined into a machine's frame loop.
 //
 // A dot moves along the line, draws its pixel, evaluates sprites, fetches, and advances the PPUDATA access
-// in progress, in this order. Pixels and evaluation depend on registers and on tiles already fetched only,
-// so they are put off until a new tile, the end of the visible line or a register access. Fetches are never
-// put off: boards watch them and change what they read.
+// in progress, in this order. Pixels and evaluation depend only on registers and on tiles already fetched, so
+// they wait for a new tile, the end of the visible line or a register access. Fetches never wait: boards watch
+// them and change what they read.
 #pragma once
 
 #include "nes/nes_pages.h"
@@ -52,30 +52,37 @@ inline void IncrementY(PPU& ppu) {
     return ppu_bus::kNametables | (ppu.vramAddress & ppu_address::kTile);
 }
 
-// An attribute byte covers 4 by 4 tiles; its address has bits 2 to 4 of coarse X and of coarse Y.
+// An attribute byte covers 4 by 4 tiles; a row of the table has eight.
 [[nodiscard]] inline uint32_t AttributeAddress(const PPU& ppu) {
-    constexpr uint32_t kAttributes = ppu_bus::kNametables | 0x3C0;
-    const uint32_t v = ppu.vramAddress;
-    return kAttributes | (v & ppu_address::kNametables) | (v >> 4 & 0x38) | (v >> 2 & 7);
+    using namespace ppu_address;
+    const uint32_t address = ppu.vramAddress;
+    const uint32_t row = (address & kCoarseY) >> kCoarseYShift >> 2;
+    const uint32_t column = (address & kCoarseX) >> 2;
+    return ppu_bus::kNametables | ppu_bus::kAttributes | (address & kNametables) | row << 3 |
+           column;
 }
 
 // Takes the two bits for the current tile's quarter, 2 by 2 tiles, and moves to the next tile.
 inline void TakeAttribute(PPU& ppu, uint8_t byte) {
-    const uint32_t quarter = (ppu.vramAddress >> 4 & 4) | (ppu.vramAddress & 2);
-    ppu.attribute = byte >> quarter & 3;
+    using namespace ppu_address;
+    const uint32_t right = ppu.vramAddress & kQuarterX;        // 0 or 2
+    const uint32_t below = (ppu.vramAddress & kQuarterY) >> 4; // 0 or 4
+    constexpr uint8_t kQuarterBits = 0x03;
+    ppu.attribute = byte >> (below | right) & kQuarterBits;
     IncrementX(ppu);
 }
 
 [[nodiscard]] inline uint32_t PatternAddress(const PPU& ppu) {
     const uint32_t table =
         (ppu.control & kPpuCtrlBackgroundTable) != 0 ? ppu_bus::kSecondPatternTable : 0;
-    const uint32_t fineY = ppu.vramAddress >> ppu_address::kFineYShift & 7U;
+    const uint32_t fineY = (ppu.vramAddress & ppu_address::kFineY) >> ppu_address::kFineYShift;
     return table | ppu.tile * ppu_bus::kTileBytes | fineY;
 }
 
 // Eight pixels from the planes and the attribute of a tile.
 [[nodiscard]] inline uint32_t TilePixels(const PPU& ppu, uint8_t high) {
-    return kPpuSpread[ppu.lowPlane] | kPpuSpread[high] << 1 | ppu.attribute * 0x44444444U;
+    constexpr uint32_t kInEveryPixel = 0x44444444; // bits 2 and 3 of each four
+    return kPpuSpread[ppu.lowPlane] | kPpuSpread[high] << 1 | ppu.attribute * kInEveryPixel;
 }
 
 inline void TakeTile(PPU& ppu, uint32_t dot, uint8_t high) {
@@ -83,7 +90,8 @@ inline void TakeTile(PPU& ppu, uint32_t dot, uint8_t high) {
     if (ppu.visible) {
         PpuDrawTo(ppu, dot + 1);
     }
-    ppu.background = (ppu.background & 0xFFFFFFFF00000000U) | pixels;
+    constexpr uint64_t kFirstEight = 0xFFFFFFFF00000000;
+    ppu.background = (ppu.background & kFirstEight) | pixels;
 }
 
 inline void CopyX(PPU& ppu) {
@@ -122,9 +130,14 @@ inline void Take(PPU& ppu, PpuFetch fetch, uint32_t dot, uint32_t slot, uint8_t 
     }
 }
 
+// Counts on from slot 0 at dot 256, eight dots a sprite.
+[[nodiscard]] inline uint32_t SpriteSlot(uint32_t dot) {
+    return dot / 8 % kPpuLineSprites;
+}
+
 [[gnu::always_inline]] inline void Fetch(PPU& ppu, uint32_t dot) {
     const PpuFetch fetch = dot < kPpuFetchDots ? kPpuFetches[dot] : kFetchNothing;
-    const uint32_t slot = dot >> 3 & 7;
+    const uint32_t slot = SpriteSlot(dot);
     if ((dot & 1) != 0) {
         Take(ppu, fetch, dot, slot, Read(ppu));
     } else if (fetch != kFetchNothing) [[likely]] {

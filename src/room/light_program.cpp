@@ -5,11 +5,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cmath>
+#include <utility>
 
 namespace {
 
-constexpr std::array<float, 4> kAmbient{0.5f, 0.5f, 0.5f, 1.0f};
+constexpr float kAmbient = 0.5f;
 constexpr std::array<float, 4> kLampColour{0.6f, 0.6f, 0.6f, 1.0f};
 constexpr std::array<float, 4> kLampSpecular{0.5f, 0.5f, 0.5f, 1.0f};
 constexpr float kLampLinear = 0.00005f;
@@ -18,31 +20,54 @@ constexpr float kTelevisionLinear = 0.01f;
 constexpr float kTelevisionQuadratic = 0.0001f;
 constexpr float kFalloffScale = 0.000001f;
 
-// What a compiled form depends on, in one number.
-enum VariantBits : uint32_t {
-    kCountBits = 7, // the number of lights
-    kFirstIsSpot = 8,
-    kGlossy = 16,
-    kTextured = 32,
-    kTelevision = 64,
-};
-constexpr uint32_t kFullest = kMostLights | kGlossy | kTextured | kTelevision;
+constexpr size_t kMostLightSets = 8; // kept compiled
 
-std::string FragmentText(uint32_t key) {
-    const uint32_t count = key & kCountBits;
-    const auto define = [key](const char* name, uint32_t bit) {
-        return std::string("#define ") + name + ((key & bit) != 0 ? " 1\n" : " 0\n");
+// The kind of a surface, in one number.
+enum SurfaceBits : uint32_t { kGlossy = 1, kTextured = 2, kTelevision = 4 };
+constexpr uint32_t kFullest = kGlossy | kTextured | kTelevision;
+
+// A number as GLSL reads it, exact. Nine digits tell all floats apart; the exponent makes it no integer.
+std::string Literal(float value) {
+    std::array<char, 32> text{};
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value,
+                                            std::chars_format::scientific, 8);
+    return {text.data(), end};
+}
+
+std::string Literal(VECTOR3 v) {
+    return "vec3(" + Literal(v.x) + ", " + Literal(v.y) + ", " + Literal(v.z) + ")";
+}
+
+VECTOR3 Channels(const std::array<float, 4>& colour) {
+    return {colour[0], colour[1], colour[2]};
+}
+
+std::string CallText(const LIGHT_SHAPE& shape, size_t index) {
+    const std::string attenuation = Literal(shape.constantAttenuation) + ", " +
+                                    Literal(shape.linearAttenuation) + ", " +
+                                    Literal(shape.quadraticAttenuation) + ");\n";
+    if (!shape.bSpot) {
+        return "    AddLamp(" + Literal(shape.pos) + ", " + Literal(Channels(kLampColour)) + ", " +
+               Literal(Channels(kLampSpecular)) + ", " + Literal(shape.ambient) + ", " +
+               attenuation;
+    }
+    return "    AddTelevision(color[" + std::to_string(index) + "].rgb, " + Literal(shape.pos) +
+           ", " + Literal(shape.direction) + ", " + Literal(shape.ambient) + ", " +
+           Literal(shape.spotCosCutoff) + ", " + Literal(shape.spotBall) + ", " + attenuation;
+}
+
+std::string FragmentText(const std::vector<LIGHT_SHAPE>& shapes, uint32_t kind) {
+    const auto define = [kind](const char* name, uint32_t bit) {
+        return std::string("#define ") + name + ((kind & bit) != 0 ? " 1\n" : " 0\n");
     };
     std::string text = "#version 120\n";
     text += define("GLOSSY", kGlossy);
     text += define("TEXTURED", kTextured);
     text += define("TELEVISION", kTelevision);
-    text += "#define LIGHTS " + std::to_string(count) + "\n";
+    text += "#define LIGHTS " + std::to_string(shapes.size()) + "\n";
     text += kFragmentMiddle;
-    for (uint32_t i = 0; i < count; ++i) {
-        const bool spot = i > 0 || (key & kFirstIsSpot) != 0;
-        text += "    AddLight(lights[" + std::to_string(i) + "], " + (spot ? "true" : "false") +
-                ", factor, N, E, light, gloss);\n";
+    for (size_t i = 0; i < shapes.size(); ++i) {
+        text += CallText(shapes[i], i);
     }
     return text + kFragmentEnd;
 }
@@ -64,10 +89,6 @@ std::string ReadLog(GetLog getLog, GLuint name) {
     return log;
 }
 
-std::array<float, 4> Place(VECTOR3 v, float w) {
-    return {v.x, v.y, v.z, w};
-}
-
 } // namespace
 
 bool LightProgram::Start(const GL_FUNCTIONS& functions, std::string& error) {
@@ -77,7 +98,14 @@ bool LightProgram::Start(const GL_FUNCTIONS& functions, std::string& error) {
         error = "the graphics driver has no shaders; the room is drawn without lights";
         return false;
     }
-    works = Compile(kFullest, variants[kFullest], error);
+    // Both kinds of light on the fullest kind of surface: no other form has anything that this has not.
+    VARIANT fullest;
+    const std::vector<LIGHT_SHAPE> shapes{
+        {.bEnabled = true},
+        { .bEnabled = true,   .bSpot = true}
+    };
+    works = Compile(FragmentText(shapes, kFullest), fullest, error);
+    DeleteVariant(fullest);
     if (!works) {
         Release();
     }
@@ -85,17 +113,28 @@ bool LightProgram::Start(const GL_FUNCTIONS& functions, std::string& error) {
 }
 
 void LightProgram::Release() {
-    for (const auto& [key, variant] : variants) {
-        if (variant.program != 0 && gl.deleteProgram != nullptr) {
-            gl.deleteProgram(variant.program);
-        }
+    for (const LIGHT_SET& set : sets) {
+        DropLightSet(set);
     }
-    variants.clear();
+    sets.clear();
+    setKnown = false;
     current = nullptr;
     works = false;
 }
 
-GLuint LightProgram::CompileShader(GLenum kind, const std::string& text, std::string& error) {
+void LightProgram::DeleteVariant(const VARIANT& variant) const {
+    if (variant.program != 0 && gl.deleteProgram != nullptr) {
+        gl.deleteProgram(variant.program);
+    }
+}
+
+void LightProgram::DropLightSet(const LIGHT_SET& set) {
+    for (const auto& [kind, variant] : set.variants) {
+        DeleteVariant(variant);
+    }
+}
+
+GLuint LightProgram::CompileShader(GLenum kind, const std::string& text, std::string& error) const {
     const GLuint shader = gl.createShader(kind);
     const GLchar* const source = text.c_str();
     gl.shaderSource(shader, 1, &source, nullptr);
@@ -107,10 +146,11 @@ GLuint LightProgram::CompileShader(GLenum kind, const std::string& text, std::st
     return shader;
 }
 
-bool LightProgram::Compile(uint32_t key, VARIANT& variant, std::string& error) {
+bool LightProgram::Compile(const std::string& fragmentText, VARIANT& variant,
+                           std::string& error) const {
     error.clear();
     const GLuint vertex = CompileShader(GL_VERTEX_SHADER, kVertexText, error);
-    const GLuint fragment = CompileShader(GL_FRAGMENT_SHADER, FragmentText(key), error);
+    const GLuint fragment = CompileShader(GL_FRAGMENT_SHADER, fragmentText, error);
     const GLuint program = gl.createProgram();
     gl.attachShader(program, vertex);
     gl.attachShader(program, fragment);
@@ -136,123 +176,133 @@ bool LightProgram::Compile(uint32_t key, VARIANT& variant, std::string& error) {
         return false;
     }
     variant.program = program;
-    FindPlaces(variant, key & kCountBits);
+    FindPlaces(variant);
     return true;
 }
 
-void LightProgram::FindPlaces(VARIANT& variant, size_t lightCount) const {
+void LightProgram::FindPlaces(VARIANT& variant) const {
     gl.useProgram(variant.program);
     gl.uniform1i(gl.getUniformLocation(variant.program, "Texture0"), 0);
     gl.useProgram(0);
     variant.tvPlace = gl.getUniformLocation(variant.program, "fTV");
-    for (size_t i = 0; i < lightCount; ++i) {
-        const std::string prefix = "lights[" + std::to_string(i) + "].";
-        const auto place = [&](const char* name) {
-            return gl.getUniformLocation(variant.program, (prefix + name).c_str());
-        };
-        variant.places[i] = {place("color"),
-                             place("specular"),
-                             place("pos"),
-                             place("ambient"),
-                             place("direction"),
-                             place("spotCosCutoff"),
-                             place("spotBall"),
-                             place("constantAttenuation"),
-                             place("linearAttenuation"),
-                             place("quadraticAttenuation")};
+    variant.eyePlace = gl.getUniformLocation(variant.program, "eye");
+    for (size_t i = 0; i < kMostLights; ++i) {
+        const std::string name = "color[" + std::to_string(i) + "]";
+        variant.colorPlaces[i] = gl.getUniformLocation(variant.program, name.c_str());
     }
 }
 
 void LightProgram::ClearLights() {
     for (ROOM_LIGHT& light : lights) {
-        light.bEnabled = false;
+        light.shape.bEnabled = false;
     }
-    lightsWritten = false;
+    setKnown = false;
+    written = false;
 }
 
-void LightProgram::SetLamp(size_t index, const MATRIX4& view, VECTOR3 position) {
+void LightProgram::SetLamp(size_t index, VECTOR3 position) {
     ROOM_LIGHT& light = lights[index];
-    light = {};
-    lightsWritten = false;
-    light.bEnabled = true;
-    light.bSpot = false;
-    light.ambient = kAmbient;
-    light.constantAttenuation = 1.0f;
-    light.linearAttenuation = kLampLinear;
-    light.quadraticAttenuation = kLampQuadratic;
+    light.shape = {};
+    light.shape.bEnabled = true;
+    light.shape.pos = position;
+    light.shape.ambient = kAmbient;
+    light.shape.constantAttenuation = 1.0f;
+    light.shape.linearAttenuation = kLampLinear;
+    light.shape.quadraticAttenuation = kLampQuadratic;
     light.color = kLampColour;
     light.specular = kLampSpecular;
-    light.pos = Place(TransformPoint(view, position), 1.0f);
+    setKnown = false;
+    written = false;
 }
 
-void LightProgram::SetLight(size_t index, const MATRIX4& view, float falloff,
-                            const COLOUR_HISTORY& colours, VECTOR3 position, VECTOR3 direction,
-                            float ball, float cutoffAngle) {
+void LightProgram::SetLight(size_t index, float falloff, const COLOUR_HISTORY& colours,
+                            VECTOR3 position, VECTOR3 direction, float ball, float cutoffAngle) {
     ROOM_LIGHT& light = lights[index];
-    lightsWritten = false;
-    light.bEnabled = true;
-    light.bSpot = true;
-    light.ambient = kAmbient;
-    light.constantAttenuation = 1.0f;
-    light.linearAttenuation = kTelevisionLinear;
-    light.quadraticAttenuation = kTelevisionQuadratic - falloff * kFalloffScale;
-    light.spotCosCutoff = std::cos(Radians(cutoffAngle));
-    light.spotBall = ball;
+    light.shape = {};
+    light.shape.bEnabled = true;
+    light.shape.bSpot = true;
+    light.shape.pos = position;
+    light.shape.direction = direction;
+    light.shape.ambient = kAmbient;
+    light.shape.constantAttenuation = 1.0f;
+    light.shape.linearAttenuation = kTelevisionLinear;
+    light.shape.quadraticAttenuation = kTelevisionQuadratic - falloff * kFalloffScale;
+    light.shape.spotCosCutoff = std::cos(Radians(cutoffAngle));
+    light.shape.spotBall = ball;
     light.color = {colours.light[0], colours.light[1], colours.light[2], 1.0f};
     light.specular = light.color;
-    light.pos = Place(TransformPoint(view, position), 1.0f);
-    light.direction = Place(TransformDirection(view, direction), 0.0f);
+    setKnown = false;
+    written = false;
+}
+
+void LightProgram::SetEye(VECTOR3 place) {
+    eye = {place.x, place.y, place.z, 1.0f};
+    written = false;
 }
 
 size_t LightProgram::LightCount() const {
     const auto dark = std::find_if(lights.begin(), lights.end(),
-                                   [](const ROOM_LIGHT& light) { return !light.bEnabled; });
+                                   [](const ROOM_LIGHT& light) { return !light.shape.bEnabled; });
     return static_cast<size_t>(dark - lights.begin());
 }
 
-LightProgram::VARIANT* LightProgram::Find(const LIT_SURFACE& surface) {
-    auto key = static_cast<uint32_t>(LightCount());
-    if (key != 0) {
-        key |= lights[0].bSpot ? kFirstIsSpot : 0U;
-        key |= surface.glossy ? kGlossy : 0U;
+// Brings the set of these lights to the front; the one that was not used for longest makes room for a new one.
+void LightProgram::FindLightSet() {
+    if (setKnown) {
+        return;
     }
-    key |= surface.textured ? kTextured : 0U;
-    key |= surface.fTV != 0.0f ? kTelevision : 0U;
-    const auto [found, isNew] = variants.try_emplace(key);
-    std::string error; // the fullest form was compiled; a failure draws without the program
-    if (isNew && !Compile(key, found->second, error)) {
-        found->second.program = 0;
+    setKnown = true;
+    std::vector<LIGHT_SHAPE> shapes;
+    for (size_t i = 0; i < LightCount(); ++i) {
+        shapes.push_back(lights[i].shape);
+    }
+    const auto found = std::find_if(sets.begin(), sets.end(),
+                                    [&](const LIGHT_SET& set) { return set.shapes == shapes; });
+    if (found != sets.end()) {
+        sets.splice(sets.begin(), sets, found);
+        return;
+    }
+    if (sets.size() == kMostLightSets) {
+        DropLightSet(sets.back());
+        sets.pop_back();
+    }
+    sets.push_front({std::move(shapes), {}});
+}
+
+// Start has compiled everything, so this should not fail; a form that does draws without the program.
+LightProgram::VARIANT* LightProgram::Find(const LIT_SURFACE& surface) {
+    FindLightSet();
+    LIGHT_SET& set = sets.front();
+    uint32_t kind = surface.textured ? kTextured : 0U;
+    kind |= surface.fTV != 0.0f ? kTelevision : 0U;
+    kind |= surface.glossy && !set.shapes.empty() ? kGlossy : 0U;
+    const auto [found, isNew] = set.variants.try_emplace(kind);
+    std::string error;
+    if (isNew && !Compile(FragmentText(set.shapes, kind), found->second, error)) {
+        found->second = {};
+    }
+    if (isNew) {
+        current = nullptr; // Compile has turned it off
     }
     return &found->second;
 }
 
-void LightProgram::WriteLight(const ROOM_LIGHT& light, const LIGHT_PLACES& places,
-                              ROOM_LIGHT& written, ROOM_COUNTERS& counters) const {
-    const auto write4 = [&](GLint place, const std::array<float, 4>& value,
-                            std::array<float, 4>& last) {
-        if (place >= 0 && value != last) {
-            gl.uniform4f(place, value[0], value[1], value[2], value[3]);
-            last = value;
-            ++counters.uniformWrites;
-        }
-    };
-    const auto write1 = [&](GLint place, float value, float& last) {
-        if (place >= 0 && value != last) {
-            gl.uniform1f(place, value);
-            last = value;
-            ++counters.uniformWrites;
-        }
-    };
-    write4(places.color, light.color, written.color);
-    write4(places.specular, light.specular, written.specular);
-    write4(places.pos, light.pos, written.pos);
-    write4(places.ambient, light.ambient, written.ambient);
-    write4(places.direction, light.direction, written.direction);
-    write1(places.spotCosCutoff, light.spotCosCutoff, written.spotCosCutoff);
-    write1(places.spotBall, light.spotBall, written.spotBall);
-    write1(places.constantAttenuation, light.constantAttenuation, written.constantAttenuation);
-    write1(places.linearAttenuation, light.linearAttenuation, written.linearAttenuation);
-    write1(places.quadraticAttenuation, light.quadraticAttenuation, written.quadraticAttenuation);
+void LightProgram::Write4(GLint place, const std::array<float, 4>& value,
+                          std::array<float, 4>& last, ROOM_COUNTERS& counters) const {
+    if (place >= 0 && value != last) {
+        gl.uniform4f(place, value[0], value[1], value[2], value[3]);
+        last = value;
+        ++counters.uniformWrites;
+    }
+}
+
+void LightProgram::TurnOn(VARIANT* variant, ROOM_COUNTERS& counters) {
+    if (variant != current) {
+        gl.useProgram(variant->program);
+        current = variant;
+        written = false;
+        ++counters.programChanges;
+    }
 }
 
 // A uniform is 0 until it is written, and so is the record of what was written.
@@ -261,17 +311,12 @@ void LightProgram::Use(const LIT_SURFACE& surface, ROOM_COUNTERS& counters) {
         return;
     }
     VARIANT* const variant = Find(surface);
-    if (variant != current) {
-        gl.useProgram(variant->program);
-        current = variant;
-        lightsWritten = false;
-        ++counters.programChanges;
-    }
-    if (!lightsWritten) {
-        lightsWritten = true;
-        const size_t count = variant->program == 0 ? 0 : LightCount();
-        for (size_t i = 0; i < count; ++i) {
-            WriteLight(lights[i], variant->places[i], variant->written[i], counters);
+    TurnOn(variant, counters);
+    if (!written) {
+        written = true;
+        Write4(variant->eyePlace, eye, variant->writtenEye, counters);
+        for (size_t i = 0; i < kMostLights; ++i) {
+            Write4(variant->colorPlaces[i], lights[i].color, variant->writtenColors[i], counters);
         }
     }
     if (variant->tvPlace >= 0 && surface.fTV != variant->writtenTv) {

@@ -4,12 +4,14 @@
 // everywhere; a television shines forward in a cone, to all sides close to its screen, and faintly
 // everywhere else. The picture on a television's glass shows by itself and takes little light.
 //
-// The text is compiled for the number of lights and the kind of surface at hand, when first used: a
-// software renderer computes both sides of every branch, so it gets none that can be decided before.
+// The text is compiled for the lights that shine and the kind of surface at hand, when first used: the
+// places of the lights are constants in it, and no pixel pays for a light that is off. So turning on a
+// television costs a short pause, the first time.
 //
-// Units: lights in eye space, room units. Colours 0 to 1; the result is written as it is, so the frame
+// Units: lights in the room's axes and units. Colours 0 to 1; the result is written as it is, so the frame
 //   buffer must not convert to sRGB, which is OpenGL's default.
-// Order: Start; ClearLights and lights from index 0 on, once a frame; Use before each drawing.
+// Order: Start; ClearLights and lights from index 0 on, once a frame; Use before each drawing, with the
+//   camera in the projection matrix and the furniture's place in the modelview matrix.
 // Thread: main, with the context current.
 #pragma once
 
@@ -21,25 +23,33 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <list>
 #include <map>
 #include <string>
+#include <vector>
 
 inline constexpr size_t kMostLights = 5;
 
-// A light as the shader takes it.
-struct ROOM_LIGHT {
+// What of a light does not change while it shines.
+struct LIGHT_SHAPE {
     bool bEnabled = false;
     bool bSpot = false;
-    std::array<float, 4> color{};
-    std::array<float, 4> specular{};
-    std::array<float, 4> pos{};
-    std::array<float, 4> ambient{};
-    std::array<float, 4> direction{};
+    VECTOR3 pos{};
+    VECTOR3 direction{};  // of a spot
+    float ambient = 0.0f; // of all three channels
     float spotCosCutoff = 0.0f;
     float spotBall = 0.0f;
     float constantAttenuation = 0.0f;
     float linearAttenuation = 0.0f;
     float quadraticAttenuation = 0.0f;
+
+    bool operator==(const LIGHT_SHAPE&) const = default;
+};
+
+struct ROOM_LIGHT {
+    LIGHT_SHAPE shape;
+    std::array<float, 4> color{};
+    std::array<float, 4> specular{};
 };
 
 // What the shader needs to know of a surface beyond OpenGL's material and texture.
@@ -63,11 +73,13 @@ public:
     [[nodiscard]] bool Works() const { return works; }
 
     void ClearLights();
-    // The lamp under the ceiling, at a place of the room.
-    void SetLamp(size_t index, const MATRIX4& view, VECTOR3 position);
+    // The lamp under the ceiling.
+    void SetLamp(size_t index, VECTOR3 position);
     // A television. `cutoffAngle` in degrees from `direction`, `ball` the radius of the light to all sides.
-    void SetLight(size_t index, const MATRIX4& view, float falloff, const COLOUR_HISTORY& colours,
-                  VECTOR3 position, VECTOR3 direction, float ball, float cutoffAngle);
+    void SetLight(size_t index, float falloff, const COLOUR_HISTORY& colours, VECTOR3 position,
+                  VECTOR3 direction, float ball, float cutoffAngle);
+    // The place of the camera, which a mirrored light is seen from.
+    void SetEye(VECTOR3 place);
     [[nodiscard]] const std::array<ROOM_LIGHT, kMostLights>& Lights() const { return lights; }
     // Only the lights before the first disabled one shine.
     [[nodiscard]] size_t LightCount() const;
@@ -80,31 +92,41 @@ public:
     void ForgetState() { current = nullptr; }
 
 private:
-    struct LIGHT_PLACES {
-        GLint color, specular, pos, ambient, direction;
-        GLint spotCosCutoff, spotBall;
-        GLint constantAttenuation, linearAttenuation, quadraticAttenuation;
-    };
     // One compiled form of the text, and what was last written to it.
     struct VARIANT {
         GLuint program = 0; // 0 if it cannot be compiled
         GLint tvPlace = -1;
-        std::array<LIGHT_PLACES, kMostLights> places{};
-        std::array<ROOM_LIGHT, kMostLights> written{};
+        GLint eyePlace = -1;
+        std::array<GLint, kMostLights> colorPlaces{-1, -1, -1, -1, -1};
         float writtenTv = 0.0f;
+        std::array<float, 4> writtenEye{};
+        std::array<std::array<float, 4>, kMostLights> writtenColors{};
+    };
+    // The forms for some lights, by the kind of surface.
+    struct LIGHT_SET {
+        std::vector<LIGHT_SHAPE> shapes;
+        std::map<uint32_t, VARIANT> variants;
     };
 
+    void FindLightSet();
     [[nodiscard]] VARIANT* Find(const LIT_SURFACE& surface);
-    [[nodiscard]] bool Compile(uint32_t key, VARIANT& variant, std::string& error);
-    [[nodiscard]] GLuint CompileShader(GLenum kind, const std::string& text, std::string& error);
-    void FindPlaces(VARIANT& variant, size_t lightCount) const;
-    void WriteLight(const ROOM_LIGHT& light, const LIGHT_PLACES& places, ROOM_LIGHT& written,
-                    ROOM_COUNTERS& counters) const;
+    void TurnOn(VARIANT* variant, ROOM_COUNTERS& counters);
+    [[nodiscard]] bool Compile(const std::string& fragmentText, VARIANT& variant,
+                               std::string& error) const;
+    [[nodiscard]] GLuint CompileShader(GLenum kind, const std::string& text,
+                                       std::string& error) const;
+    void FindPlaces(VARIANT& variant) const;
+    void Write4(GLint place, const std::array<float, 4>& value, std::array<float, 4>& written,
+                ROOM_COUNTERS& counters) const;
+    void DeleteVariant(const VARIANT& variant) const;
+    void DropLightSet(const LIGHT_SET& set);
 
     GL_FUNCTIONS gl;
     bool works = false;
     std::array<ROOM_LIGHT, kMostLights> lights{};
-    std::map<uint32_t, VARIANT> variants;
+    std::array<float, 4> eye{};
+    std::list<LIGHT_SET> sets;  // the one in use first
+    bool setKnown = false;      // the first set is that of `lights`
     VARIANT* current = nullptr; // in use; null: the fixed pipeline, or not known
-    bool lightsWritten = false; // to `current`
+    bool written = false;       // colours and eye, to `current`
 };

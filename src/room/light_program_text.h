@@ -1,11 +1,15 @@
-// The shader's text, for light_program.cpp and its tests.
+// The shader's text, for light_program.cpp.
 //
 // The head of the fragment text defines TEXTURED, GLOSSY, TELEVISION and LIGHTS; kFragmentMiddle follows, then a
-// call of AddLight for each light, and kFragmentEnd.
+// call of AddLamp or AddTelevision for each light, and kFragmentEnd.
+//
+// All is in the room's own axes: the modelview matrix holds the place of the furniture alone, and the
+// projection matrix the camera. So the place of a light is a constant, which is written into the text: a
+// software renderer spends more on fetching a number that may change than on computing with it.
 #pragma once
 
 inline constexpr const char* kVertexText = R"(#version 120
-varying vec3 worldPos; // in eye space
+varying vec3 worldPos;
 varying vec3 normal;
 void main() {
     gl_TexCoord[0] = gl_TextureMatrix[0] * gl_MultiTexCoord0;
@@ -15,74 +19,87 @@ void main() {
 }
 )";
 
-// `light` collects what multiplies the surface's own colour, `gloss` the rest.
+// `light` collects what multiplies the surface's own colour, `gloss` the rest. No vector is normalised that
+// need not be: a product with one is divided by its length instead.
 inline constexpr const char* kFragmentMiddle = R"(
 varying vec3 worldPos;
 varying vec3 normal;
 uniform sampler2D Texture0;
 uniform float fTV;
-struct Lights {
-    vec4 color;
-    vec4 specular;
-    vec4 pos;
-    vec4 ambient;
-    vec4 direction;
-    float spotCosCutoff;
-    float spotBall;
-    float constantAttenuation;
-    float linearAttenuation;
-    float quadraticAttenuation;
-};
+uniform vec4 eye; // the camera's place
 #if LIGHTS > 0
-uniform Lights lights[LIGHTS];
+uniform vec4 color[LIGHTS]; // of televisions
 #endif
 
-void AddLight(Lights source, bool spot, float factor, vec3 N, vec3 E, inout vec3 light,
-              inout vec3 gloss) {
-    vec3 lightDir = source.pos.xyz - worldPos;
-    float square = dot(lightDir, lightDir);
-    float d = sqrt(square);
-    vec3 L = lightDir / d;
-    float att = factor / (source.constantAttenuation + source.linearAttenuation * d +
-                          source.quadraticAttenuation * square);
-    float lambert = max(dot(N, L), 0.0);
-    float direct = lambert * att;
-    float shine = att;
-    if (spot) {
-        bool outside = dot(-L, source.direction.xyz) <= source.spotCosCutoff;
-        bool beyond = outside && d > source.spotBall;
-        float boost = outside ? 5.0 : 1.0;
-        vec3 dim = source.ambient.rgb * clamp(att * 4.0, 0.0, 0.2);
-        light += source.color.rgb * (beyond ? dim : vec3(direct * boost));
-        shine = outside ? 0.0 : att;
-    } else {
-        light += source.ambient.rgb * att + source.color.rgb * direct;
-    }
+vec3 light;
+vec3 gloss;
+vec3 N;
+vec3 E;
+
+#if TELEVISION
+const float kFactor = 0.3;
+#else
+const float kFactor = 1.0;
+#endif
+
+void AddGloss(vec3 specular, vec3 lightDir, float inverse, float lambert, float shine) {
 #if GLOSSY
-    vec3 R = reflect(-L, N);
-    float mirror = abs(pow(max(dot(R, E), 0.0), gl_FrontMaterial.shininess));
-    gloss += source.specular.rgb * (lambert > 0.0 ? mirror * shine : 0.0);
+    vec3 R = N * (2.0 * dot(N, lightDir)) - lightDir;
+    float mirror = abs(pow(max(dot(R, E) * inverse, 0.0), gl_FrontMaterial.shininess));
+    gloss += specular * (lambert > 0.0 ? mirror * shine : 0.0);
 #endif
 }
 
+void AddLamp(vec3 pos, vec3 lampColor, vec3 specular, float ambient, float constantAttenuation,
+             float linearAttenuation, float quadraticAttenuation) {
+    vec3 lightDir = pos - worldPos;
+    float square = dot(lightDir, lightDir);
+    float inverse = inversesqrt(square);
+    float att = kFactor / (constantAttenuation + linearAttenuation * (square * inverse) +
+                           quadraticAttenuation * square);
+    float lambert = max(dot(N, lightDir) * inverse, 0.0);
+    light += lampColor * (lambert * att) + ambient * att;
+    AddGloss(specular, lightDir, inverse, lambert, att);
+}
+
+void AddTelevision(vec3 tvColor, vec3 pos, vec3 direction, float ambient, float spotCosCutoff,
+                   float spotBall, float constantAttenuation, float linearAttenuation,
+                   float quadraticAttenuation) {
+    vec3 lightDir = pos - worldPos;
+    float square = dot(lightDir, lightDir);
+    float inverse = inversesqrt(square);
+    float d = square * inverse;
+    float att = kFactor / (constantAttenuation + linearAttenuation * d + quadraticAttenuation * square);
+    float lambert = max(dot(N, lightDir) * inverse, 0.0);
+    float direct = lambert * att;
+    bool outside = -dot(lightDir, direction) * inverse <= spotCosCutoff;
+    float around = d > spotBall ? ambient * min(att * 4.0, 0.2) : direct * 5.0;
+    light += tvColor * (outside ? around : direct);
+    AddGloss(tvColor, lightDir, inverse, lambert, outside ? 0.0 : att);
+}
+
 void main() {
-    vec3 color1 = gl_FrontMaterial.diffuse.rgb + gl_FrontMaterial.emission.rgb;
 #if TEXTURED
-    color1 += texture2D(Texture0, gl_TexCoord[0].st).rgb;
-#endif
-#if TELEVISION
-    vec3 light = vec3(fTV);
-    float factor = 0.3;
+    vec3 color1 = texture2D(Texture0, gl_TexCoord[0].st).rgb;
 #else
-    vec3 light = vec3(0.0);
-    float factor = 1.0;
+    vec3 color1 = gl_FrontMaterial.diffuse.rgb;
 #endif
-    vec3 gloss = vec3(0.0);
-    vec3 N = normalize(normal);
-    vec3 E = normalize(-worldPos);
+    color1 += gl_FrontMaterial.emission.r; // it is grey
+#if TELEVISION
+    light = vec3(fTV);
+#else
+    light = vec3(0.0);
+#endif
+    gloss = vec3(0.0);
+    N = normalize(normal);
+    E = normalize(eye.xyz - worldPos);
 )";
 
 inline constexpr const char* kFragmentEnd = R"(
-    gl_FragColor = vec4(color1 * light + gl_FrontMaterial.specular.rgb * gloss, 1.0);
+    vec3 shown = color1 * light;
+#if GLOSSY
+    shown += gl_FrontMaterial.specular.rgb * gloss;
+#endif
+    gl_FragColor = vec4(shown, 1.0);
 }
 )";

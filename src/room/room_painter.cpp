@@ -14,6 +14,14 @@ constexpr float kNoAnisotropy = 1.0f;
 
 uint64_t gGenerations = 0; // main thread
 
+// Where the camera of a view without scaling stands: the point that it moves to the origin.
+VECTOR3 EyeOf(const MATRIX4& view) {
+    const VECTOR3 moved{view[12], view[13], view[14]};
+    return VECTOR3{} - VECTOR3{Dot({view[0], view[1], view[2]}, moved),
+                               Dot({view[4], view[5], view[6]}, moved),
+                               Dot({view[8], view[9], view[10]}, moved)};
+}
+
 } // namespace
 
 void RoomPainter::Start(const ROOM_SERVICES& services) {
@@ -60,7 +68,7 @@ uint32_t RoomPainter::MakeIndexBuffer(const void* data, size_t bytes) {
     return MakeBuffer(GL_ELEMENT_ARRAY_BUFFER, data, bytes);
 }
 
-void RoomPainter::BeginScene(const MATRIX4& sceneProjection, const MATRIX4& sceneView) {
+void RoomPainter::BeginScene(const MATRIX4& projection, const MATRIX4& view) {
     const uint64_t imageBytes = textures.BytesUploaded();
     counters = {};
     counters.bytesUploaded = imageBytes - imageBytesBefore;
@@ -71,8 +79,6 @@ void RoomPainter::BeginScene(const MATRIX4& sceneProjection, const MATRIX4& scen
         anisotropic && Gl().largestAnisotropy > 0.0f ? Gl().largestAnisotropy : kNoAnisotropy;
     textures.SetAnisotropy(anisotropy);
 
-    projection = sceneProjection;
-    view = sceneView;
     material = {};
     texture = 0;
     texturePlace = {};
@@ -82,8 +88,10 @@ void RoomPainter::BeginScene(const MATRIX4& sceneProjection, const MATRIX4& scen
     boundVertexBuffer = boundIndexBuffer = 0;
     program.ForgetState();
 
+    camera = Multiply(projection, view);
+    program.SetEye(EyeOf(view));
     glMatrixMode(GL_PROJECTION);
-    glLoadMatrixf(projection.data());
+    glLoadMatrixf(camera.data());
     SetTransform(kIdentity);
     if (gl.activeTexture != nullptr) {
         gl.activeTexture(GL_TEXTURE0);
@@ -108,15 +116,10 @@ void RoomPainter::EndScene() {
     glBindTexture(GL_TEXTURE_2D, 0);
 }
 
-bool RoomPainter::UsesProgram() {
-    return lighting && program.Works();
-}
-
 void RoomPainter::SetTransform(const MATRIX4& model) {
-    const MATRIX4 modelView = Multiply(view, model);
-    toClip = Multiply(projection, modelView);
+    toClip = Multiply(camera, model);
     glMatrixMode(GL_MODELVIEW);
-    glLoadMatrixf(modelView.data());
+    glLoadMatrixf(model.data());
     ++counters.matrixLoads;
 }
 

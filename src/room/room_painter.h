@@ -47,6 +47,11 @@ struct VERTEX_ARRAYS {
     bool operator==(const VERTEX_ARRAYS&) const = default;
 };
 
+// A place in a buffer, in the form in which OpenGL takes it.
+inline const void* BufferOffset(size_t bytes) {
+    return reinterpret_cast<const void*>(bytes); // NOLINT(performance-no-int-to-ptr)
+}
+
 class RoomPainter {
 public:
     RoomPainter() = default;
@@ -68,7 +73,7 @@ public:
     [[nodiscard]] uint32_t MakeIndexBuffer(const void* data, size_t bytes);
 
     // Takes over from whoever drew before. Reads the settings of drawing.
-    void BeginScene(const MATRIX4& sceneProjection, const MATRIX4& sceneView);
+    void BeginScene(const MATRIX4& projection, const MATRIX4& view);
     // Leaves the fixed pipeline, no buffers and no texture matrix.
     void EndScene();
 
@@ -106,7 +111,7 @@ private:
     void SendMaterial();
     void SendColour(GLenum which, const std::array<float, 3>& value, std::array<float, 3>& sent);
     void SendTexture();
-    [[nodiscard]] bool UsesProgram();
+    [[nodiscard]] bool UsesProgram() const { return lighting && program.Works(); }
 
     GL_FUNCTIONS gl;
     LightProgram program;
@@ -118,9 +123,8 @@ private:
     uint64_t imageBytesBefore = 0; // uploaded before this scene
     ROOM_COUNTERS counters;
 
-    MATRIX4 projection{};
-    MATRIX4 view{};
-    MATRIX4 toClip{}; // projection * view * model
+    MATRIX4 camera{}; // projection * view
+    MATRIX4 toClip{}; // that and the current transform
 
     SURFACE_MATERIAL material;
     uint32_t texture = 0;

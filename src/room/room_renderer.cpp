@@ -49,12 +49,14 @@ void RoomRenderer::InitRoom(const ROOM_SERVICES& roomServices) {
     Release();
     services = roomServices;
     painter.Start(services);
+    covers.Start([this](std::string_view file) { return LoadModel(file); });
     shell.Start(painter);
     lightFixture = LoadModel("lightfixture.3ds");
     logo = LoadModel("ombrelune.3ds");
 }
 
 void RoomRenderer::Release() {
+    covers.End();
     lightFixture.reset();
     logo.reset();
     painter.Release();
@@ -84,7 +86,7 @@ void RoomRenderer::SetLights(const ROOM_SCENE& scene, CRoomObjects& objects) {
     program.ClearLights();
     size_t next = 0;
     if (scene.ceilingLight) {
-        program.SetLamp(next++, scene.view, kLampLight);
+        program.SetLamp(next++, kLampLight);
     }
     for (const uint32_t id : objects.Televisions()) {
         const CRoomObject* const object = id != 0 ? objects.Find(id) : nullptr;
@@ -92,8 +94,8 @@ void RoomRenderer::SetLights(const ROOM_SCENE& scene, CRoomObjects& objects) {
             continue;
         }
         const CRoomObjectType& type = *object->type;
-        program.SetLight(next++, scene.view, type.falloff, object->colours, LightOf(*object),
-                         object->direction, type.ball, type.cutoffAngle);
+        program.SetLight(next++, type.falloff, object->colours, LightOf(*object), object->direction,
+                         type.ball, type.cutoffAngle);
     }
 }
 
@@ -119,6 +121,7 @@ void RoomRenderer::DrawModel(const std::unique_ptr<Model_3DS>& model, const MATR
     }
 }
 
+// The box, which surrounds all else, comes last: depth decides what is seen, and nothing hidden is lit.
 void RoomRenderer::Draw(const ROOM_SCENE& scene, CRoomObjects& objects) {
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -126,14 +129,15 @@ void RoomRenderer::Draw(const ROOM_SCENE& scene, CRoomObjects& objects) {
                 static_cast<int32_t>(scene.screenHeight));
     SetLights(scene, objects);
     painter.BeginScene(scene.projection, scene.view);
-    shell.Draw(painter);
-    shell.DrawPictures(painter);
     for (const std::unique_ptr<CRoomObject>& object : objects.All()) {
         DrawObject(*object);
     }
     DrawModel(lightFixture, Translation(kFixturePlace));
     DrawModel(logo, Multiply(Translation(kLogoPlace), RotationAboutY(kLogoRotation)));
+    shell.Draw(painter);
+    shell.DrawPictures(painter);
     painter.EndScene();
+    counters = painter.Counters();
     glDisable(GL_LIGHTING);
     Ortho2D(scene.screenWidth, scene.screenHeight);
 }

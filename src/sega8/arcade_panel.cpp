@@ -80,7 +80,7 @@ struct PULL {
     uint8_t bit;    // of the port, 0 while the input is held
 };
 
-// 0xFF without the bits of what is held down.
+// 0xFF with the bits of the held inputs cleared.
 template <size_t Count>
 uint8_t Pulled(const ARCADE_PANEL& panel, const PULL (&pulls)[Count]) {
     uint32_t value = kNothingPressed;

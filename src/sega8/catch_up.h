@@ -1,5 +1,5 @@
 // Catch-up of the chips around a Z80, for a machine's frame loop: VDP, PSG and FM chip owe clocks
-// while the Z80 runs ahead, and run them when something could tell the difference.
+// while the Z80 runs ahead, and run them before anything could show the difference.
 //
 // A chip changes the Z80's lines only at known clocks (VdpTicksToEvent), and the Z80 sees it only
 // through ports. A span is the time between two such clocks. Within a span the Z80 runs alone; the
@@ -34,7 +34,7 @@ struct CATCH_UP_CHIPS {
         soundClocks = 0;
     }
 
-    // Runs the chips to these counts of the span; no less than those of the call before.
+    // Runs the chips up to these counts, which never fall within a span.
     void CatchUp(uint32_t ticks, uint32_t clocks) {
         VdpRun(vdp, ticks - vdpTicks);
         PsgRun(psg, clocks - soundClocks);

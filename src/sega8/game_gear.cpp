@@ -285,17 +285,17 @@ void CGAMEGEAR::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video,
 }
 
 void CGAMEGEAR::RunConsoles() {
-    if (stepByStep) {
-        RunStepByStep();
+    if (plainLoop) {
+        RunFramePlain();
     } else {
-        RunCatchingUp();
+        RunFrameFast();
     }
 }
 
 // Every chip on every clock; two consoles take turns, a Z80 clock each. A reset starts both at the
 // same dot, so their frames end together. A state may have them apart; then the first console's
 // frame counts.
-void CGAMEGEAR::RunStepByStep() {
+void CGAMEGEAR::RunFramePlain() {
     while (!consoles[0].vdp.frameDone) {
         for (uint32_t i = 0; i < consoleCount; ++i) {
             ConsoleTick(consoles[i]);
@@ -305,7 +305,7 @@ void CGAMEGEAR::RunStepByStep() {
 
 // The same frame, in which VDP and PSG catch up. A clock in which a VDP changes a line of its Z80
 // runs every chip; so does the first clock, which sets the lines' levels.
-void CGAMEGEAR::RunCatchingUp() {
+void CGAMEGEAR::RunFrameFast() {
     CATCH_UP_CHIPS chips[2] = {
         {consoles[0].vdp, consoles[0].psg},
         {consoles[1].vdp, consoles[1].psg}

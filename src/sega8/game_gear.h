@@ -64,7 +64,7 @@ public:
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region, uint32_t console = 0) const;
 
     // Frames by the plain loop, which ticks every chip on every clock; for tests of the fast loop.
-    void SetStepByStep(bool plain) { stepByStep = plain; }
+    void SetPlainLoop(bool plain) { plainLoop = plain; }
 
     [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
     [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
@@ -76,8 +76,8 @@ private:
     void ConnectChips();
     void ReadInput();
     void RunConsoles();
-    void RunStepByStep();
-    void RunCatchingUp();
+    void RunFramePlain();
+    void RunFrameFast();
     void FinishPicture(EMU_VIDEO_FRAME& video) const;
     void CutWindow(EMU_VIDEO_FRAME& video) const;
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
@@ -86,6 +86,6 @@ private:
 
     GEAR_OPTIONS chosen{};
     uint32_t consoleCount = 1;
-    bool stepByStep = false;
+    bool plainLoop = false;
     std::array<GEAR_CONSOLE, 2> consoles; // the second one runs only with a link
 };

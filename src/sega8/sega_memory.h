@@ -3,8 +3,8 @@
 // Source: C. MacDonald, SMS/GG hardware notes (2002); SMS Power, Mappers.
 //
 // The space is a table of 256 pages of 256 bytes, each with a pointer for reads and one for writes.
-// A write also tests its address for the mapper's registers. Unmapped reads come from a page of
-// 0xFF, unmapped writes go to a page that is never read.
+// A write to the address of a mapper register changes the mapping too. Unmapped reads come from a
+// page of 0xFF, unmapped writes go to a page that is never read.
 //
 // Banks have 16 KB; an image is padded to whole banks with 0xFF. The bank mask is the next power of
 // two above the bank count, minus 1. A bank number that is still too large after masking selects

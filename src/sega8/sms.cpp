@@ -189,10 +189,10 @@ void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FR
                    input);
     vdp.pausePressed = (pads.input[0] & kPadPause) != 0;
     VdpBeginFrame(vdp, video->pixels, kVdpPictureWidth);
-    if (stepByStep) {
-        RunStepByStep();
+    if (plainLoop) {
+        RunFramePlain();
     } else {
-        RunCatchingUp();
+        RunFrameFast();
     }
     if (chosen.fmChip != 0) {
         MixFm(*audio);
@@ -206,7 +206,7 @@ void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FR
 }
 
 // One Z80 clock of every chip, in the order in which they are clocked.
-void CSMS::RunClock(SMS_BUS& bus) {
+void CSMS::TickChips(SMS_BUS& bus) {
     VdpTick(vdp);
     VdpTick(vdp);
     Z80TickOn(z80, bus);
@@ -219,20 +219,20 @@ void CSMS::RunClock(SMS_BUS& bus) {
     z80.irqLine = irqOut;
 }
 
-void CSMS::RunStepByStep() {
+void CSMS::RunFramePlain() {
     SMS_BUS bus{*this, memory};
     while (!vdp.frameDone) {
-        RunClock(bus);
+        TickChips(bus);
     }
 }
 
 // The same frame, in which the chips around the Z80 catch up. A clock in which the VDP changes a
 // line of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
-void CSMS::RunCatchingUp() {
+void CSMS::RunFrameFast() {
     SMS_BUS bus{*this, memory};
     CATCH_UP_CHIPS chips{vdp, psg, chosen.fmChip != 0 ? &fm : nullptr};
     SMS_CATCH_UP_BUS catchUpBus{bus, chips, z80.irqLine, irqOut, clockCount};
-    RunClock(bus);
+    TickChips(bus);
     while (!vdp.frameDone) {
         const uint32_t clocks = (VdpTicksToEvent(vdp) - 1) / kVdpTicksPerClock;
         chips.BeginSpan();
@@ -240,7 +240,7 @@ void CSMS::RunCatchingUp() {
         Z80RunOn(z80, catchUpBus, clocks);
         chips.CatchUp(clocks * kVdpTicksPerClock, clocks);
         clockCount = catchUpBus.startCount + clocks;
-        RunClock(bus);
+        TickChips(bus);
     }
 }
 
@@ -250,8 +250,8 @@ void CSMS::MixFm(EMU_AUDIO_FRAME& audio) {
     psgSound.Flush();
     fmSound.Flush();
     const uint32_t values = std::max(ReadyValues(psgSound), ReadyValues(fmSound));
-    psgSound.CatchUp(values, [this] { PsgRun(psg, kPsgClocksPerPair); });
-    fmSound.CatchUp(values, [this] { YmRun(fm, kYmClocksPerSample); });
+    psgSound.FlushUntilReady(values, [this] { PsgRun(psg, kPsgClocksPerPair); });
+    fmSound.FlushUntilReady(values, [this] { YmRun(fm, kYmClocksPerSample); });
     MixSound(fmSound, psgSound, values, audio, [](int32_t fmValue, int32_t psgValue) {
         return static_cast<int32_t>(fmValue * kFmGain + psgValue * kPsgGain);
     });

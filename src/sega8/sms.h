@@ -44,7 +44,7 @@ public:
     [[nodiscard]] std::vector<uint8_t> Memory(std::string_view region) const;
 
     // Frames by the plain loop, which ticks every chip on every clock; for tests of the fast loop.
-    void SetStepByStep(bool plain) { stepByStep = plain; }
+    void SetPlainLoop(bool plain) { plainLoop = plain; }
 
     // The ports as the Z80 sees them; only the low byte counts.
     [[nodiscard]] uint8_t ReadPort(uint16_t port);
@@ -58,16 +58,16 @@ private:
     friend struct MACHINE_FIELDS; // of the tests: every field of a state
 
     void ConnectChips();
-    void RunClock(SMS_BUS& bus);
-    void RunStepByStep();
-    void RunCatchingUp();
+    void TickChips(SMS_BUS& bus);
+    void RunFramePlain();
+    void RunFrameFast();
     void MixFm(EMU_AUDIO_FRAME& audio);
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
     template <typename Visit>
     void BoardFields(Visit& visit, uint8_t& irqByte);
 
     SMS_OPTIONS chosen{};
-    bool stepByStep = false;
+    bool plainLoop = false;
     Z80 z80;
     VDP vdp;
     PSG psg;

@@ -37,6 +37,7 @@ constexpr uint32_t kSportsMovement = 10;
 constexpr uint32_t kSportsRestart = 280; // clocks
 constexpr uint32_t kSportsLastPhase = 3;
 constexpr uint32_t kSixButtonTimeOut = 1956; // clocks
+constexpr uint32_t kSixButtonPulses = 4;     // of TH; then the pad starts again
 constexpr int32_t kSpotLines = 4;            // above and below the aim
 constexpr int32_t kSpotDots = 150;           // 100 clocks
 
@@ -86,8 +87,8 @@ bool SeesBeam(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
            down <= kSpotLines && right >= 0 && right < kSpotDots;
 }
 
-// The last point at which the beam entered the spot since the call before, in this frame; line -1:
-// none.
+// The last point at which the beam has entered the spot in this frame and since the last call; line
+// -1 if it has not.
 BEAM_POINT NewHit(PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
     if (!Sees(pads, port)) {
         return {};
@@ -129,21 +130,24 @@ uint8_t PhaserLines(const PAD_PORTS& pads, const VDP& vdp, uint32_t port) {
                        (light ? uint32_t{kLineTh} : 0u));
 }
 
+uint32_t NibbleOf(uint32_t value, bool high) {
+    return (high ? value >> 4 : value) & 15;
+}
+
 uint8_t SportsPadLines(PAD_PORTS& pads, uint32_t port, uint32_t clock) {
     if (clock - pads.lastEdgeClock[port] > kSportsRestart) {
         pads.deviceState[port] = 0;
     }
     const uint32_t phase = pads.deviceState[port] & kSportsLastPhase;
     const uint32_t moved = phase < 2 ? pads.deviceX[port] : pads.deviceY[port];
-    const uint32_t nibble = (phase & 1) == 0 ? moved >> 4 & 15 : moved & 15;
+    const uint32_t nibble = NibbleOf(moved, phase % 2 == 0);
     const uint8_t buttons = TwoButtons(pads.input[port]);
     return static_cast<uint8_t>(OpenWithout(buttons | uint32_t{kLineDirections}) | nibble);
 }
 
 uint8_t PaddleLines(PAD_PORTS& pads, uint32_t port, bool flip) {
-    const bool high = (pads.deviceState[port] & 1) != 0;
-    const uint32_t turn = pads.deviceX[port];
-    const uint32_t nibble = high ? turn >> 4 & 15 : turn & 15;
+    const bool high = pads.deviceState[port] % 2 != 0;
+    const uint32_t nibble = NibbleOf(pads.deviceX[port], high);
     if (flip) {
         pads.deviceState[port] ^= 1;
     }
@@ -162,7 +166,7 @@ uint8_t SixButtonLines(PAD_PORTS& pads, uint32_t port, uint32_t clock) {
     if (clock - pads.lastEdgeClock[port] > kSixButtonTimeOut) {
         pads.deviceState[port] = 0;
     }
-    const uint32_t count = pads.deviceState[port] & 3;
+    const uint32_t count = pads.deviceState[port] % kSixButtonPulses;
     const uint32_t input = pads.input[port];
     if (ThHigh(pads.ioControl, port)) {
         if (count < 3) {
@@ -203,7 +207,7 @@ void ThEdge(PAD_PORTS& pads, uint32_t port, bool rising, uint32_t clock) {
         if (quiet > kSixButtonTimeOut) {
             state = 0;
         }
-        state = (state + (rising ? 1 : 0)) & 3;
+        state = (state + (rising ? 1 : 0)) % kSixButtonPulses;
     }
 }
 

@@ -260,10 +260,10 @@ void CSEGAE::RunFrame(EMU_INPUT_STATE* /*input*/, EMU_VIDEO_FRAME* video, EMU_AU
     ReadInput();
     ArcadePanelMove(panel);
     video->rotated = panel.board == kBoardDial ? 1 : 0;
-    if (stepByStep) {
-        RunStepByStep();
+    if (plainLoop) {
+        RunFramePlain();
     } else {
-        RunCatchingUp();
+        RunFrameFast();
     }
     sound1.Flush();
     sound2.Flush();
@@ -281,7 +281,7 @@ void CSEGAE::ReadInput() {
 }
 
 // One Z80 clock of every chip, in the order in which they are clocked.
-void CSEGAE::RunClock(ARCADE_BUS& bus) {
+void CSEGAE::TickChips(ARCADE_BUS& bus) {
     Z80TickOn(z80, bus);
     VdpTick(vdp1);
     VdpTick(vdp1);
@@ -298,10 +298,10 @@ void CSEGAE::RunSound(uint32_t clocks) {
     psgPhase = phase % kPsgPhasePerPsgClock;
 }
 
-void CSEGAE::RunStepByStep() {
+void CSEGAE::RunFramePlain() {
     ARCADE_BUS bus{*this};
     while (!vdp2.frameDone) {
-        RunClock(bus);
+        TickChips(bus);
     }
 }
 
@@ -315,10 +315,10 @@ void CSEGAE::CatchUp(uint32_t clocks) {
 
 // The same frame, in which the chips around the Z80 catch up. A clock in which a VDP changes a line
 // of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
-void CSEGAE::RunCatchingUp() {
+void CSEGAE::RunFrameFast() {
     ARCADE_BUS bus{*this};
     ARCADE_CATCH_UP_BUS catchUpBus{bus, z80.irqLine, irqLine};
-    RunClock(bus);
+    TickChips(bus);
     while (!vdp2.frameDone) {
         // A reset starts both chips at the same dot; a state may have them apart.
         const uint32_t ticks = std::min(VdpTicksToEvent(vdp1), VdpTicksToEvent(vdp2));
@@ -326,7 +326,7 @@ void CSEGAE::RunCatchingUp() {
         catchUpBus.done = 0;
         Z80RunOn(z80, catchUpBus, clocks);
         CatchUp(clocks - catchUpBus.done);
-        RunClock(bus);
+        TickChips(bus);
     }
 }
 

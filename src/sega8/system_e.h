@@ -110,7 +110,7 @@ public:
         return opcodeWindows[address >> 14][address & 0x3FFF];
     }
     // Frames by the plain loop, which ticks every chip on every clock; for tests of the fast loop.
-    void SetStepByStep(bool plain) { stepByStep = plain; }
+    void SetPlainLoop(bool plain) { plainLoop = plain; }
     // Runs the Z80 clocks that the other chips owe.
     void CatchUp(uint32_t clocks);
 
@@ -131,10 +131,10 @@ private:
     void ConnectChips();
     void RebuildMap();
     void ReadInput();
-    void RunClock(ARCADE_BUS& bus);
+    void TickChips(ARCADE_BUS& bus);
     void RunSound(uint32_t clocks);
-    void RunStepByStep();
-    void RunCatchingUp();
+    void RunFramePlain();
+    void RunFrameFast();
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
     template <typename Visit>
     void BoardFields(Visit& visit);
@@ -155,7 +155,7 @@ private:
     uint32_t opcodeOffset = 0;
     uint32_t irqLine = 0;   // by vdp2
     uint32_t irqUnread = 0; // by vdp1; not connected
-    bool stepByStep = false;
+    bool plainLoop = false;
     uint32_t psgPhase = 0; // in fifteenths of a PSG clock, 0..14
     uint8_t bankLatch = 0; // port 0xF7
     std::array<uint8_t, 0x4000> ram{};

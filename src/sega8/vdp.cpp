@@ -17,11 +17,11 @@ constexpr uint32_t TwelveBitPixel(uint32_t value) {
 
 void ConvertColour(VDP& vdp, uint32_t entry) {
     if (vdp.variant == kVdpGameGear) {
-        const uint32_t pair = (entry & 31) * 2;
-        vdp.palette[entry & 31] =
+        const uint32_t pair = (entry & kVdpEntryMask) * 2;
+        vdp.palette[entry & kVdpEntryMask] =
             TwelveBitPixel(vdp.cram[pair] | static_cast<uint32_t>(vdp.cram[pair + 1]) << 8);
     } else {
-        vdp.palette[entry & 31] = VdpSixBitPixel(vdp.cram[entry & 31]);
+        vdp.palette[entry & kVdpEntryMask] = VdpSixBitPixel(vdp.cram[entry & kVdpEntryMask]);
     }
 }
 
@@ -54,12 +54,12 @@ void RequestAccess(VDP& vdp, VdpAccess access, uint8_t value) {
 // stores the latch and the byte as a pair. Another odd write uses the same latch again.
 void WriteColour(VDP& vdp, uint8_t value) {
     if (vdp.variant != kVdpGameGear) {
-        vdp.cram[vdp.addr & 31] = value;
-        ConvertColour(vdp, vdp.addr & 31);
+        vdp.cram[vdp.addr & kVdpEntryMask] = value;
+        ConvertColour(vdp, vdp.addr & kVdpEntryMask);
     } else if ((vdp.addr & 1) == 0) {
         vdp.cramLatch = value;
     } else {
-        const uint32_t odd = vdp.addr & 63;
+        const uint32_t odd = vdp.addr & kVdpPairByteMask;
         vdp.cram[odd - 1] = vdp.cramLatch;
         vdp.cram[odd] = value;
         ConvertColour(vdp, odd >> 1);
@@ -68,7 +68,7 @@ void WriteColour(VDP& vdp, uint8_t value) {
 
 // Published: the counter steps down on every line of the picture and on the line below it. Below 0
 // it reloads and requests an interrupt. On all other lines it reloads.
-void StepLineCounter(VDP& vdp) {
+void CountLine(VDP& vdp) {
     const bool counts = vdp.line <= vdp.activeHeight;
     if (counts && vdp.lineCounter != 0) {
         --vdp.lineCounter;
@@ -225,17 +225,17 @@ void VdpControlWrite(VDP& vdp, uint8_t value) {
         vdp.latchByte = value;
         vdp.latchFull = true;
         if (vdp.variant != kVdpFirst) {
-            vdp.addr = static_cast<uint16_t>((vdp.addr & 0x3F00) | value);
+            vdp.addr = static_cast<uint16_t>((vdp.addr & kVdpControlAddress << 8) | value);
         }
         return;
     }
     vdp.latchFull = false;
-    vdp.code = value >> 6;
-    vdp.addr = static_cast<uint16_t>((value & 0x3F) << 8 | vdp.latchByte);
+    vdp.code = value >> kVdpControlCodeShift;
+    vdp.addr = static_cast<uint16_t>((value & kVdpControlAddress) << 8 | vdp.latchByte);
     if (vdp.code == kVdpCodeRead) {
         RequestAccess(vdp, kVdpRead, 0);
     } else if (vdp.code == kVdpCodeRegister) {
-        vdp.regs[value & 15] = vdp.latchByte;
+        vdp.regs[value & kVdpControlRegister] = vdp.latchByte;
         VdpDeriveHeight(vdp);
         VdpUpdateIrq(vdp);
     }
@@ -294,7 +294,7 @@ void VdpLineEvent(VDP& vdp) {
         vdp.line = 0;
         vdp.frameDone = true;
     }
-    StepLineCounter(vdp);
+    CountLine(vdp);
     if (vdp.line == vdp.activeHeight + 1) {
         vdp.frameInterrupt = true;
         vdp.status |= kVdpStatusFrame;

@@ -16,6 +16,11 @@ namespace vdp_fetch {
 inline constexpr uint64_t kEveryPixel = 0x0101010101010101;
 inline constexpr uint8_t kSpriteListEnd = 0xD0;
 inline constexpr uint32_t kMode4SpriteWords = 32;
+inline constexpr uint32_t kMode4SpritePlaces = 64; // in words: X and tile of sprite 0
+inline constexpr uint32_t kSprites = 64;
+inline constexpr uint32_t kColumns = 32;
+inline constexpr uint32_t kColumnDots = 8; // four slots
+inline constexpr uint32_t kTileRows = 8;
 
 // Spreads the bits of a pattern byte to eight bytes of 0 or 1, bit 7 to the lowest byte, so that a
 // little-endian store puts the leftmost pixel first. The flipped table has bit 0 leftmost.
@@ -33,7 +38,8 @@ constexpr std::array<uint64_t, 256> MakeSpread(bool flipped) {
 inline constexpr std::array<uint64_t, 256> kSpread[2] = {MakeSpread(false), MakeSpread(true)};
 
 inline uint8_t Backdrop(const VDP& vdp) {
-    return static_cast<uint8_t>((vdp.regs[kVdpColourIndex] & 15) + kVdpUpperPalette);
+    return static_cast<uint8_t>((vdp.regs[kVdpColourIndex] & kVdpBackdropColour) +
+                                kVdpUpperPalette);
 }
 
 // The bit has no effect on a Game Gear or in modes 0 to 2.
@@ -41,9 +47,13 @@ inline bool LeftColumnBlank(const VDP& vdp) {
     return (vdp.regs[0] & kVdpReg0BlankLeft) != 0 && vdp.mode == 4 && vdp.variant != kVdpGameGear;
 }
 
+inline uint32_t ColumnOf(uint32_t dot) {
+    return dot / kColumnDots & (kColumns - 1);
+}
+
 // The column whose last data arrive at this dot, in the first slot of the next column.
 inline uint32_t ColumnBefore(uint32_t dot) {
-    return ((dot >> 3) - 1) & 31;
+    return (dot / kColumnDots - 1) & (kColumns - 1);
 }
 
 inline void StorePixels(uint8_t* line, uint32_t x, uint64_t pixels) {
@@ -52,7 +62,7 @@ inline void StorePixels(uint8_t* line, uint32_t x, uint64_t pixels) {
 
 // Kind 4.
 inline void Blank(VDP& vdp, uint32_t dot) {
-    const uint32_t x = dot & 0xF8;
+    const uint32_t x = ColumnOf(dot) * kColumnDots;
     StorePixels(vdp.colourLine, x, Backdrop(vdp) * kEveryPixel);
     StorePixels(vdp.priorityLine, x, 0);
     vdp.nextAddr = 0;
@@ -104,9 +114,10 @@ inline NAME_ROW NameRow4(const VDP& vdp, uint32_t screenColumn) {
     if (vdp.activeHeight == 192) {
         const uint32_t scrolled = line % 224;
         uint32_t row = scrolled >> 3;
+        constexpr uint32_t kRowOfAddressBit10 = 0x10;
         // Published: the first chip ANDs address bit 10 with bit 0 of register 2.
         if (vdp.variant == kVdpFirst && (base & kVdpNamesRowBit) == 0) {
-            row &= 15;
+            row &= ~kRowOfAddressBit10;
         }
         return {((base & kVdpNames192) << 9) + row * 32, static_cast<uint16_t>(scrolled)};
     }
@@ -117,7 +128,7 @@ inline NAME_ROW NameRow4(const VDP& vdp, uint32_t screenColumn) {
 }
 
 inline uint32_t NameColumn4(uint32_t screenColumn, uint32_t scrollX) {
-    return (screenColumn + 32 - (scrollX >> 3)) & 31;
+    return (screenColumn + kColumns - scrollX / kColumnDots) & (kColumns - 1);
 }
 
 inline void Name4(VDP& vdp, uint32_t dot) {
@@ -129,8 +140,9 @@ inline void Name4(VDP& vdp, uint32_t dot) {
 
 // Word address of bit planes 0 and 1 of a tile row; planes 2 and 3 follow.
 inline uint32_t TileAddress4(uint32_t entry, uint32_t tileRow) {
-    const uint32_t flip = (entry & kVdpTileFlipY) != 0 ? 7 : 0;
-    return ((entry & kVdpTileNumber) * 8 + ((tileRow & 7) ^ flip)) * 2;
+    const uint32_t flip = (entry & kVdpTileFlipY) != 0 ? kTileRows - 1 : 0;
+    const uint32_t row = tileRow % kTileRows ^ flip;
+    return ((entry & kVdpTileNumber) * kTileRows + row) * 2;
 }
 
 inline void Name4Data(VDP& vdp) {
@@ -155,7 +167,7 @@ inline void DrawTile4(VDP& vdp, uint32_t x, uint32_t entry, uint32_t low, uint32
 
 // Kind 17: all four bit planes are there, and the tile row is drawn.
 inline void TileHighData(VDP& vdp, uint32_t dot) {
-    const uint32_t x = ColumnBefore(dot) * 8 + (ScrollX(vdp) & 7);
+    const uint32_t x = ColumnBefore(dot) * kColumnDots + ScrollX(vdp) % kColumnDots;
     DrawTile4(vdp, x, vdp.tileEntry, vdp.tileLow, vdp.readData);
 }
 
@@ -205,8 +217,9 @@ inline uint32_t SpriteBase4(const VDP& vdp) {
 // reads X and tile number from the lower 128 bytes instead.)
 inline uint32_t SearchAddress4(const VDP& vdp, uint8_t index) {
     const uint32_t address = SpriteBase4(vdp) + index;
+    constexpr uint32_t kLowBitAddress = 0x40;
     const bool lowBit = (vdp.regs[kVdpSprites] & kVdpSpritesLowBit) != 0;
-    return vdp.variant == kVdpFirst && !lowBit ? address & ~0x40U : address;
+    return vdp.variant == kVdpFirst && !lowBit ? address & ~kLowBitAddress : address;
 }
 
 inline void TestY4(VDP& vdp) {
@@ -235,7 +248,8 @@ inline uint32_t FetchSlotBefore(const VDP& vdp) {
 
 // Kinds 22 to 27. Slots past the last found sprite fetch too; their data are not drawn.
 inline void Sprite4(VDP& vdp) {
-    vdp.nextAddr = SpriteBase4(vdp) + 64 + (vdp.foundIndex[FetchSlot(vdp)] & 63U);
+    const uint32_t number = vdp.foundIndex[FetchSlot(vdp)] % kSprites;
+    vdp.nextAddr = SpriteBase4(vdp) + kMode4SpritePlaces + number;
 }
 
 inline void Sprite4Data(VDP& vdp) {
@@ -245,10 +259,10 @@ inline void Sprite4Data(VDP& vdp) {
         tile += 256;
     }
     if ((vdp.regs[1] & kVdpReg1BigSprites) != 0) {
-        tile &= ~1U;
+        tile &= ~1U; // an even tile and the one after it
     }
     vdp.spriteX[slot] = static_cast<uint8_t>(vdp.readData);
-    vdp.fetchAddress = static_cast<uint16_t>((vdp.foundRow[slot] + tile * 8) * 2);
+    vdp.fetchAddress = static_cast<uint16_t>((vdp.foundRow[slot] + tile * kTileRows) * 2);
 }
 
 inline void Sprite4High(VDP& vdp) {

@@ -22,8 +22,8 @@ inline uint8_t LegacyEntry(const VDP& vdp, uint32_t colour) {
 inline void DrawLegacyCell(VDP& vdp, uint32_t x, uint8_t pattern, uint32_t colours) {
     const uint64_t ones = kSpread[0][pattern];
     const uint64_t zeros = ones ^ kEveryPixel;
-    const uint32_t ink = (colours >> 4) & 15;
-    const uint32_t paper = colours & 15;
+    const uint32_t ink = (colours & 0xFF) >> kVdpColourInkShift;
+    const uint32_t paper = colours & kVdpColourPaper;
     StorePixels(vdp.colourLine, x, ones * LegacyEntry(vdp, ink) + zeros * LegacyEntry(vdp, paper));
     StorePixels(vdp.priorityLine, x,
                 (ink != 0 ? ones * kVdpSolid : 0) | (paper != 0 ? zeros * kVdpSolid : 0));
@@ -39,7 +39,7 @@ struct TextAccess {
 };
 
 inline TextAccess TextAccessOf(uint32_t dot, uint32_t part) {
-    const uint32_t number = (dot >> 3) * 3 + part;
+    const uint32_t number = dot / kColumnDots * 3 + part;
     if (number == 0 || (number & 1) != 0) {
         return {true, (number + 1) / 2};
     }
@@ -49,9 +49,10 @@ inline TextAccess TextAccessOf(uint32_t dot, uint32_t part) {
 inline void TextAddress(VDP& vdp, uint32_t dot, uint32_t part) {
     const TextAccess access = TextAccessOf(dot, part);
     if (access.isName) {
-        vdp.nextAddr = vdp.nameBase + (vdp.line >> 3) * kTextColumns + access.column;
+        vdp.nextAddr = vdp.nameBase + vdp.line / kTileRows * kTextColumns + access.column;
     } else {
-        vdp.nextAddr = vdp.patternBase + vdp.names[access.column & 1] * 8U + (vdp.line & 7);
+        vdp.nextAddr =
+            vdp.patternBase + vdp.names[access.column & 1] * kTileRows + vdp.line % kTileRows;
     }
 }
 
@@ -65,7 +66,7 @@ inline void TextData(VDP& vdp, uint32_t dot, uint32_t part) {
         vdp.names[access.column & 1] = data;
         return;
     }
-    const uint32_t ink = vdp.regs[kVdpColourIndex] >> 4;
+    const uint32_t ink = vdp.regs[kVdpColourIndex] >> kVdpInkShift;
     const uint32_t x = kTextLeft + access.column * 6;
     for (uint32_t pixel = 0; pixel < 6; ++pixel) {
         const bool isInk = (data & (0x80U >> pixel)) != 0 && ink != 0;
@@ -80,7 +81,7 @@ inline void Name(VDP& vdp, uint32_t dot) {
     if (vdp.mode == 1) {
         TextAddress(vdp, dot, 0);
     } else {
-        vdp.nextAddr = vdp.nameBase + (vdp.line & ~7U) * 4 + (dot >> 3);
+        vdp.nextAddr = vdp.nameBase + vdp.line / kTileRows * kColumns + dot / kColumnDots;
     }
 }
 
@@ -96,7 +97,7 @@ inline void Pattern(VDP& vdp, uint32_t dot) {
     if (vdp.mode == 1) {
         TextAddress(vdp, dot, 1);
     } else {
-        vdp.nextAddr = vdp.patternBase + vdp.names[0] * 8U + (vdp.line & 7);
+        vdp.nextAddr = vdp.patternBase + vdp.names[0] * kTileRows + vdp.line % kTileRows;
     }
 }
 
@@ -112,7 +113,7 @@ inline void Colour(VDP& vdp, uint32_t dot) {
     if (vdp.mode == 1) {
         TextAddress(vdp, dot, 2);
     } else if (vdp.mode == 2) {
-        vdp.nextAddr = vdp.colourBase + vdp.names[0] * 8U + (vdp.line & 7);
+        vdp.nextAddr = vdp.colourBase + vdp.names[0] * kTileRows + vdp.line % kTileRows;
     } else {
         vdp.nextAddr = vdp.colourBase + (vdp.names[0] >> 3U);
     }
@@ -120,9 +121,9 @@ inline void Colour(VDP& vdp, uint32_t dot) {
 
 inline void ColourData(VDP& vdp, uint32_t dot) {
     if (vdp.mode == 1) {
-        TextData(vdp, ColumnBefore(dot) << 3, 2);
+        TextData(vdp, ColumnBefore(dot) * kColumnDots, 2);
     } else {
-        DrawLegacyCell(vdp, ColumnBefore(dot) * 8, vdp.patternByte, vdp.readData);
+        DrawLegacyCell(vdp, ColumnBefore(dot) * kColumnDots, vdp.patternByte, vdp.readData);
     }
 }
 
@@ -142,10 +143,12 @@ inline void SpriteXData(VDP& vdp) {
 }
 
 inline void SpriteNumberData(VDP& vdp) {
+    constexpr uint32_t kFirstOfFour = 0xFC; // a big sprite has four patterns
     const bool big = (vdp.regs[1] & kVdpReg1BigSprites) != 0;
-    const uint32_t number = big ? vdp.readData & 0xFCU : vdp.readData & 0xFFU; // big: four patterns
+    const uint32_t number = vdp.readData & (big ? kFirstOfFour : 0xFF);
     const uint32_t base = (vdp.regs[kVdpSpriteTiles] & uint32_t{kVdpSpriteTilesLegacy}) << 11;
-    vdp.fetchAddress = static_cast<uint16_t>(base + number * 8 + vdp.foundRow[FetchSlot(vdp)]);
+    vdp.fetchAddress =
+        static_cast<uint16_t>(base + number * kTileRows + vdp.foundRow[FetchSlot(vdp)]);
 }
 
 inline void SpriteFlagsData(VDP& vdp) {

@@ -52,7 +52,17 @@ inline constexpr uint8_t kVdpSpritesLegacy = 0x7F;     // modes 0 to 2, in 128 b
 inline constexpr uint8_t kVdpSpriteTilesUpper = 0x04;  // mode 4: tiles 256 to 511
 inline constexpr uint8_t kVdpSpriteTilesLegacy = 0x07; // modes 0 to 2, in 2 KB
 
-// Top two bits of the second control byte, kept in `code`.
+// Register 7.
+inline constexpr uint8_t kVdpBackdropColour = 0x0F;
+inline constexpr uint32_t kVdpInkShift = 4;
+
+// Second control byte. A command has the code in the top two bits, and below them the high six bits of an
+// address or the number of a register; the first byte has the low bits of the address or the value.
+inline constexpr uint32_t kVdpControlCodeShift = 6;
+inline constexpr uint8_t kVdpControlAddress = 0x3F;
+inline constexpr uint8_t kVdpControlRegister = 0x0F;
+
+// The code of a command, kept in `code`.
 enum VdpCode : uint8_t {
     kVdpCodeRead = 0,
     kVdpCodeWrite = 1,
@@ -76,6 +86,14 @@ inline constexpr uint32_t kVdpTilePriority = 0x1000; // covers sprites
 // Fourth byte of a sprite in modes 0 to 2.
 inline constexpr uint8_t kVdpSpriteEarlyClock = 0x80; // 32 pixels to the left
 inline constexpr uint8_t kVdpSpriteColour = 0x0F;
+
+// A colour byte of the colour table in modes 0 to 2: ink in the high nibble, paper in the low one.
+inline constexpr uint32_t kVdpColourInkShift = 4;
+inline constexpr uint32_t kVdpColourPaper = 0x0F;
+
+// Colour RAM: 32 entries, of a byte each, or on the Game Gear of two.
+inline constexpr uint32_t kVdpEntryMask = 31;
+inline constexpr uint32_t kVdpPairByteMask = 63;
 
 // The second half of the palette: the backdrop, sprites, and all colours of modes 0 to 2.
 inline constexpr uint32_t kVdpUpperPalette = 16;

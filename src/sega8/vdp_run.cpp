@@ -89,8 +89,8 @@ uint32_t RunKnownDots(VDP& vdp, uint32_t dot, uint32_t end) {
         return dot;
     }
     const bool active = vdp.slotList == kVdpMode4Active;
-    const uint32_t column = dot / kDotsPerColumn;
-    const uint32_t columnsEnd = std::min(end / kDotsPerColumn, kColumns);
+    const uint32_t column = dot / kColumnDots;
+    const uint32_t columnsEnd = std::min(end / kColumnDots, kColumns);
     if (dot <= kSpriteDot && vdp.lastKind == (active ? kSlotTileHigh : kSlotBlank)) {
         if (column < columnsEnd) {
             if (active) {
@@ -98,7 +98,7 @@ uint32_t RunKnownDots(VDP& vdp, uint32_t dot, uint32_t end) {
             } else {
                 RunBlankColumns(vdp, column, columnsEnd);
             }
-            return columnsEnd * kDotsPerColumn;
+            return columnsEnd * kColumnDots;
         }
         if (dot == kSpriteDot && end == kVdpEventDot) {
             RunSpriteFetch(vdp, active);

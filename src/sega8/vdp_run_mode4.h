@@ -16,9 +16,9 @@
 
 namespace vdp_run {
 
-inline constexpr uint32_t kDotsPerColumn = 8; // four slots
-inline constexpr uint32_t kColumns = 32;
-inline constexpr uint32_t kSpriteDot = kColumns * kDotsPerColumn; // after the last column
+using vdp_fetch::kColumnDots;
+using vdp_fetch::kColumns;
+inline constexpr uint32_t kSpriteDot = kColumns * kColumnDots; // after the last column
 inline constexpr uint32_t kTailDot = 320; // the first whole slot after kVdpEventDot
 
 inline bool AccessIsPending(const VDP& vdp) {
@@ -101,7 +101,7 @@ inline void FinishColumn(VDP& vdp, uint32_t dot) {
 }
 
 inline void FetchColumn(VDP& vdp, uint32_t column) {
-    vdp_fetch::Name4(vdp, column * kDotsPerColumn);
+    vdp_fetch::Name4(vdp, column * kColumnDots);
     vdp.readData = WordAt(vdp, vdp.nextAddr);
     vdp_fetch::Name4Data(vdp);
     vdp.tileLow = WordAt(vdp, vdp.tileAddress);
@@ -117,8 +117,8 @@ inline void DrawColumns(VDP& vdp, uint32_t first, uint32_t end) {
         const uint32_t entry = LoadLittleEndian<uint16_t>(&vram[(name << 1) & kVdpVramMask]);
         const uint32_t tile = vdp_fetch::TileAddress4(entry, row.tileRow) << 1;
         const auto planes = LoadLittleEndian<uint32_t>(&vram[tile & kVdpVramMask]);
-        vdp_fetch::DrawTile4(vdp, column * kDotsPerColumn + (scrollX & 7), entry, planes & 0xFFFF,
-                             planes >> 16);
+        vdp_fetch::DrawTile4(vdp, column * kColumnDots + scrollX % kColumnDots, entry,
+                             planes & 0xFFFF, planes >> 16);
     }
 }
 
@@ -126,7 +126,7 @@ inline void DrawColumns(VDP& vdp, uint32_t first, uint32_t end) {
 // column still waits for its upper bit planes.
 inline void RunColumns(VDP& vdp, uint32_t first, uint32_t end) {
     TakeSearchData(vdp, SearchSlots(first, end));
-    FinishColumn(vdp, first * kDotsPerColumn);
+    FinishColumn(vdp, first * kColumnDots);
     const uint32_t last = end - 1;
     const uint32_t lock = std::clamp(vdp_fetch::kLockedColumns, first, last);
     DrawColumns(vdp, first, lock);
@@ -139,8 +139,8 @@ inline void RunColumns(VDP& vdp, uint32_t first, uint32_t end) {
 // The same dots of a line that shows only the backdrop.
 inline void RunBlankColumns(VDP& vdp, uint32_t first, uint32_t end) {
     TakeSearchData(vdp, SearchSlots(first, end));
-    const size_t x = size_t{first} * kDotsPerColumn;
-    const size_t pixels = size_t{end} * kDotsPerColumn - x;
+    const size_t x = size_t{first} * kColumnDots;
+    const size_t pixels = size_t{end} * kColumnDots - x;
     std::memset(&vdp.colourLine[x], vdp_fetch::Backdrop(vdp), pixels);
     std::memset(&vdp.priorityLine[x], 0, pixels);
     vdp.readData = vdp.vram[0];

@@ -71,7 +71,7 @@ inline void StoreSolidPixels(uint32_t* row, const uint32_t* colours, const uint8
         } else if (through != EveryPixel(kNotSolid)) {
             for (size_t pixel = i; pixel < i + kChunk; ++pixel) {
                 const bool solid = (entries[pixel] & kNotSolid) == 0;
-                row[pixel] = solid ? colours[entries[pixel] & 31] : row[pixel];
+                row[pixel] = solid ? colours[entries[pixel] & kVdpEntryMask] : row[pixel];
             }
         }
     }

@@ -114,7 +114,7 @@ void SanitizeKinds(VDP& vdp) {
 // Brings counters and selectors into their ranges; all other fields are masked where they are used.
 void Sanitize(VDP& vdp) {
     vdp.addr &= kVdpVramMask;
-    vdp.code &= 3;
+    vdp.code &= kVdpCodeColour; // two bits
     vdp.pendingAccess = std::min<uint8_t>(vdp.pendingAccess, kVdpWrite);
     vdp.pendingCount %= vdp_tick::kAccessDots;
     vdp.activeAccess = std::min<uint8_t>(vdp.activeAccess, kVdpWrite);

@@ -140,7 +140,7 @@ inline void Pixel(VDP& vdp, uint32_t x) {
         return;
     }
     const uint32_t* colours = vdp.fixedColours ? kVdpFixedColours : vdp.palette;
-    vdp.row[x] = colours[entry & 31];
+    vdp.row[x] = colours[entry & kVdpEntryMask];
 }
 
 inline void Dot(VDP& vdp, uint32_t dot) {

@@ -100,8 +100,8 @@ int32_t RhythmOutput(YM2413& ym) {
 
 // --- envelopes --------------------------------------------------------------------------------
 
-// True if a rate steps now; `increment` is then by how much.
-bool Steps(uint32_t counter, const YM_RATE& rate, int32_t& increment) {
+// True if an envelope of this rate has a step now; `increment` is then its size.
+bool IsStepDue(uint32_t counter, const YM_RATE& rate, int32_t& increment) {
     if ((counter & ((1u << rate.shift) - 1)) != 0) {
         return false;
     }
@@ -109,9 +109,9 @@ bool Steps(uint32_t counter, const YM_RATE& rate, int32_t& increment) {
     return true;
 }
 
-void StepDump(uint32_t counter, YM_SLOT& slot) {
+void AdvanceDump(uint32_t counter, YM_SLOT& slot) {
     int32_t increment = 0;
-    if (!Steps(counter, slot.dump, increment)) {
+    if (!IsStepDue(counter, slot.dump, increment)) {
         return;
     }
     slot.volume += increment;
@@ -122,9 +122,9 @@ void StepDump(uint32_t counter, YM_SLOT& slot) {
     }
 }
 
-void StepAttack(uint32_t counter, YM_SLOT& slot) {
+void AdvanceAttack(uint32_t counter, YM_SLOT& slot) {
     int32_t increment = 0;
-    if (!Steps(counter, slot.attack, increment)) {
+    if (!IsStepDue(counter, slot.attack, increment)) {
         return;
     }
     slot.volume += (increment * ~slot.volume) >> 2;
@@ -134,9 +134,9 @@ void StepAttack(uint32_t counter, YM_SLOT& slot) {
     }
 }
 
-void StepDecay(uint32_t counter, YM_SLOT& slot) {
+void AdvanceDecay(uint32_t counter, YM_SLOT& slot) {
     int32_t increment = 0;
-    if (!Steps(counter, slot.decay, increment)) {
+    if (!IsStepDue(counter, slot.decay, increment)) {
         return;
     }
     slot.volume += increment;
@@ -145,17 +145,17 @@ void StepDecay(uint32_t counter, YM_SLOT& slot) {
     }
 }
 
-void StepSustain(uint32_t counter, YM_SLOT& slot) {
+void AdvanceSustain(uint32_t counter, YM_SLOT& slot) {
     int32_t increment = 0;
-    if (slot.egType == 0 && Steps(counter, slot.release, increment)) {
+    if (slot.egType == 0 && IsStepDue(counter, slot.release, increment)) {
         slot.volume = std::min(slot.volume + increment, kYmSilent);
     }
 }
 
-void StepRelease(uint32_t counter, YM_SLOT& slot, bool channelSustain) {
+void AdvanceRelease(uint32_t counter, YM_SLOT& slot, bool channelSustain) {
     const bool slow = slot.egType == 0 || channelSustain;
     int32_t increment = 0;
-    if (!Steps(counter, slow ? slot.sustainRelease : slot.release, increment)) {
+    if (!IsStepDue(counter, slow ? slot.sustainRelease : slot.release, increment)) {
         return;
     }
     slot.volume += increment;
@@ -166,18 +166,18 @@ void StepRelease(uint32_t counter, YM_SLOT& slot, bool channelSustain) {
 }
 
 // After a key off a modulator keeps its level, except in the channels of the rhythm.
-void StepEnvelope(const YM2413& ym, size_t channel, size_t index, YM_SLOT& slot) {
+void AdvanceEnvelope(const YM2413& ym, size_t channel, size_t index, YM_SLOT& slot) {
     switch (slot.state) {
     case YmEnvelope::kOff: break;
     case YmEnvelope::kRelease:
         if (index == kYmCarrier || (channel >= kYmBassDrum && (ym.rhythm & kYmRhythmOn) != 0)) {
-            StepRelease(ym.egCounter, slot, ym.channels[channel].sustain != 0);
+            AdvanceRelease(ym.egCounter, slot, ym.channels[channel].sustain != 0);
         }
         break;
-    case YmEnvelope::kSustain: StepSustain(ym.egCounter, slot); break;
-    case YmEnvelope::kDecay: StepDecay(ym.egCounter, slot); break;
-    case YmEnvelope::kAttack: StepAttack(ym.egCounter, slot); break;
-    case YmEnvelope::kDump: StepDump(ym.egCounter, slot); break;
+    case YmEnvelope::kSustain: AdvanceSustain(ym.egCounter, slot); break;
+    case YmEnvelope::kDecay: AdvanceDecay(ym.egCounter, slot); break;
+    case YmEnvelope::kAttack: AdvanceAttack(ym.egCounter, slot); break;
+    case YmEnvelope::kDump: AdvanceDump(ym.egCounter, slot); break;
     }
 }
 
@@ -187,8 +187,8 @@ void AdvanceEnvelopes(YM2413& ym) {
         ym.egTimer -= ym.egTimerOverflow;
         ++ym.egCounter;
         for (size_t i = 0; i < kYmChannels; ++i) {
-            StepEnvelope(ym, i, kYmModulator, ym.channels[i].slots[kYmModulator]);
-            StepEnvelope(ym, i, kYmCarrier, ym.channels[i].slots[kYmCarrier]);
+            AdvanceEnvelope(ym, i, kYmModulator, ym.channels[i].slots[kYmModulator]);
+            AdvanceEnvelope(ym, i, kYmCarrier, ym.channels[i].slots[kYmCarrier]);
         }
     }
 }

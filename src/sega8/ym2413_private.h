@@ -30,6 +30,10 @@ inline constexpr uint8_t kYmSustainOn = 0x20;
 inline constexpr uint8_t kYmKeyOn = 0x10;
 inline constexpr uint8_t kYmBlockFnumHigh = 0x0F;
 
+// The F-number in `blockFnum`, and the part of it in register 0x10 + n.
+inline constexpr uint32_t kYmFnum = 0x1FF;
+inline constexpr uint32_t kYmFnumLow = 0x0FF;
+
 // Voice bytes 0 and 1.
 inline constexpr uint8_t kYmVoiceTremolo = 0x80;
 inline constexpr uint8_t kYmVoiceVibrato = 0x40;

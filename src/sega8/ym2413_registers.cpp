@@ -189,7 +189,7 @@ void SetPitch(YM2413& ym, YM_CHANNEL& channel, uint32_t blockFnum) {
     channel.blockFnum = blockFnum;
     channel.kcode = static_cast<uint8_t>(blockFnum >> 8);
     channel.kslBase = kYmKeyScale[blockFnum >> 5];
-    channel.fc = ym.fnTab[blockFnum * 2 & 1022] >> (7 - (blockFnum >> 9));
+    channel.fc = ym.fnTab[(blockFnum & kYmFnum) * 2] >> (7 - (blockFnum >> 9));
     for (YM_SLOT& slot : channel.slots) {
         RefreshLevel(channel, slot);
         RefreshRates(channel, slot);
@@ -202,7 +202,8 @@ void WriteKeyAndBlock(YM2413& ym, YM_CHANNEL& channel, uint8_t value) {
         SetKey(slot, kYmKeyMelody, down);
     }
     channel.sustain = (value & kYmSustainOn) != 0 ? 1 : 0;
-    SetPitch(ym, channel, (value & uint32_t{kYmBlockFnumHigh}) << 8 | (channel.blockFnum & 0xFF));
+    SetPitch(ym, channel,
+             (value & uint32_t{kYmBlockFnumHigh}) << 8 | (channel.blockFnum & kYmFnumLow));
 }
 
 void WriteInstrument(YM2413& ym, size_t channel, uint8_t value) {
@@ -238,7 +239,7 @@ void YmWrite(YM2413& ym, uint8_t reg, uint8_t value) {
         break;
     case kYmRegFnum: {
         YM_CHANNEL& changed = ym.channels[channel];
-        SetPitch(ym, changed, (changed.blockFnum & 0xF00) | value);
+        SetPitch(ym, changed, (changed.blockFnum & ~kYmFnumLow) | value);
         break;
     }
     case kYmRegKey: WriteKeyAndBlock(ym, ym.channels[channel], value); break;

@@ -1,9 +1,9 @@
 // Many clocks of the Z80 at once, an instruction at a time, for a machine's frame loop. The result
 // equals that of single calls of Z80TickOn.
 //
-// On most clocks of an instruction nothing happens. Its template tells the others, so that idle
-// clocks are counted and not run. The record afterwards, every byte of the queue included, is that
-// of single clocks.
+// On most clocks of an instruction nothing happens. Its template marks the other clocks, so idle
+// ones are only counted. Afterwards the record, every byte of the queue included, is the same as
+// after single clocks.
 //
 // Besides the functions of Z80TickOn the bus has
 //     void At(uint32_t clock);

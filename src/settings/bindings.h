@@ -73,7 +73,10 @@ struct INPUT_ACTION {
 inline constexpr uint32_t kInputOwners = 6;
 [[nodiscard]] std::span<const uint8_t> InputOwners();
 
-// Adds "INPUT " + name for every action: all with zeroes, then the defaults as primary binding.
+// The setting that holds an action's bindings: "INPUT " and its name.
+[[nodiscard]] std::wstring BindingSetting(const INPUT_ACTION& action);
+
+// Adds the setting of every action: all with zeroes, then the defaults as primary binding.
 void RegisterBindings(SettingsStore& store);
 
 // Whether one of the action's two bindings is down, or a control of a game controller that acts for it

@@ -1,6 +1,7 @@
 // Text can be read in every style and state: the contrast of its colour with what it lies on is at least
 // 4.5 to 1, as the guidelines for accessible content on the web ask.
 #include "gui/bitmap.h"
+#include "gui/list_rows.h"
 
 #include "assets/theme_fixture.h"
 #include <gtest/gtest.h>
@@ -97,6 +98,7 @@ double WorstContrast(uint32_t text, const GhostTexture& fill) {
 struct SAMPLE {
     std::string what;
     GhostTextStyle style;
+    bool field = false; // whose second fill is the caret
 };
 
 void Add(std::vector<SAMPLE>& samples, const std::string& name, const GhostButtonStyle& style) {
@@ -109,7 +111,7 @@ void Add(std::vector<SAMPLE>& samples, const std::string& name, const GhostButto
 void Add(std::vector<SAMPLE>& samples, const std::string& name, const GhostEditStyle& style) {
     constexpr std::array<const char*, 3> kStates = {" normal", " hot", " read-only"};
     for (size_t i = 0; i < kStates.size(); ++i) {
-        samples.push_back({name + kStates[i], style.states[i]});
+        samples.push_back({name + kStates[i], style.states[i], true});
     }
 }
 
@@ -120,6 +122,8 @@ void Add(std::vector<SAMPLE>& samples, const std::string& name, const GhostListS
     samples.push_back({name + " item2_normal", style.item2Normal});
     samples.push_back({name + " item2_hot", style.item2Hot});
     samples.push_back({name + " item2_selected", style.item2Selected});
+    samples.push_back({name + " disabled row", DisabledText(style.itemNormal)});
+    samples.push_back({name + " disabled odd row", DisabledText(style.item2Normal)});
 }
 
 template <typename Style>
@@ -150,6 +154,7 @@ std::vector<SAMPLE> Samples() {
         }
         case StyleKind::kDropList:
             samples.push_back({name, Record<GhostDropListStyle>(named.name).bg});
+            samples.push_back({name + " disabled", DisabledText(samples.back().style)});
             break;
         default: break; // borders and scrollbars have no text
         }
@@ -187,8 +192,13 @@ TEST(ThemeContrast, IsEnoughInEveryStyleAndState) {
         ++tested;
         EXPECT_GE(WorstContrast(sample.style.textColour, sample.style.bg), kLeastContrast)
             << sample.what;
-        // The part of a slider that is filled.
         const GhostTexture& second = sample.style.bg2;
+        if (sample.field) {
+            EXPECT_GE(WorstContrast(second.colour1, sample.style.bg), kLeastContrast)
+                << sample.what << ", caret";
+            continue;
+        }
+        // The part of a slider that is filled.
         if (second.type != GhostFill::kColour || second.colour1 >> 24 != 0) {
             EXPECT_GE(WorstContrast(sample.style.textColour, second), kLeastContrast)
                 << sample.what << ", filled";

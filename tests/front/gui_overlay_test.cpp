@@ -107,3 +107,29 @@ TEST_F(GuiOverlayTest, WindowsOutliveAProgramsWindow) {
         application.Stop();
     }
 }
+
+TEST_F(GuiOverlayTest, AfterTheStopNothingOfTheWindowsIsLeft) {
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    Show({600, 400, 100, 60});
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(application.Gui().TextureCount(), 1u);
+    application.Stop();
+    EXPECT_EQ(application.Gui().TextureCount(), 0u);
+    CGhostManager::Get().SetWindowPos(window, 0, 0, 50, 50);
+    EXPECT_EQ(application.Gui().TextureCount(), 0u) << "the toolkit knows it no longer";
+}
+
+TEST_F(GuiOverlayTest, OneThatEndsByItselfLeavesTheToolkitUsable) {
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    {
+        GuiOverlay overlay;
+        overlay.Start({640, 480});
+        Show({600, 400, 100, 60});
+        EXPECT_EQ(overlay.TextureCount(), 1u);
+    }
+    CGhostManager::Get().SetWindowPos(window, 0, 0, 50, 50); // would call an overlay that is gone
+    CGhostManager::Get().Tick(0);
+    CGhostManager::Get().CompositeAll();
+}

@@ -158,3 +158,50 @@ TEST_F(CheckBox, AReleaseInsideTogglesAndAKeyOnlyReports) {
     Key(45); // minus
     EXPECT_FALSE(box->IsChecked());
 }
+
+// A box that opens while return is held gets its release.
+TEST_F(Button, AKeyThatWentDownElsewhereDoesNothing) {
+    CGhostButton* const button = Make(0);
+    auto* const box = new CGhostCheckBox(nullptr, 0, L"BUTTON", L"", {false, 300, 100, 90, 24});
+    box->OnChange.connect([this](auto&&...) { told += "change "; });
+    for (GHOSTMANAGER_WINDOW* const window : {button->window, box->window}) {
+        KeyDown(kReturn);
+        Focus(window);
+        KeyUp(kReturn);
+        EXPECT_EQ(Told(), "");
+    }
+    Focus(button->window);
+    KeyDown(kSpace);
+    Focus(box->window);
+    EXPECT_FALSE(button->IsDown());
+    KeyDown(kSpace);
+    EXPECT_EQ(box->GetState(), CGhostButton::kPressed);
+    Focus(button->window);
+    EXPECT_EQ(box->GetState(), CGhostButton::kNormal);
+    KeyUp(kSpace);
+    EXPECT_EQ(Told(), "");
+}
+
+// By a shape or a fill of its own, not by the caption's colour alone.
+TEST_F(CheckBox, ADisabledOneShowsWhetherItIsChecked) {
+    const auto square = [&](const std::string& others, bool checked) {
+        CGhostTheme::Get().ParseTheme(
+            "<?xml version='1.0'?><theme><button name='B'>"
+            "<textbox name='pressed'><texture type='color'><color name='bg' val='FF0000AA'/>"
+            "</texture></textbox><textbox name='disabled'><texture type='color'>"
+            "<color name='bg' val='FF000055'/></texture></textbox>" +
+            others + "</button></theme>");
+        auto* const box = new CGhostCheckBox(nullptr, 0, L"B", L"", {false, 0, 0, 90, 24});
+        box->SetChecked(checked);
+        box->SetEnabled(false);
+        EXPECT_EQ(box->IsChecked(), checked);
+        manager.Tick(0);
+        return box->window->surface->Pixels()[0];
+    };
+    EXPECT_EQ(square("", false), 0xFF000055);
+    EXPECT_EQ(square("", true), 0xFF0000AA);
+    EXPECT_EQ(square("<textbox name='disabled and checked'><texture type='color'>"
+                     "<color name='bg' val='FF000077'/></texture></textbox>",
+                     true),
+              0xFF000077);
+}

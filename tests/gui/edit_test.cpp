@@ -184,6 +184,65 @@ TEST_F(Edit, TheCaretIsALineOfOpaqueBlackAndBlinks) {
     EXPECT_EQ(caretPixel(), 0xFF000000);
 }
 
+TEST_F(Edit, LeftAndRightEndASelectionAtItsSides) {
+    CGhostEdit* const edit = Make(L"one two three");
+    for (const bool backward : {false, true}) {
+        edit->SetSelection(backward ? 7 : 4, backward ? 4 : 7);
+        Key(kLeft);
+        EXPECT_EQ(edit->Caret(), 4u);
+        edit->SetSelection(backward ? 7 : 4, backward ? 4 : 7);
+        Key(kRight);
+        EXPECT_EQ(edit->Caret(), 7u);
+        EXPECT_EQ(edit->SelectedText(), L"");
+    }
+    KeyDown(kShift);
+    WithKey(kCtrl, kRight);
+    KeyUp(kShift);
+    EXPECT_EQ(edit->SelectedText(), L" three") << "to the next space, which is the end";
+}
+
+// A code point is one character to every key, however many bytes it has elsewhere.
+TEST_F(Edit, CodePointsAreNeverSplit) {
+    CGhostEdit* const edit = Make(L"");
+    for (const int character : {0x61, 0xE9, 0x6708, 0x1F319}) {
+        GUI_INPUT_RECORD record;
+        record.character = character;
+        Post(record);
+    }
+    ASSERT_EQ(edit->Text().size(), 4u);
+    Key(kLeft);
+    Key(kBackspace);
+    EXPECT_EQ(edit->Text(), L"a\u00E9\U0001F319");
+    Key(kDelete);
+    EXPECT_EQ(edit->Text(), L"a\u00E9");
+}
+
+TEST_F(Edit, ATextIsOneLineWithoutControlCharacters) {
+    CGhostEdit* const edit = Make(L"two\tparts");
+    EXPECT_EQ(edit->Text(), L"two parts");
+    edit->SetText(L"a\r\nb\x1B\x85"
+                  L"c");
+    EXPECT_EQ(edit->Text(), L"a bc");
+    EXPECT_EQ(edit->Caret(), 4u);
+    for (const int character : {0x07, 0x1F, 0x7F, 0x9B}) {
+        edit->OnChar(static_cast<unsigned>(character));
+    }
+    EXPECT_EQ(edit->Text(), L"a bc");
+}
+
+TEST_F(Edit, AVeryLongLineIsEditedAtBothEnds) {
+    const std::wstring text(50000, L'm');
+    CGhostEdit* const edit = Make(text);
+    EXPECT_EQ(edit->Scroll(), MeasureText(nullptr, text).width + 1 - 112) << "margins of 4";
+    Key(kHome);
+    Type("x");
+    EXPECT_EQ(edit->Scroll(), 0);
+    WithKey(kShift, kEnd);
+    EXPECT_EQ(edit->SelectedText().size(), text.size());
+    Key(kDelete);
+    EXPECT_EQ(edit->Text(), L"x");
+}
+
 TEST_F(Keyboard, AControllerWritesWithIt) {
     CGhostEdit* const edit = Make(L"", CGhostEdit::kSubmits);
     bool submitted = false;

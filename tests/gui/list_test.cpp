@@ -287,3 +287,37 @@ TEST_F(ListView, AnEditedCellIsReportedAndEscapeKeepsIt) {
     EXPECT_EQ(view->Cell(2, 1)->text, L"new");
     EXPECT_EQ(view->Editor(), nullptr);
 }
+
+TEST_F(List, LettersPassOverDisabledRows) {
+    CGhostList* const list = Make(0, 3);
+    list->AddItem(L"c-again");
+    list->Item(2)->flags = GHOSTLIST_ITEM::kDisabled;
+    Focus(list->window);
+    Type("c");
+    EXPECT_EQ(list->Selected(), 3);
+}
+
+TEST_F(List, ADoubleClickChoosesAndWithOnReleaseOnlySelects) {
+    CGhostList* const list = Make(0, 3);
+    int chosen = -1;
+    list->OnChoose.connect([&](CGhostList*, int row, GHOSTLIST_ITEM*) { chosen = row; });
+    DoubleClickAt(110, 101 + list->RowHeight() + 1);
+    EXPECT_EQ(chosen, 1);
+    manager.Reset();
+    Make(CGhostList::kOnRelease | CGhostList::kReportsAgain, 3);
+    selections.clear();
+    DoubleClickAt(110, 105);
+    EXPECT_EQ(selections, (Ints{0, 0})) << "once for each press";
+}
+
+TEST_F(ListView, AnEditThatChangesNothingIsNotReported) {
+    CGhostListView* const view = MakeView(3);
+    view->SetCell(0, 0, L"two\nlines");
+    bool told = false;
+    view->OnEdited.connect([&](auto&&...) { told = true; });
+    view->BeginEdit(0, 0);
+    manager.Tick(0);
+    Key(kReturn);
+    EXPECT_FALSE(told);
+    EXPECT_EQ(view->Cell(0, 0)->text, L"two\nlines");
+}

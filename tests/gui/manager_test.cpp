@@ -2,6 +2,7 @@
 #include "gui/blend.h"
 #include "gui/gui_rig.h"
 
+#include <functional>
 #include <random>
 
 using Manager = GuiTest;
@@ -155,6 +156,89 @@ TEST_F(Manager, OnlyDirtyWindowsArePaintedAndUploaded) {
     manager.ShowWindow(b, true);
     manager.Tick(0);
     EXPECT_EQ(uploads, (std::vector<uint32_t>{b->id}));
+}
+
+namespace {
+
+// What a painting does beside painting.
+class BusyPainter : public CGhostGUIHandler {
+public:
+    void OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) override {
+        ++paintings;
+        wide = surface->Width();
+        if (also) {
+            also();
+        }
+    }
+    std::function<void()> also;
+    int paintings = 0;
+    int wide = 0;
+};
+
+} // namespace
+
+TEST_F(Manager, DirtyFlagsAreClearedAfterThePainting) {
+    BusyPainter painter;
+    GHOSTMANAGER_WINDOW* const window = manager.CreateWindow(nullptr, 0, &painter, false);
+    manager.SetWindowPos(window, 0, 0, 20, 20);
+    painter.also = [&] {
+        painter.dirty = true;
+        manager.Invalidate(window);
+    };
+    for (int i = 0; i < 3; ++i) {
+        manager.Tick(0);
+    }
+    EXPECT_EQ(painter.paintings, 1);
+    EXPECT_FALSE(painter.dirty || window->dirty);
+    manager.DestroyWindow(window);
+    manager.Tick(0);
+}
+
+TEST_F(Manager, APaintingThatMakesAWindowInFrontDirtyIsFollowedAtOnce) {
+    BusyPainter back;
+    BusyPainter front;
+    for (BusyPainter* const painter : {&back, &front}) {
+        manager.SetWindowPos(manager.CreateWindow(nullptr, 0, painter, false), 0, 0, 20, 20);
+    }
+    manager.Tick(0);
+    back.also = [&] { front.dirty = true; };
+    front.also = [&] { back.dirty = true; };
+    back.dirty = true;
+    manager.Tick(0);
+    EXPECT_EQ(back.paintings, 2);
+    EXPECT_EQ(front.paintings, 2);
+    EXPECT_TRUE(back.dirty) << "its turn has passed";
+    front.also = nullptr;
+    manager.Tick(0);
+    EXPECT_EQ(back.paintings, 3);
+    manager.Reset();
+}
+
+TEST_F(Manager, AWindowThatChangesItsShapeWhileItIsPaintedIsPaintedAgain) {
+    BusyPainter painter;
+    GHOSTMANAGER_WINDOW* const window = manager.CreateWindow(nullptr, 0, &painter, false);
+    manager.SetWindowPos(window, 0, 0, 20, 20);
+    painter.also = [&] { manager.SetWindowPos(window, 0, 0, 30, 20); };
+    manager.Tick(0);
+    EXPECT_EQ(painter.wide, 20);
+    manager.Tick(0);
+    EXPECT_EQ(painter.wide, 30);
+    EXPECT_EQ(painter.paintings, 2);
+    manager.Tick(0);
+    EXPECT_EQ(painter.paintings, 2);
+    manager.Reset();
+}
+
+TEST_F(Manager, AWindowThatMovesAndGrowsGetsOneNewTexture) {
+    int creations = 0;
+    GUI_HOST_CALLBACKS host;
+    host.create = [&](uint32_t, int32_t, int32_t) { ++creations; };
+    manager.SetHost(host);
+    manager.SetScreen(1366, 768);
+    GHOSTMANAGER_WINDOW* const window = Make("a", nullptr, {0, 0, 20, 20});
+    creations = 0;
+    manager.SetWindowPos(window, 7, 7, 50, 50);
+    EXPECT_EQ(creations, 1);
 }
 
 TEST_F(Manager, TheDrawCallbackGetsClippedPiecesBackToFront) {

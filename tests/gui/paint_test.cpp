@@ -1,131 +1,31 @@
-// Fills, frames and text on a surface.
-#include "gui/bitmap.h"
+// Text on a surface, and the surface's origin.
 #include "gui/control_rig.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 
 namespace {
 
-// Each pixel tells where it is from: opaque, x in red, y in green.
-GUI_BITMAP Map(int width, int height) {
-    GUI_BITMAP bitmap;
-    bitmap.width = bitmap.pixelWidth = width;
-    bitmap.height = bitmap.pixelHeight = height;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            bitmap.pixels.push_back(0xFF000000 | static_cast<uint32_t>(x) << 16 |
-                                    static_cast<uint32_t>(y) << 8);
-        }
-    }
-    return bitmap;
-}
-
 class PaintTest : public ControlTest {
 protected:
-    void Fill(GhostFill type, const GUI_RECT& target, GUI_EDGES margins = {}) {
-        ASSERT_TRUE(surface.Create({0, 0, 20, 12}, 1.0));
-        GhostTexture texture;
-        texture.type = type;
-        texture.colour1 = 0xFF0000FF;
-        texture.colour2 = 0xFFFF0000;
-        texture.rect = margins;
-        texture.bitmap = &bitmap;
-        PaintFill(surface, texture, target);
-    }
-    // "xy" of the bitmap's pixel, or ".." where nothing was painted.
-    std::string Row(int y) {
-        std::string row;
-        for (int x = 0; x < 20; ++x) {
-            const uint32_t pixel = At(x, y);
-            row += pixel == 0 ? '.' : static_cast<char>('0' + (pixel >> 16 & 0xFF));
-        }
-        return row;
-    }
-    std::string Column(int x) {
-        std::string column;
-        for (int y = 0; y < 12; ++y) {
-            const uint32_t pixel = At(x, y);
-            column += pixel == 0 ? '.' : static_cast<char>('0' + (pixel >> 8 & 0xFF));
-        }
-        return column;
-    }
     uint32_t At(int x, int y) { return surface.Pixels()[y * surface.Stride() + x]; }
 
-    GUI_BITMAP bitmap = Map(6, 4);
     CGhostSurface surface;
 };
 
-using Fills = PaintTest;
 using Texts = PaintTest;
 
 } // namespace
 
-TEST_F(Fills, ColoursAndGradients) {
-    Fill(GhostFill::kColour, {2, 2, 3, 3});
-    EXPECT_EQ(At(2, 2), 0xFF0000FFu);
-    EXPECT_EQ(At(5, 2), 0u);
-    Fill(GhostFill::kGradientHorizontal, {0, 0, 20, 12});
-    EXPECT_EQ(At(19, 5), 0xFFFF0000u) << "the second colour at its end";
-    EXPECT_EQ(At(3, 0), At(3, 11));
-    EXPECT_LT(At(3, 0) & 0xFF, 0xFFu) << "one line past the first colour at its start";
-    Fill(GhostFill::kGradientVertical, {0, 0, 20, 12});
-    EXPECT_EQ(At(7, 11), 0xFFFF0000u);
-    EXPECT_EQ(At(0, 3), At(19, 3));
-    Fill(GhostFill::kNone, {0, 0, 20, 12});
-    EXPECT_EQ(At(7, 7), 0u);
-    Fill(static_cast<GhostFill>(10), {0, 0, 20, 12});
-    EXPECT_EQ(At(7, 7), 0u);
-    Fill(static_cast<GhostFill>(13), {0, 0, 20, 12});
-    EXPECT_EQ(At(7, 7), 0u);
-    Fill(GhostFill::kColour, {2, 2, 0, 3});
-    EXPECT_EQ(At(2, 2), 0u);
-}
-
-TEST_F(Fills, BitmapsCopiedAndFlippedNeverReadOutside) {
-    Fill(GhostFill::kBitmap, {1, 1, 18, 10});
-    EXPECT_EQ(Row(1), ".012345.............");
-    EXPECT_EQ(Column(1), ".0123.......");
-    Fill(GhostFill::kBitmapFlipY, {1, 1, 6, 4});
-    EXPECT_EQ(Column(1), ".3210.......");
-    Fill(GhostFill::kBitmapFlipX, {1, 1, 6, 4});
-    EXPECT_EQ(Row(1), ".543210.............");
-}
-
-TEST_F(Fills, StretchedAndTiled) {
-    Fill(GhostFill::kBitmapStretch, {0, 0, 18, 12});
-    EXPECT_EQ(Row(0), "000111222333444555..");
-    EXPECT_EQ(Column(0), "000111222333");
-    Fill(GhostFill::kBitmapRepeatY, {3, 0, 17, 10});
-    EXPECT_EQ(Row(0), "...012345...........");
-    EXPECT_EQ(Column(3), "0123012301..");
-    Fill(GhostFill::kBitmapRepeatXY, {0, 0, 20, 12});
-    EXPECT_EQ(Row(0), "01234501234501234501");
-}
-
-TEST_F(Fills, SmartFillsKeepTheirEndsAndRepeatTheMiddle) {
-    Fill(GhostFill::kBitmapSmartHorizontal, {0, 0, 20, 4}, {1, 0, 2, 0});
-    EXPECT_EQ(Row(0), "01231231231231231245");
-    Fill(GhostFill::kBitmapSmartVertical, {0, 0, 6, 11}, {0, 1, 0, 1});
-    EXPECT_EQ(Column(0), "01212121213.");
-    Fill(GhostFill::kBitmapSmartHorizontal, {5, 0, 3, 4}, {2, 0, 2, 0});
-    // The right end lies over the left; blended over an opaque ground 4 is one step short of itself.
-    EXPECT_EQ(Row(0), ".....035............");
-}
-
-TEST_F(Fills, RoundedFramesHaveCutCorners) {
+// Where nothing is, a colour is taken as it is, with an alpha of 0 as well.
+TEST_F(Texts, ATransparentColourIsTakenWhereNothingIsAndLeavesTheRest) {
     ASSERT_TRUE(surface.Create({0, 0, 20, 12}, 1.0));
-    GhostBorderStyle border;
-    border.type = GhostFrame::kRoundedColour;
-    border.thickness = {1, 1, 1, 1};
-    border.left.colour1 = 0xFFABCDEF;
-    PaintFrame(surface, border);
-    EXPECT_EQ(At(0, 0), 0u);
-    EXPECT_EQ(At(1, 0), 0u);
-    EXPECT_EQ(At(2, 0), 0xFFABCDEFu);
-    EXPECT_EQ(At(1, 1), 0xFFABCDEFu);
-    EXPECT_EQ(At(17, 0), 0xFFABCDEFu);
-    EXPECT_EQ(At(18, 0), 0u);
-    EXPECT_EQ(At(18, 10), 0xFFABCDEFu);
+    surface.FillRect({0, 0, 2, 1}, 0x00123456);
+    EXPECT_EQ(At(0, 0), 0x00123456u);
+    surface.SetPixel(0, 0, 0x00654321);
+    EXPECT_EQ(At(0, 0), 0x00654321u);
+    surface.FillRect({5, 5, 1, 1}, 0x80FFFFFF);
+    surface.FillRect({5, 5, 1, 1}, 0x00123456);
+    EXPECT_EQ(At(5, 5), 0x80FFFFFFu);
 }
 
 TEST_F(Texts, MeasuresAddUpAndHalfALetterFits) {
@@ -168,6 +68,37 @@ TEST_F(Texts, IsAlignedWithinItsRectangleAndOutlinedAround) {
     const GUI_RECT outlined = extent(0, 0xFF000000);
     EXPECT_LT(outlined.x, middle.x);
     EXPECT_GT(outlined.Bottom(), middle.Bottom());
+}
+
+TEST_F(Texts, AnEmptyRectangleOnTheSurfaceIsAPlaceAndOneOffItIsNot) {
+    const auto seen = [&](const GUI_RECT& rect, uint32_t align) {
+        EXPECT_TRUE(surface.Create({0, 0, 60, 30}, 1.0));
+        DrawText(surface, nullptr, L"HHH", 0xFFFFFFFF, 0, align, rect, 0, 0);
+        GUI_RECT ink;
+        for (int y = 0; y < 30; ++y) {
+            for (int x = 0; x < 60; ++x) {
+                ink = At(x, y) != 0 ? Around(ink, {x, y, 1, 1}) : ink;
+            }
+        }
+        return ink;
+    };
+    const GUI_RECT corner = seen({10, 5, 40, 20}, kAlignLeft | kAlignTop);
+    EXPECT_FALSE(corner.Empty());
+    EXPECT_EQ(seen({10, 5, 0, 0}, kAlignLeft | kAlignTop), corner);
+    EXPECT_EQ(seen({10, 5, -3, 20}, kAlignLeft | kAlignTop), corner);
+    const GUI_RECT middle = seen({30, 15, 0, 0}, 0);
+    EXPECT_NEAR(middle.x + middle.width / 2, 30, 1);
+    const GUI_RECT off[] = {
+        {60,  5,   40, 20},
+        {-40, 5,   40, 20},
+        {10,  30,  40, 20},
+        {10,  -20, 40, 20},
+        {60,  5,   0,  0 }
+    };
+    for (const GUI_RECT& rect : off) {
+        EXPECT_TRUE(seen(rect, kAlignLeft | kAlignTop).Empty()) << rect.x << " " << rect.y;
+        EXPECT_TRUE(seen(rect, kAlignRight | kAlignBottom).Empty()) << rect.x << " " << rect.y;
+    }
 }
 
 TEST(SurfaceOrigin, KeepsItsCoordinatesWhereItIsCut) {

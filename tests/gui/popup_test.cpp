@@ -69,7 +69,7 @@ TEST_F(DropList, AChoiceWritesTheCaptionAndCloses) {
     EXPECT_EQ(drop->Caption(), L"item 1");
     EXPECT_EQ(selections, (std::vector<int>{1}));
     EXPECT_EQ(manager.FocusWindow(), drop->window);
-    Key(kDown);
+    Key(kPageDown);
     EXPECT_EQ(drop->Caption(), L"item 2");
     manager.ActivateFocus();
     manager.Tick(0);
@@ -102,6 +102,80 @@ TEST_F(DropList, ClosesWhenTheFocusGoesElsewhere) {
     drop->SetVisible(false);
     manager.Tick(0);
     EXPECT_FALSE(drop->IsOpen()) << "with its control";
+}
+
+TEST_F(DropList, ItsArrowStaysDownWhileTheListIsOpen) {
+    CGhostDropList* const drop = MakeDrop(100, 5);
+    ClickAt(290, 110);
+    ASSERT_TRUE(drop->IsOpen());
+    MoveTo(150, 140);
+    EXPECT_TRUE(drop->Arrow()->IsDown());
+    EXPECT_EQ(drop->Arrow()->GetState(), CGhostButton::kPressed);
+    MoveTo(150, 110);
+    MoveTo(800, 600);
+    EXPECT_TRUE(drop->Arrow()->IsDown());
+    drop->CloseList();
+    EXPECT_EQ(drop->Arrow()->GetState(), CGhostButton::kNormal);
+}
+
+TEST_F(DropList, TheFaceIsHotAsAWhole) {
+    CGhostDropList* const drop = MakeDrop(100, 5);
+    MoveTo(120, 110);
+    EXPECT_EQ(drop->Arrow()->GetState(), CGhostButton::kHot);
+    MoveTo(800, 600);
+    EXPECT_EQ(drop->Arrow()->GetState(), CGhostButton::kNormal);
+    drop->SetEnabled(false);
+    MoveTo(120, 110);
+    EXPECT_EQ(drop->Arrow()->GetState(), CGhostButton::kDisabled);
+}
+
+TEST_F(DropList, WheelLettersAndPageKeysChangeTheChoiceWhileItIsClosed) {
+    CGhostDropList* const drop = MakeDrop(100, 0);
+    for (const wchar_t* const text : {L"Bike", L"Car", L"Cart", L"Dog"}) {
+        drop->AddItem(text);
+    }
+    drop->Item(1)->flags = GHOSTLIST_ITEM::kDisabled;
+    Focus(drop->window);
+    Key(kHome);
+    EXPECT_EQ(drop->Caption(), L"Bike");
+    Type("ca");
+    EXPECT_EQ(drop->Caption(), L"Cart") << "a disabled one is passed over";
+    manager.Tick(1000000);
+    Key(kPageDown);
+    EXPECT_EQ(drop->Caption(), L"Dog");
+    Key(kPageUp);
+    Key(kPageUp);
+    EXPECT_EQ(drop->Caption(), L"Bike");
+    Key(kPageUp);
+    EXPECT_EQ(drop->Caption(), L"Bike");
+    Key(kEnd);
+    EXPECT_EQ(drop->Caption(), L"Dog");
+    MoveTo(290, 110); // the arrow
+    Wheel(true);
+    EXPECT_EQ(drop->Caption(), L"Cart");
+    EXPECT_EQ(manager.FocusWindow(), drop->window);
+    EXPECT_EQ(selections, (std::vector<int>{0, 2, 3, 2, 0, 3, 2}));
+}
+
+TEST_F(DropList, KeysAimThoughTheMouseRestsOverTheList) {
+    CGhostDropList* const drop = MakeDrop(100, 100, 100);
+    ClickAt(120, 110);
+    MoveTo(150, 150);
+    EXPECT_EQ(drop->List()->Hot(), 21 / drop->List()->RowHeight());
+    Key(kEnd);
+    EXPECT_GT(drop->List()->ScrollPixels(), 0);
+    EXPECT_EQ(drop->List()->Hot(), 99);
+    Key(kReturn);
+    EXPECT_EQ(drop->Selected(), 99);
+}
+
+TEST_F(DropList, ItemsMayChangeWhileItIsOpen) {
+    CGhostDropList* const drop = MakeDrop(100, 5);
+    drop->Open();
+    drop->AddItem(L"one more");
+    EXPECT_EQ(OnScreen(drop->List()->window).height, 6 * drop->List()->RowHeight() + 2);
+    drop->Clear();
+    EXPECT_FALSE(drop->IsOpen());
 }
 
 TEST_F(DropList, WorksInFrontOfAModalWindowAndEndsWithIt) {

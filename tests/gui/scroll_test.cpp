@@ -128,3 +128,46 @@ TEST_F(Slider, EveryKeyMovesTheNumberThatIsShownByOne) {
         ASSERT_EQ(shown(), step);
     }
 }
+
+// With three positions only, it is not drawn at them alone.
+TEST_F(ScrollBar, TheThumbStaysUnderTheMouseWhileItIsDragged) {
+    auto* const bar = new CGhostScrollbar(nullptr, 0, L"WINDOW_SCROLLBAR", {false, 0, 0, 14, 128});
+    constexpr uint32_t kThumb = 0xFFFF0000;
+    GhostScrollbarStyle style;
+    style.verArrowButtonHeight = 14;
+    style.verWidth = 14;
+    for (GhostTextStyle& state : style.verMid.states) {
+        state.bg.colour1 = kThumb;
+    }
+    bar->SetStyle(style);
+    bar->SetRange(4, 2, 0, true); // a track of 100, a thumb of 50
+    manager.Tick(0);
+    const auto top = [&] {
+        const CGhostSurface& surface = *bar->window->surface;
+        int y = 0;
+        while (y < 128 && surface.Pixels()[y * surface.Stride() + 5] != kThumb) {
+            ++y;
+        }
+        return y - 14;
+    };
+    EXPECT_EQ(top(), 0);
+    MoveTo(7, 14 + 10);
+    Press();
+    MoveTo(7, 14 + 25);
+    EXPECT_EQ(bar->Pos(), 0);
+    EXPECT_EQ(top(), 15);
+    MoveTo(7, 14 + 50);
+    EXPECT_EQ(bar->Pos(), 1); // 40 / 50 * 2, rounded down
+    EXPECT_EQ(top(), 40);
+    Release();
+    EXPECT_EQ(top(), 25) << "at its position";
+}
+
+TEST_F(MultiText, TabsAreSpacesAndOtherControlCharactersAreNotShown) {
+    auto* const made =
+        new CGhostMultiText(nullptr, 0, L"T", L"alpha\tbeta\x07\r\n\x1Bz", {false, 0, 0, 300, 200});
+    const int margins = 6; // of the style
+    EXPECT_EQ(made->ContentWidth(), MeasureText(nullptr, L"alpha beta").width + margins);
+    EXPECT_EQ(made->LineCount(), 2);
+    EXPECT_EQ(made->Text(), L"alpha\tbeta\x07\r\n\x1Bz");
+}

@@ -52,6 +52,59 @@ TEST_F(Theme, UseOfALaterRecordOrAnotherKindReadsZerosAndKeepsItsOwnChildren) {
     EXPECT_EQ(Text(L"SELF").textColour, 0xFDu);
 }
 
+TEST_F(Theme, RecordsWithinRecordsBeginAsCopiesToo) {
+    Parse("<textbox name='RED'>" + kRed +
+          "<color name='text' val='1'/></textbox>"
+          "<border name='LINE' type='color'><rect left='3'/></border>"
+          "<button name='B'><textbox name='hot' use='RED'><color name='text' val='2'/></textbox>"
+          "</button>"
+          "<edit name='E'><textbox name='normal' use='RED'/></edit>"
+          "<textbox name='T'><border use='LINE'><rect top='4'/></border></textbox>"
+          "<list name='L'><textbox name='item_hot' use='RED'/></list>"
+          "<listview name='V'><button use='B'/><edit use='E'/>"
+          "<textbox name='bg' use='RED'/></listview>"
+          "<scrollbar name='S'><button name='ver_mid' use='B'/><textbox name='bg' use='RED'/>"
+          "</scrollbar>"
+          "<droplist name='D'><textbox name='bg' use='RED'/><button use='B'/></droplist>");
+    constexpr uint32_t kRedColour = 0xFFFF0000;
+    GhostButtonStyle button;
+    theme.GetStyle(L"B", button);
+    EXPECT_EQ(button.states[1].bg.colour1, kRedColour);
+    EXPECT_EQ(button.states[1].textColour, 2u);
+    EXPECT_EQ(button.states[0].textColour, 0u);
+    EXPECT_EQ(Text(L"T").border.type, GhostFrame::kColour);
+    EXPECT_EQ(Text(L"T").border.thickness, (GUI_EDGES{0, 4, 0, 0}));
+    GhostListStyle list;
+    theme.GetStyle(L"L", list);
+    EXPECT_EQ(list.itemHot.bg.colour1, kRedColour);
+    GhostListViewStyle view;
+    theme.GetStyle(L"V", view);
+    EXPECT_EQ(view.header.states[1].textColour, 2u);
+    EXPECT_EQ(view.edit.states[0].bg.colour1, kRedColour);
+    EXPECT_EQ(view.list.bg.textColour, 1u);
+    GhostScrollbarStyle bar;
+    theme.GetStyle(L"S", bar);
+    EXPECT_EQ(bar.verMid.states[1].textColour, 2u);
+    EXPECT_EQ(bar.bg.textColour, 1u);
+    GhostDropListStyle drop;
+    theme.GetStyle(L"D", drop);
+    EXPECT_EQ(drop.bg.bg.colour1, kRedColour);
+    EXPECT_EQ(drop.button.states[1].bg.colour1, kRedColour);
+}
+
+TEST_F(Theme, UseWithinARecordOfWhatIsNotThereClearsWhatWasInherited) {
+    Parse("<button name='A'><textbox name='hot'>" + kRed +
+          "</textbox></button>"
+          "<button name='B' use='A'><textbox name='hot' use='NOWHERE'>"
+          "<color name='text' val='9'/></textbox></button>"
+          "<button name='C' use='A'><textbox name='hot' use='A'/></button>");
+    for (const wchar_t* const name : {L"B", L"C"}) {
+        GhostButtonStyle button;
+        ASSERT_TRUE(theme.GetStyle(name, button));
+        EXPECT_EQ(button.states[1].bg.colour1, 0u);
+    }
+}
+
 TEST_F(Theme, TheFirstRecordOfANameDecidesWhateverItsKind) {
     Parse("<textbox name='A'>" + kRed + "</textbox><textbox name='A'/><button name='A'/>");
     EXPECT_EQ(Text(L"A").bg.colour1, 0xFFFF0000);
@@ -102,6 +155,14 @@ TEST_F(Theme, ABorderWithoutATypeIsNotRead) {
     EXPECT_EQ(border.type, GhostFrame::kColour);
 }
 
+TEST_F(Theme, ABorderOfAnUnknownTypeIsRead) {
+    Parse("<border name='A' type='dotted'><rect left='5'/></border>");
+    GhostBorderStyle border;
+    theme.GetStyle(L"A", border);
+    EXPECT_EQ(border.thickness, (GUI_EDGES{5, 0, 0, 0}));
+    EXPECT_EQ(border.type, GhostFrame::kNone);
+}
+
 TEST_F(Theme, FontsAlignByWordsFoundAnywhere) {
     Parse("<textbox name='A'><font align='left top' xoffset='-3' yoffset='4'/></textbox>"
           "<textbox name='B' use='A'><font/></textbox>");
@@ -109,6 +170,8 @@ TEST_F(Theme, FontsAlignByWordsFoundAnywhere) {
     EXPECT_EQ(Text(L"A").xOffset, -3);
     EXPECT_EQ(Text(L"A").yOffset, 4);
     EXPECT_EQ(Text(L"B").align, 0u) << "absent is 0";
+    EXPECT_EQ(Text(L"B").xOffset, -3) << "not mentioned, so as inherited";
+    EXPECT_EQ(Text(L"B").yOffset, 4);
 }
 
 TEST_F(Theme, StatesOfOtherNamesHaveTheirPlaces) {
@@ -141,4 +204,11 @@ TEST_F(Theme, WithoutADeclarationNothingIsRead) {
     EXPECT_EQ(theme.Names().size(), 1u);
     theme.ParseTheme("<?xml version='1.0'?>");
     EXPECT_TRUE(theme.Names().empty()) << "the store is dropped first";
+}
+
+TEST_F(Theme, ACommentMayFollowTheDeclarationButNotPrecedeIt) {
+    theme.ParseTheme("<?xml version='1.0'?><!-- mine --><theme><textbox name='A'/></theme>");
+    EXPECT_EQ(theme.Names().size(), 1u);
+    theme.ParseTheme("<!-- mine --><?xml version='1.0'?><theme><textbox name='A'/></theme>");
+    EXPECT_TRUE(theme.Names().empty());
 }

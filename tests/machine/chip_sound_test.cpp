@@ -90,10 +90,10 @@ TEST(ChipSound, CutoffLiftsTheLowsByHalfAndDropsTheHighs) {
 TEST(ChipSound, CutoffWrapsInsteadOfClipping) {
     ChipSound sound;
     sound.Init(44100.0, CutOffAt(800, 15000));
-    for (int round = 0; round < 4; ++round) {
+    for (int trial = 0; trial < 4; ++trial) {
         const std::vector<int16_t> out = Send(sound, std::vector<int16_t>(2000, 30000));
         // A steady 30,000 becomes 45,000, which is -20,536 in sixteen bits.
-        if (round == 3) {
+        if (trial == 3) {
             EXPECT_NEAR(out[1998], 45000 - 65536, 1);
             EXPECT_NEAR(out[1999], 45000 - 65536, 1);
         }

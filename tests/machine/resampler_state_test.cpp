@@ -106,24 +106,24 @@ TEST_P(ResamplerState, GoesOnWithTheSameSamples) {
             Source source(7);
             std::mt19937 sizes(static_cast<uint32_t>(rates.source) + rates.app);
             const auto frame = static_cast<size_t>(rates.source / 60.0);
-            for (size_t round = 0; round < 60; ++round) {
+            for (size_t trial = 0; trial < 60; ++trial) {
                 // Whole frames, single pairs and anything between; sometimes values are left in the
                 // output.
-                const size_t push = round % 5 == 3 ? 1 : frame - sizes() % 40 * (round % 3);
-                const size_t left = round % 4 == 0 ? 2 * (round % 8) : 0;
+                const size_t push = trial % 5 == 3 ? 1 : frame - sizes() % 40 * (trial % 3);
+                const size_t left = trial % 4 == 0 ? 2 * (trial % 8) : 0;
                 const auto samples = source.Next(push);
                 const auto state = StateOf(first);
                 ASSERT_EQ(second.LoadState(state.data(), static_cast<uint32_t>(state.size())),
                           state.size())
-                    << round;
+                    << trial;
                 ASSERT_EQ(PushAndTake(second, samples, left), PushAndTake(first, samples, left))
-                    << round;
+                    << trial;
                 ASSERT_EQ(StateOf(second).size(), StateOf(first).size());
             }
             // A loaded one stays equal for a long time.
-            for (int round = 0; round < 60; ++round) {
+            for (int trial = 0; trial < 60; ++trial) {
                 const auto samples = source.Next(frame);
-                ASSERT_EQ(PushAndTake(second, samples, 0), PushAndTake(first, samples, 0)) << round;
+                ASSERT_EQ(PushAndTake(second, samples, 0), PushAndTake(first, samples, 0)) << trial;
             }
         }
     }
@@ -196,7 +196,7 @@ TEST_P(ResamplerState, WithAnyByteChangedEitherRunsOrIsRefused) {
     second.Init(223721.0);
     std::mt19937 random(1);
     const size_t head = std::min<size_t>(state.size(), 600);
-    for (int round = 0; round < 3000; ++round) {
+    for (int trial = 0; trial < 3000; ++trial) {
         auto damaged = state;
         damaged[random() % head] = static_cast<uint8_t>(random());
         const uint32_t used =

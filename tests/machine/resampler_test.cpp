@@ -418,11 +418,11 @@ TEST_F(Resampler, RunsOfOnePairComeOutAsTheSameSamples) {
                 resampler->Init(rate, 44100, quality);
             }
             std::mt19937 random(static_cast<uint32_t>(rate));
-            for (int round = 0; round < 40; ++round) {
-                const auto left = static_cast<int16_t>(round % 7 == 0 ? 0x8000 : random() & 0xFFFF);
-                const auto right = static_cast<int16_t>(round % 3 == 0 ? static_cast<uint16_t>(left)
+            for (int trial = 0; trial < 40; ++trial) {
+                const auto left = static_cast<int16_t>(trial % 7 == 0 ? 0x8000 : random() & 0xFFFF);
+                const auto right = static_cast<int16_t>(trial % 3 == 0 ? static_cast<uint16_t>(left)
                                                                        : random() & 0xFFFF);
-                const auto pairs = static_cast<int32_t>(random() % (round % 2 == 0 ? 30 : 1000));
+                const auto pairs = static_cast<int32_t>(random() % (trial % 2 == 0 ? 30 : 1000));
                 std::vector<int16_t> samples;
                 for (int32_t i = 0; i < pairs; ++i) {
                     samples.push_back(left);
@@ -436,7 +436,7 @@ TEST_F(Resampler, RunsOfOnePairComeOutAsTheSameSamples) {
                 const std::vector<int16_t> expected(pushed.Output().begin(), pushed.Output().end());
                 ASSERT_EQ(std::vector<int16_t>(counted.Output().begin(), counted.Output().end()),
                           expected)
-                    << quality << ' ' << rate << ' ' << round;
+                    << quality << ' ' << rate << ' ' << trial;
                 if (quality != 0) { // single precision tells the pieces of quality 0 apart
                     ASSERT_EQ(std::vector<int16_t>(single.Output().begin(), single.Output().end()),
                               expected);

@@ -128,7 +128,7 @@ TEST(M68000State, APieceOfAnotherVersionOrSizeIsRefusedAndChangesNothing) {
 // Registers, flags, queue and lines as they are amid a program of random words.
 TEST(M68000State, LoadedItGoesOnExactly) {
     std::mt19937 random(3);
-    for (int round = 0; round < 200; ++round) {
+    for (int trial = 0; trial < 200; ++trial) {
         TEST_68000 first{};
         for (uint32_t i = 0; i < 400; ++i) {
             first.SetWord(kProgram + 2 * i, static_cast<uint32_t>(random()) & 0xFFFF);
@@ -165,7 +165,7 @@ TEST(M68000State, LoadedItGoesOnExactly) {
 TEST(M68000State, AnyBytesAreSafe) {
     std::mt19937 random(7);
     TEST_68000 rig{0x4E71};
-    for (int round = 0; round < 3000; ++round) {
+    for (int trial = 0; trial < 3000; ++trial) {
         STATE state{};
         for (uint8_t& byte : state) {
             byte = static_cast<uint8_t>(random());

@@ -399,9 +399,9 @@ TEST(MdCartridgeState, AnyBytesAreSafe) {
     };
     for (const ImageRig& image : images) {
         CartridgeRig rig(image);
-        for (int round = 0; round < 100; ++round) {
+        for (int trial = 0; trial < 100; ++trial) {
             std::vector<uint8_t> block = rig.Save();
-            const uint8_t fill = round == 0 ? 0xFF : 0;
+            const uint8_t fill = trial == 0 ? 0xFF : 0;
             std::generate(block.begin() + 5, block.begin() + 64, [&] {
                 return static_cast<uint8_t>((static_cast<uint32_t>(random()) & 0xFF) | fill);
             });

@@ -29,22 +29,22 @@ TEST(MdVdpRun, IsTheSameAsSingleClocks) {
         std::mt19937 singleAccess(seed);
         // From no access in many lines to one every few dots.
         const uint32_t longest = seed % 3 == 0 ? 3000 : seed % 3 == 1 ? 150 : 12;
-        const uint32_t rounds = seed % 3 == 0 ? 300 : 6000;
-        for (uint32_t round = 0; round < rounds; ++round) {
+        const uint32_t trials = seed % 3 == 0 ? 300 : 6000;
+        for (uint32_t trial = 0; trial < trials; ++trial) {
             const uint32_t clocks = 1 + static_cast<uint32_t>(random()) % longest;
             MdVdpRun(*many.vdp, clocks * 7);
             for (uint32_t clock = 0; clock < clocks; ++clock) {
                 MdVdpTick(*single.vdp);
             }
-            ASSERT_EQ(many.vdp->hCount, single.vdp->hCount) << seed << " " << round;
-            ASSERT_EQ(many.vdp->stepDebt, single.vdp->stepDebt) << seed << " " << round;
+            ASSERT_EQ(many.vdp->hCount, single.vdp->hCount) << seed << " " << trial;
+            ASSERT_EQ(many.vdp->stepDebt, single.vdp->stepDebt) << seed << " " << trial;
             ASSERT_EQ(Access(many, manyAccess), Access(single, singleAccess))
-                << seed << " " << round;
+                << seed << " " << trial;
             ASSERT_EQ(many.stall, single.stall);
             ASSERT_EQ(many.zInt, single.zInt);
-            if (round % 97 == 0 || longest == 3000) {
-                ASSERT_EQ(Save(*many.vdp), Save(*single.vdp)) << seed << " " << round;
-                ASSERT_EQ(many.pixels, single.pixels) << seed << " " << round;
+            if (trial % 97 == 0 || longest == 3000) {
+                ASSERT_EQ(Save(*many.vdp), Save(*single.vdp)) << seed << " " << trial;
+                ASSERT_EQ(many.pixels, single.pixels) << seed << " " << trial;
             }
         }
         EXPECT_EQ(many.irqs, single.irqs);
@@ -61,7 +61,7 @@ TEST(MdVdpRun, NothingOfTheMachineChangesBeforeTheEventTold) {
         MdVdpRig rig;
         Randomize(rig, seed);
         std::mt19937 random(seed);
-        for (uint32_t round = 0; round < 3000; ++round) {
+        for (uint32_t trial = 0; trial < 3000; ++trial) {
             (void)Access(rig, random);
             rig.irqs.clear();
             rig.reads.clear();
@@ -73,8 +73,8 @@ TEST(MdVdpRun, NothingOfTheMachineChangesBeforeTheEventTold) {
             for (; clocks != 0; --clocks) {
                 MdVdpTick(*rig.vdp);
             }
-            ASSERT_TRUE(rig.irqs.empty()) << seed << " " << round;
-            ASSERT_TRUE(rig.reads.empty()) << seed << " " << round;
+            ASSERT_TRUE(rig.irqs.empty()) << seed << " " << trial;
+            ASSERT_TRUE(rig.reads.empty()) << seed << " " << trial;
             ASSERT_EQ(rig.vdp->frameDone, 0U);
             ASSERT_EQ(rig.stall, stall);
             ASSERT_EQ(rig.zInt, zInt);

@@ -134,11 +134,11 @@ TEST(MdVdpState, ALineCounterOutOfItsRangeComesBackIntoIt) {
 // Random bytes: counters and indexes are brought back into range, and the chip runs on.
 TEST(MdVdpState, AnyBytesAreSafe) {
     std::mt19937 random(1);
-    for (uint32_t round = 0; round < 60; ++round) {
+    for (uint32_t trial = 0; trial < 60; ++trial) {
         MdVdpRig rig;
         std::vector<uint8_t> state = Save(*rig.vdp);
         std::generate(state.begin() + 5, state.end(),
-                      [&] { return round == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random()); });
+                      [&] { return trial == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random()); });
         ASSERT_EQ(Load(*rig.vdp, state), state.size());
         const MD_VDP& vdp = *rig.vdp;
         ASSERT_LT(vdp.hCount, vdp.h40 != 0 ? 422U : 342U);

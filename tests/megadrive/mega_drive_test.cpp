@@ -766,7 +766,7 @@ TEST(MegaDriveFrame, AddressErrorLeavesTheSameStateInBothLoops) {
     std::vector<std::vector<uint8_t>> states;
     for (const bool plain : {false, true}) {
         const auto machine = StartMd(program);
-        machine->SetStepByStep(plain);
+        machine->SetPlainLoop(plain);
         MACHINE_RIG rig;
         rig.Frame(*machine);
         EXPECT_TRUE(machine->ended);
@@ -805,7 +805,7 @@ TEST(MegaDriveFrame, AZ80ThatStopsItselfLeavesTheSameStateInBothLoops) {
     std::vector<uint8_t> turns;
     for (const bool plain : {false, true}) {
         const auto machine = StartMd(program);
-        machine->SetStepByStep(plain);
+        machine->SetPlainLoop(plain);
         MACHINE_RIG rig;
         for (int frame = 0; frame < 3; ++frame) {
             rig.Frame(*machine);
@@ -837,7 +837,7 @@ TEST(MegaDriveFrame, EndsThoughItsInstructionsTakeNoTime) {
     ASSERT_EQ(m68kCycles[kNoSuchOpcode], 0);
     const auto fast = StartMd(program);
     const auto plain = StartMd(program);
-    plain->SetStepByStep(true);
+    plain->SetPlainLoop(true);
     MACHINE_RIG rig;
     for (CMegaDrive* machine : {fast.get(), plain.get()}) {
         rig.Frames(*machine, 2);

@@ -95,11 +95,11 @@ TEST(SvpState, LoadedProcessorGoesOnAsTheSavedOne) {
 
 TEST(SvpState, AnyBytesAreSafe) {
     std::mt19937 random(3);
-    for (int round = 0; round < 60; ++round) {
+    for (int trial = 0; trial < 60; ++trial) {
         SvpRig rig;
         std::vector<uint8_t> block = Save(rig);
         for (size_t i = 5; i < block.size(); ++i) {
-            block[i] = round == 0 ? 0xFF : static_cast<uint8_t>(random() & 0xFF);
+            block[i] = trial == 0 ? 0xFF : static_cast<uint8_t>(random() & 0xFF);
         }
         ASSERT_EQ(Load(rig, block), block.size());
         EXPECT_EQ(rig.svp->gr[kSvpBlind], 0xFFFF0000u);

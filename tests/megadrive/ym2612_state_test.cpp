@@ -59,10 +59,10 @@ TEST_F(Ym2612State, SavedAtAnyClockMakesTheSameSound) {
     std::mt19937 random(7);
     auto other = std::make_unique<HEARD_CHIP<YM2612>>();
     bool heard = false;
-    for (uint32_t round = 0; round < 60; ++round) {
+    for (uint32_t trial = 0; trial < 60; ++trial) {
         WriteAtRandom(random, 300);
         Skip(150);
-        Ym2612Run(*ym, round * 3); // somewhere within a sample
+        Ym2612Run(*ym, trial * 3); // somewhere within a sample
         WriteAtRandom(random, 3);  // some channels wait for recalculation
         ym->pairs->sampleCount = 0;
         const std::vector<uint8_t> state = StateOf(*ym);
@@ -84,8 +84,8 @@ TEST_F(Ym2612State, SavedAtAnyClockMakesTheSameSound) {
         const std::vector<double> expected = listen();
         const std::vector<uint8_t> end = StateOf(*ym);
         ym.swap(other);
-        ASSERT_EQ(listen(), expected) << round;
-        ASSERT_EQ(StateOf(*ym), end) << round;
+        ASSERT_EQ(listen(), expected) << trial;
+        ASSERT_EQ(StateOf(*ym), end) << trial;
         heard |= PeakOf(expected) > 0.0;
     }
     EXPECT_TRUE(heard);
@@ -108,9 +108,9 @@ TEST_F(Ym2612State, AnyBytesAreSafe) {
     std::vector<uint8_t> state = StateOf(*ym);
     std::mt19937 random(1);
     bool heard = false;
-    for (int round = 0; round < 300; ++round) {
+    for (int trial = 0; trial < 300; ++trial) {
         for (size_t i = 5; i < state.size(); ++i) {
-            state[i] = round == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
+            state[i] = trial == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
         }
         ASSERT_EQ(Ym2612LoadState(*ym, state.data(), Ym2612StateSize()), Ym2612StateSize());
         ExpectIndexesInRange(*ym);

@@ -350,21 +350,21 @@ TEST_F(Ym2612Test, OwnerThatNeverFlushesIsSafe) {
     EXPECT_EQ(ym->pairs->sampleCount, ym->pairs->samples.size()) << "what comes then is lost";
 }
 
-TEST_F(Ym2612Test, CatchUpRunsInWholeSamplesUntilEnoughIsReady) {
+TEST_F(Ym2612Test, SoundUntilReadyIsMadeInWholeSamples) {
     ym->sound.Init(kRate, SoundChoiceFromSettings());
     Ym2612Run(*ym, 31);
-    ym->sound.CatchUp(401, [this] { Ym2612Run(*ym, kYm2612ClocksPerSample); });
+    ym->sound.FlushUntilReady(401, [this] { Ym2612Run(*ym, kYm2612ClocksPerSample); });
     EXPECT_GE(ym->sound.Output().size(), 401u);
     EXPECT_LE(ym->sound.Output().size(), 404u);
     EXPECT_EQ(ym->tickCount, 31u);
     const uint32_t steps = ym->egCounter;
     const uint32_t timer = ym->egTimer;
-    ym->sound.CatchUp(300, [this] { Ym2612Run(*ym, kYm2612ClocksPerSample); });
+    ym->sound.FlushUntilReady(300, [this] { Ym2612Run(*ym, kYm2612ClocksPerSample); });
     EXPECT_EQ(ym->egCounter, steps);
     EXPECT_EQ(ym->egTimer, timer);
 }
 
-TEST_F(Ym2612Test, CatchUpToMoreThanTheResamplerHoldsEnds) {
-    ym->sound.CatchUp(1'000'000, [this] { Ym2612Run(*ym, kYm2612ClocksPerSample); });
+TEST_F(Ym2612Test, SoundUntilReadyEndsWhenTheResamplerIsFull) {
+    ym->sound.FlushUntilReady(1'000'000, [this] { Ym2612Run(*ym, kYm2612ClocksPerSample); });
     EXPECT_EQ(ym->sound.Output().size(), 44100u / 40 * 2);
 }

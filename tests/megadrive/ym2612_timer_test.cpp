@@ -36,7 +36,7 @@ TEST_F(Ym2612Timer, TimerATakesItsValueToTheTopInSamples) {
         Start();
         TimerA(value);
         Set(0x27, 0x05);
-        for (int round = 0; round < 3; ++round) {
+        for (int trial = 0; trial < 3; ++trial) {
             EXPECT_EQ(SamplesUntil(1), static_cast<size_t>(1024 - value)) << value;
             Set(0x27, 0x15);
             EXPECT_EQ(ym->status, 0);
@@ -49,7 +49,7 @@ TEST_F(Ym2612Timer, TimerBTakesSixteenTimesAsLong) {
         Start();
         Set(0x26, value);
         Set(0x27, 0x0A);
-        for (int round = 0; round < 3; ++round) {
+        for (int trial = 0; trial < 3; ++trial) {
             EXPECT_EQ(SamplesUntil(2), static_cast<size_t>(256 - value) * 16) << value;
             Set(0x27, 0x2A);
             EXPECT_EQ(ym->status, 0);
@@ -168,7 +168,7 @@ TEST_F(Ym2612Timer, CsmKeysLastOneSample) {
     Set(0x27, 0x81);
     Skip(499);
     EXPECT_EQ(Slot(3, 1).state, Ym2612Envelope::kOff);
-    for (int round = 0; round < 3; ++round) {
+    for (int trial = 0; trial < 3; ++trial) {
         Skip(1);
         EXPECT_EQ(ym->csmKey, 1);
         for (int op = 1; op <= 4; ++op) {

@@ -108,12 +108,12 @@ TEST(ApuState, WrongVersionOrLengthIsRefusedWithNothingChanged) {
 // sequencer expire.
 TEST(ApuState, TamperedStatesAreSafe) {
     std::mt19937 random(1);
-    for (int round = 0; round < 200; ++round) {
+    for (int trial = 0; trial < 200; ++trial) {
         ApuRig rig;
         std::vector<uint8_t> block = Save(rig);
         for (size_t i = 5; i < block.size(); ++i) {
             const std::array<uint32_t, 3> kinds{static_cast<uint32_t>(random()), 0xFF, 0};
-            block[i] = static_cast<uint8_t>(kinds[static_cast<size_t>(round) % 3]);
+            block[i] = static_cast<uint8_t>(kinds[static_cast<size_t>(trial) % 3]);
         }
         ASSERT_EQ(Load(rig, block), block.size());
         const std::vector<int> samples = rig.Raw(2000);

@@ -138,13 +138,13 @@ TEST(BoardState, TamperedStatesAreSafe) {
     std::mt19937 random(1);
     for (const ROW& row : kRows) {
         CartridgeRig rig(ImageFor(row.board));
-        for (int round = 0; round < 20; ++round) {
+        for (int trial = 0; trial < 20; ++trial) {
             std::vector<uint8_t> block = rig.Save();
             for (size_t i = kHeader; i < block.size(); ++i) {
                 block[i] = static_cast<uint8_t>(random());
             }
             ASSERT_EQ(rig.Load(block), block.size());
-            Play(rig, static_cast<uint32_t>(round));
+            Play(rig, static_cast<uint32_t>(trial));
             ExpectSoundTables(rig);
         }
     }

@@ -128,7 +128,7 @@ TEST(M6502State, OperandRegisterIsMaskedAndTheCallbacksAreKept) {
 
 TEST(M6502State, ArbitraryQueuesRunWithinTheirBounds) {
     std::mt19937 random(6502);
-    for (int round = 0; round < 4000; ++round) {
+    for (int trial = 0; trial < 4000; ++trial) {
         STATE state{};
         std::generate(state.begin(), state.end(), [&] { return static_cast<uint8_t>(random()); });
         state[0] = 1;

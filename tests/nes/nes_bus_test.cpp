@@ -144,7 +144,7 @@ TEST(NesBus, BoardOneTakesTheFirstWriteOfAnIncrement) {
         program.Stop();
         program.At(0xF000).Bytes({0x00, 0x01}); // also at 0x9000
         const auto machine = StartNes(program, {1, 0, 2, 1, {}});
-        machine->SetStepByStep(plain);
+        machine->SetPlainLoop(plain);
         EXPECT_EQ(Mirroring(machine->Console()), "AAAA");
         RunFrames(*machine, 1);
         EXPECT_EQ(Mirroring(machine->Console()), "AABB") << plain;
@@ -191,7 +191,7 @@ TEST(NesBus, BoardFoursCounterIsClockedByHandThroughTheAddress) {
         program.At(kNesIrq).Bytes({0xA6, 0x11, 0xA5, 0x10, 0x95, 0x20, 0xE6, 0x11});
         program.Sta(0xE000).Sta(0xE001).Bytes({0x40});
         const auto machine = StartNes(program, {4, 0, 2, 1, {}});
-        machine->SetStepByStep(plain);
+        machine->SetPlainLoop(plain);
         RunFrames(*machine, 1);
         EXPECT_EQ(NesByte(*machine, 0x0010), kClocks) << plain;
         EXPECT_EQ(NesByte(*machine, 0x0011), 2) << plain;

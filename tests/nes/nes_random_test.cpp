@@ -138,7 +138,7 @@ TEST_P(EveryNesBoard, RandomAccessesAreTheSameFastAndPlain) {
         const RandomProgram random(seed);
         const auto fast = StartNes(random.Program(), ImageOf(GetParam()));
         const auto plain = StartNes(random.Program(), ImageOf(GetParam()));
-        plain->SetStepByStep(true);
+        plain->SetPlainLoop(true);
         for (int frame = 0; frame < kFrames; ++frame) {
             const FRAME_RESULT one = Play(*fast, frame, 1).front();
             const FRAME_RESULT two = Play(*plain, frame, 1).front();

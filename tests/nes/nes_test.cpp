@@ -322,7 +322,7 @@ TEST(Nes, ScanlineBoardInterruptsOnItsLines) {
         program.At(kNesIrq).Bytes({0xE6, 0x10, 0xD0, 0x02, 0xE6, 0x11});
         program.Sta(0xE000).Sta(0xE001).Bytes({0x40});
         const auto machine = StartNes(program, {4, 0, 2, 1, {}});
-        machine->SetStepByStep(plain);
+        machine->SetPlainLoop(plain);
         RunFrames(*machine, 21); // a vblank and twenty pictures
         const int count = NesByte(*machine, 0x0010) + 256 * NesByte(*machine, 0x0011);
         EXPECT_NEAR(count, 20 * 241 / 4.0, 2.0) << plain;

@@ -185,10 +185,10 @@ TEST(PpuState, RestoredRunsGiveTheSamePictures) {
 // Arbitrary bytes: counters and indices are brought into range, and the chip runs on.
 TEST(PpuState, AnyBytesAreSafe) {
     std::mt19937 random(1);
-    for (uint32_t round = 0; round < 60; ++round) {
+    for (uint32_t trial = 0; trial < 60; ++trial) {
         PpuRig rig;
         std::vector<uint8_t> state = Save(*rig.ppu);
-        const bool ones = round == 0;
+        const bool ones = trial == 0;
         std::generate(state.begin() + 5, state.end(),
                       [&] { return ones ? uint8_t{0xFF} : RandomByte(random); });
         ASSERT_EQ(Load(*rig.ppu, state), state.size());
@@ -273,22 +273,22 @@ TEST(PpuCatchUp, DelayIsNeverSeen) {
 
 TEST(PpuCatchUp, SearchOfALineAtOnceEndsAsDotByDot) {
     std::mt19937 random(9);
-    for (uint32_t round = 0; round < 3000; ++round) {
+    for (uint32_t trial = 0; trial < 3000; ++trial) {
         PpuRig rig;
         PPU& whole = *rig.ppu;
         for (uint8_t& byte : whole.oam) {
-            byte = RandomByte(random) & (round % 2 == 0 ? 0x1F : 0x7F);
+            byte = RandomByte(random) & (trial % 2 == 0 ? 0x1F : 0x7F);
         }
         whole.line = static_cast<int32_t>(random() % 32) - 1;
         whole.control = RandomByte(random) & 0x20;
-        whole.oamAddress = round % 4 == 0 ? RandomByte(random) : uint8_t{0};
+        whole.oamAddress = trial % 4 == 0 ? RandomByte(random) : uint8_t{0};
         const auto copy = std::make_unique<PPU>(whole);
         PPU& dots = *copy;
         PpuEvaluateLine(whole);
         for (uint32_t dot = 0; dot < 256; ++dot) {
             PpuEvaluateDot(dots, dot);
         }
-        ASSERT_EQ(Save(whole), Save(dots)) << round;
+        ASSERT_EQ(Save(whole), Save(dots)) << trial;
     }
 }
 

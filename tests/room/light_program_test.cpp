@@ -132,6 +132,25 @@ MATRIX4 EvenProjection() {
             1};
 }
 
+// The camera stands somewhere in the room and looks somewhere: the formula counts in its axes, the program in
+// the room's.
+const MATRIX4 kView =
+    Multiply(RotationAboutX(20), Multiply(RotationAboutY(30), Translation({-40, 15, 70})));
+
+VECTOR3 DirectionInRoom(XYZ eye) {
+    const auto along = [&](size_t column) {
+        return static_cast<float>(double{kView[column * 4]} * eye.x +
+                                  double{kView[column * 4 + 1]} * eye.y +
+                                  double{kView[column * 4 + 2]} * eye.z);
+    };
+    return {along(0), along(1), along(2)};
+}
+
+VECTOR3 PlaceInRoom(XYZ eye) {
+    return DirectionInRoom(
+        {eye.x - double{kView[12]}, eye.y - double{kView[13]}, eye.z - double{kView[14]}});
+}
+
 class LightFormula : public RoomGlTest {
 protected:
     void SetUp() override {
@@ -151,9 +170,7 @@ protected:
     }
 
     void AddLamp(XYZ place) {
-        painter.Program().SetLamp(lights.size(), kIdentity,
-                                  {static_cast<float>(place.x), static_cast<float>(place.y),
-                                   static_cast<float>(place.z)});
+        painter.Program().SetLamp(lights.size(), PlaceInRoom(place));
         lights.push_back({
             false, {0.6,  0.6, 0.6},
              {0.5, 0.5, 0.5},
@@ -164,16 +181,11 @@ protected:
 
     void AddTelevision(RGB colour, XYZ place, XYZ direction, double ball, double angle,
                        double falloff) {
+        const auto f = [](double value) { return static_cast<float>(value); };
         COLOUR_HISTORY colours;
-        colours.light = {static_cast<float>(colour.r), static_cast<float>(colour.g),
-                         static_cast<float>(colour.b)};
-        const auto vector = [](XYZ v) {
-            return VECTOR3{static_cast<float>(v.x), static_cast<float>(v.y),
-                           static_cast<float>(v.z)};
-        };
-        painter.Program().SetLight(lights.size(), kIdentity, static_cast<float>(falloff), colours,
-                                   vector(place), vector(direction), static_cast<float>(ball),
-                                   static_cast<float>(angle));
+        colours.light = {f(colour.r), f(colour.g), f(colour.b)};
+        painter.Program().SetLight(lights.size(), f(falloff), colours, PlaceInRoom(place),
+                                   DirectionInRoom(direction), f(ball), f(angle));
         lights.push_back({true, colour, colour, place, direction,
                           std::cos(angle * std::numbers::pi / 180), ball, 0.01,
                           0.0001 - falloff * 0.000001});
@@ -182,21 +194,17 @@ protected:
     // Draws the plane z = `depth` with this normal and compares every pixel.
     void ExpectFormula(const SURFACE& surface, int tolerance, XYZ normal = {0, 0, 1}) {
         const auto f = [](double value) { return static_cast<float>(value); };
-        const auto depth = f(kDepth);
-        const std::array<float, 12> places{-99, -99, depth, 99,  -99, depth,
-                                           99,  99,  depth, -99, 99,  depth};
-        std::array<float, 12> normals{};
-        for (size_t i = 0; i < normals.size(); i += 3) {
-            normals[i] = f(normal.x);
-            normals[i + 1] = f(normal.y);
-            normals[i + 2] = f(normal.z);
-        }
+        const std::array<VECTOR3, 4> places{
+            PlaceInRoom({-99, -99, kDepth}), PlaceInRoom({99, -99, kDepth}),
+            PlaceInRoom({99, 99, kDepth}), PlaceInRoom({-99, 99, kDepth})};
+        std::array<VECTOR3, 4> normals{};
+        normals.fill(DirectionInRoom(normal));
         const std::array<float, 8> coordinates{};
         const std::array<uint16_t, 6> indices{0, 1, 2, 0, 2, 3};
 
         ClearScreen(kBlack);
         glViewport(0, 0, kWide, kHigh);
-        painter.BeginScene(EvenProjection(), kIdentity);
+        painter.BeginScene(EvenProjection(), kView);
         painter.SetArrays({0, places.data(), normals.data(), coordinates.data()});
         const bool textured = surface.texture.r + surface.texture.g + surface.texture.b > 0;
         painter.SetMaterial({
@@ -405,7 +413,7 @@ TEST_F(LightFormula, OnlyLightsBeforeTheFirstDisabledOneShine) {
     // A light at index 2 without one at index 1.
     COLOUR_HISTORY white;
     white.light = {1, 1, 1};
-    painter.Program().SetLight(2, kIdentity, 80, white, {0, 0, -40}, {0, 0, -1}, 50, 70);
+    painter.Program().SetLight(2, 80, white, {0, 0, -40}, {0, 0, -1}, 50, 70);
     EXPECT_EQ(painter.Program().LightCount(), 1U);
     ExpectFormula({.texture = texel}, kExact);
 }
@@ -423,27 +431,37 @@ TEST_F(LightFormula, LightsOfTheLastFrameAreForgotten) {
     ExpectFormula({.texture = texel}, 0);
 }
 
-TEST_F(LightFormula, LightsStandWhereTheViewPutsThem) {
-    const MATRIX4 view = Multiply(RotationAboutY(90), Translation({-100, 0, 0}));
-    COLOUR_HISTORY white;
-    white.light = {1, 1, 1};
-    painter.Program().SetLamp(0, view, {103, 2, 1});
-    painter.Program().SetLight(1, view, 80, white, {103, 2, 1}, {0, 0.5f, 1}, 50, 60);
-    for (const size_t i : {size_t{0}, size_t{1}}) {
-        // (3, 2, 1) from the camera; turned by 90 degrees +x becomes -z, and +z becomes +x.
-        const ROOM_LIGHT& light = painter.Program().Lights()[i];
-        EXPECT_NEAR(light.pos[0], 1, 1e-5);
-        EXPECT_NEAR(light.pos[1], 2, 1e-5);
-        EXPECT_NEAR(light.pos[2], -3, 1e-5);
-        EXPECT_EQ(light.pos[3], 1);
+TEST_F(LightFormula, ShapesOfLightsAreThoseOfTheirKind) {
+    COLOUR_HISTORY colours;
+    colours.light = {0.1f, 0.2f, 0.3f};
+    LightProgram& program = painter.Program();
+    program.SetLamp(0, {1, 2, 3});
+    program.SetLight(1, 80, colours, {4, 5, 6}, {0, -0.2f, 1}, 50, 60);
+    const ROOM_LIGHT& lamp = program.Lights()[0];
+    EXPECT_THAT(lamp.color, testing::ElementsAre(0.6f, 0.6f, 0.6f, 1));
+    EXPECT_THAT(lamp.specular, testing::ElementsAre(0.5f, 0.5f, 0.5f, 1));
+    EXPECT_EQ(lamp.shape.linearAttenuation, 0.00005f);
+    EXPECT_EQ(lamp.shape.quadraticAttenuation, 0.000008f);
+    const ROOM_LIGHT& television = program.Lights()[1];
+    EXPECT_THAT(television.color, testing::ElementsAre(0.1f, 0.2f, 0.3f, 1));
+    EXPECT_EQ(television.specular, television.color);
+    EXPECT_EQ(television.shape.direction, (VECTOR3{0, -0.2f, 1})) << "its length stays";
+    EXPECT_FLOAT_EQ(television.shape.spotCosCutoff, 0.5f);
+    EXPECT_EQ(television.shape.spotBall, 50);
+    EXPECT_EQ(television.shape.linearAttenuation, 0.01f);
+    EXPECT_FLOAT_EQ(television.shape.quadraticAttenuation, 0.00002f);
+}
+
+TEST_F(LightFormula, ManySetsOfLightsComeAndGo) {
+    // More than are kept compiled, twice over.
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < 10; ++i) {
+            painter.Program().ClearLights();
+            lights.clear();
+            AddLamp({3.0 * i, 5, -20});
+            ExpectFormula({.texture = texel}, kExact);
+        }
     }
-    const ROOM_LIGHT& light = painter.Program().Lights()[1];
-    EXPECT_NEAR(light.direction[0], 1, 1e-5);
-    EXPECT_NEAR(light.direction[1], 0.5, 1e-5);
-    EXPECT_NEAR(light.direction[2], 0, 1e-5);
-    EXPECT_NEAR(light.spotCosCutoff, 0.5, 1e-5);
-    EXPECT_FLOAT_EQ(light.quadraticAttenuation, 0.00002f);
-    EXPECT_FLOAT_EQ(light.linearAttenuation, 0.01f);
 }
 
 TEST_F(LightFormula, SettingTurnsTheLightsOff) {
@@ -488,15 +506,21 @@ TEST_F(LightFormula, SettingTurnsTheLightsOff) {
         {0.9, 0.5, 0.1});
 }
 
-TEST_F(LightFormula, UnchangedLightsAreWrittenOnce) {
-    AddLamp({10, 5, -20});
+TEST_F(LightFormula, OnlyColoursThatChangeAreWritten) {
+    const auto addTelevision = [&](double red) {
+        painter.Program().ClearLights();
+        lights.clear();
+        AddTelevision({red, 0.4, 0.2}, {5, 0, -40}, {0, 0, -1}, 0, 55, 80);
+    };
+    addTelevision(0.9);
     ExpectFormula({.texture = texel}, kExact);
-    EXPECT_GT(painter.Counters().uniformWrites, 0U);
-    painter.Program().ClearLights();
-    lights.clear();
-    AddLamp({10, 5, -20});
+    EXPECT_EQ(painter.Counters().uniformWrites, 1U);
+    addTelevision(0.9);
     ExpectFormula({.texture = texel}, kExact);
     EXPECT_EQ(painter.Counters().uniformWrites, 0U);
+    addTelevision(0.5);
+    ExpectFormula({.texture = texel}, kExact);
+    EXPECT_EQ(painter.Counters().uniformWrites, 1U);
 }
 
 // Fakes of a driver that fails.

@@ -1,5 +1,5 @@
 #include "room/model_3ds.h"
-#include "room/model_bytes.h"
+#include "room/room_scene.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

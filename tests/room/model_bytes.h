@@ -1,4 +1,4 @@
-// Makes `.3ds` files: chunks of bytes, and whole models of boxes.
+// Makes `.3ds` files, chunk by chunk.
 //
 // Places are the file's: x right, y away, z up.
 #pragma once
@@ -106,72 +106,4 @@ struct MeshBytes {
     [[nodiscard]] Bytes Object(std::string_view name) const {
         return Chunk(0x4000, Name(name) + Chunk(0x4100, Vertices() + Coordinates() + Faces()));
     }
-
-    // A side of four corners, counter-clockwise from its lower left as seen from outside, of this material.
-    void AddSide(const std::array<std::array<float, 3>, 4>& corners, const std::string& material) {
-        constexpr float kImage[4][2] = {
-            {0, 0},
-            {1, 0},
-            {1, 1},
-            {0, 1}
-        };
-        const size_t first = places.size() / 3;
-        for (size_t i = 0; i < 4; ++i) {
-            places.insert(places.end(), corners[i].begin(), corners[i].end());
-            coordinates.insert(coordinates.end(), kImage[i], kImage[i] + 2);
-        }
-        Group* group = nullptr;
-        for (Group& known : groups) {
-            group = known.material == material ? &known : group;
-        }
-        if (group == nullptr) {
-            group = &groups.emplace_back();
-            group->material = material;
-        }
-        group->faces.push_back(faces.size());
-        group->faces.push_back(faces.size() + 1);
-        faces.push_back({first, first + 1, first + 2});
-        faces.push_back({first, first + 2, first + 3});
-    }
 };
-
-// A box around the origin, every side with its own vertices. `front` is the material of the side that is at
-// +z once loaded, the file's -y.
-inline MeshBytes BoxMesh(float width, float height, float depth, const std::string& sides,
-                         const std::string& front) {
-    const float w = width / 2;
-    const float h = height / 2;
-    const float d = depth / 2;
-    MeshBytes mesh;
-    mesh.AddSide(
-        {
-            {{-w, -d, -h}, {w, -d, -h}, {w, -d, h}, {-w, -d, h}}
-    },
-        front);
-    mesh.AddSide(
-        {
-            {{w, d, -h}, {-w, d, -h}, {-w, d, h}, {w, d, h}}
-    },
-        sides);
-    mesh.AddSide(
-        {
-            {{w, -d, -h}, {w, d, -h}, {w, d, h}, {w, -d, h}}
-    },
-        sides);
-    mesh.AddSide(
-        {
-            {{-w, d, -h}, {-w, -d, -h}, {-w, -d, h}, {-w, d, h}}
-    },
-        sides);
-    mesh.AddSide(
-        {
-            {{-w, -d, h}, {w, -d, h}, {w, d, h}, {-w, d, h}}
-    },
-        sides);
-    mesh.AddSide(
-        {
-            {{-w, d, -h}, {w, d, -h}, {w, -d, -h}, {-w, -d, -h}}
-    },
-        sides);
-    return mesh;
-}

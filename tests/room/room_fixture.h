@@ -2,8 +2,8 @@
 #pragma once
 
 #include "display/display_fixture.h"
-#include "room/model_bytes.h"
 #include "room/room_painter.h"
+#include "room/room_scene.h"
 #include "settings/settings.h"
 
 #include <SDL_video.h>
@@ -11,9 +11,6 @@
 #include <map>
 #include <string>
 #include <vector>
-
-// An uncompressed image file that the decoder takes: PNG with stored blocks. Pixels 0xAARRGGBB, top row first.
-[[nodiscard]] Bytes PngFile(uint32_t width, uint32_t height, const std::vector<uint32_t>& pixels);
 
 inline void* WindowLibraryLoader(const char* name) {
     return SDL_GL_GetProcAddress(name);
@@ -39,7 +36,7 @@ protected:
                 [this](const std::string& message) { reports.push_back(message); }};
     }
 
-    std::map<std::string, Bytes> files;
+    RoomFiles files;
     std::vector<std::string> reports;
     size_t reads = 0; // of files
 };

@@ -31,7 +31,7 @@ constexpr uint32_t kFrames = 150;
 template <typename Machine>
 class Rig {
 public:
-    Rig(const DEMO& demo, const uint8_t* options, bool stepByStep)
+    Rig(const DEMO& demo, const uint8_t* options, bool plainLoop)
         : machine(std::make_unique<Machine>(kKey)) {
         CGameFile game;
         MACHINE_RECORD record{};
@@ -44,7 +44,7 @@ public:
         game.selectedName = 0;
         CGameFile* const games[2] = {&game, nullptr};
         EXPECT_TRUE(machine->Init(options, games));
-        machine->SetStepByStep(stepByStep);
+        machine->SetPlainLoop(plainLoop);
         pixels.resize(size_t{machine->width} * machine->height);
     }
 

@@ -242,7 +242,7 @@ TEST(GearLink, ReceiverWithoutAPartnerSeesFrameErrors) {
     GearLinkReset(link);
     GearLinkWrite(link, 5, kAll);
     EXPECT_EQ(GearLinkRead(link, 5), kAll | kGearFrameError);
-    for (int round = 0; round < 3; ++round) {
+    for (int trial = 0; trial < 3; ++trial) {
         for (uint32_t i = 0; i < kByte - 1; ++i) {
             GearLinkTick(link);
         }

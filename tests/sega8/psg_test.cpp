@@ -449,7 +449,7 @@ TEST_F(Psg, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
     }
 }
 
-TEST_F(Psg, CatchUpRunsInWholePairsUntilEnoughIsReady) {
+TEST_F(Psg, SoundUntilReadyIsMadeInWholePairs) {
     for (const int quality : {0, 1, 2}) {
         Settings().SetInt(L"audio_app_quality", quality);
         PsgReset(*psg);
@@ -458,19 +458,20 @@ TEST_F(Psg, CatchUpRunsInWholePairsUntilEnoughIsReady) {
         for (int i = 0; i < 7; ++i) {
             PsgTick(*psg);
         }
-        psg->sound.CatchUp(401, [this] { PsgRun(*psg, kPsgClocksPerPair); });
+        psg->sound.FlushUntilReady(401, [this] { PsgRun(*psg, kPsgClocksPerPair); });
         EXPECT_GE(psg->sound.Output().size(), 401u);
         EXPECT_LE(psg->sound.Output().size(), 404u);
         EXPECT_EQ(psg->divider, 7u);
         const PSG& chip = *psg;
         const std::array<int32_t, 4> counter = chip.counter;
-        psg->sound.CatchUp(300, [this] { PsgRun(*psg, kPsgClocksPerPair); }); // enough is there
+        psg->sound.FlushUntilReady(300,
+                                   [this] { PsgRun(*psg, kPsgClocksPerPair); }); // enough is there
         EXPECT_EQ(chip.counter, counter);
     }
 }
 
-TEST_F(Psg, CatchUpToMoreThanTheResamplerHoldsEnds) {
-    psg->sound.CatchUp(1'000'000, [this] { PsgRun(*psg, kPsgClocksPerPair); });
+TEST_F(Psg, SoundUntilReadyEndsWhenTheResamplerIsFull) {
+    psg->sound.FlushUntilReady(1'000'000, [this] { PsgRun(*psg, kPsgClocksPerPair); });
     EXPECT_EQ(psg->sound.Output().size(), 44100u / 40 * 2);
 }
 
@@ -495,10 +496,10 @@ TEST_F(Psg, BothChipsReachOneLengthAndNeitherRunsAway) {
                 }
                 psg->sound.Flush();
                 ym->sound.Flush();
-                psg->sound.CatchUp(static_cast<uint32_t>(ym->sound.Output().size()),
-                                   [this] { PsgRun(*psg, kPsgClocksPerPair); });
-                ym->sound.CatchUp(static_cast<uint32_t>(psg->sound.Output().size()),
-                                  [&] { YmRun(*ym, kYmClocksPerSample); });
+                psg->sound.FlushUntilReady(static_cast<uint32_t>(ym->sound.Output().size()),
+                                           [this] { PsgRun(*psg, kPsgClocksPerPair); });
+                ym->sound.FlushUntilReady(static_cast<uint32_t>(psg->sound.Output().size()),
+                                          [&] { YmRun(*ym, kYmClocksPerSample); });
                 const size_t psgValues = psg->sound.Output().size();
                 const size_t ymValues = ym->sound.Output().size();
                 ASSERT_GE(ymValues, psgValues);
@@ -521,9 +522,9 @@ TEST_F(Psg, StateSavedAtAnyClockContinuesWithTheSameSound) {
     Write({0xE7, 0xF2});
     PsgStereoWrite(*psg, 0x5A);
     auto other = std::make_unique<HEARD_CHIP<PSG>>();
-    for (int round = 0; round < 20; ++round) {
+    for (int trial = 0; trial < 20; ++trial) {
         Run(37);
-        for (int clock = 0; clock < round; ++clock) {
+        for (int clock = 0; clock < trial; ++clock) {
             PsgTick(*psg);
         }
         psg->pairs->sampleCount = 0;
@@ -538,7 +539,7 @@ TEST_F(Psg, StateSavedAtAnyClockContinuesWithTheSameSound) {
         EXPECT_EQ(again, state);
         const std::vector<int16_t> expected = RunBoth(500);
         psg.swap(other);
-        ASSERT_EQ(RunBoth(500), expected) << round;
+        ASSERT_EQ(RunBoth(500), expected) << trial;
     }
 }
 
@@ -570,9 +571,9 @@ TEST_F(Psg, AnyBytesAsAStateAreSafe) {
     std::vector<uint8_t> state(PsgStateSize());
     PsgSaveState(*psg, state.data());
     std::mt19937 random(1);
-    for (int round = 0; round < 300; ++round) {
+    for (int trial = 0; trial < 300; ++trial) {
         for (size_t i = 5; i < state.size(); ++i) {
-            state[i] = round == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
+            state[i] = trial == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
         }
         ASSERT_EQ(PsgLoadState(*psg, state.data(), PsgStateSize()), PsgStateSize());
         // Fields that index or shift. A sanitizer does not see an index into the next array.

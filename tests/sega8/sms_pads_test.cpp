@@ -315,7 +315,7 @@ TEST(SmsPads, PaddleAlternatesItsNibbles) {
     PORTS ports(PadDevice::kPaddle);
     EXPECT_EQ(ports.pads.deviceX[0], 127u);
     EXPECT_EQ(ports.pads.deviceY[0], 127u);
-    for (int round = 0; round < 3; ++round) {
+    for (int trial = 0; trial < 3; ++trial) {
         EXPECT_EQ(ports.Dc() & 0x2F, 0x0F) << "low nibble of 0x7F, TR 0";
         EXPECT_EQ(ports.Dc() & 0x2F, 0x27) << "high nibble, TR 1";
     }

@@ -131,13 +131,13 @@ TEST(VdpState, RestoresInTheOlderModes) {
 // Nothing may be accessed out of bounds, which the sanitizers check, and the frame must end.
 TEST(VdpState, ArbitraryBytesStayInBounds) {
     std::mt19937 random(1);
-    for (uint32_t round = 0; round < 60; ++round) {
-        VdpRig rig(round % 3, (round & 1) != 0);
-        rig.vdp.secondChip = round % 5 == 0;
+    for (uint32_t trial = 0; trial < 60; ++trial) {
+        VdpRig rig(trial % 3, (trial & 1) != 0);
+        rig.vdp.secondChip = trial % 5 == 0;
         Randomize(rig, random);
         std::vector<uint8_t> state = Save(rig.vdp);
         for (size_t i = 5; i < state.size(); ++i) {
-            state[i] = static_cast<uint8_t>(round == 0 ? 255U : random());
+            state[i] = static_cast<uint8_t>(trial == 0 ? 255U : random());
         }
         ASSERT_NE(VdpLoadState(rig.vdp, state.data(), VdpStateSize()), 0U);
         VdpBeginFrame(rig.vdp, rig.pixels.data(), kRigWidth);

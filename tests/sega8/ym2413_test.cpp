@@ -518,22 +518,22 @@ TEST_F(Ym2413, NoSoundOfAFrameIsLostAtAnyRateAndQuality) {
     }
 }
 
-TEST_F(Ym2413, CatchUpRunsInWholeSamplesUntilEnoughIsReady) {
+TEST_F(Ym2413, SoundUntilReadyIsMadeInWholeSamples) {
     ym->sound.Init(kRate, SoundChoiceFromSettings());
     for (int i = 0; i < 31; ++i) {
         YmTick(*ym);
     }
-    ym->sound.CatchUp(401, [&] { YmRun(*ym, kYmClocksPerSample); });
+    ym->sound.FlushUntilReady(401, [&] { YmRun(*ym, kYmClocksPerSample); });
     EXPECT_GE(ym->sound.Output().size(), 401u);
     EXPECT_LE(ym->sound.Output().size(), 404u);
     EXPECT_EQ(ym->tick, 31u);
     const uint32_t steps = ym->egCounter;
-    ym->sound.CatchUp(300, [&] { YmRun(*ym, kYmClocksPerSample); });
+    ym->sound.FlushUntilReady(300, [&] { YmRun(*ym, kYmClocksPerSample); });
     EXPECT_EQ(ym->egCounter, steps);
 }
 
-TEST_F(Ym2413, CatchUpToMoreThanTheResamplerHoldsEnds) {
-    ym->sound.CatchUp(1'000'000, [&] { YmRun(*ym, kYmClocksPerSample); });
+TEST_F(Ym2413, SoundUntilReadyEndsWhenTheResamplerIsFull) {
+    ym->sound.FlushUntilReady(1'000'000, [&] { YmRun(*ym, kYmClocksPerSample); });
     EXPECT_EQ(ym->sound.Output().size(), 44100u / 40 * 2);
 }
 
@@ -559,12 +559,12 @@ TEST_F(Ym2413, StateSavedAtAnyClockContinuesWithTheSameSound) {
     });
     KeyOn(3, 6, 300);
     auto other = std::make_unique<HEARD_CHIP<YM2413>>();
-    for (int round = 0; round < 20; ++round) {
+    for (int trial = 0; trial < 20; ++trial) {
         Write({
-            {0x0E, 0x20 | round}
+            {0x0E, 0x20 | trial}
         });
         Skip(100);
-        for (int clock = 0; clock < round * 3; ++clock) {
+        for (int clock = 0; clock < trial * 3; ++clock) {
             YmTick(*ym);
         }
         ym->pairs->sampleCount = 0;
@@ -589,8 +589,8 @@ TEST_F(Ym2413, StateSavedAtAnyClockContinuesWithTheSameSound) {
         const std::vector<double> expected = listen();
         const std::vector<uint8_t> end = StateOf(*ym);
         ym.swap(other);
-        ASSERT_EQ(listen(), expected) << round;
-        ASSERT_EQ(StateOf(*ym), end) << round;
+        ASSERT_EQ(listen(), expected) << trial;
+        ASSERT_EQ(StateOf(*ym), end) << trial;
     }
 }
 
@@ -642,9 +642,9 @@ TEST_F(Ym2413, AnyBytesAsAStateAreSafe) {
     std::vector<uint8_t> state = StateOf(*ym);
     std::mt19937 random(1);
     bool heard = false;
-    for (int round = 0; round < 300; ++round) {
+    for (int trial = 0; trial < 300; ++trial) {
         for (size_t i = 5; i < state.size(); ++i) {
-            state[i] = round == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
+            state[i] = trial == 0 ? uint8_t{0xFF} : static_cast<uint8_t>(random());
         }
         ASSERT_EQ(YmLoadState(*ym, state.data(), YmStateSize()), YmStateSize());
         ExpectIndexesInRange(*ym);

@@ -118,7 +118,7 @@ TEST(Z80State, LoadTakesItsPieceFromTheFrontAndKeepsTheCallbacks) {
 
 TEST(Z80State, ArbitraryStatesRunWithinTheirBoundsAndGoOnTheSame) {
     std::mt19937 random(1976);
-    for (int round = 0; round < 4000; ++round) {
+    for (int trial = 0; trial < 4000; ++trial) {
         const STATE state = RandomState(random);
         TEST_Z80 first;
         for (uint32_t i = 0; i < 256; ++i) {
@@ -136,8 +136,8 @@ TEST(Z80State, ArbitraryStatesRunWithinTheirBoundsAndGoOnTheSame) {
         ASSERT_EQ(Z80LoadState(second.z80, middle.data(), kZ80StateSize), kZ80StateSize);
         first.Clocks(100);
         second.Clocks(100);
-        ASSERT_EQ(Save(first.z80), Save(second.z80)) << "round " << round;
-        ASSERT_EQ(first.bus.memory, second.bus.memory) << "round " << round;
+        ASSERT_EQ(Save(first.z80), Save(second.z80)) << "trial " << trial;
+        ASSERT_EQ(first.bus.memory, second.bus.memory) << "trial " << trial;
     }
 }
 

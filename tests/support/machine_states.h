@@ -154,18 +154,18 @@ inline int LoadDamaged(CEmuSystem& machine, const SAVED& saved, const std::funct
     std::mt19937 random(1);
     const std::vector<uint32_t> sizes = AllPieceSizes(saved);
     int taken = 0;
-    for (int round = 0; round < 60; ++round) {
+    for (int trial = 0; trial < 60; ++trial) {
         std::vector<uint8_t> damaged = saved.Cut(saved.size);
         // One piece after the other, as a refused one hides those after it.
-        const size_t piece = static_cast<size_t>(round) % sizes.size();
+        const size_t piece = static_cast<size_t>(trial) % sizes.size();
         uint32_t at = 0;
         for (size_t i = 0; i < piece; ++i) {
             at += sizes[i];
         }
         for (uint32_t i = 5; i < sizes[piece]; ++i) {
-            if (round < 12) {
+            if (trial < 12) {
                 damaged[at + i] = 0xFF;
-            } else if (round % 3 == 0 || random() % 32 == 0) {
+            } else if (trial % 3 == 0 || random() % 32 == 0) {
                 damaged[at + i] = static_cast<uint8_t>(random());
             }
         }
@@ -194,16 +194,22 @@ void ExpectTheRunThatWentOn(Start&& start, Play&& play) {
     ExpectALivelyRun(continued);
 }
 
-// The fast loop may owe its chips clocks; the plain one never does.
-template <typename Start, typename Play>
-void ExpectFastAndPlainAlike(Start&& start, Play&& play) {
+// The fast loop may owe its chips clocks; the plain one, which `usePlainLoop` (machine) chooses, never does.
+template <typename Start, typename UsePlainLoop, typename Play>
+void ExpectFastAndPlainAlike(Start&& start, UsePlainLoop&& usePlainLoop, Play&& play) {
     const auto fast = start();
     const auto plain = start();
-    plain->SetStepByStep(true);
+    usePlainLoop(*plain);
     for (int frame = 0; frame < 100; ++frame) {
         ExpectSameFrames(play(*fast, frame, 1), play(*plain, frame, 1));
         ASSERT_TRUE(Save(*fast) == Save(*plain)) << frame;
     }
+}
+
+template <typename Start, typename Play>
+void ExpectFastAndPlainAlike(Start&& start, Play&& play) {
+    ExpectFastAndPlainAlike(
+        start, [](auto& machine) { machine.SetPlainLoop(true); }, play);
 }
 
 // `look` (machine) sees the machine before each of the frames.

@@ -13,14 +13,6 @@ namespace {
 constexpr size_t kFailuresShown = 20;
 constexpr size_t kLongestLine = 16384;
 
-std::filesystem::path CaseFile(const std::string& name) {
-    const std::filesystem::path project(OMBRELUNE_SOURCE_FOLDER);
-    return FindCaseFile(
-        name,
-        std::getenv("OMBRELUNE_VECTORS"), // NOLINT(concurrency-mt-unsafe): one thread
-        {project / ".." / "shared" / "vectors", project / "tests" / "vectors"});
-}
-
 CASE_SNAPSHOT ParseSnapshot(std::istringstream& line) {
     CASE_SNAPSHOT snapshot;
     std::string word;
@@ -96,19 +88,9 @@ bool ForEachCase(const std::filesystem::path& path,
 
 } // namespace
 
-std::filesystem::path FindCaseFile(const std::string& file, const char* named,
-                                   const std::vector<std::filesystem::path>& folders) {
-    if (named != nullptr) {
-        return std::filesystem::path(named) / file;
-    }
-    std::filesystem::path path;
-    for (const std::filesystem::path& folder : folders) {
-        path = folder / file;
-        if (std::filesystem::exists(path)) {
-            break;
-        }
-    }
-    return path;
+std::filesystem::path CaseFile(const std::string& file, const char* named) {
+    const bool isNamed = named != nullptr && *named != '\0';
+    return std::filesystem::path(isNamed ? named : OMBRELUNE_VECTORS_FOLDER) / file;
 }
 
 uint32_t CaseNumber(const std::string& hexadecimal) {
@@ -118,7 +100,9 @@ uint32_t CaseNumber(const std::string& hexadecimal) {
 void RunProcessorCases(const std::string& file,
                        const std::function<bool(const PROCESSOR_CASE&)>& chosen,
                        const std::function<std::string(const PROCESSOR_CASE&)>& run) {
-    const std::filesystem::path path = CaseFile(file);
+    const char* const named =
+        std::getenv("OMBRELUNE_VECTORS"); // NOLINT(concurrency-mt-unsafe): one thread
+    const std::filesystem::path path = CaseFile(file, named);
     if (!std::filesystem::exists(path)) {
         GTEST_SKIP() << "no single-instruction cases at " << path;
     }

@@ -6,9 +6,9 @@
 //     I registers | address:value ...    before
 //     F registers | address:value ...    after
 //     P or B address:value:r|w ...       accesses of ports, or of the whole bus; may be missing
-// A file is looked for in the folder of the environment variable OMBRELUNE_VECTORS and there alone; without
-// the variable in `shared/vectors` beside the project's own folder, then in `tests/vectors`, where a sample
-// of the cases may lie.
+// The files are in tests/vectors, which has a few cases of every opcode. A larger set is named when the tests
+// are configured, by the CMake variable OMBRELUNE_VECTORS, or when they run, by the environment variable of
+// the same name, which has precedence. No other folder is searched.
 #pragma once
 
 #include <array>
@@ -50,10 +50,8 @@ struct PROCESSOR_CASE {
     std::vector<CASE_ACCESS> accesses;
 };
 
-// The path of a file of cases: in the folder `named`, unless it is null, else in the first of `folders`
-// that has it, else in the last one.
-[[nodiscard]] std::filesystem::path FindCaseFile(const std::string& file, const char* named,
-                                                 const std::vector<std::filesystem::path>& folders);
+// The path of a file of cases: in the folder `named`, or in the configured one if that is null or empty.
+[[nodiscard]] std::filesystem::path CaseFile(const std::string& file, const char* named);
 
 [[nodiscard]] uint32_t CaseNumber(const std::string& hexadecimal);
 

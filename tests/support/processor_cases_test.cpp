@@ -1,23 +1,28 @@
-// Where the processors' published cases are searched.
+// Where the processors' published cases are read from.
 #include "support/processor_cases.h"
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>
 
-TEST(ProcessorCases, ComeFromTheFirstFolderThatHasThem) {
-    const TemporaryFolder beside;
-    const TemporaryFolder own;
-    const std::vector<std::filesystem::path> folders{beside.Path(), own.Path()};
-    EXPECT_EQ(FindCaseFile("z80", nullptr, folders), own.Path() / "z80") << "named where none is";
-    own.Write("z80", "sample");
-    EXPECT_EQ(FindCaseFile("z80", nullptr, folders), own.Path() / "z80");
-    beside.Write("z80", "all");
-    EXPECT_EQ(FindCaseFile("z80", nullptr, folders), beside.Path() / "z80");
+namespace {
+
+const std::filesystem::path kConfigured(OMBRELUNE_VECTORS_FOLDER);
+
+} // namespace
+
+TEST(ProcessorCases, ComeFromTheConfiguredFolder) {
+    EXPECT_EQ(CaseFile("z80", nullptr), kConfigured / "z80");
+    EXPECT_EQ(CaseFile("z80", ""), kConfigured / "z80");
 }
 
+// Also for a file that only the configured folder has.
 TEST(ProcessorCases, ComeFromTheNamedFolderAlone) {
     const TemporaryFolder named;
-    const TemporaryFolder own;
-    own.Write("z80", "sample");
     const std::string path = named.Path().string();
-    EXPECT_EQ(FindCaseFile("z80", path.c_str(), {own.Path()}), named.Path() / "z80");
+    EXPECT_EQ(CaseFile("z80.txt.gz", path.c_str()), named.Path() / "z80.txt.gz");
+}
+
+TEST(ProcessorCases, AreThereForEveryProcessor) {
+    for (const char* file : {"z80.txt.gz", "m6502.txt.gz", "m68000.txt.gz"}) {
+        EXPECT_TRUE(std::filesystem::exists(CaseFile(file, nullptr))) << file;
+    }
 }

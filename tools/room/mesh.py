@@ -325,3 +325,24 @@ def vertex_normals(mesh):
     length = np.linalg.norm(total, axis=1)[:, None]
     length[length == 0] = 1
     return total / length
+
+
+def onto(mesh, path, core, lift=0.0):
+    """Moves the points of a path to a stuffed shape's surface: outwards from the nearest point of the box `core`
+    (half sizes), around the origin."""
+    a, b, c = (mesh.v[mesh.f[:, k]] for k in range(3))
+    u, v = b - a, c - a
+    moved = []
+    for point in np.asarray(path, float):
+        start = np.clip(point, -np.asarray(core), core)
+        along = (point - start) / max(np.linalg.norm(point - start), 1e-9)
+        p = np.cross(along, v)
+        det = np.einsum('ij,ij->i', u, p)
+        det[np.abs(det) < 1e-12] = 1e-12
+        t = start - a
+        q = np.cross(t, u)
+        first, second = np.einsum('ij,ij->i', t, p) / det, q @ along / det
+        far = np.einsum('ij,ij->i', v, q) / det
+        hit = (first > -1e-6) & (second > -1e-6) & (first + second < 1 + 1e-6) & (far > 0)
+        moved.append(start + along * ((far[hit].max() if hit.any() else np.linalg.norm(point - start)) + lift))
+    return np.array(moved)

@@ -47,12 +47,15 @@ class Part:
 class Model:
     """size: the box that must come out, or None for a model that keeps its own origin. lamp: the lamp's place in the
     model's space with y 0 at the floor, for a model that stands in one place only; its shadows are painted then.
-    sheets: how many texture sheets of `pixels` square; brightness: what colours are multiplied by."""
+    sheets: how many texture sheets of `pixels` square; brightness: what colours are multiplied by. faint: the share of
+    texels for sides that nobody sees well, {'-y': 0.35}, by the part's own directions."""
 
     def __init__(self, name, size=None, sheets=1, pixels=1024, lamp=None, brightness=1.5, floor=0.30, reach=90,
-                 shade=1.0, quality=88):
+                 shade=1.0, quality=88, faint=None):
         self.name, self.size, self.sheets, self.pixels, self.lamp = name, size, sheets, pixels, lamp
         self.brightness, self.reach, self.shade, self.quality = brightness, reach, shade, quality
+        names = {'-x': 0, '+x': 1, '-y': 2, '+y': 3, '-z': 4, '+z': 5}
+        self.faint = {names[side]: share for side, share in (faint or {}).items()}
         self.parts, self.blockers = [], []
         if floor is not None:
             big = 600
@@ -171,7 +174,6 @@ class Model:
                 u = np.choose(axis[:, None], [-sign * p[..., 2], p[..., 0], sign * p[..., 0]])
                 v = np.choose(axis[:, None], [-p[..., 1], sign * p[..., 2], -p[..., 1]])
                 part.plane = np.stack([u, v], -1)
-            part.axis_key = key
             # Faces of one direction that hang together are one chart.
             parent = list(range(len(mesh.f)))
 
@@ -193,11 +195,12 @@ class Model:
                 faces = np.nonzero(roots == r)[0]
                 plane = part.plane[faces].reshape(-1, 2)
                 part.chart[faces] = len(self.charts)
-                self.charts.append([part.density, plane.min(0), plane.max(0)])
+                share = 1.0 if mesh.uv is not None else self.faint.get(int(key[faces[0]]), 1.0)
+                self.charts.append([part.density * share, plane.min(0), plane.max(0)])
 
     def _pack(self):
-        low, high = 0.05, 60.0
-        for _ in range(18):
+        low, high = 0.2, 40.0
+        for _ in range(13):
             middle = np.sqrt(low * high)
             if self._fits(middle):
                 low = middle
@@ -207,15 +210,13 @@ class Model:
         self.texels = low
 
     def _fits(self, scale, gap=3):
-        """Rows of charts, tallest first; a chart may lie on its side. Leaves the places in self.places."""
+        """Longest charts first, each as low as it goes; one may lie on its side. Leaves the places in self.places."""
         sizes = []
         for density, low, high in self.charts:
             w, h = np.maximum(1, np.ceil((high - low) * density * scale)) + 2 * gap
             sizes.append((w, h))
-        order = sorted(range(len(sizes)), key=lambda n: -min(sizes[n]))
-        page, x, y, row = 0, 0, 0, 0
         self.places = [None] * len(sizes)
-        # A skyline a sheet: the height that is taken per column of 4 texels.
+        # A sheet's skyline: the height that is taken, for each 4 columns of texels.
         step = 4
         columns = self.pixels // step
         skies = [np.zeros(columns, int) for _ in range(self.sheets)]
@@ -322,15 +323,21 @@ class Model:
                 weight = np.stack([1 - t['b'] - t['c'], t['b'], t['c']], 1).astype(float)[..., None]
                 normal = (part.corner[face] * weight).sum(1)
                 normal /= np.maximum(np.linalg.norm(normal, axis=1), 1e-9)[:, None]
-                s = Surface((part.points[part.mesh.f[face]] * weight).sum(1), (part.mesh.v[part.mesh.f[face]] * weight).sum(1),
+                s = Surface((part.points[part.mesh.f[face]] * weight).sum(1),
+                            (part.mesh.v[part.mesh.f[face]] * weight).sum(1),
                             normal @ part.turn, (part.plane[face] * weight).sum(1), t['sky'].astype(float),
                             t['lamp'].astype(float), t['edge'].astype(float), part.seed)
                 s.turned = normal
                 rgb = part.paint(s) * self.light(s)[:, None] * self.brightness
+                # What would be brighter than the file can hold keeps its hue and comes near white slowly.
+                most = np.maximum(rgb.max(1), 1e-6)
+                held = np.where(most > 0.75, 1 - 0.25 * np.exp(-(most - 0.75) / 0.25), most)
+                rgb = rgb * (held / most)[:, None]
                 sheet[ys[pick], xs[pick]] = rgb
             image = Image.fromarray((np.clip(filled(sheet, known), 0, 1) * 255 + 0.5).astype(np.uint8))
             name = f'{self.name}{page + 1}.jpg' if self.sheets > 1 else f'{self.name}.jpg'
-            image.save(os.path.join(out, name), quality=self.quality, subsampling=0 if self.quality > 92 else 2, optimize=True)
+            image.save(os.path.join(out, name), quality=self.quality, subsampling=0 if self.quality > 92 else 2,
+                       optimize=True)
             self.files.append(name)
 
     def _write(self, out):
@@ -341,15 +348,17 @@ class Model:
             if part.kind == 'painted':
                 part.names = [f'sheet{page + 1} {spec:g} {shine:g} {glow:g}' for page in part.pages]
                 for page, name in set(zip(part.pages.tolist(), part.names)):
-                    materials.setdefault(name, threeds.Material(name, self.files[page], (0, 0, 0), (spec,) * 3, shine, glow))
+                    materials.setdefault(name, threeds.Material(name, self.files[page], (0, 0, 0), (spec,) * 3, shine,
+                                                                glow))
             elif part.kind == 'screen':
                 part.names = [part.label] * len(part.mesh.f)
-                materials.setdefault(part.label, threeds.Material(part.label, part.texture, (0, 0, 0), (spec,) * 3, shine, glow))
+                materials.setdefault(part.label, threeds.Material(part.label, part.texture, (0, 0, 0), (spec,) * 3,
+                                                                  shine, glow))
             else:
                 name = 'plain ' + ''.join(f'{int(round(c * 255)):02x}' for c in part.diffuse) + f' {spec:g} {shine:g} {glow:g}'
                 part.names = [name] * len(part.mesh.f)
                 materials.setdefault(name, threeds.Material(name, None, part.diffuse, (spec,) * 3, shine, glow))
-        drawn = total = 0
+        drawn = 0
         sink = Sink(self.low + self.shift, self.high + self.shift)
         for number, part in enumerate(self.parts):
             if sink.count() + 3 * len(part.mesh.f) > 60000:
@@ -408,7 +417,8 @@ class Sink:
         for (cluster, *_), at in list(known.items()):
             missing = whole[cluster] - share[at]
             goal = np.linalg.norm(whole[cluster])
-            turned = np.linalg.norm(np.cross(whole[cluster] / max(goal, 1e-12), share[at])) / max(np.linalg.norm(share[at]), 1e-12)
+            turned = np.linalg.norm(np.cross(whole[cluster] / max(goal, 1e-12),
+                                             share[at])) / max(np.linalg.norm(share[at]), 1e-12)
             if turned > 0.03 and goal > 0:
                 self.bend(at, missing)
 

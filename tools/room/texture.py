@@ -220,7 +220,8 @@ def planks(paint, axis, width, gap=0.06, depth=0.55):
         rgb = np.zeros((len(place), 3))
         for k in np.unique(number):
             pick = number == k
-            part = Surface(*(a[pick] for a in (s.place, s.own, s.normal, s.uv, s.sky, s.lamp, s.edge)), s.seed * 64 + int(k) % 64)
+            part = Surface(*(a[pick] for a in (s.place, s.own, s.normal, s.uv, s.sky, s.lamp, s.edge)),
+                           s.seed * 64 + int(k) % 64)
             rgb[pick] = paint(part)
         near = (0.5 - np.abs(place - number - 0.5)) * width
         return rgb * (1 - depth * (1 - step(gap * 0.5, gap * 3, near)))[:, None]

@@ -59,8 +59,7 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
         ->check(CLI::IsMember(MachineNames()));
     app.add_option("--set", play.settings, "A machine option or a setting for this run")
         ->type_name("NAME=VALUE")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
     app.add_option("--bios", play.bios, "A console BIOS")->type_name("FILE");
     app.add_flag("--headless", play.headless,
                  "No window, no device, no pacing, no autosave, no .sav");
@@ -70,8 +69,7 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
         ->type_name("FILE");
     app.add_option("--screenshot", play.screenshots,
                    "FRAME=FILE.png or last=FILE.png; frames count from 1")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
     app.add_option("--wav", play.wavFile, "Write the sound as the machine made it")
         ->type_name("FILE");
     app.add_option("--frame-hashes", play.hashFile,
@@ -82,12 +80,10 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
     app.add_option("--peek", play.peeks,
                    "At the end print bytes as the main processor would read them")
         ->type_name("ADDRESS[:LENGTH]")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
     app.add_option("--dump", play.dumps, "At the end write a whole memory")
         ->type_name("REGION=FILE")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
     app.add_option("--latency", play.latencyAction,
                    "In the window: measure the time from this action's key to the picture, and end")
         ->type_name("ACTION");
@@ -137,6 +133,10 @@ int Run(int argc, const char* const* argv) {
         app.add_subcommand("gallery", "How the program's controls look, to check a theme");
     galleryApp->add_option("--density", gallery.density, "Pixels to a unit")
         ->check(CLI::Range(0.5, 4.0));
+    galleryApp
+        ->add_option("--size", gallery.size, "The screen in pixels, instead of 1280 by 720 units")
+        ->type_name("WIDTH HEIGHT")
+        ->check(CLI::Range(640, 8192));
     galleryApp->add_option("--over", gallery.over, "Show a page over this running game")
         ->type_name("GAME");
     galleryApp->add_option("--page", gallery.page, "One page, from 1")->type_name("N");
@@ -152,8 +152,7 @@ int Run(int argc, const char* const* argv) {
     roomApp->add_option("GAME", room.games, "ROMs, .zip, .game or demo:NAME; without any, our own");
     roomApp->add_option("--set", room.settings, "A setting for this run")
         ->type_name("NAME=VALUE")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
     roomApp
         ->add_option("--bench", room.benchSeconds,
                      "Measure for this long how fast it is drawn; no saves")

@@ -154,7 +154,7 @@ bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& 
 
 int ActionsCommand() {
     for (const INPUT_ACTION& action : InputActions()) {
-        const auto [primary, secondary] = Settings().GetInt2(std::wstring(L"INPUT ") + action.name);
+        const auto [primary, secondary] = Settings().GetInt2(BindingSetting(action));
         std::printf("%s\t%s\t%s\n", Utf8FromWide(action.name).c_str(),
                     Utf8FromWide(BindingName(static_cast<uint32_t>(primary))).c_str(),
                     Utf8FromWide(BindingName(static_cast<uint32_t>(secondary))).c_str());

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 inline constexpr int kExitDone = 0;
@@ -40,6 +41,7 @@ int BenchCommand(const BENCH_OPTIONS& options);
 // ends) or as PNG files.
 struct GALLERY_OPTIONS {
     double density = 1.0;             // pixels to a unit
+    std::pair<int, int> size;         // of the screen in pixels; 0: 1280 by 720 units
     std::string over;                 // a game that runs below the page, as `play` takes it
     size_t page = 0;                  // from 1; 0: the first, or with a screenshot all
     std::filesystem::path screenshot; // without a page, one file each, its number after the name

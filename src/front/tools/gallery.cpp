@@ -71,7 +71,7 @@ public:
         Clear();
         CGhostManager& manager = CGhostManager::Get();
         const GUI_RECT screen = manager.ScreenRect();
-        root = GalleryWindow(nullptr, L"FLAT", L"", 0, screen);
+        root = GalleryWindow(nullptr, L"BATTLEMAIN", L"", 0, screen);
         GalleryPages()[page].build(root);
     }
 
@@ -137,11 +137,24 @@ std::filesystem::path PageFile(const std::filesystem::path& file, size_t page) {
     return path;
 }
 
-int WritePages(const GALLERY_OPTIONS& options) {
+struct SCREEN_SIZE {
+    int32_t width; // pixels
+    int32_t height;
+};
+
+SCREEN_SIZE ScreenOf(const GALLERY_OPTIONS& options) {
+    if (options.size.first > 0 && options.size.second > 0) {
+        return {options.size.first, options.size.second};
+    }
     const auto pixelsOf = [&](int32_t units) {
         return static_cast<int32_t>(std::lround(units * options.density));
     };
-    Gallery gallery(pixelsOf(kWidth), pixelsOf(kHeight));
+    return {pixelsOf(kWidth), pixelsOf(kHeight)};
+}
+
+int WritePages(const GALLERY_OPTIONS& options) {
+    const SCREEN_SIZE screen = ScreenOf(options);
+    Gallery gallery(screen.width, screen.height);
     for (size_t page = 0; page < GalleryPages().size(); ++page) {
         if (options.page != 0 && options.page != page + 1) {
             continue;
@@ -166,12 +179,12 @@ public:
     explicit GalleryRun(const GALLERY_OPTIONS& options)
         : page(options.page > 0 ? options.page - 1 : 0) {}
 
-    int Run(double density) {
+    int Run(const SCREEN_SIZE& screen) {
         std::vector<std::string> words;
         std::string error;
         WINDOW_OPTIONS wanted;
-        wanted.width = static_cast<int32_t>(std::lround(kWidth * density));
-        wanted.height = static_cast<int32_t>(std::lround(kHeight * density));
+        wanted.width = screen.width;
+        wanted.height = screen.height;
         if (SDL_Init(SDL_INIT_VIDEO) != 0 ||
             !window.Open(wanted, "Ombrelune: gallery", words, error) || !GlStart(error)) {
             Complain(error.empty() ? SDL_GetError() : error);
@@ -326,6 +339,6 @@ int GalleryCommand(const GALLERY_OPTIONS& options) {
     if (!options.over.empty()) {
         return ShowOverGame(options);
     }
-    return options.screenshot.empty() ? GalleryRun(options).Run(options.density)
+    return options.screenshot.empty() ? GalleryRun(options).Run(ScreenOf(options))
                                       : WritePages(options);
 }

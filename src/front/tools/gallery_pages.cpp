@@ -1,24 +1,19 @@
-// The pages that show the toolkit's parts one by one.
+// The pages that show the toolkit's parts one by one: text, buttons, fields.
 #include "front/tools/gallery_pages.h"
 
-#include "front/assets.h"
 #include "front/tools/gallery_parts.h"
-#include "gui/bitmap.h"
 #include "gui/button.h"
 #include "gui/check_box.h"
 #include "gui/drop_list.h"
 #include "gui/edit.h"
 #include "gui/font.h"
-#include "gui/list.h"
-#include "gui/message_box.h"
+#include "gui/keyboard.h"
+#include "gui/multi_text.h"
 #include "gui/scrollbar.h"
 #include "gui/slider.h"
 #include "gui/surface.h"
 #include "gui/text.h"
-#include "gui/theme.h"
-#include "gui/window_ex.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
 
@@ -35,21 +30,33 @@ constexpr std::array kStates = {GalleryState::kNormal, GalleryState::kHot, Galle
 constexpr std::array<std::wstring_view, 5> kStateNames = {L"normal", L"hot", L"pressed",
                                                           L"disabled", L"focus"};
 
+// The columns of the states.
+constexpr int32_t kFirstColumn = 208;
+constexpr int32_t kColumn = 212;
+constexpr int32_t kColumnWide = 196;
+
+constexpr int32_t ColumnX(size_t column) {
+    return kFirstColumn + static_cast<int32_t>(column) * kColumn;
+}
+
 } // namespace
 
 std::span<const GALLERY_PAGE> GalleryPages() {
     static const GALLERY_PAGE kPages[] = {
-        {"text",          BuildTextPage   },
-        {"buttons",       BuildButtonsPage},
-        {"fields",        BuildFieldsPage },
-        {"windows",       BuildWindowsPage},
-        {"images",        BuildImagesPage },
-        {"text styles",   BuildStylesPage },
-        {"lists, tables", BuildRecordsPage},
-        {"the menu",      BuildMenuPage   },
-        {"the browser",   BuildBrowserPage},
-        {"the options",   BuildOptionsPage},
-        {"a message",     BuildMessagePage},
+        {"text",          BuildTextPage    },
+        {"buttons",       BuildButtonsPage },
+        {"fields",        BuildFieldsPage  },
+        {"the keyboard",  BuildKeyboardPage},
+        {"windows",       BuildWindowsPage },
+        {"faces, icons",  BuildImagesPage  },
+        {"pictures",      BuildPicturesPage},
+        {"text styles",   BuildStylesPage  },
+        {"window styles", BuildFramesPage  },
+        {"lists, tables", BuildRecordsPage },
+        {"the menu",      BuildMenuPage    },
+        {"the browser",   BuildBrowserPage },
+        {"the options",   BuildOptionsPage },
+        {"a message",     BuildMessagePage },
     };
     return kPages;
 }
@@ -58,57 +65,71 @@ std::span<const GALLERY_PAGE> GalleryPages() {
 
 namespace {
 
+struct SAMPLE {
+    const char* font; // null: the default font
+    int32_t size;
+};
+constexpr SAMPLE kSamples[] = {
+    {nullptr,           14},
+    {"Default",         15},
+    {"Default",         18},
+    {"Default",         21},
+    {"Default",         25},
+    {"DefaultBold",     15},
+    {"DefaultBold",     18},
+    {"DefaultBold",     21},
+    {"DefaultMono",     15},
+    {"DefaultMono",     18},
+    {"DefaultMonoBold", 18},
+    {"DefaultBold",     25},
+    {"DefaultBold",     35},
+};
+
 void PaintFonts(CGhostSurface& surface) {
-    struct SAMPLE {
-        const char* font;
-        int32_t size;
-    };
-    constexpr SAMPLE kSamples[] = {
-        {nullptr,           14}, // the default font
-        {"Default",         15},
-        {"Default",         18},
-        {"Default",         21},
-        {"DefaultBold",     15},
-        {"DefaultBold",     18},
-        {"DefaultBold",     21},
-        {"DefaultMono",     15},
-        {"DefaultMono",     18},
-        {"DefaultMonoBold", 18},
-        {"DefaultBold",     25},
-        {"DefaultBold",     35},
-    };
     int32_t y = 0;
     for (const SAMPLE& sample : kSamples) {
         CGhostFont* const font = sample.font != nullptr
                                      ? CGhostFontManager::Get().GetFont(sample.font, sample.size)
                                      : nullptr;
-        const std::string name = (sample.font != nullptr ? sample.font : "none:") +
+        const std::wstring_view text =
+            sample.size > 21 ? L"Ombrelune: the moon, a shadow, and a window that is lit"
+                             : kSentence;
+        DrawText(surface, font, text, kMoon, 0, kAlignLeft, {0, y, 1100, sample.size + 4}, 0, 0);
+        y += sample.size + 11;
+    }
+}
+
+void NameFonts(GHOSTMANAGER_WINDOW* root, int32_t y) {
+    for (const SAMPLE& sample : kSamples) {
+        const std::string name = (sample.font != nullptr ? sample.font : "no font,") +
                                  std::string(" ") + std::to_string(sample.size);
-        DrawText(surface, nullptr, std::wstring(name.begin(), name.end()), 0xFF8C91B8, 0,
-                 kAlignLeft, {0, y, 140, sample.size + 4}, 0, 0);
-        const std::wstring_view text = sample.size > 20 ? L"Ombrelune, moon and shadow" : kSentence;
-        DrawText(surface, font, text, kMoon, 0, kAlignLeft, {150, y, 1100, sample.size + 4}, 0, 0);
-        y += sample.size + 10;
+        GalleryLabel(root, std::wstring(name.begin(), name.end()), 24, y + sample.size / 2 - 6);
+        y += sample.size + 11;
     }
 }
 
 // A light and a dark half, so that the outline is seen at its work.
 void PaintOutline(CGhostSurface& surface) {
-    surface.FillRect({0, 0, surface.Width() / 2, surface.Height()}, 0xFFE0D8C0);
-    surface.FillRect({surface.Width() / 2, 0, surface.Width() / 2, surface.Height()}, 0xFF205060);
+    const int32_t half = surface.Width() / 2;
+    surface.FillRect({0, 0, half, surface.Height()}, 0xFFE0D8C0);
+    surface.FillRect({half, 0, half, surface.Height()}, 0xFF205060);
     CGhostFont* const font = CGhostFontManager::Get().GetFont("DefaultBold", 21);
     DrawText(surface, font, L"Main Menu [F10]  Load Game [E]  Turn off Game [Q]", kMoon, kNight, 0,
-             {0, 0, surface.Width(), 40}, 0, 0);
+             {0, 16, surface.Width(), 40}, 0, 0);
     DrawText(surface, nullptr, L"60.0 frames a second, 4 sessions, 2.1 ms, peak 3.4 ms", kMoon,
-             kNight, 0, {0, 40, surface.Width(), 24}, 0, 0);
+             kNight, 0, {0, 64, surface.Width(), 24}, 0, 0);
+    CGhostFont* const text = CGhostFontManager::Get().GetFont("Default", 18);
+    DrawText(surface, text, L"Saved to place 3", kMoon, kNight, 0, {0, 96, surface.Width(), 24}, 0,
+             0);
 }
 
 void PaintAlignment(CGhostSurface& surface) {
     constexpr uint32_t kAcross[] = {kAlignLeft, 0, kAlignRight};
     constexpr uint32_t kDown[] = {kAlignTop, 0, kAlignBottom};
+    constexpr uint32_t kCell = 0xFF1B2142;
     for (int32_t i = 0; i < 9; ++i) {
-        const GUI_RECT cell{(i % 3) * 108, (i / 3) * 44, 104, 40};
-        surface.FillRect(cell, 0xFF1B2142);
+        const GUI_RECT cell{(i % 3) * 112, (i / 3) * 46, 108, 42};
+        surface.FillRect(cell, kCell);
         CGhostFont* const font = CGhostFontManager::Get().GetFont("Default", 18);
         DrawText(surface, font, L"Aligned", kMoon, 0, kAcross[i % 3] | kDown[i / 3], cell, 0, 0);
     }
@@ -118,11 +139,17 @@ void PaintAlignment(CGhostSurface& surface) {
 
 void BuildTextPage(GHOSTMANAGER_WINDOW* root) {
     GalleryTitle(root, L"Text");
-    new GalleryCanvas(root, {24, 56, 1232, 420}, PaintFonts);
-    GalleryLabel(root, L"Outline, over light and dark", 24, 500);
-    new GalleryCanvas(root, {24, 520, 560, 72}, PaintOutline);
-    GalleryLabel(root, L"Alignment", 620, 500);
-    new GalleryCanvas(root, {620, 520, 330, 140}, PaintAlignment);
+    NameFonts(root, 60);
+    new GalleryCanvas(root, {160, 60, 1096, 420}, PaintFonts);
+    GalleryLabel(root, L"Outline, over light and dark", 24, 512);
+    new GalleryCanvas(root, {24, 536, 600, 134}, PaintOutline);
+    GalleryLabel(root, L"Alignment", 648, 512);
+    new GalleryCanvas(root, {648, 536, 332, 134}, PaintAlignment);
+    GalleryLabel(root, L"Wrapped", 1004, 512);
+    new CGhostMultiText(root, 0, L"MESSAGEBOX_TEXT",
+                        L"A message of several lines is wrapped at its spaces, and a word of "
+                        L"extraordinaryincomprehensiblelengthiness is broken within.",
+                        {false, 1004, 536, 252, 134});
 }
 
 // ---- Buttons.
@@ -139,35 +166,38 @@ void BuildButtonsPage(GHOSTMANAGER_WINDOW* root) {
         {L"MESSAGEBOX_BUTTON",  L"Ok",         100, 25},
         {L"BUTTON2",            L"Main Menu",  150, 28},
         {L"BUTTON3",            L"REVIEWS",    110, 28},
-        {L"OPTIONBUTTON",       L"Graphics",   130, 28},
+        {L"OPTIONBUTTON",       L"Graphics",   130, 25},
         {L"PLAYOFFLINE",        L"START GAME", 170, 36},
         {L"HOSTGAME",           L"HOST GAME",  170, 36},
         {L"JOINGAME",           L"JOIN GAME",  170, 36},
         {L"LEFTSEL",            L"",           40,  40},
         {L"RIGHTSEL",           L"",           40,  40},
+        {L"WINDOW_TITLE_MIN",   L"\u2013",     20,  20},
+        {L"WINDOW_TITLE_MAX",   L"+",          20,  20},
         {L"WINDOW_TITLE_CLOSE", L"\u00D7",     20,  20},
+        {L"KEYBOARD_KEY",       L"q",          52,  36},
     };
     GalleryTitle(root, L"Buttons");
     for (size_t i = 0; i < kStates.size(); ++i) {
-        GalleryLabel(root, kStateNames[i], 220 + static_cast<int32_t>(i) * 190, 56);
+        GalleryLabel(root, kStateNames[i], ColumnX(i), 56);
     }
     int32_t y = 80;
     for (const KIND& kind : kKinds) {
         GalleryLabel(root, kind.style, 24, y + kind.height / 2 - 8);
         for (size_t i = 0; i < kStates.size(); ++i) {
             GalleryButton(root, kind.style, kind.caption, kStates[i],
-                          {220 + static_cast<int32_t>(i) * 190, y, kind.width, kind.height});
+                          {ColumnX(i), y, kind.width, kind.height});
         }
-        y += kind.height + 16;
+        y += kind.height + 12;
     }
-    GalleryLabel(root, L"Widths", 24, y + 8);
-    int32_t x = 220;
-    for (const int32_t width : {28, 60, 100, 140, 300, 420}) {
+    GalleryLabel(root, L"Widths", 24, y + 9);
+    int32_t x = kFirstColumn;
+    for (const int32_t width : {28, 60, 100, 300, 400}) {
         const std::wstring_view caption = width > 200  ? L"A caption of some length, in one line"
                                           : width > 30 ? L"Ok"
                                                        : L"?";
         GalleryButton(root, L"BUTTON", caption, GalleryState::kNormal, {x, y + 4, width, 25});
-        x += width + 4;
+        x += width + 12;
     }
 }
 
@@ -175,37 +205,82 @@ void BuildButtonsPage(GHOSTMANAGER_WINDOW* root) {
 
 namespace {
 
+void BuildEdits(GHOSTMANAGER_WINDOW* root, int32_t y) {
+    constexpr std::array<std::wstring_view, 5> kFieldStates = {L"normal", L"hot", L"read-only",
+                                                               L"focus", L"focus, selected"};
+    GalleryLabel(root, L"EDIT", 24, y + 5);
+    for (size_t i = 0; i < kFieldStates.size(); ++i) {
+        GalleryLabel(root, kFieldStates[i], ColumnX(i), y - 24);
+        auto* const edit = new CGhostEdit(root, 0, L"EDIT", L"Paper Lamps", 0,
+                                          {false, ColumnX(i), y, kColumnWide, 25});
+        switch (i) {
+        case 1: edit->OnMouseMove(1, 1); break;
+        case 2: edit->SetReadOnly(true); break;
+        case 3: edit->OnFocus(true, nullptr); break;
+        case 4:
+            edit->OnFocus(true, nullptr);
+            edit->SetSelection(0, 5);
+            break;
+        default: break;
+        }
+    }
+}
+
+void BuildDropLists(GHOSTMANAGER_WINDOW* root, int32_t y) {
+    constexpr std::array<std::wstring_view, 5> kArrowStates = {L"normal", L"arrow hot", L"disabled",
+                                                               L"focus", L"open"};
+    GalleryLabel(root, L"DROPLIST", 24, y + 5);
+    for (size_t i = 0; i < kArrowStates.size(); ++i) {
+        GalleryLabel(root, kArrowStates[i], ColumnX(i), y - 24);
+        CGhostDropList* const list =
+            GalleryDropList(root, L"SMS JAPANESE", {ColumnX(i), y, kColumnWide, 25});
+        switch (i) {
+        case 1: list->Arrow()->OnMouseMove(1, 1); break;
+        case 2: list->SetEnabled(false); break;
+        case 3: list->OnFocus(true, nullptr); break;
+        case 4: list->Open(); break;
+        default: break;
+        }
+    }
+}
+
+// The last column is left to the open list.
 void BuildCheckBoxes(GHOSTMANAGER_WINDOW* root, int32_t y) {
-    GalleryLabel(root, L"CHECKBOX", 24, y + 4);
-    for (size_t i = 0; i < kStates.size(); ++i) {
-        const int32_t x = 220 + static_cast<int32_t>(i) * 190;
-        auto* const box =
-            new CGhostCheckBox(root, 0, L"CHECKBOX", L"3D Glasses", {false, x, y, 130, 25});
-        switch (kStates[i]) {
-        case GalleryState::kHot: box->OnMouseMove(1, 1); break;
-        case GalleryState::kPressed: box->SetChecked(true); break;
-        case GalleryState::kDisabled: box->SetEnabled(false); break;
-        case GalleryState::kFocused: box->OnFocus(true, nullptr); break;
-        case GalleryState::kNormal: break;
+    constexpr std::array kBoxStates = {GalleryState::kNormal, GalleryState::kHot,
+                                       GalleryState::kDisabled, GalleryState::kFocused};
+    GalleryLabel(root, L"CHECKBOX", 24, y + 5);
+    GalleryLabel(root, L"CHECKBOX, checked", 24, y + 37);
+    for (const bool checked : {false, true}) {
+        for (size_t i = 0; i < kBoxStates.size(); ++i) {
+            auto* const box =
+                new CGhostCheckBox(root, 0, L"CHECKBOX", L"3D Glasses",
+                                   {false, ColumnX(i), y + (checked ? 32 : 0), 130, 25});
+            box->SetChecked(checked);
+            switch (kBoxStates[i]) {
+            case GalleryState::kHot: box->OnMouseMove(1, 1); break;
+            case GalleryState::kDisabled: box->SetEnabled(false); break;
+            case GalleryState::kFocused: box->OnFocus(true, nullptr); break;
+            default: break;
+            }
         }
     }
 }
 
 void BuildSliders(GHOSTMANAGER_WINDOW* root, int32_t y) {
-    int32_t x = 220;
-    GalleryLabel(root, L"PROGRESSBAR", 24, y + 4);
-    GalleryLabel(root, L"PROGRESSBAR_VOLUME", 24, y + 44);
-    for (const float value : {0.0f, 0.04f, 0.5f, 0.97f, 1.0f}) {
-        auto* const bass =
-            new CGhostSlider(root, 0, L"PROGRESSBAR", -12.0f, 24.0f, {false, x, y, 170, 25});
-        bass->SetValue(value);
+    constexpr std::array kValues = {0.0f, 0.02f, 0.5f, 0.97f, 1.0f};
+    constexpr size_t kFocused = 2;
+    GalleryLabel(root, L"PROGRESSBAR", 24, y + 5);
+    GalleryLabel(root, L"PROGRESSBAR_VOLUME", 24, y + 41);
+    for (size_t i = 0; i < kValues.size(); ++i) {
+        auto* const bass = new CGhostSlider(root, 0, L"PROGRESSBAR", -12.0f, 24.0f,
+                                            {false, ColumnX(i), y, kColumnWide, 25});
+        bass->SetValue(kValues[i]);
         auto* const volume = new CGhostSlider(root, 0, L"PROGRESSBAR_VOLUME", 0.0f, 100.0f,
-                                              {false, x, y + 40, 170, 25});
-        volume->SetValue(value);
-        if (value > 0.4f && value < 0.6f) {
+                                              {false, ColumnX(i), y + 36, kColumnWide, 25});
+        volume->SetValue(kValues[i]);
+        if (i == kFocused) {
             volume->OnFocus(true, nullptr);
         }
-        x += 190;
     }
 }
 
@@ -222,7 +297,7 @@ void BuildScrollbars(GHOSTMANAGER_WINDOW* root, int32_t y) {
         {560000, 200, 280000},
         {560000, 200, 559800},
     };
-    int32_t x = 220;
+    int32_t x = kFirstColumn;
     for (const RANGE& range : kRanges) {
         auto* const bar = new CGhostScrollbar(root, 0, L"WINDOW_SCROLLBAR", {false, x, y, 16, 200});
         bar->SetRange(range.total, range.page, range.pos, true);
@@ -230,227 +305,40 @@ void BuildScrollbars(GHOSTMANAGER_WINDOW* root, int32_t y) {
     }
 }
 
+// A text, a field and a choice that are longer than their place.
+void BuildLongTexts(GHOSTMANAGER_WINDOW* root, int32_t y) {
+    std::wstring text;
+    for (int i = 0; i < 12; ++i) {
+        text += kSentence;
+        text += L"\n";
+    }
+    constexpr int32_t kX = kFirstColumn + 2 * kColumn - 80;
+    new CGhostMultiText(root, 0, L"WINDOWOVERLAY", text, {false, kX, y, 420, 200});
+    GalleryLabel(root, L"longer than their place", kX + 444, y);
+    new CGhostEdit(root, 0, L"EDIT", std::wstring(kSentence), 0,
+                   {false, kX + 444, y + 24, 244, 25});
+    GalleryDropList(root, kSentence, {kX + 444, y + 60, 244, 25});
+    auto* const box = new CGhostCheckBox(root, 0, L"CHECKBOX", std::wstring(kSentence),
+                                         {false, kX + 444, y + 96, 244, 25});
+    box->SetChecked(true);
+    GalleryButton(root, L"BUTTON", kSentence, GalleryState::kNormal, {kX + 444, y + 132, 244, 25});
+}
+
 } // namespace
 
 void BuildFieldsPage(GHOSTMANAGER_WINDOW* root) {
     GalleryTitle(root, L"Fields");
-    constexpr std::array<std::wstring_view, 4> kFieldStates = {L"normal", L"hot", L"read-only",
-                                                               L"focus"};
-    GalleryLabel(root, L"EDIT", 24, 84);
-    GalleryLabel(root, L"DROPLIST", 24, 144);
-    for (size_t i = 0; i < kFieldStates.size(); ++i) {
-        const int32_t x = 220 + static_cast<int32_t>(i) * 240;
-        GalleryLabel(root, kFieldStates[i], x, 60);
-        auto* const edit = new CGhostEdit(root, 0, L"EDIT", L"A name", 0, {false, x, 80, 220, 25});
-        switch (i) {
-        case 1: edit->OnMouseMove(1, 1); break;
-        case 2: edit->SetReadOnly(true); break;
-        case 3: edit->OnFocus(true, nullptr); break;
-        default: break;
-        }
-    }
-    constexpr std::array<std::wstring_view, 4> kArrowStates = {L"normal", L"hot", L"disabled",
-                                                               L"open"};
-    for (size_t i = 0; i < kArrowStates.size(); ++i) {
-        const int32_t x = 220 + static_cast<int32_t>(i) * 240;
-        GalleryLabel(root, kArrowStates[i], x, 120);
-        CGhostDropList* const list = GalleryDropList(root, L"SMS JAPANESE", {x, 140, 190, 25});
-        switch (i) {
-        case 1: list->OnMouseMove(1, 1); break;
-        case 2: list->SetEnabled(false); break;
-        case 3: list->Open(); break;
-        default: break;
-        }
-    }
-    BuildCheckBoxes(root, 320);
-    BuildSliders(root, 370);
-    BuildScrollbars(root, 470);
+    BuildEdits(root, 84);
+    BuildDropLists(root, 146);
+    BuildCheckBoxes(root, 200);
+    BuildSliders(root, 312);
+    BuildScrollbars(root, 408);
+    BuildLongTexts(root, 408);
 }
 
-// ---- Windows.
-
-void BuildWindowsPage(GHOSTMANAGER_WINDOW* root) {
-    using Window = CGhostWindowEx;
-    GalleryTitle(root, L"Windows");
-    GHOSTMANAGER_WINDOW* const box =
-        GalleryWindow(root, L"MESSAGEBOX", L"Error loading game",
-                      Window::kFrame | Window::kTitle | Window::kNoButtons, {24, 64, 450, 180});
-    GalleryText(box, L"MESSAGEBOX_TEXT", L"The file holds no game of a machine that is known here.",
-                {0, 0, 410, 60});
-    GalleryButton(box, L"MESSAGEBOX_BUTTON", L"Ok", GalleryState::kFocused, {155, 85, 100, 25});
-    GalleryWindow(root, L"MESSAGEBOX", L"A window with a title", Window::kFrame | Window::kTitle,
-                  {500, 64, 360, 180});
-    GHOSTMANAGER_WINDOW* const tip =
-        GalleryWindow(root, L"TOOLTIP", L"", Window::kFrame, {24, 270, 250, 60});
-    GalleryText(tip, L"TOOLTIP_TEXT", L"Start the game", {0, 0, 200, 18});
-    GHOSTMANAGER_WINDOW* const panel =
-        GalleryWindow(root, L"OPTIONWINDOW", L"", Window::kFrame, {300, 270, 300, 120});
-    GalleryText(panel, L"TEXT_RIGHT", L"A panel within a screen:", {8, 8, 200, 25});
-    GalleryText(root, L"WINDOWOVERLAY", L"Connecting to server to collect news...",
-                {640, 270, 420, 120});
-    GalleryWindow(root, L"MESSAGEBOXBG", L"", Window::kNoSignals, {24, 420, 500, 120});
-    GHOSTMANAGER_WINDOW* const scrolled =
-        GalleryWindow(root, L"GAMEOPTIONS", L"", Window::kFrame, {560, 420, 500, 260});
-    GalleryText(scrolled, L"TEXT", L"A panel that scrolls", {8, 8, 300, 25});
-}
-
-namespace {
-
-// Takes the message box, which is nobody's child, away with the page.
-class MessageGuard : public GalleryCanvas {
-public:
-    MessageGuard(GHOSTMANAGER_WINDOW* parent, CGhostMessageBox* message)
-        : GalleryCanvas(parent, {0, 0, 1, 1}, [](CGhostSurface&) {})
-        , box(message) {
-        box->OnClosed.connect([this](CGhostMessageBox*) { box = nullptr; });
-    }
-    void Destroy() override {
-        if (box != nullptr) {
-            box->OnClosed.disconnect_all_slots();
-            box->Dismiss();
-        }
-        GalleryCanvas::Destroy();
-    }
-
-private:
-    ~MessageGuard() override = default;
-    CGhostMessageBox* box;
-};
-
-} // namespace
-
-void BuildMessagePage(GHOSTMANAGER_WINDOW* root) {
-    BuildBrowserPage(root);
-    CGhostMessageBox* const box = CGhostMessageBox::Show(
-        L"Error loading game", L"The file holds no game of a machine that is known here. "
-                               L"What \"ombrelune info\" says about it may help.");
-    if (box != nullptr) {
-        new MessageGuard(root, box);
-    }
-}
-
-// ---- Images.
-
-void BuildImagesPage(GHOSTMANAGER_WINDOW* root) {
-    GalleryTitle(root, L"Images");
-    int32_t x = 24;
-    int32_t y = 52;
-    int32_t rowHeight = 0;
-    for (const GUI_IMAGE_ROW& row : BuiltInImages()) {
-        const GUI_BITMAP* const bitmap = LoadThemeBitmap(row.name);
-        if (bitmap == nullptr) {
-            continue;
-        }
-        const int32_t width = std::min(bitmap->width, 192);
-        const int32_t height = std::min(bitmap->height, 100);
-        const int32_t cell = std::max(width, 130);
-        if (x + cell > 1256) {
-            x = 24;
-            y += rowHeight + 22;
-            rowHeight = 0;
-        }
-        GalleryLabel(root, std::wstring(row.name.begin(), row.name.end()), x, y, cell);
-        new GalleryCanvas(root, {x, y + 16, width, height}, [bitmap](CGhostSurface& surface) {
-            surface.Blit(*bitmap, {0, 0, bitmap->width, bitmap->height}, 0, 0);
-        });
-        x += cell + 8;
-        rowHeight = std::max(rowHeight, height);
-    }
-}
-
-// ---- Styles.
-
-void BuildStylesPage(GHOSTMANAGER_WINDOW* root) {
-    GalleryTitle(root, L"Text styles");
-    int32_t x = 24;
-    int32_t y = 56;
-    for (const CGhostTheme::NAMED& named : CGhostTheme::Get().Names()) {
-        if (named.kind != StyleKind::kTextBox) {
-            continue;
-        }
-        GalleryLabel(root, named.name, x, y, 232);
-        GalleryText(root, named.name, L"Ombrelune 123", {x, y + 16, 220, 32});
-        y += 56;
-        if (y > 664) {
-            y = 56;
-            x += 240;
-        }
-    }
-}
-
-namespace {
-
-void PaintListStyle(CGhostSurface& surface, const GhostListStyle& style, int32_t rowHeight,
-                    int32_t top) {
-    struct ROW {
-        const GhostTextStyle& style;
-        const wchar_t* text;
-    };
-    const ROW rows[] = {
-        {style.itemNormal,    L"item_normal: The Lantern of Luciole"    },
-        {style.item2Normal,   L"item2_normal: Moth Patrol (World)"      },
-        {style.itemHot,       L"item_hot: Tin Harbour"                  },
-        {style.item2Hot,      L"item2_hot: A game that nobody knows"    },
-        {style.itemSelected,  L"item_selected: Night Ferry (Europe)"    },
-        {style.item2Selected, L"item2_selected: Paper Lamps, Revision 1"},
-    };
-    PaintFill(surface, style.bg.bg, {0, top, surface.Width(), surface.Height() - top});
-    int32_t y = top;
-    int32_t icon = 0;
-    for (const ROW& row : rows) {
-        const GUI_RECT place{0, y, surface.Width(), rowHeight};
-        PaintFill(surface, row.style.bg, place);
-        GhostTextStyle text = row.style;
-        text.bg.type = GhostFill::kNone;
-        GalleryIcon(surface, style.imageList, icon, 2, y + 1);
-        PaintText(surface, text, row.text, {28, y, surface.Width() - 28, rowHeight});
-        y += rowHeight;
-        ++icon;
-    }
-    PaintFrame(surface, style.bg.border);
-}
-
-void PaintTable(CGhostSurface& surface, const std::wstring& name) {
-    GhostListViewStyle style;
-    CGhostTheme::Get().GetStyle(name, style);
-    const wchar_t* const heads[] = {L"Action", L"Input1", L"Input2"};
-    const int32_t width = surface.Width() / 3;
-    PaintListStyle(surface, style.list, style.itemHeight, style.headerHeight);
-    for (int32_t i = 0; i < 3; ++i) {
-        PaintText(surface, style.header.states[static_cast<size_t>(i)], heads[i],
-                  {i * width, 0, width, style.headerHeight});
-    }
-}
-
-} // namespace
-
-void BuildRecordsPage(GHOSTMANAGER_WINDOW* root) {
-    GalleryTitle(root, L"Lists and tables");
-    GalleryLabel(root, L"LIST, a control of 20,000 rows", 844, 60);
-    auto* const list = new CGhostList(root, 0, L"LIST", 0, {false, 844, 80, 380, 200});
-    for (int32_t i = 0; i < 20000; ++i) {
-        list->AddItem(L"Row " + std::to_wstring(i + 1), i % 9 < 6 ? i % 9 : -1,
-                      i % 7 == 3 ? GHOSTLIST_ITEM::kDisabled : 0);
-    }
-    list->SetSelected(10001, false);
-    list->OnFocus(true, nullptr);
-    const wchar_t* const lists[] = {L"LIST", L"POPUPMENU"};
-    int32_t x = 24;
-    for (const wchar_t* const name : lists) {
-        GalleryLabel(root, name, x, 60);
-        new GalleryCanvas(root, {x, 80, 380, 28 * 6 + 2}, [name](CGhostSurface& surface) {
-            GhostListStyle style;
-            CGhostTheme::Get().GetStyle(name, style);
-            PaintListStyle(surface, style, 28, 0);
-        });
-        x += 410;
-    }
-    const wchar_t* const tables[] = {L"GAMELIST", L"INPUTLIST", L"CREDITLIST"};
-    x = 24;
-    for (const wchar_t* const name : tables) {
-        GalleryLabel(root, name, x, 290);
-        new GalleryCanvas(root, {x, 310, 380, 28 * 7 + 2},
-                          [name](CGhostSurface& surface) { PaintTable(surface, name); });
-        x += 410;
-    }
+void BuildKeyboardPage(GHOSTMANAGER_WINDOW* root) {
+    GalleryTitle(root, L"The keyboard on the screen");
+    auto* const edit = new CGhostEdit(root, 0, L"EDIT", L"Paper", 0, {false, 490, 160, 300, 25});
+    GalleryLabel(root, L"for this field", 490, 136);
+    CGhostKeyboard::Open(edit); // it ends with its field
 }

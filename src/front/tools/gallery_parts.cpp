@@ -3,6 +3,8 @@
 #include "gui/bitmap.h"
 #include "gui/button.h"
 #include "gui/drop_list.h"
+#include "gui/font.h"
+#include "gui/manager.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/text_box.h"
@@ -32,13 +34,19 @@ void GalleryText(GHOSTMANAGER_WINDOW* parent, const std::wstring& style, std::ws
     new CGhostTextBox(parent, 0, style, std::wstring(text), PlaceOf(place));
 }
 
-void GalleryLabel(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, int32_t x, int32_t y,
-                  int32_t width) {
-    GalleryText(parent, L"TOOLTIP_TEXT", text, {x, y, width, 16});
+void GalleryLabel(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, int32_t x, int32_t y) {
+    constexpr uint32_t kMist = 0xFFB9BCD6;
+    constexpr uint32_t kNight = 0xFF0B0E1F; // for pages that are shown over a game
+    CGhostFont* const font = CGhostFontManager::Get().GetFont("Default", 15);
+    const GUI_RECT place{x, y, MeasureText(font, text).width + 2, 16};
+    new GalleryCanvas(parent, place, [font, caption = std::wstring(text)](CGhostSurface& surface) {
+        DrawText(surface, font, caption, kMist, kNight, kAlignLeft,
+                 {0, 0, surface.Width(), surface.Height()}, 0, 0);
+    });
 }
 
 void GalleryTitle(GHOSTMANAGER_WINDOW* parent, std::wstring_view text) {
-    GalleryText(parent, L"TEXT_TITLE", text, {24, 16, 1000, 28});
+    GalleryText(parent, L"TEXT_TITLE", text, {24, 14, 600, 30});
 }
 
 GHOSTMANAGER_WINDOW* GalleryWindow(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,
@@ -47,6 +55,12 @@ GHOSTMANAGER_WINDOW* GalleryWindow(GHOSTMANAGER_WINDOW* parent, const std::wstri
     auto* const made =
         new CGhostWindowEx(parent, 0, style, std::wstring(caption), flags, PlaceOf(place));
     return made->window;
+}
+
+GUI_RECT GalleryScreenRect(const GHOSTMANAGER_WINDOW* window) {
+    GUI_RECT rect;
+    CGhostManager::Get().GetScreenRect(window, &rect);
+    return rect;
 }
 
 CGhostButton* GalleryButton(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,

@@ -30,15 +30,17 @@ private:
 // Text in a style of the theme.
 void GalleryText(GHOSTMANAGER_WINDOW* parent, const std::wstring& style, std::wstring_view text,
                  const GUI_RECT& place);
-// A small line that says what is below it.
-void GalleryLabel(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, int32_t x, int32_t y,
-                  int32_t width = 300);
+// A small line, as wide as it is, that says what is below it.
+void GalleryLabel(GHOSTMANAGER_WINDOW* parent, std::wstring_view text, int32_t x, int32_t y);
 // The page's title, at its top.
 void GalleryTitle(GHOSTMANAGER_WINDOW* parent, std::wstring_view text);
 // A window of a style; its client area is the parent of what lies in it.
 GHOSTMANAGER_WINDOW* GalleryWindow(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,
                                    std::wstring_view caption, uint32_t flags,
                                    const GUI_RECT& place);
+
+// Where a window is on the screen.
+GUI_RECT GalleryScreenRect(const GHOSTMANAGER_WINDOW* window);
 
 enum class GalleryState { kNormal, kHot, kPressed, kDisabled, kFocused };
 CGhostButton* GalleryButton(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,

@@ -6,6 +6,7 @@
 #include "gui/drop_list.h"
 #include "gui/list_view.h"
 #include "gui/slider.h"
+#include "gui/window.h"
 #include "gui/window_ex.h"
 
 #include <array>
@@ -17,31 +18,36 @@ using Window = CGhostWindowEx;
 
 // The bar with the logo, and the area below it.
 GHOSTMANAGER_WINDOW* Frame(GHOSTMANAGER_WINDOW* root) {
-    GHOSTMANAGER_WINDOW* const bar = GalleryWindow(root, L"TOPAREA", L"", 32, {0, 0, 1280, 60});
+    const int32_t width = root->width;
+    GHOSTMANAGER_WINDOW* const bar = GalleryWindow(root, L"TOPAREA", L"", 32, {0, 0, width, 60});
     GalleryWindow(bar, L"OMBRELUNE_LOGO", L"", 32, {16, 6, 48, 48});
     GalleryText(bar, L"TEXT_TITLE", L"Ombrelune", {76, 16, 300, 28});
-    GalleryText(root, L"TEXT_RIGHT", L"v0.720 64-bit  ", {1060, 18, 200, 25});
-    return GalleryWindow(root, L"BATTLEMAIN", L"", Window::kFrame | 32, {0, 60, 1280, 660});
+    GalleryText(bar, L"TEXT_RIGHT", L"v0.720 64-bit  ", {width - 220, 17, 200, 25});
+    return GalleryWindow(root, L"BATTLEMAIN", L"", Window::kFrame | 32,
+                         {0, 60, width, root->height - 60});
 }
 
 } // namespace
 
 void BuildMenuPage(GHOSTMANAGER_WINDOW* root) {
     GHOSTMANAGER_WINDOW* const area = Frame(root);
+    const int32_t width = area->width;
+    const int32_t height = area->height;
     GalleryText(area, L"SECTIONTEXT",
-                L"The moon has no dark side, only one that is not plugged in.", {300, 0, 680, 25});
+                L"The moon has no dark side, only one that is not plugged in.",
+                {(width - 680) / 2, 0, 680, 25});
     constexpr std::array<const wchar_t*, 5> kMenu = {L"PLAY GAMES", L"BENCHMARK", L"OPTIONS",
                                                      L"CREDITS", L"QUIT"};
     for (size_t i = 0; i < kMenu.size(); ++i) {
         GalleryButton(area, L"BUTTON", kMenu[i],
                       i == 0 ? GalleryState::kFocused : GalleryState::kNormal,
-                      {240 + static_cast<int32_t>(i) * 160, 35, 140, 25});
+                      {(width - 800) / 2 + static_cast<int32_t>(i) * 160, 35, 140, 25});
     }
     GalleryText(area, L"LARGEHEADERTEXT", L"Member Login", {20, 70, 350, 25});
     GalleryText(area, L"WINDOWOVERLAY", L"", {20, 95, 350, 180});
-    GalleryText(area, L"LARGEHEADERTEXT", L"News", {390, 70, 870, 25});
+    GalleryText(area, L"LARGEHEADERTEXT", L"News", {390, 70, width - 410, 25});
     GalleryText(area, L"WINDOWOVERLAY", L"Connecting to server to collect news...",
-                {390, 95, 870, 545});
+                {390, 95, width - 410, height - 115});
 }
 
 namespace {
@@ -68,8 +74,8 @@ constexpr GAME kGames[] = {
 void BuildGames(GHOSTMANAGER_WINDOW* parent) {
     constexpr int32_t kRows = 20000;
     constexpr int32_t kKnownMarks = 2;
-    auto* const games = new CGhostListView(parent, 0, L"GAMELIST", 0, {false, 15, 136, 690, 310});
-    games->AddColumn(L"Name", 594);
+    auto* const games = new CGhostListView(parent, 0, L"GAMELIST", 0, {false, 15, 136, 714, 310});
+    games->AddColumn(L"Name", 616);
     games->AddColumn(L"Year", 80, kAlignRight);
     games->Reserve(kRows);
     for (int32_t i = 0; i < kRows; ++i) {
@@ -89,10 +95,10 @@ void BuildGames(GHOSTMANAGER_WINDOW* parent) {
 void BuildBrowserPage(GHOSTMANAGER_WINDOW* root) {
     GHOSTMANAGER_WINDOW* const area = Frame(root);
     GalleryButton(area, L"BUTTON", L"BACK", GalleryState::kNormal, {15, 15, 100, 25});
-    GalleryButton(area, L"LEFTSEL", L"", GalleryState::kHot, {200, 40, 40, 40});
-    GalleryWindow(area, L"MEGADRIVE", L"", 0, {260, 12, 192, 96});
-    GalleryButton(area, L"RIGHTSEL", L"", GalleryState::kNormal, {472, 40, 40, 40});
-    GalleryText(area, L"TEXT_CENTER", L"Genesis / Megadrive (MD)", {200, 108, 312, 20});
+    GalleryButton(area, L"LEFTSEL", L"", GalleryState::kHot, {216, 40, 40, 40});
+    GalleryWindow(area, L"MEGADRIVE", L"", 0, {276, 12, 192, 96});
+    GalleryButton(area, L"RIGHTSEL", L"", GalleryState::kNormal, {488, 40, 40, 40});
+    GalleryText(area, L"TEXT_CENTER", L"Genesis / Megadrive (MD)", {216, 110, 312, 20});
     BuildGames(area);
 
     GHOSTMANAGER_WINDOW* const options =
@@ -123,8 +129,9 @@ void BuildBrowserPage(GHOSTMANAGER_WINDOW* root) {
                       {745 + static_cast<int32_t>(i) * 102, 40, 102, 28});
     }
     GalleryWindow(area, L"3DBOXBG", L"", 0, {745, 68, 510, 310});
-    GalleryWindow(area, L"3DBOX_SSHOTSBG", L"", 0, {745, 386, 510, 160});
-    GalleryWindow(area, L"SSHOT", L"", 0, {753, 391, 200, 150});
+    GHOSTMANAGER_WINDOW* const pictures =
+        GalleryWindow(area, L"3DBOX_SSHOTSBG", L"", 0, {745, 386, 510, 160});
+    GalleryWindow(pictures, L"SSHOT", L"", 0, {8, 5, 200, 150});
 }
 
 void BuildOptionsPage(GHOSTMANAGER_WINDOW* root) {
@@ -135,7 +142,7 @@ void BuildOptionsPage(GHOSTMANAGER_WINDOW* root) {
     for (size_t i = 0; i < kTabs.size(); ++i) {
         GalleryButton(area, L"OPTIONBUTTON", kTabs[i],
                       i == 2 ? GalleryState::kPressed : GalleryState::kNormal,
-                      {360 + static_cast<int32_t>(i) * 138, 52, 130, 28});
+                      {360 + static_cast<int32_t>(i) * 138, 53, 130, 25});
     }
     GHOSTMANAGER_WINDOW* const panel =
         GalleryWindow(area, L"OPTIONWINDOW", L"", Window::kFrame, {200, 92, 864, 440});

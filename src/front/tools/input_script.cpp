@@ -21,17 +21,6 @@ std::string_view Trim(std::string_view text) {
     return text.substr(begin, text.find_last_not_of(" \t\r") - begin + 1);
 }
 
-bool FindAction(std::string_view name, size_t& index) {
-    const std::wstring wanted = LowerAscii(std::wstring_view(WideFromUtf8(name)));
-    const auto actions = InputActions();
-    for (index = 0; index < actions.size(); ++index) {
-        if (LowerAscii(std::wstring_view(actions[index].name)) == wanted) {
-            return true;
-        }
-    }
-    return false;
-}
-
 bool ParseLine(std::string_view line, INPUT_EVENT& event, std::string& error) {
     const auto [end, code] = std::from_chars(line.data(), line.data() + line.size(), event.frame);
     const auto digits = static_cast<size_t>(end - line.data());
@@ -58,6 +47,17 @@ bool ParseLine(std::string_view line, INPUT_EVENT& event, std::string& error) {
 }
 
 } // namespace
+
+bool FindAction(std::string_view name, size_t& index) {
+    const std::wstring wanted = LowerAscii(std::wstring_view(WideFromUtf8(name)));
+    const auto actions = InputActions();
+    for (index = 0; index < actions.size(); ++index) {
+        if (LowerAscii(std::wstring_view(actions[index].name)) == wanted) {
+            return true;
+        }
+    }
+    return false;
+}
 
 bool InputScript::Parse(std::string_view text, std::string& error) {
     events.clear();
@@ -103,8 +103,8 @@ void InputScript::BindActions(SettingsStore& store) {
     const auto actions = InputActions();
     for (size_t i = 0; i < actions.size(); ++i) {
         const uint32_t code = kFirstScriptCode + static_cast<uint32_t>(i);
-        store.SetInt2(std::wstring(L"INPUT ") + actions[i].name,
-                      static_cast<int32_t>(JoystickBinding(0, code)), 0);
+        store.SetInt2(BindingSetting(actions[i]), static_cast<int32_t>(JoystickBinding(0, code)),
+                      0);
     }
 }
 

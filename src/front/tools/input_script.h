@@ -20,6 +20,9 @@ struct INPUT_EVENT {
     bool down;
 };
 
+// The index in InputActions of an action's name, in any case. False for an unknown one.
+[[nodiscard]] bool FindAction(std::string_view name, size_t& index);
+
 class InputScript {
 public:
     // False for an invalid script, with the line and what is wrong with it.

@@ -19,8 +19,8 @@ void InjectKey(uint32_t scancode, bool down) {
 } // namespace
 
 bool InjectAction(size_t action, bool down) {
-    const auto name = std::wstring(L"INPUT ") + InputActions()[action].name;
-    const auto binding = static_cast<uint32_t>(Settings().GetInt2(name).first);
+    const std::wstring setting = BindingSetting(InputActions()[action]);
+    const auto binding = static_cast<uint32_t>(Settings().GetInt2(setting).first);
     const uint32_t scancode = binding & 0xFFFF;
     if (binding >> 24 != 0 || scancode == 0 || scancode >= kKeyboardCodes) {
         return false;

@@ -16,7 +16,6 @@
 #include "front/unread_notices.h"
 #include "host/battery_file.h"
 #include "host/session.h"
-#include "settings/bindings.h"
 
 #include <SDL.h>
 
@@ -44,18 +43,6 @@ const char* OptionForHeadless(const PLAY_OPTIONS& options) {
         return "--peek and --dump";
     }
     return nullptr;
-}
-
-bool FindAction(const std::string& name, size_t& index) {
-    const auto actions = InputActions();
-    for (index = 0; index < actions.size(); ++index) {
-        if (std::equal(name.begin(), name.end(), actions[index].name,
-                       actions[index].name + std::wcslen(actions[index].name),
-                       [](char a, wchar_t b) { return static_cast<wchar_t>(a) == b; })) {
-            return true;
-        }
-    }
-    return false;
 }
 
 class WindowRun {

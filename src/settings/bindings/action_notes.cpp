@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr SettingPrefix kInputPrefix{L"INPUT "};
 constexpr uint64_t kPointerTriggers = PointerTriggerBit(0) | PointerTriggerBit(1);
 
 std::array<uint32_t, 2> BindingsOf(const Setting& setting) {

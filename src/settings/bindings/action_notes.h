@@ -7,11 +7,13 @@
 
 #include "settings/input_state.h"
 #include "settings/pad_defaults.h"
+#include "settings/settings.h"
 
 #include <bitset>
 #include <cstdint>
 
-class SettingsStore;
+// Before an action's name in its setting's name.
+inline constexpr SettingPrefix kInputPrefix{L"INPUT "};
 
 inline constexpr uint32_t kFirstModifierKey = 224; // scancode of Left Ctrl; bit 0
 inline constexpr uint32_t kModifierKeys = 8;

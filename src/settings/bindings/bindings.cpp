@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr SettingPrefix kInputPrefix{L"INPUT "};
-
 constexpr uint32_t kKeyboard = 0; // top byte of a binding
 constexpr uint32_t kJoystick = 1;
 
@@ -136,13 +134,16 @@ std::string JoystickName(uint32_t joystick, uint32_t code) {
 
 } // namespace
 
+std::wstring BindingSetting(const INPUT_ACTION& action) {
+    return std::wstring(kInputPrefix.Text()) + action.name;
+}
+
 void RegisterBindings(SettingsStore& store) {
-    const std::wstring prefix(kInputPrefix.Text());
     for (const INPUT_ACTION& action : InputActions()) {
-        store.RegisterInt2(prefix + action.name, 0, 0);
+        store.RegisterInt2(BindingSetting(action), 0, 0);
     }
     for (const INPUT_ACTION& action : InputActions()) {
-        store.RegisterInt2(prefix + action.name, static_cast<int32_t>(action.defaultBinding), 0);
+        store.RegisterInt2(BindingSetting(action), static_cast<int32_t>(action.defaultBinding), 0);
     }
     RefreshActionNotes(store);
 }

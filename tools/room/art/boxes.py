@@ -5,9 +5,8 @@ import os
 import numpy as np
 from PIL import Image, ImageFilter
 
-import model
 from mesh import Mesh, box
-from model import OUT, SATIN, Model
+from model import OUT, Model
 
 PAPER = 'boxcover.jpg'
 

@@ -18,22 +18,22 @@ struct Point {
     float x, y;
 };
 
-int width, height;
-uint32_t state;
+int gWidth, gHeight;
+uint32_t gState;
 
 float Random() {
-    state ^= state << 13;
-    state ^= state >> 17;
-    state ^= state << 5;
-    return static_cast<float>(state >> 8) / 16777216.0F;
+    gState ^= gState << 13;
+    gState ^= gState >> 17;
+    gState ^= gState << 5;
+    return static_cast<float>(gState >> 8) / 16777216.0F;
 }
 
 template <typename T>
 using Field = std::vector<T>;
 
 size_t At(int x, int y) {
-    return static_cast<size_t>(std::clamp(y, 0, height - 1)) * static_cast<size_t>(width) +
-           static_cast<size_t>(std::clamp(x, 0, width - 1));
+    return static_cast<size_t>(std::clamp(y, 0, gHeight - 1)) * static_cast<size_t>(gWidth) +
+           static_cast<size_t>(std::clamp(x, 0, gWidth - 1));
 }
 
 float Difference(Colour a, Colour b) {
@@ -45,20 +45,20 @@ void Blur(Field<float>& field, float radius) {
     const int half = std::max(1, static_cast<int>(radius));
     Field<float> other(field.size());
     for (int pass = 0; pass < 3; ++pass) {
-        for (int y = 0; y < height; ++y) {
+        for (int y = 0; y < gHeight; ++y) {
             float sum = 0;
             for (int x = -half; x <= half; ++x)
                 sum += field[At(x, y)];
-            for (int x = 0; x < width; ++x) {
+            for (int x = 0; x < gWidth; ++x) {
                 other[At(x, y)] = sum / static_cast<float>(2 * half + 1);
                 sum += field[At(x + half + 1, y)] - field[At(x - half, y)];
             }
         }
-        for (int x = 0; x < width; ++x) {
+        for (int x = 0; x < gWidth; ++x) {
             float sum = 0;
             for (int y = -half; y <= half; ++y)
                 sum += other[At(x, y)];
-            for (int y = 0; y < height; ++y) {
+            for (int y = 0; y < gHeight; ++y) {
                 field[At(x, y)] = sum / static_cast<float>(2 * half + 1);
                 sum += other[At(x, y + half + 1)] - other[At(x, y - half)];
             }
@@ -90,8 +90,8 @@ Field<Point> Ways(const Field<Colour>& picture, float radius, float angle) {
         const Colour c = picture[At(x, y)];
         return 0.3F * c.r + 0.6F * c.g + 0.1F * c.b;
     };
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
+    for (int y = 0; y < gHeight; ++y)
+        for (int x = 0; x < gWidth; ++x) {
             const float gx = light(x + 1, y) - light(x - 1, y),
                         gy = light(x, y + 1) - light(x, y - 1);
             xx[At(x, y)] = gx * gx;
@@ -160,8 +160,8 @@ void Draw(Canvas& canvas, const Stroke& stroke) {
     float bristles[17];
     for (float& bristle : bristles)
         bristle = Random();
-    const int x1 = std::min(width - 1, static_cast<int>(right + r + 1)),
-              y1 = std::min(height - 1, static_cast<int>(bottom + r + 1));
+    const int x1 = std::min(gWidth - 1, static_cast<int>(right + r + 1)),
+              y1 = std::min(gHeight - 1, static_cast<int>(bottom + r + 1));
     for (int y = std::max(0, static_cast<int>(top - r - 1)); y <= y1; ++y)
         for (int x = std::max(0, static_cast<int>(left - r - 1)); x <= x1; ++x) {
             float along = 0, aside = 0, away = 0;
@@ -197,8 +197,8 @@ Stroke Follow(const Field<Colour>& wanted, const Canvas& canvas, const Field<Poi
         const float sign = n == 0 ? turn : (way.x * last.x + way.y * last.y < 0 ? -1.0F : 1.0F);
         way = {way.x * sign, way.y * sign};
         p = {p.x + way.x * radius * 1.1F, p.y + way.y * radius * 1.1F};
-        if (p.x < -radius || p.y < -radius || p.x > static_cast<float>(width) + radius ||
-            p.y > static_cast<float>(height) + radius)
+        if (p.x < -radius || p.y < -radius || p.x > static_cast<float>(gWidth) + radius ||
+            p.y > static_cast<float>(gHeight) + radius)
             break;
         const size_t here = At(static_cast<int>(p.x), static_cast<int>(p.y));
         if (n > 0 && Difference(wanted[here], stroke.colour) >
@@ -220,26 +220,24 @@ void PaintLayer(const Field<Colour>& picture, Canvas& canvas, float radius, floa
                 bool first) {
     const Field<Colour> wanted = Blurred(picture, radius * 0.35F);
     const Field<Point> ways = Ways(wanted, radius * 1.5F + 1, angle);
-    const float grid = std::max(1.5F, radius * 0.9F);
+    const int grid = std::max(2, static_cast<int>(std::lround(radius * 0.9F)));
     std::vector<Point> starts;
-    for (float y = 0; y < static_cast<float>(height); y += grid)
-        for (float x = 0; x < static_cast<float>(width); x += grid) {
+    for (int y = 0; y < gHeight; y += grid)
+        for (int x = 0; x < gWidth; x += grid) {
             // In each field of the grid the stroke starts where the canvas is most wrong.
-            Point worst{x, y};
+            Point worst{};
             float sum = 0, most = -1;
-            int count = 0;
-            for (float dy = 0; dy < grid; ++dy)
-                for (float dx = 0; dx < grid; ++dx) {
-                    const size_t i = At(static_cast<int>(x + dx), static_cast<int>(y + dy));
-                    const float wrong = Difference(wanted[i], canvas.colours[i]);
-                    sum += wrong;
-                    ++count;
-                    if (wrong > most) {
-                        most = wrong;
-                        worst = {x + dx, y + dy};
-                    }
+            for (int n = 0; n < grid * grid; ++n) {
+                const int px = x + n % grid, py = y + n / grid;
+                const size_t i = At(px, py);
+                const float wrong = Difference(wanted[i], canvas.colours[i]);
+                sum += wrong;
+                if (wrong > most) {
+                    most = wrong;
+                    worst = {static_cast<float>(px), static_cast<float>(py)};
                 }
-            if (first || sum / static_cast<float>(count) > 0.085F)
+            }
+            if (first || sum / static_cast<float>(grid * grid) > 0.085F)
                 starts.push_back(worst);
         }
     for (size_t i = starts.size(); i > 1; --i)
@@ -252,8 +250,8 @@ void PaintLayer(const Field<Colour>& picture, Canvas& canvas, float radius, floa
 // Light from the upper left on the relief of the paint.
 void Light(Canvas& canvas) {
     Field<Colour> lit = canvas.colours;
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
+    for (int y = 0; y < gHeight; ++y)
+        for (int x = 0; x < gWidth; ++x) {
             const float slope = canvas.relief[At(x - 1, y - 1)] - canvas.relief[At(x + 1, y + 1)];
             const float light = std::clamp(1 - slope * 0.09F, 0.9F, 1.1F);
             Colour& c = lit[At(x, y)];
@@ -267,11 +265,11 @@ void Light(Canvas& canvas) {
 int main(int argc, char** argv) {
     if (argc < 8)
         return 2;
-    width = std::atoi(argv[3]);
-    height = std::atoi(argv[4]);
-    state = static_cast<uint32_t>(std::atoi(argv[5])) * 2654435761U + 12345U;
+    gWidth = std::atoi(argv[3]);
+    gHeight = std::atoi(argv[4]);
+    gState = static_cast<uint32_t>(std::atoi(argv[5])) * 2654435761U + 12345U;
     const float angle = static_cast<float>(std::atof(argv[6])) * 3.14159265F / 180;
-    Field<Colour> picture(static_cast<size_t>(width) * static_cast<size_t>(height));
+    Field<Colour> picture(static_cast<size_t>(gWidth) * static_cast<size_t>(gHeight));
     FILE* in = std::fopen(argv[1], "rb");
     if (!in || std::fread(picture.data(), sizeof(Colour), picture.size(), in) != picture.size())
         return 1;

@@ -9,8 +9,7 @@ import os
 import paint
 import skywren
 from covers import MOON, svg
-from lettering import Word
-from shapes import gradient, halo, picture, rays, ridge
+from shapes import gradient, halo, rays, ridge
 
 SIDE = (620, 1024)
 MARQUEE = (1024, 240)
@@ -69,7 +68,7 @@ def panel():
              'stroke="#FFE15A" stroke-width="6"/>'
              '<path d="M300,102 l16,22 h-32 Z M300,326 l16,-22 h-32 Z M188,214 l22,16 v-32 Z M412,214 l-22,16 v-32 Z" '
              'fill="#FFE15A"/>')
-    for x, y, text in ((620, 222, 'SING'), (750, 186, 'DIVE')):
+    for x, y, text in ((620, 222, 'SING'), (750, 186, 'SING')):
         rings += (f'<circle cx="{x}" cy="{y}" r="54" fill="#120A30" opacity="0.8"/><circle cx="{x}" cy="{y}" r="54" fill="none" '
                   f'stroke="#FFE15A" stroke-width="5"/><text x="{x}" y="{y + 92}" font-family="Inter Display" font-weight="800" '
                   f'font-size="28" fill="{MOON}" text-anchor="middle" letter-spacing="3">{text}</text>')

@@ -96,7 +96,7 @@ def back(game, name, front):
     wide = 300
     for n, x in ((1, 46), (2, 370)):
         path = os.path.join(paint.HERE, 'shots', f'{name}-{n}.png')
-        y = 520
+        y = 544
         shot = screenshot(path, wide)
         tall = shot.shape[0]
         picture[y - 4:y + tall + 4, x - 4:x + wide + 4] = (0.95, 0.92, 0.83)
@@ -105,9 +105,8 @@ def back(game, name, front):
                     f'fill="{MOON}">{line}</text>' for n, line in enumerate(game.LINES))
     text = ''.join(f'<text x="46" y="{398 + 34 * n}" font-family="Inter" font-size="23" fill="{MOON}">{line}</text>'
                    for n, line in enumerate(textwrap.wrap(game.TEXT, 52)))
-    small = (f'<text x="46" y="858" font-family="Inter" font-size="19" fill="{MIST}">Written in assembly and C for '
-             'the real machine.</text>'
-             f'<text x="46" y="886" font-family="Inter" font-size="19" fill="{MIST}">Free to copy, lend and change.</text>')
+    small = (f'<text x="46" y="876" font-family="Inter" font-size="19" fill="{MIST}">Made for the real machine.</text>'
+             f'<text x="46" y="904" font-family="Inter" font-size="19" fill="{MIST}">Free to copy, lend and change.</text>')
     tall = front.shape[0]
     picture = paint.over(picture, paint.render(svg(lines + text + small + band(game, 0, BACK, tall - 74, 74), BACK, tall),
                                                BACK, tall))

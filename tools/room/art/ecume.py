@@ -4,15 +4,15 @@ import math
 import random
 
 from lettering import Word
-from shapes import gradient, glints, halo, picture, radial, smooth, stars, wave
+from shapes import gradient, glints, halo, picture, smooth, stars, wave
 
 MACHINE = 'nes'
 COLOUR = '#F3EAD3'
 ANGLE = 0
 TITLE = 'ECUME'
 LINES = ('The sea has a roof,', 'and you can jump it.')
-TEXT = ('Follow the pearls through the reef, race the tide past sleeping islands, and leap for the stars before the '
-        'sun is gone.')
+TEXT = ('Pearls lie below the waves, stars hang above them. Dive, leap, and keep clear of the jellyfish, the urchins '
+        'and the gulls.')
 
 
 def along(t):

@@ -1,4 +1,4 @@
-"""Glimmer: two lights race around each other over a mountain lake."""
+"""Glimmer: a firefly flies between two lanterns over a mountain lake."""
 
 import math
 import random
@@ -10,9 +10,9 @@ MACHINE = 'gamegear'
 COLOUR = '#4FC3C7'
 ANGLE = 0
 TITLE = 'GLIMMER'
-LINES = ('Two lights.', 'One evening.')
-TEXT = ('Catch the sparks of the dusk and carry them to your lantern. Alone against the fireflies, or two together '
-        'on a link cable.')
+LINES = ('Two lanterns.', 'One firefly.')
+TEXT = ('Two lantern keepers, and a firefly between them. Send it back with a stroke of your light; what you miss '
+        'lights a lamp for the other side. Alone, or two consoles on a cable.')
 
 
 def comet(points, colour, pale, seed, name):
@@ -20,7 +20,7 @@ def comet(points, colour, pale, seed, name):
     draw = random.Random(seed)
     out = []
     n = len(points)
-    for width, shade, opacity in ((130, colour, 0.35), (84, colour, 0.75), (38, pale, 0.95)):
+    for width, shade, opacity in ((120, colour, 0.35), (74, colour, 0.75), (30, pale, 0.95)):
         left, right = [], []
         for i, (x, y) in enumerate(points):
             a, b = points[max(0, i - 1)], points[min(n - 1, i + 1)]
@@ -34,32 +34,33 @@ def comet(points, colour, pale, seed, name):
         x, y = points[draw.randrange(n)]
         out.append(sparkle(x + draw.gauss(0, 46), y + draw.gauss(0, 46), draw.uniform(6, 24), pale))
     x, y = points[-1]
-    out.append(halo(x, y, 270, colour, 1.0, name) + f'<circle cx="{x}" cy="{y}" r="62" fill="{pale}"/>'
-               f'<circle cx="{x}" cy="{y}" r="44" fill="#fff"/>' + sparkle(x, y, 170, '#FFFFFF'))
+    out.append(halo(x, y, 330, colour, 1.0, name) + f'<circle cx="{x}" cy="{y}" r="62" fill="{pale}"/>'
+               f'<circle cx="{x}" cy="{y}" r="44" fill="#fff"/>' + sparkle(x, y, 210, '#FFFFFF'))
     return ''.join(out)
 
 
-def spiral(x, y, turn, start, end, far, near, squash=0.78):
+def flight(points, steps=40):
+    """A smooth line of `steps` points through the given ones."""
     out = []
-    for i in range(28):
-        t = i / 27
-        a = math.radians(start + (end - start) * t)
-        r = far + (near - far) * t
-        px, py = r * math.cos(a), r * math.sin(a) * squash
-        c, s = math.cos(math.radians(turn)), math.sin(math.radians(turn))
-        out.append((x + px * c - py * s, y + px * s + py * c))
+    n = len(points) - 1
+    for i in range(steps):
+        t = i / (steps - 1) * n
+        k = min(int(t), n - 1)
+        t -= k
+        p = [points[max(0, k - 1)], points[k], points[k + 1], points[min(n, k + 2)]]
+        out.append(tuple(0.5 * (2 * b + (c - a) * t + (2 * a - 5 * b + 4 * c - d) * t * t + (3 * b - a - 3 * c + d) * t ** 3)
+                         for a, b, c, d in zip(*p)))
     return out
 
 
-def lantern(x, y, colour, pale):
-    return (halo(x, y, 250, colour, 0.8, f'gl{x}') +
-            f'<path d="M{x},{y - 900} L{x},{y - 110}" stroke="#1E1238" stroke-width="7"/>'
-            f'<path d="M{x - 34},{y - 118} h68 v22 h-68 Z M{x - 34},{y + 96} h68 v22 h-68 Z" fill="#2A1A48"/>'
-            f'<path d="M{x - 40},{y - 96} C{x - 104},{y - 40} {x - 104},{y + 40} {x - 40},{y + 96} H{x + 40} '
-            f'C{x + 104},{y + 40} {x + 104},{y - 40} {x + 40},{y - 96} Z" fill="{colour}"/>'
-            f'<ellipse cx="{x}" cy="{y}" rx="44" ry="80" fill="{pale}"/>'
-            f'<path d="M{x - 78},{y - 34} H{x + 78} M{x - 84},{y} H{x + 84} M{x - 78},{y + 34} H{x + 78}" stroke="#7A3A20" '
-            f'stroke-width="5" opacity="0.4"/><path d="M{x},{y + 118} v60" stroke="{colour}" stroke-width="9"/>')
+def lantern(x, y, colour, pale, size):
+    return (halo(x, y, 360, colour, 0.8, f'gl{x}') + f'<g transform="translate({x},{y:.1f}) scale({size})">'
+            '<path d="M0,-900 V-110" stroke="#1E1238" stroke-width="7"/>'
+            '<path d="M-34,-118 h68 v22 h-68 Z M-34,96 h68 v22 h-68 Z" fill="#2A1A48"/>'
+            f'<path d="M-40,-96 C-104,-40 -104,40 -40,96 H40 C104,40 104,-40 40,-96 Z" fill="{colour}"/>'
+            f'<ellipse rx="46" ry="80" fill="{pale}"/>'
+            '<path d="M-66,-62 H66 M-80,-32 H80 M-85,0 H85 M-80,32 H80 M-66,62 H66" stroke="#7A3A20" stroke-width="5" '
+            f'opacity="0.45"/><path d="M0,118 v70 M-14,118 v46 M14,118 v46" stroke="{colour}" stroke-width="8"/></g>')
 
 
 def scene(height=1430):
@@ -93,9 +94,9 @@ def scene(height=1430):
         f'<rect y="{shore}" width="1000" height="{height - shore}" fill="url(#lake)"/>',
         f'<g transform="translate(0,{2 * shore}) scale(1,-1)" opacity="0.45"><path d="{" ".join(trees)}" fill="#2E1A56"/></g>',
         glints(500, shore + 16, 560, 150, '#FFE0B8', 130, 7, 80, 6),
-        lantern(104, height * 0.42, '#FFC04A', '#FFF6C8'), lantern(896, height * 0.42, '#4FB8FF', '#E4F8FF'),
-        comet(spiral(500, height * 0.57, -18, 190, 385, 440, 250), '#9BE84A', '#F2FFC8', 3, 'cg'),
-        comet(spiral(500, height * 0.57, -18, 10, 205, 440, 250), '#4FC3FF', '#E6FAFF', 5, 'cb'),
+        comet(flight([(190, height * 0.60), (420, height * 0.73), (760, height * 0.70), (790, height * 0.56), (560, height * 0.47),
+                      (440, height * 0.56)]), '#9BE84A', '#F4FFD0', 3, 'cg'),
+        lantern(150, height * 0.50, '#FFC04A', '#FFF6C8', 1.55), lantern(862, height * 0.62, '#4FB8FF', '#E4F8FF', 1.55),
     ]
     return picture(''.join(inside), 1000, height, defs)
 

@@ -4,15 +4,15 @@ import math
 import random
 
 from lettering import Word
-from shapes import gradient, halo, picture, radial, ridge, smooth, sparkle, stars
+from shapes import gradient, halo, picture, radial, ridge, sparkle, stars
 
 MACHINE = 'mastersystem'
 COLOUR = '#FF7A6B'
 ANGLE = 20
 TITLE = 'LUCIOLE'
 LINES = ('Twelve lanterns,', 'one small light.')
-TEXT = ('Night has gone out of the garden. Gather the dew, mind the spider, and light every lantern before the day '
-        'breaks.')
+TEXT = ('Night has come over the garden. Gather the dew, mind the bats, the wasps and the spider, and light every '
+        'lantern before the day breaks.')
 
 
 def firefly():

@@ -1,7 +1,7 @@
 """Mistral: a red biplane climbs out of the spray into the morning."""
 
 from lettering import Word
-from shapes import cloud, glints, gradient, halo, picture, radial, rays, smooth, wave
+from shapes import cloud, glints, gradient, halo, picture, rays, wave
 
 MACHINE = 'megadrive'
 COLOUR = '#43327A'
@@ -9,8 +9,8 @@ TAG_BORDER = '#2A3266'
 ANGLE = -12
 TITLE = 'MISTRAL'
 LINES = ('One engine, two wings,', 'four winds.')
-TEXT = ('The wind has taken the lighthouse keepers\' letters. Fly low over the swell, loop around the clouds '
-        'and bring them home between dawn and dark.')
+TEXT = ('Gulls, balloons, lanterns and storms come down the wind. Fire, loop and roll from the first light into the '
+        'night: each hour of the day brings more of everything.')
 
 
 def plane():
@@ -59,7 +59,7 @@ def plane():
         '<path d="M246,-80 C300,-84 346,-60 350,0 C346,60 300,84 246,80 C262,40 262,-40 246,-80 Z" fill="url(#cowl)" '
         'stroke="#4A0F1C" stroke-width="4"/>',
         '<path d="M300,-72 C318,-30 318,30 300,72" fill="none" stroke="#7A4A30" stroke-width="6" opacity="0.7"/>',
-        f'<path d="M-318,-22 L-430,62 Q-474,86 -508,70 L-440,-16 Z" fill="url(#wingTop)" stroke="#4A0F1C" stroke-width="4"/>',
+        '<path d="M-318,-22 L-430,62 Q-474,86 -508,70 L-440,-16 Z" fill="url(#wingTop)" stroke="#4A0F1C" stroke-width="4"/>',
         # The pilot: cap, goggles, scarf.
         '<g transform="translate(-52,0)"><path d="M-12,-92 C-80,-118 -130,-84 -214,-122 C-206,-104 -226,-88 -244,-82 C-160,-66 -90,-78 -14,-74 Z" '
         'fill="#FFF3D9" stroke="#C9B48C" stroke-width="3"/>',

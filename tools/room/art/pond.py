@@ -3,7 +3,7 @@
 import random
 
 from lettering import Word
-from shapes import gradient, halo, picture, radial, rays, smooth
+from shapes import gradient, picture, rays
 
 MACHINE = 'mastersystem'
 COLOUR = '#FF7A6B'
@@ -35,7 +35,7 @@ def fish(x, y, size, turn, name, pale=False):
 
 
 def lily(x, y, size):
-    leaf = f'<path d="M0,0 L150,-20 C130,-52 -150,-56 -160,0 C-150,56 130,60 152,24 Z" fill="#3E9E4E" stroke="#1C5A38" stroke-width="6"/>'
+    leaf = '<path d="M0,0 L150,-20 C130,-52 -150,-56 -160,0 C-150,56 130,60 152,24 Z" fill="#3E9E4E" stroke="#1C5A38" stroke-width="6"/>'
     petals = ''.join(f'<path transform="rotate({a})" d="M0,0 C-34,-40 -26,-96 0,-116 C26,-96 34,-40 0,0 Z" fill="{c}" '
                      'stroke="#D67A9A" stroke-width="4"/>' for a, c in ((-64, '#FFC2D8'), (64, '#FFC2D8'), (-34, '#FFDDE8'),
                                                                         (34, '#FFDDE8'), (0, '#FFF3F4')))

@@ -42,7 +42,7 @@ def poster(name):
     wide, tall = WIDTH - 2 * margin, HEIGHT - 2 * margin - foot
     raw = paint.render(game.scene(round(1000 * tall / wide)), wide, tall)[:, :, :3]
     art = paint.glow(paint.paint(paint.warp(raw, 1.4, 46), seed, game.ANGLE, (30, 15, 8, 4, 2.2)))
-    art = titled(game, art, 60, 92, wide - 140)
+    art = titled(game, art, 112, 66, wide - 236)
     whole = numpy.empty((HEIGHT, WIDTH, 3), dtype=numpy.float32)
     whole[:] = (0.965, 0.93, 0.84)
     whole[margin:margin + tall, margin:margin + wide] = art

@@ -3,15 +3,15 @@
 import random
 
 from lettering import Word
-from shapes import gradient, glints, halo, picture, radial, rays, ridge, smooth, wave
+from shapes import gradient, glints, halo, picture, radial, rays, ridge
 
 MACHINE = 'arcade'
 COLOUR = '#FFB347'
 ANGLE = -8
 TITLE = 'SKYWREN'
 LINES = ('A small bird', 'against the wind.')
-TEXT = ('Kites, crows and balloons hold the air between the islands. Fold your wings, dive under the strings and '
-        'sing until they move aside.')
+TEXT = ('Kites, crows and balloons hold the air between the islands. Sing them out of your way, keep off the hills, '
+        'and fly on until the light changes.')
 
 
 def wren():

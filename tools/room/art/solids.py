@@ -1,11 +1,14 @@
 """Shapes and pictures that the screens share: hulls through outlines, curved glass, what a dark screen mirrors."""
 
+import io
 import os
+import subprocess
 
 import numpy as np
 from PIL import Image, ImageFilter
 
 from mesh import Mesh, grid_faces, rounded_outline, triangulated
+from texture import sample
 
 GLASS = 'glass.jpg'
 
@@ -60,10 +63,26 @@ def dark_glass(folder):
     return GLASS
 
 
+def lettering(text, size=64, weight=600):
+    """A line of text as (coverage (h, w), width over height)."""
+    svg = (f'<svg xmlns="http://www.w3.org/2000/svg" width="1200" height="{size * 1.4:.0f}"><text x="{size / 4}" y="{size}" '
+           f'font-family="Inter Display" font-weight="{weight}" font-size="{size}" letter-spacing="{size * 0.06}" '
+           f'fill="#fff">{text}</text></svg>')
+    done = subprocess.run(['rsvg-convert'], input=svg.encode(), stdout=subprocess.PIPE, check=True)
+    alpha = np.asarray(Image.open(io.BytesIO(done.stdout)).convert('RGBA'), float)[..., 3] / 255
+    rows, columns = np.nonzero(alpha > 0.05)
+    cut = alpha[rows.min():rows.max() + 1, columns.min():columns.max() + 1]
+    return cut, cut.shape[1] / cut.shape[0]
+
+
+def printed(mask, x, y, height):
+    """How much of a line of text covers each place (x, y from the line's middle) when it is `height` high."""
+    cover, ratio = mask
+    u, v = x / (height * ratio) + 0.5, 0.5 - y / height
+    inside = (u > 0) & (u < 1) & (v > 0) & (v < 1)
+    return sample(np.repeat(cover[..., None], 3, 2), u, v)[:, 0] * inside
+
+
 def edge_band(x, low, high, soft):
     """1 between low and high, 0 outside, with soft ends."""
     return np.clip((x - low) / soft + 0.5, 0, 1) * np.clip((high - x) / soft + 0.5, 0, 1)
-
-
-def sheen(rgb, amount):
-    return np.clip(rgb * amount, 0, 1)

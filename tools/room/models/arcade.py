@@ -9,7 +9,7 @@ import model
 sys.path.append(os.path.join(model.HERE, 'art'))
 import cabinet
 from art.solids import dark_glass, edge_band, glass, hull, loop
-from mesh import Mesh, box, curve, cylinder, lathe, prism, tube
+from mesh import Mesh, box, cylinder, lathe, prism
 from model import GLOSS, LACQUER, OUT, SATIN, Model
 from texture import cloud, colour, mix, noise, plastic, sample, step
 
@@ -31,7 +31,7 @@ profile = [(BACK, 0), (44, 0), (45, 1), (45, 78), (47, 81), (53.2, 84.6), (FRONT
 
 def soft(rgb):
     """Print that the sheet's brightness does not bleach."""
-    return 0.70 * rgb - 0.04 * rgb * rgb
+    return 0.92 * rgb - 0.24 * rgb * rgb
 
 
 def side_paint(art, mirror):
@@ -60,24 +60,20 @@ for name, x, mirror in (('left', -W / 2 + BOARD / 2, False), ('right', W / 2 - B
           density=1.0)
 
 
-def strip(points, width, x=0.0, cuts=1):
+def strip(points, width, cuts=1):
     """A band of planes through (z, y) points, seen from the front and above, `width` wide; flat between the points."""
-    vertices, faces, uv, charts, along = [], [], [], [], 0.0
+    vertices, faces, uv, charts = [], [], [], []
     for k, ((za, ya), (zb, yb)) in enumerate(zip(points, points[1:])):
         length = np.hypot(zb - za, yb - ya)
         base = len(vertices)
-        for t, (z, y) in ((0, (za, ya)), (1, (zb, yb))):
-            for c in range(cuts + 1):
-                px = x - width / 2 + width * c / cuts
-                vertices.append((px, y, z))
+        for z, y in ((za, ya), (zb, yb)):
+            vertices += [(width * c / cuts - width / 2, y, z) for c in range(cuts + 1)]
         for c in range(cuts):
             a, b, d, e = base + c, base + c + 1, base + c + cuts + 2, base + c + cuts + 1
             faces += [[a, b, d], [a, d, e]]
             ua, ub = width * c / cuts, width * (c + 1) / cuts
-            lo, hi = (ua, along + length), (ub, along)
             uv += [[(ua, length), (ub, length), (ub, 0)], [(ua, length), (ub, 0), (ua, 0)]]
             charts += [k, k]
-        along += length
     return Mesh(np.array(vertices, float), faces, uv, charts)
 
 
@@ -90,7 +86,20 @@ def shown(art, width, height, shade=1.0):
 
 # The front, from the floor up: foot, kick board, the belly under the panel.
 m.add(strip([(38.5, 0.6), (38.5, 6), (42, 6.2)], INNER), plastic('17161B', 0.04, 0.2), density=0.5)
-m.add(strip([(42, 6.2), (42, 80)], INNER, cuts=6), black, gloss=PLASTIC, density=0.7)
+
+
+def kick(s):
+    """Black, with the sides' stripes rising around the coin door."""
+    rgb = black(s)
+    u, y = s.uv[:, 0] - INNER / 2, 80 - s.uv[:, 1]
+    for k, tone in enumerate(('FFE15A', 'FF8A2E', 'E0365A', 'A02A9A')):
+        line = y - (12.5 - 2.5 * k) - 0.0065 * (u + 6) ** 2
+        rgb = mix(rgb, soft(colour(tone)), edge_band(line, 0, 1.9, 0.25) * 0.9)
+    scuff = step(0.35, 0.9, noise(np.stack([u * 0.3, y * 1.1], 1), 19) + 0.65 - y / 20)
+    return mix(rgb, colour('6A6058'), scuff * 0.4)
+
+
+m.add(strip([(42, 6.2), (42, 80)], INNER, cuts=6), kick, gloss=PLASTIC, density=0.9)
 m.add(strip([(42, 80), (51.2, 86.5)], INNER, cuts=6), black, gloss=PLASTIC, density=0.7)
 # The control panel: a box with a round front lip.
 lip = [(51.2, 86.5), (52.2, 87.6), (52.4, 89), (52.4, 93.5), (52.0, 95.0), (50.8, 96.0)]
@@ -146,10 +155,9 @@ def bezel_paint(s):
     rgb = black(s) * 0.55
     x, y = s.own[:, 0], s.own[:, 1]
     front = (s.normal[:, 2] > 0.8) & (s.own[:, 2] > -0.3)
-    out = np.maximum(np.abs(x) - 29.4, np.abs(y - 0.6) - 21.0)
     for k, tone in enumerate(('FFE15A', 'FF8A2E', 'E0365A', 'A02A9A')):
         rgb = mix(rgb, colour(tone), edge_band(np.abs(x), 31.2 + 1.5 * k, 32.4 + 1.5 * k, 0.25) * front * 0.85)
-    low = (y + slope / 2) / 3.6
+    low = (y + slope / 2) / 2.75
     card = front & (low > 0.12) & (low < 1) & (np.abs(x) < 29)
     text = soft(sample(pieces['card'], x / 58 + 0.5, 1 - (low - 0.12) / 0.88))
     rgb = np.where(card[:, None], text, rgb)
@@ -177,7 +185,7 @@ m.add(strip([HEAD, (31.5, 153.5)], INNER, cuts=4), grille, density=0.8)
 # The marquee: a lit box behind a bright frame.
 marquee = [(33.0, 156.2), (33.0, 175.6)]
 m.add(strip([(31.5, 153.5), (34.2, 154.6), (34.2, 156.2), (33.0, 156.2)], INNER), steel, gloss=SATIN, density=0.8)
-m.add(strip(marquee, INNER, cuts=8), shown(pieces['marquee'], INNER, marquee[1][1] - marquee[0][1], 1.25), gloss=(0.25, 40, 0.35),
+m.add(strip(marquee, INNER, cuts=8), shown(pieces['marquee'], INNER, marquee[1][1] - marquee[0][1], 1.45), gloss=(0.25, 40, 0.24),
       density=1.3, returned=0.6)
 m.add(strip([(33.0, 175.6), (34.2, 175.6), (34.2, 177.4), (31.0, 179.0)], INNER), steel, gloss=SATIN, density=0.8)
 m.add(strip([(31.0, 179.0), (-32, 179.0)], INNER), black, density=0.35)
@@ -205,4 +213,4 @@ for x in (-INNER / 2 + 2.2, INNER / 2 - 2.2):
     for py in (40, 380):
         px = (x + INNER / 2) / INNER * 1024
         m.plain(cylinder(0.55, 0.35, 0.12, 12), (0.5, 0.5, 0.5), at=on_panel(px, py), turn=tilt, gloss=(0.7, 60, 0))
-m.build()
+m.build(rays=40)

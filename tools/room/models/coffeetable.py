@@ -8,7 +8,8 @@ from model import LACQUER, SATIN, Model
 from texture import OAK, WALNUT, cloud, colour, mix, noise, paper, picture, plastic, planks, sample, step, weave, wood
 
 TOP = 48.2
-m = Model('coffeetable', size=(200, 49, 80), sheets=2, lamp=scene.lamp_for('coffeetable'))
+m = Model('coffeetable', size=(200, 49, 80), sheets=2, lamp=scene.lamp_for('coffeetable'),
+          faint={'-y': 0.3})
 
 
 def kilim(s):
@@ -69,7 +70,8 @@ def top(s):
     rub = np.exp(-(((x - 20) / 34) ** 2 + ((z - 29) / 9) ** 2)) * (0.6 + 0.4 * cloud(s.own * 0.3, 3, 8))
     rgb = mix(rgb, colour('B98A5E'), np.where(up, 0.28 * np.clip(rub, 0, 1), 0))
     scratch = noise(np.stack([x * 0.25 + z * 0.12, z * 9 - x * 2.1], 1), 9)
-    return mix(rgb, colour('C79B6C'), np.where(up, step(0.72, 0.95, scratch) * step(0.2, 0.8, noise(s.own * 0.11, 10)) * 0.35, 0))
+    return mix(rgb, colour('C79B6C'), np.where(up, step(0.72, 0.95,
+                                                        scratch) * step(0.2, 0.8, noise(s.own * 0.11, 10)) * 0.35, 0))
 
 
 slab = prism(rounded_outline(180, 66, 9, 6), 3.4, 0.55).turned('x', -90)
@@ -94,8 +96,10 @@ for k in range(7):
 # On the top: the magazine under the handheld, another half under it, the programme, a coaster.
 lantern = prints.magazine(12, 'LANTERN', ['SKYWREN', 'the arcade flight', 'that lasts all night'], '#2A3266', '#B5567A',
                           '#7A3A6B', prints.AMBER)
-tide = prints.magazine(11, 'LANTERN', ['ÉCUME', 'how the sea', 'came to the screen'], '#123F57', '#4FC3C7', '#1B6A74', prints.CORAL)
-glow = prints.magazine(9, 'LANTERN', ['MISTRAL', 'wind, stone', 'and sixteen bits'], '#5A2E5E', '#FFB347', '#8A4A2A', prints.TEAL)
+tide = prints.magazine(11, 'LANTERN', ['ÉCUME', 'how the sea', 'came to the screen'], '#123F57', '#4FC3C7', '#1B6A74',
+                       prints.CORAL)
+glow = prints.magazine(9, 'LANTERN', ['MISTRAL', 'wind, stone', 'and sixteen bits'], '#5A2E5E', '#FFB347', '#8A4A2A',
+                       prints.TEAL)
 
 
 def lying(image, x, y, z, degrees, thick, w=21.5, d=29.5):
@@ -133,10 +137,12 @@ lying(tide, -41, SHELF + 0.7, 5, 93, 0.6)
 lying(lantern, -39, SHELF + 1.3, 6, 78, 0.6)
 lying(glow, -40, SHELF + 1.9, 5, 101, 0.6)
 BOX = prints.box_front('MISTRAL', '#1B2142', '#C65F4A', prints.AMBER, prints.DUSK)
-m.add(box(13, 18, 2.6, 0.25), picture(BOX, 13, 18, plastic('1C1D26')), at=(6, SHELF + 1.3, 12), turn=[('x', -90), ('y', 70)],
+m.add(box(13, 18, 2.6, 0.25), picture(BOX, 13, 18, plastic('1C1D26')), at=(6, SHELF + 1.3, 12),
+      turn=[('x', -90), ('y', 70)],
       gloss=SATIN, density=2)
 BOX2 = prints.box_front('LUCIOLE', '#12323A', '#4FC3C7', prints.LEAF, prints.CORAL)
-m.add(box(13, 18, 2.6, 0.25), picture(BOX2, 13, 18, plastic('1C1D26')), at=(4, SHELF + 3.9, 11), turn=[('x', -90), ('y', 96)],
+m.add(box(13, 18, 2.6, 0.25), picture(BOX2, 13, 18, plastic('1C1D26')), at=(4, SHELF + 3.9, 11),
+      turn=[('x', -90), ('y', 96)],
       gloss=SATIN, density=2)
 
 
@@ -152,7 +158,8 @@ def mug_paint(s):
 mug = lathe([(0, 0), (3.4, 0), (3.9, 0.5), (4.1, 9.0), (3.95, 9.4), (3.7, 9.1), (3.55, 7.6), (0, 7.6)], 28)
 m.add(mug, mug_paint, at=(49, SHELF, 13), gloss=(0.3, 40, 0), density=1.3)
 handle = [(3.9 + 2.4 * np.sin(a), 4.8 - 2.7 * np.cos(a), 0) for a in np.linspace(0.15, np.pi - 0.15, 12)]
-m.add(tube(handle, 0.55, 8), plastic('D8CBB0', 0.02), at=(49, SHELF, 13), turn=[('y', -35)], gloss=(0.3, 40, 0), density=0.6)
+m.add(tube(handle, 0.55, 8), plastic('D8CBB0', 0.02), at=(49, SHELF, 13), turn=[('y', -35)], gloss=(0.3, 40, 0),
+      density=0.6)
 
 m.block(box(11, 3, 20, 0.4), at=(4.5, 50.5, 10), returned=0.1)
 m.build()

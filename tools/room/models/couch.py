@@ -3,14 +3,15 @@ import numpy as np
 
 import scene
 from ground import ground
-from mesh import Mesh, box, curve, cushion, cylinder, pillow, rounded_outline, sheet, tube
-from model import LACQUER, MATT, Model
+from mesh import Mesh, box, curve, cushion, cylinder, onto, pillow, rounded_outline, sheet, tube
+from model import LACQUER, Model
 from texture import WALNUT, cloud, colour, mix, noise, step, weave, wood
 
-TEAL = weave('1E6A70', '175259', threads=2.6, contrast=0.20, nap=0.10)
-SEAM = weave('1B6067', '154A50', threads=2.6, contrast=0.15, nap=0.05, worn=0.8)
+TEAL = weave('1D5F66', '184E56', threads=1.15, contrast=0.10, nap=0.12)
+SEAM = weave('195058', '14424A', threads=1.15, contrast=0.08, nap=0.05, worn=0.8)
 
-m = Model('couch', size=(200, 70.347, 86), sheets=2, lamp=scene.lamp_for('couch'), brightness=1.5)
+m = Model('couch', size=(200, 70.347, 86), sheets=3, faint={'-y': 0.35, '-z': 0.4}, lamp=scene.lamp_for('couch'),
+          brightness=1.5)
 
 
 def creased(amount, scale, seed):
@@ -21,10 +22,9 @@ def creased(amount, scale, seed):
     return move
 
 
-def piping(w, d, y, radius, z=0.0, x=0.0, thick=0.42, sag=0.0):
-    loop = rounded_outline(w, d, radius, 3)
-    loop = np.vstack([loop, loop[:1]])
-    path = np.column_stack([loop[:, 0] + x, np.full(len(loop), y), loop[:, 1] + z])
+def piping(body, core, points, thick=0.42):
+    """A corded seam that follows the body's surface through the points."""
+    path = onto(body, np.vstack([points, points[:1]]), core, 0.12)
     return tube(path, thick, 5)
 
 
@@ -33,14 +33,17 @@ m.add(cushion(164, 19, 70, 2.0, 0.0, 6), TEAL, at=(0, 20.5, -2), density=0.8)
 m.add(box(163, 3, 69, 0.5), wood(WALNUT), at=(0, 10.5, -2), density=0.4)
 m.add(cushion(166, 54, 15, 5.0, 0.8, 12), TEAL, at=(0, 37, -31.5), turn=[('x', -5)])
 for side in (-1, 1):
-    m.add(cushion(17, 45, 79, 5.2, 0.7, 11, creased(0.25, 0.07, side * 7)), TEAL, at=(side * 87, 33.4, 0.5))
+    arm = cushion(17, 45, 79, 5.2, 0.7, 11, creased(0.25, 0.07, side * 7))
+    m.add(arm, TEAL, at=(side * 87, 33.4, 0.5))
     for z in (1, -1):
         m.add(cylinder(1.4, 12, 0.3, 14, 2.6), wood(WALNUT, 'y'), at=(side * 82, 0, 31 * z), gloss=LACQUER)
     # The seam around the arm's front.
-    loop = rounded_outline(12.4, 40.4, 4.4, 4)
-    path = np.column_stack([loop[:, 0] + side * 87, loop[:, 1] + 33.4, np.full(len(loop), 39.0)])
-    m.add(tube(np.vstack([path, path[:1]]), 0.45, 5), SEAM, density=0.6)
+    loop = rounded_outline(12.6, 40.6, 3.2, 4)
+    seam = piping(arm, (3.2, 17.2, 34.2), np.column_stack([loop, np.full(len(loop), 38.2)]), 0.45)
+    m.add(seam, SEAM, at=(side * 87, 33.4, 0.5), density=0.6)
 m.add(cylinder(1.6, 10, 0.3, 12, 2.2), wood(WALNUT, 'y'), at=(0, 0, 24), gloss=LACQUER)
+
+RIM = rounded_outline(51.6, 59.4, 3.4, 3)
 
 # Seat and back cushions. People sit on the left one more than on the others.
 for k, x in enumerate((-54.0, 0.0, 54.0)):
@@ -50,9 +53,14 @@ for k, x in enumerate((-54.0, 0.0, 54.0)):
         v = creased(0.30, 0.06, 11 * k)(v)
         v[:, 1] -= hollow * np.exp(-((v[:, 0] / 18) ** 2 + ((v[:, 2] - 2) / 20) ** 2)) * (v[:, 1] > 0)
         return v
-    m.add(cushion(54.2, 15.5, 62, 4.4, 2.1, 11, sat_on), TEAL, at=(x, 38.4, 5.5), density=1.15)
-    m.add(piping(52.6, 60.4, 44.7, 4.6, 5.5, x), SEAM, density=0.6)
-    m.add(piping(52.6, 60.4, 32.2, 4.6, 5.5, x), SEAM, density=0.6)
+    seat = cushion(54.2, 15.5, 62, 4.4, 2.1, 11, sat_on)
+    m.add(seat, TEAL, at=(x, 38.4, 5.5), density=1.15)
+    # From corner to corner with points enough to follow the hollow.
+    loop = np.vstack([np.linspace(p, q, 4, endpoint=False) if np.linalg.norm(q - p) > 8 else [p]
+                      for p, q in zip(RIM, np.roll(RIM, -1, 0))])
+    for high in (6.4, -6.4):
+        seam = piping(seat, (22.0, 2.8, 26.0), np.column_stack([loop[:, 0], np.full(len(loop), high), loop[:, 1]]))
+        m.add(seam, SEAM, at=(x, 38.4, 5.5), density=0.6)
 
     def leaned_on(v, k=k):
         v = creased(0.45, 0.055, 31 * k + 5)(v)
@@ -84,7 +92,8 @@ m.add(pillow(38, 36, 13), moons, at=(60, 62.4 - 4.0, -1.5), turn=[('z', 7), ('x'
 m.add(pillow(34, 34, 12), stripes, at=(42, 61.0 - 4.6, 1.5), turn=[('z', -9), ('x', -28), ('y', 9)], crease=130)
 
 # The blanket runs up the arm's outside, over it and on to the seat.
-PATH = curve([(-97.0, 19), (-97.4, 34), (-97.2, 49), (-95.0, 55.2), (-88, 57.6), (-80.5, 55.4), (-77.6, 49.6), (-73.0, 47.6),
+PATH = curve([(-97.0, 19), (-97.4, 34), (-97.2, 49), (-95.0, 55.2), (-88, 57.6), (-80.5, 55.4), (-77.6, 49.6),
+              (-73.0, 47.6),
               (-62, 46.9), (-50, 46.6), (-41, 47.0)], 6)
 ALONG = np.concatenate([[0], np.cumsum(np.linalg.norm(np.diff(PATH, axis=0), axis=1))])
 LONG, WIDE = ALONG[-1], 42.0
@@ -117,7 +126,7 @@ def wool(s):
     return rgb * (0.86 + 0.13 * knit + 0.07 * fuzz + 0.05 * cloud(s.uv * 0.12, 3, 5))[:, None]
 
 
-m.add(sheet(lying, 48, 20, LONG, WIDE, 0.45), wool, crease=70, density=1.1)
+m.add(sheet(lying, 40, 17, LONG, WIDE, 0.45), wool, crease=70, density=1.1)
 fringe = None
 for end, u0 in ((0, 0.0), (1, 1.0)):
     for k in range(21):

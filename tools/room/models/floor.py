@@ -20,7 +20,7 @@ def boards():
     board = (across // WIDTH).astype(int)
     x = across - (board + 0.5) * WIDTH
     rng = np.random.default_rng(12)
-    heart, depth, tone, warm = (rng.uniform(a, b, COLUMNS)[board] for a, b in ((-9, 9), (3, 14), (-1, 1), (-1, 1)))
+    heart, depth, tone, warm = (rng.uniform(a, b, COLUMNS)[board] for a, b in ((-10, 10), (5, 18), (-1, 1), (-1, 1)))
 
     def periodic(scale_along, scale_across, seed, octaves=1):
         """Noise whose lattice fits the picture's length; each board has its own."""
@@ -30,18 +30,18 @@ def boards():
             return noise(p, seed, (cells, 1 << 20, 1 << 20))
         return cloud(p, octaves, seed, 0.5, (cells, 1 << 20, 1 << 20))
 
-    y = depth + 2.2 * periodic(0.03, 0.0, 3)
-    centre = heart + 1.5 * periodic(0.04, 0.0, 4)
-    radius = np.sqrt((x - centre) ** 2 + y ** 2) + 0.42 * periodic(0.06, 0.16, 5, 3)
-    ring = radius / 0.95
+    y = depth + 1.6 * periodic(0.03, 0.0, 3)
+    centre = heart + 1.1 * periodic(0.04, 0.0, 4)
+    radius = np.sqrt((x - centre) ** 2 + y ** 2) + 0.20 * periodic(0.06, 0.16, 5, 3)
+    ring = radius / 0.62
     phase = ring + 0.3 * periodic(0.02, 0.4, 6)
     phase = phase - np.floor(phase)
     late = step(0.2, 0.92, phase) * (1 - step(0.94, 1.0, phase))
     fibre = periodic(0.16, 5.0, 7, 3)
     pores = periodic(0.5, 8.0, 8)
-    rgb = mix(colour('F0BC72'), colour('CE8F49'), np.clip(0.52 * late + 0.17 * fibre + 0.16, 0, 1))
+    rgb = mix(colour('EDB76C'), colour('C98743'), np.clip(0.40 * late + 0.24 * fibre + 0.22, 0, 1))
     rgb = mix(rgb, colour('A86C33'), step(0.45, 0.95, pores) * 0.38)
-    rgb = rgb * (1 + 0.045 * tone)[:, None] * (1 + np.outer(warm, (0.012, 0.0, -0.03)))
+    rgb = rgb * (1 + 0.06 * tone)[:, None] * (1 + np.outer(warm, (0.012, 0.0, -0.03)))
 
     # The light that falls between boards, and the edge that feet have rounded.
     gap = WIDTH / 2 - np.abs(x) + 0.05 * periodic(0.2, 0.0, 9)
@@ -51,8 +51,8 @@ def boards():
             here = board == column
             end[here] = np.abs((along[here] - place + UNITS / 2) % UNITS - UNITS / 2)
     near = np.minimum(gap, end)
-    rgb = mix(rgb, rgb * 0.84, 1 - step(0.12, 0.75, near))
-    rgb = mix(rgb, colour('4A2C14'), (1 - step(0.05, 0.17, near)) * 0.85)
+    rgb = mix(rgb, rgb * 0.88, 1 - step(0.10, 0.6, near))
+    rgb = mix(rgb, colour('5A3618'), (1 - step(0.03, 0.14, near)) * 0.8)
     return rgb.reshape(PIXELS, PIXELS, 3)
 
 

@@ -1,10 +1,10 @@
 """The handheld: lies on the table, its screen up, its upper edge towards -z."""
 import numpy as np
 
-from art.solids import dark_glass, edge_band, glass, hull, loop
-from mesh import Mesh, box, cylinder, prism
+from art.solids import dark_glass, edge_band, glass, hull, lettering, loop, printed
+from mesh import box, cylinder, prism
 from model import OUT, SATIN, Model
-from texture import colour, mix, noise, plastic
+from texture import colour, mix, plastic
 
 W, H, D = 20, 3, 11
 TOP = 2.5
@@ -15,6 +15,9 @@ PLASTIC = (0.2, 16.0, 0.0)
 m = Model('gamegear', size=(W, H, D), pixels=512, brightness=1.6, reach=20)
 shell = plastic('3A3E48', 0.03, 0.55)
 dark = plastic('1B1C22', 0.02, 0.6)
+
+
+NAME = lettering('ombrelune')
 
 
 def body(s):
@@ -37,8 +40,8 @@ def lens(s):
     x, y = s.own[:, 0], s.own[:, 1]
     line = edge_band(np.maximum(np.abs(x) / 5.3, np.abs(y) / 4.15), 0.955, 0.975, 0.012) * (s.normal[:, 2] > 0.7)
     rgb = mix(rgb, colour('4FC3C7'), line * 0.85)
-    word = edge_band(y, -3.72, -3.54, 0.06) * edge_band(np.abs(x), -1, 1.2, 0.1) * (s.normal[:, 2] > 0.7)
-    return mix(rgb, colour('B9BCD6'), word * 0.8)
+    word = printed(NAME, x, y + 3.55, 0.46) * (s.normal[:, 2] > 0.7)
+    return mix(rgb, colour('B9BCD6'), word * 0.9)
 
 
 # The shell: a slab with full, round ends; the grips are a little lower than the middle.

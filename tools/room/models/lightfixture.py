@@ -2,10 +2,10 @@
 import numpy as np
 
 from mesh import box, cylinder, lathe
-from model import MATT, SATIN, Model
+from model import Model
 from texture import cloud, colour, mix, step
 
-PAPER = (0.0, 0.0, 0.85)
+PAPER = (0.0, 0.0, 0.95)
 SEGMENTS = 48
 HIGH, LOW, RADIUS, RIBS = -13.0, -44.0, 22.0, 13
 
@@ -26,10 +26,10 @@ def paper(s):
     blotch = cloud(s.own * 0.09, 3, 5)
     # The bulb is a little below the middle; paper glows most beside it.
     near = np.exp(-((t - 0.45) / 0.40) ** 2)
-    rgb = mix(colour('E08A3C'), colour('FFC878'), np.clip(near + 0.10 * blotch + 0.06 * fibre, 0, 1))
+    rgb = mix(colour('E07A2A'), colour('FFB054'), np.clip(near + 0.10 * blotch + 0.06 * fibre, 0, 1))
     wire = 1 - 0.30 * (1 - step(0.02, 0.09, rib))
     seam = 1 - 0.14 * (1 - step(0.004, 0.02, np.abs(((angle / (2 * np.pi) * 8) % 1) - 0.5)))
-    return rgb * (wire * seam * (0.62 + 0.40 * near))[:, None]
+    return rgb * (wire * seam * (0.66 + 0.42 * near))[:, None]
 
 
 steps = RIBS * 4

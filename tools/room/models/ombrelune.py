@@ -1,7 +1,7 @@
 """Our moon in relief: the drawing of assets/images/ombrelune_logo.svg, 42 across. It keeps its own origin."""
 import numpy as np
 
-from mesh import Mesh, grid_faces, lathe
+from mesh import Mesh, grid_faces, lathe, welded
 from model import SATIN, Model
 from texture import cloud, colour, mix, noise, step
 
@@ -45,6 +45,23 @@ def arc(c, r, a, b, steps, through):
     return c + r * np.column_stack([np.cos(t), np.sin(t)])
 
 
+def ribbon(rows):
+    """Rows of equally many points as a skin of one chart, which is unrolled along the middle of the rows."""
+    rows = np.array(rows, float)
+    steps, n = rows.shape[:2]
+    along = np.concatenate([[0], np.cumsum(np.linalg.norm(np.diff(rows[:, n // 2], axis=0), axis=1))])
+    across = np.concatenate([[0], np.cumsum(np.linalg.norm(np.diff(rows, axis=1), axis=2).max(0))])
+    plane = np.stack([np.repeat(along[:, None], n, 1), np.repeat(across[None], steps, 0)], -1).reshape(-1, 2)
+    faces = grid_faces(n, steps)
+    return welded(Mesh(rows.reshape(-1, 3), faces, plane[faces]))
+
+
+def ring(profile, steps=96):
+    """Turns a line of (radius, height) around z."""
+    a = np.linspace(0, 2 * np.pi, steps + 1)
+    return ribbon([[(r * np.cos(t), r * np.sin(t), z) for r, z in profile] for t in a])
+
+
 def crescent(outer, inner, low, high, bevel, dome, steps=56):
     """What of the outer disc (x, y, r) the inner one leaves free: a ribbon with cut edges and a swelling middle."""
     c0, r0 = point(*outer[:2]), outer[2] * SCALE
@@ -61,13 +78,9 @@ def crescent(outer, inner, low, high, bevel, dome, steps=56):
         across = [(0, low), (0, tall - bevel * min(1, wide / 2.5)), (cut, tall), (0.3, tall + swell * 0.8), (0.5, tall + swell),
                   (0.7, tall + swell * 0.8), (1 - cut, tall), (1, tall - bevel * min(1, wide / 2.5)), (1, low)]
         rows.append([(*(a + (b - a) * t), z) for t, z in across])
-    n = len(rows[0])
-    mesh = Mesh(np.array(rows).reshape(-1, 3), grid_faces(n, steps))
+    mesh = ribbon(rows)
     a, b, c = (mesh.v[mesh.f[:, k]] for k in range(3))
-    normal = np.cross(b - a, c - a)
-    mesh = Mesh(mesh.v, mesh.f[np.linalg.norm(normal, axis=1) > 1e-7])
-    up = normal[np.abs(normal[:, 2]) > 1e-6][:, 2].sum()
-    return mesh if up > 0 else mesh.flipped()
+    return mesh if np.cross(b - a, c - a)[:, 2].sum() > 0 else mesh.flipped()
 
 
 def enamel(tone, spots=0.0):
@@ -84,11 +97,12 @@ def enamel(tone, spots=0.0):
 
 # A rim holds the night; dusk and moon lie on it in steps.
 turn = [('x', 90)]
-m.add(lathe([(0, 0), (21.0, 0), (21.4, 0.25), (21.4, 1.9), (21.1, 2.2), (20.6, 2.2), (20.3, 1.9), (20.2, 0.9), (0, 0.9)], 72),
-      enamel('2C2258'), at=(0, 0, BACK), turn=turn, crease=40, gloss=SATIN)
-dusk = crescent((24, 24, 20.0), (9, 29.5, 20), 0.6, 1.3, 0.3, 0.0)
+m.add(lathe([(0, 0.4), (20.6, 0.4), (20.6, 0.9), (0, 0.9)], 72), enamel('2C2258'), at=(0, 0, BACK), turn=turn, crease=40, gloss=SATIN)
+rim = [(20.3, 0), (21.1, 0), (21.4, 0.3), (21.4, 1.9), (21.15, 2.2), (20.5, 2.2), (20.25, 1.9), (20.2, 0.5)]
+m.add(ring(rim).flipped(), enamel('382A6C'), at=(0, 0, BACK), crease=40, gloss=SATIN)
+dusk = crescent((24, 24, 19.9), (9, 29.5, 20), 0.88, 1.4, 0.25, 0.0)
 m.add(dusk, enamel('4A3888'), at=(0, 0, BACK), gloss=SATIN, crease=40)
-moon = crescent((24, 24, 20.25), (15, 27, 20), 0.6, 2.6, 0.5, 0.8)
+moon = crescent((24, 24, 20.0), (15, 27, 20), 0.88, 2.6, 0.5, 0.8)
 m.add(moon, enamel('B9B1A0', 0.06), at=(0, 0, BACK), gloss=(0.2, 20.0, 0.10), crease=40)
 lamp = point(19, 30.5)
 dome = [(0, 0), (3.5, 0), (3.5, 0.9), (3.2, 1.6), (2.5, 2.3), (1.4, 2.75), (0, 2.9)]

@@ -1,10 +1,10 @@
 """A tube television of the eighties: screen above, speaker and knobs below, a deep back."""
 import numpy as np
 
-from art.solids import dark_glass, edge_band, glass, hull, loop
+from art.solids import dark_glass, edge_band, glass, hull, lettering, loop, printed
 from mesh import box, cylinder
-from model import GLOSS, OUT, SATIN, Model
-from texture import cloud, colour, mix, noise, plastic, step
+from model import OUT, SATIN, Model
+from texture import cloud, colour, mix, noise, plastic
 
 W, H, D = 77, 82, 70
 FRONT = D / 2
@@ -12,9 +12,12 @@ SCREEN_W, SCREEN_H, SCREEN_Y = 62, 46.5, 52.0
 PLASTIC = (0.16, 14.0, 0.0)
 
 m = Model('tv', size=(W, H, D), brightness=1.55)
-shell = plastic('464446', 0.035, 0.5, 0.10)
-face = plastic('2A2A30', 0.03, 0.4)
+shell = plastic('5C5A5A', 0.035, 0.5, 0.10)
+face = plastic('333338', 0.03, 0.4)
 panel = plastic('85827C', 0.02, 0.3)
+
+
+NAME = lettering('ombrelune')
 
 
 def body(s):
@@ -46,6 +49,11 @@ def front(s):
     w, h = SCREEN_W + 9, SCREEN_H + 9
     out = np.maximum(np.abs(x) - w / 2, np.abs(y - SCREEN_Y) - h / 2)
     line = edge_band(out, 0.25, 0.75, 0.25) * (s.normal[:, 2] > 0.8)
+    name = printed(NAME, x, y - 22.9, 1.35) * (s.normal[:, 2] > 0.8)
+    rgb = mix(rgb, colour('CFC9BB'), name * 0.9)
+    # What the keys and knobs are for.
+    for k in range(4):
+        rgb = mix(rgb, colour('2A2A2C'), on_panel * edge_band(x, 0.9 + 3 * k, 2.3 + 3 * k, 0.25) * edge_band(y, 17.3, 17.65, 0.2))
     return mix(rgb, colour('B9B4A8') * (0.75 + 0.25 * cloud(s.own * 0.4, 3, 8))[:, None], line * 0.75)
 
 
@@ -88,7 +96,7 @@ for k in range(4):
 m.plain(cylinder(0.55, 0.5, 0.2, 14), (1.9, 0.28, 0.10), at=(6.1, 9.3, 33.05), turn=[('x', 90)], gloss=(0.4, 40, 0.1))
 # Feet: two dark rails.
 for x in (-28, 28):
-    m.add(box(7, 2.6, 44, 0.5), plastic('17171A', 0.03, 0.2), at=(x, 1.3, 9), density=0.5)
+    m.add(box(7, 2.6, 32, 0.5), plastic('17171A', 0.03, 0.2), at=(x, 1.3, 16), density=0.5)
 # The lid's top edge gives the full height.
 m.add(box(64, 1.2, 20, 0.45), body, at=(0, 81.4, 19.5), gloss=PLASTIC, density=0.8)
 m.build()

@@ -1,22 +1,22 @@
 """The big set: a projection cabinet against the wall. Above y 203 only a thin board, for the moon that hangs there."""
 import numpy as np
 
-from art.solids import dark_glass, edge_band, glass, hull, loop
+from art.solids import dark_glass, edge_band, glass, hull, lettering, loop, printed
 from mesh import box, cylinder, prism
 from model import LACQUER, OUT, SATIN, Model
 from scene import LAMP, into
-from texture import WALNUT, cloud, colour, mix, noise, plastic, step, weave, wood
+from texture import WALNUT, colour, mix, plastic, weave, wood
 
 W, H, D = 200, 235.5, 18.5
 BACK, FRONT = -D / 2, D / 2
-SCREEN_W, SCREEN_H, SCREEN_Y = 180, 135, 124.5
+SCREEN_W, SCREEN_H, SCREEN_Y = 174, 130.5, 121.2
 PLASTIC = (0.16, 14.0, 0.0)
 
 lamp = np.array(into('tv2', LAMP)) + (0, H / 2, 0)
-m = Model('tv2', size=(W, H, D), brightness=1.5, lamp=tuple(lamp))
+m = Model('tv2', size=(W, H, D), sheets=2, brightness=1.5, lamp=tuple(lamp))
 walnut, standing = wood(WALNUT, 'x', 1.5), wood(WALNUT, 'y', 1.5)
 black = plastic('232326', 0.03, 0.5)
-cloth = weave('6A6054', '453E36', 1.6, 0.3, 0.12)
+cloth = weave('6E6252', '564C40', 1.2, 0.22, 0.02, 0.2)
 
 # The board behind everything, with a rounded head.
 outline = [(-100, 0), (100, 0), (100, 214)]
@@ -44,10 +44,10 @@ m.add(prism(outline, 2.4, 0.5), board, at=(0, 0, BACK + 1.2), gloss=SATIN)
 # The screen's housing stands 12 forward; its front slopes in to the glass.
 z0, z1 = BACK + 2.4, FRONT - 3.2
 y = SCREEN_Y
-m.add(hull([loop(197, 154, z0, 2, 0, y), loop(197, 154, z1 - 1.2, 2, 0, y), loop(196.2, 153.2, z1 - 0.3, 1.8, 0, y),
-            loop(195, 152, z1, 1.5, 0, y), loop(188.4, 143.4, z1, 1.0, 0, y), loop(187.4, 142.4, z1 - 0.4, 0.8, 0, y),
-            loop(186.6, 141.6, z1 - 1.4, 0.6, 0, y), loop(SCREEN_W, SCREEN_H, z1 - 3.4, 0.25, 0, y)], False, False),
-      lambda s: mix(black(s), walnut(s), ((np.abs(s.own[:, 0]) > 94.2) | (np.abs(s.own[:, 1] - SCREEN_Y) > 71.7)).astype(float)),
+m.add(hull([loop(191, 149.5, z0, 2, 0, y), loop(191, 149.5, z1 - 1.2, 2, 0, y), loop(190.2, 148.7, z1 - 0.3, 1.8, 0, y),
+            loop(189, 147.5, z1, 1.5, 0, y), loop(182.4, 138.9, z1, 1.0, 0, y), loop(181.4, 137.9, z1 - 0.4, 0.8, 0, y),
+            loop(180.6, 137.1, z1 - 1.4, 0.6, 0, y), loop(SCREEN_W, SCREEN_H, z1 - 3.4, 0.25, 0, y)], False, False),
+      lambda s: mix(black(s), walnut(s), ((np.abs(s.own[:, 0]) > 91.2) | (np.abs(s.own[:, 1] - SCREEN_Y) > 69.45)).astype(float)),
       gloss=SATIN, crease=34)
 m.screen(glass(SCREEN_W, SCREEN_H, 1.1), dark_glass(OUT), at=(0, y, z1 - 3.45), crease=80)
 
@@ -65,6 +65,9 @@ for side in (-1, 1):
         m.add(box(1.4, 36.4, 4.6, 0.3), standing, at=(side * 59.5 + k * 37.8, 25.0, FRONT - 3.2), gloss=SATIN, density=0.8)
 
 
+NAME = lettering('ombrelune')
+
+
 def controls(s):
     rgb = black(s)
     x, yy, _ = s.own.T
@@ -73,6 +76,7 @@ def controls(s):
     rgb = mix(rgb, colour('8A867C'), line * 0.7)
     for k in range(7):
         rgb = mix(rgb, colour('8A867C'), edge_band(x, -9.6 + 2.4 * k, -8.6 + 2.4 * k, 0.2) * edge_band(yy, -1.0, -0.7, 0.2) * front)
+    rgb = mix(rgb, colour('B9B4A8'), printed(NAME, x, yy - 12.6, 1.7) * front * 0.9)
     # A level display, unlit.
     shown = edge_band(x, -13, 13, 0.2) * edge_band(yy, 1.6, 7.2, 0.2) * front
     rgb = mix(rgb, colour('0C1416'), shown)

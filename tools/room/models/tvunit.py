@@ -6,11 +6,12 @@ import prints
 import scene
 from ground import ground
 from mesh import Mesh, box, curve, cushion, cylinder, lathe, prism, rounded_outline, tube
-from model import GLOSS, LACQUER, MATT, SATIN, Model
-from texture import DARK, OAK, WALNUT, cloud, colour, mix, noise, paper, picture, plastic, step, weave, wood
+from model import GLOSS, LACQUER, SATIN, Model
+from texture import DARK, WALNUT, cloud, colour, mix, noise, paper, picture, plastic, weave, wood
 
 WIDE, TOP, BACK, FRONT = 500 / 6, 70.0, -68.5, 65.0
-m = Model('tvunit', size=(500, 70, 137), sheets=4, lamp=scene.lamp_for('tvunit'))
+m = Model('tvunit', size=(500, 70, 137), sheets=5, lamp=scene.lamp_for('tvunit'), brightness=2.1, shade=0.9,
+          faint={'-y': 0.3, '-z': 0.25})
 rng = np.random.default_rng(8)
 
 
@@ -22,9 +23,7 @@ def middle(k):
 for row in scene.PLACED:
     if row[0] == 'tv':
         x, y, z = scene.centre(*row) - (250, 0, 68.5)
-        m.block(box(77, 74, 62, 3), at=(x, 70 + 5 + 37, z - 4), returned=0.08)
-        for sx in (-1, 1):
-            m.block(box(12, 6, 50, 1), at=(x + sx * 28, 72, z), returned=0.05)
+        m.block(box(77, 79, 66, 3), at=(x, 72 + 39.5, z), returned=0.12)
 for wall in ([[-250, 0, BACK], [250, 0, BACK], [250, 260, BACK], [-250, 260, BACK]],
              [[-250.1, 0, 300], [-250.1, 0, BACK], [-250.1, 260, BACK], [-250.1, 260, 300]],
              [[250.1, 0, BACK], [250.1, 0, 300], [250.1, 260, 300], [250.1, 260, BACK]]):
@@ -32,14 +31,16 @@ for wall in ([[-250, 0, BACK], [250, 0, BACK], [250, 260, BACK], [-250, 260, BAC
 
 
 # ---- the modules
-def module(k, inside=MATT):
+def module(k):
     x = middle(k)
     tone = 0.96 + 0.08 * rng.random()
     grain = wood(WALNUT, 'x', rings=1.8, tone=tone)
-    m.add(box(WIDE - 0.12, 3.2, FRONT - BACK, 0.35), grain, at=(x, TOP - 1.6, (FRONT + BACK) / 2), gloss=LACQUER, density=1.25)
+    m.add(box(WIDE - 0.12, 3.2, FRONT - BACK, 0.35), grain, at=(x, TOP - 1.6, (FRONT + BACK) / 2), gloss=LACQUER,
+          density=1.25)
     m.add(box(WIDE - 0.12, 2.6, 122, 0.3), grain, at=(x, 9.3, 2.0), gloss=SATIN, density=0.75)
     for side in (-1, 1):
-        m.add(box(2.2, 56.2, 120, 0.3), wood(WALNUT, 'y', rings=1.8, tone=tone), at=(x + side * (WIDE / 2 - 1.15), 38.7, 2.0),
+        m.add(box(2.2, 56.2, 120, 0.3), wood(WALNUT, 'y', rings=1.8, tone=tone),
+              at=(x + side * (WIDE / 2 - 1.15), 38.7, 2.0),
               gloss=SATIN, density=0.6)
     m.add(box(WIDE - 1, 8.0, 2, 0.2), wood(DARK, 'x', tone=0.55), at=(x, 4.0, 52), density=0.5)
 
@@ -49,7 +50,8 @@ def back_panel(k):
 
 
 def shelf(k, y, deep=74):
-    m.add(box(WIDE - 4.4, 2.0, deep, 0.3), wood(WALNUT, 'x', rings=1.8), at=(middle(k), y - 1.0, 60 - deep / 2 - 2), gloss=SATIN,
+    m.add(box(WIDE - 4.4, 2.0, deep, 0.3), wood(WALNUT, 'x', rings=1.8), at=(middle(k), y - 1.0, 60 - deep / 2 - 2),
+          gloss=SATIN,
           density=0.8)
 
 
@@ -63,20 +65,22 @@ def rolling_doors(k):
         m.add(box(2.6, 55.4, 2.3, 0.6), wood(WALNUT, 'y', rings=1.8), at=(x + side * 1.3, 38.7, 58.8 - (side > 0) * 0.5),
               gloss=LACQUER, density=0.9)
         knob = lathe([(0, 0), (0.8, 0), (0.7, 1.0), (1.5, 1.6), (1.5, 2.2), (1.1, 2.6), (0, 2.7)], 20).turned('x', 90)
-        m.plain(knob, (0.62, 0.48, 0.26), at=(x + side * 4.6, 40, 59.0), gloss=GLOSS)
+        m.plain(knob, (0.95, 0.70, 0.36), at=(x + side * 4.6, 40, 59.0), gloss=GLOSS)
     m.add(box(WIDE - 4, 55, 0.4, 0), wood(DARK, 'y', tone=0.5), at=(x, 38.7, 57.0), density=0.2)
 
 
 def drawers(k):
     x = middle(k)
     for n, (y, high) in enumerate(((20.2, 18.6), (39.4, 18.6), (58.0, 17.4))):
-        m.add(box(WIDE - 5.4, high - 0.7, 2.2, 0.4), wood(WALNUT, 'x', rings=1.8), at=(x, y, 58.9), gloss=LACQUER, density=1.0,
+        m.add(box(WIDE - 5.4, high - 0.7, 2.2, 0.4), wood(WALNUT, 'x', rings=1.8), at=(x, y, 58.9), gloss=LACQUER,
+              density=1.0,
               seed=900)
         for side in (-1, 1):
             pull = prism(rounded_outline(9, 2.0, 0.9, 4), 0.8, 0.25)
-            m.plain(pull, (0.60, 0.46, 0.25), at=(x + side * 19, y + 2, 61.2), gloss=GLOSS)
+            m.plain(pull, (0.95, 0.70, 0.36), at=(x + side * 19, y + 2, 61.2), gloss=GLOSS)
             for end in (-1, 1):
-                m.plain(box(0.9, 0.9, 1.2, 0.1), (0.5, 0.38, 0.2), at=(x + side * 19 + end * 3.4, y + 2, 60.4), gloss=GLOSS)
+                m.plain(box(0.9, 0.9, 1.2, 0.1), (0.8, 0.58, 0.3), at=(x + side * 19 + end * 3.4, y + 2, 60.4),
+                        gloss=GLOSS)
     m.add(box(WIDE - 4, 55, 0.4, 0), wood(DARK, 'y', tone=0.45), at=(x, 38.7, 57.0), density=0.2)
 
 
@@ -103,7 +107,8 @@ def game(x, y, z, lean=0.0, n=None, flat=False, turn=0.0):
     title, ground_colour, tag = GAMES[rng.integers(len(GAMES)) if n is None else n % len(GAMES)]
     spine = prints.box_spine(title, '#' + ground_colour, tag)
     if flat:
-        m.add(box(18, 2.5, 13, 0.25), picture(spine, 17.2, 2.2, plastic('23242E')), at=(x, y + 1.25, z), turn=[('y', turn)],
+        m.add(box(18, 2.5, 13, 0.25), picture(spine, 17.2, 2.2, plastic('23242E')), at=(x, y + 1.25, z),
+              turn=[('y', turn)],
               gloss=SATIN, density=1.25)
         return
     m.add(box(2.5, 18, 13, 0.25), picture(spine.rotate(-90, expand=True), 2.2, 17.2, plastic('23242E')),
@@ -124,14 +129,15 @@ def lamp(x, y, z, rgb, r=0.35):
     m.plain(lathe([(0, 0), (r, 0), (r, 0.15), (0, 0.3)], 10).turned('x', 90), rgb, at=(x, y, z), gloss=(0.2, 20, 0.35))
 
 
-def cable(points, rgb=(0.045, 0.045, 0.05), r=0.28, steps=6):
-    m.plain(tube(curve(points, steps), r, 5), rgb, gloss=(0.15, 12, 0))
+def cable(points, rgb=(0.045, 0.045, 0.05), r=0.28, steps=5):
+    m.plain(tube(curve(points, steps), r, 4), rgb, gloss=(0.15, 12, 0))
 
 
 def pad(x, y, z, turn, body, accent, cord):
     """A flat controller: a cross, two buttons, its cord to the given points."""
     turns = [('x', -90), ('y', turn)]
-    m.add(prism(rounded_outline(13.5, 6.2, 1.8, 4), 1.9, 0.4), plastic(body), at=(x, y + 0.95, z), turn=turns, gloss=SATIN, density=1.3)
+    m.add(prism(rounded_outline(13.5, 6.2, 1.8, 4), 1.9, 0.4), plastic(body), at=(x, y + 0.95, z), turn=turns,
+          gloss=SATIN, density=1.3)
     c, s = np.cos(np.radians(turn)), np.sin(np.radians(turn))
 
     def spot(dx, dz):
@@ -162,13 +168,15 @@ def wedge(x, y, z):
     for k in range(2):
         m.plain(cylinder(1.1, 0.5, 0.15, 16), (0.50, 0.20, 0.16), at=(x + 12 + k * 3.2, y + 3.35, z + 6.8), gloss=LACQUER)
     m.add(box(12.6, 9.5, 2.0, 0.3), picture(prints.box_front('LUCIOLE', '#12323A', '#4FC3C7', prints.LEAF, prints.CORAL)
-                                            .resize((300, 220)), 10.5, 5.0, plastic('30313A')), at=(x, y + 8.6, z - 3), gloss=SATIN)
+                                            .resize((300, 220)), 10.5, 5.0, plastic('30313A')), at=(x, y + 8.6, z - 3),
+                                            gloss=SATIN)
     lamp(x - 14, y + 1.6, z + 12.1, (1.0, 0.25, 0.15))
 
 
 def loader(x, y, z):
     """Pale grey, a flap in its front: the tape-like cartridges go in there."""
-    m.add(cushion(30, 8.6, 23, 1.1, 0.0, 6), plastic('B9B3A4', 0.03, dust=0.1), at=(x, y + 4.9, z), gloss=SATIN, density=1.2)
+    m.add(cushion(30, 8.6, 23, 1.1, 0.0, 6), plastic('B9B3A4', 0.03, dust=0.1), at=(x, y + 4.9, z), gloss=SATIN,
+          density=1.2)
     m.add(box(28.6, 1.0, 21.6, 0.2), plastic('37363E'), at=(x, y + 0.5, z), density=0.6)
     m.add(box(17, 4.6, 0.7, 0.25), plastic('8F8A80', 0.03), at=(x - 4.5, y + 6.0, z + 11.5), gloss=SATIN, density=1.2)
     m.add(box(29.0, 1.7, 0.5, 0.15), plastic('3F356F'), at=(x, y + 2.4, z + 11.4), gloss=SATIN)
@@ -184,7 +192,8 @@ def dome(x, y, z):
     ring = [(0, 0), (9.6, 0), (9.4, 0.8), (8.6, 1.4), (7.8, 1.2), (0, 1.0)]
     m.add(lathe(ring, 36), plastic('2E2F3A', 0.03), at=(x - 3, y + 5.2, z - 1), gloss=LACQUER)
     m.plain(box(11, 0.5, 1.2, 0.2), (0.02, 0.02, 0.02), at=(x - 3, y + 6.2, z - 1))
-    m.plain(prism(rounded_outline(5.5, 1.2, 0.5, 3), 0.3, 0.1).turned('x', -90), (0.28, 0.22, 0.5), at=(x + 11, y + 5.5, z + 8))
+    m.plain(prism(rounded_outline(5.5, 1.2, 0.5, 3), 0.3, 0.1).turned('x', -90), (0.28, 0.22, 0.5),
+            at=(x + 11, y + 5.5, z + 8))
     lamp(x - 13, y + 2.9, z + 11.9, (0.35, 1.0, 0.45), 0.3)
 
 
@@ -199,18 +208,21 @@ def recorder(x, y, z):
     m.add(box(20, 3.2, 0.5, 0.2), plastic('1A1A1E'), at=(x - 9, y + 6.4, f + 0.2), gloss=LACQUER)
     m.add(box(11, 3.2, 0.4, 0.2), plastic('0C0E12', 0.0), at=(x + 8.5, y + 6.4, f + 0.2), gloss=GLOSS)
     segments = {'2': 'abged', '3': 'abgcd', '1': 'bc', '4': 'fgbc', '0': 'abcdef'}
-    where = {'a': (0, 1, 1), 'g': (0, 0, 1), 'd': (0, -1, 1), 'b': (.5, .5, 0), 'c': (.5, -.5, 0), 'f': (-.5, .5, 0), 'e': (-.5, -.5, 0)}
+    where = {'a': (0, 1, 1), 'g': (0, 0, 1), 'd': (0, -1, 1), 'b': (.5, .5, 0), 'c': (.5, -.5, 0), 'f': (-.5, .5, 0),
+             'e': (-.5, -.5, 0)}
     for n, digit in enumerate('2314'):
         dx = x + 5.2 + 1.8 * n + (0.6 if n > 1 else 0)
         for s in segments[digit]:
             u, v, flat = where[s]
-            m.plain(box(0.8 if flat else 0.2, 0.2 if flat else 0.8, 0.1, 0), (0.15, 0.9, 0.65), at=(dx + u * 0.95, y + 6.4 + v * 0.95, f + 0.45),
+            m.plain(box(0.8 if flat else 0.2, 0.2 if flat else 0.8, 0.1, 0), (0.15, 0.9, 0.65),
+                    at=(dx + u * 0.95, y + 6.4 + v * 0.95, f + 0.45),
                     gloss=(0, 0, 0.25))
     for v in (-0.4, 0.4):
         m.plain(box(0.22, 0.22, 0.1, 0), (0.15, 0.9, 0.65), at=(x + 8.6, y + 6.4 + v, f + 0.45), gloss=(0, 0, 0.25))
     for k in range(7):
         m.plain(box(2.0, 0.9, 0.6, 0.2), (0.22, 0.22, 0.24), at=(x - 17 + 2.6 * k, y + 2.9, f + 0.4), gloss=LACQUER)
-    m.plain(cylinder(1.5, 0.8, 0.2, 18).turned('x', 90), (0.16, 0.16, 0.17), at=(x + 17.5, y + 6.0, f + 0.2), gloss=LACQUER)
+    m.plain(cylinder(1.5, 0.8, 0.2, 18).turned('x', 90), (0.16, 0.16, 0.17), at=(x + 17.5, y + 6.0, f + 0.2),
+            gloss=LACQUER)
 
 
 def receiver(x, y, z):
@@ -236,19 +248,23 @@ def receiver(x, y, z):
         return np.where((np.abs(u - 4.2) < 0.14)[:, None], colour('FF6A3C'), rgb)
     m.add(box(27, 4.4, 0.4, 0.1), dial, at=(x - 6.5, y + 10.2, f + 0.3), gloss=(0.4, 60, 0.22), density=1.4)
     for dx, r in ((13.0, 2.5), (18.6, 2.0)):
-        knob = lathe([(0, 0), (r, 0), (r, 0.4), (r * 0.86, 0.5), (r * 0.8, 1.9), (r * 0.7, 2.1), (0, 2.0)], 26).turned('x', 90)
-        m.plain(knob, (0.50, 0.48, 0.44), at=(x + dx, y + 9.8, f + 0.2), gloss=(0.5, 30, 0))
+        knob = lathe([(0, 0), (r, 0), (r, 0.4), (r * 0.86, 0.5), (r * 0.8, 1.9), (r * 0.7, 2.1), (0, 2.0)],
+                     26).turned('x', 90)
+        m.plain(knob, (0.85, 0.82, 0.75), at=(x + dx, y + 9.8, f + 0.2), gloss=(0.5, 30, 0))
         m.plain(box(0.25, r * 0.7, 0.2, 0), (0.12, 0.10, 0.08), at=(x + dx, y + 9.8 + r * 0.42, f + 2.25))
     for k in range(6):
-        m.plain(cylinder(0.75, 1.0, 0.15, 12).turned('x', 90), (0.52, 0.50, 0.46), at=(x - 17 + 4.0 * k, y + 4.4, f + 0.2), gloss=(0.5, 30, 0))
+        m.plain(cylinder(0.75, 1.0, 0.15, 12).turned('x', 90), (0.85, 0.82, 0.75),
+                at=(x - 17 + 4.0 * k, y + 4.4, f + 0.2), gloss=(0.5, 30, 0))
     lamp(x + 19.5, y + 4.4, f + 0.3, (1.0, 0.3, 0.15), 0.4)
 
 
 # Module 1: the eight-bit machine above, games below.
 x, y = middle(1), SHELVES[1]
 wedge(x - 8, y, 42)
-pad(x + 23, y, 45, 12, '24252C', (0.55, 0.2, 0.16), [(x + 20, y + 0.8, 36), (x + 26, y + 0.4, 30), (x + 16, y + 0.4, 26), (x + 12, y + 2, 31)])
-pad(x + 25, y, 54, -28, '24252C', (0.55, 0.2, 0.16), [(x + 31, y + 0.6, 50), (x + 35, y + 0.3, 40), (x + 28, y + 0.4, 24), (x + 12, y + 2, 29)])
+pad(x + 23, y, 45, 12, '24252C', (0.55, 0.2, 0.16), [(x + 20, y + 0.8, 36), (x + 26, y + 0.4, 30),
+                                                     (x + 16, y + 0.4, 26), (x + 12, y + 2, 31)])
+pad(x + 25, y, 54, -28, '24252C', (0.55, 0.2, 0.16),
+    [(x + 31, y + 0.6, 50), (x + 35, y + 0.3, 40), (x + 28, y + 0.4, 24), (x + 12, y + 2, 29)])
 cable([(x - 14, y + 3, 30), (x - 15, y + 4, 20), (x - 12, y + 6, 5), (x - 10, y + 14, -13)])
 cable([(x - 4, y + 3, 30), (x - 2, y + 1, 20), (x + 2, y + 4, 4), (x - 2, y + 12, -13)])
 end = row_of_games(x - 36.5, 15, LOW, 50)
@@ -260,15 +276,19 @@ game(x + 22, LOW + 5.0, 48, 0, 0, True, 9)
 x, y = middle(2), SHELVES[2]
 loader(x - 18, y, 43)
 dome(x + 19, y, 42)
-pad(x - 20, y, 57.0, 6, 'A8A294', (0.30, 0.24, 0.50), [(x - 21, y + 0.6, 55.8), (x - 34, y + 0.5, 56), (x - 36, y + 0.4, 44), (x - 32, y + 2, 34)])
-pad(x + 22, y, 57.0, -9, '1D1E24', (0.25, 0.6, 0.62), [(x + 23, y + 0.5, 55.8), (x + 37, y + 0.5, 56), (x + 37.5, y + 0.4, 46), (x + 35, y + 2, 36)])
+pad(x - 20, y, 57.0, 6, 'A8A294', (0.30, 0.24, 0.50),
+    [(x - 21, y + 0.6, 55.8), (x - 34, y + 0.5, 56), (x - 36, y + 0.4, 44), (x - 32, y + 2, 34)])
+pad(x + 22, y, 57.0, -9, '1D1E24', (0.25, 0.6, 0.62),
+    [(x + 23, y + 0.5, 55.8), (x + 37, y + 0.5, 56), (x + 37.5, y + 0.4, 46), (x + 35, y + 2, 36)])
 cable([(x - 12, y + 4, 31.5), (x - 10, y + 5, 20), (x - 4, y + 9, 4), (x + 1, y + 16, -13)])
 cable([(x + 10, y + 3, 30), (x + 8, y + 1, 18), (x + 6, y + 6, 4), (x + 4, y + 15, -13)])
 recorder(x - 12, LOW, 43)
 for n in range(4):
     m.add(box(19, 2.6, 10.6, 0.2), picture(prints.box_spine(('Summer 87', 'Cartoons', 'Grandmother', 'Football')[n],
-                                                           ('#2A2440', '#5A2A24', '#20402C', '#3A3A44')[n], prints.MOON), 17, 2.0, plastic('2A2A30')),
-          at=(x + 25.5 + rng.uniform(-1, 1), LOW + 1.3 + 2.62 * n, 48), turn=[('y', rng.uniform(-7, 7))], gloss=SATIN, density=1.1)
+                                                           ('#2A2440', '#5A2A24', '#20402C', '#3A3A44')[n],
+                                                           prints.MOON), 17, 2.0, plastic('2A2A30')),
+          at=(x + 25.5 + rng.uniform(-1, 1), LOW + 1.3 + 2.62 * n, 48), turn=[('y', rng.uniform(-7, 7))], gloss=SATIN,
+          density=1.9)
 # Module 4: the receiver above; records, games and a basket below.
 x, y = middle(4), SHELVES[4]
 receiver(x - 12, y, 42)
@@ -277,10 +297,13 @@ game(end + 2.4, y, 50, 12, 9)
 cable([(x - 20, y + 5, 27), (x - 22, y + 3, 14), (x - 18, y + 8, -13)])
 # The sleeves stand with their edges to the front.
 at = x - 37.5
-for n in range(34):
+for n in range(24):
     w = rng.uniform(0.5, 0.95)
-    tint = '%02x%02x%02x' % tuple(rng.integers(low, high) for low, high in (((60, 190), (40, 130), (40, 130)) if n % 3 else ((150, 220), (140, 205), (110, 170))))
-    m.add(box(w, 25.4, 25.4, 0.08), paper(tint, 0.06), at=(at + w / 2, LOW + 12.7, 44 + rng.uniform(-0.8, 0.8)), density=0.9)
+    tint = '%02x%02x%02x' % tuple(rng.integers(low, high) for low,
+                                  high in (((60, 190), (40, 130),
+                                            (40, 130)) if n % 3 else ((150, 220), (140, 205), (110, 170))))
+    m.add(box(w, 25.4, 25.4, 0.08), paper(tint, 0.06), at=(at + w / 2, LOW + 12.7, 44 + rng.uniform(-0.8, 0.8)),
+          density=0.9)
     at += w + 0.06
 
 
@@ -296,9 +319,10 @@ def wicker(s):
 basket = lathe([(0, 0), (9.5, 0), (11.4, 10), (12.2, 15), (12.6, 15.5), (12.2, 16), (11.6, 15.4), (10.6, 9), (0, 8)], 30)
 m.add(basket.scaled(1.15, 1, 0.9), wicker, at=(x + 22, LOW, 46), density=1.1)
 for n in range(5):
-    ball = lathe([(3.6 * np.sin(t), -3.6 * np.cos(t)) for t in np.linspace(0, np.pi, 9)], 14)
+    ball = lathe([(3.6 * np.sin(t), -3.6 * np.cos(t)) for t in np.linspace(0, np.pi, 8)], 12)
     m.add(ball, weave(('C65F4A', 'E4D3AC', '2B7377', 'C48736', '5A4A8A')[n], threads=1.4, contrast=0.3),
-          at=(x + 22 + (-6, 4, 6.5, -2, 0)[n], LOW + (11.5, 12, 11, 12, 14)[n], 46 + (2, 4, -4, -5, 0)[n]), turn=[('x', 40 * n), ('z', 25 * n)])
+          at=(x + 22 + (-6, 4, 6.5, -2, 0)[n], LOW + (11.5, 12, 11, 12, 14)[n], 46 + (2, 4, -4, -5, 0)[n]),
+          turn=[('x', 40 * n), ('z', 25 * n)])
 
-ground(m, fade=3.2, sides='Z', strips=[(-250, 250, 50, 68.5, 1.5), (-250, 250, -68.5, 50, 0.08)])
+ground(m, fade=3.2, sides='Z', strips=[(-250, 250, 52, 68.5, 1.2), (-250, 250, -68.5, 52, 0.08)])
 m.build(rays=48)

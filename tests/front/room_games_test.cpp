@@ -1,6 +1,7 @@
 // The room's sessions without its picture: eight sets that are turned on and off, saved and loaded beside the
 // display and the sound pump.
 #include "audio/sound.h"
+#include "base/files.h"
 #include "front/room_games.h"
 #include "front/session_callbacks.h"
 #include "host/host_data.h"
@@ -8,10 +9,10 @@
 #include "host/session_list.h"
 #include "host/session_saves.h"
 #include "machines/machines.h"
+#include "megadrive/md_rig.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
-#include "base/files.h"
 #include "support/temporary_folder.h"
 #include "support/wait_until.h"
 #include <gmock/gmock.h>
@@ -26,6 +27,7 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 namespace {
 
@@ -74,6 +76,25 @@ protected:
         return games;
     }
 
+    // Mega Drive games that begin at these odd addresses, which the 68000 cannot.
+    std::vector<OPENED_GAME> OpenThoseThatEnd(std::initializer_list<uint32_t> starts) {
+        std::vector<OPENED_GAME> games;
+        for (const uint32_t start : starts) {
+            MdProgram program;
+            program.PutLong(4, start);
+            const auto path = folder.Write("ends" + std::to_string(start) + ".md", program.Image());
+            std::string error;
+            games.emplace_back();
+            EXPECT_TRUE(OpenForPlaying(path.string(), nullptr, games.back(), error)) << error;
+        }
+        return games;
+    }
+
+    static bool HasEnded(uint32_t key) {
+        const SessionPin session = PinSession(key);
+        return session != nullptr && session->machine->ended;
+    }
+
     static testing::AssertionResult WaitFor(RoomGames& games, uint32_t key, SetState state) {
         return WaitUntil("a set", [&] {
             static_cast<void>(games.Collect());
@@ -95,8 +116,9 @@ protected:
 };
 
 int Operations() {
-    const char* const text = std::getenv("OMBRELUNE_ROOM_OPERATIONS"); // NOLINT(concurrency-mt-unsafe)
-    return text != nullptr ? std::max(1, std::atoi(text)) : 600;       // NOLINT(cert-err34-c)
+    const char* const text =
+        std::getenv("OMBRELUNE_ROOM_OPERATIONS");                // NOLINT(concurrency-mt-unsafe)
+    return text != nullptr ? std::max(1, std::atoi(text)) : 600; // NOLINT(cert-err34-c)
 }
 
 } // namespace
@@ -161,6 +183,40 @@ TEST_F(RoomGamesTest, AGameThatCannotStartLeavesItsSetOffAndSaysWhy) {
     ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
 }
 
+// What is known of an ended machine does not depend on starts that happen meanwhile, nor on another one's end.
+TEST_F(RoomGamesTest, EachMachineThatEndsTurnsItsSetOffAndSaysWhy) {
+    RoomGames games(OpenThoseThatEnd({0x201, 0x203}));
+    ASSERT_TRUE(games.StartNext(6));
+    ASSERT_TRUE(games.StartNext(7));
+    ASSERT_TRUE(WaitFor(games, 7, SetState::kPlaying));
+    ASSERT_TRUE(WaitUntil("both ends", [] { return HasEnded(6) && HasEnded(7); }));
+    EmuSetLastError("of another game");
+    std::vector<std::string> errors;
+    ASSERT_TRUE(WaitUntil("both sets", [&] {
+        for (std::string& error : games.Collect()) {
+            errors.push_back(std::move(error));
+        }
+        return games.StateOf(6) == SetState::kOff && games.StateOf(7) == SetState::kOff;
+    }));
+    EXPECT_THAT(errors, UnorderedElementsAre(HasSubstr("0x000201"), HasSubstr("0x000203")));
+    EXPECT_EQ(PinSession(6), nullptr);
+    EXPECT_EQ(PinSession(7), nullptr);
+}
+
+TEST_F(RoomGamesTest, TheGameThatReplacesAnEndedOnePlaysOn) {
+    RoomGames games(OpenThoseThatEnd({0x201}));
+    ASSERT_TRUE(games.StartNext(6));
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    ASSERT_TRUE(WaitUntil("the end", [] { return HasEnded(6); }));
+    games.Start(6, std::move(Open({"demo:sms-luciole"}).front()));
+    EXPECT_THAT(games.Collect(), IsEmpty()) << "another game was chosen";
+    EXPECT_EQ(games.StateOf(6), SetState::kStarting);
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    EXPECT_THAT(games.Collect(), IsEmpty());
+    EXPECT_EQ(games.TitleOn(6), "Luciole");
+    EXPECT_EQ(PinSession(6)->serial, games.SerialOn(6));
+}
+
 TEST_F(RoomGamesTest, TheEndStopsAndSavesAll) {
     {
         RoomGames games(Open({"demo:sms-luciole", "demo:nes-ecume"}));
@@ -190,8 +246,8 @@ TEST_F(RoomGamesTest, EightSetsAtRandomLeaveNothingBehind) {
             break;
         default: { // the player's hotkey at this set
             const wchar_t* const action = kActions[random() % std::size(kActions)];
-            const auto binding = static_cast<uint32_t>(
-                Settings().GetInt2(L"INPUT " + std::wstring(action)).first);
+            const auto binding =
+                static_cast<uint32_t>(Settings().GetInt2(L"INPUT " + std::wstring(action)).first);
             InputSetActiveKey(key);
             InputBeginPump();
             InputKeyChanged(binding & 0xFFFF, true);

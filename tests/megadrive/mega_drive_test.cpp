@@ -751,8 +751,8 @@ TEST(MegaDriveFrame, AddressErrorEndsTheMachineWithWords) {
     EXPECT_FALSE(machine->ended);
     rig.Frame(*machine);
     EXPECT_TRUE(machine->ended);
-    EXPECT_NE(EmuLastError().find("0xFF0001"), std::string::npos) << EmuLastError();
-    EXPECT_NE(EmuLastError().find("0x000200"), std::string::npos) << EmuLastError();
+    EXPECT_NE(machine->endReason.find("0xFF0001"), std::string::npos) << machine->endReason;
+    EXPECT_NE(machine->endReason.find("0x000200"), std::string::npos) << machine->endReason;
     rig.Frame(*machine);
     EXPECT_EQ(rig.video.pixels[0], 0xFF000000u);
     machine->Reset();

@@ -372,7 +372,7 @@ TEST_F(MegaDrive, Z80ReachesItsOwnControlRegistersThroughItsWindow) {
     md.z80Bank = 0xA10000;
     bus.Write(0x9100, 1);
     EXPECT_EQ(md.z80.busHold, 1u);
-    bus.Write(0x9101, 0); // an odd byte is none
+    bus.Write(0x9101, 0); // an odd byte is ignored
     EXPECT_EQ(md.z80.busHold, 1u);
     bus.Write(0x9100, 0);
     EXPECT_EQ(md.z80.busHold, 0u);

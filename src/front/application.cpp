@@ -229,10 +229,12 @@ DRAW_TARGET Application::Target() const {
     return {window.PixelWidth(), window.PixelHeight()};
 }
 
+// The screen of the room stops its own.
 void Application::StopEndedGame() {
-    for (const uint32_t key : StopEndedSessions()) {
-        playing = playing && key != kFrontTelevision;
-        window.SetTitle(ProgramTitle());
+    std::string reason;
+    if (EmuHasEnded(kFrontTelevision, reason)) {
+        PostReport(reason);
+        TurnOff();
     }
 }
 

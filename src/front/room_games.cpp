@@ -1,6 +1,6 @@
 #include "front/room_games.h"
 
-#include "host/session_list.h"
+#include "host/session.h"
 
 #include <utility>
 
@@ -61,9 +61,13 @@ std::vector<std::string> RoomGames::Collect() {
             errors.push_back(std::move(result.error));
         }
     }
-    std::erase_if(sets, [](const auto& entry) {
-        return entry.second.state == SetState::kPlaying && PinSession(entry.first) == nullptr;
-    });
+    for (const auto& [key, set] : sets) {
+        std::string reason;
+        if (set.state == SetState::kPlaying && EmuHasEnded(key, reason)) {
+            errors.push_back(std::move(reason));
+            Stop(key);
+        }
+    }
     return errors;
 }
 

@@ -41,8 +41,8 @@ public:
     // Returns when all are off.
     void StopAll();
 
-    // Once a round, takes over what has been done. Returns the reasons of games that could not start; their sets
-    // are off. Sets whose session has ended by itself are off, too.
+    // Once a round, takes over what has been done, and turns off the sets whose machine has ended by itself.
+    // Returns the reasons of these and of games that could not start.
     [[nodiscard]] std::vector<std::string> Collect();
 
     [[nodiscard]] SetState StateOf(uint32_t key) const;

@@ -9,6 +9,7 @@
 #include "host/session_list.h"
 #include "host/session_saves.h"
 #include "machines/machines.h"
+#include "megadrive/md_rig.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -26,6 +27,7 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 namespace {
 
@@ -72,6 +74,25 @@ protected:
             EXPECT_TRUE(OpenForPlaying(name, nullptr, games.back(), error)) << error;
         }
         return games;
+    }
+
+    // Mega Drive games that begin at these odd addresses, which the 68000 cannot.
+    std::vector<OPENED_GAME> OpenThoseThatEnd(std::initializer_list<uint32_t> starts) {
+        std::vector<OPENED_GAME> games;
+        for (const uint32_t start : starts) {
+            MdProgram program;
+            program.PutLong(4, start);
+            const auto path = folder.Write("ends" + std::to_string(start) + ".md", program.Image());
+            std::string error;
+            games.emplace_back();
+            EXPECT_TRUE(OpenForPlaying(path.string(), nullptr, games.back(), error)) << error;
+        }
+        return games;
+    }
+
+    static bool HasEnded(uint32_t key) {
+        const SessionPin session = PinSession(key);
+        return session != nullptr && session->machine->ended;
     }
 
     static testing::AssertionResult WaitFor(RoomGames& games, uint32_t key, SetState state) {
@@ -167,6 +188,40 @@ TEST_F(RoomGamesTest, AGameThatCannotStartLeavesItsSetOffAndSaysWhy) {
     }));
     EXPECT_THAT(errors, ElementsAre(HasSubstr("Error loading game")));
     ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+}
+
+// What is known of an ended machine does not depend on starts that happen meanwhile, nor on another one's end.
+TEST_F(RoomGamesTest, EachMachineThatEndsTurnsItsSetOffAndSaysWhy) {
+    RoomGames games(OpenThoseThatEnd({0x201, 0x203}));
+    ASSERT_TRUE(games.StartNext(6));
+    ASSERT_TRUE(games.StartNext(7));
+    ASSERT_TRUE(WaitFor(games, 7, SetState::kPlaying));
+    ASSERT_TRUE(WaitUntil("both ends", [] { return HasEnded(6) && HasEnded(7); }));
+    EmuSetLastError("of another game");
+    std::vector<std::string> errors;
+    ASSERT_TRUE(WaitUntil("both sets", [&] {
+        for (std::string& error : games.Collect()) {
+            errors.push_back(std::move(error));
+        }
+        return games.StateOf(6) == SetState::kOff && games.StateOf(7) == SetState::kOff;
+    }));
+    EXPECT_THAT(errors, UnorderedElementsAre(HasSubstr("0x000201"), HasSubstr("0x000203")));
+    EXPECT_EQ(PinSession(6), nullptr);
+    EXPECT_EQ(PinSession(7), nullptr);
+}
+
+TEST_F(RoomGamesTest, TheGameThatReplacesAnEndedOnePlaysOn) {
+    RoomGames games(OpenThoseThatEnd({0x201}));
+    ASSERT_TRUE(games.StartNext(6));
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    ASSERT_TRUE(WaitUntil("the end", [] { return HasEnded(6); }));
+    games.Start(6, std::move(Open({"demo:sms-luciole"}).front()));
+    EXPECT_THAT(games.Collect(), IsEmpty()) << "another game was chosen";
+    EXPECT_EQ(games.StateOf(6), SetState::kStarting);
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    EXPECT_THAT(games.Collect(), IsEmpty());
+    EXPECT_EQ(games.TitleOn(6), "Luciole");
+    EXPECT_EQ(PinSession(6)->serial, games.SerialOn(6));
 }
 
 TEST_F(RoomGamesTest, TheEndStopsAndSavesAll) {

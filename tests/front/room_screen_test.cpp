@@ -376,6 +376,19 @@ TEST_F(EndedMachine, DarkensItsSet) {
     EXPECT_TRUE(room->Modes().Walking());
 }
 
+TEST_F(EndedMachine, LeavesTheTitleOfTheGameInTheWindow) {
+    Application application;
+    RoomScreen* const room = Enter(application, {GoneGame()});
+    ASSERT_NE(room, nullptr);
+    std::string error;
+    ASSERT_TRUE(application.Play(Opened(LatchGame()), error)) << error;
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntil(application, [&] { return room->Games().SerialOn(kFrontSet) != 0; }));
+    ASSERT_TRUE(RunUntilOff(application, *room, kFrontSet));
+    EXPECT_TRUE(application.Playing());
+    EXPECT_THAT(SDL_GetWindowTitle(SDL_GL_GetCurrentWindow()), HasSubstr("latch"));
+}
+
 TEST_F(EndedMachine, LeadsBackFromTheFullScreen) {
     Settings().SetBool(L"emu_startfullscreen", true);
     Application application;
@@ -385,8 +398,10 @@ TEST_F(EndedMachine, LeadsBackFromTheFullScreen) {
     ASSERT_FALSE(room->Modes().RoomVisible());
     ASSERT_TRUE(RunUntil(application, [&] { return room->Modes().RoomVisible(); }));
     EXPECT_TRUE(room->Modes().Walking());
-    EXPECT_EQ(room->Games().StateOf(kFrontSet), SetState::kOff);
+    EXPECT_EQ(room->Games().SerialOn(kFrontSet), 0u);
+    ASSERT_TRUE(application.Round());
     EXPECT_FALSE(ShowsPicture(*room, kFrontSet));
+    EXPECT_TRUE(RunUntilOff(application, *room, kFrontSet));
 }
 
 TEST_F(RoomScreenTest, ClosingTheWindowSavesAllGames) {

@@ -39,18 +39,17 @@ const std::vector<TARGET_ROW> kTargets = {
     {"bindings",  {"base", "facts", "settings"}},
     {"formats",   {"base", "facts"}},
     {"machine",   {"base", "bindings", "facts", "formats", "settings"}},
-    {"sega8",     {"base", "bindings", "facts", "formats", "machine", "settings"}},
-    {"nes",       {"base", "bindings", "facts", "formats", "machine", "settings"}},
-    {"megadrive", {"base", "bindings", "facts", "formats", "machine", "sega8", "settings"}},
+    {"sega8",     {"base", "facts", "formats", "machine"}},
+    {"nes",       {"base", "facts", "machine"}},
+    {"megadrive", {"base", "bindings", "facts", "machine", "sega8"}},
     {"host",      {"base", "bindings", "facts", "formats", "machine", "settings"}},
-    {"machines",  {"base", "bindings", "facts", "formats", "host", "machine", "megadrive", "nes", "sega8",
-                   "settings"}},
-    {"catalogue", {"base", "facts", "formats", "settings"}},
+    {"machines",  {"bindings", "facts", "formats", "host", "megadrive", "nes", "sega8", "settings"}},
+    {"catalogue", {"base", "facts", "formats"}},
     {"demos",     {}},
     {"sound",     {"base", "bindings", "host", "machine", "settings"}},
-    {"display",   {"base", "host", "machine", "settings"}},
+    {"display",   {"machine", "settings"}}, // how far a set's picture is filtered is read where it is drawn
     {"gui",       {"base"}},
-    {"room",      {"base", "bindings", "display", "facts", "gui", "host", "machine", "settings"}},
+    {"room",      {"base", "bindings", "display", "facts", "gui", "machine", "settings"}},
     {"web",       {"base", "formats"}, Row::kToCome},
     {"screens",   {"base", "bindings", "catalogue", "facts", "formats", "gui", "host", "machine", "machines",
                    "room", "settings", "web"}, Row::kToCome},
@@ -225,6 +224,24 @@ TEST(Layers, EveryIncludeIsOfATargetThatTheLinkLineNames) {
             const bool named = uses != layers.uses.end() && uses->second.contains(found->second);
             EXPECT_TRUE(found->second == target || named)
                 << file << " of " << target << " includes " << include << " of " << found->second;
+        }
+    }
+}
+
+TEST(Layers, TheLinkLineNamesOnlyTargetsThatAreIncluded) {
+    const LAYERS layers = ReadLayers();
+    std::map<std::string, Names> included;
+    for (const auto& [file, target] : layers.targetOf) {
+        for (const std::string& include : IncludesOf(file).ours) {
+            if (const auto found = layers.targetOf.find(include); found != layers.targetOf.end()) {
+                included[target].insert(found->second);
+            }
+        }
+    }
+    for (const auto& [target, uses] : layers.uses) {
+        for (const std::string& used : uses) {
+            EXPECT_TRUE(included[target].contains(used))
+                << target << " includes nothing of " << used;
         }
     }
 }

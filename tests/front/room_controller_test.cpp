@@ -75,7 +75,8 @@ TEST_F(RoomController, TheLeftStickWalksAsFarAsItIsPushed) {
     }
     EXPECT_EQ(room->Camera().Position(), from);
     pad->Axis(kLeftX, kFull);
-    pad->Axis(kLeftY, kFull / 2); // down is back; out of the dead zone's circle the way is the stick's
+    pad->Axis(kLeftY,
+              kFull / 2); // down is back; out of the dead zone's circle the way is the stick's
     ASSERT_TRUE(
         RunUntil(application, [&] { return room->Camera().Position().x > from.x + 40.0f; }));
     const VECTOR3 way = room->Camera().Position() - from;

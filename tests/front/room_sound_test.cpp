@@ -1,6 +1,8 @@
 // Where the room's games are heard: machines that play a tone each, by way of the pump and the loopback device.
 #include "audio/sound.h"
 #include "base/audio_rate.h"
+#include "base/files.h"
+#include "formats/game_file.h"
 #include "front/room_sound.h"
 #include "front/session_callbacks.h"
 #include "host/machine_list.h"
@@ -11,12 +13,9 @@
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
-#include "base/files.h"
 #include "support/temporary_folder.h"
 #include "support/wait_until.h"
 #include <gtest/gtest.h>
-
-#include "formats/game_file.h"
 
 #include <chrono>
 #include <cmath>
@@ -154,7 +153,8 @@ private:
 };
 
 constexpr double kAudible = 1000.0; // a tone of 8000 at a few metres is far louder
-constexpr double kLouder = 1.6;     // as in SoundDevice's own test: at these tones the head shadows little
+constexpr double kLouder =
+    1.6; // as in SoundDevice's own test: at these tones the head shadows little
 
 } // namespace
 
@@ -170,7 +170,8 @@ TEST_F(RoomSound, ASetIsHeardOnItsSideOfThePlayer) {
         const EARS ears = Listen(kLeftSet);
         return ears.left > kAudible && ears.right > ears.left * kLouder;
     }));
-    Stand({63.5f, 118.0f, 250.0f}, {400.0f, 118.0f, 250.0f}); // along the wall, with the set on the left
+    Stand({63.5f, 118.0f, 250.0f},
+          {400.0f, 118.0f, 250.0f}); // along the wall, with the set on the left
     EXPECT_TRUE(WaitUntil("the left ear again", [&] {
         const EARS ears = Listen(kLeftSet);
         return ears.right > kAudible && ears.left > ears.right * kLouder;

@@ -345,11 +345,19 @@ class Model:
         starts = np.cumsum([0] + [len(p.mesh.f) for p in painted])
         os.makedirs(out, exist_ok=True)
         self.files = []
-        dark = np.concatenate([p.seen == 0 for p in painted])
+        charts = np.concatenate([p.chart for p in painted])
+        # A cord is as thin as a texel: its dark foot would look like a broken line.
+        limit = np.concatenate([np.full(len(p.mesh.f), 0.04 if p.shades else 0.35) for p in painted])
         for page in range(self.sheets):
             baked = self.baked[page]
             # What is hidden takes the colour of what is seen beside it: smaller copies of the sheet mix them.
-            ys, xs = np.nonzero((baked['t'] >= 0) & ((baked['seen'] > 0.04) | dark[baked['t']]))
+            # A chart that is hidden nearly whole keeps its own, or a slit would show its neighbour in the sheet.
+            ys, xs = np.nonzero(baked['t'] >= 0)
+            face = baked['t'][ys, xs]
+            seen = baked['seen'][ys, xs] > limit[face]
+            share = np.bincount(charts[face], seen, len(self.charts)) / np.maximum(np.bincount(charts[face], None, len(self.charts)), 1)
+            keep = seen | (share[charts[face]] < 0.1)
+            ys, xs = ys[keep], xs[keep]
             texels = baked[ys, xs]
             owner = np.searchsorted(starts, texels['t'], 'right') - 1
             order = np.argsort(owner, kind='stable')

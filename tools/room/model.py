@@ -433,7 +433,7 @@ class Sink:
 
     def __init__(self, low, high):
         self.low, self.high = low, high
-        self.points, self.coordinates, self.faces, self.groups, self.known = [], [], [], {}, {}
+        self.points, self.coordinates, self.faces, self.groups, self.bends = [], [], [], {}, []
 
     def count(self):
         return len(self.points)
@@ -471,7 +471,7 @@ class Sink:
             turned = np.linalg.norm(np.cross(whole[cluster] / max(goal, 1e-12),
                                              share[at])) / max(np.linalg.norm(share[at]), 1e-12)
             if turned > 0.05 and goal > 0:
-                self.bend(at, missing)
+                self.bends.append((turned * goal, at, missing))
 
     def bend(self, at, normal):
         """Adds a face that is never drawn and whose normal is the given one, area and all; it stays in the box."""
@@ -495,5 +495,8 @@ class Sink:
         self.coordinates += [self.coordinates[at]] * 2
         self.faces.append(np.array([at, first, first + 1]))
 
-    def object(self, name):
+    def object(self, name, most=19700):
+        # The strongest first: a file has fewer than 20,000 faces in all.
+        for _, at, missing in sorted(self.bends, key=lambda b: -b[0])[:max(0, most - len(self.faces))]:
+            self.bend(at, missing)
         return threeds.Object(name, np.array(self.points), np.array(self.coordinates), np.array(self.faces), self.groups)

@@ -181,8 +181,8 @@ static bool Seen(const Job& job, int hit, float distance, Vec along) {
     if (hit < 0)
         return true;
     const Occluder& o = job.tree.things[hit];
-    bool inside = o.part >= 0 &&
-                  Dot(along, Cross(o.corner[1] - o.corner[0], o.corner[2] - o.corner[0])) > 0;
+    bool inside =
+        o.part >= 0 && Dot(along, Cross(o.corner[1] - o.corner[0], o.corner[2] - o.corner[0])) > 0;
     return distance > kAtOnce && !inside;
 }
 
@@ -215,9 +215,7 @@ static void Shade(const Job& job, Texel& texel, uint32_t seed) {
         if (i < edgeRays) {
             Vec inward = along - flat * (2 * Dot(along, flat));
             float near = job.edgeReach;
-            edge += job.tree.Hit(at - flat * 0.02F, inward, near, t.part, true) >= 0
-                        ? 1.0F
-                        : 0.0F;
+            edge += job.tree.Hit(at - flat * 0.02F, inward, near, t.part, true) >= 0 ? 1.0F : 0.0F;
         }
     }
     for (int i = 0; i < lampRays; ++i) {
@@ -266,9 +264,11 @@ static void Raster(const Job& job, std::vector<Page>& pages, float margin) {
         if (det == 0)
             continue;
         int x0 = std::max(0, static_cast<int>(std::min({p[0], p[2], p[4]}) - 1 - margin));
-        int x1 = std::min(page.width - 1, static_cast<int>(std::max({p[0], p[2], p[4]}) + 1 + margin));
+        int x1 =
+            std::min(page.width - 1, static_cast<int>(std::max({p[0], p[2], p[4]}) + 1 + margin));
         int y0 = std::max(0, static_cast<int>(std::min({p[1], p[3], p[5]}) - 1 - margin));
-        int y1 = std::min(page.height - 1, static_cast<int>(std::max({p[1], p[3], p[5]}) + 1 + margin));
+        int y1 =
+            std::min(page.height - 1, static_cast<int>(std::max({p[1], p[3], p[5]}) + 1 + margin));
         for (int y = y0; y <= y1; ++y) {
             for (int x = x0; x <= x1; ++x) {
                 float px = static_cast<float>(x) + 0.5F - p[0],

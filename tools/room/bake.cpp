@@ -6,7 +6,10 @@
 //   IN:  i32 occluders, i32 triangles, i32 pages, i32 rays, f32 lamp x, y, z, radius (radius 0: no lamp), f32 reach,
 //        f32 edge reach; per occluder 9 f32 corners, f32 light returned, i32 part; per triangle i32 page, i32 chart, i32
 //        part, 6 f32 texel places, 9 f32 corners, 9 f32 normals; per page i32 width, i32 height
-//   OUT: per page, per texel: i32 triangle (-1: none), f32 second and third corner's weight, f32 sky, f32 lamp, f32 edge
+//   OUT: per page, per texel: i32 triangle (-1: none), f32 second and third corner's weight, f32 sky, f32 lamp, f32 edge,
+//        f32 seen, the share of rays that do not end at once or inside of a part: 0 where other parts hide the texel.
+//        Without pages: per triangle the `seen` of a point that sees anything, or 0.
+// An occluder of part -2 belongs to no closed shape.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -51,7 +54,7 @@ struct Triangle {
 };
 struct Texel {
     int32_t triangle = -1;
-    float b = 0, c = 0, sky = 1, lamp = 1, edge = 0;
+    float b = 0, c = 0, sky = 1, lamp = 1, edge = 0, seen = 1;
 };
 
 // A bounding volume tree over the occluders: an inner node's children lie at `first` and `first + 1`.
@@ -107,8 +110,9 @@ struct Tree {
         Fit(nodes[0]);
         Split(0);
     }
-    // The nearest thing within `reach`, or -1. With any part other than -1 only that part's things count.
-    int Hit(Vec from, Vec along, float reach, int part, bool any) const {
+    // The nearest thing within `reach`, which becomes its distance, or -1. With any part other than -1 only that part's
+    // things count.
+    int Hit(Vec from, Vec along, float& reach, int part, bool any) const {
         Vec inverse{1 / along.x, 1 / along.y, 1 / along.z};
         int stack[64], top = 0, best = -1;
         stack[top++] = 0;
@@ -170,6 +174,18 @@ struct Job {
     float lampRadius = 0, reach = 100, edgeReach = 1;
 };
 
+constexpr float kAtOnce = 4; // nearer than this nobody looks from
+
+// Whether a ray that ended at `hit` could come from an eye.
+static bool Seen(const Job& job, int hit, float distance, Vec along) {
+    if (hit < 0)
+        return true;
+    const Occluder& o = job.tree.things[hit];
+    bool inside =
+        o.part >= 0 && Dot(along, Cross(o.corner[1] - o.corner[0], o.corner[2] - o.corner[0])) > 0;
+    return distance > kAtOnce && !inside;
+}
+
 static void Shade(const Job& job, Texel& texel, uint32_t seed) {
     const Triangle& t = job.triangles[texel.triangle];
     float a = 1 - texel.b - texel.c;
@@ -182,7 +198,7 @@ static void Shade(const Job& job, Texel& texel, uint32_t seed) {
     Vec from = at + flat * 0.03F;
     Random random{seed * 9781U + 7U};
     float turn = random.Next();
-    float sky = 0, lamp = 0, edge = 0;
+    float sky = 0, lamp = 0, edge = 0, seen = 0;
     int lampRays = job.lampRadius > 0 ? job.rays / 4 : 0, edgeRays = job.rays / 4;
     for (int i = 0; i < job.rays; ++i) {
         float u = (static_cast<float>(i) + random.Next()) / static_cast<float>(job.rays);
@@ -192,13 +208,14 @@ static void Shade(const Job& job, Texel& texel, uint32_t seed) {
                     normal * std::sqrt(1 - u);
         if (Dot(along, flat) < 0)
             along = along - flat * (2 * Dot(along, flat));
-        int hit = job.tree.Hit(from, along, job.reach, -1, false);
+        float distance = job.reach;
+        int hit = job.tree.Hit(from, along, distance, -1, false);
         sky += hit < 0 ? 1 : job.tree.things[hit].returned;
+        seen += Seen(job, hit, distance, along) ? 1.0F : 0.0F;
         if (i < edgeRays) {
             Vec inward = along - flat * (2 * Dot(along, flat));
-            edge += job.tree.Hit(at - flat * 0.02F, inward, job.edgeReach, t.part, true) >= 0
-                        ? 1.0F
-                        : 0.0F;
+            float near = job.edgeReach;
+            edge += job.tree.Hit(at - flat * 0.02F, inward, near, t.part, true) >= 0 ? 1.0F : 0.0F;
         }
     }
     for (int i = 0; i < lampRays; ++i) {
@@ -211,8 +228,24 @@ static void Shade(const Job& job, Texel& texel, uint32_t seed) {
         lamp += job.tree.Hit(from, to * (1 / distance), distance, -1, true) < 0 ? 1.0F : 0.0F;
     }
     texel.sky = sky / static_cast<float>(job.rays);
+    texel.seen = seen / static_cast<float>(job.rays);
     texel.lamp = lampRays > 0 ? lamp / static_cast<float>(lampRays) : 1;
     texel.edge = edgeRays > 0 ? edge / static_cast<float>(edgeRays) : 0;
+}
+
+// What the first of many points of the triangle sees that sees anything; 0 if all are hidden.
+static float Visible(const Job& job, int32_t number) {
+    constexpr int kSteps = 12;
+    for (int i = 0; i <= kSteps; ++i) {
+        for (int k = 0; k <= kSteps - i; ++k) {
+            auto place = [](int n) { return 0.005F + 0.985F * static_cast<float>(n) / kSteps; };
+            Texel texel{number, place(i), place(k)};
+            Shade(job, texel, static_cast<uint32_t>(number * 100 + i * 13 + k));
+            if (texel.seen > 0)
+                return texel.seen;
+        }
+    }
+    return 0;
 }
 
 struct Page {
@@ -220,7 +253,9 @@ struct Page {
     std::vector<Texel> texels;
 };
 
-static void Raster(const Job& job, std::vector<Page>& pages) {
+// Gives each texel whose middle lies in a triangle its place there. With a margin, free texels up to so far outside take
+// the nearest place inside: a slim chart would have none else, and filters read past a chart's border.
+static void Raster(const Job& job, std::vector<Page>& pages, float margin) {
     for (size_t n = 0; n < job.triangles.size(); ++n) {
         const Triangle& t = job.triangles[n];
         Page& page = pages[t.page];
@@ -228,19 +263,32 @@ static void Raster(const Job& job, std::vector<Page>& pages) {
         float det = (p[2] - p[0]) * (p[5] - p[1]) - (p[4] - p[0]) * (p[3] - p[1]);
         if (det == 0)
             continue;
-        int x0 = std::max(0, static_cast<int>(std::min({p[0], p[2], p[4]}) - 1));
-        int x1 = std::min(page.width - 1, static_cast<int>(std::max({p[0], p[2], p[4]}) + 1));
-        int y0 = std::max(0, static_cast<int>(std::min({p[1], p[3], p[5]}) - 1));
-        int y1 = std::min(page.height - 1, static_cast<int>(std::max({p[1], p[3], p[5]}) + 1));
+        int x0 = std::max(0, static_cast<int>(std::min({p[0], p[2], p[4]}) - 1 - margin));
+        int x1 =
+            std::min(page.width - 1, static_cast<int>(std::max({p[0], p[2], p[4]}) + 1 + margin));
+        int y0 = std::max(0, static_cast<int>(std::min({p[1], p[3], p[5]}) - 1 - margin));
+        int y1 =
+            std::min(page.height - 1, static_cast<int>(std::max({p[1], p[3], p[5]}) + 1 + margin));
         for (int y = y0; y <= y1; ++y) {
             for (int x = x0; x <= x1; ++x) {
                 float px = static_cast<float>(x) + 0.5F - p[0],
                       py = static_cast<float>(y) + 0.5F - p[1];
                 float b = (px * (p[5] - p[1]) - (p[4] - p[0]) * py) / det;
                 float c = ((p[2] - p[0]) * py - px * (p[3] - p[1])) / det;
-                if (b < -1e-4F || c < -1e-4F || b + c > 1.0001F)
-                    continue;
                 Texel& texel = page.texels[static_cast<size_t>(y) * page.width + x];
+                if (b < -1e-4F || c < -1e-4F || b + c > 1.0001F) {
+                    if (margin == 0 || texel.triangle >= 0)
+                        continue;
+                    b = std::max(b, 0.0F);
+                    c = std::max(c, 0.0F);
+                    float sum = std::max(1.0F, b + c);
+                    b /= sum;
+                    c /= sum;
+                    float offX = px - b * (p[2] - p[0]) - c * (p[4] - p[0]),
+                          offY = py - b * (p[3] - p[1]) - c * (p[5] - p[1]);
+                    if (offX * offX + offY * offY > margin * margin)
+                        continue;
+                }
                 texel.triangle = static_cast<int32_t>(n);
                 texel.b = b;
                 texel.c = c;
@@ -287,18 +335,21 @@ static void Light(const Job& job, Page& page) {
             Texel& texel = page.texels[static_cast<size_t>(y) * page.width + x];
             if (texel.triangle < 0)
                 continue;
-            float sky = 0, lamp = 0, edge = 0, total = 0;
+            float sky = 0, lamp = 0, edge = 0, seen = 0, total = 0;
             for (int v = std::max(0, y - 3); v <= std::min(page.height - 1, y + 3); ++v) {
                 for (int u = std::max(0, x - 3); u <= std::min(page.width - 1, x + 3); ++u) {
                     size_t at = static_cast<size_t>(v) * page.width + u;
                     if (!done[at] || job.triangles[rough[at].triangle].chart !=
                                          job.triangles[texel.triangle].chart)
                         continue;
+                    // What is hidden does not darken what is seen beside it.
+                    float share = std::min(1.0F, 0.02F + rough[at].seen * 8);
                     auto away = static_cast<float>((u - x) * (u - x) + (v - y) * (v - y));
-                    float weight = std::exp(-away / 4.5F);
+                    float weight = std::exp(-away / 4.5F) * share;
                     sky += rough[at].sky * weight;
                     lamp += rough[at].lamp * weight;
                     edge += rough[at].edge * weight;
+                    seen += rough[at].seen * weight;
                     total += weight;
                 }
             }
@@ -306,6 +357,7 @@ static void Light(const Job& job, Page& page) {
                 texel.sky = sky / total;
                 texel.lamp = lamp / total;
                 texel.edge = edge / total;
+                texel.seen = seen / total;
             }
         }
     }
@@ -349,10 +401,25 @@ int main(int count, char** arguments) {
     }
     std::fclose(in);
     job.tree.Build();
-    Raster(job, pages);
     FILE* out = std::fopen(arguments[2], "wb");
     if (out == nullptr)
         return 1;
+    if (pages.empty()) {
+        std::vector<float> seen(job.triangles.size());
+        std::vector<std::thread> threads;
+        for (size_t k = 0; k < 2; ++k) {
+            threads.emplace_back([&, k] {
+                for (size_t i = k; i < seen.size(); i += 2)
+                    seen[i] = Visible(job, static_cast<int32_t>(i));
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        std::fwrite(seen.data(), sizeof(float), seen.size(), out);
+        return std::fclose(out) == 0 ? 0 : 1;
+    }
+    Raster(job, pages, 0);
+    Raster(job, pages, 1.5F);
     for (Page& page : pages) {
         Light(job, page);
         std::fwrite(page.texels.data(), sizeof(Texel), page.texels.size(), out);

@@ -48,25 +48,30 @@ class Model:
     """size: the box that must come out, or None for a model that keeps its own origin. lamp: the lamp's place in the
     model's space with y 0 at the floor, for a model that stands in one place only; its shadows are painted then.
     sheets: how many texture sheets of `pixels` square; brightness: what colours are multiplied by. faint: the share of
-    texels for sides that nobody sees well, {'-y': 0.35}, by the part's own directions."""
+    texels for sides that nobody sees well, {'-y': 0.35}, by the part's own directions. strip: leave faces out that other parts hide. crease: for parts without their
+    own."""
 
     def __init__(self, name, size=None, sheets=1, pixels=1024, lamp=None, brightness=1.5, floor=0.30, reach=90,
-                 shade=1.0, quality=88, faint=None):
+                 shade=1.0, quality=88, faint=None, strip=False,
+                 crease=50):
         self.name, self.size, self.sheets, self.pixels, self.lamp = name, size, sheets, pixels, lamp
         self.brightness, self.reach, self.shade, self.quality = brightness, reach, shade, quality
         names = {'-x': 0, '+x': 1, '-y': 2, '+y': 3, '-z': 4, '+z': 5}
         self.faint = {names[side]: share for side, share in (faint or {}).items()}
-        self.parts, self.blockers = [], []
+        self.crease, self.strip, self.parts, self.blockers = crease, strip, [], []
         if floor is not None:
             big = 600
             self.block(Mesh([[-big, -0.02, -big], [-big, -0.02, big], [big, -0.02, big], [big, -0.02, -big]],
                             [[0, 1, 2], [0, 2, 3]]), returned=floor)
 
-    def add(self, mesh, paint, at=(0, 0, 0), turn=(), density=1.0, crease=50, gloss=MATT, returned=0.15, seed=None):
+    def add(self, mesh, paint, at=(0, 0, 0), turn=(), density=1.0, crease=None, gloss=MATT, returned=0.15, seed=None,
+            shades=True):
         """A painted part. turn: (axis, degrees) steps, done before the move. density: texels a unit, relative.
-        crease: edges sharper than this many degrees stay hard. returned: light that it gives back to what it shades."""
+        crease: edges sharper than this many degrees stay hard. returned: light that it gives back to what it shades.
+        shades: whether it does; a cord along a seam would draw an outline."""
         part = self._place(mesh, at, turn)
-        part.paint, part.density, part.crease, part.gloss, part.returned = paint, density, crease, gloss, returned
+        part.paint, part.density, part.gloss, part.returned, part.shades = paint, density, gloss, returned, shades
+        part.crease = self.crease if crease is None else crease
         part.seed = len(self.parts) + 1 if seed is None else seed
         part.kind = 'painted'
         self.parts.append(part)
@@ -105,6 +110,8 @@ class Model:
     def build(self, rays=64, out=OUT):
         self._measure()
         self._smooth()
+        self._occluders()
+        self._hide()
         painted = [p for p in self.parts if p.kind == 'painted']
         if painted:
             self._charts(painted)
@@ -196,6 +203,8 @@ class Model:
                 plane = part.plane[faces].reshape(-1, 2)
                 part.chart[faces] = len(self.charts)
                 share = 1.0 if mesh.uv is not None else self.faint.get(int(key[faces[0]]), 1.0)
+                if not part.seen[faces].any():
+                    share = 0.05
                 self.charts.append([part.density * share, plane.min(0), plane.max(0)])
 
     def _pack(self):
@@ -209,7 +218,7 @@ class Model:
         assert self._fits(low), f'{self.name}: the charts do not fit'
         self.texels = low
 
-    def _fits(self, scale, gap=3):
+    def _fits(self, scale, gap=4):
         """Longest charts first, each as low as it goes; one may lie on its side. Leaves the places in self.places."""
         sizes = []
         for density, low, high in self.charts:
@@ -259,36 +268,68 @@ class Model:
             pages[faces] = page
         return spots, pages
 
-    def _bake(self, painted, rays):
-        occluders = []
+    def _occluders(self):
+        records = []
         for number, part in enumerate(self.parts + self.blockers):
             corners = part.points[part.mesh.f].reshape(-1, 9).astype('<f4')
             record = np.zeros(len(corners), np.dtype([('c', '<f4', 9), ('r', '<f4'), ('p', '<i4')]))
-            record['c'], record['r'], record['p'] = corners, part.returned, number
-            occluders.append(record)
+            record['c'], record['r'], record['p'] = corners, part.returned, number if number < len(self.parts) else -2
+            part.number = number
+            if getattr(part, 'shades', True):
+                records.append(record)
+        self.occluders = np.concatenate(records)
+
+    def _hide(self):
+        """Finds the faces that lie inside of other parts, where no eye comes, and strips them. Those at the box's sides
+        stay, as they make its size."""
+        parts = [p for p in self.parts if p.kind != 'screen']
+        seen = np.split(self._run_baker(self._triangles(parts), 24, 0, '<f4'), np.cumsum([len(p.mesh.f) for p in parts])[:-1])
+        for part, share in zip(parts, seen):
+            at = part.points[part.mesh.f]
+            rim = (np.abs(at - self.low) < 5e-3).any((1, 2)) | (np.abs(at - self.high) < 5e-3).any((1, 2))
+            keep = (share > 0) | rim | (not self.strip)
+            part.seen = share[keep]
+            mesh = part.mesh
+            part.mesh = Mesh(mesh.v, mesh.f[keep], None if mesh.uv is None else mesh.uv[keep],
+                             None if mesh.uv is None else mesh.chart[keep])
+            part.cluster, part.corner, part.flat = part.cluster[keep], part.corner[keep], part.flat[keep]
+        self.parts = [p for p in self.parts if len(p.mesh.f)]
+
+    def _triangles(self, parts):
+        """The baker's records of the parts' faces; their places in the sheets are 0 before there are any."""
         triangles = []
-        for part in painted:
-            part.spots, part.pages = self._texels_of(part)
+        for part in parts:
             record = np.zeros(len(part.mesh.f), np.dtype([('page', '<i4'), ('chart', '<i4'), ('part', '<i4'),
                                                           ('t', '<f4', 6), ('c', '<f4', 9), ('n', '<f4', 9)]))
-            record['page'], record['chart'], record['part'] = part.pages, part.chart, self.parts.index(part)
-            record['t'] = part.spots.reshape(-1, 6)
+            record['part'] = part.number
+            if hasattr(part, 'spots'):
+                record['page'], record['chart'], record['t'] = part.pages, part.chart, part.spots.reshape(-1, 6)
             record['c'] = part.points[part.mesh.f].reshape(-1, 9)
             record['n'] = part.corner.reshape(-1, 9)
             triangles.append(record)
-        occluders, triangles = np.concatenate(occluders), np.concatenate(triangles)
+        return np.concatenate(triangles)
+
+    def _run_baker(self, triangles, rays, sheets, form):
         lamp = (0, 0, 0, 0) if self.lamp is None else (*self.lamp, 24)
         os.makedirs(BUILD, exist_ok=True)
         source, result = os.path.join(BUILD, self.name + '.in'), os.path.join(BUILD, self.name + '.out')
         with open(source, 'wb') as file:
-            file.write(struct.pack('<4i6f', len(occluders), len(triangles), self.sheets, rays, *lamp, self.reach, 0.8))
-            file.write(occluders.tobytes() + triangles.tobytes())
-            file.write(struct.pack('<2i', self.pixels, self.pixels) * self.sheets)
+            file.write(struct.pack('<4i6f', len(self.occluders), len(triangles), sheets, rays, *lamp, self.reach, 0.8))
+            file.write(self.occluders.tobytes() + triangles.tobytes())
+            file.write(struct.pack('<2i', self.pixels, self.pixels) * sheets)
         subprocess.run([tool('bake'), source, result], check=True)
-        texel = np.dtype([('t', '<i4'), ('b', '<f4'), ('c', '<f4'), ('sky', '<f4'), ('lamp', '<f4'), ('edge', '<f4')])
-        self.baked = np.fromfile(result, texel).reshape(self.sheets, self.pixels, self.pixels)
+        done = np.fromfile(result, form)
         os.remove(source)
         os.remove(result)
+        return done
+
+    def _bake(self, painted, rays):
+        for part in painted:
+            part.spots, part.pages = self._texels_of(part)
+        texel = np.dtype([('t', '<i4'), ('b', '<f4'), ('c', '<f4'), ('sky', '<f4'), ('lamp', '<f4'), ('edge', '<f4'),
+                          ('seen', '<f4')])
+        self.baked = self._run_baker(self._triangles(painted), rays, self.sheets, texel)
+        self.baked = self.baked.reshape(self.sheets, self.pixels, self.pixels)
 
     def light(self, s):
         """What the program's light, which knows no shadow, is to be multiplied with at each texel."""
@@ -304,9 +345,19 @@ class Model:
         starts = np.cumsum([0] + [len(p.mesh.f) for p in painted])
         os.makedirs(out, exist_ok=True)
         self.files = []
+        charts = np.concatenate([p.chart for p in painted])
+        # A cord is as thin as a texel: its dark foot would look like a broken line.
+        limit = np.concatenate([np.full(len(p.mesh.f), 0.04 if p.shades else 0.35) for p in painted])
         for page in range(self.sheets):
             baked = self.baked[page]
+            # What is hidden takes the colour of what is seen beside it: smaller copies of the sheet mix them.
+            # A chart that is hidden nearly whole keeps its own, or a slit would show its neighbour in the sheet.
             ys, xs = np.nonzero(baked['t'] >= 0)
+            face = baked['t'][ys, xs]
+            seen = baked['seen'][ys, xs] > limit[face]
+            share = np.bincount(charts[face], seen, len(self.charts)) / np.maximum(np.bincount(charts[face], None, len(self.charts)), 1)
+            keep = seen | (share[charts[face]] < 0.1)
+            ys, xs = ys[keep], xs[keep]
             texels = baked[ys, xs]
             owner = np.searchsorted(starts, texels['t'], 'right') - 1
             order = np.argsort(owner, kind='stable')
@@ -382,7 +433,7 @@ class Sink:
 
     def __init__(self, low, high):
         self.low, self.high = low, high
-        self.points, self.coordinates, self.faces, self.groups, self.known = [], [], [], {}, {}
+        self.points, self.coordinates, self.faces, self.groups, self.bends = [], [], [], {}, []
 
     def count(self):
         return len(self.points)
@@ -419,8 +470,8 @@ class Sink:
             goal = np.linalg.norm(whole[cluster])
             turned = np.linalg.norm(np.cross(whole[cluster] / max(goal, 1e-12),
                                              share[at])) / max(np.linalg.norm(share[at]), 1e-12)
-            if turned > 0.03 and goal > 0:
-                self.bend(at, missing)
+            if turned > 0.05 and goal > 0:
+                self.bends.append((turned * goal, at, missing))
 
     def bend(self, at, normal):
         """Adds a face that is never drawn and whose normal is the given one, area and all; it stays in the box."""
@@ -444,5 +495,8 @@ class Sink:
         self.coordinates += [self.coordinates[at]] * 2
         self.faces.append(np.array([at, first, first + 1]))
 
-    def object(self, name):
+    def object(self, name, most=19700):
+        # The strongest first: a file has fewer than 20,000 faces in all.
+        for _, at, missing in sorted(self.bends, key=lambda b: -b[0])[:max(0, most - len(self.faces))]:
+            self.bend(at, missing)
         return threeds.Object(name, np.array(self.points), np.array(self.coordinates), np.array(self.faces), self.groups)

@@ -19,7 +19,7 @@ BOARD = 3.6
 INNER = W - 2 * BOARD
 PLASTIC = (0.14, 12.0, 0.0)
 
-m = Model('arcade', size=(W, H, D), sheets=2, brightness=1.5, reach=70)
+m = Model('arcade', size=(W, H, D), sheets=3, brightness=1.5, reach=70)
 pieces = {name: np.asarray(Image.open(path).convert('RGB'), float) / 255 for name, path in cabinet.all_pieces().items()}
 black = plastic('2A2830', 0.04, 0.45)
 steel = plastic('6E6C6A', 0.03, 0.6)
@@ -47,17 +47,16 @@ def side_paint(art, mirror):
         # Scuffs near the floor, where shoes and a broom reach.
         scuff = step(0.35, 0.9, noise(np.stack([z * 0.25, y * 1.1], 1), 9) + 0.6 - y / 22)
         rgb = mix(rgb, colour('B9A98E') * 0.6, scuff * 0.5)
-        rub = step(0.45, 0.9, s.edge + 0.3 * cloud(s.place * 0.5, 3, 11))
-        rgb = mix(rgb, colour('6A5038'), rub * 0.5)
+        # The moulding is drawn over the board's rim; its plastic hides what the board has worn.
         edge = np.abs(s.normal[:, 2]) < 0.75
-        return np.where(edge[:, None], trim * (1 - 0.35 * step(0.2, 0.9, 0.5 + 0.5 * noise(s.own * 0.4, 12)) * 0.5)[:, None], rgb)
+        return np.where(edge[:, None], trim * (1 + 0.03 * cloud(s.own * 0.12, 2, 12))[:, None], rgb)
     return paint
 
 
 # prism() draws along z; turned by -90 about y its x becomes z and its z becomes -x.
 for name, x, mirror in (('left', -W / 2 + BOARD / 2, False), ('right', W / 2 - BOARD / 2, True)):
     m.add(prism(profile, BOARD, 0.55), side_paint(pieces[name], mirror), at=(x, 0, 0), turn=[('y', -90)], gloss=LACQUER, crease=40,
-          density=1.0)
+          density=1.55)
 
 
 def strip(points, width, cuts=1):

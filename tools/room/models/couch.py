@@ -11,7 +11,7 @@ TEAL = weave('1D5F66', '184E56', threads=1.15, contrast=0.10, nap=0.12)
 SEAM = weave('195058', '14424A', threads=1.15, contrast=0.08, nap=0.05, worn=0.8)
 
 m = Model('couch', size=(200, 70.347, 86), sheets=3, faint={'-y': 0.35, '-z': 0.4}, lamp=scene.lamp_for('couch'),
-          brightness=1.5)
+          brightness=1.5, strip=True)
 
 
 def creased(amount, scale, seed):
@@ -25,22 +25,22 @@ def creased(amount, scale, seed):
 def piping(body, core, points, thick=0.42):
     """A corded seam that follows the body's surface through the points."""
     path = onto(body, np.vstack([points, points[:1]]), core, 0.12)
-    return tube(path, thick, 5)
+    return tube(path, thick, 4)
 
 
 # The frame: arms, base and back.
 m.add(cushion(164, 19, 70, 2.0, 0.0, 6), TEAL, at=(0, 20.5, -2), density=0.8)
 m.add(box(163, 3, 69, 0.5), wood(WALNUT), at=(0, 10.5, -2), density=0.4)
-m.add(cushion(166, 54, 15, 5.0, 0.8, 12), TEAL, at=(0, 37, -31.5), turn=[('x', -5)])
+m.add(cushion(166, 54, 15, 5.0, 0.8, 8), TEAL, at=(0, 37, -31.5), turn=[('x', -5)])
 for side in (-1, 1):
-    arm = cushion(17, 45, 79, 5.2, 0.7, 11, creased(0.25, 0.07, side * 7))
+    arm = cushion(17, 45, 79, 5.2, 0.7, 10, creased(0.25, 0.07, side * 7))
     m.add(arm, TEAL, at=(side * 87, 33.4, 0.5))
     for z in (1, -1):
         m.add(cylinder(1.4, 12, 0.3, 14, 2.6), wood(WALNUT, 'y'), at=(side * 82, 0, 31 * z), gloss=LACQUER)
     # The seam around the arm's front.
     loop = rounded_outline(12.6, 40.6, 3.2, 4)
     seam = piping(arm, (3.2, 17.2, 34.2), np.column_stack([loop, np.full(len(loop), 38.2)]), 0.45)
-    m.add(seam, SEAM, at=(side * 87, 33.4, 0.5), density=0.6)
+    m.add(seam, SEAM, at=(side * 87, 33.4, 0.5), density=0.6, shades=False)
 m.add(cylinder(1.6, 10, 0.3, 12, 2.2), wood(WALNUT, 'y'), at=(0, 0, 24), gloss=LACQUER)
 
 RIM = rounded_outline(51.6, 59.4, 3.4, 3)
@@ -53,19 +53,19 @@ for k, x in enumerate((-54.0, 0.0, 54.0)):
         v = creased(0.30, 0.06, 11 * k)(v)
         v[:, 1] -= hollow * np.exp(-((v[:, 0] / 18) ** 2 + ((v[:, 2] - 2) / 20) ** 2)) * (v[:, 1] > 0)
         return v
-    seat = cushion(54.2, 15.5, 62, 4.4, 2.1, 11, sat_on)
+    seat = cushion(54.2, 15.5, 62, 4.4, 2.1, 10, sat_on)
     m.add(seat, TEAL, at=(x, 38.4, 5.5), density=1.15)
     # From corner to corner with points enough to follow the hollow.
     loop = np.vstack([np.linspace(p, q, 4, endpoint=False) if np.linalg.norm(q - p) > 8 else [p]
                       for p, q in zip(RIM, np.roll(RIM, -1, 0))])
     for high in (6.4, -6.4):
         seam = piping(seat, (22.0, 2.8, 26.0), np.column_stack([loop[:, 0], np.full(len(loop), high), loop[:, 1]]))
-        m.add(seam, SEAM, at=(x, 38.4, 5.5), density=0.6)
+        m.add(seam, SEAM, at=(x, 38.4, 5.5), density=0.6, shades=False)
 
     def leaned_on(v, k=k):
         v = creased(0.45, 0.055, 31 * k + 5)(v)
         return v - np.outer((v[:, 2] > 0) * np.exp(-((v[:, 0] / 17) ** 2 + ((v[:, 1] + 3) / 9) ** 2)), (0, 0, 1.1))
-    m.add(cushion(53.6, 27.5, 17, 6.0, 2.3, 11, leaned_on), TEAL, at=(x, 56.5, -16.5), turn=[('x', -14)], density=1.15)
+    m.add(cushion(53.6, 27.5, 17, 6.0, 2.3, 9, leaned_on), TEAL, at=(x, 56.5, -16.5), turn=[('x', -14)], density=1.15)
 
 
 def moons(s):
@@ -88,8 +88,8 @@ def stripes(s):
     return mix(base, colour('3A3266'), (step(0.16, 0.18, band) * (1 - step(0.20, 0.22, band))) * 0.8)
 
 
-m.add(pillow(38, 36, 13), moons, at=(60, 62.4 - 4.0, -1.5), turn=[('z', 7), ('x', -24), ('y', -24)], crease=130)
-m.add(pillow(34, 34, 12), stripes, at=(42, 61.0 - 4.6, 1.5), turn=[('z', -9), ('x', -28), ('y', 9)], crease=130)
+m.add(pillow(38, 36, 13, 10), moons, at=(60, 62.4 - 4.0, -1.5), turn=[('z', 7), ('x', -24), ('y', -24)], crease=130)
+m.add(pillow(34, 34, 12, 10), stripes, at=(42, 61.0 - 4.6, 1.5), turn=[('z', -9), ('x', -28), ('y', 9)], crease=130)
 
 # The blanket runs up the arm's outside, over it and on to the seat.
 PATH = curve([(-97.0, 19), (-97.4, 34), (-97.2, 49), (-95.0, 55.2), (-88, 57.6), (-80.5, 55.4), (-77.6, 49.6),
@@ -126,7 +126,7 @@ def wool(s):
     return rgb * (0.86 + 0.13 * knit + 0.07 * fuzz + 0.05 * cloud(s.uv * 0.12, 3, 5))[:, None]
 
 
-m.add(sheet(lying, 40, 17, LONG, WIDE, 0.45), wool, crease=70, density=1.1)
+m.add(sheet(lying, 36, 14, LONG, WIDE, 0.45), wool, crease=70, density=1.1)
 fringe = None
 for end, u0 in ((0, 0.0), (1, 1.0)):
     for k in range(21):
@@ -136,7 +136,7 @@ for end, u0 in ((0, 0.0), (1, 1.0)):
         line = np.array([p[0] - ahead * 0.3, p[0] + ahead * 1.2 + drop * 0.7, p[0] + ahead * 1.4 + drop * 2.4])
         if end == 0:
             line[:, 0] = np.maximum(line[:, 0], -99.6)
-        thread = tube(line, 0.32, 4)
+        thread = tube(line, 0.32, 3)
         fringe = thread if fringe is None else fringe + thread
 m.add(fringe, wool, density=0.5)
 

@@ -10,7 +10,7 @@ from model import GLOSS, LACQUER, SATIN, Model
 from texture import DARK, WALNUT, cloud, colour, mix, noise, paper, picture, plastic, weave, wood
 
 WIDE, TOP, BACK, FRONT = 500 / 6, 70.0, -68.5, 65.0
-m = Model('tvunit', size=(500, 70, 137), sheets=5, lamp=scene.lamp_for('tvunit'), brightness=2.1, shade=0.9,
+m = Model('tvunit', size=(500, 70, 137), sheets=5, lamp=scene.lamp_for('tvunit'), brightness=2.1, shade=0.9, strip=True, crease=40,
           faint={'-y': 0.3, '-z': 0.25})
 rng = np.random.default_rng(8)
 
@@ -73,7 +73,7 @@ def drawers(k):
     x = middle(k)
     for n, (y, high) in enumerate(((20.2, 18.6), (39.4, 18.6), (58.0, 17.4))):
         m.add(box(WIDE - 5.4, high - 0.7, 2.2, 0.4), wood(WALNUT, 'x', rings=1.8), at=(x, y, 58.9), gloss=LACQUER,
-              density=1.0,
+              density=1.0, crease=40,
               seed=900)
         for side in (-1, 1):
             pull = prism(rounded_outline(9, 2.0, 0.9, 4), 0.8, 0.25)
@@ -130,7 +130,7 @@ def lamp(x, y, z, rgb, r=0.35):
 
 
 def cable(points, rgb=(0.045, 0.045, 0.05), r=0.28, steps=5):
-    m.plain(tube(curve(points, steps), r, 4), rgb, gloss=(0.15, 12, 0))
+    m.plain(tube(curve(points, steps), r, 3), rgb, gloss=(0.15, 12, 0))
 
 
 def pad(x, y, z, turn, body, accent, cord):
@@ -325,4 +325,4 @@ for n in range(5):
           turn=[('x', 40 * n), ('z', 25 * n)])
 
 ground(m, fade=3.2, sides='Z', strips=[(-250, 250, 52, 68.5, 1.2), (-250, 250, -68.5, 52, 0.08)])
-m.build(rays=48)
+m.build(rays=36)

@@ -60,7 +60,7 @@ void MakeControls(int count) {
         switch (i % 4) {
         case 0: new CGhostButton(nullptr, 0, L"BUTTON", L"Button", 0, place); break;
         case 1: new CGhostEdit(nullptr, 0, L"EDIT", L"Text", 0, place); break;
-        case 2: new CGhostCheckBox(nullptr, 0, L"BUTTON", L"Check", place); break;
+        case 2: new CGhostCheckBox(nullptr, 0, L"BUTTON", L"Check", 0, place); break;
         default: new CGhostSlider(nullptr, 0, L"T", 0, 100, place); break;
         }
     }

@@ -18,11 +18,12 @@ constexpr auto kKeypadPlus = static_cast<GHOSTGUIKey>(87);
 
 CGhostCheckBox::CGhostCheckBox(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
                                const std::wstring& wantedStyle, const std::wstring& text,
-                               const GUI_PLACE& place)
-    : caption(text) {
+                               uint32_t boxFlags, const GUI_PLACE& place)
+    : caption(text)
+    , flags(boxFlags) {
     window = MakeControlWindow(parent, creationId, this, place);
     SetStyle(wantedStyle);
-    CGhostManager::Get().SetTabStop(window, true);
+    CGhostManager::Get().SetTabStop(window, TakesKeys());
     PlaceControl(window, place);
 }
 
@@ -49,8 +50,18 @@ void CGhostCheckBox::SetEnabled(bool enable) {
     enabled = enable;
     down = captured = keyHeld = false;
     state = StateAtRest();
-    CGhostManager::Get().SetTabStop(window, enable);
+    CGhostManager::Get().SetTabStop(window, enable && TakesKeys());
     dirty = true;
+}
+
+void CGhostCheckBox::SetDown(bool wanted) {
+    down = wanted;
+    state = wanted ? static_cast<uint32_t>(CGhostButton::kPressed) : StateAtRest();
+    dirty = true;
+}
+
+bool CGhostCheckBox::TakesKeys() const {
+    return (flags & CGhostButton::kNoKeys) == 0;
 }
 
 uint32_t CGhostCheckBox::StateAtRest() const {
@@ -150,12 +161,13 @@ void CGhostCheckBox::Toggle() {
 }
 
 void CGhostCheckBox::OnKeyDown(GHOSTGUIKey key) {
-    if (enabled && IsPressKey(key)) {
+    const bool usable = enabled && TakesKeys();
+    if (usable && IsPressKey(key)) {
         state = CGhostButton::kPressed;
         down = keyHeld = true;
         dirty = true;
     } else if (const bool sets = key == kPlus || key == kKeypadPlus;
-               enabled && sets != checked && (sets || key == kMinus || key == kKeypadMinus)) {
+               usable && sets != checked && (sets || key == kMinus || key == kKeypadMinus)) {
         Toggle();
     } else {
         MoveFocusByKey(key);

@@ -6,13 +6,15 @@
 
 class CGhostCheckBox : public CGhostGUIHandler, public CGhostGUICommonFunc {
 public:
+    // Of CGhostButton's flags it has kNoKeys.
     CGhostCheckBox(GHOSTMANAGER_WINDOW* parent, uint32_t creationId, const std::wstring& style,
-                   const std::wstring& caption, const GUI_PLACE& place);
+                   const std::wstring& caption, uint32_t boxFlags, const GUI_PLACE& place);
 
     void SetCaption(const std::wstring& text);
     void SetStyle(const std::wstring& name);
     void SetChecked(bool wanted);
     void SetEnabled(bool enable);
+    void SetDown(bool wanted); // false: as it is at rest
     [[nodiscard]] bool IsChecked() const { return checked; }
     [[nodiscard]] uint32_t GetState() const { return state; } // as CGhostButton's
 
@@ -38,6 +40,7 @@ private:
     [[nodiscard]] bool Inside(int x, int y) const;
     [[nodiscard]] uint32_t StateAtRest() const;
     [[nodiscard]] const GhostTexture& Square() const;
+    [[nodiscard]] bool TakesKeys() const;
     void Toggle();
     void LosePress();
 
@@ -49,6 +52,7 @@ private:
     bool captured = false;
     int32_t width = 0;
     int32_t height = 0;
+    uint32_t flags;
     bool enabled = true;
     bool checked = false;
     bool focused = false;

@@ -80,13 +80,19 @@ bool CGhostList::Usable(int32_t row) const {
 }
 
 int32_t CGhostList::WidestItem() const {
-    const int32_t side = ListImageSide(style.imageList);
     int32_t widest = 0;
     for (const GHOSTLIST_ITEM& item : items) {
-        const int32_t image = side > 0 && item.image >= 0 ? side + kBeside : 0;
-        widest = std::max(widest, image + MeasureText(style.itemNormal.font, item.text).width);
+        widest = std::max(widest, MeasureText(style.itemNormal.font, item.text).width);
     }
-    return widest;
+    return widest + TextX();
+}
+
+int32_t CGhostList::TextX() const {
+    const int32_t side = ListImageSide(style.imageList);
+    const bool images =
+        side > 0 && std::any_of(items.begin(), items.end(),
+                                [](const GHOSTLIST_ITEM& item) { return item.image >= 0; });
+    return images ? side + kBeside : 0;
 }
 
 // ---- What is reported.
@@ -164,24 +170,22 @@ GhostTextStyle CGhostList::RowStyle(int32_t row) const {
     return odd ? style.item2Normal : style.itemNormal;
 }
 
-void CGhostList::PaintRow(CGhostSurface& surface, int32_t row, int32_t y) const {
+void CGhostList::PaintRow(CGhostSurface& surface, int32_t row, int32_t y, int32_t textX) const {
     const GHOSTLIST_ITEM& item = items[static_cast<size_t>(row)];
     GhostTextStyle text = RowStyle(row);
     PaintFill(surface, text.bg, {0, y, width, rowHeight});
     text.bg.type = GhostFill::kNone;
-    int32_t x = 0;
-    if (const int32_t side = ListImageSide(style.imageList); side > 0 && item.image >= 0) {
-        PaintListImage(surface, style.imageList, item.image, 0, y + (rowHeight - side) / 2);
-        x = side + kBeside;
-    }
-    PaintText(surface, text, item.text, {x, y, width - x, rowHeight});
+    const int32_t side = ListImageSide(style.imageList);
+    PaintListImage(surface, style.imageList, item.image, 0, y + (rowHeight - side) / 2);
+    PaintText(surface, text, item.text, {textX, y, width - textX, rowHeight});
 }
 
 void CGhostList::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
     PaintFill(*surface, style.bg.bg, {0, 0, width, height});
+    const int32_t textX = TextX();
     const int32_t first = scrollPixels / rowHeight;
     for (int32_t row = first; row < Count() && row * rowHeight - scrollPixels < height; ++row) {
-        PaintRow(*surface, row, row * rowHeight - scrollPixels);
+        PaintRow(*surface, row, row * rowHeight - scrollPixels, textX);
     }
     if (focused) {
         PaintFocusRing(*surface, {0, 0, width, height});

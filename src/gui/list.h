@@ -70,7 +70,8 @@ private:
 
     [[nodiscard]] const GUI_EDGES& FrameEdges() const { return style.bg.border.thickness; }
     [[nodiscard]] GhostTextStyle RowStyle(int32_t row) const;
-    void PaintRow(CGhostSurface& surface, int32_t row, int32_t y) const;
+    [[nodiscard]] int32_t TextX() const; // of every row: beside the images, if any row has one
+    void PaintRow(CGhostSurface& surface, int32_t row, int32_t y, int32_t textX) const;
 
     std::vector<GHOSTLIST_ITEM> items;
     GhostListStyle style;

@@ -30,7 +30,7 @@ void CGhostListView::SetStyle(const std::wstring& name) {
                                      ListImageSide(style.list.imageList));
     SetRowHeight(style.itemHeight > 0 ? style.itemHeight : content + kRowGap);
     for (const COLUMN& column : columns) {
-        column.heading->SetStyle(style.header);
+        column.heading->SetStyle(HeadingStyle(column));
     }
     CGhostManager::Get().SetWindowFrame(window, &style.list.bg.border);
     dirty = true;

@@ -116,6 +116,7 @@ private:
     [[nodiscard]] const GhostTextStyle& CellStyle(const GHOSTLISTVIEW_ITEM& cell,
                                                   int32_t row) const;
     void MakeHeading(int32_t column);
+    [[nodiscard]] GhostButtonStyle HeadingStyle(const COLUMN& column) const;
     void PlaceHeadings();
     void HeadingState(int32_t column, int x, bool pressed, bool released);
     void HeadingClicked(int32_t column);

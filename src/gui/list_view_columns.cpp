@@ -37,7 +37,7 @@ void CGhostListView::MakeHeading(int32_t column) {
     const uint32_t grips = (flags & kFixedColumns) != 0 ? 0 : CGhostButton::kGrips;
     made.heading = new CGhostButton(window, GetFlags(), L"none", made.caption,
                                     CGhostButton::kNoKeys | grips, {});
-    made.heading->SetStyle(style.header);
+    made.heading->SetStyle(HeadingStyle(made));
     CGhostManager::Get().SetPart(made.heading->window);
     made.heading->OnState.connect(
         [this, column](CGhostButton*, int x, int, bool pressed, bool released) {
@@ -49,6 +49,18 @@ void CGhostListView::MakeHeading(int32_t column) {
         SetFocus(); // a heading has no keys of its own
         Wheel(up);
     });
+}
+
+// Its text lies at the side where the column's does.
+GhostButtonStyle CGhostListView::HeadingStyle(const COLUMN& column) const {
+    constexpr uint32_t kAcross = kAlignLeft | kAlignRight;
+    GhostButtonStyle heading = style.header;
+    if (const uint32_t across = column.align & kAcross; across != 0) {
+        for (GhostTextStyle& state : heading.states) {
+            state.align = (state.align & ~kAcross) | across;
+        }
+    }
+    return heading;
 }
 
 void CGhostListView::PlaceHeadings() {

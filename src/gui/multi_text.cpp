@@ -30,8 +30,13 @@ CGhostMultiText::CGhostMultiText(GHOSTMANAGER_WINDOW* parent, uint32_t creationI
     : CGhostScrolledArea(parent, creationId, wantedStyle, place)
     , text(caption)
     , shown(Shown(caption)) {
-    CGhostTheme::Get().GetStyle(wantedStyle, style);
+    SetStyle(wantedStyle);
+}
+
+void CGhostMultiText::SetStyle(const std::wstring& name) {
+    CGhostTheme::Get().GetStyle(name, style);
     CGhostManager::Get().SetWindowFrame(window, &style.border);
+    Lay(); // the frame may be as thick as before
 }
 
 void CGhostMultiText::SetText(const std::wstring& wanted) {

@@ -13,6 +13,7 @@ public:
     CGhostMultiText(GHOSTMANAGER_WINDOW* parent, uint32_t creationId, const std::wstring& style,
                     const std::wstring& caption, const GUI_PLACE& place);
 
+    void SetStyle(const std::wstring& name);  // its border becomes the frame
     void SetText(const std::wstring& wanted); // scrolls back to its start
     [[nodiscard]] const std::wstring& Text() const { return text; }
     // Of the text as it is laid out, with its margins and frame; in units.

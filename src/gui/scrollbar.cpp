@@ -37,6 +37,12 @@ void CGhostScrollbar::UpdateTabStop() {
     CGhostManager::Get().SetTabStop(window, ownKeys && total > page);
 }
 
+void CGhostScrollbar::SetStyle(const std::wstring& name) {
+    GhostScrollbarStyle found;
+    CGhostTheme::Get().GetStyle(name, found);
+    SetStyle(found);
+}
+
 void CGhostScrollbar::SetStyle(const GhostScrollbarStyle& wanted) {
     style = wanted;
     PlaceThumb();

@@ -16,6 +16,7 @@ public:
 
     // -1 keeps a value. With `recalc` the thumb's length is computed anew.
     void SetRange(int32_t total, int32_t page, int32_t pos, bool recalc);
+    void SetStyle(const std::wstring& name);
     void SetStyle(const GhostScrollbarStyle& wanted);
     // How far an arrow button goes.
     void SetStep(int32_t wanted) { step = wanted; }

@@ -20,9 +20,14 @@ CGhostSlider::CGhostSlider(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
     : minimum(least)
     , range(extent) {
     window = MakeControlWindow(parent, creationId, this, place);
-    CGhostTheme::Get().GetStyle(wantedStyle, style);
+    SetStyle(wantedStyle);
     CGhostManager::Get().SetTabStop(window, true);
     PlaceControl(window, place);
+}
+
+void CGhostSlider::SetStyle(const std::wstring& name) {
+    CGhostTheme::Get().GetStyle(name, style);
+    dirty = true;
 }
 
 void CGhostSlider::SetValue(float wanted) {

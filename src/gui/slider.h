@@ -11,6 +11,7 @@ public:
     CGhostSlider(GHOSTMANAGER_WINDOW* parent, uint32_t creationId, const std::wstring& style,
                  float minimum, float range, const GUI_PLACE& place);
 
+    void SetStyle(const std::wstring& name);
     void SetValue(float wanted); // 0 to 1
     void SetPixel(int x);        // from the left, in units
     void SetReadOnly(bool wanted);

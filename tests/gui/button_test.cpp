@@ -138,7 +138,7 @@ TEST_F(Button, ArrowsMoveTheFocusBetweenButtons) {
 
 TEST_F(CheckBox, AReleaseInsideTogglesAndAKeyOnlyReports) {
     auto* const box =
-        new CGhostCheckBox(nullptr, 0, L"BUTTON", L"check", {false, 100, 100, 200, 24});
+        new CGhostCheckBox(nullptr, 0, L"BUTTON", L"check", 0, {false, 100, 100, 200, 24});
     std::vector<bool> values;
     box->OnChange.connect([&](CGhostCheckBox*, bool value) { values.push_back(value); });
     ClickAt(150, 110);
@@ -162,7 +162,7 @@ TEST_F(CheckBox, AReleaseInsideTogglesAndAKeyOnlyReports) {
 // A box that opens while return is held gets its release.
 TEST_F(Button, AKeyThatWentDownElsewhereDoesNothing) {
     CGhostButton* const button = Make(0);
-    auto* const box = new CGhostCheckBox(nullptr, 0, L"BUTTON", L"", {false, 300, 100, 90, 24});
+    auto* const box = new CGhostCheckBox(nullptr, 0, L"BUTTON", L"", 0, {false, 300, 100, 90, 24});
     box->OnChange.connect([this](auto&&...) { told += "change "; });
     for (GHOSTMANAGER_WINDOW* const window : {button->window, box->window}) {
         KeyDown(kReturn);
@@ -191,7 +191,7 @@ TEST_F(CheckBox, ADisabledOneShowsWhetherItIsChecked) {
             "</texture></textbox><textbox name='disabled'><texture type='color'>"
             "<color name='bg' val='FF000055'/></texture></textbox>" +
             others + "</button></theme>");
-        auto* const box = new CGhostCheckBox(nullptr, 0, L"B", L"", {false, 0, 0, 90, 24});
+        auto* const box = new CGhostCheckBox(nullptr, 0, L"B", L"", 0, {false, 0, 0, 90, 24});
         box->SetChecked(checked);
         box->SetEnabled(false);
         EXPECT_EQ(box->IsChecked(), checked);
@@ -204,4 +204,35 @@ TEST_F(CheckBox, ADisabledOneShowsWhetherItIsChecked) {
                      "<color name='bg' val='FF000077'/></texture></textbox>",
                      true),
               0xFF000077);
+}
+
+TEST_F(CheckBox, WithoutKeysItIsNoStopAndIgnoresThem) {
+    auto* const box = new CGhostCheckBox(nullptr, 0, L"BUTTON", L"", CGhostButton::kNoKeys,
+                                         {false, 300, 100, 90, 24});
+    int reports = 0;
+    box->OnChange.connect([&](CGhostCheckBox*, bool) { ++reports; });
+    EXPECT_FALSE(box->window->tabStop);
+    box->SetEnabled(false);
+    box->SetEnabled(true);
+    EXPECT_FALSE(box->window->tabStop);
+    Focus(box->window);
+    for (const uint32_t key : {kSpace, kReturn, 46u}) {
+        Key(key);
+    }
+    EXPECT_EQ(reports, 0);
+    ClickAt(310, 110);
+    EXPECT_EQ(reports, 1) << "the mouse still checks it";
+    EXPECT_TRUE(box->IsChecked());
+}
+
+TEST_F(CheckBox, SetDownShowsItPressedAndBackAsItWas) {
+    auto* const box = new CGhostCheckBox(nullptr, 0, L"BUTTON", L"", 0, {false, 300, 100, 90, 24});
+    box->SetDown(true);
+    EXPECT_EQ(box->GetState(), CGhostButton::kPressed);
+    EXPECT_FALSE(box->IsChecked());
+    box->SetDown(false);
+    EXPECT_EQ(box->GetState(), CGhostButton::kNormal);
+    box->SetChecked(true);
+    box->SetDown(false);
+    EXPECT_EQ(box->GetState(), CGhostButton::kPressed) << "it is checked";
 }

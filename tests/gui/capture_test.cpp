@@ -33,7 +33,7 @@ protected:
                     [=] { return seen() + (made->IsDown() ? " down" : " up"); }};
         }
         if (name == "check box") {
-            auto* const made = new CGhostCheckBox(parent, 0, L"BUTTON", L"", kPlace);
+            auto* const made = new CGhostCheckBox(parent, 0, L"BUTTON", L"", 0, kPlace);
             made->SetChecked(true);
             return {name, made->window, 60, 60,
                     [=] { return std::string(made->IsChecked() ? "checked" : "unchecked"); }};

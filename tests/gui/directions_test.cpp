@@ -301,7 +301,7 @@ TEST_F(Directions, AKeyThatIsHeldStopsAtTheEndOfAControl) {
 
 TEST_F(Directions, ADisabledControlIsPassedByAndLetsGo) {
     auto* const button = new CGhostButton(nullptr, 0, L"BUTTON", L"", 0, kPlace);
-    auto* const box = new CGhostCheckBox(nullptr, 0, L"BUTTON", L"", {false, 200, 300, 200, 20});
+    auto* const box = new CGhostCheckBox(nullptr, 0, L"BUTTON", L"", 0, {false, 200, 300, 200, 20});
     auto* const drop = new CGhostDropList(nullptr, 0, L"DROP", L"", 90, {false, 200, 330, 200, 20});
     Focus(drop->window);
     button->SetEnabled(false);

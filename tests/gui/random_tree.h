@@ -182,7 +182,7 @@ private:
             break;
         }
         case 3: {
-            auto* const made = new CGhostCheckBox(parent, 0, L"BUTTON", L"check", place);
+            auto* const made = new CGhostCheckBox(parent, 0, L"BUTTON", L"check", 0, place);
             made->OnChange.connect([this](auto&&...) { Disturb(); });
             break;
         }

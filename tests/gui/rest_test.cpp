@@ -19,7 +19,7 @@ TEST_F(Rest, EveryControlAtRestCostsNoUpload) {
     button->SetToolTip(L"What it does");
     new CGhostButton(parent, 0, L"BUTTON", L"latch", CGhostButton::kLatches,
                      {false, 100, 10, 80, 28});
-    new CGhostCheckBox(parent, 0, L"BUTTON", L"check", {false, 200, 10, 200, 24});
+    new CGhostCheckBox(parent, 0, L"BUTTON", L"check", 0, {false, 200, 10, 200, 24});
     new CGhostEdit(parent, 0, L"EDIT", L"text", 0, {false, 10, 50, 200, 28});
     new CGhostSlider(parent, 0, L"T", 0, 10, {false, 10, 90, 200, 28});
     new CGhostTextBox(parent, 0, L"T", L"label", {false, 10, 130, 200, 28});

@@ -45,7 +45,7 @@ protected:
             return made->window;
         }
         case 2: {
-            auto* const made = new CGhostCheckBox(panel->window, 0, L"BUTTON", L"", kPlace);
+            auto* const made = new CGhostCheckBox(panel->window, 0, L"BUTTON", L"", 0, kPlace);
             connect(Ends(made->window), made->OnChange);
             return made->window;
         }

@@ -253,7 +253,7 @@ void BuildCheckBoxes(GHOSTMANAGER_WINDOW* root, int32_t y) {
     for (const bool checked : {false, true}) {
         for (size_t i = 0; i < kBoxStates.size(); ++i) {
             auto* const box =
-                new CGhostCheckBox(root, 0, L"CHECKBOX", L"3D Glasses",
+                new CGhostCheckBox(root, 0, L"CHECKBOX", L"3D Glasses", 0,
                                    {false, ColumnX(i), y + (checked ? 32 : 0), 130, 25});
             box->SetChecked(checked);
             switch (kBoxStates[i]) {
@@ -318,7 +318,7 @@ void BuildLongTexts(GHOSTMANAGER_WINDOW* root, int32_t y) {
     new CGhostEdit(root, 0, L"EDIT", std::wstring(kSentence), 0,
                    {false, kX + 444, y + 24, 244, 25});
     GalleryDropList(root, kSentence, {kX + 444, y + 60, 244, 25});
-    auto* const box = new CGhostCheckBox(root, 0, L"CHECKBOX", std::wstring(kSentence),
+    auto* const box = new CGhostCheckBox(root, 0, L"CHECKBOX", std::wstring(kSentence), 0,
                                          {false, kX + 444, y + 96, 244, 25});
     box->SetChecked(true);
     GalleryButton(root, L"BUTTON", kSentence, GalleryState::kNormal, {kX + 444, y + 132, 244, 25});

@@ -111,9 +111,9 @@ void BuildBrowserPage(GHOSTMANAGER_WINDOW* root) {
     GalleryDropList(options, L"Control Pad", {80, 45, 260, 25});
     GalleryText(options, L"TEXT_RIGHT", L"INPUT 2:", {345, 45, 70, 25});
     GalleryDropList(options, L"Light Phaser", {420, 45, 260, 25});
-    new CGhostCheckBox(options, 0, L"CHECKBOX", L"3D Glasses", {false, 80, 80, 110, 25});
+    new CGhostCheckBox(options, 0, L"CHECKBOX", L"3D Glasses", 0, {false, 80, 80, 110, 25});
     auto* const chip =
-        new CGhostCheckBox(options, 0, L"CHECKBOX", L"FM Chip", {false, 190, 80, 110, 25});
+        new CGhostCheckBox(options, 0, L"CHECKBOX", L"FM Chip", 0, {false, 190, 80, 110, 25});
     chip->SetChecked(true);
     GalleryButton(area, L"PLAYOFFLINE", L"START GAME", GalleryState::kNormal, {745, 560, 170, 36});
     GalleryButton(area, L"HOSTGAME", L"HOST GAME", GalleryState::kNormal, {925, 560, 160, 36});

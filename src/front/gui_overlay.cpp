@@ -48,6 +48,8 @@ void GuiOverlay::Start(const DRAW_TARGET& target) {
         [this](uint32_t id, const uint32_t* pixels, int32_t stride) {
             textures.Upload(id, pixels, stride);
         },
+        // The flags name windows with a scene behind them, such as a game's box (kWindowBackgroundPass). No
+        // window asks for one yet; the one that does comes with the browser of games.
         [this](uint32_t id, uint32_t /*flags*/, int32_t sourceX, int32_t sourceY, int32_t x,
                int32_t y, int32_t width, int32_t height) {
             if (id != kCompositeStart) { // the picture below has been drawn

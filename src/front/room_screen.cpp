@@ -30,7 +30,7 @@ constexpr uint32_t kLeftShift = 225;
 constexpr uint32_t kLeftButton = 1;
 constexpr uint32_t kMiddleButton = 2;
 constexpr uint64_t kFirstPad = (uint64_t{1} << kPadControls) - 1;
-constexpr float kLongestStep = 0.1f; // seconds, also after a pause
+constexpr float kLongestStep = 0.1f;       // seconds, also after a pause
 constexpr int64_t kGeneralHint = 10000000; // microseconds that the hint to walk stays
 constexpr int64_t kFullScreenHint = 4000000;
 
@@ -260,7 +260,8 @@ void RoomScreen::VisitSet(int step) {
     }
     const auto count = static_cast<int>(sets.size());
     const auto at = std::find(sets.begin(), sets.end(), modes.Selected().id);
-    const int from = at != sets.end() ? static_cast<int>(at - sets.begin()) : (step > 0 ? -1 : count);
+    const int from =
+        at != sets.end() ? static_cast<int>(at - sets.begin()) : (step > 0 ? -1 : count);
     visited = sets[static_cast<size_t>(((from + step) % count + count) % count)];
     const STANDPOINT point = StandpointBefore(*objects.Find(visited));
     StandAt(point.from, point.at);
@@ -435,9 +436,10 @@ std::wstring RoomScreen::Hint(int64_t now) const {
     if (now - hintsSince >= kGeneralHint) {
         return {};
     }
-    return padInHand ? L"Left stick   Walk      Right stick   Look      " + name(L"", kPadBack, L"Page Down") +
-                           L"   Next set"
+    return padInHand ? L"Left stick   Walk      Right stick   Look      " +
+                           name(L"", kPadBack, L"Page Down") + L"   Next set"
                      : ActionKeyName(L"Move Forward") + L" " + ActionKeyName(L"Move Left") + L" " +
                            ActionKeyName(L"Move Back") + L" " + ActionKeyName(L"Move Right") +
-                           L"   Walk      Mouse   Look      Page Down   Next set      Esc   Free the mouse";
+                           L"   Walk      Mouse   Look      Page Down   Next set      Esc   Free "
+                           L"the mouse";
 }

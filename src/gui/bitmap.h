@@ -34,8 +34,8 @@ struct GUI_IMAGE_ROW {
 // The table that LoadThemeBitmap looks names up in; the rows must stay.
 void SetThemeImages(std::span<const GUI_IMAGE_ROW> rows);
 
-// Decodes the image of that name, compared whole. Each call makes a bitmap of its own, which stays
-// until the program ends. Null for a name that is not in the table or an image that is damaged.
+// The image of that name, compared whole. It is decoded with the first call and stays until the program
+// ends; all that name it share it. Null for a name that is not in the table or an image that is damaged.
 [[nodiscard]] const GUI_BITMAP* LoadThemeBitmap(std::string_view name);
 
 // Reduces every bitmap that has been loaded to another density, in place.

@@ -17,16 +17,12 @@ void PlaceControl(GHOSTMANAGER_WINDOW* window, const GUI_PLACE& place) {
 void PaintFocusRing(CGhostSurface& surface, const GUI_RECT& rect) {
     constexpr int32_t kThickness = 2;
     constexpr int32_t kCorner = 4; // that of the controls
-    GhostTextStyle style;
-    if (!CGhostTheme::Get().GetStyle(L"FOCUS", style) || style.textColour >> 24 == 0) {
-        style.textColour = 0xFFFFB347; // visible even if the theme has no FOCUS style
-        style.textOutlineColour = 0xFF0B0E1F;
-    }
-    PaintRing(surface, rect, kThickness, kCorner, style.textColour);
+    const CGhostTheme::RING_COLOURS& colours = CGhostTheme::Get().FocusRing();
+    PaintRing(surface, rect, kThickness, kCorner, colours.line);
     PaintRing(surface,
               {rect.x + kThickness, rect.y + kThickness, rect.width - 2 * kThickness,
                rect.height - 2 * kThickness},
-              1, kCorner - kThickness, style.textOutlineColour);
+              1, kCorner - kThickness, colours.outline);
 }
 
 bool MoveFocusByKey(GHOSTGUIKey key) {

@@ -104,7 +104,9 @@ void CGhostDropList::PlaceList() {
     GUI_RECT at;
     manager.GetScreenRect(window, &at);
     const int32_t height = std::min(list->ContentHeight() + list->FrameHeight(), maxHeight);
-    const GUI_RECT place = DropPlace(at, at.width, height, manager.ScreenRect());
+    placedFor = at;
+    screen = manager.ScreenRect();
+    const GUI_RECT place = DropPlace(at, at.width, height, screen);
     list->SetPos(place.x, place.y, place.width, place.height);
 }
 
@@ -166,10 +168,18 @@ bool CGhostDropList::SelectUsable(int32_t index, int32_t step) {
     return true;
 }
 
-// A list whose control is hidden goes with it. Its bar does not tell who took the focus from it.
+// A list whose control is hidden goes with it, and one whose control has moved is in the wrong place. Its bar
+// does not tell who took the focus from it.
 void CGhostDropList::OnTick(unsigned microseconds) {
     typeAhead.Tick(microseconds);
-    if (open && (!IsVisible() || !IsOwnPart(CGhostManager::Get().FocusWindow()))) {
+    if (!open) {
+        return;
+    }
+    const CGhostManager& manager = CGhostManager::Get();
+    GUI_RECT at;
+    manager.GetScreenRect(window, &at);
+    if (!IsVisible() || !IsOwnPart(manager.FocusWindow()) || at != placedFor ||
+        screen != manager.ScreenRect()) {
         CloseList();
     }
 }

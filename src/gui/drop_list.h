@@ -63,6 +63,8 @@ private:
     GhostDropListStyle style;
     CGhostButton* arrow = nullptr;
     CGhostList* list = nullptr; // its window is owned by this one's, and ends first
+    GUI_RECT placedFor;         // the control's place when it opened, on the screen
+    GUI_RECT screen;
     int32_t maxHeight;
     int32_t chosen = -1; // the row that the face shows
     bool open = false;

@@ -10,6 +10,12 @@ namespace {
 
 using Flip = CGhostSurface::Flip;
 
+// A target may be far larger than what is seen of it. Of pieces that lie beside each other every `step`
+// units from `start`, the place of the first that reaches into what is seen.
+int32_t FirstSeen(int32_t start, int32_t step, int32_t seenFrom) {
+    return seenFrom > start ? start + (seenFrom - start) / step * step : start;
+}
+
 // The left end, the middle again and again, the right end. In a target too narrow for both ends the
 // right one lies over the left.
 void SmartHorizontal(CGhostSurface& surface, const GhostTexture& texture, const GUI_RECT& target) {
@@ -19,8 +25,12 @@ void SmartHorizontal(CGhostSurface& surface, const GhostTexture& texture, const 
     const int32_t middle = bitmap.width - left - right;
     surface.Blit(bitmap, {target.x, target.y, left, bitmap.height}, 0, 0);
     const int32_t end = target.Right() - right;
-    for (int32_t x = target.x + left; middle > 0 && x < end; x += middle) {
-        surface.Blit(bitmap, {x, target.y, std::min(middle, end - x), bitmap.height}, left, 0);
+    if (middle > 0) {
+        const GUI_RECT seen = surface.Visible();
+        const int32_t last = std::min(end, seen.Right());
+        for (int32_t x = FirstSeen(target.x + left, middle, seen.x); x < last; x += middle) {
+            surface.Blit(bitmap, {x, target.y, std::min(middle, end - x), bitmap.height}, left, 0);
+        }
     }
     surface.Blit(bitmap, {end, target.y, right, bitmap.height}, bitmap.width - right, 0);
 }
@@ -32,17 +42,24 @@ void SmartVertical(CGhostSurface& surface, const GhostTexture& texture, const GU
     const int32_t middle = bitmap.height - top - bottom;
     surface.Blit(bitmap, {target.x, target.y, bitmap.width, top}, 0, 0);
     const int32_t end = target.Bottom() - bottom;
-    for (int32_t y = target.y + top; middle > 0 && y < end; y += middle) {
-        surface.Blit(bitmap, {target.x, y, bitmap.width, std::min(middle, end - y)}, 0, top);
+    if (middle > 0) {
+        const GUI_RECT seen = surface.Visible();
+        const int32_t last = std::min(end, seen.Bottom());
+        for (int32_t y = FirstSeen(target.y + top, middle, seen.y); y < last; y += middle) {
+            surface.Blit(bitmap, {target.x, y, bitmap.width, std::min(middle, end - y)}, 0, top);
+        }
     }
     surface.Blit(bitmap, {target.x, end, bitmap.width, bottom}, 0, bitmap.height - bottom);
 }
 
 void Tile(CGhostSurface& surface, const GUI_BITMAP& bitmap, const GUI_RECT& target, bool across) {
-    const int32_t columnsEnd = across ? target.Right() : target.x + 1;
-    for (int32_t y = target.y; y < target.Bottom(); y += bitmap.height) {
+    const GUI_RECT seen = surface.Visible();
+    const int32_t rowsEnd = std::min(target.Bottom(), seen.Bottom());
+    const int32_t columnsFrom = across ? FirstSeen(target.x, bitmap.width, seen.x) : target.x;
+    const int32_t columnsEnd = across ? std::min(target.Right(), seen.Right()) : target.x + 1;
+    for (int32_t y = FirstSeen(target.y, bitmap.height, seen.y); y < rowsEnd; y += bitmap.height) {
         const int32_t height = std::min(bitmap.height, target.Bottom() - y);
-        for (int32_t x = target.x; x < columnsEnd; x += bitmap.width) {
+        for (int32_t x = columnsFrom; x < columnsEnd; x += bitmap.width) {
             const int32_t width = std::min(bitmap.width, target.Right() - x);
             surface.Blit(bitmap, {x, y, width, height}, 0, 0);
         }
@@ -200,7 +217,7 @@ void PaintRoundRings(CGhostSurface& surface, const GhostBorderStyle& border) {
 
 // The top and the bottom over the whole width, the sides between them.
 void PaintUserFrame(CGhostSurface& surface, const GhostBorderStyle& border) {
-    const GUI_EDGES& edge = border.thickness;
+    const GUI_EDGES edge = Thicknesses(border.thickness);
     const int32_t width = surface.Width();
     const int32_t height = surface.Height();
     const int32_t between = height - edge.top - edge.bottom;

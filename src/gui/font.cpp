@@ -197,6 +197,7 @@ CGhostFontManager::~CGhostFontManager() = default;
 
 int32_t CGhostFontManager::AddFont(std::string_view name, std::span<const uint8_t> data,
                                    int32_t size, uint32_t flags) {
+    const std::scoped_lock hold(freetype->lock); // the library makes one face at a time
     FT_Face probe = nullptr;
     if (freetype->manager == nullptr ||
         FT_New_Memory_Face(freetype->library, data.data(), static_cast<FT_Long>(data.size()), 0,
@@ -208,7 +209,6 @@ int32_t CGhostFontManager::AddFont(std::string_view name, std::span<const uint8_
     if (!scalable) {
         return -1;
     }
-    const std::scoped_lock hold(freetype->lock);
     freetype->registered.push_back({std::string(name), data, size, flags});
     return static_cast<int32_t>(freetype->registered.size()) - 1;
 }

@@ -34,6 +34,12 @@ struct GUI_EDGES {
     bool operator==(const GUI_EDGES&) const = default;
 };
 
+// Thicknesses as a theme may have them; none is below 0.
+[[nodiscard]] constexpr GUI_EDGES Thicknesses(const GUI_EDGES& edges) {
+    return {std::max(edges.left, 0), std::max(edges.top, 0), std::max(edges.right, 0),
+            std::max(edges.bottom, 0)};
+}
+
 // Empty, with a size of 0 each way, where they do not meet.
 [[nodiscard]] constexpr GUI_RECT Intersection(const GUI_RECT& a, const GUI_RECT& b) {
     const int32_t x = std::max(a.x, b.x);

@@ -1,5 +1,6 @@
 #include "gui/keyboard.h"
 
+#include "gui/control_input.h"
 #include "gui/edit.h"
 #include "gui/manager.h"
 #include "gui/surface.h"
@@ -79,6 +80,12 @@ void CGhostKeyboard::OnTick(unsigned /*microseconds*/) {
         screen = now;
         const GUI_PLACE place = Place();
         SetPos(place.x, place.y, place.width, place.height);
+    }
+    if (held != kNone) {
+        RestWithoutCapture(window, [this] {
+            held = kNone;
+            dirty = true;
+        });
     }
 }
 
@@ -313,15 +320,26 @@ void CGhostKeyboard::OnMouseUp(int x, int y, unsigned button) {
     }
 }
 
+// Of a text that is too long, the part up to the caret is what is being written.
+void CGhostKeyboard::PaintPreview(CGhostSurface& surface, const GUI_RECT& line) {
+    const std::wstring_view text = edit->Text();
+    const int32_t room = line.width - preview.textRect.left - preview.textRect.right;
+    const std::wstring_view before = text.substr(0, edit->Caret());
+    const std::wstring_view after = text.substr(before.size());
+    const int32_t caret = MeasureText(preview.font, L"|").width;
+    std::wstring shown(
+        before.substr(before.size() - FitTextEnd(preview.font, before, room - caret)));
+    shown += L'|';
+    shown += after.substr(
+        0, FitText(preview.font, after, room - MeasureText(preview.font, shown).width));
+    surface.PushOrigin(line);
+    PaintText(surface, preview, shown, {0, 0, line.width, line.height});
+    surface.PopOrigin();
+}
+
 void CGhostKeyboard::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
-    const GUI_RECT line{kMargin, kMargin, kPanelWide - 2 * kMargin, kPreviewHigh};
     if (edit != nullptr) {
-        // The end of a text that is too long is what is being written.
-        std::wstring shown = edit->Text().substr(0, edit->Caret()) + L"|";
-        while (MeasureText(preview.font, shown).width > line.width && shown.size() > 1) {
-            shown.erase(0, 1);
-        }
-        PaintText(*surface, preview, shown + edit->Text().substr(edit->Caret()), line);
+        PaintPreview(*surface, {kMargin, kMargin, kPanelWide - 2 * kMargin, kPreviewHigh});
     }
     for (size_t i = 0; i < keys.size(); ++i) {
         const bool down = i == held || (keys[i].action == Action::kShift && shifted);

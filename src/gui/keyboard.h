@@ -61,6 +61,7 @@ private:
     [[nodiscard]] std::wstring Caption(const KEY& key) const;
     [[nodiscard]] size_t KeyAt(int x, int y) const;
     void PressKey(size_t index);
+    void PaintPreview(CGhostSurface& surface, const GUI_RECT& line);
 
     CGhostWindowEx* frame = nullptr; // whose chain this is the second of
     CGhostEdit* edit;

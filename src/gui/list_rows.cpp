@@ -75,7 +75,8 @@ int32_t RowAt(int64_t place, int32_t rowHeight, int32_t count) {
 }
 
 int32_t ScrollToRow(int32_t row, int32_t rowHeight, int32_t page, int32_t scroll) {
-    const int32_t top = row * rowHeight;
+    constexpr int64_t kMost = 1 << 30;
+    const auto top = static_cast<int32_t>(std::min(int64_t{row} * rowHeight, kMost));
     if (top < scroll || rowHeight > page) {
         return top;
     }

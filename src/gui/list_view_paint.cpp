@@ -8,8 +8,12 @@ GUI_RECT CGhostListView::CellPlace(int32_t row, int32_t column) const {
     if (row < 0 || row >= rowCount || column < 0 || column >= ColumnCount()) {
         return {};
     }
-    const int32_t y = style.headerHeight + row * rowHeight - scrollPixels;
-    return Intersection({ColumnX(column), y, ColumnWidth(column), rowHeight},
+    const int64_t y = int64_t{row} * rowHeight - scrollPixels;
+    if (y >= Page()) {
+        return {};
+    }
+    return Intersection({ColumnX(column), style.headerHeight + static_cast<int32_t>(y),
+                         ColumnWidth(column), rowHeight},
                         {0, style.headerHeight, width, Page()});
 }
 

@@ -218,6 +218,12 @@ void CGhostManager::TickToolTip() {
     std::wstring text;
     {
         const std::scoped_lock hold(treeLock);
+        // Its window may be hidden, freed, moved or covered though the mouse rests.
+        if (const GHOSTMANAGER_WINDOW* const at = toolTipVisible ? UnderCursor() : nullptr;
+            toolTipVisible && (at == nullptr || at->id != toolTipFor)) {
+            HideToolTip();
+            return;
+        }
         if (toolTipVisible || captureWindow != nullptr || toolTipWindow == nullptr ||
             hoverWindow == nullptr || timeMicroseconds - lastActivity <= kHoverMicroseconds) {
             return;
@@ -231,9 +237,10 @@ void CGhostManager::TickToolTip() {
     }
     {
         const std::scoped_lock hold(treeLock);
-        if (hovered->toolTip == nullptr) {
+        if (hovered->toolTip == nullptr || hovered != UnderCursor()) {
             return;
         }
+        toolTipFor = hovered->id;
         text = *hovered->toolTip;
         toolTipVisible = true;
     }

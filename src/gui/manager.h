@@ -225,6 +225,9 @@ private:
                      int x, int y);
     void FrameInput(GHOSTMANAGER_WINDOW& window, GUI_INPUT_RECORD& record, int x, int y);
     void NoteActivity(const GUI_INPUT_RECORD& record);
+    void HideToolTip();
+    [[nodiscard]] bool WithinToolTip(const GHOSTMANAGER_WINDOW* window) const;
+    [[nodiscard]] GHOSTMANAGER_WINDOW* UnderCursor() const; // client area or frame
     void FreeSubtree(GHOSTMANAGER_WINDOW* window);
     [[nodiscard]] GHOSTMANAGER_WINDOW* OwnedBy(const GHOSTMANAGER_WINDOW* owner) const;
     [[nodiscard]] GHOSTMANAGER_WINDOW* WithId(uint32_t id) const;
@@ -290,6 +293,7 @@ private:
     GHOSTMANAGER_WINDOW* lastWindow = nullptr;  // the frontmost
     bool captureInFrame = false;
     bool toolTipVisible = false;
+    uint32_t toolTipFor = 0;                      // id of the window whose text it shows
     GHOSTMANAGER_WINDOW* captureWindow = nullptr; // under a held button
     GHOSTMANAGER_WINDOW* hoverWindow = nullptr;
     GHOSTMANAGER_WINDOW* focusWindow = nullptr;

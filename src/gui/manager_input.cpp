@@ -79,7 +79,8 @@ void CGhostManager::KeyDownToFocus(GHOSTGUIKey key, bool repeat) {
     }
 }
 
-// A release goes to the window that got the press and to no other.
+// A release goes to the window that got the press and to no other: that of the Return which opened a box
+// would press the box's button, and that of a key which closed one would go to what is behind it.
 void CGhostManager::KeyUpToFocus(GHOSTGUIKey key) {
     const auto index = static_cast<size_t>(key);
     if (index < keyState.size()) {
@@ -127,7 +128,7 @@ void CGhostManager::PostInput(GUI_INPUT_RECORD& record, uint64_t nowMilliseconds
     DetectDoubleClick(record, doubleClick, nowMilliseconds);
     InputToFocus(record);
     for (GHOSTMANAGER_WINDOW* at = FrontMost(); at != nullptr; at = NextBehind(at)) {
-        if (WithinModal(at) && EffectivelyVisible(at)) {
+        if (WithinModal(at) && EffectivelyVisible(at) && !WithinToolTip(at)) {
             NoteActivity(record);
             if (Pending(record, doubleClick)) {
                 InputToWindow(*at, record, doubleClick);
@@ -139,11 +140,34 @@ void CGhostManager::PostInput(GUI_INPUT_RECORD& record, uint64_t nowMilliseconds
     }
 }
 
+// A tip is there to be read. Near the upper edge of the screen it lies under the cursor, and the mouse is
+// meant for what is farther back.
+bool CGhostManager::WithinToolTip(const GHOSTMANAGER_WINDOW* window) const {
+    while (window != nullptr && window != toolTipWindow) {
+        window = window->parent;
+    }
+    return window != nullptr;
+}
+
+GHOSTMANAGER_WINDOW* CGhostManager::UnderCursor() const {
+    for (GHOSTMANAGER_WINDOW* at = FrontMost(); at != nullptr; at = NextBehind(at)) {
+        if (WithinModal(at) && EffectivelyVisible(at) && !WithinToolTip(at) &&
+            GetClippedRects(*at).outer.Contains(cursorX, cursorY)) {
+            return at;
+        }
+    }
+    return nullptr;
+}
+
 void CGhostManager::NoteActivity(const GUI_INPUT_RECORD& record) {
     if (!record.moved && !record.buttonDown && !record.buttonUp) {
         return;
     }
     lastActivity = timeMicroseconds;
+    HideToolTip();
+}
+
+void CGhostManager::HideToolTip() {
     if (toolTipVisible) {
         QueueChain(toolTipWindow, [](CGhostGUIHandler& handler) { handler.HideToolTip(); });
         toolTipVisible = false;

@@ -368,6 +368,7 @@ bool CGhostManager::SetWindowFrame(GHOSTMANAGER_WINDOW* window, const GhostBorde
         return false;
     }
     window->frame = border != nullptr ? *border : GhostBorderStyle{};
+    window->frame.thickness = Thicknesses(window->frame.thickness);
     window->dirty = true;
     return RecalcClient(window);
 }
@@ -474,6 +475,7 @@ bool CGhostManager::SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where) {
             }
             at = up != nullptr ? next : nullptr;
         }
+        window->parent = window->owner = nullptr; // which may end before it
         return true;
     }
     Unlink(*window);

@@ -14,9 +14,16 @@ CGhostScrolledRows::CGhostScrolledRows(GHOSTMANAGER_WINDOW* parent, uint32_t cre
 
 // ---- Rows.
 
+// No higher than a window may be, whatever the theme says.
 void CGhostScrolledRows::SetRowHeight(int32_t units) {
-    rowHeight = std::max(units, 1);
+    constexpr int32_t kMostHeight = 4000;
+    rowHeight = std::clamp(units, 1, kMostHeight);
     SetLine(rowHeight);
+}
+
+int32_t CGhostScrolledRows::ContentHeight() const {
+    constexpr int64_t kMost = 1 << 30; // so that places near its end can still be added up
+    return static_cast<int32_t>(std::min(int64_t{rowHeight} * Rows(), kMost));
 }
 
 void CGhostScrolledRows::UpdateScroll() {

@@ -23,7 +23,7 @@ public:
     void SetHot(int32_t row);                         // and shows it
     void EnsureVisible(int32_t row);
     [[nodiscard]] int32_t RowHeight() const { return rowHeight; }
-    [[nodiscard]] int32_t ContentHeight() const { return rowHeight * Rows(); }
+    [[nodiscard]] int32_t ContentHeight() const;
 
     void OnMouseMove(int x, int y) override;
     void OnMouseLeave() override;

@@ -36,6 +36,17 @@ public:
         return argb;
     }
 
+    // The steps that no surface is large enough to show are made at once.
+    void Skip(int32_t steps) {
+        const auto many = static_cast<float>(std::max(steps - kMostPixels, 0));
+        for (size_t i = 0; i < 4; ++i) {
+            value[i] += step[i] * many;
+        }
+        for (int32_t i = std::max(steps - kMostPixels, 0); i < steps; ++i) {
+            Next();
+        }
+    }
+
 private:
     std::array<float, 4> value{};
     std::array<float, 4> step{};
@@ -102,6 +113,23 @@ PIXEL_RECT CGhostSurface::Clipped(const PIXEL_RECT& rect) const {
     }
     return {std::max(rect.left, clip.left), std::max(rect.top, clip.top),
             std::min(rect.right, clip.right), std::min(rect.bottom, clip.bottom)};
+}
+
+GUI_RECT CGhostSurface::Visible() const {
+    const PIXEL_RECT seen = Clipped(clip);
+    if (seen.Empty()) {
+        return {};
+    }
+    const auto before = [this](int32_t pixel) {
+        return static_cast<int32_t>(std::floor((pixel - 1) / density));
+    };
+    const auto after = [this](int32_t pixel) {
+        return static_cast<int32_t>(std::ceil((pixel + 1) / density));
+    };
+    const int32_t left = before(pixelLeft + seen.left);
+    const int32_t top = before(pixelTop + seen.top);
+    return {left - area.x, top - area.y, after(pixelLeft + seen.right) - left,
+            after(pixelTop + seen.bottom) - top};
 }
 
 int32_t CGhostSurface::PixelX(double units) const {
@@ -194,11 +222,9 @@ void CGhostSurface::FillGradient(const GUI_RECT& rect, uint32_t from, uint32_t t
     if (horizontal) {
         std::vector<uint32_t> colours;
         Ramp ramp(from, to, whole.right - whole.left);
-        for (int32_t x = whole.left; x < target.right; ++x) {
-            const uint32_t colour = ramp.Next();
-            if (x >= target.left) {
-                colours.push_back(colour);
-            }
+        ramp.Skip(target.left - whole.left);
+        for (int32_t x = target.left; x < target.right; ++x) {
+            colours.push_back(ramp.Next());
         }
         for (int32_t y = target.top; y < target.bottom; ++y) {
             uint32_t* const row = Row(y) + target.left;
@@ -209,11 +235,9 @@ void CGhostSurface::FillGradient(const GUI_RECT& rect, uint32_t from, uint32_t t
         return;
     }
     Ramp ramp(from, to, whole.bottom - whole.top);
-    for (int32_t y = whole.top; y < target.bottom; ++y) {
-        const uint32_t colour = ramp.Next();
-        if (y >= target.top) {
-            BlendRun(Row(y) + target.left, target.right - target.left, colour);
-        }
+    ramp.Skip(target.top - whole.top);
+    for (int32_t y = target.top; y < target.bottom; ++y) {
+        BlendRun(Row(y) + target.left, target.right - target.left, ramp.Next());
     }
 }
 

@@ -38,6 +38,9 @@ public:
     [[nodiscard]] int32_t Width() const { return area.width; } // of the present origin, in units
     [[nodiscard]] int32_t Height() const { return area.height; }
     [[nodiscard]] double Density() const { return density; }
+    // What can be painted of the present origin's rectangle, in its units: rounded outwards, so that it may
+    // have a unit too many on each side.
+    [[nodiscard]] GUI_RECT Visible() const;
 
     [[nodiscard]] uint32_t* Pixels() { return pixels.data(); } // of the whole surface
     [[nodiscard]] const uint32_t* Pixels() const { return pixels.data(); }

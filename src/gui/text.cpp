@@ -122,6 +122,20 @@ size_t FitText(CGhostFont* font, std::wstring_view text, int32_t width) {
     return count;
 }
 
+size_t FitTextEnd(CGhostFont* font, std::wstring_view text, int32_t width) {
+    CGhostFont* const used = CGhostFontManager::Get().OrDefault(font);
+    int64_t sum = 0;
+    size_t count = 0;
+    while (used != nullptr && count < text.size()) {
+        sum += used->Advance(text[text.size() - 1 - count]);
+        if (sum > int64_t{width} * 64) {
+            break;
+        }
+        ++count;
+    }
+    return count;
+}
+
 // NOLINTNEXTLINE(readability-function-size): all that a text can have
 void DrawText(CGhostSurface& surface, CGhostFont* font, std::wstring_view text, uint32_t colour,
               uint32_t outlineColour, uint32_t align, const GUI_RECT& rect, int32_t xOffset,

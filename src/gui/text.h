@@ -27,6 +27,9 @@ struct GUI_TEXT_SIZE {
 // How many characters fit. One fits while half its advance lies within the width.
 [[nodiscard]] size_t FitText(CGhostFont* font, std::wstring_view text, int32_t width);
 
+// How many of the last characters fit as a whole.
+[[nodiscard]] size_t FitTextEnd(CGhostFont* font, std::wstring_view text, int32_t width);
+
 // `align`: bits of styles.h. An outline colour other than 0 draws a soft round edge in that colour
 // around all glyphs first. Nothing is drawn if the rectangle is wholly off the surface; a text that is too
 // long for it is not cut.

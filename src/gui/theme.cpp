@@ -14,6 +14,9 @@ namespace {
 
 using Node = pugi::xml_node;
 
+// Many times what a theme needs. A record has some kilobytes, whatever its kind.
+constexpr size_t kMostRecords = 5000;
+
 bool Is(const char* a, const char* b) {
     return std::strcmp(a, b) == 0;
 }
@@ -153,7 +156,7 @@ void Parse(const CGhostTheme& theme, Node node, GhostBorderStyle& border) {
     for (const Node child : node.children()) {
         const char* const name = child.attribute("name").value();
         if (Is(child.name(), "rect")) {
-            border.thickness = Edges(child);
+            border.thickness = Thicknesses(Edges(child));
         } else if (Is(child.name(), "texture")) {
             if (*name == '\0' || Is(name, "left")) {
                 Parse(child, border.left);
@@ -341,6 +344,20 @@ CGhostTheme& CGhostTheme::Get() {
 
 void CGhostTheme::ParseTheme(std::string_view text) {
     entries.clear();
+    ReadRecords(text);
+    FindFocusRing();
+}
+
+// A theme that forgot its ring must not lead a player astray.
+void CGhostTheme::FindFocusRing() {
+    GhostTextStyle style;
+    focusRing = {};
+    if (GetStyle(L"FOCUS", style) && style.textColour >> 24 != 0) {
+        focusRing = {style.textColour, style.textOutlineColour};
+    }
+}
+
+void CGhostTheme::ReadRecords(std::string_view text) {
     pugi::xml_document document;
     // Comments are nodes too: one before the declaration takes its place.
     const unsigned options = pugi::parse_default | pugi::parse_declaration | pugi::parse_comments;
@@ -352,6 +369,9 @@ void CGhostTheme::ParseTheme(std::string_view text) {
     }
     const auto add = [&](Node node, auto style) {
         using Style = decltype(style);
+        if (entries.size() >= kMostRecords) {
+            return;
+        }
         auto& entry = *entries.emplace_back(std::make_unique<ENTRY>());
         entry.name = WideFromUtf8(node.attribute("name").value());
         entry.record.emplace<Style>(style); // zeros, for a record that uses itself

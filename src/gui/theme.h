@@ -45,6 +45,13 @@ public:
     bool GetStyle(std::wstring_view name, GhostScrollbarStyle& record) const;
     bool GetStyle(std::wstring_view name, GhostDropListStyle& record) const;
 
+    // The colours of the ring around what has the focus: those of FOCUS, or others that can be seen.
+    struct RING_COLOURS {
+        uint32_t line = 0xFFFFB347;
+        uint32_t outline = 0xFF0B0E1F;
+    };
+    [[nodiscard]] const RING_COLOURS& FocusRing() const { return focusRing; }
+
     // For tests and the gallery: the names in the order of the file.
     struct NAMED {
         std::wstring name;
@@ -64,5 +71,9 @@ private:
     template <typename Style>
     bool Find(std::wstring_view name, Style& record) const;
 
+    void ReadRecords(std::string_view text);
+    void FindFocusRing();
+
     std::vector<std::unique_ptr<ENTRY>> entries;
+    RING_COLOURS focusRing; // read with the theme, since every painting of a control asks for it
 };

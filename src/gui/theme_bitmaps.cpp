@@ -5,12 +5,18 @@
 #include <cmath>
 #include <cstddef>
 #include <deque>
+#include <string>
 
 namespace {
 
 struct LOADED {
-    GUI_BITMAP bitmap;
+    std::string name;
     std::span<const uint8_t> png;
+    GUI_BITMAP bitmap; // without pixels for an image that is damaged
+
+    [[nodiscard]] bool Is(const GUI_IMAGE_ROW& row) const {
+        return name == row.name && png.data() == row.png.data() && png.size() == row.png.size();
+    }
 };
 
 struct IMAGES {
@@ -24,12 +30,12 @@ IMAGES& Images() {
     return images;
 }
 
-bool Decode(LOADED& loaded, double density) {
+void Decode(LOADED& loaded, double density) {
     std::vector<uint32_t> pixels;
     uint32_t width = 0;
     uint32_t height = 0;
     if (!LoadEmbeddedImage(loaded.png, pixels, width, height)) {
-        return false;
+        return;
     }
     GUI_BITMAP& bitmap = loaded.bitmap;
     const auto units = [](uint32_t size) {
@@ -45,7 +51,6 @@ bool Decode(LOADED& loaded, double density) {
     bitmap.pixelHeight = scaled(bitmap.height);
     bitmap.pixels = ReducePixels(pixels, static_cast<int32_t>(width), static_cast<int32_t>(height),
                                  bitmap.pixelWidth, bitmap.pixelHeight);
-    return true;
 }
 
 } // namespace
@@ -61,12 +66,13 @@ const GUI_BITMAP* LoadThemeBitmap(std::string_view name) {
     if (row == images.rows.end()) {
         return nullptr;
     }
-    LOADED loaded;
-    loaded.png = row->png;
-    if (!Decode(loaded, images.density)) {
-        return nullptr;
+    auto found = std::find_if(images.loaded.begin(), images.loaded.end(),
+                              [&](const LOADED& at) { return at.Is(*row); });
+    if (found == images.loaded.end()) {
+        found = images.loaded.insert(found, {std::string(row->name), row->png, {}});
+        Decode(*found, images.density);
     }
-    return &images.loaded.emplace_back(std::move(loaded)).bitmap;
+    return found->bitmap.pixels.empty() ? nullptr : &found->bitmap;
 }
 
 void RefitThemeBitmaps(double density) {

@@ -141,18 +141,21 @@ void CGhostWindowEx::OnResize(int width, int /*height*/, int clientWidth, int cl
 
 // ---- Dragging by the frame.
 
+// A record's place counts from where the window was when it was posted, which is where the tick found it.
+// The drag itself has moved the window since, when there was another record before.
+
 void CGhostWindowEx::OnFrameMouseDown(int x, int y, unsigned button) {
     if ((flags & kDraggable) != 0 && button == 1) {
+        const GUI_RECT at = GetRect();
         dragging = true;
-        dragX = x;
-        dragY = y;
+        dragX = tickX + x - at.x;
+        dragY = tickY + y - at.y;
     }
 }
 
 void CGhostWindowEx::OnFrameMouseMove(int x, int y) {
     if (dragging) {
-        const GUI_RECT at = GetRect();
-        SetPos(at.x + x - dragX, at.y + y - dragY, kKeepValue, kKeepValue);
+        SetPos(tickX + x - dragX, tickY + y - dragY, kKeepValue, kKeepValue);
     }
 }
 
@@ -162,6 +165,9 @@ void CGhostWindowEx::OnFrameMouseUp(int /*x*/, int /*y*/, unsigned /*button*/) {
 
 // The press is the title's or the frame's own.
 void CGhostWindowEx::OnTick(unsigned /*microseconds*/) {
+    const GUI_RECT at = GetRect();
+    tickX = at.x;
+    tickY = at.y;
     if (dragging) {
         const GHOSTMANAGER_WINDOW* const held = CGhostManager::Get().CaptureWindow();
         const bool atTitle = title != nullptr && held == title->window;

@@ -87,4 +87,6 @@ private:
     bool dragging = false;
     int dragX = 0; // of the cursor within the window, when the drag began
     int dragY = 0;
+    int tickX = 0; // where the window was at the beginning of the tick
+    int tickY = 0;
 };

@@ -21,8 +21,8 @@ STANDPOINT StandpointBefore(const CRoomObject& set) {
         way = {0.0f, 0.0f, 1.0f};
     }
     const bool lies = set.direction.y > 0.5f;
-    const float distance = lies ? kLeast / 2.0f
-                                : kLeast + set.type->depth / 2.0f + set.type->width * kPerWidth;
+    const float distance =
+        lies ? kLeast / 2.0f : kLeast + set.type->depth / 2.0f + set.type->width * kPerWidth;
     VECTOR3 from = centre + Normalised(way) * distance;
     from.x = std::clamp(from.x, kFromWalls, kRoomWidth - kFromWalls);
     from.y = kEyeHeight;

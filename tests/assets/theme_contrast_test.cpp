@@ -102,7 +102,8 @@ struct SAMPLE {
 };
 
 void Add(std::vector<SAMPLE>& samples, const std::string& name, const GhostButtonStyle& style) {
-    constexpr std::array<const char*, 4> kStates = {" normal", " hot", " pressed", " disabled"};
+    constexpr std::array<const char*, 5> kStates = {" normal", " hot", " pressed", " disabled",
+                                                    " of another name"};
     for (size_t i = 0; i < kStates.size(); ++i) {
         samples.push_back({name + kStates[i], style.states[i]});
     }

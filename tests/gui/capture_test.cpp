@@ -68,6 +68,17 @@ protected:
             return {name, made->window, name == "heading" ? 100 : 148, 60,
                     [=] { return seen() + " " + std::to_string(made->ColumnWidth(0)); }};
         }
+        if (name == "key of the keyboard") {
+            auto* const edit = new CGhostEdit(parent, 0, L"EDIT", L"some text", 0, kPlace);
+            CGhostKeyboard* const made = CGhostKeyboard::Open(edit);
+            const GUI_RECT at = made->KeyPlace(L"q");
+            GUI_RECT client;
+            manager.GetWindowRects(made->window, nullptr, &client, nullptr);
+            const GUI_RECT place = OnScreen(made->window);
+            return {name, made->window, place.x + client.x + at.x + 2,
+                    place.y + client.y + at.y + 2,
+                    [=] { return std::string(edit->Text().begin(), edit->Text().end()); }};
+        }
         const bool title = name == "title of a window";
         auto* const made = new CGhostWindowEx(parent, 0, L"W", L"title",
                                               CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
@@ -89,7 +100,8 @@ protected:
                                                        "edge of a heading",
                                                        "title of a window",
                                                        "edge of a window",
-                                                       "arrow of a bar"};
+                                                       "arrow of a bar",
+                                                       "key of the keyboard"};
         return names;
     }
 
@@ -137,9 +149,11 @@ TEST_F(Capture, EndsWhenTheControlIsHidden) {
 }
 
 TEST_F(Capture, EndsWhenItsParentIsHiddenAndShownAtOnce) {
-    TakeFromEach([&](const PRESSED&) {
-        manager.ShowWindow(panel->window, false);
-        manager.ShowWindow(panel->window, true);
+    TakeFromEach([&](const PRESSED& pressed) {
+        GHOSTMANAGER_WINDOW* const parent =
+            pressed.window->parent != nullptr ? panel->window : pressed.window;
+        manager.ShowWindow(parent, false);
+        manager.ShowWindow(parent, true);
     });
 }
 
@@ -185,4 +199,46 @@ TEST_F(Capture, AReleaseIsNoLoss) {
     manager.Tick(0);
     EXPECT_EQ(clicks, 1);
     EXPECT_TRUE(button->IsDown()) << "as the slot left it";
+}
+
+// Several moves may come between two ticks. Each is told where it was within the window as the window lay
+// then, before the first of them moved it.
+TEST_F(Capture, ADraggedWindowFollowsTheCursorHoweverManyMovesATickHas) {
+    for (const bool atTitle : {true, false}) {
+        manager.Reset();
+        auto* const made = new CGhostWindowEx(nullptr, 0, L"W", L"title",
+                                              CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
+                                                  CGhostWindowEx::kDraggable,
+                                              {false, 50, 50, 300, 100});
+        manager.Tick(0);
+        const auto post = [&](int x, int y, bool down, bool up) {
+            GUI_INPUT_RECORD record;
+            record.moved = true;
+            record.dx = x - manager.CursorX();
+            record.dy = y - manager.CursorY();
+            record.buttonDown = down;
+            record.buttonUp = up;
+            record.button = 1;
+            now += 1000;
+            manager.PostInput(record, now);
+        };
+        const int x = atTitle ? 100 : 50;
+        const int y = atTitle ? 60 : 100;
+        post(x, y, true, false);
+        manager.Tick(0);
+        for (const int by : {10, 20, 30}) {
+            post(x + by, y + by, false, false);
+        }
+        manager.Tick(0);
+        EXPECT_EQ(made->GetRect(), (GUI_RECT{80, 80, 300, 100})) << "title " << atTitle;
+        // Released and moved on, and pressed and dragged again, all within one tick.
+        post(x + 40, y + 40, false, true);
+        post(x + 45, y + 45, false, false);
+        post(x + 45, y + 45, true, false);
+        post(x + 50, y + 50, false, false);
+        post(x + 60, y + 60, false, true);
+        post(x + 200, y + 200, false, false);
+        manager.Tick(0);
+        EXPECT_EQ(made->GetRect(), (GUI_RECT{105, 105, 300, 100})) << "title " << atTitle;
+    }
 }

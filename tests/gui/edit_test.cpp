@@ -307,3 +307,38 @@ TEST_F(Keyboard, EndsWithItsEdit) {
     EXPECT_EQ(WindowCount(), 0u);
     EXPECT_EQ(manager.ModalWindow(), nullptr);
 }
+
+TEST_F(Keyboard, ItsPreviewStaysInItsLineHoweverLongTheText) {
+    std::string theme = kRandomTheme;
+    theme.insert(theme.rfind("</theme>"), R"(<textbox name="TEXT_LEFT">
+        <color name="text" val="FFFFFFFF"/><font align="left"/></textbox>)");
+    CGhostTheme::Get().ParseTheme(theme);
+    const auto painted = [&](size_t caret) {
+        const std::wstring text(3000, L'W');
+        CGhostEdit* const edit = Make(text);
+        edit->SetSelection(caret, caret);
+        CGhostKeyboard* const keyboard = CGhostKeyboard::Open(edit);
+        manager.Tick(0);
+        const CGhostSurface& surface = *keyboard->window->surface;
+        const GUI_RECT first = keyboard->KeyPlace(L"1");
+        GUI_RECT client;
+        manager.GetWindowRects(keyboard->window, nullptr, &client, nullptr);
+        // From the last key's right edge to that of the panel.
+        const GUI_RECT last = keyboard->KeyPlace(L"=");
+        std::vector<uint32_t> margin;
+        for (int32_t y = 0; y < client.y + first.y; ++y) {
+            for (int32_t x = client.x + last.Right(); x < client.x + client.width; ++x) {
+                margin.push_back(surface.Pixels()[y * surface.Stride() + x]);
+            }
+        }
+        manager.Reset();
+        return margin;
+    };
+    const std::vector<uint32_t> atStart = painted(0);
+    ASSERT_FALSE(atStart.empty());
+    for (const uint32_t pixel : atStart) {
+        ASSERT_EQ(pixel, atStart.front()) << "nothing but the panel";
+    }
+    EXPECT_EQ(painted(1500), atStart);
+    EXPECT_EQ(painted(3000), atStart);
+}

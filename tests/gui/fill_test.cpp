@@ -320,3 +320,32 @@ TEST(FillDensities, EndsOfASmartFillKeepTheirUnits) {
         }
     }
 }
+
+// A theme may have numbers of any size. What is not seen is not painted, so this ends at once, and what is
+// seen lies where it would in a target of that size.
+TEST_F(Fills, PiecesAreCutToWhatIsSeenHoweverLargeTheTarget) {
+    constexpr int32_t kFar = 1 << 20;
+    const GUI_RECT huge{-4 * (kFar / 4), -3 * (kFar / 4), 2 * kFar, 2 * kFar};
+    const Picture tiled = Painted(GhostFill::kBitmapRepeatXY, huge);
+    EXPECT_EQ(tiled, (Picture{"abcdabcdab", "efghefghef", "ijklijklij", "abcdabcdab", "efghefghef",
+                              "ijklijklij", "abcdabcdab"}));
+    EXPECT_EQ(Painted(GhostFill::kBitmapRepeatY, {0, -3 * kFar, 2, 4 * kFar}),
+              (Picture{"ab........", "ef........", "ij........", "ab........", "ef........",
+                       "ij........", "ab........"}));
+    EXPECT_EQ(Painted(GhostFill::kBitmapSmartHorizontal, {-1 - 2 * kFar, 0, 4 * kFar, 3},
+                      {1, 0, 1, 0})[0],
+              "bcbcbcbcbc");
+    EXPECT_EQ(
+        Painted(GhostFill::kBitmapSmartVertical, {0, -1 - kFar, 4, 3 * kFar}, {0, 1, 0, 1})[6],
+        "efgh......");
+}
+
+TEST_F(Fills, AFrameOfNegativeThicknessHasNoSuchSide) {
+    ASSERT_TRUE(surface.Create({0, 0, 10, 7}, 1.0));
+    GhostBorderStyle border;
+    border.type = GhostFrame::kUser;
+    border.thickness = {1, -4, -(1 << 20), 0};
+    border.left.colour1 = border.top.colour1 = border.right.colour1 = 0xFF000000 | kLetterStep;
+    PaintFrame(surface, border);
+    EXPECT_EQ(Rows(), Picture(7, "a........."));
+}

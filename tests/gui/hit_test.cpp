@@ -2,6 +2,9 @@
 // and what one record of several events brings about.
 #include "gui/gui_rig.h"
 
+#include <algorithm>
+#include <functional>
+
 namespace {
 
 // What a situation consists of, beside the place of the cursor.
@@ -300,4 +303,68 @@ TEST_F(InputRecord, WhatAHandlerQueuesRunsInTheSameTick) {
     manager.QueueEvent([&] { order.emplace_back("second"); });
     manager.Tick(0);
     EXPECT_EQ(order, (Log{"first", "second", "third"}));
+}
+
+// Near the upper edge of the screen a tip lies under the cursor.
+TEST_F(InputRecord, ATipUnderTheCursorLetsTheMouseThrough) {
+    GHOSTMANAGER_WINDOW* const window = Make("a", nullptr, {0, 0, 100, 100});
+    GHOSTMANAGER_WINDOW* const tip = Make("tip", nullptr, {0, 0, 50, 50});
+    Make("text", tip, {0, 0, 50, 50});
+    manager.SetToolTipWindow(tip);
+    manager.SetWindowToolTip(window, L"help");
+    MoveTo(10, 10);
+    EXPECT_EQ(Told(), (Log{"a enter", "a mousemove 10 10"}));
+    manager.Tick(1000001);
+    EXPECT_EQ(Told(), (Log{"a hover", "tip showtip help"}));
+    Press();
+    Release();
+    const Log told = Told();
+    EXPECT_NE(std::find(told.begin(), told.end(), "a down 10 10 1"), told.end());
+    EXPECT_NE(std::find(told.begin(), told.end(), "a up 10 10 1"), told.end());
+}
+
+TEST_F(InputRecord, TheTipHidesWithItsWindow) {
+    struct CASE {
+        const char* what;
+        std::function<void(GHOSTMANAGER_WINDOW*)> end;
+    };
+    const std::vector<CASE> cases = {
+        {"hidden",    [&](GHOSTMANAGER_WINDOW* window) { manager.ShowWindow(window, false); }},
+        {"destroyed", [&](GHOSTMANAGER_WINDOW* window) { manager.DestroyWindow(window); }    },
+        {"covered",
+         [&](GHOSTMANAGER_WINDOW*) {
+             Make("cover", nullptr, {0, 0, 200, 200});
+         }                                                                                   },
+        {"moved",
+         [&](GHOSTMANAGER_WINDOW* window) {
+             manager.SetWindowPos(window, 700, 300, kKeepValue, kKeepValue);
+         }                                                                                   },
+        {"modal",
+         [&](GHOSTMANAGER_WINDOW*) {
+             manager.SetModal(Make("box", nullptr, {600, 0, 50, 50}));
+         }                                                                                   },
+    };
+    for (const CASE& row : cases) {
+        manager.Reset();
+        GHOSTMANAGER_WINDOW* const window = Make("a", nullptr, {0, 0, 100, 100});
+        GHOSTMANAGER_WINDOW* const tip = Make("tip", nullptr, {500, 500, 10, 10});
+        manager.SetToolTipWindow(tip);
+        manager.SetWindowToolTip(window, L"help");
+        MoveTo(10, 10);
+        Told();
+        manager.Tick(1000001);
+        Told();
+        row.end(window);
+        int hidden = 0;
+        int shown = 0;
+        for (int i = 0; i < 10; ++i) {
+            manager.Tick(500000);
+            for (const std::string& line : Told()) {
+                hidden += line == "tip hidetip" ? 1 : 0;
+                shown += line.starts_with("tip showtip") ? 1 : 0;
+            }
+        }
+        EXPECT_EQ(hidden, 1) << row.what;
+        EXPECT_EQ(shown, 0) << row.what;
+    }
 }

@@ -170,3 +170,20 @@ TEST_F(Locks, OtherThreadsUseTheTreeAndShowBoxesDuringTheRound) {
     manager.DestroyWindow(window);
     manager.Tick(0);
 }
+
+// Faces are made by one library, which makes one at a time.
+TEST_F(Locks, FontsMayBeAddedWhileOthersAreMeasured) {
+    std::ifstream file(OMBRELUNE_TEST_FONT, std::ios::binary);
+    const std::vector<uint8_t> data(std::istreambuf_iterator<char>(file), {});
+    CGhostFontManager fonts;
+    ASSERT_GE(fonts.AddFont("a", data, 0, 0), 0);
+    std::thread other([&] {
+        for (int32_t height = 8; height < 40; ++height) {
+            EXPECT_GT(fonts.GetFont("a", height)->Advance(L'W'), 0);
+        }
+    });
+    for (int i = 0; i < 32; ++i) {
+        EXPECT_GE(fonts.AddFont("b", data, 0, 0), 0);
+    }
+    other.join();
+}

@@ -356,3 +356,21 @@ TEST_F(Manager, NeighboursTouchWithoutGapOrOverlapAtEveryDensity) {
         EXPECT_EQ(wrong, 0u) << width;
     }
 }
+
+TEST_F(Manager, AFrameOfNegativeThicknessTakesNothingFromTheClientAreaAndAddsNothing) {
+    GHOSTMANAGER_WINDOW* const window = Make("a", nullptr, {10, 10, 100, 80});
+    Frame(window, -(1 << 20));
+    GUI_RECT client;
+    manager.GetWindowRects(window, nullptr, &client, nullptr);
+    EXPECT_EQ(client, (GUI_RECT{0, 0, 100, 80}));
+}
+
+TEST_F(Manager, AWindowThatIsTakenOutHasNoParentAnyMore) {
+    GHOSTMANAGER_WINDOW* const parent = Make("a", nullptr, {0, 0, 100, 100});
+    GHOSTMANAGER_WINDOW* const child = Make("b", parent, {0, 0, 10, 10});
+    ASSERT_TRUE(manager.SetZOrder(child, -2));
+    EXPECT_EQ(child->parent, nullptr);
+    delete child; // it is the manager's no longer
+    manager.DestroyWindow(parent);
+    manager.Tick(0);
+}

@@ -123,3 +123,14 @@ TEST(SurfaceOrigin, KeepsItsCoordinatesWhereItIsCut) {
     surface.SetPixel(5, 5, 0xFFFFFFFF);
     EXPECT_EQ(surface.Pixels()[505], 0xFFFFFFFFu);
 }
+
+TEST_F(Texts, AsManyOfTheLastLettersFitAsAreNoWiderThanTheRoom) {
+    const std::wstring text = L"iiWWWWii";
+    for (int32_t room = 0; room < 200; ++room) {
+        const size_t count = FitTextEnd(nullptr, text, room);
+        EXPECT_LE(MeasureText(nullptr, text.substr(text.size() - count)).width, room);
+        if (count < text.size()) {
+            EXPECT_GT(MeasureText(nullptr, text.substr(text.size() - count - 1)).width, room);
+        }
+    }
+}

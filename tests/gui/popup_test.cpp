@@ -197,6 +197,33 @@ TEST_F(DropList, WorksInFrontOfAModalWindowAndEndsWithIt) {
     EXPECT_EQ(WindowCount(), 0u);
 }
 
+// The list lies where its control was.
+TEST_F(DropList, ClosesWhenItsControlMovesOrTheScreenChanges) {
+    auto* const panel = new CGhostWindowEx(nullptr, 0, L"W", L"", 0, {false, 0, 0, 600, 400});
+    auto* const drop =
+        new CGhostDropList(panel->window, 0, L"DROP", L"choose", 100, {false, 10, 10, 200, 30});
+    drop->AddItem(L"one");
+    const auto open = [&] {
+        drop->Open();
+        manager.Tick(0);
+        manager.Tick(0);
+        ASSERT_TRUE(drop->IsOpen());
+    };
+    open();
+    drop->SetPos(30, 10, kKeepValue, kKeepValue);
+    manager.Tick(0);
+    EXPECT_FALSE(drop->IsOpen()) << "it moved itself";
+    open();
+    panel->SetPos(100, 50, kKeepValue, kKeepValue);
+    manager.Tick(0);
+    EXPECT_FALSE(drop->IsOpen()) << "its parent moved";
+    open();
+    manager.SetScreen(1024, 768);
+    manager.Tick(0);
+    EXPECT_FALSE(drop->IsOpen()) << "the screen changed";
+    manager.SetScreen(1280, 720);
+}
+
 TEST_F(Popup, OpensAtTheCursorAsWideAsItsWidestItemAnd35) {
     auto* const popup = new CGhostPopup(nullptr, 0);
     popup->AddItem(L"Cut");

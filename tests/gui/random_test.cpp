@@ -8,15 +8,19 @@ using GuiRandom = ControlTest;
 
 namespace {
 
-constexpr int kWide = 1280;
-constexpr int kHigh = 720;
-
 struct SCREEN {
-    std::vector<uint32_t> pixels = std::vector<uint32_t>(static_cast<size_t>(kWide) * kHigh);
+    SCREEN(int pixelWidth, int pixelHeight)
+        : width(pixelWidth)
+        , height(pixelHeight)
+        , pixels(static_cast<size_t>(width) * static_cast<size_t>(height)) {}
+    int width;
+    int height;
+    std::vector<uint32_t> pixels;
 };
 
 void DrawWhole(CGhostManager& manager, SCREEN& screen) {
-    manager.SetCompositeBuffer(screen.pixels.data(), kWide, kHigh, kWide); // all of it is dirty
+    manager.SetCompositeBuffer(screen.pixels.data(), screen.width, screen.height,
+                               screen.width); // all of it is dirty
     manager.CompositeAll();
 }
 
@@ -36,24 +40,34 @@ TEST_F(GuiRandom, HoverFocusAndCaptureAreAlwaysLivingVisibleWindows) {
 }
 
 TEST_F(GuiRandom, WhatIsDrawnByPartsIsWhatIsDrawnWhole) {
-    for (uint32_t seed = 101; seed <= 104; ++seed) {
-        std::mt19937 random(seed);
-        const auto next = [&]() -> uint32_t { return random() & 0xFF; };
-        manager.Reset();
-        RandomTree tree(next);
-        SCREEN parts;
-        SCREEN whole;
-        manager.Tick(0);
-        DrawWhole(manager, parts);
-        for (int step = 0; step < 60; ++step) {
-            for (int i = 0; i < 3; ++i) {
-                tree.Step(next);
-            }
-            manager.Tick(16667);
-            manager.CompositeAll(); // into `parts`, what is dirty
-            DrawWhole(manager, whole);
-            ASSERT_TRUE(parts.pixels == whole.pixels) << "seed " << seed << " step " << step;
+    // Densities 1, 1.0667 and 1.5.
+    constexpr int kScreens[][2] = {
+        {1280, 720 },
+        {1366, 768 },
+        {1920, 1080}
+    };
+    for (const auto& size : kScreens) {
+        manager.SetScreen(size[0], size[1]);
+        SCREEN parts(size[0], size[1]);
+        SCREEN whole(size[0], size[1]);
+        for (uint32_t seed = 101; seed <= 104; ++seed) {
+            std::mt19937 random(seed);
+            const auto next = [&]() -> uint32_t { return random() & 0xFF; };
+            manager.Reset();
+            RandomTree tree(next);
+            manager.Tick(0);
             DrawWhole(manager, parts);
+            for (int step = 0; step < 60; ++step) {
+                for (int i = 0; i < 3; ++i) {
+                    tree.Step(next);
+                }
+                manager.Tick(16667);
+                manager.CompositeAll(); // into `parts`, what is dirty
+                DrawWhole(manager, whole);
+                ASSERT_TRUE(parts.pixels == whole.pixels)
+                    << size[0] << " seed " << seed << " step " << step;
+                DrawWhole(manager, parts);
+            }
         }
     }
     manager.SetCompositeBuffer(nullptr, 0, 0, 0);

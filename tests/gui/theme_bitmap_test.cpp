@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -60,8 +62,22 @@ TEST_F(ThemeBitmaps, PixelsAreArgbAndFourByFourAreAUnit) {
     EXPECT_EQ(bitmap->pixels, (std::vector<uint32_t>{0xFFFF0000, 0x800000FF}));
 }
 
-TEST_F(ThemeBitmaps, EachReferenceHasACopyOfItsOwn) {
-    EXPECT_NE(LoadThemeBitmap("#BUTTON00"), LoadThemeBitmap("#BUTTON00"));
+TEST_F(ThemeBitmaps, AnImageIsDecodedOnceHoweverOftenItIsNamed) {
+    EXPECT_EQ(LoadThemeBitmap("#BUTTON00"), LoadThemeBitmap("#BUTTON00"));
+    EXPECT_NE(LoadThemeBitmap("#BUTTON00"), LoadThemeBitmap("#BUTTON01"));
+    EXPECT_EQ(LoadThemeBitmap("#DAMAGED"), nullptr);
+    EXPECT_EQ(LoadThemeBitmap("#DAMAGED"), nullptr);
+}
+
+// A name means what the present table says.
+TEST_F(ThemeBitmaps, AnotherTableHasImagesOfItsOwn) {
+    const GUI_BITMAP* const before = LoadThemeBitmap("#BUTTON00");
+    static const std::vector<uint8_t> copy(std::begin(kPng), std::end(kPng));
+    static const GUI_IMAGE_ROW other[] = {
+        {"#BUTTON00", copy}
+    };
+    SetThemeImages(other);
+    EXPECT_NE(LoadThemeBitmap("#BUTTON00"), before);
 }
 
 TEST_F(ThemeBitmaps, AFillKeepsTheBitmapThatItInherits) {

@@ -212,3 +212,28 @@ TEST_F(Theme, ACommentMayFollowTheDeclarationButNotPrecedeIt) {
     theme.ParseTheme("<!-- mine --><?xml version='1.0'?><theme><textbox name='A'/></theme>");
     EXPECT_TRUE(theme.Names().empty());
 }
+
+TEST_F(Theme, RecordsBeyondTheMostAreNotRead) {
+    std::string text = "<?xml version='1.0'?><theme>";
+    for (int i = 0; i < 6000; ++i) {
+        text += "<border name='B" + std::to_string(i) + "'/>";
+    }
+    theme.ParseTheme(text + "</theme>");
+    EXPECT_EQ(theme.Names().size(), 5000u);
+    EXPECT_EQ(theme.Names().back().name, L"B4999");
+}
+
+TEST_F(Theme, TheFocusRingIsThatOfTheStyleOrOneThatCanBeSeen) {
+    const CGhostTheme::RING_COLOURS without = theme.FocusRing();
+    Parse(R"(<textbox name="FOCUS"><color name="text" val="FF112233"/>
+        <color name="textoutline" val="FF445566"/></textbox>)");
+    EXPECT_EQ(theme.FocusRing().line, 0xFF112233);
+    EXPECT_EQ(theme.FocusRing().outline, 0xFF445566);
+    for (const char* const forgotten :
+         {"", R"(<textbox name="FOCUS"><color name="text" val="00112233"/></textbox>)",
+          R"(<border name="FOCUS"/>)"}) {
+        Parse(forgotten);
+        EXPECT_EQ(theme.FocusRing().line, without.line) << forgotten;
+        EXPECT_EQ(theme.FocusRing().line >> 24, 0xFFu) << forgotten;
+    }
+}

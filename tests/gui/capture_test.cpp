@@ -231,14 +231,17 @@ TEST_F(Capture, ADraggedWindowFollowsTheCursorHoweverManyMovesATickHas) {
         }
         manager.Tick(0);
         EXPECT_EQ(made->GetRect(), (GUI_RECT{80, 80, 300, 100})) << "title " << atTitle;
+        if (!atTitle) {
+            continue; // the edge is where the tick found it, and no longer under the cursor below
+        }
         // Released and moved on, and pressed and dragged again, all within one tick.
         post(x + 40, y + 40, false, true);
         post(x + 45, y + 45, false, false);
-        post(x + 45, y + 45, true, false);
+        post(x + 45, y + 40, true, false);
         post(x + 50, y + 50, false, false);
         post(x + 60, y + 60, false, true);
         post(x + 200, y + 200, false, false);
         manager.Tick(0);
-        EXPECT_EQ(made->GetRect(), (GUI_RECT{105, 105, 300, 100})) << "title " << atTitle;
+        EXPECT_EQ(made->GetRect(), (GUI_RECT{105, 110, 300, 100})) << "title " << atTitle;
     }
 }

@@ -198,7 +198,7 @@ protected:
         sibling = Make(top, {350, 100, 200, 100}, nothing);
         self = Make(top, {100, 100, 200, 100}, [this](Op op) { Called(op); });
         child = Make(self, {100, 30, 50, 30}, nothing);
-        manager.SetToolTipWindow(self);
+        manager.SetToolTipWindow(other);
         manager.SetWindowToolTip(self, L"help");
         manager.SetWindowToolTip(sibling, L"help");
         if (now_.modal) {
@@ -224,7 +224,8 @@ protected:
         Release(), Step();
         Wheel(false), Step();
         at(140, 140);
-        manager.Tick(1100000), Step(); // rests
+        manager.Tick(1100000), Step();  // rests
+        manager.SetToolTipWindow(self); // the mouse goes through it from now on
         at(400, 150);
         manager.Tick(1100000), Step(); // rests over the sibling, which has a tip as well
         at(401, 150);

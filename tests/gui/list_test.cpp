@@ -371,22 +371,24 @@ TEST_F(ListView, KeysThatMoveTheSelectionLeaveTheHeadings) {
     Type("z");
     Key(kReturn);
     EXPECT_EQ(heads, 1) << "no row begins with it";
-    // A theme's file may give rows any height.
-    TEST_F(ListView, RowsOfAnAbsurdHeightAreCountedWithoutOverflow) {
-        CGhostTheme::Get().ParseTheme("<?xml version='1.0'?><theme><listview name='HIGH'>"
-                                      "<number name='itemheight' val='1048576'/>"
-                                      "</listview></theme>");
-        auto* const view = new CGhostListView(nullptr, 0, L"HIGH", 0, {false, 0, 0, 200, 100});
-        view->AddColumn(L"Name", 80);
-        constexpr int32_t kRowCount = 20000;
-        view->Reserve(kRowCount);
-        for (int32_t i = 0; i < kRowCount; ++i) {
-            view->AddRow();
-        }
-        EXPECT_GT(view->ContentHeight(), 0);
-        EXPECT_EQ(view->ContentHeight() / view->RowHeight(), kRowCount);
-        view->SetSelected(kRowCount - 1);
-        manager.Tick(0);
-        EXPECT_FALSE(view->CellPlace(kRowCount - 1, 0).Empty());
-        EXPECT_TRUE(view->CellPlace(0, 0).Empty());
+}
+
+// A theme's file may give rows any height.
+TEST_F(ListView, RowsOfAnAbsurdHeightAreCountedWithoutOverflow) {
+    CGhostTheme::Get().ParseTheme("<?xml version='1.0'?><theme><listview name='HIGH'>"
+                                  "<number name='itemheight' val='1048576'/>"
+                                  "</listview></theme>");
+    auto* const view = new CGhostListView(nullptr, 0, L"HIGH", 0, {false, 0, 0, 200, 100});
+    view->AddColumn(L"Name", 80);
+    constexpr int32_t kRowCount = 20000;
+    view->Reserve(kRowCount);
+    for (int32_t i = 0; i < kRowCount; ++i) {
+        view->AddRow();
     }
+    EXPECT_GT(view->ContentHeight(), 0);
+    EXPECT_EQ(view->ContentHeight() / view->RowHeight(), kRowCount);
+    view->SetSelected(kRowCount - 1);
+    manager.Tick(0);
+    EXPECT_FALSE(view->CellPlace(kRowCount - 1, 0).Empty());
+    EXPECT_TRUE(view->CellPlace(0, 0).Empty());
+}

@@ -1,8 +1,9 @@
 // The resampler and the band splitter, as multiples of real time: how many seconds of sound of one
-// chip or channel are made in a second.
+// chip or channel are made in a second. And what a quality of the resampler costs the sound, in figures.
 #include "machine/band_splitter.h"
 #include "machine/resampler.h"
 
+#include "support/resampler_figures.h"
 #include <benchmark/benchmark.h>
 #include <samplerate.h>
 
@@ -76,6 +77,22 @@ void ResampleFastChipWithLibsamplerate(benchmark::State& state) {
     ReportFrames(state);
 }
 
+// What the time buys: the figures of a quality, as resampler_filter_test.cpp holds them to their limits.
+void FiguresOfResampler(benchmark::State& state) {
+    const auto quality = static_cast<int32_t>(state.range(0));
+    RESAMPLER_FIGURES figures;
+    double noise = 0.0;
+    for ([[maybe_unused]] auto _ : state) {
+        figures = MeasureFilter(quality, 223721.5625, 44100.0);
+        noise = MeasureSignalToNoise(quality, 223721.5625, 44100);
+    }
+    state.counters["rippleDb"] = figures.ripple;
+    state.counters["imagesDb"] = figures.images;
+    state.counters["aliasesDb"] = figures.aliases;
+    state.counters["signalToNoiseDb"] = noise;
+    state.counters["delayMs"] = MeasureDelay(quality, 223721.5625, 44100) * 1000.0;
+}
+
 // One channel at 44,100 samples a second; a session has two.
 void SplitBands(benchmark::State& state) {
     BandSplitter splitter;
@@ -99,4 +116,5 @@ BENCHMARK(ResampleFastChip)->DenseRange(0, 2);
 BENCHMARK(ResampleFastMonoChip)->DenseRange(1, 2);
 BENCHMARK(ResampleFastChipWithLibsamplerate);
 BENCHMARK(ResampleSlowChip)->DenseRange(0, 2);
+BENCHMARK(FiguresOfResampler)->DenseRange(0, 2)->Iterations(1);
 BENCHMARK(SplitBands);

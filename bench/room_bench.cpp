@@ -64,7 +64,7 @@ struct ROOM {
                            },
                            {}});
         objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
-        camera.SetUp(static_cast<float>(kWide) / kHigh, {460, 130, 760}, {120, 60, 100});
+        camera.SetUp(static_cast<float>(kWide) / kHigh, {330, 125, 690}, {200, 60, 100});
         for (size_t i = 0; i < televisions; ++i) {
             sessions.push_back(std::make_unique<SESSION_PICTURE>());
             StartSessionPicture(*sessions.back(), pixels.size());

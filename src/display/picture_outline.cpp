@@ -310,7 +310,7 @@ void ExtendCuts(const OutlineTile& tile, const Plane& cuts, Plane& all) {
         FillRow<kLanes>(all[row].data(), kTileMargin, WorkedColumns(tile), [&](size_t column) {
             const uint8_t restAlong = RestOf(beside[column], kCut3x1, kRest3x1);
             const uint8_t restUpright = RestOf(over[column], kCut1x3, kRest1x3);
-            // Two that meet in one pixel leave it alone, and so does what the corner itself is cut to.
+            // No rest is cut where two meet, or where the corner's own cut lies.
             const uint8_t rest = Byte(restAlong | restUpright);
             const uint8_t taken = Byte(own[column] | (restAlong & restUpright));
             const uint8_t isFree = taken == kWhole ? 0xFF : 0;

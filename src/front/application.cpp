@@ -229,10 +229,12 @@ DRAW_TARGET Application::Target() const {
     return {window.PixelWidth(), window.PixelHeight()};
 }
 
+// The screen of the room stops its own.
 void Application::StopEndedGame() {
-    for (const uint32_t key : StopEndedSessions()) {
-        playing = playing && key != kFrontTelevision;
-        window.SetTitle(ProgramTitle());
+    std::string reason;
+    if (EmuHasEnded(kFrontTelevision, reason)) {
+        PostReport(reason);
+        TurnOff();
     }
 }
 
@@ -254,7 +256,7 @@ void Application::Draw() {
 
 bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     lightGun.SetGame(opened);
-    playing = StartGame(kFrontTelevision, opened, error);
+    playing = StartGame(kFrontTelevision, opened, error) != 0;
     if (!playing) {
         window.SetTitle(ProgramTitle());
         return false;

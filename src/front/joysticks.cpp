@@ -144,6 +144,25 @@ PadCodes ReadCodes(SDL_GameController* controller, uint32_t place) {
     return codes;
 }
 
+constexpr std::array kStickAxes = {SDL_CONTROLLER_AXIS_LEFTX, SDL_CONTROLLER_AXIS_LEFTY,
+                                   SDL_CONTROLLER_AXIS_RIGHTX, SDL_CONTROLLER_AXIS_RIGHTY};
+
+// The raw codes of a stick's axis, as far as it is an axis of the device.
+struct HALF_CODES {
+    std::array<uint32_t, 2> negative{};
+    std::array<uint32_t, 2> positive{};
+};
+
+HALF_CODES ReadHalfCodes(SDL_GameController* controller, SDL_GameControllerAxis axis,
+                         uint32_t place) {
+    const SDL_GameControllerButtonBind bind = SDL_GameControllerGetBindForAxis(controller, axis);
+    HALF_CODES codes{CodesOf(bind, place, Half::kNegative), CodesOf(bind, place, Half::kPositive)};
+    if (IsTurnedRound(controller, axis)) {
+        std::swap(codes.negative, codes.positive);
+    }
+    return codes;
+}
+
 uint32_t CutTo(int most, int count) {
     return static_cast<uint32_t>(std::clamp(count, 0, most));
 }
@@ -155,6 +174,7 @@ struct Joysticks::DEVICE {
     SDL_GameController* controller = nullptr;
     SDL_JoystickID instance = -1;
     std::array<bool, kPadControls> down{};
+    std::array<HALF_CODES, kStickAxes.size()> stickCodes{}; // in the order of kStickAxes
 };
 
 Joysticks::Joysticks()
@@ -271,13 +291,23 @@ PAD_STICKS Joysticks::Sticks() const {
     if (controller == nullptr) {
         return {};
     }
-    SDL_GameController* const device = (*devices)[PlaceIndex(*controller)].controller;
-    const auto axis = [&](SDL_GameControllerAxis which) {
-        return static_cast<float>(SDL_GameControllerGetAxis(device, which)) /
-               static_cast<float>(SDL_JOYSTICK_AXIS_MAX);
-    };
-    return {axis(SDL_CONTROLLER_AXIS_LEFTX), axis(SDL_CONTROLLER_AXIS_LEFTY),
-            axis(SDL_CONTROLLER_AXIS_RIGHTX), axis(SDL_CONTROLLER_AXIS_RIGHTY)};
+    const DEVICE& device = (*devices)[PlaceIndex(*controller)];
+    std::array<float, kStickAxes.size()> values{};
+    for (size_t i = 0; i < values.size(); ++i) {
+        const int16_t value = SDL_GameControllerGetAxis(device.controller, kStickAxes[i]);
+        const HALF_CODES& codes = device.stickCodes[i];
+        if (std::ranges::none_of(value < 0 ? codes.negative : codes.positive, InputCodeIsBound)) {
+            values[i] = static_cast<float>(value) / static_cast<float>(SDL_JOYSTICK_AXIS_MAX);
+        }
+    }
+    return {values[0], values[1], values[2], values[3]};
+}
+
+void Joysticks::ReadMapping(uint32_t place) {
+    DEVICE& device = (*devices)[place];
+    for (size_t i = 0; i < kStickAxes.size(); ++i) {
+        device.stickCodes[i] = ReadHalfCodes(device.controller, kStickAxes[i], place);
+    }
 }
 
 void Joysticks::OpenController(uint32_t place, int index) {
@@ -293,6 +323,7 @@ void Joysticks::OpenController(uint32_t place, int index) {
     }
     (*devices)[place].controller = controller;
     places[place].controller = true;
+    ReadMapping(place);
     const auto free = std::find(playing.begin(), playing.end(), false);
     if (free != playing.end()) {
         places[place].player = static_cast<uint32_t>(free - playing.begin());
@@ -361,6 +392,7 @@ void Joysticks::TakeState(uint32_t place) {
 void Joysticks::Remapped(int32_t instance) {
     const uint32_t place = PlaceOf(instance);
     if (place != kNoJoystick && places[place].controller) {
+        ReadMapping(place);
         InputSetPadCodes(places[place].player, ReadCodes((*devices)[place].controller, place));
     }
 }

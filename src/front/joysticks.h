@@ -45,7 +45,8 @@ struct JOYSTICK {
     uint32_t player = kNoPlayer; // 0 or 1 for the controllers that play
 };
 
-// Both sticks of a controller: -1 to 1, right and down positive.
+// Both sticks of a controller: -1 to 1, right and down positive. A direction that the user has bound to an action
+// does that alone, and is 0 here.
 struct PAD_STICKS {
     float leftX = 0.0f;
     float leftY = 0.0f;
@@ -86,6 +87,7 @@ private:
     void OpenArrived();
     void OpenAt(uint32_t place, int index);
     void OpenController(uint32_t place, int index);
+    void ReadMapping(uint32_t place); // the codes of the sticks
     void CloseAt(uint32_t place);
     void Removed(int32_t instance);
     void TakeState(uint32_t place);

@@ -31,7 +31,7 @@ public:
     // mouse is unused nobody points, and the keys aim.
     void Aim(const SHOWN_PICTURE& shown, const MOUSE_STATE& mouse, bool inUse) const;
 
-    // Nobody points, until the next Aim.
+    // Clears the aim until the next Aim.
     static void LetGo();
 
     // Fills in the pointers for a frame of the active session. Session thread.

@@ -111,6 +111,10 @@ void ReleaseThisThread(int token) {
     }
 }
 
+void UseAllProcessors() {
+    AllowAll();
+}
+
 uint32_t BoundThreads(uint32_t processor) {
     const std::scoped_lock hold(EmuFrameMutex());
     return processor < kTokenLimit ? gCoreUse[processor] : 0;

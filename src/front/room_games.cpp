@@ -1,57 +1,115 @@
 #include "front/room_games.h"
 
-#include "front/game_start.h"
 #include "host/session.h"
 
 #include <utility>
 
-bool RoomGames::StartNext(uint32_t key, std::string& error) {
+RoomGames::RoomGames(std::vector<OPENED_GAME> openedGames) {
+    for (OPENED_GAME& opened : openedGames) {
+        games.push_back(std::make_shared<const OPENED_GAME>(std::move(opened)));
+    }
+}
+
+bool RoomGames::StartNext(uint32_t key) {
     if (games.empty()) {
-        error = "there is no game to play";
         return false;
     }
-    const OPENED_GAME& game = games[next];
+    StartOn(key, games[next]);
     next = (next + 1) % games.size();
-    return StartOn(key, game, error);
-}
-
-bool RoomGames::Start(uint32_t key, OPENED_GAME&& opened, std::string& error) {
-    games.push_back(std::move(opened));
-    return StartOn(key, games.back(), error);
-}
-
-bool RoomGames::StartOn(uint32_t key, const OPENED_GAME& opened, std::string& error) {
-    if (!StartGame(key, opened, error)) {
-        sets.erase(key);
-        return false;
-    }
-    SET& set = sets[key];
-    set.title = opened.title;
-    set.guns.SetGame(opened);
     return true;
 }
 
+void RoomGames::Start(uint32_t key, OPENED_GAME&& opened) {
+    games.push_back(std::make_shared<const OPENED_GAME>(std::move(opened)));
+    StartOn(key, games.back());
+}
+
+void RoomGames::StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& opened) {
+    SET& set = sets[key];
+    set.order = ++orders;
+    set.state = SetState::kStarting;
+    set.serial = 0;
+    set.title = opened->title;
+    set.guns.SetGame(*opened);
+    worker.Order({set.order, key, opened});
+}
+
 void RoomGames::Stop(uint32_t key) {
-    EmuStopSession(key);
-    sets.erase(key);
+    const auto set = sets.find(key);
+    if (set == sets.end() || set->second.state == SetState::kStopping) {
+        return;
+    }
+    set->second.order = ++orders;
+    set->second.state = SetState::kStopping;
+    set->second.serial = 0;
+    worker.Order({set->second.order, key, nullptr});
 }
 
 void RoomGames::StopAll() {
-    while (!sets.empty()) {
-        Stop(sets.begin()->first);
+    for (const auto& [key, set] : sets) {
+        Stop(key);
     }
+    worker.Finish();
+    static_cast<void>(Collect());
+}
+
+std::vector<std::string> RoomGames::Collect() {
+    std::vector<std::string> errors;
+    for (SESSION_RESULT& result : worker.TakeResults()) {
+        TakeOver(result);
+        if (!result.error.empty()) {
+            errors.push_back(std::move(result.error));
+        }
+    }
+    for (const auto& [key, set] : sets) {
+        std::string reason;
+        if (set.state == SetState::kPlaying && EmuHasEnded(key, reason)) {
+            errors.push_back(std::move(reason));
+            Stop(key);
+        }
+    }
+    return errors;
+}
+
+// A later order for the same set makes this one a thing of the past.
+void RoomGames::TakeOver(const SESSION_RESULT& result) {
+    const auto set = sets.find(result.key);
+    if (set == sets.end() || set->second.order != result.number) {
+        return;
+    }
+    if (result.serial == 0) {
+        sets.erase(set);
+        return;
+    }
+    set->second.serial = result.serial;
+    set->second.state = SetState::kPlaying;
+}
+
+const RoomGames::SET* RoomGames::Find(uint32_t key) const {
+    const auto set = sets.find(key);
+    return set != sets.end() && set->second.state != SetState::kStopping ? &set->second : nullptr;
+}
+
+SetState RoomGames::StateOf(uint32_t key) const {
+    const auto set = sets.find(key);
+    return set != sets.end() ? set->second.state : SetState::kOff;
+}
+
+uint32_t RoomGames::SerialOn(uint32_t key) const {
+    const SET* const set = Find(key);
+    return set != nullptr ? set->serial : 0;
 }
 
 std::string RoomGames::TitleOn(uint32_t key) const {
-    const auto set = sets.find(key);
-    return set != sets.end() ? set->second.title : std::string();
+    const SET* const set = Find(key);
+    return set != nullptr ? set->title : std::string();
 }
 
 std::string RoomGames::NextTitle() const {
-    return games.empty() ? std::string() : games[next].title;
+    return games.empty() ? std::string() : games[next]->title;
 }
 
 const LightGun* RoomGames::GunsOn(uint32_t key) const {
-    const auto set = sets.find(key);
-    return set != sets.end() ? &set->second.guns : nullptr;
+    const SET* const set = Find(key);
+    return set != nullptr ? &set->guns : nullptr;
 }

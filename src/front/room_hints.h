@@ -17,6 +17,7 @@ public:
 
     // An empty text hides the line.
     void Show(const std::wstring& wanted);
+    [[nodiscard]] const std::wstring& Text() const { return text; }
 
 private:
     void Place();

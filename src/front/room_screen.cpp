@@ -11,6 +11,7 @@
 #include "front/televisions.h"
 #include "host/session_list.h"
 #include "room/look_stick.h"
+#include "room/standpoint.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -23,11 +24,14 @@ namespace {
 
 constexpr uint32_t kNoSession = 0; // no set has this key
 constexpr uint32_t kEscape = 41;   // scancodes
+constexpr uint32_t kPageUp = 75;
+constexpr uint32_t kPageDown = 78;
 constexpr uint32_t kLeftShift = 225;
 constexpr uint32_t kLeftButton = 1;
 constexpr uint32_t kMiddleButton = 2;
-constexpr float kLongestStep = 0.1f;        // seconds; after a standstill nobody flies through a wall
-constexpr int64_t kGeneralHint = 10000000;  // microseconds that the hint to walk stays
+constexpr uint64_t kFirstPad = (uint64_t{1} << kPadControls) - 1;
+constexpr float kLongestStep = 0.1f; // seconds, also after a pause
+constexpr int64_t kGeneralHint = 10000000; // microseconds that the hint to walk stays
 constexpr int64_t kFullScreenHint = 4000000;
 
 bool ActionIsDown(std::wstring_view name) {
@@ -38,10 +42,35 @@ float ActionAxis(std::wstring_view less, std::wstring_view more) {
     return (ActionIsDown(more) ? 1.0f : 0.0f) - (ActionIsDown(less) ? 1.0f : 0.0f);
 }
 
-// The key of an action as the player has bound it.
+bool IsOfJoystick(uint32_t binding) {
+    return binding >> 24 == 1;
+}
+
+// The key of an action as the player has bound it, or its joystick binding if that is asked for. Empty if the action
+// has none of the kind.
+std::wstring BindingNameOf(std::wstring_view action, bool ofJoystick) {
+    const auto bound = Settings().GetInt2(L"INPUT " + std::wstring(action));
+    for (const int32_t one : {bound.first, bound.second}) {
+        const auto binding = static_cast<uint32_t>(one);
+        if (binding != 0 && IsOfJoystick(binding) == ofJoystick) {
+            return BindingName(binding);
+        }
+    }
+    return {};
+}
+
 std::wstring ActionKeyName(std::wstring_view action) {
-    return BindingName(
-        static_cast<uint32_t>(Settings().GetInt2(L"INPUT " + std::wstring(action)).first));
+    return BindingNameOf(action, false);
+}
+
+// What a controller's player presses: the control, unless he has bound it or the action to something else. Empty if
+// there is nothing.
+std::wstring ActionPadName(std::wstring_view action, PadFamily family, PadControl control) {
+    std::wstring own = action.empty() ? std::wstring() : BindingNameOf(action, true);
+    if (!own.empty() || (InputPadsTaken() & PadBit(0, control)) != 0) {
+        return own;
+    }
+    return PadControlName(family, control);
 }
 
 float Aspect(const DRAW_TARGET& target) {
@@ -58,19 +87,25 @@ struct RoomScreen::HANDS {
     float lookY = 0.0f;
     STICK turn; // degrees a second
     int notches = 0;
+    int nextSet = 0; // +1 the next, -1 the one before
     bool slowWheel = false;
     bool use = false;
     bool turnOff = false;
     bool toggleWalking = false;
     bool middle = false;
     bool click = false; // with a free mouse
+
+    [[nodiscard]] bool Move() const {
+        return walk.right != 0.0f || walk.forward != 0.0f || lookX != 0.0f || lookY != 0.0f ||
+               turn.x != 0.0f || turn.y != 0.0f || notches != 0;
+    }
 };
 
 RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> openedGames)
     : around(surroundings)
     , games(std::move(openedGames)) {
-    renderer.InitRoom({[](const char* name) { return SDL_GL_GetProcAddress(name); },
-                       ReadObjectFile, PostReport});
+    renderer.InitRoom(
+        {[](const char* name) { return SDL_GL_GetProcAddress(name); }, ReadObjectFile, PostReport});
     objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
     PlaceTelevisionSounds(objects);
     camera.SetUp(1.0f);
@@ -86,14 +121,16 @@ RoomScreen::~RoomScreen() {
 
 void RoomScreen::StartGames(size_t count) {
     for (const uint32_t key : objects.Televisions()) {
-        std::string error;
-        if (key == 0 || count == 0) {
-            continue;
+        if (key != 0 && count != 0) {
+            --count;
+            TurnOn(key);
         }
-        --count;
-        if (!games.StartNext(key, error)) {
-            PostReport(error);
-        }
+    }
+}
+
+void RoomScreen::TurnOn(uint32_t key) {
+    if (!games.StartNext(key)) {
+        PostReport("there is no game to play; drop one on the window");
     }
 }
 
@@ -109,13 +146,13 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     lastRound = input.now;
     hintsSince = hintsSince == 0 ? input.now : hintsSince;
 
-    DropEndedGames();
+    CollectGames();
     const RoomModes before = modes;
     const HANDS hands = ReadHands(input);
+    camera.SetAspect(Aspect(input.target));
+    Walk(hands, seconds);
     if (modes.RoomVisible()) {
-        camera.SetAspect(Aspect(input.target));
-        Walk(hands, seconds);
-        modes.SetLookedAt(LookAt(objects, camera));
+        ChooseSet(hands);
     }
     Act(hands);
     if (before.RoomVisible() != modes.RoomVisible() || before.Walking() != modes.Walking()) {
@@ -146,6 +183,8 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
         case GuiInputKind::kWheel: hands.notches -= event.wheel; break;
         case GuiInputKind::kKeyDown:
             hands.toggleWalking = hands.toggleWalking || (event.key == kEscape && !event.repeat);
+            hands.nextSet += event.key == kPageDown ? 1 : 0;
+            hands.nextSet -= event.key == kPageUp ? 1 : 0;
             break;
         default: break;
         }
@@ -166,15 +205,18 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
         held = down;
         return press;
     };
-    const uint64_t pads = InputPadsActing();
+    const uint64_t pads = InputPadsActing() & kFirstPad;
     hands.use = pressed(ActionIsDown(L"Use"), useHeld) || hands.use;
     hands.turnOff = pressed(ActionIsDown(L"Turn Off"), turnOffHeld);
+    hands.nextSet += pressed((pads & PadBit(0, kPadBack)) != 0, nextSetHeld) ? 1 : 0;
     // While a machine is played its buttons are its own; the guide button belongs to no machine.
+    const bool played = !modes.RoomVisible() || (!walking && modes.Selected().on);
     const uint64_t leaveControls =
-        PadBit(0, kPadGuide) | (walking ? PadBit(0, kPadEast) : uint64_t{0});
+        PadBit(0, kPadGuide) | (played ? uint64_t{0} : PadBit(0, kPadEast));
     hands.toggleWalking = pressed((pads & leaveControls) != 0, leaveHeld) || hands.toggleWalking;
 
-    if (pads != 0 || way.x != 0.0f || way.y != 0.0f || hands.turn.x != 0.0f || hands.turn.y != 0.0f) {
+    if (pads != 0 || way.x != 0.0f || way.y != 0.0f || hands.turn.x != 0.0f ||
+        hands.turn.y != 0.0f) {
         padInHand = true;
     } else if (keysUsed) {
         padInHand = false;
@@ -195,8 +237,40 @@ void RoomScreen::Walk(const HANDS& hands, float seconds) {
     camera.Move(hands.walk, seconds);
 }
 
+// What the player looks at; before a set that he was put before, that set.
+void RoomScreen::ChooseSet(const HANDS& hands) {
+    if (modes.Walking() && hands.nextSet != 0) {
+        VisitSet(hands.nextSet);
+    } else if (modes.Walking() && hands.Move()) {
+        visited = 0;
+    }
+    const CRoomObject* const set = objects.Find(visited);
+    modes.SetLookedAt(set != nullptr ? LookedAtSet(*set) : LookAt(objects, camera));
+}
+
+void RoomScreen::VisitSet(int step) {
+    std::vector<uint32_t> sets;
+    for (const uint32_t key : objects.Televisions()) {
+        if (key != 0) {
+            sets.push_back(key);
+        }
+    }
+    if (sets.empty()) {
+        return;
+    }
+    const auto count = static_cast<int>(sets.size());
+    const auto at = std::find(sets.begin(), sets.end(), modes.Selected().id);
+    const int from = at != sets.end() ? static_cast<int>(at - sets.begin()) : (step > 0 ? -1 : count);
+    visited = sets[static_cast<size_t>(((from + step) % count + count) % count)];
+    const STANDPOINT point = StandpointBefore(*objects.Find(visited));
+    StandAt(point.from, point.at);
+}
+
 void RoomScreen::Act(const HANDS& hands) {
-    if (hands.toggleWalking) {
+    // While a machine is played the middle button leads back, and `Turn Off` is not read: its key may be one of
+    // the machine's.
+    const bool middleLeaves = hands.middle && fullScreen != nullptr;
+    if (hands.toggleWalking || middleLeaves) {
         BackToRoom();
         modes.ToggleWalking();
         return;
@@ -224,9 +298,8 @@ void RoomScreen::Obey(const ROOM_ORDER& order) {
             break;
         }
         modes.Enter();
-        if (std::string error; !games.StartNext(order.id, error)) {
-            PostReport(error);
-        } else if (Settings().GetBool(L"emu_startfullscreen")) {
+        TurnOn(order.id);
+        if (Settings().GetBool(L"emu_startfullscreen")) {
             ShowFullScreen(order.id);
         }
         break;
@@ -258,18 +331,14 @@ void RoomScreen::BackToRoom() {
     }
 }
 
-// A machine that cannot go on has been turned off by the round before.
-void RoomScreen::DropEndedGames() {
-    for (const uint32_t key : objects.Televisions()) {
-        if (key == 0 || games.GunsOn(key) == nullptr || PinSession(key) != nullptr) {
-            continue;
-        }
-        games.Forget(key);
-        objects.TurnOff(key);
-        if (fullScreen != nullptr && key == shownKey) {
-            fullScreen.reset();
-            modes.Enter();
-        }
+// A game that could not start, and a machine that could not go on, leave a dark set.
+void RoomScreen::CollectGames() {
+    for (const std::string& error : games.Collect()) {
+        PostReport(error);
+    }
+    if (fullScreen != nullptr && games.GunsOn(shownKey) == nullptr) {
+        fullScreen.reset();
+        modes.Enter();
     }
 }
 
@@ -287,11 +356,14 @@ void RoomScreen::ApplyModes() {
     PlaceListener(camera);
 }
 
+// A set shows the pictures of the session that plays on it now, and none of the one before.
 void RoomScreen::AttachPictures() {
     const auto& pictures = around.televisions.All();
     for (const uint32_t key : objects.Televisions()) {
+        const uint32_t serial = games.SerialOn(key);
         const auto found = pictures.find(key);
-        if (found != pictures.end() && found->second.picture.texture.glTexture != 0) {
+        if (serial != 0 && found != pictures.end() && found->second.serial == serial &&
+            found->second.picture.texture.glTexture != 0) {
             objects.Attach(key, found->second.picture);
         } else if (const CRoomObject* const set = objects.Find(key); set != nullptr && set->on) {
             objects.TurnOff(key);
@@ -318,27 +390,33 @@ void RoomScreen::Draw(const DRAW_TARGET& target) {
 bool RoomScreen::TakeDropped(OPENED_GAME& opened) {
     uint32_t key = fullScreen != nullptr ? shownKey : modes.Selected().id;
     for (const uint32_t free : objects.Televisions()) {
-        if (key == 0 && free != 0 && games.GunsOn(free) == nullptr) {
+        if (key == 0 && free != 0 && games.StateOf(free) == SetState::kOff) {
             key = free;
         }
     }
-    std::string error;
     if (key == 0) {
         PostReport("all televisions are on; turn one off, or look at the one to play on");
-    } else if (!games.Start(key, std::move(opened), error)) {
-        PostReport(error);
-    } else if (fullScreen != nullptr) {
+        return true;
+    }
+    games.Start(key, std::move(opened));
+    if (fullScreen != nullptr) {
         guns = *games.GunsOn(key);
     }
     return true;
 }
 
 std::wstring RoomScreen::Hint(int64_t now) const {
-    const auto name = [&](const wchar_t* action, PadControl control) {
-        return padInHand ? std::wstring(PadControlName(around.joysticks.Family(), control))
-                         : ActionKeyName(action);
+    const auto name = [&](const wchar_t* action, PadControl control, const wchar_t* key) {
+        std::wstring text;
+        if (padInHand) {
+            text = ActionPadName(action, around.joysticks.Family(), control);
+        }
+        if (text.empty()) {
+            text = *key != L'\0' ? std::wstring(key) : ActionKeyName(action);
+        }
+        return text;
     };
-    const std::wstring back = padInHand ? name(L"", kPadGuide) : std::wstring(L"Esc");
+    const std::wstring back = name(L"", kPadGuide, L"Esc");
     if (!modes.RoomVisible()) {
         return now - hintsSince < kFullScreenHint ? back + L"   Back to the room" : std::wstring();
     }
@@ -347,17 +425,19 @@ std::wstring RoomScreen::Hint(int64_t now) const {
         return selected.on ? back + L"   Walk on" : back + L" or a click   Walk on";
     }
     if (selected.on) {
-        return name(L"Use", kPadSouth) + L"   Play " + WideFromUtf8(games.TitleOn(selected.id)) +
-               L"      " + name(L"Turn Off", kPadNorth) + L"   Turn off";
+        return name(L"Use", kPadSouth, L"") + L"   Play " +
+               WideFromUtf8(games.TitleOn(selected.id)) + L"      " +
+               name(L"Turn Off", kPadNorth, L"") + L"   Turn off";
     }
     if (selected.id != 0) {
-        return name(L"Use", kPadSouth) + L"   Turn on: " + WideFromUtf8(games.NextTitle());
+        return name(L"Use", kPadSouth, L"") + L"   Turn on: " + WideFromUtf8(games.NextTitle());
     }
     if (now - hintsSince >= kGeneralHint) {
         return {};
     }
-    return padInHand ? std::wstring(L"Left stick   Walk      Right stick   Look")
+    return padInHand ? L"Left stick   Walk      Right stick   Look      " + name(L"", kPadBack, L"Page Down") +
+                           L"   Next set"
                      : ActionKeyName(L"Move Forward") + L" " + ActionKeyName(L"Move Left") + L" " +
                            ActionKeyName(L"Move Back") + L" " + ActionKeyName(L"Move Right") +
-                           L"   Walk      Mouse   Look      Esc   Free the mouse";
+                           L"   Walk      Mouse   Look      Page Down   Next set      Esc   Free the mouse";
 }

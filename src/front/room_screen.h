@@ -5,7 +5,9 @@
 //                 one that is off starts the next game on it; `Turn Off` stops the game
 //   standing      the mouse is free; a machine at which the player stands gets the input
 //   full screen   one set's picture fills the window and its machine gets the input
-// Escape, and a controller's guide button, lead back to walking from both.
+// Escape, and a controller's guide button, lead back to walking from both. Page Down and Page Up, and a
+// controller's back button, put the player before the next set and the one before: also before those that a look
+// does not choose where they stand.
 //
 // Thread: main, with the OpenGL context current.
 #pragma once
@@ -57,6 +59,8 @@ public:
     [[nodiscard]] const CRoomCamera& Camera() const { return camera; }
     [[nodiscard]] const CRoomObjects& Objects() const { return objects; }
     [[nodiscard]] const RoomGames& Games() const { return games; }
+    // What the line at the foot of the window says.
+    [[nodiscard]] const std::wstring& HintText() const { return hints.Text(); }
     [[nodiscard]] const ROOM_COUNTERS& Counters() const { return renderer.Counters(); }
 
 private:
@@ -64,11 +68,14 @@ private:
 
     [[nodiscard]] HANDS ReadHands(const SCREEN_INPUT& input);
     void Walk(const HANDS& hands, float seconds);
+    void ChooseSet(const HANDS& hands);
+    void VisitSet(int step);
     void Act(const HANDS& hands);
     void Obey(const ROOM_ORDER& order);
     void ShowFullScreen(uint32_t key);
     void BackToRoom();
-    void DropEndedGames();
+    void TurnOn(uint32_t key);
+    void CollectGames();
     void ApplyModes();
     void AttachPictures();
     [[nodiscard]] std::wstring Hint(int64_t now) const;
@@ -83,11 +90,13 @@ private:
     std::unique_ptr<GameScreen> fullScreen; // while one set fills the window
     LightGun guns;                          // of that set's game
     InputLooker looker;
+    uint32_t visited = 0;   // the set before which the player was put, until he moves
     uint32_t shownKey = 0;  // of the set that fills the window
     int64_t lastRound = 0;  // microseconds of the host's clock; 0 before the first
     int64_t hintsSince = 0; // of the present mode
     bool useHeld = false;
     bool turnOffHeld = false;
     bool leaveHeld = false;
+    bool nextSetHeld = false;
     bool padInHand = false;
 };

@@ -1,10 +1,8 @@
 #include "front/televisions.h"
 
 #include "base/bytes.h"
-#include "front/notices.h"
 #include "host/host_data.h"
 #include "host/picture.h"
-#include "host/report.h"
 #include "host/session.h"
 
 #include <algorithm>
@@ -73,18 +71,4 @@ const SESSION_PICTURE& Televisions::Picture(uint32_t key) const {
     static const SESSION_PICTURE kNone{};
     const auto found = sets.find(key);
     return found != sets.end() ? found->second.picture : kNone;
-}
-
-std::vector<uint32_t> StopEndedSessions() {
-    std::vector<uint32_t> ended;
-    EmuForEachSession([&](const EMU_THREAD& session) {
-        if (session.machine->ended) {
-            ended.push_back(session.key);
-        }
-    });
-    for (const uint32_t key : ended) {
-        PostReport(EmuLastError());
-        EmuStopSession(key);
-    }
-    return ended;
 }

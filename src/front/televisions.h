@@ -58,6 +58,3 @@ private:
     bool keepPicture = false;
     bool inRoom = false;
 };
-
-// Turns off the sessions whose machine cannot go on and tells the player why. Returns their keys.
-std::vector<uint32_t> StopEndedSessions();

@@ -198,7 +198,7 @@ void CGhostButton::OnKeyDown(GHOSTGUIKey key) {
     }
 }
 
-// A key that went down at another control is none of this one's.
+// Ignores a key pressed while another control had the focus.
 void CGhostButton::OnKeyUp(GHOSTGUIKey key) {
     if (!enabled || (flags & kNoKeys) != 0) {
         return;

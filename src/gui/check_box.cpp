@@ -172,7 +172,7 @@ void CGhostCheckBox::OnKeyUp(GHOSTGUIKey key) {
     }
 }
 
-// Whether a disabled box is checked is seen: by the theme's fifth state, or the square of a checked one.
+// A disabled box still shows whether it is checked: by the theme's fifth state, or the square of a checked one.
 const GhostTexture& CGhostCheckBox::Square() const {
     constexpr size_t kOther = 4;
     if (state != CGhostButton::kDisabled || !checked) {

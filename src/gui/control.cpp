@@ -19,7 +19,7 @@ void PaintFocusRing(CGhostSurface& surface, const GUI_RECT& rect) {
     constexpr int32_t kCorner = 4; // that of the controls
     GhostTextStyle style;
     if (!CGhostTheme::Get().GetStyle(L"FOCUS", style) || style.textColour >> 24 == 0) {
-        style.textColour = 0xFFFFB347; // a theme that forgot it must not lead a player astray
+        style.textColour = 0xFFFFB347; // visible even if the theme has no FOCUS style
         style.textOutlineColour = 0xFF0B0E1F;
     }
     PaintRing(surface, rect, kThickness, kCorner, style.textColour);

@@ -200,7 +200,7 @@ void CGhostListView::OnMouseDown(int x, int y, unsigned button) {
 
 void CGhostListView::OnMouseDoubleClick(int x, int y, unsigned button) {
     OnMouseDown(x, y, button);
-    if (button == kLeftButton && RowUnder(y) >= 0) {
+    if (button == kLeftButton && Selects() && RowUnder(y) >= 0) {
         Choose();
     }
 }

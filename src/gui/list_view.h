@@ -80,6 +80,8 @@ public:
     void OnFocus(bool gained, void* other) override;
     void OnMouseDoubleClick(int x, int y, unsigned button) override;
     void OnMouseDown(int x, int y, unsigned button) override;
+    void OnKeyDown(GHOSTGUIKey key) override;
+    void OnChar(unsigned character) override;
     void OnTick(unsigned microseconds) override;
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
 

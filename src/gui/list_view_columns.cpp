@@ -195,6 +195,24 @@ bool CGhostListView::GoBeyond(GUI_DIRECTION way) {
     return aimedHeading >= 0;
 }
 
+// A key that goes to a row takes the aim from the headings.
+void CGhostListView::OnKeyDown(GHOSTGUIKey key) {
+    const bool goesToRow = key == GHOSTGUIKey::kPageUp || key == GHOSTGUIKey::kPageDown ||
+                           key == GHOSTGUIKey::kHome || key == GHOSTGUIKey::kEnd;
+    if (goesToRow && Selects()) {
+        AimAtHeading(-1);
+    }
+    CGhostScrolledRows::OnKeyDown(key);
+}
+
+void CGhostListView::OnChar(unsigned character) {
+    const int32_t before = selected;
+    CGhostScrolledRows::OnChar(character);
+    if (selected != before) {
+        AimAtHeading(-1);
+    }
+}
+
 void CGhostListView::ActivateKey() {
     if (aimedHeading >= 0) {
         HeadingClicked(aimedHeading);

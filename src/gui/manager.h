@@ -6,8 +6,8 @@
 // Order: SetHost and SetScreen before the first window; then once a frame PostInput for every event,
 //   Tick, CompositeAll.
 // Handles: every operation looks for its window in the tree, so a stale handle yields false.
-// Calls: handlers are called from Tick, but for those that a change of size or place concerns, which
-//   are called at once. Whatever PostInput and SetFocus bring about is queued and called by the tick.
+// Calls: handlers are called from Tick, except size and position handlers, which are called at
+//   once. Whatever PostInput and SetFocus bring about is queued and called by the tick.
 // Locks, in this order: the API mutex around Tick, CompositeAll, PostInput, whatever else calls handlers,
 //   and the making of message boxes; the tree lock; the queue lock. While a queued call or a handler's tick
 //   or painting runs neither the tree nor the queue is locked, so a handler may call any operation, and

@@ -90,7 +90,8 @@ CGhostMessageBox::~CGhostMessageBox() {
     std::replace(table.begin(), table.end(), this, static_cast<CGhostMessageBox*>(nullptr));
 }
 
-// Wider step by step, until it is more than twice as wide as it is high.
+// Wider step by step, until it is more than twice as wide as it is high. Never wider than the screen, beyond
+// which text and button would be out of sight; there a long text scrolls.
 void CGhostMessageBox::Place() {
     CGhostManager& manager = CGhostManager::Get();
     GUI_RECT outer;
@@ -107,7 +108,7 @@ void CGhostMessageBox::Place() {
         }
         width += kWidthStep;
     }
-    height = std::min(height, screen.height); // a longer text scrolls
+    height = std::min(height, screen.height);
     box->SetPos((screen.width - width) / 2, (screen.height - height) / 2, width, height);
     manager.GetWindowRects(box->window, nullptr, &client, nullptr);
     button->SetPos((client.width - kButtonWide) / 2, client.height - kButtonRow, kButtonWide,

@@ -26,7 +26,7 @@ CGhostPopup::CGhostPopup(GHOSTMANAGER_WINDOW* parent, uint32_t creationId) {
         }
     });
     list->OnCancel.connect([this](CGhostList*) { Hide(); });
-    // What has the focus now counts, since the list may have it again already.
+    // Checks the present focus: the list may have it back.
     list->OnFocusChange.connect([this](CGhostList*, bool gained, void*) {
         if (!gained && !HasFocus()) {
             Hide();
@@ -73,6 +73,7 @@ void CGhostPopup::ShowAt(int32_t x, int32_t y) {
     }
     shown = true;
     list->SetPos(place.x, place.y, place.width, place.height);
+    list->ScrollTo(0);
     list->SetSelected(-1, false);
     list->SetHot(-1);
     SetZOrder(-1);

@@ -13,7 +13,7 @@ struct PIXEL_SIZE {
     int32_t height;
 };
 
-// What of a pixel of a corner lies in a ring with that outer radius, 0 to 255. (x, y) from the corner,
+// Coverage of a corner pixel by the ring, 0 to 255; `radius` is the outer one. (x, y) from the corner,
 // `pixels` across the radius.
 uint8_t CornerCoverage(int32_t x, int32_t y, PIXEL_SIZE pixels, int32_t radius, int32_t thickness) {
     constexpr int32_t kSamples = 4; // each way

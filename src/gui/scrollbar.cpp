@@ -256,7 +256,7 @@ bool CGhostScrollbar::OnCancelKey() {
            AskOwner(window, [](CGhostGUIHandler& handler) { return handler.OnCancelKey(); });
 }
 
-// What is held goes on: a step of a button, a page of the track until the thumb is under the mouse.
+// Repeats the part that is held: a step for a button, a page for the track until the thumb is under the mouse.
 void CGhostScrollbar::Repeat() {
     switch (held) {
     case Part::kTop: ScrollTo(pos - step); break;

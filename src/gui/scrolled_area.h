@@ -1,8 +1,7 @@
 // CGhostScrolledArea: what the controls with a scrollbar of their own share: the window with its bar, and
 // the keys that scroll.
 //
-// Directions, of keys and of a controller: what the control can do with one it does; at its end the focus
-//   moves on.
+// Directions, of keys and of a controller: a direction scrolls; at the end of the range it moves the focus.
 // Units: those of the virtual screen.
 #pragma once
 

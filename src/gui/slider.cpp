@@ -48,7 +48,7 @@ void CGhostSlider::Change(float wanted) {
     }
 }
 
-// One unit of the number that is shown, or a hundredth of the way where that would be too much.
+// One unit of the shown number, or 1/100 of a range up to 1.
 bool CGhostSlider::Step(int steps) {
     const float before = value;
     if (std::abs(range) <= 1.0f) {

@@ -342,7 +342,7 @@ void CGhostSurface::BlitScaled(const GUI_BITMAP& bitmap, const GUI_RECT& target)
     if (visible.Empty() || bitmap.pixels.empty()) {
         return;
     }
-    // Nearest neighbour as the scaled copy has always been done: by the pixel's corner.
+    // Nearest neighbour, sampled at the pixel's corner.
     const int64_t width = whole.right - whole.left;
     const int64_t height = whole.bottom - whole.top;
     for (int32_t y = visible.top; y < visible.bottom; ++y) {

@@ -219,6 +219,16 @@ bool EmuStopSession(uint32_t key) {
     return StopInTurn(key);
 }
 
+bool EmuHasEnded(uint32_t key, std::string& reason) {
+    const SessionPin session = PinSession(key);
+    if (!session || !session->machine->ended) {
+        return false;
+    }
+    const SessionHold hold(*session);
+    reason = session->machine->endReason;
+    return true;
+}
+
 bool EmuResetSession(uint32_t key) {
     const SessionPin session = PinSession(key);
     if (!session) {

@@ -121,6 +121,10 @@ void EmuSetHost(const EMU_HOST_CALLBACKS& callbacks);
 // since it waits for the session's thread, and with no lock held.
 bool EmuStopSession(uint32_t key);
 
+// Whether the machine on this key has ended by itself, and if so, why. The session goes on, without pictures or
+// sound, until somebody stops it. With no lock held.
+[[nodiscard]] bool EmuHasEnded(uint32_t key, std::string& reason);
+
 // Resets the machine at a frame boundary. False if there is none on this key. With no lock held.
 bool EmuResetSession(uint32_t key);
 

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 class CGameFile;
 
@@ -88,9 +89,11 @@ public:
     const uint32_t sessionKey; // for InputIsDown
     // For a machine to fill; only printed, by the main thread while the machine runs.
     std::atomic<uint32_t> debugValue{0};
-    // Set by a machine whose program cannot go on; the last error says why. Its frames are empty until a
-    // Reset or LoadState.
+    // Set by End, for a machine whose program cannot go on. Its frames are empty until a Reset or
+    // LoadState.
     std::atomic<bool> ended{false};
+    // Why it ended, for the user. Written before `ended`; under the session's lock.
+    std::string endReason;
     const uint32_t width; // the largest picture the machine makes, in pixels
     const uint32_t height;
 
@@ -99,8 +102,14 @@ protected:
         : sessionKey(sessionKeyValue)
         , width(widthValue)
         , height(heightValue) {}
+
+    // The program cannot go on.
+    void End(std::string reason) {
+        endReason = std::move(reason);
+        ended = true;
+    }
 };
 
-// The last error as a text for the user, shared by all threads; the newest one wins.
+// Why a game could not start, as a text for the user. Shared by all threads; the newest one wins.
 void EmuSetLastError(std::string text);
 [[nodiscard]] std::string EmuLastError();

@@ -125,12 +125,13 @@ void SanitizeColours(std::array<uint16_t, Count>& colours) {
 }
 
 void SanitizeGeometry(MD_VDP& vdp) {
+    constexpr uint32_t kTableBits = 0xFE00; // a table begins at a multiple of 512
     vdp.planeWidth = SafePlaneSize(vdp.planeWidth);
     vdp.planeHeight = SafePlaneSize(vdp.planeHeight);
     vdp.windowWidth = vdp.windowWidth == 64 ? 64 : 32;
     for (uint32_t* base :
          {&vdp.planeABase, &vdp.planeBBase, &vdp.windowBase, &vdp.hscrollBase, &vdp.spriteBase}) {
-        *base &= 0xFE00;
+        *base &= kTableBits;
     }
     vdp.border = std::min(vdp.border, 16U);
     vdp.activeHeight = vdp.activeHeight == 240 ? 240 : 224;
@@ -170,6 +171,7 @@ void SanitizeCounters(MD_VDP& vdp) {
 }
 
 void SanitizeAccess(MD_VDP& vdp) {
+    constexpr uint32_t kAddressHighBits = 0xC000; // what the second control word adds
     vdp.fifoCount = std::min(vdp.fifoCount, kMdVdpFifoRoom);
     vdp.vramHalf &= 1;
     vdp.dmaHalf &= 1;
@@ -178,7 +180,7 @@ void SanitizeAccess(MD_VDP& vdp) {
     vdp.dmaLength = std::clamp(vdp.dmaLength, least, 0x10000U);
     vdp.dmaSource &= vdp.dmaState == kMdVdpDmaCopy ? 0xFFFFU : 0xFFFFFFU;
     vdp.address &= 0xFFFF;
-    vdp.addressHigh &= 0xC000;
+    vdp.addressHigh &= kAddressHighBits;
     vdp.code &= 63;
 }
 

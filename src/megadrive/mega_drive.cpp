@@ -207,11 +207,6 @@ void CMegaDrive::Reset() {
     MdReset(md);
 }
 
-void CMegaDrive::End() {
-    EmuSetLastError(AddressErrorText(md.cpu, md.cartridge));
-    ended = true;
-}
-
 void CMegaDrive::ReadPads() {
     for (size_t i = 0; i < kMdPads; ++i) {
         md.io.pads[i] = {};
@@ -230,7 +225,7 @@ void CMegaDrive::RunProgram() {
         MdCatchUpFm(md);
         MdCatchUpPsg(md);
         MdSanitize(md);
-        End();
+        End(AddressErrorText(md.cpu, md.cartridge));
     }
 }
 

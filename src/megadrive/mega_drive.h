@@ -6,7 +6,7 @@
 //   the setting as it was.
 // States: board, 68000, Z80, VDP, PSG, FM chip, cartridge, then the sound that hasn't been taken yet
 //   (sound_frame.h).
-// Fails: a program that accesses a word at an odd address ends the machine (`ended`), and the last error says
+// Fails: a program that accesses a word at an odd address ends the machine (`ended`), and `endReason` says
 //   where. The picture is black from then on; a reset or a loaded state starts the machine again.
 #pragma once
 
@@ -50,7 +50,6 @@ private:
     void ChooseDevices(std::span<const uint8_t> image);
     void ReadPads();
     void RunProgram();
-    void End();
     void MixFrame(EMU_AUDIO_FRAME& audio);
     void SwapBattery(std::span<uint8_t> bytes) const;
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);

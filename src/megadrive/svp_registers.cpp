@@ -6,6 +6,8 @@ namespace {
 // Mode words. Bit 15: steps down; bit 14: steps by cells; bits 13 to 11: the step; bit 10: nibbles of 0 are not
 // written; bits 4 to 0: the kind of memory.
 constexpr uint32_t kStepDown = 0x8000;
+constexpr uint32_t kStepShift = 11;
+constexpr uint32_t kStepCodes = 7;
 constexpr uint32_t kOverwrite = 0x0400;
 constexpr uint32_t kDram = 0x0018;
 constexpr uint32_t kDramByCells = 0x4018;
@@ -28,11 +30,11 @@ constexpr uint32_t k30Fe08Loop = 0x42A;
 constexpr uint32_t k30Fe06Loop = 0x2789;
 
 uint32_t StepOf(uint32_t mode) {
-    const uint32_t code = (mode >> 11) & 7;
+    const uint32_t code = (mode >> kStepShift) & kStepCodes;
     if (code == 0) {
         return 0;
     }
-    const uint32_t step = code == 7 ? 128 : uint32_t{1} << (code - 1);
+    const uint32_t step = code == kStepCodes ? 128 : uint32_t{1} << (code - 1);
     return (mode & kStepDown) != 0 ? 0 - step : step;
 }
 
@@ -168,13 +170,17 @@ bool TakePmcTurn(MD_SVP& svp) {
     return hadAddress;
 }
 
+// The address in the upper half of the register, the mode in the lower one. What is read is an upper half.
+constexpr uint32_t kAddressHalf = 0xFFFF0000;
+constexpr uint32_t kLowestReadNibble = 0x000F0000;
+
 // The mode is read with its nibbles rotated by one.
 uint32_t ReadPmc(MD_SVP& svp) {
     const uint32_t pmc = svp.gr[kSvpPmc];
     if (TakePmcTurn(svp)) {
-        return pmc << 20 | (pmc << 4 & 0x000F0000);
+        return pmc << 20 | (pmc << 4 & kLowestReadNibble);
     }
-    return pmc & 0xFFFF0000;
+    return pmc & kAddressHalf;
 }
 
 void WritePmc(MD_SVP& svp, uint32_t value) {

@@ -127,6 +127,7 @@ void Fields(YM2612& ym, Visit& visit) {
 void Sanitize(YM2612_SLOT& slot) {
     constexpr uint32_t kHighestRate = 31 * 2 + 32;
     constexpr uint32_t kHighestLevel = 127 * 8;
+    constexpr uint8_t kRowBits = 0xF8; // rows of the steps begin at multiples of 8
     slot.dt &= 7;
     slot.mul = std::min(slot.mul, 30u);
     slot.ar = std::min(slot.ar, kHighestRate);
@@ -144,7 +145,7 @@ void Sanitize(YM2612_SLOT& slot) {
     slot.volOut = std::min(slot.volOut, kHighestLevel + uint32_t{kYm2612Silent});
     for (YM2612_RATE* rate : {&slot.attack, &slot.decay, &slot.sustain, &slot.release}) {
         rate->shift &= 15;
-        rate->select = std::min<uint8_t>(rate->select & 0xF8, kYm2612StepNever);
+        rate->select = std::min<uint8_t>(rate->select & kRowBits, kYm2612StepNever);
     }
     slot.ssg &= 15;
     slot.ssgInverted &= kYm2612SsgAttack;

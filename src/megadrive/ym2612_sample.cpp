@@ -301,6 +301,9 @@ void CsmKeysOn(YM2612& ym) {
     ym.csmKey = 1;
 }
 
+// `csmKey` in the sample after the one that set it.
+constexpr uint8_t kCsmKeyEnds = 2;
+
 void CsmKeysOff(YM2612& ym) {
     for (YM2612_SLOT& slot : ym.channels[kYm2612Special].slots) {
         if (slot.keyOn == 0) {
@@ -321,7 +324,7 @@ void AdvanceTimers(YM2612& ym) {
             CsmKeysOn(ym);
         }
     }
-    if ((ym.csmKey & 2) != 0) {
+    if ((ym.csmKey & kCsmKeyEnds) != 0) {
         CsmKeysOff(ym);
     }
     if ((ym.mode & kYm2612RunB) != 0 && --ym.timerBCount < 1) {

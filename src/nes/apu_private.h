@@ -42,6 +42,10 @@ inline constexpr uint16_t kApuPeriodBits = 0x07FF; // of the pulses and the tria
 // The noise channel's shift register: 15 bits, of which the top one is heard.
 inline constexpr uint16_t kApuNoiseBits = 0x7FFF;
 inline constexpr uint16_t kApuNoiseOut = 0x4000;
+// The two bits that are compared for the next one: the highest and, in the two modes, a lower one.
+inline constexpr uint32_t kApuNoiseFirstTap = 14;
+inline constexpr uint32_t kApuNoiseLongTap = 13;
+inline constexpr uint32_t kApuNoiseShortTap = 8;
 
 // Samples lie in the upper half of the CPU's memory; the address wraps to its start.
 inline constexpr uint16_t kApuSampleSpace = 0x8000;

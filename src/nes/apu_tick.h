@@ -26,7 +26,8 @@ inline void ApuClockTriangle(APU_TRIANGLE& triangle, uint8_t length) {
 inline void ApuClockNoise(APU_NOISE& noise, uint8_t length) {
     noise.counter = kApuNoisePeriods[noise.rate];
     const uint32_t shift = noise.shift;
-    const uint32_t bit = (shift >> 14 ^ shift >> (noise.shortMode ? 8 : 13)) & 1;
+    const uint32_t tap = noise.shortMode ? kApuNoiseShortTap : kApuNoiseLongTap;
+    const uint32_t bit = (shift >> kApuNoiseFirstTap ^ shift >> tap) & 1;
     noise.shift = static_cast<uint16_t>((shift << 1 | bit) & kApuNoiseBits);
     const int32_t volume = length != 0 ? ApuVolume(noise.envelope) : 0;
     noise.output = (noise.shift & kApuNoiseOut) != 0 ? volume * -2 : volume * 2;

@@ -1,4 +1,7 @@
 // The 6502's instructions as rows of steps, one for each of the 256 opcodes.
+//
+// Source: J. West, M. Makela, 64doc: Documentation for the NMOS 65xx/85xx Instruction Set, which lists every access
+// cycle by cycle, undocumented opcodes included. HARDWARE.md (NES, CPU) lists where a row departs from it.
 #include "nes/m6502.h"
 
 #include <array>

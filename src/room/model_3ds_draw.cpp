@@ -1,14 +1,6 @@
 #include "room/model_3ds.h"
 #include "room/room_painter.h"
 
-namespace {
-
-const void* Offset(size_t bytes) {
-    return reinterpret_cast<const void*>(bytes);
-}
-
-} // namespace
-
 void Model_3DS::SetOverride(bool on) {
     overrideOn = on;
     if (hasOverride && !materials.empty()) {
@@ -91,8 +83,8 @@ void Model_3DS::Draw(RoomPainter& painter) {
         if (mesh.vertexBuffer != 0) {
             const size_t normals = object.vertices.size() * sizeof(float);
             arrays.positions = nullptr;
-            arrays.normals = Offset(normals);
-            arrays.texCoords = Offset(2 * normals);
+            arrays.normals = BufferOffset(normals);
+            arrays.texCoords = BufferOffset(2 * normals);
         }
         if (!lit) {
             arrays.normals = nullptr;

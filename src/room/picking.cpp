@@ -33,16 +33,13 @@ const CRoomObject* PickObject(const CRoomObjects& objects, const CRoomCamera& ca
     return found != all.end() ? found->get() : nullptr;
 }
 
+LOOKED_AT LookedAtSet(const CRoomObject& set) {
+    const VECTOR3 focus = {set.x + set.type->width / 2.0f, kFocusHeight,
+                           set.z + set.type->depth / 2.0f};
+    return {set.id, set.on, set.direction, focus};
+}
+
 LOOKED_AT LookAt(const CRoomObjects& objects, const CRoomCamera& camera) {
     const CRoomObject* const object = PickObject(objects, camera);
-    if (object == nullptr || !object->type->isScreen) {
-        return {};
-    }
-    return {
-        object->id,
-        object->on,
-        object->direction,
-        {object->x + object->type->width / 2.0f, kFocusHeight,
-                     object->z + object->type->depth / 2.0f}
-    };
+    return object != nullptr && object->type->isScreen ? LookedAtSet(*object) : LOOKED_AT{};
 }

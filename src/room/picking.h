@@ -22,4 +22,6 @@ struct LOOKED_AT {
     VECTOR3 direction; // the way that it faces
     VECTOR3 focus;     // above its middle, at eye level
 };
+// Of a screen that is chosen in another way.
+[[nodiscard]] LOOKED_AT LookedAtSet(const CRoomObject& set);
 [[nodiscard]] LOOKED_AT LookAt(const CRoomObjects& objects, const CRoomCamera& camera);

@@ -82,6 +82,13 @@ VECTOR3 CRoomCamera::Up() const {
     return Cross(Right(), Forward());
 }
 
+// Of full length, so that who looks up or down walks as fast. Upside down, ahead is the other way.
+VECTOR3 CRoomCamera::LevelForward() const {
+    constexpr float kUpright = -0.0001f; // a cosine; that of 90 degrees may be a little below 0
+    const float way = std::cos(Radians(pitch)) < kUpright ? -1.0f : 1.0f;
+    return {-std::sin(Radians(yaw)) * way, 0.0f, -std::cos(Radians(yaw)) * way};
+}
+
 void CRoomCamera::Move(const WALK_INPUT& walk, float seconds) {
     input = {walk.right, 0.0f, walk.forward};
     const float limit = walk.slow ? kSlowSpeed : kWalkSpeed;
@@ -90,10 +97,7 @@ void CRoomCamera::Move(const WALK_INPUT& walk, float seconds) {
     if (velocity != VECTOR3{}) {
         const float right = StepOf(velocity.x, acceleration.x, input.x, seconds);
         const float forward = StepOf(velocity.z, acceleration.z, input.z, seconds);
-        // Of full length, so that who looks down walks as fast.
-        const VECTOR3 view = Forward();
-        const VECTOR3 level = Normalised({view.x, 0.0f, view.z});
-        position = position + Right() * right + level * forward;
+        position = position + Right() * right + LevelForward() * forward;
     }
     velocity.x = VelocityAfter(velocity.x, acceleration.x, input.x, speed.x, seconds);
     velocity.z = VelocityAfter(velocity.z, acceleration.z, input.z, speed.z, seconds);

@@ -48,6 +48,8 @@ public:
     [[nodiscard]] VECTOR3 Unproject(float x, float y, float depth) const;
 
 private:
+    [[nodiscard]] VECTOR3 LevelForward() const;
+
     VECTOR3 position;
     float pitch = 0.0f;
     float yaw = 0.0f;

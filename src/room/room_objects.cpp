@@ -90,7 +90,7 @@ uint32_t CRoomObjects::AddObject(uint32_t typeId, float x, float z, float rotati
     return object.id;
 }
 
-// An object takes the height of what lies under it alone, whatever that stands on itself.
+// An object rests on the one below it; what that one rests on does not count.
 void CRoomObjects::MoveObject(CRoomObject& object, float x, float z, float rotation) {
     object.x = x;
     object.y = 0.0f;

@@ -47,6 +47,11 @@ struct VERTEX_ARRAYS {
     bool operator==(const VERTEX_ARRAYS&) const = default;
 };
 
+// A place in a buffer, in the form in which OpenGL takes it.
+inline const void* BufferOffset(size_t bytes) {
+    return reinterpret_cast<const void*>(bytes); // NOLINT(performance-no-int-to-ptr)
+}
+
 class RoomPainter {
 public:
     RoomPainter() = default;

@@ -49,12 +49,14 @@ void RoomRenderer::InitRoom(const ROOM_SERVICES& roomServices) {
     Release();
     services = roomServices;
     painter.Start(services);
+    covers.Start([this](std::string_view file) { return LoadModel(file); });
     shell.Start(painter);
     lightFixture = LoadModel("lightfixture.3ds");
     logo = LoadModel("ombrelune.3ds");
 }
 
 void RoomRenderer::Release() {
+    covers.End();
     lightFixture.reset();
     logo.reset();
     painter.Release();
@@ -135,6 +137,7 @@ void RoomRenderer::Draw(const ROOM_SCENE& scene, CRoomObjects& objects) {
     shell.Draw(painter);
     shell.DrawPictures(painter);
     painter.EndScene();
+    counters = painter.Counters();
     glDisable(GL_LIGHTING);
     Ortho2D(scene.screenWidth, scene.screenHeight);
 }

@@ -11,6 +11,7 @@
 // Owner: textures and buffers are the renderer's. Thread: main.
 #pragma once
 
+#include "room/cover_view_draw.h"
 #include "room/model_3ds.h"
 #include "room/room_painter.h"
 #include "room/room_shell.h"
@@ -47,9 +48,18 @@ public:
     // Clears the back buffer, draws the scene and leaves Ortho2D.
     void Draw(const ROOM_SCENE& scene, CRoomObjects& objects);
 
+    // The images of the cover view, and its drawing: cover_view_draw.h.
+    void SetCover(size_t slot, const uint32_t* pixels, uint32_t width, uint32_t height) {
+        covers.SetCover(slot, pixels, width, height);
+    }
+    void DrawCovers(const CoverView& view, const COVER_RECTANGLE& at, uint32_t screenWidth,
+                    uint32_t screenHeight) {
+        covers.Draw(painter, view, at, screenWidth, screenHeight);
+    }
+
     [[nodiscard]] RoomPainter& Painter() { return painter; }
-    // Of the last scene.
-    [[nodiscard]] const ROOM_COUNTERS& Counters() const { return painter.Counters(); }
+    // Of the last scene of the room.
+    [[nodiscard]] const ROOM_COUNTERS& Counters() const { return counters; }
 
 private:
     void SetLights(const ROOM_SCENE& scene, CRoomObjects& objects);
@@ -59,8 +69,10 @@ private:
     ROOM_SERVICES services;
     RoomPainter painter;
     RoomShell shell;
+    CoverViewDrawing covers;
     std::unique_ptr<Model_3DS> lightFixture;
     std::unique_ptr<Model_3DS> logo;
+    ROOM_COUNTERS counters;
 };
 
 // A view in depth for this part of the back buffer, in pixels from its lower left.

@@ -120,17 +120,16 @@ void RoomShell::Start(RoomPainter& painter) {
               kShellVertices.positions.data(), kShellVertices.normals.data(),
               kShellVertices.texCoords.data()};
     if (arrays.buffer != 0) {
-        const auto offset = [](size_t bytes) { return reinterpret_cast<const void*>(bytes); };
         arrays.positions = nullptr;
-        arrays.normals = offset(offsetof(SHELL_VERTICES, normals));
-        arrays.texCoords = offset(offsetof(SHELL_VERTICES, texCoords));
+        arrays.normals = BufferOffset(offsetof(SHELL_VERTICES, normals));
+        arrays.texCoords = BufferOffset(offsetof(SHELL_VERTICES, texCoords));
     }
 }
 
 void RoomShell::DrawQuads(RoomPainter& painter, size_t first, size_t count) const {
     const size_t skipped = first * kIndicesPerQuad;
     const void* const indices = indexBuffer != 0
-                                    ? reinterpret_cast<const void*>(skipped * sizeof(uint16_t))
+                                    ? BufferOffset(skipped * sizeof(uint16_t))
                                     : static_cast<const void*>(kShellIndices.data() + skipped);
     painter.DrawTriangles(indexBuffer, indices, static_cast<int32_t>(count * kIndicesPerQuad));
 }

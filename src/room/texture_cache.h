@@ -38,7 +38,7 @@ public:
 
     [[nodiscard]] TEXTURE_RECORD Get(std::string_view path);
 
-    // For all textures, now and later; 1 is none.
+    // Applies to present and later textures; 1 turns it off.
     void SetAnisotropy(float samples);
 
     [[nodiscard]] size_t Decoded() const { return decoded; } // images since Start

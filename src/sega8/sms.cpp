@@ -245,7 +245,7 @@ void CSMS::RunFrameFast() {
 }
 
 // Each chip has a resampler of its own, so one may be a sample short of the other. It then runs
-// until it has as many, and the pairs that are left over stay for the next frame.
+// until both have the same count, and the pairs that are left over stay for the next frame.
 void CSMS::MixFm(EMU_AUDIO_FRAME& audio) {
     psgSound.Flush();
     fmSound.Flush();

@@ -75,7 +75,8 @@ void Fields(YM2413& ym, Visit& visit) {
 
 void Sanitize(YM_RATE& rate) {
     rate.shift &= 15;
-    rate.select = std::min<uint8_t>(rate.select & 0x78, kYmStepLast);
+    constexpr uint8_t kRowBits = 0x78; // rows of the steps begin at multiples of 8
+    rate.select = std::min<uint8_t>(rate.select & kRowBits, kYmStepLast);
 }
 
 void Sanitize(YM_SLOT& slot) {

@@ -1,3 +1,6 @@
+// Source: Yamaha, YM2413 FM Operator Type-LL Application Manual, for the multiples, the envelopes' times, the
+// depths of tremolo and vibrato and the form of the voices. The manual names the voices without their bytes; those
+// and the key scale are settled here.
 #include "sega8/ym2413_tables.h"
 
 #include <cmath>

@@ -11,7 +11,8 @@
 // A tap that no frame could use is dropped, not kept for later: one made while the session was not the
 // active one or the user was walking in the room, and, for a looker whose owner calls
 // `ForgetAfterPause` before its frames, one made in a pause longer than `kLongestFrame`. Headless runs
-// don't call it: in them nothing may depend on the clock.
+// don't call it: in them nothing may depend on the clock. The program's own frames, those of
+// `kApplicationKey`, see every tap.
 //
 // Units: microseconds of a steady clock.
 // Threads: a looker belongs to one thread at a time; nothing takes a lock. Frames nest: the innermost

@@ -69,5 +69,10 @@ void InputClearPads(); // releases all controls
 // with this (`InputBeginPump`); it takes a few microseconds and allocates nothing.
 void InputRefreshPadDefaults();
 
-// The controls that are down and not bound by the user.
+// The controls that are down and not bound by the user; in an InputFrame also those that were tapped.
 [[nodiscard]] uint64_t InputPadsActing();
+// The controls that the user has bound, as of the last pump. Main thread.
+[[nodiscard]] uint64_t InputPadsTaken();
+
+// Whether the user has bound this code of a joystick to an action, as of the last pump. Main thread.
+[[nodiscard]] bool InputCodeIsBound(uint32_t code);

@@ -137,6 +137,31 @@ TEST(GoldenStates, CoverEveryMachine) {
     }
 }
 
+TEST(GoldenStates, CoverEveryKindOfSound) {
+    const Names kinds = {"quality 0", "quality 1", "quality 2", "cut-off filter"};
+    RegisterDefaultSettings(Settings());
+    const std::string byDefault =
+        "quality " + std::to_string(Settings().GetInt(L"audio_app_quality"));
+    ASSERT_TRUE(kinds.contains(byDefault));
+    Names covered;
+    for (const std::string& name : GoldenNames()) {
+        if (name.starts_with("older-")) {
+            continue;
+        }
+        std::string quality = byDefault;
+        for (const std::string& setting : ReadGoldenCase(name).settings) {
+            if (setting.starts_with("audio_app_quality=")) {
+                quality = "quality " + setting.substr(setting.find('=') + 1);
+            }
+            if (setting == "emu_audiocutoff_enabled=1") {
+                covered.insert("cut-off filter");
+            }
+        }
+        covered.insert(quality);
+    }
+    EXPECT_EQ(covered, kinds);
+}
+
 TEST(GoldenStates, CoverEveryMapperOfBothHomeConsoles) {
     EXPECT_EQ(Describing(kSystemMasterSystem,
                          [](const GOLDEN_GAME& golden) {

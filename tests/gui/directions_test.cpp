@@ -309,7 +309,8 @@ TEST_F(Directions, ADisabledControlIsPassedByAndLetsGo) {
     drop->SetEnabled(false);
     byKeys = true;
     Play("u");
-    EXPECT_EQ(manager.FocusWindow(), above);
+    EXPECT_EQ(manager.FocusWindow(), left) << "nearer than what is straight above";
+    Focus(above);
     Play("d");
     EXPECT_EQ(manager.FocusWindow(), below);
     button->SetEnabled(true);

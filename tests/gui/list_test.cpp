@@ -321,3 +321,54 @@ TEST_F(ListView, AnEditThatChangesNothingIsNotReported) {
     EXPECT_FALSE(told);
     EXPECT_EQ(view->Cell(0, 0)->text, L"two\nlines");
 }
+
+// A selection that the program made is no choice of the user's.
+TEST_F(ListView, ADoubleClickWithoutSelectionChoosesNothing) {
+    CGhostListView* const view = MakeView(3, CGhostListView::kNoSelection);
+    view->SetSelected(2);
+    int chosen = 0;
+    view->OnChoose.connect([&](auto&&...) { ++chosen; });
+    DoubleClickAt(110, 130);
+    EXPECT_EQ(chosen, 0);
+    manager.Reset();
+    CGhostListView* const other = MakeView(3);
+    other->OnChoose.connect([&](auto&&...) { ++chosen; });
+    DoubleClickAt(110, 130);
+    EXPECT_EQ(chosen, 1);
+}
+
+// Return then is for the row, not for the heading.
+TEST_F(ListView, KeysThatMoveTheSelectionLeaveTheHeadings) {
+    CGhostListView* const view = MakeView(30);
+    view->SetSortable(0);
+    int heads = 0;
+    int chosen = -1;
+    view->OnHeader.connect([&](CGhostListView*, int) { ++heads; });
+    view->OnChoose.connect([&](CGhostListView*, int row, GHOSTLISTVIEW_ITEM*) { chosen = row; });
+    Focus(view->window);
+    const auto toHeadings = [&] {
+        view->SetSelected(0);
+        manager.Navigate(GUI_DIRECTION::kUp);
+        heads = 0;
+        Key(kReturn);
+        EXPECT_EQ(heads, 1) << "a heading is aimed at";
+        heads = 0;
+        chosen = -1;
+    };
+    for (const uint32_t key : {kPageDown, kPageUp, kEnd, kHome}) {
+        toHeadings();
+        Key(key);
+        Key(kReturn);
+        EXPECT_EQ(heads, 0) << key;
+        EXPECT_EQ(chosen, view->Selected()) << key;
+    }
+    toHeadings();
+    Type("row 2");
+    Key(kReturn);
+    EXPECT_EQ(heads, 0);
+    EXPECT_EQ(chosen, view->Selected());
+    toHeadings();
+    Type("z");
+    Key(kReturn);
+    EXPECT_EQ(heads, 1) << "no row begins with it";
+}

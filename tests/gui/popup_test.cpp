@@ -221,6 +221,21 @@ TEST_F(Popup, OpensAtTheCursorAsWideAsItsWidestItemAnd35) {
     EXPECT_FALSE(popup->IsShown());
 }
 
+TEST_F(Popup, OpensAtItsStartAgain) {
+    auto* const popup = new CGhostPopup(nullptr, 0);
+    for (int i = 0; i < 100; ++i) {
+        popup->AddItem(L"item");
+    }
+    popup->ShowAt(300, 100);
+    manager.Tick(0);
+    Key(kEnd);
+    ASSERT_GT(popup->List()->ScrollPixels(), 0);
+    Key(kEscape);
+    ASSERT_FALSE(popup->IsShown());
+    popup->ShowAt(300, 100);
+    EXPECT_EQ(popup->List()->ScrollPixels(), 0);
+}
+
 TEST_F(MessageBox, OfOneShortWordIs450WideAndInTheMiddle) {
     CGhostMessageBox* const box = CGhostMessageBox::Show(L"Title", L"Hi");
     const GUI_RECT at = OnScreen(box->Box()->window);

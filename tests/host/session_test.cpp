@@ -135,6 +135,28 @@ TEST_F(Session, AFailedInitLeavesNothingBehind) {
     EXPECT_FALSE(EmuStopSession(1));
 }
 
+TEST_F(Session, AnEndedMachineKeepsItsReason) {
+    std::string reason;
+    EXPECT_FALSE(EmuHasEnded(1, reason)) << "nothing runs";
+    ASSERT_NE(Start(1, "Game", 1, {.endsAtFrame = 2}), 0u);
+    EXPECT_TRUE(Eventually([&] { return EmuHasEnded(1, reason); }));
+    EXPECT_EQ(reason, "the program has gone wrong");
+    EXPECT_EQ(Start(2, "Game", 1, {.failInit = 1}), 0u);
+    ASSERT_NE(Start(2), 0u);
+    reason.clear();
+    EXPECT_TRUE(EmuHasEnded(1, reason));
+    EXPECT_EQ(reason, "the program has gone wrong") << "starts have reasons of their own";
+    EXPECT_FALSE(EmuHasEnded(2, reason));
+}
+
+TEST_F(Session, AMachineThatEndsLeavesTheReasonOfAFailedStart) {
+    ASSERT_NE(Start(1, "Game", 1, {.endsAtFrame = 1}), 0u); // which comes after the static
+    EmuSetLastError("of a failed start");
+    std::string reason;
+    EXPECT_TRUE(Eventually([&] { return EmuHasEnded(1, reason); }));
+    EXPECT_EQ(EmuLastError(), "of a failed start");
+}
+
 TEST_F(Session, AStartClearsTheLastError) {
     EmuSetLastError("stale");
     ASSERT_NE(Start(1), 0u);

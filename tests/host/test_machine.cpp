@@ -142,8 +142,7 @@ void CTestMachine::RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME* video, EMU_AUDIO_
     flag = !flag;
     debugValue = frameField;
     if (frameField == behaviour.endsAtFrame) {
-        EmuSetLastError("the program has gone wrong");
-        ended = true;
+        End("the program has gone wrong");
     }
 
     video->width = behaviour.width != 0 ? behaviour.width : width;

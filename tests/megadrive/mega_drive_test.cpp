@@ -372,7 +372,7 @@ TEST_F(MegaDrive, Z80ReachesItsOwnControlRegistersThroughItsWindow) {
     md.z80Bank = 0xA10000;
     bus.Write(0x9100, 1);
     EXPECT_EQ(md.z80.busHold, 1u);
-    bus.Write(0x9101, 0); // an odd byte is none
+    bus.Write(0x9101, 0); // an odd byte is ignored
     EXPECT_EQ(md.z80.busHold, 1u);
     bus.Write(0x9100, 0);
     EXPECT_EQ(md.z80.busHold, 0u);
@@ -751,8 +751,8 @@ TEST(MegaDriveFrame, AddressErrorEndsTheMachineWithWords) {
     EXPECT_FALSE(machine->ended);
     rig.Frame(*machine);
     EXPECT_TRUE(machine->ended);
-    EXPECT_NE(EmuLastError().find("0xFF0001"), std::string::npos) << EmuLastError();
-    EXPECT_NE(EmuLastError().find("0x000200"), std::string::npos) << EmuLastError();
+    EXPECT_NE(machine->endReason.find("0xFF0001"), std::string::npos) << machine->endReason;
+    EXPECT_NE(machine->endReason.find("0x000200"), std::string::npos) << machine->endReason;
     rig.Frame(*machine);
     EXPECT_EQ(rig.video.pixels[0], 0xFF000000u);
     machine->Reset();

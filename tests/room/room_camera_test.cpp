@@ -102,6 +102,19 @@ TEST_F(RoomCamera, WalksLevelWhereverItLooks) {
     EXPECT_LT(camera.Position().z, 150.0F);
 }
 
+TEST_F(RoomCamera, WalksAheadWhenItLooksStraightUpOrDown) {
+    camera.Look(0, -450, false); // to the limit of 90 degrees
+    Walk({.forward = 1.0F}, 20, 0.01F);
+    EXPECT_LT(camera.Position().z, 180.0F);
+    CRoomCamera down;
+    down.SetUp(1.0F);
+    down.Look(0, 450, false); // 90 degrees down
+    for (int i = 0; i < 20; ++i) {
+        down.Move({.forward = 1.0F}, 0.01F);
+    }
+    EXPECT_LT(down.Position().z, 180.0F);
+}
+
 TEST_F(RoomCamera, TheMouseTurnsByAFifthOfADegreeAPixel) {
     camera.Look(100, 50, false);
     EXPECT_NEAR(camera.Yaw(), -20.0F, 0.001F);

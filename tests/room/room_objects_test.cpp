@@ -1,6 +1,7 @@
 #include "room/model_3ds.h"
 #include "room/room_objects.h"
 #include "room/room_types.h"
+#include "room/standpoint.h"
 
 #include <gtest/gtest.h>
 
@@ -136,6 +137,31 @@ TEST_F(RoomObjects, APictureTurnsItsScreenOnUntilTheSessionEnds) {
     EXPECT_FALSE(objects.Find(6)->on);
     EXPECT_EQ(objects.Find(6)->texture.glTexture, 0U);
     objects.TurnOff(99);
+}
+
+// Before each set: on the side that it faces, within the room, looking at its middle.
+TEST_F(RoomObjects, EachSetHasAPlaceToSeeItFrom) {
+    for (const uint32_t id : objects.Televisions()) {
+        if (id == 0) {
+            continue;
+        }
+        SCOPED_TRACE(id);
+        const CRoomObject& set = *objects.Find(id);
+        const STANDPOINT point = StandpointBefore(set);
+        ExpectNear(point.at, CentreOf(set));
+        EXPECT_EQ(point.from.y, 118.0F);
+        const VECTOR3 way = point.from - point.at;
+        if (set.direction.y > 0.5F) { // the handheld lies on the table
+            EXPECT_GT(way.y, 0.0F);
+            EXPECT_GT(way.z, 0.0F) << "its upper edge is away from the player";
+        } else {
+            EXPECT_GT(way.x * set.direction.x + way.z * set.direction.z, 100.0F);
+        }
+        EXPECT_GE(point.from.x, 2.0F);
+        EXPECT_LE(point.from.x, 498.0F);
+        EXPECT_GE(point.from.z, 2.0F);
+        EXPECT_LE(point.from.z, 798.0F);
+    }
 }
 
 } // namespace

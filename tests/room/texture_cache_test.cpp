@@ -3,6 +3,7 @@
 #include "room/texture_cache.h"
 
 #include <gmock/gmock.h>
+#include <turbojpeg.h>
 
 namespace {
 
@@ -74,6 +75,42 @@ TEST_F(RoomTextures, DamagedImageIsReported) {
     EXPECT_EQ(cache.Get(".\\objects\\a.png").glTexture, 0U);
     ASSERT_EQ(reports.size(), 1U);
     EXPECT_THAT(reports[0], HasSubstr("a.png"));
+}
+
+Bytes JpegFile(uint32_t colour) {
+    constexpr int kSide = 16;
+    const std::vector<uint32_t> pixels(size_t{kSide} * kSide, colour);
+    unsigned char* data = nullptr;
+    unsigned long size = 0;
+    const tjhandle encoder = tjInitCompress();
+    EXPECT_EQ(tjCompress2(encoder, reinterpret_cast<const unsigned char*>(pixels.data()), kSide, 0,
+                          kSide, TJPF_BGRX, &data, &size, TJSAMP_420, 95, 0),
+              0);
+    const Bytes file(data, data + size);
+    tjFree(data);
+    tjDestroy(encoder);
+    return file;
+}
+
+TEST_F(RoomTextures, JpegHasItsColoursAndIsOpaque) {
+    for (const uint32_t colour : {0xFFC04020, 0xFF2040C0, 0xFF20C040}) {
+        const ROOM_IMAGE image = DecodeRoomImage(JpegFile(colour));
+        ASSERT_EQ(image.width, 16U);
+        ASSERT_EQ(image.height, 16U);
+        for (const uint32_t pixel : image.pixels) {
+            ASSERT_EQ(pixel >> 24, 0xFFU);
+            for (const int shift : {0, 8, 16}) {
+                ASSERT_NEAR(static_cast<int>(pixel >> shift & 0xFF),
+                            static_cast<int>(colour >> shift & 0xFF), 3);
+            }
+        }
+    }
+}
+
+TEST_F(RoomTextures, ShortenedJpegIsRefused) {
+    Bytes file = JpegFile(kRed);
+    file.resize(file.size() / 2);
+    EXPECT_EQ(DecodeRoomImage(file).width, 0U);
 }
 
 TEST_F(RoomTextures, ImageWithALongSideIsRefused) {

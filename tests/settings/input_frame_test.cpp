@@ -181,6 +181,32 @@ TEST_F(InputFrames, ATapInTheRoomIsNotKept) {
     EXPECT_FALSE(Next(L"NES P1 BUTTONB"));
 }
 
+TEST_F(InputFrames, ATapInTheRoomIsSeenByTheProgramItself) {
+    constexpr uint32_t kKeyE = 8; // "Use"
+    InputSetWalkingRoom(true);
+    EXPECT_FALSE(Next(L"Use", kApplicationKey));
+    Tap(kKeyE);
+    EXPECT_TRUE(Next(L"Use", kApplicationKey));
+    EXPECT_FALSE(Next(L"Use", kApplicationKey));
+    InputSetWalkingRoom(false);
+    Tap(kKeyE);
+    EXPECT_TRUE(Next(L"Use", kApplicationKey)) << "whichever session is active";
+}
+
+TEST_F(InputFrames, ATappedControlActsForOneFrame) {
+    InputAttachPad(0, PadCodes{});
+    InputPadChanged(0, kPadGuide, true);
+    InputPadChanged(0, kPadGuide, false);
+    EXPECT_EQ(InputPadsActing(), 0u);
+    {
+        const InputFrame frame(looker, kApplicationKey);
+        EXPECT_EQ(InputPadsActing(), PadBit(0, kPadGuide));
+    }
+    const InputFrame frame(looker, kApplicationKey);
+    EXPECT_EQ(InputPadsActing(), 0u);
+    InputDetachPad(0);
+}
+
 TEST_F(InputFrames, ATapBeforeAPauseIsNotKept) {
     EXPECT_FALSE(Next(L"NES P1 BUTTONB"));
     Tap(kKeyA);

@@ -47,7 +47,7 @@ bool Convert(const std::filesystem::path& input, PRODUCT& product, std::string& 
     if (kind == ".wav") {
         return ConvertSamples(input, product.text, error);
     }
-    error = input.string() + ": is none of .png, .sheet, .score, .wav";
+    error = input.string() + ": is not one of .png, .sheet, .score, .wav";
     return false;
 }
 

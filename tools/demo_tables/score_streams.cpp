@@ -106,7 +106,7 @@ bool Streams::WriteSetting(const SCORE_ITEM& item) {
     if (std::none_of(std::begin(kNames), std::end(kNames),
                      [&](const char* name) { return item.name == name; })) {
         return Refuse(item.line,
-                      "'" + item.name + "' is none of voice, level, pan, shift, move, fine");
+                      "'" + item.name + "' is not one of voice, level, pan, shift, move, fine");
     }
     Line(item.name + " " + std::to_string(item.value));
     return true;

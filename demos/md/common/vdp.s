@@ -112,7 +112,7 @@ TilesLoad:
     bra.s Transfer
 
 | a0 = drawings as the macro `drawing` makes them, d0 = how many, d1 = number of the first in the
-| table, d2 = number of the first tile. Gives the next of both. A sprite's cells go down before they go
+| table, d2 = number of the first tile. Returns the next of both. A sprite's cells go down before they go
 | right; the drawings are written in rows.
 DrawingsLoad:
     movem.l d3-d7/a2-a4,-(sp)

@@ -19,7 +19,7 @@ PlaneReset:
     move.w #60,planeSafe
     rts
 
-| d0 = wish -1, 0, 1; d1 = speed of now, 8.8. Gives the next speed in d1: it leans on the wish and
+| d0 = wish -1, 0, 1; d1 = speed of now, 8.8. Returns the next speed in d1: it leans on the wish and
 | comes to rest.
 Lean:
     muls #0x50,d0

@@ -18,7 +18,7 @@ ThingsClear:
     clr.w flock
     rts
 
-| d0 = x, d1 = y, d2 = kind. Gives it in a0; equal when there is no room. Keeps d3 and what is above.
+| d0 = x, d1 = y, d2 = kind. Returns it in a0; equal when there is no room. Keeps d3 and what is above.
 ThingAdd:
     lea things,a0
     swap d3

@@ -59,8 +59,7 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
         ->check(CLI::IsMember(MachineNames()));
     app.add_option("--set", play.settings, "A machine option or a setting for this run")
         ->type_name("NAME=VALUE")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
     app.add_option("--bios", play.bios, "A console BIOS")->type_name("FILE");
     app.add_flag("--headless", play.headless,
                  "No window, no device, no pacing, no autosave, no .sav");
@@ -70,8 +69,7 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
         ->type_name("FILE");
     app.add_option("--screenshot", play.screenshots,
                    "FRAME=FILE.png or last=FILE.png; frames count from 1")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
     app.add_option("--wav", play.wavFile, "Write the sound as the machine made it")
         ->type_name("FILE");
     app.add_option("--frame-hashes", play.hashFile,
@@ -82,12 +80,10 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
     app.add_option("--peek", play.peeks,
                    "At the end print bytes as the main processor would read them")
         ->type_name("ADDRESS[:LENGTH]")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
     app.add_option("--dump", play.dumps, "At the end write a whole memory")
         ->type_name("REGION=FILE")
-        ->expected(1)
-        ->take_all();
+        ->allow_extra_args(false);
     app.add_option("--latency", play.latencyAction,
                    "In the window: measure the time from this action's key to the picture, and end")
         ->type_name("ACTION");
@@ -148,13 +144,18 @@ int Run(int argc, const char* const* argv) {
         ->type_name("FILE.png");
 
     ROOM_OPTIONS room;
-    CLI::App* roomApp = app.add_subcommand("room", "Walk in a room in which games play on televisions");
+    CLI::App* roomApp =
+        app.add_subcommand("room", "Walk in a room in which games play on televisions");
+    roomApp->footer(
+        "Keys: W A S D walk, the mouse looks, E or the left button uses a set, Q turns it off,\n"
+        "Esc leaves the full screen or frees the mouse, F4 the lamp. More in docs/ROOM.md.");
     roomApp->add_option("GAME", room.games, "ROMs, .zip, .game or demo:NAME; without any, our own");
     roomApp->add_option("--set", room.settings, "A setting for this run")
         ->type_name("NAME=VALUE")
-        ->expected(1)
-        ->take_all();
-    roomApp->add_option("--bench", room.benchSeconds, "Measure for this long how fast it is drawn")
+        ->allow_extra_args(false);
+    roomApp
+        ->add_option("--bench", room.benchSeconds,
+                     "Measure for this long how fast it is drawn; no saves")
         ->type_name("SECONDS")
         ->check(CLI::Range(0.1, 3600.0));
     roomApp->add_option("--view", room.view, "Where to stand, and the point to look at")

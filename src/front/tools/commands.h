@@ -55,6 +55,7 @@ struct ROOM_OPTIONS {
     double benchSeconds = 0.0;         // 0: until the window is closed
     std::vector<float> view;           // six numbers: where the player stands, and at what he looks
     bool dark = false;                 // the ceiling light is off
-    std::filesystem::path screenshot;  // of the window once all sets have a picture; then the program ends
+    std::filesystem::path
+        screenshot; // of the window once all sets have a picture; then the program ends
 };
 int RoomCommand(const ROOM_OPTIONS& options);

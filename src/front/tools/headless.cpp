@@ -48,7 +48,8 @@ public:
             }
             if (session->machine->ended) {
                 // The requested files are still written: they may tell why.
-                Complain(options.game + ": frame " + std::to_string(frame) + ": " + EmuLastError());
+                Complain(options.game + ": frame " + std::to_string(frame) + ": " +
+                         session->machine->endReason);
                 static_cast<void>(Finish());
                 return kExitFailed;
             }

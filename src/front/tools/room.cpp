@@ -1,5 +1,6 @@
 // `ombrelune room`: the room in a window, or its frame times, or a picture of it.
 #include "base/files.h"
+#include "base/processor_time.h"
 #include "front/application.h"
 #include "front/demos.h"
 #include "front/notices.h"
@@ -20,33 +21,43 @@
 
 namespace {
 
-// The program's own games, best first; the pages that test a television are none of them.
-constexpr const char* kOwnGames[] = {"demo:sms-luciole", "demo:md-mistral", "demo:nes-ecume",
-                                     "demo:nes-grelot",  "demo:gg-glimmer", "demo:arcade-skywren"};
+// The program's own games in the order of the televisions: four sets, two cabinets, the handheld, the big set.
+constexpr const char* kOwnGames[] = {
+    "demo:sms-luciole",    "demo:nes-grelot",     "demo:nes-ecume",  "demo:sms-bench",
+    "demo:arcade-skywren", "demo:arcade-skywren", "demo:gg-glimmer", "demo:md-mistral"};
 constexpr size_t kSets = 8;
 constexpr int64_t kWarmUp = 2000000;      // microseconds until a measurement begins
 constexpr int64_t kPictureWait = 6000000; // longer than television static
 
+// One that does not open is reported, and the others are played. False if none opens.
 bool OpenGames(const std::vector<std::string>& names, std::vector<OPENED_GAME>& games) {
     for (const std::string& name : names) {
         OPENED_GAME opened;
         std::string error;
-        if (!OpenForPlaying(name, nullptr, opened, error)) {
+        if (OpenForPlaying(name, nullptr, opened, error)) {
+            games.push_back(std::move(opened));
+        } else {
             Complain(error);
-            return false;
         }
-        games.push_back(std::move(opened));
     }
-    return true;
+    return !games.empty();
 }
 
 bool ApplySettings(const std::vector<std::string>& settings) {
     for (const std::string& setting : settings) {
         const size_t equals = setting.find('=');
+        if (equals == std::string::npos) {
+            Complain("--set " + setting + ": must be NAME=VALUE");
+            return false;
+        }
         const std::string name = setting.substr(0, equals);
-        const std::string value = equals == std::string::npos ? "" : setting.substr(equals + 1);
-        if (equals == std::string::npos || SetForThisRun(name, value) != RunSetting::kSet) {
-            Complain("--set " + setting + ": no such setting, or not a value that it can have");
+        switch (SetForThisRun(name, setting.substr(equals + 1))) {
+        case RunSetting::kSet: break;
+        case RunSetting::kUnknown:
+            Complain("--set " + setting + ": there is no setting " + name);
+            return false;
+        case RunSetting::kNoValue:
+            Complain("--set " + setting + ": not a value of this setting");
             return false;
         }
     }
@@ -55,6 +66,23 @@ bool ApplySettings(const std::vector<std::string>& settings) {
 
 double Milliseconds(int64_t microseconds) {
     return static_cast<double>(microseconds) / 1000.0;
+}
+
+// Milliseconds.
+struct SPREAD {
+    double mean;
+    double median;
+    double worst; // mean of the longest hundredth
+};
+
+SPREAD SpreadOf(std::vector<int64_t>& times) {
+    std::sort(times.begin(), times.end());
+    const size_t worst = std::max<size_t>(times.size() / 100, 1);
+    const auto mean = [](auto from, auto to) {
+        return Milliseconds(std::accumulate(from, to, int64_t{0})) / static_cast<double>(to - from);
+    };
+    return {mean(times.begin(), times.end()), Milliseconds(times[times.size() / 2]),
+            mean(times.end() - static_cast<std::ptrdiff_t>(worst), times.end())};
 }
 
 class RoomRun {
@@ -115,33 +143,35 @@ private:
             return;
         }
         std::vector<int64_t> rounds;
+        std::vector<int64_t> work; // processor time of this thread, which runs no machine
         const int64_t start = Now();
         const auto length = static_cast<int64_t>(options.benchSeconds * 1000000.0);
         const uint32_t framesBefore = FramesPresented();
         int64_t last = start;
+        int64_t worked = ThreadProcessorTime();
         while (last - start < length && application.Round()) {
             const int64_t now = Now();
             rounds.push_back(now - last);
             last = now;
+            const int64_t workedNow = ThreadProcessorTime();
+            work.push_back(workedNow - worked);
+            worked = workedNow;
         }
-        Report(rounds, last - start, FramesPresented() - framesBefore);
+        if (!rounds.empty()) {
+            Report(rounds, work, last - start, FramesPresented() - framesBefore);
+        }
     }
 
-    void Report(std::vector<int64_t>& rounds, int64_t length, uint32_t frames) const {
-        if (rounds.empty()) {
-            return;
-        }
-        std::sort(rounds.begin(), rounds.end());
-        const size_t worst = std::max<size_t>(rounds.size() / 100, 1);
-        const int64_t sum = std::accumulate(rounds.begin(), rounds.end(), int64_t{0});
-        const int64_t worstSum = std::accumulate(
-            rounds.end() - static_cast<std::ptrdiff_t>(worst), rounds.end(), int64_t{0});
+    void Report(std::vector<int64_t>& rounds, std::vector<int64_t>& work, int64_t length,
+                uint32_t frames) const {
         const double seconds = static_cast<double>(length) / 1000000.0;
+        const SPREAD pictures = SpreadOf(rounds);
         std::printf("pictures   %.1f a second, %.2f ms each, median %.2f, worst 1 %% %.2f\n",
-                    static_cast<double>(rounds.size()) / seconds,
-                    Milliseconds(sum) / static_cast<double>(rounds.size()),
-                    Milliseconds(rounds[rounds.size() / 2]),
-                    Milliseconds(worstSum) / static_cast<double>(worst));
+                    static_cast<double>(rounds.size()) / seconds, pictures.mean, pictures.median,
+                    pictures.worst);
+        const SPREAD main = SpreadOf(work);
+        std::printf("processor  %.2f ms of the main thread a picture, worst 1 %% %.2f\n", main.mean,
+                    main.worst);
         size_t playing = 0;
         for (const auto& [key, set] : application.Sets().All()) {
             playing += set.picture.texture.glTexture != 0 ? 1 : 0;
@@ -150,11 +180,12 @@ private:
                     static_cast<double>(frames) / seconds);
         std::printf("sound      %s\n", EmuFormatStats().c_str());
         const ROOM_COUNTERS& counters = room->Counters();
-        std::printf("a picture  %u draw calls, %u triangles, %u programs, %u textures, %u materials, "
-                    "%u uniforms, %llu bytes uploaded by the room\n",
-                    counters.drawCalls, counters.triangles, counters.programChanges,
-                    counters.textureBinds, counters.materialWrites, counters.uniformWrites,
-                    static_cast<unsigned long long>(counters.bytesUploaded));
+        std::printf(
+            "a picture  %u draw calls, %u triangles, %u programs, %u textures, %u materials, "
+            "%u uniforms, %llu bytes uploaded by the room\n",
+            counters.drawCalls, counters.triangles, counters.programChanges, counters.textureBinds,
+            counters.materialWrites, counters.uniformWrites,
+            static_cast<unsigned long long>(counters.bytesUploaded));
     }
 
     int TakePicture(size_t sets) {
@@ -192,12 +223,12 @@ int RoomCommand(const ROOM_OPTIONS& options) {
     if (names.empty()) {
         names.assign(std::begin(kOwnGames), std::end(kOwnGames));
     }
+    if (!ApplySettings(options.settings)) {
+        return kExitUsage;
+    }
     std::vector<OPENED_GAME> games;
     if (!OpenGames(names, games)) {
         return kExitFailed;
-    }
-    if (!ApplySettings(options.settings)) {
-        return kExitUsage;
     }
     RoomRun run(options);
     return run.Run(std::move(games));

@@ -110,7 +110,8 @@ void InputLooker::ForgetAfterPause(int64_t now) {
 
 InputFrame::InputFrame(InputLooker& looker, uint32_t sessionKey)
     : outer(tInputState) {
-    looker.Look(sessionKey == InputActiveKey() && !InputWalkingRoom());
+    looker.Look(sessionKey == kApplicationKey ||
+                (sessionKey == InputActiveKey() && !InputWalkingRoom()));
     tInputState = &looker.state;
 }
 

@@ -17,6 +17,7 @@ std::array<PadCodes, kPadPlayers> gCodes{};
 std::array<bool, kPadPlayers> gAttached{};
 uint64_t gDown = 0;
 uint64_t gTaken = 0; // controls that the user has bound
+BoundCodes gBound;   // and all codes
 
 constexpr uint64_t AllOf(uint32_t player) {
     return uint64_t{0xFFFFFFFF} << (player * 32);
@@ -76,12 +77,12 @@ void InputClearPads() {
 }
 
 void InputRefreshPadDefaults() {
-    const BoundCodes bound = RefreshActionNotes(Settings());
+    gBound = RefreshActionNotes(Settings());
     gTaken = 0;
     for (uint32_t player = 0; player < kPadPlayers; ++player) {
         for (uint32_t control = 0; control < kPadControls; ++control) {
             for (const uint32_t code : gCodes[player][control]) {
-                if (code != 0 && code < kInputCodes && bound[code]) {
+                if (InputCodeIsBound(code)) {
                     gTaken |= PadBit(player, static_cast<PadControl>(control));
                 }
             }
@@ -91,5 +92,13 @@ void InputRefreshPadDefaults() {
 }
 
 uint64_t InputPadsActing() {
-    return gLiveInput.pads.load(std::memory_order_relaxed);
+    return tInputState->pads.load(std::memory_order_relaxed);
+}
+
+uint64_t InputPadsTaken() {
+    return gTaken;
+}
+
+bool InputCodeIsBound(uint32_t code) {
+    return code != 0 && code < kInputCodes && gBound[code];
 }

@@ -54,6 +54,15 @@ TEST(CommandLine, WrongUsageIsExitCodeTwo) {
     EXPECT_EQ(Ombrelune({"play", "x.sms", "--machine", "toaster"}, home).exitCode, 2);
 }
 
+TEST(CommandLine, OptionsMayStandBeforeTheGameAndBeGivenOften) {
+    const TemporaryFolder home;
+    const PROGRAM_RESULT played =
+        Ombrelune({"play", "--headless", "--frames", "1", "--set", "console=sms2-pal", "--set",
+                   "fm=1", "demo:sms-luciole"},
+                  home);
+    EXPECT_EQ(played.exitCode, 0) << played.error;
+}
+
 // A PNG begins with eight fixed bytes and a header with its width and height, most significant byte first.
 TEST(CommandLine, GalleryWritesAPageOfTheSizeAskedFor) {
     const TemporaryFolder home;

@@ -115,7 +115,7 @@ TEST_F(Score, NamesTheLineThatIsWrong) {
         {"player mega-drive\ntrack a\n  2x( C-4:2\n  end\n",              "a.score:4: ')' is missing"                  },
         {"player mega-drive\ntrack a\n  1x( end\n",                       "a.score:3: '1x(': 2 to 255 times"           },
         {"player mega-drive\ntrack a\n  voice=x end\n",                   "a.score:3: 'x' is no number"                },
-        {"player mega-drive\ntrack a\n  tune=3 end\n",                    "a.score:3: 'tune' is none of voice"         },
+        {"player mega-drive\ntrack a\n  tune=3 end\n",                    "a.score:3: 'tune' is not one of voice"      },
         {"player mega-drive\ntrack a\n  hat:3 end\n",                     "a.score:3: this player has kick"            },
         {"player mega-drive\nsong a\ntrack a\n  end\n",
          "a.score:1: 'step' takes a number from 1 to 255"                                                              },

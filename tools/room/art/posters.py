@@ -5,6 +5,7 @@ import os
 import sys
 
 import numpy
+from PIL import Image, ImageFilter
 
 import ecume
 import mistral
@@ -13,6 +14,7 @@ from covers import NIGHT, drawing, svg, titled
 
 OUT = os.path.join(paint.HERE, '..', '..', '..', 'assets', 'objects')
 WIDTH, HEIGHT = 1024, 1331
+STORED = 788, 1024  # No texture of the room is larger than 1024.
 POSTERS = {'genesisad': (mistral, 'Fly before the wind.', 5), 'thewizard': (ecume, 'Leap.', 9)}
 
 
@@ -36,6 +38,13 @@ def folds(picture, seed):
     return picture * warm * (1 - rubbed[..., None]) + rubbed[..., None] * 0.92
 
 
+def stored(picture):
+    """The picture in its size in the room; what the filter softens in the lettering comes back."""
+    image = Image.fromarray((numpy.clip(picture, 0, 1) * 255 + 0.5).astype(numpy.uint8))
+    image = image.resize(STORED, Image.LANCZOS).filter(ImageFilter.UnsharpMask(0.8, 40, 2))
+    return numpy.asarray(image, dtype=numpy.float32) / 255
+
+
 def poster(name):
     game, line, seed = POSTERS[name]
     margin, foot = 34, 92
@@ -54,7 +63,7 @@ def poster(name):
               + f'<text x="{WIDTH - margin - 74}" y="{base - 6}" font-family="Inter" font-weight="600" font-size="30" '
               f'letter-spacing="1" fill="{NIGHT}" text-anchor="end">ombrelune</text>')
     whole = paint.over(whole, paint.render(svg(inside, WIDTH, HEIGHT), WIDTH, HEIGHT))
-    return paint.paper(folds(whole, seed))
+    return stored(paint.paper(folds(whole, seed)))
 
 
 if __name__ == '__main__':

@@ -8,7 +8,7 @@ from texture import colour, mix, plastic
 
 W, H, D = 20, 3, 11
 TOP = 2.5
-SCREEN_W, SCREEN_H = 7.2, 6.48
+SCREEN_W, SCREEN_H = 8.4, 6.3  # 4:3, as the machine shows its picture.
 UP = [('x', -90)]  # What faces +z then faces up, its upper side towards -z.
 PLASTIC = (0.2, 16.0, 0.0)
 

@@ -1,0 +1,512 @@
+// The room, played with keys and mouse: walking, sets turned on and off, full screen and back.
+#include "front/notices.h"
+#include "front/room_rig.h"
+#include "host/host_data.h"
+#include "megadrive/md_rig.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+using RoomScreenTest = RoomTest;
+
+void Drop(const std::string& path) {
+    SDL_Event event{};
+    event.type = SDL_DROPFILE;
+    event.drop.file = SDL_strdup(path.c_str());
+    SDL_PushEvent(&event);
+}
+
+std::string Hint(const RoomScreen& room) {
+    return {room.HintText().begin(), room.HintText().end()};
+}
+
+} // namespace
+
+TEST_F(RoomScreenTest, IsEnteredWalkingWithAllSetsOff) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    EXPECT_TRUE(room->Modes().RoomVisible());
+    EXPECT_TRUE(room->Modes().Walking());
+    EXPECT_TRUE(InputWalkingRoom());
+    for (const uint32_t key : kAllSets) {
+        EXPECT_EQ(room->Games().StateOf(key), SetState::kOff) << key;
+        EXPECT_FALSE(SessionRuns(key)) << key;
+    }
+    EXPECT_THAT(Hint(*room), AllOf(HasSubstr("E   Turn on"), HasSubstr("latch")));
+}
+
+TEST_F(RoomScreenTest, EachKeyWalksItsWayUntilItIsLetGo) {
+    Application application;
+    RoomScreen* const room = Enter(application, {});
+    ASSERT_NE(room, nullptr);
+    const auto position = [&] { return room->Camera().Position(); };
+    const struct {
+        SDL_Scancode key;
+        float x;
+        float z;
+    } rows[] = {
+        {SDL_SCANCODE_W, 0.0f,  -1.0f}, // the way that the player looks at the start
+        {SDL_SCANCODE_S, 0.0f,  1.0f },
+        {SDL_SCANCODE_A, -1.0f, 0.0f },
+        {SDL_SCANCODE_D, 1.0f,  0.0f },
+    };
+    for (const auto& row : rows) {
+        const VECTOR3 from = position();
+        Key(row.key, true);
+        const auto gone = [&] {
+            return (position().x - from.x) * row.x + (position().z - from.z) * row.z;
+        };
+        ASSERT_TRUE(RunUntil(application, [&] { return gone() > 20.0f; })) << row.key;
+        Key(row.key, false);
+        EXPECT_NEAR((position().x - from.x) * row.z, 0.0f, 0.01f) << row.key;
+        EXPECT_NEAR((position().z - from.z) * row.x, 0.0f, 0.01f) << row.key;
+        EXPECT_FLOAT_EQ(position().y, from.y);
+        VECTOR3 last{};
+        ASSERT_TRUE(RunUntil(application, [&] { // he comes to rest
+            return std::exchange(last, position()) == position();
+        })) << row.key;
+    }
+}
+
+TEST_F(RoomScreenTest, TheMouseLooksAroundAndTheSlowKeySteadiesIt) {
+    Application application;
+    RoomScreen* const room = Enter(application, {});
+    ASSERT_NE(room, nullptr);
+    MoveMouse(100, 50);
+    ASSERT_TRUE(application.Round());
+    EXPECT_FLOAT_EQ(room->Camera().Yaw(), -20.0f);
+    EXPECT_FLOAT_EQ(room->Camera().Pitch(), -10.0f);
+    Key(SDL_SCANCODE_SPACE, true);
+    MoveMouse(-100, -40);
+    ASSERT_TRUE(application.Round());
+    EXPECT_FLOAT_EQ(room->Camera().Yaw(), -15.0f);
+    EXPECT_FLOAT_EQ(room->Camera().Pitch(), -8.0f);
+    Key(SDL_SCANCODE_SPACE, false);
+}
+
+TEST_F(RoomScreenTest, UseTurnsASetOnAndThenShowsItFullScreen) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame(), "demo:sms-luciole"});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    EXPECT_NE(room->Games().StateOf(kFrontSet), SetState::kOff);
+    EXPECT_TRUE(room->Modes().Walking());
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    EXPECT_EQ(room->Games().TitleOn(kFrontSet), "latch");
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    EXPECT_TRUE(IsRed(MiddleOfWindow(application))) << std::hex << MiddleOfWindow(application);
+    EXPECT_THAT(Hint(*room), AllOf(HasSubstr("E   Play latch"), HasSubstr("Q   Turn off")));
+    EXPECT_EQ(room->Games().NextTitle(), "Luciole");
+
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    EXPECT_FALSE(room->Modes().RoomVisible());
+    EXPECT_EQ(InputActiveKey(), kFrontSet);
+    Key(SDL_SCANCODE_A, true); // button 1
+    EXPECT_TRUE(RunUntilColour(application, kBlue)) << "it gets the input";
+    Key(SDL_SCANCODE_A, false);
+    EXPECT_EQ(MiddleOfWindow(application), kBlue);
+}
+
+TEST_F(RoomScreenTest, TheLeftButtonDoesAsUseDoes) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    const auto click = [&] {
+        MouseButton(SDL_BUTTON_LEFT, true);
+        MouseButton(SDL_BUTTON_LEFT, false);
+        ASSERT_TRUE(application.Round());
+    };
+    click();
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    click();
+    EXPECT_FALSE(room->Modes().RoomVisible());
+}
+
+TEST_F(RoomScreenTest, FullScreenAndBackTheNextPictureIsTheRightOne) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+        ASSERT_FALSE(room->Modes().RoomVisible());
+        EXPECT_EQ(MiddleOfWindow(application), kRed);
+        ASSERT_TRUE(Tap(application, SDL_SCANCODE_ESCAPE));
+        ASSERT_TRUE(room->Modes().Walking());
+        EXPECT_TRUE(IsRed(MiddleOfWindow(application))) << std::hex << MiddleOfWindow(application);
+    }
+}
+
+// The program's clock, which the test stops: then no machine makes a new picture.
+class StoppedClock : public RoomTest {
+protected:
+    void SetUp() override {
+        RoomTest::SetUp();
+        stoppedAt = 0;
+        HostSetClock({Now, nullptr});
+    }
+    void TearDown() override {
+        HostSetClock({nullptr, nullptr});
+        RoomTest::TearDown();
+    }
+    static void StopClock() { stoppedAt = Running(); }
+    static void StartClock() { stoppedAt = 0; }
+
+private:
+    static int64_t Running() {
+        return std::chrono::duration_cast<std::chrono::microseconds>(
+                   std::chrono::steady_clock::now().time_since_epoch())
+            .count();
+    }
+    static int64_t Now() {
+        const int64_t stopped = stoppedAt;
+        return stopped != 0 ? stopped : Running();
+    }
+    static inline std::atomic<int64_t> stoppedAt;
+};
+
+TEST_F(StoppedClock, TheFullScreenNeedsNoNewPicture) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    StopClock();
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(application.Round()); // what was made before is shown
+    }
+    const uint32_t frames = FramesPresented();
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    EXPECT_EQ(MiddleOfWindow(application), kRed);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_TRUE(IsRed(MiddleOfWindow(application)));
+    EXPECT_LE(FramesPresented(), frames + 1);
+    StartClock();
+}
+
+TEST_F(RoomScreenTest, WhileThePlayerWalksNoMachineGetsInput) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    Settings().SetInt2(L"INPUT SMS P1 BUTTON1", SDL_SCANCODE_B, 0); // no key of the room's
+    Key(SDL_SCANCODE_B, true);
+    ASSERT_TRUE(RunFrames(application, 10));
+    EXPECT_EQ(MiddleOf(application), kRed);
+    Key(SDL_SCANCODE_B, false);
+    ASSERT_TRUE(RunFrames(application, 2));
+
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_ESCAPE)); // standing in front of it he plays
+    EXPECT_TRUE(room->Modes().RoomVisible());
+    EXPECT_FALSE(room->Modes().Walking());
+    Key(SDL_SCANCODE_B, true);
+    EXPECT_TRUE(RunUntilColour(application, kBlue));
+    Key(SDL_SCANCODE_B, false);
+    const VECTOR3 from = room->Camera().Position();
+    Key(SDL_SCANCODE_W, true);
+    MoveMouse(50, 0);
+    ASSERT_TRUE(RunFrames(application, 5));
+    EXPECT_EQ(room->Camera().Position(), from);
+    EXPECT_FLOAT_EQ(room->Camera().Yaw(), 0.0f);
+    Key(SDL_SCANCODE_W, false);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_TRUE(room->Modes().Walking());
+}
+
+TEST_F(RoomScreenTest, TheMiddleButtonFreesTheHandsAtASetThatIsOn) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    const auto middle = [&] {
+        MouseButton(SDL_BUTTON_MIDDLE, true);
+        MouseButton(SDL_BUTTON_MIDDLE, false);
+        ASSERT_TRUE(application.Round());
+    };
+    middle();
+    EXPECT_TRUE(room->Modes().Walking()) << "the set is off";
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    middle();
+    EXPECT_FALSE(room->Modes().Walking());
+    middle();
+    EXPECT_TRUE(room->Modes().Walking());
+}
+
+TEST_F(RoomScreenTest, AFreeClickTakesTheCameraAgainWhereNobodyPlays) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_FALSE(room->Modes().Walking());
+    MouseButton(SDL_BUTTON_LEFT, true);
+    ASSERT_TRUE(application.Round());
+    EXPECT_TRUE(room->Modes().Walking());
+    EXPECT_EQ(room->Games().StateOf(kFrontSet), SetState::kOff) << "the click did nothing else";
+}
+
+TEST_F(RoomScreenTest, TurnOffSavesEndsAndDarkens) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    EXPECT_FALSE(SaveExists("latch"));
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_Q));
+    EXPECT_FALSE(IsRed(MiddleOfWindow(application))) << "dark at once, whatever the disk does";
+    EXPECT_FALSE(ShowsPicture(*room, kFrontSet));
+    EXPECT_TRUE(room->Modes().Walking());
+    ASSERT_TRUE(RunUntilOff(application, *room, kFrontSet));
+    EXPECT_FALSE(SessionRuns(kFrontSet));
+    EXPECT_TRUE(SaveExists("latch"));
+    EXPECT_FALSE(IsRed(MiddleOfWindow(application)));
+    EXPECT_THAT(Hint(*room), HasSubstr("Turn on"));
+}
+
+TEST_F(RoomScreenTest, ASetTurnedOnAgainBeforeItIsOffPlaysOn) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame(), "demo:sms-luciole"});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_Q));
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    EXPECT_EQ(room->Games().TitleOn(kFrontSet), "Luciole");
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    EXPECT_EQ(room->Games().TitleOn(kFrontSet), "Luciole");
+    EXPECT_TRUE(SaveExists("latch"));
+}
+
+TEST_F(RoomScreenTest, TheLampGoesOutAtItsKey) {
+    Application application;
+    RoomScreen* const room = Enter(application, {});
+    ASSERT_NE(room, nullptr);
+    const auto brightness = [&] {
+        uint64_t sum = 0;
+        for (const uint32_t pixel : application.ReadWindow()) {
+            sum += (pixel & 0xFF) + (pixel >> 8 & 0xFF) + (pixel >> 16 & 0xFF);
+        }
+        return sum;
+    };
+    const uint64_t lit = brightness();
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_F4));
+    EXPECT_LT(brightness(), lit / 2);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_F4));
+    EXPECT_EQ(brightness(), lit);
+}
+
+TEST_F(RoomScreenTest, ADroppedGamePlaysOnTheSetThatIsLookedAt) {
+    Application application;
+    RoomScreen* const room = Enter(application, {"demo:sms-luciole"});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    Drop(LatchGame());
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(room->Games().TitleOn(kFrontSet), "latch") << "in the place of what played";
+    EXPECT_FALSE(ShowsPicture(*room, kFrontSet) && IsRed(MiddleOfWindow(application)));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    EXPECT_TRUE(SaveExists("luciole"));
+    for (const uint32_t key : kAllSets) {
+        EXPECT_EQ(SessionRuns(key), key == kFrontSet) << key;
+    }
+}
+
+TEST_F(RoomScreenTest, ADroppedGamePlaysOnTheFirstFreeSetOtherwise) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    room->StartGames(7);
+    MoveMouse(900, 0); // at the wall behind, where no set is
+    ASSERT_TRUE(RunUntil(application, [&] { return room->Modes().Selected().id == 0; }));
+    Drop(LatchGame());
+    ASSERT_TRUE(RunUntilOn(application, *room, kAllSets[7]));
+    Drop(LatchGame());
+    ASSERT_TRUE(application.Round());
+    EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("all televisions are on")));
+}
+
+TEST_F(RoomScreenTest, AGameThatCannotStartIsReportedAndTheOthersPlayOn) {
+    Application application;
+    // A valid file, but the console refuses images of less than 512 bytes.
+    const auto path = folder.Write("short.md", std::vector<uint8_t>(511, 0));
+    RoomScreen* const room = Enter(application, {LatchGame(), path.string(), LatchGame()});
+    ASSERT_NE(room, nullptr);
+    room->StartGames(3);
+    ASSERT_TRUE(RunUntilOn(application, *room, kAllSets[0]));
+    ASSERT_TRUE(RunUntilOff(application, *room, kAllSets[1]));
+    ASSERT_TRUE(RunUntilOn(application, *room, kAllSets[2]));
+    EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("less than 512 bytes")));
+    EXPECT_TRUE(room->Modes().Walking());
+}
+
+class EndedMachine : public RoomTest {
+protected:
+    [[nodiscard]] std::string GoneGame() {
+        MdProgram program;
+        program.PutLong(4, kMdCodeStart + 1); // a program cannot start at an odd address
+        return folder.Write("gone.md", program.Image()).string();
+    }
+};
+
+TEST_F(EndedMachine, DarkensItsSet) {
+    Application application;
+    RoomScreen* const room = Enter(application, {GoneGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntil(application, [&] { return ShowsPicture(*room, kFrontSet); })) << "static";
+    ASSERT_TRUE(RunUntilOff(application, *room, kFrontSet));
+    ASSERT_TRUE(application.Round());
+    EXPECT_FALSE(ShowsPicture(*room, kFrontSet));
+    EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("address error")));
+    EXPECT_TRUE(room->Modes().Walking());
+}
+
+TEST_F(EndedMachine, LeavesTheTitleOfTheGameInTheWindow) {
+    Application application;
+    RoomScreen* const room = Enter(application, {GoneGame()});
+    ASSERT_NE(room, nullptr);
+    std::string error;
+    ASSERT_TRUE(application.Play(Opened(LatchGame()), error)) << error;
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntil(application, [&] { return room->Games().SerialOn(kFrontSet) != 0; }));
+    ASSERT_TRUE(RunUntilOff(application, *room, kFrontSet));
+    EXPECT_TRUE(application.Playing());
+    EXPECT_THAT(SDL_GetWindowTitle(SDL_GL_GetCurrentWindow()), HasSubstr("latch"));
+}
+
+TEST_F(EndedMachine, LeadsBackFromTheFullScreen) {
+    Settings().SetBool(L"emu_startfullscreen", true);
+    Application application;
+    RoomScreen* const room = Enter(application, {GoneGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_FALSE(room->Modes().RoomVisible());
+    ASSERT_TRUE(RunUntil(application, [&] { return room->Modes().RoomVisible(); }));
+    EXPECT_TRUE(room->Modes().Walking());
+    EXPECT_EQ(room->Games().SerialOn(kFrontSet), 0u);
+    ASSERT_TRUE(application.Round());
+    EXPECT_FALSE(ShowsPicture(*room, kFrontSet));
+    EXPECT_TRUE(RunUntilOff(application, *room, kFrontSet));
+}
+
+TEST_F(RoomScreenTest, ClosingTheWindowSavesAllGames) {
+    for (const char* name : {"one", "two", "three"}) {
+        folder.Write(std::string(name) + ".sms", LatchingRom());
+    }
+    const auto game = [&](const char* name) {
+        return (folder.Path() / (std::string(name) + ".sms")).string();
+    };
+    {
+        Application application;
+        RoomScreen* const room = Enter(application, {game("one"), game("two"), game("three")});
+        ASSERT_NE(room, nullptr);
+        room->StartGames(3);
+        for (size_t i = 0; i < 3; ++i) {
+            ASSERT_TRUE(RunUntilOn(application, *room, kAllSets[i]));
+        }
+        SDL_Event quit{};
+        quit.type = SDL_QUIT;
+        SDL_PushEvent(&quit);
+        EXPECT_FALSE(application.Round());
+        application.Stop();
+        for (const uint32_t key : kAllSets) {
+            EXPECT_FALSE(SessionRuns(key)) << key;
+        }
+    }
+    for (const char* name : {"one", "two", "three"}) {
+        EXPECT_TRUE(SaveExists(name)) << name;
+    }
+    EXPECT_THAT(ProgramNotices().UnreadFaults(0), IsEmpty());
+}
+
+TEST_F(RoomScreenTest, LosingTheKeyboardStopsTheWalk) {
+    Application application;
+    RoomScreen* const room = Enter(application, {});
+    ASSERT_NE(room, nullptr);
+    const VECTOR3 from = room->Camera().Position();
+    Key(SDL_SCANCODE_D, true);
+    ASSERT_TRUE(RunUntil(application, [&] { return room->Camera().Position().x > from.x + 5.0f; }));
+    SDL_Event event{};
+    event.type = SDL_WINDOWEVENT;
+    event.window.event = SDL_WINDOWEVENT_FOCUS_LOST;
+    SDL_PushEvent(&event);
+    VECTOR3 last{};
+    EXPECT_TRUE(RunUntil(application, [&] {
+        return std::exchange(last, room->Camera().Position()) == room->Camera().Position();
+    }));
+    EXPECT_LT(room->Camera().Position().x, 490.0f) << "not because of the wall";
+}
+
+TEST_F(RoomScreenTest, FillsAWindowOfAnotherSize) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    SDL_SetWindowSize(SDL_GL_GetCurrentWindow(), 480, 270);
+    ASSERT_TRUE(
+        RunUntil(application, [&] { return application.MainWindow().PixelWidth() == 480; }));
+    ASSERT_TRUE(application.Round());
+    EXPECT_TRUE(IsRed(MiddleOfWindow(application)));
+    const MATRIX4 projection = room->Camera().Projection();
+    EXPECT_NEAR(projection[5] / projection[0], 480.0f / 270.0f, 0.001f) << "nothing is stretched";
+}
+
+TEST_F(RoomScreenTest, WithoutAJoystickNothingMovesByItself) {
+    Application application;
+    RoomScreen* const room = Enter(application, {});
+    ASSERT_NE(room, nullptr);
+    const VECTOR3 from = room->Camera().Position();
+    for (int i = 0; i < 20; ++i) {
+        ASSERT_TRUE(application.Round());
+    }
+    EXPECT_EQ(room->Camera().Position(), from);
+    EXPECT_FLOAT_EQ(room->Camera().Yaw(), 0.0f);
+    EXPECT_TRUE(room->Modes().Walking());
+}
+
+// All eight, the cabinets and the large set among them, which a look does not choose where they stand.
+TEST_F(RoomScreenTest, PageDownAndUpGoFromSetToSet) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    std::vector<uint32_t> sets(kAllSets.begin(), kAllSets.end());
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEDOWN));
+    const uint32_t first = room->Modes().Selected().id;
+    const auto start = std::find(sets.begin(), sets.end(), first);
+    ASSERT_NE(start, sets.end());
+    std::rotate(sets.begin(), start, sets.end());
+    for (size_t i = 1; i <= sets.size(); ++i) {
+        ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEDOWN));
+        EXPECT_EQ(room->Modes().Selected().id, sets[i % sets.size()]) << i;
+    }
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEUP));
+    EXPECT_EQ(room->Modes().Selected().id, sets.back());
+    constexpr uint32_t kCabinet = 10;
+    while (room->Modes().Selected().id != kCabinet) {
+        ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEDOWN));
+    }
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    EXPECT_TRUE(RunUntil(application, [&] { return SessionRuns(kCabinet); }));
+
+    Key(SDL_SCANCODE_S, true);
+    ASSERT_TRUE(RunUntil(application, [&] { return room->Modes().Selected().id != kCabinet; }))
+        << "a step chooses by looking again";
+    Key(SDL_SCANCODE_S, false);
+}

@@ -11,11 +11,7 @@ namespace {
 
 constexpr int64_t kSecond = 1'000'000'000; // in nanoseconds, the simulation's time
 constexpr int64_t kPumpPeriod = 5'000'000;
-#ifdef OMBRELUNE_SANITIZED
-constexpr int64_t kMinutes = 2; // instrumented, a simulated minute takes twenty times as long
-#else
 constexpr int64_t kMinutes = 10;
-#endif
 
 struct SYNC_CASE {
     const char* name;

@@ -127,11 +127,7 @@ class EveryNesBoard : public testing::TestWithParam<NES_BOARD_CASE> {};
 } // namespace
 
 TEST_P(EveryNesBoard, RandomAccessesAreTheSameFastAndPlain) {
-#ifdef OMBRELUNE_SANITIZED
-    constexpr uint32_t kPrograms = 2;
-#else
     constexpr uint32_t kPrograms = 4;
-#endif
     constexpr int kFrames = 30; // the first five fill the memory
     std::vector<FRAME_RESULT> run;
     for (uint32_t seed = 0; seed < kPrograms; ++seed) {

@@ -21,11 +21,7 @@
 namespace {
 
 constexpr uint32_t kKey = 1;
-#ifdef OMBRELUNE_SANITIZED
-constexpr uint32_t kFrames = 50; // a third of the frames finds bytes out of bounds just as well
-#else
 constexpr uint32_t kFrames = 150;
-#endif
 
 // A machine with its picture and sound buffers.
 template <typename Machine>

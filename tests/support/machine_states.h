@@ -17,12 +17,8 @@
 #include <string>
 #include <vector>
 
-// Frames of a run after a state. In a sanitizer build a tenth finds reads out of bounds just as well.
-#ifdef OMBRELUNE_SANITIZED
-inline constexpr int kFollowingFrames = 60;
-#else
+// Frames of a run after a state.
 inline constexpr int kFollowingFrames = 600;
-#endif
 
 struct FRAME_RESULT {
     uint64_t picture; // hashes

@@ -19,26 +19,13 @@ using testing::StartsWith;
 
 namespace {
 
-// Whether a game is the first of its machine.
-bool IsFirstOfItsMachine(const std::vector<std::string>& names, const std::string& name) {
-    const std::string machine = name.substr(0, name.find('-'));
-    return std::none_of(names.begin(), names.end(),
-                        [&](const std::string& other) { return other.starts_with(machine + "-"); });
-}
-
-// The games that the program's own help lists; instrumented, one of each machine.
+// The games that the program's own help lists.
 std::vector<std::string> DemoNames() {
-#ifdef OMBRELUNE_SANITIZED
-    constexpr bool kAll = false;
-#else
-    constexpr bool kAll = true;
-#endif
     const PROGRAM_RESULT help = RunProgram(OMBRELUNE_BUILD_FOLDER "/ombrelune", {"play", "--help"});
     std::vector<std::string> names;
     std::istringstream text(help.output);
     for (std::string word; text >> word;) {
-        if (word.starts_with("demo:") && word != "demo:NAME" &&
-            (kAll || IsFirstOfItsMachine(names, word))) {
+        if (word.starts_with("demo:") && word != "demo:NAME") {
             names.push_back(word);
         }
     }

@@ -5,13 +5,14 @@
 namespace {
 
 constexpr PROGRAM_KEY kKeys[] = {
-    {SDL_SCANCODE_F2,     false, false, ProgramCommand::kToggleStatistics  },
-    {SDL_SCANCODE_F3,     false, false, ProgramCommand::kToggleCrop        },
-    {SDL_SCANCODE_F4,     false, true,  ProgramCommand::kToggleCeilingLight},
-    {SDL_SCANCODE_F5,     false, false, ProgramCommand::kToggleLinear      },
-    {SDL_SCANCODE_F6,     false, false, ProgramCommand::kNextScaler        },
-    {SDL_SCANCODE_F11,    false, false, ProgramCommand::kToggleFullScreen  },
-    {SDL_SCANCODE_RETURN, true,  true,  ProgramCommand::kToggleFullScreen  },
+    {SDL_SCANCODE_F2,     false, false, ProgramCommand::kToggleStatistics,   "F2",           "statistics"   },
+    {SDL_SCANCODE_F3,     false, false, ProgramCommand::kToggleCrop,         "F3",           "whole picture"},
+    {SDL_SCANCODE_F4,     false, true,  ProgramCommand::kToggleCeilingLight, "F4",           "ceiling light"},
+    {SDL_SCANCODE_F5,     false, false, ProgramCommand::kToggleLinear,       "F5",           "smooth pixels"},
+    {SDL_SCANCODE_F6,     false, false, ProgramCommand::kNextScaler,         "F6",           "next scaler"  },
+    {SDL_SCANCODE_F11,    false, false, ProgramCommand::kToggleFullScreen,   "F11",          "full screen"  },
+    {SDL_SCANCODE_RETURN, true,  true,  ProgramCommand::kToggleFullScreen,   "Alt + Return",
+     "full screen"                                                                                          },
 };
 
 } // namespace

@@ -21,5 +21,7 @@ struct PROGRAM_KEY {
     bool alt;          // with alt held; otherwise no alt, ctrl or system key may be down
     bool whileWalking; // also while the user is walking in the room
     ProgramCommand command;
+    const char* key;  // as it is printed on the keyboard
+    const char* name; // what it does, for the help
 };
 [[nodiscard]] std::span<const PROGRAM_KEY> ProgramKeys();

@@ -1,6 +1,7 @@
 #include "front/tools/play.h"
 
 #include "front/demos.h"
+#include "front/program_commands.h"
 #include "front/run_settings.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
@@ -90,6 +91,10 @@ std::string PlayHelp() {
                        RegionsHelp() + "Games of our own, for GAME:\n";
     for (const DEMO& demo : Demos()) {
         help += "  demo:" + std::string(demo.name) + "  " + demo.title + "\n";
+    }
+    help += "Keys of the window:\n";
+    for (const PROGRAM_KEY& row : ProgramKeys()) {
+        help += "  " + std::string(row.key) + "  " + row.name + "\n";
     }
     return help;
 }

@@ -47,6 +47,12 @@ TEST(CommandLine, HelpAndVersionAnswerOnStandardOutput) {
     EXPECT_THAT(version.output, StartsWith("ombrelune 0."));
 }
 
+TEST(CommandLine, HelpOfPlayNamesTheKeysOfTheWindow) {
+    const TemporaryFolder home;
+    EXPECT_THAT(Ombrelune({"play", "--help"}, home).output,
+                AllOf(HasSubstr("F3  whole picture"), HasSubstr("Alt + Return  full screen")));
+}
+
 TEST(CommandLine, WrongUsageIsExitCodeTwo) {
     const TemporaryFolder home;
     EXPECT_EQ(Ombrelune({"nonsense"}, home).exitCode, 2);

@@ -189,7 +189,7 @@ void SetPitch(YM2413& ym, YM_CHANNEL& channel, uint32_t blockFnum) {
     channel.blockFnum = blockFnum;
     channel.kcode = static_cast<uint8_t>(blockFnum >> 8);
     channel.kslBase = kYmKeyScale[blockFnum >> 5];
-    channel.fc = ym.fnTab[(blockFnum & kYmFnum) * 2] >> (7 - (blockFnum >> 9));
+    channel.fc = ym.fnTab[size_t{2} * (blockFnum & kYmFnum)] >> (7 - (blockFnum >> 9));
     for (YM_SLOT& slot : channel.slots) {
         RefreshLevel(channel, slot);
         RefreshRates(channel, slot);

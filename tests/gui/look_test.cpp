@@ -6,8 +6,10 @@
 namespace {
 
 constexpr const char* kColours = R"(<?xml version="1.0"?><theme>
-<textbox name="BAR"><texture type="color"><color name="bg" val="FF000001"/></texture>
- <texture name="bg2" type="color"><color name="bg" val="FF000002"/></texture></textbox>
+<textbox name="BAR"><texture type="color"><color name="bg" val="FF000020"/></texture>
+ <texture name="bg2" type="color"><color name="bg" val="FF000040"/></texture></textbox>
+<listview name="HEADS"><number name="headerheight" val="24"/><number name="itemheight" val="20"/>
+ <button><textbox name="normal"><color name="text" val="FFFFFFFF"/></textbox></button></listview>
 <textbox name="A"><texture type="color"><color name="bg" val="FF00000A"/></texture></textbox>
 <textbox name="B"><texture type="color"><color name="bg" val="FF00000B"/></texture>
  <border type="color"><rect left="3" top="3" right="3" bottom="3"/></border></textbox>
@@ -124,15 +126,15 @@ TEST_F(Look, TextsOfAListWithAnImageBeginAtOnePlace) {
     EXPECT_LT(textOf(0), 10) << "no row has an image";
     list->AddItem(L"H", 2);
     manager.Tick(0);
-    EXPECT_EQ(At(list->window, 8, high + high / 2), 0xFF000012u);
+    // Over an opaque ground a channel is blended to one step below itself.
+    EXPECT_EQ(At(list->window, 8, high + high / 2), 0xFF000011u);
     EXPECT_GE(textOf(1), 16);
     EXPECT_EQ(textOf(0), textOf(1));
     manager.Reset(); // the style refers to the strip
 }
 
 TEST_F(Look, AHeadingLiesAtTheSideOfItsColumn) {
-    CGhostTheme::Get().ParseTheme(kRandomTheme);
-    auto* const view = new CGhostListView(nullptr, 0, L"VIEW", 0, {false, 100, 100, 400, 224});
+    auto* const view = new CGhostListView(nullptr, 0, L"HEADS", 0, {false, 100, 100, 400, 224});
     view->AddColumn(L"left", 200, kAlignLeft);
     view->AddColumn(L"right", 200, kAlignRight);
     manager.Tick(0);
@@ -167,10 +169,11 @@ TEST_F(Look, ASliderIsFilledAsFarAsItsValueUnderItsNumber) {
     auto* const slider = new CGhostSlider(nullptr, 0, L"BAR", 0, 10, {false, 100, 100, 200, 20});
     slider->SetValue(0.25f);
     manager.Tick(0);
-    EXPECT_EQ(At(slider->window, 0, 1), 0xFF000002u);
-    EXPECT_EQ(At(slider->window, 49, 1), 0xFF000002u);
-    EXPECT_EQ(At(slider->window, 50, 1), 0xFF000001u);
-    EXPECT_EQ(At(slider->window, 199, 1), 0xFF000001u);
+    constexpr uint32_t kFilled = 0xFF00003F; // one step below itself over an opaque ground
+    EXPECT_EQ(At(slider->window, 0, 1), kFilled);
+    EXPECT_EQ(At(slider->window, 49, 1), kFilled);
+    EXPECT_EQ(At(slider->window, 50, 1), 0xFF000020u);
+    EXPECT_EQ(At(slider->window, 199, 1), 0xFF000020u);
 }
 
 TEST_F(Look, SetStyleReadsTheRecordAnew) {

@@ -9,12 +9,35 @@
 #define STBI_NO_STDIO
 #include <stb/stb_image.h>
 
+namespace {
+
+// Whether the chunks' lengths stay within the file: the decoder asks for as much memory as they promise before it
+// reads them.
+bool HasWholeChunks(std::span<const uint8_t> png) {
+    constexpr size_t kSignature = 8;
+    constexpr size_t kAroundData = 12; // length, type and checksum
+    if (png.size() < kSignature) {
+        return false;
+    }
+    for (std::span<const uint8_t> rest = png.subspan(kSignature); rest.size() >= kAroundData;) {
+        const size_t length =
+            size_t{rest[0]} << 24 | size_t{rest[1]} << 16 | size_t{rest[2]} << 8 | rest[3];
+        if (length > rest.size() - kAroundData) {
+            return false;
+        }
+        rest = rest.subspan(length + kAroundData);
+    }
+    return true;
+}
+
+} // namespace
+
 bool LoadEmbeddedImage(std::span<const uint8_t> png, std::vector<uint32_t>& pixels, uint32_t& width,
                        uint32_t& height) {
     constexpr int kMostPixels = 1 << 24; // more than any screen, and no more memory than that takes
     pixels.clear();
     width = height = 0;
-    if (png.size() > INT_MAX) {
+    if (png.size() > INT_MAX || !HasWholeChunks(png)) {
         return false;
     }
     const int size = static_cast<int>(png.size());

@@ -160,3 +160,16 @@ TEST(Fonts, EveryFaceHasTheLettersThatTitlesNeed) {
         }
     }
 }
+
+// The header's chunk ends at byte 33; the next one then says that it is 2 GB long.
+TEST(Images, AChunkLongerThanTheFileIsRefused) {
+    const auto good = BuiltInImages()[0].png;
+    std::vector<uint8_t> png(good.begin(), good.end());
+    constexpr size_t kSecondChunk = 33;
+    png.at(kSecondChunk) = 0x7F;
+    std::vector<uint32_t> pixels;
+    uint32_t width = 0;
+    uint32_t height = 0;
+    EXPECT_FALSE(LoadEmbeddedImage(png, pixels, width, height));
+    EXPECT_TRUE(pixels.empty());
+}

@@ -1,13 +1,35 @@
-// A theme of any bytes: parsed, then every record of it is looked up and painted with.
+// A theme of any bytes: parsed, then every record of it is looked up and painted with, and the first bytes asked for
+// as the name of a font.
+#include "front/assets.h"
+#include "gui/font.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/theme.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 namespace {
+
+// The program's fonts, and those of its images that are small enough to be decoded often.
+bool LoadAssets() {
+    constexpr size_t kSmall = 3000; // bytes
+    constexpr int32_t kFontSize = 14;
+    static std::vector<GUI_IMAGE_ROW> images;
+    for (const GUI_IMAGE_ROW& row : BuiltInImages()) {
+        if (row.png.size() < kSmall) {
+            images.push_back(row);
+        }
+    }
+    SetThemeImages(images);
+    for (const FONT_ASSET& font : BuiltInFonts()) {
+        CGhostFontManager::Get().AddFont(font.name, font.data, kFontSize, 0);
+    }
+    return CGhostFontManager::Get().DefaultFont() != nullptr;
+}
 
 void Paint(CGhostSurface& surface, const GhostTextStyle& style) {
     PaintText(surface, style, L"text", {0, 0, surface.Width(), surface.Height()});
@@ -18,6 +40,13 @@ void Paint(CGhostSurface& surface, const GhostTextStyle& style) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const bool loaded = LoadAssets();
+    if (!loaded) {
+        __builtin_trap();
+    }
+    constexpr size_t kLongestName = 40;
+    const std::string_view name(reinterpret_cast<const char*>(data), std::min(size, kLongestName));
+    static_cast<void>(CGhostFontManager::Get().GetFont(name, static_cast<int32_t>(size)));
     CGhostTheme theme;
     theme.ParseTheme({reinterpret_cast<const char*>(data), size});
     CGhostSurface surface;

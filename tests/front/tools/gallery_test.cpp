@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -78,6 +79,23 @@ protected:
         }
     }
 
+    // The page as it is drawn on a screen of these pixels, without a renderer.
+    std::vector<uint32_t> Draw(const GALLERY_PAGE& page, int32_t width, int32_t height) {
+        std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+        manager.SetScreen(width, height);
+        manager.SetCompositeBuffer(pixels.data(), width, height, width);
+        Show(&page);
+        manager.Tick(0);
+        manager.CompositeAll();
+        Show(nullptr);
+        manager.SetCompositeBuffer(nullptr, 0, 0, 0);
+        return pixels;
+    }
+
+    static int Channel(uint32_t pixel, int shift) {
+        return static_cast<int>(pixel >> shift & 0xFF);
+    }
+
     CGhostManager& manager = CGhostManager::Get();
     GHOSTMANAGER_WINDOW* root = nullptr;
 };
@@ -131,4 +149,40 @@ TEST(Icon, IsTheLogo) {
     EXPECT_EQ(at(22, 40), 0xFFFFB347) << "the window";
     const uint32_t shadow = at(30, 24);
     EXPECT_GT(shadow & 0xFF, shadow >> 8 & 0xFF) << "blue prevails in the shadow";
+}
+
+// A screen of twice the pixels shows the same page, only finer: four of its pixels are about one of the other's.
+// Edges of letters and lines fall differently, so a few pixels differ much and all together little.
+TEST_F(Gallery, APageLooksTheSameOnAFinerScreen) {
+    constexpr int32_t kWidth = 1280;
+    constexpr int32_t kHeight = 720;
+    for (const GALLERY_PAGE& page : GalleryPages()) {
+        const std::vector<uint32_t> coarse = Draw(page, kWidth, kHeight);
+        const std::vector<uint32_t> fine = Draw(page, 2 * kWidth, 2 * kHeight);
+        const auto at = [&](int32_t x, int32_t y) {
+            return fine[static_cast<size_t>(y) * 2 * kWidth + static_cast<size_t>(x)];
+        };
+        int64_t differences = 0;
+        int64_t farFromGround = 0; // pixels unlike the page's first one: a blank page has none
+        for (int32_t y = 0; y < kHeight; ++y) {
+            for (int32_t x = 0; x < kWidth; ++x) {
+                const uint32_t one =
+                    coarse[static_cast<size_t>(y) * kWidth + static_cast<size_t>(x)];
+                for (const int shift : {0, 8, 16}) {
+                    const int mean =
+                        (Channel(at(2 * x, 2 * y), shift) + Channel(at(2 * x + 1, 2 * y), shift) +
+                         Channel(at(2 * x, 2 * y + 1), shift) +
+                         Channel(at(2 * x + 1, 2 * y + 1), shift)) /
+                        4;
+                    differences += std::abs(mean - Channel(one, shift));
+                }
+                farFromGround += std::abs(Channel(one, 0) - Channel(coarse[0], 0)) > 40 ? 1 : 0;
+            }
+        }
+        constexpr int64_t kSamples = int64_t{kWidth} * kHeight * 3;
+        constexpr int64_t kMostMean = 4; // of 255
+        EXPECT_LT(differences, kMostMean * kSamples) << page.name;
+        EXPECT_GT(farFromGround, 1000) << page.name << " is blank";
+        EXPECT_EQ(Draw(page, kWidth, kHeight), coarse) << page.name << " is drawn anew";
+    }
 }

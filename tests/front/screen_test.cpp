@@ -16,7 +16,7 @@ namespace {
 
 constexpr uint32_t kGreen = 0xFF00FF00;
 
-// What a test screen has seen, which outlives it.
+// What a test screen has seen. It outlives the screen, and so the application that may show it to the end.
 struct SCREEN_LOG {
     bool wantsInput = false;
     bool news = false; // what Update returns
@@ -81,12 +81,12 @@ using ScreenTest = WindowTest;
 } // namespace
 
 TEST_F(ScreenTest, AScreenFillsTheWindowUntilTheGameIsShownAgain) {
+    SCREEN_LOG log;
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     EXPECT_EQ(Middle(application), kRed);
-    SCREEN_LOG log;
     application.Show(std::make_unique<TestScreen>(log));
     ASSERT_TRUE(application.Round());
     EXPECT_EQ(Middle(application), kGreen);
@@ -98,11 +98,11 @@ TEST_F(ScreenTest, AScreenFillsTheWindowUntilTheGameIsShownAgain) {
 }
 
 TEST_F(ScreenTest, OneThatWantsInputGetsItAlone) {
+    SCREEN_LOG log;
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
-    SCREEN_LOG log;
     log.wantsInput = true;
     application.Show(std::make_unique<TestScreen>(log));
     ASSERT_TRUE(application.Round());
@@ -122,9 +122,9 @@ TEST_F(ScreenTest, OneThatWantsInputGetsItAlone) {
 }
 
 TEST_F(ScreenTest, WithoutNewsItIsNotDrawnAgain) {
+    SCREEN_LOG log;
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));
-    SCREEN_LOG log;
     application.Show(std::make_unique<TestScreen>(log));
     ASSERT_TRUE(RunUntil(application, [&] { return log.draws > 0; }));
     for (int round = 0; round < 20; ++round) { // the window's own events are over then
@@ -143,9 +143,9 @@ TEST_F(ScreenTest, WithoutNewsItIsNotDrawnAgain) {
 }
 
 TEST_F(ScreenTest, TheTextLiesOverItWhateverItsProjection) {
+    SCREEN_LOG log;
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));
-    SCREEN_LOG log;
     application.Show(std::make_unique<TestScreen>(log));
     ASSERT_TRUE(application.Round());
     const auto textPixels = [&] {
@@ -161,10 +161,10 @@ TEST_F(ScreenTest, TheTextLiesOverItWhateverItsProjection) {
 }
 
 TEST_F(ScreenTest, ItMayShowTheNextOneItself) {
-    Application application;
-    ASSERT_NO_FATAL_FAILURE(Start(application));
     SCREEN_LOG first;
     SCREEN_LOG second;
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
     first.whileUpdated = [&] { application.Show(std::make_unique<TestScreen>(second)); };
     application.Show(std::make_unique<TestScreen>(first));
     ASSERT_TRUE(application.Round());
@@ -177,6 +177,7 @@ TEST_F(ScreenTest, ItMayShowTheNextOneItself) {
 }
 
 TEST_F(ScreenTest, AfterTheGameScreenNobodyAims) {
+    SCREEN_LOG log;
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame(), {"port1=phaser"}));
@@ -189,19 +190,18 @@ TEST_F(ScreenTest, AfterTheGameScreenNobodyAims) {
     PointAt(320, 240, false);
     ASSERT_TRUE(application.Round());
     EXPECT_NE(aim(), 0u);
-    SCREEN_LOG log;
     application.Show(std::make_unique<TestScreen>(log));
     ASSERT_TRUE(application.Round());
     EXPECT_EQ(aim(), 0u);
 }
 
 TEST_F(ScreenTest, TheMouseIsCapturedWhileAScreenWantsInput) {
+    SCREEN_LOG log;
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));
     if (std::string(SDL_GetCurrentVideoDriver()) == "offscreen") {
         GTEST_SKIP() << "off the screen no mouse can be captured; WindowUnderX runs this";
     }
-    SCREEN_LOG log;
     application.Show(std::make_unique<TestScreen>(log));
     ASSERT_TRUE(application.Round());
     EXPECT_FALSE(SDL_GetRelativeMouseMode());

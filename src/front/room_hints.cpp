@@ -1,7 +1,9 @@
 #include "front/room_hints.h"
 
 #include "gui/manager.h"
+#include "gui/text.h"
 #include "gui/text_box.h"
+#include "gui/theme.h"
 
 #include <algorithm>
 
@@ -10,7 +12,6 @@ namespace {
 // Units.
 constexpr int32_t kHeight = 36;
 constexpr int32_t kFromFoot = 28;
-constexpr int32_t kLetterWidth = 10; // a little more than the mean
 constexpr int32_t kMargins = 48;
 
 } // namespace
@@ -41,7 +42,9 @@ void RoomHints::Show(const std::wstring& wanted) {
 }
 
 void RoomHints::Place() {
-    const int32_t wanted = static_cast<int32_t>(text.size()) * kLetterWidth + kMargins;
+    GhostTextStyle style; // a theme without it has the default font
+    static_cast<void>(CGhostTheme::Get().GetStyle(L"ROOMHINT", style));
+    const int32_t wanted = MeasureText(style.font, text).width + kMargins;
     const int32_t width = std::min(wanted, screenWidth);
     CGhostManager::Get().SetWindowPos(line->window, (screenWidth - width) / 2,
                                       screenHeight - kHeight - kFromFoot, width, kHeight);

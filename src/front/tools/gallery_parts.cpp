@@ -89,11 +89,6 @@ CGhostDropList* GalleryDropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view t
     return list;
 }
 
-void GalleryRow(CGhostSurface& surface, const GhostTextStyle& style, std::wstring_view text,
-                const GUI_RECT& place) {
-    PaintText(surface, style, text, place);
-}
-
 void GalleryIcon(CGhostSurface& surface, const GhostTexture& strip, int32_t index, int32_t x,
                  int32_t y) {
     if (strip.bitmap != nullptr) {

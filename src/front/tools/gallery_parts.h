@@ -51,9 +51,6 @@ class CGhostDropList;
 CGhostDropList* GalleryDropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view text,
                                 const GUI_RECT& place);
 
-// Paints a row of a list or table, a cell of it, as the control would.
-void GalleryRow(CGhostSurface& surface, const GhostTextStyle& style, std::wstring_view text,
-                const GUI_RECT& place);
 // One picture of a strip of square ones.
 void GalleryIcon(CGhostSurface& surface, const GhostTexture& strip, int32_t index, int32_t x,
                  int32_t y);

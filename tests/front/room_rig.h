@@ -44,6 +44,11 @@ inline void MouseButton(uint8_t button, bool down) {
     SDL_PushEvent(&event);
 }
 
+inline void Click(uint8_t button) {
+    MouseButton(button, true);
+    MouseButton(button, false);
+}
+
 inline bool SessionRuns(uint32_t key) {
     return PinSession(key) != nullptr;
 }

@@ -121,8 +121,7 @@ TEST_F(RoomScreenTest, TheLeftButtonDoesAsUseDoes) {
     RoomScreen* const room = Enter(application, {LatchGame()});
     ASSERT_NE(room, nullptr);
     const auto click = [&] {
-        MouseButton(SDL_BUTTON_LEFT, true);
-        MouseButton(SDL_BUTTON_LEFT, false);
+        Click(SDL_BUTTON_LEFT);
         ASSERT_TRUE(application.Round());
     };
     click();
@@ -232,8 +231,7 @@ TEST_F(RoomScreenTest, TheMiddleButtonFreesTheHandsAtASetThatIsOn) {
     RoomScreen* const room = Enter(application, {LatchGame()});
     ASSERT_NE(room, nullptr);
     const auto middle = [&] {
-        MouseButton(SDL_BUTTON_MIDDLE, true);
-        MouseButton(SDL_BUTTON_MIDDLE, false);
+        Click(SDL_BUTTON_MIDDLE);
         ASSERT_TRUE(application.Round());
     };
     middle();

@@ -115,8 +115,8 @@ void ComparePixels(const OutlineWork& work, uint32_t firstRow, uint32_t firstCol
     }
 }
 
-// Of two diagonals that cross, whether one is a thin line and the other the surface behind it. Takes
-// how many of four neighbours match the pixels of each.
+// Whether one of two crossing diagonals is a thin line on a surface of the other's colour. Takes the number of
+// matching pixels among four neighbours, for each diagonal.
 inline uint8_t IsThin(uint8_t kin, uint8_t otherKin) {
     const uint8_t wide = otherKin >= 3 ? 1 : 0;
     const uint8_t wider = otherKin >= Byte(kin + 2) ? 1 : 0;

@@ -13,8 +13,7 @@
 // 30 (which makes the eight directions about equally wide, 43 degrees for a diagonal); a trigger goes
 // down at 50 percent and up again at 40.
 // Thread: main.
-// Failure: without joysticks, or if the library's joystick part fails, there are none; nothing is
-// reported.
+// Failure: if the library's joystick part fails, all places stay empty. Nothing is reported.
 #pragma once
 
 #include "front/pad_names.h"

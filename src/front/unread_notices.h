@@ -9,5 +9,5 @@
 
 // Posts what the last run has kept, and deletes the file.
 void TellUnreadNotices();
-// Keeps the unread faults. Writes no file if there are none.
+// Writes the unread faults to the file. Without any it writes no file.
 void KeepUnreadNotices();

@@ -148,7 +148,7 @@ void CGhostListView::BeginEdit(int32_t row, int32_t column) {
     });
     editor->OnGone.connect([this](CGhostEdit* from) {
         editor = from == editor ? nullptr : editor;
-        // The keyboard on the screen gives the focus back to an editor that has already ended.
+        // The on-screen keyboard returns the focus to the editor, even one that is about to go.
         if (CGhostManager::Get().FocusWindow() == from->window) {
             SetFocus();
         }

@@ -79,8 +79,8 @@ void CGhostManager::KeyDownToFocus(GHOSTGUIKey key, bool repeat) {
     }
 }
 
-// A release goes to the window that got the press and to no other: that of the Return which opened a box
-// would press the box's button, and that of a key which closed one would go to what is behind it.
+// A release goes only to the window that got the press. Otherwise releasing the Return that opened a box would
+// press the box's button, and releasing the key that closed it would reach the window below.
 void CGhostManager::KeyUpToFocus(GHOSTGUIKey key) {
     const auto index = static_cast<size_t>(key);
     if (index < keyState.size()) {

@@ -32,7 +32,7 @@ inline constexpr std::array<uint8_t, 32> kApuLengthTable{
     10, 254, 20, 2,  40, 4,  80, 6,  160, 8,  60, 10, 14, 12, 26, 14,
     12, 16,  24, 18, 48, 20, 96, 22, 192, 24, 72, 26, 16, 28, 32, 30};
 
-// Index: step of the frame sequencer. Cycles before the step. The extra last entry stands in for the first
+// Index: step of the frame sequencer. Cycles before the step. The extra last entry replaces the first
 // when the sequence repeats without a write to 0x4017.
 inline constexpr std::array<uint16_t, 7> kApuFourSteps{7459, 7456, 7458, 7457, 1, 1, 7457};
 inline constexpr std::array<uint16_t, 6> kApuFiveSteps{1, 7458, 7456, 7458, 7456, 7454};

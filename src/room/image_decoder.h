@@ -14,5 +14,5 @@ struct ROOM_IMAGE {
 // The longest side of an image that is decoded.
 inline constexpr uint32_t kLongestImageSide = 4096;
 
-// No image for bytes that are none, or for one that is too large. Any thread.
+// An empty image if the bytes are damaged, of another format, or too large. Any thread.
 [[nodiscard]] ROOM_IMAGE DecodeRoomImage(std::span<const uint8_t> file);

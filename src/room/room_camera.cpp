@@ -107,7 +107,7 @@ void CRoomCamera::Move(const WALK_INPUT& walk, float seconds) {
     position.z = std::clamp(position.z, kWallDistance, kRoomDepth - kWallDistance);
 }
 
-// Downwards there is no limit: who goes on looks through between his legs.
+// Downwards there is no limit: past 90 degrees the view is upside down.
 void CRoomCamera::Look(float dx, float dy, bool slow) {
     const float factor = slow ? kSlowLookFactor : kLookFactor;
     Turn(dx * factor, dy * factor);
@@ -155,7 +155,8 @@ MATRIX4 CRoomCamera::View() const {
             1.0f};
 }
 
-// The inverse of projection and view: the depth gives the distance along the view, and that the two others.
+// Inverts projection and view: first the distance along the view from the depth, then the two other coordinates
+// from that distance.
 VECTOR3 CRoomCamera::Unproject(float x, float y, float depth) const {
     const MATRIX4 projection = Projection();
     const float distance = projection[14] / (2.0f * depth - 1.0f + projection[10]);

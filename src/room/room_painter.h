@@ -68,7 +68,7 @@ public:
     [[nodiscard]] TextureCache& Textures() { return textures; }
     [[nodiscard]] LightProgram& Program() { return program; }
 
-    // Buffers for vertices and indices; 0 if there are none, and arrays in memory must serve.
+    // Buffers for vertices and indices. 0 without buffer support; then draw from arrays in memory.
     [[nodiscard]] uint32_t MakeVertexBuffer(const void* data, size_t bytes);
     [[nodiscard]] uint32_t MakeIndexBuffer(const void* data, size_t bytes);
 
@@ -77,7 +77,7 @@ public:
     // Leaves the fixed pipeline, no buffers and no texture matrix.
     void EndScene();
 
-    // Where what follows stands in the room.
+    // The place in the room of everything drawn from here on.
     void SetTransform(const MATRIX4& model);
     // Whether any of this box, in the current transform, may be seen. Counts the ones that may not.
     [[nodiscard]] bool InView(VECTOR3 low, VECTOR3 high);

@@ -1,0 +1,187 @@
+#include "screens/battle_ground.h"
+
+#include "base/random.h"
+#include "gui/button.h"
+#include "gui/manager.h"
+#include "gui/message_box.h"
+#include "gui/multi_text.h"
+#include "gui/text_box.h"
+#include "gui/window_ex.h"
+#include "screens/credits.h"
+#include "screens/screen_host.h"
+#include "screens/taglines.h"
+
+namespace {
+
+// Units.
+constexpr int32_t kBarHeight = 60;
+constexpr int32_t kLogoSide = 48;
+constexpr int32_t kSmallestWidth = 1280;
+constexpr int32_t kSmallestHeight = 720;
+constexpr int32_t kControlHeight = 25;
+
+constexpr uint32_t kMenuWindow = 32; // of the bar, the logo and the area: they take no drag
+
+constexpr std::array<const wchar_t*, kMenuPanels> kMenu = {L"PLAY GAMES", L"BENCHMARK", L"OPTIONS",
+                                                           L"CREDITS", L"QUIT"};
+
+void Show(GHOSTMANAGER_WINDOW* window, bool visible) {
+    CGhostManager::Get().ShowWindow(window, visible);
+}
+
+std::wstring VersionText() {
+    constexpr int kMajor = 0;
+    constexpr int kMinor = 720;
+    constexpr int kBits = 64;
+    wchar_t text[40];
+    std::swprintf(text, std::size(text), L"v%d.%03d %d-bit  ", kMajor, kMinor, kBits);
+    return text;
+}
+
+} // namespace
+
+CGUIBattleGround::CGUIBattleGround(ScreenHost& program)
+    : host(program) {
+    MakeWindows();
+    PlaceBars();
+    ShowMenu(true);
+    const GUI_RECT whole = CGhostManager::Get().ScreenRect();
+    if (whole.width < kSmallestWidth || whole.height < kSmallestHeight) {
+        CGhostMessageBox::Show(L"Warning",
+                               L"A display of at least 1280 by 720 is needed to show "
+                               L"everything. You can go on, but some of it will be cut.");
+    }
+}
+
+CGUIBattleGround::~CGUIBattleGround() {
+    panel.reset();
+    CGhostManager& manager = CGhostManager::Get();
+    manager.DestroyWindow(version->window);
+    manager.DestroyWindow(topArea->window);
+    manager.DestroyWindow(battleMain->window);
+}
+
+void CGUIBattleGround::MakeWindows() {
+    topArea = new CGhostWindowEx(nullptr, 0, L"TOPAREA", L"", kMenuWindow, {});
+    logo = new CGhostWindowEx(topArea->window, 0, L"OMBRELUNE_LOGO", L"", kMenuWindow,
+                              {false, 16, (kBarHeight - kLogoSide) / 2, kLogoSide, kLogoSide});
+    name = new CGhostTextBox(topArea->window, 0, L"TEXT_TITLE", L"Ombrelune",
+                             {false, 76, 16, 300, 28});
+    version = new CGhostTextBox(nullptr, 0, L"TEXT_RIGHT", VersionText(), {});
+    battleMain = new CGhostWindowEx(nullptr, 0, L"BATTLEMAIN", L"",
+                                    CGhostWindowEx::kFrame | kMenuWindow, {});
+    GHOSTMANAGER_WINDOW* const area = battleMain->window;
+    for (int32_t id = 0; id < kMenuPanels; ++id) {
+        CGhostButton*& button = buttons[static_cast<size_t>(id)];
+        button = new CGhostButton(area, static_cast<uint32_t>(id), L"BUTTON",
+                                  kMenu[static_cast<size_t>(id)], 0, {});
+        signals.Watch(button->OnClick,
+                      [this, id](CGhostButton*, int, int, unsigned) { OnMenu(id); });
+    }
+    back = new CGhostButton(area, 0, L"BUTTON", L"BACK", 0, {});
+    signals.Watch(back->OnClick, [this](CGhostButton*, int, int, unsigned) { endPanel = true; });
+    tagline = new CGhostTextBox(area, 0, L"SECTIONTEXT", L"", {});
+    newsHeader = new CGhostTextBox(area, 0, L"LARGEHEADERTEXT", L"News", {});
+    news = new CGhostMultiText(area, 0, L"WINDOWOVERLAY",
+                               L"Connecting to server to collect news...", {});
+    signals.Watch(battleMain->OnResized,
+                  [this](CGhostWindowEx*, int width, int height) { Layout(width, height); });
+}
+
+void CGUIBattleGround::Update() {
+    const GUI_RECT whole = CGhostManager::Get().ScreenRect();
+    if (whole.width != screen.width || whole.height != screen.height) {
+        PlaceBars();
+    }
+    if (endPanel) {
+        endPanel = false;
+        Back();
+    }
+    if (panel != nullptr) {
+        panel->Update();
+    }
+}
+
+void CGUIBattleGround::PlaceBars() {
+    screen = CGhostManager::Get().ScreenRect();
+    topArea->SetPos(0, 0, screen.width, kBarHeight);
+    version->SetPos(screen.width - 220, 0, 220, kControlHeight);
+    battleMain->SetPos(0, kBarHeight, screen.width, screen.height - kBarHeight);
+}
+
+void CGUIBattleGround::Layout(int32_t width, int32_t height) {
+    mainWindow = {0, 0, width, height};
+    back->SetPos(15, 15, 100, kControlHeight);
+    tagline->SetPos((width - 680) / 2, 0, 680, kControlHeight);
+    int32_t x = (width - 800) / 2;
+    for (CGhostButton* const button : buttons) {
+        button->SetPos(x, 35, 140, kControlHeight);
+        x += 160;
+    }
+    newsHeader->SetPos(390, 70, width - 410, kControlHeight);
+    news->SetPos(390, 95, width - 410, height - 115);
+    if (panel != nullptr) {
+        panel->Layout(width, height);
+    }
+}
+
+void CGUIBattleGround::SetVisible(bool visible) {
+    for (GHOSTMANAGER_WINDOW* const window :
+         {topArea->window, version->window, battleMain->window}) {
+        Show(window, visible);
+    }
+}
+
+void CGUIBattleGround::ShowMenu(bool visible) {
+    for (CGhostButton* const button : buttons) {
+        Show(button->window, visible);
+    }
+    Show(tagline->window, visible);
+    Show(newsHeader->window, visible);
+    Show(news->window, visible);
+    Show(back->window, !visible);
+    if (visible) {
+        NewTagline();
+        buttons[static_cast<size_t>(current == kNoPanel ? kPanelBrowser : current)]->SetFocus();
+    }
+}
+
+void CGUIBattleGround::NewTagline() {
+    SeedRandom(static_cast<uint32_t>(host.Milliseconds()));
+    tagline->SetText(Taglines()[static_cast<size_t>(RandomNumber()) % kTaglines]);
+}
+
+void CGUIBattleGround::OnMenu(int32_t id) {
+    ShowMenu(false);
+    current = id;
+    ShowPanel(id, true);
+}
+
+void CGUIBattleGround::Back() {
+    if (current == kNoPanel) {
+        return;
+    }
+    ShowPanel(current, false);
+    ShowMenu(true);
+    current = kNoPanel;
+}
+
+void CGUIBattleGround::ShowPanel(int32_t id, bool show) {
+    panel.reset();
+    if (!show) {
+        return;
+    }
+    switch (id) {
+    case kPanelCredits: panel = std::make_unique<CGUICredits>(battleMain->window); break;
+    case kPanelQuit: host.Quit(); break;
+    default: break;
+    }
+    if (panel != nullptr) {
+        panel->Layout(mainWindow.width, mainWindow.height);
+        panel->TakeFocus();
+    }
+}
+
+void CGUIBattleGround::SetNews(const std::wstring& text) {
+    news->SetText(text);
+}

@@ -1,0 +1,93 @@
+// CGUIBattleGround: the main menu. It owns the bar at the head of the screen, the area below it, and the panel
+// that the player has chosen.
+//
+//   number  panel
+//   0       the browser
+//   1       the benchmark
+//   2       the options
+//   3       the credits
+//   4       none: the program ends
+// A panel is made when it is chosen and ends with BACK, so each visit begins anew.
+//
+// Units: those of the virtual screen. Sizes follow the screen's with every Update.
+// Thread: main. Order: made after the toolkit has its screen and its theme; Update once a round, before the
+//   toolkit's tick.
+#pragma once
+
+#include "screens/screen_panel.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+class CGhostButton;
+class CGhostMultiText;
+class CGhostTextBox;
+class CGhostWindowEx;
+class ScreenHost;
+
+inline constexpr int32_t kNoPanel = -1;
+enum MenuPanel : int32_t {
+    kPanelBrowser = 0,
+    kPanelBenchmark = 1,
+    kPanelOptions = 2,
+    kPanelCredits = 3,
+    kPanelQuit = 4,
+    kMenuPanels = 5
+};
+
+class CGUIBattleGround {
+public:
+    explicit CGUIBattleGround(ScreenHost& program);
+    ~CGUIBattleGround();
+    CGUIBattleGround(const CGUIBattleGround&) = delete;
+    CGUIBattleGround& operator=(const CGUIBattleGround&) = delete;
+
+    void Update();
+
+    // All of it, when the room or a game has the screen.
+    void SetVisible(bool visible);
+
+    // As a click on the menu button of that number does.
+    void OnMenu(int32_t id);
+    // As BACK does: the panel ends and the menu is there again. Nothing without a panel.
+    void Back();
+
+    void SetNews(const std::wstring& text);
+
+    [[nodiscard]] int32_t CurrentPanel() const { return current; }
+    [[nodiscard]] CGUIPanel* Panel() const { return panel.get(); }
+    [[nodiscard]] CGhostButton* MenuButton(int32_t id) const {
+        return buttons[static_cast<size_t>(id)];
+    }
+    [[nodiscard]] CGhostButton* BackButton() const { return back; }
+    [[nodiscard]] const CGhostTextBox* Tagline() const { return tagline; }
+    [[nodiscard]] CGhostWindowEx* MainWindow() const { return battleMain; }
+
+private:
+    void MakeWindows();
+    void PlaceBars();
+    void Layout(int32_t width, int32_t height);
+    void ShowMenu(bool visible);
+    void ShowPanel(int32_t id, bool show);
+    void NewTagline();
+
+    ScreenHost& host;
+    CGhostWindowEx* topArea = nullptr;
+    CGhostWindowEx* logo = nullptr;
+    CGhostTextBox* name = nullptr;
+    CGhostTextBox* version = nullptr;
+    CGhostWindowEx* battleMain = nullptr;
+    std::array<CGhostButton*, kMenuPanels> buttons{};
+    CGhostButton* back = nullptr;
+    CGhostTextBox* tagline = nullptr;
+    CGhostTextBox* newsHeader = nullptr;
+    CGhostMultiText* news = nullptr;
+    GUI_RECT mainWindow; // the client area of BATTLEMAIN, from (0, 0)
+    GUI_RECT screen;     // that the bars were placed for
+    std::unique_ptr<CGUIPanel> panel;
+    int32_t current = kNoPanel;
+    bool endPanel = false; // with the next Update: BACK is a control of the panel's own screen
+    ScreenSignals signals;
+};

@@ -1,0 +1,101 @@
+// The program's screens without a window: the toolkit's own manager with the program's theme, and a player who
+// clicks on what the captions say.
+#pragma once
+
+#include "front/assets.h"
+#include "gui/button.h"
+#include "gui/font.h"
+#include "gui/manager.h"
+#include "gui/theme.h"
+#include "screens/screen_host.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+class HostRecord : public ScreenHost {
+public:
+    void Quit() override { ++quits; }
+    void GoTo(ScreenPlace place) override { places.push_back(place); }
+    void SettingsChanged() override { ++settingsChanges; }
+    [[nodiscard]] uint64_t Milliseconds() const override { return now; }
+
+    int quits = 0;
+    int settingsChanges = 0;
+    std::vector<ScreenPlace> places;
+    uint64_t now = 1000;
+};
+
+class ScreensTest : public testing::Test {
+protected:
+    void SetUp() override {
+        LoadThemeOnce();
+        Manager().Reset();
+        Manager().SetScreen(1280, 720);
+    }
+    void TearDown() override { Manager().Reset(); }
+
+    static CGhostManager& Manager() { return CGhostManager::Get(); }
+
+    void Tick() { Manager().Tick(16667); }
+
+    // With the left button, in the middle of the window.
+    void Click(const GHOSTMANAGER_WINDOW* window) {
+        GUI_RECT place;
+        ASSERT_TRUE(Manager().GetScreenRect(window, &place));
+        Post([&](GUI_INPUT_RECORD& record) {
+            record.moved = true;
+            record.dx = place.x + place.width / 2 - Manager().CursorX();
+            record.dy = place.y + place.height / 2 - Manager().CursorY();
+        });
+        Post([](GUI_INPUT_RECORD& record) {
+            record.buttonDown = true;
+            record.button = 1;
+        });
+        Post([](GUI_INPUT_RECORD& record) {
+            record.buttonUp = true;
+            record.button = 1;
+        });
+        now += 1000; // two clicks of a test are no double click
+        Tick();
+    }
+    void Click(const CGhostButton* button) { Click(button->window); }
+
+    void PressKey(GHOSTGUIKey key) {
+        Post([&](GUI_INPUT_RECORD& record) {
+            record.keyDown = true;
+            record.key = static_cast<int32_t>(key);
+        });
+        Post([&](GUI_INPUT_RECORD& record) {
+            record.keyUp = true;
+            record.key = static_cast<int32_t>(key);
+        });
+        Tick();
+    }
+
+    HostRecord host;
+
+private:
+    template <typename Fill>
+    void Post(const Fill& fill) {
+        GUI_INPUT_RECORD record;
+        fill(record);
+        Manager().PostInput(record, now);
+    }
+
+    static void LoadThemeOnce() {
+        static const bool loaded = [] {
+            for (const FONT_ASSET& font : BuiltInFonts()) {
+                CGhostFontManager::Get().AddFont(font.name, font.data, 14, 0);
+            }
+            SetThemeImages(BuiltInImages());
+            CGhostTheme::Get().ParseTheme(BuiltInTheme());
+            return true;
+        }();
+        static_cast<void>(loaded);
+    }
+
+    uint64_t now = 1000; // milliseconds
+};

@@ -173,7 +173,7 @@ void CGUIBattleGround::ShowPanel(int32_t id, bool show) {
     }
     switch (id) {
     case kPanelCredits: panel = std::make_unique<CGUICredits>(battleMain->window); break;
-    case kPanelQuit: host.Quit(); break;
+    case kPanelQuit: host.Take(ModeInput::kQuit); break;
     default: break;
     }
     if (panel != nullptr) {

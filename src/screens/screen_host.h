@@ -4,23 +4,16 @@
 // Thread: main, from the toolkit's tick.
 #pragma once
 
-#include <cstdint>
-#include <string>
+#include "screens/program_modes.h"
 
-// Where the player is (program_modes of the program tells how one follows from another).
-enum class ScreenPlace : uint8_t {
-    kMenu,  // the main menu or one of its panels
-    kRoom,  // the room, walking
-    kPlay,  // what the selected set shows fills the window
-};
+#include <cstdint>
 
 class ScreenHost {
 public:
     virtual ~ScreenHost() = default;
 
-    // Ends the program after this round.
-    virtual void Quit() = 0;
-    virtual void GoTo(ScreenPlace place) = 0;
+    // What the player wants, as the table of modes knows it. It is done after the toolkit's tick.
+    virtual void Take(ModeInput input) = 0;
 
     // A settings screen has changed values: those that take effect at once are read again.
     virtual void SettingsChanged() = 0;

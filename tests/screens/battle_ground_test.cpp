@@ -69,7 +69,7 @@ TEST_F(BattleGround, ShowsAPanelInPlaceOfTheMenuAndComesBack) {
 
 TEST_F(BattleGround, QuitsOnceOnQuit) {
     Click(menu->MenuButton(kPanelQuit));
-    EXPECT_EQ(host.quits, 1);
+    EXPECT_EQ(host.taken, std::vector{ModeInput::kQuit});
 }
 
 TEST_F(BattleGround, GreetsWithALineOfTheTableEachTime) {

@@ -17,14 +17,12 @@
 
 class HostRecord : public ScreenHost {
 public:
-    void Quit() override { ++quits; }
-    void GoTo(ScreenPlace place) override { places.push_back(place); }
+    void Take(ModeInput input) override { taken.push_back(input); }
     void SettingsChanged() override { ++settingsChanges; }
     [[nodiscard]] uint64_t Milliseconds() const override { return now; }
 
-    int quits = 0;
     int settingsChanges = 0;
-    std::vector<ScreenPlace> places;
+    std::vector<ModeInput> taken; // in their order
     uint64_t now = 1000;
 };
 

@@ -18,10 +18,20 @@
 class HostRecord : public ScreenHost {
 public:
     void Take(ModeInput input) override { taken.push_back(input); }
+    void StartGame(GAME_TO_START game) override { started.push_back(std::move(game)); }
+    void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool /*cabinet*/) override {
+        coverCount = covers.size();
+        coverKind = kind;
+    }
+    void CoverClick(int button, int32_t /*x*/, int32_t /*y*/) override { coverClicks.push_back(button); }
     void SettingsChanged() override { ++settingsChanges; }
     [[nodiscard]] uint64_t Milliseconds() const override { return now; }
 
     int settingsChanges = 0;
+    std::vector<GAME_TO_START> started;
+    std::vector<int> coverClicks; // buttons
+    size_t coverCount = 0;
+    int coverKind = -1;
     std::vector<ModeInput> taken; // in their order
     uint64_t now = 1000;
 };

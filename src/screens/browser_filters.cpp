@@ -15,8 +15,8 @@ namespace {
 // Units.
 constexpr int32_t kRow = 25;
 constexpr int32_t kListHeight = 240; // of an open list
-constexpr int32_t kMenuWidth = 520;
-constexpr int32_t kMenuHeight = 180;
+constexpr int32_t kMenuWidth = 580; // with its frame
+constexpr int32_t kMenuHeight = 220;
 
 struct PLAY_TYPE {
     const wchar_t* name;
@@ -117,7 +117,7 @@ void BrowserFilters::Layout(int32_t x, int32_t y, int32_t width) {
     menuButton->SetPos(320, 0, 100, kRow);
     count->SetPos(432, 0, inner - 432, kRow);
 
-    menu->SetPos(x + 8, y + kHeight, kMenuWidth, kMenuHeight);
+    menu->SetPos(x + 8, y + kHeight - 8, kMenuWidth, kMenuHeight);
     yearLabel->SetPos(0, 10, 90, kRow);
     year->SetPos(98, 10, 120, kRow);
     groupLabel->SetPos(230, 10, 80, kRow);

@@ -37,6 +37,10 @@ constexpr const wchar_t* kSavesSetting = L"emu_autosaves";
 // The columns of the list.
 enum Column : int32_t { kTitle, kFlag1, kFlag2, kFlag3, kYear, kPath, kKey, kColumns };
 
+// In the list's strip of images.
+constexpr int32_t kKnownMark = 1;
+constexpr int32_t kUnknownMark = 2;
+
 struct SAVES {
     const wchar_t* name;
     int32_t value; // bit 0 load at start, bit 1 save at stop
@@ -228,7 +232,7 @@ void CGUIRomBrowser::FillList() {
     int32_t selected = lines.empty() ? -1 : 0;
     for (const ROW_LINE& line : lines) {
         const int32_t row = list->AddRow();
-        list->SetCell(row, kTitle, std::wstring(line.title));
+        list->SetCell(row, kTitle, std::wstring(line.title), line.row->known ? kKnownMark : kUnknownMark);
         list->Cell(row, kTitle)->colourSet = static_cast<uint8_t>(line.statusColour);
         list->Cell(row, kTitle)->value = static_cast<uint64_t>(line.row - catalogue.Rows().data());
         for (int32_t flag = 0; flag < 3; ++flag) {

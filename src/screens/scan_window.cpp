@@ -90,34 +90,30 @@ bool ScanWindow::Update(Catalogue& catalogue) {
         scanning = true;
         Open();
     }
-    switch (state) {
-    case kScanScanning: ShowProgress(catalogue, converted); return false;
-    case kScanConverting:
-        if (!converted) {
-            converted = true;
-            text->SetText(L"Converting files to GAME format");
-            Layout(true);
-        }
-        ShowProgress(catalogue, true);
+    // A short conversion may be over before anybody has looked.
+    if (state == kScanConverting || state == kScanConverted) {
+        BeginConversion();
+    }
+    ShowProgress(catalogue, converted);
+    if (state != kScanConverted && state != kScanFinished) {
         return false;
-    case kScanConverted:
-        ShowProgress(catalogue, true);
+    }
+    scanning = false;
+    if (converted) {
         barBack->SetVisible(false);
         finish->SetVisible(true);
         finish->SetFocus();
-        scanning = false;
-        return true;
-    default: // kScanFinished
-        if (!converted) {
-            Close();
-        } else {
-            ShowProgress(catalogue, true);
-            barBack->SetVisible(false);
-            finish->SetVisible(true);
-            finish->SetFocus();
-        }
-        scanning = false;
-        return true;
+    } else {
+        Close();
+    }
+    return true;
+}
+
+void ScanWindow::BeginConversion() {
+    if (!converted) {
+        converted = true;
+        text->SetText(L"Converting files to GAME format");
+        Layout(true);
     }
 }
 

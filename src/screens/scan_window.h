@@ -41,6 +41,7 @@ private:
     void Open();
     void Close();
     void Layout(bool withLog);
+    void BeginConversion();
     void ShowProgress(Catalogue& catalogue, bool converting);
 
     CGhostWindowEx* window;

@@ -59,6 +59,7 @@ TEST_F(BattleGround, ShowsAPanelInPlaceOfTheMenuAndComesBack) {
     ASSERT_NE(menu->Panel(), nullptr);
     EXPECT_TRUE(menu->BackButton()->IsVisible());
     EXPECT_FALSE(menu->MenuButton(kPanelBrowser)->IsVisible());
+    EXPECT_EQ(host.taken, std::vector{ModeInput::kOpenPanel});
     Click(menu->BackButton());
     Round();
     EXPECT_EQ(menu->Panel(), nullptr);
@@ -69,7 +70,7 @@ TEST_F(BattleGround, ShowsAPanelInPlaceOfTheMenuAndComesBack) {
 
 TEST_F(BattleGround, QuitsOnceOnQuit) {
     Click(menu->MenuButton(kPanelQuit));
-    EXPECT_EQ(host.taken, std::vector{ModeInput::kQuit});
+    EXPECT_EQ(host.taken, std::vector{ModeInput::kQuit}) << "once";
 }
 
 TEST_F(BattleGround, GreetsWithALineOfTheTableEachTime) {

@@ -19,12 +19,14 @@ struct DIRECTION {
     uint64_t controls;
     GUI_DIRECTION direction;
 };
-constexpr std::array<DIRECTION, 4> kDirections = {{
-    {Bit(kPadDpadUp) | Bit(kPadStickUp), GUI_DIRECTION::kUp},
-    {Bit(kPadDpadDown) | Bit(kPadStickDown), GUI_DIRECTION::kDown},
-    {Bit(kPadDpadLeft) | Bit(kPadStickLeft), GUI_DIRECTION::kLeft},
-    {Bit(kPadDpadRight) | Bit(kPadStickRight), GUI_DIRECTION::kRight},
-}};
+constexpr std::array<DIRECTION, 4> kDirections = {
+    {
+     {Bit(kPadDpadUp) | Bit(kPadStickUp), GUI_DIRECTION::kUp},
+     {Bit(kPadDpadDown) | Bit(kPadStickDown), GUI_DIRECTION::kDown},
+     {Bit(kPadDpadLeft) | Bit(kPadStickLeft), GUI_DIRECTION::kLeft},
+     {Bit(kPadDpadRight) | Bit(kPadStickRight), GUI_DIRECTION::kRight},
+     }
+};
 
 // The controls of all players as if they were one's.
 uint64_t Controls(InputLooker& looker) {

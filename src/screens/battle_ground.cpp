@@ -81,10 +81,8 @@ void CGUIBattleGround::MakeWindows() {
                       [this, id](CGhostButton*, int, int, unsigned) { OnMenu(id); });
     }
     back = new CGhostButton(area, 0, L"BUTTON", L"BACK", 0, {});
-    signals.Watch(back->OnClick, [this](CGhostButton*, int, int, unsigned) {
-        endPanel = true;
-        host.Take(ModeInput::kBack);
-    });
+    signals.Watch(back->OnClick,
+                  [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kBack); });
     tagline = new CGhostTextBox(area, 0, L"SECTIONTEXT", L"", {});
     newsHeader = new CGhostTextBox(area, 0, L"LARGEHEADERTEXT", L"News", {});
     news = new CGhostMultiText(area, 0, L"WINDOWOVERLAY",
@@ -97,10 +95,6 @@ void CGUIBattleGround::Update() {
     const GUI_RECT whole = CGhostManager::Get().ScreenRect();
     if (whole.width != screen.width || whole.height != screen.height) {
         PlaceBars();
-    }
-    if (endPanel) {
-        endPanel = false;
-        Back();
     }
     if (panel != nullptr) {
         panel->Update();
@@ -212,6 +206,13 @@ void CGUIBattleGround::ShowBrowser(bool show) {
     if (show) {
         browser->TakeFocus();
     }
+}
+
+bool CGUIBattleGround::TakeBack() {
+    if (panel != nullptr) {
+        return panel->TakeBack();
+    }
+    return browser != nullptr && browser->IsActive() && browser->TakeBack();
 }
 
 void CGUIBattleGround::SetNews(const std::wstring& text) {

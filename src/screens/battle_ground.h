@@ -53,14 +53,20 @@ public:
 
     // As a click on the menu button of that number does.
     void OnMenu(int32_t id);
-    // As BACK does: the panel ends and the menu is there again. Nothing without a panel.
+    // The panel ends and the menu is there again: what the program does after BACK. Nothing without a panel.
     void Back();
+
+    // What the player wants to leave may have something open of its own, such as the browser's filters; then that
+    // is closed, and the result is true.
+    [[nodiscard]] bool TakeBack();
 
     void SetNews(const std::wstring& text);
 
     [[nodiscard]] int32_t CurrentPanel() const { return current; }
     [[nodiscard]] CGUIPanel* Panel() const { return panel.get(); } // not the browser
-    [[nodiscard]] CGUIRomBrowser* Browser() const { return browser.get(); } // null before its first visit
+    [[nodiscard]] CGUIRomBrowser* Browser() const {
+        return browser.get();
+    } // null before its first visit
     [[nodiscard]] CGhostButton* MenuButton(int32_t id) const {
         return buttons[static_cast<size_t>(id)];
     }
@@ -93,6 +99,5 @@ private:
     std::unique_ptr<CGUIPanel> panel;
     std::unique_ptr<CGUIRomBrowser> browser;
     int32_t current = kNoPanel;
-    bool endPanel = false; // with the next Update: BACK is a control of the panel's own screen
     ScreenSignals signals;
 };

@@ -15,7 +15,7 @@ namespace {
 // Units.
 constexpr int32_t kRow = 25;
 constexpr int32_t kListHeight = 240; // of an open list
-constexpr int32_t kMenuWidth = 580; // with its frame
+constexpr int32_t kMenuWidth = 580;  // with its frame
 constexpr int32_t kMenuHeight = 220;
 
 struct PLAY_TYPE {
@@ -51,7 +51,8 @@ BrowserFilters::BrowserFilters(GHOSTMANAGER_WINDOW* parent, std::function<void()
                                CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {}))
     , nameLabel(Label(strip->window, L"NAME: "))
     , name(new CGhostEdit(strip->window, 0, L"EDIT", L"", 0, {}))
-    , menuButton(new CGhostButton(strip->window, 0, L"BUTTON", L"Filters", CGhostButton::kLatches, {}))
+    , menuButton(
+          new CGhostButton(strip->window, 0, L"BUTTON", L"Filters", CGhostButton::kLatches, {}))
     , count(new CGhostTextBox(strip->window, 0, L"TEXT_RIGHT", L"", {}))
     , menu(new CGhostWindowEx(parent, 0, L"GAMELISTOPTIONS_MENUBG", L"",
                               CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {})) {
@@ -80,7 +81,9 @@ CGhostTextBox* BrowserFilters::Label(GHOSTMANAGER_WINDOW* parent, const wchar_t*
 
 void BrowserFilters::MakeMenu() {
     GHOSTMANAGER_WINDOW* const within = menu->window;
-    const auto list = [&] { return new CGhostDropList(within, 0, L"DROPLIST", L"", kListHeight, {}); };
+    const auto list = [&] {
+        return new CGhostDropList(within, 0, L"DROPLIST", L"", kListHeight, {});
+    };
     yearLabel = Label(within, L"YEAR: ");
     year = new CGhostEdit(within, 0, L"EDIT", L"", 0, {});
     year->SetToolTip(L"A year, such as 1989, or years from and to, such as 1987-1990.");
@@ -93,7 +96,8 @@ void BrowserFilters::MakeMenu() {
     group = list();
     group->AddItem(L"by GAME");
     group->AddItem(L"NONE");
-    group->SetToolTip(L"One line for each game, or one for each title that it has in some country.");
+    group->SetToolTip(
+        L"One line for each game, or one for each title that it has in some country.");
     regionMode = list();
     regionMode->AddItem(L"Released in");
     regionMode->AddItem(L"Only Released in");
@@ -157,8 +161,8 @@ bool BrowserFilters::MenuFilters() const {
     ROW_CHOICES choices = Choices();
     choices.name.clear();
     const ROW_CHOICES none;
-    return choices.year != none.year || choices.playTypes != none.playTypes || choices.regions != none.regions ||
-           choices.regionMode != none.regionMode;
+    return choices.year != none.year || choices.playTypes != none.playTypes ||
+           choices.regions != none.regions || choices.regionMode != none.regionMode;
 }
 
 ROW_CHOICES BrowserFilters::Choices() const {

@@ -15,11 +15,11 @@ namespace {
 constexpr int32_t kTabHeight = 28;
 constexpr int32_t kShotsHeight = kShotHeight + 16;
 constexpr int32_t kGap = 8;
-constexpr int32_t kStep = 28;   // width of the arrows beside the screenshots
+constexpr int32_t kStep = 28; // width of the arrows beside the screenshots
 constexpr int32_t kButtonWidth = 170;
 
-constexpr std::array<const wchar_t*, kContentTabs> kTabs = {L"COVERS", L"REVIEWS", L"HINTS", L"TRIVIA",
-                                                            L"METAINFO"};
+constexpr std::array<const wchar_t*, kContentTabs> kTabs = {L"COVERS", L"REVIEWS", L"HINTS",
+                                                            L"TRIVIA", L"METAINFO"};
 
 } // namespace
 
@@ -33,14 +33,16 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     , content(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Content Available", 0, {})) {
     for (size_t i = 0; i < kContentTabs; ++i) {
         tabs[i] = new CGhostButton(parent, 0, L"BUTTON3", kTabs[i], 0, {});
-        signals.Watch(tabs[i]->OnClick,
-                      [this, i](CGhostButton*, int, int, unsigned) { ShowTab(static_cast<ContentTab>(i)); });
+        signals.Watch(tabs[i]->OnClick, [this, i](CGhostButton*, int, int, unsigned) {
+            ShowTab(static_cast<ContentTab>(i));
+        });
     }
     for (CGhostMultiText*& text : texts) {
         text = new CGhostMultiText(parent, 0, L"WINDOWOVERLAY", L"", {});
     }
     for (CGhostWindowEx*& window : shotWindows) {
-        window = new CGhostWindowEx(shotsBack->window, 0, L"SSHOT", L"", CGhostWindowEx::kNoSignals, {});
+        window =
+            new CGhostWindowEx(shotsBack->window, 0, L"SSHOT", L"", CGhostWindowEx::kNoSignals, {});
     }
     shotsLeft->SetToolTip(L"The screenshots before");
     shotsRight->SetToolTip(L"More screenshots");
@@ -52,7 +54,8 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
                   [this](CGhostWindowEx*, int, int, bool up) { StepShots(up ? -1 : 1); });
     signals.Watch(shotsLeft->OnClick, [this](CGhostButton*, int, int, unsigned) { StepShots(-1); });
     signals.Watch(shotsRight->OnClick, [this](CGhostButton*, int, int, unsigned) { StepShots(1); });
-    signals.Watch(content->OnClick, [this](CGhostButton*, int, int, unsigned) { events.download(); });
+    signals.Watch(content->OnClick,
+                  [this](CGhostButton*, int, int, unsigned) { events.download(); });
     ShowTab(ContentTab::kCovers);
 }
 

@@ -21,8 +21,9 @@ enum class ContentTab : uint8_t { kCovers, kReviews, kHints, kTrivia, kMetaInfo 
 inline constexpr size_t kContentTabs = 5;
 
 struct CONTENT_EVENTS {
-    std::function<void()> download;                              // `Content Available` was clicked
-    std::function<void(int button, int32_t x, int32_t y)> cover; // a click in 3DBOX, units of its client area
+    std::function<void()> download; // `Content Available` was clicked
+    std::function<void(int button, int32_t x, int32_t y)>
+        cover; // a click in 3DBOX, units of its client area
 };
 
 class ContentArea {
@@ -43,7 +44,9 @@ public:
     void OfferContent(bool offer); // the button `Content Available`
 
     [[nodiscard]] ContentTab Tab() const { return shown; }
-    [[nodiscard]] CGhostButton* TabButton(ContentTab tab) const { return tabs[static_cast<size_t>(tab)]; }
+    [[nodiscard]] CGhostButton* TabButton(ContentTab tab) const {
+        return tabs[static_cast<size_t>(tab)];
+    }
     [[nodiscard]] CGhostButton* ContentButton() const { return content; }
     [[nodiscard]] CGhostMultiText* Text(ContentTab tab) const; // null for COVERS
     [[nodiscard]] CGhostWindowEx* Box() const { return box; }

@@ -37,6 +37,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kBrowser,    Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
 
     {Mode::kWalking,    Input::kUse,           Guard::kSelected,        Mode::kBrowser,    Order::kChooseGame},
+    {Mode::kWalking,    Input::kShowSet,       Guard::kSelected,        Mode::kFullScreen, Order::kNothing},
     {Mode::kWalking,    Input::kLeave,         Guard::kAlways,          Mode::kStanding,   Order::kNothing},
     {Mode::kWalking,    Input::kMiddleButton,  Guard::kSelectedOn,      Mode::kStanding,   Order::kNothing},
     {Mode::kWalking,    Input::kTurnOff,       Guard::kSelectedAndFullScreen, Mode::kBrowser, Order::kStopGame},

@@ -28,6 +28,7 @@ enum class ModeInput : uint8_t {
     kGameRoom,     // the browser's button GAME ROOM
     kGameStarted,  // a game runs that was chosen in the browser
     kUse,          // the action Use, and the left mouse button, while walking
+    kShowSet,      // the same where a room's games are given from outside and no browser chooses them
     kLeave,        // escape and a controller's guide button, in the room and full screen
     kMiddleButton, // the middle mouse button, in the room and full screen
     kTurnOff,      // the action Turn Off, while walking
@@ -86,11 +87,13 @@ public:
     [[nodiscard]] ProgramMode Mode() const { return mode; }
     // Where menu or browser were opened from: walking, standing or full screen; the menu if from there.
     [[nodiscard]] ProgramMode Before() const { return before; }
-    [[nodiscard]] bool InRoom() const {
-        return mode == ProgramMode::kWalking || mode == ProgramMode::kStanding;
-    }
     // Whether screens of the interface cover the window.
     [[nodiscard]] bool Covered() const { return mode <= ProgramMode::kBrowser; }
+    [[nodiscard]] bool Walking() const { return mode == ProgramMode::kWalking; }
+    // Whether the room is shown, or would be if nothing covered it.
+    [[nodiscard]] bool RoomVisible() const {
+        return (Covered() ? before : mode) != ProgramMode::kFullScreen;
+    }
 
 private:
     [[nodiscard]] bool Holds(ModeGuard guard, const MODE_FACTS& facts) const;

@@ -361,3 +361,12 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
 void CGUIRomBrowser::TakeFocus() {
     list->SetFocus();
 }
+
+bool CGUIRomBrowser::TakeBack() {
+    if (!filters.Menu()->IsVisible()) {
+        return false;
+    }
+    filters.CloseMenu();
+    list->SetFocus();
+    return true;
+}

@@ -40,6 +40,7 @@ public:
     void Layout(int32_t width, int32_t height) override;
     void Update() override;
     void TakeFocus() override;
+    [[nodiscard]] bool TakeBack() override; // the filters
 
     // As the button START GAME.
     void StartSelected();

@@ -61,6 +61,8 @@ TEST_F(BattleGround, ShowsAPanelInPlaceOfTheMenuAndComesBack) {
     EXPECT_FALSE(menu->MenuButton(kPanelBrowser)->IsVisible());
     EXPECT_EQ(host.taken, std::vector{ModeInput::kOpenPanel});
     Click(menu->BackButton());
+    EXPECT_EQ(host.taken.back(), ModeInput::kBack);
+    menu->Back();
     Round();
     EXPECT_EQ(menu->Panel(), nullptr);
     EXPECT_EQ(menu->CurrentPanel(), kNoPanel);
@@ -79,7 +81,7 @@ TEST_F(BattleGround, GreetsWithALineOfTheTableEachTime) {
         host.now += 977;
         Click(menu->MenuButton(kPanelCredits));
         Round();
-        Click(menu->BackButton());
+        menu->Back();
         Round();
         seen.insert(menu->Tagline()->Text());
     }

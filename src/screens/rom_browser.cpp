@@ -88,6 +88,11 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     , mainMenu(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"MAIN MENU", 0, {})))
     , savesLabel(Own(new CGhostTextBox(parentWindow, 0, L"TEXT_RIGHT", L"SAVES: ", {})))
     , saves(Own(new CGhostDropList(parentWindow, 0, L"DROPLIST", L"", kListHeight, {})))
+    , scan([this] {
+        if (active) {
+            list->SetFocus();
+        }
+    })
     , catalogue(Hooks(), Settings().GetInt(kSystemSetting)) {
     MakeList();
     start->SetToolTip(L"Start the game");

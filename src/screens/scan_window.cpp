@@ -21,8 +21,9 @@ constexpr const wchar_t* kCounterTexts[] = {L"Good Conversions: ", L"Auto Conver
 
 } // namespace
 
-ScanWindow::ScanWindow()
-    : window(new CGhostWindowEx(nullptr, 0, L"PLEASEWAITBG", L"",
+ScanWindow::ScanWindow(std::function<void()> whenClosed)
+    : closed(std::move(whenClosed))
+    , window(new CGhostWindowEx(nullptr, 0, L"PLEASEWAITBG", L"",
                                 CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {}))
     , text(new CGhostTextBox(window->window, 0, L"PLEASEWAITTEXT", L"Loading...", {}))
     , barBack(new CGhostWindowEx(window->window, 0, L"PLEASEWAITPROGESSBG", L"", CGhostWindowEx::kNoSignals, {}))
@@ -62,6 +63,7 @@ void ScanWindow::Open() {
 
 void ScanWindow::Close() {
     window->SetVisible(false);
+    closed();
 }
 
 void ScanWindow::Layout(bool withLog) {

@@ -86,6 +86,7 @@ TEST_F(RomBrowser, ListsTheGamesOfTheFolderAndTellsWhatWasConverted) {
     KeepPicture("scan");
     Click(browser->Scan().Finish());
     EXPECT_FALSE(browser->Scan().IsShown());
+    EXPECT_EQ(Manager().FocusWindow(), browser->List()->window);
     KeepPicture("browser");
 }
 

@@ -1,13 +1,12 @@
 #include "library/folder_lock.h"
-
 #include "library/game_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <csignal>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <csignal>
 
 namespace fs = std::filesystem;
 
@@ -51,7 +50,9 @@ public:
         dead = process > 0 ? process : dead;
         process = 0;
     }
-    [[nodiscard]] std::string Number() const { return std::to_string(process > 0 ? process : dead); }
+    [[nodiscard]] std::string Number() const {
+        return std::to_string(process > 0 ? process : dead);
+    }
 
 private:
     pid_t process = 0;

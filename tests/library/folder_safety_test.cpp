@@ -3,14 +3,14 @@
 #include "library/folder_lock.h"
 #include "library/game_folder.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <csignal>
-#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <csignal>
 
 namespace fs = std::filesystem;
 
@@ -82,15 +82,19 @@ void WriteSparse(const fs::path& path, uint64_t size) {
 
 TEST(FolderSafety, ZipWithAnEntryInNoGameStays) {
     const Bytes known = Noise(1, 3000);
-    GameFolder folder(kSms, EntryOf(kSms, "known", {{"x", known}}));
+    GameFolder folder(kSms, EntryOf(kSms, "known",
+                                    {
+                                        {"x", known}
+    }));
     const Bytes zip = ZipOf({
-        {"known.sms",  known          },
+        {"known.sms",  known           },
         {"manual.txt", Text("a manual")}
     });
     folder.Write("set.zip", zip);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
-    EXPECT_THAT(folder.log, ElementsAre("Converted known.game", "Kept: " + folder.At("set.zip") +
-                                                                    ": manual.txt is in no game file"));
+    EXPECT_THAT(folder.log,
+                ElementsAre("Converted known.game",
+                            "Kept: " + folder.At("set.zip") + ": manual.txt is in no game file"));
     EXPECT_EQ(folder.Read("set.zip"), zip);
     // As it is older than the game, the next conversion does not make another one.
     fs::last_write_time(folder.Path() / "set.zip",
@@ -102,10 +106,13 @@ TEST(FolderSafety, ZipWithAnEntryInNoGameStays) {
 
 TEST(FolderSafety, ZipWithADamagedEntryStays) {
     const Bytes known = Noise(1, 3000);
-    GameFolder folder(kSms, EntryOf(kSms, "known", {{"x", known}}));
+    GameFolder folder(kSms, EntryOf(kSms, "known",
+                                    {
+                                        {"x", known}
+    }));
     Bytes zip = ZipOf({
-        {"known.sms",   known         },
-        {"damaged.sms", Noise(2, 3000)}
+        {"known.sms", known},
+        { "damaged.sms",    Noise(2, 3000)}
     });
     zip[3000 + 1500] ^= 1; // in the second entry's data
     folder.Write("set.zip", zip);
@@ -118,10 +125,13 @@ TEST(FolderSafety, ZipWithADamagedEntryStays) {
 TEST(FolderSafety, UnknownImageBesideAKnownOneIsNotLostWithItsZip) {
     const Bytes known = Noise(1, 3000);
     for (const bool knownIsLast : {true, false}) {
-        GameFolder folder(kSms, EntryOf(kSms, "known", {{"x", known}}));
+        GameFolder folder(kSms, EntryOf(kSms, "known",
+                                        {
+                                            {"x", known}
+        }));
         std::vector<NAMED_BYTES> entries = {
             {"unknown.sms", Noise(2, 3000)},
-            {"known.sms",   known         }
+            {"known.sms",             known         }
         };
         if (!knownIsLast) {
             std::swap(entries[0], entries[1]);
@@ -139,8 +149,11 @@ TEST(FolderSafety, UnknownImageBesideAKnownOneIsNotLostWithItsZip) {
 TEST(FolderSafety, ZipOfKnownGamesAloneGoes) {
     const Bytes one = Noise(1, 3000);
     const Bytes two = Noise(2, 3000);
-    GameFolder folder(kSms,
-                      EntryOf(kSms, "one", {{"x", one}}) + EntryOf(kSms, "two", {{"x", two}}));
+    GameFolder folder(kSms, EntryOf(kSms, "one",
+                                    {
+                                        {"x", one}
+    }) +
+                                EntryOf(kSms, "two", {{"x", two}}));
     folder.Write("set.zip", ZipOf({
                                 {"folder/one.sms", one},
                                 {"folder/two.sms", two}
@@ -152,10 +165,13 @@ TEST(FolderSafety, ZipOfKnownGamesAloneGoes) {
 
 TEST(FolderSafety, ArcadeZipWithAPieceThatNoEntryWantsStays) {
     const Bytes piece = Noise(1, 3000);
-    GameFolder folder(kArcade, EntryOf(kArcade, "board", {{"x", piece}}));
+    GameFolder folder(kArcade, EntryOf(kArcade, "board",
+                                       {
+                                           {"x", piece}
+    }));
     const Bytes zip = ZipOf({
-        {"wanted.ic1", piece         },
-        {"other.ic2",  Noise(2, 3000)}
+        {"wanted.ic1", piece},
+        { "other.ic2",     Noise(2, 3000)}
     });
     folder.Write("set.zip", zip);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
@@ -165,7 +181,10 @@ TEST(FolderSafety, ArcadeZipWithAPieceThatNoEntryWantsStays) {
 
 TEST(FolderSafety, FullDiskLosesNoSource) {
     const Bytes known = Noise(1, 3000);
-    GameFolder folder(kNes, EntryOf(kNes, "known", {{"x", known}}));
+    GameFolder folder(kNes, EntryOf(kNes, "known",
+                                    {
+                                        {"x", known}
+    }));
     folder.Write("k.nes", known);
     folder.Write("u.nes", Noise(2, 3000));
     folder.Write("small.nes", Bytes(100, 1)); // packs to less than the limit
@@ -317,7 +336,10 @@ TEST(FolderSafety, CopierHeaderAloneStays) {
 
 TEST(FolderSafety, FolderThatDisappearsEndsInErrors) {
     const Bytes known = Noise(1, 1000);
-    GameFolder folder(kNes, EntryOf(kNes, "known", {{"x", known}}));
+    GameFolder folder(kNes, EntryOf(kNes, "known",
+                                    {
+                                        {"x", known}
+    }));
     folder.Write("inner/k.nes", known);
     folder.Write("inner/a.nes", Noise(2, 1000));
     folder.Write("inner/b.nes", Noise(3, 1000));
@@ -351,7 +373,10 @@ TEST(FolderSafety, FolderThatDisappearsEndsInErrors) {
 
 TEST(FolderSafety, SourceThatChangedMeanwhileStays) {
     const Bytes known = Noise(1, 1000);
-    GameFolder folder(kNes, EntryOf(kNes, "known", {{"x", known}}));
+    GameFolder folder(kNes, EntryOf(kNes, "known",
+                                    {
+                                        {"x", known}
+    }));
     folder.Write("k.nes", known);
     folder.onReport = [&] {
         if (folder.log.back() == "Converted known.game") {
@@ -359,15 +384,18 @@ TEST(FolderSafety, SourceThatChangedMeanwhileStays) {
         }
     };
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
-    EXPECT_THAT(folder.log, ElementsAre("Converted known.game",
-                                        "Kept: " + folder.At("k.nes") +
-                                            ": has changed since it was read"));
+    EXPECT_THAT(folder.log,
+                ElementsAre("Converted known.game",
+                            "Kept: " + folder.At("k.nes") + ": has changed since it was read"));
     EXPECT_EQ(folder.Read("k.nes"), known + Text("grown"));
 }
 
 TEST(FolderSafety, SourceThatCannotBeDeletedIsAnError) {
     const Bytes known = Noise(1, 1000);
-    GameFolder folder(kNes, EntryOf(kNes, "known", {{"x", known}}));
+    GameFolder folder(kNes, EntryOf(kNes, "known",
+                                    {
+                                        {"x", known}
+    }));
     folder.Write("k.nes", known);
     {
         const OrdinaryUser user(folder.Path());

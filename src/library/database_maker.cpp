@@ -374,7 +374,7 @@ CGameFile Maker::ConsoleEntry(std::span<const size_t> group) {
 CGameFile Maker::ArcadeEntry(const LISTED_GAME& listed) {
     CGameFile entry;
     entry.Create(true, sources.system);
-    entry.SetGadaText(listed.game->name);
+    entry.SetGadaText(FileKey(listed.game->name, sizeof(GADA_RECORD::text)));
     std::vector<uint32_t> pieces;
     for (size_t i = 0; i < listed.images.size(); ++i) {
         const LOGIQX_ROM& rom = listed.game->roms[i];

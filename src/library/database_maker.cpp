@@ -283,8 +283,8 @@ std::vector<std::vector<size_t>> Maker::Groups() const {
     }
     std::vector<std::vector<size_t>> list;
     for (auto& [leader, group] : groups) {
-        std::ranges::stable_partition(group,
-                                      [&](size_t i) { return games[i].game->cloneOf.empty(); });
+        std::stable_partition(group.begin(), group.end(),
+                              [&](size_t i) { return games[i].game->cloneOf.empty(); });
         list.push_back(std::move(group));
     }
     return list;

@@ -25,13 +25,14 @@ public:
     [[nodiscard]] std::string Title() const;
 
 private:
+    // Copies the record here, which must end before `end`.
     template <typename Record>
-    bool Take(Record& record, const char* tag, std::string& reason);
+    bool Take(Record& record, size_t end, std::string& reason);
     bool TakeRecord(size_t end, std::string& reason);
     bool TakeMachineRecord(size_t end, std::string& reason);
     bool CheckHash(size_t headerAt, std::string& reason);
     bool CheckSums(size_t headerAt, std::string& reason);
-    bool Fits(size_t size, size_t end, const std::string& tag, std::string& reason) const;
+    bool Fits(size_t size, size_t end, std::string& reason) const;
     [[nodiscard]] std::string TagHere() const;
 
     std::span<const uint8_t> bytes;
@@ -65,20 +66,20 @@ std::string EntryReader::TagHere() const {
     return {tag.begin(), tag.end()};
 }
 
-bool EntryReader::Fits(size_t size, size_t end, const std::string& tag, std::string& reason) const {
+bool EntryReader::Fits(size_t size, size_t end, std::string& reason) const {
     if (size > bytes.size() - at) {
-        return Fail(reason, "the file ends within the record " + tag);
+        return Fail(reason, "the file ends within the record " + TagHere());
     }
     if (size > end - at) {
         return Fail(reason,
-                    "the record " + tag + " reaches beyond the size that the header states");
+                    "the record " + TagHere() + " reaches beyond the size that the header states");
     }
     return true;
 }
 
 template <typename Record>
-bool EntryReader::Take(Record& record, const char* tag, std::string& reason) {
-    if (!Fits(sizeof record, bytes.size(), tag, reason)) {
+bool EntryReader::Take(Record& record, size_t end, std::string& reason) {
+    if (!Fits(sizeof record, end, reason)) {
         return false;
     }
     std::memcpy(&record, bytes.data() + at, sizeof record);
@@ -93,9 +94,8 @@ uint32_t MachineRecordSize(uint16_t system) {
 }
 
 bool EntryReader::TakeMachineRecord(size_t end, std::string& reason) {
-    const std::string tag = TagHere();
-    const size_t size = tag == "GDF0" ? kTagBytes : MachineRecordSize(header.system);
-    if (!Fits(size, end, tag, reason)) {
+    const size_t size = TagHere() == "GDF0" ? kTagBytes : MachineRecordSize(header.system);
+    if (!Fits(size, end, reason)) {
         return false;
     }
     at += size;
@@ -110,12 +110,10 @@ bool EntryReader::TakeRecord(size_t end, std::string& reason) {
     }
     if (tag == "NAME") {
         nameOffsets.push_back(at);
-        return Fits(sizeof(NAME_RECORD), end, tag, reason) &&
-               Take(names.emplace_back(), "NAME", reason);
+        return Take(names.emplace_back(), end, reason);
     }
     if (tag == "ROM0") {
-        return Fits(sizeof(ROM_RECORD), end, tag, reason) &&
-               Take(roms.emplace_back(), "ROM0", reason);
+        return Take(roms.emplace_back(), end, reason);
     }
     if (tag == "SMS0" || tag == "GAG0" || tag == "GDF0" || tag == "ARC0") {
         return TakeMachineRecord(end, reason);
@@ -179,7 +177,7 @@ bool EntryReader::CheckSums(size_t headerAt, std::string& reason) {
 bool EntryReader::Read(std::string& reason) {
     if (TagHere() == "GADA") {
         GADA_RECORD gada{};
-        if (!Take(gada, "GADA", reason)) {
+        if (!Take(gada, bytes.size(), reason)) {
             return false;
         }
     }
@@ -187,7 +185,7 @@ bool EntryReader::Read(std::string& reason) {
         return Fail(reason, "no entry begins here");
     }
     const size_t headerAt = at;
-    if (!Take(header, "GAME", reason)) {
+    if (!Take(header, bytes.size(), reason)) {
         return false;
     }
     if (FindMachineFacts(header.system) == nullptr) {

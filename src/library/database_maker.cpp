@@ -87,8 +87,8 @@ private:
     void FindAllImages();
     std::vector<const LOGIQX_ROM*> RomsOf(const LOGIQX_GAME& game);
     std::vector<std::vector<size_t>> Groups() const;
-    CGameFile ConsoleEntry(std::span<const size_t> group);
-    CGameFile ArcadeEntry(const LISTED_GAME& listed);
+    CGameFile MakeConsoleEntry(std::span<const size_t> group);
+    CGameFile MakeArcadeEntry(const LISTED_GAME& listed);
     void AddName(CGameFile& entry, const LISTED_GAME& listed, const TITLE& title,
                  const std::string& key, std::span<const uint32_t> pieces);
     void NoteDeadRules();
@@ -216,8 +216,9 @@ public:
         std::iota(leader.begin(), leader.end(), 0);
     }
 
-    [[nodiscard]] size_t LeaderOf(size_t index) const {
+    [[nodiscard]] size_t LeaderOf(size_t index) {
         while (leader[index] != index) {
+            leader[index] = leader[leader[index]]; // shorter for the next one
             index = leader[index];
         }
         return index;
@@ -248,27 +249,30 @@ void JoinEqual(Joined& joined, size_t count, Key key) {
     }
 }
 
+// Clones and their parents. Those of a parent that the list lacks belong together too.
+void JoinClones(Joined& joined, std::span<const LISTED_GAME> games) {
+    JoinEqual(joined, games.size(), [&](size_t i) {
+        const LOGIQX_GAME& game = *games[i].game;
+        return game.cloneOf.empty() ? game.name : game.cloneOf;
+    });
+    // A clone may be a parent itself.
+    std::map<std::string, size_t> byName;
+    for (size_t i = 0; i < games.size(); ++i) {
+        byName.emplace(games[i].game->name, i);
+    }
+    for (size_t i = 0; i < games.size(); ++i) {
+        if (const auto parent = byName.find(games[i].game->cloneOf); parent != byName.end()) {
+            joined.Join(i, parent->second);
+        }
+    }
+}
+
 // The groups in the order of the list, each with its parent first.
 std::vector<std::vector<size_t>> Maker::Groups() const {
     Joined joined(games.size());
-    const bool hasParents = std::ranges::any_of(
-        games, [](const LISTED_GAME& listed) { return !listed.game->cloneOf.empty(); });
-    if (hasParents) {
-        // Clones of a parent that the list lacks belong together too.
-        JoinEqual(joined, games.size(), [&](size_t i) {
-            const LOGIQX_GAME& game = *games[i].game;
-            return game.cloneOf.empty() ? game.name : game.cloneOf;
-        });
-        // A clone may be a parent itself.
-        std::map<std::string, size_t> byName;
-        for (size_t i = 0; i < games.size(); ++i) {
-            byName.emplace(games[i].game->name, i);
-        }
-        for (size_t i = 0; i < games.size(); ++i) {
-            if (const auto parent = byName.find(games[i].game->cloneOf); parent != byName.end()) {
-                joined.Join(i, parent->second);
-            }
-        }
+    if (std::ranges::any_of(
+            games, [](const LISTED_GAME& listed) { return !listed.game->cloneOf.empty(); })) {
+        JoinClones(joined, games);
     } else {
         JoinEqual(joined, games.size(),
                   [&](size_t i) { return LowerAscii(std::string_view(games[i].name.title)); });
@@ -317,61 +321,88 @@ std::string FileKey(std::string_view title, size_t fieldBytes) {
     return FileNameFromTitle(CutUtf8(title, fieldBytes - 1));
 }
 
-CGameFile Maker::ConsoleEntry(std::span<const size_t> group) {
-    // A name that has to wait until every piece has its own.
-    struct LATER {
+// An entry as it grows. A name has the index of the piece that it plays, so names for more titles wait to the end.
+class ConsoleEntry {
+public:
+    struct PLAYED {
         const LISTED_GAME* listed;
         TITLE title;
         uint32_t piece;
     };
-    const std::string& title = games[group.front()].name.title;
-    const std::string key = FileKey(title, sizeof(NAME_RECORD::contentKey));
+
+    ConsoleEntry(uint16_t system, std::string_view fileName) {
+        entry.Create(true, system);
+        entry.SetGadaText(fileName);
+    }
+
+    // False if the entry has no room for the image.
+    bool Add(const LISTED_GAME& listed);
+    [[nodiscard]] std::vector<PLAYED> Names() const;
+    CGameFile Take() { return std::move(entry); }
+
+private:
+    bool AddPiece(const LISTED_GAME& listed, const TITLE& title);
+
     CGameFile entry;
-    entry.Create(true, sources.system);
-    entry.SetGadaText(FileKey(title, sizeof(GADA_RECORD::text)));
-    std::vector<TITLE> own; // of the piece of the same index
-    std::vector<const LISTED_GAME*> dumps;
-    std::vector<LATER> later;
-    uint64_t size = 0;
-    for (const size_t index : group) {
-        const LISTED_GAME& listed = games[index];
-        if (listed.images.empty()) {
-            continue;
-        }
-        const KNOWN_IMAGE& image = listed.images.front();
-        const TITLE itself = {listed.name.title, listed.name.regions};
-        int piece = entry.FindRom(image.sha256);
-        if (piece < 0) {
-            if (entry.RomCount() == kMostPieces || size + image.size > kImageLimit) {
-                ++report.tooLarge;
-                continue;
-            }
-            size += image.size;
-            const std::string& revision = listed.name.revision;
-            entry.AddRom(revision.empty() ? kFirstVersion : CutUtf8(revision, 31), image.sha256,
-                         image.size);
-            own.push_back(itself);
-            dumps.push_back(&listed);
-            piece = static_cast<int>(entry.RomCount()) - 1;
-        } else if (TITLE& known = own[static_cast<size_t>(piece)]; known.title == itself.title) {
-            known.regions = JoinRegions(known.regions, itself.regions);
-        } else {
-            later.push_back({&listed, itself, static_cast<uint32_t>(piece)});
-        }
-        for (const TITLE& other : listed.otherTitles) {
-            later.push_back({&listed, other, static_cast<uint32_t>(piece)});
-        }
+    std::vector<PLAYED> own;   // of the piece of the same index
+    std::vector<PLAYED> later; // for more titles
+};
+
+bool ConsoleEntry::AddPiece(const LISTED_GAME& listed, const TITLE& title) {
+    const KNOWN_IMAGE& image = listed.images.front();
+    const uint32_t piece = entry.RomCount();
+    if (piece == kMostPieces || uint64_t{entry.Header().rawSize} + image.size > kImageLimit) {
+        return false;
     }
-    for (uint32_t piece = 0; piece < dumps.size(); ++piece) {
-        AddName(entry, *dumps[piece], own[piece], key, std::span(&piece, 1));
-    }
-    for (const LATER& name : later) {
-        AddName(entry, *name.listed, name.title, key, std::span(&name.piece, 1));
-    }
-    return entry;
+    const std::string& revision = listed.name.revision;
+    entry.AddRom(revision.empty() ? kFirstVersion : CutUtf8(revision, sizeof(ROM_RECORD::name) - 1),
+                 image.sha256, image.size);
+    own.push_back({&listed, title, piece});
+    return true;
 }
 
-CGameFile Maker::ArcadeEntry(const LISTED_GAME& listed) {
+bool ConsoleEntry::Add(const LISTED_GAME& listed) {
+    const TITLE title = {listed.name.title, listed.name.regions};
+    const int found = entry.FindRom(listed.images.front().sha256);
+    const uint32_t piece = found < 0 ? entry.RomCount() : static_cast<uint32_t>(found);
+    if (found < 0) {
+        if (!AddPiece(listed, title)) {
+            return false;
+        }
+    } else if (TITLE& known = own[piece].title; known.title == title.title) {
+        known.regions = JoinRegions(known.regions, title.regions);
+    } else {
+        later.push_back({&listed, title, piece});
+    }
+    for (const TITLE& other : listed.otherTitles) {
+        later.push_back({&listed, other, piece});
+    }
+    return true;
+}
+
+std::vector<ConsoleEntry::PLAYED> ConsoleEntry::Names() const {
+    std::vector<PLAYED> names = own;
+    names.insert(names.end(), later.begin(), later.end());
+    return names;
+}
+
+CGameFile Maker::MakeConsoleEntry(std::span<const size_t> group) {
+    const std::string& title = games[group.front()].name.title;
+    const std::string key = FileKey(title, sizeof(NAME_RECORD::contentKey));
+    ConsoleEntry entry(sources.system, FileKey(title, sizeof(GADA_RECORD::text)));
+    for (const size_t index : group) {
+        if (!games[index].images.empty() && !entry.Add(games[index])) {
+            ++report.tooLarge;
+        }
+    }
+    CGameFile made = entry.Take();
+    for (const ConsoleEntry::PLAYED& name : entry.Names()) {
+        AddName(made, *name.listed, name.title, key, std::span(&name.piece, 1));
+    }
+    return made;
+}
+
+CGameFile Maker::MakeArcadeEntry(const LISTED_GAME& listed) {
     CGameFile entry;
     entry.Create(true, sources.system);
     entry.SetGadaText(FileKey(listed.game->name, sizeof(GADA_RECORD::text)));
@@ -410,12 +441,12 @@ std::vector<CGameFile> Maker::Make() {
     if (arcade) {
         for (const LISTED_GAME& listed : games) {
             if (!listed.images.empty()) {
-                entries.push_back(ArcadeEntry(listed));
+                entries.push_back(MakeArcadeEntry(listed));
             }
         }
     } else {
         for (const std::vector<size_t>& group : Groups()) {
-            entries.push_back(ConsoleEntry(group));
+            entries.push_back(MakeConsoleEntry(group));
         }
         std::erase_if(entries, [](const CGameFile& entry) { return entry.RomCount() == 0; });
     }

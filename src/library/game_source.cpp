@@ -6,12 +6,37 @@
 #include "formats/zip.h"
 #include "library/convert.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 
 namespace fs = std::filesystem;
 
 namespace {
+
+BuiltInDatabase gBuiltInDatabase = nullptr;
+
+bool HasImage(std::span<const CGameFile> database, const CGameFile& entry) {
+    std::string name;
+    ROM_RECORD rom{};
+    if (!entry.GetRom(0, name, rom)) {
+        return false;
+    }
+    Sha256Digest hash{};
+    std::copy(std::begin(rom.sha256), std::end(rom.sha256), hash.begin());
+    return std::ranges::any_of(database,
+                               [&](const CGameFile& known) { return known.FindRom(hash) >= 0; });
+}
+
+// Every entry that knows an image gives a converted game one more copy of it, so an image is known once.
+void AddUnlessKnown(std::vector<CGameFile> entries, std::vector<CGameFile>& database) {
+    const size_t fromFile = database.size();
+    for (CGameFile& entry : entries) {
+        if (!HasImage(std::span(database).first(fromFile), entry)) {
+            database.push_back(std::move(entry));
+        }
+    }
+}
 
 std::string LowerExtension(const fs::path& path) {
     return LowerAscii(std::string_view(path.extension().string()));
@@ -208,12 +233,23 @@ bool OpenGameFile(const fs::path& path, bool headerOnly, CGameFile& game, std::s
     return true;
 }
 
+void SetBuiltInDatabase(BuiltInDatabase entries) {
+    gBuiltInDatabase = entries;
+}
+
 std::vector<CGameFile> LoadDatabase(uint16_t system) {
-    const MACHINE_FACTS* entry = FindMachineFacts(system);
-    std::vector<uint8_t> bytes;
-    std::string ignored;
-    if (entry == nullptr || !ReadFile(ResolvePath(entry->databaseFile), bytes, ignored)) {
+    const MACHINE_FACTS* facts = FindMachineFacts(system);
+    if (facts == nullptr) {
         return {};
     }
-    return ParseDatabase(bytes.data(), bytes.size());
+    std::vector<uint8_t> bytes;
+    std::string ignored;
+    std::vector<CGameFile> database;
+    if (ReadFile(ResolvePath(facts->databaseFile), bytes, ignored)) {
+        database = ParseDatabase(bytes.data(), bytes.size());
+    }
+    if (gBuiltInDatabase != nullptr) {
+        AddUnlessKnown(gBuiltInDatabase(system), database);
+    }
+    return database;
 }

@@ -46,5 +46,11 @@ struct IMAGE_VISITOR {
 [[nodiscard]] bool OpenGameFile(const std::filesystem::path& path, bool headerOnly, CGameFile& game,
                                 std::string& error);
 
-// The database of a system; empty if there is none, which is no error.
+// The program's own games of a system, as entries of a database.
+using BuiltInDatabase = std::vector<CGameFile> (*)(uint16_t system);
+// Set once, before other threads run; null: there are none.
+void SetBuiltInDatabase(BuiltInDatabase entries);
+
+// The database of a system: the entries of its file, if there is one, and then the program's own games whose image the
+// file does not have. A missing or damaged file is no error.
 [[nodiscard]] std::vector<CGameFile> LoadDatabase(uint16_t system);

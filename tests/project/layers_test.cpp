@@ -79,7 +79,7 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"FreeType",         {"ft2build.h", "freetype/", "FT_"}, {"gui"}},
     {"stb_image",        {"stb_image", "stb/"},              {"gui"}},
     {"TurboJPEG",        {"turbojpeg"},                      {"room"}},
-    {"XML",              {"pugixml"},             {"gui", "settings"}},
+    {"XML",              {"pugixml"},                        {"catalogue", "gui", "settings"}},
     {"utf8cpp",          {"utf8"},                          {"base", "front"}},
     {"Boost.Signals2",   {"boost/signals2"},                 {"gui"}},
     {"Boost.Asio",       {"boost/asio"},                     {"web"}, Row::kToCome},

@@ -2,11 +2,13 @@
 
 #include "base/files.h"
 #include "facts/machine_facts.h"
+#include "front/demo_database.h"
 #include "front/notices.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
 #include "front/version.h"
+#include "library/game_source.h"
 #include "machines/machines.h"
 #include "settings/settings.h"
 
@@ -43,6 +45,7 @@ void StartUp(const std::string& homeOption) {
     }
     ApplyAudioRate();
     EmuSetMachines(BuiltInMachines());
+    SetBuiltInDatabase(DemoDatabase);
 }
 
 std::vector<std::string> MachineNames() {
@@ -88,6 +91,26 @@ void AddPlayOptions(CLI::App& app, PLAY_OPTIONS& play) {
                    "In the window: measure the time from this action's key to the picture, and end")
         ->type_name("ACTION");
     app.footer(PlayHelp());
+}
+
+CLI::App* AddDatabaseMake(CLI::App& app, DATABASE_MAKE_OPTIONS& make) {
+    CLI::App* makeApp = app.add_subcommand("make", "Make a database of a list of games");
+    makeApp->add_option("--machine", make.machine, "The machine of the games")
+        ->required()
+        ->check(CLI::IsMember(MachineNames()));
+    makeApp->add_option("--from", make.listFile, "The list: Logiqx XML")
+        ->type_name("DAT.xml")
+        ->required();
+    makeApp
+        ->add_option("--roms", make.roms,
+                     "Your images, for the SHA-256 of games that the list has none for")
+        ->type_name("DIR");
+    makeApp->add_option("--rules", make.rulesFile, "What the list does not say (docs/FORMATS.md)")
+        ->type_name("FILE");
+    makeApp->add_option("--out", make.outFile, "The database; an old one is replaced")
+        ->type_name("FILE.dat")
+        ->required();
+    return makeApp;
 }
 
 int Run(int argc, const char* const* argv) {
@@ -165,6 +188,15 @@ int Run(int argc, const char* const* argv) {
     roomApp->add_option("--screenshot", room.screenshot, "Write a picture of the window and end")
         ->type_name("FILE.png");
 
+    DATABASE_MAKE_OPTIONS databaseMake;
+    std::filesystem::path databaseFile;
+    CLI::App* databaseApp =
+        app.add_subcommand("database", "Make and show databases, by which games are known");
+    databaseApp->require_subcommand(1);
+    CLI::App* databaseMakeApp = AddDatabaseMake(*databaseApp, databaseMake);
+    CLI::App* databaseShowApp = databaseApp->add_subcommand("show", "Print what a database holds");
+    databaseShowApp->add_option("FILE", databaseFile, "A .dat file")->required();
+
     CLI::App* actionsApp = app.add_subcommand("actions", "List every action with its bindings");
 
     try {
@@ -178,6 +210,12 @@ int Run(int argc, const char* const* argv) {
     }
     if (*convertApp) {
         return ConvertCommand(convert);
+    }
+    if (*databaseMakeApp) {
+        return DatabaseMakeCommand(databaseMake);
+    }
+    if (*databaseShowApp) {
+        return DatabaseShowCommand(databaseFile);
     }
     if (*benchApp) {
         return BenchCommand(bench);

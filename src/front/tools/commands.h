@@ -26,6 +26,17 @@ struct CONVERT_OPTIONS {
 };
 int ConvertCommand(const CONVERT_OPTIONS& options);
 
+// Makes a database of a list of games, and shows what one holds.
+struct DATABASE_MAKE_OPTIONS {
+    std::string machine;             // short name of the system
+    std::filesystem::path listFile;  // XML of Logiqx
+    std::filesystem::path roms;      // the folder of the images; may be empty
+    std::filesystem::path rulesFile; // may be empty
+    std::filesystem::path outFile;
+};
+int DatabaseMakeCommand(const DATABASE_MAKE_OPTIONS& options);
+int DatabaseShowCommand(const std::filesystem::path& file);
+
 // Sets the program's sample rate from the setting; reports one that is out of range.
 void ApplyAudioRate();
 

@@ -25,6 +25,10 @@
 // is the letter of "SEGA" that a plain image has there.
 [[nodiscard]] std::vector<uint8_t> PrepareImage(uint16_t system, std::span<const uint8_t> file);
 
+// The opposite: a Mega Drive image as a copier stored it, with a fresh header (docs/FORMATS.md). False for an
+// image whose dump PrepareImage would not take for one: less than vectors and header, or bit 9 of its size set.
+[[nodiscard]] bool InterleaveImage(std::span<const uint8_t> image, std::vector<uint8_t>& dump);
+
 // Whether a Mega Drive file counts as interleaved but has no image after the copier header: less than
 // the vectors and header that every program begins with.
 [[nodiscard]] bool IsBareCopierHeader(uint16_t system, std::span<const uint8_t> file);

@@ -78,7 +78,9 @@ bool FillConsoleFile(uint16_t system, std::span<const uint8_t> image, ImageForm 
 
 IMAGE_FILE ArcadeFile(const PIECE& piece) {
     const fs::path name(piece.name);
-    return {name.stem(), name.extension().string(), {piece.bytes.begin(), piece.bytes.end()}};
+    return {
+        name.stem(), name.extension().string(), {piece.bytes.begin(), piece.bytes.end()}
+    };
 }
 
 } // namespace

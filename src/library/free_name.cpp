@@ -10,14 +10,22 @@ namespace {
 
 enum class Place : uint8_t { kFree, kSame, kTaken };
 
-Place Look(const fs::path& file, std::span<const uint8_t> bytes) {
+// False also for a name that cannot be looked up, such as one that is too long.
+bool IsThere(const fs::path& file) {
     std::error_code code;
-    if (fs::symlink_status(file, code).type() == fs::file_type::not_found) {
+    const fs::file_type type = fs::symlink_status(file, code).type();
+    return type != fs::file_type::not_found && type != fs::file_type::none;
+}
+
+Place Look(const fs::path& file, std::span<const uint8_t> bytes) {
+    if (!IsThere(file)) {
         return Place::kFree;
     }
+    std::error_code code;
     std::vector<uint8_t> old;
     std::string ignored;
-    const bool sameSize = fs::is_regular_file(file, code) && fs::file_size(file, code) == bytes.size();
+    const bool sameSize =
+        fs::is_regular_file(file, code) && fs::file_size(file, code) == bytes.size();
     const bool same = sameSize && ReadFile(file, old, ignored) && std::ranges::equal(old, bytes);
     return same ? Place::kSame : Place::kTaken;
 }
@@ -39,9 +47,8 @@ bool WriteBesideOthers(const fs::path& folder, const fs::path& stem, const std::
             if (WriteFile(file, bytes, error, WriteMode::kCreate)) {
                 return true;
             }
-            std::error_code code;
             // Another program may have taken the name meanwhile; anything else is a failure.
-            if (fs::symlink_status(file, code).type() == fs::file_type::not_found) {
+            if (!IsThere(file)) {
                 return false;
             }
         }

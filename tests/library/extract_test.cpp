@@ -105,7 +105,9 @@ TEST(Extract, InterleavedFormOfAnotherMachineIsThePlainOne) {
 // A dump of such a size would be taken for a plain image.
 TEST(Extract, ImageWithoutInterleavedFormIsAFault) {
     for (const size_t size : {size_t{511}, size_t{512}, size_t{1536}, size_t{16384 + 700}}) {
-        const CGameFile game = GameOf(kMegaDrive, {{"v1.0", Bytes(size, 1)}});
+        const CGameFile game = GameOf(kMegaDrive, {
+                                                      {"v1.0", Bytes(size, 1)}
+        });
         std::vector<std::string> faults;
         EXPECT_TRUE(ImageFiles(game, "a", ImageForm::kInterleaved, faults).empty()) << size;
         ASSERT_EQ(faults.size(), 1u) << size;
@@ -115,7 +117,10 @@ TEST(Extract, ImageWithoutInterleavedFormIsAFault) {
 
 TEST(Extract, VersionsAreNamedAfterThePieces) {
     const CGameFile game =
-        GameOf(kMasterSystem, {{"v1.0", Bytes(10, 1)}, {"v1.1", Bytes(20, 2)}});
+        GameOf(kMasterSystem, {
+                                  {"v1.0", Bytes(10, 1)},
+                                  {"v1.1", Bytes(20, 2)}
+    });
     std::vector<std::string> faults;
     const std::vector<IMAGE_FILE> files = ImageFiles(game, "Game", ImageForm::kPlain, faults);
     ASSERT_EQ(files.size(), 2u);
@@ -129,7 +134,10 @@ TEST(Extract, VersionsAreNamedAfterThePieces) {
 // As a game that two entries of a database know.
 TEST(Extract, RepeatedPieceIsThereOnce) {
     const CGameFile game =
-        GameOf(kMasterSystem, {{"v1.0", Bytes(10, 1)}, {"Rev A", Bytes(10, 1)}});
+        GameOf(kMasterSystem, {
+                                  {"v1.0",  Bytes(10, 1)},
+                                  {"Rev A", Bytes(10, 1)}
+    });
     std::vector<std::string> faults;
     const std::vector<IMAGE_FILE> files = ImageFiles(game, "Game", ImageForm::kPlain, faults);
     ASSERT_EQ(files.size(), 1u);
@@ -138,7 +146,10 @@ TEST(Extract, RepeatedPieceIsThereOnce) {
 
 TEST(Extract, PiecesOfABoardHaveTheirOwnNames) {
     const CGameFile game =
-        GameOf(kArcade, {{"epr-1.ic7", Bytes(10, 1)}, {"opcodes", Bytes(5, 2)}});
+        GameOf(kArcade, {
+                            {"epr-1.ic7", Bytes(10, 1)},
+                            {"opcodes",   Bytes(5,  2)}
+    });
     std::vector<std::string> faults;
     const std::vector<IMAGE_FILE> files = ImageFiles(game, "Game", ImageForm::kPlain, faults);
     ASSERT_EQ(files.size(), 2u);
@@ -148,12 +159,16 @@ TEST(Extract, PiecesOfABoardHaveTheirOwnNames) {
 }
 
 TEST(Extract, NoNameLeadsOutOfTheFolder) {
-    const char* const names[] = {"..",   ".",           "",     "/etc/passwd", "../../a.bin", "a/..",
-                                 "a\\..", "C:\\a.bin", "\n.bin", ".../x",     "...",         "a/"};
+    const char* const names[] = {"..",          ".",     "",      "/etc/passwd",
+                                 "../../a.bin", "a/..",  "a\\..", "C:\\a.bin",
+                                 "\n.bin",      ".../x", "...",   "a/"};
     for (const char* const name : names) {
         for (const uint16_t system : {kArcade, kMasterSystem}) {
             const CGameFile game =
-                GameOf(system, {{name, Bytes(10, 1)}, {"other", Bytes(11, 2)}});
+                GameOf(system, {
+                                   {name,    Bytes(10, 1)},
+                                   {"other", Bytes(11, 2)}
+            });
             std::vector<std::string> faults;
             const std::vector<IMAGE_FILE> files =
                 ImageFiles(game, "stem", ImageForm::kPlain, faults);
@@ -203,7 +218,9 @@ TEST(Extract, ImageThatIsAnArchiveIsAZip) {
     ASSERT_TRUE(writer.Add("a.sms", Bytes(100, 1), error));
     const Bytes zip = writer.Finish(error);
     for (const ImageForm form : {ImageForm::kPlain, ImageForm::kInterleaved}) {
-        const CGameFile game = GameOf(kMegaDrive, {{"v1.0", zip}});
+        const CGameFile game = GameOf(kMegaDrive, {
+                                                      {"v1.0", zip}
+        });
         std::vector<std::string> faults;
         const std::vector<IMAGE_FILE> files = ImageFiles(game, "a", form, faults);
         ASSERT_EQ(files.size(), 1u);

@@ -52,3 +52,13 @@ TEST(FreeName, FolderThatCannotBeMadeIsNamed) {
     EXPECT_FALSE(WriteBesideOthers(file / "below", "game", ".bin", {}, placed, error));
     EXPECT_NE(error.find(file.string()), std::string::npos) << error;
 }
+
+// 255 bytes are the most that a name may have here.
+TEST(FreeName, NameThatIsTooLongFails) {
+    const TemporaryFolder folder;
+    PLACED_FILE placed;
+    std::string error;
+    EXPECT_FALSE(
+        WriteBesideOthers(folder.Path(), std::string(300, 'a'), ".game", {}, placed, error));
+    EXPECT_NE(error.find("aaa.game: cannot be"), std::string::npos) << error;
+}

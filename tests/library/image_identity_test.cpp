@@ -37,15 +37,15 @@ void ExpectIdentity(std::string_view name, const Bytes& file, uint16_t system, I
 
 TEST(ImageIdentity, RegionOfTheHeaderTellsMasterSystemFromGameGear) {
     const std::tuple<uint8_t, uint16_t> rows[] = {
-        {3, kMasterSystem},
-        {4, kMasterSystem},
-        {5, kGameGear    },
-        {6, kGameGear    },
-        {7, kGameGear    },
-        {0, 0            },
-        {2, 0            },
-        {8, 0            },
-        {15, 0           },
+        {3,  kMasterSystem},
+        {4,  kMasterSystem},
+        {5,  kGameGear    },
+        {6,  kGameGear    },
+        {7,  kGameGear    },
+        {0,  0            },
+        {2,  0            },
+        {8,  0            },
+        {15, 0            },
     };
     for (const auto& [region, system] : rows) {
         EXPECT_EQ(SystemOfContents(EightBit(0x8000, 0x7FF0, region)), system) << int{region};

@@ -9,6 +9,7 @@
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;
 inline constexpr int kExitUsage = 2;
+inline constexpr int kExitInterrupted = 130; // by Ctrl-C, as shells number it
 
 // Every action with its bindings, a line each: name, primary, secondary, separated by tabs.
 int ActionsCommand();
@@ -25,6 +26,15 @@ struct CONVERT_OPTIONS {
     std::string machine;             // short name of the system; empty: by the extension
 };
 int ConvertCommand(const CONVERT_OPTIONS& options);
+
+// Writes the image of every `.game` as the file that it was made of, arcade boards piece by piece. The games
+// stay. Names that are taken are treated as ConvertCommand does.
+struct EXTRACT_OPTIONS {
+    std::vector<std::filesystem::path> paths;
+    std::filesystem::path outFolder; // empty: the current one
+    bool interleaved = false;        // Mega Drive images as a copier stored them
+};
+int ExtractCommand(const EXTRACT_OPTIONS& options);
 
 // Sets the program's sample rate from the setting; reports one that is out of range.
 void ApplyAudioRate();

@@ -43,8 +43,7 @@ struct OPENED {
 
 OPENED Open(const fs::path& path, const MACHINE_FACTS* system = nullptr) {
     OPENED result;
-    result.opened =
-        OpenGame(path, system, result.game, result.title, result.note, result.error);
+    result.opened = OpenGame(path, system, result.game, result.title, result.note, result.error);
     return result;
 }
 
@@ -55,7 +54,11 @@ TEST(GameSource, GameInAnArchiveInAGameIsTheGameByItself) {
     const Bytes image(5000, 7);
     const fs::path file = WriteGame(
         home, kMasterSystem,
-        Zip({{"readme.txt", Bytes(9, 1)}, {"other.gg", Bytes(8, 2)}, {"dir/One.SMS", image}}));
+        Zip({
+            {"readme.txt", Bytes(9, 1)},
+            {"other.gg",            Bytes(8,          2)},
+            {"dir/One.SMS",          image       }
+    }));
     const OPENED inside = Open(file);
     ASSERT_TRUE(inside.opened) << inside.error;
     EXPECT_EQ(inside.title, "One");
@@ -71,7 +74,10 @@ TEST(GameSource, GameInAnArchiveInAGameIsTheGameByItself) {
 
 TEST(GameSource, OnlyFileOfAnArchiveInAGameNeedsNoExtension) {
     const TemporaryHome home;
-    const OPENED inside = Open(WriteGame(home, kNes, Zip({{"game.rom", Bytes(300, 7)}})));
+    const OPENED inside = Open(WriteGame(home, kNes,
+                                         Zip({
+                                             {"game.rom", Bytes(300, 7)}
+    })));
     ASSERT_TRUE(inside.opened) << inside.error;
     EXPECT_EQ(inside.game.Header().system, kNes);
     EXPECT_TRUE(inside.game.AssembleSelectedImage() == Bytes(300, 7));
@@ -79,8 +85,11 @@ TEST(GameSource, OnlyFileOfAnArchiveInAGameNeedsNoExtension) {
 
 TEST(GameSource, ArchiveInAGameIsSearchedForTheMachineAskedFor) {
     const TemporaryHome home;
-    const fs::path file =
-        WriteGame(home, kMasterSystem, Zip({{"a.sms", Bytes(300, 1)}, {"b.nes", Bytes(300, 2)}}));
+    const fs::path file = WriteGame(home, kMasterSystem,
+                                    Zip({
+                                        {"a.sms", Bytes(300, 1)},
+                                        {"b.nes", Bytes(300, 2)}
+    }));
     const OPENED inside = Open(file, FindMachineFacts(kNes));
     ASSERT_TRUE(inside.opened) << inside.error;
     EXPECT_EQ(inside.title, "b");
@@ -94,7 +103,10 @@ TEST(GameSource, DumpInAnArchiveInAGameIsPutInOrder) {
     const Bytes image = random.Fill(32768);
     Bytes dump;
     ASSERT_TRUE(InterleaveImage(image, dump));
-    const OPENED inside = Open(WriteGame(home, kMegaDrive, Zip({{"a.smd", dump}})));
+    const OPENED inside = Open(WriteGame(home, kMegaDrive,
+                                         Zip({
+                                             {"a.smd", dump}
+    })));
     ASSERT_TRUE(inside.opened) << inside.error;
     EXPECT_TRUE(inside.game.AssembleSelectedImage() == image);
 }
@@ -102,7 +114,10 @@ TEST(GameSource, DumpInAnArchiveInAGameIsPutInOrder) {
 TEST(GameSource, DamagedEntryOfAnArchiveInAGameIsPassedOver) {
     const TemporaryHome home;
     CRandom random(5);
-    Bytes zip = Zip({{"a.sms", random.Fill(900)}, {"b.sms", Bytes(300, 2)}});
+    Bytes zip = Zip({
+        {"a.sms",    random.Fill(900)},
+        { "b.sms", Bytes(300,               2)}
+    });
     zip[200] = static_cast<uint8_t>(zip[200] ^ 0xFF); // in the data of the first
     const OPENED inside = Open(WriteGame(home, kMasterSystem, zip));
     ASSERT_TRUE(inside.opened) << inside.error;
@@ -111,8 +126,13 @@ TEST(GameSource, DamagedEntryOfAnArchiveInAGameIsPassedOver) {
 
 TEST(GameSource, ArchiveInAnArchiveInAGameIsNotOpened) {
     const TemporaryHome home;
-    const Bytes inner = Zip({{"a.sms", Bytes(300, 1)}});
-    const OPENED inside = Open(WriteGame(home, kMasterSystem, Zip({{"inner.zip", inner}})));
+    const Bytes inner = Zip({
+        {"a.sms", Bytes(300, 1)}
+    });
+    const OPENED inside = Open(WriteGame(home, kMasterSystem,
+                                         Zip({
+                                             {"inner.zip", inner}
+    })));
     EXPECT_FALSE(inside.opened);
     EXPECT_NE(inside.error.find("archive.game: holds no game image"), std::string::npos)
         << inside.error;
@@ -129,7 +149,9 @@ TEST(GameSource, DamagedArchiveInAGameIsRefusedWithItsReason) {
 
 TEST(GameSource, ArcadePieceThatIsAnArchiveStaysAsItIs) {
     const TemporaryHome home;
-    const Bytes zip = Zip({{"a.sms", Bytes(300, 1)}});
+    const Bytes zip = Zip({
+        {"a.sms", Bytes(300, 1)}
+    });
     const OPENED opened = Open(WriteGame(home, 6, zip));
     ASSERT_TRUE(opened.opened) << opened.error;
     EXPECT_TRUE(opened.game.AssembleSelectedImage() == zip);

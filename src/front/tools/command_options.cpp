@@ -22,37 +22,47 @@ COMMAND AddPlay(CLI::App& app) {
     const auto play = std::make_shared<PLAY_OPTIONS>();
     CLI::App* const command = app.add_subcommand("play", "Play a game");
     command->add_option("GAME", play->game, "A ROM, a .zip, a .game or demo:NAME")->required();
-    command->add_option("--machine", play->machine, "The machine, if not the one that the file says")
+    command
+        ->add_option("--machine", play->machine, "The machine, if not the one that the file says")
         ->check(CLI::IsMember(MachineNames()));
     command->add_option("--set", play->settings, "A machine option or a setting for this run")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     command->add_option("--bios", play->bios, "A console BIOS")->type_name("FILE");
     command->add_flag("--headless", play->headless,
-                 "No window, no device, no pacing, no autosave, no .sav");
+                      "No window, no device, no pacing, no autosave, no .sav");
     command->add_option("--frames", play->frames, "Stop after N frames")->type_name("N");
     command->add_flag("--static", play->showStatic, "Begin with television static");
-    command->add_option("--input", play->inputFile, "A file of presses, lines \"FRAME ACTION down|up\"")
+    command
+        ->add_option("--input", play->inputFile,
+                     "A file of presses, lines \"FRAME ACTION down|up\"")
         ->type_name("FILE");
-    command->add_option("--screenshot", play->screenshots,
-                   "FRAME=FILE.png or last=FILE.png; frames count from 1")
+    command
+        ->add_option("--screenshot", play->screenshots,
+                     "FRAME=FILE.png or last=FILE.png; frames count from 1")
         ->allow_extra_args(false);
     command->add_option("--wav", play->wavFile, "Write the sound as the machine made it")
         ->type_name("FILE");
-    command->add_option("--frame-hashes", play->hashFile,
-                   "Write a line for each frame with the hashes of picture and sound")
+    command
+        ->add_option("--frame-hashes", play->hashFile,
+                     "Write a line for each frame with the hashes of picture and sound")
         ->type_name("FILE");
-    command->add_option("--save-state", play->saveState, "Write the state at the end")->type_name("FILE");
-    command->add_option("--load-state", play->loadState, "Load a state at the start")->type_name("FILE");
-    command->add_option("--peek", play->peeks,
-                   "At the end print bytes as the main processor would read them")
+    command->add_option("--save-state", play->saveState, "Write the state at the end")
+        ->type_name("FILE");
+    command->add_option("--load-state", play->loadState, "Load a state at the start")
+        ->type_name("FILE");
+    command
+        ->add_option("--peek", play->peeks,
+                     "At the end print bytes as the main processor would read them")
         ->type_name("ADDRESS[:LENGTH]")
         ->allow_extra_args(false);
     command->add_option("--dump", play->dumps, "At the end write a whole memory")
         ->type_name("REGION=FILE")
         ->allow_extra_args(false);
-    command->add_option("--latency", play->latencyAction,
-                   "In the window: measure the time from this action's key to the picture, and end")
+    command
+        ->add_option(
+            "--latency", play->latencyAction,
+            "In the window: measure the time from this action's key to the picture, and end")
         ->type_name("ACTION");
     command->footer(PlayHelp());
     return {command, [play] { return PlayCommand(*play); }};
@@ -79,7 +89,8 @@ COMMAND AddConvert(CLI::App& app) {
         app.add_subcommand("convert", "Make .game files of ROMs and zips; sources are kept");
     command->add_option("PATH", convert->paths, "ROM or zip files")->required();
     command->add_option("--out", convert->outFolder, "Where the .game files go")->type_name("DIR");
-    command->add_option("--machine", convert->machine, "The machine, if not the one of the extension")
+    command
+        ->add_option("--machine", convert->machine, "The machine, if not the one of the extension")
         ->check(CLI::IsMember(MachineNames()));
     return {command, [convert] { return ConvertCommand(*convert); }};
 }
@@ -89,7 +100,8 @@ COMMAND AddExtract(CLI::App& app) {
     CLI::App* const command =
         app.add_subcommand("extract", "Write the images of .game files as ROM files again");
     command->add_option("GAME", extract->paths, ".game files, which are kept")->required();
-    command->add_option("--out", extract->outFolder, "Where the files go, if not the current folder")
+    command
+        ->add_option("--out", extract->outFolder, "Where the files go, if not the current folder")
         ->type_name("DIR");
     command->add_flag("--interleaved", extract->interleaved,
                       "Mega Drive images as a copier stored them (.smd)");
@@ -154,6 +166,6 @@ COMMAND AddActions(CLI::App& app) {
 } // namespace
 
 std::vector<COMMAND> AddCommands(CLI::App& app) {
-    return {AddPlay(app),    AddBench(app), AddConvert(app), AddExtract(app),
+    return {AddPlay(app), AddBench(app),   AddConvert(app), AddExtract(app),
             AddInfo(app), AddGallery(app), AddRoom(app),    AddActions(app)};
 }

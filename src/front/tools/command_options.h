@@ -9,7 +9,7 @@ class App;
 } // namespace CLI
 
 struct COMMAND {
-    CLI::App* app; // knows whether it was chosen
+    CLI::App* app;            // knows whether it was chosen
     std::function<int()> run; // returns the exit code
 };
 

@@ -68,7 +68,9 @@ bool ConvertFile(const fs::path& path, const MACHINE_FACTS* system, const fs::pa
     };
     std::string error;
     if (!VisitImages(path, system, visitor, error)) {
-        bar.Complain(error);
+        if (!interruption.Requested()) { // which ends a wait for the file with an error
+            bar.Complain(error);
+        }
         return false;
     }
     return done;
@@ -128,7 +130,6 @@ int ConvertCommand(const CONVERT_OPTIONS& options) {
 int ExtractCommand(const EXTRACT_OPTIONS& options) {
     const Interruption interruption;
     ProgressBar bar;
-    return ForEachFile(options.paths, interruption, bar, [&](const fs::path& path) {
-        return ExtractFile(path, options, bar);
-    });
+    return ForEachFile(options.paths, interruption, bar,
+                       [&](const fs::path& path) { return ExtractFile(path, options, bar); });
 }

@@ -30,8 +30,8 @@ std::string ProgressText(size_t done, size_t total, std::string_view name) {
         const std::string all = std::to_string(total);
         text.insert(0, all.size() - std::min(all.size(), text.size()), ' ');
         const size_t filled = std::min(done, total) * kBarWidth / total;
-        text += "/" + all + " [" + std::string(filled, '=') +
-                std::string(kBarWidth - filled, ' ') + "]";
+        text += "/" + all + " [" + std::string(filled, '=') + std::string(kBarWidth - filled, ' ') +
+                "]";
     }
     return text + " " + Printable(name);
 }

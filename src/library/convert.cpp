@@ -128,6 +128,15 @@ uint16_t SystemOfExtension(std::string_view extension) {
     return 0;
 }
 
+std::string UsualExtension(uint16_t system) {
+    if (system == kSystemMegaDrive) {
+        return ".md"; // its list begins with ".bin", which says little
+    }
+    const MACHINE_FACTS* const facts = FindMachineFacts(system);
+    return facts != nullptr && !facts->extensions.empty() ? std::string(facts->extensions.front())
+                                                          : ".bin";
+}
+
 bool ValidExtension(uint16_t system, std::string_view path) {
     const MACHINE_FACTS* entry = FindMachineFacts(system);
     return entry != nullptr && (system == kSystemArcade || Accepts(*entry, ExtensionOf(path)));

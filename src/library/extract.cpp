@@ -52,15 +52,6 @@ bool IsArchive(std::span<const uint8_t> bytes) {
     return reader.Open(bytes, ignored) && reader.EntryCount() > 0;
 }
 
-std::string PlainExtension(uint16_t system) {
-    const MACHINE_FACTS* const facts = FindMachineFacts(system);
-    if (system == kSystemMegaDrive) {
-        return ".md"; // its list begins with ".bin", which says little
-    }
-    return facts != nullptr && !facts->extensions.empty() ? std::string(facts->extensions.front())
-                                                          : ".bin";
-}
-
 // Gives the file the image in the form that was asked for, and the extension. False if it has no such form.
 bool FillConsoleFile(uint16_t system, std::span<const uint8_t> image, ImageForm form,
                      IMAGE_FILE& file) {
@@ -70,7 +61,7 @@ bool FillConsoleFile(uint16_t system, std::span<const uint8_t> image, ImageForm 
         file.extension = ".smd";
         return InterleaveImage(image, file.bytes);
     } else {
-        file.extension = PlainExtension(system);
+        file.extension = UsualExtension(system);
     }
     file.bytes.assign(image.begin(), image.end());
     return true;

@@ -6,8 +6,10 @@
 #include "formats/zip.h"
 #include "library/convert.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 
 namespace fs = std::filesystem;
 
@@ -37,9 +39,8 @@ struct ARCHIVE_ENTRY {
     uint64_t unpackedSize;
 };
 
-// The entries that are images; if none has the extension of a given `system`, the only file that is no archive.
-std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const MACHINE_FACTS* system) {
-    std::vector<ARCHIVE_ENTRY> images;
+// The entries that are files.
+std::vector<ARCHIVE_ENTRY> FileEntries(const ZipReader& reader) {
     std::vector<ARCHIVE_ENTRY> files;
     for (uint32_t index = 0; index < reader.EntryCount(); ++index) {
         ZIP_ENTRY entry;
@@ -47,18 +48,24 @@ std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const MACHINE_F
             continue;
         }
         const fs::path name(Utf8FromWide(LastPathComponent(entry.name)));
-        if (name.empty()) {
-            continue; // a folder
-        }
-        const uint16_t number = SystemOfExtension(name.extension().string());
-        ARCHIVE_ENTRY found{index, name, number, entry.unpackedSize};
-        if (number != 0 && (system == nullptr || system->system == number)) {
-            images.push_back(found);
-        }
-        if (files.size() < 2 && LowerExtension(name) != ".zip") {
-            files.push_back(std::move(found));
+        if (!name.empty()) { // a folder
+            files.push_back(
+                {index, name, SystemOfExtension(name.extension().string()), entry.unpackedSize});
         }
     }
+    return files;
+}
+
+// Those that are images; if none has the extension of a given `system`, the only file that is no archive.
+std::vector<ARCHIVE_ENTRY> ImageEntries(std::vector<ARCHIVE_ENTRY> files,
+                                        const MACHINE_FACTS* system) {
+    std::vector<ARCHIVE_ENTRY> images;
+    std::ranges::copy_if(files, std::back_inserter(images), [&](const ARCHIVE_ENTRY& entry) {
+        return entry.system != 0 && (system == nullptr || system->system == entry.system);
+    });
+    std::erase_if(files, [](const ARCHIVE_ENTRY& entry) {
+        return LowerExtension(entry.name) == ".zip";
+    });
     if (images.empty() && files.size() == 1 && system != nullptr) {
         files.front().system = system->system;
         return files;
@@ -66,18 +73,9 @@ std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const MACHINE_F
     return images;
 }
 
-bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
-                  const MACHINE_FACTS* system, const IMAGE_VISITOR& visitor, std::string& error) {
-    ZipReader reader;
-    if (!reader.Open(archive, error)) {
-        error = path.string() + ": " + error;
-        return false;
-    }
-    const std::vector<ARCHIVE_ENTRY> entries = ImageEntries(reader, system);
-    if (entries.empty()) {
-        error = path.string() + ": holds no game image";
-        return false;
-    }
+bool VisitEntries(const fs::path& path, const ZipReader& reader,
+                  const std::vector<ARCHIVE_ENTRY>& entries, const IMAGE_VISITOR& visitor,
+                  std::string& error) {
     uint64_t room = kLargestArchive;
     for (const ARCHIVE_ENTRY& entry : entries) {
         if (entry.unpackedSize > room) {
@@ -98,6 +96,41 @@ bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
         if (!visitor.image(image)) {
             break;
         }
+    }
+    return true;
+}
+
+bool OpenArchive(const fs::path& path, std::span<const uint8_t> archive, ZipReader& reader,
+                 std::string& error) {
+    if (!reader.Open(archive, error)) {
+        error = path.string() + ": " + error;
+        return false;
+    }
+    return true;
+}
+
+bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
+                  const MACHINE_FACTS* system, const IMAGE_VISITOR& visitor, std::string& error) {
+    ZipReader reader;
+    if (!OpenArchive(path, archive, reader, error)) {
+        return false;
+    }
+    const std::vector<ARCHIVE_ENTRY> entries = ImageEntries(FileEntries(reader), system);
+    if (entries.empty()) {
+        error = path.string() + ": holds no game image";
+        return false;
+    }
+    return VisitEntries(path, reader, entries, visitor, error);
+}
+
+// Reads a file that may be an image or an archive.
+bool ReadSource(const fs::path& path, std::vector<uint8_t>& bytes, std::string& error) {
+    if (!ReadFile(path, bytes, error, kLargestImage)) {
+        return false;
+    }
+    if (bytes.empty()) {
+        error = path.string() + ": is empty";
+        return false;
     }
     return true;
 }
@@ -232,11 +265,7 @@ bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_
                  std::string& error) {
     std::vector<uint8_t> bytes;
     const std::string extension = LowerExtension(path);
-    if (!ReadFile(path, bytes, error, kLargestImage)) {
-        return false;
-    }
-    if (bytes.empty()) {
-        error = path.string() + ": is empty";
+    if (!ReadSource(path, bytes, error)) {
         return false;
     }
     if (extension == ".zip") {
@@ -248,6 +277,21 @@ bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_
         return false;
     }
     visitor.image({NameOf(path), StemOf(path), number, std::move(bytes)});
+    return true;
+}
+
+bool VisitAllFiles(const fs::path& path, const IMAGE_VISITOR& visitor, std::string& error) {
+    std::vector<uint8_t> bytes;
+    const std::string extension = LowerExtension(path);
+    if (!ReadSource(path, bytes, error)) {
+        return false;
+    }
+    if (extension == ".zip") {
+        ZipReader reader;
+        return OpenArchive(path, bytes, reader, error) &&
+               VisitEntries(path, reader, FileEntries(reader), visitor, error);
+    }
+    visitor.image({NameOf(path), StemOf(path), SystemOfExtension(extension), std::move(bytes)});
     return true;
 }
 

@@ -38,6 +38,11 @@ struct IMAGE_VISITOR {
 [[nodiscard]] bool VisitImages(const std::filesystem::path& path, const MACHINE_FACTS* system,
                                const IMAGE_VISITOR& visitor, std::string& error);
 
+// Visits a file, or every file in a zip, whatever its extension; `system` is that of the extension, which may be
+// 0. Otherwise as VisitImages.
+[[nodiscard]] bool VisitAllFiles(const std::filesystem::path& path, const IMAGE_VISITOR& visitor,
+                                 std::string& error);
+
 // Opens a game for playing, its image unpacked and its first name selected. An archive's first image is
 // opened. With `system` the image counts as that system's, whatever the file says.
 //

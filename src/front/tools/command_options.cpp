@@ -108,6 +108,29 @@ COMMAND AddExtract(CLI::App& app) {
     return {command, [extract] { return ExtractCommand(*extract); }};
 }
 
+COMMAND AddAdd(CLI::App& app) {
+    const auto add = std::make_shared<ADD_OPTIONS>();
+    CLI::App* const command = app.add_subcommand(
+        "add", "Copy ROMs, zips, .game files and whole folders into the library");
+    command->add_option("PATH", add->paths, "Files and folders; they stay as they are")->required();
+    command
+        ->add_option("--machine", add->machine,
+                     "The machine of files that do not tell, and of every file named here")
+        ->check(CLI::IsMember(MachineNames()));
+    return {command, [add] { return AddCommand(*add); }};
+}
+
+COMMAND AddList(CLI::App& app) {
+    const auto list = std::make_shared<LIST_OPTIONS>();
+    CLI::App* const command = app.add_subcommand("list", "List the games of the library");
+    command->add_option("--machine", list->machine, "Of one machine only")
+        ->check(CLI::IsMember(MachineNames()));
+    command->add_option("--name", list->name, "Only titles with this text in them")
+        ->type_name("TEXT");
+    command->add_flag("--json", list->json, "As a JSON array, with everything that a row holds");
+    return {command, [list] { return ListCommand(*list); }};
+}
+
 COMMAND AddInfo(CLI::App& app) {
     const auto paths = std::make_shared<std::vector<std::filesystem::path>>();
     CLI::App* const command = app.add_subcommand("info", "Show what a ROM, zip or .game holds");
@@ -166,6 +189,6 @@ COMMAND AddActions(CLI::App& app) {
 } // namespace
 
 std::vector<COMMAND> AddCommands(CLI::App& app) {
-    return {AddPlay(app), AddBench(app),   AddConvert(app), AddExtract(app),
-            AddInfo(app), AddGallery(app), AddRoom(app),    AddActions(app)};
+    return {AddPlay(app), AddRoom(app),  AddAdd(app),     AddList(app),    AddConvert(app),
+            AddExtract(app), AddInfo(app), AddActions(app), AddBench(app), AddGallery(app)};
 }

@@ -8,6 +8,7 @@
 #include "library/extract.h"
 #include "library/file_walk.h"
 #include "library/folder_conversion.h"
+#include "library/folder_list.h"
 #include "library/free_name.h"
 #include "library/game_database.h"
 #include "library/game_source.h"
@@ -28,8 +29,8 @@ struct SHELF {
     fs::path folder;
     CGameDatabase database;
     bool looked = false;
-    Digests pieces;          // of the games that are there, and of what was copied
-    Digests headers;         // of the games that are there
+    Digests pieces;  // of the games that are there, and of what was copied
+    Digests headers; // of the games that are there
     std::vector<fs::path> copies;
 };
 
@@ -76,7 +77,8 @@ void Look(SHELF& shelf) {
 // A piece may belong to several boards: it is there once all of them are.
 bool BoardsAreThere(const SHELF& shelf, const Sha256Digest& piece) {
     for (const CGameFile& entry : shelf.database.Entries()) {
-        if (entry.FindRom(piece) >= 0 && !shelf.headers.contains(DigestOf(entry.Header().headerHash))) {
+        if (entry.FindRom(piece) >= 0 &&
+            !shelf.headers.contains(DigestOf(entry.Header().headerHash))) {
             return false;
         }
     }
@@ -110,8 +112,8 @@ private:
 };
 
 GameAdder::GameAdder(const ADD_REQUEST& addRequest, const ADD_SINK& addSink)
-    : request(addRequest),
-      sink(addSink) {
+    : request(addRequest)
+    , sink(addSink) {
     for (const MACHINE_FACTS& machine : MachineFacts()) {
         SHELF& shelf = shelves.emplace_back();
         shelf.machine = &machine;
@@ -212,7 +214,8 @@ void GameAdder::TakeGame(const std::string& label, const FOUND_IMAGE& image) {
 }
 
 void GameAdder::TakeImage(const WALKED_FILE& file, const FOUND_IMAGE& image) {
-    const std::string label = file.path.string() + (file.path.filename() == image.name ? "" : ": " + image.name);
+    const std::string label =
+        file.path.string() + (file.path.filename() == image.name ? "" : ": " + image.name);
     const fs::path name(image.name);
     if (HasExtension(name, ".game")) {
         TakeGame(label, image);
@@ -279,11 +282,13 @@ void GameAdder::Convert(SHELF& shelf, size_t& done, size_t total) {
     conversion.stop = request.stop;
     CONVERSION_SINK conversionSink;
     conversionSink.report = [&](ConversionCount count, const std::wstring& line) {
-        const bool made = count == ConversionCount::kGood || count == ConversionCount::kAuto;
-        if (made) {
-            sink.note(Utf8FromWide(line));
-        } else if (!line.empty()) {
-            Fault(Utf8FromWide(line));
+        const std::string text = Utf8FromWide(line);
+        switch (count) {
+        case ConversionCount::kGood:
+        case ConversionCount::kAuto: sink.note(text); break;
+        case ConversionCount::kError: Fault(text); break;
+        case ConversionCount::kNone: sink.fault(text); break; // more about the line before
+        case ConversionCount::kSkipped: break;                // was in the folder before
         }
     };
     conversionSink.progress = [](double) {};

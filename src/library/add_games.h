@@ -18,16 +18,17 @@ struct MACHINE_FACTS;
 struct ADDED_GAMES {
     size_t copied = 0;       // images and `.game` files that were not there
     size_t alreadyThere = 0; // these are passed over
-    size_t waiting = 0;      // of the copied: pieces of arcade boards whose other pieces are missing
-    size_t untold = 0;       // images of which nothing tells the machine
-    size_t failed = 0;       // what could not be read, copied or converted
-    size_t others = 0;       // files in folders and zips that are no images
+    size_t waiting = 0; // of the copied: pieces of arcade boards whose other pieces are missing
+    size_t untold = 0;  // images of which nothing tells the machine
+    size_t failed = 0;  // what could not be read, copied or converted
+    size_t others = 0;  // files in folders and zips that are no images
 };
 
 // Called by the thread that adds.
 struct ADD_SINK {
-    std::function<void(const std::string& line)> note;  // a game that was made
-    std::function<void(const std::string& line)> fault; // what failed, and what nothing tells the machine of
+    std::function<void(const std::string& line)> note; // a game that was made
+    std::function<void(const std::string& line)>
+        fault; // what failed, and what nothing tells the machine of
     // The file in hand; first all files are looked at, then those that were copied are converted.
     std::function<void(size_t done, size_t total, const std::string& name)> progress;
 };

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "base/ranked_mutex.h"
+#include "library/folder_conversion.h"
 #include "library/game_database.h"
 #include "library/game_rows.h"
 #include "library/row_filter.h"
@@ -110,7 +111,14 @@ public:
 private:
     using Lock = RankedMutex<LockRank::kLeaf>;
 
+    void StartScan();
     void ScanWorker();
+    void Report(ConversionCount count, const std::wstring& line);
+    void List(std::vector<std::filesystem::path>& names);
+    [[nodiscard]] bool HasSources(const std::vector<std::filesystem::path>& names);
+    void Convert();
+    void ReadGames(const std::vector<std::filesystem::path>& names);
+    void ReadGame(const std::filesystem::path& path);
 
     CATALOGUE_HOOKS hooks;
     int32_t selector = 0;

@@ -60,7 +60,9 @@ void WalkFolder(const fs::path& first, WALK& walk) {
         for (const fs::path& entry : EntriesOf(folder, walk)) {
             const fs::file_status status = fs::status(entry, code);
             if (status.type() == fs::file_type::none || status.type() == fs::file_type::not_found) {
-                walk.Fault(entry, code ? code : std::make_error_code(std::errc::no_such_file_or_directory));
+                walk.Fault(entry, code
+                                      ? code
+                                      : std::make_error_code(std::errc::no_such_file_or_directory));
             } else if (fs::is_directory(status)) {
                 below.push_back(entry);
             } else if (fs::is_regular_file(status)) {

@@ -48,10 +48,10 @@ struct CONVERSION_SINK {
 struct CONVERSION {
     std::filesystem::path folder;
     uint16_t system = 0;
-    CGameDatabase* database = nullptr; // its pending list is emptied first
-    bool keepSources = false;          // the setting `library_keepsources`
+    CGameDatabase* database = nullptr;       // its pending list is emptied first
+    bool keepSources = false;                // the setting `library_keepsources`
     const std::atomic<bool>* stop = nullptr; // ends the conversion after the file in hand
-    unsigned threads = 0;              // 0: one for each processor
+    unsigned threads = 0;                    // 0: one for each processor
 };
 
 enum class ConversionEnd : uint8_t {
@@ -64,18 +64,3 @@ enum class ConversionEnd : uint8_t {
 // Takes the folder's lock, lists the folder and converts. Errors of single files are reported and
 // counted, and the others go on.
 ConversionEnd ConvertFolder(const CONVERSION& conversion, const CONVERSION_SINK& sink);
-
-inline constexpr const char* kSourcesFolder = "sources";
-
-// What a file of a system's folder is, by its extension.
-enum class FolderFile : uint8_t {
-    kGame,
-    kSource, // a game image or a zip
-    kOther,
-};
-[[nodiscard]] FolderFile KindOfFile(uint16_t system, const std::filesystem::path& name);
-
-// The names of a folder's files in alphabetical order, without folders and the conversion's own files.
-// False, with the names so far, when the folder cannot be read.
-[[nodiscard]] bool ListFolder(const std::filesystem::path& folder,
-                              std::vector<std::filesystem::path>& names, std::string& error);

@@ -4,8 +4,8 @@
 // every row of a list asks.
 // Pending files are a singly linked list, newest first. Their data is not kept: it is read again when
 // it is needed, and counts only if it still has the size and hash that it was queued with.
-// Owner: one thread at a time, but any number may ask Find, MatchEntry and AssembleEntry together
-// while nothing is queued or taken and each of them assembles another entry.
+// Owner: one thread at a time, but any number may call Find, MatchEntry, ReadPieces and PackEntry
+// together while nothing is queued or taken and no two pack the same entry.
 #pragma once
 
 #include "formats/game_file.h"
@@ -36,7 +36,8 @@ struct DIGEST_HASH {
 };
 
 // Reads a file, or an entry of a zip, whose name is compared in lower case. False when it cannot be read.
-using FileReader = std::function<bool(const std::filesystem::path& path, std::vector<uint8_t>& bytes)>;
+using FileReader =
+    std::function<bool(const std::filesystem::path& path, std::vector<uint8_t>& bytes)>;
 using MemberReader = std::function<bool(const std::filesystem::path& path, std::wstring_view member,
                                         std::vector<uint8_t>& bytes)>;
 
@@ -74,13 +75,18 @@ public:
                                         const MemberReader& readZipMember, std::string& outName,
                                         std::vector<uint8_t>& outData);
 
-    // The two halves of AssembleNextKnown, so that several entries can be assembled at once: the pending
-    // items of an entry's pieces, in their order (empty unless all are there, and without pieces); and
-    // the entry's `.game`, and the image in it, from them. The caller marks the items.
+    // The parts of AssembleNextKnown, so that several entries can be assembled at once. The caller marks
+    // the items.
+    // The pending items of an entry's pieces, in their order. Empty unless all are there, and for an
+    // entry without pieces.
     [[nodiscard]] std::vector<PendingFile*> MatchEntry(int index) const;
-    [[nodiscard]] bool AssembleEntry(int index, std::span<PendingFile* const> items,
-                                     const FileReader& readFile, const MemberReader& readZipMember,
-                                     std::vector<uint8_t>& outImage, std::vector<uint8_t>& outData);
+    // The data of these items, joined. False when one cannot be read or has changed since it was queued.
+    [[nodiscard]] static bool ReadPieces(std::span<PendingFile* const> items,
+                                         const FileReader& readFile,
+                                         const MemberReader& readZipMember,
+                                         std::vector<uint8_t>& image);
+    // An entry's `.game` from its image; empty when that is not of the entry's size.
+    [[nodiscard]] std::vector<uint8_t> PackEntry(int index, std::span<const uint8_t> image);
     // The file name, without extension, of the game assembled from an entry: its GADA text, else its
     // first title. Never a path: it names a file in the folder whatever the database says.
     [[nodiscard]] std::string NameOfEntry(int index) const;
@@ -94,8 +100,8 @@ private:
     std::unordered_set<Sha256Digest, DIGEST_HASH> romHashes;
     std::unordered_set<Sha256Digest, DIGEST_HASH> headerHashes;
     std::unique_ptr<PendingFile> pending;
-    // The newest pending item of each hash.
-    std::unordered_map<Sha256Digest, PendingFile*, DIGEST_HASH> newest;
+    // The pending items of each hash, the newest last.
+    std::unordered_map<Sha256Digest, std::vector<PendingFile*>, DIGEST_HASH> pendingOfHash;
     uint32_t queuedCount = 0;
     uint32_t producedCount = 0;
 };

@@ -63,9 +63,8 @@ std::vector<ARCHIVE_ENTRY> ImageEntries(std::vector<ARCHIVE_ENTRY> files,
     std::ranges::copy_if(files, std::back_inserter(images), [&](const ARCHIVE_ENTRY& entry) {
         return entry.system != 0 && (system == nullptr || system->system == entry.system);
     });
-    std::erase_if(files, [](const ARCHIVE_ENTRY& entry) {
-        return LowerExtension(entry.name) == ".zip";
-    });
+    std::erase_if(files,
+                  [](const ARCHIVE_ENTRY& entry) { return LowerExtension(entry.name) == ".zip"; });
     if (images.empty() && files.size() == 1 && system != nullptr) {
         files.front().system = system->system;
         return files;

@@ -46,13 +46,14 @@ inline constexpr size_t kYearCharacters = 12;
 
 // A line of the list, column by column.
 struct ROW_LINE {
-    std::wstring_view title;                      // column 0, in `statusColour`
+    std::wstring_view title; // column 0, in `statusColour`
     uint32_t statusColour;
-    std::array<int32_t, kRowFlags> images;        // columns 1 to 3: the row's flags, the last one first
-    std::array<wchar_t, kYearCharacters> year;    // column 4: "1991", or "----" if unknown; ends with 0
-    const std::filesystem::path* path;            // column 5
-    uint32_t nameIndex;                           // the value of column 5
-    std::wstring_view contentKey;                 // column 6
+    std::array<int32_t, kRowFlags> images; // columns 1 to 3: the row's flags, the last one first
+    std::array<wchar_t, kYearCharacters>
+        year;                          // column 4: "1991", or "----" if unknown; ends with 0
+    const std::filesystem::path* path; // column 5
+    uint32_t nameIndex;                // the value of column 5
+    std::wstring_view contentKey;      // column 6
     const GameListRow* row;
 };
 

@@ -1,9 +1,9 @@
+#include "facts/machine_facts.h"
 #include "formats/hand_made.h"
 #include "formats/zip.h"
 #include "library/add_games.h"
 #include "library/convert.h"
 
-#include "facts/machine_facts.h"
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -95,7 +95,10 @@ TEST(AddGames, FoldersAndZipsAreWalkedAndEveryImageGoesToItsMachine) {
     from.Write("a/one.sms", Bytes(1024, 1));
     from.Write("a/b/two.gg", Bytes(1024, 2));
     from.Write("three.rom", NesImage(3));
-    from.Write("four.zip", Zip({{"x/four.md", Bytes(1024, 4)}, {"five.bad", NesImage(5)}}));
+    from.Write("four.zip", Zip({
+                               {"x/four.md", Bytes(1024, 4)},
+                               {"five.bad",           NesImage(5)           }
+    }));
     const ADDED added = Add({from.Path()});
     EXPECT_THAT(added.faults, IsEmpty());
     EXPECT_EQ(added.counts.copied, 5u);
@@ -196,7 +199,8 @@ TEST(AddGames, DamagedGameFileIsNotCopied) {
     bool known = false;
     ASSERT_TRUE(ConvertImage(kSystemGameGear, "a", random.Fill(4096), {}, game, known));
     game[game.size() - 500] = static_cast<uint8_t>(game[game.size() - 500] ^ 1);
-    const ADDED added = Add({from.Write("a.game", game), from.Write("b.game", std::string(99, 'x'))});
+    const ADDED added =
+        Add({from.Write("a.game", game), from.Write("b.game", std::string(99, 'x'))});
     EXPECT_EQ(added.counts.failed, 2u);
     EXPECT_EQ(added.counts.copied, 0u);
     EXPECT_THAT(added.faults, ElementsAre(HasSubstr("a.game: is damaged, or no game file: v1.0"),
@@ -209,8 +213,15 @@ TEST(AddGames, PiecesOfABoardAreKnownByTheirHashesAndBecomeOneGame) {
     const TemporaryFolder from;
     const Bytes first(1024, 1);
     const Bytes second(32, 2);
-    WriteDatabase(home, "arcade.dat", kSystemArcade, {{"epr-1.ic7", first}, {"epr-2", second}});
-    from.Write("some.zip", Zip({{"7.bin", first}, {"note.txt", Bytes(9, 9)}}));
+    WriteDatabase(home, "arcade.dat", kSystemArcade,
+                  {
+                      {"epr-1.ic7", first },
+                      {"epr-2",     second}
+    });
+    from.Write("some.zip", Zip({
+                               {"7.bin",  first},
+                               { "note.txt", Bytes(9,    9)}
+    }));
     from.Write("named otherwise.sms", second);
     const ADDED added = Add({from.Path()});
     EXPECT_THAT(added.faults, IsEmpty());
@@ -226,7 +237,11 @@ TEST(AddGames, PieceOfABoardWaitsForTheOthers) {
     const TemporaryFolder from;
     const Bytes first(1024, 1);
     const Bytes second(32, 2);
-    WriteDatabase(home, "arcade.dat", kSystemArcade, {{"epr-1.ic7", first}, {"epr-2", second}});
+    WriteDatabase(home, "arcade.dat", kSystemArcade,
+                  {
+                      {"epr-1.ic7", first },
+                      {"epr-2",     second}
+    });
     EXPECT_EQ(Add({from.Write("one", first)}).counts.waiting, 1u);
     EXPECT_EQ(FilesIn(home.Path() / "arcade"), (Names{"one"}));
     EXPECT_EQ(Add({from.Write("two", second)}).counts.waiting, 0u);
@@ -240,13 +255,16 @@ TEST(AddGames, PieceOfABoardWaitsForTheOthers) {
 TEST(AddGames, FaultsAreNamedAndCountedAndTheOthersAreAdded) {
     const TemporaryHome home;
     const TemporaryFolder from;
-    Bytes broken = Zip({{"in.sms", Bytes(1024, 1)}});
+    Bytes broken = Zip({
+        {"in.sms", Bytes(1024, 1)}
+    });
     broken.resize(broken.size() / 2);
-    const ADDED added = Add({from.Path() / "missing.sms", from.Write("empty.sms", std::string_view()),
-                             from.Write("broken.zip", broken), from.Write("good.sms", Bytes(512, 1))});
-    EXPECT_THAT(added.faults,
-                ElementsAre(HasSubstr("missing.sms: cannot be opened"),
-                            HasSubstr("empty.sms: is empty"), HasSubstr("broken.zip: not a readable")));
+    const ADDED added =
+        Add({from.Path() / "missing.sms", from.Write("empty.sms", std::string_view()),
+             from.Write("broken.zip", broken), from.Write("good.sms", Bytes(512, 1))});
+    EXPECT_THAT(added.faults, ElementsAre(HasSubstr("missing.sms: cannot be opened"),
+                                          HasSubstr("empty.sms: is empty"),
+                                          HasSubstr("broken.zip: not a readable")));
     EXPECT_EQ(added.counts.failed, 3u);
     EXPECT_EQ(added.counts.copied, 1u);
     EXPECT_EQ(FilesIn(home.Path() / "sms"), (Names{"good.game"}));
@@ -264,10 +282,12 @@ TEST(AddGames, CopierHeaderWithoutAnImageIsAFault) {
 TEST(AddGames, NamesInAZipLeadNowhereElse) {
     const TemporaryHome home;
     const TemporaryFolder from;
-    from.Write("z.zip", Zip({{"../../up.sms", Bytes(512, 1)},
-                             {"/etc/root.sms", Bytes(512, 2)},
-                             {"..\\back.sms", Bytes(512, 3)},
-                             {"nul:*?.sms", Bytes(512, 4)}}));
+    from.Write("z.zip", Zip({
+                            {"../../up.sms",  Bytes(512, 1)},
+                            {"/etc/root.sms", Bytes(512, 2)},
+                            {"..\\back.sms",  Bytes(512, 3)},
+                            {"nul:*?.sms",    Bytes(512, 4)}
+    }));
     EXPECT_EQ(Add({from.Path()}).counts.copied, 4u);
     EXPECT_EQ(FilesIn(home.Path() / "sms"),
               (Names{"up.game", "root.game", "back.game", "nul___.game"}));

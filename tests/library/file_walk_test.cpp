@@ -11,7 +11,8 @@ namespace fs = std::filesystem;
 namespace {
 
 struct WALKED {
-    std::vector<std::string> names; // relative to the folder; those that were named have a "!" after them
+    std::vector<std::string>
+        names; // relative to the folder; those that were named have a "!" after them
     std::vector<std::string> faults;
 };
 
@@ -46,8 +47,7 @@ TEST(FileWalk, PathsKeepTheirOrderAndFilesAreNamed) {
     const TemporaryFolder folder;
     const fs::path file = folder.Write("z.sms", std::string_view("x"));
     folder.Write("a/1.sms", std::string_view("x"));
-    const WALKED walked =
-        Walk(folder, {file, folder.Path() / "a", folder.Path() / "missing.sms"});
+    const WALKED walked = Walk(folder, {file, folder.Path() / "a", folder.Path() / "missing.sms"});
     EXPECT_EQ(walked.names, (Names{"z.sms!", "a/1.sms", "missing.sms!"}));
 }
 

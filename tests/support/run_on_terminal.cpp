@@ -23,7 +23,7 @@ void RunChild(const std::string& program, const std::vector<std::string>& argume
         pointers.push_back(word.data());
     }
     pointers.push_back(nullptr);
-    alarm(kLongestSeconds); // survives exec and ends the program
+    alarm(kLongestSeconds);     // survives exec and ends the program
     setenv("TERM", "xterm", 1); // NOLINT(concurrency-mt-unsafe): the child has one thread
     execv(program.c_str(), pointers.data());
     _exit(127);

@@ -12,6 +12,6 @@ struct TERMINAL_RESULT {
 
 // While `interrupts` says so of what has been written so far, Ctrl-C is typed, again and again until the program
 // ends. One that hangs is killed after a time.
-[[nodiscard]] TERMINAL_RESULT RunOnTerminal(
-    const std::string& program, const std::vector<std::string>& arguments,
-    const std::function<bool(const std::string& screen)>& interrupts = {});
+[[nodiscard]] TERMINAL_RESULT
+RunOnTerminal(const std::string& program, const std::vector<std::string>& arguments,
+              const std::function<bool(const std::string& screen)>& interrupts = {});

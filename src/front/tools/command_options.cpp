@@ -189,6 +189,6 @@ COMMAND AddActions(CLI::App& app) {
 } // namespace
 
 std::vector<COMMAND> AddCommands(CLI::App& app) {
-    return {AddPlay(app), AddRoom(app),  AddAdd(app),     AddList(app),    AddConvert(app),
+    return {AddPlay(app),    AddRoom(app), AddAdd(app),     AddList(app),  AddConvert(app),
             AddExtract(app), AddInfo(app), AddActions(app), AddBench(app), AddGallery(app)};
 }

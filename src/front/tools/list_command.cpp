@@ -6,7 +6,7 @@
 #include "formats/game_file.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
-#include "library/folder_conversion.h"
+#include "library/folder_list.h"
 #include "library/game_database.h"
 #include "library/game_rows.h"
 #include "library/game_source.h"
@@ -58,12 +58,9 @@ bool ReadRows(const MACHINE_FACTS& machine, std::vector<GameListRow>& rows) {
 
 void PrintText(const MACHINE_FACTS& machine, const ROW_LINE& line) {
     const GameListRow& row = *line.row;
-    const std::string columns[] = {machine.shortName,
-                                   Utf8FromWide(row.title),
-                                   Utf8FromWide(line.year.data()),
-                                   Utf8FromWide(row.regions),
-                                   row.known ? "known" : "unknown",
-                                   row.path.string()};
+    const std::string columns[] = {
+        machine.shortName,         Utf8FromWide(row.title),         Utf8FromWide(line.year.data()),
+        Utf8FromWide(row.regions), row.known ? "known" : "unknown", row.path.string()};
     std::string text;
     for (const std::string& column : columns) {
         text += (text.empty() ? "" : "\t") + Printable(column);

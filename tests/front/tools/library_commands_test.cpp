@@ -1,13 +1,12 @@
 // Games made of files and files of games, with the built program.
 
-#include "front/tools/run_ombrelune.h"
-
 #include "formats/hand_made.h"
 #include "formats/zip.h"
+#include "front/tools/run_ombrelune.h"
+
 #include "support/run_on_terminal.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -42,8 +41,8 @@ TEST(Extract, GivesBackWhatWasConverted) {
         const fs::path games = home.Path() / "games";
         ASSERT_EQ(Ombrelune({"convert", rom.string(), "--out", games.string()}, home).exitCode, 0);
         const fs::path game = games / (rom.stem().string() + ".game");
-        const PROGRAM_RESULT result = Ombrelune(
-            {"extract", game.string(), "--out", (home.Path() / "back").string()}, home);
+        const PROGRAM_RESULT result =
+            Ombrelune({"extract", game.string(), "--out", (home.Path() / "back").string()}, home);
         EXPECT_EQ(result.exitCode, 0) << result.error;
         EXPECT_EQ(result.output, (home.Path() / "back" / name).string() + "\n");
         EXPECT_TRUE(home.Read("back/" + std::string(name)) == image) << name;
@@ -106,9 +105,9 @@ TEST(Extract, DamagedImageIsNotWritten) {
         Ombrelune({"convert", home.Write("a.sms", random.Fill(5000)).string()}, home).exitCode, 0);
     Bytes game = home.Read("a.game");
     game[game.size() - 1000] = static_cast<uint8_t>(game[game.size() - 1000] ^ 1);
-    const PROGRAM_RESULT result = Ombrelune({"extract", home.Write("a.game", game).string(), "--out",
-                                             (home.Path() / "out").string()},
-                                            home);
+    const PROGRAM_RESULT result = Ombrelune(
+        {"extract", home.Write("a.game", game).string(), "--out", (home.Path() / "out").string()},
+        home);
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.error, HasSubstr("a.game: v1.0: is damaged"));
     EXPECT_FALSE(fs::exists(home.Path() / "out" / "a.sms"));
@@ -148,8 +147,7 @@ TEST(Progress, CtrlCEndsCleanly) {
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const fs::path last = home.Write("z.sms", Bytes(99, 6));
     const TERMINAL_RESULT result = RunOnTerminal(
-        OmbrelunePath(),
-        WithHome({"convert", first.string(), pipe.string(), last.string()}, home),
+        OmbrelunePath(), WithHome({"convert", first.string(), pipe.string(), last.string()}, home),
         [](const std::string& screen) { return screen.find("pipe.sms") != std::string::npos; });
     EXPECT_EQ(result.exitCode, 130) << result.screen;
     EXPECT_THAT(result.screen, HasSubstr(kCursorHidden));

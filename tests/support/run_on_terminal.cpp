@@ -3,9 +3,11 @@
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -29,18 +31,20 @@ void RunChild(const std::string& program, const std::vector<std::string>& argume
     _exit(127);
 }
 
-// False once the program has closed the terminal.
-bool ReadSome(int terminal, std::string& screen) {
+enum class Heard : uint8_t { kText, kSilence, kEnd };
+
+// kEnd once the program has closed the terminal.
+Heard ReadSome(int terminal, std::string& screen) {
     pollfd wait{terminal, POLLIN, 0};
     if (poll(&wait, 1, kBetweenKeys) <= 0) {
-        return true;
+        return Heard::kSilence;
     }
     std::array<char, 4096> piece{};
     const ssize_t count = read(terminal, piece.data(), piece.size());
     if (count > 0) {
         screen.append(piece.data(), static_cast<size_t>(count));
     }
-    return count > 0;
+    return count > 0 ? Heard::kText : Heard::kEnd;
 }
 
 } // namespace
@@ -56,8 +60,9 @@ TERMINAL_RESULT RunOnTerminal(const std::string& program, const std::vector<std:
         RunChild(program, arguments);
     }
     TERMINAL_RESULT result;
-    while (ReadSome(terminal, result.screen)) {
-        if (interrupts && interrupts(result.screen) && write(terminal, &kCtrlC, 1) < 0) {
+    for (Heard heard{}; heard != Heard::kEnd; heard = ReadSome(terminal, result.screen)) {
+        if (heard == Heard::kSilence && interrupts && interrupts(result.screen) &&
+            write(terminal, &kCtrlC, 1) < 0) {
             break;
         }
     }

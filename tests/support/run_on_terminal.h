@@ -10,8 +10,8 @@ struct TERMINAL_RESULT {
     std::string screen; // everything that it wrote, control sequences included
 };
 
-// While `interrupts` says so of what has been written so far, Ctrl-C is typed, again and again until the program
-// ends. One that hangs is killed after a time.
+// When the program writes nothing for a moment and `interrupts` says so of what it has written, Ctrl-C is typed, again
+// and again until the program ends. One that hangs is killed after a time.
 [[nodiscard]] TERMINAL_RESULT
 RunOnTerminal(const std::string& program, const std::vector<std::string>& arguments,
               const std::function<bool(const std::string& screen)>& interrupts = {});

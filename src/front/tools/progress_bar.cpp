@@ -8,7 +8,6 @@
 namespace {
 
 constexpr size_t kBarWidth = 20;
-constexpr std::chrono::milliseconds kBetweenDrawings{50};
 
 // Of a terminal's control sequences. Without wrapping, a line that is too long is cut at the edge.
 constexpr const char* kToStartAndErase = "\r\x1B[K";
@@ -47,11 +46,9 @@ ProgressBar::~ProgressBar() {
 }
 
 void ProgressBar::Show(size_t done, size_t total, std::string_view name) {
-    const auto now = std::chrono::steady_clock::now();
-    if (!terminal || now < next) {
+    if (!terminal) {
         return;
     }
-    next = now + kBetweenDrawings;
     std::string text = cursorHidden ? "" : kHideCursor;
     text += kToStartAndErase;
     text += kNoWrap + ProgressText(done, total, name) + kWrap;
@@ -77,6 +74,5 @@ void ProgressBar::Clear() {
     if (drawn) {
         Draw(kToStartAndErase);
         drawn = false;
-        next = {};
     }
 }

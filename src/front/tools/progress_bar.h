@@ -5,7 +5,6 @@
 // One thread at a time.
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -20,7 +19,7 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    // Draws the line, a few times a second at most.
+    // Draws the line. Every time, as a file that takes long may follow at once on a short one.
     void Show(size_t done, size_t total, std::string_view name);
     // One line on standard output, and one on standard error.
     void Print(const std::string& line);
@@ -32,5 +31,4 @@ private:
     bool terminal;
     bool cursorHidden = false;
     bool drawn = false;
-    std::chrono::steady_clock::time_point next; // when it may be drawn again
 };

@@ -1,5 +1,6 @@
 // Games made of files and files of games, with the built program.
 
+#include "formats/game_file.h"
 #include "formats/hand_made.h"
 #include "formats/zip.h"
 #include "front/tools/run_ombrelune.h"
@@ -10,6 +11,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace fs = std::filesystem;
 
@@ -156,4 +158,165 @@ TEST(Progress, CtrlCEndsCleanly) {
     EXPECT_TRUE(fs::exists(home.Path() / "a.game"));
     EXPECT_FALSE(fs::exists(home.Path() / "z.game"));
     ExpectNothingHalfWritten(home.Path());
+}
+
+TEST(Add, ConvertsIntoTheLibraryAndListShowsIt) {
+    const TemporaryFolder home;
+    const TemporaryFolder from;
+    from.Write("a/Alpha.sms", Bytes(1024, 1));
+    from.Write("b/Beta.gg", Bytes(1024, 2));
+    const PROGRAM_RESULT added = Ombrelune({"add", from.Path().string()}, home);
+    EXPECT_EQ(added.exitCode, 0) << added.error;
+    EXPECT_EQ(added.output, "Converted unknown game: Alpha.game\n"
+                            "Converted unknown game: Beta.game\n"
+                            "2 added, 0 already there\n");
+    EXPECT_EQ(added.error, "");
+    EXPECT_THAT(Ombrelune({"add", from.Path().string()}, home).output,
+                EndsWith("0 added, 2 already there\n"));
+    const PROGRAM_RESULT list = Ombrelune({"list"}, home);
+    EXPECT_EQ(list.exitCode, 0);
+    EXPECT_EQ(list.output, "sms\tAlpha\t----\t\tunknown\t" +
+                               (home.Path() / "sms/Alpha.game").string() + "\n" +
+                               "gg\tBeta\t----\t\tunknown\t" +
+                               (home.Path() / "gamegear/Beta.game").string() + "\n");
+}
+
+TEST(Add, AsksForTheMachineWithExitCodeOne) {
+    const TemporaryFolder home;
+    const TemporaryFolder from;
+    const fs::path rom = from.Write("game.rom", Bytes(1024, 1));
+    const PROGRAM_RESULT untold = Ombrelune({"add", rom.string()}, home);
+    EXPECT_EQ(untold.exitCode, 1);
+    EXPECT_THAT(untold.error, HasSubstr("game.rom: nothing tells which machine it is for; add it "
+                                        "with --machine"));
+    EXPECT_EQ(untold.output, "0 added, 0 already there, 1 of an unknown machine\n");
+    EXPECT_EQ(Ombrelune({"add", rom.string(), "--machine", "nes"}, home).exitCode, 0);
+    EXPECT_TRUE(fs::exists(home.Path() / "nes" / "game.game"));
+    EXPECT_EQ(Ombrelune({"add"}, home).exitCode, 2);
+    EXPECT_EQ(Ombrelune({"add", rom.string(), "--machine", "toaster"}, home).exitCode, 2);
+}
+
+TEST(Add, CtrlCEndsCleanlyAndKeepsWhatWasCopied) {
+    const TemporaryFolder home;
+    const TemporaryFolder from;
+    const fs::path first = from.Write("a.sms", Bytes(1024, 5));
+    const fs::path pipe = from.Path() / "pipe.sms";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const fs::path last = from.Write("z.sms", Bytes(1024, 6));
+    const TERMINAL_RESULT result = RunOnTerminal(
+        OmbrelunePath(), WithHome({"add", first.string(), pipe.string(), last.string()}, home),
+        [](const std::string& screen) { return screen.find("pipe.sms") != std::string::npos; });
+    EXPECT_EQ(result.exitCode, 130) << result.screen;
+    EXPECT_THAT(result.screen, HasSubstr("1 added, 0 already there\r\n"));
+    EXPECT_THAT(result.screen, EndsWith(kCursorShown));
+    EXPECT_EQ(home.Read("sms/a.sms"), Bytes(1024, 5)) << "for the folder's next conversion";
+    EXPECT_FALSE(fs::exists(home.Path() / "sms" / "z.sms"));
+    ExpectNothingHalfWritten(home.Path());
+    EXPECT_THAT(Ombrelune({"add", last.string()}, home).output,
+                HasSubstr("Converted unknown game: a.game\n"));
+}
+
+namespace {
+
+// A game with three names, the last without a year.
+void WriteNamedGame(const TemporaryFolder& home, const std::string& file) {
+    const Bytes image(1024, 7);
+    CGameFile game;
+    game.Create(false, kSystemNes);
+    const struct {
+        const char* title;
+        const char* regions;
+        uint8_t year;
+    } names[] = {
+        {"Night Walk",  "EU", 89},
+        {"Yoru Aruki",  "J",  88},
+        {"Walk\tNight", "",   0 },
+    };
+    uint32_t index = 0;
+    for (const auto& row : names) {
+        NAME_RECORD name{};
+        std::memcpy(name.tag, "NAME", 4);
+        name.year = row.year;
+        name.playTypes = 3;
+        game.AddNameCopy(name, {});
+        NAME_TEXTS texts;
+        texts.title = row.title;
+        texts.regions = row.regions;
+        game.SetNameText(index++, texts);
+    }
+    game.AddRom("v1.0", Sha256(image), static_cast<uint32_t>(image.size()));
+    home.Write(file, game.WriteGame(image));
+}
+
+} // namespace
+
+TEST(List, EveryNameIsALineAndTheTextIsSearchedInAnyCase) {
+    const TemporaryFolder home;
+    WriteNamedGame(home, "nes/walk.game");
+    const std::string path = (home.Path() / "nes/walk.game").string();
+    EXPECT_EQ(Ombrelune({"list"}, home).output,
+              "nes\tNight Walk\t1989\tEU\tunknown\t" + path + "\n" +
+                  "nes\tYoru Aruki\t1988\tJ\tunknown\t" + path + "\n" +
+                  "nes\tWalk?Night\t----\t\tunknown\t" + path + "\n");
+    EXPECT_EQ(Ombrelune({"list", "--name", "ARUKI"}, home).output,
+              "nes\tYoru Aruki\t1988\tJ\tunknown\t" + path + "\n");
+    EXPECT_EQ(Ombrelune({"list", "--machine", "md"}, home).output, "");
+    EXPECT_EQ(Ombrelune({"list", "--name", "nothing"}, home).exitCode, 0);
+    EXPECT_EQ(Ombrelune({"list", "--machine", "toaster"}, home).exitCode, 2);
+}
+
+TEST(List, JsonHoldsWhatARowHolds) {
+    const TemporaryFolder home;
+    WriteNamedGame(home, "nes/walk.game");
+    const std::string path = (home.Path() / "nes/walk.game").string();
+    EXPECT_EQ(Ombrelune({"list", "--json", "--name", "walk"}, home).output,
+              R"([
+  {
+    "machine": "nes",
+    "title": "Night Walk",
+    "year": 1989,
+    "regions": "EU",
+    "playTypes": 3,
+    "known": false,
+    "nameIndex": 0,
+    "contentKey": "",
+    "path": ")" + path +
+                  R"("
+  },
+  {
+    "machine": "nes",
+    "title": "Walk\tNight",
+    "year": null,
+    "regions": "",
+    "playTypes": 3,
+    "known": false,
+    "nameIndex": 2,
+    "contentKey": "",
+    "path": ")" + path +
+                  R"("
+  }
+]
+)");
+    EXPECT_EQ(Ombrelune({"list", "--json", "--machine", "md"}, home).output, "[]\n");
+}
+
+TEST(List, NameThatIsNoUtf8BreaksNoJson) {
+    const TemporaryFolder home;
+    WriteNamedGame(home, "nes/\xFF\xFEwalk.game");
+    const PROGRAM_RESULT result = Ombrelune({"list", "--json"}, home);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_THAT(result.output, HasSubstr("\xEF\xBF\xBD\xEF\xBF\xBDwalk.game"));
+}
+
+TEST(List, GameThatCannotBeReadIsNamedAndTheOthersAreListed) {
+    const TemporaryFolder home;
+    WriteNamedGame(home, "nes/walk.game");
+    home.Write("nes/a.game", std::string(100, 'x'));
+    home.Write("nes/source.nes", std::string(100, 'x'));
+    WriteNamedGame(home, "sms/of another machine.game");
+    const PROGRAM_RESULT result = Ombrelune({"list"}, home);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr("a.game: is not a game file"));
+    EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\n'), 3);
+    EXPECT_TRUE(fs::exists(home.Path() / "nes" / "source.nes")) << "nothing is converted";
 }

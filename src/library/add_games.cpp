@@ -85,6 +85,22 @@ bool BoardsAreThere(const SHELF& shelf, const Sha256Digest& piece) {
     return true;
 }
 
+// The hashes by which a file may be known: of its bytes, and of them in order if it is an interleaved dump.
+struct IDENTITY {
+    Sha256Digest plain;
+    Sha256Digest inOrder;
+
+    [[nodiscard]] const Sha256Digest& For(uint16_t system) const {
+        return system == kSystemMegaDrive ? inOrder : plain;
+    }
+};
+
+IDENTITY IdentityOf(std::span<const uint8_t> bytes) {
+    const std::vector<uint8_t> inOrder = PrepareImage(kSystemMegaDrive, bytes);
+    const Sha256Digest plain = Sha256(bytes);
+    return {plain, inOrder.size() == bytes.size() ? plain : Sha256(inOrder)};
+}
+
 class GameAdder {
 public:
     GameAdder(const ADD_REQUEST& addRequest, const ADD_SINK& addSink);
@@ -98,11 +114,13 @@ private:
     void TakeImage(const WALKED_FILE& file, const FOUND_IMAGE& image);
     void TakeGame(const std::string& label, const FOUND_IMAGE& image);
     [[nodiscard]] SHELF* ShelfOf(const WALKED_FILE& file, const FOUND_IMAGE& image,
-                                 const Sha256Digest& plain, const Sha256Digest& prepared);
+                                 const IDENTITY& identity);
+    void Place(SHELF& shelf, const std::string& label, const FOUND_IMAGE& image,
+               const IDENTITY& identity);
     [[nodiscard]] SHELF* FindShelf(uint16_t system);
     void Copy(SHELF& shelf, const fs::path& stem, const std::string& extension,
               std::span<const uint8_t> bytes);
-    void Convert(SHELF& shelf, size_t& done, size_t total);
+    void Convert(SHELF& shelf, size_t done, size_t total);
     void CountWaiting(const SHELF& shelf);
 
     const ADD_REQUEST& request;
@@ -151,14 +169,13 @@ bool IsNamed(const WALKED_FILE& file) {
 
 // Null if nothing tells the machine.
 SHELF* GameAdder::ShelfOf(const WALKED_FILE& file, const FOUND_IMAGE& image,
-                          const Sha256Digest& plain, const Sha256Digest& prepared) {
+                          const IDENTITY& identity) {
     const uint16_t asked = request.machine != nullptr ? request.machine->system : 0;
     if (asked != 0 && IsNamed(file)) {
         return FindShelf(asked);
     }
     for (SHELF& shelf : shelves) {
-        const bool megaDrive = shelf.machine->system == kSystemMegaDrive;
-        if (shelf.database.FindKnownRom(megaDrive ? prepared : plain)) {
+        if (shelf.database.FindKnownRom(identity.For(shelf.machine->system))) {
             return &shelf;
         }
     }
@@ -176,7 +193,8 @@ void GameAdder::Copy(SHELF& shelf, const fs::path& stem, const std::string& exte
         Fault(error);
         return;
     }
-    ++result.copied;
+    // One that an interrupted run has left is converted now.
+    ++(placed.alreadyThere ? result.alreadyThere : result.copied);
     shelf.copies.push_back(placed.path);
 }
 
@@ -216,48 +234,46 @@ void GameAdder::TakeGame(const std::string& label, const FOUND_IMAGE& image) {
 void GameAdder::TakeImage(const WALKED_FILE& file, const FOUND_IMAGE& image) {
     const std::string label =
         file.path.string() + (file.path.filename() == image.name ? "" : ": " + image.name);
-    const fs::path name(image.name);
-    if (HasExtension(name, ".game")) {
+    if (HasExtension(image.name, ".game")) {
         TakeGame(label, image);
         return;
     }
-    const std::vector<uint8_t> preparedImage = PrepareImage(kSystemMegaDrive, image.bytes);
-    const Sha256Digest plain = Sha256(image.bytes);
-    const Sha256Digest prepared =
-        preparedImage.size() == image.bytes.size() ? plain : Sha256(preparedImage);
-    SHELF* const shelf = ShelfOf(file, image, plain, prepared);
-    if (shelf == nullptr) {
-        if (!IsNamed(file) && !MayBeImage(image.bytes.size())) {
-            ++result.others;
-            return;
-        }
+    const IDENTITY identity = IdentityOf(image.bytes);
+    if (SHELF* const shelf = ShelfOf(file, image, identity)) {
+        Place(*shelf, label, image, identity);
+    } else if (IsNamed(file) || MayBeImage(image.bytes.size())) {
         ++result.untold;
         sink.fault(label + ": nothing tells which machine it is for; add it with --machine");
-        return;
+    } else {
+        ++result.others;
     }
-    const uint16_t system = shelf->machine->system;
+}
+
+void GameAdder::Place(SHELF& shelf, const std::string& label, const FOUND_IMAGE& image,
+                      const IDENTITY& identity) {
+    const uint16_t system = shelf.machine->system;
+    const bool arcade = system == kSystemArcade;
+    const Sha256Digest& hash = identity.For(system);
     if (IsBareCopierHeader(system, image.bytes)) {
         Fault(label + ": is only a copier's header, without a Mega Drive image");
         return;
     }
-    const bool arcade = system == kSystemArcade;
-    if (arcade && !shelf->database.FindKnownRom(plain)) {
+    if (arcade && !shelf.database.FindKnownRom(hash)) {
         Fault(label + ": is no piece of a board that the database knows");
         return;
     }
-    Look(*shelf);
-    const Sha256Digest& identity = system == kSystemMegaDrive ? prepared : plain;
+    Look(shelf);
     // Copied once, a piece of a board goes into all games that need it.
-    if (arcade ? BoardsAreThere(*shelf, identity) : shelf->pieces.contains(identity)) {
+    if (arcade ? BoardsAreThere(shelf, hash) : shelf.pieces.contains(hash)) {
         ++result.alreadyThere;
         return;
     }
-    const bool fits = ValidExtension(system, image.name);
-    Copy(*shelf, FileNameFromTitle(arcade ? name.stem().string() : image.stem),
-         fits ? FileNameFromTitle(name.extension().string()) : UsualExtension(system), image.bytes);
-    if (!arcade) {
-        shelf->pieces.insert(identity);
-    }
+    const fs::path name(image.name);
+    const std::string extension = ValidExtension(system, image.name)
+                                      ? FileNameFromTitle(name.extension().string())
+                                      : UsualExtension(system);
+    Copy(shelf, FileNameFromTitle(image.stem), extension, image.bytes);
+    shelf.pieces.insert(hash);
 }
 
 void GameAdder::TakeFile(const WALKED_FILE& file) {
@@ -273,7 +289,8 @@ void GameAdder::TakeFile(const WALKED_FILE& file) {
     }
 }
 
-void GameAdder::Convert(SHELF& shelf, size_t& done, size_t total) {
+// `done` of the `total` copies have been converted before.
+void GameAdder::Convert(SHELF& shelf, size_t done, size_t total) {
     CONVERSION conversion;
     conversion.folder = shelf.folder;
     conversion.system = shelf.machine->system;
@@ -291,11 +308,13 @@ void GameAdder::Convert(SHELF& shelf, size_t& done, size_t total) {
         case ConversionCount::kSkipped: break;                // was in the folder before
         }
     };
-    conversionSink.progress = [](double) {};
+    const auto share = static_cast<double>(shelf.copies.size());
+    size_t doneHere = 0;
+    conversionSink.progress = [&](double part) { doneHere = static_cast<size_t>(part * share); };
     conversionSink.file = [&](const fs::path& path) {
-        sink.progress(std::min(done++, total), total, path.filename().string());
+        sink.progress(done + doneHere, total, path.filename().string());
     };
-    static_cast<void>(ConvertFolder(conversion, conversionSink));
+    static_cast<void>(ConvertFolder(conversion, conversionSink)); // it has reported everything
     CountWaiting(shelf);
 }
 
@@ -322,11 +341,16 @@ ADDED_GAMES GameAdder::Run() {
         sink.progress(i, files.size(), files[i].path.filename().string());
         TakeFile(files[i]);
     }
+    size_t total = 0;
+    for (const SHELF& shelf : shelves) {
+        total += shelf.copies.size();
+    }
     size_t done = 0;
     for (SHELF& shelf : shelves) {
         if (!shelf.copies.empty() && !Stopped()) {
-            Convert(shelf, done, result.copied);
+            Convert(shelf, done, total);
         }
+        done += shelf.copies.size();
     }
     return result;
 }

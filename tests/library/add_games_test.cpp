@@ -244,6 +244,11 @@ TEST(AddGames, PieceOfABoardWaitsForTheOthers) {
     });
     EXPECT_EQ(Add({from.Write("one", first)}).counts.waiting, 1u);
     EXPECT_EQ(FilesIn(home.Path() / "arcade"), (Names{"one"}));
+    const ADDED again = Add({from.Path() / "one"});
+    EXPECT_EQ(again.counts.copied, 0u);
+    EXPECT_EQ(again.counts.alreadyThere, 1u);
+    EXPECT_EQ(again.counts.waiting, 1u);
+    EXPECT_EQ(FilesIn(home.Path() / "arcade"), (Names{"one"}));
     EXPECT_EQ(Add({from.Write("two", second)}).counts.waiting, 0u);
     EXPECT_EQ(FilesIn(home.Path() / "arcade"), (Names{"board.game"}));
     const ADDED unknown = Add({from.Write("three", Bytes(512, 3))}, "arcade");
@@ -268,6 +273,40 @@ TEST(AddGames, FaultsAreNamedAndCountedAndTheOthersAreAdded) {
     EXPECT_EQ(added.counts.failed, 3u);
     EXPECT_EQ(added.counts.copied, 1u);
     EXPECT_EQ(FilesIn(home.Path() / "sms"), (Names{"good.game"}));
+}
+
+// As an interrupted run leaves them.
+TEST(AddGames, CopyThatWaitsInTheFolderIsConverted) {
+    const TemporaryHome home;
+    const TemporaryFolder from;
+    home.Write("sms/a.sms", Bytes(1024, 1));
+    EXPECT_EQ(Add({from.Write("a.sms", Bytes(1024, 1))}).counts.alreadyThere, 1u);
+    EXPECT_EQ(FilesIn(home.Path() / "sms"), (Names{"a.game"}));
+}
+
+// Two boards share a piece: the first being there is no reason to leave the piece out of the second.
+TEST(AddGames, PieceOfTwoBoardsGoesIntoBoth) {
+    const TemporaryHome home;
+    const TemporaryFolder from;
+    const Bytes shared(1024, 1);
+    const auto entry = [&](const char* name, const Bytes& own) {
+        CGameFile game;
+        game.Create(true, kSystemArcade);
+        game.SetGadaText(name);
+        game.AddNameFromTitle(name, 0, 1, {});
+        game.AddRom("shared", Sha256(shared), 1024);
+        game.AddRom("own", Sha256(own), static_cast<uint32_t>(own.size()));
+        EXPECT_TRUE(game.LinkRom(0, 0) && game.LinkRom(0, 1));
+        game.ComputeHeaderHash();
+        return game.Serialise(true);
+    };
+    home.Write("dat/arcade.dat", entry("first", Bytes(512, 2)) + entry("second", Bytes(512, 3)));
+    const fs::path piece = from.Write("shared", shared);
+    ASSERT_EQ(Add({piece, from.Write("own", Bytes(512, 2))}).counts.copied, 2u);
+    EXPECT_EQ(FilesIn(home.Path() / "arcade"), (Names{"first.game"}));
+    EXPECT_EQ(Add({piece, from.Write("own", Bytes(512, 3))}).counts.copied, 2u);
+    EXPECT_EQ(FilesIn(home.Path() / "arcade"), (Names{"first.game", "second.game"}));
+    EXPECT_EQ(Add({piece}).counts.alreadyThere, 1u);
 }
 
 TEST(AddGames, CopierHeaderWithoutAnImageIsAFault) {

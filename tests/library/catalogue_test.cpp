@@ -183,7 +183,10 @@ TEST_F(CatalogueTest, FolderOfGamesGoesStraightToItsEnd) {
 
 TEST_F(CatalogueTest, ConversionCountsAndLogs) {
     const Bytes known = Noise(1, 1000);
-    entries = EntryOf(5, "known", {{"x", known}});
+    entries = EntryOf(5, "known",
+                      {
+                          {"x", known}
+    });
     home.Write("nes/k.nes", known);
     home.Write("nes/u.NES", Noise(2, 1000));
     home.Write("nes/readme.txt", "text");

@@ -3,13 +3,13 @@
 #include "library/game_folder.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <ctime>
 #include <fstream>
 #include <iterator>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -37,10 +37,20 @@ public:
         const Bytes one = random.Fill(3072);
         const Bytes two = random.Fill(1024);
         Add("one.bin", one, one);
-        Add("two.zip", ZipOf({{"two.bin", two}}), two);
-        const Bytes zip = ZipOf({{"a.bin", random.Fill(2048)}});
+        Add("two.zip",
+            ZipOf({
+                {"two.bin", two}
+        }),
+            two);
+        const Bytes zip = ZipOf({
+            {"a.bin", random.Fill(2048)}
+        });
         Add("unknown.zip", zip, zip);
-        entries = EntryOf(kMegaDrive, "both", {{"one", one}, {"two", two}}) +
+        entries = EntryOf(kMegaDrive, "both",
+                          {
+                              {"one", one},
+                              {"two", two}
+        }) +
                   EntryOf(kMegaDrive, "known", {{"x", files[1].image}});
     }
 
@@ -70,9 +80,7 @@ public:
         return {};
     }
     // Whether there are both games and sources.
-    [[nodiscard]] bool IsMidway() const {
-        return !Images().empty() && !Unfinished().empty();
-    }
+    [[nodiscard]] bool IsMidway() const { return !Images().empty() && !Unfinished().empty(); }
     [[nodiscard]] const Bytes& Entries() const { return entries; }
 
 private:

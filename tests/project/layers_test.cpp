@@ -88,9 +88,10 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"libzip",           {"zip.h"},                          {"formats"}},
     {"liblzma",          {"lzma.h"},                         {"formats"}},
     {"OpenSSL",          {"openssl/"},                       {"formats"}},
+    {"SQLite",           {"sqlite3"},                        {"catalogue"}},
 
     {"the processor",    {"immintrin.h"},                    {"machine"}},
-    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "unistd.h"}, {"base", "front"}},
+    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "sys/stat.h", "unistd.h"}, {"base", "front"}},
 };
 // clang-format on
 

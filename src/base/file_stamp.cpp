@@ -7,10 +7,11 @@
 #include <fstream>
 #include <system_error>
 #else
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
 #endif
 
 #ifdef _WIN32
@@ -22,9 +23,10 @@ bool StampFile(const std::filesystem::path& path, FILE_STAMP& stamp) {
         return false;
     }
     const auto modified = std::filesystem::last_write_time(path, code);
-    stamp.modified = std::chrono::duration_cast<std::chrono::nanoseconds>(
-                         std::chrono::clock_cast<std::chrono::system_clock>(modified).time_since_epoch())
-                         .count();
+    stamp.modified =
+        std::chrono::duration_cast<std::chrono::nanoseconds>(
+            std::chrono::clock_cast<std::chrono::system_clock>(modified).time_since_epoch())
+            .count();
     return !code;
 }
 

@@ -30,8 +30,10 @@ constexpr const char* kMakeTable =
     "PRAGMA user_version = 1;";
 constexpr std::string_view kSelectFolder =
     "SELECT name, length, modified, records, checksum FROM files WHERE folder = ?1";
-constexpr std::string_view kInsert = "INSERT OR REPLACE INTO files (folder, name, length, modified, "
-                                     "records, checksum) VALUES (?1, ?2, ?3, ?4, ?5, ?6)";
+constexpr std::string_view kCountFolder = "SELECT count(*) FROM files WHERE folder = ?1";
+constexpr std::string_view kInsert =
+    "INSERT OR REPLACE INTO files (folder, name, length, modified, "
+    "records, checksum) VALUES (?1, ?2, ?3, ?4, ?5, ?6)";
 constexpr std::string_view kDelete = "DELETE FROM files WHERE folder = ?1 AND name = ?2";
 
 std::span<const uint8_t> BytesOf(std::string_view text) {
@@ -176,13 +178,14 @@ std::string LibraryIndex::KeyOfFolder(const std::string& folder) const {
 }
 
 void LibraryIndex::LoadFolder(const fs::path& folder) {
-    const std::string path = folder.has_filename() ? folder.string() : folder.parent_path().string();
+    const std::string path =
+        folder.has_filename() ? folder.string() : folder.parent_path().string();
     FOLDER loaded;
     {
         const std::scoped_lock lock(databaseMutex);
         loaded.key = KeyOfFolder(path);
-        if (database.IsOpen() && !QueryFolder(loaded) &&
-            database.Fault() == SqliteFault::kDamaged) {
+        bool sound = true;
+        if (database.IsOpen() && !QueryFolder(loaded, sound) && !sound) {
             loaded.files.clear();
             if (!MakeAnew()) {
                 database.Close();
@@ -195,11 +198,13 @@ void LibraryIndex::LoadFolder(const fs::path& folder) {
     known.files.merge(loaded.files); // what was read since the last Commit stays
 }
 
-bool LibraryIndex::QueryFolder(FOLDER& folder) {
+bool LibraryIndex::QueryFolder(FOLDER& folder, bool& sound) {
     SqliteStatement select(database, kSelectFolder);
     select.Bind(1, BytesOf(folder.key));
-    for (int row = 0; row < kMostRows && select.NextRow(); ++row) {
+    std::string last;
+    for (int row = 0; sound && select.NextRow(); ++row) {
         REMEMBERED remembered;
+        std::string name = TextOf(select.Bytes(0));
         remembered.stamp.bytes = static_cast<uint64_t>(select.Integer(1));
         remembered.stamp.modified = select.Integer(2);
         const auto records = select.Bytes(3);
@@ -208,9 +213,13 @@ bool LibraryIndex::QueryFolder(FOLDER& folder) {
             remembered.records.assign(records.begin(), records.end());
             std::memcpy(remembered.checksum.data(), checksum.data(), checksum.size());
         } // else the checksum is wrong, and says that the database is damaged
-        folder.files.insert_or_assign(TextOf(select.Bytes(0)), std::move(remembered));
+        // Names that are not in the order of the key would be lost to every later search.
+        sound = row < kMostRows && (row == 0 || last < name);
+        last = name;
+        folder.files.insert_or_assign(std::move(name), std::move(remembered));
     }
-    return !select.Failed();
+    sound &= !select.Failed() || database.Fault() != SqliteFault::kDamaged;
+    return sound && !select.Failed();
 }
 
 Sha256Digest LibraryIndex::ChecksumOf(std::string_view folderKey, std::string_view name,
@@ -302,18 +311,19 @@ void LibraryIndex::Commit() {
         all = std::exchange(damaged, false);
     }
     const std::scoped_lock lock(databaseMutex);
-    if (!database.IsOpen() || (all && !MakeAnew()) || Write(done, all)) {
+    bool sound = true;
+    if (!database.IsOpen() || (all && !MakeAnew()) || Write(done, all, sound)) {
         return;
     }
     std::string ignored;
-    const bool again = database.Fault() == SqliteFault::kMoved     ? Prepare(ignored)
-                       : database.Fault() == SqliteFault::kDamaged && MakeAnew();
+    const bool again =
+        database.Fault() == SqliteFault::kMoved ? Prepare(ignored) : !sound && MakeAnew();
     if (again) {
-        (void)Write(done, true);
+        (void)Write(done, true, sound);
     }
 }
 
-bool LibraryIndex::Write(const Folders& done, bool all) {
+bool LibraryIndex::Write(const Folders& done, bool all, bool& sound) {
     bool changed = false;
     for (const auto& [path, folder] : done) {
         for (const auto& [name, remembered] : folder.files) {
@@ -324,15 +334,31 @@ bool LibraryIndex::Write(const Folders& done, bool all) {
         return true;
     }
     SqliteTransaction transaction(database);
-    if (!transaction.Begun()) {
+    bool written = transaction.Begun();
+    for (const auto& [path, folder] : done) {
+        written = written && WriteFolder(path, folder, all) && HasRows(folder, sound);
+    }
+    written = written && transaction.Commit();
+    sound &= database.Fault() != SqliteFault::kDamaged;
+    return written;
+}
+
+// In a tree with a wrong key rows go where no search looks for them.
+bool LibraryIndex::HasRows(const FOLDER& folder, bool& sound) {
+    int64_t current = 0;
+    for (const auto& [name, remembered] : folder.files) {
+        current += remembered.state == REMEMBERED::State::kCurrent ||
+                           remembered.state == REMEMBERED::State::kRead
+                       ? 1
+                       : 0;
+    }
+    SqliteStatement count(database, kCountFolder);
+    count.Bind(1, BytesOf(folder.key));
+    if (!count.NextRow()) {
         return false;
     }
-    for (const auto& [path, folder] : done) {
-        if (!WriteFolder(path, folder, all)) {
-            return false;
-        }
-    }
-    return transaction.Commit();
+    sound = count.Integer(0) >= current;
+    return sound;
 }
 
 bool LibraryIndex::WriteFolder(const std::string& path, const FOLDER& folder, bool all) {

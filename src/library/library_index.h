@@ -79,9 +79,11 @@ private:
     [[nodiscard]] bool IsUsable();
     [[nodiscard]] bool MakeTable();
     [[nodiscard]] bool MakeAnew();
-    [[nodiscard]] bool QueryFolder(FOLDER& folder);
-    [[nodiscard]] bool Write(const Folders& done, bool all);
+    // `sound` becomes false for a damaged database.
+    [[nodiscard]] bool QueryFolder(FOLDER& folder, bool& sound);
+    [[nodiscard]] bool Write(const Folders& done, bool all, bool& sound);
     [[nodiscard]] bool WriteFolder(const std::string& path, const FOLDER& folder, bool all);
+    [[nodiscard]] bool HasRows(const FOLDER& folder, bool& sound);
 
     [[nodiscard]] std::string KeyOfFolder(const std::string& folder) const;
     [[nodiscard]] bool Recall(std::string_view folder, std::string_view name,

@@ -13,19 +13,15 @@ SqliteFault FaultOfCode(int code) {
     switch (code & 0xFF) { // the kind; the bits above it say more
     case SQLITE_OK:
     case SQLITE_ROW:
-    case SQLITE_DONE:
-        return SqliteFault::kNone;
+    case SQLITE_DONE: return SqliteFault::kNone;
     case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-        return SqliteFault::kBusy;
+    case SQLITE_LOCKED: return SqliteFault::kBusy;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
     case SQLITE_TOOBIG: // no value this long is written
         return SqliteFault::kDamaged;
-    case SQLITE_READONLY:
-        return SqliteFault::kReadOnly;
-    default:
-        return SqliteFault::kOther;
+    case SQLITE_READONLY: return SqliteFault::kReadOnly;
+    default: return SqliteFault::kOther;
     }
 }
 
@@ -97,7 +93,8 @@ bool SqliteDatabase::Empty() {
     return emptied;
 }
 
-SqliteStatement::SqliteStatement(SqliteDatabase& owner, std::string_view sql) : database(owner) {
+SqliteStatement::SqliteStatement(SqliteDatabase& owner, std::string_view sql)
+    : database(owner) {
     failed = !database.Note(sqlite3_prepare_v2(database.handle, sql.data(),
                                                static_cast<int>(sql.size()), &statement, nullptr));
 }
@@ -158,7 +155,8 @@ std::string_view SqliteStatement::Text(int column) const {
 }
 
 SqliteTransaction::SqliteTransaction(SqliteDatabase& owner)
-    : database(owner), open(owner.Execute("BEGIN IMMEDIATE")) {}
+    : database(owner)
+    , open(owner.Execute("BEGIN IMMEDIATE")) {}
 
 SqliteTransaction::~SqliteTransaction() {
     if (open) {

@@ -1,8 +1,8 @@
 #include "base/file_stamp.h"
 
 #include "support/temporary_folder.h"
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -22,7 +22,10 @@ Bytes Text(std::string_view text) {
 TEST(FileStamp, HoldsTheLengthAndTheTimeInNanoseconds) {
     const TemporaryFolder folder;
     const fs::path file = folder.Write("a", "12345");
-    const timespec times[2] = {{0, 0}, {1'000'000'000, 123'456'789}};
+    const timespec times[2] = {
+        {0,             0          },
+        {1'000'000'000, 123'456'789}
+    };
     ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
     FILE_STAMP stamp;
     ASSERT_TRUE(StampFile(file, stamp));

@@ -50,7 +50,8 @@ protected:
         EXPECT_TRUE(index.Open(Database(), error)) << error;
         return ScanWith(index, filesRead);
     }
-    std::map<std::string, std::string> ScanWith(LibraryIndex& index, uint64_t* filesRead = nullptr) {
+    std::map<std::string, std::string> ScanWith(LibraryIndex& index,
+                                                uint64_t* filesRead = nullptr) {
         std::map<std::string, std::string> titles;
         const uint64_t before = index.FilesRead();
         index.LoadFolder(Games());
@@ -82,4 +83,3 @@ protected:
 
     TemporaryFolder home;
 };
-

@@ -39,8 +39,8 @@ const fs::path& Home() {
             const std::string title = "A Game of Some Length " + std::to_string(i);
             // In an order that is not that of the names, as copying or converting makes it.
             const std::string name = std::to_string(i * 7919 % kFiles) + " " + title;
-            const fs::path file = folder.Write("sms/" + name + ".game",
-                                               MadeGame(title, kNames, kPackedBytes));
+            const fs::path file =
+                folder.Write("sms/" + name + ".game", MadeGame(title, kNames, kPackedBytes));
             SetAge(file, std::chrono::hours(1));
         }
         sync();

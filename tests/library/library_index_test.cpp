@@ -244,35 +244,37 @@ TEST_F(Library, TheDatabaseMayBeDeletedBetweenScansAndDuringOne) {
     EXPECT_EQ(FilesReadByAScan(), 0U) << "with the files that had been remembered before";
 }
 
-TEST_F(Library, WhatIsNoUsableDatabaseIsMadeAnew) {
-    const auto put = [&](std::string_view bytes) { home.Write(kDatabase, bytes); };
-    const auto putSql = [&](const char* sql) {
+TEST_F(Library, AFileThatIsNoDatabaseIsMadeAnew) {
+    const std::string contents[] = {"", "x", std::string(100'000, 'x'), "SQLite format 3"};
+    Put("a.game", kOne);
+    for (const std::string& content : contents) {
+        home.Write(kDatabase, content);
+        EXPECT_EQ(Scan()["a.game"], kOne) << content;
+        EXPECT_EQ(FilesReadByAScan(), 0U) << content;
+        EXPECT_EQ(Rows(), 1) << content;
+    }
+}
+
+TEST_F(Library, ADatabaseOfAnotherVersionOrProgramIsMadeAnew) {
+    const char* databases[] = {
+        "CREATE TABLE files (a); PRAGMA user_version = 2",
+        "CREATE TABLE files (folder, name)",
+        "CREATE TABLE files (a); PRAGMA user_version = 1",
+        "CREATE TABLE other (a)",
+        "PRAGMA user_version = 1",
+        "CREATE VIEW files AS SELECT 1 AS folder, 2 AS name, 3 AS length, 4 AS modified, "
+        "5 AS records, 6 AS checksum; PRAGMA user_version = 1",
+    };
+    Put("a.game", kOne);
+    for (const char* sql : databases) {
         fs::remove(Database());
         SqliteDatabase database;
         ASSERT_TRUE(database.Open(Database()));
         ASSERT_TRUE(database.Execute(sql)) << database.Error();
-    };
-    const std::vector<std::pair<const char*, std::function<void()>>> cases = {
-        {"empty", [&] { put(""); }},
-        {"one byte", [&] { put("x"); }},
-        {"text", [&] { put(std::string(100'000, 'x')); }},
-        {"a database's first bytes alone", [&] { put("SQLite format 3"); }},
-        {"a later version", [&] { putSql("CREATE TABLE files (a); PRAGMA user_version = 2"); }},
-        {"another program's", [&] { putSql("CREATE TABLE files (folder, name)"); }},
-        {"other columns", [&] { putSql("CREATE TABLE files (a); PRAGMA user_version = 1"); }},
-        {"no table", [&] { putSql("PRAGMA user_version = 1"); }},
-        {"a view",
-         [&] {
-             putSql("CREATE VIEW files AS SELECT 1 AS folder, 2 AS name, 3 AS length, "
-                    "4 AS modified, 5 AS records, 6 AS checksum; PRAGMA user_version = 1");
-         }},
-    };
-    Put("a.game", kOne);
-    for (const auto& [what, prepare] : cases) {
-        prepare();
-        EXPECT_EQ(Scan()["a.game"], kOne) << what;
-        EXPECT_EQ(FilesReadByAScan(), 0U) << what;
-        EXPECT_EQ(Rows(), 1) << what;
+        database.Close();
+        EXPECT_EQ(Scan()["a.game"], kOne) << sql;
+        EXPECT_EQ(FilesReadByAScan(), 0U) << sql;
+        EXPECT_EQ(Rows(), 1) << sql;
     }
 }
 

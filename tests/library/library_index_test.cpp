@@ -1,6 +1,6 @@
+#include "library/index_fixture.h"
 #include "library/library_index.h"
 
-#include "library/index_fixture.h"
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -112,15 +112,17 @@ TEST_F(Library, RefusesWhatLoadGameFileRefusesAndDoesNotRememberIt) {
     std::copy_n("GADA", 4, withGada.begin());
     const std::vector<uint8_t> whole = MadeGame(kOne);
     withGada.insert(withGada.end(), whole.begin(), whole.end());
-    const std::map<std::string, std::vector<uint8_t>> files = {
-        {"empty.game", {}},
-        {"short.game", {whole.begin(), whole.begin() + 87}},
-        {"cut.game", {whole.begin(), whole.begin() + 300}},
-        {"longer.game", longer},
-        {"tag.game", otherTag},
-        {"gada.game", withGada},
-        {"text.game", std::vector<uint8_t>(5000, 'x')},
+    const auto front = [&](std::ptrdiff_t bytes) {
+        return std::vector<uint8_t>(whole.begin(), whole.begin() + bytes);
     };
+    std::map<std::string, std::vector<uint8_t>> files;
+    files["empty.game"] = {};
+    files["short.game"] = front(87);
+    files["cut.game"] = front(300);
+    files["longer.game"] = longer;
+    files["tag.game"] = otherTag;
+    files["gada.game"] = withGada;
+    files["text.game"] = std::vector<uint8_t>(5000, 'x');
     for (const auto& [name, bytes] : files) {
         SetAge(home.Write("sms/" + name, bytes), hours(1));
         CGameFile game;
@@ -148,7 +150,10 @@ TEST_F(Library, AGameThatBecomesDamagedIsForgotten) {
 TEST_F(Library, GamesOfManyNamesAreReadWhole) {
     // 368 bytes a name and 24 a machine record: under a page, over one, and more than is remembered.
     const std::map<std::string, uint32_t> names = {
-        {"some.game", 5}, {"many.game", 20}, {"most.game", 200}};
+        {"some.game", 5  },
+        {"many.game", 20 },
+        {"most.game", 200}
+    };
     for (const auto& [name, count] : names) {
         Put(name, kOne, count);
     }
@@ -327,9 +332,7 @@ void Damage(const fs::path& database, std::vector<uint8_t> bytes, std::mt19937& 
             bytes[below(200)] ^= static_cast<uint8_t>(1U << below(8));
         }
         break;
-    case 2:
-        bytes.resize(below(bytes.size()));
-        break;
+    case 2: bytes.resize(below(bytes.size())); break;
     case 3: { // a stretch copied over another
         const size_t length = 1 + below(std::min<size_t>(bytes.size() / 2, 20'000));
         const std::vector<uint8_t> piece(bytes.begin(),

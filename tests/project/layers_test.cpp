@@ -91,7 +91,7 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"SQLite",           {"sqlite3"},                        {"catalogue"}},
 
     {"the processor",    {"immintrin.h"},                    {"machine"}},
-    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "sys/stat.h", "unistd.h"}, {"base", "front"}},
+    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "sys/", "unistd.h"}, {"base", "front"}},
 };
 // clang-format on
 

@@ -2,6 +2,8 @@
 //
 // Cold is without the index, warm is with it. With OMBRELUNE_DROP_CACHES=1, and as root, both also begin
 // with the system's file cache empty, which slows down everything else on the computer for a while.
+#include "base/files.h"
+#include "library/catalogue.h"
 #include "library/library_index.h"
 #include "library/made_games.h"
 
@@ -10,11 +12,13 @@
 #include <malloc.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -76,6 +80,116 @@ size_t ReadAll(LibraryIndex& index) {
     }
     return names;
 }
+
+// What the program allocates, in units of a million bytes.
+double HeapMegabytes() {
+    return static_cast<double>(mallinfo2().uordblks) / 1e6;
+}
+
+// A catalogue whose files come from an index that is opened for this scan.
+class Scan {
+public:
+    Scan() { (void)index.Open(Database(), error); }
+
+    // Runs the scan of the first system and notes when its first rows can be shown and when it ends.
+    void Run() {
+        const auto start = Clock::now();
+        (void)catalogue.SwitchSystem(0, 1);
+        std::vector<GameListRow> shown;
+        while (catalogue.ScanRuns()) {
+            if (first == 0) {
+                catalogue.TakeNewRows(shown);
+                first = shown.empty() ? 0 : Seconds(start, Clock::now());
+            }
+            peak = std::max(peak, HeapMegabytes());
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        whole = Seconds(start, Clock::now());
+    }
+    Catalogue& Rows() { return catalogue; }
+
+    double first = 0; // seconds
+    double whole = 0; // seconds
+    double peak = 0;  // of the heap, megabytes
+    uint64_t FilesRead() const { return index.FilesRead(); }
+
+private:
+    CATALOGUE_HOOKS Hooks() {
+        CATALOGUE_HOOKS hooks;
+        hooks.loadBegins = [this](const fs::path& folder) { index.LoadFolder(folder); };
+        hooks.loadGame = [this](const fs::path& path, CGameFile& game) {
+            return index.LoadGame(path, game);
+        };
+        hooks.loadEnds = [this] { index.Commit(); };
+        return hooks;
+    }
+
+    std::string error;
+    LibraryIndex index;
+    Catalogue catalogue{Hooks()};
+};
+
+void ScanFolder(benchmark::State& state, bool cold) {
+    SetHomeFolder(Home());
+    bool dropped = false;
+    double first = 0;
+    double megabytes = 0;
+    double peak = 0;
+    uint64_t filesRead = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        if (cold) {
+            fs::remove(Database());
+        }
+        dropped = DropFileCache();
+        const double before = HeapMegabytes();
+        Scan scan;
+        scan.Run();
+        state.SetIterationTime(scan.whole);
+        first = std::max(first, scan.first);
+        filesRead = scan.FilesRead();
+        megabytes = HeapMegabytes() - before;
+        peak = scan.peak - before;
+        if (scan.Rows().Rows().size() != kFiles * kNames) {
+            state.SkipWithError("not all rows were found");
+            break;
+        }
+    }
+    state.counters["files read"] = static_cast<double>(filesRead);
+    state.counters["first rows ms"] = first * 1000;
+    state.counters["MB"] = megabytes;
+    state.counters["peak MB"] = peak;
+    state.SetLabel(dropped ? "file cache dropped" : "file cache as it was");
+}
+BENCHMARK_CAPTURE(ScanFolder, Cold, true)
+    ->UseManualTime()
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ScanFolder, Warm, false)
+    ->UseManualTime()
+    ->Iterations(10)
+    ->Unit(benchmark::kMillisecond);
+
+// A key press in the field of the name, with all rows of the library.
+void FilterRows(benchmark::State& state, const wchar_t* name) {
+    SetHomeFolder(Home());
+    Scan scan;
+    scan.Run();
+    ROW_CHOICES choices;
+    choices.group = RowGroup::kNone;
+    choices.name = name;
+    choices.year = L"1900-2000";
+    size_t lines = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        const auto found = scan.Rows().ApplyFilters(choices);
+        benchmark::DoNotOptimize(found.data());
+        lines = found.size();
+    }
+    state.counters["lines"] = static_cast<double>(lines);
+}
+BENCHMARK_CAPTURE(FilterRows, Everything, L"")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FilterRows, AllMatch, L"length")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FilterRows, FewMatch, L"length 77")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(FilterRows, NoneMatches, L"e q")->Unit(benchmark::kMillisecond);
 
 // The index alone: all records of the folder, without rows.
 void ReadIndex(benchmark::State& state, bool cold) {

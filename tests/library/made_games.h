@@ -23,6 +23,10 @@ inline std::vector<uint8_t> MadeGame(std::string_view title, uint32_t names = 1,
         texts.contentKey = key.c_str();
         texts.regions = "EU";
         game.SetNameText(i, texts);
+        NAME_RECORD name{};
+        name.playTypes = 1;
+        name.year = 88;
+        game.SetNameBytes(i, name, ToMachineRecord(DefaultSmsRecord()));
     }
     const std::vector<uint8_t> hashed(title.begin(), title.end());
     game.AddRom("v1.0", Sha256(hashed), 32768);

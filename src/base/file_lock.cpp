@@ -1,14 +1,14 @@
 #include "base/file_lock.h"
 
-#include <array>
-#include <cerrno>
-#include <charconv>
-#include <system_error>
-
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <system_error>
 
 namespace {
 

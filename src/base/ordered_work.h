@@ -16,9 +16,9 @@
 #include <vector>
 
 struct WORK_LIMITS {
-    unsigned threads = 0;                     // 0: one for each processor
-    uint64_t weight = uint64_t{256} << 20;    // of all items in hand
-    size_t items = 256;                       // in hand
+    unsigned threads = 0;                  // 0: one for each processor
+    uint64_t weight = uint64_t{256} << 20; // of all items in hand
+    size_t items = 256;                    // in hand
 };
 
 // Calls `work(i)` for each index of `weights` on some thread, and `take(i, result)` with its result on

@@ -55,8 +55,8 @@ bool Catalogue::SwitchSystem(int32_t wanted, int32_t direction) {
     if (hooks.makePanel) {
         hooks.makePanel(system);
     }
-    database = CGameDatabase(hooks.loadDatabase ? hooks.loadDatabase(system)
-                                                : LoadDatabase(system));
+    database =
+        CGameDatabase(hooks.loadDatabase ? hooks.loadDatabase(system) : LoadDatabase(system));
     folder = HomeFolder() / machine.folder;
     keepSources = hooks.keepSources && hooks.keepSources();
     StartScan();
@@ -184,7 +184,8 @@ void Catalogue::Convert() {
 
 void Catalogue::ReadGame(const fs::path& path) {
     CGameFile game;
-    const bool loaded = hooks.loadGame ? hooks.loadGame(path, game) : LoadGameFile(true, path, game);
+    const bool loaded =
+        hooks.loadGame ? hooks.loadGame(path, game) : LoadGameFile(true, path, game);
     if (!loaded || game.Header().system != system) {
         return;
     }
@@ -206,9 +207,9 @@ void Catalogue::ReadGames(const std::vector<fs::path>& names) {
         if (KindOfFile(system, names[i]) == FolderFile::kGame) {
             ReadGame(folder / names[i]);
         }
-        scanProgress = static_cast<int32_t>(static_cast<float>(i + 1) /
-                                            static_cast<float>(names.size()) *
-                                            static_cast<float>(kFullProgress));
+        scanProgress =
+            static_cast<int32_t>(static_cast<float>(i + 1) / static_cast<float>(names.size()) *
+                                 static_cast<float>(kFullProgress));
     }
     if (hooks.loadEnds) {
         hooks.loadEnds();

@@ -65,7 +65,7 @@ struct PLAN {
     int entry = 0;
     std::string name;
     std::vector<PendingFile*> items;
-    fs::file_time_type newestSource{};
+    fs::file_time_type newestSource = fs::file_time_type::min();
     uint64_t size = 0;
 };
 
@@ -176,7 +176,8 @@ private:
     CGameDatabase& database;
     std::vector<SOURCE> sources;
     std::unordered_map<fs::path::string_type, size_t> indexOfPath;
-    std::unordered_set<std::string> gamesBefore; // names of the `.game` files that were there at first
+    std::unordered_set<std::string>
+        gamesBefore; // names of the `.game` files that were there at first
     std::unordered_set<const PendingFile*> written;
     ZipMembers members;
     double totalWeight = 0.0;
@@ -191,8 +192,7 @@ void Conversion::Report(ConversionCount count, const std::string& line) {
 
 void Conversion::Advance(SOURCE& source, double progress) {
     if (progress > source.progress) {
-        doneWeight +=
-            (progress - source.progress) * static_cast<double>(source.size + kFileWeight);
+        doneWeight += (progress - source.progress) * static_cast<double>(source.size + kFileWeight);
         source.progress = progress;
     }
     if (sink.progress) {

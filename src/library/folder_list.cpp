@@ -15,7 +15,8 @@ namespace {
 std::string LowerExtension(const fs::path& name) {
     const std::string text = name.filename().string();
     const size_t dot = text.rfind('.');
-    return dot == std::string::npos ? std::string() : LowerAscii(std::string_view(text).substr(dot));
+    return dot == std::string::npos ? std::string()
+                                    : LowerAscii(std::string_view(text).substr(dot));
 }
 
 size_t DigitsAtEnd(std::string_view text) {

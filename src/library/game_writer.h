@@ -17,14 +17,14 @@ struct GAME_TO_WRITE {
     uint16_t system = 0;
     Sha256Digest headerHash{};
     std::span<const uint8_t> image; // unpacked
-    std::filesystem::file_time_type newestSource{};
+    std::filesystem::file_time_type newestSource = std::filesystem::file_time_type::min();
 };
 
 // The game that an earlier conversion wrote from the same sources without removing them, as it was
 // stopped: it has the name that this one would get, is younger than the sources and holds the same
 // records and image. Only names in `candidates` count. Empty if there is none.
-[[nodiscard]] std::filesystem::path FindWrittenGame(
-    const GAME_TO_WRITE& game, const std::unordered_set<std::string>& candidates);
+[[nodiscard]] std::filesystem::path
+FindWrittenGame(const GAME_TO_WRITE& game, const std::unordered_set<std::string>& candidates);
 
 // Whether these bytes of a `.game` unpack to the image.
 [[nodiscard]] bool UnpacksTo(std::span<const uint8_t> bytes, std::span<const uint8_t> image);

@@ -295,6 +295,7 @@ void LibraryIndex::Remember(std::string_view folder, std::string_view name, REME
     }
     auto& files = known->second.files;
     if (read.state == REMEMBERED::State::kRead) {
+        read.records.shrink_to_fit(); // from what was read at once
         read.checksum = ChecksumOf(known->second.key, name, read);
     } else if (files.find(name) == files.end()) {
         return; // nothing to forget

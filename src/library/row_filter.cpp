@@ -85,9 +85,8 @@ public:
 private:
     [[nodiscard]] bool PassesRegion(const GameListRow& row) const {
         const uint8_t regions = RegionsOf(row.regions);
-        return choices.regionMode == RegionMode::kOnlyReleasedIn
-                   ? regions == choices.regions
-                   : (regions & choices.regions) != 0;
+        return choices.regionMode == RegionMode::kOnlyReleasedIn ? regions == choices.regions
+                                                                 : (regions & choices.regions) != 0;
     }
 
     const ROW_CHOICES& choices;

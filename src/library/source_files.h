@@ -23,7 +23,8 @@ struct FILE_STAMP {
     [[nodiscard]] bool operator==(const FILE_STAMP&) const = default;
 };
 
-[[nodiscard]] bool StampOf(const std::filesystem::path& path, FILE_STAMP& stamp, std::string& error);
+[[nodiscard]] bool StampOf(const std::filesystem::path& path, FILE_STAMP& stamp,
+                           std::string& error);
 
 // Reads an image or a zip whole, up to kLargestImage (game_source.h) or kLargestZip. Refuses whatever is
 // not a file, as reading a pipe might never end.

@@ -312,13 +312,20 @@ void LibraryIndex::Commit() {
         all = std::exchange(damaged, false);
     }
     const std::scoped_lock lock(databaseMutex);
+    if (database.IsOpen()) {
+        WriteOrMend(done, all);
+        database.ReleaseMemory();
+    }
+}
+
+void LibraryIndex::WriteOrMend(const Folders& done, bool all) {
     bool sound = true;
-    if (!database.IsOpen() || (all && !MakeAnew()) || Write(done, all, sound)) {
+    if ((all && !MakeAnew()) || Write(done, all, sound)) {
         return;
     }
     std::string ignored;
-    const bool again =
-        database.Fault() == SqliteFault::kMoved ? Prepare(ignored) : !sound && MakeAnew();
+    const bool again = database.Fault() == SqliteFault::kMoved ? Prepare(ignored)
+                                                               : !sound && MakeAnew();
     if (again) {
         (void)Write(done, true, sound);
     }

@@ -81,6 +81,7 @@ private:
     [[nodiscard]] bool MakeAnew();
     // `sound` becomes false for a damaged database.
     [[nodiscard]] bool QueryFolder(FOLDER& folder, bool& sound);
+    void WriteOrMend(const Folders& done, bool all);
     [[nodiscard]] bool Write(const Folders& done, bool all, bool& sound);
     [[nodiscard]] bool WriteFolder(const std::string& path, const FOLDER& folder, bool all);
     [[nodiscard]] bool HasRows(const FOLDER& folder, bool& sound);

@@ -93,6 +93,12 @@ bool SqliteDatabase::Empty() {
     return emptied;
 }
 
+void SqliteDatabase::ReleaseMemory() {
+    if (handle != nullptr) {
+        (void)sqlite3_db_release_memory(handle);
+    }
+}
+
 SqliteStatement::SqliteStatement(SqliteDatabase& owner, std::string_view sql)
     : database(owner) {
     failed = !database.Note(sqlite3_prepare_v2(database.handle, sql.data(),

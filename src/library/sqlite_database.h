@@ -47,6 +47,8 @@ public:
     // Makes it an empty database in the same file, whatever the file holds. No transaction or statement
     // may be open.
     [[nodiscard]] bool Empty();
+    // Frees the pages that are kept for the next statement.
+    void ReleaseMemory();
 
     [[nodiscard]] SqliteFault Fault() const { return fault; }
     [[nodiscard]] const std::string& Error() const { return error; }

@@ -39,7 +39,10 @@ TEST(FolderConversion, UnknownImageBecomesAGameAndItsSourceGoes) {
 
 TEST(FolderConversion, KnownGameIsAssembledUnderItsName) {
     const Bytes image = Noise(1, 3000);
-    GameFolder folder(kNes, EntryOf(kNes, "The Game", {{"v1.1", image}}));
+    GameFolder folder(kNes, EntryOf(kNes, "The Game",
+                                    {
+                                        {"v1.1", image}
+    }));
     folder.Write("whatever.nes", image);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.log, ElementsAre("Converted The Game.game"));
@@ -55,7 +58,11 @@ TEST(FolderConversion, KnownGameIsAssembledUnderItsName) {
 TEST(FolderConversion, HalfOfAKnownGameKeepsItsNamesAndCountsAsGood) {
     const Bytes one = Noise(1, 3000);
     const Bytes two = Noise(2, 2000);
-    GameFolder folder(kNes, EntryOf(kNes, "Both", {{"one", one}, {"two", two}}));
+    GameFolder folder(kNes, EntryOf(kNes, "Both",
+                                    {
+                                        {"one", one},
+                                        {"two", two}
+    }));
     folder.Write("half.nes", two);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.log, ElementsAre("Converted: half.game"));
@@ -119,7 +126,11 @@ TEST(FolderConversion, InterleavedDumpIsPutInOrder) {
 TEST(FolderConversion, ArcadeGameIsAssembledFromFilesAndZips) {
     const Bytes one = Noise(1, 2000);
     const Bytes two = Noise(2, 1000);
-    GameFolder folder(kArcade, EntryOf(kArcade, "board", {{"one", one}, {"two", two}}));
+    GameFolder folder(kArcade, EntryOf(kArcade, "board",
+                                       {
+                                           {"one", one},
+                                           {"two", two}
+    }));
     folder.Write("piece.ic1", one);
     folder.Write("set.zip", ZipOf({
                                 {"inner/PIECE.ic2", two}
@@ -206,8 +217,10 @@ TEST(FolderConversion, OnlyThisFoldersSystemIsConverted) {
 TEST(FolderConversion, OrderIsThatOfOneThread) {
     Bytes entries;
     for (uint64_t i = 0; i < 12; ++i) {
-        entries = entries +
-                  EntryOf(kNes, "known " + std::to_string(i), {{"x", Noise(100 + i, 2000)}});
+        entries = entries + EntryOf(kNes, "known " + std::to_string(i),
+                                    {
+                                        {"x", Noise(100 + i, 2000)}
+        });
     }
     std::vector<std::vector<std::string>> logs;
     for (const unsigned threads : {1u, 2u, 7u}) {
@@ -247,7 +260,10 @@ TEST(FolderConversion, ProgressRisesEvenlyToItsEnd) {
 }
 
 TEST(FolderConversion, StoppedOneGoesOnWhereItWas) {
-    GameFolder folder(kNes, EntryOf(kNes, "known", {{"x", Noise(3, 1000)}}));
+    GameFolder folder(kNes, EntryOf(kNes, "known",
+                                    {
+                                        {"x", Noise(3, 1000)}
+    }));
     std::set<std::string> games = {"known.game"};
     for (uint64_t i = 0; i < 20; ++i) {
         folder.Write("f" + std::to_string(i) + ".nes", Noise(i, 1000));
@@ -279,7 +295,10 @@ TEST(FolderConversion, StoppedOneGoesOnWhereItWas) {
 
 TEST(FolderConversion, KeptSourcesMoveToASubfolder) {
     const Bytes known = Noise(7, 1000);
-    GameFolder folder(kNes, EntryOf(kNes, "known", {{"x", known}}));
+    GameFolder folder(kNes, EntryOf(kNes, "known",
+                                    {
+                                        {"x", known}
+    }));
     folder.keepSources = true;
     folder.Write("a.nes", Noise(1, 1000));
     folder.Write("k.nes", known);
@@ -295,7 +314,10 @@ TEST(FolderConversion, KeptSourcesMoveToASubfolder) {
 
 TEST(FolderConversion, GameYoungerThanItsSourceIsNotWrittenAgain) {
     const Bytes known = Noise(7, 1000);
-    GameFolder folder(kNes, EntryOf(kNes, "known", {{"x", known}}));
+    GameFolder folder(kNes, EntryOf(kNes, "known",
+                                    {
+                                        {"x", known}
+    }));
     folder.Write("a.nes", Noise(1, 1000));
     folder.Write("k.nes", known);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
@@ -305,7 +327,8 @@ TEST(FolderConversion, GameYoungerThanItsSourceIsNotWrittenAgain) {
     fs::last_write_time(folder.Write("a.nes", Noise(1, 1000)), earlier);
     fs::last_write_time(folder.Write("k.nes", known), earlier);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
-    EXPECT_THAT(folder.log, ElementsAre("Already converted: known.game", "Already converted: a.game"));
+    EXPECT_THAT(folder.log,
+                ElementsAre("Already converted: known.game", "Already converted: a.game"));
     EXPECT_EQ(folder.Counts(), (Counts{0, 0, 0, 0}));
     EXPECT_THAT(folder.Names(), ElementsAre("a.game", "known.game"));
     EXPECT_EQ(folder.Read("a.game"), first);

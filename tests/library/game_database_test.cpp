@@ -23,8 +23,7 @@ Bytes Entry(std::string_view gada, const std::vector<PIECE>& pieces, uint8_t hea
         roms = roms + rom;
         rawSize += piece.bytes.size();
     }
-    const Bytes body = HandName("Title" + std::string(gada), {0}) + roms +
-                       HandMachine("ARC0", 16);
+    const Bytes body = HandName("Title" + std::string(gada), {0}) + roms + HandMachine("ARC0", 16);
     Bytes game = HandGame(6, 88 + body.size(), rawSize) + body;
     std::fill(game.begin() + 56, game.begin() + 88, headerHash);
     return (gada.empty() ? Bytes() : HandGada(gada)) + game;
@@ -70,7 +69,12 @@ const Bytes kThree = Text("another game's piece");
 } // namespace
 
 TEST(GameDatabase, FindsPiecesAndRecordsByTheirHashes) {
-    const CGameDatabase database = Database(Entry("one", {{"a", kOne}, {"b", kTwo}}, 0x11) +
+    const CGameDatabase database = Database(Entry("one",
+                                                  {
+                                                      {"a", kOne},
+                                                      {"b", kTwo}
+    },
+                                                  0x11) +
                                             Entry("two", {{"c", kThree}}, 0x22));
     EXPECT_EQ(database.EntryCount(), 2);
     EXPECT_TRUE(database.FindKnownRom(Sha256(kOne)));
@@ -125,7 +129,10 @@ TEST(GameDatabase, ManyPendingFilesAreFreed) {
 }
 
 TEST(GameDatabase, AssemblesAnEntryWhosePiecesAreAllThere) {
-    CGameDatabase database = Database(Entry("myset", {{"a", kOne}, {"b", kTwo}}));
+    CGameDatabase database = Database(Entry("myset", {
+                                                         {"a", kOne},
+                                                         {"b", kTwo}
+    }));
     DISK disk;
     disk.files["file of two"] = kTwo;
     disk.members[{"set.zip", L"One.BIN"}] = kOne;
@@ -155,9 +162,13 @@ TEST(GameDatabase, AssemblesAnEntryWhosePiecesAreAllThere) {
 }
 
 TEST(GameDatabase, PassesOverEntriesThatLackAPiece) {
-    CGameDatabase database =
-        Database(Entry("lacks", {{"a", kOne}, {"x", Text("missing")}}) + Entry("nothing", {}) +
-                 Entry("whole", {{"c", kThree}}) + Entry("again", {{"c", kThree}}));
+    CGameDatabase database = Database(Entry("lacks",
+                                            {
+                                                {"a", kOne           },
+                                                {"x", Text("missing")}
+    }) +
+                                      Entry("nothing", {}) + Entry("whole", {{"c", kThree}}) +
+                                      Entry("again", {{"c", kThree}}));
     DISK disk;
     disk.files["one"] = kOne;
     disk.files["three"] = kThree;
@@ -173,7 +184,11 @@ TEST(GameDatabase, PassesOverEntriesThatLackAPiece) {
 
 TEST(GameDatabase, GivesUpAnEntryWhosePieceHasChanged) {
     for (const Bytes& now : {Text("the first piecE"), Text("short"), Bytes()}) {
-        CGameDatabase database = Database(Entry("set", {{"a", kOne}}) + Entry("b", {{"b", kTwo}}));
+        CGameDatabase database = Database(Entry("set",
+                                                {
+                                                    {"a", kOne}
+        }) +
+                                          Entry("b", {{"b", kTwo}}));
         DISK disk;
         disk.files["one"] = kOne;
         disk.files["two"] = kTwo;
@@ -189,7 +204,9 @@ TEST(GameDatabase, GivesUpAnEntryWhosePieceHasChanged) {
 }
 
 TEST(GameDatabase, NewestOfEqualFilesIsUsed) {
-    CGameDatabase database = Database(Entry("set", {{"a", kOne}}));
+    CGameDatabase database = Database(Entry("set", {
+                                                       {"a", kOne}
+    }));
     database.QueueFile("older", L"", kOne);
     database.QueueFile("newer", L"", kOne);
     DISK disk;
@@ -210,8 +227,11 @@ TEST(GameDatabase, NewestOfEqualFilesIsUsed) {
 }
 
 TEST(GameDatabase, EntryNamesAFileAndNeverAPath) {
-    const CGameDatabase database =
-        Database(Entry("../../out/side", {{"a", kOne}}) + Entry("", {{"b", kTwo}}));
+    const CGameDatabase database = Database(Entry("../../out/side",
+                                                  {
+                                                      {"a", kOne}
+    }) +
+                                            Entry("", {{"b", kTwo}}));
     EXPECT_EQ(database.NameOfEntry(0), ".._.._out_side");
     EXPECT_EQ(database.NameOfEntry(1), "Title") << "without a name of its own, the title";
 }

@@ -88,7 +88,9 @@ public:
     [[nodiscard]] std::set<std::string> Names(const std::string& below = "") const {
         std::set<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(Path() / below)) {
-            const bool isFolder = entry.is_directory() && !entry.is_symlink();
+            std::error_code ignored;
+            const bool isFolder =
+                entry.symlink_status(ignored).type() == std::filesystem::file_type::directory;
             names.insert(entry.path().filename().string() + (isFolder ? "/" : ""));
         }
         return names;

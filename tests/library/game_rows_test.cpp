@@ -23,8 +23,8 @@ Bytes TwoNames(uint16_t system = 4) {
     PutText(first, 208, "EU");
     PutText(first, 216, "key one");
     PutText(first, 260, "key two");
-    const Bytes body = first + HandName("Second", {1}) + HandRom("a", 16, 7) +
-                       HandRom("b", 16, 8) + HandMachine("GDF0", 4) + HandMachine("GDF0", 4);
+    const Bytes body = first + HandName("Second", {1}) + HandRom("a", 16, 7) + HandRom("b", 16, 8) +
+                       HandMachine("GDF0", 4) + HandMachine("GDF0", 4);
     return HandGame(system, 88 + body.size(), 32) + body;
 }
 
@@ -116,8 +116,8 @@ TEST(GameRows, NameWithoutPiecesIsUnknown) {
 }
 
 TEST(GameRows, ArcadeGameIsKnownByItsRecords) {
-    Bytes bytes = HandGame(6, 88 + 368 + 80 + 16, 16) + HandName("Set", {0}) +
-                  HandRom("a", 16, 7) + HandMachine("ARC0", 16);
+    Bytes bytes = HandGame(6, 88 + 368 + 80 + 16, 16) + HandName("Set", {0}) + HandRom("a", 16, 7) +
+                  HandMachine("ARC0", 16);
     std::fill(bytes.begin() + 56, bytes.begin() + 88, uint8_t{0x55});
     std::vector<CGameFile> entries;
     entries.push_back(Game(bytes));

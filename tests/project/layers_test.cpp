@@ -89,6 +89,7 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"libzip",           {"zip.h"},                          {"formats"}},
     {"liblzma",          {"lzma.h"},                         {"formats"}},
     {"OpenSSL",          {"openssl/"},                       {"formats"}},
+    {"SQLite",           {"sqlite3"},                        {"catalogue"}},
 
     {"the processor",    {"immintrin.h"},                    {"machine"}},
     {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "sys/", "unistd.h"}, {"base", "front"}},

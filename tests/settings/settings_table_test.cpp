@@ -34,6 +34,7 @@ constexpr ROW kRows[] = {
     {kBool,   L"app_managecpucores",       0    },
     {kInt,    L"gamebrowser_cursystem",    0    },
     {kBool,   L"library_keepsources",      0    },
+    {kInt,    L"library_owngames",         0    },
     {kInt,    L"emu_fastforward",          2    },
     {kBool,   L"emu_gameroomfilter",       0    },
     {kInt,    L"emu_rewindbuffer",         256  },

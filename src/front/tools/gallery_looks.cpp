@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -90,28 +89,14 @@ void BuildImagesPage(GHOSTMANAGER_WINDOW* root) {
 
 namespace {
 
-// The logo in other sizes than its own, from all of its pixels.
-void LogoSample(GHOSTMANAGER_WINDOW* root, int32_t side, int32_t x, int32_t y) {
-    const auto images = BuiltInImages();
-    const auto row = std::find_if(images.begin(), images.end(), [](const GUI_IMAGE_ROW& at) {
-        return at.name == "#OMBRELUNE_LOGO";
-    });
-    std::vector<uint32_t> pixels;
-    uint32_t width = 0;
-    uint32_t height = 0;
-    if (row == images.end() || !LoadEmbeddedImage(row->png, pixels, width, height)) {
-        return;
+// A picture in a size that is not its own.
+void PictureSample(GHOSTMANAGER_WINDOW* root, std::string_view name, const GUI_RECT& place) {
+    const GUI_BITMAP* const bitmap = LoadThemeBitmap(name, place.width, place.height);
+    if (bitmap != nullptr) {
+        new GalleryCanvas(root, place, [bitmap](CGhostSurface& surface) {
+            surface.Blit(*bitmap, {0, 0, bitmap->width, bitmap->height}, 0, 0);
+        });
     }
-    auto bitmap = std::make_shared<GUI_BITMAP>();
-    const auto across = static_cast<int32_t>(width);
-    const int32_t reduced = std::min(across, side * 2);
-    bitmap->width = bitmap->height = side;
-    bitmap->pixelWidth = bitmap->pixelHeight = reduced;
-    bitmap->density = static_cast<double>(reduced) / side;
-    bitmap->pixels = ReducePixels(pixels, across, static_cast<int32_t>(height), reduced, reduced);
-    new GalleryCanvas(root, {x, y, side, side}, [bitmap](CGhostSurface& surface) {
-        surface.Blit(*bitmap, {0, 0, bitmap->width, bitmap->height}, 0, 0);
-    });
 }
 
 } // namespace
@@ -130,16 +115,20 @@ void BuildPicturesPage(GHOSTMANAGER_WINDOW* root) {
                     surface.Blit(*bitmap, {0, 0, bitmap->width, bitmap->height}, 0, 0);
                 });
         }
-        x += 250;
+        x += 260;
     }
     constexpr int32_t kBelow = 204;
-    GalleryLabel(root, L"#OMBRELUNE_LOGO in 24, 48, 96 and 320 units", kLeft, kBelow);
-    LogoSample(root, 24, kLeft, kBelow + 24);
-    LogoSample(root, 48, kLeft + 48, kBelow + 24);
-    LogoSample(root, 96, kLeft + 120, kBelow + 24);
-    LogoSample(root, 320, kLeft + 240, kBelow + 24);
+    GalleryLabel(root, L"#OMBRELUNE_LOGO in 16, 24, 48, 96 and 400 units", kLeft, kBelow);
+    int32_t y = kBelow + 32;
+    for (const int32_t side : {16, 24, 48, 96}) {
+        PictureSample(root, "#OMBRELUNE_LOGO", {kLeft, y, side, side});
+        y += side + 24;
+    }
+    PictureSample(root, "#OMBRELUNE_LOGO", {kLeft + 168, kBelow + 32, 400, 400});
+    // Half of its size each way.
     if (const GUI_BITMAP* const night = ImageOf("#MAINBG"); night != nullptr) {
-        ImageSample(root, "#MAINBG", night, 616, kBelow);
+        GalleryLabel(root, L"#MAINBG, half of its size", 616, kBelow);
+        PictureSample(root, "#MAINBG", {616, kBelow + 32, night->width / 2, night->height / 2});
     }
 }
 

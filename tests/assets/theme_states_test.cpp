@@ -31,7 +31,7 @@ constexpr SAMPLE kButtons[] = {
     {L"LEFTSEL",            L"",       {0, 0, 40, 40} },
     {L"RIGHTSEL",           L"",       {0, 0, 40, 40} },
     {L"CHECKBOX",           L"",       {0, 0, 25, 25} },
-    {L"KEYBOARD_KEY",       L"q",      {0, 0, 52, 36} },
+    {L"KEYBOARD_KEY",       L"q",      {0, 0, 52, 28} },
     {L"WINDOW_TITLE_MIN",   L"\u2013", {0, 0, 20, 20} },
     {L"WINDOW_TITLE_CLOSE", L"\u00D7", {0, 0, 20, 20} },
 };

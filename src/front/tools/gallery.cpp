@@ -54,16 +54,12 @@ public:
     Gallery& operator=(const Gallery&) = delete;
 
     void Clear() {
-        constexpr int kTicks =
-            3; // a message box goes with the tick after the one that dismissed it
         CGhostManager& manager = CGhostManager::Get();
         if (root != nullptr) {
             manager.DestroyWindow(root);
             root = nullptr;
         }
-        for (int i = 0; i < kTicks; ++i) {
-            manager.Tick(0);
-        }
+        manager.Tick(0);
     }
 
     // From 0; the page before goes.
@@ -147,7 +143,7 @@ SCREEN_SIZE ScreenOf(const GALLERY_OPTIONS& options) {
         return {options.size.first, options.size.second};
     }
     const auto pixelsOf = [&](int32_t units) {
-        return static_cast<int32_t>(std::lround(units * options.density));
+        return static_cast<int32_t>(std::lround(units * options.density.value_or(1.0)));
     };
     return {pixelsOf(kWidth), pixelsOf(kHeight)};
 }
@@ -291,10 +287,21 @@ bool TakePicture(Application& application, const std::filesystem::path& file, st
     return WriteFile(file, PngOfFrame(frame), error);
 }
 
+bool HasSize(const Window& window, const SCREEN_SIZE& size) {
+    return window.PixelWidth() == static_cast<uint32_t>(size.width) &&
+           window.PixelHeight() == static_cast<uint32_t>(size.height);
+}
+
 int ShowOverGame(const GALLERY_OPTIONS& options) {
     constexpr uint32_t kFramesBefore = 300;
+    const bool sized = options.density.has_value() || options.size.first > 0;
+    const SCREEN_SIZE screen = ScreenOf(options);
     PLAY_OPTIONS play;
     play.game = options.over;
+    if (sized) {
+        play.settings = {"app_fullscreen=0", "app_window_width=" + std::to_string(screen.width),
+                         "app_window_height=" + std::to_string(screen.height)};
+    }
     OPENED_GAME opened;
     std::string error;
     Application application;
@@ -304,6 +311,12 @@ int ShowOverGame(const GALLERY_OPTIONS& options) {
     }
     if (!application.Start(error) || !application.Play(opened, error)) {
         Complain(error);
+        return kExitFailed;
+    }
+    if (sized && !HasSize(application.MainWindow(), screen)) {
+        Complain("--over: no window of " + std::to_string(screen.width) + " by " +
+                 std::to_string(screen.height) + " pixels on this display");
+        application.Stop();
         return kExitFailed;
     }
     CGhostManager& manager = CGhostManager::Get();

@@ -4,6 +4,7 @@
 #include "front/tools/gallery_parts.h"
 #include "gui/bitmap.h"
 #include "gui/list.h"
+#include "gui/list_rows.h"
 #include "gui/list_view.h"
 #include "gui/surface.h"
 #include "gui/text.h"
@@ -233,7 +234,7 @@ void PaintListStyle(CGhostSurface& surface, const GhostListStyle& style, int32_t
         PaintFill(surface, row.style.bg, place);
         GhostTextStyle text = row.style;
         text.bg.type = GhostFill::kNone;
-        GalleryIcon(surface, style.imageList, icon, 2, y + 1);
+        PaintListImage(surface, style.imageList, icon, 2, y + 1);
         PaintText(surface, text, row.text, {28, y, surface.Width() - 28, rowHeight});
         y += rowHeight;
         ++icon;

@@ -17,12 +17,11 @@ CGhostList* MakeFloatingList(GHOSTMANAGER_WINDOW* owner, uint32_t creationId,
     manager.SetPart(list->window);
     list->OnCancel.connect([close](CGhostList*) { close(); });
     // What has the focus now counts, since the list may have it again already.
-    list->OnFocusChange.connect(
-        [close, isOwn = std::move(isOwn)](CGhostList*, bool gained, void*) {
-            if (!gained && !isOwn(CGhostManager::Get().FocusWindow())) {
-                close();
-            }
-        });
+    list->OnFocusChange.connect([close, isOwn = std::move(isOwn)](CGhostList*, bool gained, void*) {
+        if (!gained && !isOwn(CGhostManager::Get().FocusWindow())) {
+            close();
+        }
+    });
     return list;
 }
 

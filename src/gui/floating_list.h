@@ -10,8 +10,7 @@
 // mouse chooses one. `close` is called when escape is pressed and when the focus goes to a window that is not
 // the control's own, as `isOwn` says.
 [[nodiscard]] CGhostList* MakeFloatingList(GHOSTMANAGER_WINDOW* owner, uint32_t creationId,
-                                           const std::wstring& style,
-                                           std::function<void()> close,
+                                           const std::wstring& style, std::function<void()> close,
                                            std::function<bool(const void*)> isOwn);
 
 // Shows it there, in front of all others, with the focus.

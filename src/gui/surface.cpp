@@ -403,6 +403,18 @@ void CGhostSurface::BlitScaled(const GUI_BITMAP& bitmap, const GUI_RECT& target)
     }
 }
 
+void CGhostSurface::KeepMask(int32_t x, int32_t y, const uint8_t* coverage, int32_t width,
+                             int32_t height) {
+    const PIXEL_RECT visible = Clipped({x, y, x + width, y + height});
+    for (int32_t row = visible.top; row < visible.bottom; ++row) {
+        const uint8_t* const from = coverage + static_cast<ptrdiff_t>(row - y) * width;
+        uint32_t* const to = Row(row);
+        for (int32_t column = visible.left; column < visible.right; ++column) {
+            to[column] = WithCoverage(to[column], from[column - x]);
+        }
+    }
+}
+
 void CGhostSurface::StampMask(int32_t x, int32_t y, const uint8_t* coverage, int32_t width,
                               int32_t height, int32_t pitch, uint32_t argb) {
     const PIXEL_RECT visible = Clipped({x, y, x + width, y + height});

@@ -223,6 +223,34 @@ TEST_F(Look, AWindowAndADropListTakeAnotherStyle) {
     EXPECT_EQ(drop->window->clientRect, (GUI_RECT{3, 3, 144, 19}));
 }
 
+// A round frame has nothing of the fill outside; a square one keeps it.
+TEST_F(Look, AButtonWithARoundFrameHasRoundCorners) {
+    GhostButtonStyle style;
+    style.states[0].bg.colour1 = kColourA;
+    style.states[0].border.thickness = {1, 1, 1, 1};
+    style.states[0].border.type = GhostFrame::kRoundedColour;
+    style.states[0].border.left.colour1 = kColourB;
+    auto* const button = new CGhostButton(nullptr, 0, L"none", L"", 0, {false, 100, 100, 60, 30});
+    button->SetStyle(style);
+    for (const int density : {1, 2}) {
+        manager.SetScreen(1280 * density, 720 * density);
+        manager.Tick(0);
+        const int right = 60 * density - 1;
+        const int bottom = 30 * density - 1;
+        for (const auto& [x, y] : {std::pair(0, 0), std::pair(right, 0), std::pair(0, bottom),
+                                   std::pair(right, bottom)}) {
+            EXPECT_EQ(At(button->window, x, y) >> 24, 0u) << density << ": " << x << ", " << y;
+        }
+        EXPECT_EQ(At(button->window, 30 * density, 15 * density), kColourA) << density;
+        EXPECT_EQ(At(button->window, 30 * density, 0) >> 24, 0xFFu) << density;
+    }
+    manager.SetScreen(1280, 720);
+    style.states[0].border.type = GhostFrame::kColour;
+    button->SetStyle(style);
+    manager.Tick(0);
+    EXPECT_EQ(At(button->window, 0, 0) >> 24, 0xFFu);
+}
+
 // Over the thumb lies a fill of the state's own, within its margins.
 TEST_F(Look, APartOfAScrollbarHasASecondFillWithinItsMargins) {
     GhostScrollbarStyle style;

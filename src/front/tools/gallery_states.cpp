@@ -68,9 +68,9 @@ void BuildCheckBoxes(GHOSTMANAGER_WINDOW* root, int32_t y) {
 // A press that stays where the bar cannot go on, so that it does not run while it is looked at.
 void BuildScrollbars(GHOSTMANAGER_WINDOW* root, int32_t y) {
     constexpr int32_t kHigh = 144;
-    constexpr int32_t kArrow = 8;               // within an arrow button
+    constexpr int32_t kArrow = 8;              // within an arrow button
     constexpr int32_t kLower = kHigh - kArrow; // within the lower one
-    constexpr int32_t kThumb = 24;              // within the thumb of a bar at its start
+    constexpr int32_t kThumb = 24;             // within the thumb of a bar at its start
     struct BAR {
         const wchar_t* name;
         int32_t pos;
@@ -78,15 +78,15 @@ void BuildScrollbars(GHOSTMANAGER_WINDOW* root, int32_t y) {
         bool pressed;
     };
     constexpr BAR kBars[] = {
-        {L"normal",         50,  -1,     false},
-        {L"arrow hot",      0,   kArrow, false},
-        {L"arrow pressed",  0,   kArrow, true },
-        {L"lower hot",      100, kLower, false},
-        {L"lower pressed",  100, kLower, true },
-        {L"thumb hot",      0,   kThumb, false},
-        {L"thumb dragged",  0,   kThumb, true },
-        {L"focus",          50,  -1,     false},
-        {L"nothing to scroll", 0, -1,    false},
+        {L"normal",            50,  -1,     false},
+        {L"arrow hot",         0,   kArrow, false},
+        {L"arrow pressed",     0,   kArrow, true },
+        {L"lower hot",         100, kLower, false},
+        {L"lower pressed",     100, kLower, true },
+        {L"thumb hot",         0,   kThumb, false},
+        {L"thumb dragged",     0,   kThumb, true },
+        {L"focus",             50,  -1,     false},
+        {L"nothing to scroll", 0,   -1,     false},
     };
     constexpr int32_t kStep = 116;
     GalleryLabel(root, L"WINDOW_SCROLLBAR", kLeft, y);
@@ -160,10 +160,11 @@ void BuildTables(GHOSTMANAGER_WINDOW* root, int32_t y) {
 }
 
 void BuildText(GHOSTMANAGER_WINDOW* root, int32_t y) {
-    const std::wstring text = L"A text that is longer than its place scrolls. With the focus on it the arrow "
-                              L"keys do, page by page or line by line, and the ring goes around it.\n"
-                              L"The moon has no dark side, only one that is not plugged in.\n"
-                              L"The ferry leaves at night, and the lamps are made of paper.";
+    const std::wstring text =
+        L"A text that is longer than its place scrolls. With the focus on it the arrow "
+        L"keys do, page by page or line by line, and the ring goes around it.\n"
+        L"The moon has no dark side, only one that is not plugged in.\n"
+        L"The ferry leaves at night, and the lamps are made of paper.";
     constexpr int32_t kWide = 392;
     int32_t x = kLeft;
     for (const std::wstring_view name : {L"normal", L"focus", L"short, nothing to scroll"}) {

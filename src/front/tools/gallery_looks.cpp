@@ -256,16 +256,17 @@ void PaintTable(CGhostSurface& surface, const std::wstring& name) {
 
 void BuildTable(GHOSTMANAGER_WINDOW* root) {
     constexpr int32_t kRows = 20000;
-    GalleryLabel(root, L"LISTVIEW, a control of 20,000 rows: hot, chosen, indented", kLeft, 524);
+    GalleryLabel(root, L"GAMELIST, a control of 20,000 rows: hot, chosen, indented", kLeft, 524);
     auto* const table =
-        new CGhostListView(root, 0, L"LISTVIEW", 0, {false, kLeft, 544, 790, 28 * 5 + 2});
+        new CGhostListView(root, 0, L"GAMELIST", 0, {false, kLeft, 544, 790, 28 * 5 + 2});
     table->AddColumn(L"Name", 400);
     table->AddColumn(L"Group", 240);
     table->AddColumn(L"Plays", 120, kAlignRight);
     table->Reserve(kRows);
     for (int32_t i = 0; i < kRows; ++i) {
         const int32_t row = table->AddRow();
-        table->SetCell(row, 0, L"Row " + std::to_wstring(i + 1), i % 6);
+        table->SetCell(row, 0, L"Row " + std::to_wstring(i + 1), i % 4);
+        table->Cell(row, 0)->colourSet = i % 4 < 2 ? 0 : 1;
         table->Cell(row, 0)->indent = i % 3;
         table->SetCell(row, 1, i % 2 == 0 ? L"even" : L"odd");
         table->SetCell(row, 2, std::to_wstring(i * 7));
@@ -273,6 +274,20 @@ void BuildTable(GHOSTMANAGER_WINDOW* root) {
     table->SetSelected(10000, false);
     table->EnsureVisible(10002);
     table->OnMouseMove(40, 40);
+}
+
+// A table with few rows, no marks and columns that do not reach its right edge.
+void BuildPlainTable(GHOSTMANAGER_WINDOW* root) {
+    GalleryLabel(root, L"LISTVIEW, a control of three rows", 844, 524);
+    auto* const table =
+        new CGhostListView(root, 0, L"LISTVIEW", 0, {false, 844, 544, 380, 28 * 5 + 2});
+    table->AddColumn(L"Action", 160);
+    table->AddColumn(L"Input 1", 120);
+    for (const wchar_t* const name : {L"Up", L"Down", L"Button 1"}) {
+        const int32_t row = table->AddRow();
+        table->SetCell(row, 0, name);
+        table->SetCell(row, 1, L"Pad 1");
+    }
 }
 
 } // namespace
@@ -308,4 +323,5 @@ void BuildRecordsPage(GHOSTMANAGER_WINDOW* root) {
         x += 410;
     }
     BuildTable(root);
+    BuildPlainTable(root);
 }

@@ -223,6 +223,21 @@ TEST_F(Look, AWindowAndADropListTakeAnotherStyle) {
     EXPECT_EQ(drop->window->clientRect, (GUI_RECT{3, 3, 144, 19}));
 }
 
+TEST_F(Look, TheBarOfHeadingsGoesOnBesideTheLastColumn) {
+    CGhostTheme::Get().ParseTheme(
+        "<?xml version='1.0'?><theme><textbox name='A'><texture type='color'>"
+        "<color name='bg' val='FF00000A'/></texture></textbox>"
+        "<listview name='HEADS'><number name='headerheight' val='24'/>"
+        "<number name='itemheight' val='20'/><button><textbox name='normal' use='A'/></button>"
+        "</listview></theme>");
+    auto* const view = new CGhostListView(nullptr, 0, L"HEADS", 0, {false, 100, 100, 400, 224});
+    view->AddColumn(L"", 100);
+    manager.Tick(0);
+    EXPECT_EQ(At(view->window, 100, 0), kColourA);
+    EXPECT_EQ(At(view->window, 399, 23), kColourA);
+    EXPECT_EQ(At(view->window, 399, 24) >> 24, 0u) << "the rows are below";
+}
+
 // A round frame has nothing of the fill outside; a square one keeps it.
 TEST_F(Look, AButtonWithARoundFrameHasRoundCorners) {
     GhostButtonStyle style;

@@ -266,10 +266,12 @@ void BuildTable(GHOSTMANAGER_WINDOW* root) {
     for (int32_t i = 0; i < kRows; ++i) {
         const int32_t row = table->AddRow();
         table->SetCell(row, 0, L"Row " + std::to_wstring(i + 1), i % 4);
-        table->Cell(row, 0)->colourSet = i % 4 < 2 ? 0 : 1;
         table->Cell(row, 0)->indent = i % 3;
         table->SetCell(row, 1, i % 2 == 0 ? L"even" : L"odd");
         table->SetCell(row, 2, std::to_wstring(i * 7));
+        for (int32_t column = 0; column < 3; ++column) {
+            table->Cell(row, column)->colourSet = i % 4 < 2 ? 0 : 1;
+        }
     }
     table->SetSelected(10000, false);
     table->EnsureVisible(10002);

@@ -293,9 +293,11 @@ void BuildLongTexts(GHOSTMANAGER_WINDOW* root, int32_t y) {
 
 void BuildScrolledText(GHOSTMANAGER_WINDOW* root, int32_t y) {
     std::wstring text;
-    for (int i = 0; i < 12; ++i) {
-        text += kSentence;
-        text += L"\n";
+    for (int i = 1; i <= 4; ++i) {
+        text += L"Night " + std::to_wstring(i) +
+                L". The lamp is low, a screen lights the wall, and the moon is in the window. "
+                L"Somebody has "
+                L"left a game where it was hardest, and nobody else in the house is awake.\n\n";
     }
     const int32_t x = GalleryColumnX(2);
     GalleryLabel(root, L"WINDOWOVERLAY, scrolled", x, y - 24);

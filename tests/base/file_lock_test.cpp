@@ -2,12 +2,12 @@
 
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <string>
 #include <thread>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -79,7 +79,7 @@ TEST(FileLock, ManyThreadsHoldItOneAtATime) {
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
-            for (int taken = 0; taken < 50;) {
+            for (int taken = 0; taken < 10;) {
                 FileLock lock;
                 long holder = 0;
                 std::string error;

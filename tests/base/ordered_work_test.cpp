@@ -11,7 +11,8 @@ TEST(OrderedWork, ResultsComeInOrderFromAnyNumberOfThreads) {
         const std::vector<uint64_t> weights(500, 1);
         std::vector<size_t> taken;
         EXPECT_TRUE(RunInOrder(
-            weights, {threads, 20, 50}, [](size_t index) { return std::make_unique<size_t>(index * 2); },
+            weights, {threads, 20, 50},
+            [](size_t index) { return std::make_unique<size_t>(index * 2); },
             [&](size_t index, const std::unique_ptr<size_t>& result) {
                 EXPECT_EQ(*result, index * 2);
                 taken.push_back(index);

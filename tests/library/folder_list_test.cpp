@@ -12,7 +12,8 @@ using testing::ElementsAre;
 TEST(FolderList, KindFollowsTheExtensionInAnyCase) {
     EXPECT_EQ(KindOfFile(1, "a.game"), FolderFile::kGame);
     EXPECT_EQ(KindOfFile(1, "a.GAME"), FolderFile::kGame);
-    EXPECT_EQ(KindOfFile(6, "a.game"), FolderFile::kGame) << "though an arcade piece may be anything";
+    EXPECT_EQ(KindOfFile(6, "a.game"), FolderFile::kGame)
+        << "though an arcade piece may be anything";
     EXPECT_EQ(KindOfFile(1, "a.sms"), FolderFile::kSource);
     EXPECT_EQ(KindOfFile(1, "a.SMS"), FolderFile::kSource);
     EXPECT_EQ(KindOfFile(1, "a.zip"), FolderFile::kSource);
@@ -60,6 +61,6 @@ TEST(FolderList, HasTheFilesInOrderAndNothingElse) {
     EXPECT_THAT(names, ElementsAre("A.sms", "a.sms", "b.sms", "C.sms", "dangling.sms"));
     EXPECT_FALSE(ListFolder(folder.Path() / "missing", names, error));
     EXPECT_TRUE(names.empty());
-    EXPECT_EQ(error, (folder.Path() / "missing").string() +
-                         ": cannot be read: No such file or directory");
+    EXPECT_EQ(error,
+              (folder.Path() / "missing").string() + ": cannot be read: No such file or directory");
 }

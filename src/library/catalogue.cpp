@@ -7,6 +7,7 @@
 #include "library/folder_conversion.h"
 #include "library/folder_list.h"
 #include "library/game_source.h"
+#include "library/library_index.h"
 
 #include <algorithm>
 #include <optional>
@@ -21,6 +22,14 @@ int32_t LastSelector() {
 }
 
 } // namespace
+
+void ReadThroughIndex(LibraryIndex& index, CATALOGUE_HOOKS& hooks) {
+    hooks.loadBegins = [&index](const fs::path& folder) { index.LoadFolder(folder); };
+    hooks.loadGame = [&index](const fs::path& path, CGameFile& game) {
+        return index.LoadGame(path, game);
+    };
+    hooks.loadEnds = [&index] { index.Commit(); };
+}
 
 Catalogue::Catalogue(CATALOGUE_HOOKS owner, int32_t start)
     : hooks(std::move(owner))

@@ -24,6 +24,8 @@
 #include <thread>
 #include <vector>
 
+class LibraryIndex;
+
 // scanState
 enum ScanState : int32_t {
     kScanIdle = 0,
@@ -63,6 +65,9 @@ struct CATALOGUE_HOOKS {
     std::function<void(const std::filesystem::path& folder)> loadBegins;
     std::function<void()> loadEnds;
 };
+
+// The hooks that read games through an index, which outlives the catalogue.
+void ReadThroughIndex(LibraryIndex& index, CATALOGUE_HOOKS& hooks);
 
 struct SCAN_COUNTERS {
     uint32_t good = 0;

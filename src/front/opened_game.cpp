@@ -3,6 +3,8 @@
 #include "facts/machine_facts.h"
 #include "front/demo_database.h"
 #include "front/demos.h"
+#include "front/notices.h"
+#include "front/terminal.h"
 #include "host/machine_list.h"
 #include "library/convert.h"
 #include "library/game_source.h"
@@ -45,10 +47,16 @@ bool OpenForPlaying(const std::string& game, const MACHINE_FACTS* system, OPENED
             error = game + ": no such demo; play --help lists them";
             return false;
         }
-    } else if (OpenGame(game, system, opened.game, opened.title, error)) {
-        opened.options = DefaultMachineOptions(opened.game);
     } else {
-        return false;
+        std::string note;
+        if (!OpenGame(game, system, opened.game, opened.title, note, error)) {
+            return false;
+        }
+        if (!note.empty()) {
+            Complain(note);
+            PostNotice(note);
+        }
+        opened.options = DefaultMachineOptions(opened.game);
     }
     return CheckMachine(game, opened.game.Header().system, error);
 }

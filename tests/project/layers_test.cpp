@@ -84,10 +84,12 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"Boost.Signals2",   {"boost/signals2"},                 {"gui"}},
     {"Boost.Asio",       {"boost/asio"},                     {"web"}, Row::kToCome},
     {"CLI11",            {"CLI/"},                           {"front_tools"}},
+    {"JSON",             {"nlohmann/"},                      {"front_tools"}},
     {"libpng",           {"png.h"},                          {"front_tools", "room"}},
     {"libzip",           {"zip.h"},                          {"formats"}},
     {"liblzma",          {"lzma.h"},                         {"formats"}},
     {"OpenSSL",          {"openssl/"},                       {"formats"}},
+    {"SQLite",           {"sqlite3"},                        {"catalogue"}},
 
     {"the processor",    {"immintrin.h"},                    {"machine"}},
     {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "sys/", "unistd.h"}, {"base", "front"}},

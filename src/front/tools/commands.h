@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -78,7 +79,7 @@ int BenchCommand(const BENCH_OPTIONS& options);
 // Shows every control and style of the toolkit, page by page, in a window (F7 and F8 turn the page, Esc
 // ends) or as PNG files.
 struct GALLERY_OPTIONS {
-    double density = 1.0;             // pixels to a unit
+    std::optional<double> density;    // pixels to a unit; none: 1, or what the settings say
     std::pair<int, int> size;         // of the screen in pixels; 0: 1280 by 720 units
     std::string over;                 // a game that runs below the page, as `play` takes it
     size_t page = 0;                  // from 1; 0: the first, or with a screenshot all

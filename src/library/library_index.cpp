@@ -324,8 +324,8 @@ void LibraryIndex::WriteOrMend(const Folders& done, bool all) {
         return;
     }
     std::string ignored;
-    const bool again = database.Fault() == SqliteFault::kMoved ? Prepare(ignored)
-                                                               : !sound && MakeAnew();
+    const bool again =
+        database.Fault() == SqliteFault::kMoved ? Prepare(ignored) : !sound && MakeAnew();
     if (again) {
         (void)Write(done, true, sound);
     }

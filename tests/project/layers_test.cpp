@@ -50,7 +50,7 @@ const std::vector<TARGET_ROW> kTargets = {
     {"display",   {"machine", "settings"}}, // how far a set's picture is filtered is read where it is drawn
     {"gui",       {"base"}},
     {"room",      {"base", "bindings", "display", "facts", "gui", "machine", "settings"}},
-    {"web",       {"base", "formats"}, Row::kToCome},
+    {"web",       {"base", "formats"}},
     {"screens",   {"base", "bindings", "catalogue", "facts", "formats", "gui", "host", "machine", "machines",
                    "room", "settings", "web"}, Row::kToCome},
     {"assets",    {"gui"}},
@@ -82,12 +82,12 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"XML",              {"pugixml"},             {"gui", "settings"}},
     {"utf8cpp",          {"utf8"},                          {"base", "front"}},
     {"Boost.Signals2",   {"boost/signals2"},                 {"gui"}},
-    {"Boost.Asio",       {"boost/asio"},                     {"web"}, Row::kToCome},
+    {"Boost.Asio",       {"boost/asio"},                     {"web"}},
     {"CLI11",            {"CLI/"},                           {"front_tools"}},
     {"libpng",           {"png.h"},                          {"front_tools", "room"}},
     {"libzip",           {"zip.h"},                          {"formats"}},
     {"liblzma",          {"lzma.h"},                         {"formats"}},
-    {"OpenSSL",          {"openssl/"},                       {"formats"}},
+    {"OpenSSL",          {"openssl/"},                       {"formats", "web"}},
 
     {"the processor",    {"immintrin.h"},                    {"machine"}},
     {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "unistd.h"}, {"base", "front"}},

@@ -55,12 +55,9 @@ bool HttpAnswer::Take(std::span<const uint8_t> block) {
 bool HttpAnswer::TakeHead() {
     if (part == Part::kStatusLine) {
         const size_t end = head.find(kLineEnd, searched);
-        if (std::min(end, head.size()) > headerLimit) {
-            return Refuse(kHeadersTooLarge);
-        }
         if (end == std::string::npos) {
             searched = head.empty() ? 0 : head.size() - 1;
-            return true;
+            return head.size() < headerLimit || Refuse(kHeadersTooLarge);
         }
         if (!TakeStatusLine(std::string_view(head).substr(0, end))) {
             return false;
@@ -69,12 +66,12 @@ bool HttpAnswer::TakeHead() {
         searched = end; // an answer without headers has its empty line here
     }
     const size_t end = head.find(kHeadEnd, searched);
-    if (std::min(end, head.size()) > headerLimit) {
-        return Refuse(kHeadersTooLarge);
-    }
     if (end == std::string::npos) {
         searched = std::max(searched, head.size() - std::min(head.size(), kHeadEnd.size() - 1));
-        return true;
+        return head.size() < headerLimit || Refuse(kHeadersTooLarge);
+    }
+    if (end + kHeadEnd.size() > headerLimit) {
+        return Refuse(kHeadersTooLarge);
     }
     TakeHeaders(std::string_view(head).substr(0, end));
     part = Part::kBody;

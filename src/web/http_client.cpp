@@ -149,6 +149,9 @@ private:
         if (url.host.empty()) {
             return Fail(WideFromUtf8(HostNotFoundText())); // the system would take this computer
         }
+        if (!GoesOn(deadline)) {
+            return false;
+        }
         NameLookup lookup(surroundings.lookUp, url.host, url.service);
         while (!lookup.WaitFor(kGlance)) {
             if (!GoesOn(deadline)) {

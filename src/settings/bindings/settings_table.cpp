@@ -35,8 +35,7 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"megadrive_ymvolume",       1.0f  },
     {L"login_connectstartup",     false },
     {L"login_username",           kEmpty},
-    {L"login_userpass",
-     kEmpty                             }, // stays empty: a file of its own keeps keys in place of the password
+    {L"login_userpass",           kEmpty}, // stays empty: member_key.h
     {L"audio_app_quality",        1     },
     {L"audio_app_samplerate",     44100 }, // sample pairs a second, for the whole program
     {L"audio_volume",             1.0f  },
@@ -46,7 +45,7 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"audio_boost_low",          1.25f }, // gains of the three bands
     {L"audio_boost_mid",          1.0f  },
     {L"audio_boost_high",         1.0f  },
-    {L"web_service",              kEmpty}, // address of the web service; empty: nothing is asked of anybody
+    {L"web_service",              kEmpty}, // the web service's address; empty: none is asked
     {L"web_images",               kEmpty}, // address above its cover images
 };
 

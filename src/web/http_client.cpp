@@ -123,9 +123,9 @@ private:
         if (!GoesOn(deadline)) {
             return false;
         }
-        bool done = false;
+        done = false;
         context.restart();
-        start([&](const error_code& code, size_t moved = 0) {
+        start([&, this](const error_code& code, size_t moved = 0) {
             result = code;
             count = moved;
             done = true;
@@ -249,6 +249,7 @@ private:
     milliseconds end;
     asio::io_context context{1};
     tcp::socket socket{context};
+    bool done = false; // the operation that is awaited
     std::wstring error;
 };
 

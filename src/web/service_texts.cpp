@@ -23,13 +23,13 @@ bool IsLineEnd(wchar_t c) {
 
 // Marks that turn or embed a direction of writing, by which a text can look like another one.
 bool IsDirectionMark(wchar_t c) {
-    const auto code = static_cast<uint32_t>(c);
+    const auto code = static_cast<char32_t>(c);
     return code == 0x061C || code == 0x200E || code == 0x200F ||
            (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
 }
 
 bool IsControl(wchar_t c) {
-    const auto code = static_cast<uint32_t>(c);
+    const auto code = static_cast<char32_t>(c);
     return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x2028 || code == 0x2029;
 }
 
@@ -150,11 +150,9 @@ std::wstring PlainText(std::wstring_view text) {
         if (c == L'\r') {
             const bool pair = i + 1 < text.size() && text[i + 1] == L'\n';
             out.append(pair ? 0 : 1, L'\n');
-        } else if (c == L'\n') {
-            out += c;
         } else if (c == L'\t') {
             out += L' ';
-        } else if (!IsControl(c) && !IsDirectionMark(c)) {
+        } else if (c == L'\n' || (!IsControl(c) && !IsDirectionMark(c))) {
             out += c;
         }
     }

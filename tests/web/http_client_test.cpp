@@ -204,7 +204,7 @@ TEST(HttpClient, ARedirectIsNotFollowed) {
 
 TEST(HttpClient, AnAnswerThatEndsAnywhereIsAFailureOrAShorterBody) {
     const std::string answer = Answer("0123456789");
-    size_t cut = 0;
+    std::atomic<size_t> cut{0};
     LoopbackServer server([&](LoopbackConnection& connection) {
         (void)connection.ReadRequest();
         connection.Write(answer.substr(0, cut));
@@ -223,7 +223,7 @@ TEST(HttpClient, AnAnswerThatEndsAnywhereIsAFailureOrAShorterBody) {
 
 TEST(HttpClient, AConnectionThatIsResetAtAnyByteIsAFailure) {
     const std::string answer = Answer("0123456789");
-    size_t cut = 0;
+    std::atomic<size_t> cut{0};
     LoopbackServer server([&](LoopbackConnection& connection) {
         (void)connection.ReadRequest();
         connection.Write(answer.substr(0, cut));

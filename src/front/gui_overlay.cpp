@@ -69,6 +69,7 @@ void GuiOverlay::End() {
         started = false;
         CGhostManager::Get().SetHost({});
         textures.End();
+        cursors.End();
     }
 }
 
@@ -84,6 +85,7 @@ bool GuiOverlay::Update(const PUMP_EVENTS& events, const DRAW_TARGET& target, in
     constexpr int64_t kLongestTick = 1000000; // after a standstill
     manager.Tick(static_cast<uint32_t>(std::clamp<int64_t>(now - lastTick, 0, kLongestTick)));
     lastTick = now;
+    cursors.Update();
     return !manager.DirtyRect().Empty();
 }
 

@@ -1,7 +1,8 @@
 // GuiOverlay: the windows of the toolkit over whatever the main window shows.
 //
 // It turns the pump's events into the toolkit's input records, runs the toolkit's tick and draws its windows
-// through the four drawing callbacks. Without windows it costs next to nothing.
+// through the four drawing callbacks, and shows the cursor that they want. Without windows it costs next to
+// nothing. The lines of statistics are no windows but StatusOverlay's text, which needs no theme to be read.
 //
 // Units: mouse places come in pixels of the drawing surface and go on in units of the virtual screen.
 // Thread: main, with the OpenGL context current.
@@ -10,6 +11,7 @@
 #pragma once
 
 #include "display/window_textures.h"
+#include "front/gui_cursors.h"
 #include "front/screen.h"
 
 #include <cstdint>
@@ -42,6 +44,7 @@ public:
 
 private:
     WindowTextures textures;
+    GuiCursors cursors;
     DRAW_TARGET size{0, 0}; // that the toolkit was told
     int64_t lastTick = 0;   // microseconds of the host's clock
     bool started = false;

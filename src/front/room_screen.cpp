@@ -104,8 +104,8 @@ struct RoomScreen::HANDS {
 RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> openedGames)
     : around(surroundings)
     , games(std::move(openedGames)) {
-    renderer.InitRoom(
-        {[](const char* name) { return SDL_GL_GetProcAddress(name); }, ReadObjectFile, PostReport});
+    renderer.InitRoom({[](const char* name) { return SDL_GL_GetProcAddress(name); }, ReadObjectFile,
+                       PostReport, ReadBuiltInObject});
     objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
     PlaceTelevisionSounds(objects);
     camera.SetUp(1.0f);

@@ -79,6 +79,13 @@ bool Televisions::GiveUpAllBut(const std::vector<uint32_t>& keys) {
     return gone;
 }
 
+void Televisions::LoseGraphics() {
+    for (auto& [key, set] : sets) {
+        EndSessionPicture(set.picture); // its light shines on
+        set.isNew = true;
+    }
+}
+
 void Televisions::End() {
     static_cast<void>(GiveUpAllBut({}));
 }

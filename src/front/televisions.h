@@ -37,6 +37,8 @@ public:
     void TakePictures();
     [[nodiscard]] bool UploadTaken(uint32_t activeKey, PictureScaler scaler);
     void End();
+    // The context goes, with every texture; the next Upload makes them again from the pictures taken last.
+    void LoseGraphics();
 
     // Whether the pictures are seen on television sets, all at once and from a distance. Upload then tells of a
     // new picture of any session.

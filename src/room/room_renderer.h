@@ -52,9 +52,9 @@ public:
     void SetCover(size_t slot, const uint32_t* pixels, uint32_t width, uint32_t height) {
         covers.SetCover(slot, pixels, width, height);
     }
-    void DrawCovers(const CoverView& view, const COVER_RECTANGLE& at, uint32_t screenWidth,
-                    uint32_t screenHeight) {
-        covers.Draw(painter, view, at, screenWidth, screenHeight);
+    void DrawCovers(const CoverView& view, const COVER_RECTANGLE& at, const COVER_RECTANGLE& seen,
+                    uint32_t screenWidth, uint32_t screenHeight) {
+        covers.Draw(painter, view, at, seen, screenWidth, screenHeight);
     }
 
     [[nodiscard]] RoomPainter& Painter() { return painter; }

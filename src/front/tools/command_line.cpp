@@ -162,6 +162,16 @@ int Run(int argc, const char* const* argv) {
         ->type_name("X Y Z X Y Z")
         ->expected(6);
     roomApp->add_flag("--dark", room.dark, "Without the ceiling light");
+    roomApp->add_flag("--no-hints", room.noHints, "Without the line that says what you can do");
+    roomApp->add_option("--cover", room.covers, "Show game boxes with these covers over the room")
+        ->type_name("IMAGE")
+        ->check(CLI::ExistingFile)
+        ->allow_extra_args(false)
+        ->expected(1, 6);
+    roomApp->add_flag("--cabinet", room.cabinet, "An arcade cabinet beside the boxes");
+    roomApp->add_option("--turned", room.turned, "The first boxes, of which you see the backs")
+        ->type_name("N")
+        ->check(CLI::Range(0, 6));
     roomApp->add_option("--screenshot", room.screenshot, "Write a picture of the window and end")
         ->type_name("FILE.png");
 

@@ -6,6 +6,7 @@
 #include "formats/packing.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
@@ -53,6 +54,17 @@ std::vector<uint8_t> Deinterleave(std::span<const uint8_t> image) {
         }
     }
     return out;
+}
+
+// Blocks of the image, and the marks by which copiers know their own files.
+std::array<uint8_t, kCopierHeader> CopierHeader(size_t imageSize) {
+    std::array<uint8_t, kCopierHeader> header{};
+    header[0] = static_cast<uint8_t>(imageSize / kInterleaveBlock);
+    header[1] = 3;
+    header[8] = 0xAA;
+    header[9] = 0xBB;
+    header[10] = 6; // a Mega Drive program
+    return header;
 }
 
 MACHINE_RECORD DefaultMachineRecord(uint16_t system) {
@@ -116,6 +128,15 @@ uint16_t SystemOfExtension(std::string_view extension) {
     return 0;
 }
 
+std::string UsualExtension(uint16_t system) {
+    if (system == kSystemMegaDrive) {
+        return ".md"; // its list begins with ".bin", which says little
+    }
+    const MACHINE_FACTS* const facts = FindMachineFacts(system);
+    return facts != nullptr && !facts->extensions.empty() ? std::string(facts->extensions.front())
+                                                          : ".bin";
+}
+
 bool ValidExtension(uint16_t system, std::string_view path) {
     const MACHINE_FACTS* entry = FindMachineFacts(system);
     return entry != nullptr && (system == kSystemArcade || Accepts(*entry, ExtensionOf(path)));
@@ -128,6 +149,25 @@ std::vector<uint8_t> PrepareImage(uint16_t system, std::span<const uint8_t> file
     return {file.begin(), file.end()};
 }
 
+bool InterleaveImage(std::span<const uint8_t> image, std::vector<uint8_t>& dump) {
+    dump.clear();
+    if (image.size() < kSmallestMegaDrive || (image.size() & kCopierHeader) != 0) {
+        return false;
+    }
+    constexpr size_t kHalf = kInterleaveBlock / 2;
+    const auto header = CopierHeader(image.size());
+    dump.assign(header.begin(), header.end());
+    dump.insert(dump.end(), image.begin(), image.end());
+    for (size_t block = 0; image.size() - block >= kInterleaveBlock; block += kInterleaveBlock) {
+        uint8_t* const out = dump.data() + kCopierHeader + block;
+        for (size_t i = 0; i < kHalf; ++i) {
+            out[kHalf + i] = image[block + 2 * i];
+            out[i] = image[block + 2 * i + 1];
+        }
+    }
+    return true;
+}
+
 bool IsBareCopierHeader(uint16_t system, std::span<const uint8_t> file) {
     return system == kSystemMegaDrive && IsInterleaved(file) &&
            file.size() < kCopierHeader + kSmallestMegaDrive;
@@ -137,10 +177,17 @@ bool BuildGame(uint16_t system, std::string_view stem, std::span<const uint8_t> 
                std::span<const CGameFile> database, CGameFile& game, bool& known) {
     game.Create(false, system);
     known = false;
-    if (system == kSystemArcade || file.size() > kImageLimit) {
+    return file.size() <= kImageLimit &&
+           BuildPreparedGame(system, stem, PrepareImage(system, file), database, game, known);
+}
+
+bool BuildPreparedGame(uint16_t system, std::string_view stem, std::vector<uint8_t> image,
+                       std::span<const CGameFile> database, CGameFile& game, bool& known) {
+    game.Create(false, system);
+    known = false;
+    if (system == kSystemArcade || image.size() > kImageLimit) {
         return false;
     }
-    std::vector<uint8_t> image = PrepareImage(system, file);
     const Sha256Digest hash = Sha256(image);
     const auto size = static_cast<uint32_t>(image.size());
     // The search goes on after the first entry that knows the image.

@@ -79,18 +79,20 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"FreeType",         {"ft2build.h", "freetype/", "FT_"}, {"gui"}},
     {"stb_image",        {"stb_image", "stb/"},              {"gui"}},
     {"TurboJPEG",        {"turbojpeg"},                      {"room"}},
-    {"XML",              {"pugixml"},             {"gui", "settings"}},
+    {"XML",              {"pugixml"},                        {"catalogue", "gui", "settings"}},
     {"utf8cpp",          {"utf8"},                          {"base", "front"}},
     {"Boost.Signals2",   {"boost/signals2"},                 {"gui"}},
     {"Boost.Asio",       {"boost/asio"},                     {"web"}, Row::kToCome},
     {"CLI11",            {"CLI/"},                           {"front_tools"}},
+    {"JSON",             {"nlohmann/"},                      {"front_tools"}},
     {"libpng",           {"png.h"},                          {"front_tools", "room"}},
     {"libzip",           {"zip.h"},                          {"formats"}},
     {"liblzma",          {"lzma.h"},                         {"formats"}},
     {"OpenSSL",          {"openssl/"},                       {"formats"}},
+    {"SQLite",           {"sqlite3"},                        {"catalogue"}},
 
     {"the processor",    {"immintrin.h"},                    {"machine"}},
-    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "unistd.h"}, {"base", "front"}},
+    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "sys/", "unistd.h"}, {"base", "front"}},
 };
 // clang-format on
 

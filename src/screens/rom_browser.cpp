@@ -11,9 +11,13 @@
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
 #include "library/game_source.h"
-#include "screens/local_media.h"
+#include "room/image_decoder.h"
+#include "screens/game_media.h"
 #include "screens/screen_host.h"
 #include "settings/settings.h"
+#include "web/download_queue.h"
+#include "web/media_archive.h"
+#include "web/service_texts.h"
 
 #include <algorithm>
 
@@ -51,6 +55,20 @@ constexpr SAVES kSaves[] = {
     {L"Manual Only",      0},
 };
 
+// Kinds of requests to the web service.
+constexpr uint32_t kAskGame = 1;
+constexpr uint32_t kFetchCover = 2;
+
+SERVICE_ADDRESSES ServiceOfSettings() {
+    return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
+}
+
+bool SidesOfPicture(std::span<const uint8_t> file, PICTURE_SIZE& size) {
+    const ROOM_IMAGE image = DecodeRoomImage(file);
+    size = {image.width, image.height};
+    return image.width != 0;
+}
+
 std::wstring PlayTypeText(uint8_t types) {
     struct TYPE {
         uint8_t bit;
@@ -82,7 +100,8 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     , empty(Own(new CGhostTextBox(parentWindow, 0, L"TEXT_CENTER", L"", {})))
     , optionsWindow(Own(new CGhostWindowEx(parentWindow, 0, L"GAMEOPTIONS", L"",
                                            CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {})))
-    , content(parentWindow, {[] {}, [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
+    , content(parentWindow, {[this] { FetchContent(); },
+                            [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
     , start(Own(new CGhostButton(parentWindow, 0, L"PLAYOFFLINE", L"START GAME", 0, {})))
     , gameRoom(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"GAME ROOM", 0, {})))
     , mainMenu(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"MAIN MENU", 0, {})))
@@ -111,6 +130,7 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
 }
 
 CGUIRomBrowser::~CGUIRomBrowser() {
+    *abandoned = 1;
     catalogue.StopScan();
     catalogue.WaitForScan();
 }
@@ -207,11 +227,6 @@ void CGUIRomBrowser::ClearPanes() {
     start->SetEnabled(false);
 }
 
-std::filesystem::path CGUIRomBrowser::SystemFolder() const {
-    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
-    return facts != nullptr ? HomeFolder() / facts->folder : std::filesystem::path();
-}
-
 void CGUIRomBrowser::Update() {
     if (options != nullptr) {
         options->Update();
@@ -287,10 +302,83 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
     } else {
         content.SetText(ContentTab::kMetaInfo, WideFromUtf8(error));
     }
-    LOCAL_MEDIA media = ReadLocalMedia(SystemFolder(), row->contentKey);
+    ShowMedia(*row);
+    AskAboutGame(*row);
+}
+
+void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    if (facts == nullptr) {
+        return;
+    }
+    GAME_MEDIA media = ReadGameMedia(facts->folder, row.contentKey);
+    hasMedia = media.archive;
+    localTexts = !media.texts.empty();
+    ShowTexts(localTexts ? ReadGameInformation(media.texts) : GAME_INFORMATION());
     content.SetShots(std::move(media.shots));
     const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
     host.ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+}
+
+void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
+    content.SetText(ContentTab::kHints, information.cheats);
+    content.SetText(ContentTab::kReviews, information.reviews);
+    content.SetText(ContentTab::kTrivia, information.trivia);
+}
+
+// The texts that lie here are shown at once; an answer of the service takes their place.
+void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
+    content.OfferContent(false);
+    const std::wstring url = GameUrl(ServiceOfSettings(), row.contentKey);
+    if (url.empty()) {
+        return;
+    }
+    host.Downloads().QueueRequest(
+        url, row.contentKey, kAskGame, abandoned,
+        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
+               const uint8_t* data, uint32_t size) {
+            if (*gone != 0 || chosen == nullptr || chosen->contentKey != key) {
+                return; // the player looks at another game by now
+            }
+            if (!error.empty()) {
+                if (!localTexts) {
+                    ShowTexts(GameInformationFailure(error));
+                }
+                return;
+            }
+            const GAME_INFORMATION information = ReadGameInformation({data, size});
+            ShowTexts(information);
+            content.OfferContent(!hasMedia && ContentAvailable(information, 0));
+        });
+}
+
+// The button `Content Available`.
+void CGUIRomBrowser::FetchContent() {
+    content.OfferContent(false);
+    const std::wstring url =
+        chosen != nullptr ? CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey) : std::wstring();
+    if (url.empty()) {
+        return;
+    }
+    host.Downloads().QueueRequest(
+        url, chosen->contentKey, kFetchCover, abandoned,
+        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
+               const uint8_t* data, uint32_t size) {
+            if (*gone == 0 && chosen != nullptr && chosen->contentKey == key) {
+                StoreContent(error, {data, size});
+            }
+        });
+}
+
+void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive) {
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    std::string reason = Utf8FromWide(error);
+    if (error.empty() && StoreMediaArchive(MediaArchivePath(facts->folder, chosen->contentKey), archive,
+                                           SidesOfPicture, reason)) {
+        ShowMedia(*chosen);
+        return;
+    }
+    CGhostMessageBox::Show(L"Content Available", L"The pictures could not be fetched: " + WideFromUtf8(reason));
 }
 
 void CGUIRomBrowser::ShowMeta(const GameListRow& row, const CGameFile& game) {

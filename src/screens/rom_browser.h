@@ -13,16 +13,20 @@
 #include "screens/scan_window.h"
 #include "screens/screen_panel.h"
 #include "screens/system_switcher.h"
+#include "web/download_list.h"
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
 class CGhostListView;
 class CGhostWindowEx;
 class ScreenHost;
+struct GAME_INFORMATION;
 
 class CGUIRomBrowser final : public CGUIPanel {
 public:
@@ -66,8 +70,12 @@ private:
     void ShowRow(int32_t row);
     void Choose(const GameListRow* row);
     void ShowMeta(const GameListRow& row, const CGameFile& game);
+    void ShowMedia(const GameListRow& row);
+    void ShowTexts(const GAME_INFORMATION& information);
+    void AskAboutGame(const GameListRow& row);
+    void FetchContent();
+    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive);
     [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
-    [[nodiscard]] std::filesystem::path SystemFolder() const;
     void StoreSaves();
 
     ScreenHost& host;
@@ -88,5 +96,8 @@ private:
     bool scanned = false;    // the first scan has begun
     bool applyFilters = false; // with the next Update
     const GameListRow* chosen = nullptr;
+    bool hasMedia = false;   // the chosen game has an archive of pictures
+    bool localTexts = false; // and texts in it
+    AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
     Catalogue catalogue;     // last: its worker calls the panel
 };

@@ -22,6 +22,8 @@ struct GAME_TO_START {
     OptionBlock options{};
 };
 
+class DownloadQueue;
+
 class ScreenHost {
 public:
     virtual ~ScreenHost() = default;
@@ -38,6 +40,9 @@ public:
     virtual void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) = 0;
     // In units of that window's client area.
     virtual void CoverClick(int button, int32_t x, int32_t y) = 0;
+
+    // Requests to the web service. Their callbacks run in the program's rounds.
+    [[nodiscard]] virtual DownloadQueue& Downloads() = 0;
 
     // A settings screen has changed values: those that take effect at once are read again.
     virtual void SettingsChanged() = 0;

@@ -8,10 +8,13 @@
 #include "gui/manager.h"
 #include "gui/theme.h"
 #include "screens/screen_host.h"
+#include "web/download_queue.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <algorithm>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,6 +27,7 @@ public:
         coverKind = kind;
     }
     void CoverClick(int button, int32_t /*x*/, int32_t /*y*/) override { coverClicks.push_back(button); }
+    [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     void SettingsChanged() override { ++settingsChanges; }
     [[nodiscard]] uint64_t Milliseconds() const override { return now; }
 
@@ -34,6 +38,20 @@ public:
     int coverKind = -1;
     std::vector<ModeInput> taken; // in their order
     uint64_t now = 1000;
+    // What the service answers to an address; one that is not here cannot be reached.
+    std::map<std::wstring, std::string> answers;
+    DownloadQueue downloads{[this](const std::wstring& url, std::wstring& error, const std::atomic<uint32_t>*,
+                                   std::unique_ptr<uint8_t[]>& data, uint32_t& size, const std::atomic<bool>&) {
+        const auto found = answers.find(url);
+        if (found == answers.end()) {
+            error = L"Invalid response code";
+            return false;
+        }
+        size = static_cast<uint32_t>(found->second.size());
+        data = std::make_unique<uint8_t[]>(size);
+        std::copy(found->second.begin(), found->second.end(), data.get());
+        return true;
+    }};
 };
 
 class ScreensTest : public testing::Test {

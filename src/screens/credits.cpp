@@ -2,6 +2,7 @@
 
 #include "gui/list_view.h"
 #include "gui/text_box.h"
+#include "gui/window.h"
 
 namespace {
 
@@ -40,7 +41,7 @@ std::span<const CREDIT> Credits() {
 CGUICredits::CGUICredits(GHOSTMANAGER_WINDOW* parentWindow)
     : CGUIPanel(parentWindow)
     , title(Own(new CGhostTextBox(parent, 0, L"SECTIONTEXT", L"CREDITS", {})))
-    , list(Own(new CGhostListView(parent, 0, L"CREDITLIST", 0, {}))) {
+    , list(Own(new CGhostListView(parent, 0, L"CREDITLIST", CGhostListView::kNoSelection, {}))) {
     list->AddColumn(L"Name", kColumn);
     list->AddColumn(L"What they did", kColumn);
     for (const CREDIT& credit : Credits()) {
@@ -50,9 +51,11 @@ CGUICredits::CGUICredits(GHOSTMANAGER_WINDOW* parentWindow)
     }
 }
 
+// The second column has the rest of the list: at its first width it would cut most of the texts.
 void CGUICredits::Layout(int32_t width, int32_t height) {
     title->SetPos((width - 680) / 2, 10, 680, 25);
     list->SetPos(kMargin, kTop, width - 2 * kMargin, height - kTop - kFoot);
+    list->SetColumnWidth(1, list->window->clientRect.width - list->ColumnWidth(0));
 }
 
 void CGUICredits::TakeFocus() {

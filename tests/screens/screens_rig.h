@@ -7,11 +7,14 @@
 #include "gui/font.h"
 #include "gui/manager.h"
 #include "gui/theme.h"
+#include "gui/text_box.h"
 #include "screens/screen_host.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,12 +23,21 @@ public:
     void Quit() override { ++quits; }
     void GoTo(ScreenPlace place) override { places.push_back(place); }
     void SettingsChanged() override { ++settingsChanges; }
-    [[nodiscard]] uint64_t Milliseconds() const override { return now; }
+    void SaveSettings() override { ++saves; }
+    [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
+    [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override {
+        return openGame && openGame(game);
+    }
+    [[nodiscard]] uint64_t Milliseconds() const override { return now += step; }
 
     int quits = 0;
     int settingsChanges = 0;
+    int saves = 0;
     std::vector<ScreenPlace> places;
-    uint64_t now = 1000;
+    std::vector<SCREEN_JOYSTICK> joysticks;
+    std::function<bool(CGameFile&)> openGame; // null: there is no game for the benchmark
+    mutable uint64_t now = 1000;
+    uint64_t step = 0; // milliseconds between two looks at the clock
 };
 
 class ScreensTest : public testing::Test {
@@ -63,16 +75,50 @@ protected:
     }
     void Click(const CGhostButton* button) { Click(button->window); }
 
+    // At a place of the screen.
+    void MoveTo(int32_t x, int32_t y) {
+        Post([&](GUI_INPUT_RECORD& record) {
+            record.moved = true;
+            record.dx = x - Manager().CursorX();
+            record.dy = y - Manager().CursorY();
+        });
+    }
+    void PressMouse() {
+        Post([](GUI_INPUT_RECORD& record) {
+            record.buttonDown = true;
+            record.button = 1;
+        });
+        Post([](GUI_INPUT_RECORD& record) {
+            record.buttonUp = true;
+            record.button = 1;
+        });
+    }
+    void DoubleClickAt(int32_t x, int32_t y) {
+        now += 1000;
+        MoveTo(x, y);
+        PressMouse();
+        PressMouse();
+        now += 1000;
+        Tick();
+    }
+
     void PressKey(GHOSTGUIKey key) {
+        KeyDown(key);
+        KeyUp(key);
+        Tick();
+    }
+    void KeyDown(GHOSTGUIKey key, bool repeat = false) {
         Post([&](GUI_INPUT_RECORD& record) {
             record.keyDown = true;
             record.key = static_cast<int32_t>(key);
+            record.repeat = repeat;
         });
+    }
+    void KeyUp(GHOSTGUIKey key) {
         Post([&](GUI_INPUT_RECORD& record) {
             record.keyUp = true;
             record.key = static_cast<int32_t>(key);
         });
-        Tick();
     }
 
     HostRecord host;

@@ -10,6 +10,7 @@
 #include "host/benchmark.h"
 #include "screens/screen_host.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -23,9 +24,10 @@ constexpr const wchar_t* kDuring = L"Running. In five seconds everything moves a
 constexpr int32_t kColumn = 200;
 constexpr int32_t kListWide = 864;
 constexpr int32_t kListTop = 118;
-constexpr int32_t kListFoot = 40;
+constexpr int32_t kRows = 11; // of the report, and one to spare
 constexpr int32_t kButtonWide = 180;
 constexpr int32_t kHigh = 25;
+constexpr int32_t kFoot = 20;
 
 } // namespace
 
@@ -34,7 +36,9 @@ CGUIBenchmark::CGUIBenchmark(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& prog
     , host(program)
     , title(Own(new CGhostTextBox(parent, 0, L"SECTIONTEXT", L"EMULATOR BENCHMARK", {})))
     , notice(Own(new CGhostTextBox(parent, 0, L"TEXT_CENTER", kBefore, {})))
-    , results(Own(new CGhostListView(parent, 0, L"CREDITLIST", CGhostListView::kNoSelection, {})))
+    , results(Own(new CGhostListView(parent, 0, L"CREDITLIST", 
+                                     CGhostListView::kNoSelection | CGhostListView::kFixedColumns,
+                                     {})))
     , start(Own(new CGhostButton(parent, 0, L"BUTTON", L"Start Benchmark", 0, {}))) {
     results->AddColumn(L"Results", kColumn);
     signals.Watch(start->OnClick, [this](CGhostButton*, int, int, unsigned) { Start(); });
@@ -45,7 +49,9 @@ void CGUIBenchmark::Layout(int32_t width, int32_t height) {
     title->SetPos((width - 680) / 2, 10, 680, kHigh);
     notice->SetPos((width - kListWide) / 2, 44, kListWide, 20);
     start->SetPos((width - kButtonWide) / 2, 76, kButtonWide, kHigh);
-    results->SetPos((width - kListWide) / 2, kListTop, kListWide, height - kListTop - kListFoot);
+    results->SetPos((width - kListWide) / 2, kListTop, kListWide,
+                    std::min(height - kListTop - kFoot,
+                             results->HeaderHeight() + kRows * results->RowHeight() + 2));
     results->SetColumnWidth(0, results->window->clientRect.width);
 }
 

@@ -137,9 +137,6 @@ void InputTab::ShowSystem(int32_t system) {
     for (const size_t action : actions) {
         const int32_t row = list->AddRow();
         list->SetCell(row, 0, InputActions()[action].name);
-        for (int32_t column = 0; column <= InputList::kLastInput; ++column) {
-            list->Cell(row, column)->colourSet = IsProgramAction(action) ? 1 : 0;
-        }
     }
     ShowBindings();
     list->SetSelected(0);
@@ -148,11 +145,12 @@ void InputTab::ShowSystem(int32_t system) {
 void InputTab::ShowBindings() {
     for (size_t row = 0; row < actions.size(); ++row) {
         for (uint32_t input = 0; input < kActionInputs; ++input) {
+            const uint32_t binding = ActionBinding(actions[row], input);
             const bool shared = !SharingBinding(actions, actions[row], input).empty();
-            list->SetCell(static_cast<int32_t>(row),
-                          InputList::kFirstInput + static_cast<int32_t>(input),
-                          BindingName(ActionBinding(actions[row], input)),
+            const int32_t column = InputList::kFirstInput + static_cast<int32_t>(input);
+            list->SetCell(static_cast<int32_t>(row), column, BindingName(binding),
                           shared ? kTroubleImage : -1);
+            list->Cell(static_cast<int32_t>(row), column)->colourSet = binding == 0 ? 1 : 0;
         }
     }
     ShowStatus();

@@ -24,9 +24,13 @@ constexpr int32_t kTabPitch = 138;
 constexpr int32_t kTabTop = 47;
 constexpr int32_t kPageTop = 84;
 constexpr int32_t kPageWide = 864;
-constexpr int32_t kPageFoot = 48; // below a page, with the line of help
+constexpr int32_t kPageFoot = 20; // below the page of the inputs, which is as high as it can be
 constexpr int32_t kRowTop = 24;
-constexpr int32_t kRowPitch = 36;
+constexpr int32_t kRowPitch = 44;
+constexpr int32_t kMostRows = 7;
+constexpr int32_t kNoticeFoot = 36; // from the lower edge to the top of the notice
+constexpr int32_t kRowsHigh = kRowTop + kMostRows * kRowPitch + kNoticeFoot + 24; // of the other pages
+constexpr int32_t kHelpGap = 12;
 constexpr int32_t kLabelWide = 260;
 constexpr int32_t kControlWide = 260;
 constexpr int32_t kMarkWide = 160;
@@ -127,15 +131,16 @@ void CGUIOptions::Layout(int32_t width, int32_t height) {
         tab->SetPos(x, kTabTop, kTabWide, kHigh);
         x += kTabPitch;
     }
-    for (CGhostWindowEx* const page : pages) {
-        page->SetPos((width - kPageWide) / 2, kPageTop, kPageWide, height - kPageTop - kPageFoot);
-    }
-    help->SetPos(15, height - 34, width - 30, 20);
-    const GUI_RECT client = pages.front()->window->clientRect;
+    const int32_t left = (width - kPageWide) / 2;
     for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
-        LayoutRows(tab, client.width, client.height);
+        CGhostWindowEx* const page = pages[Index(tab)];
+        page->SetPos(left, kPageTop, kPageWide, kRowsHigh);
+        LayoutRows(tab, page->window->clientRect.width, page->window->clientRect.height);
     }
-    inputs->Layout(client.width, client.height);
+    help->SetPos(15, kPageTop + kRowsHigh + kHelpGap, width - 30, 20);
+    CGhostWindowEx* const inputPage = pages[Index(OptionTab::kInput)];
+    inputPage->SetPos(left, kPageTop, kPageWide, height - kPageTop - kPageFoot);
+    inputs->Layout(inputPage->window->clientRect.width, inputPage->window->clientRect.height);
 }
 
 void CGUIOptions::LayoutRows(OptionTab tab, int32_t width, int32_t height) {
@@ -158,7 +163,7 @@ void CGUIOptions::LayoutRows(OptionTab tab, int32_t width, int32_t height) {
         y += kRowPitch;
     }
     if (CGhostTextBox* const notice = notices[Index(tab)]; notice != nullptr) {
-        notice->SetPos(0, height - 36, width, 20);
+        notice->SetPos(0, height - kNoticeFoot, width, 20);
     }
 }
 
@@ -169,6 +174,10 @@ void CGUIOptions::ShowTab(OptionTab tab) {
     for (size_t i = 0; i < kOptionTabs; ++i) {
         tabs[i]->SetDown(i == Index(tab));
         pages[i]->SetVisible(i == Index(tab));
+    }
+    // The page of the inputs reaches over its place, and tells the same itself.
+    if (help != nullptr) {
+        help->SetVisible(tab != OptionTab::kInput);
     }
 }
 

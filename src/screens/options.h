@@ -68,7 +68,7 @@ private:
     std::array<CGhostWindowEx*, kOptionTabs> pages{};
     std::array<CGhostTextBox*, kOptionTabs> notices{}; // null where there is none
     std::vector<ROW> rows;
-    CGhostTextBox* help;
+    CGhostTextBox* help = nullptr;
     std::unique_ptr<InputTab> inputs;
     OptionTab shown = OptionTab::kGeneral;
 };

@@ -57,6 +57,7 @@ TEST_F(Benchmark, ReportsARunInItsRows) {
     for (int round = 0; round < 4; ++round) {
         Round();
     }
+    KeepPicture("report");
     EXPECT_FALSE(Shown().Running());
     ASSERT_EQ(Rows().size(), 9u);
     EXPECT_EQ(Rows()[1], L"Sega Master System Benchmark - Single Core");
@@ -79,6 +80,7 @@ TEST_F(Benchmark, ShowsThatItTakesFiveSecondsBeforeItStands) {
     EXPECT_TRUE(Shown().Running());
     EXPECT_EQ(Counter::gFrames, 0);
     Composite();
+    KeepPicture("running");
     menu->Update();
     EXPECT_GT(Counter::gFrames, 0);
     EXPECT_EQ(Shown().Notice()->Text(), before);

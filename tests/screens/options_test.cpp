@@ -26,6 +26,8 @@ protected:
         }
         Click(list->window);
         ASSERT_TRUE(list->IsOpen());
+    Round();
+    KeepPicture("open");
         PressKey(GHOSTGUIKey::kHome);
         for (int i = 0; i < list->Count() && list->Item(list->List()->Hot())->text != text; ++i) {
             PressKey(GHOSTGUIKey::kDown);
@@ -281,6 +283,7 @@ TEST_F(Options, TheRowThatHasTheFocusExplainsItself) {
     EXPECT_EQ(Shown().HelpLine()->Text(), L"");
     PressKey(GHOSTGUIKey::kDown);
     Round();
+    KeepPicture("help");
     EXPECT_EQ(Shown().HelpLine()->Text(), OptionRows().front().help);
     PressKey(GHOSTGUIKey::kUp);
     Round();

@@ -1,6 +1,7 @@
 // The main menu with its panels, and a player who opens them, uses keys and looks at the picture.
 #pragma once
 
+#include "gui/text.h"
 #include "gui/window.h"
 #include "gui/window_ex.h"
 #include "screens/battle_ground.h"

@@ -35,8 +35,8 @@ uint32_t CountFrames(CGameFile& game, const std::function<uint64_t()>& milliseco
         return 0;
     }
     const auto samples = AllocateAligned<int16_t>(size_t{kAudioFramePairs} * 2);
-    const auto pixels = AllocateAligned<uint32_t>(std::max(
-        kVideoBytes / sizeof(uint32_t), size_t{machine->width} * machine->height));
+    const auto pixels = AllocateAligned<uint32_t>(
+        std::max(kVideoBytes / sizeof(uint32_t), size_t{machine->width} * machine->height));
     EMU_AUDIO_FRAME audio{samples.get(), AudioRate(), 0};
     EMU_VIDEO_FRAME video{};
     video.pixels = pixels.get();

@@ -174,9 +174,7 @@ void CGUIBattleGround::ShowPanel(int32_t id, bool show) {
         return;
     }
     switch (id) {
-    case kPanelBenchmark:
-        panel = std::make_unique<CGUIBenchmark>(battleMain->window, host);
-        break;
+    case kPanelBenchmark: panel = std::make_unique<CGUIBenchmark>(battleMain->window, host); break;
     case kPanelOptions: panel = std::make_unique<CGUIOptions>(battleMain->window, host); break;
     case kPanelCredits: panel = std::make_unique<CGUICredits>(battleMain->window); break;
     case kPanelQuit: host.Quit(); break;

@@ -36,9 +36,9 @@ CGUIBenchmark::CGUIBenchmark(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& prog
     , host(program)
     , title(Own(new CGhostTextBox(parent, 0, L"SECTIONTEXT", L"EMULATOR BENCHMARK", {})))
     , notice(Own(new CGhostTextBox(parent, 0, L"TEXT_CENTER", kBefore, {})))
-    , results(Own(new CGhostListView(parent, 0, L"CREDITLIST", 
-                                     CGhostListView::kNoSelection | CGhostListView::kFixedColumns,
-                                     {})))
+    , results(
+          Own(new CGhostListView(parent, 0, L"CREDITLIST",
+                                 CGhostListView::kNoSelection | CGhostListView::kFixedColumns, {})))
     , start(Own(new CGhostButton(parent, 0, L"BUTTON", L"Start Benchmark", 0, {}))) {
     results->AddColumn(L"Results", kColumn);
     signals.Watch(start->OnClick, [this](CGhostButton*, int, int, unsigned) { Start(); });
@@ -47,7 +47,7 @@ CGUIBenchmark::CGUIBenchmark(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& prog
 // The column grows with the list, or it would cut the report's lines.
 void CGUIBenchmark::Layout(int32_t width, int32_t height) {
     title->SetPos((width - 680) / 2, 10, 680, kHigh);
-    notice->SetPos((width - kListWide) / 2, 44, kListWide, 20);
+    notice->SetPos((width - kListWide) / 2, 42, kListWide, kHigh);
     start->SetPos((width - kButtonWide) / 2, 76, kButtonWide, kHigh);
     results->SetPos((width - kListWide) / 2, kListTop, kListWide,
                     std::min(height - kListTop - kFoot,
@@ -68,6 +68,7 @@ void CGUIBenchmark::Start() {
     results->Clear();
     frames = 0;
     notice->SetText(kDuring);
+    notice->SetStyle(L"SECTIONTEXT");
 }
 
 // The notice is painted by the tick after it was set, and seen once nothing waits for the composite.
@@ -89,8 +90,11 @@ void CGUIBenchmark::Run() {
     }
     frames = RunBenchmark(game.get(), [this] { return host.Milliseconds(); });
     for (const std::string& line : BenchmarkReport(frames)) {
-        results->SetCell(results->AddRow(), 0, WideFromUtf8(line));
+        const int32_t row = results->AddRow();
+        results->SetCell(row, 0, WideFromUtf8(line));
+        results->Cell(row, 0)->colourSet = 1; // in letters of one width
     }
     notice->SetText(kBefore);
+    notice->SetStyle(L"TEXT_CENTER");
     running = false;
 }

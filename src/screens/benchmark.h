@@ -35,6 +35,7 @@ private:
     CGhostListView* results;
     CGhostButton* start;
     bool running = false;
-    bool announced = false; // the tick has painted the notice; it is seen when it has been composited
+    bool announced =
+        false; // the tick has painted the notice; it is seen when it has been composited
     uint32_t frames = 0;
 };

@@ -32,7 +32,7 @@ private:
     [[nodiscard]] std::optional<uint32_t> NewOfJoystick(uint32_t joystick) const;
 
     bool programAction;
-    std::bitset<kInputCodes> ignored;  // held since before the capture
+    std::bitset<kInputCodes> ignored;   // held since before the capture
     std::bitset<kInputCodes> modifiers; // shift, ctrl and alt keys that are held
-    uint32_t lastModifier = 0;         // pressed since, with no other key after it
+    uint32_t lastModifier = 0;          // pressed since, with no other key after it
 };

@@ -55,7 +55,7 @@ private:
     CGhostTextBox* keeps;
     GUI_RECT screen; // that it was placed for
     std::wstring binding;
-    uint64_t waited = 0;     // microseconds
+    uint64_t waited = 0;      // microseconds
     uint64_t secondsLeft = 0; // as they are shown
     bool ended = false;
 };

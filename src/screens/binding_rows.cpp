@@ -50,7 +50,8 @@ bool IsProgramAction(size_t action) {
 
 std::vector<size_t> ActionsOf(const MACHINE_FACTS& facts) {
     std::vector<size_t> actions;
-    for (const auto names : {facts.consoleActions, facts.playerActions[0], facts.playerActions[1]}) {
+    for (const auto names :
+         {facts.consoleActions, facts.playerActions[0], facts.playerActions[1]}) {
         for (const std::wstring_view name : names) {
             actions.push_back(ActionOfName(name));
         }

@@ -1,5 +1,6 @@
 #include "base/files.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -53,18 +54,6 @@ bool FlushToDisk(std::FILE* file) {
 #endif
 }
 
-// Makes a rename survive a power cut. A failure here loses neither file.
-void FlushFolder([[maybe_unused]] const fs::path& folder) {
-#ifndef _WIN32
-    const int descriptor =
-        open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        fsync(descriptor);
-        close(descriptor);
-    }
-#endif
-}
-
 // A name no other writer of this or another process uses at the same time.
 fs::path TemporaryBeside(const fs::path& path) {
     static std::atomic<unsigned> serial{0};
@@ -73,9 +62,13 @@ fs::path TemporaryBeside(const fs::path& path) {
 #else
     const long process = getpid();
 #endif
-    fs::path name = path;
-    name += ".tmp-" + std::to_string(process) + "-" + std::to_string(serial.fetch_add(1));
-    return name;
+    const std::string ending =
+        ".tmp-" + std::to_string(process) + "-" + std::to_string(serial.fetch_add(1));
+    // A file's name of the greatest length must not make one that is too long.
+    constexpr size_t kLongestName = 255;
+    std::string name = path.filename().string();
+    name.resize(std::min(name.size(), kLongestName - ending.size()));
+    return path.parent_path() / (name + ending);
 }
 
 bool FolderIsWritable(const fs::path& folder) {
@@ -87,6 +80,17 @@ bool FolderIsWritable(const fs::path& folder) {
 }
 
 } // namespace
+
+void FlushFolder([[maybe_unused]] const fs::path& folder) {
+#ifndef _WIN32
+    const int descriptor =
+        open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        fsync(descriptor);
+        close(descriptor);
+    }
+#endif
+}
 
 void SetHomeFolder(const fs::path& folder) {
     Home() = folder;

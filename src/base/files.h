@@ -42,7 +42,11 @@ enum class WriteMode {
 };
 
 // Writes a file so that at every moment either the old one or the whole new one exists: writes a
-// temporary beside it, flushes it to the disk and renames it over the old one. Creates missing folders
+// temporary beside it, flushes it to the disk and renames it over the old one. A temporary's name ends
+// in ".tmp-", the process's number, "-" and a count. Creates missing folders
 // and follows symbolic links. On failure the old file is untouched and the temporary is deleted.
 [[nodiscard]] bool WriteFile(const std::filesystem::path& path, std::span<const uint8_t> bytes,
                              std::string& error, WriteMode mode = WriteMode::kReplace);
+
+// Makes what was renamed, linked and deleted in a folder survive a power cut. A failure loses nothing.
+void FlushFolder(const std::filesystem::path& folder);

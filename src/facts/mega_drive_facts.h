@@ -39,7 +39,7 @@ inline constexpr OPTION_VALUE kMdConsoleValues[] = {
     {"pal",     "MEGADRIVE PAL",   kMdConsolePal    },
 };
 inline constexpr OPTION_VALUE kMdDeviceValues[] = {
-    {"auto",    nullptr,           kMdDeviceAutomatic},
+    {"auto",    "Auto Detect",     kMdDeviceAutomatic},
     {"none",    "None",            kMdDeviceNone     },
     {"3button", "3 Button Joypad", kMdDevice3Button  },
     {"6button", "6 Button Joypad", kMdDevice6Button  },

@@ -10,6 +10,7 @@
 #include "front/notices.h"
 #include "front/opened_game.h"
 #include "front/processor_binder.h"
+#include "front/program_screen.h"
 #include "front/program_title.h"
 #include "front/room_screen.h"
 #include "front/run_settings.h"
@@ -112,7 +113,7 @@ bool Application::Round() {
     ChangeScreen();
     HandInputOver();
     const PUMP_EVENTS events = pump.Pump();
-    if (events.quit) {
+    if (events.quit || quit) {
         return false;
     }
     sound.Watch(events, Now());
@@ -213,11 +214,29 @@ void Application::ShowGame() {
     Show(std::make_unique<GameScreen>(televisions, view, lightGun));
 }
 
-RoomScreen& Application::ShowRoom(std::vector<OPENED_GAME> games) {
+void Application::NeedAppearance() {
     if (!appearanceLoaded) {
         LoadAppearance();
         appearanceLoaded = true;
     }
+}
+
+ProgramScreen& Application::ShowProgram() {
+    NeedAppearance();
+    auto program = std::make_unique<ProgramScreen>(
+        ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight},
+        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }});
+    ProgramScreen& shown = *program;
+    Show(std::move(program));
+    return shown;
+}
+
+void Application::TakeSettings() {
+    pacer.NoteNews();
+}
+
+RoomScreen& Application::ShowRoom(std::vector<OPENED_GAME> games) {
+    NeedAppearance();
     auto room = std::make_unique<RoomScreen>(
         ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight}, std::move(games));
     RoomScreen& shown = *room;
@@ -301,6 +320,7 @@ void Application::Stop() {
         return;
     }
     started = false;
+    quit = false;
     TurnOff();
     Release();
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);

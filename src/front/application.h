@@ -28,6 +28,7 @@
 #include <string>
 #include <vector>
 
+class ProgramScreen;
 class RoomScreen;
 struct OPENED_GAME;
 
@@ -73,6 +74,8 @@ public:
     void ShowGame();
     // The room, where these games are played; it stays Application's.
     RoomScreen& ShowRoom(std::vector<OPENED_GAME> games);
+    // The whole program, from its main menu; it stays Application's.
+    ProgramScreen& ShowProgram();
     [[nodiscard]] bool CeilingLight() const { return ceilingLight; }
     void SetCeilingLight(bool on) { ceilingLight = on; }
     [[nodiscard]] const FramePacer& Pacer() const { return pacer; }
@@ -88,6 +91,8 @@ private:
     void Release();
 
     // The steps of a round. Those that return a bool say whether the window must be drawn again.
+    void NeedAppearance();
+    void TakeSettings();
     void ChangeScreen();
     void HandInputOver();
     void RunCommands(const PUMP_EVENTS& events);
@@ -116,6 +121,7 @@ private:
     GuiOverlay gui;
     FramePacer pacer;
     std::string title;
+    bool quit = false; // the player has chosen to end the program
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;

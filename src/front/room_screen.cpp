@@ -2,6 +2,7 @@
 
 #include "audio/sound.h"
 #include "base/text.h"
+#include "display/gl.h"
 #include "front/event_pump.h"
 #include "front/game_screen.h"
 #include "front/joysticks.h"
@@ -9,12 +10,15 @@
 #include "front/object_files.h"
 #include "front/room_sound.h"
 #include "front/televisions.h"
+#include "gui/manager.h"
+#include "host/session.h"
 #include "host/session_list.h"
 #include "room/look_stick.h"
 #include "room/standpoint.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
+#include <SDL_opengl.h>
 #include <SDL_video.h>
 
 #include <algorithm>
@@ -101,15 +105,17 @@ struct RoomScreen::HANDS {
     }
 };
 
-RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> openedGames)
+RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> openedGames,
+                       ROOM_OWNER roomOwner, ProgramMode start)
     : around(surroundings)
-    , games(std::move(openedGames)) {
+    , games(std::move(openedGames))
+    , modes(start)
+    , owner(std::move(roomOwner)) {
     renderer.InitRoom(
         {[](const char* name) { return SDL_GL_GetProcAddress(name); }, ReadObjectFile, PostReport});
     objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
     PlaceTelevisionSounds(objects);
-    camera.SetUp(1.0f);
-    modes.Enter();
+    StandAtDoor();
     ApplyModes();
 }
 
@@ -138,6 +144,11 @@ void RoomScreen::StandAt(VECTOR3 from, VECTOR3 at) {
     camera.SetUp(1.0f, from, at);
 }
 
+void RoomScreen::StandAtDoor() {
+    camera.SetUp(1.0f);
+    visited = 0;
+}
+
 bool RoomScreen::Update(const SCREEN_INPUT& input) {
     const float seconds =
         lastRound == 0
@@ -147,19 +158,24 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     hintsSince = hintsSince == 0 ? input.now : hintsSince;
 
     CollectGames();
-    const RoomModes before = modes;
+    const ProgramMode before = modes.Mode();
     const HANDS hands = ReadHands(input);
     camera.SetAspect(Aspect(input.target));
-    Walk(hands, seconds);
-    if (modes.RoomVisible()) {
-        ChooseSet(hands);
+    if (!modes.Covered()) {
+        Walk(hands, seconds);
+        if (modes.RoomVisible()) {
+            ChooseSet(hands);
+        }
+        Act(hands);
     }
-    Act(hands);
-    if (before.RoomVisible() != modes.RoomVisible() || before.Walking() != modes.Walking()) {
+    if (before != modes.Mode()) {
         hintsSince = input.now;
     }
     ApplyModes();
-    hints.Show(Hint(input.now));
+    hints.Show(modes.Covered() ? std::wstring() : Hint(input.now));
+    if (modes.Covered()) {
+        return false;
+    }
     const bool pictureNews = fullScreen != nullptr && fullScreen->Update(input);
     return modes.RoomVisible() || pictureNews;
 }
@@ -210,7 +226,7 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
     hands.turnOff = pressed(ActionIsDown(L"Turn Off"), turnOffHeld);
     hands.nextSet += pressed((pads & PadBit(0, kPadBack)) != 0, nextSetHeld) ? 1 : 0;
     // While a machine is played its buttons are its own; the guide button belongs to no machine.
-    const bool played = !modes.RoomVisible() || (!walking && modes.Selected().on);
+    const bool played = !modes.RoomVisible() || (!walking && selected.on);
     const uint64_t leaveControls =
         PadBit(0, kPadGuide) | (played ? uint64_t{0} : PadBit(0, kPadEast));
     hands.toggleWalking = pressed((pads & leaveControls) != 0, leaveHeld) || hands.toggleWalking;
@@ -245,7 +261,7 @@ void RoomScreen::ChooseSet(const HANDS& hands) {
         visited = 0;
     }
     const CRoomObject* const set = objects.Find(visited);
-    modes.SetLookedAt(set != nullptr ? LookedAtSet(*set) : LookAt(objects, camera));
+    selected = set != nullptr ? LookedAtSet(*set) : LookAt(objects, camera);
 }
 
 void RoomScreen::VisitSet(int step) {
@@ -259,7 +275,7 @@ void RoomScreen::VisitSet(int step) {
         return;
     }
     const auto count = static_cast<int>(sets.size());
-    const auto at = std::find(sets.begin(), sets.end(), modes.Selected().id);
+    const auto at = std::find(sets.begin(), sets.end(), selected.id);
     const int from =
         at != sets.end() ? static_cast<int>(at - sets.begin()) : (step > 0 ? -1 : count);
     visited = sets[static_cast<size_t>(((from + step) % count + count) % count)];
@@ -268,78 +284,120 @@ void RoomScreen::VisitSet(int step) {
 }
 
 void RoomScreen::Act(const HANDS& hands) {
-    // While a machine is played the middle button leads back, and `Turn Off` is not read: its key may be one of
-    // the machine's.
-    const bool middleLeaves = hands.middle && fullScreen != nullptr;
-    if (hands.toggleWalking || middleLeaves) {
-        BackToRoom();
-        modes.ToggleWalking();
-        return;
-    }
-    if (!modes.RoomVisible()) {
-        return;
-    }
-    if (hands.middle) {
-        modes.ToggleWalkingAtScreen();
+    // While a machine is played `Turn Off` is not read: its key may be one of the machine's.
+    if (hands.toggleWalking) {
+        Take(ModeInput::kLeave);
+    } else if (hands.middle) {
+        Take(ModeInput::kMiddleButton);
     } else if (modes.Walking() && hands.turnOff) {
-        Obey(modes.TurnOff(Settings().GetBool(L"emu_startfullscreen")));
+        Take(ModeInput::kTurnOff);
     } else if (modes.Walking() && hands.use) {
-        Obey(modes.Use());
-    } else if (hands.click && !modes.Selected().on) {
-        modes.ToggleWalking(); // nobody plays, so a click takes the camera again
+        Use();
+    } else if (hands.click && modes.Mode() == ProgramMode::kStanding && !selected.on &&
+               CGhostManager::Get().HoverWindow() == nullptr) {
+        Take(ModeInput::kLeave); // nobody plays, so a click takes the camera again
     }
 }
 
-void RoomScreen::Obey(const ROOM_ORDER& order) {
-    switch (order.order) {
-    case RoomOrder::kNothing: break;
-    case RoomOrder::kChooseGame:
-        if (modes.Selected().on) {
-            ShowFullScreen(order.id);
-            break;
-        }
-        modes.Enter();
-        TurnOn(order.id);
-        if (Settings().GetBool(L"emu_startfullscreen")) {
-            ShowFullScreen(order.id);
-        }
-        break;
-    case RoomOrder::kStopGame:
-    case RoomOrder::kStopAndChooseGame:
-        games.Stop(order.id);
-        objects.TurnOff(order.id);
-        modes.Enter();
-        break;
+void RoomScreen::Use() {
+    if (owner.changed) {
+        Take(ModeInput::kUse);
+        return;
+    }
+    const bool wasOn = selected.on;
+    if (selected.id != 0 && !wasOn) {
+        TurnOn(selected.id);
+    }
+    if (wasOn || Settings().GetBool(L"emu_startfullscreen")) {
+        Take(ModeInput::kShowSet);
     }
 }
 
-void RoomScreen::ShowFullScreen(uint32_t key) {
+ModeOrder RoomScreen::Take(ModeInput input) {
+    const bool browser = owner.changed != nullptr;
+    const MODE_FACTS facts{selected.id != 0, selected.on,
+                           browser && Settings().GetBool(L"emu_startfullscreen")};
+    const ModeOrder order = modes.Take(input, facts);
+    switch (order) {
+    case ModeOrder::kStopGame: StopSelected(); break;
+    case ModeOrder::kResetCamera: StandAtDoor(); break;
+    case ModeOrder::kResetGame: static_cast<void>(EmuResetSession(selected.id)); break;
+    default: break;
+    }
+    FitMode();
+    if (browser) {
+        owner.changed(order);
+    }
+    return order;
+}
+
+void RoomScreen::StopSelected() {
+    games.Stop(selected.id);
+    objects.TurnOff(selected.id);
+    selected.on = false;
+}
+
+// The full-screen picture is there in its mode alone, and that mode only with a game.
+void RoomScreen::FitMode() {
+    if (modes.Mode() != ProgramMode::kFullScreen) {
+        fullScreen.reset();
+    } else if (fullScreen == nullptr && !ShowFullScreen(selected.id)) {
+        static_cast<void>(modes.Take(ModeInput::kGameEnded, {}));
+    }
+}
+
+bool RoomScreen::ShowFullScreen(uint32_t key) {
     const LightGun* const itsGuns = games.GunsOn(key);
     if (itsGuns == nullptr) {
-        return;
+        return false;
     }
     guns = *itsGuns;
     shownKey = key;
-    modes.LeaveForFullScreen();
     fullScreen = std::make_unique<GameScreen>(around.televisions, around.view, guns);
+    return true;
 }
 
-void RoomScreen::BackToRoom() {
-    if (fullScreen != nullptr) {
-        fullScreen.reset();
-        modes.Enter();
-        modes.ToggleWalking(); // the caller toggles it again
+uint32_t RoomScreen::SetForGame() const {
+    if (selected.id != 0) {
+        return selected.id;
     }
+    for (const uint32_t key : objects.Televisions()) {
+        if (key != 0 && games.StateOf(key) == SetState::kOff) {
+            return key;
+        }
+    }
+    return 0;
+}
+
+void RoomScreen::Play(uint32_t key, OPENED_GAME&& opened) {
+    const CRoomObject* const set = objects.Find(key);
+    if (set == nullptr) {
+        return;
+    }
+    games.Start(key, std::move(opened));
+    if (fullScreen != nullptr && shownKey == key) {
+        guns = *games.GunsOn(key);
+    }
+    if (visited != key) {
+        visited = key;
+        const STANDPOINT point = StandpointBefore(*set);
+        StandAt(point.from, point.at);
+    }
+    selected = LookedAtSet(*set);
+    selected.on = true; // it starts
 }
 
 // A game that could not start, and a machine that could not go on, leave a dark set.
 void RoomScreen::CollectGames() {
     for (const std::string& error : games.Collect()) {
         PostReport(error);
+        if (owner.failed) {
+            owner.failed(error);
+        }
     }
     if (fullScreen != nullptr && games.GunsOn(shownKey) == nullptr) {
-        fullScreen.reset();
-        modes.Enter();
+        selected.on = false;
+        Take(ModeInput::kGameEnded);
     }
 }
 
@@ -347,10 +405,12 @@ void RoomScreen::CollectGames() {
 void RoomScreen::ApplyModes() {
     around.televisions.ShowInRoom(modes.RoomVisible());
     SoundSetRoomVisible(modes.RoomVisible());
-    if (!modes.RoomVisible()) {
+    if (modes.Covered()) {
+        InputSetActiveKey(kNoSession);
+    } else if (!modes.RoomVisible()) {
         InputSetActiveKey(shownKey);
-    } else if (modes.Selected().id != 0) {
-        InputSetActiveKey(modes.Selected().id);
+    } else if (selected.id != 0) {
+        InputSetActiveKey(selected.id);
     } else {
         InputSetActiveKey(kNoSession);
     }
@@ -374,6 +434,11 @@ void RoomScreen::AttachPictures() {
 
 void RoomScreen::Draw(const DRAW_TARGET& target) {
     AttachPictures();
+    if (modes.Covered()) {
+        glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT);
+        return;
+    }
     if (fullScreen != nullptr) {
         fullScreen->Draw(target);
         return;
@@ -389,12 +454,7 @@ void RoomScreen::Draw(const DRAW_TARGET& target) {
 
 // On the set that the player looks at, or on the first that is off.
 bool RoomScreen::TakeDropped(OPENED_GAME& opened) {
-    uint32_t key = fullScreen != nullptr ? shownKey : modes.Selected().id;
-    for (const uint32_t free : objects.Televisions()) {
-        if (key == 0 && free != 0 && games.StateOf(free) == SetState::kOff) {
-            key = free;
-        }
-    }
+    const uint32_t key = fullScreen != nullptr ? shownKey : SetForGame();
     if (key == 0) {
         PostReport("all televisions are on; turn one off, or look at the one to play on");
         return true;
@@ -406,24 +466,38 @@ bool RoomScreen::TakeDropped(OPENED_GAME& opened) {
     return true;
 }
 
+// The key of an action, or `key` where it has none, or what a controller's player presses.
+std::wstring RoomScreen::NameOf(const wchar_t* action, PadControl control,
+                                const wchar_t* key) const {
+    std::wstring text;
+    if (padInHand) {
+        text = ActionPadName(action, around.joysticks.Family(), control);
+    }
+    if (text.empty()) {
+        text = *key != L'\0' ? std::wstring(key) : ActionKeyName(action);
+    }
+    return text;
+}
+
+HAND_NAMES RoomScreen::HandNames() const {
+    return {NameOf(L"Use", kPadSouth, L""), NameOf(L"Turn Off", kPadNorth, L""),
+            NameOf(L"", kPadGuide, L"ESC")};
+}
+
 std::wstring RoomScreen::Hint(int64_t now) const {
-    const auto name = [&](const wchar_t* action, PadControl control, const wchar_t* key) {
-        std::wstring text;
-        if (padInHand) {
-            text = ActionPadName(action, around.joysticks.Family(), control);
-        }
-        if (text.empty()) {
-            text = *key != L'\0' ? std::wstring(key) : ActionKeyName(action);
-        }
-        return text;
+    const auto name = [this](const wchar_t* action, PadControl control, const wchar_t* key) {
+        return NameOf(action, control, key);
     };
     const std::wstring back = name(L"", kPadGuide, L"Esc");
+    const bool told = owner.changed != nullptr; // the owner tells what can be done with a set
     if (!modes.RoomVisible()) {
         return now - hintsSince < kFullScreenHint ? back + L"   Back to the room" : std::wstring();
     }
-    const LOOKED_AT& selected = modes.Selected();
     if (!modes.Walking()) {
         return selected.on ? back + L"   Walk on" : back + L" or a click   Walk on";
+    }
+    if (told && selected.id != 0) {
+        return selected.on ? WideFromUtf8(games.TitleOn(selected.id)) : std::wstring();
     }
     if (selected.on) {
         return name(L"Use", kPadSouth, L"") + L"   Play " +

@@ -1,13 +1,16 @@
 // RoomScreen: the room with its televisions. The player walks in it, looks at a set, starts a game on it, plays
 // it full screen and comes back.
 //
-//   walking       keys, mouse and sticks move the camera; `Use` at a set that is on shows it full screen, at
-//                 one that is off starts the next game on it; `Turn Off` stops the game
+//   walking       keys, mouse and sticks move the camera; `Use` asks for a game for the set; `Turn Off` stops the
+//                 game
 //   standing      the mouse is free; a machine at which the player stands gets the input
 //   full screen   one set's picture fills the window and its machine gets the input
-// Escape, and a controller's guide button, lead back to walking from both. Page Down and Page Up, and a
-// controller's back button, put the player before the next set and the one before: also before those that a look
-// does not choose where they stand.
+// Escape, and a controller's guide button, lead back to walking from both. Which way leads where is told by
+// ProgramModes, which this owns; while menu or browser cover the window the room only keeps its games.
+// Without an owner, as the command `room` without the program's screens, `Use` at a set that is on shows it full
+// screen, and at one that is off starts the next of the games that were given.
+// Page Down and Page Up, and a controller's back button, put the player before the next set and the one before:
+// also before those that a look does not choose where they stand.
 //
 // Thread: main, with the OpenGL context current.
 #pragma once
@@ -16,13 +19,16 @@
 #include "front/room_games.h"
 #include "front/room_hints.h"
 #include "front/screen.h"
+#include "room/picking.h"
 #include "room/room_camera.h"
-#include "room/room_modes.h"
 #include "room/room_objects.h"
 #include "room/room_renderer.h"
+#include "screens/program_modes.h"
 #include "settings/input_frame.h"
+#include "settings/pad_defaults.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -39,9 +45,23 @@ struct ROOM_SURROUNDINGS {
     const bool& ceilingLight;
 };
 
+// Who shows menu and browser over the room.
+struct ROOM_OWNER {
+    std::function<void(ModeOrder order)> changed;         // the mode may be another one now
+    std::function<void(const std::string& error)> failed; // a game could not start or go on
+};
+
+// How the player's keys, or the buttons of the controller in hand, are called.
+struct HAND_NAMES {
+    std::wstring use;
+    std::wstring turnOff;
+    std::wstring leave;
+};
+
 class RoomScreen final : public Screen {
 public:
-    RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> games);
+    RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> games,
+               ROOM_OWNER owner = {}, ProgramMode start = ProgramMode::kWalking);
     ~RoomScreen() override; // stops the games, autosaves included
 
     // A game on each of the first `count` sets of the list that have a place.
@@ -54,8 +74,21 @@ public:
 
     // Stands the player somewhere else.
     void StandAt(VECTOR3 from, VECTOR3 at);
+    // At the door, where the room is entered.
+    void StandAtDoor();
 
-    [[nodiscard]] const RoomModes& Modes() const { return modes; }
+    // Goes where the player wants, and does what belongs to the room of it.
+    ModeOrder Take(ModeInput input);
+
+    // The set that the player looks at, or else the first that is off; 0 when all are on.
+    [[nodiscard]] uint32_t SetForGame() const;
+    // A game on a set, before which the player then stands.
+    void Play(uint32_t key, OPENED_GAME&& opened);
+
+    [[nodiscard]] const ProgramModes& Modes() const { return modes; }
+    // The set that the player looks at, or whose picture fills the window.
+    [[nodiscard]] const LOOKED_AT& Selected() const { return selected; }
+    [[nodiscard]] HAND_NAMES HandNames() const;
     [[nodiscard]] const CRoomCamera& Camera() const { return camera; }
     [[nodiscard]] const CRoomObjects& Objects() const { return objects; }
     [[nodiscard]] const RoomGames& Games() const { return games; }
@@ -71,13 +104,16 @@ private:
     void ChooseSet(const HANDS& hands);
     void VisitSet(int step);
     void Act(const HANDS& hands);
-    void Obey(const ROOM_ORDER& order);
-    void ShowFullScreen(uint32_t key);
-    void BackToRoom();
+    void Use();
+    void StopSelected();
+    void FitMode();
+    bool ShowFullScreen(uint32_t key);
     void TurnOn(uint32_t key);
     void CollectGames();
     void ApplyModes();
     void AttachPictures();
+    [[nodiscard]] std::wstring NameOf(const wchar_t* action, PadControl control,
+                                      const wchar_t* key) const;
     [[nodiscard]] std::wstring Hint(int64_t now) const;
 
     ROOM_SURROUNDINGS around;
@@ -85,7 +121,9 @@ private:
     CRoomObjects objects;
     RoomRenderer renderer;
     CRoomCamera camera;
-    RoomModes modes;
+    ProgramModes modes;
+    LOOKED_AT selected;
+    ROOM_OWNER owner;
     RoomHints hints;
     std::unique_ptr<GameScreen> fullScreen; // while one set fills the window
     LightGun guns;                          // of that set's game

@@ -137,10 +137,17 @@ bool BuildGame(uint16_t system, std::string_view stem, std::span<const uint8_t> 
                std::span<const CGameFile> database, CGameFile& game, bool& known) {
     game.Create(false, system);
     known = false;
-    if (system == kSystemArcade || file.size() > kImageLimit) {
+    return file.size() <= kImageLimit &&
+           BuildPreparedGame(system, stem, PrepareImage(system, file), database, game, known);
+}
+
+bool BuildPreparedGame(uint16_t system, std::string_view stem, std::vector<uint8_t> image,
+                       std::span<const CGameFile> database, CGameFile& game, bool& known) {
+    game.Create(false, system);
+    known = false;
+    if (system == kSystemArcade || image.size() > kImageLimit) {
         return false;
     }
-    std::vector<uint8_t> image = PrepareImage(system, file);
     const Sha256Digest hash = Sha256(image);
     const auto size = static_cast<uint32_t>(image.size());
     // The search goes on after the first entry that knows the image.

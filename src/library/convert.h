@@ -36,7 +36,13 @@
 [[nodiscard]] bool BuildGame(uint16_t system, std::string_view stem, std::span<const uint8_t> file,
                              std::span<const CGameFile> database, CGameFile& game, bool& known);
 
-// The same as a whole `.game` file. False, with nothing in `out`, also when it cannot be packed.
+// The same for an image that is as the machine sees it, which is not prepared again.
+[[nodiscard]] bool BuildPreparedGame(uint16_t system, std::string_view stem,
+                                     std::vector<uint8_t> image,
+                                     std::span<const CGameFile> database, CGameFile& game,
+                                     bool& known);
+
+// BuildGame as a whole `.game` file. False, with nothing in `out`, also when it cannot be packed.
 [[nodiscard]] bool ConvertImage(uint16_t system, std::string_view stem,
                                 std::span<const uint8_t> file, std::span<const CGameFile> database,
                                 std::vector<uint8_t>& out, bool& known);

@@ -10,6 +10,7 @@
 #include "screens/benchmark.h"
 #include "screens/credits.h"
 #include "screens/options.h"
+#include "screens/rom_browser.h"
 #include "screens/screen_host.h"
 #include "screens/taglines.h"
 
@@ -57,6 +58,7 @@ CGUIBattleGround::CGUIBattleGround(ScreenHost& program)
 
 CGUIBattleGround::~CGUIBattleGround() {
     panel.reset();
+    browser.reset();
     CGhostManager& manager = CGhostManager::Get();
     manager.DestroyWindow(version->window);
     manager.DestroyWindow(topArea->window);
@@ -81,7 +83,8 @@ void CGUIBattleGround::MakeWindows() {
                       [this, id](CGhostButton*, int, int, unsigned) { OnMenu(id); });
     }
     back = new CGhostButton(area, 0, L"BUTTON", L"BACK", 0, {});
-    signals.Watch(back->OnClick, [this](CGhostButton*, int, int, unsigned) { endPanel = true; });
+    signals.Watch(back->OnClick,
+                  [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kBack); });
     tagline = new CGhostTextBox(area, 0, L"SECTIONTEXT", L"", {});
     newsHeader = new CGhostTextBox(area, 0, L"LARGEHEADERTEXT", L"News", {});
     news = new CGhostMultiText(area, 0, L"WINDOWOVERLAY",
@@ -95,12 +98,11 @@ void CGUIBattleGround::Update() {
     if (whole.width != screen.width || whole.height != screen.height) {
         PlaceBars();
     }
-    if (endPanel) {
-        endPanel = false;
-        Back();
-    }
     if (panel != nullptr) {
         panel->Update();
+    }
+    if (browser != nullptr) {
+        browser->Update();
     }
 }
 
@@ -124,6 +126,9 @@ void CGUIBattleGround::Layout(int32_t width, int32_t height) {
     news->SetPos(390, 95, width - 410, height - 115);
     if (panel != nullptr) {
         panel->Layout(width, height);
+    }
+    if (browser != nullptr) {
+        browser->Layout(width, height);
     }
 }
 
@@ -157,6 +162,11 @@ void CGUIBattleGround::OnMenu(int32_t id) {
     ShowMenu(false);
     current = id;
     ShowPanel(id, true);
+    switch (id) {
+    case kPanelBrowser: host.Take(ModeInput::kPlayGames); break;
+    case kPanelQuit: host.Take(ModeInput::kQuit); break;
+    default: host.Take(ModeInput::kOpenPanel); break;
+    }
 }
 
 void CGUIBattleGround::Back() {
@@ -170,6 +180,10 @@ void CGUIBattleGround::Back() {
 
 void CGUIBattleGround::ShowPanel(int32_t id, bool show) {
     panel.reset();
+    if (id == kPanelBrowser) {
+        ShowBrowser(show);
+        return;
+    }
     if (!show) {
         return;
     }
@@ -177,13 +191,32 @@ void CGUIBattleGround::ShowPanel(int32_t id, bool show) {
     case kPanelBenchmark: panel = std::make_unique<CGUIBenchmark>(battleMain->window, host); break;
     case kPanelOptions: panel = std::make_unique<CGUIOptions>(battleMain->window, host); break;
     case kPanelCredits: panel = std::make_unique<CGUICredits>(battleMain->window); break;
-    case kPanelQuit: host.Quit(); break;
     default: break;
     }
     if (panel != nullptr) {
         panel->Layout(mainWindow.width, mainWindow.height);
         panel->TakeFocus();
     }
+}
+
+void CGUIBattleGround::ShowBrowser(bool show) {
+    if (show && browser == nullptr) {
+        browser = std::make_unique<CGUIRomBrowser>(battleMain->window, host);
+        browser->Layout(mainWindow.width, mainWindow.height);
+    }
+    if (browser != nullptr) {
+        browser->SetActive(show);
+    }
+    if (show) {
+        browser->TakeFocus();
+    }
+}
+
+bool CGUIBattleGround::TakeBack() {
+    if (panel != nullptr) {
+        return panel->TakeBack();
+    }
+    return browser != nullptr && browser->IsActive() && browser->TakeBack();
 }
 
 void CGUIBattleGround::SetNews(const std::wstring& text) {

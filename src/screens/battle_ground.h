@@ -7,7 +7,8 @@
 //   2       the options
 //   3       the credits
 //   4       none: the program ends
-// A panel is made when it is chosen and ends with BACK, so each visit begins anew.
+// A panel is made when it is chosen and ends with BACK, so each visit begins anew. The browser is made with its
+// first visit and then kept, as a scan of its folder may run.
 //
 // Units: those of the virtual screen. Sizes follow the screen's with every Update.
 // Thread: main. Order: made after the toolkit has its screen and its theme; Update once a round, before the
@@ -25,6 +26,7 @@ class CGhostButton;
 class CGhostMultiText;
 class CGhostTextBox;
 class CGhostWindowEx;
+class CGUIRomBrowser;
 class ScreenHost;
 
 inline constexpr int32_t kNoPanel = -1;
@@ -51,13 +53,20 @@ public:
 
     // As a click on the menu button of that number does.
     void OnMenu(int32_t id);
-    // As BACK does: the panel ends and the menu is there again. Nothing without a panel.
+    // The panel ends and the menu is there again: what the program does after BACK. Nothing without a panel.
     void Back();
+
+    // What the player wants to leave may have something open of its own, such as the browser's filters; then that
+    // is closed, and the result is true.
+    [[nodiscard]] bool TakeBack();
 
     void SetNews(const std::wstring& text);
 
     [[nodiscard]] int32_t CurrentPanel() const { return current; }
-    [[nodiscard]] CGUIPanel* Panel() const { return panel.get(); }
+    [[nodiscard]] CGUIPanel* Panel() const { return panel.get(); } // not the browser
+    [[nodiscard]] CGUIRomBrowser* Browser() const {
+        return browser.get();
+    } // null before its first visit
     [[nodiscard]] CGhostButton* MenuButton(int32_t id) const {
         return buttons[static_cast<size_t>(id)];
     }
@@ -71,6 +80,7 @@ private:
     void Layout(int32_t width, int32_t height);
     void ShowMenu(bool visible);
     void ShowPanel(int32_t id, bool show);
+    void ShowBrowser(bool show);
     void NewTagline();
 
     ScreenHost& host;
@@ -87,7 +97,7 @@ private:
     GUI_RECT mainWindow; // the client area of BATTLEMAIN, from (0, 0)
     GUI_RECT screen;     // that the bars were placed for
     std::unique_ptr<CGUIPanel> panel;
+    std::unique_ptr<CGUIRomBrowser> browser;
     int32_t current = kNoPanel;
-    bool endPanel = false; // with the next Update: BACK is a control of the panel's own screen
     ScreenSignals signals;
 };

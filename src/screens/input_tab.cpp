@@ -12,7 +12,7 @@
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -69,8 +69,7 @@ InputTab::InputTab(GHOSTMANAGER_WINDOW* parent, ScreenHost& program)
     watch(joysticks, &InputTab::ShowJoysticks);
     watch(clear, &InputTab::Clear);
     watch(undo, &InputTab::Undo);
-    signals.Watch(list->OnChoose,
-                  [this](CGhostListView*, int, GHOSTLISTVIEW_ITEM*) { Ask(); });
+    signals.Watch(list->OnChoose, [this](CGhostListView*, int, GHOSTLISTVIEW_ITEM*) { Ask(); });
     signals.Watch(list->OnClear, [this](InputList*) { Clear(); });
     signals.Watch(list->OnMoved, [this](InputList*) {
         said.clear();
@@ -125,6 +124,14 @@ void InputTab::Update() {
     if (prompt != nullptr) {
         prompt->Look();
     }
+}
+
+bool InputTab::TakeBack() {
+    if (prompt == nullptr) {
+        return false;
+    }
+    std::exchange(prompt, nullptr)->Abandon();
+    return true;
 }
 
 // ---- What is shown.
@@ -198,16 +205,16 @@ void InputTab::Ask() {
     }
     const size_t action = ActionOfRow(list->Selected());
     const uint32_t input = list->Input();
-    const std::wstring what = std::wstring(InputActions()[action].name) + L", " +
-                              (input == 0 ? L"Input1" : L"Input2");
-    prompt = new BindingPrompt(what, BindingName(ActionBinding(action, input)),
-                               IsProgramAction(action),
-                               [this, action, input](std::optional<uint32_t> binding) {
-                                   prompt = nullptr;
-                                   if (binding) {
-                                       Bind(action, input, *binding);
-                                   }
-                               });
+    const std::wstring what =
+        std::wstring(InputActions()[action].name) + L", " + (input == 0 ? L"Input1" : L"Input2");
+    prompt =
+        new BindingPrompt(what, BindingName(ActionBinding(action, input)), IsProgramAction(action),
+                          [this, action, input](std::optional<uint32_t> binding) {
+                              prompt = nullptr;
+                              if (binding) {
+                                  Bind(action, input, *binding);
+                              }
+                          });
 }
 
 void InputTab::Bind(size_t action, uint32_t input, uint32_t binding) {

@@ -29,6 +29,7 @@ public:
 
     void Layout(int32_t width, int32_t height);
     void Update();
+    [[nodiscard]] bool TakeBack(); // what waits for an input ends
 
     [[nodiscard]] CGhostDropList* Systems() const { return systems; }
     [[nodiscard]] CGhostButton* DefaultsButton() const { return defaults; }
@@ -39,7 +40,9 @@ public:
     [[nodiscard]] CGhostTextBox* Status() const { return status; }
     [[nodiscard]] InputList* List() const { return list; }
     [[nodiscard]] bool Waiting() const { return prompt != nullptr; }
-    [[nodiscard]] size_t ActionOfRow(int32_t row) const { return actions[static_cast<size_t>(row)]; }
+    [[nodiscard]] size_t ActionOfRow(int32_t row) const {
+        return actions[static_cast<size_t>(row)];
+    }
 
 private:
     void MakeControls(GHOSTMANAGER_WINDOW* parent);
@@ -65,8 +68,8 @@ private:
     CGhostTextBox* status = nullptr;
     CGhostButton* clear = nullptr;
     CGhostButton* undo = nullptr;
-    BindingPrompt* prompt = nullptr; // while it waits; ends itself
-    std::vector<size_t> actions;     // of the rows
+    BindingPrompt* prompt = nullptr;     // while it waits; ends itself
+    std::vector<size_t> actions;         // of the rows
     std::vector<BindingSnapshot> before; // of each change, the newest last
     std::wstring said;                   // after a change, until the player goes on
     ScreenSignals signals;

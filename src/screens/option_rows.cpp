@@ -80,8 +80,7 @@ constexpr OPTION_ROW Number(OptionTab tab, const wchar_t* label, const wchar_t* 
 
 constexpr OPTION_ROW Slider(const wchar_t* label, const wchar_t* setting,
                             const OPTION_SLIDER& slider, const wchar_t* help) {
-    return {OptionTab::kSound, label, OptionKind::kSlider, setting,
-            nullptr,           {},    L"",                 slider,
+    return {OptionTab::kSound,     label, OptionKind::kSlider, setting, nullptr, {}, L"", slider,
             OptionEffect::kAtOnce, help};
 }
 
@@ -106,8 +105,8 @@ constexpr OPTION_ROW kRows[] = {
     Switch(kGraphics, L"Fullscreen:", L"app_fullscreen", kEnabledDisabled, kAtOnce,
            L"Whether Ombrelune fills the whole display or runs in a window."),
     {kGraphics, L"Windowed Dimensions:", OptionKind::kWindowSize, L"app_window_width",
-     L"app_window_height", kWindowSizes, L"", kNoSlider, kAtOnce,
-     L"The size of the window in pixels while it does not fill the display."},
+       L"app_window_height", kWindowSizes, L"", kNoSlider, kAtOnce,
+       L"The size of the window in pixels while it does not fill the display."},
     Switch(kGraphics, L"Lighting Quality:", L"app_lighting", kLighting, kAtOnce,
            L"High lights the room with its lamp and its screens; Low shows everything equally "
            L"bright, which suits slow graphics cards."),

@@ -29,7 +29,8 @@ constexpr int32_t kRowTop = 24;
 constexpr int32_t kRowPitch = 44;
 constexpr int32_t kMostRows = 7;
 constexpr int32_t kNoticeFoot = 36; // from the lower edge to the top of the notice
-constexpr int32_t kRowsHigh = kRowTop + kMostRows * kRowPitch + kNoticeFoot + 24; // of the other pages
+constexpr int32_t kRowsHigh =
+    kRowTop + kMostRows * kRowPitch + kNoticeFoot + 24; // of the other pages
 constexpr int32_t kHelpGap = 12;
 constexpr int32_t kLabelWide = 260;
 constexpr int32_t kControlWide = 260;
@@ -59,8 +60,7 @@ CGUIOptions::CGUIOptions(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program)
         });
     }
     for (CGhostWindowEx*& page : pages) {
-        page = Own(
-            new CGhostWindowEx(parent, 0, L"OPTIONWINDOW", {}, CGhostWindowEx::kFrame, {}));
+        page = Own(new CGhostWindowEx(parent, 0, L"OPTIONWINDOW", {}, CGhostWindowEx::kFrame, {}));
     }
     for (const OPTION_ROW& row : OptionRows()) {
         MakeRow(row);
@@ -188,6 +188,10 @@ void CGUIOptions::Update() {
     }
     inputs->Update();
     ShowHelp();
+}
+
+bool CGUIOptions::TakeBack() {
+    return inputs->TakeBack();
 }
 
 // The tips need a mouse; with keys and a controller the row that has the focus explains itself.

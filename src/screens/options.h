@@ -30,6 +30,7 @@ public:
 
     void Layout(int32_t width, int32_t height) override;
     void Update() override;
+    [[nodiscard]] bool TakeBack() override;
     void TakeFocus() override;
 
     void ShowTab(OptionTab tab);

@@ -4,17 +4,22 @@
 // Thread: main, from the toolkit's tick.
 #pragma once
 
+#include "formats/game_file.h"
+#include "gui/bitmap.h"
+#include "machines/machine_options.h"
+#include "screens/program_modes.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
 
-class CGameFile;
-
-// Where the player is (program_modes of the program tells how one follows from another).
-enum class ScreenPlace : uint8_t {
-    kMenu,  // the main menu or one of its panels
-    kRoom,  // the room, walking
-    kPlay,  // what the selected set shows fills the window
+// A game as it was chosen in the browser, with its image unpacked and its name selected.
+struct GAME_TO_START {
+    CGameFile game;
+    CGameFile second; // a console's BIOS
+    bool hasSecond = false;
+    std::string title;
+    OptionBlock options{};
 };
 
 // A joystick or game controller in use.
@@ -31,9 +36,18 @@ class ScreenHost {
 public:
     virtual ~ScreenHost() = default;
 
-    // Ends the program after this round.
-    virtual void Quit() = 0;
-    virtual void GoTo(ScreenPlace place) = 0;
+    // What the player wants, as the table of modes knows it. It is done after the toolkit's tick.
+    virtual void Take(ModeInput input) = 0;
+
+    // Starts the game on the set that the browser was opened for. The browser is left when it runs; a message box
+    // says why it does not.
+    virtual void StartGame(GAME_TO_START game) = 0;
+
+    // The boxes of the chosen game, of a kind that the scene knows, with an arcade cabinet beside them or not. They
+    // are drawn in the window that asks for it (kWindowBackgroundPass).
+    virtual void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) = 0;
+    // In units of that window's client area.
+    virtual void CoverClick(int button, int32_t x, int32_t y) = 0;
 
     // A settings screen has changed values: full screen, window size, vertical sync, filters, volume and boosts are
     // read again and take effect. Every move of a volume slider calls it, so it must leave alone what has not changed.

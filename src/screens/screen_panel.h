@@ -41,6 +41,9 @@ public:
     // Once a round, before the toolkit's tick.
     virtual void Update() {}
 
+    // Closes what is open in the panel, if anything is: the first thing that going back does.
+    [[nodiscard]] virtual bool TakeBack() { return false; }
+
     // Puts the focus on the control that the player most probably wants.
     virtual void TakeFocus() = 0;
 

@@ -72,7 +72,7 @@ protected:
             games.push_back(Opened(name));
         }
         RoomScreen* const room = &application.ShowRoom(std::move(games));
-        const auto end = [&] { return room->Modes().Selected().id == kFrontSet; };
+        const auto end = [&] { return room->Selected().id == kFrontSet; };
         EXPECT_TRUE(RunUntil(application, end));
         return HasFailure() ? nullptr : room;
     }

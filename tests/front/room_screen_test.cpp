@@ -330,7 +330,7 @@ TEST_F(RoomScreenTest, ADroppedGamePlaysOnTheFirstFreeSetOtherwise) {
     ASSERT_NE(room, nullptr);
     room->StartGames(7);
     MoveMouse(900, 0); // at the wall behind, where no set is
-    ASSERT_TRUE(RunUntil(application, [&] { return room->Modes().Selected().id == 0; }));
+    ASSERT_TRUE(RunUntil(application, [&] { return room->Selected().id == 0; }));
     Drop(LatchGame());
     ASSERT_TRUE(RunUntilOn(application, *room, kAllSets[7]));
     Drop(LatchGame());
@@ -486,25 +486,25 @@ TEST_F(RoomScreenTest, PageDownAndUpGoFromSetToSet) {
     ASSERT_NE(room, nullptr);
     std::vector<uint32_t> sets(kAllSets.begin(), kAllSets.end());
     ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEDOWN));
-    const uint32_t first = room->Modes().Selected().id;
+    const uint32_t first = room->Selected().id;
     const auto start = std::find(sets.begin(), sets.end(), first);
     ASSERT_NE(start, sets.end());
     std::rotate(sets.begin(), start, sets.end());
     for (size_t i = 1; i <= sets.size(); ++i) {
         ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEDOWN));
-        EXPECT_EQ(room->Modes().Selected().id, sets[i % sets.size()]) << i;
+        EXPECT_EQ(room->Selected().id, sets[i % sets.size()]) << i;
     }
     ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEUP));
-    EXPECT_EQ(room->Modes().Selected().id, sets.back());
+    EXPECT_EQ(room->Selected().id, sets.back());
     constexpr uint32_t kCabinet = 10;
-    while (room->Modes().Selected().id != kCabinet) {
+    while (room->Selected().id != kCabinet) {
         ASSERT_TRUE(Tap(application, SDL_SCANCODE_PAGEDOWN));
     }
     ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
     EXPECT_TRUE(RunUntil(application, [&] { return SessionRuns(kCabinet); }));
 
     Key(SDL_SCANCODE_S, true);
-    ASSERT_TRUE(RunUntil(application, [&] { return room->Modes().Selected().id != kCabinet; }))
+    ASSERT_TRUE(RunUntil(application, [&] { return room->Selected().id != kCabinet; }))
         << "a step chooses by looking again";
     Key(SDL_SCANCODE_S, false);
 }

@@ -1,6 +1,6 @@
 #include "host/benchmark.h"
-
 #include "host/host_fixture.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -28,8 +28,9 @@ TEST(BenchmarkScore, AMachineAtItsOwnSpeedIsOne) {
 
 TEST(BenchmarkScore, OnlyMoreThanTwoMachinesAreCongratulated) {
     EXPECT_EQ(BenchmarkReport(500).size(), 9u);
-    EXPECT_EQ(BenchmarkReport(500)[6],
-              "        Total Score: 2.000 Sega Master Systems on a single core with cycle accuracy");
+    EXPECT_EQ(
+        BenchmarkReport(500)[6],
+        "        Total Score: 2.000 Sega Master Systems on a single core with cycle accuracy");
     ASSERT_EQ(BenchmarkReport(501).size(), 10u);
     EXPECT_EQ(BenchmarkReport(501)[9],
               "Congratulations! You seem to have a good enough PC to play Ombrelune comfortably");

@@ -90,7 +90,7 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"OpenSSL",          {"openssl/"},                       {"formats"}},
 
     {"the processor",    {"immintrin.h"},                    {"machine"}},
-    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "unistd.h"}, {"base", "front"}},
+    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "sys/", "unistd.h"}, {"base", "front"}},
 };
 // clang-format on
 

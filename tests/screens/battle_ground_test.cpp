@@ -1,11 +1,10 @@
-#include "screens/battle_ground.h"
-
 #include "gui/multi_text.h"
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
+#include "screens/battle_ground.h"
 #include "screens/credits.h"
-#include "screens/taglines.h"
 #include "screens/screens_rig.h"
+#include "screens/taglines.h"
 
 #include <algorithm>
 #include <memory>
@@ -59,7 +58,10 @@ TEST_F(BattleGround, ShowsAPanelInPlaceOfTheMenuAndComesBack) {
     ASSERT_NE(menu->Panel(), nullptr);
     EXPECT_TRUE(menu->BackButton()->IsVisible());
     EXPECT_FALSE(menu->MenuButton(kPanelBrowser)->IsVisible());
+    EXPECT_EQ(host.taken, std::vector{ModeInput::kOpenPanel});
     Click(menu->BackButton());
+    EXPECT_EQ(host.taken.back(), ModeInput::kBack);
+    menu->Back();
     Round();
     EXPECT_EQ(menu->Panel(), nullptr);
     EXPECT_EQ(menu->CurrentPanel(), kNoPanel);
@@ -69,7 +71,7 @@ TEST_F(BattleGround, ShowsAPanelInPlaceOfTheMenuAndComesBack) {
 
 TEST_F(BattleGround, QuitsOnceOnQuit) {
     Click(menu->MenuButton(kPanelQuit));
-    EXPECT_EQ(host.quits, 1);
+    EXPECT_EQ(host.taken, std::vector{ModeInput::kQuit}) << "once";
 }
 
 TEST_F(BattleGround, GreetsWithALineOfTheTableEachTime) {
@@ -78,7 +80,7 @@ TEST_F(BattleGround, GreetsWithALineOfTheTableEachTime) {
         host.now += 977;
         Click(menu->MenuButton(kPanelCredits));
         Round();
-        Click(menu->BackButton());
+        menu->Back();
         Round();
         seen.insert(menu->Tagline()->Text());
     }

@@ -1,6 +1,6 @@
 #include "screens/binding_capture.h"
-
 #include "settings/bindings.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -190,8 +190,7 @@ TEST_F(Capture, TakesAHatsDirectionAndADiagonalAsAStraightOne) {
         BindingCapture capture(false);
         InputBeginPump();
         InputHatMoved(1, 0, position);
-        EXPECT_EQ(capture.LookAtJoysticks(),
-                  JoystickBinding(1, JoystickHatCode(1, 0, direction)));
+        EXPECT_EQ(capture.LookAtJoysticks(), JoystickBinding(1, JoystickHatCode(1, 0, direction)));
     }
 }
 

@@ -1,8 +1,8 @@
-#include "screens/binding_rows.h"
-
 #include "facts/machine_facts.h"
+#include "screens/binding_rows.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -45,8 +45,8 @@ TEST_F(BindingRows, EverySystemHasItsActionsAndTheProgramsOwn) {
         const std::vector<size_t> actions = ActionsOfSystem(system);
         for (const size_t action : actions) {
             seen.insert(action);
-            const bool own = std::wstring_view(InputActions()[action].name)
-                                 .starts_with(prefixes[system]);
+            const bool own =
+                std::wstring_view(InputActions()[action].name).starts_with(prefixes[system]);
             EXPECT_NE(own, IsProgramAction(action));
         }
         EXPECT_EQ(std::count_if(actions.begin(), actions.end(), IsProgramAction), 12);

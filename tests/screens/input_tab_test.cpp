@@ -1,11 +1,10 @@
-#include "screens/input_tab.h"
-
 #include "gui/button.h"
 #include "gui/drop_list.h"
 #include "gui/message_box.h"
 #include "gui/multi_text.h"
 #include "gui/text_box.h"
 #include "screens/input_list.h"
+#include "screens/input_tab.h"
 #include "screens/options.h"
 #include "screens/panels_rig.h"
 
@@ -91,8 +90,7 @@ protected:
 TEST_F(Inputs, HasWhatTheTabIsToHave) {
     EXPECT_EQ(Tab().DefaultsButton()->Caption(), L"Set Default Inputs");
     EXPECT_EQ(Tab().JoystickButton()->Caption(), L"Joystick Info");
-    EXPECT_EQ(Tab().Note()->Text(),
-              L"Double click the INPUT1 or INPUT2 column to set a new value");
+    EXPECT_EQ(Tab().Note()->Text(), L"Double click the INPUT1 or INPUT2 column to set a new value");
     EXPECT_EQ(List().ColumnCount(), 3);
     EXPECT_TRUE(Tab().Note()->IsVisible());
 }
@@ -335,8 +333,7 @@ TEST_F(Inputs, JoystickInfoNamesAndCounts) {
     Manager().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
         for (CGhostGUIHandler* at = window.handler; at != nullptr; at = at->next) {
             if (const auto* const message = dynamic_cast<CGhostMultiText*>(at);
-                message != nullptr && Manager().ModalWindow() != nullptr &&
-                window.depth > 1) {
+                message != nullptr && Manager().ModalWindow() != nullptr && window.depth > 1) {
                 text = message->Text().find(L"Joy1") == 0 ? message->Text() : text;
             }
         }
@@ -345,6 +342,17 @@ TEST_F(Inputs, JoystickInfoNamesAndCounts) {
                     L"Joy3: Wheel\n1 axis, 1 button, 0 hats");
     PressKey(GHOSTGUIKey::kReturn);
     Tick();
+}
+
+// A controller's middle button goes back; every other one can be bound.
+TEST_F(Inputs, GoingBackEndsTheWaitAlone) {
+    DoubleClick(L"Use", 1);
+    EXPECT_TRUE(menu->TakeBack());
+    Round();
+    EXPECT_FALSE(Tab().Waiting());
+    EXPECT_EQ(Stored(L"Use"), (Pair{8, 0}));
+    EXPECT_EQ(Manager().ModalWindow(), nullptr);
+    EXPECT_FALSE(menu->TakeBack());
 }
 
 TEST_F(Inputs, TheScreenMayCloseWhileItWaits) {

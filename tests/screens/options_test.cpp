@@ -1,9 +1,8 @@
-#include "screens/options.h"
-
 #include "gui/button.h"
 #include "gui/drop_list.h"
 #include "gui/slider.h"
 #include "gui/text_box.h"
+#include "screens/options.h"
 #include "screens/panels_rig.h"
 
 #include <map>
@@ -26,8 +25,8 @@ protected:
         }
         Click(list->window);
         ASSERT_TRUE(list->IsOpen());
-    Round();
-    KeepPicture("open");
+        Round();
+        KeepPicture("open");
         PressKey(GHOSTGUIKey::kHome);
         for (int i = 0; i < list->Count() && list->Item(list->List()->Hot())->text != text; ++i) {
             PressKey(GHOSTGUIKey::kDown);
@@ -48,31 +47,33 @@ TEST_F(Options, HasEveryRowInItsOrderAndWithItsValues) {
     using enum OptionTab;
     const std::vector<std::wstring> onOff = {L"Enabled", L"Disabled"};
     const std::vector<EXPECTED_ROW> expected = {
-        {kGeneral,  L"Start Emulated Video:",  L"emu_startfullscreen",      {L"3D TV", L"Fullscreen"}         },
-        {kGeneral,  L"Manage CPU Cores:",      L"app_managecpucores",       {L"System", L"Ombrelune"}         },
-        {kGeneral,  L"Screenshots:",           L"app_screenshotfull",       {L"Content", L"Content & Borders"}},
-        {kGeneral,  L"Fast Forward:",          L"emu_fastforward",
-         {L"2x", L"3x", L"4x", L"6x", L"8x", L"10x"}                                                          },
-        {kGeneral,  L"Rewind Buffer:",         L"emu_rewindbuffer",
-         {L"128MB", L"256MB", L"512MB", L"768MB", L"1024MB"}                                                  },
-        {kGraphics, L"Fullscreen:",            L"app_fullscreen",           onOff                             },
+        {kGeneral,  L"Start Emulated Video:",  L"emu_startfullscreen",      {L"3D TV", L"Fullscreen"}             },
+        {kGeneral,  L"Manage CPU Cores:",      L"app_managecpucores",       {L"System", L"Ombrelune"}             },
+        {kGeneral,  L"Screenshots:",           L"app_screenshotfull",       {L"Content", L"Content & Borders"}    },
+        {kGeneral,
+         L"Fast Forward:",                     L"emu_fastforward",
+         {L"2x", L"3x", L"4x", L"6x", L"8x", L"10x"}                                                              },
+        {kGeneral,
+         L"Rewind Buffer:",                    L"emu_rewindbuffer",
+         {L"128MB", L"256MB", L"512MB", L"768MB", L"1024MB"}                                                      },
+        {kGraphics, L"Fullscreen:",            L"app_fullscreen",           onOff                                 },
         {kGraphics,
          L"Windowed Dimensions:",              L"app_window_width",
-         {L"1280x720 (16:9)", L"1280x960 (4:3)", L"1366x768 (16:9)", L"1440x900 (16:10)"}                     },
-        {kGraphics, L"Lighting Quality:",      L"app_lighting",             {L"High", L"Low"}                 },
-        {kGraphics, L"Anti Aliasing:",         L"app_antialias",            onOff                             },
-        {kGraphics, L"Anisotropic Filtering:", L"app_anisotropicfiltering", onOff                             },
-        {kGraphics, L"VSYNC:",                 L"app_vsync",                onOff                             },
-        {kGraphics, L"Emulator 3D Filter:",    L"emu_gameroomfilter",       onOff                             },
-        {kSound,    L"Sample Rate:",           L"audio_app_samplerate",
-         {L"22050", L"44100", L"48000", L"96000", L"192000"}                                                  },
-        {kSound,    L"Sound Quality:",         L"audio_app_quality",
-         {L"Good", L"Very Good", L"Holy Shit!"}                                                               },
-        {kSound,    L"Cut Off Filter:",        L"emu_audiocutoff_enabled",  onOff                             },
-        {kSound,    L"Volume:",                L"audio_volume",             {}                                },
-        {kSound,    L"Bass Boost:",            L"audio_boost_low",          {}                                },
-        {kSound,    L"Mid Boost:",             L"audio_boost_mid",          {}                                },
-        {kSound,    L"High Boost:",            L"audio_boost_high",         {}                                },
+         {L"1280x720 (16:9)", L"1280x960 (4:3)", L"1366x768 (16:9)", L"1440x900 (16:10)"}                         },
+        {kGraphics, L"Lighting Quality:",      L"app_lighting",             {L"High", L"Low"}                     },
+        {kGraphics, L"Anti Aliasing:",         L"app_antialias",            onOff                                 },
+        {kGraphics, L"Anisotropic Filtering:", L"app_anisotropicfiltering", onOff                                 },
+        {kGraphics, L"VSYNC:",                 L"app_vsync",                onOff                                 },
+        {kGraphics, L"Emulator 3D Filter:",    L"emu_gameroomfilter",       onOff                                 },
+        {kSound,
+         L"Sample Rate:",                      L"audio_app_samplerate",
+         {L"22050", L"44100", L"48000", L"96000", L"192000"}                                                      },
+        {kSound,    L"Sound Quality:",         L"audio_app_quality",        {L"Good", L"Very Good", L"Holy Shit!"}},
+        {kSound,    L"Cut Off Filter:",        L"emu_audiocutoff_enabled",  onOff                                 },
+        {kSound,    L"Volume:",                L"audio_volume",             {}                                    },
+        {kSound,    L"Bass Boost:",            L"audio_boost_low",          {}                                    },
+        {kSound,    L"Mid Boost:",             L"audio_boost_mid",          {}                                    },
+        {kSound,    L"High Boost:",            L"audio_boost_high",         {}                                    },
     };
     OpenOptions();
     ASSERT_EQ(OptionRows().size(), expected.size());
@@ -298,11 +299,11 @@ TEST_F(Options, TheNoticeStandsInGeneralAndGraphicsWithNothingChanged) {
         const GHOSTMANAGER_WINDOW* at = Shown().TabWindow(tab)->window->firstChild;
         for (; at != nullptr; at = at->nextSibling) {
             const auto* const text = dynamic_cast<CGhostTextBox*>(at->handler);
-            notices += text != nullptr && at->visible &&
-                               text->Text() ==
-                                   L"Some of these settings require a restart to become active"
-                           ? 1
-                           : 0;
+            notices +=
+                text != nullptr && at->visible &&
+                        text->Text() == L"Some of these settings require a restart to become active"
+                    ? 1
+                    : 0;
         }
         EXPECT_EQ(notices, tab == OptionTab::kSound ? 0 : 1);
     }

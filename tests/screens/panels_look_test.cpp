@@ -16,10 +16,10 @@ namespace {
 
 class PanelsLook : public PanelsTest {
 protected:
-    void ExpectTidyMenu(const std::string& what) {
+    void ExpectTidyMenu(const std::string& what, const DISPLAY& display) {
         Round();
         const std::string where =
-            what + "-" + std::to_string(pictureWidth) + "x" + std::to_string(pictureHeight);
+            what + "-" + std::to_string(display.width) + "x" + std::to_string(display.height);
         ExpectTidy(*menu->MainWindow()->window, where);
         KeepPicture(where);
     }
@@ -29,17 +29,17 @@ TEST_F(PanelsLook, EveryPanelIsTidyOnEveryDisplay) {
     for (const DISPLAY& display : kDisplays) {
         Make(display.width, display.height);
         Open(kPanelOptions);
-        for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound,
-                                    OptionTab::kInput}) {
+        for (const OptionTab tab :
+             {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound, OptionTab::kInput}) {
             Click(Shown<CGUIOptions>().TabButton(tab));
-            ExpectTidyMenu("options" + std::to_string(static_cast<int>(tab)));
+            ExpectTidyMenu("options" + std::to_string(static_cast<int>(tab)), display);
         }
         Back();
         Open(kPanelBenchmark);
-        ExpectTidyMenu("benchmark");
+        ExpectTidyMenu("benchmark", display);
         Back();
         Open(kPanelCredits);
-        ExpectTidyMenu("credits");
+        ExpectTidyMenu("credits", display);
         Back();
     }
 }
@@ -48,7 +48,7 @@ TEST_F(PanelsLook, FollowsADisplayThatChanges) {
     Open(kPanelOptions);
     Click(Shown<CGUIOptions>().TabButton(OptionTab::kInput));
     Manager().SetScreen(1280, 960);
-    ExpectTidyMenu("changed");
+    ExpectTidyMenu("changed", {1280, 960});
     const CGhostWindowEx* const page = Shown<CGUIOptions>().TabWindow(OptionTab::kInput);
     EXPECT_GT(page->window->height, 720 - 60);
 }
@@ -79,9 +79,10 @@ TEST_F(PanelsLook, NoActionOrInputIsCut) {
         EXPECT_TRUE(Fits(L"TEXT", action.name, list.ColumnWidth(0) - 16));
     }
     // The longest names, with the mark of a shared input before them; bold when chosen.
-    for (const uint32_t code : {KeyboardBinding(229, kModifierShift), KeyboardBinding(83, kModifierCtrl),
-                                JoystickBinding(3, JoystickHatCode(3, 7, 1)),
-                                JoystickBinding(3, JoystickButtonCode(3, 63))}) {
+    for (const uint32_t code :
+         {KeyboardBinding(229, kModifierShift), KeyboardBinding(83, kModifierCtrl),
+          JoystickBinding(3, JoystickHatCode(3, 7, 1)),
+          JoystickBinding(3, JoystickButtonCode(3, 63))}) {
         EXPECT_TRUE(Fits(L"SECTIONTEXT", BindingName(code), list.ColumnWidth(1) - 16 - 26));
     }
     int32_t columns = 0;

@@ -5,12 +5,12 @@
 #include "gui/window.h"
 #include "gui/window_ex.h"
 #include "screens/battle_ground.h"
+#include "screens/screen_picture.h"
 #include "screens/screens_rig.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
 #include <algorithm>
-#include <fstream>
 #include <memory>
 
 class PanelsTest : public ScreensTest {
@@ -53,48 +53,25 @@ protected:
         Tick();
     }
 
-    // As the program's: the screens, the toolkit, the picture.
+    // As the program's, but for the picture.
     void Round() {
         menu->Update();
         Tick();
-        Composite();
     }
     void Open(int32_t panel) {
         menu->OnMenu(panel);
         Round();
     }
+    // As the program does after the toolkit's tick when the button was clicked.
     void Back() {
         Click(menu->BackButton());
+        ASSERT_EQ(host.taken.back(), ModeInput::kBack);
+        menu->Back();
         Round();
     }
     template <typename Panel>
     Panel& Shown() {
         return dynamic_cast<Panel&>(*menu->Panel());
-    }
-
-    void Composite() {
-        const auto pixels = [](double units) { return static_cast<int32_t>(units + 0.5); };
-        const GUI_RECT screen = Manager().ScreenRect();
-        pictureWidth = pixels(screen.width * Manager().Density());
-        pictureHeight = pixels(screen.height * Manager().Density());
-        picture.assign(static_cast<size_t>(pictureWidth) * static_cast<size_t>(pictureHeight), 0);
-        Manager().SetCompositeBuffer(picture.data(), pictureWidth, pictureHeight, pictureWidth);
-        Manager().CompositeAll();
-    }
-
-    // With OMBRELUNE_PICTURES=FOLDER in the environment, writes the picture there as a PPM file, to look at.
-    void KeepPicture(const std::string& name) const {
-        const char* const folder = std::getenv("OMBRELUNE_PICTURES");
-        if (folder == nullptr) {
-            return;
-        }
-        std::ofstream file(std::string(folder) + "/" + name + ".ppm", std::ios::binary);
-        file << "P6\n" << pictureWidth << " " << pictureHeight << "\n255\n";
-        for (const uint32_t pixel : picture) {
-            file.put(static_cast<char>(pixel >> 16));
-            file.put(static_cast<char>(pixel >> 8));
-            file.put(static_cast<char>(pixel));
-        }
     }
 
     // The controls in a window, what they consist of left out: none lies over another, and all lie within.
@@ -130,7 +107,4 @@ protected:
     }
 
     std::unique_ptr<CGUIBattleGround> menu;
-    std::vector<uint32_t> picture; // 0xFFRRGGBB
-    int32_t pictureWidth = 0;
-    int32_t pictureHeight = 0;
 };

@@ -6,8 +6,8 @@
 #include "gui/button.h"
 #include "gui/font.h"
 #include "gui/manager.h"
-#include "gui/theme.h"
 #include "gui/text_box.h"
+#include "gui/theme.h"
 #include "screens/screen_host.h"
 
 #include <gtest/gtest.h>
@@ -20,8 +20,15 @@
 
 class HostRecord : public ScreenHost {
 public:
-    void Quit() override { ++quits; }
-    void GoTo(ScreenPlace place) override { places.push_back(place); }
+    void Take(ModeInput input) override { taken.push_back(input); }
+    void StartGame(GAME_TO_START game) override { started.push_back(std::move(game)); }
+    void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool /*cabinet*/) override {
+        coverCount = covers.size();
+        coverKind = kind;
+    }
+    void CoverClick(int button, int32_t /*x*/, int32_t /*y*/) override {
+        coverClicks.push_back(button);
+    }
     void SettingsChanged() override { ++settingsChanges; }
     void SaveSettings() override { ++saves; }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
@@ -30,12 +37,15 @@ public:
     }
     [[nodiscard]] uint64_t Milliseconds() const override { return now += step; }
 
-    int quits = 0;
     int settingsChanges = 0;
     int saves = 0;
-    std::vector<ScreenPlace> places;
     std::vector<SCREEN_JOYSTICK> joysticks;
     std::function<bool(CGameFile&)> openGame; // null: there is no game for the benchmark
+    std::vector<GAME_TO_START> started;
+    std::vector<int> coverClicks; // buttons
+    size_t coverCount = 0;
+    int coverKind = -1;
+    std::vector<ModeInput> taken; // in their order
     mutable uint64_t now = 1000;
     uint64_t step = 0; // milliseconds between two looks at the clock
 };

@@ -194,7 +194,7 @@ int Run(int argc, const char* const* argv) {
     if (*actionsApp) {
         return ActionsCommand();
     }
-    return PlayWithoutGame();
+    return DesktopCommand();
 }
 
 } // namespace

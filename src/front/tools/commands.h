@@ -10,6 +10,10 @@ inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;
 inline constexpr int kExitUsage = 2;
 
+// The whole program in its window: what runs without a command. Without a display one of our own games runs off the
+// screen for some seconds.
+int DesktopCommand();
+
 // Every action with its bindings, a line each: name, primary, secondary, separated by tabs.
 int ActionsCommand();
 

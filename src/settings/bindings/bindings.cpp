@@ -178,8 +178,8 @@ bool BindingIsDown(uint32_t code, bool useReleased) {
 }
 
 bool InputCodeIsDown(uint32_t code, bool useReleased) {
-    return code < kInputCodes && (IsSet(tInputState->down[code]) ||
-                                  (useReleased && IsSet(gReleased[code])));
+    return code < kInputCodes &&
+           (IsSet(tInputState->down[code]) || (useReleased && IsSet(gReleased[code])));
 }
 
 std::wstring BindingName(uint32_t code) {

@@ -1,0 +1,176 @@
+#include "front/program_screen.h"
+
+#include "base/text.h"
+#include "front/event_pump.h"
+#include "front/notices.h"
+#include "gui/manager.h"
+#include "gui/message_box.h"
+#include "gui/window.h"
+#include "host/host_data.h"
+#include "screens/rom_browser.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr uint32_t kEscape = 41; // scancodes
+constexpr uint32_t kF10 = 67;
+
+// Whether the toolkit closes something itself at escape: an open list, a keyboard on the screen, a message box.
+bool ToolkitTakesEscape() {
+    const CGhostManager& manager = CGhostManager::Get();
+    if (manager.ModalWindow() != nullptr) {
+        return true;
+    }
+    const GHOSTMANAGER_WINDOW* const top = manager.ActiveTopWindow();
+    return top != nullptr && top->owner != nullptr;
+}
+
+bool UsesMouse(const GUI_INPUT& event) {
+    return event.kind == GuiInputKind::kMouseMove || event.kind == GuiInputKind::kMouseDown ||
+           event.kind == GuiInputKind::kWheel;
+}
+
+} // namespace
+
+ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALLS programCalls)
+    : calls(std::move(programCalls))
+    , room(surroundings, {},
+           {[this](ModeOrder order) { Obey(order); },
+            [this](const std::string& error) {
+                CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
+            }},
+           ProgramMode::kMenu)
+    , menu(*this)
+    , overlay(*this) {}
+
+bool ProgramScreen::Update(const SCREEN_INPUT& input) {
+    for (const ModeInput request : std::exchange(wanted, {})) {
+        room.Take(request);
+    }
+    ReadKeys(input);
+    const bool roomNews = room.Update(input);
+    FitScreens();
+    UpdateOverlay(input);
+    menu.Update();
+    return roomNews;
+}
+
+void ProgramScreen::ReadKeys(const SCREEN_INPUT& input) {
+    const bool covered = room.Modes().Covered();
+    for (const GUI_INPUT& event :
+         covered || !room.WantsInput() ? input.events.gui : input.events.screen) {
+        if (event.kind != GuiInputKind::kKeyDown || event.repeat) {
+            continue;
+        }
+        if (event.key == kF10) {
+            room.Take(ModeInput::kMainMenu);
+        } else if (event.key == kEscape && covered && !ToolkitTakesEscape()) {
+            GoBack();
+        }
+    }
+    const bool toolkitHasPad = covered || CGhostManager::Get().ModalWindow() != nullptr;
+    const PAD_PRESSES presses = pad.Update(toolkitHasPad, input.now);
+    if (presses.back || presses.guide) {
+        GoBack();
+    }
+    CGUIRomBrowser* const browser = menu.Browser();
+    if (browser != nullptr && browser->IsActive()) {
+        if (presses.shoulder != 0) {
+            browser->SelectSystem(presses.shoulder, -1);
+        }
+        if (presses.start) {
+            browser->StartSelected();
+        }
+    }
+}
+
+void ProgramScreen::GoBack() {
+    if (!menu.TakeBack()) {
+        room.Take(ModeInput::kBack);
+    }
+}
+
+void ProgramScreen::Obey(ModeOrder order) {
+    switch (order) {
+    case ModeOrder::kQuit: calls.quit(); break;
+    case ModeOrder::kChooseGame: setForGame = room.Selected().id; break;
+    default: break;
+    }
+}
+
+// Menu, panel and browser are as the mode says.
+void ProgramScreen::FitScreens() {
+    const ProgramMode mode = room.Modes().Mode();
+    if (mode == shownMode) {
+        return;
+    }
+    shownMode = mode;
+    if (mode == ProgramMode::kMenu) {
+        menu.Back();
+    } else if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
+        menu.OnMenu(kPanelBrowser);
+        wanted.clear(); // the way has been gone
+    }
+    menu.SetVisible(room.Modes().Covered());
+}
+
+void ProgramScreen::UpdateOverlay(const SCREEN_INPUT& input) {
+    const ProgramModes& modes = room.Modes();
+    const HAND_NAMES names = room.HandNames();
+    OVERLAY_STATE state;
+    state.shown = !modes.Covered();
+    state.walking = modes.Walking();
+    state.roomVisible = modes.RoomVisible();
+    state.selected = room.Selected().id != 0;
+    state.selectedOn = room.Selected().on;
+    state.mouseUsed = std::any_of(input.events.gui.begin(), input.events.gui.end(), UsesMouse);
+    state.use = names.use;
+    state.turnOff = names.turnOff;
+    state.attach = names.leave;
+    overlay.Update(state);
+}
+
+// On the set that the browser was opened for, or the one that the player stands before, or the first that is off.
+void ProgramScreen::StartGame(GAME_TO_START game) {
+    const uint32_t key = setForGame != 0 ? setForGame : room.SetForGame();
+    if (key == 0) {
+        CGhostMessageBox::Show(
+            L"Error loading game",
+            L"All televisions are on. Turn one off, or look at the one to play on.");
+        return;
+    }
+    setForGame = 0;
+    OPENED_GAME opened;
+    opened.game = std::move(game.game);
+    opened.bios = std::move(game.second);
+    opened.hasBios = game.hasSecond;
+    opened.title = std::move(game.title);
+    opened.options = game.options;
+    room.Play(key, std::move(opened));
+    wanted.push_back(ModeInput::kGameStarted);
+}
+
+bool ProgramScreen::TakeDropped(OPENED_GAME& opened) {
+    const uint32_t key = room.SetForGame();
+    if (key == 0) {
+        PostReport("all televisions are on; turn one off, or look at the one to play on");
+        return true;
+    }
+    room.Play(key, std::move(opened));
+    if (room.Modes().Mode() != ProgramMode::kBrowser) {
+        room.Take(ModeInput::kPlayGames); // the way to a started game leads through the browser
+    }
+    room.Take(ModeInput::kGameStarted);
+    return true;
+}
+
+void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> /*covers*/, int /*kind*/, bool /*cabinet*/) {
+}
+
+void ProgramScreen::CoverClick(int /*button*/, int32_t /*x*/, int32_t /*y*/) {}
+
+uint64_t ProgramScreen::Milliseconds() const {
+    return static_cast<uint64_t>(HostClock().nowMicroseconds() / 1000);
+}

@@ -1,0 +1,77 @@
+// What is known of the chosen game, beside the list: its boxes and screenshots, and texts, by tabs.
+//
+// The boxes are a scene that the program draws in the window 3DBOX (kWindowBackgroundPass); clicks into it are
+// told. Thread: main.
+#pragma once
+
+#include "gui/bitmap.h"
+#include "screens/screen_panel.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+class CGhostButton;
+class CGhostMultiText;
+class CGhostWindowEx;
+
+enum class ContentTab : uint8_t { kCovers, kReviews, kHints, kTrivia, kMetaInfo };
+inline constexpr size_t kContentTabs = 5;
+
+struct CONTENT_EVENTS {
+    std::function<void()> download; // `Content Available` was clicked
+    std::function<void(int button, int32_t x, int32_t y)>
+        cover; // a click in 3DBOX, units of its client area
+};
+
+class ContentArea {
+public:
+    ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens);
+    ~ContentArea();
+    ContentArea(const ContentArea&) = delete;
+    ContentArea& operator=(const ContentArea&) = delete;
+
+    void Layout(int32_t x, int32_t y, int32_t width, int32_t height);
+    void SetVisible(bool visible);
+    void ShowTab(ContentTab tab);
+
+    // Screenshots of 200 by 150, at most five.
+    void SetShots(std::vector<GUI_BITMAP> pictures);
+    // Of REVIEWS, HINTS, TRIVIA or METAINFO.
+    void SetText(ContentTab tab, const std::wstring& text);
+    void OfferContent(bool offer); // the button `Content Available`
+
+    [[nodiscard]] ContentTab Tab() const { return shown; }
+    [[nodiscard]] CGhostButton* TabButton(ContentTab tab) const {
+        return tabs[static_cast<size_t>(tab)];
+    }
+    [[nodiscard]] CGhostButton* ContentButton() const { return content; }
+    [[nodiscard]] CGhostMultiText* Text(ContentTab tab) const; // null for COVERS
+    [[nodiscard]] CGhostWindowEx* Box() const { return box; }
+    [[nodiscard]] size_t ShotCount() const { return shots.size(); }
+    [[nodiscard]] CGhostWindowEx* Shot(size_t place) const { return shotWindows[place]; }
+
+private:
+    void LayoutShots();
+    void StepShots(int by);
+    [[nodiscard]] size_t ShotsThatFit() const;
+
+    CONTENT_EVENTS events;
+    std::array<CGhostButton*, kContentTabs> tabs{};
+    CGhostWindowEx* boxBack;
+    CGhostWindowEx* box;
+    CGhostWindowEx* shotsBack;
+    std::array<CGhostWindowEx*, 5> shotWindows{};
+    CGhostButton* shotsLeft;
+    CGhostButton* shotsRight;
+    CGhostButton* content;
+    std::array<CGhostMultiText*, kContentTabs - 1> texts{};
+    std::vector<GUI_BITMAP> shots;
+    size_t firstShot = 0;
+    ContentTab shown = ContentTab::kCovers;
+    bool visible = true;
+    bool offered = false;
+    ScreenSignals signals;
+};

@@ -1,0 +1,65 @@
+// CGUIGameOverlay: what lies over the room and a running game while menu and browser are hidden: hints in words
+// while the player walks, a strip of buttons while his mouse is free.
+//
+// The buttons show while the mouse is used and for three seconds after. Their numbers are those of the program:
+//   1 Main Menu, 2 Load New Game, 3 Exit Game, 4 Fullscreen Mode or TV Mode, 5 Reset Game
+//
+// Units: those of the virtual screen. Thread: main. Order: made after the toolkit has its screen and its theme;
+//   Update once a round, before the toolkit's tick.
+#pragma once
+
+#include "screens/screen_panel.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+class CGhostButton;
+class CGhostTextBox;
+class ScreenHost;
+
+struct OVERLAY_STATE {
+    bool shown = false;   // the room or a game has the screen
+    bool walking = false; // in the room
+    bool roomVisible = false;
+    bool selected = false;   // the player looks at a set, or plays on it
+    bool selectedOn = false; // and a game plays on it
+    bool mouseUsed = false;  // since the last Update
+    // What the player presses, as it is printed on the key or the button of the controller in hand.
+    std::wstring mainMenu = L"F10";
+    std::wstring use;
+    std::wstring turnOff;
+    std::wstring attach = L"ESC";
+};
+
+class CGUIGameOverlay {
+public:
+    explicit CGUIGameOverlay(ScreenHost& program);
+    ~CGUIGameOverlay();
+    CGUIGameOverlay(const CGUIGameOverlay&) = delete;
+    CGUIGameOverlay& operator=(const CGUIGameOverlay&) = delete;
+
+    void Update(const OVERLAY_STATE& state);
+
+    static constexpr size_t kButtons = 5;
+    static constexpr size_t kHints = 4;
+    [[nodiscard]] CGhostButton* Button(uint32_t number) const {
+        return buttons[number - 1];
+    } // from 1
+    [[nodiscard]] CGhostTextBox* Hint(size_t index) const { return hints[index]; }
+    // The texts that are shown, in their order.
+    [[nodiscard]] std::vector<std::wstring> ShownHints() const;
+
+private:
+    void Place();
+    void ShowHints(const OVERLAY_STATE& state);
+    void ShowButtons(const OVERLAY_STATE& state);
+
+    ScreenHost& host;
+    std::array<CGhostButton*, kButtons> buttons{};
+    std::array<CGhostTextBox*, kHints> hints{};
+    GUI_RECT screen;        // that they were placed for
+    uint64_t mouseUsed = 0; // milliseconds of the program's clock
+    bool everUsed = false;
+    ScreenSignals signals;
+};

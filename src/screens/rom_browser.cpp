@@ -1,0 +1,385 @@
+#include "screens/rom_browser.h"
+
+#include "base/files.h"
+#include "base/text.h"
+#include "facts/machine_facts.h"
+#include "gui/button.h"
+#include "gui/drop_list.h"
+#include "gui/list_view.h"
+#include "gui/manager.h"
+#include "gui/message_box.h"
+#include "gui/text_box.h"
+#include "gui/window_ex.h"
+#include "library/game_source.h"
+#include "screens/local_media.h"
+#include "screens/screen_host.h"
+#include "settings/settings.h"
+
+#include <algorithm>
+
+namespace {
+
+// Units.
+constexpr int32_t kMargin = 15;
+constexpr int32_t kRightWidth = 510; // of the content area
+constexpr int32_t kGap = 12;
+constexpr int32_t kButton = 25;
+constexpr int32_t kOptionsHeight = 124;
+constexpr int32_t kStartHeight = 36;
+constexpr int32_t kFlagColumn = 34;
+constexpr int32_t kYearColumn = 56;
+constexpr int32_t kScrollbar = 24;
+constexpr int32_t kListHeight = 240; // of an open drop list
+
+constexpr const wchar_t* kSystemSetting = L"gamebrowser_cursystem";
+constexpr const wchar_t* kSavesSetting = L"emu_autosaves";
+
+// The columns of the list.
+enum Column : int32_t { kTitle, kFlag1, kFlag2, kFlag3, kYear, kPath, kKey, kColumns };
+
+// In the list's strip of images.
+constexpr int32_t kKnownMark = 1;
+constexpr int32_t kUnknownMark = 2;
+
+struct SAVES {
+    const wchar_t* name;
+    int32_t value; // bit 0 load at start, bit 1 save at stop
+};
+constexpr SAVES kSaves[] = {
+    {L"Auto Save & Load", 3},
+    {L"Auto Load",        1},
+    {L"Manual Only",      0},
+};
+
+std::wstring PlayTypeText(uint8_t types) {
+    struct TYPE {
+        uint8_t bit;
+        const wchar_t* name;
+    };
+    constexpr TYPE kTypes[] = {
+        {1, L"single player"     },
+        {2, L"together"          },
+        {4, L"against each other"},
+        {8, L"taking turns"      },
+    };
+    std::wstring text;
+    for (const TYPE& type : kTypes) {
+        if ((types & type.bit) != 0) {
+            text += (text.empty() ? L"" : L", ") + std::wstring(type.name);
+        }
+    }
+    return text.empty() ? L"unknown" : text;
+}
+
+} // namespace
+
+CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program)
+    : CGUIPanel(parentWindow)
+    , host(program)
+    , switcher(parentWindow, [this](int step) { SelectSystem(step, -1); })
+    , filters(parentWindow, [this] { applyFilters = true; })
+    , list(Own(new CGhostListView(parentWindow, 0, L"GAMELIST", 0, {})))
+    , empty(Own(new CGhostTextBox(parentWindow, 0, L"TEXT_CENTER", L"", {})))
+    , optionsWindow(
+          Own(new CGhostWindowEx(parentWindow, 0, L"GAMEOPTIONS", L"",
+                                 CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {})))
+    , content(parentWindow,
+              {[] {}, [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
+    , start(Own(new CGhostButton(parentWindow, 0, L"PLAYOFFLINE", L"START GAME", 0, {})))
+    , gameRoom(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"GAME ROOM", 0, {})))
+    , mainMenu(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"MAIN MENU", 0, {})))
+    , savesLabel(Own(new CGhostTextBox(parentWindow, 0, L"TEXT_RIGHT", L"SAVES: ", {})))
+    , saves(Own(new CGhostDropList(parentWindow, 0, L"DROPLIST", L"", kListHeight, {})))
+    , catalogue(Hooks(), Settings().GetInt(kSystemSetting)) {
+    MakeList();
+    start->SetToolTip(L"Start the game");
+    gameRoom->SetToolTip(L"Walk in the room");
+    saves->SetToolTip(
+        L"Whether a game goes on where you left it, and is kept when you turn it off.");
+    for (const SAVES& choice : kSaves) {
+        saves->AddItem(choice.name);
+    }
+    signals.Watch(saves->OnSelect, [this](CGhostDropList*, int, GHOSTLIST_ITEM*) { StoreSaves(); });
+    signals.Watch(start->OnClick, [this](CGhostButton*, int, int, unsigned) { StartSelected(); });
+    signals.Watch(gameRoom->OnClick,
+                  [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kGameRoom); });
+    signals.Watch(mainMenu->OnClick,
+                  [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kMainMenu); });
+    signals.Watch(list->OnSelect,
+                  [this](CGhostListView*, int row, GHOSTLISTVIEW_ITEM*) { Choose(RowOf(row)); });
+    signals.Watch(list->OnChoose,
+                  [this](CGhostListView*, int, GHOSTLISTVIEW_ITEM*) { StartSelected(); });
+    SetActive(false);
+}
+
+CGUIRomBrowser::~CGUIRomBrowser() {
+    catalogue.StopScan();
+    catalogue.WaitForScan();
+}
+
+CATALOGUE_HOOKS CGUIRomBrowser::Hooks() {
+    CATALOGUE_HOOKS hooks;
+    hooks.storeSelector = [](int32_t selector) { Settings().SetInt(kSystemSetting, selector); };
+    hooks.deletePanel = [this] { options.reset(); };
+    hooks.clearPanes = [this] { ClearPanes(); };
+    hooks.makePanel = [this](uint16_t system) { MakePanel(system); };
+    hooks.keepSources = [] { return Settings().GetBool(L"library_keepsources"); };
+    hooks.scanBegins = [this] {
+        if (options != nullptr) {
+            options->Clear();
+        }
+    };
+    hooks.gameFound = [this](const std::filesystem::path& path, const CGameFile& game) {
+        if (options != nullptr) {
+            options->SetGame(path, game);
+        }
+    };
+    return hooks;
+}
+
+void CGUIRomBrowser::MakeList() {
+    list->AddColumn(L"Name", 0);
+    for (int32_t flag = 0; flag < 3; ++flag) {
+        list->AddColumn(L"", kFlagColumn);
+    }
+    list->AddColumn(L"Year", kYearColumn, kAlignRight);
+    list->AddColumn(L"", 0);
+    list->AddColumn(L"", 0);
+    list->SetSortable(kTitle);
+    list->SetSortable(kYear);
+}
+
+void CGUIRomBrowser::SetActive(bool wanted) {
+    active = wanted;
+    filters.CloseMenu();
+    switcher.SetVisible(active);
+    filters.SetVisible(active);
+    content.SetVisible(active);
+    for (CGhostGUICommonFunc* const control : std::initializer_list<CGhostGUICommonFunc*>{
+             list, optionsWindow, start, gameRoom, mainMenu, savesLabel, saves}) {
+        control->SetVisible(active);
+    }
+    empty->SetVisible(active && list->RowCount() == 0);
+    if (!active) {
+        return;
+    }
+    const int32_t value = Settings().GetInt(kSavesSetting);
+    const auto* const found = std::find_if(std::begin(kSaves), std::end(kSaves),
+                                           [&](const SAVES& one) { return one.value == value; });
+    saves->SetSelected(found != std::end(kSaves) ? static_cast<int32_t>(found - kSaves) : -1,
+                       false);
+    if (!scanned) {
+        scanned = true;
+        SelectSystem(0, -1);
+    }
+}
+
+void CGUIRomBrowser::StoreSaves() {
+    const int32_t choice = saves->Selected();
+    if (choice >= 0 && static_cast<size_t>(choice) < std::size(kSaves)) {
+        Settings().SetInt(kSavesSetting, kSaves[choice].value);
+    }
+}
+
+void CGUIRomBrowser::SelectSystem(int direction, int32_t index) {
+    if (direction == 0 && index < 0) {
+        index =
+            std::clamp(Settings().GetInt(kSystemSetting), 0, static_cast<int32_t>(kSystems) - 1);
+    }
+    if (catalogue.SwitchSystem(index, direction)) {
+        switcher.Show(static_cast<size_t>(catalogue.Selector()));
+    }
+}
+
+void CGUIRomBrowser::MakePanel(uint16_t system) {
+    options = MakeGameOptions(system, optionsWindow->window);
+    if (options != nullptr) {
+        options->SetVisible(true);
+    }
+}
+
+void CGUIRomBrowser::ClearPanes() {
+    chosen = nullptr;
+    list->Clear();
+    empty->SetVisible(false);
+    for (const ContentTab tab :
+         {ContentTab::kReviews, ContentTab::kHints, ContentTab::kTrivia, ContentTab::kMetaInfo}) {
+        content.SetText(tab, L"");
+    }
+    content.SetShots({});
+    content.OfferContent(false);
+    host.ShowCovers({}, 0, false);
+    start->SetEnabled(false);
+}
+
+std::filesystem::path CGUIRomBrowser::SystemFolder() const {
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    return facts != nullptr ? HomeFolder() / facts->folder : std::filesystem::path();
+}
+
+void CGUIRomBrowser::Update() {
+    if (options != nullptr) {
+        options->Update();
+    }
+    if (catalogue.TakeFolderError()) {
+        CGhostMessageBox::Show(kFolderErrorTitle, kFolderErrorText);
+    }
+    if (scan.Update(catalogue)) {
+        applyFilters = true;
+    }
+    if (applyFilters && !catalogue.ScanRuns()) {
+        applyFilters = false;
+        FillList();
+    }
+}
+
+// The game that was chosen stays chosen if it is still shown.
+void CGUIRomBrowser::FillList() {
+    const GameListRow* const before = chosen;
+    const std::vector<ROW_LINE> lines = catalogue.ApplyFilters(filters.Choices());
+    list->Clear();
+    list->Reserve(static_cast<int32_t>(lines.size()));
+    int32_t selected = lines.empty() ? -1 : 0;
+    for (const ROW_LINE& line : lines) {
+        const int32_t row = list->AddRow();
+        list->SetCell(row, kTitle, std::wstring(line.title),
+                      line.row->known ? kKnownMark : kUnknownMark);
+        list->Cell(row, kTitle)->colourSet = static_cast<uint8_t>(line.statusColour);
+        list->Cell(row, kTitle)->value = static_cast<uint64_t>(line.row - catalogue.Rows().data());
+        for (int32_t flag = 0; flag < 3; ++flag) {
+            list->SetCell(row, kFlag1 + flag, L"", line.images[static_cast<size_t>(flag)]);
+        }
+        list->SetCell(row, kYear, line.year.data());
+        list->SetCell(row, kPath, WideFromUtf8(line.path->string()));
+        list->Cell(row, kPath)->value = line.nameIndex;
+        list->SetCell(row, kKey, std::wstring(line.contentKey));
+        if (line.row == before) {
+            selected = row;
+        }
+    }
+    filters.ShowCount(lines.size());
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    const bool none = catalogue.Rows().empty();
+    empty->SetText(none && facts != nullptr ? L"No games yet. Drop game files or folders on this "
+                                              L"window, or put them into the folder \"" +
+                                                  WideFromUtf8(facts->folder) + L"\"."
+                                            : L"Nothing fits the filters.");
+    empty->SetVisible(active && lines.empty());
+    list->SetSelected(selected, false);
+    Choose(RowOf(selected));
+}
+
+const GameListRow* CGUIRomBrowser::RowOf(int32_t listRow) const {
+    const GHOSTLISTVIEW_ITEM* const cell = list->Cell(listRow, kTitle);
+    return cell != nullptr && cell->value < catalogue.Rows().size() ? &catalogue.Rows()[cell->value]
+                                                                    : nullptr;
+}
+
+void CGUIRomBrowser::Choose(const GameListRow* row) {
+    chosen = row;
+    start->SetEnabled(row != nullptr);
+    if (row == nullptr) {
+        content.SetShots({});
+        host.ShowCovers({}, 0, false);
+        content.SetText(ContentTab::kMetaInfo, L"");
+        return;
+    }
+    CGameFile game;
+    std::string error;
+    if (OpenGameFile(row->path, true, game, error)) {
+        if (options != nullptr) {
+            options->ConfigureForGame(game, row->nameIndex);
+        }
+        ShowMeta(*row, game);
+    } else {
+        content.SetText(ContentTab::kMetaInfo, WideFromUtf8(error));
+    }
+    LOCAL_MEDIA media = ReadLocalMedia(SystemFolder(), row->contentKey);
+    content.SetShots(std::move(media.shots));
+    const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
+    host.ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+}
+
+void CGUIRomBrowser::ShowMeta(const GameListRow& row, const CGameFile& game) {
+    std::wstring text = row.title + L"\n\n";
+    text += L"Year: " + (row.year == 1900 ? std::wstring(L"unknown") : std::to_wstring(row.year)) +
+            L"\n";
+    text += L"Regions: " + (row.regions.empty() ? std::wstring(L"unknown") : row.regions) + L"\n";
+    text += L"Players: " + PlayTypeText(row.playTypes) + L"\n";
+    text += std::wstring(L"In the database: ") + (row.known ? L"yes" : L"no") + L"\n\n";
+    text += L"File: " + WideFromUtf8(row.path.filename().string()) + L"\n";
+    for (uint32_t i = 0; i < game.RomCount(); ++i) {
+        std::string name;
+        ROM_RECORD rom{};
+        if (game.GetRom(i, name, rom)) {
+            text += L"Image: " + WideFromUtf8(name) + L", " + std::to_wstring(rom.size) +
+                    L" bytes\n" + WideFromUtf8(HexText(rom.sha256)) + L"\n";
+        }
+    }
+    content.SetText(ContentTab::kMetaInfo, text);
+}
+
+void CGUIRomBrowser::StartSelected() {
+    if (chosen == nullptr) {
+        return;
+    }
+    GAME_TO_START wanted;
+    std::string error;
+    if (!OpenGameFile(chosen->path, false, wanted.game, error)) {
+        CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
+        return;
+    }
+    wanted.game.selectedName = static_cast<int32_t>(chosen->nameIndex);
+    wanted.title = Utf8FromWide(chosen->title);
+    wanted.options = DefaultMachineOptions(wanted.game);
+    if (options != nullptr) {
+        std::filesystem::path second;
+        uint32_t secondIndex = 0;
+        options->GetConfig(second, secondIndex, wanted.options);
+        if (!second.empty()) {
+            if (!OpenGameFile(second, false, wanted.second, error)) {
+                CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
+                return;
+            }
+            wanted.second.selectedName = static_cast<int32_t>(secondIndex);
+            wanted.hasSecond = true;
+        }
+    }
+    host.StartGame(std::move(wanted));
+}
+
+void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
+    const int32_t rightX = width - kMargin - kRightWidth;
+    const int32_t leftWidth = rightX - kMargin - 16;
+    gameRoom->SetPos(kMargin, 47, 100, kButton);
+    mainMenu->SetPos(kMargin, 79, 100, kButton);
+    switcher.Layout(kMargin + (leftWidth - SystemSwitcher::kWidth) / 2, kMargin - 3);
+    filters.Layout(kMargin, 136, leftWidth);
+    const int32_t listTop = 136 + BrowserFilters::kHeight + 4;
+    const int32_t optionsTop = height - kMargin - kOptionsHeight;
+    list->SetPos(kMargin, listTop, leftWidth, optionsTop - kGap - listTop);
+    list->SetColumnWidth(kTitle, leftWidth - 3 * kFlagColumn - kYearColumn - kScrollbar);
+    empty->SetPos(kMargin + 20, listTop + 60, leftWidth - 40, kButton);
+    optionsWindow->SetPos(kMargin, optionsTop, leftWidth, kOptionsHeight);
+    if (options != nullptr) {
+        options->Layout();
+    }
+    const int32_t startTop = height - kMargin - kStartHeight;
+    content.Layout(rightX, kMargin, kRightWidth, startTop - kGap - kMargin);
+    start->SetPos(rightX, startTop, 190, kStartHeight);
+    savesLabel->SetPos(rightX + 200, startTop + 5, 80, kButton);
+    saves->SetPos(rightX + 288, startTop + 5, kRightWidth - 288, kButton);
+}
+
+void CGUIRomBrowser::TakeFocus() {
+    list->SetFocus();
+}
+
+bool CGUIRomBrowser::TakeBack() {
+    if (!filters.Menu()->IsVisible()) {
+        return false;
+    }
+    filters.CloseMenu();
+    list->SetFocus();
+    return true;
+}

@@ -1,0 +1,92 @@
+// CGUIRomBrowser: the games of a system, and what is known of the chosen one.
+//
+// It is made once and then shown and hidden; the scan of the folder goes on while it is hidden. The games are
+// those of the catalogue, in whose order the systems come.
+//
+// Thread: main. Units: those of the virtual screen, within the main window's client area.
+#pragma once
+
+#include "library/catalogue.h"
+#include "screens/browser_filters.h"
+#include "screens/content_area.h"
+#include "screens/game_options.h"
+#include "screens/scan_window.h"
+#include "screens/screen_panel.h"
+#include "screens/system_switcher.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+class CGhostListView;
+class CGhostWindowEx;
+class ScreenHost;
+
+class CGUIRomBrowser final : public CGUIPanel {
+public:
+    CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program);
+    ~CGUIRomBrowser() override;
+
+    // Shows or hides everything. With the first time the system of the setting is scanned.
+    void SetActive(bool active);
+    [[nodiscard]] bool IsActive() const { return active; }
+
+    // Picks a system: `index` 0 to 4, or -1 and a direction, -1 or +1; with 0 and -1 that of the setting. Does
+    // nothing while a scan runs.
+    void SelectSystem(int direction, int32_t index);
+
+    void Layout(int32_t width, int32_t height) override;
+    void Update() override;
+    void TakeFocus() override;
+    [[nodiscard]] bool TakeBack() override; // the filters
+
+    // As the button START GAME.
+    void StartSelected();
+
+    [[nodiscard]] Catalogue& Library() { return catalogue; }
+    [[nodiscard]] CGhostListView* List() const { return list; }
+    [[nodiscard]] BrowserFilters& Filters() { return filters; }
+    [[nodiscard]] ContentArea& Content() { return content; }
+    [[nodiscard]] SystemSwitcher& Switcher() { return switcher; }
+    [[nodiscard]] ScanWindow& Scan() { return scan; }
+    [[nodiscard]] CGameOptions* Options() const { return options.get(); }
+    [[nodiscard]] CGhostButton* StartButton() const { return start; }
+    [[nodiscard]] CGhostButton* RoomButton() const { return gameRoom; }
+    [[nodiscard]] CGhostButton* MenuButton() const { return mainMenu; }
+    [[nodiscard]] CGhostDropList* Saves() const { return saves; }
+
+private:
+    [[nodiscard]] CATALOGUE_HOOKS Hooks();
+    void MakeList();
+    void MakePanel(uint16_t system);
+    void ClearPanes();
+    void FillList();
+    void ShowRow(int32_t row);
+    void Choose(const GameListRow* row);
+    void ShowMeta(const GameListRow& row, const CGameFile& game);
+    [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
+    [[nodiscard]] std::filesystem::path SystemFolder() const;
+    void StoreSaves();
+
+    ScreenHost& host;
+    SystemSwitcher switcher;
+    BrowserFilters filters;
+    CGhostListView* list;
+    CGhostTextBox* empty; // over the list of a system without games
+    CGhostWindowEx* optionsWindow;
+    ContentArea content;
+    CGhostButton* start;
+    CGhostButton* gameRoom;
+    CGhostButton* mainMenu;
+    CGhostTextBox* savesLabel;
+    CGhostDropList* saves;
+    std::unique_ptr<CGameOptions> options;
+    ScanWindow scan;
+    bool active = false;
+    bool scanned = false;      // the first scan has begun
+    bool applyFilters = false; // with the next Update
+    const GameListRow* chosen = nullptr;
+    Catalogue catalogue; // last: its worker calls the panel
+};

@@ -1,0 +1,57 @@
+// ScanWindow: how far the scan of a system's folder is, and what a conversion has done.
+//
+//   while files are listed    a bar, and the line "Loading..."
+//   while they are converted  four counters and the log beside it
+//   after a conversion        the log and the button "Finish", until the player presses it
+// Thread: main.
+#pragma once
+
+#include "screens/screen_panel.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class Catalogue;
+class CGhostButton;
+class CGhostList;
+class CGhostTextBox;
+class CGhostWindowEx;
+
+class ScanWindow {
+public:
+    ScanWindow();
+    ~ScanWindow();
+    ScanWindow(const ScanWindow&) = delete;
+    ScanWindow& operator=(const ScanWindow&) = delete;
+
+    // Once a round. Takes the catalogue's waiting log lines. True when a scan has just ended: the time to apply the
+    // filters, which ends the scan's state.
+    [[nodiscard]] bool Update(Catalogue& catalogue);
+
+    [[nodiscard]] bool IsShown() const;
+    [[nodiscard]] const CGhostTextBox* Text() const { return text; }
+    [[nodiscard]] const CGhostTextBox* Counter(size_t index) const { return counters[index]; }
+    [[nodiscard]] CGhostButton* Finish() const { return finish; }
+    [[nodiscard]] CGhostList* Log() const { return log; }
+    [[nodiscard]] CGhostWindowEx* Bar() const { return bar; }
+
+private:
+    void Open();
+    void Close();
+    void Layout(bool withLog);
+    void BeginConversion();
+    void ShowProgress(Catalogue& catalogue, bool converting);
+
+    CGhostWindowEx* window;
+    CGhostTextBox* text;
+    CGhostWindowEx* barBack;
+    CGhostWindowEx* bar;
+    std::array<CGhostTextBox*, 4> counters{};
+    CGhostList* log;
+    CGhostButton* finish;
+    bool converted = false; // this scan has converted something
+    bool scanning = false;
+    ScreenSignals signals;
+};

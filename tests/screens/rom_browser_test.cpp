@@ -1,0 +1,262 @@
+#include "gui/check_box.h"
+#include "gui/drop_list.h"
+#include "gui/edit.h"
+#include "gui/list_view.h"
+#include "gui/message_box.h"
+#include "gui/multi_text.h"
+#include "gui/text_box.h"
+#include "gui/window_ex.h"
+#include "screens/rom_browser.h"
+#include "screens/screen_picture.h"
+#include "screens/screens_rig.h"
+#include "settings/settings.h"
+
+#include "support/temporary_folder.h"
+
+#include <memory>
+
+namespace {
+
+std::vector<uint8_t> Image(uint8_t seed) {
+    std::vector<uint8_t> image(8192);
+    for (size_t i = 0; i < image.size(); ++i) {
+        image[i] = static_cast<uint8_t>(i * seed >> 3);
+    }
+    return image;
+}
+
+class RomBrowser : public ScreensTest {
+protected:
+    void SetUp() override {
+        ScreensTest::SetUp();
+        RegisterDefaultSettings(Settings());
+        area = new CGhostWindowEx(nullptr, 0, L"BATTLEMAIN", L"", CGhostWindowEx::kFrame,
+                                  {false, 0, 60, 1280, 660});
+    }
+    void TearDown() override {
+        browser.reset();
+        Tick();
+        ScreensTest::TearDown();
+    }
+
+    void Open() {
+        browser = std::make_unique<CGUIRomBrowser>(area->window, host);
+        browser->Layout(area->window->clientRect.width, area->window->clientRect.height);
+        browser->SetActive(true);
+        Scan();
+    }
+    // Waits for the scan and lets the browser see its end.
+    void Scan() {
+        browser->Library().WaitForScan();
+        Round();
+        Round();
+    }
+    void Round() {
+        browser->Update();
+        Tick();
+    }
+    [[nodiscard]] std::vector<std::wstring> Titles() const {
+        std::vector<std::wstring> titles;
+        for (int32_t row = 0; row < browser->List()->RowCount(); ++row) {
+            titles.push_back(browser->List()->Cell(row, 0)->text);
+        }
+        std::sort(titles.begin(), titles.end());
+        return titles;
+    }
+    void Type(CGhostEdit* edit, const std::wstring& text) {
+        edit->SetText(text);
+        edit->OnChange(edit, text);
+        Round();
+    }
+
+    TemporaryHome home;
+    CGhostWindowEx* area = nullptr;
+    std::unique_ptr<CGUIRomBrowser> browser;
+};
+
+using Titles = std::vector<std::wstring>;
+
+TEST_F(RomBrowser, ListsTheGamesOfTheFolderAndTellsWhatWasConverted) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/Moth Patrol.sms", Image(5));
+    Open();
+    EXPECT_EQ(this->Titles(), (::Titles{L"Moth Patrol", L"Paper Lamps"}));
+    EXPECT_EQ(browser->Filters().Count()->Text(), L"Showing 2 games");
+    EXPECT_TRUE(browser->Scan().IsShown());
+    EXPECT_EQ(browser->Scan().Counter(1)->Text(), L"Auto Conversions: 2");
+    KeepPicture("scan");
+    Click(browser->Scan().Finish());
+    EXPECT_FALSE(browser->Scan().IsShown());
+    KeepPicture("browser");
+}
+
+TEST_F(RomBrowser, ShowsNoCountersWhenNothingWasConverted) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    browser.reset();
+    Tick();
+    Open();
+    EXPECT_EQ(this->Titles(), ::Titles{L"Paper Lamps"});
+    EXPECT_FALSE(browser->Scan().IsShown());
+}
+
+TEST_F(RomBrowser, AnEmptySystemSaysHowToAddGames) {
+    home.Write("sms/readme.txt", std::string_view("no game"));
+    Open();
+    EXPECT_TRUE(browser->List()->RowCount() == 0);
+    EXPECT_FALSE(browser->StartButton()->IsEnabled());
+    KeepPicture("browser-empty");
+}
+
+TEST_F(RomBrowser, AMissingFolderIsTold) {
+    Open();
+    EXPECT_EQ(CGhostMessageBox::Count(), 1u);
+}
+
+TEST_F(RomBrowser, FiltersByNameAsOneTypes) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/Moth Patrol.sms", Image(5));
+    Open();
+    Type(browser->Filters().Name(), L"moth");
+    EXPECT_EQ(this->Titles(), ::Titles{L"Moth Patrol"});
+    EXPECT_EQ(browser->Filters().Count()->Text(), L"Showing 1 games");
+    Type(browser->Filters().Name(), L"");
+    EXPECT_EQ(this->Titles().size(), 2u);
+}
+
+TEST_F(RomBrowser, TheYearFilterTakesARange) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    Type(browser->Filters().Year(), L"1980-1990");
+    EXPECT_TRUE(this->Titles().empty()) << "an unknown year counts as 1900";
+    Type(browser->Filters().Year(), L"1900");
+    EXPECT_EQ(this->Titles().size(), 1u);
+    EXPECT_TRUE(browser->Filters().MenuFilters());
+}
+
+TEST_F(RomBrowser, SystemsGoRoundAtBothEnds) {
+    for (const char* const folder : {"sms", "gamegear", "nes", "arcade", "megadrive"}) {
+        home.Write(std::string(folder) + "/none.txt", std::string_view("x"));
+    }
+    Open();
+    EXPECT_EQ(browser->Switcher().Name()->Text(), L"Sega Master System (SMS)");
+    Click(browser->Switcher().Left());
+    Scan();
+    EXPECT_EQ(browser->Switcher().Name()->Text(), L"Genesis / Megadrive (MD)");
+    EXPECT_EQ(Settings().GetInt(L"gamebrowser_cursystem"), 4);
+    EXPECT_NE(dynamic_cast<CGUIMDOptions*>(browser->Options()), nullptr);
+    Click(browser->Switcher().Right());
+    Scan();
+    EXPECT_EQ(browser->Switcher().Name()->Text(), L"Sega Master System (SMS)");
+    Click(browser->Switcher().Right());
+    Scan();
+    Click(browser->Switcher().Right());
+    Scan();
+    EXPECT_EQ(browser->Switcher().Name()->Text(), L"Nintendo (NES)");
+    EXPECT_EQ(browser->Options(), nullptr);
+}
+
+TEST_F(RomBrowser, StartsTheChosenGameWithThePanelsBytes) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    auto* const panel = dynamic_cast<CGUISMSOptions*>(browser->Options());
+    ASSERT_NE(panel, nullptr);
+    panel->Console()->SetSelected(5);
+    panel->FmChip()->SetChecked(true);
+    Click(browser->Scan().Finish());
+    Click(browser->StartButton());
+    ASSERT_EQ(host.started.size(), 1u);
+    EXPECT_EQ(host.started[0].title, "Paper Lamps");
+    EXPECT_EQ(host.started[0].options[0], 32) << "the machine's own number of a Mark III";
+    EXPECT_EQ(host.started[0].options[1], 1);
+    const auto image = host.started[0].game.AssembleSelectedImage();
+    ASSERT_TRUE(image.has_value());
+    EXPECT_EQ(*image, Image(3));
+}
+
+TEST_F(RomBrowser, AGameThatIsGoneIsToldAndNotStarted) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    Click(browser->Scan().Finish());
+    std::filesystem::remove(home.Path() / "sms/Paper Lamps.game");
+    Click(browser->StartButton());
+    EXPECT_TRUE(host.started.empty());
+    EXPECT_EQ(CGhostMessageBox::Count(), 1u);
+}
+
+TEST_F(RomBrowser, SavesIsTheSetting) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    EXPECT_EQ(browser->Saves()->Caption(), L"Auto Save & Load");
+    browser->Saves()->SetSelected(2);
+    EXPECT_EQ(Settings().GetInt(L"emu_autosaves"), 0);
+}
+
+TEST_F(RomBrowser, TabsShowOneOfThePanels) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    Click(browser->Scan().Finish());
+    for (const ContentTab tab :
+         {ContentTab::kReviews, ContentTab::kHints, ContentTab::kTrivia, ContentTab::kMetaInfo}) {
+        Click(browser->Content().TabButton(tab));
+        EXPECT_TRUE(browser->Content().Text(tab)->IsVisible());
+        EXPECT_FALSE(browser->Content().Box()->IsVisible());
+    }
+    KeepPicture("browser-meta");
+    EXPECT_NE(browser->Content().Text(ContentTab::kMetaInfo)->Text().find(L"Paper Lamps.game"),
+              std::wstring::npos);
+    Click(browser->Content().TabButton(ContentTab::kCovers));
+    EXPECT_TRUE(browser->Content().Box()->IsVisible());
+}
+
+TEST_F(RomBrowser, TheFilterMenuOpensOverTheList) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    Click(browser->Scan().Finish());
+    Click(browser->Filters().MenuButton());
+    EXPECT_TRUE(browser->Filters().Menu()->IsVisible());
+    KeepPicture("browser-filters");
+    Click(browser->Filters().MenuButton());
+    EXPECT_FALSE(browser->Filters().Menu()->IsVisible());
+}
+
+// Nothing lies over anything else, and all lies within the main window.
+TEST_F(RomBrowser, IsLaidOutWithoutOverlapOnEveryShapeOfScreen) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    struct SHAPE {
+        int32_t width;
+        int32_t height;
+    };
+    for (const SHAPE shape : {
+             SHAPE{1280, 720},
+             SHAPE{1280, 960},
+             SHAPE{1280, 800},
+             SHAPE{1720, 720}
+    }) {
+        Manager().SetScreen(shape.width, shape.height);
+        area->SetPos(0, 60, shape.width, shape.height - 60);
+        const GUI_RECT inner{0, 0, area->window->clientRect.width, area->window->clientRect.height};
+        browser->Layout(inner.width, inner.height);
+        std::vector<const GHOSTMANAGER_WINDOW*> shown;
+        for (const GHOSTMANAGER_WINDOW* child = area->window->firstChild; child != nullptr;
+             child = child->nextSibling) {
+            // The line over an empty list lies over it by intent.
+            if (child->visible && child->width > 0) {
+                shown.push_back(child);
+            }
+        }
+        for (size_t i = 0; i < shown.size(); ++i) {
+            const GUI_RECT a{shown[i]->x, shown[i]->y, shown[i]->width, shown[i]->height};
+            EXPECT_EQ(Intersection(a, inner), a)
+                << shape.width << " by " << shape.height << ", window " << i;
+            for (size_t j = 0; j < i; ++j) {
+                const GUI_RECT b{shown[j]->x, shown[j]->y, shown[j]->width, shown[j]->height};
+                EXPECT_TRUE(Intersection(a, b).Empty())
+                    << shape.width << " by " << shape.height << ", windows " << i << " and " << j;
+            }
+        }
+    }
+}
+
+} // namespace

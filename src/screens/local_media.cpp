@@ -47,22 +47,18 @@ LOCAL_MEDIA ReadMedia(const std::vector<uint8_t>& zip) {
     return media;
 }
 
-std::filesystem::path MediaFile(const std::filesystem::path& systemFolder,
-                                std::wstring_view contentKey) {
+std::filesystem::path MediaFile(const std::filesystem::path& systemFolder, std::wstring_view contentKey) {
     return systemFolder / "media" / (FileNameFromTitle(Utf8FromWide(contentKey)) + ".zip");
 }
 
-LOCAL_MEDIA ReadLocalMedia(const std::filesystem::path& systemFolder,
-                           std::wstring_view contentKey) {
+LOCAL_MEDIA ReadLocalMedia(const std::filesystem::path& systemFolder, std::wstring_view contentKey) {
     LOCAL_MEDIA media;
     std::vector<uint8_t> bytes;
     std::string error;
-    if (!contentKey.empty() &&
-        ReadFile(MediaFile(systemFolder, contentKey), bytes, error, kLargestArchive)) {
+    if (!contentKey.empty() && ReadFile(MediaFile(systemFolder, contentKey), bytes, error, kLargestArchive)) {
         media = ReadMedia(bytes);
     }
-    if (media.covers.empty() &&
-        ReadFile(systemFolder / "media" / "default.jpg", bytes, error, kLargestPicture)) {
+    if (media.covers.empty() && ReadFile(systemFolder / "media" / "default.jpg", bytes, error, kLargestPicture)) {
         if (ROOM_IMAGE image = DecodeRoomImage(bytes); image.width != 0) {
             media.covers.push_back(BitmapOf(std::move(image)));
         }

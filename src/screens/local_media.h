@@ -12,9 +12,9 @@
 #include <vector>
 
 struct LOCAL_MEDIA {
-    bool archive = false;           // there is a zip of the game
-    std::vector<GUI_BITMAP> covers; // at most six
-    std::vector<GUI_BITMAP> shots;  // at most five, each 200 by 150
+    bool archive = false;              // there is a zip of the game
+    std::vector<GUI_BITMAP> covers;    // at most six
+    std::vector<GUI_BITMAP> shots;     // at most five, each 200 by 150
 };
 
 inline constexpr size_t kMostCoverImages = 6;
@@ -28,8 +28,7 @@ inline constexpr int32_t kShotHeight = 150;
 
 // The media of a game, `media/KEY.zip` in its system's folder. Without one, or without covers in it, the folder's
 // `default.jpg` is the only cover.
-[[nodiscard]] LOCAL_MEDIA ReadLocalMedia(const std::filesystem::path& systemFolder,
-                                         std::wstring_view contentKey);
+[[nodiscard]] LOCAL_MEDIA ReadLocalMedia(const std::filesystem::path& systemFolder, std::wstring_view contentKey);
 
 // Where they lie: folder and name. The key is a name and never a path.
 [[nodiscard]] std::filesystem::path MediaFile(const std::filesystem::path& systemFolder,

@@ -85,8 +85,8 @@ private:
     std::unique_ptr<CGameOptions> options;
     ScanWindow scan;
     bool active = false;
-    bool scanned = false;      // the first scan has begun
+    bool scanned = false;    // the first scan has begun
     bool applyFilters = false; // with the next Update
     const GameListRow* chosen = nullptr;
-    Catalogue catalogue; // last: its worker calls the panel
+    Catalogue catalogue;     // last: its worker calls the panel
 };

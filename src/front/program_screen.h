@@ -25,6 +25,7 @@
 struct PROGRAM_CALLS {
     std::function<void()> quit;
     std::function<void()> settingsChanged;
+    std::function<void()> saveSettings;
 };
 
 class ProgramScreen final : public Screen, private ScreenHost {
@@ -47,6 +48,9 @@ private:
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) override;
     void CoverClick(int button, int32_t x, int32_t y) override;
     void SettingsChanged() override { calls.settingsChanged(); }
+    void SaveSettings() override { calls.saveSettings(); }
+    [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override;
+    [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
     void ReadKeys(const SCREEN_INPUT& input);
@@ -56,6 +60,7 @@ private:
     void UpdateOverlay(const SCREEN_INPUT& input);
 
     PROGRAM_CALLS calls;
+    const class Joysticks& joysticks;
     RoomScreen room;
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;

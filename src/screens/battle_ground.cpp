@@ -14,6 +14,10 @@
 #include "screens/screen_host.h"
 #include "screens/taglines.h"
 
+#include <algorithm>
+#include <cwchar>
+#include <iterator>
+
 namespace {
 
 // Units.
@@ -137,6 +141,19 @@ void CGUIBattleGround::SetVisible(bool visible) {
          {topArea->window, version->window, battleMain->window}) {
         Show(window, visible);
     }
+    if (visible) {
+        TakeFocus();
+    }
+}
+
+void CGUIBattleGround::TakeFocus() {
+    if (panel != nullptr) {
+        panel->TakeFocus();
+    } else if (current == kPanelBrowser) {
+        browser->TakeFocus();
+    } else {
+        buttons[kPanelBrowser]->SetFocus();
+    }
 }
 
 void CGUIBattleGround::ShowMenu(bool visible) {
@@ -149,7 +166,7 @@ void CGUIBattleGround::ShowMenu(bool visible) {
     Show(back->window, !visible);
     if (visible) {
         NewTagline();
-        buttons[static_cast<size_t>(current == kNoPanel ? kPanelBrowser : current)]->SetFocus();
+        buttons[static_cast<size_t>(std::max<int32_t>(current, kPanelBrowser))]->SetFocus();
     }
 }
 

@@ -48,7 +48,7 @@ public:
 
     void Update();
 
-    // All of it, when the room or a game has the screen.
+    // All of it, when the room or a game has the screen. What is shown again takes the focus.
     void SetVisible(bool visible);
 
     // As a click on the menu button of that number does.
@@ -78,6 +78,7 @@ private:
     void MakeWindows();
     void PlaceBars();
     void Layout(int32_t width, int32_t height);
+    void TakeFocus();
     void ShowMenu(bool visible);
     void ShowPanel(int32_t id, bool show);
     void ShowBrowser(bool show);

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,8 @@ class CGhostWindowEx;
 
 class ScanWindow {
 public:
-    ScanWindow();
+    // `closed`: the window has gone, and with it the focus.
+    explicit ScanWindow(std::function<void()> closed);
     ~ScanWindow();
     ScanWindow(const ScanWindow&) = delete;
     ScanWindow& operator=(const ScanWindow&) = delete;
@@ -44,6 +46,7 @@ private:
     void BeginConversion();
     void ShowProgress(Catalogue& catalogue, bool converting);
 
+    std::function<void()> closed;
     CGhostWindowEx* window;
     CGhostTextBox* text;
     CGhostWindowEx* barBack;

@@ -107,12 +107,19 @@ int Run(int argc, const char* const* argv) {
         app.add_subcommand("bench", "Measure how fast the machines run, unpaced, on one core");
     std::vector<std::string> benchMachines = MachineNames();
     benchMachines.emplace_back("all");
-    benchApp->add_option("--machine", bench.machine, "One machine, or all")
-        ->check(CLI::IsMember(benchMachines));
-    benchApp->add_option("--seconds", bench.seconds, "How long to run each")
-        ->check(CLI::Range(0.01, 3600.0));
-    benchApp->add_option("--json", bench.jsonFile, "Write the figures to a file")
-        ->type_name("FILE");
+    CLI::Option* const benchMachine =
+        benchApp->add_option("--machine", bench.machine, "One machine, or all")
+            ->check(CLI::IsMember(benchMachines));
+    CLI::Option* const benchSeconds =
+        benchApp->add_option("--seconds", bench.seconds, "How long to run each")
+            ->check(CLI::Range(0.01, 3600.0));
+    CLI::Option* const json =
+        benchApp->add_option("--json", bench.jsonFile, "Write the figures to a file")
+            ->type_name("FILE");
+    benchApp
+        ->add_flag("--screen", bench.screen,
+                   "What the program's benchmark screen measures, in its words")
+        ->excludes(benchMachine, benchSeconds, json);
 
     CONVERT_OPTIONS convert;
     CLI::App* convertApp =

@@ -41,14 +41,15 @@ function(ombrelune_font name file)
         "        {\"${name}\", {gFont_${name}, gFont_${name}_size}},\n")
 endfunction()
 
-# ombrelune_objects(folder): every model and image in it, by its file's name. They are megabytes, which a compiler
-# takes long to read as numbers, so the assembler copies them in.
-function(ombrelune_objects folder)
+# ombrelune_files(TABLE folder): every file in it, by its name, as rows of that table. They are megabytes, which a
+# compiler takes long to read as numbers, so the assembler copies them in.
+function(ombrelune_files table folder)
     file(GLOB files CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.3ds
-        ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.jpg ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.png)
+        ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.jpg ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.png
+        ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.txt)
     foreach(file ${files})
         get_filename_component(name ${file} NAME)
-        string(MAKE_C_IDENTIFIER gObject_${name} symbol)
+        string(MAKE_C_IDENTIFIER g${table}_${name} symbol)
         set(source ${CMAKE_CURRENT_BINARY_DIR}/${symbol}.cpp)
         file(CONFIGURE OUTPUT ${source} @ONLY CONTENT [[
 #ifdef __APPLE__
@@ -65,7 +66,7 @@ asm(SECTION "\n.globl " NAME "\n.balign 16\n" NAME ":\n.incbin \"@file@\"\n"
         set_property(GLOBAL APPEND PROPERTY OMBRELUNE_ASSET_SOURCES ${source})
         set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_ASSET_EXTERNS
             "extern const unsigned char ${symbol}[];\nextern const unsigned char ${symbol}_end[];\n")
-        set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_OBJECT_ROWS
+        set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_${table}_ROWS
             "        {\"${name}\", {${symbol}, ${symbol}_end}},\n")
     endforeach()
 endfunction()
@@ -73,7 +74,7 @@ endfunction()
 # ombrelune_embed_assets(theme): to be called once, after all images and fonts; makes the target `assets`.
 function(ombrelune_embed_assets theme)
     ombrelune_asset(gTheme ${CMAKE_CURRENT_SOURCE_DIR}/${theme})
-    foreach(list ASSET_SOURCES ASSET_EXTERNS IMAGE_ROWS FONT_ROWS OBJECT_ROWS)
+    foreach(list ASSET_SOURCES ASSET_EXTERNS IMAGE_ROWS FONT_ROWS OBJECT_ROWS MEDIA_ROWS)
         get_property(${list} GLOBAL PROPERTY OMBRELUNE_${list})
     endforeach()
     configure_file(assets.cpp.in ${CMAKE_CURRENT_BINARY_DIR}/assets.cpp @ONLY)

@@ -70,21 +70,26 @@ def write(folder, title, data):
     path.write_bytes(data)
 
 
-for number in MACHINES:
-    write("fuzz_game_file", f"system-{number}.game", game(number))
-write("fuzz_game_file", "short-default.game", game(2, b"GDF0"))
-write("fuzz_game_file", "header-only.game", records(5, [], []))
-gada = b"GADA" + b"set".ljust(64, b"\0")
-base = records(6, [IMAGE], [(b"Arcade", [0])])
-write("fuzz_game_file", "arcade.dat", gada + base + base)
+def main():
+    for number in MACHINES:
+        write("fuzz_game_file", f"system-{number}.game", game(number))
+    write("fuzz_game_file", "short-default.game", game(2, b"GDF0"))
+    write("fuzz_game_file", "header-only.game", records(5, [], []))
+    gada = b"GADA" + b"set".ljust(64, b"\0")
+    base = records(6, [IMAGE], [(b"Arcade", [0])])
+    write("fuzz_game_file", "arcade.dat", gada + base + base)
 
-write("fuzz_zip", "stored.zip", archive(zipfile.ZIP_STORED))
-write("fuzz_zip", "deflated.zip", archive(zipfile.ZIP_DEFLATED))
-write("fuzz_zip", "zip64.zip", archive(zipfile.ZIP_DEFLATED, True))
+    write("fuzz_zip", "stored.zip", archive(zipfile.ZIP_STORED))
+    write("fuzz_zip", "deflated.zip", archive(zipfile.ZIP_DEFLATED))
+    write("fuzz_zip", "zip64.zip", archive(zipfile.ZIP_DEFLATED, True))
 
-known = records(5, [IMAGE], [(b"Known", [0]), (b"Again", [0])])
-write("fuzz_convert", "unknown-sms", conversion(1, b"stem.sms", b"", IMAGE[:257]))
-write("fuzz_convert", "known-nes", conversion(5, b"stem.nes", known, IMAGE))
-write("fuzz_convert", "known-twice-nes", conversion(5, b"stem", known + known, IMAGE))
-write("fuzz_convert", "dump-md", conversion(4, b"stem.smd", b"", bytes(512) + bytes(range(256)) * 64))
-write("fuzz_convert", "arcade", conversion(6, b"stem", known, IMAGE))
+    known = records(5, [IMAGE], [(b"Known", [0]), (b"Again", [0])])
+    write("fuzz_convert", "unknown-sms", conversion(1, b"stem.sms", b"", IMAGE[:257]))
+    write("fuzz_convert", "known-nes", conversion(5, b"stem.nes", known, IMAGE))
+    write("fuzz_convert", "known-twice-nes", conversion(5, b"stem", known + known, IMAGE))
+    write("fuzz_convert", "dump-md", conversion(4, b"stem.smd", b"", bytes(512) + bytes(range(256)) * 64))
+    write("fuzz_convert", "arcade", conversion(6, b"stem", known, IMAGE))
+
+
+if __name__ == "__main__":
+    main()

@@ -20,6 +20,7 @@ enum class LockRank : int {
     kDevice = 50,      // the sound device's list of playing rings
     kRing = 60,        // one ring of the sound device
     kArchive = 70,     // reading and replacing one archive of saved states
+    kDatabase = 80,    // one database of the library
     kLeaf = 90,        // small values; no lock is taken under these
 };
 

@@ -28,7 +28,7 @@ std::wstring WideFromUtf8(std::string_view text) {
     std::wstring out;
     out.reserve(text.size());
     while (!text.empty()) {
-        const size_t valid = std::min(utf8::find_invalid(text), text.size());
+        const size_t valid = FindInvalidUtf8(text);
         AppendWide(out, text.substr(0, valid));
         text.remove_prefix(valid);
         if (!text.empty()) {
@@ -56,6 +56,21 @@ std::string Utf8FromWide(std::wstring_view text) {
         utf8::unchecked::append(valid ? point : kReplacement, std::back_inserter(out));
     }
     return out;
+}
+
+size_t FindInvalidUtf8(std::string_view text) {
+    return std::min(utf8::find_invalid(text), text.size());
+}
+
+std::string_view CutUtf8(std::string_view text, size_t bytes) {
+    if (bytes >= text.size()) {
+        return text;
+    }
+    // Bytes 10xxxxxx continue a character.
+    while (bytes > 0 && (static_cast<unsigned char>(text[bytes]) & 0xC0) == 0x80) {
+        --bytes;
+    }
+    return text.substr(0, bytes);
 }
 
 std::wstring LowerAscii(std::wstring_view text) {

@@ -18,6 +18,15 @@
     return record;
 }
 
+// The usual mapper; what a short default record in a Game Gear file stands for.
+[[nodiscard]] inline GAG_RECORD DefaultGearRecord() {
+    GAG_RECORD record{};
+    std::memcpy(record.tag, "GAG0", sizeof record.tag);
+    record.board = 1;
+    record.unknown22 = 1;
+    return record;
+}
+
 // A joystick with two buttons, not encrypted.
 [[nodiscard]] inline ARC_RECORD DefaultArcadeRecord() {
     ARC_RECORD record{};

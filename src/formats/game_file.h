@@ -251,6 +251,10 @@ private:
 // The largest `.game` file that is read, well over what the largest image packs to.
 inline constexpr uint64_t kGameFileLimit = uint64_t{1} << 29;
 
+// The bytes of the records in a `.game` file of this length, as the header at its front says. 0 for a
+// front of under 88 bytes, one that is no header, or more records than the file or the limit holds.
+[[nodiscard]] uint32_t GameRecordBytes(std::span<const uint8_t> front, uint64_t fileSize);
+
 // Reads a `.game` file: with `headerOnly` its records alone, ignoring what follows; otherwise all of
 // it, and then the file must be exactly as long as its header says. A file that does not begin with
 // "GAME" is refused.

@@ -150,6 +150,17 @@ bool CGameFile::Parse(const uint8_t* bytes, size_t size, bool unpack) {
     return header.packedSize == packed.size() && Unpack(packed);
 }
 
+uint32_t GameRecordBytes(std::span<const uint8_t> front, uint64_t fileSize) {
+    if (fileSize < sizeof(GAME_HEADER) || front.size() < sizeof(GAME_HEADER) ||
+        !HasTag(front, "GAME")) {
+        return 0;
+    }
+    const auto headerSize =
+        LoadLittleEndian<uint32_t>(front.data() + offsetof(GAME_HEADER, headerSize));
+    const bool fits = headerSize >= sizeof(GAME_HEADER) && headerSize <= fileSize;
+    return fits && headerSize <= kGameFileLimit ? headerSize : 0;
+}
+
 bool LoadGameFile(bool headerOnly, const std::filesystem::path& path, CGameFile& game) {
     std::error_code code;
     const uint64_t fileSize = std::filesystem::file_size(path, code);
@@ -160,25 +171,18 @@ bool LoadGameFile(bool headerOnly, const std::filesystem::path& path, CGameFile&
     file.rdbuf()->pubsetbuf(nullptr, 0); // no read-ahead
     file.open(path, std::ios::binary);
     std::array<uint8_t, sizeof(GAME_HEADER)> head{};
-    if (!file || !ReadWhole(file, head) || !HasTag(head, "GAME")) {
+    if (!file || !ReadWhole(file, head)) {
         return false;
     }
-    const auto headerSize =
-        LoadLittleEndian<uint32_t>(head.data() + offsetof(GAME_HEADER, headerSize));
-    const auto packedSize =
-        LoadLittleEndian<uint32_t>(head.data() + offsetof(GAME_HEADER, packedSize));
-    if (headerSize > fileSize || headerSize < sizeof(GAME_HEADER)) {
+    uint64_t wanted = GameRecordBytes(head, fileSize);
+    if (wanted == 0) {
         return false;
     }
-    uint64_t wanted = headerSize;
     if (!headerOnly) {
-        wanted += packedSize;
-        if (wanted != fileSize) {
+        wanted += LoadLittleEndian<uint32_t>(head.data() + offsetof(GAME_HEADER, packedSize));
+        if (wanted != fileSize || wanted > kGameFileLimit) {
             return false;
         }
-    }
-    if (wanted > kGameFileLimit) {
-        return false;
     }
     std::vector<uint8_t> bytes(wanted);
     std::copy(head.begin(), head.end(), bytes.begin());

@@ -9,6 +9,7 @@
 #include "front/game_start.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
+#include "front/own_games.h"
 #include "front/processor_binder.h"
 #include "front/program_screen.h"
 #include "front/program_title.h"
@@ -223,6 +224,7 @@ void Application::NeedAppearance() {
 
 ProgramScreen& Application::ShowProgram() {
     NeedAppearance();
+    InstallOwnGames();
     auto program = std::make_unique<ProgramScreen>(
         ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight},
         PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings});

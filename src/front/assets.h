@@ -26,3 +26,7 @@ struct OBJECT_ASSET {
     std::span<const uint8_t> data;
 };
 [[nodiscard]] std::span<const OBJECT_ASSET> BuiltInObjects();
+
+// Pictures and texts of our own games, by their files' names: NAME.jpg the box, NAME-1.png and so on the
+// screenshots, NAME.txt the texts, with the demo's name.
+[[nodiscard]] std::span<const OBJECT_ASSET> BuiltInMedia();

@@ -5,9 +5,11 @@
 #include <span>
 
 struct DEMO {
-    const char* name;  // on the command line, after "demo:"
-    const char* title; // for people
-    uint16_t system;   // system number
+    const char* name;    // on the command line, after "demo:"
+    const char* title;   // for people
+    uint16_t system;     // system number
+    const char* regions; // on whose consoles it runs; letters of "EJUBK"
+    uint8_t playTypes;   // as in a game's NAME record
     std::span<const uint8_t> image;
 };
 

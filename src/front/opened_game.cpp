@@ -1,8 +1,10 @@
 #include "front/opened_game.h"
 
 #include "facts/machine_facts.h"
-#include "formats/default_records.h"
+#include "front/demo_database.h"
 #include "front/demos.h"
+#include "front/notices.h"
+#include "front/terminal.h"
 #include "host/machine_list.h"
 #include "library/convert.h"
 #include "library/game_source.h"
@@ -10,18 +12,6 @@
 namespace {
 
 constexpr std::string_view kDemoPrefix = "demo:";
-
-MACHINE_RECORD DemoRecord(uint16_t system) {
-    switch (system) {
-    case kSystemArcade: return ToMachineRecord(DefaultArcadeRecord());
-    case kSystemMasterSystem: {
-        SMS_RECORD record = DefaultSmsRecord();
-        record.features = kSmsFeatureFm; // our games play on the FM chip too
-        return ToMachineRecord(record);
-    }
-    default: return {};
-    }
-}
 
 bool CheckMachine(const std::string& game, uint16_t system, std::string& error) {
     if (EmuFindMachine(system) != nullptr) {
@@ -40,7 +30,7 @@ bool OpenDemo(std::string_view name, OPENED_GAME& opened) {
     for (const DEMO& demo : Demos()) {
         if (demo.name == name) {
             const bool built = BuildKnownGame(demo.system, demo.title, demo.image,
-                                              DemoRecord(demo.system), opened.game);
+                                              DemoMachineRecord(demo.system), opened.game);
             opened.game.selectedName = 0;
             opened.title = demo.title;
             opened.options = DefaultMachineOptions(opened.game);
@@ -57,10 +47,16 @@ bool OpenForPlaying(const std::string& game, const MACHINE_FACTS* system, OPENED
             error = game + ": no such demo; play --help lists them";
             return false;
         }
-    } else if (OpenGame(game, system, opened.game, opened.title, error)) {
-        opened.options = DefaultMachineOptions(opened.game);
     } else {
-        return false;
+        std::string note;
+        if (!OpenGame(game, system, opened.game, opened.title, note, error)) {
+            return false;
+        }
+        if (!note.empty()) {
+            Complain(note);
+            PostNotice(note);
+        }
+        opened.options = DefaultMachineOptions(opened.game);
     }
     return CheckMachine(game, opened.game.Header().system, error);
 }

@@ -11,7 +11,7 @@ namespace {
 
 // Units.
 constexpr int32_t kHeight = 36;
-constexpr int32_t kFromFoot = 28;
+constexpr int32_t kFromFoot = 64; // over the strip of buttons and the names of keys
 constexpr int32_t kMargins = 48;
 
 } // namespace

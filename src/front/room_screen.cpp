@@ -497,7 +497,7 @@ std::wstring RoomScreen::Hint(int64_t now) const {
         return selected.on ? back + L"   Walk on" : back + L" or a click   Walk on";
     }
     if (told && selected.id != 0) {
-        return selected.on ? WideFromUtf8(games.TitleOn(selected.id)) : std::wstring();
+        return {};
     }
     if (selected.on) {
         return name(L"Use", kPadSouth, L"") + L"   Play " +

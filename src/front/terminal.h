@@ -12,3 +12,6 @@ void Complain(const std::string& message);
 // UTF-8 text with "?" for each control character, which must not reach the terminal: a name in a file may
 // hold any.
 [[nodiscard]] std::string Printable(std::string_view text);
+
+// Whether a person can see what is drawn on standard error.
+[[nodiscard]] bool ErrorIsTerminal();

@@ -6,6 +6,7 @@
 #include "formats/packing.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
@@ -53,6 +54,17 @@ std::vector<uint8_t> Deinterleave(std::span<const uint8_t> image) {
         }
     }
     return out;
+}
+
+// Blocks of the image, and the marks by which copiers know their own files.
+std::array<uint8_t, kCopierHeader> CopierHeader(size_t imageSize) {
+    std::array<uint8_t, kCopierHeader> header{};
+    header[0] = static_cast<uint8_t>(imageSize / kInterleaveBlock);
+    header[1] = 3;
+    header[8] = 0xAA;
+    header[9] = 0xBB;
+    header[10] = 6; // a Mega Drive program
+    return header;
 }
 
 MACHINE_RECORD DefaultMachineRecord(uint16_t system) {
@@ -116,6 +128,15 @@ uint16_t SystemOfExtension(std::string_view extension) {
     return 0;
 }
 
+std::string UsualExtension(uint16_t system) {
+    if (system == kSystemMegaDrive) {
+        return ".md"; // its list begins with ".bin", which says little
+    }
+    const MACHINE_FACTS* const facts = FindMachineFacts(system);
+    return facts != nullptr && !facts->extensions.empty() ? std::string(facts->extensions.front())
+                                                          : ".bin";
+}
+
 bool ValidExtension(uint16_t system, std::string_view path) {
     const MACHINE_FACTS* entry = FindMachineFacts(system);
     return entry != nullptr && (system == kSystemArcade || Accepts(*entry, ExtensionOf(path)));
@@ -126,6 +147,25 @@ std::vector<uint8_t> PrepareImage(uint16_t system, std::span<const uint8_t> file
         return Deinterleave(file.subspan(kCopierHeader));
     }
     return {file.begin(), file.end()};
+}
+
+bool InterleaveImage(std::span<const uint8_t> image, std::vector<uint8_t>& dump) {
+    dump.clear();
+    if (image.size() < kSmallestMegaDrive || (image.size() & kCopierHeader) != 0) {
+        return false;
+    }
+    constexpr size_t kHalf = kInterleaveBlock / 2;
+    const auto header = CopierHeader(image.size());
+    dump.assign(header.begin(), header.end());
+    dump.insert(dump.end(), image.begin(), image.end());
+    for (size_t block = 0; image.size() - block >= kInterleaveBlock; block += kInterleaveBlock) {
+        uint8_t* const out = dump.data() + kCopierHeader + block;
+        for (size_t i = 0; i < kHalf; ++i) {
+            out[kHalf + i] = image[block + 2 * i];
+            out[i] = image[block + 2 * i + 1];
+        }
+    }
+    return true;
 }
 
 bool IsBareCopierHeader(uint16_t system, std::span<const uint8_t> file) {

@@ -15,6 +15,9 @@
 // Mega Drive image.
 [[nodiscard]] uint16_t SystemOfExtension(std::string_view extension);
 
+// The extension that the program itself gives to an image of the system.
+[[nodiscard]] std::string UsualExtension(uint16_t system);
+
 // Whether the name has an extension of the system, in any case. Always true for arcade sets.
 [[nodiscard]] bool ValidExtension(uint16_t system, std::string_view path);
 
@@ -24,6 +27,10 @@
 // A Mega Drive file counts as interleaved if bit 9 of its size is set and none of the four bytes at 256
 // is the letter of "SEGA" that a plain image has there.
 [[nodiscard]] std::vector<uint8_t> PrepareImage(uint16_t system, std::span<const uint8_t> file);
+
+// The opposite: a Mega Drive image as a copier stored it, with a fresh header (docs/HARDWARE.md). False for an
+// image whose dump PrepareImage would not take for one: less than vectors and header, or bit 9 of its size set.
+[[nodiscard]] bool InterleaveImage(std::span<const uint8_t> image, std::vector<uint8_t>& dump);
 
 // Whether a Mega Drive file counts as interleaved but has no image after the copier header: less than
 // the vectors and header that every program begins with.

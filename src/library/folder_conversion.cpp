@@ -65,7 +65,7 @@ struct PLAN {
     int entry = 0;
     std::string name;
     std::vector<PendingFile*> items;
-    fs::file_time_type newestSource{};
+    fs::file_time_type newestSource = fs::file_time_type::min();
     uint64_t size = 0;
 };
 

@@ -6,32 +6,65 @@
 #include "formats/zip.h"
 #include "library/convert.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 
 namespace fs = std::filesystem;
 
 namespace {
+
+BuiltInDatabase gBuiltInDatabase = nullptr;
+
+bool HasImage(std::span<const CGameFile> database, const CGameFile& entry) {
+    std::string name;
+    ROM_RECORD rom{};
+    if (!entry.GetRom(0, name, rom)) {
+        return false;
+    }
+    Sha256Digest hash{};
+    std::copy(std::begin(rom.sha256), std::end(rom.sha256), hash.begin());
+    return std::ranges::any_of(database,
+                               [&](const CGameFile& known) { return known.FindRom(hash) >= 0; });
+}
+
+// Every entry that knows an image gives a converted game one more copy of it, so an image is known once.
+void AddUnlessKnown(std::vector<CGameFile> entries, std::vector<CGameFile>& database) {
+    const size_t fromFile = database.size();
+    for (CGameFile& entry : entries) {
+        if (!HasImage(std::span(database).first(fromFile), entry)) {
+            database.push_back(std::move(entry));
+        }
+    }
+}
 
 std::string LowerExtension(const fs::path& path) {
     return LowerAscii(std::string_view(path.extension().string()));
 }
 
 // A file name may hold any bytes, but a title is UTF-8.
+std::string Utf8Of(const fs::path& path) {
+    return Utf8FromWide(WideFromUtf8(path.string()));
+}
+
+std::string NameOf(const fs::path& path) {
+    return Utf8Of(path.filename());
+}
+
 std::string StemOf(const fs::path& path) {
-    return Utf8FromWide(WideFromUtf8(path.stem().string()));
+    return Utf8Of(path.stem());
 }
 
 struct ARCHIVE_ENTRY {
     uint32_t index;
-    std::string stem;
+    fs::path name;
     uint16_t system;
     uint64_t unpackedSize;
 };
 
-// The entries that are images; if none has the extension of a given `system`, the only file.
-std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const MACHINE_FACTS* system) {
-    std::vector<ARCHIVE_ENTRY> images;
+// The entries that are files.
+std::vector<ARCHIVE_ENTRY> FileEntries(const ZipReader& reader) {
     std::vector<ARCHIVE_ENTRY> files;
     for (uint32_t index = 0; index < reader.EntryCount(); ++index) {
         ZIP_ENTRY entry;
@@ -39,18 +72,23 @@ std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const MACHINE_F
             continue;
         }
         const fs::path name(Utf8FromWide(LastPathComponent(entry.name)));
-        if (name.empty()) {
-            continue; // a folder
-        }
-        const uint16_t number = SystemOfExtension(name.extension().string());
-        ARCHIVE_ENTRY found{index, StemOf(name), number, entry.unpackedSize};
-        if (number != 0 && (system == nullptr || system->system == number)) {
-            images.push_back(found);
-        }
-        if (files.size() < 2) {
-            files.push_back(std::move(found));
+        if (!name.empty()) { // a folder
+            files.push_back(
+                {index, name, SystemOfExtension(name.extension().string()), entry.unpackedSize});
         }
     }
+    return files;
+}
+
+// Those that are images; if none has the extension of a given `system`, the only file that is no archive.
+std::vector<ARCHIVE_ENTRY> ImageEntries(std::vector<ARCHIVE_ENTRY> files,
+                                        const MACHINE_FACTS* system) {
+    std::vector<ARCHIVE_ENTRY> images;
+    std::ranges::copy_if(files, std::back_inserter(images), [&](const ARCHIVE_ENTRY& entry) {
+        return entry.system != 0 && (system == nullptr || system->system == entry.system);
+    });
+    std::erase_if(files,
+                  [](const ARCHIVE_ENTRY& entry) { return LowerExtension(entry.name) == ".zip"; });
     if (images.empty() && files.size() == 1 && system != nullptr) {
         files.front().system = system->system;
         return files;
@@ -58,18 +96,9 @@ std::vector<ARCHIVE_ENTRY> ImageEntries(const ZipReader& reader, const MACHINE_F
     return images;
 }
 
-bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
-                  const MACHINE_FACTS* system, const IMAGE_VISITOR& visitor, std::string& error) {
-    ZipReader reader;
-    if (!reader.Open(archive, error)) {
-        error = path.string() + ": " + error;
-        return false;
-    }
-    const std::vector<ARCHIVE_ENTRY> entries = ImageEntries(reader, system);
-    if (entries.empty()) {
-        error = path.string() + ": holds no game image";
-        return false;
-    }
+bool VisitEntries(const fs::path& path, const ZipReader& reader,
+                  const std::vector<ARCHIVE_ENTRY>& entries, const IMAGE_VISITOR& visitor,
+                  std::string& error) {
     uint64_t room = kLargestArchive;
     for (const ARCHIVE_ENTRY& entry : entries) {
         if (entry.unpackedSize > room) {
@@ -79,7 +108,8 @@ bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
         }
         room -= entry.unpackedSize;
         FOUND_IMAGE image;
-        image.stem = entry.stem;
+        image.name = NameOf(entry.name);
+        image.stem = StemOf(entry.name);
         image.system = entry.system;
         std::string fault;
         if (!reader.Unpack(entry.index, image.bytes, fault, kLargestImage)) {
@@ -89,6 +119,41 @@ bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
         if (!visitor.image(image)) {
             break;
         }
+    }
+    return true;
+}
+
+bool OpenArchive(const fs::path& path, std::span<const uint8_t> archive, ZipReader& reader,
+                 std::string& error) {
+    if (!reader.Open(archive, error)) {
+        error = path.string() + ": " + error;
+        return false;
+    }
+    return true;
+}
+
+bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
+                  const MACHINE_FACTS* system, const IMAGE_VISITOR& visitor, std::string& error) {
+    ZipReader reader;
+    if (!OpenArchive(path, archive, reader, error)) {
+        return false;
+    }
+    const std::vector<ARCHIVE_ENTRY> entries = ImageEntries(FileEntries(reader), system);
+    if (entries.empty()) {
+        error = path.string() + ": holds no game image";
+        return false;
+    }
+    return VisitEntries(path, reader, entries, visitor, error);
+}
+
+// Reads a file that may be an image or an archive.
+bool ReadSource(const fs::path& path, std::vector<uint8_t>& bytes, std::string& error) {
+    if (!ReadFile(path, bytes, error, kLargestImage)) {
+        return false;
+    }
+    if (bytes.empty()) {
+        error = path.string() + ": is empty";
+        return false;
     }
     return true;
 }
@@ -123,8 +188,12 @@ std::string FaultOfGameFile(const fs::path& path, bool headerOnly) {
     return name + ": its records or its image are damaged";
 }
 
-bool OpenImageFile(const fs::path& path, const MACHINE_FACTS* system, CGameFile& game,
-                   std::string& error) {
+// Visits images until one is built.
+using VisitFunction = std::function<bool(const IMAGE_VISITOR& visitor, std::string& error)>;
+
+// Builds the first image that the visit comes to. `name` is that image's.
+bool BuildFirst(const fs::path& path, const VisitFunction& visit, CGameFile& game,
+                std::string& name, std::string& error) {
     bool built = false;
     IMAGE_VISITOR visitor;
     visitor.image = [&](const FOUND_IMAGE& image) {
@@ -135,11 +204,66 @@ bool OpenImageFile(const fs::path& path, const MACHINE_FACTS* system, CGameFile&
         bool known = false;
         built = BuildGame(image.system, image.stem, image.bytes, LoadDatabase(image.system), game,
                           known);
+        name = image.name;
         error = built ? "" : path.string() + ": is not an image that can be played by itself";
         return false;
     };
     visitor.fault = [&](const std::string& fault) { error = fault; };
-    return VisitImages(path, system, visitor, error) && built;
+    return visit(visitor, error) && built;
+}
+
+bool OpenImageFile(const fs::path& path, const MACHINE_FACTS* system, CGameFile& game,
+                   std::string& error) {
+    std::string ignored;
+    const auto visit = [&](const IMAGE_VISITOR& visitor, std::string& fault) {
+        return VisitImages(path, system, visitor, fault);
+    };
+    return BuildFirst(path, visit, game, ignored, error);
+}
+
+// Whether the image that is played begins as a zip does.
+bool HoldsArchive(const CGameFile& game) {
+    constexpr std::string_view kMark = "PK\x03\x04";
+    const int piece = game.NameRomAt(0, 0);
+    const std::span<const uint8_t> data = game.Data();
+    const size_t offset = piece < 0 ? data.size() : game.RomOffset(static_cast<uint32_t>(piece));
+    return game.NameCount() > 0 && offset <= data.size() && data.size() - offset >= kMark.size() &&
+           std::memcmp(data.data() + offset, kMark.data(), kMark.size()) == 0;
+}
+
+// Replaces a game whose image is an archive by the one in the archive.
+bool OpenInside(const fs::path& path, const MACHINE_FACTS& system, CGameFile& game,
+                std::string& note, std::string& error) {
+    const auto archive = game.AssembleImage(0);
+    if (!archive || archive->size() > kLargestImage) {
+        error = path.string() + ": holds an archive of more than " + std::to_string(kLargestImage) +
+                " bytes";
+        return false;
+    }
+    const auto visit = [&](const IMAGE_VISITOR& visitor, std::string& fault) {
+        return VisitArchive(path, *archive, &system, visitor, fault);
+    };
+    CGameFile inside;
+    std::string name;
+    if (!BuildFirst(path, visit, inside, name, error)) {
+        return false;
+    }
+    game = std::move(inside);
+    note = path.string() + ": holds an archive; this is " + name + " in it";
+    return true;
+}
+
+// A `.game`, and what lies in it if its image is an archive.
+bool OpenContainer(const fs::path& path, const MACHINE_FACTS* system, CGameFile& game,
+                   std::string& note, std::string& error) {
+    if (!OpenGameFile(path, false, game, error)) {
+        return false;
+    }
+    const MACHINE_FACTS* const machine =
+        system != nullptr ? system : FindMachineFacts(game.Header().system);
+    // An arcade game is the pieces of a board, which the database has named.
+    const bool searched = machine != nullptr && machine->system != kSystemArcade;
+    return !searched || !HoldsArchive(game) || OpenInside(path, *machine, game, note, error);
 }
 
 // Changes the system of a game's image, as the user asked.
@@ -164,11 +288,7 @@ bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_
                  std::string& error) {
     std::vector<uint8_t> bytes;
     const std::string extension = LowerExtension(path);
-    if (!ReadFile(path, bytes, error, kLargestImage)) {
-        return false;
-    }
-    if (bytes.empty()) {
-        error = path.string() + ": is empty";
+    if (!ReadSource(path, bytes, error)) {
         return false;
     }
     if (extension == ".zip") {
@@ -179,14 +299,30 @@ bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_
         error = path.string() + ": is of an unknown kind; the extension tells the system";
         return false;
     }
-    visitor.image({StemOf(path), number, std::move(bytes)});
+    visitor.image({NameOf(path), StemOf(path), number, std::move(bytes)});
+    return true;
+}
+
+bool VisitAllFiles(const fs::path& path, const IMAGE_VISITOR& visitor, std::string& error) {
+    std::vector<uint8_t> bytes;
+    const std::string extension = LowerExtension(path);
+    if (!ReadSource(path, bytes, error)) {
+        return false;
+    }
+    if (extension == ".zip") {
+        ZipReader reader;
+        return OpenArchive(path, bytes, reader, error) &&
+               VisitEntries(path, reader, FileEntries(reader), visitor, error);
+    }
+    visitor.image({NameOf(path), StemOf(path), SystemOfExtension(extension), std::move(bytes)});
     return true;
 }
 
 bool OpenGame(const fs::path& path, const MACHINE_FACTS* system, CGameFile& game,
-              std::string& title, std::string& error) {
+              std::string& title, std::string& note, std::string& error) {
+    note.clear();
     const bool container = LowerExtension(path) == ".game";
-    if (container ? !OpenGameFile(path, false, game, error)
+    if (container ? !OpenContainer(path, system, game, note, error)
                   : !OpenImageFile(path, system, game, error)) {
         return false;
     }
@@ -208,12 +344,23 @@ bool OpenGameFile(const fs::path& path, bool headerOnly, CGameFile& game, std::s
     return true;
 }
 
+void SetBuiltInDatabase(BuiltInDatabase entries) {
+    gBuiltInDatabase = entries;
+}
+
 std::vector<CGameFile> LoadDatabase(uint16_t system) {
-    const MACHINE_FACTS* entry = FindMachineFacts(system);
-    std::vector<uint8_t> bytes;
-    std::string ignored;
-    if (entry == nullptr || !ReadFile(ResolvePath(entry->databaseFile), bytes, ignored)) {
+    const MACHINE_FACTS* facts = FindMachineFacts(system);
+    if (facts == nullptr) {
         return {};
     }
-    return ParseDatabase(bytes.data(), bytes.size());
+    std::vector<uint8_t> bytes;
+    std::string ignored;
+    std::vector<CGameFile> database;
+    if (ReadFile(ResolvePath(facts->databaseFile), bytes, ignored)) {
+        database = ParseDatabase(bytes.data(), bytes.size());
+    }
+    if (gBuiltInDatabase != nullptr) {
+        AddUnlessKnown(gBuiltInDatabase(system), database);
+    }
+    return database;
 }

@@ -19,7 +19,8 @@ inline constexpr uint64_t kLargestImage = uint64_t{64} << 20;
 inline constexpr uint64_t kLargestArchive = uint64_t{1} << 30;
 
 struct FOUND_IMAGE {
-    std::string stem; // of the file, or of the entry in the archive; UTF-8
+    std::string name; // of the file, or of the entry in the archive, without its folders; UTF-8
+    std::string stem; // the name without its extension
     uint16_t system = 0;
     std::vector<uint8_t> bytes; // as in the file, headers included
 };
@@ -37,14 +38,30 @@ struct IMAGE_VISITOR {
 [[nodiscard]] bool VisitImages(const std::filesystem::path& path, const MACHINE_FACTS* system,
                                const IMAGE_VISITOR& visitor, std::string& error);
 
+// Visits a file, or every file in a zip, whatever its extension; `system` is that of the extension, which may be
+// 0. Otherwise as VisitImages.
+[[nodiscard]] bool VisitAllFiles(const std::filesystem::path& path, const IMAGE_VISITOR& visitor,
+                                 std::string& error);
+
 // Opens a game for playing, its image unpacked and its first name selected. An archive's first image is
 // opened. With `system` the image counts as that system's, whatever the file says.
+//
+// A `.game` whose image is an archive, as an unknown game in a zip becomes one, is played as the first image in
+// it, which is then the same game as if it had been opened by itself; `note` gets a line that says so, and
+// is otherwise empty. An archive in that archive is not opened.
 [[nodiscard]] bool OpenGame(const std::filesystem::path& path, const MACHINE_FACTS* system,
-                            CGameFile& game, std::string& title, std::string& error);
+                            CGameFile& game, std::string& title, std::string& note,
+                            std::string& error);
 
 // Reads a `.game`, whole or only its records; `error` says why one is refused.
 [[nodiscard]] bool OpenGameFile(const std::filesystem::path& path, bool headerOnly, CGameFile& game,
                                 std::string& error);
 
-// The database of a system; empty if there is none, which is no error.
+// The program's own games of a system, as entries of a database.
+using BuiltInDatabase = std::vector<CGameFile> (*)(uint16_t system);
+// Set once, before other threads run; null: there are none.
+void SetBuiltInDatabase(BuiltInDatabase entries);
+
+// The database of a system: the entries of its file, if there is one, and then the program's own games whose image the
+// file does not have. A missing or damaged file is no error.
 [[nodiscard]] std::vector<CGameFile> LoadDatabase(uint16_t system);

@@ -17,7 +17,7 @@ struct GAME_TO_WRITE {
     uint16_t system = 0;
     Sha256Digest headerHash{};
     std::span<const uint8_t> image; // unpacked
-    std::filesystem::file_time_type newestSource{};
+    std::filesystem::file_time_type newestSource = std::filesystem::file_time_type::min();
 };
 
 // The game that an earlier conversion wrote from the same sources without removing them, as it was

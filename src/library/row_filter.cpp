@@ -3,6 +3,7 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cwchar>
 #include <optional>
 #include <utility>
@@ -62,10 +63,22 @@ uint8_t RegionsOf(std::wstring_view letters) {
 }
 
 // `lowered` is in lower case already.
+bool BeginsWith(std::wstring_view title, std::wstring_view lowered) {
+    return std::equal(lowered.begin(), lowered.end(), title.begin(),
+                      [](wchar_t a, wchar_t b) { return a == LowerAscii(b); });
+}
+
 bool Contains(std::wstring_view title, std::wstring_view lowered) {
-    const auto found = std::search(title.begin(), title.end(), lowered.begin(), lowered.end(),
-                                   [](wchar_t a, wchar_t b) { return LowerAscii(a) == b; });
-    return lowered.empty() || found != title.end();
+    if (lowered.empty()) {
+        return true;
+    }
+    const wchar_t first = lowered.front();
+    for (; title.size() >= lowered.size(); title.remove_prefix(1)) {
+        if (LowerAscii(title.front()) == first && BeginsWith(title, lowered)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 class Filter {
@@ -102,7 +115,9 @@ ROW_LINE LineOf(const GameListRow& row) {
     if (row.year == kUnknownYear) {
         std::wcscpy(line.year.data(), L"----");
     } else {
-        std::swprintf(line.year.data(), line.year.size(), L"%d", row.year);
+        std::array<char, kYearCharacters> digits{};
+        std::to_chars(digits.data(), digits.data() + digits.size(), row.year);
+        std::ranges::copy(digits, line.year.begin());
     }
     line.path = &row.path;
     line.nameIndex = row.nameIndex;
@@ -116,6 +131,7 @@ ROW_LINE LineOf(const GameListRow& row) {
 std::vector<ROW_LINE> ApplyFilters(std::span<const GameListRow> rows, const ROW_CHOICES& choices) {
     const Filter filter(choices);
     std::vector<ROW_LINE> lines;
+    lines.reserve(rows.size());
     for (const GameListRow& row : rows) {
         if (filter.Passes(row)) {
             lines.push_back(LineOf(row));

@@ -111,9 +111,9 @@ bool ZipMembers::Read(const fs::path& path, std::wstring_view member, std::vecto
 bool DeleteSource(const fs::path& path, std::string& error) {
     std::error_code code;
     fs::remove(path, code);
-    if (code && !fs::is_symlink(path)) {
+    std::error_code ignored;
+    if (code && !fs::is_symlink(path, ignored)) {
         // Some systems do not delete what is read-only.
-        std::error_code ignored;
         fs::permissions(path, fs::perms::owner_write, fs::perm_options::add, ignored);
         fs::remove(path, code);
     }

@@ -53,3 +53,22 @@ TEST(Text, LowerCaseTouchesAsciiLettersAlone) {
     EXPECT_EQ(LowerAscii(std::wstring_view(L"App_FullScreen\u00C9")), L"app_fullscreen\u00C9");
     EXPECT_EQ(LowerAscii(std::string_view("AZ[]`{az@0")), "az[]`{az@0");
 }
+
+TEST(Text, FirstInvalidByteIsFound) {
+    EXPECT_EQ(FindInvalidUtf8(""), 0u);
+    EXPECT_EQ(FindInvalidUtf8("a\xC3\xA9"), 3u);
+    EXPECT_EQ(FindInvalidUtf8("a\xC3z"), 1u);
+    EXPECT_EQ(FindInvalidUtf8("ab\xFF"), 2u);
+}
+
+TEST(Text, CutLeavesWholeCharacters) {
+    const std::string_view text = "a\xC3\xA9\xE6\x97\xA5"; // of one, two and three bytes
+    EXPECT_EQ(CutUtf8(text, 0), "");
+    EXPECT_EQ(CutUtf8(text, 1), "a");
+    EXPECT_EQ(CutUtf8(text, 2), "a");
+    EXPECT_EQ(CutUtf8(text, 3), "a\xC3\xA9");
+    EXPECT_EQ(CutUtf8(text, 4), "a\xC3\xA9");
+    EXPECT_EQ(CutUtf8(text, 5), "a\xC3\xA9");
+    EXPECT_EQ(CutUtf8(text, 6), text);
+    EXPECT_EQ(CutUtf8(text, 100), text);
+}

@@ -11,10 +11,8 @@
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
-#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
-#include <map>
 
 namespace fs = std::filesystem;
 
@@ -102,54 +100,6 @@ bool ShowFile(const fs::path& path) {
     return whole;
 }
 
-// The first name that is unused or already holds these bytes.
-fs::path TargetOf(fs::path target, std::span<const uint8_t> bytes, bool& alreadyThere) {
-    alreadyThere = false;
-    while (true) {
-        fs::path file = target;
-        file += ".game";
-        std::error_code code;
-        if (fs::symlink_status(file, code).type() == fs::file_type::not_found) {
-            return file;
-        }
-        std::vector<uint8_t> old;
-        std::string ignored;
-        if (ReadFile(file, old, ignored) && std::ranges::equal(old, bytes)) {
-            alreadyThere = true;
-            return file;
-        }
-        target += "0";
-    }
-}
-
-// The databases of the systems so far, each read once.
-using Databases = std::map<uint16_t, std::vector<CGameFile>>;
-
-bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& outFolder,
-                Databases& databases) {
-    const auto [database, added] = databases.try_emplace(image.system);
-    if (added) {
-        database->second = LoadDatabase(image.system);
-    }
-    std::vector<uint8_t> bytes;
-    bool known = false;
-    if (!ConvertImage(image.system, image.stem, image.bytes, database->second, bytes, known)) {
-        Complain(path.string() + ": " + image.stem + ": cannot be converted by itself");
-        return false;
-    }
-    const fs::path folder = outFolder.empty() ? path.parent_path() : outFolder;
-    bool alreadyThere = false;
-    const fs::path target = TargetOf(folder / FileNameFromTitle(image.stem), bytes, alreadyThere);
-    std::string error;
-    if (!alreadyThere && !WriteFile(target, bytes, error, WriteMode::kCreate)) {
-        Complain(error);
-        return false;
-    }
-    std::printf("%s%s%s\n", Printable(target.string()).c_str(), known ? "" : ": unknown game",
-                alreadyThere ? ", already there" : "");
-    return true;
-}
-
 } // namespace
 
 int ActionsCommand() {
@@ -166,35 +116,6 @@ int InfoCommand(const std::vector<fs::path>& paths) {
     bool done = true;
     for (const fs::path& path : paths) {
         done = ShowFile(path) && done;
-    }
-    return done ? kExitDone : kExitFailed;
-}
-
-int ConvertCommand(const CONVERT_OPTIONS& options) {
-    const MACHINE_FACTS* system =
-        options.machine.empty() ? nullptr : FindMachineFacts(std::string_view(options.machine));
-    Databases databases;
-    bool done = true;
-    for (const fs::path& path : options.paths) {
-        if (LowerAscii(std::string_view(path.extension().string())) == ".game") {
-            Complain(path.string() + ": is a .game already");
-            done = false;
-            continue;
-        }
-        IMAGE_VISITOR visitor;
-        visitor.image = [&](const FOUND_IMAGE& image) {
-            done = ConvertOne(path, image, options.outFolder, databases) && done;
-            return true;
-        };
-        visitor.fault = [&](const std::string& fault) {
-            Complain(fault);
-            done = false;
-        };
-        std::string error;
-        if (!VisitImages(path, system, visitor, error)) {
-            Complain(error);
-            done = false;
-        }
     }
     return done ? kExitDone : kExitFailed;
 }

@@ -9,6 +9,7 @@
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;
 inline constexpr int kExitUsage = 2;
+inline constexpr int kExitInterrupted = 130; // by Ctrl-C, as shells number it
 
 // The whole program in its window: what runs without a command. Without a display one of our own games runs off the
 // screen for some seconds.
@@ -29,6 +30,43 @@ struct CONVERT_OPTIONS {
     std::string machine;             // short name of the system; empty: by the extension
 };
 int ConvertCommand(const CONVERT_OPTIONS& options);
+
+// Makes a database of a list of games, and shows what one holds.
+struct DATABASE_MAKE_OPTIONS {
+    std::string machine;             // short name of the system
+    std::filesystem::path listFile;  // XML of Logiqx
+    std::filesystem::path roms;      // the folder of the images; may be empty
+    std::filesystem::path rulesFile; // may be empty
+    std::filesystem::path outFile;
+};
+int DatabaseMakeCommand(const DATABASE_MAKE_OPTIONS& options);
+int DatabaseShowCommand(const std::filesystem::path& file);
+
+// Writes the image of every `.game` as the file that it was made of, arcade boards piece by piece. The games
+// stay. Names that are taken are treated as ConvertCommand does.
+struct EXTRACT_OPTIONS {
+    std::vector<std::filesystem::path> paths;
+    std::filesystem::path outFolder; // empty: the current one
+    bool interleaved = false;        // Mega Drive images as a copier stored them
+};
+int ExtractCommand(const EXTRACT_OPTIONS& options);
+
+// Copies every file into the folder of its machine in the library and converts it there; prints the games and,
+// as the last line, the counts. Exit code 1 also if nothing tells a file's machine.
+struct ADD_OPTIONS {
+    std::vector<std::filesystem::path> paths; // folders are walked
+    std::string machine;                      // short name; empty: as the files tell
+};
+int AddCommand(const ADD_OPTIONS& options);
+
+// Prints the games of the library, a line for each title: machine, title, year, regions, whether a database
+// knows it, and the file, separated by tabs. Nothing is converted.
+struct LIST_OPTIONS {
+    std::string machine; // short name; empty: all
+    std::string name;    // a part of the title, in any case; empty: all
+    bool json = false;   // an array with an object for each title instead
+};
+int ListCommand(const LIST_OPTIONS& options);
 
 // Sets the program's sample rate from the setting; reports one that is out of range.
 void ApplyAudioRate();

@@ -36,7 +36,11 @@ int ApplySetting(const std::string& text, OPENED_GAME& opened, std::string& erro
 bool OpenBios(const std::string& path, const MACHINE_FACTS* system, OPENED_GAME& opened,
               std::string& error) {
     std::string title;
-    opened.hasBios = OpenGame(path, system, opened.bios, title, error);
+    std::string note;
+    opened.hasBios = OpenGame(path, system, opened.bios, title, note, error);
+    if (!note.empty()) {
+        Complain(note);
+    }
     return opened.hasBios;
 }
 

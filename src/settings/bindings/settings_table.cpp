@@ -28,6 +28,7 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"app_managecpucores",       false }, // bind session threads to processors
     {L"gamebrowser_cursystem",    0     }, // last system in the browser
     {L"library_keepsources",      false }, // converted files move to a subfolder, not deleted
+    {L"library_owngames",         0     }, // the set of our own games that was put into the library
     {L"emu_fastforward",          2     }, // frames per round
     {L"emu_gameroomfilter",       false }, // smooth picture on the television
     {L"emu_rewindbuffer",         256   }, // mebibytes

@@ -3,8 +3,8 @@
 #include "base/files.h"
 #include "formats/sha256.h"
 #include "formats/zip.h"
+#include "front/tools/run_ombrelune.h"
 
-#include "support/run_program.h"
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,11 +18,6 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
-
-PROGRAM_RESULT Ombrelune(std::vector<std::string> arguments, const TemporaryFolder& home) {
-    arguments.insert(arguments.begin(), {"--home", home.Path().string()});
-    return RunProgram(OMBRELUNE_BUILD_FOLDER "/ombrelune", arguments);
-}
 
 std::vector<uint8_t> Image(size_t size) {
     std::vector<uint8_t> bytes(size);
@@ -58,6 +53,7 @@ TEST(CommandLine, WrongUsageIsExitCodeTwo) {
     EXPECT_EQ(Ombrelune({"nonsense"}, home).exitCode, 2);
     EXPECT_EQ(Ombrelune({"convert"}, home).exitCode, 2);
     EXPECT_EQ(Ombrelune({"play", "x.sms", "--machine", "toaster"}, home).exitCode, 2);
+    EXPECT_EQ(Ombrelune({"bench", "--screen", "--machine", "sms"}, home).exitCode, 2);
 }
 
 TEST(CommandLine, OptionsMayStandBeforeTheGameAndBeGivenOften) {

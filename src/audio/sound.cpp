@@ -291,6 +291,13 @@ void SoundSetTelevision(uint32_t sessionKey, float x, float y, float z) {
     }
 }
 
+void SoundReadBoosts() {
+    const std::lock_guard guard(EmuSoundMutex());
+    for (const OPEN_CHANNEL& open : Sound().channels) {
+        open.channel->ReadBoosts();
+    }
+}
+
 void SoundSetListener(const SOUND_LISTENER& listener) {
     const std::lock_guard guard(gListenerLock);
     gListener = listener;

@@ -52,6 +52,8 @@ void SoundSetRoomVisible(bool visible);
 // The final gain, 1.0 at start. NaN and infinities are ignored.
 void SoundSetVolume(float volume);
 [[nodiscard]] float SoundVolume();
+// The sessions' boosts become those of the settings now; a new session reads them itself.
+void SoundReadBoosts();
 
 // The place of the television of that session key, in room units. For the current session of the key
 // and later ones.

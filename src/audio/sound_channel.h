@@ -19,6 +19,8 @@ struct SoundChannel {
     // Reads the boosts from the settings. The mono ring plays first.
     explicit SoundChannel(uint32_t rate);
 
+    void ReadBoosts(); // from the settings
+
     // Clears both rings and rewinds them; the mono one plays.
     void Restart();
 

@@ -163,14 +163,20 @@ SoundChannel::SoundChannel(uint32_t rateValue)
     , mono(1, rateValue)
     , backlog(rateValue)
     , scratch(static_cast<size_t>(rateValue) * 2 * 2) {
-    const SettingsStore& settings = Settings();
     for (BandSplitter& filter : filters) {
         filter.SetCrossovers(rate, kBoostLowHz, kBoostHighHz);
+    }
+    ReadBoosts();
+    Restart();
+}
+
+void SoundChannel::ReadBoosts() {
+    const SettingsStore& settings = Settings();
+    for (BandSplitter& filter : filters) {
         filter.gains = {FiniteGain(settings.GetFloat(L"audio_boost_low")),
                         FiniteGain(settings.GetFloat(L"audio_boost_mid")),
                         FiniteGain(settings.GetFloat(L"audio_boost_high"))};
     }
-    Restart();
 }
 
 void SoundChannel::Restart() {

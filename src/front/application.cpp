@@ -268,14 +268,29 @@ ProgramScreen& Application::ShowProgram() {
     InstallOwnGames();
     auto program = std::make_unique<ProgramScreen>(
         ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight},
-        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }});
+        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings});
     ProgramScreen& shown = *program;
     Show(std::move(program));
     return shown;
 }
 
+// What is read where it is used, such as the room's filters, needs only another picture.
 void Application::TakeSettings() {
+    const bool followed = window.FollowsDisplay();
+    window.Take(WindowOptionsFromSettings());
+    if (window.FollowsDisplay() != followed) {
+        pacer.Start(window.FollowsDisplay(), Now());
+    }
+    SoundSetVolume(Settings().GetFloat(L"audio_volume"));
+    SoundReadBoosts();
     pacer.NoteNews();
+}
+
+void Application::SaveSettings() {
+    std::string error;
+    if (!SaveWithoutRunSettings(error)) {
+        PostReport(error);
+    }
 }
 
 RoomScreen& Application::ShowRoom(std::vector<OPENED_GAME> games) {

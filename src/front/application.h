@@ -96,6 +96,7 @@ private:
     // The steps of a round. Those that return a bool say whether the window must be drawn again.
     void NeedAppearance();
     void TakeSettings();
+    static void SaveSettings();
     void ChangeScreen();
     void HandInputOver();
     void RunCommands(const PUMP_EVENTS& events);

@@ -2,7 +2,9 @@
 
 #include "base/text.h"
 #include "front/event_pump.h"
+#include "front/joysticks.h"
 #include "front/notices.h"
+#include "front/opened_game.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
@@ -36,6 +38,7 @@ bool UsesMouse(const GUI_INPUT& event) {
 
 ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALLS programCalls)
     : calls(std::move(programCalls))
+    , joysticks(surroundings.joysticks)
     , room(surroundings, {},
            {[this](ModeOrder order) { Obey(order); },
             [this](const std::string& error) {
@@ -179,6 +182,29 @@ void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool ca
 void ProgramScreen::CoverClick(int button, int32_t x, int32_t y) {
     const double density = CGhostManager::Get().Density();
     room.Covers().CoverClick(button, static_cast<int32_t>(x * density), static_cast<int32_t>(y * density));
+}
+
+std::vector<SCREEN_JOYSTICK> ProgramScreen::Joysticks() const {
+    std::vector<SCREEN_JOYSTICK> present;
+    for (uint32_t number = 0; number < kJoystickPlaces; ++number) {
+        const JOYSTICK& joystick = joysticks.Places()[number];
+        if (joystick.present) {
+            present.push_back(
+                {number, WideFromUtf8(joystick.name), joystick.axes, joystick.buttons,
+                 joystick.hats,
+                 joystick.player == kNoPlayer ? -1 : static_cast<int32_t>(joystick.player)});
+        }
+    }
+    return present;
+}
+
+bool ProgramScreen::OpenBenchmarkGame(CGameFile& game) const {
+    OPENED_GAME opened;
+    if (!OpenDemo("sms-bench", opened)) {
+        return false;
+    }
+    game = std::move(opened.game);
+    return true;
 }
 
 uint64_t ProgramScreen::Milliseconds() const {

@@ -26,6 +26,7 @@
 struct PROGRAM_CALLS {
     std::function<void()> quit;
     std::function<void()> settingsChanged;
+    std::function<void()> saveSettings;
 };
 
 class ProgramScreen final : public Screen, private ScreenHost {
@@ -54,6 +55,9 @@ private:
     void CoverClick(int button, int32_t x, int32_t y) override;
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     void SettingsChanged() override { calls.settingsChanged(); }
+    void SaveSettings() override { calls.saveSettings(); }
+    [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override;
+    [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
     void ReadKeys(const SCREEN_INPUT& input);
@@ -64,6 +68,7 @@ private:
 
     PROGRAM_CALLS calls;
     DownloadQueue downloads; // outlives the screens, which queue requests
+    const class Joysticks& joysticks;
     RoomScreen room;
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;

@@ -45,24 +45,35 @@ bool ReadValue(SettingType type, const std::string& text, Value& value) {
     return false;
 }
 
-Value Read(const std::wstring& name, SettingType type) {
+Value Read(const SettingsStore& store, const std::wstring& name, SettingType type) {
     switch (type) {
-    case SettingType::kBool: return Settings().GetBool(name);
-    case SettingType::kFloat: return Settings().GetFloat(name);
-    case SettingType::kString: return Settings().GetString(name);
-    default: return Settings().GetInt(name);
+    case SettingType::kBool: return store.GetBool(name);
+    case SettingType::kFloat: return store.GetFloat(name);
+    case SettingType::kString: return store.GetString(name);
+    default: return store.GetInt(name);
     }
 }
 
-void Write(const std::wstring& name, const Value& value) {
+void Write(SettingsStore& store, const std::wstring& name, const Value& value) {
     if (const auto* number = std::get_if<int32_t>(&value)) {
-        Settings().SetInt(name, *number);
+        store.SetInt(name, *number);
     } else if (const auto* flag = std::get_if<bool>(&value)) {
-        Settings().SetBool(name, *flag);
+        store.SetBool(name, *flag);
     } else if (const auto* real = std::get_if<float>(&value)) {
-        Settings().SetFloat(name, *real);
+        store.SetFloat(name, *real);
     } else {
-        Settings().SetString(name, std::get<std::wstring>(value));
+        store.SetString(name, std::get<std::wstring>(value));
+    }
+}
+
+// Into a store with the program's settings, which may be the program's own.
+void WriteOldValues(SettingsStore& store) {
+    std::vector<OVERRIDE>& overrides = Overrides();
+    for (auto change = overrides.rbegin(); change != overrides.rend(); ++change) {
+        const Setting* const setting = store.Find(change->name);
+        if (setting != nullptr && Read(store, change->name, setting->type) == change->during) {
+            Write(store, change->name, change->before);
+        }
     }
 }
 
@@ -78,18 +89,27 @@ RunSetting SetForThisRun(const std::string& name, const std::string& value) {
     if (!ReadValue(type, value, during)) {
         return RunSetting::kNoValue;
     }
-    Overrides().push_back({setting->name, Read(setting->name, type), during});
-    Write(setting->name, during);
+    Overrides().push_back({setting->name, Read(Settings(), setting->name, type), during});
+    Write(Settings(), setting->name, during);
     return RunSetting::kSet;
 }
 
-void RestoreRunSettings() {
-    std::vector<OVERRIDE>& overrides = Overrides();
-    for (auto change = overrides.rbegin(); change != overrides.rend(); ++change) {
-        const Setting* const setting = Settings().Find(change->name);
-        if (setting != nullptr && Read(change->name, setting->type) == change->during) {
-            Write(change->name, change->before);
-        }
+bool SaveWithoutRunSettings(std::string& error) {
+    if (Overrides().empty()) {
+        return SaveSettingsFile(Settings(), error);
     }
-    overrides.clear();
+    // A copy, since running games read the settings all the time.
+    SettingsStore copy;
+    RegisterDefaultSettings(copy);
+    const std::vector<uint8_t> document = Settings().Save();
+    if (!copy.Load(document.data(), document.size(), error)) {
+        return false;
+    }
+    WriteOldValues(copy);
+    return SaveSettingsFile(copy, error);
+}
+
+void RestoreRunSettings() {
+    WriteOldValues(Settings());
+    Overrides().clear();
 }

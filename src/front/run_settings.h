@@ -11,5 +11,8 @@ enum class RunSetting { kSet, kUnknown, kNoValue };
 // Sets a setting from text, by its registered type, and remembers its old value.
 [[nodiscard]] RunSetting SetForThisRun(const std::string& name, const std::string& value);
 
+// Writes the settings file with the old values in place of those of this run, which stay in use. False with the reason.
+[[nodiscard]] bool SaveWithoutRunSettings(std::string& error);
+
 // Restores the old values, except of settings that have been changed again since.
 void RestoreRunSettings();

@@ -149,7 +149,7 @@ bool Window::RenewContext(std::string& error) {
         error = std::string("the graphics driver has stopped: ") + SDL_GetError();
         return false;
     }
-    followsDisplay = SDL_GL_SetSwapInterval(vsync ? 1 : 0) == 0 && vsync;
+    SetVsync(given.vsync);
     return true;
 }
 
@@ -179,9 +179,32 @@ bool Window::Open(const WINDOW_OPTIONS& options, const std::string& title,
     }
     SDL_SetWindowMinimumSize(window, kSmallestSize.width, kSmallestSize.height);
     SetIcon(window);
-    vsync = options.vsync;
-    followsDisplay = SDL_GL_SetSwapInterval(vsync ? 1 : 0) == 0 && vsync;
+    SetVsync(options.vsync);
+    given = options;
     return true;
+}
+
+void Window::SetVsync(bool on) {
+    followsDisplay = SDL_GL_SetSwapInterval(on ? 1 : 0) == 0 && on;
+}
+
+void Window::Take(const WINDOW_OPTIONS& options) {
+    const WINDOW_OPTIONS before = given;
+    given = options;
+    if (options.width != before.width || options.height != before.height) {
+        std::string message;
+        const WINDOW_SIZE size =
+            UsableWindowSize({options.width, options.height}, DisplaySize(), message);
+        // Of a window that fills the display this is the size to come back to.
+        SDL_SetWindowSize(window, size.width, size.height);
+        SDL_SetWindowPosition(window, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+    }
+    if (options.fullScreen != before.fullScreen) {
+        SDL_SetWindowFullscreen(window, options.fullScreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
+    }
+    if (options.vsync != before.vsync) {
+        SetVsync(options.vsync);
+    }
 }
 
 void Window::Close() {

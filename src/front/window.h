@@ -22,6 +22,8 @@ struct WINDOW_OPTIONS {
     int32_t height = 720;
     bool antialias = false; // eight samples a pixel
     bool vsync = true;
+
+    bool operator==(const WINDOW_OPTIONS&) const = default;
 };
 [[nodiscard]] WINDOW_OPTIONS WindowOptionsFromSettings();
 
@@ -43,6 +45,10 @@ public:
     [[nodiscard]] bool RenewContext(std::string& error);
     [[nodiscard]] bool IsOpen() const { return window != nullptr; }
 
+    // Full screen, size and vertical sync become those of the options where these differ from the last ones that the
+    // window was given; what the player has changed by hand meanwhile stays otherwise. Multisampling is that of Open.
+    void Take(const WINDOW_OPTIONS& options);
+
     void SetTitle(const std::string& title);
     void ToggleFullScreen();
     // A captured mouse has no cursor and does not leave the window; only its moves count.
@@ -61,14 +67,15 @@ public:
     [[nodiscard]] uint32_t PixelHeight() const;
 
 private:
+    void SetVsync(bool on);
     [[nodiscard]] bool Create(const WINDOW_OPTIONS& options, const std::string& title, int samples);
     [[nodiscard]] bool CreateContext();
 
     SDL_Window* window = nullptr;
     void* context = nullptr;
     unsigned (*resetStatus)() = nullptr; // null if the driver does not tell of resets
-    bool vsync = false;                  // wanted
     bool followsDisplay = false;
+    WINDOW_OPTIONS given; // the last options, of Open or Take
 };
 
 // A possible window size: if a side is below 1 or absurdly long, the default size; a side longer than

@@ -7,7 +7,9 @@
 #include "gui/multi_text.h"
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
+#include "screens/benchmark.h"
 #include "screens/credits.h"
+#include "screens/options.h"
 #include "screens/rom_browser.h"
 #include "screens/screen_host.h"
 #include "screens/taglines.h"
@@ -235,6 +237,8 @@ void CGUIBattleGround::ShowPanel(int32_t id, bool show) {
         return;
     }
     switch (id) {
+    case kPanelBenchmark: panel = std::make_unique<CGUIBenchmark>(battleMain->window, host); break;
+    case kPanelOptions: panel = std::make_unique<CGUIOptions>(battleMain->window, host); break;
     case kPanelCredits: panel = std::make_unique<CGUICredits>(battleMain->window); break;
     default: break;
     }

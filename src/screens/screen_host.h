@@ -23,6 +23,15 @@ struct GAME_TO_START {
 };
 
 class DownloadQueue;
+// A joystick or game controller in use.
+struct SCREEN_JOYSTICK {
+    uint32_t number; // from 0, as in the codes of its bindings
+    std::wstring name;
+    uint32_t axes;
+    uint32_t buttons;
+    uint32_t hats;
+    int32_t player; // from 0; -1: it acts only by bindings
+};
 
 class ScreenHost {
 public:
@@ -44,9 +53,18 @@ public:
     // Requests to the web service. Their callbacks run in the program's rounds.
     [[nodiscard]] virtual DownloadQueue& Downloads() = 0;
 
-    // A settings screen has changed values: those that take effect at once are read again.
+    // A settings screen has changed values: full screen, window size, vertical sync, filters, volume and boosts are
+    // read again and take effect. Every move of a volume slider calls it, so it must leave alone what has not changed.
     virtual void SettingsChanged() = 0;
+    // Writes the settings to their file. A failure is told to the player.
+    virtual void SaveSettings() = 0;
 
-    // Milliseconds of a steady clock.
+    // In the order of their numbers.
+    [[nodiscard]] virtual std::vector<SCREEN_JOYSTICK> Joysticks() const = 0;
+
+    // The Master System game that the benchmark runs, its image unpacked. False if it cannot be had.
+    [[nodiscard]] virtual bool OpenBenchmarkGame(CGameFile& game) const = 0;
+
+    // Milliseconds of a steady clock. Any thread.
     [[nodiscard]] virtual uint64_t Milliseconds() const = 0;
 };

@@ -92,6 +92,10 @@ void InputSetPollObserver(void (*observer)(std::wstring_view name));
 // a press shorter than a round is seen.
 [[nodiscard]] bool BindingIsDown(uint32_t code, bool useReleased);
 
+// Whether a code of the table is down, whatever modifiers are held; with `useReleased` as above. For the screen that
+// records a press.
+[[nodiscard]] bool InputCodeIsDown(uint32_t code, bool useReleased);
+
 // Text for screens, in upper case.
 [[nodiscard]] std::wstring BindingName(uint32_t code);
 

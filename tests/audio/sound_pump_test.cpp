@@ -163,6 +163,17 @@ TEST(SoundPump, StereoPathFiltersEachChannelApart) {
     EXPECT_EQ(SoundRig::Content(rig.channel->stereo, position, 600), expected);
 }
 
+TEST(SoundPump, TakesBoostsThatChangeWhileItPlays) {
+    SoundRig rig;
+    rig.MakeChannel();
+    for (const wchar_t* const boost : {L"audio_boost_low", L"audio_boost_mid", L"audio_boost_high"}) {
+        Settings().SetFloat(boost, 0.0f);
+    }
+    EXPECT_NE(Steady(rig, 1000, 1000).back(), 0); // not by themselves
+    rig.channel->ReadBoosts();
+    EXPECT_EQ(Steady(rig, 1000, 1000).back(), 0);
+}
+
 TEST(SoundPump, ClippingComesBeforeTheVolume) {
     SoundRig rig;
     Settings().SetFloat(L"audio_boost_low", 4.0f);

@@ -276,6 +276,44 @@ TEST_F(WindowTest, SettingsOfThisRunAreNotSaved) {
     EXPECT_TRUE(Settings().GetBool(L"app_720runonce")) << "set at the end of every run";
 }
 
+// As the options screen does while the program runs.
+TEST_F(WindowTest, SettingsThatAreSavedMeanwhileLeaveThoseOfThisRunInUse) {
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_EQ(SetForThisRun("audio_volume", "0.25"), RunSetting::kSet);
+    Settings().SetInt(L"emu_fastforward", 6);
+    std::string error;
+    ASSERT_TRUE(SaveWithoutRunSettings(error)) << error;
+    EXPECT_FLOAT_EQ(Settings().GetFloat(L"audio_volume"), 0.25f);
+    SettingsStore saved;
+    RegisterDefaultSettings(saved);
+    const std::vector<uint8_t> file = folder.Read("config.xml");
+    ASSERT_TRUE(saved.Load(file.data(), file.size()));
+    EXPECT_FLOAT_EQ(saved.GetFloat(L"audio_volume"), 1.0f);
+    EXPECT_EQ(saved.GetInt(L"emu_fastforward"), 6);
+}
+
+TEST_F(WindowTest, TakesChangedOptionsAndLeavesWhatThePlayerDid) {
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    auto& window = const_cast<Window&>(application.MainWindow());
+    WINDOW_OPTIONS options = WindowOptionsFromSettings();
+    SDL_SetWindowSize(SDL_GL_GetCurrentWindow(), 500, 400); // by its border
+    window.Take(options);
+    EXPECT_EQ(window.PixelWidth(), 500u);
+    options.width = 800;
+    options.height = 600;
+    window.Take(options);
+    EXPECT_EQ(window.PixelWidth(), 800u);
+    EXPECT_EQ(window.PixelHeight(), 600u);
+    options.fullScreen = true;
+    window.Take(options);
+    EXPECT_NE(SDL_GetWindowFlags(SDL_GL_GetCurrentWindow()) & SDL_WINDOW_FULLSCREEN_DESKTOP, 0u);
+    window.ToggleFullScreen(); // by its key
+    window.Take(options);
+    EXPECT_EQ(SDL_GetWindowFlags(SDL_GL_GetCurrentWindow()) & SDL_WINDOW_FULLSCREEN_DESKTOP, 0u);
+}
+
 TEST(WindowSize, IsKeptWherePossible) {
     const WINDOW_SIZE display{1920, 1080};
     const struct {

@@ -6,6 +6,7 @@
 #include "gui/button.h"
 #include "gui/font.h"
 #include "gui/manager.h"
+#include "gui/text_box.h"
 #include "gui/theme.h"
 #include "screens/screen_host.h"
 #include "web/download_queue.h"
@@ -13,6 +14,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -26,18 +30,29 @@ public:
         coverCount = covers.size();
         coverKind = kind;
     }
-    void CoverClick(int button, int32_t /*x*/, int32_t /*y*/) override { coverClicks.push_back(button); }
+    void CoverClick(int button, int32_t /*x*/, int32_t /*y*/) override {
+        coverClicks.push_back(button);
+    }
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     void SettingsChanged() override { ++settingsChanges; }
-    [[nodiscard]] uint64_t Milliseconds() const override { return now; }
+    void SaveSettings() override { ++saves; }
+    [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
+    [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override {
+        return openGame && openGame(game);
+    }
+    [[nodiscard]] uint64_t Milliseconds() const override { return now += step; }
 
     int settingsChanges = 0;
+    int saves = 0;
+    std::vector<SCREEN_JOYSTICK> joysticks;
+    std::function<bool(CGameFile&)> openGame; // null: there is no game for the benchmark
     std::vector<GAME_TO_START> started;
     std::vector<int> coverClicks; // buttons
     size_t coverCount = 0;
     int coverKind = -1;
     std::vector<ModeInput> taken; // in their order
-    uint64_t now = 1000;
+    mutable uint64_t now = 1000;
+    uint64_t step = 0; // milliseconds between two looks at the clock
     // What the service answers to an address; one that is not here cannot be reached.
     std::map<std::wstring, std::string> answers;
     DownloadQueue downloads{[this](const std::wstring& url, std::wstring& error, const std::atomic<uint32_t>*,
@@ -89,16 +104,50 @@ protected:
     }
     void Click(const CGhostButton* button) { Click(button->window); }
 
+    // At a place of the screen.
+    void MoveTo(int32_t x, int32_t y) {
+        Post([&](GUI_INPUT_RECORD& record) {
+            record.moved = true;
+            record.dx = x - Manager().CursorX();
+            record.dy = y - Manager().CursorY();
+        });
+    }
+    void PressMouse() {
+        Post([](GUI_INPUT_RECORD& record) {
+            record.buttonDown = true;
+            record.button = 1;
+        });
+        Post([](GUI_INPUT_RECORD& record) {
+            record.buttonUp = true;
+            record.button = 1;
+        });
+    }
+    void DoubleClickAt(int32_t x, int32_t y) {
+        now += 1000;
+        MoveTo(x, y);
+        PressMouse();
+        PressMouse();
+        now += 1000;
+        Tick();
+    }
+
     void PressKey(GHOSTGUIKey key) {
+        KeyDown(key);
+        KeyUp(key);
+        Tick();
+    }
+    void KeyDown(GHOSTGUIKey key, bool repeat = false) {
         Post([&](GUI_INPUT_RECORD& record) {
             record.keyDown = true;
             record.key = static_cast<int32_t>(key);
+            record.repeat = repeat;
         });
+    }
+    void KeyUp(GHOSTGUIKey key) {
         Post([&](GUI_INPUT_RECORD& record) {
             record.keyUp = true;
             record.key = static_cast<int32_t>(key);
         });
-        Tick();
     }
 
     HostRecord host;

@@ -7,6 +7,7 @@
 #include "front/tools/commands.h"
 #include "front/tools/play.h"
 #include "host/aligned_block.h"
+#include "host/benchmark.h"
 #include "host/frame_loop.h"
 #include "host/machine_list.h"
 #include "host/picture.h"
@@ -157,9 +158,29 @@ const DEMO* BenchGame(uint16_t system) {
     return found;
 }
 
+int BenchAsOnScreen() {
+    OPENED_GAME opened;
+    if (!OpenDemo("sms-bench", opened)) {
+        Complain("sms-bench: cannot be opened");
+        return kExitFailed;
+    }
+    const Clock::time_point start = Clock::now();
+    const uint32_t frames = RunBenchmark(&opened.game, [start] {
+        return static_cast<uint64_t>(
+            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count());
+    });
+    for (const std::string& line : BenchmarkReport(frames)) {
+        std::printf("%s\n", line.c_str());
+    }
+    return frames != 0 ? kExitDone : kExitFailed;
+}
+
 } // namespace
 
 int BenchCommand(const BENCH_OPTIONS& options) {
+    if (options.screen) {
+        return BenchAsOnScreen();
+    }
     std::vector<BENCH_RESULT> results;
     bool done = true;
     for (const MACHINE_FACTS& system : MachineFacts()) {

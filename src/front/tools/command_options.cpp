@@ -74,12 +74,19 @@ COMMAND AddBench(CLI::App& app) {
         app.add_subcommand("bench", "Measure how fast the machines run, unpaced, on one core");
     std::vector<std::string> machines = MachineNames();
     machines.emplace_back("all");
-    command->add_option("--machine", bench->machine, "One machine, or all")
-        ->check(CLI::IsMember(machines));
-    command->add_option("--seconds", bench->seconds, "How long to run each")
-        ->check(CLI::Range(0.01, 3600.0));
-    command->add_option("--json", bench->jsonFile, "Write the figures to a file")
-        ->type_name("FILE");
+    CLI::Option* const machine =
+        command->add_option("--machine", bench->machine, "One machine, or all")
+            ->check(CLI::IsMember(machines));
+    CLI::Option* const seconds =
+        command->add_option("--seconds", bench->seconds, "How long to run each")
+            ->check(CLI::Range(0.01, 3600.0));
+    CLI::Option* const json =
+        command->add_option("--json", bench->jsonFile, "Write the figures to a file")
+            ->type_name("FILE");
+    command
+        ->add_flag("--screen", bench->screen,
+                   "What the program's benchmark screen measures, in its words")
+        ->excludes(machine, seconds, json);
     return {command, [bench] { return BenchCommand(*bench); }};
 }
 

@@ -72,8 +72,10 @@ int ListCommand(const LIST_OPTIONS& options);
 // Sets the program's sample rate from the setting; reports one that is out of range.
 void ApplyAudioRate();
 
-// Runs machines unpaced on one core with our own games, and prints their speed.
+// Runs machines unpaced on one core with our own games, and prints their speed. With `screen` it does what the
+// program's benchmark screen does, and prints what that shows.
 struct BENCH_OPTIONS {
+    bool screen = false;
     std::string machine = "all";
     double seconds = 5.0;
     std::string jsonFile;

@@ -177,6 +177,11 @@ bool BindingIsDown(uint32_t code, bool useReleased) {
     return IsDown(*tInputState, code, useReleased, 0);
 }
 
+bool InputCodeIsDown(uint32_t code, bool useReleased) {
+    return code < kInputCodes &&
+           (IsSet(tInputState->down[code]) || (useReleased && IsSet(gReleased[code])));
+}
+
 std::wstring BindingName(uint32_t code) {
     if (code == 0) {
         return L"<undefined>";

@@ -54,6 +54,7 @@ TEST(CommandLine, WrongUsageIsExitCodeTwo) {
     EXPECT_EQ(Ombrelune({"nonsense"}, home).exitCode, 2);
     EXPECT_EQ(Ombrelune({"convert"}, home).exitCode, 2);
     EXPECT_EQ(Ombrelune({"play", "x.sms", "--machine", "toaster"}, home).exitCode, 2);
+    EXPECT_EQ(Ombrelune({"bench", "--screen", "--machine", "sms"}, home).exitCode, 2);
 }
 
 TEST(CommandLine, OptionsMayStandBeforeTheGameAndBeGivenOften) {

@@ -1,0 +1,132 @@
+#include "screens/binding_prompt.h"
+
+#include "gui/manager.h"
+#include "gui/text_box.h"
+#include "gui/window_ex.h"
+
+#include <utility>
+
+namespace {
+
+constexpr uint64_t kSecond = 1000000; // microseconds
+constexpr uint64_t kPatience = 10;    // seconds
+
+// Units.
+constexpr int32_t kBoxWidth = 560;
+constexpr int32_t kBoxHeight = 170;
+
+} // namespace
+
+BindingPrompt::BindingPrompt(const std::wstring& what, const std::wstring& before,
+                             bool forProgramAction, Done whenDone)
+    : capture(forProgramAction)
+    , done(std::move(whenDone))
+    , binding(before) {
+    CGhostManager& manager = CGhostManager::Get();
+    screen = manager.ScreenRect();
+    dimmed = new CGhostWindowEx(nullptr, 0, L"MESSAGEBOXBG", {}, CGhostWindowEx::kNoSignals,
+                                {false, 0, 0, screen.width, screen.height});
+    window = dimmed->window;
+    dimmed->next = this;
+    box = new CGhostWindowEx(window, 0, L"MESSAGEBOX", L"Set Input",
+                             CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
+                                 CGhostWindowEx::kNoButtons,
+                             {false, 0, 0, kBoxWidth, kBoxHeight});
+    title = new CGhostTextBox(box->window, 0, L"SECTIONTEXT", what, {});
+    wanted = new CGhostTextBox(box->window, 0, L"SECTIONTEXT",
+                               L"Press a key, a button or a direction", {});
+    keeps = new CGhostTextBox(box->window, 0, L"TEXT_CENTER", {}, {});
+    for (GHOSTMANAGER_WINDOW* const part :
+         {box->window, title->window, wanted->window, keeps->window}) {
+        manager.SetPart(part);
+    }
+    box->OnDown.connect([this](CGhostWindowEx*, int, int, unsigned) { End(std::nullopt); });
+    for (CGhostTextBox* const text : {title, wanted, keeps}) {
+        text->OnDown.connect([this](CGhostTextBox*, int, int, unsigned) { End(std::nullopt); });
+    }
+    Place();
+    ShowSecondsLeft();
+    manager.TakeInput(window);
+}
+
+BindingPrompt::~BindingPrompt() {
+    End(std::nullopt);
+}
+
+void BindingPrompt::Place() {
+    box->SetPos((screen.width - kBoxWidth) / 2, (screen.height - kBoxHeight) / 2, kBoxWidth,
+                kBoxHeight);
+    GUI_RECT client;
+    CGhostManager::Get().GetWindowRects(box->window, nullptr, &client, nullptr);
+    title->SetPos(0, 8, client.width, 25);
+    wanted->SetPos(0, 40, client.width, 25);
+    keeps->SetPos(0, 76, client.width, 20);
+}
+
+void BindingPrompt::ShowSecondsLeft() {
+    const uint64_t left = kPatience - waited / kSecond;
+    if (left == secondsLeft) {
+        return;
+    }
+    secondsLeft = left;
+    keeps->SetText(L"Escape, a click or " + std::to_wstring(left) +
+                   (left == 1 ? L" second" : L" seconds") + L" without an input keep " + binding);
+}
+
+void BindingPrompt::Look() {
+    if (CGhostManager::Get().ModalWindow() == window) {
+        Take(capture.LookAtJoysticks());
+    }
+}
+
+void BindingPrompt::Abandon() {
+    done = nullptr;
+    End(std::nullopt);
+}
+
+void BindingPrompt::OnTick(unsigned microseconds) {
+    if (const GUI_RECT now = CGhostManager::Get().ScreenRect(); now != screen) {
+        screen = now;
+        SetPos(0, 0, screen.width, screen.height);
+        Place();
+    }
+    waited += microseconds;
+    if (waited >= kPatience * kSecond) {
+        End(std::nullopt);
+        return;
+    }
+    ShowSecondsLeft();
+}
+
+void BindingPrompt::OnKeyDown(GHOSTGUIKey key) {
+    if (key == GHOSTGUIKey::kEscape) {
+        End(std::nullopt);
+    } else {
+        Take(capture.KeyDown(static_cast<uint32_t>(key)));
+    }
+}
+
+void BindingPrompt::OnKeyUp(GHOSTGUIKey key) {
+    Take(capture.KeyUp(static_cast<uint32_t>(key)));
+}
+
+void BindingPrompt::OnMouseDown(int /*x*/, int /*y*/, unsigned /*button*/) {
+    End(std::nullopt);
+}
+
+void BindingPrompt::Take(std::optional<uint32_t> input) {
+    if (input) {
+        End(input);
+    }
+}
+
+void BindingPrompt::End(std::optional<uint32_t> result) {
+    if (ended) {
+        return;
+    }
+    ended = true;
+    if (done) {
+        done(result);
+    }
+    Close();
+}

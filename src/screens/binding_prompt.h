@@ -1,0 +1,61 @@
+// BindingPrompt: the box that waits for the next input of a device. All behind it is dimmed and takes no input.
+//
+// Escape, a click or ten seconds without an input end it with nothing: a controller has no key that could not be
+// the one that is wanted.
+// Styles: those of a message box.
+// Lifetime: it ends itself after `done`, which is called once and may be null. Abandon ends it without the call.
+#pragma once
+
+#include "gui/control.h"
+#include "screens/binding_capture.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+class CGhostTextBox;
+class CGhostWindowEx;
+
+class BindingPrompt : public CGhostGUIHandlerEx {
+public:
+    using Done = std::function<void(std::optional<uint32_t> binding)>;
+
+    // `what` names the action and its input, `before` its binding.
+    BindingPrompt(const std::wstring& what, const std::wstring& before, bool forProgramAction,
+                  Done done);
+
+    void Look(); // at the joysticks, once a round
+    void Abandon();
+
+    void Destroy() override { delete this; }
+    void OnTick(unsigned microseconds) override;
+    void OnKeyDown(GHOSTGUIKey key) override;
+    void OnKeyUp(GHOSTGUIKey key) override;
+    void OnMouseDown(int x, int y, unsigned button) override;
+    // A controller's buttons are inputs here like any other.
+    bool OnNavigate(GUI_DIRECTION /*direction*/) override { return true; }
+    bool OnActivateKey() override { return true; }
+    bool OnCancelKey() override { return true; }
+
+protected:
+    ~BindingPrompt() override;
+
+private:
+    void Place();
+    void ShowSecondsLeft();
+    void Take(std::optional<uint32_t> binding);
+    void End(std::optional<uint32_t> binding);
+
+    BindingCapture capture;
+    Done done;
+    CGhostWindowEx* dimmed; // whose chain this is the second of
+    CGhostWindowEx* box;
+    CGhostTextBox* title;
+    CGhostTextBox* wanted;
+    CGhostTextBox* keeps;
+    GUI_RECT screen; // that it was placed for
+    std::wstring binding;
+    uint64_t waited = 0;      // microseconds
+    uint64_t secondsLeft = 0; // as they are shown
+    bool ended = false;
+};

@@ -1,0 +1,205 @@
+#include "screens/option_rows.h"
+
+#include "settings/settings.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr OPTION_CHOICE kEnabledDisabled[] = {
+    {L"Enabled",  1},
+    {L"Disabled", 0},
+};
+constexpr OPTION_CHOICE kVideoStarts[] = {
+    {L"3D TV",      0},
+    {L"Fullscreen", 1},
+};
+constexpr OPTION_CHOICE kCoreManagers[] = {
+    {L"System",    0},
+    {L"Ombrelune", 1},
+};
+constexpr OPTION_CHOICE kScreenshots[] = {
+    {L"Content",           0},
+    {L"Content & Borders", 1},
+};
+constexpr OPTION_CHOICE kSpeeds[] = {
+    {L"2x",  2 },
+    {L"3x",  3 },
+    {L"4x",  4 },
+    {L"6x",  6 },
+    {L"8x",  8 },
+    {L"10x", 10},
+};
+constexpr OPTION_CHOICE kRewindBuffers[] = {
+    {L"128MB",  128 },
+    {L"256MB",  256 },
+    {L"512MB",  512 },
+    {L"768MB",  768 },
+    {L"1024MB", 1024},
+};
+constexpr OPTION_CHOICE kWindowSizes[] = {
+    {L"1280x720 (16:9)",  1280, 720},
+    {L"1280x960 (4:3)",   1280, 960},
+    {L"1366x768 (16:9)",  1366, 768},
+    {L"1440x900 (16:10)", 1440, 900},
+};
+constexpr OPTION_CHOICE kLighting[] = {
+    {L"High", 1},
+    {L"Low",  0},
+};
+constexpr OPTION_CHOICE kSampleRates[] = {
+    {L"22050",  22050 },
+    {L"44100",  44100 },
+    {L"48000",  48000 },
+    {L"96000",  96000 },
+    {L"192000", 192000},
+};
+constexpr OPTION_CHOICE kSoundQualities[] = {
+    {L"Good",       0},
+    {L"Very Good",  1},
+    {L"Holy Shit!", 2},
+};
+
+constexpr OPTION_SLIDER kNoSlider{nullptr, 0.0f, 0.0f};
+constexpr OPTION_SLIDER kVolume{L"PROGRESSBAR_VOLUME", 0.0f, 1.0f};
+constexpr OPTION_SLIDER kBoost{L"PROGRESSBAR", 0.0f, 2.0f};
+
+constexpr OPTION_ROW Switch(OptionTab tab, const wchar_t* label, const wchar_t* setting,
+                            std::span<const OPTION_CHOICE> choices, OptionEffect effect,
+                            const wchar_t* help) {
+    return {tab,     label, OptionKind::kSwitch, setting, nullptr,
+            choices, L"",   kNoSlider,           effect,  help};
+}
+
+constexpr OPTION_ROW Number(OptionTab tab, const wchar_t* label, const wchar_t* setting,
+                            std::span<const OPTION_CHOICE> choices, const wchar_t* unit,
+                            OptionEffect effect, const wchar_t* help) {
+    return {tab,     label, OptionKind::kNumber, setting, nullptr,
+            choices, unit,  kNoSlider,           effect,  help};
+}
+
+constexpr OPTION_ROW Slider(const wchar_t* label, const wchar_t* setting,
+                            const OPTION_SLIDER& slider, const wchar_t* help) {
+    return {OptionTab::kSound,     label, OptionKind::kSlider, setting, nullptr, {}, L"", slider,
+            OptionEffect::kAtOnce, help};
+}
+
+using enum OptionTab;
+using enum OptionEffect;
+
+constexpr OPTION_ROW kRows[] = {
+    Switch(kGeneral, L"Start Emulated Video:", L"emu_startfullscreen", kVideoStarts, kAtOnce,
+           L"Whether a game begins on the television in the room or fills the whole window."),
+    Switch(kGeneral, L"Manage CPU Cores:", L"app_managecpucores", kCoreManagers, kRestart,
+           L"Who spreads running games over the processor's cores: your system, or Ombrelune, "
+           L"which gives each game a core of its own."),
+    Switch(kGeneral, L"Screenshots:", L"app_screenshotfull", kScreenshots, kAtOnce,
+           L"Whether a screenshot shows only the game's picture or also the border that a "
+           L"television hides."),
+    Number(kGeneral, L"Fast Forward:", L"emu_fastforward", kSpeeds, L"x", kNextGame,
+           L"How many times faster a game runs while you hold the key of Fast Forward."),
+    Number(kGeneral, L"Rewind Buffer:", L"emu_rewindbuffer", kRewindBuffers, L"MB", kAtOnce,
+           L"The memory that each running game may use to remember its past: more of it lets you "
+           L"rewind further."),
+
+    Switch(kGraphics, L"Fullscreen:", L"app_fullscreen", kEnabledDisabled, kAtOnce,
+           L"Whether Ombrelune fills the whole display or runs in a window."),
+    {kGraphics, L"Windowed Dimensions:", OptionKind::kWindowSize, L"app_window_width",
+       L"app_window_height", kWindowSizes, L"", kNoSlider, kAtOnce,
+       L"The size of the window in pixels while it does not fill the display."},
+    Switch(kGraphics, L"Lighting Quality:", L"app_lighting", kLighting, kAtOnce,
+           L"High lights the room with its lamp and its screens; Low shows everything equally "
+           L"bright, which suits slow graphics cards."),
+    Switch(kGraphics, L"Anti Aliasing:", L"app_antialias", kEnabledDisabled, kRestart,
+           L"Smooths the edges of the furniture in the room, at some cost to the graphics card."),
+    Switch(kGraphics, L"Anisotropic Filtering:", L"app_anisotropicfiltering", kEnabledDisabled,
+           kAtOnce, L"Keeps floor and walls sharp where you see them at a flat angle."),
+    Switch(kGraphics, L"VSYNC:", L"app_vsync", kEnabledDisabled, kAtOnce,
+           L"Waits for the display before each picture, so that moving pictures do not tear."),
+    Switch(kGraphics, L"Emulator 3D Filter:", L"emu_gameroomfilter", kEnabledDisabled, kAtOnce,
+           L"Smooths the pictures of televisions that are far away in the room."),
+
+    Number(kSound, L"Sample Rate:", L"audio_app_samplerate", kSampleRates, L"", kRestart,
+           L"How many samples of sound go to your sound card each second; most cards run at "
+           L"48000."),
+    Number(kSound, L"Sound Quality:", L"audio_app_quality", kSoundQualities, L"", kNextGame,
+           L"How carefully the sound chips' output is brought to the sample rate: better quality "
+           L"takes more of the processor."),
+    Switch(kSound, L"Cut Off Filter:", L"emu_audiocutoff_enabled", kEnabledDisabled, kNextGame,
+           L"Takes away the highest tones, as the loudspeaker of a television of the time did."),
+    Slider(L"Volume:", L"audio_volume", kVolume, L"How loud everything is, in percent."),
+    Slider(L"Bass Boost:", L"audio_boost_low", kBoost,
+           L"How strong the low tones are, in percent of what the machine makes."),
+    Slider(L"Mid Boost:", L"audio_boost_mid", kBoost,
+           L"How strong the middle tones are, in percent of what the machine makes."),
+    Slider(L"High Boost:", L"audio_boost_high", kBoost,
+           L"How strong the high tones are, in percent of what the machine makes."),
+};
+
+struct STORED {
+    int32_t value;
+    int32_t second;
+    bool operator==(const STORED&) const = default;
+};
+
+STORED Stored(const OPTION_ROW& row) {
+    const SettingsStore& settings = Settings();
+    switch (row.kind) {
+    case OptionKind::kSwitch: return {settings.GetBool(row.setting) ? 1 : 0, 0};
+    case OptionKind::kWindowSize:
+        return {settings.GetInt(row.setting), settings.GetInt(row.secondSetting)};
+    default: return {settings.GetInt(row.setting), 0};
+    }
+}
+
+} // namespace
+
+std::span<const OPTION_ROW> OptionRows() {
+    return kRows;
+}
+
+int32_t StoredChoice(const OPTION_ROW& row) {
+    const STORED stored = Stored(row);
+    const auto found =
+        std::find_if(row.choices.begin(), row.choices.end(), [&](const OPTION_CHOICE& choice) {
+            return STORED{choice.value, choice.second} == stored;
+        });
+    return found == row.choices.end() ? -1 : static_cast<int32_t>(found - row.choices.begin());
+}
+
+std::wstring StoredText(const OPTION_ROW& row) {
+    if (const int32_t choice = StoredChoice(row); choice >= 0) {
+        return row.choices[static_cast<size_t>(choice)].text;
+    }
+    const auto [value, second] = Stored(row);
+    return row.kind == OptionKind::kWindowSize
+               ? std::to_wstring(value) + L"x" + std::to_wstring(second)
+               : std::to_wstring(value) + row.unit;
+}
+
+bool StoreChoice(const OPTION_ROW& row, int32_t choice) {
+    if (choice < 0 || static_cast<size_t>(choice) >= row.choices.size() ||
+        choice == StoredChoice(row)) {
+        return false;
+    }
+    const OPTION_CHOICE& chosen = row.choices[static_cast<size_t>(choice)];
+    SettingsStore& settings = Settings();
+    switch (row.kind) {
+    case OptionKind::kSwitch: settings.SetBool(row.setting, chosen.value != 0); break;
+    case OptionKind::kWindowSize:
+        settings.SetInt(row.setting, chosen.value);
+        settings.SetInt(row.secondSetting, chosen.second);
+        break;
+    default: settings.SetInt(row.setting, chosen.value); break;
+    }
+    return true;
+}
+
+float StoredSlider(const OPTION_ROW& row) {
+    const float stored = Settings().GetFloat(row.setting);
+    return std::clamp((stored - row.slider.minimum) / row.slider.range, 0.0f, 1.0f);
+}
+
+void StoreSlider(const OPTION_ROW& row, float value) {
+    Settings().SetFloat(row.setting, value * row.slider.range + row.slider.minimum);
+}

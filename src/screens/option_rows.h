@@ -1,0 +1,61 @@
+// What the options screen shows: a row for each setting, with its values, its help, and when a change takes effect.
+//
+// A stored value that is none of a row's choices stays as it is until the player chooses another one.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+enum class OptionTab : uint8_t { kGeneral, kGraphics, kSound, kInput };
+inline constexpr size_t kOptionTabs = 4;
+
+enum class OptionKind : uint8_t {
+    kSwitch,     // a bool setting
+    kNumber,     // an int setting
+    kWindowSize, // two int settings: width and height
+    kSlider      // a float setting
+};
+
+// From when on a change acts, beside at once.
+enum class OptionEffect : uint8_t { kAtOnce, kNextGame, kRestart };
+
+struct OPTION_CHOICE {
+    const wchar_t* text;
+    int32_t value;      // 0 or 1 for a switch; a width in pixels
+    int32_t second = 0; // a height in pixels
+};
+
+// The setting is `value * range + minimum`, the value being 0 to 1. The slider shows it in percent.
+struct OPTION_SLIDER {
+    const wchar_t* style;
+    float minimum;
+    float range;
+};
+
+struct OPTION_ROW {
+    OptionTab tab;
+    const wchar_t* label;
+    OptionKind kind;
+    const wchar_t* setting;
+    const wchar_t* secondSetting; // of a window's size; null: none
+    std::span<const OPTION_CHOICE> choices;
+    const wchar_t* unit; // after a stored number that is no choice
+    OPTION_SLIDER slider;
+    OptionEffect effect;
+    const wchar_t* help; // one sentence
+};
+
+// In the order of the screen, tab after tab.
+[[nodiscard]] std::span<const OPTION_ROW> OptionRows();
+
+// The index of the row's choice that the settings hold; -1 if it is none of them.
+[[nodiscard]] int32_t StoredChoice(const OPTION_ROW& row);
+// The stored value as a text: that of its choice, or the number itself.
+[[nodiscard]] std::wstring StoredText(const OPTION_ROW& row);
+// True when a setting has changed by it.
+bool StoreChoice(const OPTION_ROW& row, int32_t choice);
+
+// The slider's value, 0 to 1, for what the settings hold.
+[[nodiscard]] float StoredSlider(const OPTION_ROW& row);
+void StoreSlider(const OPTION_ROW& row, float value);

@@ -3,6 +3,7 @@
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -126,6 +127,21 @@ TEST(Files, ReplacingKeepsPermissionsAndALink) {
     EXPECT_TRUE(fs::is_symlink(folder.Path() / "link"));
     EXPECT_EQ(folder.Read("real"), Bytes("new"));
     EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(Files, APrivateFileIsReadableByItsOwnerAloneWhateverItReplaces) {
+    const TemporaryFolder folder;
+    const fs::path path = folder.Write("key", std::string_view("old"));
+    const fs::perms ownersAlone = fs::perms::owner_read | fs::perms::owner_write;
+    fs::permissions(path, fs::perms::all);
+    std::string error;
+    ASSERT_TRUE(WriteFile(path, Bytes("new"), error, WriteMode::kPrivate)) << error;
+    EXPECT_EQ(fs::status(path).permissions(), ownersAlone);
+    EXPECT_EQ(folder.Read("key"), Bytes("new"));
+    const mode_t before = umask(0); // which takes nothing from a new file
+    EXPECT_TRUE(WriteFile(folder.Path() / "other", Bytes("new"), error, WriteMode::kPrivate));
+    umask(before);
+    EXPECT_EQ(fs::status(folder.Path() / "other").permissions(), ownersAlone);
 }
 
 TEST(Files, ATemporaryLeftBehindIsNotInTheWay) {

@@ -52,6 +52,8 @@ constexpr ROW kRows[] = {
     {kFloat,  L"audio_boost_low",          1.25 },
     {kFloat,  L"audio_boost_mid",          1.0  },
     {kFloat,  L"audio_boost_high",         1.0  },
+    {kString, L"web_service",              0    },
+    {kString, L"web_images",               0    },
 };
 
 struct ACTION {

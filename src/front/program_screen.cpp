@@ -181,7 +181,8 @@ void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool ca
 
 void ProgramScreen::CoverClick(int button, int32_t x, int32_t y) {
     const double density = CGhostManager::Get().Density();
-    room.Covers().CoverClick(button, static_cast<int32_t>(x * density), static_cast<int32_t>(y * density));
+    room.Covers().CoverClick(button, static_cast<int32_t>(x * density),
+                             static_cast<int32_t>(y * density));
 }
 
 std::vector<SCREEN_JOYSTICK> ProgramScreen::Joysticks() const {

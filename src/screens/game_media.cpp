@@ -26,7 +26,8 @@ bool Decode(std::span<const uint8_t> file, MEDIA_PICTURE& picture) {
     if (image.width == 0) {
         return false;
     }
-    const bool shot = image.width == kMediaScreenshotWidth && image.height == kMediaScreenshotHeight;
+    const bool shot =
+        image.width == kMediaScreenshotWidth && image.height == kMediaScreenshotHeight;
     picture.width = image.width;
     picture.height = image.height;
     picture.coverKind = shot ? kNoBoxArt : 0;
@@ -57,7 +58,8 @@ GAME_MEDIA ReadGameMedia(std::string_view systemFolder, std::wstring_view conten
     GAME_MEDIA media;
     std::vector<uint8_t> bytes;
     std::string error;
-    if (!contentKey.empty() && ReadFile(MediaArchivePath(systemFolder, contentKey), bytes, error, kLargestMedia)) {
+    if (!contentKey.empty() &&
+        ReadFile(MediaArchivePath(systemFolder, contentKey), bytes, error, kLargestMedia)) {
         media.archive = true;
         media.texts = TextsOf(bytes);
         LOCAL_MEDIA pictures = ReadLocalMedia(bytes, Decode);

@@ -25,4 +25,3 @@ inline constexpr int32_t kShotHeight = 150;
 
 // Without an archive, or without covers in it, the folder's `media/default.jpg` is the only cover.
 [[nodiscard]] GAME_MEDIA ReadGameMedia(std::string_view systemFolder, std::wstring_view contentKey);
-

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "library/catalogue.h"
+#include "library/library_index.h"
 #include "screens/browser_filters.h"
 #include "screens/content_area.h"
 #include "screens/game_options.h"
@@ -93,11 +94,12 @@ private:
     std::unique_ptr<CGameOptions> options;
     ScanWindow scan;
     bool active = false;
-    bool scanned = false;    // the first scan has begun
+    bool scanned = false;      // the first scan has begun
     bool applyFilters = false; // with the next Update
     const GameListRow* chosen = nullptr;
     bool hasMedia = false;   // the chosen game has an archive of pictures
     bool localTexts = false; // and texts in it
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
-    Catalogue catalogue;     // last: its worker calls the panel
+    LibraryIndex index;
+    Catalogue catalogue; // last: its worker calls the panel
 };

@@ -1,5 +1,4 @@
 #include "front/gui_pad.h"
-
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "settings/bindings.h"

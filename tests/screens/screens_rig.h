@@ -55,8 +55,9 @@ public:
     uint64_t step = 0; // milliseconds between two looks at the clock
     // What the service answers to an address; one that is not here cannot be reached.
     std::map<std::wstring, std::string> answers;
-    DownloadQueue downloads{[this](const std::wstring& url, std::wstring& error, const std::atomic<uint32_t>*,
-                                   std::unique_ptr<uint8_t[]>& data, uint32_t& size, const std::atomic<bool>&) {
+    DownloadQueue downloads{[this](const std::wstring& url, std::wstring& error,
+                                   const std::atomic<uint32_t>*, std::unique_ptr<uint8_t[]>& data,
+                                   uint32_t& size, const std::atomic<bool>&) {
         const auto found = answers.find(url);
         if (found == answers.end()) {
             error = L"Invalid response code";

@@ -15,6 +15,7 @@
 #include "front/screen.h"
 
 #include <cstdint>
+#include <functional>
 
 struct GUI_INPUT;
 struct PUMP_EVENTS;
@@ -29,7 +30,9 @@ public:
     GuiOverlay(const GuiOverlay&) = delete;
     GuiOverlay& operator=(const GuiOverlay&) = delete;
 
-    void Start(const DRAW_TARGET& target);
+    // `drawScene` draws what goes with a window of kWindowBackgroundPass, in any projection.
+    using SceneDrawing = std::function<void(const WINDOW_PLACE& place)>;
+    void Start(const DRAW_TARGET& target, SceneDrawing drawScene = {});
     void End();
 
     // The input of a round, then the tick. True when the windows look different from now on.
@@ -43,8 +46,11 @@ public:
     [[nodiscard]] uint64_t Uploads() const { return textures.Uploads(); }
 
 private:
+    void DrawScene(uint32_t id, const WINDOW_PLACE& place);
+
     WindowTextures textures;
     GuiCursors cursors;
+    SceneDrawing scene;
     DRAW_TARGET size{0, 0}; // that the toolkit was told
     int64_t lastTick = 0;   // microseconds of the host's clock
     bool started = false;

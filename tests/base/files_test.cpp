@@ -156,6 +156,16 @@ TEST(Files, ATemporaryLeftBehindIsNotInTheWay) {
     EXPECT_EQ(folder.Read("f"), Bytes("new"));
 }
 
+TEST(Files, ANameOfTheGreatestLengthIsWritten) {
+    const TemporaryFolder folder;
+    std::string error;
+    const std::string name(255, 'n');
+    EXPECT_TRUE(WriteFile(folder.Path() / name, std::vector<uint8_t>{1, 2}, error)) << error;
+    EXPECT_EQ(folder.Read(name), (std::vector<uint8_t>{1, 2}));
+    EXPECT_FALSE(WriteFile(folder.Path() / (name + "n"), std::vector<uint8_t>{1}, error));
+    EXPECT_NE(error.find("File name too long"), std::string::npos) << error;
+}
+
 TEST(Files, ReadingWhatIsNotThereNamesIt) {
     const TemporaryFolder folder;
     std::string error;

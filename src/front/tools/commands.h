@@ -94,6 +94,11 @@ struct ROOM_OPTIONS {
     double benchSeconds = 0.0;         // 0: until the window is closed
     std::vector<float> view;           // six numbers: where the player stands, and at what he looks
     bool dark = false;                 // the ceiling light is off
+    bool noHints = false;              // without the line that says what one can do
+    std::vector<std::filesystem::path>
+        covers;           // images of game boxes, shown over the room; at most six
+    bool cabinet = false; // an arcade cabinet beside them
+    size_t turned = 0;    // so many of the boxes show their backs
     std::filesystem::path
         screenshot; // of the window once all sets have a picture; then the program ends
 };

@@ -13,10 +13,14 @@ bool IsFolder(const ZIP_ENTRY& entry) {
     return entry.unpackedSize == 0 && entry.rawName.ends_with('/');
 }
 
-bool IsPicture(std::span<const uint8_t> file, const ReadPictureSize& readSize) {
+// The picture's pixels; 0 if the bytes are no picture, or one that is too long.
+uint64_t PixelsOf(std::span<const uint8_t> file, const ReadPictureSize& readSize) {
     PICTURE_SIZE size;
-    return readSize(file, size) && size.width > 0 && size.height > 0 &&
-           size.width <= kLongestPictureSide && size.height <= kLongestPictureSide;
+    if (!readSize(file, size) || size.width > kLongestPictureSide ||
+        size.height > kLongestPictureSide) {
+        return 0;
+    }
+    return uint64_t{size.width} * size.height;
 }
 
 // The sizes that the archive states, before anything is unpacked.
@@ -58,7 +62,7 @@ bool CheckMediaArchive(std::span<const uint8_t> archive, const ReadPictureSize& 
     if (!CheckStatedSizes(zip, error)) {
         return false;
     }
-    uint32_t pictures = 0;
+    uint64_t allPixels = 0;
     for (uint32_t i = 0; i < zip.EntryCount(); ++i) {
         ZIP_ENTRY entry;
         if (zip.Entry(i, entry) && IsFolder(entry)) {
@@ -69,13 +73,18 @@ bool CheckMediaArchive(std::span<const uint8_t> archive, const ReadPictureSize& 
             error = "entry " + std::to_string(i + 1) + " of the media archive is damaged";
             return false;
         }
-        if (!IsPicture(file, readSize)) {
+        const uint64_t pixels = PixelsOf(file, readSize);
+        if (pixels == 0) {
             error = "entry " + std::to_string(i + 1) + " of the media archive is no picture";
             return false;
         }
-        ++pictures;
+        allPixels += pixels;
+        if (allPixels > kMostMediaPixels) {
+            error = "the pictures of the media archive are too large";
+            return false;
+        }
     }
-    if (pictures == 0) {
+    if (allPixels == 0) {
         error = "the media archive has no pictures";
         return false;
     }

@@ -19,6 +19,7 @@ inline constexpr uint32_t kMostMediaEntries = 64;
 inline constexpr uint64_t kLargestMediaEntry = uint64_t{16} << 20; // bytes, unpacked
 inline constexpr uint64_t kLargestMedia = uint64_t{48} << 20;      // all entries, unpacked
 inline constexpr uint32_t kLongestPictureSide = 4096;
+inline constexpr uint64_t kMostMediaPixels = uint64_t{32} << 20; // all pictures
 inline constexpr size_t kMostBoxArt = 6;
 inline constexpr size_t kMostMediaScreenshots = 5;
 inline constexpr uint32_t kMediaScreenshotWidth = 200;

@@ -19,7 +19,7 @@ bool IsName(std::string_view name) {
                         [](char c) { return (c >= 0 && c < ' ') || c == 0x7F; });
 }
 
-// Letters, digits and the marks of base64, so that it fits an address as it is.
+// Visible characters of ASCII, and not too many for an address.
 bool IsToken(std::wstring_view token) {
     return !token.empty() && token.size() <= kLongestToken &&
            std::all_of(token.begin(), token.end(), [](wchar_t c) { return c > L' ' && c < 0x7F; });

@@ -119,6 +119,13 @@ TEST(MediaArchive, HasPicturesAlone) {
     }
 }
 
+TEST(MediaArchive, HasAsManyPixelsAsItMayAndNoMore) {
+    const std::vector<Bytes> two(2, Picture(4096, 4096)); // twice 16 million
+    EXPECT_EQ(Fault(Zip(two)), "");
+    EXPECT_EQ(Fault(Zip({two[0], two[1], Picture(1, 1)})),
+              "the pictures of the media archive are too large");
+}
+
 TEST(MediaArchive, HasAsManyEntriesAsItMayAndNoMore) {
     std::vector<Bytes> pictures(kMostMediaEntries, Picture(200, 150));
     EXPECT_EQ(Fault(Zip(pictures)), "");

@@ -160,8 +160,8 @@ CATALOGUE_HOOKS CGUIRomBrowser::Hooks() {
         }
     };
     std::string error; // without an index every file is read
-    if (index.Open(HomeFolder() / "library-cache.db", error)) {
-        ReadThroughIndex(index, hooks);
+    if (libraryIndex.Open(ResolvePath(kLibraryIndexFile), error)) {
+        ReadThroughIndex(libraryIndex, hooks);
     }
     return hooks;
 }

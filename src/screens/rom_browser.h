@@ -100,6 +100,6 @@ private:
     bool hasMedia = false;   // the chosen game has an archive of pictures
     bool localTexts = false; // and texts in it
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
-    LibraryIndex index;
+    LibraryIndex libraryIndex;
     Catalogue catalogue; // last: its worker calls the panel
 };

@@ -1,16 +1,14 @@
 // What must not go wrong in a folder: odd files, archives of which something is left over, a full disk,
 // files and folders that change while they are converted.
 #include "library/folder_lock.h"
+#include "library/full_disk.h"
 #include "library/game_folder.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <csignal>
 
 namespace fs = std::filesystem;
 
@@ -23,27 +21,6 @@ constexpr uint16_t kNes = 5;
 constexpr uint16_t kArcade = 6;
 
 using Counts = std::vector<int>;
-
-// No file can grow beyond this many bytes, as on a full disk.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes)
-        : handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit limit = {bytes, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    void (*handler)(int);
-    rlimit before{};
-};
 
 // The tests' user without the right to everything.
 class OrdinaryUser {

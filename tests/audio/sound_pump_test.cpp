@@ -166,7 +166,8 @@ TEST(SoundPump, StereoPathFiltersEachChannelApart) {
 TEST(SoundPump, TakesBoostsThatChangeWhileItPlays) {
     SoundRig rig;
     rig.MakeChannel();
-    for (const wchar_t* const boost : {L"audio_boost_low", L"audio_boost_mid", L"audio_boost_high"}) {
+    for (const wchar_t* const boost :
+         {L"audio_boost_low", L"audio_boost_mid", L"audio_boost_high"}) {
         Settings().SetFloat(boost, 0.0f);
     }
     EXPECT_NE(Steady(rig, 1000, 1000).back(), 0); // not by themselves

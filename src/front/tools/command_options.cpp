@@ -227,7 +227,7 @@ COMMAND AddActions(CLI::App& app) {
 } // namespace
 
 std::vector<COMMAND> AddCommands(CLI::App& app) {
-    std::vector<COMMAND> commands = {AddPlay(app),    AddRoom(app), AddAdd(app),     AddList(app),
+    std::vector<COMMAND> commands = {AddPlay(app),    AddRoom(app),    AddAdd(app), AddList(app),
                                      AddConvert(app), AddExtract(app), AddInfo(app)};
     AddDatabase(app, commands);
     commands.push_back(AddActions(app));

@@ -116,11 +116,7 @@ public:
 private:
     CATALOGUE_HOOKS Hooks() {
         CATALOGUE_HOOKS hooks;
-        hooks.loadBegins = [this](const fs::path& folder) { index.LoadFolder(folder); };
-        hooks.loadGame = [this](const fs::path& path, CGameFile& game) {
-            return index.LoadGame(path, game);
-        };
-        hooks.loadEnds = [this] { index.Commit(); };
+        ReadThroughIndex(index, hooks);
         return hooks;
     }
 

@@ -1,8 +1,11 @@
 # How the images, fonts and the theme get into the program.
 find_program(RSVG_CONVERT rsvg-convert REQUIRED)
 
-# As many pixels to a unit as the densest display has; kImagePixelsPerUnit in src/gui/bitmap.h.
+# Pixels to a unit, enough for the densest display: kImagePixelsPerUnit in src/gui/bitmap.h. The picture behind all
+# screens has what a screen of 3840 pixels shows; the logo is good at 400 units on a display of two pixels to a unit.
 set(OMBRELUNE_IMAGE_SCALE 4)
+set(OMBRELUNE_IMAGE_SCALE_mainbg 3)
+set(OMBRELUNE_IMAGE_SCALE_ombrelune_logo 20)
 
 # Embeds a file under a symbol; the object goes to the list of the target `assets`.
 function(ombrelune_asset symbol file)
@@ -21,13 +24,17 @@ function(ombrelune_images)
     foreach(name ${ARGN})
         set(drawing ${CMAKE_CURRENT_SOURCE_DIR}/images/${name}.svg)
         set(image ${CMAKE_CURRENT_BINARY_DIR}/${name}.png)
+        set(scale ${OMBRELUNE_IMAGE_SCALE})
+        if(OMBRELUNE_IMAGE_SCALE_${name})
+            set(scale ${OMBRELUNE_IMAGE_SCALE_${name}})
+        endif()
         add_custom_command(OUTPUT ${image}
-            COMMAND ${RSVG_CONVERT} --zoom ${OMBRELUNE_IMAGE_SCALE} --output ${image} ${drawing}
+            COMMAND ${RSVG_CONVERT} --zoom ${scale} --output ${image} ${drawing}
             DEPENDS ${drawing} VERBATIM)
         ombrelune_asset(gImage_${name} ${image})
         string(TOUPPER ${name} row)
         set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_IMAGE_ROWS
-            "        {\"#${row}\", {gImage_${name}, gImage_${name}_size}},\n")
+            "        {\"#${row}\", {gImage_${name}, gImage_${name}_size}, ${scale}},\n")
     endforeach()
 endfunction()
 

@@ -12,6 +12,8 @@ pkg_check_modules(PUGIXML REQUIRED IMPORTED_TARGET pugixml)
 if(OMBRELUNE_TESTS)
     # Another resampler, which the tests and benchmarks compare ours with.
     pkg_check_modules(SAMPLERATE REQUIRED IMPORTED_TARGET samplerate)
+    # The web service of tools/service, which the web client is tested with.
+    find_package(Python3 REQUIRED COMPONENTS Interpreter)
 endif()
 pkg_check_modules(OPENAL REQUIRED IMPORTED_TARGET openal)
 pkg_check_modules(SDL2 REQUIRED IMPORTED_TARGET sdl2)

@@ -201,12 +201,23 @@ bool ReadFile(const fs::path& path, std::vector<uint8_t>& bytes, std::string& er
 
 namespace {
 
+FilePointer CreateForOwner(const fs::path& path) {
+#ifdef _WIN32
+    return OpenFile(path, "wbx"); // a home folder there is its owner's alone
+#else
+    constexpr mode_t kOwnerAlone = 0600;
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerAlone);
+    return FilePointer(descriptor < 0 ? nullptr : fdopen(descriptor, "wb"));
+#endif
+}
+
 // Opens a new temporary. One that a killed program has left may already have the name.
-FilePointer OpenTemporary(const fs::path& target, fs::path& temporary) {
+FilePointer OpenTemporary(const fs::path& target, WriteMode mode, fs::path& temporary) {
     constexpr int kTries = 1000;
     for (int i = 0; i < kTries; ++i) {
         temporary = TemporaryBeside(target);
-        FilePointer file = OpenFile(temporary, "wbx");
+        FilePointer file =
+            mode == WriteMode::kPrivate ? CreateForOwner(temporary) : OpenFile(temporary, "wbx");
         if (file || errno != EEXIST) {
             return file;
         }
@@ -252,7 +263,7 @@ bool WriteFile(const fs::path& path, std::span<const uint8_t> bytes, std::string
                WriteMode mode) {
     std::error_code code;
     fs::path target = path;
-    if (mode == WriteMode::kReplace && fs::is_symlink(path, code)) {
+    if (mode != WriteMode::kCreate && fs::is_symlink(path, code)) {
         target = fs::weakly_canonical(path, code);
         if (code) {
             error = path.string() + ": its target cannot be found: " + code.message();
@@ -268,7 +279,7 @@ bool WriteFile(const fs::path& path, std::span<const uint8_t> bytes, std::string
         }
     }
     fs::path temporary;
-    FilePointer file = OpenTemporary(target, temporary);
+    FilePointer file = OpenTemporary(target, mode, temporary);
     if (!file) {
         error = Describe(path, "cannot be written", errno);
         return false;
@@ -279,7 +290,8 @@ bool WriteFile(const fs::path& path, std::span<const uint8_t> bytes, std::string
         fs::remove(temporary, ignored);
         return false;
     }
-    if (const fs::file_status old = fs::status(target, ignored); fs::is_regular_file(old)) {
+    if (const fs::file_status old = fs::status(target, ignored);
+        mode != WriteMode::kPrivate && fs::is_regular_file(old)) {
         fs::permissions(temporary, old.permissions(), ignored);
     }
     if (!PutInPlace(temporary, target, mode, code)) {

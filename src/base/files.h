@@ -39,6 +39,7 @@ void SetHomeFolder(const std::filesystem::path& folder);
 enum class WriteMode {
     kReplace, // an existing file is replaced and keeps its permissions
     kCreate,  // an existing file stays, and the write fails
+    kPrivate, // as kReplace, and only the owner can read the file, at every moment
 };
 
 // Writes a file so that at every moment either the old one or the whole new one exists: writes a

@@ -4,8 +4,8 @@
 // Units: `picture` counts in texels, that is in the machine's pixels times the scaler's factor.
 // Colours of light run from 0.05 upwards; 1.05 is white.
 // Owner: the main thread, from StartSessionPicture to EndSessionPicture with the context current.
-// Order: StartSessionPicture; UploadPicture for every picture, under the frame mutex, since it reads
-// the session's read buffer; then drawing code reads `texture` and `picture`.
+// Order: StartSessionPicture; UploadPicture for every picture; then drawing code reads `texture` and
+// `picture`.
 #pragma once
 
 #include "display/picture_scaler.h"

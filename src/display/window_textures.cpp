@@ -73,6 +73,16 @@ void WindowTextures::Draw(uint32_t id, int32_t sourceX, int32_t sourceY, int32_t
     glDisable(GL_TEXTURE_2D);
 }
 
+bool WindowTextures::Size(uint32_t id, int32_t& width, int32_t& height) const {
+    const auto found = textures.find(id);
+    if (found == textures.end()) {
+        return false;
+    }
+    width = static_cast<int32_t>(found->second.width);
+    height = static_cast<int32_t>(found->second.height);
+    return true;
+}
+
 void WindowTextures::End() {
     for (auto& [id, record] : textures) {
         DestroyTexture(record);

@@ -29,6 +29,8 @@ public:
     // Blends the part of the surface at (sourceX, sourceY) over the screen at (x, y).
     void Draw(uint32_t id, int32_t sourceX, int32_t sourceY, int32_t x, int32_t y, int32_t width,
               int32_t height) const;
+    // Of the window, in pixels. False if it has no texture.
+    [[nodiscard]] bool Size(uint32_t id, int32_t& width, int32_t& height) const;
     void End();
 
     [[nodiscard]] size_t Count() const { return textures.size(); }

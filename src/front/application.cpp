@@ -57,16 +57,11 @@ bool Application::Start(std::string& error) {
 
     std::vector<std::string> messages;
     title = ProgramTitle();
-    if (!window.Open(WindowOptionsFromSettings(), title, messages, error) || !GlStart(error)) {
+    if (!window.Open(WindowOptionsFromSettings(), title, messages, error) || !StartDrawing(error)) {
         Release();
         return false;
     }
     SeedRandom(static_cast<uint32_t>(Now() / 1000));
-    if (!overlay.Start()) {
-        messages.emplace_back(
-            "the graphics driver has no memory for text; messages appear only here");
-    }
-    gui.Start(Target());
     SDL_StopTextInput(); // no text field has the focus, and an input method would swallow the keys
     HostSetReportSink(PostReport);
     HostSetNoticeSink(PostNotice);
@@ -110,11 +105,57 @@ bool Application::StartSdl(std::string& error) {
     return true;
 }
 
+bool Application::StartDrawing(std::string& error) {
+    if (!GlStart(error)) {
+        return false;
+    }
+    if (!overlay.Start()) {
+        PostReport("the graphics driver has no memory for text; messages appear only here");
+    }
+    gui.Start(Target(), [this](const WINDOW_PLACE& place) {
+        if (screen != nullptr) {
+            screen->DrawInWindow(place, Target());
+        }
+    });
+    return true;
+}
+
+void Application::EndDrawing() {
+    gui.End();
+    overlay.End();
+}
+
+// Games play on meanwhile: no machine knows of the context. Without a new one the program ends as if the window
+// had been closed, which saves them.
+bool Application::RenewGraphics() {
+    const auto forScreens = [this](void (Screen::*what)()) {
+        for (Screen* const one : {screen.get(), nextScreen.get()}) {
+            if (one != nullptr) {
+                (one->*what)();
+            }
+        }
+    };
+    forScreens(&Screen::LoseGraphics);
+    EndDrawing();
+    televisions.LoseGraphics();
+    std::string error;
+    if (!window.RenewContext(error) || !StartDrawing(error)) {
+        PostReport(error);
+        return false;
+    }
+    forScreens(&Screen::RenewGraphics);
+    pacer.NoteNews();
+    return true;
+}
+
 bool Application::Round() {
     ChangeScreen();
     HandInputOver();
     const PUMP_EVENTS events = pump.Pump();
     if (events.quit || quit) {
+        return false;
+    }
+    if ((events.graphicsReset || window.ContextLost()) && !RenewGraphics()) {
         return false;
     }
     sound.Watch(events, Now());
@@ -358,9 +399,8 @@ void Application::Release() {
     screen.reset();
     Window::CaptureMouse(false);
     InputSetWalkingRoom(false);
-    gui.End();
+    EndDrawing();
     televisions.End();
-    overlay.End();
     window.Close();
     if (sdlStarted) {
         SDL_Quit();

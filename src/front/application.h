@@ -88,6 +88,9 @@ public:
 
 private:
     [[nodiscard]] bool StartSdl(std::string& error);
+    [[nodiscard]] bool StartDrawing(std::string& error);
+    void EndDrawing();
+    [[nodiscard]] bool RenewGraphics();
     void Release();
 
     // The steps of a round. Those that return a bool say whether the window must be drawn again.

@@ -7,7 +7,7 @@
 #include <span>
 #include <string_view>
 
-// The 54 images that a theme may name, as PNG of kImagePixelsPerUnit pixels to a unit.
+// The 54 images that a theme may name, as PNG.
 [[nodiscard]] std::span<const GUI_IMAGE_ROW> BuiltInImages();
 
 struct FONT_ASSET {

@@ -111,6 +111,8 @@ void EventPump::HandleEvent(const SDL_Event& event, PUMP_EVENTS& events) {
     case SDL_MOUSEBUTTONUP: HandleButton(event.button, events); break;
     case SDL_MOUSEWHEEL: HandleWheel(event.wheel, events); break;
     case SDL_WINDOWEVENT: HandleWindow(event.window, events); break;
+    case SDL_RENDER_TARGETS_RESET:
+    case SDL_RENDER_DEVICE_RESET: events.graphicsReset = true; break;
     case SDL_AUDIODEVICEREMOVED: HandleAudioDevice(event.adevice, events); break;
     case SDL_DROPFILE:
     case SDL_DROPTEXT:

@@ -54,6 +54,7 @@ struct PUMP_EVENTS {
     bool quit = false; // the window was closed, or the system asks the program to end
     // Of the program's own keys, in the order of their presses.
     std::vector<ProgramCommand> commands;
+    bool graphicsReset = false;       // all that the graphics context held is gone
     bool windowChanged = false;       // resized, exposed or restored: to be drawn again
     uint32_t outputGone = 0;          // number of an open audio output that was lost; 0: none
     std::vector<std::string> dropped; // files dropped on the window, paths in UTF-8

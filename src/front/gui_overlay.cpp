@@ -1,12 +1,15 @@
 #include "front/gui_overlay.h"
 
+#include "display/gl.h"
 #include "front/event_pump.h"
 #include "gui/manager.h"
+#include "gui/window.h"
 #include "host/host_data.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 void PostGuiInput(const GUI_INPUT& input) {
     // The toolkit counts the middle button as the third.
@@ -40,20 +43,23 @@ void PostGuiInput(const GUI_INPUT& input) {
     manager.PostInput(record, static_cast<uint64_t>(HostClock().nowMicroseconds() / 1000));
 }
 
-void GuiOverlay::Start(const DRAW_TARGET& target) {
+void GuiOverlay::Start(const DRAW_TARGET& target, SceneDrawing drawScene) {
     End();
+    scene = std::move(drawScene);
     CGhostManager::Get().SetHost({
         [this](uint32_t id, int32_t width, int32_t height) { textures.Create(id, width, height); },
         [this](uint32_t id) { textures.Destroy(id); },
         [this](uint32_t id, const uint32_t* pixels, int32_t stride) {
             textures.Upload(id, pixels, stride);
         },
-        // The flags name windows with a scene behind them, such as a game's box (kWindowBackgroundPass). No
-        // window asks for one yet; the one that does comes with the browser of games.
-        [this](uint32_t id, uint32_t /*flags*/, int32_t sourceX, int32_t sourceY, int32_t x,
-               int32_t y, int32_t width, int32_t height) {
-            if (id != kCompositeStart) { // the picture below has been drawn
-                textures.Draw(id, sourceX, sourceY, x, y, width, height);
+        [this](uint32_t id, uint32_t flags, int32_t sourceX, int32_t sourceY, int32_t x, int32_t y,
+               int32_t width, int32_t height) {
+            if (id == kCompositeStart) { // the picture below has been drawn
+                return;
+            }
+            textures.Draw(id, sourceX, sourceY, x, y, width, height);
+            if (flags == kWindowBackgroundPass) {
+                DrawScene(id, {x - sourceX, y - sourceY, 0, 0, x, y, width, height});
             }
         },
     });
@@ -69,6 +75,15 @@ void GuiOverlay::End() {
         started = false;
         CGhostManager::Get().SetHost({});
         textures.End();
+        cursors.End();
+    }
+}
+
+void GuiOverlay::DrawScene(uint32_t id, const WINDOW_PLACE& place) {
+    WINDOW_PLACE whole = place;
+    if (scene && textures.Size(id, whole.width, whole.height)) {
+        scene(whole);
+        Ortho2D(size.width, size.height);
     }
 }
 
@@ -84,6 +99,7 @@ bool GuiOverlay::Update(const PUMP_EVENTS& events, const DRAW_TARGET& target, in
     constexpr int64_t kLongestTick = 1000000; // after a standstill
     manager.Tick(static_cast<uint32_t>(std::clamp<int64_t>(now - lastTick, 0, kLongestTick)));
     lastTick = now;
+    cursors.Update();
     return !manager.DirtyRect().Empty();
 }
 

@@ -1,7 +1,8 @@
 // GuiOverlay: the windows of the toolkit over whatever the main window shows.
 //
 // It turns the pump's events into the toolkit's input records, runs the toolkit's tick and draws its windows
-// through the four drawing callbacks. Without windows it costs next to nothing.
+// through the four drawing callbacks, and shows the cursor that they want. Without windows it costs next to
+// nothing. The lines of statistics are no windows but StatusOverlay's text, which needs no theme to be read.
 //
 // Units: mouse places come in pixels of the drawing surface and go on in units of the virtual screen.
 // Thread: main, with the OpenGL context current.
@@ -10,9 +11,11 @@
 #pragma once
 
 #include "display/window_textures.h"
+#include "front/gui_cursors.h"
 #include "front/screen.h"
 
 #include <cstdint>
+#include <functional>
 
 struct GUI_INPUT;
 struct PUMP_EVENTS;
@@ -27,7 +30,9 @@ public:
     GuiOverlay(const GuiOverlay&) = delete;
     GuiOverlay& operator=(const GuiOverlay&) = delete;
 
-    void Start(const DRAW_TARGET& target);
+    // `drawScene` draws what goes with a window of kWindowBackgroundPass, in any projection.
+    using SceneDrawing = std::function<void(const WINDOW_PLACE& place)>;
+    void Start(const DRAW_TARGET& target, SceneDrawing drawScene = {});
     void End();
 
     // The input of a round, then the tick. True when the windows look different from now on.
@@ -41,7 +46,11 @@ public:
     [[nodiscard]] uint64_t Uploads() const { return textures.Uploads(); }
 
 private:
+    void DrawScene(uint32_t id, const WINDOW_PLACE& place);
+
     WindowTextures textures;
+    GuiCursors cursors;
+    SceneDrawing scene;
     DRAW_TARGET size{0, 0}; // that the toolkit was told
     int64_t lastTick = 0;   // microseconds of the host's clock
     bool started = false;

@@ -47,7 +47,8 @@ std::vector<uint8_t> GameOf(const DEMO& demo) {
 void WriteNew(const fs::path& file, const std::vector<uint8_t>& bytes) {
     std::error_code code;
     std::string error;
-    if (!bytes.empty() && !fs::exists(file, code) && !WriteFile(file, bytes, error, WriteMode::kCreate)) {
+    if (!bytes.empty() && !fs::exists(file, code) &&
+        !WriteFile(file, bytes, error, WriteMode::kCreate)) {
         PostReport(error);
     }
 }

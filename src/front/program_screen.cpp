@@ -52,6 +52,7 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     for (const ModeInput request : std::exchange(wanted, {})) {
         room.Take(request);
     }
+    downloads.PumpRequests();
     ReadKeys(input);
     const bool roomNews = room.Update(input);
     FitScreens();
@@ -169,10 +170,20 @@ bool ProgramScreen::TakeDropped(OPENED_GAME& opened) {
     return true;
 }
 
-void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> /*covers*/, int /*kind*/, bool /*cabinet*/) {
+void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {
+    std::vector<COVER_IMAGE> images;
+    for (const GUI_BITMAP& cover : covers) {
+        images.push_back({cover.pixels, static_cast<uint32_t>(cover.pixelWidth),
+                          static_cast<uint32_t>(cover.pixelHeight), kind});
+    }
+    room.SetCovers(images, cabinet);
 }
 
-void ProgramScreen::CoverClick(int /*button*/, int32_t /*x*/, int32_t /*y*/) {}
+void ProgramScreen::CoverClick(int button, int32_t x, int32_t y) {
+    const double density = CGhostManager::Get().Density();
+    room.Covers().CoverClick(button, static_cast<int32_t>(x * density),
+                             static_cast<int32_t>(y * density));
+}
 
 std::vector<SCREEN_JOYSTICK> ProgramScreen::Joysticks() const {
     std::vector<SCREEN_JOYSTICK> present;

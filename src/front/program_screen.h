@@ -15,6 +15,7 @@
 #include "screens/battle_ground.h"
 #include "screens/game_overlay.h"
 #include "screens/screen_host.h"
+#include "web/download_queue.h"
 
 #include <cstdint>
 #include <functional>
@@ -36,6 +37,11 @@ public:
     void Draw(const DRAW_TARGET& target) override { room.Draw(target); }
     [[nodiscard]] bool WantsInput() const override { return room.WantsInput(); }
     [[nodiscard]] bool TakeDropped(OPENED_GAME& opened) override;
+    void LoseGraphics() override { room.LoseGraphics(); }
+    void RenewGraphics() override { room.RenewGraphics(); }
+    void DrawInWindow(const WINDOW_PLACE& place, const DRAW_TARGET& target) override {
+        room.DrawInWindow(place, target);
+    }
 
     [[nodiscard]] RoomScreen& Room() { return room; }
     [[nodiscard]] CGUIBattleGround& Menu() { return menu; }
@@ -47,6 +53,7 @@ private:
     void StartGame(GAME_TO_START game) override;
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) override;
     void CoverClick(int button, int32_t x, int32_t y) override;
+    [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     void SettingsChanged() override { calls.settingsChanged(); }
     void SaveSettings() override { calls.saveSettings(); }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override;
@@ -60,6 +67,7 @@ private:
     void UpdateOverlay(const SCREEN_INPUT& input);
 
     PROGRAM_CALLS calls;
+    DownloadQueue downloads; // outlives the screens, which queue requests
     const class Joysticks& joysticks;
     RoomScreen room;
     CGUIBattleGround menu;

@@ -111,12 +111,16 @@ RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED
     , games(std::move(openedGames))
     , modes(start)
     , owner(std::move(roomOwner)) {
-    renderer.InitRoom(
-        {[](const char* name) { return SDL_GL_GetProcAddress(name); }, ReadObjectFile, PostReport});
+    StartRenderer();
     objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
     PlaceTelevisionSounds(objects);
     StandAtDoor();
     ApplyModes();
+}
+
+void RoomScreen::StartRenderer() {
+    renderer.InitRoom({[](const char* name) { return SDL_GL_GetProcAddress(name); }, ReadObjectFile,
+                       PostReport, ReadBuiltInObject});
 }
 
 RoomScreen::~RoomScreen() {
@@ -172,10 +176,12 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
         hintsSince = input.now;
     }
     ApplyModes();
-    hints.Show(modes.Covered() ? std::wstring() : Hint(input.now));
+    coverView.Update(seconds);
     if (modes.Covered()) {
-        return false;
+        hints.Show(std::wstring());
+        return hasCovers;
     }
+    hints.Show(showsHints ? Hint(input.now) : std::wstring());
     const bool pictureNews = fullScreen != nullptr && fullScreen->Update(input);
     return modes.RoomVisible() || pictureNews;
 }
@@ -450,6 +456,30 @@ void RoomScreen::Draw(const DRAW_TARGET& target) {
     scene.view = camera.View();
     scene.ceilingLight = around.ceilingLight;
     renderer.Draw(scene, objects);
+}
+
+void RoomScreen::SetCovers(std::span<const COVER_IMAGE> images, bool withCabinet) {
+    std::vector<int> kinds;
+    for (size_t slot = 0; slot < kMostCovers; ++slot) {
+        const COVER_IMAGE image = slot < images.size() ? images[slot] : COVER_IMAGE();
+        const bool whole = image.pixels.size() >= size_t{image.width} * image.height;
+        renderer.SetCover(slot, whole ? image.pixels.data() : nullptr, image.width, image.height);
+        if (slot < images.size()) {
+            kinds.push_back(image.kind);
+        }
+    }
+    coverView.SetCovers(kinds, withCabinet);
+    hasCovers = !kinds.empty();
+}
+
+void RoomScreen::DrawInWindow(const WINDOW_PLACE& place, const DRAW_TARGET& target) {
+    if (!hasCovers) {
+        return;
+    }
+    coverView.SetSize(static_cast<uint32_t>(place.width), static_cast<uint32_t>(place.height));
+    renderer.DrawCovers(coverView, {place.x, place.y, place.width, place.height},
+                        {place.seenX, place.seenY, place.seenWidth, place.seenHeight}, target.width,
+                        target.height);
 }
 
 // On the set that the player looks at, or on the first that is off.

@@ -19,6 +19,7 @@
 #include "front/room_games.h"
 #include "front/room_hints.h"
 #include "front/screen.h"
+#include "room/cover_view.h"
 #include "room/picking.h"
 #include "room/room_camera.h"
 #include "room/room_objects.h"
@@ -30,6 +31,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -71,6 +73,16 @@ public:
     void Draw(const DRAW_TARGET& target) override;
     [[nodiscard]] bool WantsInput() const override { return modes.Walking(); }
     [[nodiscard]] bool TakeDropped(OPENED_GAME& opened) override;
+    void LoseGraphics() override { renderer.Release(); }
+    void RenewGraphics() override { StartRenderer(); }
+    void DrawInWindow(const WINDOW_PLACE& place, const DRAW_TARGET& target) override;
+
+    // The boxes of a game, in the toolkit's window that asks for a scene; at most six. None: an empty window.
+    void SetCovers(std::span<const COVER_IMAGE> images, bool withCabinet);
+    [[nodiscard]] CoverView& Covers() { return coverView; }
+
+    // Whether a line at the foot of the window says what the player can do.
+    void ShowHints(bool show) { showsHints = show; }
 
     // Stands the player somewhere else.
     void StandAt(VECTOR3 from, VECTOR3 at);
@@ -99,6 +111,7 @@ public:
 private:
     struct HANDS; // what the player's hands did in a round
 
+    void StartRenderer();
     [[nodiscard]] HANDS ReadHands(const SCREEN_INPUT& input);
     void Walk(const HANDS& hands, float seconds);
     void ChooseSet(const HANDS& hands);
@@ -125,6 +138,7 @@ private:
     LOOKED_AT selected;
     ROOM_OWNER owner;
     RoomHints hints;
+    CoverView coverView;
     std::unique_ptr<GameScreen> fullScreen; // while one set fills the window
     LightGun guns;                          // of that set's game
     InputLooker looker;
@@ -137,4 +151,6 @@ private:
     bool leaveHeld = false;
     bool nextSetHeld = false;
     bool padInHand = false;
+    bool showsHints = true;
+    bool hasCovers = false;
 };

@@ -11,11 +11,16 @@ constexpr float kEarHeight = 118.0f;
 
 } // namespace
 
+VECTOR3 SoundPlaceOf(const CRoomObject& set) {
+    const VECTOR3 centre = CentreOf(set);
+    return {centre.x, centre.y - kEarHeight, centre.z};
+}
+
 void PlaceTelevisionSounds(const CRoomObjects& objects) {
     for (const auto& object : objects.All()) {
         if (object->type->isScreen) {
-            const VECTOR3 centre = CentreOf(*object);
-            SoundSetTelevision(object->id, centre.x, centre.y - kEarHeight, centre.z);
+            const VECTOR3 place = SoundPlaceOf(*object);
+            SoundSetTelevision(object->id, place.x, place.y, place.z);
         }
     }
 }

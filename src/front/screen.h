@@ -22,6 +22,18 @@ struct DRAW_TARGET {
     uint32_t height;
 };
 
+// A window of the toolkit on the target, in pixels from the top left, and what is seen of it.
+struct WINDOW_PLACE {
+    int32_t x = 0;
+    int32_t y = 0;
+    int32_t width = 0;
+    int32_t height = 0;
+    int32_t seenX = 0;
+    int32_t seenY = 0;
+    int32_t seenWidth = 0;
+    int32_t seenHeight = 0;
+};
+
 // One round.
 struct SCREEN_INPUT {
     const PUMP_EVENTS& events; // the screen's own input is in `events.screen`
@@ -47,6 +59,13 @@ public:
     // in a room. Then the mouse is captured, so that only its moves count, and neither a machine nor a
     // window of the toolkit gets any input. Otherwise all of it goes to both.
     [[nodiscard]] virtual bool WantsInput() const = 0;
+
+    // The graphics context is given up, with every texture and program in it; and there is a new one.
+    virtual void LoseGraphics() {}
+    virtual void RenewGraphics() {}
+
+    // Draws the scene that goes with a window of the toolkit (kWindowBackgroundPass), over that window.
+    virtual void DrawInWindow(const WINDOW_PLACE& /*place*/, const DRAW_TARGET& /*target*/) {}
 
     // A game was dropped on the window. True if the screen has played it, or said why not; otherwise it takes
     // the place of the game that fills the window.

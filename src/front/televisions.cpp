@@ -9,34 +9,50 @@
 #include <mutex>
 
 // While the frame mutex is held the session leaves the picture alone.
-bool Televisions::Upload(uint32_t activeKey, PictureScaler scaler) {
-    bool news = false;
-    std::vector<uint32_t> running;
+void Televisions::TakePictures() {
+    running.clear();
     EmuForEachSession([&](EMU_THREAD& session) {
         running.push_back(session.key);
         const std::scoped_lock hold(EmuFrameMutex());
         const EMU_VIDEO_FRAME* const frame = HostTakeFrame(*session.hostData);
-        if (frame == nullptr) {
+        if (frame == nullptr || frame->pixels == nullptr) {
             return;
         }
         TELEVISION& set = sets[session.key];
-        if (set.serial != session.serial) {
+        set.largestPixels = EmuPicturePixels(session);
+        const size_t pixels =
+            std::min(size_t{frame->width} * frame->height, set.largestPixels); // never more
+        set.taken = *frame;
+        set.pixels.assign(frame->pixels, frame->pixels + pixels);
+        set.taken.pixels = set.pixels.data();
+        set.takenSerial = session.serial;
+        set.isNew = true;
+    });
+}
+
+bool Televisions::UploadTaken(uint32_t activeKey, PictureScaler scaler) {
+    bool news = GiveUpAllBut(running);
+    for (auto& [key, set] : sets) {
+        if (!set.isNew) {
+            continue;
+        }
+        set.isNew = false;
+        if (set.serial != set.takenSerial) {
             // Another game on the same television, perhaps of a machine with larger pictures.
             EndSessionPicture(set.picture);
-            StartSessionPicture(set.picture, EmuPicturePixels(session));
-            set.serial = session.serial;
+            StartSessionPicture(set.picture, set.largestPixels);
+            set.serial = set.takenSerial;
         }
         set.picture.inRoom = inRoom;
-        if (!UploadPicture(*frame, set.picture, scaler)) {
-            return;
+        if (!UploadPicture(set.taken, set.picture, scaler)) {
+            continue;
         }
-        news = news || inRoom;
-        if (session.key == activeKey) {
-            NoteActivePicture(*frame);
-            news = true;
+        news = news || inRoom || key == activeKey;
+        if (key == activeKey) {
+            NoteActivePicture(set.taken);
         }
-    });
-    return GiveUpAllBut(running) || news;
+    }
+    return news;
 }
 
 void Televisions::NoteActivePicture(const EMU_VIDEO_FRAME& frame) {
@@ -49,10 +65,10 @@ void Televisions::NoteActivePicture(const EMU_VIDEO_FRAME& frame) {
     }
 }
 
-bool Televisions::GiveUpAllBut(const std::vector<uint32_t>& running) {
+bool Televisions::GiveUpAllBut(const std::vector<uint32_t>& keys) {
     bool gone = false;
     for (auto set = sets.begin(); set != sets.end();) {
-        if (std::find(running.begin(), running.end(), set->first) != running.end()) {
+        if (std::find(keys.begin(), keys.end(), set->first) != keys.end()) {
             ++set;
             continue;
         }
@@ -61,6 +77,13 @@ bool Televisions::GiveUpAllBut(const std::vector<uint32_t>& running) {
         gone = true;
     }
     return gone;
+}
+
+void Televisions::LoseGraphics() {
+    for (auto& [key, set] : sets) {
+        EndSessionPicture(set.picture); // its light shines on
+        set.isNew = true;
+    }
 }
 
 void Televisions::End() {

@@ -1,5 +1,7 @@
 // Televisions: the newest picture of every session, as a texture, by session key.
 //
+// Sessions and the sound pump wait only while a picture is copied, not while it is scaled and uploaded.
+//
 // Thread: main, with the OpenGL context current.
 // Order: Upload once a round; End before the context goes.
 #pragma once
@@ -16,12 +18,27 @@ public:
     struct TELEVISION {
         SESSION_PICTURE picture; // without a texture before the first one
         uint32_t serial = 0;     // of the session that it shows
+
+        // The newest picture as the machine has made it.
+        EMU_VIDEO_FRAME taken{};      // its pixels are those below
+        std::vector<uint32_t> pixels; // packed rows
+        size_t largestPixels = 0;     // of a picture of that session
+        uint32_t takenSerial = 0;     // of the session that made it
+        bool isNew = false;           // not uploaded yet
     };
 
     // Uploads the pictures that sessions have published since the last call, and drops those of ended
     // sessions. True if the active session's picture is new or a television went dark.
-    [[nodiscard]] bool Upload(uint32_t activeKey, PictureScaler scaler);
+    [[nodiscard]] bool Upload(uint32_t activeKey, PictureScaler scaler) {
+        TakePictures();
+        return UploadTaken(activeKey, scaler);
+    }
+    // Its two halves: copies under the list lock and the frame mutex, and all else under no lock.
+    void TakePictures();
+    [[nodiscard]] bool UploadTaken(uint32_t activeKey, PictureScaler scaler);
     void End();
+    // The context goes, with every texture; the next Upload makes them again from the pictures taken last.
+    void LoseGraphics();
 
     // Whether the pictures are seen on television sets, all at once and from a distance. Upload then tells of a
     // new picture of any session.
@@ -48,10 +65,11 @@ public:
     [[nodiscard]] const KEPT_PICTURE& Kept() const { return kept; }
 
 private:
-    [[nodiscard]] bool GiveUpAllBut(const std::vector<uint32_t>& running);
+    [[nodiscard]] bool GiveUpAllBut(const std::vector<uint32_t>& keys);
     void NoteActivePicture(const EMU_VIDEO_FRAME& frame);
 
     std::map<uint32_t, TELEVISION> sets; // by session key
+    std::vector<uint32_t> running;       // keys of the sessions at the last TakePictures
     KEPT_PICTURE kept;
     uint64_t picturesShown = 0;
     uint32_t frameShown = 0;

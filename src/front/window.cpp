@@ -37,6 +37,26 @@ void SetContextAttributes(int samples) {
     SDL_GL_SetAttribute(SDL_GL_MULTISAMPLESAMPLES, samples);
 }
 
+// Asks for a context that tells when the driver was reset; a driver may refuse that.
+void AskForResetStatus(bool ask) {
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_RESET_NOTIFICATION,
+                        ask ? SDL_GL_CONTEXT_RESET_LOSE_CONTEXT
+                            : SDL_GL_CONTEXT_RESET_NO_NOTIFICATION);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK,
+                        ask ? SDL_GL_CONTEXT_PROFILE_COMPATIBILITY : 0);
+}
+
+template <class Function>
+Function FindResetStatus() {
+    if (SDL_GL_ExtensionSupported("GL_ARB_robustness") == SDL_TRUE) {
+        return reinterpret_cast<Function>(SDL_GL_GetProcAddress("glGetGraphicsResetStatusARB"));
+    }
+    if (SDL_GL_ExtensionSupported("GL_KHR_robustness") == SDL_TRUE) {
+        return reinterpret_cast<Function>(SDL_GL_GetProcAddress("glGetGraphicsResetStatus"));
+    }
+    return nullptr;
+}
+
 void SetIcon(SDL_Window* window) {
     std::vector<uint32_t> pixels = WindowIcon();
     SDL_Surface* icon =
@@ -90,12 +110,46 @@ bool Window::Create(const WINDOW_OPTIONS& options, const std::string& title, int
     if (window == nullptr) {
         return false;
     }
-    context = SDL_GL_CreateContext(window);
-    if (context == nullptr) {
+    if (!CreateContext()) {
         SDL_DestroyWindow(window);
         window = nullptr;
         return false;
     }
+    return true;
+}
+
+bool Window::CreateContext() {
+    for (const bool ask : {true, false}) {
+        AskForResetStatus(ask);
+        context = SDL_GL_CreateContext(window);
+        if (context != nullptr) {
+            resetStatus = FindResetStatus<decltype(resetStatus)>();
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Window::ContextLost() {
+    if (context == nullptr) {
+        return true;
+    }
+    if (SDL_GL_GetCurrentContext() != context && SDL_GL_MakeCurrent(window, context) != 0) {
+        return true;
+    }
+    return resetStatus != nullptr && resetStatus() != GL_NO_ERROR;
+}
+
+bool Window::RenewContext(std::string& error) {
+    if (context != nullptr) {
+        SDL_GL_DeleteContext(context);
+        context = nullptr;
+    }
+    if (!CreateContext()) {
+        error = std::string("the graphics driver has stopped: ") + SDL_GetError();
+        return false;
+    }
+    SetVsync(given.vsync);
     return true;
 }
 

@@ -38,6 +38,11 @@ public:
     [[nodiscard]] bool Open(const WINDOW_OPTIONS& options, const std::string& title,
                             std::vector<std::string>& messages, std::string& error);
     void Close();
+    // Whether the context and all in it are gone, as when the graphics driver was reset. One that is merely not
+    // current is made current again.
+    [[nodiscard]] bool ContextLost();
+    // A new context in the same window. False with the reason; the window then has none.
+    [[nodiscard]] bool RenewContext(std::string& error);
     [[nodiscard]] bool IsOpen() const { return window != nullptr; }
 
     // Full screen, size and vertical sync become those of the options where these differ from the last ones that the
@@ -64,9 +69,11 @@ public:
 private:
     void SetVsync(bool on);
     [[nodiscard]] bool Create(const WINDOW_OPTIONS& options, const std::string& title, int samples);
+    [[nodiscard]] bool CreateContext();
 
     SDL_Window* window = nullptr;
     void* context = nullptr;
+    unsigned (*resetStatus)() = nullptr; // null if the driver does not tell of resets
     bool followsDisplay = false;
     WINDOW_OPTIONS given; // the last options, of Open or Take
 };

@@ -2,6 +2,7 @@
 
 #include "gui/control_input.h"
 #include "gui/manager.h"
+#include "gui/ring.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/theme.h"
@@ -9,6 +10,7 @@
 namespace {
 
 constexpr int32_t kGripWidth = 6;
+constexpr int32_t kCorner = 4; // of round frames, in units
 
 } // namespace
 
@@ -213,8 +215,13 @@ void CGhostButton::OnKeyUp(GHOSTGUIKey key) {
 
 void CGhostButton::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
     const GUI_RECT whole{0, 0, surface->Width(), surface->Height()};
+    const GhostBorderStyle& border = style.states[state].border;
     PaintText(*surface, style.states[state], caption, whole);
-    PaintFrame(*surface, style.states[state].border);
+    if (border.type == GhostFrame::kRoundedColour ||
+        border.type == GhostFrame::kRoundedColourInset) {
+        CutCorners(*surface, whole, kCorner); // the fill is seen within the frame alone
+    }
+    PaintFrame(*surface, border);
     if (focused && enabled) {
         PaintFocusRing(*surface, whole);
     }

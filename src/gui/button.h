@@ -1,4 +1,8 @@
 // CGhostButton: a caption that is pressed, by mouse, space or return. It can latch, as a toggle.
+//
+// The caption is drawn whole, where the style aligns it. In the middle of a button that is too narrow for it,
+// it goes beyond both edges and is cut there; whoever shows a text of any length takes a style that is
+// aligned to the left, which is cut at its end alone.
 #pragma once
 
 #include "gui/control.h"

@@ -2,6 +2,7 @@
 
 #include "gui/button.h"
 #include "gui/control_input.h"
+#include "gui/floating_list.h"
 #include "gui/manager.h"
 #include "gui/surface.h"
 #include "gui/text.h"
@@ -9,51 +10,67 @@
 
 #include <algorithm>
 
+namespace {
+
+// The ring goes around the whole face. The arrow lies over its right end and paints that part.
+class FaceRing : public CGhostGUIHandler {
+public:
+    explicit FaceRing(const CGhostDropList* owner)
+        : control(owner) {}
+    void Destroy() override { delete this; }
+    void OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) override {
+        const int32_t left = surface->Width() - control->FaceWidth();
+        if (control->ShowsRing()) {
+            PaintFocusRing(*surface, {left, 0, control->FaceWidth(), surface->Height()});
+        }
+    }
+
+private:
+    const CGhostDropList* control; // which ends after its arrow
+};
+
+} // namespace
+
 CGhostDropList::CGhostDropList(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
                                const std::wstring& wantedStyle, const std::wstring& text,
                                int32_t most, const GUI_PLACE& place)
     : caption(text)
     , maxHeight(most) {
     CGhostManager& manager = CGhostManager::Get();
-    CGhostTheme::Get().GetStyle(wantedStyle, style);
     window = MakeControlWindow(parent, creationId, this, place);
     manager.SetTabStop(window, true);
-    manager.SetWindowFrame(window, &style.bg.border);
     // It stays down while the list is open, wherever the mouse goes.
     arrow = new CGhostButton(window, creationId, L"none", {},
                              CGhostButton::kNoKeys | CGhostButton::kLatches, {});
-    arrow->SetStyle(style.button);
+    arrow->next = new FaceRing(this);
     manager.SetPart(arrow->window);
     arrow->OnClick.connect([this](CGhostButton*, int, int, unsigned) { Toggle(); });
     arrow->OnWheel.connect([this](CGhostButton*, int x, int y, bool up) {
         SetFocus(); // the keys are the control's
         OnMouseWheel(x, y, up);
     });
-
-    list = new CGhostList(nullptr, creationId, L"LIST",
-                          CGhostList::kReportsAgain | CGhostList::kOnRelease | CGhostList::kKeysAim,
-                          {});
-    list->SetVisible(false);
-    manager.SetTabStop(list->window, false);
-    manager.SetOwner(list->window, window);
-    manager.SetPart(list->window);
+    list = MakeFloatingList(
+        window, creationId, L"LIST", [this] { CloseList(); },
+        [this](const void* part) { return IsOwnPart(part); });
     list->OnSelect.connect(
         [this](CGhostList*, int index, GHOSTLIST_ITEM* item) { Chosen(index, item); });
-    list->OnCancel.connect([this](CGhostList*) { CloseList(); });
-    // What has the focus now counts, since the list may have it again already.
-    list->OnFocusChange.connect([this](CGhostList*, bool gained, void*) {
-        if (!gained && !IsOwnPart(CGhostManager::Get().FocusWindow())) {
-            CloseList();
-        }
-    });
+    SetStyle(wantedStyle);
     PlaceControl(window, place);
+}
+
+void CGhostDropList::SetStyle(const std::wstring& name) {
+    CGhostTheme::Get().GetStyle(name, style);
+    arrow->SetStyle(style.button);
+    CGhostManager::Get().SetWindowFrame(window, &style.bg.border);
+    dirty = true;
 }
 
 int32_t CGhostDropList::AddItem(const std::wstring& text, int32_t image, uint32_t itemFlags,
                                 uint64_t value) {
     const int32_t index = list->AddItem(text, image, itemFlags, 0, value);
     if (open) {
-        PlaceList();
+        const GUI_RECT place = ListPlace();
+        list->SetPos(place.x, place.y, place.width, place.height);
     }
     return index;
 }
@@ -99,15 +116,14 @@ bool CGhostDropList::IsOwnPart(const void* part) const {
 
 // ---- Opening and closing.
 
-void CGhostDropList::PlaceList() {
+GUI_RECT CGhostDropList::ListPlace() {
     const CGhostManager& manager = CGhostManager::Get();
     GUI_RECT at;
     manager.GetScreenRect(window, &at);
     const int32_t height = std::min(list->ContentHeight() + list->FrameHeight(), maxHeight);
     placedFor = at;
     screen = manager.ScreenRect();
-    const GUI_RECT place = DropPlace(at, at.width, height, screen);
-    list->SetPos(place.x, place.y, place.width, place.height);
+    return DropPlace(at, at.width, height, screen);
 }
 
 void CGhostDropList::Open() {
@@ -115,12 +131,11 @@ void CGhostDropList::Open() {
         return;
     }
     open = true;
-    PlaceList();
+    const GUI_RECT place = ListPlace();
+    list->SetPos(place.x, place.y, place.width, place.height); // the rows that are seen
     list->SetHot(list->Selected() >= 0 ? list->Selected() : 0);
     arrow->SetDown(true);
-    list->SetZOrder(-1);
-    list->SetVisible(true);
-    list->SetFocus();
+    OpenFloatingList(*list, place);
     dirty = true;
 }
 
@@ -188,7 +203,7 @@ void CGhostDropList::OnTick(unsigned microseconds) {
 
 void CGhostDropList::OnFocus(bool gained, void* /*other*/) {
     focused = gained;
-    dirty = true;
+    dirty = arrow->dirty = true;
     if (!gained && !IsOwnPart(CGhostManager::Get().FocusWindow())) {
         CloseList();
     }
@@ -196,6 +211,7 @@ void CGhostDropList::OnFocus(bool gained, void* /*other*/) {
 
 void CGhostDropList::OnResize(int /*outerWidth*/, int /*outerHeight*/, int clientWidth,
                               int clientHeight) {
+    width = clientWidth;
     if (arrow != nullptr) {
         arrow->SetPos(clientWidth - clientHeight, 0, clientHeight, clientHeight);
     }
@@ -274,7 +290,7 @@ void CGhostDropList::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRec
     GhostTextStyle look = enabled ? style.bg : DisabledText(style.bg);
     look.bg.type = GhostFill::kNone;
     PaintText(*surface, look, caption, {0, 0, text, whole.height});
-    if (focused && enabled) {
+    if (ShowsRing()) {
         PaintFocusRing(*surface, whole);
     }
 }

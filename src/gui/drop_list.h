@@ -26,12 +26,15 @@ public:
     [[nodiscard]] GHOSTLIST_ITEM* Item(int32_t index) { return list->Item(index); }
     void SetCaption(const std::wstring& text);
     [[nodiscard]] const std::wstring& Caption() const { return caption; }
+    void SetStyle(const std::wstring& name); // of the face; the list stays LIST
     void SetEnabled(bool enable);
     void Open();
     void CloseList();
     [[nodiscard]] bool IsOpen() const { return open; }
     [[nodiscard]] CGhostList* List() const { return list; }
     [[nodiscard]] CGhostButton* Arrow() const { return arrow; }
+    [[nodiscard]] bool ShowsRing() const { return focused && enabled; }
+    [[nodiscard]] int32_t FaceWidth() const { return width; }
 
     GuiSignal<void(CGhostDropList*, int, GHOSTLIST_ITEM*)> OnSelect;
 
@@ -54,7 +57,7 @@ protected:
 
 private:
     void Toggle();
-    void PlaceList();
+    [[nodiscard]] GUI_RECT ListPlace();
     void Chosen(int32_t index, GHOSTLIST_ITEM* item);
     bool SelectUsable(int32_t index, int32_t step);
     [[nodiscard]] bool IsOwnPart(const void* part) const;
@@ -65,6 +68,7 @@ private:
     CGhostList* list = nullptr; // its window is owned by this one's, and ends first
     GUI_RECT placedFor;         // the control's place when it opened, on the screen
     GUI_RECT screen;
+    int32_t width = 0; // of the client area
     int32_t maxHeight;
     int32_t chosen = -1; // the row that the face shows
     bool open = false;

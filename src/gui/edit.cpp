@@ -42,9 +42,6 @@ CGhostEdit::CGhostEdit(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
 }
 
 CGhostEdit::~CGhostEdit() {
-    if (keyboard != nullptr) {
-        keyboard->EditIsGone();
-    }
     OnGone(this);
 }
 

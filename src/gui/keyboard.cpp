@@ -14,10 +14,11 @@
 namespace {
 
 constexpr int32_t kKeyWide = 52; // units
-constexpr int32_t kKeyHigh = 36;
+constexpr int32_t kKeyHigh = 28;
 constexpr int32_t kGap = 4;
-constexpr int32_t kMargin = 16;
-constexpr int32_t kPreviewHigh = 36;
+constexpr int32_t kMargin = 12; // within the frame
+constexpr int32_t kBelow = 16;  // the frame, to the edge of the screen
+constexpr int32_t kPreviewHigh = 28;
 constexpr int32_t kColumns = 12;
 constexpr int32_t kGridRows = 5;
 
@@ -58,21 +59,25 @@ CGhostKeyboard::CGhostKeyboard(CGhostEdit* target)
     }
     GhostTextStyle panel;
     const bool own = theme.GetStyle(L"KEYBOARD_BACKGROUND", panel);
+    around = own ? panel.border.thickness : GUI_EDGES{};
     screen = manager.ScreenRect();
     frame = new CGhostWindowEx(nullptr, 0, own ? L"KEYBOARD" : L"MESSAGEBOX", {},
-                               CGhostWindowEx::kNoSignals, Place());
+                               CGhostWindowEx::kNoSignals | (own ? CGhostWindowEx::kFrame : 0),
+                               Place());
     window = frame->window;
     frame->next = this;
     theme.GetStyle(L"TEXT_LEFT", preview);
     edit->keyboard = this;
     MakeKeys();
+    manager.SetOwner(window, edit->window);
     manager.TakeInput(window);
 }
 
 // Centred, in the lower half, so that the edit is seen as a rule.
 GUI_PLACE CGhostKeyboard::Place() const {
-    return {false, (screen.width - kPanelWide) / 2, screen.height - kPanelHigh - kMargin,
-            kPanelWide, kPanelHigh};
+    const int32_t wide = kPanelWide + around.left + around.right;
+    const int32_t high = kPanelHigh + around.top + around.bottom;
+    return {false, (screen.width - wide) / 2, screen.height - high - kBelow, wide, high};
 }
 
 void CGhostKeyboard::OnTick(unsigned /*microseconds*/) {
@@ -90,15 +95,7 @@ void CGhostKeyboard::OnTick(unsigned /*microseconds*/) {
 }
 
 CGhostKeyboard::~CGhostKeyboard() {
-    if (edit != nullptr) {
-        edit->keyboard = nullptr;
-    }
-}
-
-void CGhostKeyboard::EditIsGone() {
-    edit = nullptr;
-    closing = true;
-    Close();
+    edit->keyboard = nullptr; // which ends after it
 }
 
 void CGhostKeyboard::MakeKeys() {
@@ -176,13 +173,11 @@ void CGhostKeyboard::Done(bool submit) {
     }
     closing = true;
     Close();
-    if (edit != nullptr) {
-        edit->OnKeyDown(submit ? GHOSTGUIKey::kReturn : GHOSTGUIKey::kEscape);
-    }
+    edit->OnKeyDown(submit ? GHOSTGUIKey::kReturn : GHOSTGUIKey::kEscape);
 }
 
 void CGhostKeyboard::PressKey(size_t index) {
-    if (closing || edit == nullptr || index >= keys.size()) {
+    if (closing || index >= keys.size()) {
         return;
     }
     dirty = true;
@@ -248,7 +243,7 @@ bool CGhostKeyboard::OnActivateKey() {
 }
 
 bool CGhostKeyboard::OnCancelKey() {
-    if (edit == nullptr || edit->Text().empty()) {
+    if (edit->Text().empty()) {
         Done(false);
     } else {
         edit->OnKeyDown(GHOSTGUIKey::kBackspace);
@@ -260,7 +255,7 @@ bool CGhostKeyboard::OnCancelKey() {
 // ---- A keyboard on the table, and the mouse.
 
 void CGhostKeyboard::OnKeyDown(GHOSTGUIKey key) {
-    if (closing || edit == nullptr) {
+    if (closing) {
         return;
     }
     switch (key) {
@@ -274,7 +269,7 @@ void CGhostKeyboard::OnKeyDown(GHOSTGUIKey key) {
 }
 
 void CGhostKeyboard::OnChar(unsigned character) {
-    if (!closing && edit != nullptr) {
+    if (!closing) {
         edit->OnChar(character);
         dirty = true;
     }
@@ -338,9 +333,7 @@ void CGhostKeyboard::PaintPreview(CGhostSurface& surface, const GUI_RECT& line) 
 }
 
 void CGhostKeyboard::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
-    if (edit != nullptr) {
-        PaintPreview(*surface, {kMargin, kMargin, kPanelWide - 2 * kMargin, kPreviewHigh});
-    }
+    PaintPreview(*surface, {kMargin, kMargin, kPanelWide - 2 * kMargin, kPreviewHigh});
     for (size_t i = 0; i < keys.size(); ++i) {
         const bool down = i == held || (keys[i].action == Action::kShift && shifted);
         const GhostTextStyle& look = style.states[down ? 2u : i == aim ? 1u : 0u];

@@ -5,7 +5,7 @@
 // keyboard when there is nothing left to delete. A keyboard on the table may be used as well.
 // Styles: KEYBOARD_BACKGROUND for the panel, KEYBOARD_KEY for the keys, or MESSAGEBOX_BACKGROUND and
 //   BUTTON in themes without them.
-// Owner: itself, as every control; it ends with its edit at the latest.
+// Owner: itself, as every control; it floats for its edit and ends with it at the latest.
 #pragma once
 
 #include "gui/control.h"
@@ -44,7 +44,6 @@ protected:
     ~CGhostKeyboard() override;
 
 private:
-    friend class CGhostEdit;
     enum class Action : uint8_t { kCharacter, kShift, kSpace, kBackspace, kLeft, kRight, kDone };
     struct KEY {
         GUI_RECT place;
@@ -55,7 +54,6 @@ private:
     static constexpr size_t kNone = static_cast<size_t>(-1);
 
     explicit CGhostKeyboard(CGhostEdit* target);
-    void EditIsGone();
     [[nodiscard]] GUI_PLACE Place() const;
     void MakeKeys();
     [[nodiscard]] std::wstring Caption(const KEY& key) const;
@@ -67,7 +65,8 @@ private:
     CGhostEdit* edit;
     GhostButtonStyle style;
     GhostTextStyle preview;
-    GUI_RECT screen; // that it was placed for
+    GUI_RECT screen;  // that it was placed for
+    GUI_EDGES around; // of its frame
     std::vector<KEY> keys;
     size_t aim = 0;       // the key that the controller is on
     size_t held = kNone;  // under a held button

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int32_t kRowGap = 2; // of a row's height, beyond its font and image
-constexpr int32_t kBeside = 4; // between a row's image and its text
+constexpr int32_t kBeside = 4; // left of a row's image, and between it and its text
 
 } // namespace
 
@@ -92,7 +92,7 @@ int32_t CGhostList::TextX() const {
     const bool images =
         side > 0 && std::any_of(items.begin(), items.end(),
                                 [](const GHOSTLIST_ITEM& item) { return item.image >= 0; });
-    return images ? side + kBeside : 0;
+    return images ? kBeside + side + kBeside : 0;
 }
 
 // ---- What is reported.
@@ -176,7 +176,7 @@ void CGhostList::PaintRow(CGhostSurface& surface, int32_t row, int32_t y, int32_
     PaintFill(surface, text.bg, {0, y, width, rowHeight});
     text.bg.type = GhostFill::kNone;
     const int32_t side = ListImageSide(style.imageList);
-    PaintListImage(surface, style.imageList, item.image, 0, y + (rowHeight - side) / 2);
+    PaintListImage(surface, style.imageList, item.image, kBeside, y + (rowHeight - side) / 2);
     PaintText(surface, text, item.text, {textX, y, width - textX, rowHeight});
 }
 

@@ -73,6 +73,11 @@ void CGhostListView::PaintRow(CGhostSurface& surface, int32_t row, int32_t y) {
 
 void CGhostListView::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
     PaintFill(*surface, style.list.bg.bg, {0, 0, width, height});
+    // The headings go on beside the last column, as the rows do. The right end, which parts two columns, lies
+    // beyond the edge.
+    const GhostTexture& heading = style.header.states[0].bg;
+    const int32_t rest = ColumnX(ColumnCount());
+    PaintFill(*surface, heading, {rest, 0, width - rest + heading.rect.right, style.headerHeight});
     surface->PushOrigin({0, style.headerHeight, width, Page()});
     const int32_t first = scrollPixels / rowHeight;
     for (int32_t row = first; row < rowCount && row * rowHeight - scrollPixels < Page(); ++row) {

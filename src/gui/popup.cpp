@@ -1,5 +1,6 @@
 #include "gui/popup.h"
 
+#include "gui/floating_list.h"
 #include "gui/manager.h"
 
 namespace {
@@ -10,33 +11,24 @@ constexpr int32_t kBesideText = 35; // of a menu's width, beyond its widest item
 
 // The companion window has no size; it carries the control, and the list floats for it.
 CGhostPopup::CGhostPopup(GHOSTMANAGER_WINDOW* parent, uint32_t creationId) {
-    CGhostManager& manager = CGhostManager::Get();
     window = MakeControlWindow(parent, creationId, this, {});
-    list = new CGhostList(nullptr, creationId, L"POPUPMENU",
-                          CGhostList::kReportsAgain | CGhostList::kOnRelease | CGhostList::kKeysAim,
-                          {});
-    list->SetVisible(false);
-    manager.SetTabStop(list->window, false);
-    manager.SetOwner(list->window, window);
-    manager.SetPart(list->window);
+    list = MakeFloatingList(
+        window, creationId, L"POPUPMENU", [this] { Hide(); },
+        [this](const void* part) { return IsOwnPart(part); });
     list->OnSelect.connect([this](CGhostList*, int index, GHOSTLIST_ITEM* item) {
         if (item != nullptr) {
             Hide();
             OnSelect(this, index, item);
         }
     });
-    list->OnCancel.connect([this](CGhostList*) { Hide(); });
-    // Checks the present focus: the list may have it back.
-    list->OnFocusChange.connect([this](CGhostList*, bool gained, void*) {
-        if (!gained && !HasFocus()) {
-            Hide();
-        }
-    });
+}
+
+bool CGhostPopup::IsOwnPart(const void* part) const {
+    return part == list->window || part == list->ScrollbarWindow();
 }
 
 bool CGhostPopup::HasFocus() const {
-    const GHOSTMANAGER_WINDOW* const focus = CGhostManager::Get().FocusWindow();
-    return focus == list->window || focus == list->ScrollbarWindow();
+    return IsOwnPart(CGhostManager::Get().FocusWindow());
 }
 
 // The list's bar does not tell who took the focus from it. On a screen of another size the menu's place is wrong.
@@ -77,9 +69,7 @@ void CGhostPopup::ShowAt(int32_t x, int32_t y) {
     list->SetSelected(-1, false);
     list->SetHot(-1);
     SetZOrder(-1);
-    list->SetZOrder(-1);
-    list->SetVisible(true);
-    list->SetFocus();
+    OpenFloatingList(*list, place);
 }
 
 void CGhostPopup::Hide() {

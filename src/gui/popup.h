@@ -30,6 +30,7 @@ protected:
 
 private:
     [[nodiscard]] bool HasFocus() const;
+    [[nodiscard]] bool IsOwnPart(const void* part) const;
 
     CGhostList* list = nullptr; // its window is owned by this one's, and ends first
     GUI_RECT screen;            // that it was placed for

@@ -299,14 +299,28 @@ uint32_t CGhostScrollbar::StateOf(Part part) const {
     return held == part ? kPressed : hot == part && held == Part::kNone ? kHot : kNormal;
 }
 
+namespace {
+
+// The second fill, within the margins, marks a state.
+void PaintPart(CGhostSurface& surface, const GhostTextStyle& look, const GUI_RECT& place) {
+    PaintFill(surface, look.bg, place);
+    const GUI_EDGES& margin = look.textRect;
+    PaintFill(surface, look.bg2,
+              {place.x + margin.left, place.y + margin.top,
+               place.width - margin.left - margin.right,
+               place.height - margin.top - margin.bottom});
+}
+
+} // namespace
+
 void CGhostScrollbar::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
     const int32_t arrowHigh = style.verArrowButtonHeight;
     PaintText(*surface, style.bg, {}, {0, 0, width, height});
-    PaintText(*surface, style.verTop.states[StateOf(Part::kTop)], {}, {0, 0, width, arrowHigh});
-    PaintText(*surface, style.verBottom.states[StateOf(Part::kBottom)], {},
+    PaintPart(*surface, style.verTop.states[StateOf(Part::kTop)], {0, 0, width, arrowHigh});
+    PaintPart(*surface, style.verBottom.states[StateOf(Part::kBottom)],
               {0, height - arrowHigh, width, arrowHigh});
     if (total > page) {
-        PaintText(*surface, style.verMid.states[StateOf(Part::kThumb)], {},
+        PaintPart(*surface, style.verMid.states[StateOf(Part::kThumb)],
                   {0, arrowHigh + thumbTop, width, thumbLength});
     }
     if (focused && ownKeys) {

@@ -1,6 +1,7 @@
 #include "gui/slider.h"
 
 #include "gui/manager.h"
+#include "gui/ring.h"
 #include "gui/surface.h"
 #include "gui/text.h"
 #include "gui/theme.h"
@@ -11,6 +12,9 @@
 namespace {
 
 constexpr float kFineSteps = 100.0f; // across the whole, for a range below it or of fractions
+constexpr int32_t kHandle = 4;       // units across; half of it on either side of the value
+constexpr int32_t kHeldHandle = 8;
+constexpr int32_t kHandleMargin = 4; // above and below it
 
 } // namespace
 
@@ -83,8 +87,10 @@ void CGhostSlider::OnResize(int /*outerWidth*/, int /*outerHeight*/, int clientW
     dirty = true;
 }
 
-void CGhostSlider::OnMouseMove(int x, int /*y*/) {
-    ShowCursor(kCursorHot);
+void CGhostSlider::OnMouseMove(int x, int y) {
+    ShowCursor(readOnly ? kCursorNormal : kCursorHot);
+    hovered = x >= 0 && y >= 0 && x < width && y < height;
+    dirty = true;
     if (dragging && width > 0) {
         Change(static_cast<float>(std::clamp(x, 0, width)) / static_cast<float>(width));
     }
@@ -92,6 +98,13 @@ void CGhostSlider::OnMouseMove(int x, int /*y*/) {
 
 void CGhostSlider::OnMouseLeave() {
     ShowCursor(kCursorNormal);
+    hovered = false;
+    dirty = true;
+}
+
+void CGhostSlider::EndDrag() {
+    dragging = false;
+    dirty = true;
 }
 
 void CGhostSlider::OnMouseDown(int x, int y, unsigned button) {
@@ -103,18 +116,18 @@ void CGhostSlider::OnMouseDown(int x, int y, unsigned button) {
 
 void CGhostSlider::OnMouseDoubleClick(int x, int y, unsigned button) {
     OnMouseDown(x, y, button);
-    dragging = false; // the press of a double click is not captured
+    EndDrag(); // the press of a double click is not captured
 }
 
 void CGhostSlider::OnMouseUp(int /*x*/, int /*y*/, unsigned button) {
     if (button == kLeftButton) {
-        dragging = false;
+        EndDrag();
     }
 }
 
 void CGhostSlider::OnTick(unsigned /*microseconds*/) {
     if (dragging) {
-        RestWithoutCapture(window, [this] { dragging = false; });
+        RestWithoutCapture(window, [this] { EndDrag(); });
     }
 }
 
@@ -155,11 +168,21 @@ bool CGhostSlider::OnNavigate(GUI_DIRECTION direction) {
     return Step(right ? 1 : -1);
 }
 
+void CGhostSlider::PaintHandle(CGhostSurface& surface, int32_t at) const {
+    const int32_t wide = dragging ? kHeldHandle : kHandle;
+    const int32_t high = surface.Height() - 2 * kHandleMargin;
+    const int32_t x = std::clamp(at - wide / 2, 0, std::max(0, surface.Width() - wide));
+    PaintRing(surface, {x, kHandleMargin, wide, high}, wide / 2, wide / 2, style.textColour);
+}
+
 void CGhostSlider::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
     const GUI_RECT whole{0, 0, surface->Width(), surface->Height()};
     PaintFill(*surface, style.bg, whole);
     const auto filled = static_cast<int32_t>(static_cast<float>(whole.width) * value);
     PaintFill(*surface, style.bg2, {0, 0, filled, whole.height});
+    if (!readOnly && (hovered || dragging)) {
+        PaintHandle(*surface, filled);
+    }
     GhostTextStyle text = style;
     text.bg.type = GhostFill::kNone;
     const auto number = static_cast<int64_t>(std::floor(value * range + minimum));

@@ -1,4 +1,7 @@
 // CGhostSlider: a bar with a value from 0 to 1, shown as a number from `minimum` to `minimum` + `range`.
+//
+// Under the mouse a handle at the value, in the colour of the number, says that it can be dragged; while it is
+// dragged the handle is wider. A read-only one, such as a progress bar, has none.
 #pragma once
 
 #include "gui/control.h"
@@ -43,12 +46,15 @@ protected:
 private:
     bool Step(int steps); // false at an end
     void Change(float wanted);
+    void EndDrag();
+    void PaintHandle(CGhostSurface& surface, int32_t at) const;
 
     GhostTextStyle style;
     int32_t width = 0;
     int32_t height = 0;
     bool readOnly = false;
     bool dragging = false;
+    bool hovered = false;
     bool focused = false;
     float value = 0.0f;
     float minimum;

@@ -360,22 +360,57 @@ void CGhostSurface::Blit(const GUI_BITMAP& bitmap, const GUI_RECT& target, int32
     }
 }
 
+namespace {
+
+// The pixels of an axis of `extent` pixels over which a bitmap's `bitmapPixels` are spread, from `from` to `to`.
+std::vector<TAP> StretchTaps(int32_t from, int32_t to, int32_t extent, int32_t bitmapPixels,
+                             bool mixes) {
+    const SourceAxis axis(0, bitmapPixels, bitmapPixels, bitmapPixels, extent);
+    std::vector<TAP> taps;
+    for (int32_t at = from; at < to; ++at) {
+        const auto nearest = static_cast<int32_t>(int64_t{at} * bitmapPixels / extent);
+        taps.push_back(mixes ? axis.At(at) : TAP{nearest, nearest, 0});
+    }
+    return taps;
+}
+
+} // namespace
+
+// Nearest neighbour, sampled at the pixel's corner. On denser screens, where a step would be seen, pixels
+// between two of the bitmap's are mixed of both.
 void CGhostSurface::BlitScaled(const GUI_BITMAP& bitmap, const GUI_RECT& target) {
     const PIXEL_RECT whole = ToPixels(target);
     const PIXEL_RECT visible = Clipped(whole);
     if (visible.Empty() || bitmap.pixels.empty()) {
         return;
     }
-    // Nearest neighbour, sampled at the pixel's corner.
-    const int64_t width = whole.right - whole.left;
-    const int64_t height = whole.bottom - whole.top;
+    const bool mixes = density > 1.0;
+    const std::vector<TAP> columns =
+        StretchTaps(visible.left - whole.left, visible.right - whole.left, whole.right - whole.left,
+                    bitmap.pixelWidth, mixes);
+    const std::vector<TAP> rows = StretchTaps(visible.top - whole.top, visible.bottom - whole.top,
+                                              whole.bottom - whole.top, bitmap.pixelHeight, mixes);
+    const auto rowOf = [&](int32_t row) {
+        return bitmap.pixels.data() + static_cast<ptrdiff_t>(row) * bitmap.pixelWidth;
+    };
     for (int32_t y = visible.top; y < visible.bottom; ++y) {
-        const int64_t sourceRow = int64_t{y - whole.top} * bitmap.pixelHeight / height;
-        const uint32_t* const from = bitmap.pixels.data() + sourceRow * bitmap.pixelWidth;
-        uint32_t* const to = Row(y);
-        for (int32_t x = visible.left; x < visible.right; ++x) {
-            const int64_t column = int64_t{x - whole.left} * bitmap.pixelWidth / width;
-            to[x] = BlendPixel(to[x], from[column]);
+        const TAP& row = rows[static_cast<size_t>(y - visible.top)];
+        uint32_t* to = Row(y) + visible.left;
+        for (const TAP& column : columns) {
+            *to = BlendPixel(*to, MixPixels(rowOf(row.low), rowOf(row.high), column, row.share));
+            ++to;
+        }
+    }
+}
+
+void CGhostSurface::KeepMask(int32_t x, int32_t y, const uint8_t* coverage, int32_t width,
+                             int32_t height) {
+    const PIXEL_RECT visible = Clipped({x, y, x + width, y + height});
+    for (int32_t row = visible.top; row < visible.bottom; ++row) {
+        const uint8_t* const from = coverage + static_cast<ptrdiff_t>(row - y) * width;
+        uint32_t* const to = Row(row);
+        for (int32_t column = visible.left; column < visible.right; ++column) {
+            to[column] = WithCoverage(to[column], from[column - x]);
         }
     }
 }

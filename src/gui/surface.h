@@ -77,6 +77,8 @@ public:
     // A coverage mask in one colour, its upper left at a pixel of the whole surface.
     void StampMask(int32_t x, int32_t y, const uint8_t* coverage, int32_t width, int32_t height,
                    int32_t pitch, uint32_t argb);
+    // Scales the opacity of what is there by a coverage mask, likewise placed.
+    void KeepMask(int32_t x, int32_t y, const uint8_t* coverage, int32_t width, int32_t height);
     // Pixel edge of a place in units, from the surface's left or upper edge. `units` may be a fraction.
     [[nodiscard]] int32_t PixelX(double units) const;
     [[nodiscard]] int32_t PixelY(double units) const;

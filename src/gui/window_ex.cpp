@@ -18,27 +18,48 @@ constexpr int32_t kButtonsWide = 3 * CGhostWindowEx::kTitleHeight;
 CGhostWindowEx::CGhostWindowEx(GHOSTMANAGER_WINDOW* parent, uint32_t creationId,
                                const std::wstring& style, const std::wstring& caption,
                                uint32_t windowFlags, const GUI_PLACE& place)
-    : baseStyle(style)
-    , captionStyle(style + L"_TITLE")
-    , flags(windowFlags) {
-    CGhostTheme::Get().GetStyle(baseStyle + L"_BACKGROUND", background);
-    CGhostTheme::Get().GetStyle(baseStyle + L"_SCROLLBAR", scrollbarStyle);
+    : flags(windowFlags) {
     window = MakeControlWindow(parent, creationId, this, place);
     scrollbar = new CGhostScrollbar(window, creationId, L"WINDOW_SCROLLBAR", {true, 0, 0, 0, 0});
     scrollbar->SetVisible(false);
     CGhostManager::Get().SetPart(scrollbar->window);
-    if (scrollbarStyle.verWidth > 0) {
-        scrollbar->SetStyle(scrollbarStyle);
-    }
+    ReadStyle(style);
     if ((flags & kTitle) != 0) {
         MakeTitle(caption);
     }
     PlaceControl(window, place);
+    ApplyFrame();
+}
+
+void CGhostWindowEx::ReadStyle(const std::wstring& name) {
+    baseStyle = name;
+    captionStyle = name + L"_TITLE";
+    CGhostTheme::Get().GetStyle(name + L"_BACKGROUND", background);
+    CGhostTheme::Get().GetStyle(name + L"_SCROLLBAR", scrollbarStyle);
+    if (scrollbarStyle.verWidth > 0) {
+        scrollbar->SetStyle(scrollbarStyle);
+    } else {
+        scrollbar->SetStyle(L"WINDOW_SCROLLBAR");
+    }
+}
+
+void CGhostWindowEx::ApplyFrame() {
     if ((flags & (kFrame | kTitle)) != 0) {
         GhostBorderStyle border = (flags & kFrame) != 0 ? background.border : GhostBorderStyle{};
         border.thickness = FrameEdges();
         CGhostManager::Get().SetWindowFrame(window, &border);
     }
+}
+
+// The bar of the new style may be as wide as another.
+void CGhostWindowEx::SetStyle(const std::wstring& name) {
+    ReadStyle(name);
+    if (title != nullptr) {
+        title->SetStyle(captionStyle);
+    }
+    ApplyFrame();
+    CGhostManager::Get().RecalcClient(window);
+    dirty = true;
 }
 
 GUI_EDGES CGhostWindowEx::FrameEdges() const {

@@ -27,6 +27,7 @@ public:
                    const std::wstring& caption, uint32_t windowFlags, const GUI_PLACE& place);
 
     void SetCaption(const std::wstring& text);
+    void SetStyle(const std::wstring& name); // another base name
     // Drawn over the background, from the client area's corner. Null takes it away. The image stays its
     // owner's.
     void SetBackgroundImage(const GUI_BITMAP* image);
@@ -68,6 +69,8 @@ protected:
     ~CGhostWindowEx() override = default;
 
 private:
+    void ReadStyle(const std::wstring& name);
+    void ApplyFrame();
     void MakeTitle(const std::wstring& caption);
     void PlaceTitle(int width);
     [[nodiscard]] bool HasSignals() const { return (flags & kNoSignals) == 0; }

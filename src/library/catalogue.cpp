@@ -1,12 +1,16 @@
 #include "library/catalogue.h"
 
 #include "base/files.h"
+#include "base/ordered_work.h"
 #include "base/text.h"
 #include "facts/machine_facts.h"
 #include "library/folder_conversion.h"
 #include "library/folder_list.h"
 #include "library/game_source.h"
+#include "library/library_index.h"
 
+#include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace fs = std::filesystem;
@@ -18,6 +22,14 @@ int32_t LastSelector() {
 }
 
 } // namespace
+
+void ReadThroughIndex(LibraryIndex& index, CATALOGUE_HOOKS& hooks) {
+    hooks.loadBegins = [&index](const fs::path& folder) { index.LoadFolder(folder); };
+    hooks.loadGame = [&index](const fs::path& path, CGameFile& game) {
+        return index.LoadGame(path, game);
+    };
+    hooks.loadEnds = [&index] { index.Commit(); };
+}
 
 Catalogue::Catalogue(CATALOGUE_HOOKS owner, int32_t start)
     : hooks(std::move(owner))
@@ -182,35 +194,58 @@ void Catalogue::Convert() {
     }
 }
 
-void Catalogue::ReadGame(const fs::path& path) {
-    CGameFile game;
-    const bool loaded =
-        hooks.loadGame ? hooks.loadGame(path, game) : LoadGameFile(true, path, game);
-    if (!loaded || game.Header().system != system) {
-        return;
+bool Catalogue::LoadGame(const fs::path& name, READ_GAME& read) const {
+    if (KindOfFile(system, name) != FolderFile::kGame) {
+        return false;
     }
+    read.path = folder / name;
+    const bool loaded = hooks.loadGame ? hooks.loadGame(read.path, read.game)
+                                       : LoadGameFile(true, read.path, read.game);
+    return loaded && read.game.Header().system == system;
+}
+
+void Catalogue::AddRows(const READ_GAME& read) {
     if (hooks.gameFound) {
-        hooks.gameFound(path, game);
+        hooks.gameFound(read.path, read.game);
     }
     GameListRow row;
-    for (uint32_t index = 0; MakeRow(path, game, index, database, row); ++index) {
+    for (uint32_t index = 0; MakeRow(read.path, read.game, index, database, row); ++index) {
         const std::scoped_lock guard(rowsLock);
         rows.push_back(std::move(row));
     }
 }
 
+// A disk reads several files at once far faster than one after the other; the rows are made in the
+// order of the names.
 void Catalogue::ReadGames(const std::vector<fs::path>& names) {
+    constexpr size_t kFilesAtOnce = 32;
+    constexpr WORK_LIMITS kReaders{.threads = 8, .items = 16};
     if (hooks.loadBegins) {
         hooks.loadBegins(folder);
     }
-    for (size_t i = 0; i < names.size() && !stop; ++i) {
-        if (KindOfFile(system, names[i]) == FolderFile::kGame) {
-            ReadGame(folder / names[i]);
+    const auto load = [&](size_t part) {
+        const size_t first = part * kFilesAtOnce;
+        std::vector<std::optional<READ_GAME>> games(std::min(kFilesAtOnce, names.size() - first));
+        for (size_t i = 0; i < games.size() && !stop; ++i) {
+            if (!LoadGame(names[first + i], games[i].emplace())) {
+                games[i].reset();
+            }
         }
-        scanProgress =
-            static_cast<int32_t>(static_cast<float>(i + 1) / static_cast<float>(names.size()) *
-                                 static_cast<float>(kFullProgress));
-    }
+        return games;
+    };
+    const auto take = [&](size_t part, const std::vector<std::optional<READ_GAME>>& games) {
+        for (size_t i = 0; i < games.size() && !stop; ++i) {
+            if (games[i]) {
+                AddRows(*games[i]);
+            }
+            const auto done = static_cast<float>(part * kFilesAtOnce + i + 1);
+            scanProgress = static_cast<int32_t>(done / static_cast<float>(names.size()) *
+                                                static_cast<float>(kFullProgress));
+        }
+        return !stop;
+    };
+    const std::vector<uint64_t> parts((names.size() + kFilesAtOnce - 1) / kFilesAtOnce);
+    RunInOrder(parts, kReaders, load, take);
     if (hooks.loadEnds) {
         hooks.loadEnds();
     }

@@ -24,6 +24,8 @@
 #include <thread>
 #include <vector>
 
+class LibraryIndex;
+
 // scanState
 enum ScanState : int32_t {
     kScanIdle = 0,
@@ -57,12 +59,15 @@ struct CATALOGUE_HOOKS {
     // By the worker. The option panel's slots 1 and 2:
     std::function<void()> scanBegins;
     std::function<void(const std::filesystem::path& path, const CGameFile& game)> gameFound;
-    // The records of a `.game`; empty: LoadGameFile, header only.
+    // The records of a `.game`, on several threads at once; empty: LoadGameFile, header only.
     std::function<bool(const std::filesystem::path& path, CGameFile& game)> loadGame;
     // Before the first and after the last loadGame of a scan.
     std::function<void(const std::filesystem::path& folder)> loadBegins;
     std::function<void()> loadEnds;
 };
+
+// The hooks that read games through an index, which outlives the catalogue.
+void ReadThroughIndex(LibraryIndex& index, CATALOGUE_HOOKS& hooks);
 
 struct SCAN_COUNTERS {
     uint32_t good = 0;
@@ -111,6 +116,11 @@ public:
 private:
     using Lock = RankedMutex<LockRank::kLeaf>;
 
+    struct READ_GAME {
+        std::filesystem::path path;
+        CGameFile game; // records only
+    };
+
     void StartScan();
     void ScanWorker();
     void Report(ConversionCount count, const std::wstring& line);
@@ -118,7 +128,9 @@ private:
     [[nodiscard]] bool HasSources(const std::vector<std::filesystem::path>& names);
     void Convert();
     void ReadGames(const std::vector<std::filesystem::path>& names);
-    void ReadGame(const std::filesystem::path& path);
+    // False for what is no game of the system.
+    [[nodiscard]] bool LoadGame(const std::filesystem::path& name, READ_GAME& read) const;
+    void AddRows(const READ_GAME& read);
 
     CATALOGUE_HOOKS hooks;
     int32_t selector = 0;

@@ -97,10 +97,14 @@ void GatherZip(uint16_t system, std::span<const uint8_t> archive, GATHERED& gath
             gathered.leftOut = "entry " + std::to_string(index);
             continue;
         }
-        if (entry.unpackedSize == 0) {
-            continue; // a folder, or nothing to lose
-        }
         std::string cause;
+        if (entry.unpackedSize == 0) {
+            // A folder or an empty file, unless the archive states a wrong size.
+            if (!reader.Unpack(index, bytes, cause, kLargestImage)) {
+                gathered.leftOut = cause;
+            }
+            continue;
+        }
         const std::string name = Utf8FromWide(LastPathComponent(entry.name));
         if (!ValidExtension(system, name) || entry.unpackedSize > room ||
             !reader.Unpack(index, bytes, cause, kLargestImage)) {

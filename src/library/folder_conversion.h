@@ -18,9 +18,8 @@
 // no entry wants. Archives are never taken for interleaved dumps.
 //
 // With `keepSources` sources move into the subfolder `sources` instead of being deleted.
-//
-// Departures in what is converted: an empty file, a copier's header without an image, an image of more
-// than kImageLimit bytes and what is no regular file stay, with a line each.
+// An empty file, a copier's header without an image, a file of more than kLargestImage bytes (a zip of
+// more than kLargestZip) and what is no regular file are not converted; each gets a line.
 #pragma once
 
 #include <atomic>

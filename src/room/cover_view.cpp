@@ -113,6 +113,6 @@ void CoverView::CoverClick(int button, int32_t x, int32_t y) {
         zoomed = slot == zoomed ? kMostCovers : slot;
         PlaceCamera();
     } else if (button == 2) {
-        slots[slot].flipping = true;
+        TurnOver(slot);
     }
 }

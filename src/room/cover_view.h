@@ -43,6 +43,8 @@ public:
 
     // Button 1 zooms in on a box and out again, button 2 turns it round.
     void CoverClick(int button, int32_t x, int32_t y);
+    // Turns a box round, as button 2 does.
+    void TurnOver(size_t slot) { slots.at(slot).flipping = true; }
     // The camera leans after the pointer; the steps are cut to 3 across and 0.8 upwards.
     void Lean(float across, float up);
     void Update(float seconds);

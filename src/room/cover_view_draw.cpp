@@ -73,35 +73,48 @@ void CoverViewDrawing::Start(const ModelLoader& load) {
 }
 
 void CoverViewDrawing::End() {
-    for (TEXTURE_RECORD& cover : covers) {
-        DestroyTexture(cover);
+    for (COVER& cover : covers) {
+        DestroyTexture(cover.texture);
+        cover.uploaded = false;
     }
-    hasCover.fill(false);
     boxes = {};
     cabinet.reset();
 }
 
 void CoverViewDrawing::SetCover(size_t slot, const uint32_t* pixels, uint32_t width,
                                 uint32_t height) {
-    hasCover.at(slot) = false;
-    TEXTURE_RECORD& cover = covers[slot];
-    if (pixels == nullptr || width == 0 || height == 0) {
-        return;
+    COVER& cover = covers.at(slot);
+    cover.uploaded = false;
+    cover.pixels.clear();
+    if (pixels != nullptr && width != 0 && height != 0) {
+        cover.width = width;
+        cover.height = height;
+        cover.pixels.assign(pixels, pixels + size_t{width} * height);
     }
-    if (cover.glTexture == 0) {
-        cover = MakeCoverTexture();
+}
+
+// When it is first drawn.
+bool CoverViewDrawing::Upload(COVER& cover) const {
+    if (cover.uploaded || cover.pixels.empty()) {
+        return cover.uploaded;
     }
-    if (cover.glTexture == 0) {
-        return;
+    if (cover.texture.glTexture == 0) {
+        cover.texture = MakeCoverTexture();
     }
-    cover.width = std::min(width, cover.texWidth);
-    cover.height = std::min(height, cover.texHeight);
+    if (cover.texture.glTexture == 0) {
+        return false;
+    }
+    TEXTURE_RECORD& texture = cover.texture;
+    texture.width = std::min(cover.width, texture.texWidth);
+    texture.height = std::min(cover.height, texture.texHeight);
+    const uint32_t* pixels = cover.pixels.data();
     std::vector<uint32_t> reduced;
-    if (cover.width != width || cover.height != height) {
-        reduced = Reduced(pixels, width, height, cover.width, cover.height);
+    if (texture.width != cover.width || texture.height != cover.height) {
+        reduced = Reduced(pixels, cover.width, cover.height, texture.width, texture.height);
         pixels = reduced.empty() ? nullptr : reduced.data();
     }
-    hasCover[slot] = UploadWithLevels(cover, pixels);
+    cover.uploaded = pixels != nullptr && UploadWithLevels(texture, pixels);
+    return cover.uploaded;
 }
 
 void CoverViewDrawing::DrawBox(RoomPainter& painter, const CoverView::SLOT& slot, size_t index) {
@@ -113,22 +126,26 @@ void CoverViewDrawing::DrawBox(RoomPainter& painter, const CoverView::SLOT& slot
         return;
     }
     Model_3DS::Material& front = box.model->materials[0];
-    front.texture = hasCover[index] ? covers[index] : box.own;
-    front.textured = hasCover[index] || box.ownTextured;
+    const bool hasCover = Upload(covers[index]);
+    front.texture = hasCover ? covers[index].texture : box.own;
+    front.textured = hasCover || box.ownTextured;
     painter.SetTransform(
         Multiply(Translation(CoverView::PlaceOf(index)), RotationAboutY(slot.turn)));
     box.model->Draw(painter);
 }
 
 void CoverViewDrawing::Draw(RoomPainter& painter, const CoverView& view, const COVER_RECTANGLE& at,
-                            uint32_t screenWidth, uint32_t screenHeight) {
-    if (at.width <= 0 || at.height <= 0) {
+                            const COVER_RECTANGLE& seen, uint32_t screenWidth,
+                            uint32_t screenHeight) {
+    if (at.width <= 0 || at.height <= 0 || seen.width <= 0 || seen.height <= 0) {
         return;
     }
     // OpenGL counts rows from the bottom.
-    const int32_t bottom = static_cast<int32_t>(screenHeight) - at.y - at.height;
-    Perspective(at.x, bottom, at.width, at.height);
-    glScissor(at.x, bottom, at.width, at.height);
+    const auto bottomOf = [&](const COVER_RECTANGLE& rectangle) {
+        return static_cast<int32_t>(screenHeight) - rectangle.y - rectangle.height;
+    };
+    Perspective(at.x, bottomOf(at), at.width, at.height);
+    glScissor(seen.x, bottomOf(seen), seen.width, seen.height);
     glEnable(GL_SCISSOR_TEST);
     glClear(GL_DEPTH_BUFFER_BIT);
 

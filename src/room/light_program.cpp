@@ -20,7 +20,7 @@ constexpr float kTelevisionLinear = 0.01f;
 constexpr float kTelevisionQuadratic = 0.0001f;
 constexpr float kFalloffScale = 0.000001f;
 
-constexpr size_t kMostLightSets = 8; // kept compiled
+constexpr size_t kMostLightSets = 64; // kept compiled: an evening's comings and goings
 
 // The kind of a surface, in one number.
 enum SurfaceBits : uint32_t { kGlossy = 1, kTextured = 2, kTelevision = 4 };

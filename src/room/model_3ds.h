@@ -110,15 +110,25 @@ public:
     float tvBrightness = 0.0f;
 
 private:
-    // Where an object's arrays lie: in a buffer of the painter's, or in this model's memory.
+    // What of a group is drawn in one call. The indices begin with those of closed parts.
+    struct PART {
+        size_t group = 0;   // of the object
+        size_t first = 0;   // of the mesh's indices
+        int32_t closed = 0; // indices of triangles on closed parts
+        int32_t open = 0;   // of the others
+    };
+    // Where an object's arrays lie: in buffers of the painter's, or in memory.
     struct MESH {
         uint32_t vertexBuffer = 0;
-        std::vector<uint32_t> indexBuffers; // by group
+        uint32_t indexBuffer = 0;
+        std::vector<uint16_t> indices; // of all parts
+        std::vector<PART> parts;
     };
 
-    void MakeMesh(RoomPainter& painter, const Object& object, MESH& mesh) const;
-    void DrawGroup(RoomPainter& painter, const MaterialFaces& group, uint32_t indexBuffer) const;
-
+    [[nodiscard]] MESH MakeMesh(RoomPainter& painter, const Object& object) const;
+    void DrawMesh(RoomPainter& painter, const Object& object, const MESH& mesh) const;
+    void DrawPart(RoomPainter& painter, const Object& object, const MESH& mesh, const PART& part,
+                  bool fromOutside) const;
     std::vector<MESH> meshes;    // by object
     uint64_t preparedFor = 0;    // the painter's start; 0: none
     TEXTURE_RECORD ownTexture{}; // the first material's, while a picture replaces it

@@ -6,6 +6,7 @@
 #include "settings/settings.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -22,13 +23,19 @@ VECTOR3 EyeOf(const MATRIX4& view) {
                                Dot({view[8], view[9], view[10]}, moved)};
 }
 
+// How far from the eye a corner of the near plane is.
+float NearReach(const MATRIX4& projection) {
+    const float distance = projection[14] / (projection[10] - 1.0f);
+    return Length({distance / projection[0], distance / projection[5], distance});
+}
+
 } // namespace
 
 void RoomPainter::Start(const ROOM_SERVICES& services) {
     Release();
     generation = ++gGenerations;
     gl = LoadGlFunctions(services.loader);
-    textures.Start(services.readFile, services.report);
+    textures.Start(services.readFile, services.report, services.readSpare);
     std::string error;
     if (!program.Start(gl, error) && services.report) {
         services.report(error);
@@ -79,16 +86,15 @@ void RoomPainter::BeginScene(const MATRIX4& projection, const MATRIX4& view) {
         anisotropic && Gl().largestAnisotropy > 0.0f ? Gl().largestAnisotropy : kNoAnisotropy;
     textures.SetAnisotropy(anisotropy);
 
-    material = {};
-    texture = 0;
-    texturePlace = {};
-    brightness = 0.0f;
+    wanted = {};
+    listed.clear();
     stateKnown = false;
-    arraysKnown = false;
     boundVertexBuffer = boundIndexBuffer = 0;
     program.ForgetState();
 
     camera = Multiply(projection, view);
+    viewing = view;
+    reach = NearReach(projection);
     program.SetEye(EyeOf(view));
     glMatrixMode(GL_PROJECTION);
     glLoadMatrixf(camera.data());
@@ -104,7 +110,9 @@ void RoomPainter::BeginScene(const MATRIX4& projection, const MATRIX4& view) {
 }
 
 void RoomPainter::EndScene() {
+    Flush();
     program.Off(counters);
+    glDisable(GL_CULL_FACE);
     BindBuffer(GL_ARRAY_BUFFER, 0, boundVertexBuffer);
     BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0, boundIndexBuffer);
     glDisableClientState(GL_VERTEX_ARRAY);
@@ -118,9 +126,8 @@ void RoomPainter::EndScene() {
 
 void RoomPainter::SetTransform(const MATRIX4& model) {
     toClip = Multiply(camera, model);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadMatrixf(model.data());
-    ++counters.matrixLoads;
+    toEye = Multiply(viewing, model);
+    wanted.transform = model;
 }
 
 // The box is out of view if all its corners lie on the wrong side of one of the view's six planes.
@@ -144,17 +151,23 @@ bool RoomPainter::InView(VECTOR3 low, VECTOR3 high) {
     return wrongOfAll == 0;
 }
 
-void RoomPainter::SetMaterial(const SURFACE_MATERIAL& wanted) {
-    material = wanted;
-    material.shininess = std::clamp(material.shininess, 0.0f, kMostShininess);
-    brightness = 0.0f;
+bool RoomPainter::EyeOutside(VECTOR3 low, VECTOR3 high) const {
+    const VECTOR3 eye = EyeOf(toEye);
+    return eye.x < low.x - reach || eye.x > high.x + reach || eye.y < low.y - reach ||
+           eye.y > high.y + reach || eye.z < low.z - reach || eye.z > high.z + reach;
 }
 
-void RoomPainter::SelectTexture(uint32_t name, const TEXTURE_PLACE& wanted) {
-    texture = name;
-    texturePlace = wanted;
+void RoomPainter::SetMaterial(const SURFACE_MATERIAL& material) {
+    wanted.material = material;
+    wanted.material.shininess = std::clamp(material.shininess, 0.0f, kMostShininess);
+    wanted.brightness = 0.0f;
+}
+
+void RoomPainter::SelectTexture(uint32_t name, const TEXTURE_PLACE& place) {
+    wanted.texture = name;
+    wanted.place = place;
     if (name != 0) {
-        material.diffuse = {};
+        wanted.material.diffuse = {};
     }
 }
 
@@ -171,18 +184,18 @@ void RoomPainter::BindTexture(const TEXTURE_RECORD* record) {
 
 // The texture's filters are set here, since the full screen sets others.
 void RoomPainter::BindPicture(const TEXTURE_RECORD& record, const EMU_VIDEO_FRAME& picture,
-                              float pictureBrightness) {
+                              float brightness) {
     BindTexture(&record);
     if (record.glTexture == 0) {
         return;
     }
-    brightness = pictureBrightness;
-    texturePlace.offsetU =
+    wanted.brightness = brightness;
+    wanted.place.offsetU =
         static_cast<float>(picture.visibleX) / static_cast<float>(record.texWidth);
-    texturePlace.offsetV =
+    wanted.place.offsetV =
         static_cast<float>(picture.visibleY) / static_cast<float>(record.texHeight);
     glBindTexture(GL_TEXTURE_2D, record.glTexture);
-    sentTexture = record.glTexture;
+    sent.texture = record.glTexture;
     ++counters.textureBinds;
     const bool smaller = Settings().GetBool(L"emu_gameroomfilter");
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER,
@@ -193,93 +206,129 @@ void RoomPainter::BindPicture(const TEXTURE_RECORD& record, const EMU_VIDEO_FRAM
     }
 }
 
-void RoomPainter::BindBuffer(GLenum target, uint32_t wanted, uint32_t& bound) {
-    if (wanted != bound) {
-        gl.bindBuffer(target, wanted);
-        bound = wanted;
-    }
-}
-
-void RoomPainter::SetArrays(const VERTEX_ARRAYS& wanted) {
-    if (arraysKnown && wanted == sentArrays) {
-        return;
-    }
-    BindBuffer(GL_ARRAY_BUFFER, wanted.buffer, boundVertexBuffer);
-    glVertexPointer(3, GL_FLOAT, 0, wanted.positions);
-    glTexCoordPointer(2, GL_FLOAT, 0, wanted.texCoords);
-    if (wanted.normals != nullptr) {
-        glNormalPointer(GL_FLOAT, 0, wanted.normals);
-    }
-    const bool hasNormals = wanted.normals != nullptr;
-    if (!arraysKnown || hasNormals != (sentArrays.normals != nullptr)) {
-        hasNormals ? glEnableClientState(GL_NORMAL_ARRAY) : glDisableClientState(GL_NORMAL_ARRAY);
-    }
-    sentArrays = wanted;
-    arraysKnown = true;
-}
-
-void RoomPainter::SendColour(GLenum which, const std::array<float, 3>& value,
-                             std::array<float, 3>& sent) {
-    if (stateKnown && value == sent) {
-        return;
-    }
-    const GLfloat rgba[4]{value[0], value[1], value[2], 1.0f};
-    glMaterialfv(GL_FRONT, which, rgba);
-    sent = value;
-    ++counters.materialWrites;
-}
-
-void RoomPainter::SendMaterial() {
-    const bool colourChanged = !stateKnown || material.diffuse != sentMaterial.diffuse;
-    SendColour(GL_DIFFUSE, material.diffuse, sentMaterial.diffuse);
-    SendColour(GL_SPECULAR, material.specular, sentMaterial.specular);
-    if (!stateKnown || material.emission != sentMaterial.emission) {
-        const float grey = material.emission;
-        const GLfloat rgba[4]{grey, grey, grey, 1.0f};
-        glMaterialfv(GL_FRONT, GL_EMISSION, rgba);
-        sentMaterial.emission = grey;
-        ++counters.materialWrites;
-    }
-    if (!stateKnown || material.shininess != sentMaterial.shininess) {
-        glMaterialf(GL_FRONT, GL_SHININESS, material.shininess);
-        sentMaterial.shininess = material.shininess;
-        ++counters.materialWrites;
-    }
-    if (colourChanged) { // what the fixed pipeline shows, without its own lighting
-        glColor4f(material.diffuse[0], material.diffuse[1], material.diffuse[2], 1.0f);
-    }
-}
-
-void RoomPainter::SendTexture() {
-    if (!stateKnown || texture != sentTexture) {
-        glBindTexture(GL_TEXTURE_2D, texture);
-        sentTexture = texture;
-        ++counters.textureBinds;
-    }
-    if (!stateKnown || texturePlace != sentPlace) {
-        const TEXTURE_PLACE& p = texturePlace;
-        const MATRIX4 matrix{p.scaleU, 0, 0, 0, 0,         p.scaleV,  0, 0,
-                             0,        0, 1, 0, p.offsetU, p.offsetV, 0, 1};
-        glMatrixMode(GL_TEXTURE);
-        glLoadMatrixf(matrix.data());
-        glMatrixMode(GL_MODELVIEW);
-        sentPlace = texturePlace;
-        ++counters.matrixLoads;
+void RoomPainter::BindBuffer(GLenum target, uint32_t name, uint32_t& bound) {
+    if (name != bound) {
+        gl.bindBuffer(target, name);
+        bound = name;
     }
 }
 
 void RoomPainter::DrawTriangles(uint32_t indexBuffer, const void* indices, int32_t count) {
-    if (count <= 0) {
+    if (count > 0) {
+        listed.push_back(wanted);
+        listed.back().indexBuffer = indexBuffer;
+        listed.back().indices = indices;
+        listed.back().count = count;
+    }
+}
+
+void RoomPainter::Flush() {
+    std::ranges::stable_sort(listed, {}, [](const DRAW& draw) {
+        const LIT_SURFACE surface = draw.Surface();
+        return std::tuple(surface.fTV != 0.0f, surface.textured, surface.glossy);
+    });
+    for (const DRAW& draw : listed) {
+        Send(draw);
+        glDrawElements(GL_TRIANGLES, draw.count, GL_UNSIGNED_SHORT, draw.indices);
+        ++counters.drawCalls;
+        counters.triangles += static_cast<uint32_t>(draw.count) / 3;
+    }
+    listed.clear();
+}
+
+void RoomPainter::Send(const DRAW& draw) {
+    SendTransform(draw.transform);
+    SendArrays(draw.arrays);
+    SendMaterial(draw.material);
+    SendTexture(draw.texture, draw.place);
+    SendBackFaces(draw.hidesBackFaces);
+    BindBuffer(GL_ELEMENT_ARRAY_BUFFER, draw.indexBuffer, boundIndexBuffer);
+    if (UsesProgram()) {
+        program.Use(draw.Surface(), counters);
+    }
+    stateKnown = true;
+}
+
+void RoomPainter::SendTransform(const MATRIX4& transform) {
+    if (!stateKnown || transform != sent.transform) {
+        glMatrixMode(GL_MODELVIEW);
+        glLoadMatrixf(transform.data());
+        sent.transform = transform;
+        ++counters.matrixLoads;
+    }
+}
+
+void RoomPainter::SendArrays(const VERTEX_ARRAYS& arrays) {
+    if (stateKnown && arrays == sent.arrays) {
         return;
     }
-    SendMaterial();
-    SendTexture();
-    stateKnown = true;
-    if (UsesProgram()) {
-        program.Use({texture != 0, material.shininess != 0.0f, brightness}, counters);
+    BindBuffer(GL_ARRAY_BUFFER, arrays.buffer, boundVertexBuffer);
+    glVertexPointer(3, GL_FLOAT, 0, arrays.positions);
+    glTexCoordPointer(2, GL_FLOAT, 0, arrays.texCoords);
+    const bool hasNormals = arrays.HasNormals();
+    if (hasNormals) {
+        glNormalPointer(GL_FLOAT, 0, arrays.normals);
     }
-    BindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer, boundIndexBuffer);
-    glDrawElements(GL_TRIANGLES, count, GL_UNSIGNED_SHORT, indices);
-    ++counters.drawCalls;
-    counters.triangles += static_cast<uint32_t>(count) / 3;
+    if (!stateKnown || hasNormals != sent.arrays.HasNormals()) {
+        hasNormals ? glEnableClientState(GL_NORMAL_ARRAY) : glDisableClientState(GL_NORMAL_ARRAY);
+    }
+    sent.arrays = arrays;
+}
+
+void RoomPainter::SendColour(GLenum which, const std::array<float, 3>& value,
+                             std::array<float, 3>& was) {
+    if (stateKnown && value == was) {
+        return;
+    }
+    const GLfloat rgba[4]{value[0], value[1], value[2], 1.0f};
+    glMaterialfv(GL_FRONT, which, rgba);
+    was = value;
+    ++counters.materialWrites;
+}
+
+void RoomPainter::SendMaterial(const SURFACE_MATERIAL& material) {
+    SURFACE_MATERIAL& was = sent.material;
+    if (!stateKnown || material.diffuse != was.diffuse) {
+        // What the fixed pipeline shows, without its own lighting.
+        glColor4f(material.diffuse[0], material.diffuse[1], material.diffuse[2], 1.0f);
+    }
+    SendColour(GL_DIFFUSE, material.diffuse, was.diffuse);
+    SendColour(GL_SPECULAR, material.specular, was.specular);
+    const float grey = material.emission;
+    if (!stateKnown || grey != was.emission) {
+        const GLfloat rgba[4]{grey, grey, grey, 1.0f};
+        glMaterialfv(GL_FRONT, GL_EMISSION, rgba);
+        was.emission = grey;
+        ++counters.materialWrites;
+    }
+    if (!stateKnown || material.shininess != was.shininess) {
+        glMaterialf(GL_FRONT, GL_SHININESS, material.shininess);
+        was.shininess = material.shininess;
+        ++counters.materialWrites;
+    }
+}
+
+void RoomPainter::SendTexture(uint32_t texture, const TEXTURE_PLACE& place) {
+    if (!stateKnown || texture != sent.texture) {
+        glBindTexture(GL_TEXTURE_2D, texture);
+        sent.texture = texture;
+        ++counters.textureBinds;
+    }
+    if (!stateKnown || place != sent.place) {
+        const MATRIX4 matrix{
+            place.scaleU,  0, 0, 0, 0, place.scaleV, 0, 0, 0, 0, 1, 0, place.offsetU,
+            place.offsetV, 0, 1};
+        glMatrixMode(GL_TEXTURE);
+        glLoadMatrixf(matrix.data());
+        glMatrixMode(GL_MODELVIEW);
+        sent.place = place;
+        ++counters.matrixLoads;
+    }
+}
+
+void RoomPainter::SendBackFaces(bool hide) {
+    if (!stateKnown || hide != sent.hidesBackFaces) {
+        hide ? glEnable(GL_CULL_FACE) : glDisable(GL_CULL_FACE);
+        sent.hidesBackFaces = hide;
+    }
 }

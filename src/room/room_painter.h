@@ -1,10 +1,10 @@
 // RoomPainter: everything between the room's scene and OpenGL: the program, the textures, vertex buffers,
 // and which state is set already.
 //
-// A setter notes what is wanted; Draw sends what differs from what OpenGL has. So an order of drawing
-// costs no more than the changes in it.
+// A setter notes what is wanted, and DrawTriangles puts it on a list. Flush draws what is listed, surfaces of
+// one program together, and sends only what differs from what OpenGL has.
 //
-// Order: Start with a new context and after GlStart; BeginScene, then any setters and draws, EndScene.
+// Order: Start with a new context and after GlStart; BeginScene, then any setters, draws and Flush, EndScene.
 //   Between the two nobody else draws. Release while the context is current. Start may come again, with
 //   another context; models then fetch their textures and buffers anew.
 // Owner: the painter frees all textures and buffers that it makes. Thread: main.
@@ -27,7 +27,8 @@ struct EMU_VIDEO_FRAME;
 struct ROOM_SERVICES {
     GlLoader loader;
     ObjectFileReader readFile;
-    RoomReport report; // may be empty
+    RoomReport report;               // may be empty
+    ObjectFileReader readSpare = {}; // what stands in for a damaged file; may be empty
 };
 
 struct SURFACE_MATERIAL {
@@ -44,6 +45,7 @@ struct VERTEX_ARRAYS {
     const void* normals = nullptr;   // 3 floats; null: none
     const void* texCoords = nullptr; // 2 floats
 
+    [[nodiscard]] bool HasNormals() const { return normals != nullptr; }
     bool operator==(const VERTEX_ARRAYS&) const = default;
 };
 
@@ -81,16 +83,23 @@ public:
     void SetTransform(const MATRIX4& model);
     // Whether any of this box, in the current transform, may be seen. Counts the ones that may not.
     [[nodiscard]] bool InView(VECTOR3 low, VECTOR3 high);
+    // Whether all that is seen of this box, in the current transform, is seen from outside.
+    [[nodiscard]] bool EyeOutside(VECTOR3 low, VECTOR3 high) const;
 
-    void SetMaterial(const SURFACE_MATERIAL& wanted);
+    void SetMaterial(const SURFACE_MATERIAL& material);
     // The surface's own image, in place of its diffuse colour. Null or a record without a texture: none.
     void BindTexture(const TEXTURE_RECORD* record);
     // A moving picture of which the active window shows. The brightness, if not 0, makes it shine.
     void BindPicture(const TEXTURE_RECORD& record, const EMU_VIDEO_FRAME& picture,
                      float brightness);
-    void SetArrays(const VERTEX_ARRAYS& wanted);
-    // `indices` is an offset if the buffer is not 0.
+    void SetArrays(const VERTEX_ARRAYS& arrays) { wanted.arrays = arrays; }
+    // For triangles whose backs are hidden in any case: they are not drawn then.
+    void HideBackFaces(bool hide) { wanted.hidesBackFaces = hide; }
+    // `indices` is an offset if the buffer is not 0. Arrays in memory stay until the next Flush.
     void DrawTriangles(uint32_t indexBuffer, const void* indices, int32_t count);
+    // Draws what is listed. Depth decides what is seen of it, so the order is free; whatever is to come after
+    // all of it is listed after this call.
+    void Flush();
 
     [[nodiscard]] const ROOM_COUNTERS& Counters() const { return counters; }
 
@@ -105,12 +114,34 @@ private:
         bool operator==(const TEXTURE_PLACE&) const = default;
     };
 
+    // What is to be sent for some triangles.
+    struct DRAW {
+        MATRIX4 transform = {};
+        VERTEX_ARRAYS arrays;
+        SURFACE_MATERIAL material;
+        uint32_t texture = 0;
+        TEXTURE_PLACE place;
+        float brightness = 0.0f;
+        bool hidesBackFaces = false;
+        uint32_t indexBuffer = 0;
+        const void* indices = nullptr;
+        int32_t count = 0;
+
+        [[nodiscard]] LIT_SURFACE Surface() const {
+            return {texture != 0, material.shininess != 0.0f, brightness};
+        }
+    };
+
     [[nodiscard]] uint32_t MakeBuffer(GLenum target, const void* data, size_t bytes);
-    void SelectTexture(uint32_t name, const TEXTURE_PLACE& wanted);
-    void BindBuffer(GLenum target, uint32_t wanted, uint32_t& bound);
-    void SendMaterial();
-    void SendColour(GLenum which, const std::array<float, 3>& value, std::array<float, 3>& sent);
-    void SendTexture();
+    void SelectTexture(uint32_t name, const TEXTURE_PLACE& place);
+    void BindBuffer(GLenum target, uint32_t name, uint32_t& bound);
+    void Send(const DRAW& draw);
+    void SendTransform(const MATRIX4& transform);
+    void SendArrays(const VERTEX_ARRAYS& arrays);
+    void SendMaterial(const SURFACE_MATERIAL& material);
+    void SendColour(GLenum which, const std::array<float, 3>& value, std::array<float, 3>& was);
+    void SendTexture(uint32_t texture, const TEXTURE_PLACE& place);
+    void SendBackFaces(bool hide);
     [[nodiscard]] bool UsesProgram() const { return lighting && program.Works(); }
 
     GL_FUNCTIONS gl;
@@ -123,21 +154,18 @@ private:
     uint64_t imageBytesBefore = 0; // uploaded before this scene
     ROOM_COUNTERS counters;
 
-    MATRIX4 camera{}; // projection * view
-    MATRIX4 toClip{}; // that and the current transform
+    MATRIX4 camera{};   // projection * view
+    MATRIX4 toClip{};   // that and the current transform
+    MATRIX4 toEye{};    // view and the current transform
+    MATRIX4 viewing{};  // view alone
+    float reach = 0.0f; // from the eye to a corner of what the view cuts off near it
 
-    SURFACE_MATERIAL material;
-    uint32_t texture = 0;
-    TEXTURE_PLACE texturePlace;
-    float brightness = 0.0f;
+    DRAW wanted; // of the next DrawTriangles
+    std::vector<DRAW> listed;
 
     // What OpenGL has. `stateKnown` is false until the first draw of a scene has set all of it.
     bool stateKnown = false;
-    SURFACE_MATERIAL sentMaterial;
-    uint32_t sentTexture = 0;
-    TEXTURE_PLACE sentPlace;
-    VERTEX_ARRAYS sentArrays;
-    bool arraysKnown = false;
+    DRAW sent;
     uint32_t boundVertexBuffer = 0;
     uint32_t boundIndexBuffer = 0;
 };

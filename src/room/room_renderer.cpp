@@ -6,6 +6,7 @@
 #include "room/transform.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -30,6 +31,18 @@ float Brightness(CRoomObject& object) {
         brightness += object.flicker;
     }
     return brightness;
+}
+
+// By the depth of their middles.
+std::vector<CRoomObject*> NearestFirst(const MATRIX4& view, const CRoomObjects& objects) {
+    std::vector<CRoomObject*> sorted;
+    for (const std::unique_ptr<CRoomObject>& object : objects.All()) {
+        sorted.push_back(object.get());
+    }
+    std::ranges::stable_sort(sorted, {}, [&](const CRoomObject* object) {
+        return -TransformPoint(view, CentreOf(*object)).z;
+    });
+    return sorted;
 }
 
 } // namespace
@@ -71,10 +84,11 @@ std::unique_ptr<Model_3DS> RoomRenderer::LoadModel(std::string_view file) {
     auto model = std::make_unique<Model_3DS>();
     std::string error;
     if (!model->Load(bytes.data(), bytes.size(), file, error)) {
-        if (services.report) {
-            services.report(error);
+        const std::vector<uint8_t> spare =
+            SpareFile(services.readSpare, services.report, file, bytes, error);
+        if (!model->Load(spare.data(), spare.size(), file, error)) {
+            return nullptr;
         }
-        return nullptr;
     }
     model->Prepare(painter);
     return model;
@@ -121,7 +135,8 @@ void RoomRenderer::DrawModel(const std::unique_ptr<Model_3DS>& model, const MATR
     }
 }
 
-// The box, which surrounds all else, comes last: depth decides what is seen, and nothing hidden is lit.
+// Depth decides what is seen. The nearest come first and the box, which surrounds all else, last, so that little
+// is lit that something else then hides.
 void RoomRenderer::Draw(const ROOM_SCENE& scene, CRoomObjects& objects) {
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -129,11 +144,12 @@ void RoomRenderer::Draw(const ROOM_SCENE& scene, CRoomObjects& objects) {
                 static_cast<int32_t>(scene.screenHeight));
     SetLights(scene, objects);
     painter.BeginScene(scene.projection, scene.view);
-    for (const std::unique_ptr<CRoomObject>& object : objects.All()) {
+    for (CRoomObject* const object : NearestFirst(scene.view, objects)) {
         DrawObject(*object);
     }
     DrawModel(lightFixture, Translation(kFixturePlace));
     DrawModel(logo, Multiply(Translation(kLogoPlace), RotationAboutY(kLogoRotation)));
+    painter.Flush();
     shell.Draw(painter);
     shell.DrawPictures(painter);
     painter.EndScene();

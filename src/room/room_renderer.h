@@ -7,7 +7,7 @@
 //
 // Order: InitRoom after GlStart; then LoadModel for the furniture and Draw once a picture; Release while the
 //   context is current. After a lost context, Release and InitRoom: furniture that was loaded serves on.
-// Failure: what is missing or damaged is left out; damage is reported.
+// Failure: what is missing or damaged is left out; damage is reported, and the spare file taken if there is one.
 // Owner: textures and buffers are the renderer's. Thread: main.
 #pragma once
 
@@ -42,7 +42,7 @@ public:
     void InitRoom(const ROOM_SERVICES& roomServices);
     void Release();
 
-    // Null if the file is missing, or damaged.
+    // Null if the file is missing, or damaged without a spare.
     [[nodiscard]] std::unique_ptr<Model_3DS> LoadModel(std::string_view file);
 
     // Clears the back buffer, draws the scene and leaves Ortho2D.
@@ -52,9 +52,9 @@ public:
     void SetCover(size_t slot, const uint32_t* pixels, uint32_t width, uint32_t height) {
         covers.SetCover(slot, pixels, width, height);
     }
-    void DrawCovers(const CoverView& view, const COVER_RECTANGLE& at, uint32_t screenWidth,
-                    uint32_t screenHeight) {
-        covers.Draw(painter, view, at, screenWidth, screenHeight);
+    void DrawCovers(const CoverView& view, const COVER_RECTANGLE& at, const COVER_RECTANGLE& seen,
+                    uint32_t screenWidth, uint32_t screenHeight) {
+        covers.Draw(painter, view, at, seen, screenWidth, screenHeight);
     }
 
     [[nodiscard]] RoomPainter& Painter() { return painter; }

@@ -58,9 +58,24 @@ std::string_view ObjectFileName(std::string_view path) {
     return path.starts_with(kFolder) ? path.substr(kFolder.size()) : path;
 }
 
-void TextureCache::Start(ObjectFileReader fileReader, RoomReport reportSink) {
+std::vector<uint8_t> SpareFile(const ObjectFileReader& readSpare, const RoomReport& report,
+                               std::string_view name, const std::vector<uint8_t>& damaged,
+                               const std::string& fault) {
+    std::vector<uint8_t> spare = readSpare ? readSpare(name) : std::vector<uint8_t>();
+    if (spare == damaged) {
+        spare.clear();
+    }
+    if (report) {
+        report(spare.empty() ? fault : fault + "; the built-in one is used");
+    }
+    return spare;
+}
+
+void TextureCache::Start(ObjectFileReader fileReader, RoomReport reportSink,
+                         ObjectFileReader spareReader) {
     End();
     readFile = std::move(fileReader);
+    readSpare = std::move(spareReader);
     report = std::move(reportSink);
     decoded = 0;
     bytesUploaded = 0;
@@ -84,11 +99,14 @@ TEXTURE_RECORD TextureCache::Get(std::string_view path) {
     if (file.empty()) {
         return {};
     }
-    const ROOM_IMAGE image = DecodeRoomImage(file);
+    ROOM_IMAGE image = DecodeRoomImage(file);
     if (image.width == 0) {
-        if (report) {
-            report(std::string(ObjectFileName(path)) + " is no image that the room can show");
-        }
+        const std::string_view name = ObjectFileName(path);
+        image =
+            DecodeRoomImage(SpareFile(readSpare, report, name, file,
+                                      std::string(name) + " is no image that the room can show"));
+    }
+    if (image.width == 0) {
         return {};
     }
     ++decoded;

@@ -7,7 +7,8 @@
 //   must be filled to its edge; one that is larger than the driver's largest is reduced.
 // Owner: the cache owns all textures; records are copies. End or the destructor frees them, with the
 //   context current. Thread: main.
-// Failure: an image that is missing or damaged has a record without a GL name; damage is reported.
+// Failure: damage is reported, and the spare image taken. Without one, and for an image that is missing, the
+// record has no GL name.
 #pragma once
 
 #include "display/texture.h"
@@ -26,6 +27,12 @@ using ObjectFileReader = std::function<std::vector<uint8_t>(std::string_view nam
 // Takes one line for the player.
 using RoomReport = std::function<void(const std::string& message)>;
 
+// The spare of a damaged file, if that is another one; reports the fault either way.
+[[nodiscard]] std::vector<uint8_t> SpareFile(const ObjectFileReader& readSpare,
+                                             const RoomReport& report, std::string_view name,
+                                             const std::vector<uint8_t>& damaged,
+                                             const std::string& fault);
+
 class TextureCache {
 public:
     TextureCache() = default;
@@ -33,7 +40,7 @@ public:
     TextureCache(const TextureCache&) = delete;
     TextureCache& operator=(const TextureCache&) = delete;
 
-    void Start(ObjectFileReader fileReader, RoomReport report);
+    void Start(ObjectFileReader fileReader, RoomReport report, ObjectFileReader spareReader = {});
     void End();
 
     [[nodiscard]] TEXTURE_RECORD Get(std::string_view path);
@@ -49,6 +56,7 @@ private:
 
     std::forward_list<std::pair<std::string, TEXTURE_RECORD>> entries; // newest first
     ObjectFileReader readFile;
+    ObjectFileReader readSpare;
     RoomReport report;
     float anisotropy = 1.0f;
     size_t decoded = 0;

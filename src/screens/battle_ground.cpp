@@ -13,6 +13,9 @@
 #include "screens/rom_browser.h"
 #include "screens/screen_host.h"
 #include "screens/taglines.h"
+#include "settings/settings.h"
+#include "web/download_queue.h"
+#include "web/service_texts.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -50,6 +53,7 @@ std::wstring VersionText() {
 CGUIBattleGround::CGUIBattleGround(ScreenHost& program)
     : host(program) {
     MakeWindows();
+    AskForNews();
     PlaceBars();
     ShowMenu(true);
     const GUI_RECT whole = CGhostManager::Get().ScreenRect();
@@ -61,12 +65,41 @@ CGUIBattleGround::CGUIBattleGround(ScreenHost& program)
 }
 
 CGUIBattleGround::~CGUIBattleGround() {
+    *abandoned = 1;
     panel.reset();
     browser.reset();
     CGhostManager& manager = CGhostManager::Get();
     manager.DestroyWindow(version->window);
     manager.DestroyWindow(topArea->window);
     manager.DestroyWindow(battleMain->window);
+}
+
+void CGUIBattleGround::AskForNews() {
+    const std::wstring url =
+        NewsUrl({Settings().GetString(L"web_service"), Settings().GetString(L"web_images")});
+    if (url.empty()) {
+        SetNews(std::wstring(kNoServiceText));
+        return;
+    }
+    SetNews(std::wstring(kConnectingText));
+    host.Downloads().QueueRequest(url, L"", 0, abandoned,
+                                  [this](const std::wstring& error, const std::wstring&, uint32_t,
+                                         const AbortWord& gone, const uint8_t* data,
+                                         uint32_t size) {
+                                      if (*gone != 0) {
+                                          return;
+                                      }
+                                      if (!error.empty()) {
+                                          SetNews(error);
+                                          return;
+                                      }
+                                      const NEWS_ANSWER answer = ReadNews({data, size});
+                                      SetNews(answer.news);
+                                      if (answer.version > kProgramVersion) {
+                                          CGhostMessageBox::Show(std::wstring(kNewVersionTitle),
+                                                                 std::wstring(kNewVersionText));
+                                      }
+                                  });
 }
 
 void CGUIBattleGround::MakeWindows() {

@@ -16,6 +16,7 @@
 #pragma once
 
 #include "screens/screen_panel.h"
+#include "web/download_list.h"
 
 #include <array>
 #include <cstdint>
@@ -76,6 +77,7 @@ public:
 
 private:
     void MakeWindows();
+    void AskForNews();
     void PlaceBars();
     void Layout(int32_t width, int32_t height);
     void TakeFocus();
@@ -100,5 +102,6 @@ private:
     std::unique_ptr<CGUIPanel> panel;
     std::unique_ptr<CGUIRomBrowser> browser;
     int32_t current = kNoPanel;
+    AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
     ScreenSignals signals;
 };

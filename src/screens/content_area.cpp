@@ -5,7 +5,7 @@
 #include "gui/multi_text.h"
 #include "gui/window.h"
 #include "gui/window_ex.h"
-#include "screens/local_media.h"
+#include "screens/game_media.h"
 
 #include <algorithm>
 

@@ -16,29 +16,29 @@ constexpr int32_t kColumn = 200;
 
 std::span<const CREDIT> Credits() {
     static constexpr CREDIT kCredits[] = {
-        {L"The authors of Ombrelune",                                                             L"Chips, machines, games, drawings, furniture: everything "
-         L"that is not named below. MIT licence"},
-        {L"SDL 2",                                                                                                                              L"Window, keys, controllers, sound card. zlib licence"},
-        {L"OpenAL Soft",                                                                                                                        L"Places the sound of each set in the room. LGPL 2"},
-        {L"Mesa, OpenGL drivers",                                                                                                               L"Draw what the program asks for. MIT licence"},
-        {L"FreeType",                                                                                                                           L"Letters. FreeType licence"},
-        {L"Inter",                                                                                                                              L"The letters that you read. Copyright The Inter Project Authors, SIL Open Font "
-         L"License 1.1"},
+        {L"The authors of Ombrelune",   L"Chips, machines, games, drawings, furniture: everything "
+                                      L"that is not named below. MIT licence"},
+        {L"SDL 2",                      L"Window, keys, controllers, sound card. zlib licence"                    },
+        {L"OpenAL Soft",                L"Places the sound of each set in the room. LGPL 2"                       },
+        {L"Mesa, OpenGL drivers",       L"Draw what the program asks for. MIT licence"                            },
+        {L"FreeType",                   L"Letters. FreeType licence"                                              },
+        {L"Inter",                      L"The letters that you read. Copyright The Inter Project Authors, SIL Open Font "
+                   L"License 1.1"                                                               },
         {L"JetBrains Mono",
-         L"The figures. Copyright The JetBrains Mono Project Authors, SIL Open Font License 1.1"},
-        {L"Boost",                    L"Signals of the controls, and the net. Boost Software License 1.0"},
-        {L"pugixml",                                             L"Settings and theme files. MIT licence"},
-        {L"libzip and zlib",                                          L"Zip archives. BSD and zlib licences"},
-        {L"XZ Utils",                                                             L"Packs the games. Public domain"},
-        {L"OpenSSL",                                                    L"Knows a game by its hash. Apache License 2.0"},
-        {L"SQLite",                                    L"Remembers what lies in the library. Public domain"},
-        {L"libpng, libjpeg-turbo, stb",                                                      L"Pictures. libpng, BSD and MIT licences"},
-        {L"CLI11, UTF8-CPP",                                                                L"Command line and text. BSD and Boost licences"},
+         L"The figures. Copyright The JetBrains Mono Project Authors, SIL Open Font License 1.1"                  },
+        {L"Boost",                      L"Signals of the controls, and the net. Boost Software License 1.0"       },
+        {L"pugixml",                    L"Settings and theme files. MIT licence"                                  },
+        {L"libzip and zlib",            L"Zip archives. BSD and zlib licences"                                    },
+        {L"XZ Utils",                   L"Packs the games. Public domain"                                         },
+        {L"OpenSSL",                    L"Knows a game by its hash. Apache License 2.0"                           },
+        {L"SQLite",                     L"Remembers what lies in the library. Public domain"                      },
+        {L"libpng, libjpeg-turbo, stb", L"Pictures. libpng, BSD and MIT licences"                                 },
+        {L"CLI11, UTF8-CPP",            L"Command line and text. BSD and Boost licences"                          },
         {L"SDCC, cc65, GNU binutils",
-         L"Built our games for machines of the eighties. GPL, zlib and GPL"},
-        {L"GoogleTest, LLVM",                       L"Found the mistakes that you do not see. BSD and Apache licences"},
-        {L"Google Benchmark",                                                  L"Found what was slow. Apache License 2.0"},
-        {L"Debian", L"Keeps all of this in good order. Thank you"},
+         L"Built our games for machines of the eighties. GPL, zlib and GPL"                                       },
+        {L"GoogleTest, LLVM",           L"Found the mistakes that you do not see. BSD and Apache licences"        },
+        {L"Google Benchmark",           L"Found what was slow. Apache License 2.0"                                },
+        {L"Debian",                     L"Keeps all of this in good order. Thank you"                             },
     };
     return kCredits;
 }

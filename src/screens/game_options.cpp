@@ -39,8 +39,9 @@ CGameOptions::~CGameOptions() {
 
 const MACHINE_OPTION& CGameOptions::OptionAt(size_t offset) const {
     const auto options = FindMachineFacts(system)->options;
-    const auto found = std::find_if(options.begin(), options.end(),
-                                    [&](const MACHINE_OPTION& option) { return option.offset == offset; });
+    const auto found =
+        std::find_if(options.begin(), options.end(),
+                     [&](const MACHINE_OPTION& option) { return option.offset == offset; });
     assert(found != options.end());
     return *found;
 }
@@ -99,7 +100,8 @@ void CGameOptions::Choose(const LIST& list, uint8_t byte) {
         found != list.bytes.end() ? static_cast<int32_t>(found - list.bytes.begin()) : 0, false);
 }
 
-void CGameOptions::GetConfig(std::filesystem::path& biosName, uint32_t& biosIndex, OptionBlock& bytes) {
+void CGameOptions::GetConfig(std::filesystem::path& biosName, uint32_t& biosIndex,
+                             OptionBlock& bytes) {
     biosName.clear();
     biosIndex = 0;
     for (const auto& row : lists) {
@@ -125,13 +127,17 @@ void CGameOptions::SetVisible(bool visible) {
 
 CGUISMSOptions::CGUISMSOptions(GHOSTMANAGER_WINDOW* panelWindow)
     : CGameOptions(panelWindow, kSystemMasterSystem) {
-    console = &AddList(kSmsConsoleAt, L"The console that the game runs on: its speed, its colours and its region.");
+    console =
+        &AddList(kSmsConsoleAt,
+                 L"The console that the game runs on: its speed, its colours and its region.");
     biosLabel = AddLabel(L"BIOS:");
     bios = AddDropList(L"The program that a console of your own starts with, before the game.");
     inputs[0] = &AddList(kSmsPort1At, L"What is plugged into the first port.");
     inputs[1] = &AddList(kSmsPort2At, L"What is plugged into the second port.");
-    glasses = &AddBox(kSmsGlassesAt, L"Shows each eye's picture in turn, as the shutter glasses need it.");
-    fmChip = &AddBox(kSmsFmChipAt, L"Fits the FM sound chip, which many games play richer music on.");
+    glasses = &AddBox(kSmsGlassesAt,
+                      L"Shows each eye's picture in turn, as the shutter glasses need it.");
+    fmChip =
+        &AddBox(kSmsFmChipAt, L"Fits the FM sound chip, which many games play richer music on.");
     bios->AddItem(L"None");
     bios->SetSelected(0, false);
     Layout();
@@ -185,7 +191,8 @@ void CGUISMSOptions::Update() {
     bios->SetSelected(chosen, false);
 }
 
-void CGUISMSOptions::GetConfig(std::filesystem::path& biosName, uint32_t& biosIndex, OptionBlock& bytes) {
+void CGUISMSOptions::GetConfig(std::filesystem::path& biosName, uint32_t& biosIndex,
+                               OptionBlock& bytes) {
     CGameOptions::GetConfig(biosName, biosIndex, bytes);
     const int32_t chosen = bios->Selected() - 1;
     if (chosen >= 0 && static_cast<size_t>(chosen) < shownBioses.size()) {
@@ -252,7 +259,8 @@ void CGUISMSOptions::Layout() {
 
 CGUIMDOptions::CGUIMDOptions(GHOSTMANAGER_WINDOW* panelWindow)
     : CGameOptions(panelWindow, kSystemMegaDrive) {
-    AddList(kMdConsoleAt, L"The console that the game runs on; by itself the program reads it from the game.");
+    AddList(kMdConsoleAt,
+            L"The console that the game runs on; by itself the program reads it from the game.");
     AddList(kMdPort1At, L"What is plugged into the first port.");
     AddList(kMdPort2At, L"What is plugged into the second port.");
     Layout();
@@ -270,7 +278,8 @@ CGUIGGOptions::CGUIGGOptions(GHOSTMANAGER_WINDOW* panelWindow)
     : CGameOptions(panelWindow, kSystemGameGear) {
     AddList(kGearModelAt, L"The region of the console, which some games choose their language by.");
     AddList(kGearLinkAt, L"Plays on two consoles that are joined by the cable, side by side.");
-    AddList(kGearFullDisplayAt, L"Shows the whole picture and not only the part on the small screen.");
+    AddList(kGearFullDisplayAt,
+            L"Shows the whole picture and not only the part on the small screen.");
     Layout();
 }
 

@@ -32,7 +32,8 @@ public:
     virtual void SetGame(const std::filesystem::path& /*path*/, const CGameFile& /*game*/) {}
     // Fills the option block. A second game that the machine needs, such as a BIOS, is named by its file and the
     // index of its NAME record; without one the name stays empty.
-    virtual void GetConfig(std::filesystem::path& biosName, uint32_t& biosIndex, OptionBlock& bytes);
+    virtual void GetConfig(std::filesystem::path& biosName, uint32_t& biosIndex,
+                           OptionBlock& bytes);
     // The player has chosen a game: presets, and only what its record allows.
     virtual void ConfigureForGame(const CGameFile& game, uint32_t index);
     virtual void Layout() = 0;
@@ -59,7 +60,8 @@ protected:
     // Makes the control of the option that lies at this byte.
     LIST& AddList(size_t offset, const std::wstring& toolTip);
     BOX& AddBox(size_t offset, const std::wstring& toolTip);
-    static void Place(const LIST& list, int32_t x, int32_t y, int32_t labelWidth, int32_t listX, int32_t listWidth);
+    static void Place(const LIST& list, int32_t x, int32_t y, int32_t labelWidth, int32_t listX,
+                      int32_t listWidth);
     // Chooses the item of a byte, the first one if there is none.
     static void Choose(const LIST& list, uint8_t byte);
     [[nodiscard]] CGhostTextBox* AddLabel(const std::wstring& text);
@@ -79,7 +81,8 @@ private:
 };
 
 // The panel of a system in this window; null for one without options, as the arcade and the NES.
-[[nodiscard]] std::unique_ptr<CGameOptions> MakeGameOptions(uint16_t system, GHOSTMANAGER_WINDOW* panelWindow);
+[[nodiscard]] std::unique_ptr<CGameOptions> MakeGameOptions(uint16_t system,
+                                                            GHOSTMANAGER_WINDOW* panelWindow);
 
 // `Console:`, `BIOS:`, `INPUT 1:`, `INPUT 2:`, 3D glasses and FM chip.
 class CGUISMSOptions final : public CGameOptions {
@@ -87,8 +90,10 @@ public:
     explicit CGUISMSOptions(GHOSTMANAGER_WINDOW* panelWindow);
 
     void Clear() override;
-    void SetGame(const std::filesystem::path& path, const CGameFile& game) override; // keeps a console's BIOS
-    void GetConfig(std::filesystem::path& biosName, uint32_t& biosIndex, OptionBlock& bytes) override;
+    void SetGame(const std::filesystem::path& path,
+                 const CGameFile& game) override; // keeps a console's BIOS
+    void GetConfig(std::filesystem::path& biosName, uint32_t& biosIndex,
+                   OptionBlock& bytes) override;
     void ConfigureForGame(const CGameFile& game, uint32_t index) override;
     void Layout() override;
     void Update() override;

@@ -94,7 +94,8 @@ void CGUIGameOverlay::ShowHints(const OVERLAY_STATE& state) {
         L"Turn off Game [" + state.turnOff + L"]",
         L"Attach to TV [" + state.attach + L"]",
     };
-    const std::array<bool, kHints> wanted = {true, state.selected, state.selectedOn, state.selectedOn};
+    const std::array<bool, kHints> wanted = {true, state.selected, state.selectedOn,
+                                             state.selectedOn};
     for (size_t i = 0; i < kHints; ++i) {
         if (hints[i]->Text() != texts[i]) {
             hints[i]->SetText(texts[i]);
@@ -107,8 +108,8 @@ void CGUIGameOverlay::ShowButtons(const OVERLAY_STATE& state) {
     const bool recent = everUsed && host.Milliseconds() - mouseUsed <= kButtonsStay;
     buttons[kTelevisionButton - 1]->SetCaption(state.roomVisible ? L"Fullscreen Mode" : L"TV Mode");
     // Of the game: only where there is one.
-    const std::array<bool, kButtons> wanted = {true, state.selected, state.selectedOn, state.selectedOn,
-                                               state.selectedOn};
+    const std::array<bool, kButtons> wanted = {true, state.selected, state.selectedOn,
+                                               state.selectedOn, state.selectedOn};
     for (size_t i = 0; i < kButtons; ++i) {
         buttons[i]->SetVisible(state.shown && !state.walking && recent && wanted[i]);
     }

@@ -43,7 +43,9 @@ public:
 
     static constexpr size_t kButtons = 5;
     static constexpr size_t kHints = 4;
-    [[nodiscard]] CGhostButton* Button(uint32_t number) const { return buttons[number - 1]; } // from 1
+    [[nodiscard]] CGhostButton* Button(uint32_t number) const {
+        return buttons[number - 1];
+    } // from 1
     [[nodiscard]] CGhostTextBox* Hint(size_t index) const { return hints[index]; }
     // The texts that are shown, in their order.
     [[nodiscard]] std::vector<std::wstring> ShownHints() const;
@@ -56,8 +58,8 @@ private:
     ScreenHost& host;
     std::array<CGhostButton*, kButtons> buttons{};
     std::array<CGhostTextBox*, kHints> hints{};
-    GUI_RECT screen;           // that they were placed for
-    uint64_t mouseUsed = 0;    // milliseconds of the program's clock
+    GUI_RECT screen;        // that they were placed for
+    uint64_t mouseUsed = 0; // milliseconds of the program's clock
     bool everUsed = false;
     ScreenSignals signals;
 };

@@ -86,9 +86,10 @@ bool ProgramModes::Holds(ModeGuard guard, const MODE_FACTS& facts) const {
 }
 
 ModeOrder ProgramModes::Take(ModeInput input, const MODE_FACTS& facts) {
-    const auto* const way = std::find_if(std::begin(kWays), std::end(kWays), [&](const MODE_WAY& row) {
-        return row.from == mode && row.input == input && Holds(row.guard, facts);
-    });
+    const auto* const way =
+        std::find_if(std::begin(kWays), std::end(kWays), [&](const MODE_WAY& row) {
+            return row.from == mode && row.input == input && Holds(row.guard, facts);
+        });
     if (way == std::end(kWays)) {
         return ModeOrder::kNothing;
     }

@@ -20,16 +20,16 @@
 enum class ProgramMode : uint8_t { kMenu, kPanel, kBrowser, kWalking, kStanding, kFullScreen };
 
 enum class ModeInput : uint8_t {
-    kPlayGames,    // the menu's button PLAY GAMES
-    kOpenPanel,    // BENCHMARK, OPTIONS, CREDITS
-    kQuit,         // QUIT
-    kBack,         // BACK, escape, a controller's right button or guide button, in menu, panel and browser
-    kMainMenu,     // F10 and the buttons MAIN MENU and Main Menu
-    kGameRoom,     // the browser's button GAME ROOM
-    kGameStarted,  // a game runs that was chosen in the browser
-    kUse,          // the action Use, and the left mouse button, while walking
-    kShowSet,      // the same where a room's games are given from outside and no browser chooses them
-    kLeave,        // escape and a controller's guide button, in the room and full screen
+    kPlayGames, // the menu's button PLAY GAMES
+    kOpenPanel, // BENCHMARK, OPTIONS, CREDITS
+    kQuit,      // QUIT
+    kBack, // BACK, escape, a controller's right button or guide button, in menu, panel and browser
+    kMainMenu,    // F10 and the buttons MAIN MENU and Main Menu
+    kGameRoom,    // the browser's button GAME ROOM
+    kGameStarted, // a game runs that was chosen in the browser
+    kUse,         // the action Use, and the left mouse button, while walking
+    kShowSet, // the same where a room's games are given from outside and no browser chooses them
+    kLeave,   // escape and a controller's guide button, in the room and full screen
     kMiddleButton, // the middle mouse button, in the room and full screen
     kTurnOff,      // the action Turn Off, while walking
     kLoadGame,     // the button Load New Game
@@ -41,7 +41,8 @@ enum class ModeInput : uint8_t {
 
 // What a way may depend on.
 struct MODE_FACTS {
-    bool selected = false;        // there is a set that the player looks at, or whose picture fills the window
+    bool selected =
+        false; // there is a set that the player looks at, or whose picture fills the window
     bool selectedOn = false;      // and a game plays on it
     bool startFullScreen = false; // the setting emu_startfullscreen
 };

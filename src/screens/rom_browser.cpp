@@ -11,9 +11,13 @@
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
 #include "library/game_source.h"
-#include "screens/local_media.h"
+#include "room/image_decoder.h"
+#include "screens/game_media.h"
 #include "screens/screen_host.h"
 #include "settings/settings.h"
+#include "web/download_queue.h"
+#include "web/media_archive.h"
+#include "web/service_texts.h"
 
 #include <algorithm>
 
@@ -51,16 +55,30 @@ constexpr SAVES kSaves[] = {
     {L"Manual Only",      0},
 };
 
+// Kinds of requests to the web service.
+constexpr uint32_t kAskGame = 1;
+constexpr uint32_t kFetchCover = 2;
+
+SERVICE_ADDRESSES ServiceOfSettings() {
+    return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
+}
+
+bool SidesOfPicture(std::span<const uint8_t> file, PICTURE_SIZE& size) {
+    const ROOM_IMAGE image = DecodeRoomImage(file);
+    size = {image.width, image.height};
+    return image.width != 0;
+}
+
 std::wstring PlayTypeText(uint8_t types) {
     struct TYPE {
         uint8_t bit;
         const wchar_t* name;
     };
     constexpr TYPE kTypes[] = {
-        {1, L"single player"},
-        {2, L"together"},
+        {1, L"single player"     },
+        {2, L"together"          },
         {4, L"against each other"},
-        {8, L"taking turns"},
+        {8, L"taking turns"      },
     };
     std::wstring text;
     for (const TYPE& type : kTypes) {
@@ -80,9 +98,12 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     , filters(parentWindow, [this] { applyFilters = true; })
     , list(Own(new CGhostListView(parentWindow, 0, L"GAMELIST", 0, {})))
     , empty(Own(new CGhostTextBox(parentWindow, 0, L"TEXT_CENTER", L"", {})))
-    , optionsWindow(Own(new CGhostWindowEx(parentWindow, 0, L"GAMEOPTIONS", L"",
-                                           CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {})))
-    , content(parentWindow, {[] {}, [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
+    , optionsWindow(
+          Own(new CGhostWindowEx(parentWindow, 0, L"GAMEOPTIONS", L"",
+                                 CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {})))
+    , content(parentWindow,
+              {[this] { FetchContent(); },
+               [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
     , start(Own(new CGhostButton(parentWindow, 0, L"PLAYOFFLINE", L"START GAME", 0, {})))
     , gameRoom(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"GAME ROOM", 0, {})))
     , mainMenu(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"MAIN MENU", 0, {})))
@@ -97,20 +118,26 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     MakeList();
     start->SetToolTip(L"Start the game");
     gameRoom->SetToolTip(L"Walk in the room");
-    saves->SetToolTip(L"Whether a game goes on where you left it, and is kept when you turn it off.");
+    saves->SetToolTip(
+        L"Whether a game goes on where you left it, and is kept when you turn it off.");
     for (const SAVES& choice : kSaves) {
         saves->AddItem(choice.name);
     }
     signals.Watch(saves->OnSelect, [this](CGhostDropList*, int, GHOSTLIST_ITEM*) { StoreSaves(); });
     signals.Watch(start->OnClick, [this](CGhostButton*, int, int, unsigned) { StartSelected(); });
-    signals.Watch(gameRoom->OnClick, [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kGameRoom); });
-    signals.Watch(mainMenu->OnClick, [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kMainMenu); });
-    signals.Watch(list->OnSelect, [this](CGhostListView*, int row, GHOSTLISTVIEW_ITEM*) { Choose(RowOf(row)); });
-    signals.Watch(list->OnChoose, [this](CGhostListView*, int, GHOSTLISTVIEW_ITEM*) { StartSelected(); });
+    signals.Watch(gameRoom->OnClick,
+                  [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kGameRoom); });
+    signals.Watch(mainMenu->OnClick,
+                  [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kMainMenu); });
+    signals.Watch(list->OnSelect,
+                  [this](CGhostListView*, int row, GHOSTLISTVIEW_ITEM*) { Choose(RowOf(row)); });
+    signals.Watch(list->OnChoose,
+                  [this](CGhostListView*, int, GHOSTLISTVIEW_ITEM*) { StartSelected(); });
     SetActive(false);
 }
 
 CGUIRomBrowser::~CGUIRomBrowser() {
+    *abandoned = 1;
     catalogue.StopScan();
     catalogue.WaitForScan();
 }
@@ -132,6 +159,10 @@ CATALOGUE_HOOKS CGUIRomBrowser::Hooks() {
             options->SetGame(path, game);
         }
     };
+    std::string error; // without an index every file is read
+    if (libraryIndex.Open(ResolvePath(kLibraryIndexFile), error)) {
+        ReadThroughIndex(libraryIndex, hooks);
+    }
     return hooks;
 }
 
@@ -153,8 +184,8 @@ void CGUIRomBrowser::SetActive(bool wanted) {
     switcher.SetVisible(active);
     filters.SetVisible(active);
     content.SetVisible(active);
-    for (CGhostGUICommonFunc* const control :
-         std::initializer_list<CGhostGUICommonFunc*>{list, optionsWindow, start, gameRoom, mainMenu, savesLabel, saves}) {
+    for (CGhostGUICommonFunc* const control : std::initializer_list<CGhostGUICommonFunc*>{
+             list, optionsWindow, start, gameRoom, mainMenu, savesLabel, saves}) {
         control->SetVisible(active);
     }
     empty->SetVisible(active && list->RowCount() == 0);
@@ -162,9 +193,10 @@ void CGUIRomBrowser::SetActive(bool wanted) {
         return;
     }
     const int32_t value = Settings().GetInt(kSavesSetting);
-    const auto* const found =
-        std::find_if(std::begin(kSaves), std::end(kSaves), [&](const SAVES& one) { return one.value == value; });
-    saves->SetSelected(found != std::end(kSaves) ? static_cast<int32_t>(found - kSaves) : -1, false);
+    const auto* const found = std::find_if(std::begin(kSaves), std::end(kSaves),
+                                           [&](const SAVES& one) { return one.value == value; });
+    saves->SetSelected(found != std::end(kSaves) ? static_cast<int32_t>(found - kSaves) : -1,
+                       false);
     if (!scanned) {
         scanned = true;
         SelectSystem(0, -1);
@@ -180,7 +212,8 @@ void CGUIRomBrowser::StoreSaves() {
 
 void CGUIRomBrowser::SelectSystem(int direction, int32_t index) {
     if (direction == 0 && index < 0) {
-        index = std::clamp(Settings().GetInt(kSystemSetting), 0, static_cast<int32_t>(kSystems) - 1);
+        index =
+            std::clamp(Settings().GetInt(kSystemSetting), 0, static_cast<int32_t>(kSystems) - 1);
     }
     if (catalogue.SwitchSystem(index, direction)) {
         switcher.Show(static_cast<size_t>(catalogue.Selector()));
@@ -198,18 +231,14 @@ void CGUIRomBrowser::ClearPanes() {
     chosen = nullptr;
     list->Clear();
     empty->SetVisible(false);
-    for (const ContentTab tab : {ContentTab::kReviews, ContentTab::kHints, ContentTab::kTrivia, ContentTab::kMetaInfo}) {
+    for (const ContentTab tab :
+         {ContentTab::kReviews, ContentTab::kHints, ContentTab::kTrivia, ContentTab::kMetaInfo}) {
         content.SetText(tab, L"");
     }
     content.SetShots({});
     content.OfferContent(false);
     host.ShowCovers({}, 0, false);
     start->SetEnabled(false);
-}
-
-std::filesystem::path CGUIRomBrowser::SystemFolder() const {
-    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
-    return facts != nullptr ? HomeFolder() / facts->folder : std::filesystem::path();
 }
 
 void CGUIRomBrowser::Update() {
@@ -237,7 +266,8 @@ void CGUIRomBrowser::FillList() {
     int32_t selected = lines.empty() ? -1 : 0;
     for (const ROW_LINE& line : lines) {
         const int32_t row = list->AddRow();
-        list->SetCell(row, kTitle, std::wstring(line.title), line.row->known ? kKnownMark : kUnknownMark);
+        list->SetCell(row, kTitle, std::wstring(line.title),
+                      line.row->known ? kKnownMark : kUnknownMark);
         list->Cell(row, kTitle)->colourSet = static_cast<uint8_t>(line.statusColour);
         list->Cell(row, kTitle)->value = static_cast<uint64_t>(line.row - catalogue.Rows().data());
         for (int32_t flag = 0; flag < 3; ++flag) {
@@ -254,10 +284,10 @@ void CGUIRomBrowser::FillList() {
     filters.ShowCount(lines.size());
     const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
     const bool none = catalogue.Rows().empty();
-    empty->SetText(none && facts != nullptr
-                       ? L"No games yet. Drop game files or folders on this window, or put them into the folder \"" +
-                             WideFromUtf8(facts->folder) + L"\"."
-                       : L"Nothing fits the filters.");
+    empty->SetText(none && facts != nullptr ? L"No games yet. Drop game files or folders on this "
+                                              L"window, or put them into the folder \"" +
+                                                  WideFromUtf8(facts->folder) + L"\"."
+                                            : L"Nothing fits the filters.");
     empty->SetVisible(active && lines.empty());
     list->SetSelected(selected, false);
     Choose(RowOf(selected));
@@ -265,7 +295,8 @@ void CGUIRomBrowser::FillList() {
 
 const GameListRow* CGUIRomBrowser::RowOf(int32_t listRow) const {
     const GHOSTLISTVIEW_ITEM* const cell = list->Cell(listRow, kTitle);
-    return cell != nullptr && cell->value < catalogue.Rows().size() ? &catalogue.Rows()[cell->value] : nullptr;
+    return cell != nullptr && cell->value < catalogue.Rows().size() ? &catalogue.Rows()[cell->value]
+                                                                    : nullptr;
 }
 
 void CGUIRomBrowser::Choose(const GameListRow* row) {
@@ -287,15 +318,91 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
     } else {
         content.SetText(ContentTab::kMetaInfo, WideFromUtf8(error));
     }
-    LOCAL_MEDIA media = ReadLocalMedia(SystemFolder(), row->contentKey);
+    ShowMedia(*row);
+    AskAboutGame(*row);
+}
+
+void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    if (facts == nullptr) {
+        return;
+    }
+    GAME_MEDIA media = ReadGameMedia(facts->folder, row.contentKey);
+    hasMedia = media.archive;
+    localTexts = !media.texts.empty();
+    ShowTexts(localTexts ? ReadGameInformation(media.texts) : GAME_INFORMATION());
     content.SetShots(std::move(media.shots));
     const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
     host.ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
 }
 
+void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
+    content.SetText(ContentTab::kHints, information.cheats);
+    content.SetText(ContentTab::kReviews, information.reviews);
+    content.SetText(ContentTab::kTrivia, information.trivia);
+}
+
+// The texts that lie here are shown at once; an answer of the service takes their place.
+void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
+    content.OfferContent(false);
+    const std::wstring url = GameUrl(ServiceOfSettings(), row.contentKey);
+    if (url.empty()) {
+        return;
+    }
+    host.Downloads().QueueRequest(
+        url, row.contentKey, kAskGame, abandoned,
+        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
+               const uint8_t* data, uint32_t size) {
+            if (*gone != 0 || chosen == nullptr || chosen->contentKey != key) {
+                return; // the player looks at another game by now
+            }
+            if (!error.empty()) {
+                if (!localTexts) {
+                    ShowTexts(GameInformationFailure(error));
+                }
+                return;
+            }
+            const GAME_INFORMATION information = ReadGameInformation({data, size});
+            ShowTexts(information);
+            content.OfferContent(!hasMedia && ContentAvailable(information, 0));
+        });
+}
+
+// The button `Content Available`.
+void CGUIRomBrowser::FetchContent() {
+    content.OfferContent(false);
+    const std::wstring url =
+        chosen != nullptr ? CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey)
+                          : std::wstring();
+    if (url.empty()) {
+        return;
+    }
+    host.Downloads().QueueRequest(
+        url, chosen->contentKey, kFetchCover, abandoned,
+        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
+               const uint8_t* data, uint32_t size) {
+            if (*gone == 0 && chosen != nullptr && chosen->contentKey == key) {
+                StoreContent(error, {data, size});
+            }
+        });
+}
+
+void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive) {
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    std::string reason = Utf8FromWide(error);
+    if (error.empty() && StoreMediaArchive(MediaArchivePath(facts->folder, chosen->contentKey),
+                                           archive, SidesOfPicture, reason)) {
+        ShowMedia(*chosen);
+        return;
+    }
+    CGhostMessageBox::Show(L"Content Available",
+                           L"The pictures could not be fetched: " + WideFromUtf8(reason));
+}
+
 void CGUIRomBrowser::ShowMeta(const GameListRow& row, const CGameFile& game) {
     std::wstring text = row.title + L"\n\n";
-    text += L"Year: " + (row.year == 1900 ? std::wstring(L"unknown") : std::to_wstring(row.year)) + L"\n";
+    text += L"Year: " + (row.year == 1900 ? std::wstring(L"unknown") : std::to_wstring(row.year)) +
+            L"\n";
     text += L"Regions: " + (row.regions.empty() ? std::wstring(L"unknown") : row.regions) + L"\n";
     text += L"Players: " + PlayTypeText(row.playTypes) + L"\n";
     text += std::wstring(L"In the database: ") + (row.known ? L"yes" : L"no") + L"\n\n";
@@ -304,8 +411,8 @@ void CGUIRomBrowser::ShowMeta(const GameListRow& row, const CGameFile& game) {
         std::string name;
         ROM_RECORD rom{};
         if (game.GetRom(i, name, rom)) {
-            text += L"Image: " + WideFromUtf8(name) + L", " + std::to_wstring(rom.size) + L" bytes\n" +
-                    WideFromUtf8(HexText(rom.sha256)) + L"\n";
+            text += L"Image: " + WideFromUtf8(name) + L", " + std::to_wstring(rom.size) +
+                    L" bytes\n" + WideFromUtf8(HexText(rom.sha256)) + L"\n";
         }
     }
     content.SetText(ContentTab::kMetaInfo, text);

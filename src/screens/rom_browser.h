@@ -7,22 +7,27 @@
 #pragma once
 
 #include "library/catalogue.h"
+#include "library/library_index.h"
 #include "screens/browser_filters.h"
 #include "screens/content_area.h"
 #include "screens/game_options.h"
 #include "screens/scan_window.h"
 #include "screens/screen_panel.h"
 #include "screens/system_switcher.h"
+#include "web/download_list.h"
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
 class CGhostListView;
 class CGhostWindowEx;
 class ScreenHost;
+struct GAME_INFORMATION;
 
 class CGUIRomBrowser final : public CGUIPanel {
 public:
@@ -66,8 +71,12 @@ private:
     void ShowRow(int32_t row);
     void Choose(const GameListRow* row);
     void ShowMeta(const GameListRow& row, const CGameFile& game);
+    void ShowMedia(const GameListRow& row);
+    void ShowTexts(const GAME_INFORMATION& information);
+    void AskAboutGame(const GameListRow& row);
+    void FetchContent();
+    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive);
     [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
-    [[nodiscard]] std::filesystem::path SystemFolder() const;
     void StoreSaves();
 
     ScreenHost& host;
@@ -85,8 +94,12 @@ private:
     std::unique_ptr<CGameOptions> options;
     ScanWindow scan;
     bool active = false;
-    bool scanned = false;    // the first scan has begun
+    bool scanned = false;      // the first scan has begun
     bool applyFilters = false; // with the next Update
     const GameListRow* chosen = nullptr;
-    Catalogue catalogue;     // last: its worker calls the panel
+    bool hasMedia = false;   // the chosen game has an archive of pictures
+    bool localTexts = false; // and texts in it
+    AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
+    LibraryIndex libraryIndex;
+    Catalogue catalogue; // last: its worker calls the panel
 };

@@ -16,8 +16,8 @@ constexpr int32_t kLogHeight = 420;
 constexpr int32_t kBarHeight = 25;
 constexpr int32_t kRow = 25;
 
-constexpr const wchar_t* kCounterTexts[] = {L"Good Conversions: ", L"Auto Conversions: ", L"Errors: ",
-                                            L"Skipped: "};
+constexpr const wchar_t* kCounterTexts[] = {L"Good Conversions: ", L"Auto Conversions: ",
+                                            L"Errors: ", L"Skipped: "};
 
 } // namespace
 
@@ -26,12 +26,15 @@ ScanWindow::ScanWindow(std::function<void()> whenClosed)
     , window(new CGhostWindowEx(nullptr, 0, L"PLEASEWAITBG", L"",
                                 CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {}))
     , text(new CGhostTextBox(window->window, 0, L"PLEASEWAITTEXT", L"Loading...", {}))
-    , barBack(new CGhostWindowEx(window->window, 0, L"PLEASEWAITPROGESSBG", L"", CGhostWindowEx::kNoSignals, {}))
-    , bar(new CGhostWindowEx(barBack->window, 0, L"PLEASEWAITPROGESSBARBG", L"", CGhostWindowEx::kNoSignals, {}))
+    , barBack(new CGhostWindowEx(window->window, 0, L"PLEASEWAITPROGESSBG", L"",
+                                 CGhostWindowEx::kNoSignals, {}))
+    , bar(new CGhostWindowEx(barBack->window, 0, L"PLEASEWAITPROGESSBARBG", L"",
+                             CGhostWindowEx::kNoSignals, {}))
     , log(new CGhostList(window->window, 0, L"LIST", 0, {}))
     , finish(new CGhostButton(window->window, 0, L"BUTTON", L"Finish", 0, {})) {
     for (size_t i = 0; i < counters.size(); ++i) {
-        counters[i] = new CGhostTextBox(window->window, 0, L"TEXT", kCounterTexts[i] + std::wstring(L"0"), {});
+        counters[i] = new CGhostTextBox(window->window, 0, L"TEXT",
+                                        kCounterTexts[i] + std::wstring(L"0"), {});
     }
     signals.Watch(finish->OnClick, [this](CGhostButton*, int, int, unsigned) { Close(); });
     window->SetVisible(false);

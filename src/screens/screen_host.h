@@ -22,6 +22,7 @@ struct GAME_TO_START {
     OptionBlock options{};
 };
 
+class DownloadQueue;
 // A joystick or game controller in use.
 struct SCREEN_JOYSTICK {
     uint32_t number; // from 0, as in the codes of its bindings
@@ -48,6 +49,9 @@ public:
     virtual void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) = 0;
     // In units of that window's client area.
     virtual void CoverClick(int button, int32_t x, int32_t y) = 0;
+
+    // Requests to the web service. Their callbacks run in the program's rounds.
+    [[nodiscard]] virtual DownloadQueue& Downloads() = 0;
 
     // A settings screen has changed values: full screen, window size, vertical sync, filters, volume and boosts are
     // read again and take effect. Every move of a volume slider calls it, so it must leave alone what has not changed.

@@ -17,13 +17,15 @@ constexpr int32_t kGap = 20;
 } // namespace
 
 const std::array<SYSTEM_FACE, kSystems>& SystemFaces() {
-    static constexpr std::array<SYSTEM_FACE, kSystems> kFaces = {{
-        {kSystemMasterSystem, L"MASTERSYSTEM", L"Sega Master System (SMS)"},
-        {kSystemGameGear, L"GAMEGEAR", L"Game Gear (GG)"},
-        {kSystemNes, L"NES", L"Nintendo (NES)"},
-        {kSystemArcade, L"ARCADE", L"Arcade"},
-        {kSystemMegaDrive, L"MEGADRIVE", L"Genesis / Megadrive (MD)"},
-    }};
+    static constexpr std::array<SYSTEM_FACE, kSystems> kFaces = {
+        {
+         {kSystemMasterSystem, L"MASTERSYSTEM", L"Sega Master System (SMS)"},
+         {kSystemGameGear, L"GAMEGEAR", L"Game Gear (GG)"},
+         {kSystemNes, L"NES", L"Nintendo (NES)"},
+         {kSystemArcade, L"ARCADE", L"Arcade"},
+         {kSystemMegaDrive, L"MEGADRIVE", L"Genesis / Megadrive (MD)"},
+         }
+    };
     return kFaces;
 }
 
@@ -32,7 +34,8 @@ SystemSwitcher::SystemSwitcher(GHOSTMANAGER_WINDOW* parent, std::function<void(i
     , right(new CGhostButton(parent, 0, L"RIGHTSEL", L"", 0, {}))
     , name(new CGhostTextBox(parent, 0, L"TEXT_CENTER", L"", {})) {
     for (size_t i = 0; i < kSystems; ++i) {
-        faces[i] = new CGhostWindowEx(parent, 0, SystemFaces()[i].style, L"", CGhostWindowEx::kNoSignals, {});
+        faces[i] = new CGhostWindowEx(parent, 0, SystemFaces()[i].style, L"",
+                                      CGhostWindowEx::kNoSignals, {});
         faces[i]->SetVisible(false);
     }
     left->SetToolTip(L"The system before");

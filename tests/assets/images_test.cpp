@@ -93,8 +93,9 @@ TEST(Images, EveryOneIsAPictureOfWholeUnits) {
         uint32_t width = 0;
         uint32_t height = 0;
         ASSERT_TRUE(LoadEmbeddedImage(row.png, pixels, width, height)) << row.name;
-        EXPECT_EQ(width % kImagePixelsPerUnit, 0u) << row.name;
-        EXPECT_EQ(height % kImagePixelsPerUnit, 0u) << row.name;
+        const auto unit = static_cast<uint32_t>(row.pixelsPerUnit);
+        EXPECT_EQ(width % unit, 0u) << row.name;
+        EXPECT_EQ(height % unit, 0u) << row.name;
         size_t seen = 0;
         for (const uint32_t pixel : pixels) {
             seen += pixel >> 24 != 0 ? 1 : 0;

@@ -179,6 +179,60 @@ TEST(ThemeNames, EveryLiteralThatAControlIsGivenIsDefined) {
     }
 }
 
+namespace {
+
+// Words in capitals that are shown, and endings of names. A style must not be added here.
+const std::set<std::string> kNoStyles = {
+    "BACK",    "BENCHMARK", "COVERS",  "CREDITS", "HINTS",       "METAINFO",   "NONE",
+    "OPTIONS", "QUIT",      "REVIEWS", "TRIVIA",  "_BACKGROUND", "_SCROLLBAR", "_TITLE"};
+
+// Every wide literal of three capitals, digits and underscores or more, wherever it is: in a call, a table, a
+// constant. Shorter ones are names of a pad's buttons.
+std::set<std::string> LiteralsLikeNames(const std::string& text) {
+    static const std::regex kLiteral(R"~(L"([A-Z0-9_]*[A-Z][A-Z0-9_]+)")~");
+    std::set<std::string> found;
+    for (std::sregex_iterator at(text.begin(), text.end(), kLiteral), end; at != end; ++at) {
+        if (at->length(1) >= 3) {
+            found.insert((*at)[1]);
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+TEST(ThemeNames, ALiteralIsSeenInTablesAndConstantsToo) {
+    const auto found =
+        LiteralsLikeNames("constexpr KIND kKinds[] = {{L\"BUTTON2\", L\"Main Menu\"}};"
+                          "const wchar_t* const style = L\"3DBOX\"; L\"a\" L\"Ok\" L\"7\"");
+    EXPECT_EQ(found, (std::set<std::string>{"BUTTON2", "3DBOX"}));
+}
+
+// The last test sees what a control is given directly; this one sees every name, though not of which kind it is.
+TEST(ThemeNames, EveryNameInTheSourcesIsDefined) {
+    const Kinds kinds = KindsOfTheme();
+    std::set<std::string> unused = kNoStyles;
+    size_t styles = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(kSources / "src")) {
+        const auto ending = entry.path().extension();
+        if (ending != ".cpp" && ending != ".h") {
+            continue;
+        }
+        for (const std::string& name : LiteralsLikeNames(TextOfFile(entry.path()))) {
+            unused.erase(name);
+            if (kNoStyles.contains(name)) {
+                EXPECT_FALSE(kinds.contains(name)) << name << " is a style";
+                continue;
+            }
+            ++styles;
+            EXPECT_TRUE(kinds.contains(name) || kinds.contains(name + "_BACKGROUND"))
+                << entry.path().filename() << " asks for " << name;
+        }
+    }
+    EXPECT_GT(styles, 80u);
+    EXPECT_TRUE(unused.empty()) << *unused.begin() << " is not in the sources any more";
+}
+
 TEST(ThemeNames, NoNameIsDefinedTwice) {
     std::set<std::wstring> seen;
     for (const CGhostTheme::NAMED& named : LoadedTheme().Names()) {

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -31,8 +32,9 @@ constexpr SAMPLE kButtons[] = {
     {L"LEFTSEL",            L"",       {0, 0, 40, 40} },
     {L"RIGHTSEL",           L"",       {0, 0, 40, 40} },
     {L"CHECKBOX",           L"",       {0, 0, 25, 25} },
-    {L"KEYBOARD_KEY",       L"q",      {0, 0, 52, 36} },
+    {L"KEYBOARD_KEY",       L"q",      {0, 0, 52, 28} },
     {L"WINDOW_TITLE_MIN",   L"\u2013", {0, 0, 20, 20} },
+    {L"WINDOW_TITLE_MAX",   L"+",      {0, 0, 20, 20} },
     {L"WINDOW_TITLE_CLOSE", L"\u00D7", {0, 0, 20, 20} },
 };
 
@@ -99,24 +101,94 @@ TEST(ThemeStates, ADisabledBoxShowsWhetherItIsChecked) {
     EXPECT_GE(Different(Painted(style.states[2], box), Painted(style.states[4], box)), 100);
 }
 
-TEST(ThemeStates, FieldsAndRowsDifferInBrightness) {
+namespace {
+
+// Every two of the states differ in at least `least` pixels.
+void ExpectAllDifferent(const std::vector<GhostTextStyle>& states, const SAMPLE& sample, int least,
+                        const std::string& what) {
+    for (size_t a = 0; a < states.size(); ++a) {
+        for (size_t b = a + 1; b < states.size(); ++b) {
+            EXPECT_GE(Different(Painted(states[a], sample), Painted(states[b], sample)), least)
+                << what << ": " << a << " and " << b;
+        }
+    }
+}
+
+} // namespace
+
+TEST(ThemeStates, FieldsDifferInBrightness) {
     const SAMPLE place{
         L"", L"", {0, 0, 120, 25}
     };
     GhostEditStyle edit;
     ASSERT_TRUE(LoadedTheme().GetStyle(L"EDIT", edit));
-    for (size_t i = 0; i < 3; ++i) {
-        EXPECT_GE(
-            Different(Painted(edit.states[i], place), Painted(edit.states[(i + 1) % 3], place)), 72)
-            << i;
+    ExpectAllDifferent({edit.states.begin(), edit.states.end()}, place, 72, "EDIT");
+    GhostDropListStyle drop;
+    ASSERT_TRUE(LoadedTheme().GetStyle(L"DROPLIST", drop));
+    const SAMPLE arrow{
+        L"", L"", {0, 0, 25, 25}
+    };
+    ExpectAllDifferent({drop.button.states.begin(), drop.button.states.begin() + 4}, arrow, 16,
+                       "DROPLIST's arrow");
+}
+
+// A row that is disabled differs from a usable one in its letters alone.
+TEST(ThemeStates, RowsOfEveryListDifferInBrightness) {
+    const SAMPLE row{
+        L"", L"", {0, 0, 120, 28}
+    };
+    const auto expectRows = [&](const GhostListStyle& list, const std::string& what) {
+        ExpectAllDifferent({list.itemNormal, list.itemHot, list.itemSelected}, row, 1000, what);
+        ExpectAllDifferent({list.item2Normal, list.item2Hot, list.item2Selected}, row, 1000,
+                           what + " item2");
+    };
+    for (const wchar_t* const name : {L"LIST", L"POPUPMENU"}) {
+        GhostListStyle list;
+        ASSERT_TRUE(LoadedTheme().GetStyle(name, list));
+        expectRows(list, Narrow(name));
     }
-    GhostListStyle list;
-    ASSERT_TRUE(LoadedTheme().GetStyle(L"LIST", list));
-    EXPECT_GE(Different(Painted(list.itemNormal, place), Painted(list.itemHot, place)), 1000);
-    EXPECT_GE(Different(Painted(list.itemHot, place), Painted(list.itemSelected, place)), 1000);
-    GhostListViewStyle table;
-    ASSERT_TRUE(LoadedTheme().GetStyle(L"GAMELIST", table));
-    EXPECT_GE(
-        Different(Painted(table.header.states[0], place), Painted(table.header.states[1], place)),
-        1000);
+    for (const wchar_t* const name : {L"LISTVIEW", L"GAMELIST", L"INPUTLIST", L"CREDITLIST"}) {
+        GhostListViewStyle table;
+        ASSERT_TRUE(LoadedTheme().GetStyle(name, table));
+        expectRows(table.list, Narrow(name));
+        const auto& heads = table.header.states;
+        ExpectAllDifferent({heads.begin(), heads.begin() + 3}, row, 1000,
+                           Narrow(name) + "'s headings");
+        const auto& edit = table.edit.states; // of a cell, which is never read-only
+        ExpectAllDifferent({edit.begin(), edit.begin() + 2}, row, 1000, Narrow(name) + "'s edit");
+    }
+}
+
+// As its control paints a part: the second fill over the first, within the margins.
+TEST(ThemeStates, PartsOfAScrollbarDifferInBrightness) {
+    GhostScrollbarStyle bar;
+    ASSERT_TRUE(LoadedTheme().GetStyle(L"WINDOW_SCROLLBAR", bar));
+    struct PART {
+        const char* name;
+        const GhostButtonStyle& style;
+        int32_t height;
+    };
+    const PART parts[] = {
+        {"upper arrow", bar.verTop,    bar.verArrowButtonHeight},
+        {"lower arrow", bar.verBottom, bar.verArrowButtonHeight},
+        {"thumb",       bar.verMid,    bar.verThumbMinHeight   },
+    };
+    for (const PART& part : parts) {
+        const GUI_RECT place{0, 0, bar.verWidth, part.height};
+        const auto painted = [&](size_t state) {
+            const GhostTextStyle& look = part.style.states[state];
+            CGhostSurface surface;
+            EXPECT_TRUE(surface.Create(place, 1.0));
+            surface.FillRect(place, kPanel);
+            PaintFill(surface, look.bg, place);
+            PaintFill(surface, look.bg2,
+                      {look.textRect.left, look.textRect.top,
+                       place.width - look.textRect.left - look.textRect.right,
+                       place.height - look.textRect.top - look.textRect.bottom});
+            return surface;
+        };
+        EXPECT_GE(Different(painted(0), painted(1)), 12) << part.name << ", hot";
+        EXPECT_GE(Different(painted(0), painted(2)), 12) << part.name << ", pressed";
+        EXPECT_GE(Different(painted(1), painted(2)), 12) << part.name << ", hot and pressed";
+    }
 }

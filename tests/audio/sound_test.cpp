@@ -12,8 +12,10 @@
 #include <SDL.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -167,6 +169,57 @@ TEST_F(Sound, DevicePullsTheRingsAndThePumpFillsThem) {
     DestroySoundChannel(session.thread);
     EXPECT_EQ(session.data.sound, nullptr);
     EXPECT_TRUE(session.data.noSound);
+}
+
+// The device takes 10 ms at a time, as much as the steady session makes. No thread takes part.
+TEST_F(Sound, SetsThatComeAndGoLeaveNoGapInAnother) {
+    constexpr uint32_t kStep = 441; // frames
+    constexpr size_t kSteady = 50;  // steps until the sound is there
+    std::string error;
+    ASSERT_TRUE(OpenSoundLoopback(error)) << error;
+    SoundSetRoomVisible(true);
+    SoundSetTelevision(1, 0.0f, 0.0f, -50.0f);
+    Session steady(1);
+    CreateSoundChannel(steady.thread);
+    std::vector<std::unique_ptr<Session>> others;
+    std::vector<int16_t> level(size_t{kStep} * 2, 8000);
+    std::vector<int16_t> silence(size_t{kStep} * 2, 0);
+    std::vector<int16_t> heard(size_t{kStep} * 2);
+    int usual = 0;
+    uint32_t repositions = 0;
+    for (size_t step = 0; step < 800; ++step) {
+        if (step > kSteady && step % 5 == 0 && others.size() < 7) {
+            others.push_back(std::make_unique<Session>(static_cast<uint32_t>(2 + step % 8)));
+            CreateSoundChannel(others.back()->thread);
+        }
+        if (step > kSteady && step % 7 == 0 && !others.empty()) {
+            const auto gone = others.begin() + static_cast<std::ptrdiff_t>(step % others.size());
+            DestroySoundChannel((*gone)->thread);
+            others.erase(gone);
+        }
+        EMU_AUDIO_FRAME frame{level.data(), AudioRate(), kStep};
+        HostSubmitAudio(&steady.thread, &frame);
+        PumpSound(steady.thread);
+        for (const auto& other : others) {
+            EMU_AUDIO_FRAME quiet{silence.data(), AudioRate(), kStep};
+            HostSubmitAudio(&other->thread, &quiet);
+            PumpSound(other->thread);
+        }
+        RenderSound(heard.data(), kStep);
+        const int lowest = *std::ranges::min_element(heard);
+        if (step == kSteady) {
+            usual = lowest;
+            repositions = steady.thread.statistics.soundRepositions;
+            ASSERT_GT(usual, 1000) << "the level is heard";
+        } else if (step > kSteady) {
+            ASSERT_GT(lowest, usual * 9 / 10) << "step " << step;
+        }
+    }
+    EXPECT_EQ(steady.thread.statistics.soundRepositions, repositions);
+    for (const auto& other : others) {
+        DestroySoundChannel(other->thread);
+    }
+    DestroySoundChannel(steady.thread);
 }
 
 TEST_F(Sound, ActiveKeyAndRoomDecideWhatIsHeard) {

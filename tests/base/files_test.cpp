@@ -3,6 +3,7 @@
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -128,6 +129,21 @@ TEST(Files, ReplacingKeepsPermissionsAndALink) {
     EXPECT_EQ(fs::status(real).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
+TEST(Files, APrivateFileIsReadableByItsOwnerAloneWhateverItReplaces) {
+    const TemporaryFolder folder;
+    const fs::path path = folder.Write("key", std::string_view("old"));
+    const fs::perms ownersAlone = fs::perms::owner_read | fs::perms::owner_write;
+    fs::permissions(path, fs::perms::all);
+    std::string error;
+    ASSERT_TRUE(WriteFile(path, Bytes("new"), error, WriteMode::kPrivate)) << error;
+    EXPECT_EQ(fs::status(path).permissions(), ownersAlone);
+    EXPECT_EQ(folder.Read("key"), Bytes("new"));
+    const mode_t before = umask(0); // which takes nothing from a new file
+    EXPECT_TRUE(WriteFile(folder.Path() / "other", Bytes("new"), error, WriteMode::kPrivate));
+    umask(before);
+    EXPECT_EQ(fs::status(folder.Path() / "other").permissions(), ownersAlone);
+}
+
 TEST(Files, ATemporaryLeftBehindIsNotInTheWay) {
     const TemporaryFolder folder;
     // The names that this process's next hundred temporaries would get.
@@ -138,6 +154,16 @@ TEST(Files, ATemporaryLeftBehindIsNotInTheWay) {
     std::string error;
     ASSERT_TRUE(WriteFile(folder.Path() / "f", Bytes("new"), error)) << error;
     EXPECT_EQ(folder.Read("f"), Bytes("new"));
+}
+
+TEST(Files, ANameOfTheGreatestLengthIsWritten) {
+    const TemporaryFolder folder;
+    std::string error;
+    const std::string name(255, 'n');
+    EXPECT_TRUE(WriteFile(folder.Path() / name, std::vector<uint8_t>{1, 2}, error)) << error;
+    EXPECT_EQ(folder.Read(name), (std::vector<uint8_t>{1, 2}));
+    EXPECT_FALSE(WriteFile(folder.Path() / (name + "n"), std::vector<uint8_t>{1}, error));
+    EXPECT_NE(error.find("File name too long"), std::string::npos) << error;
 }
 
 TEST(Files, ReadingWhatIsNotThereNamesIt) {

@@ -2,12 +2,16 @@
 #include "front/demo_database.h"
 #include "library/convert.h"
 #include "library/database_file.h"
+#include "library/folder_conversion.h"
+#include "library/game_database.h"
+#include "library/game_rows.h"
 #include "library/game_source.h"
 
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -71,6 +75,33 @@ TEST_F(DemoDatabases, AConvertedDemoHasItsRecords) {
         const MACHINE_RECORD expected = DemoMachineRecord(demo.system);
         EXPECT_EQ(std::memcmp(record.bytes + 4, expected.bytes + 4, sizeof record - 4), 0)
             << demo.name;
+    }
+}
+
+// As in the library's folder on the first start: the file's own name does not matter.
+TEST_F(DemoDatabases, ADemoInAFolderBecomesAKnownGameOfItsName) {
+    for (const DEMO& demo : Demos()) {
+        CGameDatabase database(LoadDatabase(demo.system));
+        const std::string folder(demo.name);
+        const bool megaDrive = demo.system == kSystemMegaDrive;
+        const std::string extension(megaDrive ? ".md"
+                                    : demo.system == kSystemArcade
+                                        ? ".rom"
+                                        : FindMachineFacts(demo.system)->extensions.front());
+        home.Write(folder + "/x" + extension, demo.image);
+        CONVERSION conversion;
+        conversion.folder = home.Path() / folder;
+        conversion.system = demo.system;
+        conversion.database = &database;
+        EXPECT_EQ(ConvertFolder(conversion, {}), ConversionEnd::kDone);
+        const auto file = conversion.folder / (std::string(demo.title) + ".game");
+        CGameFile game;
+        ASSERT_TRUE(LoadGameFile(false, file, game)) << demo.name;
+        GameListRow row;
+        ASSERT_TRUE(MakeRow(file, game, 0, database, row));
+        EXPECT_TRUE(row.known) << demo.name;
+        EXPECT_EQ(row.year, 2026);
+        EXPECT_TRUE(std::ranges::equal(game.Data(), demo.image));
     }
 }
 

@@ -1,4 +1,5 @@
 // The toolkit's windows over a running game.
+#include "front/appearance.h"
 #include "front/gui_overlay.h"
 #include "front/session_callbacks.h"
 #include "front/window_rig.h"
@@ -95,6 +96,36 @@ TEST_F(GuiOverlayTest, TheMouseReachesItInUnits) {
     EXPECT_EQ(panel.presses[0], (std::vector<int>{20, 10, 1}));
     PointAt(310, 205, false);
     ASSERT_TRUE(application.Round());
+}
+
+// The display's own cursor until the theme is there, then the one that the window under the mouse wants.
+TEST_F(GuiOverlayTest, TheCursorIsTheOneThatTheWindowUnderTheMouseWants) {
+    LoadAppearance();
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    const SDL_Cursor* const system = SDL_GetDefaultCursor();
+    if (system == nullptr) {
+        GTEST_SKIP() << "this display has no cursor";
+    }
+    Show({600, 400, 100, 60});
+    const auto cursorAt = [&](int x, int y) {
+        PointAt(x, y, false);
+        EXPECT_TRUE(application.Round());
+        EXPECT_TRUE(application.Round());
+        return SDL_GetCursor();
+    };
+    const SDL_Cursor* const normal = cursorAt(310, 205);
+    EXPECT_NE(normal, system);
+    CGhostManager::Get().SetCursorIndex(1);
+    const SDL_Cursor* const hot = cursorAt(311, 205);
+    EXPECT_NE(hot, normal);
+    CGhostManager::Get().SetCursorIndex(2);
+    const SDL_Cursor* const resize = cursorAt(310, 205);
+    EXPECT_NE(resize, normal);
+    EXPECT_NE(resize, hot);
+    EXPECT_EQ(cursorAt(10, 10), normal) << "over no window, whatever the last one wanted";
+    CGhostManager::Get().SetCursorIndex(0);
+    application.Stop();
 }
 
 TEST_F(GuiOverlayTest, WindowsOutliveAProgramsWindow) {

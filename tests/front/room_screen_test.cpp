@@ -1,9 +1,13 @@
 // The room, played with keys and mouse: walking, sets turned on and off, full screen and back.
 #include "front/notices.h"
 #include "front/room_rig.h"
+#include "gui/handler.h"
+#include "gui/manager.h"
+#include "gui/surface.h"
 #include "host/host_data.h"
 #include "megadrive/md_rig.h"
 
+#include <SDL_opengl.h>
 #include <gmock/gmock.h>
 
 #include <atomic>
@@ -42,6 +46,115 @@ TEST_F(RoomScreenTest, IsEnteredWalkingWithAllSetsOff) {
         EXPECT_FALSE(SessionRuns(key)) << key;
     }
     EXPECT_THAT(Hint(*room), AllOf(HasSubstr("E   Turn on"), HasSubstr("latch")));
+}
+
+// Everything is in a new context after it: the room, the set's picture, the toolkit's line at the foot.
+TEST_F(RoomScreenTest, ALostContextIsMadeAgainWithEverythingInIt) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    ASSERT_TRUE(RunUntil(application, [&] { return IsRed(MiddleOfWindow(application)); }));
+    const uint64_t shown = application.Sets().PicturesShown();
+    ASSERT_TRUE(RunUntil(application, [&] { // the light's colour has settled
+        return application.Sets().PicturesShown() >= shown + kColourHistory;
+    }));
+    const std::vector<uint32_t> before = application.ReadWindow();
+    const uint32_t uploads = static_cast<uint32_t>(application.Gui().Uploads());
+    GLuint mark = 0;
+    glGenTextures(1, &mark);
+    glBindTexture(GL_TEXTURE_2D, mark);
+    ASSERT_TRUE(glIsTexture(mark));
+    glBindTexture(GL_TEXTURE_2D, 0);
+    const SDL_GLContext first = SDL_GL_GetCurrentContext();
+    for (int times = 0; times < 3; ++times) {
+        SDL_Event event{};
+        event.type = SDL_RENDER_DEVICE_RESET;
+        SDL_PushEvent(&event);
+        ASSERT_TRUE(application.Round());
+        ASSERT_NE(SDL_GL_GetCurrentContext(), nullptr);
+        EXPECT_TRUE(application.ReadWindow() == before) << times;
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    }
+    EXPECT_FALSE(glIsTexture(mark) && SDL_GL_GetCurrentContext() == first) << "it is the old one";
+    EXPECT_GT(application.Gui().Uploads(), uploads);
+    EXPECT_EQ(room->Games().StateOf(kFrontSet), SetState::kPlaying);
+}
+
+TEST_F(RoomScreenTest, AContextThatIsNotCurrentIsMadeCurrentAgain) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_TRUE(application.Round());
+    const std::vector<uint32_t> before = application.ReadWindow();
+    const SDL_GLContext context = SDL_GL_GetCurrentContext();
+    ASSERT_EQ(SDL_GL_MakeCurrent(SDL_GL_GetCurrentWindow(), nullptr), 0);
+    ASSERT_EQ(SDL_GL_GetCurrentContext(), nullptr);
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(SDL_GL_GetCurrentContext(), context);
+    EXPECT_EQ(application.ReadWindow(), before);
+}
+
+namespace {
+
+class Night : public CGhostGUIHandler {
+public:
+    void OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) override {
+        surface->FillRect({0, 0, surface->Width(), surface->Height()}, 0xFF12162E);
+    }
+};
+
+} // namespace
+
+TEST_F(RoomScreenTest, AWindowThatAsksForASceneHasTheGamesBoxes) {
+    Night night;
+    CGhostManager& manager = CGhostManager::Get();
+    Application application;
+    RoomScreen* const room = Enter(application, {});
+    ASSERT_NE(room, nullptr);
+    Settings().SetBool(L"app_lighting", false);
+    ASSERT_EQ(manager.ScreenRect().width, 640) << "two units are a pixel";
+    GHOSTMANAGER_WINDOW* const window =
+        manager.CreateWindow(nullptr, kWindowBackgroundPass, &night, false);
+    manager.SetWindowPos(window, 160, 80, 320, 240);
+    ASSERT_TRUE(application.Round());
+    const auto at = [&](uint32_t x, uint32_t y) {
+        return application.ReadWindow()[size_t{y} * 320 + x];
+    };
+    EXPECT_EQ(at(160, 100), 0xFF12162Eu) << "no game is chosen";
+
+    const std::vector<uint32_t> red(64, kRed);
+    const COVER_IMAGE cover{red, 8, 8, 0};
+    room->SetCovers(std::vector<COVER_IMAGE>{cover, cover, cover}, false);
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(at(160, 100), kRed) << "the middle box is in the middle of the window";
+    EXPECT_EQ(at(84, 42), 0xFF12162Eu) << "the window's own corner";
+    EXPECT_NE(at(40, 100), kRed) << "outside the window";
+    const std::vector<uint32_t> before = application.ReadWindow();
+
+    SDL_Event event{};
+    event.type = SDL_RENDER_DEVICE_RESET;
+    SDL_PushEvent(&event);
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(at(160, 100), kRed) << "in a new context";
+    EXPECT_EQ(application.ReadWindow(), before);
+
+    room->SetCovers({}, false);
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(at(160, 100), 0xFF12162Eu);
+    manager.DestroyWindow(window);
+    manager.Tick(0);
+}
+
+TEST_F(RoomScreenTest, HintsCanBeHidden) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    EXPECT_FALSE(room->HintText().empty());
+    room->ShowHints(false);
+    ASSERT_TRUE(application.Round());
+    EXPECT_TRUE(room->HintText().empty());
 }
 
 TEST_F(RoomScreenTest, EachKeyWalksItsWayUntilItIsLetGo) {

@@ -158,6 +158,34 @@ constexpr double kLouder =
 
 } // namespace
 
+// The middles of the sets' boxes; the ears of a player are 118 above the floor.
+TEST(RoomSoundPlaces, EachSetSoundsFromItsMiddleAsSeenFromTheEars) {
+    CRoomObjects objects;
+    objects.Build(nullptr);
+    const struct {
+        size_t slot;
+        VECTOR3 place;
+    } rows[] =
+        {
+            {0, {63.5f, -7.0f, 95.0f}   }, // on the unit, 70 high; half of 82 above that
+            {1, {183.5f, -7.0f, 75.0f}  },
+            {2, {303.5f, -7.0f, 65.0f}  },
+            {3, {423.5f, -7.0f, 65.0f}  },
+            {5, {92.5f, -28.0f, 769.5f} }, // on the floor, 180 high
+            {6, {407.5f, -28.0f, 769.5f}},
+            {7, {320.0f, -67.5f, 395.5f}}, // on the table, 49 high; half of 3 above that
+            {8, {9.25f, -0.25f, 400.0f} }, // on the floor, 235.5 high; width and depth change places
+    };
+    for (const auto& row : rows) {
+        const CRoomObject* const set = objects.Find(objects.Televisions()[row.slot]);
+        ASSERT_NE(set, nullptr) << row.slot;
+        const VECTOR3 place = SoundPlaceOf(*set);
+        EXPECT_FLOAT_EQ(place.x, row.place.x) << row.slot;
+        EXPECT_FLOAT_EQ(place.y, row.place.y) << row.slot;
+        EXPECT_FLOAT_EQ(place.z, row.place.z) << row.slot;
+    }
+}
+
 TEST_F(RoomSound, ASetIsHeardOnItsSideOfThePlayer) {
     Stand({200.0f, 118.0f, 95.0f}, {200.0f, 118.0f, 0.0f});
     ASSERT_NO_FATAL_FAILURE(Play(kLeftSet));

@@ -133,6 +133,159 @@ TEST_F(Look, TextsOfAListWithAnImageBeginAtOnePlace) {
     manager.Reset(); // the style refers to the strip
 }
 
+// A bar of 100 units at a half: the handle is around 50, and clear of the upper edge.
+TEST_F(Look, ASliderUnderTheMouseHasAHandleAtItsValue) {
+    auto* const slider = new CGhostSlider(nullptr, 0, L"", 0, 0, {false, 100, 100, 100, 25});
+    CGhostTheme::Get().ParseTheme(
+        "<?xml version='1.0'?><theme><textbox name='BAR'><texture type='color'>"
+        "<color name='bg' val='FF000020'/></texture>"
+        "<color name='text' val='FFFFFFFF'/></textbox></theme>");
+    slider->SetStyle(L"BAR");
+    slider->SetValue(0.5f);
+    const auto widthOfHandle = [&] {
+        int wide = 0;
+        for (int x = 40; x < 60; ++x) { // above the number
+            wide += IsText(At(slider->window, x, 5)) ? 1 : 0;
+        }
+        return wide;
+    };
+    manager.Tick(0);
+    EXPECT_EQ(widthOfHandle(), 0);
+    MoveTo(120, 112);
+    const int hot = widthOfHandle();
+    EXPECT_GT(hot, 0);
+    MoveTo(150, 112);
+    Press();
+    const int held = widthOfHandle();
+    EXPECT_GT(held, hot);
+    Release();
+    EXPECT_EQ(widthOfHandle(), hot);
+    MoveTo(10, 10);
+    EXPECT_EQ(widthOfHandle(), 0);
+    slider->SetReadOnly(true);
+    MoveTo(150, 112);
+    EXPECT_EQ(widthOfHandle(), 0) << "it cannot be dragged";
+    EXPECT_EQ(manager.CursorIndex(), 0u);
+}
+
+// The arrow covers the right end of the face, and the ring goes on over it.
+TEST_F(Look, TheRingOfADropListGoesAroundItsArrowToo) {
+    auto* const drop = new CGhostDropList(nullptr, 0, L"", L"", 100, {false, 100, 100, 150, 25});
+    const CGhostTheme::RING_COLOURS ring = CGhostTheme::Get().FocusRing();
+    const GHOSTMANAGER_WINDOW* const arrow = drop->Arrow()->window;
+    manager.Tick(0);
+    EXPECT_NE(At(arrow, 24, 12), ring.line);
+    Focus(drop->window);
+    EXPECT_EQ(At(drop->window, 0, 12), ring.line);
+    EXPECT_EQ(At(arrow, 24, 12), ring.line) << "its right side";
+    EXPECT_EQ(At(arrow, 12, 0), ring.line) << "its upper side";
+    EXPECT_NE(At(arrow, 0, 12), ring.line) << "not between face and arrow";
+    drop->SetEnabled(false);
+    manager.Tick(0);
+    EXPECT_NE(At(arrow, 24, 12), ring.line);
+}
+
+// Style A is a fill, style B another with a frame of 3.
+TEST_F(Look, AWindowAndADropListTakeAnotherStyle) {
+    CGhostTheme::Get().ParseTheme(std::string(kColours).insert(
+        std::string(kColours).rfind("</theme>"),
+        "<textbox name='A_BACKGROUND' use='A'/><textbox name='B_BACKGROUND' use='B'/>"
+        "<textbox name='B_TITLE' use='A'/><scrollbar name='B_SCROLLBAR' use='S2'>"
+        "<number name='ver_width' val='9'/></scrollbar>"
+        "<droplist name='DROPA'><textbox name='bg' use='A'/></droplist>"
+        "<droplist name='DROPB'><textbox name='bg' use='B'/><button><textbox name='normal' "
+        "use='A'/>"
+        "</button></droplist>"));
+    auto* const made =
+        new CGhostWindowEx(nullptr, 0, L"A", L"", CGhostWindowEx::kFrame | CGhostWindowEx::kTitle,
+                           {false, 100, 100, 200, 100});
+    made->ShowScrollbar(true);
+    manager.Tick(0);
+    EXPECT_EQ(made->window->clientRect, (GUI_RECT{0, 20, 200, 80}));
+    EXPECT_EQ(At(made->window, 100, 60), kColourA);
+    made->SetStyle(L"B");
+    manager.Tick(0);
+    EXPECT_EQ(made->window->clientRect, (GUI_RECT{3, 23, 185, 74}))
+        << "the frame, the title bar and the bar's own width";
+    EXPECT_EQ(At(made->window, 100, 60), kColourB);
+    made->SetStyle(L"A");
+    manager.Tick(0);
+    EXPECT_EQ(made->window->clientRect, (GUI_RECT{0, 20, 200, 80})) << "the default bar again";
+
+    auto* const drop =
+        new CGhostDropList(nullptr, 0, L"DROPA", L"", 100, {false, 400, 100, 150, 25});
+    manager.Tick(0);
+    EXPECT_EQ(At(drop->window, 60, 12), kColourA);
+    drop->SetStyle(L"DROPB");
+    manager.Tick(0);
+    EXPECT_EQ(At(drop->window, 60, 12), kColourB);
+    EXPECT_EQ(At(drop->Arrow()->window, 5, 5), kColourA);
+    EXPECT_EQ(drop->window->clientRect, (GUI_RECT{3, 3, 144, 19}));
+}
+
+TEST_F(Look, TheBarOfHeadingsGoesOnBesideTheLastColumn) {
+    CGhostTheme::Get().ParseTheme(
+        "<?xml version='1.0'?><theme><textbox name='A'><texture type='color'>"
+        "<color name='bg' val='FF00000A'/></texture></textbox>"
+        "<listview name='HEADS'><number name='headerheight' val='24'/>"
+        "<number name='itemheight' val='20'/><button><textbox name='normal' use='A'/></button>"
+        "</listview></theme>");
+    auto* const view = new CGhostListView(nullptr, 0, L"HEADS", 0, {false, 100, 100, 400, 224});
+    view->AddColumn(L"", 100);
+    manager.Tick(0);
+    EXPECT_EQ(At(view->window, 100, 0), kColourA);
+    EXPECT_EQ(At(view->window, 399, 23), kColourA);
+    EXPECT_EQ(At(view->window, 399, 24) >> 24, 0u) << "the rows are below";
+}
+
+// A round frame has nothing of the fill outside; a square one keeps it.
+TEST_F(Look, AButtonWithARoundFrameHasRoundCorners) {
+    GhostButtonStyle style;
+    style.states[0].bg.colour1 = kColourA;
+    style.states[0].border.thickness = {1, 1, 1, 1};
+    style.states[0].border.type = GhostFrame::kRoundedColour;
+    style.states[0].border.left.colour1 = kColourB;
+    auto* const button = new CGhostButton(nullptr, 0, L"none", L"", 0, {false, 100, 100, 60, 30});
+    button->SetStyle(style);
+    for (const int density : {1, 2}) {
+        manager.SetScreen(1280 * density, 720 * density);
+        manager.Tick(0);
+        const int right = 60 * density - 1;
+        const int bottom = 30 * density - 1;
+        for (const auto& [x, y] : {std::pair(0, 0), std::pair(right, 0), std::pair(0, bottom),
+                                   std::pair(right, bottom)}) {
+            EXPECT_EQ(At(button->window, x, y) >> 24, 0u) << density << ": " << x << ", " << y;
+        }
+        EXPECT_EQ(At(button->window, 30 * density, 15 * density), kColourA) << density;
+        EXPECT_EQ(At(button->window, 30 * density, 0) >> 24, 0xFFu) << density;
+    }
+    manager.SetScreen(1280, 720);
+    style.states[0].border.type = GhostFrame::kColour;
+    button->SetStyle(style);
+    manager.Tick(0);
+    EXPECT_EQ(At(button->window, 0, 0) >> 24, 0xFFu);
+}
+
+// Over the thumb lies a fill of the state's own, within its margins.
+TEST_F(Look, APartOfAScrollbarHasASecondFillWithinItsMargins) {
+    GhostScrollbarStyle style;
+    style.verArrowButtonHeight = 10;
+    style.verMid.states[0].bg.colour1 = kColourA;
+    style.verMid.states[1] = style.verMid.states[0];
+    style.verMid.states[1].bg2.colour1 = 0xFFFFFFFF;
+    style.verMid.states[1].textRect = {4, 2, 4, 2};
+    auto* const bar = new CGhostScrollbar(nullptr, 0, L"", {false, 100, 100, 16, 120});
+    bar->SetStyle(style);
+    bar->SetRange(200, 100, 0, true); // the thumb is half of 100
+    manager.Tick(0);
+    EXPECT_EQ(At(bar->window, 8, 30), kColourA);
+    MoveTo(108, 130);
+    const auto lighter = [&](int x, int y) { return At(bar->window, x, y) != kColourA; };
+    EXPECT_TRUE(lighter(8, 30));
+    EXPECT_TRUE(lighter(4, 12) && lighter(11, 57));
+    EXPECT_FALSE(lighter(3, 30) || lighter(12, 30) || lighter(8, 11) || lighter(8, 58));
+}
+
 TEST_F(Look, AHeadingLiesAtTheSideOfItsColumn) {
     auto* const view = new CGhostListView(nullptr, 0, L"HEADS", 0, {false, 100, 100, 400, 224});
     view->AddColumn(L"left", 200, kAlignLeft);

@@ -126,6 +126,26 @@ TEST_F(Modality, AnEditThatEndsUnderItsKeyboardAndABoxLeavesNothingBehind) {
     ExpectInputBackAt(button->window, "the box is gone");
 }
 
+// What floats for a window is freed in the tick that frees the window, and not one later.
+TEST_F(Modality, AKeyboardAndAnOwnedBoxEndInTheTickOfTheirOwner) {
+    auto* const keyboard = CGhostKeyboard::Open(edit);
+    manager.Tick(0);
+    ASSERT_EQ(manager.ModalWindow(), keyboard->window);
+    auto* const box = CGhostMessageBox::Show(L"A", L"b");
+    ASSERT_NE(box, nullptr);
+    int closed = 0;
+    box->OnClosed.connect([&](CGhostMessageBox*) { ++closed; });
+    ASSERT_TRUE(manager.SetOwner(box->window, panel->window));
+    manager.Tick(0);
+    ExpectInputIn(*box, "while its owner lives");
+    manager.DestroyWindow(panel->window);
+    manager.Tick(0);
+    EXPECT_EQ(WindowCount(), 0u);
+    EXPECT_EQ(manager.ModalWindow(), nullptr);
+    EXPECT_EQ(closed, 1);
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u);
+}
+
 TEST_F(Modality, ADialogThatEndsUnderABoxIsNotReturnedTo) {
     auto* const dialog = new CGhostWindowEx(nullptr, 0, L"W", L"", 0, {false, 500, 50, 260, 90});
     manager.SetModal(dialog->window);

@@ -2,6 +2,7 @@
 // part is what is drawn whole.
 #include "gui/control_rig.h"
 
+#include <iterator>
 #include <random>
 
 using GuiRandom = ControlTest;
@@ -18,6 +19,14 @@ struct SCREEN {
     std::vector<uint32_t> pixels;
 };
 
+// Densities 1, 1.0667, 1.5 and 2.
+constexpr int kScreens[][2] = {
+    {1280, 720 },
+    {1366, 768 },
+    {1920, 1080},
+    {2560, 1440}
+};
+
 void DrawWhole(CGhostManager& manager, SCREEN& screen) {
     manager.SetCompositeBuffer(screen.pixels.data(), screen.width, screen.height,
                                screen.width); // all of it is dirty
@@ -27,12 +36,33 @@ void DrawWhole(CGhostManager& manager, SCREEN& screen) {
 } // namespace
 
 TEST_F(GuiRandom, HoverFocusAndCaptureAreAlwaysLivingVisibleWindows) {
-    for (uint32_t seed = 1; seed <= 30; ++seed) {
+    for (const auto& size : kScreens) {
+        for (uint32_t seed = 1; seed <= 10; ++seed) {
+            std::mt19937 random(seed);
+            const auto next = [&]() -> uint32_t { return random() & 0xFF; };
+            manager.SetScreen(size[0], size[1]);
+            manager.Reset();
+            RandomTree tree(next);
+            for (int step = 0; step < 1000; ++step) {
+                tree.Step(next);
+                ASSERT_EQ(BrokenInvariant(), "") << size[0] << " seed " << seed << " step " << step;
+            }
+        }
+    }
+}
+
+// The display changes as well, in the midst of it all.
+TEST_F(GuiRandom, AnotherDensityInTheMidstBreaksNothing) {
+    for (uint32_t seed = 201; seed <= 204; ++seed) {
         std::mt19937 random(seed);
         const auto next = [&]() -> uint32_t { return random() & 0xFF; };
         manager.Reset();
         RandomTree tree(next);
-        for (int step = 0; step < 1000; ++step) {
+        for (int step = 0; step < 600; ++step) {
+            if (next() % 32 == 0) {
+                const auto& size = kScreens[next() % std::size(kScreens)];
+                manager.SetScreen(size[0], size[1]);
+            }
             tree.Step(next);
             ASSERT_EQ(BrokenInvariant(), "") << "seed " << seed << " step " << step;
         }
@@ -40,12 +70,6 @@ TEST_F(GuiRandom, HoverFocusAndCaptureAreAlwaysLivingVisibleWindows) {
 }
 
 TEST_F(GuiRandom, WhatIsDrawnByPartsIsWhatIsDrawnWhole) {
-    // Densities 1, 1.0667 and 1.5.
-    constexpr int kScreens[][2] = {
-        {1280, 720 },
-        {1366, 768 },
-        {1920, 1080}
-    };
     for (const auto& size : kScreens) {
         manager.SetScreen(size[0], size[1]);
         SCREEN parts(size[0], size[1]);

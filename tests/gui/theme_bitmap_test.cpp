@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -67,6 +68,49 @@ TEST_F(ThemeBitmaps, AnImageIsDecodedOnceHoweverOftenItIsNamed) {
     EXPECT_NE(LoadThemeBitmap("#BUTTON00"), LoadThemeBitmap("#BUTTON01"));
     EXPECT_EQ(LoadThemeBitmap("#DAMAGED"), nullptr);
     EXPECT_EQ(LoadThemeBitmap("#DAMAGED"), nullptr);
+}
+
+// What a row says of its pixels counts, and another size is made of all of them.
+TEST_F(ThemeBitmaps, ARowSaysHowManyPixelsAUnitHas) {
+    static const std::vector<uint8_t> copy(std::begin(kPng), std::end(kPng));
+    static const GUI_IMAGE_ROW fine[] = {
+        {"#FINE", copy, 2}
+    };
+    SetThemeImages(fine);
+    const GUI_BITMAP* const bitmap = LoadThemeBitmap("#FINE");
+    ASSERT_NE(bitmap, nullptr);
+    EXPECT_EQ(bitmap->width, 4);
+    EXPECT_EQ(bitmap->height, 2);
+    const GUI_BITMAP* const small = LoadThemeBitmap("#FINE", 1, 1);
+    ASSERT_NE(small, nullptr);
+    EXPECT_EQ(small->width, 1);
+    // Half of it opaque red, half blue with about half the alpha.
+    EXPECT_EQ(small->pixels, (std::vector<uint32_t>{0xC0AA0055}));
+    EXPECT_EQ(LoadThemeBitmap("#FINE", 1, 1), small);
+    EXPECT_EQ(LoadThemeBitmap("#FINE"), bitmap);
+    EXPECT_EQ(LoadThemeBitmap("#NOWHERE", 1, 1), nullptr);
+}
+
+// The file may go after the first call, and no density costs anything of another.
+TEST_F(ThemeBitmaps, AnotherDensityIsMadeOfWhatWasDecodedOnce) {
+    static std::vector<uint8_t> copy(std::begin(kPng), std::end(kPng));
+    static const GUI_IMAGE_ROW rows[] = {
+        {"#KEPT", copy}
+    };
+    SetThemeImages(rows);
+    const GUI_BITMAP* const bitmap = LoadThemeBitmap("#KEPT");
+    ASSERT_NE(bitmap, nullptr);
+    const std::vector<uint32_t> before = bitmap->pixels;
+    std::fill(copy.begin(), copy.end(), uint8_t{0});
+    RefitThemeBitmaps(2.0);
+    EXPECT_EQ(bitmap->pixelWidth, 4);
+    EXPECT_EQ(bitmap->pixels,
+              (std::vector<uint32_t>{0xFFFF0000, 0xFFFF0000, 0x800000FF, 0x800000FF, 0xFFFF0000,
+                                     0xFFFF0000, 0x800000FF, 0x800000FF}));
+    RefitThemeBitmaps(0.5);
+    EXPECT_EQ(bitmap->pixels, (std::vector<uint32_t>{0xC0AA0055}));
+    RefitThemeBitmaps(1.0);
+    EXPECT_EQ(bitmap->pixels, before);
 }
 
 // A name means what the present table says.

@@ -122,6 +122,31 @@ TEST(FolderSafety, ZipWithADamagedEntryStays) {
     EXPECT_EQ(folder.Read("set.zip"), zip);
 }
 
+TEST(FolderSafety, ZipThatStatesNoSizeForAnEntryStays) {
+    const Bytes known = Noise(1, 3000);
+    for (const bool wrongSize : {false, true}) {
+        GameFolder folder(kSms, EntryOf(kSms, "known",
+                                        {
+                                            {"x", known}
+        }));
+        Bytes zip = ZipOf({
+            {"known.sms",      known},
+            {           "empty.txt",              {}     },
+            { "other.sms", wrongSize ? Noise(2,      3000) : Bytes()}
+        });
+        if (wrongSize) {
+            const std::string_view mark = "PK\1\2"; // the last one begins the last entry's record
+            const auto record = std::find_end(zip.begin(), zip.end(), mark.begin(), mark.end());
+            ASSERT_NE(record, zip.end());
+            PutInteger(zip, static_cast<size_t>(record - zip.begin()) + 24, 4, 0);
+        }
+        folder.Write("set.zip", zip);
+        EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+        EXPECT_EQ(folder.LoggedOf("Kept: " + folder.At("set.zip"), "other.sms"), wrongSize);
+        EXPECT_EQ(fs::exists(folder.Path() / "set.zip"), wrongSize) << "empty files are no loss";
+    }
+}
+
 TEST(FolderSafety, UnknownImageBesideAKnownOneIsNotLostWithItsZip) {
     const Bytes known = Noise(1, 3000);
     for (const bool knownIsLast : {true, false}) {

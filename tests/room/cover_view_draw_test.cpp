@@ -33,7 +33,7 @@ protected:
     std::vector<uint32_t> Draw() {
         ClearScreen(kWhite);
         Ortho2D(kWide, kHigh);
-        renderer.DrawCovers(view, kAt, kWide, kHigh);
+        renderer.DrawCovers(view, kAt, seen, kWide, kHigh);
         return ReadScreen(kWide, kHigh);
     }
 
@@ -52,6 +52,7 @@ protected:
 
     RoomRenderer renderer;
     CoverView view;
+    COVER_RECTANGLE seen = kAt;
 };
 
 TEST_F(CoverPictures, EachBoxShowsItsOwnCover) {
@@ -110,6 +111,33 @@ TEST_F(CoverPictures, NothingOutsideTheRectangleIsTouched) {
         }
     }
     EXPECT_GT(inside, 500U);
+}
+
+TEST_F(CoverPictures, ACoveredPartOfTheWindowIsNotDrawn) {
+    view.SetCovers(std::vector<int>{0, 0, 0}, false);
+    for (size_t i = 0; i < 3; ++i) {
+        Cover(i, kRed);
+    }
+    const std::vector<uint32_t> whole = Draw();
+    seen = {50, 20, 30, 40};
+    const std::vector<uint32_t> part = Draw();
+    for (uint32_t y = 0; y < kHigh; ++y) {
+        for (uint32_t x = 0; x < kWide; ++x) {
+            const bool within = x >= 50 && x < 80 && y >= 20 && y < 60;
+            const size_t at = size_t{y} * kWide + x;
+            ASSERT_EQ(part[at], within ? whole[at] : kWhite) << x << " " << y;
+        }
+    }
+}
+
+TEST_F(CoverPictures, CoversOutliveTheContext) {
+    view.SetCovers(std::vector<int>{0, 1}, false);
+    Cover(0, kRed);
+    Cover(1, kGreen);
+    const std::vector<uint32_t> before = Draw();
+    renderer.Release();
+    renderer.InitRoom(Services());
+    EXPECT_EQ(Draw(), before);
 }
 
 TEST_F(CoverPictures, TurnedBoxShowsItsOtherSide) {

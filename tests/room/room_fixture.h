@@ -33,7 +33,8 @@ protected:
                     const auto found = files.find(std::string(name));
                     return found != files.end() ? found->second : Bytes();
                 },
-                [this](const std::string& message) { reports.push_back(message); }};
+                [this](const std::string& message) { reports.push_back(message); },
+                {}};
     }
 
     RoomFiles files;

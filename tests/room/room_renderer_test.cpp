@@ -9,13 +9,18 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <optional>
 
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 constexpr uint32_t kWide = 128;
 constexpr uint32_t kHigh = 96;
@@ -394,6 +399,37 @@ TEST_F(RoomPictures, MissingAndDamagedModelsAreLeftOut) {
     EXPECT_EQ(reports.size(), 1U);
 }
 
+TEST_F(RoomPictures, TheSpareStandsInForWhatIsDamaged) {
+    const RoomFiles whole = files;
+    files["tv.3ds"].resize(files["tv.3ds"].size() / 2);
+    files["tv.png"] = {1, 2, 3};
+    ROOM_SERVICES services = Services();
+    services.readSpare = [&whole](std::string_view name) {
+        const auto found = whole.find(std::string(name));
+        return found != whole.end() ? found->second : Bytes();
+    };
+    renderer.InitRoom(services);
+    objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
+    EXPECT_THAT(reports, ElementsAre(AllOf(HasSubstr("tv.3ds is damaged"), HasSubstr("built-in")),
+                                     AllOf(HasSubstr("tv.png"), HasSubstr("built-in"))));
+    const std::vector<uint32_t> repaired = Draw();
+    files = whole;
+    Start();
+    EXPECT_EQ(Draw(), repaired);
+    EXPECT_EQ(reports.size(), 2U);
+}
+
+TEST_F(RoomPictures, ASpareThatIsTheSameFileIsNone) {
+    files["tv.3ds"].resize(files["tv.3ds"].size() / 2);
+    ROOM_SERVICES services = Services();
+    services.readSpare = services.readFile;
+    renderer.InitRoom(services);
+    objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_THAT(reports[0], Not(HasSubstr("built-in")));
+    EXPECT_EQ(objects.FindType(100), nullptr);
+}
+
 TEST_F(RoomPictures, EmptyRoomIsABox) {
     files.clear();
     Start();
@@ -439,8 +475,8 @@ TEST_F(RoomPictures, NothingIsSentTwice) {
     // A bind for each draw at most, and one more for each picture's filters.
     EXPECT_LE(counters.textureBinds, counters.drawCalls + 4);
     EXPECT_LE(counters.materialWrites, counters.drawCalls * 2);
-    // Plain, textured, glossy and shining surfaces, to and fro; and off at the end.
-    EXPECT_LE(counters.programChanges, counters.drawCalls + 1);
+    // Glossy and textured furniture, the pictures, the floor and its like, the plain walls; and off at the end.
+    EXPECT_LE(counters.programChanges, 8U);
     EXPECT_LE(counters.matrixLoads, 36U);
     // A step to the side moves the eye, which the programs of glossy surfaces know.
     LookFrom({260, 130, 790}, {260, 100, 0});
@@ -450,6 +486,59 @@ TEST_F(RoomPictures, NothingIsSentTwice) {
     Play(0, kRed);
     Draw();
     EXPECT_LE(renderer.Counters().uniformWrites, 4U);
+}
+
+// The program's own furniture, from all around and from within it.
+TEST_F(RoomPictures, HiddenBackFacesMakeNoDifference) {
+    files.clear();
+    const auto folder = std::filesystem::path(OMBRELUNE_SOURCE_FOLDER) / "assets/objects";
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        std::ifstream file(entry.path(), std::ios::binary);
+        files[entry.path().filename().string()].assign(std::istreambuf_iterator<char>(file), {});
+    }
+    Start();
+    Play(0, kWhite);
+    struct VIEW {
+        VECTOR3 from;
+        VECTOR3 at;
+    };
+    constexpr VIEW kViews[] = {
+        {{470, 130, 760}, {150, 60, 100}},
+        {{330, 125, 690}, {400, 60, 300}},
+        {{380, 118, 420}, {0, 100, 400} },
+        {{360, 100, 430}, {320, 49, 385}},
+        {{250, 125, 520}, {50, 110, 770}},
+        {{120, 125, 520}, {440, 90, 770}},
+        {{183, 100, 190}, {183, 105, 40}},
+        {{20, 20, 200},   {480, 30, 500}},
+        {{250, 255, 200}, {250, 0, 420} },
+        {{440, 50, 400},  {0, 60, 350}  }, // in the couch
+        {{250, 40, 60},   {250, 40, 700}},
+        {{300, 46, 400},  {300, 60, 100}}, // in the unit, in the table
+    };
+    std::vector<std::vector<uint32_t>> pictures;
+    for (const VIEW& view : kViews) {
+        LookFrom(view.from, view.at);
+        pictures.push_back(Draw());
+    }
+    // The camera is always within boxes of this size, so that all is drawn.
+    for (const auto& object : objects.All()) {
+        for (Model_3DS::Object& mesh : object->type->model->objects) {
+            mesh.low = {-10000, -10000, -10000};
+            mesh.high = {10000, 10000, 10000};
+        }
+    }
+    for (size_t i = 0; i < std::size(kViews); ++i) {
+        LookFrom(kViews[i].from, kViews[i].at);
+        const std::vector<uint32_t> all = Draw();
+        size_t different = 0;
+        for (size_t p = 0; p < all.size(); ++p) {
+            different += all[p] != pictures[i][p] ? 1U : 0U;
+        }
+        // A back face that is seen all but from its edge can win a pixel from the front face beside it: its
+        // depth is too steep to be exact. So the pictures are the same but for some dark specks.
+        EXPECT_LE(different, all.size() / 400) << "view " << i;
+    }
 }
 
 TEST_F(RoomPictures, WhatIsBehindTheCameraIsNotDrawn) {

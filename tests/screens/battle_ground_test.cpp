@@ -1,11 +1,10 @@
-#include "screens/battle_ground.h"
-
 #include "gui/multi_text.h"
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
+#include "screens/battle_ground.h"
 #include "screens/credits.h"
-#include "screens/taglines.h"
 #include "screens/screens_rig.h"
+#include "screens/taglines.h"
 
 #include <algorithm>
 #include <memory>

@@ -1,6 +1,5 @@
-#include "screens/game_overlay.h"
-
 #include "gui/text_box.h"
+#include "screens/game_overlay.h"
 #include "screens/screens_rig.h"
 
 #include <memory>
@@ -48,8 +47,8 @@ TEST_F(GameOverlay, TellsTheWalkerWhatTheKeysDo) {
     EXPECT_EQ(overlay->ShownHints(), (Texts{L"Main Menu [F10]", L"Load Game [E]"}));
     state.selectedOn = true;
     Round();
-    EXPECT_EQ(overlay->ShownHints(), (Texts{L"Main Menu [F10]", L"Load Game [E]", L"Turn off Game [Q]",
-                                            L"Attach to TV [ESC]"}));
+    EXPECT_EQ(overlay->ShownHints(), (Texts{L"Main Menu [F10]", L"Load Game [E]",
+                                            L"Turn off Game [Q]", L"Attach to TV [ESC]"}));
     EXPECT_EQ(ShownButtons(), 0) << "the mouse belongs to the camera";
 }
 
@@ -88,8 +87,9 @@ TEST_F(GameOverlay, TellsTheProgramWhatWasClicked) {
     for (uint32_t number = 1; number <= CGUIGameOverlay::kButtons; ++number) {
         Click(overlay->Button(number));
     }
-    EXPECT_EQ(host.taken, (std::vector{ModeInput::kMainMenu, ModeInput::kLoadGame, ModeInput::kExitGame,
-                                       ModeInput::kTelevision, ModeInput::kResetGame}));
+    EXPECT_EQ(host.taken,
+              (std::vector{ModeInput::kMainMenu, ModeInput::kLoadGame, ModeInput::kExitGame,
+                           ModeInput::kTelevision, ModeInput::kResetGame}));
 }
 
 TEST_F(GameOverlay, IsNotThereBehindMenuAndBrowser) {

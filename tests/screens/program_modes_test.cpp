@@ -156,8 +156,9 @@ TEST(ProgramModes, NoModeIsADeadEnd) {
         }
         return all;
     };
-    for (const ProgramMode mode : {ProgramMode::kMenu, ProgramMode::kPanel, ProgramMode::kBrowser,
-                                   ProgramMode::kWalking, ProgramMode::kStanding, ProgramMode::kFullScreen}) {
+    for (const ProgramMode mode :
+         {ProgramMode::kMenu, ProgramMode::kPanel, ProgramMode::kBrowser, ProgramMode::kWalking,
+          ProgramMode::kStanding, ProgramMode::kFullScreen}) {
         EXPECT_TRUE(reached(ProgramMode::kMenu).contains(mode));
         EXPECT_TRUE(reached(mode).contains(ProgramMode::kMenu));
     }
@@ -169,7 +170,8 @@ TEST(ProgramModes, EveryRowOfTheTableCounts) {
     for (size_t i = 0; i < ways.size(); ++i) {
         for (size_t j = 0; j < i; ++j) {
             const bool same = ways[j].from == ways[i].from && ways[j].input == ways[i].input;
-            EXPECT_FALSE(same && (ways[j].guard == ModeGuard::kAlways || ways[j].guard == ways[i].guard))
+            EXPECT_FALSE(same &&
+                         (ways[j].guard == ModeGuard::kAlways || ways[j].guard == ways[i].guard))
                 << "row " << i;
         }
     }

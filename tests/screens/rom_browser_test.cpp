@@ -1,5 +1,3 @@
-#include "screens/rom_browser.h"
-
 #include "gui/check_box.h"
 #include "gui/drop_list.h"
 #include "gui/edit.h"
@@ -8,9 +6,11 @@
 #include "gui/multi_text.h"
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
+#include "screens/rom_browser.h"
 #include "screens/screen_picture.h"
 #include "screens/screens_rig.h"
 #include "settings/settings.h"
+
 #include "support/temporary_folder.h"
 
 #include <memory>
@@ -30,7 +30,8 @@ protected:
     void SetUp() override {
         ScreensTest::SetUp();
         RegisterDefaultSettings(Settings());
-        area = new CGhostWindowEx(nullptr, 0, L"BATTLEMAIN", L"", CGhostWindowEx::kFrame, {false, 0, 60, 1280, 660});
+        area = new CGhostWindowEx(nullptr, 0, L"BATTLEMAIN", L"", CGhostWindowEx::kFrame,
+                                  {false, 0, 60, 1280, 660});
     }
     void TearDown() override {
         browser.reset();
@@ -196,13 +197,15 @@ TEST_F(RomBrowser, TabsShowOneOfThePanels) {
     home.Write("sms/Paper Lamps.sms", Image(3));
     Open();
     Click(browser->Scan().Finish());
-    for (const ContentTab tab : {ContentTab::kReviews, ContentTab::kHints, ContentTab::kTrivia, ContentTab::kMetaInfo}) {
+    for (const ContentTab tab :
+         {ContentTab::kReviews, ContentTab::kHints, ContentTab::kTrivia, ContentTab::kMetaInfo}) {
         Click(browser->Content().TabButton(tab));
         EXPECT_TRUE(browser->Content().Text(tab)->IsVisible());
         EXPECT_FALSE(browser->Content().Box()->IsVisible());
     }
     KeepPicture("browser-meta");
-    EXPECT_NE(browser->Content().Text(ContentTab::kMetaInfo)->Text().find(L"Paper Lamps.game"), std::wstring::npos);
+    EXPECT_NE(browser->Content().Text(ContentTab::kMetaInfo)->Text().find(L"Paper Lamps.game"),
+              std::wstring::npos);
     Click(browser->Content().TabButton(ContentTab::kCovers));
     EXPECT_TRUE(browser->Content().Box()->IsVisible());
 }
@@ -226,13 +229,19 @@ TEST_F(RomBrowser, IsLaidOutWithoutOverlapOnEveryShapeOfScreen) {
         int32_t width;
         int32_t height;
     };
-    for (const SHAPE shape : {SHAPE{1280, 720}, SHAPE{1280, 960}, SHAPE{1280, 800}, SHAPE{1720, 720}}) {
+    for (const SHAPE shape : {
+             SHAPE{1280, 720},
+             SHAPE{1280, 960},
+             SHAPE{1280, 800},
+             SHAPE{1720, 720}
+    }) {
         Manager().SetScreen(shape.width, shape.height);
         area->SetPos(0, 60, shape.width, shape.height - 60);
         const GUI_RECT inner{0, 0, area->window->clientRect.width, area->window->clientRect.height};
         browser->Layout(inner.width, inner.height);
         std::vector<const GHOSTMANAGER_WINDOW*> shown;
-        for (const GHOSTMANAGER_WINDOW* child = area->window->firstChild; child != nullptr; child = child->nextSibling) {
+        for (const GHOSTMANAGER_WINDOW* child = area->window->firstChild; child != nullptr;
+             child = child->nextSibling) {
             // The line over an empty list lies over it by intent.
             if (child->visible && child->width > 0) {
                 shown.push_back(child);
@@ -240,11 +249,12 @@ TEST_F(RomBrowser, IsLaidOutWithoutOverlapOnEveryShapeOfScreen) {
         }
         for (size_t i = 0; i < shown.size(); ++i) {
             const GUI_RECT a{shown[i]->x, shown[i]->y, shown[i]->width, shown[i]->height};
-            EXPECT_EQ(Intersection(a, inner), a) << shape.width << " by " << shape.height << ", window " << i;
+            EXPECT_EQ(Intersection(a, inner), a)
+                << shape.width << " by " << shape.height << ", window " << i;
             for (size_t j = 0; j < i; ++j) {
                 const GUI_RECT b{shown[j]->x, shown[j]->y, shown[j]->width, shown[j]->height};
-                EXPECT_TRUE(Intersection(a, b).Empty()) << shape.width << " by " << shape.height << ", windows " << i
-                                                        << " and " << j;
+                EXPECT_TRUE(Intersection(a, b).Empty())
+                    << shape.width << " by " << shape.height << ", windows " << i << " and " << j;
             }
         }
     }

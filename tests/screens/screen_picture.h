@@ -18,7 +18,8 @@ inline void KeepPicture(const std::string& name) {
     const GUI_RECT screen = manager.ScreenRect();
     const auto width = static_cast<int32_t>(screen.width * manager.Density());
     const auto height = static_cast<int32_t>(screen.height * manager.Density());
-    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height), 0xFF000000);
+    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height),
+                                 0xFF000000);
     manager.SetCompositeBuffer(pixels.data(), width, height, width);
     manager.CompositeAll();
     manager.SetCompositeBuffer(nullptr, 0, 0, 0);
@@ -30,5 +31,6 @@ inline void KeepPicture(const std::string& name) {
     }
     const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
     std::string error;
-    static_cast<void>(WriteFile(std::filesystem::path(folder) / (name + ".ppm"), {bytes, text.size()}, error));
+    static_cast<void>(
+        WriteFile(std::filesystem::path(folder) / (name + ".ppm"), {bytes, text.size()}, error));
 }

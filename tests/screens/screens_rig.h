@@ -9,12 +9,16 @@
 #include "gui/text_box.h"
 #include "gui/theme.h"
 #include "screens/screen_host.h"
+#include "web/download_queue.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -29,6 +33,7 @@ public:
     void CoverClick(int button, int32_t /*x*/, int32_t /*y*/) override {
         coverClicks.push_back(button);
     }
+    [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     void SettingsChanged() override { ++settingsChanges; }
     void SaveSettings() override { ++saves; }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
@@ -48,6 +53,21 @@ public:
     std::vector<ModeInput> taken; // in their order
     mutable uint64_t now = 1000;
     uint64_t step = 0; // milliseconds between two looks at the clock
+    // What the service answers to an address; one that is not here cannot be reached.
+    std::map<std::wstring, std::string> answers;
+    DownloadQueue downloads{[this](const std::wstring& url, std::wstring& error,
+                                   const std::atomic<uint32_t>*, std::unique_ptr<uint8_t[]>& data,
+                                   uint32_t& size, const std::atomic<bool>&) {
+        const auto found = answers.find(url);
+        if (found == answers.end()) {
+            error = L"Invalid response code";
+            return false;
+        }
+        size = static_cast<uint32_t>(found->second.size());
+        data = std::make_unique<uint8_t[]>(size);
+        std::copy(found->second.begin(), found->second.end(), data.get());
+        return true;
+    }};
 };
 
 class ScreensTest : public testing::Test {

@@ -34,6 +34,7 @@ constexpr ROW kRows[] = {
     {kBool,   L"app_managecpucores",       0    },
     {kInt,    L"gamebrowser_cursystem",    0    },
     {kBool,   L"library_keepsources",      0    },
+    {kInt,    L"library_owngames",         0    },
     {kInt,    L"emu_fastforward",          2    },
     {kBool,   L"emu_gameroomfilter",       0    },
     {kInt,    L"emu_rewindbuffer",         256  },
@@ -52,6 +53,8 @@ constexpr ROW kRows[] = {
     {kFloat,  L"audio_boost_low",          1.25 },
     {kFloat,  L"audio_boost_mid",          1.0  },
     {kFloat,  L"audio_boost_high",         1.0  },
+    {kString, L"web_service",              0    },
+    {kString, L"web_images",               0    },
 };
 
 struct ACTION {

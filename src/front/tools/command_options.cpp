@@ -184,6 +184,16 @@ COMMAND AddRoom(CLI::App& app) {
         ->type_name("X Y Z X Y Z")
         ->expected(6);
     command->add_flag("--dark", room->dark, "Without the ceiling light");
+    command->add_flag("--no-hints", room->noHints, "Without the line that says what you can do");
+    command->add_option("--cover", room->covers, "Show game boxes with these covers over the room")
+        ->type_name("IMAGE")
+        ->check(CLI::ExistingFile)
+        ->allow_extra_args(false)
+        ->expected(1, 6);
+    command->add_flag("--cabinet", room->cabinet, "An arcade cabinet beside the boxes");
+    command->add_option("--turned", room->turned, "The first boxes, of which you see the backs")
+        ->type_name("N")
+        ->check(CLI::Range(0, 6));
     command->add_option("--screenshot", room->screenshot, "Write a picture of the window and end")
         ->type_name("FILE.png");
     return {command, [room] { return RoomCommand(*room); }};

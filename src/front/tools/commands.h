@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -84,7 +85,7 @@ int BenchCommand(const BENCH_OPTIONS& options);
 // Shows every control and style of the toolkit, page by page, in a window (F7 and F8 turn the page, Esc
 // ends) or as PNG files.
 struct GALLERY_OPTIONS {
-    double density = 1.0;             // pixels to a unit
+    std::optional<double> density;    // pixels to a unit; none: 1, or what the settings say
     std::pair<int, int> size;         // of the screen in pixels; 0: 1280 by 720 units
     std::string over;                 // a game that runs below the page, as `play` takes it
     size_t page = 0;                  // from 1; 0: the first, or with a screenshot all
@@ -99,6 +100,11 @@ struct ROOM_OPTIONS {
     double benchSeconds = 0.0;         // 0: until the window is closed
     std::vector<float> view;           // six numbers: where the player stands, and at what he looks
     bool dark = false;                 // the ceiling light is off
+    bool noHints = false;              // without the line that says what one can do
+    std::vector<std::filesystem::path>
+        covers;           // images of game boxes, shown over the room; at most six
+    bool cabinet = false; // an arcade cabinet beside them
+    size_t turned = 0;    // so many of the boxes show their backs
     std::filesystem::path
         screenshot; // of the window once all sets have a picture; then the program ends
 };

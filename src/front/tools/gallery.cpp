@@ -5,6 +5,7 @@
 #include "front/appearance.h"
 #include "front/application.h"
 #include "front/event_pump.h"
+#include "front/gui_cursors.h"
 #include "front/gui_overlay.h"
 #include "front/joysticks.h"
 #include "front/session_callbacks.h"
@@ -15,16 +16,12 @@
 #include "front/tools/media_files.h"
 #include "front/tools/play.h"
 #include "front/window.h"
-#include "gui/bitmap.h"
-#include "gui/blend.h"
 #include "gui/manager.h"
 #include "gui/window_ex.h"
 
 #include <SDL.h>
 #include <SDL_opengl.h>
 
-#include <algorithm>
-#include <array>
 #include <cmath>
 #include <vector>
 
@@ -54,16 +51,12 @@ public:
     Gallery& operator=(const Gallery&) = delete;
 
     void Clear() {
-        constexpr int kTicks =
-            3; // a message box goes with the tick after the one that dismissed it
         CGhostManager& manager = CGhostManager::Get();
         if (root != nullptr) {
             manager.DestroyWindow(root);
             root = nullptr;
         }
-        for (int i = 0; i < kTicks; ++i) {
-            manager.Tick(0);
-        }
+        manager.Tick(0);
     }
 
     // From 0; the page before goes.
@@ -79,33 +72,6 @@ public:
         CGhostManager& manager = CGhostManager::Get();
         manager.Tick(microseconds);
         manager.CompositeAll();
-    }
-
-    // The cursor of the moment over the pages, its middle at the mouse.
-    void DrawCursor() {
-        constexpr std::array<const char*, 3> kNames = {"#CURSOR", "#CURSORHOT", "#CURSORWE"};
-        constexpr int32_t kHotSpot = 32; // units from the image's corner
-        CGhostManager& manager = CGhostManager::Get();
-        const size_t index = std::min<size_t>(manager.CursorIndex(), kNames.size() - 1);
-        if (cursors[index] == nullptr) {
-            cursors[index] = LoadThemeBitmap(kNames[index]);
-        }
-        const GUI_BITMAP* const cursor = cursors[index];
-        if (cursor == nullptr) {
-            return;
-        }
-        const int32_t left = PixelEdge(manager.CursorX() - kHotSpot, manager.Density());
-        const int32_t top = PixelEdge(manager.CursorY() - kHotSpot, manager.Density());
-        for (int32_t y = std::max(0, -top); y < std::min(cursor->pixelHeight, height - top); ++y) {
-            for (int32_t x = std::max(0, -left); x < std::min(cursor->pixelWidth, width - left);
-                 ++x) {
-                const auto placeOf = [](int32_t row, int32_t stride, int32_t column) {
-                    return static_cast<size_t>(int64_t{row} * stride + column);
-                };
-                uint32_t& to = pixels[placeOf(top + y, width, left + x)];
-                to = BlendPixel(to, cursor->pixels[placeOf(y, cursor->pixelWidth, x)]);
-            }
-        }
     }
 
     [[nodiscard]] const std::vector<uint32_t>& Pixels() const { return pixels; }
@@ -124,7 +90,6 @@ private:
     int32_t width = 0;
     int32_t height = 0;
     std::vector<uint32_t> pixels;
-    std::array<const GUI_BITMAP*, 3> cursors{};
     GHOSTMANAGER_WINDOW* root = nullptr;
 };
 
@@ -147,7 +112,7 @@ SCREEN_SIZE ScreenOf(const GALLERY_OPTIONS& options) {
         return {options.size.first, options.size.second};
     }
     const auto pixelsOf = [&](int32_t units) {
-        return static_cast<int32_t>(std::lround(units * options.density));
+        return static_cast<int32_t>(std::lround(units * options.density.value_or(1.0)));
     };
     return {pixelsOf(kWidth), pixelsOf(kHeight)};
 }
@@ -191,7 +156,6 @@ public:
             SDL_Quit();
             return kExitFailed;
         }
-        SDL_ShowCursor(SDL_DISABLE);
         Gallery gallery(PixelWidth(), PixelHeight());
         gallery.Show(page);
         bool open = true;
@@ -199,10 +163,11 @@ public:
             window.TellSize(pump);
             open = HandleEvents(gallery);
             gallery.Draw(kRound);
-            gallery.DrawCursor();
+            cursors.Update();
             ShowPixels(gallery);
         }
         DestroyTexture(texture);
+        cursors.End();
         window.Close();
         SDL_Quit();
         return kExitDone;
@@ -275,6 +240,7 @@ private:
     Window window;
     Joysticks joysticks;
     EventPump pump{joysticks};
+    GuiCursors cursors;
     TEXTURE_RECORD texture{};
     size_t page;
 };
@@ -291,10 +257,21 @@ bool TakePicture(Application& application, const std::filesystem::path& file, st
     return WriteFile(file, PngOfFrame(frame), error);
 }
 
+bool HasSize(const Window& window, const SCREEN_SIZE& size) {
+    return window.PixelWidth() == static_cast<uint32_t>(size.width) &&
+           window.PixelHeight() == static_cast<uint32_t>(size.height);
+}
+
 int ShowOverGame(const GALLERY_OPTIONS& options) {
     constexpr uint32_t kFramesBefore = 300;
+    const bool sized = options.density.has_value() || options.size.first > 0;
+    const SCREEN_SIZE screen = ScreenOf(options);
     PLAY_OPTIONS play;
     play.game = options.over;
+    if (sized) {
+        play.settings = {"app_fullscreen=0", "app_window_width=" + std::to_string(screen.width),
+                         "app_window_height=" + std::to_string(screen.height)};
+    }
     OPENED_GAME opened;
     std::string error;
     Application application;
@@ -304,6 +281,12 @@ int ShowOverGame(const GALLERY_OPTIONS& options) {
     }
     if (!application.Start(error) || !application.Play(opened, error)) {
         Complain(error);
+        return kExitFailed;
+    }
+    if (sized && !HasSize(application.MainWindow(), screen)) {
+        Complain("--over: no window of " + std::to_string(screen.width) + " by " +
+                 std::to_string(screen.height) + " pixels on this display");
+        application.Stop();
         return kExitFailed;
     }
     CGhostManager& manager = CGhostManager::Get();

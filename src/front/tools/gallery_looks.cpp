@@ -4,6 +4,7 @@
 #include "front/tools/gallery_parts.h"
 #include "gui/bitmap.h"
 #include "gui/list.h"
+#include "gui/list_rows.h"
 #include "gui/list_view.h"
 #include "gui/surface.h"
 #include "gui/text.h"
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -90,28 +90,14 @@ void BuildImagesPage(GHOSTMANAGER_WINDOW* root) {
 
 namespace {
 
-// The logo in other sizes than its own, from all of its pixels.
-void LogoSample(GHOSTMANAGER_WINDOW* root, int32_t side, int32_t x, int32_t y) {
-    const auto images = BuiltInImages();
-    const auto row = std::find_if(images.begin(), images.end(), [](const GUI_IMAGE_ROW& at) {
-        return at.name == "#OMBRELUNE_LOGO";
-    });
-    std::vector<uint32_t> pixels;
-    uint32_t width = 0;
-    uint32_t height = 0;
-    if (row == images.end() || !LoadEmbeddedImage(row->png, pixels, width, height)) {
-        return;
+// A picture in a size that is not its own.
+void PictureSample(GHOSTMANAGER_WINDOW* root, std::string_view name, const GUI_RECT& place) {
+    const GUI_BITMAP* const bitmap = LoadThemeBitmap(name, place.width, place.height);
+    if (bitmap != nullptr) {
+        new GalleryCanvas(root, place, [bitmap](CGhostSurface& surface) {
+            surface.Blit(*bitmap, {0, 0, bitmap->width, bitmap->height}, 0, 0);
+        });
     }
-    auto bitmap = std::make_shared<GUI_BITMAP>();
-    const auto across = static_cast<int32_t>(width);
-    const int32_t reduced = std::min(across, side * 2);
-    bitmap->width = bitmap->height = side;
-    bitmap->pixelWidth = bitmap->pixelHeight = reduced;
-    bitmap->density = static_cast<double>(reduced) / side;
-    bitmap->pixels = ReducePixels(pixels, across, static_cast<int32_t>(height), reduced, reduced);
-    new GalleryCanvas(root, {x, y, side, side}, [bitmap](CGhostSurface& surface) {
-        surface.Blit(*bitmap, {0, 0, bitmap->width, bitmap->height}, 0, 0);
-    });
 }
 
 } // namespace
@@ -130,16 +116,20 @@ void BuildPicturesPage(GHOSTMANAGER_WINDOW* root) {
                     surface.Blit(*bitmap, {0, 0, bitmap->width, bitmap->height}, 0, 0);
                 });
         }
-        x += 250;
+        x += 260;
     }
     constexpr int32_t kBelow = 204;
-    GalleryLabel(root, L"#OMBRELUNE_LOGO in 24, 48, 96 and 320 units", kLeft, kBelow);
-    LogoSample(root, 24, kLeft, kBelow + 24);
-    LogoSample(root, 48, kLeft + 48, kBelow + 24);
-    LogoSample(root, 96, kLeft + 120, kBelow + 24);
-    LogoSample(root, 320, kLeft + 240, kBelow + 24);
+    GalleryLabel(root, L"#OMBRELUNE_LOGO in 16, 24, 48, 96 and 400 units", kLeft, kBelow);
+    int32_t y = kBelow + 32;
+    for (const int32_t side : {16, 24, 48, 96}) {
+        PictureSample(root, "#OMBRELUNE_LOGO", {kLeft, y, side, side});
+        y += side + 24;
+    }
+    PictureSample(root, "#OMBRELUNE_LOGO", {kLeft + 168, kBelow + 32, 400, 400});
+    // Half of its size each way.
     if (const GUI_BITMAP* const night = ImageOf("#MAINBG"); night != nullptr) {
-        ImageSample(root, "#MAINBG", night, 616, kBelow);
+        GalleryLabel(root, L"#MAINBG, half of its size", 616, kBelow);
+        PictureSample(root, "#MAINBG", {616, kBelow + 32, night->width / 2, night->height / 2});
     }
 }
 
@@ -244,7 +234,7 @@ void PaintListStyle(CGhostSurface& surface, const GhostListStyle& style, int32_t
         PaintFill(surface, row.style.bg, place);
         GhostTextStyle text = row.style;
         text.bg.type = GhostFill::kNone;
-        GalleryIcon(surface, style.imageList, icon, 2, y + 1);
+        PaintListImage(surface, style.imageList, icon, 2, y + 1);
         PaintText(surface, text, row.text, {28, y, surface.Width() - 28, rowHeight});
         y += rowHeight;
         ++icon;
@@ -266,23 +256,40 @@ void PaintTable(CGhostSurface& surface, const std::wstring& name) {
 
 void BuildTable(GHOSTMANAGER_WINDOW* root) {
     constexpr int32_t kRows = 20000;
-    GalleryLabel(root, L"LISTVIEW, a control of 20,000 rows: hot, chosen, indented", kLeft, 524);
+    GalleryLabel(root, L"GAMELIST, a control of 20,000 rows: hot, chosen, indented", kLeft, 524);
     auto* const table =
-        new CGhostListView(root, 0, L"LISTVIEW", 0, {false, kLeft, 544, 790, 28 * 5 + 2});
+        new CGhostListView(root, 0, L"GAMELIST", 0, {false, kLeft, 544, 790, 28 * 5 + 2});
     table->AddColumn(L"Name", 400);
     table->AddColumn(L"Group", 240);
     table->AddColumn(L"Plays", 120, kAlignRight);
     table->Reserve(kRows);
     for (int32_t i = 0; i < kRows; ++i) {
         const int32_t row = table->AddRow();
-        table->SetCell(row, 0, L"Row " + std::to_wstring(i + 1), i % 6);
+        table->SetCell(row, 0, L"Row " + std::to_wstring(i + 1), i % 4);
         table->Cell(row, 0)->indent = i % 3;
         table->SetCell(row, 1, i % 2 == 0 ? L"even" : L"odd");
         table->SetCell(row, 2, std::to_wstring(i * 7));
+        for (int32_t column = 0; column < 3; ++column) {
+            table->Cell(row, column)->colourSet = i % 4 < 2 ? 0 : 1;
+        }
     }
     table->SetSelected(10000, false);
     table->EnsureVisible(10002);
     table->OnMouseMove(40, 40);
+}
+
+// A table with few rows, no marks and columns that do not reach its right edge.
+void BuildPlainTable(GHOSTMANAGER_WINDOW* root) {
+    GalleryLabel(root, L"LISTVIEW, a control of three rows", 844, 524);
+    auto* const table =
+        new CGhostListView(root, 0, L"LISTVIEW", 0, {false, 844, 544, 380, 28 * 5 + 2});
+    table->AddColumn(L"Action", 160);
+    table->AddColumn(L"Input 1", 120);
+    for (const wchar_t* const name : {L"Up", L"Down", L"Button 1"}) {
+        const int32_t row = table->AddRow();
+        table->SetCell(row, 0, name);
+        table->SetCell(row, 1, L"Pad 1");
+    }
 }
 
 } // namespace
@@ -318,4 +325,5 @@ void BuildRecordsPage(GHOSTMANAGER_WINDOW* root) {
         x += 410;
     }
     BuildTable(root);
+    BuildPlainTable(root);
 }

@@ -30,15 +30,6 @@ constexpr std::array kStates = {GalleryState::kNormal, GalleryState::kHot, Galle
 constexpr std::array<std::wstring_view, 5> kStateNames = {L"normal", L"hot", L"pressed",
                                                           L"disabled", L"focus"};
 
-// The columns of the states.
-constexpr int32_t kFirstColumn = 208;
-constexpr int32_t kColumn = 212;
-constexpr int32_t kColumnWide = 196;
-
-constexpr int32_t ColumnX(size_t column) {
-    return kFirstColumn + static_cast<int32_t>(column) * kColumn;
-}
-
 } // namespace
 
 std::span<const GALLERY_PAGE> GalleryPages() {
@@ -46,6 +37,7 @@ std::span<const GALLERY_PAGE> GalleryPages() {
         {"text",          BuildTextPage    },
         {"buttons",       BuildButtonsPage },
         {"fields",        BuildFieldsPage  },
+        {"held, hot",     BuildStatesPage  },
         {"the keyboard",  BuildKeyboardPage},
         {"windows",       BuildWindowsPage },
         {"faces, icons",  BuildImagesPage  },
@@ -175,23 +167,23 @@ void BuildButtonsPage(GHOSTMANAGER_WINDOW* root) {
         {L"WINDOW_TITLE_MIN",   L"\u2013",     20,  20},
         {L"WINDOW_TITLE_MAX",   L"+",          20,  20},
         {L"WINDOW_TITLE_CLOSE", L"\u00D7",     20,  20},
-        {L"KEYBOARD_KEY",       L"q",          52,  36},
+        {L"KEYBOARD_KEY",       L"q",          52,  28},
     };
     GalleryTitle(root, L"Buttons");
     for (size_t i = 0; i < kStates.size(); ++i) {
-        GalleryLabel(root, kStateNames[i], ColumnX(i), 56);
+        GalleryLabel(root, kStateNames[i], GalleryColumnX(i), 56);
     }
     int32_t y = 80;
     for (const KIND& kind : kKinds) {
         GalleryLabel(root, kind.style, 24, y + kind.height / 2 - 8);
         for (size_t i = 0; i < kStates.size(); ++i) {
             GalleryButton(root, kind.style, kind.caption, kStates[i],
-                          {ColumnX(i), y, kind.width, kind.height});
+                          {GalleryColumnX(i), y, kind.width, kind.height});
         }
         y += kind.height + 12;
     }
     GalleryLabel(root, L"Widths", 24, y + 9);
-    int32_t x = kFirstColumn;
+    int32_t x = GalleryColumnX(0);
     for (const int32_t width : {28, 60, 100, 300, 400}) {
         const std::wstring_view caption = width > 200  ? L"A caption of some length, in one line"
                                           : width > 30 ? L"Ok"
@@ -210,11 +202,11 @@ void BuildEdits(GHOSTMANAGER_WINDOW* root, int32_t y) {
                                                                L"focus", L"focus, selected"};
     GalleryLabel(root, L"EDIT", 24, y + 5);
     for (size_t i = 0; i < kFieldStates.size(); ++i) {
-        GalleryLabel(root, kFieldStates[i], ColumnX(i), y - 24);
+        GalleryLabel(root, kFieldStates[i], GalleryColumnX(i), y - 24);
         auto* const edit = new CGhostEdit(root, 0, L"EDIT", L"Paper Lamps", 0,
-                                          {false, ColumnX(i), y, kColumnWide, 25});
+                                          {false, GalleryColumnX(i), y, kGalleryColumnWide, 25});
         switch (i) {
-        case 1: edit->OnMouseMove(1, 1); break;
+        case 1: GalleryHold(*edit, [=] { edit->OnMouseMove(1, 1); }); break;
         case 2: edit->SetReadOnly(true); break;
         case 3: edit->OnFocus(true, nullptr); break;
         case 4:
@@ -227,41 +219,19 @@ void BuildEdits(GHOSTMANAGER_WINDOW* root, int32_t y) {
 }
 
 void BuildDropLists(GHOSTMANAGER_WINDOW* root, int32_t y) {
-    constexpr std::array<std::wstring_view, 5> kArrowStates = {L"normal", L"arrow hot", L"disabled",
+    constexpr std::array<std::wstring_view, 5> kArrowStates = {L"normal", L"hot", L"disabled",
                                                                L"focus", L"open"};
     GalleryLabel(root, L"DROPLIST", 24, y + 5);
     for (size_t i = 0; i < kArrowStates.size(); ++i) {
-        GalleryLabel(root, kArrowStates[i], ColumnX(i), y - 24);
+        GalleryLabel(root, kArrowStates[i], GalleryColumnX(i), y - 24);
         CGhostDropList* const list =
-            GalleryDropList(root, L"SMS JAPANESE", {ColumnX(i), y, kColumnWide, 25});
+            GalleryDropList(root, L"SMS JAPANESE", {GalleryColumnX(i), y, kGalleryColumnWide, 25});
         switch (i) {
-        case 1: list->Arrow()->OnMouseMove(1, 1); break;
+        case 1: GalleryHold(*list, [=] { list->OnMouseMove(1, 1); }); break;
         case 2: list->SetEnabled(false); break;
         case 3: list->OnFocus(true, nullptr); break;
         case 4: list->Open(); break;
         default: break;
-        }
-    }
-}
-
-// The last column is left to the open list.
-void BuildCheckBoxes(GHOSTMANAGER_WINDOW* root, int32_t y) {
-    constexpr std::array kBoxStates = {GalleryState::kNormal, GalleryState::kHot,
-                                       GalleryState::kDisabled, GalleryState::kFocused};
-    GalleryLabel(root, L"CHECKBOX", 24, y + 5);
-    GalleryLabel(root, L"CHECKBOX, checked", 24, y + 37);
-    for (const bool checked : {false, true}) {
-        for (size_t i = 0; i < kBoxStates.size(); ++i) {
-            auto* const box =
-                new CGhostCheckBox(root, 0, L"CHECKBOX", L"3D Glasses", 0,
-                                   {false, ColumnX(i), y + (checked ? 32 : 0), 130, 25});
-            box->SetChecked(checked);
-            switch (kBoxStates[i]) {
-            case GalleryState::kHot: box->OnMouseMove(1, 1); break;
-            case GalleryState::kDisabled: box->SetEnabled(false); break;
-            case GalleryState::kFocused: box->OnFocus(true, nullptr); break;
-            default: break;
-            }
         }
     }
 }
@@ -273,10 +243,11 @@ void BuildSliders(GHOSTMANAGER_WINDOW* root, int32_t y) {
     GalleryLabel(root, L"PROGRESSBAR_VOLUME", 24, y + 41);
     for (size_t i = 0; i < kValues.size(); ++i) {
         auto* const bass = new CGhostSlider(root, 0, L"PROGRESSBAR", -12.0f, 24.0f,
-                                            {false, ColumnX(i), y, kColumnWide, 25});
+                                            {false, GalleryColumnX(i), y, kGalleryColumnWide, 25});
         bass->SetValue(kValues[i]);
-        auto* const volume = new CGhostSlider(root, 0, L"PROGRESSBAR_VOLUME", 0.0f, 100.0f,
-                                              {false, ColumnX(i), y + 36, kColumnWide, 25});
+        auto* const volume =
+            new CGhostSlider(root, 0, L"PROGRESSBAR_VOLUME", 0.0f, 100.0f,
+                             {false, GalleryColumnX(i), y + 36, kGalleryColumnWide, 25});
         volume->SetValue(kValues[i]);
         if (i == kFocused) {
             volume->OnFocus(true, nullptr);
@@ -297,7 +268,7 @@ void BuildScrollbars(GHOSTMANAGER_WINDOW* root, int32_t y) {
         {560000, 200, 280000},
         {560000, 200, 559800},
     };
-    int32_t x = kFirstColumn;
+    int32_t x = GalleryColumnX(0);
     for (const RANGE& range : kRanges) {
         auto* const bar = new CGhostScrollbar(root, 0, L"WINDOW_SCROLLBAR", {false, x, y, 16, 200});
         bar->SetRange(range.total, range.page, range.pos, true);
@@ -305,23 +276,33 @@ void BuildScrollbars(GHOSTMANAGER_WINDOW* root, int32_t y) {
     }
 }
 
-// A text, a field and a choice that are longer than their place.
+// A field, a choice and captions that are longer than their place. The open list has the last column.
 void BuildLongTexts(GHOSTMANAGER_WINDOW* root, int32_t y) {
-    std::wstring text;
-    for (int i = 0; i < 12; ++i) {
-        text += kSentence;
-        text += L"\n";
-    }
-    constexpr int32_t kX = kFirstColumn + 2 * kColumn - 80;
-    new CGhostMultiText(root, 0, L"WINDOWOVERLAY", text, {false, kX, y, 420, 200});
-    GalleryLabel(root, L"longer than their place", kX + 444, y);
-    new CGhostEdit(root, 0, L"EDIT", std::wstring(kSentence), 0,
-                   {false, kX + 444, y + 24, 244, 25});
-    GalleryDropList(root, kSentence, {kX + 444, y + 60, 244, 25});
-    auto* const box = new CGhostCheckBox(root, 0, L"CHECKBOX", std::wstring(kSentence), 0,
-                                         {false, kX + 444, y + 96, 244, 25});
+    GalleryLabel(root, L"Longer than its place", 24, y + 5);
+    const auto place = [&](size_t column) {
+        return GUI_PLACE{false, GalleryColumnX(column), y, kGalleryColumnWide, 25};
+    };
+    new CGhostEdit(root, 0, L"EDIT", std::wstring(kSentence), 0, place(0));
+    GalleryDropList(root, kSentence, {GalleryColumnX(1), y, kGalleryColumnWide, 25});
+    auto* const box =
+        new CGhostCheckBox(root, 0, L"CHECKBOX", std::wstring(kSentence), 0, place(2));
     box->SetChecked(true);
-    GalleryButton(root, L"BUTTON", kSentence, GalleryState::kNormal, {kX + 444, y + 132, 244, 25});
+    GalleryButton(root, L"BUTTON", kSentence, GalleryState::kNormal,
+                  {GalleryColumnX(3), y, kGalleryColumnWide, 25});
+}
+
+void BuildScrolledText(GHOSTMANAGER_WINDOW* root, int32_t y) {
+    std::wstring text;
+    for (int i = 1; i <= 4; ++i) {
+        text += L"Night " + std::to_wstring(i) +
+                L". The lamp is low, a screen lights the wall, and the moon is in the window. "
+                L"Somebody has "
+                L"left a game where it was hardest, and nobody else in the house is awake.\n\n";
+    }
+    const int32_t x = GalleryColumnX(2);
+    GalleryLabel(root, L"WINDOWOVERLAY, scrolled", x, y - 24);
+    new CGhostMultiText(root, 0, L"WINDOWOVERLAY", text,
+                        {false, x, y, GalleryColumnX(4) + kGalleryColumnWide - x, 200});
 }
 
 } // namespace
@@ -329,11 +310,11 @@ void BuildLongTexts(GHOSTMANAGER_WINDOW* root, int32_t y) {
 void BuildFieldsPage(GHOSTMANAGER_WINDOW* root) {
     GalleryTitle(root, L"Fields");
     BuildEdits(root, 84);
-    BuildDropLists(root, 146);
-    BuildCheckBoxes(root, 200);
-    BuildSliders(root, 312);
-    BuildScrollbars(root, 408);
-    BuildLongTexts(root, 408);
+    BuildSliders(root, 136);
+    BuildDropLists(root, 236);
+    BuildLongTexts(root, 324);
+    BuildScrollbars(root, 440);
+    BuildScrolledText(root, 440);
 }
 
 void BuildKeyboardPage(GHOSTMANAGER_WINDOW* root) {

@@ -20,6 +20,7 @@ void BuildTextPage(GHOSTMANAGER_WINDOW* root); // gallery_pages.cpp
 void BuildButtonsPage(GHOSTMANAGER_WINDOW* root);
 void BuildFieldsPage(GHOSTMANAGER_WINDOW* root);
 void BuildKeyboardPage(GHOSTMANAGER_WINDOW* root);
+void BuildStatesPage(GHOSTMANAGER_WINDOW* root);  // gallery_states.cpp
 void BuildWindowsPage(GHOSTMANAGER_WINDOW* root); // gallery_windows.cpp
 void BuildMessagePage(GHOSTMANAGER_WINDOW* root);
 void BuildImagesPage(GHOSTMANAGER_WINDOW* root); // gallery_looks.cpp

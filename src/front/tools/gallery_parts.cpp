@@ -68,7 +68,7 @@ CGhostButton* GalleryButton(GHOSTMANAGER_WINDOW* parent, const std::wstring& sty
     auto* const button =
         new CGhostButton(parent, 0, style, std::wstring(caption), 0, PlaceOf(place));
     switch (state) {
-    case GalleryState::kHot: button->OnMouseMove(1, 1); break;
+    case GalleryState::kHot: GalleryHold(*button, [=] { button->OnMouseMove(1, 1); }); break;
     case GalleryState::kPressed: button->SetDown(true); break;
     case GalleryState::kDisabled: button->SetEnabled(false); break;
     case GalleryState::kFocused: button->OnFocus(true, nullptr); break;
@@ -89,10 +89,27 @@ CGhostDropList* GalleryDropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view t
     return list;
 }
 
-void GalleryIcon(CGhostSurface& surface, const GhostTexture& strip, int32_t index, int32_t x,
-                 int32_t y) {
-    if (strip.bitmap != nullptr) {
-        const int32_t side = strip.bitmap->height;
-        surface.Blit(*strip.bitmap, {x, y, side, side}, index * side, 0);
-    }
+namespace {
+
+// Behind the control in its chain. What it queues is called after what the control has queued in this tick.
+class Holder : public CGhostGUIHandler {
+public:
+    explicit Holder(std::function<void()> wanted)
+        : hold(std::move(wanted)) {}
+    void Destroy() override { delete this; }
+    void OnTick(unsigned /*microseconds*/) override { CGhostManager::Get().QueueEvent(hold); }
+
+private:
+    std::function<void()> hold;
+};
+
+} // namespace
+
+void GalleryHold(CGhostGUIHandler& control, std::function<void()> hold) {
+    control.next = new Holder([hold = std::move(hold)] {
+        CGhostManager& manager = CGhostManager::Get();
+        const uint32_t cursor = manager.CursorIndex();
+        hold();
+        manager.SetCursorIndex(cursor);
+    });
 }

@@ -46,11 +46,19 @@ enum class GalleryState { kNormal, kHot, kPressed, kDisabled, kFocused };
 CGhostButton* GalleryButton(GHOSTMANAGER_WINDOW* parent, const std::wstring& style,
                             std::wstring_view caption, GalleryState state, const GUI_RECT& place);
 
+// The columns of the states, beside the names of the styles.
+inline constexpr int32_t kGalleryColumnWide = 196;
+constexpr int32_t GalleryColumnX(size_t column) {
+    constexpr int32_t kFirst = 208;
+    constexpr int32_t kStep = 212;
+    return kFirst + static_cast<int32_t>(column) * kStep;
+}
+
 // A drop list with one entry chosen.
 class CGhostDropList;
 CGhostDropList* GalleryDropList(GHOSTMANAGER_WINDOW* parent, std::wstring_view text,
                                 const GUI_RECT& place);
 
-// One picture of a strip of square ones.
-void GalleryIcon(CGhostSurface& surface, const GhostTexture& strip, int32_t index, int32_t x,
-                 int32_t y);
+// Does to a control what the mouse would, and again after each tick: a control lets go of what is pressed but
+// not captured. The cursor stays as it is.
+void GalleryHold(CGhostGUIHandler& control, std::function<void()> hold);

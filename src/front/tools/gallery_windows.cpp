@@ -2,14 +2,25 @@
 #include "front/tools/gallery_pages.h"
 #include "front/tools/gallery_parts.h"
 #include "gui/list.h"
+#include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/popup.h"
+#include "gui/tool_tip_window.h"
 #include "gui/window.h"
 #include "gui/window_ex.h"
 
 using Window = CGhostWindowEx;
 
 namespace {
+
+// The program's own, which the manager shows and hides; here it has a place, and ends with the page.
+void BuildToolTip(GHOSTMANAGER_WINDOW* root, const std::wstring& text, int32_t x, int32_t y) {
+    auto* const tip = new CGhostToolTipWindow();
+    CGhostManager::Get().SetOwner(tip->window, root);
+    tip->ShowToolTip(text);
+    const GUI_RECT screen = GalleryScreenRect(root);
+    tip->SetPos(screen.x + x, screen.y + y, kKeepValue, kKeepValue);
+}
 
 void BuildFloating(GHOSTMANAGER_WINDOW* root) {
     GalleryLabel(root, L"MESSAGEBOX, as a message has it", 36, 56);
@@ -24,10 +35,8 @@ void BuildFloating(GHOSTMANAGER_WINDOW* root) {
         GalleryWindow(root, L"MESSAGEBOX", L"A window with a title",
                       Window::kFrame | Window::kTitle, {482, 72, 400, 170});
     GalleryText(titled, L"TEXT", L"What it holds begins here.", {0, 12, 300, 25});
-    GalleryLabel(root, L"TOOLTIP", 902, 56);
-    GHOSTMANAGER_WINDOW* const tip =
-        GalleryWindow(root, L"TOOLTIP", L"", Window::kFrame, {890, 72, 200, 62});
-    GalleryText(tip, L"TOOLTIP_TEXT", L"Start the game", {0, 0, 144, 18});
+    GalleryLabel(root, L"TOOLTIP, as it comes up", 902, 56);
+    BuildToolTip(root, L"Saves the game as it is now", 890, 72);
 }
 
 void BuildPanels(GHOSTMANAGER_WINDOW* root) {
@@ -77,39 +86,20 @@ void BuildWindowsPage(GHOSTMANAGER_WINDOW* root) {
     BuildFloating(root);
     BuildPanels(root);
     BuildMenu(root);
+    GalleryLabel(root, L"TOOLTIP, wrapped", 684, 454);
+    BuildToolTip(root,
+                 L"Games are looked for in this folder and in those below it, also in archives. "
+                 L"What is found is kept, so that the next search is quick.",
+                 672, 468);
 }
 
-namespace {
-
-// Takes the message box, which is nobody's child, away with the page.
-class MessageGuard : public GalleryCanvas {
-public:
-    MessageGuard(GHOSTMANAGER_WINDOW* parent, CGhostMessageBox* message)
-        : GalleryCanvas(parent, {0, 0, 0, 0}, [](CGhostSurface&) {})
-        , box(message) {
-        box->OnClosed.connect([this](CGhostMessageBox*) { box = nullptr; });
-    }
-    void Destroy() override {
-        if (box != nullptr) {
-            box->OnClosed.disconnect_all_slots();
-            box->Dismiss();
-        }
-        GalleryCanvas::Destroy();
-    }
-
-private:
-    ~MessageGuard() override = default;
-    CGhostMessageBox* box;
-};
-
-} // namespace
-
+// The message floats for the page and ends with it.
 void BuildMessagePage(GHOSTMANAGER_WINDOW* root) {
     BuildBrowserPage(root);
     CGhostMessageBox* const box = CGhostMessageBox::Show(
         L"Error loading game", L"The file holds no game of a machine that is known here. "
                                L"What \"ombrelune info\" says about it may help.");
     if (box != nullptr) {
-        new MessageGuard(root, box);
+        CGhostManager::Get().SetOwner(box->window, root);
     }
 }

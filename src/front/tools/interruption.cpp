@@ -4,13 +4,13 @@
 
 namespace {
 
-std::atomic<bool> requested{false};
+std::atomic<bool> gRequested{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler writes it");
 
 constexpr int kSignals[] = {SIGINT, SIGTERM};
 
 extern "C" void NoteSignal(int /*number*/) {
-    requested = true;
+    gRequested = true;
 }
 
 #ifdef _WIN32
@@ -48,30 +48,30 @@ void Restore(int number, const Action& action) {
 }
 #endif
 
-Action before[std::size(kSignals)];
+Action gBefore[std::size(kSignals)];
 
 } // namespace
 
 Interruption::Interruption() {
-    requested = false;
+    gRequested = false;
     for (size_t i = 0; i < std::size(kSignals); ++i) {
-        before[i] = Catch(kSignals[i]);
-        if (IsIgnored(before[i])) {
-            Restore(kSignals[i], before[i]);
+        gBefore[i] = Catch(kSignals[i]);
+        if (IsIgnored(gBefore[i])) {
+            Restore(kSignals[i], gBefore[i]);
         }
     }
 }
 
 Interruption::~Interruption() {
     for (size_t i = 0; i < std::size(kSignals); ++i) {
-        Restore(kSignals[i], before[i]);
+        Restore(kSignals[i], gBefore[i]);
     }
 }
 
 bool Interruption::Requested() const {
-    return requested;
+    return gRequested;
 }
 
 const std::atomic<bool>& Interruption::Flag() const {
-    return requested;
+    return gRequested;
 }

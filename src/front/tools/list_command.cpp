@@ -10,6 +10,7 @@
 #include "library/game_database.h"
 #include "library/game_rows.h"
 #include "library/game_source.h"
+#include "library/library_index.h"
 #include "library/row_filter.h"
 
 #include <nlohmann/json.hpp>
@@ -24,7 +25,7 @@ using Json = nlohmann::ordered_json;
 
 // The rows of a system's folder in the order of its file names; a folder that is not there has none. False if a
 // game cannot be read.
-bool ReadRows(const MACHINE_FACTS& machine, std::vector<GameListRow>& rows) {
+bool ReadRows(const MACHINE_FACTS& machine, LibraryIndex& index, std::vector<GameListRow>& rows) {
     const fs::path folder = HomeFolder() / machine.folder;
     std::error_code code;
     if (!fs::exists(folder, code)) {
@@ -37,12 +38,15 @@ bool ReadRows(const MACHINE_FACTS& machine, std::vector<GameListRow>& rows) {
         Complain(error);
     }
     const CGameDatabase database(LoadDatabase(machine.system));
+    index.LoadFolder(folder);
     for (const fs::path& name : names) {
         CGameFile game;
         if (KindOfFile(machine.system, name) != FolderFile::kGame) {
             continue;
         }
-        if (!OpenGameFile(folder / name, true, game, error)) {
+        // The second one says why.
+        if (!index.LoadGame(folder / name, game) &&
+            !OpenGameFile(folder / name, true, game, error)) {
             Complain(error);
             whole = false;
             continue;
@@ -53,6 +57,7 @@ bool ReadRows(const MACHINE_FACTS& machine, std::vector<GameListRow>& rows) {
             rows.push_back(row);
         }
     }
+    index.Commit();
     return whole;
 }
 
@@ -96,12 +101,15 @@ int ListCommand(const LIST_OPTIONS& options) {
     ROW_CHOICES choices;
     choices.name = WideFromUtf8(options.name);
     choices.group = RowGroup::kNone;
+    LibraryIndex index;
+    std::string ignored; // without its file every game is read
+    (void)index.Open(ResolvePath(kLibraryIndexFile), ignored);
     for (const MACHINE_FACTS& machine : MachineFacts()) {
         if (!options.machine.empty() && options.machine != machine.shortName) {
             continue;
         }
         std::vector<GameListRow> rows;
-        whole = ReadRows(machine, rows) && whole;
+        whole = ReadRows(machine, index, rows) && whole;
         for (const ROW_LINE& line : ApplyFilters(rows, choices)) {
             if (options.json) {
                 json.push_back(JsonOf(machine, *line.row));

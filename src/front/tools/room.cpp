@@ -11,12 +11,17 @@
 #include "front/tools/commands.h"
 #include "front/tools/media_files.h"
 #include "front/unread_notices.h"
+#include "gui/handler.h"
+#include "gui/manager.h"
+#include "gui/surface.h"
 #include "host/battery_file.h"
 #include "host/host_data.h"
 #include "host/session_statistics.h"
+#include "room/image_decoder.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <numeric>
 
 namespace {
@@ -85,6 +90,55 @@ SPREAD SpreadOf(std::vector<int64_t>& times) {
             mean(times.end() - static_cast<std::ptrdiff_t>(worst), times.end())};
 }
 
+// The boxes of a game in a window over the room.
+class CoverWindow : public CGhostGUIHandler {
+public:
+    CoverWindow(RoomScreen& room, const ROOM_OPTIONS& options) {
+        CGhostManager& manager = CGhostManager::Get();
+        const GUI_RECT screen = manager.ScreenRect();
+        window = manager.CreateWindow(nullptr, kWindowBackgroundPass, this, false);
+        manager.SetWindowPos(window, (screen.width - kWidth) / 2, (screen.height - kHeight) / 2,
+                             kWidth, kHeight);
+        std::vector<ROOM_IMAGE> images;
+        std::vector<COVER_IMAGE> covers;
+        for (const std::filesystem::path& path : options.covers) {
+            std::vector<uint8_t> bytes;
+            std::string error;
+            constexpr uint64_t kMostBytes = 64 << 20;
+            if (!ReadFile(path, bytes, error, kMostBytes)) {
+                Complain(error);
+            }
+            images.push_back(DecodeRoomImage(bytes));
+        }
+        for (const ROOM_IMAGE& image : images) {
+            const int kind = static_cast<int>(covers.size()) % 2; // one of each in turn
+            covers.push_back({image.pixels, image.width, image.height, kind});
+        }
+        room.SetCovers(covers, options.cabinet);
+        CoverView& view = room.Covers();
+        for (size_t slot = 0; slot < options.turned; ++slot) {
+            view.TurnOver(slot);
+        }
+    }
+    ~CoverWindow() override {
+        CGhostManager::Get().DestroyWindow(window);
+        CGhostManager::Get().Tick(0);
+    }
+    CoverWindow(const CoverWindow&) = delete;
+    CoverWindow& operator=(const CoverWindow&) = delete;
+
+    void OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) override {
+        surface->FillRect({0, 0, surface->Width(), surface->Height()}, kNight);
+    }
+
+private:
+    static constexpr int32_t kWidth = 840; // units
+    static constexpr int32_t kHeight = 600;
+    static constexpr uint32_t kNight = 0xF012162E;
+
+    GHOSTMANAGER_WINDOW* window;
+};
+
 class RoomRun {
 public:
     explicit RoomRun(const ROOM_OPTIONS& roomOptions)
@@ -109,6 +163,11 @@ public:
         if (!options.view.empty()) {
             const std::vector<float>& v = options.view;
             room->StandAt({v[0], v[1], v[2]}, {v[3], v[4], v[5]});
+        }
+        room->ShowHints(!options.noHints);
+        std::unique_ptr<CoverWindow> coverWindow;
+        if (!options.covers.empty()) {
+            coverWindow = std::make_unique<CoverWindow>(*room, options);
         }
         room->StartGames(sets);
         int code = kExitDone;

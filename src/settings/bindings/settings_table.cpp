@@ -37,7 +37,7 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"megadrive_ymvolume",       1.0f  },
     {L"login_connectstartup",     false },
     {L"login_username",           kEmpty},
-    {L"login_userpass",           kEmpty},
+    {L"login_userpass",           kEmpty}, // stays empty: member_key.h
     {L"audio_app_quality",        1     },
     {L"audio_app_samplerate",     44100 }, // sample pairs a second, for the whole program
     {L"audio_volume",             1.0f  },
@@ -47,6 +47,8 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"audio_boost_low",          1.25f }, // gains of the three bands
     {L"audio_boost_mid",          1.0f  },
     {L"audio_boost_high",         1.0f  },
+    {L"web_service",              kEmpty}, // the web service's address; empty: none is asked
+    {L"web_images",               kEmpty}, // address above its cover images
 };
 
 struct REGISTER_VALUE {

@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "formats/sha256.h"
 #include "formats/zip.h"
+#include "front/tools/gallery_pages.h"
 #include "front/tools/run_ombrelune.h"
 
 #include "support/temporary_folder.h"
@@ -65,20 +66,63 @@ TEST(CommandLine, OptionsMayStandBeforeTheGameAndBeGivenOften) {
     EXPECT_EQ(played.exitCode, 0) << played.error;
 }
 
+namespace {
+
 // A PNG begins with eight fixed bytes and a header with its width and height, most significant byte first.
+std::pair<uint32_t, uint32_t> PngSize(const std::filesystem::path& file) {
+    std::vector<uint8_t> bytes;
+    std::string error;
+    EXPECT_TRUE(ReadFile(file, bytes, error)) << error;
+    if (bytes.size() < 24) {
+        return {0, 0};
+    }
+    const auto number = [&](size_t at) {
+        return uint32_t{bytes[at]} << 24 | uint32_t{bytes[at + 1]} << 16 |
+               uint32_t{bytes[at + 2]} << 8 | bytes[at + 3];
+    };
+    return {number(16), number(20)};
+}
+
+using Size = std::pair<uint32_t, uint32_t>;
+
+} // namespace
+
 TEST(CommandLine, GalleryWritesAPageOfTheSizeAskedFor) {
     const TemporaryFolder home;
     const auto file = home.Path() / "page.png";
-    const PROGRAM_RESULT result = Ombrelune(
-        {"gallery", "--page", "2", "--density", "1.5", "--screenshot", file.string()}, home);
-    EXPECT_EQ(result.exitCode, 0) << result.error;
-    std::vector<uint8_t> bytes;
-    std::string error;
-    ASSERT_TRUE(ReadFile(file, bytes, error)) << error;
-    ASSERT_GT(bytes.size(), 24u);
-    const std::vector<uint8_t> size(bytes.begin() + 16, bytes.begin() + 24);
-    EXPECT_EQ(size, (std::vector<uint8_t>{0, 0, 0x07, 0x80, 0, 0, 0x04, 0x38})); // 1920 by 1080
+    struct ROW {
+        std::vector<std::string> options;
+        Size size;
+    };
+    const ROW rows[] = {
+        {{},                                          {1280, 720} },
+        {{"--density", "1.5"},                        {1920, 1080}},
+        {{"--size", "1366", "768"},                   {1366, 768} },
+        {{"--density", "2", "--size", "1024", "768"}, {1024, 768} },
+    };
+    for (const ROW& row : rows) {
+        std::vector<std::string> arguments = {"gallery", "--page", "2", "--screenshot",
+                                              file.string()};
+        arguments.insert(arguments.end(), row.options.begin(), row.options.end());
+        const PROGRAM_RESULT result = Ombrelune(arguments, home);
+        EXPECT_EQ(result.exitCode, 0) << result.error;
+        EXPECT_EQ(PngSize(file), row.size) << row.size.first;
+    }
     EXPECT_EQ(Ombrelune({"gallery", "--page", "99"}, home).exitCode, 2);
+    EXPECT_EQ(Ombrelune({"gallery", "--density", "0.1"}, home).exitCode, 2);
+    EXPECT_EQ(Ombrelune({"gallery", "--size", "12", "12"}, home).exitCode, 2);
+}
+
+TEST(CommandLine, GalleryWritesEveryPageWithItsNumber) {
+    const TemporaryFolder home;
+    const PROGRAM_RESULT result =
+        Ombrelune({"gallery", "--screenshot", (home.Path() / "page.png").string()}, home);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    for (size_t page = 1; page <= GalleryPages().size(); ++page) {
+        const std::string number = (page < 10 ? "0" : "") + std::to_string(page);
+        EXPECT_EQ(PngSize(home.Path() / ("page-" + number + ".png")), (Size{1280, 720})) << page;
+    }
+    EXPECT_FALSE(std::filesystem::exists(home.Path() / "page.png"));
 }
 
 // The built-in theme itself in the home folder changes nothing; another one does.

@@ -38,9 +38,7 @@ protected:
         if (root != nullptr) {
             manager.DestroyWindow(root);
         }
-        for (int i = 0; i < 3; ++i) { // a message goes a tick after it was dismissed
-            manager.Tick(0);
-        }
+        manager.Tick(0);
         root = nullptr;
         if (page != nullptr) {
             root = GalleryWindow(nullptr, L"BATTLEMAIN", L"", 0, manager.ScreenRect());
@@ -122,7 +120,7 @@ TEST_F(Gallery, NothingIsCutOrOverlapsOnAnyScreen) {
     }
 }
 
-// The same once more: what a page opens beside its root, as a menu or a message, goes with it.
+// After one tick: what a page opens beside its root, as a menu or a message, goes with it.
 TEST_F(Gallery, APageLeavesNothingBehind) {
     manager.SetScreen(1280, 720);
     for (const GALLERY_PAGE& page : GalleryPages()) {

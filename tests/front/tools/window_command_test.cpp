@@ -77,6 +77,26 @@ std::map<std::string, std::vector<uint8_t>> FilesBelow(const TemporaryFolder& fo
 
 } // namespace
 
+// Off the screen a display has 1024 by 768 pixels; a picture of another size than asked for is none.
+TEST_F(WindowCommand, TheGalleryShowsAPageOverAGameInTheSizeAskedFor) {
+    const std::string shot = (folder.Path() / "over.png").string();
+    const auto over = [&](const std::vector<std::string>& size) {
+        std::vector<std::string> arguments = {
+            "gallery", "--over", "demo:gg-glimmer", "--page", "2", "--screenshot", shot};
+        arguments.insert(arguments.end(), size.begin(), size.end());
+        return Run(arguments);
+    };
+    const PROGRAM_RESULT result = over({"--density", "0.5"});
+    ASSERT_EQ(result.exitCode, 0) << result.error;
+    const std::vector<uint8_t> png = folder.Read("over.png");
+    ASSERT_GT(png.size(), 24u);
+    const std::vector<uint8_t> size(png.begin() + 16, png.begin() + 24);
+    EXPECT_EQ(size, (std::vector<uint8_t>{0, 0, 0x02, 0x80, 0, 0, 0x01, 0x68})); // 640 by 360
+    const PROGRAM_RESULT refused = over({"--size", "8192", "8000"});
+    EXPECT_NE(refused.exitCode, 0);
+    EXPECT_THAT(refused.error, HasSubstr("no window of 8192 by 8000 pixels"));
+}
+
 TEST_F(WindowCommand, PlaysForTheGivenFramesAndTakesScreenshots) {
     const std::string shot = (folder.Path() / "shot.png").string();
     const std::string last = (folder.Path() / "last.png").string();

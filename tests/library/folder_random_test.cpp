@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint16_t kSms = 1;
 constexpr uint16_t kArcade = 6;
-constexpr uint64_t kFolders = 30;
+constexpr uint64_t kFolders = 20;
 constexpr int kRounds = 4;
 
 using Images = std::set<Bytes>;

@@ -173,6 +173,9 @@ void AddChange(const PLAYER_CHANGE& later, PLAYER_CHANGE& to) {
 PlayerFile::State PlayerFile::Read(SqliteDatabase& from, const fs::path& path,
                                    PlayerRecords& records) {
     records.clear();
+    if (!IsThere(path)) {
+        return State::kUnreadable; // opening it would make it
+    }
     int64_t version = 0;
     int64_t application = 0;
     const bool opened = from.Open(path) && ReadNumber(from, "PRAGMA user_version", version) &&
@@ -196,6 +199,8 @@ PlayerFile::State PlayerFile::Read(SqliteDatabase& from, const fs::path& path,
 bool PlayerFile::Open(const fs::path& path, PlayerRecords& records, std::string& message) {
     std::error_code code;
     file = fs::absolute(path, code);
+    std::error_code ignored; // without the folder the database cannot be opened, which is told
+    fs::create_directories(file.parent_path(), ignored);
     records.clear();
     message.clear();
     const bool usable = !code && OpenSound(records, message);
@@ -296,11 +301,15 @@ bool PlayerFile::Write(const PlayerChanges& changes, const PlayerRecords& whole,
     if (!rowDamaged && fault != SqliteFault::kDamaged && fault != SqliteFault::kMoved) {
         return false;
     }
-    PlayerRecords present;
-    if (IsThere(file) && Read(database, file, present) == State::kSound) {
-        return WriteRows(changes); // another program has put a sound one there
+    if (!IsThere(file)) {
+        return WriteAnew(whole, message);
     }
-    return WriteAnew(whole, message);
+    PlayerRecords present;
+    switch (Read(database, file, present)) {
+    case State::kSound: return WriteRows(changes); // another program has put a sound one there
+    case State::kDamaged: return WriteAnew(whole, message);
+    default: database.Close(); return false;
+    }
 }
 
 bool PlayerFile::WriteAnew(const PlayerRecords& whole, std::string& message) {

@@ -16,6 +16,10 @@ GAME_IDENTITY Game(uint8_t number) {
     return game;
 }
 
+PLAYED_GAME Runs(uint32_t serial, uint8_t number) {
+    return {serial, Game(number)};
+}
+
 class PlayTimesTest : public testing::Test {
 protected:
     void Round(const std::vector<PLAYED_GAME>& playing, int64_t later) {
@@ -30,17 +34,9 @@ protected:
 
 TEST_F(PlayTimesTest, CountsAStartAndTheTimeThatItRuns) {
     Round({}, 0);
-    Round(
-        {
-            {1, Game(1)}
-    },
-        kSecond);
+    Round({Runs(1, 1)}, kSecond);
     EXPECT_EQ(player.Find(Game(1)), (PLAYER_RECORD{false, 1000, 0, 1}));
-    Round(
-        {
-            {1, Game(1)}
-    },
-        10 * kSecond);
+    Round({Runs(1, 1)}, 10 * kSecond);
     Round({}, 2 * kSecond);
     EXPECT_EQ(player.Find(Game(1)), (PLAYER_RECORD{false, 1000, 12, 1}));
     Round({}, 100 * kSecond);
@@ -48,61 +44,27 @@ TEST_F(PlayTimesTest, CountsAStartAndTheTimeThatItRuns) {
 }
 
 TEST_F(PlayTimesTest, TellsWhatHasRunOnceAMinute) {
-    Round(
-        {
-            {1, Game(1)}
-    },
-        0);
-    Round(
-        {
-            {1, Game(1)}
-    },
-        60 * kSecond - 1);
+    Round({Runs(1, 1)}, 0);
+    Round({Runs(1, 1)}, 60 * kSecond - 1);
     EXPECT_EQ(player.Find(Game(1)).secondsPlayed, 0);
-    Round(
-        {
-            {1, Game(1)}
-    },
-        1);
+    Round({Runs(1, 1)}, 1);
     EXPECT_EQ(player.Find(Game(1)).secondsPlayed, 60);
-    Round(
-        {
-            {1, Game(1)}
-    },
-        90 * kSecond + kSecond / 2);
+    Round({Runs(1, 1)}, 90 * kSecond + kSecond / 2);
     Round({}, kSecond / 2);
     EXPECT_EQ(player.Find(Game(1)).secondsPlayed, 151) << "parts of seconds add up";
 }
 
 TEST_F(PlayTimesTest, AnotherSessionIsAnotherStart) {
-    Round(
-        {
-            {1, Game(1)}
-    },
-        0);
-    Round(
-        {
-            {2, Game(1)}
-    },
-        5 * kSecond);
-    Round(
-        {
-            {2, Game(1)},
-            {3, Game(2)}
-    },
-        5 * kSecond);
+    Round({Runs(1, 1)}, 0);
+    Round({Runs(2, 1)}, 5 * kSecond);
+    Round({Runs(2, 1), Runs(3, 2)}, 5 * kSecond);
     Round({}, 5 * kSecond);
     EXPECT_EQ(player.Find(Game(1)), (PLAYER_RECORD{false, 1000, 15, 2}));
     EXPECT_EQ(player.Find(Game(2)), (PLAYER_RECORD{false, 1000, 5, 1}));
 }
 
 TEST_F(PlayTimesTest, TwoSetsWithOneGameCountBoth) {
-    Round(
-        {
-            {1, Game(1)},
-            {2, Game(1)}
-    },
-        0);
+    Round({Runs(1, 1), Runs(2, 1)}, 0);
     Round({}, 30 * kSecond);
     EXPECT_EQ(player.Find(Game(1)), (PLAYER_RECORD{false, 1000, 60, 2}));
 }

@@ -265,6 +265,36 @@ TEST_F(Player, AFileThatGoesMissingWhileItRunsIsWrittenAnew) {
     EXPECT_TRUE(database->Find(Game(2)).favourite);
 }
 
+TEST_F(Player, ANewerFileThatIsPutThereWhileItRunsIsLeftAlone) {
+    Start().SetFavourite(Game(1), true);
+    database->Finish();
+    fs::remove(File());
+    {
+        SqliteDatabase newer;
+        ASSERT_TRUE(newer.Open(File()));
+        ASSERT_TRUE(newer.Execute("CREATE TABLE games (other); PRAGMA user_version = 2; "
+                                  "PRAGMA application_id = 0x4F504C02;"));
+    }
+    const auto before = folder.Read("player.db");
+    database->SetFavourite(Game(2), true);
+    database->SetFavourite(Game(3), true);
+    End();
+    EXPECT_EQ(folder.Read("player.db"), before);
+    EXPECT_FALSE(IsThere("player.db.damaged"));
+}
+
+TEST_F(Player, MakesTheHomeFolder) {
+    const fs::path file = folder.Path() / "home" / "player.db";
+    {
+        PlayerDatabase first;
+        first.Open(file);
+        first.SetFavourite(Game(1), true);
+    }
+    PlayerDatabase second;
+    second.Open(file);
+    EXPECT_TRUE(second.Find(Game(1)).favourite);
+}
+
 // As the tests' user without the right to everything. Threads of the test have it still, so the file is used
 // without one.
 TEST_F(Player, AHomeFolderThatMayNotBeWrittenIsReadOnly) {

@@ -261,16 +261,20 @@ TEST_F(RomBrowser, TheKeyFIsTheStarOncePerPress) {
     const int32_t lamps = RowWith(L"Paper Lamps");
     browser->List()->SetSelected(lamps);
     browser->TakeFocus();
+    constexpr auto kF = static_cast<GHOSTGUIKey>(9);
+    KeyDown(kF);
     for (int repeat = 0; repeat < 3; ++repeat) {
         TypeCharacter(L'f');
     }
     EXPECT_TRUE(host.player.Find(IdentityOf(Image(3))).favourite);
     EXPECT_EQ(browser->List()->Selected(), lamps);
-    KeyUp(GHOSTGUIKey::kA);
+    KeyUp(kF);
     Tick();
+    KeyDown(kF);
     TypeCharacter(L'f');
     EXPECT_FALSE(host.player.Find(IdentityOf(Image(3))).favourite);
-    KeyUp(GHOSTGUIKey::kA);
+    KeyUp(kF);
+    Tick();
     TypeCharacter(L'F');
     EXPECT_EQ(browser->List()->Selected(), RowWith(L"Fog Lamps")) << "a capital begins a title";
 }

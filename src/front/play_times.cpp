@@ -20,15 +20,16 @@ void PlayTimes::Update(std::span<const PLAYED_GAME> playing, int64_t now) {
             Tell(count->second, now);
         }
     }
-    std::erase_if(counts, [&](auto& entry) {
-        auto& [serial, count] = entry;
+    for (auto at = counts.begin(); at != counts.end();) {
         const bool runs = std::ranges::any_of(
-            playing, [&](const PLAYED_GAME& game) { return game.serial == serial; });
-        if (!runs) {
-            Tell(count, now);
+            playing, [&](const PLAYED_GAME& game) { return game.serial == at->first; });
+        if (runs) {
+            ++at;
+        } else {
+            Tell(at->second, now);
+            at = counts.erase(at);
         }
-        return !runs;
-    });
+    }
 }
 
 // Whole seconds; what is left of one counts with the next.

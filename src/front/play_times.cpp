@@ -20,15 +20,16 @@ void PlayTimes::Update(std::span<const PLAYED_GAME> playing, int64_t now) {
             Tell(count->second, now);
         }
     }
-    std::erase_if(counts, [&](auto& entry) {
-        auto& [serial, count] = entry;
+    for (auto entry = counts.begin(); entry != counts.end();) {
         const bool runs = std::ranges::any_of(
-            playing, [&](const PLAYED_GAME& game) { return game.serial == serial; });
-        if (!runs) {
-            Tell(count, now);
+            playing, [&](const PLAYED_GAME& game) { return game.serial == entry->first; });
+        if (runs) {
+            ++entry;
+        } else {
+            Tell(entry->second, now);
+            entry = counts.erase(entry);
         }
-        return !runs;
-    });
+    }
 }
 
 // Whole seconds; what is left of one counts with the next.

@@ -20,14 +20,14 @@ void PlayTimes::Update(std::span<const PLAYED_GAME> playing, int64_t now) {
             Tell(count->second, now);
         }
     }
-    for (auto at = counts.begin(); at != counts.end();) {
+    for (auto entry = counts.begin(); entry != counts.end();) {
         const bool runs = std::ranges::any_of(
-            playing, [&](const PLAYED_GAME& game) { return game.serial == at->first; });
+            playing, [&](const PLAYED_GAME& game) { return game.serial == entry->first; });
         if (runs) {
-            ++at;
+            ++entry;
         } else {
-            Tell(at->second, now);
-            at = counts.erase(at);
+            Tell(entry->second, now);
+            entry = counts.erase(entry);
         }
     }
 }

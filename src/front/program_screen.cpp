@@ -43,7 +43,7 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
     , joysticks(surroundings.joysticks)
     , room(surroundings, {},
            {[this](ModeOrder order) { Obey(order); },
-            [this](const std::string& error) {
+            [](const std::string& error) {
                 CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
             }},
            ProgramMode::kMenu)

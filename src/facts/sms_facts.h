@@ -90,6 +90,7 @@ inline constexpr std::wstring_view kSmsPlayerActions[kMachinePlayers][10] = {
      L"SMS P2 BUTTON2", L"SMS P2 BUTTON3", L"SMS P2 BUTTON4", L"SMS P2 BUTTON5", L"SMS P2 BUTTON6"},
 };
 
+// The second is of the console before it, which had the same processor and video modes: those images run here.
 inline constexpr std::string_view kSmsExtensions[] = {".sms", ".sg"};
 inline constexpr std::string_view kSmsRegions[] = {"ram", "sram", "vram", "palette"};
 

@@ -28,10 +28,11 @@ constexpr std::array<DIRECTION, 4> kDirections = {
      }
 };
 
-// The controls of all players as if they were one's.
+// The controls of all players as if they were one's. Those that are bound to a game's action count as well: menus
+// must not lose the button that takes.
 uint64_t Controls(InputLooker& looker) {
     const InputFrame frame(looker, kApplicationKey);
-    const uint64_t acting = InputPadsActing();
+    const uint64_t acting = InputPadsActing() | InputPadsDown();
     constexpr uint64_t kOnePlayer = (uint64_t{1} << kPadControls) - 1;
     return (acting | acting >> 32) & kOnePlayer;
 }
@@ -54,6 +55,7 @@ PAD_PRESSES GuiPad::Update(bool active, int64_t now) {
     }
     presses.back = (pressed & Bit(kPadEast)) != 0 && !manager.CancelFocus();
     presses.start = (pressed & Bit(kPadStart)) != 0;
+    presses.favourite = (pressed & Bit(kPadWest)) != 0;
     presses.guide = (pressed & Bit(kPadGuide)) != 0;
     presses.shoulder = ((pressed & Bit(kPadRightShoulder)) != 0 ? 1 : 0) -
                        ((pressed & Bit(kPadLeftShoulder)) != 0 ? 1 : 0);

@@ -1,10 +1,12 @@
 #include "front/program_screen.h"
 
+#include "base/files.h"
 #include "base/text.h"
 #include "front/event_pump.h"
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
+#include "front/processor_binder.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
@@ -41,12 +43,19 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
     , joysticks(surroundings.joysticks)
     , room(surroundings, {},
            {[this](ModeOrder order) { Obey(order); },
-            [this](const std::string& error) {
+            [](const std::string& error) {
                 CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
             }},
            ProgramMode::kMenu)
     , menu(*this)
-    , overlay(*this) {}
+    , overlay(*this) {
+    player.Open(ResolvePath(kPlayerDatabaseFile), UseAllProcessors);
+}
+
+// The games that still run end with the room.
+ProgramScreen::~ProgramScreen() {
+    playTimes.Update({}, HostClock().nowMicroseconds());
+}
 
 bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     for (const ModeInput request : std::exchange(wanted, {})) {
@@ -55,6 +64,7 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     downloads.PumpRequests();
     ReadKeys(input);
     const bool roomNews = room.Update(input);
+    CountPlayed();
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
@@ -84,9 +94,19 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input) {
         if (presses.shoulder != 0) {
             browser->SelectSystem(presses.shoulder, -1);
         }
+        if (presses.favourite) {
+            browser->ToggleFavourite();
+        }
         if (presses.start) {
             browser->StartSelected();
         }
+    }
+}
+
+void ProgramScreen::CountPlayed() {
+    playTimes.Update(room.Games().Playing(), HostClock().nowMicroseconds());
+    if (const std::string message = player.TakeMessage(); !message.empty()) {
+        PostReport(message);
     }
 }
 

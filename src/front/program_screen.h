@@ -4,14 +4,16 @@
 // It joins the room (room_screen.h), which owns the modes, with the toolkit's screens (src/screens), and does for
 // these what they ask of the program (ScreenHost).
 // Keys of its own: F10 is the main menu; escape goes back in menu, panels and browser. A controller moves the focus
-// there; its shoulders step the browser's system, start starts the chosen game.
+// there; its shoulders step the browser's system, start starts the chosen game, the left button makes it a favourite.
 //
 // Thread: main, with the OpenGL context current. Order: made after the toolkit has its theme and its screen.
 #pragma once
 
 #include "front/gui_pad.h"
+#include "front/play_times.h"
 #include "front/room_screen.h"
 #include "front/screen.h"
+#include "library/player_database.h"
 #include "screens/battle_ground.h"
 #include "screens/game_overlay.h"
 #include "screens/screen_host.h"
@@ -32,6 +34,7 @@ struct PROGRAM_CALLS {
 class ProgramScreen final : public Screen, private ScreenHost {
 public:
     ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALLS calls);
+    ~ProgramScreen() override;
 
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override { room.Draw(target); }
@@ -54,6 +57,7 @@ private:
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) override;
     void CoverClick(int button, int32_t x, int32_t y) override;
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
+    [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { calls.settingsChanged(); }
     void SaveSettings() override { calls.saveSettings(); }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override;
@@ -64,14 +68,17 @@ private:
     void GoBack();
     void Obey(ModeOrder order);
     void FitScreens();
+    void CountPlayed();
     void UpdateOverlay(const SCREEN_INPUT& input);
 
     PROGRAM_CALLS calls;
     DownloadQueue downloads; // outlives the screens, which queue requests
+    PlayerDatabase player;   // outlives them too
     const class Joysticks& joysticks;
     RoomScreen room;
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;
+    PlayTimes playTimes{player};
     GuiPad pad;
     std::vector<ModeInput> wanted; // by the screens since the last round
     uint32_t setForGame = 0;       // the one that the browser was opened for; 0: any

@@ -31,6 +31,7 @@ struct SHELF {
     bool looked = false;
     Digests pieces;  // of the games that are there, and of what was copied
     Digests headers; // of the games that are there
+    Digests copied;  // pieces of boards, which wait for the conversion
     std::vector<fs::path> copies;
 };
 
@@ -118,8 +119,9 @@ private:
     void Place(SHELF& shelf, const std::string& label, const FOUND_IMAGE& image,
                const IDENTITY& identity);
     [[nodiscard]] SHELF* FindShelf(uint16_t system);
-    void Copy(SHELF& shelf, const fs::path& stem, const std::string& extension,
-              std::span<const uint8_t> bytes);
+    // False for what cannot be copied, which is counted.
+    [[nodiscard]] bool Copy(SHELF& shelf, const fs::path& stem, const std::string& extension,
+                            std::span<const uint8_t> bytes);
     void Convert(SHELF& shelf, size_t done, size_t total);
     void CountWaiting(const SHELF& shelf);
 
@@ -185,17 +187,18 @@ SHELF* GameAdder::ShelfOf(const WALKED_FILE& file, const FOUND_IMAGE& image,
     return asked != 0 && MayBeImage(image.bytes.size()) ? FindShelf(asked) : nullptr;
 }
 
-void GameAdder::Copy(SHELF& shelf, const fs::path& stem, const std::string& extension,
+bool GameAdder::Copy(SHELF& shelf, const fs::path& stem, const std::string& extension,
                      std::span<const uint8_t> bytes) {
     PLACED_FILE placed;
     std::string error;
     if (!WriteBesideOthers(shelf.folder, stem, extension, bytes, placed, error)) {
         Fault(error);
-        return;
+        return false;
     }
     // One that an interrupted run has left is converted now.
     ++(placed.alreadyThere ? result.alreadyThere : result.copied);
     shelf.copies.push_back(placed.path);
+    return true;
 }
 
 // A game that has been converted elsewhere.
@@ -226,9 +229,10 @@ void GameAdder::TakeGame(const std::string& label, const FOUND_IMAGE& image) {
         ++result.alreadyThere;
         return;
     }
-    Copy(*shelf, FileNameFromTitle(image.stem), ".game", bytes);
-    shelf->headers.insert(header);
-    shelf->pieces.insert(pieces.begin(), pieces.end());
+    if (Copy(*shelf, FileNameFromTitle(image.stem), ".game", bytes)) {
+        shelf->headers.insert(header);
+        shelf->pieces.insert(pieces.begin(), pieces.end());
+    }
 }
 
 void GameAdder::TakeImage(const WALKED_FILE& file, const FOUND_IMAGE& image) {
@@ -263,8 +267,10 @@ void GameAdder::Place(SHELF& shelf, const std::string& label, const FOUND_IMAGE&
         return;
     }
     Look(shelf);
-    // Copied once, a piece of a board goes into all games that need it.
-    if (arcade ? BoardsAreThere(shelf, hash) : shelf.pieces.contains(hash)) {
+    // Copied once, a piece of a board goes into all games that need it. The sets of two boards may both have it, under
+    // two names.
+    if (arcade ? shelf.copied.contains(hash) || BoardsAreThere(shelf, hash)
+               : shelf.pieces.contains(hash)) {
         ++result.alreadyThere;
         return;
     }
@@ -272,8 +278,9 @@ void GameAdder::Place(SHELF& shelf, const std::string& label, const FOUND_IMAGE&
     const std::string extension = ValidExtension(system, image.name)
                                       ? FileNameFromTitle(name.extension().string())
                                       : UsualExtension(system);
-    Copy(shelf, FileNameFromTitle(image.stem), extension, image.bytes);
-    shelf.pieces.insert(hash);
+    if (Copy(shelf, FileNameFromTitle(image.stem), extension, image.bytes)) {
+        (arcade ? shelf.copied : shelf.pieces).insert(hash);
+    }
 }
 
 void GameAdder::TakeFile(const WALKED_FILE& file) {

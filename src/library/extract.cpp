@@ -19,7 +19,8 @@ struct PIECE {
     Sha256Digest hash{}; // as the record says
 };
 
-// The pieces, each once: a game has its image once for every database entry that knew it.
+// The pieces, each once: a game has its image once for every database entry that knew it. A board may have two chips
+// of the same contents, which are two files.
 std::vector<PIECE> DistinctPieces(const CGameFile& game) {
     std::vector<PIECE> pieces;
     for (uint32_t index = 0; index < game.RomCount(); ++index) {
@@ -30,12 +31,15 @@ std::vector<PIECE> DistinctPieces(const CGameFile& game) {
             continue;
         }
         std::copy(std::begin(record.sha256), std::end(record.sha256), piece.hash.begin());
-        if (std::ranges::find(pieces, piece.hash, &PIECE::hash) != pieces.end()) {
-            continue;
-        }
         piece.name = FileNameFromTitle(name);
         if (piece.name.empty()) {
             piece.name = "piece" + std::to_string(index);
+        }
+        const bool board = game.Header().system == kSystemArcade;
+        if (std::ranges::any_of(pieces, [&](const PIECE& other) {
+                return other.hash == piece.hash && (!board || other.name == piece.name);
+            })) {
+            continue;
         }
         const uint64_t offset = game.RomOffset(index);
         if (offset + record.size <= game.Data().size()) {

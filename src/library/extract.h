@@ -18,7 +18,8 @@ struct IMAGE_FILE {
 
 enum class ImageForm : uint8_t { kPlain, kInterleaved };
 
-// The files of a game whose image is unpacked, in the order of its pieces; the same piece is there once.
+// The files of a game whose image is unpacked, in the order of its pieces; the same piece is there once, but on an
+// arcade board once for each of its names.
 //
 // - A single image of a console takes the given stem; several are versions, and the piece's name follows the
 //   stem in brackets. The extension is one of the system's, or ".zip" for an image that is an archive.

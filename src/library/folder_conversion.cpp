@@ -38,10 +38,12 @@ struct SOURCE {
     FILE_STAMP stamp;       // when it was read
     uint32_t queued = 0;    // its pending items
     uint32_t unused = 0;    // of these, those in no game of step 2
-    uint32_t unwritten = 0; // and those whose game could not be written
+    uint32_t unwritten = 0; // and those of which a game is still to be written
     std::string leftOut;    // an entry of the zip that was not queued
     double progress = 0.0;  // 0 to 1
+    bool stays = false;     // something in it goes into no game
     bool begun = false;     // step 3 has had it
+    bool packed = false;    // step 3 has made a game of it
     bool gone = false;
     bool keptTold = false;
 };
@@ -67,6 +69,7 @@ struct PLAN {
     std::vector<PendingFile*> items;
     fs::file_time_type newestSource = fs::file_time_type::min();
     uint64_t size = 0;
+    bool settled = false; // its game is there, or cannot be made
 };
 
 // A game that is ready to be written.
@@ -148,10 +151,11 @@ private:
     [[nodiscard]] bool Gather();
     void TakeGathered(SOURCE& source, const GATHERED& gathered);
     [[nodiscard]] bool AssembleKnown();
-    [[nodiscard]] std::vector<PLAN> Plans() const;
+    [[nodiscard]] std::vector<PLAN> Plans();
+    void NoteStaying(const std::vector<PLAN>& plans);
     [[nodiscard]] MADE_GAME MakeKnown(const PLAN& plan);
-    void TakeKnown(const PLAN& plan, const MADE_GAME& made);
-    void CountUses();
+    void TakeKnown(PLAN& plan, const MADE_GAME& made);
+    void CountUses(const std::vector<PLAN>& plans);
     [[nodiscard]] bool ConvertRest();
     [[nodiscard]] MADE_GAME MakeUnknown(const SOURCE& source) const;
     void TakeRest(SOURCE& source, bool used, bool repeated, const MADE_GAME& made);
@@ -273,7 +277,7 @@ void Conversion::TakeGathered(SOURCE& source, const GATHERED& gathered) {
     Advance(source, source.queued == 0 ? 1.0 : kGatherShare);
 }
 
-std::vector<PLAN> Conversion::Plans() const {
+std::vector<PLAN> Conversion::Plans() {
     std::vector<PLAN> plans;
     for (int entry = 0; entry < database.EntryCount(); ++entry) {
         PLAN plan;
@@ -284,12 +288,43 @@ std::vector<PLAN> Conversion::Plans() const {
         plan.entry = entry;
         plan.name = database.NameOfEntry(entry);
         for (const PendingFile* item : plan.items) {
-            plan.newestSource = std::max(plan.newestSource, SourceOf(item->path).stamp.time);
             plan.size += item->size;
         }
         plans.push_back(std::move(plan));
     }
+    NoteStaying(plans);
+    for (PLAN& plan : plans) {
+        for (const PendingFile* item : plan.items) {
+            // What stays is found at every scan, and would make its game again until its time has passed.
+            if (const SOURCE& source = SourceOf(item->path); !source.stays) {
+                plan.newestSource = std::max(plan.newestSource, source.stamp.time);
+            }
+        }
+    }
     return plans;
+}
+
+// An arcade zip stays if a piece in it goes into no game. Any other makes a game of the whole zip then, and stays
+// only if all its images go into games and something else is left over.
+void Conversion::NoteStaying(const std::vector<PLAN>& plans) {
+    const bool arcade = conversion.system == kSystemArcade;
+    std::unordered_set<const PendingFile*> planned;
+    std::unordered_set<Sha256Digest, DIGEST_HASH> hashes;
+    for (const PLAN& plan : plans) {
+        for (const PendingFile* item : plan.items) {
+            planned.insert(item);
+            hashes.insert(item->sha256);
+        }
+    }
+    for (SOURCE& source : sources) {
+        source.stays = !source.leftOut.empty();
+    }
+    for (const PendingFile* item = database.FirstPending(); item != nullptr;
+         item = item->next.get()) {
+        if (arcade ? !hashes.contains(item->sha256) : !planned.contains(item)) {
+            SourceOf(item->path).stays = arcade;
+        }
+    }
 }
 
 MADE_GAME Conversion::MakeKnown(const PLAN& plan) {
@@ -324,7 +359,7 @@ MADE_GAME Conversion::MakeKnown(const PLAN& plan) {
 
 // Step 2.
 bool Conversion::AssembleKnown() {
-    const std::vector<PLAN> plans = Plans();
+    std::vector<PLAN> plans = Plans();
     std::vector<uint64_t> weights;
     for (const PLAN& plan : plans) {
         weights.push_back(plan.size * kCopiesInHand);
@@ -338,14 +373,15 @@ bool Conversion::AssembleKnown() {
             TakeKnown(plans[index], made);
             return true;
         });
-    CountUses();
+    CountUses(plans);
     return whole;
 }
 
-void Conversion::TakeKnown(const PLAN& plan, const MADE_GAME& made) {
+void Conversion::TakeKnown(PLAN& plan, const MADE_GAME& made) {
     NowAt(plan.items.front()->path);
-    if (!made.ready) {
-        return; // a piece could not be read any more
+    plan.settled = !made.ready; // a piece could not be read any more
+    if (plan.settled) {
+        return;
     }
     database.MarkUsed(plan.items);
     const std::string name = plan.name + ".game";
@@ -362,6 +398,7 @@ void Conversion::TakeKnown(const PLAN& plan, const MADE_GAME& made) {
         Report(ConversionCount::kNone, error);
         isThere = false;
     }
+    plan.settled = isThere;
     for (const PendingFile* item : plan.items) {
         SOURCE& source = SourceOf(item->path);
         const double share = (1.0 - kGatherShare) / source.queued;
@@ -371,13 +408,27 @@ void Conversion::TakeKnown(const PLAN& plan, const MADE_GAME& made) {
     }
 }
 
-void Conversion::CountUses() {
+// A piece of several boards is done with when all their games are there.
+void Conversion::CountUses(const std::vector<PLAN>& plans) {
+    std::unordered_set<const PendingFile*> open;
+    for (const PLAN& plan : plans) {
+        if (!plan.settled) {
+            open.insert(plan.items.begin(), plan.items.end());
+        }
+    }
+    // The zips of two boards may both hold a piece, of which one goes into the games.
+    std::unordered_set<Sha256Digest, DIGEST_HASH> inGames;
+    for (const PendingFile* item : written) {
+        if (conversion.system == kSystemArcade && !open.contains(item)) {
+            inGames.insert(item->sha256);
+        }
+    }
     for (const PendingFile* item = database.FirstPending(); item != nullptr;
          item = item->next.get()) {
         SOURCE& source = SourceOf(item->path);
-        if (!item->used) {
+        if (!item->used && !inGames.contains(item->sha256)) {
             ++source.unused;
-        } else if (!written.contains(item)) {
+        } else if (open.contains(item)) {
             ++source.unwritten;
         }
     }
@@ -465,8 +516,13 @@ void Conversion::TakeRest(SOURCE& source, bool used, bool repeated, const MADE_G
     if (used) {
         RemoveUsed(source, true);
     } else {
-        // For a zip each of its items reads the file again, which is gone after the first conversion.
-        TakeUnknown(source, repeated ? MakeUnknown(source) : made);
+        // For a zip each of its items reads the file again, which is gone after the first conversion. One that could
+        // not be removed is not converted twice.
+        if (!repeated) {
+            TakeUnknown(source, made);
+        } else if (!source.packed || source.gone) {
+            TakeUnknown(source, MakeUnknown(source));
+        }
     }
     Advance(source, 1.0);
 }
@@ -475,7 +531,10 @@ void Conversion::TakeUnknown(SOURCE& source, const MADE_GAME& made) {
     if (!made.error.empty()) {
         Report(ConversionCount::kError,
                "Failed to convert this unknown game: " + source.path.string());
-        Report(ConversionCount::kNone, made.error);
+        Report(ConversionCount::kNone, source.packed
+                                           ? source.path.string() + ": is in " + source.stem +
+                                                 ".game as a whole, with every image"
+                                           : made.error);
         return;
     }
     if (!made.ready) {
@@ -499,6 +558,7 @@ void Conversion::TakeUnknown(SOURCE& source, const MADE_GAME& made) {
     } else {
         Report(ConversionCount::kAuto, "Converted unknown game: " + name);
     }
+    source.packed = true;
     Remove(source, made.stamp);
 }
 
@@ -524,7 +584,10 @@ void Conversion::RemoveUsed(SOURCE& source, bool mayStillConvert) {
             TellKept(source, "not everything in it is in a game file");
         }
     } else if (source.unwritten > 0) {
-        TellKept(source, "its game file could not be written");
+        // After a stop the game has not been tried.
+        if (mayStillConvert) {
+            TellKept(source, "its game file could not be written");
+        }
     } else if (!source.leftOut.empty()) {
         TellKept(source, source.leftOut + " is in no game file");
     } else {

@@ -16,6 +16,7 @@
 // zip stays where it is, with a line in the log, if something in it is in no game: an entry that is no
 // image of this system or cannot be unpacked, a game that could not be written, or an arcade piece that
 // no entry wants. Archives are never taken for interleaved dumps.
+// A piece of several boards goes when the games of all boards that are complete have been written.
 //
 // With `keepSources` sources move into the subfolder `sources` instead of being deleted.
 // An empty file, a copier's header without an image, a file of more than kLargestImage bytes (a zip of

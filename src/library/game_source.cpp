@@ -148,7 +148,8 @@ bool VisitArchive(const fs::path& path, std::span<const uint8_t> archive,
 
 // Reads a file that may be an image or an archive.
 bool ReadSource(const fs::path& path, std::vector<uint8_t>& bytes, std::string& error) {
-    if (!ReadFile(path, bytes, error, kLargestImage)) {
+    const uint64_t limit = LowerExtension(path) == ".zip" ? kLargestZip : kLargestImage;
+    if (!ReadFile(path, bytes, error, limit)) {
         return false;
     }
     if (bytes.empty()) {
@@ -235,9 +236,8 @@ bool HoldsArchive(const CGameFile& game) {
 bool OpenInside(const fs::path& path, const MACHINE_FACTS& system, CGameFile& game,
                 std::string& note, std::string& error) {
     const auto archive = game.AssembleImage(0);
-    if (!archive || archive->size() > kLargestImage) {
-        error = path.string() + ": holds an archive of more than " + std::to_string(kLargestImage) +
-                " bytes";
+    if (!archive) {
+        error = path.string() + ": its records or its image are damaged";
         return false;
     }
     const auto visit = [&](const IMAGE_VISITOR& visitor, std::string& fault) {

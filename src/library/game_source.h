@@ -13,8 +13,10 @@
 
 class CGameFile;
 
-// The largest ROM or archive that is read: well over the largest cartridge of any machine.
+// The largest ROM that is read: well over the largest cartridge of any machine.
 inline constexpr uint64_t kLargestImage = uint64_t{64} << 20;
+// The largest zip: it holds any number of ROMs.
+inline constexpr uint64_t kLargestZip = uint64_t{1} << 28;
 // The most that the images of one archive may unpack to, in total.
 inline constexpr uint64_t kLargestArchive = uint64_t{1} << 30;
 

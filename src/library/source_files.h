@@ -12,9 +12,6 @@
 #include <string_view>
 #include <vector>
 
-// The largest zip that is read: it holds any number of images.
-inline constexpr uint64_t kLargestZip = uint64_t{1} << 28;
-
 // What tells that a file has changed.
 struct FILE_STAMP {
     uint64_t size = 0;
@@ -26,7 +23,7 @@ struct FILE_STAMP {
 [[nodiscard]] bool StampOf(const std::filesystem::path& path, FILE_STAMP& stamp,
                            std::string& error);
 
-// Reads an image or a zip whole, up to kLargestImage (game_source.h) or kLargestZip. Refuses whatever is
+// Reads an image or a zip whole, up to kLargestImage or kLargestZip (game_source.h). Refuses whatever is
 // not a file, as reading a pipe might never end.
 [[nodiscard]] bool ReadSource(const std::filesystem::path& path, std::vector<uint8_t>& bytes,
                               FILE_STAMP& stamp, std::string& error);

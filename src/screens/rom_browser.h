@@ -8,6 +8,7 @@
 
 #include "library/catalogue.h"
 #include "library/library_index.h"
+#include "library/player_database.h"
 #include "screens/browser_filters.h"
 #include "screens/content_area.h"
 #include "screens/game_options.h"
@@ -49,6 +50,8 @@ public:
 
     // As the button START GAME.
     void StartSelected();
+    // Puts a star on the chosen game, or takes it off.
+    void ToggleFavourite();
 
     [[nodiscard]] Catalogue& Library() { return catalogue; }
     [[nodiscard]] CGhostListView* List() const { return list; }
@@ -58,6 +61,7 @@ public:
     [[nodiscard]] ScanWindow& Scan() { return scan; }
     [[nodiscard]] CGameOptions* Options() const { return options.get(); }
     [[nodiscard]] CGhostButton* StartButton() const { return start; }
+    [[nodiscard]] CGhostButton* StarButton() const { return star; }
     [[nodiscard]] CGhostButton* RoomButton() const { return gameRoom; }
     [[nodiscard]] CGhostButton* MenuButton() const { return mainMenu; }
     [[nodiscard]] CGhostDropList* Saves() const { return saves; }
@@ -70,7 +74,11 @@ private:
     void FillList();
     void ShowRow(int32_t row);
     void Choose(const GameListRow* row);
-    void ShowMeta(const GameListRow& row, const CGameFile& game);
+    void ReadMeta(const GameListRow& row, const CGameFile& game);
+    void ShowPlayed();
+    void ShowStars();
+    [[nodiscard]] std::vector<ROW_LINE> ChooseLines();
+    [[nodiscard]] PLAYER_RECORD PlayedOf(const GameListRow& row) const;
     void ShowMedia(const GameListRow& row);
     void ShowTexts(const GAME_INFORMATION& information);
     void AskAboutGame(const GameListRow& row);
@@ -87,6 +95,7 @@ private:
     CGhostWindowEx* optionsWindow;
     ContentArea content;
     CGhostButton* start;
+    CGhostButton* star;
     CGhostButton* gameRoom;
     CGhostButton* mainMenu;
     CGhostTextBox* savesLabel;
@@ -97,6 +106,8 @@ private:
     bool scanned = false;      // the first scan has begun
     bool applyFilters = false; // with the next Update
     const GameListRow* chosen = nullptr;
+    std::wstring metaHead; // of the chosen game: what comes before and after the times played
+    std::wstring metaTail;
     bool hasMedia = false;   // the chosen game has an archive of pictures
     bool localTexts = false; // and texts in it
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);

@@ -71,6 +71,8 @@ void InputRefreshPadDefaults();
 
 // The controls that are down and not bound by the user; in an InputFrame also those that were tapped.
 [[nodiscard]] uint64_t InputPadsActing();
+// All controls that are down, bound by the user or not. Main thread.
+[[nodiscard]] uint64_t InputPadsDown();
 // The controls that the user has bound, as of the last pump. Main thread.
 [[nodiscard]] uint64_t InputPadsTaken();
 

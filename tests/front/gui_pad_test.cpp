@@ -3,6 +3,7 @@
 #include "gui/manager.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
+#include "settings/settings.h"
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,22 @@ protected:
     int clicks = 0;
 };
 
+// The code of the lower button is bound to an action of a machine.
+TEST_F(GuiPadTest, AButtonThatAGameUsesStillClicks) {
+    RegisterDefaultSettings(Settings());
+    const uint32_t code = JoystickButtonCode(0, 0);
+    PadCodes codes{};
+    codes[kPadSouth] = {code, 0};
+    InputSetPadCodes(0, codes);
+    Settings().SetInt2(L"INPUT NES P1 START", 40, static_cast<int32_t>(JoystickBinding(0, code)));
+    Round();
+    Hold(kPadSouth, true);
+    Round();
+    EXPECT_EQ(clicks, 1);
+    EXPECT_EQ(InputPadsActing(), 0u); // but does nothing else in a game
+    RegisterDefaultSettings(Settings());
+}
+
 TEST_F(GuiPadTest, APressMovesTheFocusOnce) {
     Hold(kPadDpadRight, true);
     Round();
@@ -90,11 +107,13 @@ TEST_F(GuiPadTest, WhatTheToolkitHasNoUseForIsTheScreens) {
     Hold(kPadEast, true);
     Hold(kPadStart, true);
     Hold(kPadGuide, true);
+    Hold(kPadWest, true);
     Hold(kPadLeftShoulder, true);
     const PAD_PRESSES presses = Round();
     EXPECT_TRUE(presses.back);
     EXPECT_TRUE(presses.start);
     EXPECT_TRUE(presses.guide);
+    EXPECT_TRUE(presses.favourite);
     EXPECT_EQ(presses.shoulder, -1);
     EXPECT_FALSE(Round().back) << "only the press counts";
 }

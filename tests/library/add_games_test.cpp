@@ -309,6 +309,36 @@ TEST(AddGames, PieceOfTwoBoardsGoesIntoBoth) {
     EXPECT_EQ(Add({piece}).counts.alreadyThere, 1u);
 }
 
+TEST(AddGames, PieceThatTwoSetsNameDifferentlyIsCopiedOnce) {
+    const TemporaryHome home;
+    const TemporaryFolder from;
+    const Bytes piece(1024, 1);
+    WriteDatabase(home, "arcade.dat", kSystemArcade,
+                  {
+                      {"piece", piece}
+    });
+    const ADDED added = Add({
+        from.Write("board.zip", Zip({{"epr-1.ic7", piece}}
+         )),
+        from.Write("variant.zip", Zip({{"epr-2.ic7", piece}}
+         ))
+    });
+    EXPECT_EQ(added.counts.copied, 1u);
+    EXPECT_EQ(added.counts.alreadyThere, 1u);
+    EXPECT_EQ(added.counts.waiting, 0u);
+    EXPECT_EQ(FilesIn(home.Path() / "arcade"), (Names{"board.game"}));
+}
+
+TEST(AddGames, WhatCouldNotBeCopiedIsNotThere) {
+    const TemporaryHome home;
+    const TemporaryFolder from;
+    home.Write("sms", "in the folder's place");
+    const Bytes image(1024, 1);
+    const ADDED added = Add({from.Write("a.sms", image), from.Write("b.sms", image)});
+    EXPECT_EQ(added.counts.failed, 2u);
+    EXPECT_EQ(added.counts.alreadyThere, 0u);
+}
+
 TEST(AddGames, CopierHeaderWithoutAnImageIsAFault) {
     const TemporaryHome home;
     const TemporaryFolder from;

@@ -158,6 +158,21 @@ TEST(Extract, PiecesOfABoardHaveTheirOwnNames) {
     EXPECT_EQ(files[1].bytes, Bytes(5, 2));
 }
 
+TEST(Extract, EqualPiecesOfABoardAreTwoFiles) {
+    const CGameFile game = GameOf(
+        kArcade,
+        {
+            {"epr-1.ic7", Bytes(10, 1)},
+            {"epr-1.ic8", Bytes(10, 1)},
+            {"epr-1.ic7", Bytes(10, 1)}
+    });
+    std::vector<std::string> faults;
+    const std::vector<IMAGE_FILE> files = ImageFiles(game, "Game", ImageForm::kPlain, faults);
+    ASSERT_EQ(files.size(), 2u);
+    EXPECT_EQ(files[1].stem.string() + files[1].extension, "epr-1.ic8");
+    EXPECT_EQ(files[1].bytes, Bytes(10, 1));
+}
+
 TEST(Extract, NoNameLeadsOutOfTheFolder) {
     const char* const names[] = {"..",          ".",     "",      "/etc/passwd",
                                  "../../a.bin", "a/..",  "a\\..", "C:\\a.bin",

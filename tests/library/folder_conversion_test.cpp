@@ -167,8 +167,28 @@ TEST(FolderConversion, FurtherUnknownImageOfAConvertedZipIsAnError) {
     ASSERT_EQ(folder.log.size(), 3u);
     EXPECT_EQ(folder.log[0], "Converted unknown game: pack.game");
     EXPECT_EQ(folder.log[1], "Failed to convert this unknown game: " + folder.At("pack.zip"));
+    EXPECT_EQ(folder.log[2],
+              folder.At("pack.zip") + ": is in pack.game as a whole, with every image")
+        << "the player is told that nothing is lost";
     EXPECT_EQ(folder.Counts(), (Counts{0, 1, 1, 0}));
     EXPECT_EQ(folder.ImageOf("pack.game"), zip);
+}
+
+TEST(FolderConversion, ZipOfTwoUnknownImagesThatCannotGoIsConvertedOnce) {
+    GameFolder folder(kSms);
+    const Bytes zip = ZipOf({
+        {"a.sms", Noise(1, 4000)},
+        {"b.sms", Noise(2, 4000)}
+    });
+    folder.Write("pack.zip", zip);
+    folder.onReport = [&] {
+        if (folder.log.back() == "Converted unknown game: pack.game") {
+            folder.Write("pack.zip", zip + Text("grown"));
+        }
+    };
+    EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+    EXPECT_THAT(folder.Names(), ElementsAre("pack.game", "pack.zip"));
+    EXPECT_EQ(folder.Counts(), (Counts{0, 1, 0, 0}));
 }
 
 TEST(FolderConversion, ZipWithoutImagesIsSkipped) {
@@ -291,6 +311,29 @@ TEST(FolderConversion, StoppedOneGoesOnWhereItWas) {
     EXPECT_EQ(end, ConversionEnd::kDone);
     EXPECT_EQ(rounds, 5);
     EXPECT_EQ(folder.Names(), games);
+}
+
+// The piece that two boards have is removed after both games are there, and a stop comes between them.
+TEST(FolderConversion, StopBetweenTwoBoardsKeepsTheirPiece) {
+    const NAMED_BYTES shared = {"shared", Noise(1, 500)};
+    const NAMED_BYTES own = {"own", Noise(2, 500)};
+    const NAMED_BYTES other = {"other", Noise(3, 500)};
+    GameFolder folder(kArcade, EntryOf(kArcade, "first", {shared, own}) +
+                                   EntryOf(kArcade, "second", {shared, other}));
+    for (const NAMED_BYTES& piece : {shared, own, other}) {
+        fs::last_write_time(folder.Write(piece.name, piece.bytes),
+                            fs::file_time_type::clock::now() - std::chrono::hours(1));
+    }
+    folder.threads = 1;
+    folder.onReport = [&] { folder.stop = true; };
+    EXPECT_EQ(folder.Convert(), ConversionEnd::kStopped);
+    EXPECT_THAT(folder.log, ElementsAre("Converted first.game"));
+    EXPECT_THAT(folder.Names(), ElementsAre("first.game", "other", "shared"));
+    folder.stop = false;
+    folder.onReport = nullptr;
+    EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+    EXPECT_TRUE(folder.Logged("Converted second.game"));
+    EXPECT_EQ(folder.ImageOf("second.game"), shared.bytes + other.bytes);
 }
 
 TEST(FolderConversion, KeptSourcesMoveToASubfolder) {

@@ -1,16 +1,14 @@
 // What must not go wrong in a folder: odd files, archives of which something is left over, a full disk,
 // files and folders that change while they are converted.
 #include "library/folder_lock.h"
+#include "library/full_disk.h"
 #include "library/game_folder.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <csignal>
 
 namespace fs = std::filesystem;
 
@@ -23,27 +21,6 @@ constexpr uint16_t kNes = 5;
 constexpr uint16_t kArcade = 6;
 
 using Counts = std::vector<int>;
-
-// No file can grow beyond this many bytes, as on a full disk.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes)
-        : handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit limit = {bytes, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    void (*handler)(int);
-    rlimit before{};
-};
 
 // The tests' user without the right to everything.
 class OrdinaryUser {
@@ -202,6 +179,64 @@ TEST(FolderSafety, ArcadeZipWithAPieceThatNoEntryWantsStays) {
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_EQ(folder.Read("set.zip"), zip);
     EXPECT_TRUE(folder.LoggedOf("Kept: " + folder.At("set.zip"), "not everything"));
+}
+
+// As sets of one board and of a variant of it do.
+TEST(FolderSafety, ArcadeZipsThatShareAPieceBothGo) {
+    const NAMED_BYTES shared = {"shared.ic1", Noise(1, 3000)};
+    const NAMED_BYTES own = {"own.ic2", Noise(2, 3000)};
+    const NAMED_BYTES other = {"other.ic2", Noise(3, 3000)};
+    GameFolder folder(kArcade, EntryOf(kArcade, "board", {shared, own}) +
+                                   EntryOf(kArcade, "variant", {shared, other}));
+    folder.Write("board.zip", ZipOf({shared, own}));
+    folder.Write("variant.zip", ZipOf({shared, other}));
+    EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+    EXPECT_THAT(folder.log, ElementsAre("Converted board.game", "Converted variant.game"));
+    EXPECT_THAT(folder.Names(), ElementsAre("board.game", "variant.game"));
+}
+
+// A downloaded file's time may lie in the future, so that no game is younger.
+TEST(FolderSafety, ZipThatStaysDoesNotMakeItsGameAtEveryScan) {
+    const Bytes known = Noise(1, 3000);
+    for (const uint16_t system : {kSms, kArcade}) {
+        GameFolder folder(system, EntryOf(system, "known",
+                                          {
+                                              {"x", known}
+        }));
+        const fs::path zip =
+            folder.Write("set.zip", ZipOf({
+                                        {"known.sms",  known           },
+                                        {"manual.txt", Text("a manual")}
+        }));
+        fs::last_write_time(zip, fs::file_time_type::clock::now() + std::chrono::hours(10));
+        for (int scan = 0; scan < 3; ++scan) {
+            EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+            EXPECT_THAT(folder.Names(), ElementsAre("known.game", "set.zip"));
+        }
+        EXPECT_EQ(folder.log[0], "Already converted: known.game");
+    }
+}
+
+// The second board's game does not fit on the disk; its pieces are also in the first one's.
+TEST(FolderSafety, PieceStaysUntilEveryBoardOfItIsWritten) {
+    const NAMED_BYTES shared = {"shared", Bytes(500, 1)};
+    const NAMED_BYTES own = {"own", Bytes(500, 2)};
+    const NAMED_BYTES other = {"other", Noise(3, 3000)};
+    GameFolder folder(kArcade, EntryOf(kArcade, "first", {shared, own}) +
+                                   EntryOf(kArcade, "second", {shared, other}));
+    for (const NAMED_BYTES& piece : {shared, own, other}) {
+        folder.Write(piece.name, piece.bytes);
+    }
+    {
+        const FullDisk disk(1500);
+        EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+    }
+    EXPECT_EQ(folder.Counts(), (Counts{1, 0, 1, 0}));
+    EXPECT_THAT(folder.Names(), ElementsAre("first.game", "other", "shared"));
+    EXPECT_TRUE(folder.LoggedOf("Kept: " + folder.At("shared"), "could not be written"));
+    EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+    EXPECT_THAT(folder.Names(), ElementsAre("first.game", "second.game"));
+    EXPECT_EQ(folder.ImageOf("second.game"), shared.bytes + other.bytes);
 }
 
 TEST(FolderSafety, FullDiskLosesNoSource) {

@@ -72,6 +72,26 @@ TEST(GameSource, GameInAnArchiveInAGameIsTheGameByItself) {
                            inside.game.SelectedRomHash()));
 }
 
+// Larger than any image may be, as an archive of many is.
+TEST(GameSource, LargeArchiveIsOpenedByItselfAndInAGame) {
+    const TemporaryHome home;
+    const Bytes image(5000, 7);
+    Bytes zip = Zip({
+        {"one.sms", image}
+    });
+    // Nothing refers to the bytes between the entries and their list, whose place is told near the end.
+    const size_t told = zip.size() - 6;
+    const uint64_t list = GetInteger(zip, told, 4);
+    PutInteger(zip, told, 4, list + kLargestImage);
+    zip.insert(zip.begin() + static_cast<std::ptrdiff_t>(list), kLargestImage, uint8_t{0});
+    for (const fs::path& file :
+         {home.Write("large.zip", zip), WriteGame(home, kMasterSystem, zip)}) {
+        const OPENED opened = Open(file);
+        ASSERT_TRUE(opened.opened) << opened.error;
+        EXPECT_TRUE(opened.game.AssembleSelectedImage() == image);
+    }
+}
+
 TEST(GameSource, OnlyFileOfAnArchiveInAGameNeedsNoExtension) {
     const TemporaryHome home;
     const OPENED inside = Open(WriteGame(home, kNes,

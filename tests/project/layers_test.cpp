@@ -346,7 +346,6 @@ TEST(Layers, TheRowsRefuseWhatTheyAreThereToRefuse) {
         {"host",    "AL/al.h"             },
         {"front",   "FT_FREETYPE_H"       },
         {"front",   "CLI/CLI.hpp"         },
-        {"screens", "boost/signals2.hpp"  },
         {"screens", "boost/asio.hpp"      },
         {"front",   "boost/asio.hpp"      },
         {"web",     "boost/filesystem.hpp"},

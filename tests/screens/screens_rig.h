@@ -8,6 +8,7 @@
 #include "gui/manager.h"
 #include "gui/text_box.h"
 #include "gui/theme.h"
+#include "library/player_database.h"
 #include "screens/screen_host.h"
 #include "web/download_queue.h"
 
@@ -34,6 +35,7 @@ public:
         coverClicks.push_back(button);
     }
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
+    [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { ++settingsChanges; }
     void SaveSettings() override { ++saves; }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
@@ -42,6 +44,8 @@ public:
     }
     [[nodiscard]] uint64_t Milliseconds() const override { return now += step; }
 
+    int64_t wallClock = 1'700'000'000;                   // seconds since 1970
+    PlayerDatabase player{[this] { return wallClock; }}; // without a file
     int settingsChanges = 0;
     int saves = 0;
     std::vector<SCREEN_JOYSTICK> joysticks;
@@ -143,6 +147,10 @@ protected:
             record.key = static_cast<int32_t>(key);
             record.repeat = repeat;
         });
+    }
+    void TypeCharacter(wchar_t character) {
+        Post([&](GUI_INPUT_RECORD& record) { record.character = static_cast<int32_t>(character); });
+        Tick();
     }
     void KeyUp(GHOSTGUIKey key) {
         Post([&](GUI_INPUT_RECORD& record) {

@@ -78,13 +78,16 @@ void BuildImagesPage(GHOSTMANAGER_WINDOW* root) {
         if (bitmap == nullptr || bitmap->height >= kLargeFrom) {
             continue;
         }
-        ImageSample(root, row.name, bitmap, kLeft + column * kWide, y);
-        highest = std::max(highest, bitmap->height);
-        if (++column == kColumns) {
+        // A strip of images is wider than a column.
+        const int32_t needed = (bitmap->width + kWide - 1) / kWide;
+        if (column + needed > kColumns) {
             column = 0;
-            y += 18 + highest + 14;
+            y += 18 + highest + 8;
             highest = 0;
         }
+        ImageSample(root, row.name, bitmap, kLeft + column * kWide, y);
+        highest = std::max(highest, bitmap->height);
+        column += needed;
     }
 }
 
@@ -187,7 +190,7 @@ void BuildStylesPage(GHOSTMANAGER_WINDOW* root) {
 // Named without their common ending. A frame whose upper side is higher than its thickness is of a window
 // with a title.
 void BuildFramesPage(GHOSTMANAGER_WINDOW* root) {
-    constexpr int32_t kColumns = 5;
+    constexpr int32_t kColumns = 6;
     constexpr int32_t kWide = (kRight - kLeft) / kColumns;
     constexpr int32_t kHigh = (kBottom - kTop) / 5;
     GalleryTitle(root, L"Window styles: _BACKGROUND");

@@ -36,6 +36,11 @@ bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& 
     }
     std::vector<uint8_t> bytes;
     bool known = false;
+    if (IsBareCopierHeader(image.system, image.bytes)) {
+        bar.Complain(path.string() + ": " + image.stem +
+                     ": is only a copier's header, without an image");
+        return false;
+    }
     if (!ConvertImage(image.system, image.stem, image.bytes, database->second, bytes, known)) {
         bar.Complain(path.string() + ": " + image.stem + ": cannot be converted by itself");
         return false;

@@ -95,6 +95,10 @@ uint64_t InputPadsActing() {
     return tInputState->pads.load(std::memory_order_relaxed);
 }
 
+uint64_t InputPadsDown() {
+    return gDown;
+}
+
 uint64_t InputPadsTaken() {
     return gTaken;
 }

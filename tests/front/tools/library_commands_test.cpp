@@ -72,6 +72,15 @@ TEST(Extract, DumpComesBackPlainOrAsACopierStoredIt) {
     EXPECT_THAT(again.output, HasSubstr("a.game: unknown game, already there"));
 }
 
+TEST(Convert, CopierHeaderWithoutAnImageIsNamed) {
+    const TemporaryFolder home;
+    const PROGRAM_RESULT result =
+        Ombrelune({"convert", home.Write("a.smd", Bytes(512, 0)).string()}, home);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr("a.smd: a: is only a copier's header"));
+    EXPECT_FALSE(fs::exists(home.Path() / "a.game"));
+}
+
 TEST(Extract, ReplacesNoFileAndWritesNoneTwice) {
     const TemporaryFolder home;
     const Bytes image(1000, 5);

@@ -30,6 +30,7 @@ void RoomGames::StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& 
     set.state = SetState::kStarting;
     set.serial = 0;
     set.title = opened->title;
+    set.system = opened->game.Header().system;
     set.guns.SetGame(*opened);
     worker.Order({set.order, key, opened});
 }
@@ -103,6 +104,11 @@ uint32_t RoomGames::SerialOn(uint32_t key) const {
 std::string RoomGames::TitleOn(uint32_t key) const {
     const SET* const set = Find(key);
     return set != nullptr ? set->title : std::string();
+}
+
+uint16_t RoomGames::SystemOn(uint32_t key) const {
+    const SET* const set = Find(key);
+    return set != nullptr ? set->system : uint16_t{0};
 }
 
 std::string RoomGames::NextTitle() const {

@@ -187,16 +187,25 @@ void AddWindow::Update() {
     }
 }
 
+// What the worker has said is taken first, as the toolkit has locks of its own.
 void AddWindow::ShowProgress() {
-    const std::scoped_lock hold(lock);
-    bar->SetPos(0, 0, static_cast<int32_t>(done * kBarWidth), kBarHeight);
-    if (!stop && !fileInHand.empty()) {
-        text->SetText(L"Adding " + fileInHand);
+    std::vector<std::wstring> said;
+    std::wstring file;
+    double part = 0.0;
+    {
+        const std::scoped_lock hold(lock);
+        said = std::exchange(lines, {});
+        file = fileInHand;
+        part = done;
+        told = told || faults;
     }
-    for (const std::wstring& line : std::exchange(lines, {})) {
+    bar->SetPos(0, 0, static_cast<int32_t>(part * kBarWidth), kBarHeight);
+    if (!stop && !file.empty()) {
+        text->SetText(L"Adding " + file);
+    }
+    for (const std::wstring& line : said) {
         log->AddItem(line);
     }
-    told = told || faults;
 }
 
 void AddWindow::End() {

@@ -33,6 +33,7 @@ void RoomGames::StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& 
     set.identity = {};
     static_cast<void>(
         IdentifyGame(opened->game, static_cast<uint32_t>(opened->game.selectedName), set.identity));
+    set.system = opened->game.Header().system;
     set.guns.SetGame(*opened);
     worker.Order({set.order, key, opened});
 }
@@ -116,6 +117,11 @@ std::vector<PLAYED_GAME> RoomGames::Playing() const {
 std::string RoomGames::TitleOn(uint32_t key) const {
     const SET* const set = Find(key);
     return set != nullptr ? set->title : std::string();
+}
+
+uint16_t RoomGames::SystemOn(uint32_t key) const {
+    const SET* const set = Find(key);
+    return set != nullptr ? set->system : uint16_t{0};
 }
 
 std::string RoomGames::NextTitle() const {

@@ -59,6 +59,8 @@ public:
     [[nodiscard]] std::vector<PLAYED_GAME> Playing() const;
     // The title of the game that starts or plays on the set; else empty.
     [[nodiscard]] std::string TitleOn(uint32_t key) const;
+    // Its machine's number; 0 if there is none.
+    [[nodiscard]] uint16_t SystemOn(uint32_t key) const;
     // The game that StartNext starts; empty without games.
     [[nodiscard]] std::string NextTitle() const;
     // The guns of the game that starts or plays on the set; else null.
@@ -72,6 +74,7 @@ private:
         uint32_t serial = 0;
         std::string title;
         GAME_IDENTITY identity;
+        uint16_t system = 0;
         LightGun guns;
     };
     void StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& opened);

@@ -21,6 +21,7 @@
 #include "web/service_texts.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -72,6 +73,14 @@ bool SidesOfPicture(std::span<const uint8_t> file, PICTURE_SIZE& size) {
     const ROOM_IMAGE image = DecodeRoomImage(file);
     size = {image.width, image.height};
     return image.width != 0;
+}
+
+int32_t SelectorOf(uint16_t system) {
+    const auto& machines = MachineFacts();
+    const auto found =
+        std::find_if(machines.begin(), machines.end(),
+                     [&](const MACHINE_FACTS& machine) { return machine.system == system; });
+    return found != machines.end() ? static_cast<int32_t>(found - machines.begin()) : 0;
 }
 
 std::wstring PlayTypeText(uint8_t types) {
@@ -251,6 +260,19 @@ void CGUIRomBrowser::SelectSystem(int direction, int32_t index) {
     }
 }
 
+void CGUIRomBrowser::LibraryChanged(const std::vector<uint16_t>& systems) {
+    if (systems.empty()) {
+        return;
+    }
+    const bool shown =
+        std::find(systems.begin(), systems.end(), catalogue.System()) != systems.end();
+    readAnew = shown ? catalogue.Selector() : SelectorOf(systems.front());
+}
+
+void CGUIRomBrowser::ShowFirst(uint16_t system) {
+    Settings().SetInt(kSystemSetting, SelectorOf(system));
+}
+
 void CGUIRomBrowser::MakePanel(uint16_t system) {
     options = MakeGameOptions(system, optionsWindow->window);
     if (options != nullptr) {
@@ -286,6 +308,9 @@ void CGUIRomBrowser::Update() {
     if (applyFilters && !catalogue.ScanRuns()) {
         applyFilters = false;
         FillList();
+    }
+    if (readAnew >= 0 && active && catalogue.State() == kScanIdle) {
+        SelectSystem(0, std::exchange(readAnew, -1));
     }
 }
 

@@ -43,6 +43,12 @@ public:
     // nothing while a scan runs.
     void SelectSystem(int direction, int32_t index);
 
+    // These machines have new games. The list is read anew when it is shown, for the system that it shows if that is
+    // one of them, or else for the first of them.
+    void LibraryChanged(const std::vector<uint16_t>& systems);
+    // The system that the next browser shows first.
+    static void ShowFirst(uint16_t system);
+
     void Layout(int32_t width, int32_t height) override;
     void Update() override;
     void TakeFocus() override;
@@ -105,6 +111,7 @@ private:
     bool active = false;
     bool scanned = false;      // the first scan has begun
     bool applyFilters = false; // with the next Update
+    int32_t readAnew = -1;     // the index of the system to scan when it can be; -1: none
     const GameListRow* chosen = nullptr;
     std::wstring metaHead; // of the chosen game: what comes before and after the times played
     std::wstring metaTail;

@@ -59,19 +59,23 @@ public:
     uint64_t step = 0; // milliseconds between two looks at the clock
     // What the service answers to an address; one that is not here cannot be reached.
     std::map<std::wstring, std::string> answers;
-    DownloadQueue downloads{[this](const std::wstring& url, std::wstring& error,
-                                   const std::atomic<uint32_t>*, std::unique_ptr<uint8_t[]>& data,
-                                   uint32_t& size, const std::atomic<bool>&) {
-        const auto found = answers.find(url);
-        if (found == answers.end()) {
-            error = L"Invalid response code";
-            return false;
-        }
-        size = static_cast<uint32_t>(found->second.size());
-        data = std::make_unique<uint8_t[]>(size);
-        std::copy(found->second.begin(), found->second.end(), data.get());
-        return true;
-    }};
+    DownloadQueue::FetchFunction fetch; // in their place, if there is one
+    DownloadQueue downloads{
+        [this](const std::wstring& url, std::wstring& error, const std::atomic<uint32_t>* abort,
+               std::unique_ptr<uint8_t[]>& data, uint32_t& size, const std::atomic<bool>& quit) {
+            if (fetch) {
+                return fetch(url, error, abort, data, size, quit);
+            }
+            const auto found = answers.find(url);
+            if (found == answers.end()) {
+                error = L"Invalid response code";
+                return false;
+            }
+            size = static_cast<uint32_t>(found->second.size());
+            data = std::make_unique<uint8_t[]>(size);
+            std::copy(found->second.begin(), found->second.end(), data.get());
+            return true;
+        }};
 };
 
 class ScreensTest : public testing::Test {

@@ -221,6 +221,10 @@ void Application::RunCommand(ProgramCommand command) {
 }
 
 void Application::PlayDroppedFiles(const PUMP_EVENTS& events) {
+    if (!events.dropped.empty() && screen->TakeDroppedFiles(events.dropped)) {
+        SDL_RaiseWindow(SDL_GL_GetCurrentWindow());
+        return;
+    }
     for (const std::string& path : events.dropped) {
         PlayDroppedFile(path);
     }

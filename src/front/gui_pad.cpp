@@ -55,6 +55,7 @@ PAD_PRESSES GuiPad::Update(bool active, int64_t now) {
     }
     presses.back = (pressed & Bit(kPadEast)) != 0 && !manager.CancelFocus();
     presses.start = (pressed & Bit(kPadStart)) != 0;
+    presses.favourite = (pressed & Bit(kPadWest)) != 0;
     presses.guide = (pressed & Bit(kPadGuide)) != 0;
     presses.shoulder = ((pressed & Bit(kPadRightShoulder)) != 0 ? 1 : 0) -
                        ((pressed & Bit(kPadLeftShoulder)) != 0 ? 1 : 0);

@@ -3,7 +3,7 @@
 //   directional pad, left stick   move the focus, or a value within the control that has it; held, they repeat
 //   lower button                  presses the control that has the focus
 //   right button                  closes what is open in it, such as a list; otherwise it is for the screen
-//   shoulders, start, guide       are for the screen
+//   left button, shoulders, start, guide   are for the screen
 // All controllers that play act alike.
 //
 // Units: microseconds of the host's clock. Thread: main. Order: Update once a round, before the toolkit's tick.
@@ -18,7 +18,8 @@ struct PAD_PRESSES {
     bool back = false;
     bool start = false;
     bool guide = false;
-    int shoulder = 0; // -1 the left one, +1 the right one
+    bool favourite = false; // the left button
+    int shoulder = 0;       // -1 the left one, +1 the right one
 };
 
 class GuiPad {

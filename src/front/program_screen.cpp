@@ -1,17 +1,22 @@
 #include "front/program_screen.h"
 
+#include "base/files.h"
 #include "base/text.h"
 #include "front/event_pump.h"
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
+#include "front/processor_binder.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
 #include "host/host_data.h"
+#include "screens/member_panel.h"
 #include "screens/rom_browser.h"
+#include "settings/settings.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace {
@@ -27,6 +32,12 @@ bool ToolkitTakesEscape() {
     }
     const GHOSTMANAGER_WINDOW* const top = manager.ActiveTopWindow();
     return top != nullptr && top->owner != nullptr;
+}
+
+constexpr std::chrono::milliseconds kLongestGoodbye{500};
+
+SERVICE_ADDRESSES ServiceOfSettings() {
+    return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
 }
 
 bool UsesMouse(const GUI_INPUT& event) {
@@ -46,7 +57,27 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
             }},
            ProgramMode::kMenu)
     , menu(*this)
-    , overlay(*this) {}
+    , overlay(*this)
+    , adding({[this](const std::filesystem::path& file) { PlayFile(file); },
+              [this](const std::vector<uint16_t>& systems) {
+                  menu.LibraryChanged(systems);
+                  if (room.Modes().Covered()) {
+                      menu.TakeFocus();
+                  }
+              }}) {
+    player.Open(ResolvePath(kPlayerDatabaseFile), UseAllProcessors);
+}
+
+// The games that still run end with the room.
+ProgramScreen::~ProgramScreen() {
+    playTimes.Update({}, HostClock().nowMicroseconds());
+    MemberLogin& member = menu.Member().Member();
+    if (member.IsLoggedIn()) {
+        reports.StopAll(ServiceOfSettings(), member.Credentials());
+        member.Logout();
+        static_cast<void>(downloads.WaitUntilIdle(kLongestGoodbye));
+    }
+}
 
 bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     for (const ModeInput request : std::exchange(wanted, {})) {
@@ -55,26 +86,32 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     downloads.PumpRequests();
     ReadKeys(input);
     const bool roomNews = room.Update(input);
+    CountPlayed();
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
+    adding.Update();
+    ReportPlay();
     return roomNews;
 }
 
 void ProgramScreen::ReadKeys(const SCREEN_INPUT& input) {
     const bool covered = room.Modes().Covered();
     for (const GUI_INPUT& event :
-         covered || !room.WantsInput() ? input.events.gui : input.events.screen) {
+         covered || !WantsInput() ? input.events.gui : input.events.screen) {
         if (event.kind != GuiInputKind::kKeyDown || event.repeat) {
             continue;
         }
-        if (event.key == kF10) {
+        if (event.key == kEscape && adding.IsShown()) {
+            adding.GoBack();
+        } else if (event.key == kF10) {
             room.Take(ModeInput::kMainMenu);
         } else if (event.key == kEscape && covered && !ToolkitTakesEscape()) {
             GoBack();
         }
     }
-    const bool toolkitHasPad = covered || CGhostManager::Get().ModalWindow() != nullptr;
+    const bool toolkitHasPad =
+        covered || adding.IsShown() || CGhostManager::Get().ModalWindow() != nullptr;
     const PAD_PRESSES presses = pad.Update(toolkitHasPad, input.now);
     if (presses.back || presses.guide) {
         GoBack();
@@ -84,14 +121,26 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input) {
         if (presses.shoulder != 0) {
             browser->SelectSystem(presses.shoulder, -1);
         }
+        if (presses.favourite) {
+            browser->ToggleFavourite();
+        }
         if (presses.start) {
             browser->StartSelected();
         }
     }
 }
 
+void ProgramScreen::CountPlayed() {
+    playTimes.Update(room.Games().Playing(), HostClock().nowMicroseconds());
+    if (const std::string message = player.TakeMessage(); !message.empty()) {
+        PostReport(message);
+    }
+}
+
 void ProgramScreen::GoBack() {
-    if (!menu.TakeBack()) {
+    if (adding.IsShown()) {
+        adding.GoBack();
+    } else if (!menu.TakeBack()) {
         room.Take(ModeInput::kBack);
     }
 }
@@ -111,6 +160,9 @@ void ProgramScreen::FitScreens() {
         return;
     }
     shownMode = mode;
+    if (!room.Modes().Covered()) {
+        setForGame = 0; // what comes from the menu later is for any set
+    }
     if (mode == ProgramMode::kMenu) {
         menu.Back();
     } else if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
@@ -118,6 +170,18 @@ void ProgramScreen::FitScreens() {
         wanted.clear(); // the way has been gone
     }
     menu.SetVisible(room.Modes().Covered());
+}
+
+void ProgramScreen::ReportPlay() {
+    const MEMBER_CREDENTIALS& member = menu.Member().Member().Credentials();
+    const SERVICE_ADDRESSES service = ServiceOfSettings();
+    const RoomGames& games = room.Games();
+    for (const uint32_t key : room.Objects().Televisions()) {
+        if (key != 0) {
+            reports.Note(service, member, key, games.SerialOn(key), games.SystemOn(key),
+                         WideFromUtf8(games.TitleOn(key)));
+        }
+    }
 }
 
 void ProgramScreen::UpdateOverlay(const SCREEN_INPUT& input) {
@@ -136,38 +200,74 @@ void ProgramScreen::UpdateOverlay(const SCREEN_INPUT& input) {
     overlay.Update(state);
 }
 
-// On the set that the browser was opened for, or the one that the player stands before, or the first that is off.
-void ProgramScreen::StartGame(GAME_TO_START game) {
+// The set that the browser was opened for, or the one that the player stands before, or the first that is off; 0 with
+// a message if there is none.
+uint32_t ProgramScreen::SetForGame() const {
     const uint32_t key = setForGame != 0 ? setForGame : room.SetForGame();
     if (key == 0) {
         CGhostMessageBox::Show(
             L"Error loading game",
             L"All televisions are on. Turn one off, or look at the one to play on.");
+    }
+    return key;
+}
+
+void ProgramScreen::StartGame(GAME_TO_START game) {
+    const uint32_t key = SetForGame();
+    if (key == 0) {
         return;
     }
-    setForGame = 0;
     OPENED_GAME opened;
     opened.game = std::move(game.game);
     opened.bios = std::move(game.second);
     opened.hasBios = game.hasSecond;
     opened.title = std::move(game.title);
     opened.options = game.options;
-    room.Play(key, std::move(opened));
+    Play(key, std::move(opened));
     wanted.push_back(ModeInput::kGameStarted);
 }
 
-bool ProgramScreen::TakeDropped(OPENED_GAME& opened) {
-    const uint32_t key = room.SetForGame();
-    if (key == 0) {
-        PostReport("all televisions are on; turn one off, or look at the one to play on");
-        return true;
-    }
+void ProgramScreen::Play(uint32_t key, OPENED_GAME&& opened) {
+    setForGame = 0;
     room.Play(key, std::move(opened));
-    if (room.Modes().Mode() != ProgramMode::kBrowser) {
-        room.Take(ModeInput::kPlayGames); // the way to a started game leads through the browser
+}
+
+bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
+    adding.Add({files.begin(), files.end()});
+    return true;
+}
+
+void ProgramScreen::PlayFile(const std::filesystem::path& file) {
+    OPENED_GAME opened;
+    std::string error;
+    if (!OpenForPlaying(file.string(), nullptr, opened, error)) {
+        CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
+        return;
+    }
+    const uint32_t key = SetForGame();
+    if (key == 0) {
+        return;
+    }
+    PostNotice(opened.title + ": in your games");
+    PlayNow(key, std::move(opened));
+}
+
+// The way to a started game leads through the browser. Who stands before a set, or sees its picture alone, stays there.
+void ProgramScreen::PlayNow(uint32_t key, OPENED_GAME&& opened) {
+    const ProgramMode mode = room.Modes().Mode();
+    if (mode == ProgramMode::kPanel) {
+        room.Take(ModeInput::kBack);
+        menu.Back();
+    }
+    if (mode == ProgramMode::kPanel || mode == ProgramMode::kMenu) {
+        room.Take(ModeInput::kPlayGames); // before the set is faced, as it leads to the door
+    }
+    Play(key, std::move(opened));
+    if (mode == ProgramMode::kWalking) {
+        room.Take(ModeInput::kUse);
     }
     room.Take(ModeInput::kGameStarted);
-    return true;
+    setForGame = 0;
 }
 
 void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {

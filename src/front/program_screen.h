@@ -3,21 +3,28 @@
 //
 // It joins the room (room_screen.h), which owns the modes, with the toolkit's screens (src/screens), and does for
 // these what they ask of the program (ScreenHost).
+// What is dropped on the window joins the library; a game alone is then played, on the set that it would be chosen
+// for.
 // Keys of its own: F10 is the main menu; escape goes back in menu, panels and browser. A controller moves the focus
-// there; its shoulders step the browser's system, start starts the chosen game.
+// there; its shoulders step the browser's system, start starts the chosen game, the left button makes it a favourite.
 //
 // Thread: main, with the OpenGL context current. Order: made after the toolkit has its theme and its screen.
 #pragma once
 
 #include "front/gui_pad.h"
+#include "front/play_times.h"
 #include "front/room_screen.h"
 #include "front/screen.h"
+#include "library/player_database.h"
+#include "screens/add_window.h"
 #include "screens/battle_ground.h"
 #include "screens/game_overlay.h"
 #include "screens/screen_host.h"
 #include "web/download_queue.h"
+#include "web/play_reports.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -32,11 +39,16 @@ struct PROGRAM_CALLS {
 class ProgramScreen final : public Screen, private ScreenHost {
 public:
     ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALLS calls);
+    // Tells the service that the member leaves, which takes half a second at most.
+    ~ProgramScreen() override;
 
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override { room.Draw(target); }
-    [[nodiscard]] bool WantsInput() const override { return room.WantsInput(); }
-    [[nodiscard]] bool TakeDropped(OPENED_GAME& opened) override;
+    // While dropped games are added the walk stops, so that the mouse reaches the button that cancels.
+    [[nodiscard]] bool WantsInput() const override {
+        return room.WantsInput() && !adding.IsShown();
+    }
+    [[nodiscard]] bool TakeDroppedFiles(const std::vector<std::string>& files) override;
     void LoseGraphics() override { room.LoseGraphics(); }
     void RenewGraphics() override { room.RenewGraphics(); }
     void DrawInWindow(const WINDOW_PLACE& place, const DRAW_TARGET& target) override {
@@ -46,6 +58,7 @@ public:
     [[nodiscard]] RoomScreen& Room() { return room; }
     [[nodiscard]] CGUIBattleGround& Menu() { return menu; }
     [[nodiscard]] CGUIGameOverlay& Overlay() { return overlay; }
+    [[nodiscard]] AddWindow& Adding() { return adding; }
 
 private:
     // ScreenHost.
@@ -54,6 +67,7 @@ private:
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) override;
     void CoverClick(int button, int32_t x, int32_t y) override;
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
+    [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { calls.settingsChanged(); }
     void SaveSettings() override { calls.saveSettings(); }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override;
@@ -62,16 +76,26 @@ private:
 
     void ReadKeys(const SCREEN_INPUT& input);
     void GoBack();
+    void PlayFile(const std::filesystem::path& file);
+    void PlayNow(uint32_t key, OPENED_GAME&& opened);
+    void Play(uint32_t key, OPENED_GAME&& opened);
+    [[nodiscard]] uint32_t SetForGame() const;
     void Obey(ModeOrder order);
     void FitScreens();
+    void CountPlayed();
+    void ReportPlay();
     void UpdateOverlay(const SCREEN_INPUT& input);
 
     PROGRAM_CALLS calls;
     DownloadQueue downloads; // outlives the screens, which queue requests
+    PlayerDatabase player;   // outlives them too
     const class Joysticks& joysticks;
     RoomScreen room;
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;
+    PlayTimes playTimes{player};
+    AddWindow adding;
+    PlayReports reports{downloads};
     GuiPad pad;
     std::vector<ModeInput> wanted; // by the screens since the last round
     uint32_t setForGame = 0;       // the one that the browser was opened for; 0: any

@@ -30,6 +30,10 @@ void RoomGames::StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& 
     set.state = SetState::kStarting;
     set.serial = 0;
     set.title = opened->title;
+    set.identity = {};
+    static_cast<void>(
+        IdentifyGame(opened->game, static_cast<uint32_t>(opened->game.selectedName), set.identity));
+    set.system = opened->game.Header().system;
     set.guns.SetGame(*opened);
     worker.Order({set.order, key, opened});
 }
@@ -100,9 +104,24 @@ uint32_t RoomGames::SerialOn(uint32_t key) const {
     return set != nullptr ? set->serial : 0;
 }
 
+std::vector<PLAYED_GAME> RoomGames::Playing() const {
+    std::vector<PLAYED_GAME> playing;
+    for (const auto& [key, set] : sets) {
+        if (set.state == SetState::kPlaying) {
+            playing.push_back({set.serial, set.identity});
+        }
+    }
+    return playing;
+}
+
 std::string RoomGames::TitleOn(uint32_t key) const {
     const SET* const set = Find(key);
     return set != nullptr ? set->title : std::string();
+}
+
+uint16_t RoomGames::SystemOn(uint32_t key) const {
+    const SET* const set = Find(key);
+    return set != nullptr ? set->system : uint16_t{0};
 }
 
 std::string RoomGames::NextTitle() const {

@@ -9,6 +9,7 @@
 #include "front/light_gun.h"
 #include "front/opened_game.h"
 #include "front/session_worker.h"
+#include "library/game_identity.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -22,6 +23,12 @@ enum class SetState : uint8_t {
     kStarting, // what ran on it before may still be ending
     kPlaying,
     kStopping,
+};
+
+// A game whose machine runs.
+struct PLAYED_GAME {
+    uint32_t serial = 0; // of its session
+    GAME_IDENTITY identity;
 };
 
 class RoomGames {
@@ -48,8 +55,12 @@ public:
     [[nodiscard]] SetState StateOf(uint32_t key) const;
     // The serial of the session that plays on the set; 0 while none does.
     [[nodiscard]] uint32_t SerialOn(uint32_t key) const;
+    // On all sets.
+    [[nodiscard]] std::vector<PLAYED_GAME> Playing() const;
     // The title of the game that starts or plays on the set; else empty.
     [[nodiscard]] std::string TitleOn(uint32_t key) const;
+    // Its machine's number; 0 if there is none.
+    [[nodiscard]] uint16_t SystemOn(uint32_t key) const;
     // The game that StartNext starts; empty without games.
     [[nodiscard]] std::string NextTitle() const;
     // The guns of the game that starts or plays on the set; else null.
@@ -62,6 +73,8 @@ private:
         SetState state = SetState::kStarting;
         uint32_t serial = 0;
         std::string title;
+        GAME_IDENTITY identity;
+        uint16_t system = 0;
         LightGun guns;
     };
     void StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& opened);

@@ -12,6 +12,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 struct MOUSE_STATE;
 struct OPENED_GAME;
@@ -66,6 +68,12 @@ public:
 
     // Draws the scene that goes with a window of the toolkit (kWindowBackgroundPass), over that window.
     virtual void DrawInWindow(const WINDOW_PLACE& /*place*/, const DRAW_TARGET& /*target*/) {}
+
+    // Files and folders were dropped on the window, paths in UTF-8. True if the screen takes them all as they are;
+    // otherwise each is opened as a game.
+    [[nodiscard]] virtual bool TakeDroppedFiles(const std::vector<std::string>& /*files*/) {
+        return false;
+    }
 
     // A game was dropped on the window. True if the screen has played it, or said why not; otherwise it takes
     // the place of the game that fills the window.

@@ -11,7 +11,8 @@ namespace {
 constexpr int64_t kBlink = 530000;   // microseconds that the caret is seen or not
 constexpr int64_t kDragStep = 30000; // microseconds of a step while a drag scrolls
 constexpr int32_t kDragUnits = 8;    // of such a step
-constexpr size_t kAll = 100000;      // what a double click selects up to
+constexpr wchar_t kSecretDot = L'\x2022';
+constexpr size_t kAll = 100000; // what a double click selects up to
 constexpr uint32_t kCaretColour = 0xFF000000;
 
 std::wstring OneLine(std::wstring_view text) {
@@ -80,6 +81,10 @@ void CGhostEdit::ShowStyle(uint32_t index) {
 
 // ---- Places.
 
+std::wstring CGhostEdit::Shown() const {
+    return (flags & kSecret) != 0 ? std::wstring(text.size(), kSecretDot) : text;
+}
+
 GUI_RECT CGhostEdit::Inner() const {
     const GUI_EDGES& margin = Look().textRect;
     return {margin.left, margin.top, std::max(0, width - margin.left - margin.right),
@@ -87,12 +92,12 @@ GUI_RECT CGhostEdit::Inner() const {
 }
 
 int32_t CGhostEdit::CaretX(size_t at) const {
-    return MeasurePrefix(Look().font, text, at);
+    return MeasurePrefix(Look().font, Shown(), at);
 }
 
 size_t CGhostEdit::CharacterAt(int x) const {
     const int32_t inText = x - Inner().x + scroll;
-    return inText <= 0 ? 0 : FitText(Look().font, text, inText);
+    return inText <= 0 ? 0 : FitText(Look().font, Shown(), inText);
 }
 
 void CGhostEdit::ClampScroll() {
@@ -207,7 +212,7 @@ bool CGhostEdit::ControlKey(GHOSTGUIKey key) {
     case GHOSTGUIKey::kA: SetSelection(0, text.size()); return true;
     case GHOSTGUIKey::kC:
     case GHOSTGUIKey::kX:
-        if (anchor != caret) {
+        if (anchor != caret && (flags & kSecret) == 0) {
             manager.SetClipboard(SelectedText());
             if (key == GHOSTGUIKey::kX && !readOnly && RemoveSelection()) {
                 Changed();
@@ -392,13 +397,14 @@ void CGhostEdit::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/)
     const GUI_RECT inner = Inner();
     surface->PushOrigin(inner);
     // Only what is seen of a long text is drawn.
-    const size_t before = FitText(look.font, text, std::max(0, scroll));
+    const std::wstring shown = Shown();
+    const size_t before = FitText(look.font, shown, std::max(0, scroll));
     const size_t first = before - std::min<size_t>(before, 1);
     const int32_t firstX = CaretX(first) - scroll;
     const size_t count =
-        FitText(look.font, std::wstring_view(text).substr(first), inner.width - firstX) + 1;
+        FitText(look.font, std::wstring_view(shown).substr(first), inner.width - firstX) + 1;
     const uint32_t align = kAlignLeft | (look.align & (kAlignTop | kAlignBottom));
-    DrawText(*surface, look.font, std::wstring_view(text).substr(first, count), look.textColour,
+    DrawText(*surface, look.font, std::wstring_view(shown).substr(first, count), look.textColour,
              look.textOutlineColour, align, {firstX, 0, inner.width - firstX, inner.height},
              look.xOffset, look.yOffset);
     const int32_t start = CaretX(SelectionStart()) - scroll + look.xOffset;

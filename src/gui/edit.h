@@ -20,6 +20,7 @@ class CGhostKeyboard;
 class CGhostEdit : public CGhostGUIHandler, public CGhostGUICommonFunc {
 public:
     static constexpr uint32_t kSubmits = 2; // return and escape fire OnSubmit
+    static constexpr uint32_t kSecret = 4;  // a password: shown as dots, and never copied
 
     enum StyleIndex : uint32_t { kNormal = 0, kHot = 1, kReadOnly = 2 };
 
@@ -70,7 +71,8 @@ private:
     friend class CGhostKeyboard;
 
     [[nodiscard]] const GhostTextStyle& Look() const { return style.states[styleIndex]; }
-    [[nodiscard]] GUI_RECT Inner() const; // where the text is
+    [[nodiscard]] std::wstring Shown() const; // the text, or a dot for each character
+    [[nodiscard]] GUI_RECT Inner() const;     // where the text is
     [[nodiscard]] size_t CharacterAt(int x) const;
     [[nodiscard]] int32_t CaretX(size_t at) const; // from the text's start
     void ShowStyle(uint32_t index);

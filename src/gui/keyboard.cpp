@@ -317,7 +317,8 @@ void CGhostKeyboard::OnMouseUp(int x, int y, unsigned button) {
 
 // Of a text that is too long, the part up to the caret is what is being written.
 void CGhostKeyboard::PaintPreview(CGhostSurface& surface, const GUI_RECT& line) {
-    const std::wstring_view text = edit->Text();
+    const std::wstring written = edit->Shown();
+    const std::wstring_view text = written;
     const int32_t room = line.width - preview.textRect.left - preview.textRect.right;
     const std::wstring_view before = text.substr(0, edit->Caret());
     const std::wstring_view after = text.substr(before.size());

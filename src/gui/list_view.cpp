@@ -179,6 +179,7 @@ void CGhostListView::EndEdit(bool keep) {
 // ---- Input.
 
 void CGhostListView::OnFocus(bool gained, void* other) {
+    heldShortcut = 0;
     CGhostScrolledRows::OnFocus(gained, other);
     if (!gained) {
         AimAtHeading(-1);

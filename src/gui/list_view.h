@@ -66,6 +66,9 @@ public:
     void BeginEdit(int32_t row, int32_t column);
     [[nodiscard]] CGhostEdit* Editor() const { return editor; }
     void SetStyle(const std::wstring& name);
+    // The owner's commands by character, asked once a press and only where no row's name has been begun: true
+    // if it is one, which then begins none.
+    std::function<bool(wchar_t)> shortcut;
 
     // (button, row, column, cell)
     GuiSignal<void(CGhostListView*, unsigned, int, int, GHOSTLISTVIEW_ITEM*)> OnClick;
@@ -81,6 +84,7 @@ public:
     void OnMouseDoubleClick(int x, int y, unsigned button) override;
     void OnMouseDown(int x, int y, unsigned button) override;
     void OnKeyDown(GHOSTGUIKey key) override;
+    void OnKeyUp(GHOSTGUIKey key) override;
     void OnChar(unsigned character) override;
     void OnTick(unsigned microseconds) override;
     void OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) override;
@@ -136,10 +140,11 @@ private:
     int32_t sortColumn = -1;
     bool sortDescending = false;
     int32_t pressedHeading = -1;
-    int32_t dragColumn = -1; // whose width a drag changes
-    int32_t dragWidth = 0;   // at the drag's start
-    int32_t dragFrom = 0;    // of the cursor, on the screen
-    bool dragged = false;    // the press on the heading was a drag
+    int32_t dragColumn = -1;   // whose width a drag changes
+    int32_t dragWidth = 0;     // at the drag's start
+    int32_t dragFrom = 0;      // of the cursor, on the screen
+    bool dragged = false;      // the press on the heading was a drag
+    unsigned heldShortcut = 0; // its character, until a key is released; 0: none
     int32_t aimedHeading =
         -1; // the one that keys and a controller are at; -1: they are at the rows
     CGhostEdit* editor = nullptr;

@@ -217,7 +217,19 @@ void CGhostListView::OnKeyDown(GHOSTGUIKey key) {
     CGhostScrolledRows::OnKeyDown(key);
 }
 
+void CGhostListView::OnKeyUp(GHOSTGUIKey key) {
+    heldShortcut = 0;
+    CGhostScrolledRows::OnKeyUp(key);
+}
+
 void CGhostListView::OnChar(unsigned character) {
+    if (heldShortcut != 0 && character == heldShortcut) {
+        return; // the key repeats
+    }
+    if (shortcut && !Typing() && shortcut(static_cast<wchar_t>(character))) {
+        heldShortcut = character;
+        return;
+    }
     const int32_t before = selected;
     CGhostScrolledRows::OnChar(character);
     if (selected != before) {

@@ -54,6 +54,7 @@ protected:
     // A list that is open over others keeps the focus.
     bool GoBeyond(GUI_DIRECTION /*way*/) override { return (flags & kKeysAim) != 0; }
 
+    [[nodiscard]] bool Typing() const { return typeAhead.Active(); } // a row's name
     [[nodiscard]] bool Selects() const { return (flags & kNoSelection) == 0; }
     [[nodiscard]] bool Inside(int x, int y) const {
         return x >= 0 && x < width && y >= 0 && y < height;

@@ -197,6 +197,9 @@ bool GameAdder::Copy(SHELF& shelf, const fs::path& stem, const std::string& exte
     }
     // One that an interrupted run has left is converted now.
     ++(placed.alreadyThere ? result.alreadyThere : result.copied);
+    if (shelf.copies.empty()) {
+        result.systems.push_back(shelf.machine->system);
+    }
     shelf.copies.push_back(placed.path);
     return true;
 }
@@ -247,7 +250,7 @@ void GameAdder::TakeImage(const WALKED_FILE& file, const FOUND_IMAGE& image) {
         Place(*shelf, label, image, identity);
     } else if (IsNamed(file) || MayBeImage(image.bytes.size())) {
         ++result.untold;
-        sink.fault(label + ": nothing tells which machine it is for; add it with --machine");
+        sink.fault(label + ": nothing tells which machine it is for");
     } else {
         ++result.others;
     }

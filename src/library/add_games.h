@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <span>
@@ -22,6 +23,7 @@ struct ADDED_GAMES {
     size_t untold = 0;  // images of which nothing tells the machine
     size_t failed = 0;  // what could not be read, copied or converted
     size_t others = 0;  // files in folders and zips that are no images
+    std::vector<uint16_t> systems; // the machines of what was copied, each once
 };
 
 // Called by the thread that adds.

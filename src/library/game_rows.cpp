@@ -20,22 +20,11 @@ constexpr std::pair<wchar_t, int32_t> kFlags[] = {
     {L'K', 13},
 };
 
-// An arcade game has no single image; its records identify it.
-bool IsKnown(const CGameFile& game, uint32_t nameIndex, const CGameDatabase& database) {
-    Sha256Digest hash;
-    if (game.Header().system == kSystemArcade) {
-        std::copy(std::begin(game.Header().headerHash), std::end(game.Header().headerHash),
-                  hash.begin());
-        return database.FindKnownHeader(hash);
+bool IsKnown(const GAME_IDENTITY& identity, const CGameDatabase& database) {
+    if (identity.system == kSystemArcade) {
+        return database.FindKnownHeader(identity.hash);
     }
-    const int index = game.NameRomAt(nameIndex, 0);
-    std::string name;
-    ROM_RECORD rom{};
-    if (index < 0 || !game.GetRom(static_cast<uint32_t>(index), name, rom)) {
-        return false;
-    }
-    std::copy(std::begin(rom.sha256), std::end(rom.sha256), hash.begin());
-    return database.FindKnownRom(hash);
+    return identity.system != 0 && database.FindKnownRom(identity.hash);
 }
 
 } // namespace
@@ -76,7 +65,9 @@ bool MakeRow(const std::filesystem::path& path, const CGameFile& game, uint32_t 
     row.nameIndex = nameIndex;
     row.regions = WideFromUtf8(name.regions);
     row.flagImages = FlagImages(row.regions);
-    row.known = IsKnown(game, nameIndex, database);
+    row.identity = {};
+    static_cast<void>(IdentifyGame(game, nameIndex, row.identity));
+    row.known = IsKnown(row.identity, database);
     row.title = WideFromUtf8(name.title);
     row.path = path;
     row.contentKey = WideFromUtf8(name.contentKey);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "formats/game_file.h"
+#include "library/game_identity.h"
 
 #include <array>
 #include <cstdint>
@@ -29,6 +30,7 @@ struct GameListRow {
     uint32_t statusColour = 0; // class of the text's colour, 0 to 8
     uint32_t nameIndex = 0;    // of the NAME record in its file
     uint8_t playTypes = 0;     // NAME_RECORD::playTypes
+    GAME_IDENTITY identity;    // of system 0 if the variant has no image
 };
 
 // False, with the row unchanged, when `nameIndex` is past the last NAME record.

@@ -24,7 +24,6 @@ constexpr size_t kMostLightSets = 64; // kept compiled: an evening's comings and
 
 // The kind of a surface, in one number.
 enum SurfaceBits : uint32_t { kGlossy = 1, kTextured = 2, kTelevision = 4 };
-constexpr uint32_t kFullest = kGlossy | kTextured | kTelevision;
 
 // A number as GLSL reads it, exact. Nine digits tell all floats apart; the exponent makes it no integer.
 std::string Literal(float value) {
@@ -60,7 +59,7 @@ std::string FragmentText(const std::vector<LIGHT_SHAPE>& shapes, uint32_t kind) 
     const auto define = [kind](const char* name, uint32_t bit) {
         return std::string("#define ") + name + ((kind & bit) != 0 ? " 1\n" : " 0\n");
     };
-    std::string text = "#version 120\n";
+    std::string text = "#version 120\n#define GENERAL 0\n";
     text += define("GLOSSY", kGlossy);
     text += define("TEXTURED", kTextured);
     text += define("TELEVISION", kTelevision);
@@ -70,6 +69,27 @@ std::string FragmentText(const std::vector<LIGHT_SHAPE>& shapes, uint32_t kind) 
         text += CallText(shapes[i], i);
     }
     return text + kFragmentEnd;
+}
+
+std::string GeneralText() {
+    return std::string("#version 120\n#define GENERAL 1\n") + kFragmentMiddle + kGeneralCalls +
+           kFragmentEnd;
+}
+
+// A light as the general form reads it.
+std::array<std::array<float, 4>, 4> LightRows(const ROOM_LIGHT& light) {
+    const LIGHT_SHAPE& shape = light.shape;
+    const std::array<float, 4> aim{shape.direction.x, shape.direction.y, shape.direction.z,
+                                   shape.spotCosCutoff};
+    return {
+        {
+         {light.color[0], light.color[1], light.color[2], shape.bSpot ? 1.0f : 0.0f},
+         {shape.pos.x, shape.pos.y, shape.pos.z, shape.ambient},
+         shape.bSpot ? aim : light.specular,
+         {shape.constantAttenuation, shape.linearAttenuation, shape.quadraticAttenuation,
+             shape.spotBall},
+         }
+    };
 }
 
 // Some drivers return only a log, and in it the word.
@@ -98,14 +118,7 @@ bool LightProgram::Start(const GL_FUNCTIONS& functions, std::string& error) {
         error = "the graphics driver has no shaders; the room is drawn without lights";
         return false;
     }
-    // Both kinds of light on the fullest kind of surface: no other form has anything that this has not.
-    VARIANT fullest;
-    const std::vector<LIGHT_SHAPE> shapes{
-        {.bEnabled = true},
-        { .bEnabled = true,   .bSpot = true}
-    };
-    works = Compile(FragmentText(shapes, kFullest), fullest, error);
-    DeleteVariant(fullest);
+    works = CompileGeneral(error); // no other form has anything that this has not
     if (!works) {
         Release();
     }
@@ -117,6 +130,8 @@ void LightProgram::Release() {
         DropLightSet(set);
     }
     sets.clear();
+    DeleteVariant(general.variant);
+    general = {};
     setKnown = false;
     current = nullptr;
     works = false;
@@ -192,6 +207,26 @@ void LightProgram::FindPlaces(VARIANT& variant) const {
     }
 }
 
+bool LightProgram::CompileGeneral(std::string& error) {
+    general = {};
+    if (!Compile(GeneralText(), general.variant, error)) {
+        return false;
+    }
+    const GLuint program = general.variant.program;
+    general.countPlace = gl.getUniformLocation(program, "count");
+    general.glossyPlace = gl.getUniformLocation(program, "glossy");
+    for (size_t i = 0; i < kRows; ++i) {
+        const std::string name = "row[" + std::to_string(i) + "]";
+        general.rowPlaces[i] = gl.getUniformLocation(program, name.c_str());
+    }
+    return true;
+}
+
+void LightProgram::BeginScene() {
+    current = nullptr;
+    mayCompile = true;
+}
+
 void LightProgram::ClearLights() {
     for (ROOM_LIGHT& light : lights) {
         light.shape.bEnabled = false;
@@ -246,7 +281,8 @@ size_t LightProgram::LightCount() const {
     return static_cast<size_t>(dark - lights.begin());
 }
 
-// Brings the set of these lights to the front; the one that was not used for longest makes room for a new one.
+// Brings the set of these lights to the front; the one that was not used for longest makes room for a new one. The
+// scene in which a set turns on has enough to do, so it compiles nothing.
 void LightProgram::FindLightSet() {
     if (setKnown) {
         return;
@@ -267,24 +303,36 @@ void LightProgram::FindLightSet() {
         sets.pop_back();
     }
     sets.push_front({std::move(shapes), {}});
+    mayCompile = false;
 }
 
-// Start has compiled everything, so this should not fail; a form that does draws without the program.
+// The general form until there is one for the surface, and if that cannot be compiled.
 LightProgram::VARIANT* LightProgram::Find(const LIT_SURFACE& surface) {
     FindLightSet();
     LIGHT_SET& set = sets.front();
     uint32_t kind = surface.textured ? kTextured : 0U;
     kind |= surface.fTV != 0.0f ? kTelevision : 0U;
     kind |= surface.glossy && !set.shapes.empty() ? kGlossy : 0U;
-    const auto [found, isNew] = set.variants.try_emplace(kind);
-    std::string error;
-    if (isNew && !Compile(FragmentText(set.shapes, kind), found->second, error)) {
-        found->second = {};
+    auto found = set.variants.find(kind);
+    if (found == set.variants.end() && mayCompile) {
+        mayCompile = false;
+        current = nullptr; // Compile turns it off
+        found = set.variants.try_emplace(kind).first;
+        std::string error;
+        if (!Compile(FragmentText(set.shapes, kind), found->second, error)) {
+            found->second = {};
+        }
     }
-    if (isNew) {
-        current = nullptr; // Compile has turned it off
+    const bool ready = found != set.variants.end() && found->second.program != 0;
+    return ready ? &found->second : &general.variant;
+}
+
+void LightProgram::Write1(GLint place, float value, float& last, ROOM_COUNTERS& counters) const {
+    if (place >= 0 && value != last) {
+        gl.uniform1f(place, value);
+        last = value;
+        ++counters.uniformWrites;
     }
-    return &found->second;
 }
 
 void LightProgram::Write4(GLint place, const std::array<float, 4>& value,
@@ -305,6 +353,22 @@ void LightProgram::TurnOn(VARIANT* variant, ROOM_COUNTERS& counters) {
     }
 }
 
+void LightProgram::WriteGeneral(const LIT_SURFACE& surface, ROOM_COUNTERS& counters) {
+    Write1(general.glossyPlace, surface.glossy ? 1.0f : 0.0f, general.writtenGlossy, counters);
+    if (written) {
+        return;
+    }
+    const size_t count = LightCount();
+    Write1(general.countPlace, static_cast<float>(count), general.writtenCount, counters);
+    for (size_t i = 0; i < count; ++i) {
+        const auto rows = LightRows(lights[i]);
+        for (size_t k = 0; k < rows.size(); ++k) {
+            const size_t at = i * rows.size() + k;
+            Write4(general.rowPlaces[at], rows[k], general.writtenRows[at], counters);
+        }
+    }
+}
+
 // A uniform is 0 until it is written, and so is the record of what was written.
 void LightProgram::Use(const LIT_SURFACE& surface, ROOM_COUNTERS& counters) {
     if (!works) {
@@ -312,6 +376,9 @@ void LightProgram::Use(const LIT_SURFACE& surface, ROOM_COUNTERS& counters) {
     }
     VARIANT* const variant = Find(surface);
     TurnOn(variant, counters);
+    if (variant == &general.variant) {
+        WriteGeneral(surface, counters);
+    }
     if (!written) {
         written = true;
         Write4(variant->eyePlace, eye, variant->writtenEye, counters);
@@ -319,11 +386,7 @@ void LightProgram::Use(const LIT_SURFACE& surface, ROOM_COUNTERS& counters) {
             Write4(variant->colorPlaces[i], lights[i].color, variant->writtenColors[i], counters);
         }
     }
-    if (variant->tvPlace >= 0 && surface.fTV != variant->writtenTv) {
-        gl.uniform1f(variant->tvPlace, surface.fTV);
-        variant->writtenTv = surface.fTV;
-        ++counters.uniformWrites;
-    }
+    Write1(variant->tvPlace, surface.fTV, variant->writtenTv, counters);
 }
 
 void LightProgram::Off(ROOM_COUNTERS& counters) {

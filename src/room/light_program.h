@@ -4,14 +4,15 @@
 // everywhere; a television shines forward in a cone, to all sides close to its screen, and faintly
 // everywhere else. The picture on a television's glass shows by itself and takes little light.
 //
-// The text is compiled for the lights that shine and the kind of surface at hand, when first used: the
-// places of the lights are constants in it, and no pixel pays for a light that is off. So turning on a
-// television costs a short pause, the first time.
+// The text is compiled for the lights that shine and the kind of surface at hand: the places of the lights are
+// constants in it, and no pixel pays for a light that is off. Compiling takes a driver up to a few frames' time. So
+// lights that are new are drawn by a general form first, which has the lights and the surface in uniforms, and one
+// form is compiled in each scene after that.
 //
 // Units: lights in the room's axes and units. Colours 0 to 1; the result is written as it is, so the frame
 //   buffer must not convert to sRGB, which is OpenGL's default.
-// Order: Start; ClearLights and lights from index 0 on, once a frame; Use before each drawing, with the
-//   camera in the projection matrix and the furniture's place in the modelview matrix.
+// Order: Start; ClearLights and lights from index 0 on, once a frame; BeginScene; Use before each drawing, with
+//   the camera in the projection matrix and the furniture's place in the modelview matrix.
 // Thread: main, with the context current.
 #pragma once
 
@@ -84,12 +85,12 @@ public:
     // Only the lights before the first disabled one shine.
     [[nodiscard]] size_t LightCount() const;
 
+    // Others have drawn, so the program in use is no longer known.
+    void BeginScene();
     // Turns the program for this surface on and gives it the lights.
     void Use(const LIT_SURFACE& surface, ROOM_COUNTERS& counters);
     // Back to the fixed pipeline.
     void Off(ROOM_COUNTERS& counters);
-    // The program in use is no longer known, since others have drawn.
-    void ForgetState() { current = nullptr; }
 
 private:
     // One compiled form of the text, and what was last written to it.
@@ -102,6 +103,17 @@ private:
         std::array<float, 4> writtenEye{};
         std::array<std::array<float, 4>, kMostLights> writtenColors{};
     };
+    // The form for all lights and surfaces.
+    static constexpr size_t kRows = kMostLights * 4;
+    struct GENERAL {
+        VARIANT variant;
+        GLint countPlace = -1;
+        GLint glossyPlace = -1;
+        std::array<GLint, kRows> rowPlaces{};
+        float writtenCount = 0.0f;
+        float writtenGlossy = 0.0f;
+        std::array<std::array<float, 4>, kRows> writtenRows{};
+    };
     // The forms for some lights, by the kind of surface.
     struct LIGHT_SET {
         std::vector<LIGHT_SHAPE> shapes;
@@ -110,12 +122,15 @@ private:
 
     void FindLightSet();
     [[nodiscard]] VARIANT* Find(const LIT_SURFACE& surface);
+    [[nodiscard]] bool CompileGeneral(std::string& error);
     void TurnOn(VARIANT* variant, ROOM_COUNTERS& counters);
+    void WriteGeneral(const LIT_SURFACE& surface, ROOM_COUNTERS& counters);
     [[nodiscard]] bool Compile(const std::string& fragmentText, VARIANT& variant,
                                std::string& error) const;
     [[nodiscard]] GLuint CompileShader(GLenum kind, const std::string& text,
                                        std::string& error) const;
     void FindPlaces(VARIANT& variant) const;
+    void Write1(GLint place, float value, float& written, ROOM_COUNTERS& counters) const;
     void Write4(GLint place, const std::array<float, 4>& value, std::array<float, 4>& written,
                 ROOM_COUNTERS& counters) const;
     void DeleteVariant(const VARIANT& variant) const;
@@ -125,6 +140,8 @@ private:
     bool works = false;
     std::array<ROOM_LIGHT, kMostLights> lights{};
     std::array<float, 4> eye{};
+    GENERAL general;
+    bool mayCompile = false;    // a form, in this scene
     std::list<LIGHT_SET> sets;  // the one in use first
     bool setKnown = false;      // the first set is that of `lights`
     VARIANT* current = nullptr; // in use; null: the fixed pipeline, or not known

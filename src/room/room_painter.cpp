@@ -90,7 +90,7 @@ void RoomPainter::BeginScene(const MATRIX4& projection, const MATRIX4& view) {
     listed.clear();
     stateKnown = false;
     boundVertexBuffer = boundIndexBuffer = 0;
-    program.ForgetState();
+    program.BeginScene();
 
     camera = Multiply(projection, view);
     viewing = view;

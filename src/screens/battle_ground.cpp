@@ -9,6 +9,7 @@
 #include "gui/window_ex.h"
 #include "screens/benchmark.h"
 #include "screens/credits.h"
+#include "screens/member_panel.h"
 #include "screens/options.h"
 #include "screens/rom_browser.h"
 #include "screens/screen_host.h"
@@ -62,12 +63,14 @@ CGUIBattleGround::CGUIBattleGround(ScreenHost& program)
                                L"A display of at least 1280 by 720 is needed to show "
                                L"everything. You can go on, but some of it will be cut.");
     }
+    member->LoginAtStart();
 }
 
 CGUIBattleGround::~CGUIBattleGround() {
     *abandoned = 1;
     panel.reset();
     browser.reset();
+    member.reset();
     CGhostManager& manager = CGhostManager::Get();
     manager.DestroyWindow(version->window);
     manager.DestroyWindow(topArea->window);
@@ -123,6 +126,7 @@ void CGUIBattleGround::MakeWindows() {
     signals.Watch(back->OnClick,
                   [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kBack); });
     tagline = new CGhostTextBox(area, 0, L"SECTIONTEXT", L"", {});
+    member = std::make_unique<MemberPanel>(area, host);
     newsHeader = new CGhostTextBox(area, 0, L"LARGEHEADERTEXT", L"News", {});
     news = new CGhostMultiText(area, 0, L"WINDOWOVERLAY",
                                L"Connecting to server to collect news...", {});
@@ -135,6 +139,7 @@ void CGUIBattleGround::Update() {
     if (whole.width != screen.width || whole.height != screen.height) {
         PlaceBars();
     }
+    member->Update();
     if (panel != nullptr) {
         panel->Update();
     }
@@ -159,6 +164,7 @@ void CGUIBattleGround::Layout(int32_t width, int32_t height) {
         button->SetPos(x, 35, 140, kControlHeight);
         x += 160;
     }
+    member->Layout();
     newsHeader->SetPos(390, 70, width - 410, kControlHeight);
     news->SetPos(390, 95, width - 410, height - 115);
     if (panel != nullptr) {
@@ -189,11 +195,20 @@ void CGUIBattleGround::TakeFocus() {
     }
 }
 
+void CGUIBattleGround::LibraryChanged(const std::vector<uint16_t>& systems) {
+    if (browser != nullptr) {
+        browser->LibraryChanged(systems);
+    } else if (!systems.empty()) {
+        CGUIRomBrowser::ShowFirst(systems.front());
+    }
+}
+
 void CGUIBattleGround::ShowMenu(bool visible) {
     for (CGhostButton* const button : buttons) {
         Show(button->window, visible);
     }
     Show(tagline->window, visible);
+    member->SetVisible(visible);
     Show(newsHeader->window, visible);
     Show(news->window, visible);
     Show(back->window, !visible);

@@ -22,12 +22,14 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 class CGhostButton;
 class CGhostMultiText;
 class CGhostTextBox;
 class CGhostWindowEx;
 class CGUIRomBrowser;
+class MemberPanel;
 class ScreenHost;
 
 inline constexpr int32_t kNoPanel = -1;
@@ -52,6 +54,12 @@ public:
     // All of it, when the room or a game has the screen. What is shown again takes the focus.
     void SetVisible(bool visible);
 
+    // Puts the focus where the player most probably wants it.
+    void TakeFocus();
+
+    // These machines have new games: a browser that shows one of them, or else the first of them, is read anew.
+    void LibraryChanged(const std::vector<uint16_t>& systems);
+
     // As a click on the menu button of that number does.
     void OnMenu(int32_t id);
     // The panel ends and the menu is there again: what the program does after BACK. Nothing without a panel.
@@ -73,6 +81,7 @@ public:
     }
     [[nodiscard]] CGhostButton* BackButton() const { return back; }
     [[nodiscard]] const CGhostTextBox* Tagline() const { return tagline; }
+    [[nodiscard]] MemberPanel& Member() const { return *member; }
     [[nodiscard]] CGhostWindowEx* MainWindow() const { return battleMain; }
 
 private:
@@ -80,7 +89,6 @@ private:
     void AskForNews();
     void PlaceBars();
     void Layout(int32_t width, int32_t height);
-    void TakeFocus();
     void ShowMenu(bool visible);
     void ShowPanel(int32_t id, bool show);
     void ShowBrowser(bool show);
@@ -99,6 +107,7 @@ private:
     CGhostMultiText* news = nullptr;
     GUI_RECT mainWindow; // the client area of BATTLEMAIN, from (0, 0)
     GUI_RECT screen;     // that the bars were placed for
+    std::unique_ptr<MemberPanel> member;
     std::unique_ptr<CGUIPanel> panel;
     std::unique_ptr<CGUIRomBrowser> browser;
     int32_t current = kNoPanel;

@@ -16,7 +16,7 @@ namespace {
 constexpr int32_t kRow = 25;
 constexpr int32_t kListHeight = 240; // of an open list
 constexpr int32_t kMenuWidth = 580;  // with its frame
-constexpr int32_t kMenuHeight = 220;
+constexpr int32_t kMenuHeight = 255;
 
 struct PLAY_TYPE {
     const wchar_t* name;
@@ -57,7 +57,7 @@ BrowserFilters::BrowserFilters(GHOSTMANAGER_WINDOW* parent, std::function<void()
     , menu(new CGhostWindowEx(parent, 0, L"GAMELISTOPTIONS_MENUBG", L"",
                               CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {})) {
     name->SetToolTip(L"Shows the games whose title has this in it.");
-    menuButton->SetToolTip(L"Years, players, regions.");
+    menuButton->SetToolTip(L"Favourites, recently played, years, players, regions.");
     MakeMenu();
     menu->SetVisible(false);
     signals.Watch(name->OnChange, [this](CGhostEdit*, const std::wstring&) { Changed(); });
@@ -65,7 +65,7 @@ BrowserFilters::BrowserFilters(GHOSTMANAGER_WINDOW* parent, std::function<void()
         menu->SetVisible(!menu->IsVisible());
         menu->SetZOrder(-1);
         if (menu->IsVisible()) {
-            year->SetFocus();
+            show->SetFocus();
         }
     });
 }
@@ -84,6 +84,13 @@ void BrowserFilters::MakeMenu() {
     const auto list = [&] {
         return new CGhostDropList(within, 0, L"DROPLIST", L"", kListHeight, {});
     };
+    showLabel = Label(within, L"SHOW: ");
+    show = list();
+    for (const wchar_t* const choice : {L"All games", L"Favourites", L"Recently played"}) {
+        show->AddItem(choice);
+    }
+    show->SetToolTip(
+        L"All games, those with a star, or those that you have played, the last one first.");
     yearLabel = Label(within, L"YEAR: ");
     year = new CGhostEdit(within, 0, L"EDIT", L"", 0, {});
     year->SetToolTip(L"A year, such as 1989, or years from and to, such as 1987-1990.");
@@ -101,7 +108,7 @@ void BrowserFilters::MakeMenu() {
     regionMode = list();
     regionMode->AddItem(L"Released in");
     regionMode->AddItem(L"Only Released in");
-    for (CGhostDropList* const each : {playType, group, regionMode}) {
+    for (CGhostDropList* const each : {show, playType, group, regionMode}) {
         each->SetSelected(0, false);
         signals.Watch(each->OnSelect, [this](CGhostDropList*, int, GHOSTLIST_ITEM*) { Changed(); });
     }
@@ -122,17 +129,19 @@ void BrowserFilters::Layout(int32_t x, int32_t y, int32_t width) {
     count->SetPos(432, 0, inner - 432, kRow);
 
     menu->SetPos(x + 8, y + kHeight - 8, kMenuWidth, kMenuHeight);
-    yearLabel->SetPos(0, 10, 90, kRow);
-    year->SetPos(98, 10, 120, kRow);
-    groupLabel->SetPos(230, 10, 80, kRow);
-    group->SetPos(318, 10, 170, kRow);
-    playTypeLabel->SetPos(0, 45, 90, kRow);
-    playType->SetPos(98, 45, 220, kRow);
-    regionMode->SetPos(98, 80, 220, kRow);
+    showLabel->SetPos(0, 10, 90, kRow);
+    show->SetPos(98, 10, 220, kRow);
+    yearLabel->SetPos(0, 45, 90, kRow);
+    year->SetPos(98, 45, 120, kRow);
+    groupLabel->SetPos(230, 45, 80, kRow);
+    group->SetPos(318, 45, 170, kRow);
+    playTypeLabel->SetPos(0, 80, 90, kRow);
+    playType->SetPos(98, 80, 220, kRow);
+    regionMode->SetPos(98, 115, 220, kRow);
     for (size_t i = 0; i < kRegions; ++i) {
         const auto column = static_cast<int32_t>(i % 3);
         const auto row = static_cast<int32_t>(i / 3);
-        regions[i]->SetPos(98 + column * 130, 112 + row * 28, 120, kRow);
+        regions[i]->SetPos(98 + column * 130, 147 + row * 28, 120, kRow);
     }
 }
 
@@ -161,8 +170,13 @@ bool BrowserFilters::MenuFilters() const {
     ROW_CHOICES choices = Choices();
     choices.name.clear();
     const ROW_CHOICES none;
-    return choices.year != none.year || choices.playTypes != none.playTypes ||
-           choices.regions != none.regions || choices.regionMode != none.regionMode;
+    return Games() != ShownGames::kAll || choices.year != none.year ||
+           choices.playTypes != none.playTypes || choices.regions != none.regions ||
+           choices.regionMode != none.regionMode;
+}
+
+ShownGames BrowserFilters::Games() const {
+    return static_cast<ShownGames>(std::max(show->Selected(), 0));
 }
 
 ROW_CHOICES BrowserFilters::Choices() const {

@@ -18,6 +18,9 @@ class CGhostEdit;
 class CGhostTextBox;
 class CGhostWindowEx;
 
+// Which games are looked through at all.
+enum class ShownGames : uint8_t { kAll, kFavourites, kRecentlyPlayed };
+
 class BrowserFilters {
 public:
     // `changed`: the player has chosen something else.
@@ -32,6 +35,8 @@ public:
     void CloseMenu();
     void SetVisible(bool visible);
 
+    // The other filters choose among these.
+    [[nodiscard]] ShownGames Games() const;
     [[nodiscard]] ROW_CHOICES Choices() const;
     // Whether something else than the name hides games.
     [[nodiscard]] bool MenuFilters() const;
@@ -40,6 +45,7 @@ public:
     [[nodiscard]] CGhostEdit* Year() const { return year; }
     [[nodiscard]] CGhostButton* MenuButton() const { return menuButton; }
     [[nodiscard]] CGhostWindowEx* Menu() const { return menu; }
+    [[nodiscard]] CGhostDropList* Show() const { return show; }
     [[nodiscard]] CGhostDropList* PlayType() const { return playType; }
     [[nodiscard]] CGhostDropList* Group() const { return group; }
     [[nodiscard]] CGhostDropList* Mode() const { return regionMode; }
@@ -61,6 +67,8 @@ private:
     CGhostButton* menuButton;
     CGhostTextBox* count;
     CGhostWindowEx* menu;
+    CGhostTextBox* showLabel;
+    CGhostDropList* show;
     CGhostTextBox* yearLabel;
     CGhostEdit* year;
     CGhostTextBox* playTypeLabel;

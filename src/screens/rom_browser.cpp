@@ -13,6 +13,7 @@
 #include "library/game_source.h"
 #include "room/image_decoder.h"
 #include "screens/game_media.h"
+#include "screens/played_text.h"
 #include "screens/screen_host.h"
 #include "settings/settings.h"
 #include "web/download_queue.h"
@@ -20,6 +21,7 @@
 #include "web/service_texts.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -32,6 +34,8 @@ constexpr int32_t kOptionsHeight = 124;
 constexpr int32_t kStartHeight = 36;
 constexpr int32_t kFlagColumn = 34;
 constexpr int32_t kYearColumn = 56;
+constexpr int32_t kStarColumn = 34;
+constexpr int32_t kStarButton = 36;
 constexpr int32_t kScrollbar = 24;
 constexpr int32_t kListHeight = 240; // of an open drop list
 
@@ -39,11 +43,13 @@ constexpr const wchar_t* kSystemSetting = L"gamebrowser_cursystem";
 constexpr const wchar_t* kSavesSetting = L"emu_autosaves";
 
 // The columns of the list.
-enum Column : int32_t { kTitle, kFlag1, kFlag2, kFlag3, kYear, kPath, kKey, kColumns };
+enum Column : int32_t { kTitle, kFlag1, kFlag2, kFlag3, kYear, kPath, kKey, kStar, kColumns };
 
 // In the list's strip of images.
 constexpr int32_t kKnownMark = 1;
 constexpr int32_t kUnknownMark = 2;
+constexpr int32_t kStarMark = 4;
+constexpr int32_t kNoMark = -1;
 
 struct SAVES {
     const wchar_t* name;
@@ -67,6 +73,14 @@ bool SidesOfPicture(std::span<const uint8_t> file, PICTURE_SIZE& size) {
     const ROOM_IMAGE image = DecodeRoomImage(file);
     size = {image.width, image.height};
     return image.width != 0;
+}
+
+int32_t SelectorOf(uint16_t system) {
+    const auto& machines = MachineFacts();
+    const auto found =
+        std::find_if(machines.begin(), machines.end(),
+                     [&](const MACHINE_FACTS& machine) { return machine.system == system; });
+    return found != machines.end() ? static_cast<int32_t>(found - machines.begin()) : 0;
 }
 
 std::wstring PlayTypeText(uint8_t types) {
@@ -105,6 +119,7 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
               {[this] { FetchContent(); },
                [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
     , start(Own(new CGhostButton(parentWindow, 0, L"PLAYOFFLINE", L"START GAME", 0, {})))
+    , star(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"\x2606", 0, {})))
     , gameRoom(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"GAME ROOM", 0, {})))
     , mainMenu(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"MAIN MENU", 0, {})))
     , savesLabel(Own(new CGhostTextBox(parentWindow, 0, L"TEXT_RIGHT", L"SAVES: ", {})))
@@ -117,6 +132,8 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     , catalogue(Hooks(), Settings().GetInt(kSystemSetting)) {
     MakeList();
     start->SetToolTip(L"Start the game");
+    star->SetToolTip(
+        L"Makes the game a favourite, or no longer (F, or a controller's left button)");
     gameRoom->SetToolTip(L"Walk in the room");
     saves->SetToolTip(
         L"Whether a game goes on where you left it, and is kept when you turn it off.");
@@ -125,6 +142,7 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     }
     signals.Watch(saves->OnSelect, [this](CGhostDropList*, int, GHOSTLIST_ITEM*) { StoreSaves(); });
     signals.Watch(start->OnClick, [this](CGhostButton*, int, int, unsigned) { StartSelected(); });
+    signals.Watch(star->OnClick, [this](CGhostButton*, int, int, unsigned) { ToggleFavourite(); });
     signals.Watch(gameRoom->OnClick,
                   [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kGameRoom); });
     signals.Watch(mainMenu->OnClick,
@@ -133,6 +151,20 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
                   [this](CGhostListView*, int row, GHOSTLISTVIEW_ITEM*) { Choose(RowOf(row)); });
     signals.Watch(list->OnChoose,
                   [this](CGhostListView*, int, GHOSTLISTVIEW_ITEM*) { StartSelected(); });
+    signals.Watch(list->OnClick, [this](CGhostListView*, unsigned button, int row, int column,
+                                        GHOSTLISTVIEW_ITEM*) {
+        if (button == 1 && column == kStar && row >= 0) {
+            ToggleFavourite(); // the click has chosen the row
+        }
+    });
+    // A capital letter begins a title as ever.
+    list->shortcut = [this](wchar_t character) {
+        if (character != L'f') {
+            return false;
+        }
+        ToggleFavourite();
+        return true;
+    };
     SetActive(false);
 }
 
@@ -174,8 +206,12 @@ void CGUIRomBrowser::MakeList() {
     list->AddColumn(L"Year", kYearColumn, kAlignRight);
     list->AddColumn(L"", 0);
     list->AddColumn(L"", 0);
+    list->AddColumn(L"\x2605", kStarColumn);
     list->SetSortable(kTitle);
     list->SetSortable(kYear);
+    list->SetSortable(kStar, [](const GHOSTLISTVIEW_ITEM& a, const GHOSTLISTVIEW_ITEM& b) {
+        return a.image > b.image; // favourites first
+    });
 }
 
 void CGUIRomBrowser::SetActive(bool wanted) {
@@ -185,7 +221,7 @@ void CGUIRomBrowser::SetActive(bool wanted) {
     filters.SetVisible(active);
     content.SetVisible(active);
     for (CGhostGUICommonFunc* const control : std::initializer_list<CGhostGUICommonFunc*>{
-             list, optionsWindow, start, gameRoom, mainMenu, savesLabel, saves}) {
+             list, optionsWindow, start, star, gameRoom, mainMenu, savesLabel, saves}) {
         control->SetVisible(active);
     }
     empty->SetVisible(active && list->RowCount() == 0);
@@ -200,7 +236,11 @@ void CGUIRomBrowser::SetActive(bool wanted) {
     if (!scanned) {
         scanned = true;
         SelectSystem(0, -1);
+        return;
     }
+    // A game may have been played meanwhile.
+    ShowPlayed();
+    applyFilters |= filters.Games() != ShownGames::kAll;
 }
 
 void CGUIRomBrowser::StoreSaves() {
@@ -218,6 +258,19 @@ void CGUIRomBrowser::SelectSystem(int direction, int32_t index) {
     if (catalogue.SwitchSystem(index, direction)) {
         switcher.Show(static_cast<size_t>(catalogue.Selector()));
     }
+}
+
+void CGUIRomBrowser::LibraryChanged(const std::vector<uint16_t>& systems) {
+    if (systems.empty()) {
+        return;
+    }
+    const bool shown =
+        std::find(systems.begin(), systems.end(), catalogue.System()) != systems.end();
+    readAnew = shown ? catalogue.Selector() : SelectorOf(systems.front());
+}
+
+void CGUIRomBrowser::ShowFirst(uint16_t system) {
+    Settings().SetInt(kSystemSetting, SelectorOf(system));
 }
 
 void CGUIRomBrowser::MakePanel(uint16_t system) {
@@ -239,6 +292,7 @@ void CGUIRomBrowser::ClearPanes() {
     content.OfferContent(false);
     host.ShowCovers({}, 0, false);
     start->SetEnabled(false);
+    star->SetEnabled(false);
 }
 
 void CGUIRomBrowser::Update() {
@@ -255,12 +309,43 @@ void CGUIRomBrowser::Update() {
         applyFilters = false;
         FillList();
     }
+    if (readAnew >= 0 && active && catalogue.State() == kScanIdle) {
+        SelectSystem(0, std::exchange(readAnew, -1));
+    }
+}
+
+PLAYER_RECORD CGUIRomBrowser::PlayedOf(const GameListRow& row) const {
+    return host.Player().Find(row.identity);
+}
+
+// Those that the filters let through; of the recently played ones the last one first.
+std::vector<ROW_LINE> CGUIRomBrowser::ChooseLines() {
+    std::vector<ROW_LINE> lines = catalogue.ApplyFilters(filters.Choices());
+    const ShownGames games = filters.Games();
+    if (games == ShownGames::kFavourites) {
+        std::erase_if(lines,
+                      [this](const ROW_LINE& line) { return !PlayedOf(*line.row).favourite; });
+    } else if (games == ShownGames::kRecentlyPlayed) {
+        std::vector<std::pair<int64_t, ROW_LINE>> played;
+        for (const ROW_LINE& line : lines) {
+            if (const int64_t last = PlayedOf(*line.row).lastPlayed; last != 0) {
+                played.emplace_back(last, line);
+            }
+        }
+        std::ranges::stable_sort(played, std::ranges::greater(),
+                                 &decltype(played)::value_type::first);
+        lines.clear();
+        for (const auto& [last, line] : played) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
 }
 
 // The game that was chosen stays chosen if it is still shown.
 void CGUIRomBrowser::FillList() {
     const GameListRow* const before = chosen;
-    const std::vector<ROW_LINE> lines = catalogue.ApplyFilters(filters.Choices());
+    const std::vector<ROW_LINE> lines = ChooseLines();
     list->Clear();
     list->Reserve(static_cast<int32_t>(lines.size()));
     int32_t selected = lines.empty() ? -1 : 0;
@@ -277,6 +362,7 @@ void CGUIRomBrowser::FillList() {
         list->SetCell(row, kPath, WideFromUtf8(line.path->string()));
         list->Cell(row, kPath)->value = line.nameIndex;
         list->SetCell(row, kKey, std::wstring(line.contentKey));
+        list->SetCell(row, kStar, L"", PlayedOf(*line.row).favourite ? kStarMark : kNoMark);
         if (line.row == before) {
             selected = row;
         }
@@ -302,6 +388,9 @@ const GameListRow* CGUIRomBrowser::RowOf(int32_t listRow) const {
 void CGUIRomBrowser::Choose(const GameListRow* row) {
     chosen = row;
     start->SetEnabled(row != nullptr);
+    ShowStars();
+    metaHead.clear();
+    metaTail.clear();
     if (row == nullptr) {
         content.SetShots({});
         host.ShowCovers({}, 0, false);
@@ -314,7 +403,8 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
         if (options != nullptr) {
             options->ConfigureForGame(game, row->nameIndex);
         }
-        ShowMeta(*row, game);
+        ReadMeta(*row, game);
+        ShowPlayed();
     } else {
         content.SetText(ContentTab::kMetaInfo, WideFromUtf8(error));
     }
@@ -399,23 +489,51 @@ void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uin
                            L"The pictures could not be fetched: " + WideFromUtf8(reason));
 }
 
-void CGUIRomBrowser::ShowMeta(const GameListRow& row, const CGameFile& game) {
-    std::wstring text = row.title + L"\n\n";
+void CGUIRomBrowser::ReadMeta(const GameListRow& row, const CGameFile& game) {
+    std::wstring& text = metaHead;
+    text = row.title + L"\n\n";
     text += L"Year: " + (row.year == 1900 ? std::wstring(L"unknown") : std::to_wstring(row.year)) +
             L"\n";
     text += L"Regions: " + (row.regions.empty() ? std::wstring(L"unknown") : row.regions) + L"\n";
     text += L"Players: " + PlayTypeText(row.playTypes) + L"\n";
     text += std::wstring(L"In the database: ") + (row.known ? L"yes" : L"no") + L"\n\n";
-    text += L"File: " + WideFromUtf8(row.path.filename().string()) + L"\n";
+    metaTail = L"\nFile: " + WideFromUtf8(row.path.filename().string()) + L"\n";
     for (uint32_t i = 0; i < game.RomCount(); ++i) {
         std::string name;
         ROM_RECORD rom{};
         if (game.GetRom(i, name, rom)) {
-            text += L"Image: " + WideFromUtf8(name) + L", " + std::to_wstring(rom.size) +
-                    L" bytes\n" + WideFromUtf8(HexText(rom.sha256)) + L"\n";
+            metaTail += L"Image: " + WideFromUtf8(name) + L", " + std::to_wstring(rom.size) +
+                        L" bytes\n" + WideFromUtf8(HexText(rom.sha256)) + L"\n";
         }
     }
-    content.SetText(ContentTab::kMetaInfo, text);
+}
+
+void CGUIRomBrowser::ShowPlayed() {
+    if (chosen != nullptr && !metaHead.empty()) {
+        content.SetText(ContentTab::kMetaInfo, metaHead + PlayedText(PlayedOf(*chosen)) + metaTail);
+    }
+}
+
+// All variants of one image have the star.
+void CGUIRomBrowser::ShowStars() {
+    const bool favourite = chosen != nullptr && PlayedOf(*chosen).favourite;
+    star->SetEnabled(chosen != nullptr && chosen->identity.system != 0);
+    star->SetCaption(favourite ? L"\x2605" : L"\x2606");
+    for (int32_t row = 0; row < list->RowCount(); ++row) {
+        const GameListRow* const game = RowOf(row);
+        if (game != nullptr && chosen != nullptr && game->identity == chosen->identity) {
+            list->Cell(row, kStar)->image = favourite ? kStarMark : kNoMark;
+        }
+    }
+    list->Refresh();
+}
+
+// The game stays in the list of favourites until that is chosen again, so that a slip can be put right.
+void CGUIRomBrowser::ToggleFavourite() {
+    if (chosen != nullptr) {
+        host.Player().SetFavourite(chosen->identity, !PlayedOf(*chosen).favourite);
+        ShowStars();
+    }
 }
 
 void CGUIRomBrowser::StartSelected() {
@@ -457,7 +575,9 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
     const int32_t listTop = 136 + BrowserFilters::kHeight + 4;
     const int32_t optionsTop = height - kMargin - kOptionsHeight;
     list->SetPos(kMargin, listTop, leftWidth, optionsTop - kGap - listTop);
-    list->SetColumnWidth(kTitle, leftWidth - 3 * kFlagColumn - kYearColumn - kScrollbar);
+    list->SetColumnWidth(kTitle,
+                         leftWidth - 3 * kFlagColumn - kYearColumn - kStarColumn - kScrollbar);
+    list->SetColumnWidth(kStar, kStarColumn);
     empty->SetPos(kMargin + 20, listTop + 60, leftWidth - 40, kButton);
     optionsWindow->SetPos(kMargin, optionsTop, leftWidth, kOptionsHeight);
     if (options != nullptr) {
@@ -466,8 +586,9 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
     const int32_t startTop = height - kMargin - kStartHeight;
     content.Layout(rightX, kMargin, kRightWidth, startTop - kGap - kMargin);
     start->SetPos(rightX, startTop, 190, kStartHeight);
-    savesLabel->SetPos(rightX + 200, startTop + 5, 80, kButton);
-    saves->SetPos(rightX + 288, startTop + 5, kRightWidth - 288, kButton);
+    star->SetPos(rightX + 202, startTop + 5, kStarButton, kButton);
+    savesLabel->SetPos(rightX + 240, startTop + 5, 66, kButton);
+    saves->SetPos(rightX + 310, startTop + 5, kRightWidth - 310, kButton);
 }
 
 void CGUIRomBrowser::TakeFocus() {

@@ -8,6 +8,7 @@
 
 #include "library/catalogue.h"
 #include "library/library_index.h"
+#include "library/player_database.h"
 #include "screens/browser_filters.h"
 #include "screens/content_area.h"
 #include "screens/game_options.h"
@@ -42,6 +43,12 @@ public:
     // nothing while a scan runs.
     void SelectSystem(int direction, int32_t index);
 
+    // These machines have new games. The list is read anew when it is shown, for the system that it shows if that is
+    // one of them, or else for the first of them.
+    void LibraryChanged(const std::vector<uint16_t>& systems);
+    // The system that the next browser shows first.
+    static void ShowFirst(uint16_t system);
+
     void Layout(int32_t width, int32_t height) override;
     void Update() override;
     void TakeFocus() override;
@@ -49,6 +56,8 @@ public:
 
     // As the button START GAME.
     void StartSelected();
+    // Puts a star on the chosen game, or takes it off.
+    void ToggleFavourite();
 
     [[nodiscard]] Catalogue& Library() { return catalogue; }
     [[nodiscard]] CGhostListView* List() const { return list; }
@@ -58,6 +67,7 @@ public:
     [[nodiscard]] ScanWindow& Scan() { return scan; }
     [[nodiscard]] CGameOptions* Options() const { return options.get(); }
     [[nodiscard]] CGhostButton* StartButton() const { return start; }
+    [[nodiscard]] CGhostButton* StarButton() const { return star; }
     [[nodiscard]] CGhostButton* RoomButton() const { return gameRoom; }
     [[nodiscard]] CGhostButton* MenuButton() const { return mainMenu; }
     [[nodiscard]] CGhostDropList* Saves() const { return saves; }
@@ -70,7 +80,11 @@ private:
     void FillList();
     void ShowRow(int32_t row);
     void Choose(const GameListRow* row);
-    void ShowMeta(const GameListRow& row, const CGameFile& game);
+    void ReadMeta(const GameListRow& row, const CGameFile& game);
+    void ShowPlayed();
+    void ShowStars();
+    [[nodiscard]] std::vector<ROW_LINE> ChooseLines();
+    [[nodiscard]] PLAYER_RECORD PlayedOf(const GameListRow& row) const;
     void ShowMedia(const GameListRow& row);
     void ShowTexts(const GAME_INFORMATION& information);
     void AskAboutGame(const GameListRow& row);
@@ -87,6 +101,7 @@ private:
     CGhostWindowEx* optionsWindow;
     ContentArea content;
     CGhostButton* start;
+    CGhostButton* star;
     CGhostButton* gameRoom;
     CGhostButton* mainMenu;
     CGhostTextBox* savesLabel;
@@ -96,7 +111,10 @@ private:
     bool active = false;
     bool scanned = false;      // the first scan has begun
     bool applyFilters = false; // with the next Update
+    int32_t readAnew = -1;     // the index of the system to scan when it can be; -1: none
     const GameListRow* chosen = nullptr;
+    std::wstring metaHead; // of the chosen game: what comes before and after the times played
+    std::wstring metaTail;
     bool hasMedia = false;   // the chosen game has an archive of pictures
     bool localTexts = false; // and texts in it
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);

@@ -23,6 +23,7 @@ struct GAME_TO_START {
 };
 
 class DownloadQueue;
+class PlayerDatabase;
 // A joystick or game controller in use.
 struct SCREEN_JOYSTICK {
     uint32_t number; // from 0, as in the codes of its bindings
@@ -52,6 +53,9 @@ public:
 
     // Requests to the web service. Their callbacks run in the program's rounds.
     [[nodiscard]] virtual DownloadQueue& Downloads() = 0;
+
+    // Favourites, and what was played when.
+    [[nodiscard]] virtual PlayerDatabase& Player() = 0;
 
     // A settings screen has changed values: full screen, window size, vertical sync, filters, volume and boosts are
     // read again and take effect. Every move of a volume slider calls it, so it must leave alone what has not changed.

@@ -4,6 +4,8 @@
 #include "web/download_queue.h"
 
 #include <algorithm>
+#include <chrono>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -120,33 +122,49 @@ void MemberLogin::Ask(std::wstring_view query, std::string_view message,
 
 void MemberLogin::TakeChallenge(const std::wstring& body) {
     const std::string message = Utf8FromWide(GetTag(body, L"SCRAM", true));
-    SCRAM_CHALLENGE challenge;
     if (!ReadScramChallenge(message, nonce, challenge)) {
         Fail(message.starts_with("e=") ? VerdictText(message) : kLoginNoSense);
         return;
     }
-    if (!FindKeys(challenge)) {
+    // The kept keys are of one salt and one count of iterations; new ones need the password.
+    if (key && key->salt == challenge.salt && key->iterations == challenge.iterations) {
+        Prove();
+    } else if (password.empty()) {
         Fail(kPasswordNeeded);
+    } else {
+        MakeKeys();
+    }
+}
+
+// The keys of an attempt that was given up, if they are still being made, are waited for.
+void MemberLogin::MakeKeys() {
+    const auto secret = std::make_shared<std::string>(password); // shared, so that no copy is left
+    WipeSecret(password);
+    making = std::async(std::launch::async,
+                        [secret, salt = challenge.salt, iterations = challenge.iterations] {
+                            const SCRAM_KEYS keys = DeriveScramKeys(*secret, salt, iterations);
+                            WipeSecret(*secret);
+                            return keys;
+                        });
+    keysAwaited = true;
+}
+
+void MemberLogin::Update() {
+    if (!making.valid() || making.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
         return;
     }
+    const SCRAM_KEYS keys = making.get();
+    if (std::exchange(keysAwaited, false)) {
+        key = MEMBER_KEY{Utf8FromWide(service.service), memberName, challenge.salt,
+                         challenge.iterations, keys};
+        Prove();
+    }
+}
+
+void MemberLogin::Prove() {
     proof = MakeScramProof(firstMessage, challenge, key->keys);
     Ask(L"?m=7&c=", proof.message, &MemberLogin::TakeVerdict);
     Change(State::kProving);
-}
-
-// The kept keys are of one salt and one count of iterations; new ones need the password.
-bool MemberLogin::FindKeys(const SCRAM_CHALLENGE& challenge) {
-    if (key && key->salt == challenge.salt && key->iterations == challenge.iterations) {
-        return true;
-    }
-    if (password.empty()) {
-        return false;
-    }
-    key =
-        MEMBER_KEY{Utf8FromWide(service.service), memberName, challenge.salt, challenge.iterations,
-                   DeriveScramKeys(password, challenge.salt, challenge.iterations)};
-    WipeSecret(password);
-    return true;
 }
 
 void MemberLogin::TakeVerdict(const std::wstring& body) {
@@ -187,6 +205,7 @@ void MemberLogin::End() {
         abortWord.reset();
     }
     WipeSecret(password);
+    keysAwaited = false;
     key.reset();
     proof = {};
     credentials = {};

@@ -6,7 +6,8 @@
 // is shown to the member.
 // The password is wiped once the keys are made from it. The keys are kept in a file of their own if the
 // member wants that.
-// Thread: main; callbacks come from the queue's PumpRequests.
+// Thread: main; callbacks come from the queue's PumpRequests and from Update. The keys, which take many rounds of
+// hashing, are made by a thread of their own.
 #pragma once
 
 #include "web/download_list.h"
@@ -16,6 +17,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <future>
 #include <optional>
 #include <string>
 
@@ -48,6 +50,8 @@ public:
     // wrong is said by Error, perhaps at once.
     void Login(const SERVICE_ADDRESSES& addresses, const std::wstring& name, std::string password,
                bool keep);
+    // Once a round: goes on when the keys are made.
+    void Update();
     // The same with the kept keys. False if there are none for this service.
     [[nodiscard]] bool LoginWithKey(const SERVICE_ADDRESSES& addresses);
     // Tells the service, if a member is logged in, and forgets the token. The keys stay.
@@ -68,7 +72,8 @@ private:
              void (MemberLogin::*answer)(const std::wstring& body));
     void TakeChallenge(const std::wstring& body);
     void TakeVerdict(const std::wstring& body);
-    [[nodiscard]] bool FindKeys(const SCRAM_CHALLENGE& challenge);
+    void MakeKeys();
+    void Prove();
     void Fail(std::wstring_view why);
     void End(); // forgets everything of an attempt
     void Change(State next);
@@ -78,7 +83,10 @@ private:
     AbortWord abortWord;
     State state = State::kOut;
     SERVICE_ADDRESSES service;
-    std::string password; // until the challenge comes
+    std::string password;           // until the challenge comes
+    SCRAM_CHALLENGE challenge;      // the last one
+    std::future<SCRAM_KEYS> making; // valid while keys are made; its end waits for them
+    bool keysAwaited = false;       // by the attempt that is under way
     bool keepKey = false;
     std::optional<MEMBER_KEY> key; // kept, or just made
     std::string memberName;

@@ -107,11 +107,13 @@ TEST_F(GuiPadTest, WhatTheToolkitHasNoUseForIsTheScreens) {
     Hold(kPadEast, true);
     Hold(kPadStart, true);
     Hold(kPadGuide, true);
+    Hold(kPadWest, true);
     Hold(kPadLeftShoulder, true);
     const PAD_PRESSES presses = Round();
     EXPECT_TRUE(presses.back);
     EXPECT_TRUE(presses.start);
     EXPECT_TRUE(presses.guide);
+    EXPECT_TRUE(presses.favourite);
     EXPECT_EQ(presses.shoulder, -1);
     EXPECT_FALSE(Round().back) << "only the press counts";
 }

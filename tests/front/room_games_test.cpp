@@ -149,6 +149,22 @@ TEST_F(RoomGamesTest, TheNextGameGoesRound) {
     }
 }
 
+TEST_F(RoomGamesTest, SaysWhichGamesPlay) {
+    std::vector<OPENED_GAME> opened = Open({"demo:sms-luciole"});
+    const auto image = opened[0].game.AssembleSelectedImage();
+    ASSERT_TRUE(image.has_value());
+    const GAME_IDENTITY luciole{kSystemMasterSystem, Sha256(*image)};
+    RoomGames games(std::move(opened));
+    ASSERT_TRUE(games.StartNext(6));
+    EXPECT_TRUE(games.Playing().empty()) << "not before it plays";
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    ASSERT_EQ(games.Playing().size(), 1u);
+    EXPECT_EQ(games.Playing()[0].serial, games.SerialOn(6));
+    EXPECT_EQ(games.Playing()[0].identity, luciole);
+    games.Stop(6);
+    EXPECT_TRUE(games.Playing().empty());
+}
+
 TEST_F(RoomGamesTest, WithoutGamesNothingStarts) {
     RoomGames games({});
     EXPECT_FALSE(games.StartNext(6));

@@ -157,8 +157,9 @@ TEST(AddGames, AsksForTheMachineWhereNothingTellsItAndGoesOn) {
     from.Write("b.sms", Bytes(1024, 2));
     from.Write("readme.txt", std::string_view("hello"));
     const ADDED added = Add({from.Path()});
-    EXPECT_THAT(added.faults, ElementsAre(untold.string() + ": nothing tells which machine it is "
-                                                            "for; add it with --machine"));
+    EXPECT_THAT(added.faults,
+                ElementsAre(untold.string() + ": nothing tells which machine it is for"));
+    EXPECT_EQ(added.counts.systems, std::vector<uint16_t>{kSystemMasterSystem});
     EXPECT_EQ(added.counts.untold, 1u);
     EXPECT_EQ(added.counts.others, 1u);
     EXPECT_EQ(added.counts.copied, 1u);

@@ -267,8 +267,8 @@ TEST_F(Library, ADatabaseOfAnotherVersionOrProgramIsMadeAnew) {
         "CREATE TABLE files (a); PRAGMA user_version = 1",
         "CREATE TABLE other (a)",
         "PRAGMA user_version = 1",
-        "CREATE VIEW files AS SELECT 1 AS folder, 2 AS name, 3 AS length, 4 AS modified, "
-        "5 AS records, 6 AS checksum; PRAGMA user_version = 1",
+        ("CREATE VIEW files AS SELECT 1 AS folder, 2 AS name, 3 AS length, 4 AS modified, "
+         "5 AS records, 6 AS checksum; PRAGMA user_version = 1"),
     };
     Put("a.game", kOne);
     for (const char* sql : databases) {

@@ -151,6 +151,29 @@ VECTOR3 PlaceInRoom(XYZ eye) {
         {eye.x - double{kView[12]}, eye.y - double{kView[13]}, eye.z - double{kView[14]}});
 }
 
+// Fakes of a driver that fails.
+void WriteErrorLog(GLuint /*shader*/, GLsizei size, GLsizei* length, GLchar* log) {
+    constexpr std::string_view kText = "line 3: ERROR: no such thing";
+    *length = static_cast<GLsizei>(kText.copy(log, static_cast<size_t>(size)));
+}
+
+uint32_t gProgramLogs = 0;
+PFNGLGETPROGRAMINFOLOGPROC gGetProgramLog = nullptr;
+
+void FailAfterTheFirst(GLuint program, GLsizei size, GLsizei* length, GLchar* log) {
+    ++gProgramLogs;
+    gProgramLogs > 1 ? WriteErrorLog(program, size, length, log)
+                     : gGetProgramLog(program, size, length, log);
+}
+
+uint32_t gProgramsLinked = 0;
+PFNGLLINKPROGRAMPROC gLinkProgram = nullptr;
+
+void CountLink(GLuint program) {
+    ++gProgramsLinked;
+    gLinkProgram(program);
+}
+
 class LightFormula : public RoomGlTest {
 protected:
     void SetUp() override {
@@ -191,8 +214,16 @@ protected:
                           0.0001 - falloff * 0.000001});
     }
 
-    // Draws the plane z = `depth` with this normal and compares every pixel.
+    // In two scenes: lights that are new are drawn by the general form in the first and by their own in the second.
     void ExpectFormula(const SURFACE& surface, int tolerance, XYZ normal = {0, 0, 1}) {
+        DrawAndCompare(surface, tolerance, normal);
+        uniformWrites = painter.Counters().uniformWrites;
+        DrawAndCompare(surface, tolerance, normal);
+        uniformWrites += painter.Counters().uniformWrites;
+    }
+
+    // Draws the plane z = `depth` with this normal and compares every pixel.
+    void DrawAndCompare(const SURFACE& surface, int tolerance, XYZ normal) {
         const auto f = [](double value) { return static_cast<float>(value); };
         const std::array<VECTOR3, 4> places{
             PlaceInRoom({-99, -99, kDepth}), PlaceInRoom({99, -99, kDepth}),
@@ -267,6 +298,7 @@ protected:
     RoomPainter painter;
     TEXTURE_RECORD texture{};
     std::vector<LIGHT> lights;
+    uint32_t uniformWrites = 0; // of the two scenes
 };
 
 TEST_F(LightFormula, WithoutLightsAllIsBlackButATelevision) {
@@ -514,19 +546,76 @@ TEST_F(LightFormula, OnlyColoursThatChangeAreWritten) {
     };
     addTelevision(0.9);
     ExpectFormula({.texture = texel}, kExact);
-    EXPECT_EQ(painter.Counters().uniformWrites, 1U);
     addTelevision(0.9);
     ExpectFormula({.texture = texel}, kExact);
-    EXPECT_EQ(painter.Counters().uniformWrites, 0U);
+    EXPECT_EQ(uniformWrites, 0U);
     addTelevision(0.5);
     ExpectFormula({.texture = texel}, kExact);
-    EXPECT_EQ(painter.Counters().uniformWrites, 1U);
+    EXPECT_EQ(uniformWrites, 1U);
 }
 
-// Fakes of a driver that fails.
-void WriteErrorLog(GLuint /*shader*/, GLsizei size, GLsizei* length, GLchar* log) {
-    constexpr std::string_view kText = "line 3: ERROR: no such thing";
-    *length = static_cast<GLsizei>(kText.copy(log, static_cast<size_t>(size)));
+TEST_F(LightFormula, NewLightsCompileNothingInTheirFirstSceneAndOneFormInEachLaterOne) {
+    painter.Release();
+    ROOM_SERVICES services = Services();
+    services.loader = [](const char* name) -> void* {
+        void* const found = WindowLibraryLoader(name);
+        if (std::string_view(name) != "glLinkProgram") {
+            return found;
+        }
+        gLinkProgram = reinterpret_cast<PFNGLLINKPROGRAMPROC>(found);
+        return reinterpret_cast<void*>(CountLink);
+    };
+    painter.Start(services);
+    AddLamp({10, 5, -20});
+    AddTelevision({0.9, 0.4, 0.2}, {5, 0, -40}, {0, 0, -1}, 0, 55, 80);
+    const SURFACE wall{
+        .diffuse = {0.9, 0.5, 0.1}
+    };
+    const std::array<float, 9> corners{-9, -9, -60, 9, -9, -60, -9, 9, -60};
+    const std::array<uint16_t, 3> indices{0, 1, 2};
+    const auto scene = [&] { // of three kinds of surfaces
+        gProgramsLinked = 0;
+        painter.BeginScene(EvenProjection(), kView);
+        painter.SetArrays({0, corners.data(), corners.data(), corners.data()});
+        for (const float shininess : {0.0f, 9.0f}) {
+            painter.SetMaterial({
+                {1, 1, 1},
+                {1, 1, 1},
+                0, shininess
+            });
+            painter.DrawTriangles(0, indices.data(), 3);
+        }
+        painter.BindTexture(&texture);
+        painter.DrawTriangles(0, indices.data(), 3);
+        painter.EndScene();
+        return gProgramsLinked;
+    };
+    EXPECT_EQ(scene(), 0U);
+    EXPECT_EQ(scene(), 1U);
+    EXPECT_EQ(scene(), 1U);
+    EXPECT_EQ(scene(), 1U);
+    EXPECT_EQ(scene(), 0U);
+    DrawAndCompare(wall, kExact, {0, 0, 1});
+}
+
+TEST_F(LightFormula, LightsWhoseFormCannotBeCompiledAreThoseOfTheFormula) {
+    painter.Release();
+    ROOM_SERVICES services = Services();
+    services.loader = [](const char* name) -> void* {
+        // Start compiles one form; the driver fails at all others.
+        void* const found = WindowLibraryLoader(name);
+        if (std::string_view(name) != "glGetProgramInfoLog") {
+            return found;
+        }
+        gProgramLogs = 0;
+        gGetProgramLog = reinterpret_cast<PFNGLGETPROGRAMINFOLOGPROC>(found);
+        return reinterpret_cast<void*>(FailAfterTheFirst);
+    };
+    painter.Start(services);
+    ASSERT_TRUE(painter.Program().Works());
+    AddLamp({10, 5, -20});
+    ExpectFormula({.texture = texel}, kExact);
+    EXPECT_EQ(gProgramLogs, 2U);
 }
 
 class LightProgramStart : public RoomGlTest {

@@ -69,6 +69,13 @@ protected:
         return ReadScreen(kWide, kHigh);
     }
 
+    // Each scene compiles one program at most for the lights that shine.
+    void DrawUntilCompiled() {
+        for (int i = 0; i < 10; ++i) {
+            Draw();
+        }
+    }
+
     // The pixel at which a point of the room is seen.
     uint32_t ColourAt(const std::vector<uint32_t>& screen, VECTOR3 point) const {
         const VECTOR3 eye = TransformPoint(camera.View(), point);
@@ -464,8 +471,7 @@ TEST_F(RoomPictures, NothingIsSentTwice) {
     for (const size_t slot : Slots{0, 1, 2, 3}) {
         Play(slot, kWhite);
     }
-    Draw();
-    Draw();
+    DrawUntilCompiled();
     const ROOM_COUNTERS& counters = renderer.Counters();
     // 12 objects, lamp and logo; two materials each at most; and four draws of the room itself.
     EXPECT_LE(counters.drawCalls, 32U);
@@ -516,6 +522,7 @@ TEST_F(RoomPictures, HiddenBackFacesMakeNoDifference) {
         {{250, 40, 60},   {250, 40, 700}},
         {{300, 46, 400},  {300, 60, 100}}, // in the unit, in the table
     };
+    DrawUntilCompiled(); // the general program may round the other way
     std::vector<std::vector<uint32_t>> pictures;
     for (const VIEW& view : kViews) {
         LookFrom(view.from, view.at);

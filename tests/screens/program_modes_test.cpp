@@ -11,7 +11,6 @@ namespace {
 constexpr MODE_FACTS kNoSet{};
 constexpr MODE_FACTS kDarkSet{true, false, false};
 constexpr MODE_FACTS kPlayingSet{true, true, false};
-constexpr MODE_FACTS kDarkSetFullScreen{true, false, true};
 constexpr MODE_FACTS kPlayingSetFullScreen{true, true, true};
 
 // In the room after a game was started on a set.

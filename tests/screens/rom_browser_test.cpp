@@ -25,6 +25,9 @@ std::vector<uint8_t> Image(uint8_t seed) {
     return image;
 }
 
+constexpr int32_t kStarColumn = 7;
+constexpr int32_t kStarMark = 4; // in the list's strip of images
+
 class RomBrowser : public ScreensTest {
 protected:
     void SetUp() override {
@@ -62,6 +65,17 @@ protected:
         }
         std::sort(titles.begin(), titles.end());
         return titles;
+    }
+    [[nodiscard]] int32_t RowWith(const std::wstring& title) const {
+        for (int32_t row = 0; row < browser->List()->RowCount(); ++row) {
+            if (browser->List()->Cell(row, 0)->text == title) {
+                return row;
+            }
+        }
+        return -1;
+    }
+    static GAME_IDENTITY IdentityOf(const std::vector<uint8_t>& image) {
+        return {kSystemMasterSystem, Sha256(image)};
     }
     void Type(CGhostEdit* edit, const std::wstring& text) {
         edit->SetText(text);
@@ -208,6 +222,161 @@ TEST_F(RomBrowser, TabsShowOneOfThePanels) {
               std::wstring::npos);
     Click(browser->Content().TabButton(ContentTab::kCovers));
     EXPECT_TRUE(browser->Content().Box()->IsVisible());
+}
+
+TEST_F(RomBrowser, AStarMarksTheFavourites) {
+    home.Write("sms/Moth Patrol.sms", Image(5));
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    Click(browser->Scan().Finish());
+    const int32_t lamps = RowWith(L"Paper Lamps");
+    browser->List()->SetSelected(lamps);
+    Round();
+    EXPECT_EQ(browser->List()->Cell(lamps, kStarColumn)->image, -1);
+    EXPECT_EQ(browser->StarButton()->Caption(), L"\x2606");
+    Click(browser->StarButton());
+    EXPECT_EQ(browser->List()->Cell(lamps, kStarColumn)->image, kStarMark);
+    EXPECT_EQ(browser->List()->Cell(1 - lamps, kStarColumn)->image, -1);
+    EXPECT_EQ(browser->StarButton()->Caption(), L"\x2605");
+    EXPECT_TRUE(host.player.Find(IdentityOf(Image(3))).favourite);
+    KeepPicture("browser-star");
+    Click(browser->StarButton());
+    EXPECT_EQ(browser->List()->Cell(lamps, kStarColumn)->image, -1);
+    EXPECT_FALSE(host.player.Find(IdentityOf(Image(3))).favourite);
+}
+
+TEST_F(RomBrowser, TheStarIsThereWithTheNextStart) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    host.player.SetFavourite(IdentityOf(Image(3)), true);
+    Open();
+    EXPECT_EQ(browser->List()->Cell(0, kStarColumn)->image, kStarMark);
+    EXPECT_EQ(browser->StarButton()->Caption(), L"\x2605");
+}
+
+TEST_F(RomBrowser, TheKeyFIsTheStarOncePerPress) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/Fog Lamps.sms", Image(5));
+    Open();
+    Click(browser->Scan().Finish());
+    const int32_t lamps = RowWith(L"Paper Lamps");
+    browser->List()->SetSelected(lamps);
+    browser->TakeFocus();
+    constexpr auto kF = static_cast<GHOSTGUIKey>(9);
+    KeyDown(kF);
+    for (int repeat = 0; repeat < 3; ++repeat) {
+        TypeCharacter(L'f');
+    }
+    EXPECT_TRUE(host.player.Find(IdentityOf(Image(3))).favourite);
+    EXPECT_EQ(browser->List()->Selected(), lamps);
+    KeyUp(kF);
+    Tick();
+    KeyDown(kF);
+    TypeCharacter(L'f');
+    EXPECT_FALSE(host.player.Find(IdentityOf(Image(3))).favourite);
+    KeyUp(kF);
+    Tick();
+    TypeCharacter(L'F');
+    EXPECT_EQ(browser->List()->Selected(), RowWith(L"Fog Lamps")) << "a capital begins a title";
+}
+
+TEST_F(RomBrowser, FWithinATitleIsALetter) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/Offing.sms", Image(5));
+    Open();
+    Click(browser->Scan().Finish());
+    browser->TakeFocus();
+    for (const wchar_t letter : {L'o', L'f', L'f'}) {
+        TypeCharacter(letter);
+    }
+    EXPECT_EQ(browser->List()->Selected(), RowWith(L"Offing"));
+    EXPECT_FALSE(host.player.Find(IdentityOf(Image(5))).favourite);
+}
+
+TEST_F(RomBrowser, AClickInTheColumnOfStarsIsTheStar) {
+    home.Write("sms/Moth Patrol.sms", Image(5));
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    Click(browser->Scan().Finish());
+    const int32_t lamps = RowWith(L"Paper Lamps");
+    const auto clickOn = [&](int32_t column) {
+        GUI_RECT list;
+        ASSERT_TRUE(Manager().GetScreenRect(browser->List()->window, &list));
+        const GUI_RECT cell = browser->List()->CellPlace(lamps, column);
+        MoveTo(list.x + cell.x + cell.width / 2, list.y + cell.y + cell.height / 2);
+        PressMouse();
+        Tick();
+    };
+    clickOn(0);
+    EXPECT_FALSE(host.player.Find(IdentityOf(Image(3))).favourite);
+    clickOn(kStarColumn);
+    EXPECT_TRUE(host.player.Find(IdentityOf(Image(3))).favourite);
+}
+
+TEST_F(RomBrowser, ShowsTheFavouritesAlone) {
+    home.Write("sms/Moth Patrol.sms", Image(5));
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/Tide Mill.sms", Image(7));
+    host.player.SetFavourite(IdentityOf(Image(3)), true);
+    host.player.SetFavourite(IdentityOf(Image(7)), true);
+    Open();
+    EXPECT_FALSE(browser->Filters().MenuFilters());
+    browser->Filters().Show()->SetSelected(1);
+    Round();
+    EXPECT_EQ(this->Titles(), (::Titles{L"Paper Lamps", L"Tide Mill"}));
+    EXPECT_EQ(browser->Filters().Count()->Text(), L"Showing 2 games");
+    EXPECT_TRUE(browser->Filters().MenuFilters());
+    Type(browser->Filters().Name(), L"lamps");
+    EXPECT_EQ(this->Titles(), ::Titles{L"Paper Lamps"}) << "the other filters choose among them";
+    Type(browser->Filters().Name(), L"");
+    browser->ToggleFavourite();
+    Round();
+    EXPECT_EQ(this->Titles().size(), 2u) << "a slip can be put right";
+    browser->SetActive(false);
+    browser->SetActive(true);
+    Round();
+    EXPECT_EQ(this->Titles().size(), 1u);
+    browser->Filters().Show()->SetSelected(0);
+    Round();
+    EXPECT_EQ(this->Titles().size(), 3u);
+}
+
+TEST_F(RomBrowser, RecentlyPlayedBeginsWithTheLastOne) {
+    home.Write("sms/Moth Patrol.sms", Image(5));
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/Tide Mill.sms", Image(7));
+    host.player.NoteStart(IdentityOf(Image(5)));
+    host.wallClock += 100;
+    host.player.NoteStart(IdentityOf(Image(7)));
+    Open();
+    browser->Filters().Show()->SetSelected(2);
+    Round();
+    ASSERT_EQ(browser->List()->RowCount(), 2);
+    EXPECT_EQ(browser->List()->Cell(0, 0)->text, L"Tide Mill");
+    EXPECT_EQ(browser->List()->Cell(1, 0)->text, L"Moth Patrol");
+    host.wallClock += 100;
+    browser->SetActive(false);
+    host.player.NoteStart(IdentityOf(Image(3)));
+    browser->SetActive(true);
+    Round();
+    ASSERT_EQ(browser->List()->RowCount(), 3);
+    EXPECT_EQ(browser->List()->Cell(0, 0)->text, L"Paper Lamps");
+}
+
+TEST_F(RomBrowser, MetaInfoSaysWhenAndForHowLongItWasPlayed) {
+    ASSERT_EQ(setenv("TZ", "UTC", 1), 0);
+    tzset();
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    const CGhostMultiText* const meta = browser->Content().Text(ContentTab::kMetaInfo);
+    EXPECT_NE(meta->Text().find(L"Last played: never"), std::wstring::npos);
+    browser->SetActive(false);
+    host.player.NoteStart(IdentityOf(Image(3)));
+    host.player.NotePlayed(IdentityOf(Image(3)), 3 * 3600 + 25 * 60 + 59);
+    browser->SetActive(true);
+    EXPECT_NE(meta->Text().find(
+                  L"Last played: 2023-11-14 22:13\nTime played: 3 h 25 min\nStarted: once\n"),
+              std::wstring::npos);
+    EXPECT_NE(meta->Text().find(L"File: Paper Lamps.game"), std::wstring::npos);
 }
 
 TEST_F(RomBrowser, TheFilterMenuOpensOverTheList) {

@@ -8,6 +8,7 @@
 #include "gui/manager.h"
 #include "gui/text_box.h"
 #include "gui/theme.h"
+#include "library/player_database.h"
 #include "screens/screen_host.h"
 #include "web/download_queue.h"
 
@@ -34,6 +35,7 @@ public:
         coverClicks.push_back(button);
     }
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
+    [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { ++settingsChanges; }
     void SaveSettings() override { ++saves; }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
@@ -42,6 +44,8 @@ public:
     }
     [[nodiscard]] uint64_t Milliseconds() const override { return now += step; }
 
+    int64_t wallClock = 1'700'000'000;                   // seconds since 1970
+    PlayerDatabase player{[this] { return wallClock; }}; // without a file
     int settingsChanges = 0;
     int saves = 0;
     std::vector<SCREEN_JOYSTICK> joysticks;
@@ -55,19 +59,23 @@ public:
     uint64_t step = 0; // milliseconds between two looks at the clock
     // What the service answers to an address; one that is not here cannot be reached.
     std::map<std::wstring, std::string> answers;
-    DownloadQueue downloads{[this](const std::wstring& url, std::wstring& error,
-                                   const std::atomic<uint32_t>*, std::unique_ptr<uint8_t[]>& data,
-                                   uint32_t& size, const std::atomic<bool>&) {
-        const auto found = answers.find(url);
-        if (found == answers.end()) {
-            error = L"Invalid response code";
-            return false;
-        }
-        size = static_cast<uint32_t>(found->second.size());
-        data = std::make_unique<uint8_t[]>(size);
-        std::copy(found->second.begin(), found->second.end(), data.get());
-        return true;
-    }};
+    DownloadQueue::FetchFunction fetch; // in their place, if there is one
+    DownloadQueue downloads{
+        [this](const std::wstring& url, std::wstring& error, const std::atomic<uint32_t>* abort,
+               std::unique_ptr<uint8_t[]>& data, uint32_t& size, const std::atomic<bool>& quit) {
+            if (fetch) {
+                return fetch(url, error, abort, data, size, quit);
+            }
+            const auto found = answers.find(url);
+            if (found == answers.end()) {
+                error = L"Invalid response code";
+                return false;
+            }
+            size = static_cast<uint32_t>(found->second.size());
+            data = std::make_unique<uint8_t[]>(size);
+            std::copy(found->second.begin(), found->second.end(), data.get());
+            return true;
+        }};
 };
 
 class ScreensTest : public testing::Test {
@@ -143,6 +151,10 @@ protected:
             record.key = static_cast<int32_t>(key);
             record.repeat = repeat;
         });
+    }
+    void TypeCharacter(wchar_t character) {
+        Post([&](GUI_INPUT_RECORD& record) { record.character = static_cast<int32_t>(character); });
+        Tick();
     }
     void KeyUp(GHOSTGUIKey key) {
         Post([&](GUI_INPUT_RECORD& record) {

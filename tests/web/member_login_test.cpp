@@ -54,6 +54,7 @@ protected:
         login.Login(kAddresses, L"anna", "correct horse", true);
         EXPECT_TRUE(WaitUntil("the login", [&] {
             queue.PumpRequests();
+            login.Update();
             return login.CurrentState() == MemberLogin::State::kOut || login.IsLoggedIn();
         }));
         EXPECT_FALSE(login.IsLoggedIn());
@@ -122,6 +123,22 @@ TEST_F(Login, MakesNoProofThatIsEasyToGuessFrom) {
     };
     EXPECT_EQ(Failure(weak), L"The service's answer is not that of a member login");
     EXPECT_EQ(fetches, 1);
+}
+
+TEST_F(Login, KeysOfAnAttemptThatWasGivenUpGoNowhere) {
+    answers = Ending(std::string(kNobodysSignature));
+    login.Login(kAddresses, L"anna", "correct horse", false);
+    ASSERT_TRUE(queue.WaitUntilIdle(kLongestWait));
+    queue.PumpRequests(); // the challenge comes, and the keys are begun
+    EXPECT_EQ(fetches, 1) << "they are not made in the callback";
+    login.Logout();
+    login.Login(kAddresses, L"berta", "other horse", false);
+    EXPECT_TRUE(WaitUntil("the second attempt", [&] {
+        queue.PumpRequests();
+        login.Update();
+        return login.CurrentState() == MemberLogin::State::kOut;
+    }));
+    EXPECT_EQ(fetches, 3) << "one challenge of the first, two steps of the second";
 }
 
 TEST_F(Login, SaysWhyNothingCame) {

@@ -86,6 +86,7 @@ protected:
     void FinishLogin() {
         EXPECT_TRUE(WaitUntil("the login", [&] {
             queue.PumpRequests();
+            login.Update();
             return login.CurrentState() == MemberLogin::State::kOut || login.IsLoggedIn();
         }));
     }

@@ -15,6 +15,7 @@ import subprocess
 import numpy as np
 from PIL import Image
 
+import closing
 import threeds
 from mesh import Mesh, rotation
 from texture import Surface, filled
@@ -48,17 +49,18 @@ class Model:
     """size: the box that must come out, or None for a model that keeps its own origin. lamp: the lamp's place in the
     model's space with y 0 at the floor, for a model that stands in one place only; its shadows are painted then.
     sheets: how many texture sheets of `pixels` square; brightness: what colours are multiplied by. faint: the share of
-    texels for sides that nobody sees well, {'-y': 0.35}, by the part's own directions. strip: leave faces out that other parts hide. crease: for parts without their
+    texels for sides that nobody sees well, {'-y': 0.35}, by the part's own directions. strip: leave faces out that other parts hide. closed: fill
+    the holes that this leaves. crease: for parts without their
     own."""
 
     def __init__(self, name, size=None, sheets=1, pixels=1024, lamp=None, brightness=1.5, floor=0.30, reach=90,
-                 shade=1.0, quality=88, faint=None, strip=False,
+                 shade=1.0, quality=88, faint=None, strip=False, closed=False,
                  crease=50):
         self.name, self.size, self.sheets, self.pixels, self.lamp = name, size, sheets, pixels, lamp
         self.brightness, self.reach, self.shade, self.quality = brightness, reach, shade, quality
         names = {'-x': 0, '+x': 1, '-y': 2, '+y': 3, '-z': 4, '+z': 5}
         self.faint = {names[side]: share for side, share in (faint or {}).items()}
-        self.crease, self.strip, self.parts, self.blockers = crease, strip, [], []
+        self.crease, self.strip, self.closed, self.parts, self.blockers = crease, strip, closed, [], []
         if floor is not None:
             big = 600
             self.block(Mesh([[-big, -0.02, -big], [-big, -0.02, big], [big, -0.02, big], [big, -0.02, -big]],
@@ -391,6 +393,13 @@ class Model:
                        optimize=True)
             self.files.append(name)
 
+    def _object(self, sink, number):
+        """A file has fewer than 20,000 faces in all, and closing adds a few hundred."""
+        done = sink.object(f'part{number}', 19100 if self.closed else 19700)
+        if self.closed:
+            closing.close(done)
+        return done
+
     def _write(self, out):
         materials, objects = {}, []
         screens = [p for p in self.parts if p.kind == 'screen']
@@ -409,16 +418,15 @@ class Model:
                 name = 'plain ' + ''.join(f'{int(round(c * 255)):02x}' for c in part.diffuse) + f' {spec:g} {shine:g} {glow:g}'
                 part.names = [name] * len(part.mesh.f)
                 materials.setdefault(name, threeds.Material(name, None, part.diffuse, (spec,) * 3, shine, glow))
-        drawn = 0
         sink = Sink(self.low + self.shift, self.high + self.shift)
         for number, part in enumerate(self.parts):
             if sink.count() + 3 * len(part.mesh.f) > 60000:
-                objects.append(sink.object(f'part{len(objects) + 1}'))
+                objects.append(self._object(sink, len(objects) + 1))
                 sink = Sink(self.low + self.shift, self.high + self.shift)
             sink.take(self, number, part)
-            drawn += len(part.mesh.f)
-        objects.append(sink.object(f'part{len(objects) + 1}'))
+        objects.append(self._object(sink, len(objects) + 1))
         total = sum(len(o.faces) for o in objects)
+        drawn = sum(len(numbers) for o in objects for numbers in o.groups.values())
         path = os.path.join(out, self.name + '.3ds')
         threeds.write(path, list(materials.values()), objects)
         size = os.path.getsize(path) + sum(os.path.getsize(os.path.join(out, n)) for n in getattr(self, 'files', []))
@@ -495,8 +503,8 @@ class Sink:
         self.coordinates += [self.coordinates[at]] * 2
         self.faces.append(np.array([at, first, first + 1]))
 
-    def object(self, name, most=19700):
-        # The strongest first: a file has fewer than 20,000 faces in all.
+    def object(self, name, most):
+        # The strongest first, as there may be too many.
         for _, at, missing in sorted(self.bends, key=lambda b: -b[0])[:max(0, most - len(self.faces))]:
             self.bend(at, missing)
         return threeds.Object(name, np.array(self.points), np.array(self.coordinates), np.array(self.faces), self.groups)

@@ -112,10 +112,10 @@ std::string SummaryOf(const ADDED_GAMES& added) {
     std::string text = std::to_string(added.copied) + " added, " +
                        std::to_string(added.alreadyThere) + " already there";
     const std::pair<size_t, const char*> rest[] = {
-        {added.waiting, "waiting for other pieces of their boards"},
-        {added.untold,  "of an unknown machine"                   },
-        {added.failed,  "failed"                                  },
-        {added.others,  "other files"                             },
+        {added.waiting, "waiting for other pieces of their boards"  },
+        {added.untold,  "of an unknown machine (--machine names it)"},
+        {added.failed,  "failed"                                    },
+        {added.others,  "other files"                               },
     };
     for (const auto& [count, words] : rest) {
         if (count > 0) {

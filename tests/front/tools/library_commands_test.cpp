@@ -196,9 +196,9 @@ TEST(Add, AsksForTheMachineWithExitCodeOne) {
     const fs::path rom = from.Write("game.rom", Bytes(1024, 1));
     const PROGRAM_RESULT untold = Ombrelune({"add", rom.string()}, home);
     EXPECT_EQ(untold.exitCode, 1);
-    EXPECT_THAT(untold.error, HasSubstr("game.rom: nothing tells which machine it is for; add it "
-                                        "with --machine"));
-    EXPECT_EQ(untold.output, "0 added, 0 already there, 1 of an unknown machine\n");
+    EXPECT_THAT(untold.error, HasSubstr("game.rom: nothing tells which machine it is for"));
+    EXPECT_EQ(untold.output,
+              "0 added, 0 already there, 1 of an unknown machine (--machine names it)\n");
     EXPECT_EQ(Ombrelune({"add", rom.string(), "--machine", "nes"}, home).exitCode, 0);
     EXPECT_TRUE(fs::exists(home.Path() / "nes" / "game.game"));
     EXPECT_EQ(Ombrelune({"add"}, home).exitCode, 2);

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Paints what is printed on the Skywren cabinet: its side, marquee, control panel, bezel and instruction card.
+"""Paints what is printed on the Skywren cabinet: its side, marquee, control panel, and line of play.
 
 The pictures go to build/room/cabinet-*.png, for the model to put into its texture.
 """
@@ -77,12 +77,12 @@ def panel():
     return paint.over(art, paint.render(svg(rings, wide, tall), wide, tall))
 
 
-def bezel_card():
-    """The card under the screen: how to play in one line."""
+def card():
+    """The line on the control panel's front: how to play."""
     wide, tall = 1024, 96
-    inside = (f'<rect width="{wide}" height="{tall}" fill="#171030"/><rect y="4" width="{wide}" height="3" fill="#FF8A2E"/>'
-              f'<text x="512" y="58" font-family="Inter Display" font-weight="700" font-size="34" fill="{MOON}" '
-              'text-anchor="middle" letter-spacing="6">A SMALL BIRD AGAINST THE WIND</text>')
+    inside = (f'<rect width="{wide}" height="{tall}" fill="#1B1440"/>'
+              f'<text x="512" y="62" font-family="Inter Display" font-weight="700" font-size="42" fill="{MOON}" '
+              'text-anchor="middle" letter-spacing="5">A SMALL BIRD AGAINST THE WIND</text>')
     return paint.render(svg(inside, wide, tall), wide, tall)[:, :, :3]
 
 
@@ -92,7 +92,7 @@ def all_pieces():
                ('cabinet.py', 'skywren.py', 'shapes.py', 'lettering.py', 'paint.py', 'brush.cpp')]
     newest = max(os.path.getmtime(path) for path in sources)
     pieces = {}
-    for name, make in (('left', side), ('right', lambda: side(True)), ('marquee', marquee), ('panel', panel), ('card', bezel_card)):
+    for name, make in (('left', side), ('right', lambda: side(True)), ('marquee', marquee), ('panel', panel), ('card', card)):
         path = os.path.join(paint.BUILD, f'cabinet-{name}.png')
         if not os.path.exists(path) or os.path.getmtime(path) < newest:
             os.makedirs(paint.BUILD, exist_ok=True)

@@ -102,7 +102,17 @@ m.add(strip([(42, 6.2), (42, 80)], INNER, cuts=6), kick, gloss=PLASTIC, density=
 m.add(strip([(42, 80), (51.2, 86.5)], INNER, cuts=6), black, gloss=PLASTIC, density=0.7)
 # The control panel: a box with a round front lip.
 lip = [(51.2, 86.5), (52.2, 87.6), (52.4, 89), (52.4, 93.5), (52.0, 95.0), (50.8, 96.0)]
-m.add(strip(lip, INNER, cuts=6), plastic('1B1440', 0.03, 0.6), gloss=SATIN, crease=60, density=0.8)
+lip_plastic = plastic('1B1440', 0.03, 0.6)
+
+
+def lip_paint(s):
+    """How to play, in one line where the hands do not cover it."""
+    up = (s.own[:, 1] - 89.15) / 4.2
+    card = (s.normal[:, 2] > 0.9) & (up > 0) & (up < 1) & (np.abs(s.own[:, 0]) < 22.4)
+    return np.where(card[:, None], soft(sample(pieces['card'], s.own[:, 0] / 44.8 + 0.5, 1 - up)), lip_plastic(s))
+
+
+m.add(strip(lip, INNER, cuts=6), lip_paint, gloss=SATIN, crease=60, density=1.5)
 PANEL = [(50.8, 96.0), (20.5, 104.6)]
 panel_length = float(np.hypot(PANEL[1][0] - PANEL[0][0], PANEL[1][1] - PANEL[0][1]))
 panel_turn = np.degrees(np.arctan2(PANEL[1][1] - PANEL[0][1], PANEL[0][0] - PANEL[1][0]))
@@ -142,7 +152,8 @@ for px, py, tone in ((620, 222, 'F5C531'), (750, 186, '3FB9BE'), (900, 246, 'F3E
     m.add(cylinder(r + 0.55, 0.75, 0.25, 28), plastic('1E1C22', 0.02, 0.5), at=on_panel(px, py), turn=tilt, gloss=SATIN, crease=40)
     m.add(cylinder(r, 1.4, 0.35, 28, r * 0.95), plastic(tone, 0.01, 0.2), at=on_panel(px, py), turn=tilt, gloss=GLOSS, crease=40)
 
-# The screen: a black bezel that slopes back, the glass set into it.
+# The screen: a black bezel that slopes back, the glass set into it. The last loop lies behind the glass's rim, so that
+# no wall shines through between the two.
 FOOT, HEAD = (20.5, 104.6), (8.2, 149.0)
 slope = float(np.hypot(HEAD[0] - FOOT[0], HEAD[1] - FOOT[1]))
 lean = np.degrees(np.arctan2(FOOT[0] - HEAD[0], HEAD[1] - FOOT[1]))
@@ -152,21 +163,18 @@ SCREEN_W, SCREEN_H = 52.0, 39.0
 
 def bezel_paint(s):
     rgb = black(s) * 0.55
-    x, y = s.own[:, 0], s.own[:, 1]
+    x = s.own[:, 0]
     front = (s.normal[:, 2] > 0.8) & (s.own[:, 2] > -0.3)
     for k, tone in enumerate(('FFE15A', 'FF8A2E', 'E0365A', 'A02A9A')):
         rgb = mix(rgb, colour(tone), edge_band(np.abs(x), 31.2 + 1.5 * k, 32.4 + 1.5 * k, 0.25) * front * 0.85)
-    low = (y + slope / 2) / 2.75
-    card = front & (low > 0.12) & (low < 1) & (np.abs(x) < 29)
-    text = soft(sample(pieces['card'], x / 58 + 0.5, 1 - (low - 0.12) / 0.88))
-    rgb = np.where(card[:, None], text, rgb)
     return rgb
 
 
 back_turn = [('x', -lean)]
 at = (0, middle[1], middle[0])
 m.add(hull([loop(INNER, slope, 0, 0.01), loop(58.4, 41.6, 0, 1.2, 0, 0.6), loop(57.6, 40.8, -0.5, 1.0, 0, 0.6),
-            loop(SCREEN_W, SCREEN_H, -3.4, 0.25, 0, 0.6)], False, False), bezel_paint, at=at, turn=back_turn, gloss=(0.3, 40, 0),
+            loop(SCREEN_W, SCREEN_H, -3.4, 0.25, 0, 0.6), loop(SCREEN_W + 1.6, SCREEN_H + 1.6, -4.0, 0.25, 0, 0.6)],
+           False, False), bezel_paint, at=at, turn=back_turn, gloss=(0.3, 40, 0),
       crease=30, density=0.9)
 up, out = np.array([0, np.cos(np.radians(lean)), -np.sin(np.radians(lean))]), np.array([0, np.sin(np.radians(lean)), np.cos(np.radians(lean))])
 m.screen(glass(SCREEN_W, SCREEN_H, 2.0), dark_glass(OUT), at=tuple(np.array(at) + up * 0.6 - out * 3.45), turn=back_turn, crease=80)

@@ -11,7 +11,7 @@ TEAL = weave('1D5F66', '184E56', threads=1.15, contrast=0.10, nap=0.12)
 SEAM = weave('195058', '14424A', threads=1.15, contrast=0.08, nap=0.05, worn=0.8)
 
 m = Model('couch', size=(200, 70.347, 86), sheets=3, faint={'-y': 0.35, '-z': 0.4}, lamp=scene.lamp_for('couch'),
-          brightness=1.5, strip=True)
+          brightness=1.5, strip=True, closed=True)
 
 
 def creased(amount, scale, seed):

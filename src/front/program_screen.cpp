@@ -10,6 +10,7 @@
 #include "gui/window.h"
 #include "host/host_data.h"
 #include "screens/rom_browser.h"
+#include "settings/bindings.h"
 
 #include <algorithm>
 #include <utility>
@@ -19,13 +20,9 @@ namespace {
 constexpr uint32_t kEscape = 41; // scancodes
 constexpr uint32_t kF10 = 67;
 
-// Whether the toolkit closes something itself at escape: an open list, a keyboard on the screen, a message box.
+// Whether the toolkit closes something itself at escape, such as an open list.
 bool ToolkitTakesEscape() {
-    const CGhostManager& manager = CGhostManager::Get();
-    if (manager.ModalWindow() != nullptr) {
-        return true;
-    }
-    const GHOSTMANAGER_WINDOW* const top = manager.ActiveTopWindow();
+    const GHOSTMANAGER_WINDOW* const top = CGhostManager::Get().ActiveTopWindow();
     return top != nullptr && top->owner != nullptr;
 }
 
@@ -53,19 +50,22 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
         room.Take(request);
     }
     downloads.PumpRequests();
-    ReadKeys(input);
+    // The room first, and each by the mode in which the round began: what leads from one to the other must not act in
+    // both.
+    const bool covered = room.Modes().Covered();
     const bool roomNews = room.Update(input);
+    ReadKeys(input, covered);
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
     return roomNews;
 }
 
-void ProgramScreen::ReadKeys(const SCREEN_INPUT& input) {
-    const bool covered = room.Modes().Covered();
-    for (const GUI_INPUT& event :
-         covered || !room.WantsInput() ? input.events.gui : input.events.screen) {
-        if (event.kind != GuiInputKind::kKeyDown || event.repeat) {
+void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
+    // A window that takes the input of all others, such as a message box, has these keys too.
+    const bool behind = CGhostManager::Get().ModalWindow() != nullptr;
+    for (const GUI_INPUT& event : InputWalkingRoom() ? input.events.screen : input.events.gui) {
+        if (event.kind != GuiInputKind::kKeyDown || event.repeat || behind) {
             continue;
         }
         if (event.key == kF10) {
@@ -74,8 +74,10 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input) {
             GoBack();
         }
     }
-    const bool toolkitHasPad = covered || CGhostManager::Get().ModalWindow() != nullptr;
-    const PAD_PRESSES presses = pad.Update(toolkitHasPad, input.now);
+    const PAD_PRESSES presses = pad.Update(covered || behind, input.now);
+    if (behind) {
+        return;
+    }
     if (presses.back || presses.guide) {
         GoBack();
     }
@@ -97,10 +99,8 @@ void ProgramScreen::GoBack() {
 }
 
 void ProgramScreen::Obey(ModeOrder order) {
-    switch (order) {
-    case ModeOrder::kQuit: calls.quit(); break;
-    case ModeOrder::kChooseGame: setForGame = room.Selected().id; break;
-    default: break;
+    if (order == ModeOrder::kQuit) {
+        calls.quit();
     }
 }
 
@@ -136,16 +136,15 @@ void ProgramScreen::UpdateOverlay(const SCREEN_INPUT& input) {
     overlay.Update(state);
 }
 
-// On the set that the browser was opened for, or the one that the player stands before, or the first that is off.
+// On the set that the player stands before, which the browser was opened for, or the first that is off.
 void ProgramScreen::StartGame(GAME_TO_START game) {
-    const uint32_t key = setForGame != 0 ? setForGame : room.SetForGame();
+    const uint32_t key = room.SetForGame();
     if (key == 0) {
         CGhostMessageBox::Show(
             L"Error loading game",
             L"All televisions are on. Turn one off, or look at the one to play on.");
         return;
     }
-    setForGame = 0;
     OPENED_GAME opened;
     opened.game = std::move(game.game);
     opened.bios = std::move(game.second);
@@ -162,10 +161,10 @@ bool ProgramScreen::TakeDropped(OPENED_GAME& opened) {
         PostReport("all televisions are on; turn one off, or look at the one to play on");
         return true;
     }
-    room.Play(key, std::move(opened));
     if (room.Modes().Mode() != ProgramMode::kBrowser) {
         room.Take(ModeInput::kPlayGames); // the way to a started game leads through the browser
     }
+    room.Play(key, std::move(opened)); // last, as the way into the room may lead by its door
     room.Take(ModeInput::kGameStarted);
     return true;
 }

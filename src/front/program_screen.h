@@ -60,7 +60,7 @@ private:
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
-    void ReadKeys(const SCREEN_INPUT& input);
+    void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
     void Obey(ModeOrder order);
     void FitScreens();
@@ -74,6 +74,5 @@ private:
     CGUIGameOverlay overlay;
     GuiPad pad;
     std::vector<ModeInput> wanted; // by the screens since the last round
-    uint32_t setForGame = 0;       // the one that the browser was opened for; 0: any
     ProgramMode shownMode = ProgramMode::kMenu;
 };

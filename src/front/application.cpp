@@ -62,7 +62,7 @@ bool Application::Start(std::string& error) {
         return false;
     }
     SeedRandom(static_cast<uint32_t>(Now() / 1000));
-    SDL_StopTextInput(); // no text field has the focus, and an input method would swallow the keys
+    SDL_StopTextInput(); // the toolkit asks for text when a field has the focus
     HostSetReportSink(PostReport);
     HostSetNoticeSink(PostNotice);
     for (const std::string& message : messages) {

@@ -2,14 +2,35 @@
 
 #include "display/gl.h"
 #include "front/event_pump.h"
+#include "gui/edit.h"
+#include "gui/keyboard.h"
 #include "gui/manager.h"
 #include "gui/window.h"
 #include "host/host_data.h"
+
+#include <SDL_keyboard.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
+
+namespace {
+
+// Whether what the player types goes into a field of text.
+bool TypedInto(const GHOSTMANAGER_WINDOW* focus) {
+    const CGhostGUIHandler* handler = focus != nullptr ? focus->handler : nullptr;
+    for (; handler != nullptr; handler = handler->next) {
+        const auto* const edit = dynamic_cast<const CGhostEdit*>(handler);
+        if ((edit != nullptr && !edit->IsReadOnly()) ||
+            dynamic_cast<const CGhostKeyboard*>(handler) != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
 
 void PostGuiInput(const GUI_INPUT& input) {
     // The toolkit counts the middle button as the third.
@@ -100,7 +121,20 @@ bool GuiOverlay::Update(const PUMP_EVENTS& events, const DRAW_TARGET& target, in
     manager.Tick(static_cast<uint32_t>(std::clamp<int64_t>(now - lastTick, 0, kLongestTick)));
     lastTick = now;
     cursors.Update();
+    TakeText(TypedInto(manager.FocusWindow()));
     return !manager.DirtyRect().Empty();
+}
+
+// On only while a field has the focus: an input method would swallow the keys of everything else.
+void GuiOverlay::TakeText(bool wanted) {
+    if ((SDL_IsTextInputActive() == SDL_TRUE) == wanted) {
+        return;
+    }
+    if (wanted) {
+        SDL_StartTextInput();
+    } else {
+        SDL_StopTextInput();
+    }
 }
 
 void GuiOverlay::Draw() {

@@ -1,7 +1,8 @@
 // GuiOverlay: the windows of the toolkit over whatever the main window shows.
 //
 // It turns the pump's events into the toolkit's input records, runs the toolkit's tick and draws its windows
-// through the four drawing callbacks, and shows the cursor that they want. Without windows it costs next to
+// through the four drawing callbacks, shows the cursor that they want, and asks the library for typed text while
+// a field of text has the focus. Without windows it costs next to
 // nothing. The lines of statistics are no windows but StatusOverlay's text, which needs no theme to be read.
 //
 // Units: mouse places come in pixels of the drawing surface and go on in units of the virtual screen.
@@ -46,6 +47,7 @@ public:
     [[nodiscard]] uint64_t Uploads() const { return textures.Uploads(); }
 
 private:
+    static void TakeText(bool wanted);
     void DrawScene(uint32_t id, const WINDOW_PLACE& place);
 
     WindowTextures textures;

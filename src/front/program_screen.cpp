@@ -13,6 +13,7 @@
 #include "host/host_data.h"
 #include "screens/member_panel.h"
 #include "screens/rom_browser.h"
+#include "settings/bindings.h"
 #include "settings/settings.h"
 
 #include <algorithm>
@@ -24,13 +25,9 @@ namespace {
 constexpr uint32_t kEscape = 41; // scancodes
 constexpr uint32_t kF10 = 67;
 
-// Whether the toolkit closes something itself at escape: an open list, a keyboard on the screen, a message box.
+// Whether the toolkit closes something itself at escape, such as an open list.
 bool ToolkitTakesEscape() {
-    const CGhostManager& manager = CGhostManager::Get();
-    if (manager.ModalWindow() != nullptr) {
-        return true;
-    }
-    const GHOSTMANAGER_WINDOW* const top = manager.ActiveTopWindow();
+    const GHOSTMANAGER_WINDOW* const top = CGhostManager::Get().ActiveTopWindow();
     return top != nullptr && top->owner != nullptr;
 }
 
@@ -84,9 +81,12 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
         room.Take(request);
     }
     downloads.PumpRequests();
-    ReadKeys(input);
+    // The room first, and each by the mode in which the round began: what leads from one to the other must not act in
+    // both.
+    const bool covered = room.Modes().Covered();
     const bool roomNews = room.Update(input);
     CountPlayed();
+    ReadKeys(input, covered);
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
@@ -95,11 +95,11 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     return roomNews;
 }
 
-void ProgramScreen::ReadKeys(const SCREEN_INPUT& input) {
-    const bool covered = room.Modes().Covered();
-    for (const GUI_INPUT& event :
-         covered || !WantsInput() ? input.events.gui : input.events.screen) {
-        if (event.kind != GuiInputKind::kKeyDown || event.repeat) {
+void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
+    // A window that takes the input of all others, such as a message box, has these keys too.
+    const bool behind = CGhostManager::Get().ModalWindow() != nullptr;
+    for (const GUI_INPUT& event : InputWalkingRoom() ? input.events.screen : input.events.gui) {
+        if (event.kind != GuiInputKind::kKeyDown || event.repeat || behind) {
             continue;
         }
         if (event.key == kEscape && adding.IsShown()) {
@@ -110,9 +110,10 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input) {
             GoBack();
         }
     }
-    const bool toolkitHasPad =
-        covered || adding.IsShown() || CGhostManager::Get().ModalWindow() != nullptr;
-    const PAD_PRESSES presses = pad.Update(toolkitHasPad, input.now);
+    const PAD_PRESSES presses = pad.Update(covered || adding.IsShown() || behind, input.now);
+    if (behind) {
+        return;
+    }
     if (presses.back || presses.guide) {
         GoBack();
     }
@@ -146,10 +147,8 @@ void ProgramScreen::GoBack() {
 }
 
 void ProgramScreen::Obey(ModeOrder order) {
-    switch (order) {
-    case ModeOrder::kQuit: calls.quit(); break;
-    case ModeOrder::kChooseGame: setForGame = room.Selected().id; break;
-    default: break;
+    if (order == ModeOrder::kQuit) {
+        calls.quit();
     }
 }
 

@@ -74,7 +74,7 @@ private:
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
-    void ReadKeys(const SCREEN_INPUT& input);
+    void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
@@ -98,6 +98,5 @@ private:
     PlayReports reports{downloads};
     GuiPad pad;
     std::vector<ModeInput> wanted; // by the screens since the last round
-    uint32_t setForGame = 0;       // the one that the browser was opened for; 0: any
     ProgramMode shownMode = ProgramMode::kMenu;
 };

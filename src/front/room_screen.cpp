@@ -77,6 +77,11 @@ std::wstring ActionPadName(std::wstring_view action, PadFamily family, PadContro
     return PadControlName(family, control);
 }
 
+// A window that takes the input of all others, such as a message box, lies over the room.
+bool Behind() {
+    return CGhostManager::Get().ModalWindow() != nullptr;
+}
+
 float Aspect(const DRAW_TARGET& target) {
     return static_cast<float>(std::max(target.width, 1u)) /
            static_cast<float>(std::max(target.height, 1u));
@@ -123,6 +128,10 @@ void RoomScreen::StartRenderer() {
                        PostReport, ReadBuiltInObject});
 }
 
+bool RoomScreen::WantsInput() const {
+    return modes.Walking() && !Behind();
+}
+
 RoomScreen::~RoomScreen() {
     games.StopAll();
     SoundSetRoomVisible(false);
@@ -163,7 +172,10 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
 
     CollectGames();
     const ProgramMode before = modes.Mode();
-    const HANDS hands = ReadHands(input);
+    HANDS hands = ReadHands(input);
+    if (Behind()) {
+        hands = {};
+    }
     camera.SetAspect(Aspect(input.target));
     if (!modes.Covered()) {
         Walk(hands, seconds);
@@ -411,7 +423,7 @@ void RoomScreen::CollectGames() {
 void RoomScreen::ApplyModes() {
     around.televisions.ShowInRoom(modes.RoomVisible());
     SoundSetRoomVisible(modes.RoomVisible());
-    if (modes.Covered()) {
+    if (modes.Covered() || Behind()) {
         InputSetActiveKey(kNoSession);
     } else if (!modes.RoomVisible()) {
         InputSetActiveKey(shownKey);

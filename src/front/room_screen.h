@@ -9,6 +9,7 @@
 // ProgramModes, which this owns; while menu or browser cover the window the room only keeps its games.
 // Without an owner, as the command `room` without the program's screens, `Use` at a set that is on shows it full
 // screen, and at one that is off starts the next of the games that were given.
+// While a message box is open nobody walks or plays.
 // Page Down and Page Up, and a controller's back button, put the player before the next set and the one before:
 // also before those that a look does not choose where they stand.
 //
@@ -71,7 +72,7 @@ public:
 
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override;
-    [[nodiscard]] bool WantsInput() const override { return modes.Walking(); }
+    [[nodiscard]] bool WantsInput() const override;
     [[nodiscard]] bool TakeDropped(OPENED_GAME& opened) override;
     void LoseGraphics() override { renderer.Release(); }
     void RenewGraphics() override { StartRenderer(); }

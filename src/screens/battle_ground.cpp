@@ -176,11 +176,12 @@ void CGUIBattleGround::Layout(int32_t width, int32_t height) {
 }
 
 void CGUIBattleGround::SetVisible(bool visible) {
+    const bool appears = visible && !battleMain->IsVisible();
     for (GHOSTMANAGER_WINDOW* const window :
          {topArea->window, version->window, battleMain->window}) {
         Show(window, visible);
     }
-    if (visible) {
+    if (appears) {
         TakeFocus();
     }
 }

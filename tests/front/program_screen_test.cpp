@@ -1,0 +1,357 @@
+// The whole program: every way between menu, panels, browser and room, by keys and mouse.
+#include "front/program_rig.h"
+#include "gui/drop_list.h"
+#include "gui/edit.h"
+#include "screens/options.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+using testing::HasSubstr;
+
+namespace {
+
+using ProgramScreenTest = ProgramTest;
+
+} // namespace
+
+TEST_F(ProgramScreenTest, AFreshHomeShowsTheMenuWithTheFocusOnItsFirstButton) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
+    EXPECT_FALSE(InputWalkingRoom());
+    EXPECT_EQ(CGhostManager::Get().FocusWindow(),
+              program->Menu().MenuButton(kPanelBrowser)->window);
+    EXPECT_FALSE(program->Menu().BackButton()->IsVisible());
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u) << "1280 by 720 units are enough";
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu) << "there is nothing to go back to";
+}
+
+TEST_F(ProgramScreenTest, KeysAloneLeadToAGameOfOurOwn) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    CGUIRomBrowser* const browser = program->Menu().Browser();
+    EXPECT_EQ(browser->List()->Cell(0, 0)->text, L"Luciole");
+    EXPECT_TRUE(browser->StartButton()->IsVisible());
+    EXPECT_EQ(CGhostManager::Get().FocusWindow(), browser->List()->window);
+
+    uint32_t key = 0;
+    ASSERT_TRUE(StartChosen(application, *program, key));
+    EXPECT_EQ(program->Room().Games().TitleOn(key), "Luciole");
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
+    EXPECT_EQ(InputActiveKey(), key) << "the machine has the input";
+    EXPECT_FALSE(InputWalkingRoom());
+    EXPECT_FALSE(browser->StartButton()->window == CGhostManager::Get().FocusWindow());
+
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding) << "the menu does not listen behind it";
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u);
+}
+
+TEST_F(ProgramScreenTest, EscapeWalksAndStandsAgain) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    EXPECT_EQ(InputActiveKey(), key);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kWalking);
+    EXPECT_TRUE(InputWalkingRoom());
+    EXPECT_THAT(program->Overlay().ShownHints(),
+                testing::ElementsAre(L"Main Menu [F10]", L"Load Game [E]", L"Turn off Game [Q]",
+                                     L"Attach to TV [ESC]"));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
+    EXPECT_FALSE(InputWalkingRoom());
+}
+
+TEST_F(ProgramScreenTest, UseOpensTheBrowserForTheSetThatThePlayerLooksAt) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t first = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), first));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_PAGEDOWN));
+    const uint32_t second = program->Room().Selected().id;
+    ASSERT_NE(second, first);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilListed(application, *program));
+    uint32_t key = 0;
+    ASSERT_TRUE(StartChosen(application, *program, key));
+    EXPECT_EQ(key, second);
+    EXPECT_EQ(program->Room().Games().TitleOn(first), "latch") << "it plays on";
+}
+
+// The browser was opened for one set and left; the next time it is for the set that is looked at then.
+TEST_F(ProgramScreenTest, ABrowserThatWasLeftForgetsItsSet) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    ASSERT_TRUE(ClickOn(application, program->Menu().Browser()->RoomButton()));
+    ASSERT_EQ(ModeOf(*program), ProgramMode::kWalking);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_PAGEDOWN));
+    const uint32_t first = program->Room().Selected().id;
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_E));
+    ASSERT_EQ(ModeOf(*program), ProgramMode::kBrowser);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    ASSERT_EQ(ModeOf(*program), ProgramMode::kWalking);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_PAGEDOWN));
+    const uint32_t second = program->Room().Selected().id;
+    ASSERT_NE(second, first);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+    ASSERT_EQ(ModeOf(*program), ProgramMode::kMenu);
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    uint32_t key = 0;
+    ASSERT_TRUE(StartChosen(application, *program, key));
+    EXPECT_EQ(key, second);
+}
+
+TEST_F(ProgramScreenTest, TurnOffLeavesTheSetDark) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_Q));
+    ASSERT_TRUE(RunUntilOff(application, program->Room(), key));
+    EXPECT_FALSE(SessionRuns(key));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kWalking);
+}
+
+TEST_F(ProgramScreenTest, F10LeadsToTheMenuAndBackFromEveryMode) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    const auto thereAndBack = [&](ProgramMode from) {
+        ASSERT_EQ(ModeOf(*program), from);
+        ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+        EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
+        EXPECT_EQ(InputActiveKey(), 0u) << "no machine listens behind the menu";
+        EXPECT_FALSE(InputWalkingRoom());
+        ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+        EXPECT_EQ(ModeOf(*program), from);
+        ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+        ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+        EXPECT_EQ(ModeOf(*program), from) << "escape does the same";
+    };
+    ASSERT_NO_FATAL_FAILURE(thereAndBack(ProgramMode::kStanding));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    ASSERT_NO_FATAL_FAILURE(thereAndBack(ProgramMode::kWalking));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    MoveMouse(1, 0);
+    ASSERT_TRUE(application.Round());
+    ASSERT_TRUE(application.Round());
+    ASSERT_TRUE(ClickOn(application, program->Overlay().Button(4)));
+    ASSERT_NO_FATAL_FAILURE(thereAndBack(ProgramMode::kFullScreen));
+
+    // From browser and panels it is the menu alone.
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
+    EXPECT_FALSE(program->Menu().Browser()->IsActive());
+    for (const int32_t panel : {kPanelBenchmark, kPanelOptions, kPanelCredits}) {
+        ASSERT_TRUE(ClickOn(application, program->Menu().MenuButton(panel)));
+        ASSERT_EQ(ModeOf(*program), ProgramMode::kPanel) << panel;
+        ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+        EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu) << panel;
+        EXPECT_EQ(program->Menu().Panel(), nullptr) << panel;
+        EXPECT_NE(CGhostManager::Get().FocusWindow(), nullptr) << panel;
+    }
+}
+
+TEST_F(ProgramScreenTest, NoMachineHearsTheKeysOfTheMenu) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    const auto hold = [&] {
+        Key(SDL_SCANCODE_A, true); // button 1
+        const testing::AssertionResult ran = RunFrames(application, 10);
+        Key(SDL_SCANCODE_A, false);
+        return ran && RunFrames(application, 10) ? testing::AssertionSuccess()
+                                                 : testing::AssertionFailure();
+    };
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+    ASSERT_TRUE(hold());
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+    CGhostMessageBox* const box = CGhostMessageBox::Show(L"Title", L"text");
+    ASSERT_TRUE(hold());
+    box->Dismiss();
+    ASSERT_TRUE(application.Round());
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(InputActiveKey(), key);
+    ASSERT_TRUE(RunFrames(application, 10));
+    EXPECT_EQ(MiddleOf(application), kRed) << "nor those of a message box";
+    ASSERT_TRUE(hold());
+    EXPECT_TRUE(RunUntilColour(application, kBlue)) << "but its own";
+}
+
+TEST_F(ProgramScreenTest, TheStripsButtonsShowTheSetFullScreenAndTheRoomAgain) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    MoveMouse(1, 0);
+    ASSERT_TRUE(application.Round());
+    ASSERT_TRUE(application.Round());
+    CGhostButton* const television = program->Overlay().Button(4);
+    EXPECT_EQ(television->Caption(), L"Fullscreen Mode");
+    ASSERT_TRUE(ClickOn(application, television));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kFullScreen);
+    EXPECT_EQ(InputActiveKey(), key);
+    EXPECT_EQ(television->Caption(), L"TV Mode");
+    ASSERT_TRUE(ClickOn(application, television));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
+    ASSERT_TRUE(ClickOn(application, program->Overlay().Button(3))); // Exit Game
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kWalking);
+    ASSERT_TRUE(RunUntilOff(application, program->Room(), key));
+}
+
+TEST_F(ProgramScreenTest, OptionsThatAreClosedAreSaved) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_TAB));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_TAB));
+    ASSERT_EQ(CGhostManager::Get().FocusWindow(),
+              program->Menu().MenuButton(kPanelOptions)->window);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN));
+    ASSERT_EQ(ModeOf(*program), ProgramMode::kPanel);
+    auto* const options = dynamic_cast<CGUIOptions*>(program->Menu().Panel());
+    ASSERT_NE(options, nullptr);
+    options->ListOf(L"emu_startfullscreen")->SetSelected(1, true);
+    EXPECT_FALSE(Settings().GetBool(L"emu_startfullscreen")) << "not before it closes";
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
+    EXPECT_EQ(program->Menu().Panel(), nullptr);
+    EXPECT_TRUE(Settings().GetBool(L"emu_startfullscreen"));
+    SettingsStore stored;
+    RegisterDefaultSettings(stored);
+    std::vector<uint8_t> document;
+    std::string error;
+    ASSERT_TRUE(ReadFile(folder.Path() / "config.xml", document, error, 1 << 20)) << error;
+    ASSERT_TRUE(stored.Load(document.data(), document.size(), error)) << error;
+    EXPECT_TRUE(stored.GetBool(L"emu_startfullscreen"));
+}
+
+TEST_F(ProgramScreenTest, QuitEndsTheRoundsAlsoWithAGameOn) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+    program->Menu().MenuButton(kPanelQuit)->SetFocus();
+    Key(SDL_SCANCODE_RETURN, true);
+    Key(SDL_SCANCODE_RETURN, false);
+    bool ended = false;
+    for (int rounds = 0; rounds < 5 && !ended; ++rounds) {
+        ended = !application.Round();
+    }
+    EXPECT_TRUE(ended);
+    application.Stop();
+    EXPECT_FALSE(SessionRuns(key));
+}
+
+TEST_F(ProgramScreenTest, AGameThatCannotBeReadIsToldAndTheBrowserStays) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    CGUIRomBrowser* const browser = program->Menu().Browser();
+    for (const auto& file : std::filesystem::directory_iterator(folder.Path() / "sms")) {
+        if (file.path().extension() == ".game") {
+            folder.Write("sms/" + file.path().filename().string(), std::vector<uint8_t>{1, 2, 3});
+        }
+    }
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN));
+    ASSERT_EQ(CGhostMessageBox::Count(), 1u);
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kBrowser);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kBrowser) << "the message goes first";
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u);
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kBrowser) << "one escape closes one thing";
+    EXPECT_EQ(CGhostManager::Get().FocusWindow(), browser->List()->window);
+}
+
+// The mouse is captured while walking: it comes free, so that the message can be closed.
+TEST_F(ProgramScreenTest, AMessageOverTheRoomIsClosedBeforeThePlayerGoesOn) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    ASSERT_TRUE(ClickOn(application, program->Menu().Browser()->RoomButton()));
+    ASSERT_TRUE(application.Round());
+    ASSERT_TRUE(InputWalkingRoom());
+    CGhostMessageBox::Show(L"Title", L"text");
+    ASSERT_TRUE(application.Round());
+    EXPECT_FALSE(InputWalkingRoom());
+    const VECTOR3 from = program->Room().Camera().Position();
+    Key(SDL_SCANCODE_W, true);
+    for (int rounds = 0; rounds < 10; ++rounds) {
+        ASSERT_TRUE(application.Round());
+    }
+    Key(SDL_SCANCODE_W, false);
+    EXPECT_EQ(program->Room().Camera().Position(), from) << "nobody walks meanwhile";
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u);
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kWalking) << "one escape closes one thing";
+    EXPECT_TRUE(InputWalkingRoom());
+}
+
+TEST_F(ProgramScreenTest, TextIsAskedForOnlyWhileAFieldHasTheFocus) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    EXPECT_FALSE(SDL_IsTextInputActive());
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    EXPECT_FALSE(SDL_IsTextInputActive());
+    CGUIRomBrowser* const browser = program->Menu().Browser();
+    const int32_t all = browser->List()->RowCount();
+    ASSERT_GT(all, 1);
+    browser->Filters().Name()->SetFocus();
+    ASSERT_TRUE(application.Round());
+    EXPECT_TRUE(SDL_IsTextInputActive());
+    for (const char* const letter : {"l", "u", "c", "i", "o"}) {
+        Type(letter);
+    }
+    ASSERT_TRUE(RunUntil(application, [&] { return browser->List()->RowCount() == 1; }));
+    EXPECT_EQ(browser->List()->Cell(0, 0)->text, L"Luciole");
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F10));
+    EXPECT_FALSE(SDL_IsTextInputActive());
+}
+
+TEST_F(ProgramScreenTest, ADroppedGamePlaysFromTheMenuAndInTheRoom) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t first = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), first));
+    EXPECT_EQ(program->Room().Games().TitleOn(first), "latch");
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_PAGEDOWN));
+    const uint32_t looked = program->Room().Selected().id;
+    ASSERT_NE(looked, first);
+    uint32_t second = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), second));
+    EXPECT_EQ(second, looked) << "on the set that the player looks at";
+    EXPECT_TRUE(SessionRuns(first));
+    EXPECT_TRUE(SessionRuns(second));
+}

@@ -159,9 +159,6 @@ void ProgramScreen::FitScreens() {
         return;
     }
     shownMode = mode;
-    if (!room.Modes().Covered()) {
-        setForGame = 0; // what comes from the menu later is for any set
-    }
     if (mode == ProgramMode::kMenu) {
         menu.Back();
     } else if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
@@ -199,10 +196,9 @@ void ProgramScreen::UpdateOverlay(const SCREEN_INPUT& input) {
     overlay.Update(state);
 }
 
-// The set that the browser was opened for, or the one that the player stands before, or the first that is off; 0 with
-// a message if there is none.
+// The set that the player stands before, or the first that is off; 0 with a message if there is none.
 uint32_t ProgramScreen::SetForGame() const {
-    const uint32_t key = setForGame != 0 ? setForGame : room.SetForGame();
+    const uint32_t key = room.SetForGame();
     if (key == 0) {
         CGhostMessageBox::Show(
             L"Error loading game",
@@ -222,13 +218,8 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
     opened.hasBios = game.hasSecond;
     opened.title = std::move(game.title);
     opened.options = game.options;
-    Play(key, std::move(opened));
-    wanted.push_back(ModeInput::kGameStarted);
-}
-
-void ProgramScreen::Play(uint32_t key, OPENED_GAME&& opened) {
-    setForGame = 0;
     room.Play(key, std::move(opened));
+    wanted.push_back(ModeInput::kGameStarted);
 }
 
 bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
@@ -261,12 +252,11 @@ void ProgramScreen::PlayNow(uint32_t key, OPENED_GAME&& opened) {
     if (mode == ProgramMode::kPanel || mode == ProgramMode::kMenu) {
         room.Take(ModeInput::kPlayGames); // before the set is faced, as it leads to the door
     }
-    Play(key, std::move(opened));
+    room.Play(key, std::move(opened));
     if (mode == ProgramMode::kWalking) {
         room.Take(ModeInput::kUse);
     }
     room.Take(ModeInput::kGameStarted);
-    setForGame = 0;
 }
 
 void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {

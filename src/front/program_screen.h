@@ -78,7 +78,6 @@ private:
     void GoBack();
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
-    void Play(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;
     void Obey(ModeOrder order);
     void FitScreens();

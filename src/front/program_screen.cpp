@@ -97,7 +97,8 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
 
 void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
     // A window that takes the input of all others, such as a message box, has these keys too.
-    const bool behind = CGhostManager::Get().ModalWindow() != nullptr;
+    const bool behind = CGhostMessageBox::Count() != 0 ||
+                        (CGhostManager::Get().ModalWindow() != nullptr && !adding.IsShown());
     for (const GUI_INPUT& event : InputWalkingRoom() ? input.events.screen : input.events.gui) {
         if (event.kind != GuiInputKind::kKeyDown || event.repeat || behind) {
             continue;

@@ -8,6 +8,11 @@ namespace {
 
 class ProgramDrop : public RoomTest {
 protected:
+    void SetUp() override {
+        RoomTest::SetUp();
+        Settings().SetInt(L"app_window_width", 640); // a smaller one is warned of
+        Settings().SetInt(L"app_window_height", 360);
+    }
     ProgramScreen& Enter(Application& application) {
         ProgramScreen& program = application.ShowProgram();
         EXPECT_TRUE(application.Round());

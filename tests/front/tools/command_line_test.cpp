@@ -206,7 +206,7 @@ TEST(CommandLine, ConvertTakesEveryImageOutOfAZip) {
     ZipWriter writer;
     std::string error;
     ASSERT_TRUE(writer.Add("folder/One.nes", Image(500), error));
-    ASSERT_TRUE(writer.Add("Two.md", Image(700), error));
+    ASSERT_TRUE(writer.Add("Two.md", Image(1100), error));
     ASSERT_TRUE(writer.Add("readme.txt", Image(10), error));
     const auto zip = home.Write("both.zip", writer.Finish(error));
     const PROGRAM_RESULT result =

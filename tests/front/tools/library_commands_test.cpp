@@ -150,6 +150,11 @@ TEST(Progress, ShowsOnATerminalWhichFileIsInHand) {
     EXPECT_EQ(result.screen.find('[', last), result.screen.rfind("\x1B[?25h") + 1);
 }
 
+// An instrumented program takes its time to end, and a second Ctrl-C would kill it meanwhile.
+bool WaitsAtThePipe(const std::string& screen) {
+    return screen.find("pipe.sms") != std::string::npos && !screen.ends_with(kCursorShown);
+}
+
 // A pipe that nobody writes to keeps the command waiting until it is interrupted.
 TEST(Progress, CtrlCEndsCleanly) {
     const TemporaryFolder home;
@@ -159,7 +164,7 @@ TEST(Progress, CtrlCEndsCleanly) {
     const fs::path last = home.Write("z.sms", Bytes(99, 6));
     const TERMINAL_RESULT result = RunOnTerminal(
         OmbrelunePath(), WithHome({"convert", first.string(), pipe.string(), last.string()}, home),
-        [](const std::string& screen) { return screen.find("pipe.sms") != std::string::npos; });
+        WaitsAtThePipe);
     EXPECT_EQ(result.exitCode, 130) << result.screen;
     EXPECT_THAT(result.screen, HasSubstr(kCursorHidden));
     EXPECT_THAT(result.screen, EndsWith(kCursorShown));
@@ -214,7 +219,7 @@ TEST(Add, CtrlCEndsCleanlyAndKeepsWhatWasCopied) {
     const fs::path last = from.Write("z.sms", Bytes(1024, 6));
     const TERMINAL_RESULT result = RunOnTerminal(
         OmbrelunePath(), WithHome({"add", first.string(), pipe.string(), last.string()}, home),
-        [](const std::string& screen) { return screen.find("pipe.sms") != std::string::npos; });
+        WaitsAtThePipe);
     EXPECT_EQ(result.exitCode, 130) << result.screen;
     EXPECT_THAT(result.screen, HasSubstr("1 added, 0 already there\r\n"));
     EXPECT_THAT(result.screen, EndsWith(kCursorShown));

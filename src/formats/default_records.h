@@ -18,7 +18,7 @@
     return record;
 }
 
-// The usual mapper; what a short default record in a Game Gear file stands for.
+// The usual mapper. A Game Gear file may hold this record as its tag alone.
 [[nodiscard]] inline GAG_RECORD DefaultGearRecord() {
     GAG_RECORD record{};
     std::memcpy(record.tag, "GAG0", sizeof record.tag);

@@ -148,7 +148,7 @@ void RuleReader::Board() {
 
 // False for an unknown name.
 bool RuleReader::ReadCommon(std::string_view name) {
-    constexpr uint32_t kFirstYear = 1900; // 1900 stands for an unknown one
+    constexpr uint32_t kFirstYear = 1900; // means that the year is unknown
     constexpr uint32_t kLastYear = 2155;
     constexpr uint32_t kLastStatus = 127;
     if (name == "year") {

@@ -11,7 +11,7 @@
 
 // What a rule changes in the names of the games that it is for; the others stay.
 struct DATABASE_RULE {
-    std::string pattern; // of the list's names; "*" stands for any text
+    std::string pattern; // compared with the list's names; "*" matches any text
     std::optional<uint8_t> year;
     std::optional<uint8_t> playTypes;
     std::optional<uint8_t> status;

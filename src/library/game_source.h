@@ -61,7 +61,7 @@ struct IMAGE_VISITOR {
 
 // The program's own games of a system, as entries of a database.
 using BuiltInDatabase = std::vector<CGameFile> (*)(uint16_t system);
-// Set once, before other threads run; null: there are none.
+// Set once, before other threads run. Null: no game is built in.
 void SetBuiltInDatabase(BuiltInDatabase entries);
 
 // The database of a system: the entries of its file, if there is one, and then the program's own games whose image the

@@ -28,7 +28,7 @@ struct ROOM_SERVICES {
     GlLoader loader;
     ObjectFileReader readFile;
     RoomReport report;               // may be empty
-    ObjectFileReader readSpare = {}; // what stands in for a damaged file; may be empty
+    ObjectFileReader readSpare = {}; // reads the file to use instead of a damaged one; may be empty
 };
 
 struct SURFACE_MATERIAL {

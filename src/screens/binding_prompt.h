@@ -1,4 +1,5 @@
-// BindingPrompt: the box that waits for the next input of a device. All behind it is dimmed and takes no input.
+// BindingPrompt: the box that waits for the next press on a keyboard or controller. Everything behind it is dimmed
+// and takes no input.
 //
 // Escape, a click or ten seconds without an input end it with nothing: a controller has no key that could not be
 // the one that is wanted.

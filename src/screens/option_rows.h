@@ -1,6 +1,6 @@
 // What the options screen shows: a row for each setting, with its values, its help, and when a change takes effect.
 //
-// A stored value that is none of a row's choices stays as it is until the player chooses another one.
+// A stored value that is not in a row's list is kept until the player chooses another one.
 #pragma once
 
 #include <cstdint>

@@ -50,7 +50,7 @@ struct MODE_FACTS {
 enum class ModeOrder : uint8_t {
     kNothing,
     kQuit,
-    kResetCamera, // the player stands at the room's door again
+    kResetCamera, // puts the player back at the room's door
     kChooseGame,  // the browser is for the selected set
     kStopGame,    // turn off the selected set
     kResetGame,   // of the selected set

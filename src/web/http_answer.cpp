@@ -21,7 +21,7 @@ std::string_view WithoutLeadingBlanks(std::string_view text) {
     return text;
 }
 
-// Of the digits at the start; 0 if there are none or too many.
+// The number that the digits at the start make; 0 if there are none or too many.
 template <typename Number>
 Number DecimalAtStart(std::string_view text) {
     Number number = 0;

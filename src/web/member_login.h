@@ -52,7 +52,7 @@ public:
                bool keep);
     // Once a round: goes on when the keys are made.
     void Update();
-    // The same with the kept keys. False if there are none for this service.
+    // Logs in with the keys that were kept. False if none were kept for this service.
     [[nodiscard]] bool LoginWithKey(const SERVICE_ADDRESSES& addresses);
     // Tells the service, if a member is logged in, and forgets the token. The keys stay.
     void Logout();

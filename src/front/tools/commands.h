@@ -104,7 +104,7 @@ struct ROOM_OPTIONS {
     std::vector<std::filesystem::path>
         covers;           // images of game boxes, shown over the room; at most six
     bool cabinet = false; // an arcade cabinet beside them
-    size_t turned = 0;    // so many of the boxes show their backs
+    size_t turned = 0;    // how many boxes show their backs
     std::filesystem::path
         screenshot; // of the window once all sets have a picture; then the program ends
 };

@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -188,10 +189,13 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
         hintsSince = input.now;
     }
     ApplyModes();
+    const bool turning = std::ranges::any_of(
+        coverView.Slots(), [](const CoverView::SLOT& slot) { return slot.flipping; });
     coverView.Update(seconds);
+    const bool boxNews = std::exchange(coverNews, false) || turning;
     if (modes.Covered()) {
         hints.Show(std::wstring());
-        return hasCovers;
+        return boxNews;
     }
     hints.Show(showsHints ? Hint(input.now) : std::wstring());
     const bool pictureNews = fullScreen != nullptr && fullScreen->Update(input);
@@ -482,6 +486,7 @@ void RoomScreen::SetCovers(std::span<const COVER_IMAGE> images, bool withCabinet
     }
     coverView.SetCovers(kinds, withCabinet);
     hasCovers = !kinds.empty();
+    coverNews = true;
 }
 
 void RoomScreen::DrawInWindow(const WINDOW_PLACE& place, const DRAW_TARGET& target) {

@@ -80,7 +80,11 @@ public:
 
     // The boxes of a game, in the toolkit's window that asks for a scene; at most six. None: an empty window.
     void SetCovers(std::span<const COVER_IMAGE> images, bool withCabinet);
-    [[nodiscard]] CoverView& Covers() { return coverView; }
+    // To be clicked on or turned over: the boxes are then drawn again.
+    [[nodiscard]] CoverView& Covers() {
+        coverNews = true;
+        return coverView;
+    }
 
     // Whether a line at the foot of the window says what the player can do.
     void ShowHints(bool show) { showsHints = show; }
@@ -154,4 +158,5 @@ private:
     bool padInHand = false;
     bool showsHints = true;
     bool hasCovers = false;
+    bool coverNews = false; // the boxes look different since the last round
 };

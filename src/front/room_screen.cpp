@@ -307,7 +307,10 @@ void RoomScreen::VisitSet(int step) {
 
 void RoomScreen::Act(const HANDS& hands) {
     // While a machine is played `Turn Off` is not read: its key may be one of the machine's.
-    if (hands.toggleWalking) {
+    // While nobody plays, a click beside the interface takes the camera again.
+    const bool takesCamera = hands.click && modes.Mode() == ProgramMode::kStanding &&
+                             !selected.on && CGhostManager::Get().HoverWindow() == nullptr;
+    if (hands.toggleWalking || (takesCamera && !hands.middle)) {
         Take(ModeInput::kLeave);
     } else if (hands.middle) {
         Take(ModeInput::kMiddleButton);
@@ -315,9 +318,6 @@ void RoomScreen::Act(const HANDS& hands) {
         Take(ModeInput::kTurnOff);
     } else if (modes.Walking() && hands.use) {
         Use();
-    } else if (hands.click && modes.Mode() == ProgramMode::kStanding && !selected.on &&
-               CGhostManager::Get().HoverWindow() == nullptr) {
-        Take(ModeInput::kLeave); // nobody plays, so a click takes the camera again
     }
 }
 
@@ -427,15 +427,11 @@ void RoomScreen::CollectGames() {
 void RoomScreen::ApplyModes() {
     around.televisions.ShowInRoom(modes.RoomVisible());
     SoundSetRoomVisible(modes.RoomVisible());
-    if (modes.Covered() || Behind()) {
-        InputSetActiveKey(kNoSession);
-    } else if (!modes.RoomVisible()) {
-        InputSetActiveKey(shownKey);
-    } else if (selected.id != 0) {
-        InputSetActiveKey(selected.id);
-    } else {
-        InputSetActiveKey(kNoSession);
+    uint32_t played = kNoSession;
+    if (!modes.Covered() && !Behind()) {
+        played = modes.RoomVisible() ? selected.id : shownKey;
     }
+    InputSetActiveKey(played);
     PlaceListener(camera);
 }
 

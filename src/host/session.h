@@ -70,7 +70,7 @@ struct EMU_THREAD {
     std::atomic<uint32_t> lockWaiters{0}; // other threads that wait for `lock`
 
     // What the host keeps. `hostData` is set by the open callback on the session's thread and cleared by
-    // close on the stopping one, both under the list lock.
+    // close on the stopping one, both under the list lock, close under `lock` as well.
     std::atomic<EMU_HOST_DATA*> hostData{nullptr};
     SESSION_SOUND sound;           // shared with the sound pump
     SESSION_STATISTICS statistics; // counted on the session's thread and the pump's
@@ -88,8 +88,9 @@ struct EMU_THREAD {
 };
 
 struct EMU_HOST_CALLBACKS {
-    void (*open)(EMU_THREAD* session);  // session thread, once, under the list lock
-    void (*close)(EMU_THREAD* session); // the stopping thread, after the session thread has ended
+    void (*open)(EMU_THREAD* session); // session thread, once, under the list lock
+    // The stopping thread, after the session thread has ended; under the list lock and the session's.
+    void (*close)(EMU_THREAD* session);
     EMU_VIDEO_FRAME* (*getVideoFrame)(EMU_THREAD* session);
     void (*present)(EMU_THREAD* session, uint32_t microseconds);
     void (*submitAudio)(EMU_THREAD* session, EMU_AUDIO_FRAME* audio);

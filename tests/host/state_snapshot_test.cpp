@@ -28,13 +28,16 @@ Bytes BytesOf(std::string_view text) {
 STATE_SNAPSHOT SmallSnapshot() {
     STATE_SNAPSHOT snapshot;
     snapshot.state = {1, 2, 3, 0, 255};
-    snapshot.picture = {2, 1, 4.0f / 3.0f, {0xFF102030, 0xFFFFFFFF}};
+    snapshot.picture = {
+        2, 1, 4.0f / 3.0f, {0xFF102030, 0xFFFFFFFF}
+    };
     snapshot.takenAt = 1234567890;
     snapshot.secondsPlayed = 3723;
     snapshot.texts = {
-        {"game", "L\xC3\xBC" "ciole <1> \"&\""},
-        {"set",  "2"                          },
-        {"game", "a second one"               }
+        {"game", "L\xC3\xBC"
+                 "ciole <1> \"&\""},
+        {"set",  "2"                              },
+        {"game", "a second one"                   }
     };
     return snapshot;
 }
@@ -195,7 +198,9 @@ TEST(Snapshot, WhatCouldNotBeReadAgainIsNotWritten) {
     EXPECT_TRUE(refused([](STATE_SNAPSHOT& s) { s.texts[0].value += '\0'; }));
     EXPECT_TRUE(refused(
         [](STATE_SNAPSHOT& s) { s.texts[0].value = std::string(kLongestSnapshotText + 1, 'x'); }));
-    EXPECT_TRUE(refused([](STATE_SNAPSHOT& s) { s.texts.resize(kMostSnapshotTexts + 1, {"a", "b"}); }));
+    EXPECT_TRUE(refused([](STATE_SNAPSHOT& s) {
+        s.texts.resize(kMostSnapshotTexts + 1, {"a", "b"});
+    }));
 }
 
 TEST(Snapshot, AFileCutAnywhereIsRefused) {
@@ -305,9 +310,7 @@ protected:
     // Lets a session run until its machine has presented, and pins it.
     SessionPin StartAndPin(const TEST_BEHAVIOUR& behaviour = {}) {
         EXPECT_NE(Start(4, "Game", 1, behaviour), 0u);
-        EXPECT_TRUE(Eventually([] {
-            return FrameOf(4) > 2;
-        }));
+        EXPECT_TRUE(Eventually([] { return FrameOf(4) > 2; }));
         return PinSession(4);
     }
 
@@ -387,10 +390,10 @@ TEST_F(TakenSnapshot, IsGivenBackAndBringsTheStateBefore) {
     const Bytes late = StateOf(*session);
     session->showStatic = 1;
 
-    Bytes before;
+    STATE_SNAPSHOT before;
     EXPECT_TRUE(EmuGiveState(*session, early, &before));
     EXPECT_EQ(StateOf(*session), early);
-    EXPECT_EQ(before, late);
+    EXPECT_EQ(before.state, late);
     EXPECT_EQ(session->showStatic, 0) << "a loaded game shows no static";
     EXPECT_TRUE(session->battery.rolledBack) << "the game's memory is older than its file";
 }
@@ -403,11 +406,11 @@ TEST_F(TakenSnapshot, ARefusedStateLeavesTheMachineAsItWas) {
     session->showStatic = 1;
     Bytes wrong = was;
     wrong.pop_back();
-    Bytes before;
+    STATE_SNAPSHOT before;
     EXPECT_FALSE(EmuGiveState(*session, wrong, &before));
     EXPECT_FALSE(EmuGiveState(*session, {}));
     EXPECT_EQ(StateOf(*session), was);
-    EXPECT_EQ(before, was);
+    EXPECT_EQ(before.state, was);
     EXPECT_EQ(MachineOf(*session).resets, resets);
     EXPECT_EQ(session->showStatic, 1);
     EXPECT_FALSE(session->battery.rolledBack);

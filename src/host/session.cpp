@@ -240,3 +240,13 @@ bool EmuResetSession(uint32_t key) {
     session->machine->Reset();
     return true;
 }
+
+bool EmuPauseSession(uint32_t key, bool paused) {
+    const SessionPin session = PinSession(key);
+    if (!session) {
+        return false;
+    }
+    session->paused = paused;
+    const SessionHold afterTheStep(*session);
+    return true;
+}

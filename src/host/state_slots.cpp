@@ -97,8 +97,8 @@ void Describe(const EMU_THREAD& session, const SLOT_STAMP& stamp, STATE_SNAPSHOT
     snapshot.takenAt = stamp.now;
     snapshot.secondsPlayed = stamp.secondsPlayed;
     snapshot.texts = {
-        {kGameText,  session.gameName.substr(0, kLongestSnapshotText)},
-        {kImageText, session.stateEntryName                          }
+        {kGameText, session.gameName.substr(0, kLongestSnapshotText)},
+        {kImageText,         session.stateEntryName                        }
     };
 }
 

@@ -1,8 +1,7 @@
-#include "host/state_slots.h"
-
 #include "base/files.h"
 #include "host/host_fixture.h"
 #include "host/slot_worker.h"
+#include "host/state_slots.h"
 #include "library/full_disk.h"
 
 #include <gmock/gmock.h>
@@ -273,11 +272,11 @@ TEST_F(Slots, WhatWasBegunIsBroughtToAnEnd) {
         bool before;        // and whether the other one is there to be brought back
     };
     const ROW rows[] = {
-        {"slot-01.new.state",    nullptr,             "one", false}, // saved to an empty slot
-        {"slot-01.state",        "slot-01.new.state", "two", true }, // saved over another
-        {"slot-01.before.state", "slot-01.new.state", "two", true },
-        {"slot-01.swap.state",   "slot-01.before.state", "one", true}, // undone: not begun yet
-        {"slot-01.swap.state",   "slot-01.state",     "two", true },
+        {"slot-01.new.state",    nullptr,                "one", false}, // saved to an empty slot
+        {"slot-01.state",        "slot-01.new.state",    "two", true }, // saved over another
+        {"slot-01.before.state", "slot-01.new.state",    "two", true },
+        {"slot-01.swap.state",   "slot-01.before.state", "one", true }, // undone: not begun yet
+        {"slot-01.swap.state",   "slot-01.state",        "two", true },
     };
     for (const ROW& row : rows) {
         fs::remove_all(Folder());
@@ -323,8 +322,12 @@ TEST_F(SlotWorkerTest, DoesWhatIsOrderedAndAnswersWithTheSlots) {
     EXPECT_EQ(answer.text, "");
     EXPECT_THAT(Filled(answer.list), IsEmpty());
 
-    worker.Order({SlotAct::kSave, 4, serial, 7, {1000, 60}});
-    worker.Order({SlotAct::kLoad, 4, serial, 7, {1001, 61}});
+    worker.Order({
+        SlotAct::kSave, 4, serial, 7, {1000, 60}
+    });
+    worker.Order({
+        SlotAct::kLoad, 4, serial, 7, {1001, 61}
+    });
     answer = Answer(worker);
     EXPECT_EQ(answer.order.act, SlotAct::kSave);
     EXPECT_EQ(answer.text, "Saved to slot 7");

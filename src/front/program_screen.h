@@ -5,6 +5,7 @@
 // these what they ask of the program (ScreenHost).
 // What is dropped on the window joins the library; a game alone is then played, on the set that it would be chosen
 // for.
+// The saved states of the game that is played lie over it in a panel.
 // Keys of its own: F10 is the main menu; escape goes back in menu, panels and browser. A controller moves the focus
 // there; its shoulders step the browser's system, start starts the chosen game, the left button makes it a favourite.
 //
@@ -14,6 +15,7 @@
 #include "front/gui_pad.h"
 #include "front/play_times.h"
 #include "front/room_screen.h"
+#include "front/saved_states.h"
 #include "front/screen.h"
 #include "library/player_database.h"
 #include "screens/add_window.h"
@@ -59,6 +61,7 @@ public:
     [[nodiscard]] CGUIBattleGround& Menu() { return menu; }
     [[nodiscard]] CGUIGameOverlay& Overlay() { return overlay; }
     [[nodiscard]] AddWindow& Adding() { return adding; }
+    [[nodiscard]] SavedStates& States() { return states; }
 
 private:
     // ScreenHost.
@@ -80,6 +83,7 @@ private:
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;
     void Obey(ModeOrder order);
+    void ShowSavedStates();
     void FitScreens();
     void CountPlayed();
     void ReportPlay();
@@ -93,6 +97,7 @@ private:
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;
     PlayTimes playTimes{player};
+    SavedStates states;
     AddWindow adding;
     PlayReports reports{downloads};
     GuiPad pad;

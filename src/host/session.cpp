@@ -247,6 +247,5 @@ bool EmuPauseSession(uint32_t key, bool paused) {
         return false;
     }
     session->paused = paused;
-    const SessionHold afterTheStep(*session);
     return true;
 }

@@ -131,7 +131,7 @@ bool EmuStopSession(uint32_t key);
 bool EmuResetSession(uint32_t key);
 
 // Stops the rounds of the session on this key, or lets them go on. What is saved and loaded meanwhile is as at any
-// frame boundary; a round that is under way ends first. False if there is none. With no lock held.
+// frame boundary; a round that is under way still ends. False if there is none. With no lock held.
 bool EmuPauseSession(uint32_t key, bool paused);
 
 // Calls `visit` for every session that the host has opened, under the list lock. A visit may take the

@@ -20,6 +20,8 @@ constexpr GUI_RECT kPicture{kMargin, kMargin, 200, 150};
 constexpr GUI_RECT kFirstLine{kMargin, 162, 200, 22};
 constexpr GUI_RECT kSecondLine{kMargin, 184, 200, 20};
 
+constexpr int32_t kCorner = 4;
+
 enum Face : size_t { kNormal = 0, kHot = 1, kChosen = 2 };
 
 void DrawStyled(CGhostSurface& surface, const GhostTextStyle& style, const std::wstring& text,
@@ -87,10 +89,10 @@ void SlotCell::Show(const SLOT_FACTS& facts) {
         picture.height = place.height;
         picture.pixels = label.picture.pixels;
     }
-    instead = !facts.filled    ? L"Empty"
-              : trouble        ? L"Cannot be read"
-              : !HasPicture()  ? L"No picture"
-                               : L"";
+    instead = !facts.filled   ? L"Empty"
+              : trouble       ? L"Cannot be read"
+              : !HasPicture() ? L"No picture"
+                              : L"";
     dirty = true;
 }
 
@@ -160,9 +162,9 @@ void SlotCell::FitPicture(double density) {
     const int32_t times = std::max((fitted.pixelWidth - 1) / picture.pixelWidth,
                                    (fitted.pixelHeight - 1) / picture.pixelHeight) +
                           1;
-    fitted.pixels = ReducePixels(Enlarged(picture, times), picture.pixelWidth * times,
-                                 picture.pixelHeight * times, fitted.pixelWidth,
-                                 fitted.pixelHeight);
+    fitted.pixels =
+        ReducePixels(Enlarged(picture, times), picture.pixelWidth * times,
+                     picture.pixelHeight * times, fitted.pixelWidth, fitted.pixelHeight);
 }
 
 void SlotCell::PaintPicture(CGhostSurface& surface) {
@@ -190,4 +192,5 @@ void SlotCell::OnPaint(CGhostSurface* surface, const GUI_RECT& clientRect) {
     if (focused) {
         PaintFocusRing(*surface, whole);
     }
+    CutCorners(*surface, whole, kCorner);
 }

@@ -21,8 +21,8 @@ constexpr int32_t kMessageHeight = 28;
 constexpr int32_t kButtonHeight = 28;
 constexpr int32_t kInnerWidth = kColumns * SlotCell::kWidth + (kColumns - 1) * kGap;
 // The buttons fill the row, so that every direction leads to the next one.
-constexpr int32_t kButtonWidth =
-    (kInnerWidth - (static_cast<int32_t>(kSlotButtons) - 1) * kGap) / static_cast<int32_t>(kSlotButtons);
+constexpr int32_t kButtonWidth = (kInnerWidth - (static_cast<int32_t>(kSlotButtons) - 1) * kGap) /
+                                 static_cast<int32_t>(kSlotButtons);
 constexpr int32_t kMessageTop = kTop + kRows * (SlotCell::kHeight + kGap);
 constexpr int32_t kButtonsTop = kMessageTop + kMessageHeight + kGap;
 constexpr int32_t kInnerHeight = kButtonsTop + kButtonHeight + 4;
@@ -32,12 +32,12 @@ struct BUTTON_ROW {
     const wchar_t* help;
 };
 constexpr BUTTON_ROW kButtons[kSlotButtons] = {
-    {L"Load",      L"Goes on from this slot. It can be undone"              },
-    {L"Save",      L"Saves the game here. What was in the slot can be brought back"},
-    {L"Delete",    L"Empties the slot. It can be undone"                    },
+    {L"Load",      L"Goes on from this slot. It can be undone"                       },
+    {L"Save",      L"Saves the game here. What was in the slot can be brought back"  },
+    {L"Delete",    L"Empties the slot. It can be undone"                             },
     {L"Undo Save", L"Brings back what was in this slot before; once more undoes that"},
-    {L"Undo Load", L"Goes on from where you were before you loaded a slot"  },
-    {L"Close",     L"Back to the game"                                      },
+    {L"Undo Load", L"Goes on from where you were before you loaded a slot"           },
+    {L"Close",     L"Back to the game"                                               },
 };
 
 constexpr const wchar_t* kHowTo =
@@ -70,10 +70,9 @@ void CGUISlotsPanel::Open(const std::wstring& gameTitle) {
 
 void CGUISlotsPanel::Make(const std::wstring& gameTitle) {
     dimmed = new CGhostWindowEx(nullptr, 0, L"MESSAGEBOXBG", L"", CGhostWindowEx::kNoSignals, {});
-    box = new CGhostWindowEx(dimmed->window, 0, L"SLOTSWINDOW", L"Saved States: " + gameTitle,
-                             CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
-                                 CGhostWindowEx::kNoButtons,
-                             {});
+    box = new CGhostWindowEx(
+        dimmed->window, 0, L"SLOTSWINDOW", L"Saved States: " + gameTitle,
+        CGhostWindowEx::kFrame | CGhostWindowEx::kTitle | CGhostWindowEx::kNoButtons, {});
     for (uint32_t slot = 1; slot <= kStateSlots; ++slot) {
         SlotCell* const cell = new SlotCell(box->window, slot, {});
         cells[slot - 1] = cell;
@@ -188,12 +187,11 @@ void CGUISlotsPanel::Take(const SLOT_ANSWER& answer) {
     }
     if (!listed) {
         listed = true;
-        const auto newest =
-            std::max_element(list.slots.begin(), list.slots.end(),
-                             [](const SLOT_FACTS& a, const SLOT_FACTS& b) {
-                                 return (a.readable ? a.label.takenAt : INT64_MIN) <
-                                        (b.readable ? b.label.takenAt : INT64_MIN);
-                             });
+        const auto newest = std::max_element(list.slots.begin(), list.slots.end(),
+                                             [](const SLOT_FACTS& a, const SLOT_FACTS& b) {
+                                                 return (a.readable ? a.label.takenAt : INT64_MIN) <
+                                                        (b.readable ? b.label.takenAt : INT64_MIN);
+                                             });
         // Unless the player has chosen another meanwhile.
         if (chosen == 1) {
             cells[static_cast<size_t>(newest - list.slots.begin())]->SetFocus();

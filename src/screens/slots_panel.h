@@ -49,6 +49,7 @@ public:
     // Once a round, before the toolkit's tick.
     void Update();
 
+    [[nodiscard]] bool Waits() const { return waits; }       // for the answer to an order
     [[nodiscard]] uint32_t Chosen() const { return chosen; } // slot, from 1
     // While it is shown.
     [[nodiscard]] SlotCell* Cell(uint32_t slot) const { return cells[slot - 1]; }

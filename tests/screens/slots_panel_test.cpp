@@ -1,6 +1,4 @@
 // The panel of saved states: what is shown, and how it is used by mouse, by keys and by a controller.
-#include "screens/slots_panel.h"
-
 #include "gui/button.h"
 #include "gui/text.h"
 #include "gui/text_box.h"
@@ -8,6 +6,7 @@
 #include "gui/window_ex.h"
 #include "screens/panels_rig.h"
 #include "screens/slot_cell.h"
+#include "screens/slots_panel.h"
 
 #include <memory>
 #include <utility>
@@ -87,7 +86,9 @@ TEST_F(SlotsPanel, ShowsWhatIsInTheSlots) {
     Fill(2, 1'234'567'890);
     list.slots[2].filled = true; // a file that cannot be read
     panel->Open(L"Luciole");
-    EXPECT_EQ(orders, (Orders{{SlotAct::kList, 1}}));
+    EXPECT_EQ(orders, (Orders{
+                          {SlotAct::kList, 1}
+    }));
     Round();
     EXPECT_EQ(panel->Cell(2)->Instead(), L"Empty") << "nothing is known yet";
     Answer();
@@ -234,7 +235,9 @@ TEST_F(SlotsPanel, HasOneOrderAtATime) {
     Open();
     Click(panel->Button(SlotButton::kSave));
     Click(panel->Button(SlotButton::kDelete));
-    EXPECT_EQ(orders, (Orders{{SlotAct::kSave, 1}}));
+    EXPECT_EQ(orders, (Orders{
+                          {SlotAct::kSave, 1}
+    }));
     Answer();
     Click(panel->Button(SlotButton::kDelete));
     EXPECT_EQ(orders.back().first, SlotAct::kDelete);
@@ -298,8 +301,8 @@ protected:
 TEST_F(SlotsPanelLook, IsTidyOnEveryDisplay) {
     for (const DISPLAY& display : kDisplays) {
         Make(display.width, display.height);
-        panel = std::make_unique<CGUISlotsPanel>(
-            SLOTS_PANEL_CALLS{[](SlotAct, uint32_t) {}, [] {}});
+        panel =
+            std::make_unique<CGUISlotsPanel>(SLOTS_PANEL_CALLS{[](SlotAct, uint32_t) {}, [] {}});
         panel->Open(L"Luciole");
         SLOT_ANSWER answer;
         answer.done = true;

@@ -72,7 +72,7 @@ bool SavedStates::Update(const SCREEN_INPUT& input) {
         const InputFrame frame(looker, kApplicationKey);
         down = InputIsDown(kApplicationKey, L"Saved States");
     }
-    const bool pressed = down && !std::exchange(held, down);
+    const bool pressed = !std::exchange(held, down) && down;
     const bool wasShown = IsShown();
     TakeAnswers();
     ReadKeys(input, pressed);
@@ -112,7 +112,8 @@ void SavedStates::TakeAnswers() {
         // What the panel does not show, or shows no more.
         if (!answer->text.empty() && !IsShown()) {
             if (answer->done) {
-                PostNotice(answer->text + (loads ? ". Undo Load in Saved States takes it back" : ""));
+                PostNotice(answer->text +
+                           (loads ? ". Undo Load in Saved States takes it back" : ""));
             } else {
                 PostReport(answer->text);
             }

@@ -56,7 +56,7 @@ private:
     SAVED_STATES_GAME game;
     GuiPad pad;
     InputLooker looker;
-    bool held = false;       // the action was down in the round before
-    bool paused = false;     // the game, by this
-    int64_t closedAt = 0;    // microseconds of the host's clock; 0: not since the game was paused
+    bool held = false;    // the action was down in the round before
+    bool paused = false;  // the game, by this
+    int64_t closedAt = 0; // microseconds of the host's clock; 0: not since the game was paused
 };

@@ -2,6 +2,7 @@
 #include "front/program_rig.h"
 #include "front/saved_states.h"
 #include "front/virtual_joystick.h"
+#include "gui/text_box.h"
 #include "gui/window.h"
 #include "host/session_list.h"
 #include "host/state_slots.h"
@@ -30,9 +31,9 @@ protected:
         STATE_SNAPSHOT snapshot;
         std::string error;
         const std::string name = slot < 10 ? "slot-0" : "slot-";
-        EXPECT_TRUE(session && ReadSnapshot(SlotFolder(*session) /
-                                                (name + std::to_string(slot) + ".state"),
-                                            snapshot, error))
+        EXPECT_TRUE(session &&
+                    ReadSnapshot(SlotFolder(*session) / (name + std::to_string(slot) + ".state"),
+                                 snapshot, error))
             << error;
         return snapshot.state;
     }
@@ -46,18 +47,13 @@ protected:
     static testing::AssertionResult OpenPanel(Application& application, SavedStates& states) {
         const testing::AssertionResult pressed = Press(application, SDL_SCANCODE_F9);
         return pressed ? RunUntil(application,
-                                  [&] {
-                                      return states.IsShown() &&
-                                             states.Panel().Message()->Text() != L"" &&
-                                             !states.Panel().Waits();
-                                  })
+                                  [&] { return states.IsShown() && !states.Panel().Waits(); })
                        : pressed;
     }
 
     // The order in hand has been answered, or has closed the panel.
     static testing::AssertionResult Finish(Application& application, SavedStates& states) {
-        return RunUntil(application,
-                        [&] { return !states.IsShown() || !states.Panel().Waits(); });
+        return RunUntil(application, [&] { return !states.IsShown() || !states.Panel().Waits(); });
     }
 
     static testing::AssertionResult PlayOn(Application& application, uint32_t key,

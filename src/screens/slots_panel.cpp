@@ -215,7 +215,8 @@ void CGUISlotsPanel::FitButtons() {
     const SLOT_FACTS& facts = list.slots[chosen - 1];
     const std::array<bool, kSlotButtons> can = {
         facts.filled, true, facts.filled, facts.hasBefore, list.hasLoadBefore, true};
-    Button(SlotButton::kUndoSlot)->SetCaption(facts.filled ? L"Undo Save" : L"Undo Delete");
+    Button(SlotButton::kUndoSlot)
+        ->SetCaption(!facts.filled && facts.hasBefore ? L"Undo Delete" : L"Undo Save");
     const GHOSTMANAGER_WINDOW* const focus = CGhostManager::Get().FocusWindow();
     for (size_t i = 0; i < kSlotButtons; ++i) {
         if (buttons[i]->IsEnabled() == can[i]) {

@@ -125,6 +125,8 @@ TEST_F(SlotsPanel, OffersWhatCanBeDoneWithTheChosenSlot) {
     EXPECT_EQ(panel->Button(SlotButton::kUndoSlot)->Caption(), L"Undo Delete");
     Click(panel->Cell(1)->window);
     EXPECT_EQ(panel->Button(SlotButton::kUndoSlot)->Caption(), L"Undo Save");
+    Click(panel->Cell(3)->window);
+    EXPECT_EQ(panel->Button(SlotButton::kUndoSlot)->Caption(), L"Undo Save");
     EXPECT_TRUE(orders.empty()) << "a click chooses, no more";
 }
 

@@ -272,7 +272,8 @@ ProgramScreen& Application::ShowProgram() {
     InstallOwnGames();
     auto program = std::make_unique<ProgramScreen>(
         ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight},
-        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings});
+        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings,
+                      [this] { pump.ForgetPresses(); }});
     ProgramScreen& shown = *program;
     Show(std::move(program));
     return shown;

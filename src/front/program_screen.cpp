@@ -111,7 +111,9 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
             GoBack();
         }
     }
-    const PAD_PRESSES presses = pad.Update(covered || adding.IsShown() || behind, input.now);
+    const bool padsForMenus = covered || adding.IsShown() || behind;
+    const PAD_PRESSES presses =
+        pad.Update(!std::exchange(forgetPads, false) && padsForMenus, input.now);
     if (behind) {
         return;
     }
@@ -131,6 +133,12 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
         }
     }
 }
+// It lies in the window's queue, for the next round.
+void ProgramScreen::ForgetInput() {
+    forgetPads = true;
+    calls.forgetInput();
+}
+
 
 void ProgramScreen::CountPlayed() {
     playTimes.Update(room.Games().Playing(), HostClock().nowMicroseconds());

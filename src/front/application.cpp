@@ -1,6 +1,7 @@
 #include "front/application.h"
 
 #include "audio/sound.h"
+#include "base/helper_thread.h"
 #include "base/random.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
@@ -78,7 +79,8 @@ bool Application::Start(std::string& error) {
     pacer.Start(window.FollowsDisplay(), Now());
     started = true;
     // Last, since new threads inherit it: the pump, the device and the graphics driver's workers keep
-    // all processors, and session threads bind themselves.
+    // all processors, and session threads bind themselves. Helpers let go of it.
+    SetHelperBegins(BecomeHelper);
     processor = BindProcessor(0);
     // A round holds locks that the sound pump waits for, so other programs must not delay it.
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_HIGH);

@@ -6,7 +6,6 @@
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
-#include "front/processor_binder.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
@@ -62,7 +61,7 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
                       menu.TakeFocus();
                   }
               }}) {
-    player.Open(ResolvePath(kPlayerDatabaseFile), UseAllProcessors);
+    player.Open(ResolvePath(kPlayerDatabaseFile));
 }
 
 // The games that still run end with the room.

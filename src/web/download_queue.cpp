@@ -1,5 +1,6 @@
 #include "web/download_queue.h"
 
+#include "base/helper_thread.h"
 #include "web/http_client.h"
 
 #include <mutex>
@@ -85,6 +86,7 @@ void DownloadQueue::Stop() {
 void DownloadQueue::Run() {
     while (true) {
         uint32_t id = 0;
+    HelperBegins();
         std::wstring url;
         AbortWord abortFlag;
         {

@@ -2,6 +2,7 @@
 #include "library/player_database.h"
 
 #include "support/temporary_folder.h"
+#include "support/counted_helpers.h"
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -90,6 +91,13 @@ TEST_F(Player, AnImageBelongsToItsSystem) {
 }
 
 TEST_F(Player, WithoutAFileItWorksForThisRun) {
+TEST_F(Player, ItsThreadIsAHelper) {
+    const CountedHelpers helpers;
+    Start().SetFavourite(Game(1), true);
+    database->Finish();
+    EXPECT_EQ(CountedHelpers::Begun(), 1);
+}
+
     PlayerDatabase alone;
     alone.SetFavourite(Game(1), true);
     alone.Finish();

@@ -125,7 +125,8 @@ void PlayerDatabase::WriteChanges() {
             AddChange(change, taken[game]);
         }
         changes.swap(taken);
-        news += "; favourites and times played are not kept";
+        news +=
+            (news.empty() ? "" : "; ") + std::string("favourites and times played are not kept");
     }
     if (!news.empty() && (written || !told)) {
         message = news;

@@ -1,5 +1,6 @@
 #include "web/member_login.h"
 
+#include "base/helper_thread.h"
 #include "base/text.h"
 #include "web/download_queue.h"
 
@@ -140,13 +141,19 @@ void MemberLogin::TakeChallenge(const std::wstring& body) {
 void MemberLogin::MakeKeys() {
     const auto secret = std::make_shared<std::string>(password); // shared, so that no copy is left
     WipeSecret(password);
-    making = std::async(std::launch::async,
-                        [secret, salt = challenge.salt, iterations = challenge.iterations] {
-                            const SCRAM_KEYS keys = DeriveScramKeys(*secret, salt, iterations);
-                            WipeSecret(*secret);
-                            return keys;
-                        });
-    keysAwaited = true;
+    const auto derive = [secret, salt = challenge.salt, iterations = challenge.iterations] {
+        HelperBegins();
+        const SCRAM_KEYS keys = DeriveScramKeys(*secret, salt, iterations);
+        WipeSecret(*secret);
+        return keys;
+    };
+    try {
+        making = std::async(std::launch::async, derive);
+        keysAwaited = true;
+    } catch (const std::system_error& failure) { // the system gives no thread
+        WipeSecret(*secret);
+        Fail(WideFromUtf8(failure.what()));
+    }
 }
 
 void MemberLogin::Update() {

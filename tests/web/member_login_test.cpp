@@ -5,6 +5,7 @@
 #include "support/temporary_folder.h"
 #include "support/wait_until.h"
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <functional>
 #include <string>
@@ -149,6 +150,34 @@ TEST_F(Login, NeedsAServiceANameAndAPassword) {
     login.Login({}, L"anna", "correct horse", false);
     EXPECT_EQ(login.Error(), L"No web service is set");
     for (const auto& [name, password] : {
+// The system refuses threads with a stack that is larger than any memory.
+TEST_F(Login, SaysThatNoThreadCouldBeMade) {
+    answers = Ending(std::string(kNobodysSignature));
+    login.Login(kAddresses, L"anna", "correct horse", false);
+    ASSERT_TRUE(queue.WaitUntilIdle(kLongestWait));
+    pthread_attr_t before;
+    pthread_attr_t huge;
+    ASSERT_EQ(pthread_getattr_default_np(&before), 0);
+    ASSERT_EQ(pthread_attr_init(&huge), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&huge, size_t{1} << 47), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&huge), 0);
+    queue.PumpRequests(); // the challenge comes
+    EXPECT_EQ(pthread_setattr_default_np(&before), 0);
+    pthread_attr_destroy(&huge);
+    pthread_attr_destroy(&before);
+    EXPECT_EQ(login.CurrentState(), MemberLogin::State::kOut);
+    EXPECT_EQ(login.Error(), L"Resource temporarily unavailable");
+    login.Update();
+    EXPECT_EQ(fetches, 1) << "no proof was sent";
+}
+
+TEST_F(Login, SaysThatTheAddressIsOfAnotherForm) {
+    login.Login({L"https://host/", L""}, L"anna", "correct horse", false);
+    ASSERT_TRUE(queue.WaitUntilIdle(kLongestWait));
+    queue.PumpRequests();
+    EXPECT_EQ(login.Error(), L"The address of the web service must begin with http://");
+}
+
              std::pair{L"",     "secret"},
              std::pair{L"anna", ""      },
              std::pair{L"a\nb", "secret"}

@@ -85,24 +85,24 @@ void CGUIBattleGround::AskForNews() {
         return;
     }
     SetNews(std::wstring(kConnectingText));
-    host.Downloads().QueueRequest(url, L"", 0, abandoned,
-                                  [this](const std::wstring& error, const std::wstring&, uint32_t,
-                                         const AbortWord& gone, const uint8_t* data,
-                                         uint32_t size) {
-                                      if (*gone != 0) {
-                                          return;
-                                      }
-                                      if (!error.empty()) {
-                                          SetNews(error);
-                                          return;
-                                      }
-                                      const NEWS_ANSWER answer = ReadNews({data, size});
-                                      SetNews(answer.news);
-                                      if (answer.version > kProgramVersion) {
-                                          CGhostMessageBox::Show(std::wstring(kNewVersionTitle),
-                                                                 std::wstring(kNewVersionText));
-                                      }
-                                  });
+    host.Downloads().QueueRequest(
+        url, L"", 0, abandoned,
+        [this, url](const std::wstring& error, const std::wstring&, uint32_t, const AbortWord& gone,
+                    const uint8_t* data, uint32_t size) {
+            if (*gone != 0 || url != NewsUrlOfSettings()) {
+                return; // the player has entered another service
+            }
+            if (const auto why = WhyNothingCame(url, error, data); !why.empty()) {
+                SetNews(why);
+                return;
+            }
+            const NEWS_ANSWER answer = ReadNews({data, size});
+            SetNews(answer.news);
+            if (answer.version > kProgramVersion) {
+                CGhostMessageBox::Show(std::wstring(kNewVersionTitle),
+                                       std::wstring(kNewVersionText));
+            }
+        });
 }
 
 void CGUIBattleGround::MakeWindows() {

@@ -106,19 +106,19 @@ void MemberLogin::Ask(std::wstring_view query, std::string_view message,
                       void (MemberLogin::*answer)(const std::wstring& body)) {
     const std::wstring url =
         QueryUrl(service, std::wstring(query) + UrlText(WideFromUtf8(message)));
-    queue.QueueRequest(url, {}, 0, abortWord,
-                       [this, answer](const std::wstring& errorText, const std::wstring&, uint32_t,
-                                      const AbortWord& word, const uint8_t* data, uint32_t size) {
-                           if (*word != 0) {
-                               return; // this attempt, or even this object, is gone
-                           }
-                           if (data == nullptr) {
-                               Fail(errorText.empty() ? kLoginNoSense
-                                                      : std::wstring_view(errorText));
-                               return;
-                           }
-                           (this->*answer)(AnswerText({data, size}));
-                       });
+    queue.QueueRequest(
+        url, {}, 0, abortWord,
+        [this, url, answer](const std::wstring& errorText, const std::wstring&, uint32_t,
+                            const AbortWord& word, const uint8_t* data, uint32_t size) {
+            if (*word != 0) {
+                return; // this attempt, or even this object, is gone
+            }
+            if (const auto why = WhyNothingCame(url, errorText, data); !why.empty()) {
+                Fail(why);
+                return;
+            }
+            (this->*answer)(AnswerText({data, size}));
+        });
 }
 
 void MemberLogin::TakeChallenge(const std::wstring& body) {

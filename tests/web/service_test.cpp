@@ -146,13 +146,6 @@ TEST_F(Service, SendsCovers) {
                                        L"L'Ann\u00e9"
                                        L"e"));
     ASSERT_EQ(answer.body, archive);
-    const auto readSize = [&](std::span<const uint8_t> file, PICTURE_SIZE& size) {
-        size = {10, 10};
-        return std::equal(file.begin(), file.end(), picture.begin(), picture.end());
-    };
-    const fs::path path = home.Path() / "media" / "game.zip";
-    EXPECT_TRUE(StoreMediaArchive(path, answer.body, readSize, error)) << error;
-    EXPECT_EQ(home.Read("media/game.zip"), archive);
 }
 
 TEST_F(Service, LogsAMemberIn) {

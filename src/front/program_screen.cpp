@@ -132,12 +132,12 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
         }
     }
 }
+
 // It lies in the window's queue, for the next round.
 void ProgramScreen::ForgetInput() {
     forgetPads = true;
     calls.forgetInput();
 }
-
 
 void ProgramScreen::CountPlayed() {
     playTimes.Update(room.Games().Playing(), HostClock().nowMicroseconds());
@@ -180,11 +180,15 @@ void ProgramScreen::ReportPlay() {
     const MEMBER_CREDENTIALS& member = menu.Member().Member().Credentials();
     const SERVICE_ADDRESSES service = ServiceOfSettings();
     const RoomGames& games = room.Games();
+    bool reported = false;
     for (const uint32_t key : room.Objects().Televisions()) {
         if (key != 0) {
-            reports.Note(service, member, key, games.SerialOn(key), games.SystemOn(key),
-                         WideFromUtf8(games.TitleOn(key)));
+            reported |= reports.Note(service, member, key, games.SerialOn(key), games.SystemOn(key),
+                                     WideFromUtf8(games.TitleOn(key)));
         }
+    }
+    if (reported) {
+        menu.Member().Member().Check(); // the report itself brings no answer
     }
 }
 

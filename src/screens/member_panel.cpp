@@ -144,6 +144,9 @@ void MemberPanel::ShowState() {
     loginButton->SetCaption(waits ? L"Cancel" : L"Login");
     state->SetText(waits ? L"Logging in..." : member.Error().empty() ? L"" : member.Error());
     std::wstring text = L"Logged in as " + member.Credentials().name + L".";
+    if (visible && !shown) {
+        member.Check();
+    }
     for (const std::wstring& more : {member.Account(), member.Error()}) {
         text += more.empty() ? L"" : L"\n" + more;
     }
@@ -177,3 +180,6 @@ void MemberPanel::PressLogout() {
     Settings().SetBool(kStartSetting, false);
     host.SaveSettings();
 }
+    if (!remember->IsChecked()) {
+        member.ForgetKey();
+    }

@@ -87,6 +87,27 @@ void MemberLogin::Logout() {
     Change(State::kOut);
 }
 
+void MemberLogin::Check() {
+    if (!IsLoggedIn()) {
+        return;
+    }
+    const std::wstring query =
+        L"?m=9&u=" + UrlText(credentials.name) + L"&t=" + UrlText(credentials.token);
+    queue.QueueRequest(QueryUrl(service, query), {}, 0, abortWord,
+                       [this](const std::wstring&, const std::wstring&, uint32_t,
+                              const AbortWord& word, const uint8_t* data, uint32_t size) {
+                           if (*word == 0 && data != nullptr) {
+                               TakeCheck(AnswerText({data, size}));
+                           }
+                       });
+}
+
+void MemberLogin::TakeCheck(const std::wstring& body) {
+    if (GetTag(body, L"LOGIN", true) == L"ended" && !LoginWithKey(SERVICE_ADDRESSES(service))) {
+        Fail(kLoginEnded);
+    }
+}
+
 void MemberLogin::ForgetKey() const {
     std::error_code ignored;
     std::filesystem::remove(keyFile, ignored);

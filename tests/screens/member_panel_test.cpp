@@ -184,3 +184,18 @@ TEST_F(Member, IsLoggedInAtTheNextStartUntilTheLogout) {
 }
 
 } // namespace
+TEST_F(Member, ALoginThatIsNotToBeKeptForgetsTheKeptKey) {
+    served.AddMember("anna", "correct horse");
+    served.Start();
+    MemberPanel& panel = OpenServed();
+    panel.Remember()->SetChecked(true);
+    LogIn(panel, L"anna", L"correct horse");
+    ASSERT_TRUE(fs::exists(KeyFile()));
+    panel.Member().Logout(); // as at the end of the program
+    Round();
+    panel.Remember()->SetChecked(false);
+    LogIn(panel, L"anna", L"correct horse");
+    ASSERT_TRUE(panel.Member().IsLoggedIn());
+    EXPECT_FALSE(fs::exists(KeyFile()));
+}
+

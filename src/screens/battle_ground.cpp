@@ -49,6 +49,10 @@ std::wstring VersionText() {
     return text;
 }
 
+std::wstring NewsUrlOfSettings() {
+    return NewsUrl({Settings().GetString(L"web_service"), Settings().GetString(L"web_images")});
+}
+
 } // namespace
 
 CGUIBattleGround::CGUIBattleGround(ScreenHost& program)
@@ -78,8 +82,7 @@ CGUIBattleGround::~CGUIBattleGround() {
 }
 
 void CGUIBattleGround::AskForNews() {
-    const std::wstring url =
-        NewsUrl({Settings().GetString(L"web_service"), Settings().GetString(L"web_images")});
+    const std::wstring url = NewsUrlOfSettings();
     if (url.empty()) {
         SetNews(std::wstring(kNoServiceText));
         return;
@@ -127,6 +130,7 @@ void CGUIBattleGround::MakeWindows() {
                   [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kBack); });
     tagline = new CGhostTextBox(area, 0, L"SECTIONTEXT", L"", {});
     member = std::make_unique<MemberPanel>(area, host);
+    member->serviceChanged = [this] { AskForNews(); };
     newsHeader = new CGhostTextBox(area, 0, L"LARGEHEADERTEXT", L"News", {});
     news = new CGhostMultiText(area, 0, L"WINDOWOVERLAY",
                                L"Connecting to server to collect news...", {});

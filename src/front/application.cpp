@@ -150,6 +150,8 @@ bool Application::RenewGraphics() {
     return true;
 }
 
+// Events first and drawing last: a picture then shows what the player has done until now, and the newest pictures of the
+// machines. With the room drawn before the events, all of that would be seen a round later.
 bool Application::Round() {
     ChangeScreen();
     HandInputOver();

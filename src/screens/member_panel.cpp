@@ -21,7 +21,7 @@ constexpr int32_t kRow = 25;
 constexpr int32_t kOutHeight = 180;
 constexpr int32_t kInHeight = 200;
 constexpr int32_t kPlaceTop = kTop + kRow + kInHeight + 10; // of the service's address
-constexpr int32_t kPlaceHeight = 116;
+constexpr int32_t kPlaceHeight = 90;
 constexpr int32_t kLabel = 80;
 constexpr int32_t kButton = 100;
 
@@ -29,6 +29,7 @@ constexpr const wchar_t* kStartSetting = L"login_connectstartup";
 constexpr const wchar_t* kServiceSetting = L"web_service";
 constexpr const wchar_t* kImagesSetting = L"web_images";
 constexpr const wchar_t* kScheme = L"http://";
+constexpr const wchar_t* kNoAddressNote = L"Do your friends run one? Enter its address here.";
 constexpr const char* kKeyFile = ".\\member.key";
 
 constexpr const wchar_t* kHelp =
@@ -49,6 +50,7 @@ MemberPanel::MemberPanel(GHOSTMANAGER_WINDOW* parent, ScreenHost& program)
     , out(new CGhostTextBox(parent, 0, L"WINDOWOVERLAY", L"", {}))
     , in(new CGhostTextBox(parent, 0, L"WINDOWOVERLAY", L"", {}))
     , help(new CGhostMultiText(parent, 0, L"WINDOWOVERLAY", kHelp, {}))
+    , placeHeader(new CGhostTextBox(parent, 0, L"LARGEHEADERTEXT", L"Web service", {}))
     , place(new CGhostTextBox(parent, 0, L"WINDOWOVERLAY", L"", {}))
     , member(host.Downloads(), ResolvePath(kKeyFile)) {
     MakeLogin();
@@ -60,8 +62,8 @@ MemberPanel::MemberPanel(GHOSTMANAGER_WINDOW* parent, ScreenHost& program)
 
 MemberPanel::~MemberPanel() {
     CGhostManager& manager = CGhostManager::Get();
-    for (GHOSTMANAGER_WINDOW* const window :
-         {header->window, out->window, in->window, help->window, place->window}) {
+    for (GHOSTMANAGER_WINDOW* const window : {header->window, out->window, in->window, help->window,
+                                              placeHeader->window, place->window}) {
         manager.DestroyWindow(window);
     }
 }
@@ -103,11 +105,11 @@ void MemberPanel::MakeMember() {
 
 void MemberPanel::MakeAddress() {
     GHOSTMANAGER_WINDOW* const within = place->window;
-    addressLabel = new CGhostTextBox(within, 0, L"TEXT", L"Web service of your group:", {});
     address = new CGhostEdit(within, 0, L"EDIT", Settings().GetString(kServiceSetting),
                              CGhostEdit::kSubmits, {});
     connectButton = new CGhostButton(within, 0, L"BUTTON", L"Connect", 0, {});
-    addressNote = new CGhostMultiText(within, 0, L"TEXT", L"", {});
+    addressNote =
+        new CGhostMultiText(within, 0, L"TEXT", address->Text().empty() ? kNoAddressNote : L"", {});
     address->SetMaxLength(200);
     address->SetToolTip(L"Such as http://our-computer:8080/, from whoever runs it; empty: none");
     connectButton->SetToolTip(L"Keeps the address, and asks the service for its news");
@@ -134,11 +136,11 @@ void MemberPanel::Layout() {
     remember->SetPos(kLabel + 10, 72, field, kRow);
     loginButton->SetPos(kLabel + 10, 104, kButton, kRow);
     state->SetPos(8, 134, inner - 16, out->window->clientRect.height - 138);
-    place->SetPos(kLeft, kPlaceTop, kWidth, kPlaceHeight);
-    addressLabel->SetPos(8, 8, inner - 16, kRow);
-    address->SetPos(8, 36, inner - kButton - 26, kRow);
-    connectButton->SetPos(inner - kButton - 8, 36, kButton, kRow);
-    addressNote->SetPos(8, 66, inner - 16, place->window->clientRect.height - 70);
+    placeHeader->SetPos(kLeft, kPlaceTop, kWidth, kRow);
+    place->SetPos(kLeft, kPlaceTop + kRow, kWidth, kPlaceHeight);
+    address->SetPos(8, 8, inner - kButton - 26, kRow);
+    connectButton->SetPos(inner - kButton - 8, 8, kButton, kRow);
+    addressNote->SetPos(8, 40, inner - 16, place->window->clientRect.height - 44);
     account->SetPos(8, 8, inner - 16, in->window->clientRect.height - 56);
     logoutButton->SetPos(8, in->window->clientRect.height - 36, kButton, kRow);
 }
@@ -175,6 +177,7 @@ void MemberPanel::ShowState() {
     help->SetVisible(shown && !service);
     out->SetVisible(shown && service && !loggedIn);
     in->SetVisible(shown && service && loggedIn);
+    placeHeader->SetVisible(shown);
     place->SetVisible(shown);
     loginButton->SetCaption(waits ? L"Cancel" : L"Login");
     state->SetText(waits ? L"Logging in..." : member.Error().empty() ? L"" : member.Error());
@@ -215,9 +218,8 @@ void MemberPanel::PressConnect() {
     if (!text.empty() && text.find(L"://") == std::wstring::npos) {
         text.insert(0, kScheme);
     }
-    const bool good = text.empty() || text.starts_with(kScheme);
-    addressNote->SetText(good ? L"" : std::wstring(kBadServiceAddress));
-    if (!good) {
+    if (!text.empty() && !text.starts_with(kScheme)) {
+        addressNote->SetText(std::wstring(kBadServiceAddress));
         return;
     }
     address->SetText(text);
@@ -226,6 +228,7 @@ void MemberPanel::PressConnect() {
     Settings().SetString(kImagesSetting, text);
     host.SaveSettings();
     ShowState();
+    addressNote->SetText(text.empty() ? kNoAddressNote : L"");
     LoginAtStart();
     if (serviceChanged) {
         serviceChanged();

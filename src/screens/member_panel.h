@@ -69,8 +69,8 @@ private:
     CGhostTextBox* out;
     CGhostTextBox* in;
     CGhostMultiText* help;
-    CGhostTextBox* place;
-    CGhostTextBox* addressLabel = nullptr;
+    CGhostTextBox* placeHeader;
+    CGhostTextBox* place; // of the service's address
     CGhostEdit* address = nullptr;
     CGhostButton* connectButton = nullptr;
     CGhostMultiText* addressNote = nullptr;

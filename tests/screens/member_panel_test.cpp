@@ -125,7 +125,7 @@ TEST_F(Member, TheServiceIsEnteredInTheMenu) {
     panel.Address()->SetText(L"");
     Click(panel.ConnectButton());
     EXPECT_EQ(Settings().GetString(L"web_service"), L"");
-    EXPECT_EQ(panel.AddressNote()->Text(), L"");
+    EXPECT_EQ(panel.AddressNote()->Text(), L"Do your friends run one? Enter its address here.");
     EXPECT_TRUE(panel.Help()->IsVisible());
     EXPECT_EQ(menu->News()->Text(), kNoServiceText);
 }

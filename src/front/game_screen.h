@@ -17,15 +17,15 @@ class GameScreen final : public Screen {
 public:
     // All three outlive the screen; the view may change between rounds.
     GameScreen(const Televisions& televisions, const GAME_VIEW& view, const LightGun& lightGun);
-    ~GameScreen() override; // shows the cursor, and nobody aims
+    ~GameScreen() override; // nobody aims
 
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override;
     [[nodiscard]] bool WantsInput() const override { return false; }
+    [[nodiscard]] Pointer PointerWanted() const override;
 
 private:
     void NoteMouse(const SCREEN_INPUT& input);
-    void HideIdleCursor(int64_t now);
     void AimLightGuns(const SCREEN_INPUT& input) const;
 
     const Televisions& televisions;
@@ -35,5 +35,5 @@ private:
     int64_t mouseMoved; // microseconds of the host's clock
     int32_t lastX = 0;
     int32_t lastY = 0;
-    bool cursorShown = true;
+    bool mouseRests = false;
 };

@@ -52,7 +52,7 @@ public:
     void Layout(int32_t width, int32_t height) override;
     void Update() override;
     void TakeFocus() override;
-    [[nodiscard]] bool TakeBack() override; // the filters
+    [[nodiscard]] bool TakeBack() override; // what a scan tells, the filters, the name to look for
 
     // As the button START GAME.
     void StartSelected();
@@ -92,6 +92,7 @@ private:
     void StoreContent(const std::wstring& error, std::span<const uint8_t> archive);
     [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
     void StoreSaves();
+    [[nodiscard]] bool LeaveName();
 
     ScreenHost& host;
     SystemSwitcher switcher;

@@ -39,6 +39,9 @@ public:
     void SettingsChanged() override { ++settingsChanges; }
     void SaveSettings() override { ++saves; }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
+    [[nodiscard]] std::wstring UseOfKey(uint32_t scancode) const override {
+        return scancode == 62 ? L"smooth pixels" : L""; // F5
+    }
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override {
         return openGame && openGame(game);
     }

@@ -135,7 +135,7 @@ bool RoomScreen::WantsInput() const {
 
 // A window that takes the input of all others, such as a message box, lies over the room.
 bool RoomScreen::Behind() const {
-    return held || CGhostManager::Get().ModalWindow() != nullptr;
+    return playerWaits || CGhostManager::Get().ModalWindow() != nullptr;
 }
 
 Pointer RoomScreen::PointerWanted() const {
@@ -417,7 +417,7 @@ void RoomScreen::Play(uint32_t key, OPENED_GAME&& opened) {
     if (set == nullptr) {
         return;
     }
-    games.Start(key, std::move(opened));
+    games.StartOnce(key, std::move(opened));
     if (fullScreen != nullptr && shownKey == key) {
         guns = *games.GunsOn(key);
     }

@@ -96,7 +96,7 @@ public:
     void StandAtDoor();
 
     // While something of the owner's has the keys nobody walks or plays.
-    void HoldPlayer(bool hold) { held = hold; }
+    void HoldPlayer(bool hold) { playerWaits = hold; }
 
     // Goes where the player wants, and does what belongs to the room of it.
     ModeOrder Take(ModeInput input);
@@ -165,7 +165,7 @@ private:
     bool padInHand = false; // after the keyboard and the mouse
     bool padPoints = false; // after the mouse
     bool mouseRests = true;
-    bool held = false; // something of the owner's lies over the room
+    bool playerWaits = false; // something of the owner's lies over the room
     bool showsHints = true;
     bool hasCovers = false;
     bool coverNews = false; // the boxes look different since the last round

@@ -25,10 +25,9 @@ protected:
     static std::wstring MessageText() {
         std::wstring text;
         CGhostManager::Get().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
-            const auto* const message = dynamic_cast<const CGhostMultiText*>(window.handler);
-            if (message != nullptr && window.parent != nullptr &&
-                window.parent->parent == CGhostManager::Get().ModalWindow()) {
-                text = message->Text();
+            for (const CGhostGUIHandler* one = window.handler; one != nullptr; one = one->next) {
+                const auto* const box = dynamic_cast<const CGhostMessageBox*>(one);
+                text = box != nullptr ? box->Message()->Text() : text;
             }
         });
         return text;

@@ -24,6 +24,7 @@ protected:
             room.Play(kFrontSet, Opened("demo:sms-luciole"));
             static_cast<void>(room.Take(ModeInput::kGameStarted));
             ASSERT_TRUE(RunUntilOn(application, room, kFrontSet));
+            ASSERT_TRUE(application.Round()); // which sees that it is on
             static_cast<void>(room.Take(mode == ProgramMode::kWalking      ? ModeInput::kLeave
                                         : mode == ProgramMode::kFullScreen ? ModeInput::kTelevision
                                                                            : ModeInput::kUse));
@@ -72,6 +73,7 @@ TEST_F(ProgramMessages, AMessageTakesEveryKeyInEveryMode) {
         EXPECT_EQ(application.CeilingLight(), lamp);
 
         ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+        ASSERT_TRUE(application.Round());
         EXPECT_EQ(CGhostMessageBox::Count(), 0u);
         EXPECT_EQ(ModeOf(*program), mode) << "one escape closes one thing";
         EXPECT_EQ(CGhostManager::Get().FocusWindow(), focus) << "as before";
@@ -109,6 +111,7 @@ TEST_F(ProgramMessages, AWindowOfAddedGamesUnderAMessageComesAfterIt) {
         application, [&] { return program->Adding().IsShown() && !program->Adding().Works(); }));
     EXPECT_EQ(CGhostManager::Get().FocusWindow(), box->Button()->window);
     ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    ASSERT_TRUE(application.Round());
     EXPECT_EQ(CGhostMessageBox::Count(), 0u);
     EXPECT_TRUE(program->Adding().IsShown());
     EXPECT_EQ(CGhostManager::Get().FocusWindow(), program->Adding().Button()->window);

@@ -45,7 +45,6 @@ TEST_F(ProgramPointer, GoesWithTheStripOfButtonsWhileAGameIsPlayed) {
     ASSERT_TRUE(OpenBrowser(application, *program));
     program->Room().Play(kFrontSet, Opened("demo:sms-luciole"));
     static_cast<void>(program->Room().Take(ModeInput::kGameStarted));
-    RobotClock::Stand();
     ASSERT_TRUE(TwoRounds(application));
     EXPECT_FALSE(Seen()) << "the keys chose the game";
     for (const ProgramMode mode : {ProgramMode::kStanding, ProgramMode::kFullScreen}) {

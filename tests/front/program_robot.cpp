@@ -156,7 +156,6 @@ struct ROBOT_TIME {
     int64_t base = 0; // microseconds, at `since`
     std::chrono::steady_clock::time_point since;
     std::thread::id main;
-    bool stands = false;
 };
 
 ROBOT_TIME& Time() {
@@ -166,11 +165,11 @@ ROBOT_TIME& Time() {
 
 // Under the lock.
 int64_t Reading(const ROBOT_TIME& time) {
-    constexpr int64_t kRound = 1000000; // one that takes longer waits for a time
+    constexpr int64_t kRound = 3000000; // one that takes longer waits for a time
     const auto passed = std::chrono::duration_cast<std::chrono::microseconds>(
                             std::chrono::steady_clock::now() - time.since)
                             .count();
-    return time.base + (time.stands ? 0 : std::max<int64_t>(passed - kRound, 0));
+    return time.base + std::max<int64_t>(passed - kRound, 0);
 }
 
 void Sleep(uint32_t milliseconds) {
@@ -199,7 +198,6 @@ RobotClock::RobotClock() {
     Time().base = 1000000;
     Time().since = std::chrono::steady_clock::now();
     Time().main = std::this_thread::get_id();
-    Time().stands = false;
     HostSetClock({Now, Sleep});
 }
 
@@ -212,13 +210,6 @@ void RobotClock::Go(int64_t microseconds) {
     const std::scoped_lock hold(time.lock);
     time.base = Reading(time) + microseconds;
     time.since = std::chrono::steady_clock::now();
-}
-
-void RobotClock::Stand() {
-    const int64_t now = Now();
-    const std::scoped_lock hold(Time().lock);
-    Time().base = now;
-    Time().stands = true;
 }
 
 // ---- The hands.

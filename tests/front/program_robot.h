@@ -44,8 +44,6 @@ public:
     RobotClock(const RobotClock&) = delete;
     RobotClock& operator=(const RobotClock&) = delete;
     static void Go(int64_t microseconds);
-    // From now on it goes on by Go alone: nobody may wait for a time.
-    static void Stand();
 };
 
 class RobotHand {

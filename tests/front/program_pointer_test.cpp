@@ -134,14 +134,14 @@ TEST_F(ProgramPointer, AWindowThatIsNotSeenIsNotDrawnAndItsGameGoesOn) {
     SDL_HideWindow(window); // which is for the program what a minimised one is
     ASSERT_TRUE(TwoRounds(application));
     ASSERT_FALSE(application.MainWindow().IsVisible());
-    const uint64_t drawn = application.Gui().Uploads();
+    // A set shows its first picture when the room is drawn.
     const uint32_t frame = FramesPresented();
-    CGhostMessageBox::Show(L"Title", L"text"); // would have to be drawn
+    program->Room().Play(kRightSet, Opened("demo:sms-luciole"));
     ASSERT_TRUE(RunUntil(application, [&] {
         RobotClock::Go(17000);
-        return FramesPresented() > frame + 5;
+        return SessionRuns(kRightSet) && FramesPresented() > frame + 200;
     }));
-    EXPECT_EQ(application.Gui().Uploads(), drawn);
+    EXPECT_FALSE(ShowsPicture(program->Room(), kRightSet));
     SDL_ShowWindow(window);
-    EXPECT_TRUE(RunUntil(application, [&] { return application.Gui().Uploads() > drawn; }));
+    EXPECT_TRUE(RunUntil(application, [&] { return ShowsPicture(program->Room(), kRightSet); }));
 }

@@ -87,6 +87,23 @@ TEST_F(Modality, BoxesClosedInTheSameTickReturnTheInput) {
     }
 }
 
+TEST_F(Modality, EscapeAndReturnCloseABoxWhicheverPartHasTheFocus) {
+    for (const GHOSTGUIKey key : {GHOSTGUIKey::kEscape, GHOSTGUIKey::kReturn}) {
+        for (int part = 0; part < 3; ++part) {
+            CGhostMessageBox* const box = CGhostMessageBox::Show(L"Title", L"Text");
+            manager.Tick(0);
+            Focus(part == 0   ? box->Message()->window
+                  : part == 1 ? box->Box()->window
+                              : box->window);
+            Key(static_cast<uint32_t>(key));
+            manager.Tick(0);
+            manager.Tick(0);
+            EXPECT_EQ(CGhostMessageBox::Count(), 0u) << part;
+            ExpectInputBackAt(button->window, "the box is gone");
+        }
+    }
+}
+
 TEST_F(Modality, WhatIsGivenTheFocusBehindABoxHasItAfterwards) {
     CGhostMessageBox* const lower = CGhostMessageBox::Show(L"Title", L"Text");
     CGhostMessageBox* const upper = CGhostMessageBox::Show(L"Title", L"Text");

@@ -18,6 +18,7 @@
 #include "front/run_settings.h"
 #include "front/saved_states.h"
 #include "front/session_callbacks.h"
+#include "gui/manager.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
@@ -37,6 +38,17 @@ constexpr int64_t kSecond = 1000000; // microseconds
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
+}
+
+// Also while the player is in the menu: he may look at the sets again at any moment.
+void HoldScreenSaverOff(bool gameRuns) {
+    if (gameRuns == (SDL_IsScreenSaverEnabled() == SDL_TRUE)) {
+        if (gameRuns) {
+            SDL_DisableScreenSaver();
+        } else {
+            SDL_EnableScreenSaver();
+        }
+    }
 }
 
 } // namespace
@@ -169,6 +181,7 @@ bool Application::Round() {
     const bool screenNews = UpdateScreen(events);
     ShowSavedStates(events);
     StopEndedGame();
+    HoldScreenSaverOff(!televisions.All().empty());
     KeepBatteries();
     const bool overlayNews = UpdateOverlays(events);
     if (events.windowChanged || screenNews || overlayNews) {
@@ -191,11 +204,15 @@ void Application::ChangeScreen() {
 void Application::HandInputOver() {
     const bool toScreen = screen->WantsInput();
     InputSetWalkingRoom(toScreen);
-    Window::CaptureMouse(toScreen);
+    Window::PutPointer(screen->PointerWanted());
     window.TellSize(pump);
 }
 
+// What takes all input, such as a message box, takes these keys too.
 void Application::RunCommands(const PUMP_EVENTS& events) {
+    if (CGhostManager::Get().ModalWindow() != nullptr) {
+        return;
+    }
     for (const ProgramCommand command : events.commands) {
         RunCommand(command);
     }
@@ -421,7 +438,7 @@ void Application::Release() {
     states.reset();
     nextScreen.reset();
     screen.reset();
-    Window::CaptureMouse(false);
+    Window::PutPointer(Pointer::kSeen);
     InputSetWalkingRoom(false);
     EndDrawing();
     televisions.End();

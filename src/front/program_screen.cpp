@@ -6,6 +6,7 @@
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
+#include "front/program_commands.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
@@ -83,24 +84,26 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     // The room first, and each by the mode in which the round began: what leads from one to the other must not act in
     // both.
     const bool covered = room.Modes().Covered();
+    room.HoldPlayer(adding.IsShown()); // its button has the keys
     const bool roomNews = room.Update(input);
     CountPlayed();
     ReadKeys(input, covered);
+    adding.Update(); // it may start a game
+    room.HoldPlayer(adding.IsShown());
     if (states.Update(input) && CGhostManager::Get().ModalWindow() == nullptr) {
         room.Take(ModeInput::kSavedStates);
     }
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
-    adding.Update();
     ReportPlay();
     return roomNews;
 }
 
 void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
     // A window that takes the input of all others, such as a message box, has these keys too.
-    const bool behind = CGhostMessageBox::Count() != 0 ||
-                        (CGhostManager::Get().ModalWindow() != nullptr && !adding.IsShown());
+    const bool behind =
+        CGhostMessageBox::Count() != 0 || CGhostManager::Get().ModalWindow() != nullptr;
     for (const GUI_INPUT& event : InputWalkingRoom() ? input.events.screen : input.events.gui) {
         if (event.kind != GuiInputKind::kKeyDown || event.repeat || behind) {
             continue;
@@ -183,20 +186,21 @@ void ProgramScreen::ShowSavedStates() {
                  }});
 }
 
-// Menu, panel and browser are as the mode says.
+// Menu, panel and browser are as the mode says. The room has no panel open behind it: what was played there is new
+// to a browser that is opened again.
 void ProgramScreen::FitScreens() {
     const ProgramMode mode = room.Modes().Mode();
     if (mode == shownMode) {
         return;
     }
     shownMode = mode;
-    if (mode == ProgramMode::kMenu) {
-        menu.Back();
-    } else if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
+    menu.SetVisible(room.Modes().Covered());
+    if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
         menu.OnMenu(kPanelBrowser);
         wanted.clear(); // the way has been gone
+    } else if (mode != ProgramMode::kBrowser && mode != ProgramMode::kPanel) {
+        menu.Back();
     }
-    menu.SetVisible(room.Modes().Covered());
 }
 
 void ProgramScreen::ReportPlay() {
@@ -323,6 +327,18 @@ std::vector<SCREEN_JOYSTICK> ProgramScreen::Joysticks() const {
         }
     }
     return present;
+}
+
+std::wstring ProgramScreen::UseOfKey(uint32_t scancode) const {
+    if (scancode == kF10) {
+        return L"main menu";
+    }
+    for (const PROGRAM_KEY& row : ProgramKeys()) {
+        if (row.scancode == scancode && !row.alt) {
+            return WideFromUtf8(row.name);
+        }
+    }
+    return {};
 }
 
 bool ProgramScreen::OpenBenchmarkGame(CGameFile& game) const {

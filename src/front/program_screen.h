@@ -47,10 +47,8 @@ public:
 
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override { room.Draw(target); }
-    // While dropped games are added the walk stops, so that the mouse reaches the button that cancels.
-    [[nodiscard]] bool WantsInput() const override {
-        return room.WantsInput() && !adding.IsShown();
-    }
+    [[nodiscard]] bool WantsInput() const override { return room.WantsInput(); }
+    [[nodiscard]] Pointer PointerWanted() const override { return room.PointerWanted(); }
     [[nodiscard]] bool TakeDroppedFiles(const std::vector<std::string>& files) override;
     void LoseGraphics() override { room.LoseGraphics(); }
     void RenewGraphics() override { room.RenewGraphics(); }
@@ -76,6 +74,7 @@ private:
     void SaveSettings() override { calls.saveSettings(); }
     void ForgetInput() override;
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override;
+    [[nodiscard]] std::wstring UseOfKey(uint32_t scancode) const override;
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 

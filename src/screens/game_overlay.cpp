@@ -3,11 +3,12 @@
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/text_box.h"
+#include "screens/program_pointer.h"
 #include "screens/screen_host.h"
 
 namespace {
 
-constexpr uint64_t kButtonsStay = 3000; // milliseconds after the mouse was used
+constexpr uint64_t kButtonsStay = kMouseRests / 1000; // milliseconds after the mouse was used
 
 // Units.
 constexpr int32_t kButtonWidth = 150;

@@ -5,6 +5,7 @@
 #include "facts/machine_facts.h"
 #include "gui/button.h"
 #include "gui/drop_list.h"
+#include "gui/edit.h"
 #include "gui/list_view.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
@@ -232,6 +233,7 @@ void CGUIRomBrowser::SetActive(bool wanted) {
         control->SetVisible(active);
     }
     empty->SetVisible(active && list->RowCount() == 0);
+    scan.SetActive(active);
     if (!active) {
         return;
     }
@@ -619,14 +621,34 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
 }
 
 void CGUIRomBrowser::TakeFocus() {
-    list->SetFocus();
+    if (!scan.TakeFocus()) {
+        list->SetFocus();
+    }
 }
 
+// One thing at a time, the nearest first.
 bool CGUIRomBrowser::TakeBack() {
-    if (!filters.Menu()->IsVisible()) {
+    if (scan.TakeBack()) {
+        return true;
+    }
+    if (filters.Menu()->IsVisible()) {
+        filters.CloseMenu();
+        list->SetFocus();
+        return true;
+    }
+    return LeaveName();
+}
+
+// Who looks for a name first wants another one, and then none.
+bool CGUIRomBrowser::LeaveName() {
+    CGhostEdit* const name = filters.Name();
+    if (CGhostManager::Get().FocusWindow() != name->window) {
         return false;
     }
-    filters.CloseMenu();
-    list->SetFocus();
+    if (name->Text().empty()) {
+        list->SetFocus();
+    } else {
+        filters.ClearName();
+    }
     return true;
 }

@@ -53,7 +53,7 @@ public:
     void Layout(int32_t width, int32_t height) override;
     void Update() override;
     void TakeFocus() override;
-    [[nodiscard]] bool TakeBack() override; // the filters
+    [[nodiscard]] bool TakeBack() override; // what a scan tells, the filters, the name to look for
 
     // As the button START GAME.
     void StartSelected();
@@ -97,6 +97,7 @@ private:
                       int32_t revision);
     [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
     void StoreSaves();
+    [[nodiscard]] bool LeaveName();
 
     ScreenHost& host;
     SystemSwitcher switcher;

@@ -40,6 +40,9 @@ public:
     void SaveSettings() override { ++saves; }
     void ForgetInput() override { ++inputsForgotten; }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
+    [[nodiscard]] std::wstring UseOfKey(uint32_t scancode) const override {
+        return scancode == 62 ? L"smooth pixels" : L""; // F5
+    }
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override {
         return openGame && openGame(game);
     }

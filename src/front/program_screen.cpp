@@ -78,21 +78,31 @@ ProgramScreen::~ProgramScreen() {
 
 bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     for (const ModeInput request : std::exchange(wanted, {})) {
-        room.Take(request);
+        Go(request);
     }
     downloads.PumpRequests();
+    // While dropped games are added nobody walks or plays: the mouse must reach the button that cancels.
+    room.SetBehind(adding.IsShown());
     // The room first, and each by the mode in which the round began: what leads from one to the other must not act in
     // both.
     const bool covered = room.Modes().Covered();
     const bool roomNews = room.Update(input);
     CountPlayed();
+    FitScreens();
     ReadKeys(input, covered);
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
     adding.Update();
+    room.SetBehind(adding.IsShown()); // asked for before the next events
     ReportPlay();
     return roomNews;
+}
+
+// Each wish finds the screens as the one before left them; a round that took long has several.
+void ProgramScreen::Go(ModeInput input) {
+    room.Take(input);
+    FitScreens();
 }
 
 void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
@@ -106,7 +116,7 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
         if (event.key == kEscape && adding.IsShown()) {
             adding.GoBack();
         } else if (event.key == kF10) {
-            room.Take(ModeInput::kMainMenu);
+            Go(ModeInput::kMainMenu);
         } else if (event.key == kEscape && covered && !ToolkitTakesEscape()) {
             GoBack();
         }
@@ -115,11 +125,12 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
     if (behind) {
         return;
     }
+    const bool nothingOver = !adding.IsShown();
     if (presses.back || presses.guide) {
         GoBack();
     }
     CGUIRomBrowser* const browser = menu.Browser();
-    if (browser != nullptr && browser->IsActive()) {
+    if (nothingOver && covered && browser != nullptr && browser->IsActive()) {
         if (presses.shoulder != 0) {
             browser->SelectSystem(presses.shoulder, -1);
         }
@@ -143,7 +154,7 @@ void ProgramScreen::GoBack() {
     if (adding.IsShown()) {
         adding.GoBack();
     } else if (!menu.TakeBack()) {
-        room.Take(ModeInput::kBack);
+        Go(ModeInput::kBack);
     }
 }
 
@@ -164,7 +175,7 @@ void ProgramScreen::FitScreens() {
         menu.Back();
     } else if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
         menu.OnMenu(kPanelBrowser);
-        wanted.clear(); // the way has been gone
+        wanted.pop_back(); // the way has been gone
     }
     menu.SetVisible(room.Modes().Covered());
 }

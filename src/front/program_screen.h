@@ -44,10 +44,7 @@ public:
 
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override { room.Draw(target); }
-    // While dropped games are added the walk stops, so that the mouse reaches the button that cancels.
-    [[nodiscard]] bool WantsInput() const override {
-        return room.WantsInput() && !adding.IsShown();
-    }
+    [[nodiscard]] bool WantsInput() const override { return room.WantsInput(); }
     [[nodiscard]] bool TakeDroppedFiles(const std::vector<std::string>& files) override;
     void LoseGraphics() override { room.LoseGraphics(); }
     void RenewGraphics() override { room.RenewGraphics(); }
@@ -74,6 +71,7 @@ private:
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
+    void Go(ModeInput input);
     void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
     void PlayFile(const std::filesystem::path& file);

@@ -78,11 +78,6 @@ std::wstring ActionPadName(std::wstring_view action, PadFamily family, PadContro
     return PadControlName(family, control);
 }
 
-// A window that takes the input of all others, such as a message box, lies over the room.
-bool Behind() {
-    return CGhostManager::Get().ModalWindow() != nullptr;
-}
-
 float Aspect(const DRAW_TARGET& target) {
     return static_cast<float>(std::max(target.width, 1u)) /
            static_cast<float>(std::max(target.height, 1u));
@@ -127,6 +122,11 @@ RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED
 void RoomScreen::StartRenderer() {
     renderer.InitRoom({[](const char* name) { return SDL_GL_GetProcAddress(name); }, ReadObjectFile,
                        PostReport, ReadBuiltInObject});
+}
+
+// A window that takes the input of all others, such as a message box, lies over the room, or one of the owner's.
+bool RoomScreen::Behind() const {
+    return behind || CGhostManager::Get().ModalWindow() != nullptr;
 }
 
 bool RoomScreen::WantsInput() const {

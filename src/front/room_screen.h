@@ -9,7 +9,7 @@
 // ProgramModes, which this owns; while menu or browser cover the window the room only keeps its games.
 // Without an owner, as the command `room` without the program's screens, `Use` at a set that is on shows it full
 // screen, and at one that is off starts the next of the games that were given.
-// While a message box is open nobody walks or plays.
+// While a message box or a window of the owner is open nobody walks or plays.
 // Page Down and Page Up, and a controller's back button, put the player before the next set and the one before:
 // also before those that a look does not choose where they stand.
 //
@@ -94,6 +94,9 @@ public:
     // At the door, where the room is entered.
     void StandAtDoor();
 
+    // A window of the owner lies over the room and takes the input, as a message box does.
+    void SetBehind(bool isBehind) { behind = isBehind; }
+
     // Goes where the player wants, and does what belongs to the room of it.
     ModeOrder Take(ModeInput input);
 
@@ -117,6 +120,7 @@ private:
     struct HANDS; // what the player's hands did in a round
 
     void StartRenderer();
+    [[nodiscard]] bool Behind() const;
     [[nodiscard]] HANDS ReadHands(const SCREEN_INPUT& input);
     void Walk(const HANDS& hands, float seconds);
     void ChooseSet(const HANDS& hands);
@@ -156,6 +160,7 @@ private:
     bool leaveHeld = false;
     bool nextSetHeld = false;
     bool padInHand = false;
+    bool behind = false;
     bool showsHints = true;
     bool hasCovers = false;
     bool coverNews = false; // the boxes look different since the last round

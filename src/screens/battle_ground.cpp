@@ -181,6 +181,11 @@ void CGUIBattleGround::SetVisible(bool visible) {
          {topArea->window, version->window, battleMain->window}) {
         Show(window, visible);
     }
+    // Behind the room and a game it rests, and it is up to date when it is shown again.
+    const bool browses = visible && current == kPanelBrowser;
+    if (browser != nullptr && browser->IsActive() != browses) {
+        browser->SetActive(browses);
+    }
     if (appears) {
         TakeFocus();
     }

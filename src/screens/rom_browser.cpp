@@ -224,7 +224,8 @@ void CGUIRomBrowser::SetActive(bool wanted) {
              list, optionsWindow, start, star, gameRoom, mainMenu, savesLabel, saves}) {
         control->SetVisible(active);
     }
-    empty->SetVisible(active && list->RowCount() == 0);
+    empty->SetVisible(active && list->RowCount() == 0 && !catalogue.ScanRuns());
+    scan.SetSeen(active);
     if (!active) {
         return;
     }
@@ -592,7 +593,11 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
 }
 
 void CGUIRomBrowser::TakeFocus() {
-    list->SetFocus();
+    if (scan.IsShown() && scan.Finish()->IsVisible()) {
+        scan.Finish()->SetFocus();
+    } else {
+        list->SetFocus();
+    }
 }
 
 bool CGUIRomBrowser::TakeBack() {

@@ -60,13 +60,20 @@ void ScanWindow::Open() {
     finish->SetVisible(false);
     barBack->SetVisible(true);
     Layout(false);
-    window->SetVisible(true);
-    window->SetZOrder(-1);
+    open = true;
+    SetSeen(seen);
 }
 
 void ScanWindow::Close() {
+    open = false;
     window->SetVisible(false);
     closed();
+}
+
+void ScanWindow::SetSeen(bool wanted) {
+    seen = wanted;
+    window->SetVisible(open && seen);
+    window->SetZOrder(-1);
 }
 
 void ScanWindow::Layout(bool withLog) {
@@ -107,7 +114,9 @@ bool ScanWindow::Update(Catalogue& catalogue) {
     if (converted) {
         barBack->SetVisible(false);
         finish->SetVisible(true);
-        finish->SetFocus();
+        if (seen) {
+            finish->SetFocus();
+        }
     } else {
         Close();
     }

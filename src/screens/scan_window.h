@@ -32,6 +32,9 @@ public:
     // filters, which ends the scan's state.
     [[nodiscard]] bool Update(Catalogue& catalogue);
 
+    // Not while the browser is hidden; a scan goes on, and what it has to tell waits.
+    void SetSeen(bool seen);
+
     [[nodiscard]] bool IsShown() const;
     [[nodiscard]] const CGhostTextBox* Text() const { return text; }
     [[nodiscard]] const CGhostTextBox* Counter(size_t index) const { return counters[index]; }
@@ -56,5 +59,7 @@ private:
     CGhostButton* finish;
     bool converted = false; // this scan has converted something
     bool scanning = false;
+    bool open = false; // shown, or it waits for the browser
+    bool seen = true;
     ScreenSignals signals;
 };

@@ -339,6 +339,7 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     lightGun.SetGame(opened);
     playing = StartGame(kFrontTelevision, opened, error) != 0;
     if (!playing) {
+        error = StartFailedLine(error);
         window.SetTitle(ProgramTitle());
         return false;
     }

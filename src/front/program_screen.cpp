@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "front/event_pump.h"
+#include "front/game_start.h"
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
@@ -31,6 +32,16 @@ bool ToolkitTakesEscape() {
     return top != nullptr && top->owner != nullptr;
 }
 
+void ShowFailure(const GAME_FAILURE& failure) {
+    if (!failure.starting) {
+        CGhostMessageBox::Show(L"The game has ended", WideFromUtf8(failure.reason));
+        return;
+    }
+    CGhostMessageBox::Show(WideFromUtf8(kStartFailed), failure.reason.empty()
+                                                           ? L"Its machine does not start."
+                                                           : WideFromUtf8(failure.reason));
+}
+
 constexpr std::chrono::milliseconds kLongestGoodbye{500};
 
 SERVICE_ADDRESSES ServiceOfSettings() {
@@ -48,10 +59,7 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
     : calls(std::move(programCalls))
     , joysticks(surroundings.joysticks)
     , room(surroundings, {},
-           {[this](ModeOrder order) { Obey(order); },
-            [](const std::string& error) {
-                CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
-            }},
+           {[this](ModeOrder order) { Obey(order); }, ShowFailure, [this] { ToggleGameMenu(); }},
            ProgramMode::kMenu)
     , menu(*this)
     , overlay(*this)
@@ -123,6 +131,9 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
     }
     const PAD_PRESSES presses = pad.Update(covered || adding.IsShown() || behind, input.now);
     if (behind) {
+        if (presses.guide) {
+            overlay.CloseMenu();
+        }
         return;
     }
     const bool nothingOver = !adding.IsShown();
@@ -155,6 +166,14 @@ void ProgramScreen::GoBack() {
         adding.GoBack();
     } else if (!menu.TakeBack()) {
         Go(ModeInput::kBack);
+    }
+}
+
+// Over nothing that takes the input itself.
+void ProgramScreen::ToggleGameMenu() {
+    const bool free = CGhostManager::Get().ModalWindow() == nullptr && !adding.IsShown();
+    if (overlay.Menu() != nullptr || free) {
+        overlay.ToggleMenu();
     }
 }
 
@@ -202,6 +221,7 @@ void ProgramScreen::UpdateOverlay(const SCREEN_INPUT& input) {
     state.selected = room.Selected().id != 0;
     state.selectedOn = room.Selected().on;
     state.mouseUsed = std::any_of(input.events.gui.begin(), input.events.gui.end(), UsesMouse);
+    state.mainMenu = names.mainMenu;
     state.use = names.use;
     state.turnOff = names.turnOff;
     state.attach = names.leave;
@@ -235,6 +255,7 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
 }
 
 bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
+    overlay.CloseMenu(); // it would keep the input from the window that opens
     adding.Add({files.begin(), files.end()});
     return true;
 }

@@ -74,6 +74,7 @@ private:
     void Go(ModeInput input);
     void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
+    void ToggleGameMenu();
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;

@@ -3,6 +3,7 @@
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/text_box.h"
+#include "screens/game_menu.h"
 #include "screens/screen_host.h"
 
 namespace {
@@ -51,6 +52,9 @@ CGUIGameOverlay::CGUIGameOverlay(ScreenHost& program)
 }
 
 CGUIGameOverlay::~CGUIGameOverlay() {
+    if (menu != nullptr) {
+        menu->Abandon();
+    }
     for (CGhostButton* const button : buttons) {
         CGhostManager::Get().DestroyWindow(button->window);
     }
@@ -88,19 +92,18 @@ void CGUIGameOverlay::Update(const OVERLAY_STATE& state) {
 }
 
 void CGUIGameOverlay::ShowHints(const OVERLAY_STATE& state) {
-    const std::array<std::wstring, kHints> texts = {
-        L"Main Menu [" + state.mainMenu + L"]",
-        L"Load Game [" + state.use + L"]",
-        L"Turn off Game [" + state.turnOff + L"]",
-        L"Attach to TV [" + state.attach + L"]",
-    };
+    constexpr std::array<const wchar_t*, kHints> kHintTexts = {L"Main Menu", L"Load Game",
+                                                               L"Turn off Game", L"Attach to TV"};
+    const std::array<const std::wstring*, kHints> names = {&state.mainMenu, &state.use,
+                                                           &state.turnOff, &state.attach};
     const std::array<bool, kHints> wanted = {true, state.selected, state.selectedOn,
                                              state.selectedOn};
     for (size_t i = 0; i < kHints; ++i) {
-        if (hints[i]->Text() != texts[i]) {
-            hints[i]->SetText(texts[i]);
+        const std::wstring text = std::wstring(kHintTexts[i]) + L" [" + *names[i] + L"]";
+        if (hints[i]->Text() != text) {
+            hints[i]->SetText(text);
         }
-        hints[i]->SetVisible(state.shown && state.walking && wanted[i]);
+        hints[i]->SetVisible(state.shown && state.walking && wanted[i] && !names[i]->empty());
     }
 }
 
@@ -111,7 +114,37 @@ void CGUIGameOverlay::ShowButtons(const OVERLAY_STATE& state) {
     const std::array<bool, kButtons> wanted = {true, state.selected, state.selectedOn,
                                                state.selectedOn, state.selectedOn};
     for (size_t i = 0; i < kButtons; ++i) {
-        buttons[i]->SetVisible(state.shown && !state.walking && recent && wanted[i]);
+        offered[i] = state.shown && wanted[i];
+        buttons[i]->SetVisible(offered[i] && !state.walking && recent);
+    }
+}
+
+void CGUIGameOverlay::ToggleMenu() {
+    if (menu != nullptr) {
+        CloseMenu();
+        return;
+    }
+    std::vector<GAME_MENU_ENTRY> entries;
+    entries.reserve(kButtons);
+    for (size_t i = 0; i < kButtons; ++i) {
+        if (offered[i]) {
+            entries.push_back({buttons[i]->Caption(), kStrip[i].input});
+        }
+    }
+    if (entries.empty()) {
+        return;
+    }
+    menu = new GameMenu(entries, [this](std::optional<ModeInput> chosen) {
+        menu = nullptr;
+        if (chosen) {
+            host.Take(*chosen);
+        }
+    });
+}
+
+void CGUIGameOverlay::CloseMenu() {
+    if (menu != nullptr) {
+        menu->Dismiss();
     }
 }
 

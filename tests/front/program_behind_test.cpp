@@ -50,9 +50,8 @@ TEST_F(ProgramBehind, TheBrowserRestsWhileAGameIsPlayed) {
     const int32_t before = browser->List()->RowCount();
     from.Write("more/one.sms", LatchingRom());
     Drop((from.Path() / "more").string());
-    ASSERT_TRUE(RunUntil(application, [&] {
-        return program->Adding().IsShown() && !program->Adding().Works();
-    }));
+    ASSERT_TRUE(RunUntil(
+        application, [&] { return program->Adding().IsShown() && !program->Adding().Works(); }));
     ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN)); // Finish
     ASSERT_FALSE(program->Adding().IsShown());
     for (int rounds = 0; rounds < 10; ++rounds) {

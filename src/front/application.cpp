@@ -215,6 +215,7 @@ void Application::RunCommand(ProgramCommand command) {
         break;
     case ProgramCommand::kToggleFullScreen:
         window.ToggleFullScreen();
+        Settings().SetBool(L"app_fullscreen", window.FillsDisplay()); // as the option does
         pacer.NoteNews();
         break;
     }

@@ -29,7 +29,7 @@ public:
     [[nodiscard]] PAD_PRESSES Update(bool active, int64_t now);
 
 private:
-    void Steer(uint64_t down, int64_t now);
+    void Steer(uint64_t pressed, int64_t now);
 
     InputLooker looker;
     uint64_t held = ~uint64_t{0}; // controls that were down in the round before

@@ -63,6 +63,8 @@ private:
     void StartGame(GAME_TO_START game) override;
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) override;
     void CoverClick(int button, int32_t x, int32_t y) override;
+    void LookCloser() override { room.Covers().LookCloser(); }
+    void TurnCovers() override { room.Covers().TurnOver(); }
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { calls.settingsChanged(); }

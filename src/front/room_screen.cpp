@@ -220,12 +220,14 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     return modes.RoomVisible() || pictureNews;
 }
 
-// Whether it leaves or opens the menu is known when it is released, or has been held long enough.
+// Whether it leaves or opens the menu is known when it is released, or has been held long enough. Without a menu it
+// leaves at once.
 void RoomScreen::ReadGuide(HANDS& hands, bool down, float seconds) {
     if (modes.Covered() || Behind()) {
         guideCounts = false;
     } else if (down && !guideHeld) {
-        guideCounts = true;
+        guideCounts = owner.menu != nullptr;
+        hands.toggleWalking = hands.toggleWalking || !guideCounts;
         guideFor = 0.0f;
     } else if (down && guideCounts) {
         guideFor += seconds;

@@ -11,8 +11,8 @@ namespace {
 // Units.
 constexpr int32_t kBoxWidth = 300;
 constexpr int32_t kMargin = 16;
-constexpr int32_t kButtonHeight = 30;
-constexpr int32_t kPitch = 38;
+constexpr int32_t kButtonHeight = 25;
+constexpr int32_t kPitch = 33;
 
 // Escape, and a controller's right button, at each button.
 class Closer : public CGhostGUIHandler {

@@ -21,13 +21,14 @@ constexpr int32_t kMargin = 20;
 struct OVERLAY_BUTTON {
     const wchar_t* caption;
     ModeInput input;
+    const wchar_t* help;
 };
 constexpr OVERLAY_BUTTON kStrip[CGUIGameOverlay::kButtons] = {
-    {L"Main Menu",       ModeInput::kMainMenu  },
-    {L"Load New Game",   ModeInput::kLoadGame  },
-    {L"Exit Game",       ModeInput::kExitGame  },
-    {L"Fullscreen Mode", ModeInput::kTelevision},
-    {L"Reset Game",      ModeInput::kResetGame },
+    {L"Main Menu",       ModeInput::kMainMenu,   L"Options and the way out; the game plays on"         },
+    {L"Load New Game",   ModeInput::kLoadGame,   L"Chooses another game for this television"           },
+    {L"Exit Game",       ModeInput::kExitGame,   L"Turns the television off, and saves the game"       },
+    {L"Fullscreen Mode", ModeInput::kTelevision, L"The game fills the window, or is on its television" },
+    {L"Reset Game",      ModeInput::kResetGame,  L"Begins the game anew, as the console's button does" },
 };
 constexpr uint32_t kTelevisionButton = 4;
 
@@ -38,6 +39,7 @@ CGUIGameOverlay::CGUIGameOverlay(ScreenHost& program)
     for (size_t i = 0; i < kButtons; ++i) {
         buttons[i] = new CGhostButton(nullptr, static_cast<uint32_t>(i + 1), L"BUTTON2",
                                       kStrip[i].caption, CGhostButton::kNoKeys, {});
+        buttons[i]->SetToolTip(kStrip[i].help);
         // A machine's keys must not press them.
         CGhostManager::Get().SetTabStop(buttons[i]->window, false);
         const ModeInput input = kStrip[i].input;

@@ -299,6 +299,8 @@ void CGUIRomBrowser::ClearPanes() {
 }
 
 void CGUIRomBrowser::Update() {
+    // The list reaches out from behind the open filters, and would take each step to the right or down from them.
+    CGhostManager::Get().SetTabStop(list->window, !filters.Menu()->IsVisible());
     if (options != nullptr) {
         options->Update();
     }

@@ -1,3 +1,4 @@
+#include "base/files.h"
 #include "gui/check_box.h"
 #include "gui/drop_list.h"
 #include "gui/edit.h"
@@ -435,6 +436,12 @@ TEST_F(RomBrowser, IsLaidOutWithoutOverlapOnEveryShapeOfScreen) {
 TEST_F(RomBrowser, EveryControlIsReachedByDirectionsAlone) {
     home.Write("sms/Paper Lamps.sms", Image(3));
     home.Write("sms/Moth Patrol.sms", Image(5));
+    std::vector<uint8_t> picture;
+    std::string error;
+    ASSERT_TRUE(ReadFile(std::filesystem::path(OMBRELUNE_SOURCE_FOLDER) / "docs/pictures/browser.jpg",
+                         picture, error, 1 << 24))
+        << error;
+    home.Write("sms/media/default.jpg", picture); // the box of games without one
     for (const char* const folder : {"gamegear", "nes", "arcade", "megadrive"}) {
         home.Write(std::string(folder) + "/none.txt", std::string_view("x"));
     }
@@ -449,11 +456,12 @@ TEST_F(RomBrowser, EveryControlIsReachedByDirectionsAlone) {
         ExpectEveryControlIsReached("tab " + std::to_string(static_cast<int>(tab)));
     }
     browser->Content().ShowTab(ContentTab::kCovers);
-    browser->Content().OfferCovers(true);
+    EXPECT_TRUE(browser->Content().CloserButton()->IsVisible());
     browser->Content().OfferContent(true);
-    browser->TakeFocus();
+    browser->Content().TurnButton()->SetFocus();
     Round();
-    ExpectEveryControlIsReached("covers");
+    Manager().Navigate(GUI_DIRECTION::kRight);
+    EXPECT_EQ(Manager().FocusWindow(), browser->Content().ContentButton()->window);
     Click(browser->Filters().MenuButton());
     Round();
     ExpectEveryControlIsReached("filters");

@@ -183,7 +183,6 @@ protected:
             for (const GUI_DIRECTION way : {GUI_DIRECTION::kLeft, GUI_DIRECTION::kRight,
                                             GUI_DIRECTION::kUp, GUI_DIRECTION::kDown}) {
                 GHOSTMANAGER_WINDOW* const at = Leave(reached[i], way);
-                if (std::getenv("WALK")) std::printf("%s %u -> %d -> %u\n", where.c_str(), reached[i] ? reached[i]->id : 0, static_cast<int>(way), at ? at->id : 0), std::fflush(stdout);
                 if (std::find(reached.begin(), reached.end(), at) == reached.end()) {
                     reached.push_back(at);
                 }

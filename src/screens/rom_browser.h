@@ -16,11 +16,13 @@
 #include "screens/screen_panel.h"
 #include "screens/system_switcher.h"
 #include "web/download_list.h"
+#include "web/service_texts.h"
 
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -28,7 +30,6 @@
 class CGhostListView;
 class CGhostWindowEx;
 class ScreenHost;
-struct GAME_INFORMATION;
 
 class CGUIRomBrowser final : public CGUIPanel {
 public:
@@ -88,9 +89,13 @@ private:
     void ShowMedia(const GameListRow& row);
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet);
     void ShowTexts(const GAME_INFORMATION& information);
+    [[nodiscard]] std::filesystem::path MediaOf(const GameListRow& row) const;
+    [[nodiscard]] bool IsChosen(uint16_t system, const std::wstring& key) const;
     void AskAboutGame(const GameListRow& row);
+    void TakeInformation(const GAME_INFORMATION& information);
     void FetchContent();
-    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive);
+    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive,
+                      int32_t revision);
     [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
     void StoreSaves();
 
@@ -116,8 +121,8 @@ private:
     const GameListRow* chosen = nullptr;
     std::wstring metaHead; // of the chosen game: what comes before and after the times played
     std::wstring metaTail;
-    bool hasMedia = false;   // the chosen game has an archive of pictures
-    bool localTexts = false; // and texts in it
+    std::optional<GAME_INFORMATION> localTexts; // in the chosen game's archive
+    int32_t offeredRevision = 0;                // of its pictures on the service
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
     LibraryIndex libraryIndex;
     Catalogue catalogue; // last: its worker calls the panel

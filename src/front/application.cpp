@@ -238,6 +238,7 @@ void Application::RunCommand(ProgramCommand command) {
         break;
     case ProgramCommand::kToggleFullScreen:
         window.ToggleFullScreen();
+        Settings().SetBool(L"app_fullscreen", window.FillsDisplay()); // as the option does
         pacer.NoteNews();
         break;
     }
@@ -375,6 +376,7 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     playedTitle = opened.title;
     playing = playedSerial != 0;
     if (!playing) {
+        error = StartFailedLine(error);
         window.SetTitle(ProgramTitle());
         return false;
     }

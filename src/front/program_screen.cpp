@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "front/event_pump.h"
+#include "front/game_start.h"
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
@@ -31,6 +32,16 @@ bool ToolkitTakesEscape() {
     return top != nullptr && top->owner != nullptr;
 }
 
+void ShowFailure(const GAME_FAILURE& failure) {
+    if (!failure.starting) {
+        CGhostMessageBox::Show(L"The game has ended", WideFromUtf8(failure.reason));
+        return;
+    }
+    CGhostMessageBox::Show(WideFromUtf8(kStartFailed), failure.reason.empty()
+                                                           ? L"Its machine does not start."
+                                                           : WideFromUtf8(failure.reason));
+}
+
 constexpr std::chrono::milliseconds kLongestGoodbye{500};
 
 SERVICE_ADDRESSES ServiceOfSettings() {
@@ -48,10 +59,7 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
     : calls(std::move(programCalls))
     , joysticks(surroundings.joysticks)
     , room(surroundings, {},
-           {[this](ModeOrder order) { Obey(order); },
-            [](const std::string& error) {
-                CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
-            }},
+           {[this](ModeOrder order) { Obey(order); }, ShowFailure, [this] { ToggleGameMenu(); }},
            ProgramMode::kMenu)
     , menu(*this)
     , overlay(*this)
@@ -78,15 +86,17 @@ ProgramScreen::~ProgramScreen() {
 
 bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     for (const ModeInput request : std::exchange(wanted, {})) {
-        room.Take(request);
+        Go(request);
     }
     downloads.PumpRequests();
     // The room first, and each by the mode in which the round began: what leads from one to the other must not act in
     // both.
     const bool covered = room.Modes().Covered();
-    room.HoldPlayer(adding.IsShown()); // its button has the keys
+    // While dropped games are added nobody walks or plays: the mouse must reach the button that cancels.
+    room.HoldPlayer(adding.IsShown());
     const bool roomNews = room.Update(input);
     CountPlayed();
+    FitScreens();
     ReadKeys(input, covered);
     adding.Update(); // it may start a game
     room.HoldPlayer(adding.IsShown());
@@ -100,6 +110,12 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     return roomNews;
 }
 
+// Each wish finds the screens as the one before left them; a round that took long has several.
+void ProgramScreen::Go(ModeInput input) {
+    room.Take(input);
+    FitScreens();
+}
+
 void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
     // A window that takes the input of all others, such as a message box, has these keys too.
     const bool behind =
@@ -111,7 +127,7 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
         if (event.key == kEscape && adding.IsShown()) {
             adding.GoBack();
         } else if (event.key == kF10) {
-            room.Take(ModeInput::kMainMenu);
+            Go(ModeInput::kMainMenu);
         } else if (event.key == kEscape && covered && !ToolkitTakesEscape()) {
             GoBack();
         }
@@ -120,13 +136,17 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
     const PAD_PRESSES presses =
         pad.Update(!std::exchange(forgetPads, false) && padsForMenus, input.now);
     if (behind) {
+        if (presses.guide) {
+            overlay.CloseMenu();
+        }
         return;
     }
+    const bool nothingOver = !adding.IsShown();
     if (presses.back || presses.guide) {
         GoBack();
     }
     CGUIRomBrowser* const browser = menu.Browser();
-    if (browser != nullptr && browser->IsActive()) {
+    if (nothingOver && covered && browser != nullptr && browser->IsActive()) {
         if (presses.shoulder != 0) {
             browser->SelectSystem(presses.shoulder, -1);
         }
@@ -156,7 +176,15 @@ void ProgramScreen::GoBack() {
     if (adding.IsShown()) {
         adding.GoBack();
     } else if (!menu.TakeBack()) {
-        room.Take(ModeInput::kBack);
+        Go(ModeInput::kBack);
+    }
+}
+
+// Over nothing that takes the input itself.
+void ProgramScreen::ToggleGameMenu() {
+    const bool free = CGhostManager::Get().ModalWindow() == nullptr && !adding.IsShown();
+    if (overlay.Menu() != nullptr || free) {
+        overlay.ToggleMenu();
     }
 }
 
@@ -197,7 +225,7 @@ void ProgramScreen::FitScreens() {
     menu.SetVisible(room.Modes().Covered());
     if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
         menu.OnMenu(kPanelBrowser);
-        wanted.clear(); // the way has been gone
+        wanted.pop_back(); // the way has been gone
     } else if (mode != ProgramMode::kBrowser && mode != ProgramMode::kPanel) {
         menu.Back();
     }
@@ -229,6 +257,7 @@ void ProgramScreen::UpdateOverlay(const SCREEN_INPUT& input) {
     state.selected = room.Selected().id != 0;
     state.selectedOn = room.Selected().on;
     state.mouseUsed = std::any_of(input.events.gui.begin(), input.events.gui.end(), UsesMouse);
+    state.mainMenu = names.mainMenu;
     state.use = names.use;
     state.turnOff = names.turnOff;
     state.attach = names.leave;
@@ -263,6 +292,7 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
 
 bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
     states.Close();
+    overlay.CloseMenu(); // it would keep the input from the window that opens
     adding.Add({files.begin(), files.end()});
     return true;
 }

@@ -68,6 +68,8 @@ private:
     void StartGame(GAME_TO_START game) override;
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) override;
     void CoverClick(int button, int32_t x, int32_t y) override;
+    void LookCloser() override { room.Covers().LookCloser(); }
+    void TurnCovers() override { room.Covers().TurnOver(); }
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { calls.settingsChanged(); }
@@ -78,8 +80,10 @@ private:
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
+    void Go(ModeInput input);
     void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
+    void ToggleGameMenu();
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;

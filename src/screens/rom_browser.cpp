@@ -125,7 +125,8 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
                                  CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {})))
     , content(parentWindow,
               {[this] { FetchContent(); },
-               [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
+               [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); },
+               [this] { host.LookCloser(); }, [this] { host.TurnCovers(); }})
     , start(Own(new CGhostButton(parentWindow, 0, L"PLAYOFFLINE", L"START GAME", 0, {})))
     , star(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"\x2606", 0, {})))
     , gameRoom(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"GAME ROOM", 0, {})))
@@ -143,6 +144,7 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     star->SetToolTip(
         L"Makes the game a favourite, or no longer (F, or a controller's left button)");
     gameRoom->SetToolTip(L"Walk in the room");
+    mainMenu->SetToolTip(L"Options, benchmark, credits and the way out");
     saves->SetToolTip(
         L"Whether a game goes on where you left it, and is kept when you turn it off.");
     for (const SAVES& choice : kSaves) {
@@ -232,7 +234,7 @@ void CGUIRomBrowser::SetActive(bool wanted) {
              list, optionsWindow, start, star, gameRoom, mainMenu, savesLabel, saves}) {
         control->SetVisible(active);
     }
-    empty->SetVisible(active && list->RowCount() == 0);
+    empty->SetVisible(active && list->RowCount() == 0 && !catalogue.ScanRuns());
     scan.SetActive(active);
     if (!active) {
         return;
@@ -299,12 +301,14 @@ void CGUIRomBrowser::ClearPanes() {
     }
     content.SetShots({});
     content.OfferContent(false);
-    host.ShowCovers({}, 0, false);
+    ShowCovers({}, 0, false);
     start->SetEnabled(false);
     star->SetEnabled(false);
 }
 
 void CGUIRomBrowser::Update() {
+    // The list reaches out from behind the open filters, and would take each step to the right or down from them.
+    CGhostManager::Get().SetTabStop(list->window, !filters.Menu()->IsVisible());
     if (options != nullptr) {
         options->Update();
     }
@@ -402,8 +406,10 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
     metaTail.clear();
     if (row == nullptr) {
         content.SetShots({});
-        host.ShowCovers({}, 0, false);
+        ShowCovers({}, 0, false);
         content.SetText(ContentTab::kMetaInfo, L"");
+        ShowTexts({});
+        content.OfferContent(false);
         return;
     }
     CGameFile game;
@@ -416,6 +422,9 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
         ShowPlayed();
     } else {
         content.SetText(ContentTab::kMetaInfo, WideFromUtf8(error));
+        if (options != nullptr) {
+            options->ConfigureForGame({}, 0); // nothing is known of it
+        }
     }
     ShowMedia(*row);
     AskAboutGame(*row);
@@ -440,7 +449,12 @@ void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
     ShowTexts(localTexts.value_or(GAME_INFORMATION()));
     content.SetShots(std::move(media.shots));
     const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
-    host.ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+    ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+}
+
+void CGUIRomBrowser::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {
+    content.OfferCovers(!covers.empty());
+    host.ShowCovers(std::move(covers), kind, cabinet);
 }
 
 void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
@@ -488,6 +502,9 @@ void CGUIRomBrowser::TakeInformation(const GAME_INFORMATION& information) {
 
 // The button `Content Available`.
 void CGUIRomBrowser::FetchContent() {
+    if (CGhostManager::Get().FocusWindow() == content.ContentButton()->window) {
+        content.TabButton(ContentTab::kCovers)->SetFocus(); // as it goes
+    }
     content.OfferContent(false);
     const std::wstring url =
         chosen != nullptr ? CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey)

@@ -87,6 +87,7 @@ private:
     [[nodiscard]] std::vector<ROW_LINE> ChooseLines();
     [[nodiscard]] PLAYER_RECORD PlayedOf(const GameListRow& row) const;
     void ShowMedia(const GameListRow& row);
+    void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet);
     void ShowTexts(const GAME_INFORMATION& information);
     [[nodiscard]] std::filesystem::path MediaOf(const GameListRow& row) const;
     [[nodiscard]] bool IsChosen(uint16_t system, const std::wstring& key) const;

@@ -50,6 +50,9 @@ public:
     virtual void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) = 0;
     // In units of that window's client area.
     virtual void CoverClick(int button, int32_t x, int32_t y) = 0;
+    // Without a pointer: closer to the next box, after the last one back to all; and turned over.
+    virtual void LookCloser() = 0;
+    virtual void TurnCovers() = 0;
 
     // Requests to the web service. Their callbacks run in the program's rounds.
     [[nodiscard]] virtual DownloadQueue& Downloads() = 0;

@@ -3,6 +3,7 @@
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/multi_text.h"
+#include "gui/text_box.h"
 #include "gui/window.h"
 #include "gui/window_ex.h"
 #include "screens/game_media.h"
@@ -30,9 +31,10 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     , shotsBack(new CGhostWindowEx(parent, 0, L"3DBOX_SSHOTSBG", L"", 0, {}))
     , shotsLeft(new CGhostButton(shotsBack->window, 0, L"BUTTON2", L"\x2039", 0, {}))
     , shotsRight(new CGhostButton(shotsBack->window, 0, L"BUTTON2", L"\x203A", 0, {}))
-    , content(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Content Available", 0, {})) {
+    , content(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Content Available", 0, {}))
+    , noCover(new CGhostTextBox(boxBack->window, 0, L"TEXT_CENTER", L"No pictures of this game", {})) {
     for (size_t i = 0; i < kContentTabs; ++i) {
-        tabs[i] = new CGhostButton(parent, 0, L"BUTTON3", kTabs[i], 0, {});
+        tabs[i] = new CGhostButton(parent, 0, L"BUTTON3", kTabs[i], CGhostButton::kLatches, {});
         signals.Watch(tabs[i]->OnClick, [this, i](CGhostButton*, int, int, unsigned) {
             ShowTab(static_cast<ContentTab>(i));
         });
@@ -56,6 +58,7 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     signals.Watch(shotsRight->OnClick, [this](CGhostButton*, int, int, unsigned) { StepShots(1); });
     signals.Watch(content->OnClick,
                   [this](CGhostButton*, int, int, unsigned) { events.download(); });
+    SayNoCover(false);
     ShowTab(ContentTab::kCovers);
 }
 
@@ -87,6 +90,7 @@ void ContentArea::Layout(int32_t x, int32_t y, int32_t width, int32_t height) {
     boxBack->SetPos(x, top, width, boxHeight);
     box->SetPos(0, 0, width, boxHeight);
     content->SetPos(width - kButtonWidth - kGap, boxHeight - kStep - kGap, kButtonWidth, kStep);
+    noCover->SetPos(0, (boxHeight - kStep) / 2, width, kStep);
     shotsBack->SetPos(x, top + boxHeight + kGap, width, kShotsHeight);
     LayoutShots();
 }
@@ -155,9 +159,20 @@ void ContentArea::OfferContent(bool offer) {
     content->SetVisible(offer);
 }
 
+void ContentArea::SayNoCover(bool say) {
+    noCover->SetVisible(say);
+}
+
 void ContentArea::ShowTab(ContentTab tab) {
     shown = tab;
     SetVisible(visible);
+}
+
+// A key that was pressed on the chosen tab and taken away from it leaves the button up.
+void ContentArea::Update() {
+    if (CGhostButton* const tab = tabs[static_cast<size_t>(shown)]; visible && !tab->IsDown()) {
+        tab->SetDown(true);
+    }
 }
 
 void ContentArea::SetVisible(bool wanted) {

@@ -15,6 +15,7 @@
 
 class CGhostButton;
 class CGhostMultiText;
+class CGhostTextBox;
 class CGhostWindowEx;
 
 enum class ContentTab : uint8_t { kCovers, kReviews, kHints, kTrivia, kMetaInfo };
@@ -34,6 +35,7 @@ public:
     ContentArea& operator=(const ContentArea&) = delete;
 
     void Layout(int32_t x, int32_t y, int32_t width, int32_t height);
+    void Update(); // once a round
     void SetVisible(bool visible);
     void ShowTab(ContentTab tab);
 
@@ -42,12 +44,14 @@ public:
     // Of REVIEWS, HINTS, TRIVIA or METAINFO.
     void SetText(ContentTab tab, const std::wstring& text);
     void OfferContent(bool offer); // the button `Content Available`
+    void SayNoCover(bool say);     // in place of a box
 
     [[nodiscard]] ContentTab Tab() const { return shown; }
     [[nodiscard]] CGhostButton* TabButton(ContentTab tab) const {
         return tabs[static_cast<size_t>(tab)];
     }
     [[nodiscard]] CGhostButton* ContentButton() const { return content; }
+    [[nodiscard]] const CGhostTextBox* NoCover() const { return noCover; }
     [[nodiscard]] CGhostMultiText* Text(ContentTab tab) const; // null for COVERS
     [[nodiscard]] CGhostWindowEx* Box() const { return box; }
     [[nodiscard]] size_t ShotCount() const { return shots.size(); }
@@ -67,6 +71,7 @@ private:
     CGhostButton* shotsLeft;
     CGhostButton* shotsRight;
     CGhostButton* content;
+    CGhostTextBox* noCover;
     std::array<CGhostMultiText*, kContentTabs - 1> texts{};
     std::vector<GUI_BITMAP> shots;
     size_t firstShot = 0;

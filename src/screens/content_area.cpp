@@ -32,7 +32,8 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     , shotsLeft(new CGhostButton(shotsBack->window, 0, L"BUTTON2", L"\x2039", 0, {}))
     , shotsRight(new CGhostButton(shotsBack->window, 0, L"BUTTON2", L"\x203A", 0, {}))
     , content(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Content Available", 0, {}))
-    , noCover(new CGhostTextBox(boxBack->window, 0, L"TEXT_CENTER", L"No pictures of this game", {})) {
+    , noCover(
+          new CGhostTextBox(boxBack->window, 0, L"TEXT_CENTER", L"No pictures of this game", {})) {
     for (size_t i = 0; i < kContentTabs; ++i) {
         tabs[i] = new CGhostButton(parent, 0, L"BUTTON3", kTabs[i], CGhostButton::kLatches, {});
         signals.Watch(tabs[i]->OnClick, [this, i](CGhostButton*, int, int, unsigned) {

@@ -15,6 +15,7 @@
 #include "host/session_list.h"
 #include "room/look_stick.h"
 #include "room/standpoint.h"
+#include "screens/play_keys.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -194,10 +195,10 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     coverView.Update(seconds);
     const bool boxNews = std::exchange(coverNews, false) || turning;
     if (modes.Covered()) {
-        hints.Show(std::wstring());
+        hints.Show({});
         return boxNews;
     }
-    hints.Show(showsHints ? Hint(input.now) : std::wstring());
+    hints.Show(showsHints ? Hint(input.now) : std::vector<KEY_WORDS>());
     const bool pictureNews = fullScreen != nullptr && fullScreen->Update(input);
     return modes.RoomVisible() || pictureNews;
 }
@@ -527,36 +528,41 @@ HAND_NAMES RoomScreen::HandNames() const {
             NameOf(L"", kPadGuide, L"ESC")};
 }
 
-std::wstring RoomScreen::Hint(int64_t now) const {
-    const auto name = [this](const wchar_t* action, PadControl control, const wchar_t* key) {
-        return NameOf(action, control, key);
+std::vector<KEY_WORDS> RoomScreen::Hint(int64_t now) const {
+    std::vector<KEY_WORDS> words;
+    const auto say = [&](std::vector<std::wstring> keys, std::wstring does) {
+        std::erase(keys, std::wstring()); // of an action without one
+        words.push_back({std::move(keys), std::move(does)});
     };
-    const std::wstring back = name(L"", kPadGuide, L"Esc");
+    const std::wstring back = NameOf(L"", kPadGuide, L"Esc");
+    const std::wstring use = NameOf(L"Use", kPadSouth, L"");
     const bool told = owner.changed != nullptr; // the owner tells what can be done with a set
+    const bool isNew = now - hintsSince < kGeneralHint;
     if (!modes.RoomVisible()) {
-        return now - hintsSince < kFullScreenHint ? back + L"   Back to the room" : std::wstring();
+        if (now - hintsSince < kFullScreenHint) {
+            say({back}, L"Back to the room");
+        }
+    } else if (!modes.Walking()) {
+        if (isNew && selected.on && !padInHand) {
+            words = PlayKeys(games.SystemOn(selected.id));
+        }
+        say({back}, selected.on ? L"Walk on" : L"or a click   walk on");
+    } else if (selected.id != 0) {
+        if (!told && selected.on) {
+            say({use}, L"Play " + WideFromUtf8(games.TitleOn(selected.id)));
+            say({NameOf(L"Turn Off", kPadNorth, L"")}, L"Turn off");
+        } else if (!told) {
+            say({use}, L"Turn on: " + WideFromUtf8(games.NextTitle()));
+        }
+    } else if (isNew && padInHand) {
+        say({L"Left stick"}, L"Walk");
+        say({L"Right stick"}, L"Look");
+        say({NameOf(L"", kPadBack, L"Page Down")}, L"Next set");
+    } else if (isNew) {
+        say(DirectionKeys({L"Move Forward", L"Move Left", L"Move Back", L"Move Right"}), L"Walk");
+        say({L"Mouse"}, L"Look");
+        say({L"Page Down"}, L"Next set");
+        say({L"Esc"}, L"Free the mouse");
     }
-    if (!modes.Walking()) {
-        return selected.on ? back + L"   Walk on" : back + L" or a click   Walk on";
-    }
-    if (told && selected.id != 0) {
-        return {};
-    }
-    if (selected.on) {
-        return name(L"Use", kPadSouth, L"") + L"   Play " +
-               WideFromUtf8(games.TitleOn(selected.id)) + L"      " +
-               name(L"Turn Off", kPadNorth, L"") + L"   Turn off";
-    }
-    if (selected.id != 0) {
-        return name(L"Use", kPadSouth, L"") + L"   Turn on: " + WideFromUtf8(games.NextTitle());
-    }
-    if (now - hintsSince >= kGeneralHint) {
-        return {};
-    }
-    return padInHand ? L"Left stick   Walk      Right stick   Look      " +
-                           name(L"", kPadBack, L"Page Down") + L"   Next set"
-                     : ActionKeyName(L"Move Forward") + L" " + ActionKeyName(L"Move Left") + L" " +
-                           ActionKeyName(L"Move Back") + L" " + ActionKeyName(L"Move Right") +
-                           L"   Walk      Mouse   Look      Page Down   Next set      Esc   Free "
-                           L"the mouse";
+    return words;
 }

@@ -132,7 +132,7 @@ private:
     void AttachPictures();
     [[nodiscard]] std::wstring NameOf(const wchar_t* action, PadControl control,
                                       const wchar_t* key) const;
-    [[nodiscard]] std::wstring Hint(int64_t now) const;
+    [[nodiscard]] std::vector<KEY_WORDS> Hint(int64_t now) const;
 
     ROOM_SURROUNDINGS around;
     RoomGames games;

@@ -2,7 +2,9 @@
 
 #include "gui/button.h"
 #include "gui/manager.h"
+#include "gui/text.h"
 #include "gui/text_box.h"
+#include "gui/theme.h"
 #include "screens/screen_host.h"
 
 namespace {
@@ -13,7 +15,8 @@ constexpr uint64_t kButtonsStay = 3000; // milliseconds after the mouse was used
 constexpr int32_t kButtonWidth = 150;
 constexpr int32_t kButtonHeight = 28;
 constexpr int32_t kButtonGap = 12;
-constexpr int32_t kHintWidth = 280;
+constexpr int32_t kHintGap = 24;
+constexpr int32_t kHintOutline = 4; // that the letters reach out of their width
 constexpr int32_t kHintHeight = 26;
 constexpr int32_t kMargin = 20;
 
@@ -67,10 +70,18 @@ void CGUIGameOverlay::Place() {
         button->SetPos(x, screen.height - kMargin - kButtonHeight, kButtonWidth, kButtonHeight);
         x += kButtonWidth + kButtonGap;
     }
-    x = kMargin;
+    PlaceHints();
+}
+
+// Those that are shown, one after the other.
+void CGUIGameOverlay::PlaceHints() {
+    GhostTextStyle style; // a theme without it has the default font
+    static_cast<void>(CGhostTheme::Get().GetStyle(L"TEXT_HINT", style));
+    int32_t x = kMargin;
     for (CGhostTextBox* const hint : hints) {
-        hint->SetPos(x, screen.height - kMargin - kHintHeight, kHintWidth, kHintHeight);
-        x += kHintWidth + kMargin;
+        const int32_t width = MeasureText(style.font, hint->Text()).width + kHintOutline;
+        hint->SetPos(x, screen.height - kMargin - kHintHeight, width, kHintHeight);
+        x += hint->IsVisible() ? width + kHintGap : 0;
     }
 }
 
@@ -96,11 +107,17 @@ void CGUIGameOverlay::ShowHints(const OVERLAY_STATE& state) {
     };
     const std::array<bool, kHints> wanted = {true, state.selected, state.selectedOn,
                                              state.selectedOn};
+    bool changed = false;
     for (size_t i = 0; i < kHints; ++i) {
+        const bool shows = state.shown && state.walking && wanted[i];
+        changed |= hints[i]->Text() != texts[i] || hints[i]->IsVisible() != shows;
         if (hints[i]->Text() != texts[i]) {
             hints[i]->SetText(texts[i]);
         }
-        hints[i]->SetVisible(state.shown && state.walking && wanted[i]);
+        hints[i]->SetVisible(shows);
+    }
+    if (changed) {
+        PlaceHints();
     }
 }
 

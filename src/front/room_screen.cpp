@@ -173,7 +173,6 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     hintsSince = hintsSince == 0 ? input.now : hintsSince;
 
     CollectGames();
-    const ProgramMode before = modes.Mode();
     HANDS hands = ReadHands(input);
     if (Behind()) {
         hands = {};
@@ -186,7 +185,8 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
         }
         Act(hands);
     }
-    if (before != modes.Mode()) {
+    // Ways are also gone between two rounds, such as those of the buttons.
+    if (std::exchange(hintedMode, modes.Mode()) != modes.Mode()) {
         hintsSince = input.now;
     }
     ApplyModes();

@@ -150,7 +150,8 @@ private:
     uint32_t visited = 0;   // the set before which the player was put, until he moves
     uint32_t shownKey = 0;  // of the set that fills the window
     int64_t lastRound = 0;  // microseconds of the host's clock; 0 before the first
-    int64_t hintsSince = 0; // of the present mode
+    int64_t hintsSince = 0; // of hintedMode
+    ProgramMode hintedMode = ProgramMode::kMenu;
     bool useHeld = false;
     bool turnOffHeld = false;
     bool leaveHeld = false;

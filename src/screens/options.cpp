@@ -27,9 +27,10 @@ constexpr int32_t kPageTop = 84;
 constexpr int32_t kPageWide = 864;
 constexpr int32_t kPageFoot = 20; // below the pages, which are as high as they can be
 constexpr int32_t kRowTop = 28;
-constexpr int32_t kRowPitch = 52;
+constexpr int32_t kRowPitch = 50;
 constexpr int32_t kNoticeFoot = 36; // from the lower edge of a page to the top of the notice
-constexpr int32_t kHelpFoot = 112;  // and to that of the help
+constexpr int32_t kMostRows = 7;
+constexpr int32_t kHelpTop = kRowTop + kMostRows * kRowPitch + 16;
 constexpr int32_t kHelpHigh = 60;
 constexpr int32_t kLabelWide = 260;
 constexpr int32_t kControlWide = 260;
@@ -164,7 +165,7 @@ void CGUIOptions::LayoutRows(OptionTab tab, int32_t width, int32_t height) {
         }
         y += kRowPitch;
     }
-    helps[Index(tab)]->SetPos(left, height - kHelpFoot, width - left, kHelpHigh);
+    helps[Index(tab)]->SetPos(left, kHelpTop, width - left, kHelpHigh);
     if (CGhostTextBox* const notice = notices[Index(tab)]; notice != nullptr) {
         notice->SetPos(0, height - kNoticeFoot, width, 20);
     }

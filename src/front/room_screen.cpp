@@ -39,6 +39,7 @@ constexpr uint64_t kFirstPad = (uint64_t{1} << kPadControls) - 1;
 constexpr float kLongestStep = 0.1f;       // seconds, also after a pause
 constexpr int64_t kGeneralHint = 10000000; // microseconds that the hint to walk stays
 constexpr int64_t kFullScreenHint = 4000000;
+constexpr int64_t kPlayKeysHint = 20000000; // a game has to start first
 
 bool ActionIsDown(std::wstring_view name) {
     return InputIsDown(kApplicationKey, name);
@@ -543,7 +544,7 @@ std::vector<KEY_WORDS> RoomScreen::Hint(int64_t now) const {
             say({back}, L"Back to the room");
         }
     } else if (!modes.Walking()) {
-        if (isNew && selected.on && !padInHand) {
+        if (now - hintsSince < kPlayKeysHint && selected.on && !padInHand) {
             words = PlayKeys(games.SystemOn(selected.id));
         }
         say({back}, selected.on ? L"Walk on" : L"or a click   walk on");

@@ -1,6 +1,7 @@
 #include "front/application.h"
 
 #include "audio/sound.h"
+#include "base/helper_thread.h"
 #include "base/random.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
@@ -78,7 +79,8 @@ bool Application::Start(std::string& error) {
     pacer.Start(window.FollowsDisplay(), Now());
     started = true;
     // Last, since new threads inherit it: the pump, the device and the graphics driver's workers keep
-    // all processors, and session threads bind themselves.
+    // all processors, and session threads bind themselves. Helpers let go of it.
+    SetHelperBegins(BecomeHelper);
     processor = BindProcessor(0);
     // A round holds locks that the sound pump waits for, so other programs must not delay it.
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_HIGH);
@@ -148,6 +150,8 @@ bool Application::RenewGraphics() {
     return true;
 }
 
+// Events first and drawing last: a picture then shows what the player has done until now, and the newest pictures of the
+// machines. With the room drawn before the events, all of that would be seen a round later.
 bool Application::Round() {
     ChangeScreen();
     HandInputOver();
@@ -272,7 +276,8 @@ ProgramScreen& Application::ShowProgram() {
     InstallOwnGames();
     auto program = std::make_unique<ProgramScreen>(
         ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight},
-        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings});
+        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings,
+                      [this] { pump.ForgetPresses(); }});
     ProgramScreen& shown = *program;
     Show(std::move(program));
     return shown;

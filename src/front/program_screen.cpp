@@ -6,7 +6,6 @@
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
-#include "front/processor_binder.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
@@ -62,7 +61,7 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
                       menu.TakeFocus();
                   }
               }}) {
-    player.Open(ResolvePath(kPlayerDatabaseFile), UseAllProcessors);
+    player.Open(ResolvePath(kPlayerDatabaseFile));
 }
 
 // The games that still run end with the room.
@@ -111,7 +110,9 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
             GoBack();
         }
     }
-    const PAD_PRESSES presses = pad.Update(covered || adding.IsShown() || behind, input.now);
+    const bool padsForMenus = covered || adding.IsShown() || behind;
+    const PAD_PRESSES presses =
+        pad.Update(!std::exchange(forgetPads, false) && padsForMenus, input.now);
     if (behind) {
         return;
     }
@@ -130,6 +131,12 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
             browser->StartSelected();
         }
     }
+}
+
+// It lies in the window's queue, for the next round.
+void ProgramScreen::ForgetInput() {
+    forgetPads = true;
+    calls.forgetInput();
 }
 
 void ProgramScreen::CountPlayed() {
@@ -173,11 +180,15 @@ void ProgramScreen::ReportPlay() {
     const MEMBER_CREDENTIALS& member = menu.Member().Member().Credentials();
     const SERVICE_ADDRESSES service = ServiceOfSettings();
     const RoomGames& games = room.Games();
+    bool reported = false;
     for (const uint32_t key : room.Objects().Televisions()) {
         if (key != 0) {
-            reports.Note(service, member, key, games.SerialOn(key), games.SystemOn(key),
-                         WideFromUtf8(games.TitleOn(key)));
+            reported |= reports.Note(service, member, key, games.SerialOn(key), games.SystemOn(key),
+                                     WideFromUtf8(games.TitleOn(key)));
         }
+    }
+    if (reported) {
+        menu.Member().Member().Check(); // the report itself brings no answer
     }
 }
 

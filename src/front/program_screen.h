@@ -34,6 +34,7 @@ struct PROGRAM_CALLS {
     std::function<void()> quit;
     std::function<void()> settingsChanged;
     std::function<void()> saveSettings;
+    std::function<void()> forgetInput;
 };
 
 class ProgramScreen final : public Screen, private ScreenHost {
@@ -70,6 +71,7 @@ private:
     [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { calls.settingsChanged(); }
     void SaveSettings() override { calls.saveSettings(); }
+    void ForgetInput() override;
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override;
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
@@ -96,6 +98,7 @@ private:
     AddWindow adding;
     PlayReports reports{downloads};
     GuiPad pad;
+    bool forgetPads = false;       // in the next round
     std::vector<ModeInput> wanted; // by the screens since the last round
     ProgramMode shownMode = ProgramMode::kMenu;
 };

@@ -85,6 +85,7 @@ public:
     [[nodiscard]] MemberPanel& Member() const { return *member; }
     // In the place of the news; null with a web service.
     [[nodiscard]] const FirstSteps* Steps() const { return steps.get(); }
+    [[nodiscard]] const CGhostMultiText* News() const { return news; }
     [[nodiscard]] CGhostWindowEx* MainWindow() const { return battleMain; }
 
 private:

@@ -73,10 +73,17 @@ SERVICE_ADDRESSES ServiceOfSettings() {
     return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
 }
 
-bool SidesOfPicture(std::span<const uint8_t> file, PICTURE_SIZE& size) {
-    const ROOM_IMAGE image = DecodeRoomImage(file);
-    size = {image.width, image.height};
-    return image.width != 0;
+// On the queue's thread: decoding a stranger's pictures may take a while.
+bool CheckContent(std::span<const uint8_t> archive, std::wstring& error) {
+    const PICTURE_CHECK check = {
+        [](std::span<const uint8_t> file, PICTURE_SIZE& size) {
+            return RoomImageSize(file, size.width, size.height);
+        },
+        [](std::span<const uint8_t> file) { return DecodeRoomImage(file).width != 0; }};
+    std::string reason;
+    const bool good = CheckMediaArchive(archive, check, reason);
+    error = WideFromUtf8(reason);
+    return good;
 }
 
 int32_t SelectorOf(uint16_t system) {
@@ -473,15 +480,23 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
     AskAboutGame(*row);
 }
 
+std::filesystem::path CGUIRomBrowser::MediaOf(const GameListRow& row) const {
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    return facts != nullptr ? MediaArchivePath(facts->folder, row.contentKey)
+                            : std::filesystem::path();
+}
+
 void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
     const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
     if (facts == nullptr) {
         return;
     }
     GAME_MEDIA media = ReadGameMedia(facts->folder, row.contentKey);
-    hasMedia = media.archive;
-    localTexts = !media.texts.empty();
-    ShowTexts(localTexts ? ReadGameInformation(media.texts) : GAME_INFORMATION());
+    localTexts.reset();
+    if (!media.texts.empty()) {
+        localTexts = ReadGameInformation(media.texts);
+    }
+    ShowTexts(localTexts.value_or(GAME_INFORMATION()));
     content.SetShots(std::move(media.shots));
     content.SayNoCover(media.covers.empty());
     const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
@@ -494,7 +509,12 @@ void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
     content.SetText(ContentTab::kTrivia, information.trivia);
 }
 
-// The texts that lie here are shown at once; an answer of the service takes their place.
+// Games of two systems may have one name.
+bool CGUIRomBrowser::IsChosen(uint16_t system, const std::wstring& key) const {
+    return chosen != nullptr && catalogue.System() == system && chosen->contentKey == key;
+}
+
+// The texts that lie here are shown at once; those of the service's answer take their place.
 void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
     content.OfferContent(false);
     const std::wstring url = GameUrl(ServiceOfSettings(), row.contentKey);
@@ -503,21 +523,27 @@ void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
     }
     host.Downloads().QueueRequest(
         url, row.contentKey, kAskGame, abandoned,
-        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
-               const uint8_t* data, uint32_t size) {
-            if (*gone != 0 || chosen == nullptr || chosen->contentKey != key) {
+        [this, url, system = catalogue.System()](const std::wstring& error, const std::wstring& key,
+                                                 uint32_t, const AbortWord& gone,
+                                                 const uint8_t* data, uint32_t size) {
+            if (*gone != 0 || !IsChosen(system, key)) {
                 return; // the player looks at another game by now
             }
-            if (!error.empty()) {
-                if (!localTexts) {
-                    ShowTexts(GameInformationFailure(error));
-                }
-                return;
+            if (const std::wstring why = WhyNothingCame(url, error, data); why.empty()) {
+                TakeInformation(ReadGameInformation({data, size}));
+            } else if (!localTexts) {
+                ShowTexts(GameInformationFailure(why));
             }
-            const GAME_INFORMATION information = ReadGameInformation({data, size});
-            ShowTexts(information);
-            content.OfferContent(!hasMedia && ContentAvailable(information, 0));
         });
+}
+
+void CGUIRomBrowser::TakeInformation(const GAME_INFORMATION& information) {
+    ShowTexts(localTexts ? WithLocalTexts(information, *localTexts) : information);
+    offeredRevision = information.cover;
+    const std::optional<int32_t> revision = MediaRevision(MediaOf(*chosen));
+    const bool reachable =
+        !CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey).empty();
+    content.OfferContent(reachable && revision && ContentAvailable(information, *revision));
 }
 
 // The button `Content Available`.
@@ -531,19 +557,20 @@ void CGUIRomBrowser::FetchContent() {
     }
     host.Downloads().QueueRequest(
         url, chosen->contentKey, kFetchCover, abandoned,
-        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
-               const uint8_t* data, uint32_t size) {
-            if (*gone == 0 && chosen != nullptr && chosen->contentKey == key) {
-                StoreContent(error, {data, size});
+        [this, url, system = catalogue.System(),
+         revision = offeredRevision](const std::wstring& error, const std::wstring& key, uint32_t,
+                                     const AbortWord& gone, const uint8_t* data, uint32_t size) {
+            if (*gone == 0 && IsChosen(system, key)) {
+                StoreContent(WhyNothingCame(url, error, data), {data, size}, revision);
             }
-        });
+        },
+        CheckContent);
 }
 
-void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive) {
-    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive,
+                                  int32_t revision) {
     std::string reason = Utf8FromWide(error);
-    if (error.empty() && StoreMediaArchive(MediaArchivePath(facts->folder, chosen->contentKey),
-                                           archive, SidesOfPicture, reason)) {
+    if (error.empty() && StoreMediaArchive(MediaOf(*chosen), archive, revision, reason)) {
         ShowMedia(*chosen);
         return;
     }

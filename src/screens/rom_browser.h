@@ -16,11 +16,13 @@
 #include "screens/screen_panel.h"
 #include "screens/system_switcher.h"
 #include "web/download_list.h"
+#include "web/service_texts.h"
 
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,7 +31,6 @@ class CGhostListView;
 class CGhostWindowEx;
 class KeyLine;
 class ScreenHost;
-struct GAME_INFORMATION;
 
 class CGUIRomBrowser final : public CGUIPanel {
 public:
@@ -93,9 +94,13 @@ private:
     [[nodiscard]] PLAYER_RECORD PlayedOf(const GameListRow& row) const;
     void ShowMedia(const GameListRow& row);
     void ShowTexts(const GAME_INFORMATION& information);
+    [[nodiscard]] std::filesystem::path MediaOf(const GameListRow& row) const;
+    [[nodiscard]] bool IsChosen(uint16_t system, const std::wstring& key) const;
     void AskAboutGame(const GameListRow& row);
+    void TakeInformation(const GAME_INFORMATION& information);
     void FetchContent();
-    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive);
+    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive,
+                      int32_t revision);
     [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
     void StoreSaves();
 
@@ -124,8 +129,8 @@ private:
     std::wstring hint;     // how to get games, or why there are none
     std::wstring metaHead; // of the chosen game: what comes before and after the times played
     std::wstring metaTail;
-    bool hasMedia = false;   // the chosen game has an archive of pictures
-    bool localTexts = false; // and texts in it
+    std::optional<GAME_INFORMATION> localTexts; // in the chosen game's archive
+    int32_t offeredRevision = 0;                // of its pictures on the service
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
     LibraryIndex libraryIndex;
     Catalogue catalogue; // last: its worker calls the panel

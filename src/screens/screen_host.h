@@ -63,6 +63,9 @@ public:
     // Writes the settings to their file. A failure is told to the player.
     virtual void SaveSettings() = 0;
 
+    // The program has stood still, as the benchmark makes it: what the player has pressed meanwhile is for nobody.
+    virtual void ForgetInput() = 0;
+
     // In the order of their numbers.
     [[nodiscard]] virtual std::vector<SCREEN_JOYSTICK> Joysticks() const = 0;
 

@@ -36,6 +36,15 @@ constexpr uint32_t kMenuWindow = 32; // of the bar, the logo and the area: they 
 
 constexpr std::array<const wchar_t*, kMenuPanels> kMenu = {L"PLAY GAMES", L"BENCHMARK", L"OPTIONS",
                                                            L"CREDITS", L"QUIT"};
+constexpr std::array<const wchar_t*, kMenuPanels> kMenuHelps = {
+    L"Your games, and some of our own", L"How fast the machines are on this computer",
+    L"Picture, sound, keys and controllers", L"Who and what Ombrelune is made of",
+    L"Ends Ombrelune; what is played is saved first"};
+
+// Whether this version has run before. In place of a tagline a newcomer is told the two things that he needs.
+constexpr const wchar_t* kRunOnce = L"app_720runonce";
+constexpr const wchar_t* kWelcome =
+    L"Welcome! PLAY GAMES has games of our own; drop yours on this window.";
 
 void Show(GHOSTMANAGER_WINDOW* window, bool visible) {
     CGhostManager::Get().ShowWindow(window, visible);
@@ -67,6 +76,8 @@ CGUIBattleGround::CGUIBattleGround(ScreenHost& program)
         CGhostMessageBox::Show(L"Warning",
                                L"A display of at least 1280 by 720 is needed to show "
                                L"everything. You can go on, but some of it will be cut.");
+    } else if (!Settings().GetBool(kRunOnce)) {
+        tagline->SetText(kWelcome);
     }
     member->LoginAtStart();
 }
@@ -126,6 +137,7 @@ void CGUIBattleGround::MakeWindows() {
         CGhostButton*& button = buttons[static_cast<size_t>(id)];
         button = new CGhostButton(area, static_cast<uint32_t>(id), L"BUTTON",
                                   kMenu[static_cast<size_t>(id)], 0, {});
+        button->SetToolTip(kMenuHelps[static_cast<size_t>(id)]);
         signals.Watch(button->OnClick,
                       [this, id](CGhostButton*, int, int, unsigned) { OnMenu(id); });
     }
@@ -191,6 +203,11 @@ void CGUIBattleGround::SetVisible(bool visible) {
     for (GHOSTMANAGER_WINDOW* const window :
          {topArea->window, version->window, battleMain->window}) {
         Show(window, visible);
+    }
+    // Behind the room and a game it rests, and it is up to date when it is shown again.
+    const bool browses = visible && current == kPanelBrowser;
+    if (browser != nullptr && browser->IsActive() != browses) {
+        browser->SetActive(browses);
     }
     if (appears) {
         TakeFocus();

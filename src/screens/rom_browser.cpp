@@ -5,6 +5,7 @@
 #include "facts/machine_facts.h"
 #include "gui/button.h"
 #include "gui/drop_list.h"
+#include "gui/edit.h"
 #include "gui/list_view.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
@@ -152,7 +153,8 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     , keys(new KeyLine(optionsWindow->window, 0))
     , content(parentWindow,
               {[this] { FetchContent(); },
-               [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
+               [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); },
+               [this] { host.LookCloser(); }, [this] { host.TurnCovers(); }})
     , start(Own(new CGhostButton(parentWindow, 0, L"PLAYOFFLINE", L"START GAME", 0, {})))
     , star(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"\x2606", 0, {})))
     , gameRoom(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"GAME ROOM", 0, {})))
@@ -170,6 +172,7 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     star->SetToolTip(
         L"Makes the game a favourite, or no longer (F, or a controller's left button)");
     gameRoom->SetToolTip(L"Walk in the room");
+    mainMenu->SetToolTip(L"Options, benchmark, credits and the way out");
     saves->SetToolTip(
         L"Whether a game goes on where you left it, and is kept when you turn it off.");
     for (const SAVES& choice : kSaves) {
@@ -260,6 +263,7 @@ void CGUIRomBrowser::SetActive(bool wanted) {
         control->SetVisible(active);
     }
     PlaceHint();
+    scan.SetActive(active);
     if (!active) {
         return;
     }
@@ -343,12 +347,14 @@ void CGUIRomBrowser::ClearPanes() {
     content.SetShots({});
     content.OfferContent(false);
     content.SayNoCover(false);
-    host.ShowCovers({}, 0, false);
+    ShowCovers({}, 0, false);
     start->SetEnabled(false);
     star->SetEnabled(false);
 }
 
 void CGUIRomBrowser::Update() {
+    // The list reaches out from behind the open filters, and would take each step to the right or down from them.
+    CGhostManager::Get().SetTabStop(list->window, !filters.Menu()->IsVisible());
     if (options != nullptr) {
         options->Update();
     }
@@ -461,8 +467,10 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
     if (row == nullptr) {
         content.SetShots({});
         content.SayNoCover(false);
-        host.ShowCovers({}, 0, false);
+        ShowCovers({}, 0, false);
         content.SetText(ContentTab::kMetaInfo, L"");
+        ShowTexts({});
+        content.OfferContent(false);
         return;
     }
     CGameFile game;
@@ -475,6 +483,9 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
         ShowPlayed();
     } else {
         content.SetText(ContentTab::kMetaInfo, WideFromUtf8(error));
+        if (options != nullptr) {
+            options->ConfigureForGame({}, 0); // nothing is known of it
+        }
     }
     ShowMedia(*row);
     AskAboutGame(*row);
@@ -500,7 +511,12 @@ void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
     content.SetShots(std::move(media.shots));
     content.SayNoCover(media.covers.empty());
     const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
-    host.ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+    ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+}
+
+void CGUIRomBrowser::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {
+    content.OfferCovers(!covers.empty());
+    host.ShowCovers(std::move(covers), kind, cabinet);
 }
 
 void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
@@ -548,6 +564,9 @@ void CGUIRomBrowser::TakeInformation(const GAME_INFORMATION& information) {
 
 // The button `Content Available`.
 void CGUIRomBrowser::FetchContent() {
+    if (CGhostManager::Get().FocusWindow() == content.ContentButton()->window) {
+        content.TabButton(ContentTab::kCovers)->SetFocus(); // as it goes
+    }
     content.OfferContent(false);
     const std::wstring url =
         chosen != nullptr ? CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey)
@@ -682,14 +701,34 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
 }
 
 void CGUIRomBrowser::TakeFocus() {
-    list->SetFocus();
+    if (!scan.TakeFocus()) {
+        list->SetFocus();
+    }
 }
 
+// One thing at a time, the nearest first.
 bool CGUIRomBrowser::TakeBack() {
-    if (!filters.Menu()->IsVisible()) {
+    if (scan.TakeBack()) {
+        return true;
+    }
+    if (filters.Menu()->IsVisible()) {
+        filters.CloseMenu();
+        list->SetFocus();
+        return true;
+    }
+    return LeaveName();
+}
+
+// Who looks for a name first wants another one, and then none.
+bool CGUIRomBrowser::LeaveName() {
+    CGhostEdit* const name = filters.Name();
+    if (CGhostManager::Get().FocusWindow() != name->window) {
         return false;
     }
-    filters.CloseMenu();
-    list->SetFocus();
+    if (name->Text().empty()) {
+        list->SetFocus();
+    } else {
+        filters.ClearName();
+    }
     return true;
 }

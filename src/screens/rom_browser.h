@@ -54,7 +54,7 @@ public:
     void Layout(int32_t width, int32_t height) override;
     void Update() override;
     void TakeFocus() override;
-    [[nodiscard]] bool TakeBack() override; // the filters
+    [[nodiscard]] bool TakeBack() override; // what a scan tells, the filters, the name to look for
 
     // As the button START GAME.
     void StartSelected();
@@ -93,6 +93,7 @@ private:
     [[nodiscard]] std::vector<ROW_LINE> ChooseLines();
     [[nodiscard]] PLAYER_RECORD PlayedOf(const GameListRow& row) const;
     void ShowMedia(const GameListRow& row);
+    void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet);
     void ShowTexts(const GAME_INFORMATION& information);
     [[nodiscard]] std::filesystem::path MediaOf(const GameListRow& row) const;
     [[nodiscard]] bool IsChosen(uint16_t system, const std::wstring& key) const;
@@ -103,6 +104,7 @@ private:
                       int32_t revision);
     [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
     void StoreSaves();
+    [[nodiscard]] bool LeaveName();
 
     ScreenHost& host;
     SystemSwitcher switcher;

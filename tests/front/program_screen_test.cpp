@@ -403,4 +403,5 @@ TEST_F(ProgramScreenTest, ADroppedGamePlaysFromTheMenuAndInTheRoom) {
     EXPECT_EQ(second, looked) << "on the set that the player looks at";
     EXPECT_TRUE(SessionRuns(first));
     EXPECT_TRUE(SessionRuns(second));
+    EXPECT_EQ(program->Room().Games().Count(), 0u) << "no image is kept for later";
 }

@@ -92,6 +92,8 @@ TEST_F(Adding, PlaysASingleGameWithoutAWord) {
 
 TEST_F(Adding, ItsThreadIsAHelper) {
     const fs::path file = from.Write("Paper Lamps.sms", Image(3));
+    host.downloads.QueueRequest(L"http://host/", L"", 0, nullptr, {});
+    ASSERT_TRUE(host.downloads.WaitUntilIdle(kLongestWait)); // its thread has begun
     const CountedHelpers helpers;
     Add({file});
     EXPECT_EQ(CountedHelpers::Begun(), 1);

@@ -1,8 +1,11 @@
 // The APU's tick, one CPU cycle, to be inlined into a machine's frame loop: a few counters that rarely run
-// out.
+// out. ApuRun runs many cycles, from one counter's end to the next.
 #pragma once
 
 #include "nes/apu_private.h"
+
+#include <algorithm>
+#include <cstdint>
 
 inline void ApuClockPulse(APU_PULSE& pulse, uint8_t length) {
     pulse.counter = pulse.period * 2u + 2;
@@ -59,5 +62,31 @@ inline void ApuTick(APU& apu) {
     }
     if (apu.sampleClock == kApuCyclesPerPair) {
         ApuMakePair(apu);
+    }
+}
+
+// Cycles until the next one in which the frame sequencer may interrupt, or the sample channel interrupt or take
+// the bus; at least 1.
+[[nodiscard]] inline uint32_t ApuCyclesToEvent(const APU& apu) {
+    return std::min(apu.frameCounter, apu.sample.counter);
+}
+
+// The same as `cycles` calls of ApuTick.
+inline void ApuRun(APU& apu, uint32_t cycles) {
+    while (cycles != 0) {
+        const uint32_t toPulse = std::min(apu.pulses[0].counter, apu.pulses[1].counter);
+        const uint32_t toWave = std::min(apu.triangle.counter, apu.noise.counter);
+        const uint32_t toPair = kApuCyclesPerPair - apu.sampleClock;
+        const uint32_t toEvent = std::min({toPulse, toWave, toPair, ApuCyclesToEvent(apu), cycles});
+        const uint32_t quiet = apu.pendingLengths == 0 ? toEvent - 1 : 0;
+        apu.sampleClock += quiet;
+        apu.frameCounter -= quiet;
+        apu.pulses[0].counter -= quiet;
+        apu.pulses[1].counter -= quiet;
+        apu.triangle.counter -= quiet;
+        apu.noise.counter -= quiet;
+        apu.sample.counter -= quiet;
+        ApuTick(apu);
+        cycles -= quiet + 1;
     }
 }

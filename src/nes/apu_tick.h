@@ -38,7 +38,6 @@ inline void ApuClockNoise(APU_NOISE& noise, uint8_t length) {
 
 // One CPU cycle.
 inline void ApuTick(APU& apu) {
-    ++apu.sampleClock;
     if (--apu.frameCounter == 0) [[unlikely]] {
         ApuClockFrameCounter(apu);
     }
@@ -60,9 +59,7 @@ inline void ApuTick(APU& apu) {
     if (--apu.sample.counter == 0) [[unlikely]] {
         ApuClockSample(apu);
     }
-    if (apu.sampleClock == kApuCyclesPerPair) {
-        ApuMakePair(apu);
-    }
+    ApuRunPairs(apu, 1);
 }
 
 // Cycles until the next one in which the frame sequencer may interrupt, or the sample channel interrupt or take
@@ -71,22 +68,31 @@ inline void ApuTick(APU& apu) {
     return std::min(apu.frameCounter, apu.sample.counter);
 }
 
-// The same as `cycles` calls of ApuTick.
+// Cycles before the next one in which anything but a pair happens.
+[[nodiscard]] inline uint32_t ApuQuietCycles(const APU& apu) {
+    if (apu.pendingLengths != 0) {
+        return 0;
+    }
+    const uint32_t toPulse = std::min(apu.pulses[0].counter, apu.pulses[1].counter);
+    const uint32_t toWave = std::min(apu.triangle.counter, apu.noise.counter);
+    return std::min({toPulse, toWave, ApuCyclesToEvent(apu)}) - 1;
+}
+
+// The same as `cycles` calls of ApuTick. While no channel steps, the pairs are all the same.
 inline void ApuRun(APU& apu, uint32_t cycles) {
     while (cycles != 0) {
-        const uint32_t toPulse = std::min(apu.pulses[0].counter, apu.pulses[1].counter);
-        const uint32_t toWave = std::min(apu.triangle.counter, apu.noise.counter);
-        const uint32_t toPair = kApuCyclesPerPair - apu.sampleClock;
-        const uint32_t toEvent = std::min({toPulse, toWave, toPair, ApuCyclesToEvent(apu), cycles});
-        const uint32_t quiet = apu.pendingLengths == 0 ? toEvent - 1 : 0;
-        apu.sampleClock += quiet;
+        const uint32_t quiet = std::min(ApuQuietCycles(apu), cycles);
         apu.frameCounter -= quiet;
         apu.pulses[0].counter -= quiet;
         apu.pulses[1].counter -= quiet;
         apu.triangle.counter -= quiet;
         apu.noise.counter -= quiet;
         apu.sample.counter -= quiet;
-        ApuTick(apu);
-        cycles -= quiet + 1;
+        ApuRunPairs(apu, quiet);
+        cycles -= quiet;
+        if (cycles != 0) {
+            ApuTick(apu);
+            --cycles;
+        }
     }
 }

@@ -210,17 +210,10 @@ void ApuClockSample(APU& apu) {
     }
 }
 
-void ApuRunPairs(APU& apu, uint32_t cycles) {
-    const uint32_t clock = apu.sampleClock + cycles;
-    apu.sampleClock = clock % kApuCyclesPerPair;
-    const uint32_t pairs = clock / kApuCyclesPerPair;
-    if (pairs == 0) {
-        return;
-    }
+void ApuMakePair(APU& apu) {
+    apu.sampleClock = 0;
     const int32_t sum = apu.pulses[0].output + apu.pulses[1].output + apu.triangle.output +
                         apu.noise.output + apu.sample.output;
     const auto value = static_cast<int16_t>(sum * kMixFactor);
-    for (uint32_t i = 0; i < pairs; ++i) {
-        apu.pairs->Add(value, value);
-    }
+    apu.pairs->Add(value, value);
 }

@@ -77,5 +77,5 @@ void ApuTakePendingLengths(APU& apu);
 // The sample channel's timer has run out: plays one bit.
 void ApuClockSample(APU& apu);
 
-// Counts these cycles, in which no channel steps, and adds the sum of the channels for each pair that they end.
-void ApuRunPairs(APU& apu, uint32_t cycles);
+// Adds the sum of the channels as one pair.
+void ApuMakePair(APU& apu);

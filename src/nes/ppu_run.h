@@ -49,9 +49,11 @@ inline void TileGroup(PPU& ppu, uint32_t dot) {
 
 inline void SpriteGroup(PPU& ppu, uint32_t dot) {
     const uint32_t slot = ppu_tick::SpriteSlot(dot);
-    const auto unused = static_cast<uint16_t>(ppu_tick::TileAddress(ppu));
-    ppu_bus::Watch(ppu, unused);
-    ppu_bus::Watch(ppu, unused);
+    ppu_bus::Watch(ppu, static_cast<uint16_t>(ppu_tick::TileAddress(ppu)));
+    if (dot == kSpritesStart) {
+        ppu_tick::CopyX(ppu);
+    }
+    ppu_bus::Watch(ppu, static_cast<uint16_t>(ppu_tick::TileAddress(ppu)));
     const uint32_t low = PpuSpriteAddress(ppu, slot);
     ppu.lowPlane = ReadWatched(ppu, low);
     ppu.fetchAddress = static_cast<uint16_t>(low + ppu_bus::kPlaneBytes);
@@ -82,6 +84,9 @@ inline uint32_t Groups(PPU& ppu, uint32_t next, uint32_t count, bool wholeLine) 
         PpuRunTiles(ppu, next, groups);
     } else if (wholeLine && next >= kSpritesStart && next < kAheadStart) {
         groups = (std::min(end, kAheadStart) - next) / kGroup;
+        if (next == kSpritesStart) {
+            ppu_tick::CopyX(ppu);
+        }
         PpuRunSprites(ppu, ppu_tick::SpriteSlot(next), groups);
     } else {
         Group(ppu, next);
@@ -111,19 +116,22 @@ inline void PpuRun(PPU& ppu, uint32_t count) {
     const bool watched = ppu.pages->ppuAddressHook != NesIgnoreAddress;
     const bool wholeLine = PpuCanRunLine(ppu);
     while (count != 0) {
-        const uint32_t next = ppu.dot + 1;
-        const bool plain = ppu.ioState != kPpuNoAccess || next == ppu.eventDot;
+        uint32_t next = ppu.dot + 1;
+        if (next == ppu.eventDot) {
+            next = PpuEvent(ppu, next);
+        }
+        const bool plain = ppu.ioState != kPpuNoAccess;
         uint32_t done = 1;
         if (!plain && !ppu.rendering && (!watched || wholeLine)) {
             done = std::min(count, ppu.eventDot - next);
-            ppu.dot += done;
+            ppu.dot = next + done - 1;
             if (watched) {
                 ppu.pages->ppuUpperHook(ppu.pages->board, ppu.vramAddress & ppu_bus::kMask, done);
             }
         } else if (!plain && ppu.rendering && ppu_run::IsGroup(ppu, next, count)) {
             done = ppu_run::Groups(ppu, next, count, wholeLine);
         } else {
-            PpuTick(ppu);
+            PpuDot(ppu, next);
         }
         count -= done;
     }

@@ -17,8 +17,7 @@ png_image NewImage() {
 } // namespace
 
 std::vector<uint8_t> EncodePng(const PNG_PICTURE& picture) {
-    if (picture.pixels.empty() ||
-        picture.pixels.size() != size_t{picture.width} * picture.height) {
+    if (picture.pixels.empty() || picture.pixels.size() != size_t{picture.width} * picture.height) {
         return {};
     }
     std::vector<uint8_t> rows;

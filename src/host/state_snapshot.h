@@ -66,7 +66,7 @@ struct STATE_SNAPSHOT {
 // Gives a state to the session's machine, and ends its static. If the machine refuses it, it goes on as if nothing
 // had happened. With `before`, the state that it left is stored there, also if nothing was loaded.
 [[nodiscard]] bool EmuGiveState(EMU_THREAD& session, std::span<const uint8_t> state,
-                             std::vector<uint8_t>* before = nullptr);
+                                std::vector<uint8_t>* before = nullptr);
 
 // ---- Files.
 

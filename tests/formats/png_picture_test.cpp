@@ -5,7 +5,9 @@
 namespace {
 
 PNG_PICTURE SmallPicture() {
-    return {3, 2, {0xFF000000, 0xFFFFFFFF, 0xFF112233, 0xFFFF0000, 0xFF00FF00, 0xFF0000FF}};
+    return {
+        3, 2, {0xFF000000, 0xFFFFFFFF, 0xFF112233, 0xFFFF0000, 0xFF00FF00, 0xFF0000FF}
+    };
 }
 
 constexpr uint32_t kSide = 16;
@@ -27,7 +29,11 @@ TEST(PngPicture, EqualPicturesMakeEqualBytes) {
 
 TEST(PngPicture, WithoutPixelsThereIsNoFile) {
     EXPECT_TRUE(EncodePng({}).empty());
-    EXPECT_TRUE(EncodePng({3, 3, {1, 2}}).empty()) << "fewer pixels than its sides say";
+    EXPECT_TRUE(EncodePng({
+                              3, 3, {1, 2}
+    })
+                    .empty())
+        << "fewer pixels than its sides say";
 }
 
 TEST(PngPicture, ASideOverTheLimitIsRefused) {

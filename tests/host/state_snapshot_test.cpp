@@ -28,13 +28,16 @@ Bytes BytesOf(std::string_view text) {
 STATE_SNAPSHOT SmallSnapshot() {
     STATE_SNAPSHOT snapshot;
     snapshot.state = {1, 2, 3, 0, 255};
-    snapshot.picture = {2, 1, 4.0f / 3.0f, {0xFF102030, 0xFFFFFFFF}};
+    snapshot.picture = {
+        2, 1, 4.0f / 3.0f, {0xFF102030, 0xFFFFFFFF}
+    };
     snapshot.takenAt = 1234567890;
     snapshot.secondsPlayed = 3723;
     snapshot.texts = {
-        {"game", "L\xC3\xBC" "ciole <1> \"&\""},
-        {"set",  "2"                          },
-        {"game", "a second one"               }
+        {"game", "L\xC3\xBC"
+                 "ciole <1> \"&\""},
+        {"set",  "2"                              },
+        {"game", "a second one"                   }
     };
     return snapshot;
 }
@@ -195,7 +198,9 @@ TEST(Snapshot, WhatCouldNotBeReadAgainIsNotWritten) {
     EXPECT_TRUE(refused([](STATE_SNAPSHOT& s) { s.texts[0].value += '\0'; }));
     EXPECT_TRUE(refused(
         [](STATE_SNAPSHOT& s) { s.texts[0].value = std::string(kLongestSnapshotText + 1, 'x'); }));
-    EXPECT_TRUE(refused([](STATE_SNAPSHOT& s) { s.texts.resize(kMostSnapshotTexts + 1, {"a", "b"}); }));
+    EXPECT_TRUE(refused([](STATE_SNAPSHOT& s) {
+        s.texts.resize(kMostSnapshotTexts + 1, {"a", "b"});
+    }));
 }
 
 TEST(Snapshot, AFileCutAnywhereIsRefused) {
@@ -305,9 +310,7 @@ protected:
     // Lets a session run until its machine has presented, and pins it.
     SessionPin StartAndPin(const TEST_BEHAVIOUR& behaviour = {}) {
         EXPECT_NE(Start(4, "Game", 1, behaviour), 0u);
-        EXPECT_TRUE(Eventually([] {
-            return FrameOf(4) > 2;
-        }));
+        EXPECT_TRUE(Eventually([] { return FrameOf(4) > 2; }));
         return PinSession(4);
     }
 
@@ -363,7 +366,7 @@ TEST_F(TakenSnapshot, AMachineWithoutAStateIsReported) {
 TEST_F(TakenSnapshot, MayBeTakenWhileTheSessionStops) {
     for (int round = 0; round < 20; ++round) {
         SessionPin session = StartAndPin();
-        std::thread stopper([] { EmuStopSession(4); });
+        std::thread stopper([] { EmuStopSession(4, SessionEnd::kTurnedOff); });
         STATE_SNAPSHOT snapshot;
         for (int i = 0; i < 50; ++i) {
             EXPECT_TRUE(EmuTakeSnapshot(*session, snapshot));

@@ -3,6 +3,7 @@
 //
 // It joins the room (room_screen.h), which owns the modes, with the toolkit's screens (src/screens), and does for
 // these what they ask of the program (ScreenHost).
+// If games were on when the program last ended, it begins with the question whether they go on.
 // What is dropped on the window joins the library; a game alone is then played, on the set that it would be chosen
 // for.
 // Keys of its own: F10 is the main menu; escape goes back in menu, panels and browser. A controller moves the focus
@@ -13,11 +14,13 @@
 
 #include "front/gui_pad.h"
 #include "front/play_times.h"
+#include "front/resume_games.h"
 #include "front/room_screen.h"
 #include "front/screen.h"
 #include "library/player_database.h"
 #include "screens/add_window.h"
 #include "screens/battle_ground.h"
+#include "screens/continue_window.h"
 #include "screens/game_overlay.h"
 #include "screens/screen_host.h"
 #include "web/download_queue.h"
@@ -26,6 +29,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -59,6 +63,8 @@ public:
     [[nodiscard]] CGUIBattleGround& Menu() { return menu; }
     [[nodiscard]] CGUIGameOverlay& Overlay() { return overlay; }
     [[nodiscard]] AddWindow& Adding() { return adding; }
+    // Null unless it asks whether games go on.
+    [[nodiscard]] ContinueWindow* Continuing() const { return continuing.get(); }
 
 private:
     // ScreenHost.
@@ -74,6 +80,10 @@ private:
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
+    void AskToContinue();
+    void TakeChoice();
+    void ContinueGames();
+    [[nodiscard]] std::string GoOn(const LEFT_GAME& left);
     void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
     void PlayFile(const std::filesystem::path& file);
@@ -89,11 +99,13 @@ private:
     DownloadQueue downloads; // outlives the screens, which queue requests
     PlayerDatabase player;   // outlives them too
     const class Joysticks& joysticks;
+    ResumeGames* const resumeGames; // null if nobody plays
     RoomScreen room;
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;
     PlayTimes playTimes{player};
     AddWindow adding;
+    std::unique_ptr<ContinueWindow> continuing;
     PlayReports reports{downloads};
     GuiPad pad;
     std::vector<ModeInput> wanted; // by the screens since the last round

@@ -14,9 +14,9 @@ namespace {
 SESSION_RESULT Do(const SESSION_ORDER& order) {
     SESSION_RESULT result{order.number, order.key, 0, {}};
     if (order.game != nullptr) {
-        result.serial = StartGame(order.key, *order.game, result.error);
+        result.serial = StartGame(order.key, *order.game, order.resume, result.error);
     } else {
-        EmuStopSession(order.key);
+        EmuStopSession(order.key, order.end);
     }
     return result;
 }

@@ -89,7 +89,8 @@ GUI_BITMAP Fit(const CONTINUE_GAME& game, int32_t boxWidth, int32_t boxHeight, d
     std::vector<uint32_t> blocks;
     blocks.reserve(game.pixels.size() * static_cast<size_t>(across) * static_cast<size_t>(down));
     for (int32_t y = 0; y < fromHeight * down; ++y) {
-        const uint32_t* const row = game.pixels.data() + size_t{game.width} * (y / down);
+        const uint32_t* const row =
+            game.pixels.data() + size_t{game.width} * static_cast<size_t>(y / down);
         for (int32_t x = 0; x < fromWidth; ++x) {
             blocks.insert(blocks.end(), static_cast<size_t>(across), row[x]);
         }

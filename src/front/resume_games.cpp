@@ -69,7 +69,7 @@ std::string ResumeGames::NameFor(uint32_t key, const OPENED_GAME& opened) const 
            GameIdentityText(opened.game).substr(0, kIdentityDigits);
 }
 
-// The file from which the game goes on if it is started again: its own, or the one that it left on another set.
+// The file from which the game goes on if it is started again: that of this set, or else of another one.
 fs::path ResumeGames::LeftBy(const OPENED_GAME& opened, const fs::path& file) {
     std::error_code ignored;
     if (!MayGoOnByItself()) {
@@ -78,9 +78,13 @@ fs::path ResumeGames::LeftBy(const OPENED_GAME& opened, const fs::path& file) {
     if (kind == ResumeKind::kWindow) {
         return fs::exists(file, ignored) ? file : fs::path();
     }
-    const std::vector<LEFT_GAME>::const_iterator same =
-        std::ranges::find_if(left, [&](const LEFT_GAME& game) { return IsResumeOf(game.label, opened.game); });
-    return same != left.end() ? same->file : fs::path();
+    fs::path from;
+    for (const LEFT_GAME& game : left) {
+        if (IsResumeOf(game.label, opened.game) && (from.empty() || game.file == file)) {
+            from = game.file;
+        }
+    }
+    return from;
 }
 
 GAME_RESUME ResumeGames::Start(uint32_t key, const OPENED_GAME& opened) {

@@ -68,7 +68,9 @@ std::string ResumeSetAside(const fs::path& file, const std::string& why) {
     const fs::path aside = FreeAsidePath(file, "refused");
     std::error_code code;
     fs::rename(file, aside, code);
-    return file.string() + ": " + why +
+    const std::string named =
+        why.starts_with(file.string()) ? why : file.string() + ": " + why; // the disk's own words
+    return named +
            (code ? "; it cannot be set aside and stays: " + code.message()
                  : "; it is kept as " + aside.string());
 }

@@ -173,8 +173,10 @@ ContinueWindow::~ContinueWindow() {
 
 void ContinueWindow::MakeCard(CONTINUE_GAME&& game, int64_t now) {
     CARD card;
-    card.picture =
+    card.screen =
         new CGhostWindowEx(box->window, 0, L"SSHOT", L"", CGhostWindowEx::kNoSignals, {});
+    card.picture =
+        new CGhostWindowEx(card.screen->window, 0, L"SSHOT", L"", CGhostWindowEx::kNoSignals, {});
     card.title = new CGhostTextBox(box->window, 0, L"TEXT", L"", {});
     card.detail = new CGhostTextBox(box->window, 0, L"TEXT_SMALL",
                                     game.machine + L", " + WhenText(game.takenAt, now), {});
@@ -215,8 +217,8 @@ void ContinueWindow::GoBack() {
 void ContinueWindow::Ask(bool whether) {
     asks = whether;
     heading->SetText(asks         ? L"Forget where you were?"
-                     : games == 1 ? L"Go on with your game?"
-                                  : L"Go on with your games?");
+                     : games == 1 ? L"Continue your game?"
+                                  : L"Continue your games?");
     words->SetText(asks ? L"The games stay, and so do the states that you saved." : WordsFor(games));
     goOn->SetVisible(!asks);
     notNow->SetCaption(asks ? L"Keep" : L"Not Now");
@@ -261,16 +263,15 @@ void ContinueWindow::Place() {
     }
 }
 
-// The picture in the middle of its place.
+// The picture in the middle of its screen.
 void ContinueWindow::PlaceCard(CARD& card, const GUI_RECT& place) {
     const int32_t high = PictureHeight(place.width);
     card.image = Fit(card.game, place.width, high, CGhostManager::Get().Density());
-    card.picture->SetBackgroundImage(card.image.pixels.empty() ? nullptr : &card.image);
-    const bool seen = !card.image.pixels.empty();
-    const int32_t width = seen ? card.image.width : place.width;
-    const int32_t height = seen ? card.image.height : high;
-    card.picture->SetPos(place.x + (place.width - width) / 2, place.y + (high - height) / 2, width,
-                         height);
+    card.screen->SetPos(place.x, place.y, place.width, high);
+    card.picture->SetBackgroundImage(&card.image);
+    card.picture->SetPos((place.width - card.image.width) / 2, (high - card.image.height) / 2,
+                         card.image.width, card.image.height);
+    card.picture->SetVisible(!card.image.pixels.empty());
     card.title->SetText(Shortened(L"TEXT", card.game.title, place.width));
     card.title->SetPos(place.x, place.y + high, place.width, kTitleHeight);
     card.detail->SetPos(place.x, place.y + high + kTitleHeight, place.width, kDetailHeight);

@@ -60,7 +60,7 @@ public:
     [[nodiscard]] const CGhostTextBox* Heading() const { return heading; }
     [[nodiscard]] const CGhostTextBox* Words() const { return words; }
     [[nodiscard]] size_t Count() const { return cards.size(); }
-    [[nodiscard]] const CGhostWindowEx* Picture(size_t place) const { return cards[place].picture; }
+    [[nodiscard]] const CGhostWindowEx* Screen(size_t place) const { return cards[place].screen; }
     [[nodiscard]] const GUI_BITMAP& Image(size_t place) const { return cards[place].image; }
     [[nodiscard]] const CGhostTextBox* Title(size_t place) const { return cards[place].title; }
     [[nodiscard]] const CGhostTextBox* Detail(size_t place) const {
@@ -74,6 +74,7 @@ private:
     struct CARD {
         CONTINUE_GAME game;
         GUI_BITMAP image; // as large as it is shown
+        CGhostWindowEx* screen = nullptr; // four to three, black around the picture
         CGhostWindowEx* picture = nullptr;
         CGhostTextBox* title = nullptr;
         CGhostTextBox* detail = nullptr;

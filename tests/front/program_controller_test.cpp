@@ -132,3 +132,45 @@ TEST_F(ProgramController, AMessageTakesTheControllerUntilItIsClosed) {
     ASSERT_TRUE(Push(application, kEast));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
 }
+
+TEST_F(ProgramController, GamesGoOnWithOneButton) {
+    uint32_t key = 0;
+    {
+        Application application;
+        ProgramScreen* const program = Open(application);
+        ASSERT_NE(program, nullptr);
+        ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    }
+    Application application;
+    ProgramScreen* const program = OpenWithPad(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_NE(program->Continuing(), nullptr);
+    ASSERT_TRUE(Push(application, kRight));
+    EXPECT_EQ(CGhostManager::Get().FocusWindow(), program->Continuing()->NotNowButton()->window);
+    ASSERT_TRUE(Push(application, kRight));
+    ASSERT_TRUE(Push(application, kSouth));
+    EXPECT_TRUE(program->Continuing()->Asks());
+    ASSERT_TRUE(Push(application, kEast));
+    EXPECT_FALSE(program->Continuing()->Asks());
+    ASSERT_TRUE(Push(application, kSouth));
+    EXPECT_EQ(program->Continuing(), nullptr);
+    ASSERT_TRUE(RunUntilOn(application, program->Room(), key));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
+}
+
+TEST_F(ProgramController, TheSecondButtonPutsTheQuestionOff) {
+    uint32_t key = 0;
+    {
+        Application application;
+        ProgramScreen* const program = Open(application);
+        ASSERT_NE(program, nullptr);
+        ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    }
+    Application application;
+    ProgramScreen* const program = OpenWithPad(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(Push(application, kEast));
+    EXPECT_EQ(program->Continuing(), nullptr);
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
+    EXPECT_FALSE(SessionRuns(key));
+}

@@ -210,7 +210,10 @@ TEST_F(Continuing, PicturesHaveTheirGamesShape) {
     const GUI_BITMAP& wide = window->Image(6);
     EXPECT_EQ(wide.width, 240);
     EXPECT_EQ(wide.height, 108);
-    EXPECT_EQ(window->Picture(7)->window->width, 240) << "an empty screen";
+    for (size_t i = 0; i < 8; ++i) {
+        EXPECT_EQ(window->Screen(i)->window->width, 240);
+        EXPECT_EQ(window->Screen(i)->window->height, 180);
+    }
 }
 
 // Every pixel of the game is as wide as every other one, or one pixel of the display wider.

@@ -19,9 +19,9 @@ constexpr int kRight = 14;
 
 class ProgramController : public ProgramTest {
 protected:
-    void SetUp() override {
-        ProgramTest::SetUp();
-        // A window off the screen never has the focus, without which the library drops a joystick's events.
+    // A window off the screen never has the focus, without which the library drops a joystick's events. To be said
+    // before each start of the program, as its end forgets it.
+    static void AllowBackground() {
         SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
     }
     void TearDown() override {
@@ -30,6 +30,7 @@ protected:
     }
 
     ProgramScreen* OpenWithPad(Application& application) {
+        AllowBackground();
         ProgramScreen* const program = Open(application);
         if (program == nullptr) {
             return nullptr;

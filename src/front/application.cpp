@@ -285,7 +285,8 @@ ProgramScreen& Application::ShowProgram() {
     NeedAppearance();
     InstallOwnGames();
     auto program = std::make_unique<ProgramScreen>(
-        ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight, KeepGames(ResumeKind::kProgram)},
+        ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight,
+                          KeepGames(ResumeKind::kProgram)},
         PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings});
     ProgramScreen& shown = *program;
     Show(std::move(program));

@@ -34,8 +34,8 @@ uint32_t GoOn(uint32_t sessionKey, const OPENED_GAME& opened, const GAME_RESUME&
     if (!ReadSnapshot(resume.from, snapshot, error)) {
         return 0;
     }
-    const uint32_t serial =
-        StartSession(sessionKey, opened, {resume.file, resume.texts, std::move(snapshot.state)}, error);
+    const uint32_t serial = StartSession(
+        sessionKey, opened, {resume.file, resume.texts, std::move(snapshot.state)}, error);
     if (serial != 0 && resume.from != resume.file) {
         std::error_code ignored; // the session writes its own within ten seconds
         fs::rename(resume.from, resume.file, ignored);
@@ -61,7 +61,8 @@ uint32_t StartGame(uint32_t sessionKey, const OPENED_GAME& opened, const GAME_RE
         }
         PostReport(refused);
     }
-    const uint32_t serial = StartSession(sessionKey, opened, {resume.file, resume.texts, {}}, error);
+    const uint32_t serial =
+        StartSession(sessionKey, opened, {resume.file, resume.texts, {}}, error);
     if (serial == 0) {
         error = "Error loading game" + (error.empty() ? std::string() : ": " + error);
     }

@@ -97,9 +97,8 @@ bool OpenSecond(const STATE_SNAPSHOT& label, OPENED_GAME& opened, std::string& e
     }
     std::string title;
     std::string note;
-    opened.hasBios =
-        OpenGame(opened.secondFile, nullptr, opened.bios, title, note, error) &&
-        PickName(label, kSecond, opened.secondFile, opened.bios, error);
+    opened.hasBios = OpenGame(opened.secondFile, nullptr, opened.bios, title, note, error) &&
+                     PickName(label, kSecond, opened.secondFile, opened.bios, error);
     return opened.hasBios;
 }
 
@@ -118,9 +117,9 @@ bool IsResumeOf(const STATE_SNAPSHOT& label, const CGameFile& game) {
 
 std::vector<SNAPSHOT_TEXT> ResumeTexts(uint32_t key, const OPENED_GAME& opened) {
     std::vector<SNAPSHOT_TEXT> texts = {
-        {kSet,     std::to_string(key)                         },
-        {kTitle,   opened.title                                },
-        {kSystem,  std::to_string(opened.game.Header().system)  },
+        {kSet,     std::to_string(key)                           },
+        {kTitle,   opened.title                                  },
+        {kSystem,  std::to_string(opened.game.Header().system)   },
         {kOptions, LowerAscii(HexText(std::span(opened.options)))}
     };
     AddGame(texts, kGame, opened.file, opened.game);

@@ -46,7 +46,8 @@ bool ResumeWrite(RESUME_FILE& file, STATE_SNAPSHOT&& snapshot) {
     std::string error;
     if (!WriteSnapshot(file.path, snapshot, error)) {
         if (!std::exchange(file.failed, true)) {
-            HostReport(error + "; the next start of the program cannot continue the game from here");
+            HostReport(error +
+                       "; the next start of the program cannot continue the game from here");
         }
         const std::scoped_lock hold(file.lock);
         file.textsChanged = true;
@@ -70,7 +71,6 @@ std::string ResumeSetAside(const fs::path& file, const std::string& why) {
     fs::rename(file, aside, code);
     const std::string named =
         why.starts_with(file.string()) ? why : file.string() + ": " + why; // the disk's own words
-    return named +
-           (code ? "; it cannot be set aside and stays: " + code.message()
-                 : "; it is kept as " + aside.string());
+    return named + (code ? "; it cannot be set aside and stays: " + code.message()
+                         : "; it is kept as " + aside.string());
 }

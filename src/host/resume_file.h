@@ -25,7 +25,8 @@
 struct SESSION_RESUME {
     std::filesystem::path file; // empty: none is kept
     std::vector<SNAPSHOT_TEXT> texts;
-    std::vector<uint8_t> state; // in the place of the autosave; empty: the autosave or the game's start
+    std::vector<uint8_t>
+        state; // in the place of the autosave; empty: the autosave or the game's start
 };
 
 // What a session knows of its file.

@@ -13,7 +13,8 @@ namespace {
 
 constexpr const char* kFolder = ".\\resume";
 constexpr const char* kExtension = ".resume";
-constexpr const char* kUnfinished = ".tmp-"; // in the name of a file that WriteFile has not renamed yet
+constexpr const char* kUnfinished =
+    ".tmp-"; // in the name of a file that WriteFile has not renamed yet
 constexpr int kMostPrograms = 100;
 
 fs::path LockOf(const fs::path& folder) {

@@ -173,8 +173,7 @@ ContinueWindow::~ContinueWindow() {
 
 void ContinueWindow::MakeCard(CONTINUE_GAME&& game, int64_t now) {
     CARD card;
-    card.screen =
-        new CGhostWindowEx(box->window, 0, L"SSHOT", L"", CGhostWindowEx::kNoSignals, {});
+    card.screen = new CGhostWindowEx(box->window, 0, L"SSHOT", L"", CGhostWindowEx::kNoSignals, {});
     card.picture =
         new CGhostWindowEx(card.screen->window, 0, L"SSHOT", L"", CGhostWindowEx::kNoSignals, {});
     card.title = new CGhostTextBox(box->window, 0, L"TEXT", L"", {});
@@ -194,8 +193,9 @@ void ContinueWindow::MakeButtons() {
     };
     goOn = make(L"Continue", L"Turns them all on as they were, each on its television",
                 [this] { choice = ContinueChoice::kContinue; });
-    notNow = make(L"Not Now", L"Asks again at the next start; a game stays until another is played "
-                              L"on its television",
+    notNow = make(L"Not Now",
+                  L"Asks again at the next start; a game stays until another is played "
+                  L"on its television",
                   [this] { GoBack(); });
     forget = make(L"Forget", L"Deletes where these games were", [this] {
         if (asks) {
@@ -219,8 +219,10 @@ void ContinueWindow::Ask(bool whether) {
     heading->SetText(asks         ? L"Forget where you were?"
                      : games == 1 ? L"Continue your game?"
                                   : L"Continue your games?");
-    words->SetText(asks ? L"The games stay, and so do the states that you saved." : WordsFor(games));
+    words->SetText(asks ? L"The games stay, and so do the states that you saved."
+                        : WordsFor(games));
     goOn->SetVisible(!asks);
+    PlaceButtons();
     notNow->SetCaption(asks ? L"Keep" : L"Not Now");
     (asks ? notNow : goOn)->SetFocus();
 }
@@ -255,10 +257,20 @@ void ContinueWindow::Place() {
                          grid.width, cardHeight});
         ++place;
     }
-    const int32_t buttonTop = kMargin + kHeadHeight + cardsHeight + kFootHeight - kButtonHeight;
-    int32_t x = kMargin + (inner - 3 * kButtonWidth - 2 * kButtonGap) / 2;
-    for (CGhostButton* const button : {goOn, notNow, forget}) {
-        button->SetPos(x, buttonTop, kButtonWidth, kButtonHeight);
+    buttonRow = {kMargin, kMargin + kHeadHeight + cardsHeight + kFootHeight - kButtonHeight, inner,
+                 kButtonHeight};
+    PlaceButtons();
+}
+
+// While it asks, Forget is no longer where it was, so that a double click does not forget.
+void ContinueWindow::PlaceButtons() {
+    const std::vector<CGhostButton*> row =
+        asks ? std::vector{forget, notNow} : std::vector{goOn, notNow, forget};
+    const auto count = static_cast<int32_t>(row.size());
+    const int32_t width = count * (kButtonWidth + kButtonGap) - kButtonGap;
+    int32_t x = buttonRow.x + (buttonRow.width - width) / 2;
+    for (CGhostButton* const button : row) {
+        button->SetPos(x, buttonRow.y, kButtonWidth, kButtonHeight);
         x += kButtonWidth + kButtonGap;
     }
 }

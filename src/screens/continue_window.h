@@ -73,7 +73,7 @@ public:
 private:
     struct CARD {
         CONTINUE_GAME game;
-        GUI_BITMAP image; // as large as it is shown
+        GUI_BITMAP image;                 // as large as it is shown
         CGhostWindowEx* screen = nullptr; // four to three, black around the picture
         CGhostWindowEx* picture = nullptr;
         CGhostTextBox* title = nullptr;
@@ -85,6 +85,7 @@ private:
     void Say();
     void Ask(bool whether);
     void Place();
+    void PlaceButtons();
     static void PlaceCard(CARD& card, const GUI_RECT& place);
 
     std::vector<CARD> cards; // never changes, as the windows show its images
@@ -96,7 +97,8 @@ private:
     CGhostButton* goOn;
     CGhostButton* notNow;
     CGhostButton* forget;
-    GUI_RECT screen; // that it was placed for
+    GUI_RECT buttonRow; // in the box
+    GUI_RECT screen;    // that it was placed for
     double density = 0;
     ContinueChoice choice = ContinueChoice::kNone;
     bool asks = false;

@@ -32,7 +32,7 @@ enum class ModeInput : uint8_t {
     kContinueWalking,
     kContinueStanding,
     kContinueFullScreen,
-    kUse,         // the action Use, and the left mouse button, while walking
+    kUse,     // the action Use, and the left mouse button, while walking
     kShowSet, // the same where a room's games are given from outside and no browser chooses them
     kLeave,   // escape and a controller's guide button, in the room and full screen
     kMiddleButton, // the middle mouse button, in the room and full screen

@@ -276,8 +276,8 @@ TEST_F(ProgramContinue, AGameWhoseFileIsGoneIsNamedAndTheOthersGoOn) {
     EXPECT_FALSE(fs::exists(FileOf(keys[1])));
     EXPECT_TRUE(fs::exists(FileOf(keys[1]).replace_extension(".refused-1.resume")));
     const std::vector<std::string> faults = ProgramNotices().UnreadFaults(0);
-    EXPECT_THAT(faults, testing::ElementsAre(AllOf(HasSubstr("latch cannot go on"),
-                                                   HasSubstr("refused-1.resume"))));
+    EXPECT_THAT(faults, testing::ElementsAre(
+                            AllOf(HasSubstr("latch cannot go on"), HasSubstr("refused-1.resume"))));
 }
 
 TEST_F(ProgramContinue, AGameThatHasChangedDoesNotGoOn) {

@@ -21,9 +21,7 @@ class ProgramController : public ProgramTest {
 protected:
     // A window off the screen never has the focus, without which the library drops a joystick's events. To be said
     // before each start of the program, as its end forgets it.
-    static void AllowBackground() {
-        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
-    }
+    static void AllowBackground() { SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1"); }
     void TearDown() override {
         pad.reset();
         ProgramTest::TearDown();

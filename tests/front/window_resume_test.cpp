@@ -47,8 +47,8 @@ TEST_F(WindowResume, TheGameGoesOnAndSaysSo) {
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
-    EXPECT_THAT(Told(), testing::Contains(
-                            HasSubstr("latch: goes on where it was when the program ended")));
+    EXPECT_THAT(Told(),
+                testing::Contains(HasSubstr("latch: goes on where it was when the program ended")));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     EXPECT_FALSE(HadStatic());
 }

@@ -215,10 +215,7 @@ TEST_F(ResumeFile, TheGamesOwnMemoryIsThatOfItsFile) {
 
 TEST_F(ResumeFile, IsWrittenOnlyWhenSomethingHasChanged) {
     RESUME_FILE file;
-    ResumeBegin(file, {
-                          Path(), {{"set", "1"}},
-                            {}
-    });
+    ResumeBegin(file, {Path(), {{"set", "1"}}, {}});
     const auto writes = [&](uint8_t seed) {
         fs::remove(Path());
         EXPECT_TRUE(ResumeWrite(file, Snapshot(seed)));
@@ -250,10 +247,7 @@ TEST_F(ResumeFile, ATextOfARunningSessionIsInTheNextFile) {
 TEST_F(ResumeFile, AFailedWriteIsToldOnceAndTriedAgain) {
     home.Write("resume", "no folder");
     RESUME_FILE file;
-    ResumeBegin(file, {
-                          Path(), {{"set", "1"}},
-                            {}
-    });
+    ResumeBegin(file, {Path(), {{"set", "1"}}, {}});
     EXPECT_FALSE(ResumeWrite(file, Snapshot(1)));
     EXPECT_FALSE(ResumeWrite(file, Snapshot(2)));
     EXPECT_THAT(TakeReports(), ElementsAre(HasSubstr("resume/1: folder cannot be made")));
@@ -287,7 +281,8 @@ void Sleep(uint32_t microseconds) {
 // Whenever it comes, there is a whole file, no older than the one before.
 TEST_F(ResumeFile, IsWholeAfterAKillAtAnyInstant) {
     constexpr int kKills = 60;
-    uint32_t longest = 30000; // microseconds: about two writes, which differs from computer to computer
+    uint32_t longest =
+        30000; // microseconds: about two writes, which differs from computer to computer
     std::mt19937 random(16);
     uint32_t frame = 0;
     Bytes state;

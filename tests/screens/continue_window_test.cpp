@@ -16,7 +16,8 @@ std::vector<uint32_t> Bars(uint32_t width, uint32_t height, uint32_t seed) {
     for (uint32_t y = 0; y < height; ++y) {
         for (uint32_t x = 0; x < width; ++x) {
             const uint32_t bar = (x * 8 / width + seed) % 8;
-            const uint32_t colour = (bar & 1) * 0xC03020 + (bar >> 1 & 1) * 0x20A040 + (bar >> 2) * 0x1830D0;
+            const uint32_t colour =
+                (bar & 1) * 0xC03020 + (bar >> 1 & 1) * 0x20A040 + (bar >> 2) * 0x1830D0;
             const int32_t dx = static_cast<int32_t>(x) - static_cast<int32_t>(width / 2);
             const int32_t dy = static_cast<int32_t>(y) - static_cast<int32_t>(height / 2);
             const bool ring = dx * dx + dy * dy < 2500 && dx * dx + dy * dy > 1600;
@@ -27,8 +28,13 @@ std::vector<uint32_t> Bars(uint32_t width, uint32_t height, uint32_t seed) {
 }
 
 CONTINUE_GAME Game(const std::wstring& title, uint32_t width, uint32_t height, float aspect) {
-    return {title,  L"Master System", kNow - 90, width, height,
-            aspect, Bars(width, height, static_cast<uint32_t>(title.size()))};
+    return {title,
+            L"Master System",
+            kNow - 90,
+            width,
+            height,
+            aspect,
+            Bars(width, height, static_cast<uint32_t>(title.size()))};
 }
 
 // As many as the room has sets, of all shapes.
@@ -108,6 +114,17 @@ TEST_F(Continuing, ForgetsOnlyWhenAskedTwice) {
     EXPECT_EQ(window->Choice(), ContinueChoice::kForget);
 }
 
+TEST_F(Continuing, ADoubleClickForgetsNothing) {
+    Click(window->ForgetButton());
+    ASSERT_TRUE(window->Asks());
+    PressMouse();
+    Tick();
+    EXPECT_EQ(window->Choice(), ContinueChoice::kNone);
+    const GHOSTMANAGER_WINDOW& forget = *window->ForgetButton()->window;
+    EXPECT_LT(forget.x + forget.width, window->Box()->window->clientRect.width / 2)
+        << "it is no longer where it was";
+}
+
 TEST_F(Continuing, KeysAloneReachEveryAnswer) {
     PressKey(GHOSTGUIKey::kReturn);
     EXPECT_EQ(window->Choice(), ContinueChoice::kContinue);
@@ -166,14 +183,15 @@ TEST_F(Continuing, IsTidyOnEveryDisplayWithAnyNumberOfGames) {
             EXPECT_EQ(Intersection(place, Manager().ScreenRect()), place) << where;
             ExpectTidy(box, where);
             for (size_t i = 0; i < count; ++i) {
-                EXPECT_TRUE(Fits(L"TEXT", window->Title(i)->Text(), window->Title(i)->window->width))
+                EXPECT_TRUE(
+                    Fits(L"TEXT", window->Title(i)->Text(), window->Title(i)->window->width))
                     << where;
                 EXPECT_TRUE(Fits(L"TEXT_SMALL", window->Detail(i)->Text(),
                                  window->Detail(i)->window->width))
                     << where;
             }
-            EXPECT_TRUE(Fits(L"TEXT_TITLE", window->Heading()->Text(),
-                             window->Heading()->window->width));
+            EXPECT_TRUE(
+                Fits(L"TEXT_TITLE", window->Heading()->Text(), window->Heading()->window->width));
             EXPECT_TRUE(
                 Fits(L"TEXT_SMALL", window->Words()->Text(), window->Words()->window->width));
             KeepPicture(where);

@@ -17,6 +17,7 @@
 #include "front/room_screen.h"
 #include "front/run_settings.h"
 #include "front/save_keeper.h"
+#include "front/saved_states.h"
 #include "front/session_callbacks.h"
 #include "host/battery_file.h"
 #include "host/host_data.h"
@@ -163,6 +164,7 @@ bool Application::Round() {
     RunCommands(events);
     PlayDroppedFiles(events);
     const bool screenNews = UpdateScreen(events);
+    ShowSavedStates(events);
     StopEndedGame();
     const bool overlayNews = UpdateOverlays(events);
     if (events.windowChanged || screenNews || overlayNews) {
@@ -236,6 +238,14 @@ bool Application::UpdateScreen(const PUMP_EVENTS& events) {
     return screenNews || pictureNews;
 }
 
+// The screens of the room and the program have their own.
+void Application::ShowSavedStates(const PUMP_EVENTS& events) {
+    if (states != nullptr && states->Update({events, pump.Mouse(), Target(), Now()}) && playing) {
+        NeedAppearance();
+        states->Open({kFrontTelevision, playedSerial, playedTitle, {}});
+    }
+}
+
 bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
     const bool textNews = overlay.Update(Target(), view.statistics, pacer.RateText(), Now());
     const bool guiNews = gui.Update(events, Target(), Now());
@@ -253,11 +263,13 @@ void Application::DrawOrWait() {
 }
 
 void Application::Show(std::unique_ptr<Screen> next) {
+    states.reset();
     nextScreen = std::move(next);
 }
 
 void Application::ShowGame() {
-    Show(std::make_unique<GameScreen>(televisions, view, lightGun));
+    Show(std::make_unique<GameScreen>(televisions, view, lightGun, kFrontTelevision));
+    states = std::make_unique<SavedStates>();
 }
 
 void Application::NeedAppearance() {
@@ -348,7 +360,9 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     ResumeGames* const games = KeepGames(ResumeKind::kWindow);
     const GAME_RESUME resume =
         games != nullptr ? games->Start(kFrontTelevision, opened) : GAME_RESUME();
-    playing = StartGame(kFrontTelevision, opened, resume, error) != 0;
+    playedSerial = StartGame(kFrontTelevision, opened, resume, error);
+    playedTitle = opened.title;
+    playing = playedSerial != 0;
     if (!playing) {
         window.SetTitle(ProgramTitle());
         return false;
@@ -411,6 +425,7 @@ void Application::Release() {
     saveKeeper.reset();
     sound.Stop(); // before the rest: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
+    states.reset();
     nextScreen.reset();
     screen.reset();
     Window::CaptureMouse(false);

@@ -4,8 +4,8 @@
 #include "front/event_pump.h"
 #include "front/light_gun.h"
 #include "front/televisions.h"
+#include "gui/manager.h"
 #include "host/host_data.h"
-#include "settings/bindings.h"
 
 #include <SDL_events.h>
 #include <SDL_mouse.h>
@@ -18,10 +18,12 @@ constexpr int64_t kMouseAims = 3000000; // then keys aim again
 
 } // namespace
 
-GameScreen::GameScreen(const Televisions& sets, const GAME_VIEW& gameView, const LightGun& gun)
+GameScreen::GameScreen(const Televisions& sets, const GAME_VIEW& gameView, const LightGun& gun,
+                       uint32_t sessionKey)
     : televisions(sets)
     , view(gameView)
     , lightGun(gun)
+    , key(sessionKey)
     , shownView(gameView)
     , mouseMoved(HostClock().nowMicroseconds()) {}
 
@@ -41,7 +43,8 @@ bool GameScreen::Update(const SCREEN_INPUT& input) {
 
 void GameScreen::NoteMouse(const SCREEN_INPUT& input) {
     const MOUSE_STATE& mouse = input.mouse;
-    if (mouse.x != lastX || mouse.y != lastY || mouse.left || mouse.leftPressed) {
+    if (mouse.x != lastX || mouse.y != lastY || mouse.left || mouse.leftPressed ||
+        CGhostManager::Get().ModalWindow() != nullptr) {
         mouseMoved = input.now;
     }
     lastX = mouse.x;
@@ -58,12 +61,11 @@ void GameScreen::HideIdleCursor(int64_t now) {
 }
 
 void GameScreen::AimLightGuns(const SCREEN_INPUT& input) const {
-    const SHOWN_PICTURE shown = {televisions.Picture(InputActiveKey()), view.crop,
-                                 input.target.width, input.target.height};
+    const SHOWN_PICTURE shown = {televisions.Picture(key), view.crop, input.target.width,
+                                 input.target.height};
     lightGun.Aim(shown, input.mouse, input.now - mouseMoved < kMouseAims);
 }
 
 void GameScreen::Draw(const DRAW_TARGET& target) {
-    DrawFullScreen(televisions.Picture(InputActiveKey()), {view.crop, view.linear}, target.width,
-                   target.height);
+    DrawFullScreen(televisions.Picture(key), {view.crop, view.linear}, target.width, target.height);
 }

@@ -179,6 +179,9 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     const bool roomNews = room.Update(input);
     CountPlayed();
     ReadKeys(input, covered);
+    if (states.Update(input) && CGhostManager::Get().ModalWindow() == nullptr) {
+        room.Take(ModeInput::kSavedStates);
+    }
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
@@ -203,7 +206,8 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
             GoBack();
         }
     }
-    const PAD_PRESSES presses = pad.Update(covered || adding.IsShown() || behind, input.now);
+    const bool padIsMine = !states.IsShown() && (covered || adding.IsShown() || behind);
+    const PAD_PRESSES presses = pad.Update(padIsMine, input.now);
     if (behind) {
         return;
     }
@@ -242,7 +246,27 @@ void ProgramScreen::GoBack() {
 void ProgramScreen::Obey(ModeOrder order) {
     if (order == ModeOrder::kQuit) {
         calls.quit();
+    } else if (order == ModeOrder::kSavedStates) {
+        ShowSavedStates();
     }
+}
+
+// Of a game that runs; one that still starts has none.
+void ProgramScreen::ShowSavedStates() {
+    const uint32_t key = room.Selected().id;
+    const uint32_t serial = room.Games().SerialOn(key);
+    const std::vector<PLAYED_GAME> playing = room.Games().Playing();
+    const auto game = std::find_if(playing.begin(), playing.end(),
+                                   [&](const PLAYED_GAME& one) { return one.serial == serial; });
+    if (game == playing.end()) {
+        return;
+    }
+    states.Open({key, serial, room.Games().TitleOn(key), [this, played = *game] {
+                     const int64_t now = HostClock().nowMicroseconds();
+                     const int64_t seconds = player.Find(played.identity).secondsPlayed +
+                                             playTimes.Untold(played.serial, now);
+                     return static_cast<uint64_t>(std::max<int64_t>(seconds, 0));
+                 }});
 }
 
 // Menu, panel and browser are as the mode says.
@@ -319,6 +343,7 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
 
 bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
     continuing.reset(); // as "Not Now": the player has something else in mind
+    states.Close();
     adding.Add({files.begin(), files.end()});
     return true;
 }

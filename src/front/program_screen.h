@@ -6,6 +6,7 @@
 // If games were on when the program last ended, it begins with the question whether they go on.
 // What is dropped on the window joins the library; a game alone is then played, on the set that it would be chosen
 // for.
+// The saved states of the game that is played lie over it in a panel.
 // Keys of its own: F10 is the main menu; escape goes back in menu, panels and browser. A controller moves the focus
 // there; its shoulders step the browser's system, start starts the chosen game, the left button makes it a favourite.
 //
@@ -16,6 +17,7 @@
 #include "front/play_times.h"
 #include "front/resume_games.h"
 #include "front/room_screen.h"
+#include "front/saved_states.h"
 #include "front/screen.h"
 #include "library/player_database.h"
 #include "screens/add_window.h"
@@ -65,6 +67,7 @@ public:
     [[nodiscard]] AddWindow& Adding() { return adding; }
     // Null unless it asks whether games go on.
     [[nodiscard]] ContinueWindow* Continuing() const { return continuing.get(); }
+    [[nodiscard]] SavedStates& States() { return states; }
 
 private:
     // ScreenHost.
@@ -90,6 +93,7 @@ private:
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;
     void Obey(ModeOrder order);
+    void ShowSavedStates();
     void FitScreens();
     void CountPlayed();
     void ReportPlay();
@@ -104,6 +108,7 @@ private:
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;
     PlayTimes playTimes{player};
+    SavedStates states;
     AddWindow adding;
     std::unique_ptr<ContinueWindow> continuing;
     PlayReports reports{downloads};

@@ -377,7 +377,7 @@ bool RoomScreen::ShowFullScreen(uint32_t key) {
     }
     guns = *itsGuns;
     shownKey = key;
-    fullScreen = std::make_unique<GameScreen>(around.televisions, around.view, guns);
+    fullScreen = std::make_unique<GameScreen>(around.televisions, around.view, guns, key);
     return true;
 }
 

@@ -258,3 +258,12 @@ bool EmuResetSession(uint32_t key) {
     session->machine->Reset();
     return true;
 }
+
+bool EmuPauseSession(uint32_t key, bool paused) {
+    const SessionPin session = PinSession(key);
+    if (!session) {
+        return false;
+    }
+    session->paused = paused;
+    return true;
+}

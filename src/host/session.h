@@ -72,6 +72,7 @@ struct EMU_THREAD {
     uint32_t staticFrames = 0;            // of television static, shown so far
     std::atomic<uint8_t> showStatic{1};   // 1 while the static runs; anyone may read it
     std::atomic<uint32_t> lockWaiters{0}; // other threads that wait for `lock`
+    std::atomic<bool> paused{false};      // no rounds: picture and machine stay as they are
 
     // What the host keeps. `hostData` is set by the open callback on the session's thread and cleared by
     // close on the stopping one, both under the list lock, close under `lock` as well.
@@ -143,6 +144,10 @@ bool EmuSetResumeText(uint32_t key, std::string_view name, std::string_view valu
 
 // Resets the machine at a frame boundary. False if there is none on this key. With no lock held.
 bool EmuResetSession(uint32_t key);
+
+// Stops the rounds of the session on this key, or lets them go on. What is saved and loaded meanwhile is as at any
+// frame boundary; a round that is under way still ends. False if there is none. With no lock held.
+bool EmuPauseSession(uint32_t key, bool paused);
 
 // Calls `visit` for every session that the host has opened, under the list lock. A visit may take the
 // locks further down, must neither start nor stop a session, and should be short: others wait for it.

@@ -77,6 +77,14 @@ void CompletePicture(SNAPSHOT_PICTURE& picture) {
     }
 }
 
+// False without a state.
+bool Store(const TAKEN_STATE& state, SNAPSHOT_PICTURE&& picture, STATE_SNAPSHOT& snapshot) {
+    snapshot.state.assign(state.bytes.get(), state.bytes.get() + state.size);
+    snapshot.picture = std::move(picture);
+    CompletePicture(snapshot.picture);
+    return !snapshot.state.empty();
+}
+
 // A machine that had ended is left ended by a refused state.
 bool LoadOrPutBack(EMU_THREAD& session, std::span<const uint8_t> state, const TAKEN_STATE& before) {
     CEmuSystem& machine = *session.machine;
@@ -321,28 +329,26 @@ std::string SnapshotText(const STATE_SNAPSHOT& snapshot, std::string_view name) 
 }
 
 bool EmuTakeSnapshot(EMU_THREAD& session, STATE_SNAPSHOT& snapshot) {
-    snapshot.state.clear();
-    snapshot.picture = {};
     TAKEN_STATE taken;
+    SNAPSHOT_PICTURE picture;
     {
         const SessionHold hold(session);
         taken = EmuTakeState(session);
-        if (!taken.bytes) {
-            return false;
-        }
-        CopyPicture(session, snapshot.picture);
+        CopyPicture(session, picture);
     }
-    snapshot.state.assign(taken.bytes.get(), taken.bytes.get() + taken.size);
-    CompletePicture(snapshot.picture);
-    return true;
+    return Store(taken, std::move(picture), snapshot);
 }
 
-bool EmuGiveState(EMU_THREAD& session, std::span<const uint8_t> state, Bytes* before) {
+bool EmuGiveState(EMU_THREAD& session, std::span<const uint8_t> state, STATE_SNAPSHOT* before) {
     TAKEN_STATE left;
+    SNAPSHOT_PICTURE picture;
     bool loaded = false;
     {
         const SessionHold hold(session);
         left = EmuTakeState(session);
+        if (before != nullptr) {
+            CopyPicture(session, picture);
+        }
         // Without a state to put back nothing is tried.
         loaded = left.bytes && !state.empty() && LoadOrPutBack(session, state, left);
         if (loaded) {
@@ -351,7 +357,7 @@ bool EmuGiveState(EMU_THREAD& session, std::span<const uint8_t> state, Bytes* be
         }
     }
     if (before != nullptr) {
-        before->assign(left.bytes.get(), left.bytes.get() + left.size);
+        static_cast<void>(Store(left, std::move(picture), *before));
     }
     return loaded;
 }

@@ -64,9 +64,10 @@ struct STATE_SNAPSHOT {
 [[nodiscard]] bool EmuTakeSnapshot(EMU_THREAD& session, STATE_SNAPSHOT& snapshot);
 
 // Gives a state to the session's machine, and ends its static. If the machine refuses it, it goes on as if nothing
-// had happened. With `before`, the state that it left is stored there, also if nothing was loaded.
+// had happened. With `before`, what was left is stored there as EmuTakeSnapshot stores it, also if nothing was
+// loaded.
 [[nodiscard]] bool EmuGiveState(EMU_THREAD& session, std::span<const uint8_t> state,
-                                std::vector<uint8_t>* before = nullptr);
+                                STATE_SNAPSHOT* before = nullptr);
 
 // ---- Files.
 

@@ -390,10 +390,10 @@ TEST_F(TakenSnapshot, IsGivenBackAndBringsTheStateBefore) {
     const Bytes late = StateOf(*session);
     session->showStatic = 1;
 
-    Bytes before;
+    STATE_SNAPSHOT before;
     EXPECT_TRUE(EmuGiveState(*session, early, &before));
     EXPECT_EQ(StateOf(*session), early);
-    EXPECT_EQ(before, late);
+    EXPECT_EQ(before.state, late);
     EXPECT_EQ(session->showStatic, 0) << "a loaded game shows no static";
     EXPECT_TRUE(session->battery.rolledBack) << "the game's memory is older than its file";
 }
@@ -406,11 +406,11 @@ TEST_F(TakenSnapshot, ARefusedStateLeavesTheMachineAsItWas) {
     session->showStatic = 1;
     Bytes wrong = was;
     wrong.pop_back();
-    Bytes before;
+    STATE_SNAPSHOT before;
     EXPECT_FALSE(EmuGiveState(*session, wrong, &before));
     EXPECT_FALSE(EmuGiveState(*session, {}));
     EXPECT_EQ(StateOf(*session), was);
-    EXPECT_EQ(before, was);
+    EXPECT_EQ(before.state, was);
     EXPECT_EQ(MachineOf(*session).resets, resets);
     EXPECT_EQ(session->showStatic, 1);
     EXPECT_FALSE(session->battery.rolledBack);

@@ -1,6 +1,7 @@
 #include "front/application.h"
 
 #include "audio/sound.h"
+#include "base/helper_thread.h"
 #include "base/random.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
@@ -19,6 +20,7 @@
 #include "front/save_keeper.h"
 #include "front/saved_states.h"
 #include "front/session_callbacks.h"
+#include "gui/manager.h"
 #include "host/battery_file.h"
 #include "host/host_data.h"
 #include "host/report.h"
@@ -36,6 +38,17 @@ namespace {
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
+}
+
+// Also while the player is in the menu: he may look at the sets again at any moment.
+void HoldScreenSaverOff(bool gameRuns) {
+    if (gameRuns == (SDL_IsScreenSaverEnabled() == SDL_TRUE)) {
+        if (gameRuns) {
+            SDL_DisableScreenSaver();
+        } else {
+            SDL_EnableScreenSaver();
+        }
+    }
 }
 
 } // namespace
@@ -80,7 +93,8 @@ bool Application::Start(std::string& error) {
     pacer.Start(window.FollowsDisplay(), Now());
     started = true;
     // Last, since new threads inherit it: the pump, the device and the graphics driver's workers keep
-    // all processors, and session threads bind themselves.
+    // all processors, and session threads bind themselves. Helpers let go of it.
+    SetHelperBegins(BecomeHelper);
     processor = BindProcessor(0);
     // A round holds locks that the sound pump waits for, so other programs must not delay it.
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_HIGH);
@@ -150,6 +164,8 @@ bool Application::RenewGraphics() {
     return true;
 }
 
+// Events first and drawing last: a picture then shows what the player has done until now, and the newest pictures of the
+// machines. With the room drawn before the events, all of that would be seen a round later.
 bool Application::Round() {
     ChangeScreen();
     HandInputOver();
@@ -166,6 +182,7 @@ bool Application::Round() {
     const bool screenNews = UpdateScreen(events);
     ShowSavedStates(events);
     StopEndedGame();
+    HoldScreenSaverOff(!televisions.All().empty());
     const bool overlayNews = UpdateOverlays(events);
     if (events.windowChanged || screenNews || overlayNews) {
         pacer.NoteNews();
@@ -187,11 +204,15 @@ void Application::ChangeScreen() {
 void Application::HandInputOver() {
     const bool toScreen = screen->WantsInput();
     InputSetWalkingRoom(toScreen);
-    Window::CaptureMouse(toScreen);
+    Window::PutPointer(screen->PointerWanted());
     window.TellSize(pump);
 }
 
+// What takes all input, such as a message box, takes these keys too.
 void Application::RunCommands(const PUMP_EVENTS& events) {
+    if (CGhostManager::Get().ModalWindow() != nullptr) {
+        return;
+    }
     for (const ProgramCommand command : events.commands) {
         RunCommand(command);
     }
@@ -217,6 +238,7 @@ void Application::RunCommand(ProgramCommand command) {
         break;
     case ProgramCommand::kToggleFullScreen:
         window.ToggleFullScreen();
+        Settings().SetBool(L"app_fullscreen", window.FillsDisplay()); // as the option does
         pacer.NoteNews();
         break;
     }
@@ -299,7 +321,8 @@ ProgramScreen& Application::ShowProgram() {
     auto program = std::make_unique<ProgramScreen>(
         ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight,
                           KeepGames(ResumeKind::kProgram)},
-        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings});
+        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings,
+                      [this] { pump.ForgetPresses(); }});
     ProgramScreen& shown = *program;
     Show(std::move(program));
     return shown;
@@ -364,6 +387,7 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     playedTitle = opened.title;
     playing = playedSerial != 0;
     if (!playing) {
+        error = StartFailedLine(error);
         window.SetTitle(ProgramTitle());
         return false;
     }
@@ -428,7 +452,7 @@ void Application::Release() {
     states.reset();
     nextScreen.reset();
     screen.reset();
-    Window::CaptureMouse(false);
+    Window::PutPointer(Pointer::kSeen);
     InputSetWalkingRoom(false);
     EndDrawing();
     televisions.End();

@@ -7,17 +7,6 @@
 #include "gui/manager.h"
 #include "host/host_data.h"
 
-#include <SDL_events.h>
-#include <SDL_mouse.h>
-
-namespace {
-
-// Microseconds without a move.
-constexpr int64_t kCursorStays = 2000000;
-constexpr int64_t kMouseAims = 3000000; // then keys aim again
-
-} // namespace
-
 GameScreen::GameScreen(const Televisions& sets, const GAME_VIEW& gameView, const LightGun& gun,
                        uint32_t sessionKey)
     : televisions(sets)
@@ -29,12 +18,11 @@ GameScreen::GameScreen(const Televisions& sets, const GAME_VIEW& gameView, const
 
 GameScreen::~GameScreen() {
     LightGun::LetGo();
-    SDL_ShowCursor(SDL_ENABLE);
 }
 
 bool GameScreen::Update(const SCREEN_INPUT& input) {
     NoteMouse(input);
-    HideIdleCursor(input.now);
+    mouseRests = input.now - mouseMoved >= kMouseRests;
     AimLightGuns(input);
     const bool news = view != shownView;
     shownView = view;
@@ -51,19 +39,16 @@ void GameScreen::NoteMouse(const SCREEN_INPUT& input) {
     lastY = mouse.y;
 }
 
-// Over a game an unused cursor is in the way.
-void GameScreen::HideIdleCursor(int64_t now) {
-    const bool show = now - mouseMoved < kCursorStays;
-    if (show != cursorShown) {
-        SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
-        cursorShown = show;
-    }
+// A game alone in the window.
+Pointer GameScreen::PointerWanted() const {
+    return PointerFor({ProgramMode::kFullScreen, CGhostManager::Get().ModalWindow() != nullptr,
+                       mouseRests, false, lightGun.InGame()});
 }
 
 void GameScreen::AimLightGuns(const SCREEN_INPUT& input) const {
     const SHOWN_PICTURE shown = {televisions.Picture(key), view.crop, input.target.width,
                                  input.target.height};
-    lightGun.Aim(shown, input.mouse, input.now - mouseMoved < kMouseAims);
+    lightGun.Aim(shown, input.mouse, !mouseRests); // then keys aim again
 }
 
 void GameScreen::Draw(const DRAW_TARGET& target) {

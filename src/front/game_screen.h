@@ -18,15 +18,15 @@ public:
     // All outlive the screen; the view may change between rounds. `sessionKey`: whose picture it is.
     GameScreen(const Televisions& televisions, const GAME_VIEW& view, const LightGun& lightGun,
                uint32_t sessionKey);
-    ~GameScreen() override; // shows the cursor, and nobody aims
+    ~GameScreen() override; // nobody aims
 
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override;
     [[nodiscard]] bool WantsInput() const override { return false; }
+    [[nodiscard]] Pointer PointerWanted() const override;
 
 private:
     void NoteMouse(const SCREEN_INPUT& input);
-    void HideIdleCursor(int64_t now);
     void AimLightGuns(const SCREEN_INPUT& input) const;
 
     const Televisions& televisions;
@@ -37,5 +37,5 @@ private:
     int64_t mouseMoved; // microseconds of the host's clock
     int32_t lastX = 0;
     int32_t lastY = 0;
-    bool cursorShown = true;
+    bool mouseRests = false;
 };

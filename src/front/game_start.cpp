@@ -45,26 +45,25 @@ uint32_t GoOn(uint32_t sessionKey, const OPENED_GAME& opened, const GAME_RESUME&
 
 } // namespace
 
+std::string StartFailedLine(const std::string& reason) {
+    return kStartFailed + (reason.empty() ? std::string() : ": " + reason);
+}
+
 uint32_t StartGame(uint32_t sessionKey, const OPENED_GAME& opened, const GAME_RESUME& resume,
-                   std::string& error) {
+                   std::string& reason) {
     if (!resume.from.empty()) {
-        if (const uint32_t serial = GoOn(sessionKey, opened, resume, error); serial != 0) {
+        if (const uint32_t serial = GoOn(sessionKey, opened, resume, reason); serial != 0) {
             if (!resume.wanted) {
                 PostNotice(opened.title + ": goes on where it was when the program ended");
             }
             return serial;
         }
-        const std::string refused = ResumeSetAside(resume.from, error);
+        const std::string refused = ResumeSetAside(resume.from, reason);
         if (resume.wanted) {
-            error = opened.title + " cannot go on: " + refused;
+            reason = opened.title + " cannot go on: " + refused;
             return 0;
         }
         PostReport(refused);
     }
-    const uint32_t serial =
-        StartSession(sessionKey, opened, {resume.file, resume.texts, {}}, error);
-    if (serial == 0) {
-        error = "Error loading game" + (error.empty() ? std::string() : ": " + error);
-    }
-    return serial;
+    return StartSession(sessionKey, opened, {resume.file, resume.texts, {}}, reason);
 }

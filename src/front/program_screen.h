@@ -40,6 +40,7 @@ struct PROGRAM_CALLS {
     std::function<void()> quit;
     std::function<void()> settingsChanged;
     std::function<void()> saveSettings;
+    std::function<void()> forgetInput;
 };
 
 class ProgramScreen final : public Screen, private ScreenHost {
@@ -50,10 +51,8 @@ public:
 
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override { room.Draw(target); }
-    // While dropped games are added the walk stops, so that the mouse reaches the button that cancels.
-    [[nodiscard]] bool WantsInput() const override {
-        return room.WantsInput() && !adding.IsShown();
-    }
+    [[nodiscard]] bool WantsInput() const override { return room.WantsInput(); }
+    [[nodiscard]] Pointer PointerWanted() const override { return room.PointerWanted(); }
     [[nodiscard]] bool TakeDroppedFiles(const std::vector<std::string>& files) override;
     void LoseGraphics() override { room.LoseGraphics(); }
     void RenewGraphics() override { room.RenewGraphics(); }
@@ -75,11 +74,15 @@ private:
     void StartGame(GAME_TO_START game) override;
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) override;
     void CoverClick(int button, int32_t x, int32_t y) override;
+    void LookCloser() override { room.Covers().LookCloser(); }
+    void TurnCovers() override { room.Covers().TurnOver(); }
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { calls.settingsChanged(); }
     void SaveSettings() override { calls.saveSettings(); }
+    void ForgetInput() override;
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override;
+    [[nodiscard]] std::wstring UseOfKey(uint32_t scancode) const override;
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
@@ -87,8 +90,10 @@ private:
     void TakeChoice();
     void ContinueGames();
     [[nodiscard]] std::string GoOn(const LEFT_GAME& left);
+    void Go(ModeInput input);
     void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
+    void ToggleGameMenu();
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;
@@ -113,6 +118,7 @@ private:
     std::unique_ptr<ContinueWindow> continuing;
     PlayReports reports{downloads};
     GuiPad pad;
+    bool forgetPads = false;       // in the next round
     std::vector<ModeInput> wanted; // by the screens since the last round
     ProgramMode shownMode = ProgramMode::kMenu;
 };

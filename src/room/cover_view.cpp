@@ -116,3 +116,22 @@ void CoverView::CoverClick(int button, int32_t x, int32_t y) {
         TurnOver(slot);
     }
 }
+
+void CoverView::LookCloser() {
+    zoomed = zoomed == kMostCovers ? 0 : zoomed + 1;
+    while (zoomed < count && slots[zoomed].kind == kNoCover) {
+        ++zoomed;
+    }
+    if (zoomed >= count) {
+        zoomed = kMostCovers;
+    }
+    PlaceCamera();
+}
+
+void CoverView::TurnOver() {
+    for (size_t slot = 0; slot < count; ++slot) {
+        if (zoomed == kMostCovers || zoomed == slot) {
+            TurnOver(slot);
+        }
+    }
+}

@@ -43,6 +43,10 @@ public:
 
     // Button 1 zooms in on a box and out again, button 2 turns it round.
     void CoverClick(int button, int32_t x, int32_t y);
+    // The same without a pointer: looks closer at the next box, after the last one at all of them; and turns over
+    // what is looked at.
+    void LookCloser();
+    void TurnOver();
     // Turns a box round, as button 2 does.
     void TurnOver(size_t slot) { slots.at(slot).flipping = true; }
     // The camera leans after the pointer; the steps are cut to 3 across and 0.8 upwards.

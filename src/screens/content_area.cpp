@@ -17,9 +17,14 @@ constexpr int32_t kShotsHeight = kShotHeight + 16;
 constexpr int32_t kGap = 8;
 constexpr int32_t kStep = 28; // width of the arrows beside the screenshots
 constexpr int32_t kButtonWidth = 170;
+constexpr int32_t kSmallButton = 120;
 
 constexpr std::array<const wchar_t*, kContentTabs> kTabs = {L"COVERS", L"REVIEWS", L"HINTS",
                                                             L"TRIVIA", L"METAINFO"};
+constexpr std::array<const wchar_t*, kContentTabs> kTabHelps = {
+    L"The box and pictures of the game", L"What others think of the game",
+    L"Help with the game, and codes", L"What few people know about the game",
+    L"Year, regions, players, when you played it, and its file"};
 
 } // namespace
 
@@ -30,7 +35,9 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     , shotsBack(new CGhostWindowEx(parent, 0, L"3DBOX_SSHOTSBG", L"", 0, {}))
     , shotsLeft(new CGhostButton(shotsBack->window, 0, L"BUTTON2", L"\x2039", 0, {}))
     , shotsRight(new CGhostButton(shotsBack->window, 0, L"BUTTON2", L"\x203A", 0, {}))
-    , content(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Content Available", 0, {})) {
+    , content(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Content Available", 0, {}))
+    , closer(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Look Closer", 0, {}))
+    , turn(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Turn Over", 0, {})) {
     for (size_t i = 0; i < kContentTabs; ++i) {
         tabs[i] = new CGhostButton(parent, 0, L"BUTTON3", kTabs[i], 0, {});
         signals.Watch(tabs[i]->OnClick, [this, i](CGhostButton*, int, int, unsigned) {
@@ -47,6 +54,11 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     shotsLeft->SetToolTip(L"The screenshots before");
     shotsRight->SetToolTip(L"More screenshots");
     content->SetToolTip(L"Fetches the pictures of this game");
+    closer->SetToolTip(L"Looks closer at each box in turn, as a click on it does");
+    turn->SetToolTip(L"Shows the other side, as a click with the right mouse button does");
+    for (size_t i = 0; i < kContentTabs; ++i) {
+        tabs[i]->SetToolTip(kTabHelps[i]);
+    }
     signals.Watch(box->OnDown, [this](CGhostWindowEx*, int x, int y, unsigned button) {
         events.cover(static_cast<int>(button), x, y);
     });
@@ -54,6 +66,8 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
                   [this](CGhostWindowEx*, int, int, bool up) { StepShots(up ? -1 : 1); });
     signals.Watch(shotsLeft->OnClick, [this](CGhostButton*, int, int, unsigned) { StepShots(-1); });
     signals.Watch(shotsRight->OnClick, [this](CGhostButton*, int, int, unsigned) { StepShots(1); });
+    signals.Watch(closer->OnClick, [this](CGhostButton*, int, int, unsigned) { events.closer(); });
+    signals.Watch(turn->OnClick, [this](CGhostButton*, int, int, unsigned) { events.turn(); });
     signals.Watch(content->OnClick,
                   [this](CGhostButton*, int, int, unsigned) { events.download(); });
     ShowTab(ContentTab::kCovers);
@@ -87,6 +101,9 @@ void ContentArea::Layout(int32_t x, int32_t y, int32_t width, int32_t height) {
     boxBack->SetPos(x, top, width, boxHeight);
     box->SetPos(0, 0, width, boxHeight);
     content->SetPos(width - kButtonWidth - kGap, boxHeight - kStep - kGap, kButtonWidth, kStep);
+    const int32_t buttonY = boxHeight - kStep - kGap;
+    closer->SetPos(kGap, buttonY, kSmallButton, kStep);
+    turn->SetPos(2 * kGap + kSmallButton, buttonY, kSmallButton, kStep);
     shotsBack->SetPos(x, top + boxHeight + kGap, width, kShotsHeight);
     LayoutShots();
 }
@@ -150,6 +167,11 @@ void ContentArea::SetText(ContentTab tab, const std::wstring& text) {
     }
 }
 
+void ContentArea::OfferCovers(bool offer) {
+    hasCovers = offer;
+    SetVisible(visible);
+}
+
 void ContentArea::OfferContent(bool offer) {
     offered = offer;
     content->SetVisible(offer);
@@ -173,4 +195,6 @@ void ContentArea::SetVisible(bool wanted) {
     boxBack->SetVisible(covers);
     shotsBack->SetVisible(covers);
     content->SetVisible(covers && offered);
+    closer->SetVisible(covers && hasCovers);
+    turn->SetVisible(covers && hasCovers);
 }

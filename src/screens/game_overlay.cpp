@@ -3,11 +3,13 @@
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/text_box.h"
+#include "screens/game_menu.h"
+#include "screens/program_pointer.h"
 #include "screens/screen_host.h"
 
 namespace {
 
-constexpr uint64_t kButtonsStay = 3000; // milliseconds after the mouse was used
+constexpr uint64_t kButtonsStay = kMouseRests / 1000; // milliseconds after the mouse was used
 
 // Units.
 constexpr int32_t kButtonWidth = 150;
@@ -20,14 +22,15 @@ constexpr int32_t kMargin = 20;
 struct OVERLAY_BUTTON {
     const wchar_t* caption;
     ModeInput input;
+    const wchar_t* help;
 };
 constexpr OVERLAY_BUTTON kStrip[CGUIGameOverlay::kButtons] = {
-    {L"Main Menu",       ModeInput::kMainMenu   },
-    {L"Load New Game",   ModeInput::kLoadGame   },
-    {L"Exit Game",       ModeInput::kExitGame   },
-    {L"Fullscreen Mode", ModeInput::kTelevision },
-    {L"Reset Game",      ModeInput::kResetGame  },
-    {L"Saved States",    ModeInput::kSavedStates},
+    {L"Main Menu",       ModeInput::kMainMenu,    L"Options and the way out; the game plays on"         },
+    {L"Load New Game",   ModeInput::kLoadGame,    L"Chooses another game for this television"           },
+    {L"Exit Game",       ModeInput::kExitGame,    L"Turns the television off, and saves the game"       },
+    {L"Fullscreen Mode", ModeInput::kTelevision,  L"The game fills the window, or is on its television" },
+    {L"Reset Game",      ModeInput::kResetGame,   L"Begins the game anew, as the console's button does" },
+    {L"Saved States",    ModeInput::kSavedStates, L"Saves the game in one of ten slots, or goes back to one"},
 };
 constexpr uint32_t kTelevisionButton = 4;
 
@@ -38,6 +41,7 @@ CGUIGameOverlay::CGUIGameOverlay(ScreenHost& program)
     for (size_t i = 0; i < kButtons; ++i) {
         buttons[i] = new CGhostButton(nullptr, static_cast<uint32_t>(i + 1), L"BUTTON2",
                                       kStrip[i].caption, CGhostButton::kNoKeys, {});
+        buttons[i]->SetToolTip(kStrip[i].help);
         // A machine's keys must not press them.
         CGhostManager::Get().SetTabStop(buttons[i]->window, false);
         const ModeInput input = kStrip[i].input;
@@ -52,6 +56,9 @@ CGUIGameOverlay::CGUIGameOverlay(ScreenHost& program)
 }
 
 CGUIGameOverlay::~CGUIGameOverlay() {
+    if (menu != nullptr) {
+        menu->Abandon();
+    }
     for (CGhostButton* const button : buttons) {
         CGhostManager::Get().DestroyWindow(button->window);
     }
@@ -89,19 +96,18 @@ void CGUIGameOverlay::Update(const OVERLAY_STATE& state) {
 }
 
 void CGUIGameOverlay::ShowHints(const OVERLAY_STATE& state) {
-    const std::array<std::wstring, kHints> texts = {
-        L"Main Menu [" + state.mainMenu + L"]",
-        L"Load Game [" + state.use + L"]",
-        L"Turn off Game [" + state.turnOff + L"]",
-        L"Attach to TV [" + state.attach + L"]",
-    };
+    constexpr std::array<const wchar_t*, kHints> kHintTexts = {L"Main Menu", L"Load Game",
+                                                               L"Turn off Game", L"Attach to TV"};
+    const std::array<const std::wstring*, kHints> names = {&state.mainMenu, &state.use,
+                                                           &state.turnOff, &state.attach};
     const std::array<bool, kHints> wanted = {true, state.selected, state.selectedOn,
                                              state.selectedOn};
     for (size_t i = 0; i < kHints; ++i) {
-        if (hints[i]->Text() != texts[i]) {
-            hints[i]->SetText(texts[i]);
+        const std::wstring text = std::wstring(kHintTexts[i]) + L" [" + *names[i] + L"]";
+        if (hints[i]->Text() != text) {
+            hints[i]->SetText(text);
         }
-        hints[i]->SetVisible(state.shown && state.walking && wanted[i]);
+        hints[i]->SetVisible(state.shown && state.walking && wanted[i] && !names[i]->empty());
     }
 }
 
@@ -116,7 +122,37 @@ void CGUIGameOverlay::ShowButtons(const OVERLAY_STATE& state) {
                                                state.selectedOn,
                                                state.selectedOn};
     for (size_t i = 0; i < kButtons; ++i) {
-        buttons[i]->SetVisible(state.shown && !state.walking && recent && wanted[i]);
+        offered[i] = state.shown && wanted[i];
+        buttons[i]->SetVisible(offered[i] && !state.walking && recent);
+    }
+}
+
+void CGUIGameOverlay::ToggleMenu() {
+    if (menu != nullptr) {
+        CloseMenu();
+        return;
+    }
+    std::vector<GAME_MENU_ENTRY> entries;
+    entries.reserve(kButtons);
+    for (size_t i = 0; i < kButtons; ++i) {
+        if (offered[i]) {
+            entries.push_back({buttons[i]->Caption(), kStrip[i].input});
+        }
+    }
+    if (entries.empty()) {
+        return;
+    }
+    menu = new GameMenu(entries, [this](std::optional<ModeInput> chosen) {
+        menu = nullptr;
+        if (chosen) {
+            host.Take(*chosen);
+        }
+    });
+}
+
+void CGUIGameOverlay::CloseMenu() {
+    if (menu != nullptr) {
+        menu->Dismiss();
     }
 }
 

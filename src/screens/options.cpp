@@ -103,7 +103,8 @@ void CGUIOptions::MakeDropList(ROW& made, GHOSTMANAGER_WINDOW* page) {
     for (const OPTION_CHOICE& choice : row.choices) {
         made.list->AddItem(choice.text);
     }
-    made.list->SetSelected(StoredChoice(row), false);
+    made.stored = StoredChoice(row);
+    made.list->SetSelected(made.stored, false);
     made.list->SetCaption(StoredText(row));
     made.list->SetToolTip(row.help);
     made.list->Arrow()->SetToolTip(row.help);
@@ -187,7 +188,23 @@ void CGUIOptions::Update() {
         tab->SetDown(true);
     }
     inputs->Update();
+    FollowSettings();
     ShowHelp();
+}
+
+// A key of the program's own may change what a row shows, as F11 does, and the row must not change it back.
+void CGUIOptions::FollowSettings() {
+    for (ROW& row : rows) {
+        if (row.list == nullptr) {
+            continue;
+        }
+        const int32_t now = StoredChoice(*row.row);
+        if (now != row.stored) {
+            row.stored = now;
+            row.list->SetSelected(now, false);
+            row.list->SetCaption(StoredText(*row.row));
+        }
+    }
 }
 
 bool CGUIOptions::TakeBack() {

@@ -51,6 +51,7 @@ private:
         CGhostTextBox* label;
         CGhostDropList* list; // null in a row with a slider
         CGhostSlider* slider; // null in a row with a list
+        int32_t stored;       // of the list: the choice that the setting stands for
         CGhostTextBox* mark;  // from when on a change acts; null: at once
     };
 
@@ -60,6 +61,7 @@ private:
     void MakeSlider(ROW& made, GHOSTMANAGER_WINDOW* page);
     void LayoutRows(OptionTab tab, int32_t width, int32_t height);
     void ShowHelp();
+    void FollowSettings();
     [[nodiscard]] const ROW* RowOf(std::wstring_view setting) const;
     void Store();
 

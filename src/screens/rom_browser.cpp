@@ -5,6 +5,7 @@
 #include "facts/machine_facts.h"
 #include "gui/button.h"
 #include "gui/drop_list.h"
+#include "gui/edit.h"
 #include "gui/list_view.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
@@ -69,10 +70,17 @@ SERVICE_ADDRESSES ServiceOfSettings() {
     return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
 }
 
-bool SidesOfPicture(std::span<const uint8_t> file, PICTURE_SIZE& size) {
-    const ROOM_IMAGE image = DecodeRoomImage(file);
-    size = {image.width, image.height};
-    return image.width != 0;
+// On the queue's thread: decoding a stranger's pictures may take a while.
+bool CheckContent(std::span<const uint8_t> archive, std::wstring& error) {
+    const PICTURE_CHECK check = {
+        [](std::span<const uint8_t> file, PICTURE_SIZE& size) {
+            return RoomImageSize(file, size.width, size.height);
+        },
+        [](std::span<const uint8_t> file) { return DecodeRoomImage(file).width != 0; }};
+    std::string reason;
+    const bool good = CheckMediaArchive(archive, check, reason);
+    error = WideFromUtf8(reason);
+    return good;
 }
 
 int32_t SelectorOf(uint16_t system) {
@@ -117,7 +125,8 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
                                  CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {})))
     , content(parentWindow,
               {[this] { FetchContent(); },
-               [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
+               [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); },
+               [this] { host.LookCloser(); }, [this] { host.TurnCovers(); }})
     , start(Own(new CGhostButton(parentWindow, 0, L"PLAYOFFLINE", L"START GAME", 0, {})))
     , star(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"\x2606", 0, {})))
     , gameRoom(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"GAME ROOM", 0, {})))
@@ -135,6 +144,7 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     star->SetToolTip(
         L"Makes the game a favourite, or no longer (F, or a controller's left button)");
     gameRoom->SetToolTip(L"Walk in the room");
+    mainMenu->SetToolTip(L"Options, benchmark, credits and the way out");
     saves->SetToolTip(
         L"Whether a game goes on where you left it, and is kept when you turn it off.");
     for (const SAVES& choice : kSaves) {
@@ -224,7 +234,8 @@ void CGUIRomBrowser::SetActive(bool wanted) {
              list, optionsWindow, start, star, gameRoom, mainMenu, savesLabel, saves}) {
         control->SetVisible(active);
     }
-    empty->SetVisible(active && list->RowCount() == 0);
+    empty->SetVisible(active && list->RowCount() == 0 && !catalogue.ScanRuns());
+    scan.SetActive(active);
     if (!active) {
         return;
     }
@@ -290,12 +301,14 @@ void CGUIRomBrowser::ClearPanes() {
     }
     content.SetShots({});
     content.OfferContent(false);
-    host.ShowCovers({}, 0, false);
+    ShowCovers({}, 0, false);
     start->SetEnabled(false);
     star->SetEnabled(false);
 }
 
 void CGUIRomBrowser::Update() {
+    // The list reaches out from behind the open filters, and would take each step to the right or down from them.
+    CGhostManager::Get().SetTabStop(list->window, !filters.Menu()->IsVisible());
     if (options != nullptr) {
         options->Update();
     }
@@ -393,8 +406,10 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
     metaTail.clear();
     if (row == nullptr) {
         content.SetShots({});
-        host.ShowCovers({}, 0, false);
+        ShowCovers({}, 0, false);
         content.SetText(ContentTab::kMetaInfo, L"");
+        ShowTexts({});
+        content.OfferContent(false);
         return;
     }
     CGameFile game;
@@ -407,9 +422,18 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
         ShowPlayed();
     } else {
         content.SetText(ContentTab::kMetaInfo, WideFromUtf8(error));
+        if (options != nullptr) {
+            options->ConfigureForGame({}, 0); // nothing is known of it
+        }
     }
     ShowMedia(*row);
     AskAboutGame(*row);
+}
+
+std::filesystem::path CGUIRomBrowser::MediaOf(const GameListRow& row) const {
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    return facts != nullptr ? MediaArchivePath(facts->folder, row.contentKey)
+                            : std::filesystem::path();
 }
 
 void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
@@ -418,12 +442,19 @@ void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
         return;
     }
     GAME_MEDIA media = ReadGameMedia(facts->folder, row.contentKey);
-    hasMedia = media.archive;
-    localTexts = !media.texts.empty();
-    ShowTexts(localTexts ? ReadGameInformation(media.texts) : GAME_INFORMATION());
+    localTexts.reset();
+    if (!media.texts.empty()) {
+        localTexts = ReadGameInformation(media.texts);
+    }
+    ShowTexts(localTexts.value_or(GAME_INFORMATION()));
     content.SetShots(std::move(media.shots));
     const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
-    host.ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+    ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+}
+
+void CGUIRomBrowser::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {
+    content.OfferCovers(!covers.empty());
+    host.ShowCovers(std::move(covers), kind, cabinet);
 }
 
 void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
@@ -432,7 +463,12 @@ void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
     content.SetText(ContentTab::kTrivia, information.trivia);
 }
 
-// The texts that lie here are shown at once; an answer of the service takes their place.
+// Games of two systems may have one name.
+bool CGUIRomBrowser::IsChosen(uint16_t system, const std::wstring& key) const {
+    return chosen != nullptr && catalogue.System() == system && chosen->contentKey == key;
+}
+
+// The texts that lie here are shown at once; those of the service's answer take their place.
 void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
     content.OfferContent(false);
     const std::wstring url = GameUrl(ServiceOfSettings(), row.contentKey);
@@ -441,25 +477,34 @@ void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
     }
     host.Downloads().QueueRequest(
         url, row.contentKey, kAskGame, abandoned,
-        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
-               const uint8_t* data, uint32_t size) {
-            if (*gone != 0 || chosen == nullptr || chosen->contentKey != key) {
+        [this, url, system = catalogue.System()](const std::wstring& error, const std::wstring& key,
+                                                 uint32_t, const AbortWord& gone,
+                                                 const uint8_t* data, uint32_t size) {
+            if (*gone != 0 || !IsChosen(system, key)) {
                 return; // the player looks at another game by now
             }
-            if (!error.empty()) {
-                if (!localTexts) {
-                    ShowTexts(GameInformationFailure(error));
-                }
-                return;
+            if (const std::wstring why = WhyNothingCame(url, error, data); why.empty()) {
+                TakeInformation(ReadGameInformation({data, size}));
+            } else if (!localTexts) {
+                ShowTexts(GameInformationFailure(why));
             }
-            const GAME_INFORMATION information = ReadGameInformation({data, size});
-            ShowTexts(information);
-            content.OfferContent(!hasMedia && ContentAvailable(information, 0));
         });
+}
+
+void CGUIRomBrowser::TakeInformation(const GAME_INFORMATION& information) {
+    ShowTexts(localTexts ? WithLocalTexts(information, *localTexts) : information);
+    offeredRevision = information.cover;
+    const std::optional<int32_t> revision = MediaRevision(MediaOf(*chosen));
+    const bool reachable =
+        !CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey).empty();
+    content.OfferContent(reachable && revision && ContentAvailable(information, *revision));
 }
 
 // The button `Content Available`.
 void CGUIRomBrowser::FetchContent() {
+    if (CGhostManager::Get().FocusWindow() == content.ContentButton()->window) {
+        content.TabButton(ContentTab::kCovers)->SetFocus(); // as it goes
+    }
     content.OfferContent(false);
     const std::wstring url =
         chosen != nullptr ? CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey)
@@ -469,19 +514,20 @@ void CGUIRomBrowser::FetchContent() {
     }
     host.Downloads().QueueRequest(
         url, chosen->contentKey, kFetchCover, abandoned,
-        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
-               const uint8_t* data, uint32_t size) {
-            if (*gone == 0 && chosen != nullptr && chosen->contentKey == key) {
-                StoreContent(error, {data, size});
+        [this, url, system = catalogue.System(),
+         revision = offeredRevision](const std::wstring& error, const std::wstring& key, uint32_t,
+                                     const AbortWord& gone, const uint8_t* data, uint32_t size) {
+            if (*gone == 0 && IsChosen(system, key)) {
+                StoreContent(WhyNothingCame(url, error, data), {data, size}, revision);
             }
-        });
+        },
+        CheckContent);
 }
 
-void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive) {
-    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive,
+                                  int32_t revision) {
     std::string reason = Utf8FromWide(error);
-    if (error.empty() && StoreMediaArchive(MediaArchivePath(facts->folder, chosen->contentKey),
-                                           archive, SidesOfPicture, reason)) {
+    if (error.empty() && StoreMediaArchive(MediaOf(*chosen), archive, revision, reason)) {
         ShowMedia(*chosen);
         return;
     }
@@ -594,14 +640,34 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
 }
 
 void CGUIRomBrowser::TakeFocus() {
-    list->SetFocus();
+    if (!scan.TakeFocus()) {
+        list->SetFocus();
+    }
 }
 
+// One thing at a time, the nearest first.
 bool CGUIRomBrowser::TakeBack() {
-    if (!filters.Menu()->IsVisible()) {
+    if (scan.TakeBack()) {
+        return true;
+    }
+    if (filters.Menu()->IsVisible()) {
+        filters.CloseMenu();
+        list->SetFocus();
+        return true;
+    }
+    return LeaveName();
+}
+
+// Who looks for a name first wants another one, and then none.
+bool CGUIRomBrowser::LeaveName() {
+    CGhostEdit* const name = filters.Name();
+    if (CGhostManager::Get().FocusWindow() != name->window) {
         return false;
     }
-    filters.CloseMenu();
-    list->SetFocus();
+    if (name->Text().empty()) {
+        list->SetFocus();
+    } else {
+        filters.ClearName();
+    }
     return true;
 }

@@ -41,8 +41,7 @@ protected:
     }
 
     static void Play(EMU_THREAD& session, int frames) {
-        const AlignedBlock<uint32_t> pixels =
-            AllocateAligned<uint32_t>(EmuPicturePixels(session));
+        const AlignedBlock<uint32_t> pixels = AllocateAligned<uint32_t>(EmuPicturePixels(session));
         SOUND_FRAME sound;
         EMU_VIDEO_FRAME video{};
         video.pixels = pixels.get();

@@ -120,4 +120,33 @@ TEST_F(Covers, TheLeanIsCut) {
     EXPECT_NEAR(covers.Camera().Position().y, -0.8F, 0.001F);
 }
 
+// Slot 4 has no box.
+TEST_F(Covers, AreLookedAtOneAfterTheOtherWithoutAPointer) {
+    for (const size_t slot : {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{5}}) {
+        covers.LookCloser();
+        EXPECT_EQ(covers.Zoomed(), slot);
+        EXPECT_NEAR(covers.Camera().Position().x, CoverView::PlaceOf(slot).x, 0.01F);
+    }
+    covers.LookCloser();
+    EXPECT_EQ(covers.Zoomed(), kMostCovers);
+    EXPECT_NEAR(covers.Camera().Position().z, 313.85F, 0.01F);
+    covers.SetCovers({}, false);
+    covers.LookCloser();
+    EXPECT_EQ(covers.Zoomed(), kMostCovers) << "there is none";
+}
+
+TEST_F(Covers, WhatIsLookedAtIsTurnedOver) {
+    covers.LookCloser();
+    covers.LookCloser();
+    covers.TurnOver();
+    for (size_t slot = 0; slot < kMostCovers; ++slot) {
+        EXPECT_EQ(covers.Slots()[slot].flipping, slot == 1) << slot;
+    }
+    covers.SetCovers(std::vector<int>{0, 1, 0}, false);
+    covers.TurnOver();
+    for (size_t slot = 0; slot < kMostCovers; ++slot) {
+        EXPECT_EQ(covers.Slots()[slot].flipping, slot < 3) << slot << ", of all";
+    }
+}
+
 } // namespace

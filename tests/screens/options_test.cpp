@@ -329,4 +329,15 @@ TEST_F(Options, MarkWhatDoesNotActAtOnce) {
     }
 }
 
+// F11 while they are open.
+TEST_F(Options, FollowASettingThatAKeyChanges) {
+    ASSERT_TRUE(Settings().GetBool(L"app_fullscreen"));
+    OpenOptions();
+    Settings().SetBool(L"app_fullscreen", false);
+    Round();
+    EXPECT_EQ(Shown().ListOf(L"app_fullscreen")->Caption(), L"Disabled");
+    Back();
+    EXPECT_FALSE(Settings().GetBool(L"app_fullscreen")) << "it is not changed back";
+}
+
 } // namespace

@@ -87,6 +87,7 @@ std::vector<ACTION> ExpectedActions() {
         {L"Load State",      65    },
         {L"Save State",      64    },
         {L"Saved States",    66    },
+        {L"Game Menu",       58    },
     };
     AddPlayers(actions, L"NES",
                {

@@ -45,6 +45,7 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"Load State", 65},                                        // F8
     {L"Save State", 64},                                        // F7
     {L"Saved States", 66, PadBit(0, kPadRightClick)},           // F9
+    {L"Game Menu", 58},                                         // F1
     // NES
     {L"NES P1 UP", 82, Up(0)},                                  // Up
     {L"NES P1 DOWN", 81, Down(0)},                              // Down

@@ -27,7 +27,7 @@ constexpr uint64_t Right(uint32_t player) {
     return PadBit(player, kPadDpadRight) | PadBit(player, kPadStickRight);
 }
 
-constexpr size_t kProgramActions = 13; // come first in the table
+constexpr size_t kProgramActions = 14; // come first in the table
 
 // clang-format off
 constexpr INPUT_ACTION kInputActions[] = {

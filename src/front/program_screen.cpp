@@ -2,12 +2,14 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "facts/machine_facts.h"
 #include "front/event_pump.h"
 #include "front/game_start.h"
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
 #include "front/program_commands.h"
+#include "front/resume_texts.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
@@ -19,6 +21,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <utility>
 
 namespace {
@@ -48,6 +51,11 @@ SERVICE_ADDRESSES ServiceOfSettings() {
     return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
 }
 
+bool IsSet(const CRoomObjects& objects, uint32_t key) {
+    const auto& sets = objects.Televisions();
+    return std::find(sets.begin(), sets.end(), key) != sets.end();
+}
+
 bool UsesMouse(const GUI_INPUT& event) {
     return event.kind == GuiInputKind::kMouseMove || event.kind == GuiInputKind::kMouseDown ||
            event.kind == GuiInputKind::kWheel;
@@ -58,6 +66,7 @@ bool UsesMouse(const GUI_INPUT& event) {
 ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALLS programCalls)
     : calls(std::move(programCalls))
     , joysticks(surroundings.joysticks)
+    , resumeGames(surroundings.resumeGames)
     , room(surroundings, {},
            {[this](ModeOrder order) { Obey(order); }, ShowFailure, [this] { ToggleGameMenu(); }},
            ProgramMode::kMenu)
@@ -71,6 +80,88 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
                   }
               }}) {
     player.Open(ResolvePath(kPlayerDatabaseFile));
+    AskToContinue();
+}
+
+void ProgramScreen::AskToContinue() {
+    if (resumeGames == nullptr || resumeGames->Left().empty()) {
+        return;
+    }
+    std::vector<CONTINUE_GAME> games;
+    games.reserve(resumeGames->Left().size());
+    for (const LEFT_GAME& left : resumeGames->Left()) {
+        const MACHINE_FACTS* const machine = FindMachineFacts(ResumeSystem(left.label));
+        const SNAPSHOT_PICTURE& picture = left.label.picture;
+        games.push_back({WideFromUtf8(ResumeTitle(left.label)),
+                         WideFromUtf8(machine != nullptr ? machine->name : "Unknown machine"),
+                         left.label.takenAt, picture.width, picture.height, picture.aspect,
+                         picture.pixels});
+    }
+    continuing = std::make_unique<ContinueWindow>(std::move(games), std::time(nullptr));
+}
+
+void ProgramScreen::TakeChoice() {
+    if (continuing == nullptr) {
+        return;
+    }
+    continuing->Update();
+    const ContinueChoice choice = continuing->Choice();
+    if (choice == ContinueChoice::kNone) {
+        return;
+    }
+    continuing.reset();
+    if (choice == ContinueChoice::kForget) {
+        resumeGames->Forget();
+    } else if (choice == ContinueChoice::kContinue) {
+        ContinueGames();
+    }
+}
+
+// Those that cannot go on are told together; a machine that refuses its state is told later, by the room.
+void ProgramScreen::ContinueGames() {
+    std::string refused;
+    bool goOn = false; // any of them
+    uint32_t key = 0;
+    ModeInput place = ModeInput::kContinueWalking;
+    const std::vector<LEFT_GAME> games = resumeGames->Left(); // each leaves that list
+    for (const LEFT_GAME& left : games) {
+        if (const std::string error = GoOn(left); !error.empty()) {
+            refused += (refused.empty() ? "" : "\n\n") + error;
+            continue;
+        }
+        goOn = true;
+        const std::string was = SnapshotText(left.label, kResumePlace);
+        if (was == kResumeFullScreen || was == kResumeStanding) {
+            key = left.key;
+            place = was == kResumeFullScreen ? ModeInput::kContinueFullScreen
+                                             : ModeInput::kContinueStanding;
+        }
+    }
+    if (key != 0) {
+        room.Face(key);
+    }
+    if (!refused.empty()) {
+        CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(refused));
+    }
+    if (goOn) {
+        Go(place);
+    }
+}
+
+// A line that says why it does not; else empty.
+std::string ProgramScreen::GoOn(const LEFT_GAME& left) {
+    OPENED_GAME opened;
+    std::string error;
+    if (left.key == 0 || !IsSet(room.Objects(), left.key)) {
+        error = "is for a television that is not in the room";
+    } else if (OpenResumed(left.label, opened, error)) {
+        room.GoOn(left.key, std::move(opened), left);
+        return {};
+    }
+    const std::string line =
+        ResumeTitle(left.label) + " cannot go on: " + resumeGames->Refuse(left, error);
+    PostReport(line);
+    return line;
 }
 
 // The games that still run end with the room.
@@ -88,6 +179,7 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     for (const ModeInput request : std::exchange(wanted, {})) {
         Go(request);
     }
+    TakeChoice();
     downloads.PumpRequests();
     // The room first, and each by the mode in which the round began: what leads from one to the other must not act in
     // both.
@@ -282,7 +374,9 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
     }
     OPENED_GAME opened;
     opened.game = std::move(game.game);
+    opened.file = game.file.string();
     opened.bios = std::move(game.second);
+    opened.secondFile = game.secondFile.string();
     opened.hasBios = game.hasSecond;
     opened.title = std::move(game.title);
     opened.options = game.options;
@@ -291,6 +385,7 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
 }
 
 bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
+    continuing.reset(); // as "Not Now": the player has something else in mind
     states.Close();
     overlay.CloseMenu(); // it would keep the input from the window that opens
     adding.Add({files.begin(), files.end()});

@@ -9,6 +9,7 @@
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/object_files.h"
+#include "front/resume_texts.h"
 #include "front/room_sound.h"
 #include "front/televisions.h"
 #include "gui/manager.h"
@@ -120,7 +121,7 @@ struct RoomScreen::HANDS {
 RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> openedGames,
                        ROOM_OWNER roomOwner, ProgramMode start)
     : around(surroundings)
-    , games(std::move(openedGames))
+    , games(std::move(openedGames), surroundings.resumeGames)
     , modes(start)
     , owner(std::move(roomOwner)) {
     StartRenderer();
@@ -197,6 +198,7 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     hintsSince = hintsSince == 0 ? input.now : hintsSince;
 
     CollectGames();
+    NotePlace();
     HANDS hands = ReadHands(input, seconds);
     const bool gameMenu = hands.gameMenu && !modes.Covered();
     if (Behind()) {
@@ -454,13 +456,50 @@ void RoomScreen::Play(uint32_t key, OPENED_GAME&& opened) {
     if (fullScreen != nullptr && shownKey == key) {
         guns = *games.GunsOn(key);
     }
+    Face(key);
+}
+
+void RoomScreen::GoOn(uint32_t key, OPENED_GAME&& opened, const LEFT_GAME& left) {
+    games.GoOn(key, std::move(opened), left);
+}
+
+void RoomScreen::Face(uint32_t key) {
+    const CRoomObject* const set = objects.Find(key);
+    if (set == nullptr) {
+        return;
+    }
     if (visited != key) {
         visited = key;
         const STANDPOINT point = StandpointBefore(*set);
         StandAt(point.from, point.at);
     }
     selected = LookedAtSet(*set);
-    selected.on = true; // it starts
+    selected.on = selected.on || games.GunsOn(key) != nullptr; // it may start
+}
+
+// In the resume file of the game that he plays: when it goes on he is there again.
+void RoomScreen::NotePlace() {
+    const ProgramMode mode = modes.Covered() ? modes.Before() : modes.Mode();
+    PLACE place;
+    if (mode == ProgramMode::kFullScreen || mode == ProgramMode::kStanding) {
+        place.fullScreen = mode == ProgramMode::kFullScreen;
+        place.key = place.fullScreen ? shownKey : selected.id;
+        place.serial = games.SerialOn(place.key);
+    }
+    if (place.serial == 0) {
+        place = {};
+    }
+    if (place == noted) {
+        return;
+    }
+    if (noted.serial != 0 && games.SerialOn(noted.key) == noted.serial) {
+        static_cast<void>(EmuSetResumeText(noted.key, kResumePlace, ""));
+    }
+    if (place.serial != 0) {
+        static_cast<void>(EmuSetResumeText(place.key, kResumePlace,
+                                           place.fullScreen ? kResumeFullScreen : kResumeStanding));
+    }
+    noted = place;
 }
 
 // A game that could not start, and a machine that could not go on, leave a dark set.

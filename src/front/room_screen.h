@@ -47,6 +47,7 @@ struct ROOM_SURROUNDINGS {
     const Joysticks& joysticks;
     const GAME_VIEW& view;
     const bool& ceilingLight;
+    ResumeGames* resumeGames = nullptr; // null: no game is kept for the next start
 };
 
 // Who shows menu and browser over the room.
@@ -68,7 +69,7 @@ class RoomScreen final : public Screen {
 public:
     RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED_GAME> games,
                ROOM_OWNER owner = {}, ProgramMode start = ProgramMode::kWalking);
-    ~RoomScreen() override; // stops the games, autosaves included
+    ~RoomScreen() override; // ends the games, which go on with the next start
 
     // A game on each of the first `count` sets of the list that have a place.
     void StartGames(size_t count);
@@ -108,6 +109,10 @@ public:
     [[nodiscard]] uint32_t SetForGame() const;
     // A game on a set, before which the player then stands.
     void Play(uint32_t key, OPENED_GAME&& opened);
+    // A game that was on when the program ended goes on. The player stays where he is; Face leads him to its set.
+    void GoOn(uint32_t key, OPENED_GAME&& opened, const LEFT_GAME& left);
+    // Stands the player before the set, which is then the selected one.
+    void Face(uint32_t key);
 
     [[nodiscard]] const ProgramModes& Modes() const { return modes; }
     // The set that the player looks at, or whose picture fills the window.
@@ -122,6 +127,13 @@ public:
 
 private:
     struct HANDS; // what the player's hands did in a round
+    // Where the player is: at the set of this session, or elsewhere.
+    struct PLACE {
+        uint32_t serial = 0; // 0: elsewhere
+        uint32_t key = 0;
+        bool fullScreen = false;
+        [[nodiscard]] bool operator==(const PLACE&) const = default;
+    };
 
     void StartRenderer();
     [[nodiscard]] bool Behind() const;
@@ -140,6 +152,7 @@ private:
     void CollectGames();
     void ApplyModes();
     void AttachPictures();
+    void NotePlace();
     [[nodiscard]] std::wstring NameOf(const wchar_t* action, PadControl control,
                                       const wchar_t* key) const;
     [[nodiscard]] std::wstring GameMenuName() const;
@@ -161,6 +174,7 @@ private:
     uint32_t visited = 0;   // the set before which the player was put, until he moves
     uint32_t shownKey = 0;  // of the set that fills the window
     int64_t lastRound = 0;  // microseconds of the host's clock; 0 before the first
+    PLACE noted;
     int64_t hintsSince = 0; // of the mode that follows
     ProgramMode hintedMode = ProgramMode::kWalking;
     int64_t mouseUsed = -kMouseRests;

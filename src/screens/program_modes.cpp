@@ -17,6 +17,10 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kMenu,       Input::kPlayGames,     Guard::kAlways,          Mode::kBrowser,    Order::kResetCamera},
     {Mode::kMenu,       Input::kOpenPanel,     Guard::kAlways,          Mode::kPanel,      Order::kNothing},
     {Mode::kMenu,       Input::kQuit,          Guard::kAlways,          Mode::kMenu,       Order::kQuit},
+    // To where the player was when the program ended.
+    {Mode::kMenu,       Input::kContinueFullScreen,    Guard::kSelectedOn,      Mode::kFullScreen, Order::kNothing},
+    {Mode::kMenu,       Input::kContinueStanding,      Guard::kSelectedOn,      Mode::kStanding,   Order::kNothing},
+    {Mode::kMenu,       Input::kContinueWalking,       Guard::kAlways,          Mode::kWalking,    Order::kResetCamera},
     // Back to the game or the room that the menu was called from.
     {Mode::kMenu,       Input::kBack,          Guard::kCameFromFullScreen,      Mode::kFullScreen, Order::kNothing},
     {Mode::kMenu,       Input::kBack,          Guard::kCameFromStanding,        Mode::kStanding,   Order::kNothing},

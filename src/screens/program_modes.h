@@ -27,7 +27,12 @@ enum class ModeInput : uint8_t {
     kMainMenu, // F10, the buttons MAIN MENU and Main Menu, and in the room a controller's start button
     kGameRoom,    // the browser's button GAME ROOM
     kGameStarted, // a game runs that was chosen in the browser
-    kUse,         // the action Use, and the left mouse button, while walking
+    // Games go on that were on when the program ended; the player was elsewhere in the room, at the set that is
+    // selected now, or saw its picture alone.
+    kContinueWalking,
+    kContinueStanding,
+    kContinueFullScreen,
+    kUse,     // the action Use, and the left mouse button, while walking
     kShowSet, // the same where a room's games are given from outside and no browser chooses them
     kLeave, // escape and a short press of a controller's guide button, in the room and full screen
     kMiddleButton, // the middle mouse button, in the room and full screen

@@ -654,6 +654,7 @@ void CGUIRomBrowser::StartSelected() {
         CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
         return;
     }
+    wanted.file = chosen->path;
     wanted.game.selectedName = static_cast<int32_t>(chosen->nameIndex);
     wanted.title = Utf8FromWide(chosen->title);
     wanted.options = DefaultMachineOptions(wanted.game);
@@ -666,6 +667,7 @@ void CGUIRomBrowser::StartSelected() {
                 CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
                 return;
             }
+            wanted.secondFile = second;
             wanted.second.selectedName = static_cast<int32_t>(secondIndex);
             wanted.hasSecond = true;
         }

@@ -10,13 +10,16 @@
 #include "screens/program_modes.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 // A game as it was chosen in the browser, with its image unpacked and its name selected.
 struct GAME_TO_START {
     CGameFile game;
+    std::filesystem::path file;
     CGameFile second; // a console's BIOS
+    std::filesystem::path secondFile;
     bool hasSecond = false;
     std::string title;
     OptionBlock options{};

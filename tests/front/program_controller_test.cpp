@@ -19,17 +19,16 @@ constexpr int kRight = 14;
 
 class ProgramController : public ProgramTest {
 protected:
-    void SetUp() override {
-        ProgramTest::SetUp();
-        // A window off the screen never has the focus, without which the library drops a joystick's events.
-        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
-    }
+    // A window off the screen never has the focus, without which the library drops a joystick's events. To be said
+    // before each start of the program, as its end forgets it.
+    static void AllowBackground() { SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1"); }
     void TearDown() override {
         pad.reset();
         ProgramTest::TearDown();
     }
 
     ProgramScreen* OpenWithPad(Application& application) {
+        AllowBackground();
         ProgramScreen* const program = Open(application);
         if (program == nullptr) {
             return nullptr;
@@ -131,6 +130,48 @@ TEST_F(ProgramController, AMessageTakesTheControllerUntilItIsClosed) {
     EXPECT_EQ(ModeOf(*program), ProgramMode::kBrowser);
     ASSERT_TRUE(Push(application, kEast));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
+}
+
+TEST_F(ProgramController, GamesGoOnWithOneButton) {
+    uint32_t key = 0;
+    {
+        Application application;
+        ProgramScreen* const program = Open(application);
+        ASSERT_NE(program, nullptr);
+        ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    }
+    Application application;
+    ProgramScreen* const program = OpenWithPad(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_NE(program->Continuing(), nullptr);
+    ASSERT_TRUE(Push(application, kRight));
+    EXPECT_EQ(CGhostManager::Get().FocusWindow(), program->Continuing()->NotNowButton()->window);
+    ASSERT_TRUE(Push(application, kRight));
+    ASSERT_TRUE(Push(application, kSouth));
+    EXPECT_TRUE(program->Continuing()->Asks());
+    ASSERT_TRUE(Push(application, kEast));
+    EXPECT_FALSE(program->Continuing()->Asks());
+    ASSERT_TRUE(Push(application, kSouth));
+    EXPECT_EQ(program->Continuing(), nullptr);
+    ASSERT_TRUE(RunUntilOn(application, program->Room(), key));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
+}
+
+TEST_F(ProgramController, TheSecondButtonPutsTheQuestionOff) {
+    uint32_t key = 0;
+    {
+        Application application;
+        ProgramScreen* const program = Open(application);
+        ASSERT_NE(program, nullptr);
+        ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    }
+    Application application;
+    ProgramScreen* const program = OpenWithPad(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(Push(application, kEast));
+    EXPECT_EQ(program->Continuing(), nullptr);
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
+    EXPECT_FALSE(SessionRuns(key));
 }
 
 // The browser and the game behind it stay as they are.

@@ -168,7 +168,7 @@ TEST_F(ProgramSlots, AnEndedGameTakesThePanelWithIt) {
     uint32_t key = 0;
     ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
     ASSERT_TRUE(OpenPanel(application, program->States()));
-    EmuStopSession(key);
+    EmuStopSession(key, SessionEnd::kTurnedOff);
     ASSERT_TRUE(application.Round());
     EXPECT_FALSE(program->States().IsShown());
 }

@@ -2,6 +2,8 @@
 // display and the sound pump.
 #include "audio/sound.h"
 #include "base/files.h"
+#include "front/resume_games.h"
+#include "front/resume_texts.h"
 #include "front/room_games.h"
 #include "front/session_callbacks.h"
 #include "host/host_data.h"
@@ -258,15 +260,46 @@ TEST_F(RoomGamesTest, KeepsNoGameThatWasChosenOnce) {
     ASSERT_TRUE(WaitFor(games, 7, SetState::kPlaying));
 }
 
-TEST_F(RoomGamesTest, TheEndStopsAndSavesAll) {
+TEST_F(RoomGamesTest, TheEndStopsAllAndKeepsThemForTheNextStart) {
     {
-        RoomGames games(Open({"demo:sms-luciole", "demo:nes-ecume"}));
+        ResumeGames resume(ResumeKind::kRoom);
+        RoomGames games(Open({"demo:sms-luciole", "demo:nes-ecume"}), &resume);
         ASSERT_TRUE(games.StartNext(6));
         ASSERT_TRUE(games.StartNext(7));
         ASSERT_TRUE(WaitFor(games, 7, SetState::kPlaying));
     }
     EXPECT_EQ(PinSession(6), nullptr);
     EXPECT_EQ(PinSession(7), nullptr);
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "sms" / "saves" / "luciole.zip"));
+    const ResumeGames next(ResumeKind::kRoom);
+    ASSERT_EQ(next.Left().size(), 2u);
+    EXPECT_EQ(next.Left()[0].key, 6u);
+    EXPECT_EQ(ResumeTitle(next.Left()[0].label), "Luciole");
+    EXPECT_EQ(next.Left()[1].key, 7u);
+    EXPECT_EQ(ResumeSystem(next.Left()[1].label), kSystemNes);
+}
+
+// One that has not started yet is on as well.
+TEST_F(RoomGamesTest, AGameThatStartsAtTheEndIsKept) {
+    ResumeGames resume(ResumeKind::kRoom);
+    {
+        RoomGames games(Open({"demo:sms-luciole"}), &resume);
+        ASSERT_TRUE(games.StartNext(6));
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder.Path() / "resume" / "1" / "room-6.resume"));
+}
+
+TEST_F(RoomGamesTest, AGameThatIsTurnedOffIsSavedAndNotKept) {
+    ResumeGames resume(ResumeKind::kRoom);
+    RoomGames games(Open({"demo:sms-luciole"}), &resume);
+    ASSERT_TRUE(games.StartNext(6));
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    EmuKeepResumeFiles();
+    const std::filesystem::path file = folder.Path() / "resume" / "1" / "room-6.resume";
+    ASSERT_TRUE(std::filesystem::exists(file));
+    games.Stop(6);
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kOff));
+    EXPECT_FALSE(std::filesystem::exists(file));
     EXPECT_TRUE(std::filesystem::exists(folder.Path() / "sms" / "saves" / "luciole.zip"));
 }
 

@@ -343,7 +343,7 @@ TEST_F(SlotWorkerTest, AnOrderForAGameThatIsOffIsRefused) {
     SlotWorker worker;
     worker.Order({SlotAct::kSave, 4, serial + 1, 1, {}});
     EXPECT_EQ(Answer(worker).text, "The game is no longer on");
-    EmuStopSession(4);
+    EmuStopSession(4, SessionEnd::kTurnedOff);
     worker.Order({SlotAct::kSave, 4, serial, 1, {}});
     EXPECT_FALSE(Answer(worker).done);
     EXPECT_FALSE(fs::exists(Folder()));
@@ -379,5 +379,5 @@ TEST_F(SlotWorkerTest, APausedSessionStaysWhereItIs) {
     ASSERT_TRUE(EmuPauseSession(4, false));
     EXPECT_TRUE(Eventually([&] { return FrameOf(4) > stays + 2; }));
     ASSERT_TRUE(EmuPauseSession(4, true));
-    EXPECT_TRUE(EmuStopSession(4)) << "a paused session can be stopped";
+    EXPECT_TRUE(EmuStopSession(4, SessionEnd::kTurnedOff)) << "a paused session can be stopped";
 }

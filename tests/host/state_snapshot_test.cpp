@@ -366,7 +366,7 @@ TEST_F(TakenSnapshot, AMachineWithoutAStateIsReported) {
 TEST_F(TakenSnapshot, MayBeTakenWhileTheSessionStops) {
     for (int round = 0; round < 20; ++round) {
         SessionPin session = StartAndPin();
-        std::thread stopper([] { EmuStopSession(4); });
+        std::thread stopper([] { EmuStopSession(4, SessionEnd::kTurnedOff); });
         STATE_SNAPSHOT snapshot;
         for (int i = 0; i < 50; ++i) {
             EXPECT_TRUE(EmuTakeSnapshot(*session, snapshot));

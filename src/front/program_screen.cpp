@@ -426,7 +426,10 @@ void ProgramScreen::PlayNow(uint32_t key, OPENED_GAME&& opened) {
 
 void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {
     std::vector<COVER_IMAGE> images;
-    images.reserve(covers.size());
+    images.reserve(covers.size() + 1);
+    if (cabinet) {
+        images.emplace_back(); // the first place is before the cabinet
+    }
     for (const GUI_BITMAP& cover : covers) {
         images.push_back({cover.pixels, static_cast<uint32_t>(cover.pixelWidth),
                           static_cast<uint32_t>(cover.pixelHeight), kind});

@@ -17,6 +17,7 @@
 #include "host/session_list.h"
 #include "room/look_stick.h"
 #include "room/standpoint.h"
+#include "screens/play_keys.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -41,6 +42,7 @@ constexpr float kLongestStep = 0.1f;       // seconds, also after a pause
 constexpr float kGuideIsHeld = 0.6f;       // seconds
 constexpr int64_t kGeneralHint = 10000000; // microseconds that the hint to walk stays
 constexpr int64_t kFullScreenHint = 4000000;
+constexpr int64_t kPlayKeysHint = 20000000; // a game has to start first
 
 bool ActionIsDown(std::wstring_view name) {
     return InputIsDown(kApplicationKey, name);
@@ -69,17 +71,6 @@ std::wstring BindingNameOf(std::wstring_view action, bool ofJoystick) {
 
 std::wstring ActionKeyName(std::wstring_view action) {
     return BindingNameOf(action, false);
-}
-
-// Of those that have one.
-std::wstring WalkingKeys() {
-    std::wstring keys;
-    for (const wchar_t* const action :
-         {L"Move Forward", L"Move Left", L"Move Back", L"Move Right"}) {
-        const std::wstring key = ActionKeyName(action);
-        keys += (keys.empty() || key.empty() ? L"" : L" ") + key;
-    }
-    return keys;
 }
 
 // What a controller's player presses: the control, unless he has bound it or the action to something else. Empty if
@@ -224,6 +215,7 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     if (gameMenu && owner.menu) {
         owner.menu();
     }
+    // Ways are also gone between two rounds, such as those of the buttons.
     if (std::exchange(hintedMode, modes.Mode()) != modes.Mode()) {
         hintsSince = input.now;
     }
@@ -233,10 +225,10 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     coverView.Update(seconds);
     const bool boxNews = std::exchange(coverNews, false) || turning;
     if (modes.Covered()) {
-        hints.Show(std::wstring());
+        hints.Show({});
         return boxNews;
     }
-    hints.Show(showsHints ? Hint(input.now) : std::wstring());
+    hints.Show(showsHints ? Hint(input.now) : std::vector<KEY_WORDS>());
     const bool pictureNews = fullScreen != nullptr && fullScreen->Update(input);
     return modes.RoomVisible() || pictureNews;
 }
@@ -647,42 +639,46 @@ std::wstring RoomScreen::GameMenuName() const {
 }
 
 // What can be done, each with what the player presses; what he has no key for is left out.
-std::wstring RoomScreen::Hint(int64_t now) const {
-    std::wstring line;
-    const auto say = [&line](const std::wstring& key, const std::wstring& what) {
-        if (!key.empty()) {
-            line += (line.empty() ? L"" : L"      ") + key + L"   " + what;
+std::vector<KEY_WORDS> RoomScreen::Hint(int64_t now) const {
+    std::vector<KEY_WORDS> words;
+    const auto say = [&](std::vector<std::wstring> keys, std::wstring does) {
+        std::erase(keys, std::wstring());
+        if (!keys.empty()) {
+            words.push_back({std::move(keys), std::move(does)});
         }
     };
     const std::wstring back = NameOf(L"", kPadGuide, L"Esc");
+    const std::wstring use = NameOf(L"Use", kPadSouth, L"");
     const std::wstring menu = owner.menu ? GameMenuName() : std::wstring();
     const bool told = owner.changed != nullptr; // the owner tells what can be done with a set
+    const bool isNew = now - hintsSince < kGeneralHint;
     if (!modes.RoomVisible()) {
         if (now - hintsSince < kFullScreenHint) {
-            say(back, L"Back to the room");
-            say(menu, L"Menu");
+            say({back}, L"Back to the room");
+            say({menu}, L"Menu");
         }
     } else if (!modes.Walking()) {
-        say(selected.on ? back : back + L" or a click", L"Walk on");
-        say(menu, L"Menu");
-    } else if (told && selected.id != 0) {
-        return {};
-    } else if (selected.on) {
-        say(NameOf(L"Use", kPadSouth, L""), L"Play " + WideFromUtf8(games.TitleOn(selected.id)));
-        say(NameOf(L"Turn Off", kPadNorth, L""), L"Turn off");
-    } else if (selected.id != 0) {
-        say(NameOf(L"Use", kPadSouth, L""), L"Turn on: " + WideFromUtf8(games.NextTitle()));
-    } else if (now - hintsSince < kGeneralHint) {
-        if (padInHand) {
-            say(L"Left stick", L"Walk");
-            say(L"Right stick", L"Look");
-            say(NameOf(L"", kPadBack, L"Page Down"), L"Next set");
-        } else {
-            say(WalkingKeys(), L"Walk");
-            say(L"Mouse", L"Look");
-            say(L"Page Down", L"Next set");
-            say(L"Esc", L"Free the mouse");
+        if (now - hintsSince < kPlayKeysHint && selected.on && !padInHand) {
+            words = PlayKeys(games.SystemOn(selected.id));
         }
+        say({back}, selected.on ? L"Walk on" : L"or a click   walk on");
+        say({menu}, L"Menu");
+    } else if (selected.id != 0) {
+        if (!told && selected.on) {
+            say({use}, L"Play " + WideFromUtf8(games.TitleOn(selected.id)));
+            say({NameOf(L"Turn Off", kPadNorth, L"")}, L"Turn off");
+        } else if (!told) {
+            say({use}, L"Turn on: " + WideFromUtf8(games.NextTitle()));
+        }
+    } else if (isNew && padInHand) {
+        say({L"Left stick"}, L"Walk");
+        say({L"Right stick"}, L"Look");
+        say({NameOf(L"", kPadBack, L"Page Down")}, L"Next set");
+    } else if (isNew) {
+        say(DirectionKeys({L"Move Forward", L"Move Left", L"Move Back", L"Move Right"}), L"Walk");
+        say({L"Mouse"}, L"Look");
+        say({L"Page Down"}, L"Next set");
+        say({L"Esc"}, L"Free the mouse");
     }
-    return line;
+    return words;
 }

@@ -144,7 +144,6 @@ private:
     void VisitSet(int step);
     void Act(const HANDS& hands);
     void Use();
-    [[nodiscard]] bool Behind() const;
     void NotePointer(const SCREEN_INPUT& input, bool padUsed);
     void StopSelected();
     void FitMode();
@@ -157,7 +156,7 @@ private:
     [[nodiscard]] std::wstring NameOf(const wchar_t* action, PadControl control,
                                       const wchar_t* key) const;
     [[nodiscard]] std::wstring GameMenuName() const;
-    [[nodiscard]] std::wstring Hint(int64_t now) const;
+    [[nodiscard]] std::vector<KEY_WORDS> Hint(int64_t now) const;
 
     ROOM_SURROUNDINGS around;
     RoomGames games;

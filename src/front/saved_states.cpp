@@ -3,7 +3,6 @@
 #include "base/text.h"
 #include "front/event_pump.h"
 #include "front/notices.h"
-#include "front/processor_binder.h"
 #include "front/screen.h"
 #include "gui/message_box.h"
 #include "host/session.h"
@@ -50,7 +49,7 @@ void SavedStates::Open(SAVED_STATES_GAME played) {
     paused = true;
     closedAt = 0;
     if (worker == nullptr) {
-        worker = std::make_unique<SlotWorker>(UseAllProcessors);
+        worker = std::make_unique<SlotWorker>();
     }
     panel.Open(WideFromUtf8(game.title));
 }

@@ -1,5 +1,6 @@
 #include "host/slot_worker.h"
 
+#include "base/helper_thread.h"
 #include "host/session.h"
 #include "host/session_list.h"
 
@@ -23,11 +24,9 @@ bool Do(const SLOT_ORDER& order, EMU_THREAD& session, std::string& text) {
 
 } // namespace
 
-SlotWorker::SlotWorker(std::function<void()> threadBegins)
-    : thread([this, begins = std::move(threadBegins)] {
-        if (begins) {
-            begins();
-        }
+SlotWorker::SlotWorker()
+    : thread([this] {
+        HelperBegins();
         Run();
     }) {}
 

@@ -13,7 +13,6 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <optional>
 #include <string>
 #include <thread>
@@ -37,8 +36,7 @@ struct SLOT_ANSWER {
 
 class SlotWorker {
 public:
-    // `threadBegins` is the first that the thread does; it may be empty.
-    explicit SlotWorker(std::function<void()> threadBegins = {});
+    SlotWorker();
     ~SlotWorker();
     SlotWorker(const SlotWorker&) = delete;
     SlotWorker& operator=(const SlotWorker&) = delete;

@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 
 inline constexpr size_t kMostCovers = 6;
 inline constexpr int kNoCover = -1;
@@ -61,9 +62,14 @@ public:
     // The zoomed slot, or kMostCovers in the overview.
     [[nodiscard]] size_t Zoomed() const { return zoomed; }
     [[nodiscard]] const CRoomCamera& Camera() const { return camera; }
+    // What the overview looks at: the middle of the rows and columns in use.
+    [[nodiscard]] VECTOR3 Middle() const;
 
 private:
     [[nodiscard]] size_t SlotAt(int32_t x, int32_t y) const;
+    // From the left edge of the first to the right edge of the last, in columns.
+    [[nodiscard]] std::pair<float, float> ColumnsInUse() const;
+    [[nodiscard]] float RowsInUse() const;
     void PlaceCamera();
 
     std::array<SLOT, kMostCovers> slots;

@@ -9,6 +9,7 @@
 #include "gui/window_ex.h"
 #include "screens/benchmark.h"
 #include "screens/credits.h"
+#include "screens/first_steps.h"
 #include "screens/member_panel.h"
 #include "screens/options.h"
 #include "screens/rom_browser.h"
@@ -86,6 +87,7 @@ CGUIBattleGround::~CGUIBattleGround() {
     panel.reset();
     browser.reset();
     member.reset();
+    steps.reset();
     CGhostManager& manager = CGhostManager::Get();
     manager.DestroyWindow(version->window);
     manager.DestroyWindow(topArea->window);
@@ -96,6 +98,8 @@ void CGUIBattleGround::AskForNews() {
     const std::wstring url = NewsUrlOfSettings();
     if (url.empty()) {
         SetNews(std::wstring(kNoServiceText));
+        newsHeader->SetText(L"First steps");
+        steps = std::make_unique<FirstSteps>(battleMain->window, std::wstring(kNoServiceText));
         return;
     }
     SetNews(std::wstring(kConnectingText));
@@ -183,6 +187,9 @@ void CGUIBattleGround::Layout(int32_t width, int32_t height) {
     member->Layout();
     newsHeader->SetPos(390, 70, width - 410, kControlHeight);
     news->SetPos(390, 95, width - 410, height - 115);
+    if (steps != nullptr) {
+        steps->Layout(390, 95, width - 410, height - 115);
+    }
     if (panel != nullptr) {
         panel->Layout(width, height);
     }
@@ -232,7 +239,10 @@ void CGUIBattleGround::ShowMenu(bool visible) {
     Show(tagline->window, visible);
     member->SetVisible(visible);
     Show(newsHeader->window, visible);
-    Show(news->window, visible);
+    Show(news->window, visible && steps == nullptr);
+    if (steps != nullptr) {
+        steps->SetVisible(visible);
+    }
     Show(back->window, !visible);
     if (visible) {
         NewTagline();

@@ -3,6 +3,7 @@
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/multi_text.h"
+#include "gui/text_box.h"
 #include "gui/window.h"
 #include "gui/window_ex.h"
 #include "screens/game_media.h"
@@ -37,9 +38,11 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     , shotsRight(new CGhostButton(shotsBack->window, 0, L"BUTTON2", L"\x203A", 0, {}))
     , content(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Content Available", 0, {}))
     , closer(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Look Closer", 0, {}))
-    , turn(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Turn Over", 0, {})) {
+    , turn(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Turn Over", 0, {}))
+    , noCover(
+          new CGhostTextBox(boxBack->window, 0, L"TEXT_CENTER", L"No pictures of this game", {})) {
     for (size_t i = 0; i < kContentTabs; ++i) {
-        tabs[i] = new CGhostButton(parent, 0, L"BUTTON3", kTabs[i], 0, {});
+        tabs[i] = new CGhostButton(parent, 0, L"BUTTON3", kTabs[i], CGhostButton::kLatches, {});
         signals.Watch(tabs[i]->OnClick, [this, i](CGhostButton*, int, int, unsigned) {
             ShowTab(static_cast<ContentTab>(i));
         });
@@ -70,6 +73,7 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     signals.Watch(turn->OnClick, [this](CGhostButton*, int, int, unsigned) { events.turn(); });
     signals.Watch(content->OnClick,
                   [this](CGhostButton*, int, int, unsigned) { events.download(); });
+    SayNoCover(false);
     ShowTab(ContentTab::kCovers);
 }
 
@@ -101,6 +105,7 @@ void ContentArea::Layout(int32_t x, int32_t y, int32_t width, int32_t height) {
     boxBack->SetPos(x, top, width, boxHeight);
     box->SetPos(0, 0, width, boxHeight);
     content->SetPos(width - kButtonWidth - kGap, boxHeight - kStep - kGap, kButtonWidth, kStep);
+    noCover->SetPos(0, (boxHeight - kStep) / 2, width, kStep);
     const int32_t buttonY = boxHeight - kStep - kGap;
     closer->SetPos(kGap, buttonY, kSmallButton, kStep);
     turn->SetPos(2 * kGap + kSmallButton, buttonY, kSmallButton, kStep);
@@ -177,9 +182,20 @@ void ContentArea::OfferContent(bool offer) {
     content->SetVisible(offer);
 }
 
+void ContentArea::SayNoCover(bool say) {
+    noCover->SetVisible(say);
+}
+
 void ContentArea::ShowTab(ContentTab tab) {
     shown = tab;
     SetVisible(visible);
+}
+
+// A key that was pressed on the chosen tab and taken away from it leaves the button up.
+void ContentArea::Update() {
+    if (CGhostButton* const tab = tabs[static_cast<size_t>(shown)]; visible && !tab->IsDown()) {
+        tab->SetDown(true);
+    }
 }
 
 void ContentArea::SetVisible(bool wanted) {

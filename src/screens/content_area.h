@@ -15,6 +15,7 @@
 
 class CGhostButton;
 class CGhostMultiText;
+class CGhostTextBox;
 class CGhostWindowEx;
 
 enum class ContentTab : uint8_t { kCovers, kReviews, kHints, kTrivia, kMetaInfo };
@@ -36,6 +37,7 @@ public:
     ContentArea& operator=(const ContentArea&) = delete;
 
     void Layout(int32_t x, int32_t y, int32_t width, int32_t height);
+    void Update(); // once a round
     void SetVisible(bool visible);
     void ShowTab(ContentTab tab);
 
@@ -45,12 +47,14 @@ public:
     void SetText(ContentTab tab, const std::wstring& text);
     void OfferCovers(bool offer);  // the buttons that look closer at the boxes and turn them
     void OfferContent(bool offer); // the button `Content Available`
+    void SayNoCover(bool say);     // in place of a box
 
     [[nodiscard]] ContentTab Tab() const { return shown; }
     [[nodiscard]] CGhostButton* TabButton(ContentTab tab) const {
         return tabs[static_cast<size_t>(tab)];
     }
     [[nodiscard]] CGhostButton* ContentButton() const { return content; }
+    [[nodiscard]] const CGhostTextBox* NoCover() const { return noCover; }
     [[nodiscard]] CGhostButton* CloserButton() const { return closer; }
     [[nodiscard]] CGhostButton* TurnButton() const { return turn; }
     [[nodiscard]] CGhostMultiText* Text(ContentTab tab) const; // null for COVERS
@@ -74,6 +78,7 @@ private:
     CGhostButton* content;
     CGhostButton* closer;
     CGhostButton* turn;
+    CGhostTextBox* noCover;
     std::array<CGhostMultiText*, kContentTabs - 1> texts{};
     std::vector<GUI_BITMAP> shots;
     size_t firstShot = 0;

@@ -2,7 +2,9 @@
 
 #include "gui/button.h"
 #include "gui/manager.h"
+#include "gui/text.h"
 #include "gui/text_box.h"
+#include "gui/theme.h"
 #include "screens/game_menu.h"
 #include "screens/program_pointer.h"
 #include "screens/screen_host.h"
@@ -15,7 +17,8 @@ constexpr uint64_t kButtonsStay = kMouseRests / 1000; // milliseconds after the 
 constexpr int32_t kButtonWidth = 150;
 constexpr int32_t kButtonHeight = 28;
 constexpr int32_t kButtonGap = 12;
-constexpr int32_t kHintWidth = 280;
+constexpr int32_t kHintGap = 24;
+constexpr int32_t kHintOutline = 4; // that the letters reach out of their width
 constexpr int32_t kHintHeight = 26;
 constexpr int32_t kMargin = 20;
 
@@ -25,12 +28,14 @@ struct OVERLAY_BUTTON {
     const wchar_t* help;
 };
 constexpr OVERLAY_BUTTON kStrip[CGUIGameOverlay::kButtons] = {
-    {L"Main Menu",       ModeInput::kMainMenu,    L"Options and the way out; the game plays on"         },
-    {L"Load New Game",   ModeInput::kLoadGame,    L"Chooses another game for this television"           },
-    {L"Exit Game",       ModeInput::kExitGame,    L"Turns the television off, and saves the game"       },
-    {L"Fullscreen Mode", ModeInput::kTelevision,  L"The game fills the window, or is on its television" },
-    {L"Reset Game",      ModeInput::kResetGame,   L"Begins the game anew, as the console's button does" },
-    {L"Saved States",    ModeInput::kSavedStates, L"Saves the game in one of ten slots, or goes back to one"},
+    {L"Main Menu",       ModeInput::kMainMenu,    L"Options and the way out; the game plays on"        },
+    {L"Load New Game",   ModeInput::kLoadGame,    L"Chooses another game for this television"          },
+    {L"Exit Game",       ModeInput::kExitGame,    L"Turns the television off, and saves the game"      },
+    {L"Fullscreen Mode", ModeInput::kTelevision,
+     L"The game fills the window, or is on its television"                                             },
+    {L"Reset Game",      ModeInput::kResetGame,   L"Begins the game anew, as the console's button does"},
+    {L"Saved States",    ModeInput::kSavedStates,
+     L"Saves the game in one of ten slots, or goes back to one"                                        },
 };
 constexpr uint32_t kTelevisionButton = 4;
 
@@ -75,10 +80,18 @@ void CGUIGameOverlay::Place() {
         button->SetPos(x, screen.height - kMargin - kButtonHeight, kButtonWidth, kButtonHeight);
         x += kButtonWidth + kButtonGap;
     }
-    x = kMargin;
+    PlaceHints();
+}
+
+// Those that are shown, one after the other.
+void CGUIGameOverlay::PlaceHints() {
+    GhostTextStyle style; // a theme without it has the default font
+    static_cast<void>(CGhostTheme::Get().GetStyle(L"TEXT_HINT", style));
+    int32_t x = kMargin;
     for (CGhostTextBox* const hint : hints) {
-        hint->SetPos(x, screen.height - kMargin - kHintHeight, kHintWidth, kHintHeight);
-        x += kHintWidth + kMargin;
+        const int32_t width = MeasureText(style.font, hint->Text()).width + kHintOutline;
+        hint->SetPos(x, screen.height - kMargin - kHintHeight, width, kHintHeight);
+        x += hint->IsVisible() ? width + kHintGap : 0;
     }
 }
 
@@ -102,12 +115,18 @@ void CGUIGameOverlay::ShowHints(const OVERLAY_STATE& state) {
                                                            &state.turnOff, &state.attach};
     const std::array<bool, kHints> wanted = {true, state.selected, state.selectedOn,
                                              state.selectedOn};
+    bool changed = false;
     for (size_t i = 0; i < kHints; ++i) {
         const std::wstring text = std::wstring(kHintTexts[i]) + L" [" + *names[i] + L"]";
+        const bool shows = state.shown && state.walking && wanted[i] && !names[i]->empty();
+        changed |= hints[i]->Text() != text || hints[i]->IsVisible() != shows;
         if (hints[i]->Text() != text) {
             hints[i]->SetText(text);
         }
-        hints[i]->SetVisible(state.shown && state.walking && wanted[i] && !names[i]->empty());
+        hints[i]->SetVisible(shows);
+    }
+    if (changed) {
+        PlaceHints();
     }
 }
 

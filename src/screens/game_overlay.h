@@ -61,6 +61,7 @@ public:
 
 private:
     void Place();
+    void PlaceHints();
     void ShowHints(const OVERLAY_STATE& state);
     void ShowButtons(const OVERLAY_STATE& state);
 

@@ -3,6 +3,7 @@
 #include "gui/button.h"
 #include "gui/drop_list.h"
 #include "gui/manager.h"
+#include "gui/multi_text.h"
 #include "gui/slider.h"
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
@@ -24,14 +25,13 @@ constexpr int32_t kTabPitch = 138;
 constexpr int32_t kTabTop = 47;
 constexpr int32_t kPageTop = 84;
 constexpr int32_t kPageWide = 864;
-constexpr int32_t kPageFoot = 20; // below the page of the inputs, which is as high as it can be
-constexpr int32_t kRowTop = 24;
-constexpr int32_t kRowPitch = 44;
+constexpr int32_t kPageFoot = 20; // below the pages, which are as high as they can be
+constexpr int32_t kRowTop = 28;
+constexpr int32_t kRowPitch = 50;
+constexpr int32_t kNoticeFoot = 36; // from the lower edge of a page to the top of the notice
 constexpr int32_t kMostRows = 7;
-constexpr int32_t kNoticeFoot = 36; // from the lower edge to the top of the notice
-constexpr int32_t kRowsHigh =
-    kRowTop + kMostRows * kRowPitch + kNoticeFoot + 24; // of the other pages
-constexpr int32_t kHelpGap = 12;
+constexpr int32_t kHelpTop = kRowTop + kMostRows * kRowPitch + 16;
+constexpr int32_t kHelpHigh = 60;
 constexpr int32_t kLabelWide = 260;
 constexpr int32_t kControlWide = 260;
 constexpr int32_t kMarkWide = 160;
@@ -69,8 +69,11 @@ CGUIOptions::CGUIOptions(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program)
         notices[Index(tab)] =
             new CGhostTextBox(pages[Index(tab)]->window, 0, L"TEXT_CENTER", kNotice, {});
     }
+    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
+        helps[Index(tab)] =
+            new CGhostMultiText(pages[Index(tab)]->window, 0, L"OPTIONHELP", {}, {});
+    }
     inputs = std::make_unique<InputTab>(pages[Index(OptionTab::kInput)]->window, host);
-    help = Own(new CGhostTextBox(parent, 0, L"TEXT_CENTER", {}, {}));
     ShowTab(OptionTab::kGeneral);
 }
 
@@ -133,14 +136,14 @@ void CGUIOptions::Layout(int32_t width, int32_t height) {
         x += kTabPitch;
     }
     const int32_t left = (width - kPageWide) / 2;
+    const int32_t high = height - kPageTop - kPageFoot;
     for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
         CGhostWindowEx* const page = pages[Index(tab)];
-        page->SetPos(left, kPageTop, kPageWide, kRowsHigh);
+        page->SetPos(left, kPageTop, kPageWide, high);
         LayoutRows(tab, page->window->clientRect.width, page->window->clientRect.height);
     }
-    help->SetPos(15, kPageTop + kRowsHigh + kHelpGap, width - 30, 20);
     CGhostWindowEx* const inputPage = pages[Index(OptionTab::kInput)];
-    inputPage->SetPos(left, kPageTop, kPageWide, height - kPageTop - kPageFoot);
+    inputPage->SetPos(left, kPageTop, kPageWide, high);
     inputs->Layout(inputPage->window->clientRect.width, inputPage->window->clientRect.height);
 }
 
@@ -163,6 +166,7 @@ void CGUIOptions::LayoutRows(OptionTab tab, int32_t width, int32_t height) {
         }
         y += kRowPitch;
     }
+    helps[Index(tab)]->SetPos(left, kHelpTop, width - left, kHelpHigh);
     if (CGhostTextBox* const notice = notices[Index(tab)]; notice != nullptr) {
         notice->SetPos(0, height - kNoticeFoot, width, 20);
     }
@@ -175,10 +179,6 @@ void CGUIOptions::ShowTab(OptionTab tab) {
     for (size_t i = 0; i < kOptionTabs; ++i) {
         tabs[i]->SetDown(i == Index(tab));
         pages[i]->SetVisible(i == Index(tab));
-    }
-    // The page of the inputs reaches over its place, and tells the same itself.
-    if (help != nullptr) {
-        help->SetVisible(tab != OptionTab::kInput);
     }
 }
 
@@ -213,6 +213,11 @@ bool CGUIOptions::TakeBack() {
 
 // The tips need a mouse; with keys and a controller the row that has the focus explains itself.
 void CGUIOptions::ShowHelp() {
+    CGhostMultiText* const help =
+        helps[Index(shown)]; // the page of the inputs tells the same itself
+    if (help == nullptr) {
+        return;
+    }
     const GHOSTMANAGER_WINDOW* const focus = CGhostManager::Get().FocusWindow();
     const auto row = std::find_if(rows.begin(), rows.end(), [&](const ROW& at) {
         return at.list != nullptr ? focus == at.list->window || focus == at.list->List()->window

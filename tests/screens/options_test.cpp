@@ -1,5 +1,6 @@
 #include "gui/button.h"
 #include "gui/drop_list.h"
+#include "gui/multi_text.h"
 #include "gui/slider.h"
 #include "gui/text_box.h"
 #include "screens/options.h"
@@ -281,14 +282,14 @@ TEST_F(Options, TheFirstRowIsBelowTheTabs) {
 
 TEST_F(Options, TheRowThatHasTheFocusExplainsItself) {
     OpenOptions();
-    EXPECT_EQ(Shown().HelpLine()->Text(), L"");
+    EXPECT_EQ(Shown().Help()->Text(), L"");
     PressKey(GHOSTGUIKey::kDown);
     Round();
     KeepPicture("help");
-    EXPECT_EQ(Shown().HelpLine()->Text(), OptionRows().front().help);
+    EXPECT_EQ(Shown().Help()->Text(), OptionRows().front().help);
     PressKey(GHOSTGUIKey::kUp);
     Round();
-    EXPECT_EQ(Shown().HelpLine()->Text(), L"");
+    EXPECT_EQ(Shown().Help()->Text(), L"");
 }
 
 TEST_F(Options, TheNoticeStandsInGeneralAndGraphicsWithNothingChanged) {

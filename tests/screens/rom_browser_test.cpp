@@ -399,6 +399,34 @@ TEST_F(RomBrowser, TheFilterMenuOpensOverTheList) {
     EXPECT_FALSE(browser->Filters().Menu()->IsVisible());
 }
 
+TEST_F(RomBrowser, TheChosenTabStaysDownWhenTheMouseLeavesIt) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    Click(browser->Content().TabButton(ContentTab::kHints));
+    MoveTo(300, 400);
+    Round();
+    EXPECT_TRUE(browser->Content().TabButton(ContentTab::kHints)->IsDown());
+    EXPECT_FALSE(browser->Content().TabButton(ContentTab::kCovers)->IsDown());
+    Click(browser->Content().TabButton(ContentTab::kHints));
+    Round();
+    EXPECT_TRUE(browser->Content().TabButton(ContentTab::kHints)->IsDown()) << "once more";
+}
+
+TEST_F(RomBrowser, AGameWithoutPicturesSaysSo) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    EXPECT_TRUE(browser->Content().NoCover()->IsVisible());
+}
+
+TEST_F(RomBrowser, AShortListTellsHowToAddGames) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    EXPECT_TRUE(browser->Hint().IsVisible());
+    EXPECT_NE(browser->Hint().Text().find(L"Drop game files"), std::wstring::npos);
+    Type(browser->Filters().Name(), L"zzz");
+    EXPECT_EQ(browser->Hint().Text(), L"Nothing fits the filters.");
+}
+
 // ---- What the web service says of a game.
 
 // A PNG file of one pixel.
@@ -609,8 +637,8 @@ TEST_F(RomBrowser, IsLaidOutWithoutOverlapOnEveryShapeOfScreen) {
         std::vector<const GHOSTMANAGER_WINDOW*> shown;
         for (const GHOSTMANAGER_WINDOW* child = area->window->firstChild; child != nullptr;
              child = child->nextSibling) {
-            // The line over an empty list lies over it by intent.
-            if (child->visible && child->width > 0) {
+            // The hint lies over the free part of the list.
+            if (child->visible && child->width > 0 && child != browser->Hint().window) {
                 shown.push_back(child);
             }
         }

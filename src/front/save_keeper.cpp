@@ -1,9 +1,7 @@
 #include "front/save_keeper.h"
 
-#include "front/processor_binder.h"
+#include "base/helper_thread.h"
 #include "host/session_saves.h"
-
-#include <SDL_thread.h>
 
 #include <chrono>
 #include <mutex>
@@ -27,10 +25,8 @@ SaveKeeper::~SaveKeeper() {
     thread.join();
 }
 
-// The main thread's priority and processor, which this thread inherits, are for drawing.
 void SaveKeeper::Run() {
-    SDL_SetThreadPriority(SDL_THREAD_PRIORITY_LOW);
-    UseAllProcessors();
+    HelperBegins();
     int periods = 0;
     std::unique_lock hold(lock);
     while (!changed.wait_for(hold, kPeriod, [this] { return end; })) {

@@ -171,9 +171,9 @@ private:
     std::unique_ptr<GameScreen> fullScreen; // while one set fills the window
     LightGun guns;                          // of that set's game
     InputLooker looker;
-    uint32_t visited = 0;   // the set before which the player was put, until he moves
-    uint32_t shownKey = 0;  // of the set that fills the window
-    int64_t lastRound = 0;  // microseconds of the host's clock; 0 before the first
+    uint32_t visited = 0;  // the set before which the player was put, until he moves
+    uint32_t shownKey = 0; // of the set that fills the window
+    int64_t lastRound = 0; // microseconds of the host's clock; 0 before the first
     PLACE noted;
     int64_t hintsSince = 0; // of the mode that follows
     ProgramMode hintedMode = ProgramMode::kWalking;

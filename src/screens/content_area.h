@@ -24,7 +24,7 @@ inline constexpr size_t kContentTabs = 5;
 struct CONTENT_EVENTS {
     std::function<void()> download; // `Content Available` was clicked
     std::function<void(int button, int32_t x, int32_t y)>
-        cover; // a click in 3DBOX, units of its client area
+        cover;                    // a click in 3DBOX, units of its client area
     std::function<void()> closer; // the buttons that do the same for keys and controllers
     std::function<void()> turn;
 };

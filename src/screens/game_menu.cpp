@@ -76,8 +76,8 @@ void GameMenu::Place() {
     GUI_RECT outer;
     GUI_RECT client;
     manager.GetWindowRects(box->window, &outer, &client, nullptr);
-    const int32_t inside = 2 * kMargin + static_cast<int32_t>(buttons.size()) * kPitch -
-                           (kPitch - kButtonHeight);
+    const int32_t inside =
+        2 * kMargin + static_cast<int32_t>(buttons.size()) * kPitch - (kPitch - kButtonHeight);
     const int32_t height = inside + outer.height - client.height;
     box->SetPos((screen.width - kBoxWidth) / 2, (screen.height - height) / 2, kBoxWidth, height);
     manager.GetWindowRects(box->window, nullptr, &client, nullptr);

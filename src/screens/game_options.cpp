@@ -208,8 +208,8 @@ void CGUISMSOptions::ConfigureForGame(const CGameFile& game, uint32_t index) {
     uint32_t length = 0;
     SMS_RECORD record{};
     NAME_RECORD name{};
-    const bool recorded = game.GetMachineRecord(index, bytes, length) &&
-                          length == sizeof record && game.GetRawName(index, name);
+    const bool recorded = game.GetMachineRecord(index, bytes, length) && length == sizeof record &&
+                          game.GetRawName(index, name);
     if (recorded) {
         std::memcpy(&record, bytes, sizeof record);
     }

@@ -43,10 +43,14 @@ GEAR_CONSOLE& Console(void* context) {
 // The Z80's bus in the frame loop.
 struct GEAR_BUS {
     GEAR_CONSOLE& console;
-    uint32_t effects = 0; // accesses other than reads of memory, wrapping
+    uint32_t effects = 0; // accesses other than reads of memory, and uses of R, wrapping
 
     uint8_t Read(uint16_t address) { return SegaMemoryRead(console.memory, address); }
-    uint8_t ReadOpcode(uint16_t address) { return SegaMemoryRead(console.memory, address); }
+    uint8_t ReadOpcode(uint16_t address) {
+        const uint8_t opcode = SegaMemoryRead(console.memory, address);
+        effects += Z80UsesRefresh(console.z80, opcode) ? 1 : 0;
+        return opcode;
+    }
     uint8_t IoRead(uint16_t port) {
         ++effects;
         return GearReadPort(console, port);

@@ -65,10 +65,15 @@ CSMS& Machine(void* context) {
 struct SMS_BUS {
     CSMS& machine;
     SEGA_MEMORY& memory;
-    uint32_t effects = 0; // accesses other than reads of memory, wrapping
+    const Z80& z80;
+    uint32_t effects = 0; // accesses other than reads of memory, and uses of R, wrapping
 
     uint8_t Read(uint16_t address) { return SegaMemoryRead(memory, address); }
-    uint8_t ReadOpcode(uint16_t address) { return SegaMemoryRead(memory, address); }
+    uint8_t ReadOpcode(uint16_t address) {
+        const uint8_t opcode = SegaMemoryRead(memory, address);
+        effects += Z80UsesRefresh(z80, opcode) ? 1 : 0;
+        return opcode;
+    }
     uint8_t IoRead(uint16_t port) {
         ++effects;
         return machine.ReadPort(port);
@@ -235,7 +240,7 @@ void CSMS::TickChips(SMS_BUS& bus) {
 }
 
 void CSMS::RunFramePlain() {
-    SMS_BUS bus{*this, memory};
+    SMS_BUS bus{*this, memory, z80};
     while (!vdp.frameDone) {
         TickChips(bus);
     }
@@ -244,7 +249,7 @@ void CSMS::RunFramePlain() {
 // The same frame, in which the chips around the Z80 catch up. A clock in which the VDP changes a
 // line of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
 void CSMS::RunFrameFast() {
-    SMS_BUS bus{*this, memory};
+    SMS_BUS bus{*this, memory, z80};
     CATCH_UP_CHIPS chips{vdp, psg, chosen.fmChip != 0 ? &fm : nullptr};
     SMS_CATCH_UP_BUS catchUpBus{bus, chips, z80.irqLine, irqOut, clockCount};
     TickChips(bus);

@@ -57,10 +57,15 @@ CSEGAE& Machine(void* context) {
 // The Z80's bus in the frame loop.
 struct ARCADE_BUS {
     CSEGAE& machine;
-    uint32_t effects = 0; // accesses other than reads of memory, wrapping
+    const Z80& z80;
+    uint32_t effects = 0; // accesses other than reads of memory, and uses of R, wrapping
 
     uint8_t Read(uint16_t address) { return machine.Peek(address); }
-    uint8_t ReadOpcode(uint16_t address) { return machine.PeekOpcode(address); }
+    uint8_t ReadOpcode(uint16_t address) {
+        const uint8_t opcode = machine.PeekOpcode(address);
+        effects += Z80UsesRefresh(z80, opcode) ? 1 : 0;
+        return opcode;
+    }
     uint8_t IoRead(uint16_t port) {
         ++effects;
         return machine.ReadPort(port);
@@ -315,7 +320,7 @@ void CSEGAE::RunSound(uint32_t clocks) {
 }
 
 void CSEGAE::RunFramePlain() {
-    ARCADE_BUS bus{*this};
+    ARCADE_BUS bus{*this, z80};
     while (!vdp2.frameDone) {
         TickChips(bus);
     }
@@ -332,7 +337,7 @@ void CSEGAE::CatchUp(uint32_t clocks) {
 // The same frame, in which the chips around the Z80 catch up. A clock in which a VDP changes a line
 // of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
 void CSEGAE::RunFrameFast() {
-    ARCADE_BUS bus{*this};
+    ARCADE_BUS bus{*this, z80};
     ARCADE_CATCH_UP_BUS catchUpBus{bus, z80.irqLine, irqLine};
     TickChips(bus);
     while (!vdp2.frameDone) {

@@ -11,10 +11,18 @@
 // instructions.
 [[nodiscard]] bool Z80IsAlike(const Z80& one, const Z80& other);
 
+// Whether an opcode that has just been read is LD A,R or LD R,A. It counts as an effect, since R differs in every
+// round.
+[[nodiscard]] inline bool Z80UsesRefresh(const Z80& z80, uint8_t opcode) {
+    constexpr uint8_t kLoadRFromA = 0x4F;
+    constexpr uint8_t kLoadAFromR = 0x5F;
+    return z80.prefix == kZ80PrefixEd && (opcode == kLoadRFromA || opcode == kLoadAFromR);
+}
+
 class Z80IdleLoop {
 public:
     // After the last instruction of a round, on the clock `now` of any steady count. `effects` counts the accesses
-    // that were no reads of memory. Skips whole rounds within the next `left` clocks and returns their clocks.
+    // that were no reads of memory, and the uses of R. Skips whole rounds within the next `left` clocks and returns their clocks.
     [[gnu::noinline]] uint32_t Skip(Z80& z80, uint32_t effects, uint32_t now, uint32_t left) {
         uint32_t skipped = 0;
         if (effects == lastEffects && Z80IsAlike(z80, last)) {

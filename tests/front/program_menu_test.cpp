@@ -189,9 +189,8 @@ TEST_F(ProgramGameMenu, ADroppedFileClosesIt) {
     ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
     ASSERT_TRUE(OpenByKey(application, *program));
     Drop(folder.Write("letter.txt", std::string_view("no game")).string());
-    ASSERT_TRUE(RunUntil(application, [&] {
-        return program->Adding().IsShown() && !program->Adding().Works();
-    }));
+    ASSERT_TRUE(RunUntil(
+        application, [&] { return program->Adding().IsShown() && !program->Adding().Works(); }));
     EXPECT_EQ(program->Overlay().Menu(), nullptr);
     EXPECT_EQ(CGhostManager::Get().ModalWindow(), nullptr);
     EXPECT_FALSE(OpenByKey(application, *program)) << "nor does it open over the window";

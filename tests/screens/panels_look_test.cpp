@@ -1,8 +1,8 @@
 // How the panels are laid out: nothing is cut and nothing lies over anything else, on displays of every shape.
 #include "gui/button.h"
 #include "gui/drop_list.h"
-#include "gui/list_view.h"
 #include "gui/edit.h"
+#include "gui/list_view.h"
 #include "gui/message_box.h"
 #include "gui/multi_text.h"
 #include "gui/text.h"
@@ -138,8 +138,7 @@ TEST_F(PanelsLook, ADisplayThatIsTooSmallIsTold) {
     Make(320, 240);
     ASSERT_LT(Manager().ScreenRect().width, 1280);
     EXPECT_EQ(CGhostMessageBox::Count(), 1u);
-    const auto* const box =
-        dynamic_cast<CGhostMessageBox*>(Manager().ModalWindow()->handler->next);
+    const auto* const box = dynamic_cast<CGhostMessageBox*>(Manager().ModalWindow()->handler->next);
     ASSERT_NE(box, nullptr);
     EXPECT_NE(box->Message()->Text().find(L"1280 by 720"), std::wstring::npos);
     PressKey(GHOSTGUIKey::kReturn);

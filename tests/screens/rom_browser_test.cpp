@@ -660,8 +660,9 @@ TEST_F(RomBrowser, EveryControlIsReachedByDirectionsAlone) {
     home.Write("sms/Moth Patrol.sms", Image(5));
     std::vector<uint8_t> picture;
     std::string error;
-    ASSERT_TRUE(ReadFile(std::filesystem::path(OMBRELUNE_SOURCE_FOLDER) / "docs/pictures/browser.jpg",
-                         picture, error, 1 << 24))
+    ASSERT_TRUE(
+        ReadFile(std::filesystem::path(OMBRELUNE_SOURCE_FOLDER) / "docs/pictures/browser.jpg",
+                 picture, error, 1 << 24))
         << error;
     home.Write("sms/media/default.jpg", picture); // the box of games without one
     for (const char* const folder : {"gamegear", "nes", "arcade", "megadrive"}) {

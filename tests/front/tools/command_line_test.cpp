@@ -158,8 +158,8 @@ TEST(CommandLine, ActionsListsEveryActionWithItsKeys) {
     EXPECT_THAT(result.output, HasSubstr("Move Forward\tW\t<undefined>\n"));
     EXPECT_THAT(result.output, HasSubstr("Rewind\tSHIFT + TAB\t<undefined>\n"));
     EXPECT_THAT(result.output, HasSubstr("SMS P1 BUTTON1\tA\t<undefined>\n"));
-    // 12 of the program, 16 NES, 24 arcade, 22 Master System, 26 Mega Drive, 14 Game Gear.
-    EXPECT_EQ(Lines(result.output), 114u);
+    // 14 of the program, 16 NES, 24 arcade, 22 Master System, 26 Mega Drive, 14 Game Gear.
+    EXPECT_EQ(Lines(result.output), 116u);
 }
 
 TEST(CommandLine, ConvertMakesAGameAndKeepsTheSource) {
@@ -300,5 +300,5 @@ TEST(CommandLine, ABrokenSettingsFileIsNamedAndTheProgramStarts) {
     const PROGRAM_RESULT result = Ombrelune({"actions"}, home);
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_THAT(result.error, HasSubstr("config.xml"));
-    EXPECT_EQ(Lines(result.output), 114u);
+    EXPECT_EQ(Lines(result.output), 116u);
 }

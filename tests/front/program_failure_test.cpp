@@ -1,6 +1,5 @@
 // Games that fail while they are started or played: the player is told, the set is dark, and he goes on.
 #include "front/program_rig.h"
-#include "gui/multi_text.h"
 #include "megadrive/md_rig.h"
 
 #include <gmock/gmock.h>
@@ -22,17 +21,6 @@ protected:
     static testing::AssertionResult WaitForMessage(Application& application) {
         return RunUntil(application, [] { return CGhostMessageBox::Count() != 0; });
     }
-    static std::wstring MessageText() {
-        std::wstring text;
-        CGhostManager::Get().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
-            for (const CGhostGUIHandler* one = window.handler; one != nullptr; one = one->next) {
-                const auto* const box = dynamic_cast<const CGhostMessageBox*>(one);
-                text = box != nullptr ? box->Message()->Text() : text;
-            }
-        });
-        return text;
-    }
-
     static void CloseMessage(Application& application) {
         ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN));
         ASSERT_TRUE(application.Round());
@@ -53,7 +41,7 @@ TEST_F(ProgramFailure, AGameThatTheMachineRefusesIsToldAndItsSetIsDark) {
     program->Room().Play(kFrontSet, std::move(none));
     static_cast<void>(program->Room().Take(ModeInput::kGameStarted));
     ASSERT_TRUE(WaitForMessage(application));
-    EXPECT_THAT(MessageText(), HasSubstr(L"Error loading game"));
+    EXPECT_THAT(MessageText(), HasSubstr(L"no machine has the system number 0"));
     EXPECT_EQ(InputActiveKey(), 0u);
     EXPECT_EQ(program->Room().Games().StateOf(kFrontSet), SetState::kOff);
     EXPECT_FALSE(SessionRuns(kFrontSet));

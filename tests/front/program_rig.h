@@ -8,6 +8,7 @@
 #include "gui/list_view.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
+#include "gui/multi_text.h"
 #include "screens/rom_browser.h"
 
 #include <string>
@@ -37,6 +38,18 @@ protected:
         EXPECT_TRUE(application.Round());
         EXPECT_TRUE(application.Round());
         return HasFailure() ? nullptr : program;
+    }
+
+    // Of the message box that is open; empty without one.
+    static std::wstring MessageText() {
+        std::wstring text;
+        CGhostManager::Get().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
+            for (const CGhostGUIHandler* one = window.handler; one != nullptr; one = one->next) {
+                const auto* const box = dynamic_cast<const CGhostMessageBox*>(one);
+                text = box != nullptr ? box->Message()->Text() : text;
+            }
+        });
+        return text;
     }
 
     static ProgramMode ModeOf(ProgramScreen& program) { return program.Room().Modes().Mode(); }

@@ -2,8 +2,8 @@
 // promises and ends when it is told to. When it has ended it starts again in the same home folder.
 //
 // For a long run:
-//   OMBRELUNE_PROGRAM_OPERATIONS  inputs a seed, 150 without it
-//   OMBRELUNE_PROGRAM_SEEDS       number of seeds, 3 without it
+//   OMBRELUNE_PROGRAM_OPERATIONS  inputs a seed, 60 without it
+//   OMBRELUNE_PROGRAM_SEEDS       number of seeds, 2 without it
 //   OMBRELUNE_PROGRAM_SEED        the first of them, 1 without it
 //   OMBRELUNE_PROGRAM_SECONDS     no new seed is begun after that time, and the last one ends; no limit without it
 //   OMBRELUNE_PROGRAM_TELL        set: each operation is told before it is done
@@ -215,9 +215,9 @@ TEST_F(ProgramRobot, RandomInputBreaksNoPromise) {
     using Clock = std::chrono::steady_clock;
     const auto end =
         Clock::now() + std::chrono::seconds(Wanted("OMBRELUNE_PROGRAM_SECONDS", 86400));
-    const uint32_t last = Wanted("OMBRELUNE_PROGRAM_OPERATIONS", 150);
+    const uint32_t last = Wanted("OMBRELUNE_PROGRAM_OPERATIONS", 60);
     const uint32_t first = Wanted("OMBRELUNE_PROGRAM_SEED", 1);
-    const uint32_t seeds = Wanted("OMBRELUNE_PROGRAM_SEEDS", 3);
+    const uint32_t seeds = Wanted("OMBRELUNE_PROGRAM_SEEDS", 2);
     for (uint32_t seed = first; seed - first < seeds && Clock::now() < end; ++seed) {
         Dice dice(seed);
         RobotHand hand(folder.Path(), drops, dice);

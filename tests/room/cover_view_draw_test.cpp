@@ -144,7 +144,7 @@ TEST_F(CoverPictures, TurnedBoxShowsItsOtherSide) {
     view.SetCovers(std::vector<int>{0}, false);
     Cover(0, kRed);
     EXPECT_EQ(BoxColour(Draw(), 0), kRed);
-    view.CoverClick(2, 14, 30);
+    view.CoverClick(2, 45, 30); // the middle, as it is alone
     ASSERT_TRUE(view.Slots()[0].flipping);
     view.Update(1.0f);
     ASSERT_EQ(view.Slots()[0].turn, 180.0f);
@@ -186,14 +186,15 @@ TEST_F(CoverPictures, LampLightsThem) {
     }
     const std::vector<uint32_t> screen = Draw();
     const uint32_t middle = BoxColour(screen, 1) & 0xFF;
-    const uint32_t side = BoxColour(screen, 0) & 0xFF;
-    // The lamp is at (135, 30, 170); the middle of the front at (135, 65, 5.5): d 168.2, attenuation
-    // 1 / (1 + 0.0084 + 0.2263) = 0.8099, cosine 164.5 / 168.2 = 0.978. The cover of 0.502 shows
-    // 0.502 * (0.5 * 0.8099 + 0.6 * 0.978 * 0.8099) = 0.442. The mirrored ray has the same cosine to the eye,
-    // which is straight before the box: its gloss of 0.502 and 12 adds 0.5 * 0.502 * 0.978^12 * 0.8099 = 0.156.
-    EXPECT_NEAR(middle, 0.598 * 255, 3);
-    EXPECT_LT(side, middle);
-    EXPECT_EQ(BoxColour(screen, 2) & 0xFF, side) << "as far on the other side";
+    const uint32_t left = BoxColour(screen, 0) & 0xFF;
+    const uint32_t right = BoxColour(screen, 2) & 0xFF;
+    // The lamp is at (155, 100, 120); the middle of the front at (135, 65, 5.5): d 121.4, attenuation
+    // 1 / (1 + 0.0061 + 0.1179) = 0.8897, cosine 114.5 / 121.4 = 0.943. The cover of 0.502 shows
+    // 0.502 * (0.5 * 0.8897 + 0.6 * 0.943 * 0.8897) = 0.476. The mirrored ray has the same cosine to the eye,
+    // which is straight before the box: its gloss of 0.502 and 12 adds 0.5 * 0.502 * 0.943^12 * 0.8897 = 0.111.
+    EXPECT_NEAR(middle, 0.587 * 255, 3);
+    EXPECT_LT(right, middle);
+    EXPECT_LT(left, right) << "the lamp is right of the middle";
 }
 
 } // namespace

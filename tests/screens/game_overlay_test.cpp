@@ -130,8 +130,8 @@ Texts Captions(const GameMenu& menu) {
 TEST_F(GameOverlay, TheMenuHasTheStripsButtonsForKeysAlone) {
     state.selected = state.selectedOn = state.roomVisible = true;
     Round();
-    const Texts all = {L"Continue",  L"Main Menu",       L"Load New Game",
-                       L"Exit Game", L"Fullscreen Mode", L"Reset Game"};
+    const Texts all = {L"Continue",        L"Main Menu",  L"Load New Game", L"Exit Game",
+                       L"Fullscreen Mode", L"Reset Game", L"Saved States"};
     for (size_t entry = 0; entry < all.size(); ++entry) {
         overlay->ToggleMenu();
         Round();
@@ -145,9 +145,9 @@ TEST_F(GameOverlay, TheMenuHasTheStripsButtonsForKeysAlone) {
         EXPECT_EQ(overlay->Menu(), nullptr);
         EXPECT_EQ(Manager().ModalWindow(), nullptr);
     }
-    EXPECT_EQ(host.taken,
-              (std::vector{ModeInput::kMainMenu, ModeInput::kLoadGame, ModeInput::kExitGame,
-                           ModeInput::kTelevision, ModeInput::kResetGame}));
+    EXPECT_EQ(host.taken, (std::vector{ModeInput::kMainMenu, ModeInput::kLoadGame,
+                                       ModeInput::kExitGame, ModeInput::kTelevision,
+                                       ModeInput::kResetGame, ModeInput::kSavedStates}));
 }
 
 TEST_F(GameOverlay, TheMenuOffersWhatThereIs) {

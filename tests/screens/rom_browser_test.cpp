@@ -721,7 +721,7 @@ TEST_F(RomBrowser, SaysNothingOfItsGamesWhileItLooksForThem) {
     home.Write("sms/readme.txt", std::string_view("no game"));
     home.Write("nes/readme.txt", std::string_view("no game"));
     Open();
-    const auto says = [this] {
+    const auto says = [] {
         bool seen = false;
         Manager().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
             const auto* const text = dynamic_cast<const CGhostTextBox*>(window.handler);

@@ -173,7 +173,7 @@ void BuildStylesPage(GHOSTMANAGER_WINDOW* root) {
         GhostTextStyle style;
         CGhostTheme::Get().GetStyle(name, style);
         const bool picture = style.bg.type == GhostFill::kBitmap && style.bg.bitmap != nullptr;
-        const int32_t height = style.bg.bitmap != nullptr ? style.bg.bitmap->height : 44;
+        const int32_t height = style.bg.bitmap != nullptr ? style.bg.bitmap->height : 40;
         const int32_t x = kLeft + column * kWide;
         GalleryLabel(root, name, x, y);
         GalleryText(root, name, picture ? L"" : L"The moon rises 123",
@@ -181,7 +181,7 @@ void BuildStylesPage(GHOSTMANAGER_WINDOW* root) {
         highest = std::max(highest, height);
         if (++column == kColumns) {
             column = 0;
-            y += 18 + highest + 14;
+            y += 18 + highest + 8;
             highest = 0;
         }
     }

@@ -48,7 +48,7 @@ struct GEAR_BUS {
     uint8_t Read(uint16_t address) { return SegaMemoryRead(console.memory, address); }
     uint8_t ReadOpcode(uint16_t address) {
         const uint8_t opcode = SegaMemoryRead(console.memory, address);
-        effects += Z80UsesRefresh(console.z80, opcode) ? 1 : 0;
+        effects += Z80UsesRefresh(console.z80, opcode) ? 1U : 0U;
         return opcode;
     }
     uint8_t IoRead(uint16_t port) {

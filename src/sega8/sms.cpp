@@ -71,7 +71,7 @@ struct SMS_BUS {
     uint8_t Read(uint16_t address) { return SegaMemoryRead(memory, address); }
     uint8_t ReadOpcode(uint16_t address) {
         const uint8_t opcode = SegaMemoryRead(memory, address);
-        effects += Z80UsesRefresh(z80, opcode) ? 1 : 0;
+        effects += Z80UsesRefresh(z80, opcode) ? 1U : 0U;
         return opcode;
     }
     uint8_t IoRead(uint16_t port) {

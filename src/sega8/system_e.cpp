@@ -63,7 +63,7 @@ struct ARCADE_BUS {
     uint8_t Read(uint16_t address) { return machine.Peek(address); }
     uint8_t ReadOpcode(uint16_t address) {
         const uint8_t opcode = machine.PeekOpcode(address);
-        effects += Z80UsesRefresh(z80, opcode) ? 1 : 0;
+        effects += Z80UsesRefresh(z80, opcode) ? 1U : 0U;
         return opcode;
     }
     uint8_t IoRead(uint16_t port) {

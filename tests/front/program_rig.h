@@ -80,8 +80,13 @@ protected:
         return testing::AssertionSuccess();
     }
 
-    // From the menu; until the games of the system are listed.
+    // From the menu, without going on where an earlier run has ended; until the games of the system are listed.
     static testing::AssertionResult OpenBrowser(Application& application, ProgramScreen& program) {
+        if (program.Continuing() != nullptr) {
+            if (const testing::AssertionResult left = Press(application, SDL_SCANCODE_ESCAPE); !left) {
+                return left;
+            }
+        }
         const testing::AssertionResult pressed = Press(application, SDL_SCANCODE_RETURN);
         return pressed ? RunUntilListed(application, program) : pressed;
     }

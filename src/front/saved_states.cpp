@@ -8,6 +8,7 @@
 #include "host/session.h"
 #include "host/session_list.h"
 #include "settings/bindings.h"
+#include "settings/input_frame.h"
 #include "settings/pad_defaults.h"
 
 #include <ctime>
@@ -131,6 +132,7 @@ void SavedStates::LetGameGoOn(int64_t now) {
 
 void SavedStates::Resume() {
     if (std::exchange(paused, false)) {
+        HandPressesOver(); // what was pressed in the panel is not the game's
         static_cast<void>(EmuPauseSession(game.key, false));
     }
 }

@@ -27,6 +27,10 @@ inline constexpr int64_t kLongestFrame = 250'000;
 
 [[nodiscard]] int64_t InputClock();
 
+// Sessions do not see what was pressed before. A change of the session that gets the input does so by itself. Main
+// thread.
+void HandPressesOver();
+
 class InputLooker {
 public:
     InputLooker(); // ignores earlier presses

@@ -83,7 +83,8 @@ protected:
     // From the menu, without going on where an earlier run has ended; until the games of the system are listed.
     static testing::AssertionResult OpenBrowser(Application& application, ProgramScreen& program) {
         if (program.Continuing() != nullptr) {
-            if (const testing::AssertionResult left = Press(application, SDL_SCANCODE_ESCAPE); !left) {
+            if (const testing::AssertionResult left = Press(application, SDL_SCANCODE_ESCAPE);
+                !left) {
                 return left;
             }
         }

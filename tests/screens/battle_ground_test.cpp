@@ -6,6 +6,7 @@
 #include "screens/credits.h"
 #include "screens/screens_rig.h"
 #include "screens/taglines.h"
+#include "settings/bindings.h"
 #include "settings/settings.h"
 
 #include <algorithm>
@@ -112,6 +113,7 @@ TEST_F(BattleGround, WelcomesWhoHasNotSeenThisVersionYet) {
     const auto isTagline = [](const std::wstring& line) {
         return std::find(Taglines().begin(), Taglines().end(), line) != Taglines().end();
     };
+    RegisterDefaultSettings(Settings());
     Settings().SetBool(L"app_720runonce", false);
     const std::wstring welcome = opened();
     EXPECT_FALSE(isTagline(welcome));
@@ -120,7 +122,8 @@ TEST_F(BattleGround, WelcomesWhoHasNotSeenThisVersionYet) {
     ASSERT_TRUE(CGhostTheme::Get().GetStyle(L"SECTIONTEXT", look));
     EXPECT_LE(MeasureText(look.font, welcome).width, 680 - 20);
     Settings().SetBool(L"app_720runonce", true);
-    EXPECT_TRUE(isTagline(opened()));
+    const std::wstring later = opened();
+    EXPECT_TRUE(isTagline(later)) << testing::PrintToString(later);
 }
 
 } // namespace

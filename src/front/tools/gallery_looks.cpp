@@ -163,7 +163,7 @@ std::vector<std::wstring> TextNames(bool ofWindows) {
 
 // Pictures are as high as they are; they are on the page of windows too.
 void BuildStylesPage(GHOSTMANAGER_WINDOW* root) {
-    constexpr int32_t kColumns = 5;
+    constexpr int32_t kColumns = 7;
     constexpr int32_t kWide = (kRight - kLeft) / kColumns;
     GalleryTitle(root, L"Text styles");
     int32_t column = 0;

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "settings/bindings/action_notes.h"
 #include "settings/bindings/press_log.h"
+#include "settings/input_frame.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
 

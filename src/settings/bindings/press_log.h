@@ -28,4 +28,3 @@ extern constinit thread_local const INPUT_STATE* tInputState;
 void LogCode(uint32_t code, bool down);
 void LogPads(uint64_t pressed, uint64_t acting, uint64_t taken);
 void ForgetPresses();
-void HandPressesOver();

@@ -572,8 +572,10 @@ void CGhostManager::FreeSubtree(GHOSTMANAGER_WINDOW* window) {
     }
     if (CGhostGUIHandler* const first = window->handler; first != nullptr) {
         window->handler = nullptr;
-        if (first->next != nullptr) {
-            first->next->Destroy();
+        for (CGhostGUIHandler* one = first->next; one != nullptr;) {
+            CGhostGUIHandler* const following = one->next;
+            one->Destroy();
+            one = following;
         }
         first->Destroy();
     }

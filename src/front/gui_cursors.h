@@ -1,5 +1,5 @@
-// GuiCursors: the theme's mouse cursors, as cursors of the display. Nothing is drawn for them, so they do not lag
-// behind the mouse. When SDL hides the cursor it hides these too.
+// GuiCursors: the theme's mouse cursors, as cursors of the display. The display itself
+// moves them, so they keep up with the mouse. When SDL hides the cursor it hides these too.
 //
 // Until the theme's images are set, and where the display takes no cursor images, the system's cursor stays.
 // Units: an image is of 64 units each way, its hot spot in the middle; cursors are made at the toolkit's density.

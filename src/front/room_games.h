@@ -49,7 +49,7 @@ public:
     // The next game in the list, which goes round, on the set of this key, in the place of what plays on it. False
     // without games.
     [[nodiscard]] bool StartNext(uint32_t key);
-    // A game that is none of the list.
+    // A game that is not in the list, and is freed when its machine has started.
     void Start(uint32_t key, OPENED_GAME&& opened);
     // A game that joins the list.
     void StartAndKeep(uint32_t key, OPENED_GAME&& opened);

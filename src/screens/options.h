@@ -53,7 +53,7 @@ private:
         CGhostTextBox* label;
         CGhostDropList* list; // null in a row with a slider
         CGhostSlider* slider; // null in a row with a list
-        int32_t stored;       // of the list: the choice that the setting stands for
+        int32_t stored;       // the number of the list's choice that is in the settings
         CGhostTextBox* mark;  // from when on a change acts; null: at once
     };
 

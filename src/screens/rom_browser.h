@@ -128,7 +128,7 @@ private:
     bool applyFilters = false; // with the next Update
     int32_t readAnew = -1;     // the index of the system to scan when it can be; -1: none
     const GameListRow* chosen = nullptr;
-    std::wstring hint;     // how to get games, or why there are none
+    std::wstring hint;     // tells how to add games, or that the filters let none through
     std::wstring metaHead; // of the chosen game: what comes before and after the times played
     std::wstring metaTail;
     std::optional<GAME_INFORMATION> localTexts; // in the chosen game's archive

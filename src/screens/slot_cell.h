@@ -4,7 +4,7 @@
 // controller's lower button take it.
 //
 // Styles: SLOTCELL for its face, of which "pressed" is that of the chosen one; SLOT_NUMBER, SLOT_DATE, SLOT_PLAYED,
-// SLOT_EMPTY and SLOT_TROUBLE for its texts; SLOT_PICTURE behind the picture.
+// SLOT_EMPTY and SLOT_TROUBLE for its texts; SLOT_PICTURE for the frame of the picture.
 // Units: of the virtual screen. Thread: main.
 #pragma once
 

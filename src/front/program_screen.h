@@ -82,6 +82,7 @@ private:
     [[nodiscard]] uint32_t SetForGame() const;
     void Obey(ModeOrder order);
     void FitScreens();
+    void KeepFocus();
     void CountPlayed();
     void ReportPlay();
     void UpdateOverlay(const SCREEN_INPUT& input);

@@ -14,14 +14,17 @@
 #include "front/processor_binder.h"
 #include "front/program_screen.h"
 #include "front/program_title.h"
+#include "front/resume_games.h"
 #include "front/room_screen.h"
 #include "front/run_settings.h"
+#include "front/save_keeper.h"
+#include "front/saved_states.h"
 #include "front/session_callbacks.h"
 #include "gui/manager.h"
+#include "host/battery_file.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
-#include "host/session_saves.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
@@ -32,8 +35,6 @@
 #include <utility>
 
 namespace {
-
-constexpr int64_t kSecond = 1000000; // microseconds
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
@@ -83,6 +84,7 @@ bool Application::Start(std::string& error) {
     }
     sound.Start(Now());
     InstallSessionCallbacks();
+    saveKeeper = std::make_unique<SaveKeeper>();
     InputSetActiveKey(kFrontTelevision);
     ShowGame();
     ChangeScreen();
@@ -178,9 +180,9 @@ bool Application::Round() {
     RunCommands(events);
     PlayDroppedFiles(events);
     const bool screenNews = UpdateScreen(events);
+    ShowSavedStates(events);
     StopEndedGame();
     HoldScreenSaverOff(!televisions.All().empty());
-    KeepBatteries();
     const bool overlayNews = UpdateOverlays(events);
     if (events.windowChanged || screenNews || overlayNews) {
         pacer.NoteNews();
@@ -236,6 +238,7 @@ void Application::RunCommand(ProgramCommand command) {
         break;
     case ProgramCommand::kToggleFullScreen:
         window.ToggleFullScreen();
+        Settings().SetBool(L"app_fullscreen", window.FillsDisplay()); // as the option does
         pacer.NoteNews();
         break;
     }
@@ -257,6 +260,14 @@ bool Application::UpdateScreen(const PUMP_EVENTS& events) {
     return screenNews || pictureNews;
 }
 
+// The screens of the room and the program have their own.
+void Application::ShowSavedStates(const PUMP_EVENTS& events) {
+    if (states != nullptr && states->Update({events, pump.Mouse(), Target(), Now()}) && playing) {
+        NeedAppearance();
+        states->Open({kFrontTelevision, playedSerial, playedTitle, {}});
+    }
+}
+
 bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
     const bool textNews = overlay.Update(Target(), view.statistics, pacer.RateText(), Now());
     const bool guiNews = gui.Update(events, Target(), Now());
@@ -274,11 +285,13 @@ void Application::DrawOrWait() {
 }
 
 void Application::Show(std::unique_ptr<Screen> next) {
+    states.reset();
     nextScreen = std::move(next);
 }
 
 void Application::ShowGame() {
-    Show(std::make_unique<GameScreen>(televisions, view, lightGun));
+    Show(std::make_unique<GameScreen>(televisions, view, lightGun, kFrontTelevision));
+    states = std::make_unique<SavedStates>();
 }
 
 void Application::NeedAppearance() {
@@ -288,11 +301,26 @@ void Application::NeedAppearance() {
     }
 }
 
+void Application::LeaveSavesAlone() {
+    savesAlone = true;
+    static_cast<void>(SetForThisRun("emu_autosaves", "0"));
+    EmuWriteBatteries(false);
+}
+
+// Null if nobody plays.
+ResumeGames* Application::KeepGames(ResumeKind kind) {
+    if (resumeGames == nullptr && !savesAlone) {
+        resumeGames = std::make_unique<ResumeGames>(kind);
+    }
+    return resumeGames.get();
+}
+
 ProgramScreen& Application::ShowProgram() {
     NeedAppearance();
     InstallOwnGames();
     auto program = std::make_unique<ProgramScreen>(
-        ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight},
+        ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight,
+                          KeepGames(ResumeKind::kProgram)},
         PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings,
                       [this] { pump.ForgetPresses(); }});
     ProgramScreen& shown = *program;
@@ -322,7 +350,8 @@ void Application::SaveSettings() {
 RoomScreen& Application::ShowRoom(std::vector<OPENED_GAME> games) {
     NeedAppearance();
     auto room = std::make_unique<RoomScreen>(
-        ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight}, std::move(games));
+        ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight, KeepGames(ResumeKind::kRoom)},
+        std::move(games));
     RoomScreen& shown = *room;
     Show(std::move(room));
     return shown;
@@ -341,14 +370,6 @@ void Application::StopEndedGame() {
     }
 }
 
-void Application::KeepBatteries() {
-    const int64_t now = Now();
-    if (now - batteriesKept >= kSecond) {
-        batteriesKept = now;
-        EmuKeepBatteries();
-    }
-}
-
 void Application::Draw() {
     const DRAW_TARGET target = Target();
     screen->Draw(target);
@@ -359,8 +380,14 @@ void Application::Draw() {
 
 bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     lightGun.SetGame(opened);
-    playing = StartGame(kFrontTelevision, opened, error) != 0;
+    ResumeGames* const games = KeepGames(ResumeKind::kWindow);
+    const GAME_RESUME resume =
+        games != nullptr ? games->Start(kFrontTelevision, opened) : GAME_RESUME();
+    playedSerial = StartGame(kFrontTelevision, opened, resume, error);
+    playedTitle = opened.title;
+    playing = playedSerial != 0;
     if (!playing) {
+        error = StartFailedLine(error);
         window.SetTitle(ProgramTitle());
         return false;
     }
@@ -386,7 +413,7 @@ void Application::PlayDroppedFile(const std::string& path) {
 }
 
 void Application::TurnOff() {
-    EmuStopSession(kFrontTelevision);
+    EmuStopSession(kFrontTelevision, SessionEnd::kTurnedOff);
     playing = false;
     window.SetTitle(ProgramTitle());
 }
@@ -397,16 +424,16 @@ std::vector<uint32_t> Application::ReadWindow() {
     return ReadScreen(window.PixelWidth(), window.PixelHeight());
 }
 
-// Turns the game off first, so that its autosave is written: closing the window is the only way to turn it
-// off.
 void Application::Stop() {
     if (!started) {
         return;
     }
     started = false;
     quit = false;
-    TurnOff();
+    EmuStopSession(kFrontTelevision, SessionEnd::kProgramEnds);
+    playing = false;
     Release();
+    resumeGames.reset();
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
     ReleaseThisThread(processor);
     RestoreRunSettings();
@@ -419,8 +446,10 @@ void Application::Stop() {
 
 // Closes everything that is open, in the order of the stop.
 void Application::Release() {
-    sound.Stop(); // first: its thread starts and ends parts of SDL, as the joysticks do
+    saveKeeper.reset();
+    sound.Stop(); // before the rest: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
+    states.reset();
     nextScreen.reset();
     screen.reset();
     Window::PutPointer(Pointer::kSeen);

@@ -29,7 +29,11 @@
 #include <vector>
 
 class ProgramScreen;
+class ResumeGames;
 class RoomScreen;
+class SaveKeeper;
+enum class ResumeKind : uint8_t;
+class SavedStates;
 struct OPENED_GAME;
 
 // The session key of the television that fills the window.
@@ -48,11 +52,14 @@ public:
     // One round: events, pictures, drawing, swap. False when the program must end.
     [[nodiscard]] bool Round();
 
-    // Turns the game off, closes what Start opened and saves the settings.
+    // Nobody plays, as in a measurement: the player's saves are neither continued nor changed. Before Start.
+    void LeaveSavesAlone();
+
+    // Ends the games that run, to go on with the next start; closes what Start opened and saves the settings.
     void Stop();
 
-    // Turns off the running game, autosave included, and starts this one. False with the reason if it
-    // cannot run; the window then stays empty.
+    // Turns off the running game, autosave included, and starts this one: where it was when the program ended, if it
+    // ran then. False with the reason if it cannot run; the window then stays empty.
     bool Play(const OPENED_GAME& game, std::string& error);
 
     // Stops the game, autosave included.
@@ -85,6 +92,8 @@ public:
     [[nodiscard]] const GAME_VIEW& View() const { return view; }
 
     [[nodiscard]] const GuiOverlay& Gui() const { return gui; }
+    // Those of the game that is shown alone; null while the room or the program is shown.
+    [[nodiscard]] SavedStates* States() const { return states.get(); }
 
 private:
     [[nodiscard]] bool StartSdl(std::string& error);
@@ -102,11 +111,12 @@ private:
     void RunCommands(const PUMP_EVENTS& events);
     void PlayDroppedFiles(const PUMP_EVENTS& events);
     [[nodiscard]] bool UpdateScreen(const PUMP_EVENTS& events);
+    void ShowSavedStates(const PUMP_EVENTS& events);
     void StopEndedGame();
-    void KeepBatteries();
     [[nodiscard]] bool UpdateOverlays(const PUMP_EVENTS& events);
     void DrawOrWait();
 
+    [[nodiscard]] ResumeGames* KeepGames(ResumeKind kind);
     void RunCommand(ProgramCommand command);
     void PlayDroppedFile(const std::string& path);
     void Draw();
@@ -125,12 +135,17 @@ private:
     GuiOverlay gui;
     FramePacer pacer;
     std::string title;
+    std::unique_ptr<SavedStates> states; // while the game alone is shown
+    std::string playedTitle;
+    uint32_t playedSerial = 0;
     bool quit = false; // the player has chosen to end the program
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;
     bool appearanceLoaded = false;
-    int64_t batteriesKept = 0; // microseconds, of the last KeepBatteries
-    int processor = -1;        // the main thread's token (processor_binder.h)
-    bool ceilingLight = true;  // of the room
+    bool savesAlone = false;
+    std::unique_ptr<ResumeGames> resumeGames; // from the first game to Stop; null if nobody plays
+    std::unique_ptr<SaveKeeper> saveKeeper;   // from Start to Stop
+    int processor = -1;                       // the main thread's token (processor_binder.h)
+    bool ceilingLight = true;                 // of the room
 };

@@ -6,12 +6,13 @@
 #include "front/televisions.h"
 #include "gui/manager.h"
 #include "host/host_data.h"
-#include "settings/bindings.h"
 
-GameScreen::GameScreen(const Televisions& sets, const GAME_VIEW& gameView, const LightGun& gun)
+GameScreen::GameScreen(const Televisions& sets, const GAME_VIEW& gameView, const LightGun& gun,
+                       uint32_t sessionKey)
     : televisions(sets)
     , view(gameView)
     , lightGun(gun)
+    , key(sessionKey)
     , shownView(gameView)
     , mouseMoved(HostClock().nowMicroseconds()) {}
 
@@ -30,7 +31,8 @@ bool GameScreen::Update(const SCREEN_INPUT& input) {
 
 void GameScreen::NoteMouse(const SCREEN_INPUT& input) {
     const MOUSE_STATE& mouse = input.mouse;
-    if (mouse.x != lastX || mouse.y != lastY || mouse.left || mouse.leftPressed) {
+    if (mouse.x != lastX || mouse.y != lastY || mouse.left || mouse.leftPressed ||
+        CGhostManager::Get().ModalWindow() != nullptr) {
         mouseMoved = input.now;
     }
     lastX = mouse.x;
@@ -44,12 +46,11 @@ Pointer GameScreen::PointerWanted() const {
 }
 
 void GameScreen::AimLightGuns(const SCREEN_INPUT& input) const {
-    const SHOWN_PICTURE shown = {televisions.Picture(InputActiveKey()), view.crop,
-                                 input.target.width, input.target.height};
+    const SHOWN_PICTURE shown = {televisions.Picture(key), view.crop, input.target.width,
+                                 input.target.height};
     lightGun.Aim(shown, input.mouse, !mouseRests); // then keys aim again
 }
 
 void GameScreen::Draw(const DRAW_TARGET& target) {
-    DrawFullScreen(televisions.Picture(InputActiveKey()), {view.crop, view.linear}, target.width,
-                   target.height);
+    DrawFullScreen(televisions.Picture(key), {view.crop, view.linear}, target.width, target.height);
 }

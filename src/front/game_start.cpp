@@ -1,20 +1,69 @@
 #include "front/game_start.h"
 
+#include "front/notices.h"
 #include "front/opened_game.h"
+#include "front/resume_games.h"
 #include "host/report.h"
 #include "host/session.h"
 
-uint32_t StartGame(uint32_t sessionKey, const OPENED_GAME& opened, std::string& error) {
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+uint32_t StartSession(uint32_t sessionKey, const OPENED_GAME& opened, SESSION_RESUME resume,
+                      std::string& error) {
     // EmuStartSession does not change the games, though its parameters are not const.
     auto& game = const_cast<CGameFile&>(opened.game);
     auto& bios = const_cast<CGameFile&>(opened.bios);
     CGameFile* const games[2] = {&game, opened.hasBios ? &bios : nullptr};
     EmuSetLastError("");
-    const uint32_t serial = EmuStartSession(sessionKey, games, opened.options.data(), opened.title);
-    if (serial != 0) {
-        return serial;
+    const uint32_t serial =
+        EmuStartSession(sessionKey, games, opened.options.data(), opened.title, std::move(resume));
+    error = serial == 0 ? EmuLastError() : std::string();
+    return serial;
+}
+
+// From the state of a file, which then is the session's own.
+uint32_t GoOn(uint32_t sessionKey, const OPENED_GAME& opened, const GAME_RESUME& resume,
+              std::string& error) {
+    STATE_SNAPSHOT snapshot;
+    if (!ReadSnapshot(resume.from, snapshot, error)) {
+        return 0;
     }
-    const std::string reason = EmuLastError();
-    error = "Error loading game" + (reason.empty() ? std::string() : ": " + reason);
-    return 0;
+    const uint32_t serial = StartSession(
+        sessionKey, opened, {resume.file, resume.texts, std::move(snapshot.state)}, error);
+    if (serial != 0 && resume.from != resume.file) {
+        std::error_code ignored; // the session writes its own within ten seconds
+        fs::rename(resume.from, resume.file, ignored);
+    }
+    return serial;
+}
+
+} // namespace
+
+std::string StartFailedLine(const std::string& reason) {
+    return kStartFailed + (reason.empty() ? std::string() : ": " + reason);
+}
+
+uint32_t StartGame(uint32_t sessionKey, const OPENED_GAME& opened, const GAME_RESUME& resume,
+                   std::string& reason) {
+    if (!resume.from.empty()) {
+        if (const uint32_t serial = GoOn(sessionKey, opened, resume, reason); serial != 0) {
+            if (!resume.wanted) {
+                PostNotice(opened.title + ": goes on where it was when the program ended");
+            }
+            return serial;
+        }
+        const std::string refused = ResumeSetAside(resume.from, reason);
+        if (resume.wanted) {
+            reason = opened.title + " cannot go on: " + refused;
+            return 0;
+        }
+        PostReport(refused);
+    }
+    return StartSession(sessionKey, opened, {resume.file, resume.texts, {}}, reason);
 }

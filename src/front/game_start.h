@@ -1,12 +1,18 @@
-// Starts an opened game on a session of its own.
+// Starting an opened game on a session key, and going on with one that was on when the program ended.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
+struct GAME_RESUME;
 struct OPENED_GAME;
 
-// Turns off what runs on the key, autosave included, and starts this game there. Returns the session's serial; 0
-// with the reason if it cannot run. Any thread, with no lock held.
+// What players are told first when a game cannot start; the reason comes after it.
+inline constexpr const char* kStartFailed = "Error loading game";
+[[nodiscard]] std::string StartFailedLine(const std::string& reason);
+
+// Turns off what runs on the key, autosave included, and starts this game there: from its resume file if it has one,
+// which is set aside if that cannot be. Returns the session's serial; 0 with the reason, which may be empty, if the game
+// cannot run, or cannot go on and was to. Reads the disk. Any thread, with no lock held.
 [[nodiscard]] uint32_t StartGame(uint32_t sessionKey, const OPENED_GAME& opened,
-                                 std::string& error);
+                                 const GAME_RESUME& resume, std::string& reason);

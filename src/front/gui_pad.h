@@ -30,7 +30,7 @@ public:
     [[nodiscard]] PAD_PRESSES Update(bool active, int64_t now);
 
 private:
-    void Steer(uint64_t down, int64_t now);
+    void Steer(uint64_t pressed, int64_t now);
     void Step(bool repeat);
 
     InputLooker looker;

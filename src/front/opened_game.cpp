@@ -9,6 +9,9 @@
 #include "library/convert.h"
 #include "library/game_source.h"
 
+#include <filesystem>
+#include <system_error>
+
 namespace {
 
 constexpr std::string_view kDemoPrefix = "demo:";
@@ -32,6 +35,7 @@ bool OpenDemo(std::string_view name, OPENED_GAME& opened) {
             const bool built = BuildKnownGame(demo.system, demo.title, demo.image,
                                               DemoMachineRecord(demo.system), opened.game);
             opened.game.selectedName = 0;
+            opened.file = std::string(kDemoPrefix) + demo.name;
             opened.title = demo.title;
             opened.options = DefaultMachineOptions(opened.game);
             return built;
@@ -56,6 +60,8 @@ bool OpenForPlaying(const std::string& game, const MACHINE_FACTS* system, OPENED
             Complain(note);
             PostNotice(note);
         }
+        std::error_code ignored;
+        opened.file = std::filesystem::absolute(game, ignored).lexically_normal().string();
         opened.options = DefaultMachineOptions(opened.game);
     }
     return CheckMachine(game, opened.game.Header().system, error);

@@ -11,7 +11,9 @@ struct MACHINE_FACTS;
 
 struct OPENED_GAME {
     CGameFile game;
+    std::string file; // as OpenForPlaying takes it; absolute, or a demo's name
     CGameFile bios;
+    std::string secondFile; // of `bios`; absolute
     bool hasBios = false;
     std::string title;
     OptionBlock options{};

@@ -2,11 +2,14 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "facts/machine_facts.h"
 #include "front/event_pump.h"
+#include "front/game_start.h"
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
 #include "front/program_commands.h"
+#include "front/resume_texts.h"
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
@@ -19,6 +22,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <utility>
 
 namespace {
@@ -32,10 +36,25 @@ bool ToolkitTakesEscape() {
     return top != nullptr && top->owner != nullptr;
 }
 
+void ShowFailure(const GAME_FAILURE& failure) {
+    if (!failure.starting) {
+        CGhostMessageBox::Show(L"The game has ended", WideFromUtf8(failure.reason));
+        return;
+    }
+    CGhostMessageBox::Show(WideFromUtf8(kStartFailed), failure.reason.empty()
+                                                           ? L"Its machine does not start."
+                                                           : WideFromUtf8(failure.reason));
+}
+
 constexpr std::chrono::milliseconds kLongestGoodbye{500};
 
 SERVICE_ADDRESSES ServiceOfSettings() {
     return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
+}
+
+bool IsSet(const CRoomObjects& objects, uint32_t key) {
+    const auto& sets = objects.Televisions();
+    return std::find(sets.begin(), sets.end(), key) != sets.end();
 }
 
 bool UsesMouse(const GUI_INPUT& event) {
@@ -48,11 +67,9 @@ bool UsesMouse(const GUI_INPUT& event) {
 ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALLS programCalls)
     : calls(std::move(programCalls))
     , joysticks(surroundings.joysticks)
+    , resumeGames(surroundings.resumeGames)
     , room(surroundings, {},
-           {[this](ModeOrder order) { Obey(order); },
-            [](const std::string& error) {
-                CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
-            }},
+           {[this](ModeOrder order) { Obey(order); }, ShowFailure, [this] { ToggleGameMenu(); }},
            ProgramMode::kMenu)
     , menu(*this)
     , overlay(*this)
@@ -64,6 +81,88 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
                   }
               }}) {
     player.Open(ResolvePath(kPlayerDatabaseFile));
+    AskToContinue();
+}
+
+void ProgramScreen::AskToContinue() {
+    if (resumeGames == nullptr || resumeGames->Left().empty()) {
+        return;
+    }
+    std::vector<CONTINUE_GAME> games;
+    games.reserve(resumeGames->Left().size());
+    for (const LEFT_GAME& left : resumeGames->Left()) {
+        const MACHINE_FACTS* const machine = FindMachineFacts(ResumeSystem(left.label));
+        const SNAPSHOT_PICTURE& picture = left.label.picture;
+        games.push_back({WideFromUtf8(ResumeTitle(left.label)),
+                         WideFromUtf8(machine != nullptr ? machine->name : "Unknown machine"),
+                         left.label.takenAt, picture.width, picture.height, picture.aspect,
+                         picture.pixels});
+    }
+    continuing = std::make_unique<ContinueWindow>(std::move(games), std::time(nullptr));
+}
+
+void ProgramScreen::TakeChoice() {
+    if (continuing == nullptr) {
+        return;
+    }
+    continuing->Update();
+    const ContinueChoice choice = continuing->Choice();
+    if (choice == ContinueChoice::kNone) {
+        return;
+    }
+    continuing.reset();
+    if (choice == ContinueChoice::kForget) {
+        resumeGames->Forget();
+    } else if (choice == ContinueChoice::kContinue) {
+        ContinueGames();
+    }
+}
+
+// Those that cannot go on are told together; a machine that refuses its state is told later, by the room.
+void ProgramScreen::ContinueGames() {
+    std::string refused;
+    bool goOn = false; // any of them
+    uint32_t key = 0;
+    ModeInput place = ModeInput::kContinueWalking;
+    const std::vector<LEFT_GAME> games = resumeGames->Left(); // each leaves that list
+    for (const LEFT_GAME& left : games) {
+        if (const std::string error = GoOn(left); !error.empty()) {
+            refused += (refused.empty() ? "" : "\n\n") + error;
+            continue;
+        }
+        goOn = true;
+        const std::string was = SnapshotText(left.label, kResumePlace);
+        if (was == kResumeFullScreen || was == kResumeStanding) {
+            key = left.key;
+            place = was == kResumeFullScreen ? ModeInput::kContinueFullScreen
+                                             : ModeInput::kContinueStanding;
+        }
+    }
+    if (key != 0) {
+        room.Face(key);
+    }
+    if (!refused.empty()) {
+        CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(refused));
+    }
+    if (goOn) {
+        Go(place);
+    }
+}
+
+// A line that says why it does not; else empty.
+std::string ProgramScreen::GoOn(const LEFT_GAME& left) {
+    OPENED_GAME opened;
+    std::string error;
+    if (left.key == 0 || !IsSet(room.Objects(), left.key)) {
+        error = "is for a television that is not in the room";
+    } else if (OpenResumed(left.label, opened, error)) {
+        room.GoOn(left.key, std::move(opened), left);
+        return {};
+    }
+    const std::string line =
+        ResumeTitle(left.label) + " cannot go on: " + resumeGames->Refuse(left, error);
+    PostReport(line);
+    return line;
 }
 
 // The games that still run end with the room.
@@ -79,24 +178,36 @@ ProgramScreen::~ProgramScreen() {
 
 bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     for (const ModeInput request : std::exchange(wanted, {})) {
-        room.Take(request);
+        Go(request);
     }
+    TakeChoice();
     downloads.PumpRequests();
     // The room first, and each by the mode in which the round began: what leads from one to the other must not act in
     // both.
     const bool covered = room.Modes().Covered();
-    room.HoldPlayer(adding.IsShown()); // its button has the keys
+    // While dropped games are added nobody walks or plays: the mouse must reach the button that cancels.
+    room.HoldPlayer(adding.IsShown());
     const bool roomNews = room.Update(input);
     CountPlayed();
+    FitScreens();
     ReadKeys(input, covered);
     adding.Update(); // it may start a game
     room.HoldPlayer(adding.IsShown());
+    if (states.Update(input) && CGhostManager::Get().ModalWindow() == nullptr) {
+        room.Take(ModeInput::kSavedStates);
+    }
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
     KeepFocus();
     ReportPlay();
     return roomNews;
+}
+
+// Each wish finds the screens as the one before left them; a round that took long has several.
+void ProgramScreen::Go(ModeInput input) {
+    room.Take(input);
+    FitScreens();
 }
 
 void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
@@ -110,22 +221,26 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
         if (event.key == kEscape && adding.IsShown()) {
             adding.GoBack();
         } else if (event.key == kF10) {
-            room.Take(ModeInput::kMainMenu);
+            Go(ModeInput::kMainMenu);
         } else if (event.key == kEscape && covered && !ToolkitTakesEscape()) {
             GoBack();
         }
     }
-    const bool padsForMenus = covered || adding.IsShown() || behind;
+    const bool padsForMenus = !states.IsShown() && (covered || adding.IsShown() || behind);
     const PAD_PRESSES presses =
         pad.Update(!std::exchange(forgetPads, false) && padsForMenus, input.now);
     if (behind) {
+        if (presses.guide) {
+            overlay.CloseMenu();
+        }
         return;
     }
+    const bool nothingOver = !adding.IsShown();
     if (presses.back || presses.guide) {
         GoBack();
     }
     CGUIRomBrowser* const browser = menu.Browser();
-    if (browser != nullptr && browser->IsActive()) {
+    if (nothingOver && covered && browser != nullptr && browser->IsActive()) {
         if (presses.shoulder != 0) {
             browser->SelectSystem(presses.shoulder, -1);
         }
@@ -155,14 +270,42 @@ void ProgramScreen::GoBack() {
     if (adding.IsShown()) {
         adding.GoBack();
     } else if (!menu.TakeBack()) {
-        room.Take(ModeInput::kBack);
+        Go(ModeInput::kBack);
+    }
+}
+
+// Over nothing that takes the input itself.
+void ProgramScreen::ToggleGameMenu() {
+    const bool free = CGhostManager::Get().ModalWindow() == nullptr && !adding.IsShown();
+    if (overlay.Menu() != nullptr || free) {
+        overlay.ToggleMenu();
     }
 }
 
 void ProgramScreen::Obey(ModeOrder order) {
     if (order == ModeOrder::kQuit) {
         calls.quit();
+    } else if (order == ModeOrder::kSavedStates) {
+        ShowSavedStates();
     }
+}
+
+// Of a game that runs; one that still starts has none.
+void ProgramScreen::ShowSavedStates() {
+    const uint32_t key = room.Selected().id;
+    const uint32_t serial = room.Games().SerialOn(key);
+    const std::vector<PLAYED_GAME> playing = room.Games().Playing();
+    const auto game = std::find_if(playing.begin(), playing.end(),
+                                   [&](const PLAYED_GAME& one) { return one.serial == serial; });
+    if (game == playing.end()) {
+        return;
+    }
+    states.Open({key, serial, room.Games().TitleOn(key), [this, played = *game] {
+                     const int64_t now = HostClock().nowMicroseconds();
+                     const int64_t seconds = player.Find(played.identity).secondsPlayed +
+                                             playTimes.Untold(played.serial, now);
+                     return static_cast<uint64_t>(std::max<int64_t>(seconds, 0));
+                 }});
 }
 
 // Menu, panel and browser are as the mode says. The room has no panel open behind it: what was played there is new
@@ -176,7 +319,7 @@ void ProgramScreen::FitScreens() {
     menu.SetVisible(room.Modes().Covered());
     if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
         menu.OnMenu(kPanelBrowser);
-        wanted.clear(); // the way has been gone
+        wanted.pop_back(); // the way has been gone
     } else if (mode != ProgramMode::kBrowser && mode != ProgramMode::kPanel) {
         menu.Back();
     }
@@ -222,6 +365,7 @@ void ProgramScreen::UpdateOverlay(const SCREEN_INPUT& input) {
     state.selected = room.Selected().id != 0;
     state.selectedOn = room.Selected().on;
     state.mouseUsed = std::any_of(input.events.gui.begin(), input.events.gui.end(), UsesMouse);
+    state.mainMenu = names.mainMenu;
     state.use = names.use;
     state.turnOff = names.turnOff;
     state.attach = names.leave;
@@ -246,7 +390,9 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
     }
     OPENED_GAME opened;
     opened.game = std::move(game.game);
+    opened.file = game.file.string();
     opened.bios = std::move(game.second);
+    opened.secondFile = game.secondFile.string();
     opened.hasBios = game.hasSecond;
     opened.title = std::move(game.title);
     opened.options = game.options;
@@ -255,6 +401,9 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
 }
 
 bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
+    continuing.reset(); // as "Not Now": the player has something else in mind
+    states.Close();
+    overlay.CloseMenu(); // it would keep the input from the window that opens
     adding.Add({files.begin(), files.end()});
     return true;
 }
@@ -293,7 +442,10 @@ void ProgramScreen::PlayNow(uint32_t key, OPENED_GAME&& opened) {
 
 void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {
     std::vector<COVER_IMAGE> images;
-    images.reserve(covers.size());
+    images.reserve(covers.size() + 1);
+    if (cabinet) {
+        images.emplace_back(); // the first place is before the cabinet
+    }
     for (const GUI_BITMAP& cover : covers) {
         images.push_back({cover.pixels, static_cast<uint32_t>(cover.pixelWidth),
                           static_cast<uint32_t>(cover.pixelHeight), kind});

@@ -3,8 +3,10 @@
 //
 // It joins the room (room_screen.h), which owns the modes, with the toolkit's screens (src/screens), and does for
 // these what they ask of the program (ScreenHost).
+// If games were on when the program last ended, it begins with the question whether they go on.
 // What is dropped on the window joins the library; a game alone is then played, on the set that it would be chosen
 // for.
+// The saved states of the game that is played lie over it in a panel.
 // Keys of its own: F10 is the main menu; escape goes back in menu, panels and browser. A controller moves the focus
 // there; its shoulders step the browser's system, start starts the chosen game, the left button makes it a favourite.
 //
@@ -13,11 +15,14 @@
 
 #include "front/gui_pad.h"
 #include "front/play_times.h"
+#include "front/resume_games.h"
 #include "front/room_screen.h"
+#include "front/saved_states.h"
 #include "front/screen.h"
 #include "library/player_database.h"
 #include "screens/add_window.h"
 #include "screens/battle_ground.h"
+#include "screens/continue_window.h"
 #include "screens/game_overlay.h"
 #include "screens/screen_host.h"
 #include "web/download_queue.h"
@@ -26,6 +31,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -58,6 +64,9 @@ public:
     [[nodiscard]] CGUIBattleGround& Menu() { return menu; }
     [[nodiscard]] CGUIGameOverlay& Overlay() { return overlay; }
     [[nodiscard]] AddWindow& Adding() { return adding; }
+    // Null unless it asks whether games go on.
+    [[nodiscard]] ContinueWindow* Continuing() const { return continuing.get(); }
+    [[nodiscard]] SavedStates& States() { return states; }
 
 private:
     // ScreenHost.
@@ -65,6 +74,8 @@ private:
     void StartGame(GAME_TO_START game) override;
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) override;
     void CoverClick(int button, int32_t x, int32_t y) override;
+    void LookCloser() override { room.Covers().LookCloser(); }
+    void TurnCovers() override { room.Covers().TurnOver(); }
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { calls.settingsChanged(); }
@@ -75,12 +86,19 @@ private:
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
+    void AskToContinue();
+    void TakeChoice();
+    void ContinueGames();
+    [[nodiscard]] std::string GoOn(const LEFT_GAME& left);
+    void Go(ModeInput input);
     void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
+    void ToggleGameMenu();
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;
     void Obey(ModeOrder order);
+    void ShowSavedStates();
     void FitScreens();
     void KeepFocus();
     void CountPlayed();
@@ -91,11 +109,14 @@ private:
     DownloadQueue downloads; // outlives the screens, which queue requests
     PlayerDatabase player;   // outlives them too
     const class Joysticks& joysticks;
+    ResumeGames* const resumeGames; // null if nobody plays
     RoomScreen room;
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;
     PlayTimes playTimes{player};
+    SavedStates states;
     AddWindow adding;
+    std::unique_ptr<ContinueWindow> continuing;
     PlayReports reports{downloads};
     GuiPad pad;
     bool forgetPads = false;       // in the next round

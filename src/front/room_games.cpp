@@ -4,7 +4,8 @@
 
 #include <utility>
 
-RoomGames::RoomGames(std::vector<OPENED_GAME> openedGames) {
+RoomGames::RoomGames(std::vector<OPENED_GAME> openedGames, ResumeGames* resume)
+    : resumeGames(resume) {
     for (OPENED_GAME& opened : openedGames) {
         games.push_back(std::make_shared<const OPENED_GAME>(std::move(opened)));
     }
@@ -19,16 +20,28 @@ bool RoomGames::StartNext(uint32_t key) {
     return true;
 }
 
+// Its image and its BIOS are let go when the session has taken them over.
 void RoomGames::Start(uint32_t key, OPENED_GAME&& opened) {
+    StartOn(key, std::make_shared<const OPENED_GAME>(std::move(opened)));
+}
+
+void RoomGames::StartAndKeep(uint32_t key, OPENED_GAME&& opened) {
     games.push_back(std::make_shared<const OPENED_GAME>(std::move(opened)));
     StartOn(key, games.back());
 }
 
-void RoomGames::StartOnce(uint32_t key, OPENED_GAME&& opened) {
-    StartOn(key, std::make_shared<const OPENED_GAME>(std::move(opened)));
+void RoomGames::GoOn(uint32_t key, OPENED_GAME&& opened, const LEFT_GAME& left) {
+    const auto game = std::make_shared<const OPENED_GAME>(std::move(opened));
+    OrderStart(key, game, resumeGames->GoOn(left, *game));
 }
 
 void RoomGames::StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& opened) {
+    OrderStart(key, opened,
+               resumeGames != nullptr ? resumeGames->Start(key, *opened) : GAME_RESUME());
+}
+
+void RoomGames::OrderStart(uint32_t key, const std::shared_ptr<const OPENED_GAME>& opened,
+                           GAME_RESUME resume) {
     SET& set = sets[key];
     set.order = ++orders;
     set.state = SetState::kStarting;
@@ -39,10 +52,14 @@ void RoomGames::StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& 
         IdentifyGame(opened->game, static_cast<uint32_t>(opened->game.selectedName), set.identity));
     set.system = opened->game.Header().system;
     set.guns.SetGame(*opened);
-    worker.Order({set.order, key, opened});
+    worker.Order({set.order, key, opened, std::move(resume), SessionEnd::kTurnedOff});
 }
 
 void RoomGames::Stop(uint32_t key) {
+    OrderStop(key, SessionEnd::kTurnedOff);
+}
+
+void RoomGames::OrderStop(uint32_t key, SessionEnd end) {
     const auto set = sets.find(key);
     if (set == sets.end() || set->second.state == SetState::kStopping) {
         return;
@@ -50,33 +67,33 @@ void RoomGames::Stop(uint32_t key) {
     set->second.order = ++orders;
     set->second.state = SetState::kStopping;
     set->second.serial = 0;
-    worker.Order({set->second.order, key, nullptr});
+    worker.Order({set->second.order, key, nullptr, {}, end});
 }
 
 void RoomGames::StopAll() {
     for (const auto& [key, set] : sets) {
-        Stop(key);
+        OrderStop(key, SessionEnd::kProgramEnds);
     }
     worker.Finish();
     static_cast<void>(Collect());
 }
 
-std::vector<std::string> RoomGames::Collect() {
-    std::vector<std::string> errors;
+std::vector<GAME_FAILURE> RoomGames::Collect() {
+    std::vector<GAME_FAILURE> failures;
     for (SESSION_RESULT& result : worker.TakeResults()) {
         TakeOver(result);
-        if (!result.error.empty()) {
-            errors.push_back(std::move(result.error));
+        if (result.failed) {
+            failures.push_back({true, std::move(result.reason)});
         }
     }
     for (const auto& [key, set] : sets) {
         std::string reason;
         if (set.state == SetState::kPlaying && EmuHasEnded(key, reason)) {
-            errors.push_back(std::move(reason));
+            failures.push_back({false, std::move(reason)});
             Stop(key);
         }
     }
-    return errors;
+    return failures;
 }
 
 // A later order for the same set makes this one a thing of the past.

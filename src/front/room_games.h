@@ -8,6 +8,7 @@
 
 #include "front/light_gun.h"
 #include "front/opened_game.h"
+#include "front/resume_games.h"
 #include "front/session_worker.h"
 #include "library/game_identity.h"
 
@@ -31,9 +32,16 @@ struct PLAYED_GAME {
     GAME_IDENTITY identity;
 };
 
+// A game that could not start, or a machine that could not go on.
+struct GAME_FAILURE {
+    bool starting = false;
+    std::string reason; // may be empty for a start
+};
+
 class RoomGames {
 public:
-    explicit RoomGames(std::vector<OPENED_GAME> openedGames);
+    // `resume`, which outlives this, keeps the games that are on; null: they are not kept.
+    explicit RoomGames(std::vector<OPENED_GAME> openedGames, ResumeGames* resume = nullptr);
     ~RoomGames() { StopAll(); }
     RoomGames(const RoomGames&) = delete;
     RoomGames& operator=(const RoomGames&) = delete;
@@ -41,18 +49,20 @@ public:
     // The next game in the list, which goes round, on the set of this key, in the place of what plays on it. False
     // without games.
     [[nodiscard]] bool StartNext(uint32_t key);
-    // A game that joins the list.
+    // A game that is none of the list.
     void Start(uint32_t key, OPENED_GAME&& opened);
-    // A game for this once, freed when nothing plays it any more.
-    void StartOnce(uint32_t key, OPENED_GAME&& opened);
-    // Autosave included.
+    // A game that joins the list.
+    void StartAndKeep(uint32_t key, OPENED_GAME&& opened);
+    // A game that was on when the program ended goes on; it does not join the list.
+    void GoOn(uint32_t key, OPENED_GAME&& opened, const LEFT_GAME& left);
+    // Turns the set off, autosave included.
     void Stop(uint32_t key);
-    // Returns when all are off.
+    // The program ends: what is on is kept to go on with the next start. Returns when all are off.
     void StopAll();
 
     // Once a round, takes over what has been done, and turns off the sets whose machine has ended by itself.
-    // Returns the reasons of these and of games that could not start.
-    [[nodiscard]] std::vector<std::string> Collect();
+    // Returns these, and the games that could not start.
+    [[nodiscard]] std::vector<GAME_FAILURE> Collect();
 
     [[nodiscard]] SetState StateOf(uint32_t key) const;
     // The serial of the session that plays on the set; 0 while none does.
@@ -80,10 +90,14 @@ private:
         LightGun guns;
     };
     void StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& opened);
+    void OrderStart(uint32_t key, const std::shared_ptr<const OPENED_GAME>& opened,
+                    GAME_RESUME resume);
+    void OrderStop(uint32_t key, SessionEnd end);
     void TakeOver(const SESSION_RESULT& result);
     // The set, if a game starts or plays on it.
     [[nodiscard]] const SET* Find(uint32_t key) const;
 
+    ResumeGames* const resumeGames;
     std::vector<std::shared_ptr<const OPENED_GAME>> games;
     size_t next = 0;
     uint64_t orders = 0;

@@ -10,11 +10,12 @@
 namespace {
 
 SESSION_RESULT Do(const SESSION_ORDER& order) {
-    SESSION_RESULT result{order.number, order.key, 0, {}};
+    SESSION_RESULT result{order.number, order.key, 0, false, {}};
     if (order.game != nullptr) {
-        result.serial = StartGame(order.key, *order.game, result.error);
+        result.serial = StartGame(order.key, *order.game, order.resume, result.reason);
+        result.failed = result.serial == 0;
     } else {
-        EmuStopSession(order.key);
+        EmuStopSession(order.key, order.end);
     }
     return result;
 }

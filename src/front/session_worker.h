@@ -1,12 +1,14 @@
 // SessionWorker: a thread that starts and stops sessions, so that no picture waits for it.
 //
-// A start makes a machine and reads its saves; a stop waits for the machine's frame and writes the autosave. Both
+// A start makes a machine and reads its saves; a stop waits for the machine's frame and writes what stays. Both
 // take tens of milliseconds, and longer on a slow disk. The orders are done one after the other, in their order.
 //
 // Threads: Order, TakeResults and Finish belong to the owner, the main thread.
 #pragma once
 
 #include "base/ranked_mutex.h"
+#include "front/resume_games.h"
+#include "host/session.h"
 
 #include <condition_variable>
 #include <cstdint>
@@ -22,13 +24,16 @@ struct SESSION_ORDER {
     uint64_t number = 0; // the owner's, to know the result by
     uint32_t key = 0;
     std::shared_ptr<const OPENED_GAME> game; // to be started; null: the session is stopped
+    GAME_RESUME resume;                      // of the start
+    SessionEnd end = SessionEnd::kTurnedOff; // of the stop
 };
 
 struct SESSION_RESULT {
     uint64_t number = 0;
     uint32_t key = 0;
     uint32_t serial = 0; // of a started session; 0 if it could not start, and after a stop
-    std::string error;   // why it could not start
+    bool failed = false; // it could not start
+    std::string reason;  // of that
 };
 
 class SessionWorker {

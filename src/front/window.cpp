@@ -225,6 +225,7 @@ void Window::SetTitle(const std::string& title) {
 void Window::ToggleFullScreen() {
     const bool full = (SDL_GetWindowFlags(window) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0;
     SDL_SetWindowFullscreen(window, full ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
+    given.fullScreen = !full;
 }
 
 void Window::PutPointer(Pointer pointer) {

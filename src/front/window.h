@@ -53,6 +53,7 @@ public:
 
     void SetTitle(const std::string& title);
     void ToggleFullScreen();
+    [[nodiscard]] bool FillsDisplay() const { return given.fullScreen; }
     // A captured mouse has no pointer and does not leave the window; only its moves count.
     static void PutPointer(Pointer pointer);
 

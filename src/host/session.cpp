@@ -13,6 +13,7 @@
 #include <chrono>
 #include <exception>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -86,21 +87,30 @@ uint32_t Launch(std::unique_ptr<EMU_THREAD>& session) {
 }
 
 // The state is from the frame boundary at which the stop was requested; the thread may run one more
-// frame.
-void RequestStop(EMU_THREAD& session) {
+// frame. False if a wanted autosave could not be written.
+bool RequestStop(EMU_THREAD& session, SessionEnd end) {
     TAKEN_STATE autosave;
     {
         const SessionHold hold(session);
-        autosave = SessionTakeAutosave(session);
+        if (end == SessionEnd::kTurnedOff) {
+            autosave = SessionTakeAutosave(session);
+        }
         session.stopRequested = 1;
     }
-    EmuStoreState(session, autosave);
+    return autosave.bytes == nullptr || EmuStoreState(session, autosave);
 }
 
-// The session's thread has ended. Slow work is done after the session has left the list.
-void Free(std::unique_ptr<EMU_THREAD> session) {
+// The session's thread has ended. Slow work is done after the session has left the list. Whoever has pinned
+// the session and holds its lock may use `hostData`.
+void Free(std::unique_ptr<EMU_THREAD> session, bool goesOn) {
+    // Now, as the host still has the picture; the game's own memory is that of the same frame.
+    std::optional<STATE_SNAPSHOT> resume;
+    if (goesOn) {
+        resume = SessionTakeResume(*session);
+    }
     {
         const std::scoped_lock list(SessionListLock());
+        const SessionHold hold(*session);
         gHost.close(session.get());
         UnlinkSession(*session);
     }
@@ -108,10 +118,11 @@ void Free(std::unique_ptr<EMU_THREAD> session) {
         SleepMillisecond();
     }
     SessionSaveBattery(*session);
+    SessionEndResume(*session, goesOn, std::move(resume));
 }
 
 // The caller has the key's turn, so nobody else can free the session.
-bool StopInTurn(uint32_t key) {
+bool StopInTurn(uint32_t key, SessionEnd end) {
     EMU_THREAD* session = nullptr;
     {
         const std::scoped_lock list(SessionListLock());
@@ -120,12 +131,12 @@ bool StopInTurn(uint32_t key) {
     if (session == nullptr) {
         return false;
     }
-    RequestStop(*session);
+    const bool saved = RequestStop(*session, end);
     Report(SessionReport::kEnded, *session);
     while (session->stopRequested != 0) {
         SleepMillisecond();
     }
-    Free(std::unique_ptr<EMU_THREAD>(session));
+    Free(std::unique_ptr<EMU_THREAD>(session), end == SessionEnd::kProgramEnds || !saved);
     return true;
 }
 
@@ -190,7 +201,7 @@ std::unique_ptr<EMU_THREAD> EmuCreateSession(uint32_t key, CGameFile* const game
 }
 
 uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* options,
-                         const std::string& gameName) {
+                         const std::string& gameName, SESSION_RESUME resume) {
     if (!HostIsComplete()) {
         EmuSetLastError("no host is installed");
         return 0;
@@ -200,23 +211,32 @@ uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* op
         return 0;
     }
     const KeyTurn turn(Keys(), key);
-    StopInTurn(key);
+    StopInTurn(key, SessionEnd::kTurnedOff);
     std::unique_ptr<EMU_THREAD> session = EmuCreateSession(key, games, options, gameName);
     if (!session) {
         return 0;
     }
     Report(SessionReport::kStarted, *session);
-    SessionLoadSaves(*session);
-    const uint32_t serial = Launch(session);
+    const bool loaded = SessionLoadSaves(*session, std::move(resume));
+    const uint32_t serial = loaded ? Launch(session) : 0;
     if (serial == 0) {
         Report(SessionReport::kEnded, *session);
     }
     return serial;
 }
 
-bool EmuStopSession(uint32_t key) {
+bool EmuStopSession(uint32_t key, SessionEnd end) {
     const KeyTurn turn(Keys(), key);
-    return StopInTurn(key);
+    return StopInTurn(key, end);
+}
+
+bool EmuSetResumeText(uint32_t key, std::string_view name, std::string_view value) {
+    const SessionPin session = PinSession(key);
+    if (!session) {
+        return false;
+    }
+    ResumeSetText(session->resume, name, value);
+    return true;
 }
 
 bool EmuHasEnded(uint32_t key, std::string& reason) {
@@ -236,5 +256,14 @@ bool EmuResetSession(uint32_t key) {
     }
     const SessionHold hold(*session);
     session->machine->Reset();
+    return true;
+}
+
+bool EmuPauseSession(uint32_t key, bool paused) {
+    const SessionPin session = PinSession(key);
+    if (!session) {
+        return false;
+    }
+    session->paused = paused;
     return true;
 }

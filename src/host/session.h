@@ -7,18 +7,19 @@
 //
 //     created    EmuCreateSession constructs the machine, which takes the game in its Init, and fills the
 //                record. A headless driver stops here and calls EmuStep itself.
-//     loaded     EmuStartSession reads the game's own memory and the autosave.
+//     loaded     EmuStartSession reads the game's own memory and the autosave, or takes the state that it is given.
 //     listed     It gets its serial and goes to the head of the list, and its thread starts.
 //     opened     The thread calls threadStart, then open, which makes `hostData`. From now on
 //                EmuForEachSession visits the session.
-//     static     70 frames of television static, unless an autosave was loaded.
+//     static     70 frames of television static, unless a state was loaded.
 //     running    The frame loop, round after round.
-//     stopping   EmuStopSession takes the state for the autosave at a frame boundary, sets
-//                `stopRequested` and stores the state while the thread ends its round.
+//     stopping   EmuStopSession takes the state for the autosave, if the game is turned off, at a frame
+//                boundary, sets `stopRequested` and stores the state while the thread ends its round.
 //     ended      The thread clears `stopRequested`, its last act on the record, and hands its token to
 //                threadEnd. EmuRunningThreads may stay above 0 a moment longer than the session exists.
 //     closed     The stopping thread calls close, which frees `hostData`, and takes the session off the list.
-//     freed      It writes the game's own memory and destroys the machine, the rewind stack and the record.
+//     freed      It writes the game's own memory, writes or deletes the resume file, and destroys the
+//                machine, the rewind stack and the record.
 //
 // Starting or stopping a session never delays another. Starts and stops of one key wait for each other,
 // those of different keys don't; no lock that another session, the display or the sound pump needs is
@@ -31,6 +32,7 @@
 
 #include "base/ranked_mutex.h"
 #include "host/battery_file.h"
+#include "host/resume_file.h"
 #include "host/rewind.h"
 #include "host/session_sound.h"
 #include "host/session_statistics.h"
@@ -42,6 +44,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 class CGameFile;
 struct EMU_HOST_DATA;
@@ -65,12 +68,14 @@ struct EMU_THREAD {
     InputLooker inputs; // of the machine's frames; used by the thread that steps it
     REWIND_STACK rewind;
     BATTERY_FILE battery;
+    RESUME_FILE resume;                   // has a lock of its own for what changes
     uint32_t staticFrames = 0;            // of television static, shown so far
     std::atomic<uint8_t> showStatic{1};   // 1 while the static runs; anyone may read it
     std::atomic<uint32_t> lockWaiters{0}; // other threads that wait for `lock`
+    std::atomic<bool> paused{false};      // no rounds: picture and machine stay as they are
 
     // What the host keeps. `hostData` is set by the open callback on the session's thread and cleared by
-    // close on the stopping one, both under the list lock.
+    // close on the stopping one, both under the list lock, close under `lock` as well.
     std::atomic<EMU_HOST_DATA*> hostData{nullptr};
     SESSION_SOUND sound;           // shared with the sound pump
     SESSION_STATISTICS statistics; // counted on the session's thread and the pump's
@@ -88,8 +93,9 @@ struct EMU_THREAD {
 };
 
 struct EMU_HOST_CALLBACKS {
-    void (*open)(EMU_THREAD* session);  // session thread, once, under the list lock
-    void (*close)(EMU_THREAD* session); // the stopping thread, after the session thread has ended
+    void (*open)(EMU_THREAD* session); // session thread, once, under the list lock
+    // The stopping thread, after the session thread has ended; under the list lock and the session's.
+    void (*close)(EMU_THREAD* session);
     EMU_VIDEO_FRAME* (*getVideoFrame)(EMU_THREAD* session);
     void (*present)(EMU_THREAD* session, uint32_t microseconds);
     void (*submitAudio)(EMU_THREAD* session, EMU_AUDIO_FRAME* audio);
@@ -109,17 +115,28 @@ void EmuSetHost(const EMU_HOST_CALLBACKS& callbacks);
                                                            const void* options,
                                                            const std::string& gameName);
 
-// Starts the game on `key`, after stopping what ran there. `games[0]` must not be null and must have
+// Starts the game on `key`, after turning off what ran there. `games[0]` must not be null and must have
 // its image unpacked; `games[1]` may be null. The caller keeps both. `options` are kMachineOptionBytes.
-// Returns the serial; 0 on failure, with the last error in place. Not from a visit, a host callback or
-// a machine, and with no lock held.
+// `resume`: where the session keeps its resume file, and the state that it goes on from.
+// Returns the serial; 0 on failure, also if the machine refuses that state, with the last error in place. Not
+// from a visit, a host callback or a machine, and with no lock held.
 [[nodiscard]] uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* options,
-                                       const std::string& gameName);
+                                       const std::string& gameName, SESSION_RESUME resume = {});
 
-// Stops the session, autosave included, and frees it. False if there is none on this key, also if
+// Why a session ends, and so what stays of it beside the game's own memory.
+enum class SessionEnd : uint8_t {
+    kTurnedOff, // by the player, or another game takes its place: the autosave, and no resume file
+    kProgramEnds, // the game still runs: its resume file, and no autosave over what the player has saved
+};
+
+// Stops the session and frees it. False if there is none on this key, also if
 // another thread was stopping it; it is gone by then. Not from a visit, a host callback or a machine,
 // since it waits for the session's thread, and with no lock held.
-bool EmuStopSession(uint32_t key);
+bool EmuStopSession(uint32_t key, SessionEnd end);
+
+// Changes a text of the session's resume file, which is written within ten seconds. False if there is none on
+// this key. Waits for no frame. With no lock held.
+bool EmuSetResumeText(uint32_t key, std::string_view name, std::string_view value);
 
 // Whether the machine on this key has ended by itself, and if so, why. The session goes on, without pictures or
 // sound, until somebody stops it. With no lock held.
@@ -127,6 +144,10 @@ bool EmuStopSession(uint32_t key);
 
 // Resets the machine at a frame boundary. False if there is none on this key. With no lock held.
 bool EmuResetSession(uint32_t key);
+
+// Stops the rounds of the session on this key, or lets them go on. What is saved and loaded meanwhile is as at any
+// frame boundary; a round that is under way still ends. False if there is none. With no lock held.
+bool EmuPauseSession(uint32_t key, bool paused);
 
 // Calls `visit` for every session that the host has opened, under the list lock. A visit may take the
 // locks further down, must neither start nor stop a session, and should be short: others wait for it.

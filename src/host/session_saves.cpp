@@ -1,11 +1,11 @@
 #include "host/session_saves.h"
 
+#include "host/report.h"
 #include "host/session.h"
 #include "host/session_list.h"
 #include "machine/battery.h"
 #include "settings/settings.h"
 
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -40,20 +40,44 @@ void KeepBattery(EMU_THREAD& session) {
     }
 }
 
+// Calls `keep` for every session. Each is pinned alone: nobody who stops a session waits for the disk of another.
+void ForEachPinned(void (*keep)(EMU_THREAD&)) {
+    std::vector<uint32_t> keys;
+    for (const SessionPin& session : PinSessions()) {
+        keys.push_back(session->key);
+    }
+    for (const uint32_t key : keys) {
+        if (const SessionPin session = PinSession(key); session != nullptr) {
+            keep(*session);
+        }
+    }
+}
+
 } // namespace
 
-void SessionLoadSaves(EMU_THREAD& session) {
+bool SessionLoadSaves(EMU_THREAD& session, SESSION_RESUME&& resume) {
     CBattery* const memory = MemoryOf(session);
     if (memory != nullptr) {
         BatteryLoad(session.battery, *memory);
     }
-    if (!AutosaveWanted(kAutosaveLoad) || !EmuLoadFromArchive(session)) {
-        return;
+    bool loaded = false;
+    if (!resume.state.empty()) {
+        loaded = EmuGiveState(session, resume.state);
+        if (!loaded) {
+            EmuSetLastError("the machine cannot go on from the state");
+            return false;
+        }
+    } else if (AutosaveWanted(kAutosaveLoad)) {
+        loaded = EmuLoadFromArchive(session);
     }
-    if (memory != nullptr) {
+    if (loaded && memory != nullptr) {
         BatteryPutBack(session.battery, *memory);
     }
-    session.battery.rolledBack = false; // this session has not written anything yet
+    if (loaded) {
+        session.battery.rolledBack = false; // this session has not written anything yet
+    }
+    ResumeBegin(session.resume, std::move(resume));
+    return true;
 }
 
 TAKEN_STATE SessionTakeAutosave(EMU_THREAD& session) {
@@ -70,15 +94,31 @@ void SessionSaveBattery(EMU_THREAD& session) {
     }
 }
 
+std::optional<STATE_SNAPSHOT> SessionTakeResume(EMU_THREAD& session) {
+    STATE_SNAPSHOT snapshot;
+    if (session.resume.path.empty() || session.machine->ended ||
+        !EmuTakeSnapshot(session, snapshot)) {
+        return std::nullopt;
+    }
+    return snapshot;
+}
+
+void SessionEndResume(EMU_THREAD& session, bool goesOn, std::optional<STATE_SNAPSHOT>&& resume) {
+    if (!goesOn || session.machine->ended) {
+        ResumeDelete(session.resume);
+    } else if (resume) {
+        ResumeWrite(session.resume, std::move(*resume));
+    }
+}
+
 void EmuKeepBatteries() {
-    std::vector<uint32_t> keys;
-    for (const SessionPin& session : PinSessions()) {
-        keys.push_back(session->key);
-    }
-    // Pinned one at a time: nobody who stops a session waits for the disk of another.
-    for (const uint32_t key : keys) {
-        if (const SessionPin session = PinSession(key); session != nullptr) {
-            KeepBattery(*session);
+    ForEachPinned(KeepBattery);
+}
+
+void EmuKeepResumeFiles() {
+    ForEachPinned([](EMU_THREAD& session) {
+        if (std::optional<STATE_SNAPSHOT> snapshot = SessionTakeResume(session)) {
+            ResumeWrite(session.resume, std::move(*snapshot));
         }
-    }
+    });
 }

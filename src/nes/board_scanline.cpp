@@ -4,6 +4,8 @@
 // and sprites in different pattern tables that happens once per line.
 #include "nes/board_private.h"
 
+#include <algorithm>
+
 namespace {
 
 // An address with bit 12 set closes the filter for the next seven addresses; from the eighth on, bit 12 counts
@@ -163,6 +165,17 @@ void WatchAddress(void* board, uint16_t address) {
     }
 }
 
+// An address with bit 12 set leaves the filter closed for the others like it.
+void WatchUpper(void* board, uint16_t address, uint32_t count) {
+    NES_CARTRIDGE& cartridge = *static_cast<NES_CARTRIDGE*>(board);
+    SCANLINE_STATE& state = State(cartridge);
+    if ((address & kUpperHalf) != 0) {
+        WatchAddress(board, address);
+    } else {
+        state.filter -= static_cast<uint8_t>(std::min<uint32_t>(state.filter, count));
+    }
+}
+
 // Two clocks of the counter are at least kFilterAddresses addresses apart, and a dot has at most one address.
 uint32_t QuietDots(const NES_CARTRIDGE& cartridge) {
     const auto& state = BoardState<SCANLINE_STATE>(cartridge);
@@ -187,6 +200,7 @@ void Reset(NES_CARTRIDGE& cartridge) {
     state.program = {0x3C, 0x3D, 0x3E, 0x3F}; // the last four
     state.character = {0, 1, 2, 3, 4, 5, 6, 7};
     cartridge.quietDots = QuietDots;
+    cartridge.pages.ppuUpperHook = WatchUpper;
     SetWriteHandler(cartridge, 8, 9, WriteBanks);
     SetWriteHandler(cartridge, 10, 11, WriteMirroringAndRam);
     SetWriteHandler(cartridge, 12, 13, WriteLatch);

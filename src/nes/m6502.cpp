@@ -70,6 +70,14 @@ void M6502Tick(M6502& cpu) {
     M6502Cycle(cpu, bus);
 }
 
+bool M6502IsAlike(const M6502& one, const M6502& other) {
+    const auto isAlike = [&](const auto... field) { return ((one.*field == other.*field) && ...); };
+    return isAlike(&M6502::pc, &M6502::a, &M6502::x, &M6502::y, &M6502::sp, &M6502::p,
+                   &M6502::queue, &M6502::queueIndex, &M6502::opcode, &M6502::operandRegister,
+                   &M6502::address, &M6502::data, &M6502::busValue, &M6502::nmiLine,
+                   &M6502::irqLines, &M6502::nmiSeen, &M6502::irqSeen);
+}
+
 uint32_t M6502StateSize() {
     M6502 cpu;
     return StatePieceSize([&](auto& visit) { VisitFields(cpu, visit); });

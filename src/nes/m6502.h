@@ -95,6 +95,9 @@ inline void M6502Cycle(M6502& cpu, Bus& bus);
     return cpu.queue[cpu.queueIndex] <= M6502Step::kFetch;
 }
 
+// True if both do the same from here on, with the same memory and devices: all but the counted cycles is equal.
+[[nodiscard]] bool M6502IsAlike(const M6502& one, const M6502& other);
+
 // The state piece: a version byte, its size, and the fields of the record after the callbacks, each in its
 // own width.
 inline constexpr uint32_t kM6502StateSize = 65;

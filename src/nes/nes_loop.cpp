@@ -1,8 +1,9 @@
 // The frame loops of the NES, with everything that runs in a cycle inlined, and the stall of sample DMA.
 //
-// The plain loop ticks every chip in every cycle and is the reference for the fast one. In the fast loop dots
-// are owed to the PPU until the difference could be seen: at a CPU access to anything but memory, at a PPU
-// event such as the NMI, or when a board that watches PPU addresses might interrupt.
+// The plain loop ticks every chip in every cycle and is the reference for the fast one. In the fast loop PPU and
+// APU are owed cycles until the difference could be seen: at a CPU access to anything but memory, at an event
+// such as the NMI, when a board that watches PPU addresses might interrupt, or when the APU might interrupt or
+// take the bus.
 #include "base/flatten.h"
 #include "machine/sound_settings.h"
 #include "nes/apu_tick.h"
@@ -45,11 +46,12 @@ void RunFramePlain(NES_CONSOLE& nes) {
     }
 }
 
-// The bus of the fast loop: runs the owed dots before an access that could tell.
+// The bus of the fast loop: runs what is owed before an access that could tell.
 struct NES_CATCH_UP_BUS {
     NES_BUS bus;
-    uint32_t owedDots = 0;    // have passed but not run
-    uint32_t dotsToEvent = 0; // from the last dot that has run to the next possible event
+    uint32_t owed = 0;          // cycles that have passed, and that PPU and APU have not run
+    uint32_t cyclesToEvent = 0; // from the last cycle that they have run to the next possible event
+    uint32_t effects = 0;       // accesses other than reads of memory, wrapping
 
     uint8_t Read(uint16_t address) {
         const bool isMemory = address < nes_bus::kPpuStart || address >= nes_bus::kCartridgeStart;
@@ -60,6 +62,7 @@ struct NES_CATCH_UP_BUS {
     }
 
     void Write(uint16_t address, uint8_t value) {
+        ++effects;
         if (address < nes_bus::kPpuStart) [[likely]] {
             bus.Write(address, value);
         } else {
@@ -67,21 +70,32 @@ struct NES_CATCH_UP_BUS {
         }
     }
 
+    // A cycle begins.
+    void Cycle() {
+        if (++owed >= cyclesToEvent) [[unlikely]] {
+            CatchUp();
+        }
+    }
+
     [[gnu::noinline]] void CatchUp() {
-        PpuRun(bus.nes.ppu, owedDots);
-        owedDots = 0;
+        PpuRun(bus.nes.ppu, owed * kDotsPerCycle);
+        ApuRun(bus.nes.apu, owed);
+        owed = 0;
         FindEvent();
     }
 
     void FindEvent() {
-        dotsToEvent = PpuDotsToEvent(bus.nes.ppu);
+        uint32_t dots = PpuDotsToEvent(bus.nes.ppu);
         if (bus.nes.cartridge.quietDots != nullptr) {
-            dotsToEvent = std::min(dotsToEvent, bus.nes.cartridge.quietDots(bus.nes.cartridge) + 1);
+            dots = std::min(dots, bus.nes.cartridge.quietDots(bus.nes.cartridge) + 1);
         }
+        cyclesToEvent =
+            std::min((dots + kDotsPerCycle - 1) / kDotsPerCycle, ApuCyclesToEvent(bus.nes.apu));
     }
 
 private:
     [[gnu::noinline]] uint8_t CatchUpAndRead(uint16_t address) {
+        ++effects;
         CatchUp();
         const uint8_t value = bus.Read(address);
         FindEvent();
@@ -95,23 +109,56 @@ private:
     }
 };
 
+// Skips the rounds of a loop that only reads memory, which games wait in for an interrupt. Two rounds that begin
+// with the same registers and without another access between them are equal, and so is every round after them
+// until an event.
+class IdleLoop {
+public:
+    // After an instruction that began at `from`.
+    void Look(M6502& cpu, NES_CATCH_UP_BUS& bus, uint16_t from) {
+        constexpr uint16_t kLongestLoop = 64; // bytes
+        if (static_cast<uint16_t>(from - cpu.pc) < kLongestLoop) [[unlikely]] {
+            LookAtRound(cpu, bus);
+        }
+    }
+
+private:
+    [[gnu::noinline]] void LookAtRound(M6502& cpu, NES_CATCH_UP_BUS& bus) {
+        if (bus.effects == effects && M6502IsAlike(cpu, last)) {
+            const uint32_t round = cpu.cycles - last.cycles;
+            const uint32_t quiet = bus.cyclesToEvent - bus.owed - 1;
+            const uint32_t skipped = quiet - quiet % round;
+            cpu.cycles += skipped;
+            bus.owed += skipped;
+        }
+        effects = bus.effects;
+        last = cpu;
+    }
+
+    M6502 last; // at the end of the round before
+    uint32_t effects = 0;
+};
+
 // The board's CPU clock runs in every cycle: it doesn't depend on the PPU. Only board 73 has one (`boardClock`);
-// the others save the call.
+// the others save the call, and their idle loops can be skipped.
 template <bool boardClock>
 OMBRELUNE_FLATTEN void RunFrameFast(NES_CONSOLE& nes) {
-    NES_CATCH_UP_BUS bus{{nes}, 0, 0};
+    NES_CATCH_UP_BUS bus{{nes}};
+    IdleLoop idle;
     bus.FindEvent();
     while (!nes.ppu.frameDone) {
-        M6502Sample(nes.cpu);
-        if constexpr (boardClock) {
-            nes.cartridge.cpuClock(nes.cartridge);
+        const uint16_t from = nes.cpu.pc;
+        do {
+            M6502Sample(nes.cpu);
+            if constexpr (boardClock) {
+                nes.cartridge.cpuClock(nes.cartridge);
+            }
+            bus.Cycle();
+            M6502Cycle(nes.cpu, bus);
+        } while (!M6502IsBetweenInstructions(nes.cpu) && !nes.ppu.frameDone);
+        if (!boardClock && !nes.ppu.frameDone) {
+            idle.Look(nes.cpu, bus, from);
         }
-        bus.owedDots += kDotsPerCycle;
-        if (bus.owedDots >= bus.dotsToEvent) [[unlikely]] {
-            bus.CatchUp();
-        }
-        ApuTick(nes.apu);
-        M6502Cycle(nes.cpu, bus);
     }
     bus.CatchUp();
 }

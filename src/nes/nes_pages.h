@@ -38,6 +38,9 @@ struct NES_PAGES {
     void* board = nullptr; // passed to `read`, `write` and the hook
     // Called with every address that the PPU puts on its bus; never null while it runs.
     void (*ppuAddressHook)(void* board, uint16_t address) = nullptr;
+    // The same as `count` calls of the hook with addresses that have bit 12 as in `address`. Null for a board
+    // that watches more of an address than this bit.
+    void (*ppuUpperHook)(void* board, uint16_t address, uint32_t count) = nullptr;
 };
 
 // The hook of boards that watch no addresses. The PPU compares with it to save the call.

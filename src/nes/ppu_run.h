@@ -8,6 +8,7 @@
 // sprites it sees the addresses only.
 #pragma once
 
+#include "nes/ppu_line.h"
 #include "nes/ppu_tick.h"
 
 #include <algorithm>
@@ -48,9 +49,11 @@ inline void TileGroup(PPU& ppu, uint32_t dot) {
 
 inline void SpriteGroup(PPU& ppu, uint32_t dot) {
     const uint32_t slot = ppu_tick::SpriteSlot(dot);
-    const auto unused = static_cast<uint16_t>(ppu_tick::TileAddress(ppu));
-    ppu_bus::Watch(ppu, unused);
-    ppu_bus::Watch(ppu, unused);
+    ppu_bus::Watch(ppu, static_cast<uint16_t>(ppu_tick::TileAddress(ppu)));
+    if (dot == kSpritesStart) {
+        ppu_tick::CopyX(ppu);
+    }
+    ppu_bus::Watch(ppu, static_cast<uint16_t>(ppu_tick::TileAddress(ppu)));
     const uint32_t low = PpuSpriteAddress(ppu, slot);
     ppu.lowPlane = ReadWatched(ppu, low);
     ppu.fetchAddress = static_cast<uint16_t>(low + ppu_bus::kPlaneBytes);
@@ -69,30 +72,66 @@ inline void Group(PPU& ppu, uint32_t dot) {
     } else {
         SpriteGroup(ppu, dot);
     }
-    ppu.dot = dot + kGroup - 1;
+}
+
+// Groups from dot `next` on, of at most `count` dots: those of a part of the line at once, or one. Returns their
+// dots.
+inline uint32_t Groups(PPU& ppu, uint32_t next, uint32_t count, bool wholeLine) {
+    const uint32_t end = std::min(next + count, ppu.eventDot);
+    uint32_t groups = 1;
+    if (wholeLine && next < kLastGroup) {
+        groups = (std::min(end, kLastGroup) - next) / kGroup;
+        PpuRunTiles(ppu, next, groups);
+    } else if (wholeLine && next >= kSpritesStart && next < kAheadStart) {
+        groups = (std::min(end, kAheadStart) - next) / kGroup;
+        if (next == kSpritesStart) {
+            ppu_tick::CopyX(ppu);
+        }
+        PpuRunSprites(ppu, ppu_tick::SpriteSlot(next), groups);
+    } else {
+        Group(ppu, next);
+    }
+    ppu.dot = next + groups * kGroup - 1;
+    return groups * kGroup;
 }
 
 } // namespace ppu_run
 
-// Dots until the next event that others may see, at least 1.
+// Dots until the next change that others may see without an access, at least 1: that of the NMI at the begin and
+// the end of vblank, or the end of the frame.
 [[nodiscard]] inline uint32_t PpuDotsToEvent(const PPU& ppu) {
-    return ppu.eventDot - ppu.dot;
+    const uint32_t toLineEnd = ppu.lineLength - ppu.dot;
+    if (ppu.line >= kPpuVblankLine) {
+        constexpr uint32_t kVblankEndDot = 1; // of the pre-render line
+        const auto lines = static_cast<uint32_t>(ppu.totalLines - 2 - ppu.line);
+        return toLineEnd + lines * kPpuLineDots + kVblankEndDot;
+    }
+    if (ppu.line == kPpuPreRenderLine && ppu.dot < kPpuFrameEndDot) {
+        return ppu.eventDot - ppu.dot;
+    }
+    return toLineEnd + static_cast<uint32_t>(kPpuIdleLine - ppu.line) * kPpuLineDots;
 }
 
 inline void PpuRun(PPU& ppu, uint32_t count) {
     const bool watched = ppu.pages->ppuAddressHook != NesIgnoreAddress;
+    const bool wholeLine = PpuCanRunLine(ppu);
     while (count != 0) {
-        const uint32_t next = ppu.dot + 1;
-        const bool plain = ppu.ioState != kPpuNoAccess || next == ppu.eventDot;
+        uint32_t next = ppu.dot + 1;
+        if (next == ppu.eventDot) {
+            next = PpuEvent(ppu, next);
+        }
+        const bool plain = ppu.ioState != kPpuNoAccess;
         uint32_t done = 1;
-        if (!plain && !ppu.rendering && !watched) {
+        if (!plain && !ppu.rendering && (!watched || wholeLine)) {
             done = std::min(count, ppu.eventDot - next);
-            ppu.dot += done;
+            ppu.dot = next + done - 1;
+            if (watched) {
+                ppu.pages->ppuUpperHook(ppu.pages->board, ppu.vramAddress & ppu_bus::kMask, done);
+            }
         } else if (!plain && ppu.rendering && ppu_run::IsGroup(ppu, next, count)) {
-            done = ppu_run::kGroup;
-            ppu_run::Group(ppu, next);
+            done = ppu_run::Groups(ppu, next, count, wholeLine);
         } else {
-            PpuTick(ppu);
+            PpuDot(ppu, next);
         }
         count -= done;
     }

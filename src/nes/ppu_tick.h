@@ -148,12 +148,8 @@ inline void Take(PPU& ppu, PpuFetch fetch, uint32_t dot, uint32_t slot, uint8_t 
 
 } // namespace ppu_tick
 
-// One dot.
-inline void PpuTick(PPU& ppu) {
-    uint32_t dot = ppu.dot + 1;
-    if (dot == ppu.eventDot) [[unlikely]] {
-        dot = PpuEvent(ppu, dot);
-    }
+// Dot `dot`, after the event that is due at its start.
+inline void PpuDot(PPU& ppu, uint32_t dot) {
     ppu.dot = dot;
     if (ppu.rendering) {
         ppu_tick::Fetch(ppu, dot);
@@ -163,4 +159,13 @@ inline void PpuTick(PPU& ppu) {
     if (ppu.ioState != kPpuNoAccess) [[unlikely]] {
         PpuAccessDot(ppu);
     }
+}
+
+// One dot.
+inline void PpuTick(PPU& ppu) {
+    uint32_t dot = ppu.dot + 1;
+    if (dot == ppu.eventDot) [[unlikely]] {
+        dot = PpuEvent(ppu, dot);
+    }
+    PpuDot(ppu, dot);
 }

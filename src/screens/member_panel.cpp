@@ -78,7 +78,7 @@ void MemberPanel::MakeLogin() {
     remember = new CGhostCheckBox(within, 0, L"CHECKBOX", L"Log in at every start", 0, {});
     remember->SetChecked(Settings().GetBool(kStartSetting));
     loginButton = new CGhostButton(within, 0, L"BUTTON", L"Login", 0, {});
-    state = new CGhostMultiText(within, 0, L"TEXT", L"", {});
+    state = new CGhostMultiText(within, 0, L"MEMBERTEXT", L"", {});
     user->SetMaxLength(64);
     password->SetMaxLength(128);
     loginButton->SetToolTip(L"The password itself is never sent.");
@@ -96,7 +96,7 @@ void MemberPanel::MakeLogin() {
 }
 
 void MemberPanel::MakeMember() {
-    account = new CGhostMultiText(in->window, 0, L"TEXT", L"", {});
+    account = new CGhostMultiText(in->window, 0, L"MEMBERTEXT", L"", {});
     logoutButton = new CGhostButton(in->window, 0, L"BUTTON", L"Logout", 0, {});
     logoutButton->SetToolTip(L"Logs out, and forgets the key that this computer has kept.");
     signals.Watch(logoutButton->OnClick,
@@ -180,6 +180,7 @@ void MemberPanel::ShowState() {
     placeHeader->SetVisible(shown);
     place->SetVisible(shown);
     loginButton->SetCaption(waits ? L"Cancel" : L"Login");
+    state->SetStyle(waits ? L"MEMBERTEXT" : L"TROUBLETEXT");
     state->SetText(waits ? L"Logging in..." : member.Error().empty() ? L"" : member.Error());
     std::wstring text = L"Logged in as " + member.Credentials().name + L".";
     for (const std::wstring& more : {member.Account(), member.Error()}) {

@@ -29,6 +29,7 @@
 
 class CGhostListView;
 class CGhostWindowEx;
+class KeyLine;
 class ScreenHost;
 
 class CGUIRomBrowser final : public CGUIPanel {
@@ -67,6 +68,9 @@ public:
     [[nodiscard]] SystemSwitcher& Switcher() { return switcher; }
     [[nodiscard]] ScanWindow& Scan() { return scan; }
     [[nodiscard]] CGameOptions* Options() const { return options.get(); }
+    [[nodiscard]] const KeyLine& Keys() const { return *keys; }
+    [[nodiscard]] const CGhostTextBox& NoOptions() const { return *noOptions; }
+    [[nodiscard]] const CGhostTextBox& Hint() const { return *empty; }
     [[nodiscard]] CGhostButton* StartButton() const { return start; }
     [[nodiscard]] CGhostButton* StarButton() const { return star; }
     [[nodiscard]] CGhostButton* RoomButton() const { return gameRoom; }
@@ -79,6 +83,8 @@ private:
     void MakePanel(uint16_t system);
     void ClearPanes();
     void FillList();
+    void ShowKeys();
+    void PlaceHint();
     void ShowRow(int32_t row);
     void Choose(const GameListRow* row);
     void ReadMeta(const GameListRow& row, const CGameFile& game);
@@ -87,6 +93,7 @@ private:
     [[nodiscard]] std::vector<ROW_LINE> ChooseLines();
     [[nodiscard]] PLAYER_RECORD PlayedOf(const GameListRow& row) const;
     void ShowMedia(const GameListRow& row);
+    void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet);
     void ShowTexts(const GAME_INFORMATION& information);
     [[nodiscard]] std::filesystem::path MediaOf(const GameListRow& row) const;
     [[nodiscard]] bool IsChosen(uint16_t system, const std::wstring& key) const;
@@ -103,8 +110,10 @@ private:
     SystemSwitcher switcher;
     BrowserFilters filters;
     CGhostListView* list;
-    CGhostTextBox* empty; // over the list of a system without games
+    CGhostTextBox* empty; // over the list where it has no games
     CGhostWindowEx* optionsWindow;
+    CGhostTextBox* noOptions; // on a machine without
+    KeyLine* keys;            // that play the machine
     ContentArea content;
     CGhostButton* start;
     CGhostButton* star;
@@ -119,6 +128,7 @@ private:
     bool applyFilters = false; // with the next Update
     int32_t readAnew = -1;     // the index of the system to scan when it can be; -1: none
     const GameListRow* chosen = nullptr;
+    std::wstring hint;     // how to get games, or why there are none
     std::wstring metaHead; // of the chosen game: what comes before and after the times played
     std::wstring metaTail;
     std::optional<GAME_INFORMATION> localTexts; // in the chosen game's archive

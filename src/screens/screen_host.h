@@ -10,13 +10,16 @@
 #include "screens/program_modes.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 // A game as it was chosen in the browser, with its image unpacked and its name selected.
 struct GAME_TO_START {
     CGameFile game;
+    std::filesystem::path file;
     CGameFile second; // a console's BIOS
+    std::filesystem::path secondFile;
     bool hasSecond = false;
     std::string title;
     OptionBlock options{};
@@ -50,6 +53,9 @@ public:
     virtual void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) = 0;
     // In units of that window's client area.
     virtual void CoverClick(int button, int32_t x, int32_t y) = 0;
+    // Without a pointer: closer to the next box, after the last one back to all; and turned over.
+    virtual void LookCloser() = 0;
+    virtual void TurnCovers() = 0;
 
     // Requests to the web service. Their callbacks run in the program's rounds.
     [[nodiscard]] virtual DownloadQueue& Downloads() = 0;

@@ -57,7 +57,7 @@ TEST_F(PumpedSessions, ComeAndGoWhileThePumpVisitsThem) {
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
         for (uint32_t key = 1; key <= 3; ++key) {
-            EXPECT_TRUE(EmuStopSession(key));
+            EXPECT_TRUE(EmuStopSession(key, SessionEnd::kTurnedOff));
         }
     }
     uint32_t left = 0;

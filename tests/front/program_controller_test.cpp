@@ -19,17 +19,16 @@ constexpr int kRight = 14;
 
 class ProgramController : public ProgramTest {
 protected:
-    void SetUp() override {
-        ProgramTest::SetUp();
-        // A window off the screen never has the focus, without which the library drops a joystick's events.
-        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
-    }
+    // A window off the screen never has the focus, without which the library drops a joystick's events. To be said
+    // before each start of the program, as its end forgets it.
+    static void AllowBackground() { SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1"); }
     void TearDown() override {
         pad.reset();
         ProgramTest::TearDown();
     }
 
     ProgramScreen* OpenWithPad(Application& application) {
+        AllowBackground();
         ProgramScreen* const program = Open(application);
         if (program == nullptr) {
             return nullptr;
@@ -131,4 +130,89 @@ TEST_F(ProgramController, AMessageTakesTheControllerUntilItIsClosed) {
     EXPECT_EQ(ModeOf(*program), ProgramMode::kBrowser);
     ASSERT_TRUE(Push(application, kEast));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
+}
+
+TEST_F(ProgramController, GamesGoOnWithOneButton) {
+    uint32_t key = 0;
+    {
+        Application application;
+        ProgramScreen* const program = Open(application);
+        ASSERT_NE(program, nullptr);
+        ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    }
+    Application application;
+    ProgramScreen* const program = OpenWithPad(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_NE(program->Continuing(), nullptr);
+    ASSERT_TRUE(Push(application, kRight));
+    EXPECT_EQ(CGhostManager::Get().FocusWindow(), program->Continuing()->NotNowButton()->window);
+    ASSERT_TRUE(Push(application, kRight));
+    ASSERT_TRUE(Push(application, kSouth));
+    EXPECT_TRUE(program->Continuing()->Asks());
+    ASSERT_TRUE(Push(application, kEast));
+    EXPECT_FALSE(program->Continuing()->Asks());
+    ASSERT_TRUE(Push(application, kSouth));
+    EXPECT_EQ(program->Continuing(), nullptr);
+    ASSERT_TRUE(RunUntilOn(application, program->Room(), key));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
+}
+
+TEST_F(ProgramController, TheSecondButtonPutsTheQuestionOff) {
+    uint32_t key = 0;
+    {
+        Application application;
+        ProgramScreen* const program = Open(application);
+        ASSERT_NE(program, nullptr);
+        ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    }
+    Application application;
+    ProgramScreen* const program = OpenWithPad(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(Push(application, kEast));
+    EXPECT_EQ(program->Continuing(), nullptr);
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
+    EXPECT_FALSE(SessionRuns(key));
+}
+
+// The browser and the game behind it stay as they are.
+TEST_F(ProgramController, TheWindowThatAddsGamesHasTheControllerAlone) {
+    Application application;
+    ProgramScreen* const program = OpenWithPad(application);
+    ASSERT_NE(program, nullptr);
+    const TemporaryFolder from;
+    const std::string letter = from.Write("letter.txt", std::string_view("no game")).string();
+    const auto drop = [&] {
+        Drop(letter);
+        return RunUntil(application,
+                        [&] { return program->Adding().IsShown() && !program->Adding().Works(); });
+    };
+    ASSERT_TRUE(Push(application, kSouth));
+    ASSERT_TRUE(RunUntilListed(application, *program));
+    CGUIRomBrowser* const browser = program->Menu().Browser();
+    ASSERT_TRUE(drop());
+    for (const int button : {kRightShoulder, kStart}) {
+        ASSERT_TRUE(Push(application, button));
+        EXPECT_EQ(ModeOf(*program), ProgramMode::kBrowser) << button;
+        EXPECT_EQ(browser->Library().Selector(), 0) << button;
+        EXPECT_TRUE(program->Adding().IsShown()) << button;
+    }
+    ASSERT_TRUE(Push(application, kSouth)); // Finish
+    EXPECT_FALSE(program->Adding().IsShown());
+
+    ASSERT_TRUE(Push(application, kStart));
+    const uint32_t key = program->Room().Selected().id;
+    ASSERT_NE(key, 0u);
+    ASSERT_TRUE(RunUntilOn(application, program->Room(), key));
+    const uint32_t serial = program->Room().Games().SerialOn(key);
+    ASSERT_TRUE(drop());
+    for (const int button : {kRightShoulder, kStart}) {
+        ASSERT_TRUE(Push(application, button));
+        ASSERT_TRUE(application.Round());
+        EXPECT_EQ(program->Room().Games().SerialOn(key), serial) << button;
+        EXPECT_EQ(browser->Library().Selector(), 0) << button;
+    }
+    ASSERT_TRUE(Push(application, kGuide));
+    EXPECT_FALSE(program->Adding().IsShown());
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding) << "the press was the window's";
+    EXPECT_EQ(InputActiveKey(), key);
 }

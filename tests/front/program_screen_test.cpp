@@ -69,6 +69,8 @@ TEST_F(ProgramScreenTest, KeysAloneLeadToAGameOfOurOwn) {
     EXPECT_EQ(InputActiveKey(), key) << "the machine has the input";
     EXPECT_FALSE(InputWalkingRoom());
     EXPECT_FALSE(browser->StartButton()->window == CGhostManager::Get().FocusWindow());
+    EXPECT_EQ(program->Room().HintText(), L"Arrow keys   move      A   1      S   2      "
+                                          L"Space   pause      Esc   Walk on");
 
     ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding) << "the menu does not listen behind it";
@@ -237,6 +239,7 @@ TEST_F(ProgramScreenTest, TheStripsButtonsShowTheSetFullScreenAndTheRoomAgain) {
     EXPECT_EQ(ModeOf(*program), ProgramMode::kFullScreen);
     EXPECT_EQ(InputActiveKey(), key);
     EXPECT_EQ(television->Caption(), L"TV Mode");
+    EXPECT_EQ(program->Room().HintText(), L"Esc   Back to the room");
     ASSERT_TRUE(ClickOn(application, television));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
     ASSERT_TRUE(ClickOn(application, program->Overlay().Button(3))); // Exit Game

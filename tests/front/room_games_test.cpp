@@ -2,6 +2,8 @@
 // display and the sound pump.
 #include "audio/sound.h"
 #include "base/files.h"
+#include "front/resume_games.h"
+#include "front/resume_texts.h"
 #include "front/room_games.h"
 #include "front/session_callbacks.h"
 #include "host/host_data.h"
@@ -24,7 +26,8 @@
 #include <random>
 #include <set>
 
-using testing::ElementsAre;
+using testing::Each;
+using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
@@ -195,14 +198,15 @@ TEST_F(RoomGamesTest, AGameThatCannotStartLeavesItsSetOffAndSaysWhy) {
     RoomGames games(std::move(list));
     ASSERT_TRUE(games.StartNext(6));
     ASSERT_TRUE(games.StartNext(7));
-    std::vector<std::string> errors;
+    std::vector<GAME_FAILURE> errors;
     ASSERT_TRUE(WaitUntil("the fault", [&] {
-        for (std::string& error : games.Collect()) {
+        for (GAME_FAILURE& error : games.Collect()) {
             errors.push_back(std::move(error));
         }
         return games.StateOf(7) == SetState::kOff;
     }));
-    EXPECT_THAT(errors, ElementsAre(HasSubstr("Error loading game")));
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_TRUE(errors[0].starting);
     ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
 }
 
@@ -214,14 +218,16 @@ TEST_F(RoomGamesTest, EachMachineThatEndsTurnsItsSetOffAndSaysWhy) {
     ASSERT_TRUE(WaitFor(games, 7, SetState::kPlaying));
     ASSERT_TRUE(WaitUntil("both ends", [] { return HasEnded(6) && HasEnded(7); }));
     EmuSetLastError("of another game");
-    std::vector<std::string> errors;
+    std::vector<GAME_FAILURE> errors;
     ASSERT_TRUE(WaitUntil("both sets", [&] {
-        for (std::string& error : games.Collect()) {
+        for (GAME_FAILURE& error : games.Collect()) {
             errors.push_back(std::move(error));
         }
         return games.StateOf(6) == SetState::kOff && games.StateOf(7) == SetState::kOff;
     }));
-    EXPECT_THAT(errors, UnorderedElementsAre(HasSubstr("0x000201"), HasSubstr("0x000203")));
+    EXPECT_THAT(errors, UnorderedElementsAre(Field(&GAME_FAILURE::reason, HasSubstr("0x000201")),
+                                             Field(&GAME_FAILURE::reason, HasSubstr("0x000203"))));
+    EXPECT_THAT(errors, Each(Field(&GAME_FAILURE::starting, false)));
     EXPECT_EQ(PinSession(6), nullptr);
     EXPECT_EQ(PinSession(7), nullptr);
 }
@@ -240,15 +246,60 @@ TEST_F(RoomGamesTest, TheGameThatReplacesAnEndedOnePlaysOn) {
     EXPECT_EQ(PinSession(6)->serial, games.SerialOn(6));
 }
 
-TEST_F(RoomGamesTest, TheEndStopsAndSavesAll) {
+// A player may choose games all day.
+TEST_F(RoomGamesTest, KeepsNoGameThatWasChosenOnce) {
+    RoomGames games(Open({"demo:sms-luciole"}));
+    games.Start(6, std::move(Open({"demo:nes-ecume"}).front()));
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    EXPECT_EQ(games.Count(), 1u);
+    ASSERT_TRUE(games.StartNext(7));
+    EXPECT_EQ(games.NextTitle(), "Luciole") << "the list goes round without it";
+    games.StartAndKeep(6, std::move(Open({"demo:nes-ecume"}).front()));
+    EXPECT_EQ(games.Count(), 2u);
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    ASSERT_TRUE(WaitFor(games, 7, SetState::kPlaying));
+}
+
+TEST_F(RoomGamesTest, TheEndStopsAllAndKeepsThemForTheNextStart) {
     {
-        RoomGames games(Open({"demo:sms-luciole", "demo:nes-ecume"}));
+        ResumeGames resume(ResumeKind::kRoom);
+        RoomGames games(Open({"demo:sms-luciole", "demo:nes-ecume"}), &resume);
         ASSERT_TRUE(games.StartNext(6));
         ASSERT_TRUE(games.StartNext(7));
         ASSERT_TRUE(WaitFor(games, 7, SetState::kPlaying));
     }
     EXPECT_EQ(PinSession(6), nullptr);
     EXPECT_EQ(PinSession(7), nullptr);
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "sms" / "saves" / "luciole.zip"));
+    const ResumeGames next(ResumeKind::kRoom);
+    ASSERT_EQ(next.Left().size(), 2u);
+    EXPECT_EQ(next.Left()[0].key, 6u);
+    EXPECT_EQ(ResumeTitle(next.Left()[0].label), "Luciole");
+    EXPECT_EQ(next.Left()[1].key, 7u);
+    EXPECT_EQ(ResumeSystem(next.Left()[1].label), kSystemNes);
+}
+
+// One that has not started yet is on as well.
+TEST_F(RoomGamesTest, AGameThatStartsAtTheEndIsKept) {
+    ResumeGames resume(ResumeKind::kRoom);
+    {
+        RoomGames games(Open({"demo:sms-luciole"}), &resume);
+        ASSERT_TRUE(games.StartNext(6));
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder.Path() / "resume" / "1" / "room-6.resume"));
+}
+
+TEST_F(RoomGamesTest, AGameThatIsTurnedOffIsSavedAndNotKept) {
+    ResumeGames resume(ResumeKind::kRoom);
+    RoomGames games(Open({"demo:sms-luciole"}), &resume);
+    ASSERT_TRUE(games.StartNext(6));
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    EmuKeepResumeFiles();
+    const std::filesystem::path file = folder.Path() / "resume" / "1" / "room-6.resume";
+    ASSERT_TRUE(std::filesystem::exists(file));
+    games.Stop(6);
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kOff));
+    EXPECT_FALSE(std::filesystem::exists(file));
     EXPECT_TRUE(std::filesystem::exists(folder.Path() / "sms" / "saves" / "luciole.zip"));
 }
 

@@ -518,7 +518,7 @@ TEST_F(EndedMachine, LeadsBackFromTheFullScreen) {
     EXPECT_TRUE(RunUntilOff(application, *room, kFrontSet));
 }
 
-TEST_F(RoomScreenTest, ClosingTheWindowSavesAllGames) {
+TEST_F(RoomScreenTest, ClosingTheWindowKeepsAllGamesForTheNextStart) {
     for (const char* name : {"one", "two", "three"}) {
         folder.Write(std::string(name) + ".sms", LatchingRom());
     }
@@ -543,9 +543,20 @@ TEST_F(RoomScreenTest, ClosingTheWindowSavesAllGames) {
         }
     }
     for (const char* name : {"one", "two", "three"}) {
-        EXPECT_TRUE(SaveExists(name)) << name;
+        EXPECT_FALSE(SaveExists(name)) << name;
     }
     EXPECT_THAT(ProgramNotices().UnreadFaults(0), IsEmpty());
+
+    // Without a question, as there is no menu to ask in.
+    Application application;
+    RoomScreen* const room = Enter(application, {game("one"), game("two"), game("three")});
+    ASSERT_NE(room, nullptr);
+    room->StartGames(3);
+    EXPECT_TRUE(RunUntil(application, [] {
+        const SessionPin session = PinSession(kAllSets[0]);
+        return session != nullptr && session->hostData != nullptr;
+    }));
+    EXPECT_EQ(PinSession(kAllSets[0])->staticFrames, 0u) << "it goes on";
 }
 
 TEST_F(RoomScreenTest, LosingTheKeyboardStopsTheWalk) {

@@ -95,8 +95,8 @@ protected:
         PlaceTelevisionSounds(objects);
     }
     void TearDown() override {
-        EmuStopSession(kLeftSet);
-        EmuStopSession(kRightSet);
+        EmuStopSession(kLeftSet, SessionEnd::kTurnedOff);
+        EmuStopSession(kRightSet, SessionEnd::kTurnedOff);
         StopSoundPump();
         CloseSoundDevice();
         SoundSetRoomVisible(false);

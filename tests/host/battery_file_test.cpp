@@ -157,7 +157,7 @@ TEST_F(BatteryFile, AFailedWriteIsToldOnceAndTriedAgainAtTheEnd) {
     EmuKeepBatteries();
     EXPECT_TRUE(TakeReports().empty());
     fs::remove(home.Path() / blocker);
-    EXPECT_TRUE(EmuStopSession(1));
+    EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 5));
 }
 
@@ -315,7 +315,7 @@ TEST_F(BatteryFile, RunningGamesAreKeptWithoutAStop) {
         return fs::exists(Path());
     }));
     EXPECT_EQ(Content(Path()), Bytes(kBatteryBytes, 5));
-    EXPECT_TRUE(EmuStopSession(1));
+    EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
 }
 
 TEST_F(BatteryFile, EndedMachineKeepsItsMemoryAndMakesNoAutosave) {
@@ -328,7 +328,7 @@ TEST_F(BatteryFile, EndedMachineKeepsItsMemoryAndMakesNoAutosave) {
         return ended;
     }));
     ASSERT_TRUE(FillRunning(6));
-    EXPECT_TRUE(EmuStopSession(1));
+    EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
     EXPECT_EQ(Names(), (std::vector<std::string>{"game.a5a5a5a5a5a5.sav"}));
 }
 

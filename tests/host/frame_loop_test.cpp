@@ -593,7 +593,7 @@ TEST_F(FrameLoop, ATapOfAHotkeyActsOnce) {
         const int32_t end = gCounts.presents + 3;
         ASSERT_TRUE(Eventually([&] { return gCounts.presents >= end; }));
     }
-    EmuStopSession(3);
+    EmuStopSession(3, SessionEnd::kTurnedOff);
     EXPECT_EQ(saved, 1u) << taps << " taps";
 }
 

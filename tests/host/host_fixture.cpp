@@ -91,7 +91,7 @@ HostTest::HostTest() {
 
 HostTest::~HostTest() {
     for (uint32_t key = 0; key < 16; ++key) {
-        EmuStopSession(key);
+        EmuStopSession(key, SessionEnd::kTurnedOff);
     }
     EXPECT_TRUE(Eventually([] { return EmuRunningThreads() == 0; }));
     EXPECT_EQ(CTestMachine::gLive, 0);

@@ -117,13 +117,13 @@ TEST_F(Session, AnUnknownSystemFailsButStopsTheOldSessionFirst) {
     ASSERT_NE(Start(1), 0u);
     EXPECT_EQ(Start(1, "Other", 3), 0u);
     EXPECT_NE(EmuLastError().find('3'), std::string::npos);
-    EXPECT_FALSE(EmuStopSession(1));
+    EXPECT_FALSE(EmuStopSession(1, SessionEnd::kTurnedOff));
 }
 
 TEST_F(Session, AMachineThatCannotBeMadeFails) {
     EXPECT_EQ(Start(1, "Game", 5), 0u);
     EXPECT_FALSE(EmuLastError().empty());
-    EXPECT_FALSE(EmuStopSession(1));
+    EXPECT_FALSE(EmuStopSession(1, SessionEnd::kTurnedOff));
 }
 
 TEST_F(Session, AFailedInitLeavesNothingBehind) {
@@ -132,7 +132,7 @@ TEST_F(Session, AFailedInitLeavesNothingBehind) {
     EXPECT_EQ(EmuLastError(), "this game cannot be run");
     EXPECT_EQ(CTestMachine::gLive, 0);
     EXPECT_EQ(EmuRunningThreads(), 0u);
-    EXPECT_FALSE(EmuStopSession(1));
+    EXPECT_FALSE(EmuStopSession(1, SessionEnd::kTurnedOff));
 }
 
 TEST_F(Session, AnEndedMachineKeepsItsReason) {
@@ -168,7 +168,7 @@ TEST_F(Session, MissingGamesFailWithoutStoppingAnything) {
     CGameFile* const none[2] = {nullptr, nullptr};
     EXPECT_EQ(EmuStartSession(1, none, nullptr, "Game"), 0u);
     EXPECT_EQ(EmuStartSession(1, nullptr, nullptr, "Game"), 0u);
-    EXPECT_TRUE(EmuStopSession(1));
+    EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
 }
 
 TEST_F(Session, WithoutAHostNothingStarts) {
@@ -182,10 +182,10 @@ TEST_F(Session, WithoutAHostNothingStarts) {
 
 TEST_F(Session, StoppingAKeyWithoutASessionIsFalse) {
     ASSERT_NE(Start(1), 0u);
-    EXPECT_FALSE(EmuStopSession(2));
+    EXPECT_FALSE(EmuStopSession(2, SessionEnd::kTurnedOff));
     EXPECT_TRUE(Eventually([] { return CountSessions() == 1; }));
-    EXPECT_TRUE(EmuStopSession(1));
-    EXPECT_FALSE(EmuStopSession(1));
+    EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
+    EXPECT_FALSE(EmuStopSession(1, SessionEnd::kTurnedOff));
 }
 
 TEST_F(Session, ResettingAKeyWithoutASessionIsFalse) {
@@ -243,7 +243,7 @@ TEST_F(Session, CallbacksComeInTheirOrderOnTheirThreads) {
     EmuSetHost(host);
     ASSERT_NE(Start(1), 0u);
     ASSERT_TRUE(Eventually([] { return CountSessions() == 1; }));
-    EXPECT_TRUE(EmuStopSession(1));
+    EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
     EXPECT_TRUE(Eventually([] { return EmuRunningThreads() == 0; }));
     const std::scoped_lock hold(gLogLock);
     ASSERT_EQ(gLog.size(), 4u);
@@ -265,7 +265,7 @@ TEST_F(Session, StopDoesNotWaitForThreadEnd) {
     };
     EmuSetHost(host);
     ASSERT_NE(Start(1), 0u);
-    EXPECT_TRUE(EmuStopSession(1));
+    EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
     EXPECT_EQ(EmuRunningThreads(), 1u);
     EXPECT_EQ(CTestMachine::gLive, 0);
     gMayEnd = true;
@@ -290,7 +290,7 @@ TEST_F(Session, SessionsThatTheHostHasNotOpenedAreNotVisited) {
     EXPECT_EQ(CountSessions(), 0u);
     gMayStart = true;
     EXPECT_TRUE(Eventually([] { return CountSessions() == 1; }));
-    EXPECT_TRUE(EmuStopSession(1));
+    EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
     EXPECT_TRUE(Eventually([] { return EmuRunningThreads() == 0; }));
     EmuSetHost(base);
 }
@@ -325,7 +325,7 @@ TEST_F(Session, AutosaveResumesTheGameWithoutStatic) {
         WithMachine(1, [&](CTestMachine& machine) { running = machine.frame > 100; });
         return running;
     }));
-    ASSERT_TRUE(EmuStopSession(1));
+    ASSERT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
     ASSERT_NE(Start(1), 0u);
     ASSERT_TRUE(Eventually([] { return CountSessions() == 1; }));
     EmuForEachSession([](EMU_THREAD& session) {
@@ -339,12 +339,12 @@ TEST_F(Session, AutosaveBitsAreLoadAndSave) {
     for (const int32_t bits : {0, 1}) {
         Settings().SetInt(L"emu_autosaves", bits);
         ASSERT_NE(Start(1), 0u);
-        EmuStopSession(1);
+        EmuStopSession(1, SessionEnd::kTurnedOff);
         EXPECT_FALSE(fs::exists(archive)) << bits;
     }
     Settings().SetInt(L"emu_autosaves", 2);
     ASSERT_NE(Start(1), 0u);
-    EmuStopSession(1);
+    EmuStopSession(1, SessionEnd::kTurnedOff);
     ASSERT_TRUE(fs::exists(archive));
     for (const auto& [bits, shown] : {
              std::pair{2, 1},
@@ -370,7 +370,7 @@ TEST_F(Session, AutosaveBitsAreLoadAndSave) {
         EXPECT_TRUE(Eventually([] { return gStaticAtOpen >= 0; }));
         EXPECT_EQ(gStaticAtOpen, shown) << bits;
         Settings().SetInt(L"emu_autosaves", 0);
-        EmuStopSession(1);
+        EmuStopSession(1, SessionEnd::kTurnedOff);
         ASSERT_TRUE(Eventually([] { return EmuRunningThreads() == 0; }));
         EmuSetHost(base);
     }
@@ -385,7 +385,7 @@ TEST_F(Session, StartAndStopAreReported) {
     ASSERT_NE(Start(1, "First"), 0u);
     ASSERT_NE(Start(1, "Second", 4), 0u);
     EXPECT_EQ(Start(2, "Third", 1, {.failInit = 1}), 0u);
-    EmuStopSession(1);
+    EmuStopSession(1, SessionEnd::kTurnedOff);
     EXPECT_EQ(gLog,
               (std::vector<std::string>{"4 1 First", "5 1 First", "4 4 Second", "5 4 Second"}));
 }
@@ -398,7 +398,7 @@ TEST_F(Session, StatsAreOneLineForTheActiveSession) {
     Settings().SetInt(L"emu_autosaves", 0);
     static EMU_HOST_CALLBACKS base = TestHost();
     EMU_HOST_CALLBACKS host = base;
-    EmuStopSession(1);
+    EmuStopSession(1, SessionEnd::kTurnedOff);
     ASSERT_TRUE(Eventually([] { return EmuRunningThreads() == 0; }));
     host.present = [](EMU_THREAD*, uint32_t) { std::this_thread::yield(); };
     host.getVideoFrame = [](EMU_THREAD*) -> EMU_VIDEO_FRAME* { return nullptr; };
@@ -415,7 +415,7 @@ TEST_F(Session, StatsAreOneLineForTheActiveSession) {
     });
     EXPECT_EQ(EmuFormatStats(),
               "Sound Repos 3 | SoundBuffer 4096, Sound Min 12 | Frames Missed 9 | dw1=-1");
-    EmuStopSession(7);
+    EmuStopSession(7, SessionEnd::kTurnedOff);
     ASSERT_TRUE(Eventually([] { return EmuRunningThreads() == 0; }));
     EmuSetHost(base);
 }
@@ -426,7 +426,7 @@ TEST_F(Session, TwoThreadsStoppingOneKeyBothFindItGone) {
         ASSERT_NE(Start(1), 0u);
         std::atomic<int32_t> stops{0};
         const auto stop = [&] {
-            if (EmuStopSession(1)) {
+            if (EmuStopSession(1, SessionEnd::kTurnedOff)) {
                 ++stops;
             }
             EXPECT_EQ(CTestMachine::gLive, 0);
@@ -452,15 +452,15 @@ TEST_F(Session, StartsOnOneKeyFromManyThreadsLeaveOneSession) {
         }
         EXPECT_EQ(CTestMachine::gLive, 1);
     }
-    EXPECT_TRUE(EmuStopSession(1));
-    EXPECT_FALSE(EmuStopSession(1));
+    EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
+    EXPECT_FALSE(EmuStopSession(1, SessionEnd::kTurnedOff));
 }
 
 TEST_F(Session, ASessionThatIsStoppedAtOnceWasStillOpenedAndClosed) {
     const int32_t before = gCounts.opens;
     for (int i = 0; i < 20; ++i) {
         ASSERT_NE(Start(1), 0u);
-        EXPECT_TRUE(EmuStopSession(1));
+        EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff));
     }
     EXPECT_EQ(gCounts.opens, before + 20);
     EXPECT_EQ(gCounts.closes, gCounts.opens);

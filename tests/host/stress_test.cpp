@@ -44,7 +44,7 @@ TEST_F(Stress, StartStopResetRewindAndSaveAtRandom) {
                                   ? 1u
                                   : 0u;
                     break;
-                case 1: stops += EmuStopSession(key) ? 1u : 0u; break;
+                case 1: stops += EmuStopSession(key, SessionEnd::kTurnedOff) ? 1u : 0u; break;
                 case 2: resets += EmuResetSession(key) ? 1u : 0u; break;
                 default:
                     std::this_thread::sleep_for(std::chrono::milliseconds(random() % 20));
@@ -96,7 +96,7 @@ TEST_F(Stress, StartStopResetRewindAndSaveAtRandom) {
     EXPECT_GT(stops, 0u);
     EXPECT_GT(resets, 0u);
     for (uint32_t key = 1; key <= kKeys; ++key) {
-        EmuStopSession(key);
+        EmuStopSession(key, SessionEnd::kTurnedOff);
     }
     for (const std::string& report : TakeReports()) {
         ADD_FAILURE() << report; // nothing was damaged, refused or unwritable

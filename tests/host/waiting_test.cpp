@@ -102,7 +102,7 @@ protected:
     void ExpectOthersComeAndGo() {
         const Errand errand([this] {
             EXPECT_NE(Start(3, "Third"), 0u);
-            EXPECT_TRUE(EmuStopSession(3));
+            EXPECT_TRUE(EmuStopSession(3, SessionEnd::kTurnedOff));
         });
         ExpectDone(errand);
     }
@@ -130,7 +130,7 @@ TEST_F(Waiting, ForAnAutosavesStateHoldsNobodyUp) {
     ASSERT_NE(Start(1, "Game", 1, {.waitsInSave = 1}), 0u);
     ASSERT_TRUE(Eventually([] { return Keys().size() == 2; }));
     Settings().SetInt(L"emu_autosaves", 2);
-    const Errand stop([] { EXPECT_TRUE(EmuStopSession(1)); });
+    const Errand stop([] { EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff)); });
     ASSERT_TRUE(SomebodyWaits());
     ExpectTheOtherPlaysOn();
     ExpectOthersComeAndGo();
@@ -146,7 +146,7 @@ TEST_F(Waiting, ForAFrameHoldsNobodyUp) {
     ASSERT_TRUE(SomebodyWaits());
     const Errand reset([] { EXPECT_TRUE(EmuResetSession(1)); });
     const Errand keep([] { EmuKeepBatteries(); });
-    const Errand stop([] { EXPECT_TRUE(EmuStopSession(1)); });
+    const Errand stop([] { EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff)); });
     ASSERT_TRUE(Eventually([] {
         uint32_t waiters = 0;
         EmuForEachSession([&](EMU_THREAD& session) {
@@ -206,7 +206,7 @@ TEST_F(Waiting, ForAnAutosavesDiskHoldsNobodyUp) {
     ASSERT_TRUE(Eventually([] { return Keys().size() == 2; }));
     SlowFile archive(home.Path() / "sms" / "saves" / "game.zip");
     Settings().SetInt(L"emu_autosaves", 2);
-    const Errand stop([] { EXPECT_TRUE(EmuStopSession(1)); });
+    const Errand stop([] { EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff)); });
     letGo = [&] { archive.LetGo(); };
     ASSERT_TRUE(Eventually([&] { return archive.Reached(); }));
     ExpectTheOtherPlaysOn();
@@ -253,10 +253,10 @@ TEST_F(Waiting, ForTheDiskOfAGamesMemoryHoldsNobodyUp) {
     ASSERT_TRUE(Eventually([&] { return file.Reached(); }));
     ExpectTheOtherPlaysOn();
     ExpectOthersComeAndGo();
-    const Errand other([] { EXPECT_TRUE(EmuStopSession(4)); });
+    const Errand other([] { EXPECT_TRUE(EmuStopSession(4, SessionEnd::kTurnedOff)); });
     EXPECT_TRUE(Eventually([&] { return other.Done(); })) << "it was there when the look began";
     EXPECT_FALSE(keep.Done());
-    const Errand stop([] { EXPECT_TRUE(EmuStopSession(1)); });
+    const Errand stop([] { EXPECT_TRUE(EmuStopSession(1, SessionEnd::kTurnedOff)); });
     ASSERT_TRUE(Eventually([] { return Keys() == std::vector<uint32_t>{kOther}; }));
     EXPECT_FALSE(stop.Done()) << "freed while its memory is being written";
     file.LetGo();

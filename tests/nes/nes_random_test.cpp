@@ -9,6 +9,7 @@ namespace {
 
 constexpr uint16_t kAccumulated =
     0x0010; // a mix of every value read so far; written values use it too
+constexpr uint16_t kInterrupts = 0x0011; // counts the interrupts
 constexpr uint16_t kRoutineEnd = 0x00C0; // bytes of a routine; then it returns
 
 class RandomProgram {
@@ -46,6 +47,7 @@ private:
     // Random accesses with A and X saved; acknowledges the interrupts of boards and chips.
     void Routine(uint16_t at) {
         program.At(at).Bytes({0x48, 0x8A, 0x48}); // PHA TXA PHA
+        program.Bytes({0xE6, kInterrupts});       // INC
         program.Load(0x4015).Sta(0xE000).Sta(0xE001).Sta(0xD000);
         while (program.Here() < at + kRoutineEnd) {
             Poke();
@@ -55,7 +57,9 @@ private:
 
     void Poke() {
         Delay();
-        switch (Below(8)) {
+        switch (Below(12)) {
+        case 8: WaitForInterrupt(); break;
+        case 9: WaitForWhatNeverComes(); break;
         case 0:
         case 1: Read(0x2000 + Below(0x2000)); break; // any mirror of the PPU's registers
         case 2:
@@ -75,6 +79,26 @@ private:
             for (uint32_t count = Below(6); count != 0; --count) {
                 program.Bytes({0xEA});
             }
+        }
+    }
+
+    // As most games do between two frames; the loop may also be entered in an interrupt's routine.
+    void WaitForInterrupt() {
+        program.Store(0x2000, 0x80 | Byte()).Bytes({0x58, 0xA5, kInterrupts}); // CLI LDA
+        if (Below(2) == 0) {
+            program.Bytes({0xC5, kInterrupts, 0xF0, 0xFC}); // CMP BEQ
+        } else {
+            const uint16_t loop = program.Here();
+            program.Bytes({0xEA, 0xC5, kInterrupts, 0xD0, 0x03}).Jump(loop); // NOP CMP BNE
+        }
+    }
+
+    // A loop whose rounds differ: it counts in a register, or in memory.
+    void WaitForWhatNeverComes() {
+        if (Below(2) == 0) {
+            program.Bytes({0xA0, Byte(), 0xC8, 0xC4, kInterrupts, 0xD0, 0xFB}); // LDY # INY CPY BNE
+        } else {
+            program.Bytes({0xE6, 0x12, 0xA5, 0x12, 0xD0, 0xFA}); // INC LDA BNE
         }
     }
 

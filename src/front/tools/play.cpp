@@ -7,6 +7,9 @@
 #include "front/tools/commands.h"
 #include "library/game_source.h"
 
+#include <filesystem>
+#include <system_error>
+
 namespace {
 
 // One NAME=VALUE: a machine option, the board of an arcade image, or a setting.
@@ -38,6 +41,8 @@ bool OpenBios(const std::string& path, const MACHINE_FACTS* system, OPENED_GAME&
     std::string title;
     std::string note;
     opened.hasBios = OpenGame(path, system, opened.bios, title, note, error);
+    std::error_code ignored;
+    opened.secondFile = std::filesystem::absolute(path, ignored).lexically_normal().string();
     if (!note.empty()) {
         Complain(note);
     }

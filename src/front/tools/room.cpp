@@ -14,7 +14,6 @@
 #include "gui/handler.h"
 #include "gui/manager.h"
 #include "gui/surface.h"
-#include "host/battery_file.h"
 #include "host/host_data.h"
 #include "host/session_statistics.h"
 #include "room/image_decoder.h"
@@ -146,9 +145,8 @@ public:
 
     int Run(std::vector<OPENED_GAME> games) {
         const bool unattended = options.benchSeconds > 0.0 || !options.screenshot.empty();
-        if (unattended) { // nobody is playing, so the player's saves must not be continued
-            static_cast<void>(SetForThisRun("emu_autosaves", "0"));
-            EmuWriteBatteries(false);
+        if (unattended) {
+            application.LeaveSavesAlone();
         }
         std::string error;
         if (!application.Start(error)) {

@@ -3,7 +3,6 @@
 #include "front/application.h"
 #include "front/demos.h"
 #include "front/notices.h"
-#include "front/run_settings.h"
 #include "front/session_callbacks.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
@@ -14,7 +13,6 @@
 #include "front/tools/play.h"
 #include "front/tools/screenshots.h"
 #include "front/unread_notices.h"
-#include "host/battery_file.h"
 #include "host/session.h"
 
 #include <SDL.h>
@@ -76,7 +74,7 @@ public:
     int Run(const OPENED_GAME& opened) {
         std::string error;
         if (!options.latencyAction.empty()) {
-            LeaveSavesAlone();
+            application.LeaveSavesAlone();
         }
         if (!StartSomewhere(error)) {
             Complain(error);
@@ -97,12 +95,6 @@ public:
     }
 
 private:
-    // Nobody is playing, so the player's saves must not be continued.
-    static void LeaveSavesAlone() {
-        static_cast<void>(SetForThisRun("emu_autosaves", "0"));
-        EmuWriteBatteries(false);
-    }
-
     // In a window, or off the screen without a display.
     bool StartSomewhere(std::string& error) {
         if (application.Start(error)) {
@@ -112,7 +104,7 @@ private:
             return false;
         }
         Complain(error + "; running off the screen for some seconds");
-        LeaveSavesAlone();
+        application.LeaveSavesAlone();
         SDL_SetHint(SDL_HINT_VIDEODRIVER, "offscreen");
         offScreen = true;
         lastFrame = options.frames != 0 ? options.frames : kOffscreenFrames;

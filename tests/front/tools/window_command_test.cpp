@@ -131,13 +131,11 @@ TEST_F(WindowCommand, ARunOffTheScreenLeavesTheSavesAlone) {
     const std::string game = folder.Write("counter.md", program.Image()).string();
     ASSERT_EQ(Run({"play", game, "--frames", "30"}).exitCode, 0);
     const auto before = FilesBelow(folder, "megadrive");
-    const auto has = [&](const std::string& extension) {
-        return std::count_if(before.begin(), before.end(), [&](const auto& file) {
-                   return file.first.ends_with(extension);
-               }) == 1;
-    };
-    ASSERT_TRUE(has(".zip")) << "the autosave of a run in a window";
-    ASSERT_TRUE(has(".sav"));
+    const auto resume = FilesBelow(folder, "resume");
+    ASSERT_EQ(before.size(), 1u) << "no autosave";
+    ASSERT_TRUE(before.begin()->first.ends_with(".sav"));
+    ASSERT_EQ(resume.size(), 1u);
+    ASSERT_TRUE(resume.begin()->first.starts_with("resume/1/window-"));
 
     const Environment driver("SDL_VIDEODRIVER", nullptr);
     const Environment display("DISPLAY", nullptr);
@@ -146,6 +144,7 @@ TEST_F(WindowCommand, ARunOffTheScreenLeavesTheSavesAlone) {
     EXPECT_EQ(result.exitCode, 0) << result.error;
     EXPECT_THAT(result.error, HasSubstr("no display"));
     EXPECT_TRUE(FilesBelow(folder, "megadrive") == before);
+    EXPECT_TRUE(FilesBelow(folder, "resume") == resume);
 }
 
 TEST_F(WindowCommand, AGameThatEndsEndsTheOffScreenRun) {

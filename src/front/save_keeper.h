@@ -1,0 +1,26 @@
+// SaveKeeper: a thread that writes what must survive a crash while games run: their own memory within a second, their
+// resume files every ten. Neither a picture nor a machine waits for the disk.
+//
+// Thread: main. At its end nothing is being written any more.
+#pragma once
+
+#include "base/ranked_mutex.h"
+
+#include <condition_variable>
+#include <thread>
+
+class SaveKeeper {
+public:
+    SaveKeeper();
+    ~SaveKeeper();
+    SaveKeeper(const SaveKeeper&) = delete;
+    SaveKeeper& operator=(const SaveKeeper&) = delete;
+
+private:
+    void Run();
+
+    RankedMutex<LockRank::kLeaf> lock;
+    std::condition_variable_any changed;
+    bool end = false;   // under `lock`
+    std::thread thread; // last, as it uses the others
+};

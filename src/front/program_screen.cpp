@@ -10,6 +10,7 @@
 #include "front/opened_game.h"
 #include "front/program_commands.h"
 #include "front/resume_texts.h"
+#include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
@@ -198,6 +199,7 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
+    KeepFocus();
     ReportPlay();
     return roomNews;
 }
@@ -320,6 +322,20 @@ void ProgramScreen::FitScreens() {
         wanted.pop_back(); // the way has been gone
     } else if (mode != ProgramMode::kBrowser && mode != ProgramMode::kPanel) {
         menu.Back();
+    }
+}
+
+// What had the focus may be gone, as a machine's options are with the next system. Without a focus a player without a
+// mouse could go nowhere.
+void ProgramScreen::KeepFocus() {
+    const CGhostManager& manager = CGhostManager::Get();
+    if (manager.FocusWindow() != nullptr || manager.ModalWindow() != nullptr) {
+        return;
+    }
+    if (adding.IsShown()) {
+        adding.Button()->SetFocus();
+    } else if (room.Modes().Covered()) {
+        menu.TakeFocus();
     }
 }
 

@@ -100,6 +100,7 @@ private:
     void Obey(ModeOrder order);
     void ShowSavedStates();
     void FitScreens();
+    void KeepFocus();
     void CountPlayed();
     void ReportPlay();
     void UpdateOverlay(const SCREEN_INPUT& input);

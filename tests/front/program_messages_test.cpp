@@ -190,3 +190,18 @@ TEST_F(ProgramMessages, AHeldDirectionStopsAtTheListsLastRow) {
     ASSERT_TRUE(application.Round());
     EXPECT_NE(CGhostManager::Get().FocusWindow(), list->window);
 }
+
+// With the next system the options of this one's machine end, and with them the control that had the focus.
+TEST_F(ProgramMessages, WhenTheControlWithTheFocusEndsTheListHasIt) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    CGUIRomBrowser* const browser = program->Menu().Browser();
+    CGhostManager& manager = CGhostManager::Get();
+    ASSERT_TRUE(manager.MoveFocus(GUI_DIRECTION::kDown));
+    ASSERT_NE(manager.FocusWindow(), browser->List()->window);
+    browser->SelectSystem(1, -1);
+    ASSERT_TRUE(RunUntilListed(application, *program));
+    EXPECT_EQ(manager.FocusWindow(), browser->List()->window);
+}

@@ -33,7 +33,7 @@ private:
     std::mt19937 engine;
 };
 
-// The program's clock, which goes on by a frame of a machine with each round. The machines then run as fast as the
+// The program's clock, which goes on by what the robot says with each round. The machines then run as fast as the
 // robot plays, be the program instrumented or the computer busy: a run tries as much of it everywhere.
 // While the main thread waits for a time itself, as for the benchmark, the clock goes on as others do.
 // Order: made before a session runs, and ended after the last one.

@@ -167,6 +167,11 @@ struct MD_VDP {
     uint32_t dmaPending; // kMdVdpValid and a control word, replayed when the DMA ends
     uint32_t interlace2; // 1 in double resolution interlace
     int32_t hCounter;    // lines until the H interrupt
+
+    // Colours of two neighbouring pixels by palette and the byte of a pattern, and the CRAM that they were made
+    // from. Not saved.
+    std::array<std::array<std::array<uint16_t, 2>, 256>, 4> pairs;
+    std::array<uint16_t, 64> pairCram;
 };
 
 // Clears the whole record. Only `owner` may be null; the pointers must outlive the chip. `tvMode` is

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -129,6 +130,29 @@ void PutShadowedDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
     }
 }
 
+// In most blocks one layer is on top of all eight dots.
+void PutPlainDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
+    const uint32_t* colours = vdp.colourTables + kPlain;
+    uint32_t* row = vdp.rowOut;
+    for (; end - x >= kBlock; x += kBlock) {
+        uint64_t codes = 0;
+        std::memcpy(&codes, &vdp.layerCode[x], sizeof codes);
+        if (codes == std::rotl(codes, 8)) {
+            const uint16_t* line = vdp.layerBuffers[codes & 0xFF] + x;
+            for (uint32_t i = 0; i < kBlock; ++i) {
+                row[x + i] = colours[line[i]];
+            }
+            continue;
+        }
+        for (uint32_t i = x; i < x + kBlock; ++i) {
+            row[i] = colours[vdp.layerBuffers[vdp.layerCode[i]][i]];
+        }
+    }
+    for (; x < end; ++x) {
+        row[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
+    }
+}
+
 void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
     // The first dot shows the colour of a DMA to CRAM, if there was one.
     md_vdp_tick::SetBackdropDot(vdp, first, vdp.h40 != 0);
@@ -160,11 +184,7 @@ void PutDots(MD_VDP& vdp, uint32_t count) {
     if (vdp.shadowMode != 0) {
         PutShadowedDots(vdp, vdp.outX, end);
     } else {
-        const uint32_t* colours = vdp.colourTables + kPlain;
-        uint32_t* row = vdp.rowOut;
-        for (uint32_t x = vdp.outX; x < end; ++x) {
-            row[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
-        }
+        PutPlainDots(vdp, vdp.outX, end);
     }
     if (Collide(vdp, vdp.outX, end)) {
         vdp.status |= kMdVdpCollision;
@@ -198,6 +218,106 @@ uint32_t SpanLength(const MD_VDP& vdp) {
     return vdp.h40 != 0 ? kSpansH40[use][vdp.hCount] : kSpansH32[use][vdp.hCount];
 }
 
+// The part of a line between its start and its end, by width.
+struct Display {
+    uint32_t start; // the step that restarts the columns
+    uint32_t end;   // the step that draws the next line's sprites
+    uint32_t firstFetch;
+    uint32_t fetches;
+    uint32_t firstDot;
+    uint32_t dots;
+    const uint16_t* starts; // of each step, in master clocks
+    struct Event {
+        uint32_t step;
+        uint32_t event;
+    };
+    std::array<Event, 5> events; // all but the fetches; unused ones lie after the end
+};
+
+template <size_t Steps>
+constexpr Display BuildDisplay(const std::array<uint8_t, Steps>& actions,
+                               const std::array<uint16_t, Steps>& starts, uint32_t firstDot,
+                               uint32_t dots) {
+    using md_vdp_timetable::StepOf;
+    Display display{};
+    display.start = StepOf(actions, kMdVdpLineStart);
+    display.end = StepOf(actions, kMdVdpLineEnd);
+    display.firstFetch = StepOf(actions, kMdVdpFetch);
+    display.firstDot = firstDot;
+    display.dots = dots;
+    display.starts = starts.data();
+    display.events.fill({Steps, kMdVdpNoEvent});
+    size_t count = 0;
+    for (uint32_t step = display.start; step < display.end; ++step) {
+        const uint32_t event = actions[step] & kMdVdpEventBits;
+        if (event == kMdVdpFetch) {
+            ++display.fetches;
+        } else if (event != kMdVdpNoEvent) {
+            display.events[count++] = {step, event};
+        }
+    }
+    return display;
+}
+
+constexpr Display kDisplayH32 =
+    BuildDisplay(kMdVdpActionsH32, kStartsH32, kMdVdpFirstDotH32, kMdVdpDotsH32);
+constexpr Display kDisplayH40 =
+    BuildDisplay(kMdVdpActionsH40, kStartsH40, kMdVdpFirstDotH40, kMdVdpDotsH40);
+
+// How many of the fetches come before a step, and how many of the dots.
+uint32_t FetchesBefore(const Display& display, uint32_t step) {
+    const uint32_t begun = step > display.firstFetch ? (step - display.firstFetch + 15) / 16 : 0;
+    return std::min(begun, display.fetches);
+}
+
+uint32_t DotsBefore(const Display& display, uint32_t step) {
+    return step > display.firstDot ? std::min(step - display.firstDot, display.dots) : 0;
+}
+
+// Whether the steps from here to the end of the line's display can run at once: the display is on, no slot is
+// used, and columns and dots are where the timetable has them, which a damaged state need not have.
+bool ShowsCells(const MD_VDP& vdp, const Display& display) {
+    if (vdp.blanked != 0 || vdp.hCount < display.start || vdp.hCount >= display.end ||
+        md_vdp_tick::HasSlotWork(vdp)) {
+        return false;
+    }
+    if (vdp.hCount == display.start) {
+        return true;
+    }
+    const uint32_t x = vdp.tileColumn * 8;
+    return vdp.tileColumn == FetchesBefore(display, vdp.hCount) * 2 && vdp.planeAX - x < 8 &&
+           vdp.planeBX - x < 8 &&
+           (vdp.rowOut == nullptr || vdp.outX == DotsBefore(display, vdp.hCount));
+}
+
+// Runs the steps of the display that are due, all events first, then all fetches, then all dots. A fetch draws
+// only right of the dots that went out before it, and no event but the first two changes what is drawn; these
+// come before the first dot.
+void RunDisplay(MD_VDP& vdp, const Display& display) {
+    const uint32_t from = vdp.hCount;
+    const auto due = static_cast<uint32_t>(display.starts[from] + vdp.stepDebt);
+    const uint16_t* last = display.starts + display.end;
+    const auto end = static_cast<uint32_t>(
+        due >= *last ? display.end
+                     : std::lower_bound(display.starts + from, last, due) - display.starts);
+    vdp.stepDebt -= display.starts[end] - display.starts[from];
+    for (const auto& [step, event] : display.events) {
+        if (step >= from && step < end) {
+            vdp.hCount = step + 1;
+            MdVdpRunAction(vdp, event, false);
+        }
+    }
+    vdp.hCount = end;
+    const uint32_t fetches = FetchesBefore(display, end) - FetchesBefore(display, from);
+    if (fetches != 0) {
+        MdVdpFetchLine(vdp, fetches);
+    }
+    const uint32_t dots = DotsBefore(display, end);
+    if (vdp.rowOut != nullptr && vdp.outX < dots) {
+        PutDots(vdp, dots - vdp.outX);
+    }
+}
+
 } // namespace
 
 void MdVdpPutShadowedDot(MD_VDP& vdp) {
@@ -207,6 +327,11 @@ void MdVdpPutShadowedDot(MD_VDP& vdp) {
 void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
     vdp.stepDebt += static_cast<int32_t>(masterClocks);
     while (vdp.stepDebt > 0) {
+        const Display& display = vdp.h40 != 0 ? kDisplayH40 : kDisplayH32;
+        if (ShowsCells(vdp, display)) {
+            RunDisplay(vdp, display);
+            continue;
+        }
         const uint32_t length = vdp.stepTable[vdp.hCount];
         const uint32_t span = SpanLength(vdp);
         if (span == 0) {

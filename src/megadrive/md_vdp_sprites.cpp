@@ -93,12 +93,8 @@ uint32_t CellPattern(const MD_VDP& vdp, const Sprite& sprite, uint32_t column) {
         (sprite.attributes & kMdVdpFlipY) != 0 ? sprite.rows - 1 - sprite.row : sprite.row;
     // The cells of a column follow each other, then those of the next column.
     const uint32_t base = sprite.attributes << (5 + vdp.interlace2);
-    uint32_t pattern = MdVdpPattern(vdp, base + (cell * sprite.rows + row) * 4);
-    if (flipX) {
-        pattern = __builtin_bswap32(pattern);
-        pattern = (pattern & 0x0F0F0F0F) << 4 | (pattern >> 4 & 0x0F0F0F0F);
-    }
-    return pattern;
+    const uint32_t pattern = MdVdpPattern(vdp, base + (cell * sprite.rows + row) * 4);
+    return flipX ? MdVdpMirror(pattern) : pattern;
 }
 
 // The scan of the sprite list for one line. It reads one word of VRAM at a time until the budget or a limit

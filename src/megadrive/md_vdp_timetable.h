@@ -156,6 +156,16 @@ constexpr std::array<VisibleEvent, 3> VisibleEvents(const std::array<uint8_t, St
     return events;
 }
 
+// The step of an event; the first one if it has several.
+template <size_t Steps>
+constexpr uint32_t StepOf(const std::array<uint8_t, Steps>& actions, uint32_t event) {
+    uint32_t step = 0;
+    while ((actions[step] & kMdVdpEventBits) != event) {
+        ++step;
+    }
+    return step;
+}
+
 // Master clocks from the start of the line to the start of each step.
 template <size_t Steps>
 constexpr std::array<uint16_t, Steps> StartClocks(const std::array<uint8_t, Steps>& lengths) {

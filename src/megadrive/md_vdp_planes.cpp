@@ -192,52 +192,52 @@ void RefreshPairs(MD_VDP& vdp) {
     }
 }
 
-// Cells of a plane that follow each other: FetchCell and DrawCell for each, with what they share computed once.
-struct CellRun {
+// What the cells of a plane share in a line.
+struct PlaneRun {
     uint32_t base;
-    uint32_t width; // of the plane
+    uint32_t width; // in cells
     uint32_t column;
-    uint32_t count;
-    uint32_t scroll;
-    uint32_t x;
+    uint32_t count; // of cells, from `column` on
+    uint32_t x;     // of the first one
 };
 
-void DrawCells(MD_VDP& vdp, const Layer& layer, const CellRun& run) {
+// FetchCell and DrawCell for a run of cells. The scroll of a whole plane is the same in all of them; `Scroll`
+// returns that of a pair of columns, counted from the first.
+template <bool ByColumn, typename Scroll>
+[[gnu::always_inline]] inline void DrawCells(MD_VDP& vdp, const Layer& layer, const PlaneRun& run,
+                                             Scroll scroll) {
     const uint32_t doubled = vdp.interlace2;
     const uint32_t rowBits = 3 + doubled;
     const uint32_t lastRow = (kCell << doubled) - 1;
     const uint32_t top = doubled != 0 ? vdp.line * 2 + vdp.field : vdp.line;
-    const uint32_t y = (top + (run.scroll & kScrollBits)) & ((vdp.planeHeight << rowBits) - 1);
-    const uint32_t names = run.base + (y >> rowBits) * run.width * 2;
-    const uint32_t rows[2] = {(y & lastRow) * 4, (~y & lastRow) * 4};
+    const uint32_t lastY = (vdp.planeHeight << rowBits) - 1;
+    const uint32_t lastColumn = run.width - 1;
     uint16_t* line = layer.line.data();
-    uint32_t x = run.x;
-    for (uint32_t i = 0; i < run.count; ++i, x += kCell) {
-        const uint32_t word = MdVdpVramWord(vdp, names + ((run.column + i) & (run.width - 1)) * 2);
-        const uint32_t row = rows[(word & kMdVdpFlipY) != 0 ? 1 : 0];
-        uint32_t pattern = MdVdpPattern(vdp, (word << (5 + doubled)) + row);
+    const uint32_t low = layer.low;
+    uint32_t y = 0;
+    uint32_t names = 0;
+    for (uint32_t i = 0; i < run.count; ++i) {
+        if (ByColumn ? i % 2 == 0 : i == 0) {
+            y = (top + (scroll(i / 2) & kScrollBits)) & lastY;
+            names = run.base + (y >> rowBits) * run.width * 2;
+        }
+        const uint32_t word = MdVdpVramWord(vdp, names + ((run.column + i) & lastColumn) * 2);
+        const uint32_t row = ((word & kMdVdpFlipY) != 0 ? ~y : y) & lastRow;
+        uint32_t pattern = MdVdpPattern(vdp, (word << (5 + doubled)) + row * 4);
         if ((word & kMdVdpFlipX) != 0) {
             pattern = MdVdpMirror(pattern);
         }
-        DrawWhole(vdp, line, layer.low, word, pattern, x);
+        DrawWhole(vdp, line, low, word, pattern, run.x + i * kCell);
     }
 }
 
-// The scroll of a whole plane is the same in every pair of columns.
-void DrawPairs(MD_VDP& vdp, const Layer& layer, CellRun run, uint32_t plane) {
-    const uint32_t pair = vdp.tileColumn / 2;
-    if ((vdp.regs[kMdVdpRegMode3] & kMdVdpReg11ColumnScroll) == 0) {
-        run.scroll = vdp.vsramLine[plane];
-        DrawCells(vdp, layer, run);
-        return;
-    }
-    const uint32_t end = run.column + run.count;
-    for (uint32_t i = 0; run.column < end; ++i) {
-        run.count = std::min(2U, end - run.column);
-        run.scroll = VScroll(vdp, pair + i, plane);
-        DrawCells(vdp, layer, run);
-        run.column += 2;
-        run.x += 2 * kCell;
+void DrawPairs(MD_VDP& vdp, const Layer& layer, const PlaneRun& run, uint32_t plane) {
+    if ((vdp.regs[kMdVdpRegMode3] & kMdVdpReg11ColumnScroll) != 0) {
+        const uint32_t pair = vdp.tileColumn / 2;
+        DrawCells<true>(vdp, layer, run,
+                        [&](uint32_t i) { return vdp.vsram[((pair + i) * 2 + plane) & 63]; });
+    } else {
+        DrawCells<false>(vdp, layer, run, [&](uint32_t) { return vdp.vsramLine[plane]; });
     }
 }
 
@@ -248,7 +248,7 @@ void DrawPairsA(MD_VDP& vdp, uint32_t columns) {
     const bool cut = shifted != 0 && vdp.tileColumn + columns == vdp.windowColumn.size();
     DrawPairs(
         vdp, {vdp.planeALine, kMdVdpPlaneALow},
-        {vdp.planeABase, vdp.planeWidth, vdp.planeAColumn, columns - (cut ? 1 : 0), 0, vdp.planeAX},
+        {vdp.planeABase, vdp.planeWidth, vdp.planeAColumn, columns - (cut ? 1 : 0), vdp.planeAX},
         0);
     if (cut) {
         const uint32_t last = columns - 1;
@@ -272,10 +272,11 @@ bool FetchAlike(MD_VDP& vdp, uint32_t columns) {
     }
     RefreshPairs(vdp);
     DrawPairs(vdp, {vdp.planeBLine, kMdVdpPlaneBLow},
-              {vdp.planeBBase, vdp.planeWidth, vdp.planeBColumn, columns, 0, vdp.planeBX}, 1);
+              {vdp.planeBBase, vdp.planeWidth, vdp.planeBColumn, columns, vdp.planeBX}, 1);
     if (window) {
-        DrawCells(vdp, {vdp.windowLine, kMdVdpWindowLow},
-                  {vdp.windowBase, vdp.windowWidth, left, columns, 0, left * kCell});
+        DrawCells<false>(vdp, {vdp.windowLine, kMdVdpWindowLow},
+                         {vdp.windowBase, vdp.windowWidth, left, columns, left * kCell},
+                         [](uint32_t) { return 0U; });
     } else {
         DrawPairsA(vdp, columns);
     }

@@ -44,15 +44,26 @@ uint32_t ClocksToVisibleEvent(const MD_VDP& vdp, const VisibleEvent& events, con
     return kMdVdpLineClocks - now;
 }
 
-// Which slots end a span, because the FIFO or a DMA would use them.
-enum SlotUse : uint32_t { kNoSlots, kDisplaySlots, kBlankedSlots };
+// Which steps end a span: slots that the FIFO or a DMA would use, and fetches in the lines of the picture.
+enum SpanKind : uint32_t { kNoSlots, kDisplaySlots, kBlankedSlots, kNoFetches };
 
 template <size_t Steps>
-constexpr std::array<std::array<uint8_t, Steps>, 3>
+constexpr std::array<uint8_t, Steps> WithoutFetches(std::array<uint8_t, Steps> actions) {
+    for (uint8_t& action : actions) {
+        if ((action & kMdVdpEventBits) == kMdVdpFetch) {
+            action = 0;
+        }
+    }
+    return actions;
+}
+
+template <size_t Steps>
+constexpr std::array<std::array<uint8_t, Steps>, 4>
 BuildSpans(const std::array<uint8_t, Steps>& actions, const std::array<uint8_t, Steps>& lengths) {
     return {SpanLengths(actions, lengths, kMdVdpEventBits),
             SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpDisplaySlot),
-            SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpBlankedSlot)};
+            SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpBlankedSlot),
+            SpanLengths(WithoutFetches(actions), lengths, kMdVdpEventBits)};
 }
 
 constexpr auto kSpansH32 = BuildSpans(kMdVdpActionsH32, kMdVdpLengthsH32);
@@ -107,49 +118,61 @@ constexpr auto kShades = [] {
     }
 }
 
-// Operators are rare. In a block of eight dots without any, the flag alone chooses the table. The line
-// buffers are longer than a line by one block, so the last one may be read whole.
+// Operators are rare. In a block of eight dots without any, the flags alone choose the table.
 constexpr uint32_t kBlock = 8;
-static_assert(kMdVdpWidth + kBlock <= kMdVdpLine);
 
-void PutShadowedDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
-    while (x < end) {
-        const uint32_t blockEnd = std::min(x + kBlock, end);
-        uint64_t operators = 0;
-        std::memcpy(&operators, &vdp.shadowOp[x], sizeof operators);
-        if (operators != 0) {
-            for (; x < blockEnd; ++x) {
-                PutShadowedDot(vdp, x);
-            }
-            continue;
+[[nodiscard]] inline uint64_t LoadBlock(const uint8_t* bytes) {
+    uint64_t block = 0;
+    std::memcpy(&block, bytes, sizeof block);
+    return block;
+}
+
+// Whether all eight bytes are the same.
+[[nodiscard]] inline bool IsUniform(uint64_t block) {
+    return block == std::rotl(block, 8);
+}
+
+// Eight dots by one colour table. In most blocks one layer is on top of all of them.
+[[gnu::always_inline]] inline void PutBlock(const MD_VDP& vdp, uint32_t x,
+                                            const uint32_t* colours) {
+    const uint64_t codes = LoadBlock(&vdp.layerCode[x]);
+    uint32_t* row = vdp.rowOut + x;
+    if (IsUniform(codes)) {
+        const uint16_t* line = vdp.layerBuffers[codes & 0xFF] + x;
+        for (uint32_t i = 0; i < kBlock; ++i) {
+            row[i] = colours[line[i]];
         }
-        for (; x < blockEnd; ++x) {
-            const uint32_t shade = (vdp.lineFlags[x] & 1U) * kPlain;
-            vdp.rowOut[x] = vdp.colourTables[shade + vdp.layerBuffers[vdp.layerCode[x]][x]];
-        }
+        return;
+    }
+    for (uint32_t i = 0; i < kBlock; ++i) {
+        row[i] = colours[vdp.layerBuffers[vdp.layerCode[x + i]][x + i]];
     }
 }
 
-// In most blocks one layer is on top of all eight dots.
-void PutPlainDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
-    const uint32_t* colours = vdp.colourTables + kPlain;
-    uint32_t* row = vdp.rowOut;
+void PutShadowedDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
+    constexpr uint64_t kFlags = 0x0101010101010101;
     for (; end - x >= kBlock; x += kBlock) {
-        uint64_t codes = 0;
-        std::memcpy(&codes, &vdp.layerCode[x], sizeof codes);
-        if (codes == std::rotl(codes, 8)) {
-            const uint16_t* line = vdp.layerBuffers[codes & 0xFF] + x;
-            for (uint32_t i = 0; i < kBlock; ++i) {
-                row[x + i] = colours[line[i]];
-            }
+        const uint64_t flags = LoadBlock(&vdp.lineFlags[x]) & kFlags;
+        if (LoadBlock(&vdp.shadowOp[x]) == 0 && IsUniform(flags)) {
+            PutBlock(vdp, x, vdp.colourTables + (flags & 1) * kPlain);
             continue;
         }
-        for (uint32_t i = x; i < x + kBlock; ++i) {
-            row[i] = colours[vdp.layerBuffers[vdp.layerCode[i]][i]];
+        for (uint32_t i = 0; i < kBlock; ++i) {
+            PutShadowedDot(vdp, x + i);
         }
     }
     for (; x < end; ++x) {
-        row[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
+        PutShadowedDot(vdp, x);
+    }
+}
+
+void PutPlainDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
+    const uint32_t* colours = vdp.colourTables + kPlain;
+    for (; end - x >= kBlock; x += kBlock) {
+        PutBlock(vdp, x, colours);
+    }
+    for (; x < end; ++x) {
+        vdp.rowOut[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
     }
 }
 
@@ -210,12 +233,37 @@ void RunSpan(MD_VDP& vdp, uint32_t count) {
     }
 }
 
-uint32_t SpanLength(const MD_VDP& vdp) {
-    uint32_t use = kNoSlots;
-    if (md_vdp_tick::HasSlotWork(vdp)) {
-        use = vdp.blanked != 0 ? kBlankedSlots : kDisplaySlots;
+uint32_t SpanLength(const MD_VDP& vdp, uint32_t kind) {
+    return vdp.h40 != 0 ? kSpansH40[kind][vdp.hCount] : kSpansH32[kind][vdp.hCount];
+}
+
+// Whether the slots that come write VRAM alone, so that no dot shows them, and start nothing else at their end.
+bool WritesVramAlone(const MD_VDP& vdp) {
+    if (vdp.dmaPending != 0 || (vdp.dmaState == kMdVdpDmaBus && vdp.dmaCode != kMdVdpCodeVram)) {
+        return false;
     }
-    return vdp.h40 != 0 ? kSpansH40[use][vdp.hCount] : kSpansH32[use][vdp.hCount];
+    const auto* entry = vdp.fifo.data();
+    return std::all_of(entry, entry + vdp.fifoCount,
+                       [](const auto& waiting) { return waiting.code == kMdVdpCodeVram; });
+}
+
+// The blanked slots among `count` steps.
+template <size_t Steps>
+uint32_t CountSlots(const std::array<uint16_t, Steps>& before, uint32_t from, uint32_t count) {
+    return uint32_t{before[from + count]} - before[from];
+}
+
+constexpr auto kSlotsBeforeH32 = md_vdp_timetable::CountBefore(kMdVdpActionsH32, kMdVdpBlankedSlot);
+constexpr auto kSlotsBeforeH40 = md_vdp_timetable::CountBefore(kMdVdpActionsH40, kMdVdpBlankedSlot);
+
+// Runs a span below the picture, with its slots.
+void RunDarkSpan(MD_VDP& vdp, uint32_t count) {
+    uint32_t slots = vdp.h40 != 0 ? CountSlots(kSlotsBeforeH40, vdp.hCount, count)
+                                  : CountSlots(kSlotsBeforeH32, vdp.hCount, count);
+    RunSpan(vdp, count);
+    for (; slots != 0 && md_vdp_tick::HasSlotWork(vdp); --slots) {
+        MdVdpAccessSlot(vdp);
+    }
 }
 
 // The part of a line between its start and its end, by width.
@@ -259,10 +307,10 @@ constexpr Display BuildDisplay(const std::array<uint8_t, Steps>& actions,
     return display;
 }
 
-constexpr Display kDisplayH32 =
-    BuildDisplay(kMdVdpActionsH32, kStartsH32, kMdVdpFirstDotH32, kMdVdpDotsH32);
-constexpr Display kDisplayH40 =
-    BuildDisplay(kMdVdpActionsH40, kStartsH40, kMdVdpFirstDotH40, kMdVdpDotsH40);
+// By `h40`.
+constexpr Display kDisplays[2] = {
+    BuildDisplay(kMdVdpActionsH32, kStartsH32, kMdVdpFirstDotH32, kMdVdpDotsH32),
+    BuildDisplay(kMdVdpActionsH40, kStartsH40, kMdVdpFirstDotH40, kMdVdpDotsH40)};
 
 // How many of the fetches come before a step, and how many of the dots.
 uint32_t FetchesBefore(const Display& display, uint32_t step) {
@@ -277,8 +325,7 @@ uint32_t DotsBefore(const Display& display, uint32_t step) {
 // Whether the steps from here to the end of the line's display can run at once: the display is on, no slot is
 // used, and columns and dots are where the timetable has them, which a damaged state need not have.
 bool ShowsCells(const MD_VDP& vdp, const Display& display) {
-    if (vdp.blanked != 0 || vdp.hCount < display.start || vdp.hCount >= display.end ||
-        md_vdp_tick::HasSlotWork(vdp)) {
+    if (vdp.hCount < display.start || vdp.hCount >= display.end) {
         return false;
     }
     if (vdp.hCount == display.start) {
@@ -327,13 +374,21 @@ void MdVdpPutShadowedDot(MD_VDP& vdp) {
 void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
     vdp.stepDebt += static_cast<int32_t>(masterClocks);
     while (vdp.stepDebt > 0) {
-        const Display& display = vdp.h40 != 0 ? kDisplayH40 : kDisplayH32;
-        if (ShowsCells(vdp, display)) {
-            RunDisplay(vdp, display);
-            continue;
+        const bool slotWork = md_vdp_tick::HasSlotWork(vdp);
+        if (!slotWork && vdp.blanked == 0) {
+            const Display& display = kDisplays[vdp.h40 & 1];
+            if (ShowsCells(vdp, display)) {
+                RunDisplay(vdp, display);
+                continue;
+            }
         }
+        const bool dark = vdp.line >= vdp.activeHeight && (!slotWork || WritesVramAlone(vdp));
+        const uint32_t kind = dark               ? kNoFetches
+                              : !slotWork        ? kNoSlots
+                              : vdp.blanked != 0 ? kBlankedSlots
+                                                 : kDisplaySlots;
         const uint32_t length = vdp.stepTable[vdp.hCount];
-        const uint32_t span = SpanLength(vdp);
+        const uint32_t span = SpanLength(vdp, kind);
         if (span == 0) {
             vdp.stepDebt -= static_cast<int32_t>(length);
             if (vdp.h40 != 0) {
@@ -347,7 +402,11 @@ void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
         const uint32_t due = length == 8 ? (debt + 7) / 8 : (debt + 9) / 10;
         const uint32_t count = std::min(due, span);
         vdp.stepDebt -= static_cast<int32_t>(count * length);
-        RunSpan(vdp, count);
+        if (dark && slotWork) {
+            RunDarkSpan(vdp, count);
+        } else {
+            RunSpan(vdp, count);
+        }
     }
 }
 

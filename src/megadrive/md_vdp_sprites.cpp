@@ -143,19 +143,23 @@ private:
     // Most sprites aren't on the line: skips them while there is time for one more.
     void SkipUnseen() {
         const uint32_t doubled = vdp.interlace2;
+        const uint32_t base = vdp.spriteBase;
+        const uint32_t origin = line + kOrigin;
+        // The last entry of all and, at 40 cells, of the list ends the scan, so it isn't skipped.
+        const uint32_t last = vdp.h40 != 0 ? kLastIndex : ~0U;
+        const uint32_t most = budget >= 4 ? (budget - 2) / 2 : 0;
         uint32_t index = scan.index;
         uint32_t skipped = 0;
-        for (; budget >= 4; budget -= 2, ++skipped) {
-            const uint32_t entry = vdp.spriteBase + index * 8;
-            const uint32_t y = TopOf(MdVdpVramWord(vdp, entry), doubled);
-            const uint32_t size = MdVdpVramWord(vdp, entry + 2);
+        for (; skipped < most; ++skipped) {
+            const uint32_t y = MdVdpVramWord(vdp, base + index * 8) >> doubled & kPlaceBits;
+            const uint32_t size = MdVdpVramWord(vdp, base + index * 8 + 2);
             const uint32_t link = size & kLinkBits;
-            const bool isLast = index == kLastIndex && vdp.h40 != 0;
-            if (line - y < HeightOf(size) || link >= limits.links || isLast) {
+            if (origin - y < HeightOf(size) || link >= limits.links || index == last) {
                 break;
             }
             index = link;
         }
+        budget -= skipped * 2;
         scan.index = index;
         scan.seen += skipped;
     }

@@ -7,6 +7,7 @@
 #include "megadrive/m68000_tick.h"
 #include "megadrive/md_bus.h"
 #include "megadrive/md_vdp_tick.h"
+#include "megadrive/md_z80_ahead.h"
 #include "megadrive/ym2612_tick.h"
 #include "sega8/z80_tick.h"
 
@@ -139,27 +140,41 @@ uint32_t RunZ80(MEGA_DRIVE& md, uint32_t cycles) {
     return done;
 }
 
-template <bool svp>
-void RunFrameFast(MEGA_DRIVE& md) {
-    uint32_t freeInstructions = 0;
-    CatchUpToEvent(md);
-    while (md.vdp.frameDone == 0) {
-        uint32_t cycles = RunInstruction<svp>(md, freeInstructions);
-        // The Z80 may write to the VDP and so bring an event near.
-        while (md.vdpOwed + cycles < md.vdpToEvent) {
-            const uint32_t done = RunZ80(md, cycles);
-            if (done == 0) {
-                break;
-            }
-            cycles -= done;
+// The cycles of an instruction in which the Z80 or the VDP does something that others see.
+[[gnu::noinline]] void RunCycles(MEGA_DRIVE& md, uint32_t cycles) {
+    cycles -= MdSettleZ80(md, cycles);
+    // The Z80 may write to the VDP and so bring an event near.
+    while (md.vdpOwed + cycles < md.vdpToEvent) {
+        const uint32_t done = RunZ80(md, cycles);
+        if (done == 0) {
+            break;
         }
-        if (md.vdpOwed + cycles >= md.vdpToEvent) [[unlikely]] {
-            RunCyclesPlain(md, cycles);
-            continue;
-        }
+        cycles -= done;
+    }
+    if (md.vdpOwed + cycles >= md.vdpToEvent) {
+        RunCyclesPlain(md, cycles);
+    } else {
         md.vdpOwed += cycles;
         md.fmOwed += cycles;
     }
+    MdRunZ80Ahead(md);
+}
+
+template <bool svp>
+void RunFrameFast(MEGA_DRIVE& md) {
+    uint32_t freeInstructions = 0;
+    md.z80Deadline = kMdZ80Clocks;
+    CatchUpToEvent(md);
+    while (md.vdp.frameDone == 0) {
+        const uint32_t cycles = RunInstruction<svp>(md, freeInstructions);
+        if (md.z80Clock < md.z80Deadline && md.vdpOwed + cycles < md.vdpToEvent) [[likely]] {
+            md.vdpOwed += cycles;
+            md.fmOwed += cycles;
+        } else {
+            RunCycles(md, cycles);
+        }
+    }
+    MdCatchUpZ80(md);
     MdCatchUpVdp(md);
     MdCatchUpFm(md);
     MdCatchUpPsg(md);

@@ -15,9 +15,7 @@ using md_vdp_timetable::SpanLengths;
 using md_vdp_timetable::StartClocks;
 using md_vdp_timetable::VisibleEvents;
 
-// The steps whose events may reach the machine, and the master clock at which each step begins.
-constexpr auto kVisibleEventsH32 = VisibleEvents(kMdVdpActionsH32);
-constexpr auto kVisibleEventsH40 = VisibleEvents(kMdVdpActionsH40);
+// The master clock at which each step begins.
 constexpr auto kStartsH32 = StartClocks(kMdVdpLengthsH32);
 constexpr auto kStartsH40 = StartClocks(kMdVdpLengthsH40);
 
@@ -31,17 +29,40 @@ bool IsVisible(const MD_VDP& vdp, uint32_t event) {
     }
 }
 
-// Master clocks from the start of the next step to the start of the next one with a visible event; or to the
-// end of the line, because the next line may have the other width.
-template <typename VisibleEvent, typename Starts>
-uint32_t ClocksToVisibleEvent(const MD_VDP& vdp, const VisibleEvent& events, const Starts& starts) {
-    const uint32_t now = starts[vdp.hCount];
-    for (const auto& [step, event] : events) {
+// Of the lines after this one, how many certainly pass before one with a visible event.
+template <const auto& Actions>
+uint32_t QuietLines(const MD_VDP& vdp) {
+    constexpr uint32_t kLineEnd = md_vdp_timetable::StepOf(Actions, kMdVdpLineEnd);
+    constexpr uint32_t kIncrement = md_vdp_timetable::StepOf(Actions, kMdVdpVCountIncrement);
+    if (*vdp.zIntLine != 0) {
+        return 0;
+    }
+    const uint32_t line = vdp.line + (vdp.hCount > kLineEnd ? 0 : 1);
+    const uint32_t vCount = vdp.vCount + (vdp.hCount > kIncrement ? 0 : 1);
+    const uint32_t toLast = vdp.totalLines - 1 - std::min(line, vdp.totalLines - 1);
+    const uint32_t toBlank = (vdp.activeHeight + vdp.totalLines - vCount) % vdp.totalLines;
+    uint32_t lines = std::min(toLast, toBlank);
+    if ((vdp.regs[kMdVdpRegMode1] & kMdVdpReg0HInterrupt) != 0) {
+        // The counter goes down by one a line, or is reloaded.
+        const int32_t reloaded = vdp.regs[kMdVdpRegHInterrupt] + 1;
+        const int32_t counted = std::min(vdp.hCounter, reloaded) - 1;
+        lines = std::min(lines, static_cast<uint32_t>(std::max(counted, 0)));
+    }
+    return lines;
+}
+
+// Master clocks from the start of the next step to the start of the next one with a visible event, or of a line
+// that may have one.
+template <const auto& Actions, const auto& Starts>
+uint32_t ClocksToVisibleEvent(const MD_VDP& vdp) {
+    static constexpr auto kEvents = VisibleEvents(Actions);
+    const uint32_t now = Starts[vdp.hCount];
+    for (const auto& [step, event] : kEvents) {
         if (step >= vdp.hCount && IsVisible(vdp, event)) {
-            return starts[step] - now;
+            return Starts[step] - now;
         }
     }
-    return kMdVdpLineClocks - now;
+    return kMdVdpLineClocks * (QuietLines<Actions>(vdp) + 1) - now;
 }
 
 // Which steps end a span: slots that the FIFO or a DMA would use, and fetches in the lines of the picture.
@@ -415,8 +436,8 @@ uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet) {
     if (vdp.fifoCount > kMdVdpFifo || vdp.dmaPending != 0) {
         return 0;
     }
-    const uint32_t clocks = vdp.h40 != 0 ? ClocksToVisibleEvent(vdp, kVisibleEventsH40, kStartsH40)
-                                         : ClocksToVisibleEvent(vdp, kVisibleEventsH32, kStartsH32);
+    const uint32_t clocks = vdp.h40 != 0 ? ClocksToVisibleEvent<kMdVdpActionsH40, kStartsH40>(vdp)
+                                         : ClocksToVisibleEvent<kMdVdpActionsH32, kStartsH32>(vdp);
     const uint32_t toEvent = clocks + static_cast<uint32_t>(-vdp.stepDebt);
     if (vdp.dmaState != kMdVdpDmaBus) {
         return toEvent;

@@ -11,7 +11,11 @@
 // number of clocks of this run that have ended. Accesses may change irqLine and nmiEdge. A bus whose
 // accesses may change busHold or enabled, or that must end the run for another reason, also has
 //     bool Stops() const;
-// which is called after every access and fetch and ends the run when it returns true.
+// which is called after every access and fetch and ends the run when it returns true. One on which nothing
+// but the Z80 changes anything during a run may have
+//     uint32_t SkipRounds(Z80& z80, uint32_t left);
+// which is called between two instructions with the clocks that are left, and returns how many are left after
+// the rounds of a loop that it has skipped.
 #pragma once
 
 #include "sega8/z80.h"
@@ -125,6 +129,11 @@ template <typename Bus>
         }
         Decode(z80);
         left = RunSteps(z80, bus, clocks, left - kDecodedAt);
+        if constexpr (requires { bus.SkipRounds(z80, left); }) {
+            if (left != 0 && !Stops(bus) && StartsInstruction(z80)) {
+                left = bus.SkipRounds(z80, left);
+            }
+        }
     } while (left >= kDecodedAt && z80.pendingInterrupt == kZ80NoInterrupt && !Stops(bus));
     return left;
 }

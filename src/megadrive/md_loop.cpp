@@ -3,7 +3,7 @@
 // The plain loop is the console: an instruction of the 68000, then for each of its cycles a tick of Z80, PSG,
 // FM chip and VDP in this order. The fast loop has the same results. In it VDP, FM chip and PSG owe their clocks
 // and catch up when one of their addresses is accessed, or when the VDP comes to an event that drives a line
-// or reads memory.
+// or reads memory. The Z80 runs ahead instead, as far as nobody can see it (md_z80_ahead.h).
 #include "megadrive/m68000_tick.h"
 #include "megadrive/md_bus.h"
 #include "megadrive/md_vdp_tick.h"
@@ -77,7 +77,7 @@ void CatchUpToEvent(MEGA_DRIVE& md) {
     MdRefreshVdpToEvent(md);
 }
 
-// The Z80's bus while it runs several clocks at once, one in each 68000 cycle. An access beyond its own RAM
+// The Z80's bus for the clocks of one 68000 instruction, one in each cycle, when the Z80 isn't ahead. An access beyond its own RAM
 // counts the cycles up to its clock, so that the other chips catch up to there. The run stops after an access
 // that brings an event of the VDP near, or that may have changed the Z80's own bus request or reset.
 struct MD_CATCH_UP_Z80_BUS {

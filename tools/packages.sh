@@ -10,7 +10,7 @@ build_packages=(
 
 # Also to build and run the tests, benchmarks and fuzz entry points.
 test_packages=(
-    clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev libsamplerate0-dev python3 xauth xvfb
+    clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev libsamplerate0-dev python3 valgrind xauth xvfb
 )
 
 # Also to check format and lint.

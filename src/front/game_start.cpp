@@ -4,7 +4,11 @@
 #include "host/report.h"
 #include "host/session.h"
 
-uint32_t StartGame(uint32_t sessionKey, const OPENED_GAME& opened, std::string& error) {
+std::string StartFailedLine(const std::string& reason) {
+    return kStartFailed + (reason.empty() ? std::string() : ": " + reason);
+}
+
+uint32_t StartGame(uint32_t sessionKey, const OPENED_GAME& opened, std::string& reason) {
     // EmuStartSession does not change the games, though its parameters are not const.
     auto& game = const_cast<CGameFile&>(opened.game);
     auto& bios = const_cast<CGameFile&>(opened.bios);
@@ -14,7 +18,6 @@ uint32_t StartGame(uint32_t sessionKey, const OPENED_GAME& opened, std::string& 
     if (serial != 0) {
         return serial;
     }
-    const std::string reason = EmuLastError();
-    error = "Error loading game" + (reason.empty() ? std::string() : ": " + reason);
+    reason = EmuLastError();
     return 0;
 }

@@ -3,10 +3,11 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "front/event_pump.h"
+#include "front/game_start.h"
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
-#include "front/processor_binder.h"
+#include "front/program_commands.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
@@ -31,6 +32,16 @@ bool ToolkitTakesEscape() {
     return top != nullptr && top->owner != nullptr;
 }
 
+void ShowFailure(const GAME_FAILURE& failure) {
+    if (!failure.starting) {
+        CGhostMessageBox::Show(L"The game has ended", WideFromUtf8(failure.reason));
+        return;
+    }
+    CGhostMessageBox::Show(WideFromUtf8(kStartFailed), failure.reason.empty()
+                                                           ? L"Its machine does not start."
+                                                           : WideFromUtf8(failure.reason));
+}
+
 constexpr std::chrono::milliseconds kLongestGoodbye{500};
 
 SERVICE_ADDRESSES ServiceOfSettings() {
@@ -48,10 +59,7 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
     : calls(std::move(programCalls))
     , joysticks(surroundings.joysticks)
     , room(surroundings, {},
-           {[this](ModeOrder order) { Obey(order); },
-            [](const std::string& error) {
-                CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
-            }},
+           {[this](ModeOrder order) { Obey(order); }, ShowFailure, [this] { ToggleGameMenu(); }},
            ProgramMode::kMenu)
     , menu(*this)
     , overlay(*this)
@@ -62,7 +70,7 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
                       menu.TakeFocus();
                   }
               }}) {
-    player.Open(ResolvePath(kPlayerDatabaseFile), UseAllProcessors);
+    player.Open(ResolvePath(kPlayerDatabaseFile));
 }
 
 // The games that still run end with the room.
@@ -78,27 +86,40 @@ ProgramScreen::~ProgramScreen() {
 
 bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     for (const ModeInput request : std::exchange(wanted, {})) {
-        room.Take(request);
+        Go(request);
     }
     downloads.PumpRequests();
     // The room first, and each by the mode in which the round began: what leads from one to the other must not act in
     // both.
     const bool covered = room.Modes().Covered();
+    // While dropped games are added nobody walks or plays: the mouse must reach the button that cancels.
+    room.HoldPlayer(adding.IsShown());
     const bool roomNews = room.Update(input);
     CountPlayed();
+    FitScreens();
     ReadKeys(input, covered);
+    adding.Update(); // it may start a game
+    room.HoldPlayer(adding.IsShown());
+    if (states.Update(input) && CGhostManager::Get().ModalWindow() == nullptr) {
+        room.Take(ModeInput::kSavedStates);
+    }
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
-    adding.Update();
     ReportPlay();
     return roomNews;
 }
 
+// Each wish finds the screens as the one before left them; a round that took long has several.
+void ProgramScreen::Go(ModeInput input) {
+    room.Take(input);
+    FitScreens();
+}
+
 void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
     // A window that takes the input of all others, such as a message box, has these keys too.
-    const bool behind = CGhostMessageBox::Count() != 0 ||
-                        (CGhostManager::Get().ModalWindow() != nullptr && !adding.IsShown());
+    const bool behind =
+        CGhostMessageBox::Count() != 0 || CGhostManager::Get().ModalWindow() != nullptr;
     for (const GUI_INPUT& event : InputWalkingRoom() ? input.events.screen : input.events.gui) {
         if (event.kind != GuiInputKind::kKeyDown || event.repeat || behind) {
             continue;
@@ -106,20 +127,26 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
         if (event.key == kEscape && adding.IsShown()) {
             adding.GoBack();
         } else if (event.key == kF10) {
-            room.Take(ModeInput::kMainMenu);
+            Go(ModeInput::kMainMenu);
         } else if (event.key == kEscape && covered && !ToolkitTakesEscape()) {
             GoBack();
         }
     }
-    const PAD_PRESSES presses = pad.Update(covered || adding.IsShown() || behind, input.now);
+    const bool padsForMenus = !states.IsShown() && (covered || adding.IsShown() || behind);
+    const PAD_PRESSES presses =
+        pad.Update(!std::exchange(forgetPads, false) && padsForMenus, input.now);
     if (behind) {
+        if (presses.guide) {
+            overlay.CloseMenu();
+        }
         return;
     }
+    const bool nothingOver = !adding.IsShown();
     if (presses.back || presses.guide) {
         GoBack();
     }
     CGUIRomBrowser* const browser = menu.Browser();
-    if (browser != nullptr && browser->IsActive()) {
+    if (nothingOver && covered && browser != nullptr && browser->IsActive()) {
         if (presses.shoulder != 0) {
             browser->SelectSystem(presses.shoulder, -1);
         }
@@ -130,6 +157,12 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
             browser->StartSelected();
         }
     }
+}
+
+// It lies in the window's queue, for the next round.
+void ProgramScreen::ForgetInput() {
+    forgetPads = true;
+    calls.forgetInput();
 }
 
 void ProgramScreen::CountPlayed() {
@@ -143,41 +176,74 @@ void ProgramScreen::GoBack() {
     if (adding.IsShown()) {
         adding.GoBack();
     } else if (!menu.TakeBack()) {
-        room.Take(ModeInput::kBack);
+        Go(ModeInput::kBack);
+    }
+}
+
+// Over nothing that takes the input itself.
+void ProgramScreen::ToggleGameMenu() {
+    const bool free = CGhostManager::Get().ModalWindow() == nullptr && !adding.IsShown();
+    if (overlay.Menu() != nullptr || free) {
+        overlay.ToggleMenu();
     }
 }
 
 void ProgramScreen::Obey(ModeOrder order) {
     if (order == ModeOrder::kQuit) {
         calls.quit();
+    } else if (order == ModeOrder::kSavedStates) {
+        ShowSavedStates();
     }
 }
 
-// Menu, panel and browser are as the mode says.
+// Of a game that runs; one that still starts has none.
+void ProgramScreen::ShowSavedStates() {
+    const uint32_t key = room.Selected().id;
+    const uint32_t serial = room.Games().SerialOn(key);
+    const std::vector<PLAYED_GAME> playing = room.Games().Playing();
+    const auto game = std::find_if(playing.begin(), playing.end(),
+                                   [&](const PLAYED_GAME& one) { return one.serial == serial; });
+    if (game == playing.end()) {
+        return;
+    }
+    states.Open({key, serial, room.Games().TitleOn(key), [this, played = *game] {
+                     const int64_t now = HostClock().nowMicroseconds();
+                     const int64_t seconds = player.Find(played.identity).secondsPlayed +
+                                             playTimes.Untold(played.serial, now);
+                     return static_cast<uint64_t>(std::max<int64_t>(seconds, 0));
+                 }});
+}
+
+// Menu, panel and browser are as the mode says. The room has no panel open behind it: what was played there is new
+// to a browser that is opened again.
 void ProgramScreen::FitScreens() {
     const ProgramMode mode = room.Modes().Mode();
     if (mode == shownMode) {
         return;
     }
     shownMode = mode;
-    if (mode == ProgramMode::kMenu) {
-        menu.Back();
-    } else if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
-        menu.OnMenu(kPanelBrowser);
-        wanted.clear(); // the way has been gone
-    }
     menu.SetVisible(room.Modes().Covered());
+    if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
+        menu.OnMenu(kPanelBrowser);
+        wanted.pop_back(); // the way has been gone
+    } else if (mode != ProgramMode::kBrowser && mode != ProgramMode::kPanel) {
+        menu.Back();
+    }
 }
 
 void ProgramScreen::ReportPlay() {
     const MEMBER_CREDENTIALS& member = menu.Member().Member().Credentials();
     const SERVICE_ADDRESSES service = ServiceOfSettings();
     const RoomGames& games = room.Games();
+    bool reported = false;
     for (const uint32_t key : room.Objects().Televisions()) {
         if (key != 0) {
-            reports.Note(service, member, key, games.SerialOn(key), games.SystemOn(key),
-                         WideFromUtf8(games.TitleOn(key)));
+            reported |= reports.Note(service, member, key, games.SerialOn(key), games.SystemOn(key),
+                                     WideFromUtf8(games.TitleOn(key)));
         }
+    }
+    if (reported) {
+        menu.Member().Member().Check(); // the report itself brings no answer
     }
 }
 
@@ -191,6 +257,7 @@ void ProgramScreen::UpdateOverlay(const SCREEN_INPUT& input) {
     state.selected = room.Selected().id != 0;
     state.selectedOn = room.Selected().on;
     state.mouseUsed = std::any_of(input.events.gui.begin(), input.events.gui.end(), UsesMouse);
+    state.mainMenu = names.mainMenu;
     state.use = names.use;
     state.turnOff = names.turnOff;
     state.attach = names.leave;
@@ -224,6 +291,8 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
 }
 
 bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
+    states.Close();
+    overlay.CloseMenu(); // it would keep the input from the window that opens
     adding.Add({files.begin(), files.end()});
     return true;
 }
@@ -262,7 +331,10 @@ void ProgramScreen::PlayNow(uint32_t key, OPENED_GAME&& opened) {
 
 void ProgramScreen::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {
     std::vector<COVER_IMAGE> images;
-    images.reserve(covers.size());
+    images.reserve(covers.size() + 1);
+    if (cabinet) {
+        images.emplace_back(); // the first place is before the cabinet
+    }
     for (const GUI_BITMAP& cover : covers) {
         images.push_back({cover.pixels, static_cast<uint32_t>(cover.pixelWidth),
                           static_cast<uint32_t>(cover.pixelHeight), kind});
@@ -288,6 +360,18 @@ std::vector<SCREEN_JOYSTICK> ProgramScreen::Joysticks() const {
         }
     }
     return present;
+}
+
+std::wstring ProgramScreen::UseOfKey(uint32_t scancode) const {
+    if (scancode == kF10) {
+        return L"main menu";
+    }
+    for (const PROGRAM_KEY& row : ProgramKeys()) {
+        if (row.scancode == scancode && !row.alt) {
+            return WideFromUtf8(row.name);
+        }
+    }
+    return {};
 }
 
 bool ProgramScreen::OpenBenchmarkGame(CGameFile& game) const {

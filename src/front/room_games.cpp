@@ -19,7 +19,12 @@ bool RoomGames::StartNext(uint32_t key) {
     return true;
 }
 
+// Its image and its BIOS are let go when the session has taken them over.
 void RoomGames::Start(uint32_t key, OPENED_GAME&& opened) {
+    StartOn(key, std::make_shared<const OPENED_GAME>(std::move(opened)));
+}
+
+void RoomGames::StartAndKeep(uint32_t key, OPENED_GAME&& opened) {
     games.push_back(std::make_shared<const OPENED_GAME>(std::move(opened)));
     StartOn(key, games.back());
 }
@@ -57,22 +62,22 @@ void RoomGames::StopAll() {
     static_cast<void>(Collect());
 }
 
-std::vector<std::string> RoomGames::Collect() {
-    std::vector<std::string> errors;
+std::vector<GAME_FAILURE> RoomGames::Collect() {
+    std::vector<GAME_FAILURE> failures;
     for (SESSION_RESULT& result : worker.TakeResults()) {
         TakeOver(result);
-        if (!result.error.empty()) {
-            errors.push_back(std::move(result.error));
+        if (result.failed) {
+            failures.push_back({true, std::move(result.reason)});
         }
     }
     for (const auto& [key, set] : sets) {
         std::string reason;
         if (set.state == SetState::kPlaying && EmuHasEnded(key, reason)) {
-            errors.push_back(std::move(reason));
+            failures.push_back({false, std::move(reason)});
             Stop(key);
         }
     }
-    return errors;
+    return failures;
 }
 
 // A later order for the same set makes this one a thing of the past.

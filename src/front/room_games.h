@@ -31,6 +31,12 @@ struct PLAYED_GAME {
     GAME_IDENTITY identity;
 };
 
+// A game that could not start, or a machine that could not go on.
+struct GAME_FAILURE {
+    bool starting = false;
+    std::string reason; // may be empty for a start
+};
+
 class RoomGames {
 public:
     explicit RoomGames(std::vector<OPENED_GAME> openedGames);
@@ -41,16 +47,18 @@ public:
     // The next game in the list, which goes round, on the set of this key, in the place of what plays on it. False
     // without games.
     [[nodiscard]] bool StartNext(uint32_t key);
-    // A game that joins the list.
+    // A game that is none of the list.
     void Start(uint32_t key, OPENED_GAME&& opened);
+    // A game that joins the list.
+    void StartAndKeep(uint32_t key, OPENED_GAME&& opened);
     // Autosave included.
     void Stop(uint32_t key);
     // Returns when all are off.
     void StopAll();
 
     // Once a round, takes over what has been done, and turns off the sets whose machine has ended by itself.
-    // Returns the reasons of these and of games that could not start.
-    [[nodiscard]] std::vector<std::string> Collect();
+    // Returns these, and the games that could not start.
+    [[nodiscard]] std::vector<GAME_FAILURE> Collect();
 
     [[nodiscard]] SetState StateOf(uint32_t key) const;
     // The serial of the session that plays on the set; 0 while none does.

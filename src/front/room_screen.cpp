@@ -5,6 +5,7 @@
 #include "display/gl.h"
 #include "front/event_pump.h"
 #include "front/game_screen.h"
+#include "front/game_start.h"
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/object_files.h"
@@ -15,6 +16,7 @@
 #include "host/session_list.h"
 #include "room/look_stick.h"
 #include "room/standpoint.h"
+#include "screens/play_keys.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -36,8 +38,10 @@ constexpr uint32_t kLeftButton = 1;
 constexpr uint32_t kMiddleButton = 2;
 constexpr uint64_t kFirstPad = (uint64_t{1} << kPadControls) - 1;
 constexpr float kLongestStep = 0.1f;       // seconds, also after a pause
+constexpr float kGuideIsHeld = 0.6f;       // seconds
 constexpr int64_t kGeneralHint = 10000000; // microseconds that the hint to walk stays
 constexpr int64_t kFullScreenHint = 4000000;
+constexpr int64_t kPlayKeysHint = 20000000; // a game has to start first
 
 bool ActionIsDown(std::wstring_view name) {
     return InputIsDown(kApplicationKey, name);
@@ -78,9 +82,9 @@ std::wstring ActionPadName(std::wstring_view action, PadFamily family, PadContro
     return PadControlName(family, control);
 }
 
-// A window that takes the input of all others, such as a message box, lies over the room.
-bool Behind() {
-    return CGhostManager::Get().ModalWindow() != nullptr;
+bool UsesMouse(const GUI_INPUT& event) {
+    return event.kind == GuiInputKind::kMouseMove || event.kind == GuiInputKind::kMouseDown ||
+           event.kind == GuiInputKind::kWheel;
 }
 
 float Aspect(const DRAW_TARGET& target) {
@@ -102,6 +106,8 @@ struct RoomScreen::HANDS {
     bool use = false;
     bool turnOff = false;
     bool toggleWalking = false;
+    bool gameMenu = false;
+    bool mainMenu = false;
     bool middle = false;
     bool click = false; // with a free mouse
 
@@ -131,6 +137,25 @@ void RoomScreen::StartRenderer() {
 
 bool RoomScreen::WantsInput() const {
     return modes.Walking() && !Behind();
+}
+
+// A window that takes the input of all others, such as a message box, lies over the room, or one of the owner's.
+bool RoomScreen::Behind() const {
+    return playerWaits || CGhostManager::Get().ModalWindow() != nullptr;
+}
+
+Pointer RoomScreen::PointerWanted() const {
+    const bool gun = fullScreen != nullptr && guns.InGame();
+    return PointerFor({modes.Mode(), Behind(), mouseRests, padPoints, gun});
+}
+
+void RoomScreen::NotePointer(const SCREEN_INPUT& input, bool padUsed) {
+    padPoints = padPoints || padUsed;
+    if (std::ranges::any_of(input.events.gui, UsesMouse)) {
+        mouseUsed = input.now;
+        padPoints = false;
+    }
+    mouseRests = input.now - mouseUsed >= kMouseRests;
 }
 
 RoomScreen::~RoomScreen() {
@@ -172,8 +197,8 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     hintsSince = hintsSince == 0 ? input.now : hintsSince;
 
     CollectGames();
-    const ProgramMode before = modes.Mode();
-    HANDS hands = ReadHands(input);
+    HANDS hands = ReadHands(input, seconds);
+    const bool gameMenu = hands.gameMenu && !modes.Covered();
     if (Behind()) {
         hands = {};
     }
@@ -185,7 +210,11 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
         }
         Act(hands);
     }
-    if (before != modes.Mode()) {
+    if (gameMenu && owner.menu) {
+        owner.menu();
+    }
+    // Ways are also gone between two rounds, such as those of the buttons.
+    if (std::exchange(hintedMode, modes.Mode()) != modes.Mode()) {
         hintsSince = input.now;
     }
     ApplyModes();
@@ -194,15 +223,34 @@ bool RoomScreen::Update(const SCREEN_INPUT& input) {
     coverView.Update(seconds);
     const bool boxNews = std::exchange(coverNews, false) || turning;
     if (modes.Covered()) {
-        hints.Show(std::wstring());
+        hints.Show({});
         return boxNews;
     }
-    hints.Show(showsHints ? Hint(input.now) : std::wstring());
+    hints.Show(showsHints ? Hint(input.now) : std::vector<KEY_WORDS>());
     const bool pictureNews = fullScreen != nullptr && fullScreen->Update(input);
     return modes.RoomVisible() || pictureNews;
 }
 
-RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
+// Whether it leaves or opens the menu is known when it is released, or has been held long enough. Without a menu it
+// leaves at once.
+void RoomScreen::ReadGuide(HANDS& hands, bool down, float seconds) {
+    if (modes.Covered() || Behind()) {
+        guideCounts = false;
+    } else if (down && !guideHeld) {
+        guideCounts = owner.menu != nullptr;
+        hands.toggleWalking = hands.toggleWalking || !guideCounts;
+        guideFor = 0.0f;
+    } else if (down && guideCounts) {
+        guideFor += seconds;
+        hands.gameMenu = hands.gameMenu || guideFor >= kGuideIsHeld;
+        guideCounts = guideFor < kGuideIsHeld;
+    } else if (!down && std::exchange(guideCounts, false)) {
+        hands.toggleWalking = true;
+    }
+    guideHeld = down;
+}
+
+RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input, float seconds) {
     HANDS hands;
     const bool walking = modes.Walking();
     bool keysUsed = false;
@@ -249,12 +297,16 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
     hands.nextSet += pressed((pads & PadBit(0, kPadBack)) != 0, nextSetHeld) ? 1 : 0;
     // While a machine is played its buttons are its own; the guide button belongs to no machine.
     const bool played = !modes.RoomVisible() || (!walking && selected.on);
-    const uint64_t leaveControls =
-        PadBit(0, kPadGuide) | (played ? uint64_t{0} : PadBit(0, kPadEast));
-    hands.toggleWalking = pressed((pads & leaveControls) != 0, leaveHeld) || hands.toggleWalking;
+    const auto padDown = [pads](PadControl control) { return (pads & PadBit(0, control)) != 0; };
+    hands.toggleWalking = (pressed(padDown(kPadEast), leaveHeld) && !played) || hands.toggleWalking;
+    hands.mainMenu = pressed(padDown(kPadStart), startHeld) && !played;
+    hands.gameMenu = pressed(ActionIsDown(L"Game Menu"), menuHeld);
+    ReadGuide(hands, padDown(kPadGuide), seconds);
 
-    if (pads != 0 || way.x != 0.0f || way.y != 0.0f || hands.turn.x != 0.0f ||
-        hands.turn.y != 0.0f) {
+    const bool padUsed = InputPadsActing() != 0 || way.x != 0.0f || way.y != 0.0f ||
+                         hands.turn.x != 0.0f || hands.turn.y != 0.0f;
+    NotePointer(input, padUsed);
+    if (padUsed) {
         padInHand = true;
     } else if (keysUsed) {
         padInHand = false;
@@ -314,6 +366,8 @@ void RoomScreen::Act(const HANDS& hands) {
         Take(ModeInput::kLeave);
     } else if (hands.middle) {
         Take(ModeInput::kMiddleButton);
+    } else if (hands.mainMenu && owner.changed) {
+        Take(ModeInput::kMainMenu);
     } else if (modes.Walking() && hands.turnOff) {
         Take(ModeInput::kTurnOff);
     } else if (modes.Walking() && hands.use) {
@@ -375,7 +429,7 @@ bool RoomScreen::ShowFullScreen(uint32_t key) {
     }
     guns = *itsGuns;
     shownKey = key;
-    fullScreen = std::make_unique<GameScreen>(around.televisions, around.view, guns);
+    fullScreen = std::make_unique<GameScreen>(around.televisions, around.view, guns, key);
     return true;
 }
 
@@ -411,10 +465,11 @@ void RoomScreen::Play(uint32_t key, OPENED_GAME&& opened) {
 
 // A game that could not start, and a machine that could not go on, leave a dark set.
 void RoomScreen::CollectGames() {
-    for (const std::string& error : games.Collect()) {
-        PostReport(error);
+    for (const GAME_FAILURE& failure : games.Collect()) {
         if (owner.failed) {
-            owner.failed(error);
+            owner.failed(failure);
+        } else {
+            PostReport(failure.starting ? StartFailedLine(failure.reason) : failure.reason);
         }
     }
     if (fullScreen != nullptr && games.GunsOn(shownKey) == nullptr) {
@@ -428,7 +483,13 @@ void RoomScreen::ApplyModes() {
     around.televisions.ShowInRoom(modes.RoomVisible());
     SoundSetRoomVisible(modes.RoomVisible());
     uint32_t played = kNoSession;
-    if (!modes.Covered() && !Behind()) {
+    // The button that closed a window, or started the game, reaches no machine until it is pressed again.
+    constexpr uint64_t kChoosing = PadBit(0, kPadSouth) | PadBit(0, kPadEast) |
+                                   PadBit(0, kPadStart) | PadBit(1, kPadSouth) |
+                                   PadBit(1, kPadEast) | PadBit(1, kPadStart);
+    const bool elsewhere = modes.Covered() || Behind();
+    choosing = elsewhere || (choosing && (InputPadsDown() & kChoosing) != 0);
+    if (!choosing) {
         played = modes.RoomVisible() ? selected.id : shownKey;
     }
     InputSetActiveKey(played);
@@ -502,7 +563,7 @@ bool RoomScreen::TakeDropped(OPENED_GAME& opened) {
         PostReport("all televisions are on; turn one off, or look at the one to play on");
         return true;
     }
-    games.Start(key, std::move(opened));
+    games.StartAndKeep(key, std::move(opened));
     if (fullScreen != nullptr) {
         guns = *games.GunsOn(key);
     }
@@ -523,40 +584,62 @@ std::wstring RoomScreen::NameOf(const wchar_t* action, PadControl control,
 }
 
 HAND_NAMES RoomScreen::HandNames() const {
-    return {NameOf(L"Use", kPadSouth, L""), NameOf(L"Turn Off", kPadNorth, L""),
-            NameOf(L"", kPadGuide, L"ESC")};
+    return {NameOf(L"", kPadStart, L"F10"), NameOf(L"Use", kPadSouth, L""),
+            NameOf(L"Turn Off", kPadNorth, L""), NameOf(L"", kPadGuide, L"ESC")};
 }
 
-std::wstring RoomScreen::Hint(int64_t now) const {
-    const auto name = [this](const wchar_t* action, PadControl control, const wchar_t* key) {
-        return NameOf(action, control, key);
+std::wstring RoomScreen::GameMenuName() const {
+    const std::wstring own = padInHand ? BindingNameOf(L"Game Menu", true) : std::wstring();
+    if (!own.empty()) {
+        return own;
+    }
+    if (padInHand && (InputPadsTaken() & PadBit(0, kPadGuide)) == 0) {
+        return std::wstring(PadControlName(around.joysticks.Family(), kPadGuide)) + L" held";
+    }
+    return ActionKeyName(L"Game Menu");
+}
+
+// What can be done, each with what the player presses; what he has no key for is left out.
+std::vector<KEY_WORDS> RoomScreen::Hint(int64_t now) const {
+    std::vector<KEY_WORDS> words;
+    const auto say = [&](std::vector<std::wstring> keys, std::wstring does) {
+        std::erase(keys, std::wstring());
+        if (!keys.empty()) {
+            words.push_back({std::move(keys), std::move(does)});
+        }
     };
-    const std::wstring back = name(L"", kPadGuide, L"Esc");
+    const std::wstring back = NameOf(L"", kPadGuide, L"Esc");
+    const std::wstring use = NameOf(L"Use", kPadSouth, L"");
+    const std::wstring menu = owner.menu ? GameMenuName() : std::wstring();
     const bool told = owner.changed != nullptr; // the owner tells what can be done with a set
+    const bool isNew = now - hintsSince < kGeneralHint;
     if (!modes.RoomVisible()) {
-        return now - hintsSince < kFullScreenHint ? back + L"   Back to the room" : std::wstring();
+        if (now - hintsSince < kFullScreenHint) {
+            say({back}, L"Back to the room");
+            say({menu}, L"Menu");
+        }
+    } else if (!modes.Walking()) {
+        if (now - hintsSince < kPlayKeysHint && selected.on && !padInHand) {
+            words = PlayKeys(games.SystemOn(selected.id));
+        }
+        say({back}, selected.on ? L"Walk on" : L"or a click   walk on");
+        say({menu}, L"Menu");
+    } else if (selected.id != 0) {
+        if (!told && selected.on) {
+            say({use}, L"Play " + WideFromUtf8(games.TitleOn(selected.id)));
+            say({NameOf(L"Turn Off", kPadNorth, L"")}, L"Turn off");
+        } else if (!told) {
+            say({use}, L"Turn on: " + WideFromUtf8(games.NextTitle()));
+        }
+    } else if (isNew && padInHand) {
+        say({L"Left stick"}, L"Walk");
+        say({L"Right stick"}, L"Look");
+        say({NameOf(L"", kPadBack, L"Page Down")}, L"Next set");
+    } else if (isNew) {
+        say(DirectionKeys({L"Move Forward", L"Move Left", L"Move Back", L"Move Right"}), L"Walk");
+        say({L"Mouse"}, L"Look");
+        say({L"Page Down"}, L"Next set");
+        say({L"Esc"}, L"Free the mouse");
     }
-    if (!modes.Walking()) {
-        return selected.on ? back + L"   Walk on" : back + L" or a click   Walk on";
-    }
-    if (told && selected.id != 0) {
-        return {};
-    }
-    if (selected.on) {
-        return name(L"Use", kPadSouth, L"") + L"   Play " +
-               WideFromUtf8(games.TitleOn(selected.id)) + L"      " +
-               name(L"Turn Off", kPadNorth, L"") + L"   Turn off";
-    }
-    if (selected.id != 0) {
-        return name(L"Use", kPadSouth, L"") + L"   Turn on: " + WideFromUtf8(games.NextTitle());
-    }
-    if (now - hintsSince >= kGeneralHint) {
-        return {};
-    }
-    return padInHand ? L"Left stick   Walk      Right stick   Look      " +
-                           name(L"", kPadBack, L"Page Down") + L"   Next set"
-                     : ActionKeyName(L"Move Forward") + L" " + ActionKeyName(L"Move Left") + L" " +
-                           ActionKeyName(L"Move Back") + L" " + ActionKeyName(L"Move Right") +
-                           L"   Walk      Mouse   Look      Page Down   Next set      Esc   Free "
-                           L"the mouse";
+    return words;
 }

@@ -5,11 +5,12 @@
 //                 game
 //   standing      the mouse is free; a machine at which the player stands gets the input
 //   full screen   one set's picture fills the window and its machine gets the input
-// Escape, and a controller's guide button, lead back to walking from both. Which way leads where is told by
+// Escape, and a controller's guide button, lead back to walking from both; the guide button acts when it is released,
+// as the owner's game menu opens when it is held. Which way leads where is told by
 // ProgramModes, which this owns; while menu or browser cover the window the room only keeps its games.
 // Without an owner, as the command `room` without the program's screens, `Use` at a set that is on shows it full
 // screen, and at one that is off starts the next of the games that were given.
-// While a message box is open nobody walks or plays.
+// While a message box or a window of the owner is open nobody walks or plays.
 // Page Down and Page Up, and a controller's back button, put the player before the next set and the one before:
 // also before those that a look does not choose where they stand.
 //
@@ -50,12 +51,14 @@ struct ROOM_SURROUNDINGS {
 
 // Who shows menu and browser over the room.
 struct ROOM_OWNER {
-    std::function<void(ModeOrder order)> changed;         // the mode may be another one now
-    std::function<void(const std::string& error)> failed; // a game could not start or go on
+    std::function<void(ModeOrder order)> changed; // the mode may be another one now
+    std::function<void(const GAME_FAILURE& failure)> failed;
+    std::function<void()> menu = {}; // the player wants the game menu, or no longer
 };
 
 // How the player's keys, or the buttons of the controller in hand, are called.
 struct HAND_NAMES {
+    std::wstring mainMenu;
     std::wstring use;
     std::wstring turnOff;
     std::wstring leave;
@@ -73,6 +76,7 @@ public:
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override;
     [[nodiscard]] bool WantsInput() const override;
+    [[nodiscard]] Pointer PointerWanted() const override;
     [[nodiscard]] bool TakeDropped(OPENED_GAME& opened) override;
     void LoseGraphics() override { renderer.Release(); }
     void RenewGraphics() override { StartRenderer(); }
@@ -93,6 +97,9 @@ public:
     void StandAt(VECTOR3 from, VECTOR3 at);
     // At the door, where the room is entered.
     void StandAtDoor();
+
+    // While something of the owner's has the keys nobody walks or plays.
+    void HoldPlayer(bool hold) { playerWaits = hold; }
 
     // Goes where the player wants, and does what belongs to the room of it.
     ModeOrder Take(ModeInput input);
@@ -117,12 +124,15 @@ private:
     struct HANDS; // what the player's hands did in a round
 
     void StartRenderer();
-    [[nodiscard]] HANDS ReadHands(const SCREEN_INPUT& input);
+    [[nodiscard]] bool Behind() const;
+    [[nodiscard]] HANDS ReadHands(const SCREEN_INPUT& input, float seconds);
+    void ReadGuide(HANDS& hands, bool down, float seconds);
     void Walk(const HANDS& hands, float seconds);
     void ChooseSet(const HANDS& hands);
     void VisitSet(int step);
     void Act(const HANDS& hands);
     void Use();
+    void NotePointer(const SCREEN_INPUT& input, bool padUsed);
     void StopSelected();
     void FitMode();
     bool ShowFullScreen(uint32_t key);
@@ -132,7 +142,8 @@ private:
     void AttachPictures();
     [[nodiscard]] std::wstring NameOf(const wchar_t* action, PadControl control,
                                       const wchar_t* key) const;
-    [[nodiscard]] std::wstring Hint(int64_t now) const;
+    [[nodiscard]] std::wstring GameMenuName() const;
+    [[nodiscard]] std::vector<KEY_WORDS> Hint(int64_t now) const;
 
     ROOM_SURROUNDINGS around;
     RoomGames games;
@@ -150,12 +161,23 @@ private:
     uint32_t visited = 0;   // the set before which the player was put, until he moves
     uint32_t shownKey = 0;  // of the set that fills the window
     int64_t lastRound = 0;  // microseconds of the host's clock; 0 before the first
-    int64_t hintsSince = 0; // of the present mode
+    int64_t hintsSince = 0; // of the mode that follows
+    ProgramMode hintedMode = ProgramMode::kWalking;
+    int64_t mouseUsed = -kMouseRests;
     bool useHeld = false;
     bool turnOffHeld = false;
     bool leaveHeld = false;
+    bool menuHeld = false;
+    bool startHeld = false;
+    bool guideHeld = false;
+    bool guideCounts = false; // the press began here, and has not been used
+    float guideFor = 0.0f;    // seconds that it has been held
     bool nextSetHeld = false;
-    bool padInHand = false;
+    bool padInHand = false; // after the keyboard and the mouse
+    bool padPoints = false; // after the mouse
+    bool mouseRests = true;
+    bool playerWaits = false; // something of the owner's lies over the room
+    bool choosing = false;    // the input is elsewhere, or a button is still held from there
     bool showsHints = true;
     bool hasCovers = false;
     bool coverNews = false; // the boxes look different since the last round

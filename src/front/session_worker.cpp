@@ -1,10 +1,8 @@
 #include "front/session_worker.h"
 
+#include "base/helper_thread.h"
 #include "front/game_start.h"
-#include "front/processor_binder.h"
 #include "host/session.h"
-
-#include <SDL_thread.h>
 
 #include <mutex>
 #include <utility>
@@ -12,9 +10,10 @@
 namespace {
 
 SESSION_RESULT Do(const SESSION_ORDER& order) {
-    SESSION_RESULT result{order.number, order.key, 0, {}};
+    SESSION_RESULT result{order.number, order.key, 0, false, {}};
     if (order.game != nullptr) {
-        result.serial = StartGame(order.key, *order.game, result.error);
+        result.serial = StartGame(order.key, *order.game, result.reason);
+        result.failed = result.serial == 0;
     } else {
         EmuStopSession(order.key);
     }
@@ -53,10 +52,8 @@ void SessionWorker::Finish() {
     changed.wait(hold, [this] { return orders.empty(); });
 }
 
-// The main thread's priority and processor, which this thread inherits, are for drawing.
 void SessionWorker::Run() {
-    SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
-    UseAllProcessors();
+    HelperBegins();
     std::unique_lock hold(lock);
     while (true) {
         changed.wait(hold, [this] { return end || !orders.empty(); });

@@ -28,7 +28,8 @@ struct SESSION_RESULT {
     uint64_t number = 0;
     uint32_t key = 0;
     uint32_t serial = 0; // of a started session; 0 if it could not start, and after a stop
-    std::string error;   // why it could not start
+    bool failed = false; // it could not start
+    std::string reason;  // of that
 };
 
 class SessionWorker {

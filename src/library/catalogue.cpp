@@ -1,6 +1,7 @@
 #include "library/catalogue.h"
 
 #include "base/files.h"
+#include "base/helper_thread.h"
 #include "base/ordered_work.h"
 #include "base/text.h"
 #include "facts/machine_facts.h"
@@ -90,7 +91,10 @@ void Catalogue::StartScan() {
     folderError = false;
     scanProgress = 0;
     scanState = kScanScanning;
-    worker = std::thread([this] { ScanWorker(); });
+    worker = std::thread([this] {
+        HelperBegins();
+        ScanWorker();
+    });
 }
 
 void Catalogue::StopScan() {

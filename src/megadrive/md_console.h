@@ -47,7 +47,6 @@ struct MD_Z80_AHEAD {
     };
     Z80 start;           // as it was when it began
     uint32_t clocks = 0; // of which it is ahead of `start`
-    uint32_t loopPc = 0; // where it was found waiting
     uint32_t writes = 0;
     std::array<WRITE, kMdZ80MostAhead> log; // at most one write a clock
 };

@@ -1,10 +1,10 @@
 #include "megadrive/md_z80_ahead.h"
 
 #include "megadrive/md_bus.h"
+#include "sega8/z80_idle.h"
 #include "sega8/z80_tick.h"
 
 #include <algorithm>
-#include <tuple>
 
 namespace {
 
@@ -14,84 +14,21 @@ constexpr uint32_t kVdpPage = 0x7F00;
 constexpr uint32_t kWindowStart = 0x8000;
 constexpr uint32_t kFirstRamPage = 0xE0; // of the 68000's map, from where pages aren't ROM
 
-// Finds the rounds of a loop that only waits: registers and RAM are the same at its end as at its start. Every
-// later round then does the same, since nothing else changes during a run. Only R counts on.
-class WaitingLoop {
-public:
-    // `knownPc` is where the last such loop was met; a run may begin far from its own.
-    explicit WaitingLoop(uint32_t& knownPcValue)
-        : knownPc(knownPcValue) {}
-
-    void NoteChange() { changed = true; }
-
-    uint32_t Skip(Z80& z80, uint32_t left) {
-        const uint32_t pc = z80.regs[kZ80Pc];
-        if (pc != markPc) {
-            if (--untilMark == 0 || pc == knownPc) {
-                SetMark(z80, left);
-            }
-            return left;
-        }
-        const uint32_t period = leftAtMark - left;
-        markPc = kNowhere;
-        untilMark = pause;
-        pause *= 2;
-        if (changed || !IsAsAtMark(z80)) {
-            return left;
-        }
-        knownPc = pc;
-        const uint32_t rounds = left / period;
-        z80.r7 = (z80.r7 + (z80.r7 - mark.r7) * rounds) & 0xFF;
-        return left - rounds * period;
-    }
-
-private:
-    static constexpr uint32_t kNowhere = 0x10000;
-    static constexpr uint32_t kLongest = 16; // instructions of a round
-
-    void SetMark(const Z80& z80, uint32_t left) {
-        mark = z80;
-        markPc = z80.regs[kZ80Pc];
-        leftAtMark = left;
-        changed = false;
-        untilMark = kLongest;
-    }
-
-    // Without queue and R. What a round leaves in the queue is the same after each.
-    [[nodiscard]] bool IsAsAtMark(const Z80& z80) const {
-        const auto rest = [](const Z80& chip) {
-            return std::tuple(chip.r8, chip.i, chip.iff1, chip.iff2, chip.halted, chip.im,
-                              chip.temp, chip.wz, chip.pendingInterrupt, chip.nmiEdge, chip.prefix,
-                              chip.eiDelay, chip.opcode, chip.regIndex);
-        };
-        return z80.regs == mark.regs && rest(z80) == rest(mark);
-    }
-
-    uint32_t& knownPc;
-    Z80 mark;
-    uint32_t markPc = kNowhere;
-    uint32_t leftAtMark = 0;
-    uint32_t untilMark = 1; // instructions
-    uint32_t pause = 8;     // instructions after a loop that does more than wait
-    bool changed = false;
-};
-
 // The Z80's bus as far as only the Z80 sees it. Any other access is left out and ends the run. The status of the
 // FM chip doesn't change during a run.
 struct PRIVATE_BUS {
-    explicit PRIVATE_BUS(MEGA_DRIVE& machine)
-        : md(machine)
-        , loop(machine.z80Ahead.loopPc) {}
-
     MEGA_DRIVE& md;
     uint32_t clock = 0;
     bool metRead = false; // an access that others see, at `clock`
     bool metWrite = false;
-    WaitingLoop loop;
+    uint32_t effects = 1; // what makes a round of a loop unlike the one before
+    Z80IdleLoop idle{};
 
     void At(uint32_t now) { clock = now; }
     [[nodiscard]] bool Stops() const { return metRead || metWrite; }
-    uint32_t SkipRounds(Z80& z80, uint32_t left) { return loop.Skip(z80, left); }
+    uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
+        return idle.Skip(z80, effects, now, left);
+    }
 
     uint8_t Read(uint16_t address) {
         if (address < kMdZ80RamEnd) [[likely]] {
@@ -105,7 +42,7 @@ struct PRIVATE_BUS {
         const uint8_t opcode = Read(address);
         if (md.z80.prefix == kZ80PrefixEd && (opcode == kLoadAFromR || opcode == kLoadRFromA))
             [[unlikely]] {
-            loop.NoteChange(); // a round is not as the one before
+            ++effects;
         }
         return opcode;
     }
@@ -121,7 +58,7 @@ struct PRIVATE_BUS {
             MD_Z80_AHEAD& ahead = md.z80Ahead;
             ahead.log[ahead.writes++ % ahead.log.size()] = {address, byte};
             byte = value;
-            loop.NoteChange();
+            ++effects;
         }
     }
 
@@ -168,7 +105,7 @@ void GoBack(MEGA_DRIVE& md) {
 
 // Runs clocks of which is known that others don't see them.
 void RunPrivate(MEGA_DRIVE& md, uint32_t clocks) {
-    PRIVATE_BUS bus(md);
+    PRIVATE_BUS bus{md};
     static_cast<void>(Z80RunOn(md.z80, bus, clocks));
 }
 
@@ -192,7 +129,7 @@ uint32_t RunToVisible(MEGA_DRIVE& md) {
     const uint32_t most = std::min(ClocksOfFmStatus(md), kMdZ80MostAhead);
     md.z80Ahead.start = md.z80;
     md.z80Ahead.writes = 0;
-    PRIVATE_BUS bus(md);
+    PRIVATE_BUS bus{md};
     static_cast<void>(Z80RunOn(md.z80, bus, most));
     if (bus.metWrite) {
         StepBack(md.z80);

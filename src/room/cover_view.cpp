@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace {
 
@@ -48,6 +49,30 @@ void CoverView::SetSize(uint32_t width, uint32_t height) {
     PlaceCamera();
 }
 
+// The cabinet stands behind the first column.
+std::pair<float, float> CoverView::ColumnsInUse() const {
+    size_t first = cabinet ? 0 : kColumns;
+    size_t last = cabinet ? 1 : 0;
+    for (size_t i = 0; i < count; ++i) {
+        if (slots[i].kind != kNoCover) {
+            first = std::min(first, i % kColumns);
+            last = std::max(last, i % kColumns + 1);
+        }
+    }
+    return first < last ? std::pair{static_cast<float>(first), static_cast<float>(last)}
+                        : std::pair{0.0f, static_cast<float>(kColumns)};
+}
+
+float CoverView::RowsInUse() const {
+    return static_cast<float>(std::max<size_t>((count + kColumns - 1) / kColumns, 1));
+}
+
+VECTOR3 CoverView::Middle() const {
+    const auto [left, right] = ColumnsInUse();
+    return {(left + right) * kCellWidth / 2.0f, kCellHeight - RowsInUse() * kCellHeight / 2.0f,
+            0.0f};
+}
+
 void CoverView::PlaceCamera() {
     const float aspect = static_cast<float>(viewWidth) / static_cast<float>(viewHeight);
     VECTOR3 aim;
@@ -55,10 +80,9 @@ void CoverView::PlaceCamera() {
         aim = PlaceOf(zoomed);
         distance = DistanceFor(kCellWidth, kCellHeight, aspect);
     } else {
-        const auto rows =
-            static_cast<float>(std::max<size_t>((count + kColumns - 1) / kColumns, 1));
-        aim = {kColumns * kCellWidth / 2.0f, kCellHeight - rows * kCellHeight / 2.0f, 0.0f};
-        distance = DistanceFor(kColumns * kCellWidth, rows * kCellHeight, aspect);
+        const auto [left, right] = ColumnsInUse();
+        aim = Middle();
+        distance = DistanceFor((right - left) * kCellWidth, RowsInUse() * kCellHeight, aspect);
     }
     const VECTOR3 from = {aim.x + leanAcross, aim.y + leanUp, distance};
     camera.SetUp(aspect, from, {from.x, from.y, 0.0f});
@@ -114,5 +138,24 @@ void CoverView::CoverClick(int button, int32_t x, int32_t y) {
         PlaceCamera();
     } else if (button == 2) {
         TurnOver(slot);
+    }
+}
+
+void CoverView::LookCloser() {
+    zoomed = zoomed == kMostCovers ? 0 : zoomed + 1;
+    while (zoomed < count && slots[zoomed].kind == kNoCover) {
+        ++zoomed;
+    }
+    if (zoomed >= count) {
+        zoomed = kMostCovers;
+    }
+    PlaceCamera();
+}
+
+void CoverView::TurnOver() {
+    for (size_t slot = 0; slot < count; ++slot) {
+        if (zoomed == kMostCovers || zoomed == slot) {
+            TurnOver(slot);
+        }
     }
 }

@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 
 inline constexpr size_t kMostCovers = 6;
 inline constexpr int kNoCover = -1;
@@ -43,6 +44,10 @@ public:
 
     // Button 1 zooms in on a box and out again, button 2 turns it round.
     void CoverClick(int button, int32_t x, int32_t y);
+    // The same without a pointer: looks closer at the next box, after the last one at all of them; and turns over
+    // what is looked at.
+    void LookCloser();
+    void TurnOver();
     // Turns a box round, as button 2 does.
     void TurnOver(size_t slot) { slots.at(slot).flipping = true; }
     // The camera leans after the pointer; the steps are cut to 3 across and 0.8 upwards.
@@ -57,9 +62,14 @@ public:
     // The zoomed slot, or kMostCovers in the overview.
     [[nodiscard]] size_t Zoomed() const { return zoomed; }
     [[nodiscard]] const CRoomCamera& Camera() const { return camera; }
+    // What the overview looks at: the middle of the rows and columns in use.
+    [[nodiscard]] VECTOR3 Middle() const;
 
 private:
     [[nodiscard]] size_t SlotAt(int32_t x, int32_t y) const;
+    // From the left edge of the first to the right edge of the last, in columns.
+    [[nodiscard]] std::pair<float, float> ColumnsInUse() const;
+    [[nodiscard]] float RowsInUse() const;
     void PlaceCamera();
 
     std::array<SLOT, kMostCovers> slots;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr uint32_t kCoverWidth = 2048;
 constexpr uint32_t kCoverHeight = 1024;
-constexpr VECTOR3 kLampPlace{135.0f, 30.0f, 170.0f}; // before the middle of the grid
+constexpr VECTOR3 kLampOffset{20.0f, 35.0f, 120.0f}; // from the middle of what is shown
 constexpr std::array<const char*, kBoxSizes.size()> kBoxFiles{"smsbox.3ds", "ggbox.3ds"};
 
 TEXTURE_RECORD MakeCoverTexture() {
@@ -151,7 +151,7 @@ void CoverViewDrawing::Draw(RoomPainter& painter, const CoverView& view, const C
 
     LightProgram& program = painter.Program();
     program.ClearLights();
-    program.SetLamp(0, kLampPlace);
+    program.SetLamp(0, view.Middle() + kLampOffset);
     painter.BeginScene(view.Camera().Projection(), view.Camera().View());
     for (size_t i = 0; i < kMostCovers; ++i) {
         DrawBox(painter, view.Slots()[i], i);

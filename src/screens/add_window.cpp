@@ -1,5 +1,6 @@
 #include "screens/add_window.h"
 
+#include "base/helper_thread.h"
 #include "base/text.h"
 #include "gui/button.h"
 #include "gui/list.h"
@@ -148,7 +149,10 @@ void AddWindow::Begin() {
         done = 0.0;
     }
     bar->SetPos(0, 0, 0, kBarHeight);
-    worker = std::thread([this] { Work(); });
+    worker = std::thread([this] {
+        HelperBegins();
+        Work();
+    });
 }
 
 // On the worker.

@@ -9,6 +9,7 @@
 #include "gui/window_ex.h"
 #include "screens/benchmark.h"
 #include "screens/credits.h"
+#include "screens/first_steps.h"
 #include "screens/member_panel.h"
 #include "screens/options.h"
 #include "screens/rom_browser.h"
@@ -35,6 +36,15 @@ constexpr uint32_t kMenuWindow = 32; // of the bar, the logo and the area: they 
 
 constexpr std::array<const wchar_t*, kMenuPanels> kMenu = {L"PLAY GAMES", L"BENCHMARK", L"OPTIONS",
                                                            L"CREDITS", L"QUIT"};
+constexpr std::array<const wchar_t*, kMenuPanels> kMenuHelps = {
+    L"Your games, and some of our own", L"How fast the machines are on this computer",
+    L"Picture, sound, keys and controllers", L"Who and what Ombrelune is made of",
+    L"Ends Ombrelune; what is played is saved first"};
+
+// Whether this version has run before. In place of a tagline a newcomer is told the two things that he needs.
+constexpr const wchar_t* kRunOnce = L"app_720runonce";
+constexpr const wchar_t* kWelcome =
+    L"Welcome! PLAY GAMES has games of our own; drop yours on this window.";
 
 void Show(GHOSTMANAGER_WINDOW* window, bool visible) {
     CGhostManager::Get().ShowWindow(window, visible);
@@ -47,6 +57,10 @@ std::wstring VersionText() {
     wchar_t text[40];
     std::swprintf(text, std::size(text), L"v%d.%03d %d-bit  ", kMajor, kMinor, kBits);
     return text;
+}
+
+std::wstring NewsUrlOfSettings() {
+    return NewsUrl({Settings().GetString(L"web_service"), Settings().GetString(L"web_images")});
 }
 
 } // namespace
@@ -62,6 +76,8 @@ CGUIBattleGround::CGUIBattleGround(ScreenHost& program)
         CGhostMessageBox::Show(L"Warning",
                                L"A display of at least 1280 by 720 is needed to show "
                                L"everything. You can go on, but some of it will be cut.");
+    } else if (!Settings().GetBool(kRunOnce)) {
+        tagline->SetText(kWelcome);
     }
     member->LoginAtStart();
 }
@@ -71,6 +87,7 @@ CGUIBattleGround::~CGUIBattleGround() {
     panel.reset();
     browser.reset();
     member.reset();
+    steps.reset();
     CGhostManager& manager = CGhostManager::Get();
     manager.DestroyWindow(version->window);
     manager.DestroyWindow(topArea->window);
@@ -78,31 +95,32 @@ CGUIBattleGround::~CGUIBattleGround() {
 }
 
 void CGUIBattleGround::AskForNews() {
-    const std::wstring url =
-        NewsUrl({Settings().GetString(L"web_service"), Settings().GetString(L"web_images")});
+    const std::wstring url = NewsUrlOfSettings();
     if (url.empty()) {
         SetNews(std::wstring(kNoServiceText));
+        newsHeader->SetText(L"First steps");
+        steps = std::make_unique<FirstSteps>(battleMain->window, std::wstring(kNoServiceText));
         return;
     }
     SetNews(std::wstring(kConnectingText));
-    host.Downloads().QueueRequest(url, L"", 0, abandoned,
-                                  [this](const std::wstring& error, const std::wstring&, uint32_t,
-                                         const AbortWord& gone, const uint8_t* data,
-                                         uint32_t size) {
-                                      if (*gone != 0) {
-                                          return;
-                                      }
-                                      if (!error.empty()) {
-                                          SetNews(error);
-                                          return;
-                                      }
-                                      const NEWS_ANSWER answer = ReadNews({data, size});
-                                      SetNews(answer.news);
-                                      if (answer.version > kProgramVersion) {
-                                          CGhostMessageBox::Show(std::wstring(kNewVersionTitle),
-                                                                 std::wstring(kNewVersionText));
-                                      }
-                                  });
+    host.Downloads().QueueRequest(
+        url, L"", 0, abandoned,
+        [this, url](const std::wstring& error, const std::wstring&, uint32_t, const AbortWord& gone,
+                    const uint8_t* data, uint32_t size) {
+            if (*gone != 0 || url != NewsUrlOfSettings()) {
+                return; // the player has entered another service
+            }
+            if (const auto why = WhyNothingCame(url, error, data); !why.empty()) {
+                SetNews(why);
+                return;
+            }
+            const NEWS_ANSWER answer = ReadNews({data, size});
+            SetNews(answer.news);
+            if (answer.version > kProgramVersion) {
+                CGhostMessageBox::Show(std::wstring(kNewVersionTitle),
+                                       std::wstring(kNewVersionText));
+            }
+        });
 }
 
 void CGUIBattleGround::MakeWindows() {
@@ -119,6 +137,7 @@ void CGUIBattleGround::MakeWindows() {
         CGhostButton*& button = buttons[static_cast<size_t>(id)];
         button = new CGhostButton(area, static_cast<uint32_t>(id), L"BUTTON",
                                   kMenu[static_cast<size_t>(id)], 0, {});
+        button->SetToolTip(kMenuHelps[static_cast<size_t>(id)]);
         signals.Watch(button->OnClick,
                       [this, id](CGhostButton*, int, int, unsigned) { OnMenu(id); });
     }
@@ -127,6 +146,7 @@ void CGUIBattleGround::MakeWindows() {
                   [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kBack); });
     tagline = new CGhostTextBox(area, 0, L"SECTIONTEXT", L"", {});
     member = std::make_unique<MemberPanel>(area, host);
+    member->serviceChanged = [this] { AskForNews(); };
     newsHeader = new CGhostTextBox(area, 0, L"LARGEHEADERTEXT", L"News", {});
     news = new CGhostMultiText(area, 0, L"WINDOWOVERLAY",
                                L"Connecting to server to collect news...", {});
@@ -167,6 +187,9 @@ void CGUIBattleGround::Layout(int32_t width, int32_t height) {
     member->Layout();
     newsHeader->SetPos(390, 70, width - 410, kControlHeight);
     news->SetPos(390, 95, width - 410, height - 115);
+    if (steps != nullptr) {
+        steps->Layout(390, 95, width - 410, height - 115);
+    }
     if (panel != nullptr) {
         panel->Layout(width, height);
     }
@@ -180,6 +203,11 @@ void CGUIBattleGround::SetVisible(bool visible) {
     for (GHOSTMANAGER_WINDOW* const window :
          {topArea->window, version->window, battleMain->window}) {
         Show(window, visible);
+    }
+    // Behind the room and a game it rests, and it is up to date when it is shown again.
+    const bool browses = visible && current == kPanelBrowser;
+    if (browser != nullptr && browser->IsActive() != browses) {
+        browser->SetActive(browses);
     }
     if (appears) {
         TakeFocus();
@@ -211,7 +239,10 @@ void CGUIBattleGround::ShowMenu(bool visible) {
     Show(tagline->window, visible);
     member->SetVisible(visible);
     Show(newsHeader->window, visible);
-    Show(news->window, visible);
+    Show(news->window, visible && steps == nullptr);
+    if (steps != nullptr) {
+        steps->SetVisible(visible);
+    }
     Show(back->window, !visible);
     if (visible) {
         NewTagline();

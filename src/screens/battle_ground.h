@@ -29,6 +29,7 @@ class CGhostMultiText;
 class CGhostTextBox;
 class CGhostWindowEx;
 class CGUIRomBrowser;
+class FirstSteps;
 class MemberPanel;
 class ScreenHost;
 
@@ -82,6 +83,9 @@ public:
     [[nodiscard]] CGhostButton* BackButton() const { return back; }
     [[nodiscard]] const CGhostTextBox* Tagline() const { return tagline; }
     [[nodiscard]] MemberPanel& Member() const { return *member; }
+    // In the place of the news; null with a web service.
+    [[nodiscard]] const FirstSteps* Steps() const { return steps.get(); }
+    [[nodiscard]] const CGhostMultiText* News() const { return news; }
     [[nodiscard]] CGhostWindowEx* MainWindow() const { return battleMain; }
 
 private:
@@ -108,6 +112,7 @@ private:
     GUI_RECT mainWindow; // the client area of BATTLEMAIN, from (0, 0)
     GUI_RECT screen;     // that the bars were placed for
     std::unique_ptr<MemberPanel> member;
+    std::unique_ptr<FirstSteps> steps;
     std::unique_ptr<CGUIPanel> panel;
     std::unique_ptr<CGUIRomBrowser> browser;
     int32_t current = kNoPanel;

@@ -92,6 +92,7 @@ void BrowserFilters::MakeMenu() {
     show->SetToolTip(
         L"All games, those with a star, or those that you have played, the last one first.");
     yearLabel = Label(within, L"YEAR: ");
+    // To be typed, as a range of years is in no list.
     year = new CGhostEdit(within, 0, L"EDIT", L"", 0, {});
     year->SetToolTip(L"A year, such as 1989, or years from and to, such as 1987-1990.");
     playTypeLabel = Label(within, L"PLAYTYPE: ");
@@ -99,6 +100,7 @@ void BrowserFilters::MakeMenu() {
     for (const PLAY_TYPE& type : kPlayTypes) {
         playType->AddItem(type.name, -1, 0, type.mask);
     }
+    playType->SetToolTip(L"Games for one player, or for several in one of three ways.");
     groupLabel = Label(within, L"GROUP: ");
     group = list();
     group->AddItem(L"by GAME");
@@ -108,6 +110,9 @@ void BrowserFilters::MakeMenu() {
     regionMode = list();
     regionMode->AddItem(L"Released in");
     regionMode->AddItem(L"Only Released in");
+    constexpr const wchar_t* kRegionHelp =
+        L"Games that came out in one of the ticked regions, or in no other than these.";
+    regionMode->SetToolTip(kRegionHelp);
     for (CGhostDropList* const each : {show, playType, group, regionMode}) {
         each->SetSelected(0, false);
         signals.Watch(each->OnSelect, [this](CGhostDropList*, int, GHOSTLIST_ITEM*) { Changed(); });
@@ -116,6 +121,7 @@ void BrowserFilters::MakeMenu() {
     for (size_t i = 0; i < kRegions; ++i) {
         regions[i] = new CGhostCheckBox(within, 0, L"CHECKBOX", kRegionBoxes[i].name, 0, {});
         regions[i]->SetChecked(true);
+        regions[i]->SetToolTip(kRegionHelp);
         signals.Watch(regions[i]->OnChange, [this](CGhostCheckBox*, bool) { Changed(); });
     }
 }
@@ -153,6 +159,11 @@ void BrowserFilters::Changed() {
 void BrowserFilters::CloseMenu() {
     menu->SetVisible(false);
     menuButton->SetDown(false);
+}
+
+void BrowserFilters::ClearName() {
+    name->SetText(L"");
+    Changed();
 }
 
 void BrowserFilters::SetVisible(bool visible) {

@@ -3,6 +3,7 @@
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/multi_text.h"
+#include "gui/text_box.h"
 #include "gui/window.h"
 #include "gui/window_ex.h"
 #include "screens/game_media.h"
@@ -17,9 +18,14 @@ constexpr int32_t kShotsHeight = kShotHeight + 16;
 constexpr int32_t kGap = 8;
 constexpr int32_t kStep = 28; // width of the arrows beside the screenshots
 constexpr int32_t kButtonWidth = 170;
+constexpr int32_t kSmallButton = 120;
 
 constexpr std::array<const wchar_t*, kContentTabs> kTabs = {L"COVERS", L"REVIEWS", L"HINTS",
                                                             L"TRIVIA", L"METAINFO"};
+constexpr std::array<const wchar_t*, kContentTabs> kTabHelps = {
+    L"The box and pictures of the game", L"What others think of the game",
+    L"Help with the game, and codes", L"What few people know about the game",
+    L"Year, regions, players, when you played it, and its file"};
 
 } // namespace
 
@@ -30,9 +36,13 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     , shotsBack(new CGhostWindowEx(parent, 0, L"3DBOX_SSHOTSBG", L"", 0, {}))
     , shotsLeft(new CGhostButton(shotsBack->window, 0, L"BUTTON2", L"\x2039", 0, {}))
     , shotsRight(new CGhostButton(shotsBack->window, 0, L"BUTTON2", L"\x203A", 0, {}))
-    , content(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Content Available", 0, {})) {
+    , content(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Content Available", 0, {}))
+    , closer(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Look Closer", 0, {}))
+    , turn(new CGhostButton(boxBack->window, 0, L"BUTTON2", L"Turn Over", 0, {}))
+    , noCover(
+          new CGhostTextBox(boxBack->window, 0, L"TEXT_CENTER", L"No pictures of this game", {})) {
     for (size_t i = 0; i < kContentTabs; ++i) {
-        tabs[i] = new CGhostButton(parent, 0, L"BUTTON3", kTabs[i], 0, {});
+        tabs[i] = new CGhostButton(parent, 0, L"BUTTON3", kTabs[i], CGhostButton::kLatches, {});
         signals.Watch(tabs[i]->OnClick, [this, i](CGhostButton*, int, int, unsigned) {
             ShowTab(static_cast<ContentTab>(i));
         });
@@ -47,6 +57,11 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
     shotsLeft->SetToolTip(L"The screenshots before");
     shotsRight->SetToolTip(L"More screenshots");
     content->SetToolTip(L"Fetches the pictures of this game");
+    closer->SetToolTip(L"Looks closer at each box in turn, as a click on it does");
+    turn->SetToolTip(L"Shows the other side, as a click with the right mouse button does");
+    for (size_t i = 0; i < kContentTabs; ++i) {
+        tabs[i]->SetToolTip(kTabHelps[i]);
+    }
     signals.Watch(box->OnDown, [this](CGhostWindowEx*, int x, int y, unsigned button) {
         events.cover(static_cast<int>(button), x, y);
     });
@@ -54,8 +69,11 @@ ContentArea::ContentArea(GHOSTMANAGER_WINDOW* parent, CONTENT_EVENTS whatHappens
                   [this](CGhostWindowEx*, int, int, bool up) { StepShots(up ? -1 : 1); });
     signals.Watch(shotsLeft->OnClick, [this](CGhostButton*, int, int, unsigned) { StepShots(-1); });
     signals.Watch(shotsRight->OnClick, [this](CGhostButton*, int, int, unsigned) { StepShots(1); });
+    signals.Watch(closer->OnClick, [this](CGhostButton*, int, int, unsigned) { events.closer(); });
+    signals.Watch(turn->OnClick, [this](CGhostButton*, int, int, unsigned) { events.turn(); });
     signals.Watch(content->OnClick,
                   [this](CGhostButton*, int, int, unsigned) { events.download(); });
+    SayNoCover(false);
     ShowTab(ContentTab::kCovers);
 }
 
@@ -87,6 +105,10 @@ void ContentArea::Layout(int32_t x, int32_t y, int32_t width, int32_t height) {
     boxBack->SetPos(x, top, width, boxHeight);
     box->SetPos(0, 0, width, boxHeight);
     content->SetPos(width - kButtonWidth - kGap, boxHeight - kStep - kGap, kButtonWidth, kStep);
+    noCover->SetPos(0, (boxHeight - kStep) / 2, width, kStep);
+    const int32_t buttonY = boxHeight - kStep - kGap;
+    closer->SetPos(kGap, buttonY, kSmallButton, kStep);
+    turn->SetPos(2 * kGap + kSmallButton, buttonY, kSmallButton, kStep);
     shotsBack->SetPos(x, top + boxHeight + kGap, width, kShotsHeight);
     LayoutShots();
 }
@@ -150,14 +172,30 @@ void ContentArea::SetText(ContentTab tab, const std::wstring& text) {
     }
 }
 
+void ContentArea::OfferCovers(bool offer) {
+    hasCovers = offer;
+    SetVisible(visible);
+}
+
 void ContentArea::OfferContent(bool offer) {
     offered = offer;
     content->SetVisible(offer);
 }
 
+void ContentArea::SayNoCover(bool say) {
+    noCover->SetVisible(say);
+}
+
 void ContentArea::ShowTab(ContentTab tab) {
     shown = tab;
     SetVisible(visible);
+}
+
+// A key that was pressed on the chosen tab and taken away from it leaves the button up.
+void ContentArea::Update() {
+    if (CGhostButton* const tab = tabs[static_cast<size_t>(shown)]; visible && !tab->IsDown()) {
+        tab->SetDown(true);
+    }
 }
 
 void ContentArea::SetVisible(bool wanted) {
@@ -173,4 +211,6 @@ void ContentArea::SetVisible(bool wanted) {
     boxBack->SetVisible(covers);
     shotsBack->SetVisible(covers);
     content->SetVisible(covers && offered);
+    closer->SetVisible(covers && hasCovers);
+    turn->SetVisible(covers && hasCovers);
 }

@@ -15,6 +15,7 @@
 
 class CGhostButton;
 class CGhostMultiText;
+class CGhostTextBox;
 class CGhostWindowEx;
 
 enum class ContentTab : uint8_t { kCovers, kReviews, kHints, kTrivia, kMetaInfo };
@@ -24,6 +25,8 @@ struct CONTENT_EVENTS {
     std::function<void()> download; // `Content Available` was clicked
     std::function<void(int button, int32_t x, int32_t y)>
         cover; // a click in 3DBOX, units of its client area
+    std::function<void()> closer; // the buttons that do the same for keys and controllers
+    std::function<void()> turn;
 };
 
 class ContentArea {
@@ -34,6 +37,7 @@ public:
     ContentArea& operator=(const ContentArea&) = delete;
 
     void Layout(int32_t x, int32_t y, int32_t width, int32_t height);
+    void Update(); // once a round
     void SetVisible(bool visible);
     void ShowTab(ContentTab tab);
 
@@ -41,13 +45,18 @@ public:
     void SetShots(std::vector<GUI_BITMAP> pictures);
     // Of REVIEWS, HINTS, TRIVIA or METAINFO.
     void SetText(ContentTab tab, const std::wstring& text);
+    void OfferCovers(bool offer);  // the buttons that look closer at the boxes and turn them
     void OfferContent(bool offer); // the button `Content Available`
+    void SayNoCover(bool say);     // in place of a box
 
     [[nodiscard]] ContentTab Tab() const { return shown; }
     [[nodiscard]] CGhostButton* TabButton(ContentTab tab) const {
         return tabs[static_cast<size_t>(tab)];
     }
     [[nodiscard]] CGhostButton* ContentButton() const { return content; }
+    [[nodiscard]] const CGhostTextBox* NoCover() const { return noCover; }
+    [[nodiscard]] CGhostButton* CloserButton() const { return closer; }
+    [[nodiscard]] CGhostButton* TurnButton() const { return turn; }
     [[nodiscard]] CGhostMultiText* Text(ContentTab tab) const; // null for COVERS
     [[nodiscard]] CGhostWindowEx* Box() const { return box; }
     [[nodiscard]] size_t ShotCount() const { return shots.size(); }
@@ -67,11 +76,15 @@ private:
     CGhostButton* shotsLeft;
     CGhostButton* shotsRight;
     CGhostButton* content;
+    CGhostButton* closer;
+    CGhostButton* turn;
+    CGhostTextBox* noCover;
     std::array<CGhostMultiText*, kContentTabs - 1> texts{};
     std::vector<GUI_BITMAP> shots;
     size_t firstShot = 0;
     ContentTab shown = ContentTab::kCovers;
     bool visible = true;
     bool offered = false;
+    bool hasCovers = false;
     ScreenSignals signals;
 };

@@ -202,18 +202,18 @@ void CGUISMSOptions::GetConfig(std::filesystem::path& biosName, uint32_t& biosIn
     }
 }
 
-// Of a game that no database knows nothing is known, so everything is allowed.
+// Of a game that no database knows, or that has no record, nothing is known, so everything is allowed.
 void CGUISMSOptions::ConfigureForGame(const CGameFile& game, uint32_t index) {
     const uint8_t* bytes = nullptr;
     uint32_t length = 0;
     SMS_RECORD record{};
     NAME_RECORD name{};
-    if (!game.GetMachineRecord(index, bytes, length) || length != sizeof record ||
-        !game.GetRawName(index, name)) {
-        return;
+    const bool recorded = game.GetMachineRecord(index, bytes, length) &&
+                          length == sizeof record && game.GetRawName(index, name);
+    if (recorded) {
+        std::memcpy(&record, bytes, sizeof record);
     }
-    std::memcpy(&record, bytes, sizeof record);
-    const bool unknown = name.reserved4 == 1;
+    const bool unknown = !recorded || name.reserved4 == 1;
     const auto allow = [&](const BOX& row, SmsFeature feature) {
         const bool has = (record.features & feature) != 0;
         row.box->SetEnabled(has || unknown);

@@ -2,31 +2,40 @@
 
 #include "gui/button.h"
 #include "gui/manager.h"
+#include "gui/text.h"
 #include "gui/text_box.h"
+#include "gui/theme.h"
+#include "screens/game_menu.h"
+#include "screens/program_pointer.h"
 #include "screens/screen_host.h"
 
 namespace {
 
-constexpr uint64_t kButtonsStay = 3000; // milliseconds after the mouse was used
+constexpr uint64_t kButtonsStay = kMouseRests / 1000; // milliseconds after the mouse was used
 
 // Units.
 constexpr int32_t kButtonWidth = 150;
 constexpr int32_t kButtonHeight = 28;
 constexpr int32_t kButtonGap = 12;
-constexpr int32_t kHintWidth = 280;
+constexpr int32_t kHintGap = 24;
+constexpr int32_t kHintOutline = 4; // that the letters reach out of their width
 constexpr int32_t kHintHeight = 26;
 constexpr int32_t kMargin = 20;
 
 struct OVERLAY_BUTTON {
     const wchar_t* caption;
     ModeInput input;
+    const wchar_t* help;
 };
 constexpr OVERLAY_BUTTON kStrip[CGUIGameOverlay::kButtons] = {
-    {L"Main Menu",       ModeInput::kMainMenu  },
-    {L"Load New Game",   ModeInput::kLoadGame  },
-    {L"Exit Game",       ModeInput::kExitGame  },
-    {L"Fullscreen Mode", ModeInput::kTelevision},
-    {L"Reset Game",      ModeInput::kResetGame },
+    {L"Main Menu",       ModeInput::kMainMenu,    L"Options and the way out; the game plays on"        },
+    {L"Load New Game",   ModeInput::kLoadGame,    L"Chooses another game for this television"          },
+    {L"Exit Game",       ModeInput::kExitGame,    L"Turns the television off, and saves the game"      },
+    {L"Fullscreen Mode", ModeInput::kTelevision,
+     L"The game fills the window, or is on its television"                                             },
+    {L"Reset Game",      ModeInput::kResetGame,   L"Begins the game anew, as the console's button does"},
+    {L"Saved States",    ModeInput::kSavedStates,
+     L"Saves the game in one of ten slots, or goes back to one"                                        },
 };
 constexpr uint32_t kTelevisionButton = 4;
 
@@ -37,6 +46,7 @@ CGUIGameOverlay::CGUIGameOverlay(ScreenHost& program)
     for (size_t i = 0; i < kButtons; ++i) {
         buttons[i] = new CGhostButton(nullptr, static_cast<uint32_t>(i + 1), L"BUTTON2",
                                       kStrip[i].caption, CGhostButton::kNoKeys, {});
+        buttons[i]->SetToolTip(kStrip[i].help);
         // A machine's keys must not press them.
         CGhostManager::Get().SetTabStop(buttons[i]->window, false);
         const ModeInput input = kStrip[i].input;
@@ -51,6 +61,9 @@ CGUIGameOverlay::CGUIGameOverlay(ScreenHost& program)
 }
 
 CGUIGameOverlay::~CGUIGameOverlay() {
+    if (menu != nullptr) {
+        menu->Abandon();
+    }
     for (CGhostButton* const button : buttons) {
         CGhostManager::Get().DestroyWindow(button->window);
     }
@@ -67,10 +80,18 @@ void CGUIGameOverlay::Place() {
         button->SetPos(x, screen.height - kMargin - kButtonHeight, kButtonWidth, kButtonHeight);
         x += kButtonWidth + kButtonGap;
     }
-    x = kMargin;
+    PlaceHints();
+}
+
+// Those that are shown, one after the other.
+void CGUIGameOverlay::PlaceHints() {
+    GhostTextStyle style; // a theme without it has the default font
+    static_cast<void>(CGhostTheme::Get().GetStyle(L"TEXT_HINT", style));
+    int32_t x = kMargin;
     for (CGhostTextBox* const hint : hints) {
-        hint->SetPos(x, screen.height - kMargin - kHintHeight, kHintWidth, kHintHeight);
-        x += kHintWidth + kMargin;
+        const int32_t width = MeasureText(style.font, hint->Text()).width + kHintOutline;
+        hint->SetPos(x, screen.height - kMargin - kHintHeight, width, kHintHeight);
+        x += hint->IsVisible() ? width + kHintGap : 0;
     }
 }
 
@@ -88,19 +109,24 @@ void CGUIGameOverlay::Update(const OVERLAY_STATE& state) {
 }
 
 void CGUIGameOverlay::ShowHints(const OVERLAY_STATE& state) {
-    const std::array<std::wstring, kHints> texts = {
-        L"Main Menu [" + state.mainMenu + L"]",
-        L"Load Game [" + state.use + L"]",
-        L"Turn off Game [" + state.turnOff + L"]",
-        L"Attach to TV [" + state.attach + L"]",
-    };
+    constexpr std::array<const wchar_t*, kHints> kHintTexts = {L"Main Menu", L"Load Game",
+                                                               L"Turn off Game", L"Attach to TV"};
+    const std::array<const std::wstring*, kHints> names = {&state.mainMenu, &state.use,
+                                                           &state.turnOff, &state.attach};
     const std::array<bool, kHints> wanted = {true, state.selected, state.selectedOn,
                                              state.selectedOn};
+    bool changed = false;
     for (size_t i = 0; i < kHints; ++i) {
-        if (hints[i]->Text() != texts[i]) {
-            hints[i]->SetText(texts[i]);
+        const std::wstring text = std::wstring(kHintTexts[i]) + L" [" + *names[i] + L"]";
+        const bool shows = state.shown && state.walking && wanted[i] && !names[i]->empty();
+        changed |= hints[i]->Text() != text || hints[i]->IsVisible() != shows;
+        if (hints[i]->Text() != text) {
+            hints[i]->SetText(text);
         }
-        hints[i]->SetVisible(state.shown && state.walking && wanted[i]);
+        hints[i]->SetVisible(shows);
+    }
+    if (changed) {
+        PlaceHints();
     }
 }
 
@@ -108,10 +134,44 @@ void CGUIGameOverlay::ShowButtons(const OVERLAY_STATE& state) {
     const bool recent = everUsed && host.Milliseconds() - mouseUsed <= kButtonsStay;
     buttons[kTelevisionButton - 1]->SetCaption(state.roomVisible ? L"Fullscreen Mode" : L"TV Mode");
     // Of the game: only where there is one.
-    const std::array<bool, kButtons> wanted = {true, state.selected, state.selectedOn,
-                                               state.selectedOn, state.selectedOn};
+    const std::array<bool, kButtons> wanted = {true,
+                                               state.selected,
+                                               state.selectedOn,
+                                               state.selectedOn,
+                                               state.selectedOn,
+                                               state.selectedOn};
     for (size_t i = 0; i < kButtons; ++i) {
-        buttons[i]->SetVisible(state.shown && !state.walking && recent && wanted[i]);
+        offered[i] = state.shown && wanted[i];
+        buttons[i]->SetVisible(offered[i] && !state.walking && recent);
+    }
+}
+
+void CGUIGameOverlay::ToggleMenu() {
+    if (menu != nullptr) {
+        CloseMenu();
+        return;
+    }
+    std::vector<GAME_MENU_ENTRY> entries;
+    entries.reserve(kButtons);
+    for (size_t i = 0; i < kButtons; ++i) {
+        if (offered[i]) {
+            entries.push_back({buttons[i]->Caption(), kStrip[i].input});
+        }
+    }
+    if (entries.empty()) {
+        return;
+    }
+    menu = new GameMenu(entries, [this](std::optional<ModeInput> chosen) {
+        menu = nullptr;
+        if (chosen) {
+            host.Take(*chosen);
+        }
+    });
+}
+
+void CGUIGameOverlay::CloseMenu() {
+    if (menu != nullptr) {
+        menu->Dismiss();
     }
 }
 

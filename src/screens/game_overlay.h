@@ -1,8 +1,10 @@
 // CGUIGameOverlay: what lies over the room and a running game while menu and browser are hidden: hints in words
 // while the player walks, a strip of buttons while his mouse is free.
 //
-// The buttons show while the mouse is used and for three seconds after. Their numbers are those of the program:
-//   1 Main Menu, 2 Load New Game, 3 Exit Game, 4 Fullscreen Mode or TV Mode, 5 Reset Game
+// The buttons show while the mouse is used and for three seconds after. Keys and controllers have the same buttons in
+// a menu that takes the input (game_menu.h): the strip's own must not hear the keys of a machine. Their numbers are
+// those of the program:
+//   1 Main Menu, 2 Load New Game, 3 Exit Game, 4 Fullscreen Mode or TV Mode, 5 Reset Game, 6 Saved States
 //
 // Units: those of the virtual screen. Thread: main. Order: made after the toolkit has its screen and its theme;
 //   Update once a round, before the toolkit's tick.
@@ -16,6 +18,7 @@
 
 class CGhostButton;
 class CGhostTextBox;
+class GameMenu;
 class ScreenHost;
 
 struct OVERLAY_STATE {
@@ -26,6 +29,7 @@ struct OVERLAY_STATE {
     bool selectedOn = false; // and a game plays on it
     bool mouseUsed = false;  // since the last Update
     // What the player presses, as it is printed on the key or the button of the controller in hand.
+    // A hint without a name is not shown: the player has taken the action's key away.
     std::wstring mainMenu = L"F10";
     std::wstring use;
     std::wstring turnOff;
@@ -41,7 +45,12 @@ public:
 
     void Update(const OVERLAY_STATE& state);
 
-    static constexpr size_t kButtons = 5;
+    // Opens the menu over the room or the game, or closes it. Nothing behind menu and browser.
+    void ToggleMenu();
+    void CloseMenu();
+    [[nodiscard]] GameMenu* Menu() const { return menu; } // null while it is closed
+
+    static constexpr size_t kButtons = 6;
     static constexpr size_t kHints = 4;
     [[nodiscard]] CGhostButton* Button(uint32_t number) const {
         return buttons[number - 1];
@@ -52,14 +61,17 @@ public:
 
 private:
     void Place();
+    void PlaceHints();
     void ShowHints(const OVERLAY_STATE& state);
     void ShowButtons(const OVERLAY_STATE& state);
 
     ScreenHost& host;
     std::array<CGhostButton*, kButtons> buttons{};
     std::array<CGhostTextBox*, kHints> hints{};
-    GUI_RECT screen;        // that they were placed for
-    uint64_t mouseUsed = 0; // milliseconds of the program's clock
+    GUI_RECT screen; // that they were placed for
+    GameMenu* menu = nullptr;
+    std::array<bool, kButtons> offered{}; // as of the last Update
+    uint64_t mouseUsed = 0;               // milliseconds of the program's clock
     bool everUsed = false;
     ScreenSignals signals;
 };

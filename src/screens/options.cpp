@@ -3,6 +3,7 @@
 #include "gui/button.h"
 #include "gui/drop_list.h"
 #include "gui/manager.h"
+#include "gui/multi_text.h"
 #include "gui/slider.h"
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
@@ -24,14 +25,13 @@ constexpr int32_t kTabPitch = 138;
 constexpr int32_t kTabTop = 47;
 constexpr int32_t kPageTop = 84;
 constexpr int32_t kPageWide = 864;
-constexpr int32_t kPageFoot = 20; // below the page of the inputs, which is as high as it can be
-constexpr int32_t kRowTop = 24;
-constexpr int32_t kRowPitch = 44;
+constexpr int32_t kPageFoot = 20; // below the pages, which are as high as they can be
+constexpr int32_t kRowTop = 28;
+constexpr int32_t kRowPitch = 50;
+constexpr int32_t kNoticeFoot = 36; // from the lower edge of a page to the top of the notice
 constexpr int32_t kMostRows = 7;
-constexpr int32_t kNoticeFoot = 36; // from the lower edge to the top of the notice
-constexpr int32_t kRowsHigh =
-    kRowTop + kMostRows * kRowPitch + kNoticeFoot + 24; // of the other pages
-constexpr int32_t kHelpGap = 12;
+constexpr int32_t kHelpTop = kRowTop + kMostRows * kRowPitch + 16;
+constexpr int32_t kHelpHigh = 60;
 constexpr int32_t kLabelWide = 260;
 constexpr int32_t kControlWide = 260;
 constexpr int32_t kMarkWide = 160;
@@ -69,8 +69,11 @@ CGUIOptions::CGUIOptions(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program)
         notices[Index(tab)] =
             new CGhostTextBox(pages[Index(tab)]->window, 0, L"TEXT_CENTER", kNotice, {});
     }
+    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
+        helps[Index(tab)] =
+            new CGhostMultiText(pages[Index(tab)]->window, 0, L"OPTIONHELP", {}, {});
+    }
     inputs = std::make_unique<InputTab>(pages[Index(OptionTab::kInput)]->window, host);
-    help = Own(new CGhostTextBox(parent, 0, L"TEXT_CENTER", {}, {}));
     ShowTab(OptionTab::kGeneral);
 }
 
@@ -103,7 +106,8 @@ void CGUIOptions::MakeDropList(ROW& made, GHOSTMANAGER_WINDOW* page) {
     for (const OPTION_CHOICE& choice : row.choices) {
         made.list->AddItem(choice.text);
     }
-    made.list->SetSelected(StoredChoice(row), false);
+    made.stored = StoredChoice(row);
+    made.list->SetSelected(made.stored, false);
     made.list->SetCaption(StoredText(row));
     made.list->SetToolTip(row.help);
     made.list->Arrow()->SetToolTip(row.help);
@@ -132,14 +136,14 @@ void CGUIOptions::Layout(int32_t width, int32_t height) {
         x += kTabPitch;
     }
     const int32_t left = (width - kPageWide) / 2;
+    const int32_t high = height - kPageTop - kPageFoot;
     for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
         CGhostWindowEx* const page = pages[Index(tab)];
-        page->SetPos(left, kPageTop, kPageWide, kRowsHigh);
+        page->SetPos(left, kPageTop, kPageWide, high);
         LayoutRows(tab, page->window->clientRect.width, page->window->clientRect.height);
     }
-    help->SetPos(15, kPageTop + kRowsHigh + kHelpGap, width - 30, 20);
     CGhostWindowEx* const inputPage = pages[Index(OptionTab::kInput)];
-    inputPage->SetPos(left, kPageTop, kPageWide, height - kPageTop - kPageFoot);
+    inputPage->SetPos(left, kPageTop, kPageWide, high);
     inputs->Layout(inputPage->window->clientRect.width, inputPage->window->clientRect.height);
 }
 
@@ -162,6 +166,7 @@ void CGUIOptions::LayoutRows(OptionTab tab, int32_t width, int32_t height) {
         }
         y += kRowPitch;
     }
+    helps[Index(tab)]->SetPos(left, kHelpTop, width - left, kHelpHigh);
     if (CGhostTextBox* const notice = notices[Index(tab)]; notice != nullptr) {
         notice->SetPos(0, height - kNoticeFoot, width, 20);
     }
@@ -175,10 +180,6 @@ void CGUIOptions::ShowTab(OptionTab tab) {
         tabs[i]->SetDown(i == Index(tab));
         pages[i]->SetVisible(i == Index(tab));
     }
-    // The page of the inputs reaches over its place, and tells the same itself.
-    if (help != nullptr) {
-        help->SetVisible(tab != OptionTab::kInput);
-    }
 }
 
 void CGUIOptions::Update() {
@@ -187,7 +188,23 @@ void CGUIOptions::Update() {
         tab->SetDown(true);
     }
     inputs->Update();
+    FollowSettings();
     ShowHelp();
+}
+
+// A key of the program's own may change what a row shows, as F11 does, and the row must not change it back.
+void CGUIOptions::FollowSettings() {
+    for (ROW& row : rows) {
+        if (row.list == nullptr) {
+            continue;
+        }
+        const int32_t now = StoredChoice(*row.row);
+        if (now != row.stored) {
+            row.stored = now;
+            row.list->SetSelected(now, false);
+            row.list->SetCaption(StoredText(*row.row));
+        }
+    }
 }
 
 bool CGUIOptions::TakeBack() {
@@ -196,6 +213,11 @@ bool CGUIOptions::TakeBack() {
 
 // The tips need a mouse; with keys and a controller the row that has the focus explains itself.
 void CGUIOptions::ShowHelp() {
+    CGhostMultiText* const help =
+        helps[Index(shown)]; // the page of the inputs tells the same itself
+    if (help == nullptr) {
+        return;
+    }
     const GHOSTMANAGER_WINDOW* const focus = CGhostManager::Get().FocusWindow();
     const auto row = std::find_if(rows.begin(), rows.end(), [&](const ROW& at) {
         return at.list != nullptr ? focus == at.list->window || focus == at.list->List()->window

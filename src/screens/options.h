@@ -17,6 +17,7 @@
 
 class CGhostButton;
 class CGhostDropList;
+class CGhostMultiText;
 class CGhostSlider;
 class CGhostTextBox;
 class CGhostWindowEx;
@@ -38,7 +39,8 @@ public:
 
     [[nodiscard]] CGhostButton* TabButton(OptionTab tab) const { return tabs[Index(tab)]; }
     [[nodiscard]] CGhostWindowEx* TabWindow(OptionTab tab) const { return pages[Index(tab)]; }
-    [[nodiscard]] const CGhostTextBox* HelpLine() const { return help; }
+    // What the row with the focus does; null on the page of the inputs.
+    [[nodiscard]] CGhostMultiText* Help() const { return helps[Index(shown)]; }
     [[nodiscard]] InputTab& Inputs() const { return *inputs; }
     // The control of a setting's row; null if it has none of that kind.
     [[nodiscard]] CGhostDropList* ListOf(std::wstring_view setting) const;
@@ -51,6 +53,7 @@ private:
         CGhostTextBox* label;
         CGhostDropList* list; // null in a row with a slider
         CGhostSlider* slider; // null in a row with a list
+        int32_t stored;       // of the list: the choice that the setting stands for
         CGhostTextBox* mark;  // from when on a change acts; null: at once
     };
 
@@ -60,6 +63,7 @@ private:
     void MakeSlider(ROW& made, GHOSTMANAGER_WINDOW* page);
     void LayoutRows(OptionTab tab, int32_t width, int32_t height);
     void ShowHelp();
+    void FollowSettings();
     [[nodiscard]] const ROW* RowOf(std::wstring_view setting) const;
     void Store();
 
@@ -69,7 +73,7 @@ private:
     std::array<CGhostWindowEx*, kOptionTabs> pages{};
     std::array<CGhostTextBox*, kOptionTabs> notices{}; // null where there is none
     std::vector<ROW> rows;
-    CGhostTextBox* help = nullptr;
+    std::array<CGhostMultiText*, kOptionTabs> helps{};
     std::unique_ptr<InputTab> inputs;
     OptionTab shown = OptionTab::kGeneral;
 };

@@ -12,6 +12,7 @@ using Order = ModeOrder;
 // clang-format off
 constexpr MODE_WAY kWays[] = {
     // from             input                  if                       to                 and
+    // Who only looks into the menu keeps his place in the room; who comes from nowhere enters by its door.
     {Mode::kMenu,       Input::kPlayGames,     Guard::kCameFromRoom,    Mode::kBrowser,    Order::kNothing},
     {Mode::kMenu,       Input::kPlayGames,     Guard::kAlways,          Mode::kBrowser,    Order::kResetCamera},
     {Mode::kMenu,       Input::kOpenPanel,     Guard::kAlways,          Mode::kPanel,      Order::kNothing},
@@ -30,6 +31,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kBrowser,    Input::kGameStarted,   Guard::kStartFullScreen, Mode::kFullScreen, Order::kNothing},
     {Mode::kBrowser,    Input::kGameStarted,   Guard::kAlways,          Mode::kStanding,   Order::kNothing},
     {Mode::kBrowser,    Input::kGameRoom,      Guard::kAlways,          Mode::kWalking,    Order::kNothing},
+    // As from the menu: the browser that was opened for a set leads back to it. Its button MAIN MENU is the way on.
     {Mode::kBrowser,    Input::kBack,          Guard::kCameFromFullScreen,      Mode::kFullScreen, Order::kNothing},
     {Mode::kBrowser,    Input::kBack,          Guard::kCameFromStanding,        Mode::kStanding,   Order::kNothing},
     {Mode::kBrowser,    Input::kBack,          Guard::kCameFromRoom,    Mode::kWalking,    Order::kNothing},
@@ -42,6 +44,12 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kWalking,    Input::kMiddleButton,  Guard::kSelectedOn,      Mode::kStanding,   Order::kNothing},
     {Mode::kWalking,    Input::kTurnOff,       Guard::kSelectedAndFullScreen, Mode::kBrowser, Order::kStopGame},
     {Mode::kWalking,    Input::kTurnOff,       Guard::kSelected,        Mode::kWalking,    Order::kStopGame},
+    {Mode::kWalking,    Input::kSavedStates,   Guard::kSelectedOn,      Mode::kWalking,    Order::kSavedStates},
+    {Mode::kWalking,    Input::kTelevision,    Guard::kSelectedOn,      Mode::kFullScreen, Order::kNothing},
+    {Mode::kWalking,    Input::kLoadGame,      Guard::kSelected,        Mode::kBrowser,    Order::kChooseGame},
+    {Mode::kWalking,    Input::kExitGame,      Guard::kSelectedAndFullScreen, Mode::kBrowser, Order::kStopGame},
+    {Mode::kWalking,    Input::kExitGame,      Guard::kSelected,        Mode::kWalking,    Order::kStopGame},
+    {Mode::kWalking,    Input::kResetGame,     Guard::kSelectedOn,      Mode::kWalking,    Order::kResetGame},
     {Mode::kWalking,    Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
 
     {Mode::kStanding,   Input::kLeave,         Guard::kAlways,          Mode::kWalking,    Order::kNothing},
@@ -51,6 +59,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kStanding,   Input::kExitGame,      Guard::kSelectedAndFullScreen, Mode::kBrowser, Order::kStopGame},
     {Mode::kStanding,   Input::kExitGame,      Guard::kSelected,        Mode::kWalking,    Order::kStopGame},
     {Mode::kStanding,   Input::kResetGame,     Guard::kSelectedOn,      Mode::kStanding,   Order::kResetGame},
+    {Mode::kStanding,   Input::kSavedStates,   Guard::kSelectedOn,      Mode::kStanding,   Order::kSavedStates},
     {Mode::kStanding,   Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
 
     {Mode::kFullScreen, Input::kLeave,         Guard::kAlways,          Mode::kWalking,    Order::kNothing},
@@ -61,6 +70,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kFullScreen, Input::kExitGame,      Guard::kAlways,          Mode::kWalking,    Order::kStopGame},
     {Mode::kFullScreen, Input::kGameEnded,     Guard::kAlways,          Mode::kWalking,    Order::kNothing},
     {Mode::kFullScreen, Input::kResetGame,     Guard::kAlways,          Mode::kFullScreen, Order::kResetGame},
+    {Mode::kFullScreen, Input::kSavedStates,   Guard::kAlways,          Mode::kFullScreen, Order::kSavedStates},
     {Mode::kFullScreen, Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
 };
 // clang-format on

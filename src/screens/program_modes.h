@@ -24,19 +24,22 @@ enum class ModeInput : uint8_t {
     kOpenPanel, // BENCHMARK, OPTIONS, CREDITS
     kQuit,      // QUIT
     kBack, // BACK, escape, a controller's right button or guide button, in menu, panel and browser
-    kMainMenu,    // F10 and the buttons MAIN MENU and Main Menu
+    kMainMenu, // F10, the buttons MAIN MENU and Main Menu, and in the room a controller's start button
     kGameRoom,    // the browser's button GAME ROOM
     kGameStarted, // a game runs that was chosen in the browser
     kUse,         // the action Use, and the left mouse button, while walking
     kShowSet, // the same where a room's games are given from outside and no browser chooses them
-    kLeave,   // escape and a controller's guide button, in the room and full screen
+    kLeave, // escape and a short press of a controller's guide button, in the room and full screen
     kMiddleButton, // the middle mouse button, in the room and full screen
     kTurnOff,      // the action Turn Off, while walking
-    kLoadGame,     // the button Load New Game
-    kExitGame,     // the button Exit Game
-    kTelevision,   // the button Fullscreen Mode or TV Mode
-    kResetGame,    // the button Reset Game: no way leads anywhere, but the machine is reset
-    kGameEnded,    // the machine of the set that is played could not go on
+    // Buttons of the strip and of the game menu, which the action Game Menu opens, and a controller's guide button
+    // that is held.
+    kLoadGame,    // the button Load New Game
+    kExitGame,    // the button Exit Game
+    kTelevision,  // the button Fullscreen Mode or TV Mode
+    kResetGame,   // the button Reset Game: no way leads anywhere, but the machine is reset
+    kSavedStates, // the action Saved States and its button: their panel lies over the mode
+    kGameEnded,   // the machine of the set that is played could not go on
 };
 
 // What a way may depend on.
@@ -54,6 +57,7 @@ enum class ModeOrder : uint8_t {
     kChooseGame,  // the browser is for the selected set
     kStopGame,    // turn off the selected set
     kResetGame,   // of the selected set
+    kSavedStates, // shows those of the selected set's game
 };
 
 enum class ModeGuard : uint8_t {

@@ -5,6 +5,7 @@
 #include "facts/machine_facts.h"
 #include "gui/button.h"
 #include "gui/drop_list.h"
+#include "gui/edit.h"
 #include "gui/list_view.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
@@ -13,6 +14,8 @@
 #include "library/game_source.h"
 #include "room/image_decoder.h"
 #include "screens/game_media.h"
+#include "screens/key_line.h"
+#include "screens/play_keys.h"
 #include "screens/played_text.h"
 #include "screens/screen_host.h"
 #include "settings/settings.h"
@@ -38,6 +41,8 @@ constexpr int32_t kStarColumn = 34;
 constexpr int32_t kStarButton = 36;
 constexpr int32_t kScrollbar = 24;
 constexpr int32_t kListHeight = 240; // of an open drop list
+constexpr int32_t kRoomButton = 120;
+constexpr int32_t kHintFoot = 40; // from the list's lower edge to the top of the hint
 
 constexpr const wchar_t* kSystemSetting = L"gamebrowser_cursystem";
 constexpr const wchar_t* kSavesSetting = L"emu_autosaves";
@@ -69,10 +74,17 @@ SERVICE_ADDRESSES ServiceOfSettings() {
     return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
 }
 
-bool SidesOfPicture(std::span<const uint8_t> file, PICTURE_SIZE& size) {
-    const ROOM_IMAGE image = DecodeRoomImage(file);
-    size = {image.width, image.height};
-    return image.width != 0;
+// On the queue's thread: decoding a stranger's pictures may take a while.
+bool CheckContent(std::span<const uint8_t> archive, std::wstring& error) {
+    const PICTURE_CHECK check = {
+        [](std::span<const uint8_t> file, PICTURE_SIZE& size) {
+            return RoomImageSize(file, size.width, size.height);
+        },
+        [](std::span<const uint8_t> file) { return DecodeRoomImage(file).width != 0; }};
+    std::string reason;
+    const bool good = CheckMediaArchive(archive, check, reason);
+    error = WideFromUtf8(reason);
+    return good;
 }
 
 int32_t SelectorOf(uint16_t system) {
@@ -103,6 +115,27 @@ std::wstring PlayTypeText(uint8_t types) {
     return text.empty() ? L"unknown" : text;
 }
 
+std::wstring RegionText(const std::wstring& letters) {
+    struct REGION {
+        wchar_t letter;
+        const wchar_t* name;
+    };
+    constexpr REGION kRegions[] = {
+        {L'E', L"Europe"},
+        {L'U', L"USA"   },
+        {L'B', L"Brazil"},
+        {L'J', L"Japan" },
+        {L'K', L"Korea" },
+    };
+    std::wstring text;
+    for (const REGION& region : kRegions) {
+        if (letters.find(region.letter) != std::wstring::npos) {
+            text += (text.empty() ? L"" : L", ") + std::wstring(region.name);
+        }
+    }
+    return text.empty() ? L"unknown" : text;
+}
+
 } // namespace
 
 CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program)
@@ -115,9 +148,13 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     , optionsWindow(
           Own(new CGhostWindowEx(parentWindow, 0, L"GAMEOPTIONS", L"",
                                  CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {})))
+    , noOptions(new CGhostTextBox(optionsWindow->window, 0, L"TEXT",
+                                  L"This machine has no options. These keys play it:", {}))
+    , keys(new KeyLine(optionsWindow->window, 0))
     , content(parentWindow,
               {[this] { FetchContent(); },
-               [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); }})
+               [this](int button, int32_t x, int32_t y) { host.CoverClick(button, x, y); },
+               [this] { host.LookCloser(); }, [this] { host.TurnCovers(); }})
     , start(Own(new CGhostButton(parentWindow, 0, L"PLAYOFFLINE", L"START GAME", 0, {})))
     , star(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"\x2606", 0, {})))
     , gameRoom(Own(new CGhostButton(parentWindow, 0, L"BUTTON", L"GAME ROOM", 0, {})))
@@ -135,6 +172,7 @@ CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& pr
     star->SetToolTip(
         L"Makes the game a favourite, or no longer (F, or a controller's left button)");
     gameRoom->SetToolTip(L"Walk in the room");
+    mainMenu->SetToolTip(L"Options, benchmark, credits and the way out");
     saves->SetToolTip(
         L"Whether a game goes on where you left it, and is kept when you turn it off.");
     for (const SAVES& choice : kSaves) {
@@ -224,10 +262,12 @@ void CGUIRomBrowser::SetActive(bool wanted) {
              list, optionsWindow, start, star, gameRoom, mainMenu, savesLabel, saves}) {
         control->SetVisible(active);
     }
-    empty->SetVisible(active && list->RowCount() == 0);
+    PlaceHint();
+    scan.SetActive(active);
     if (!active) {
         return;
     }
+    ShowKeys();
     const int32_t value = Settings().GetInt(kSavesSetting);
     const auto* const found = std::find_if(std::begin(kSaves), std::end(kSaves),
                                            [&](const SAVES& one) { return one.value == value; });
@@ -278,27 +318,47 @@ void CGUIRomBrowser::MakePanel(uint16_t system) {
     if (options != nullptr) {
         options->SetVisible(true);
     }
+    noOptions->SetVisible(options == nullptr);
+    ShowKeys();
+}
+
+// In the last row of the options, beside what is in it.
+void CGUIRomBrowser::ShowKeys() {
+    const uint16_t system = catalogue.System();
+    const int32_t x = options == nullptr              ? 0
+                      : system == kSystemMasterSystem ? 320
+                      : system == kSystemGameGear     ? 140
+                                                      : 80;
+    const int32_t y = options == nullptr ? 45 : 80;
+    noOptions->SetPos(0, 10, optionsWindow->window->clientRect.width, kButton);
+    keys->SetPos(x, y, optionsWindow->window->clientRect.width - x, kButton);
+    keys->SetWords(PlayKeys(system));
 }
 
 void CGUIRomBrowser::ClearPanes() {
     chosen = nullptr;
     list->Clear();
-    empty->SetVisible(false);
+    hint.clear();
+    PlaceHint();
     for (const ContentTab tab :
          {ContentTab::kReviews, ContentTab::kHints, ContentTab::kTrivia, ContentTab::kMetaInfo}) {
         content.SetText(tab, L"");
     }
     content.SetShots({});
     content.OfferContent(false);
-    host.ShowCovers({}, 0, false);
+    content.SayNoCover(false);
+    ShowCovers({}, 0, false);
     start->SetEnabled(false);
     star->SetEnabled(false);
 }
 
 void CGUIRomBrowser::Update() {
+    // The list reaches out from behind the open filters, and would take each step to the right or down from them.
+    CGhostManager::Get().SetTabStop(list->window, !filters.Menu()->IsVisible());
     if (options != nullptr) {
         options->Update();
     }
+    content.Update();
     if (catalogue.TakeFolderError()) {
         CGhostMessageBox::Show(kFolderErrorTitle, kFolderErrorText);
     }
@@ -370,13 +430,26 @@ void CGUIRomBrowser::FillList() {
     filters.ShowCount(lines.size());
     const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
     const bool none = catalogue.Rows().empty();
-    empty->SetText(none && facts != nullptr ? L"No games yet. Drop game files or folders on this "
-                                              L"window, or put them into the folder \"" +
-                                                  WideFromUtf8(facts->folder) + L"\"."
-                                            : L"Nothing fits the filters.");
-    empty->SetVisible(active && lines.empty());
+    hint = none && facts != nullptr
+               ? L"No games yet. Drop game files or folders on this window, or "
+                 L"put them into the folder \"" +
+                     WideFromUtf8(facts->folder) + L"\"."
+           : lines.empty() ? L"Nothing fits the filters."
+                           : L"Drop game files or folders on this window to add them.";
+    PlaceHint();
     list->SetSelected(selected, false);
     Choose(RowOf(selected));
+}
+
+// In the middle of an empty list; at the foot of one that has the room.
+void CGUIRomBrowser::PlaceHint() {
+    const GHOSTMANAGER_WINDOW& at = *list->window;
+    const int32_t rows = list->RowCount();
+    const int32_t free = at.height - list->HeaderHeight() - rows * list->RowHeight();
+    empty->SetText(hint);
+    empty->SetPos(at.x + 20, rows == 0 ? at.y + 60 : at.y + at.height - kHintFoot, at.width - 40,
+                  kButton);
+    empty->SetVisible(active && !hint.empty() && free >= 2 * kHintFoot);
 }
 
 const GameListRow* CGUIRomBrowser::RowOf(int32_t listRow) const {
@@ -393,8 +466,11 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
     metaTail.clear();
     if (row == nullptr) {
         content.SetShots({});
-        host.ShowCovers({}, 0, false);
+        content.SayNoCover(false);
+        ShowCovers({}, 0, false);
         content.SetText(ContentTab::kMetaInfo, L"");
+        ShowTexts({});
+        content.OfferContent(false);
         return;
     }
     CGameFile game;
@@ -407,9 +483,18 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
         ShowPlayed();
     } else {
         content.SetText(ContentTab::kMetaInfo, WideFromUtf8(error));
+        if (options != nullptr) {
+            options->ConfigureForGame({}, 0); // nothing is known of it
+        }
     }
     ShowMedia(*row);
     AskAboutGame(*row);
+}
+
+std::filesystem::path CGUIRomBrowser::MediaOf(const GameListRow& row) const {
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    return facts != nullptr ? MediaArchivePath(facts->folder, row.contentKey)
+                            : std::filesystem::path();
 }
 
 void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
@@ -418,12 +503,20 @@ void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
         return;
     }
     GAME_MEDIA media = ReadGameMedia(facts->folder, row.contentKey);
-    hasMedia = media.archive;
-    localTexts = !media.texts.empty();
-    ShowTexts(localTexts ? ReadGameInformation(media.texts) : GAME_INFORMATION());
+    localTexts.reset();
+    if (!media.texts.empty()) {
+        localTexts = ReadGameInformation(media.texts);
+    }
+    ShowTexts(localTexts.value_or(GAME_INFORMATION()));
     content.SetShots(std::move(media.shots));
+    content.SayNoCover(media.covers.empty());
     const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
-    host.ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+    ShowCovers(std::move(media.covers), kind, catalogue.System() == kSystemArcade);
+}
+
+void CGUIRomBrowser::ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) {
+    content.OfferCovers(!covers.empty());
+    host.ShowCovers(std::move(covers), kind, cabinet);
 }
 
 void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
@@ -432,7 +525,12 @@ void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
     content.SetText(ContentTab::kTrivia, information.trivia);
 }
 
-// The texts that lie here are shown at once; an answer of the service takes their place.
+// Games of two systems may have one name.
+bool CGUIRomBrowser::IsChosen(uint16_t system, const std::wstring& key) const {
+    return chosen != nullptr && catalogue.System() == system && chosen->contentKey == key;
+}
+
+// The texts that lie here are shown at once; those of the service's answer take their place.
 void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
     content.OfferContent(false);
     const std::wstring url = GameUrl(ServiceOfSettings(), row.contentKey);
@@ -441,25 +539,34 @@ void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
     }
     host.Downloads().QueueRequest(
         url, row.contentKey, kAskGame, abandoned,
-        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
-               const uint8_t* data, uint32_t size) {
-            if (*gone != 0 || chosen == nullptr || chosen->contentKey != key) {
+        [this, url, system = catalogue.System()](const std::wstring& error, const std::wstring& key,
+                                                 uint32_t, const AbortWord& gone,
+                                                 const uint8_t* data, uint32_t size) {
+            if (*gone != 0 || !IsChosen(system, key)) {
                 return; // the player looks at another game by now
             }
-            if (!error.empty()) {
-                if (!localTexts) {
-                    ShowTexts(GameInformationFailure(error));
-                }
-                return;
+            if (const std::wstring why = WhyNothingCame(url, error, data); why.empty()) {
+                TakeInformation(ReadGameInformation({data, size}));
+            } else if (!localTexts) {
+                ShowTexts(GameInformationFailure(why));
             }
-            const GAME_INFORMATION information = ReadGameInformation({data, size});
-            ShowTexts(information);
-            content.OfferContent(!hasMedia && ContentAvailable(information, 0));
         });
+}
+
+void CGUIRomBrowser::TakeInformation(const GAME_INFORMATION& information) {
+    ShowTexts(localTexts ? WithLocalTexts(information, *localTexts) : information);
+    offeredRevision = information.cover;
+    const std::optional<int32_t> revision = MediaRevision(MediaOf(*chosen));
+    const bool reachable =
+        !CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey).empty();
+    content.OfferContent(reachable && revision && ContentAvailable(information, *revision));
 }
 
 // The button `Content Available`.
 void CGUIRomBrowser::FetchContent() {
+    if (CGhostManager::Get().FocusWindow() == content.ContentButton()->window) {
+        content.TabButton(ContentTab::kCovers)->SetFocus(); // as it goes
+    }
     content.OfferContent(false);
     const std::wstring url =
         chosen != nullptr ? CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey)
@@ -469,19 +576,20 @@ void CGUIRomBrowser::FetchContent() {
     }
     host.Downloads().QueueRequest(
         url, chosen->contentKey, kFetchCover, abandoned,
-        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
-               const uint8_t* data, uint32_t size) {
-            if (*gone == 0 && chosen != nullptr && chosen->contentKey == key) {
-                StoreContent(error, {data, size});
+        [this, url, system = catalogue.System(),
+         revision = offeredRevision](const std::wstring& error, const std::wstring& key, uint32_t,
+                                     const AbortWord& gone, const uint8_t* data, uint32_t size) {
+            if (*gone == 0 && IsChosen(system, key)) {
+                StoreContent(WhyNothingCame(url, error, data), {data, size}, revision);
             }
-        });
+        },
+        CheckContent);
 }
 
-void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive) {
-    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive,
+                                  int32_t revision) {
     std::string reason = Utf8FromWide(error);
-    if (error.empty() && StoreMediaArchive(MediaArchivePath(facts->folder, chosen->contentKey),
-                                           archive, SidesOfPicture, reason)) {
+    if (error.empty() && StoreMediaArchive(MediaOf(*chosen), archive, revision, reason)) {
         ShowMedia(*chosen);
         return;
     }
@@ -494,7 +602,7 @@ void CGUIRomBrowser::ReadMeta(const GameListRow& row, const CGameFile& game) {
     text = row.title + L"\n\n";
     text += L"Year: " + (row.year == 1900 ? std::wstring(L"unknown") : std::to_wstring(row.year)) +
             L"\n";
-    text += L"Regions: " + (row.regions.empty() ? std::wstring(L"unknown") : row.regions) + L"\n";
+    text += L"Regions: " + RegionText(row.regions) + L"\n";
     text += L"Players: " + PlayTypeText(row.playTypes) + L"\n";
     text += std::wstring(L"In the database: ") + (row.known ? L"yes" : L"no") + L"\n\n";
     metaTail = L"\nFile: " + WideFromUtf8(row.path.filename().string()) + L"\n";
@@ -568,8 +676,8 @@ void CGUIRomBrowser::StartSelected() {
 void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
     const int32_t rightX = width - kMargin - kRightWidth;
     const int32_t leftWidth = rightX - kMargin - 16;
-    gameRoom->SetPos(kMargin, 47, 100, kButton);
-    mainMenu->SetPos(kMargin, 79, 100, kButton);
+    gameRoom->SetPos(kMargin + leftWidth - kRoomButton, 15, kRoomButton, kButton);
+    mainMenu->SetPos(kMargin + leftWidth - kRoomButton, 47, kRoomButton, kButton);
     switcher.Layout(kMargin + (leftWidth - SystemSwitcher::kWidth) / 2, kMargin - 3);
     filters.Layout(kMargin, 136, leftWidth);
     const int32_t listTop = 136 + BrowserFilters::kHeight + 4;
@@ -578,11 +686,12 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
     list->SetColumnWidth(kTitle,
                          leftWidth - 3 * kFlagColumn - kYearColumn - kStarColumn - kScrollbar);
     list->SetColumnWidth(kStar, kStarColumn);
-    empty->SetPos(kMargin + 20, listTop + 60, leftWidth - 40, kButton);
+    PlaceHint();
     optionsWindow->SetPos(kMargin, optionsTop, leftWidth, kOptionsHeight);
     if (options != nullptr) {
         options->Layout();
     }
+    ShowKeys();
     const int32_t startTop = height - kMargin - kStartHeight;
     content.Layout(rightX, kMargin, kRightWidth, startTop - kGap - kMargin);
     start->SetPos(rightX, startTop, 190, kStartHeight);
@@ -592,14 +701,34 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
 }
 
 void CGUIRomBrowser::TakeFocus() {
-    list->SetFocus();
+    if (!scan.TakeFocus()) {
+        list->SetFocus();
+    }
 }
 
+// One thing at a time, the nearest first.
 bool CGUIRomBrowser::TakeBack() {
-    if (!filters.Menu()->IsVisible()) {
+    if (scan.TakeBack()) {
+        return true;
+    }
+    if (filters.Menu()->IsVisible()) {
+        filters.CloseMenu();
+        list->SetFocus();
+        return true;
+    }
+    return LeaveName();
+}
+
+// Who looks for a name first wants another one, and then none.
+bool CGUIRomBrowser::LeaveName() {
+    CGhostEdit* const name = filters.Name();
+    if (CGhostManager::Get().FocusWindow() != name->window) {
         return false;
     }
-    filters.CloseMenu();
-    list->SetFocus();
+    if (name->Text().empty()) {
+        list->SetFocus();
+    } else {
+        filters.ClearName();
+    }
     return true;
 }

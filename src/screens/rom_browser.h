@@ -16,19 +16,21 @@
 #include "screens/screen_panel.h"
 #include "screens/system_switcher.h"
 #include "web/download_list.h"
+#include "web/service_texts.h"
 
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 class CGhostListView;
 class CGhostWindowEx;
+class KeyLine;
 class ScreenHost;
-struct GAME_INFORMATION;
 
 class CGUIRomBrowser final : public CGUIPanel {
 public:
@@ -52,7 +54,7 @@ public:
     void Layout(int32_t width, int32_t height) override;
     void Update() override;
     void TakeFocus() override;
-    [[nodiscard]] bool TakeBack() override; // the filters
+    [[nodiscard]] bool TakeBack() override; // what a scan tells, the filters, the name to look for
 
     // As the button START GAME.
     void StartSelected();
@@ -66,6 +68,9 @@ public:
     [[nodiscard]] SystemSwitcher& Switcher() { return switcher; }
     [[nodiscard]] ScanWindow& Scan() { return scan; }
     [[nodiscard]] CGameOptions* Options() const { return options.get(); }
+    [[nodiscard]] const KeyLine& Keys() const { return *keys; }
+    [[nodiscard]] const CGhostTextBox& NoOptions() const { return *noOptions; }
+    [[nodiscard]] const CGhostTextBox& Hint() const { return *empty; }
     [[nodiscard]] CGhostButton* StartButton() const { return start; }
     [[nodiscard]] CGhostButton* StarButton() const { return star; }
     [[nodiscard]] CGhostButton* RoomButton() const { return gameRoom; }
@@ -78,6 +83,8 @@ private:
     void MakePanel(uint16_t system);
     void ClearPanes();
     void FillList();
+    void ShowKeys();
+    void PlaceHint();
     void ShowRow(int32_t row);
     void Choose(const GameListRow* row);
     void ReadMeta(const GameListRow& row, const CGameFile& game);
@@ -86,19 +93,27 @@ private:
     [[nodiscard]] std::vector<ROW_LINE> ChooseLines();
     [[nodiscard]] PLAYER_RECORD PlayedOf(const GameListRow& row) const;
     void ShowMedia(const GameListRow& row);
+    void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet);
     void ShowTexts(const GAME_INFORMATION& information);
+    [[nodiscard]] std::filesystem::path MediaOf(const GameListRow& row) const;
+    [[nodiscard]] bool IsChosen(uint16_t system, const std::wstring& key) const;
     void AskAboutGame(const GameListRow& row);
+    void TakeInformation(const GAME_INFORMATION& information);
     void FetchContent();
-    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive);
+    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive,
+                      int32_t revision);
     [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
     void StoreSaves();
+    [[nodiscard]] bool LeaveName();
 
     ScreenHost& host;
     SystemSwitcher switcher;
     BrowserFilters filters;
     CGhostListView* list;
-    CGhostTextBox* empty; // over the list of a system without games
+    CGhostTextBox* empty; // over the list where it has no games
     CGhostWindowEx* optionsWindow;
+    CGhostTextBox* noOptions; // on a machine without
+    KeyLine* keys;            // that play the machine
     ContentArea content;
     CGhostButton* start;
     CGhostButton* star;
@@ -113,10 +128,11 @@ private:
     bool applyFilters = false; // with the next Update
     int32_t readAnew = -1;     // the index of the system to scan when it can be; -1: none
     const GameListRow* chosen = nullptr;
+    std::wstring hint;     // how to get games, or why there are none
     std::wstring metaHead; // of the chosen game: what comes before and after the times played
     std::wstring metaTail;
-    bool hasMedia = false;   // the chosen game has an archive of pictures
-    bool localTexts = false; // and texts in it
+    std::optional<GAME_INFORMATION> localTexts; // in the chosen game's archive
+    int32_t offeredRevision = 0;                // of its pictures on the service
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
     LibraryIndex libraryIndex;
     Catalogue catalogue; // last: its worker calls the panel

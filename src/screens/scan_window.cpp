@@ -60,13 +60,37 @@ void ScanWindow::Open() {
     finish->SetVisible(false);
     barBack->SetVisible(true);
     Layout(false);
-    window->SetVisible(true);
+    open = true;
+    waits = false;
+    window->SetVisible(active);
     window->SetZOrder(-1);
 }
 
 void ScanWindow::Close() {
+    open = false;
+    waits = false;
     window->SetVisible(false);
     closed();
+}
+
+void ScanWindow::SetActive(bool shown) {
+    active = shown;
+    window->SetVisible(active && open);
+}
+
+bool ScanWindow::TakeFocus() {
+    if (waits) {
+        finish->SetFocus();
+    }
+    return waits;
+}
+
+bool ScanWindow::TakeBack() {
+    const bool waited = waits;
+    if (waited) {
+        Close();
+    }
+    return waited;
 }
 
 void ScanWindow::Layout(bool withLog) {
@@ -107,7 +131,10 @@ bool ScanWindow::Update(Catalogue& catalogue) {
     if (converted) {
         barBack->SetVisible(false);
         finish->SetVisible(true);
-        finish->SetFocus();
+        waits = true;
+        if (active) {
+            finish->SetFocus();
+        }
     } else {
         Close();
     }

@@ -50,6 +50,9 @@ public:
     virtual void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet) = 0;
     // In units of that window's client area.
     virtual void CoverClick(int button, int32_t x, int32_t y) = 0;
+    // Without a pointer: closer to the next box, after the last one back to all; and turned over.
+    virtual void LookCloser() = 0;
+    virtual void TurnCovers() = 0;
 
     // Requests to the web service. Their callbacks run in the program's rounds.
     [[nodiscard]] virtual DownloadQueue& Downloads() = 0;
@@ -63,8 +66,15 @@ public:
     // Writes the settings to their file. A failure is told to the player.
     virtual void SaveSettings() = 0;
 
+    // The program has stood still, as the benchmark makes it: what the player has pressed meanwhile is for nobody.
+    virtual void ForgetInput() = 0;
+
     // In the order of their numbers.
     [[nodiscard]] virtual std::vector<SCREEN_JOYSTICK> Joysticks() const = 0;
+
+    // What the program itself does at a key of the keyboard, in a few words. Such a key cannot be bound to an action.
+    // Empty for all others.
+    [[nodiscard]] virtual std::wstring UseOfKey(uint32_t scancode) const = 0;
 
     // The Master System game that the benchmark runs, its image unpacked. False if it cannot be had.
     [[nodiscard]] virtual bool OpenBenchmarkGame(CGameFile& game) const = 0;

@@ -9,6 +9,7 @@
 #include "machine/state_pieces.h"
 #include "sega8/catch_up.h"
 #include "sega8/game_image.h"
+#include "sega8/z80_idle.h"
 
 #include <algorithm>
 #include <cstring>
@@ -42,17 +43,27 @@ GEAR_CONSOLE& Console(void* context) {
 // The Z80's bus in the frame loop.
 struct GEAR_BUS {
     GEAR_CONSOLE& console;
+    uint32_t effects = 0; // accesses other than reads of memory, wrapping
 
     uint8_t Read(uint16_t address) { return SegaMemoryRead(console.memory, address); }
     uint8_t ReadOpcode(uint16_t address) { return SegaMemoryRead(console.memory, address); }
-    uint8_t IoRead(uint16_t port) { return GearReadPort(console, port); }
-    void Write(uint16_t address, uint8_t value) { SegaMemoryWrite(console.memory, address, value); }
-    void IoWrite(uint16_t port, uint8_t value) { GearWritePort(console, port, value); }
+    uint8_t IoRead(uint16_t port) {
+        ++effects;
+        return GearReadPort(console, port);
+    }
+    void Write(uint16_t address, uint8_t value) {
+        ++effects;
+        SegaMemoryWrite(console.memory, address, value);
+    }
+    void IoWrite(uint16_t port, uint8_t value) {
+        ++effects;
+        GearWritePort(console, port, value);
+    }
 };
 
 // One Z80 clock of a console.
-inline void ConsoleTick(GEAR_CONSOLE& console) {
-    GEAR_BUS bus{console};
+inline void ConsoleTick(GEAR_BUS& bus) {
+    GEAR_CONSOLE& console = bus.console;
     VdpTick(console.vdp);
     VdpTick(console.vdp);
     Z80TickOn(console.z80, bus);
@@ -68,6 +79,8 @@ struct GEAR_CATCH_UP_BUS {
     CATCH_UP_CHIPS& chips;
     uint32_t clock = 0;     // of the span
     uint32_t linkClock = 0; // clocks of the span that the link has run
+    uint32_t spanStart = 0; // clocks of the frame before the span, wrapping
+    Z80IdleLoop idle{};
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
@@ -84,14 +97,16 @@ struct GEAR_CATCH_UP_BUS {
         bus.console.z80.irqLine = bus.console.irqOut;
     }
     void At(uint32_t now) { clock = now; }
+    uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
+        return idle.Skip(z80, bus.effects, spanStart + now, left);
+    }
     void CatchUp() {
         chips.CatchUp(clock * kVdpTicksPerClock + kVdpTicksBeforeZ80, clock);
         RunLink(clock);
     }
     void RunLink(uint32_t to) {
-        for (; linkClock != to; ++linkClock) {
-            GearLinkTick(bus.console.link);
-        }
+        GearLinkRun(bus.console.link, to - linkClock);
+        linkClock = to;
     }
     void BeginSpan() {
         chips.BeginSpan();
@@ -100,6 +115,7 @@ struct GEAR_CATCH_UP_BUS {
     void EndSpan(uint32_t clocks) {
         chips.CatchUp(clocks * kVdpTicksPerClock, clocks);
         RunLink(clocks);
+        spanStart += clocks + 1; // and the clock that runs every chip
     }
 };
 
@@ -296,9 +312,10 @@ void CGAMEGEAR::RunConsoles() {
 // same dot, so their frames end together. A state may have them apart; then the first console's
 // frame counts.
 void CGAMEGEAR::RunFramePlain() {
+    GEAR_BUS buses[2] = {{consoles[0]}, {consoles[1]}};
     while (!consoles[0].vdp.frameDone) {
         for (uint32_t i = 0; i < consoleCount; ++i) {
-            ConsoleTick(consoles[i]);
+            ConsoleTick(buses[i]);
         }
     }
 }
@@ -315,7 +332,7 @@ void CGAMEGEAR::RunFrameFast() {
         {{consoles[1]}, chips[1]}
     };
     for (uint32_t i = 0; i < consoleCount; ++i) {
-        ConsoleTick(consoles[i]);
+        ConsoleTick(buses[i].bus);
     }
     while (!consoles[0].vdp.frameDone) {
         uint32_t ticks = VdpTicksToEvent(consoles[0].vdp);
@@ -335,7 +352,7 @@ void CGAMEGEAR::RunFrameFast() {
             buses[i].EndSpan(clocks);
         }
         for (uint32_t i = 0; i < consoleCount; ++i) {
-            ConsoleTick(consoles[i]);
+            ConsoleTick(buses[i].bus);
         }
     }
 }

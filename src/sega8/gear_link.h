@@ -81,3 +81,13 @@ inline void GearLinkTick(GEAR_LINK& link) {
         GearLinkError(link);
     }
 }
+
+// `clocks` calls of GearLinkTick; mostly nothing is on the line.
+inline void GearLinkRun(GEAR_LINK& link, uint32_t clocks) {
+    if ((link.sendClocks | link.errorClocks) == 0) {
+        return;
+    }
+    for (; clocks != 0; --clocks) {
+        GearLinkTick(link);
+    }
+}

@@ -77,6 +77,57 @@ std::array<int32_t, 4> Levels(const PSG& psg) {
     return levels;
 }
 
+struct PSG_PAIR {
+    int16_t left;
+    int16_t right;
+};
+
+PSG_PAIR Mix(const PSG& psg) {
+    const std::array<int32_t, 4> levels = Levels(psg);
+    int32_t left = 0;
+    int32_t right = 0;
+    if (psg.stereo) {
+        for (size_t i = 0; i < levels.size(); ++i) {
+            left += psg.leftEnable[i] != 0 ? levels[i] : 0;
+            right += psg.rightEnable[i] != 0 ? levels[i] : 0;
+        }
+    } else {
+        left = levels[0] + levels[1] + levels[2] + levels[3];
+        right = left;
+    }
+    return {static_cast<int16_t>(left), static_cast<int16_t>(right)};
+}
+
+// Whether the next pair leaves a tone as it is: its level is constant.
+bool IsConstant(const PSG& psg, size_t tone) {
+    return psg.period[tone] < 2 && psg.output[tone] == 1 && psg.counter[tone] == psg.period[tone];
+}
+
+// Pairs before the next one in which a channel changes.
+uint32_t QuietPairs(const PSG& psg) {
+    int32_t quiet = psg.counter[kNoise] - 1;
+    for (size_t i = 0; i < kTones; ++i) {
+        if (!IsConstant(psg, i)) {
+            quiet = std::min(quiet, psg.counter[i] - 1);
+        }
+    }
+    return quiet > 0 ? static_cast<uint32_t>(quiet) : 0;
+}
+
+void RunQuietPairs(PSG& psg, uint32_t pairs) {
+    for (size_t i = 0; i < kTones; ++i) {
+        if (!IsConstant(psg, i)) {
+            psg.counter[i] -= static_cast<int32_t>(pairs);
+        }
+    }
+    psg.counter[kNoise] -= static_cast<int32_t>(pairs);
+    psg.noiseOutput = psg.lfsr & 1;
+    const PSG_PAIR pair = Mix(psg);
+    for (; pairs != 0; --pairs) {
+        psg.pairs->Add(pair.left, pair.right);
+    }
+}
+
 void WriteRegister(PSG& psg, uint8_t value, bool isLatch) {
     const size_t channel = psg.latchChannel;
     if (psg.latchIsVolume) {
@@ -167,20 +218,23 @@ void PsgReset(PSG& psg) {
 void PsgMakePair(PSG& psg) {
     AdvanceTones(psg);
     AdvanceNoise(psg);
+    const PSG_PAIR pair = Mix(psg);
+    psg.pairs->Add(pair.left, pair.right);
+}
 
-    const std::array<int32_t, 4> levels = Levels(psg);
-    int32_t left = 0;
-    int32_t right = 0;
-    if (psg.stereo) {
-        for (size_t i = 0; i < levels.size(); ++i) {
-            left += psg.leftEnable[i] != 0 ? levels[i] : 0;
-            right += psg.rightEnable[i] != 0 ? levels[i] : 0;
+void PsgRun(PSG& psg, uint32_t clocks) {
+    clocks += psg.divider;
+    psg.divider = clocks % kPsgClocksPerPair;
+    uint32_t pairs = clocks / kPsgClocksPerPair;
+    while (pairs != 0) {
+        const uint32_t quiet = std::min(pairs, QuietPairs(psg));
+        if (quiet != 0) {
+            RunQuietPairs(psg, quiet);
+        } else {
+            PsgMakePair(psg);
         }
-    } else {
-        left = levels[0] + levels[1] + levels[2] + levels[3];
-        right = left;
+        pairs -= std::max(quiet, 1u);
     }
-    psg.pairs->Add(static_cast<int16_t>(left), static_cast<int16_t>(right));
 }
 
 void PsgWrite(PSG& psg, uint8_t value) {

@@ -62,14 +62,8 @@ inline void PsgTick(PSG& psg) {
     }
 }
 
-// `clocks` calls of PsgTick at once.
-inline void PsgRun(PSG& psg, uint32_t clocks) {
-    clocks += psg.divider;
-    for (; clocks >= kPsgClocksPerPair; clocks -= kPsgClocksPerPair) {
-        PsgMakePair(psg);
-    }
-    psg.divider = clocks;
-}
+// The same as `clocks` calls of PsgTick; pairs in which no channel changes are equal, and made together.
+void PsgRun(PSG& psg, uint32_t clocks);
 
 // The sound port.
 void PsgWrite(PSG& psg, uint8_t value);

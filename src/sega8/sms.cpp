@@ -9,6 +9,7 @@
 #include "machine/state_pieces.h"
 #include "sega8/catch_up.h"
 #include "sega8/game_image.h"
+#include "sega8/z80_idle.h"
 
 #include <cstring>
 #include <memory>
@@ -64,12 +65,22 @@ CSMS& Machine(void* context) {
 struct SMS_BUS {
     CSMS& machine;
     SEGA_MEMORY& memory;
+    uint32_t effects = 0; // accesses other than reads of memory, wrapping
 
     uint8_t Read(uint16_t address) { return SegaMemoryRead(memory, address); }
     uint8_t ReadOpcode(uint16_t address) { return SegaMemoryRead(memory, address); }
-    uint8_t IoRead(uint16_t port) { return machine.ReadPort(port); }
-    void Write(uint16_t address, uint8_t value) { SegaMemoryWrite(memory, address, value); }
-    void IoWrite(uint16_t port, uint8_t value) { machine.WritePort(port, value); }
+    uint8_t IoRead(uint16_t port) {
+        ++effects;
+        return machine.ReadPort(port);
+    }
+    void Write(uint16_t address, uint8_t value) {
+        ++effects;
+        SegaMemoryWrite(memory, address, value);
+    }
+    void IoWrite(uint16_t port, uint8_t value) {
+        ++effects;
+        machine.WritePort(port, value);
+    }
 };
 
 // The same for a Z80 that runs ahead: the other chips catch up before every port access.
@@ -81,6 +92,7 @@ struct SMS_CATCH_UP_BUS {
     uint32_t& clockCount;
     uint32_t clock = 0;      // of the span
     uint32_t startCount = 0; // `clockCount` at the start of the span
+    Z80IdleLoop idle{};
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
@@ -97,6 +109,9 @@ struct SMS_CATCH_UP_BUS {
         irqLine = irqOut;
     }
     void At(uint32_t now) { clock = now; }
+    uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
+        return idle.Skip(z80, bus.effects, startCount + now, left);
+    }
     void CatchUp() {
         chips.CatchUp(clock * kVdpTicksPerClock + kVdpTicksBeforeZ80, clock);
         clockCount = startCount + clock;

@@ -10,6 +10,7 @@
 #include "machine/state_pieces.h"
 #include "sega8/game_image.h"
 #include "sega8/vdp_run.h"
+#include "sega8/z80_idle.h"
 
 #include <algorithm>
 #include <memory>
@@ -56,12 +57,22 @@ CSEGAE& Machine(void* context) {
 // The Z80's bus in the frame loop.
 struct ARCADE_BUS {
     CSEGAE& machine;
+    uint32_t effects = 0; // accesses other than reads of memory, wrapping
 
     uint8_t Read(uint16_t address) { return machine.Peek(address); }
     uint8_t ReadOpcode(uint16_t address) { return machine.PeekOpcode(address); }
-    uint8_t IoRead(uint16_t port) { return machine.ReadPort(port); }
-    void Write(uint16_t address, uint8_t value) { machine.WriteMemory(address, value); }
-    void IoWrite(uint16_t port, uint8_t value) { machine.WritePort(port, value); }
+    uint8_t IoRead(uint16_t port) {
+        ++effects;
+        return machine.ReadPort(port);
+    }
+    void Write(uint16_t address, uint8_t value) {
+        ++effects;
+        machine.WriteMemory(address, value);
+    }
+    void IoWrite(uint16_t port, uint8_t value) {
+        ++effects;
+        machine.WritePort(port, value);
+    }
 };
 
 namespace {
@@ -71,8 +82,10 @@ struct ARCADE_CATCH_UP_BUS {
     ARCADE_BUS& bus;
     uint32_t& irqLine; // of the Z80
     const uint32_t& irqOut;
-    uint32_t clock = 0; // of the span
-    uint32_t done = 0;  // clocks of the span that the other chips have run
+    uint32_t clock = 0;     // of the span
+    uint32_t done = 0;      // clocks of the span that the other chips have run
+    uint32_t spanStart = 0; // clocks of the frame before the span
+    Z80IdleLoop idle{};
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
@@ -89,6 +102,9 @@ struct ARCADE_CATCH_UP_BUS {
         irqLine = irqOut;
     }
     void At(uint32_t now) { clock = now; }
+    uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
+        return idle.Skip(z80, bus.effects, spanStart + now, left);
+    }
     void CatchUp() {
         bus.machine.CatchUp(clock - done);
         done = clock;
@@ -327,6 +343,7 @@ void CSEGAE::RunFrameFast() {
         Z80RunOn(z80, catchUpBus, clocks);
         CatchUp(clocks - catchUpBus.done);
         TickChips(bus);
+        catchUpBus.spanStart += clocks + 1;
     }
 }
 

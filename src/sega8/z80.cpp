@@ -1,6 +1,7 @@
 #include "sega8/z80.h"
 
 #include "machine/state_piece.h"
+#include "sega8/z80_idle.h"
 
 #include <algorithm>
 #include <cstring>
@@ -85,6 +86,15 @@ void Z80Reset(Z80& z80) {
 void Z80Tick(Z80& z80) {
     CALLBACK_BUS bus{z80};
     Z80TickOn(z80, bus);
+}
+
+bool Z80IsAlike(const Z80& one, const Z80& other) {
+    const auto isAlike = [&](const auto... field) { return ((one.*field == other.*field) && ...); };
+    return isAlike(&Z80::regs, &Z80::queueIndex, &Z80::program, &Z80::programAt, &Z80::r8, &Z80::i,
+                   &Z80::iff1, &Z80::iff2, &Z80::halted, &Z80::im, &Z80::temp, &Z80::wz,
+                   &Z80::pendingInterrupt, &Z80::irqLine, &Z80::nmiEdge, &Z80::prefix,
+                   &Z80::busHold, &Z80::running, &Z80::enabled, &Z80::eiDelay, &Z80::opcode,
+                   &Z80::regIndex, &Z80::queue);
 }
 
 uint32_t Z80StateSize() {

@@ -11,11 +11,10 @@
 // number of clocks of this run that have ended. Accesses may change irqLine and nmiEdge. A bus whose
 // accesses may change busHold or enabled, or that must end the run for another reason, also has
 //     bool Stops() const;
-// which is called after every access and fetch and ends the run when it returns true. One on which nothing
-// but the Z80 changes anything during a run may have
-//     uint32_t SkipRounds(Z80& z80, uint32_t left);
-// which is called between two instructions with the clocks that are left, and returns how many are left after
-// the rounds of a loop that it has skipped.
+// which is called after every access and fetch and ends the run when it returns true. A bus for which idle loops
+// are skipped (z80_idle.h) has
+//     uint32_t SkipIdle(Z80& z80, uint32_t clock, uint32_t left);
+// which is called after a jump backwards and returns the clocks that it has skipped.
 #pragma once
 
 #include "sega8/z80.h"
@@ -121,6 +120,7 @@ inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uin
 template <typename Bus>
 [[gnu::noinline]] uint32_t RunInstructions(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
     do {
+        const uint32_t from = z80.regs[kZ80Pc];
         Fetch(z80, bus, clocks - left);
         if (Stops(bus)) [[unlikely]] {
             z80.queueIndex = kFetchedAt;
@@ -129,9 +129,10 @@ template <typename Bus>
         }
         Decode(z80);
         left = RunSteps(z80, bus, clocks, left - kDecodedAt);
-        if constexpr (requires { bus.SkipRounds(z80, left); }) {
-            if (left != 0 && !Stops(bus) && StartsInstruction(z80)) {
-                left = bus.SkipRounds(z80, left);
+        if constexpr (requires { bus.SkipIdle(z80, clocks, left); }) {
+            constexpr uint32_t kLongestLoop = 64; // bytes
+            if (((from - z80.regs[kZ80Pc]) & 0xFFFF) < kLongestLoop && StartsInstruction(z80)) {
+                left -= bus.SkipIdle(z80, clocks - left, left);
             }
         }
     } while (left >= kDecodedAt && z80.pendingInterrupt == kZ80NoInterrupt && !Stops(bus));

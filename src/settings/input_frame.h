@@ -36,7 +36,7 @@ public:
 private:
     friend class InputFrame;
 
-    void Look(bool withTaps);
+    void Look(uint64_t tapsAfter); // presses up to that number count only while they last
 
     INPUT_STATE state;
     uint64_t seen;         // number of the newest change seen

@@ -132,3 +132,46 @@ TEST_F(ProgramController, AMessageTakesTheControllerUntilItIsClosed) {
     ASSERT_TRUE(Push(application, kEast));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
 }
+
+// The browser and the game behind it stay as they are.
+TEST_F(ProgramController, TheWindowThatAddsGamesHasTheControllerAlone) {
+    Application application;
+    ProgramScreen* const program = OpenWithPad(application);
+    ASSERT_NE(program, nullptr);
+    const TemporaryFolder from;
+    const std::string letter = from.Write("letter.txt", std::string_view("no game")).string();
+    const auto drop = [&] {
+        Drop(letter);
+        return RunUntil(application,
+                        [&] { return program->Adding().IsShown() && !program->Adding().Works(); });
+    };
+    ASSERT_TRUE(Push(application, kSouth));
+    ASSERT_TRUE(RunUntilListed(application, *program));
+    CGUIRomBrowser* const browser = program->Menu().Browser();
+    ASSERT_TRUE(drop());
+    for (const int button : {kRightShoulder, kStart}) {
+        ASSERT_TRUE(Push(application, button));
+        EXPECT_EQ(ModeOf(*program), ProgramMode::kBrowser) << button;
+        EXPECT_EQ(browser->Library().Selector(), 0) << button;
+        EXPECT_TRUE(program->Adding().IsShown()) << button;
+    }
+    ASSERT_TRUE(Push(application, kSouth)); // Finish
+    EXPECT_FALSE(program->Adding().IsShown());
+
+    ASSERT_TRUE(Push(application, kStart));
+    const uint32_t key = program->Room().Selected().id;
+    ASSERT_NE(key, 0u);
+    ASSERT_TRUE(RunUntilOn(application, program->Room(), key));
+    const uint32_t serial = program->Room().Games().SerialOn(key);
+    ASSERT_TRUE(drop());
+    for (const int button : {kRightShoulder, kStart}) {
+        ASSERT_TRUE(Push(application, button));
+        ASSERT_TRUE(application.Round());
+        EXPECT_EQ(program->Room().Games().SerialOn(key), serial) << button;
+        EXPECT_EQ(browser->Library().Selector(), 0) << button;
+    }
+    ASSERT_TRUE(Push(application, kGuide));
+    EXPECT_FALSE(program->Adding().IsShown());
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding) << "the press was the window's";
+    EXPECT_EQ(InputActiveKey(), key);
+}

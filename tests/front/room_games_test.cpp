@@ -24,7 +24,8 @@
 #include <random>
 #include <set>
 
-using testing::ElementsAre;
+using testing::Each;
+using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
@@ -195,14 +196,15 @@ TEST_F(RoomGamesTest, AGameThatCannotStartLeavesItsSetOffAndSaysWhy) {
     RoomGames games(std::move(list));
     ASSERT_TRUE(games.StartNext(6));
     ASSERT_TRUE(games.StartNext(7));
-    std::vector<std::string> errors;
+    std::vector<GAME_FAILURE> errors;
     ASSERT_TRUE(WaitUntil("the fault", [&] {
-        for (std::string& error : games.Collect()) {
+        for (GAME_FAILURE& error : games.Collect()) {
             errors.push_back(std::move(error));
         }
         return games.StateOf(7) == SetState::kOff;
     }));
-    EXPECT_THAT(errors, ElementsAre(HasSubstr("Error loading game")));
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_TRUE(errors[0].starting);
     ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
 }
 
@@ -214,14 +216,16 @@ TEST_F(RoomGamesTest, EachMachineThatEndsTurnsItsSetOffAndSaysWhy) {
     ASSERT_TRUE(WaitFor(games, 7, SetState::kPlaying));
     ASSERT_TRUE(WaitUntil("both ends", [] { return HasEnded(6) && HasEnded(7); }));
     EmuSetLastError("of another game");
-    std::vector<std::string> errors;
+    std::vector<GAME_FAILURE> errors;
     ASSERT_TRUE(WaitUntil("both sets", [&] {
-        for (std::string& error : games.Collect()) {
+        for (GAME_FAILURE& error : games.Collect()) {
             errors.push_back(std::move(error));
         }
         return games.StateOf(6) == SetState::kOff && games.StateOf(7) == SetState::kOff;
     }));
-    EXPECT_THAT(errors, UnorderedElementsAre(HasSubstr("0x000201"), HasSubstr("0x000203")));
+    EXPECT_THAT(errors, UnorderedElementsAre(Field(&GAME_FAILURE::reason, HasSubstr("0x000201")),
+                                             Field(&GAME_FAILURE::reason, HasSubstr("0x000203"))));
+    EXPECT_THAT(errors, Each(Field(&GAME_FAILURE::starting, false)));
     EXPECT_EQ(PinSession(6), nullptr);
     EXPECT_EQ(PinSession(7), nullptr);
 }
@@ -238,6 +242,20 @@ TEST_F(RoomGamesTest, TheGameThatReplacesAnEndedOnePlaysOn) {
     EXPECT_THAT(games.Collect(), IsEmpty());
     EXPECT_EQ(games.TitleOn(6), "Luciole");
     EXPECT_EQ(PinSession(6)->serial, games.SerialOn(6));
+}
+
+// A player may choose games all day.
+TEST_F(RoomGamesTest, KeepsNoGameThatWasChosenOnce) {
+    RoomGames games(Open({"demo:sms-luciole"}));
+    games.Start(6, std::move(Open({"demo:nes-ecume"}).front()));
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    EXPECT_EQ(games.Count(), 1u);
+    ASSERT_TRUE(games.StartNext(7));
+    EXPECT_EQ(games.NextTitle(), "Luciole") << "the list goes round without it";
+    games.StartAndKeep(6, std::move(Open({"demo:nes-ecume"}).front()));
+    EXPECT_EQ(games.Count(), 2u);
+    ASSERT_TRUE(WaitFor(games, 6, SetState::kPlaying));
+    ASSERT_TRUE(WaitFor(games, 7, SetState::kPlaying));
 }
 
 TEST_F(RoomGamesTest, TheEndStopsAndSavesAll) {

@@ -309,9 +309,14 @@ TEST_F(WindowTest, TakesChangedOptionsAndLeavesWhatThePlayerDid) {
     options.fullScreen = true;
     window.Take(options);
     EXPECT_NE(SDL_GetWindowFlags(SDL_GL_GetCurrentWindow()) & SDL_WINDOW_FULLSCREEN_DESKTOP, 0u);
-    window.ToggleFullScreen(); // by its key
+    window.ToggleFullScreen(); // by its key, which the setting follows
+    EXPECT_FALSE(window.FillsDisplay());
+    options.fullScreen = false;
     window.Take(options);
     EXPECT_EQ(SDL_GetWindowFlags(SDL_GL_GetCurrentWindow()) & SDL_WINDOW_FULLSCREEN_DESKTOP, 0u);
+    options.fullScreen = true;
+    window.Take(options);
+    EXPECT_NE(SDL_GetWindowFlags(SDL_GL_GetCurrentWindow()) & SDL_WINDOW_FULLSCREEN_DESKTOP, 0u);
 }
 
 TEST(WindowSize, IsKeptWherePossible) {

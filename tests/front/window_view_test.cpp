@@ -358,6 +358,7 @@ TEST_F(WindowTest, FullScreenAndBack) {
             Key(modifier == KMOD_NONE ? SDL_SCANCODE_F11 : SDL_SCANCODE_RETURN, true, modifier);
             ASSERT_TRUE(application.Round());
             EXPECT_EQ(IsFullScreen(), full);
+            EXPECT_EQ(Settings().GetBool(L"app_fullscreen"), full) << "what the options show";
             Key(modifier == KMOD_NONE ? SDL_SCANCODE_F11 : SDL_SCANCODE_RETURN, false, modifier);
             const uint64_t shown = application.Sets().PicturesShown();
             ASSERT_TRUE(RunUntil(application,

@@ -43,6 +43,22 @@ TEST_F(Covers, TheOverviewSeesTheRowsInUse) {
     EXPECT_NEAR(covers.Camera().Position().z, 156.92F, 0.01F);
 }
 
+// Cells of 90 by 130: two of them are 180 wide, which a view of 4 to 3 shows from 180 / (4/3) / 2 / tan 22.5.
+TEST_F(Covers, TheOverviewIsCentredOnTheColumnsInUse) {
+    covers.SetSize(400, 300);
+    covers.SetCovers(std::vector<int>{0}, false);
+    EXPECT_NEAR(covers.Camera().Position().x, 45.0F, 0.01F);
+    covers.SetCovers(std::vector<int>{0, 0}, false);
+    EXPECT_NEAR(covers.Camera().Position().x, 90.0F, 0.01F);
+    EXPECT_NEAR(covers.Camera().Position().z, 162.96F, 0.01F);
+    covers.SetCovers(std::vector<int>{-1, 0}, false);
+    EXPECT_NEAR(covers.Camera().Position().x, 135.0F, 0.01F);
+    covers.SetCovers(std::vector<int>{-1, 0}, true);
+    EXPECT_NEAR(covers.Camera().Position().x, 90.0F, 0.01F) << "the cabinet is at the left";
+    covers.SetCovers(std::vector<int>{}, false);
+    EXPECT_NEAR(covers.Camera().Position().x, 135.0F, 0.01F) << "of the whole grid";
+}
+
 TEST_F(Covers, ANarrowViewStepsBackUntilAllColumnsFit) {
     covers.SetSize(270, 520);
     EXPECT_NEAR(covers.Camera().Position().z, 270.0F / 2.0F / 0.41421F / (270.0F / 520.0F), 0.1F);
@@ -118,6 +134,35 @@ TEST_F(Covers, TheLeanIsCut) {
     covers.Lean(10.0F, -10.0F);
     EXPECT_NEAR(covers.Camera().Position().x, 138.0F, 0.001F);
     EXPECT_NEAR(covers.Camera().Position().y, -0.8F, 0.001F);
+}
+
+// Slot 4 has no box.
+TEST_F(Covers, AreLookedAtOneAfterTheOtherWithoutAPointer) {
+    for (const size_t slot : {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{5}}) {
+        covers.LookCloser();
+        EXPECT_EQ(covers.Zoomed(), slot);
+        EXPECT_NEAR(covers.Camera().Position().x, CoverView::PlaceOf(slot).x, 0.01F);
+    }
+    covers.LookCloser();
+    EXPECT_EQ(covers.Zoomed(), kMostCovers);
+    EXPECT_NEAR(covers.Camera().Position().z, 313.85F, 0.01F);
+    covers.SetCovers({}, false);
+    covers.LookCloser();
+    EXPECT_EQ(covers.Zoomed(), kMostCovers) << "there is none";
+}
+
+TEST_F(Covers, WhatIsLookedAtIsTurnedOver) {
+    covers.LookCloser();
+    covers.LookCloser();
+    covers.TurnOver();
+    for (size_t slot = 0; slot < kMostCovers; ++slot) {
+        EXPECT_EQ(covers.Slots()[slot].flipping, slot == 1) << slot;
+    }
+    covers.SetCovers(std::vector<int>{0, 1, 0}, false);
+    covers.TurnOver();
+    for (size_t slot = 0; slot < kMostCovers; ++slot) {
+        EXPECT_EQ(covers.Slots()[slot].flipping, slot < 3) << slot << ", of all";
+    }
 }
 
 } // namespace

@@ -1,10 +1,12 @@
 #include "gui/multi_text.h"
+#include "gui/text.h"
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
 #include "screens/battle_ground.h"
 #include "screens/credits.h"
 #include "screens/screens_rig.h"
 #include "screens/taglines.h"
+#include "settings/settings.h"
 
 #include <algorithm>
 #include <memory>
@@ -97,6 +99,28 @@ TEST_F(BattleGround, CanBeUsedByTheArrowsAlone) {
     PressKey(GHOSTGUIKey::kReturn);
     Round();
     EXPECT_EQ(menu->CurrentPanel(), kPanelCredits);
+}
+
+TEST_F(BattleGround, WelcomesWhoHasNotSeenThisVersionYet) {
+    const auto opened = [this] {
+        menu.reset();
+        Tick();
+        menu = std::make_unique<CGUIBattleGround>(host);
+        Round();
+        return menu->Tagline()->Text();
+    };
+    const auto isTagline = [](const std::wstring& line) {
+        return std::find(Taglines().begin(), Taglines().end(), line) != Taglines().end();
+    };
+    Settings().SetBool(L"app_720runonce", false);
+    const std::wstring welcome = opened();
+    EXPECT_FALSE(isTagline(welcome));
+    EXPECT_NE(welcome.find(L"PLAY GAMES"), std::wstring::npos);
+    GhostTextStyle look;
+    ASSERT_TRUE(CGhostTheme::Get().GetStyle(L"SECTIONTEXT", look));
+    EXPECT_LE(MeasureText(look.font, welcome).width, 680 - 20);
+    Settings().SetBool(L"app_720runonce", true);
+    EXPECT_TRUE(isTagline(opened()));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "gui/text_box.h"
+#include "screens/game_menu.h"
 #include "screens/game_overlay.h"
+#include "screens/screen_picture.h"
 #include "screens/screens_rig.h"
 
 #include <memory>
@@ -58,17 +60,17 @@ TEST_F(GameOverlay, ShowsTheButtonsForThreeSecondsAfterTheMouseWasUsed) {
     EXPECT_EQ(ShownButtons(), 0) << "the mouse has not been used yet";
     state.mouseUsed = true;
     Round();
-    EXPECT_EQ(ShownButtons(), 5);
+    EXPECT_EQ(ShownButtons(), 6);
     state.mouseUsed = false;
     host.now += 3000;
     Round();
-    EXPECT_EQ(ShownButtons(), 5);
+    EXPECT_EQ(ShownButtons(), 6);
     host.now += 1;
     Round();
     EXPECT_EQ(ShownButtons(), 0);
     state.mouseUsed = true;
     Round();
-    EXPECT_EQ(ShownButtons(), 5) << "any move brings them back";
+    EXPECT_EQ(ShownButtons(), 6) << "any move brings them back";
     EXPECT_TRUE(overlay->ShownHints().empty());
 }
 
@@ -87,9 +89,9 @@ TEST_F(GameOverlay, TellsTheProgramWhatWasClicked) {
     for (uint32_t number = 1; number <= CGUIGameOverlay::kButtons; ++number) {
         Click(overlay->Button(number));
     }
-    EXPECT_EQ(host.taken,
-              (std::vector{ModeInput::kMainMenu, ModeInput::kLoadGame, ModeInput::kExitGame,
-                           ModeInput::kTelevision, ModeInput::kResetGame}));
+    EXPECT_EQ(host.taken, (std::vector{ModeInput::kMainMenu, ModeInput::kLoadGame,
+                                       ModeInput::kExitGame, ModeInput::kTelevision,
+                                       ModeInput::kResetGame, ModeInput::kSavedStates}));
 }
 
 TEST_F(GameOverlay, IsNotThereBehindMenuAndBrowser) {
@@ -101,6 +103,98 @@ TEST_F(GameOverlay, IsNotThereBehindMenuAndBrowser) {
     state.walking = false;
     Round();
     EXPECT_EQ(ShownButtons(), 0);
+}
+
+TEST_F(GameOverlay, AHintWithoutAKeyIsLeftOut) {
+    state.walking = state.selected = state.selectedOn = true;
+    state.use.clear();
+    Round();
+    EXPECT_EQ(overlay->ShownHints(),
+              (Texts{L"Main Menu [F10]", L"Turn off Game [Q]", L"Attach to TV [ESC]"}));
+    state.use = L"E";
+    state.turnOff.clear();
+    Round();
+    EXPECT_EQ(overlay->ShownHints(),
+              (Texts{L"Main Menu [F10]", L"Load Game [E]", L"Attach to TV [ESC]"}));
+}
+
+// The captions of the menu's buttons.
+Texts Captions(const GameMenu& menu) {
+    Texts captions;
+    for (const CGhostButton* const button : menu.Buttons()) {
+        captions.push_back(button->Caption());
+    }
+    return captions;
+}
+
+TEST_F(GameOverlay, TheMenuHasTheStripsButtonsForKeysAlone) {
+    state.selected = state.selectedOn = state.roomVisible = true;
+    Round();
+    const Texts all = {L"Continue",  L"Main Menu",       L"Load New Game",
+                       L"Exit Game", L"Fullscreen Mode", L"Reset Game"};
+    for (size_t entry = 0; entry < all.size(); ++entry) {
+        overlay->ToggleMenu();
+        Round();
+        ASSERT_NE(overlay->Menu(), nullptr);
+        EXPECT_EQ(Captions(*overlay->Menu()), all);
+        for (size_t down = 0; down < entry; ++down) {
+            PressKey(GHOSTGUIKey::kDown);
+        }
+        PressKey(GHOSTGUIKey::kReturn);
+        Round();
+        EXPECT_EQ(overlay->Menu(), nullptr);
+        EXPECT_EQ(Manager().ModalWindow(), nullptr);
+    }
+    EXPECT_EQ(host.taken,
+              (std::vector{ModeInput::kMainMenu, ModeInput::kLoadGame, ModeInput::kExitGame,
+                           ModeInput::kTelevision, ModeInput::kResetGame}));
+}
+
+TEST_F(GameOverlay, TheMenuOffersWhatThereIs) {
+    state.walking = true;
+    Round();
+    overlay->ToggleMenu();
+    ASSERT_NE(overlay->Menu(), nullptr);
+    EXPECT_EQ(Captions(*overlay->Menu()), (Texts{L"Continue", L"Main Menu"}));
+    overlay->ToggleMenu();
+    Round();
+    EXPECT_EQ(overlay->Menu(), nullptr);
+    state.shown = false;
+    Round();
+    overlay->ToggleMenu();
+    EXPECT_EQ(overlay->Menu(), nullptr) << "menu and browser have buttons of their own";
+}
+
+TEST_F(GameOverlay, TheMenuIsLeftByEscapeAndAControllersRightButton) {
+    Round();
+    overlay->ToggleMenu();
+    Round();
+    PressKey(GHOSTGUIKey::kEscape);
+    EXPECT_EQ(overlay->Menu(), nullptr);
+    Round();
+    overlay->ToggleMenu();
+    Round();
+    EXPECT_TRUE(Manager().CancelFocus());
+    Round();
+    EXPECT_EQ(overlay->Menu(), nullptr);
+    EXPECT_TRUE(host.taken.empty());
+    overlay->ToggleMenu(); // it ends with the overlay
+}
+
+TEST_F(GameOverlay, TheMenuIsSeen) {
+    state.selected = state.selectedOn = true;
+    Round();
+    overlay->ToggleMenu();
+    Round();
+    KeepPicture("game-menu");
+    GUI_RECT above;
+    for (const CGhostButton* const button : overlay->Menu()->Buttons()) {
+        GUI_RECT place;
+        ASSERT_TRUE(Manager().GetScreenRect(button->window, &place));
+        EXPECT_EQ(Intersection(place, Manager().ScreenRect()), place);
+        EXPECT_TRUE(Intersection(place, above).Empty());
+        above = place;
+    }
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "gui/button.h"
 #include "gui/drop_list.h"
+#include "gui/multi_text.h"
 #include "gui/slider.h"
 #include "gui/text_box.h"
 #include "screens/options.h"
@@ -281,14 +282,14 @@ TEST_F(Options, TheFirstRowIsBelowTheTabs) {
 
 TEST_F(Options, TheRowThatHasTheFocusExplainsItself) {
     OpenOptions();
-    EXPECT_EQ(Shown().HelpLine()->Text(), L"");
+    EXPECT_EQ(Shown().Help()->Text(), L"");
     PressKey(GHOSTGUIKey::kDown);
     Round();
     KeepPicture("help");
-    EXPECT_EQ(Shown().HelpLine()->Text(), OptionRows().front().help);
+    EXPECT_EQ(Shown().Help()->Text(), OptionRows().front().help);
     PressKey(GHOSTGUIKey::kUp);
     Round();
-    EXPECT_EQ(Shown().HelpLine()->Text(), L"");
+    EXPECT_EQ(Shown().Help()->Text(), L"");
 }
 
 TEST_F(Options, TheNoticeStandsInGeneralAndGraphicsWithNothingChanged) {
@@ -327,6 +328,17 @@ TEST_F(Options, MarkWhatDoesNotActAtOnce) {
         EXPECT_EQ(mark != nullptr ? mark->Text() : L"",
                   found != expected.end() ? found->second : L"");
     }
+}
+
+// F11 while they are open.
+TEST_F(Options, FollowASettingThatAKeyChanges) {
+    ASSERT_TRUE(Settings().GetBool(L"app_fullscreen"));
+    OpenOptions();
+    Settings().SetBool(L"app_fullscreen", false);
+    Round();
+    EXPECT_EQ(Shown().ListOf(L"app_fullscreen")->Caption(), L"Disabled");
+    Back();
+    EXPECT_FALSE(Settings().GetBool(L"app_fullscreen")) << "it is not changed back";
 }
 
 } // namespace

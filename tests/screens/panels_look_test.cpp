@@ -2,13 +2,16 @@
 #include "gui/button.h"
 #include "gui/drop_list.h"
 #include "gui/list_view.h"
+#include "gui/edit.h"
 #include "gui/message_box.h"
+#include "gui/multi_text.h"
 #include "gui/text.h"
 #include "screens/benchmark.h"
 #include "screens/binding_rows.h"
 #include "screens/credits.h"
 #include "screens/input_list.h"
 #include "screens/input_tab.h"
+#include "screens/member_panel.h"
 #include "screens/options.h"
 #include "screens/panels_rig.h"
 
@@ -57,7 +60,9 @@ TEST_F(PanelsLook, NoTextOfTheOptionsIsCut) {
     Open(kPanelOptions);
     for (const OPTION_ROW& row : OptionRows()) {
         EXPECT_TRUE(Fits(L"TEXT_RIGHT", row.label, 260));
-        EXPECT_TRUE(Fits(L"TEXT_CENTER", row.help, 1280 - 30 - 20))
+        CGhostMultiText* const help = Shown<CGUIOptions>().Help();
+        help->SetText(row.help);
+        EXPECT_LE(help->ContentHeight(), help->window->height)
             << std::string(row.help, row.help + std::wcslen(row.help));
         for (const OPTION_CHOICE& choice : row.choices) {
             EXPECT_TRUE(Fits(L"TEXT", choice.text, 260 - 39)); // beside the arrow
@@ -102,8 +107,8 @@ TEST_F(PanelsLook, NoCreditIsCut) {
     }
 }
 
-// Every tab stop that is seen can be reached from every other one.
 TEST_F(PanelsLook, EveryControlIsReachedByDirectionsAlone) {
+    ExpectEveryControlIsReached("menu");
     for (const int32_t panel : {+kPanelBenchmark, +kPanelOptions, +kPanelCredits}) {
         Open(panel);
         for (int tab = 0; tab < (panel == kPanelOptions ? 4 : 1); ++tab) {
@@ -111,35 +116,36 @@ TEST_F(PanelsLook, EveryControlIsReachedByDirectionsAlone) {
                 Shown<CGUIOptions>().ShowTab(static_cast<OptionTab>(tab));
                 Round();
             }
-            std::vector<const GHOSTMANAGER_WINDOW*> stops;
-            Manager().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
-                if (window.tabStop && window.surface != nullptr &&
-                    Manager().IsWindowVisible(&window)) {
-                    stops.push_back(&window);
-                }
-            });
-            std::vector<const GHOSTMANAGER_WINDOW*> reached{Manager().FocusWindow()};
-            for (size_t i = 0; i < reached.size(); ++i) {
-                for (const GUI_DIRECTION way : {GUI_DIRECTION::kLeft, GUI_DIRECTION::kRight,
-                                                GUI_DIRECTION::kUp, GUI_DIRECTION::kDown}) {
-                    Manager().SetFocus(const_cast<GHOSTMANAGER_WINDOW*>(reached[i]));
-                    Tick();
-                    Manager().MoveFocus(way);
-                    Tick();
-                    const GHOSTMANAGER_WINDOW* const at = Manager().FocusWindow();
-                    if (std::find(reached.begin(), reached.end(), at) == reached.end()) {
-                        reached.push_back(at);
-                    }
-                }
-            }
-            for (const GHOSTMANAGER_WINDOW* const stop : stops) {
-                EXPECT_NE(std::find(reached.begin(), reached.end(), stop), reached.end())
-                    << "panel " << panel << ", tab " << tab << ", window " << stop->id;
-            }
+            menu->TakeFocus();
+            Tick();
+            ExpectEveryControlIsReached("panel " + std::to_string(panel) + ", tab " +
+                                        std::to_string(tab));
         }
         menu->Back();
         Round();
     }
+}
+
+TEST_F(PanelsLook, TheMembersFieldsAreReachedByDirectionsAlone) {
+    Settings().SetString(L"web_service", L"http://127.0.0.1:1/");
+    Make(1280, 720);
+    ASSERT_TRUE(menu->Member().User()->IsVisible());
+    ExpectEveryControlIsReached("menu with a service");
+}
+
+TEST_F(PanelsLook, ADisplayThatIsTooSmallIsTold) {
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u);
+    Make(320, 240);
+    ASSERT_LT(Manager().ScreenRect().width, 1280);
+    EXPECT_EQ(CGhostMessageBox::Count(), 1u);
+    const auto* const box =
+        dynamic_cast<CGhostMessageBox*>(Manager().ModalWindow()->handler->next);
+    ASSERT_NE(box, nullptr);
+    EXPECT_NE(box->Message()->Text().find(L"1280 by 720"), std::wstring::npos);
+    PressKey(GHOSTGUIKey::kReturn);
+    Round();
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u) << "and the program goes on";
+    EXPECT_EQ(Manager().FocusWindow(), menu->MenuButton(kPanelBrowser)->window);
 }
 
 } // namespace

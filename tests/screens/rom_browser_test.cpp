@@ -1,3 +1,6 @@
+#include "base/files.h"
+#include "base/text.h"
+#include "formats/zip.h"
 #include "gui/check_box.h"
 #include "gui/drop_list.h"
 #include "gui/edit.h"
@@ -12,8 +15,14 @@
 #include "settings/settings.h"
 
 #include "support/temporary_folder.h"
+#include "support/wait_until.h"
 
+#include <atomic>
+#include <chrono>
 #include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
 
 namespace {
 
@@ -390,6 +399,223 @@ TEST_F(RomBrowser, TheFilterMenuOpensOverTheList) {
     EXPECT_FALSE(browser->Filters().Menu()->IsVisible());
 }
 
+TEST_F(RomBrowser, TheChosenTabStaysDownWhenTheMouseLeavesIt) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    Click(browser->Content().TabButton(ContentTab::kHints));
+    MoveTo(300, 400);
+    Round();
+    EXPECT_TRUE(browser->Content().TabButton(ContentTab::kHints)->IsDown());
+    EXPECT_FALSE(browser->Content().TabButton(ContentTab::kCovers)->IsDown());
+    Click(browser->Content().TabButton(ContentTab::kHints));
+    Round();
+    EXPECT_TRUE(browser->Content().TabButton(ContentTab::kHints)->IsDown()) << "once more";
+}
+
+TEST_F(RomBrowser, AGameWithoutPicturesSaysSo) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    EXPECT_TRUE(browser->Content().NoCover()->IsVisible());
+}
+
+TEST_F(RomBrowser, AShortListTellsHowToAddGames) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    EXPECT_TRUE(browser->Hint().IsVisible());
+    EXPECT_NE(browser->Hint().Text().find(L"Drop game files"), std::wstring::npos);
+    Type(browser->Filters().Name(), L"zzz");
+    EXPECT_EQ(browser->Hint().Text(), L"Nothing fits the filters.");
+}
+
+// ---- What the web service says of a game.
+
+// A PNG file of one pixel.
+constexpr uint8_t kRedPixel[] = {
+    0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A, 0x00, 0x00, 0x00, 0x0D, 0x49, 0x48,
+    0x44, 0x52, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00, 0x01, 0x08, 0x02, 0x00, 0x00,
+    0x00, 0x90, 0x77, 0x53, 0xDE, 0x00, 0x00, 0x00, 0x0C, 0x49, 0x44, 0x41, 0x54, 0x78,
+    0xDA, 0x63, 0xF8, 0xCF, 0xC0, 0x00, 0x00, 0x03, 0x01, 0x01, 0x00, 0xF7, 0x03, 0x41,
+    0x43, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82,
+};
+
+// One game, and a service that answers to its name and its cover as the test says. An answer that is not there fails
+// with the text that Fetch gives.
+class ServedBrowser : public RomBrowser {
+protected:
+    static constexpr std::string_view kLocalTexts = "<CHEATS>a local hint</CHEATS><REVIEWS>a local "
+                                                    "review</REVIEWS><TRIVIA>a local fact</TRIVIA>";
+
+    void SetUp() override {
+        RomBrowser::SetUp();
+        Settings().SetString(L"web_service", L"http://host/");
+        Settings().SetString(L"web_images", L"http://host");
+        home.Write("sms/Paper Lamps.sms", Image(3));
+        host.fetch = [this](const std::wstring& url, std::wstring& error,
+                            const std::atomic<uint32_t>*, std::unique_ptr<uint8_t[]>& data,
+                            uint32_t& size, const std::atomic<bool>&) {
+            const bool cover = url.find(L"/covers/") != std::wstring::npos;
+            const std::scoped_lock hold(lock);
+            covers += cover ? 1 : 0;
+            const auto& answer = cover ? archive : texts;
+            error = answer || !url.starts_with(L"http://") ? L"" : L"Invalid response code";
+            if (!answer || answer->empty() || !url.starts_with(L"http://")) {
+                return answer.has_value();
+            }
+            size = static_cast<uint32_t>(answer->size());
+            data = std::make_unique<uint8_t[]>(size);
+            std::copy(answer->begin(), answer->end(), data.get());
+            return true;
+        };
+    }
+    void TearDown() override {
+        RegisterDefaultSettings(Settings());
+        RomBrowser::TearDown();
+    }
+
+    // An archive with a picture of one pixel, and texts if there are any.
+    static std::string Archive(std::string_view entry = {}) {
+        ZipWriter zip;
+        std::string error;
+        EXPECT_TRUE(zip.Add("box.png", kRedPixel, error)) << error;
+        if (!entry.empty()) {
+            EXPECT_TRUE(
+                zip.Add("texts.txt", std::vector<uint8_t>(entry.begin(), entry.end()), error))
+                << error;
+        }
+        const std::vector<uint8_t> bytes = zip.Finish(error);
+        return {bytes.begin(), bytes.end()};
+    }
+    void Answer(std::optional<std::string> information) {
+        const std::scoped_lock hold(lock);
+        texts = std::move(information);
+    }
+    // The game is chosen again, and the answers come.
+    void Choose() {
+        browser->List()->SetSelected(-1, false);
+        browser->List()->SetSelected(0);
+        TakeAnswers();
+    }
+    void TakeAnswers() {
+        EXPECT_TRUE(host.downloads.WaitUntilIdle(kLongestWait));
+        host.downloads.PumpRequests();
+        Round();
+    }
+    [[nodiscard]] std::wstring Text(ContentTab tab) { return browser->Content().Text(tab)->Text(); }
+    [[nodiscard]] bool Offers() { return browser->Content().ContentButton()->IsVisible(); }
+    [[nodiscard]] std::string Key() const {
+        return Utf8FromWide(browser->List()->Cell(0, kKeyColumn)->text);
+    }
+    [[nodiscard]] std::string Media() const { return "sms/media/" + Key() + ".zip"; }
+
+    static constexpr int32_t kKeyColumn = 6;
+    std::mutex lock;
+    std::optional<std::string> texts; // these under `lock`
+    std::optional<std::string> archive;
+    int covers = 0; // requests
+};
+
+TEST_F(ServedBrowser, ShowsTheServicesTexts) {
+    Answer("<CHEATS>their hint</CHEATS><REVIEWS>their review</REVIEWS><TRIVIA>their fact</TRIVIA>");
+    Open();
+    TakeAnswers();
+    EXPECT_EQ(Text(ContentTab::kHints), L"their hint");
+    EXPECT_EQ(Text(ContentTab::kReviews), L"their review");
+    EXPECT_EQ(Text(ContentTab::kTrivia), L"their fact");
+    EXPECT_FALSE(Offers()) << "the service has no cover";
+    Answer(std::nullopt);
+    Choose();
+    EXPECT_EQ(Text(ContentTab::kReviews), L"Game isn't in database");
+}
+
+TEST_F(ServedBrowser, AnswersThatSayNothingLeaveTheLocalTexts) {
+    Open();
+    home.Write(Media(), Archive(kLocalTexts));
+    for (const char* const answer : {"", "<html>Please log in</html>"}) {
+        Answer(answer);
+        Choose();
+        EXPECT_EQ(Text(ContentTab::kHints), L"a local hint") << answer;
+        EXPECT_EQ(Text(ContentTab::kReviews), L"a local review") << answer;
+        EXPECT_EQ(Text(ContentTab::kTrivia), L"a local fact") << answer;
+    }
+    Answer("<TRIVIA>their fact</TRIVIA>");
+    Choose();
+    EXPECT_EQ(Text(ContentTab::kHints), L"a local hint");
+    EXPECT_EQ(Text(ContentTab::kTrivia), L"their fact");
+}
+
+TEST_F(ServedBrowser, AnAddressOfAnotherFormIsAFailure) {
+    Settings().SetString(L"web_service", L"https://host/");
+    Open();
+    TakeAnswers();
+    EXPECT_EQ(Text(ContentTab::kReviews),
+              L"The address of the web service must begin with http://");
+    home.Write(Media(), Archive(kLocalTexts));
+    Choose();
+    EXPECT_EQ(Text(ContentTab::kReviews), L"a local review");
+}
+
+TEST_F(ServedBrowser, FetchesACoverAndItsNextRevision) {
+    archive = Archive();
+    Answer("<COVER>1</COVER>");
+    Open();
+    Click(browser->Scan().Finish());
+    TakeAnswers();
+    ASSERT_TRUE(Offers());
+    Click(browser->Content().ContentButton());
+    EXPECT_FALSE(Offers());
+    TakeAnswers();
+    const auto bytes = home.Read(Media());
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), *archive);
+    EXPECT_EQ(host.coverCount, 1u);
+    Choose();
+    EXPECT_FALSE(Offers()) << "that one is here";
+    Answer("<COVER>2</COVER>");
+    Choose();
+    EXPECT_TRUE(Offers());
+    home.Write(Media(), Archive(kLocalTexts));
+    Choose();
+    EXPECT_FALSE(Offers()) << "now it is the player's own";
+}
+
+TEST_F(ServedBrowser, OffersNothingThatItCannotFetch) {
+    Settings().SetString(L"web_images", L"");
+    Answer("<COVER>1</COVER>");
+    Open();
+    TakeAnswers();
+    EXPECT_FALSE(Offers());
+}
+
+TEST_F(ServedBrowser, ABadArchiveIsToldAndNotStored) {
+    archive = "<html>";
+    Answer("<COVER>1</COVER>");
+    Open();
+    Click(browser->Scan().Finish());
+    TakeAnswers();
+    Click(browser->Content().ContentButton());
+    TakeAnswers();
+    EXPECT_EQ(CGhostMessageBox::Count(), 1u);
+    EXPECT_FALSE(std::filesystem::exists(home.Path() / Media()));
+}
+
+TEST_F(ServedBrowser, TheCoverOfOneSystemIsNotThatOfAnother) {
+    home.Write("gamegear/Paper Lamps.gg", Image(7));
+    archive = Archive();
+    Answer("<COVER>1</COVER>");
+    Open();
+    Click(browser->Scan().Finish());
+    TakeAnswers();
+    const std::string key = Key();
+    ASSERT_TRUE(Offers());
+    Click(browser->Content().ContentButton());
+    browser->SelectSystem(0, 1);
+    Scan();
+    ASSERT_EQ(browser->List()->RowCount(), 1);
+    ASSERT_EQ(Key(), key) << "both games have one name";
+    TakeAnswers();
+    EXPECT_EQ(covers, 1);
+    EXPECT_FALSE(std::filesystem::exists(home.Path() / "gamegear/media"));
+}
+
 // Nothing lies over anything else, and all lies within the main window.
 TEST_F(RomBrowser, IsLaidOutWithoutOverlapOnEveryShapeOfScreen) {
     home.Write("sms/Paper Lamps.sms", Image(3));
@@ -411,8 +637,8 @@ TEST_F(RomBrowser, IsLaidOutWithoutOverlapOnEveryShapeOfScreen) {
         std::vector<const GHOSTMANAGER_WINDOW*> shown;
         for (const GHOSTMANAGER_WINDOW* child = area->window->firstChild; child != nullptr;
              child = child->nextSibling) {
-            // The line over an empty list lies over it by intent.
-            if (child->visible && child->width > 0) {
+            // The hint lies over the free part of the list.
+            if (child->visible && child->width > 0 && child != browser->Hint().window) {
                 shown.push_back(child);
             }
         }
@@ -427,6 +653,203 @@ TEST_F(RomBrowser, IsLaidOutWithoutOverlapOnEveryShapeOfScreen) {
             }
         }
     }
+}
+
+TEST_F(RomBrowser, EveryControlIsReachedByDirectionsAlone) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/Moth Patrol.sms", Image(5));
+    std::vector<uint8_t> picture;
+    std::string error;
+    ASSERT_TRUE(ReadFile(std::filesystem::path(OMBRELUNE_SOURCE_FOLDER) / "docs/pictures/browser.jpg",
+                         picture, error, 1 << 24))
+        << error;
+    home.Write("sms/media/default.jpg", picture); // the box of games without one
+    for (const char* const folder : {"gamegear", "nes", "arcade", "megadrive"}) {
+        home.Write(std::string(folder) + "/none.txt", std::string_view("x"));
+    }
+    Open();
+    Click(browser->Scan().Finish());
+    Round();
+    for (const ContentTab tab : {ContentTab::kCovers, ContentTab::kReviews, ContentTab::kHints,
+                                 ContentTab::kTrivia, ContentTab::kMetaInfo}) {
+        browser->Content().ShowTab(tab);
+        browser->TakeFocus();
+        Round();
+        ExpectEveryControlIsReached("tab " + std::to_string(static_cast<int>(tab)));
+    }
+    browser->Content().ShowTab(ContentTab::kCovers);
+    EXPECT_TRUE(browser->Content().CloserButton()->IsVisible());
+    browser->Content().OfferContent(true);
+    browser->Content().TurnButton()->SetFocus();
+    Round();
+    Manager().Navigate(GUI_DIRECTION::kRight);
+    EXPECT_EQ(Manager().FocusWindow(), browser->Content().ContentButton()->window);
+    Click(browser->Filters().MenuButton());
+    Round();
+    ExpectEveryControlIsReached("filters");
+    EXPECT_TRUE(browser->TakeBack());
+    for (const int32_t system : {1, 2, 3, 4}) {
+        browser->SelectSystem(0, system);
+        Scan();
+        browser->TakeFocus();
+        Round();
+        ExpectEveryControlIsReached("system " + std::to_string(system));
+    }
+}
+
+TEST_F(RomBrowser, CoversAreLookedAtAndTurnedWithoutAPointer) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    Click(browser->Scan().Finish());
+    EXPECT_FALSE(browser->Content().CloserButton()->IsVisible()) << "it has none";
+    browser->Content().OfferCovers(true);
+    browser->Content().CloserButton()->SetFocus();
+    Round();
+    PressKey(GHOSTGUIKey::kReturn);
+    EXPECT_EQ(host.closerLooks, 1);
+    Manager().Navigate(GUI_DIRECTION::kRight);
+    Round();
+    Manager().ActivateFocus();
+    Round();
+    EXPECT_EQ(host.turnedCovers, 1);
+    browser->Content().ShowTab(ContentTab::kHints);
+    EXPECT_FALSE(browser->Content().CloserButton()->IsVisible());
+}
+
+TEST_F(RomBrowser, SaysNothingOfItsGamesWhileItLooksForThem) {
+    home.Write("sms/readme.txt", std::string_view("no game"));
+    home.Write("nes/readme.txt", std::string_view("no game"));
+    Open();
+    const auto says = [this] {
+        bool seen = false;
+        Manager().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
+            const auto* const text = dynamic_cast<const CGhostTextBox*>(window.handler);
+            seen = seen || (text != nullptr && Manager().IsWindowVisible(&window) &&
+                            text->Text().find(L"No games yet") != std::wstring::npos);
+        });
+        return seen;
+    };
+    EXPECT_TRUE(says());
+    browser->SelectSystem(0, 2);
+    browser->SetActive(false);
+    browser->SetActive(true);
+    EXPECT_FALSE(says()) << "its end has not been seen yet";
+    Scan();
+    EXPECT_TRUE(says());
+}
+
+// What the service answers about the games of this folder.
+class BrowserContent : public RomBrowser {
+protected:
+    void SetUp() override {
+        RomBrowser::SetUp();
+        Settings().SetString(L"web_service", L"http://host/");
+        Settings().SetString(L"web_images", L"http://images/");
+        home.Write("sms/Moth Patrol.sms", Image(5));
+        home.Write("sms/Paper Lamps.sms", Image(3));
+        host.fetch = [this](const std::wstring& url, std::wstring& error,
+                            const std::atomic<uint32_t>* abort, std::unique_ptr<uint8_t[]>& data,
+                            uint32_t& size, const std::atomic<bool>& quit) {
+            const bool image = url.find(L"images") != std::wstring::npos;
+            if (image && holdsImage) {
+                while (abort != nullptr && *abort == 0 && !quit) {
+                    std::this_thread::yield();
+                }
+                error = L"Aborted";
+                return false;
+            }
+            const std::string answer =
+                image ? imageAnswer
+                      : "<CHEATS>Press both.</CHEATS><REVIEWS>A review that is long enough to be "
+                        "shown.</REVIEWS><TRIVIA>Old.</TRIVIA><COVER>2</COVER>";
+            size = static_cast<uint32_t>(answer.size());
+            data = std::make_unique<uint8_t[]>(size);
+            std::copy(answer.begin(), answer.end(), data.get());
+            return true;
+        };
+    }
+    void TearDown() override {
+        RegisterDefaultSettings(Settings());
+        RomBrowser::TearDown();
+    }
+    void OpenAndChoose(const std::wstring& title) {
+        Open();
+        Click(browser->Scan().Finish());
+        browser->List()->SetSelected(RowWith(title));
+    }
+    void Answer() {
+        ASSERT_TRUE(host.downloads.WaitUntilIdle(std::chrono::seconds(60)));
+        host.downloads.PumpRequests();
+        Round();
+    }
+    [[nodiscard]] std::wstring Hints() {
+        return browser->Content().Text(ContentTab::kHints)->Text();
+    }
+
+    std::string imageAnswer = "no archive";
+    std::atomic<bool> holdsImage{false};
+};
+
+TEST_F(BrowserContent, AnAnswerThatComesTooLateIsLeftAside) {
+    OpenAndChoose(L"Paper Lamps");
+    ASSERT_TRUE(host.downloads.WaitUntilIdle(std::chrono::seconds(60)));
+    Type(browser->Filters().Name(), L"nothing has this name");
+    Answer();
+    EXPECT_EQ(Hints(), L"") << "no game is chosen";
+    EXPECT_FALSE(browser->Content().ContentButton()->IsVisible());
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u);
+}
+
+TEST_F(BrowserContent, WithNoGameChosenNothingIsLeftOfTheLastOne) {
+    OpenAndChoose(L"Paper Lamps");
+    Answer();
+    ASSERT_TRUE(browser->Content().ContentButton()->IsVisible());
+    Type(browser->Filters().Name(), L"nothing has this name");
+    EXPECT_EQ(Hints(), L"");
+    EXPECT_FALSE(browser->Content().ContentButton()->IsVisible());
+}
+
+TEST_F(BrowserContent, ABrowserThatEndsAbandonsWhatItAskedFor) {
+    holdsImage = true;
+    OpenAndChoose(L"Paper Lamps");
+    Answer();
+    Click(browser->Content().ContentButton());
+    browser.reset();
+    Tick();
+    EXPECT_TRUE(host.downloads.WaitUntilIdle(std::chrono::seconds(60))) << "the transfer ends";
+    host.downloads.PumpRequests();
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u) << "nobody is told any more";
+}
+
+// A game without a record of its machine, and a file that cannot be read: nothing is known of them.
+TEST_F(RomBrowser, OptionsOfAGameWithoutARecordAreAllFree) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    Open();
+    auto* const panel = dynamic_cast<CGUISMSOptions*>(browser->Options());
+    ASSERT_NE(panel, nullptr);
+    const auto forbidAll = [&] {
+        panel->Glasses()->SetEnabled(false);
+        panel->FmChip()->SetEnabled(false);
+        for (int32_t item = 1; item < panel->Input(0)->Count(); ++item) {
+            panel->Input(0)->Item(item)->flags = GHOSTLIST_ITEM::kDisabled;
+        }
+    };
+    const auto expectFree = [&] {
+        EXPECT_TRUE(panel->Glasses()->window->tabStop);
+        EXPECT_TRUE(panel->FmChip()->window->tabStop);
+        for (int32_t item = 0; item < panel->Input(0)->Count(); ++item) {
+            EXPECT_EQ(panel->Input(0)->Item(item)->flags, 0u) << item;
+        }
+        EXPECT_EQ(panel->Input(0)->Selected(), 0);
+    };
+    forbidAll();
+    panel->ConfigureForGame(CGameFile(), 0);
+    expectFree();
+    forbidAll();
+    home.Write("sms/Paper Lamps.game", std::string_view("broken"));
+    browser->List()->SetSelected(-1);
+    browser->List()->SetSelected(0);
+    expectFree();
 }
 
 } // namespace

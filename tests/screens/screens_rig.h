@@ -34,11 +34,17 @@ public:
     void CoverClick(int button, int32_t /*x*/, int32_t /*y*/) override {
         coverClicks.push_back(button);
     }
+    void LookCloser() override { ++closerLooks; }
+    void TurnCovers() override { ++turnedCovers; }
     [[nodiscard]] DownloadQueue& Downloads() override { return downloads; }
     [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { ++settingsChanges; }
     void SaveSettings() override { ++saves; }
+    void ForgetInput() override { ++inputsForgotten; }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
+    [[nodiscard]] std::wstring UseOfKey(uint32_t scancode) const override {
+        return scancode == 62 ? L"smooth pixels" : L""; // F5
+    }
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override {
         return openGame && openGame(game);
     }
@@ -48,10 +54,13 @@ public:
     PlayerDatabase player{[this] { return wallClock; }}; // without a file
     int settingsChanges = 0;
     int saves = 0;
+    int inputsForgotten = 0;
     std::vector<SCREEN_JOYSTICK> joysticks;
     std::function<bool(CGameFile&)> openGame; // null: there is no game for the benchmark
     std::vector<GAME_TO_START> started;
     std::vector<int> coverClicks; // buttons
+    int closerLooks = 0;
+    int turnedCovers = 0;
     size_t coverCount = 0;
     int coverKind = -1;
     std::vector<ModeInput> taken; // in their order
@@ -163,9 +172,48 @@ protected:
         });
     }
 
+    // Every tab stop that is seen can be reached by directions from the one that has the focus, as a controller
+    // moves it: a list uses up and down itself until its end.
+    void ExpectEveryControlIsReached(const std::string& where) {
+        std::vector<GHOSTMANAGER_WINDOW*> stops;
+        Manager().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
+            if (window.tabStop && window.surface != nullptr && Manager().IsWindowVisible(&window)) {
+                stops.push_back(const_cast<GHOSTMANAGER_WINDOW*>(&window));
+            }
+        });
+        EXPECT_FALSE(stops.empty()) << where;
+        ASSERT_NE(Manager().FocusWindow(), nullptr) << where;
+        std::vector<GHOSTMANAGER_WINDOW*> reached{Manager().FocusWindow()};
+        for (size_t i = 0; i < reached.size(); ++i) {
+            for (const GUI_DIRECTION way : {GUI_DIRECTION::kLeft, GUI_DIRECTION::kRight,
+                                            GUI_DIRECTION::kUp, GUI_DIRECTION::kDown}) {
+                GHOSTMANAGER_WINDOW* const at = Leave(reached[i], way);
+                if (std::find(reached.begin(), reached.end(), at) == reached.end()) {
+                    reached.push_back(at);
+                }
+            }
+        }
+        for (const GHOSTMANAGER_WINDOW* const stop : stops) {
+            EXPECT_NE(std::find(reached.begin(), reached.end(), stop), reached.end())
+                << where << ", window " << stop->id << " at " << stop->x << " " << stop->y;
+        }
+    }
+
     HostRecord host;
 
 private:
+    // Where the focus goes in a direction.
+    GHOSTMANAGER_WINDOW* Leave(GHOSTMANAGER_WINDOW* from, GUI_DIRECTION way) {
+        constexpr int kMostSteps = 150; // of a list with its rows
+        Manager().SetFocus(from);
+        Tick();
+        for (int step = 0; step < kMostSteps && Manager().FocusWindow() == from; ++step) {
+            Manager().Navigate(way);
+            Tick();
+        }
+        return Manager().FocusWindow();
+    }
+
     template <typename Fill>
     void Post(const Fill& fill) {
         GUI_INPUT_RECORD record;

@@ -181,6 +181,27 @@ TEST_F(InputFrames, ATapInTheRoomIsNotKept) {
     EXPECT_FALSE(Next(L"NES P1 BUTTONB"));
 }
 
+// Also when no frame has passed meanwhile: the button that closed a menu is not the game's.
+TEST_F(InputFrames, ATapFromBeforeTheInputWasGivenIsNotKept) {
+    EXPECT_FALSE(Next(L"Save State"));
+    InputSetActiveKey(0);
+    Tap(kKeyF7);
+    InputSetActiveKey(kSession);
+    EXPECT_FALSE(Next(L"Save State"));
+    Tap(kKeyF7);
+    InputSetActiveKey(kSession); // the same again
+    EXPECT_TRUE(Next(L"Save State"));
+    InputSetWalkingRoom(true);
+    Tap(kKeyF7);
+    InputSetWalkingRoom(false);
+    EXPECT_FALSE(Next(L"Save State"));
+    InputSetActiveKey(0);
+    InputKeyChanged(kKeyF7, true);
+    InputSetActiveKey(kSession);
+    EXPECT_TRUE(Next(L"Save State")) << "it is still held";
+    InputKeyChanged(kKeyF7, false);
+}
+
 TEST_F(InputFrames, ATapInTheRoomIsSeenByTheProgramItself) {
     constexpr uint32_t kKeyE = 8; // "Use"
     InputSetWalkingRoom(true);

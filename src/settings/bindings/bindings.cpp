@@ -202,19 +202,25 @@ std::wstring BindingName(uint32_t code) {
 }
 
 void InputSetActiveKey(uint32_t sessionKey) {
-    gActiveKey.store(sessionKey, std::memory_order_relaxed);
+    if (sessionKey != InputActiveKey()) {
+        HandPressesOver();
+    }
+    gActiveKey.store(sessionKey, std::memory_order_release); // with what was handed over
 }
 
 uint32_t InputActiveKey() {
-    return gActiveKey.load(std::memory_order_relaxed);
+    return gActiveKey.load(std::memory_order_acquire);
 }
 
 void InputSetWalkingRoom(bool walking) {
-    gWalkingRoom.store(walking, std::memory_order_relaxed);
+    if (walking != InputWalkingRoom()) {
+        HandPressesOver();
+    }
+    gWalkingRoom.store(walking, std::memory_order_release);
 }
 
 bool InputWalkingRoom() {
-    return gWalkingRoom.load(std::memory_order_relaxed);
+    return gWalkingRoom.load(std::memory_order_acquire);
 }
 
 void InputBeginPump() {

@@ -3,6 +3,7 @@
 #include "settings/bindings.h"
 #include "settings/bindings/press_log.h"
 
+#include <algorithm>
 #include <chrono>
 
 constinit INPUT_STATE gLiveInput;
@@ -12,6 +13,7 @@ constinit thread_local const INPUT_STATE* tInputState = &gLiveInput;
 namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
+constexpr uint64_t kNoTaps = UINT64_MAX;
 
 // Only the main thread counts.
 uint64_t NextNumber() {
@@ -63,6 +65,10 @@ void ForgetPresses() {
     Publish(NextNumber());
 }
 
+void HandPressesOver() {
+    gPressLog.handedOver.store(gPressLog.newest.load(kRelaxed), kRelaxed);
+}
+
 int64_t InputClock() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
@@ -74,12 +80,12 @@ InputLooker::InputLooker()
 
 // The tables may already hold a press later than the newest number. It belongs to the next frame;
 // otherwise two frames could see one tap.
-void InputLooker::Look(bool withTaps) {
+void InputLooker::Look(uint64_t tapsAfter) {
     const uint64_t newest = gPressLog.newest.load(std::memory_order_acquire);
     if (newest == seen && !refreshes) {
         return;
     }
-    const uint64_t known = withTaps ? seen : newest;
+    const uint64_t known = std::max(seen, std::min(tapsAfter, newest));
     refreshes = false;
     const auto look = [&](const std::atomic<uint64_t>& number, bool down) {
         const uint64_t pressed = number.load(kRelaxed);
@@ -103,15 +109,20 @@ void InputLooker::Look(bool withTaps) {
 
 void InputLooker::ForgetAfterPause(int64_t now) {
     if (now - lookedAt > kLongestFrame) {
-        Look(false);
+        Look(kNoTaps);
     }
     lookedAt = now;
 }
 
 InputFrame::InputFrame(InputLooker& looker, uint32_t sessionKey)
     : outer(tInputState) {
-    looker.Look(sessionKey == kApplicationKey ||
-                (sessionKey == InputActiveKey() && !InputWalkingRoom()));
+    if (sessionKey == kApplicationKey) {
+        looker.Look(0);
+    } else if (sessionKey == InputActiveKey() && !InputWalkingRoom()) {
+        looker.Look(gPressLog.handedOver.load(kRelaxed));
+    } else {
+        looker.Look(kNoTaps);
+    }
     tInputState = &looker.state;
 }
 

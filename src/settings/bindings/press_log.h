@@ -14,6 +14,8 @@ struct PRESS_LOG {
     // Controls that the user has bound, so that they don't act by default.
     std::atomic<uint64_t> padsTaken{0};
     std::atomic<uint64_t> newest{0};
+    // What was the newest when the sessions' input last got another owner. Earlier presses were for the one before.
+    std::atomic<uint64_t> handedOver{0};
 };
 
 extern constinit INPUT_STATE gLiveInput;
@@ -26,3 +28,4 @@ extern constinit thread_local const INPUT_STATE* tInputState;
 void LogCode(uint32_t code, bool down);
 void LogPads(uint64_t pressed, uint64_t acting, uint64_t taken);
 void ForgetPresses();
+void HandPressesOver();

@@ -1,0 +1,80 @@
+#include "screens/key_line.h"
+
+#include "gui/manager.h"
+#include "gui/ring.h"
+#include "gui/surface.h"
+#include "gui/text.h"
+#include "gui/theme.h"
+
+#include <algorithm>
+
+namespace {
+
+// Units.
+constexpr int32_t kCapHeight = 22;
+constexpr int32_t kCapMargin = 7;
+constexpr int32_t kCapGap = 3;
+constexpr int32_t kWordGap = 6;   // between a key and what it does
+constexpr int32_t kGroupGap = 16; // and the next key
+constexpr int32_t kCorner = 4;
+
+} // namespace
+
+KeyLine::KeyLine(GHOSTMANAGER_WINDOW* parent, uint32_t creationId) {
+    window = MakeControlWindow(parent, creationId, this, {});
+    CGhostManager::Get().SetTabStop(window, false);
+    CGhostTheme::Get().GetStyle(L"KEYCAP", cap);
+    CGhostTheme::Get().GetStyle(L"KEYTEXT", text);
+}
+
+void KeyLine::SetWords(std::vector<KEY_WORDS> wanted) {
+    words = std::move(wanted);
+    dirty = true;
+}
+
+// A cap of one letter is a square.
+int32_t KeyLine::CapWidth(const std::wstring& key) const {
+    return std::max(MeasureText(cap.font, key).width + 2 * kCapMargin, kCapHeight);
+}
+
+int32_t KeyLine::WidthOf(const KEY_WORDS& group) const {
+    int32_t width = 0;
+    for (const std::wstring& key : group.keys) {
+        width += CapWidth(key) + kCapGap;
+    }
+    if (group.does.empty()) {
+        return std::max(width - kCapGap, 0);
+    }
+    return width + (group.keys.empty() ? 0 : kWordGap - kCapGap) +
+           MeasureText(text.font, group.does).width;
+}
+
+int32_t KeyLine::WantedWidth() const {
+    int32_t width = 0;
+    for (const KEY_WORDS& group : words) {
+        width += (width == 0 ? 0 : kGroupGap) + WidthOf(group);
+    }
+    return width;
+}
+
+void KeyLine::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
+    const int32_t width = surface->Width();
+    const int32_t top = (surface->Height() - kCapHeight) / 2;
+    int32_t x = 0;
+    for (const KEY_WORDS& group : words) {
+        const int32_t end = x + WidthOf(group);
+        if (end > width) {
+            return;
+        }
+        for (const std::wstring& key : group.keys) {
+            const GUI_RECT face{x, top, CapWidth(key), kCapHeight};
+            PaintText(*surface, cap, key, face);
+            CutCorners(*surface, face, kCorner);
+            PaintRing(*surface, face, 1, kCorner, cap.border.left.colour1);
+            x += face.width + kCapGap;
+        }
+        x += group.keys.empty() ? 0 : kWordGap - kCapGap;
+        PaintText(*surface, text, group.does, {x, 0, end - x, surface->Height()});
+        x = end + kGroupGap;
+    }
+}

@@ -1,0 +1,166 @@
+// The keys that docs/PLAYING.md tells the player: what is bound on a first run, or a fixed key of the window.
+#include "base/files.h"
+#include "facts/machine_facts.h"
+#include "front/program_commands.h"
+#include "settings/bindings.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Rows = std::vector<std::vector<std::string>>;
+
+std::string Upper(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return text;
+}
+
+std::string Narrow(std::wstring_view text) {
+    return {text.begin(), text.end()};
+}
+
+std::string Trimmed(const std::string& text) {
+    const size_t first = text.find_first_not_of(" ,;:");
+    return first == std::string::npos
+               ? std::string()
+               : text.substr(first, text.find_last_not_of(" ,;:") + 1 - first);
+}
+
+// The cells of the table whose first heading this is.
+Rows Table(const std::string& heading) {
+    std::vector<uint8_t> bytes;
+    std::string error;
+    EXPECT_TRUE(ReadFile(OMBRELUNE_SOURCE_FOLDER "/docs/PLAYING.md", bytes, error, 1 << 20))
+        << error;
+    std::istringstream text(std::string(bytes.begin(), bytes.end()));
+    Rows rows;
+    bool inside = false;
+    for (std::string line; std::getline(text, line);) {
+        inside = inside ? line.starts_with("|") : line.starts_with("| " + heading + " |");
+        if (inside && !line.starts_with("| ---")) {
+            std::istringstream cells(line.substr(1));
+            rows.emplace_back();
+            for (std::string cell; std::getline(cells, cell, '|');) {
+                rows.back().push_back(Trimmed(cell));
+            }
+        }
+    }
+    EXPECT_GT(rows.size(), 1u) << heading;
+    rows.erase(rows.begin());
+    return rows;
+}
+
+// Keys stand between backquotes; what a key does stands before it.
+std::vector<std::pair<std::string, std::string>> KeysIn(const std::string& cell) {
+    std::vector<std::pair<std::string, std::string>> keys;
+    std::istringstream parts(cell);
+    for (std::string before, key;
+         std::getline(parts, before, '`') && std::getline(parts, key, '`');) {
+        keys.emplace_back(Trimmed(before), key);
+    }
+    return keys;
+}
+
+std::map<std::string, std::string> DefaultKeys() {
+    std::map<std::string, std::string> keys;
+    for (const INPUT_ACTION& action : InputActions()) {
+        keys[Narrow(action.name)] =
+            action.defaultBinding != 0 ? Narrow(BindingName(action.defaultBinding)) : "";
+    }
+    return keys;
+}
+
+// "SMS P1 BUTTON1" is told as "1", "Arcade Insert Coin1" as "Coin1", "NES P1 START" as "Start".
+std::string ToldAs(const std::string& action) {
+    std::string word = action.substr(action.rfind(' ') + 1);
+    return word.starts_with("BUTTON") ? word.substr(6) : Upper(word);
+}
+
+} // namespace
+
+TEST(PlayingKeys, OfEachMachineAreThoseOfAFirstRun) {
+    const Rows rows = Table("machine");
+    const std::map<std::string, std::string> defaults = DefaultKeys();
+    ASSERT_EQ(rows.size(), MachineFacts().size());
+    for (const MACHINE_FACTS& machine : MachineFacts()) {
+        const auto row = std::find_if(rows.begin(), rows.end(), [&](const auto& cells) {
+            return Upper(cells.at(0)).find(Upper(machine.name)) != std::string::npos;
+        });
+        ASSERT_NE(row, rows.end()) << machine.name;
+        std::string all = row->at(1);
+        constexpr std::string_view kDirections = "directions `Up` `Down` `Left` `Right`;";
+        ASSERT_TRUE(all.starts_with(kDirections)) << machine.name;
+        std::map<std::string, std::string> told{
+            {"UP",    "Up"   },
+            {"DOWN",  "Down" },
+            {"LEFT",  "Left" },
+            {"RIGHT", "Right"}
+        };
+        for (const auto& [does, key] : KeysIn(all.substr(kDirections.size()))) {
+            const size_t colon = does.rfind(": ");
+            EXPECT_TRUE(
+                told.emplace(Upper(colon == std::string::npos ? does : does.substr(colon + 2)), key)
+                    .second)
+                << does;
+        }
+        std::map<std::string, std::string> wanted;
+        for (const auto names : {machine.consoleActions, machine.playerActions[0]}) {
+            if (names.data() == machine.consoleActions.data() && !machine.readsConsoleActions) {
+                continue;
+            }
+            for (const std::wstring_view name : names) {
+                wanted[ToldAs(Narrow(name))] = defaults.at(Narrow(name));
+            }
+        }
+        for (auto& [does, key] : told) {
+            key = Upper(key);
+        }
+        EXPECT_EQ(told, wanted) << machine.name;
+    }
+}
+
+TEST(PlayingKeys, OfTheProgramAreThoseOfAFirstRun) {
+    std::map<std::string, std::string> defaults = DefaultKeys();
+    std::set<std::string> told;
+    for (const auto& cells : Table("action")) {
+        std::istringstream names(cells.at(0));
+        const auto keys = KeysIn(cells.at(1));
+        size_t at = 0;
+        for (std::string name; std::getline(names, name, ','); ++at) {
+            ASSERT_LT(at, keys.size()) << cells.at(0);
+            EXPECT_EQ(Upper(keys[at].second), defaults[Trimmed(name)]) << name;
+            EXPECT_TRUE(told.insert(Trimmed(name)).second) << name;
+        }
+        EXPECT_EQ(at, keys.size()) << cells.at(0);
+    }
+    for (size_t action = 0; action < InputActions().size(); ++action) {
+        if (InputOwners()[action] == 0) {
+            EXPECT_TRUE(told.contains(Narrow(InputActions()[action].name)))
+                << Narrow(InputActions()[action].name) << " is not told";
+        }
+    }
+}
+
+// F10 is the program screen's, and Alt + F4 the desktop's.
+TEST(PlayingKeys, OfTheWindowAreItsFixedOnes) {
+    std::set<std::string> told;
+    for (const auto& cells : Table("the window's own key")) {
+        for (const auto& [before, key] : KeysIn(cells.at(0))) {
+            told.insert(key);
+        }
+    }
+    std::set<std::string> wanted{"F10", "Alt + F4"};
+    for (const PROGRAM_KEY& key : ProgramKeys()) {
+        wanted.insert(key.key);
+    }
+    EXPECT_EQ(told, wanted);
+}

@@ -1,6 +1,7 @@
 #include "megadrive/md_bus.h"
 
 #include "megadrive/md_vdp_tick.h"
+#include "megadrive/md_z80_ahead.h"
 #include "megadrive/ym2612_tick.h"
 #include "sega8/z80_tick.h"
 
@@ -89,11 +90,13 @@ void RunZ80(MEGA_DRIVE& md, uint32_t clocks) {
 }
 
 void RequestBus(MEGA_DRIVE& md, uint32_t bit) {
+    MdCatchUpZ80(md);
     RunZ80(md, kZ80HandOver);
     md.z80.busHold = bit & 1;
 }
 
 void DriveZ80Reset(MEGA_DRIVE& md, uint32_t bit) {
+    MdCatchUpZ80(md);
     if ((bit & 1) == 0) {
         RunZ80(md, kZ80HandOver);
         MdCatchUpFm(md);
@@ -122,6 +125,7 @@ void WriteFm(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
 
 // The Z80's RAM and the chips on its bus, as the 68000 sees them. `address` has 16 bits.
 uint32_t ReadZ80Side(MEGA_DRIVE& md, uint32_t address) {
+    MdCatchUpZ80(md);
     if (Z80BusBlocked(md)) {
         return OpenBus(md);
     }
@@ -135,6 +139,7 @@ uint32_t ReadZ80Side(MEGA_DRIVE& md, uint32_t address) {
 }
 
 void WriteZ80Side(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
+    MdCatchUpZ80(md);
     if (Z80BusBlocked(md)) {
         return;
     }
@@ -148,7 +153,8 @@ void WriteZ80Side(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
 }
 
 // The bit of the bus request register: 1 while the 68000 must not touch the Z80's side.
-uint32_t BusState(const MEGA_DRIVE& md) {
+uint32_t BusState(MEGA_DRIVE& md) {
+    MdCatchUpZ80(md);
     return Z80BusBlocked(md) ? kBusNotGranted : 0;
 }
 
@@ -254,6 +260,7 @@ void WriteVdp(MEGA_DRIVE& md, uint32_t address, uint32_t word) {
     case 9:
     case 10:
     case 11:
+        MdCatchUpZ80(md); // the PSG's clocks are counted with the Z80's
         MdCatchUpPsg(md);
         PsgWrite(md.psg, static_cast<uint8_t>(word));
         break;

@@ -37,6 +37,20 @@ inline constexpr uint32_t kMdAddressMask = 0xFFFFFF;
 inline constexpr uint32_t kMdIoPage =
     0xA1; // of 64 KiB: the I/O chip and the registers that control the Z80
 
+inline constexpr uint32_t kMdZ80MostAhead = 480; // clocks; about two lines
+
+// How to take back what the Z80 of the fast loop has done ahead of its time (md_z80_ahead.h).
+struct MD_Z80_AHEAD {
+    struct WRITE {
+        uint16_t address; // in its RAM
+        uint8_t before;
+    };
+    Z80 start;           // as it was when it began
+    uint32_t clocks = 0; // of which it is ahead of `start`
+    uint32_t writes = 0;
+    std::array<WRITE, kMdZ80MostAhead> log; // at most one write a clock
+};
+
 struct MEGA_DRIVE {
     M68K_STATE cpu;
     Z80 z80;
@@ -65,6 +79,9 @@ struct MEGA_DRIVE {
     uint32_t psgOwed = 0;
     uint32_t vdpToEvent =
         0; // 68000 cycles from the VDP's own time to its next event that others may see
+    MD_Z80_AHEAD z80Ahead;
+    int32_t z80Deadline =
+        kMdZ80Clocks; // master clocks in `z80Clock` from which on the Z80 must run
 
     alignas(8) std::array<uint16_t, kMdWorkRamBytes / 2> workRam{};
     std::array<uint8_t, kMdZ80RamBytes> z80Ram{};

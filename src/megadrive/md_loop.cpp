@@ -3,10 +3,11 @@
 // The plain loop is the console: an instruction of the 68000, then for each of its cycles a tick of Z80, PSG,
 // FM chip and VDP in this order. The fast loop has the same results. In it VDP, FM chip and PSG owe their clocks
 // and catch up when one of their addresses is accessed, or when the VDP comes to an event that drives a line
-// or reads memory.
+// or reads memory. The Z80 runs ahead instead, as far as nobody can see it (md_z80_ahead.h).
 #include "megadrive/m68000_tick.h"
 #include "megadrive/md_bus.h"
 #include "megadrive/md_vdp_tick.h"
+#include "megadrive/md_z80_ahead.h"
 #include "megadrive/ym2612_tick.h"
 #include "sega8/z80_tick.h"
 
@@ -76,7 +77,7 @@ void CatchUpToEvent(MEGA_DRIVE& md) {
     MdRefreshVdpToEvent(md);
 }
 
-// The Z80's bus while it runs several clocks at once, one in each 68000 cycle. An access beyond its own RAM
+// The Z80's bus for the clocks of one 68000 instruction, one in each cycle, when the Z80 isn't ahead. An access beyond its own RAM
 // counts the cycles up to its clock, so that the other chips catch up to there. The run stops after an access
 // that brings an event of the VDP near, or that may have changed the Z80's own bus request or reset.
 struct MD_CATCH_UP_Z80_BUS {
@@ -139,27 +140,41 @@ uint32_t RunZ80(MEGA_DRIVE& md, uint32_t cycles) {
     return done;
 }
 
-template <bool svp>
-void RunFrameFast(MEGA_DRIVE& md) {
-    uint32_t freeInstructions = 0;
-    CatchUpToEvent(md);
-    while (md.vdp.frameDone == 0) {
-        uint32_t cycles = RunInstruction<svp>(md, freeInstructions);
-        // The Z80 may write to the VDP and so bring an event near.
-        while (md.vdpOwed + cycles < md.vdpToEvent) {
-            const uint32_t done = RunZ80(md, cycles);
-            if (done == 0) {
-                break;
-            }
-            cycles -= done;
+// The cycles of an instruction in which the Z80 or the VDP does something that others see.
+[[gnu::noinline]] void RunCycles(MEGA_DRIVE& md, uint32_t cycles) {
+    cycles -= MdSettleZ80(md, cycles);
+    // The Z80 may write to the VDP and so bring an event near.
+    while (md.vdpOwed + cycles < md.vdpToEvent) {
+        const uint32_t done = RunZ80(md, cycles);
+        if (done == 0) {
+            break;
         }
-        if (md.vdpOwed + cycles >= md.vdpToEvent) [[unlikely]] {
-            RunCyclesPlain(md, cycles);
-            continue;
-        }
+        cycles -= done;
+    }
+    if (md.vdpOwed + cycles >= md.vdpToEvent) {
+        RunCyclesPlain(md, cycles);
+    } else {
         md.vdpOwed += cycles;
         md.fmOwed += cycles;
     }
+    MdRunZ80Ahead(md);
+}
+
+template <bool svp>
+void RunFrameFast(MEGA_DRIVE& md) {
+    uint32_t freeInstructions = 0;
+    md.z80Deadline = kMdZ80Clocks;
+    CatchUpToEvent(md);
+    while (md.vdp.frameDone == 0) {
+        const uint32_t cycles = RunInstruction<svp>(md, freeInstructions);
+        if (md.z80Clock < md.z80Deadline && md.vdpOwed + cycles < md.vdpToEvent) [[likely]] {
+            md.vdpOwed += cycles;
+            md.fmOwed += cycles;
+        } else {
+            RunCycles(md, cycles);
+        }
+    }
+    MdCatchUpZ80(md);
     MdCatchUpVdp(md);
     MdCatchUpFm(md);
     MdCatchUpPsg(md);

@@ -100,6 +100,18 @@ inline constexpr uint32_t kMdVdpScanLastLineRanOut = 2; // the line before did
 inline constexpr uint32_t kMdVdpScanSeenX = 4;          // a sprite with X other than 0 was read
 inline constexpr uint32_t kMdVdpScanMasked = 8;         // a sprite with X 0 hides the rest
 
+// The sprite list, and for each line which of its entries, in the order of their links, the scan must look at.
+// Derived, so not saved.
+inline constexpr uint32_t kMdVdpMostScanned = 140; // entries a line, at two words each
+struct MD_VDP_SPRITE_LINES {
+    std::array<uint8_t, 640> list;                   // as it was in VRAM
+    uint32_t key;                                    // of address and mode
+    uint32_t built;                                  // 1 when the fields below are those of `list`
+    uint32_t end;                                    // place of the entry that ends the scan
+    std::array<uint8_t, kMdVdpMostScanned> index;    // by place in the order of the links
+    std::array<std::array<uint64_t, 3>, 240> onLine; // a bit for each place
+};
+
 struct MD_VDP {
     uint32_t outX;             // next pixel to send out
     uint32_t planeAX, planeBX; // next buffer column of planes A and B
@@ -167,6 +179,12 @@ struct MD_VDP {
     uint32_t dmaPending; // kMdVdpValid and a control word, replayed when the DMA ends
     uint32_t interlace2; // 1 in double resolution interlace
     int32_t hCounter;    // lines until the H interrupt
+
+    // Colours of two neighbouring pixels by palette and the byte of a pattern, and the CRAM that they were made
+    // from. Not saved.
+    std::array<std::array<std::array<uint16_t, 2>, 256>, 4> pairs;
+    std::array<uint16_t, 64> pairCram;
+    MD_VDP_SPRITE_LINES spriteLines;
 };
 
 // Clears the whole record. Only `owner` may be null; the pointers must outlive the chip. `tvMode` is

@@ -31,8 +31,7 @@ Cell FetchCell(const MD_VDP& vdp, uint32_t base, uint32_t width, uint32_t column
     const uint32_t row = (word & kMdVdpFlipY) != 0 ? ~y & lastRow : y & lastRow;
     uint32_t pattern = MdVdpPattern(vdp, (word << (5 + doubled)) + row * 4);
     if ((word & kMdVdpFlipX) != 0) {
-        pattern = __builtin_bswap32(pattern);
-        pattern = (pattern & 0x0F0F0F0F) << 4 | (pattern >> 4 & 0x0F0F0F0F);
+        pattern = MdVdpMirror(pattern);
     }
     return {word, pattern};
 }
@@ -42,44 +41,6 @@ struct Layer {
     std::array<uint16_t, kMdVdpLine>& line;
     MdVdpCellLayer low;
 };
-
-constexpr uint64_t kEachByte = 0x0101010101010101;
-
-// The eight pixels of a pattern as bytes, the leftmost at the lowest address.
-uint64_t SpreadPixels(uint32_t pattern) {
-    uint64_t pixels = pattern;
-    pixels = (pixels | pixels << 16) & 0x0000FFFF0000FFFF;
-    pixels = (pixels | pixels << 8) & 0x00FF00FF00FF00FF;
-    pixels = (pixels | pixels << 4) & 0x0F0F0F0F0F0F0F0F;
-    return std::endian::native == std::endian::little ? __builtin_bswap64(pixels) : pixels;
-}
-
-// DrawPixels for a whole cell, with all eight layer codes at once.
-[[gnu::always_inline]] inline void DrawWhole(MD_VDP& vdp, const Layer& layer, const Cell& cell,
-                                             uint32_t x) {
-    const uint64_t high = cell.word / kMdVdpPriority;
-    if (high != 0) {
-        std::memcpy(&vdp.lineFlags[x], &kEachByte, sizeof kEachByte);
-    }
-    if (cell.pattern == 0) {
-        return;
-    }
-    const uint64_t pixels = SpreadPixels(cell.pattern);
-    const uint64_t opaque = (pixels + kEachByte * 0x7F) >> 7 & kEachByte;
-    const uint64_t raised = opaque * (layer.low + high * kHighLayer);
-    uint64_t codes = 0;
-    std::memcpy(&codes, &vdp.layerCode[x], sizeof codes);
-    // Codes are below 0x80, so with bit 7 set no byte borrows from the next, and bit 7 stays set where the
-    // old code is at least as large as the new one.
-    const uint64_t stays = ((codes | kEachByte * 0x80) - raised) >> 7 & kEachByte;
-    codes = (codes & stays * 0xFF) | (raised & ~(stays * 0xFF));
-    std::memcpy(&vdp.layerCode[x], &codes, sizeof codes);
-    const uint16_t* palette = &vdp.cram[MdVdpPaletteOf(cell.word)];
-    uint16_t* line = &layer.line[x];
-    for (uint32_t i = 0; i < kCell; ++i) {
-        line[i] = palette[cell.pattern >> (28 - 4 * i) & 15];
-    }
-}
 
 // Draws the pixels `first` to `first` + `count` - 1 of a cell, starting at `x`.
 [[gnu::always_inline]] inline void DrawPixels(MD_VDP& vdp, const Layer& layer, const Cell& cell,
@@ -106,7 +67,7 @@ uint64_t SpreadPixels(uint32_t pattern) {
 
 void DrawCell(MD_VDP& vdp, const Layer& layer, const Cell& cell, uint32_t x) {
     if (x <= kLastCellX) {
-        DrawWhole(vdp, layer, cell, x);
+        DrawPixels(vdp, layer, cell, x, 0, kCell);
     }
 }
 
@@ -123,7 +84,7 @@ void DrawCellA(MD_VDP& vdp, const Cell& cell, uint32_t x) {
     const bool left = !IsWindow(vdp, column);
     const bool right = shifted != 0 && !IsWindow(vdp, column + 1);
     if (left && (right || shifted == 0)) {
-        DrawWhole(vdp, layer, cell, x);
+        DrawPixels(vdp, layer, cell, x, 0, kCell);
     } else if (left) {
         DrawPixels(vdp, layer, cell, x, 0, kCell - shifted);
     } else if (right) {
@@ -173,6 +134,161 @@ bool StartPlane(uint32_t scroll, uint32_t& x, uint32_t& column) {
 // before the display went off, and shows planes again from the next fetch on. Settled here.
 bool DrawsCells(const MD_VDP& vdp) {
     return vdp.line < vdp.activeHeight && (vdp.h40 != 0 || MdVdpDisplayOn(vdp));
+}
+
+// --- many cells at once ---------------------------------------------------------------------------
+
+constexpr uint64_t kEachByte = 0x0101010101010101;
+
+// The eight pixels of a pattern as bytes, the leftmost at the lowest address.
+uint64_t SpreadPixels(uint32_t pattern) {
+    uint64_t pixels = pattern;
+    pixels = (pixels | pixels << 16) & 0x0000FFFF0000FFFF;
+    pixels = (pixels | pixels << 8) & 0x00FF00FF00FF00FF;
+    pixels = (pixels | pixels << 4) & 0x0F0F0F0F0F0F0F0F;
+    return std::endian::native == std::endian::little ? __builtin_bswap64(pixels) : pixels;
+}
+
+// The colours of two pixels by the byte of a pattern that holds both. The table is renewed where CRAM has
+// changed since its last use.
+void RefreshPairs(MD_VDP& vdp) {
+    constexpr uint32_t kColours = 16;
+    for (uint32_t palette = 0; palette < vdp.pairs.size(); ++palette) {
+        const uint16_t* colours = &vdp.cram[size_t{palette} * kColours];
+        uint16_t* known = &vdp.pairCram[size_t{palette} * kColours];
+        if (std::memcmp(known, colours, kColours * sizeof *colours) == 0) {
+            continue;
+        }
+        std::copy_n(colours, kColours, known);
+        for (uint32_t i = 0; i < vdp.pairs[palette].size(); ++i) {
+            vdp.pairs[palette][i] = {colours[i / kColours], colours[i % kColours]};
+        }
+    }
+}
+
+// DrawPixels for a whole cell, with all eight layer codes at once.
+[[gnu::always_inline]] inline void DrawWhole(MD_VDP& vdp, uint16_t* line, uint32_t low,
+                                             uint32_t word, uint32_t pattern, uint32_t x) {
+    const uint64_t high = word / kMdVdpPriority;
+    if (high != 0) {
+        std::memcpy(&vdp.lineFlags[x], &kEachByte, sizeof kEachByte);
+    }
+    if (pattern == 0) {
+        return;
+    }
+    const uint64_t opaque = (SpreadPixels(pattern) + kEachByte * 0x7F) >> 7 & kEachByte;
+    const uint64_t raised = opaque * (low + high * kHighLayer);
+    uint64_t codes = 0;
+    std::memcpy(&codes, &vdp.layerCode[x], sizeof codes);
+    // Codes are below 0x80, so with bit 7 set no byte borrows from the next, and bit 7 stays set where the
+    // old code is at least as large as the new one.
+    const uint64_t stays = (((codes | kEachByte * 0x80) - raised) >> 7 & kEachByte) * 0xFF;
+    codes = (codes & stays) | (raised & ~stays);
+    std::memcpy(&vdp.layerCode[x], &codes, sizeof codes);
+    const auto& pairs = vdp.pairs[MdVdpPaletteOf(word) / 16];
+    for (uint32_t i = 0; i < kCell / 2; ++i) {
+        std::memcpy(line + x + size_t{i} * 2, pairs[pattern >> (24 - 8 * i) & 0xFF].data(),
+                    sizeof pairs[0]);
+    }
+}
+
+// What the cells of a plane share in a line.
+struct PlaneRun {
+    uint32_t base;
+    uint32_t width; // in cells
+    uint32_t column;
+    uint32_t count; // of cells, from `column` on
+    uint32_t x;     // of the first one
+};
+
+// FetchCell and DrawCell for a run of cells. The scroll of a whole plane is the same in all of them; `Scroll`
+// returns that of a pair of columns, counted from the first.
+template <bool ByColumn, typename Scroll>
+[[gnu::always_inline]] inline void DrawCells(MD_VDP& vdp, const Layer& layer, const PlaneRun& run,
+                                             Scroll scroll) {
+    const uint32_t doubled = vdp.interlace2;
+    const uint32_t rowBits = 3 + doubled;
+    const uint32_t lastRow = (kCell << doubled) - 1;
+    const uint32_t top = doubled != 0 ? vdp.line * 2 + vdp.field : vdp.line;
+    const uint32_t lastY = (vdp.planeHeight << rowBits) - 1;
+    const uint32_t lastColumn = run.width - 1;
+    uint16_t* line = layer.line.data();
+    const uint32_t low = layer.low;
+    uint32_t y = 0;
+    uint32_t names = 0;
+    for (uint32_t i = 0; i < run.count; ++i) {
+        if (ByColumn ? i % 2 == 0 : i == 0) {
+            y = (top + (scroll(i / 2) & kScrollBits)) & lastY;
+            names = run.base + (y >> rowBits) * run.width * 2;
+        }
+        const uint32_t word = MdVdpVramWord(vdp, names + ((run.column + i) & lastColumn) * 2);
+        const uint32_t row = ((word & kMdVdpFlipY) != 0 ? ~y : y) & lastRow;
+        uint32_t pattern = MdVdpPattern(vdp, (word << (5 + doubled)) + row * 4);
+        if ((word & kMdVdpFlipX) != 0) {
+            pattern = MdVdpMirror(pattern);
+        }
+        DrawWhole(vdp, line, low, word, pattern, run.x + i * kCell);
+    }
+}
+
+void DrawPairs(MD_VDP& vdp, const Layer& layer, const PlaneRun& run, uint32_t plane) {
+    if ((vdp.regs[kMdVdpRegMode3] & kMdVdpReg11ColumnScroll) != 0) {
+        const uint32_t pair = vdp.tileColumn / 2;
+        DrawCells<true>(vdp, layer, run,
+                        [&](uint32_t i) { return vdp.vsram[((pair + i) * 2 + plane) & 63]; });
+    } else {
+        DrawCells<false>(vdp, layer, run, [&](uint32_t) { return vdp.vsramLine[plane]; });
+    }
+}
+
+// Plane A where the window is nowhere near. Fine scroll moves the cell of the last column out of the line, and
+// the part outside isn't drawn.
+void DrawPairsA(MD_VDP& vdp, uint32_t columns) {
+    const uint32_t shifted = vdp.planeAX % kCell;
+    const bool cut = shifted != 0 && vdp.tileColumn + columns == vdp.windowColumn.size();
+    DrawPairs(
+        vdp, {vdp.planeALine, kMdVdpPlaneALow},
+        {vdp.planeABase, vdp.planeWidth, vdp.planeAColumn, columns - (cut ? 1 : 0), vdp.planeAX},
+        0);
+    if (cut) {
+        const uint32_t last = columns - 1;
+        const uint32_t scroll = VScroll(vdp, (vdp.tileColumn + last) / 2, 0);
+        DrawCellA(vdp,
+                  FetchCell(vdp, vdp.planeABase, vdp.planeWidth, vdp.planeAColumn + last, scroll),
+                  vdp.planeAX + last * kCell);
+    }
+}
+
+// Fetches of `columns` columns without the window or with nothing else; false if the window begins or ends
+// among them. The column after the last one counts too, since fine scroll moves cells into it.
+bool FetchAlike(MD_VDP& vdp, uint32_t columns) {
+    const uint32_t left = vdp.tileColumn;
+    const auto first = vdp.windowColumn.begin() + left;
+    const auto last =
+        vdp.windowColumn.begin() + std::min<size_t>(left + columns + 1, vdp.windowColumn.size());
+    const bool window = *first != 0;
+    if (std::any_of(first, last, [&](uint8_t in) { return (in != 0) != window; })) {
+        return false;
+    }
+    RefreshPairs(vdp);
+    DrawPairs(vdp, {vdp.planeBLine, kMdVdpPlaneBLow},
+              {vdp.planeBBase, vdp.planeWidth, vdp.planeBColumn, columns, vdp.planeBX}, 1);
+    if (window) {
+        DrawCells<false>(vdp, {vdp.windowLine, kMdVdpWindowLow},
+                         {vdp.windowBase, vdp.windowWidth, left, columns, left * kCell},
+                         [](uint32_t) { return 0U; });
+    } else {
+        DrawPairsA(vdp, columns);
+    }
+    return true;
+}
+
+void AdvanceColumns(MD_VDP& vdp, uint32_t columns) {
+    vdp.tileColumn += columns;
+    vdp.planeAColumn += columns;
+    vdp.planeBColumn += columns;
+    vdp.planeAX += columns * kCell;
+    vdp.planeBX += columns * kCell;
 }
 
 } // namespace
@@ -227,9 +343,22 @@ void MdVdpFetchCells(MD_VDP& vdp) {
                      FetchCell(vdp, vdp.windowBase, vdp.windowWidth, column, 0), column * kCell);
         }
     }
-    vdp.tileColumn += 2;
-    vdp.planeAColumn += 2;
-    vdp.planeBColumn += 2;
-    vdp.planeAX += 2 * kCell;
-    vdp.planeBX += 2 * kCell;
+    AdvanceColumns(vdp, 2);
+}
+
+// Of the layers each has its own buffer of colours, and of the codes of a pixel the largest stays, so a layer
+// may be drawn over many columns before the next.
+void MdVdpFetchLine(MD_VDP& vdp, uint32_t fetches) {
+    const uint32_t columns = fetches * 2;
+    const uint32_t left = vdp.tileColumn;
+    if (!FetchAlike(vdp, columns)) {
+        for (; fetches != 0; --fetches) {
+            MdVdpFetchCells(vdp);
+        }
+        return;
+    }
+    std::fill_n(&vdp.backdropLine[size_t{left} * kCell], columns * kCell,
+                vdp.cram[vdp.regs[kMdVdpRegBackdrop] & kMdVdpReg7Colour]);
+    vdp.backdropX = (left + columns) * kCell;
+    AdvanceColumns(vdp, columns);
 }

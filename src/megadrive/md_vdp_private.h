@@ -50,6 +50,12 @@ inline void MdVdpStoreVramWord(MD_VDP& vdp, uint32_t address, uint32_t word) {
     return std::rotl(pattern, 16);
 }
 
+// The same eight pixels from right to left.
+[[nodiscard]] inline uint32_t MdVdpMirror(uint32_t pattern) {
+    pattern = __builtin_bswap32(pattern);
+    return (pattern & 0x0F0F0F0F) << 4 | (pattern >> 4 & 0x0F0F0F0F);
+}
+
 // The programmer's 0000BBB0GGG0RRR0 to the nine bits that CRAM holds here, and back.
 [[nodiscard]] inline uint16_t MdVdpPackColour(uint32_t word) {
     return static_cast<uint16_t>((word >> 1 & 7) << 6 | (word >> 5 & 7) << 3 | (word >> 9 & 7));
@@ -79,6 +85,8 @@ void MdVdpRefreshPointers(MD_VDP& vdp);
 void MdVdpStartLine(MD_VDP& vdp);
 // Fetches and draws 16 pixels of both planes, the window and the backdrop.
 void MdVdpFetchCells(MD_VDP& vdp);
+// The next `fetches` calls of it at once. The display must be on, and the columns in step with the timetable.
+void MdVdpFetchLine(MD_VDP& vdp, uint32_t fetches);
 // Finds and draws the sprites of the line after `line`, with at most `budget` words read from VRAM.
 void MdVdpFetchSprites(MD_VDP& vdp, uint32_t budget);
 // One access slot: serves the FIFO, or else the DMA.

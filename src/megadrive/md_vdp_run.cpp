@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -14,9 +15,7 @@ using md_vdp_timetable::SpanLengths;
 using md_vdp_timetable::StartClocks;
 using md_vdp_timetable::VisibleEvents;
 
-// The steps whose events may reach the machine, and the master clock at which each step begins.
-constexpr auto kVisibleEventsH32 = VisibleEvents(kMdVdpActionsH32);
-constexpr auto kVisibleEventsH40 = VisibleEvents(kMdVdpActionsH40);
+// The master clock at which each step begins.
 constexpr auto kStartsH32 = StartClocks(kMdVdpLengthsH32);
 constexpr auto kStartsH40 = StartClocks(kMdVdpLengthsH40);
 
@@ -30,28 +29,62 @@ bool IsVisible(const MD_VDP& vdp, uint32_t event) {
     }
 }
 
-// Master clocks from the start of the next step to the start of the next one with a visible event; or to the
-// end of the line, because the next line may have the other width.
-template <typename VisibleEvent, typename Starts>
-uint32_t ClocksToVisibleEvent(const MD_VDP& vdp, const VisibleEvent& events, const Starts& starts) {
-    const uint32_t now = starts[vdp.hCount];
-    for (const auto& [step, event] : events) {
-        if (step >= vdp.hCount && IsVisible(vdp, event)) {
-            return starts[step] - now;
-        }
+// Of the lines after this one, how many certainly pass before one with a visible event.
+template <const auto& Actions>
+uint32_t QuietLines(const MD_VDP& vdp) {
+    constexpr uint32_t kLineEnd = md_vdp_timetable::StepOf(Actions, kMdVdpLineEnd);
+    constexpr uint32_t kIncrement = md_vdp_timetable::StepOf(Actions, kMdVdpVCountIncrement);
+    if (*vdp.zIntLine != 0) {
+        return 0;
     }
-    return kMdVdpLineClocks - now;
+    const uint32_t line = vdp.line + (vdp.hCount > kLineEnd ? 0 : 1);
+    const uint32_t vCount = vdp.vCount + (vdp.hCount > kIncrement ? 0 : 1);
+    const uint32_t toLast = vdp.totalLines - 1 - std::min(line, vdp.totalLines - 1);
+    const uint32_t toBlank = (vdp.activeHeight + vdp.totalLines - vCount) % vdp.totalLines;
+    uint32_t lines = std::min(toLast, toBlank);
+    if ((vdp.regs[kMdVdpRegMode1] & kMdVdpReg0HInterrupt) != 0) {
+        // The counter goes down by one a line, or is reloaded.
+        const int32_t reloaded = vdp.regs[kMdVdpRegHInterrupt] + 1;
+        const int32_t counted = std::min(vdp.hCounter, reloaded) - 1;
+        lines = std::min(lines, static_cast<uint32_t>(std::max(counted, 0)));
+    }
+    return lines;
 }
 
-// Which slots end a span, because the FIFO or a DMA would use them.
-enum SlotUse : uint32_t { kNoSlots, kDisplaySlots, kBlankedSlots };
+// Master clocks from the start of the next step to the start of the next one with a visible event, or of a line
+// that may have one.
+template <const auto& Actions, const auto& Starts>
+uint32_t ClocksToVisibleEvent(const MD_VDP& vdp) {
+    static constexpr auto kEvents = VisibleEvents(Actions);
+    const uint32_t now = Starts[vdp.hCount];
+    for (const auto& [step, event] : kEvents) {
+        if (step >= vdp.hCount && IsVisible(vdp, event)) {
+            return Starts[step] - now;
+        }
+    }
+    return kMdVdpLineClocks * (QuietLines<Actions>(vdp) + 1) - now;
+}
+
+// Which steps end a span: slots that the FIFO or a DMA would use, and fetches in the lines of the picture.
+enum SpanKind : uint32_t { kNoSlots, kDisplaySlots, kBlankedSlots, kNoFetches };
 
 template <size_t Steps>
-constexpr std::array<std::array<uint8_t, Steps>, 3>
+constexpr std::array<uint8_t, Steps> WithoutFetches(std::array<uint8_t, Steps> actions) {
+    for (uint8_t& action : actions) {
+        if ((action & kMdVdpEventBits) == kMdVdpFetch) {
+            action = 0;
+        }
+    }
+    return actions;
+}
+
+template <size_t Steps>
+constexpr std::array<std::array<uint8_t, Steps>, 4>
 BuildSpans(const std::array<uint8_t, Steps>& actions, const std::array<uint8_t, Steps>& lengths) {
     return {SpanLengths(actions, lengths, kMdVdpEventBits),
             SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpDisplaySlot),
-            SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpBlankedSlot)};
+            SpanLengths(actions, lengths, kMdVdpEventBits | kMdVdpBlankedSlot),
+            SpanLengths(WithoutFetches(actions), lengths, kMdVdpEventBits)};
 }
 
 constexpr auto kSpansH32 = BuildSpans(kMdVdpActionsH32, kMdVdpLengthsH32);
@@ -106,26 +139,61 @@ constexpr auto kShades = [] {
     }
 }
 
-// Operators are rare. In a block of eight dots without any, the flag alone chooses the table. The line
-// buffers are longer than a line by one block, so the last one may be read whole.
+// Operators are rare. In a block of eight dots without any, the flags alone choose the table.
 constexpr uint32_t kBlock = 8;
-static_assert(kMdVdpWidth + kBlock <= kMdVdpLine);
+
+[[nodiscard]] inline uint64_t LoadBlock(const uint8_t* bytes) {
+    uint64_t block = 0;
+    std::memcpy(&block, bytes, sizeof block);
+    return block;
+}
+
+// Whether all eight bytes are the same.
+[[nodiscard]] inline bool IsUniform(uint64_t block) {
+    return block == std::rotl(block, 8);
+}
+
+// Eight dots by one colour table. In most blocks one layer is on top of all of them.
+[[gnu::always_inline]] inline void PutBlock(const MD_VDP& vdp, uint32_t x,
+                                            const uint32_t* colours) {
+    const uint64_t codes = LoadBlock(&vdp.layerCode[x]);
+    uint32_t* row = vdp.rowOut + x;
+    if (IsUniform(codes)) {
+        const uint16_t* line = vdp.layerBuffers[codes & 0xFF] + x;
+        for (uint32_t i = 0; i < kBlock; ++i) {
+            row[i] = colours[line[i]];
+        }
+        return;
+    }
+    for (uint32_t i = 0; i < kBlock; ++i) {
+        row[i] = colours[vdp.layerBuffers[vdp.layerCode[x + i]][x + i]];
+    }
+}
 
 void PutShadowedDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
-    while (x < end) {
-        const uint32_t blockEnd = std::min(x + kBlock, end);
-        uint64_t operators = 0;
-        std::memcpy(&operators, &vdp.shadowOp[x], sizeof operators);
-        if (operators != 0) {
-            for (; x < blockEnd; ++x) {
-                PutShadowedDot(vdp, x);
-            }
+    constexpr uint64_t kFlags = 0x0101010101010101;
+    for (; end - x >= kBlock; x += kBlock) {
+        const uint64_t flags = LoadBlock(&vdp.lineFlags[x]) & kFlags;
+        if (LoadBlock(&vdp.shadowOp[x]) == 0 && IsUniform(flags)) {
+            PutBlock(vdp, x, vdp.colourTables + (flags & 1) * kPlain);
             continue;
         }
-        for (; x < blockEnd; ++x) {
-            const uint32_t shade = (vdp.lineFlags[x] & 1U) * kPlain;
-            vdp.rowOut[x] = vdp.colourTables[shade + vdp.layerBuffers[vdp.layerCode[x]][x]];
+        for (uint32_t i = 0; i < kBlock; ++i) {
+            PutShadowedDot(vdp, x + i);
         }
+    }
+    for (; x < end; ++x) {
+        PutShadowedDot(vdp, x);
+    }
+}
+
+void PutPlainDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
+    const uint32_t* colours = vdp.colourTables + kPlain;
+    for (; end - x >= kBlock; x += kBlock) {
+        PutBlock(vdp, x, colours);
+    }
+    for (; x < end; ++x) {
+        vdp.rowOut[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
     }
 }
 
@@ -160,11 +228,7 @@ void PutDots(MD_VDP& vdp, uint32_t count) {
     if (vdp.shadowMode != 0) {
         PutShadowedDots(vdp, vdp.outX, end);
     } else {
-        const uint32_t* colours = vdp.colourTables + kPlain;
-        uint32_t* row = vdp.rowOut;
-        for (uint32_t x = vdp.outX; x < end; ++x) {
-            row[x] = colours[vdp.layerBuffers[vdp.layerCode[x]][x]];
-        }
+        PutPlainDots(vdp, vdp.outX, end);
     }
     if (Collide(vdp, vdp.outX, end)) {
         vdp.status |= kMdVdpCollision;
@@ -190,12 +254,136 @@ void RunSpan(MD_VDP& vdp, uint32_t count) {
     }
 }
 
-uint32_t SpanLength(const MD_VDP& vdp) {
-    uint32_t use = kNoSlots;
-    if (md_vdp_tick::HasSlotWork(vdp)) {
-        use = vdp.blanked != 0 ? kBlankedSlots : kDisplaySlots;
+uint32_t SpanLength(const MD_VDP& vdp, uint32_t kind) {
+    return vdp.h40 != 0 ? kSpansH40[kind][vdp.hCount] : kSpansH32[kind][vdp.hCount];
+}
+
+// Whether the slots that come write VRAM alone, so that no dot shows them, and start nothing else at their end.
+bool WritesVramAlone(const MD_VDP& vdp) {
+    if (vdp.dmaPending != 0 || (vdp.dmaState == kMdVdpDmaBus && vdp.dmaCode != kMdVdpCodeVram)) {
+        return false;
     }
-    return vdp.h40 != 0 ? kSpansH40[use][vdp.hCount] : kSpansH32[use][vdp.hCount];
+    const auto* entry = vdp.fifo.data();
+    return std::all_of(entry, entry + vdp.fifoCount,
+                       [](const auto& waiting) { return waiting.code == kMdVdpCodeVram; });
+}
+
+// The blanked slots among `count` steps.
+template <size_t Steps>
+uint32_t CountSlots(const std::array<uint16_t, Steps>& before, uint32_t from, uint32_t count) {
+    return uint32_t{before[from + count]} - before[from];
+}
+
+constexpr auto kSlotsBeforeH32 = md_vdp_timetable::CountBefore(kMdVdpActionsH32, kMdVdpBlankedSlot);
+constexpr auto kSlotsBeforeH40 = md_vdp_timetable::CountBefore(kMdVdpActionsH40, kMdVdpBlankedSlot);
+
+// Runs a span below the picture, with its slots.
+void RunDarkSpan(MD_VDP& vdp, uint32_t count) {
+    uint32_t slots = vdp.h40 != 0 ? CountSlots(kSlotsBeforeH40, vdp.hCount, count)
+                                  : CountSlots(kSlotsBeforeH32, vdp.hCount, count);
+    RunSpan(vdp, count);
+    for (; slots != 0 && md_vdp_tick::HasSlotWork(vdp); --slots) {
+        MdVdpAccessSlot(vdp);
+    }
+}
+
+// The part of a line between its start and its end, by width.
+struct Display {
+    uint32_t start; // the step that restarts the columns
+    uint32_t end;   // the step that draws the next line's sprites
+    uint32_t firstFetch;
+    uint32_t fetches;
+    uint32_t firstDot;
+    uint32_t dots;
+    const uint16_t* starts; // of each step, in master clocks
+    struct Event {
+        uint32_t step;
+        uint32_t event;
+    };
+    std::array<Event, 5> events; // all but the fetches; unused ones lie after the end
+};
+
+template <size_t Steps>
+constexpr Display BuildDisplay(const std::array<uint8_t, Steps>& actions,
+                               const std::array<uint16_t, Steps>& starts, uint32_t firstDot,
+                               uint32_t dots) {
+    using md_vdp_timetable::StepOf;
+    Display display{};
+    display.start = StepOf(actions, kMdVdpLineStart);
+    display.end = StepOf(actions, kMdVdpLineEnd);
+    display.firstFetch = StepOf(actions, kMdVdpFetch);
+    display.firstDot = firstDot;
+    display.dots = dots;
+    display.starts = starts.data();
+    display.events.fill({Steps, kMdVdpNoEvent});
+    size_t count = 0;
+    for (uint32_t step = display.start; step < display.end; ++step) {
+        const uint32_t event = actions[step] & kMdVdpEventBits;
+        if (event == kMdVdpFetch) {
+            ++display.fetches;
+        } else if (event != kMdVdpNoEvent) {
+            display.events[count++] = {step, event};
+        }
+    }
+    return display;
+}
+
+// By `h40`.
+constexpr Display kDisplays[2] = {
+    BuildDisplay(kMdVdpActionsH32, kStartsH32, kMdVdpFirstDotH32, kMdVdpDotsH32),
+    BuildDisplay(kMdVdpActionsH40, kStartsH40, kMdVdpFirstDotH40, kMdVdpDotsH40)};
+
+// How many of the fetches come before a step, and how many of the dots.
+uint32_t FetchesBefore(const Display& display, uint32_t step) {
+    const uint32_t begun = step > display.firstFetch ? (step - display.firstFetch + 15) / 16 : 0;
+    return std::min(begun, display.fetches);
+}
+
+uint32_t DotsBefore(const Display& display, uint32_t step) {
+    return step > display.firstDot ? std::min(step - display.firstDot, display.dots) : 0;
+}
+
+// Whether the steps from here to the end of the line's display can run at once: the display is on, no slot is
+// used, and columns and dots are where the timetable has them, which a damaged state need not have.
+bool ShowsCells(const MD_VDP& vdp, const Display& display) {
+    if (vdp.hCount < display.start || vdp.hCount >= display.end) {
+        return false;
+    }
+    if (vdp.hCount == display.start) {
+        return true;
+    }
+    const uint32_t x = vdp.tileColumn * 8;
+    return vdp.tileColumn == FetchesBefore(display, vdp.hCount) * 2 && vdp.planeAX - x < 8 &&
+           vdp.planeBX - x < 8 &&
+           (vdp.rowOut == nullptr || vdp.outX == DotsBefore(display, vdp.hCount));
+}
+
+// Runs the steps of the display that are due, all events first, then all fetches, then all dots. A fetch draws
+// only right of the dots that went out before it, and no event but the first two changes what is drawn; these
+// come before the first dot.
+void RunDisplay(MD_VDP& vdp, const Display& display) {
+    const uint32_t from = vdp.hCount;
+    const auto due = static_cast<uint32_t>(display.starts[from] + vdp.stepDebt);
+    const uint16_t* last = display.starts + display.end;
+    const auto end = static_cast<uint32_t>(
+        due >= *last ? display.end
+                     : std::lower_bound(display.starts + from, last, due) - display.starts);
+    vdp.stepDebt -= display.starts[end] - display.starts[from];
+    for (const auto& [step, event] : display.events) {
+        if (step >= from && step < end) {
+            vdp.hCount = step + 1;
+            MdVdpRunAction(vdp, event, false);
+        }
+    }
+    vdp.hCount = end;
+    const uint32_t fetches = FetchesBefore(display, end) - FetchesBefore(display, from);
+    if (fetches != 0) {
+        MdVdpFetchLine(vdp, fetches);
+    }
+    const uint32_t dots = DotsBefore(display, end);
+    if (vdp.rowOut != nullptr && vdp.outX < dots) {
+        PutDots(vdp, dots - vdp.outX);
+    }
 }
 
 } // namespace
@@ -207,8 +395,21 @@ void MdVdpPutShadowedDot(MD_VDP& vdp) {
 void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
     vdp.stepDebt += static_cast<int32_t>(masterClocks);
     while (vdp.stepDebt > 0) {
+        const bool slotWork = md_vdp_tick::HasSlotWork(vdp);
+        if (!slotWork && vdp.blanked == 0) {
+            const Display& display = kDisplays[vdp.h40 & 1];
+            if (ShowsCells(vdp, display)) {
+                RunDisplay(vdp, display);
+                continue;
+            }
+        }
+        const bool dark = vdp.line >= vdp.activeHeight && (!slotWork || WritesVramAlone(vdp));
+        const uint32_t kind = dark               ? kNoFetches
+                              : !slotWork        ? kNoSlots
+                              : vdp.blanked != 0 ? kBlankedSlots
+                                                 : kDisplaySlots;
         const uint32_t length = vdp.stepTable[vdp.hCount];
-        const uint32_t span = SpanLength(vdp);
+        const uint32_t span = SpanLength(vdp, kind);
         if (span == 0) {
             vdp.stepDebt -= static_cast<int32_t>(length);
             if (vdp.h40 != 0) {
@@ -222,7 +423,11 @@ void MdVdpRun(MD_VDP& vdp, uint32_t masterClocks) {
         const uint32_t due = length == 8 ? (debt + 7) / 8 : (debt + 9) / 10;
         const uint32_t count = std::min(due, span);
         vdp.stepDebt -= static_cast<int32_t>(count * length);
-        RunSpan(vdp, count);
+        if (dark && slotWork) {
+            RunDarkSpan(vdp, count);
+        } else {
+            RunSpan(vdp, count);
+        }
     }
 }
 
@@ -231,8 +436,8 @@ uint32_t MdVdpClocksToEvent(const MD_VDP& vdp, bool busIsQuiet) {
     if (vdp.fifoCount > kMdVdpFifo || vdp.dmaPending != 0) {
         return 0;
     }
-    const uint32_t clocks = vdp.h40 != 0 ? ClocksToVisibleEvent(vdp, kVisibleEventsH40, kStartsH40)
-                                         : ClocksToVisibleEvent(vdp, kVisibleEventsH32, kStartsH32);
+    const uint32_t clocks = vdp.h40 != 0 ? ClocksToVisibleEvent<kMdVdpActionsH40, kStartsH40>(vdp)
+                                         : ClocksToVisibleEvent<kMdVdpActionsH32, kStartsH32>(vdp);
     const uint32_t toEvent = clocks + static_cast<uint32_t>(-vdp.stepDebt);
     if (vdp.dmaState != kMdVdpDmaBus) {
         return toEvent;

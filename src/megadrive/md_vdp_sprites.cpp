@@ -1,6 +1,10 @@
+#include "base/bytes.h"
 #include "megadrive/md_vdp_private.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 
 namespace {
 
@@ -93,12 +97,70 @@ uint32_t CellPattern(const MD_VDP& vdp, const Sprite& sprite, uint32_t column) {
         (sprite.attributes & kMdVdpFlipY) != 0 ? sprite.rows - 1 - sprite.row : sprite.row;
     // The cells of a column follow each other, then those of the next column.
     const uint32_t base = sprite.attributes << (5 + vdp.interlace2);
-    uint32_t pattern = MdVdpPattern(vdp, base + (cell * sprite.rows + row) * 4);
-    if (flipX) {
-        pattern = __builtin_bswap32(pattern);
-        pattern = (pattern & 0x0F0F0F0F) << 4 | (pattern >> 4 & 0x0F0F0F0F);
+    const uint32_t pattern = MdVdpPattern(vdp, base + (cell * sprite.rows + row) * 4);
+    return flipX ? MdVdpMirror(pattern) : pattern;
+}
+
+// Follows the links and notes the lines of every sprite.
+void BuildLines(MD_VDP_SPRITE_LINES& lines, const Limits& limits, bool h40, uint32_t doubled) {
+    lines.onLine = {};
+    uint32_t index = 0;
+    uint32_t place = 0;
+    for (; place < kMdVdpMostScanned; ++place) {
+        lines.index[place] = static_cast<uint8_t>(index);
+        const uint8_t* entry = &lines.list[size_t{index} * 8];
+        const uint32_t size = LoadLittleEndian<uint16_t>(entry + 2);
+        const uint32_t link = size & kLinkBits;
+        if (link >= limits.links || (h40 && index == kLastIndex)) {
+            break;
+        }
+        const uint32_t top = TopOf(LoadLittleEndian<uint16_t>(entry), doubled);
+        for (uint32_t row = 0; row < HeightOf(size); ++row) {
+            if (top + row < lines.onLine.size()) {
+                lines.onLine[top + row][place / 64] |= uint64_t{1} << place % 64;
+            }
+        }
+        index = link;
     }
-    return pattern;
+    lines.end = place;
+}
+
+// True if `spriteLines` holds for the list as it is. A list that has just changed may change again at the next
+// line, so it is looked at anew only when it has stayed for one.
+bool RefreshLines(MD_VDP& vdp, const Limits& limits) {
+    MD_VDP_SPRITE_LINES& lines = vdp.spriteLines;
+    const size_t bytes = size_t{limits.links} * 8;
+    if (vdp.spriteBase + bytes > kMdVdpVramBytes) {
+        return false;
+    }
+    constexpr uint32_t kValid = 4;
+    const uint32_t mode = kValid | (vdp.h40 != 0 ? 2U : 0U) | vdp.interlace2;
+    const uint32_t key = vdp.spriteBase << 3 | mode;
+    const uint8_t* list = &vdp.vram[vdp.spriteBase];
+    if (lines.key != key || std::memcmp(lines.list.data(), list, bytes) != 0) {
+        lines.key = key;
+        lines.built = 0;
+        std::memcpy(lines.list.data(), list, bytes);
+        return false;
+    }
+    if (lines.built == 0) {
+        BuildLines(lines, limits, vdp.h40 != 0, vdp.interlace2);
+        lines.built = 1;
+    }
+    return true;
+}
+
+// The first place from `place` on whose entry is on the line, or ends the scan.
+uint32_t NextPlace(const MD_VDP_SPRITE_LINES& lines, uint32_t line, uint32_t place) {
+    const auto& places = lines.onLine[line];
+    for (uint32_t word = place / 64; word < places.size(); ++word) {
+        const uint32_t from = word == place / 64 ? place % 64 : 0;
+        if (const uint64_t rest = places[word] >> from; rest != 0) {
+            return std::min(word * 64 + from + static_cast<uint32_t>(std::countr_zero(rest)),
+                            lines.end);
+        }
+    }
+    return lines.end;
 }
 
 // The scan of the sprite list for one line. It reads one word of VRAM at a time until the budget or a limit
@@ -111,7 +173,9 @@ public:
         , scan(vdpValue.spriteScan)
         , limits(vdpValue.h40 != 0 ? kLimitsH40 : kLimitsH32)
         , line(lineValue)
-        , budget(budgetValue) {}
+        , budget(budgetValue)
+        , knowsLines(vdpValue.spriteScan.index == 0 && budgetValue <= kMdVdpMostScanned * 2 &&
+                     RefreshLines(vdpValue, limits)) {}
 
     void Run() {
         while (ScanNext()) {
@@ -146,21 +210,14 @@ private:
 
     // Most sprites aren't on the line: skips them while there is time for one more.
     void SkipUnseen() {
-        const uint32_t doubled = vdp.interlace2;
-        uint32_t index = scan.index;
-        uint32_t skipped = 0;
-        for (; budget >= 4; budget -= 2, ++skipped) {
-            const uint32_t entry = vdp.spriteBase + index * 8;
-            const uint32_t y = TopOf(MdVdpVramWord(vdp, entry), doubled);
-            const uint32_t size = MdVdpVramWord(vdp, entry + 2);
-            const uint32_t link = size & kLinkBits;
-            const bool isLast = index == kLastIndex && vdp.h40 != 0;
-            if (line - y < HeightOf(size) || link >= limits.links || isLast) {
-                break;
-            }
-            index = link;
+        if (!knowsLines || budget < 4) {
+            return;
         }
-        scan.index = index;
+        const uint32_t unseen = NextPlace(vdp.spriteLines, line, place) - place;
+        const uint32_t skipped = std::min(unseen, (budget - 2) / 2);
+        place += skipped;
+        budget -= skipped * 2;
+        scan.index = vdp.spriteLines.index[place];
         scan.seen += skipped;
     }
 
@@ -196,6 +253,7 @@ private:
             return false;
         }
         scan.index = link;
+        ++place;
         return true;
     }
 
@@ -240,6 +298,8 @@ private:
     const Limits limits;
     const uint32_t line;
     uint32_t budget;
+    const bool knowsLines;
+    uint32_t place = 0; // of the entry in the order of the links
 };
 
 } // namespace

@@ -156,6 +156,28 @@ constexpr std::array<VisibleEvent, 3> VisibleEvents(const std::array<uint8_t, St
     return events;
 }
 
+// For each step and the end of the line, how many steps before it have an action of `mask`.
+template <size_t Steps>
+constexpr std::array<uint16_t, Steps + 1> CountBefore(const std::array<uint8_t, Steps>& actions,
+                                                      uint32_t mask) {
+    std::array<uint16_t, Steps + 1> counts{};
+    for (size_t step = 0; step < Steps; ++step) {
+        counts[step + 1] =
+            static_cast<uint16_t>(counts[step] + ((actions[step] & mask) != 0 ? 1 : 0));
+    }
+    return counts;
+}
+
+// The step of an event; the first one if it has several.
+template <size_t Steps>
+constexpr uint32_t StepOf(const std::array<uint8_t, Steps>& actions, uint32_t event) {
+    uint32_t step = 0;
+    while ((actions[step] & kMdVdpEventBits) != event) {
+        ++step;
+    }
+    return step;
+}
+
 // Master clocks from the start of the line to the start of each step.
 template <size_t Steps>
 constexpr std::array<uint16_t, Steps> StartClocks(const std::array<uint8_t, Steps>& lengths) {

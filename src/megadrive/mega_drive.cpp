@@ -5,6 +5,7 @@
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
 #include "megadrive/md_bus.h"
+#include "megadrive/md_z80_ahead.h"
 #include "settings/bindings.h"
 
 #include <algorithm>
@@ -221,6 +222,7 @@ void CMegaDrive::RunProgram() {
     try {
         MdRunFrame(md);
     } catch (const M68K_ADDRESS_ERROR&) {
+        MdCatchUpZ80(md);
         MdCatchUpVdp(md);
         MdCatchUpFm(md);
         MdCatchUpPsg(md);

@@ -266,6 +266,20 @@ void Ym2612Run(YM2612& ym, uint32_t clocks) {
     ym.tickCount = clocks;
 }
 
+// A timer that has set its flag sets it again to no effect.
+uint32_t Ym2612ClocksToStatus(const YM2612& ym) {
+    int32_t samples = 1 << 16;
+    if ((ym.mode & kYm2612RunA) != 0 && (ym.mode & kYm2612FlagA) != 0 &&
+        (ym.status & kYm2612TimerA) == 0) {
+        samples = std::min(samples, ym.timerACount);
+    }
+    if ((ym.mode & kYm2612RunB) != 0 && (ym.mode & kYm2612FlagB) != 0 &&
+        (ym.status & kYm2612TimerB) == 0) {
+        samples = std::min(samples, ym.timerBCount);
+    }
+    return static_cast<uint32_t>(std::max(samples, 1)) * kYm2612ClocksPerSample - ym.tickCount;
+}
+
 uint32_t Ym2612StateSize() {
     static const uint32_t kSize = [] {
         const auto ym = std::make_unique<YM2612>();

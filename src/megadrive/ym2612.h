@@ -146,6 +146,8 @@ void Ym2612MakeSample(YM2612& ym);
 
 // The same as `clocks` calls of Ym2612Tick.
 void Ym2612Run(YM2612& ym, uint32_t clocks);
+// Clocks up to the end of the one that changes `status`, if no register is written; a large number if none does.
+[[nodiscard]] uint32_t Ym2612ClocksToStatus(const YM2612& ym);
 
 // Ports 0 and 2 take an address in the first or second half of the registers, 1 and 3 the data. Writes to
 // registers that don't exist do nothing.

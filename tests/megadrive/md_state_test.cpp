@@ -138,6 +138,63 @@ MdProgram Restless() {
     return program;
 }
 
+// The Z80 waits in loops of every kind: for a timer of the FM chip, for a byte from the 68000, in HALT and with the
+// refresh counter; between them it plays and counts. The 68000 takes its bus, reads and writes its memory and plays
+// the PSG at random moments.
+MdProgram Waiting() {
+    MdProgram program;
+    program.VdpRegister(0, 0x14).VdpRegister(1, 0x74).VdpRegister(10, 0x25).VdpRegister(12, 0x81);
+    program.StartZ80(0x100);
+    program.Words({0x46FC, 0x2300, 0x2E3C}).Long(0x12345678); // move #,sr; move.l #,d7
+    const uint32_t loop = program.Here();
+    program.Words({0x2007, 0xE798, 0xB187, 0x0687}).Long(0x3C6EF35F); // a generator in d7, d0
+    program.Words({0x3607, 0x0243, 0x01FF, 0x51CB, 0xFFFE});          // d3: some rounds of dbra
+    program.Words({0x13C7}).Long(0xC00011);                           // the PSG
+    program.StoreWord(0xA11100, 0x100);
+    program.Words({0x33F9}).Long(0xA11100).Long(0xFF2006); // at once, so maybe not granted yet
+    program.Words({0x33F9}).Long(0xA01E00).Long(0xFF2000); // what the Z80 has counted
+    program.Words({0x33F9}).Long(0xA01E02).Long(0xFF2002);
+    program.Words({0x33F9}).Long(0xA01FF0).Long(0xFF2008); // and its stack
+    program.Words({0x13C7}).Long(0xA01E10);                // a byte for it
+    program.StoreWord(0xA11100, 0);
+    program.Words({0x6000, static_cast<int>((loop - program.Here() - 2) & 0xFFFF)});
+    program.At(kMdHorizontal).Words({0x52B9}).Long(0xFF2010).Words({0x4E73});
+    program.At(kMdVertical).Words({0x52B9}).Long(0xFF2014).Words({0x4E73});
+    program.Bytes(kMdZ80Code, {0xF3, 0xED, 0x56, 0x31, 0xFF, 0x1F, 0xC3, 0x60, 0x00});
+    program.Bytes(kMdZ80Code + 0x38, {0xF5, 0x3A, 0x01, 0x1E, 0x3C, 0x32, 0x01, 0x1E, // counts
+                                      0xF1, 0xFB, 0xED, 0x4D});
+    std::vector<int> z80;
+    const auto add = [&](std::initializer_list<int> bytes) { z80.insert(z80.end(), bytes); };
+    const auto fm = [&](int index, int value) {
+        add({0x3E, index, 0x32, 0x00, 0x40, 0x3E, value, 0x32, 0x01, 0x40});
+    };
+    fm(0x24, 0xFC);
+    fm(0x25, 0x02);
+    fm(0x2B, 0x80);
+    add({0xFB}); // ei
+    const int start = 0x60 + static_cast<int>(z80.size());
+    fm(0x27, 0x15);                                              // forgets the timer's mark
+    add({0x3A, 0x00, 0x40, 0xE6, 0x01, 0x28, 0xF9});             // waits for the timer
+    add({0x3E, 0x2A, 0x32, 0x00, 0x40, 0x7A, 0x32, 0x01, 0x40}); // a sample
+    add({0xE5, 0xD5, 0xD1, 0xE1, 0x14});                         // stack; inc d
+    add({0x21, 0x00, 0x1E, 0x34});                               // counts
+    add({0x7A, 0xE6, 0x0F, 0x20, 0x0A});                         // fifteen in sixteen: on
+    add({0xED, 0x5F, 0xE6, 0x1F, 0x20, 0xFA});                   // waits for R
+    add({0x32, 0x11, 0x7F, 0x76});                               // the PSG; halt
+    // Waits for a byte, and sets R in each round.
+    add({0x21, 0x10, 0x1E, 0x7E, 0xED, 0x4F, 0xCD, 0xF8, 0x00, 0xA6, 0xE6, 0x03, 0x28, 0xF5});
+    z80.push_back(0xC3);
+    z80.push_back(start & 0xFF);
+    z80.push_back(start >> 8);
+    EXPECT_LE(z80.size() + 0x60, 0xF8u);
+    uint32_t at = kMdZ80Code + 0x60;
+    for (const int byte : z80) {
+        program.Bytes(at++, {byte});
+    }
+    program.Bytes(kMdZ80Code + 0xF8, {0xC9});
+    return program;
+}
+
 struct CASE {
     const char* name;
     const char* title;   // of the header
@@ -206,6 +263,17 @@ TEST_P(EveryMdState, ContinuesAsTheUnbrokenRunInPictureAndSound) {
 // VDP and FM chip catch up in one and are always up to date in the other.
 TEST_P(EveryMdState, FastAndPlainFramesAreTheSame) {
     ExpectFastAndPlainAlike([] { return Start(GetParam()); }, Play);
+}
+
+// The Z80 runs ahead in one, skips the rounds of its loops, and is taken back when somebody looks.
+TEST(MdState, FastAndPlainFramesOfAWaitingZ80AreTheSame) {
+    const auto start = [] { return StartMd(Waiting()); };
+    ExpectFastAndPlainAlike(start, Play);
+    const auto machine = start();
+    Play(*machine, 0, 60);
+    EXPECT_GT(MdPeekByte(machine->Console(), 0xFF2000), 0U);
+    EXPECT_GT(machine->Console().z80Ram[0x1E00], 0U);
+    EXPECT_GT(machine->Console().z80Ram[0x1E01], 0U);
 }
 
 TEST_P(EveryMdState, LoadsAtAnyFrameOfItsOwnRun) {

@@ -16,14 +16,45 @@
     if (sourceAlpha == 0) {
         return destination;
     }
-    const uint32_t alpha = (255 - sourceAlpha) * destinationAlpha / 255 + sourceAlpha;
-    const uint32_t weight = sourceAlpha * 255 / alpha;
-    const auto channel = [&](uint32_t shift) {
-        const uint32_t from = source >> shift & 0xFF;
-        const uint32_t over = destination >> shift & 0xFF;
-        return (from * weight + over * (255 - weight)) >> 8 << shift;
-    };
-    return alpha << 24 | channel(16) | channel(8) | channel(0);
+    uint32_t alpha = 255;
+    uint32_t weight = sourceAlpha;
+    if (destinationAlpha != 255) { // else both divisions come to this
+        alpha = (255 - sourceAlpha) * destinationAlpha / 255 + sourceAlpha;
+        weight = sourceAlpha * 255 / alpha;
+    }
+    // Red and blue at once: neither product leaves its 16 bits.
+    constexpr uint32_t kPair = 0x00FF00FF;
+    const uint32_t rest = 255 - weight;
+    const uint32_t redBlue = (source & kPair) * weight + (destination & kPair) * rest;
+    const uint32_t green = (source >> 8 & 0xFF) * weight + (destination >> 8 & 0xFF) * rest;
+    return alpha << 24 | (redBlue >> 8 & kPair) | (green & 0xFF00);
+}
+
+// One colour over a row. What lies below is mostly the same again and again.
+inline void BlendRun(uint32_t* to, int32_t count, uint32_t argb) {
+    if (argb >> 24 == 255) {
+        const uint32_t over = BlendPixel(0xFF000000, argb);
+        for (int32_t i = 0; i < count; ++i) {
+            to[i] = to[i] >> 24 == 0 ? argb : over;
+        }
+        return;
+    }
+    uint32_t below = 0;
+    uint32_t blended = argb;
+    for (int32_t i = 0; i < count; ++i) {
+        if (to[i] != below) {
+            below = to[i];
+            blended = BlendPixel(below, argb);
+        }
+        to[i] = blended;
+    }
+}
+
+// A row over another. Most of them lie on nothing.
+inline void BlendRow(uint32_t* to, const uint32_t* from, int32_t count) {
+    for (int32_t i = 0; i < count; ++i) {
+        to[i] = BlendPixel(to[i], from[i]);
+    }
 }
 
 // The colour with its alpha scaled by a coverage of 0 to 255.

@@ -94,7 +94,6 @@ private:
     [[nodiscard]] uint32_t* Row(int32_t y) {
         return pixels.data() + static_cast<ptrdiff_t>(y) * pixelWidth;
     }
-    void BlendRun(uint32_t* to, int32_t count, uint32_t argb);
     void LinePixels(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t argb);
 
     std::vector<uint32_t> pixels;

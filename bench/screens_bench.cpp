@@ -24,7 +24,6 @@
 #include "settings/settings.h"
 
 #include "support/temporary_folder.h"
-
 #include <time.h>
 
 #include <algorithm>
@@ -71,11 +70,12 @@ public:
     void TestBody() override {
         std::printf("%-46s %7s %8s %8s %8s %9s\n", "milliseconds of a frame", "frames", "best",
                     "median", "worst", "kpixels");
-        Manager().SetHost({[](uint32_t, int32_t, int32_t) {}, [](uint32_t) {},
-                           [this](uint32_t id, const uint32_t*, int32_t) { Uploaded(id); },
-                           [](uint32_t, uint32_t, int32_t, int32_t, int32_t, int32_t, int32_t,
-                              int32_t) {}});
+        Manager().SetHost(
+            {[](uint32_t, int32_t, int32_t) {}, [](uint32_t) {},
+             [this](uint32_t id, const uint32_t*, int32_t) { Uploaded(id); },
+             [](uint32_t, uint32_t, int32_t, int32_t, int32_t, int32_t, int32_t, int32_t) {}});
         Manager().SetScreen(kWide, kHigh);
+        Manager().SetPaintLimit(kSmoothPaintLimit);
         RegisterDefaultSettings(Settings());
         MakeLibrary();
         Menu();
@@ -230,9 +230,9 @@ private:
         for (const auto& [name, tab] : kTabs) {
             const std::string start = std::string("options, ") + name;
             Measure((start + ": the tab appears").c_str(), 20, [&](int i) {
-                options.ShowTab(i % 2 == 0 ? tab
-                                           : tab == OptionTab::kSound ? OptionTab::kGeneral
-                                                                      : OptionTab::kSound);
+                options.ShowTab(i % 2 == 0                 ? tab
+                                : tab == OptionTab::kSound ? OptionTab::kGeneral
+                                                           : OptionTab::kSound);
             });
             options.ShowTab(tab);
             Frame({});
@@ -328,6 +328,10 @@ private:
         }
         Print("browser: a page of rows, and its pictures", page);
         MeasureTyping(browser);
+        Measure("browser: the list is sorted", 20, [&](int i) {
+            list.SortBy(i % 3 == 0 ? 0 : i % 3 == 1 ? 4 : 7, i % 2 == 0);
+        });
+        list.ForgetOrder();
         Measure("browser: the filters open and close", 40, [&](int i) {
             const bool open = i % 2 == 0;
             browser.Filters().Menu()->SetVisible(open);
@@ -421,11 +425,12 @@ private:
 
     // No screen has such a window, but the toolkit does.
     void MeasureDragging() {
-        auto* const window = new CGhostWindowEx(
-            nullptr, 0, L"MESSAGEBOX", L"A window",
-            CGhostWindowEx::kFrame | CGhostWindowEx::kTitle | CGhostWindowEx::kDraggable,
-            {false, 300, 150, 520, 420});
-        auto* const lines = new CGhostList(window->window, 0, L"LIST", 0, {false, 10, 10, 480, 300});
+        auto* const window = new CGhostWindowEx(nullptr, 0, L"MESSAGEBOX", L"A window",
+                                                CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
+                                                    CGhostWindowEx::kDraggable,
+                                                {false, 300, 150, 520, 420});
+        auto* const lines =
+            new CGhostList(window->window, 0, L"LIST", 0, {false, 10, 10, 480, 300});
         for (int i = 0; i < 40; ++i) {
             lines->AddItem(L"A line of the list, with a number: " + std::to_wstring(i));
         }

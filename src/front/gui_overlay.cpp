@@ -84,6 +84,7 @@ void GuiOverlay::Start(const DRAW_TARGET& target, SceneDrawing drawScene) {
             }
         },
     });
+    CGhostManager::Get().SetPaintLimit(kSmoothPaintLimit);
     started = true;
     size = target;
     lastTick = HostClock().nowMicroseconds();

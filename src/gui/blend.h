@@ -4,6 +4,7 @@
 // lands one step short of itself over an opaque ground. This slight dimming is part of the look.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 // Colours are 0xAARRGGBB.
@@ -39,21 +40,54 @@ inline void BlendRun(uint32_t* to, int32_t count, uint32_t argb) {
         }
         return;
     }
+    constexpr int32_t kBlock = 16;
     uint32_t below = 0;
     uint32_t blended = argb;
-    for (int32_t i = 0; i < count; ++i) {
-        if (to[i] != below) {
-            below = to[i];
+    const auto blend = [&](uint32_t& pixel) {
+        if (pixel != below) {
+            below = pixel;
             blended = BlendPixel(below, argb);
         }
-        to[i] = blended;
+        pixel = blended;
+    };
+    int32_t at = 0;
+    for (; at + kBlock <= count; at += kBlock) {
+        uint32_t different = 0;
+        for (int32_t i = 0; i < kBlock; ++i) {
+            different |= to[at + i] ^ below;
+        }
+        for (int32_t i = 0; i < kBlock; ++i) {
+            if (different == 0) {
+                to[at + i] = blended;
+            } else {
+                blend(to[at + i]);
+            }
+        }
+    }
+    for (; at < count; ++at) {
+        blend(to[at]);
     }
 }
 
 // A row over another. Most of them lie on nothing.
 inline void BlendRow(uint32_t* to, const uint32_t* from, int32_t count) {
-    for (int32_t i = 0; i < count; ++i) {
-        to[i] = BlendPixel(to[i], from[i]);
+    constexpr int32_t kBlock = 16;
+    int32_t at = 0;
+    for (; at + kBlock <= count; at += kBlock) {
+        uint32_t below = 0;
+        for (int32_t i = 0; i < kBlock; ++i) {
+            below |= to[at + i];
+        }
+        if (below >> 24 == 0) {
+            std::copy_n(from + at, kBlock, to + at);
+            continue;
+        }
+        for (int32_t i = 0; i < kBlock; ++i) {
+            to[at + i] = BlendPixel(to[at + i], from[at + i]);
+        }
+    }
+    for (; at < count; ++at) {
+        to[at] = BlendPixel(to[at], from[at]);
     }
 }
 

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
+#include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -70,13 +71,14 @@ bool CGhostSurface::Create(const GUI_RECT& place, double pixelsPerUnit) {
     if (place.Empty() || pixelWidth > kMostPixels || pixelHeight > kMostPixels) {
         return false;
     }
-    try {
-        pixels.assign(static_cast<size_t>(pixelWidth) * static_cast<size_t>(pixelHeight), 0);
-    } catch (const std::bad_alloc&) {
-        pixels.clear();
-        return false;
-    }
-    return true;
+    const size_t count = static_cast<size_t>(pixelWidth) * static_cast<size_t>(pixelHeight);
+    pixels.reset(static_cast<uint32_t*>(std::calloc(count, sizeof(uint32_t))));
+    painted = false;
+    return pixels != nullptr;
+}
+
+void CGhostSurface::FREE::operator()(uint32_t* memory) const {
+    std::free(memory);
 }
 
 void CGhostSurface::PushOrigin(const GUI_RECT& rect) {
@@ -141,7 +143,11 @@ int32_t CGhostSurface::PixelY(double units) const {
 }
 
 void CGhostSurface::Clear() {
-    std::fill(pixels.begin(), pixels.end(), 0u);
+    if (painted) {
+        std::fill_n(pixels.get(),
+                    static_cast<size_t>(pixelWidth) * static_cast<size_t>(pixelHeight), 0u);
+        painted = false;
+    }
 }
 
 void CGhostSurface::SetPixel(int32_t x, int32_t y, uint32_t argb) {

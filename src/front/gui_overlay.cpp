@@ -96,6 +96,7 @@ void GuiOverlay::End() {
     if (started) {
         started = false;
         CGhostManager::Get().SetHost({});
+        CGhostManager::Get().SetPaintLimit(0);
         textures.End();
         cursors.End();
     }

@@ -272,6 +272,7 @@ void Catalogue::RankTitles() {
         }
     }
     std::ranges::sort(titles, {}, &decltype(titles)::value_type::first);
+    const std::scoped_lock guard(rowsLock); // TakeNewRows may copy them
     uint32_t rank = 0;
     for (size_t i = 0; i < titles.size(); ++i) {
         rank += i > 0 && titles[i].first != titles[i - 1].first ? 1u : 0u;

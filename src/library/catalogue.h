@@ -140,7 +140,7 @@ private:
     CATALOGUE_HOOKS hooks;
     int32_t selector = 0;
     uint16_t system = 0;
-    CGameDatabase database; // changes only while no worker runs
+    CGameDatabase database; // the worker's
     std::filesystem::path folder;
     bool keepSources = false;
 

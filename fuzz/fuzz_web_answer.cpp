@@ -62,17 +62,18 @@ void ReadTexts(std::span<const uint8_t> body) {
 }
 
 void ReadArchive(std::span<const uint8_t> body) {
-    const auto readSize = [](std::span<const uint8_t> file, PICTURE_SIZE& size) {
-        size = {static_cast<uint32_t>(file.size()), 1};
-        return true;
-    };
+    const PICTURE_CHECK check = {[](std::span<const uint8_t> file, PICTURE_SIZE& size) {
+                                     size = {static_cast<uint32_t>(file.size()), 1};
+                                     return true;
+                                 },
+                                 [](std::span<const uint8_t> file) { return !file.empty(); }};
     const auto decode = [](std::span<const uint8_t> file, MEDIA_PICTURE& picture) {
         picture.width = static_cast<uint32_t>(file.size());
         picture.coverKind = file.empty() ? kNoBoxArt : file[0];
         return true;
     };
     std::string error;
-    const bool good = CheckMediaArchive(body, readSize, error);
+    const bool good = CheckMediaArchive(body, check, error);
     Require(good == error.empty());
     const LOCAL_MEDIA media = ReadLocalMedia(body, decode);
     Require(media.boxArt.size() <= kMostBoxArt);

@@ -1,6 +1,7 @@
 #include "front/application.h"
 
 #include "audio/sound.h"
+#include "base/helper_thread.h"
 #include "base/random.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
@@ -15,7 +16,9 @@
 #include "front/program_title.h"
 #include "front/room_screen.h"
 #include "front/run_settings.h"
+#include "front/saved_states.h"
 #include "front/session_callbacks.h"
+#include "gui/manager.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
@@ -35,6 +38,17 @@ constexpr int64_t kSecond = 1000000; // microseconds
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
+}
+
+// Also while the player is in the menu: he may look at the sets again at any moment.
+void HoldScreenSaverOff(bool gameRuns) {
+    if (gameRuns == (SDL_IsScreenSaverEnabled() == SDL_TRUE)) {
+        if (gameRuns) {
+            SDL_DisableScreenSaver();
+        } else {
+            SDL_EnableScreenSaver();
+        }
+    }
 }
 
 } // namespace
@@ -78,7 +92,8 @@ bool Application::Start(std::string& error) {
     pacer.Start(window.FollowsDisplay(), Now());
     started = true;
     // Last, since new threads inherit it: the pump, the device and the graphics driver's workers keep
-    // all processors, and session threads bind themselves.
+    // all processors, and session threads bind themselves. Helpers let go of it.
+    SetHelperBegins(BecomeHelper);
     processor = BindProcessor(0);
     // A round holds locks that the sound pump waits for, so other programs must not delay it.
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_HIGH);
@@ -148,6 +163,8 @@ bool Application::RenewGraphics() {
     return true;
 }
 
+// Events first and drawing last: a picture then shows what the player has done until now, and the newest pictures of the
+// machines. With the room drawn before the events, all of that would be seen a round later.
 bool Application::Round() {
     ChangeScreen();
     HandInputOver();
@@ -162,7 +179,9 @@ bool Application::Round() {
     RunCommands(events);
     PlayDroppedFiles(events);
     const bool screenNews = UpdateScreen(events);
+    ShowSavedStates(events);
     StopEndedGame();
+    HoldScreenSaverOff(!televisions.All().empty());
     KeepBatteries();
     const bool overlayNews = UpdateOverlays(events);
     if (events.windowChanged || screenNews || overlayNews) {
@@ -185,11 +204,15 @@ void Application::ChangeScreen() {
 void Application::HandInputOver() {
     const bool toScreen = screen->WantsInput();
     InputSetWalkingRoom(toScreen);
-    Window::CaptureMouse(toScreen);
+    Window::PutPointer(screen->PointerWanted());
     window.TellSize(pump);
 }
 
+// What takes all input, such as a message box, takes these keys too.
 void Application::RunCommands(const PUMP_EVENTS& events) {
+    if (CGhostManager::Get().ModalWindow() != nullptr) {
+        return;
+    }
     for (const ProgramCommand command : events.commands) {
         RunCommand(command);
     }
@@ -236,6 +259,14 @@ bool Application::UpdateScreen(const PUMP_EVENTS& events) {
     return screenNews || pictureNews;
 }
 
+// The screens of the room and the program have their own.
+void Application::ShowSavedStates(const PUMP_EVENTS& events) {
+    if (states != nullptr && states->Update({events, pump.Mouse(), Target(), Now()}) && playing) {
+        NeedAppearance();
+        states->Open({kFrontTelevision, playedSerial, playedTitle, {}});
+    }
+}
+
 bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
     const bool textNews = overlay.Update(Target(), view.statistics, pacer.RateText(), Now());
     const bool guiNews = gui.Update(events, Target(), Now());
@@ -253,11 +284,13 @@ void Application::DrawOrWait() {
 }
 
 void Application::Show(std::unique_ptr<Screen> next) {
+    states.reset();
     nextScreen = std::move(next);
 }
 
 void Application::ShowGame() {
-    Show(std::make_unique<GameScreen>(televisions, view, lightGun));
+    Show(std::make_unique<GameScreen>(televisions, view, lightGun, kFrontTelevision));
+    states = std::make_unique<SavedStates>();
 }
 
 void Application::NeedAppearance() {
@@ -272,7 +305,8 @@ ProgramScreen& Application::ShowProgram() {
     InstallOwnGames();
     auto program = std::make_unique<ProgramScreen>(
         ROOM_SURROUNDINGS{televisions, joysticks, view, ceilingLight},
-        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings});
+        PROGRAM_CALLS{[this] { quit = true; }, [this] { TakeSettings(); }, SaveSettings,
+                      [this] { pump.ForgetPresses(); }});
     ProgramScreen& shown = *program;
     Show(std::move(program));
     return shown;
@@ -337,7 +371,9 @@ void Application::Draw() {
 
 bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     lightGun.SetGame(opened);
-    playing = StartGame(kFrontTelevision, opened, error) != 0;
+    playedSerial = StartGame(kFrontTelevision, opened, error);
+    playedTitle = opened.title;
+    playing = playedSerial != 0;
     if (!playing) {
         window.SetTitle(ProgramTitle());
         return false;
@@ -399,9 +435,10 @@ void Application::Stop() {
 void Application::Release() {
     sound.Stop(); // first: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
+    states.reset();
     nextScreen.reset();
     screen.reset();
-    Window::CaptureMouse(false);
+    Window::PutPointer(Pointer::kSeen);
     InputSetWalkingRoom(false);
     EndDrawing();
     televisions.End();

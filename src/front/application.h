@@ -30,6 +30,7 @@
 
 class ProgramScreen;
 class RoomScreen;
+class SavedStates;
 struct OPENED_GAME;
 
 // The session key of the television that fills the window.
@@ -85,6 +86,8 @@ public:
     [[nodiscard]] const GAME_VIEW& View() const { return view; }
 
     [[nodiscard]] const GuiOverlay& Gui() const { return gui; }
+    // Those of the game that is shown alone; null while the room or the program is shown.
+    [[nodiscard]] SavedStates* States() const { return states.get(); }
 
 private:
     [[nodiscard]] bool StartSdl(std::string& error);
@@ -102,6 +105,7 @@ private:
     void RunCommands(const PUMP_EVENTS& events);
     void PlayDroppedFiles(const PUMP_EVENTS& events);
     [[nodiscard]] bool UpdateScreen(const PUMP_EVENTS& events);
+    void ShowSavedStates(const PUMP_EVENTS& events);
     void StopEndedGame();
     void KeepBatteries();
     [[nodiscard]] bool UpdateOverlays(const PUMP_EVENTS& events);
@@ -125,6 +129,9 @@ private:
     GuiOverlay gui;
     FramePacer pacer;
     std::string title;
+    std::unique_ptr<SavedStates> states; // while the game alone is shown
+    std::string playedTitle;
+    uint32_t playedSerial = 0;
     bool quit = false; // the player has chosen to end the program
     bool started = false;
     bool playing = false;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -75,6 +76,12 @@ void HandleDrop(const SDL_DropEvent& event, PUMP_EVENTS& events) {
     }
 }
 
+// A release may belong to an earlier press, and a move says where the mouse is.
+bool IsPress(const GUI_INPUT& record) {
+    return record.kind != GuiInputKind::kMouseMove && record.kind != GuiInputKind::kMouseUp &&
+           record.kind != GuiInputKind::kKeyUp;
+}
+
 } // namespace
 
 EventPump::EventPump(Joysticks& joysticksInUse)
@@ -87,6 +94,12 @@ PUMP_EVENTS EventPump::Pump() {
     SDL_Event event;
     while (SDL_PollEvent(&event) != 0) {
         HandleEvent(event, events);
+    }
+    if (std::exchange(forgetPresses, false)) {
+        std::erase_if(events.gui, IsPress);
+        std::erase_if(events.screen, IsPress);
+        events.commands.clear();
+        mouse.leftPressed = false;
     }
     return events;
 }

@@ -76,6 +76,10 @@ public:
     // Reads all waiting events.
     [[nodiscard]] PUMP_EVENTS Pump();
 
+    // The program has stood still: of the events that wait now, the next Pump hands on no press of a key or button,
+    // no step of the wheel, no text and no command. The tables of what is down are kept as ever.
+    void ForgetPresses() { forgetPresses = true; }
+
     // The window's size in its own units and in pixels of the drawing surface. Until it is called, or
     // for a size of 0, both are equal.
     void SetWindowSize(int32_t width, int32_t height, int32_t drawableWidth,
@@ -97,6 +101,7 @@ private:
     Joysticks& joysticks;
     MOUSE_STATE mouse;
     std::bitset<512> keysDown; // by scancode, what this pump has set
+    bool forgetPresses = false;
     int32_t windowWidth = 0;
     int32_t windowHeight = 0;
     int32_t surfaceWidth = 0;

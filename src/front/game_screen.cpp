@@ -4,35 +4,25 @@
 #include "front/event_pump.h"
 #include "front/light_gun.h"
 #include "front/televisions.h"
+#include "gui/manager.h"
 #include "host/host_data.h"
-#include "settings/bindings.h"
 
-#include <SDL_events.h>
-#include <SDL_mouse.h>
-
-namespace {
-
-// Microseconds without a move.
-constexpr int64_t kCursorStays = 2000000;
-constexpr int64_t kMouseAims = 3000000; // then keys aim again
-
-} // namespace
-
-GameScreen::GameScreen(const Televisions& sets, const GAME_VIEW& gameView, const LightGun& gun)
+GameScreen::GameScreen(const Televisions& sets, const GAME_VIEW& gameView, const LightGun& gun,
+                       uint32_t sessionKey)
     : televisions(sets)
     , view(gameView)
     , lightGun(gun)
+    , key(sessionKey)
     , shownView(gameView)
     , mouseMoved(HostClock().nowMicroseconds()) {}
 
 GameScreen::~GameScreen() {
     LightGun::LetGo();
-    SDL_ShowCursor(SDL_ENABLE);
 }
 
 bool GameScreen::Update(const SCREEN_INPUT& input) {
     NoteMouse(input);
-    HideIdleCursor(input.now);
+    mouseRests = input.now - mouseMoved >= kMouseRests;
     AimLightGuns(input);
     const bool news = view != shownView;
     shownView = view;
@@ -41,29 +31,26 @@ bool GameScreen::Update(const SCREEN_INPUT& input) {
 
 void GameScreen::NoteMouse(const SCREEN_INPUT& input) {
     const MOUSE_STATE& mouse = input.mouse;
-    if (mouse.x != lastX || mouse.y != lastY || mouse.left || mouse.leftPressed) {
+    if (mouse.x != lastX || mouse.y != lastY || mouse.left || mouse.leftPressed ||
+        CGhostManager::Get().ModalWindow() != nullptr) {
         mouseMoved = input.now;
     }
     lastX = mouse.x;
     lastY = mouse.y;
 }
 
-// Over a game an unused cursor is in the way.
-void GameScreen::HideIdleCursor(int64_t now) {
-    const bool show = now - mouseMoved < kCursorStays;
-    if (show != cursorShown) {
-        SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
-        cursorShown = show;
-    }
+// A game alone in the window.
+Pointer GameScreen::PointerWanted() const {
+    return PointerFor({ProgramMode::kFullScreen, CGhostManager::Get().ModalWindow() != nullptr,
+                       mouseRests, false, lightGun.InGame()});
 }
 
 void GameScreen::AimLightGuns(const SCREEN_INPUT& input) const {
-    const SHOWN_PICTURE shown = {televisions.Picture(InputActiveKey()), view.crop,
-                                 input.target.width, input.target.height};
-    lightGun.Aim(shown, input.mouse, input.now - mouseMoved < kMouseAims);
+    const SHOWN_PICTURE shown = {televisions.Picture(key), view.crop, input.target.width,
+                                 input.target.height};
+    lightGun.Aim(shown, input.mouse, !mouseRests); // then keys aim again
 }
 
 void GameScreen::Draw(const DRAW_TARGET& target) {
-    DrawFullScreen(televisions.Picture(InputActiveKey()), {view.crop, view.linear}, target.width,
-                   target.height);
+    DrawFullScreen(televisions.Picture(key), {view.crop, view.linear}, target.width, target.height);
 }

@@ -68,7 +68,7 @@ void GuiPad::Steer(uint64_t pressed, int64_t now) {
         if ((pressed & kDirections[i].controls) != 0) {
             direction = static_cast<int>(i);
             nextStep = now + kFirstRepeat;
-            CGhostManager::Get().Navigate(kDirections[i].direction);
+            Step(false);
             return;
         }
     }
@@ -80,6 +80,19 @@ void GuiPad::Steer(uint64_t pressed, int64_t now) {
         direction = -1;
     } else if (now >= nextStep) {
         nextStep = now + kRepeat;
-        CGhostManager::Get().Navigate(way.direction);
+        Step(true);
+    }
+}
+
+// Who holds a direction to reach the end of a list wants to be there, and not in what lies beyond it.
+void GuiPad::Step(bool repeat) {
+    CGhostManager& manager = CGhostManager::Get();
+    GHOSTMANAGER_WINDOW* const before = manager.FocusWindow();
+    manager.Navigate(kDirections[static_cast<size_t>(direction)].direction);
+    const bool left = manager.FocusWindow() != before;
+    if (repeat && within && left) {
+        manager.SetFocus(before);
+    } else {
+        within = !left;
     }
 }

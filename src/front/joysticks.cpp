@@ -49,6 +49,7 @@ constexpr BUTTON_CONTROL kButtonControls[] = {
     {SDL_CONTROLLER_BUTTON_BACK,          kPadBack,          Half::kEither  },
     {SDL_CONTROLLER_BUTTON_START,         kPadStart,         Half::kEither  },
     {SDL_CONTROLLER_BUTTON_GUIDE,         kPadGuide,         Half::kEither  },
+    {SDL_CONTROLLER_BUTTON_RIGHTSTICK,    kPadRightClick,    Half::kEither  },
 };
 
 // A control that an axis turns on, deflected in the direction of `sign`.

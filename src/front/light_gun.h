@@ -27,6 +27,8 @@ public:
     // Notes which ports of the game's console have a gun.
     void SetGame(const OPENED_GAME& game);
 
+    [[nodiscard]] bool InGame() const { return players[0] || players[1]; }
+
     // Once a round: aims at the point under the mouse, with its left button as the trigger. While the
     // mouse is unused nobody points, and the keys aim.
     void Aim(const SHOWN_PICTURE& shown, const MOUSE_STATE& mouse, bool inUse) const;

@@ -10,15 +10,16 @@ struct NAME_ROW {
 };
 
 constexpr NAME_ROW kNames[] = {
-    {kPadSouth,         L"A",     L"Cross",    L"B"    },
-    {kPadEast,          L"B",     L"Circle",   L"A"    },
-    {kPadWest,          L"X",     L"Square",   L"Y"    },
-    {kPadNorth,         L"Y",     L"Triangle", L"X"    },
-    {kPadLeftShoulder,  L"LB",    L"L1",       L"L"    },
-    {kPadRightShoulder, L"RB",    L"R1",       L"R"    },
-    {kPadBack,          L"View",  L"Share",    L"Minus"},
-    {kPadStart,         L"Menu",  L"Options",  L"Plus" },
-    {kPadGuide,         L"Guide", L"PS",       L"Home" },
+    {kPadSouth,         L"A",     L"Cross",    L"B"      },
+    {kPadEast,          L"B",     L"Circle",   L"A"      },
+    {kPadWest,          L"X",     L"Square",   L"Y"      },
+    {kPadNorth,         L"Y",     L"Triangle", L"X"      },
+    {kPadLeftShoulder,  L"LB",    L"L1",       L"L"      },
+    {kPadRightShoulder, L"RB",    L"R1",       L"R"      },
+    {kPadBack,          L"View",  L"Share",    L"Minus"  },
+    {kPadStart,         L"Menu",  L"Options",  L"Plus"   },
+    {kPadGuide,         L"Guide", L"PS",       L"Home"   },
+    {kPadRightClick,    L"RS",    L"R3",       L"R stick"},
 };
 
 } // namespace

@@ -32,6 +32,11 @@ void PlayTimes::Update(std::span<const PLAYED_GAME> playing, int64_t now) {
     }
 }
 
+int64_t PlayTimes::Untold(uint32_t serial, int64_t now) const {
+    const auto count = counts.find(serial);
+    return count == counts.end() ? 0 : (now - count->second.since) / kSecond;
+}
+
 // Whole seconds; what is left of one counts with the next.
 void PlayTimes::Tell(COUNT& count, int64_t now) {
     const int64_t seconds = (now - count.since) / kSecond;

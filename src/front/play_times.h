@@ -22,6 +22,9 @@ public:
     // `playing`: the games whose machines run.
     void Update(std::span<const PLAYED_GAME> playing, int64_t now);
 
+    // Seconds of a running game that the database does not know yet.
+    [[nodiscard]] int64_t Untold(uint32_t serial, int64_t now) const;
+
 private:
     struct COUNT {
         GAME_IDENTITY game;

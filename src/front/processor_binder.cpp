@@ -111,7 +111,8 @@ void ReleaseThisThread(int token) {
     }
 }
 
-void UseAllProcessors() {
+void BecomeHelper() {
+    SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
     AllowAll();
 }
 

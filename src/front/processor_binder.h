@@ -21,8 +21,8 @@ void ReleaseProcessor(int token);
 // The same for the calling thread, which may then run on every processor again.
 void ReleaseThisThread(int token);
 
-// For a thread that a bound one has started and that inherits its processor.
-void UseAllProcessors();
+// For a thread that the main one has started: it inherits that one's processor and priority, and lets go of both.
+void BecomeHelper();
 
 // Threads bound to each processor so far; for tests.
 [[nodiscard]] uint32_t BoundThreads(uint32_t processor);

@@ -4,6 +4,8 @@
 
 namespace {
 
+// F3 changes which part of a machine's picture fills the window. The room's one flag is its lamp; that has F4, which acts
+// while walking too, as that is when the room is seen.
 constexpr PROGRAM_KEY kKeys[] = {
     {SDL_SCANCODE_F2,     false, false, ProgramCommand::kToggleStatistics,   "F2",           "statistics"   },
     {SDL_SCANCODE_F3,     false, false, ProgramCommand::kToggleCrop,         "F3",           "whole picture"},

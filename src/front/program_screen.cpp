@@ -6,7 +6,7 @@
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
-#include "front/processor_binder.h"
+#include "front/program_commands.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "gui/window.h"
@@ -62,7 +62,7 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
                       menu.TakeFocus();
                   }
               }}) {
-    player.Open(ResolvePath(kPlayerDatabaseFile), UseAllProcessors);
+    player.Open(ResolvePath(kPlayerDatabaseFile));
 }
 
 // The games that still run end with the room.
@@ -84,21 +84,26 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     // The room first, and each by the mode in which the round began: what leads from one to the other must not act in
     // both.
     const bool covered = room.Modes().Covered();
+    room.HoldPlayer(adding.IsShown()); // its button has the keys
     const bool roomNews = room.Update(input);
     CountPlayed();
     ReadKeys(input, covered);
+    adding.Update(); // it may start a game
+    room.HoldPlayer(adding.IsShown());
+    if (states.Update(input) && CGhostManager::Get().ModalWindow() == nullptr) {
+        room.Take(ModeInput::kSavedStates);
+    }
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
-    adding.Update();
     ReportPlay();
     return roomNews;
 }
 
 void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
     // A window that takes the input of all others, such as a message box, has these keys too.
-    const bool behind = CGhostMessageBox::Count() != 0 ||
-                        (CGhostManager::Get().ModalWindow() != nullptr && !adding.IsShown());
+    const bool behind =
+        CGhostMessageBox::Count() != 0 || CGhostManager::Get().ModalWindow() != nullptr;
     for (const GUI_INPUT& event : InputWalkingRoom() ? input.events.screen : input.events.gui) {
         if (event.kind != GuiInputKind::kKeyDown || event.repeat || behind) {
             continue;
@@ -111,7 +116,9 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
             GoBack();
         }
     }
-    const PAD_PRESSES presses = pad.Update(covered || adding.IsShown() || behind, input.now);
+    const bool padsForMenus = !states.IsShown() && (covered || adding.IsShown() || behind);
+    const PAD_PRESSES presses =
+        pad.Update(!std::exchange(forgetPads, false) && padsForMenus, input.now);
     if (behind) {
         return;
     }
@@ -132,6 +139,12 @@ void ProgramScreen::ReadKeys(const SCREEN_INPUT& input, bool covered) {
     }
 }
 
+// It lies in the window's queue, for the next round.
+void ProgramScreen::ForgetInput() {
+    forgetPads = true;
+    calls.forgetInput();
+}
+
 void ProgramScreen::CountPlayed() {
     playTimes.Update(room.Games().Playing(), HostClock().nowMicroseconds());
     if (const std::string message = player.TakeMessage(); !message.empty()) {
@@ -150,34 +163,59 @@ void ProgramScreen::GoBack() {
 void ProgramScreen::Obey(ModeOrder order) {
     if (order == ModeOrder::kQuit) {
         calls.quit();
+    } else if (order == ModeOrder::kSavedStates) {
+        ShowSavedStates();
     }
 }
 
-// Menu, panel and browser are as the mode says.
+// Of a game that runs; one that still starts has none.
+void ProgramScreen::ShowSavedStates() {
+    const uint32_t key = room.Selected().id;
+    const uint32_t serial = room.Games().SerialOn(key);
+    const std::vector<PLAYED_GAME> playing = room.Games().Playing();
+    const auto game = std::find_if(playing.begin(), playing.end(),
+                                   [&](const PLAYED_GAME& one) { return one.serial == serial; });
+    if (game == playing.end()) {
+        return;
+    }
+    states.Open({key, serial, room.Games().TitleOn(key), [this, played = *game] {
+                     const int64_t now = HostClock().nowMicroseconds();
+                     const int64_t seconds = player.Find(played.identity).secondsPlayed +
+                                             playTimes.Untold(played.serial, now);
+                     return static_cast<uint64_t>(std::max<int64_t>(seconds, 0));
+                 }});
+}
+
+// Menu, panel and browser are as the mode says. The room has no panel open behind it: what was played there is new
+// to a browser that is opened again.
 void ProgramScreen::FitScreens() {
     const ProgramMode mode = room.Modes().Mode();
     if (mode == shownMode) {
         return;
     }
     shownMode = mode;
-    if (mode == ProgramMode::kMenu) {
-        menu.Back();
-    } else if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
+    menu.SetVisible(room.Modes().Covered());
+    if (mode == ProgramMode::kBrowser && menu.CurrentPanel() != kPanelBrowser) {
         menu.OnMenu(kPanelBrowser);
         wanted.clear(); // the way has been gone
+    } else if (mode != ProgramMode::kBrowser && mode != ProgramMode::kPanel) {
+        menu.Back();
     }
-    menu.SetVisible(room.Modes().Covered());
 }
 
 void ProgramScreen::ReportPlay() {
     const MEMBER_CREDENTIALS& member = menu.Member().Member().Credentials();
     const SERVICE_ADDRESSES service = ServiceOfSettings();
     const RoomGames& games = room.Games();
+    bool reported = false;
     for (const uint32_t key : room.Objects().Televisions()) {
         if (key != 0) {
-            reports.Note(service, member, key, games.SerialOn(key), games.SystemOn(key),
-                         WideFromUtf8(games.TitleOn(key)));
+            reported |= reports.Note(service, member, key, games.SerialOn(key), games.SystemOn(key),
+                                     WideFromUtf8(games.TitleOn(key)));
         }
+    }
+    if (reported) {
+        menu.Member().Member().Check(); // the report itself brings no answer
     }
 }
 
@@ -224,6 +262,7 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
 }
 
 bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
+    states.Close();
     adding.Add({files.begin(), files.end()});
     return true;
 }
@@ -288,6 +327,18 @@ std::vector<SCREEN_JOYSTICK> ProgramScreen::Joysticks() const {
         }
     }
     return present;
+}
+
+std::wstring ProgramScreen::UseOfKey(uint32_t scancode) const {
+    if (scancode == kF10) {
+        return L"main menu";
+    }
+    for (const PROGRAM_KEY& row : ProgramKeys()) {
+        if (row.scancode == scancode && !row.alt) {
+            return WideFromUtf8(row.name);
+        }
+    }
+    return {};
 }
 
 bool ProgramScreen::OpenBenchmarkGame(CGameFile& game) const {

@@ -5,6 +5,7 @@
 // these what they ask of the program (ScreenHost).
 // What is dropped on the window joins the library; a game alone is then played, on the set that it would be chosen
 // for.
+// The saved states of the game that is played lie over it in a panel.
 // Keys of its own: F10 is the main menu; escape goes back in menu, panels and browser. A controller moves the focus
 // there; its shoulders step the browser's system, start starts the chosen game, the left button makes it a favourite.
 //
@@ -14,6 +15,7 @@
 #include "front/gui_pad.h"
 #include "front/play_times.h"
 #include "front/room_screen.h"
+#include "front/saved_states.h"
 #include "front/screen.h"
 #include "library/player_database.h"
 #include "screens/add_window.h"
@@ -34,6 +36,7 @@ struct PROGRAM_CALLS {
     std::function<void()> quit;
     std::function<void()> settingsChanged;
     std::function<void()> saveSettings;
+    std::function<void()> forgetInput;
 };
 
 class ProgramScreen final : public Screen, private ScreenHost {
@@ -44,10 +47,8 @@ public:
 
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override { room.Draw(target); }
-    // While dropped games are added the walk stops, so that the mouse reaches the button that cancels.
-    [[nodiscard]] bool WantsInput() const override {
-        return room.WantsInput() && !adding.IsShown();
-    }
+    [[nodiscard]] bool WantsInput() const override { return room.WantsInput(); }
+    [[nodiscard]] Pointer PointerWanted() const override { return room.PointerWanted(); }
     [[nodiscard]] bool TakeDroppedFiles(const std::vector<std::string>& files) override;
     void LoseGraphics() override { room.LoseGraphics(); }
     void RenewGraphics() override { room.RenewGraphics(); }
@@ -59,6 +60,7 @@ public:
     [[nodiscard]] CGUIBattleGround& Menu() { return menu; }
     [[nodiscard]] CGUIGameOverlay& Overlay() { return overlay; }
     [[nodiscard]] AddWindow& Adding() { return adding; }
+    [[nodiscard]] SavedStates& States() { return states; }
 
 private:
     // ScreenHost.
@@ -70,7 +72,9 @@ private:
     [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { calls.settingsChanged(); }
     void SaveSettings() override { calls.saveSettings(); }
+    void ForgetInput() override;
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override;
+    [[nodiscard]] std::wstring UseOfKey(uint32_t scancode) const override;
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
@@ -80,6 +84,7 @@ private:
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;
     void Obey(ModeOrder order);
+    void ShowSavedStates();
     void FitScreens();
     void CountPlayed();
     void ReportPlay();
@@ -93,9 +98,11 @@ private:
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;
     PlayTimes playTimes{player};
+    SavedStates states;
     AddWindow adding;
     PlayReports reports{downloads};
     GuiPad pad;
+    bool forgetPads = false;       // in the next round
     std::vector<ModeInput> wanted; // by the screens since the last round
     ProgramMode shownMode = ProgramMode::kMenu;
 };

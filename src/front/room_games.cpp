@@ -24,6 +24,10 @@ void RoomGames::Start(uint32_t key, OPENED_GAME&& opened) {
     StartOn(key, games.back());
 }
 
+void RoomGames::StartOnce(uint32_t key, OPENED_GAME&& opened) {
+    StartOn(key, std::make_shared<const OPENED_GAME>(std::move(opened)));
+}
+
 void RoomGames::StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& opened) {
     SET& set = sets[key];
     set.order = ++orders;

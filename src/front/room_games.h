@@ -43,6 +43,8 @@ public:
     [[nodiscard]] bool StartNext(uint32_t key);
     // A game that joins the list.
     void Start(uint32_t key, OPENED_GAME&& opened);
+    // A game for this once, freed when nothing plays it any more.
+    void StartOnce(uint32_t key, OPENED_GAME&& opened);
     // Autosave included.
     void Stop(uint32_t key);
     // Returns when all are off.

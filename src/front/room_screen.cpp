@@ -78,9 +78,9 @@ std::wstring ActionPadName(std::wstring_view action, PadFamily family, PadContro
     return PadControlName(family, control);
 }
 
-// A window that takes the input of all others, such as a message box, lies over the room.
-bool Behind() {
-    return CGhostManager::Get().ModalWindow() != nullptr;
+bool UsesMouse(const GUI_INPUT& event) {
+    return event.kind == GuiInputKind::kMouseMove || event.kind == GuiInputKind::kMouseDown ||
+           event.kind == GuiInputKind::kWheel;
 }
 
 float Aspect(const DRAW_TARGET& target) {
@@ -131,6 +131,25 @@ void RoomScreen::StartRenderer() {
 
 bool RoomScreen::WantsInput() const {
     return modes.Walking() && !Behind();
+}
+
+// A window that takes the input of all others, such as a message box, lies over the room.
+bool RoomScreen::Behind() const {
+    return playerWaits || CGhostManager::Get().ModalWindow() != nullptr;
+}
+
+Pointer RoomScreen::PointerWanted() const {
+    const bool gun = fullScreen != nullptr && guns.InGame();
+    return PointerFor({modes.Mode(), Behind(), mouseRests, padPoints, gun});
+}
+
+void RoomScreen::NotePointer(const SCREEN_INPUT& input, bool padUsed) {
+    padPoints = padPoints || padUsed;
+    if (std::ranges::any_of(input.events.gui, UsesMouse)) {
+        mouseUsed = input.now;
+        padPoints = false;
+    }
+    mouseRests = input.now - mouseUsed >= kMouseRests;
 }
 
 RoomScreen::~RoomScreen() {
@@ -253,8 +272,10 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input) {
         PadBit(0, kPadGuide) | (played ? uint64_t{0} : PadBit(0, kPadEast));
     hands.toggleWalking = pressed((pads & leaveControls) != 0, leaveHeld) || hands.toggleWalking;
 
-    if (pads != 0 || way.x != 0.0f || way.y != 0.0f || hands.turn.x != 0.0f ||
-        hands.turn.y != 0.0f) {
+    const bool padUsed = InputPadsActing() != 0 || way.x != 0.0f || way.y != 0.0f ||
+                         hands.turn.x != 0.0f || hands.turn.y != 0.0f;
+    NotePointer(input, padUsed);
+    if (padUsed) {
         padInHand = true;
     } else if (keysUsed) {
         padInHand = false;
@@ -375,7 +396,7 @@ bool RoomScreen::ShowFullScreen(uint32_t key) {
     }
     guns = *itsGuns;
     shownKey = key;
-    fullScreen = std::make_unique<GameScreen>(around.televisions, around.view, guns);
+    fullScreen = std::make_unique<GameScreen>(around.televisions, around.view, guns, key);
     return true;
 }
 
@@ -396,7 +417,7 @@ void RoomScreen::Play(uint32_t key, OPENED_GAME&& opened) {
     if (set == nullptr) {
         return;
     }
-    games.Start(key, std::move(opened));
+    games.StartOnce(key, std::move(opened));
     if (fullScreen != nullptr && shownKey == key) {
         guns = *games.GunsOn(key);
     }

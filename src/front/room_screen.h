@@ -73,6 +73,7 @@ public:
     [[nodiscard]] bool Update(const SCREEN_INPUT& input) override;
     void Draw(const DRAW_TARGET& target) override;
     [[nodiscard]] bool WantsInput() const override;
+    [[nodiscard]] Pointer PointerWanted() const override;
     [[nodiscard]] bool TakeDropped(OPENED_GAME& opened) override;
     void LoseGraphics() override { renderer.Release(); }
     void RenewGraphics() override { StartRenderer(); }
@@ -93,6 +94,9 @@ public:
     void StandAt(VECTOR3 from, VECTOR3 at);
     // At the door, where the room is entered.
     void StandAtDoor();
+
+    // While something of the owner's has the keys nobody walks or plays.
+    void HoldPlayer(bool hold) { playerWaits = hold; }
 
     // Goes where the player wants, and does what belongs to the room of it.
     ModeOrder Take(ModeInput input);
@@ -123,6 +127,8 @@ private:
     void VisitSet(int step);
     void Act(const HANDS& hands);
     void Use();
+    [[nodiscard]] bool Behind() const;
+    void NotePointer(const SCREEN_INPUT& input, bool padUsed);
     void StopSelected();
     void FitMode();
     bool ShowFullScreen(uint32_t key);
@@ -151,11 +157,15 @@ private:
     uint32_t shownKey = 0;  // of the set that fills the window
     int64_t lastRound = 0;  // microseconds of the host's clock; 0 before the first
     int64_t hintsSince = 0; // of the present mode
+    int64_t mouseUsed = -kMouseRests;
     bool useHeld = false;
     bool turnOffHeld = false;
     bool leaveHeld = false;
     bool nextSetHeld = false;
-    bool padInHand = false;
+    bool padInHand = false; // after the keyboard and the mouse
+    bool padPoints = false; // after the mouse
+    bool mouseRests = true;
+    bool playerWaits = false; // something of the owner's lies over the room
     bool showsHints = true;
     bool hasCovers = false;
     bool coverNews = false; // the boxes look different since the last round

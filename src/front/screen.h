@@ -11,6 +11,8 @@
 //   scales them with the target, as the toolkit does.
 #pragma once
 
+#include "screens/program_pointer.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -61,6 +63,11 @@ public:
     // in a room. Then the mouse is captured, so that only its moves count, and neither a machine nor a
     // window of the toolkit gets any input. Otherwise all of it goes to both.
     [[nodiscard]] virtual bool WantsInput() const = 0;
+
+    // What becomes of the mouse pointer from the next round on. It is captured while the screen wants the input.
+    [[nodiscard]] virtual Pointer PointerWanted() const {
+        return WantsInput() ? Pointer::kCaptured : Pointer::kSeen;
+    }
 
     // The graphics context is given up, with every texture and program in it; and there is a new one.
     virtual void LoseGraphics() {}

@@ -1,10 +1,8 @@
 #include "front/session_worker.h"
 
+#include "base/helper_thread.h"
 #include "front/game_start.h"
-#include "front/processor_binder.h"
 #include "host/session.h"
-
-#include <SDL_thread.h>
 
 #include <mutex>
 #include <utility>
@@ -53,10 +51,8 @@ void SessionWorker::Finish() {
     changed.wait(hold, [this] { return orders.empty(); });
 }
 
-// The main thread's priority and processor, which this thread inherits, are for drawing.
 void SessionWorker::Run() {
-    SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
-    UseAllProcessors();
+    HelperBegins();
     std::unique_lock hold(lock);
     while (true) {
         changed.wait(hold, [this] { return end || !orders.empty(); });

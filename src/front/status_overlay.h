@@ -1,5 +1,6 @@
 // StatusOverlay: the lines of text over the window's contents: two status lines at the top, notices at
-// the bottom.
+// the bottom. The first status line is the frame rate, the second the statistics of the session; one key shows both, as
+// nothing else would show the first.
 //
 // Units: positions are those of a screen of 1280 by 720, scaled to the window's height.
 // Thread: main, with the OpenGL context current.

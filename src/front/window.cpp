@@ -227,9 +227,14 @@ void Window::ToggleFullScreen() {
     SDL_SetWindowFullscreen(window, full ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
 }
 
-void Window::CaptureMouse(bool capture) {
+void Window::PutPointer(Pointer pointer) {
+    const bool capture = pointer == Pointer::kCaptured;
     if ((SDL_GetRelativeMouseMode() == SDL_TRUE) != capture) {
         SDL_SetRelativeMouseMode(capture ? SDL_TRUE : SDL_FALSE);
+    }
+    const int seen = pointer == Pointer::kSeen ? SDL_ENABLE : SDL_DISABLE;
+    if (SDL_ShowCursor(SDL_QUERY) != seen) {
+        SDL_ShowCursor(seen);
     }
 }
 

@@ -8,6 +8,8 @@
 //   message; without a window or context Open fails with the reason and cleans up.
 #pragma once
 
+#include "screens/program_pointer.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -51,8 +53,8 @@ public:
 
     void SetTitle(const std::string& title);
     void ToggleFullScreen();
-    // A captured mouse has no cursor and does not leave the window; only its moves count.
-    static void CaptureMouse(bool capture);
+    // A captured mouse has no pointer and does not leave the window; only its moves count.
+    static void PutPointer(Pointer pointer);
 
     // Finishes the drawing and shows it; with vertical sync it waits for the retrace.
     void Swap();

@@ -104,6 +104,7 @@ public:
     [[nodiscard]] bool IsWindowVisible(const GHOSTMANAGER_WINDOW* window) const;
     bool ShowWindow(GHOSTMANAGER_WINDOW* window, bool show);
     bool SetToolTipWindow(GHOSTMANAGER_WINDOW* window);
+    // A window behind one that takes the input has the focus when that one has ended.
     bool SetFocus(GHOSTMANAGER_WINDOW* window);
     // Takes the input of all other windows. Ends when the window is destroyed, and not before.
     bool SetModal(GHOSTMANAGER_WINDOW* window);
@@ -111,7 +112,7 @@ public:
     // modal, and ends with it. Null lets it go.
     bool SetOwner(GHOSTMANAGER_WINDOW* window, GHOSTMANAGER_WINDOW* owner);
     [[nodiscard]] uint32_t GetWindowFlags(const GHOSTMANAGER_WINDOW* window) const;
-    // -1: to the front of its siblings. -2 takes it out of the tree for good.
+    // -1: to the front of its siblings, though behind one that takes the input. -2 takes it out of the tree for good.
     bool SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where);
     bool GetScreenRect(const GHOSTMANAGER_WINDOW* window, GUI_RECT* rect) const;
     bool RecalcClient(GHOSTMANAGER_WINDOW* window);
@@ -218,6 +219,7 @@ private:
     void MakeSurface(GHOSTMANAGER_WINDOW& window);
     void RefitSurfaces(GHOSTMANAGER_WINDOW& window);
     void FocusOn(GHOSTMANAGER_WINDOW* window);
+    void FocusLater(const GHOSTMANAGER_WINDOW& window);
     void HoverOn(GHOSTMANAGER_WINDOW* window);
     void FocusNextTabStop(bool backward);
     [[nodiscard]] std::vector<GHOSTMANAGER_WINDOW*> SeenTabStops() const;

@@ -12,8 +12,27 @@ bool CGhostManager::SetFocus(GHOSTMANAGER_WINDOW* window) {
     if (!Knows(window)) {
         return false;
     }
-    FocusOn(window);
+    if (takers.empty() || WithinModal(window)) {
+        FocusOn(window);
+    } else {
+        FocusLater(*window);
+    }
     return true;
+}
+
+// What lies behind a message box must not take its keys: it has the focus when the input comes back to it.
+void CGhostManager::FocusLater(const GHOSTMANAGER_WINDOW& window) {
+    for (auto taker = takers.rbegin(); taker != takers.rend(); ++taker) {
+        const GHOSTMANAGER_WINDOW* const before = WithId(taker->modal);
+        const GHOSTMANAGER_WINDOW* at = &window;
+        while (before != nullptr && at != nullptr && at != before) {
+            at = at->parent != nullptr ? at->parent : at->owner;
+        }
+        if (at != nullptr) {
+            taker->focus = window.id;
+            return;
+        }
+    }
 }
 
 void CGhostManager::FocusOn(GHOSTMANAGER_WINDOW* window) {

@@ -481,6 +481,12 @@ bool CGhostManager::SetZOrder(GHOSTMANAGER_WINDOW* window, int32_t where) {
     Unlink(*window);
     Link(*window);
     window->dirty = true;
+    // In front of a message box it would hide what has to be read.
+    if (!takers.empty() && !WithinModal(window) && modalWindow->parent == window->parent) {
+        Unlink(*modalWindow);
+        Link(*modalWindow);
+        modalWindow->dirty = true;
+    }
     return true;
 }
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 
 namespace {
 
@@ -21,14 +22,16 @@ constexpr int32_t kButtonWide = 100;
 constexpr int32_t kButtonHigh = 25;
 constexpr int32_t kButtonRow = 35; // from the client area's lower edge
 
-// Escape, and a controller's second button, at the box's button.
+// Escape, and a controller's second button, whatever part of the box has the focus: a click beside the button takes it
+// away from that. Return presses the button, which has that key itself.
 class Dismisser : public CGhostGUIHandler {
 public:
     explicit Dismisser(CGhostMessageBox* owner)
         : box(owner) {}
     void Destroy() override { delete this; }
     void OnKeyDown(GHOSTGUIKey key) override {
-        if (key == GHOSTGUIKey::kEscape) {
+        const bool atButton = CGhostManager::Get().FocusWindow() == box->Button()->window;
+        if (key == GHOSTGUIKey::kEscape || (key == GHOSTGUIKey::kReturn && !atButton)) {
             box->Dismiss();
         }
     }
@@ -38,7 +41,7 @@ public:
     }
 
 private:
-    CGhostMessageBox* box; // which ends after its button
+    CGhostMessageBox* box;
 };
 
 } // namespace
@@ -71,9 +74,15 @@ CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring
                                  CGhostWindowEx::kNoButtons,
                              {false, 0, 0, kFirstWidth, kFirstWidth});
     button = new CGhostButton(box->window, 0, L"MESSAGEBOX_BUTTON", L"Ok", 0, {});
-    button->next = new Dismisser(this);
     button->OnClick.connect([this](CGhostButton*, int, int, unsigned) { Dismiss(); });
     message = new CGhostMultiText(box->window, 0, L"MESSAGEBOX_TEXT", text, {});
+    for (CGhostGUIHandler* last :
+         std::initializer_list<CGhostGUIHandler*>{button, message, box, this}) {
+        while (last->next != nullptr) {
+            last = last->next;
+        }
+        last->next = new Dismisser(this);
+    }
     for (GHOSTMANAGER_WINDOW* const part : {box->window, button->window, message->window}) {
         manager.SetPart(part);
     }

@@ -2,6 +2,7 @@
 
 #include "base/audio_rate.h"
 #include "host/archive.h"
+#include "host/host_data.h"
 #include "host/picture.h"
 #include "host/report.h"
 #include "host/rewind.h"
@@ -21,6 +22,7 @@ namespace {
 
 constexpr int32_t kDefaultFastForward = 2;
 constexpr int32_t kMostFastForward = 10;
+constexpr uint32_t kPausedSleepMs = 5;
 
 // Runs a frame and brings its records into the bounds that all later stages rely on.
 void RunMachine(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
@@ -221,6 +223,10 @@ void EmuThreadMain(EMU_THREAD* session) {
             host.open(session);
         }
         while (session->stopRequested == 0) {
+            if (session->paused) {
+                HostClock().sleepMilliseconds(kPausedSleepMs);
+                continue;
+            }
             loop.hotkeys.ForgetAfterPause();
             session->inputs.ForgetAfterPause();
             const InputFrame look(loop.hotkeys, session->key);

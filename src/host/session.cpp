@@ -97,10 +97,12 @@ void RequestStop(EMU_THREAD& session) {
     EmuStoreState(session, autosave);
 }
 
-// The session's thread has ended. Slow work is done after the session has left the list.
+// The session's thread has ended. Slow work is done after the session has left the list. Whoever has pinned
+// the session and holds its lock may use `hostData`.
 void Free(std::unique_ptr<EMU_THREAD> session) {
     {
         const std::scoped_lock list(SessionListLock());
+        const SessionHold hold(*session);
         gHost.close(session.get());
         UnlinkSession(*session);
     }
@@ -236,5 +238,14 @@ bool EmuResetSession(uint32_t key) {
     }
     const SessionHold hold(*session);
     session->machine->Reset();
+    return true;
+}
+
+bool EmuPauseSession(uint32_t key, bool paused) {
+    const SessionPin session = PinSession(key);
+    if (!session) {
+        return false;
+    }
+    session->paused = paused;
     return true;
 }

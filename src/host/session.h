@@ -68,9 +68,10 @@ struct EMU_THREAD {
     uint32_t staticFrames = 0;            // of television static, shown so far
     std::atomic<uint8_t> showStatic{1};   // 1 while the static runs; anyone may read it
     std::atomic<uint32_t> lockWaiters{0}; // other threads that wait for `lock`
+    std::atomic<bool> paused{false};      // no rounds: picture and machine stay as they are
 
     // What the host keeps. `hostData` is set by the open callback on the session's thread and cleared by
-    // close on the stopping one, both under the list lock.
+    // close on the stopping one, both under the list lock, close under `lock` as well.
     std::atomic<EMU_HOST_DATA*> hostData{nullptr};
     SESSION_SOUND sound;           // shared with the sound pump
     SESSION_STATISTICS statistics; // counted on the session's thread and the pump's
@@ -88,8 +89,9 @@ struct EMU_THREAD {
 };
 
 struct EMU_HOST_CALLBACKS {
-    void (*open)(EMU_THREAD* session);  // session thread, once, under the list lock
-    void (*close)(EMU_THREAD* session); // the stopping thread, after the session thread has ended
+    void (*open)(EMU_THREAD* session); // session thread, once, under the list lock
+    // The stopping thread, after the session thread has ended; under the list lock and the session's.
+    void (*close)(EMU_THREAD* session);
     EMU_VIDEO_FRAME* (*getVideoFrame)(EMU_THREAD* session);
     void (*present)(EMU_THREAD* session, uint32_t microseconds);
     void (*submitAudio)(EMU_THREAD* session, EMU_AUDIO_FRAME* audio);
@@ -127,6 +129,10 @@ bool EmuStopSession(uint32_t key);
 
 // Resets the machine at a frame boundary. False if there is none on this key. With no lock held.
 bool EmuResetSession(uint32_t key);
+
+// Stops the rounds of the session on this key, or lets them go on. What is saved and loaded meanwhile is as at any
+// frame boundary; a round that is under way still ends. False if there is none. With no lock held.
+bool EmuPauseSession(uint32_t key, bool paused);
 
 // Calls `visit` for every session that the host has opened, under the list lock. A visit may take the
 // locks further down, must neither start nor stop a session, and should be short: others wait for it.

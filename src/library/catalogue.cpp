@@ -1,6 +1,7 @@
 #include "library/catalogue.h"
 
 #include "base/files.h"
+#include "base/helper_thread.h"
 #include "base/ordered_work.h"
 #include "base/text.h"
 #include "facts/machine_facts.h"
@@ -91,6 +92,7 @@ void Catalogue::StartScan() {
     scanProgress = 0;
     scanState = kScanScanning;
     worker = std::thread([this, gone = std::move(before)]() mutable {
+        HelperBegins();
         gone = {};
         ScanWorker();
     });

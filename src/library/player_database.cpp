@@ -1,5 +1,7 @@
 #include "library/player_database.h"
 
+#include "base/helper_thread.h"
+
 #include <algorithm>
 #include <ctime>
 #include <mutex>
@@ -20,7 +22,7 @@ PlayerDatabase::~PlayerDatabase() {
     }
 }
 
-void PlayerDatabase::Open(const std::filesystem::path& path, std::function<void()> threadBegins) {
+void PlayerDatabase::Open(const std::filesystem::path& path) {
     PlayerRecords read;
     std::string news;
     const bool usable = file.Open(path, read, news);
@@ -31,10 +33,8 @@ void PlayerDatabase::Open(const std::filesystem::path& path, std::function<void(
         due = usable; // a backup may be
     }
     if (usable) {
-        thread = std::thread([this, begins = std::move(threadBegins)] {
-            if (begins) {
-                begins();
-            }
+        thread = std::thread([this] {
+            HelperBegins();
             Run();
         });
     }
@@ -125,7 +125,8 @@ void PlayerDatabase::WriteChanges() {
             AddChange(change, taken[game]);
         }
         changes.swap(taken);
-        news += "; favourites and times played are not kept";
+        news +=
+            (news.empty() ? "" : "; ") + std::string("favourites and times played are not kept");
     }
     if (!news.empty() && (written || !told)) {
         message = news;

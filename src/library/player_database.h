@@ -30,8 +30,7 @@ public:
     PlayerDatabase(const PlayerDatabase&) = delete;
     PlayerDatabase& operator=(const PlayerDatabase&) = delete;
 
-    // `threadBegins` is the first that the thread does; it may be empty.
-    void Open(const std::filesystem::path& file, std::function<void()> threadBegins = {});
+    void Open(const std::filesystem::path& file);
 
     [[nodiscard]] PLAYER_RECORD Find(const GAME_IDENTITY& game) const; // empty if nothing is known
 

@@ -58,6 +58,17 @@ bool IsThere(const fs::path& path) {
     return fs::symlink_status(path, code).type() != fs::file_type::not_found;
 }
 
+// Something that cannot be looked at counts as well.
+bool HasContent(const fs::path& path) {
+    std::error_code code;
+    return IsThere(path) && (fs::file_size(path, code) != 0 || code);
+}
+
+bool Tell(const std::string& error, std::string& message) {
+    message = error;
+    return false;
+}
+
 int64_t Added(int64_t a, int64_t b) {
     return std::clamp(a, int64_t{0}, kMostCounted) + std::clamp(b, int64_t{0}, kMostCounted);
 }
@@ -213,22 +224,28 @@ bool PlayerFile::Open(const fs::path& path, PlayerRecords& records, std::string&
 }
 
 bool PlayerFile::OpenSound(PlayerRecords& records, std::string& message) {
-    std::error_code code;
-    const bool there = IsThere(file) && (fs::file_size(file, code) != 0 || code);
-    if (!there) {
+    if (!HasContent(file)) {
         return IsThere(WithEnding(file, ".backup")) ? Mend(records, message) : MakeTables();
     }
-    switch (Read(database, file, records)) {
+    const State state = Read(database, file, records);
+    switch (state) {
     case State::kSound:
         // A damaged header may ask for another kind of journal.
         (void)database.Execute("PRAGMA journal_mode = DELETE");
         return true;
     case State::kDamaged: return Mend(records, message);
-    case State::kNewer: message = file.string() + ": was made by a newer version"; return false;
-    case State::kUnreadable: break;
+    default: break;
     }
-    message = database.Error().empty() ? file.string() + ": cannot be read" : database.Error();
+    message = Refusal(state);
     return false;
+}
+
+// Why a file in that state is not written.
+std::string PlayerFile::Refusal(State state) const {
+    if (state == State::kNewer) {
+        return file.string() + ": was made by a newer version";
+    }
+    return database.Error().empty() ? file.string() + ": cannot be read" : database.Error();
 }
 
 // Sets aside what is there and puts the backup in its place; without a sound one, an empty database.
@@ -290,42 +307,62 @@ bool PlayerFile::MakeTables() {
 
 bool PlayerFile::Write(const PlayerChanges& changes, const PlayerRecords& whole,
                        std::string& message) {
-    if (!database.IsOpen()) {
-        return false;
+    if (database.IsOpen()) {
+        if (WriteRows(changes)) {
+            return true;
+        }
+        const SqliteFault fault = database.Fault();
+        message = database.Error();
+        if (!rowDamaged && fault != SqliteFault::kDamaged && fault != SqliteFault::kMoved) {
+            return false;
+        }
     }
-    if (WriteRows(changes)) {
-        return true;
+    const bool written = WriteAgain(changes, whole, message);
+    if (!written) {
+        database.Close(); // the next change begins here again
     }
-    const SqliteFault fault = database.Fault();
-    message = database.Error();
-    if (!rowDamaged && fault != SqliteFault::kDamaged && fault != SqliteFault::kMoved) {
-        return false;
-    }
-    if (!IsThere(file)) {
+    return written;
+}
+
+// The file is not what was opened, or an earlier write has failed here.
+bool PlayerFile::WriteAgain(const PlayerChanges& changes, const PlayerRecords& whole,
+                            std::string& message) {
+    database.Close();
+    if (!HasContent(file)) {
         return WriteAnew(whole, message);
     }
     PlayerRecords present;
-    switch (Read(database, file, present)) {
-    case State::kSound: return WriteRows(changes); // another program has put a sound one there
+    const State state = Read(database, file, present);
+    switch (state) {
+    case State::kSound: // another program has put it there, or its fault is over
+        message.clear();
+        return WriteRows(changes) || Tell(database.Error(), message);
     case State::kDamaged: return WriteAnew(whole, message);
-    default: database.Close(); return false;
+    default: message = Refusal(state); return false;
     }
 }
 
 bool PlayerFile::WriteAnew(const PlayerRecords& whole, std::string& message) {
     database.Close();
     fs::path aside;
-    if (!SetAside(file, aside) || !MakeTables()) {
+    const bool there = HasContent(file);
+    // An empty file is what an earlier attempt has left on a full disk.
+    if ((there || !IsThere(file)) && !SetAside(file, aside)) {
+        message = file.string() + ": is damaged and cannot be set aside";
+        return false;
+    }
+    if (!MakeTables()) {
+        message = database.Error();
         return false;
     }
     PlayerChanges all;
     for (const auto& [game, record] : whole) {
         all[game] = {record.favourite, record.lastPlayed, record.secondsPlayed, record.starts};
     }
-    message = IsThere(aside) ? file.string() + ": was damaged, is kept as " +
-                                   aside.filename().string() + " and was written anew"
-                             : file.string() + ": was gone and was written anew";
-    return WriteRows(all);
+    message = there ? file.string() + ": was damaged, is kept as " + aside.filename().string() +
+                          " and was written anew"
+                    : file.string() + ": was gone and was written anew";
+    return WriteRows(all) || Tell(database.Error(), message);
 }
 
 bool PlayerFile::WriteRows(const PlayerChanges& changes) {

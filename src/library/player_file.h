@@ -74,9 +74,13 @@ private:
     [[nodiscard]] bool WriteRows(const PlayerChanges& changes);
     [[nodiscard]] bool WriteRow(const GAME_IDENTITY& game, const PLAYER_CHANGE& change,
                                 int64_t& games, Sha256Digest& sum);
+    [[nodiscard]] bool WriteAgain(const PlayerChanges& changes, const PlayerRecords& whole,
+                                  std::string& message);
     [[nodiscard]] bool WriteAnew(const PlayerRecords& whole, std::string& message);
+    [[nodiscard]] std::string Refusal(State state) const;
 
     std::filesystem::path file;
-    SqliteDatabase database; // open while it may be written
+    SqliteDatabase
+        database; // open while it may be written; closed, the next Write looks at the file again
     bool rowDamaged = false; // WriteRows has met a wrong checksum
 };

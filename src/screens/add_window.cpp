@@ -1,5 +1,6 @@
 #include "screens/add_window.h"
 
+#include "base/helper_thread.h"
 #include "base/text.h"
 #include "gui/button.h"
 #include "settings/settings.h"
@@ -95,7 +96,10 @@ void AddWindow::Begin() {
         done = 0.0;
     }
     window.SetProgress(0);
-    worker = std::thread([this] { Work(); });
+    worker = std::thread([this] {
+        HelperBegins();
+        Work();
+    });
 }
 
 // On the worker.

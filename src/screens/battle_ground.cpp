@@ -49,6 +49,10 @@ std::wstring VersionText() {
     return text;
 }
 
+std::wstring NewsUrlOfSettings() {
+    return NewsUrl({Settings().GetString(L"web_service"), Settings().GetString(L"web_images")});
+}
+
 } // namespace
 
 CGUIBattleGround::CGUIBattleGround(ScreenHost& program)
@@ -78,31 +82,30 @@ CGUIBattleGround::~CGUIBattleGround() {
 }
 
 void CGUIBattleGround::AskForNews() {
-    const std::wstring url =
-        NewsUrl({Settings().GetString(L"web_service"), Settings().GetString(L"web_images")});
+    const std::wstring url = NewsUrlOfSettings();
     if (url.empty()) {
         SetNews(std::wstring(kNoServiceText));
         return;
     }
     SetNews(std::wstring(kConnectingText));
-    host.Downloads().QueueRequest(url, L"", 0, abandoned,
-                                  [this](const std::wstring& error, const std::wstring&, uint32_t,
-                                         const AbortWord& gone, const uint8_t* data,
-                                         uint32_t size) {
-                                      if (*gone != 0) {
-                                          return;
-                                      }
-                                      if (!error.empty()) {
-                                          SetNews(error);
-                                          return;
-                                      }
-                                      const NEWS_ANSWER answer = ReadNews({data, size});
-                                      SetNews(answer.news);
-                                      if (answer.version > kProgramVersion) {
-                                          CGhostMessageBox::Show(std::wstring(kNewVersionTitle),
-                                                                 std::wstring(kNewVersionText));
-                                      }
-                                  });
+    host.Downloads().QueueRequest(
+        url, L"", 0, abandoned,
+        [this, url](const std::wstring& error, const std::wstring&, uint32_t, const AbortWord& gone,
+                    const uint8_t* data, uint32_t size) {
+            if (*gone != 0 || url != NewsUrlOfSettings()) {
+                return; // the player has entered another service
+            }
+            if (const auto why = WhyNothingCame(url, error, data); !why.empty()) {
+                SetNews(why);
+                return;
+            }
+            const NEWS_ANSWER answer = ReadNews({data, size});
+            SetNews(answer.news);
+            if (answer.version > kProgramVersion) {
+                CGhostMessageBox::Show(std::wstring(kNewVersionTitle),
+                                       std::wstring(kNewVersionText));
+            }
+        });
 }
 
 void CGUIBattleGround::MakeWindows() {
@@ -127,6 +130,7 @@ void CGUIBattleGround::MakeWindows() {
                   [this](CGhostButton*, int, int, unsigned) { host.Take(ModeInput::kBack); });
     tagline = new CGhostTextBox(area, 0, L"SECTIONTEXT", L"", {});
     member = std::make_unique<MemberPanel>(area, host);
+    member->serviceChanged = [this] { AskForNews(); };
     newsHeader = new CGhostTextBox(area, 0, L"LARGEHEADERTEXT", L"News", {});
     news = new CGhostMultiText(area, 0, L"WINDOWOVERLAY",
                                L"Connecting to server to collect news...", {});

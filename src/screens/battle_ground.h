@@ -82,6 +82,7 @@ public:
     [[nodiscard]] CGhostButton* BackButton() const { return back; }
     [[nodiscard]] const CGhostTextBox* Tagline() const { return tagline; }
     [[nodiscard]] MemberPanel& Member() const { return *member; }
+    [[nodiscard]] const CGhostMultiText* News() const { return news; }
     [[nodiscard]] CGhostWindowEx* MainWindow() const { return battleMain; }
 
 private:

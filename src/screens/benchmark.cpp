@@ -65,6 +65,7 @@ void CGUIBenchmark::Start() {
     }
     running = true;
     announced = false;
+    finished = false;
     results->Clear();
     frames = 0;
     notice->SetText(kDuring);
@@ -76,13 +77,16 @@ void CGUIBenchmark::Update() {
     if (!running) {
         return;
     }
-    if (!announced) {
+    if (finished) {
+        running = false;
+    } else if (!announced) {
         announced = true;
     } else if (CGhostManager::Get().DirtyRect().Empty()) {
         Run();
     }
 }
 
+// Clicks that this round has read reach the button only after it, so the run ends with the next round.
 void CGUIBenchmark::Run() {
     auto game = std::make_unique<CGameFile>();
     if (!host.OpenBenchmarkGame(*game)) {
@@ -96,5 +100,6 @@ void CGUIBenchmark::Run() {
     }
     notice->SetText(kBefore);
     notice->SetStyle(L"TEXT_CENTER");
-    running = false;
+    finished = true;
+    host.ForgetInput();
 }

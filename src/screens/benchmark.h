@@ -37,5 +37,6 @@ private:
     bool running = false;
     bool announced =
         false; // the tick has painted the notice; it is seen when it has been composited
+    bool finished = false; // the run is over, and `running` until the next round
     uint32_t frames = 0;
 };

@@ -3,6 +3,7 @@
 #include "gui/manager.h"
 #include "gui/text_box.h"
 #include "gui/window_ex.h"
+#include "settings/bindings.h"
 
 #include <utility>
 
@@ -18,8 +19,9 @@ constexpr int32_t kBoxHeight = 170;
 } // namespace
 
 BindingPrompt::BindingPrompt(const std::wstring& what, const std::wstring& before,
-                             bool forProgramAction, Done whenDone)
+                             bool forProgramAction, UseOfKey useOfProgramsKey, Done whenDone)
     : capture(forProgramAction)
+    , useOfKey(std::move(useOfProgramsKey))
     , done(std::move(whenDone))
     , binding(before) {
     CGhostManager& manager = CGhostManager::Get();
@@ -115,9 +117,27 @@ void BindingPrompt::OnMouseDown(int /*x*/, int /*y*/, unsigned /*button*/) {
 }
 
 void BindingPrompt::Take(std::optional<uint32_t> input) {
-    if (input) {
+    if (input && !Refuses(*input)) {
         End(input);
     }
+}
+
+// The program's keys act without ctrl alone; with it they are free.
+bool BindingPrompt::Refuses(uint32_t input) {
+    constexpr uint32_t kJoystick = 1u << 24;
+    constexpr uint32_t kScancode = 0xFFFF;
+    if ((input & kJoystick) != 0 || input >> 16 == kModifierCtrl) {
+        return false;
+    }
+    const uint32_t scancode = input & kScancode;
+    const std::wstring use = useOfKey ? useOfKey(scancode) : std::wstring();
+    if (use.empty()) {
+        return false;
+    }
+    wanted->SetText(BindingName(KeyboardBinding(scancode)) + L" is taken: " + use +
+                    L". Press another one");
+    waited = 0;
+    return true;
 }
 
 void BindingPrompt::End(std::optional<uint32_t> result) {

@@ -155,6 +155,11 @@ void BrowserFilters::CloseMenu() {
     menuButton->SetDown(false);
 }
 
+void BrowserFilters::ClearName() {
+    name->SetText(L"");
+    Changed();
+}
+
 void BrowserFilters::SetVisible(bool visible) {
     strip->SetVisible(visible);
     if (!visible) {

@@ -33,6 +33,7 @@ public:
     void Layout(int32_t x, int32_t y, int32_t width);
     void ShowCount(size_t games); // "Showing %d games"
     void CloseMenu();
+    void ClearName();
     void SetVisible(bool visible);
 
     // The other filters choose among these.

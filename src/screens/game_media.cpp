@@ -60,7 +60,6 @@ GAME_MEDIA ReadGameMedia(std::string_view systemFolder, std::wstring_view conten
     std::string error;
     if (!contentKey.empty() &&
         ReadFile(MediaArchivePath(systemFolder, contentKey), bytes, error, kLargestMedia)) {
-        media.archive = true;
         media.texts = TextsOf(bytes);
         LOCAL_MEDIA pictures = ReadLocalMedia(bytes, Decode);
         for (MEDIA_PICTURE& picture : pictures.boxArt) {

@@ -14,7 +14,6 @@
 #include <vector>
 
 struct GAME_MEDIA {
-    bool archive = false;           // there is one of the game
     std::vector<GUI_BITMAP> covers; // at most six
     std::vector<GUI_BITMAP> shots;  // at most five, each 200 by 150
     std::vector<uint8_t> texts;     // of the service's form; empty without

@@ -3,11 +3,12 @@
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/text_box.h"
+#include "screens/program_pointer.h"
 #include "screens/screen_host.h"
 
 namespace {
 
-constexpr uint64_t kButtonsStay = 3000; // milliseconds after the mouse was used
+constexpr uint64_t kButtonsStay = kMouseRests / 1000; // milliseconds after the mouse was used
 
 // Units.
 constexpr int32_t kButtonWidth = 150;
@@ -22,11 +23,12 @@ struct OVERLAY_BUTTON {
     ModeInput input;
 };
 constexpr OVERLAY_BUTTON kStrip[CGUIGameOverlay::kButtons] = {
-    {L"Main Menu",       ModeInput::kMainMenu  },
-    {L"Load New Game",   ModeInput::kLoadGame  },
-    {L"Exit Game",       ModeInput::kExitGame  },
-    {L"Fullscreen Mode", ModeInput::kTelevision},
-    {L"Reset Game",      ModeInput::kResetGame },
+    {L"Main Menu",       ModeInput::kMainMenu   },
+    {L"Load New Game",   ModeInput::kLoadGame   },
+    {L"Exit Game",       ModeInput::kExitGame   },
+    {L"Fullscreen Mode", ModeInput::kTelevision },
+    {L"Reset Game",      ModeInput::kResetGame  },
+    {L"Saved States",    ModeInput::kSavedStates},
 };
 constexpr uint32_t kTelevisionButton = 4;
 
@@ -108,8 +110,12 @@ void CGUIGameOverlay::ShowButtons(const OVERLAY_STATE& state) {
     const bool recent = everUsed && host.Milliseconds() - mouseUsed <= kButtonsStay;
     buttons[kTelevisionButton - 1]->SetCaption(state.roomVisible ? L"Fullscreen Mode" : L"TV Mode");
     // Of the game: only where there is one.
-    const std::array<bool, kButtons> wanted = {true, state.selected, state.selectedOn,
-                                               state.selectedOn, state.selectedOn};
+    const std::array<bool, kButtons> wanted = {true,
+                                               state.selected,
+                                               state.selectedOn,
+                                               state.selectedOn,
+                                               state.selectedOn,
+                                               state.selectedOn};
     for (size_t i = 0; i < kButtons; ++i) {
         buttons[i]->SetVisible(state.shown && !state.walking && recent && wanted[i]);
     }

@@ -2,7 +2,7 @@
 // while the player walks, a strip of buttons while his mouse is free.
 //
 // The buttons show while the mouse is used and for three seconds after. Their numbers are those of the program:
-//   1 Main Menu, 2 Load New Game, 3 Exit Game, 4 Fullscreen Mode or TV Mode, 5 Reset Game
+//   1 Main Menu, 2 Load New Game, 3 Exit Game, 4 Fullscreen Mode or TV Mode, 5 Reset Game, 6 Saved States
 //
 // Units: those of the virtual screen. Thread: main. Order: made after the toolkit has its screen and its theme;
 //   Update once a round, before the toolkit's tick.
@@ -41,7 +41,7 @@ public:
 
     void Update(const OVERLAY_STATE& state);
 
-    static constexpr size_t kButtons = 5;
+    static constexpr size_t kButtons = 6;
     static constexpr size_t kHints = 4;
     [[nodiscard]] CGhostButton* Button(uint32_t number) const {
         return buttons[number - 1];

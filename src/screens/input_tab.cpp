@@ -207,14 +207,15 @@ void InputTab::Ask() {
     const uint32_t input = list->Input();
     const std::wstring what =
         std::wstring(InputActions()[action].name) + L", " + (input == 0 ? L"Input1" : L"Input2");
-    prompt =
-        new BindingPrompt(what, BindingName(ActionBinding(action, input)), IsProgramAction(action),
-                          [this, action, input](std::optional<uint32_t> binding) {
-                              prompt = nullptr;
-                              if (binding) {
-                                  Bind(action, input, *binding);
-                              }
-                          });
+    prompt = new BindingPrompt(
+        what, BindingName(ActionBinding(action, input)), IsProgramAction(action),
+        [this](uint32_t scancode) { return host.UseOfKey(scancode); },
+        [this, action, input](std::optional<uint32_t> binding) {
+            prompt = nullptr;
+            if (binding) {
+                Bind(action, input, *binding);
+            }
+        });
 }
 
 void InputTab::Bind(size_t action, uint32_t input, uint32_t binding) {

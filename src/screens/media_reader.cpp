@@ -1,5 +1,7 @@
 #include "screens/media_reader.h"
 
+#include "base/helper_thread.h"
+
 #include <mutex>
 #include <utility>
 
@@ -43,6 +45,7 @@ void MediaReader::Wait() {
 }
 
 void MediaReader::Run() {
+    HelperBegins();
     std::unique_lock hold(lock);
     while (true) {
         changed.wait(hold, [this] { return end || question; });

@@ -20,10 +20,16 @@ constexpr int32_t kWidth = 350;
 constexpr int32_t kRow = 25;
 constexpr int32_t kOutHeight = 180;
 constexpr int32_t kInHeight = 200;
+constexpr int32_t kPlaceTop = kTop + kRow + kInHeight + 10; // of the service's address
+constexpr int32_t kPlaceHeight = 90;
 constexpr int32_t kLabel = 80;
 constexpr int32_t kButton = 100;
 
 constexpr const wchar_t* kStartSetting = L"login_connectstartup";
+constexpr const wchar_t* kServiceSetting = L"web_service";
+constexpr const wchar_t* kImagesSetting = L"web_images";
+constexpr const wchar_t* kScheme = L"http://";
+constexpr const wchar_t* kNoAddressNote = L"Do your friends run one? Enter its address here.";
 constexpr const char* kKeyFile = ".\\member.key";
 
 constexpr const wchar_t* kHelp =
@@ -33,7 +39,7 @@ constexpr const wchar_t* kHelp =
     L"F10 leads back here from anywhere.";
 
 SERVICE_ADDRESSES ServiceOfSettings() {
-    return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
+    return {Settings().GetString(kServiceSetting), Settings().GetString(kImagesSetting)};
 }
 
 } // namespace
@@ -44,17 +50,20 @@ MemberPanel::MemberPanel(GHOSTMANAGER_WINDOW* parent, ScreenHost& program)
     , out(new CGhostTextBox(parent, 0, L"WINDOWOVERLAY", L"", {}))
     , in(new CGhostTextBox(parent, 0, L"WINDOWOVERLAY", L"", {}))
     , help(new CGhostMultiText(parent, 0, L"WINDOWOVERLAY", kHelp, {}))
+    , placeHeader(new CGhostTextBox(parent, 0, L"LARGEHEADERTEXT", L"Web service", {}))
+    , place(new CGhostTextBox(parent, 0, L"WINDOWOVERLAY", L"", {}))
     , member(host.Downloads(), ResolvePath(kKeyFile)) {
     MakeLogin();
     MakeMember();
+    MakeAddress();
     member.changed = [this] { ShowState(); };
     ShowState();
 }
 
 MemberPanel::~MemberPanel() {
     CGhostManager& manager = CGhostManager::Get();
-    for (GHOSTMANAGER_WINDOW* const window :
-         {header->window, out->window, in->window, help->window}) {
+    for (GHOSTMANAGER_WINDOW* const window : {header->window, out->window, in->window, help->window,
+                                              placeHeader->window, place->window}) {
         manager.DestroyWindow(window);
     }
 }
@@ -94,6 +103,25 @@ void MemberPanel::MakeMember() {
                   [this](CGhostButton*, int, int, unsigned) { PressLogout(); });
 }
 
+void MemberPanel::MakeAddress() {
+    GHOSTMANAGER_WINDOW* const within = place->window;
+    address = new CGhostEdit(within, 0, L"EDIT", Settings().GetString(kServiceSetting),
+                             CGhostEdit::kSubmits, {});
+    connectButton = new CGhostButton(within, 0, L"BUTTON", L"Connect", 0, {});
+    addressNote =
+        new CGhostMultiText(within, 0, L"TEXT", address->Text().empty() ? kNoAddressNote : L"", {});
+    address->SetMaxLength(200);
+    address->SetToolTip(L"Such as http://our-computer:8080/, from whoever runs it; empty: none");
+    connectButton->SetToolTip(L"Keeps the address, and asks the service for its news");
+    signals.Watch(address->OnSubmit, [this](CGhostEdit*, bool taken) {
+        if (taken) {
+            PressConnect();
+        }
+    });
+    signals.Watch(connectButton->OnClick,
+                  [this](CGhostButton*, int, int, unsigned) { PressConnect(); });
+}
+
 void MemberPanel::Layout() {
     header->SetPos(kLeft, kTop, kWidth, kRow);
     out->SetPos(kLeft, kTop + kRow, kWidth, kOutHeight);
@@ -108,11 +136,19 @@ void MemberPanel::Layout() {
     remember->SetPos(kLabel + 10, 72, field, kRow);
     loginButton->SetPos(kLabel + 10, 104, kButton, kRow);
     state->SetPos(8, 134, inner - 16, out->window->clientRect.height - 138);
+    placeHeader->SetPos(kLeft, kPlaceTop, kWidth, kRow);
+    place->SetPos(kLeft, kPlaceTop + kRow, kWidth, kPlaceHeight);
+    address->SetPos(8, 8, inner - kButton - 26, kRow);
+    connectButton->SetPos(inner - kButton - 8, 8, kButton, kRow);
+    addressNote->SetPos(8, 40, inner - 16, place->window->clientRect.height - 44);
     account->SetPos(8, 8, inner - 16, in->window->clientRect.height - 56);
     logoutButton->SetPos(8, in->window->clientRect.height - 36, kButton, kRow);
 }
 
 void MemberPanel::SetVisible(bool visible) {
+    if (visible && !shown) {
+        member.Check();
+    }
     shown = visible;
     ShowState();
 }
@@ -141,6 +177,8 @@ void MemberPanel::ShowState() {
     help->SetVisible(shown && !service);
     out->SetVisible(shown && service && !loggedIn);
     in->SetVisible(shown && service && loggedIn);
+    placeHeader->SetVisible(shown);
+    place->SetVisible(shown);
     loginButton->SetCaption(waits ? L"Cancel" : L"Login");
     state->SetText(waits ? L"Logging in..." : member.Error().empty() ? L"" : member.Error());
     std::wstring text = L"Logged in as " + member.Credentials().name + L".";
@@ -164,10 +202,37 @@ void MemberPanel::PressLogin() {
     }
     Settings().SetBool(kStartSetting, remember->IsChecked());
     host.SaveSettings();
+    if (!remember->IsChecked()) {
+        member.ForgetKey();
+    }
     std::string secret = Utf8FromWide(password->Text());
     password->SetText(L"");
     member.Login(ServiceOfSettings(), user->Text(), secret, remember->IsChecked());
     WipeSecret(secret);
+}
+
+// Pictures come from the same place; who has them elsewhere says so in the settings' file.
+void MemberPanel::PressConnect() {
+    std::wstring text = address->Text();
+    std::erase(text, L' ');
+    if (!text.empty() && text.find(L"://") == std::wstring::npos) {
+        text.insert(0, kScheme);
+    }
+    if (!text.empty() && !text.starts_with(kScheme)) {
+        addressNote->SetText(std::wstring(kBadServiceAddress));
+        return;
+    }
+    address->SetText(text);
+    member.Logout();
+    Settings().SetString(kServiceSetting, text);
+    Settings().SetString(kImagesSetting, text);
+    host.SaveSettings();
+    ShowState();
+    addressNote->SetText(text.empty() ? kNoAddressNote : L"");
+    LoginAtStart();
+    if (serviceChanged) {
+        serviceChanged();
+    }
 }
 
 void MemberPanel::PressLogout() {

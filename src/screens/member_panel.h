@@ -3,6 +3,7 @@
 //   no service is set    how games are added
 //   nobody is logged in  name, password and the button to log in
 //   a member is          who it is, and the button to log out
+// Below it is the service's address, which the player may change at any time.
 // A member who wants it is logged in by kept keys at the next start (`login_connectstartup`). Logging out forgets
 // them; the end of the program does not.
 //
@@ -11,6 +12,8 @@
 
 #include "screens/screen_panel.h"
 #include "web/member_login.h"
+
+#include <functional>
 
 class CGhostButton;
 class CGhostCheckBox;
@@ -32,6 +35,9 @@ public:
     // With the kept keys, if the member wants that.
     void LoginAtStart();
 
+    // Runs when the player has entered another service. May be empty.
+    std::function<void()> serviceChanged;
+
     [[nodiscard]] MemberLogin& Member() { return member; }
     [[nodiscard]] const MemberLogin& Member() const { return member; }
     [[nodiscard]] const CGhostTextBox* Header() const { return header; }
@@ -45,6 +51,9 @@ public:
     [[nodiscard]] CGhostTextBox* LoginBox() const { return out; }
     [[nodiscard]] CGhostTextBox* MemberBox() const { return in; }
     [[nodiscard]] CGhostMultiText* Help() const { return help; }
+    [[nodiscard]] CGhostEdit* Address() const { return address; }
+    [[nodiscard]] CGhostButton* ConnectButton() const { return connectButton; }
+    [[nodiscard]] const CGhostMultiText* AddressNote() const { return addressNote; }
 
 private:
     void MakeLogin();
@@ -52,12 +61,19 @@ private:
     void ShowState();
     void PressLogin();
     void PressLogout();
+    void MakeAddress();
+    void PressConnect();
 
     ScreenHost& host;
     CGhostTextBox* header;
     CGhostTextBox* out;
     CGhostTextBox* in;
     CGhostMultiText* help;
+    CGhostTextBox* placeHeader;
+    CGhostTextBox* place; // of the service's address
+    CGhostEdit* address = nullptr;
+    CGhostButton* connectButton = nullptr;
+    CGhostMultiText* addressNote = nullptr;
     CGhostTextBox* userLabel = nullptr;
     CGhostEdit* user = nullptr;
     CGhostTextBox* passwordLabel = nullptr;

@@ -5,9 +5,7 @@
 #include <ctime>
 #include <iterator>
 
-namespace {
-
-std::wstring DateText(int64_t seconds) {
+std::wstring PlayedDate(int64_t seconds) {
     const auto time = static_cast<std::time_t>(seconds);
     std::tm parts{};
     wchar_t text[64];
@@ -21,7 +19,7 @@ std::wstring DateText(int64_t seconds) {
     return text;
 }
 
-std::wstring DurationText(int64_t seconds) {
+std::wstring PlayedDuration(int64_t seconds) {
     constexpr int64_t kMinute = 60;
     constexpr int64_t kHour = 60 * kMinute;
     const std::wstring minutes = std::to_wstring(seconds % kHour / kMinute) + L" min";
@@ -30,12 +28,10 @@ std::wstring DurationText(int64_t seconds) {
                                 : std::to_wstring(seconds) + L" s";
 }
 
-} // namespace
-
 std::wstring PlayedText(const PLAYER_RECORD& played) {
-    std::wstring text = L"Last played: " + DateText(played.lastPlayed) + L"\n";
+    std::wstring text = L"Last played: " + PlayedDate(played.lastPlayed) + L"\n";
     if (played.starts != 0) {
-        text += L"Time played: " + DurationText(played.secondsPlayed) + L"\n";
+        text += L"Time played: " + PlayedDuration(played.secondsPlayed) + L"\n";
         text += L"Started: " +
                 (played.starts == 1 ? std::wstring(L"once")
                                     : std::to_wstring(played.starts) + L" times") +

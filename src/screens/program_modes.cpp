@@ -42,6 +42,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kWalking,    Input::kMiddleButton,  Guard::kSelectedOn,      Mode::kStanding,   Order::kNothing},
     {Mode::kWalking,    Input::kTurnOff,       Guard::kSelectedAndFullScreen, Mode::kBrowser, Order::kStopGame},
     {Mode::kWalking,    Input::kTurnOff,       Guard::kSelected,        Mode::kWalking,    Order::kStopGame},
+    {Mode::kWalking,    Input::kSavedStates,   Guard::kSelectedOn,      Mode::kWalking,    Order::kSavedStates},
     {Mode::kWalking,    Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
 
     {Mode::kStanding,   Input::kLeave,         Guard::kAlways,          Mode::kWalking,    Order::kNothing},
@@ -51,6 +52,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kStanding,   Input::kExitGame,      Guard::kSelectedAndFullScreen, Mode::kBrowser, Order::kStopGame},
     {Mode::kStanding,   Input::kExitGame,      Guard::kSelected,        Mode::kWalking,    Order::kStopGame},
     {Mode::kStanding,   Input::kResetGame,     Guard::kSelectedOn,      Mode::kStanding,   Order::kResetGame},
+    {Mode::kStanding,   Input::kSavedStates,   Guard::kSelectedOn,      Mode::kStanding,   Order::kSavedStates},
     {Mode::kStanding,   Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
 
     {Mode::kFullScreen, Input::kLeave,         Guard::kAlways,          Mode::kWalking,    Order::kNothing},
@@ -61,6 +63,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kFullScreen, Input::kExitGame,      Guard::kAlways,          Mode::kWalking,    Order::kStopGame},
     {Mode::kFullScreen, Input::kGameEnded,     Guard::kAlways,          Mode::kWalking,    Order::kNothing},
     {Mode::kFullScreen, Input::kResetGame,     Guard::kAlways,          Mode::kFullScreen, Order::kResetGame},
+    {Mode::kFullScreen, Input::kSavedStates,   Guard::kAlways,          Mode::kFullScreen, Order::kSavedStates},
     {Mode::kFullScreen, Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
 };
 // clang-format on

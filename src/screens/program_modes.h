@@ -36,6 +36,7 @@ enum class ModeInput : uint8_t {
     kExitGame,     // the button Exit Game
     kTelevision,   // the button Fullscreen Mode or TV Mode
     kResetGame,    // the button Reset Game: no way leads anywhere, but the machine is reset
+    kSavedStates,  // the action Saved States and its button: their panel lies over the mode
     kGameEnded,    // the machine of the set that is played could not go on
 };
 
@@ -54,6 +55,7 @@ enum class ModeOrder : uint8_t {
     kChooseGame,  // the browser is for the selected set
     kStopGame,    // turn off the selected set
     kResetGame,   // of the selected set
+    kSavedStates, // shows those of the selected set's game
 };
 
 enum class ModeGuard : uint8_t {

@@ -53,6 +53,10 @@ void ProgressWindow::Open(const std::wstring& line) {
     window->SetZOrder(-1);
 }
 
+void ProgressWindow::Show() {
+    window->SetVisible(true);
+}
+
 void ProgressWindow::Hide() {
     window->SetVisible(false);
 }

@@ -36,6 +36,7 @@ public:
 
     // The small window, over all others.
     void Open(const std::wstring& line);
+    void Show(); // as it is
     void Hide();
     [[nodiscard]] bool IsShown() const;
 

@@ -5,6 +5,7 @@
 #include "facts/machine_facts.h"
 #include "gui/button.h"
 #include "gui/drop_list.h"
+#include "gui/edit.h"
 #include "gui/list_view.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
@@ -70,10 +71,17 @@ SERVICE_ADDRESSES ServiceOfSettings() {
     return {Settings().GetString(L"web_service"), Settings().GetString(L"web_images")};
 }
 
-bool SidesOfPicture(std::span<const uint8_t> file, PICTURE_SIZE& size) {
-    const ROOM_IMAGE image = DecodeRoomImage(file);
-    size = {image.width, image.height};
-    return image.width != 0;
+// On the queue's thread: decoding a stranger's pictures may take a while.
+bool CheckContent(std::span<const uint8_t> archive, std::wstring& error) {
+    const PICTURE_CHECK check = {
+        [](std::span<const uint8_t> file, PICTURE_SIZE& size) {
+            return RoomImageSize(file, size.width, size.height);
+        },
+        [](std::span<const uint8_t> file) { return DecodeRoomImage(file).width != 0; }};
+    std::string reason;
+    const bool good = CheckMediaArchive(archive, check, reason);
+    error = WideFromUtf8(reason);
+    return good;
 }
 
 int32_t SelectorOf(uint16_t system) {
@@ -243,6 +251,7 @@ void CGUIRomBrowser::SetActive(bool wanted) {
         control->SetVisible(active);
     }
     empty->SetVisible(active && list->RowCount() == 0);
+    scan.SetActive(active);
     if (!active) {
         return;
     }
@@ -459,22 +468,30 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
     AskAboutGame(*row);
 }
 
+std::filesystem::path CGUIRomBrowser::MediaOf(const GameListRow& row) const {
+    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+    return facts != nullptr ? MediaArchivePath(facts->folder, row.contentKey)
+                            : std::filesystem::path();
+}
+
 // The pictures of the game before stay until these are there.
 void CGUIRomBrowser::AskForMedia(const GameListRow& row) {
-    hasMedia = localTexts = answered = failed = false;
+    localTexts.reset();
+    told.reset();
+    failed = false;
     if (const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System())) {
         mediaReader.Ask(facts->folder, row.contentKey);
     }
 }
 
 void CGUIRomBrowser::ShowMedia(GAME_MEDIA media) {
-    hasMedia = media.archive;
-    localTexts = !media.texts.empty();
-    if (hasMedia) {
-        content.OfferContent(false);
+    if (!media.texts.empty()) {
+        localTexts = ReadGameInformation(media.texts);
     }
-    if (!answered && (localTexts || !failed)) {
-        ShowTexts(localTexts ? ReadGameInformation(media.texts) : GAME_INFORMATION());
+    if (told && localTexts) {
+        ShowTexts(WithLocalTexts(*told, *localTexts));
+    } else if (!told && (localTexts || !failed)) {
+        ShowTexts(localTexts.value_or(GAME_INFORMATION()));
     }
     content.SetShots(std::move(media.shots));
     const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
@@ -487,7 +504,12 @@ void CGUIRomBrowser::ShowTexts(const GAME_INFORMATION& information) {
     content.SetText(ContentTab::kTrivia, information.trivia);
 }
 
-// The texts that lie here are shown soon; an answer of the service takes their place, or is there before.
+// Games of two systems may have one name.
+bool CGUIRomBrowser::IsChosen(uint16_t system, const std::wstring& key) const {
+    return chosen != nullptr && catalogue.System() == system && chosen->contentKey == key;
+}
+
+// The texts that lie here are shown soon; those of the service's answer take their place, or are there before.
 void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
     content.OfferContent(false);
     const std::wstring url = GameUrl(ServiceOfSettings(), row.contentKey);
@@ -496,23 +518,31 @@ void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
     }
     host.Downloads().QueueRequest(
         url, row.contentKey, kAskGame, abandoned,
-        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
-               const uint8_t* data, uint32_t size) {
-            if (*gone != 0 || chosen == nullptr || chosen->contentKey != key) {
+        [this, url, system = catalogue.System()](const std::wstring& error, const std::wstring& key,
+                                                 uint32_t, const AbortWord& gone,
+                                                 const uint8_t* data, uint32_t size) {
+            if (*gone != 0 || !IsChosen(system, key)) {
                 return; // the player looks at another game by now
             }
-            if (!error.empty()) {
+            if (const std::wstring why = WhyNothingCame(url, error, data); why.empty()) {
+                TakeInformation(ReadGameInformation({data, size}));
+            } else {
                 failed = true;
                 if (!localTexts) {
-                    ShowTexts(GameInformationFailure(error));
+                    ShowTexts(GameInformationFailure(why));
                 }
-                return;
             }
-            answered = true;
-            const GAME_INFORMATION information = ReadGameInformation({data, size});
-            ShowTexts(information);
-            content.OfferContent(!hasMedia && ContentAvailable(information, 0));
         });
+}
+
+void CGUIRomBrowser::TakeInformation(const GAME_INFORMATION& information) {
+    told = information;
+    ShowTexts(localTexts ? WithLocalTexts(information, *localTexts) : information);
+    offeredRevision = information.cover;
+    const std::optional<int32_t> revision = MediaRevision(MediaOf(*chosen));
+    const bool reachable =
+        !CoverUrl(ServiceOfSettings(), catalogue.System(), chosen->contentKey).empty();
+    content.OfferContent(reachable && revision && ContentAvailable(information, *revision));
 }
 
 // The button `Content Available`.
@@ -526,19 +556,20 @@ void CGUIRomBrowser::FetchContent() {
     }
     host.Downloads().QueueRequest(
         url, chosen->contentKey, kFetchCover, abandoned,
-        [this](const std::wstring& error, const std::wstring& key, uint32_t, const AbortWord& gone,
-               const uint8_t* data, uint32_t size) {
-            if (*gone == 0 && chosen != nullptr && chosen->contentKey == key) {
-                StoreContent(error, {data, size});
+        [this, url, system = catalogue.System(),
+         revision = offeredRevision](const std::wstring& error, const std::wstring& key, uint32_t,
+                                     const AbortWord& gone, const uint8_t* data, uint32_t size) {
+            if (*gone == 0 && IsChosen(system, key)) {
+                StoreContent(WhyNothingCame(url, error, data), {data, size}, revision);
             }
-        });
+        },
+        CheckContent);
 }
 
-void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive) {
-    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uint8_t> archive,
+                                  int32_t revision) {
     std::string reason = Utf8FromWide(error);
-    if (error.empty() && StoreMediaArchive(MediaArchivePath(facts->folder, chosen->contentKey),
-                                           archive, SidesOfPicture, reason)) {
+    if (error.empty() && StoreMediaArchive(MediaOf(*chosen), archive, revision, reason)) {
         AskForMedia(*chosen);
         return;
     }
@@ -642,14 +673,34 @@ void CGUIRomBrowser::Layout(int32_t width, int32_t height) {
 }
 
 void CGUIRomBrowser::TakeFocus() {
-    list->SetFocus();
+    if (!scan.TakeFocus()) {
+        list->SetFocus();
+    }
 }
 
+// One thing at a time, the nearest first.
 bool CGUIRomBrowser::TakeBack() {
-    if (!filters.Menu()->IsVisible()) {
+    if (scan.TakeBack()) {
+        return true;
+    }
+    if (filters.Menu()->IsVisible()) {
+        filters.CloseMenu();
+        list->SetFocus();
+        return true;
+    }
+    return LeaveName();
+}
+
+// Who looks for a name first wants another one, and then none.
+bool CGUIRomBrowser::LeaveName() {
+    CGhostEdit* const name = filters.Name();
+    if (CGhostManager::Get().FocusWindow() != name->window) {
         return false;
     }
-    filters.CloseMenu();
-    list->SetFocus();
+    if (name->Text().empty()) {
+        list->SetFocus();
+    } else {
+        filters.ClearName();
+    }
     return true;
 }

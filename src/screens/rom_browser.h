@@ -19,11 +19,13 @@
 #include "screens/screen_panel.h"
 #include "screens/system_switcher.h"
 #include "web/download_list.h"
+#include "web/service_texts.h"
 
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -31,7 +33,6 @@
 class CGhostListView;
 class CGhostWindowEx;
 class ScreenHost;
-struct GAME_INFORMATION;
 struct GHOSTLISTVIEW_ITEM;
 
 class CGUIRomBrowser final : public CGUIPanel {
@@ -56,7 +57,7 @@ public:
     void Layout(int32_t width, int32_t height) override;
     void Update() override;
     void TakeFocus() override;
-    [[nodiscard]] bool TakeBack() override; // the filters
+    [[nodiscard]] bool TakeBack() override; // what a scan tells, the filters, the name to look for
 
     // As the button START GAME.
     void StartSelected();
@@ -95,11 +96,16 @@ private:
     void AskForMedia(const GameListRow& row);
     void ShowMedia(GAME_MEDIA media);
     void ShowTexts(const GAME_INFORMATION& information);
+    [[nodiscard]] std::filesystem::path MediaOf(const GameListRow& row) const;
+    [[nodiscard]] bool IsChosen(uint16_t system, const std::wstring& key) const;
     void AskAboutGame(const GameListRow& row);
+    void TakeInformation(const GAME_INFORMATION& information);
     void FetchContent();
-    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive);
+    void StoreContent(const std::wstring& error, std::span<const uint8_t> archive,
+                      int32_t revision);
     [[nodiscard]] const GameListRow* RowOf(int32_t listRow) const;
     void StoreSaves();
+    [[nodiscard]] bool LeaveName();
 
     ScreenHost& host;
     SystemSwitcher switcher;
@@ -125,10 +131,10 @@ private:
     const GameListRow* chosen = nullptr;
     std::wstring metaHead; // of the chosen game: what comes before and after the times played
     std::wstring metaTail;
-    bool hasMedia = false;   // the chosen game has an archive of pictures
-    bool localTexts = false; // and texts in it
-    bool answered = false;   // the service has told of the chosen game
-    bool failed = false;     // or could not
+    std::optional<GAME_INFORMATION> localTexts; // in the chosen game's archive
+    int32_t offeredRevision = 0;                // of its pictures on the service
+    std::optional<GAME_INFORMATION> told;       // by the service about the chosen game
+    bool failed = false;                        // it could not
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
     MediaReader mediaReader;
     LibraryIndex libraryIndex;

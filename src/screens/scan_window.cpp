@@ -24,14 +24,45 @@ ScanWindow::ScanWindow(std::function<void()> whenClosed)
 
 void ScanWindow::Open() {
     converted = false;
+    waits = false;
+    open = true;
     window.ClearLog();
     window.Button()->SetVisible(false);
     window.Open(L"Loading...");
+    if (!active) {
+        window.Hide();
+    }
 }
 
 void ScanWindow::Close() {
+    open = false;
+    waits = false;
     window.Hide();
     closed();
+}
+
+void ScanWindow::SetActive(bool shown) {
+    active = shown;
+    if (active && open) {
+        window.Show();
+    } else {
+        window.Hide();
+    }
+}
+
+bool ScanWindow::TakeFocus() {
+    if (waits) {
+        window.Button()->SetFocus();
+    }
+    return waits;
+}
+
+bool ScanWindow::TakeBack() {
+    const bool waited = waits;
+    if (waited) {
+        Close();
+    }
+    return waited;
 }
 
 bool ScanWindow::Update(Catalogue& catalogue) {
@@ -55,7 +86,10 @@ bool ScanWindow::Update(Catalogue& catalogue) {
     if (converted) {
         window.HideBar();
         window.Button()->SetVisible(true);
-        window.Button()->SetFocus();
+        waits = true;
+        if (active) {
+            window.Button()->SetFocus();
+        }
     } else {
         Close();
     }

@@ -22,6 +22,12 @@ public:
     // filters, which ends the scan's state.
     [[nodiscard]] bool Update(Catalogue& catalogue);
 
+    // With the browser; a scan that goes on while it is hidden is seen again when it comes back.
+    void SetActive(bool active);
+    // Puts the focus on its button, or closes it, if it waits for the player; false if not.
+    [[nodiscard]] bool TakeFocus();
+    [[nodiscard]] bool TakeBack();
+
     [[nodiscard]] bool IsShown() const { return window.IsShown(); }
     [[nodiscard]] const CGhostTextBox* Text() const { return window.Text(); }
     [[nodiscard]] const CGhostTextBox* Counter(size_t index) const { return window.Counter(index); }
@@ -39,5 +45,8 @@ private:
     ProgressWindow window;
     bool converted = false; // this scan has converted something
     bool scanning = false;
+    bool open = false;   // shown while the browser is
+    bool active = false; // the browser is shown
+    bool waits = false;  // for the button "Finish"
     ScreenSignals signals;
 };

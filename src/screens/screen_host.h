@@ -63,8 +63,15 @@ public:
     // Writes the settings to their file. A failure is told to the player.
     virtual void SaveSettings() = 0;
 
+    // The program has stood still, as the benchmark makes it: what the player has pressed meanwhile is for nobody.
+    virtual void ForgetInput() = 0;
+
     // In the order of their numbers.
     [[nodiscard]] virtual std::vector<SCREEN_JOYSTICK> Joysticks() const = 0;
+
+    // What the program itself does at a key of the keyboard, in a few words. Such a key cannot be bound to an action.
+    // Empty for all others.
+    [[nodiscard]] virtual std::wstring UseOfKey(uint32_t scancode) const = 0;
 
     // The Master System game that the benchmark runs, its image unpacked. False if it cannot be had.
     [[nodiscard]] virtual bool OpenBenchmarkGame(CGameFile& game) const = 0;

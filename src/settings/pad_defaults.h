@@ -34,9 +34,10 @@ enum PadControl : uint32_t {
     kPadStart = 15,
     kPadLeftTrigger = 16,
     kPadRightTrigger = 17,
-    kPadGuide = 18, // the maker's button in the middle
+    kPadGuide = 18,      // the maker's button in the middle
+    kPadRightClick = 19, // the right stick pressed down
 };
-inline constexpr uint32_t kPadControls = 19;
+inline constexpr uint32_t kPadControls = 20;
 inline constexpr uint32_t kPadPlayers = 2;
 
 [[nodiscard]] constexpr uint64_t PadBit(uint32_t player, PadControl control) {

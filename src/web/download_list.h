@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,10 @@ using DownloadCallback =
     std::function<void(const std::wstring& errorText, const std::wstring& userText, uint32_t kind,
                        const AbortWord& abortWord, const uint8_t* data, uint32_t size)>;
 
+// Looks at an answer on the queue's thread, which may take its time. False turns the request into a failure with
+// that text.
+using DownloadCheck = std::function<bool(std::span<const uint8_t> data, std::wstring& error)>;
+
 struct CDownloadRequest {
     uint32_t id = 0;
     bool finished = false;
@@ -26,6 +31,7 @@ struct CDownloadRequest {
     uint32_t kind = 0;
     AbortWord abortFlag;
     DownloadCallback callback; // may be empty: the answer is dropped
+    DownloadCheck check;       // may be empty
     std::wstring errorText;
     std::unique_ptr<uint8_t[]> data;
     uint32_t size = 0; // bytes of `data`

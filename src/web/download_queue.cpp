@@ -1,5 +1,6 @@
 #include "web/download_queue.h"
 
+#include "base/helper_thread.h"
 #include "web/http_client.h"
 
 #include <mutex>
@@ -29,13 +30,15 @@ DownloadQueue::~DownloadQueue() {
 }
 
 void DownloadQueue::QueueRequest(const std::wstring& url, const std::wstring& userText,
-                                 uint32_t kind, AbortWord abortFlag, DownloadCallback callback) {
+                                 uint32_t kind, AbortWord abortFlag, DownloadCallback callback,
+                                 DownloadCheck check) {
     auto request = std::make_unique<CDownloadRequest>();
     request->url = url;
     request->userText = userText;
     request->kind = kind;
     request->abortFlag = std::move(abortFlag);
     request->callback = std::move(callback);
+    request->check = std::move(check);
     {
         const std::scoped_lock hold(lock);
         requests.Add(std::move(request));
@@ -83,10 +86,12 @@ void DownloadQueue::Stop() {
 }
 
 void DownloadQueue::Run() {
+    HelperBegins();
     while (true) {
         uint32_t id = 0;
         std::wstring url;
         AbortWord abortFlag;
+        DownloadCheck check;
         {
             std::unique_lock hold(lock);
             changed.wait(hold, [this] { return quit || requests.FirstUnfinished() != nullptr; });
@@ -97,10 +102,17 @@ void DownloadQueue::Run() {
             id = request.id;
             url = request.url;
             abortFlag = request.abortFlag;
+            check = request.check;
         }
         CDownloadRequest outcome;
         outcome.result =
             fetch(url, outcome.errorText, abortFlag.get(), outcome.data, outcome.size, quit);
+        if (outcome.data != nullptr && check &&
+            !check({outcome.data.get(), outcome.size}, outcome.errorText)) {
+            outcome.result = false;
+            outcome.data.reset();
+            outcome.size = 0;
+        }
         {
             const std::scoped_lock hold(lock);
             requests.Finish(id, std::move(outcome));

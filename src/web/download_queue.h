@@ -35,7 +35,7 @@ public:
     DownloadQueue& operator=(const DownloadQueue&) = delete;
 
     void QueueRequest(const std::wstring& url, const std::wstring& userText, uint32_t kind,
-                      AbortWord abortFlag, DownloadCallback callback);
+                      AbortWord abortFlag, DownloadCallback callback, DownloadCheck check = {});
 
     // Runs the callbacks of finished requests, up to the first unfinished one. Once a frame. A callback
     // may queue requests; a call from within one does nothing.

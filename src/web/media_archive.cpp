@@ -2,25 +2,34 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "formats/sha256.h"
 #include "formats/zip.h"
 
 #include <algorithm>
+#include <charconv>
+#include <system_error>
 #include <utility>
 
 namespace {
+
+constexpr uint64_t kLongestCoverNote = 128; // bytes
 
 bool IsFolder(const ZIP_ENTRY& entry) {
     return entry.unpackedSize == 0 && entry.rawName.ends_with('/');
 }
 
-// The picture's pixels; 0 if the bytes are no picture, or one that is too long.
-uint64_t PixelsOf(std::span<const uint8_t> file, const ReadPictureSize& readSize) {
+// The picture's pixels as its header states them; 0 if the bytes are no picture, or one that is too long.
+uint64_t PixelsOf(std::span<const uint8_t> file, const PICTURE_CHECK& check) {
     PICTURE_SIZE size;
-    if (!readSize(file, size) || size.width > kLongestPictureSide ||
+    if (!check.size(file, size) || size.width > kLongestPictureSide ||
         size.height > kLongestPictureSide) {
         return 0;
     }
     return uint64_t{size.width} * size.height;
+}
+
+std::filesystem::path CoverNote(std::filesystem::path archive) {
+    return archive.replace_extension(".cover");
 }
 
 // The sizes that the archive states, before anything is unpacked.
@@ -51,7 +60,7 @@ bool CheckStatedSizes(const ZipReader& zip, std::string& error) {
 
 } // namespace
 
-bool CheckMediaArchive(std::span<const uint8_t> archive, const ReadPictureSize& readSize,
+bool CheckMediaArchive(std::span<const uint8_t> archive, const PICTURE_CHECK& check,
                        std::string& error) {
     ZipReader zip;
     std::string cause; // may repeat an entry's name
@@ -73,14 +82,14 @@ bool CheckMediaArchive(std::span<const uint8_t> archive, const ReadPictureSize& 
             error = "entry " + std::to_string(i + 1) + " of the media archive is damaged";
             return false;
         }
-        const uint64_t pixels = PixelsOf(file, readSize);
-        if (pixels == 0) {
-            error = "entry " + std::to_string(i + 1) + " of the media archive is no picture";
-            return false;
-        }
+        const uint64_t pixels = PixelsOf(file, check);
         allPixels += pixels;
         if (allPixels > kMostMediaPixels) {
             error = "the pictures of the media archive are too large";
+            return false;
+        }
+        if (pixels == 0 || !check.decodes(file)) {
+            error = "entry " + std::to_string(i + 1) + " of the media archive is no picture";
             return false;
         }
     }
@@ -91,9 +100,38 @@ bool CheckMediaArchive(std::span<const uint8_t> archive, const ReadPictureSize& 
     return true;
 }
 
+// A line: the revision, a blank, and the archive's SHA-256. Without it, or if the archive was replaced since, the
+// archive counts as the player's own.
 bool StoreMediaArchive(const std::filesystem::path& path, std::span<const uint8_t> archive,
-                       const ReadPictureSize& readSize, std::string& error) {
-    return CheckMediaArchive(archive, readSize, error) && WriteFile(path, archive, error);
+                       int32_t revision, std::string& error) {
+    if (!WriteFile(path, archive, error)) {
+        return false;
+    }
+    const std::string line = std::to_string(revision) + " " + HexText(Sha256(archive)) + "\n";
+    std::string ignored;
+    (void)WriteFile(CoverNote(path), std::vector<uint8_t>(line.begin(), line.end()), ignored);
+    return true;
+}
+
+std::optional<int32_t> MediaRevision(const std::filesystem::path& path) {
+    std::error_code code;
+    if (!std::filesystem::exists(path, code)) {
+        return code ? std::nullopt : std::optional<int32_t>(0);
+    }
+    std::vector<uint8_t> note;
+    std::vector<uint8_t> archive;
+    std::string error;
+    if (!ReadFile(CoverNote(path), note, error, kLongestCoverNote) ||
+        !ReadFile(path, archive, error, kLargestMedia)) {
+        return std::nullopt;
+    }
+    const std::string text(note.begin(), note.end());
+    int32_t revision = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), revision);
+    const std::string rest(read.ptr, text.data() + text.size());
+    return read.ec == std::errc() && rest == " " + HexText(Sha256(archive)) + "\n"
+               ? std::optional(revision)
+               : std::nullopt;
 }
 
 std::filesystem::path MediaArchivePath(std::string_view systemFolder, std::wstring_view game) {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -30,17 +31,25 @@ struct PICTURE_SIZE {
     uint32_t width = 0;
     uint32_t height = 0;
 };
-// False if the bytes are no picture. They are a stranger's.
-using ReadPictureSize = std::function<bool(std::span<const uint8_t> file, PICTURE_SIZE& size)>;
+// How pictures are looked at; their bytes are a stranger's. Both are false if the bytes are no picture.
+struct PICTURE_CHECK {
+    std::function<bool(std::span<const uint8_t> file, PICTURE_SIZE& size)> size; // of the header
+    std::function<bool(std::span<const uint8_t> file)> decodes;
+};
 
-// On failure `error` says what is wrong with the archive, in our own words.
-[[nodiscard]] bool CheckMediaArchive(std::span<const uint8_t> archive,
-                                     const ReadPictureSize& readSize, std::string& error);
+// On failure `error` says what is wrong with the archive, in our own words. Takes as long as decoding its pictures.
+[[nodiscard]] bool CheckMediaArchive(std::span<const uint8_t> archive, const PICTURE_CHECK& check,
+                                     std::string& error);
 
-// Checks an archive and puts it in the place of the one at `path`, which stays as it is on failure.
+// Puts a checked archive in the place of the one at `path`, which stays as it is on failure. Beside it, with the
+// ending `.cover`, a file keeps its revision on the service.
 [[nodiscard]] bool StoreMediaArchive(const std::filesystem::path& path,
-                                     std::span<const uint8_t> archive,
-                                     const ReadPictureSize& readSize, std::string& error);
+                                     std::span<const uint8_t> archive, int32_t revision,
+                                     std::string& error);
+
+// The revision of the service's archive at `path`, 0 if there is no archive. Nothing for one that did not come from the
+// service: it is the player's own, and nothing is to take its place.
+[[nodiscard]] std::optional<int32_t> MediaRevision(const std::filesystem::path& path);
 
 // `.\<system>\media\<game>.zip`. A game's name never leads out of the folder.
 [[nodiscard]] std::filesystem::path MediaArchivePath(std::string_view systemFolder,

@@ -1,5 +1,6 @@
 #include "web/member_login.h"
 
+#include "base/helper_thread.h"
 #include "base/text.h"
 #include "web/download_queue.h"
 
@@ -86,6 +87,27 @@ void MemberLogin::Logout() {
     Change(State::kOut);
 }
 
+void MemberLogin::Check() {
+    if (!IsLoggedIn()) {
+        return;
+    }
+    const std::wstring query =
+        L"?m=9&u=" + UrlText(credentials.name) + L"&t=" + UrlText(credentials.token);
+    queue.QueueRequest(QueryUrl(service, query), {}, 0, abortWord,
+                       [this](const std::wstring&, const std::wstring&, uint32_t,
+                              const AbortWord& word, const uint8_t* data, uint32_t size) {
+                           if (*word == 0 && data != nullptr) {
+                               TakeCheck(AnswerText({data, size}));
+                           }
+                       });
+}
+
+void MemberLogin::TakeCheck(const std::wstring& body) {
+    if (GetTag(body, L"LOGIN", true) == L"ended" && !LoginWithKey(SERVICE_ADDRESSES(service))) {
+        Fail(kLoginEnded);
+    }
+}
+
 void MemberLogin::ForgetKey() const {
     std::error_code ignored;
     std::filesystem::remove(keyFile, ignored);
@@ -105,19 +127,19 @@ void MemberLogin::Ask(std::wstring_view query, std::string_view message,
                       void (MemberLogin::*answer)(const std::wstring& body)) {
     const std::wstring url =
         QueryUrl(service, std::wstring(query) + UrlText(WideFromUtf8(message)));
-    queue.QueueRequest(url, {}, 0, abortWord,
-                       [this, answer](const std::wstring& errorText, const std::wstring&, uint32_t,
-                                      const AbortWord& word, const uint8_t* data, uint32_t size) {
-                           if (*word != 0) {
-                               return; // this attempt, or even this object, is gone
-                           }
-                           if (data == nullptr) {
-                               Fail(errorText.empty() ? kLoginNoSense
-                                                      : std::wstring_view(errorText));
-                               return;
-                           }
-                           (this->*answer)(AnswerText({data, size}));
-                       });
+    queue.QueueRequest(
+        url, {}, 0, abortWord,
+        [this, url, answer](const std::wstring& errorText, const std::wstring&, uint32_t,
+                            const AbortWord& word, const uint8_t* data, uint32_t size) {
+            if (*word != 0) {
+                return; // this attempt, or even this object, is gone
+            }
+            if (const auto why = WhyNothingCame(url, errorText, data); !why.empty()) {
+                Fail(why);
+                return;
+            }
+            (this->*answer)(AnswerText({data, size}));
+        });
 }
 
 void MemberLogin::TakeChallenge(const std::wstring& body) {
@@ -140,13 +162,19 @@ void MemberLogin::TakeChallenge(const std::wstring& body) {
 void MemberLogin::MakeKeys() {
     const auto secret = std::make_shared<std::string>(password); // shared, so that no copy is left
     WipeSecret(password);
-    making = std::async(std::launch::async,
-                        [secret, salt = challenge.salt, iterations = challenge.iterations] {
-                            const SCRAM_KEYS keys = DeriveScramKeys(*secret, salt, iterations);
-                            WipeSecret(*secret);
-                            return keys;
-                        });
-    keysAwaited = true;
+    const auto derive = [secret, salt = challenge.salt, iterations = challenge.iterations] {
+        HelperBegins();
+        const SCRAM_KEYS keys = DeriveScramKeys(*secret, salt, iterations);
+        WipeSecret(*secret);
+        return keys;
+    };
+    try {
+        making = std::async(std::launch::async, derive);
+        keysAwaited = true;
+    } catch (const std::system_error& failure) { // the system gives no thread
+        WipeSecret(*secret);
+        Fail(WideFromUtf8(failure.what()));
+    }
 }
 
 void MemberLogin::Update() {

@@ -3,7 +3,7 @@
 // Three queries carry it, beside those of service_texts.h. `?m=6&c=` asks for a challenge with SCRAM's
 // first message, `?m=7&c=` answers with the proof, `?m=8&u=&t=` ends the login. Answers hold SCRAM's
 // messages in the tag SCRAM; the last one adds TOKEN, which play reports carry, and ACCOUNT, a line that
-// is shown to the member.
+// is shown to the member. `?m=9&u=&t=` asks whether the token is still good; the tag LOGIN says "ended" if not.
 // The password is wiped once the keys are made from it. The keys are kept in a file of their own if the
 // member wants that.
 // Thread: main; callbacks come from the queue's PumpRequests and from Update. The keys, which take many rounds of
@@ -31,6 +31,7 @@ inline constexpr std::wstring_view kServiceUnproved =
     L"The service could not show that it knows this member";
 inline constexpr std::wstring_view kPasswordNeeded = L"Please enter the password again";
 inline constexpr std::wstring_view kNameNeeded = L"Please enter a name and a password";
+inline constexpr std::wstring_view kLoginEnded = L"The login has ended. Please log in again.";
 inline constexpr std::wstring_view kLoginNeedsService = L"No web service is set";
 
 class MemberLogin {
@@ -54,6 +55,9 @@ public:
     void Update();
     // Logs in with the keys that were kept. False if none were kept for this service.
     [[nodiscard]] bool LoginWithKey(const SERVICE_ADDRESSES& addresses);
+    // Asks the service whether the login still holds, as it ends by itself after some hours. If not, the kept keys log
+    // in again; without them the member is logged out, and told. Nothing while nobody is logged in.
+    void Check();
     // Tells the service, if a member is logged in, and forgets the token. The keys stay.
     void Logout();
     // Deletes the kept keys.
@@ -72,6 +76,7 @@ private:
              void (MemberLogin::*answer)(const std::wstring& body));
     void TakeChallenge(const std::wstring& body);
     void TakeVerdict(const std::wstring& body);
+    void TakeCheck(const std::wstring& body);
     void MakeKeys();
     void Prove();
     void Fail(std::wstring_view why);

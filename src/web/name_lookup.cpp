@@ -1,11 +1,13 @@
 #include "web/name_lookup.h"
 
+#include "base/helper_thread.h"
 #include "base/ranked_mutex.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -49,7 +51,13 @@ struct NameLookup::SHARED {
 NameLookup::NameLookup(LookUpFunction lookUp, const std::string& host, const std::string& service)
     : shared(std::make_shared<SHARED>()) {
     const auto run = [state = shared, lookUp = std::move(lookUp), host, service] {
-        LOOKUP_RESULT result = lookUp(host, service);
+        HelperBegins();
+        LOOKUP_RESULT result;
+        try {
+            result = lookUp(host, service);
+        } catch (const std::exception& failure) {
+            result.error = failure.what(); // no file descriptor is left, for one
+        }
         {
             const std::scoped_lock hold(state->lock);
             state->result = std::move(result);

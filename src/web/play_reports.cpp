@@ -2,20 +2,21 @@
 
 #include "web/download_queue.h"
 
-void PlayReports::Note(const SERVICE_ADDRESSES& addresses, const MEMBER_CREDENTIALS& member,
+bool PlayReports::Note(const SERVICE_ADDRESSES& addresses, const MEMBER_CREDENTIALS& member,
                        uint32_t key, uint32_t serial, uint32_t system, const std::wstring& game) {
     const auto before = sets.find(key);
     if (before != sets.end()) {
         if (before->second.serial == serial) {
-            return;
+            return false;
         }
         Stop(addresses, member, before->second);
         sets.erase(before);
     }
-    if (serial != 0) {
-        Send(PlayReportUrl(addresses, PlayReport::kStarted, system, game, member));
-        sets[key] = {serial, system, game, member.token};
+    if (serial == 0) {
+        return false;
     }
+    sets[key] = {serial, system, game, member.token};
+    return Send(PlayReportUrl(addresses, PlayReport::kStarted, system, game, member));
 }
 
 void PlayReports::StopAll(const SERVICE_ADDRESSES& addresses, const MEMBER_CREDENTIALS& member) {
@@ -28,12 +29,15 @@ void PlayReports::StopAll(const SERVICE_ADDRESSES& addresses, const MEMBER_CREDE
 void PlayReports::Stop(const SERVICE_ADDRESSES& addresses, const MEMBER_CREDENTIALS& member,
                        const PLAYED& played) {
     if (!played.token.empty() && played.token == member.token) {
-        Send(PlayReportUrl(addresses, PlayReport::kStopped, played.system, played.game, member));
+        (void)Send(
+            PlayReportUrl(addresses, PlayReport::kStopped, played.system, played.game, member));
     }
 }
 
-void PlayReports::Send(const std::wstring& url) {
-    if (!url.empty()) {
-        queue.QueueRequest(url, {}, 0, nullptr, {});
+bool PlayReports::Send(const std::wstring& url) {
+    if (url.empty()) {
+        return false;
     }
+    queue.QueueRequest(url, {}, 0, nullptr, {});
+    return true;
 }

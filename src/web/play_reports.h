@@ -18,8 +18,9 @@ public:
     explicit PlayReports(DownloadQueue& downloads)
         : queue(downloads) {}
 
-    // What is on a set in this round. `serial` is that of its session, 0 while there is none.
-    void Note(const SERVICE_ADDRESSES& addresses, const MEMBER_CREDENTIALS& member, uint32_t key,
+    // What is on a set in this round. `serial` is that of its session, 0 while there is none. True if a game's start
+    // was reported.
+    bool Note(const SERVICE_ADDRESSES& addresses, const MEMBER_CREDENTIALS& member, uint32_t key,
               uint32_t serial, uint32_t system, const std::wstring& game);
     // Everything stops.
     void StopAll(const SERVICE_ADDRESSES& addresses, const MEMBER_CREDENTIALS& member);
@@ -33,7 +34,7 @@ private:
     };
     void Stop(const SERVICE_ADDRESSES& addresses, const MEMBER_CREDENTIALS& member,
               const PLAYED& played);
-    void Send(const std::wstring& url);
+    bool Send(const std::wstring& url); // false if there is no address
 
     DownloadQueue& queue;
     std::map<uint32_t, PLAYED> sets; // by session key

@@ -119,6 +119,14 @@ std::wstring CoverUrl(const SERVICE_ADDRESSES& addresses, uint32_t system, std::
     return LowerAscii(url + UrlText(LowerAscii(game)) + L".zip");
 }
 
+std::wstring WhyNothingCame(std::wstring_view url, const std::wstring& errorText,
+                            const uint8_t* data) {
+    if (!errorText.empty() || data != nullptr) {
+        return errorText;
+    }
+    return std::wstring(url.starts_with(L"http://") ? kEmptyAnswer : kBadServiceAddress);
+}
+
 std::wstring GetTag(std::wstring_view body, std::wstring_view name, bool trim) {
     const std::wstring open = L"<" + std::wstring(name) + L">";
     const std::wstring close = L"</" + std::wstring(name) + L">";
@@ -175,6 +183,19 @@ GAME_INFORMATION ReadGameInformation(std::span<const uint8_t> body) {
         information.reviews = kReviewInvitation;
     }
     return information;
+}
+
+GAME_INFORMATION WithLocalTexts(GAME_INFORMATION answer, const GAME_INFORMATION& local) {
+    if (answer.cheats.empty()) {
+        answer.cheats = local.cheats;
+    }
+    if (answer.trivia.empty()) {
+        answer.trivia = local.trivia;
+    }
+    if (answer.reviews == kReviewInvitation) {
+        answer.reviews = local.reviews;
+    }
+    return answer;
 }
 
 GAME_INFORMATION GameInformationFailure(std::wstring_view errorText) {

@@ -18,6 +18,9 @@ inline constexpr std::wstring_view kNewVersionText =
 inline constexpr std::wstring_view kConnectingText = L"Connecting to server to collect news...";
 inline constexpr std::wstring_view kNoServiceText =
     L"No web service is set, so there is no news. Everything else works without one.";
+inline constexpr std::wstring_view kBadServiceAddress =
+    L"The address of the web service must begin with http://";
+inline constexpr std::wstring_view kEmptyAnswer = L"The service's answer is empty";
 inline constexpr std::wstring_view kGameUnknownText = L"Game isn't in database";
 inline constexpr std::wstring_view kReviewInvitation =
     L"Nobody has written about this game yet. What would you tell a friend about it?";
@@ -52,6 +55,11 @@ enum class PlayReport { kStarted, kStopped };
 [[nodiscard]] std::wstring CoverUrl(const SERVICE_ADDRESSES& addresses, uint32_t system,
                                     std::wstring_view game);
 
+// Why a request for `url` brought nothing to read, from what its callback got; empty if it brought something. A
+// failure has no text if Fetch does not take addresses of that form, nor is an empty answer a failure.
+[[nodiscard]] std::wstring WhyNothingCame(std::wstring_view url, const std::wstring& errorText,
+                                          const uint8_t* data);
+
 // What lies between the first <NAME> and the first </NAME>; empty if either is missing, or if they are
 // the wrong way round. `trim` drops line ends at both ends.
 [[nodiscard]] std::wstring GetTag(std::wstring_view body, std::wstring_view name, bool trim);
@@ -77,6 +85,9 @@ struct GAME_INFORMATION {
     int32_t cover = 0; // the server's revision of the cover; 0 if it has none
 };
 [[nodiscard]] GAME_INFORMATION ReadGameInformation(std::span<const uint8_t> body);
+// The answer's texts, and for those that it lacks the local ones.
+[[nodiscard]] GAME_INFORMATION WithLocalTexts(GAME_INFORMATION answer,
+                                              const GAME_INFORMATION& local);
 // What the three panels show after a failed request.
 [[nodiscard]] GAME_INFORMATION GameInformationFailure(std::wstring_view errorText);
 // Whether the service has another cover than the local one.

@@ -58,7 +58,7 @@ const std::vector<CONTROL_ROW>& ControlRows() {
                                       L"MEGADRIVE P* BUTTONZ"}},
         {"guide", 5, 0, 0, {}},
         {"left thumb", 7, 0, 0, {}},
-        {"right thumb", 8, 0, 0, {}},
+        {"right thumb", 8, 0, 0, {}, {L"Saved States"}},
         {"right stick", -1, 2, 32767, {}},
     };
     // clang-format on

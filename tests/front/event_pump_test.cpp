@@ -121,6 +121,40 @@ TEST_F(EventPumpTest, AKeyIsDownFromItsPressToItsRelease) {
     EXPECT_FALSE(BindingIsDown(kKeyA, false));
 }
 
+TEST_F(EventPumpTest, PressesOfAStandstillAreForNobody) {
+    Key(kKeyTab, true);
+    Button(SDL_BUTTON_RIGHT, true, 1, 2);
+    (void)pump.Pump();
+    Key(kKeyTab, false); // releases of what was pressed before
+    Button(SDL_BUTTON_RIGHT, false, 1, 2);
+    Press(kKeyReturn);
+    Press(kF5);
+    Key(kKeyA, true); // still held after it
+    Text("a");
+    Wheel(1);
+    Button(SDL_BUTTON_LEFT, true, 5, 6);
+    Button(SDL_BUTTON_LEFT, false, 5, 6);
+    Move(7, 8, 2, 2);
+    SDL_Event quit{};
+    quit.type = SDL_QUIT;
+    Push(quit);
+    pump.ForgetPresses();
+    const PUMP_EVENTS events = pump.Pump();
+    EXPECT_TRUE(events.quit) << "the window is closed all the same";
+    EXPECT_TRUE(events.commands.empty());
+    EXPECT_FALSE(pump.Mouse().leftPressed);
+    EXPECT_EQ(pump.Mouse().x, 7);
+    std::vector<GuiInputKind> kinds;
+    for (const GUI_INPUT& record : events.gui) {
+        kinds.push_back(record.kind);
+    }
+    using enum GuiInputKind;
+    EXPECT_EQ(kinds, (std::vector{kKeyUp, kMouseUp, kKeyUp, kKeyUp, kMouseUp, kMouseMove}));
+    EXPECT_TRUE(BindingIsDown(kKeyA, false));
+    Press(kKeyReturn);
+    EXPECT_EQ(pump.Pump().gui.size(), 2u) << "the next round's presses count again";
+}
+
 TEST_F(EventPumpTest, APressShorterThanARoundIsSeenInThatRound) {
     Press(kKeyA);
     (void)pump.Pump();

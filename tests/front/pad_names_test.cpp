@@ -12,10 +12,11 @@ TEST(PadNames, AreThoseOfTheFamily) {
         std::wstring shapes;
         std::wstring nintendo;
     } rows[] = {
-        {kPadSouth, L"A",     L"Cross",    L"B"   },
-        {kPadEast,  L"B",     L"Circle",   L"A"   },
-        {kPadNorth, L"Y",     L"Triangle", L"X"   },
-        {kPadGuide, L"Guide", L"PS",       L"Home"},
+        {kPadSouth,      L"A",     L"Cross",    L"B"      },
+        {kPadEast,       L"B",     L"Circle",   L"A"      },
+        {kPadNorth,      L"Y",     L"Triangle", L"X"      },
+        {kPadGuide,      L"Guide", L"PS",       L"Home"   },
+        {kPadRightClick, L"RS",    L"R3",       L"R stick"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(PadControlName(PadFamily::kLetters, row.control), row.letters);

@@ -32,6 +32,16 @@ protected:
     PlayTimes times{player};
 };
 
+TEST_F(PlayTimesTest, KnowsWhatIsNotToldYet) {
+    Round({Runs(1, 1)}, 0);
+    Round({Runs(1, 1)}, 10 * kSecond);
+    EXPECT_EQ(times.Untold(1, now + 2 * kSecond), 12);
+    EXPECT_EQ(times.Untold(2, now), 0) << "it does not run";
+    Round({Runs(1, 1)}, 55 * kSecond);
+    EXPECT_EQ(player.Find(Game(1)).secondsPlayed, 65);
+    EXPECT_EQ(times.Untold(1, now + kSecond), 1) << "the rest has been told";
+}
+
 TEST_F(PlayTimesTest, CountsAStartAndTheTimeThatItRuns) {
     Round({}, 0);
     Round({Runs(1, 1)}, kSecond);

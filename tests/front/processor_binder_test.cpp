@@ -46,6 +46,28 @@ TEST(ProcessorBinder, TakesTheProcessorWithTheFewestThreads) {
     Settings().SetBool(L"app_managecpucores", false);
 }
 
+TEST(ProcessorBinder, AHelperLetsGoOfTheProcessorOfItsStarter) {
+    RegisterDefaultSettings(Settings());
+    ProcessorBinderStart();
+    if (ProcessorCount() < 2) {
+        GTEST_SKIP() << "with one processor nothing is bound";
+    }
+    const auto processors = [] {
+        cpu_set_t allowed;
+        return sched_getaffinity(0, sizeof allowed, &allowed) == 0 ? CPU_COUNT(&allowed) : -1;
+    };
+    std::thread([&] {
+        const int token = BindProcessor(1);
+        EXPECT_GE(token, 0);
+        std::thread([&] {
+            EXPECT_EQ(processors(), 1) << "what it inherits";
+            BecomeHelper();
+            EXPECT_EQ(processors(), static_cast<int>(ProcessorCount()));
+        }).join();
+        ReleaseThisThread(token);
+    }).join();
+}
+
 TEST(ProcessorBinder, AFullProcessorIsPassedOver) {
     RegisterDefaultSettings(Settings());
     ProcessorBinderStart();

@@ -105,6 +105,7 @@ protected:
         return started ? RunUntilOn(application, program.Room(), key) : started;
     }
 
+public:
     static void Drop(const std::string& path) {
         SDL_Event event{};
         event.type = SDL_DROPFILE;

@@ -2,17 +2,39 @@
 #include "front/program_rig.h"
 #include "gui/drop_list.h"
 #include "gui/edit.h"
+#include "host/host_data.h"
+#include "screens/benchmark.h"
 #include "screens/options.h"
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
 
 using testing::HasSubstr;
 
 namespace {
 
 using ProgramScreenTest = ProgramTest;
+
+// A clock on which a benchmark is over after a few frames. Whenever its thread looks at it, the player presses
+// keys.
+std::thread::id gMain;
+std::atomic<int64_t> gClock{0};
+std::atomic<int> gLooks{0};
+
+int64_t HastyClock() {
+    if (std::this_thread::get_id() == gMain) {
+        return gClock += 1000;
+    }
+    ++gLooks;
+    for (const SDL_Scancode key : {SDL_SCANCODE_RETURN, SDL_SCANCODE_ESCAPE}) {
+        Key(key, true);
+        Key(key, false);
+    }
+    return gClock += 1000000;
+}
 
 } // namespace
 
@@ -249,6 +271,30 @@ TEST_F(ProgramScreenTest, OptionsThatAreClosedAreSaved) {
     EXPECT_TRUE(stored.GetBool(L"emu_startfullscreen"));
 }
 
+TEST_F(ProgramScreenTest, KeysOfTheBenchmarksStandstillDoNothing) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(ClickOn(application, program->Menu().MenuButton(kPanelBenchmark)));
+    const auto* const panel = dynamic_cast<const CGUIBenchmark*>(program->Menu().Panel());
+    ASSERT_NE(panel, nullptr);
+    gMain = std::this_thread::get_id();
+    gClock = HostClock().nowMicroseconds();
+    gLooks = 0;
+    HostSetClock({HastyClock, nullptr});
+    EXPECT_TRUE(Press(application, SDL_SCANCODE_RETURN));
+    EXPECT_TRUE(RunUntil(application, [&] { return panel->Results()->RowCount() > 0; }));
+    const int looks = gLooks;
+    for (int round = 0; round < 10; ++round) {
+        EXPECT_TRUE(application.Round());
+    }
+    HostSetClock({});
+    EXPECT_GT(looks, 0);
+    EXPECT_EQ(gLooks, looks) << "no other run began";
+    ASSERT_EQ(program->Menu().Panel(), panel) << "the results are still there";
+    EXPECT_GT(panel->Results()->RowCount(), 0);
+}
+
 TEST_F(ProgramScreenTest, QuitEndsTheRoundsAlsoWithAGameOn) {
     Application application;
     ProgramScreen* const program = Open(application);
@@ -354,4 +400,5 @@ TEST_F(ProgramScreenTest, ADroppedGamePlaysFromTheMenuAndInTheRoom) {
     EXPECT_EQ(second, looked) << "on the set that the player looks at";
     EXPECT_TRUE(SessionRuns(first));
     EXPECT_TRUE(SessionRuns(second));
+    EXPECT_EQ(program->Room().Games().Count(), 0u) << "no image is kept for later";
 }

@@ -87,6 +87,62 @@ TEST_F(Modality, BoxesClosedInTheSameTickReturnTheInput) {
     }
 }
 
+TEST_F(Modality, EscapeAndReturnCloseABoxWhicheverPartHasTheFocus) {
+    for (const GHOSTGUIKey key : {GHOSTGUIKey::kEscape, GHOSTGUIKey::kReturn}) {
+        for (int part = 0; part < 3; ++part) {
+            CGhostMessageBox* const box = CGhostMessageBox::Show(L"Title", L"Text");
+            manager.Tick(0);
+            Focus(part == 0   ? box->Message()->window
+                  : part == 1 ? box->Box()->window
+                              : box->window);
+            Key(static_cast<uint32_t>(key));
+            manager.Tick(0);
+            manager.Tick(0);
+            EXPECT_EQ(CGhostMessageBox::Count(), 0u) << part;
+            ExpectInputBackAt(button->window, "the box is gone");
+        }
+    }
+}
+
+TEST_F(Modality, WhatIsGivenTheFocusBehindABoxHasItAfterwards) {
+    CGhostMessageBox* const lower = CGhostMessageBox::Show(L"Title", L"Text");
+    CGhostMessageBox* const upper = CGhostMessageBox::Show(L"Title", L"Text");
+    manager.Tick(0);
+    EXPECT_TRUE(manager.SetFocus(edit->window));
+    manager.Tick(0);
+    ExpectInputIn(*upper, "nothing behind it takes its keys");
+    Dismiss(upper);
+    ExpectInputIn(*lower, "nor those of the one below");
+    Dismiss(lower);
+    ExpectInputBackAt(edit->window, "both are gone");
+}
+
+TEST_F(Modality, TheFocusOfALowerBoxWaitsForTheUpperOne) {
+    CGhostMessageBox* const lower = CGhostMessageBox::Show(L"Title", L"Text");
+    CGhostMessageBox* const upper = CGhostMessageBox::Show(L"Title", L"Text");
+    manager.Tick(0);
+    EXPECT_TRUE(manager.SetFocus(lower->Box()->window));
+    manager.Tick(0);
+    ExpectInputIn(*upper, "the upper one is open");
+    Dismiss(upper);
+    EXPECT_EQ(manager.FocusWindow(), lower->Box()->window);
+    Dismiss(lower);
+    ExpectInputBackAt(button->window, "both are gone");
+}
+
+TEST_F(Modality, NothingComesInFrontOfABox) {
+    CGhostMessageBox* const box = CGhostMessageBox::Show(L"Title", L"Text");
+    manager.Tick(0);
+    ASSERT_TRUE(manager.SetZOrder(panel->window, -1));
+    std::vector<const GHOSTMANAGER_WINDOW*> top;
+    manager.ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
+        if (window.parent == nullptr) {
+            top.push_back(&window);
+        }
+    });
+    EXPECT_EQ(top, (std::vector<const GHOSTMANAGER_WINDOW*>{panel->window, box->window}));
+}
+
 TEST_F(Modality, AKeyboardThatEndsUnderABoxReturnsTheInputToItsEdit) {
     Focus(edit->window);
     CGhostKeyboard* const keyboard = CGhostKeyboard::Open(edit);

@@ -3,6 +3,7 @@
 #include "library/folder_lock.h"
 #include "library/game_folder.h"
 
+#include "support/counted_helpers.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -117,6 +118,14 @@ private:
 };
 
 } // namespace
+
+TEST_F(CatalogueTest, TheScanIsAHelper) {
+    const CountedHelpers helpers;
+    Catalogue catalogue(Hooks(), 0);
+    ASSERT_TRUE(catalogue.SwitchSystem(0, 0));
+    catalogue.WaitForScan();
+    EXPECT_EQ(CountedHelpers::Begun(), 1);
+}
 
 TEST_F(CatalogueTest, SelectorFollowsTheSystemsInTheirOrder) {
     const uint16_t systems[] = {1, 2, 5, 6, 4};

@@ -1,6 +1,8 @@
 #include "base/file_stamp.h"
+#include "library/full_disk.h"
 #include "library/player_database.h"
 
+#include "support/counted_helpers.h"
 #include "support/temporary_folder.h"
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -87,6 +89,13 @@ TEST_F(Player, RemembersFavouritesStartsAndTimes) {
 TEST_F(Player, AnImageBelongsToItsSystem) {
     Start().SetFavourite(Game(1, kSystemMasterSystem), true);
     EXPECT_FALSE(Start().Find(Game(1, kSystemGameGear)).favourite);
+}
+
+TEST_F(Player, ItsThreadIsAHelper) {
+    const CountedHelpers helpers;
+    Start().SetFavourite(Game(1), true);
+    database->Finish();
+    EXPECT_EQ(CountedHelpers::Begun(), 1);
 }
 
 TEST_F(Player, WithoutAFileItWorksForThisRun) {
@@ -281,6 +290,54 @@ TEST_F(Player, ANewerFileThatIsPutThereWhileItRunsIsLeftAlone) {
     End();
     EXPECT_EQ(folder.Read("player.db"), before);
     EXPECT_FALSE(IsThere("player.db.damaged"));
+}
+
+TEST_F(Player, AFileThatWasGoneOnAFullDiskIsWrittenOnceThereIsRoom) {
+    Start().SetFavourite(Game(1), true);
+    database->Finish();
+    fs::remove(File());
+    fs::remove(folder.Path() / "player.db.backup");
+    {
+        const FullDisk full(0);
+        database->NotePlayed(Game(2), 10);
+        database->Finish();
+        const std::string told = database->TakeMessage();
+        EXPECT_NE(told.find("are not kept"), std::string::npos);
+        EXPECT_TRUE(told.starts_with(File().string())) << told;
+        database->NotePlayed(Game(2), 100);
+        database->Finish();
+        EXPECT_EQ(database->TakeMessage(), "") << "once is enough";
+    }
+    database->NotePlayed(Game(2), 1000);
+    database->Finish();
+    EXPECT_NE(database->TakeMessage().find("written anew"), std::string::npos);
+    Start();
+    EXPECT_TRUE(database->Find(Game(1)).favourite);
+    EXPECT_EQ(database->Find(Game(2)).secondsPlayed, 1110);
+    EXPECT_FALSE(IsThere("player.db.damaged")) << "nothing was there to be set aside";
+}
+
+TEST_F(Player, WritesAgainWhenAFileThatItMayNotWriteIsGone) {
+    Start().SetFavourite(Game(1), true);
+    database->Finish();
+    const auto sound = folder.Read("player.db");
+    fs::remove(File());
+    {
+        SqliteDatabase newer;
+        ASSERT_TRUE(newer.Open(File()));
+        ASSERT_TRUE(newer.Execute("CREATE TABLE games (other); PRAGMA user_version = 2; "
+                                  "PRAGMA application_id = 0x4F504C02;"));
+    }
+    database->SetFavourite(Game(2), true);
+    database->Finish();
+    EXPECT_NE(database->TakeMessage().find("newer version"), std::string::npos);
+    fs::remove(File());
+    folder.Write("player.db", sound);
+    database->SetFavourite(Game(3), true);
+    Start();
+    for (const uint8_t number : {uint8_t{1}, uint8_t{2}, uint8_t{3}}) {
+        EXPECT_TRUE(database->Find(Game(number)).favourite) << int{number};
+    }
 }
 
 TEST_F(Player, MakesTheHomeFolder) {

@@ -113,6 +113,68 @@ TEST_F(RoomTextures, ShortenedJpegIsRefused) {
     EXPECT_EQ(DecodeRoomImage(file).width, 0U);
 }
 
+void Append(Bytes& file, std::initializer_list<int> bytes) {
+    for (const int byte : bytes) {
+        file.push_back(static_cast<uint8_t>(byte));
+    }
+}
+
+// A grey square of 8 by 8 pixels in progressive form: a first scan for its brightness, then one for each
+// coefficient alone, and one more for each that adds a bit. Every scan holds nothing but a code of one bit, 0, which
+// stands for "no difference" in the first and for "the block ends" in the others.
+Bytes JpegInScans(int scans) {
+    Bytes file;
+    Append(file, {0xFF, 0xD8, 0xFF, 0xDB, 0, 67, 0});
+    file.insert(file.end(), 64, 1); // quantisation
+    Append(file, {0xFF, 0xC2, 0, 11, 8, 0, 8, 0, 8, 1, 1, 0x11, 0});
+    for (const int table : {0x00, 0x10}) {
+        Append(file, {0xFF, 0xC4, 0, 20, table, 1});
+        file.insert(file.end(), 15, 0);
+        Append(file, {0});
+    }
+    Append(file, {0xFF, 0xDA, 0, 8, 1, 1, 0, 0, 0, 0, 0x7F});
+    for (int scan = 1; scan < scans; ++scan) {
+        const int coefficient = (scan - 1) % 63 + 1;
+        const int bits = scan <= 63 ? 0x01 : 0x10; // all but the last bit, then that one
+        Append(file, {0xFF, 0xDA, 0, 8, 1, 1, 0, coefficient, coefficient, bits, 0x7F});
+    }
+    Append(file, {0xFF, 0xD9});
+    return file;
+}
+
+TEST_F(RoomTextures, JpegOfManyScansIsRefused) {
+    uint32_t width = 0;
+    uint32_t height = 0;
+    for (const int scans : {1, 10, 64}) {
+        const ROOM_IMAGE image = DecodeRoomImage(JpegInScans(scans));
+        ASSERT_EQ(image.width, 8U) << scans;
+        EXPECT_EQ(image.pixels[0], 0xFF808080U);
+        EXPECT_TRUE(RoomImageSize(JpegInScans(scans), width, height)) << scans;
+    }
+    for (const int scans : {65, 127}) {
+        EXPECT_EQ(DecodeRoomImage(JpegInScans(scans)).width, 0U) << scans;
+        EXPECT_FALSE(RoomImageSize(JpegInScans(scans), width, height)) << scans;
+    }
+}
+
+TEST_F(RoomTextures, ImagesSidesAreThoseOfItsHeader) {
+    uint32_t width = 0;
+    uint32_t height = 0;
+    Bytes cut = JpegInScans(2);
+    cut.resize(cut.size() - 13);
+    EXPECT_TRUE(RoomImageSize(cut, width, height)) << "only its scans are cut";
+    EXPECT_EQ(width, 8U);
+    EXPECT_EQ(height, 8U);
+    EXPECT_TRUE(RoomImageSize(PngFile(3, 2, colours), width, height));
+    EXPECT_EQ(width, 3U);
+    EXPECT_EQ(height, 2U);
+    EXPECT_FALSE(RoomImageSize({}, width, height));
+    const Bytes text = {'h', 'e', 'l', 'l', 'o'};
+    EXPECT_FALSE(RoomImageSize(text, width, height));
+    constexpr uint32_t kLonger = kLongestImageSide + 1;
+    EXPECT_FALSE(RoomImageSize(PngFile(1, kLonger, std::vector<uint32_t>(kLonger)), width, height));
+}
+
 TEST_F(RoomTextures, ImageWithALongSideIsRefused) {
     const Bytes longest = PngFile(kLongestImageSide, 1, std::vector<uint32_t>(kLongestImageSide));
     EXPECT_EQ(DecodeRoomImage(longest).width, kLongestImageSide);

@@ -10,6 +10,7 @@
 #include "screens/screens_rig.h"
 #include "settings/settings.h"
 
+#include "support/counted_helpers.h"
 #include "support/temporary_folder.h"
 #include "support/wait_until.h"
 
@@ -87,6 +88,15 @@ TEST_F(Adding, PlaysASingleGameWithoutAWord) {
     EXPECT_EQ(added, std::vector<uint16_t>{kSystemMasterSystem});
     EXPECT_TRUE(fs::exists(home.Path() / "sms" / "Paper Lamps.game"));
     EXPECT_TRUE(fs::exists(file)) << "the original stays";
+}
+
+TEST_F(Adding, ItsThreadIsAHelper) {
+    const fs::path file = from.Write("Paper Lamps.sms", Image(3));
+    host.downloads.QueueRequest(L"http://host/", L"", 0, nullptr, {});
+    ASSERT_TRUE(host.downloads.WaitUntilIdle(kLongestWait)); // its thread has begun
+    const CountedHelpers helpers;
+    Add({file});
+    EXPECT_EQ(CountedHelpers::Begun(), 1);
 }
 
 TEST_F(Adding, PlaysAGameThatWasThereBefore) {

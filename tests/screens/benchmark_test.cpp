@@ -111,6 +111,28 @@ TEST_F(Benchmark, IgnoresAnotherStartWhileItRuns) {
     EXPECT_EQ(Rows().size(), 9u);
 }
 
+TEST_F(Benchmark, AClickOfItsStandstillStartsNoOther) {
+    host.openGame = [this](CGameFile&) {
+        EXPECT_EQ(host.inputsForgotten, 0) << "what comes during the run counts too";
+        return true;
+    };
+    Click(Shown().StartButton());
+    Round();
+    menu->Update(); // the run, in the middle of a round
+    ASSERT_EQ(Rows().size(), 9u);
+    EXPECT_EQ(host.inputsForgotten, 1);
+    Click(Shown().StartButton()); // of the events that this round began with
+    EXPECT_EQ(Rows().size(), 9u);
+    Round();
+    const int frames = Counter::gFrames;
+    for (int round = 0; round < 3; ++round) {
+        Round();
+    }
+    EXPECT_EQ(Counter::gFrames, frames);
+    Click(Shown().StartButton());
+    EXPECT_TRUE(Shown().Running()) << "the next one is the player's wish";
+}
+
 TEST_F(Benchmark, EmptiesTheResultsOfTheRunBefore) {
     for (int run = 0; run < 2; ++run) {
         Shown().Start();

@@ -58,17 +58,17 @@ TEST_F(GameOverlay, ShowsTheButtonsForThreeSecondsAfterTheMouseWasUsed) {
     EXPECT_EQ(ShownButtons(), 0) << "the mouse has not been used yet";
     state.mouseUsed = true;
     Round();
-    EXPECT_EQ(ShownButtons(), 5);
+    EXPECT_EQ(ShownButtons(), 6);
     state.mouseUsed = false;
     host.now += 3000;
     Round();
-    EXPECT_EQ(ShownButtons(), 5);
+    EXPECT_EQ(ShownButtons(), 6);
     host.now += 1;
     Round();
     EXPECT_EQ(ShownButtons(), 0);
     state.mouseUsed = true;
     Round();
-    EXPECT_EQ(ShownButtons(), 5) << "any move brings them back";
+    EXPECT_EQ(ShownButtons(), 6) << "any move brings them back";
     EXPECT_TRUE(overlay->ShownHints().empty());
 }
 
@@ -87,9 +87,9 @@ TEST_F(GameOverlay, TellsTheProgramWhatWasClicked) {
     for (uint32_t number = 1; number <= CGUIGameOverlay::kButtons; ++number) {
         Click(overlay->Button(number));
     }
-    EXPECT_EQ(host.taken,
-              (std::vector{ModeInput::kMainMenu, ModeInput::kLoadGame, ModeInput::kExitGame,
-                           ModeInput::kTelevision, ModeInput::kResetGame}));
+    EXPECT_EQ(host.taken, (std::vector{ModeInput::kMainMenu, ModeInput::kLoadGame,
+                                       ModeInput::kExitGame, ModeInput::kTelevision,
+                                       ModeInput::kResetGame, ModeInput::kSavedStates}));
 }
 
 TEST_F(GameOverlay, IsNotThereBehindMenuAndBrowser) {

@@ -97,7 +97,7 @@ TEST_F(Inputs, HasWhatTheTabIsToHave) {
 
 TEST_F(Inputs, ListTheSystemsActionsAndThenTheProgramsOwn) {
     ChooseSystem(L"Game Gear");
-    ASSERT_EQ(List().RowCount(), 14 + 12);
+    ASSERT_EQ(List().RowCount(), 14 + 13);
     EXPECT_EQ(List().Cell(0, 0)->text, L"GG P1 UP");
     EXPECT_EQ(List().Cell(0, 1)->text, L"UP");
     EXPECT_EQ(List().Cell(0, 2)->text, L"<undefined>");
@@ -138,6 +138,30 @@ TEST_F(Inputs, TabAndReturnAreKeysLikeOthersToThePrompt) {
     DoubleClick(L"NES P1 SELECT", 1);
     Press(static_cast<uint32_t>(GHOSTGUIKey::kDelete));
     EXPECT_EQ(Stored(L"NES P1 SELECT"), (Pair{76, 0}));
+}
+
+TEST_F(Inputs, AKeyOfTheProgramIsRefusedWithTheReason) {
+    constexpr uint32_t kF5 = 62;
+    const auto told = [] {
+        std::wstring text;
+        Manager().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
+            const auto* const box = dynamic_cast<const CGhostTextBox*>(window.handler);
+            if (box != nullptr && box->Text().find(L"is taken") != std::wstring::npos) {
+                text = box->Text();
+            }
+        });
+        return text;
+    };
+    ChooseSystem(L"Nintendo");
+    DoubleClick(L"NES P1 UP", 1);
+    EXPECT_EQ(told(), L"");
+    Press(kF5);
+    EXPECT_TRUE(Tab().Waiting());
+    EXPECT_EQ(told(), L"F5 is taken: smooth pixels. Press another one");
+    EXPECT_EQ(Stored(L"NES P1 UP"), (Pair{82, 0}));
+    Press(kF);
+    EXPECT_FALSE(Tab().Waiting());
+    EXPECT_EQ(Stored(L"NES P1 UP"), (Pair{9, 0}));
 }
 
 TEST_F(Inputs, EscapeLeavesTheBinding) {

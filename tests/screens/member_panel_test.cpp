@@ -99,6 +99,83 @@ TEST_F(Member, HasTheFieldsInTheirPlaces) {
     EXPECT_FALSE(panel.MemberBox()->IsVisible());
 }
 
+TEST_F(Member, TheServiceIsEnteredInTheMenu) {
+    host.answers[L"http://host:8080/?m=2"] = "<NEWS>Good evening</NEWS>";
+    MemberPanel& panel = Open(L"");
+    panel.Address()->SetText(L" host:8080 ");
+    Click(panel.ConnectButton());
+    EXPECT_EQ(Settings().GetString(L"web_service"), L"http://host:8080");
+    EXPECT_EQ(Settings().GetString(L"web_images"), L"http://host:8080");
+    EXPECT_EQ(panel.Address()->Text(), L"http://host:8080");
+    EXPECT_EQ(host.saves, 1);
+    EXPECT_TRUE(panel.LoginBox()->IsVisible());
+    EXPECT_FALSE(panel.Help()->IsVisible());
+    EXPECT_TRUE(host.downloads.WaitUntilIdle(kLongestWait));
+    Round();
+    EXPECT_EQ(menu->News()->Text(), L"Good evening");
+    KeepPicture("member-service");
+
+    panel.Address()->SetText(L"https://host");
+    Click(panel.ConnectButton());
+    EXPECT_EQ(panel.AddressNote()->Text(),
+              L"The address of the web service must begin with http://");
+    EXPECT_EQ(Settings().GetString(L"web_service"), L"http://host:8080") << "as before";
+    KeepPicture("member-service-wrong");
+
+    panel.Address()->SetText(L"");
+    Click(panel.ConnectButton());
+    EXPECT_EQ(Settings().GetString(L"web_service"), L"");
+    EXPECT_EQ(panel.AddressNote()->Text(), L"Do your friends run one? Enter its address here.");
+    EXPECT_TRUE(panel.Help()->IsVisible());
+    EXPECT_EQ(menu->News()->Text(), kNoServiceText);
+}
+
+TEST_F(Member, NewsOfAServiceThatWasLeftDoNotCome) {
+    std::atomic<bool> answer{false};
+    host.fetch = [&](const std::wstring&, std::wstring&, const std::atomic<uint32_t>*,
+                     std::unique_ptr<uint8_t[]>& data, uint32_t& size,
+                     const std::atomic<bool>& quit) {
+        while (!answer && !quit) {
+            std::this_thread::yield();
+        }
+        constexpr std::string_view kNews = "<NEWS>First</NEWS>";
+        size = static_cast<uint32_t>(kNews.size());
+        data = std::make_unique<uint8_t[]>(size);
+        std::copy(kNews.begin(), kNews.end(), data.get());
+        return true;
+    };
+    MemberPanel& panel = Open(L"http://first/");
+    panel.Address()->SetText(L"");
+    Click(panel.ConnectButton());
+    answer = true;
+    EXPECT_TRUE(host.downloads.WaitUntilIdle(kLongestWait));
+    Round();
+    EXPECT_EQ(menu->News()->Text(), kNoServiceText);
+}
+
+TEST_F(Member, NewsSayWhenTheAddressIsOfAnotherForm) {
+    host.fetch = [](const std::wstring&, std::wstring& error, const std::atomic<uint32_t>*,
+                    std::unique_ptr<uint8_t[]>&, uint32_t&, const std::atomic<bool>&) {
+        error.clear(); // as Fetch does
+        return false;
+    };
+    Open(L"https://host/");
+    EXPECT_TRUE(host.downloads.WaitUntilIdle(kLongestWait));
+    Round();
+    EXPECT_EQ(menu->News()->Text(), L"The address of the web service must begin with http://");
+}
+
+TEST_F(Member, TheAddressIsWithinTheMenuAndCoversNothing) {
+    const MemberPanel& panel = Open(L"http://host/");
+    const GHOSTMANAGER_WINDOW* const place = panel.Address()->window->parent;
+    const GUI_RECT box{place->x, place->y, place->width, place->height};
+    const GUI_RECT menuArea{0, 0, menu->MainWindow()->window->clientRect.width,
+                            menu->MainWindow()->window->clientRect.height};
+    EXPECT_EQ(Intersection(box, menuArea), box);
+    EXPECT_GE(box.y, 95 + 200) << "below the member's box";
+    EXPECT_LE(box.x + box.width, 390) << "beside the news";
+}
+
 TEST_F(Member, LeavesWithTheMenu) {
     const MemberPanel& panel = Open(L"http://host/");
     menu->OnMenu(kPanelCredits);
@@ -160,6 +237,21 @@ TEST_F(Member, LogsInAtTheServiceAndOutAgain) {
     Round();
     EXPECT_TRUE(panel.LoginBox()->IsVisible());
     EXPECT_FALSE(panel.Member().IsLoggedIn());
+}
+
+TEST_F(Member, ALoginThatIsNotToBeKeptForgetsTheKeptKey) {
+    served.AddMember("anna", "correct horse");
+    served.Start();
+    MemberPanel& panel = OpenServed();
+    panel.Remember()->SetChecked(true);
+    LogIn(panel, L"anna", L"correct horse");
+    ASSERT_TRUE(fs::exists(KeyFile()));
+    panel.Member().Logout(); // as at the end of the program
+    Round();
+    panel.Remember()->SetChecked(false);
+    LogIn(panel, L"anna", L"correct horse");
+    ASSERT_TRUE(panel.Member().IsLoggedIn());
+    EXPECT_FALSE(fs::exists(KeyFile()));
 }
 
 TEST_F(Member, IsLoggedInAtTheNextStartUntilTheLogout) {

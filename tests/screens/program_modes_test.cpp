@@ -64,6 +64,21 @@ TEST(ProgramModes, EscapeTakesTheHandsFromTheMachineAndBack) {
     EXPECT_EQ(modes.Mode(), ProgramMode::kWalking) << "escape in full screen leads into the room";
 }
 
+TEST(ProgramModes, SavedStatesAreShownWhereThePlayerIs) {
+    ProgramModes modes(ProgramMode::kMenu);
+    EXPECT_EQ(modes.Take(ModeInput::kSavedStates, kPlayingSet), ModeOrder::kNothing) << "the menu";
+    modes = Playing();
+    EXPECT_EQ(modes.Take(ModeInput::kSavedStates, kPlayingSet), ModeOrder::kSavedStates);
+    EXPECT_EQ(modes.Mode(), ProgramMode::kStanding);
+    EXPECT_EQ(modes.Take(ModeInput::kSavedStates, kDarkSet), ModeOrder::kNothing) << "no game";
+    static_cast<void>(modes.Take(ModeInput::kTelevision, kPlayingSet));
+    EXPECT_EQ(modes.Take(ModeInput::kSavedStates, kPlayingSet), ModeOrder::kSavedStates);
+    EXPECT_EQ(modes.Mode(), ProgramMode::kFullScreen);
+    static_cast<void>(modes.Take(ModeInput::kLeave, kPlayingSet));
+    EXPECT_EQ(modes.Take(ModeInput::kSavedStates, kPlayingSet), ModeOrder::kSavedStates);
+    EXPECT_EQ(modes.Mode(), ProgramMode::kWalking);
+}
+
 TEST(ProgramModes, TheMiddleButtonWorksOnlyAtASetThatIsOn) {
     ProgramModes modes = Playing();
     static_cast<void>(modes.Take(ModeInput::kLeave, kPlayingSet));

@@ -1,3 +1,4 @@
+#include "base/text.h"
 #include "formats/zip.h"
 #include "gui/check_box.h"
 #include "gui/drop_list.h"
@@ -13,8 +14,11 @@
 #include "settings/settings.h"
 
 #include "support/temporary_folder.h"
+#include "support/wait_until.h"
 
 #include <memory>
+#include <mutex>
+#include <optional>
 
 namespace {
 
@@ -476,6 +480,195 @@ TEST_F(RomBrowser, TheFilterMenuOpensOverTheList) {
     KeepPicture("browser-filters");
     Click(browser->Filters().MenuButton());
     EXPECT_FALSE(browser->Filters().Menu()->IsVisible());
+}
+
+// ---- What the web service says of a game.
+
+// A PNG file of one pixel.
+constexpr uint8_t kRedPixel[] = {
+    0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A, 0x00, 0x00, 0x00, 0x0D, 0x49, 0x48,
+    0x44, 0x52, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00, 0x01, 0x08, 0x02, 0x00, 0x00,
+    0x00, 0x90, 0x77, 0x53, 0xDE, 0x00, 0x00, 0x00, 0x0C, 0x49, 0x44, 0x41, 0x54, 0x78,
+    0xDA, 0x63, 0xF8, 0xCF, 0xC0, 0x00, 0x00, 0x03, 0x01, 0x01, 0x00, 0xF7, 0x03, 0x41,
+    0x43, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82,
+};
+
+// One game, and a service that answers to its name and its cover as the test says. An answer that is not there fails
+// with the text that Fetch gives.
+class ServedBrowser : public RomBrowser {
+protected:
+    static constexpr std::string_view kLocalTexts = "<CHEATS>a local hint</CHEATS><REVIEWS>a local "
+                                                    "review</REVIEWS><TRIVIA>a local fact</TRIVIA>";
+
+    void SetUp() override {
+        RomBrowser::SetUp();
+        Settings().SetString(L"web_service", L"http://host/");
+        Settings().SetString(L"web_images", L"http://host");
+        home.Write("sms/Paper Lamps.sms", Image(3));
+        host.fetch = [this](const std::wstring& url, std::wstring& error,
+                            const std::atomic<uint32_t>*, std::unique_ptr<uint8_t[]>& data,
+                            uint32_t& size, const std::atomic<bool>&) {
+            const bool cover = url.find(L"/covers/") != std::wstring::npos;
+            const std::scoped_lock hold(lock);
+            covers += cover ? 1 : 0;
+            const auto& answer = cover ? archive : texts;
+            error = answer || !url.starts_with(L"http://") ? L"" : L"Invalid response code";
+            if (!answer || answer->empty() || !url.starts_with(L"http://")) {
+                return answer.has_value();
+            }
+            size = static_cast<uint32_t>(answer->size());
+            data = std::make_unique<uint8_t[]>(size);
+            std::copy(answer->begin(), answer->end(), data.get());
+            return true;
+        };
+    }
+    void TearDown() override {
+        RegisterDefaultSettings(Settings());
+        RomBrowser::TearDown();
+    }
+
+    // An archive with a picture of one pixel, and texts if there are any.
+    static std::string Archive(std::string_view entry = {}) {
+        ZipWriter zip;
+        std::string error;
+        EXPECT_TRUE(zip.Add("box.png", kRedPixel, error)) << error;
+        if (!entry.empty()) {
+            EXPECT_TRUE(
+                zip.Add("texts.txt", std::vector<uint8_t>(entry.begin(), entry.end()), error))
+                << error;
+        }
+        const std::vector<uint8_t> bytes = zip.Finish(error);
+        return {bytes.begin(), bytes.end()};
+    }
+    void Answer(std::optional<std::string> information) {
+        const std::scoped_lock hold(lock);
+        texts = std::move(information);
+    }
+    // The game is chosen again, and the answers come.
+    void Choose() {
+        browser->List()->SetSelected(-1, false);
+        browser->List()->SetSelected(0);
+        TakeAnswers();
+    }
+    void TakeAnswers() {
+        EXPECT_TRUE(host.downloads.WaitUntilIdle(kLongestWait));
+        host.downloads.PumpRequests();
+        Round();
+    }
+    [[nodiscard]] std::wstring Text(ContentTab tab) { return browser->Content().Text(tab)->Text(); }
+    [[nodiscard]] bool Offers() { return browser->Content().ContentButton()->IsVisible(); }
+    [[nodiscard]] std::string Key() const {
+        return Utf8FromWide(browser->List()->Cell(0, kKeyColumn)->text);
+    }
+    [[nodiscard]] std::string Media() const { return "sms/media/" + Key() + ".zip"; }
+
+    static constexpr int32_t kKeyColumn = 6;
+    std::mutex lock;
+    std::optional<std::string> texts; // these under `lock`
+    std::optional<std::string> archive;
+    int covers = 0; // requests
+};
+
+TEST_F(ServedBrowser, ShowsTheServicesTexts) {
+    Answer("<CHEATS>their hint</CHEATS><REVIEWS>their review</REVIEWS><TRIVIA>their fact</TRIVIA>");
+    Open();
+    TakeAnswers();
+    EXPECT_EQ(Text(ContentTab::kHints), L"their hint");
+    EXPECT_EQ(Text(ContentTab::kReviews), L"their review");
+    EXPECT_EQ(Text(ContentTab::kTrivia), L"their fact");
+    EXPECT_FALSE(Offers()) << "the service has no cover";
+    Answer(std::nullopt);
+    Choose();
+    EXPECT_EQ(Text(ContentTab::kReviews), L"Game isn't in database");
+}
+
+TEST_F(ServedBrowser, AnswersThatSayNothingLeaveTheLocalTexts) {
+    Open();
+    home.Write(Media(), Archive(kLocalTexts));
+    for (const char* const answer : {"", "<html>Please log in</html>"}) {
+        Answer(answer);
+        Choose();
+        EXPECT_EQ(Text(ContentTab::kHints), L"a local hint") << answer;
+        EXPECT_EQ(Text(ContentTab::kReviews), L"a local review") << answer;
+        EXPECT_EQ(Text(ContentTab::kTrivia), L"a local fact") << answer;
+    }
+    Answer("<TRIVIA>their fact</TRIVIA>");
+    Choose();
+    EXPECT_EQ(Text(ContentTab::kHints), L"a local hint");
+    EXPECT_EQ(Text(ContentTab::kTrivia), L"their fact");
+}
+
+TEST_F(ServedBrowser, AnAddressOfAnotherFormIsAFailure) {
+    Settings().SetString(L"web_service", L"https://host/");
+    Open();
+    TakeAnswers();
+    EXPECT_EQ(Text(ContentTab::kReviews),
+              L"The address of the web service must begin with http://");
+    home.Write(Media(), Archive(kLocalTexts));
+    Choose();
+    EXPECT_EQ(Text(ContentTab::kReviews), L"a local review");
+}
+
+TEST_F(ServedBrowser, FetchesACoverAndItsNextRevision) {
+    archive = Archive();
+    Answer("<COVER>1</COVER>");
+    Open();
+    Click(browser->Scan().Finish());
+    TakeAnswers();
+    ASSERT_TRUE(Offers());
+    Click(browser->Content().ContentButton());
+    EXPECT_FALSE(Offers());
+    TakeAnswers();
+    const auto bytes = home.Read(Media());
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), *archive);
+    EXPECT_EQ(host.coverCount, 1u);
+    Choose();
+    EXPECT_FALSE(Offers()) << "that one is here";
+    Answer("<COVER>2</COVER>");
+    Choose();
+    EXPECT_TRUE(Offers());
+    home.Write(Media(), Archive(kLocalTexts));
+    Choose();
+    EXPECT_FALSE(Offers()) << "now it is the player's own";
+}
+
+TEST_F(ServedBrowser, OffersNothingThatItCannotFetch) {
+    Settings().SetString(L"web_images", L"");
+    Answer("<COVER>1</COVER>");
+    Open();
+    TakeAnswers();
+    EXPECT_FALSE(Offers());
+}
+
+TEST_F(ServedBrowser, ABadArchiveIsToldAndNotStored) {
+    archive = "<html>";
+    Answer("<COVER>1</COVER>");
+    Open();
+    Click(browser->Scan().Finish());
+    TakeAnswers();
+    Click(browser->Content().ContentButton());
+    TakeAnswers();
+    EXPECT_EQ(CGhostMessageBox::Count(), 1u);
+    EXPECT_FALSE(std::filesystem::exists(home.Path() / Media()));
+}
+
+TEST_F(ServedBrowser, TheCoverOfOneSystemIsNotThatOfAnother) {
+    home.Write("gamegear/Paper Lamps.gg", Image(7));
+    archive = Archive();
+    Answer("<COVER>1</COVER>");
+    Open();
+    Click(browser->Scan().Finish());
+    TakeAnswers();
+    const std::string key = Key();
+    ASSERT_TRUE(Offers());
+    Click(browser->Content().ContentButton());
+    browser->SelectSystem(0, 1);
+    Scan();
+    ASSERT_EQ(browser->List()->RowCount(), 1);
+    ASSERT_EQ(Key(), key) << "both games have one name";
+    TakeAnswers();
+    EXPECT_EQ(covers, 1);
+    EXPECT_FALSE(std::filesystem::exists(home.Path() / "gamegear/media"));
 }
 
 // Nothing lies over anything else, and all lies within the main window.

@@ -38,7 +38,11 @@ public:
     [[nodiscard]] PlayerDatabase& Player() override { return player; }
     void SettingsChanged() override { ++settingsChanges; }
     void SaveSettings() override { ++saves; }
+    void ForgetInput() override { ++inputsForgotten; }
     [[nodiscard]] std::vector<SCREEN_JOYSTICK> Joysticks() const override { return joysticks; }
+    [[nodiscard]] std::wstring UseOfKey(uint32_t scancode) const override {
+        return scancode == 62 ? L"smooth pixels" : L""; // F5
+    }
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override {
         return openGame && openGame(game);
     }
@@ -48,6 +52,7 @@ public:
     PlayerDatabase player{[this] { return wallClock; }}; // without a file
     int settingsChanges = 0;
     int saves = 0;
+    int inputsForgotten = 0;
     std::vector<SCREEN_JOYSTICK> joysticks;
     std::function<bool(CGameFile&)> openGame; // null: there is no game for the benchmark
     std::vector<GAME_TO_START> started;

@@ -86,6 +86,7 @@ std::vector<ACTION> ExpectedActions() {
         {L"Rewind",          196651},
         {L"Load State",      65    },
         {L"Save State",      64    },
+        {L"Saved States",    66    },
     };
     AddPlayers(actions, L"NES",
                {

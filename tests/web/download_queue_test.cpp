@@ -141,6 +141,34 @@ TEST(DownloadQueue, HandsResultsToTheirCallbacks) {
               (std::vector<std::wstring>{L"A 1 - body ", L"B 2 0 null no answer", L"C 4 - null "}));
 }
 
+TEST(DownloadQueue, ChecksAnAnswerOnItsOwnThread) {
+    Answers answers;
+    answers.Give(L"good", "good");
+    answers.Give(L"bad", "bad");
+    answers.Give(L"empty", "");
+    answers.Give(L"failed", std::nullopt);
+    DownloadQueue queue(answers.Fetcher());
+    LOG log;
+    std::vector<std::string> checked; // read after the callbacks
+    bool elsewhere = true;
+    const DownloadCheck check =
+        [&, here = std::this_thread::get_id()](std::span<const uint8_t> data, std::wstring& error) {
+            elsewhere = elsewhere && std::this_thread::get_id() != here;
+            checked.emplace_back(data.begin(), data.end());
+            error = checked.back() == "good" ? L"" : L"refused";
+            return checked.back() == "good";
+        };
+    for (const wchar_t* const url : {L"good", L"bad", L"empty", L"failed"}) {
+        queue.QueueRequest(url, url, 0, nullptr, log.Writer(), check);
+    }
+    ASSERT_TRUE(PumpUntil(queue, log, 4));
+    EXPECT_EQ(log.lines,
+              (std::vector<std::wstring>{L"good 0 - good ", L"bad 0 - null refused",
+                                         L"empty 0 - null ", L"failed 0 - null no answer"}));
+    EXPECT_EQ(checked, (std::vector<std::string>{"good", "bad"}));
+    EXPECT_TRUE(elsewhere);
+}
+
 TEST(DownloadQueue, WaitsForTheFirstRequestBeforeAnyCallback) {
     Answers answers;
     answers.Give(L"b", "b");

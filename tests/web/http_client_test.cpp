@@ -5,11 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
 #include <condition_variable>
 #include <future>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <system_error>
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
@@ -354,6 +356,17 @@ struct BLOCKED_LOOKUP {
 };
 
 } // namespace
+
+// As the system's does when no file descriptor is left.
+TEST(HttpClient, ALookUpThatThrowsIsAFailure) {
+    FETCH_SURROUNDINGS surroundings;
+    surroundings.lookUp = [](const std::string&, const std::string&) -> LOOKUP_RESULT {
+        throw std::system_error(EMFILE, std::generic_category());
+    };
+    const FETCHED fetched = Get(L"http://host/", surroundings);
+    EXPECT_FALSE(fetched.well);
+    EXPECT_EQ(fetched.error, L"Too many open files");
+}
 
 TEST(HttpClient, GivesUpOnALookUpAfterTenSeconds) {
     auto blocked = std::make_shared<BLOCKED_LOOKUP>();

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace fs = std::filesystem;
@@ -35,6 +36,12 @@ bool ReadSize(std::span<const uint8_t> file, PICTURE_SIZE& size) {
     return true;
 }
 
+// A picture whose last byte is 'd' is damaged after its header.
+bool Decodes(std::span<const uint8_t> file) {
+    return file.back() != 'd';
+}
+const PICTURE_CHECK kCheck = {ReadSize, Decodes};
+
 bool Decode(std::span<const uint8_t> file, MEDIA_PICTURE& picture) {
     PICTURE_SIZE size;
     if (!ReadSize(file, size)) {
@@ -58,7 +65,7 @@ Bytes Zip(const std::vector<Bytes>& files, const std::vector<std::string>& names
 // What is wrong with an archive; empty if nothing is.
 std::string Fault(const Bytes& archive) {
     std::string error;
-    const bool good = CheckMediaArchive(archive, ReadSize, error);
+    const bool good = CheckMediaArchive(archive, kCheck, error);
     EXPECT_EQ(good, error.empty());
     return error;
 }
@@ -126,6 +133,26 @@ TEST(MediaArchive, HasAsManyPixelsAsItMayAndNoMore) {
               "the pictures of the media archive are too large");
 }
 
+TEST(MediaArchive, HasNoPictureThatIsDamagedAfterItsHeader) {
+    EXPECT_EQ(Fault(Zip({Picture(1, 1), Picture(200, 150, 'd')})),
+              "entry 2 of the media archive is no picture");
+}
+
+TEST(MediaArchive, IsRefusedForTooManyPixelsBeforeThesePicturesAreDecoded) {
+    int decoded = 0;
+    const PICTURE_CHECK counting = {ReadSize, [&](std::span<const uint8_t>) {
+                                        ++decoded;
+                                        return true;
+                                    }};
+    const Bytes archive = Zip({Picture(4096, 4096), Picture(4096, 4096), Picture(1, 1)});
+    std::string error;
+    EXPECT_FALSE(CheckMediaArchive(archive, counting, error));
+    EXPECT_EQ(decoded, 2) << "the third would be too many";
+    decoded = 0;
+    EXPECT_FALSE(CheckMediaArchive(Zip({Picture(4097, 4096)}), counting, error));
+    EXPECT_EQ(decoded, 0);
+}
+
 TEST(MediaArchive, HasAsManyEntriesAsItMayAndNoMore) {
     std::vector<Bytes> pictures(kMostMediaEntries, Picture(200, 150));
     EXPECT_EQ(Fault(Zip(pictures)), "");
@@ -159,20 +186,45 @@ TEST(MediaArchive, AFalseSizeIsDamage) {
     EXPECT_EQ(Fault(archive), "entry 1 of the media archive is too large");
 }
 
-TEST(MediaArchive, ReplacesTheLocalOneOnlyIfItIsGood) {
+TEST(MediaArchive, KeepsItsRevisionOnTheService) {
     const TemporaryFolder folder;
-    const fs::path path = folder.Path() / "media" / "game.zip";
+    const fs::path path = folder.Path() / "media" / "Game v1.2.zip";
     const Bytes first = Zip({Picture(200, 150)});
     const Bytes second = Zip({Picture(60, 80)});
     std::string error;
-    ASSERT_TRUE(StoreMediaArchive(path, first, ReadSize, error)) << error;
-    EXPECT_EQ(folder.Read("media/game.zip"), first);
-    const Bytes cut(second.begin(), second.end() - 30);
-    EXPECT_FALSE(StoreMediaArchive(path, cut, ReadSize, error));
+    EXPECT_EQ(MediaRevision(path), 0) << "there is none";
+    ASSERT_TRUE(StoreMediaArchive(path, first, 7, error)) << error;
+    EXPECT_EQ(folder.Read("media/Game v1.2.zip"), first);
+    EXPECT_EQ(MediaRevision(path), 7);
+    ASSERT_TRUE(StoreMediaArchive(path, second, 8, error)) << error;
+    EXPECT_EQ(folder.Read("media/Game v1.2.zip"), second);
+    EXPECT_EQ(MediaRevision(path), 8);
+}
+
+TEST(MediaArchive, ThePlayersOwnHasNoRevision) {
+    const TemporaryFolder folder;
+    const fs::path path = folder.Path() / "game.zip";
+    const Bytes theirs = Zip({Picture(200, 150)});
+    folder.Write("game.zip", theirs);
+    EXPECT_EQ(MediaRevision(path), std::nullopt);
+    std::string error;
+    ASSERT_TRUE(StoreMediaArchive(path, theirs, 7, error)) << error;
+    EXPECT_EQ(MediaRevision(path), 7);
+    folder.Write("game.zip", Zip({Picture(60, 80)}));
+    EXPECT_EQ(MediaRevision(path), std::nullopt) << "the player has replaced the service's";
+    folder.Write("game.zip", theirs);
+    for (const char* const note : {"", "7", "seven", "-", "99999999999 x\n"}) {
+        folder.Write("game.cover", std::string_view(note));
+        EXPECT_EQ(MediaRevision(path), std::nullopt) << note;
+    }
+}
+
+TEST(MediaArchive, AnOldOneStaysIfTheNewOneCannotBeWritten) {
+    const TemporaryFolder folder;
+    folder.Write("media", std::string_view("a file, no folder"));
+    std::string error;
+    EXPECT_FALSE(StoreMediaArchive(folder.Path() / "media" / "game.zip", Zip({}), 1, error));
     EXPECT_NE(error, "");
-    EXPECT_EQ(folder.Read("media/game.zip"), first);
-    ASSERT_TRUE(StoreMediaArchive(path, second, ReadSize, error));
-    EXPECT_EQ(folder.Read("media/game.zip"), second);
 }
 
 TEST(MediaArchive, NamesOfEntriesBecomeNoPaths) {
@@ -181,13 +233,14 @@ TEST(MediaArchive, NamesOfEntriesBecomeNoPaths) {
                                             "c:\\evil.png"};
     const Bytes archive = Zip(std::vector<Bytes>(names.size(), Picture(200, 150)), names);
     std::string error;
-    ASSERT_TRUE(StoreMediaArchive(folder.Path() / "in" / "game.zip", archive, ReadSize, error));
+    ASSERT_TRUE(StoreMediaArchive(folder.Path() / "in" / "game.zip", archive, 1, error));
     EXPECT_EQ(ReadLocalMedia(archive, Decode).screenshots.size(), names.size());
     std::vector<fs::path> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder.Path())) {
         files.push_back(fs::relative(entry.path(), folder.Path()));
     }
-    EXPECT_THAT(files, testing::UnorderedElementsAre(fs::path("in"), fs::path("in/game.zip")));
+    EXPECT_THAT(files, testing::UnorderedElementsAre(fs::path("in"), fs::path("in/game.zip"),
+                                                     fs::path("in/game.cover")));
 }
 
 TEST(MediaArchive, NamesOfEntriesAreNotInMessages) {

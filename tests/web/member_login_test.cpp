@@ -5,6 +5,7 @@
 #include "support/temporary_folder.h"
 #include "support/wait_until.h"
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <functional>
 #include <string>
@@ -37,6 +38,10 @@ protected:
         return [this](const std::wstring& url, std::wstring& error, const std::atomic<uint32_t>*,
                       std::unique_ptr<uint8_t[]>& data, uint32_t& size, const std::atomic<bool>&) {
             ++fetches;
+            if (!url.starts_with(L"http://")) {
+                error.clear(); // as Fetch does
+                return false;
+            }
             const std::string body = answers(url);
             if (body.empty()) {
                 error = L"Connection refused";
@@ -143,6 +148,34 @@ TEST_F(Login, KeysOfAnAttemptThatWasGivenUpGoNowhere) {
 
 TEST_F(Login, SaysWhyNothingCame) {
     EXPECT_EQ(Failure([](const std::wstring&) { return std::string(); }), L"Connection refused");
+}
+
+// The system refuses threads with a stack that is larger than any memory.
+TEST_F(Login, SaysThatNoThreadCouldBeMade) {
+    answers = Ending(std::string(kNobodysSignature));
+    login.Login(kAddresses, L"anna", "correct horse", false);
+    ASSERT_TRUE(queue.WaitUntilIdle(kLongestWait));
+    pthread_attr_t before;
+    pthread_attr_t huge;
+    ASSERT_EQ(pthread_getattr_default_np(&before), 0);
+    ASSERT_EQ(pthread_attr_init(&huge), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&huge, size_t{1} << 47), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&huge), 0);
+    queue.PumpRequests(); // the challenge comes
+    EXPECT_EQ(pthread_setattr_default_np(&before), 0);
+    pthread_attr_destroy(&huge);
+    pthread_attr_destroy(&before);
+    EXPECT_EQ(login.CurrentState(), MemberLogin::State::kOut);
+    EXPECT_EQ(login.Error(), L"Resource temporarily unavailable");
+    login.Update();
+    EXPECT_EQ(fetches, 1) << "no proof was sent";
+}
+
+TEST_F(Login, SaysThatTheAddressIsOfAnotherForm) {
+    login.Login({L"https://host/", L""}, L"anna", "correct horse", false);
+    ASSERT_TRUE(queue.WaitUntilIdle(kLongestWait));
+    queue.PumpRequests();
+    EXPECT_EQ(login.Error(), L"The address of the web service must begin with http://");
 }
 
 TEST_F(Login, NeedsAServiceANameAndAPassword) {

@@ -28,8 +28,8 @@ protected:
         const std::scoped_lock hold(lock);
         return std::exchange(urls, {});
     }
-    void Note(uint32_t key, uint32_t serial, const MEMBER_CREDENTIALS& member = kAnna) {
-        reports.Note(kAddresses, member, key, serial, 5, L"Moth");
+    bool Note(uint32_t key, uint32_t serial, const MEMBER_CREDENTIALS& member = kAnna) {
+        return reports.Note(kAddresses, member, key, serial, 5, L"Moth");
     }
 
     std::mutex lock;
@@ -50,11 +50,11 @@ const std::wstring kStop = L"http://host/q?m=5&s=5&n=Moth&u=anna&t=abc";
 
 TEST_F(Reports, TellAStartAndAStopOnce) {
     for (int round = 0; round < 3; ++round) {
-        Note(kSet, 1);
+        EXPECT_EQ(Note(kSet, 1), round == 0);
     }
     EXPECT_THAT(Sent(), ElementsAre(kStart));
     for (int round = 0; round < 3; ++round) {
-        Note(kSet, 0);
+        EXPECT_FALSE(Note(kSet, 0));
     }
     EXPECT_THAT(Sent(), ElementsAre(kStop));
 }
@@ -66,7 +66,7 @@ TEST_F(Reports, AnotherGameOnTheSetStopsTheFirst) {
 }
 
 TEST_F(Reports, TellNothingOfAPlayerWhoIsNoMember) {
-    Note(kSet, 1, {});
+    EXPECT_FALSE(Note(kSet, 1, {}));
     Note(kSet, 0, {});
     EXPECT_THAT(Sent(), IsEmpty());
 }

@@ -90,6 +90,10 @@ protected:
             return login.CurrentState() == MemberLogin::State::kOut || login.IsLoggedIn();
         }));
     }
+    void FinishCheck() {
+        EXPECT_TRUE(queue.WaitUntilIdle(kLongestWait));
+        queue.PumpRequests();
+    }
     void LogIn(const std::wstring& name, const std::string& password, bool keep = false) {
         login.Login(served.Addresses(), name, password, keep);
         FinishLogin();
@@ -146,13 +150,6 @@ TEST_F(Service, SendsCovers) {
                                        L"L'Ann\u00e9"
                                        L"e"));
     ASSERT_EQ(answer.body, archive);
-    const auto readSize = [&](std::span<const uint8_t> file, PICTURE_SIZE& size) {
-        size = {10, 10};
-        return std::equal(file.begin(), file.end(), picture.begin(), picture.end());
-    };
-    const fs::path path = home.Path() / "media" / "game.zip";
-    EXPECT_TRUE(StoreMediaArchive(path, answer.body, readSize, error)) << error;
-    EXPECT_EQ(home.Read("media/game.zip"), archive);
 }
 
 TEST_F(Service, LogsAMemberIn) {
@@ -251,6 +248,42 @@ TEST_F(Service, ATokenEndsInTime) {
                                 login.Credentials()))
                   .error,
               L"Invalid response code");
+}
+
+TEST_F(Service, ALoginThatHasEndedIsNoticed) {
+    served.AddMember("anna", "correct horse");
+    served.Start({"--token-seconds", "0"});
+    LogIn(L"anna", "correct horse");
+    ASSERT_TRUE(login.IsLoggedIn());
+    login.Check();
+    FinishCheck();
+    EXPECT_FALSE(login.IsLoggedIn());
+    EXPECT_EQ(login.Error(), L"The login has ended. Please log in again.");
+}
+
+TEST_F(Service, ALoginThatHasEndedBeginsAgainByItsKeptKeys) {
+    served.AddMember("anna", "correct horse");
+    served.Start({"--token-seconds", "0"});
+    LogIn(L"anna", "correct horse", true);
+    const std::wstring token = login.Credentials().token;
+    login.Check();
+    FinishCheck();
+    FinishLogin();
+    EXPECT_TRUE(login.IsLoggedIn());
+    EXPECT_NE(login.Credentials().token, token);
+}
+
+TEST_F(Service, ALoginThatHoldsGoesOn) {
+    served.AddMember("anna", "correct horse");
+    served.Start();
+    login.Check(); // nobody is logged in
+    LogIn(L"anna", "correct horse");
+    const std::wstring token = login.Credentials().token;
+    login.Check();
+    FinishCheck();
+    EXPECT_TRUE(login.IsLoggedIn());
+    EXPECT_EQ(login.Credentials().token, token);
+    EXPECT_EQ(login.Error(), L"");
 }
 
 TEST_F(Service, KeptKeysLogInWithoutThePassword) {

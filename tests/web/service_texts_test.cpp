@@ -186,6 +186,33 @@ TEST(GameInformation, AFailureSaysWhyInAllPanels) {
     EXPECT_FALSE(ContentAvailable(game, 3));
 }
 
+TEST(GameInformation, LocalTextsStayWhereTheAnswerHasNone) {
+    const GAME_INFORMATION local =
+        Game("<CHEATS>here</CHEATS><REVIEWS>a local review</REVIEWS><TRIVIA>fact</TRIVIA>");
+    const GAME_INFORMATION page = WithLocalTexts(Game("<html>Please log in</html>"), local);
+    EXPECT_EQ(page.cheats, L"here");
+    EXPECT_EQ(page.reviews, L"a local review");
+    EXPECT_EQ(page.trivia, L"fact");
+    const GAME_INFORMATION some =
+        WithLocalTexts(Game("<REVIEWS>a newer review</REVIEWS><COVER>3</COVER>"), local);
+    EXPECT_EQ(some.cheats, L"here");
+    EXPECT_EQ(some.reviews, L"a newer review");
+    EXPECT_EQ(some.cover, 3);
+}
+
+TEST(Answer, SaysWhyThereIsNothingToRead) {
+    const uint8_t byte = 0;
+    EXPECT_EQ(WhyNothingCame(L"http://host/", L"", &byte), L"");
+    EXPECT_EQ(WhyNothingCame(L"http://host/", L"Connection refused", nullptr),
+              L"Connection refused");
+    EXPECT_EQ(WhyNothingCame(L"http://host/", L"", nullptr), L"The service's answer is empty");
+    for (const wchar_t* const url : {L"https://host/", L"host:8080?m=2", L"HTTP://host/"}) {
+        EXPECT_EQ(WhyNothingCame(url, L"", nullptr),
+                  L"The address of the web service must begin with http://")
+            << url;
+    }
+}
+
 TEST(GameInformation, AnotherRevisionOfTheCoverIsContent) {
     EXPECT_TRUE(ContentAvailable(Game("<COVER>3</COVER>"), 2));
     EXPECT_TRUE(ContentAvailable(Game("<COVER>3</COVER>"), 4));

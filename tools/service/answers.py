@@ -41,6 +41,14 @@ class Answers:
         self.clock = clock
         self.lock = threading.Lock()
 
+    def of_address(self, address):
+        """The answer to what stands in a request's first line, which may be anything."""
+        try:
+            parts = urllib.parse.urlsplit(address)
+        except ValueError:  # a bracket that is not closed, for one
+            return Answer(400)
+        return self.find(parts.path, parts.query)
+
     def find(self, path, query):
         try:
             fields = dict(urllib.parse.parse_qsl(query, max_num_fields=16))
@@ -66,6 +74,9 @@ class Answers:
         if number == "8":
             self.door.close(fields.get("u", ""), fields.get("t", ""))
             return Answer()
+        if number == "9":
+            member = self.door.member(fields.get("u", ""), fields.get("t", ""))
+            return tags(LOGIN="ended" if member is None else "good")
         return Answer(404)
 
     def of_path(self, path):

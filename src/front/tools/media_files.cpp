@@ -1,8 +1,7 @@
 #include "front/tools/media_files.h"
 
 #include "base/bytes.h"
-
-#include <png.h>
+#include "formats/png_picture.h"
 
 #include <algorithm>
 #include <string_view>
@@ -19,33 +18,14 @@ std::vector<uint8_t> PngOfFrame(const EMU_VIDEO_FRAME& frame) {
     if (frame.pixels == nullptr || frame.visibleWidth == 0 || frame.visibleHeight == 0) {
         return {};
     }
-    constexpr size_t kBytesAPixel = 3;
-    std::vector<uint8_t> rows;
-    rows.reserve(size_t{frame.visibleWidth} * frame.visibleHeight * kBytesAPixel);
+    PNG_PICTURE picture{frame.visibleWidth, frame.visibleHeight, {}};
+    picture.pixels.reserve(size_t{frame.visibleWidth} * frame.visibleHeight);
     for (uint32_t y = 0; y < frame.visibleHeight; ++y) {
         const uint32_t* row =
             frame.pixels + size_t{frame.visibleY + y} * frame.width + frame.visibleX;
-        for (uint32_t x = 0; x < frame.visibleWidth; ++x) {
-            rows.push_back(static_cast<uint8_t>(row[x] >> 16));
-            rows.push_back(static_cast<uint8_t>(row[x] >> 8));
-            rows.push_back(static_cast<uint8_t>(row[x]));
-        }
+        picture.pixels.insert(picture.pixels.end(), row, row + frame.visibleWidth);
     }
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = frame.visibleWidth;
-    image.height = frame.visibleHeight;
-    image.format = PNG_FORMAT_RGB;
-    png_alloc_size_t size = 0;
-    if (png_image_write_get_memory_size(image, size, 0, rows.data(), 0, nullptr) == 0) {
-        return {};
-    }
-    std::vector<uint8_t> file(size);
-    if (png_image_write_to_memory(&image, file.data(), &size, 0, rows.data(), 0, nullptr) == 0) {
-        return {};
-    }
-    file.resize(size);
-    return file;
+    return EncodePng(picture);
 }
 
 std::vector<uint8_t> WavOfSamples(std::span<const int16_t> samples, uint32_t rate) {

@@ -1,7 +1,7 @@
 // What each action's note holds, computed from the bindings of all actions: the controls of game
 // controllers that may act for the action, and the modifier keys that are ordinary keys to it.
 //
-// A note has the pad controls at their own bits (`PadBit`) and the modifier keys at bits 19 to 26, which
+// A note has the pad controls at their own bits (`PadBit`) and the modifier keys at bits 20 to 27, which
 // no control has.
 #pragma once
 
@@ -21,7 +21,7 @@ inline constexpr uint32_t kCtrlKeyBits = 1u << 0 | 1u << 4;
 inline constexpr uint32_t kShiftKeyBits = 1u << 1 | 1u << 5;
 inline constexpr uint32_t kAltKeyBits = 1u << 2 | 1u << 6;
 
-inline constexpr uint32_t kNoteModifiers = 19; // their lowest bit
+inline constexpr uint32_t kNoteModifiers = 20; // their lowest bit
 static_assert(kPadControls <= kNoteModifiers && kNoteModifiers + kModifierKeys < 31);
 
 // The bit of a shift, ctrl or alt key; 0 for any other key.

@@ -27,7 +27,7 @@ constexpr uint64_t Right(uint32_t player) {
     return PadBit(player, kPadDpadRight) | PadBit(player, kPadStickRight);
 }
 
-constexpr size_t kProgramActions = 12; // come first in the table
+constexpr size_t kProgramActions = 13; // come first in the table
 
 // clang-format off
 constexpr INPUT_ACTION kInputActions[] = {
@@ -44,6 +44,7 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"Rewind", KeyboardBinding(43, kModifierShift), PadBit(0, kPadLeftTrigger)}, // Shift + Tab
     {L"Load State", 65},                                        // F8
     {L"Save State", 64},                                        // F7
+    {L"Saved States", 66, PadBit(0, kPadRightClick)},           // F9
     // NES
     {L"NES P1 UP", 82, Up(0)},                                  // Up
     {L"NES P1 DOWN", 81, Down(0)},                              // Down

@@ -183,6 +183,13 @@ TEST_F(WindowCommand, ADriverThatIsNotThereIsAnError) {
     EXPECT_THAT(result.error, HasSubstr("no display"));
 }
 
+TEST_F(WindowCommand, TheDesktopProgramEndsWithZeroAlsoWithoutItsDriver) {
+    const Environment driver("SDL_VIDEODRIVER", "nonesuch");
+    const PROGRAM_RESULT result = Run({});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.error, HasSubstr("no display"));
+}
+
 TEST_F(WindowCommand, PlaysOnWithoutASoundDevice) {
     const Environment driver("SDL_AUDIODRIVER", "nonesuch");
     const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", "--frames", "30"});

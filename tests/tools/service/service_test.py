@@ -179,7 +179,7 @@ class Answers(Folder):
 
     def test_unknown_game_is_404(self):
         self.assertEqual(self.answers.find("/", "m=3&s=1&n=none").code, 404)
-        self.assertEqual(self.answers.find("/", "m=9").code, 404)
+        self.assertEqual(self.answers.find("/", "m=10").code, 404)
 
     def test_covers_have_a_folder_for_one_machine(self):
         self.write("sms/covers/a b.zip", b"sms")
@@ -203,6 +203,21 @@ class Answers(Folder):
             self.assertEqual(self.answers.find(path, "").code, 404, path)
         for name in ("..%2Fmembers%2Fanna", "%2Fetc%2Fpasswd", "%00"):
             self.assertEqual(self.answers.find("/", "m=3&s=1&n=" + name).code, 404, name)
+
+    def test_nonsense_for_an_address_is_400(self):
+        self.write("news.txt", b"news")
+        self.assertEqual(self.answers.of_address("http://[").code, 400)
+        self.assertEqual(self.answers.of_address("//[::1").code, 400)
+        self.assertEqual(self.answers.of_address("/?m=2").body, b"news")
+        self.assertEqual(self.answers.of_address("http://host:8080/?m=2").body, b"news")
+
+    def test_says_whether_a_token_is_good(self):
+        self.members.add("anna", "correct horse")
+        token = self.log_in()[2][1]
+        self.assertEqual(self.answers.find("/", f"m=9&u=anna&t={token}").body, b"<LOGIN>good</LOGIN>\n")
+        self.now += 3600
+        self.assertEqual(self.answers.find("/", f"m=9&u=anna&t={token}").body, b"<LOGIN>ended</LOGIN>\n")
+        self.assertEqual(self.answers.find("/", "m=9").body, b"<LOGIN>ended</LOGIN>\n")
 
     def test_reports_need_a_token(self):
         self.members.add("anna", "correct horse")

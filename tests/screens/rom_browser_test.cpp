@@ -553,6 +553,7 @@ protected:
     void TakeAnswers() {
         EXPECT_TRUE(host.downloads.WaitUntilIdle(kLongestWait));
         host.downloads.PumpRequests();
+        browser->Media().Wait();
         Round();
     }
     [[nodiscard]] std::wstring Text(ContentTab tab) { return browser->Content().Text(tab)->Text(); }

@@ -84,6 +84,7 @@ void GuiOverlay::Start(const DRAW_TARGET& target, SceneDrawing drawScene) {
             }
         },
     });
+    CGhostManager::Get().SetPaintLimit(kSmoothPaintLimit);
     started = true;
     size = target;
     lastTick = HostClock().nowMicroseconds();
@@ -95,6 +96,7 @@ void GuiOverlay::End() {
     if (started) {
         started = false;
         CGhostManager::Get().SetHost({});
+        CGhostManager::Get().SetPaintLimit(0);
         textures.End();
         cursors.End();
     }

@@ -9,6 +9,7 @@
 #include "gui/theme.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -39,6 +40,9 @@ void CGhostListView::SetStyle(const std::wstring& name) {
 // ---- Rows.
 
 int32_t CGhostListView::AddRow() {
+    if (HasSource()) {
+        return -1;
+    }
     cells.resize(cells.size() + columns.size());
     ++rowCount;
     UpdateScroll();
@@ -46,7 +50,7 @@ int32_t CGhostListView::AddRow() {
 }
 
 void CGhostListView::RemoveRow(int32_t row) {
-    if (row < 0 || row >= rowCount) {
+    if (row < 0 || row >= rowCount || HasSource()) {
         return;
     }
     EndEdit(false);
@@ -59,8 +63,22 @@ void CGhostListView::RemoveRow(int32_t row) {
 void CGhostListView::Clear() {
     EndEdit(false);
     cells.clear();
+    madeRows.clear();
+    source = {};
     rowCount = 0;
     RowsCleared();
+}
+
+void CGhostListView::SetRows(int32_t count, GHOSTLISTVIEW_SOURCE rowSource) {
+    Clear();
+    source = std::move(rowSource);
+    rowCount = std::max(count, 0);
+    UpdateScroll();
+}
+
+void CGhostListView::Refresh() {
+    madeRows.clear();
+    dirty = true;
 }
 
 void CGhostListView::Reserve(int32_t rows) {
@@ -71,7 +89,16 @@ GHOSTLISTVIEW_ITEM* CGhostListView::Cell(int32_t row, int32_t column) {
     if (row < 0 || row >= rowCount || column < 0 || column >= ColumnCount()) {
         return nullptr;
     }
-    return &cells[static_cast<size_t>(row) * columns.size() + static_cast<size_t>(column)];
+    if (!HasSource()) {
+        return &cells[static_cast<size_t>(row) * columns.size() + static_cast<size_t>(column)];
+    }
+    auto found = madeRows.find(row);
+    if (found == madeRows.end()) {
+        found = madeRows.try_emplace(row, columns.size()).first;
+        source.fill(row, found->second);
+        MarkSelected(row, row == selected);
+    }
+    return &found->second[static_cast<size_t>(column)];
 }
 
 void CGhostListView::SetCell(int32_t row, int32_t column, const std::wstring& text, int32_t image) {
@@ -83,11 +110,17 @@ void CGhostListView::SetCell(int32_t row, int32_t column, const std::wstring& te
 }
 
 std::wstring_view CGhostListView::RowText(int32_t row) const {
+    if (HasSource()) {
+        return source.text(row);
+    }
     return columns.empty() ? std::wstring_view()
                            : cells[static_cast<size_t>(row) * columns.size()].text;
 }
 
 void CGhostListView::MarkSelected(int32_t row, bool on) {
+    if (HasSource() && !madeRows.contains(row)) {
+        return; // it is marked when it is made
+    }
     for (int32_t column = 0; column < ColumnCount(); ++column) {
         if (GHOSTLISTVIEW_ITEM* const cell = Cell(row, column)) {
             cell->flags = on ? cell->flags | GHOSTLISTVIEW_ITEM::kSelected

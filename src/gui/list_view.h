@@ -1,6 +1,7 @@
 // CGhostListView: a table with headings. One row may be selected.
 //
-// Only the rows that are seen are painted, so a table of tens of thousands is as quick as a short one.
+// Only the rows that are seen are painted, so a table of tens of thousands is as quick as a short one. Its rows may
+//   be made by a source only when they are needed, so that it is there at once as well.
 // Headings: dragging their edges changes a column's width, clicking one fires OnHeader and, if the owner
 //   has made the column sortable, sorts by it, the second time the other way round.
 // Keys and a controller: see scrolled_rows.h. Up from the first row goes to the headings, where left and
@@ -13,6 +14,10 @@
 #include "gui/styles.h"
 
 #include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 class CGhostButton;
@@ -26,6 +31,14 @@ struct GHOSTLISTVIEW_ITEM {
     uint8_t colourSet = 0;
     int32_t indent = 0; // widths of an image
     uint64_t value = 0; // the owner's
+};
+
+// Makes the rows of a table when they are needed; they are forgotten and made again at any time.
+struct GHOSTLISTVIEW_SOURCE {
+    std::function<void(int32_t row, std::span<GHOSTLISTVIEW_ITEM> cells)> fill; // cells are empty
+    std::function<std::wstring_view(int32_t row)> text; // of the first column; stays with the rows
+    // The player wants this order: the owner sets the rows again.
+    std::function<void(int32_t column, bool descending)> sort;
 };
 
 class CGhostListView : public CGhostScrolledRows {
@@ -46,6 +59,7 @@ public:
     // Without `before` by the text, without regard to capitals.
     void SetSortable(int32_t column, Before before = {});
     void SortBy(int32_t column, bool descending);
+    void ForgetOrder();                                             // the rows stay as they are
     [[nodiscard]] int32_t SortColumn() const { return sortColumn; } // -1: none
     [[nodiscard]] bool SortDescending() const { return sortDescending; }
 
@@ -54,10 +68,13 @@ public:
     void RemoveRow(int32_t row);
     void Clear();
     void Reserve(int32_t rows);
+    // In the place of the rows that are there. They cannot be added to or removed, and what is changed in a cell lasts
+    // until the next tick.
+    void SetRows(int32_t count, GHOSTLISTVIEW_SOURCE rowSource);
     [[nodiscard]] int32_t RowCount() const { return rowCount; }
     [[nodiscard]] GHOSTLISTVIEW_ITEM* Cell(int32_t row, int32_t column); // null outside
     void SetCell(int32_t row, int32_t column, const std::wstring& text, int32_t image = -1);
-    void Refresh() { dirty = true; } // after cells were changed in place
+    void Refresh(); // after cells were changed in place, or a source's rows are others
 
     [[nodiscard]] int32_t HeaderHeight() const { return style.headerHeight; }
     // What is seen of a cell, within the client area.
@@ -129,13 +146,18 @@ private:
     [[nodiscard]] bool HeadingIsUsable(int32_t column) const;
     [[nodiscard]] int32_t UsableHeading(int32_t from, int32_t step) const;
     [[nodiscard]] std::vector<int32_t> SortedRows(int32_t column, bool descending);
+    void SortCells(int32_t column, bool descending);
+    void ShowOrder();
+    [[nodiscard]] bool HasSource() const { return source.fill != nullptr; }
     void EndEdit(bool keep);
     void PaintRow(CGhostSurface& surface, int32_t row, int32_t y);
     void PaintCell(CGhostSurface& surface, int32_t row, int32_t column, const GUI_RECT& place);
 
     GhostListViewStyle style;
     std::vector<COLUMN> columns;
-    std::vector<GHOSTLISTVIEW_ITEM> cells; // row by row
+    std::vector<GHOSTLISTVIEW_ITEM> cells; // row by row; without a source
+    GHOSTLISTVIEW_SOURCE source;
+    std::unordered_map<int32_t, std::vector<GHOSTLISTVIEW_ITEM>> madeRows; // rows of the source
     int32_t rowCount = 0;
     int32_t sortColumn = -1;
     bool sortDescending = false;

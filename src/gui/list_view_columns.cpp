@@ -263,6 +263,32 @@ void CGhostListView::SortBy(int32_t column, bool descending) {
     EndEdit(true);
     sortColumn = column;
     sortDescending = descending;
+    ShowOrder();
+    if (!HasSource()) {
+        SortCells(column, descending);
+    } else if (source.sort) {
+        const auto sort = source.sort; // which sets another source
+        sort(column, descending);
+    }
+}
+
+void CGhostListView::ForgetOrder() {
+    sortColumn = -1;
+    sortDescending = false;
+    ShowOrder();
+}
+
+void CGhostListView::ShowOrder() {
+    for (int32_t i = 0; i < ColumnCount(); ++i) {
+        const COLUMN& at = columns[static_cast<size_t>(i)];
+        const wchar_t* const mark = i != sortColumn  ? L""
+                                    : sortDescending ? L" \u2193"
+                                                     : L" \u2191";
+        at.heading->SetCaption(at.caption + mark);
+    }
+}
+
+void CGhostListView::SortCells(int32_t column, bool descending) {
     std::vector<GHOSTLISTVIEW_ITEM> sorted;
     sorted.reserve(cells.size());
     int32_t newSelected = -1;
@@ -276,11 +302,6 @@ void CGhostListView::SortBy(int32_t column, bool descending) {
     }
     cells = std::move(sorted);
     selected = newSelected;
-    for (int32_t i = 0; i < ColumnCount(); ++i) {
-        const COLUMN& at = columns[static_cast<size_t>(i)];
-        const wchar_t* const mark = i != column ? L"" : descending ? L" \u2193" : L" \u2191";
-        at.heading->SetCaption(at.caption + mark);
-    }
     UpdateScroll();
     EnsureVisible(selected);
 }

@@ -72,6 +72,10 @@ void CGhostListView::PaintRow(CGhostSurface& surface, int32_t row, int32_t y) {
 }
 
 void CGhostListView::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*/) {
+    constexpr size_t kMostMade = 1000; // far more than any page
+    if (madeRows.size() > kMostMade) {
+        madeRows.clear();
+    }
     PaintFill(*surface, style.list.bg.bg, {0, 0, width, height});
     // The headings go on beside the last column, as the rows do. The right end, which parts two columns, lies
     // beyond the edge.

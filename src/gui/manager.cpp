@@ -283,23 +283,44 @@ void CGhostManager::RepaintWindows() {
             windows.push_back(at);
         }
     }
+    appeared = 0;
     for (GHOSTMANAGER_WINDOW* const window : windows) {
         Repaint(*window);
     }
 }
 
+void CGhostManager::SetPaintLimit(int64_t pixels) {
+    const std::scoped_lock hold(apiLock);
+    paintLimit = pixels;
+}
+
 namespace {
 
+// What lies in a hidden window waits until that is shown.
 bool WantsPainting(const GHOSTMANAGER_WINDOW& window) {
     bool dirty = window.dirty;
     for (const CGhostGUIHandler* handler = window.handler; handler != nullptr;
          handler = handler->next) {
         dirty = dirty || handler->dirty;
     }
-    return dirty && window.visible;
+    return dirty;
 }
 
 } // namespace
+
+bool CGhostManager::MayPaint(const GHOSTMANAGER_WINDOW& window) {
+    if (paintLimit == 0 || !window.fresh || window.surface == nullptr) {
+        return true;
+    }
+    const CGhostSurface& surface = *window.surface;
+    const int64_t pixels = int64_t{surface.PixelWidth()} * surface.PixelHeight();
+    if (appeared != 0 && appeared + pixels > paintLimit) {
+        appeared = paintLimit; // nor any that lies farther in front
+        return false;
+    }
+    appeared += pixels;
+    return true;
+}
 
 void CGhostManager::Repaint(GHOSTMANAGER_WINDOW& window) {
     // Kept while it is painted, in case a handler changes the window's size meanwhile.
@@ -307,7 +328,7 @@ void CGhostManager::Repaint(GHOSTMANAGER_WINDOW& window) {
     GUI_RECT client;
     {
         const std::scoped_lock hold(treeLock);
-        if (!WantsPainting(window)) {
+        if (!WantsPainting(window) || !EffectivelyVisible(&window) || !MayPaint(window)) {
             return;
         }
         surface = window.surface;
@@ -331,6 +352,7 @@ void CGhostManager::Repaint(GHOSTMANAGER_WINDOW& window) {
         PaintFrame(*surface, window.frame);
     }
     window.dirty = false;
+    window.fresh = window.fresh && surface == nullptr;
     for (CGhostGUIHandler* handler = window.handler; handler != nullptr; handler = handler->next) {
         handler->dirty = false;
     }
@@ -366,7 +388,7 @@ void CGhostManager::CompositeAll() {
         StartBuffer();
     }
     for (const GHOSTMANAGER_WINDOW* at = firstWindow; at != nullptr; at = Next(at)) {
-        if (EffectivelyVisible(at) && at->surface != nullptr) {
+        if (EffectivelyVisible(at) && at->surface != nullptr && !at->fresh) {
             DrawWindow(*at);
         }
     }

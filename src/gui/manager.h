@@ -63,6 +63,9 @@ struct GUI_HOST_CALLBACKS {
         draw;
 };
 
+// A paint limit that keeps each frame well under its 4 ms.
+inline constexpr int64_t kSmoothPaintLimit = 800'000;
+
 // Keeps the value that a window has.
 inline constexpr int32_t kKeepValue = -999999;
 
@@ -159,6 +162,9 @@ public:
     void PostInput(GUI_INPUT_RECORD& record, uint64_t nowMilliseconds);
     void Tick(uint32_t microseconds); // does nothing within a tick
     void CompositeAll();
+    // The most pixels of windows that appear to be painted in one tick, 0 for all: the others appear with the next
+    // ticks, from back to front. One of more pixels has a tick of its own. What is seen already is always painted.
+    void SetPaintLimit(int64_t pixels);
     // With no draw callback CompositeAll blends into these pixels of the display, rows of `stride`.
     void SetCompositeBuffer(uint32_t* pixels, int32_t width, int32_t height, int32_t stride);
     // Screen areas changed since the last composite, in units.
@@ -250,6 +256,7 @@ private:
     void DrainQueue();
     void FreePending();
     void RepaintWindows();
+    [[nodiscard]] bool MayPaint(const GHOSTMANAGER_WINDOW& window);
     void Repaint(GHOSTMANAGER_WINDOW& window);
     void TellHost(std::function<void()> call);
     void TellHostWhatWaits();
@@ -279,6 +286,8 @@ private:
     std::thread::id hostThread;
     std::vector<std::function<void()>> hostWaits; // calls of it that other threads have left
     bool ticking = false;
+    int64_t paintLimit = 0;
+    int64_t appeared = 0; // pixels of the windows that were painted for the first time in this tick
     int32_t cursorX = 0;
     int32_t cursorY = 0;
     uint32_t nextId = 1;

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
+#include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -70,13 +71,14 @@ bool CGhostSurface::Create(const GUI_RECT& place, double pixelsPerUnit) {
     if (place.Empty() || pixelWidth > kMostPixels || pixelHeight > kMostPixels) {
         return false;
     }
-    try {
-        pixels.assign(static_cast<size_t>(pixelWidth) * static_cast<size_t>(pixelHeight), 0);
-    } catch (const std::bad_alloc&) {
-        pixels.clear();
-        return false;
-    }
-    return true;
+    const size_t count = static_cast<size_t>(pixelWidth) * static_cast<size_t>(pixelHeight);
+    pixels.reset(static_cast<uint32_t*>(std::calloc(count, sizeof(uint32_t))));
+    painted = false;
+    return pixels != nullptr;
+}
+
+void CGhostSurface::FREE::operator()(uint32_t* memory) const {
+    std::free(memory);
 }
 
 void CGhostSurface::PushOrigin(const GUI_RECT& rect) {
@@ -141,17 +143,15 @@ int32_t CGhostSurface::PixelY(double units) const {
 }
 
 void CGhostSurface::Clear() {
-    std::fill(pixels.begin(), pixels.end(), 0u);
+    if (painted) {
+        std::fill_n(pixels.get(),
+                    static_cast<size_t>(pixelWidth) * static_cast<size_t>(pixelHeight), 0u);
+        painted = false;
+    }
 }
 
 void CGhostSurface::SetPixel(int32_t x, int32_t y, uint32_t argb) {
     FillRect({x, y, 1, 1}, argb);
-}
-
-void CGhostSurface::BlendRun(uint32_t* to, int32_t count, uint32_t argb) {
-    for (int32_t i = 0; i < count; ++i) {
-        to[i] = BlendPixel(to[i], argb);
-    }
 }
 
 void CGhostSurface::FillRect(const GUI_RECT& rect, uint32_t argb) {
@@ -228,9 +228,7 @@ void CGhostSurface::FillGradient(const GUI_RECT& rect, uint32_t from, uint32_t t
         }
         for (int32_t y = target.top; y < target.bottom; ++y) {
             uint32_t* const row = Row(y) + target.left;
-            for (size_t i = 0; i < colours.size(); ++i) {
-                row[i] = BlendPixel(row[i], colours[i]);
-            }
+            BlendRow(row, colours.data(), static_cast<int32_t>(colours.size()));
         }
         return;
     }
@@ -289,16 +287,10 @@ private:
 };
 
 // The mean of four pixels, by their shares and alphas.
-uint32_t MixPixels(const uint32_t* low, const uint32_t* high, const TAP& column,
-                   uint32_t rowShare) {
-    const uint32_t corners[] = {low[column.low], low[column.high], high[column.low],
-                                high[column.high]};
-    if (corners[0] == corners[1] && corners[0] == corners[2] && corners[0] == corners[3]) {
-        return corners[0];
-    }
+uint32_t MixAny(const uint32_t (&corners)[4], uint32_t columnShare, uint32_t rowShare) {
     const uint64_t shares[] = {
-        uint64_t{256 - column.share} * (256 - rowShare), uint64_t{column.share} * (256 - rowShare),
-        uint64_t{256 - column.share} * rowShare, uint64_t{column.share} * rowShare};
+        uint64_t{256 - columnShare} * (256 - rowShare), uint64_t{columnShare} * (256 - rowShare),
+        uint64_t{256 - columnShare} * rowShare, uint64_t{columnShare} * rowShare};
     constexpr uint64_t kAll = 1 << 16;
     uint64_t alpha = 0;
     uint64_t colour[3] = {};
@@ -317,6 +309,69 @@ uint32_t MixPixels(const uint32_t* low, const uint32_t* high, const TAP& column,
         mixed |= static_cast<uint32_t>((colour[c] + alpha / 2) / alpha) << (c * 8);
     }
     return mixed;
+}
+
+// The same of opaque pixels, where the alphas go out of the division: two channels at once.
+uint32_t MixOpaque(const uint32_t (&corners)[4], uint32_t columnShare, uint32_t rowShare) {
+    constexpr uint32_t kPair = 0x00FF00FF;
+    constexpr uint64_t kHalves = 0x0000800000008000; // of what is cut off each channel
+    const auto across = [&](uint32_t left, uint32_t right, uint32_t shift) {
+        const uint32_t pair = (left >> shift & kPair) * (256 - columnShare) +
+                              (right >> shift & kPair) * columnShare; // 16 bits each
+        return uint64_t{pair & 0xFFFF} | uint64_t{pair >> 16} << 32;
+    };
+    const auto down = [&](uint32_t shift) {
+        const uint64_t pair = across(corners[0], corners[1], shift) * (256 - rowShare) +
+                              across(corners[2], corners[3], shift) * rowShare + kHalves;
+        return static_cast<uint32_t>(pair >> 16 & 0xFF) | static_cast<uint32_t>(pair >> 48 & 0xFF)
+                                                              << 16;
+    };
+    return down(0) | down(8) << 8;
+}
+
+uint32_t MixPixels(const uint32_t* low, const uint32_t* high, const TAP& column,
+                   uint32_t rowShare) {
+    const uint32_t corners[] = {low[column.low], low[column.high], high[column.low],
+                                high[column.high]};
+    if (corners[0] == corners[1] && corners[0] == corners[2] && corners[0] == corners[3]) {
+        return corners[0];
+    }
+    const bool opaque = (corners[0] & corners[1] & corners[2] & corners[3]) >> 24 == 255;
+    return opaque ? MixOpaque(corners, column.share, rowShare)
+                  : MixAny(corners, column.share, rowShare);
+}
+
+// Whether each pixel is that beside the one before, unmixed.
+bool AreNeighbours(const std::vector<TAP>& taps) {
+    for (size_t i = 0; i < taps.size(); ++i) {
+        if (taps[i].share != 0 || taps[i].low != taps[0].low + static_cast<int32_t>(i)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Blends the pixels that the taps say; `rowAt(i)` is where the target's row begins.
+template <typename RowAt>
+void BlendTaps(const GUI_BITMAP& bitmap, const std::vector<TAP>& columns,
+               const std::vector<TAP>& rows, RowAt rowAt) {
+    const auto count = static_cast<int32_t>(columns.size());
+    const bool copied = AreNeighbours(columns);
+    std::vector<uint32_t> line(columns.size());
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const auto rowOf = [&](int32_t row) {
+            return bitmap.pixels.data() + static_cast<ptrdiff_t>(row) * bitmap.pixelWidth;
+        };
+        const uint32_t* const low = rowOf(rows[i].low);
+        if (copied && rows[i].share == 0) {
+            BlendRow(rowAt(i), low + columns[0].low, count);
+            continue;
+        }
+        for (size_t x = 0; x < line.size(); ++x) {
+            line[x] = MixPixels(low, rowOf(rows[i].high), columns[x], rows[i].share);
+        }
+        BlendRow(rowAt(i), line.data(), count);
+    }
 }
 
 } // namespace
@@ -346,18 +401,15 @@ void CGhostSurface::Blit(const GUI_BITMAP& bitmap, const GUI_RECT& target, int32
         columns.push_back(
             acrossAxis.At(flip == Flip::kLeftToRight ? whole.right - 1 - x : x - whole.left));
     }
-    const auto rowOf = [&](int32_t row) {
-        return bitmap.pixels.data() + static_cast<ptrdiff_t>(row) * bitmap.pixelWidth;
-    };
+    std::vector<TAP> rows;
+    rows.reserve(static_cast<size_t>(visible.bottom - visible.top));
     for (int32_t y = visible.top; y < visible.bottom; ++y) {
-        const TAP row =
-            downAxis.At(flip == Flip::kTopToBottom ? whole.bottom - 1 - y : y - whole.top);
-        uint32_t* to = Row(y) + visible.left;
-        for (const TAP& column : columns) {
-            *to = BlendPixel(*to, MixPixels(rowOf(row.low), rowOf(row.high), column, row.share));
-            ++to;
-        }
+        rows.push_back(
+            downAxis.At(flip == Flip::kTopToBottom ? whole.bottom - 1 - y : y - whole.top));
     }
+    BlendTaps(bitmap, columns, rows, [&](size_t row) {
+        return Row(visible.top + static_cast<int32_t>(row)) + visible.left;
+    });
 }
 
 namespace {
@@ -367,6 +419,7 @@ std::vector<TAP> StretchTaps(int32_t from, int32_t to, int32_t extent, int32_t b
                              bool mixes) {
     const SourceAxis axis(0, bitmapPixels, bitmapPixels, bitmapPixels, extent);
     std::vector<TAP> taps;
+    taps.reserve(static_cast<size_t>(std::max(to - from, 0)));
     for (int32_t at = from; at < to; ++at) {
         const auto nearest = static_cast<int32_t>(int64_t{at} * bitmapPixels / extent);
         taps.push_back(mixes ? axis.At(at) : TAP{nearest, nearest, 0});
@@ -390,17 +443,9 @@ void CGhostSurface::BlitScaled(const GUI_BITMAP& bitmap, const GUI_RECT& target)
                     bitmap.pixelWidth, mixes);
     const std::vector<TAP> rows = StretchTaps(visible.top - whole.top, visible.bottom - whole.top,
                                               whole.bottom - whole.top, bitmap.pixelHeight, mixes);
-    const auto rowOf = [&](int32_t row) {
-        return bitmap.pixels.data() + static_cast<ptrdiff_t>(row) * bitmap.pixelWidth;
-    };
-    for (int32_t y = visible.top; y < visible.bottom; ++y) {
-        const TAP& row = rows[static_cast<size_t>(y - visible.top)];
-        uint32_t* to = Row(y) + visible.left;
-        for (const TAP& column : columns) {
-            *to = BlendPixel(*to, MixPixels(rowOf(row.low), rowOf(row.high), column, row.share));
-            ++to;
-        }
-    }
+    BlendTaps(bitmap, columns, rows, [&](size_t row) {
+        return Row(visible.top + static_cast<int32_t>(row)) + visible.left;
+    });
 }
 
 void CGhostSurface::KeepMask(int32_t x, int32_t y, const uint8_t* coverage, int32_t width,

@@ -14,7 +14,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <memory>
 
 struct GUI_BITMAP; // gui/bitmap.h
 
@@ -42,8 +42,11 @@ public:
     // have a unit too many on each side.
     [[nodiscard]] GUI_RECT Visible() const;
 
-    [[nodiscard]] uint32_t* Pixels() { return pixels.data(); } // of the whole surface
-    [[nodiscard]] const uint32_t* Pixels() const { return pixels.data(); }
+    [[nodiscard]] uint32_t* Pixels() { // of the whole surface
+        painted = true;
+        return pixels.get();
+    }
+    [[nodiscard]] const uint32_t* Pixels() const { return pixels.get(); }
     [[nodiscard]] int32_t Stride() const { return pixelWidth; } // in pixels
     [[nodiscard]] int32_t PixelWidth() const { return pixelWidth; }
     [[nodiscard]] int32_t PixelHeight() const { return pixelHeight; }
@@ -92,12 +95,17 @@ private:
     [[nodiscard]] PIXEL_RECT ToPixels(const GUI_RECT& rect) const; // not clipped
     [[nodiscard]] PIXEL_RECT Clipped(const PIXEL_RECT& rect) const;
     [[nodiscard]] uint32_t* Row(int32_t y) {
-        return pixels.data() + static_cast<ptrdiff_t>(y) * pixelWidth;
+        painted = true;
+        return pixels.get() + static_cast<ptrdiff_t>(y) * pixelWidth;
     }
-    void BlendRun(uint32_t* to, int32_t count, uint32_t argb);
     void LinePixels(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t argb);
 
-    std::vector<uint32_t> pixels;
+    struct FREE {
+        void operator()(uint32_t* memory) const;
+    };
+    // From calloc: the system clears the pages of a large surface when they are painted, not before.
+    std::unique_ptr<uint32_t[], FREE> pixels;
+    bool painted = false; // since all of it was transparent
     std::array<ORIGIN, 8> stack{};
     size_t stackDepth = 0;
     GUI_RECT area;         // the present origin's rectangle, on the screen, in units

@@ -45,6 +45,7 @@ struct GHOSTMANAGER_WINDOW {
     GHOSTMANAGER_WINDOW* owner = nullptr;
     bool visible = true;
     bool dirty = true;      // the surface must be painted again
+    bool fresh = true;      // it never was: the window is not drawn yet
     bool nonClient = false; // placed in and cut to the parent's outer rectangle
     bool tabStop = false;
     bool deletePending = false;

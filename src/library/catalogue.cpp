@@ -11,6 +11,7 @@
 #include "library/library_index.h"
 
 #include <algorithm>
+#include <cwctype>
 #include <optional>
 #include <utility>
 
@@ -68,8 +69,6 @@ bool Catalogue::SwitchSystem(int32_t wanted, int32_t direction) {
     if (hooks.makePanel) {
         hooks.makePanel(system);
     }
-    database =
-        CGameDatabase(hooks.loadDatabase ? hooks.loadDatabase(system) : LoadDatabase(system));
     folder = HomeFolder() / machine.folder;
     keepSources = hooks.keepSources && hooks.keepSources();
     StartScan();
@@ -77,9 +76,10 @@ bool Catalogue::SwitchSystem(int32_t wanted, int32_t direction) {
 }
 
 void Catalogue::StartScan() {
+    std::vector<GameListRow> before;
     {
         const std::scoped_lock guard(rowsLock);
-        rows.clear();
+        before = std::exchange(rows, {});
         rowsTaken = 0;
     }
     {
@@ -91,8 +91,9 @@ void Catalogue::StartScan() {
     folderError = false;
     scanProgress = 0;
     scanState = kScanScanning;
-    worker = std::thread([this] {
+    worker = std::thread([this, gone = std::move(before)]() mutable {
         HelperBegins();
+        gone = {};
         ScanWorker();
     });
 }
@@ -139,9 +140,16 @@ std::vector<ROW_LINE> Catalogue::ApplyFilters(const ROW_CHOICES& choices) {
     if (ScanRuns()) {
         return {};
     }
-    std::vector<ROW_LINE> lines = ::ApplyFilters(rows, choices);
     scanState = kScanIdle;
-    return lines;
+    return ::ApplyFilters(rows, choices);
+}
+
+std::vector<const GameListRow*> Catalogue::FilterRows(const ROW_CHOICES& choices) {
+    if (ScanRuns()) {
+        return {};
+    }
+    scanState = kScanIdle;
+    return ::FilterRows(rows, choices);
 }
 
 void Catalogue::Report(ConversionCount count, const std::wstring& line) {
@@ -255,7 +263,28 @@ void Catalogue::ReadGames(const std::vector<fs::path>& names) {
     }
 }
 
+// A list of any length is then sorted by numbers.
+void Catalogue::RankTitles() {
+    std::vector<std::pair<std::wstring, GameListRow*>> titles;
+    titles.reserve(rows.size());
+    for (GameListRow& row : rows) {
+        titles.emplace_back(row.title, &row);
+        for (wchar_t& character : titles.back().first) {
+            character = static_cast<wchar_t>(std::towlower(static_cast<wint_t>(character)));
+        }
+    }
+    std::ranges::sort(titles, {}, &decltype(titles)::value_type::first);
+    const std::scoped_lock guard(rowsLock); // TakeNewRows may copy them
+    uint32_t rank = 0;
+    for (size_t i = 0; i < titles.size(); ++i) {
+        rank += i > 0 && titles[i].first != titles[i - 1].first ? 1u : 0u;
+        titles[i].second->titleRank = rank;
+    }
+}
+
 void Catalogue::ScanWorker() {
+    database =
+        CGameDatabase(hooks.loadDatabase ? hooks.loadDatabase(system) : LoadDatabase(system));
     if (hooks.scanBegins) {
         hooks.scanBegins();
     }
@@ -271,6 +300,7 @@ void Catalogue::ScanWorker() {
     if (stop) {
         Report(ConversionCount::kNone, L"Stopped");
     }
+    RankTitles();
     // The last step: the rows are the screen's from here on.
     scanState = scanState == kScanConverting ? kScanConverted : kScanFinished;
 }

@@ -5,7 +5,8 @@
 // Shared with the worker: scanState and scanProgress are atomic; the log and the four counters have one
 // lock, the rows another.
 // The rows belong to the worker while ScanRuns(), and to the screen's thread after that. TakeNewRows
-// may be called at any time.
+// may be called at any time. What takes long with many games is the worker's: it reads the database, and
+// frees the rows of the scan before.
 #pragma once
 
 #include "base/ranked_mutex.h"
@@ -46,17 +47,18 @@ inline constexpr const wchar_t* kFolderErrorText =
 // What the catalogue asks of who owns it. Any may be empty.
 struct CATALOGUE_HOOKS {
     // By SwitchSystem, in this order: stores "gamebrowser_cursystem"; deletes the old system's option
-    // panel; clears the info panes and cover slots; makes the new panel.
+    // panel; clears the info panes and cover slots, and forgets all rows; makes the new panel.
     std::function<void(int32_t selector)> storeSelector;
     std::function<void()> deletePanel;
     std::function<void()> clearPanes;
     std::function<void(uint16_t system)> makePanel;
-    // The entries of a system's database; empty: LoadDatabase (game_source.h).
-    std::function<std::vector<CGameFile>(uint16_t system)> loadDatabase;
     // The setting `library_keepsources`, asked before a scan; empty: false.
     std::function<bool()> keepSources;
 
-    // By the worker. The option panel's slots 1 and 2:
+    // By the worker.
+    // First of all, the entries of the system's database; empty: LoadDatabase (game_source.h).
+    std::function<std::vector<CGameFile>(uint16_t system)> loadDatabase;
+    // The option panel's slots 1 and 2:
     std::function<void()> scanBegins;
     std::function<void(const std::filesystem::path& path, const CGameFile& game)> gameFound;
     // The records of a `.game`, on several threads at once; empty: LoadGameFile, header only.
@@ -112,6 +114,8 @@ public:
     // The lines of the rows that pass; sets scanState to 0. While ScanRuns() it returns none and leaves
     // the state as it is.
     [[nodiscard]] std::vector<ROW_LINE> ApplyFilters(const ROW_CHOICES& choices);
+    // The same as rows.
+    [[nodiscard]] std::vector<const GameListRow*> FilterRows(const ROW_CHOICES& choices);
 
 private:
     using Lock = RankedMutex<LockRank::kLeaf>;
@@ -123,6 +127,7 @@ private:
 
     void StartScan();
     void ScanWorker();
+    void RankTitles();
     void Report(ConversionCount count, const std::wstring& line);
     void List(std::vector<std::filesystem::path>& names);
     [[nodiscard]] bool HasSources(const std::vector<std::filesystem::path>& names);
@@ -135,7 +140,7 @@ private:
     CATALOGUE_HOOKS hooks;
     int32_t selector = 0;
     uint16_t system = 0;
-    CGameDatabase database; // changes only while no worker runs
+    CGameDatabase database; // the worker's
     std::filesystem::path folder;
     bool keepSources = false;
 

@@ -6,7 +6,6 @@
 #include "formats/default_records.h"
 #include "formats/packing.h"
 #include "library/convert.h"
-#include "library/image_finder.h"
 #include "library/release_name.h"
 
 #include <algorithm>
@@ -186,7 +185,7 @@ void Maker::FindAllImages() {
     }
     std::map<const LOGIQX_ROM*, KNOWN_IMAGE> found;
     if (!sources.roms.empty() && !wanted.empty()) {
-        const auto images = FindImages(sources.system, wanted, sources.roms, sources.complain);
+        const auto images = FindImages(sources.system, wanted, sources.roms, sources.search);
         for (size_t i = 0; i < wanted.size(); ++i) {
             if (images[i]) {
                 found.emplace(wanted[i], *images[i]);

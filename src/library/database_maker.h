@@ -13,11 +13,11 @@
 
 #include "formats/game_file.h"
 #include "library/database_rules.h"
+#include "library/image_finder.h"
 #include "library/logiqx.h"
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,8 +27,9 @@ struct DATABASE_SOURCES {
     const LOGIQX_FILE* list = nullptr;
     std::span<const DATABASE_RULE> rules = {};
     std::filesystem::path roms; // where the images are; may be empty
-    // Given one line for each file there that cannot be read.
-    std::function<void(const std::string&)> complain = [](const std::string&) {};
+    // Of the search there. A stop leaves out what has not been found.
+    IMAGE_SEARCH_SINK search = {[](const std::string&) {},
+                                [](size_t, size_t, const std::string&) {}, nullptr};
 };
 
 // Counts are games of the list.

@@ -31,6 +31,8 @@ struct GameListRow {
     uint32_t nameIndex = 0;    // of the NAME record in its file
     uint8_t playTypes = 0;     // NAME_RECORD::playTypes
     GAME_IDENTITY identity;    // of system 0 if the variant has no image
+    // Among the titles of a finished scan, without regard to capitals; equal titles have the same.
+    uint32_t titleRank = 0;
 };
 
 // False, with the row unchanged, when `nameIndex` is past the last NAME record.

@@ -60,10 +60,10 @@ private:
 class Finder {
 public:
     Finder(uint16_t machine, std::span<const LOGIQX_ROM* const> images,
-           const std::function<void(const std::string&)>& complaint)
+           const IMAGE_SEARCH_SINK& searchSink)
         : system(machine)
         , wanted(images)
-        , complain(complaint)
+        , sink(searchSink)
         , found(images.size()) {
         for (const LOGIQX_ROM* const rom : wanted) {
             sizes.insert(rom->size);
@@ -80,13 +80,14 @@ public:
     std::vector<std::optional<KNOWN_IMAGE>> Take() { return std::move(found); }
 
 private:
+    [[nodiscard]] bool Stopped() const { return sink.stop != nullptr && *sink.stop; }
     void VisitFile(const fs::path& path);
     void VisitZip(const fs::path& path);
     void VisitImage(std::span<const uint8_t> file);
 
     uint16_t system;
     std::span<const LOGIQX_ROM* const> wanted;
-    const std::function<void(const std::string&)>& complain;
+    const IMAGE_SEARCH_SINK& sink;
     std::vector<std::optional<KNOWN_IMAGE>> found;
     std::set<uint64_t> sizes; // of files that may be one of them
 };
@@ -124,11 +125,11 @@ void Finder::VisitZip(const fs::path& path) {
     std::string error;
     ZipReader reader;
     if (!ReadFile(path, archive, error)) {
-        complain(error);
+        sink.complain(error);
         return;
     }
     if (!reader.Open(archive, error)) {
-        complain(path.string() + ": " + error);
+        sink.complain(path.string() + ": " + error);
         return;
     }
     for (uint32_t index = 0; index < reader.EntryCount(); ++index) {
@@ -140,7 +141,7 @@ void Finder::VisitZip(const fs::path& path) {
         if (reader.Unpack(index, bytes, error, kLargestImage)) {
             VisitImage(bytes);
         } else {
-            complain(path.string() + ": " + error);
+            sink.complain(path.string() + ": " + error);
         }
     }
 }
@@ -160,7 +161,7 @@ void Finder::VisitFile(const fs::path& path) {
     if (ReadFile(path, bytes, error, kLargestImage)) {
         VisitImage(bytes);
     } else {
-        complain(error);
+        sink.complain(error);
     }
 }
 
@@ -169,18 +170,20 @@ void Finder::Walk(const fs::path& folder) {
     std::vector<fs::path> files;
     fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied,
                                            code);
-    for (; !code && entry != fs::recursive_directory_iterator(); entry.increment(code)) {
+    for (; !code && !Stopped() && entry != fs::recursive_directory_iterator();
+         entry.increment(code)) {
         std::error_code ignored;
         if (entry->is_regular_file(ignored)) {
             files.push_back(entry->path());
         }
     }
     if (code) {
-        complain(folder.string() + ": " + code.message());
+        sink.complain(folder.string() + ": " + code.message());
     }
     std::ranges::sort(files);
-    for (const fs::path& file : files) {
-        VisitFile(file);
+    for (size_t i = 0; i < files.size() && !Stopped(); ++i) {
+        sink.progress(i, files.size(), files[i].filename().string());
+        VisitFile(files[i]);
     }
 }
 
@@ -196,10 +199,11 @@ std::optional<KNOWN_IMAGE> ImageOfList(uint16_t system, const LOGIQX_ROM& rom) {
     return KNOWN_IMAGE{static_cast<uint32_t>(rom.size), *rom.sha256};
 }
 
-std::vector<std::optional<KNOWN_IMAGE>>
-FindImages(uint16_t system, std::span<const LOGIQX_ROM* const> wanted, const fs::path& folder,
-           const std::function<void(const std::string&)>& complain) {
-    Finder finder(system, wanted, complain);
+std::vector<std::optional<KNOWN_IMAGE>> FindImages(uint16_t system,
+                                                   std::span<const LOGIQX_ROM* const> wanted,
+                                                   const fs::path& folder,
+                                                   const IMAGE_SEARCH_SINK& sink) {
+    Finder finder(system, wanted, sink);
     finder.Walk(folder);
     return finder.Take();
 }

@@ -107,6 +107,8 @@ private:
     std::wstring name;
 };
 
+} // namespace
+
 ROW_LINE LineOf(const GameListRow& row) {
     ROW_LINE line{};
     line.title = row.title;
@@ -126,16 +128,25 @@ ROW_LINE LineOf(const GameListRow& row) {
     return line;
 }
 
-} // namespace
-
-std::vector<ROW_LINE> ApplyFilters(std::span<const GameListRow> rows, const ROW_CHOICES& choices) {
+std::vector<const GameListRow*> FilterRows(std::span<const GameListRow> rows,
+                                           const ROW_CHOICES& choices) {
     const Filter filter(choices);
-    std::vector<ROW_LINE> lines;
-    lines.reserve(rows.size());
+    std::vector<const GameListRow*> passed;
+    passed.reserve(rows.size());
     for (const GameListRow& row : rows) {
         if (filter.Passes(row)) {
-            lines.push_back(LineOf(row));
+            passed.push_back(&row);
         }
+    }
+    return passed;
+}
+
+std::vector<ROW_LINE> ApplyFilters(std::span<const GameListRow> rows, const ROW_CHOICES& choices) {
+    const std::vector<const GameListRow*> passed = FilterRows(rows, choices);
+    std::vector<ROW_LINE> lines;
+    lines.reserve(passed.size());
+    for (const GameListRow* const row : passed) {
+        lines.push_back(LineOf(*row));
     }
     return lines;
 }

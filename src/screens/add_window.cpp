@@ -3,29 +3,18 @@
 #include "base/helper_thread.h"
 #include "base/text.h"
 #include "gui/button.h"
-#include "gui/list.h"
-#include "gui/manager.h"
-#include "gui/text_box.h"
-#include "gui/window_ex.h"
 #include "settings/settings.h"
 
 #include <algorithm>
+#include <array>
 #include <mutex>
 #include <utility>
 
 namespace {
 
-// Units. The window looks as the one of a scan.
-constexpr int32_t kWidth = 520;
-constexpr int32_t kPlainHeight = 150;
-constexpr int32_t kLogHeight = 420;
-constexpr int32_t kBarWidth = 400;
-constexpr int32_t kBarHeight = 25;
-constexpr int32_t kRow = 25;
-constexpr int32_t kButtonWidth = 100;
-
-constexpr const wchar_t* kCounterTexts[] = {L"Added: ", L"Already there: ", L"Unknown: ",
-                                            L"Errors: "};
+constexpr ProgressWindow::CounterTexts kCounterTexts = {L"Added: ", L"Already there: ",
+                                                        L"Unknown: ", L"Errors: "};
+constexpr PROGRESS_LAYOUT kLayout{.plainHeight = 150, .bar = 38, .counters = 38, .log = 96};
 
 void Join(ADDED_GAMES& sum, const ADDED_GAMES& more) {
     sum.copied += more.copied;
@@ -45,20 +34,8 @@ void Join(ADDED_GAMES& sum, const ADDED_GAMES& more) {
 
 AddWindow::AddWindow(ADD_WINDOW_CALLS windowCalls)
     : calls(std::move(windowCalls))
-    , window(new CGhostWindowEx(nullptr, 0, L"PLEASEWAITBG", L"",
-                                CGhostWindowEx::kFrame | CGhostWindowEx::kNoSignals, {}))
-    , text(new CGhostTextBox(window->window, 0, L"PLEASEWAITTEXT", L"", {}))
-    , barBack(new CGhostWindowEx(window->window, 0, L"PLEASEWAITPROGESSBG", L"",
-                                 CGhostWindowEx::kNoSignals, {}))
-    , bar(new CGhostWindowEx(barBack->window, 0, L"PLEASEWAITPROGESSBARBG", L"",
-                             CGhostWindowEx::kNoSignals, {}))
-    , log(new CGhostList(window->window, 0, L"LIST", 0, {}))
-    , button(new CGhostButton(window->window, 0, L"BUTTON", L"Cancel", 0, {})) {
-    for (CGhostTextBox*& counter : counters) {
-        counter = new CGhostTextBox(window->window, 0, L"TEXT", L"", {});
-    }
-    signals.Watch(button->OnClick, [this](CGhostButton*, int, int, unsigned) { GoBack(); });
-    window->SetVisible(false);
+    , window(kCounterTexts, kLayout) {
+    signals.Watch(Button()->OnClick, [this](CGhostButton*, int, int, unsigned) { GoBack(); });
 }
 
 AddWindow::~AddWindow() {
@@ -66,11 +43,6 @@ AddWindow::~AddWindow() {
     if (worker.joinable()) {
         worker.join();
     }
-    CGhostManager::Get().DestroyWindow(window->window);
-}
-
-bool AddWindow::IsShown() const {
-    return window->IsVisible();
 }
 
 void AddWindow::Add(std::vector<std::filesystem::path> more) {
@@ -88,23 +60,15 @@ void AddWindow::Open() {
         total = {};
         batches = 0;
         told = false;
-        log->Clear();
+        window.ClearLog();
     }
-    text->SetText(L"Adding games...");
-    for (CGhostTextBox* const counter : counters) {
-        counter->SetVisible(false);
-    }
-    log->SetVisible(false);
-    barBack->SetVisible(true);
-    button->SetCaption(L"Cancel");
-    Layout(false);
-    window->SetVisible(true);
-    window->SetZOrder(-1);
-    button->SetFocus();
+    Button()->SetCaption(L"Cancel");
+    window.Open(L"Adding games...");
+    Button()->SetFocus();
 }
 
 void AddWindow::Close() {
-    window->SetVisible(false);
+    window.Hide();
     calls.closed(total.systems);
 }
 
@@ -115,24 +79,7 @@ void AddWindow::GoBack() {
     }
     stop = true;
     waiting.clear();
-    text->SetText(L"Stopping...");
-}
-
-void AddWindow::Layout(bool withLog) {
-    const GUI_RECT screen = CGhostManager::Get().ScreenRect();
-    const int32_t height = withLog ? kLogHeight : kPlainHeight;
-    window->SetPos((screen.width - kWidth) / 2, (screen.height - height) / 2, kWidth, height);
-    const int32_t inner = window->window->clientRect.width;
-    const int32_t foot = window->window->clientRect.height;
-    text->SetPos(0, 0, inner, kRow);
-    barBack->SetPos((inner - kBarWidth) / 2, 38, kBarWidth, kBarHeight);
-    for (size_t i = 0; i < counters.size(); ++i) {
-        const auto column = static_cast<int32_t>(i % 2);
-        const auto row = static_cast<int32_t>(i / 2);
-        counters[i]->SetPos(column * inner / 2, 38 + row * kRow, inner / 2, kRow);
-    }
-    log->SetPos(0, 96, inner, foot - 96 - 40);
-    button->SetPos((inner - kButtonWidth) / 2, foot - kRow - 4, kButtonWidth, kRow);
+    window.SetText(L"Stopping...");
 }
 
 void AddWindow::Begin() {
@@ -148,7 +95,7 @@ void AddWindow::Begin() {
         faults = false;
         done = 0.0;
     }
-    bar->SetPos(0, 0, 0, kBarHeight);
+    window.SetProgress(0);
     worker = std::thread([this] {
         HelperBegins();
         Work();
@@ -203,12 +150,12 @@ void AddWindow::ShowProgress() {
         part = done;
         told = told || faults;
     }
-    bar->SetPos(0, 0, static_cast<int32_t>(part * kBarWidth), kBarHeight);
+    window.SetProgress(static_cast<int32_t>(part * ProgressWindow::kBarWidth));
     if (!stop && !file.empty()) {
-        text->SetText(L"Adding " + file);
+        window.SetText(L"Adding " + file);
     }
     for (const std::wstring& line : said) {
-        log->AddItem(line);
+        window.AddLine(line);
     }
 }
 
@@ -237,27 +184,25 @@ void AddWindow::TakeResult(bool stopped) {
 }
 
 void AddWindow::ShowLog(bool stopped) {
-    const size_t values[] = {total.copied, total.alreadyThere, total.untold, total.failed};
-    for (size_t i = 0; i < counters.size(); ++i) {
-        counters[i]->SetText(kCounterTexts[i] + std::to_wstring(values[i]));
-        counters[i]->SetVisible(true);
-    }
+    window.ShowCounters(
+        std::array<size_t, 4>{total.copied, total.alreadyThere, total.untold, total.failed});
     if (total.untold != 0) {
-        log->AddItem(L"A file of unknown kind can be put into the folder of its machine by hand.");
+        window.AddLine(
+            L"A file of unknown kind can be put into the folder of its machine by hand.");
     }
     if (total.waiting != 0) {
-        log->AddItem(L"Some pieces of arcade boards wait for the others: drop these as well.");
+        window.AddLine(L"Some pieces of arcade boards wait for the others: drop these as well.");
     }
     if (total.copied + total.alreadyThere + total.untold + total.failed == 0) {
-        log->AddItem(L"There was no game in it.");
+        window.AddLine(L"There was no game in it.");
     }
-    text->SetText(stopped                            ? L"Stopped. What was added stays."
-                  : total.copied != 0                ? L"Your games are in the library"
-                  : total.alreadyThere != 0 && !told ? L"All of it was in the library before"
-                                                     : L"Nothing was added");
-    barBack->SetVisible(false);
-    log->SetVisible(true);
-    button->SetCaption(L"Finish");
-    Layout(true);
-    button->SetFocus();
+    window.SetText(stopped                            ? L"Stopped. What was added stays."
+                   : total.copied != 0                ? L"Your games are in the library"
+                   : total.alreadyThere != 0 && !told ? L"All of it was in the library before"
+                                                      : L"Nothing was added");
+    window.HideBar();
+    window.ShowLog();
+    Button()->SetCaption(L"Finish");
+    window.Grow();
+    Button()->SetFocus();
 }

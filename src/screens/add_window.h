@@ -12,9 +12,9 @@
 
 #include "base/ranked_mutex.h"
 #include "library/add_games.h"
+#include "screens/progress_window.h"
 #include "screens/screen_panel.h"
 
-#include <array>
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
@@ -22,11 +22,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-class CGhostButton;
-class CGhostList;
-class CGhostTextBox;
-class CGhostWindowEx;
 
 struct ADD_WINDOW_CALLS {
     // The only file that was dropped is in the library now, or was there before, and nothing else was in it.
@@ -50,17 +45,16 @@ public:
     // As escape, and a controller's button to go back: cancels, or closes what has ended.
     void GoBack();
 
-    [[nodiscard]] bool IsShown() const;
+    [[nodiscard]] bool IsShown() const { return window.IsShown(); }
     [[nodiscard]] bool Works() const { return worker.joinable(); }
-    [[nodiscard]] const CGhostTextBox* Text() const { return text; }
-    [[nodiscard]] const CGhostTextBox* Counter(size_t index) const { return counters[index]; }
-    [[nodiscard]] CGhostButton* Button() const { return button; } // "Cancel" or "Finish"
-    [[nodiscard]] CGhostList* Log() const { return log; }
+    [[nodiscard]] const CGhostTextBox* Text() const { return window.Text(); }
+    [[nodiscard]] const CGhostTextBox* Counter(size_t index) const { return window.Counter(index); }
+    [[nodiscard]] CGhostButton* Button() const { return window.Button(); } // "Cancel" or "Finish"
+    [[nodiscard]] CGhostList* Log() const { return window.Log(); }
 
 private:
     void Open();
     void Close();
-    void Layout(bool withLog);
     void Begin();
     void Work();
     void Say(const std::string& line, bool fault);
@@ -70,13 +64,7 @@ private:
     void ShowLog(bool stopped);
 
     ADD_WINDOW_CALLS calls;
-    CGhostWindowEx* window;
-    CGhostTextBox* text;
-    CGhostWindowEx* barBack;
-    CGhostWindowEx* bar;
-    std::array<CGhostTextBox*, 4> counters{};
-    CGhostList* log;
-    CGhostButton* button;
+    ProgressWindow window;
     ScreenSignals signals;
 
     std::vector<std::filesystem::path> waiting; // for the worker in hand to end

@@ -24,6 +24,7 @@
 #include "web/service_texts.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -136,6 +137,21 @@ std::wstring RegionText(const std::wstring& letters) {
     return text.empty() ? L"unknown" : text;
 }
 
+// By a number of each row; equal ones keep their order.
+template <typename KeyOf>
+void Sort(std::vector<const GameListRow*>& rows, bool descending, KeyOf keyOf) {
+    using Key = decltype(keyOf(*rows.front()));
+    std::vector<std::pair<Key, const GameListRow*>> keys;
+    keys.reserve(rows.size());
+    for (const GameListRow* const row : rows) {
+        keys.emplace_back(keyOf(*row), row);
+    }
+    std::ranges::stable_sort(keys, [descending](const auto& a, const auto& b) {
+        return descending ? b.first < a.first : a.first < b.first;
+    });
+    std::ranges::transform(keys, rows.begin(), [](const auto& key) { return key.second; });
+}
+
 } // namespace
 
 CGUIRomBrowser::CGUIRomBrowser(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program)
@@ -229,10 +245,14 @@ CATALOGUE_HOOKS CGUIRomBrowser::Hooks() {
             options->SetGame(path, game);
         }
     };
-    std::string error; // without an index every file is read
-    if (libraryIndex.Open(ResolvePath(kLibraryIndexFile), error)) {
-        ReadThroughIndex(libraryIndex, hooks);
-    }
+    ReadThroughIndex(libraryIndex, hooks);
+    // By the first scan's worker, as a database takes its time to open. Without an index every file is read.
+    hooks.loadBegins = [this, opened = false,
+                        begin = hooks.loadBegins](const std::filesystem::path& folder) mutable {
+        std::string ignored;
+        opened = opened || libraryIndex.Open(ResolvePath(kLibraryIndexFile), ignored);
+        begin(folder);
+    };
     return hooks;
 }
 
@@ -247,9 +267,7 @@ void CGUIRomBrowser::MakeList() {
     list->AddColumn(L"\x2605", kStarColumn);
     list->SetSortable(kTitle);
     list->SetSortable(kYear);
-    list->SetSortable(kStar, [](const GHOSTLISTVIEW_ITEM& a, const GHOSTLISTVIEW_ITEM& b) {
-        return a.image > b.image; // favourites first
-    });
+    list->SetSortable(kStar);
 }
 
 void CGUIRomBrowser::SetActive(bool wanted) {
@@ -340,6 +358,8 @@ void CGUIRomBrowser::ClearPanes() {
     list->Clear();
     hint.clear();
     PlaceHint();
+    listRows.clear();
+    mediaReader.Forget();
     for (const ContentTab tab :
          {ContentTab::kReviews, ContentTab::kHints, ContentTab::kTrivia, ContentTab::kMetaInfo}) {
         content.SetText(tab, L"");
@@ -369,6 +389,9 @@ void CGUIRomBrowser::Update() {
         applyFilters = false;
         FillList();
     }
+    if (std::optional<GAME_MEDIA> media = mediaReader.Take(); media && chosen != nullptr) {
+        ShowMedia(std::move(*media));
+    }
     if (readAnew >= 0 && active && catalogue.State() == kScanIdle) {
         SelectSystem(0, std::exchange(readAnew, -1));
     }
@@ -379,66 +402,89 @@ PLAYER_RECORD CGUIRomBrowser::PlayedOf(const GameListRow& row) const {
 }
 
 // Those that the filters let through; of the recently played ones the last one first.
-std::vector<ROW_LINE> CGUIRomBrowser::ChooseLines() {
-    std::vector<ROW_LINE> lines = catalogue.ApplyFilters(filters.Choices());
+std::vector<const GameListRow*> CGUIRomBrowser::ChooseRows() {
+    std::vector<const GameListRow*> found = catalogue.FilterRows(filters.Choices());
     const ShownGames games = filters.Games();
     if (games == ShownGames::kFavourites) {
-        std::erase_if(lines,
-                      [this](const ROW_LINE& line) { return !PlayedOf(*line.row).favourite; });
+        std::erase_if(found, [this](const GameListRow* row) { return !PlayedOf(*row).favourite; });
     } else if (games == ShownGames::kRecentlyPlayed) {
-        std::vector<std::pair<int64_t, ROW_LINE>> played;
-        for (const ROW_LINE& line : lines) {
-            if (const int64_t last = PlayedOf(*line.row).lastPlayed; last != 0) {
-                played.emplace_back(last, line);
-            }
-        }
-        std::ranges::stable_sort(played, std::ranges::greater(),
-                                 &decltype(played)::value_type::first);
-        lines.clear();
-        for (const auto& [last, line] : played) {
-            lines.push_back(line);
-        }
+        std::erase_if(found,
+                      [this](const GameListRow* row) { return PlayedOf(*row).lastPlayed == 0; });
+        Sort(found, true, [this](const GameListRow& row) { return PlayedOf(row).lastPlayed; });
     }
-    return lines;
+    return found;
 }
 
-// The game that was chosen stays chosen if it is still shown.
+// Into the order that the player has chosen by a heading. Equal rows keep theirs.
+void CGUIRomBrowser::PutInOrder(std::vector<const GameListRow*>& found) const {
+    const bool descending = list->SortDescending();
+    switch (list->SortColumn()) {
+    case kTitle:
+        Sort(found, descending, [](const GameListRow& row) { return row.titleRank; });
+        break;
+    case kYear: Sort(found, descending, [](const GameListRow& row) { return row.year; }); break;
+    case kStar:
+        Sort(found, descending,
+             [this](const GameListRow& row) { return PlayedOf(row).favourite ? 0 : 1; });
+        break;
+    default: break;
+    }
+}
+
+void CGUIRomBrowser::FillRow(const GameListRow& row, std::span<GHOSTLISTVIEW_ITEM> cells) const {
+    const ROW_LINE line = LineOf(row);
+    cells[kTitle].text = line.title;
+    cells[kTitle].image = row.known ? kKnownMark : kUnknownMark;
+    cells[kTitle].colourSet = static_cast<uint8_t>(line.statusColour);
+    for (size_t flag = 0; flag < line.images.size(); ++flag) {
+        cells[kFlag1 + flag].image = line.images[flag];
+    }
+    cells[kYear].text = line.year.data();
+    cells[kPath].text = WideFromUtf8(line.path->string());
+    cells[kPath].value = line.nameIndex;
+    cells[kKey].text = line.contentKey;
+    cells[kStar].image = PlayedOf(row).favourite ? kStarMark : kNoMark;
+}
+
+// The game that was chosen stays chosen if it is still shown. The order of the recently played games is their own until
+// the player asks for another.
 void CGUIRomBrowser::FillList() {
     const GameListRow* const before = chosen;
-    const std::vector<ROW_LINE> lines = ChooseLines();
-    list->Clear();
-    list->Reserve(static_cast<int32_t>(lines.size()));
-    int32_t selected = lines.empty() ? -1 : 0;
-    for (const ROW_LINE& line : lines) {
-        const int32_t row = list->AddRow();
-        list->SetCell(row, kTitle, std::wstring(line.title),
-                      line.row->known ? kKnownMark : kUnknownMark);
-        list->Cell(row, kTitle)->colourSet = static_cast<uint8_t>(line.statusColour);
-        list->Cell(row, kTitle)->value = static_cast<uint64_t>(line.row - catalogue.Rows().data());
-        for (int32_t flag = 0; flag < 3; ++flag) {
-            list->SetCell(row, kFlag1 + flag, L"", line.images[static_cast<size_t>(flag)]);
-        }
-        list->SetCell(row, kYear, line.year.data());
-        list->SetCell(row, kPath, WideFromUtf8(line.path->string()));
-        list->Cell(row, kPath)->value = line.nameIndex;
-        list->SetCell(row, kKey, std::wstring(line.contentKey));
-        list->SetCell(row, kStar, L"", PlayedOf(*line.row).favourite ? kStarMark : kNoMark);
-        if (line.row == before) {
-            selected = row;
-        }
+    if (std::exchange(listed, filters.Games()) != listed && listed == ShownGames::kRecentlyPlayed) {
+        list->ForgetOrder();
     }
-    filters.ShowCount(lines.size());
+    listRows = ChooseRows();
+    PutInOrder(listRows);
+    GHOSTLISTVIEW_SOURCE source;
+    source.fill = [this](int32_t row, std::span<GHOSTLISTVIEW_ITEM> cells) {
+        FillRow(*listRows[static_cast<size_t>(row)], cells);
+    };
+    source.text = [this](int32_t row) {
+        return std::wstring_view(listRows[static_cast<size_t>(row)]->title);
+    };
+    source.sort = [this](int32_t, bool) { FillList(); };
+    list->SetRows(static_cast<int32_t>(listRows.size()), std::move(source));
+    ShowCount();
+    const auto kept = std::ranges::find(listRows, before);
+    const bool stays = before != nullptr && kept != listRows.end();
+    const int32_t first = listRows.empty() ? -1 : 0;
+    list->SetSelected(stays ? static_cast<int32_t>(kept - listRows.begin()) : first, false);
+    if (!stays) {
+        Choose(RowOf(first));
+    }
+}
+
+void CGUIRomBrowser::ShowCount() {
+    filters.ShowCount(listRows.size());
     const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
     const bool none = catalogue.Rows().empty();
     hint = none && facts != nullptr
                ? L"No games yet. Drop game files or folders on this window, or "
                  L"put them into the folder \"" +
                      WideFromUtf8(facts->folder) + L"\"."
-           : lines.empty() ? L"Nothing fits the filters."
+           : listRows.empty() ? L"Nothing fits the filters."
                            : L"Drop game files or folders on this window to add them.";
     PlaceHint();
-    list->SetSelected(selected, false);
-    Choose(RowOf(selected));
 }
 
 // In the middle of an empty list; at the foot of one that has the room.
@@ -453,18 +499,19 @@ void CGUIRomBrowser::PlaceHint() {
 }
 
 const GameListRow* CGUIRomBrowser::RowOf(int32_t listRow) const {
-    const GHOSTLISTVIEW_ITEM* const cell = list->Cell(listRow, kTitle);
-    return cell != nullptr && cell->value < catalogue.Rows().size() ? &catalogue.Rows()[cell->value]
-                                                                    : nullptr;
+    return listRow >= 0 && static_cast<size_t>(listRow) < listRows.size()
+               ? listRows[static_cast<size_t>(listRow)]
+               : nullptr;
 }
 
 void CGUIRomBrowser::Choose(const GameListRow* row) {
     chosen = row;
     start->SetEnabled(row != nullptr);
-    ShowStars();
+    ShowStar();
     metaHead.clear();
     metaTail.clear();
     if (row == nullptr) {
+        mediaReader.Forget();
         content.SetShots({});
         content.SayNoCover(false);
         ShowCovers({}, 0, false);
@@ -487,7 +534,7 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
             options->ConfigureForGame({}, 0); // nothing is known of it
         }
     }
-    ShowMedia(*row);
+    AskForMedia(*row);
     AskAboutGame(*row);
 }
 
@@ -497,17 +544,25 @@ std::filesystem::path CGUIRomBrowser::MediaOf(const GameListRow& row) const {
                             : std::filesystem::path();
 }
 
-void CGUIRomBrowser::ShowMedia(const GameListRow& row) {
-    const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
-    if (facts == nullptr) {
-        return;
-    }
-    GAME_MEDIA media = ReadGameMedia(facts->folder, row.contentKey);
+// The pictures of the game before stay until these are there.
+void CGUIRomBrowser::AskForMedia(const GameListRow& row) {
     localTexts.reset();
+    told.reset();
+    failed = false;
+    if (const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System())) {
+        mediaReader.Ask(facts->folder, row.contentKey);
+    }
+}
+
+void CGUIRomBrowser::ShowMedia(GAME_MEDIA media) {
     if (!media.texts.empty()) {
         localTexts = ReadGameInformation(media.texts);
     }
-    ShowTexts(localTexts.value_or(GAME_INFORMATION()));
+    if (told && localTexts) {
+        ShowTexts(WithLocalTexts(*told, *localTexts));
+    } else if (!told && (localTexts || !failed)) {
+        ShowTexts(localTexts.value_or(GAME_INFORMATION()));
+    }
     content.SetShots(std::move(media.shots));
     content.SayNoCover(media.covers.empty());
     const int kind = catalogue.System() == kSystemGameGear ? 1 : 0;
@@ -530,7 +585,7 @@ bool CGUIRomBrowser::IsChosen(uint16_t system, const std::wstring& key) const {
     return chosen != nullptr && catalogue.System() == system && chosen->contentKey == key;
 }
 
-// The texts that lie here are shown at once; those of the service's answer take their place.
+// The texts that lie here are shown soon; those of the service's answer take their place, or are there before.
 void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
     content.OfferContent(false);
     const std::wstring url = GameUrl(ServiceOfSettings(), row.contentKey);
@@ -547,13 +602,17 @@ void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
             }
             if (const std::wstring why = WhyNothingCame(url, error, data); why.empty()) {
                 TakeInformation(ReadGameInformation({data, size}));
-            } else if (!localTexts) {
-                ShowTexts(GameInformationFailure(why));
+            } else {
+                failed = true;
+                if (!localTexts) {
+                    ShowTexts(GameInformationFailure(why));
+                }
             }
         });
 }
 
 void CGUIRomBrowser::TakeInformation(const GAME_INFORMATION& information) {
+    told = information;
     ShowTexts(localTexts ? WithLocalTexts(information, *localTexts) : information);
     offeredRevision = information.cover;
     const std::optional<int32_t> revision = MediaRevision(MediaOf(*chosen));
@@ -590,7 +649,7 @@ void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uin
                                   int32_t revision) {
     std::string reason = Utf8FromWide(error);
     if (error.empty() && StoreMediaArchive(MediaOf(*chosen), archive, revision, reason)) {
-        ShowMedia(*chosen);
+        AskForMedia(*chosen);
         return;
     }
     CGhostMessageBox::Show(L"Content Available",
@@ -622,25 +681,18 @@ void CGUIRomBrowser::ShowPlayed() {
     }
 }
 
-// All variants of one image have the star.
-void CGUIRomBrowser::ShowStars() {
+void CGUIRomBrowser::ShowStar() {
     const bool favourite = chosen != nullptr && PlayedOf(*chosen).favourite;
     star->SetEnabled(chosen != nullptr && chosen->identity.system != 0);
     star->SetCaption(favourite ? L"\x2605" : L"\x2606");
-    for (int32_t row = 0; row < list->RowCount(); ++row) {
-        const GameListRow* const game = RowOf(row);
-        if (game != nullptr && chosen != nullptr && game->identity == chosen->identity) {
-            list->Cell(row, kStar)->image = favourite ? kStarMark : kNoMark;
-        }
-    }
-    list->Refresh();
 }
 
 // The game stays in the list of favourites until that is chosen again, so that a slip can be put right.
 void CGUIRomBrowser::ToggleFavourite() {
     if (chosen != nullptr) {
         host.Player().SetFavourite(chosen->identity, !PlayedOf(*chosen).favourite);
-        ShowStars();
+        ShowStar();
+        list->Refresh(); // all variants of one image have the star
     }
 }
 

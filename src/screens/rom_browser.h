@@ -1,7 +1,9 @@
 // CGUIRomBrowser: the games of a system, and what is known of the chosen one.
 //
 // It is made once and then shown and hidden; the scan of the folder goes on while it is hidden. The games are
-// those of the catalogue, in whose order the systems come.
+// those of the catalogue, in whose order the systems come. A row of the list is made when it is seen, and the pictures
+// of the chosen game are read on a thread of their own (media_reader.h), so that no frame waits for a long list or a
+// large picture.
 //
 // Thread: main. Units: those of the virtual screen, within the main window's client area.
 #pragma once
@@ -12,6 +14,7 @@
 #include "screens/browser_filters.h"
 #include "screens/content_area.h"
 #include "screens/game_options.h"
+#include "screens/media_reader.h"
 #include "screens/scan_window.h"
 #include "screens/screen_panel.h"
 #include "screens/system_switcher.h"
@@ -31,6 +34,7 @@ class CGhostListView;
 class CGhostWindowEx;
 class KeyLine;
 class ScreenHost;
+struct GHOSTLISTVIEW_ITEM;
 
 class CGUIRomBrowser final : public CGUIPanel {
 public:
@@ -62,6 +66,7 @@ public:
     void ToggleFavourite();
 
     [[nodiscard]] Catalogue& Library() { return catalogue; }
+    [[nodiscard]] MediaReader& Media() { return mediaReader; }
     [[nodiscard]] CGhostListView* List() const { return list; }
     [[nodiscard]] BrowserFilters& Filters() { return filters; }
     [[nodiscard]] ContentArea& Content() { return content; }
@@ -85,14 +90,17 @@ private:
     void FillList();
     void ShowKeys();
     void PlaceHint();
-    void ShowRow(int32_t row);
+    void FillRow(const GameListRow& row, std::span<GHOSTLISTVIEW_ITEM> cells) const;
+    void ShowCount();
     void Choose(const GameListRow* row);
     void ReadMeta(const GameListRow& row, const CGameFile& game);
     void ShowPlayed();
-    void ShowStars();
-    [[nodiscard]] std::vector<ROW_LINE> ChooseLines();
+    void ShowStar();
+    [[nodiscard]] std::vector<const GameListRow*> ChooseRows();
+    void PutInOrder(std::vector<const GameListRow*>& found) const;
     [[nodiscard]] PLAYER_RECORD PlayedOf(const GameListRow& row) const;
-    void ShowMedia(const GameListRow& row);
+    void AskForMedia(const GameListRow& row);
+    void ShowMedia(GAME_MEDIA media);
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet);
     void ShowTexts(const GAME_INFORMATION& information);
     [[nodiscard]] std::filesystem::path MediaOf(const GameListRow& row) const;
@@ -127,13 +135,18 @@ private:
     bool scanned = false;      // the first scan has begun
     bool applyFilters = false; // with the next Update
     int32_t readAnew = -1;     // the index of the system to scan when it can be; -1: none
+    std::vector<const GameListRow*> listRows; // of the list, in its order; the catalogue's
+    ShownGames listed = ShownGames::kAll;     // those that they are of
     const GameListRow* chosen = nullptr;
     std::wstring hint;     // tells how to add games, or that the filters let none through
     std::wstring metaHead; // of the chosen game: what comes before and after the times played
     std::wstring metaTail;
     std::optional<GAME_INFORMATION> localTexts; // in the chosen game's archive
     int32_t offeredRevision = 0;                // of its pictures on the service
+    std::optional<GAME_INFORMATION> told;       // by the service about the chosen game
+    bool failed = false;                        // it could not
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
+    MediaReader mediaReader;
     LibraryIndex libraryIndex;
     Catalogue catalogue; // last: its worker calls the panel
 };

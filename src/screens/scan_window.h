@@ -6,27 +6,17 @@
 // Thread: main.
 #pragma once
 
+#include "screens/progress_window.h"
 #include "screens/screen_panel.h"
 
-#include <array>
-#include <cstdint>
 #include <functional>
-#include <string>
-#include <vector>
 
 class Catalogue;
-class CGhostButton;
-class CGhostList;
-class CGhostTextBox;
-class CGhostWindowEx;
 
 class ScanWindow {
 public:
     // `closed`: the window has gone, and with it the focus.
     explicit ScanWindow(std::function<void()> closed);
-    ~ScanWindow();
-    ScanWindow(const ScanWindow&) = delete;
-    ScanWindow& operator=(const ScanWindow&) = delete;
 
     // Once a round. Takes the catalogue's waiting log lines. True when a scan has just ended: the time to apply the
     // filters, which ends the scan's state.
@@ -38,28 +28,21 @@ public:
     [[nodiscard]] bool TakeFocus();
     [[nodiscard]] bool TakeBack();
 
-    [[nodiscard]] bool IsShown() const;
-    [[nodiscard]] const CGhostTextBox* Text() const { return text; }
-    [[nodiscard]] const CGhostTextBox* Counter(size_t index) const { return counters[index]; }
-    [[nodiscard]] CGhostButton* Finish() const { return finish; }
-    [[nodiscard]] CGhostList* Log() const { return log; }
-    [[nodiscard]] CGhostWindowEx* Bar() const { return bar; }
+    [[nodiscard]] bool IsShown() const { return window.IsShown(); }
+    [[nodiscard]] const CGhostTextBox* Text() const { return window.Text(); }
+    [[nodiscard]] const CGhostTextBox* Counter(size_t index) const { return window.Counter(index); }
+    [[nodiscard]] CGhostButton* Finish() const { return window.Button(); }
+    [[nodiscard]] CGhostList* Log() const { return window.Log(); }
+    [[nodiscard]] CGhostWindowEx* Bar() const { return window.Bar(); }
 
 private:
     void Open();
     void Close();
-    void Layout(bool withLog);
     void BeginConversion();
     void ShowProgress(Catalogue& catalogue, bool converting);
 
     std::function<void()> closed;
-    CGhostWindowEx* window;
-    CGhostTextBox* text;
-    CGhostWindowEx* barBack;
-    CGhostWindowEx* bar;
-    std::array<CGhostTextBox*, 4> counters{};
-    CGhostList* log;
-    CGhostButton* finish;
+    ProgressWindow window;
     bool converted = false; // this scan has converted something
     bool scanning = false;
     bool open = false;   // shown while the browser is

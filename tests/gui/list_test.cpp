@@ -392,3 +392,85 @@ TEST_F(ListView, RowsOfAnAbsurdHeightAreCountedWithoutOverflow) {
     EXPECT_FALSE(view->CellPlace(kRowCount - 1, 0).Empty());
     EXPECT_TRUE(view->CellPlace(0, 0).Empty());
 }
+
+namespace {
+
+// 20,000 rows that nobody has written down, and which of them were asked for.
+struct NUMBERED_ROWS {
+    std::vector<int32_t> asked;
+    std::vector<std::pair<int32_t, bool>> sorted;
+    std::wstring text;
+
+    GHOSTLISTVIEW_SOURCE Source() {
+        GHOSTLISTVIEW_SOURCE source;
+        source.fill = [this](int32_t row, std::span<GHOSTLISTVIEW_ITEM> cells) {
+            asked.push_back(row);
+            cells[0].text = L"row " + std::to_wstring(row);
+            cells[1].text = std::to_wstring(asked.size());
+        };
+        source.text = [this](int32_t row) {
+            text = L"row " + std::to_wstring(row);
+            return std::wstring_view(text);
+        };
+        source.sort = [this](int32_t column, bool descending) {
+            sorted.emplace_back(column, descending);
+        };
+        return source;
+    }
+};
+
+} // namespace
+
+TEST_F(ListView, ASourceIsAskedForTheRowsThatAreSeenAndNoOthers) {
+    CGhostListView* const view = MakeView(3);
+    NUMBERED_ROWS rows;
+    view->SetRows(20000, rows.Source());
+    EXPECT_EQ(view->RowCount(), 20000);
+    EXPECT_TRUE(rows.asked.empty());
+    manager.Tick(0);
+    const int32_t page = (224 - 2 - view->HeaderHeight()) / view->RowHeight() + 1;
+    EXPECT_LE(rows.asked.size(), static_cast<size_t>(page + 1));
+    EXPECT_EQ(rows.asked.front(), 0);
+    rows.asked.clear();
+    view->SetSelected(12345);
+    manager.Tick(0);
+    EXPECT_NE(std::find(rows.asked.begin(), rows.asked.end(), 12345), rows.asked.end());
+    EXPECT_EQ(view->Cell(12345, 0)->text, L"row 12345");
+    EXPECT_EQ(view->Cell(12345, 1)->flags, GHOSTLISTVIEW_ITEM::kSelected);
+    EXPECT_EQ(view->Cell(12344, 1)->flags, 0u);
+    EXPECT_EQ(view->Cell(20000, 0), nullptr);
+    view->Clear();
+    EXPECT_EQ(view->RowCount(), 0);
+    EXPECT_EQ(view->AddRow(), 0) << "without the source rows are the owner's again";
+}
+
+TEST_F(ListView, RefreshAsksTheSourceAgain) {
+    CGhostListView* const view = MakeView(0);
+    NUMBERED_ROWS rows;
+    view->SetRows(5, rows.Source());
+    const std::wstring before = view->Cell(2, 1)->text;
+    EXPECT_EQ(view->Cell(2, 1)->text, before) << "kept until then";
+    view->Refresh();
+    EXPECT_NE(view->Cell(2, 1)->text, before);
+}
+
+TEST_F(ListView, HeadingsAndLettersWorkWithASource) {
+    CGhostListView* const view = MakeView(0);
+    view->SetSortable(0);
+    NUMBERED_ROWS rows;
+    view->SetRows(300, rows.Source());
+    manager.Tick(0);
+    ClickAt(150, 110);
+    ClickAt(150, 110);
+    EXPECT_EQ(rows.sorted, (std::vector<std::pair<int32_t, bool>>{
+                               {0, false},
+                               {0, true }
+    }));
+    view->ForgetOrder();
+    EXPECT_EQ(view->SortColumn(), -1);
+    for (const wchar_t letter : std::wstring_view(L"row 27")) {
+        view->OnChar(static_cast<unsigned>(letter));
+    }
+    EXPECT_EQ(view->Selected(), 27);
+    EXPECT_EQ(view->AddRow(), -1) << "the rows are the source's";
+}

@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstring>
 
 using testing::ElementsAre;
@@ -57,9 +58,13 @@ MADE Make(uint16_t system, const std::vector<LOGIQX_GAME>& games,
           const std::filesystem::path& roms = {}, const std::vector<DATABASE_RULE>& rules = {}) {
     MADE made;
     const LOGIQX_FILE list{"a list", games};
-    made.entries = MakeDatabase({system, &list, rules, roms,
-                                 [&](const std::string& line) { made.complaints.push_back(line); }},
-                                made.report);
+    DATABASE_SOURCES sources;
+    sources.system = system;
+    sources.list = &list;
+    sources.rules = rules;
+    sources.roms = roms;
+    sources.search.complain = [&](const std::string& line) { made.complaints.push_back(line); };
+    made.entries = MakeDatabase(sources, made.report);
     // Whatever is made is a whole database.
     const Bytes written = WriteDatabase(made.entries);
     std::vector<CGameFile> again;
@@ -410,4 +415,31 @@ TEST(DatabaseMaker, AConvertedGameHasTheNamesOfItsVersion) {
     EXPECT_TRUE(known);
     EXPECT_THAT(NamesOf(converted), ElementsAre("Luciole E 0 [0]"));
     EXPECT_THAT(PiecesOf(converted), ElementsAre("Rev A 1024"));
+}
+
+TEST(DatabaseSearch, TellsTheFileInHandAndEndsBetweenTwoFiles) {
+    const TemporaryFolder folder;
+    folder.Write("a.sms", Image(1));
+    folder.Write("b.sms", Image(2));
+    folder.Write("c.sms", Image(3));
+    const LOGIQX_FILE list{
+        "a list",
+        {Game("A", OldRom("a", Image(1))), Game("B", OldRom("b", Image(2))),
+          Game("C", OldRom("c", Image(3)))}
+    };
+    std::atomic<bool> stop{false};
+    std::vector<std::string> told;
+    DATABASE_SOURCES sources;
+    sources.system = kSystemMasterSystem;
+    sources.list = &list;
+    sources.roms = folder.Path();
+    sources.search.stop = &stop;
+    sources.search.progress = [&](size_t done, size_t total, const std::string& name) {
+        told.push_back(std::to_string(done) + "/" + std::to_string(total) + " " + name);
+        stop = done == 1;
+    };
+    DATABASE_REPORT report;
+    EXPECT_EQ(MakeDatabase(sources, report).size(), 2u);
+    EXPECT_EQ(report.unknownImage, 1u) << "the third was not looked for";
+    EXPECT_THAT(told, ElementsAre("0/3 a.sms", "1/3 b.sms"));
 }

@@ -388,6 +388,93 @@ TEST_F(RomBrowser, MetaInfoSaysWhenAndForHowLongItWasPlayed) {
     EXPECT_NE(meta->Text().find(L"File: Paper Lamps.game"), std::wstring::npos);
 }
 
+TEST_F(RomBrowser, TheOrderOfAHeadingStaysWhileOneFilters) {
+    home.Write("sms/apple Orchard.sms", Image(3));
+    home.Write("sms/Tide Mill.sms", Image(5));
+    home.Write("sms/Moth Patrol.sms", Image(7));
+    Open();
+    const auto shown = [this] {
+        std::vector<std::wstring> titles;
+        for (int32_t row = 0; row < browser->List()->RowCount(); ++row) {
+            titles.push_back(browser->List()->Cell(row, 0)->text);
+        }
+        return titles;
+    };
+    browser->List()->SetSelected(RowWith(L"Moth Patrol"));
+    browser->List()->SortBy(0, true);
+    EXPECT_EQ(shown(), (::Titles{L"Tide Mill", L"Moth Patrol", L"apple Orchard"}))
+        << "capitals count for nothing";
+    EXPECT_EQ(browser->List()->Selected(), 1) << "the game stays chosen";
+    Type(browser->Filters().Name(), L"l");
+    EXPECT_EQ(shown(), (::Titles{L"Tide Mill", L"Moth Patrol", L"apple Orchard"}));
+    host.player.SetFavourite(IdentityOf(Image(7)), true);
+    browser->List()->SortBy(kStarColumn, false);
+    EXPECT_EQ(shown().front(), L"Moth Patrol");
+    // What was played last has an order of its own.
+    host.player.NoteStart(IdentityOf(Image(3)));
+    host.wallClock += 100;
+    host.player.NoteStart(IdentityOf(Image(5)));
+    browser->Filters().Show()->SetSelected(2);
+    Round();
+    EXPECT_EQ(shown(), (::Titles{L"Tide Mill", L"apple Orchard"}));
+    EXPECT_EQ(browser->List()->SortColumn(), -1);
+}
+
+namespace {
+
+// The archive of one of our own games: its box, three screenshots and texts.
+std::vector<uint8_t> OwnMedia() {
+    ZipWriter writer;
+    std::string error;
+    for (const OBJECT_ASSET& asset : BuiltInMedia()) {
+        if (asset.name.starts_with("sms-luciole")) {
+            EXPECT_TRUE(writer.Add(asset.name, asset.data, error)) << error;
+        }
+    }
+    return writer.Finish(error);
+}
+
+} // namespace
+
+TEST_F(RomBrowser, PicturesOfTheChosenGameComeWhenTheyAreRead) {
+    home.Write("sms/Moth Patrol.sms", Image(5));
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/media/Paper Lamps.zip", OwnMedia());
+    Open();
+    const auto read = [this] {
+        browser->Media().Wait();
+        Round();
+    };
+    browser->List()->SetSelected(RowWith(L"Moth Patrol"));
+    read();
+    EXPECT_EQ(browser->Content().ShotCount(), 0u);
+    EXPECT_EQ(host.coverCount, 0u);
+    browser->List()->SetSelected(RowWith(L"Paper Lamps"));
+    read();
+    EXPECT_EQ(browser->Content().ShotCount(), 3u);
+    EXPECT_EQ(host.coverCount, 1u);
+    EXPECT_FALSE(browser->Content().Text(ContentTab::kTrivia)->Text().empty());
+    // The player has gone on before the pictures were there.
+    browser->List()->SetSelected(RowWith(L"Moth Patrol"));
+    browser->List()->SetSelected(RowWith(L"Paper Lamps"));
+    browser->List()->SetSelected(RowWith(L"Moth Patrol"));
+    read();
+    EXPECT_EQ(browser->Content().ShotCount(), 0u);
+    EXPECT_TRUE(browser->Content().Text(ContentTab::kTrivia)->Text().empty());
+}
+
+TEST_F(RomBrowser, NoPicturesComeOfASystemThatWasLeft) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/media/Paper Lamps.zip", OwnMedia());
+    home.Write("gamegear/none.txt", std::string_view("x"));
+    Open();
+    browser->SelectSystem(1, -1);
+    browser->Media().Wait();
+    Scan();
+    EXPECT_EQ(browser->Content().ShotCount(), 0u);
+    EXPECT_EQ(host.coverCount, 0u);
+}
+
 TEST_F(RomBrowser, TheFilterMenuOpensOverTheList) {
     home.Write("sms/Paper Lamps.sms", Image(3));
     Open();
@@ -498,6 +585,7 @@ protected:
     void TakeAnswers() {
         EXPECT_TRUE(host.downloads.WaitUntilIdle(kLongestWait));
         host.downloads.PumpRequests();
+        browser->Media().Wait();
         Round();
     }
     [[nodiscard]] std::wstring Text(ContentTab tab) { return browser->Content().Text(tab)->Text(); }

@@ -4,6 +4,8 @@
 #include "formats/game_file.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
+#include "front/tools/interruption.h"
+#include "front/tools/progress_bar.h"
 #include "library/database_file.h"
 #include "library/database_maker.h"
 #include "library/database_rules.h"
@@ -11,6 +13,7 @@
 
 #include <cinttypes>
 #include <cstdio>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -142,6 +145,24 @@ void ShowEntry(const CGameFile& entry) {
 
 } // namespace
 
+namespace {
+
+// With progress, as the images are read. False after Ctrl-C: what was not looked for would be missing.
+bool SearchAndMake(DATABASE_SOURCES sources, std::vector<CGameFile>& entries,
+                   DATABASE_REPORT& report) {
+    const Interruption interruption;
+    ProgressBar bar;
+    sources.search.complain = [&](const std::string& line) { bar.Complain(line); };
+    sources.search.progress = [&](size_t done, size_t total, const std::string& name) {
+        bar.Show(done, total, name);
+    };
+    sources.search.stop = &interruption.Flag();
+    entries = MakeDatabase(sources, report);
+    return !interruption.Requested();
+}
+
+} // namespace
+
 int DatabaseMakeCommand(const DATABASE_MAKE_OPTIONS& options) {
     const MACHINE_FACTS* const facts = FindMachineFacts(std::string_view(options.machine));
     LOGIQX_FILE list;
@@ -156,8 +177,15 @@ int DatabaseMakeCommand(const DATABASE_MAKE_OPTIONS& options) {
         return kExitFailed;
     }
     DATABASE_REPORT report;
-    std::vector<CGameFile> entries =
-        MakeDatabase({facts->system, &list, rules, options.roms, Complain}, report);
+    std::vector<CGameFile> entries;
+    DATABASE_SOURCES sources;
+    sources.system = facts->system;
+    sources.list = &list;
+    sources.rules = rules;
+    sources.roms = options.roms;
+    if (!SearchAndMake(std::move(sources), entries, report)) {
+        return kExitInterrupted;
+    }
     std::string error;
     if (entries.empty()) {
         error = options.outFile.string() + ": not written, as no game of the list can be known";

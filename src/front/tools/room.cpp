@@ -9,7 +9,7 @@
 #include "front/session_callbacks.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
-#include "front/tools/media_files.h"
+#include "front/tools/window_picture.h"
 #include "front/unread_notices.h"
 #include "gui/handler.h"
 #include "gui/manager.h"
@@ -255,17 +255,7 @@ private:
                 break;
             }
         }
-        std::vector<uint32_t> pixels = application.ReadWindow();
-        EMU_VIDEO_FRAME picture{};
-        picture.pixels = pixels.data();
-        picture.width = picture.visibleWidth = application.MainWindow().PixelWidth();
-        picture.height = picture.visibleHeight = application.MainWindow().PixelHeight();
-        std::string error;
-        if (!WriteFile(options.screenshot, PngOfFrame(picture), error)) {
-            Complain(error);
-            return kExitFailed;
-        }
-        return kExitDone;
+        return WriteWindowPicture(application, options.screenshot) ? kExitDone : kExitFailed;
     }
 
     const ROOM_OPTIONS& options;

@@ -1,5 +1,4 @@
 // Playing in the window: one game until the window is closed.
-#include "base/files.h"
 #include "front/application.h"
 #include "front/demos.h"
 #include "front/notices.h"
@@ -9,9 +8,9 @@
 #include "front/tools/input_script.h"
 #include "front/tools/key_injector.h"
 #include "front/tools/latency_probe.h"
-#include "front/tools/media_files.h"
 #include "front/tools/play.h"
 #include "front/tools/screenshots.h"
+#include "front/tools/window_picture.h"
 #include "front/unread_notices.h"
 #include "host/session.h"
 
@@ -165,14 +164,7 @@ private:
             if (shot.path.empty() || !due) {
                 continue;
             }
-            std::vector<uint32_t> pixels = application.ReadWindow();
-            EMU_VIDEO_FRAME picture{};
-            picture.pixels = pixels.data();
-            picture.width = picture.visibleWidth = application.MainWindow().PixelWidth();
-            picture.height = picture.visibleHeight = application.MainWindow().PixelHeight();
-            std::string error;
-            if (!WriteFile(shot.path, PngOfFrame(picture), error)) {
-                Complain(error);
+            if (!WriteWindowPicture(application, shot.path)) {
                 return false;
             }
             if (offScreen) {

@@ -217,3 +217,17 @@ TEST_F(DatabaseCommand, WrongUsageIsExitCodeTwo) {
     EXPECT_EQ(Run({"make", "--machine", "sms"}).exitCode, 2);
     EXPECT_EQ(Run({"show"}).exitCode, 2);
 }
+
+TEST_F(DatabaseCommand, ShowsOnATerminalWhichImageIsInHand) {
+    folder.Write("list.xml", MasterSystemList());
+    folder.Write("roms/a.txt", std::string_view("no image"));
+    folder.Write("roms/pond.sms", Demo("sms-bench").image);
+    const TERMINAL_RESULT made =
+        RunOnTerminal(OMBRELUNE_BUILD_FOLDER "/ombrelune",
+                      {"--home", Path("home"), "database", "make", "--machine", "sms", "--from",
+                       Path("list.xml"), "--out", Path("sms.dat"), "--roms", Path("roms")});
+    EXPECT_EQ(made.exitCode, 0) << made.screen;
+    EXPECT_THAT(made.screen, AllOf(HasSubstr("0/2 [                    ] a.txt"),
+                                   HasSubstr("1/2 [==========          ] pond.sms"),
+                                   HasSubstr("sms.dat: 1 game, 2 images, 2 names\r\n")));
+}

@@ -483,7 +483,7 @@ void CGUIRomBrowser::ShowCount() {
                  L"put them into the folder \"" +
                      WideFromUtf8(facts->folder) + L"\"."
            : listRows.empty() ? L"Nothing fits the filters."
-                           : L"Drop game files or folders on this window to add them.";
+                              : L"Drop game files or folders on this window to add them.";
     PlaceHint();
 }
 

@@ -1,4 +1,5 @@
 // Playing in the window: one game until the window is closed.
+#include "base/files.h"
 #include "front/application.h"
 #include "front/demos.h"
 #include "front/notices.h"

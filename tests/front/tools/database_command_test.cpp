@@ -6,6 +6,7 @@
 #include "formats/zip.h"
 #include "front/demos.h"
 
+#include "support/run_on_terminal.h"
 #include "support/run_program.h"
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>

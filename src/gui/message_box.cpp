@@ -62,32 +62,24 @@ size_t CGhostMessageBox::Count() {
     return table.size() - static_cast<size_t>(std::count(table.begin(), table.end(), nullptr));
 }
 
-CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring& text) {
-    CGhostManager& manager = CGhostManager::Get();
-    screen = manager.ScreenRect();
-    dimmed = new CGhostWindowEx(nullptr, 0, L"MESSAGEBOXBG", {}, CGhostWindowEx::kNoSignals,
-                                {false, 0, 0, screen.width, screen.height});
-    window = dimmed->window;
-    dimmed->next = this;
-    box = new CGhostWindowEx(window, 0, L"MESSAGEBOX", title,
-                             CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
-                                 CGhostWindowEx::kNoButtons,
-                             {false, 0, 0, kFirstWidth, kFirstWidth});
-    button = new CGhostButton(box->window, 0, L"MESSAGEBOX_BUTTON", L"Ok", 0, {});
+CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring& text)
+    : DimmedBox(title) {
+    GHOSTMANAGER_WINDOW* const within = Box()->window;
+    button = new CGhostButton(within, 0, L"MESSAGEBOX_BUTTON", L"Ok", 0, {});
     button->OnClick.connect([this](CGhostButton*, int, int, unsigned) { Dismiss(); });
-    message = new CGhostMultiText(box->window, 0, L"MESSAGEBOX_TEXT", text, {});
+    message = new CGhostMultiText(within, 0, L"MESSAGEBOX_TEXT", text, {});
     for (CGhostGUIHandler* last :
-         std::initializer_list<CGhostGUIHandler*>{button, message, box, this}) {
+         std::initializer_list<CGhostGUIHandler*>{button, message, Box(), this}) {
         while (last->next != nullptr) {
             last = last->next;
         }
         last->next = new Dismisser(this);
     }
-    for (GHOSTMANAGER_WINDOW* const part : {box->window, button->window, message->window}) {
-        manager.SetPart(part);
+    for (GHOSTMANAGER_WINDOW* const part : {button->window, message->window}) {
+        CGhostManager::Get().SetPart(part);
     }
     Place();
-    manager.TakeInput(window);
+    TakeInput();
     button->SetFocus();
 }
 
@@ -102,39 +94,32 @@ CGhostMessageBox::~CGhostMessageBox() {
 // Wider step by step, until it is more than twice as wide as it is high. Never wider than the screen, beyond
 // which text and button would be out of sight; there a long text scrolls.
 void CGhostMessageBox::Place() {
-    CGhostManager& manager = CGhostManager::Get();
-    GUI_RECT outer;
-    GUI_RECT client;
-    manager.GetWindowRects(box->window, &outer, &client, nullptr);
-    const int32_t frameWide = outer.width - client.width;
-    const int32_t frameHigh = outer.height - client.height;
+    const GUI_RECT& all = Screen();
+    const int32_t frameWide = FrameWide();
+    const int32_t frameHigh = FrameHigh();
     int32_t width = kFirstWidth;
     int32_t height = 0;
     while (true) {
         height = message->HeightAt(width - frameWide) + frameHigh + kButtonRow;
-        if (width > 2 * height || width + kWidthStep > screen.width) {
+        if (width > 2 * height || width + kWidthStep > all.width) {
             break;
         }
         width += kWidthStep;
     }
-    height = std::min(height, screen.height);
-    box->SetPos((screen.width - width) / 2, (screen.height - height) / 2, width, height);
-    manager.GetWindowRects(box->window, nullptr, &client, nullptr);
+    height = std::min(height, all.height);
+    PlaceBox(width, height);
+    const GUI_RECT client = Client();
     button->SetPos((client.width - kButtonWide) / 2, client.height - kButtonRow, kButtonWide,
                    kButtonHigh);
     message->SetPos(0, 0, client.width, client.height - kButtonRow);
 }
 
-void CGhostMessageBox::OnTick(unsigned /*microseconds*/) {
+void CGhostMessageBox::OnTick(unsigned microseconds) {
     if (closed) {
         told = true;
         OnClosed(this);
         Close();
         return;
     }
-    if (const GUI_RECT now = CGhostManager::Get().ScreenRect(); now != screen) {
-        screen = now;
-        SetPos(0, 0, screen.width, screen.height);
-        Place();
-    }
+    DimmedBox::OnTick(microseconds);
 }

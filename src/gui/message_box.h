@@ -8,13 +8,12 @@
 //   the box keeps the round with HoldRound, from before Show.
 #pragma once
 
-#include "gui/control.h"
+#include "gui/dimmed_box.h"
 
 class CGhostButton;
 class CGhostMultiText;
-class CGhostWindowEx;
 
-class CGhostMessageBox : public CGhostGUIHandlerEx {
+class CGhostMessageBox : public DimmedBox {
 public:
     static constexpr size_t kMost = 4;
 
@@ -24,13 +23,11 @@ public:
 
     void Dismiss() { closed = true; } // as the button does; it goes with the next tick
     [[nodiscard]] bool IsClosed() const { return closed; }
-    [[nodiscard]] CGhostWindowEx* Box() const { return box; }
     [[nodiscard]] CGhostButton* Button() const { return button; }
     [[nodiscard]] CGhostMultiText* Message() const { return message; }
 
     GuiSignal<void(CGhostMessageBox*)> OnClosed; // once, whatever ends it; by then a name only
 
-    void Destroy() override { delete this; }
     void OnTick(unsigned microseconds) override;
 
 protected:
@@ -38,13 +35,10 @@ protected:
 
 private:
     CGhostMessageBox(const std::wstring& title, const std::wstring& text);
-    void Place();
+    void Place() override;
 
-    CGhostWindowEx* dimmed; // whose chain this is the second of
-    CGhostWindowEx* box;
     CGhostButton* button;
     CGhostMultiText* message;
-    GUI_RECT screen; // that it was placed for
     bool closed = false;
     bool told = false; // OnClosed has been called
 };

@@ -20,35 +20,26 @@ constexpr int32_t kBoxHeight = 170;
 
 BindingPrompt::BindingPrompt(const std::wstring& what, const std::wstring& before,
                              bool forProgramAction, UseOfKey useOfProgramsKey, Done whenDone)
-    : capture(forProgramAction)
+    : DimmedBox(L"Set Input")
+    , capture(forProgramAction)
     , useOfKey(std::move(useOfProgramsKey))
     , done(std::move(whenDone))
     , binding(before) {
-    CGhostManager& manager = CGhostManager::Get();
-    screen = manager.ScreenRect();
-    dimmed = new CGhostWindowEx(nullptr, 0, L"MESSAGEBOXBG", {}, CGhostWindowEx::kNoSignals,
-                                {false, 0, 0, screen.width, screen.height});
-    window = dimmed->window;
-    dimmed->next = this;
-    box = new CGhostWindowEx(window, 0, L"MESSAGEBOX", L"Set Input",
-                             CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
-                                 CGhostWindowEx::kNoButtons,
-                             {false, 0, 0, kBoxWidth, kBoxHeight});
-    title = new CGhostTextBox(box->window, 0, L"SECTIONTEXT", what, {});
-    wanted = new CGhostTextBox(box->window, 0, L"SECTIONTEXT",
-                               L"Press a key, a button or a direction", {});
-    keeps = new CGhostTextBox(box->window, 0, L"TEXT_CENTER", {}, {});
-    for (GHOSTMANAGER_WINDOW* const part :
-         {box->window, title->window, wanted->window, keeps->window}) {
-        manager.SetPart(part);
+    GHOSTMANAGER_WINDOW* const within = Box()->window;
+    title = new CGhostTextBox(within, 0, L"SECTIONTEXT", what, {});
+    wanted =
+        new CGhostTextBox(within, 0, L"SECTIONTEXT", L"Press a key, a button or a direction", {});
+    keeps = new CGhostTextBox(within, 0, L"TEXT_CENTER", {}, {});
+    for (GHOSTMANAGER_WINDOW* const part : {title->window, wanted->window, keeps->window}) {
+        CGhostManager::Get().SetPart(part);
     }
-    box->OnDown.connect([this](CGhostWindowEx*, int, int, unsigned) { End(std::nullopt); });
+    Box()->OnDown.connect([this](CGhostWindowEx*, int, int, unsigned) { End(std::nullopt); });
     for (CGhostTextBox* const text : {title, wanted, keeps}) {
         text->OnDown.connect([this](CGhostTextBox*, int, int, unsigned) { End(std::nullopt); });
     }
     Place();
     ShowSecondsLeft();
-    manager.TakeInput(window);
+    TakeInput();
 }
 
 BindingPrompt::~BindingPrompt() {
@@ -56,10 +47,8 @@ BindingPrompt::~BindingPrompt() {
 }
 
 void BindingPrompt::Place() {
-    box->SetPos((screen.width - kBoxWidth) / 2, (screen.height - kBoxHeight) / 2, kBoxWidth,
-                kBoxHeight);
-    GUI_RECT client;
-    CGhostManager::Get().GetWindowRects(box->window, nullptr, &client, nullptr);
+    PlaceBox(kBoxWidth, kBoxHeight);
+    const GUI_RECT client = Client();
     title->SetPos(0, 8, client.width, 25);
     wanted->SetPos(0, 40, client.width, 25);
     keeps->SetPos(0, 76, client.width, 20);
@@ -87,11 +76,7 @@ void BindingPrompt::Abandon() {
 }
 
 void BindingPrompt::OnTick(unsigned microseconds) {
-    if (const GUI_RECT now = CGhostManager::Get().ScreenRect(); now != screen) {
-        screen = now;
-        SetPos(0, 0, screen.width, screen.height);
-        Place();
-    }
+    DimmedBox::OnTick(microseconds);
     waited += microseconds;
     if (waited >= kPatience * kSecond) {
         End(std::nullopt);

@@ -8,7 +8,7 @@
 // Lifetime: it ends itself after `done`, which is called once and may be null. Abandon ends it without the call.
 #pragma once
 
-#include "gui/control.h"
+#include "gui/dimmed_box.h"
 #include "screens/binding_capture.h"
 
 #include <functional>
@@ -16,9 +16,8 @@
 #include <string>
 
 class CGhostTextBox;
-class CGhostWindowEx;
 
-class BindingPrompt : public CGhostGUIHandlerEx {
+class BindingPrompt : public DimmedBox {
 public:
     using Done = std::function<void(std::optional<uint32_t> binding)>;
 
@@ -32,7 +31,6 @@ public:
     void Look(); // at the joysticks, once a round
     void Abandon();
 
-    void Destroy() override { delete this; }
     void OnTick(unsigned microseconds) override;
     void OnKeyDown(GHOSTGUIKey key) override;
     void OnKeyUp(GHOSTGUIKey key) override;
@@ -48,7 +46,7 @@ protected:
     ~BindingPrompt() override;
 
 private:
-    void Place();
+    void Place() override;
     void ShowSecondsLeft();
     void Take(std::optional<uint32_t> binding);
     [[nodiscard]] bool Refuses(uint32_t binding);
@@ -57,12 +55,9 @@ private:
     BindingCapture capture;
     UseOfKey useOfKey;
     Done done;
-    CGhostWindowEx* dimmed; // whose chain this is the second of
-    CGhostWindowEx* box;
     CGhostTextBox* title;
     CGhostTextBox* wanted;
     CGhostTextBox* keeps;
-    GUI_RECT screen; // that it was placed for
     std::wstring binding;
     uint64_t waited = 0;      // microseconds
     uint64_t secondsLeft = 0; // as they are shown

@@ -10,7 +10,8 @@ namespace {
 
 // Units.
 constexpr int32_t kBoxWidth = 300;
-constexpr int32_t kMargin = 16;
+constexpr int32_t kMargin = 16; // beside the frame's own
+constexpr int32_t kTop = 28;    // from the title, which has none
 constexpr int32_t kButtonHeight = 25;
 constexpr int32_t kPitch = 33;
 
@@ -37,25 +38,15 @@ private:
 } // namespace
 
 GameMenu::GameMenu(const std::vector<GAME_MENU_ENTRY>& entries, Done whenDone)
-    : done(std::move(whenDone)) {
-    CGhostManager& manager = CGhostManager::Get();
-    screen = manager.ScreenRect();
-    dimmed = new CGhostWindowEx(nullptr, 0, L"MESSAGEBOXBG", {}, CGhostWindowEx::kNoSignals,
-                                {false, 0, 0, screen.width, screen.height});
-    window = dimmed->window;
-    dimmed->next = this;
-    box = new CGhostWindowEx(window, 0, L"MESSAGEBOX", L"Game Menu",
-                             CGhostWindowEx::kFrame | CGhostWindowEx::kTitle |
-                                 CGhostWindowEx::kNoButtons,
-                             {false, 0, 0, kBoxWidth, kBoxWidth});
-    manager.SetPart(box->window);
+    : DimmedBox(L"Game Menu")
+    , done(std::move(whenDone)) {
     buttons.reserve(entries.size() + 1);
     AddButton(L"Continue", std::nullopt);
     for (const GAME_MENU_ENTRY& entry : entries) {
         AddButton(entry.caption, entry.input);
     }
     Place();
-    manager.TakeInput(window);
+    TakeInput();
     buttons.front()->SetFocus();
 }
 
@@ -64,7 +55,7 @@ GameMenu::~GameMenu() {
 }
 
 void GameMenu::AddButton(const std::wstring& caption, std::optional<ModeInput> input) {
-    auto* const button = new CGhostButton(box->window, 0, L"MESSAGEBOX_BUTTON", caption, 0, {});
+    auto* const button = new CGhostButton(Box()->window, 0, L"MESSAGEBOX_BUTTON", caption, 0, {});
     button->next = new Closer(this);
     button->OnClick.connect([this, input](CGhostButton*, int, int, unsigned) { End(input); });
     CGhostManager::Get().SetPart(button->window);
@@ -72,27 +63,14 @@ void GameMenu::AddButton(const std::wstring& caption, std::optional<ModeInput> i
 }
 
 void GameMenu::Place() {
-    CGhostManager& manager = CGhostManager::Get();
-    GUI_RECT outer;
-    GUI_RECT client;
-    manager.GetWindowRects(box->window, &outer, &client, nullptr);
-    const int32_t inside =
-        2 * kMargin + static_cast<int32_t>(buttons.size()) * kPitch - (kPitch - kButtonHeight);
-    const int32_t height = inside + outer.height - client.height;
-    box->SetPos((screen.width - kBoxWidth) / 2, (screen.height - height) / 2, kBoxWidth, height);
-    manager.GetWindowRects(box->window, nullptr, &client, nullptr);
-    int32_t y = kMargin;
+    const int32_t inside = kTop + static_cast<int32_t>(buttons.size()) * kPitch -
+                           (kPitch - kButtonHeight) + kMargin;
+    PlaceBox(kBoxWidth, inside + FrameHigh());
+    const GUI_RECT client = Client();
+    int32_t y = kTop;
     for (CGhostButton* const button : buttons) {
         button->SetPos(kMargin, y, client.width - 2 * kMargin, kButtonHeight);
         y += kPitch;
-    }
-}
-
-void GameMenu::OnTick(unsigned /*microseconds*/) {
-    if (const GUI_RECT now = CGhostManager::Get().ScreenRect(); now != screen) {
-        screen = now;
-        SetPos(0, 0, screen.width, screen.height);
-        Place();
     }
 }
 

@@ -6,7 +6,7 @@
 // Lifetime: it ends itself after `done`, which is called once. Abandon ends it without the call.
 #pragma once
 
-#include "gui/control.h"
+#include "gui/dimmed_box.h"
 #include "screens/program_modes.h"
 
 #include <cstdint>
@@ -16,14 +16,13 @@
 #include <vector>
 
 class CGhostButton;
-class CGhostWindowEx;
 
 struct GAME_MENU_ENTRY {
     std::wstring caption;
     ModeInput input;
 };
 
-class GameMenu : public CGhostGUIHandlerEx {
+class GameMenu : public DimmedBox {
 public:
     using Done = std::function<void(std::optional<ModeInput> chosen)>;
 
@@ -35,21 +34,15 @@ public:
     // In their order, from 0: "Continue", then the entries.
     [[nodiscard]] const std::vector<CGhostButton*>& Buttons() const { return buttons; }
 
-    void Destroy() override { delete this; }
-    void OnTick(unsigned microseconds) override;
-
 protected:
     ~GameMenu() override;
 
 private:
     void AddButton(const std::wstring& caption, std::optional<ModeInput> input);
-    void Place();
+    void Place() override;
     void End(std::optional<ModeInput> chosen);
 
     Done done;
-    CGhostWindowEx* dimmed; // whose chain this is the second of
-    CGhostWindowEx* box;
     std::vector<CGhostButton*> buttons;
-    GUI_RECT screen; // that it was placed for
     bool ended = false;
 };

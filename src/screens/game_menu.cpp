@@ -63,8 +63,8 @@ void GameMenu::AddButton(const std::wstring& caption, std::optional<ModeInput> i
 }
 
 void GameMenu::Place() {
-    const int32_t inside = kTop + static_cast<int32_t>(buttons.size()) * kPitch -
-                           (kPitch - kButtonHeight) + kMargin;
+    const int32_t inside =
+        kTop + static_cast<int32_t>(buttons.size()) * kPitch - (kPitch - kButtonHeight) + kMargin;
     PlaceBox(kBoxWidth, inside + FrameHigh());
     const GUI_RECT client = Client();
     int32_t y = kTop;

@@ -502,6 +502,8 @@ TEST_F(RomBrowser, TheChosenTabStaysDownWhenTheMouseLeavesIt) {
 TEST_F(RomBrowser, AGameWithoutPicturesSaysSo) {
     home.Write("sms/Paper Lamps.sms", Image(3));
     Open();
+    browser->Media().Wait();
+    Round();
     EXPECT_TRUE(browser->Content().NoCover()->IsVisible());
 }
 

@@ -39,10 +39,17 @@ struct GEAR_CONSOLE {
     SEGA_MEMORY memory;
     GEAR_LINK link;
     uint32_t irqOut = 0;      // by the VDP
+    uint32_t soundOwed = 0;   // clocks that the PSG has not run; 0 between frames
     uint8_t ioControl = 0xFF; // port 0x3F
     uint8_t buttons = 0xFF;   // port 0xDC; 0: pressed
     std::array<uint8_t, kVdpVramBytes> vram{};
 };
+
+// Runs the clocks that the PSG owes.
+inline void GearRunSound(GEAR_CONSOLE& console) {
+    PsgRun(console.psg, console.soundOwed);
+    console.soundOwed = 0;
+}
 
 [[nodiscard]] uint8_t GearReadPort(GEAR_CONSOLE& console, uint16_t port);
 void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value);

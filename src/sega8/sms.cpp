@@ -88,10 +88,10 @@ struct SMS_BUS {
     }
 };
 
-// The same for a Z80 that runs ahead: the other chips catch up before every port access.
+// The same for a Z80 that runs ahead: the VDP catches up before every port access.
 struct SMS_CATCH_UP_BUS {
     SMS_BUS& bus;
-    CATCH_UP_CHIPS& chips;
+    CATCH_UP& chips;
     uint32_t& irqLine; // of the Z80
     const uint32_t& irqOut;
     uint32_t& clockCount;
@@ -225,34 +225,43 @@ void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FR
     VdpFinishFrame(vdp, video);
 }
 
-// One Z80 clock of every chip, in the order in which they are clocked.
+// One Z80 clock of every chip but the sound chips, in the order in which they are clocked.
 void CSMS::TickChips(SMS_BUS& bus) {
     VdpTick(vdp);
     VdpTick(vdp);
     Z80TickOn(z80, bus);
-    PsgTick(psg);
-    if (chosen.fmChip != 0) {
-        YmTick(fm);
-    }
     VdpTick(vdp);
     ++clockCount;
     z80.irqLine = irqOut;
+}
+
+void CSMS::RunSound() {
+    PsgRun(psg, soundOwed);
+    if (chosen.fmChip != 0) {
+        YmRun(fm, soundOwed);
+    }
+    soundOwed = 0;
 }
 
 void CSMS::RunFramePlain() {
     SMS_BUS bus{*this, memory, z80};
     while (!vdp.frameDone) {
         TickChips(bus);
+        PsgTick(psg);
+        if (chosen.fmChip != 0) {
+            YmTick(fm);
+        }
     }
 }
 
 // The same frame, in which the chips around the Z80 catch up. A clock in which the VDP changes a
-// line of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
+// line of the Z80 is run tick by tick; so is the first clock, which sets the lines' levels.
 void CSMS::RunFrameFast() {
     SMS_BUS bus{*this, memory, z80};
-    CATCH_UP_CHIPS chips{vdp, psg, chosen.fmChip != 0 ? &fm : nullptr};
+    CATCH_UP chips{vdp, soundOwed};
     SMS_CATCH_UP_BUS catchUpBus{bus, chips, z80.irqLine, irqOut, clockCount};
     TickChips(bus);
+    ++soundOwed;
     while (!vdp.frameDone) {
         const uint32_t clocks = (VdpTicksToEvent(vdp) - 1) / kVdpTicksPerClock;
         chips.BeginSpan();
@@ -261,7 +270,9 @@ void CSMS::RunFrameFast() {
         chips.CatchUp(clocks * kVdpTicksPerClock, clocks);
         clockCount = catchUpBus.startCount + clocks;
         TickChips(bus);
+        ++soundOwed;
     }
+    RunSound();
 }
 
 // Each chip has a resampler of its own, so one may be a sample short of the other. It then runs

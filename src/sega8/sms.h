@@ -61,6 +61,7 @@ private:
     void TickChips(SMS_BUS& bus);
     void RunFramePlain();
     void RunFrameFast();
+    void RunSound();
     void MixFm(EMU_AUDIO_FRAME& audio);
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
     template <typename Visit>
@@ -81,5 +82,6 @@ private:
     uint8_t fmControl = 0;   // port 0xF2
     uint8_t frameToggle = 0; // 1 in the first frame of a pair
     uint32_t clockCount = 0; // Z80 clocks
+    uint32_t soundOwed = 0;  // clocks that PSG and FM chip have not run; 0 between frames
     std::array<uint8_t, kVdpVramBytes> vram{};
 };

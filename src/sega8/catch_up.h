@@ -7,11 +7,15 @@
 // sound chips: they catch up before a write to one of them and at the end of the frame. The result
 // equals that of ticking every chip on every clock.
 //
+// A program may poll the V counter and the status. Within a span the counter stays as it is, and reads of the status
+// change nothing while no flag is set, so such a loop is idle (z80_idle.h) up to the end of the span.
+//
 // Units: VDP ticks and clocks of the Z80, both counted from the start of the span.
 // Owner: a frame loop, on the session's thread.
 // Order: BeginSpan, CatchUp with rising counts, the last of them the whole span.
 #pragma once
 
+#include "sega8/sega_ports.h"
 #include "sega8/vdp_run.h"
 
 #include <cstdint>
@@ -26,16 +30,63 @@ struct CATCH_UP {
         : vdp(chip)
         , soundOwed(owed) {}
 
-    void BeginSpan() {
+    bool polls = false;       // in this span
+    bool pollsStatus = false; // in this span
+    bool flagComes = false;   // in this span, before its end
+
+    // True if rounds that polled in the span before must be run again: the span ended with an event.
+    [[nodiscard]] bool BeginSpan() {
+        const bool polled = polls;
         vdpTicks = 0;
         clocks = 0;
+        polls = false;
+        pollsStatus = false;
+        flagComes = false;
+        return polled;
     }
 
-    // The time reaches these counts, which never fall within a span.
+    // Clocks for which the values that were polled stay: `left`, which are those to the end of the span, or 0. The VDP
+    // runs ahead to the end, at `spanTicks`, and is taken back if it has set a flag. It draws the same pixels again.
+    [[nodiscard]] uint32_t ClocksOfSamePolls(uint32_t left, uint32_t spanTicks) {
+        if (!pollsStatus || vdpTicks == spanTicks) {
+            return left;
+        }
+        if (flagComes) {
+            return 0;
+        }
+        const VDP before = vdp;
+        VdpRun(vdp, spanTicks - vdpTicks);
+        if (!VdpStatusReadIsIdle(vdp)) {
+            vdp = before;
+            flagComes = true;
+            return 0;
+        }
+        vdpTicks = spanTicks;
+        return left;
+    }
+
+    // The time reaches these counts, which never fall within a span. A VDP that has run ahead waits.
     void CatchUp(uint32_t ticksNow, uint32_t clocksNow) {
-        VdpRun(vdp, ticksNow - vdpTicks);
+        if (ticksNow > vdpTicks) {
+            VdpRun(vdp, ticksNow - vdpTicks);
+            vdpTicks = ticksNow;
+        }
         soundOwed += clocksNow - clocks;
-        vdpTicks = ticksNow;
         clocks = clocksNow;
     }
 };
+
+// True if a read of this port, as the Master System and the Game Gear decode it, polls the VDP and has no effect.
+[[nodiscard]] inline bool SegaPollsVdp(CATCH_UP& chips, uint16_t port) {
+    const uint32_t lines = port & kSegaPortLines;
+    if (lines == kSegaPortVCounter) {
+        chips.polls = true;
+        return true;
+    }
+    if (lines == kSegaPortVdpControl && VdpStatusReadIsIdle(chips.vdp)) {
+        chips.polls = true;
+        chips.pollsStatus = true;
+        return true;
+    }
+    return false;
+}

@@ -90,6 +90,9 @@ struct GEAR_CATCH_UP_BUS {
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
         CatchUp();
+        if (SegaPollsVdp(chips, port)) {
+            return GearReadPort(bus.console, port);
+        }
         const uint8_t value = bus.IoRead(port);
         bus.console.z80.irqLine = bus.console.irqOut;
         return value;
@@ -101,7 +104,9 @@ struct GEAR_CATCH_UP_BUS {
     }
     void At(uint32_t now) { clock = now; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
-        return idle.Skip(z80, bus.effects, spanStart + now, left);
+        return idle.Skip(z80, bus.effects, spanStart + now, [&] {
+            return chips.ClocksOfSamePolls(left, (now + left) * kVdpTicksPerClock);
+        });
     }
     void CatchUp() {
         chips.CatchUp(clock * kVdpTicksPerClock + kVdpTicksBeforeZ80, clock);
@@ -112,7 +117,7 @@ struct GEAR_CATCH_UP_BUS {
         linkClock = to;
     }
     void BeginSpan() {
-        chips.BeginSpan();
+        bus.effects += chips.BeginSpan() ? 1U : 0U;
         linkClock = 0;
     }
     void EndSpan(uint32_t clocks) {

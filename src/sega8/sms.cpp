@@ -104,6 +104,9 @@ struct SMS_CATCH_UP_BUS {
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
         CatchUp();
+        if (SegaPollsVdp(chips, port)) {
+            return bus.machine.ReadPort(port);
+        }
         const uint8_t value = bus.IoRead(port);
         irqLine = irqOut;
         return value;
@@ -115,7 +118,9 @@ struct SMS_CATCH_UP_BUS {
     }
     void At(uint32_t now) { clock = now; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
-        return idle.Skip(z80, bus.effects, startCount + now, left);
+        return idle.Skip(z80, bus.effects, startCount + now, [&] {
+            return chips.ClocksOfSamePolls(left, (now + left) * kVdpTicksPerClock);
+        });
     }
     void CatchUp() {
         chips.CatchUp(clock * kVdpTicksPerClock + kVdpTicksBeforeZ80, clock);
@@ -264,7 +269,7 @@ void CSMS::RunFrameFast() {
     ++soundOwed;
     while (!vdp.frameDone) {
         const uint32_t clocks = (VdpTicksToEvent(vdp) - 1) / kVdpTicksPerClock;
-        chips.BeginSpan();
+        bus.effects += chips.BeginSpan() ? 1U : 0U;
         catchUpBus.startCount = clockCount;
         Z80RunOn(z80, catchUpBus, clocks);
         chips.CatchUp(clocks * kVdpTicksPerClock, clocks);

@@ -90,12 +90,17 @@ struct ARCADE_CATCH_UP_BUS {
     uint32_t clock = 0;     // of the span
     uint32_t done = 0;      // clocks of the span that the VDPs have run
     uint32_t spanStart = 0; // clocks of the frame before the span
+    bool polls = false;     // the V counter, in this span
     Z80IdleLoop idle{};
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
+        if (static_cast<uint8_t>(port) == kArcadePortVCounter) {
+            polls = true; // the counter stays as it is to the end of the span
+            return bus.machine.ReadPort(port);
+        }
         CatchUp();
         const uint8_t value = bus.IoRead(port);
         irqLine = irqOut;
@@ -109,6 +114,12 @@ struct ARCADE_CATCH_UP_BUS {
     void At(uint32_t now) { clock = now; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
         return idle.Skip(z80, bus.effects, spanStart + now, left);
+    }
+    // Rounds that polled in the span before must be run again: it ended with an event.
+    void BeginSpan() {
+        done = 0;
+        bus.effects += polls ? 1U : 0U;
+        polls = false;
     }
     void CatchUp() {
         bus.machine.CatchUp(clock - done);
@@ -362,7 +373,7 @@ void CSEGAE::RunFrameFast() {
         // A reset starts both chips at the same dot; a state may have them apart.
         const uint32_t ticks = std::min(VdpTicksToEvent(vdp1), VdpTicksToEvent(vdp2));
         const uint32_t clocks = (ticks - 1) / kVdpTicksPerClock;
-        catchUpBus.done = 0;
+        catchUpBus.BeginSpan();
         Z80RunOn(z80, catchUpBus, clocks);
         CatchUp(clocks - catchUpBus.done);
         TickChips(bus);

@@ -67,6 +67,7 @@ struct MEGA_DRIVE {
     bool plainLoop = false;            // the plain loop, which runs every chip in every cycle
 
     uint32_t m68kBusCycles = 0;  // since the reset; wraps, so only differences count
+    uint32_t m68kBusReads = 0;   // of anything but plain memory; wraps, not saved
     int32_t z80Clock = 0;        // master clocks owed to Z80 and PSG
     uint32_t z80Bank = 0;        // base of the Z80's window, a multiple of 0x8000 below 0x1000000
     bool openBusRead = false;    // an undriven read is looking up the word at the program counter

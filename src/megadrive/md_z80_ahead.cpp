@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr uint32_t kMostHalted = 1 << 16; // clocks; more than a frame
+constexpr uint32_t kMostHalted = 1 << 17; // clocks; more than a frame of 313 lines
 constexpr uint32_t kFmEnd = 0x6000;       // of the FM chip's addresses, which follow the RAM's
 constexpr uint32_t kVdpPage = 0x7F00;
 constexpr uint32_t kWindowStart = 0x8000;

@@ -17,8 +17,8 @@
     const bool toRegister = (opcode & 0x0100) == 0 && hasSize; // of ADD, SUB, AND, OR, CMP
     switch (opcode >> 12) {
     case 0x0: {
-        const bool testsBit = (opcode & 0xFFC0) == 0x0800 ||
-                              ((opcode & 0x01C0) == 0x0100 && (opcode & 0x38) != 0x08);
+        const bool testsBit =
+            (opcode & 0xFFC0) == 0x0800 || ((opcode & 0x01C0) == 0x0100 && (opcode & 0x38) != 0x08);
         const bool compares = (opcode & 0xFF00) == 0x0C00 && hasSize;
         const bool changesData = (opcode & 0xF138) == 0 && (opcode & 0x0E00) != 0x0800 &&
                                  (opcode & 0x0E00) != 0x0E00 && hasSize;
@@ -29,7 +29,7 @@
     case 0x3: return (opcode & 0x01C0) <= 0x0040; // MOVE to a data register, MOVEA
     case 0x4:
         return ((opcode & 0xFF00) == 0x4A00 && hasSize) || (opcode & 0xF1C0) == 0x41C0 ||
-               opcode == 0x4E71; // TST, LEA, NOP
+               opcode == 0x4E71;                  // TST, LEA, NOP
     case 0x6: return (opcode & 0x0F00) != 0x0100; // not BSR
     case 0x7: return true;                        // MOVEQ
     case 0xB: return toRegister || !hasSize;      // CMP, CMPA

@@ -110,10 +110,10 @@ void MarkWindow(MD_VDP& vdp) {
                             ? vdp.line >= edge && vdp.line < vdp.activeHeight
                             : vdp.line < edge;
     const bool rightOf = (across & kMdVdpWindowFar) != 0;
-    for (uint32_t column = 0; column < vdp.windowColumn.size(); ++column) {
-        const bool inColumns = rightOf ? column >= columns : column < columns;
-        vdp.windowColumn[column] = inRows || inColumns ? 1 : 0;
-    }
+    const auto edgeColumn =
+        vdp.windowColumn.begin() + std::min<size_t>(columns, vdp.windowColumn.size());
+    std::fill(vdp.windowColumn.begin(), edgeColumn, inRows || !rightOf ? 1 : 0);
+    std::fill(edgeColumn, vdp.windowColumn.end(), inRows || rightOf ? 1 : 0);
 }
 
 // Sets where a plane's fetches start. Returns true if fine scroll leaves a part of a cell at the left edge;

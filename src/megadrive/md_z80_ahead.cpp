@@ -19,13 +19,16 @@ constexpr uint32_t kFirstRamPage = 0xE0; // of the 68000's map, from where pages
 struct PRIVATE_BUS {
     MEGA_DRIVE& md;
     uint32_t clock = 0;
-    bool metRead = false; // an access that others see, at `clock`
-    bool metWrite = false;
+    enum class MET : uint32_t {
+        kNothing,
+        kRead,
+        kWrite
+    } met{};              // an access that others see, at `clock`
     uint32_t effects = 1; // what makes a round of a loop unlike the one before
     Z80IdleLoop idle{};
 
     void At(uint32_t now) { clock = now; }
-    [[nodiscard]] bool Stops() const { return metRead || metWrite; }
+    [[nodiscard]] bool Stops() const { return met != MET::kNothing; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
         return idle.Skip(z80, effects, now, left);
     }
@@ -37,11 +40,8 @@ struct PRIVATE_BUS {
         return ReadBeyondRam(address);
     }
     uint8_t ReadOpcode(uint16_t address) {
-        constexpr uint8_t kLoadRFromA = 0x4F;
-        constexpr uint8_t kLoadAFromR = 0x5F;
         const uint8_t opcode = Read(address);
-        if (md.z80.prefix == kZ80PrefixEd && (opcode == kLoadAFromR || opcode == kLoadRFromA))
-            [[unlikely]] {
+        if (Z80UsesRefresh(md.z80, opcode)) [[unlikely]] {
             ++effects;
         }
         return opcode;
@@ -50,7 +50,7 @@ struct PRIVATE_BUS {
     static void IoWrite(uint16_t port, uint8_t value) { MD_Z80_BUS::IoWrite(port, value); }
     void Write(uint16_t address, uint8_t value) {
         if (address >= kMdZ80RamEnd) [[unlikely]] {
-            metWrite = true;
+            met = MET::kWrite;
             return;
         }
         uint8_t& byte = md.z80Ram[address % kMdZ80RamBytes];
@@ -74,7 +74,7 @@ private:
         if (address >= kWindowStart && page < kFirstRamPage && md.cpu.readPages[page] != nullptr) {
             return MdPeekByte(md, md.z80Bank | (address - kWindowStart));
         }
-        metRead = true;
+        met = MET::kRead;
         return 0;
     }
 };
@@ -131,9 +131,9 @@ uint32_t RunToVisible(MEGA_DRIVE& md) {
     md.z80Ahead.writes = 0;
     PRIVATE_BUS bus{md};
     static_cast<void>(Z80RunOn(md.z80, bus, most));
-    if (bus.metWrite) {
+    if (bus.met == PRIVATE_BUS::MET::kWrite) {
         StepBack(md.z80);
-    } else if (bus.metRead) {
+    } else if (bus.met == PRIVATE_BUS::MET::kRead) {
         GoBack(md);
         RunPrivate(md, bus.clock);
     }

@@ -20,6 +20,7 @@
 #include "megadrive/ym2612.h"
 #include "sega8/psg.h"
 #include "sega8/z80.h"
+#include "sega8/z80_idle.h"
 
 #include <array>
 #include <cstddef>
@@ -49,6 +50,8 @@ struct MD_Z80_AHEAD {
     uint32_t clocks = 0; // of which it is ahead of `start`
     uint32_t writes = 0;
     std::array<WRITE, kMdZ80MostAhead> log; // at most one write a clock
+    Z80IdleLoop idle;
+    uint32_t effects = 0; // what makes a round of a loop unlike the one before; wraps
 };
 
 struct MEGA_DRIVE {

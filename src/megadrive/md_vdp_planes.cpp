@@ -299,30 +299,29 @@ struct PlaneRun {
     uint32_t x;     // of the first one
 };
 
-// FetchCell and DrawCell for a run of cells. The scroll of a whole plane is the same in all of them; `Scroll`
+// FetchCell and DrawCell for a run of cells. The scroll of a whole plane is the same in all of them; `scroll`
 // returns that of a pair of columns, counted from the first.
-template <bool ByColumn, typename Cells, typename Scroll>
-[[gnu::always_inline]] inline void DrawCells(const Cells& cells, const Layer& layer,
-                                             const PlaneRun& run, Scroll scroll) {
+template <bool ByColumn, uint32_t kDoubled, typename Cells, typename Scroll>
+[[gnu::always_inline]] inline void DrawRun(const Cells& cells, const Layer& layer,
+                                           const PlaneRun& run, Scroll scroll) {
     const MD_VDP& vdp = cells.vdp;
-    const uint32_t doubled = vdp.interlace2;
-    const uint32_t rowBits = 3 + doubled;
-    const uint32_t lastRow = (kCell << doubled) - 1;
-    const uint32_t top = doubled != 0 ? vdp.line * 2 + vdp.field : vdp.line;
-    const uint32_t lastY = (vdp.planeHeight << rowBits) - 1;
+    constexpr uint32_t kRowBits = 3 + kDoubled;
+    constexpr uint32_t kLastRow = (kCell << kDoubled) - 1;
+    const uint32_t top = kDoubled != 0 ? vdp.line * 2 + vdp.field : vdp.line;
+    const uint32_t lastY = (vdp.planeHeight << kRowBits) - 1;
     const uint32_t lastColumn = run.width - 1;
     uint32_t y = 0;
     uint32_t names = 0;
     const auto findRow = [&](uint32_t pair) {
         y = (top + (scroll(pair) & kScrollBits)) & lastY;
-        names = run.base + (y >> rowBits) * run.width * 2;
+        names = run.base + (y >> kRowBits) * run.width * 2;
     };
     const auto wordAt = [&](uint32_t i) {
         return MdVdpVramWord(vdp, names + ((run.column + i) & lastColumn) * 2);
     };
     const auto patternOf = [&](uint32_t word, uint32_t attributes) {
-        const uint32_t row = ((attributes & kMdVdpFlipY) != 0 ? ~y : y) & lastRow;
-        return MdVdpPattern(vdp, (word << (5 + doubled)) + row * 4);
+        const uint32_t row = ((attributes & kMdVdpFlipY) != 0 ? ~y : y) & kLastRow;
+        return MdVdpPattern(vdp, (word << (5 + kDoubled)) + row * 4);
     };
     findRow(0);
     uint32_t i = 0;
@@ -338,6 +337,16 @@ template <bool ByColumn, typename Cells, typename Scroll>
         }
         const uint32_t word = wordAt(i);
         cells.Draw(layer, word, patternOf(word, word), run.x + i * kCell);
+    }
+}
+
+template <bool ByColumn, typename Cells, typename Scroll>
+[[gnu::always_inline]] inline void DrawCells(const Cells& cells, const Layer& layer,
+                                             const PlaneRun& run, Scroll scroll) {
+    if (cells.vdp.interlace2 != 0) {
+        DrawRun<ByColumn, 1>(cells, layer, run, scroll);
+    } else {
+        DrawRun<ByColumn, 0>(cells, layer, run, scroll);
     }
 }
 

@@ -221,11 +221,12 @@ void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
 bool Collide(const MD_VDP& vdp, uint32_t x, uint32_t end) {
     constexpr uint64_t kAboveOne = 0xFEFEFEFEFEFEFEFE;
     uint64_t met = 0;
-    for (; end - x >= kBlock; x += kBlock) {
-        uint64_t counts = 0;
-        std::memcpy(&counts, &vdp.spriteDots[x], sizeof counts);
-        met |= counts & kAboveOne;
+    std::array<uint64_t, 4> counts{};
+    for (; end - x >= sizeof counts; x += sizeof counts) {
+        std::memcpy(counts.data(), &vdp.spriteDots[x], sizeof counts);
+        met |= (counts[0] | counts[1]) | (counts[2] | counts[3]);
     }
+    met &= kAboveOne;
     for (; x < end; ++x) {
         met |= vdp.spriteDots[x] & kAboveOne;
     }

@@ -218,6 +218,7 @@ public:
         if (scan.visible >= limits.visible) {
             vdp.status |= kMdVdpOverflow;
         }
+        vdp.spriteScan = scan;
     }
 
 private:
@@ -318,7 +319,7 @@ private:
     }
 
     MD_VDP& vdp;
-    MD_VDP_SPRITE_SCAN& scan;
+    MD_VDP_SPRITE_SCAN scan; // in registers; goes back at the end
     const Limits& limits;
     const uint32_t line;
     uint32_t budget;

@@ -17,20 +17,23 @@ constexpr uint32_t kFirstRamPage = 0xE0; // of the 68000's map, from where pages
 // The Z80's bus as far as only the Z80 sees it. Any other access is left out and ends the run. The status of the
 // FM chip doesn't change during a run.
 struct PRIVATE_BUS {
+    explicit PRIVATE_BUS(MEGA_DRIVE& mdValue)
+        : md(mdValue) {
+        ++md.z80Ahead.effects; // the status may be another than in the run before
+    }
+
     MEGA_DRIVE& md;
     uint32_t clock = 0;
     enum class MET : uint32_t {
         kNothing,
         kRead,
         kWrite
-    } met{};              // an access that others see, at `clock`
-    uint32_t effects = 1; // what makes a round of a loop unlike the one before
-    Z80IdleLoop idle{};
+    } met{}; // an access that others see, at `clock`
 
     void At(uint32_t now) { clock = now; }
     [[nodiscard]] bool Stops() const { return met != MET::kNothing; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
-        return idle.Skip(z80, effects, now, left);
+        return md.z80Ahead.idle.Skip(z80, md.z80Ahead.effects, now, left);
     }
 
     uint8_t Read(uint16_t address) {
@@ -42,7 +45,7 @@ struct PRIVATE_BUS {
     uint8_t ReadOpcode(uint16_t address) {
         const uint8_t opcode = Read(address);
         if (Z80UsesRefresh(md.z80, opcode)) [[unlikely]] {
-            ++effects;
+            ++md.z80Ahead.effects;
         }
         return opcode;
     }
@@ -58,7 +61,7 @@ struct PRIVATE_BUS {
             MD_Z80_AHEAD& ahead = md.z80Ahead;
             ahead.log[ahead.writes++ % ahead.log.size()] = {address, byte};
             byte = value;
-            ++effects;
+            ++md.z80Ahead.effects;
         }
     }
 
@@ -87,8 +90,12 @@ bool IsHalted(const Z80& z80) {
 // Clocks in which the FM chip's status stays. Clock n, counted from 0, comes before 68000 cycle
 // (15 (n + 1) - z80Clock) / 7, because a 68000 instruction owes its master clocks from its start.
 uint32_t ClocksOfFmStatus(MEGA_DRIVE& md) {
-    MdCatchUpFm(md);
-    const uint32_t cycles = std::min(Ym2612ClocksToStatus(md.fm), kMdZ80MostAhead * 4);
+    uint32_t toStatus = Ym2612ClocksToStatus(md.fm);
+    if (toStatus <= md.fmOwed) {
+        MdCatchUpFm(md);
+        toStatus = Ym2612ClocksToStatus(md.fm);
+    }
+    const uint32_t cycles = std::min(toStatus - md.fmOwed, kMdZ80MostAhead * 4);
     const int32_t clocks =
         (static_cast<int32_t>(cycles * kMdCycleClocks) + md.z80Clock) / kMdZ80Clocks;
     return static_cast<uint32_t>(std::max(clocks, 0));
@@ -105,7 +112,7 @@ void GoBack(MEGA_DRIVE& md) {
 
 // Runs clocks of which is known that others don't see them.
 void RunPrivate(MEGA_DRIVE& md, uint32_t clocks) {
-    PRIVATE_BUS bus{md};
+    PRIVATE_BUS bus(md);
     static_cast<void>(Z80RunOn(md.z80, bus, clocks));
 }
 
@@ -129,7 +136,7 @@ uint32_t RunToVisible(MEGA_DRIVE& md) {
     const uint32_t most = std::min(ClocksOfFmStatus(md), kMdZ80MostAhead);
     md.z80Ahead.start = md.z80;
     md.z80Ahead.writes = 0;
-    PRIVATE_BUS bus{md};
+    PRIVATE_BUS bus(md);
     static_cast<void>(Z80RunOn(md.z80, bus, most));
     if (bus.met == PRIVATE_BUS::MET::kWrite) {
         StepBack(md.z80);

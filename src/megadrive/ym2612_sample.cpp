@@ -150,17 +150,16 @@ template <typename Run>
 }
 
 // What operator 1 modulates itself by.
-[[nodiscard]] inline uint32_t Feedback(const YM2612_CHANNEL& channel, int32_t older,
-                                       int32_t newer) {
+[[nodiscard]] inline uint32_t Feedback(uint32_t shift, int32_t older, int32_t newer) {
     const uint32_t sum = static_cast<uint32_t>(older) + static_cast<uint32_t>(newer);
-    return channel.feedback != 0 ? sum << channel.feedback : 0;
+    return shift != 0 ? sum << shift : 0;
 }
 
 inline int32_t ChannelOutput(YM2612_CHANNEL& channel, uint32_t lfoAm) {
     const uint32_t lfoAttenuation = lfoAm >> channel.ams;
     auto& [older, newer] = channel.operator1Out;
     const int32_t one = OperatorOutput(channel.slots[kYm2612Operator1],
-                                       Feedback(channel, older, newer), lfoAttenuation);
+                                       Feedback(channel.feedback, older, newer), lfoAttenuation);
     older = newer;
     newer = one;
     return RunAlgorithm(channel.algorithm, one, [&](size_t place, int32_t modulator) {
@@ -473,11 +472,13 @@ bool RunChannel(YM2612& ym, size_t index, uint32_t samples, SPAN_OUTPUT& output)
         channel.operator1Out = {samples == 1 ? newer : 0, 0};
         return false;
     }
+    const uint32_t feedback = channel.feedback;
+    const uint32_t algorithm = channel.algorithm;
     for (uint32_t i = 0; i < samples; ++i) {
-        const int32_t one = operators[kYm2612Operator1].Next(Feedback(channel, older, newer));
+        const int32_t one = operators[kYm2612Operator1].Next(Feedback(feedback, older, newer));
         older = newer;
         newer = one;
-        output[i] = RunAlgorithm(channel.algorithm, one, [&](size_t place, int32_t modulator) {
+        output[i] = RunAlgorithm(algorithm, one, [&](size_t place, int32_t modulator) {
             return operators[place].Next(static_cast<uint32_t>(modulator) << kModulationShift);
         });
     }

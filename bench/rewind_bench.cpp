@@ -129,13 +129,13 @@ bool Report(const char* name) {
     std::printf("%s\n", name);
     std::printf("    a state of %u bytes takes %.0f: 256 MiB are %.1f minutes\n",
                 stack.rewindHeadBytes, packed, 256.0 * 1048576.0 / packed / framesPerSecond / 60.0);
-    std::printf("    a frame takes %.1f us, and %.1f us more with rewinding: %.1f %%\n", plain, more,
-                more / plain * 100.0);
+    std::printf("    a frame takes %.1f us, and %.1f us more with rewinding: %.1f %%\n", plain,
+                more, more / plain * 100.0);
     if (counter.Works()) {
         const double counted = static_cast<double>(without.instructions) / kFrames;
         const double added = static_cast<double>(with.instructions) / kFrames - counted;
-        std::printf("    %.0f instructions, and %.0f more with rewinding: %.1f %%\n", counted, added,
-                    added / counted * 100.0);
+        std::printf("    %.0f instructions, and %.0f more with rewinding: %.1f %%\n", counted,
+                    added, added / counted * 100.0);
     }
     std::printf("    the longest step back unpacks for %" PRId64 " us\n",
                 LongestStepBack(player.Rewind()));

@@ -29,14 +29,11 @@ int OpenCounter() {
 std::string Reason(int error) {
     switch (error) {
     case EACCES:
-    case EPERM:
-        return "the system does not allow it";
+    case EPERM: return "the system does not allow it";
     case ENOENT:
     case ENODEV:
-    case EOPNOTSUPP:
-        return "this processor has no counter for them";
-    default:
-        return std::strerror(error);
+    case EOPNOTSUPP: return "this processor has no counter for them";
+    default: return std::strerror(error);
     }
 }
 

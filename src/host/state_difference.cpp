@@ -88,10 +88,9 @@ std::span<const uint8_t> StateDifference::Pack(std::span<const uint8_t> newer,
     for (size_t at = chunks * kChunkBytes; at < older.size(); ++at) {
         *out++ = static_cast<uint8_t>(older[at] ^ (at < newer.size() ? newer[at] : 0));
     }
-    const int packed =
-        LZ4_compress_default(reinterpret_cast<const char*>(plain.data()),
-                             reinterpret_cast<char*>(packedBytes.data()),
-                             static_cast<int>(out - plain.data()), static_cast<int>(mostPacked));
+    const int packed = LZ4_compress_default(
+        reinterpret_cast<const char*>(plain.data()), reinterpret_cast<char*>(packedBytes.data()),
+        static_cast<int>(out - plain.data()), static_cast<int>(mostPacked));
     assert(packed > 0);
     return {packedBytes.data(), static_cast<size_t>(packed)};
 }

@@ -28,9 +28,9 @@
 
 namespace {
 
-constexpr std::array<const char*, 8> kGames = {"md-mistral",  "md-mistral", "md-mistral",
-                                               "md-mistral",  "md-mistral", "sms-luciole",
-                                               "nes-ecume", "arcade-skywren"};
+constexpr std::array<const char*, 8> kGames = {"md-mistral", "md-mistral",    "md-mistral",
+                                               "md-mistral", "md-mistral",    "sms-luciole",
+                                               "nes-ecume",  "arcade-skywren"};
 
 // Of one session, written by its thread.
 struct USE {
@@ -71,8 +71,7 @@ bool StartAll() {
             return false;
         }
         CGameFile* const games[2] = {&opened.game, nullptr};
-        const uint32_t serial =
-            EmuStartSession(key, games, opened.options.data(), opened.title);
+        const uint32_t serial = EmuStartSession(key, games, opened.options.data(), opened.title);
         if (serial == 0) {
             return false;
         }
@@ -93,9 +92,8 @@ FIGURES Now() {
         figures.emulated[i] = static_cast<double>(gUse[i].pairs) / gUse[i].rate;
         figures.worked[i] = static_cast<double>(gUse[i].worked) / 1e6;
     }
-    figures.wall = std::chrono::duration<double>(
-                       std::chrono::steady_clock::now().time_since_epoch())
-                       .count();
+    figures.wall =
+        std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
     figures.process = static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
     return figures;
 }
@@ -112,8 +110,9 @@ void Print(const FIGURES& from, const FIGURES& to) {
         slowest = std::min(slowest, emulated / wall);
         all += perSecond;
     }
-    std::printf("all eight: %.2f s of processor time for a second of each; the slowest at %.1f %%\n",
-                all, slowest * 100.0);
+    std::printf(
+        "all eight: %.2f s of processor time for a second of each; the slowest at %.1f %%\n", all,
+        slowest * 100.0);
     std::printf("the whole process, with sound and waiting: %.2f s of processor time in %.1f s\n",
                 to.process - from.process, wall);
 }

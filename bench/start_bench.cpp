@@ -62,8 +62,8 @@ bool RunOnce(std::vector<std::string> arguments, TIMES& times) {
     if (wait4(process, &status, 0, &use) != process || status != 0) {
         return false;
     }
-    times.wall = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
-                     .count();
+    times.wall =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     times.processor = Milliseconds(use.ru_utime) + Milliseconds(use.ru_stime);
     return true;
 }
@@ -111,8 +111,7 @@ int ShowBareWindow() {
         std::fprintf(stderr, "%s\n", SDL_GetError());
         return 1;
     }
-    SDL_Window* const window =
-        SDL_CreateWindow("start_bench", 0, 0, 1280, 720, SDL_WINDOW_OPENGL);
+    SDL_Window* const window = SDL_CreateWindow("start_bench", 0, 0, 1280, 720, SDL_WINDOW_OPENGL);
     if (window == nullptr || SDL_GL_CreateContext(window) == nullptr) {
         std::fprintf(stderr, "%s\n", SDL_GetError());
         return 1;

@@ -52,6 +52,16 @@ uint16_t PackChunk(const uint8_t* newer, const uint8_t* older, uint8_t*& out) {
     return static_cast<uint16_t>(map);
 }
 
+// Writes what comes after the chunks, and returns where it ends.
+uint8_t* PackRest(std::span<const uint8_t> newer, std::span<const uint8_t> older, size_t from,
+                  uint8_t* out) {
+    const size_t both = std::min(newer.size(), older.size());
+    for (size_t at = from; at < both; ++at) {
+        *out++ = static_cast<uint8_t>(older[at] ^ newer[at]);
+    }
+    return std::copy(older.begin() + static_cast<ptrdiff_t>(both), older.end(), out);
+}
+
 void UnpackChunk(unsigned map, uint8_t* state, const uint8_t*& in) {
     for (size_t i = 0; map != 0; ++i, map >>= 1) {
         if ((map & 1) != 0) {
@@ -85,9 +95,7 @@ std::span<const uint8_t> StateDifference::Pack(std::span<const uint8_t> newer,
         const uint16_t map = PackChunk(newer.data() + at, older.data() + at, out);
         std::memcpy(plain.data() + chunk * sizeof map, &map, sizeof map);
     }
-    for (size_t at = chunks * kChunkBytes; at < older.size(); ++at) {
-        *out++ = static_cast<uint8_t>(older[at] ^ (at < newer.size() ? newer[at] : 0));
-    }
+    out = PackRest(newer, older, chunks * kChunkBytes, out);
     const int packed = LZ4_compress_default(
         reinterpret_cast<const char*>(plain.data()), reinterpret_cast<char*>(packedBytes.data()),
         static_cast<int>(out - plain.data()), static_cast<int>(mostPacked));

@@ -118,7 +118,7 @@ StateBlob CNES::SaveState(uint32_t& size) {
     size = StatePieceSize(board) + M6502StateSize() + PpuStateSize() + ApuStateSize() +
            BoardStateSize(nes.cartridge) + (HasPlainRam() ? StatePieceSize(plainRam) : 0) +
            SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = M6502SaveState(nes.cpu, out);
     out = PpuSaveState(nes.ppu, out);

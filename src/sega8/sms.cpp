@@ -323,7 +323,7 @@ StateBlob CSMS::SaveState(uint32_t& size) {
     const auto sound = {&std::as_const(psgSound), &std::as_const(fmSound)};
     size = StatePieceSize(board) + Z80StateSize() + VdpStateSize() + PsgStateSize() +
            YmStateSize() + SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = Z80SaveState(z80, out);
     out = VdpSaveState(vdp, out);

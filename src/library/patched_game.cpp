@@ -126,10 +126,9 @@ bool PatchGame(const fs::path& patch, CGameFile& game, std::string& error) {
         error = patch.string() + ": makes too large a game";
         return false;
     }
-    patched.selectedName =
-        Selected(variants, game.selectedName < static_cast<int32_t>(variants.size())
-                               ? game.selectedName
-                               : -1);
+    patched.selectedName = Selected(
+        variants,
+        game.selectedName < static_cast<int32_t>(variants.size()) ? game.selectedName : -1);
     game = std::move(patched);
     return true;
 }

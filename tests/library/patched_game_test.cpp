@@ -33,8 +33,7 @@ Bytes FirstByteUps(const Bytes& image, uint8_t value) {
     Bytes patched = image;
     patched[0] = value;
     const auto size = static_cast<uint8_t>(image.size() | 0x80);
-    Bytes patch =
-        Text("UPS1") + Bytes{size, size, 0x80, static_cast<uint8_t>(image[0] ^ value), 0};
+    Bytes patch = Text("UPS1") + Bytes{size, size, 0x80, static_cast<uint8_t>(image[0] ^ value), 0};
     Append32(patch, Crc32(image));
     Append32(patch, Crc32(patched));
     Append32(patch, Crc32(patch));

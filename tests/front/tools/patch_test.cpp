@@ -1,8 +1,8 @@
 // Soft patches as a user gives them: beside the game, or on the command line.
 
 #include "formats/hand_made.h"
-
 #include "front/tools/run_ombrelune.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -21,8 +21,8 @@ protected:
     }
     // What stands at 0x100 of the program, which is 0xAA without a patch.
     PROGRAM_RESULT Peek(std::vector<std::string> more = {}) const {
-        std::vector<std::string> arguments = {
-            "play", "--headless", "--frames", "1", "--peek", "0x100", Path("Game.sms")};
+        std::vector<std::string> arguments = {"play",   "--headless", "--frames",      "1",
+                                              "--peek", "0x100",      Path("Game.sms")};
         arguments.insert(arguments.end(), more.begin(), more.end());
         return Ombrelune(arguments, home);
     }

@@ -484,6 +484,14 @@ bool CGAMEGEAR::Peek(uint32_t address, uint8_t& value) const {
     return true;
 }
 
+std::vector<uint8_t> CGAMEGEAR::BatteryContents() const {
+    return SegaBattery(consoles[0].memory);
+}
+
+bool CGAMEGEAR::SetBatteryContents(std::span<const uint8_t> bytes) {
+    return SetSegaBattery(consoles[0].memory, bytes);
+}
+
 std::vector<uint8_t> CGAMEGEAR::Dump(std::string_view region) const {
     return Memory(region);
 }

@@ -368,6 +368,14 @@ bool CSMS::Peek(uint32_t address, uint8_t& value) const {
     return true;
 }
 
+std::vector<uint8_t> CSMS::BatteryContents() const {
+    return SegaBattery(memory);
+}
+
+bool CSMS::SetBatteryContents(std::span<const uint8_t> bytes) {
+    return SetSegaBattery(memory, bytes);
+}
+
 std::vector<uint8_t> CSMS::Dump(std::string_view region) const {
     return Memory(region);
 }

@@ -308,8 +308,8 @@ void ProgramScreen::ShowSavedStates() {
                  }});
 }
 
-// Menu, panel and browser are as the mode says. The room has no panel open behind it: what was played there is new
-// to a browser that is opened again.
+// Shows what the mode says: menu, panel or browser. The room leaves none of them open behind it, so the browser is made
+// anew and knows what was played meanwhile.
 void ProgramScreen::FitScreens() {
     const ProgramMode mode = room.Modes().Mode();
     if (mode == shownMode) {

@@ -176,7 +176,9 @@ COMMAND AddRoom(CLI::App& app) {
         app.add_subcommand("room", "Walk in a room in which games play on televisions");
     command->footer(
         "Keys: W A S D walk, the mouse looks, E or the left button uses a set, Q turns it off,\n"
-        "Esc leaves the full screen or frees the mouse, F4 the lamp. More in docs/ROOM.md.");
+        "Esc leaves the full screen or frees the mouse, F9 opens the saved states of the game "
+        "that\n"
+        "you look at, F4 is the lamp. More in docs/ROOM.md.");
     command->add_option("GAME", room->games,
                         "ROMs, .zip, .game or demo:NAME; without any, our own");
     command->add_option("--set", room->settings, "A setting for this run")

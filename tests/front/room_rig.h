@@ -25,6 +25,7 @@ inline void Key(SDL_Scancode scancode, bool down) {
     event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
     event.key.state = down ? SDL_PRESSED : SDL_RELEASED;
     event.key.keysym.scancode = scancode;
+    event.key.keysym.sym = SDL_GetKeyFromScancode(scancode);
     SDL_PushEvent(&event);
 }
 

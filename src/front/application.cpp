@@ -411,7 +411,7 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
 void Application::PlayDroppedFile(const std::string& path) {
     OPENED_GAME opened;
     std::string error;
-    if (!OpenForPlaying(path, nullptr, opened, error)) {
+    if (!OpenForPlaying(path, {}, opened, error)) {
         PostReport(error);
         return;
     }

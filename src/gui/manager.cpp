@@ -48,7 +48,7 @@ void CGhostManager::Reset() {
     clipboard.clear();
     hasClipboard = captureInFrame = toolTipVisible = false;
     cursorX = cursorY = lastClickButton = 0;
-    cursorIndex = 0;
+    cursorIndex = lastTabStop = 0;
     timeMicroseconds = lastActivity = lastClickTimeMs = 0;
     dirtyRect = screenRect;
     times = {};

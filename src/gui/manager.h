@@ -145,6 +145,10 @@ public:
     // window, if there is a modal window.
     [[nodiscard]] uint32_t FocusId() const;
     void ReturnFocus(uint32_t id);
+    // A press beside the controls takes the focus to where no key does anything. Gives it to the tab stop that this is
+    // a part of, or back to the one that had it last, if that is seen and takes input; else to the first one of the
+    // modal window.
+    void ReturnFocusToTabStop();
 
     // ---- Clipboard, keys, cursor.
 
@@ -310,6 +314,7 @@ private:
     GHOSTMANAGER_WINDOW* captureWindow = nullptr; // under a held button
     GHOSTMANAGER_WINDOW* hoverWindow = nullptr;
     GHOSTMANAGER_WINDOW* focusWindow = nullptr;
+    uint32_t lastTabStop = 0; // id of the last one that had the focus, 0: none
     GHOSTMANAGER_WINDOW* activeTopWindow = nullptr; // topmost ancestor of the focus
     GHOSTMANAGER_WINDOW* modalWindow = nullptr;
     GHOSTMANAGER_WINDOW* toolTipWindow = nullptr;

@@ -210,7 +210,8 @@ bool SaveToSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, std
     return true;
 }
 
-bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, std::string& text) {
+bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, std::string& text,
+                   bool* undoable) {
     const std::string failed = "Not loaded from " + SlotName(slot) + ": ";
     const FolderTurn turn(SlotFolder(session));
     if (turn.IsHeldByOther()) {
@@ -229,7 +230,11 @@ bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, s
         return false;
     }
     bool loaded = false;
-    if (Give(session, wanted, stamp, error, loaded)) {
+    const bool kept = Give(session, wanted, stamp, error, loaded);
+    if (undoable != nullptr) {
+        *undoable = kept;
+    }
+    if (kept) {
         text = "Loaded " + SlotName(slot);
     } else if (loaded) {
         text = "Loaded " + SlotName(slot) + ". It cannot be undone: " + error;

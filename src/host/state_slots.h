@@ -57,9 +57,9 @@ struct SLOT_LIST {
                               std::string& text);
 
 // A slot's state to the session. What was played before can be brought back, also after the program has ended. If the
-// machine refuses the state, the game goes on as it was.
+// machine refuses the state, the game goes on as it was. `undoable`: whether there was room on the disk to keep it.
 [[nodiscard]] bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp,
-                                std::string& text);
+                                std::string& text, bool* undoable = nullptr);
 
 // What is deleted can be brought back too.
 [[nodiscard]] bool DeleteSlot(const std::filesystem::path& folder, uint32_t slot,

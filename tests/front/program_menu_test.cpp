@@ -86,6 +86,22 @@ protected:
 
 } // namespace
 
+TEST_F(ProgramGameMenu, AClickBesideItLeavesItTheKeys) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(OpenByKey(application, *program));
+    PointAt(5, 5, true);
+    PointAt(5, 5, false);
+    ASSERT_TRUE(application.Round());
+    ASSERT_TRUE(application.Round());
+    ASSERT_NE(program->Overlay().Menu(), nullptr);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_EQ(program->Overlay().Menu(), nullptr);
+}
+
 TEST_F(ProgramGameMenu, KeysAloneShowTheSetFullScreenAndResetItsMachine) {
     Application application;
     ProgramScreen* const program = Open(application);

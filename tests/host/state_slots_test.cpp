@@ -115,8 +115,10 @@ TEST_F(Slots, LoadingBringsTheStateBackAndCanBeUndoneAndDoneAgain) {
     const Bytes later = StateOf(*session);
     session->showStatic = 1;
 
-    ASSERT_TRUE(LoadFromSlot(*session, 1, {2000, 90}, text)) << text;
+    bool undoable = false;
+    ASSERT_TRUE(LoadFromSlot(*session, 1, {2000, 90}, text, &undoable)) << text;
     EXPECT_EQ(text, "Loaded slot 1");
+    EXPECT_TRUE(undoable);
     EXPECT_EQ(StateOf(*session), saved);
     EXPECT_EQ(session->showStatic, 0);
     EXPECT_TRUE(ListSlots(Folder()).hasLoadBefore);
@@ -242,7 +244,9 @@ TEST_F(Slots, AFullDiskLeavesTheSlotAsItWas) {
     EXPECT_EQ(StateIn("slot-01.state"), first);
     {
         const FullDisk full(100);
-        EXPECT_TRUE(LoadFromSlot(*session, 1, {}, text)) << "that needs no room";
+        bool undoable = true;
+        EXPECT_TRUE(LoadFromSlot(*session, 1, {}, text, &undoable)) << "that needs no room";
+        EXPECT_FALSE(undoable);
     }
     EXPECT_THAT(text, HasSubstr("It cannot be undone"));
     EXPECT_EQ(StateOf(*session), first);

@@ -29,6 +29,13 @@ COMMAND AddPlay(CLI::App& app) {
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     command->add_option("--bios", play->bios, "A console BIOS")->type_name("FILE");
+    CLI::Option* const patch =
+        command
+            ->add_option("--patch", play->patch,
+                         "An IPS, UPS or BPS patch, if not the one of the game's name beside it")
+            ->type_name("FILE");
+    command->add_flag("--no-patch", play->noPatch, "Leave the patch beside the game alone")
+        ->excludes(patch);
     command->add_flag("--headless", play->headless,
                       "No window, no device, no pacing, no autosave, no .sav");
     command->add_option("--frames", play->frames, "Stop after N frames")->type_name("N");

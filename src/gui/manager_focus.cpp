@@ -20,7 +20,7 @@ bool CGhostManager::SetFocus(GHOSTMANAGER_WINDOW* window) {
     return true;
 }
 
-// What lies behind a message box must not take its keys: it has the focus when the input comes back to it.
+// A window behind a message box must not take the keys from it. It gets the focus when the box has closed.
 void CGhostManager::FocusLater(const GHOSTMANAGER_WINDOW& window) {
     for (auto taker = takers.rbegin(); taker != takers.rend(); ++taker) {
         const GHOSTMANAGER_WINDOW* const before = WithId(taker->modal);

@@ -8,6 +8,7 @@
 //     load.before.state      what was played before a slot was loaded
 //     slot-03.new.state      a new one on its way to the slot
 //     slot-03.swap.state     one on its way out, while the slot and the one before it change places
+//     slots.lock             while a program is at work here: another one waits, and after three seconds refuses
 //
 // A slot is never without its old or its new content, whenever the program ends: what was begun is brought to an
 // end with the next access. What is in a slot that cannot be read or loaded stays there.

@@ -345,7 +345,7 @@ void CGUIRomBrowser::MakePanel(uint16_t system) {
     ShowKeys();
 }
 
-// In the last row of the options, beside what is in it.
+// The keys of the machine share the last row of its options, and begin right of the controls there.
 void CGUIRomBrowser::ShowKeys() {
     const uint16_t system = catalogue.System();
     const int32_t x = options == nullptr              ? 0

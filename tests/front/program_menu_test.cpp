@@ -15,10 +15,6 @@ using testing::HasSubstr;
 namespace {
 
 // Buttons of kController's raw device.
-constexpr int kSouth = 0;
-constexpr int kGuide = 5;
-constexpr int kStart = 6;
-constexpr int kDown = 12;
 
 // Entries of the menu of a game.
 constexpr size_t kMainMenu = 1;
@@ -30,7 +26,7 @@ protected:
     void SetUp() override {
         ProgramTest::SetUp();
         // A window off the screen never has the focus, without which the library drops a joystick's events.
-        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+        HearControllersInBackground();
     }
     void TearDown() override {
         pad.reset();

@@ -81,7 +81,7 @@ protected:
     static OPENED_GAME Opened(const std::string& name) {
         OPENED_GAME opened;
         std::string error;
-        EXPECT_TRUE(OpenForPlaying(name, nullptr, opened, error)) << error;
+        EXPECT_TRUE(OpenForPlaying(name, {}, opened, error)) << error;
         return opened;
     }
 

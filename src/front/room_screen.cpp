@@ -349,7 +349,13 @@ void RoomScreen::ChooseSet(const HANDS& hands) {
         visited = 0;
     }
     const CRoomObject* const set = objects.Find(visited);
-    selected = set != nullptr ? LookedAtSet(*set) : LookAt(objects, camera);
+    Select(set != nullptr ? LookedAtSet(*set) : LookAt(objects, camera));
+}
+
+// A set whose game still starts counts as on: a second click on START GAME must not lead away from it.
+void RoomScreen::Select(const LOOKED_AT& set) {
+    selected = set;
+    selected.on = selected.on || games.GunsOn(selected.id) != nullptr;
 }
 
 void RoomScreen::VisitSet(int step) {
@@ -485,8 +491,7 @@ void RoomScreen::Face(uint32_t key) {
         const STANDPOINT point = StandpointBefore(*set);
         StandAt(point.from, point.at);
     }
-    selected = LookedAtSet(*set);
-    selected.on = selected.on || games.GunsOn(key) != nullptr; // it may start
+    Select(LookedAtSet(*set));
 }
 
 // In the resume file of the game that he plays: when it goes on he is there again.

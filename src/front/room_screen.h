@@ -145,6 +145,7 @@ private:
     void Act(const HANDS& hands);
     void Use();
     void NotePointer(const SCREEN_INPUT& input, bool padUsed);
+    void Select(const LOOKED_AT& set);
     void StopSelected();
     void FitMode();
     bool ShowFullScreen(uint32_t key);

@@ -8,9 +8,11 @@
 #include "screens/options.h"
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 
@@ -133,6 +135,27 @@ TEST_F(ProgramScreenTest, LettersFindAGameAndFMakesItAFavourite) {
     Type("f");
     ASSERT_TRUE(application.Round());
     EXPECT_EQ(browser.Filters().Name()->Text(), L"f");
+}
+
+// The game's start waits for its saves, which are a pipe here.
+TEST_F(ProgramScreenTest, ASecondClickOnStartDoesNotLeadAwayFromTheGame) {
+    const std::filesystem::path pipe = folder.Path() / "sms" / "saves" / "luciole.zip";
+    std::filesystem::create_directories(pipe.parent_path());
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    ASSERT_TRUE(ClickOn(application, program->Menu().Browser()->StartButton()));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
+    PointAt(320, 60, true);
+    PointAt(320, 60, false);
+    for (int rounds = 0; rounds < 3; ++rounds) {
+        EXPECT_TRUE(application.Round());
+    }
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
+    std::ofstream(pipe).close();
+    std::filesystem::remove(pipe);
 }
 
 TEST_F(ProgramScreenTest, EscapeWalksAndStandsAgain) {

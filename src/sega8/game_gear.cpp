@@ -430,7 +430,7 @@ StateBlob CGAMEGEAR::SaveState(uint32_t& size) {
     const auto sound = {&std::as_const(consoles[0].sound), &std::as_const(consoles[1].sound)};
     size = StatePieceSize(board) + 2 * (Z80StateSize() + VdpStateSize() + PsgStateSize()) +
            SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     for (const GEAR_CONSOLE& console : consoles) {
         out = Z80SaveState(console.z80, out);
@@ -482,6 +482,14 @@ bool CGAMEGEAR::Peek(uint32_t address, uint8_t& value) const {
     }
     value = Peek(static_cast<uint16_t>(address));
     return true;
+}
+
+std::vector<uint8_t> CGAMEGEAR::BatteryContents() const {
+    return SegaBattery(consoles[0].memory);
+}
+
+bool CGAMEGEAR::SetBatteryContents(std::span<const uint8_t> bytes) {
+    return SetSegaBattery(consoles[0].memory, bytes);
 }
 
 std::vector<uint8_t> CGAMEGEAR::Dump(std::string_view region) const {

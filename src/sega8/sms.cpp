@@ -323,7 +323,7 @@ StateBlob CSMS::SaveState(uint32_t& size) {
     const auto sound = {&std::as_const(psgSound), &std::as_const(fmSound)};
     size = StatePieceSize(board) + Z80StateSize() + VdpStateSize() + PsgStateSize() +
            YmStateSize() + SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = Z80SaveState(z80, out);
     out = VdpSaveState(vdp, out);
@@ -366,6 +366,14 @@ bool CSMS::Peek(uint32_t address, uint8_t& value) const {
     }
     value = Peek(static_cast<uint16_t>(address));
     return true;
+}
+
+std::vector<uint8_t> CSMS::BatteryContents() const {
+    return SegaBattery(memory);
+}
+
+bool CSMS::SetBatteryContents(std::span<const uint8_t> bytes) {
+    return SetSegaBattery(memory, bytes);
 }
 
 std::vector<uint8_t> CSMS::Dump(std::string_view region) const {

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "facts/sms_facts.h"
+#include "machine/battery.h"
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
@@ -28,7 +29,7 @@
 
 struct SMS_BUS;
 
-class CSMS : public CEmuSystem, public CInspection {
+class CSMS : public CEmuSystem, public CInspection, public CBattery {
 public:
     explicit CSMS(uint32_t sessionKeyValue);
 
@@ -53,6 +54,10 @@ public:
     [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
     [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
+
+    // The RAM of the cartridge. No image says whether it has any, and what no game has written is zero.
+    [[nodiscard]] std::vector<uint8_t> BatteryContents() const override;
+    [[nodiscard]] bool SetBatteryContents(std::span<const uint8_t> bytes) override;
 
 private:
     friend struct MACHINE_FIELDS; // of the tests: every field of a state

@@ -408,7 +408,7 @@ StateBlob CSEGAE::SaveState(uint32_t& size) {
     const auto sound = {&std::as_const(sound1), &std::as_const(sound2)};
     size = StatePieceSize(board) + Z80StateSize() + 2 * VdpStateSize() + 2 * PsgStateSize() +
            SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = Z80SaveState(z80, out);
     out = VdpSaveState(vdp1, out);

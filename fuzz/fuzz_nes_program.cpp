@@ -5,7 +5,9 @@
 
 #include "loops_fuzz.h"
 
+#include <algorithm>
 #include <array>
+#include <vector>
 
 namespace {
 

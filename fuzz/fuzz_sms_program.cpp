@@ -8,6 +8,7 @@
 #include "z80_program_fuzz.h"
 
 #include <array>
+#include <vector>
 
 namespace {
 

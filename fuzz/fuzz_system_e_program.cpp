@@ -6,6 +6,7 @@
 #include "z80_program_fuzz.h"
 
 #include <array>
+#include <vector>
 
 namespace {
 

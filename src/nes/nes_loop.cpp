@@ -10,6 +10,7 @@
 #include "nes/m6502_tick.h"
 #include "nes/nes_bus.h"
 #include "nes/ppu_plain.h"
+#include "nes/ppu_private.h"
 #include "nes/ppu_run.h"
 #include "nes/ppu_tick.h"
 

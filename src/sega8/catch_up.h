@@ -16,6 +16,7 @@
 #pragma once
 
 #include "sega8/sega_ports.h"
+#include "sega8/vdp.h"
 #include "sega8/vdp_run.h"
 
 #include <cstdint>

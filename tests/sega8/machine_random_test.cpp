@@ -8,6 +8,8 @@
 #include "support/machine_states.h"
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
 #include <memory>
 #include <ostream>
 #include <random>

@@ -6,10 +6,9 @@
 // piece, by 0x80 counted from the piece's end; two bytes of offset into it; two bytes of length; the bytes.
 //
 // Whatever the bytes, both frame loops must come to the same.
-#include "megadrive/mega_drive.h"
 #include "settings/settings.h"
 
-#include "machine_fuzz.h"
+#include "md_fuzz.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -27,60 +26,22 @@ constexpr uint8_t kFromTheEnd = 0x80;
 constexpr size_t kPatchHeader = 5;
 constexpr size_t kChipPieces = 7; // board, 68000, Z80, video, PSG, FM, cartridge; the sound follows
 
-struct CARTRIDGE {
-    std::string_view title;
-    std::string_view memory;
-    std::string_view product;
-};
-
-constexpr CARTRIDGE kCartridges[] = {
-    {"TEST",          "",   ""       },
-    {"TEST",          "RA", ""       },
-    {"TEST",          "RA", "MK-1215"},
-    {"TEST",          "RA", "T-81576"},
-    {"Virtua Racing", "",   ""       },
-};
-
-std::unique_ptr<CMegaDrive> Start(std::vector<uint8_t> image, uint8_t console) {
-    MD_OPTIONS options{};
-    options.console = console;
-    options.devices[1] = kMdDevice6Button;
-    options.ymVolume = 1.0F;
-    options.psgVolume = 1.25F;
-    return FuzzStart<CMegaDrive>(options, kSystemMegaDrive, std::move(image));
-}
-
-void PutWords(std::vector<uint8_t>& image, size_t at, std::initializer_list<uint16_t> words) {
-    for (const uint16_t word : words) {
-        image[at++] = static_cast<uint8_t>(word >> 8);
-        image[at++] = static_cast<uint8_t>(word & 0xFF);
-    }
-}
-
-void PutText(std::vector<uint8_t>& image, size_t at, std::string_view text) {
-    std::copy(text.begin(), text.end(), image.begin() + static_cast<std::ptrdiff_t>(at));
-}
-
 // Vectors, the header, and the routines of the interrupts.
-void PutFrame(std::vector<uint8_t>& image, const CARTRIDGE& cartridge) {
-    PutWords(image, 0, {0x00FF, 0xFF00, 0x0000, 0x0200}); // stack and start
+void PutFrame(std::vector<uint8_t>& image, const MD_FUZZ_CARTRIDGE& cartridge) {
+    MdFuzzPutWords(image, 0, {0x00FF, 0xFF00, 0x0000, 0x0200}); // stack and start
     for (size_t vector = 8; vector < 0x100; vector += 4) {
-        PutWords(image, vector, {0x0000, 0x0500});
+        MdFuzzPutWords(image, vector, {0x0000, 0x0500});
     }
-    PutWords(image, 0x70, {0x0000, 0x0400});
-    PutWords(image, 0x78, {0x0000, 0x0440});
-    std::fill(image.begin() + 0x100, image.begin() + 0x200, uint8_t{' '});
-    PutText(image, 0x100, "SEGA MEGA DRIVE");
-    PutText(image, 0x150, cartridge.title);
-    PutText(image, 0x182, cartridge.product);
-    PutText(image, 0x1B0, cartridge.memory);
-    PutWords(image, 0x1B4, {0x0020, 0x0000, 0x0020, 0xFFFF});
+    MdFuzzPutWords(image, 0x70, {0x0000, 0x0400});
+    MdFuzzPutWords(image, 0x78, {0x0000, 0x0440});
+    MdFuzzPutHeader(image, cartridge);
     // In the line: another backdrop. In the blank: 64 words of the image into video memory.
-    PutWords(image, 0x400, {0x33FC, 0x8725, 0x00C0, 0x0004, 0x4E73});
-    PutWords(image, 0x440, {0x33FC, 0x9340, 0x00C0, 0x0004, 0x33FC, 0x9400, 0x00C0, 0x0004, 0x33FC,
-                            0x9500, 0x00C0, 0x0004, 0x33FC, 0x9608, 0x00C0, 0x0004, 0x33FC, 0x9700,
-                            0x00C0, 0x0004, 0x23FC, 0x4000, 0x0080, 0x00C0, 0x0004, 0x4E73});
-    PutWords(image, 0x500, {0x4E73});
+    MdFuzzPutWords(image, 0x400, {0x33FC, 0x8725, 0x00C0, 0x0004, 0x4E73});
+    MdFuzzPutWords(image, 0x440,
+                   {0x33FC, 0x9340, 0x00C0, 0x0004, 0x33FC, 0x9400, 0x00C0, 0x0004, 0x33FC,
+                    0x9500, 0x00C0, 0x0004, 0x33FC, 0x9608, 0x00C0, 0x0004, 0x33FC, 0x9700,
+                    0x00C0, 0x0004, 0x23FC, 0x4000, 0x0080, 0x00C0, 0x0004, 0x4E73});
+    MdFuzzPutWords(image, 0x500, {0x4E73});
 }
 
 // Shows the picture with both interrupts on, has the Z80 play the FM chip and reach through its window, and writes
@@ -90,27 +51,27 @@ void PutProgram(std::vector<uint8_t>& image) {
                                        0x8B03, 0x8C89, 0x8D2E, 0x8F02, 0x9011, 0x9185, 0x9206};
     size_t at = 0x200;
     for (const uint16_t value : kRegisters) {
-        PutWords(image, at, {0x33FC, value, 0x00C0, 0x0004}); // move.w #value,control
+        MdFuzzPutWords(image, at, {0x33FC, value, 0x00C0, 0x0004}); // move.w #value,control
         at += 8;
     }
-    PutWords(image, at,
-             {0x33FC, 0x0100, 0x00A1, 0x1100, 0x33FC, 0x0100, 0x00A1, 0x1200, // Z80's bus
-              0x41F9, 0x0000, 0x0700, 0x43F9, 0x00A0, 0x0000,                 // lea, lea
-              0x303C, 0x003F, 0x12D8, 0x51C8, 0xFFFC,                         // copies 64 bytes
-              0x33FC, 0x0000, 0x00A1, 0x1200, 0x33FC, 0x0100, 0x00A1, 0x1200, // starts it
-              0x33FC, 0x0000, 0x00A1, 0x1100,                                 //
-              0x46FC, 0x2300, 0x2E3C, 0x1234, 0x5678,                         // sr; d7
-              0x2007, 0xE798, 0xB187, 0x0687, 0x3C6E, 0xF35F, // loop: the next random number
-              0x33C7, 0x00FF, 0x1000, 0x33C7, 0x0020, 0x0100, 0x13C7, 0x0020, 0x0001,
-              0x33C7, 0x00A1, 0x5000, 0x3439, 0x00A1, 0x5004, 0x3439, 0x0020, 0x0000,
-              0x33C7, 0x00C0, 0x0000, 0x3439, 0x00C0, 0x0004, 0x60C2}); // bra loop
+    MdFuzzPutWords(image, at,
+                   {0x33FC, 0x0100, 0x00A1, 0x1100, 0x33FC, 0x0100, 0x00A1, 0x1200, // Z80's bus
+                    0x41F9, 0x0000, 0x0700, 0x43F9, 0x00A0, 0x0000,                 // lea, lea
+                    0x303C, 0x003F, 0x12D8, 0x51C8, 0xFFFC, // copies 64 bytes
+                    0x33FC, 0x0000, 0x00A1, 0x1200, 0x33FC, 0x0100, 0x00A1, 0x1200, // starts it
+                    0x33FC, 0x0000, 0x00A1, 0x1100,                                 //
+                    0x46FC, 0x2300, 0x2E3C, 0x1234, 0x5678,                         // sr; d7
+                    0x2007, 0xE798, 0xB187, 0x0687, 0x3C6E, 0xF35F, // loop: the next random number
+                    0x33C7, 0x00FF, 0x1000, 0x33C7, 0x0020, 0x0100, 0x13C7, 0x0020, 0x0001,
+                    0x33C7, 0x00A1, 0x5000, 0x3439, 0x00A1, 0x5004, 0x3439, 0x0020, 0x0000,
+                    0x33C7, 0x00C0, 0x0000, 0x3439, 0x00C0, 0x0004, 0x60C2}); // bra loop
     // di; ld sp; loop: inc a; ld (4000),a; ld (4001),a; ld (7F11),a; ld (6000),a; ld a,(8000); jr loop
     const uint8_t z80[] = {0xF3, 0x31, 0x00, 0x1F, 0x3C, 0x32, 0x00, 0x40, 0x32, 0x01, 0x40,
                            0x32, 0x11, 0x7F, 0x32, 0x00, 0x60, 0x3A, 0x00, 0x80, 0x18, 0xEE};
     std::copy(std::begin(z80), std::end(z80), image.begin() + 0x700);
 }
 
-FUZZ_PLAYER StartCartridge(const CARTRIDGE& cartridge, uint8_t console) {
+FUZZ_PLAYER StartCartridge(const MD_FUZZ_CARTRIDGE& cartridge, uint8_t console) {
     // Noise after the program: a picture, and code for the signal processor.
     std::vector<uint8_t> image(0x10000);
     std::mt19937 random(3);
@@ -119,14 +80,14 @@ FUZZ_PLAYER StartCartridge(const CARTRIDGE& cartridge, uint8_t console) {
     }
     PutFrame(image, cartridge);
     PutProgram(image);
-    return FuzzPlayer(Start(std::move(image), console), 3);
+    return FuzzPlayer(MdFuzzStart(std::move(image), console), 3);
 }
 
 std::vector<FUZZ_PLAYER> StartAll() {
     RegisterDefaultSettings(Settings());
     MdBuildTables();
     std::vector<FUZZ_PLAYER> players;
-    for (const CARTRIDGE& cartridge : kCartridges) {
+    for (const MD_FUZZ_CARTRIDGE& cartridge : kMdFuzzCartridges) {
         players.push_back(StartCartridge(cartridge, kMdConsoleGenesis));
         players.push_back(StartCartridge(cartridge, kMdConsolePal));
     }
@@ -134,7 +95,7 @@ std::vector<FUZZ_PLAYER> StartAll() {
 }
 
 std::vector<uint8_t> RunImage(const std::vector<uint8_t>& image, uint8_t console, bool plain) {
-    const auto machine = Start(image, console);
+    const auto machine = MdFuzzStart(image, console);
     if (!machine) {
         return {};
     }

@@ -47,19 +47,37 @@ std::unique_ptr<Machine> FuzzStart(const Options& options, uint16_t system,
     return machine->Init(&options, games) ? std::move(machine) : nullptr;
 }
 
-inline void FuzzRunFrame(CEmuSystem& machine) {
+// What a frame has put out.
+struct FUZZ_FRAME {
+    std::vector<uint32_t> pixels;
+    std::vector<int16_t> samples;
+    uint32_t width = 0;
+    uint32_t height = 0;
+    bool operator==(const FUZZ_FRAME&) const = default;
+};
+
+inline FUZZ_FRAME FuzzFrame(CEmuSystem& machine) {
     // Exactly what the host allocates, so that the sanitizer sees a write after it.
-    const auto pixels = std::make_unique<uint32_t[]>(size_t{machine.width} * machine.height);
-    const auto samples = std::make_unique<int16_t[]>(size_t{kAudioFramePairs} * 2);
+    FUZZ_FRAME frame;
+    frame.pixels.resize(size_t{machine.width} * machine.height);
+    frame.samples.resize(size_t{kAudioFramePairs} * 2);
     EMU_VIDEO_FRAME video{};
-    video.pixels = pixels.get();
+    video.pixels = frame.pixels.data();
     EMU_AUDIO_FRAME audio{};
-    audio.samples = samples.get();
+    audio.samples = frame.samples.data();
     audio.sampleRate = 44100;
     EMU_INPUT_STATE input{};
     machine.RunFrame(&input, &video, &audio);
     FuzzRequire(video.width <= machine.width && video.height <= machine.height &&
                 audio.sampleCount <= kAudioFramePairs);
+    frame.samples.resize(size_t{audio.sampleCount} * 2);
+    frame.width = video.width;
+    frame.height = video.height;
+    return frame;
+}
+
+inline void FuzzRunFrame(CEmuSystem& machine) {
+    static_cast<void>(FuzzFrame(machine));
 }
 
 inline std::vector<uint8_t> FuzzSave(CEmuSystem& machine) {

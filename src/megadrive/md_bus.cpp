@@ -336,6 +336,7 @@ void WriteRamByte(MEGA_DRIVE& md, uint32_t address, uint32_t value) {
 
 uint32_t MdReadByte(void* owner, uint32_t address) {
     MEGA_DRIVE& md = Machine(owner);
+    ++md.m68kBusReads;
     address &= kMdAddressMask;
     if (const auto handler = md.cartridge.readByte[address >> 16]; handler != nullptr) {
         return handler(md.cartridge, address);
@@ -345,6 +346,7 @@ uint32_t MdReadByte(void* owner, uint32_t address) {
 
 uint32_t MdReadWord(void* owner, uint32_t address) {
     MEGA_DRIVE& md = Machine(owner);
+    ++md.m68kBusReads;
     address &= kMdAddressMask;
     if (const auto handler = md.cartridge.readWord[address >> 16]; handler != nullptr) {
         return handler(md.cartridge, address);

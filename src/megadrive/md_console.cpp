@@ -72,6 +72,14 @@ void ConnectZ80(MEGA_DRIVE& md) {
         });
 }
 
+void ForgetOwed(MEGA_DRIVE& md) {
+    md.vdpOwed = 0;
+    md.fmOwed = 0;
+    md.psgOwed = 0;
+    md.vdpToEvent = 0;
+    md.z80Deadline = kMdZ80Clocks; // the Z80 isn't ahead
+}
+
 } // namespace
 
 void MdConnect(MEGA_DRIVE& md) {
@@ -106,9 +114,7 @@ void MdReset(MEGA_DRIVE& md) {
     MdVdpReset(md.vdp);
     PsgReset(md.psg);
     md.z80Clock = 0;
-    md.vdpOwed = 0;
-    md.fmOwed = 0;
-    md.psgOwed = 0;
+    ForgetOwed(md);
     MdIoReset(md.io);
     Z80Reset(md.z80);
     md.m68kBusCycles = 0;
@@ -118,9 +124,7 @@ void MdReset(MEGA_DRIVE& md) {
 
 void MdSanitize(MEGA_DRIVE& md) {
     constexpr int32_t kMostDebt = 1 << 20; // master clocks; far more than any instruction takes
-    md.vdpOwed = 0;
-    md.fmOwed = 0;
-    md.vdpToEvent = 0;
+    ForgetOwed(md);
     md.openBusRead = false;
     md.z80HandingOver = false;
     md.z80Clock = std::clamp(md.z80Clock, -kMostDebt, kMostDebt);

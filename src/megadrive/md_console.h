@@ -20,6 +20,7 @@
 #include "megadrive/ym2612.h"
 #include "sega8/psg.h"
 #include "sega8/z80.h"
+#include "sega8/z80_idle.h"
 
 #include <array>
 #include <cstddef>
@@ -49,6 +50,8 @@ struct MD_Z80_AHEAD {
     uint32_t clocks = 0; // of which it is ahead of `start`
     uint32_t writes = 0;
     std::array<WRITE, kMdZ80MostAhead> log; // at most one write a clock
+    Z80IdleLoop idle;
+    uint32_t effects = 0; // what makes a round of a loop unlike the one before; wraps
 };
 
 struct MEGA_DRIVE {
@@ -67,6 +70,7 @@ struct MEGA_DRIVE {
     bool plainLoop = false;            // the plain loop, which runs every chip in every cycle
 
     uint32_t m68kBusCycles = 0;  // since the reset; wraps, so only differences count
+    uint32_t m68kBusReads = 0;   // of anything but plain memory; wraps, not saved
     int32_t z80Clock = 0;        // master clocks owed to Z80 and PSG
     uint32_t z80Bank = 0;        // base of the Z80's window, a multiple of 0x8000 below 0x1000000
     bool openBusRead = false;    // an undriven read is looking up the word at the program counter

@@ -4,6 +4,7 @@
 // FM chip and VDP in this order. The fast loop has the same results. In it VDP, FM chip and PSG owe their clocks
 // and catch up when one of their addresses is accessed, or when the VDP comes to an event that drives a line
 // or reads memory. The Z80 runs ahead instead, as far as nobody can see it (md_z80_ahead.h).
+#include "megadrive/m68000_idle.h"
 #include "megadrive/m68000_tick.h"
 #include "megadrive/md_bus.h"
 #include "megadrive/md_vdp_tick.h"
@@ -160,6 +161,70 @@ uint32_t RunZ80(MEGA_DRIVE& md, uint32_t cycles) {
     MdRunZ80Ahead(md);
 }
 
+// Whether these cycles of the 68000 end before the Z80 or the VDP does something that others see.
+bool IsQuiet(const MEGA_DRIVE& md, uint32_t cycles) {
+    return md.z80Clock < md.z80Deadline && md.vdpOwed + cycles < md.vdpToEvent;
+}
+
+// Counts rounds of the 68000 that are all like the last one, up to the next event.
+void SkipRounds(MEGA_DRIVE& md, uint32_t cycles, uint32_t spent) {
+    const int32_t z80Clocks = md.z80Deadline - 1 - md.z80Clock;
+    const uint32_t vdpCycles = md.vdpToEvent - std::min(md.vdpToEvent, md.vdpOwed + 1);
+    const uint32_t quiet =
+        std::min(static_cast<uint32_t>(std::max(z80Clocks, 0)) / kMdCycleClocks, vdpCycles);
+    const uint32_t rounds = quiet / cycles;
+    md.cpu.cyclesLeft =
+        static_cast<int32_t>(static_cast<uint32_t>(md.cpu.cyclesLeft) - rounds * spent);
+    md.m68kBusCycles += rounds * cycles;
+    md.z80Clock += static_cast<int32_t>(rounds * cycles * kMdCycleClocks);
+    md.vdpOwed += rounds * cycles;
+    md.fmOwed += rounds * cycles;
+}
+
+// After an event: skips a 68000 that is stopped, or that only reads memory in a short loop. Two rounds that begin
+// alike are equal, and so is every round up to the next event, since nobody else writes memory before. A word that
+// is read through the bus may be a chip's, so it counts as no memory.
+[[gnu::noinline]] void SkipIdle(MEGA_DRIVE& md, uint32_t& freeInstructions) {
+    constexpr uint32_t kMostInstructions = 12; // of two rounds
+    M68K_STATE& cpu = md.cpu;
+    if (cpu.stopped != 0) {
+        SkipRounds(md, kM68kStoppedClocks, 0);
+        freeInstructions = 0;
+        return;
+    }
+    if (!M68kMayWait(cpu)) {
+        return;
+    }
+    const uint32_t start = cpu.pc;
+    const uint32_t reads = md.m68kBusReads;
+    uint32_t cycles = 0;
+    auto left = static_cast<uint32_t>(cpu.cyclesLeft);
+    M68kMoment last(cpu);
+    for (uint32_t i = 0; i < kMostInstructions; ++i) {
+        const uint32_t ran = RunInstruction<false>(md, freeInstructions);
+        if (!IsQuiet(md, ran)) {
+            RunCycles(md, ran);
+            return;
+        }
+        md.vdpOwed += ran;
+        md.fmOwed += ran;
+        cycles += ran;
+        if (!M68kMayWait(cpu) || md.m68kBusReads != reads) {
+            return;
+        }
+        if (cpu.pc != start) {
+            continue;
+        }
+        if (cycles != 0 && last.IsAlike(cpu)) {
+            SkipRounds(md, cycles, left - static_cast<uint32_t>(cpu.cyclesLeft));
+            return;
+        }
+        last = M68kMoment(cpu);
+        left = static_cast<uint32_t>(cpu.cyclesLeft);
+        cycles = 0;
+    }
+}
+
 template <bool svp>
 void RunFrameFast(MEGA_DRIVE& md) {
     uint32_t freeInstructions = 0;
@@ -167,11 +232,14 @@ void RunFrameFast(MEGA_DRIVE& md) {
     CatchUpToEvent(md);
     while (md.vdp.frameDone == 0) {
         const uint32_t cycles = RunInstruction<svp>(md, freeInstructions);
-        if (md.z80Clock < md.z80Deadline && md.vdpOwed + cycles < md.vdpToEvent) [[likely]] {
+        if (IsQuiet(md, cycles)) [[likely]] {
             md.vdpOwed += cycles;
             md.fmOwed += cycles;
-        } else {
-            RunCycles(md, cycles);
+            continue;
+        }
+        RunCycles(md, cycles);
+        if (!svp && md.vdp.frameDone == 0) {
+            SkipIdle(md, freeInstructions);
         }
     }
     MdCatchUpZ80(md);

@@ -3,6 +3,7 @@
 #include "machine/emu_system.h"
 #include "megadrive/md_vdp_colours.h"
 #include "megadrive/md_vdp_private.h"
+#include "megadrive/md_vdp_wide.h"
 
 #include <algorithm>
 #include <cstring>
@@ -195,6 +196,7 @@ void MdVdpReset(MD_VDP& vdp) {
     vdp.tvMode = tvMode;
     vdp.totalLines = tvMode == kMdVdp50Hz ? 313 : 262;
     vdp.svpDmaQuirk = quirk;
+    vdp.wide = MdVdpHasWide() ? 1 : 0;
     vdp.rowOffset = kMdVdpNoRow;
     vdp.colourTables = ColourTables();
     vdp.layerBuffers = {vdp.backdropLine.data(), vdp.planeBLine.data(), vdp.planeALine.data(),

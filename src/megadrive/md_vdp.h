@@ -129,6 +129,7 @@ struct MD_VDP {
     uint32_t shadowMode;          // 0 or 1
     uint32_t totalLines;          // 262 or 313
     uint32_t blanked;             // 1 with the display off and on lines that show no picture
+    uint32_t wide;                // 1 on a processor with vectors of 32 bytes (md_vdp_wide.h)
     uint32_t* pixels;             // the picture being drawn; null draws nothing
     uint32_t* rowOut;             // row being written, or null
     uint32_t rowOffset;           // offset of rowOut in the picture, in pixels, or kMdVdpNoRow

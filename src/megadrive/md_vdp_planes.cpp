@@ -1,4 +1,5 @@
 #include "megadrive/md_vdp_private.h"
+#include "megadrive/md_vdp_wide.h"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,7 @@ constexpr uint32_t kCell = 8;        // pixels across
 constexpr uint32_t kLastCellX = 320; // the last place where a whole cell fits into a line buffer
 constexpr uint32_t kHighLayer = 4;   // from the low to the high layer of a plane
 constexpr uint32_t kScrollBits = 0x3FF;
+constexpr uint32_t kAttributes = kMdVdpPriority | kMdVdpPalette | kMdVdpFlipY | kMdVdpFlipX;
 
 struct Cell {
     uint32_t word;    // of the name table
@@ -108,10 +110,10 @@ void MarkWindow(MD_VDP& vdp) {
                             ? vdp.line >= edge && vdp.line < vdp.activeHeight
                             : vdp.line < edge;
     const bool rightOf = (across & kMdVdpWindowFar) != 0;
-    for (uint32_t column = 0; column < vdp.windowColumn.size(); ++column) {
-        const bool inColumns = rightOf ? column >= columns : column < columns;
-        vdp.windowColumn[column] = inRows || inColumns ? 1 : 0;
-    }
+    const auto edgeColumn =
+        vdp.windowColumn.begin() + std::min<size_t>(columns, vdp.windowColumn.size());
+    std::fill(vdp.windowColumn.begin(), edgeColumn, inRows || !rightOf ? 1 : 0);
+    std::fill(edgeColumn, vdp.windowColumn.end(), inRows || rightOf ? 1 : 0);
 }
 
 // Sets where a plane's fetches start. Returns true if fine scroll leaves a part of a cell at the left edge;
@@ -166,31 +168,127 @@ void RefreshPairs(MD_VDP& vdp) {
     }
 }
 
-// DrawPixels for a whole cell, with all eight layer codes at once.
-[[gnu::always_inline]] inline void DrawWhole(MD_VDP& vdp, uint16_t* line, uint32_t low,
-                                             uint32_t word, uint32_t pattern, uint32_t x) {
-    const uint64_t high = word / kMdVdpPriority;
-    if (high != 0) {
-        std::memcpy(&vdp.lineFlags[x], &kEachByte, sizeof kEachByte);
+// DrawPixels for whole cells, with all eight layer codes at once.
+struct PlainCells {
+    explicit PlainCells(MD_VDP& vdpValue)
+        : vdp(vdpValue) {
+        RefreshPairs(vdp);
     }
-    if (pattern == 0) {
-        return;
+
+    // `pattern` as it is in VRAM.
+    [[gnu::always_inline]] void Draw(const Layer& layer, uint32_t word, uint32_t pattern,
+                                     uint32_t x) const {
+        const uint64_t high = word / kMdVdpPriority;
+        if (high != 0) {
+            std::memcpy(&vdp.lineFlags[x], &kEachByte, sizeof kEachByte);
+        }
+        if (pattern == 0) {
+            return;
+        }
+        if ((word & kMdVdpFlipX) != 0) {
+            pattern = MdVdpMirror(pattern);
+        }
+        const uint64_t opaque = (SpreadPixels(pattern) + kEachByte * 0x7F) >> 7 & kEachByte;
+        const uint64_t raised = opaque * (layer.low + high * kHighLayer);
+        uint64_t codes = 0;
+        std::memcpy(&codes, &vdp.layerCode[x], sizeof codes);
+        // Codes are below 0x80, so with bit 7 set no byte borrows from the next, and bit 7 stays set where
+        // the old code is at least as large as the new one.
+        const uint64_t stays = (((codes | kEachByte * 0x80) - raised) >> 7 & kEachByte) * 0xFF;
+        codes = (codes & stays) | (raised & ~stays);
+        std::memcpy(&vdp.layerCode[x], &codes, sizeof codes);
+        const auto& pairs = vdp.pairs[MdVdpPaletteOf(word) / 16];
+        for (uint32_t i = 0; i < kCell / 2; ++i) {
+            std::memcpy(&layer.line[x + size_t{i} * 2],
+                        pairs[pattern >> (24 - 8 * i) & 0xFF].data(), sizeof pairs[0]);
+        }
     }
-    const uint64_t opaque = (SpreadPixels(pattern) + kEachByte * 0x7F) >> 7 & kEachByte;
-    const uint64_t raised = opaque * (low + high * kHighLayer);
-    uint64_t codes = 0;
-    std::memcpy(&codes, &vdp.layerCode[x], sizeof codes);
-    // Codes are below 0x80, so with bit 7 set no byte borrows from the next, and bit 7 stays set where the
-    // old code is at least as large as the new one.
-    const uint64_t stays = (((codes | kEachByte * 0x80) - raised) >> 7 & kEachByte) * 0xFF;
-    codes = (codes & stays) | (raised & ~stays);
-    std::memcpy(&vdp.layerCode[x], &codes, sizeof codes);
-    const auto& pairs = vdp.pairs[MdVdpPaletteOf(word) / 16];
-    for (uint32_t i = 0; i < kCell / 2; ++i) {
-        std::memcpy(line + x + size_t{i} * 2, pairs[pattern >> (24 - 8 * i) & 0xFF].data(),
-                    sizeof pairs[0]);
+
+    template <typename PatternOf>
+    [[gnu::always_inline]] void DrawTwo(const Layer& layer, uint32_t left, uint32_t right,
+                                        PatternOf patternOf, uint32_t x) const {
+        Draw(layer, left, patternOf(left, left), x);
+        Draw(layer, right, patternOf(right, right), x + kCell);
     }
-}
+
+    MD_VDP& vdp;
+};
+
+#ifdef OMBRELUNE_MD_VDP_WIDE
+// The same with vectors.
+struct WideCells {
+    OMBRELUNE_MD_VDP_WIDE explicit WideCells(MD_VDP& vdpValue)
+        : vdp(vdpValue) {
+        for (uint32_t i = 0; i < 4; ++i) {
+            palettes[i] = md_vdp_wide::LoadPalette(&vdp.cram[size_t{i} * 16]);
+        }
+    }
+
+    OMBRELUNE_MD_VDP_WIDE void Draw(const Layer& layer, uint32_t word, uint32_t pattern,
+                                    uint32_t x) const {
+        const uint32_t high = word / kMdVdpPriority;
+        if (high != 0) {
+            std::memcpy(&vdp.lineFlags[x], &kEachByte, sizeof kEachByte);
+        }
+        if (pattern == 0) {
+            return;
+        }
+        const auto pixels = md_vdp_wide::Pixels(pattern, 0, IsMirrored(word));
+        const auto codes = md_vdp_wide::Load8(&vdp.layerCode[x]);
+        md_vdp_wide::Store8(&vdp.layerCode[x], _mm_max_epu8(codes, Raised(layer, high, pixels)));
+        md_vdp_wide::Store16(&layer.line[x], md_vdp_wide::Colours(PaletteOf(word), pixels));
+    }
+
+    // Two cells with the same palette, priority and mirroring are drawn together, unless one of them is empty.
+    template <typename PatternOf>
+    OMBRELUNE_MD_VDP_WIDE void DrawTwo(const Layer& layer, uint32_t left, uint32_t right,
+                                       PatternOf patternOf, uint32_t x) const {
+        if (((left ^ right) & kAttributes) != 0) {
+            Draw(layer, left, patternOf(left, left), x);
+            Draw(layer, right, patternOf(right, right), x + kCell);
+            return;
+        }
+        const uint32_t leftPattern = patternOf(left, left);
+        const uint32_t rightPattern = patternOf(right, left);
+        if ((leftPattern == 0) != (rightPattern == 0)) {
+            Draw(layer, left, leftPattern, x);
+            Draw(layer, right, rightPattern, x + kCell);
+            return;
+        }
+        const uint32_t high = left / kMdVdpPriority;
+        if (high != 0) {
+            md_vdp_wide::Store16(&vdp.lineFlags[x], _mm_set1_epi8(1));
+        }
+        if (leftPattern == 0) {
+            return;
+        }
+        const auto pixels = md_vdp_wide::Pixels(leftPattern, rightPattern, IsMirrored(left));
+        const auto codes = md_vdp_wide::Load16(&vdp.layerCode[x]);
+        md_vdp_wide::Store16(&vdp.layerCode[x], _mm_max_epu8(codes, Raised(layer, high, pixels)));
+        const auto& palette = PaletteOf(left);
+        md_vdp_wide::Store16(&layer.line[x], md_vdp_wide::Colours(palette, pixels));
+        md_vdp_wide::Store16(&layer.line[x + kCell], md_vdp_wide::OtherColours(palette, pixels));
+    }
+
+    [[nodiscard]] static uint32_t IsMirrored(uint32_t word) {
+        return (word & kMdVdpFlipX) != 0 ? 1 : 0;
+    }
+
+    // The layer codes of pixels; 0 where they are transparent.
+    OMBRELUNE_MD_VDP_WIDE static md_vdp_wide::Bytes Raised(const Layer& layer, uint32_t high,
+                                                           md_vdp_wide::Bytes pixels) {
+        const auto code = _mm_set1_epi8(static_cast<char>(layer.low + high * kHighLayer));
+        return _mm_andnot_si128(_mm_cmpeq_epi8(pixels, _mm_setzero_si128()), code);
+    }
+
+    [[nodiscard]] const md_vdp_wide::Palette& PaletteOf(uint32_t word) const {
+        return palettes[MdVdpPaletteOf(word) / 16];
+    }
+
+    MD_VDP& vdp;
+    md_vdp_wide::Palette palettes[4];
+};
+#endif
 
 // What the cells of a plane share in a line.
 struct PlaneRun {
@@ -201,53 +299,79 @@ struct PlaneRun {
     uint32_t x;     // of the first one
 };
 
-// FetchCell and DrawCell for a run of cells. The scroll of a whole plane is the same in all of them; `Scroll`
+// FetchCell and DrawCell for a run of cells. The scroll of a whole plane is the same in all of them; `scroll`
 // returns that of a pair of columns, counted from the first.
-template <bool ByColumn, typename Scroll>
-[[gnu::always_inline]] inline void DrawCells(MD_VDP& vdp, const Layer& layer, const PlaneRun& run,
-                                             Scroll scroll) {
-    const uint32_t doubled = vdp.interlace2;
-    const uint32_t rowBits = 3 + doubled;
-    const uint32_t lastRow = (kCell << doubled) - 1;
-    const uint32_t top = doubled != 0 ? vdp.line * 2 + vdp.field : vdp.line;
-    const uint32_t lastY = (vdp.planeHeight << rowBits) - 1;
+template <bool ByColumn, uint32_t kDoubled, typename Cells, typename Scroll>
+[[gnu::always_inline]] inline void DrawRun(const Cells& cells, const Layer& layer,
+                                           const PlaneRun& run, Scroll scroll) {
+    const MD_VDP& vdp = cells.vdp;
+    constexpr uint32_t kRowBits = 3 + kDoubled;
+    constexpr uint32_t kLastRow = (kCell << kDoubled) - 1;
+    const uint32_t top = kDoubled != 0 ? vdp.line * 2 + vdp.field : vdp.line;
+    const uint32_t lastY = (vdp.planeHeight << kRowBits) - 1;
     const uint32_t lastColumn = run.width - 1;
-    uint16_t* line = layer.line.data();
-    const uint32_t low = layer.low;
     uint32_t y = 0;
     uint32_t names = 0;
-    for (uint32_t i = 0; i < run.count; ++i) {
-        if (ByColumn ? i % 2 == 0 : i == 0) {
-            y = (top + (scroll(i / 2) & kScrollBits)) & lastY;
-            names = run.base + (y >> rowBits) * run.width * 2;
+    const auto findRow = [&](uint32_t pair) {
+        y = (top + (scroll(pair) & kScrollBits)) & lastY;
+        names = run.base + (y >> kRowBits) * run.width * 2;
+    };
+    const auto wordAt = [&](uint32_t i) {
+        return MdVdpVramWord(vdp, names + ((run.column + i) & lastColumn) * 2);
+    };
+    const auto patternOf = [&](uint32_t word, uint32_t attributes) {
+        const uint32_t row = ((attributes & kMdVdpFlipY) != 0 ? ~y : y) & kLastRow;
+        return MdVdpPattern(vdp, (word << (5 + kDoubled)) + row * 4);
+    };
+    findRow(0);
+    uint32_t i = 0;
+    for (; i + 1 < run.count; i += 2) {
+        if (ByColumn) {
+            findRow(i / 2);
         }
-        const uint32_t word = MdVdpVramWord(vdp, names + ((run.column + i) & lastColumn) * 2);
-        const uint32_t row = ((word & kMdVdpFlipY) != 0 ? ~y : y) & lastRow;
-        uint32_t pattern = MdVdpPattern(vdp, (word << (5 + doubled)) + row * 4);
-        if ((word & kMdVdpFlipX) != 0) {
-            pattern = MdVdpMirror(pattern);
+        cells.DrawTwo(layer, wordAt(i), wordAt(i + 1), patternOf, run.x + i * kCell);
+    }
+    if (i < run.count) {
+        if (ByColumn) {
+            findRow(i / 2);
         }
-        DrawWhole(vdp, line, low, word, pattern, run.x + i * kCell);
+        const uint32_t word = wordAt(i);
+        cells.Draw(layer, word, patternOf(word, word), run.x + i * kCell);
     }
 }
 
-void DrawPairs(MD_VDP& vdp, const Layer& layer, const PlaneRun& run, uint32_t plane) {
+template <bool ByColumn, typename Cells, typename Scroll>
+[[gnu::always_inline]] inline void DrawCells(const Cells& cells, const Layer& layer,
+                                             const PlaneRun& run, Scroll scroll) {
+    if (cells.vdp.interlace2 != 0) {
+        DrawRun<ByColumn, 1>(cells, layer, run, scroll);
+    } else {
+        DrawRun<ByColumn, 0>(cells, layer, run, scroll);
+    }
+}
+
+template <typename Cells>
+[[gnu::always_inline]] inline void DrawPairs(const Cells& cells, const Layer& layer,
+                                             const PlaneRun& run, uint32_t plane) {
+    const MD_VDP& vdp = cells.vdp;
     if ((vdp.regs[kMdVdpRegMode3] & kMdVdpReg11ColumnScroll) != 0) {
         const uint32_t pair = vdp.tileColumn / 2;
-        DrawCells<true>(vdp, layer, run,
+        DrawCells<true>(cells, layer, run,
                         [&](uint32_t i) { return vdp.vsram[((pair + i) * 2 + plane) & 63]; });
     } else {
-        DrawCells<false>(vdp, layer, run, [&](uint32_t) { return vdp.vsramLine[plane]; });
+        DrawCells<false>(cells, layer, run, [&](uint32_t) { return vdp.vsramLine[plane]; });
     }
 }
 
 // Plane A where the window is nowhere near. Fine scroll moves the cell of the last column out of the line, and
 // the part outside isn't drawn.
-void DrawPairsA(MD_VDP& vdp, uint32_t columns) {
+template <typename Cells>
+[[gnu::always_inline]] inline void DrawPairsA(const Cells& cells, uint32_t columns) {
+    MD_VDP& vdp = cells.vdp;
     const uint32_t shifted = vdp.planeAX % kCell;
     const bool cut = shifted != 0 && vdp.tileColumn + columns == vdp.windowColumn.size();
     DrawPairs(
-        vdp, {vdp.planeALine, kMdVdpPlaneALow},
+        cells, {vdp.planeALine, kMdVdpPlaneALow},
         {vdp.planeABase, vdp.planeWidth, vdp.planeAColumn, columns - (cut ? 1 : 0), vdp.planeAX},
         0);
     if (cut) {
@@ -261,7 +385,8 @@ void DrawPairsA(MD_VDP& vdp, uint32_t columns) {
 
 // Fetches of `columns` columns without the window or with nothing else; false if the window begins or ends
 // among them. The column after the last one counts too, since fine scroll moves cells into it.
-bool FetchAlike(MD_VDP& vdp, uint32_t columns) {
+template <typename Cells>
+[[gnu::always_inline]] inline bool FetchAlike(MD_VDP& vdp, uint32_t columns) {
     const uint32_t left = vdp.tileColumn;
     const auto first = vdp.windowColumn.begin() + left;
     const auto last =
@@ -270,18 +395,31 @@ bool FetchAlike(MD_VDP& vdp, uint32_t columns) {
     if (std::any_of(first, last, [&](uint8_t in) { return (in != 0) != window; })) {
         return false;
     }
-    RefreshPairs(vdp);
-    DrawPairs(vdp, {vdp.planeBLine, kMdVdpPlaneBLow},
+    const Cells cells(vdp);
+    DrawPairs(cells, {vdp.planeBLine, kMdVdpPlaneBLow},
               {vdp.planeBBase, vdp.planeWidth, vdp.planeBColumn, columns, vdp.planeBX}, 1);
     if (window) {
-        DrawCells<false>(vdp, {vdp.windowLine, kMdVdpWindowLow},
+        DrawCells<false>(cells, {vdp.windowLine, kMdVdpWindowLow},
                          {vdp.windowBase, vdp.windowWidth, left, columns, left * kCell},
                          [](uint32_t) { return 0U; });
     } else {
-        DrawPairsA(vdp, columns);
+        DrawPairsA(cells, columns);
     }
     return true;
 }
+
+bool FetchAlikePlain(MD_VDP& vdp, uint32_t columns) {
+    return FetchAlike<PlainCells>(vdp, columns);
+}
+
+#ifdef OMBRELUNE_MD_VDP_WIDE
+// Everything that it calls is inlined, so that it becomes wide, too.
+[[gnu::target("avx2"), gnu::flatten]] bool FetchAlikeWide(MD_VDP& vdp, uint32_t columns) {
+    return FetchAlike<WideCells>(vdp, columns);
+}
+#else
+constexpr auto FetchAlikeWide = FetchAlikePlain;
+#endif
 
 void AdvanceColumns(MD_VDP& vdp, uint32_t columns) {
     vdp.tileColumn += columns;
@@ -351,7 +489,7 @@ void MdVdpFetchCells(MD_VDP& vdp) {
 void MdVdpFetchLine(MD_VDP& vdp, uint32_t fetches) {
     const uint32_t columns = fetches * 2;
     const uint32_t left = vdp.tileColumn;
-    if (!FetchAlike(vdp, columns)) {
+    if (!(vdp.wide != 0 ? FetchAlikeWide : FetchAlikePlain)(vdp, columns)) {
         for (; fetches != 0; --fetches) {
             MdVdpFetchCells(vdp);
         }

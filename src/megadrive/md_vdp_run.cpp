@@ -2,6 +2,7 @@
 #include "megadrive/md_vdp.h"
 #include "megadrive/md_vdp_private.h"
 #include "megadrive/md_vdp_timetable.h"
+#include "megadrive/md_vdp_wide.h"
 
 #include <algorithm>
 #include <array>
@@ -197,6 +198,14 @@ void PutPlainDots(MD_VDP& vdp, uint32_t x, uint32_t end) {
     }
 }
 
+void PutDotsPlain(MD_VDP& vdp, uint32_t x, uint32_t end) {
+    if (vdp.shadowMode != 0) {
+        PutShadowedDots(vdp, x, end);
+    } else {
+        PutPlainDots(vdp, x, end);
+    }
+}
+
 void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
     // The first dot shows the colour of a DMA to CRAM, if there was one.
     md_vdp_tick::SetBackdropDot(vdp, first, vdp.h40 != 0);
@@ -212,24 +221,63 @@ void SetBackdrop(MD_VDP& vdp, uint32_t first, uint32_t count) {
 bool Collide(const MD_VDP& vdp, uint32_t x, uint32_t end) {
     constexpr uint64_t kAboveOne = 0xFEFEFEFEFEFEFEFE;
     uint64_t met = 0;
-    for (; end - x >= kBlock; x += kBlock) {
-        uint64_t counts = 0;
-        std::memcpy(&counts, &vdp.spriteDots[x], sizeof counts);
-        met |= counts & kAboveOne;
+    std::array<uint64_t, 4> counts{};
+    for (; end - x >= sizeof counts; x += sizeof counts) {
+        std::memcpy(counts.data(), &vdp.spriteDots[x], sizeof counts);
+        met |= (counts[0] | counts[1]) | (counts[2] | counts[3]);
     }
+    met &= kAboveOne;
     for (; x < end; ++x) {
         met |= vdp.spriteDots[x] & kAboveOne;
     }
     return met != 0;
 }
 
+#ifdef OMBRELUNE_MD_VDP_WIDE
+constexpr uint32_t kWideBlock = 16;
+
+// Blocks of sixteen dots by the plain colour table.
+OMBRELUNE_MD_VDP_WIDE void PutPlainBlocks(const MD_VDP& vdp, uint32_t x, uint32_t end) {
+    for (; x < end; x += kWideBlock) {
+        const __m256i colours = md_vdp_wide::TopColours(vdp, x);
+        auto* row = reinterpret_cast<__m256i*>(vdp.rowOut + x);
+        _mm256_storeu_si256(row, md_vdp_wide::PlainPixels(_mm256_castsi256_si128(colours)));
+        _mm256_storeu_si256(row + 1,
+                            md_vdp_wide::PlainPixels(_mm256_extracti128_si256(colours, 1)));
+    }
+}
+
+// Whether sixteen dots have no operator and aren't shadowed.
+OMBRELUNE_MD_VDP_WIDE bool ArePlain(const MD_VDP& vdp, uint32_t x) {
+    const auto ops = md_vdp_wide::Load16(&vdp.shadowOp[x]);
+    const auto flags = md_vdp_wide::Load16(&vdp.lineFlags[x]);
+    const auto arePlain =
+        _mm_and_si128(_mm_cmpeq_epi8(ops, _mm_setzero_si128()), _mm_slli_epi16(flags, 7));
+    return _mm_movemask_epi8(arePlain) == 0xFFFF;
+}
+
+OMBRELUNE_MD_VDP_WIDE void PutDotsWide(MD_VDP& vdp, uint32_t x, uint32_t end) {
+    while (end - x >= kWideBlock) {
+        uint32_t plainEnd = x;
+        while (end - plainEnd >= kWideBlock && (vdp.shadowMode == 0 || ArePlain(vdp, plainEnd))) {
+            plainEnd += kWideBlock;
+        }
+        PutPlainBlocks(vdp, x, plainEnd);
+        x = plainEnd;
+        if (end - x >= kWideBlock) {
+            PutShadowedDots(vdp, x, x + kWideBlock);
+            x += kWideBlock;
+        }
+    }
+    PutDotsPlain(vdp, x, end);
+}
+#else
+constexpr auto PutDotsWide = PutDotsPlain;
+#endif
+
 void PutDots(MD_VDP& vdp, uint32_t count) {
     const uint32_t end = vdp.outX + count;
-    if (vdp.shadowMode != 0) {
-        PutShadowedDots(vdp, vdp.outX, end);
-    } else {
-        PutPlainDots(vdp, vdp.outX, end);
-    }
+    (vdp.wide != 0 ? PutDotsWide : PutDotsPlain)(vdp, vdp.outX, end);
     if (Collide(vdp, vdp.outX, end)) {
         vdp.status |= kMdVdpCollision;
     }

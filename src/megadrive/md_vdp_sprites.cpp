@@ -1,5 +1,6 @@
 #include "base/bytes.h"
 #include "megadrive/md_vdp_private.h"
+#include "megadrive/md_vdp_wide.h"
 
 #include <algorithm>
 #include <bit>
@@ -23,8 +24,9 @@ constexpr uint32_t kCellsDown = 0x0300;
 constexpr uint32_t kCellsDownShift = 8;
 constexpr uint32_t kCellsAcross = 0x0C00;
 constexpr uint32_t kCellsAcrossShift = 10;
-constexpr uint32_t kPlaceBits = 0x1FF;     // of both coordinates
-constexpr uint32_t kUnshadowedColour = 14; // of any palette but the last
+constexpr uint32_t kPlaceBits = 0x1FF;      // of both coordinates
+constexpr uint32_t kUnshadowedColour = 14;  // of any palette but the last
+constexpr uint32_t kOperatorPalette = 0x30; // its colours 14 and 15 are operators in shadow mode
 
 // The first line of a sprite; wraps below 0. In double interlace the word counts rows of both fields and has
 // ten bits.
@@ -41,20 +43,11 @@ uint32_t WidthOf(uint32_t size) {
     return (((size & kCellsAcross) >> kCellsAcrossShift) + 1) * 8;
 }
 
-// A sprite on the line, from the words of its list entry.
-struct Sprite {
-    uint32_t row;   // to be drawn, counted from its top
-    uint32_t rows;  // pixels high
-    uint32_t width; // pixels
-    uint32_t attributes;
-    uint32_t x; // in the picture; wraps below 0
-};
-
 // A pixel in shadow mode: an operator marks the dot for shadow or highlight and returns false, because it has
 // no pixel of its own. Others return true and say whether they are shadowed.
 bool ApplyOperator(MD_VDP& vdp, uint32_t x, uint32_t colour, uint8_t code) {
-    constexpr uint32_t kHighlight = 0x3E; // colours 14 and 15 of the last palette
-    constexpr uint32_t kShadow = 0x3F;
+    constexpr uint32_t kHighlight = kOperatorPalette | 14;
+    constexpr uint32_t kShadow = kOperatorPalette | 15;
     if (colour == kHighlight || colour == kShadow) {
         vdp.shadowOp[x] = static_cast<uint8_t>(code + (colour == kHighlight ? 2 : 1));
         return false;
@@ -64,8 +57,59 @@ bool ApplyOperator(MD_VDP& vdp, uint32_t x, uint32_t colour, uint8_t code) {
     return true;
 }
 
+#ifdef OMBRELUNE_MD_VDP_WIDE
+// DrawEight with vectors; false, and nothing is drawn, where a pixel may be out of the line.
+OMBRELUNE_MD_VDP_WIDE bool DrawEightWide(MD_VDP& vdp, uint32_t x, uint32_t pattern,
+                                         uint32_t attributes) {
+    using namespace md_vdp_wide;
+    if (x > kMdVdpWidth - 8) {
+        return false;
+    }
+    const uint32_t palette = MdVdpPaletteOf(attributes);
+    const bool high = (attributes & kMdVdpPriority) != 0;
+    const Bytes code = _mm_set1_epi8(high ? kMdVdpSpriteHigh : kMdVdpSpriteLow);
+    const Bytes zero = _mm_setzero_si128();
+    const Bytes pixels = Pixels(pattern, 0, 0);
+    const Bytes dots = Load8(&vdp.spriteDots[x]);
+    const Bytes isFree = _mm_cmpeq_epi8(dots, zero);
+    const Bytes ops = Load8(&vdp.shadowOp[x]);
+    // A free dot takes a pixel, unless an operator has marked it; a taken dot counts its pixels.
+    Bytes takes = _mm_andnot_si128(_mm_cmpeq_epi8(pixels, zero),
+                                   _mm_and_si128(isFree, _mm_cmpeq_epi8(ops, zero)));
+    const Bytes counts =
+        _mm_andnot_si128(_mm_or_si128(_mm_cmpeq_epi8(pixels, zero), isFree), _mm_set1_epi8(-1));
+    if (vdp.shadowMode != 0) {
+        const Bytes isUnshadowed = _mm_cmpeq_epi8(pixels, _mm_set1_epi8(kUnshadowedColour));
+        if (palette == kOperatorPalette) {
+            const Bytes marks =
+                _mm_and_si128(takes, _mm_cmpgt_epi8(pixels, _mm_set1_epi8(kUnshadowedColour - 1)));
+            // 1 for shadow, 2 for highlight.
+            const Bytes mark = _mm_sub_epi8(_mm_add_epi8(code, _mm_set1_epi8(1)), isUnshadowed);
+            Store8(&vdp.shadowOp[x], _mm_blendv_epi8(ops, mark, marks));
+            takes = _mm_andnot_si128(marks, takes);
+        }
+        const Bytes isBright = high ? _mm_set1_epi8(-1) : isUnshadowed;
+        const Bytes flags = _mm_and_si128(isBright, _mm_set1_epi8(1));
+        Store8(&vdp.lineFlags[x], _mm_blendv_epi8(Load8(&vdp.lineFlags[x]), flags, takes));
+    }
+    Store8(&vdp.spriteDots[x], _mm_sub_epi8(dots, _mm_or_si128(takes, counts)));
+    Store8(&vdp.layerCode[x], _mm_blendv_epi8(Load8(&vdp.layerCode[x]), code, takes));
+    const Bytes colours = Colours(LoadPalette(&vdp.cram[palette]), pixels);
+    Store16(&vdp.spriteLine[x],
+            _mm_blendv_epi8(Load16(&vdp.spriteLine[x]), colours, _mm_unpacklo_epi8(takes, takes)));
+    return true;
+}
+#else
+bool DrawEightWide(MD_VDP&, uint32_t, uint32_t, uint32_t) {
+    return false;
+}
+#endif
+
 // Draws eight pixels, the leftmost in the top bits of `pattern`. The first sprite of the list stays on top.
 void DrawEight(MD_VDP& vdp, uint32_t x, uint32_t pattern, uint32_t attributes) {
+    if (pattern == 0 || (vdp.wide != 0 && DrawEightWide(vdp, x, pattern, attributes))) {
+        return;
+    }
     const uint8_t code = (attributes & kMdVdpPriority) != 0 ? kMdVdpSpriteHigh : kMdVdpSpriteLow;
     const uint32_t palette = MdVdpPaletteOf(attributes);
     for (; pattern != 0; pattern <<= 4, ++x) {
@@ -87,18 +131,6 @@ void DrawEight(MD_VDP& vdp, uint32_t x, uint32_t pattern, uint32_t attributes) {
         vdp.spriteLine[x] = vdp.cram[palette | pixel];
         ++vdp.spriteDots[x];
     }
-}
-
-// The pattern row of a sprite's cell, `column` counted from the left as shown.
-uint32_t CellPattern(const MD_VDP& vdp, const Sprite& sprite, uint32_t column) {
-    const bool flipX = (sprite.attributes & kMdVdpFlipX) != 0;
-    const uint32_t cell = flipX ? sprite.width / 8 - 1 - column : column;
-    const uint32_t row =
-        (sprite.attributes & kMdVdpFlipY) != 0 ? sprite.rows - 1 - sprite.row : sprite.row;
-    // The cells of a column follow each other, then those of the next column.
-    const uint32_t base = sprite.attributes << (5 + vdp.interlace2);
-    const uint32_t pattern = MdVdpPattern(vdp, base + (cell * sprite.rows + row) * 4);
-    return flipX ? MdVdpMirror(pattern) : pattern;
 }
 
 // Follows the links and notes the lines of every sprite.
@@ -186,23 +218,16 @@ public:
         if (scan.visible >= limits.visible) {
             vdp.status |= kMdVdpOverflow;
         }
+        vdp.spriteScan = scan;
     }
 
 private:
-    // Takes the time of one word of VRAM; false if none is left.
-    bool Spend() {
+    // Reads the next word of the list entry; false if no time is left.
+    bool Read(uint32_t& word) {
         if (budget == 0) {
             return false;
         }
         --budget;
-        return true;
-    }
-
-    // Reads the next word of the list entry; false if no time is left.
-    bool Read(uint32_t& word) {
-        if (!Spend()) {
-            return false;
-        }
         word = MdVdpVramWord(vdp, vdp.spriteBase + scan.index * 8 + scan.step);
         scan.step += 2;
         return true;
@@ -239,11 +264,8 @@ private:
         const uint32_t row = line - TopOf(top, doubled);
         if (row < height) {
             ++scan.visible;
-            Sprite sprite{};
-            sprite.row = doubled != 0 ? 2 * row + vdp.field : row;
-            sprite.rows = height << doubled;
-            sprite.width = WidthOf(size);
-            if (!Draw(sprite)) {
+            if (!Draw(doubled != 0 ? 2 * row + vdp.field : row, height << doubled,
+                      WidthOf(size) / 8)) {
                 return false;
             }
         }
@@ -267,35 +289,38 @@ private:
         }
     }
 
-    bool Draw(Sprite& sprite) {
+    // Reads the rest of the entry and draws the sprite's row, counted from its top. The cells of a column follow
+    // each other in VRAM, then those of the next column.
+    bool Draw(uint32_t row, uint32_t rows, uint32_t cells) {
+        uint32_t attributes = 0;
         uint32_t x = 0;
-        if (!Read(sprite.attributes) || !Read(x)) {
+        if (!Read(attributes) || !Read(x)) {
             return false;
         }
         x &= kPlaceBits;
         MaskByX(x);
-        sprite.x = x - kOrigin;
-        const bool hidden = (scan.flags & kMdVdpScanMasked) != 0 || !MdVdpDisplayOn(vdp);
-        for (uint32_t column = 0; column < sprite.width / 8; ++column) {
-            if (!Spend() || !Spend()) {
-                return false;
-            }
-            scan.step += 4;
-            if (!hidden) {
-                DrawEight(vdp, sprite.x + column * 8, CellPattern(vdp, sprite, column),
-                          sprite.attributes);
-            }
-            scan.dots += 8;
-            if (scan.dots >= limits.dots) {
-                return false;
+        const uint32_t columns = std::min({cells, budget / 2, (limits.dots - scan.dots) / 8});
+        budget -= columns * 2;
+        scan.step += columns * 4;
+        scan.dots += columns * 8;
+        if ((scan.flags & kMdVdpScanMasked) == 0 && MdVdpDisplayOn(vdp)) {
+            const bool flipX = (attributes & kMdVdpFlipX) != 0;
+            const uint32_t shownRow = (attributes & kMdVdpFlipY) != 0 ? rows - 1 - row : row;
+            uint32_t address = (attributes << (5 + vdp.interlace2)) +
+                               ((flipX ? cells - 1 : 0) * rows + shownRow) * 4;
+            for (uint32_t column = 0; column < columns; ++column) {
+                const uint32_t pattern = MdVdpPattern(vdp, address);
+                DrawEight(vdp, x - kOrigin + column * 8, flipX ? MdVdpMirror(pattern) : pattern,
+                          attributes);
+                address += flipX ? 0U - rows * 4 : rows * 4;
             }
         }
-        return true;
+        return columns == cells && scan.dots < limits.dots;
     }
 
     MD_VDP& vdp;
-    MD_VDP_SPRITE_SCAN& scan;
-    const Limits limits;
+    MD_VDP_SPRITE_SCAN scan; // in registers; goes back at the end
+    const Limits& limits;
     const uint32_t line;
     uint32_t budget;
     const bool knowsLines;

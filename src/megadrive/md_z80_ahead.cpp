@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr uint32_t kMostHalted = 1 << 16; // clocks; more than a frame
+constexpr uint32_t kMostHalted = 1 << 17; // clocks; more than a frame of 313 lines
 constexpr uint32_t kFmEnd = 0x6000;       // of the FM chip's addresses, which follow the RAM's
 constexpr uint32_t kVdpPage = 0x7F00;
 constexpr uint32_t kWindowStart = 0x8000;
@@ -17,17 +17,23 @@ constexpr uint32_t kFirstRamPage = 0xE0; // of the 68000's map, from where pages
 // The Z80's bus as far as only the Z80 sees it. Any other access is left out and ends the run. The status of the
 // FM chip doesn't change during a run.
 struct PRIVATE_BUS {
+    explicit PRIVATE_BUS(MEGA_DRIVE& mdValue)
+        : md(mdValue) {
+        ++md.z80Ahead.effects; // the status may be another than in the run before
+    }
+
     MEGA_DRIVE& md;
     uint32_t clock = 0;
-    bool metRead = false; // an access that others see, at `clock`
-    bool metWrite = false;
-    uint32_t effects = 1; // what makes a round of a loop unlike the one before
-    Z80IdleLoop idle{};
+    enum class MET : uint32_t {
+        kNothing,
+        kRead,
+        kWrite
+    } met{}; // an access that others see, at `clock`
 
     void At(uint32_t now) { clock = now; }
-    [[nodiscard]] bool Stops() const { return metRead || metWrite; }
+    [[nodiscard]] bool Stops() const { return met != MET::kNothing; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
-        return idle.Skip(z80, effects, now, left);
+        return md.z80Ahead.idle.Skip(z80, md.z80Ahead.effects, now, left);
     }
 
     uint8_t Read(uint16_t address) {
@@ -37,12 +43,9 @@ struct PRIVATE_BUS {
         return ReadBeyondRam(address);
     }
     uint8_t ReadOpcode(uint16_t address) {
-        constexpr uint8_t kLoadRFromA = 0x4F;
-        constexpr uint8_t kLoadAFromR = 0x5F;
         const uint8_t opcode = Read(address);
-        if (md.z80.prefix == kZ80PrefixEd && (opcode == kLoadAFromR || opcode == kLoadRFromA))
-            [[unlikely]] {
-            ++effects;
+        if (Z80UsesRefresh(md.z80, opcode)) [[unlikely]] {
+            ++md.z80Ahead.effects;
         }
         return opcode;
     }
@@ -50,7 +53,7 @@ struct PRIVATE_BUS {
     static void IoWrite(uint16_t port, uint8_t value) { MD_Z80_BUS::IoWrite(port, value); }
     void Write(uint16_t address, uint8_t value) {
         if (address >= kMdZ80RamEnd) [[unlikely]] {
-            metWrite = true;
+            met = MET::kWrite;
             return;
         }
         uint8_t& byte = md.z80Ram[address % kMdZ80RamBytes];
@@ -58,7 +61,7 @@ struct PRIVATE_BUS {
             MD_Z80_AHEAD& ahead = md.z80Ahead;
             ahead.log[ahead.writes++ % ahead.log.size()] = {address, byte};
             byte = value;
-            ++effects;
+            ++md.z80Ahead.effects;
         }
     }
 
@@ -74,7 +77,7 @@ private:
         if (address >= kWindowStart && page < kFirstRamPage && md.cpu.readPages[page] != nullptr) {
             return MdPeekByte(md, md.z80Bank | (address - kWindowStart));
         }
-        metRead = true;
+        met = MET::kRead;
         return 0;
     }
 };
@@ -87,8 +90,12 @@ bool IsHalted(const Z80& z80) {
 // Clocks in which the FM chip's status stays. Clock n, counted from 0, comes before 68000 cycle
 // (15 (n + 1) - z80Clock) / 7, because a 68000 instruction owes its master clocks from its start.
 uint32_t ClocksOfFmStatus(MEGA_DRIVE& md) {
-    MdCatchUpFm(md);
-    const uint32_t cycles = std::min(Ym2612ClocksToStatus(md.fm), kMdZ80MostAhead * 4);
+    uint32_t toStatus = Ym2612ClocksToStatus(md.fm);
+    if (toStatus <= md.fmOwed) {
+        MdCatchUpFm(md);
+        toStatus = Ym2612ClocksToStatus(md.fm);
+    }
+    const uint32_t cycles = std::min(toStatus - md.fmOwed, kMdZ80MostAhead * 4);
     const int32_t clocks =
         (static_cast<int32_t>(cycles * kMdCycleClocks) + md.z80Clock) / kMdZ80Clocks;
     return static_cast<uint32_t>(std::max(clocks, 0));
@@ -105,7 +112,7 @@ void GoBack(MEGA_DRIVE& md) {
 
 // Runs clocks of which is known that others don't see them.
 void RunPrivate(MEGA_DRIVE& md, uint32_t clocks) {
-    PRIVATE_BUS bus{md};
+    PRIVATE_BUS bus(md);
     static_cast<void>(Z80RunOn(md.z80, bus, clocks));
 }
 
@@ -129,11 +136,11 @@ uint32_t RunToVisible(MEGA_DRIVE& md) {
     const uint32_t most = std::min(ClocksOfFmStatus(md), kMdZ80MostAhead);
     md.z80Ahead.start = md.z80;
     md.z80Ahead.writes = 0;
-    PRIVATE_BUS bus{md};
+    PRIVATE_BUS bus(md);
     static_cast<void>(Z80RunOn(md.z80, bus, most));
-    if (bus.metWrite) {
+    if (bus.met == PRIVATE_BUS::MET::kWrite) {
         StepBack(md.z80);
-    } else if (bus.metRead) {
+    } else if (bus.met == PRIVATE_BUS::MET::kRead) {
         GoBack(md);
         RunPrivate(md, bus.clock);
     }

@@ -209,6 +209,7 @@ void Sanitize(YM2612& ym) {
 // Recomputes the fields that aren't in the piece.
 void Rebuild(YM2612& ym) {
     ym.recalculate = true;
+    ym.egQuiet = 0;
     ym.ssgSlots = 0;
     uint32_t bit = 1;
     for (const YM2612_CHANNEL& channel : ym.channels) {
@@ -241,6 +242,7 @@ void Ym2612Reset(YM2612& ym) {
     ym.lfoAm = 0;
     ym.lfoPm = 0;
     ym.egCounter = 0;
+    ym.egQuiet = 0;
     ym.egTimer = 0;
     ym.egTimerAdd = kYm2612EgTimerAdd;
     ym.egTimerOverflow = kYm2612EgTimerOverflow;
@@ -260,10 +262,8 @@ void Ym2612Reset(YM2612& ym) {
 
 void Ym2612Run(YM2612& ym, uint32_t clocks) {
     clocks += ym.tickCount;
-    for (; clocks >= kYm2612ClocksPerSample; clocks -= kYm2612ClocksPerSample) {
-        Ym2612MakeSample(ym);
-    }
-    ym.tickCount = clocks;
+    Ym2612MakeSamples(ym, clocks / kYm2612ClocksPerSample);
+    ym.tickCount = clocks % kYm2612ClocksPerSample;
 }
 
 // A timer that has set its flag sets it again to no effect.

@@ -129,6 +129,7 @@ struct YM2612 {
     // Derived from the fields above after a load.
     bool recalculate = false; // some channel's pitches are to be recalculated
     uint32_t ssgSlots = 0;    // bit channel x 4 + slot is `ssg` bit 3 of that slot
+    uint32_t egQuiet = 0;     // envelope clocks in which certainly no envelope changes
 
     SOUND_PAIRS* pairs = nullptr; // set by the owner; not null while the chip runs
 };
@@ -143,6 +144,8 @@ void Ym2612Reset(YM2612& ym);
 
 // Makes one sample; Ym2612Tick calls it on every 144th clock.
 void Ym2612MakeSample(YM2612& ym);
+// The same as `samples` calls of it, but faster.
+void Ym2612MakeSamples(YM2612& ym, uint32_t samples);
 
 // The same as `clocks` calls of Ym2612Tick.
 void Ym2612Run(YM2612& ym, uint32_t clocks);

@@ -218,6 +218,9 @@ void WriteChip(YM2612& ym, uint32_t reg, uint8_t value) {
 void WriteData(YM2612& ym, uint8_t value) {
     const uint32_t reg = ym.address & 0xFFu;
     const bool secondPort = (ym.address & kSecondPort) != 0;
+    if (reg >= kYm2612RegMultiple || reg == kYm2612RegKeys) {
+        ym.egQuiet = 0;
+    }
     if (reg < kYm2612RegMultiple) {
         if (!secondPort) {
             WriteChip(ym, reg, value);

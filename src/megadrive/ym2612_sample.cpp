@@ -3,6 +3,7 @@
 #include "megadrive/ym2612_tables.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -47,6 +48,7 @@ void RecalculateSlot(YM2612_SLOT& slot, const YM2612_PITCH& pitch) {
         }
     }
     ym.recalculate = false;
+    ym.egQuiet = 0;
 }
 
 // The LFO's offset may carry into the block.
@@ -128,17 +130,14 @@ inline int32_t OperatorOutput(const YM2612_SLOT& slot, uint32_t modulation,
     return p < kYm2612Levels ? kYm2612Tables.level[p] : 0;
 }
 
-// The eight algorithms, after operator 1. Each case runs a modulator before the operators that it modulates, so
-// its output is always that of the same sample.
-inline int32_t RunAlgorithm(const YM2612_CHANNEL& channel, uint32_t lfoAttenuation, int32_t one) {
-    const auto run = [&](size_t place, int32_t modulator) {
-        return OperatorOutput(channel.slots[place],
-                              static_cast<uint32_t>(modulator) << kModulationShift, lfoAttenuation);
-    };
+// The eight algorithms, after operator 1: `two` to `four` run an operator with the sum that modulates it. Each case
+// runs a modulator before the operators that it modulates, so its output is always that of the same sample.
+template <typename Run>
+[[gnu::always_inline]] inline int32_t RunAlgorithm(uint32_t algorithm, int32_t one, Run run) {
     const auto two = [&](int32_t modulator) { return run(kYm2612Operator2, modulator); };
     const auto three = [&](int32_t modulator) { return run(kYm2612Operator3, modulator); };
     const auto four = [&](int32_t modulator) { return run(kYm2612Operator4, modulator); };
-    switch (channel.algorithm) {
+    switch (algorithm) {
     case 0: return four(three(two(one)));
     case 1: return four(three(one + two(0)));
     case 2: return four(one + three(two(0)));
@@ -150,15 +149,23 @@ inline int32_t RunAlgorithm(const YM2612_CHANNEL& channel, uint32_t lfoAttenuati
     }
 }
 
+// What operator 1 modulates itself by.
+[[nodiscard]] inline uint32_t Feedback(uint32_t shift, int32_t older, int32_t newer) {
+    const uint32_t sum = static_cast<uint32_t>(older) + static_cast<uint32_t>(newer);
+    return shift != 0 ? sum << shift : 0;
+}
+
 inline int32_t ChannelOutput(YM2612_CHANNEL& channel, uint32_t lfoAm) {
     const uint32_t lfoAttenuation = lfoAm >> channel.ams;
-    const auto sum = static_cast<uint32_t>(channel.operator1Out[0]) +
-                     static_cast<uint32_t>(channel.operator1Out[1]);
-    const uint32_t feedback = channel.feedback != 0 ? sum << channel.feedback : 0;
-    const int32_t one = OperatorOutput(channel.slots[kYm2612Operator1], feedback, lfoAttenuation);
-    channel.operator1Out[0] = channel.operator1Out[1];
-    channel.operator1Out[1] = one;
-    return RunAlgorithm(channel, lfoAttenuation, one);
+    auto& [older, newer] = channel.operator1Out;
+    const int32_t one = OperatorOutput(channel.slots[kYm2612Operator1],
+                                       Feedback(channel.feedback, older, newer), lfoAttenuation);
+    older = newer;
+    newer = one;
+    return RunAlgorithm(channel.algorithm, one, [&](size_t place, int32_t modulator) {
+        return OperatorOutput(channel.slots[place],
+                              static_cast<uint32_t>(modulator) << kModulationShift, lfoAttenuation);
+    });
 }
 
 void RunChannels(YM2612& ym) {
@@ -179,16 +186,26 @@ void RunChannels(YM2612& ym) {
 }
 
 // The attenuation is a triangle; the pitch goes through the 32 positions of its wave in the same time.
+constexpr uint32_t kLfoFraction = 24; // bits of the counter
+constexpr uint32_t kLfoPositions = 128;
+
+uint32_t LfoAmAt(uint32_t counter) {
+    constexpr uint32_t kTop = kLfoPositions / 2 - 1;
+    const uint32_t position = counter >> kLfoFraction & (kLfoPositions - 1);
+    return (position <= kTop ? position : kLfoPositions - 1 - position) * 2;
+}
+
+uint32_t LfoPmAt(uint32_t counter) {
+    return (counter >> kLfoFraction & (kLfoPositions - 1)) >> 2;
+}
+
 void AdvanceLfo(YM2612& ym) {
     if (ym.lfoIncrement == 0) {
         return;
     }
     ym.lfoCounter += ym.lfoIncrement;
-    constexpr uint32_t kPositions = 128;
-    constexpr uint32_t kTop = kPositions / 2 - 1;
-    const uint32_t position = ym.lfoCounter >> 24 & (kPositions - 1);
-    ym.lfoAm = (position <= kTop ? position : kPositions - 1 - position) * 2;
-    ym.lfoPm = position >> 2;
+    ym.lfoAm = LfoAmAt(ym.lfoCounter);
+    ym.lfoPm = LfoPmAt(ym.lfoCounter);
 }
 
 // --- envelopes ----------------------------------------------------------------------------------
@@ -272,16 +289,22 @@ inline void AdvanceEnvelope(uint32_t counter, YM2612_SLOT& slot) {
     slot.volOut = slot.tl + volume;
 }
 
+// The next envelope clock.
+void ClockEnvelopes(YM2612& ym) {
+    ++ym.egCounter;
+    ym.egQuiet = 0;
+    for (YM2612_CHANNEL& channel : ym.channels) {
+        for (YM2612_SLOT& slot : channel.slots) {
+            AdvanceEnvelope(ym.egCounter, slot);
+        }
+    }
+}
+
 void AdvanceEnvelopes(YM2612& ym) {
     ym.egTimer += ym.egTimerAdd;
     while (ym.egTimer >= ym.egTimerOverflow) {
         ym.egTimer -= ym.egTimerOverflow;
-        ++ym.egCounter;
-        for (YM2612_CHANNEL& channel : ym.channels) {
-            for (YM2612_SLOT& slot : channel.slots) {
-                AdvanceEnvelope(ym.egCounter, slot);
-            }
-        }
+        ClockEnvelopes(ym);
     }
 }
 
@@ -295,6 +318,7 @@ void RaiseFlag(YM2612& ym, uint8_t timer) {
 }
 
 void CsmKeysOn(YM2612& ym) {
+    ym.egQuiet = 0;
     for (YM2612_SLOT& slot : ym.channels[kYm2612Special].slots) {
         Ym2612KeyOn(ym, slot);
     }
@@ -305,6 +329,7 @@ void CsmKeysOn(YM2612& ym) {
 constexpr uint8_t kCsmKeyEnds = 2;
 
 void CsmKeysOff(YM2612& ym) {
+    ym.egQuiet = 0;
     for (YM2612_SLOT& slot : ym.channels[kYm2612Special].slots) {
         if (slot.keyOn == 0) {
             Ym2612KeyOff(slot);
@@ -339,6 +364,156 @@ int16_t Clip(int32_t value) {
     return static_cast<int16_t>(std::clamp(value, -32768, 32767));
 }
 
+// --- spans --------------------------------------------------------------------------------------
+
+constexpr uint32_t kMostSpan = 8; // samples
+constexpr uint32_t kNever = 0xFFFFFFFF;
+
+// Envelope clocks after this one in which the slot's envelope certainly stays, without SSG.
+uint32_t QuietClocks(uint32_t counter, const YM2612_SLOT& slot) {
+    const auto untilStep = [&](YM2612_RATE rate, bool zeroStepChanges) {
+        if (rate.select == kYm2612StepNever) {
+            return zeroStepChanges ? 0 : kNever;
+        }
+        const uint32_t last = (1u << rate.shift) - 1;
+        return last - (counter & last);
+    };
+    switch (slot.state) {
+    case Ym2612Envelope::kRelease: return untilStep(slot.release, slot.volume >= kYm2612Silent);
+    case Ym2612Envelope::kSustain: return untilStep(slot.sustain, slot.volume > kYm2612Silent);
+    case Ym2612Envelope::kDecay:
+        return untilStep(slot.decay, slot.volume >= static_cast<int32_t>(slot.sl));
+    case Ym2612Envelope::kAttack: return untilStep(slot.attack, slot.volume <= 0);
+    default: return kNever;
+    }
+}
+
+uint32_t QuietClocks(const YM2612& ym) {
+    uint32_t quiet = kNever;
+    for (const YM2612_CHANNEL& channel : ym.channels) {
+        for (const YM2612_SLOT& slot : channel.slots) {
+            quiet = std::min(quiet, QuietClocks(ym.egCounter, slot));
+            if (quiet == 0) {
+                return 0;
+            }
+        }
+    }
+    return quiet;
+}
+
+// The envelopes' part of a span. Only its last sample may have a clock in which one of them changes.
+void AdvanceQuietEnvelopes(YM2612& ym, uint32_t samples) {
+    ym.egTimer += samples * kYm2612EgTimerAdd;
+    for (; ym.egTimer >= kYm2612EgTimerOverflow; ym.egTimer -= kYm2612EgTimerOverflow) {
+        if (ym.egQuiet != 0) {
+            ++ym.egCounter;
+            --ym.egQuiet;
+        } else {
+            ClockEnvelopes(ym);
+            ym.egQuiet = QuietClocks(ym);
+        }
+    }
+}
+
+// Of the next samples, at most `samples`, those in which operators change nothing but their phases: from one step of
+// an envelope to the next, at the same position of the LFO. 0 if an SSG shape, CSM or a new pitch may change more.
+uint32_t SpanLength(const YM2612& ym, uint32_t samples) {
+    const bool isCsm = ym.csmKey != 0 || (ym.mode & kYm2612SpecialBits) == kYm2612Csm;
+    if (ym.recalculate || ym.ssgSlots != 0 || isCsm) {
+        return 0;
+    }
+    const uint32_t toClock =
+        (kYm2612EgTimerOverflow - ym.egTimer + kYm2612EgTimerAdd - 1) / kYm2612EgTimerAdd;
+    constexpr uint32_t kSamplesAClock = kYm2612EgTimerOverflow / kYm2612EgTimerAdd;
+    const uint32_t toStep = toClock + std::min(ym.egQuiet, kMostSpan) * kSamplesAClock;
+    const uint32_t span = std::min({samples, toStep, kMostSpan});
+    if (ym.lfoIncrement == 0) {
+        return span;
+    }
+    const uint32_t last = ym.lfoCounter + (span - 1) * ym.lfoIncrement;
+    const bool stays = ym.lfoCounter >> kLfoFraction == last >> kLfoFraction;
+    return stays && ym.lfoAm == LfoAmAt(last) && ym.lfoPm == LfoPmAt(last) ? span : 0;
+}
+
+struct SPAN_OPERATOR {
+    uint32_t phase;
+    uint32_t step;
+    uint32_t attenuation; // as the level table counts
+
+    int32_t Next(uint32_t modulation) {
+        const uint32_t angle = (phase & kWholePhase) + modulation;
+        phase += step;
+        const uint32_t p =
+            kYm2612Tables.sine[angle >> kPhaseShift & (kYm2612SineLength - 1)] + attenuation;
+        return p < kYm2612Levels ? kYm2612Tables.level[p] : 0;
+    }
+};
+
+using SPAN_OUTPUT = std::array<int32_t, kMostSpan>;
+
+// Returns false if the channel is silent.
+bool RunChannel(YM2612& ym, size_t index, uint32_t samples, SPAN_OUTPUT& output) {
+    YM2612_CHANNEL& channel = ym.channels[index];
+    const uint32_t lfoAttenuation = ym.lfoAm >> channel.ams;
+    std::array<SPAN_OPERATOR, kYm2612Slots> operators;
+    uint32_t least = kYm2612Levels;
+    for (size_t i = 0; i < kYm2612Slots; ++i) {
+        YM2612_SLOT& slot = channel.slots[i];
+        const uint32_t step = channel.pms != 0
+                                  ? VibratoStep(ym, channel, slot, Ym2612SlotPitch(ym, index, i))
+                                  : static_cast<uint32_t>(slot.phaseStep);
+        const uint32_t attenuation = (slot.volOut + (slot.amMask & lfoAttenuation)) * 8;
+        operators[i] = {slot.phase, step, attenuation};
+        slot.phase += step * samples;
+        least = std::min(least, attenuation);
+    }
+    auto [older, newer] = channel.operator1Out;
+    if (least >= kYm2612Levels) {
+        channel.operator1Out = {samples == 1 ? newer : 0, 0};
+        return false;
+    }
+    const uint32_t feedback = channel.feedback;
+    const uint32_t algorithm = channel.algorithm;
+    for (uint32_t i = 0; i < samples; ++i) {
+        const int32_t one = operators[kYm2612Operator1].Next(Feedback(feedback, older, newer));
+        older = newer;
+        newer = one;
+        output[i] = RunAlgorithm(algorithm, one, [&](size_t place, int32_t modulator) {
+            return operators[place].Next(static_cast<uint32_t>(modulator) << kModulationShift);
+        });
+    }
+    channel.operator1Out = {older, newer};
+    return true;
+}
+
+void MakeSpan(YM2612& ym, uint32_t samples) {
+    SPAN_OUTPUT left{};
+    SPAN_OUTPUT right{};
+    for (size_t i = 0; i < kYm2612Channels; ++i) {
+        const YM2612_CHANNEL& channel = ym.channels[i];
+        SPAN_OUTPUT output{};
+        bool sounds = RunChannel(ym, i, samples, output);
+        if (i == kYm2612Dac && ym.dacEnabled != 0) {
+            output.fill(ym.dacOut);
+            sounds = true;
+        }
+        ym.channelOut[i] = output[samples - 1];
+        for (uint32_t at = 0; sounds && at < samples; ++at) {
+            left[at] += output[at] & static_cast<int32_t>(channel.leftMask);
+            right[at] += output[at] & static_cast<int32_t>(channel.rightMask);
+        }
+    }
+    if (ym.lfoIncrement != 0) {
+        ym.lfoCounter += (samples - 1) * ym.lfoIncrement;
+        AdvanceLfo(ym);
+    }
+    AdvanceQuietEnvelopes(ym, samples);
+    for (uint32_t at = 0; at < samples; ++at) {
+        AdvanceTimers(ym);
+        ym.pairs->Add(Clip(left[at]), Clip(right[at]));
+    }
+}
+
 } // namespace
 
 void Ym2612MakeSample(YM2612& ym) {
@@ -362,4 +537,16 @@ void Ym2612MakeSample(YM2612& ym) {
     AdvanceTimers(ym);
 
     ym.pairs->Add(Clip(left), Clip(right));
+}
+
+void Ym2612MakeSamples(YM2612& ym, uint32_t samples) {
+    while (samples != 0) {
+        const uint32_t span = SpanLength(ym, samples);
+        if (span != 0) {
+            MakeSpan(ym, span);
+        } else {
+            Ym2612MakeSample(ym);
+        }
+        samples -= std::max(span, 1u);
+    }
 }

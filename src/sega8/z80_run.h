@@ -17,6 +17,7 @@
 // which is called after a jump backwards and returns the clocks that it has skipped.
 #pragma once
 
+#include "base/flatten.h"
 #include "sega8/z80.h"
 #include "sega8/z80_tick.h"
 
@@ -118,7 +119,8 @@ inline uint32_t RunSteps(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left, uin
 // Runs instructions until an interrupt is due, the bus stops the run or too few clocks are left to
 // decode another one. Returns the clocks that it did not use.
 template <typename Bus>
-[[gnu::noinline]] uint32_t RunInstructions(Z80& z80, Bus& bus, uint32_t clocks, uint32_t left) {
+[[gnu::noinline]] OMBRELUNE_FLATTEN uint32_t RunInstructions(Z80& z80, Bus& bus, uint32_t clocks,
+                                                             uint32_t left) {
     do {
         const uint32_t from = z80.regs[kZ80Pc];
         Fetch(z80, bus, clocks - left);

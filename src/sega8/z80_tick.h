@@ -117,24 +117,25 @@ inline void SetInputFlags(Z80& z80, uint8_t value) {
 template <typename Bus>
 inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
     using enum Z80Step;
-    uint32_t& word = Indexed(z80);
+    // Looked up by the steps that need it.
+    const auto word = [&]() -> uint32_t& { return Indexed(z80); };
     const uint16_t address = Address(z80.wz);
     const uint16_t next = Address(z80.wz + 1);
     switch (step) {
-    case kPortToLow: SetLowByte(word, bus.IoRead(address)); break;
-    case kPortToHigh: SetHighByte(word, bus.IoRead(address)); break;
+    case kPortToLow: SetLowByte(word(), bus.IoRead(address)); break;
+    case kPortToHigh: SetHighByte(word(), bus.IoRead(address)); break;
     case kPortToWzLow: SetLowByte(z80.wz, bus.IoRead(address)); break;
     case kPortToT: SetLowByte(z80.temp, bus.IoRead(address)); break;
-    case kLowToPort: bus.IoWrite(address, LowByte(word)); break;
-    case kHighToPort: bus.IoWrite(address, HighByte(word)); break;
+    case kLowToPort: bus.IoWrite(address, LowByte(word())); break;
+    case kHighToPort: bus.IoWrite(address, HighByte(word())); break;
     case kTToPort: bus.IoWrite(address, LowByte(z80.temp)); break;
     case kPortToLowFlags:
-        SetLowByte(word, bus.IoRead(address));
-        SetInputFlags(z80, LowByte(word));
+        SetLowByte(word(), bus.IoRead(address));
+        SetInputFlags(z80, LowByte(word()));
         break;
     case kPortToHighFlags:
-        SetHighByte(word, bus.IoRead(address));
-        SetInputFlags(z80, HighByte(word));
+        SetHighByte(word(), bus.IoRead(address));
+        SetInputFlags(z80, HighByte(word()));
         break;
     case kPortToTFlags:
         SetLowByte(z80.temp, bus.IoRead(address));
@@ -142,31 +143,31 @@ inline void TransferStep(Z80& z80, Bus& bus, Z80Step step) {
         break;
     case kOperandToWzLow: SetLowByte(z80.wz, ReadOperand(z80, bus)); break;
     case kOperandToWzHigh: SetHighByte(z80.wz, ReadOperand(z80, bus)); break;
-    case kOperandToLow: SetLowByte(word, ReadOperand(z80, bus)); break;
-    case kOperandToHigh: SetHighByte(word, ReadOperand(z80, bus)); break;
+    case kOperandToLow: SetLowByte(word(), ReadOperand(z80, bus)); break;
+    case kOperandToHigh: SetHighByte(word(), ReadOperand(z80, bus)); break;
     case kOperandToT: SetLowByte(z80.temp, ReadOperand(z80, bus)); break;
     case kDisplacement: Advance(z80.wz, SignExtended(ReadOperand(z80, bus))); break;
     case kTempHighToNext: bus.Write(next, HighByte(z80.temp)); break;
     case kTToMemoryFirst:
     case kTToMemory: bus.Write(address, LowByte(z80.temp)); break;
     case kLowToMemoryFirst:
-    case kLowToMemory: bus.Write(address, LowByte(word)); break;
-    case kHighToNext: bus.Write(next, HighByte(word)); break;
-    case kHighToMemory: bus.Write(address, HighByte(word)); break;
+    case kLowToMemory: bus.Write(address, LowByte(word())); break;
+    case kHighToNext: bus.Write(next, HighByte(word())); break;
+    case kHighToMemory: bus.Write(address, HighByte(word())); break;
     case kMemoryToLowFirst:
-    case kMemoryToLow: SetLowByte(word, bus.Read(address)); break;
-    case kNextToHigh: SetHighByte(word, bus.Read(next)); break;
-    case kMemoryToHigh: SetHighByte(word, bus.Read(address)); break;
+    case kMemoryToLow: SetLowByte(word(), bus.Read(address)); break;
+    case kNextToHigh: SetHighByte(word(), bus.Read(next)); break;
+    case kMemoryToHigh: SetHighByte(word(), bus.Read(address)); break;
     case kMemoryToT: SetLowByte(z80.temp, bus.Read(address)); break;
     case kMemoryToWzLow: SetLowByte(z80.wz, bus.Read(address)); break;
     case kPushWzLow: Push(z80, bus, LowByte(z80.wz)); break;
     case kPushWzHigh: Push(z80, bus, HighByte(z80.wz)); break;
-    case kPushLow: Push(z80, bus, LowByte(word)); break;
-    case kPushHigh: Push(z80, bus, HighByte(word)); break;
+    case kPushLow: Push(z80, bus, LowByte(word())); break;
+    case kPushHigh: Push(z80, bus, HighByte(word())); break;
     case kPopWzLow: SetLowByte(z80.wz, Pop(z80, bus)); break;
     case kPopWzHigh: SetHighByte(z80.wz, Pop(z80, bus)); break;
-    case kPopLow: SetLowByte(word, Pop(z80, bus)); break;
-    case kPopHigh: SetHighByte(word, Pop(z80, bus)); break;
+    case kPopLow: SetLowByte(word(), Pop(z80, bus)); break;
+    case kPopHigh: SetHighByte(word(), Pop(z80, bus)); break;
     case kIndexedOpcode: z80.opcode = ReadOperand(z80, bus); break;
     default: Z80Operate(z80, step); break;
     }

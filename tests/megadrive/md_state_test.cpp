@@ -195,6 +195,39 @@ MdProgram Waiting() {
     return program;
 }
 
+// The 68000 waits in loops of every kind: for an interrupt's count in its RAM, for a byte that the Z80 writes through
+// its window, for a bit of the VDP's status, and for a DMA to end; between them it counts and takes the Z80's bus.
+MdProgram Polling() {
+    MdProgram program;
+    program.VdpRegister(0, 0x14).VdpRegister(1, 0x74).VdpRegister(10, 0x25).VdpRegister(12, 0x81);
+    program.VdpRegister(15, 2).StartZ80(0x100);
+    program.Words({0x46FC, 0x2300, 0x41F9}).Long(0xFF2000); // move #,sr; lea RAM,a0
+    const uint32_t loop = program.Here();
+    program.Words({0x3010, 0xB050, 0x67FC});                         // move.w (a0),d0; cmp; beq
+    program.Words({0x4A39}).Long(0xFF8010).Words({0x67F8});          // tst.b; beq
+    program.Words({0x4239}).Long(0xFF8010).Words({0x5268, 0x0020});  // clr.b; addq.w #1,32(a0)
+    program.Words({0x1228, 0x0001, 0x0201, 0x0003, 0x0C01, 0x0002}); // move.b; andi; cmpi
+    program.Words({0x6600, 0xFFF2});                                 // bne.w to the move
+    program.Words({0x0839, 0x0003}).Long(0xC00005).Words({0x67F6});  // btst #3,status; beq
+    program.VdpRegister(19, 0x80).VdpRegister(20, 0x01);
+    program.VdpRegister(21, 0x00).VdpRegister(22, 0x01).VdpRegister(23, 0x00);
+    program.StoreLong(0xC00004, 0x40000080); // 384 words of the ROM to video memory
+    program.StoreWord(0xA11100, 0x100).Words({0x33F9}).Long(0xA01E00).Long(0xFF2030);
+    program.StoreWord(0xA11100, 0).Words({0x4DE8, 0x0010, 0x4A56}); // lea 16(a0),a6; tst.w (a6)
+    program.Words({0x6000, static_cast<int>((loop - program.Here() - 2) & 0xFFFF)});
+    program.At(kMdHorizontal).Words({0x52B9}).Long(0xFF2010).Words({0x4E73});
+    program.At(kMdVertical).Words({0x5279}).Long(0xFF2000).Words({0x4E73});
+    program.Bytes(kMdZ80Code, {0xF3, 0x31, 0xFF, 0x1F});
+    uint32_t at = kMdZ80Code + 4;
+    for (int bit = 15; bit < 24; ++bit, at += 5) {
+        program.Bytes(at, {0x3E, 0xFF8000 >> bit & 1, 0x32, 0x00, 0x60});
+    }
+    // ld hl,1E00; loop: ld b,0; djnz; inc (hl); ld a,(hl); ld (8010),a; jr loop
+    program.Bytes(
+        at, {0x21, 0x00, 0x1E, 0x06, 0x00, 0x10, 0xFE, 0x34, 0x7E, 0x32, 0x10, 0x80, 0x18, 0xF5});
+    return program;
+}
+
 struct CASE {
     const char* name;
     const char* title;   // of the header
@@ -274,6 +307,17 @@ TEST(MdState, FastAndPlainFramesOfAWaitingZ80AreTheSame) {
     EXPECT_GT(MdPeekByte(machine->Console(), 0xFF2000), 0U);
     EXPECT_GT(machine->Console().z80Ram[0x1E00], 0U);
     EXPECT_GT(machine->Console().z80Ram[0x1E01], 0U);
+}
+
+// The rounds of its loops are skipped in one.
+TEST(MdState, FastAndPlainFramesOfAWaiting68000AreTheSame) {
+    const auto start = [] { return StartMd(Polling()); };
+    ExpectFastAndPlainAlike(start, Play);
+    const auto machine = start();
+    Play(*machine, 0, 60);
+    EXPECT_GT(machine->Console().workRam[0x2020 / 2], 10U) << "it comes through all its loops";
+    EXPECT_GT(machine->Console().workRam[0x2030 / 2], 0U);
+    EXPECT_EQ(machine->Console().vdp.vram[1], 0x33U) << "the first word of the program";
 }
 
 TEST_P(EveryMdState, LoadsAtAnyFrameOfItsOwnRun) {

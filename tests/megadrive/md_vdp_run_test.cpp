@@ -25,6 +25,11 @@ TEST(MdVdpRun, IsTheSameAsSingleClocks) {
         MdVdpRig single;
         Randomize(many, seed);
         Randomize(single, seed);
+        // The loops with vectors against those without; in every fourth run neither has any.
+        single.vdp->wide = 0;
+        if (seed % 4 == 3) {
+            many.vdp->wide = 0;
+        }
         std::mt19937 random(seed);
         std::mt19937 manyAccess(seed);
         std::mt19937 singleAccess(seed);

@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 
 namespace {
 
@@ -33,7 +33,7 @@ std::string Reason(int error) {
     case ENOENT:
     case ENODEV:
     case EOPNOTSUPP: return "this processor has no counter for them";
-    default: return std::strerror(error);
+    default: return std::generic_category().message(error);
     }
 }
 

@@ -159,8 +159,9 @@ TEST_F(WindowTest, AFileDroppedOnItIsPlayed) {
 TEST_F(WindowTest, PlaysOnWithoutItsSoundDeviceAndFindsItAgain) {
     Application application;
     ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_TRUE(RunUntil(application, [] { return SoundDeviceNumber() != 0; }))
+        << "SDL's dummy driver";
     const uint32_t device = SoundDeviceNumber();
-    ASSERT_NE(device, 0u) << "SDL's dummy driver";
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
     SDL_Event event{};
@@ -186,6 +187,9 @@ TEST_F(WindowTest, FindsASoundDriverThatWasMissingAtTheStart) {
     {
         Application application;
         ASSERT_NO_FATAL_FAILURE(Start(application));
+        ASSERT_TRUE(RunUntil(application, [] {
+            return testing::Matches(Contains(HasSubstr("no sound")))(ProgramNotices().Lines(0));
+        }));
         EXPECT_EQ(SoundDeviceNumber(), 0u);
         SDL_setenv("SDL_AUDIODRIVER", driver.c_str(),
                    1); // time does not advance, so nothing retries

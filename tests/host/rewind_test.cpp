@@ -12,6 +12,7 @@ namespace {
 
 constexpr uint64_t kMebibyte = 1 << 20;
 constexpr uint64_t kMost = 1024 * kMebibyte;
+constexpr uint64_t kNoiseBytes = 65536; // of a state that cannot be packed
 
 using State = std::vector<uint8_t>;
 
@@ -218,12 +219,12 @@ TEST(Rewind, RandomPushesAndPopsAreThoseOfAPlainList) {
 
 // States of random bytes cannot be packed, so a limit of ten of them holds ten less the head's buffers.
 TEST(Rewind, OldestGoesWhenTheLimitIsReached) {
-    constexpr uint64_t kLimit = 10 * 65536;
+    constexpr uint64_t kLimit = 10 * kNoiseBytes;
     std::mt19937 random(1);
     REWIND_STACK stack;
     std::vector<State> reference;
     for (int i = 0; i < 40; ++i) {
-        reference.push_back(Noise(random, 65536));
+        reference.push_back(Noise(random, kNoiseBytes));
         ASSERT_TRUE(Push(stack, reference.back(), kLimit));
         EXPECT_LE(RewindBytes(stack), kLimit);
     }
@@ -237,13 +238,13 @@ TEST(Rewind, ASmallerLimitHoldsFromTheNextPush) {
     std::mt19937 random(2);
     REWIND_STACK stack;
     for (int i = 0; i < 40; ++i) {
-        ASSERT_TRUE(Push(stack, Noise(random, 65536), 100 * 65536));
+        ASSERT_TRUE(Push(stack, Noise(random, kNoiseBytes), 100 * kNoiseBytes));
     }
     EXPECT_EQ(stack.rewindCount, 40u);
-    const State last = Noise(random, 65536);
-    ASSERT_TRUE(Push(stack, last, 10 * 65536));
+    const State last = Noise(random, kNoiseBytes);
+    ASSERT_TRUE(Push(stack, last, 10 * kNoiseBytes));
     EXPECT_EQ(stack.rewindCount, 7u);
-    EXPECT_LE(RewindBytes(stack), 10u * 65536);
+    EXPECT_LE(RewindBytes(stack), 10 * kNoiseBytes);
     EXPECT_EQ(Head(stack), last);
 }
 

@@ -64,7 +64,7 @@ void RewindPushWhenFull(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
         uint32_t bytes = 0;
         StateBlob blob = session->machine->SaveState(bytes);
-        RewindPush(session->rewind, std::move(blob), bytes, limit);
+        benchmark::DoNotOptimize(RewindPush(session->rewind, std::move(blob), bytes, limit));
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * size);
 }

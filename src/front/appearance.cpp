@@ -14,8 +14,7 @@ namespace {
 constexpr int32_t kFontSize = 14; // that of the default font
 
 // Empty without a theme of the player's.
-std::string PlayersTheme() {
-    const std::filesystem::path path = ResolvePath(".\\theme.xml");
+std::string PlayersTheme(const std::filesystem::path& path) {
     std::error_code missing;
     if (!std::filesystem::exists(path, missing)) {
         return {};
@@ -30,6 +29,12 @@ std::string PlayersTheme() {
     return {bytes.begin(), bytes.end()};
 }
 
+// Without the main menu's buttons a player sees nothing and can ask for nothing.
+bool ShowsTheMenu() {
+    GhostButtonStyle button;
+    return CGhostTheme::Get().GetStyle(L"BUTTON", button);
+}
+
 } // namespace
 
 void LoadAppearance() {
@@ -39,6 +44,12 @@ void LoadAppearance() {
     // Chosen before the theme asks for fonts: one of those could be taken for it.
     static_cast<void>(CGhostFontManager::Get().DefaultFont());
     SetThemeImages(BuiltInImages());
-    const std::string theme = PlayersTheme();
+    const std::filesystem::path path = ResolvePath(".\\theme.xml");
+    const std::string theme = PlayersTheme(path);
     CGhostTheme::Get().ParseTheme(theme.empty() ? BuiltInTheme() : theme);
+    if (!theme.empty() && !ShowsTheMenu()) {
+        PostReport(path.string() +
+                   ": is not a theme, or has no buttons; the built-in theme is used");
+        CGhostTheme::Get().ParseTheme(BuiltInTheme());
+    }
 }

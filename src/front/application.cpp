@@ -260,11 +260,14 @@ bool Application::UpdateScreen(const PUMP_EVENTS& events) {
     return screenNews || pictureNews;
 }
 
-// The screens of the room and the program have their own.
+// The program's screen has its own.
 void Application::ShowSavedStates(const PUMP_EVENTS& events) {
-    if (states != nullptr && states->Update({events, pump.Mouse(), Target(), Now()}) && playing) {
+    if (states == nullptr || !states->Update({events, pump.Mouse(), Target(), Now()})) {
+        return;
+    }
+    if (SAVED_STATES_GAME game = gameOfStates(); game.serial != 0) {
         NeedAppearance();
-        states->Open({kFrontTelevision, playedSerial, playedTitle, {}});
+        states->Open(std::move(game));
     }
 }
 
@@ -292,6 +295,9 @@ void Application::Show(std::unique_ptr<Screen> next) {
 void Application::ShowGame() {
     Show(std::make_unique<GameScreen>(televisions, view, lightGun, kFrontTelevision));
     states = std::make_unique<SavedStates>();
+    gameOfStates = [this] {
+        return SAVED_STATES_GAME{kFrontTelevision, playing ? playedSerial : 0, playedTitle, {}};
+    };
 }
 
 void Application::NeedAppearance() {
@@ -354,6 +360,12 @@ RoomScreen& Application::ShowRoom(std::vector<OPENED_GAME> games) {
         std::move(games));
     RoomScreen& shown = *room;
     Show(std::move(room));
+    states = std::make_unique<SavedStates>();
+    gameOfStates = [&shown] {
+        const uint32_t key = shown.Selected().id;
+        const RoomGames& sets = shown.Games();
+        return SAVED_STATES_GAME{key, sets.SerialOn(key), sets.TitleOn(key), {}};
+    };
     return shown;
 }
 
@@ -399,7 +411,7 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
 void Application::PlayDroppedFile(const std::string& path) {
     OPENED_GAME opened;
     std::string error;
-    if (!OpenForPlaying(path, nullptr, opened, error)) {
+    if (!OpenForPlaying(path, {}, opened, error)) {
         PostReport(error);
         return;
     }

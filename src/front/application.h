@@ -24,6 +24,7 @@
 #include "front/window.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,6 +35,7 @@ class RoomScreen;
 class SaveKeeper;
 enum class ResumeKind : uint8_t;
 class SavedStates;
+struct SAVED_STATES_GAME;
 struct OPENED_GAME;
 
 // The session key of the television that fills the window.
@@ -92,7 +94,7 @@ public:
     [[nodiscard]] const GAME_VIEW& View() const { return view; }
 
     [[nodiscard]] const GuiOverlay& Gui() const { return gui; }
-    // Those of the game that is shown alone; null while the room or the program is shown.
+    // Those of the game that is shown alone, or that the player of the room looks at; null while the program is shown.
     [[nodiscard]] SavedStates* States() const { return states.get(); }
 
 private:
@@ -135,7 +137,8 @@ private:
     GuiOverlay gui;
     FramePacer pacer;
     std::string title;
-    std::unique_ptr<SavedStates> states; // while the game alone is shown
+    std::unique_ptr<SavedStates> states;             // while the game alone or the room is shown
+    std::function<SAVED_STATES_GAME()> gameOfStates; // while `states` is there; serial 0: none
     std::string playedTitle;
     uint32_t playedSerial = 0;
     bool quit = false; // the player has chosen to end the program

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cwctype>
 #include <utility>
 
 namespace {
@@ -29,9 +30,14 @@ void AddRecord(PUMP_EVENTS& events, const GUI_INPUT& record) {
     (InputWalkingRoom() ? events.screen : events.gui).push_back(record);
 }
 
-// The character of a key: the library's key code, unless the key has none.
-uint32_t KeyCharacter(SDL_Keycode key) {
-    return key > 0 && (key & SDLK_SCANCODE_MASK) == 0 ? static_cast<uint32_t>(key) : 0;
+// The character of a key: the library's key code, unless the key has none or is part of a chord.
+uint32_t KeyCharacter(const SDL_Keysym& key) {
+    if (key.sym <= 0 || (key.sym & SDLK_SCANCODE_MASK) != 0 ||
+        (key.mod & (KMOD_CTRL | KMOD_ALT | KMOD_GUI)) != 0) {
+        return 0;
+    }
+    const auto character = static_cast<wint_t>(key.sym);
+    return (key.mod & KMOD_SHIFT) != 0 ? std::towupper(character) : character;
 }
 
 // A chord with alt, ctrl or the system key is the desktop's or a binding's, as Alt + F4 is.
@@ -154,7 +160,7 @@ void EventPump::HandleKey(const SDL_KeyboardEvent& event, PUMP_EVENTS& events) {
     record.kind = down ? GuiInputKind::kKeyDown : GuiInputKind::kKeyUp;
     record.repeat = repeat;
     record.key = scancode;
-    record.character = KeyCharacter(event.keysym.sym);
+    record.character = KeyCharacter(event.keysym);
     AddRecord(events, record);
 }
 

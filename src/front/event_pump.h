@@ -44,8 +44,8 @@ struct GUI_INPUT {
     uint32_t button = 0; // 1 left, 2 middle, 3 right, then the side buttons
     int32_t wheel = 0;   // -1 up, +1 down; one record for each step
     uint32_t key = 0;    // scancode
-    // Of a key: its character in the current layout, without modifiers; 0 if it has none. Of text: the
-    // typed character, 32 or more.
+    // Of a key: its character in the current layout, a capital with shift; 0 if it has none or is part of a chord with
+    // ctrl, alt or the system key. Of text: the typed character, 32 or more.
     uint32_t character = 0;
 };
 

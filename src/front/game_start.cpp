@@ -35,7 +35,8 @@ uint32_t GoOn(uint32_t sessionKey, const OPENED_GAME& opened, const GAME_RESUME&
         return 0;
     }
     const uint32_t serial = StartSession(
-        sessionKey, opened, {resume.file, resume.texts, std::move(snapshot.state)}, error);
+        sessionKey, opened,
+        {resume.file, resume.texts, std::move(snapshot.state), snapshot.secondsPlayed}, error);
     if (serial != 0 && resume.from != resume.file) {
         std::error_code ignored; // the session writes its own within ten seconds
         fs::rename(resume.from, resume.file, ignored);

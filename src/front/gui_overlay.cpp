@@ -30,6 +30,15 @@ bool TypedInto(const GHOSTMANAGER_WINDOW* focus) {
     return false;
 }
 
+// What a key itself types, by which a list finds its rows. While a field has the focus its text comes apart from the
+// keys.
+int32_t LetterOf(const GUI_INPUT& key) {
+    constexpr uint32_t kFirst = 32; // below are controls, such as return
+    constexpr uint32_t kDelete = 127;
+    const bool letter = key.character >= kFirst && key.character != kDelete;
+    return letter && SDL_IsTextInputActive() == SDL_FALSE ? static_cast<int32_t>(key.character) : 0;
+}
+
 } // namespace
 
 void PostGuiInput(const GUI_INPUT& input) {
@@ -57,6 +66,7 @@ void PostGuiInput(const GUI_INPUT& input) {
     case GuiInputKind::kKeyDown:
         record.keyDown = true;
         record.repeat = input.repeat;
+        record.character = LetterOf(input);
         break;
     case GuiInputKind::kKeyUp: record.keyUp = true; break;
     case GuiInputKind::kText: record.character = static_cast<int32_t>(input.character); break;
@@ -122,6 +132,7 @@ bool GuiOverlay::Update(const PUMP_EVENTS& events, const DRAW_TARGET& target, in
     constexpr int64_t kLongestTick = 1000000; // after a standstill
     manager.Tick(static_cast<uint32_t>(std::clamp<int64_t>(now - lastTick, 0, kLongestTick)));
     lastTick = now;
+    manager.ReturnFocusToTabStop();
     cursors.Update();
     TakeText(TypedInto(manager.FocusWindow()));
     return !manager.DirtyRect().Empty();

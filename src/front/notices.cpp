@@ -15,7 +15,7 @@ constexpr int64_t kMicroseconds = 1000000;
 void Notices::Post(const std::string& text, int64_t now, Kind kind) {
     const std::scoped_lock hold(lock);
     std::erase_if(lines, [&](const LINE& line) { return line.text == text; });
-    lines.push_back({text, now + kSecondsShown * kMicroseconds, kind});
+    lines.push_back({text, kind});
     if (lines.size() > kMostLines) {
         KeepAsUnread(lines.front(), now);
         lines.pop_front();
@@ -47,8 +47,9 @@ std::vector<std::string> Notices::Lines(int64_t now) {
     const std::scoped_lock hold(lock);
     std::erase_if(lines, [&](const LINE& line) { return line.until <= now; });
     std::vector<std::string> texts;
-    for (const LINE& line : lines) {
+    for (LINE& line : lines) {
         texts.push_back(line.text);
+        line.until = std::min(line.until, now + kSecondsShown * kMicroseconds);
     }
     return texts;
 }

@@ -19,7 +19,8 @@ public:
 
     enum class Kind : uint8_t { kWord, kFault };
 
-    // `now` in microseconds of any steady clock. A line that is already shown starts its time again.
+    // `now` in microseconds of any steady clock. A line's time starts when it is first shown, as the program may still
+    // be starting; one that is already shown starts again.
     void Post(const std::string& text, int64_t now, Kind kind = Kind::kWord);
 
     // The lines to show, oldest first; drops those whose time is over.
@@ -31,8 +32,8 @@ public:
 private:
     struct LINE {
         std::string text;
-        int64_t until;
         Kind kind;
+        int64_t until = INT64_MAX; // that has not been shown yet
     };
 
     void KeepAsUnread(const LINE& line, int64_t now);

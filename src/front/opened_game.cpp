@@ -8,6 +8,7 @@
 #include "host/machine_list.h"
 #include "library/convert.h"
 #include "library/game_source.h"
+#include "library/patched_game.h"
 
 #include <filesystem>
 #include <system_error>
@@ -27,7 +28,43 @@ bool CheckMachine(const std::string& game, uint16_t system, std::string& error) 
     return false;
 }
 
+void Tell(const std::string& line) {
+    Complain(line);
+    PostNotice(line);
+}
+
+bool OpenFile(const std::string& game, const OPENING& opening, OPENED_GAME& opened,
+              std::string& error) {
+    std::string note;
+    if (!OpenGame(game, opening.system, opened.game, opened.title, note, error)) {
+        return false;
+    }
+    if (!note.empty()) {
+        Tell(note);
+    }
+    std::error_code ignored;
+    opened.file = std::filesystem::absolute(game, ignored).lexically_normal().string();
+    if (opening.patched && opening.patch.empty()) {
+        ApplyPatchBeside(opened);
+    }
+    opened.options = DefaultMachineOptions(opened.game);
+    return true;
+}
+
 } // namespace
+
+void ApplyPatchBeside(OPENED_GAME& opened) {
+    const std::filesystem::path patch = PatchBeside(opened.file);
+    if (patch.empty()) {
+        return;
+    }
+    std::string error;
+    if (PatchGame(patch, opened.game, error)) {
+        Tell(patch.filename().string() + ": this patch has been put into the game");
+    } else {
+        Tell(error + "; the game is played without it");
+    }
+}
 
 bool OpenDemo(std::string_view name, OPENED_GAME& opened) {
     for (const DEMO& demo : Demos()) {
@@ -44,25 +81,18 @@ bool OpenDemo(std::string_view name, OPENED_GAME& opened) {
     return false;
 }
 
-bool OpenForPlaying(const std::string& game, const MACHINE_FACTS* system, OPENED_GAME& opened,
+bool OpenForPlaying(const std::string& game, const OPENING& opening, OPENED_GAME& opened,
                     std::string& error) {
     if (game.starts_with(kDemoPrefix)) {
         if (!OpenDemo(std::string_view(game).substr(kDemoPrefix.size()), opened)) {
             error = game + ": no such demo; play --help lists them";
             return false;
         }
-    } else {
-        std::string note;
-        if (!OpenGame(game, system, opened.game, opened.title, note, error)) {
-            return false;
-        }
-        if (!note.empty()) {
-            Complain(note);
-            PostNotice(note);
-        }
-        std::error_code ignored;
-        opened.file = std::filesystem::absolute(game, ignored).lexically_normal().string();
-        opened.options = DefaultMachineOptions(opened.game);
+    } else if (!OpenFile(game, opening, opened, error)) {
+        return false;
+    }
+    if (!opening.patch.empty() && !PatchGame(opening.patch, opened.game, error)) {
+        return false;
     }
     return CheckMachine(game, opened.game.Header().system, error);
 }

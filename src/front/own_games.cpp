@@ -44,12 +44,36 @@ std::vector<uint8_t> GameOf(const DEMO& demo) {
     return {};
 }
 
-void WriteNew(const fs::path& file, const std::vector<uint8_t>& bytes) {
+// The first fault is kept; the others mostly have the same cause.
+void WriteNew(const fs::path& file, const std::vector<uint8_t>& bytes, std::string& fault) {
     std::error_code code;
     std::string error;
     if (!bytes.empty() && !fs::exists(file, code) &&
-        !WriteFile(file, bytes, error, WriteMode::kCreate)) {
-        PostReport(error);
+        !WriteFile(file, bytes, error, WriteMode::kCreate) && fault.empty()) {
+        fault = error;
+    }
+}
+
+void MakeFolders(std::string& fault) {
+    for (const MACHINE_FACTS& machine : MachineFacts()) {
+        const fs::path folder = HomeFolder() / machine.folder;
+        std::error_code code;
+        fs::create_directories(folder, code);
+        if (code && fault.empty()) {
+            fault = folder.string() + ": folder cannot be made: " + code.message();
+        }
+    }
+}
+
+void WriteGames(std::string& fault) {
+    for (const DEMO& demo : Demos()) {
+        const std::vector<uint8_t> media = MediaOf(demo);
+        if (media.empty()) {
+            continue; // a test program
+        }
+        const fs::path folder = HomeFolder() / FindMachineFacts(demo.system)->folder;
+        WriteNew(folder / (FileNameFromTitle(demo.title) + ".game"), GameOf(demo), fault);
+        WriteNew(folder / "media" / (std::string(demo.name) + ".zip"), media, fault);
     }
 }
 
@@ -59,21 +83,12 @@ void InstallOwnGames() {
     if (Settings().GetInt(kSetting) >= kThisSet) {
         return;
     }
-    Settings().SetInt(kSetting, kThisSet);
-    for (const MACHINE_FACTS& machine : MachineFacts()) {
-        std::error_code code;
-        fs::create_directories(HomeFolder() / machine.folder, code);
-        if (code) {
-            PostReport((HomeFolder() / machine.folder).string() + ": " + code.message());
-        }
-    }
-    for (const DEMO& demo : Demos()) {
-        const std::vector<uint8_t> media = MediaOf(demo);
-        if (media.empty()) {
-            continue; // a test program
-        }
-        const fs::path folder = HomeFolder() / FindMachineFacts(demo.system)->folder;
-        WriteNew(folder / (FileNameFromTitle(demo.title) + ".game"), GameOf(demo));
-        WriteNew(folder / "media" / (std::string(demo.name) + ".zip"), media);
+    std::string fault;
+    MakeFolders(fault);
+    WriteGames(fault);
+    if (fault.empty()) {
+        Settings().SetInt(kSetting, kThisSet);
+    } else {
+        PostReport(fault + "; some games of our own are missing until a start that can write them");
     }
 }

@@ -6,5 +6,5 @@
 #pragma once
 
 // Makes the folders of all systems, and writes the games that have media. Nothing that is there is replaced; what
-// cannot be written is reported.
+// cannot be written is reported, and tried again with the next start.
 void InstallOwnGames();

@@ -308,8 +308,8 @@ void ProgramScreen::ShowSavedStates() {
                  }});
 }
 
-// Menu, panel and browser are as the mode says. The room has no panel open behind it: what was played there is new
-// to a browser that is opened again.
+// Shows what the mode says: menu, panel or browser. The room leaves none of them open behind it, so the browser is made
+// anew and knows what was played meanwhile.
 void ProgramScreen::FitScreens() {
     const ProgramMode mode = room.Modes().Mode();
     if (mode == shownMode) {
@@ -396,6 +396,7 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
     opened.hasBios = game.hasSecond;
     opened.title = std::move(game.title);
     opened.options = game.options;
+    ApplyPatchBeside(opened);
     room.Play(key, std::move(opened));
     wanted.push_back(ModeInput::kGameStarted);
 }
@@ -411,7 +412,7 @@ bool ProgramScreen::TakeDroppedFiles(const std::vector<std::string>& files) {
 void ProgramScreen::PlayFile(const std::filesystem::path& file) {
     OPENED_GAME opened;
     std::string error;
-    if (!OpenForPlaying(file.string(), nullptr, opened, error)) {
+    if (!OpenForPlaying(file.string(), {}, opened, error)) {
         CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
         return;
     }

@@ -145,7 +145,7 @@ std::string ResumeTitle(const STATE_SNAPSHOT& label) {
 
 bool OpenResumed(const STATE_SNAPSHOT& label, OPENED_GAME& opened, std::string& error) {
     const std::string file = FileOf(SnapshotText(label, kGame.file));
-    if (file.empty() || !OpenForPlaying(file, nullptr, opened, error)) {
+    if (file.empty() || !OpenForPlaying(file, {}, opened, error)) {
         error = file.empty() ? "does not say which game it is of" : error;
         return false;
     }

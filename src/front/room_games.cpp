@@ -1,7 +1,9 @@
 #include "front/room_games.h"
 
+#include "base/helper_thread.h"
 #include "host/session.h"
 
+#include <thread>
 #include <utility>
 
 RoomGames::RoomGames(std::vector<OPENED_GAME> openedGames, ResumeGames* resume)
@@ -70,12 +72,24 @@ void RoomGames::OrderStop(uint32_t key, SessionEnd end) {
     worker.Order({set->second.order, key, nullptr, {}, end});
 }
 
+// All at once: each waits for the end of its machine's frame and for the disk.
 void RoomGames::StopAll() {
-    for (const auto& [key, set] : sets) {
-        OrderStop(key, SessionEnd::kProgramEnds);
-    }
     worker.Finish();
-    static_cast<void>(Collect());
+    for (const SESSION_RESULT& result : worker.TakeResults()) {
+        TakeOver(result);
+    }
+    std::vector<std::thread> stops;
+    stops.reserve(sets.size());
+    for (const auto& [key, set] : sets) {
+        stops.emplace_back([key = key] {
+            HelperBegins();
+            static_cast<void>(EmuStopSession(key, SessionEnd::kProgramEnds));
+        });
+    }
+    for (std::thread& stop : stops) {
+        stop.join();
+    }
+    sets.clear();
 }
 
 std::vector<GAME_FAILURE> RoomGames::Collect() {

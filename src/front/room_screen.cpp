@@ -16,6 +16,7 @@
 #include "host/session.h"
 #include "host/session_list.h"
 #include "room/look_stick.h"
+#include "room/room_place.h"
 #include "room/standpoint.h"
 #include "screens/play_keys.h"
 #include "settings/bindings.h"
@@ -26,10 +27,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace {
 
+constexpr const wchar_t* kPlaceSetting = L"room_place";
 constexpr uint32_t kNoSession = 0; // no set has this key
 constexpr uint32_t kEscape = 41;   // scancodes
 constexpr uint32_t kPageUp = 75;
@@ -127,7 +130,7 @@ RoomScreen::RoomScreen(const ROOM_SURROUNDINGS& surroundings, std::vector<OPENED
     StartRenderer();
     objects.Build([this](std::string_view file) { return renderer.LoadModel(file); });
     PlaceTelevisionSounds(objects);
-    StandAtDoor();
+    StandAtStart();
     ApplyModes();
 }
 
@@ -161,6 +164,9 @@ void RoomScreen::NotePointer(const SCREEN_INPUT& input, bool padUsed) {
 
 RoomScreen::~RoomScreen() {
     games.StopAll();
+    if (around.resumeGames != nullptr) {
+        Settings().SetString(kPlaceSetting, WideFromUtf8(RoomPlaceText(camera)));
+    }
     SoundSetRoomVisible(false);
     around.televisions.ShowInRoom(false);
 }
@@ -184,8 +190,14 @@ void RoomScreen::StandAt(VECTOR3 from, VECTOR3 at) {
     camera.SetUp(1.0f, from, at);
 }
 
-void RoomScreen::StandAtDoor() {
-    camera.SetUp(1.0f);
+void RoomScreen::StandAtStart() {
+    const std::string kept =
+        around.resumeGames != nullptr ? Utf8FromWide(Settings().GetString(kPlaceSetting)) : "";
+    if (const std::optional<ROOM_PLACE> place = ReadRoomPlace(kept, objects)) {
+        StandAt(place->from, place->at);
+    } else {
+        camera.SetUp(1.0f);
+    }
     visited = 0;
 }
 
@@ -398,7 +410,7 @@ ModeOrder RoomScreen::Take(ModeInput input) {
     const ModeOrder order = modes.Take(input, facts);
     switch (order) {
     case ModeOrder::kStopGame: StopSelected(); break;
-    case ModeOrder::kResetCamera: StandAtDoor(); break;
+    case ModeOrder::kResetCamera: StandAtStart(); break;
     case ModeOrder::kResetGame: static_cast<void>(EmuResetSession(selected.id)); break;
     default: break;
     }

@@ -96,8 +96,8 @@ public:
 
     // Stands the player somewhere else.
     void StandAt(VECTOR3 from, VECTOR3 at);
-    // At the door, where the room is entered.
-    void StandAtDoor();
+    // Where he stood when the program last ended; at the door if that is not known, or something stands there now.
+    void StandAtStart();
 
     // While something of the owner's has the keys nobody walks or plays.
     void HoldPlayer(bool hold) { playerWaits = hold; }

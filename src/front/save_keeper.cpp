@@ -13,6 +13,16 @@ constexpr int kResumePeriods = 10;
 
 } // namespace
 
+void KeepSaves(const std::function<bool()>& nextSecond, const std::function<void()>& keepBatteries,
+               const std::function<void()>& keepResumeFiles) {
+    for (int periods = 1; nextSecond(); ++periods) {
+        keepBatteries();
+        if (periods % kResumePeriods == 0) {
+            keepResumeFiles();
+        }
+    }
+}
+
 SaveKeeper::SaveKeeper()
     : thread([this] { Run(); }) {}
 
@@ -27,14 +37,9 @@ SaveKeeper::~SaveKeeper() {
 
 void SaveKeeper::Run() {
     HelperBegins();
-    int periods = 0;
-    std::unique_lock hold(lock);
-    while (!changed.wait_for(hold, kPeriod, [this] { return end; })) {
-        hold.unlock();
-        EmuKeepBatteries();
-        if (++periods % kResumePeriods == 0) {
-            EmuKeepResumeFiles();
-        }
-        hold.lock();
-    }
+    const auto nextSecond = [this] {
+        std::unique_lock hold(lock);
+        return !changed.wait_for(hold, kPeriod, [this] { return end; });
+    };
+    KeepSaves(nextSecond, EmuKeepBatteries, EmuKeepResumeFiles);
 }

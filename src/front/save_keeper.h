@@ -7,7 +7,12 @@
 #include "base/ranked_mutex.h"
 
 #include <condition_variable>
+#include <functional>
 #include <thread>
+
+// What the thread does until `nextSecond`, which waits for the next second, returns false.
+void KeepSaves(const std::function<bool()>& nextSecond, const std::function<void()>& keepBatteries,
+               const std::function<void()>& keepResumeFiles);
 
 class SaveKeeper {
 public:

@@ -105,15 +105,14 @@ void SavedStates::TakeAnswers() {
             return;
         }
         const bool isShown = IsShown() && answer->order.serial == game.serial;
-        const bool loads = answer->order.act == SlotAct::kLoad;
         if (isShown) {
             panel.Take(*answer);
         }
-        // What the panel does not show, or shows no more.
-        if (!answer->text.empty() && !IsShown()) {
+        // What the panel does not show, as it is of another game, or shows no more.
+        if (!answer->text.empty() && !(isShown && IsShown())) {
             if (answer->done) {
                 PostNotice(answer->text +
-                           (loads ? ". Undo Load in Saved States takes it back" : ""));
+                           (answer->undoable ? ". Undo Load in Saved States takes it back" : ""));
             } else {
                 PostReport(answer->text);
             }

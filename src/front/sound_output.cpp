@@ -4,12 +4,12 @@
 #include "front/event_pump.h"
 #include "front/notices.h"
 
-#include <chrono>
 #include <utility>
 
 namespace {
 
 constexpr int64_t kRetryMicroseconds = 2'000'000;
+constexpr int64_t kPatienceMicroseconds = 3'000'000; // with the first attempt
 
 bool OpenProgramsSound(std::string& error) {
     if (!OpenSoundDevice(error)) {
@@ -40,18 +40,8 @@ void SoundOutput::Start(int64_t now) {
     Stop();
     silenceSaid = false;
     worker = std::thread([this] { Work(); });
+    started = now;
     Order(Task::kOpen);
-    {
-        std::unique_lock hold(lock);
-        const std::chrono::milliseconds patience(calls.startPatience);
-        changed.wait_for(hold, patience, [this] { return task == Task::kNone; });
-    }
-    if (!Trying()) {
-        Learn(now);
-        return;
-    }
-    silenceSaid = true;
-    PostReport("no sound: the device does not answer; playing without sound");
 }
 
 void SoundOutput::Watch(const PUMP_EVENTS& events, int64_t now) {
@@ -62,6 +52,7 @@ void SoundOutput::Watch(const PUMP_EVENTS& events, int64_t now) {
         gone = events.outputGone;
     }
     if (Trying()) {
+        SayThatItDoesNotAnswer(now);
         return;
     }
     if (state == State::kTrying) {
@@ -97,6 +88,13 @@ void SoundOutput::Order(Task wanted) {
         task = wanted;
     }
     changed.notify_all();
+}
+
+void SoundOutput::SayThatItDoesNotAnswer(int64_t now) {
+    if (!silenceSaid && now - started >= kPatienceMicroseconds) {
+        silenceSaid = true;
+        PostReport("no sound: the device does not answer; playing without sound");
+    }
 }
 
 // The attempt has ended.

@@ -25,7 +25,6 @@ struct SOUND_OUTPUT_CALLS {
     std::function<bool(std::string& error)> open; // device and pump
     std::function<void()> close;                  // both; also called when nothing is open
     std::function<uint32_t()> number;             // of the open device, as in SDL's events
-    uint32_t startPatience = 3000;                // the longest wait of Start, in milliseconds
 };
 
 class SoundOutput {
@@ -36,7 +35,8 @@ public:
     SoundOutput(const SoundOutput&) = delete;
     SoundOutput& operator=(const SoundOutput&) = delete;
 
-    // Opens the device. If it does not answer in time, Watch gets the result. `now` in microseconds.
+    // Begins to open the device; Watch gets the result. The first picture does not wait for a sound server, and games
+    // that run by then are heard from there on. `now` in microseconds.
     void Start(int64_t now);
 
     // Gets the result of an attempt, notices a lost device, and starts the next attempt when it is due.
@@ -54,6 +54,7 @@ private:
     enum class Task { kNone, kOpen, kReopen, kEnd };
 
     void Order(Task wanted);
+    void SayThatItDoesNotAnswer(int64_t now);
     void Learn(int64_t now);
     void Lose();
     void Work();
@@ -62,6 +63,7 @@ private:
 
     // Used by the main thread only.
     State state = State::kStopped;
+    int64_t started = 0;      // microseconds
     int64_t lastTry = 0;      // microseconds, when the last attempt's end was noticed
     bool silenceSaid = false; // the player has been told that there is no sound
     uint32_t gone = 0;        // number of a device that was lost during the attempt

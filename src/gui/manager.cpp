@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -47,7 +48,7 @@ void CGhostManager::Reset() {
     clipboard.clear();
     hasClipboard = captureInFrame = toolTipVisible = false;
     cursorX = cursorY = lastClickButton = 0;
-    cursorIndex = 0;
+    cursorIndex = lastTabStop = 0;
     timeMicroseconds = lastActivity = lastClickTimeMs = 0;
     dirtyRect = screenRect;
     times = {};
@@ -357,10 +358,31 @@ void CGhostManager::Repaint(GHOSTMANAGER_WINDOW& window) {
         handler->dirty = false;
     }
     if (surface != nullptr) {
-        if (host.upload) {
-            host.upload(window.id, surface->Pixels(), surface->Stride());
-        }
+        Upload(window, *surface);
         AddDirty(window);
+    }
+}
+
+// A large window of one colour, as behind a message box, has a texture of one pixel, which is drawn over all of its
+// place: its pixels would take milliseconds to fill and to upload. One with flags means something of its own to the
+// host, which may want its size.
+void CGhostManager::Upload(GHOSTMANAGER_WINDOW& window, CGhostSurface& surface) {
+    constexpr int64_t kLarge = 1 << 18; // pixels
+    if (!host.upload) {
+        return;
+    }
+    const int64_t size = int64_t{surface.PixelWidth()} * surface.PixelHeight();
+    const std::optional<uint32_t> colour = surface.OneColour();
+    const bool onePixel = colour && host.create != nullptr && window.flags == 0 && size > kLarge;
+    if (onePixel != window.onePixel && host.create) {
+        window.onePixel = onePixel;
+        host.create(window.id, onePixel ? 1 : surface.PixelWidth(),
+                    onePixel ? 1 : surface.PixelHeight());
+    }
+    if (onePixel) {
+        host.upload(window.id, &*colour, 1);
+    } else if (const uint32_t* const pixels = surface.Pixels(); pixels != nullptr) {
+        host.upload(window.id, pixels, surface.Stride());
     }
 }
 
@@ -432,7 +454,7 @@ void CGhostManager::StartBuffer() {
     }
 }
 
-void CGhostManager::BlendIntoBuffer(const CGhostSurface& surface, int32_t sourceX, int32_t sourceY,
+void CGhostManager::BlendIntoBuffer(CGhostSurface& surface, int32_t sourceX, int32_t sourceY,
                                     int32_t x, int32_t y, int32_t width, int32_t height) {
     const int32_t left = std::max(x, bufferClip.left);
     const int32_t top = std::max(y, bufferClip.top);
@@ -440,9 +462,13 @@ void CGhostManager::BlendIntoBuffer(const CGhostSurface& surface, int32_t source
         std::min({x + width, bufferClip.right, x - sourceX + surface.PixelWidth()});
     const int32_t bottom =
         std::min({y + height, bufferClip.bottom, y - sourceY + surface.PixelHeight()});
+    const uint32_t* const pixels = surface.Pixels();
+    if (pixels == nullptr) {
+        return;
+    }
     for (int32_t row = top; row < bottom; ++row) {
         const uint32_t* const from =
-            surface.Pixels() + static_cast<ptrdiff_t>(row - y + sourceY) * surface.Stride();
+            pixels + static_cast<ptrdiff_t>(row - y + sourceY) * surface.Stride();
         uint32_t* const to = bufferPixels + static_cast<ptrdiff_t>(row) * bufferStride;
         for (int32_t column = left; column < right; ++column) {
             to[column] = BlendPixel(to[column], from[column - x + sourceX]);

@@ -52,7 +52,8 @@ struct GUI_INPUT_RECORD {
 // The all-ones id of the draw call that begins a composite.
 inline constexpr uint32_t kCompositeStart = 0xFFFFFFFF;
 
-// Sizes and places in pixels.
+// Sizes and places in pixels. A window of one colour may have a texture of one pixel, which is made in place of the one
+// before: drawing it reaches beyond its edges, which go on as they are.
 struct GUI_HOST_CALLBACKS {
     std::function<void(uint32_t id, int32_t width, int32_t height)> create;
     std::function<void(uint32_t id)> destroy;
@@ -144,6 +145,10 @@ public:
     // window, if there is a modal window.
     [[nodiscard]] uint32_t FocusId() const;
     void ReturnFocus(uint32_t id);
+    // A press beside the controls takes the focus to where no key does anything. Gives it to the tab stop that this is
+    // a part of, or back to the one that had it last, if that is seen and takes input; else to the first one of the
+    // modal window.
+    void ReturnFocusToTabStop();
 
     // ---- Clipboard, keys, cursor.
 
@@ -258,11 +263,12 @@ private:
     void RepaintWindows();
     [[nodiscard]] bool MayPaint(const GHOSTMANAGER_WINDOW& window);
     void Repaint(GHOSTMANAGER_WINDOW& window);
+    void Upload(GHOSTMANAGER_WINDOW& window, CGhostSurface& surface);
     void TellHost(std::function<void()> call);
     void TellHostWhatWaits();
     void DrawWindow(const GHOSTMANAGER_WINDOW& window);
     void StartBuffer();
-    void BlendIntoBuffer(const CGhostSurface& surface, int32_t sourceX, int32_t sourceY, int32_t x,
+    void BlendIntoBuffer(CGhostSurface& surface, int32_t sourceX, int32_t sourceY, int32_t x,
                          int32_t y, int32_t width, int32_t height);
 
     // Queues a call for every handler of the chain.
@@ -308,6 +314,7 @@ private:
     GHOSTMANAGER_WINDOW* captureWindow = nullptr; // under a held button
     GHOSTMANAGER_WINDOW* hoverWindow = nullptr;
     GHOSTMANAGER_WINDOW* focusWindow = nullptr;
+    uint32_t lastTabStop = 0; // id of the last one that had the focus, 0: none
     GHOSTMANAGER_WINDOW* activeTopWindow = nullptr; // topmost ancestor of the focus
     GHOSTMANAGER_WINDOW* modalWindow = nullptr;
     GHOSTMANAGER_WINDOW* toolTipWindow = nullptr;

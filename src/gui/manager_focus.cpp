@@ -20,7 +20,7 @@ bool CGhostManager::SetFocus(GHOSTMANAGER_WINDOW* window) {
     return true;
 }
 
-// What lies behind a message box must not take its keys: it has the focus when the input comes back to it.
+// A window behind a message box must not take the keys from it. It gets the focus when the box has closed.
 void CGhostManager::FocusLater(const GHOSTMANAGER_WINDOW& window) {
     for (auto taker = takers.rbegin(); taker != takers.rend(); ++taker) {
         const GHOSTMANAGER_WINDOW* const before = WithId(taker->modal);
@@ -46,6 +46,7 @@ void CGhostManager::FocusOn(GHOSTMANAGER_WINDOW* window) {
         return;
     }
     focusWindow = window;
+    lastTabStop = window->tabStop ? window->id : lastTabStop;
     GHOSTMANAGER_WINDOW* top = window;
     while (top->parent != nullptr) {
         top = top->parent;
@@ -290,6 +291,27 @@ void CGhostManager::ReturnFocus(uint32_t id) {
         to = to != nullptr ? to : modalWindow;
     }
     if (to != nullptr && EffectivelyVisible(to)) {
+        FocusOn(to);
+    }
+}
+
+// A window that floats for another, such as an open list, has its keys from that one; and a control that can be used
+// no more keeps the focus until its owner gives it away.
+void CGhostManager::ReturnFocusToTabStop() {
+    const std::scoped_lock hold(treeLock);
+    if (focusWindow == nullptr || focusWindow->tabStop || focusWindow->id == lastTabStop ||
+        (activeTopWindow != nullptr && activeTopWindow->owner != nullptr)) {
+        return;
+    }
+    GHOSTMANAGER_WINDOW* to = focusWindow->parent;
+    while (to != nullptr && !to->tabStop) { // a list has the keys of its bar
+        to = to->parent;
+    }
+    to = to != nullptr ? to : VisibleWithId(lastTabStop);
+    if (to == nullptr || !to->tabStop || !WithinModal(to)) {
+        to = modalWindow != nullptr ? FirstTabStop(modalWindow) : nullptr;
+    }
+    if (to != nullptr) {
         FocusOn(to);
     }
 }

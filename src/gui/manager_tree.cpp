@@ -266,6 +266,7 @@ void CGhostManager::MakeSurface(GHOSTMANAGER_WINDOW& window) {
         return;
     }
     window.surface = std::move(surface);
+    window.onePixel = false;
     if (host.create) {
         TellHost([this, id = window.id, width = window.surface->PixelWidth(),
                   height = window.surface->PixelHeight()] { host.create(id, width, height); });

@@ -68,13 +68,28 @@ bool CGhostSurface::Create(const GUI_RECT& place, double pixelsPerUnit) {
     pixelWidth = std::max(1, PixelEdge(place.Right(), density) - pixelLeft);
     pixelHeight = std::max(1, PixelEdge(place.Bottom(), density) - pixelTop);
     clip = {0, 0, pixelWidth, pixelHeight};
-    if (place.Empty() || pixelWidth > kMostPixels || pixelHeight > kMostPixels) {
-        return false;
+    pixels.reset();
+    oneColour = 0;
+    return !place.Empty() && pixelWidth <= kMostPixels && pixelHeight <= kMostPixels;
+}
+
+bool CGhostSurface::MakePixels() {
+    if (!oneColour) {
+        return true;
     }
     const size_t count = static_cast<size_t>(pixelWidth) * static_cast<size_t>(pixelHeight);
-    pixels.reset(static_cast<uint32_t*>(std::calloc(count, sizeof(uint32_t))));
-    painted = false;
-    return pixels != nullptr;
+    const bool isNew = pixels == nullptr;
+    if (isNew) {
+        pixels.reset(static_cast<uint32_t*>(std::calloc(count, sizeof(uint32_t))));
+        if (pixels == nullptr) {
+            return false;
+        }
+    }
+    if (!isNew || *oneColour != 0) {
+        std::fill_n(pixels.get(), count, *oneColour);
+    }
+    oneColour.reset();
+    return true;
 }
 
 void CGhostSurface::FREE::operator()(uint32_t* memory) const {
@@ -143,11 +158,7 @@ int32_t CGhostSurface::PixelY(double units) const {
 }
 
 void CGhostSurface::Clear() {
-    if (painted) {
-        std::fill_n(pixels.get(),
-                    static_cast<size_t>(pixelWidth) * static_cast<size_t>(pixelHeight), 0u);
-        painted = false;
-    }
+    oneColour = 0;
 }
 
 void CGhostSurface::SetPixel(int32_t x, int32_t y, uint32_t argb) {
@@ -156,7 +167,11 @@ void CGhostSurface::SetPixel(int32_t x, int32_t y, uint32_t argb) {
 
 void CGhostSurface::FillRect(const GUI_RECT& rect, uint32_t argb) {
     const PIXEL_RECT target = Clipped(ToPixels(rect));
-    if (target.Empty()) {
+    if (oneColour && target == PIXEL_RECT{0, 0, pixelWidth, pixelHeight}) {
+        oneColour = BlendPixel(*oneColour, argb);
+        return;
+    }
+    if (!MayPaint(target)) {
         return;
     }
     for (int32_t y = target.top; y < target.bottom; ++y) {
@@ -182,6 +197,9 @@ void CGhostSurface::Line(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_
 
 // Bresenham from the middle of one unit to that of the other, with a square pen of one unit.
 void CGhostSurface::LinePixels(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t argb) {
+    if (!MakePixels()) {
+        return;
+    }
     const PIXEL_RECT from = ToPixels({x1, y1, 1, 1});
     const PIXEL_RECT to = ToPixels({x2, y2, 1, 1});
     const int32_t pen = std::max(1, static_cast<int32_t>(std::floor(density + 0.5)));
@@ -216,7 +234,7 @@ void CGhostSurface::FillGradient(const GUI_RECT& rect, uint32_t from, uint32_t t
                                  bool horizontal) {
     const PIXEL_RECT whole = ToPixels(rect);
     const PIXEL_RECT target = Clipped(whole);
-    if (target.Empty()) {
+    if (!MayPaint(target)) {
         return;
     }
     if (horizontal) {
@@ -241,6 +259,9 @@ void CGhostSurface::FillGradient(const GUI_RECT& rect, uint32_t from, uint32_t t
 
 void CGhostSurface::InvertRect(const GUI_RECT& rect) {
     const PIXEL_RECT target = Clipped(ToPixels(rect));
+    if (!MayPaint(target)) {
+        return;
+    }
     for (int32_t y = target.top; y < target.bottom; ++y) {
         for (int32_t x = target.left; x < target.right; ++x) {
             Row(y)[x] ^= 0x00FFFFFF;
@@ -388,7 +409,7 @@ void CGhostSurface::Blit(const GUI_BITMAP& bitmap, const GUI_RECT& target, int32
                           source.width, source.height};
     const PIXEL_RECT whole = ToPixels(placed);
     const PIXEL_RECT visible = Clipped(whole);
-    if (visible.Empty()) {
+    if (!MayPaint(visible)) {
         return;
     }
     const SourceAxis acrossAxis(source.x, source.width, bitmap.width, bitmap.pixelWidth,
@@ -434,7 +455,7 @@ std::vector<TAP> StretchTaps(int32_t from, int32_t to, int32_t extent, int32_t b
 void CGhostSurface::BlitScaled(const GUI_BITMAP& bitmap, const GUI_RECT& target) {
     const PIXEL_RECT whole = ToPixels(target);
     const PIXEL_RECT visible = Clipped(whole);
-    if (visible.Empty() || bitmap.pixels.empty()) {
+    if (bitmap.pixels.empty() || !MayPaint(visible)) {
         return;
     }
     const bool mixes = density > 1.0;
@@ -451,6 +472,9 @@ void CGhostSurface::BlitScaled(const GUI_BITMAP& bitmap, const GUI_RECT& target)
 void CGhostSurface::KeepMask(int32_t x, int32_t y, const uint8_t* coverage, int32_t width,
                              int32_t height) {
     const PIXEL_RECT visible = Clipped({x, y, x + width, y + height});
+    if (!MayPaint(visible)) {
+        return;
+    }
     for (int32_t row = visible.top; row < visible.bottom; ++row) {
         const uint8_t* const from = coverage + static_cast<ptrdiff_t>(row - y) * width;
         uint32_t* const to = Row(row);
@@ -463,6 +487,9 @@ void CGhostSurface::KeepMask(int32_t x, int32_t y, const uint8_t* coverage, int3
 void CGhostSurface::StampMask(int32_t x, int32_t y, const uint8_t* coverage, int32_t width,
                               int32_t height, int32_t pitch, uint32_t argb) {
     const PIXEL_RECT visible = Clipped({x, y, x + width, y + height});
+    if (!MayPaint(visible)) {
+        return;
+    }
     for (int32_t row = visible.top; row < visible.bottom; ++row) {
         const uint8_t* const from = coverage + static_cast<ptrdiff_t>(row - y) * pitch;
         uint32_t* const to = Row(row);

@@ -4,7 +4,8 @@
 //   unit. Both edges of whatever is painted are rounded to pixels after scaling, at their place on the
 //   screen, so neighbours that touch in units touch in pixels, whichever surface they are on. At density
 //   1 a unit is a pixel.
-// Pixels: ARGB with alpha in the top byte, rows of `Stride()` pixels.
+// Pixels: ARGB with alpha in the top byte, rows of `Stride()` pixels. Memory for them is taken when something is painted
+//   that is not of one colour all over. Without that memory the surface stays as it is.
 // Origin: painting happens in coordinates of the rectangle pushed last, and cannot leave it.
 // Owner: the manager, one for each window of a size above 0. Thread: the one that paints.
 #pragma once
@@ -15,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 struct GUI_BITMAP; // gui/bitmap.h
 
@@ -28,11 +30,12 @@ struct PIXEL_RECT {
     int32_t right = 0;
     int32_t bottom = 0;
     [[nodiscard]] bool Empty() const { return right <= left || bottom <= top; }
+    [[nodiscard]] bool operator==(const PIXEL_RECT& other) const = default;
 };
 
 class CGhostSurface {
 public:
-    // `place` is the window's rectangle on the screen, in units. False without memory.
+    // `place` is the window's rectangle on the screen, in units. False if it has none, or is larger than any screen.
     [[nodiscard]] bool Create(const GUI_RECT& place, double density);
 
     [[nodiscard]] int32_t Width() const { return area.width; } // of the present origin, in units
@@ -42,11 +45,10 @@ public:
     // have a unit too many on each side.
     [[nodiscard]] GUI_RECT Visible() const;
 
-    [[nodiscard]] uint32_t* Pixels() { // of the whole surface
-        painted = true;
-        return pixels.get();
-    }
-    [[nodiscard]] const uint32_t* Pixels() const { return pixels.get(); }
+    // The colour that the whole surface has. Without a value its pixels are there, and may differ.
+    [[nodiscard]] std::optional<uint32_t> OneColour() const { return oneColour; }
+    // Of the whole surface, also of one colour. Null without memory.
+    [[nodiscard]] uint32_t* Pixels() { return MakePixels() ? pixels.get() : nullptr; }
     [[nodiscard]] int32_t Stride() const { return pixelWidth; } // in pixels
     [[nodiscard]] int32_t PixelWidth() const { return pixelWidth; }
     [[nodiscard]] int32_t PixelHeight() const { return pixelHeight; }
@@ -94,8 +96,12 @@ private:
 
     [[nodiscard]] PIXEL_RECT ToPixels(const GUI_RECT& rect) const; // not clipped
     [[nodiscard]] PIXEL_RECT Clipped(const PIXEL_RECT& rect) const;
+    [[nodiscard]] bool MakePixels();
+    // Whether a rectangle can be painted, clipped as it is.
+    [[nodiscard]] bool MayPaint(const PIXEL_RECT& target) {
+        return !target.Empty() && MakePixels();
+    }
     [[nodiscard]] uint32_t* Row(int32_t y) {
-        painted = true;
         return pixels.get() + static_cast<ptrdiff_t>(y) * pixelWidth;
     }
     void LinePixels(int32_t x1, int32_t y1, int32_t x2, int32_t y2, uint32_t argb);
@@ -105,7 +111,7 @@ private:
     };
     // From calloc: the system clears the pages of a large surface when they are painted, not before.
     std::unique_ptr<uint32_t[], FREE> pixels;
-    bool painted = false; // since all of it was transparent
+    std::optional<uint32_t> oneColour = 0; // which the pixels need not have
     std::array<ORIGIN, 8> stack{};
     size_t stackDepth = 0;
     GUI_RECT area;         // the present origin's rectangle, on the screen, in units

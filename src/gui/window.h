@@ -46,6 +46,7 @@ struct GHOSTMANAGER_WINDOW {
     bool visible = true;
     bool dirty = true;      // the surface must be painted again
     bool fresh = true;      // it never was: the window is not drawn yet
+    bool onePixel = false;  // its texture has one pixel
     bool nonClient = false; // placed in and cut to the parent's outer rectangle
     bool tabStop = false;
     bool deletePending = false;

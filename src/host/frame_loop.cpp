@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -35,16 +36,11 @@ void RunMachine(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vi
 bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
               EMU_AUDIO_FRAME& audio) {
     REWIND_STACK& stack = session.rewind;
-    if (stack.rewindSteps == 0) {
-        stack.rewindCursor = stack.rewindHead.get();
-    }
     if (stack.rewindCount == 0) {
-        RewindClear(stack);
         return false;
     }
-    const REWIND_NODE& node = *stack.rewindCursor;
     // This machine saved the state a moment ago, so it takes it.
-    static_cast<void>(session.machine->LoadState(node.state.get(), node.size));
+    static_cast<void>(session.machine->LoadState(stack.rewindHead.get(), stack.rewindHeadBytes));
     session.battery.rolledBack = true;
     RunMachine(session, input, video, audio);
     EmuDrawSpeedGlyph(SpeedGlyph::kBack, video);
@@ -54,15 +50,29 @@ bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vide
     return true;
 }
 
+// Without memory for its state a frame is missing from the stack, and nothing else.
+void Record(EMU_THREAD& session, uint64_t limit) {
+    bool recorded = false;
+    try {
+        uint32_t size = 0;
+        StateBlob state = session.machine->SaveState(size);
+        recorded = RewindPush(session.rewind, std::move(state), size, limit);
+    } catch (const std::bad_alloc&) {
+        recorded = false;
+    }
+    if (!recorded && !session.rewind.rewindRefused) {
+        session.rewind.rewindRefused = true;
+        HostNotice("There is not enough memory to record every frame for rewinding");
+    }
+}
+
 void StepForward(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
                  EMU_AUDIO_FRAME& audio) {
     session.rewind.rewindSteps = 0;
     const uint64_t limit = RewindLimitBytes(Settings().GetInt(L"emu_rewindbuffer"));
     RunMachine(session, input, video, audio);
     if (limit != 0) {
-        uint32_t size = 0;
-        StateBlob state = session.machine->SaveState(size);
-        RewindPush(session.rewind, std::move(state), size, limit);
+        Record(session, limit);
     }
 }
 

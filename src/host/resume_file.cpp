@@ -1,6 +1,7 @@
 #include "host/resume_file.h"
 
 #include "base/files.h"
+#include "host/host_data.h"
 #include "host/kept_copy.h"
 #include "host/report.h"
 
@@ -17,6 +18,8 @@ void ResumeBegin(RESUME_FILE& file, SESSION_RESUME&& resume) {
     file.onDisk = std::move(resume.state);
     file.texts = std::move(resume.texts);
     file.textsChanged = true;
+    file.secondsBefore = resume.secondsPlayed;
+    file.began = HostClock().nowMicroseconds();
 }
 
 void ResumeSetText(RESUME_FILE& file, std::string_view name, std::string_view value) {
@@ -42,7 +45,10 @@ bool ResumeWrite(RESUME_FILE& file, STATE_SNAPSHOT&& snapshot) {
     if (!textsChanged && snapshot.state == file.onDisk) {
         return true;
     }
+    constexpr int64_t kSecond = 1'000'000;
+    const int64_t ran = (HostClock().nowMicroseconds() - file.began) / kSecond;
     snapshot.takenAt = std::time(nullptr);
+    snapshot.secondsPlayed = file.secondsBefore + static_cast<uint64_t>(std::max<int64_t>(ran, 0));
     std::string error;
     if (!WriteSnapshot(file.path, snapshot, error)) {
         if (!std::exchange(file.failed, true)) {

@@ -27,6 +27,7 @@ struct SESSION_RESUME {
     std::vector<SNAPSHOT_TEXT> texts;
     std::vector<uint8_t>
         state; // in the place of the autosave; empty: the autosave or the game's start
+    uint64_t secondsPlayed = 0; // before this session
 };
 
 // What a session knows of its file.
@@ -36,6 +37,8 @@ struct RESUME_FILE {
     // By whoever holds a pin on the session; one thread at a time keeps the files.
     std::vector<uint8_t> onDisk; // the state in the file
     bool failed = false;         // the last write, and that has been told
+    uint64_t secondsBefore = 0;  // how long the game had been played when the session began
+    int64_t began = 0;           // microseconds of the host's clock
 
     RankedMutex<LockRank::kLeaf> lock; // of what follows
     std::vector<SNAPSHOT_TEXT> texts;

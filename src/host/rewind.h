@@ -1,47 +1,56 @@
 // The rewind stack: a saved state of every frame, the newest on top.
 //
-// The limit applies to an estimate of the stack's size: the bytes of the newest state times the number
-// of states.
+// Only the newest state is whole. Each older one is the packed difference (state_difference.h) to the state after it, so
+// a step back unpacks one difference, and the oldest state can be dropped without touching another.
+//
+// The limit applies to all memory that the stack uses, as RewindBytes counts it. The newest state is kept whatever the
+// limit.
 //
 // Threads: the session's own, under the session's `lock`. The thread that stops the session frees the
 // rest once the session's thread has ended.
 #pragma once
 
+#include "host/state_difference.h"
 #include "machine/emu_system.h"
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 
-// One state of the stack.
-struct REWIND_NODE {
-    StateBlob state;
-    uint32_t size = 0;                 // bytes
-    std::unique_ptr<REWIND_NODE> next; // the older state
-    REWIND_NODE* newer = nullptr;      // null at the head
+// A state that is not the newest.
+struct PACKED_STATE {
+    std::unique_ptr<uint8_t[]> difference; // from the state after it
+    uint32_t differenceBytes = 0;
+    uint32_t stateBytes = 0;
 };
 
 struct REWIND_STACK {
-    REWIND_STACK() = default;
-    ~REWIND_STACK();
-    REWIND_STACK(const REWIND_STACK&) = delete;
-    REWIND_STACK& operator=(const REWIND_STACK&) = delete;
-
-    std::unique_ptr<REWIND_NODE> rewindHead; // the newest state
-    REWIND_NODE* rewindCursor = nullptr;     // the state that the current rewind loads next
-    REWIND_NODE* rewindTail = nullptr;       // the oldest state, the next to be dropped
-    uint32_t rewindCount = 0;                // states on the stack
-    uint32_t rewindSteps = 0; // frames taken back in the current rewind; 0 when not rewinding
+    StateBlob
+        rewindHead; // the newest state, which the next step back loads; null if the stack is empty
+    uint32_t rewindHeadBytes = 0;   // its size
+    uint32_t rewindRoomBytes = 0;   // of its block: no state of the stack is larger
+    uint32_t rewindCount = 0;       // states on the stack
+    uint32_t rewindSteps = 0;       // frames taken back in the current rewind; 0 when not rewinding
+    bool rewindRefused = false;     // the player has been told that there was no memory for a state
+    uint64_t packedBytes = 0;       // memory of `older`
+    std::deque<PACKED_STATE> older; // the oldest first
+    StateDifference difference;
 };
 
 // `emu_rewindbuffer`, in mebibytes, as a limit in bytes: capped at 1,024; a negative value counts as 0,
 // which keeps no states.
 [[nodiscard]] uint64_t RewindLimitBytes(int32_t mebibytes);
 
-// Puts a state on the stack and drops the oldest one when the limit is reached. A null or empty state
-// is ignored.
-void RewindPush(REWIND_STACK& stack, StateBlob state, uint32_t size, uint64_t limitBytes);
+// Puts a state on the stack and drops the oldest ones while the stack is over the limit. A null or empty state
+// is ignored. False if there is no memory for it; the stack is then as it was.
+[[nodiscard]] bool RewindPush(REWIND_STACK& stack, StateBlob state, uint32_t size,
+                              uint64_t limitBytes);
 
-// Removes and frees the newest state. The stack must not be empty.
+// Removes the newest state; the one before it is then whole, byte for byte as it was pushed. The stack must not be
+// empty. Allocates nothing.
 void RewindPop(REWIND_STACK& stack);
+
+// All memory that the stack uses, with what the allocator adds to a block.
+[[nodiscard]] uint64_t RewindBytes(const REWIND_STACK& stack);
 
 void RewindClear(REWIND_STACK& stack);

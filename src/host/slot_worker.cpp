@@ -10,11 +10,13 @@
 
 namespace {
 
-bool Do(const SLOT_ORDER& order, EMU_THREAD& session, std::string& text) {
+bool Do(const SLOT_ORDER& order, EMU_THREAD& session, SLOT_ANSWER& answer) {
+    std::string& text = answer.text;
     switch (order.act) {
     case SlotAct::kList: return true;
     case SlotAct::kSave: return SaveToSlot(session, order.slot, order.stamp, text);
-    case SlotAct::kLoad: return LoadFromSlot(session, order.slot, order.stamp, text);
+    case SlotAct::kLoad:
+        return LoadFromSlot(session, order.slot, order.stamp, text, &answer.undoable);
     case SlotAct::kDelete: return DeleteSlot(SlotFolder(session), order.slot, text);
     case SlotAct::kUndoSlot: return UndoSlot(SlotFolder(session), order.slot, text);
     case SlotAct::kUndoLoad: return UndoLoad(session, order.stamp, text);
@@ -82,7 +84,7 @@ SLOT_ANSWER SlotWorker::Obey(const SLOT_ORDER& order) {
             answer.text = "The game is no longer on";
             return answer;
         }
-        answer.done = Do(order, *session, answer.text);
+        answer.done = Do(order, *session, answer);
         answer.list = ListSlots(SlotFolder(*session));
     } catch (const std::exception& error) {
         answer.done = false;

@@ -30,7 +30,8 @@ struct SLOT_ORDER {
 struct SLOT_ANSWER {
     SLOT_ORDER order;
     bool done = false;
-    std::string text; // for the player; empty after kList
+    std::string text;      // for the player; empty after kList
+    bool undoable = false; // after kLoad: what was played before it is kept
     SLOT_LIST list;
 };
 

@@ -1,6 +1,8 @@
 #include "host/state_slots.h"
 
+#include "base/file_lock.h"
 #include "base/files.h"
+#include "host/host_data.h"
 #include "host/kept_copy.h"
 #include "host/session.h"
 
@@ -30,6 +32,35 @@ SLOT_FILES FilesOf(const fs::path& folder, uint32_t slot) {
 fs::path LoadBeforeFile(const fs::path& folder) {
     return folder / "load.before.state";
 }
+
+// One program at a time works on a folder of slots: others wait here until it has finished.
+class FolderTurn {
+public:
+    explicit FolderTurn(const fs::path& folder) {
+        constexpr int kPatience = 300;  // times
+        constexpr uint32_t kPause = 10; // milliseconds
+        std::error_code ignored;
+        long holder = 0;
+        std::string error; // a folder that cannot be written to is told by what is done there
+        for (int i = 0; i < kPatience && fs::is_directory(folder, ignored); ++i) {
+            held = lock.Take(folder / kLockFile, holder, error) == FileLock::Result::kHeld;
+            if (!held) {
+                return;
+            }
+            HostClock().sleepMilliseconds(kPause);
+        }
+    }
+    // Another program has not finished, however long we waited.
+    [[nodiscard]] bool IsHeldByOther() const { return held; }
+
+private:
+    static constexpr const char* kLockFile = "slots.lock";
+
+    FileLock lock;
+    bool held = false;
+};
+
+constexpr const char* kHeldByOther = "another running program is at work on these slots";
 
 bool Rename(const fs::path& from, const fs::path& to, std::string& error) {
     std::error_code code;
@@ -138,8 +169,10 @@ fs::path SlotFolder(const EMU_THREAD& session) {
 
 SLOT_LIST ListSlots(const fs::path& folder) {
     SLOT_LIST list;
+    const FolderTurn turn(folder);
     for (uint32_t slot = 1; slot <= kStateSlots; ++slot) {
-        const SLOT_FILES files = FinishedFiles(folder, slot);
+        const SLOT_FILES files =
+            turn.IsHeldByOther() ? FilesOf(folder, slot) : FinishedFiles(folder, slot);
         SLOT_FACTS& facts = list.slots[slot - 1];
         facts.filled = FileMayExist(files.slot);
         facts.hasBefore = FileMayExist(files.before);
@@ -152,13 +185,20 @@ SLOT_LIST ListSlots(const fs::path& folder) {
 
 bool SaveToSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, std::string& text) {
     const fs::path folder = SlotFolder(session);
-    const SLOT_FILES files = FinishedFiles(folder, slot);
     const std::string failed = "Not saved to " + SlotName(slot) + ": ";
     STATE_SNAPSHOT snapshot;
     if (!EmuTakeSnapshot(session, snapshot)) {
         text = failed + "the machine returned no state";
         return false;
     }
+    std::error_code ignored; // writing tells
+    fs::create_directories(folder, ignored);
+    const FolderTurn turn(folder);
+    if (turn.IsHeldByOther()) {
+        text = failed + kHeldByOther;
+        return false;
+    }
+    const SLOT_FILES files = FinishedFiles(folder, slot);
     Describe(session, stamp, snapshot);
     std::string error;
     if (!WriteSnapshot(files.added, snapshot, error) || !PutInPlace(files, error)) {
@@ -170,9 +210,15 @@ bool SaveToSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, std
     return true;
 }
 
-bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, std::string& text) {
-    const SLOT_FILES files = FinishedFiles(SlotFolder(session), slot);
+bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, std::string& text,
+                   bool* undoable) {
     const std::string failed = "Not loaded from " + SlotName(slot) + ": ";
+    const FolderTurn turn(SlotFolder(session));
+    if (turn.IsHeldByOther()) {
+        text = failed + kHeldByOther;
+        return false;
+    }
+    const SLOT_FILES files = FinishedFiles(SlotFolder(session), slot);
     if (!FileMayExist(files.slot)) {
         text = failed + "it is empty";
         return false;
@@ -184,7 +230,11 @@ bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, s
         return false;
     }
     bool loaded = false;
-    if (Give(session, wanted, stamp, error, loaded)) {
+    const bool kept = Give(session, wanted, stamp, error, loaded);
+    if (undoable != nullptr) {
+        *undoable = kept;
+    }
+    if (kept) {
         text = "Loaded " + SlotName(slot);
     } else if (loaded) {
         text = "Loaded " + SlotName(slot) + ". It cannot be undone: " + error;
@@ -195,6 +245,11 @@ bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, s
 }
 
 bool DeleteSlot(const fs::path& folder, uint32_t slot, std::string& text) {
+    const FolderTurn turn(folder);
+    if (turn.IsHeldByOther()) {
+        text = "Not deleted, " + SlotName(slot) + ": " + kHeldByOther;
+        return false;
+    }
     const SLOT_FILES files = FinishedFiles(folder, slot);
     std::string error = "it is empty";
     if (!FileMayExist(files.slot) || !Rename(files.slot, files.before, error)) {
@@ -207,6 +262,11 @@ bool DeleteSlot(const fs::path& folder, uint32_t slot, std::string& text) {
 }
 
 bool UndoSlot(const fs::path& folder, uint32_t slot, std::string& text) {
+    const FolderTurn turn(folder);
+    if (turn.IsHeldByOther()) {
+        text = "Not undone in " + SlotName(slot) + ": " + kHeldByOther;
+        return false;
+    }
     const SLOT_FILES files = FinishedFiles(folder, slot);
     std::string error = "nothing was there before";
     if (!FileMayExist(files.before) || !Swap(files, error)) {
@@ -220,6 +280,11 @@ bool UndoSlot(const fs::path& folder, uint32_t slot, std::string& text) {
 
 bool UndoLoad(EMU_THREAD& session, const SLOT_STAMP& stamp, std::string& text) {
     const fs::path file = LoadBeforeFile(SlotFolder(session));
+    const FolderTurn turn(SlotFolder(session));
+    if (turn.IsHeldByOther()) {
+        text = std::string("Loading is not undone: ") + kHeldByOther;
+        return false;
+    }
     STATE_SNAPSHOT wanted;
     std::string error = "nothing was loaded";
     if (!FileMayExist(file) || !ReadForSession(session, file, wanted, error)) {

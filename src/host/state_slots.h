@@ -8,6 +8,7 @@
 //     load.before.state      what was played before a slot was loaded
 //     slot-03.new.state      a new one on its way to the slot
 //     slot-03.swap.state     one on its way out, while the slot and the one before it change places
+//     slots.lock             while a program is at work here: another one waits, and after three seconds refuses
 //
 // A slot is never without its old or its new content, whenever the program ends: what was begun is brought to an
 // end with the next access. What is in a slot that cannot be read or loaded stays there.
@@ -56,9 +57,9 @@ struct SLOT_LIST {
                               std::string& text);
 
 // A slot's state to the session. What was played before can be brought back, also after the program has ended. If the
-// machine refuses the state, the game goes on as it was.
+// machine refuses the state, the game goes on as it was. `undoable`: whether there was room on the disk to keep it.
 [[nodiscard]] bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp,
-                                std::string& text);
+                                std::string& text, bool* undoable = nullptr);
 
 // What is deleted can be brought back too.
 [[nodiscard]] bool DeleteSlot(const std::filesystem::path& folder, uint32_t slot,

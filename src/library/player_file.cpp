@@ -216,9 +216,11 @@ bool PlayerFile::Open(const fs::path& path, PlayerRecords& records, std::string&
     message.clear();
     const bool usable = !code && OpenSound(records, message);
     if (!usable) {
+        if (message.empty()) {
+            message = code ? path.string() + ": " + code.message() : Refusal(State::kUnreadable);
+        }
         database.Close();
-        message += (message.empty() ? path.string() + ": " : std::string("; ")) +
-                   "favourites and times played are not kept this time";
+        message += "; favourites and times played are not kept this time";
     }
     return usable;
 }

@@ -33,6 +33,7 @@ using NesBoardRam = std::array<uint8_t, kNesBoardRamBytes>;
 
 // Bits of NES_CARTRIDGE::flags.
 inline constexpr uint8_t kNesVerticalMirroring = 1;
+inline constexpr uint8_t kNesBattery = 2;
 inline constexpr uint8_t kNesTrainer = 4;
 inline constexpr uint8_t kNesFourScreens = 8;
 

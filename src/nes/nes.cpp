@@ -21,7 +21,6 @@ constexpr float kAspect = 1.25F;
 constexpr uint32_t kBlack = 0xFF000000;
 constexpr uint8_t kPlainBoard = 0;
 constexpr uint32_t kProgramRamPage = 6;
-constexpr uint32_t kProgramRamPages = 2;
 
 // Index: action. Not the order of the bits.
 constexpr uint32_t kButtonBits[] = {kNesUp,      kNesDown,    kNesLeft,   kNesRight,
@@ -118,7 +117,7 @@ StateBlob CNES::SaveState(uint32_t& size) {
     size = StatePieceSize(board) + M6502StateSize() + PpuStateSize() + ApuStateSize() +
            BoardStateSize(nes.cartridge) + (HasPlainRam() ? StatePieceSize(plainRam) : 0) +
            SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = M6502SaveState(nes.cpu, out);
     out = PpuSaveState(nes.ppu, out);
@@ -182,17 +181,34 @@ std::vector<uint8_t> CNES::Dump(std::string_view region) const {
         }
     }
     if (region == "sram") {
-        for (uint32_t i = 0; i < kProgramRamPages; ++i) {
-            const NES_CPU_PAGE& page = nes.cartridge.pages.cpu[kProgramRamPage + i];
-            if (page.data != nullptr) {
-                bytes.insert(bytes.end(), page.data, page.data + kNesCpuPageBytes);
-            }
-        }
+        const std::span<const uint8_t> ram = ProgramRam();
+        return {ram.begin(), ram.end()};
     }
     return bytes;
 }
 
 std::span<const std::string_view> CNES::Regions() const {
-    const bool hasProgramRam = nes.cartridge.pages.cpu[kProgramRamPage].data != nullptr;
-    return std::span(kNesRegions).first(std::size(kNesRegions) - (hasProgramRam ? 0 : 1));
+    return std::span(kNesRegions).first(std::size(kNesRegions) - (ProgramRam().empty() ? 1 : 0));
+}
+
+std::span<uint8_t> CNES::ProgramRam() const {
+    uint8_t* const ram = nes.cartridge.pages.cpu[kProgramRamPage].data;
+    return ram != nullptr ? std::span(ram, kNesBoardRamBytes) : std::span<uint8_t>();
+}
+
+std::vector<uint8_t> CNES::BatteryContents() const {
+    if ((nes.cartridge.flags & kNesBattery) == 0) {
+        return {};
+    }
+    const std::span<const uint8_t> ram = ProgramRam();
+    return {ram.begin(), ram.end()};
+}
+
+bool CNES::SetBatteryContents(std::span<const uint8_t> bytes) {
+    const std::span<uint8_t> ram = ProgramRam();
+    if ((nes.cartridge.flags & kNesBattery) == 0 || bytes.size() != ram.size()) {
+        return false;
+    }
+    std::ranges::copy(bytes, ram.begin());
+    return true;
 }

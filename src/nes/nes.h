@@ -9,6 +9,7 @@
 //   loads and leaves that RAM unchanged. If a piece is refused, the pieces before it stay loaded.
 #pragma once
 
+#include "machine/battery.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
 #include "nes/nes_console.h"
@@ -18,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-class CNES : public CEmuSystem, public CInspection {
+class CNES : public CEmuSystem, public CInspection, public CBattery {
 public:
     explicit CNES(uint32_t sessionKeyValue);
 
@@ -33,12 +34,17 @@ public:
     [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
+    // The RAM at 0x6000, if the header says that a battery keeps it.
+    [[nodiscard]] std::vector<uint8_t> BatteryContents() const override;
+    [[nodiscard]] bool SetBatteryContents(std::span<const uint8_t> bytes) override;
+
     // Runs frames in the plain loop, which ticks every chip in every cycle; for comparison with the fast one.
     void SetPlainLoop(bool plain) { nes.plainLoop = plain; }
     // For tests.
     [[nodiscard]] const NES_CONSOLE& Console() const { return nes; }
 
 private:
+    [[nodiscard]] std::span<uint8_t> ProgramRam() const;
     [[nodiscard]] bool HasPlainRam() const;
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
     template <typename Visit>

@@ -51,7 +51,9 @@ struct NES_CATCH_UP_BUS {
     NES_BUS bus;
     uint32_t owed = 0;          // cycles that have passed, and that PPU and APU have not run
     uint32_t cyclesToEvent = 0; // from the last cycle that they have run to the next possible event
-    uint32_t effects = 0;       // accesses other than reads of memory, wrapping
+    uint32_t effects =
+        0; // accesses that change something, or read what changes by itself, wrapping
+    uint32_t statusReads = 0; // of PPUSTATUS that changed nothing; they are no effects, wrapping
 
     uint8_t Read(uint16_t address) {
         const bool isMemory = address < nes_bus::kPpuStart || address >= nes_bus::kCartridgeStart;
@@ -84,6 +86,13 @@ struct NES_CATCH_UP_BUS {
         FindEvent();
     }
 
+    // The same for PPUSTATUS: cycles from now on in which its flags stay as they are.
+    [[nodiscard]] uint32_t CyclesOfSameStatus() const {
+        const uint32_t dots = PpuDotsOfSameStatus(bus.nes.ppu);
+        const uint32_t cycles = dots != 0 ? (dots - 1) / kDotsPerCycle : 0;
+        return cycles - std::min(cycles, owed);
+    }
+
     void FindEvent() {
         uint32_t dots = PpuDotsToEvent(bus.nes.ppu);
         if (bus.nes.cartridge.quietDots != nullptr) {
@@ -95,11 +104,21 @@ struct NES_CATCH_UP_BUS {
 
 private:
     [[gnu::noinline]] uint8_t CatchUpAndRead(uint16_t address) {
-        ++effects;
         CatchUp();
+        if (ReadsIdleStatus(address)) {
+            ++statusReads;
+            return bus.Read(address);
+        }
+        ++effects;
         const uint8_t value = bus.Read(address);
         FindEvent();
         return value;
+    }
+
+    [[nodiscard]] bool ReadsIdleStatus(uint16_t address) const {
+        constexpr uint16_t kStatus = 0x2002; // and every eighth address of the PPU
+        return (address & 0xE007) == kStatus && bus.nes.apu.stallCycles == 0 &&
+               PpuStatusReadIsIdle(bus.nes.ppu);
     }
 
     [[gnu::noinline]] void CatchUpAndWrite(uint16_t address, uint8_t value) {
@@ -109,9 +128,9 @@ private:
     }
 };
 
-// Skips the rounds of a loop that only reads memory, which games wait in for an interrupt. Two rounds that begin
-// with the same registers and without another access between them are equal, and so is every round after them
-// until an event.
+// Skips the rounds of a loop that only reads memory or PPUSTATUS, which games wait in for an interrupt or a flag.
+// Two rounds that begin with the same registers and without an effect between them are equal, and so is every round
+// after them until an event or, if they read PPUSTATUS, until one of its flags may change.
 class IdleLoop {
 public:
     // After an instruction that began at `from`.
@@ -126,17 +145,37 @@ private:
     [[gnu::noinline]] void LookAtRound(M6502& cpu, NES_CATCH_UP_BUS& bus) {
         if (bus.effects == effects && M6502IsAlike(cpu, last)) {
             const uint32_t round = cpu.cycles - last.cycles;
-            const uint32_t quiet = bus.cyclesToEvent - bus.owed - 1;
+            const uint32_t quiet =
+                std::min(bus.cyclesToEvent - bus.owed - 1, CyclesOfSameStatus(bus));
             const uint32_t skipped = quiet - quiet % round;
             cpu.cycles += skipped;
             bus.owed += skipped;
         }
         effects = bus.effects;
+        statusReads = bus.statusReads;
         last = cpu;
     }
 
+    // 0 if a flag has changed since it was read. A line in which one may change is looked at only once.
+    uint32_t CyclesOfSameStatus(const NES_CATCH_UP_BUS& bus) {
+        if (bus.statusReads == statusReads) {
+            return bus.cyclesToEvent;
+        }
+        const int32_t line = bus.bus.nes.ppu.line;
+        if (line == busyLine || !PpuStatusReadIsIdle(bus.bus.nes.ppu)) {
+            return 0;
+        }
+        const uint32_t cycles = bus.CyclesOfSameStatus();
+        busyLine = cycles == 0 ? line : kNoLine;
+        return cycles;
+    }
+
+    static constexpr int32_t kNoLine = -2;
+
     M6502 last; // at the end of the round before
     uint32_t effects = 0;
+    uint32_t statusReads = 0;
+    int32_t busyLine = kNoLine;
 };
 
 // The board's CPU clock runs in every cycle: it doesn't depend on the PPU. Only board 73 has one (`boardClock`);

@@ -168,6 +168,9 @@ void PpuBeginFrame(PPU& ppu, uint32_t* pixels, uint32_t stride);
 void PpuWriteRegister(PPU& ppu, uint16_t address, uint8_t value);
 [[nodiscard]] uint8_t PpuReadRegister(PPU& ppu, uint16_t address);
 
+// True if a read of PPUSTATUS would change nothing now: neither the flag, the write toggle, the NMI nor the open bus.
+[[nodiscard]] bool PpuStatusReadIsIdle(const PPU& ppu);
+
 // Runs the owed pixels and sprite evaluation up to the current dot.
 void PpuCatchUp(PPU& ppu);
 

@@ -2,16 +2,23 @@
 #include "nes/ppu.h"
 #include "nes/ppu_private.h"
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
+constexpr size_t kOamSpriteBytes = 4;
 constexpr uint32_t kClearDots = 64;
 constexpr uint32_t kSearchPairs = 96; // of dots, even and odd, from dot 64 to 255
+
+[[nodiscard]] uint32_t SpriteHeight(const PPU& ppu) {
+    return (ppu.control & kPpuCtrlTallSprites) != 0 ? 16 : 8;
+}
 
 // A sprite's Y is the line above its first row, so this compares the current line for the next one. No Y
 // is in range on line -1: line 0 has no sprites.
 [[nodiscard]] bool InRange(const PPU& ppu, uint8_t y) {
-    const uint32_t height = (ppu.control & kPpuCtrlTallSprites) != 0 ? 16 : 8;
-    return static_cast<uint32_t>(ppu.line - y) < height;
+    return static_cast<uint32_t>(ppu.line - y) < SpriteHeight(ppu);
 }
 
 // OAMADDR selects the first sprite, without the lowest bit of its number.
@@ -108,7 +115,49 @@ void Idle(PPU& ppu, uint32_t pairs) {
     ppu.spriteIndex = static_cast<uint8_t>(last + 4);
 }
 
+// By line: how many sprites more than in the line before are in its range.
+using RangeChanges = std::array<int8_t, kPpuHeight + 1>;
+
+[[nodiscard]] RangeChanges ChangesOfRange(const PPU& ppu) {
+    RangeChanges changes{};
+    for (size_t i = 0; i < ppu.oam.size(); i += kOamSpriteBytes) {
+        const uint32_t first = std::min<uint32_t>(ppu.oam[i], kPpuHeight);
+        ++changes[first];
+        --changes[std::min(first + SpriteHeight(ppu), kPpuHeight)];
+    }
+    return changes;
+}
+
 } // namespace
+
+uint32_t PpuDotsOfSameStatus(const PPU& ppu) {
+    constexpr uint32_t kLongerThanAFrame = 2 * kPpuLines * kPpuLineDots;
+    if (!ppu.rendering) {
+        return kLongerThanAFrame;
+    }
+    const bool mayHit = (ppu.status & kPpuStatusSpriteZeroHit) == 0;
+    const bool mayOverflow = (ppu.status & kPpuStatusSpriteOverflow) == 0;
+    if ((mayHit && (ppu.zeroNote || ppu.foundZero)) ||
+        (mayOverflow && ppu.evaluation == kPpuFindOverflow)) {
+        return 0;
+    }
+    const RangeChanges changes = ChangesOfRange(ppu);
+    int32_t inRange = 0;
+    for (int32_t line = 0; line < kPpuIdleLine; ++line) {
+        inRange += changes[static_cast<size_t>(line)];
+        if (line < ppu.line) {
+            continue;
+        }
+        const int32_t found = line == ppu.line ? ppu.foundCount : 0;
+        const auto belowZero = static_cast<uint32_t>(line - ppu.oam[0]);
+        if ((mayOverflow && inRange + found >= static_cast<int32_t>(kPpuLineSprites)) ||
+            (mayHit && belowZero < SpriteHeight(ppu))) {
+            const auto lines = static_cast<uint32_t>(line - ppu.line);
+            return lines == 0 ? 0 : ppu.lineLength - ppu.dot + (lines - 1) * kPpuLineDots;
+        }
+    }
+    return kLongerThanAFrame;
+}
 
 void PpuEvaluateDot(PPU& ppu, uint32_t dot) {
     const bool odd = (dot & 1) != 0;

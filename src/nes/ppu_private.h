@@ -24,6 +24,10 @@ void PpuEvaluateTo(PPU& ppu, uint32_t end);
 void PpuEvaluateDot(PPU& ppu, uint32_t dot);
 void PpuEvaluateLine(PPU& ppu);
 
+// Dots for which `status` stays as it is, apart from the events of PpuDotsToEvent. Never too many: a line in which
+// sprite 0 or eight sprites are in range may set a flag, and so may one that is in progress with some found.
+[[nodiscard]] uint32_t PpuDotsOfSameStatus(const PPU& ppu);
+
 // Address of the low pattern plane of slot 0 to 7. An empty slot holds tile 0xFF if rendering was on in the
 // line's first 64 dots, otherwise what an earlier line left there.
 [[nodiscard]] uint16_t PpuSpriteAddress(const PPU& ppu, uint32_t slot);

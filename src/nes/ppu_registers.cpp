@@ -160,6 +160,11 @@ void PpuWriteRegister(PPU& ppu, uint16_t address, uint8_t value) {
     }
 }
 
+bool PpuStatusReadIsIdle(const PPU& ppu) {
+    return ppu.firstWrite == 1 && (ppu.status & kPpuStatusVblank) == 0 && !NmiUndecided(ppu) &&
+           ppu.openBus == (ppu.status | (ppu.openBus & kPpuStatusOpenBus));
+}
+
 uint8_t PpuReadRegister(PPU& ppu, uint16_t address) {
     PpuCatchUp(ppu);
     switch (address & kRegisterBits) {

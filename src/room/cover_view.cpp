@@ -49,7 +49,7 @@ void CoverView::SetSize(uint32_t width, uint32_t height) {
     PlaceCamera();
 }
 
-// The cabinet stands behind the first column.
+// From the first column with something in it to the one after the last. The cabinet takes the first column.
 std::pair<float, float> CoverView::ColumnsInUse() const {
     size_t first = cabinet ? 0 : kColumns;
     size_t last = cabinet ? 1 : 0;

@@ -17,8 +17,8 @@ bool SidesFit(int64_t width, int64_t height) {
     return width > 0 && height > 0 && width <= kLongestImageSide && height <= kLongestImageSide;
 }
 
-// Counts the marks that begin a scan, wherever they are: within a scan's data there are none, and those in
-// a thumbnail do no harm.
+// Counts the markers that begin a scan of a JPEG. It looks at every byte: the data of a scan cannot contain such a
+// marker, and counting those of a thumbnail as well does no harm.
 size_t ScanMarks(std::span<const uint8_t> file) {
     size_t marks = 0;
     for (size_t i = 1; i < file.size(); ++i) {

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr ProgressWindow::CounterTexts kCounterTexts = {L"Added: ", L"Already there: ",
-                                                        L"Unknown: ", L"Errors: "};
+                                                        L"Machine unknown: ", L"Errors: "};
 constexpr PROGRESS_LAYOUT kLayout{.plainHeight = 150, .bar = 38, .counters = 38, .log = 96};
 
 void Join(ADDED_GAMES& sum, const ADDED_GAMES& more) {

@@ -94,15 +94,17 @@ CGUIBattleGround::~CGUIBattleGround() {
     manager.DestroyWindow(battleMain->window);
 }
 
+// The player may enter a service, or none, at any time.
 void CGUIBattleGround::AskForNews() {
     const std::wstring url = NewsUrlOfSettings();
+    SetNews(std::wstring(url.empty() ? kNoServiceText : kConnectingText));
+    newsHeader->SetText(url.empty() ? L"First steps" : L"News");
+    steps = url.empty() ? std::make_unique<FirstSteps>(battleMain->window, news->Text()) : nullptr;
+    PlaceNews();
+    ShowNews(newsHeader->IsVisible());
     if (url.empty()) {
-        SetNews(std::wstring(kNoServiceText));
-        newsHeader->SetText(L"First steps");
-        steps = std::make_unique<FirstSteps>(battleMain->window, std::wstring(kNoServiceText));
         return;
     }
-    SetNews(std::wstring(kConnectingText));
     host.Downloads().QueueRequest(
         url, L"", 0, abandoned,
         [this, url](const std::wstring& error, const std::wstring&, uint32_t, const AbortWord& gone,
@@ -185,16 +187,22 @@ void CGUIBattleGround::Layout(int32_t width, int32_t height) {
         x += 160;
     }
     member->Layout();
-    newsHeader->SetPos(390, 70, width - 410, kControlHeight);
-    news->SetPos(390, 95, width - 410, height - 115);
-    if (steps != nullptr) {
-        steps->Layout(390, 95, width - 410, height - 115);
-    }
+    PlaceNews();
     if (panel != nullptr) {
         panel->Layout(width, height);
     }
     if (browser != nullptr) {
         browser->Layout(width, height);
+    }
+}
+
+void CGUIBattleGround::PlaceNews() {
+    const int32_t width = mainWindow.width - 410;
+    const int32_t height = mainWindow.height - 115;
+    newsHeader->SetPos(390, 70, width, kControlHeight);
+    news->SetPos(390, 95, width, height);
+    if (steps != nullptr) {
+        steps->Layout(390, 95, width, height);
     }
 }
 
@@ -238,15 +246,19 @@ void CGUIBattleGround::ShowMenu(bool visible) {
     }
     Show(tagline->window, visible);
     member->SetVisible(visible);
-    Show(newsHeader->window, visible);
-    Show(news->window, visible && steps == nullptr);
-    if (steps != nullptr) {
-        steps->SetVisible(visible);
-    }
+    ShowNews(visible);
     Show(back->window, !visible);
     if (visible) {
         NewTagline();
         buttons[static_cast<size_t>(std::max<int32_t>(current, kPanelBrowser))]->SetFocus();
+    }
+}
+
+void CGUIBattleGround::ShowNews(bool visible) {
+    Show(newsHeader->window, visible);
+    Show(news->window, visible && steps == nullptr);
+    if (steps != nullptr) {
+        steps->SetVisible(visible);
     }
 }
 

@@ -85,6 +85,7 @@ public:
     [[nodiscard]] MemberPanel& Member() const { return *member; }
     // In the place of the news; null with a web service.
     [[nodiscard]] const FirstSteps* Steps() const { return steps.get(); }
+    [[nodiscard]] const CGhostTextBox* NewsHeader() const { return newsHeader; }
     [[nodiscard]] const CGhostMultiText* News() const { return news; }
     [[nodiscard]] CGhostWindowEx* MainWindow() const { return battleMain; }
 
@@ -93,7 +94,9 @@ private:
     void AskForNews();
     void PlaceBars();
     void Layout(int32_t width, int32_t height);
+    void PlaceNews();
     void ShowMenu(bool visible);
+    void ShowNews(bool visible);
     void ShowPanel(int32_t id, bool show);
     void ShowBrowser(bool show);
     void NewTagline();

@@ -132,6 +132,11 @@ bool FirstSteps::IsVisible() const {
     return back->IsVisible();
 }
 
+GUI_RECT FirstSteps::Place() const {
+    const GHOSTMANAGER_WINDOW& window = *back->window;
+    return {window.x, window.y, window.width, window.height};
+}
+
 void FirstSteps::ReadKeys() {
     const auto& all = Steps();
     for (size_t i = 0; i < all.size(); ++i) {

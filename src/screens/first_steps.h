@@ -26,6 +26,7 @@ public:
     void SetVisible(bool visible);
 
     [[nodiscard]] bool IsVisible() const;
+    [[nodiscard]] GUI_RECT Place() const;
     // Each row: "[Q] Turn it off."
     [[nodiscard]] std::vector<std::wstring> Texts() const;
     [[nodiscard]] const CGhostTextBox& Foot() const { return *last; }

@@ -140,9 +140,14 @@ void CGUIGameOverlay::ShowButtons(const OVERLAY_STATE& state) {
                                                state.selectedOn,
                                                state.selectedOn,
                                                state.selectedOn};
+    bool gone = false; // what was offered, such as a game that has ended
     for (size_t i = 0; i < kButtons; ++i) {
+        gone = gone || (offered[i] && !(state.shown && wanted[i]));
         offered[i] = state.shown && wanted[i];
         buttons[i]->SetVisible(offered[i] && !state.walking && recent);
+    }
+    if (gone) {
+        CloseMenu();
     }
 }
 

@@ -45,6 +45,8 @@ constexpr int32_t kListHeight = 240; // of an open drop list
 constexpr int32_t kRoomButton = 120;
 constexpr int32_t kHintFoot = 40; // from the list's lower edge to the top of the hint
 
+constexpr uint64_t kOldMediaStays = 250; // milliseconds
+
 constexpr const wchar_t* kSystemSetting = L"gamebrowser_cursystem";
 constexpr const wchar_t* kSavesSetting = L"emu_autosaves";
 
@@ -286,11 +288,14 @@ void CGUIRomBrowser::SetActive(bool wanted) {
         return;
     }
     ShowKeys();
-    const int32_t value = Settings().GetInt(kSavesSetting);
+    const int32_t value = Settings().GetInt(kSavesSetting) & 3; // other bits mean nothing
     const auto* const found = std::find_if(std::begin(kSaves), std::end(kSaves),
                                            [&](const SAVES& one) { return one.value == value; });
     saves->SetSelected(found != std::end(kSaves) ? static_cast<int32_t>(found - kSaves) : -1,
                        false);
+    if (found == std::end(kSaves)) {
+        saves->SetCaption(L"Auto Save"); // which the settings' file alone can ask for
+    }
     if (!scanned) {
         scanned = true;
         SelectSystem(0, -1);
@@ -340,7 +345,7 @@ void CGUIRomBrowser::MakePanel(uint16_t system) {
     ShowKeys();
 }
 
-// In the last row of the options, beside what is in it.
+// The keys of the machine share the last row of its options, and begin right of the controls there.
 void CGUIRomBrowser::ShowKeys() {
     const uint16_t system = catalogue.System();
     const int32_t x = options == nullptr              ? 0
@@ -360,6 +365,7 @@ void CGUIRomBrowser::ClearPanes() {
     PlaceHint();
     listRows.clear();
     mediaReader.Forget();
+    oldMedia = false;
     for (const ContentTab tab :
          {ContentTab::kReviews, ContentTab::kHints, ContentTab::kTrivia, ContentTab::kMetaInfo}) {
         content.SetText(tab, L"");
@@ -374,13 +380,19 @@ void CGUIRomBrowser::ClearPanes() {
 
 void CGUIRomBrowser::Update() {
     // The list reaches out from behind the open filters, and would take each step to the right or down from them.
-    CGhostManager::Get().SetTabStop(list->window, !filters.Menu()->IsVisible());
+    CGhostManager& manager = CGhostManager::Get();
+    manager.SetTabStop(list->window,
+                       !filters.Menu()->IsVisible() || manager.FocusWindow() == list->window);
     if (options != nullptr) {
         options->Update();
     }
     content.Update();
     if (catalogue.TakeFolderError()) {
-        CGhostMessageBox::Show(kFolderErrorTitle, kFolderErrorText);
+        const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System());
+        const std::filesystem::path folder =
+            facts != nullptr ? HomeFolder() / facts->folder : HomeFolder();
+        CGhostMessageBox::Show(kFolderErrorTitle,
+                               kFolderErrorText + (L"\n\n" + WideFromUtf8(folder.string())));
     }
     if (scan.Update(catalogue)) {
         applyFilters = true;
@@ -391,6 +403,8 @@ void CGUIRomBrowser::Update() {
     }
     if (std::optional<GAME_MEDIA> media = mediaReader.Take(); media && chosen != nullptr) {
         ShowMedia(std::move(*media));
+    } else if (oldMedia && host.Milliseconds() - mediaAsked > kOldMediaStays) {
+        DropOldMedia();
     }
     if (readAnew >= 0 && active && catalogue.State() == kScanIdle) {
         SelectSystem(0, std::exchange(readAnew, -1));
@@ -512,6 +526,7 @@ void CGUIRomBrowser::Choose(const GameListRow* row) {
     metaTail.clear();
     if (row == nullptr) {
         mediaReader.Forget();
+        oldMedia = false;
         content.SetShots({});
         content.SayNoCover(false);
         ShowCovers({}, 0, false);
@@ -544,17 +559,29 @@ std::filesystem::path CGUIRomBrowser::MediaOf(const GameListRow& row) const {
                             : std::filesystem::path();
 }
 
-// The pictures of the game before stay until these are there.
+// What was read of the game before is shown until this is there, so that nothing flickers, but not for long.
 void CGUIRomBrowser::AskForMedia(const GameListRow& row) {
     localTexts.reset();
-    told.reset();
-    failed = false;
+    oldMedia = true;
+    mediaAsked = host.Milliseconds();
     if (const MACHINE_FACTS* const facts = FindMachineFacts(catalogue.System())) {
         mediaReader.Ask(facts->folder, row.contentKey);
     }
 }
 
+// A slow disk lets the game wait for its own.
+void CGUIRomBrowser::DropOldMedia() {
+    oldMedia = false;
+    content.SetShots({});
+    content.SayNoCover(false);
+    ShowCovers({}, 0, false);
+    if (!told && !failed) {
+        ShowTexts({});
+    }
+}
+
 void CGUIRomBrowser::ShowMedia(GAME_MEDIA media) {
+    oldMedia = false;
     if (!media.texts.empty()) {
         localTexts = ReadGameInformation(media.texts);
     }
@@ -587,6 +614,8 @@ bool CGUIRomBrowser::IsChosen(uint16_t system, const std::wstring& key) const {
 
 // The texts that lie here are shown soon; those of the service's answer take their place, or are there before.
 void CGUIRomBrowser::AskAboutGame(const GameListRow& row) {
+    told.reset();
+    failed = false;
     content.OfferContent(false);
     const std::wstring url = GameUrl(ServiceOfSettings(), row.contentKey);
     if (url.empty()) {
@@ -652,8 +681,10 @@ void CGUIRomBrowser::StoreContent(const std::wstring& error, std::span<const uin
         AskForMedia(*chosen);
         return;
     }
-    CGhostMessageBox::Show(L"Content Available",
-                           L"The pictures could not be fetched: " + WideFromUtf8(reason));
+    content.OfferContent(true); // to be tried again
+    CGhostMessageBox::Show(L"Content Available", L"The pictures of " + chosen->title +
+                                                     L" could not be fetched: " +
+                                                     WideFromUtf8(reason));
 }
 
 void CGUIRomBrowser::ReadMeta(const GameListRow& row, const CGameFile& game) {

@@ -100,6 +100,7 @@ private:
     void PutInOrder(std::vector<const GameListRow*>& found) const;
     [[nodiscard]] PLAYER_RECORD PlayedOf(const GameListRow& row) const;
     void AskForMedia(const GameListRow& row);
+    void DropOldMedia();
     void ShowMedia(GAME_MEDIA media);
     void ShowCovers(std::vector<GUI_BITMAP> covers, int kind, bool cabinet);
     void ShowTexts(const GAME_INFORMATION& information);
@@ -145,6 +146,8 @@ private:
     int32_t offeredRevision = 0;                // of its pictures on the service
     std::optional<GAME_INFORMATION> told;       // by the service about the chosen game
     bool failed = false;                        // it could not
+    bool oldMedia = false;                      // what is shown is of the game before
+    uint64_t mediaAsked = 0;                    // milliseconds of the host's clock
     AbortWord abandoned = std::make_shared<std::atomic<uint32_t>>(0);
     MediaReader mediaReader;
     LibraryIndex libraryIndex;

@@ -65,22 +65,21 @@ struct GEAR_BUS {
     }
 };
 
-// One Z80 clock of a console.
+// One Z80 clock of a console's chips but the PSG.
 inline void ConsoleTick(GEAR_BUS& bus) {
     GEAR_CONSOLE& console = bus.console;
     VdpTick(console.vdp);
     VdpTick(console.vdp);
     Z80TickOn(console.z80, bus);
-    PsgTick(console.psg);
     VdpTick(console.vdp);
     GearLinkTick(console.link);
     console.z80.irqLine = console.irqOut;
 }
 
-// The same for a Z80 that runs ahead: its console's other chips catch up before every port access.
+// The same for a Z80 that runs ahead: VDP and link catch up before every port access.
 struct GEAR_CATCH_UP_BUS {
     GEAR_BUS bus;
-    CATCH_UP_CHIPS& chips;
+    CATCH_UP& chips;
     uint32_t clock = 0;     // of the span
     uint32_t linkClock = 0; // clocks of the span that the link has run
     uint32_t spanStart = 0; // clocks of the frame before the span, wrapping
@@ -91,6 +90,9 @@ struct GEAR_CATCH_UP_BUS {
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
         CatchUp();
+        if (SegaPollsVdp(chips, port)) {
+            return GearReadPort(bus.console, port);
+        }
         const uint8_t value = bus.IoRead(port);
         bus.console.z80.irqLine = bus.console.irqOut;
         return value;
@@ -102,7 +104,9 @@ struct GEAR_CATCH_UP_BUS {
     }
     void At(uint32_t now) { clock = now; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
-        return idle.Skip(z80, bus.effects, spanStart + now, left);
+        return idle.Skip(z80, bus.effects, spanStart + now, [&] {
+            return chips.ClocksOfSamePolls(left, (now + left) * kVdpTicksPerClock);
+        });
     }
     void CatchUp() {
         chips.CatchUp(clock * kVdpTicksPerClock + kVdpTicksBeforeZ80, clock);
@@ -113,13 +117,13 @@ struct GEAR_CATCH_UP_BUS {
         linkClock = to;
     }
     void BeginSpan() {
-        chips.BeginSpan();
+        bus.effects += chips.BeginSpan() ? 1U : 0U;
         linkClock = 0;
     }
     void EndSpan(uint32_t clocks) {
         chips.CatchUp(clocks * kVdpTicksPerClock, clocks);
         RunLink(clocks);
-        spanStart += clocks + 1; // and the clock that runs every chip
+        spanStart += clocks + 1; // and the clock that is run tick by tick
     }
 };
 
@@ -320,24 +324,29 @@ void CGAMEGEAR::RunFramePlain() {
     while (!consoles[0].vdp.frameDone) {
         for (uint32_t i = 0; i < consoleCount; ++i) {
             ConsoleTick(buses[i]);
+            PsgTick(consoles[i].psg);
         }
     }
 }
 
 // The same frame, in which VDP and PSG catch up. A clock in which a VDP changes a line of its Z80
-// runs every chip; so does the first clock, which sets the lines' levels.
+// is run tick by tick; so is the first clock, which sets the lines' levels.
 void CGAMEGEAR::RunFrameFast() {
-    CATCH_UP_CHIPS chips[2] = {
-        {consoles[0].vdp, consoles[0].psg},
-        {consoles[1].vdp, consoles[1].psg}
+    CATCH_UP chips[2] = {
+        {consoles[0].vdp, consoles[0].soundOwed},
+        {consoles[1].vdp, consoles[1].soundOwed}
     };
     GEAR_CATCH_UP_BUS buses[2] = {
         {{consoles[0]}, chips[0]},
         {{consoles[1]}, chips[1]}
     };
-    for (uint32_t i = 0; i < consoleCount; ++i) {
-        ConsoleTick(buses[i].bus);
-    }
+    const auto tickConsoles = [&] {
+        for (uint32_t i = 0; i < consoleCount; ++i) {
+            ConsoleTick(buses[i].bus);
+            ++consoles[i].soundOwed;
+        }
+    };
+    tickConsoles();
     while (!consoles[0].vdp.frameDone) {
         uint32_t ticks = VdpTicksToEvent(consoles[0].vdp);
         if (consoleCount == 2) {
@@ -355,9 +364,10 @@ void CGAMEGEAR::RunFrameFast() {
         for (uint32_t i = 0; i < consoleCount; ++i) {
             buses[i].EndSpan(clocks);
         }
-        for (uint32_t i = 0; i < consoleCount; ++i) {
-            ConsoleTick(buses[i].bus);
-        }
+        tickConsoles();
+    }
+    for (GEAR_CONSOLE& console : consoles) {
+        GearRunSound(console);
     }
 }
 
@@ -420,7 +430,7 @@ StateBlob CGAMEGEAR::SaveState(uint32_t& size) {
     const auto sound = {&std::as_const(consoles[0].sound), &std::as_const(consoles[1].sound)};
     size = StatePieceSize(board) + 2 * (Z80StateSize() + VdpStateSize() + PsgStateSize()) +
            SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     for (const GEAR_CONSOLE& console : consoles) {
         out = Z80SaveState(console.z80, out);
@@ -472,6 +482,14 @@ bool CGAMEGEAR::Peek(uint32_t address, uint8_t& value) const {
     }
     value = Peek(static_cast<uint16_t>(address));
     return true;
+}
+
+std::vector<uint8_t> CGAMEGEAR::BatteryContents() const {
+    return SegaBattery(consoles[0].memory);
+}
+
+bool CGAMEGEAR::SetBatteryContents(std::span<const uint8_t> bytes) {
+    return SetSegaBattery(consoles[0].memory, bytes);
 }
 
 std::vector<uint8_t> CGAMEGEAR::Dump(std::string_view region) const {

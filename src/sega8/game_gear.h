@@ -15,6 +15,7 @@
 #pragma once
 
 #include "facts/game_gear_facts.h"
+#include "machine/battery.h"
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
@@ -39,15 +40,22 @@ struct GEAR_CONSOLE {
     SEGA_MEMORY memory;
     GEAR_LINK link;
     uint32_t irqOut = 0;      // by the VDP
+    uint32_t soundOwed = 0;   // clocks that the PSG has not run; 0 between frames
     uint8_t ioControl = 0xFF; // port 0x3F
     uint8_t buttons = 0xFF;   // port 0xDC; 0: pressed
     std::array<uint8_t, kVdpVramBytes> vram{};
 };
 
+// Runs the clocks that the PSG owes.
+inline void GearRunSound(GEAR_CONSOLE& console) {
+    PsgRun(console.psg, console.soundOwed);
+    console.soundOwed = 0;
+}
+
 [[nodiscard]] uint8_t GearReadPort(GEAR_CONSOLE& console, uint16_t port);
 void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value);
 
-class CGAMEGEAR : public CEmuSystem, public CInspection {
+class CGAMEGEAR : public CEmuSystem, public CInspection, public CBattery {
 public:
     explicit CGAMEGEAR(uint32_t sessionKeyValue);
 
@@ -69,6 +77,11 @@ public:
     [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
     [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
+
+    // The RAM of the first console's cartridge, as on a Master System. The second one plays the same game with a battery
+    // of its own, which is not kept.
+    [[nodiscard]] std::vector<uint8_t> BatteryContents() const override;
+    [[nodiscard]] bool SetBatteryContents(std::span<const uint8_t> bytes) override;
 
 private:
     friend struct MACHINE_FIELDS; // of the tests: every field of a state

@@ -24,6 +24,7 @@ void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value) {
     if (low <= kGearPortLast) {
         GearLinkWrite(console.link, low, value);
         if (low == kGearPortPanning) {
+            GearRunSound(console);
             PsgStereoWrite(console.psg, value);
         }
         return;
@@ -37,7 +38,10 @@ void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value) {
         console.ioControl = value;
         break;
     case kSegaPortPsg:
-    case kSegaPortPsgMirror: PsgWrite(console.psg, value); break;
+    case kSegaPortPsgMirror:
+        GearRunSound(console);
+        PsgWrite(console.psg, value);
+        break;
     case kSegaPortVdpData: VdpDataWrite(console.vdp, value); break;
     case kSegaPortVdpControl: VdpControlWrite(console.vdp, value); break;
     default: break;

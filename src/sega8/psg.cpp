@@ -123,9 +123,7 @@ void RunQuietPairs(PSG& psg, uint32_t pairs) {
     psg.counter[kNoise] -= static_cast<int32_t>(pairs);
     psg.noiseOutput = psg.lfsr & 1;
     const PSG_PAIR pair = Mix(psg);
-    for (; pairs != 0; --pairs) {
-        psg.pairs->Add(pair.left, pair.right);
-    }
+    psg.pairs->AddRun(pair.left, pair.right, pairs);
 }
 
 void WriteRegister(PSG& psg, uint8_t value, bool isLatch) {

@@ -157,6 +157,18 @@ void SegaMemoryWriteRegister(SEGA_MEMORY& memory, uint16_t address, uint8_t valu
     SegaMemoryRebuild(memory);
 }
 
+std::vector<uint8_t> SegaBattery(const SEGA_MEMORY& memory) {
+    return {memory.cartridgeRam.begin(), memory.cartridgeRam.end()};
+}
+
+bool SetSegaBattery(SEGA_MEMORY& memory, std::span<const uint8_t> bytes) {
+    if (bytes.size() != memory.cartridgeRam.size()) {
+        return false;
+    }
+    std::ranges::copy(bytes, memory.cartridgeRam.begin());
+    return true;
+}
+
 std::vector<uint8_t> SegaMemoryRegion(const SEGA_MEMORY& memory, std::span<const uint8_t> vram,
                                       std::span<const uint8_t> palette, std::string_view region) {
     std::span<const uint8_t> bytes;

@@ -95,6 +95,10 @@ void SegaMemoryWriteControl(SEGA_MEMORY& memory, uint8_t value);
 // The effect of a write to a mapper register; the byte itself is stored by SegaMemoryWrite.
 void SegaMemoryWriteRegister(SEGA_MEMORY& memory, uint16_t address, uint8_t value);
 
+// The RAM on the cartridge, as something that a battery keeps (machine/battery.h).
+[[nodiscard]] std::vector<uint8_t> SegaBattery(const SEGA_MEMORY& memory);
+[[nodiscard]] bool SetSegaBattery(SEGA_MEMORY& memory, std::span<const uint8_t> bytes);
+
 // A copy of a memory by its name: "ram", "sram" (on the cartridge), "vram" or "palette". Empty for
 // any other name.
 [[nodiscard]] std::vector<uint8_t> SegaMemoryRegion(const SEGA_MEMORY& memory,

@@ -88,10 +88,10 @@ struct SMS_BUS {
     }
 };
 
-// The same for a Z80 that runs ahead: the other chips catch up before every port access.
+// The same for a Z80 that runs ahead: the VDP catches up before every port access.
 struct SMS_CATCH_UP_BUS {
     SMS_BUS& bus;
-    CATCH_UP_CHIPS& chips;
+    CATCH_UP& chips;
     uint32_t& irqLine; // of the Z80
     const uint32_t& irqOut;
     uint32_t& clockCount;
@@ -104,6 +104,9 @@ struct SMS_CATCH_UP_BUS {
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
         CatchUp();
+        if (SegaPollsVdp(chips, port)) {
+            return bus.machine.ReadPort(port);
+        }
         const uint8_t value = bus.IoRead(port);
         irqLine = irqOut;
         return value;
@@ -115,7 +118,9 @@ struct SMS_CATCH_UP_BUS {
     }
     void At(uint32_t now) { clock = now; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
-        return idle.Skip(z80, bus.effects, startCount + now, left);
+        return idle.Skip(z80, bus.effects, startCount + now, [&] {
+            return chips.ClocksOfSamePolls(left, (now + left) * kVdpTicksPerClock);
+        });
     }
     void CatchUp() {
         chips.CatchUp(clock * kVdpTicksPerClock + kVdpTicksBeforeZ80, clock);
@@ -225,43 +230,54 @@ void CSMS::RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FR
     VdpFinishFrame(vdp, video);
 }
 
-// One Z80 clock of every chip, in the order in which they are clocked.
+// One Z80 clock of every chip but the sound chips, in the order in which they are clocked.
 void CSMS::TickChips(SMS_BUS& bus) {
     VdpTick(vdp);
     VdpTick(vdp);
     Z80TickOn(z80, bus);
-    PsgTick(psg);
-    if (chosen.fmChip != 0) {
-        YmTick(fm);
-    }
     VdpTick(vdp);
     ++clockCount;
     z80.irqLine = irqOut;
+}
+
+void CSMS::RunSound() {
+    PsgRun(psg, soundOwed);
+    if (chosen.fmChip != 0) {
+        YmRun(fm, soundOwed);
+    }
+    soundOwed = 0;
 }
 
 void CSMS::RunFramePlain() {
     SMS_BUS bus{*this, memory, z80};
     while (!vdp.frameDone) {
         TickChips(bus);
+        PsgTick(psg);
+        if (chosen.fmChip != 0) {
+            YmTick(fm);
+        }
     }
 }
 
 // The same frame, in which the chips around the Z80 catch up. A clock in which the VDP changes a
-// line of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
+// line of the Z80 is run tick by tick; so is the first clock, which sets the lines' levels.
 void CSMS::RunFrameFast() {
     SMS_BUS bus{*this, memory, z80};
-    CATCH_UP_CHIPS chips{vdp, psg, chosen.fmChip != 0 ? &fm : nullptr};
+    CATCH_UP chips{vdp, soundOwed};
     SMS_CATCH_UP_BUS catchUpBus{bus, chips, z80.irqLine, irqOut, clockCount};
     TickChips(bus);
+    ++soundOwed;
     while (!vdp.frameDone) {
         const uint32_t clocks = (VdpTicksToEvent(vdp) - 1) / kVdpTicksPerClock;
-        chips.BeginSpan();
+        bus.effects += chips.BeginSpan() ? 1U : 0U;
         catchUpBus.startCount = clockCount;
         Z80RunOn(z80, catchUpBus, clocks);
         chips.CatchUp(clocks * kVdpTicksPerClock, clocks);
         clockCount = catchUpBus.startCount + clocks;
         TickChips(bus);
+        ++soundOwed;
     }
+    RunSound();
 }
 
 // Each chip has a resampler of its own, so one may be a sample short of the other. It then runs
@@ -307,7 +323,7 @@ StateBlob CSMS::SaveState(uint32_t& size) {
     const auto sound = {&std::as_const(psgSound), &std::as_const(fmSound)};
     size = StatePieceSize(board) + Z80StateSize() + VdpStateSize() + PsgStateSize() +
            YmStateSize() + SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = Z80SaveState(z80, out);
     out = VdpSaveState(vdp, out);
@@ -350,6 +366,14 @@ bool CSMS::Peek(uint32_t address, uint8_t& value) const {
     }
     value = Peek(static_cast<uint16_t>(address));
     return true;
+}
+
+std::vector<uint8_t> CSMS::BatteryContents() const {
+    return SegaBattery(memory);
+}
+
+bool CSMS::SetBatteryContents(std::span<const uint8_t> bytes) {
+    return SetSegaBattery(memory, bytes);
 }
 
 std::vector<uint8_t> CSMS::Dump(std::string_view region) const {

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "facts/sms_facts.h"
+#include "machine/battery.h"
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
@@ -28,7 +29,7 @@
 
 struct SMS_BUS;
 
-class CSMS : public CEmuSystem, public CInspection {
+class CSMS : public CEmuSystem, public CInspection, public CBattery {
 public:
     explicit CSMS(uint32_t sessionKeyValue);
 
@@ -54,6 +55,10 @@ public:
     [[nodiscard]] std::vector<uint8_t> Dump(std::string_view region) const override;
     [[nodiscard]] std::span<const std::string_view> Regions() const override;
 
+    // The RAM of the cartridge. No image says whether it has any, and what no game has written is zero.
+    [[nodiscard]] std::vector<uint8_t> BatteryContents() const override;
+    [[nodiscard]] bool SetBatteryContents(std::span<const uint8_t> bytes) override;
+
 private:
     friend struct MACHINE_FIELDS; // of the tests: every field of a state
 
@@ -61,6 +66,7 @@ private:
     void TickChips(SMS_BUS& bus);
     void RunFramePlain();
     void RunFrameFast();
+    void RunSound();
     void MixFm(EMU_AUDIO_FRAME& audio);
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
     template <typename Visit>
@@ -81,5 +87,6 @@ private:
     uint8_t fmControl = 0;   // port 0xF2
     uint8_t frameToggle = 0; // 1 in the first frame of a pair
     uint32_t clockCount = 0; // Z80 clocks
+    uint32_t soundOwed = 0;  // clocks that PSG and FM chip have not run; 0 between frames
     std::array<uint8_t, kVdpVramBytes> vram{};
 };

@@ -35,7 +35,10 @@ void CSMS::WritePort(uint16_t port, uint8_t value) {
     case kSegaPortMemoryControl: SegaMemoryWriteControl(memory, value); return;
     case kSegaPortIoControl: PadsWriteControl(pads, vdp, value, clockCount); return;
     case kSegaPortPsg:
-    case kSegaPortPsgMirror: PsgWrite(psg, value); return;
+    case kSegaPortPsgMirror:
+        RunSound();
+        PsgWrite(psg, value);
+        return;
     case kSegaPortVdpData: VdpDataWrite(vdp, value); return;
     case kSegaPortVdpControl: VdpControlWrite(vdp, value); return;
     default: break;
@@ -45,7 +48,10 @@ void CSMS::WritePort(uint16_t port, uint8_t value) {
     }
     switch (low) {
     case kPortFmAddress: fmAddress = value; break;
-    case kPortFmData: YmWrite(fm, fmAddress, value); break;
+    case kPortFmData:
+        RunSound();
+        YmWrite(fm, fmAddress, value);
+        break;
     case kPortFmControl: fmControl = value; break;
     default: break;
     }

@@ -82,20 +82,25 @@ struct ARCADE_BUS {
 
 namespace {
 
-// The same for a Z80 that runs ahead: the other chips catch up before every port access.
+// The same for a Z80 that runs ahead: the VDPs catch up before every port access.
 struct ARCADE_CATCH_UP_BUS {
     ARCADE_BUS& bus;
     uint32_t& irqLine; // of the Z80
     const uint32_t& irqOut;
     uint32_t clock = 0;     // of the span
-    uint32_t done = 0;      // clocks of the span that the other chips have run
+    uint32_t done = 0;      // clocks of the span that the VDPs have run
     uint32_t spanStart = 0; // clocks of the frame before the span
+    bool polls = false;     // the V counter, in this span
     Z80IdleLoop idle{};
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
+        if (static_cast<uint8_t>(port) == kArcadePortVCounter) {
+            polls = true; // the counter stays as it is to the end of the span
+            return bus.machine.ReadPort(port);
+        }
         CatchUp();
         const uint8_t value = bus.IoRead(port);
         irqLine = irqOut;
@@ -109,6 +114,12 @@ struct ARCADE_CATCH_UP_BUS {
     void At(uint32_t now) { clock = now; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
         return idle.Skip(z80, bus.effects, spanStart + now, left);
+    }
+    // Rounds that polled in the span before must be run again: it ended with an event.
+    void BeginSpan() {
+        done = 0;
+        bus.effects += polls ? 1U : 0U;
+        polls = false;
     }
     void CatchUp() {
         bus.machine.CatchUp(clock - done);
@@ -259,9 +270,15 @@ uint8_t CSEGAE::ReadPort(uint16_t port) {
 
 void CSEGAE::WritePort(uint16_t port, uint8_t value) {
     switch (static_cast<uint8_t>(port)) {
-    case kArcadePortPsg2: PsgWrite(psg2, value); break;
+    case kArcadePortPsg2:
+        RunSound();
+        PsgWrite(psg2, value);
+        break;
     case kArcadePortPsg1:
-    case kArcadePortPsg1Mirror: PsgWrite(psg1, value); break;
+    case kArcadePortPsg1Mirror:
+        RunSound();
+        PsgWrite(psg1, value);
+        break;
     case kArcadePortVdp1Data: VdpDataWrite(vdp1, value); break;
     case kArcadePortVdp1Control: VdpControlWrite(vdp1, value); break;
     case kArcadePortVdp2Data: VdpDataWrite(vdp2, value); break;
@@ -301,28 +318,39 @@ void CSEGAE::ReadInput() {
     panel.inputP2 = ReadButtons(sessionKey, kArcadePlayerActions[1], kPlayerBits);
 }
 
-// One Z80 clock of every chip, in the order in which they are clocked.
+// One Z80 clock of every chip but the PSGs, in the order in which they are clocked.
 void CSEGAE::TickChips(ARCADE_BUS& bus) {
     Z80TickOn(z80, bus);
     VdpTick(vdp1);
     VdpTick(vdp1);
     VdpTick(vdp2);
     VdpTick(vdp2);
-    RunSound(1);
     z80.irqLine = irqLine;
 }
 
-void CSEGAE::RunSound(uint32_t clocks) {
-    const uint32_t phase = psgPhase + clocks * kPsgPhasePerZ80Clock;
+// One Z80 clock of the PSGs.
+void CSEGAE::TickSound() {
+    psgPhase += kPsgPhasePerZ80Clock;
+    if (psgPhase >= kPsgPhasePerPsgClock) {
+        psgPhase -= kPsgPhasePerPsgClock;
+        PsgTick(psg1);
+        PsgTick(psg2);
+    }
+}
+
+void CSEGAE::RunSound() {
+    const uint32_t phase = psgPhase + soundOwed * kPsgPhasePerZ80Clock;
     PsgRun(psg1, phase / kPsgPhasePerPsgClock);
     PsgRun(psg2, phase / kPsgPhasePerPsgClock);
     psgPhase = phase % kPsgPhasePerPsgClock;
+    soundOwed = 0;
 }
 
 void CSEGAE::RunFramePlain() {
     ARCADE_BUS bus{*this, z80};
     while (!vdp2.frameDone) {
         TickChips(bus);
+        TickSound();
     }
 }
 
@@ -331,25 +359,28 @@ void CSEGAE::RunFramePlain() {
 void CSEGAE::CatchUp(uint32_t clocks) {
     VdpRun(vdp1, clocks * kVdpTicksPerClock);
     VdpRun(vdp2, clocks * kVdpTicksPerClock);
-    RunSound(clocks);
+    soundOwed += clocks;
 }
 
 // The same frame, in which the chips around the Z80 catch up. A clock in which a VDP changes a line
-// of the Z80 runs every chip; so does the first clock, which sets the lines' levels.
+// of the Z80 is run tick by tick; so is the first clock, which sets the lines' levels.
 void CSEGAE::RunFrameFast() {
     ARCADE_BUS bus{*this, z80};
     ARCADE_CATCH_UP_BUS catchUpBus{bus, z80.irqLine, irqLine};
     TickChips(bus);
+    ++soundOwed;
     while (!vdp2.frameDone) {
         // A reset starts both chips at the same dot; a state may have them apart.
         const uint32_t ticks = std::min(VdpTicksToEvent(vdp1), VdpTicksToEvent(vdp2));
         const uint32_t clocks = (ticks - 1) / kVdpTicksPerClock;
-        catchUpBus.done = 0;
+        catchUpBus.BeginSpan();
         Z80RunOn(z80, catchUpBus, clocks);
         CatchUp(clocks - catchUpBus.done);
         TickChips(bus);
+        ++soundOwed;
         catchUpBus.spanStart += clocks + 1;
     }
+    RunSound();
 }
 
 // The mapper words are the banks of the three ROM slots and the bank latch. They are for readers of
@@ -377,7 +408,7 @@ StateBlob CSEGAE::SaveState(uint32_t& size) {
     const auto sound = {&std::as_const(sound1), &std::as_const(sound2)};
     size = StatePieceSize(board) + Z80StateSize() + 2 * VdpStateSize() + 2 * PsgStateSize() +
            SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = Z80SaveState(z80, out);
     out = VdpSaveState(vdp1, out);

@@ -111,7 +111,7 @@ public:
     }
     // Frames by the plain loop, which ticks every chip on every clock; for tests of the fast loop.
     void SetPlainLoop(bool plain) { plainLoop = plain; }
-    // Runs the Z80 clocks that the other chips owe.
+    // Runs the Z80 clocks that the VDPs owe; the PSGs owe them on.
     void CatchUp(uint32_t clocks);
 
     void WriteMemory(uint16_t address, uint8_t value) {
@@ -132,7 +132,8 @@ private:
     void RebuildMap();
     void ReadInput();
     void TickChips(ARCADE_BUS& bus);
-    void RunSound(uint32_t clocks);
+    void TickSound();
+    void RunSound();
     void RunFramePlain();
     void RunFrameFast();
     [[nodiscard]] bool LoadPieces(const uint8_t* data, uint32_t size);
@@ -156,8 +157,9 @@ private:
     uint32_t irqLine = 0;   // by vdp2
     uint32_t irqUnread = 0; // by vdp1; not connected
     bool plainLoop = false;
-    uint32_t psgPhase = 0; // in fifteenths of a PSG clock, 0..14
-    uint8_t bankLatch = 0; // port 0xF7
+    uint32_t soundOwed = 0; // Z80 clocks that the PSGs have not run; 0 between frames
+    uint32_t psgPhase = 0;  // in fifteenths of a PSG clock, 0..14
+    uint8_t bankLatch = 0;  // port 0xF7
     std::array<uint8_t, 0x4000> ram{};
     std::array<uint8_t, size_t{4} * kVdpVramBytes> vram{}; // banks A, B of vdp1, then C, D of vdp2
 

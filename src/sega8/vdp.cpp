@@ -261,6 +261,11 @@ uint8_t VdpDataRead(VDP& vdp) {
     return value;
 }
 
+bool VdpStatusReadIsIdle(const VDP& vdp) {
+    return vdp.status == 0 && !vdp.lineInterrupt && !vdp.frameInterrupt && !vdp.latchFull &&
+           *vdp.irqOut == 0;
+}
+
 uint8_t VdpStatusRead(VDP& vdp) {
     const uint8_t value = vdp.status | kVdpStatusUnused;
     vdp.status = 0;

@@ -39,6 +39,8 @@ void VdpControlWrite(VDP& vdp, uint8_t value);
 void VdpDataWrite(VDP& vdp, uint8_t value);
 [[nodiscard]] uint8_t VdpDataRead(VDP& vdp);
 [[nodiscard]] uint8_t VdpStatusRead(VDP& vdp);
+// True if a read of the status would change nothing and return no flag.
+[[nodiscard]] bool VdpStatusReadIsIdle(const VDP& vdp);
 [[nodiscard]] uint8_t VdpVCounter(const VDP& vdp);
 // Stores the current H counter in `hLatch` and returns it.
 uint8_t VdpLatchH(VDP& vdp);

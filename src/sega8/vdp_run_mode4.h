@@ -136,9 +136,8 @@ inline void RunColumns(VDP& vdp, uint32_t first, uint32_t end) {
     SetPipeline(vdp, kSlotTileHigh, vdp.tileAddress + 1U, false);
 }
 
-// The same dots of a line that shows only the backdrop.
+// The same dots of a line that shows only the backdrop, in any mode, but for the search.
 inline void RunBlankColumns(VDP& vdp, uint32_t first, uint32_t end) {
-    TakeSearchData(vdp, SearchSlots(first, end));
     const size_t x = size_t{first} * kColumnDots;
     const size_t pixels = size_t{end} * kColumnDots - x;
     std::memset(&vdp.colourLine[x], vdp_fetch::Backdrop(vdp), pixels);

@@ -6,6 +6,8 @@
 #include "sega8/ym2413_tables.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
 
 namespace {
 
@@ -17,6 +19,8 @@ constexpr uint32_t kWholeStep = 65'536;    // 1 with 16 bits of fraction
 constexpr uint32_t kNoiseTaps = 0x800302;
 
 constexpr uint32_t kPhaseShift = 16;
+
+using ChannelNumbers = std::span<const uint8_t>; // rising
 
 bool Bit(uint32_t value, uint32_t bit) {
     return (value >> bit & 1) != 0;
@@ -181,12 +185,12 @@ void AdvanceEnvelope(const YM2413& ym, size_t channel, size_t index, YM_SLOT& sl
     }
 }
 
-void AdvanceEnvelopes(YM2413& ym) {
+void AdvanceEnvelopes(YM2413& ym, ChannelNumbers channels) {
     ym.egTimer += ym.egTimerAdd;
     while (ym.egTimer >= ym.egTimerOverflow) {
         ym.egTimer -= ym.egTimerOverflow;
         ++ym.egCounter;
-        for (size_t i = 0; i < kYmChannels; ++i) {
+        for (const uint8_t i : channels) {
             AdvanceEnvelope(ym, i, kYmModulator, ym.channels[i].slots[kYmModulator]);
             AdvanceEnvelope(ym, i, kYmCarrier, ym.channels[i].slots[kYmCarrier]);
         }
@@ -207,8 +211,9 @@ uint32_t PhaseStep(const YM2413& ym, const YM_CHANNEL& channel, const YM_SLOT& s
     return slot.incr;
 }
 
-void AdvancePhases(YM2413& ym) {
-    for (YM_CHANNEL& channel : ym.channels) {
+void AdvancePhases(YM2413& ym, ChannelNumbers channels) {
+    for (const uint8_t i : channels) {
+        YM_CHANNEL& channel = ym.channels[i];
         for (YM_SLOT& slot : channel.slots) {
             slot.phase += PhaseStep(ym, channel, slot);
         }
@@ -234,6 +239,80 @@ void AdvanceOscillators(YM2413& ym) {
     ym.lfoAm = kYmTremolo[ym.lfoAmCnt >> 24] >> 1u;
     ym.lfoPmCnt += ym.lfoPmInc;
     ym.lfoPm = ym.lfoPmCnt >> 24 & 7;
+}
+
+// --- the sample -------------------------------------------------------------------------------
+
+// With only these channels. All others are asleep.
+void MakeSample(YM2413& ym, ChannelNumbers channels) {
+    ym.outMelody = 0;
+    ym.outRhythm = 0;
+    AdvanceOscillators(ym);
+
+    const bool rhythm = (ym.rhythm & kYmRhythmOn) != 0;
+    const size_t melodyChannels = rhythm ? kYmBassDrum : kYmChannels;
+    for (const uint8_t i : channels) {
+        ym.outMelody += i < melodyChannels ? ChannelOutput(ym, ym.channels[i]) : 0;
+    }
+    if (rhythm && !channels.empty() && channels.back() >= kYmBassDrum) {
+        ym.outRhythm = RhythmOutput(ym);
+    }
+    const auto sample =
+        static_cast<int16_t>(std::clamp((ym.outMelody + ym.outRhythm) * 4, -32768, 32767));
+    ym.pairs->Add(sample, sample);
+
+    AdvanceEnvelopes(ym, channels);
+    AdvancePhases(ym, channels);
+    AdvanceNoise(ym);
+}
+
+// True if an envelope stays as it is until the next write.
+bool IsLevel(const YM_SLOT& slot, bool keepsLevel) {
+    switch (slot.state) {
+    case YmEnvelope::kOff: return true;
+    case YmEnvelope::kRelease: return keepsLevel;
+    case YmEnvelope::kSustain: return slot.egType != 0 || slot.volume == kYmSilent;
+    default: return false;
+    }
+}
+
+// True if nothing of an operator but its phase changes until the next write, and it is silent whatever the tremolo
+// adds. Vibrato moves the phase in steps that differ.
+bool IsStill(const YM_SLOT& slot, bool keepsLevel) {
+    return IsLevel(slot, keepsLevel) && slot.vib == 0 &&
+           slot.tll + static_cast<uint32_t>(slot.volume) >= kEnvelopeLimit && slot.fbOut[0] == 0 &&
+           slot.fbOut[1] == 0;
+}
+
+// A modulator of the melody keeps its level after a key off (AdvanceEnvelope).
+bool IsAsleep(const YM_CHANNEL& channel, bool isRhythm) {
+    return IsStill(channel.slots[kYmModulator], !isRhythm) &&
+           IsStill(channel.slots[kYmCarrier], false);
+}
+
+struct AWAKE_CHANNELS {
+    std::array<uint8_t, kYmChannels> numbers;
+    size_t count;
+};
+
+// The rhythm's last two channels use each other's phases, so they are awake together.
+AWAKE_CHANNELS AwakeChannels(const YM2413& ym) {
+    const bool rhythm = (ym.rhythm & kYmRhythmOn) != 0;
+    std::array<bool, kYmChannels> asleep{};
+    for (size_t i = 0; i < kYmChannels; ++i) {
+        asleep[i] = IsAsleep(ym.channels[i], rhythm && i >= kYmBassDrum);
+    }
+    if (rhythm && asleep[kYmHatAndSnare] != asleep[kYmTomAndCymbal]) {
+        asleep[kYmHatAndSnare] = false;
+        asleep[kYmTomAndCymbal] = false;
+    }
+    AWAKE_CHANNELS awake{};
+    for (size_t i = 0; i < kYmChannels; ++i) {
+        if (!asleep[i]) {
+            awake.numbers[awake.count++] = static_cast<uint8_t>(i);
+        }
+    }
+    return awake;
 }
 
 } // namespace
@@ -283,23 +362,28 @@ void YmReset(YM2413& ym) {
 }
 
 void YmMakeSample(YM2413& ym) {
-    ym.outMelody = 0;
-    ym.outRhythm = 0;
-    AdvanceOscillators(ym);
+    static constexpr std::array<uint8_t, kYmChannels> kAll{0, 1, 2, 3, 4, 5, 6, 7, 8};
+    MakeSample(ym, kAll);
+}
 
-    const bool rhythm = (ym.rhythm & kYmRhythmOn) != 0;
-    const size_t melodyChannels = rhythm ? kYmBassDrum : kYmChannels;
-    for (size_t i = 0; i < melodyChannels; ++i) {
-        ym.outMelody += ChannelOutput(ym, ym.channels[i]);
+// A channel that is asleep adds 0 to every sample, and only its phases advance, by equal steps.
+void YmRun(YM2413& ym, uint32_t clocks) {
+    clocks += ym.tick;
+    ym.tick = clocks % kYmClocksPerSample;
+    const uint32_t samples = clocks / kYmClocksPerSample;
+    if (samples == 0) {
+        return;
     }
-    if (rhythm) {
-        ym.outRhythm = RhythmOutput(ym);
+    const AWAKE_CHANNELS awake = AwakeChannels(ym);
+    const ChannelNumbers numbers = ChannelNumbers(awake.numbers).first(awake.count);
+    for (uint8_t i = 0; i < kYmChannels; ++i) {
+        if (!std::ranges::binary_search(numbers, i)) {
+            for (YM_SLOT& slot : ym.channels[i].slots) {
+                slot.phase += slot.incr * samples;
+            }
+        }
     }
-    const auto sample =
-        static_cast<int16_t>(std::clamp((ym.outMelody + ym.outRhythm) * 4, -32768, 32767));
-    ym.pairs->Add(sample, sample);
-
-    AdvanceEnvelopes(ym);
-    AdvancePhases(ym);
-    AdvanceNoise(ym);
+    for (uint32_t i = 0; i < samples; ++i) {
+        MakeSample(ym, numbers);
+    }
 }

@@ -123,14 +123,8 @@ inline void YmTick(YM2413& ym) {
     }
 }
 
-// `clocks` calls of YmTick at once.
-inline void YmRun(YM2413& ym, uint32_t clocks) {
-    clocks += ym.tick;
-    for (; clocks >= kYmClocksPerSample; clocks -= kYmClocksPerSample) {
-        YmMakeSample(ym);
-    }
-    ym.tick = clocks;
-}
+// The same as `clocks` calls of YmTick; channels that are silent until the next write are left out.
+void YmRun(YM2413& ym, uint32_t clocks);
 
 // Registers 0x00 to 0x3F; any other number does nothing.
 void YmWrite(YM2413& ym, uint8_t reg, uint8_t value);

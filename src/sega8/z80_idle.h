@@ -22,12 +22,15 @@
 class Z80IdleLoop {
 public:
     // After the last instruction of a round, on the clock `now` of any steady count. `effects` counts the accesses
-    // that were no reads of memory, and the uses of R. Skips whole rounds within the next `left` clocks and returns their clocks.
-    [[gnu::noinline]] uint32_t Skip(Z80& z80, uint32_t effects, uint32_t now, uint32_t left) {
+    // that were no reads of memory, and the uses of R. Skips whole rounds within the next clocks and returns their
+    // clocks. `quietClocks` () returns how many clocks it may skip.
+    template <typename QuietClocks>
+    [[gnu::noinline]] uint32_t Skip(Z80& z80, uint32_t effects, uint32_t now,
+                                    QuietClocks&& quietClocks) {
         uint32_t skipped = 0;
         if (effects == lastEffects && Z80IsAlike(z80, last)) {
             const uint32_t round = now - lastClock;
-            const uint32_t rounds = left / round;
+            const uint32_t rounds = quietClocks() / round;
             z80.r7 = (z80.r7 + rounds * (z80.r7 - last.r7)) & 0xFF;
             skipped = rounds * round;
         }
@@ -35,6 +38,11 @@ public:
         lastClock = now + skipped;
         last = z80;
         return skipped;
+    }
+
+    // The same for `left` clocks.
+    uint32_t Skip(Z80& z80, uint32_t effects, uint32_t now, uint32_t left) {
+        return Skip(z80, effects, now, [left] { return left; });
     }
 
 private:

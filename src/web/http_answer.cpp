@@ -21,7 +21,7 @@ std::string_view WithoutLeadingBlanks(std::string_view text) {
     return text;
 }
 
-// The number that the digits at the start make; 0 if there are none or too many.
+// Reads the digits at the start as a number. 0 if there are none, or too many for the type.
 template <typename Number>
 Number DecimalAtStart(std::string_view text) {
     Number number = 0;

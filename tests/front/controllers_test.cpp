@@ -112,21 +112,21 @@ TEST_F(Controllers, TheTriggersTurnTimeFromHalfTheirWayOn) {
     const VirtualJoystick second(kController);
     joysticks.Open();
     // The raw axis goes from -32768 at rest to 32767; its half is 0.
-    constexpr int kLeft = 4;
-    constexpr int kRight = 5;
-    first.Axis(kLeft, -1000);
-    second.Axis(kLeft, 32767);
-    second.Axis(kRight, 32767);
+    constexpr int kLeftTrigger = 4;
+    constexpr int kRightTrigger = 5;
+    first.Axis(kLeftTrigger, -1000);
+    second.Axis(kLeftTrigger, 32767);
+    second.Axis(kRightTrigger, 32767);
     Round();
     EXPECT_TRUE(ActionsDown().empty());
-    first.Axis(kLeft, 1000);
+    first.Axis(kLeftTrigger, 1000);
     Round();
     EXPECT_EQ(ActionsDown(), Actions{L"Rewind"});
-    first.Axis(kLeft, -1000);
+    first.Axis(kLeftTrigger, -1000);
     Round();
     EXPECT_EQ(ActionsDown(), Actions{L"Rewind"}) << "it doesn't flutter about the half";
-    first.Axis(kLeft, -32768);
-    first.Axis(kRight, 32767);
+    first.Axis(kLeftTrigger, -32768);
+    first.Axis(kRightTrigger, 32767);
     Round();
     EXPECT_EQ(ActionsDown(), Actions{L"Fast Forward"});
 }

@@ -374,6 +374,27 @@ TEST_F(EventPumpTest, KeysReachTheToolkitWithTheirCharacter) {
     EXPECT_EQ(gui[3].character, 13u);
 }
 
+TEST_F(EventPumpTest, ShiftMakesACapitalAndAChordHasNoCharacter) {
+    struct ROW {
+        uint16_t modifiers;
+        uint32_t character;
+    };
+    for (const ROW row : {
+             ROW{KMOD_LSHIFT, 'A'},
+             ROW{KMOD_NUM,    'a'},
+             ROW{KMOD_RCTRL,  0  },
+             ROW{KMOD_LALT,   0  },
+             ROW{KMOD_LGUI,   0  }
+    }) {
+        Key(kKeyA, true, row.modifiers);
+        const std::vector<GUI_INPUT> gui = pump.Pump().gui;
+        ASSERT_EQ(gui.size(), 1u);
+        EXPECT_EQ(gui[0].character, row.character) << row.modifiers;
+        Key(kKeyA, false);
+        static_cast<void>(pump.Pump());
+    }
+}
+
 TEST_F(EventPumpTest, TheFirstCharacterOfTextReachesTheToolkit) {
     struct ROW {
         const char* text;

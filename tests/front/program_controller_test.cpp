@@ -7,28 +7,18 @@
 namespace {
 
 // Buttons of kController's raw device.
-constexpr int kSouth = 0;
-constexpr int kEast = 1;
-constexpr int kNorth = 3;
-constexpr int kGuide = 5;
-constexpr int kStart = 6;
-constexpr int kLeftShoulder = 9;
-constexpr int kRightShoulder = 10;
-constexpr int kDown = 12;
-constexpr int kRight = 14;
 
 class ProgramController : public ProgramTest {
 protected:
     // A window off the screen never has the focus, without which the library drops a joystick's events. To be said
     // before each start of the program, as its end forgets it.
-    static void AllowBackground() { SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1"); }
     void TearDown() override {
         pad.reset();
         ProgramTest::TearDown();
     }
 
     ProgramScreen* OpenWithPad(Application& application) {
-        AllowBackground();
+        HearControllersInBackground();
         ProgramScreen* const program = Open(application);
         if (program == nullptr) {
             return nullptr;

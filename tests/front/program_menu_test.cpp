@@ -15,10 +15,6 @@ using testing::HasSubstr;
 namespace {
 
 // Buttons of kController's raw device.
-constexpr int kSouth = 0;
-constexpr int kGuide = 5;
-constexpr int kStart = 6;
-constexpr int kDown = 12;
 
 // Entries of the menu of a game.
 constexpr size_t kMainMenu = 1;
@@ -30,7 +26,7 @@ protected:
     void SetUp() override {
         ProgramTest::SetUp();
         // A window off the screen never has the focus, without which the library drops a joystick's events.
-        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+        HearControllersInBackground();
     }
     void TearDown() override {
         pad.reset();
@@ -89,6 +85,22 @@ protected:
 };
 
 } // namespace
+
+TEST_F(ProgramGameMenu, AClickBesideItLeavesItTheKeys) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(OpenByKey(application, *program));
+    PointAt(5, 5, true);
+    PointAt(5, 5, false);
+    ASSERT_TRUE(application.Round());
+    ASSERT_TRUE(application.Round());
+    ASSERT_NE(program->Overlay().Menu(), nullptr);
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_EQ(program->Overlay().Menu(), nullptr);
+}
 
 TEST_F(ProgramGameMenu, KeysAloneShowTheSetFullScreenAndResetItsMachine) {
     Application application;

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr int kDown = 12; // of kController's raw device
-
 class ProgramMessages : public ProgramTest {
 protected:
     // From the menu, to each of the modes.
@@ -166,7 +164,7 @@ TEST_F(ProgramMessages, WhatAScanTellsStaysInTheBrowser) {
 
 // Held, the direction ends with the list; pressed anew it leads on.
 TEST_F(ProgramMessages, AHeldDirectionStopsAtTheListsLastRow) {
-    SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+    HearControllersInBackground();
     Application application;
     ProgramScreen* const program = Open(application);
     ASSERT_NE(program, nullptr);

@@ -90,12 +90,11 @@ TEST_F(ProgramPointer, IsCapturedByTheWalkAndSeenOverIt) {
 }
 
 TEST_F(ProgramPointer, IsHiddenFromAControllersPlayerUntilTheMouseMoves) {
-    SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+    HearControllersInBackground();
     Application application;
     ASSERT_NE(Open(application), nullptr);
     const VirtualJoystick pad(kController);
     ASSERT_TRUE(application.Round());
-    constexpr int kRight = 14;
     pad.Button(kRight, true);
     ASSERT_TRUE(TwoRounds(application));
     EXPECT_FALSE(Seen());

@@ -31,7 +31,7 @@ protected:
     void SetUp() override {
         ProgramTest::SetUp();
         // A window off the screen never has the focus, without which the library drops a joystick's events.
-        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+        HearControllersInBackground();
     }
 
     // As a start of the program, except for what would only make it slow.

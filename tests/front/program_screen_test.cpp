@@ -2,6 +2,7 @@
 #include "front/program_rig.h"
 #include "gui/drop_list.h"
 #include "gui/edit.h"
+#include "gui/window_ex.h"
 #include "host/host_data.h"
 #include "screens/benchmark.h"
 #include "screens/options.h"
@@ -9,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <filesystem>
 #include <string>
 #include <thread>
 
@@ -52,6 +54,20 @@ TEST_F(ProgramScreenTest, AFreshHomeShowsTheMenuWithTheFocusOnItsFirstButton) {
     EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu) << "there is nothing to go back to";
 }
 
+TEST_F(ProgramScreenTest, OurOwnGamesComeWithAStartThatCanWriteThem) {
+    folder.Write("nes", std::string_view("in the way"));
+    {
+        Application application;
+        ASSERT_NE(Open(application), nullptr);
+    }
+    EXPECT_EQ(Settings().GetInt(L"library_owngames"), 0);
+    std::filesystem::remove(folder.Path() / "nes");
+    Application application;
+    ASSERT_NE(Open(application), nullptr);
+    EXPECT_EQ(Settings().GetInt(L"library_owngames"), 1);
+    EXPECT_TRUE(std::filesystem::exists(folder.Path() / "nes" / "Ecume.game"));
+}
+
 TEST_F(ProgramScreenTest, KeysAloneLeadToAGameOfOurOwn) {
     Application application;
     ProgramScreen* const program = Open(application);
@@ -75,6 +91,48 @@ TEST_F(ProgramScreenTest, KeysAloneLeadToAGameOfOurOwn) {
     ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding) << "the menu does not listen behind it";
     EXPECT_EQ(CGhostMessageBox::Count(), 0u);
+}
+
+// The picture of the menu's foot, and the box of the chosen game: no key is for them.
+TEST_F(ProgramScreenTest, AClickBesideTheControlsLeavesThemTheKeys) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    const auto clickAt = [&](int32_t x, int32_t y) {
+        PointAt(x, y, true);
+        PointAt(x, y, false);
+        return application.Round() && application.Round();
+    };
+    ASSERT_TRUE(clickAt(100, 340));
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    GUI_RECT box;
+    ASSERT_TRUE(CGhostManager::Get().GetScreenRect(
+        program->Menu().Browser()->Content().Box()->window, &box));
+    ASSERT_TRUE(clickAt((box.x + box.width / 2) / 2, (box.y + box.height / 2) / 2));
+    uint32_t key = 0;
+    EXPECT_TRUE(StartChosen(application, *program, key));
+}
+
+// What the window's own keys send, as no text is asked for while the list has the focus.
+TEST_F(ProgramScreenTest, LettersFindAGameAndFMakesItAFavourite) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    ASSERT_TRUE(OpenBrowser(application, *program));
+    CGUIRomBrowser& browser = *program->Menu().Browser();
+    const auto title = [&] { return browser.List()->Cell(browser.List()->Selected(), 0)->text; };
+    ASSERT_EQ(title(), L"Luciole");
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F));
+    EXPECT_EQ(browser.StarButton()->Caption(), L"\x2605");
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_T));
+    EXPECT_EQ(title(), L"The pond");
+    browser.Filters().Name()->SetFocus();
+    ASSERT_TRUE(application.Round());
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_F));
+    EXPECT_EQ(browser.Filters().Name()->Text(), L"") << "a field's text comes apart from the keys";
+    Type("f");
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(browser.Filters().Name()->Text(), L"f");
 }
 
 TEST_F(ProgramScreenTest, EscapeWalksAndStandsAgain) {

@@ -177,7 +177,7 @@ class ProgramSlotsPad : public ProgramSlots {
 protected:
     void SetUp() override {
         ProgramSlots::SetUp();
-        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+        HearControllersInBackground();
     }
     void TearDown() override {
         pad.reset();
@@ -199,10 +199,6 @@ protected:
 
 // Buttons of the raw device of kController.
 TEST_F(ProgramSlotsPad, AControllerAloneOpensSavesAndGoesBack) {
-    constexpr int kSouth = 0;
-    constexpr int kEast = 1;
-    constexpr int kRightClick = 8;
-    constexpr int kRight = 14;
     Application application;
     ProgramScreen* const program = Open(application);
     ASSERT_NE(program, nullptr);

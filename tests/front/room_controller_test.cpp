@@ -11,10 +11,6 @@ using testing::HasSubstr;
 namespace {
 
 // Buttons and axes of kController's raw device.
-constexpr int kSouth = 0;
-constexpr int kEast = 1;
-constexpr int kNorth = 3;
-constexpr int kGuide = 5;
 constexpr int kLeftX = 0;
 constexpr int kLeftY = 1;
 constexpr int kRightX = 2;
@@ -26,7 +22,7 @@ protected:
     void SetUp() override {
         RoomTest::SetUp();
         // A window off the screen never has the focus, without which the library drops a joystick's events.
-        SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+        HearControllersInBackground();
     }
 
     // The controller is plugged in once the program runs, as its library starts with it.
@@ -199,9 +195,9 @@ TEST_F(RoomController, PromptsNameTheHandInUse) {
     RoomScreen* const room = EnterWithPad(application, {LatchGame()});
     ASSERT_NE(room, nullptr);
     EXPECT_THAT(Hint(*room), HasSubstr("E   Turn on"));
-    pad->Button(9, true); // the left shoulder walks slowly, and shows nothing
+    pad->Button(kLeftShoulder, true); // the left shoulder walks slowly, and shows nothing
     ASSERT_TRUE(application.Round());
-    pad->Button(9, false);
+    pad->Button(kLeftShoulder, false);
     ASSERT_TRUE(application.Round());
     EXPECT_THAT(Hint(*room), HasSubstr("A   Turn on"));
     MoveMouse(1, 0);

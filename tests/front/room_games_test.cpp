@@ -74,7 +74,7 @@ protected:
         for (const char* name : names) {
             std::string error;
             games.emplace_back();
-            EXPECT_TRUE(OpenForPlaying(name, nullptr, games.back(), error)) << error;
+            EXPECT_TRUE(OpenForPlaying(name, {}, games.back(), error)) << error;
         }
         return games;
     }
@@ -88,7 +88,7 @@ protected:
             const auto path = folder.Write("ends" + std::to_string(start) + ".md", program.Image());
             std::string error;
             games.emplace_back();
-            EXPECT_TRUE(OpenForPlaying(path.string(), nullptr, games.back(), error)) << error;
+            EXPECT_TRUE(OpenForPlaying(path.string(), {}, games.back(), error)) << error;
         }
         return games;
     }

@@ -25,6 +25,7 @@ inline void Key(SDL_Scancode scancode, bool down) {
     event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
     event.key.state = down ? SDL_PRESSED : SDL_RELEASED;
     event.key.keysym.scancode = scancode;
+    event.key.keysym.sym = SDL_GetKeyFromScancode(scancode);
     SDL_PushEvent(&event);
 }
 
@@ -80,7 +81,7 @@ protected:
     static OPENED_GAME Opened(const std::string& name) {
         OPENED_GAME opened;
         std::string error;
-        EXPECT_TRUE(OpenForPlaying(name, nullptr, opened, error)) << error;
+        EXPECT_TRUE(OpenForPlaying(name, {}, opened, error)) << error;
         return opened;
     }
 

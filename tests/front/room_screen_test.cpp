@@ -1,9 +1,11 @@
 // The room, played with keys and mouse: walking, sets turned on and off, full screen and back.
 #include "front/notices.h"
 #include "front/room_rig.h"
+#include "front/saved_states.h"
 #include "gui/handler.h"
 #include "gui/manager.h"
 #include "gui/surface.h"
+#include "gui/text_box.h"
 #include "host/host_data.h"
 #include "megadrive/md_rig.h"
 
@@ -634,4 +636,60 @@ TEST_F(RoomScreenTest, PageDownAndUpGoFromSetToSet) {
     ASSERT_TRUE(RunUntil(application, [&] { return room->Selected().id != kCabinet; }))
         << "a step chooses by looking again";
     Key(SDL_SCANCODE_S, false);
+}
+
+TEST_F(RoomScreenTest, TheSavedStatesOfTheSetThatIsLookedAtAreAPanel) {
+    Application application;
+    RoomScreen* const room = Enter(application, {LatchGame()});
+    ASSERT_NE(room, nullptr);
+    ASSERT_NE(application.States(), nullptr);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_F9));
+    EXPECT_FALSE(application.States()->IsShown()) << "the set is off";
+
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_E));
+    ASSERT_TRUE(RunUntilOn(application, *room, kFrontSet));
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_F9));
+    CGUISlotsPanel& panel = application.States()->Panel();
+    ASSERT_TRUE(RunUntil(application, [&] { return panel.IsShown() && !panel.Waits(); }));
+    EXPECT_TRUE(PinSession(kFrontSet)->paused);
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_RETURN)); // the first slot
+    ASSERT_TRUE(RunUntil(application, [&] { return !panel.Waits(); }));
+    EXPECT_EQ(panel.Message()->Text(), L"Saved to slot 1");
+
+    ASSERT_TRUE(Tap(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_FALSE(panel.IsShown());
+    EXPECT_TRUE(room->Modes().Walking()) << "escape closed the panel, and nothing else";
+    ASSERT_TRUE(RunUntil(application, [] { return !PinSession(kFrontSet)->paused; }));
+}
+
+TEST_F(RoomScreenTest, IsEnteredWhereThePlayerStoodAtTheEnd) {
+    VECTOR3 place;
+    {
+        Application application;
+        RoomScreen* const room = Enter(application, {LatchGame()});
+        ASSERT_NE(room, nullptr);
+        Key(SDL_SCANCODE_S, true); // backwards, away from the sets
+        const float start = room->Camera().Position().z;
+        ASSERT_TRUE(
+            RunUntil(application, [&] { return room->Camera().Position().z > start + 50; }));
+        Key(SDL_SCANCODE_S, false);
+        ASSERT_TRUE(application.Round());
+        MoveMouse(100, 0); // 20 degrees to the right
+        ASSERT_TRUE(application.Round());
+        place = room->Camera().Position();
+        EXPECT_NEAR(room->Camera().Yaw(), -20.0F, 0.1F);
+        application.Stop();
+    }
+    Application application;
+    Start(application);
+    const RoomScreen& room = application.ShowRoom({});
+    EXPECT_NEAR(room.Camera().Position().x, place.x, 0.01F);
+    EXPECT_NEAR(room.Camera().Position().z, place.z, 0.01F);
+    EXPECT_NEAR(room.Camera().Yaw(), -20.0F, 0.1F);
+
+    application.Stop();
+    Settings().SetString(L"room_place", L"250 118 60 0 0"); // where the unit with the sets stands
+    Application again;
+    Start(again);
+    EXPECT_EQ(again.ShowRoom({}).Camera().Position(), (VECTOR3{180, 118, 200})) << "the door";
 }

@@ -23,7 +23,7 @@ class SoundOutputTest : public testing::Test {
 protected:
     ~SoundOutputTest() override { answers = true; }
 
-    SOUND_OUTPUT_CALLS Calls(uint32_t startPatience = 60'000) {
+    SOUND_OUTPUT_CALLS Calls() {
         SOUND_OUTPUT_CALLS calls;
         calls.open = [this](std::string& error) {
             ++attempts;
@@ -39,7 +39,6 @@ protected:
             ++closes;
         };
         calls.number = [this] { return open ? 7u : 0u; };
-        calls.startPatience = startPatience;
         return calls;
     }
 
@@ -51,6 +50,12 @@ protected:
         PUMP_EVENTS events;
         events.outputGone = gone;
         sound.Watch(events, now);
+    }
+
+    // With the result of the first attempt.
+    static void Start(SoundOutput& sound) {
+        sound.Start(0);
+        Round(sound, 0);
     }
 
     // The notices since the last call; by the test's clock they stay for seconds.
@@ -73,7 +78,7 @@ protected:
 
 TEST_F(SoundOutputTest, ADeviceThatIsThereIsOpenedOnceAndSilently) {
     SoundOutput sound(Calls());
-    sound.Start(0);
+    Start(sound);
     EXPECT_TRUE(open);
     for (int64_t now = 0; now < 60 * kSecond; now += kSecond / 2) {
         Round(sound, now);
@@ -87,7 +92,7 @@ TEST_F(SoundOutputTest, ADeviceThatIsThereIsOpenedOnceAndSilently) {
 TEST_F(SoundOutputTest, OneThatIsBusyIsTriedEveryTwoSecondsUntilItIsBack) {
     there = false;
     SoundOutput sound(Calls());
-    sound.Start(0);
+    Start(sound);
     EXPECT_THAT(Lines(), testing::ElementsAre("no sound: it is busy; playing without sound"));
     // Ten rounds a second.
     for (int64_t now = 0; now < 10 * kSecond; now += kSecond / 10) {
@@ -108,7 +113,7 @@ TEST_F(SoundOutputTest, OneThatIsBusyIsTriedEveryTwoSecondsUntilItIsBack) {
 
 TEST_F(SoundOutputTest, OneThatGoesIsClosedAndLookedForAtOnceAndThenAgain) {
     SoundOutput sound(Calls());
-    sound.Start(0);
+    Start(sound);
     there = false;
     Round(sound, kSecond, 7);
     EXPECT_THAT(Lines(), Contains(HasSubstr("sound device is gone")));
@@ -128,7 +133,7 @@ TEST_F(SoundOutputTest, OneThatGoesIsClosedAndLookedForAtOnceAndThenAgain) {
 
 TEST_F(SoundOutputTest, AnotherDeviceThatGoesIsNoMatter) {
     SoundOutput sound(Calls());
-    sound.Start(0);
+    Start(sound);
     Round(sound, kSecond, 6);
     Round(sound, kSecond);
     EXPECT_EQ(attempts, 1);
@@ -139,7 +144,7 @@ TEST_F(SoundOutputTest, AnotherDeviceThatGoesIsNoMatter) {
 TEST_F(SoundOutputTest, OneThatGoesBeforeItsOpeningIsKnownIsNotForgotten) {
     there = false;
     SoundOutput sound(Calls());
-    sound.Start(0);
+    Start(sound);
     there = true;
     answers = false;
     Round(sound, 2 * kSecond);
@@ -157,7 +162,7 @@ TEST_F(SoundOutputTest, OneThatGoesBeforeItsOpeningIsKnownIsNotForgotten) {
 TEST_F(SoundOutputTest, AnAttemptThatTakesLongHoldsUpNoRound) {
     there = false;
     SoundOutput sound(Calls());
-    sound.Start(0);
+    Start(sound);
     answers = false;
     Round(sound, 2 * kSecond);
     for (int64_t now = 2 * kSecond; now < 60 * kSecond; now += kSecond) {
@@ -173,12 +178,17 @@ TEST_F(SoundOutputTest, AnAttemptThatTakesLongHoldsUpNoRound) {
 
 TEST_F(SoundOutputTest, ADeviceThatDoesNotAnswerDoesNotHoldUpTheStart) {
     answers = false;
-    SoundOutput sound(Calls(1));
-    sound.Start(0);
-    EXPECT_THAT(Lines(), Contains(HasSubstr("does not answer; playing without sound")));
-    sound.Watch({}, kSecond);
+    SoundOutput sound(Calls());
+    sound.Start(kSecond); // must not wait
+    sound.Watch({}, 4 * kSecond - 1);
+    EXPECT_TRUE(Lines().empty());
+    sound.Watch({}, 4 * kSecond);
+    EXPECT_THAT(Lines(), testing::ElementsAre(
+                             "no sound: the device does not answer; playing without sound"));
+    sound.Watch({}, 8 * kSecond);
+    EXPECT_TRUE(Lines().empty()) << "it is said once";
     answers = true;
-    Round(sound, kSecond);
+    Round(sound, 8 * kSecond);
     EXPECT_TRUE(open);
     EXPECT_THAT(Lines(), testing::ElementsAre("Sound is back"));
 }
@@ -186,7 +196,7 @@ TEST_F(SoundOutputTest, ADeviceThatDoesNotAnswerDoesNotHoldUpTheStart) {
 TEST_F(SoundOutputTest, StartsAgainAsOftenAsItWasStopped) {
     SoundOutput sound(Calls());
     for (int run = 1; run <= 20000; ++run) {
-        sound.Start(0);
+        Start(sound);
         ASSERT_TRUE(open) << run;
         sound.Stop();
     }
@@ -198,8 +208,8 @@ TEST_F(SoundOutputTest, StopsInEveryStateAndStartsAgain) {
     sound.Stop();
     sound.Watch({}, 100 * kSecond);
     EXPECT_EQ(attempts, 0);
-    sound.Start(0);
-    sound.Start(0);
+    Start(sound);
+    Start(sound);
     EXPECT_EQ(closes, 1);
     EXPECT_TRUE(open);
     there = false;

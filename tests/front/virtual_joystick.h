@@ -72,11 +72,27 @@ private:
 
 inline constexpr VirtualJoystick::SHAPE kPlain{};
 
-// The library maps it itself: buttons 0 to 3 south, east, west, north, 4 back, 6 start, 9 and 10 the
-// shoulders, 11 to 14 the pad up, down, left, right; axes 0 and 1 the left stick, 4 and 5 the
-// triggers.
+// The library maps it itself; axes 0 and 1 are the left stick, 4 and 5 the triggers.
 inline constexpr VirtualJoystick::SHAPE kController{
     SDL_JOYSTICK_TYPE_GAMECONTROLLER, 6, 15, 0, 0, nullptr};
+
+// Its buttons, and those of its pad.
+inline constexpr int kSouth = 0;
+inline constexpr int kEast = 1;
+inline constexpr int kNorth = 3;
+inline constexpr int kGuide = 5;
+inline constexpr int kStart = 6;
+inline constexpr int kRightClick = 8; // of the right stick
+inline constexpr int kLeftShoulder = 9;
+inline constexpr int kRightShoulder = 10;
+inline constexpr int kDown = 12;
+inline constexpr int kRight = 14;
+
+// A window without a display never has the keyboard, and without it controllers would not be heard. Before the program
+// starts.
+inline void HearControllersInBackground() {
+    SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+}
 
 class JoystickRounds : public SdlTest {
 protected:

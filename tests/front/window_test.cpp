@@ -347,7 +347,9 @@ TEST(WindowSize, IsKeptWherePossible) {
 TEST(Notices, StayForTheirTimeAndMakeRoomForNewerOnes) {
     Notices notices;
     notices.Post("one", 0);
+    EXPECT_THAT(notices.Lines(0), testing::ElementsAre("one"));
     notices.Post("two", 1000000);
+    EXPECT_THAT(notices.Lines(1000000), testing::ElementsAre("one", "two"));
     EXPECT_THAT(notices.Lines(3999999), testing::ElementsAre("one", "two"));
     EXPECT_THAT(notices.Lines(4000000), testing::ElementsAre("two"));
     notices.Post("two", 4500000);
@@ -358,10 +360,21 @@ TEST(Notices, StayForTheirTimeAndMakeRoomForNewerOnes) {
     EXPECT_THAT(notices.Lines(6000000), testing::ElementsAre("b", "c", "d", "e"));
 }
 
+TEST(Notices, TheTimeOfALineStartsWhenItIsShown) {
+    Notices notices;
+    notices.Post("the settings are damaged", 0, Notices::Kind::kFault);
+    EXPECT_THAT(notices.Lines(30000000), testing::SizeIs(1)) << "the start took half a minute";
+    EXPECT_THAT(notices.Lines(33999999), testing::SizeIs(1));
+    EXPECT_THAT(notices.Lines(34000000), testing::IsEmpty());
+    notices.Post("never shown", 40000000, Notices::Kind::kFault);
+    EXPECT_THAT(notices.UnreadFaults(90000000), testing::ElementsAre("never shown"));
+}
+
 TEST(Notices, FaultsThatHadNoTimeToBeReadAreUnread) {
     using enum Notices::Kind;
     Notices notices;
     notices.Post("read", 0, kFault);
+    EXPECT_THAT(notices.Lines(0), testing::SizeIs(1));
     notices.Post("a word", 2000000);
     notices.Post("unread", 2000000, kFault);
     EXPECT_THAT(notices.UnreadFaults(4000000), testing::ElementsAre("unread"));

@@ -13,7 +13,7 @@ namespace {
 constexpr uint32_t kFace = 0xFF102030;
 constexpr uint32_t kEdge = 0xFFFF0000;
 
-uint32_t PixelAt(const CGhostSurface& surface, int32_t x, int32_t y) {
+uint32_t PixelAt(CGhostSurface& surface, int32_t x, int32_t y) {
     return surface.Pixels()[y * surface.Stride() + x];
 }
 

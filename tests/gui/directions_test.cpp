@@ -329,3 +329,47 @@ TEST_F(Directions, TheFocusStaysWhenABarGoes) {
     list->Clear();
     EXPECT_EQ(manager.FocusWindow(), list->window);
 }
+
+TEST_F(Directions, APressBesideTheControlsGivesTheFocusBack) {
+    auto* const panel = new CGhostWindowEx(nullptr, 0, L"W", L"", 0, kPlace);
+    auto* const inner =
+        new CGhostButton(panel->window, 0, L"BUTTON", L"", 0, {false, 0, 0, 50, 20});
+    Focus(below);
+    ClickAt(350, 280);
+    ASSERT_EQ(manager.FocusWindow(), panel->window);
+    manager.ReturnFocusToTabStop();
+    EXPECT_EQ(manager.FocusWindow(), below);
+    ClickAt(350, 280);
+    manager.ShowWindow(below, false);
+    manager.ReturnFocusToTabStop();
+    EXPECT_EQ(manager.FocusWindow(), panel->window) << "there is nobody to give it to";
+    manager.TakeInput(panel->window);
+    manager.ReturnFocusToTabStop();
+    EXPECT_EQ(manager.FocusWindow(), inner->window);
+}
+
+TEST_F(Directions, AListHasTheKeysOfItsBar) {
+    auto* const list = new CGhostList(nullptr, 0, L"LIST", 0, kPlace);
+    for (int i = 0; i < 30; ++i) {
+        list->AddItem(L"row");
+    }
+    manager.Tick(0);
+    Focus(below);
+    ClickAt(395, 250);
+    manager.ReturnFocusToTabStop();
+    EXPECT_EQ(manager.FocusWindow(), list->window);
+}
+
+TEST_F(Directions, AnOpenListAndAControlThatIsDisabledKeepTheFocus) {
+    auto* const drop = new CGhostDropList(nullptr, 0, L"DROP", L"", 90, {false, 200, 330, 200, 20});
+    drop->AddItem(L"row");
+    Focus(drop->window);
+    Key(kReturn);
+    ASSERT_EQ(manager.FocusWindow(), drop->List()->window);
+    manager.ReturnFocusToTabStop();
+    EXPECT_EQ(manager.FocusWindow(), drop->List()->window);
+    Key(kEscape);
+    drop->SetEnabled(false);
+    manager.ReturnFocusToTabStop();
+    EXPECT_EQ(manager.FocusWindow(), drop->window);
+}

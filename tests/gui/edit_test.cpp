@@ -173,7 +173,7 @@ TEST_F(Edit, ReturnAndEscapeSubmitIfTheFlagsSaySo) {
 TEST_F(Edit, TheCaretIsALineOfOpaqueBlackAndBlinks) {
     CGhostEdit* const edit = Make(L"");
     const auto caretPixel = [&] {
-        const CGhostSurface& surface = *edit->window->surface;
+        CGhostSurface& surface = *edit->window->surface;
         return surface.Pixels()[14 * surface.Stride() + 4]; // after a margin of 4
     };
     // Opaque black over an opaque ground: 0 from the source in each channel.
@@ -319,7 +319,7 @@ TEST_F(Keyboard, ItsPreviewStaysInItsLineHoweverLongTheText) {
         edit->SetSelection(caret, caret);
         CGhostKeyboard* const keyboard = CGhostKeyboard::Open(edit);
         manager.Tick(0);
-        const CGhostSurface& surface = *keyboard->window->surface;
+        CGhostSurface& surface = *keyboard->window->surface;
         const GUI_RECT first = keyboard->KeyPlace(L"1");
         GUI_RECT client;
         manager.GetWindowRects(keyboard->window, nullptr, &client, nullptr);

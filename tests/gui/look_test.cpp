@@ -52,7 +52,7 @@ protected:
 
     // Of the window's own picture.
     static uint32_t At(const GHOSTMANAGER_WINDOW* window, int x, int y) {
-        const CGhostSurface& surface = *window->surface;
+        CGhostSurface& surface = *window->surface;
         return surface.Pixels()[static_cast<ptrdiff_t>(y) * surface.Stride() + x];
     }
     // The leftmost column from `from` on with a pixel of that colour; -1: none.

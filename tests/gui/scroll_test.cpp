@@ -143,7 +143,7 @@ TEST_F(ScrollBar, TheThumbStaysUnderTheMouseWhileItIsDragged) {
     bar->SetRange(4, 2, 0, true); // a track of 100, a thumb of 50
     manager.Tick(0);
     const auto top = [&] {
-        const CGhostSurface& surface = *bar->window->surface;
+        CGhostSurface& surface = *bar->window->surface;
         int y = 0;
         while (y < 128 && surface.Pixels()[y * surface.Stride() + 5] != kThumb) {
             ++y;

@@ -9,6 +9,7 @@
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
+#include "support/allocation_counter.h"
 #include <gmock/gmock.h>
 
 #include <atomic>
@@ -364,23 +365,46 @@ TEST_F(FrameLoop, WhenRewindRunsOutPictureAndSoundStay) {
     EXPECT_EQ(session->rewind.rewindCount, 0u);
 }
 
-// States of 64 KiB against one mebibyte: sixteen fit.
+// States of 64 KiB of noise: the limit is used up to less than one of them.
 TEST_F(FrameLoop, StackIsBoundedByTheSettingReadAfreshEachFrame) {
-    OpenBare({.stateBytes = 65536});
-    for (int i = 0; i < 40; ++i) {
-        Step(false);
-    }
-    EXPECT_EQ(session->rewind.rewindCount, 16u);
-    Settings().SetInt(L"emu_rewindbuffer", 2);
-    for (int i = 0; i < 40; ++i) {
-        Step(false);
-    }
-    EXPECT_EQ(session->rewind.rewindCount, 32u);
+    OpenBare({.noisyState = 1, .stateBytes = 65536});
+    constexpr uint64_t kStateAtMost = 65536 + 1024;
+    const auto play = [&](int32_t mebibytes) {
+        Settings().SetInt(L"emu_rewindbuffer", mebibytes);
+        for (int i = 0; i < 40; ++i) {
+            Step(false);
+        }
+        const uint64_t limit = RewindLimitBytes(mebibytes);
+        EXPECT_LE(RewindBytes(session->rewind), limit);
+        EXPECT_GT(RewindBytes(session->rewind), limit - kStateAtMost);
+    };
+    play(1);
+    play(2);
+    const uint32_t held = session->rewind.rewindCount;
     Settings().SetInt(L"emu_rewindbuffer", 0);
     Step(false);
-    EXPECT_EQ(session->rewind.rewindCount, 32u); // nothing is saved, and nothing taken away
+    EXPECT_EQ(session->rewind.rewindCount, held); // nothing is saved, and nothing taken away
     Settings().SetInt(L"emu_rewindbuffer", 1);
     EXPECT_EQ(Step(true), 81u); // state 80: frame 81 had none
+}
+
+TEST_F(FrameLoop, AStateWithoutMemoryIsMissingAndSaidOnce) {
+    OpenBare({.stateBytes = 65536});
+    Step(false);
+    Step(false);
+    {
+        const AllocationLimit limit(0, 65536);
+        EXPECT_EQ(Step(false), 3u);
+        EXPECT_EQ(Step(false), 4u);
+    }
+    EXPECT_THAT(gNotices, testing::ElementsAre(
+                              "There is not enough memory to record every frame for rewinding"));
+    EXPECT_EQ(Step(false), 5u);
+    EXPECT_EQ(session->rewind.rewindCount, 3u);
+    EXPECT_EQ(Step(true), 6u); // state 5
+    EXPECT_EQ(Step(true), 3u); // state 2
+    EXPECT_EQ(Step(true), 2u);
+    EXPECT_EQ(gNotices.size(), 1u);
 }
 
 TEST_F(FrameLoop, AStateThatCannotBeSavedIsNotPushed) {

@@ -1,6 +1,7 @@
 // What stays of a game that runs: resume file, autosave and memory, whether it is turned off, the program ends, or the
 // program is killed.
 #include "base/files.h"
+#include "host/host_data.h"
 #include "host/host_fixture.h"
 #include "host/report.h"
 #include "host/session_saves.h"
@@ -317,4 +318,24 @@ TEST_F(ResumeFile, IsWholeAfterAKillAtAnyInstant) {
         state = snapshot.state;
     }
     EXPECT_GT(progress, kKills / 4) << "hardly any child wrote before it was killed";
+}
+
+// The clock of the tests runs faster than the machine.
+TEST_F(ResumeFile, CountsTheSecondsPlayedOnFromWhatTheyWere) {
+    CGameFile game = MakeGame(1);
+    CGameFile* const games[2] = {&game, nullptr};
+    SESSION_RESUME resume;
+    resume.file = Path();
+    resume.state = StateAfter(5);
+    resume.secondsPlayed = 7200;
+    const int64_t before = HostClock().nowMicroseconds();
+    ASSERT_NE(EmuStartSession(1, games, MakeOptions({}).data(), "Game", std::move(resume)), 0u);
+    ASSERT_TRUE(Eventually([&] { return HostClock().nowMicroseconds() > before + 5'000'000; }));
+    ASSERT_TRUE(EmuStopSession(1, SessionEnd::kProgramEnds));
+    const int64_t most = (HostClock().nowMicroseconds() - before) / 1'000'000;
+    STATE_SNAPSHOT snapshot;
+    std::string error;
+    ASSERT_TRUE(ReadSnapshotLabel(Path(), snapshot, error)) << error;
+    EXPECT_GE(snapshot.secondsPlayed, 7200u + 4);
+    EXPECT_LE(snapshot.secondsPlayed, 7200u + static_cast<uint64_t>(most));
 }

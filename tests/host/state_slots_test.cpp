@@ -1,4 +1,6 @@
+#include "base/file_lock.h"
 #include "base/files.h"
+#include "host/host_data.h"
 #include "host/host_fixture.h"
 #include "host/slot_worker.h"
 #include "host/state_slots.h"
@@ -113,8 +115,10 @@ TEST_F(Slots, LoadingBringsTheStateBackAndCanBeUndoneAndDoneAgain) {
     const Bytes later = StateOf(*session);
     session->showStatic = 1;
 
-    ASSERT_TRUE(LoadFromSlot(*session, 1, {2000, 90}, text)) << text;
+    bool undoable = false;
+    ASSERT_TRUE(LoadFromSlot(*session, 1, {2000, 90}, text, &undoable)) << text;
     EXPECT_EQ(text, "Loaded slot 1");
+    EXPECT_TRUE(undoable);
     EXPECT_EQ(StateOf(*session), saved);
     EXPECT_EQ(session->showStatic, 0);
     EXPECT_TRUE(ListSlots(Folder()).hasLoadBefore);
@@ -240,7 +244,9 @@ TEST_F(Slots, AFullDiskLeavesTheSlotAsItWas) {
     EXPECT_EQ(StateIn("slot-01.state"), first);
     {
         const FullDisk full(100);
-        EXPECT_TRUE(LoadFromSlot(*session, 1, {}, text)) << "that needs no room";
+        bool undoable = true;
+        EXPECT_TRUE(LoadFromSlot(*session, 1, {}, text, &undoable)) << "that needs no room";
+        EXPECT_FALSE(undoable);
     }
     EXPECT_THAT(text, HasSubstr("It cannot be undone"));
     EXPECT_EQ(StateOf(*session), first);
@@ -380,4 +386,52 @@ TEST_F(SlotWorkerTest, APausedSessionStaysWhereItIs) {
     EXPECT_TRUE(Eventually([&] { return FrameOf(4) > stays + 2; }));
     ASSERT_TRUE(EmuPauseSession(4, true));
     EXPECT_TRUE(EmuStopSession(4, SessionEnd::kTurnedOff)) << "a paused session can be stopped";
+}
+
+// Another holder of the folder's lock, as another running program is one.
+TEST_F(Slots, AreLeftAloneWhileAnotherProgramIsAtWorkOnThem) {
+    const auto session = Create();
+    const Bytes saved = Save(*session, 1);
+    Play(*session);
+    const Bytes later = StateOf(*session);
+    const HOST_CLOCK clock = HostClock();
+    HOST_CLOCK impatient = clock;
+    impatient.sleepMilliseconds = [](uint32_t) {};
+    HostSetClock(impatient);
+    {
+        FileLock other;
+        long holder = 0;
+        std::string error;
+        ASSERT_EQ(other.Take(Folder() / "slots.lock", holder, error), FileLock::Result::kTaken);
+        const std::string held = "another running program is at work on these slots";
+        EXPECT_FALSE(SaveToSlot(*session, 1, {2000, 90}, text));
+        EXPECT_EQ(text, "Not saved to slot 1: " + held);
+        EXPECT_FALSE(LoadFromSlot(*session, 1, {2000, 90}, text));
+        EXPECT_EQ(text, "Not loaded from slot 1: " + held);
+        EXPECT_FALSE(DeleteSlot(Folder(), 1, text));
+        EXPECT_EQ(text, "Not deleted, slot 1: " + held);
+        EXPECT_FALSE(UndoSlot(Folder(), 1, text));
+        EXPECT_FALSE(UndoLoad(*session, {2000, 90}, text));
+        EXPECT_EQ(StateOf(*session), later);
+        EXPECT_THAT(Filled(ListSlots(Folder())), ElementsAre(1)) << "looking disturbs nobody";
+    }
+    HostSetClock(clock);
+    EXPECT_EQ(StateIn("slot-01.state"), saved);
+    EXPECT_TRUE(SaveToSlot(*session, 1, {2000, 90}, text)) << text;
+    EXPECT_THAT(Names(), ElementsAre("slot-01.before.state", "slot-01.state"));
+}
+
+TEST_F(Slots, WaitForAnotherProgramThatIsAtWorkOnThem) {
+    const auto session = Create();
+    Save(*session, 1);
+    static FileLock other;
+    long holder = 0;
+    std::string error;
+    ASSERT_EQ(other.Take(Folder() / "slots.lock", holder, error), FileLock::Result::kTaken);
+    const HOST_CLOCK clock = HostClock();
+    HOST_CLOCK patient = clock;
+    patient.sleepMilliseconds = [](uint32_t) { other.Release(); }; // which has finished meanwhile
+    HostSetClock(patient);
+    EXPECT_TRUE(DeleteSlot(Folder(), 1, text)) << text;
+    HostSetClock(clock);
 }

@@ -3,8 +3,10 @@
 #include "machine/state_piece.h"
 #include "settings/bindings.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <random>
 #include <thread>
 
 std::atomic<int32_t> CTestMachine::gLive{0};
@@ -190,6 +192,11 @@ StateBlob CTestMachine::SaveState(uint32_t& size) {
     }
     size = StateBytes();
     auto blob = std::make_unique<uint8_t[]>(size);
-    StatePieceWrite(blob.get(), [this](auto& visit) { Fields(visit); });
+    const uint8_t* const end = StatePieceWrite(blob.get(), [this](auto& visit) { Fields(visit); });
+    if (behaviour.noisyState != 0) {
+        std::minstd_rand random(frameField + 1);
+        std::generate(blob.get() + (end - blob.get()), blob.get() + size,
+                      [&] { return static_cast<uint8_t>(random() >> 8); });
+    }
     return blob;
 }

@@ -23,6 +23,7 @@ struct TEST_BEHAVIOUR {
     uint8_t waitsInSave = 0;
     uint8_t rotated = 0;
     uint8_t noisySound = 0; // frames of 600 to 900 pairs, by the machine's own generator
+    uint8_t noisyState = 0; // pads the state with bytes that cannot be packed
     uint32_t width = 0;     // of the picture that it claims; 0: the true one
     uint32_t height = 0;
     uint32_t visibleX = 0;

@@ -566,6 +566,32 @@ TEST(Nes, RegionsHaveTheirSizes) {
     EXPECT_TRUE(shift->Dump("fish").empty());
 }
 
+constexpr int kBattery = 2; // of header byte 6
+
+TEST(Nes, TheBatteryKeepsTheRamIfTheHeaderSaysSo) {
+    NesProgram program;
+    program.Store(0x6001, 0x5A).Store(0x7FFF, 0xA5).Copy(0x6002, 0x0200).Stop();
+    const auto machine = StartNes(program, {1, kBattery, 2, 1, {}});
+    std::vector<uint8_t> kept(0x2000);
+    kept[2] = 0x77;
+    ASSERT_TRUE(machine->SetBatteryContents(kept));
+    EXPECT_FALSE(machine->SetBatteryContents(std::span(kept).first(0x1FFF)));
+    RunFrames(*machine, 1);
+    EXPECT_EQ(NesByte(*machine, 0x0200), 0x77);
+    kept[1] = 0x5A;
+    kept[0x1FFF] = 0xA5;
+    EXPECT_EQ(machine->BatteryContents(), kept);
+}
+
+TEST(Nes, NothingIsKeptWithoutABatteryOrWithoutRam) {
+    const auto noBattery = StartNes(Idle(), {1, 0, 2, 1, {}});
+    const auto noRam = StartNes(Idle(), {0, kBattery, 2, 1, {}});
+    for (const auto& machine : {noBattery.get(), noRam.get()}) {
+        EXPECT_TRUE(machine->BatteryContents().empty());
+        EXPECT_FALSE(machine->SetBatteryContents(std::vector<uint8_t>(0x2000)));
+    }
+}
+
 // Refusals.
 
 namespace {

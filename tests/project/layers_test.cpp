@@ -88,11 +88,12 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"libpng",           {"png.h"},                          {"formats", "room"}},
     {"libzip",           {"zip.h"},                          {"formats"}},
     {"liblzma",          {"lzma.h"},                         {"formats"}},
+    {"LZ4",              {"lz4.h"},                          {"host"}},
     {"OpenSSL",          {"openssl/"},                       {"formats", "web"}},
     {"SQLite",           {"sqlite3"},                        {"catalogue"}},
 
     {"the processor",    {"immintrin.h"},                    {"machine"}},
-    {"operating system", {"fcntl.h", "io.h", "pthread.h", "sched.h", "sys/", "unistd.h"}, {"base", "front"}},
+    {"operating system", {"fcntl.h", "io.h", "linux/", "pthread.h", "sched.h", "sys/", "unistd.h"}, {"base", "front"}},
 };
 // clang-format on
 

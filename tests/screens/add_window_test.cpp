@@ -136,7 +136,7 @@ TEST_F(Adding, SaysWhatItCouldNotTell) {
     EXPECT_NE(LogText().find(L"riddle.rom: nothing tells which machine it is for"),
               std::wstring::npos)
         << std::string(LogText().begin(), LogText().end());
-    EXPECT_EQ(adding->Counter(2)->Text(), L"Unknown: 1");
+    EXPECT_EQ(adding->Counter(2)->Text(), L"Machine unknown: 1");
     EXPECT_EQ(adding->Text()->Text(), L"Nothing was added");
     KeepPicture("adding-unknown");
 }

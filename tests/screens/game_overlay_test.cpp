@@ -165,6 +165,20 @@ TEST_F(GameOverlay, TheMenuOffersWhatThereIs) {
     EXPECT_EQ(overlay->Menu(), nullptr) << "menu and browser have buttons of their own";
 }
 
+TEST_F(GameOverlay, TheMenuOfAGameEndsWithIt) {
+    state.selected = state.roomVisible = true;
+    Round();
+    overlay->ToggleMenu();
+    state.selectedOn = true; // it was starting
+    Round();
+    ASSERT_NE(overlay->Menu(), nullptr);
+    state.selectedOn = false;
+    Round();
+    EXPECT_EQ(overlay->Menu(), nullptr);
+    EXPECT_EQ(Manager().ModalWindow(), nullptr);
+    EXPECT_TRUE(host.taken.empty());
+}
+
 TEST_F(GameOverlay, TheMenuIsLeftByEscapeAndAControllersRightButton) {
     Round();
     overlay->ToggleMenu();

@@ -4,6 +4,7 @@
 #include "gui/multi_text.h"
 #include "gui/window_ex.h"
 #include "screens/battle_ground.h"
+#include "screens/first_steps.h"
 #include "screens/member_panel.h"
 #include "screens/screen_picture.h"
 #include "screens/screens_rig.h"
@@ -113,6 +114,9 @@ TEST_F(Member, TheServiceIsEnteredInTheMenu) {
     EXPECT_TRUE(host.downloads.WaitUntilIdle(kLongestWait));
     Round();
     EXPECT_EQ(menu->News()->Text(), L"Good evening");
+    EXPECT_EQ(menu->NewsHeader()->Text(), L"News");
+    EXPECT_TRUE(menu->News()->IsVisible());
+    EXPECT_EQ(menu->Steps(), nullptr) << "the first steps lie where the news are";
     KeepPicture("member-service");
 
     panel.Address()->SetText(L"https://host");
@@ -128,6 +132,11 @@ TEST_F(Member, TheServiceIsEnteredInTheMenu) {
     EXPECT_EQ(panel.AddressNote()->Text(), L"Do your friends run one? Enter its address here.");
     EXPECT_TRUE(panel.Help()->IsVisible());
     EXPECT_EQ(menu->News()->Text(), kNoServiceText);
+    EXPECT_EQ(menu->NewsHeader()->Text(), L"First steps");
+    EXPECT_FALSE(menu->News()->IsVisible());
+    ASSERT_NE(menu->Steps(), nullptr);
+    EXPECT_TRUE(menu->Steps()->IsVisible());
+    EXPECT_EQ(menu->Steps()->Place(), (GUI_RECT{390, 95, 870, 545}));
 }
 
 TEST_F(Member, NewsOfAServiceThatWasLeftDoNotCome) {

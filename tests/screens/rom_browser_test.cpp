@@ -16,9 +16,11 @@
 
 #include "support/temporary_folder.h"
 #include "support/wait_until.h"
+#include <sys/stat.h>
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -86,6 +88,17 @@ protected:
     static GAME_IDENTITY IdentityOf(const std::vector<uint8_t>& image) {
         return {kSystemMasterSystem, Sha256(image)};
     }
+    // Of the message box that is open; empty without one.
+    static std::wstring MessageText() {
+        std::wstring text;
+        Manager().ForEachWindow([&](const GHOSTMANAGER_WINDOW& window) {
+            for (const CGhostGUIHandler* one = window.handler; one != nullptr; one = one->next) {
+                const auto* const box = dynamic_cast<const CGhostMessageBox*>(one);
+                text = box != nullptr ? box->Message()->Text() : text;
+            }
+        });
+        return text;
+    }
     void Type(CGhostEdit* edit, const std::wstring& text) {
         edit->SetText(text);
         edit->OnChange(edit, text);
@@ -135,6 +148,7 @@ TEST_F(RomBrowser, AnEmptySystemSaysHowToAddGames) {
 TEST_F(RomBrowser, AMissingFolderIsTold) {
     Open();
     EXPECT_EQ(CGhostMessageBox::Count(), 1u);
+    EXPECT_NE(MessageText().find((home.Path() / "sms").wstring()), std::wstring::npos);
 }
 
 TEST_F(RomBrowser, FiltersByNameAsOneTypes) {
@@ -214,6 +228,11 @@ TEST_F(RomBrowser, SavesIsTheSetting) {
     EXPECT_EQ(browser->Saves()->Caption(), L"Auto Save & Load");
     browser->Saves()->SetSelected(2);
     EXPECT_EQ(Settings().GetInt(L"emu_autosaves"), 0);
+    Settings().SetInt(L"emu_autosaves", 2);
+    browser->SetActive(true);
+    EXPECT_EQ(browser->Saves()->Caption(), L"Auto Save");
+    EXPECT_EQ(Settings().GetInt(L"emu_autosaves"), 2) << "until the player chooses another";
+    Settings().SetInt(L"emu_autosaves", 3);
 }
 
 TEST_F(RomBrowser, TabsShowOneOfThePanels) {
@@ -463,6 +482,33 @@ TEST_F(RomBrowser, PicturesOfTheChosenGameComeWhenTheyAreRead) {
     EXPECT_TRUE(browser->Content().Text(ContentTab::kTrivia)->Text().empty());
 }
 
+// A pipe is read until somebody has opened and closed its other end.
+TEST_F(RomBrowser, PicturesOfTheGameBeforeGoWhileASlowDiskReads) {
+    home.Write("sms/Paper Lamps.sms", Image(3));
+    home.Write("sms/Tide Mill.sms", Image(5));
+    home.Write("sms/media/Paper Lamps.zip", OwnMedia());
+    const std::string pipe = (home.Path() / "sms/media/Tide Mill.zip").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    Open();
+    Click(browser->Scan().Finish());
+    browser->Media().Wait();
+    Round();
+    ASSERT_EQ(browser->Content().ShotCount(), 3u);
+    browser->List()->SetSelected(RowWith(L"Tide Mill"));
+    Round();
+    EXPECT_EQ(browser->Content().ShotCount(), 3u) << "nothing flickers";
+    host.now += 300;
+    Round();
+    EXPECT_EQ(browser->Content().ShotCount(), 0u);
+    EXPECT_EQ(host.coverCount, 0u);
+    EXPECT_EQ(browser->Content().Text(ContentTab::kTrivia)->Text(), L"");
+    EXPECT_FALSE(browser->Content().NoCover()->IsVisible()) << "that is not known yet";
+    std::ofstream(pipe).close();
+    browser->Media().Wait();
+    Round();
+    EXPECT_TRUE(browser->Content().NoCover()->IsVisible());
+}
+
 TEST_F(RomBrowser, NoPicturesComeOfASystemThatWasLeft) {
     home.Write("sms/Paper Lamps.sms", Image(3));
     home.Write("sms/media/Paper Lamps.zip", OwnMedia());
@@ -644,14 +690,16 @@ TEST_F(ServedBrowser, AnAddressOfAnotherFormIsAFailure) {
 
 TEST_F(ServedBrowser, FetchesACoverAndItsNextRevision) {
     archive = Archive();
-    Answer("<COVER>1</COVER>");
+    Answer("<TRIVIA>their fact</TRIVIA><COVER>1</COVER>");
     Open();
     Click(browser->Scan().Finish());
     TakeAnswers();
     ASSERT_TRUE(Offers());
+    ASSERT_EQ(Text(ContentTab::kTrivia), L"their fact");
     Click(browser->Content().ContentButton());
     EXPECT_FALSE(Offers());
     TakeAnswers();
+    EXPECT_EQ(Text(ContentTab::kTrivia), L"their fact") << "the pictures bring no texts";
     const auto bytes = home.Read(Media());
     EXPECT_EQ(std::string(bytes.begin(), bytes.end()), *archive);
     EXPECT_EQ(host.coverCount, 1u);
@@ -682,6 +730,7 @@ TEST_F(ServedBrowser, ABadArchiveIsToldAndNotStored) {
     Click(browser->Content().ContentButton());
     TakeAnswers();
     EXPECT_EQ(CGhostMessageBox::Count(), 1u);
+    EXPECT_TRUE(Offers()) << "it may be tried again";
     EXPECT_FALSE(std::filesystem::exists(home.Path() / Media()));
 }
 

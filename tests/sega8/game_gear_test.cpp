@@ -44,6 +44,19 @@ Program Tone(int panning) {
 
 } // namespace
 
+TEST(GameGear, TheBatteryKeepsTheRamOfTheFirstConsolesCartridge) {
+    Program program;
+    program.Store(0xFFFC, 0x08).Store(0x8003, 0x5A).Stop();
+    const Gear machine = Start(Linked(), program);
+    std::vector<uint8_t> kept(0x2000);
+    kept[9] = 0x77;
+    ASSERT_TRUE(machine->SetBatteryContents(kept));
+    MACHINE_RIG().Frames(*machine, 1);
+    kept[3] = 0x5A;
+    EXPECT_EQ(machine->BatteryContents(), kept);
+    EXPECT_EQ(machine->Memory("sram", 1)[9], 0);
+}
+
 TEST(GameGear, PictureIsTheWindowOfTheRealScreen) {
     MACHINE_RIG rig;
     const Gear machine = Start({}, Program().Stop());

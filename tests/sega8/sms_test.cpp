@@ -621,6 +621,29 @@ TEST(Sms, MemoryIsKnownByItsName) {
     EXPECT_EQ(machine->Memory("ram")[0], 0xAB);
 }
 
+TEST(Sms, WhatAProgramWritesIntoTheCartridgesRamIsForTheBattery) {
+    Program program;
+    program.Store(0xFFFC, 0x08).Store(0x8003, 0x5A).Stop(); // the RAM into slot 2
+    const Sms machine = Start({}, program);
+    EXPECT_EQ(machine->BatteryContents(), std::vector<uint8_t>(0x2000));
+    MACHINE_RIG().Frames(*machine, 1);
+    std::vector<uint8_t> expected(0x2000);
+    expected[3] = 0x5A;
+    EXPECT_EQ(machine->BatteryContents(), expected);
+}
+
+TEST(Sms, AProgramFindsWhatTheBatteryKept) {
+    Program program;
+    program.Store(0xFFFC, 0x08).Bytes({0x3A, 0xFF, 0x9F, 0x32, 0x00, 0xC1}).Stop();
+    const Sms machine = Start({}, program);
+    std::vector<uint8_t> kept(0x2000);
+    kept.back() = 0x77;
+    ASSERT_TRUE(machine->SetBatteryContents(kept));
+    EXPECT_FALSE(machine->SetBatteryContents(std::span(kept).first(0x1FFF)));
+    MACHINE_RIG().Frames(*machine, 1);
+    EXPECT_EQ(machine->Peek(0xC100), 0x77);
+}
+
 TEST(Sms, PhaserIsAimedAndReadByAProgram) {
     // Polls 0xDD until TH drops, then stores V and H once.
     Program program;

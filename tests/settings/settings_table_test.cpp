@@ -33,6 +33,7 @@ constexpr ROW kRows[] = {
     {kInt,    L"app_window_height",        720  },
     {kBool,   L"app_managecpucores",       0    },
     {kInt,    L"gamebrowser_cursystem",    0    },
+    {kString, L"room_place",               0    },
     {kBool,   L"library_keepsources",      0    },
     {kInt,    L"library_owngames",         0    },
     {kInt,    L"emu_fastforward",          2    },

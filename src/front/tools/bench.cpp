@@ -1,6 +1,7 @@
 // `ombrelune bench`: whole machines, unpaced, on one core.
 
 #include "base/files.h"
+#include "base/instruction_counter.h"
 #include "facts/machine_facts.h"
 #include "front/demos.h"
 #include "front/terminal.h"
@@ -29,7 +30,8 @@ struct BENCH_RESULT {
     uint32_t frames = 0;
     double seconds = 0.0;
     double framesPerSecond = 0.0;
-    double timesRealTime = 0.0; // measured by the frames' sound
+    double timesRealTime = 0.0;       // measured by the frames' sound
+    double millionInstructions = 0.0; // of a frame; 0 if they cannot be counted
     uint32_t stateBytes = 0;
     double stateMicroseconds = 0.0; // of one SaveState
     double rewindPercent = 0.0;     // extra cost of a frame with rewind on
@@ -88,7 +90,8 @@ void MeasureStates(BenchRun& run, BENCH_RESULT& result) {
     result.stateMicroseconds = SecondsSince(start) / kStates * 1e6;
 }
 
-bool Measure(const DEMO& demo, double seconds, BENCH_RESULT& result) {
+bool Measure(const DEMO& demo, double seconds, const InstructionCounter& counter,
+             BENCH_RESULT& result) {
     OPENED_GAME opened;
     if (!OpenDemo(demo.name, opened)) {
         Complain(std::string(demo.name) + ": cannot be opened");
@@ -110,9 +113,12 @@ bool Measure(const DEMO& demo, double seconds, BENCH_RESULT& result) {
     double rewindElapsed = 0.0;
     uint32_t rewindFrames = 0;
     double sound = 0.0;
+    uint64_t instructions = 0;
     for (int turn = 0; turn < kTurns; ++turn) {
         Settings().SetInt(L"emu_rewindbuffer", 0);
+        const uint64_t counted = counter.Count();
         result.frames += run.Run(seconds / kTurns, elapsed, soundSeconds);
+        instructions += counter.Count() - counted;
         result.seconds += elapsed;
         sound += soundSeconds;
         Settings().SetInt(L"emu_rewindbuffer", 16);
@@ -121,24 +127,37 @@ bool Measure(const DEMO& demo, double seconds, BENCH_RESULT& result) {
     }
     result.framesPerSecond = result.frames / result.seconds;
     result.timesRealTime = sound / result.seconds;
+    result.millionInstructions = static_cast<double>(instructions) / result.frames / 1e6;
     const double plain = result.seconds / result.frames;
     result.rewindPercent = (rewindElapsed / rewindFrames / plain - 1.0) * 100.0;
     MeasureStates(run, result);
     return true;
 }
 
+void Print(const BENCH_RESULT& result, const InstructionCounter& counter) {
+    std::printf("%-6s %-16s %8.1f frames/s  %6.2f x real time  ", result.machine.c_str(),
+                result.game.c_str(), result.framesPerSecond, result.timesRealTime);
+    if (counter.Works()) {
+        std::printf("%6.2f M instructions a frame  ", result.millionInstructions);
+    }
+    std::printf("state %6" PRIu32 " bytes in %.1f us  rewind %+.1f %%\n", result.stateBytes,
+                result.stateMicroseconds, result.rewindPercent);
+    std::fflush(stdout);
+}
+
 std::string Json(const std::vector<BENCH_RESULT>& results) {
     std::string text = "{\"machines\": [";
     for (const BENCH_RESULT& result : results) {
         char row[512];
-        std::snprintf(
-            row, sizeof row,
-            "%s{\"machine\": \"%s\", \"game\": \"%s\", \"frames\": %" PRIu32
-            ", \"seconds\": %.3f, \"framesPerSecond\": %.2f, \"timesRealTime\": %.3f, "
-            "\"stateBytes\": %" PRIu32 ", \"stateMicroseconds\": %.2f, \"rewindPercent\": %.2f}",
-            &result == results.data() ? "" : ", ", result.machine.c_str(), result.game.c_str(),
-            result.frames, result.seconds, result.framesPerSecond, result.timesRealTime,
-            result.stateBytes, result.stateMicroseconds, result.rewindPercent);
+        std::snprintf(row, sizeof row,
+                      "%s{\"machine\": \"%s\", \"game\": \"%s\", \"frames\": %" PRIu32
+                      ", \"seconds\": %.3f, \"framesPerSecond\": %.2f, \"timesRealTime\": %.3f, "
+                      "\"millionInstructions\": %.3f, \"stateBytes\": %" PRIu32
+                      ", \"stateMicroseconds\": %.2f, \"rewindPercent\": %.2f}",
+                      &result == results.data() ? "" : ", ", result.machine.c_str(),
+                      result.game.c_str(), result.frames, result.seconds, result.framesPerSecond,
+                      result.timesRealTime, result.millionInstructions, result.stateBytes,
+                      result.stateMicroseconds, result.rewindPercent);
         text += row;
     }
     return text + "]}\n";
@@ -182,6 +201,7 @@ int BenchCommand(const BENCH_OPTIONS& options) {
         return BenchAsOnScreen();
     }
     std::vector<BENCH_RESULT> results;
+    const InstructionCounter counter;
     bool done = true;
     for (const MACHINE_FACTS& system : MachineFacts()) {
         const bool wanted = options.machine == "all" || options.machine == system.shortName;
@@ -194,17 +214,15 @@ int BenchCommand(const BENCH_OPTIONS& options) {
             continue;
         }
         BENCH_RESULT result;
-        if (!Measure(*demo, options.seconds, result)) {
+        if (!Measure(*demo, options.seconds, counter, result)) {
             done = false;
             continue;
         }
-        std::printf("%-6s %-16s %8.1f frames/s  %6.2f x real time  state %6" PRIu32
-                    " bytes in %.1f us  rewind %+.1f %%\n",
-                    result.machine.c_str(), result.game.c_str(), result.framesPerSecond,
-                    result.timesRealTime, result.stateBytes, result.stateMicroseconds,
-                    result.rewindPercent);
-        std::fflush(stdout);
+        Print(result, counter);
         results.push_back(result);
+    }
+    if (!counter.Works()) {
+        std::printf("Instructions are not counted: %s\n", counter.WhyNot().c_str());
     }
     if (!options.jsonFile.empty()) {
         const std::string json = Json(results);

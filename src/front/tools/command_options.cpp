@@ -29,6 +29,13 @@ COMMAND AddPlay(CLI::App& app) {
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     command->add_option("--bios", play->bios, "A console BIOS")->type_name("FILE");
+    CLI::Option* const patch =
+        command
+            ->add_option("--patch", play->patch,
+                         "An IPS, UPS or BPS patch, if not the one of the game's name beside it")
+            ->type_name("FILE");
+    command->add_flag("--no-patch", play->noPatch, "Leave the patch beside the game alone")
+        ->excludes(patch);
     command->add_flag("--headless", play->headless,
                       "No window, no device, no pacing, no autosave, no .sav");
     command->add_option("--frames", play->frames, "Stop after N frames")->type_name("N");
@@ -169,7 +176,9 @@ COMMAND AddRoom(CLI::App& app) {
         app.add_subcommand("room", "Walk in a room in which games play on televisions");
     command->footer(
         "Keys: W A S D walk, the mouse looks, E or the left button uses a set, Q turns it off,\n"
-        "Esc leaves the full screen or frees the mouse, F4 the lamp. More in docs/ROOM.md.");
+        "Esc leaves the full screen or frees the mouse, F9 opens the saved states of the game "
+        "that\n"
+        "you look at, F4 is the lamp. More in docs/ROOM.md.");
     command->add_option("GAME", room->games,
                         "ROMs, .zip, .game or demo:NAME; without any, our own");
     command->add_option("--set", room->settings, "A setting for this run")

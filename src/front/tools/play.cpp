@@ -64,9 +64,13 @@ std::string RegionsHelp() {
 } // namespace
 
 int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& error) {
-    const MACHINE_FACTS* system =
-        options.machine.empty() ? nullptr : FindMachineFacts(std::string_view(options.machine));
-    if (!OpenForPlaying(options.game, system, opened, error)) {
+    OPENING opening;
+    if (!options.machine.empty()) {
+        opening.system = FindMachineFacts(std::string_view(options.machine));
+    }
+    opening.patch = options.patch;
+    opening.patched = !options.noPatch;
+    if (!OpenForPlaying(options.game, opening, opened, error)) {
         return kExitFailed;
     }
     const uint16_t number = opened.game.Header().system;

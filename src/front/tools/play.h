@@ -12,6 +12,8 @@ struct PLAY_OPTIONS {
     std::string machine;
     std::vector<std::string> settings; // NAME=VALUE
     std::string bios;
+    std::string patch;    // a soft patch
+    bool noPatch = false; // not even that beside the game
     bool headless = false;
     uint32_t frames = 0; // machine frames to run; 0: no limit
     bool showStatic = false;

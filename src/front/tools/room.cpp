@@ -38,7 +38,7 @@ bool OpenGames(const std::vector<std::string>& names, std::vector<OPENED_GAME>& 
     for (const std::string& name : names) {
         OPENED_GAME opened;
         std::string error;
-        if (OpenForPlaying(name, nullptr, opened, error)) {
+        if (OpenForPlaying(name, {}, opened, error)) {
             games.push_back(std::move(opened));
         } else {
             Complain(error);

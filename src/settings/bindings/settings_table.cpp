@@ -27,6 +27,7 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"app_window_height",        720   },
     {L"app_managecpucores",       false }, // bind session threads to processors
     {L"gamebrowser_cursystem",    0     }, // last system in the browser
+    {L"room_place",               kEmpty}, // where the player stood at the end of the last run
     {L"library_keepsources",      false }, // converted files move to a subfolder, not deleted
     {L"library_owngames",         0     }, // the set of our own games that was put into the library
     {L"emu_fastforward",          2     }, // frames per round

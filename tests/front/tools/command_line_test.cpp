@@ -144,11 +144,18 @@ TEST(CommandLine, GalleryUsesTheThemeInTheHomeFolder) {
     ASSERT_TRUE(ReadFile(OMBRELUNE_SOURCE_FOLDER "/assets/theme.xml", theme, error)) << error;
     ASSERT_TRUE(WriteFile(home.Path() / "theme.xml", theme, error)) << error;
     EXPECT_EQ(page("same.png"), builtIn);
-    const std::string text = "<?xml version=\"1.0\"?><theme></theme>";
-    ASSERT_TRUE(WriteFile(home.Path() / "theme.xml",
-                          {reinterpret_cast<const uint8_t*>(text.data()), text.size()}, error))
-        << error;
+    const auto write = [&](const std::string& text) {
+        EXPECT_TRUE(WriteFile(home.Path() / "theme.xml",
+                              {reinterpret_cast<const uint8_t*>(text.data()), text.size()}, error))
+            << error;
+    };
+    write("<?xml version=\"1.0\"?><theme><button name=\"BUTTON\"></button></theme>");
     EXPECT_NE(page("other.png"), builtIn);
+    // Nothing would be seen.
+    for (const char* const text : {"<?xml version=\"1.0\"?><theme></theme>", "no theme"}) {
+        write(text);
+        EXPECT_EQ(page("built-in-again.png"), builtIn) << text;
+    }
 }
 
 TEST(CommandLine, ActionsListsEveryActionWithItsKeys) {

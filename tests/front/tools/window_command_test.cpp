@@ -147,6 +147,26 @@ TEST_F(WindowCommand, ARunOffTheScreenLeavesTheSavesAlone) {
     EXPECT_TRUE(FilesBelow(folder, "resume") == resume);
 }
 
+TEST_F(WindowCommand, AMasterSystemGameFindsItsBatteryRamAgain) {
+    // Adds one to the first byte of the cartridge's RAM, once.
+    std::vector<uint8_t> image(0x8000);
+    const uint8_t code[] = {0x3E, 0x08, 0x32, 0xFC, 0xFF, 0x21, 0x00, 0x80, 0x34, 0x18, 0xFE};
+    std::ranges::copy(code, image.begin());
+    const std::string game = folder.Write("counter.sms", image).string();
+    for (const int runs : {1, 2}) {
+        // Neither a saved state nor a resume file carries it over.
+        std::filesystem::remove_all(folder.Path() / "resume");
+        ASSERT_EQ(Run({"play", game, "--frames", "30"}).exitCode, 0);
+        const auto files = FilesBelow(folder, "sms");
+        const auto save = std::ranges::find_if(files, [](const auto& file) {
+            return file.first.ends_with(".sav") && !file.first.ends_with(".before.sav");
+        });
+        ASSERT_NE(save, files.end());
+        ASSERT_EQ(save->second.size(), 0x2000u);
+        EXPECT_EQ(save->second[0], runs);
+    }
+}
+
 TEST_F(WindowCommand, AGameThatEndsEndsTheOffScreenRun) {
     const PROGRAM_RESULT result = Run({"play", EndingGame(), "--frames", "300"});
     EXPECT_EQ(result.exitCode, 1);

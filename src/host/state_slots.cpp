@@ -211,7 +211,7 @@ bool SaveToSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, std
 }
 
 bool LoadFromSlot(EMU_THREAD& session, uint32_t slot, const SLOT_STAMP& stamp, std::string& text,
-                   bool* undoable) {
+                  bool* undoable) {
     const std::string failed = "Not loaded from " + SlotName(slot) + ": ";
     const FolderTurn turn(SlotFolder(session));
     if (turn.IsHeldByOther()) {

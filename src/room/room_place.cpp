@@ -41,9 +41,8 @@ bool Covers(const CRoomObject& object, VECTOR3 place) {
 bool IsFree(const CRoomObjects& objects, VECTOR3 place) {
     const bool inside = place.x > 0.0f && place.x < kRoomWidth && place.y > 0.0f &&
                         place.y < kRoomHeight && place.z > 0.0f && place.z < kRoomDepth;
-    return inside && std::ranges::none_of(objects.All(), [&](const auto& object) {
-               return Covers(*object, place);
-           });
+    return inside && std::ranges::none_of(
+                         objects.All(), [&](const auto& object) { return Covers(*object, place); });
 }
 
 } // namespace

@@ -18,7 +18,8 @@ TEST(SaveKeeper, KeepsMemoriesEverySecondAndResumeFilesEveryTen) {
                   EXPECT_EQ(memories, second);
               },
               [&] {
-                  EXPECT_EQ(memories, second) << "a game's memory is written before its resume file";
+                  EXPECT_EQ(memories, second)
+                      << "a game's memory is written before its resume file";
                   resumeFiles.push_back(second);
               });
     EXPECT_EQ(memories, kSeconds);

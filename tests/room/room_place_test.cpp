@@ -28,7 +28,8 @@ TEST_F(RoomPlace, IsReadAsItWasWritten) {
     CRoomCamera camera;
     camera.SetUp(1.0F, {180, 118, 200}, {280, 118, 300}); // along x and z alike
     const std::string text = RoomPlaceText(camera);
-    EXPECT_EQ(text, "180.00 118.00 200.00 -135.00 0.00") << "yaw 0 looks along -z and grows to the left";
+    EXPECT_EQ(text, "180.00 118.00 200.00 -135.00 0.00")
+        << "yaw 0 looks along -z and grows to the left";
     const auto place = ReadRoomPlace(text, objects);
     ASSERT_TRUE(place);
     EXPECT_EQ(place->from, (VECTOR3{180, 118, 200}));
@@ -42,7 +43,8 @@ TEST_F(RoomPlace, KeepsALookUpwards) {
 }
 
 TEST_F(RoomPlace, IsRefusedInFurnitureAndBeyondTheWalls) {
-    EXPECT_FALSE(ReadRoomPlace("310 118 400 0 0", objects)) << "the coffee table: x 270 to 350, z 300 to 500";
+    EXPECT_FALSE(ReadRoomPlace("310 118 400 0 0", objects))
+        << "the coffee table: x 270 to 350, z 300 to 500";
     EXPECT_FALSE(ReadRoomPlace("250 118 60 0 0", objects)) << "the unit with the sets";
     EXPECT_FALSE(ReadRoomPlace("92 118 769 0 0", objects)) << "the left cabinet";
     EXPECT_FALSE(ReadRoomPlace("500 118 200 0 0", objects));

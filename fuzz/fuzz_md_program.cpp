@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int kFrames = 5;
+constexpr int kFrames = 4;
 constexpr size_t kImageBytes = 0x10000;
 constexpr size_t kProgramEnd = 0x7000;
 constexpr uint32_t kZ80Code = 0x8000;
@@ -146,7 +146,14 @@ void PutPiece(Program68000& program, Numbers& numbers) {
         break;
     case 17: program.Words({0x1239, 0x00FF, 0x2003, 0x0201, 0x0007, 0x0C01, 0x0002, 0x66F0}); break;
     case 18: program.Words({0x46FC, 0x2000 | (value & 0x0700)}); break;
-    default: program.Words({value, numbers.Word()}); break;
+    default:
+        if (value % 32 == 0) {
+            program.Words({numbers.Word(), numbers.Word()});
+        } else { // arithmetic with the registers; stays at even addresses
+            constexpr uint32_t kOpcodes[] = {0x5247, 0xE35F, 0xD047, 0x4840, 0xC0C7, 0xB187};
+            program.Words({kOpcodes[value / 32 % 6]});
+        }
+        break;
     }
 }
 
@@ -160,7 +167,7 @@ void PutFrame(std::vector<uint8_t>& image) {
     MdFuzzPutWords(image, 0x78, {0x0000, 0x7500});
     MdFuzzPutWords(image, 0x7400, {0x33FC, 0x8725, 0x00C0, 0x0004, 0x52B9, 0x00FF, 0x2000, 0x4E73});
     MdFuzzPutWords(image, 0x7500, {0x33FC, 0x8703, 0x00C0, 0x0004, 0x5279, 0x00FF, 0x2002, 0x4E73});
-    MdFuzzPutWords(image, 0x7600, {0x4E73});
+    MdFuzzPutWords(image, 0x7600, {0x54AF, 0x0002, 0x4E73}); // goes on after what is no instruction
 }
 
 void Put68000(std::vector<uint8_t>& image, Numbers numbers) {

@@ -285,7 +285,7 @@ StateBlob CMegaDrive::SaveState(uint32_t& size) {
     size = StatePieceSize(board) + M68kStateSize() + Z80StateSize() + MdVdpStateSize() +
            PsgStateSize() + Ym2612StateSize() + MdCartStateSize(md.cartridge) +
            SoundStateSize(sound);
-    auto blob = std::make_unique<uint8_t[]>(size);
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
     uint8_t* out = StatePieceWrite(blob.get(), board);
     out = M68kSave(md.cpu, out);
     out = Z80SaveState(md.z80, out);

@@ -57,7 +57,7 @@ CGhostSurface Painted(GhostTextStyle style, const SAMPLE& sample) {
 }
 
 // Pixels whose brightness differs so much that it is seen.
-int Different(CGhostSurface& a, const CGhostSurface& b) {
+int Different(CGhostSurface a, CGhostSurface b) {
     constexpr int kSeen = 12;
     int count = 0;
     for (int32_t i = 0; i < a.PixelWidth() * a.PixelHeight(); ++i) {

@@ -92,7 +92,7 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"OpenSSL",          {"openssl/"},                       {"formats", "web"}},
     {"SQLite",           {"sqlite3"},                        {"catalogue"}},
 
-    {"the processor",    {"immintrin.h"},                    {"machine"}},
+    {"the processor",    {"immintrin.h"},                    {"machine", "megadrive"}},
     {"operating system", {"fcntl.h", "io.h", "linux/", "pthread.h", "sched.h", "sys/", "unistd.h"}, {"base", "front"}},
 };
 // clang-format on

@@ -100,9 +100,10 @@ int ShowFirstPicture(const char* home) {
         std::fprintf(stderr, "%s\n", error.c_str());
         return 1;
     }
-    EmuForEachSession([](EMU_THREAD& session) { session.showStatic = 0; });
-    while (application.Sets().FrameShown() == 0 && application.Round()) {
-    }
+    // A session is there once its own thread has begun, so it is looked for in every round.
+    do {
+        EmuForEachSession([](EMU_THREAD& session) { session.showStatic = 0; });
+    } while (application.Sets().FrameShown() == 0 && application.Round());
     _exit(0); // how it ends is not measured
 }
 

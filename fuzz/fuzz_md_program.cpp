@@ -7,6 +7,7 @@
 #include "base/bytes.h"
 #include "settings/settings.h"
 
+#include "loops_fuzz.h"
 #include "md_fuzz.h"
 
 #include <cstdint>
@@ -280,14 +281,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto& cartridge = kMdFuzzCartridges[data[0] % std::size(kMdFuzzCartridges)];
     const uint8_t console = (data[0] & 0x80) != 0 ? kMdConsolePal : kMdConsoleGenesis;
     const std::vector<uint8_t> image = MakeImage(cartridge, std::span(data, size));
-    const auto fast = MdFuzzStart(image, console);
-    const auto plain = MdFuzzStart(image, console);
-    FuzzRequire(fast != nullptr && plain != nullptr);
-    plain->SetPlainLoop(true);
-    for (int frame = 0; frame < kFrames; ++frame) {
-        FuzzRequire(FuzzFrame(*fast) == FuzzFrame(*plain));
-        FuzzRequire(fast->ended == plain->ended);
-    }
-    FuzzRequire(FuzzSave(*fast) == FuzzSave(*plain));
+    FuzzLoops([&] { return MdFuzzStart(image, console); }, kFrames);
     return 0;
 }

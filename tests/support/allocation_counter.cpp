@@ -47,4 +47,17 @@ void operator delete(void* block) noexcept {
 void operator delete(void* block, size_t) noexcept {
     std::free(block);
 }
+
+// The library's own call those above, but a sanitizer's do not.
+void* operator new[](size_t size) {
+    return operator new(size);
+}
+
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+
+void operator delete[](void* block, size_t) noexcept {
+    std::free(block);
+}
 // NOLINTEND(cppcoreguidelines-no-malloc,misc-new-delete-overloads)

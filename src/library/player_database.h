@@ -24,7 +24,7 @@ inline constexpr std::string_view kPlayerDatabaseFile = ".\\player.db";
 
 class PlayerDatabase {
 public:
-    // `now` is the time in seconds since 1970; empty: the system's.
+    // `now` is the time in seconds since 1970, and is called by any thread; empty: the system's.
     explicit PlayerDatabase(std::function<int64_t()> now = {});
     ~PlayerDatabase(); // writes what is not written yet
     PlayerDatabase(const PlayerDatabase&) = delete;

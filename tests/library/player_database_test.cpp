@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <filesystem>
 #include <memory>
@@ -33,7 +34,7 @@ protected:
     // As a program that starts, and ends with the next Start.
     PlayerDatabase& Start() {
         database.reset();
-        database = std::make_unique<PlayerDatabase>([this] { return now; });
+        database = std::make_unique<PlayerDatabase>([this] { return now.load(); });
         database->Open(File());
         return *database;
     }
@@ -55,7 +56,7 @@ protected:
     [[nodiscard]] fs::path File() const { return folder.Path() / "player.db"; }
 
     TemporaryFolder folder;
-    int64_t now = 1'000'000;
+    std::atomic<int64_t> now = 1'000'000; // the database asks on its own thread too
     std::unique_ptr<PlayerDatabase> database;
 };
 

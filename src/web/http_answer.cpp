@@ -59,6 +59,9 @@ bool HttpAnswer::TakeHead() {
             searched = head.empty() ? 0 : head.size() - 1;
             return head.size() < headerLimit || Refuse(kHeadersTooLarge);
         }
+        if (end + kLineEnd.size() > headerLimit) {
+            return Refuse(kHeadersTooLarge); // as if it had come byte by byte
+        }
         if (!TakeStatusLine(std::string_view(head).substr(0, end))) {
             return false;
         }

@@ -140,6 +140,19 @@ TEST(HttpAnswer, NeedsNotEndForItsHeadersToBeTooLong) {
     EXPECT_EQ(headers.Error(), L"The answer's headers are too large");
 }
 
+// However many bytes come at once: also where the line would be refused for what it says.
+TEST(HttpAnswer, HasNoLongerAStatusLineThanItsHeadersMayBe) {
+    constexpr size_t kLimit = 100;
+    std::string longest(kLimit, 'x');
+    longest.replace(kLimit - 2, 2, "\r\n");
+    const std::string longer = "x" + longest;
+    for (const size_t block : {size_t{1}, size_t{2}, size_t{7}, kRoom}) {
+        EXPECT_EQ(Read(longest, block, kLimit), Refused(L"Invalid response")) << block;
+        EXPECT_EQ(Read(longer, block, kLimit), Refused(L"The answer's headers are too large"))
+            << block;
+    }
+}
+
 TEST(HttpAnswer, HasAsLongABodyAsItMayAndNoLonger) {
     const std::string head = "HTTP/1.0 200 OK\r\n\r\n";
     for (const size_t block : {size_t{1}, size_t{7}, kRoom}) {

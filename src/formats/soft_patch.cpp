@@ -1,5 +1,6 @@
 #include "formats/soft_patch.h"
 
+#include "base/bytes.h"
 #include "formats/checksums.h"
 
 #include <algorithm>
@@ -119,11 +120,6 @@ bool ApplyIps(Bytes patch, Bytes image, uint64_t limit, std::vector<uint8_t>& pa
     return true;
 }
 
-uint32_t LittleEndian32(Bytes bytes) {
-    return bytes[0] | static_cast<uint32_t>(bytes[1]) << 8 | static_cast<uint32_t>(bytes[2]) << 16 |
-           static_cast<uint32_t>(bytes[3]) << 24;
-}
-
 // What UPS and BPS have in common.
 struct SIZES {
     uint64_t image = 0;
@@ -134,7 +130,7 @@ struct SIZES {
 bool ReadSizes(Bytes patch, Bytes image, uint64_t limit, PatchReader& reader, SIZES& sizes,
                std::string& error) {
     const Bytes footer = patch.last(kFooter);
-    if (Crc32(patch.first(patch.size() - 4)) != LittleEndian32(footer.subspan(8))) {
+    if (Crc32(patch.first(patch.size() - 4)) != LoadLittleEndian<uint32_t>(footer.data() + 8)) {
         error = "is damaged: its own checksum is wrong";
         return false;
     }
@@ -145,11 +141,11 @@ bool ReadSizes(Bytes patch, Bytes image, uint64_t limit, PatchReader& reader, SI
         return false;
     }
     const uint32_t crc = Crc32(image);
-    if (image.size() == sizes.patched && crc == LittleEndian32(footer.subspan(4))) {
+    if (image.size() == sizes.patched && crc == LoadLittleEndian<uint32_t>(footer.data() + 4)) {
         error = "has been applied to this game already";
         return false;
     }
-    if (image.size() != sizes.image || crc != LittleEndian32(footer)) {
+    if (image.size() != sizes.image || crc != LoadLittleEndian<uint32_t>(footer.data())) {
         error = "is for another game, or for another version of it";
         return false;
     }
@@ -161,7 +157,7 @@ bool ReadSizes(Bytes patch, Bytes image, uint64_t limit, PatchReader& reader, SI
 }
 
 bool CheckResult(Bytes patch, Bytes patched, std::string& error) {
-    if (Crc32(patched) != LittleEndian32(patch.last(kFooter).subspan(4))) {
+    if (Crc32(patched) != LoadLittleEndian<uint32_t>(patch.last(kFooter).data() + 4)) {
         error = "does not make the image that it names";
         return false;
     }
@@ -180,7 +176,7 @@ bool ApplyUps(Bytes patch, Bytes image, uint64_t limit, std::vector<uint8_t>& pa
     uint64_t at = 0;
     while (reader.Left() != 0 && !reader.CutOff()) {
         at += reader.Number().value_or(0);
-        // A run ends with a zero, which stands for an equal byte.
+        // A run ends with a zero, for a byte that is the same in both.
         uint8_t change = reader.Byte();
         for (; change != 0; change = reader.Byte(), ++at) {
             if (at <

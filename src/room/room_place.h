@@ -1,4 +1,4 @@
-// Where the player stands in the room and where he looks, as the text that a later start of the program reads.
+// The place in the room where the player stands, and the direction of the view, as a text for the next start.
 //
 // The text has five numbers: x, y and z in room units, then yaw and pitch in degrees (room_camera.h).
 // Thread: main.

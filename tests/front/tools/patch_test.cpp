@@ -19,7 +19,7 @@ protected:
         image[0x100] = 0xAA;
         home.Write("Game.sms", image);
     }
-    // What stands at 0x100 of the program, which is 0xAA without a patch.
+    // The byte at 0x100 of the program: 0xAA without a patch.
     PROGRAM_RESULT Peek(std::vector<std::string> more = {}) const {
         std::vector<std::string> arguments = {"play",   "--headless", "--frames",      "1",
                                               "--peek", "0x100",      Path("Game.sms")};

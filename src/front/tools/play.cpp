@@ -40,7 +40,7 @@ bool OpenBios(const std::string& path, const MACHINE_FACTS* system, OPENED_GAME&
               std::string& error) {
     std::string title;
     std::string note;
-    opened.hasBios = OpenGame(path, system, opened.bios, title, note, error);
+    opened.hasBios = OpenGame(path, {system, {}}, opened.bios, title, note, error);
     std::error_code ignored;
     opened.secondFile = std::filesystem::absolute(path, ignored).lexically_normal().string();
     if (!note.empty()) {

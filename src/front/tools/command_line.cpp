@@ -6,6 +6,7 @@
 #include "front/terminal.h"
 #include "front/tools/command_options.h"
 #include "front/tools/commands.h"
+#include "front/tools/option_checks.h"
 #include "front/tools/play.h"
 #include "front/version.h"
 #include "library/game_source.h"
@@ -53,6 +54,7 @@ int Run(int argc, const char* const* argv) {
     app.set_version_flag("--version", "ombrelune " OMBRELUNE_VERSION);
     app.require_subcommand(0, 1);
     app.fallthrough();
+    app.failure_message(UsageSentence);
     std::string home;
     app.add_option("--home", home, "The folder of settings, saves and games")->type_name("DIR");
     const std::vector<COMMAND> commands = AddCommands(app);

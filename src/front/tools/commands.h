@@ -19,11 +19,17 @@ int DesktopCommand();
 // Every action with its bindings, a line each: name, primary, secondary, separated by tabs.
 int ActionsCommand();
 
-// Prints what each file holds. A file that fails is reported, and the others are still shown.
-int InfoCommand(const std::vector<std::filesystem::path>& paths);
+// Prints what each file holds, and whether it can be played. A file that fails is reported, and the others are still
+// shown.
+struct INFO_OPTIONS {
+    std::vector<std::filesystem::path> paths;
+    std::string machine; // short name; empty: as the files say
+    bool json = false;   // an array with an object for each file instead
+};
+int InfoCommand(const INFO_OPTIONS& options);
 
-// Writes a `.game` for every image in the files, beside its source or in `outFolder`. Sources stay. An
-// existing target with the same bytes stays as it is; one with other bytes is never replaced: the new
+// Writes a `.game` for every image in the files, beside its source or in `outFolder`. Folders are walked, and what is no
+// game in them is passed over. Sources stay. A line for each, and the counts at the end. An existing target with the same bytes stays as it is; one with other bytes is never replaced: the new
 // file's name then gets a "0" appended until it is unused.
 struct CONVERT_OPTIONS {
     std::vector<std::filesystem::path> paths;

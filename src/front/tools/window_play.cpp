@@ -206,7 +206,7 @@ int PlayWithoutGame() {
     }
     std::string others;
     for (const DEMO& demo : Demos()) {
-        if (std::string(demo.name) != kFirstGame) {
+        if (std::string(demo.name) != kFirstGame && !demo.isTest) {
             others.append(others.empty() ? "" : ", ").append("demo:").append(demo.name);
         }
     }

@@ -157,7 +157,8 @@ IMAGE_VERDICT OtherKind(std::string_view reason) {
 
 IMAGE_VERDICT TooSmall(size_t size, size_t least) {
     return OtherKind("has " + std::to_string(size) +
-                     " bytes; no game of the machine has less than " + std::to_string(least));
+                     " bytes; no game of the machine has less than " + std::to_string(least) +
+                     " bytes");
 }
 
 IMAGE_VERDICT CheckNes(Bytes file) {

@@ -146,7 +146,7 @@ TEST(ImageCheck, SmallestImageOfEachMachineIsAccepted) {
     EXPECT_EQ(Fault(kSystemMegaDrive, Image(511)), ImageFault::kOtherKind);
     EXPECT_EQ(Fault(kSystemNes, Image(kLeastNesImage - 1)), ImageFault::kOtherKind);
     EXPECT_EQ(Reason(kSystemGameGear, Image(100)),
-              "has 100 bytes; no game of the machine has less than 1024");
+              "has 100 bytes; no game of the machine has less than 1024 bytes");
 }
 
 // Chips of arcade boards may be tiny, and a text could be one's contents as well.

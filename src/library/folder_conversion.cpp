@@ -535,6 +535,9 @@ void Conversion::TakeRest(SOURCE& source, bool used, bool repeated, const MADE_G
 }
 
 void Conversion::TakeUnknown(SOURCE& source, const MADE_GAME& made) {
+    if (conversion.system == kSystemArcade && source.gone) {
+        return; // removed with another item of the same zip, as all of it is in games
+    }
     if (!made.error.empty()) {
         Report(ConversionCount::kError,
                "Failed to convert this unknown game: " + source.path.string());

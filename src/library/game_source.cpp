@@ -284,16 +284,6 @@ bool OpenImageFile(const fs::path& path, const GAME_PICK& pick, CGameFile& game,
     return true;
 }
 
-// Whether the image that is played begins as a zip does.
-bool HoldsArchive(const CGameFile& game) {
-    constexpr std::string_view kMark = "PK\x03\x04";
-    const int piece = game.NameRomAt(0, 0);
-    const std::span<const uint8_t> data = game.Data();
-    const size_t offset = piece < 0 ? data.size() : game.RomOffset(static_cast<uint32_t>(piece));
-    return game.NameCount() > 0 && offset <= data.size() && data.size() - offset >= kMark.size() &&
-           std::memcmp(data.data() + offset, kMark.data(), kMark.size()) == 0;
-}
-
 // Replaces a game whose image is an archive by the one in the archive.
 bool OpenInside(const fs::path& path, const MACHINE_FACTS& system, const GAME_PICK& pick,
                 CGameFile& game, std::string& note, std::string& error) {
@@ -368,6 +358,15 @@ bool ChangeSystem(const fs::path& path, const MACHINE_FACTS& system, CGameFile& 
 }
 
 } // namespace
+
+bool HoldsArchive(const CGameFile& game) {
+    constexpr std::string_view kMark = "PK\x03\x04"; // that a zip begins with
+    const int piece = game.NameRomAt(0, 0);
+    const std::span<const uint8_t> data = game.Data();
+    const size_t offset = piece < 0 ? data.size() : game.RomOffset(static_cast<uint32_t>(piece));
+    return game.NameCount() > 0 && offset <= data.size() && data.size() - offset >= kMark.size() &&
+           std::memcmp(data.data() + offset, kMark.data(), kMark.size()) == 0;
+}
 
 bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_VISITOR& visitor,
                  std::string& error) {

@@ -76,6 +76,9 @@ struct ARCHIVED_GAME {
 [[nodiscard]] bool ListArchivedGames(const std::filesystem::path& path, const MACHINE_FACTS* system,
                                      std::vector<ARCHIVED_GAME>& games, std::string& error);
 
+// Whether the image that is played is an archive.
+[[nodiscard]] bool HoldsArchive(const CGameFile& game);
+
 // The index of the game that a player means: by its whole entry, else by its name without folders, in any case of
 // letters. -1 if none has the name, or more than one.
 [[nodiscard]] int FindArchivedGame(std::span<const ARCHIVED_GAME> games, std::string_view name);

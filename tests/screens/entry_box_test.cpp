@@ -28,6 +28,7 @@ TEST_F(EntryBoxTest, ReturnTakesTheRowAndTheBoxGoes) {
     EXPECT_EQ(EntryBox::Open(), box);
     EXPECT_EQ(box->List()->Count(), 3);
     EXPECT_EQ(box->List()->Selected(), 0);
+    Tick();
     KeepPicture("entry-box");
     PressKey(GHOSTGUIKey::kDown);
     PressKey(GHOSTGUIKey::kReturn);
@@ -56,6 +57,7 @@ TEST_F(EntryBoxTest, ButtonsDoTheSame) {
 // More than fit scroll, and the buttons stay on the screen.
 TEST_F(EntryBoxTest, ManyGamesScroll) {
     EntryBox* const box = Show(300);
+    Tick();
     KeepPicture("entry-box-many");
     GUI_RECT play;
     ASSERT_TRUE(CGhostManager::Get().GetScreenRect(box->PlayButton()->window, &play));

@@ -1,6 +1,8 @@
 // A zip of several games that no database knows becomes one game of the library, and the player chooses which to play.
 #include "formats/zip.h"
+#include "front/opened_game.h"
 #include "front/program_rig.h"
+#include "front/resume_texts.h"
 #include "gui/list.h"
 #include "gui/list_view.h"
 #include "screens/entry_box.h"
@@ -90,4 +92,22 @@ TEST_F(ProgramArchive, OnlyGameIsPlayedAtOnce) {
     ASSERT_NE(key, 0u);
     ASSERT_TRUE(RunUntilOn(application, program->Room(), key));
     EXPECT_EQ(program->Room().Games().TitleOn(key), "One");
+}
+
+// As the file of a game that was on when the program ended is read.
+TEST_F(ProgramArchive, GameThatGoesOnIsTheOneThatWasChosen) {
+    ASSERT_NO_FATAL_FAILURE(WriteZip({"One.sms", "a/Two.sms"}));
+    OPENING opening;
+    opening.entry = "a/Two.sms";
+    OPENED_GAME opened;
+    std::string error;
+    const std::string zip = (folder.Path() / "sms" / "box.zip").string();
+    ASSERT_TRUE(OpenForPlaying(zip, opening, opened, error)) << error;
+    STATE_SNAPSHOT label;
+    label.texts = ResumeTexts(1, opened);
+    OPENED_GAME again;
+    ASSERT_TRUE(OpenResumed(label, again, error)) << error;
+    EXPECT_EQ(again.title, "Two");
+    EXPECT_EQ(again.entry, "a/Two.sms");
+    EXPECT_EQ(GameIdentityText(again.game), GameIdentityText(opened.game));
 }

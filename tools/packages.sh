@@ -11,6 +11,7 @@ build_packages=(
 # Also to build and run the tests, benchmarks and fuzz entry points.
 test_packages=(
     clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev libsamplerate0-dev python3 valgrind xauth xvfb
+    appstream desktop-file-utils fish mandoc shared-mime-info zsh
 )
 
 # Also to check format and lint.

@@ -28,7 +28,7 @@ std::string WordName(const std::string& type) {
     while (end != std::string::npos && end > 0 && type[end - 1] == '[') {
         end = type.find(':', end + 1); // "ADDRESS[:LENGTH]"
     }
-    const std::string name = type.substr(0, end);
+    std::string name = type.substr(0, end);
     if (name == "FLOAT" || name == "INT" || name == "UINT") {
         return "N";
     }

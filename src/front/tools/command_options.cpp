@@ -263,6 +263,20 @@ void AddDatabase(CLI::App& app, std::vector<COMMAND>& commands) {
     commands.push_back({show, [file] { return DatabaseShowCommand(*file); }});
 }
 
+// For packages, and for a shell's start file.
+void AddDocuments(CLI::App& app, std::vector<COMMAND>& commands) {
+    CLI::App* const manual = app.add_subcommand("manual", "Print the manual page, for man");
+    commands.push_back({manual, [&app] { return ManualCommand(app); }});
+
+    const auto shell = std::make_shared<std::string>();
+    CLI::App* const completion = app.add_subcommand(
+        "completion", "Print the script by which a shell completes the command line");
+    completion->add_option("SHELL", *shell, "bash, zsh or fish")
+        ->required()
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+    commands.push_back({completion, [&app, shell] { return CompletionCommand(app, *shell); }});
+}
+
 COMMAND AddActions(CLI::App& app) {
     return {app.add_subcommand("actions", "List every action with its bindings"), ActionsCommand};
 }
@@ -276,5 +290,6 @@ std::vector<COMMAND> AddCommands(CLI::App& app) {
     commands.push_back(AddActions(app));
     commands.push_back(AddBench(app));
     commands.push_back(AddGallery(app));
+    AddDocuments(app, commands);
     return commands;
 }

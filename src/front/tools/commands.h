@@ -7,6 +7,10 @@
 #include <utility>
 #include <vector>
 
+namespace CLI {
+class App;
+} // namespace CLI
+
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;
 inline constexpr int kExitUsage = 2;
@@ -115,3 +119,8 @@ struct ROOM_OPTIONS {
         screenshot; // of the window once all sets have a picture; then the program ends
 };
 int RoomCommand(const ROOM_OPTIONS& options);
+
+// Print the manual page, for man(1), and the script by which a shell ("bash", "zsh" or "fish") completes the
+// command line.
+int ManualCommand(const CLI::App& program);
+int CompletionCommand(const CLI::App& program, const std::string& shell);

@@ -87,8 +87,29 @@ std::string ToldAs(const std::string& action) {
 
 } // namespace
 
+// Directions are told without names, in the order of a player's first four actions.
+std::map<std::string, std::string> ToldIn(const std::string& cell) {
+    std::map<std::string, std::string> told;
+    constexpr std::string_view kDirections = "directions ";
+    const size_t begin = cell.find(kDirections);
+    EXPECT_NE(begin, std::string::npos) << cell;
+    const size_t end = cell.find(';', begin);
+    const char* const names[] = {"UP", "DOWN", "LEFT", "RIGHT"};
+    size_t name = 0;
+    for (const auto& [before, key] : KeysIn(cell.substr(begin, end - begin))) {
+        told[names[name++ % 4]] = Upper(key);
+    }
+    EXPECT_EQ(name, 4u) << cell;
+    for (const auto& [does, key] : KeysIn(cell.substr(end))) {
+        const size_t colon = does.rfind(": ");
+        const std::string what = Upper(colon == std::string::npos ? does : does.substr(colon + 2));
+        EXPECT_TRUE(told.emplace(what, Upper(key)).second) << does;
+    }
+    return told;
+}
+
 TEST(PlayingKeys, OfEachMachineAreThoseOfAFirstRun) {
-    const Rows rows = Table("machine");
+    const Rows rows = Table("machine | player 1");
     const std::map<std::string, std::string> defaults = DefaultKeys();
     ASSERT_EQ(rows.size(), MachineFacts().size());
     for (const MACHINE_FACTS& machine : MachineFacts()) {
@@ -96,35 +117,18 @@ TEST(PlayingKeys, OfEachMachineAreThoseOfAFirstRun) {
             return Upper(cells.at(0)).find(Upper(machine.name)) != std::string::npos;
         });
         ASSERT_NE(row, rows.end()) << machine.name;
-        std::string all = row->at(1);
-        constexpr std::string_view kDirections = "directions `Up` `Down` `Left` `Right`;";
-        ASSERT_TRUE(all.starts_with(kDirections)) << machine.name;
-        std::map<std::string, std::string> told{
-            {"UP",    "Up"   },
-            {"DOWN",  "Down" },
-            {"LEFT",  "Left" },
-            {"RIGHT", "Right"}
-        };
-        for (const auto& [does, key] : KeysIn(all.substr(kDirections.size()))) {
-            const size_t colon = does.rfind(": ");
-            EXPECT_TRUE(
-                told.emplace(Upper(colon == std::string::npos ? does : does.substr(colon + 2)), key)
-                    .second)
-                << does;
-        }
-        std::map<std::string, std::string> wanted;
-        for (const auto names : {machine.consoleActions, machine.playerActions[0]}) {
-            if (names.data() == machine.consoleActions.data() && !machine.readsConsoleActions) {
-                continue;
-            }
-            for (const std::wstring_view name : names) {
+        for (size_t player = 0; player < kMachinePlayers; ++player) {
+            std::map<std::string, std::string> wanted;
+            for (const std::wstring_view name : machine.playerActions[player]) {
                 wanted[ToldAs(Narrow(name))] = defaults.at(Narrow(name));
             }
+            if (player == 0 && machine.readsConsoleActions) {
+                for (const std::wstring_view name : machine.consoleActions) {
+                    wanted[ToldAs(Narrow(name))] = defaults.at(Narrow(name));
+                }
+            }
+            EXPECT_EQ(ToldIn(row->at(1 + player)), wanted) << machine.name << " " << player;
         }
-        for (auto& [does, key] : told) {
-            key = Upper(key);
-        }
-        EXPECT_EQ(told, wanted) << machine.name;
     }
 }
 

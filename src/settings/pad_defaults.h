@@ -14,6 +14,8 @@
 #include <array>
 #include <cstdint>
 
+struct INPUT_ACTION;
+
 // The pad and the stick are separate, since the user may bind the codes of either.
 enum PadControl : uint32_t {
     kPadDpadUp = 0,
@@ -83,6 +85,9 @@ void InputClearPads(); // releases all controls
 // Reads the bindings again and finds which actions and controls the user has bound. Each pump begins
 // with this (`InputBeginPump`); it takes a few microseconds and allocates nothing.
 void InputRefreshPadDefaults();
+
+// The controls that act for this action as of the last refresh, bound to it or by default.
+[[nodiscard]] uint64_t InputPadsOf(const INPUT_ACTION& action);
 
 // The controls that are down and not bound by the user; in an InputFrame also those that were tapped.
 [[nodiscard]] uint64_t InputPadsActing();

@@ -8,7 +8,6 @@
 #include "front/terminal.h"
 #include "library/convert.h"
 #include "library/game_source.h"
-#include "settings/bindings.h"
 #include "settings/settings.h"
 
 #include <cinttypes>
@@ -101,16 +100,6 @@ bool ShowFile(const fs::path& path) {
 }
 
 } // namespace
-
-int ActionsCommand() {
-    for (const INPUT_ACTION& action : InputActions()) {
-        const auto [primary, secondary] = Settings().GetInt2(BindingSetting(action));
-        std::printf("%s\t%s\t%s\n", Utf8FromWide(action.name).c_str(),
-                    Utf8FromWide(BindingName(static_cast<uint32_t>(primary))).c_str(),
-                    Utf8FromWide(BindingName(static_cast<uint32_t>(secondary))).c_str());
-    }
-    return kExitDone;
-}
 
 int InfoCommand(const std::vector<fs::path>& paths) {
     bool done = true;

@@ -93,6 +93,11 @@ void InputRefreshPadDefaults() {
     SetDown(gDown);
 }
 
+uint64_t InputPadsOf(const INPUT_ACTION& action) {
+    const Setting* const setting = Settings().Find(kInputPrefix, action.name);
+    return setting != nullptr ? PadsOfNote(setting->note.load(std::memory_order_relaxed)) : 0;
+}
+
 uint64_t InputPadsActing() {
     return tInputState->pads.load(std::memory_order_relaxed) &
            ~gPadsBound.load(std::memory_order_relaxed);

@@ -9,6 +9,7 @@
 #include "host/session_list.h"
 #include "host/session_private.h"
 #include "host/static.h"
+#include "machine/side_by_side.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -244,6 +245,7 @@ bool RunSlowRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& 
 void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
                FRAME_LOOP& loop, RoundKind kind) {
     bool drawn = false;
+    const bool isStatic = session.showStatic != 0;
     if (kind == RoundKind::kFast) {
         RunFastRound(session, input, *video, loop);
         drawn = loop.fastForwardSteps > 0;
@@ -255,6 +257,9 @@ void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* vid
     if (!drawn) {
         // This buffer holds some older picture; the last one shown must stay.
         EmuRepeatPicture(loop.lastPicture, *video);
+    } else if (const auto* const screens = dynamic_cast<CSideBySide*>(session.machine.get());
+               screens != nullptr && !isStatic) {
+        EmuDivideScreens(screens->Screens(), *video, EmuPicturePixels(session));
     }
     if (kind == RoundKind::kFast) {
         EmuDrawSpeedGlyph(SpeedGlyph::kForward, *video);

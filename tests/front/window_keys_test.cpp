@@ -155,3 +155,23 @@ TEST_F(WindowKeys, GamesWaitForTheKeyboardWhereThePlayerWantsIt) {
     EXPECT_TRUE(RunFrames(application, 5));
     EXPECT_FALSE(waits());
 }
+
+// The demo's first screen, once for each console.
+TEST_F(WindowKeys, LinkedConsolesAreDividedAndEachHasItsPlayer) {
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:gg-glimmer", {"link=1"}));
+    const auto& kept = application.Sets().Kept();
+    ASSERT_TRUE(RunUntil(application, [&] { return kept.frame.width == 324; }));
+    ASSERT_TRUE(RunFrames(application, 60));
+    const auto screen = [&](uint32_t left) {
+        std::vector<uint32_t> pixels;
+        for (uint32_t y = 0; y < 144; ++y) {
+            const auto row = kept.pixels.begin() + static_cast<ptrdiff_t>(y * 324 + left);
+            pixels.insert(pixels.end(), row, row + 160);
+        }
+        return pixels;
+    };
+    EXPECT_EQ(screen(0), screen(164)) << "both show the same until somebody plays";
+    Key(L"GG P2 START", true);
+    EXPECT_TRUE(RunUntil(application, [&] { return screen(0) != screen(164); }));
+    Key(L"GG P2 START", false);
+}

@@ -24,10 +24,6 @@ std::string Upper(std::string text) {
     return text;
 }
 
-std::string Narrow(std::wstring_view text) {
-    return {text.begin(), text.end()};
-}
-
 std::string Trimmed(const std::string& text) {
     const size_t first = text.find_first_not_of(" ,;:");
     return first == std::string::npos
@@ -97,8 +93,6 @@ std::string ToldAs(const std::string& action) {
     return word.starts_with("BUTTON") ? word.substr(6) : Upper(word);
 }
 
-} // namespace
-
 // Directions are told without names, in the order of a player's first four actions.
 std::map<std::string, std::string> ToldIn(const std::string& cell) {
     std::map<std::string, std::string> told;
@@ -121,6 +115,8 @@ std::map<std::string, std::string> ToldIn(const std::string& cell) {
     }
     return told;
 }
+
+} // namespace
 
 TEST(PlayingKeys, OfEachMachineAreThoseOfAFirstRun) {
     const Rows rows = Table("machine | player 1");

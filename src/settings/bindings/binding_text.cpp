@@ -114,9 +114,10 @@ uint32_t ScancodeOfName(std::string_view plain) {
     return 0;
 }
 
-std::string KeyText(uint32_t scancode) {
+// A digit alone would be a code.
+std::string KeyText(uint32_t scancode, bool alone) {
     const std::string_view name = NameOfScancode(scancode);
-    if (IsDigit(name)) {
+    if (IsDigit(name) && alone) {
         return std::string(kDigit) += name;
     }
     // A name that an earlier key has as well would be read as that.
@@ -247,7 +248,7 @@ std::string BindingText(uint32_t binding) {
     const char* const modifier = middle == kModifierShift  ? "Shift+"
                                  : middle == kModifierCtrl ? "Ctrl+"
                                                            : "";
-    return modifier + KeyText(low);
+    return modifier + KeyText(low, middle == kModifierNone);
 }
 
 std::optional<uint32_t> ReadBindingText(std::string_view text) {

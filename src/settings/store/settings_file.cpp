@@ -392,6 +392,7 @@ bool LoadSettingsFile(SettingsStore& store, std::string& error,
         return false;
     }
     if (unknownWords != nullptr) {
+        unknownWords->reserve(unknownWords->size() + unknown.size());
         for (const std::string& line : unknown) {
             unknownWords->push_back(path.string() + ": " + line);
         }

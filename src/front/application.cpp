@@ -25,6 +25,7 @@
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
+#include "host/session_list.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
@@ -182,6 +183,8 @@ bool Application::Round() {
     const bool screenNews = UpdateScreen(events);
     ShowSavedStates(events);
     StopEndedGame();
+    volume.Update(PlayerHasKeys());
+    WaitForFocus();
     HoldScreenSaverOff(!televisions.All().empty());
     const bool overlayNews = UpdateOverlays(events);
     if (events.windowChanged || screenNews || overlayNews) {
@@ -341,7 +344,7 @@ void Application::TakeSettings() {
     if (window.FollowsDisplay() != followed) {
         pacer.Start(window.FollowsDisplay(), Now());
     }
-    SoundSetVolume(Settings().GetFloat(L"audio_volume"));
+    volume.Apply();
     SoundReadBoosts();
     pacer.NoteNews();
 }
@@ -380,6 +383,24 @@ void Application::StopEndedGame() {
         PostReport(reason);
         TurnOff();
     }
+}
+
+// Neither a window nor a field of the interface takes the keys: a game gets them, or the player walks.
+bool Application::PlayerHasKeys() {
+    return CGhostManager::Get().ModalWindow() == nullptr &&
+           (InputWalkingRoom() || PinSession(InputActiveKey()));
+}
+
+// In every round while they wait, as one may have started meanwhile.
+void Application::WaitForFocus() {
+    const bool wait = !pump.HasKeyboard() && Settings().GetBool(L"emu_pauseunfocused");
+    if (wait && !waitsForFocus) {
+        PostNotice("Paused until you come back to this window");
+    }
+    if (wait || waitsForFocus) {
+        EmuWaitForFocus(wait);
+    }
+    waitsForFocus = wait;
 }
 
 void Application::Draw() {

@@ -21,6 +21,7 @@
 #include "front/sound_output.h"
 #include "front/status_overlay.h"
 #include "front/televisions.h"
+#include "front/volume_keys.h"
 #include "front/window.h"
 
 #include <cstdint>
@@ -115,6 +116,8 @@ private:
     [[nodiscard]] bool UpdateScreen(const PUMP_EVENTS& events);
     void ShowSavedStates(const PUMP_EVENTS& events);
     void StopEndedGame();
+    void WaitForFocus();
+    [[nodiscard]] static bool PlayerHasKeys();
     [[nodiscard]] bool UpdateOverlays(const PUMP_EVENTS& events);
     void DrawOrWait();
 
@@ -127,6 +130,7 @@ private:
     Window window;
     Joysticks joysticks;
     SoundOutput sound;
+    VolumeKeys volume;
     EventPump pump{joysticks};
     Televisions televisions;
     GAME_VIEW view;
@@ -141,7 +145,8 @@ private:
     std::function<SAVED_STATES_GAME()> gameOfStates; // while `states` is there; serial 0: none
     std::string playedTitle;
     uint32_t playedSerial = 0;
-    bool quit = false; // the player has chosen to end the program
+    bool waitsForFocus = false; // the games
+    bool quit = false;          // the player has chosen to end the program
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;

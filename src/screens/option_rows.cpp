@@ -101,6 +101,8 @@ constexpr OPTION_ROW kRows[] = {
     Number(kGeneral, L"Rewind Buffer:", L"emu_rewindbuffer", kRewindBuffers, L"MB", kAtOnce,
            L"The memory that each running game may use to remember its past: more of it lets you "
            L"rewind further."),
+    Switch(kGeneral, L"Pause Without Focus:", L"emu_pauseunfocused", kEnabledDisabled, kAtOnce,
+           L"Whether games wait while another window has the keyboard."),
 
     Switch(kGraphics, L"Fullscreen:", L"app_fullscreen", kEnabledDisabled, kAtOnce,
            L"Whether Ombrelune fills the whole display or runs in a window."),

@@ -57,6 +57,7 @@ TEST_F(Options, HasEveryRowInItsOrderAndWithItsValues) {
         {kGeneral,
          L"Rewind Buffer:",                    L"emu_rewindbuffer",
          {L"128MB", L"256MB", L"512MB", L"768MB", L"1024MB"}                                                      },
+        {kGeneral,  L"Pause Without Focus:",   L"emu_pauseunfocused",       onOff                                 },
         {kGraphics, L"Fullscreen:",            L"app_fullscreen",           onOff                                 },
         {kGraphics,
          L"Windowed Dimensions:",              L"app_window_width",

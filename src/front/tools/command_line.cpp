@@ -11,6 +11,7 @@
 #include "front/version.h"
 #include "library/game_source.h"
 #include "machines/machines.h"
+#include "settings/bindings.h"
 #include "settings/settings.h"
 
 #include <CLI/CLI.hpp>
@@ -40,10 +41,15 @@ void StartUp(const std::string& homeOption) {
     }
     RegisterDefaultSettings(Settings());
     std::string error;
-    static_cast<void>(LoadSettingsFile(Settings(), error));
+    std::vector<std::string> unknownWords;
+    static_cast<void>(LoadSettingsFile(Settings(), error, &unknownWords));
     if (!error.empty()) {
         PostReport(error + "; missing settings have their defaults");
     }
+    for (const std::string& line : unknownWords) {
+        Complain(Printable(line));
+    }
+    GiveNewKeys(Settings());
     ApplyAudioRate();
     EmuSetMachines(BuiltInMachines());
     SetBuiltInDatabase(DemoDatabase);

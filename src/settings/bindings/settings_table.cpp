@@ -34,6 +34,7 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"emu_gameroomfilter",       false }, // smooth picture on the television
     {L"emu_rewindbuffer",         256   }, // mebibytes
     {L"emu_autosaves",            3     }, // bit 0 load at start, bit 1 save at stop
+    {L"emu_pauseunfocused",       false }, // games wait while another window has the keyboard
     {L"megadrive_psgvolume",      1.25f }, // gains
     {L"megadrive_ymvolume",       1.0f  },
     {L"login_connectstartup",     false },

@@ -5,12 +5,14 @@
 #include "base/random.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
+#include "facts/machine_facts.h"
 #include "front/appearance.h"
 #include "front/game_screen.h"
 #include "front/game_start.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
 #include "front/own_games.h"
+#include "front/pad_names.h"
 #include "front/processor_binder.h"
 #include "front/program_screen.h"
 #include "front/program_title.h"
@@ -38,6 +40,11 @@ namespace {
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
+}
+
+std::string MachineName(uint16_t system) {
+    const MACHINE_FACTS* const machine = FindMachineFacts(system);
+    return machine != nullptr ? machine->name : std::string();
 }
 
 // Also while the player is in the menu: he may look at the sets again at any moment.
@@ -70,8 +77,10 @@ bool Application::Start(std::string& error) {
     joysticks.Open();
 
     std::vector<std::string> messages;
-    title = ProgramTitle();
-    if (!window.Open(WindowOptionsFromSettings(), title, messages, error) || !StartDrawing(error)) {
+    ReadView();
+    shownTitle = ProgramTitle();
+    if (!window.Open(WindowOptionsFromSettings(), shownTitle, messages, error) ||
+        !StartDrawing(error)) {
         Release();
         return false;
     }
@@ -181,8 +190,10 @@ bool Application::Round() {
     PlayDroppedFiles(events);
     const bool screenNews = UpdateScreen(events);
     ShowSavedStates(events);
+    ShowPanel(events);
     StopEndedGame();
     HoldScreenSaverOff(!televisions.All().empty());
+    ShowTitle();
     const bool overlayNews = UpdateOverlays(events);
     if (events.windowChanged || screenNews || overlayNews) {
         pacer.NoteNews();
@@ -242,6 +253,23 @@ void Application::RunCommand(ProgramCommand command) {
         pacer.NoteNews();
         break;
     }
+    KeepView();
+}
+
+void Application::ReadView() {
+    const SettingsStore& settings = Settings();
+    view.scaler =
+        static_cast<PictureScaler>(static_cast<uint32_t>(settings.GetInt(L"emu_scaler")) & 3);
+    view.linear = settings.GetBool(L"emu_smooth");
+    view.crop = settings.GetBool(L"emu_crop");
+}
+
+// As the options do.
+void Application::KeepView() const {
+    SettingsStore& settings = Settings();
+    settings.SetInt(L"emu_scaler", static_cast<int32_t>(view.scaler));
+    settings.SetBool(L"emu_smooth", view.linear);
+    settings.SetBool(L"emu_crop", view.crop);
 }
 
 void Application::PlayDroppedFiles(const PUMP_EVENTS& events) {
@@ -265,9 +293,42 @@ void Application::ShowSavedStates(const PUMP_EVENTS& events) {
     if (states == nullptr || !states->Update({events, pump.Mouse(), Target(), Now()})) {
         return;
     }
+    OpenSavedStates();
+}
+
+void Application::OpenSavedStates() {
     if (SAVED_STATES_GAME game = gameOfStates(); game.serial != 0) {
         NeedAppearance();
         states->Open(std::move(game));
+    }
+}
+
+void Application::ShowPanel(const PUMP_EVENTS& events) {
+    if (panel == nullptr) {
+        return;
+    }
+    PANEL_GAME game;
+    if (playing) {
+        game = {kFrontTelevision,
+                playedSerial,
+                playedSystem,
+                playedTitle + ", " + MachineName(playedSystem),
+                {}};
+        if (joysticks.HasController()) {
+            game.padNames = [this](std::wstring_view action) {
+                return PadNameOfAction(joysticks.Family(), action);
+            };
+        }
+    }
+    panel->Update({events, pump.Mouse(), Target(), Now()}, game);
+}
+
+void Application::TakeFromPanel(ModeInput chosen) {
+    switch (chosen) {
+    case ModeInput::kSavedStates: OpenSavedStates(); break;
+    case ModeInput::kResetGame: static_cast<void>(EmuResetSession(kFrontTelevision)); break;
+    case ModeInput::kQuit: quit = true; break;
+    default: break;
     }
 }
 
@@ -288,6 +349,7 @@ void Application::DrawOrWait() {
 }
 
 void Application::Show(std::unique_ptr<Screen> next) {
+    panel.reset();
     states.reset();
     nextScreen = std::move(next);
 }
@@ -295,6 +357,9 @@ void Application::Show(std::unique_ptr<Screen> next) {
 void Application::ShowGame() {
     Show(std::make_unique<GameScreen>(televisions, view, lightGun, kFrontTelevision));
     states = std::make_unique<SavedStates>();
+    panel = std::make_unique<GamePanel>(
+        PANEL_CALLS{[this] { NeedAppearance(); }, [this] { TakeSettings(); }, SaveSettings,
+                    [this](ModeInput chosen) { TakeFromPanel(chosen); }});
     gameOfStates = [this] {
         return SAVED_STATES_GAME{kFrontTelevision, playing ? playedSerial : 0, playedTitle, {}};
     };
@@ -341,6 +406,7 @@ void Application::TakeSettings() {
     if (window.FollowsDisplay() != followed) {
         pacer.Start(window.FollowsDisplay(), Now());
     }
+    ReadView();
     SoundSetVolume(Settings().GetFloat(L"audio_volume"));
     SoundReadBoosts();
     pacer.NoteNews();
@@ -397,15 +463,28 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
         games != nullptr ? games->Start(kFrontTelevision, opened) : GAME_RESUME();
     playedSerial = StartGame(kFrontTelevision, opened, resume, error);
     playedTitle = opened.title;
+    playedSystem = opened.game.Header().system;
     playing = playedSerial != 0;
     if (!playing) {
         error = StartFailedLine(error);
-        window.SetTitle(ProgramTitle());
+        ShowTitle();
         return false;
     }
-    title = ProgramTitle() + "- " + opened.title;
-    window.SetTitle(title);
+    ShowTitle();
     return true;
+}
+
+// Of the game that plays alone, or that the player of the room looks at.
+void Application::ShowTitle() {
+    std::string played = screen != nullptr ? screen->PlayedTitle() : std::string();
+    if (playing) {
+        played = PlayedTitle(playedTitle, MachineName(playedSystem));
+    }
+    const std::string wanted = played.empty() ? ProgramTitle() : played;
+    if (wanted != shownTitle) {
+        shownTitle = wanted;
+        window.SetTitle(shownTitle);
+    }
 }
 
 void Application::PlayDroppedFile(const std::string& path) {
@@ -427,7 +506,7 @@ void Application::PlayDroppedFile(const std::string& path) {
 void Application::TurnOff() {
     EmuStopSession(kFrontTelevision, SessionEnd::kTurnedOff);
     playing = false;
-    window.SetTitle(ProgramTitle());
+    ShowTitle();
 }
 
 // The swapped buffer is undefined, so the window is drawn again.
@@ -444,6 +523,9 @@ void Application::Stop() {
     quit = false;
     EmuStopSession(kFrontTelevision, SessionEnd::kProgramEnds);
     playing = false;
+    if (const std::optional<DESKTOP_RECT> place = window.PlaceByHand(); place && !savesAlone) {
+        KeepInSettings(*place);
+    }
     Release();
     resumeGames.reset();
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
@@ -461,6 +543,7 @@ void Application::Release() {
     saveKeeper.reset();
     sound.Stop(); // before the rest: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
+    panel.reset();
     states.reset();
     nextScreen.reset();
     screen.reset();

@@ -12,6 +12,7 @@
 
 #include "front/event_pump.h"
 #include "front/frame_pacer.h"
+#include "front/game_panel.h"
 #include "front/game_view.h"
 #include "front/gui_overlay.h"
 #include "front/joysticks.h"
@@ -96,6 +97,8 @@ public:
     [[nodiscard]] const GuiOverlay& Gui() const { return gui; }
     // Those of the game that is shown alone, or that the player of the room looks at; null while the program is shown.
     [[nodiscard]] SavedStates* States() const { return states.get(); }
+    // The menu of the game that is shown alone; null while it is closed.
+    [[nodiscard]] GameMenu* Menu() const { return panel != nullptr ? panel->Menu() : nullptr; }
 
 private:
     [[nodiscard]] bool StartSdl(std::string& error);
@@ -114,6 +117,12 @@ private:
     void PlayDroppedFiles(const PUMP_EVENTS& events);
     [[nodiscard]] bool UpdateScreen(const PUMP_EVENTS& events);
     void ShowSavedStates(const PUMP_EVENTS& events);
+    void OpenSavedStates();
+    void ReadView();
+    void KeepView() const;
+    void ShowTitle();
+    void ShowPanel(const PUMP_EVENTS& events);
+    void TakeFromPanel(ModeInput chosen);
     void StopEndedGame();
     [[nodiscard]] bool UpdateOverlays(const PUMP_EVENTS& events);
     void DrawOrWait();
@@ -136,11 +145,13 @@ private:
     StatusOverlay overlay;
     GuiOverlay gui;
     FramePacer pacer;
-    std::string title;
+    std::string shownTitle;
+    std::unique_ptr<GamePanel> panel;                // while the game alone is shown
     std::unique_ptr<SavedStates> states;             // while the game alone or the room is shown
     std::function<SAVED_STATES_GAME()> gameOfStates; // while `states` is there; serial 0: none
     std::string playedTitle;
     uint32_t playedSerial = 0;
+    uint16_t playedSystem = 0;
     bool quit = false; // the player has chosen to end the program
     bool started = false;
     bool playing = false;

@@ -8,6 +8,7 @@
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
+#include "front/pad_names.h"
 #include "front/program_commands.h"
 #include "front/resume_texts.h"
 #include "gui/button.h"
@@ -196,6 +197,7 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     if (states.Update(input) && CGhostManager::Get().ModalWindow() == nullptr) {
         room.Take(ModeInput::kSavedStates);
     }
+    HoldGame(input.now);
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
@@ -277,9 +279,28 @@ void ProgramScreen::GoBack() {
 // Over nothing that takes the input itself.
 void ProgramScreen::ToggleGameMenu() {
     const bool free = CGhostManager::Get().ModalWindow() == nullptr && !adding.IsShown();
-    if (overlay.Menu() != nullptr || free) {
-        overlay.ToggleMenu();
+    if (overlay.Menu() == nullptr && !free) {
+        return;
     }
+    const uint32_t key = room.Selected().id;
+    MENU_GAME game{WideFromUtf8(room.Games().TitleOn(key)), room.Games().SystemOn(key), {}};
+    if (joysticks.HasController()) {
+        game.padNames = [this](std::wstring_view action) {
+            return PadNameOfAction(joysticks.Family(), action);
+        };
+    }
+    overlay.ToggleMenu(game);
+    if (overlay.Menu() != nullptr && room.Selected().on) {
+        static_cast<void>(paused.Hold(key)); // one that still starts has nothing to lose
+    }
+}
+
+// A game waits while its menu is open.
+void ProgramScreen::HoldGame(int64_t now) {
+    if (overlay.Menu() == nullptr) {
+        paused.LetGo();
+    }
+    paused.Update(now);
 }
 
 void ProgramScreen::Obey(ModeOrder order) {
@@ -300,6 +321,7 @@ void ProgramScreen::ShowSavedStates() {
     if (game == playing.end()) {
         return;
     }
+    paused.GoOn(); // from the menu; the states have their own pause
     states.Open({key, serial, room.Games().TitleOn(key), [this, played = *game] {
                      const int64_t now = HostClock().nowMicroseconds();
                      const int64_t seconds = player.Find(played.identity).secondsPlayed +

@@ -6,7 +6,7 @@
 // If games were on when the program last ended, it begins with the question whether they go on.
 // What is dropped on the window joins the library; a game alone is then played, on the set that it would be chosen
 // for.
-// The saved states of the game that is played lie over it in a panel.
+// The saved states of the game that is played, and its menu, lie over it while it waits.
 // Keys of its own: F10 is the main menu; escape goes back in menu, panels and browser. A controller moves the focus
 // there; its shoulders step the browser's system, start starts the chosen game, the left button makes it a favourite.
 //
@@ -14,6 +14,7 @@
 #pragma once
 
 #include "front/gui_pad.h"
+#include "front/paused_game.h"
 #include "front/play_times.h"
 #include "front/resume_games.h"
 #include "front/room_screen.h"
@@ -53,6 +54,7 @@ public:
     void Draw(const DRAW_TARGET& target) override { room.Draw(target); }
     [[nodiscard]] bool WantsInput() const override { return room.WantsInput(); }
     [[nodiscard]] Pointer PointerWanted() const override { return room.PointerWanted(); }
+    [[nodiscard]] std::string PlayedTitle() const override { return room.PlayedTitle(); }
     [[nodiscard]] bool TakeDroppedFiles(const std::vector<std::string>& files) override;
     void LoseGraphics() override { room.LoseGraphics(); }
     void RenewGraphics() override { room.RenewGraphics(); }
@@ -94,6 +96,7 @@ private:
     void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
     void ToggleGameMenu();
+    void HoldGame(int64_t now);
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;
@@ -114,6 +117,7 @@ private:
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;
     PlayTimes playTimes{player};
+    PausedGame paused; // below the game menu
     SavedStates states;
     AddWindow adding;
     std::unique_ptr<ContinueWindow> continuing;

@@ -1,0 +1,5 @@
+#include "base/version.h"
+
+const char* ProgramVersion() {
+    return OMBRELUNE_VERSION;
+}

@@ -3,6 +3,7 @@
 #include "audio/sound.h"
 #include "base/helper_thread.h"
 #include "base/random.h"
+#include "base/text.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
 #include "facts/machine_facts.h"
@@ -17,16 +18,19 @@
 #include "front/program_screen.h"
 #include "front/program_title.h"
 #include "front/resume_games.h"
+#include "front/resume_texts.h"
 #include "front/room_screen.h"
 #include "front/run_settings.h"
 #include "front/save_keeper.h"
 #include "front/saved_states.h"
 #include "front/session_callbacks.h"
 #include "gui/manager.h"
+#include "gui/message_box.h"
 #include "host/battery_file.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
+#include "screens/play_keys.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
@@ -192,6 +196,7 @@ bool Application::Round() {
     ShowSavedStates(events);
     ShowPanel(events);
     StopEndedGame();
+    RestartGame();
     HoldScreenSaverOff(!televisions.All().empty());
     ShowTitle();
     const bool overlayNews = UpdateOverlays(events);
@@ -321,6 +326,24 @@ void Application::ShowPanel(const PUMP_EVENTS& events) {
         }
     }
     panel->Update({events, pump.Mouse(), Target(), Now()}, game);
+    ShowFirstKeys(game.padNames);
+}
+
+void Application::ShowFirstKeys(const PadNames& padNames) {
+    KEYS_GAME game;
+    if (playing) {
+        game = {kFrontTelevision, playedSerial, playedSystem, padNames, {}};
+        KEY_WORDS menu{{KeyOfAction(L"Game Menu")}, L"menu", {}};
+        if (padNames) {
+            menu.pads = {PadControlName(joysticks.Family(), kPadGuide)};
+        }
+        game.ways = {
+            std::move(menu),
+            {{L"F11"},      L"full screen",                             {}},
+            {{L"Alt + F4"}, L"leave; the next start goes on from here", {}}
+        };
+    }
+    keys->Update(game, Now());
 }
 
 void Application::TakeFromPanel(ModeInput chosen) {
@@ -349,6 +372,7 @@ void Application::DrawOrWait() {
 }
 
 void Application::Show(std::unique_ptr<Screen> next) {
+    keys.reset();
     panel.reset();
     states.reset();
     nextScreen = std::move(next);
@@ -357,6 +381,7 @@ void Application::Show(std::unique_ptr<Screen> next) {
 void Application::ShowGame() {
     Show(std::make_unique<GameScreen>(televisions, view, lightGun, kFrontTelevision));
     states = std::make_unique<SavedStates>();
+    keys = std::make_unique<FirstKeys>([this] { NeedAppearance(); });
     panel = std::make_unique<GamePanel>(
         PANEL_CALLS{[this] { NeedAppearance(); }, [this] { TakeSettings(); }, SaveSettings,
                     [this](ModeInput chosen) { TakeFromPanel(chosen); }});
@@ -445,6 +470,32 @@ void Application::StopEndedGame() {
     if (EmuHasEnded(kFrontTelevision, reason)) {
         PostReport(reason);
         TurnOff();
+        TellStopped(reason);
+    }
+}
+
+// Not a black window: there is something to choose.
+void Application::TellStopped(const std::string& reason) {
+    if (panel == nullptr) {
+        return;
+    }
+    NeedAppearance();
+    CGhostMessageBox::Show(WideFromUtf8(kStoppedTitle), WideFromUtf8(StoppedText(reason)),
+                           {
+                               {L"Restart", [this] { restart = true; }},
+                               {L"Quit",    [this] { quit = true; }   },
+    });
+}
+
+// From the round, as it takes a while.
+void Application::RestartGame() {
+    if (!std::exchange(restart, false)) {
+        return;
+    }
+    OPENED_GAME opened;
+    std::string error;
+    if (!OpenResumed(playedLabel, opened, error) || !Play(opened, error)) {
+        PostReport(error);
     }
 }
 
@@ -464,6 +515,7 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
     playedSerial = StartGame(kFrontTelevision, opened, resume, error);
     playedTitle = opened.title;
     playedSystem = opened.game.Header().system;
+    playedLabel.texts = ResumeTexts(kFrontTelevision, opened);
     playing = playedSerial != 0;
     if (!playing) {
         error = StartFailedLine(error);
@@ -543,6 +595,7 @@ void Application::Release() {
     saveKeeper.reset();
     sound.Stop(); // before the rest: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
+    keys.reset();
     panel.reset();
     states.reset();
     nextScreen.reset();

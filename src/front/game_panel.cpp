@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "front/screen.h"
 #include "gui/manager.h"
+#include "gui/message_box.h"
 #include "screens/game_menu.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
@@ -37,7 +38,8 @@ void GamePanel::Update(const SCREEN_INPUT& input, const PANEL_GAME& game) {
     } else if (pressed && game.serial != 0 && CGhostManager::Get().ModalWindow() == nullptr) {
         Open(game);
     }
-    static_cast<void>(pad.Update(menu != nullptr, input.now));
+    const bool toPad = menu != nullptr || CGhostMessageBox::Count() != 0;
+    static_cast<void>(pad.Update(toPad, input.now));
     if (menu == nullptr) {
         paused.LetGo();
     }

@@ -25,8 +25,8 @@ public:
 
 private:
     uint32_t key = 0;
-    bool holds = false;    // between Hold and GoOn
-    bool paused = false;   // the game, by this
-    bool leaving = false;  // LetGo was called
-    int64_t leftAt = 0;    // when; 0: in this round
+    bool holds = false;   // between Hold and GoOn
+    bool paused = false;  // the game, by this
+    bool leaving = false; // LetGo was called
+    int64_t leftAt = 0;   // when; 0: in this round
 };

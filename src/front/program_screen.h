@@ -13,6 +13,7 @@
 // Thread: main, with the OpenGL context current. Order: made after the toolkit has its theme and its screen.
 #pragma once
 
+#include "front/first_keys.h"
 #include "front/gui_pad.h"
 #include "front/paused_game.h"
 #include "front/play_times.h"
@@ -69,6 +70,8 @@ public:
     // Null unless it asks whether games go on.
     [[nodiscard]] ContinueWindow* Continuing() const { return continuing.get(); }
     [[nodiscard]] SavedStates& States() { return states; }
+    // Null while it is not shown.
+    [[nodiscard]] const KeyCard* Keys() const { return firstKeys.Card(); }
 
 private:
     // ScreenHost.
@@ -88,6 +91,9 @@ private:
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
+    void ShowFailure(const GAME_FAILURE& failure);
+    void Restart(const GAME_FAILURE& failure);
+    void OfferLibrary(uint32_t key);
     void AskToContinue();
     void TakeChoice();
     void ContinueGames();
@@ -97,6 +103,8 @@ private:
     void GoBack();
     void ToggleGameMenu();
     void HoldGame(int64_t now);
+    void ShowFirstKeys(int64_t now);
+    [[nodiscard]] PadNames PadNamesNow() const;
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
     [[nodiscard]] uint32_t SetForGame() const;
@@ -118,6 +126,7 @@ private:
     CGUIGameOverlay overlay;
     PlayTimes playTimes{player};
     PausedGame paused; // below the game menu
+    FirstKeys firstKeys;
     SavedStates states;
     AddWindow adding;
     std::unique_ptr<ContinueWindow> continuing;

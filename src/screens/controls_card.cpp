@@ -46,35 +46,35 @@ constexpr PART kMasterSystem[] = {
     {L"SMS P1 BUTTON2", L"2",     Side::kRight, 90, 249, 89},
 };
 constexpr PART kGameGear[] = {
-    {L"",              L"move",  Side::kLeft,  76,  26,  76},
-    {L"GG P1 START",   L"start", Side::kRight, 10,  232, 37},
-    {L"GG P1 BUTTON2", L"2",     Side::kRight, 76,  258, 76},
+    {L"",              L"move",  Side::kLeft,  76,  26,  76 },
+    {L"GG P1 START",   L"start", Side::kRight, 10,  232, 37 },
+    {L"GG P1 BUTTON2", L"2",     Side::kRight, 76,  258, 76 },
     {L"GG P1 BUTTON1", L"1",     Side::kRight, 142, 214, 104},
 };
 constexpr PART kNes[] = {
-    {L"",               L"move",   Side::kLeft,  84,  34,  84},
+    {L"",               L"move",   Side::kLeft,  84,  34,  84 },
     {L"NES P1 SELECT",  L"select", Side::kLeft,  142, 118, 103},
-    {L"NES P1 BUTTONB", L"B",      Side::kRight, 20,  197, 76},
-    {L"NES P1 BUTTONA", L"A",      Side::kRight, 89,  250, 89},
+    {L"NES P1 BUTTONB", L"B",      Side::kRight, 20,  197, 76 },
+    {L"NES P1 BUTTONA", L"A",      Side::kRight, 89,  250, 89 },
     {L"NES P1 START",   L"start",  Side::kRight, 142, 152, 103},
 };
 constexpr PART kArcade[] = {
-    {L"Arcade Insert Coin1", L"coin",  Side::kLeft,  33,  96,  33},
-    {L"",                    L"move",  Side::kLeft,  70,  52,  68},
-    {L"Arcade Start1",       L"start", Side::kRight, 33,  205, 33},
-    {L"Arcade P1 BUTTON2",   L"2",     Side::kRight, 92,  237, 92},
+    {L"Arcade Insert Coin1", L"coin",  Side::kLeft,  33,  96,  33 },
+    {L"",                    L"move",  Side::kLeft,  70,  52,  68 },
+    {L"Arcade Start1",       L"start", Side::kRight, 33,  205, 33 },
+    {L"Arcade P1 BUTTON2",   L"2",     Side::kRight, 92,  237, 92 },
     {L"Arcade P1 BUTTON1",   L"1",     Side::kRight, 146, 172, 119},
 };
 constexpr PART kMegaDrive[] = {
-    {L"",                      L"move",  Side::kLeft,  80,  34,  80},
-    {L"MEGADRIVE P1 START",    L"start", Side::kLeft,  146, 136, 97},
-    {L"MEGADRIVE P1 BUTTONX",  L"X",     Side::kRight, -14, 176, 64},
-    {L"MEGADRIVE P1 BUTTONY",  L"Y",     Side::kRight, 12,  202, 56},
-    {L"MEGADRIVE P1 MODE",     L"mode",  Side::kRight, 38,  256, 30},
-    {L"MEGADRIVE P1 BUTTONZ",  L"Z",     Side::kRight, 64,  236, 57},
-    {L"MEGADRIVE P1 BUTTONC",  L"C",     Side::kRight, 92,  251, 85},
-    {L"MEGADRIVE P1 BUTTONB",  L"B",     Side::kRight, 120, 212, 104},
-    {L"MEGADRIVE P1 BUTTONA",  L"A",     Side::kRight, 148, 184, 113},
+    {L"",                     L"move",  Side::kLeft,  80,  34,  80 },
+    {L"MEGADRIVE P1 START",   L"start", Side::kLeft,  146, 136, 97 },
+    {L"MEGADRIVE P1 BUTTONX", L"X",     Side::kRight, -14, 176, 64 },
+    {L"MEGADRIVE P1 BUTTONY", L"Y",     Side::kRight, 12,  202, 56 },
+    {L"MEGADRIVE P1 MODE",    L"mode",  Side::kRight, 38,  256, 30 },
+    {L"MEGADRIVE P1 BUTTONZ", L"Z",     Side::kRight, 64,  236, 57 },
+    {L"MEGADRIVE P1 BUTTONC", L"C",     Side::kRight, 92,  251, 85 },
+    {L"MEGADRIVE P1 BUTTONB", L"B",     Side::kRight, 120, 212, 104},
+    {L"MEGADRIVE P1 BUTTONA", L"A",     Side::kRight, 148, 184, 113},
 };
 
 struct MACHINE_CARD {
@@ -151,8 +151,8 @@ void ControlsCard::OnPaint(CGhostSurface* surface, const GUI_RECT& /*clientRect*
     for (const LINE& line : lines) {
         const bool straight = std::abs(line.toY - line.y) < kStraight;
         const int32_t y = line.y;
-        surface->FillRect({std::min(line.fromX, line.toX), y, std::abs(line.toX - line.fromX) + 1, 1},
-                          colour);
+        surface->FillRect(
+            {std::min(line.fromX, line.toX), y, std::abs(line.toX - line.fromX) + 1, 1}, colour);
         if (!straight) {
             surface->FillRect({line.toX, std::min(y, line.toY), 1, std::abs(line.toY - y) + 1},
                               colour);

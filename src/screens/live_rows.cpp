@@ -68,8 +68,8 @@ void LiveRows::MakeRow(GHOSTMANAGER_WINDOW* parent, const OPTION_ROW& row) {
 }
 
 void LiveRows::Layout(const GUI_RECT& place) {
-    const int32_t left =
-        place.x + (place.width - kLabelWide - kColumnGap - kControlWide) / 2 + kLabelWide + kColumnGap;
+    const int32_t left = place.x + (place.width - kLabelWide - kColumnGap - kControlWide) / 2 +
+                         kLabelWide + kColumnGap;
     int32_t y = place.y;
     for (const ROW& row : rows) {
         row.label->SetPos(left - kColumnGap - kLabelWide, y, kLabelWide, kHigh);

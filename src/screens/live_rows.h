@@ -21,7 +21,8 @@ class CGhostTextBox;
 class LiveRows {
 public:
     // `room`: with the rows of the room's pictures. `changed` is called after each change.
-    LiveRows(GHOSTMANAGER_WINDOW* parent, OptionTab tab, bool room, std::function<void()> whenChanged);
+    LiveRows(GHOSTMANAGER_WINDOW* parent, OptionTab tab, bool room,
+             std::function<void()> whenChanged);
     LiveRows(const LiveRows&) = delete;
     LiveRows& operator=(const LiveRows&) = delete;
 

@@ -5,6 +5,7 @@
 #include "gui/multi_text.h"
 #include "host/session_list.h"
 #include "screens/game_menu.h"
+#include "screens/key_card.h"
 
 #include <gmock/gmock.h>
 
@@ -289,4 +290,23 @@ TEST_F(ProgramGameMenu, AGameThatCannotStartIsToldOnce) {
     for (const std::string& line : ProgramNotices().Lines(0)) {
         EXPECT_THAT(line, testing::Not(HasSubstr("Error loading game")));
     }
+}
+
+TEST_F(ProgramGameMenu, TheFirstThreeGamesShowTheirKeys) {
+    Settings().SetInt(L"app_keycards", 2);
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(RunUntil(application, [&] { return program->Keys() != nullptr; }));
+    EXPECT_EQ(Settings().GetInt(L"app_keycards"), 3);
+    EXPECT_EQ(program->Keys()->Ways()->Words()[1].keys.front(), L"Esc");
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    ASSERT_EQ(ModeOf(*program), ProgramMode::kWalking);
+    EXPECT_EQ(program->Keys(), nullptr) << "the player walks on";
+    EXPECT_EQ(InputActiveKey(), key);
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(RunFrames(application, 90));
+    EXPECT_EQ(program->Keys(), nullptr) << "it was the third";
 }

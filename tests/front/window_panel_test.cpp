@@ -5,10 +5,17 @@
 #include "front/window_rig.h"
 #include "gui/button.h"
 #include "gui/manager.h"
+#include "gui/message_box.h"
 #include "host/session_list.h"
+#include "megadrive/md_rig.h" // before names that those of its chips would hide
 #include "screens/game_menu.h"
+#include "screens/key_card.h"
+#include "settings/bindings.h"
+
+#include <gmock/gmock.h>
 
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -197,4 +204,133 @@ TEST_F(WindowPanel, AControllerAloneOpensAndClosesIt) {
     ASSERT_TRUE(push(kEast));
     EXPECT_EQ(application.Menu(), nullptr);
     EXPECT_TRUE(RunUntil(application, [] { return !IsPaused(); }));
+}
+
+TEST_F(WindowPanel, AFirstGameShowsItsKeysForFiveSeconds) {
+    Settings().SetInt(L"app_keycards", 0);
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
+    ASSERT_TRUE(RunUntil(application, [&] { return application.Keys() != nullptr; }));
+    EXPECT_EQ(PinSession(kFrontTelevision)->showStatic, 0) << "not over the static";
+    EXPECT_EQ(Settings().GetInt(L"app_keycards"), 1);
+    ASSERT_GE(application.Keys()->Ways()->Words().size(), 2u);
+    EXPECT_EQ(application.Keys()->Ways()->Words()[0].keys.front(), L"F1");
+    EXPECT_FALSE(IsPaused()) << "the game plays on";
+    ASSERT_TRUE(RunUntil(application, [&] { return application.Keys() == nullptr; }));
+    ASSERT_TRUE(RunFrames(application, 10));
+    EXPECT_EQ(application.Keys(), nullptr) << "once for a game";
+}
+
+TEST_F(WindowPanel, TheKeysAreNotShownToWhoDoesNotWantThem) {
+    Settings().SetInt(L"app_keycards", 0);
+    Settings().SetBool(L"app_keycard", false);
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    ASSERT_TRUE(RunFrames(application, 90));
+    EXPECT_EQ(application.Keys(), nullptr);
+    EXPECT_EQ(Settings().GetInt(L"app_keycards"), 0);
+    Settings().SetBool(L"app_keycard", true);
+}
+
+TEST_F(WindowPanel, AGameThatGoesOnFromItsAutosaveSaysSo) {
+    using testing::AllOf;
+    using testing::Contains;
+    using testing::HasSubstr;
+    const auto line =
+        AllOf(HasSubstr("latch goes on from its autosave"), HasSubstr("F1, then Reset"));
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    EXPECT_THAT(ProgramNotices().Lines(0), testing::Not(Contains(line))) << "it is new";
+    application.TurnOff();
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
+    EXPECT_THAT(ProgramNotices().Lines(0), Contains(line));
+    EXPECT_THAT(ProgramNotices().Lines(1999999), Contains(line));
+    EXPECT_THAT(ProgramNotices().Lines(2000000), testing::Not(Contains(line))) << "two seconds";
+}
+
+TEST_F(WindowPanel, AGameThatStopsOffersToStartAgain) {
+    MdProgram program;
+    program.PutLong(4, kMdCodeStart + 1); // a program cannot start at an odd address
+    const auto path = folder.Write("gone.md", program.Image());
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, path.string()));
+    ASSERT_TRUE(RunUntil(application, [] { return CGhostMessageBox::Count() != 0; }));
+    EXPECT_FALSE(application.Playing());
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN)); // on Restart
+    ASSERT_TRUE(RunUntil(application, [&] { return application.Playing(); }));
+    ASSERT_TRUE(RunUntil(application, [&] { return !application.Playing(); })) << "and again";
+    ASSERT_TRUE(RunUntil(application, [] { return CGhostMessageBox::Count() != 0; }));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_RIGHT));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN)); // on Quit
+    static_cast<void>(application.Round());
+    EXPECT_FALSE(application.Round());
+}
+
+TEST_F(WindowPanel, WhatKeysChangeOfThePictureStays) {
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    const GAME_VIEW before = application.View();
+    for (const SDL_Scancode key : {SDL_SCANCODE_F3, SDL_SCANCODE_F5, SDL_SCANCODE_F6}) {
+        ASSERT_TRUE(Press(application, key));
+    }
+    application.Stop();
+    Application next;
+    ASSERT_NO_FATAL_FAILURE(Start(next));
+    EXPECT_NE(next.View().crop, before.crop);
+    EXPECT_NE(next.View().linear, before.linear);
+    EXPECT_EQ(next.View().scaler, PictureScaler::kEdge2x);
+    SettingsStore kept;
+    RegisterDefaultSettings(kept);
+    std::string error;
+    ASSERT_TRUE(LoadSettingsFile(kept, error)) << error;
+    EXPECT_FALSE(kept.GetBool(L"emu_crop"));
+    EXPECT_TRUE(kept.GetBool(L"emu_smooth"));
+    EXPECT_EQ(kept.GetInt(L"emu_scaler"), 1);
+}
+
+TEST_F(WindowPanel, AWindowComesBackToWhereItWas) {
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    SDL_SetWindowSize(SDL_GL_GetCurrentWindow(), 500, 400);
+    SDL_SetWindowPosition(SDL_GL_GetCurrentWindow(), 37, 41);
+    ASSERT_TRUE(application.Round());
+    application.Stop();
+    EXPECT_EQ(Settings().GetInt(L"app_window_width"), 500);
+    EXPECT_EQ(Settings().GetInt(L"app_window_height"), 400);
+    EXPECT_EQ(Settings().GetString(L"app_window_place"), L"37 41");
+    const auto placeOf = [&] {
+        int x = 0;
+        int y = 0;
+        SDL_GetWindowPosition(SDL_GL_GetCurrentWindow(), &x, &y);
+        return std::pair(x, y);
+    };
+    Application next;
+    ASSERT_NO_FATAL_FAILURE(Start(next));
+    EXPECT_EQ(placeOf(), std::pair(37, 41));
+    next.Stop();
+    Settings().SetString(L"app_window_place", L"90000 41"); // on a display that has gone
+    Application last;
+    ASSERT_NO_FATAL_FAILURE(Start(last));
+    EXPECT_LT(placeOf().first, 10000);
+}
+
+TEST(IsReachable, AnEdgeToTakeHoldOfMustBeOnADisplay) {
+    const std::vector<DESKTOP_RECT> displays = {
+        {0,    0, 1920, 1080},
+        {1920, 0, 1280, 1024}
+    };
+    EXPECT_TRUE(IsReachable({100, 100, 640, 480}, displays));
+    EXPECT_TRUE(IsReachable({2500, 500, 640, 480}, displays));
+    EXPECT_TRUE(IsReachable({-500, 10, 640, 480}, displays)) << "140 units of it";
+    EXPECT_FALSE(IsReachable({-600, 10, 640, 480}, displays));
+    EXPECT_FALSE(IsReachable({100, -40, 640, 480}, displays)) << "above: no title to drag it by";
+    EXPECT_FALSE(IsReachable({100, 1060, 640, 480}, displays));
+    EXPECT_FALSE(IsReachable({4000, 100, 640, 480}, displays));
+    EXPECT_FALSE(IsReachable({100, 100, 640, 480}, {})) << "no display at all";
 }

@@ -1,10 +1,9 @@
 // The panel over a game that waits: its pages, by keys, clicks and what a controller does.
-#include "screens/game_menu.h"
-
 #include "facts/machine_facts.h"
 #include "gui/drop_list.h"
 #include "gui/slider.h"
 #include "gui/window_ex.h"
+#include "screens/game_menu.h"
 #include "screens/key_line.h"
 #include "screens/screen_picture.h"
 #include "screens/screens_rig.h"
@@ -132,7 +131,8 @@ TEST_F(GameMenuPages, TheCardNamesTheKeysAsTheyAreBound) {
                          {L"select", L"Right Shift"},
                          {L"A",      L"Z"          },
                          {L"start",  L"Return"     }
-    })) << "a button without a key is left out";
+    }))
+        << "a button without a key is left out";
     RegisterDefaultSettings(Settings());
     Settings().SetInt2(L"INPUT NES P1 BUTTONA", 22, 0);
     Settings().SetInt2(L"INPUT NES P1 BUTTONB", 4, 0);
@@ -210,8 +210,12 @@ TEST_F(GameMenuPages, GoingBackLeavesAPageFirst) {
 }
 
 TEST_F(GameMenuPages, EveryControlIsReachedAndFitsOnEveryScreen) {
-    for (const auto& [width, height] :
-         {std::pair{640, 480}, std::pair{1280, 720}, std::pair{1920, 1080}, std::pair{800, 1280}}) {
+    for (const auto& [width, height] : {
+             std::pair{640,  480 },
+             std::pair{1280, 720 },
+             std::pair{1920, 1080},
+             std::pair{800,  1280}
+    }) {
         Manager().SetScreen(width, height);
         for (const MenuPage page : {MenuPage::kControls, MenuPage::kPicture, MenuPage::kSound}) {
             ASSERT_NE(Open(kSystemMegaDrive, true), nullptr);

@@ -1,5 +1,4 @@
 #include "front/tools/bare_games.h"
-
 #include "front/tools/run_ombrelune.h"
 
 #include "support/temporary_folder.h"
@@ -54,7 +53,8 @@ TEST(BareGames, ACommandStaysOneAndItsFileHasASlash) {
 TEST(BareGames, NothingAndAFolderAreToldInOneSentence) {
     const TemporaryFolder folder;
     const std::string game = folder.Write("a.sms", std::string_view("x")).string();
-    EXPECT_THAT(Implied({"nonsense"}), ElementsAre(HasSubstr("no command and no file \"nonsense\"")));
+    EXPECT_THAT(Implied({"nonsense"}),
+                ElementsAre(HasSubstr("no command and no file \"nonsense\"")));
     EXPECT_THAT(Implied({game, "gone.nes"}), ElementsAre(HasSubstr("\"gone.nes\"")));
     EXPECT_THAT(Implied({folder.Path().string()}), ElementsAre(HasSubstr("is a folder")));
     const TemporaryFolder home;

@@ -57,6 +57,7 @@ struct EMU_THREAD {
     std::string gameName;       // as the caller gave it
     std::string archivePath;    // in the program's path notation, lower case
     std::string stateEntryName; // twelve hexadecimal digits, lower case
+    bool fromAutosave = false;  // it goes on from what an earlier session has saved
     uint32_t frameWidth = 0;    // copies of the machine's
     uint32_t frameHeight = 0;
 

@@ -9,7 +9,6 @@
 #include "nes/apu_tick.h"
 #include "nes/m6502_tick.h"
 #include "nes/nes_bus.h"
-#include "nes/ppu_plain.h"
 #include "nes/ppu_private.h"
 #include "nes/ppu_run.h"
 #include "nes/ppu_tick.h"
@@ -21,15 +20,6 @@ namespace {
 constexpr uint32_t kDotsPerCycle = 3;
 
 // One cycle of all chips but the CPU.
-void TickChipsPlain(NES_CONSOLE& nes) {
-    BoardCpuClock(nes.cartridge);
-    for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
-        PpuPlainTick(nes.ppu);
-    }
-    ApuTick(nes.apu);
-}
-
-// The same for the fast loop: pixels and sprite evaluation may be owed.
 void TickChips(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
@@ -42,7 +32,7 @@ void RunFramePlain(NES_CONSOLE& nes) {
     NES_BUS bus{nes};
     while (!nes.ppu.frameDone) {
         M6502Sample(nes.cpu);
-        TickChipsPlain(nes);
+        TickChips(nes);
         M6502Cycle(nes.cpu, bus);
     }
 }
@@ -96,8 +86,8 @@ struct NES_CATCH_UP_BUS {
 
     void FindEvent() {
         uint32_t dots = PpuDotsToEvent(bus.nes.ppu);
-        if (bus.nes.cartridge.quietDots != nullptr) {
-            dots = std::min(dots, bus.nes.cartridge.quietDots(bus.nes.cartridge) + 1);
+        if (const auto rises = bus.nes.cartridge.risesToInterrupt; rises != nullptr) {
+            dots = std::min(dots, PpuDotsToRise(bus.nes.ppu, rises(bus.nes.cartridge)));
         }
         cyclesToEvent =
             std::min((dots + kDotsPerCycle - 1) / kDotsPerCycle, ApuCyclesToEvent(bus.nes.apu));
@@ -258,6 +248,6 @@ void NesStall(NES_CONSOLE& nes) {
     const uint32_t cycles = nes.apu.stallCycles - 1;
     nes.apu.stallCycles = 0;
     for (uint32_t i = 0; i < cycles; ++i) {
-        nes.plainLoop ? TickChipsPlain(nes) : TickChips(nes);
+        TickChips(nes);
     }
 }

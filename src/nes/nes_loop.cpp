@@ -77,13 +77,6 @@ struct NES_CATCH_UP_BUS {
         FindEvent();
     }
 
-    // The same for PPUSTATUS: cycles from now on in which its flags stay as they are.
-    [[nodiscard]] uint32_t CyclesOfSameStatus() const {
-        const uint32_t dots = PpuDotsOfSameStatus(bus.nes.ppu);
-        const uint32_t cycles = dots != 0 ? (dots - 1) / kDotsPerCycle : 0;
-        return cycles - std::min(cycles, owed);
-    }
-
     void FindEvent() {
         uint32_t dots = PpuDotsToEvent(bus.nes.ppu);
         if (const auto rises = bus.nes.cartridge.risesToInterrupt; rises != nullptr) {
@@ -147,16 +140,18 @@ private:
         last = cpu;
     }
 
-    // 0 if a flag has changed since it was read. A line in which one may change is looked at only once.
+    // 0 if a flag has changed since it was read. They are counted from the last read, as each round has its last read
+    // at the same place. A line in which a flag may change is looked at only once.
     uint32_t CyclesOfSameStatus(const NES_CATCH_UP_BUS& bus) {
         if (bus.statusReads == statusReads) {
             return bus.cyclesToEvent;
         }
-        const int32_t line = bus.bus.nes.ppu.line;
-        if (line == busyLine || !PpuStatusReadIsIdle(bus.bus.nes.ppu)) {
+        const PPU& ppu = bus.bus.nes.ppu;
+        const int32_t line = ppu.line;
+        if (line == busyLine || !PpuStatusReadIsIdle(ppu)) {
             return 0;
         }
-        const uint32_t cycles = bus.CyclesOfSameStatus();
+        const uint32_t cycles = PpuDotsOfSameStatus(ppu) / kDotsPerCycle;
         busyLine = cycles == 0 ? line : kNoLine;
         return cycles;
     }

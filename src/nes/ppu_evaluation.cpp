@@ -152,8 +152,7 @@ uint32_t PpuDotsOfSameStatus(const PPU& ppu) {
     }
     const bool mayHit = (ppu.status & kPpuStatusSpriteZeroHit) == 0;
     const bool mayOverflow = (ppu.status & kPpuStatusSpriteOverflow) == 0;
-    if ((mayHit && (ppu.zeroNote || ppu.foundZero)) ||
-        (mayOverflow && ppu.evaluation == kPpuFindOverflow)) {
+    if (mayHit && (ppu.zeroNote || ppu.foundZero)) {
         return 0;
     }
     const RangeChanges changes = ChangesOfRange(ppu);

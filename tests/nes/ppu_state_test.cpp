@@ -331,6 +331,33 @@ TEST(PpuCatchUp, WithoutAPictureTheChipBehavesTheSame) {
     EXPECT_EQ(unseen.pixels, std::vector<uint32_t>(size_t{kPpuWidth} * kPpuHeight));
 }
 
+// At any dot, most of all around those in which the vblank flag comes, and after any accesses.
+TEST(PpuStatusRead, IsIdleIfItChangesNothing) {
+    std::mt19937 random(3);
+    PpuRig rig;
+    Randomize(rig, 3);
+    uint32_t idle = 0;
+    constexpr uint32_t kTrials = 6000;
+    for (uint32_t trial = 0; trial < kTrials; ++trial) {
+        switch (random() % 8) {
+        case 0: rig.RunTo(240, 339); break;
+        case 1: rig.RunTo(-1, 0); break;
+        case 2: rig.Write(0, RandomByte(random)); break;
+        case 3: rig.Write(random() % 2 == 0 ? 2 : 5, RandomByte(random)); break;
+        case 4: rig.Dots(300); break;
+        default: rig.Dots(static_cast<uint32_t>(random() % 4)); break;
+        }
+        const bool isIdle = PpuStatusReadIsIdle(*rig.ppu);
+        const std::vector<uint8_t> state = Save(*rig.ppu);
+        const uint32_t nmi = rig.nmi;
+        (void)rig.Read(2);
+        ASSERT_EQ(isIdle, state == Save(*rig.ppu) && nmi == rig.nmi) << trial;
+        idle += isIdle ? 1U : 0U;
+    }
+    EXPECT_GT(idle, kTrials / 10);
+    EXPECT_LT(idle, kTrials / 10 * 9);
+}
+
 // Spans of any length with register accesses between them, with each kind of board.
 TEST(PpuRun, DoesTheSameAsSingleDots) {
     for (uint32_t seed = 0; seed < 24; ++seed) {

@@ -245,7 +245,7 @@ private:
 
     // For the frame flag, the overflow flag or a collision; the last two may not come in a frame.
     void WaitForStatus() {
-        program.Bytes({0xF3, 0xDB, ports.videoPorts.back() + 1});
+        program.Bytes({0xF3, 0xDB, OneOf(ports.videoPorts) + 1});
         if (Below(2) == 0) {
             program.Bytes({0x07, 0x30, 0xFB}); // RLCA; JR NC
         } else {

@@ -42,9 +42,10 @@ struct NES_CATCH_UP_BUS {
     NES_BUS bus;
     uint32_t owed = 0;          // cycles that have passed, and that PPU and APU have not run
     uint32_t cyclesToEvent = 0; // from the last cycle that they have run to the next possible event
-    uint32_t effects =
-        0; // accesses that change something, or read what changes by itself, wrapping
-    uint32_t statusReads = 0; // of PPUSTATUS that changed nothing; they are no effects, wrapping
+    // Accesses that change something, or read what changes by itself; wrapping.
+    uint32_t effects = 0;
+    // Reads of PPUSTATUS that changed nothing, which are no effects; wrapping.
+    uint32_t statusReads = 0;
 
     uint8_t Read(uint16_t address) {
         const bool isMemory = address < nes_bus::kPpuStart || address >= nes_bus::kCartridgeStart;
@@ -164,6 +165,7 @@ private:
     int32_t busyLine = kNoLine;
 };
 
+// Runs instruction by instruction, as a round of an idle loop ends with one.
 // The board's CPU clock runs in every cycle: it doesn't depend on the PPU. Only board 73 has one (`boardClock`);
 // the others save the call, and their idle loops can be skipped.
 template <bool boardClock>

@@ -11,6 +11,7 @@
 #include "front/notices.h"
 #include "front/opened_game.h"
 #include "front/own_games.h"
+#include "front/picture_view.h"
 #include "front/processor_binder.h"
 #include "front/program_screen.h"
 #include "front/program_title.h"
@@ -125,6 +126,7 @@ bool Application::StartDrawing(std::string& error) {
     if (!GlStart(error)) {
         return false;
     }
+    televisions.StartGraphics(LoadGlFunctions(SDL_GL_GetProcAddress));
     if (!overlay.Start()) {
         PostReport("the graphics driver has no memory for text; messages appear only here");
     }
@@ -256,7 +258,9 @@ void Application::PlayDroppedFiles(const PUMP_EVENTS& events) {
 
 bool Application::UpdateScreen(const PUMP_EVENTS& events) {
     const bool screenNews = screen->Update({events, pump.Mouse(), Target(), Now()});
-    const bool pictureNews = televisions.Upload(InputActiveKey(), view.scaler);
+    const bool asCrt = CrtStrength() > 0.0f;
+    const bool pictureNews = televisions.Upload(
+        InputActiveKey(), asCrt ? PictureScaler::kNone : view.scaler, asCrt);
     return screenNews || pictureNews;
 }
 

@@ -1,6 +1,7 @@
 #include "front/televisions.h"
 
 #include "base/bytes.h"
+#include "front/notices.h"
 #include "host/host_data.h"
 #include "host/picture.h"
 #include "host/session.h"
@@ -26,16 +27,24 @@ void Televisions::TakePictures() {
         set.pixels.assign(frame->pixels, frame->pixels + pixels);
         set.taken.pixels = set.pixels.data();
         set.takenSerial = session.serial;
+        set.system = session.system;
         set.isNew = true;
     });
 }
 
-bool Televisions::UploadTaken(uint32_t activeKey, PictureScaler scaler) {
+// A picture that stands still gets what the player has just chosen as well.
+bool Televisions::NeedsUpload(const TELEVISION& set, PictureScaler scaler, bool glows) {
+    const bool stands = set.picture.texture.glTexture != 0 && set.serial == set.takenSerial;
+    return set.isNew || (stands && (set.scaler != scaler || set.picture.glows != glows));
+}
+
+bool Televisions::UploadTaken(uint32_t activeKey, PictureScaler scaler, bool glows) {
     bool news = GiveUpAllBut(running);
     for (auto& [key, set] : sets) {
-        if (!set.isNew) {
+        if (!NeedsUpload(set, scaler, glows)) {
             continue;
         }
+        const bool isNew = set.isNew;
         set.isNew = false;
         if (set.serial != set.takenSerial) {
             // Another game on the same television, perhaps of a machine with larger pictures.
@@ -44,11 +53,13 @@ bool Televisions::UploadTaken(uint32_t activeKey, PictureScaler scaler) {
             set.serial = set.takenSerial;
         }
         set.picture.inRoom = inRoom;
+        set.picture.glows = glows;
+        set.scaler = scaler;
         if (!UploadPicture(set.taken, set.picture, scaler)) {
             continue;
         }
         news = news || inRoom || key == activeKey;
-        if (key == activeKey) {
+        if (key == activeKey && isNew) {
             NoteActivePicture(set.taken);
         }
     }
@@ -79,7 +90,15 @@ bool Televisions::GiveUpAllBut(const std::vector<uint32_t>& keys) {
     return gone;
 }
 
+void Televisions::StartGraphics(const GL_FUNCTIONS& gl) {
+    std::string error;
+    if (!painter.Start(gl, error) && !error.empty()) {
+        PostReport(error);
+    }
+}
+
 void Televisions::LoseGraphics() {
+    painter.Release();
     for (auto& [key, set] : sets) {
         EndSessionPicture(set.picture); // its light shines on
         set.isNew = true;
@@ -88,6 +107,12 @@ void Televisions::LoseGraphics() {
 
 void Televisions::End() {
     static_cast<void>(GiveUpAllBut({}));
+    painter.Release();
+}
+
+uint32_t Televisions::SystemOf(uint32_t key) const {
+    const auto found = sets.find(key);
+    return found != sets.end() ? found->second.system : 0;
 }
 
 const SESSION_PICTURE& Televisions::Picture(uint32_t key) const {

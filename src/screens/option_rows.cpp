@@ -3,6 +3,7 @@
 #include "settings/settings.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace {
 
@@ -21,6 +22,14 @@ constexpr OPTION_CHOICE kCoreManagers[] = {
 constexpr OPTION_CHOICE kScreenshots[] = {
     {L"Content",           0},
     {L"Content & Borders", 1},
+};
+constexpr OPTION_CHOICE kShotParts[] = {
+    {L"Game's Picture", 0},
+    {L"Window as Shown", 1},
+};
+constexpr OPTION_CHOICE kShotFiles[] = {
+    {L"PNG", 0},
+    {L"BMP", 1},
 };
 constexpr OPTION_CHOICE kSpeeds[] = {
     {L"2x",  2 },
@@ -60,8 +69,27 @@ constexpr OPTION_CHOICE kSoundQualities[] = {
     {L"Holy Shit!", 2},
 };
 
+constexpr OPTION_CHOICE kScales[] = {
+    {L"Whole Multiples", 1},
+    {L"As Large as Fits", 0},
+};
+constexpr OPTION_CHOICE kAspects[] = {
+    {L"As the Machine Says", 0},
+    {L"4:3",                 1},
+    {L"Square Dots",         2},
+};
+// The same on both sides of a direction: others are set in config.xml and with --overscan.
+constexpr OPTION_CHOICE kOverscans[] = {
+    {L"Nothing",               0, 0},
+    {L"8 Dots Above, Below",   8, 0},
+    {L"8 Dots at the Sides",   0, 8},
+    {L"8 Dots at Each Edge",   8, 8},
+    {L"16 Dots at Each Edge", 16, 16},
+};
+
 constexpr OPTION_SLIDER kNoSlider{nullptr, 0.0f, 0.0f};
 constexpr OPTION_SLIDER kVolume{L"PROGRESSBAR_VOLUME", 0.0f, 1.0f};
+constexpr OPTION_SLIDER kStrength{L"PROGRESSBAR", 0.0f, 1.0f};
 constexpr OPTION_SLIDER kBoost{L"PROGRESSBAR", 0.0f, 2.0f};
 
 constexpr OPTION_ROW Switch(OptionTab tab, const wchar_t* label, const wchar_t* setting,
@@ -79,9 +107,15 @@ constexpr OPTION_ROW Number(OptionTab tab, const wchar_t* label, const wchar_t* 
 }
 
 constexpr OPTION_ROW Slider(const wchar_t* label, const wchar_t* setting,
-                            const OPTION_SLIDER& slider, const wchar_t* help) {
-    return {OptionTab::kSound,     label, OptionKind::kSlider, setting, nullptr, {}, L"", slider,
+                            const OPTION_SLIDER& slider, const wchar_t* help,
+                            OptionTab tab = OptionTab::kSound) {
+    return {tab, label, OptionKind::kSlider, setting, nullptr, {}, L"", slider,
             OptionEffect::kAtOnce, help};
+}
+
+constexpr OPTION_ROW Overscan(const wchar_t* label, const wchar_t* setting, const wchar_t* help) {
+    return {OptionTab::kPicture, label, OptionKind::kOverscan, setting, nullptr, kOverscans, L"",
+            kNoSlider, OptionEffect::kAtOnce, help};
 }
 
 using enum OptionTab;
@@ -96,6 +130,10 @@ constexpr OPTION_ROW kRows[] = {
     Switch(kGeneral, L"Screenshots:", L"app_screenshotfull", kScreenshots, kAtOnce,
            L"Whether a screenshot shows only the game's picture or also the border that a "
            L"television hides."),
+    Switch(kGeneral, L"Screenshots Show:", L"app_screenshotwindow", kShotParts, kAtOnce,
+           L"Whether a screenshot holds the dots of the machine or the window with everything in it."),
+    Switch(kGeneral, L"Screenshot Files:", L"app_screenshotbmp", kShotFiles, kAtOnce,
+           L"The kind of a screenshot's file: only PNG notes the game, its machine and the time."),
     Number(kGeneral, L"Fast Forward:", L"emu_fastforward", kSpeeds, L"x", kNextGame,
            L"How many times faster a game runs while you hold the key of Fast Forward."),
     Number(kGeneral, L"Rewind Buffer:", L"emu_rewindbuffer", kRewindBuffers, L"MB", kAtOnce,
@@ -119,6 +157,28 @@ constexpr OPTION_ROW kRows[] = {
     Switch(kGraphics, L"Emulator 3D Filter:", L"emu_gameroomfilter", kEnabledDisabled, kAtOnce,
            L"Smooths the pictures of televisions that are far away in the room."),
 
+    Switch(kPicture, L"In a Window:", L"video_integer_window", kScales, kAtOnce,
+           L"Whether every row of a game's picture is as many whole pixels high as all others, with a border "
+           L"around it, or the picture fills the window."),
+    Switch(kPicture, L"In Full Screen:", L"video_integer_full", kScales, kAtOnce,
+           L"The same while Ombrelune fills the whole display."),
+    Number(kPicture, L"Shape:", L"video_aspect", kAspects, L"", kAtOnce,
+           L"How wide the picture of a game is: as its machine's was on a television, 4:3, or with dots "
+           L"that are as wide as high."),
+    Slider(L"CRT:", L"video_crt", kStrength,
+           L"How strongly a game over the whole window looks as on a picture tube, in percent; 0 is plain.",
+           kPicture),
+    Overscan(L"Cut off, Master System:", L"sms_overscan_left",
+             L"What is cut off at the edges of the Master System's picture, as a television hides it."),
+    Overscan(L"Cut off, Game Gear:", L"gamegear_overscan_left",
+             L"What is cut off at the edges of the Game Gear's picture, which its own screen shows whole."),
+    Overscan(L"Cut off, Mega Drive:", L"megadrive_overscan_left",
+             L"What is cut off at the edges of the Mega Drive's picture, as a television hides it."),
+    Overscan(L"Cut off, NES:", L"nes_overscan_left",
+             L"What is cut off at the edges of the NES's picture: many games leave garbage in the outermost 8 dots."),
+    Overscan(L"Cut off, System E:", L"arcade_overscan_left",
+             L"What is cut off at the edges of the arcade board's picture, which its own screen shows whole."),
+
     Number(kSound, L"Sample Rate:", L"audio_app_samplerate", kSampleRates, L"", kRestart,
            L"How many samples of sound go to your sound card each second; most cards run at "
            L"48000."),
@@ -139,8 +199,34 @@ constexpr OPTION_ROW kRows[] = {
 struct STORED {
     int32_t value;
     int32_t second;
+    bool even = true; // an overscan with two equal edges in each direction
     bool operator==(const STORED&) const = default;
 };
+
+struct EDGES {
+    int32_t left;
+    int32_t top;
+    int32_t right;
+    int32_t bottom;
+};
+
+std::wstring EdgeName(const OPTION_ROW& row, const wchar_t* edge) {
+    std::wstring name = row.setting;
+    name.resize(name.size() - std::wstring_view(L"left").size());
+    return name + edge;
+}
+
+EDGES StoredEdges(const OPTION_ROW& row) {
+    const auto edge = [&](const wchar_t* name) { return Settings().GetInt(EdgeName(row, name)); };
+    return {edge(L"left"), edge(L"top"), edge(L"right"), edge(L"bottom")};
+}
+
+void StoreEdges(const OPTION_ROW& row, const EDGES& edges) {
+    Settings().SetInt(EdgeName(row, L"left"), edges.left);
+    Settings().SetInt(EdgeName(row, L"top"), edges.top);
+    Settings().SetInt(EdgeName(row, L"right"), edges.right);
+    Settings().SetInt(EdgeName(row, L"bottom"), edges.bottom);
+}
 
 STORED Stored(const OPTION_ROW& row) {
     const SettingsStore& settings = Settings();
@@ -148,6 +234,10 @@ STORED Stored(const OPTION_ROW& row) {
     case OptionKind::kSwitch: return {settings.GetBool(row.setting) ? 1 : 0, 0};
     case OptionKind::kWindowSize:
         return {settings.GetInt(row.setting), settings.GetInt(row.secondSetting)};
+    case OptionKind::kOverscan: {
+        const EDGES edges = StoredEdges(row);
+        return {edges.top, edges.left, edges.top == edges.bottom && edges.left == edges.right};
+    }
     default: return {settings.GetInt(row.setting), 0};
     }
 }
@@ -171,7 +261,12 @@ std::wstring StoredText(const OPTION_ROW& row) {
     if (const int32_t choice = StoredChoice(row); choice >= 0) {
         return row.choices[static_cast<size_t>(choice)].text;
     }
-    const auto [value, second] = Stored(row);
+    if (row.kind == OptionKind::kOverscan) {
+        const EDGES edges = StoredEdges(row);
+        return std::to_wstring(edges.left) + L", " + std::to_wstring(edges.top) + L", " +
+               std::to_wstring(edges.right) + L", " + std::to_wstring(edges.bottom);
+    }
+    const auto [value, second, even] = Stored(row);
     return row.kind == OptionKind::kWindowSize
                ? std::to_wstring(value) + L"x" + std::to_wstring(second)
                : std::to_wstring(value) + row.unit;
@@ -189,6 +284,9 @@ bool StoreChoice(const OPTION_ROW& row, int32_t choice) {
     case OptionKind::kWindowSize:
         settings.SetInt(row.setting, chosen.value);
         settings.SetInt(row.secondSetting, chosen.second);
+        break;
+    case OptionKind::kOverscan:
+        StoreEdges(row, {chosen.second, chosen.value, chosen.second, chosen.value});
         break;
     default: settings.SetInt(row.setting, chosen.value); break;
     }

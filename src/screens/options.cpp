@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr const wchar_t* kTabNames[kOptionTabs] = {L"General", L"Graphics", L"Sound", L"Input"};
+constexpr const wchar_t* kTabNames[kOptionTabs] = {L"General", L"Graphics", L"Picture", L"Sound", L"Input"};
 constexpr const wchar_t* kNotice = L"Some of these settings require a restart to become active";
 constexpr float kPercent = 100.0f;
 
@@ -27,9 +27,9 @@ constexpr int32_t kPageTop = 84;
 constexpr int32_t kPageWide = 864;
 constexpr int32_t kPageFoot = 20; // below the pages, which are as high as they can be
 constexpr int32_t kRowTop = 28;
-constexpr int32_t kRowPitch = 50;
+constexpr int32_t kRowPitch = 41;
 constexpr int32_t kNoticeFoot = 36; // from the lower edge of a page to the top of the notice
-constexpr int32_t kMostRows = 7;
+constexpr int32_t kMostRows = 9;
 constexpr int32_t kHelpTop = kRowTop + kMostRows * kRowPitch + 16;
 constexpr int32_t kHelpHigh = 60;
 constexpr int32_t kLabelWide = 260;
@@ -69,7 +69,7 @@ CGUIOptions::CGUIOptions(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program)
         notices[Index(tab)] =
             new CGhostTextBox(pages[Index(tab)]->window, 0, L"TEXT_CENTER", kNotice, {});
     }
-    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
+    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kPicture, OptionTab::kSound}) {
         helps[Index(tab)] =
             new CGhostMultiText(pages[Index(tab)]->window, 0, L"OPTIONHELP", {}, {});
     }
@@ -137,7 +137,7 @@ void CGUIOptions::Layout(int32_t width, int32_t height) {
     }
     const int32_t left = (width - kPageWide) / 2;
     const int32_t high = height - kPageTop - kPageFoot;
-    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
+    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kPicture, OptionTab::kSound}) {
         CGhostWindowEx* const page = pages[Index(tab)];
         page->SetPos(left, kPageTop, kPageWide, high);
         LayoutRows(tab, page->window->clientRect.width, page->window->clientRect.height);

@@ -47,10 +47,16 @@ struct EXPECTED_ROW {
 TEST_F(Options, HasEveryRowInItsOrderAndWithItsValues) {
     using enum OptionTab;
     const std::vector<std::wstring> onOff = {L"Enabled", L"Disabled"};
+    const std::vector<std::wstring> scales = {L"Whole Multiples", L"As Large as Fits"};
+    const std::vector<std::wstring> cuts = {L"Nothing", L"8 Dots Above, Below",
+                                            L"8 Dots at the Sides", L"8 Dots at Each Edge",
+                                            L"16 Dots at Each Edge"};
     const std::vector<EXPECTED_ROW> expected = {
         {kGeneral,  L"Start Emulated Video:",  L"emu_startfullscreen",      {L"3D TV", L"Fullscreen"}             },
         {kGeneral,  L"Manage CPU Cores:",      L"app_managecpucores",       {L"System", L"Ombrelune"}             },
         {kGeneral,  L"Screenshots:",           L"app_screenshotfull",       {L"Content", L"Content & Borders"}    },
+        {kGeneral,  L"Screenshots Show:",      L"app_screenshotwindow",     {L"Game's Picture", L"Window as Shown"}},
+        {kGeneral,  L"Screenshot Files:",      L"app_screenshotbmp",        {L"PNG", L"BMP"}                      },
         {kGeneral,
          L"Fast Forward:",                     L"emu_fastforward",
          {L"2x", L"3x", L"4x", L"6x", L"8x", L"10x"}                                                              },
@@ -66,6 +72,17 @@ TEST_F(Options, HasEveryRowInItsOrderAndWithItsValues) {
         {kGraphics, L"Anisotropic Filtering:", L"app_anisotropicfiltering", onOff                                 },
         {kGraphics, L"VSYNC:",                 L"app_vsync",                onOff                                 },
         {kGraphics, L"Emulator 3D Filter:",    L"emu_gameroomfilter",       onOff                                 },
+        {kPicture,  L"In a Window:",           L"video_integer_window",     scales                                },
+        {kPicture,  L"In Full Screen:",        L"video_integer_full",       scales                                },
+        {kPicture,
+         L"Shape:",                            L"video_aspect",
+         {L"As the Machine Says", L"4:3", L"Square Dots"}                                                         },
+        {kPicture,  L"CRT:",                   L"video_crt",                {}                                    },
+        {kPicture,  L"Cut off, Master System:", L"sms_overscan_left",       cuts                                  },
+        {kPicture,  L"Cut off, Game Gear:",    L"gamegear_overscan_left",   cuts                                  },
+        {kPicture,  L"Cut off, Mega Drive:",   L"megadrive_overscan_left",  cuts                                  },
+        {kPicture,  L"Cut off, NES:",          L"nes_overscan_left",        cuts                                  },
+        {kPicture,  L"Cut off, System E:",     L"arcade_overscan_left",     cuts                                  },
         {kSound,
          L"Sample Rate:",                      L"audio_app_samplerate",
          {L"22050", L"44100", L"48000", L"96000", L"192000"}                                                      },
@@ -123,6 +140,24 @@ TEST_F(Options, ShowTheStoredValues) {
     EXPECT_EQ(Shown().ListOf(L"emu_rewindbuffer")->Caption(), L"256MB");
     EXPECT_FLOAT_EQ(Shown().SliderOf(L"audio_volume")->Value(), 0.5f);
     EXPECT_FLOAT_EQ(Shown().SliderOf(L"audio_boost_low")->Value(), 1.25f / 2.0f);
+}
+
+TEST_F(Options, OverscanIsFourSettings) {
+    Settings().SetInt(L"nes_overscan_top", 8);
+    Settings().SetInt(L"nes_overscan_bottom", 8);
+    Settings().SetInt(L"sms_overscan_left", 8);
+    Settings().SetInt(L"sms_overscan_right", 3);
+    OpenOptions();
+    EXPECT_EQ(Shown().ListOf(L"nes_overscan_left")->Caption(), L"8 Dots Above, Below");
+    EXPECT_EQ(Shown().ListOf(L"sms_overscan_left")->Caption(), L"8, 0, 3, 0") << "no choice's";
+    EXPECT_EQ(Shown().ListOf(L"megadrive_overscan_left")->Caption(), L"Nothing");
+    Click(Shown().TabButton(OptionTab::kPicture));
+    Choose(L"megadrive_overscan_left", L"8 Dots at the Sides");
+    Back();
+    EXPECT_EQ(Settings().GetInt(L"megadrive_overscan_left"), 8);
+    EXPECT_EQ(Settings().GetInt(L"megadrive_overscan_right"), 8);
+    EXPECT_EQ(Settings().GetInt(L"megadrive_overscan_top"), 0);
+    EXPECT_EQ(Settings().GetInt(L"sms_overscan_right"), 3) << "kept";
 }
 
 TEST_F(Options, AreWrittenWhenTheScreenClosesAndNotBefore) {
@@ -267,8 +302,8 @@ TEST_F(Options, ATabIsChosenByKeysAndByAController) {
     Manager().ActivateFocus();
     Tick();
     Round();
-    EXPECT_EQ(Shown().ShownTab(), OptionTab::kSound);
-    EXPECT_TRUE(Shown().TabButton(OptionTab::kSound)->IsDown());
+    EXPECT_EQ(Shown().ShownTab(), OptionTab::kPicture);
+    EXPECT_TRUE(Shown().TabButton(OptionTab::kPicture)->IsDown());
     EXPECT_FALSE(Shown().TabButton(OptionTab::kGraphics)->IsDown());
 }
 

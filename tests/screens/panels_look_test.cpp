@@ -33,7 +33,8 @@ TEST_F(PanelsLook, EveryPanelIsTidyOnEveryDisplay) {
         Make(display.width, display.height);
         Open(kPanelOptions);
         for (const OptionTab tab :
-             {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound, OptionTab::kInput}) {
+             {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kPicture, OptionTab::kSound,
+              OptionTab::kInput}) {
             Click(Shown<CGUIOptions>().TabButton(tab));
             ExpectTidyMenu("options" + std::to_string(static_cast<int>(tab)), display);
         }

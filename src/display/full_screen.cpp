@@ -132,7 +132,8 @@ SCREEN_QUAD PlaceFullScreen(const SESSION_PICTURE& session, const FULL_SCREEN_VI
     const SHOWN_AREA area = ShownArea(session, view);
     PLACE_SIZE size = LargestPlace(area.aspect, screenWidth, screenHeight);
     if (view.wholeMultiples) {
-        size = WholeMultiple(size, area.aspect, area.height / std::max(session.factor, 1U), screenWidth);
+        size = WholeMultiple(size, area.aspect, area.height / std::max(session.factor, 1U),
+                             screenWidth);
     }
     SCREEN_QUAD quad{};
     quad.width = size.width;

@@ -9,7 +9,7 @@
 
 // The shape that a picture is shown in. The values are those of the display setting.
 enum class PictureAspect : uint8_t {
-    kMachine = 0,    // as the machine's picture says
+    kMachine = 0,     // as the machine's picture says
     kFourByThree = 1, // as most televisions; each of several pictures side by side is of that shape
     kSquareDots = 2,
 };
@@ -25,11 +25,11 @@ struct PICTURE_CUT {
 };
 
 struct FULL_SCREEN_VIEW {
-    bool crop = false;   // the active window alone
-    bool linear = false; // linear filtering, else hard pixels
+    bool crop = false;           // the active window alone
+    bool linear = false;         // linear filtering, else hard pixels
     bool wholeMultiples = false; // as many screen pixels high for every row of dots
     PictureAspect aspect = PictureAspect::kMachine;
-    PICTURE_CUT cut{};      // of the active window; nothing of the whole picture
+    PICTURE_CUT cut{};        // of the active window; nothing of the whole picture
     float crtStrength = 0.0f; // 0 to 1 (picture_painter.h)
 
     bool operator==(const FULL_SCREEN_VIEW&) const = default;

@@ -15,8 +15,7 @@ std::array<float, 256> MakeLinearLight() {
     std::array<float, 256> table{};
     for (size_t i = 0; i < table.size(); ++i) {
         const double code = static_cast<double>(i) / 255;
-        const double light =
-            code <= 0.04045 ? code / 12.92 : std::pow((code + 0.055) / 1.055, 2.4);
+        const double light = code <= 0.04045 ? code / 12.92 : std::pow((code + 0.055) / 1.055, 2.4);
         table[i] = static_cast<float>(light);
     }
     return table;
@@ -53,8 +52,8 @@ void BlurLine(LIGHT* cells, uint32_t count, size_t step, std::vector<LIGHT>& lin
         for (int k = -kReach; k <= kReach; ++k) {
             const int at = std::clamp(static_cast<int>(i) + k, 0, static_cast<int>(count) - 1);
             for (size_t channel = 0; channel < sum.size(); ++channel) {
-                sum[channel] += line[static_cast<size_t>(at)][channel] *
-                                kBlur[static_cast<size_t>(k + kReach)];
+                sum[channel] +=
+                    line[static_cast<size_t>(at)][channel] * kBlur[static_cast<size_t>(k + kReach)];
             }
         }
         cells[i * step] = sum;

@@ -106,8 +106,7 @@ void PicturePainter::Draw(const SESSION_PICTURE& session, const FULL_SCREEN_VIEW
         return;
     }
     const bool enlarges = DotsAcross(quad) <= 1.0f && DotsDown(quad) <= 1.0f;
-    const bool asCrt =
-        view.crtStrength > 0.0f && crt != 0 && session.factor == 1 && enlarges;
+    const bool asCrt = view.crtStrength > 0.0f && crt != 0 && session.factor == 1 && enlarges;
     const GLuint program = asCrt ? crt : EvenProgram(quad);
     if (!asCrt && (view.linear || IsWholeMultiple(quad) || program == 0)) {
         FULL_SCREEN_VIEW plain = view;
@@ -168,8 +167,8 @@ void PicturePainter::WriteCrt(const SESSION_PICTURE& session, const SCREEN_QUAD&
     Write(crt, "beam",
           {BeamReach(kNarrowestBeam, rows), BeamReach(kWidestBeam, rows), kCrtLight, 0.0f});
     const CRT_MASK mask = CrtMask(quad.height);
-    Write(crt, "mask",
-          {static_cast<float>(mask.stripe), static_cast<float>(mask.slot), kStripeDepth,
-           kSlotDepth});
+    Write(
+        crt, "mask",
+        {static_cast<float>(mask.stripe), static_cast<float>(mask.slot), kStripeDepth, kSlotDepth});
     Write(crt, "strength", {strength, 0.0f, 0.0f, 0.0f});
 }

@@ -62,8 +62,8 @@ void UploadGlow(const EMU_VIDEO_FRAME& picture, SESSION_PICTURE& session) {
     }
     const PICTURE_GLOW glow = GlowOfPicture(picture.pixels, picture.width, picture.height);
     if (MakeTexture(session.glow, glow.width, glow.height, false)) {
-        static_cast<void>(UploadTexture(session.glow, glow.cells.data(), glow.width, glow.height,
-                                        glow.width));
+        static_cast<void>(
+            UploadTexture(session.glow, glow.cells.data(), glow.width, glow.height, glow.width));
     }
 }
 

@@ -23,6 +23,7 @@
 #include "front/session_callbacks.h"
 #include "gui/manager.h"
 #include "host/battery_file.h"
+#include "host/frame_loop.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
@@ -85,6 +86,8 @@ bool Application::Start(std::string& error) {
     }
     sound.Start(Now());
     InstallSessionCallbacks();
+    EmuShowSpeedGlyphs(false);
+    HostSetWindowShotSink(WindowShots::Ask);
     saveKeeper = std::make_unique<SaveKeeper>();
     InputSetActiveKey(kFrontTelevision);
     ShowGame();
@@ -139,6 +142,7 @@ bool Application::StartDrawing(std::string& error) {
 }
 
 void Application::EndDrawing() {
+    speedMark.reset();
     gui.End();
     overlay.End();
 }
@@ -186,7 +190,7 @@ bool Application::Round() {
     StopEndedGame();
     HoldScreenSaverOff(!televisions.All().empty());
     const bool overlayNews = UpdateOverlays(events);
-    if (events.windowChanged || screenNews || overlayNews) {
+    if (events.windowChanged || screenNews || overlayNews || WindowShots::Wanted()) {
         pacer.NoteNews();
     }
     DrawOrWait();
@@ -259,8 +263,8 @@ void Application::PlayDroppedFiles(const PUMP_EVENTS& events) {
 bool Application::UpdateScreen(const PUMP_EVENTS& events) {
     const bool screenNews = screen->Update({events, pump.Mouse(), Target(), Now()});
     const bool asCrt = CrtStrength() > 0.0f;
-    const bool pictureNews = televisions.Upload(
-        InputActiveKey(), asCrt ? PictureScaler::kNone : view.scaler, asCrt);
+    const bool pictureNews =
+        televisions.Upload(InputActiveKey(), asCrt ? PictureScaler::kNone : view.scaler, asCrt);
     return screenNews || pictureNews;
 }
 
@@ -275,7 +279,20 @@ void Application::ShowSavedStates(const PUMP_EVENTS& events) {
     }
 }
 
+void Application::ShowSpeed() {
+    const int32_t speed = televisions.SpeedOf(InputActiveKey());
+    if (speedMark == nullptr && (speed == 0 || speed == 1)) {
+        return;
+    }
+    if (speedMark == nullptr) {
+        NeedAppearance();
+        speedMark = std::make_unique<SpeedMark>();
+    }
+    speedMark->Show(speed);
+}
+
 bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
+    ShowSpeed();
     const bool textNews = overlay.Update(Target(), view.statistics, pacer.RateText(), Now());
     const bool guiNews = gui.Update(events, Target(), Now());
     return textNews || guiNews;
@@ -284,6 +301,10 @@ bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
 void Application::DrawOrWait() {
     if (pacer.WantsDrawing(window.IsVisible())) {
         Draw();
+        if (WindowShots::Wanted()) {
+            shots.Take(ReadScreen(window.PixelWidth(), window.PixelHeight()), window.PixelWidth(),
+                       window.PixelHeight());
+        }
         window.Swap();
         pacer.CountSwap(Now());
     } else {
@@ -477,6 +498,9 @@ void Application::Release() {
         SDL_Quit();
         sdlStarted = false;
     }
+    HostSetWindowShotSink(nullptr);
+    EmuShowSpeedGlyphs(true);
+    shots.Wait();
     HostSetReportSink(nullptr);
     HostSetNoticeSink(nullptr);
 }

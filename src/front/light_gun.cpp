@@ -25,8 +25,8 @@ struct PICTURE_POINT {
 // The pixel under the mouse; none outside the visible window or without a picture.
 std::optional<PICTURE_POINT> PointInPicture(const SHOWN_PICTURE& shown, const MOUSE_STATE& mouse) {
     const EMU_VIDEO_FRAME& texels = shown.picture.picture;
-    const SCREEN_QUAD quad = PlaceFullScreen(shown.picture, shown.view, shown.screenWidth,
-                                             shown.screenHeight);
+    const SCREEN_QUAD quad =
+        PlaceFullScreen(shown.picture, shown.view, shown.screenWidth, shown.screenHeight);
     const int64_t right = int64_t{mouse.x} - quad.left;
     const int64_t down = int64_t{mouse.y} - quad.top;
     if (right < 0 || down < 0 || right >= quad.width || down >= quad.height) {

@@ -12,8 +12,10 @@
 // While the frame mutex is held the session leaves the picture alone.
 void Televisions::TakePictures() {
     running.clear();
+    speeds.clear();
     EmuForEachSession([&](EMU_THREAD& session) {
         running.push_back(session.key);
+        speeds[session.key] = session.showStatic != 0 ? 1 : session.speed.load();
         const std::scoped_lock hold(EmuFrameMutex());
         const EMU_VIDEO_FRAME* const frame = HostTakeFrame(*session.hostData);
         if (frame == nullptr || frame->pixels == nullptr) {
@@ -113,6 +115,11 @@ void Televisions::End() {
 uint32_t Televisions::SystemOf(uint32_t key) const {
     const auto found = sets.find(key);
     return found != sets.end() ? found->second.system : 0;
+}
+
+int32_t Televisions::SpeedOf(uint32_t key) const {
+    const auto found = speeds.find(key);
+    return found != speeds.end() ? found->second : 1;
 }
 
 const SESSION_PICTURE& Televisions::Picture(uint32_t key) const {

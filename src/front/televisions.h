@@ -21,12 +21,12 @@ public:
         uint32_t serial = 0;     // of the session that it shows
 
         // The newest picture as the machine has made it.
-        EMU_VIDEO_FRAME taken{};      // its pixels are those below
-        std::vector<uint32_t> pixels; // packed rows
-        size_t largestPixels = 0;     // of a picture of that session
-        uint32_t takenSerial = 0;     // of the session that made it
-        uint32_t system = 0;          // its machine's number
-        bool isNew = false;           // not uploaded yet
+        EMU_VIDEO_FRAME taken{};                     // its pixels are those below
+        std::vector<uint32_t> pixels;                // packed rows
+        size_t largestPixels = 0;                    // of a picture of that session
+        uint32_t takenSerial = 0;                    // of the session that made it
+        uint32_t system = 0;                         // its machine's number
+        bool isNew = false;                          // not uploaded yet
         PictureScaler scaler = PictureScaler::kNone; // of the upload
     };
 
@@ -55,6 +55,8 @@ public:
 
     // Its machine's number; 0 before the first picture.
     [[nodiscard]] uint32_t SystemOf(uint32_t key) const;
+    // How fast its session runs: times the ordinary speed; -1 backwards; 1 without a session.
+    [[nodiscard]] int32_t SpeedOf(uint32_t key) const;
     [[nodiscard]] const PicturePainter& Painter() const { return painter; }
 
     // By session key. Those of ended sessions are gone after the next Upload.
@@ -80,6 +82,7 @@ private:
     void NoteActivePicture(const EMU_VIDEO_FRAME& frame);
 
     std::map<uint32_t, TELEVISION> sets; // by session key
+    std::map<uint32_t, int32_t> speeds;  // by session key, at the last TakePictures
     std::vector<uint32_t> running;       // keys of the sessions at the last TakePictures
     PicturePainter painter;
     KEPT_PICTURE kept;

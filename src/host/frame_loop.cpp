@@ -14,6 +14,7 @@
 #include "settings/settings.h"
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <new>
 #include <thread>
@@ -24,6 +25,14 @@ namespace {
 constexpr int32_t kDefaultFastForward = 2;
 constexpr int32_t kMostFastForward = 10;
 constexpr uint32_t kPausedSleepMs = 5;
+
+std::atomic<bool> gSpeedGlyphs{true};
+
+void DrawGlyph(SpeedGlyph direction, EMU_VIDEO_FRAME& video) {
+    if (gSpeedGlyphs) {
+        EmuDrawSpeedGlyph(direction, video);
+    }
+}
 
 // Runs a frame and brings its records into the bounds that all later stages rely on.
 void RunMachine(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
@@ -43,7 +52,7 @@ bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vide
     static_cast<void>(session.machine->LoadState(stack.rewindHead.get(), stack.rewindHeadBytes));
     session.battery.rolledBack = true;
     RunMachine(session, input, video, audio);
-    EmuDrawSpeedGlyph(SpeedGlyph::kBack, video);
+    DrawGlyph(SpeedGlyph::kBack, video);
     EmuReverseSound(audio);
     RewindPop(stack);
     ++stack.rewindSteps;
@@ -122,23 +131,30 @@ void RunFastRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& 
 void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
                FRAME_LOOP& loop, const HOTKEYS& keys) {
     bool drawn = false;
+    auto speed = static_cast<int32_t>(loop.fastForwardSteps);
     if (keys.fastForward) {
         RunFastRound(session, input, *video, loop);
         drawn = loop.fastForwardSteps > 0;
     } else {
         const bool rewind = keys.rewind && Settings().GetInt(L"emu_rewindbuffer") > 0;
         drawn = EmuStep(session, input, video, &loop.sound.frame, rewind);
+        speed = rewind ? -1 : 1;
     }
+    session.speed = speed;
     if (!drawn) {
         // This buffer holds some older picture; the last one shown must stay.
         EmuRepeatPicture(loop.lastPicture, *video);
     }
     if (keys.fastForward) {
-        EmuDrawSpeedGlyph(SpeedGlyph::kForward, *video);
+        DrawGlyph(SpeedGlyph::kForward, *video);
     }
 }
 
 } // namespace
+
+void EmuShowSpeedGlyphs(bool show) {
+    gSpeedGlyphs = show;
+}
 
 SOUND_FRAME::SOUND_FRAME()
     : samples(AllocateAligned<int16_t>(size_t{kAudioFramePairs} * 2)) {

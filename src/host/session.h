@@ -72,7 +72,8 @@ struct EMU_THREAD {
     uint32_t staticFrames = 0;            // of television static, shown so far
     std::atomic<uint8_t> showStatic{1};   // 1 while the static runs; anyone may read it
     std::atomic<uint32_t> lockWaiters{0}; // other threads that wait for `lock`
-    std::atomic<bool> paused{false};      // no rounds: picture and machine stay as they are
+    std::atomic<int32_t> speed{1};   // of the last round: times the ordinary one; -1: backwards
+    std::atomic<bool> paused{false}; // no rounds: picture and machine stay as they are
 
     // What the host keeps. `hostData` is set by the open callback on the session's thread and cleared by
     // close on the stopping one, both under the list lock, close under `lock` as well.

@@ -134,7 +134,8 @@ void LightProgram::DropLightSet(const LIGHT_SET& set) {
 
 bool LightProgram::Compile(const std::string& fragmentText, VARIANT& variant,
                            std::string& error) const {
-    const GLuint program = CompileProgram(gl, kVertexText, fragmentText, "the room's shader", error);
+    const GLuint program =
+        CompileProgram(gl, kVertexText, fragmentText, "the room's shader", error);
     if (program == 0) {
         return false;
     }

@@ -16,8 +16,8 @@
 // Thread: main, with the context current.
 #pragma once
 
-#include "display/session_picture.h"
 #include "display/gl_functions.h"
+#include "display/session_picture.h"
 #include "room/room_counters.h"
 #include "room/vector.h"
 

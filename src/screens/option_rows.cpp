@@ -24,7 +24,7 @@ constexpr OPTION_CHOICE kScreenshots[] = {
     {L"Content & Borders", 1},
 };
 constexpr OPTION_CHOICE kShotParts[] = {
-    {L"Game's Picture", 0},
+    {L"Game's Picture",  0},
     {L"Window as Shown", 1},
 };
 constexpr OPTION_CHOICE kShotFiles[] = {
@@ -70,7 +70,7 @@ constexpr OPTION_CHOICE kSoundQualities[] = {
 };
 
 constexpr OPTION_CHOICE kScales[] = {
-    {L"Whole Multiples", 1},
+    {L"Whole Multiples",  1},
     {L"As Large as Fits", 0},
 };
 constexpr OPTION_CHOICE kAspects[] = {
@@ -80,10 +80,10 @@ constexpr OPTION_CHOICE kAspects[] = {
 };
 // The same on both sides of a direction: others are set in config.xml and with --overscan.
 constexpr OPTION_CHOICE kOverscans[] = {
-    {L"Nothing",               0, 0},
-    {L"8 Dots Above, Below",   8, 0},
-    {L"8 Dots at the Sides",   0, 8},
-    {L"8 Dots at Each Edge",   8, 8},
+    {L"Nothing",              0,  0 },
+    {L"8 Dots Above, Below",  8,  0 },
+    {L"8 Dots at the Sides",  0,  8 },
+    {L"8 Dots at Each Edge",  8,  8 },
     {L"16 Dots at Each Edge", 16, 16},
 };
 
@@ -109,13 +109,21 @@ constexpr OPTION_ROW Number(OptionTab tab, const wchar_t* label, const wchar_t* 
 constexpr OPTION_ROW Slider(const wchar_t* label, const wchar_t* setting,
                             const OPTION_SLIDER& slider, const wchar_t* help,
                             OptionTab tab = OptionTab::kSound) {
-    return {tab, label, OptionKind::kSlider, setting, nullptr, {}, L"", slider,
-            OptionEffect::kAtOnce, help};
+    return {tab, label,  OptionKind::kSlider,   setting, nullptr, {},
+            L"", slider, OptionEffect::kAtOnce, help};
 }
 
 constexpr OPTION_ROW Overscan(const wchar_t* label, const wchar_t* setting, const wchar_t* help) {
-    return {OptionTab::kPicture, label, OptionKind::kOverscan, setting, nullptr, kOverscans, L"",
-            kNoSlider, OptionEffect::kAtOnce, help};
+    return {OptionTab::kPicture,
+            label,
+            OptionKind::kOverscan,
+            setting,
+            nullptr,
+            kOverscans,
+            L"",
+            kNoSlider,
+            OptionEffect::kAtOnce,
+            help};
 }
 
 using enum OptionTab;
@@ -130,8 +138,9 @@ constexpr OPTION_ROW kRows[] = {
     Switch(kGeneral, L"Screenshots:", L"app_screenshotfull", kScreenshots, kAtOnce,
            L"Whether a screenshot shows only the game's picture or also the border that a "
            L"television hides."),
-    Switch(kGeneral, L"Screenshots Show:", L"app_screenshotwindow", kShotParts, kAtOnce,
-           L"Whether a screenshot holds the dots of the machine or the window with everything in it."),
+    Switch(
+        kGeneral, L"Screenshots Show:", L"app_screenshotwindow", kShotParts, kAtOnce,
+        L"Whether a screenshot holds the dots of the machine or the window with everything in it."),
     Switch(kGeneral, L"Screenshot Files:", L"app_screenshotbmp", kShotFiles, kAtOnce,
            L"The kind of a screenshot's file: only PNG notes the game, its machine and the time."),
     Number(kGeneral, L"Fast Forward:", L"emu_fastforward", kSpeeds, L"x", kNextGame,
@@ -158,26 +167,34 @@ constexpr OPTION_ROW kRows[] = {
            L"Smooths the pictures of televisions that are far away in the room."),
 
     Switch(kPicture, L"In a Window:", L"video_integer_window", kScales, kAtOnce,
-           L"Whether every row of a game's picture is as many whole pixels high as all others, with a border "
+           L"Whether every row of a game's picture is as many whole pixels high as all others, "
+           L"with a border "
            L"around it, or the picture fills the window."),
     Switch(kPicture, L"In Full Screen:", L"video_integer_full", kScales, kAtOnce,
            L"The same while Ombrelune fills the whole display."),
     Number(kPicture, L"Shape:", L"video_aspect", kAspects, L"", kAtOnce,
-           L"How wide the picture of a game is: as its machine's was on a television, 4:3, or with dots "
+           L"How wide the picture of a game is: as its machine's was on a television, 4:3, or with "
+           L"dots "
            L"that are as wide as high."),
     Slider(L"CRT:", L"video_crt", kStrength,
-           L"How strongly a game over the whole window looks as on a picture tube, in percent; 0 is plain.",
+           L"How strongly a game over the whole window looks as on a picture tube, in percent; 0 "
+           L"is plain.",
            kPicture),
-    Overscan(L"Cut off, Master System:", L"sms_overscan_left",
-             L"What is cut off at the edges of the Master System's picture, as a television hides it."),
+    Overscan(
+        L"Cut off, Master System:", L"sms_overscan_left",
+        L"What is cut off at the edges of the Master System's picture, as a television hides it."),
     Overscan(L"Cut off, Game Gear:", L"gamegear_overscan_left",
-             L"What is cut off at the edges of the Game Gear's picture, which its own screen shows whole."),
-    Overscan(L"Cut off, Mega Drive:", L"megadrive_overscan_left",
-             L"What is cut off at the edges of the Mega Drive's picture, as a television hides it."),
+             L"What is cut off at the edges of the Game Gear's picture, which its own screen shows "
+             L"whole."),
+    Overscan(
+        L"Cut off, Mega Drive:", L"megadrive_overscan_left",
+        L"What is cut off at the edges of the Mega Drive's picture, as a television hides it."),
     Overscan(L"Cut off, NES:", L"nes_overscan_left",
-             L"What is cut off at the edges of the NES's picture: many games leave garbage in the outermost 8 dots."),
+             L"What is cut off at the edges of the NES's picture: many games leave garbage in the "
+             L"outermost 8 dots."),
     Overscan(L"Cut off, System E:", L"arcade_overscan_left",
-             L"What is cut off at the edges of the arcade board's picture, which its own screen shows whole."),
+             L"What is cut off at the edges of the arcade board's picture, which its own screen "
+             L"shows whole."),
 
     Number(kSound, L"Sample Rate:", L"audio_app_samplerate", kSampleRates, L"", kRestart,
            L"How many samples of sound go to your sound card each second; most cards run at "

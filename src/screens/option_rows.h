@@ -38,7 +38,8 @@ struct OPTION_ROW {
     OptionTab tab;
     const wchar_t* label;
     OptionKind kind;
-    const wchar_t* setting;       // of an overscan the left edge's, in whose name others are put for "left"
+    const wchar_t*
+        setting; // of an overscan the left edge's, in whose name others are put for "left"
     const wchar_t* secondSetting; // of a window's size; null: none
     std::span<const OPTION_CHOICE> choices;
     const wchar_t* unit; // after a stored number that is no choice

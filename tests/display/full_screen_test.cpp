@@ -61,9 +61,8 @@ std::ostream& operator<<(std::ostream& out, const PLACE& place) {
 }
 
 PLACE PlaceOf(float aspect, uint32_t screenWidth, uint32_t screenHeight) {
-    const SCREEN_QUAD quad =
-        PlaceOn(PictureOf(256, 192, aspect), TextureOf(256, 192, 256, 192), kWhole,
-                        screenWidth, screenHeight);
+    const SCREEN_QUAD quad = PlaceOn(PictureOf(256, 192, aspect), TextureOf(256, 192, 256, 192),
+                                     kWhole, screenWidth, screenHeight);
     return {quad.left, quad.top, quad.width, quad.height};
 }
 
@@ -132,8 +131,7 @@ TEST(FullScreenPlace, NothingWithoutAPictureATextureOrAScreen) {
 
 TEST(FullScreenPlace, TextureIsCutByHalfATexelOnEachSide) {
     const EMU_VIDEO_FRAME picture = PictureOf(256, 192, 4.0f / 3);
-    const SCREEN_QUAD quad =
-        PlaceOn(picture, TextureOf(256, 192, 256, 192), kWhole, 640, 480);
+    const SCREEN_QUAD quad = PlaceOn(picture, TextureOf(256, 192, 256, 192), kWhole, 640, 480);
     EXPECT_FLOAT_EQ(quad.textureLeft, 0.001953125f); // 1 / 512
     EXPECT_FLOAT_EQ(quad.textureRight, 0.998046875f);
     EXPECT_FLOAT_EQ(quad.textureTop, 0.0026041667f); // 1 / 384
@@ -142,8 +140,7 @@ TEST(FullScreenPlace, TextureIsCutByHalfATexelOnEachSide) {
 
 TEST(FullScreenPlace, TextureCoordinatesAreScaledByUsedOverAllocated) {
     const EMU_VIDEO_FRAME picture = PictureOf(320, 192, 4.0f / 3);
-    const SCREEN_QUAD quad =
-        PlaceOn(picture, TextureOf(320, 192, 512, 256), kWhole, 640, 480);
+    const SCREEN_QUAD quad = PlaceOn(picture, TextureOf(320, 192, 512, 256), kWhole, 640, 480);
     EXPECT_FLOAT_EQ(quad.textureLeft, 0.0009765625f);  // 0.5 / 320 * 320 / 512
     EXPECT_FLOAT_EQ(quad.textureRight, 0.6240234375f); // 319.5 / 512
     EXPECT_FLOAT_EQ(quad.textureTop, 0.001953125f);    // 0.5 / 256
@@ -202,9 +199,9 @@ PLACE PlaceIn(const EMU_VIDEO_FRAME& picture, const FULL_SCREEN_VIEW& view, uint
 TEST(FullScreenPlace, WholeMultiplesMakeAllRowsEquallyHigh) {
     const FULL_SCREEN_VIEW view{.wholeMultiples = true};
     const EMU_VIDEO_FRAME nes = PictureOf(256, 224, 4.0f / 3);
-    EXPECT_EQ(PlaceIn(nes, view, 1280, 720), (PLACE{192, 24, 896, 672}));     // three times
-    EXPECT_EQ(PlaceIn(nes, view, 1920, 1080), (PLACE{362, 92, 1195, 896}));   // four times, 1194.67
-    EXPECT_EQ(PlaceIn(nes, view, 3840, 2160), (PLACE{576, 72, 2688, 2016}));  // nine times
+    EXPECT_EQ(PlaceIn(nes, view, 1280, 720), (PLACE{192, 24, 896, 672}));    // three times
+    EXPECT_EQ(PlaceIn(nes, view, 1920, 1080), (PLACE{362, 92, 1195, 896}));  // four times, 1194.67
+    EXPECT_EQ(PlaceIn(nes, view, 3840, 2160), (PLACE{576, 72, 2688, 2016})); // nine times
     EXPECT_EQ(PlaceIn(nes, view, 298, 224), (PLACE{0, 0, 298, 223})) << "too narrow for one";
     EXPECT_EQ(PlaceIn(nes, view, 300, 224), (PLACE{0, 0, 299, 224})) << "once";
     EXPECT_EQ(PlaceIn(nes, view, 600, 900), (PLACE{1, 226, 597, 448})) << "limited by the width";
@@ -237,23 +234,23 @@ TEST(FullScreenPlace, AspectIsTheMachinesFourByThreeOrThatOfSquareDots) {
         PictureAspect wanted;
         uint32_t shownWidth, shownHeight; // of 2000 by 720
     } rows[] = {
-        {"NES",                256, 224, 1.3061224f, PictureAspect::kMachine,     940,  720},
-        {"NES",                256, 224, 1.3061224f, PictureAspect::kFourByThree, 960,  720},
-        {"NES",                256, 224, 1.3061224f, PictureAspect::kSquareDots,  822,  720},
-        {"Master System",      256, 192, 1.5238f,    PictureAspect::kFourByThree, 960,  720},
-        {"Master System",      256, 192, 1.5238f,    PictureAspect::kSquareDots,  960,  720},
-        {"Mega Drive",         320, 224, 1.4f,       PictureAspect::kMachine,     1008, 720},
-        {"Mega Drive",         320, 224, 1.4f,       PictureAspect::kFourByThree, 960,  720},
-        {"Mega Drive",         320, 224, 1.4f,       PictureAspect::kSquareDots,  1028, 720},
-        {"Game Gear",          160, 144, 1.1111112f, PictureAspect::kFourByThree, 960,  720},
-        {"Game Gear",          160, 144, 1.1111112f, PictureAspect::kSquareDots,  800,  720},
-        {"two Game Gears",     320, 144, 2.2222223f, PictureAspect::kFourByThree, 1920, 720},
-        {"System E, on its side", 192, 256, 0.75f,   PictureAspect::kFourByThree, 540,  720},
-        {"System E, on its side", 192, 256, 0.66f,   PictureAspect::kSquareDots,  540,  720},
+        {"NES",                   256, 224, 1.3061224f, PictureAspect::kMachine,     940,  720},
+        {"NES",                   256, 224, 1.3061224f, PictureAspect::kFourByThree, 960,  720},
+        {"NES",                   256, 224, 1.3061224f, PictureAspect::kSquareDots,  822,  720},
+        {"Master System",         256, 192, 1.5238f,    PictureAspect::kFourByThree, 960,  720},
+        {"Master System",         256, 192, 1.5238f,    PictureAspect::kSquareDots,  960,  720},
+        {"Mega Drive",            320, 224, 1.4f,       PictureAspect::kMachine,     1008, 720},
+        {"Mega Drive",            320, 224, 1.4f,       PictureAspect::kFourByThree, 960,  720},
+        {"Mega Drive",            320, 224, 1.4f,       PictureAspect::kSquareDots,  1028, 720},
+        {"Game Gear",             160, 144, 1.1111112f, PictureAspect::kFourByThree, 960,  720},
+        {"Game Gear",             160, 144, 1.1111112f, PictureAspect::kSquareDots,  800,  720},
+        {"two Game Gears",        320, 144, 2.2222223f, PictureAspect::kFourByThree, 1920, 720},
+        {"System E, on its side", 192, 256, 0.75f,      PictureAspect::kFourByThree, 540,  720},
+        {"System E, on its side", 192, 256, 0.66f,      PictureAspect::kSquareDots,  540,  720},
     };
     for (const auto& row : rows) {
-        const PLACE place =
-            PlaceIn(PictureOf(row.width, row.height, row.aspect), {.aspect = row.wanted}, 2000, 720);
+        const PLACE place = PlaceIn(PictureOf(row.width, row.height, row.aspect),
+                                    {.aspect = row.wanted}, 2000, 720);
         EXPECT_EQ(place.height, row.shownHeight) << row.name;
         EXPECT_EQ(place.width, row.shownWidth) << row.name << static_cast<int>(row.wanted);
     }
@@ -263,7 +260,9 @@ TEST(FullScreenPlace, OverscanCutsDotsAtEachEdgeAndKeepsTheirShape) {
     EMU_VIDEO_FRAME picture = PictureOf(280, 240, 1.0f);
     SetWindow(picture, 12, 8, 256, 224, 2.0f);
     const TEXTURE_RECORD texture = TextureOf(280, 240, 280, 240);
-    const FULL_SCREEN_VIEW view{.crop = true, .cut = {8, 16, 24, 0}};
+    const FULL_SCREEN_VIEW view{
+        .crop = true, .cut = {8, 16, 24, 0}
+    };
     const SCREEN_QUAD quad = PlaceOn(picture, texture, view, 4000, 1040);
     EXPECT_EQ(quad.areaX, 20U);
     EXPECT_EQ(quad.areaY, 24U);
@@ -275,7 +274,9 @@ TEST(FullScreenPlace, OverscanCutsDotsAtEachEdgeAndKeepsTheirShape) {
 }
 
 TEST(FullScreenPlace, OverscanCutsNothingOfTheWholePicture) {
-    const FULL_SCREEN_VIEW view{.cut = {8, 8, 8, 8}};
+    const FULL_SCREEN_VIEW view{
+        .cut = {8, 8, 8, 8}
+    };
     const SCREEN_QUAD quad =
         PlaceOn(PictureOf(256, 192, 1.0f), TextureOf(256, 192, 256, 192), view, 400, 400);
     EXPECT_EQ(quad.areaWidth, 256U);
@@ -283,7 +284,9 @@ TEST(FullScreenPlace, OverscanCutsNothingOfTheWholePicture) {
 }
 
 TEST(FullScreenPlace, OverscanLeavesAtLeastHalf) {
-    const FULL_SCREEN_VIEW view{.crop = true, .cut = {1000, 1000, 1000, 0}};
+    const FULL_SCREEN_VIEW view{
+        .crop = true, .cut = {1000, 1000, 1000, 0}
+    };
     const SCREEN_QUAD quad =
         PlaceOn(PictureOf(160, 144, 1.0f), TextureOf(160, 144, 160, 144), view, 400, 400);
     EXPECT_EQ(quad.areaX, 40U);
@@ -297,7 +300,9 @@ TEST(FullScreenPlace, OverscanCountsDotsAlsoOfAScaledPicture) {
     session.factor = 4;
     session.picture = PictureOf(1024, 896, 1.0f);
     session.texture = TextureOf(1024, 896, 1024, 896);
-    const FULL_SCREEN_VIEW view{.crop = true, .cut = {0, 8, 0, 0}};
+    const FULL_SCREEN_VIEW view{
+        .crop = true, .cut = {0, 8, 0, 0}
+    };
     const SCREEN_QUAD quad = PlaceFullScreen(session, view, 400, 400);
     EXPECT_EQ(quad.areaY, 32U);
     EXPECT_EQ(quad.areaHeight, 864U);

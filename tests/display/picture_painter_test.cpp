@@ -1,7 +1,6 @@
-#include "display/picture_painter.h"
-
 #include "display/display_fixture.h"
 #include "display/picture_glow.h"
+#include "display/picture_painter.h"
 #include "display/screen_reader.h"
 
 #include <SDL.h>
@@ -144,7 +143,16 @@ TEST_F(PicturePainterTest, EvenDotsAreTheAreaMeanAtEverySize) {
     const struct {
         uint32_t width, height;
     } sizes[] = {
-        {14, 9}, {15, 10}, {21, 31}, {37, 24}, {64, 96}, {125, 80}, {13, 8}, {7, 5}, {9, 30}, {5, 3},
+        {14,  9 },
+        {15,  10},
+        {21,  31},
+        {37,  24},
+        {64,  96},
+        {125, 80},
+        {13,  8 },
+        {7,   5 },
+        {9,   30},
+        {5,   3 },
     };
     for (const auto& size : sizes) {
         EXPECT_LE(LargestDifference(Draw({}, size.width, size.height),
@@ -182,9 +190,8 @@ TEST_F(PicturePainterTest, WithoutShadersTheNearestDotsAreShown) {
     EXPECT_FALSE(painter.Start({}, error));
     Show({kWhite, kBlack}, 2, 1);
     const std::vector<uint32_t> row = Draw({}, 5, 1);
-    EXPECT_EQ(std::count(row.begin(), row.end(), kWhite) +
-                  std::count(row.begin(), row.end(), kBlack),
-              5);
+    EXPECT_EQ(
+        std::count(row.begin(), row.end(), kWhite) + std::count(row.begin(), row.end(), kBlack), 5);
 }
 
 TEST_F(PicturePainterTest, TinyWindowsStillShowThePicture) {
@@ -218,7 +225,10 @@ TEST_F(PicturePainterTest, CrtKeepsTheLightOfEveryPicture) {
         const struct {
             uint32_t width, height;
         } sizes[] = {
-            {96, 80}, {120, 72}, {126, 96}, {78, 64},
+            {96,  80},
+            {120, 72},
+            {126, 96},
+            {78,  64},
         };
         for (const auto& size : sizes) {
             const std::vector<uint32_t> screen = DrawCrt(1.0f, size.width, size.height);

@@ -46,14 +46,13 @@ void BlurLine(LIGHT* cells, uint32_t count, size_t step, std::vector<LIGHT>& lin
     for (uint32_t i = 0; i < count; ++i) {
         line[i] = cells[i * step];
     }
-    constexpr int kReach = 2;
+    constexpr uint32_t kReach = 2;
     for (uint32_t i = 0; i < count; ++i) {
         LIGHT sum{};
-        for (int k = -kReach; k <= kReach; ++k) {
-            const int at = std::clamp(static_cast<int>(i) + k, 0, static_cast<int>(count) - 1);
+        for (uint32_t k = 0; k < kBlur.size(); ++k) {
+            const uint32_t at = std::min(std::max(i + k, kReach) - kReach, count - 1);
             for (size_t channel = 0; channel < sum.size(); ++channel) {
-                sum[channel] +=
-                    line[static_cast<size_t>(at)][channel] * kBlur[static_cast<size_t>(k + kReach)];
+                sum[channel] += line[at][channel] * kBlur[k];
             }
         }
         cells[i * step] = sum;

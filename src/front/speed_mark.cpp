@@ -33,8 +33,10 @@ std::vector<uint8_t> ArrowMask(int32_t width, int32_t height, bool left) {
         for (int32_t x = 0; x < width; ++x) {
             int32_t inside = 0;
             for (int32_t point = 0; point < kPoints * kPoints; ++point) {
-                const double across = (x + (point % kPoints + 0.5) / kPoints) / width;
-                const double down = (y + (point / kPoints + 0.5) / kPoints) / height;
+                const int32_t column = point % kPoints;
+                const int32_t row = point / kPoints;
+                const double across = (x + (column + 0.5) / kPoints) / width;
+                const double down = (y + (row + 0.5) / kPoints) / height;
                 const double toPoint = left ? across : 1.0 - across; // 0 at the point
                 inside += std::abs(2.0 * down - 1.0) <= toPoint ? 1 : 0;
             }

@@ -14,6 +14,7 @@
 #include "front/opened_game.h"
 #include "front/own_games.h"
 #include "front/pad_names.h"
+#include "front/picture_view.h"
 #include "front/processor_binder.h"
 #include "front/program_screen.h"
 #include "front/program_title.h"
@@ -27,6 +28,7 @@
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "host/battery_file.h"
+#include "host/frame_loop.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
@@ -98,6 +100,8 @@ bool Application::Start(std::string& error) {
     }
     sound.Start(Now());
     InstallSessionCallbacks();
+    EmuShowSpeedGlyphs(false);
+    HostSetWindowShotSink(WindowShots::Ask);
     saveKeeper = std::make_unique<SaveKeeper>();
     InputSetActiveKey(kFrontTelevision);
     ShowGame();
@@ -139,6 +143,7 @@ bool Application::StartDrawing(std::string& error) {
     if (!GlStart(error)) {
         return false;
     }
+    televisions.StartGraphics(LoadGlFunctions(SDL_GL_GetProcAddress));
     if (!overlay.Start()) {
         PostReport("the graphics driver has no memory for text; messages appear only here");
     }
@@ -151,6 +156,7 @@ bool Application::StartDrawing(std::string& error) {
 }
 
 void Application::EndDrawing() {
+    speedMark.reset();
     gui.End();
     overlay.End();
 }
@@ -203,7 +209,7 @@ bool Application::Round() {
     HoldScreenSaverOff(!televisions.All().empty());
     ShowTitle();
     const bool overlayNews = UpdateOverlays(events);
-    if (events.windowChanged || screenNews || overlayNews) {
+    if (events.windowChanged || screenNews || overlayNews || WindowShots::Wanted()) {
         pacer.NoteNews();
     }
     DrawOrWait();
@@ -292,7 +298,9 @@ void Application::PlayDroppedFiles(const PUMP_EVENTS& events) {
 
 bool Application::UpdateScreen(const PUMP_EVENTS& events) {
     const bool screenNews = screen->Update({events, pump.Mouse(), Target(), Now()});
-    const bool pictureNews = televisions.Upload(InputActiveKey(), view.scaler);
+    const bool asCrt = CrtStrength() > 0.0f;
+    const bool pictureNews =
+        televisions.Upload(InputActiveKey(), asCrt ? PictureScaler::kNone : view.scaler, asCrt);
     return screenNews || pictureNews;
 }
 
@@ -358,7 +366,20 @@ void Application::TakeFromPanel(ModeInput chosen) {
     }
 }
 
+void Application::ShowSpeed() {
+    const int32_t speed = televisions.SpeedOf(InputActiveKey());
+    if (speedMark == nullptr && (speed == 0 || speed == 1)) {
+        return;
+    }
+    if (speedMark == nullptr) {
+        NeedAppearance();
+        speedMark = std::make_unique<SpeedMark>();
+    }
+    speedMark->Show(speed);
+}
+
 bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
+    ShowSpeed();
     const bool textNews = overlay.Update(Target(), view.statistics, pacer.RateText(), Now());
     const bool guiNews = gui.Update(events, Target(), Now());
     return textNews || guiNews;
@@ -367,6 +388,10 @@ bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
 void Application::DrawOrWait() {
     if (pacer.WantsDrawing(window.IsVisible())) {
         Draw();
+        if (WindowShots::Wanted()) {
+            shots.Take(ReadScreen(window.PixelWidth(), window.PixelHeight()), window.PixelWidth(),
+                       window.PixelHeight());
+        }
         window.Swap();
         pacer.CountSwap(Now());
     } else {
@@ -630,6 +655,9 @@ void Application::Release() {
         SDL_Quit();
         sdlStarted = false;
     }
+    HostSetWindowShotSink(nullptr);
+    EmuShowSpeedGlyphs(true);
+    shots.Wait();
     HostSetReportSink(nullptr);
     HostSetNoticeSink(nullptr);
 }

@@ -14,6 +14,7 @@
 #include "settings/settings.h"
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <new>
 #include <thread>
@@ -26,6 +27,14 @@ constexpr int32_t kMostFastForward = 10;
 constexpr uint32_t kPausedSleepMs = 5;
 
 enum class RoundKind : uint8_t { kPlay, kFast, kBack, kSlow, kStep, kStill };
+
+std::atomic<bool> gSpeedGlyphs{true};
+
+void DrawGlyph(SpeedGlyph direction, EMU_VIDEO_FRAME& video) {
+    if (gSpeedGlyphs) {
+        EmuDrawSpeedGlyph(direction, video);
+    }
+}
 
 // Runs a frame and brings its records into the bounds that all later stages rely on.
 void RunMachine(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
@@ -45,7 +54,7 @@ bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vide
     static_cast<void>(session.machine->LoadState(stack.rewindHead.get(), stack.rewindHeadBytes));
     session.battery.rolledBack = true;
     RunMachine(session, input, video, audio);
-    EmuDrawSpeedGlyph(SpeedGlyph::kBack, video);
+    DrawGlyph(SpeedGlyph::kBack, video);
     EmuReverseSound(audio);
     RewindPop(stack);
     ++stack.rewindSteps;
@@ -246,6 +255,9 @@ void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* vid
                FRAME_LOOP& loop, RoundKind kind) {
     bool drawn = false;
     const bool isStatic = session.showStatic != 0;
+    session.speed = kind == RoundKind::kFast   ? static_cast<int32_t>(loop.fastForwardSteps)
+                    : kind == RoundKind::kBack ? -1
+                                               : 1;
     if (kind == RoundKind::kFast) {
         RunFastRound(session, input, *video, loop);
         drawn = loop.fastForwardSteps > 0;
@@ -262,11 +274,15 @@ void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* vid
         EmuDivideScreens(screens->Screens(), *video, EmuPicturePixels(session));
     }
     if (kind == RoundKind::kFast) {
-        EmuDrawSpeedGlyph(SpeedGlyph::kForward, *video);
+        DrawGlyph(SpeedGlyph::kForward, *video);
     }
 }
 
 } // namespace
+
+void EmuShowSpeedGlyphs(bool show) {
+    gSpeedGlyphs = show;
+}
 
 FRAME_LOOP::FRAME_LOOP()
     : fastForwardSteps(EmuFastForwardSteps(Settings().GetInt(L"emu_fastforward"))) {}

@@ -32,6 +32,9 @@ bool EmuStep(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video
 // Length of a frame in microseconds, single precision, truncated; 0 without samples.
 [[nodiscard]] uint32_t EmuFrameMicroseconds(uint32_t sampleCount, uint32_t sampleRate);
 
+// Whether the picture itself shows fast forward and rewinding; by default it does. A window shows a mark of its own.
+void EmuShowSpeedGlyphs(bool show);
+
 // Steps in a round while "Fast Forward" is down: a negative setting means 2, one above 10 means 10.
 [[nodiscard]] uint32_t EmuFastForwardSteps(int32_t setting);
 

@@ -69,11 +69,12 @@ struct EMU_THREAD {
     InputLooker inputs; // of the machine's frames; used by the thread that steps it
     REWIND_STACK rewind;
     BATTERY_FILE battery;
-    RESUME_FILE resume;                      // has a lock of its own for what changes
-    uint32_t staticFrames = 0;               // of television static, shown so far
-    std::atomic<uint8_t> showStatic{1};      // 1 while the static runs; anyone may read it
-    std::atomic<uint32_t> lockWaiters{0};    // other threads that wait for `lock`
-    std::atomic<bool> paused{false};         // no rounds: picture and machine stay as they are
+    RESUME_FILE resume;                   // has a lock of its own for what changes
+    uint32_t staticFrames = 0;            // of television static, shown so far
+    std::atomic<uint8_t> showStatic{1};   // 1 while the static runs; anyone may read it
+    std::atomic<uint32_t> lockWaiters{0}; // other threads that wait for `lock`
+    std::atomic<int32_t> speed{1};   // of the last round: times the ordinary one; -1: backwards
+    std::atomic<bool> paused{false}; // no rounds: picture and machine stay as they are
     std::atomic<bool> waitsForFocus{false};  // the same, while another window has the keyboard
     std::atomic<bool> pausedByPlayer{false}; // rounds look at the keys, and run no frame
 

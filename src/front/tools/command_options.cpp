@@ -3,6 +3,7 @@
 #include "facts/machine_facts.h"
 #include "front/tools/commands.h"
 #include "front/tools/option_checks.h"
+#include "front/tools/picture_options.h"
 #include "front/tools/play.h"
 
 #include <CLI/CLI.hpp>
@@ -50,6 +51,7 @@ COMMAND AddPlay(CLI::App& app) {
             ->type_name("FILE");
     command->add_flag("--no-patch", play->noPatch, "Leave the patch beside the game alone")
         ->excludes(patch);
+    AddPictureOptions(*command, play->picture);
     command->add_flag("--headless", play->headless,
                       "No window, no device, no pacing, no autosave, no .sav");
     command->add_option("--frames", play->frames, "Stop after N frames")

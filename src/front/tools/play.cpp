@@ -122,6 +122,7 @@ int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& e
             return code;
         }
     }
+    ApplyPictureOptions(options.picture, number);
     TakeMachineSettings(number, opened.options);
     return kExitDone;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "front/opened_game.h"
+#include "front/tools/picture_options.h"
 
 #include <cstdint>
 #include <string>
@@ -15,6 +16,7 @@ struct PLAY_OPTIONS {
     std::string bios;
     std::string patch;    // a soft patch
     bool noPatch = false; // not even that beside the game
+    PICTURE_OPTIONS picture;
     bool headless = false;
     uint32_t frames = 0; // machine frames to run; 0: no limit
     bool showStatic = false;

@@ -77,6 +77,23 @@ TEST(CommandLine, WrongUsageIsExitCodeTwo) {
     EXPECT_EQ(Ombrelune({"convert"}, home).exitCode, 2);
     EXPECT_EQ(Ombrelune({"play", "x.sms", "--machine", "toaster"}, home).exitCode, 2);
     EXPECT_EQ(Ombrelune({"bench", "--screen", "--machine", "sms"}, home).exitCode, 2);
+    for (const std::vector<std::string>& picture : std::vector<std::vector<std::string>>{
+             {"--crt",      "101"     },
+             {"--aspect",   "16:9"    },
+             {"--scale",    "2"       },
+             {"--overscan", "1,2,3"   },
+             {"--overscan", "1,2,3,65"}
+    }) {
+        std::vector<std::string> arguments = {"play", "demo:sms-luciole", "--headless", "--frames",
+                                              "1"};
+        arguments.insert(arguments.end(), picture.begin(), picture.end());
+        EXPECT_EQ(Ombrelune(arguments, home).exitCode, 2) << picture[0] << ' ' << picture[1];
+    }
+    EXPECT_EQ(Ombrelune({"play", "demo:sms-luciole", "--headless", "--frames", "1", "--crt", "100",
+                         "--aspect", "4:3", "--scale", "fit", "--overscan", "8,8,8,64"},
+                        home)
+                  .exitCode,
+              0);
 }
 
 TEST(CommandLine, WrongValueIsNamedWithItsOptionAndWhatIsAllowed) {

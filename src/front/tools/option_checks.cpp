@@ -33,11 +33,13 @@ CLI::Validator Between(Number least, Number most, const std::string& what,
 
 CLI::Validator OneOf(std::vector<std::string> words) {
     const std::string list = CLI::detail::join(words, ", ");
+    const std::string choices =
+        CLI::detail::join(words, ","); // as the help and the completion have them
     const auto check = [words = std::move(words), list](const std::string& text) {
         const bool valid = std::ranges::find(words, text) != words.end();
         return valid ? std::string() : text + " is not one of " + list;
     };
-    return {check, "{" + list + "}"};
+    return {check, "{" + choices + "}"};
 }
 
 CLI::Validator NumberBetween(double least, double most) {

@@ -9,6 +9,7 @@
 #include "host/screenshot.h"
 #include "host/session_list.h"
 #include "host/session_private.h"
+#include "host/session_tape.h"
 #include "host/static.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -42,6 +43,7 @@ bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vide
     // This machine saved the state a moment ago, so it takes it.
     static_cast<void>(session.machine->LoadState(stack.rewindHead.get(), stack.rewindHeadBytes));
     session.battery.rolledBack = true;
+    TapeNoteState(session);
     RunMachine(session, input, video, audio);
     EmuDrawSpeedGlyph(SpeedGlyph::kBack, video);
     EmuReverseSound(audio);
@@ -70,7 +72,13 @@ void StepForward(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& v
                  EMU_AUDIO_FRAME& audio) {
     session.rewind.rewindSteps = 0;
     const uint64_t limit = RewindLimitBytes(Settings().GetInt(L"emu_rewindbuffer"));
-    RunMachine(session, input, video, audio);
+    if (session.tape != nullptr) {
+        TapedFrame frame(session, input);
+        RunMachine(session, frame.Input(), video, audio);
+        frame.Done(video, audio);
+    } else {
+        RunMachine(session, input, video, audio);
+    }
     if (limit != 0) {
         Record(session, limit);
     }
@@ -88,6 +96,10 @@ void RunSaveHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& keys) 
                    : wasThere ? "The saved state cannot be loaded"
                               : "No saved state to load");
     }
+    if (keys.saveRecording && !loop.recordingWasDown) {
+        TapeSaveLastMinutes(session);
+    }
+    loop.recordingWasDown = keys.saveRecording;
     loop.saveWasDown = keys.saveState;
     loop.loadWasDown = keys.loadState;
 }
@@ -178,6 +190,7 @@ HOTKEYS EmuPollHotkeys(uint32_t key) {
     keys.loadState = InputIsDown(key, L"Load State");
     keys.fastForward = InputIsDown(key, L"Fast Forward");
     keys.rewind = InputIsDown(key, L"Rewind");
+    keys.saveRecording = InputIsDown(key, L"Save Recording");
     return keys;
 }
 

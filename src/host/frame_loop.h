@@ -52,6 +52,7 @@ struct HOTKEYS {
     bool loadState = false;
     bool fastForward = false;
     bool rewind = false;
+    bool saveRecording = false; // of the last minutes
 };
 [[nodiscard]] HOTKEYS EmuPollHotkeys(uint32_t key);
 
@@ -64,6 +65,7 @@ struct FRAME_LOOP {
     uint32_t fastForwardSteps;
     bool saveWasDown = false;
     bool loadWasDown = false;
+    bool recordingWasDown = false;
     EMU_VIDEO_FRAME lastPicture{}; // the last one presented; the host owns its pixels
     std::vector<uint32_t> kept;    // a picture of this round that a held one was drawn over
     std::vector<uint32_t> scratch; // for rotating pictures

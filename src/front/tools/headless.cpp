@@ -2,6 +2,7 @@
 #include "base/files.h"
 #include "base/random.h"
 #include "formats/sha256.h"
+#include "front/recordings.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/input_script.h"
@@ -13,6 +14,7 @@
 #include "host/frame_loop.h"
 #include "host/picture.h"
 #include "host/session.h"
+#include "host/session_tape.h"
 #include "machine/inspection.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -24,6 +26,7 @@ namespace {
 
 constexpr uint32_t kSessionKey = 1;
 constexpr uint32_t kDefaultFrames = 600; // without --frames
+constexpr uint32_t kKeptFrames = 600;    // between two writes of what is recorded
 
 class HeadlessRun {
 public:
@@ -42,6 +45,9 @@ public:
             script.Feed(frame);
             input = {};
             EmuStep(*session, &input, &video, &sound.frame, false);
+            if (frame % kKeptFrames == 0) {
+                TapeKeep(*session);
+            }
             EmuRotateFrame(video, scratch);
             if (!KeepFrame(frame)) {
                 return kExitFailed;
@@ -59,7 +65,8 @@ public:
 
 private:
     int ReadOptions() {
-        frames = options.frames != 0 ? options.frames : kDefaultFrames;
+        const uint32_t wanted = opened.replay != nullptr ? opened.replay->frames : kDefaultFrames;
+        frames = options.frames != 0 ? options.frames : wanted;
         std::string error;
         if (!ReadScreenshots(options.screenshots, frames, screenshots, error)) {
             Complain(error);
@@ -87,6 +94,9 @@ private:
             return false;
         }
         session->showStatic = options.showStatic ? 1 : 0;
+        SESSION_RECORDS records = RecordsOf(opened);
+        records.lastMinutes = false;
+        TapeBegin(*session, games, opened.options.data(), records);
         pixels = AllocateAligned<uint32_t>(EmuPicturePixels(*session));
         video.pixels = pixels.get();
         if (!options.hashFile.empty()) {
@@ -97,6 +107,20 @@ private:
             }
         }
         return options.loadState.empty() || LoadState();
+    }
+
+    // False if the replay is not the recording.
+    [[nodiscard]] bool ReplayIsEqual() const {
+        if (session->tape == nullptr || session->tape->replay == nullptr) {
+            return true;
+        }
+        const SessionReplay& replay = *session->tape->replay;
+        if (replay.Differs() || replay.End() == ReplayEnd::kRefused) {
+            Complain(options.replayFile + ": " + replay.Result());
+            return false;
+        }
+        std::printf("%s\n", replay.Result().c_str());
+        return true;
     }
 
     bool LoadState() {
@@ -110,6 +134,7 @@ private:
             Complain(options.loadState + ": is not a state of this machine");
             return false;
         }
+        TapeNoteState(*session);
         return true;
     }
 
@@ -218,6 +243,12 @@ private:
     }
 
     bool Finish() {
+        const bool recorded = TapeEnd(*session);
+        const bool equal = ReplayIsEqual();
+        return WriteFiles() && recorded && equal;
+    }
+
+    bool WriteFiles() {
         if (hashes.is_open() && !hashes.flush()) {
             Complain(options.hashFile + ": cannot be written");
             return false;

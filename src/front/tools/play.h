@@ -25,6 +25,8 @@ struct PLAY_OPTIONS {
     std::string loadState;
     std::vector<std::string> peeks; // ADDRESS[:LENGTH]
     std::vector<std::string> dumps; // REGION=FILE
+    std::string recordFile;         // the inputs of the run
+    std::string replayFile;         // is played instead of the player
     std::string latencyAction;      // in the window: measure this action's latency, and end
 };
 

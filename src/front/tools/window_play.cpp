@@ -73,7 +73,7 @@ public:
 
     int Run(const OPENED_GAME& opened) {
         std::string error;
-        if (!options.latencyAction.empty()) {
+        if (!options.latencyAction.empty() || opened.replay != nullptr) {
             application.LeaveSavesAlone();
         }
         if (!StartSomewhere(error)) {

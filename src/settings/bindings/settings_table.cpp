@@ -33,6 +33,7 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"emu_fastforward",          2     }, // frames per round
     {L"emu_gameroomfilter",       false }, // smooth picture on the television
     {L"emu_rewindbuffer",         256   }, // mebibytes
+    {L"emu_recordminutes",        5     }, // of the last inputs, kept in memory
     {L"emu_autosaves",            3     }, // bit 0 load at start, bit 1 save at stop
     {L"megadrive_psgvolume",      1.25f }, // gains
     {L"megadrive_ymvolume",       1.0f  },

@@ -61,12 +61,12 @@ bool SelectVariant(const RECORDING_ABOUT& about, OPENED_GAME& opened) {
 
 void UseSound(const SOUND_CHOICE& sound) {
     for (const auto& [name, value] : {
-             std::pair{"audio_app_samplerate", std::to_string(sound.rate)},
-             std::pair{"audio_app_quality", std::to_string(sound.quality)},
+             std::pair{"audio_app_samplerate",    std::to_string(sound.rate)           },
+             std::pair{"audio_app_quality",       std::to_string(sound.quality)        },
              std::pair{"emu_audiocutoff_enabled", std::string(sound.cutoff ? "1" : "0")},
-             std::pair{"emu_audiocutoff_low", std::to_string(sound.cutoffLow)},
-             std::pair{"emu_audiocutoff_high", std::to_string(sound.cutoffHigh)},
-         }) {
+             std::pair{"emu_audiocutoff_low",     std::to_string(sound.cutoffLow)      },
+             std::pair{"emu_audiocutoff_high",    std::to_string(sound.cutoffHigh)     },
+    }) {
         static_cast<void>(SetForThisRun(name, value));
     }
 }
@@ -111,8 +111,9 @@ bool PrepareReplay(std::shared_ptr<const RECORDING> recording, OPENED_GAME& open
                    std::string& error) {
     const RECORDING_ABOUT& about = recording->about;
     if (about.system != opened.game.Header().system || !SelectVariant(about, opened)) {
-        error = "the recording is of another game, or of it with another patch or console image: \"" +
-                about.title + "\"";
+        error =
+            "the recording is of another game, or of it with another patch or console image: \"" +
+            about.title + "\"";
         return false;
     }
     if (about.program != RecordingProgram()) {

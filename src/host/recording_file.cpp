@@ -74,9 +74,9 @@ void PutPacked(Bytes& out, std::span<const uint8_t> bytes) {
     const size_t head = out.size();
     const auto length = static_cast<int>(bytes.size());
     out.resize(head + static_cast<size_t>(LZ4_compressBound(length)));
-    const int packed = LZ4_compress_default(
-        reinterpret_cast<const char*>(bytes.data()), reinterpret_cast<char*>(out.data() + head),
-        length, static_cast<int>(out.size() - head));
+    const int packed = LZ4_compress_default(reinterpret_cast<const char*>(bytes.data()),
+                                            reinterpret_cast<char*>(out.data() + head), length,
+                                            static_cast<int>(out.size() - head));
     out.resize(head + static_cast<size_t>(std::max(packed, 0)));
 }
 
@@ -338,7 +338,8 @@ bool ReadRecording(std::span<const uint8_t> file, RECORDING& recording, std::str
     }
     const auto version = Taker(chunk.payload).Take<uint32_t>();
     if (version != kFormatVersion) {
-        error = "was recorded by another version of the program, in a form that this one cannot read";
+        error =
+            "was recorded by another version of the program, in a form that this one cannot read";
         return false;
     }
     Reader reader(recording);

@@ -32,7 +32,8 @@ struct FRAME_INPUTS {
 struct RECORDING_ABOUT {
     std::string program; // the version that recorded it
     std::string title;   // of the game
-    std::string game;    // its file in the program's notation, "demo:" and a name, or a file's name alone
+    std::string
+        game; // its file in the program's notation, "demo:" and a name, or a file's name alone
     std::string console; // the file of the console's own image, in the same way; empty without one
     uint16_t system = 0; // GameSystem
     std::array<Sha256Digest, 2> images{}; // of the game and of the console's own; zeros without one
@@ -69,7 +70,8 @@ struct RECORDING {
     std::vector<RECORDING_STEP> steps;
     std::vector<RECORDING_CHECK> checks;
     uint32_t frames = 0;
-    std::optional<Sha256Digest> end; // of the machine's state after the last frame; none: interrupted
+    std::optional<Sha256Digest>
+        end; // of the machine's state after the last frame; none: interrupted
 };
 
 inline constexpr uint32_t kRecordingCheckFrames = 60; // between two checks, and at most in a chunk
@@ -95,8 +97,7 @@ void WriteRecordingChunk(std::vector<uint8_t>& out, std::string_view tag,
 void WriteRecordingAbout(std::vector<uint8_t>& out, const RECORDING_ABOUT& about,
                          uint32_t firstFrame);
 void WriteRecordingMemory(std::vector<uint8_t>& out, std::span<const uint8_t> memory);
-void WriteRecordingState(std::vector<uint8_t>& out, uint32_t frame,
-                         std::span<const uint8_t> state);
+void WriteRecordingState(std::vector<uint8_t>& out, uint32_t frame, std::span<const uint8_t> state);
 void WriteRecordingEnd(std::vector<uint8_t>& out, uint32_t frames, const Sha256Digest& state);
 
 // A chunk of frames on its way.

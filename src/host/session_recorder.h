@@ -46,8 +46,8 @@ public:
 private:
     struct PART {
         uint32_t firstFrame = 0;
-        std::vector<uint8_t> start;  // the chunk of a state, or of the game's own memory at power-on
-        bool stateTaken = false;     // the machine took the state here
+        std::vector<uint8_t> start; // the chunk of a state, or of the game's own memory at power-on
+        bool stateTaken = false;    // the machine took the state here
         std::vector<uint8_t> chunks; // of frames
     };
 

@@ -69,8 +69,7 @@ void SessionReplay::Compare(const EMU_VIDEO_FRAME& video, const EMU_AUDIO_FRAME&
     }
     ++nextCheck;
     const std::span<const uint32_t> pixels(video.pixels, size_t{video.width} * video.height);
-    const bool picture =
-        check.picture == RecordingPictureHash(pixels, video.width, video.height);
+    const bool picture = check.picture == RecordingPictureHash(pixels, video.width, video.height);
     if (picture && (!soundCounts || check.sound == RecordingSoundHash(sound))) {
         equalUntil = differs == 0 ? frame + 1 : equalUntil;
     } else if (differs == 0) {

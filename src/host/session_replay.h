@@ -48,7 +48,7 @@ public:
 
     [[nodiscard]] ReplayEnd End() const { return end; }
     [[nodiscard]] bool Differs() const { return differs != 0; } // so far
-    [[nodiscard]] uint32_t Frame() const { return frame; } // played so far
+    [[nodiscard]] uint32_t Frame() const { return frame; }      // played so far
     [[nodiscard]] uint32_t Frames() const { return recording->frames; }
     // One sentence on how it ended.
     [[nodiscard]] std::string Result() const;

@@ -228,8 +228,7 @@ void TapeSaveLastMinutes(EMU_THREAD& session) {
         HostNotice("Nothing was recorded yet");
         return;
     }
-    const std::string stem =
-        ".\\recordings\\" + FileNameFromTitle(session.gameName) + TimeText();
+    const std::string stem = ".\\recordings\\" + FileNameFromTitle(session.gameName) + TimeText();
     fs::path path;
     std::error_code ignored;
     for (uint32_t attempt = 0; path.empty() || fs::exists(path, ignored); ++attempt) {

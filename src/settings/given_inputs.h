@@ -28,6 +28,7 @@ private:
     const uint32_t key;
     const std::span<const std::wstring_view> actions;
     const uint32_t bits;
-    size_t next = 0; // machines ask in the order of the names, so the search begins after the last one found
+    size_t next =
+        0; // machines ask in the order of the names, so the search begins after the last one found
     GivenInputs* const outer;
 };

@@ -39,6 +39,7 @@ constexpr ROW kRows[] = {
     {kInt,    L"emu_fastforward",          2    },
     {kBool,   L"emu_gameroomfilter",       0    },
     {kInt,    L"emu_rewindbuffer",         256  },
+    {kInt,    L"emu_recordminutes",        5    },
     {kInt,    L"emu_autosaves",            3    },
     {kFloat,  L"megadrive_psgvolume",      1.25 },
     {kFloat,  L"megadrive_ymvolume",       1.0  },
@@ -89,6 +90,8 @@ std::vector<ACTION> ExpectedActions() {
         {L"Save State",      64    },
         {L"Saved States",    66    },
         {L"Game Menu",       58    },
+        {L"Save Recording",  (3 << 16) | 69},
+        {L"Record Video",    (192 << 16) | 69},
     };
     AddPlayers(actions, L"NES",
                {

@@ -27,7 +27,7 @@ constexpr uint64_t Right(uint32_t player) {
     return PadBit(player, kPadDpadRight) | PadBit(player, kPadStickRight);
 }
 
-constexpr size_t kProgramActions = 15; // come first in the table
+constexpr size_t kProgramActions = 16; // come first in the table
 
 // clang-format off
 constexpr INPUT_ACTION kInputActions[] = {
@@ -47,6 +47,7 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"Saved States", 66, PadBit(0, kPadRightClick)},           // F9
     {L"Game Menu", 58},                                         // F1
     {L"Save Recording", KeyboardBinding(69, kModifierShift)},   // Shift + F12
+    {L"Record Video", KeyboardBinding(69, kModifierCtrl)},      // Ctrl + F12
     // NES
     {L"NES P1 UP", 82, Up(0)},                                  // Up
     {L"NES P1 DOWN", 81, Down(0)},                              // Down

@@ -20,6 +20,7 @@
 #include "front/save_keeper.h"
 #include "front/saved_states.h"
 #include "front/session_callbacks.h"
+#include "front/window_video.h"
 #include "gui/manager.h"
 #include "host/battery_file.h"
 #include "host/host_data.h"
@@ -445,6 +446,7 @@ void Application::Stop() {
     EmuStopSession(kFrontTelevision, SessionEnd::kProgramEnds);
     playing = false;
     Release();
+    WindowVideoFinish();
     resumeGames.reset();
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
     ReleaseThisThread(processor);

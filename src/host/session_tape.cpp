@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "facts/machine_facts.h"
 #include "formats/game_file.h"
+#include "host/dated_file.h"
 #include "host/report.h"
 #include "host/session_list.h"
 #include "machine/battery.h"
@@ -12,9 +13,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <ctime>
 #include <fstream>
-#include <system_error>
 #include <utility>
 
 namespace fs = std::filesystem;
@@ -23,7 +22,6 @@ namespace {
 
 constexpr int32_t kMostMinutes = 60;
 constexpr size_t kMostActions = 32; // bits of FRAME_INPUTS::actions
-constexpr const char* kExtension = ".recording";
 
 std::vector<std::wstring_view> ActionsOf(uint32_t system) {
     std::vector<std::wstring_view> actions;
@@ -93,19 +91,6 @@ void TakeOver(SESSION_TAPE& tape) {
         tape.replay->TakeOver();
         TellEnd(tape);
     }
-}
-
-// " 2030-01-31 23-59-59"
-std::string TimeText() {
-    const std::time_t now = std::time(nullptr);
-    std::tm time{};
-#ifdef _WIN32
-    localtime_s(&time, &now);
-#else
-    localtime_r(&now, &time);
-#endif
-    char text[64];
-    return {text, std::strftime(text, sizeof text, " %Y-%m-%d %H-%M-%S", &time)};
 }
 
 } // namespace
@@ -228,12 +213,7 @@ void TapeSaveLastMinutes(EMU_THREAD& session) {
         HostNotice("Nothing was recorded yet");
         return;
     }
-    const std::string stem = ".\\recordings\\" + FileNameFromTitle(session.gameName) + TimeText();
-    fs::path path;
-    std::error_code ignored;
-    for (uint32_t attempt = 0; path.empty() || fs::exists(path, ignored); ++attempt) {
-        path = ResolvePath(stem + (attempt == 0 ? "" : "-" + std::to_string(attempt)) + kExtension);
-    }
+    const fs::path path = DatedFile(".\\recordings\\", session.gameName, ".recording");
     std::string error;
     if (!WriteFile(path, bytes, error, WriteMode::kCreate)) {
         HostReport("recording: " + error);

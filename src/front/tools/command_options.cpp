@@ -49,6 +49,14 @@ COMMAND AddPlay(CLI::App& app) {
     command->add_option("--replay", play->replayFile, "Play a recording of inputs, and compare")
         ->type_name("FILE")
         ->excludes("--input");
+    CLI::Option* const video = command
+                                   ->add_option("--video", play->videoFile,
+                                                "Write pictures and sound as a video, .mkv or .mp4")
+                                   ->type_name("FILE");
+    command
+        ->add_flag("--lossless", play->videoLossless,
+                   "The video has every dot exactly, a pixel each (.mkv)")
+        ->needs(video);
     command
         ->add_option("--screenshot", play->screenshots,
                      "FRAME=FILE.png or last=FILE.png; frames count from 1")

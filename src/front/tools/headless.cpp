@@ -10,6 +10,7 @@
 #include "front/tools/number_text.h"
 #include "front/tools/play.h"
 #include "front/tools/screenshots.h"
+#include "front/video_capture.h"
 #include "host/aligned_block.h"
 #include "host/frame_loop.h"
 #include "host/picture.h"
@@ -94,6 +95,10 @@ private:
             return false;
         }
         session->showStatic = options.showStatic ? 1 : 0;
+        if (!options.videoFile.empty()) {
+            capture = std::make_unique<VideoCapture>(CAPTURE_SETTINGS{
+                options.videoFile, options.videoLossless, session->system, CaptureWait::kAlways});
+        }
         SESSION_RECORDS records = RecordsOf(opened);
         records.lastMinutes = false;
         TapeBegin(*session, games, opened.options.data(), records);
@@ -139,6 +144,9 @@ private:
     }
 
     bool KeepFrame(uint32_t frame) {
+        if (capture != nullptr) {
+            capture->Add(video, sound.frame);
+        }
         const size_t values = size_t{sound.frame.sampleCount} * 2;
         if (!options.wavFile.empty()) {
             samples.insert(samples.end(), sound.frame.samples, sound.frame.samples + values);
@@ -245,7 +253,16 @@ private:
     bool Finish() {
         const bool recorded = TapeEnd(*session);
         const bool equal = ReplayIsEqual();
-        return WriteFiles() && recorded && equal;
+        const bool filmed = VideoIsWritten();
+        return WriteFiles() && recorded && equal && filmed;
+    }
+
+    bool VideoIsWritten() {
+        if (capture == nullptr || capture->Finish().whole) {
+            return true;
+        }
+        Complain(capture->Finish().line);
+        return false;
     }
 
     bool WriteFiles() {
@@ -271,6 +288,7 @@ private:
     std::vector<uint32_t> scratch;
     std::vector<int16_t> samples; // of the whole run, for the WAV
     std::ofstream hashes;
+    std::unique_ptr<VideoCapture> capture; // null without --video
 };
 
 } // namespace

@@ -13,6 +13,7 @@
 #include "front/tools/screenshots.h"
 #include "front/tools/window_picture.h"
 #include "front/unread_notices.h"
+#include "front/window_video.h"
 #include "host/session.h"
 
 #include <SDL.h>
@@ -81,6 +82,9 @@ public:
             return kExitFailed;
         }
         TellUnreadNotices();
+        if (!options.videoFile.empty()) {
+            WindowVideoWanted(options.videoFile, options.videoLossless);
+        }
         int code = kExitFailed;
         if (!application.Play(opened, error)) {
             PostReport(error);
@@ -90,6 +94,9 @@ public:
             code = PlayOn();
         }
         application.Stop();
+        if (!WindowVideoFinish()) {
+            code = kExitFailed;
+        }
         KeepUnreadNotices();
         return code;
     }

@@ -1,8 +1,7 @@
 // `play --record` and `play --replay` as a user runs them, on our own games.
 
-#include "front/tools/run_ombrelune.h"
-
 #include "base/files.h"
+#include "front/tools/run_ombrelune.h"
 #include "host/recording_file.h"
 
 #include <gmock/gmock.h>
@@ -68,15 +67,15 @@ protected:
 TEST_F(Recording, ReplaysToTheSamePicturesAndSoundOnEveryMachine) {
     for (const PLAYED_GAME& game : kGames) {
         Record(game, "a.recording");
-        const PROGRAM_RESULT result = Play(
-            {"--replay", Path("a.recording"), "--frame-hashes", Path("replayed.txt")});
+        const PROGRAM_RESULT result =
+            Play({"--replay", Path("a.recording"), "--frame-hashes", Path("replayed.txt")});
         EXPECT_EQ(result.exitCode, 0) << game.demo << ": " << result.error;
         EXPECT_EQ(result.output,
                   "260 frames replayed: pictures and sound are those of the recording\n");
         EXPECT_EQ(folder.Read("recorded.txt"), folder.Read("replayed.txt")) << game.demo;
         // The script has done something: without it the frames are others.
-        ASSERT_EQ(Play({game.demo, "--frames", "260", "--frame-hashes", Path("still.txt")}).exitCode,
-                  0);
+        ASSERT_EQ(
+            Play({game.demo, "--frames", "260", "--frame-hashes", Path("still.txt")}).exitCode, 0);
         EXPECT_NE(folder.Read("recorded.txt"), folder.Read("still.txt")) << game.demo;
     }
 }
@@ -84,14 +83,15 @@ TEST_F(Recording, ReplaysToTheSamePicturesAndSoundOnEveryMachine) {
 TEST_F(Recording, FromAStateReplaysToTheSamePicturesAndSoundOnEveryMachine) {
     for (const PLAYED_GAME& game : kGames) {
         Write("script.txt", game.script);
-        ASSERT_EQ(Play({game.demo, "--frames", "133", "--save-state", Path("a.state")}).exitCode, 0);
+        ASSERT_EQ(Play({game.demo, "--frames", "133", "--save-state", Path("a.state")}).exitCode,
+                  0);
         ASSERT_EQ(Play({game.demo, "--input", Path("script.txt"), "--load-state", Path("a.state"),
                         "--frames", "200", "--record", Path("a.recording"), "--frame-hashes",
                         Path("recorded.txt")})
                       .exitCode,
                   0);
-        const PROGRAM_RESULT result = Play(
-            {"--replay", Path("a.recording"), "--frame-hashes", Path("replayed.txt")});
+        const PROGRAM_RESULT result =
+            Play({"--replay", Path("a.recording"), "--frame-hashes", Path("replayed.txt")});
         EXPECT_EQ(result.exitCode, 0) << game.demo << ": " << result.error;
         EXPECT_EQ(folder.Read("recorded.txt"), folder.Read("replayed.txt")) << game.demo;
     }

@@ -1,8 +1,8 @@
 #include "front/video_capture.h"
 
 #include "base/helper_thread.h"
-#include "video/video_rate.h"
 
+#include "video/video_rate.h"
 #include <SDL.h>
 
 #include <chrono>
@@ -71,6 +71,7 @@ void VideoCapture::Add(const EMU_VIDEO_FRAME& video, const EMU_AUDIO_FRAME& audi
             piece.pixels.insert(piece.pixels.end(), row, row + piece.width);
         }
     }
+    framePairs = frames <= 2 ? audio.sampleCount : framePairs;
     PIECE& last = waiting.back();
     last.sampleRate = audio.sampleRate;
     last.samples.insert(last.samples.end(), audio.samples,
@@ -97,7 +98,8 @@ bool VideoCapture::TakePiece(PIECE& piece) {
     if (!piece.pixels.empty()) {
         spare.push_back(std::move(piece.pixels));
     }
-    changed.wait(hold, [this] { return !waiting.empty() || over; });
+    // The second frame tells how long one is.
+    changed.wait(hold, [this] { return (frames >= 2 && !waiting.empty()) || over; });
     if (waiting.empty()) {
         return false;
     }
@@ -107,6 +109,30 @@ bool VideoCapture::TakePiece(PIECE& piece) {
     return true;
 }
 
+// A console that is switched on in the midst of a picture has less sound in its first frame; silence makes it whole.
+bool VideoCapture::Begin(CVideoFile& file, PIECE& first, std::string& error) {
+    uint32_t pairs = 0;
+    {
+        const std::scoped_lock hold(lock);
+        pairs = framePairs;
+    }
+    const VIDEO_RATE rate = VideoRate(settings.system, pairs, first.sampleRate);
+    VIDEO_FORMAT format;
+    format.form = settings.lossless ? VideoForm::kLossless : VideoForm::kEverywhere;
+    format.width = first.width;
+    format.height = first.height;
+    format.dotPixels = settings.dotPixels;
+    format.aspect = first.aspect;
+    format.rateNumber = rate.number;
+    format.rateDivisor = rate.divisor;
+    format.sampleRate = first.sampleRate;
+    const size_t whole = size_t{pairs} * 2 * (first.repeats + 1);
+    if (first.samples.size() + pairs < whole) {
+        first.samples.insert(first.samples.begin(), whole - first.samples.size(), 0);
+    }
+    return file.Open(settings.path, format, error);
+}
+
 bool VideoCapture::Write(std::string& error) {
     const std::unique_ptr<CVideoFile> file = maker(error);
     PIECE piece;
@@ -114,18 +140,7 @@ bool VideoCapture::Write(std::string& error) {
     bool begun = false;
     while (good && TakePiece(piece)) {
         if (!begun) {
-            const auto pairs = static_cast<uint32_t>(piece.samples.size() / 2 / (piece.repeats + 1));
-            const VIDEO_RATE rate = VideoRate(settings.system, pairs, piece.sampleRate);
-            VIDEO_FORMAT format;
-            format.form = settings.lossless ? VideoForm::kLossless : VideoForm::kEverywhere;
-            format.width = piece.width;
-            format.height = piece.height;
-            format.dotPixels = settings.dotPixels;
-            format.aspect = piece.aspect;
-            format.rateNumber = rate.number;
-            format.rateDivisor = rate.divisor;
-            format.sampleRate = piece.sampleRate;
-            good = file->Open(settings.path, format, error);
+            good = Begin(*file, piece, error);
             begun = true;
         }
         good = good && (piece.pixels.empty() ? file->RepeatPicture(error)

@@ -68,6 +68,7 @@ private:
     [[nodiscard]] bool WaitForRoom(std::unique_lock<std::mutex>& hold);
     void Run();
     [[nodiscard]] bool TakePiece(PIECE& piece);
+    [[nodiscard]] bool Begin(CVideoFile& file, PIECE& first, std::string& error);
     [[nodiscard]] bool Write(std::string& error);
     [[nodiscard]] CAPTURE_RESULT Result(bool written, const std::string& error);
 
@@ -77,11 +78,12 @@ private:
     CAPTURE_RESULT result; // after the thread has ended
     std::mutex lock;
     std::condition_variable changed;
-    std::deque<PIECE> waiting;                 // under `lock`, as are the next four
-    std::vector<std::vector<uint32_t>> spare;  // pixels to be used again
-    bool over = false;                         // no more comes
-    bool failed = false;                       // nothing more is taken
+    std::deque<PIECE> waiting;                // under `lock`, as is all up to `missing`
+    std::vector<std::vector<uint32_t>> spare; // pixels to be used again
+    bool over = false;                        // no more comes
+    bool failed = false;                      // nothing more is taken
     uint64_t frames = 0;
+    uint32_t framePairs = 0; // of sound of the second frame, or of a first one alone
     uint64_t missing = 0;
     std::thread thread; // last, as it uses the others
 };

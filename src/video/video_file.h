@@ -23,8 +23,8 @@ struct VIDEO_FORMAT {
     VideoForm form = VideoForm::kEverywhere;
     uint32_t width = 0; // of a picture, in dots
     uint32_t height = 0;
-    uint32_t dotPixels = 4; // of kEverywhere, in both directions: 2 or 4
-    double aspect = 0.0; // width to height on a display; 0: dots are square
+    uint32_t dotPixels = 4;   // of kEverywhere, in both directions: 2 or 4
+    double aspect = 0.0;      // width to height on a display; 0: dots are square
     uint32_t rateNumber = 60; // pictures a second
     uint32_t rateDivisor = 1;
     uint32_t sampleRate = 44100; // pairs a second

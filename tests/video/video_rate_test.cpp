@@ -21,7 +21,6 @@ TEST(VideoRate, IsTheConsolesOwn) {
         EXPECT_NEAR(Rate(system, 887, 44100), 49.7015, 0.0001);
     }
     EXPECT_NEAR(Rate(kSystemNes, 733, 44100), 60.0988, 0.0001);
-    EXPECT_NEAR(Rate(kSystemNes, 882, 44100), 50.0070, 0.0001);
 }
 
 // The first frame of a resampler is a few samples short.

@@ -208,9 +208,9 @@ bool PictureEncoder::SplitColours(const uint32_t* pixels, int width, int height,
             return false;
         }
         sws_freeContext(colours);
-        colours = sws_getContext(width, height, AV_PIX_FMT_0RGB32, width, height,
-                                 AV_PIX_FMT_YUV444P, SWS_POINT | SWS_ACCURATE_RND, nullptr, nullptr,
-                                 nullptr);
+        colours =
+            sws_getContext(width, height, AV_PIX_FMT_0RGB32, width, height, AV_PIX_FMT_YUV444P,
+                           SWS_POINT | SWS_ACCURATE_RND, nullptr, nullptr, nullptr);
         if (colours == nullptr) {
             error = ErrorText(AVERROR(ENOMEM));
             return false;

@@ -1,14 +1,13 @@
-#include "video/video_file.h"
-
 #include "video/encoder/video_stream.h"
+#include "video/video_file.h"
 
 #include <algorithm>
 #include <vector>
 
 namespace {
 
-constexpr uint32_t kMostSide = 1024;       // of a picture, in dots
-constexpr int kSoundFrame = 4096; // pairs, for encoders without a size of their own
+constexpr uint32_t kMostSide = 1024; // of a picture, in dots
+constexpr int kSoundFrame = 4096;    // pairs, for encoders without a size of their own
 
 std::string Extension(const std::string& path) {
     const size_t dot = path.find_last_of("./\\");

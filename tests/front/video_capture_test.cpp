@@ -177,16 +177,17 @@ TEST_F(VideoCaptureTest, InAGameASlowWriterLosesPicturesAndTellsHowMany) {
     }
     EXPECT_GE(missing, 9u);
     EXPECT_LE(missing, 10u);
-    EXPECT_EQ(capture.Finish().line, "Video: a.mkv; " + std::to_string(missing) +
-                                         " of 70 pictures are missing, as the computer was too slow");
+    EXPECT_EQ(capture.Finish().line,
+              "Video: a.mkv; " + std::to_string(missing) +
+                  " of 70 pictures are missing, as the computer was too slow");
 }
 
 TEST_F(VideoCaptureTest, AFailureIsToldAndHoldsNobodyUp) {
     gFails = true;
     std::atomic<int> told{0};
     VideoCapture capture(
-        Settings(CaptureWait::kAlways), [&](const CAPTURE_RESULT& result) { told += !result.whole; },
-        MakeFake);
+        Settings(CaptureWait::kAlways),
+        [&](const CAPTURE_RESULT& result) { told += !result.whole; }, MakeFake);
     for (uint32_t i = 1; i <= 300; ++i) {
         Add(capture, i);
     }

@@ -3,6 +3,8 @@
 #include <SDL.h>
 
 #include <array>
+#include <filesystem>
+#include <system_error>
 
 namespace {
 
@@ -15,17 +17,23 @@ VideoModuleEntry LoadModule(std::string& error) {
     char* const base = SDL_GetBasePath();
     const std::string programFolder = base != nullptr ? base : "";
     SDL_free(base);
+    error = std::string("videos cannot be written: this program has no ") + kModule;
     for (const char* folder : kFolders) {
-        // Never unloaded: its libraries do not mind, and threads of theirs may end late.
-        void* const module = SDL_LoadObject((programFolder + folder + kModule).c_str());
-        if (module == nullptr) {
+        const std::string path = programFolder + folder + kModule;
+        std::error_code ignored;
+        if (!std::filesystem::exists(path, ignored)) {
             continue;
         }
-        if (void* const entry = SDL_LoadFunction(module, kVideoModuleEntry); entry != nullptr) {
+        // Never unloaded: its libraries do not mind, and threads of theirs may end late.
+        void* const module = SDL_LoadObject(path.c_str());
+        void* const entry =
+            module != nullptr ? SDL_LoadFunction(module, kVideoModuleEntry) : nullptr;
+        if (entry != nullptr) {
+            error.clear();
             return reinterpret_cast<VideoModuleEntry>(entry);
         }
+        error = std::string("videos cannot be written: ") + SDL_GetError();
     }
-    error = std::string("videos cannot be written: ") + SDL_GetError();
     return nullptr;
 }
 

@@ -25,21 +25,21 @@ void Key(SDL_Scancode scancode, bool down) {
 
 class WindowRecording : public WindowTest {
 protected:
-    // Holds both keys until a file is in the folder.
-    fs::path PressUntilFile(Application& application, SDL_Scancode modifier, const char* name) {
-        Key(modifier, true);
+    // Holds the keys until there is a recording, and returns its file.
+    fs::path SaveRecording(Application& application) {
+        Key(SDL_SCANCODE_LSHIFT, true);
         Key(SDL_SCANCODE_F12, true);
-        const fs::path where = folder.Path() / name;
+        const fs::path where = folder.Path() / "recordings";
         fs::path file;
         EXPECT_TRUE(RunUntil(application, [&] {
             std::error_code ignored;
             for (const auto& entry : fs::directory_iterator(where, ignored)) {
-                file = entry.path();
+                file = entry.path().extension() == ".recording" ? entry.path() : file;
             }
             return !file.empty();
         }));
         Key(SDL_SCANCODE_F12, false);
-        Key(modifier, false);
+        Key(SDL_SCANCODE_LSHIFT, false);
         return file;
     }
 
@@ -70,7 +70,7 @@ TEST_F(WindowRecording, TheKeySavesWhatWasJustPlayedAndItPlaysToTheSame) {
     ASSERT_TRUE(RunUntilColour(application, kBlue));
     Key(SDL_SCANCODE_A, false);
     ASSERT_TRUE(RunFrames(application, 70));
-    const fs::path file = PressUntilFile(application, SDL_SCANCODE_LSHIFT, "recordings");
+    const fs::path file = SaveRecording(application);
     application.Stop();
     EXPECT_FALSE(fs::exists(folder.Path() / "screenshots")); // the same key without Shift
 
@@ -85,6 +85,7 @@ TEST_F(WindowRecording, TheKeySavesWhatWasJustPlayedAndItPlaysToTheSame) {
 }
 
 TEST_F(WindowRecording, AReplayPlaysInTheWindowWithoutThePlayer) {
+    PLAY_OPTIONS options;
     {
         Application application;
         ASSERT_NO_FATAL_FAILURE(Start(application));
@@ -94,11 +95,7 @@ TEST_F(WindowRecording, AReplayPlaysInTheWindowWithoutThePlayer) {
         ASSERT_TRUE(RunUntilColour(application, kBlue));
         Key(SDL_SCANCODE_A, false);
         ASSERT_TRUE(RunFrames(application, 5));
-        PressUntilFile(application, SDL_SCANCODE_LSHIFT, "recordings");
-    }
-    PLAY_OPTIONS options;
-    for (const auto& entry : fs::directory_iterator(folder.Path() / "recordings")) {
-        options.replayFile = entry.path().string();
+        options.replayFile = SaveRecording(application).string();
     }
     OPENED_GAME opened;
     std::string error;

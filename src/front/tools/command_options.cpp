@@ -22,7 +22,7 @@ COMMAND AddPlay(CLI::App& app) {
     const auto play = std::make_shared<PLAY_OPTIONS>();
     CLI::App* const command = app.add_subcommand("play", "Play a game");
     command->add_option("GAME", play->game,
-                        "A ROM, a .zip, a .game or demo:NAME; --replay finds its own");
+                        "A ROM, a .zip, a .game or demo:NAME (--replay finds its own)");
     command
         ->add_option("--machine", play->machine, "The machine, if not the one that the file says")
         ->check(CLI::IsMember(MachineNames()));

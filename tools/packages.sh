@@ -4,6 +4,7 @@
 build_packages=(
     g++ cmake ninja-build pkg-config ccache sdcc cc65 binutils-m68k-linux-gnu
     libcli11-dev libgl-dev libgl1-mesa-dri libglu1-mesa-dev libopenal-dev libpng-dev
+    libavcodec-dev libavformat-dev libavutil-dev libswscale-dev
     libboost-dev libfreetype-dev liblz4-dev liblzma-dev libpugixml-dev libsdl2-dev libsqlite3-dev libssl-dev libstb-dev
     libturbojpeg0-dev libutfcpp-dev libzip-dev nlohmann-json3-dev zlib1g-dev fonts-inter fonts-jetbrains-mono librsvg2-bin
 )

@@ -25,6 +25,7 @@
 #include "front/save_keeper.h"
 #include "front/saved_states.h"
 #include "front/session_callbacks.h"
+#include "front/window_video.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "host/battery_file.h"
@@ -625,6 +626,7 @@ void Application::Stop() {
         KeepInSettings(*place);
     }
     Release();
+    WindowVideoFinish();
     resumeGames.reset();
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
     ReleaseThisThread(processor);

@@ -4,10 +4,13 @@
 #include "formats/game_file.h"
 #include "machines/machine_options.h"
 
+#include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
 struct MACHINE_FACTS;
+struct RECORDING;
 
 struct OPENED_GAME {
     CGameFile game;
@@ -18,6 +21,8 @@ struct OPENED_GAME {
     bool hasBios = false;
     std::string title;
     OptionBlock options{};
+    std::filesystem::path recordTo;          // its inputs are recorded here; empty: they are not
+    std::shared_ptr<const RECORDING> replay; // is played instead of the player; null: nothing is
 };
 
 // How a game is opened.

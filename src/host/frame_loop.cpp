@@ -8,6 +8,7 @@
 #include "host/screenshot.h"
 #include "host/session_list.h"
 #include "host/session_private.h"
+#include "host/session_tape.h"
 #include "host/static.h"
 #include "machine/side_by_side.h"
 #include "settings/bindings.h"
@@ -53,6 +54,7 @@ bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vide
     // This machine saved the state a moment ago, so it takes it.
     static_cast<void>(session.machine->LoadState(stack.rewindHead.get(), stack.rewindHeadBytes));
     session.battery.rolledBack = true;
+    TapeNoteState(session);
     RunMachine(session, input, video, audio);
     DrawGlyph(SpeedGlyph::kBack, video);
     EmuReverseSound(audio);
@@ -81,7 +83,13 @@ void StepForward(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& v
                  EMU_AUDIO_FRAME& audio) {
     session.rewind.rewindSteps = 0;
     const uint64_t limit = RewindLimitBytes(Settings().GetInt(L"emu_rewindbuffer"));
-    RunMachine(session, input, video, audio);
+    if (session.tape != nullptr) {
+        TapedFrame frame(session, input);
+        RunMachine(session, frame.Input(), video, audio);
+        frame.Done(video, audio);
+    } else {
+        RunMachine(session, input, video, audio);
+    }
     if (limit != 0) {
         Record(session, limit);
     }
@@ -91,6 +99,9 @@ void StepForward(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& v
 bool RunSaveHotkeys(EMU_THREAD& session, const HOTKEYS& pressed) {
     if (pressed.saveState && EmuSaveToArchive(session)) {
         HostNotice("State saved");
+    }
+    if (pressed.saveRecording) {
+        TapeSaveLastMinutes(session);
     }
     if (!pressed.loadState) {
         return false;
@@ -106,9 +117,10 @@ bool RunSaveHotkeys(EMU_THREAD& session, const HOTKEYS& pressed) {
 // The keys that have gone down since the round before.
 HOTKEYS NewPresses(const HOTKEYS& now, const HOTKEYS& before) {
     HOTKEYS pressed;
-    for (const auto key : {&HOTKEYS::saveState, &HOTKEYS::loadState, &HOTKEYS::fastForward,
-                           &HOTKEYS::rewind, &HOTKEYS::pause, &HOTKEYS::frameStep,
-                           &HOTKEYS::slowMotion, &HOTKEYS::toggleFast, &HOTKEYS::reset}) {
+    for (const auto key :
+         {&HOTKEYS::saveState, &HOTKEYS::loadState, &HOTKEYS::fastForward, &HOTKEYS::rewind,
+          &HOTKEYS::pause, &HOTKEYS::frameStep, &HOTKEYS::slowMotion, &HOTKEYS::toggleFast,
+          &HOTKEYS::reset, &HOTKEYS::saveRecording}) {
         pressed.*key = now.*key && !(before.*key);
     }
     return pressed;
@@ -136,6 +148,7 @@ bool RunTimeHotkeys(EMU_THREAD& session, FRAME_LOOP& loop, const HOTKEYS& presse
     if (pressed.reset) {
         const std::scoped_lock hold(session.lock);
         session.machine->Reset();
+        TapeNoteReset(session);
         HostNotice("Reset");
     }
     if (pressed.slowMotion) {
@@ -311,6 +324,7 @@ HOTKEYS EmuPollHotkeys(uint32_t key) {
     keys.slowMotion = InputIsDown(key, L"Slow Motion");
     keys.toggleFast = InputIsDown(key, L"Toggle Fast Forward");
     keys.reset = InputIsDown(key, L"Reset");
+    keys.saveRecording = InputIsDown(key, L"Save Recording");
     return keys;
 }
 

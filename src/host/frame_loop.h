@@ -49,6 +49,7 @@ struct HOTKEYS {
     bool slowMotion = false;
     bool toggleFast = false;
     bool reset = false;
+    bool saveRecording = false; // of the last minutes
 };
 [[nodiscard]] HOTKEYS EmuPollHotkeys(uint32_t key);
 

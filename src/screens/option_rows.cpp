@@ -47,6 +47,13 @@ constexpr OPTION_CHOICE kRewindBuffers[] = {
     {L"768MB",  768 },
     {L"1024MB", 1024},
 };
+constexpr OPTION_CHOICE kRecordMinutes[] = {
+    {L"Nothing",    0 },
+    {L"2 Minutes",  2 },
+    {L"5 Minutes",  5 },
+    {L"15 Minutes", 15},
+    {L"60 Minutes", 60},
+};
 constexpr OPTION_CHOICE kWindowSizes[] = {
     {L"1280x720 (16:9)",  1280, 720},
     {L"1280x960 (4:3)",   1280, 960},
@@ -170,6 +177,10 @@ constexpr OPTION_ROW kRows[] = {
            L"rewind further."),
     Switch(kGeneral, L"Pause Without Focus:", L"emu_pauseunfocused", kEnabledDisabled, kAtOnce,
            L"Whether games wait while another window has the keyboard."),
+    Number(kGeneral, L"Remember Play:", L"emu_recordminutes", kRecordMinutes, L" Minutes",
+           kNextGame,
+           L"How much of what you just played can be saved as a recording, which plays it again "
+           L"exactly."),
 
     Switch(kGraphics, L"Fullscreen:", L"app_fullscreen", kEnabledDisabled, kAtOnce,
            L"Whether Ombrelune fills the whole display or runs in a window."),

@@ -49,7 +49,7 @@ TEST_F(BindingRows, EverySystemHasItsActionsAndTheProgramsOwn) {
                 std::wstring_view(InputActions()[action].name).starts_with(prefixes[system]);
             EXPECT_NE(own, IsProgramAction(action));
         }
-        EXPECT_EQ(std::count_if(actions.begin(), actions.end(), IsProgramAction), 22);
+        EXPECT_EQ(std::count_if(actions.begin(), actions.end(), IsProgramAction), 24);
         EXPECT_TRUE(IsProgramAction(actions.back()));
         EXPECT_FALSE(IsProgramAction(actions.front()));
     }

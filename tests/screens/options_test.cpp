@@ -67,6 +67,9 @@ TEST_F(Options, HasEveryRowInItsOrderAndWithItsValues) {
          L"Rewind Buffer:",                     L"emu_rewindbuffer",
          {L"128MB", L"256MB", L"512MB", L"768MB", L"1024MB"}                                                                   },
         {kGeneral,  L"Pause Without Focus:",    L"emu_pauseunfocused",       onOff                                             },
+        {kGeneral,
+         L"Remember Play:",                    L"emu_recordminutes",
+         {L"Nothing", L"2 Minutes", L"5 Minutes", L"15 Minutes", L"60 Minutes"}                                                },
         {kGraphics, L"Fullscreen:",             L"app_fullscreen",           onOff                                             },
         {kGraphics,
          L"Windowed Dimensions:",               L"app_window_width",
@@ -359,6 +362,7 @@ TEST_F(Options, MarkWhatDoesNotActAtOnce) {
         {L"app_antialias",           L"after a restart"      },
         {L"audio_app_samplerate",    L"after a restart"      },
         {L"emu_fastforward",         L"from the next game on"},
+        {L"emu_recordminutes",       L"from the next game on"},
         {L"audio_app_quality",       L"from the next game on"},
         {L"emu_audiocutoff_enabled", L"from the next game on"},
     };

@@ -47,6 +47,7 @@ constexpr ROW kRows[] = {
     {kBool,   L"emu_smooth",                0    },
     {kBool,   L"emu_crop",                  1    },
     {kInt,    L"emu_rewindbuffer",          256  },
+    {kInt,    L"emu_recordminutes",         5    },
     {kInt,    L"emu_autosaves",             3    },
     {kBool,   L"emu_pauseunfocused",        0    },
     {kFloat,  L"megadrive_psgvolume",       1.25 },
@@ -131,6 +132,8 @@ std::vector<ACTION> ExpectedActions() {
         {L"Mute",                39            },
         {L"Volume Down",         45            },
         {L"Volume Up",           46            },
+        {L"Save Recording",      3 << 16 | 69  },
+        {L"Record Video",        192 << 16 | 69},
     };
     AddPlayers(actions, L"NES",
                {

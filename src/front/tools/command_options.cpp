@@ -34,7 +34,8 @@ void GroupForTests(CLI::App& command) {
 COMMAND AddPlay(CLI::App& app) {
     const auto play = std::make_shared<PLAY_OPTIONS>();
     CLI::App* const command = app.add_subcommand("play", "Play a game");
-    command->add_option("GAME", play->game, "A ROM, a .zip, a .game or demo:NAME")->required();
+    command->add_option("GAME", play->game,
+                        "A ROM, a .zip, a .game or demo:NAME (--replay finds its own)");
     command
         ->add_option("--machine", play->machine, "The machine, if not the one that the file says")
         ->check(OneOf(MachineNames()));
@@ -62,6 +63,18 @@ COMMAND AddPlay(CLI::App& app) {
         ->add_option("--input", play->inputFile,
                      "A file of presses, lines \"FRAME ACTION down|up\"")
         ->type_name("FILE");
+    command->add_option("--record", play->recordFile, "Record the inputs")->type_name("FILE");
+    command->add_option("--replay", play->replayFile, "Play a recording of inputs, and compare")
+        ->type_name("FILE")
+        ->excludes("--input");
+    CLI::Option* const video = command
+                                   ->add_option("--video", play->videoFile,
+                                                "Write pictures and sound as a video, .mkv or .mp4")
+                                   ->type_name("FILE");
+    command
+        ->add_flag("--lossless", play->videoLossless,
+                   "The video has every dot exactly, a pixel each (.mkv)")
+        ->needs(video);
     command
         ->add_option("--screenshot", play->screenshots,
                      "FRAME=FILE.png or last=FILE.png; frames count from 1")

@@ -2,6 +2,7 @@
 #include "base/files.h"
 #include "base/random.h"
 #include "formats/sha256.h"
+#include "front/recordings.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/input_script.h"
@@ -9,10 +10,12 @@
 #include "front/tools/media_files.h"
 #include "front/tools/play.h"
 #include "front/tools/screenshots.h"
+#include "front/video_capture.h"
 #include "host/aligned_block.h"
 #include "host/frame_loop.h"
 #include "host/picture.h"
 #include "host/session.h"
+#include "host/session_tape.h"
 #include "machine/inspection.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -24,6 +27,7 @@ namespace {
 
 constexpr uint32_t kSessionKey = 1;
 constexpr uint32_t kDefaultFrames = 600; // without --frames
+constexpr uint32_t kKeptFrames = 600;    // between two writes of what is recorded
 
 class HeadlessRun {
 public:
@@ -42,6 +46,9 @@ public:
             script.Feed(frame);
             input = {};
             EmuStep(*session, &input, &video, &sound.frame, false);
+            if (frame % kKeptFrames == 0) {
+                TapeKeep(*session);
+            }
             EmuRotateFrame(video, scratch);
             if (!KeepFrame(frame)) {
                 return kExitFailed;
@@ -59,7 +66,8 @@ public:
 
 private:
     int ReadOptions() {
-        frames = options.frames != 0 ? options.frames : kDefaultFrames;
+        const uint32_t wanted = opened.replay != nullptr ? opened.replay->frames : kDefaultFrames;
+        frames = options.frames != 0 ? options.frames : wanted;
         std::string error;
         if (!ReadScreenshots(options.screenshots, frames, screenshots, error) ||
             !CheckInspections(options, opened.game.Header().system, error)) {
@@ -88,6 +96,13 @@ private:
             return false;
         }
         session->showStatic = options.showStatic ? 1 : 0;
+        if (!options.videoFile.empty()) {
+            capture = std::make_unique<VideoCapture>(CAPTURE_SETTINGS{
+                options.videoFile, options.videoLossless, session->system, CaptureWait::kAlways});
+        }
+        SESSION_RECORDS records = RecordsOf(opened);
+        records.lastMinutes = false;
+        TapeBegin(*session, games, opened.options.data(), records);
         pixels = AllocateAligned<uint32_t>(EmuPicturePixels(*session));
         video.pixels = pixels.get();
         if (!options.hashFile.empty()) {
@@ -98,6 +113,20 @@ private:
             }
         }
         return options.loadState.empty() || LoadState();
+    }
+
+    // False if the replay is not the recording.
+    [[nodiscard]] bool ReplayIsEqual() const {
+        if (session->tape == nullptr || session->tape->replay == nullptr) {
+            return true;
+        }
+        const SessionReplay& replay = *session->tape->replay;
+        if (replay.Differs() || replay.End() == ReplayEnd::kRefused) {
+            Complain(options.replayFile + ": " + replay.Result());
+            return false;
+        }
+        std::printf("%s\n", replay.Result().c_str());
+        return true;
     }
 
     bool LoadState() {
@@ -111,10 +140,14 @@ private:
             Complain(options.loadState + ": is not a state of this machine");
             return false;
         }
+        TapeNoteState(*session);
         return true;
     }
 
     bool KeepFrame(uint32_t frame) {
+        if (capture != nullptr) {
+            capture->Add(video, sound.frame);
+        }
         const size_t values = size_t{sound.frame.sampleCount} * 2;
         if (!options.wavFile.empty()) {
             samples.insert(samples.end(), sound.frame.samples, sound.frame.samples + values);
@@ -209,6 +242,21 @@ private:
     }
 
     bool Finish() {
+        const bool recorded = TapeEnd(*session);
+        const bool equal = ReplayIsEqual();
+        const bool filmed = VideoIsWritten();
+        return WriteFiles() && recorded && equal && filmed;
+    }
+
+    bool VideoIsWritten() {
+        if (capture == nullptr || capture->Finish().whole) {
+            return true;
+        }
+        Complain(capture->Finish().line);
+        return false;
+    }
+
+    bool WriteFiles() {
         if (hashes.is_open() && !hashes.flush()) {
             Complain(options.hashFile + ": cannot be written");
             return false;
@@ -231,6 +279,7 @@ private:
     std::vector<uint32_t> scratch;
     std::vector<int16_t> samples; // of the whole run, for the WAV
     std::ofstream hashes;
+    std::unique_ptr<VideoCapture> capture; // null without --video
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "front/demos.h"
 #include "front/program_commands.h"
+#include "front/recordings.h"
 #include "front/run_settings.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
@@ -9,6 +10,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -49,6 +51,24 @@ bool OpenBios(const std::string& path, const MACHINE_FACTS* system, OPENED_GAME&
         Complain(note);
     }
     return opened.hasBios;
+}
+
+// The files that a recording is of, where the command line does not name them.
+bool FindRecordedFiles(const PLAY_OPTIONS& options, const RECORDING& recording, std::string& game,
+                       std::string& bios, std::string& error) {
+    const RECORDING_ABOUT& about = recording.about;
+    if (game.empty()) {
+        game = FindRecorded(about.game, options.replayFile);
+    }
+    if (bios.empty() && !about.console.empty()) {
+        bios = FindRecorded(about.console, options.replayFile);
+    }
+    if (game.empty()) {
+        error = options.replayFile + ": is of \"" + about.title + "\" (" + about.game +
+                "), which is not here: name the game's file as well";
+        return false;
+    }
+    return true;
 }
 
 std::string RegionsHelp() {
@@ -99,6 +119,18 @@ std::string DemosHelp(bool tests) {
 } // namespace
 
 int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& error) {
+    std::string file = options.game;
+    std::string bios = options.bios;
+    std::shared_ptr<const RECORDING> replay;
+    if (!options.replayFile.empty()) {
+        replay = OpenRecording(options.replayFile, error);
+        if (replay == nullptr || !FindRecordedFiles(options, *replay, file, bios, error)) {
+            return kExitFailed;
+        }
+    } else if (file.empty()) {
+        error = "GAME is required";
+        return kExitUsage;
+    }
     OPENING opening;
     if (!options.machine.empty()) {
         opening.system = FindMachineFacts(std::string_view(options.machine));
@@ -110,11 +142,11 @@ int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& e
     }
     opening.patch = options.patch;
     opening.patched = !options.noPatch;
-    if (!OpenForPlaying(options.game, opening, opened, error)) {
+    if (!OpenForPlaying(file, opening, opened, error)) {
         return kExitFailed;
     }
     const uint16_t number = opened.game.Header().system;
-    if (!options.bios.empty() && !OpenBios(options.bios, FindMachineFacts(number), opened, error)) {
+    if (!bios.empty() && !OpenBios(bios, FindMachineFacts(number), opened, error)) {
         return kExitFailed;
     }
     for (const std::string& setting : options.settings) {
@@ -124,6 +156,11 @@ int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& e
     }
     ApplyPictureOptions(options.picture, number);
     TakeMachineSettings(number, opened.options);
+    opened.recordTo = options.recordFile;
+    if (replay != nullptr && !PrepareReplay(std::move(replay), opened, error)) {
+        error = options.replayFile + ": " + error;
+        return kExitFailed;
+    }
     return kExitDone;
 }
 

@@ -28,7 +28,11 @@ struct PLAY_OPTIONS {
     std::string loadState;
     std::vector<std::string> peeks; // ADDRESS[:LENGTH]
     std::vector<std::string> dumps; // REGION=FILE
-    std::string latencyAction;      // in the window: measure this action's latency, and end
+    std::string recordFile;         // the inputs of the run
+    std::string replayFile;         // is played instead of the player
+    std::string videoFile;          // pictures and sound
+    bool videoLossless = false;
+    std::string latencyAction; // in the window: measure this action's latency, and end
 };
 
 // Opens the game and the BIOS, and applies the settings for this run. Returns an exit code; unless it

@@ -4,6 +4,7 @@
 #include "settings/binding_text.h"
 #include "settings/bindings/action_notes.h"
 #include "settings/bindings/press_log.h"
+#include "settings/given_inputs.h"
 #include "settings/input_frame.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
@@ -167,6 +168,9 @@ void InputSetPollObserver(void (*observer)(std::wstring_view name)) {
 bool InputIsDown(uint32_t sessionKey, std::wstring_view name) {
     if (auto* const observer = gPollObserver.load(std::memory_order_relaxed)) {
         observer(name);
+    }
+    if (GivenInputs* const given = GivenInputs::Of(sessionKey)) {
+        return given->IsDown(name);
     }
     if (sessionKey != kApplicationKey && (sessionKey != InputActiveKey() || InputWalkingRoom())) {
         return false;

@@ -31,7 +31,7 @@ constexpr uint64_t Right(uint32_t player) {
     return PadBit(player, kPadDpadRight) | PadBit(player, kPadStickRight);
 }
 
-constexpr size_t kProgramActions = 22; // come first in the table
+constexpr size_t kProgramActions = 24; // come first in the table
 
 // clang-format off
 constexpr INPUT_ACTION kInputActions[] = {
@@ -58,6 +58,8 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"Mute", 39},                                              // 0
     {L"Volume Down", 45},                                       // -
     {L"Volume Up", 46},                                         // =
+    {L"Save Recording", KeyboardBinding(69, kModifierShift)},   // Shift + F12
+    {L"Record Video", KeyboardBinding(69, kModifierCtrl)},      // Ctrl + F12
     // NES
     {L"NES P1 UP", 82, Up(0)},                                  // Up
     {L"NES P1 DOWN", 81, Down(0)},                              // Down

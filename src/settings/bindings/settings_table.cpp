@@ -44,6 +44,7 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"emu_smooth",               false }, // between pixels
     {L"emu_crop",                 true  }, // what a television shows of the picture
     {L"emu_rewindbuffer",         256   }, // mebibytes
+    {L"emu_recordminutes",        5     }, // of the last inputs, kept in memory
     {L"emu_autosaves",            3     }, // bit 0 load at start, bit 1 save at stop
     {L"emu_pauseunfocused",       false }, // games wait while another window has the keyboard
     {L"megadrive_psgvolume",      1.25f }, // gains

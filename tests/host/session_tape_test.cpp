@@ -1,5 +1,3 @@
-#include "host/session_tape.h"
-
 #include "base/files.h"
 #include "facts/sms_facts.h"
 #include "host/archive.h"
@@ -7,6 +5,7 @@
 #include "host/host_fixture.h"
 #include "host/picture.h"
 #include "host/report.h"
+#include "host/session_tape.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
 
@@ -40,10 +39,9 @@ public:
 
     void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) override {
         ++frames;
-        for (const auto& names :
-             {std::span<const std::wstring_view>(kSmsConsoleActions),
-              std::span<const std::wstring_view>(kSmsPlayerActions[0]),
-              std::span<const std::wstring_view>(kSmsPlayerActions[1])}) {
+        for (const auto& names : {std::span<const std::wstring_view>(kSmsConsoleActions),
+                                  std::span<const std::wstring_view>(kSmsPlayerActions[0]),
+                                  std::span<const std::wstring_view>(kSmsPlayerActions[1])}) {
             for (const std::wstring_view name : names) {
                 Take(InputIsDown(sessionKey, name) ? 1 : 0);
             }
@@ -209,8 +207,9 @@ TEST_F(Tape, ReplayHasEveryInputOfThePlayer) {
     replayed.Replay(333);
     EXPECT_EQ(replayed.numbers, played.numbers);
     EXPECT_EQ(replayed.session.tape->replay->End(), ReplayEnd::kEqual);
-    EXPECT_THAT(gNotices, testing::ElementsAre(
-                              "333 frames replayed: pictures and sound are those of the recording"));
+    EXPECT_THAT(
+        gNotices,
+        testing::ElementsAre("333 frames replayed: pictures and sound are those of the recording"));
 }
 
 TEST_F(Tape, PlayersKeysDoNothingWhileARecordingPlaysAndActAfterIt) {
@@ -406,8 +405,8 @@ TEST_F(Tape, AReplayLeavesThePlayersMemoryAlone) {
     recording->frames = 5;
     CGameFile game = MakeGame(1);
     CGameFile* const games[2] = {&game, nullptr};
-    ASSERT_NE(EmuStartSession(kKey, games, MakeOptions(behaviour).data(), "Game", {}, Of(recording)),
-              0u);
+    ASSERT_NE(
+        EmuStartSession(kKey, games, MakeOptions(behaviour).data(), "Game", {}, Of(recording)), 0u);
     WithMachine(kKey, [](CTestMachine& machine) {
         EXPECT_EQ(machine.battery, std::vector<uint8_t>(16, 0x77));
     });

@@ -68,7 +68,7 @@ TEST_F(Options, HasEveryRowInItsOrderAndWithItsValues) {
          {L"128MB", L"256MB", L"512MB", L"768MB", L"1024MB"}                                                                   },
         {kGeneral,  L"Pause Without Focus:",    L"emu_pauseunfocused",       onOff                                             },
         {kGeneral,
-         L"Remember Play:",                    L"emu_recordminutes",
+         L"Remember Play:",                     L"emu_recordminutes",
          {L"Nothing", L"2 Minutes", L"5 Minutes", L"15 Minutes", L"60 Minutes"}                                                },
         {kGraphics, L"Fullscreen:",             L"app_fullscreen",           onOff                                             },
         {kGraphics,

@@ -1,6 +1,5 @@
-#include "settings/given_inputs.h"
-
 #include "settings/bindings.h"
+#include "settings/given_inputs.h"
 #include "settings/settings.h"
 
 #include <gtest/gtest.h>

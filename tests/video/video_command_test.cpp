@@ -1,9 +1,8 @@
 // `play --video` as a user runs it, on our own games.
 
-#include "video/video_reader.h"
-
 #include "support/run_program.h"
 #include "support/temporary_folder.h"
+#include "video/video_reader.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -44,9 +43,8 @@ std::vector<int16_t> Samples(const std::vector<uint8_t>& wav) {
 } // namespace
 
 TEST_F(VideoCommand, LosslessHasThePicturesAndTheSoundOfTheRun) {
-    const PROGRAM_RESULT result =
-        Play({"demo:gg-glimmer", "--frames", "50", "--video", Path("a.mkv"), "--lossless", "--wav",
-              Path("a.wav")});
+    const PROGRAM_RESULT result = Play({"demo:gg-glimmer", "--frames", "50", "--video",
+                                        Path("a.mkv"), "--lossless", "--wav", Path("a.wav")});
     ASSERT_EQ(result.exitCode, 0) << result.error;
     const READ_VIDEO video = Read("a.mkv");
     EXPECT_EQ(video.pictures.size(), 50u);
@@ -73,9 +71,8 @@ TEST_F(VideoCommand, PicturesAndSoundOfEveryMachineAreEquallyLong) {
              ROW{"demo:nes-ecume",      "emu_autosaves=0",   60.0988},
              ROW{"demo:arcade-skywren", "emu_autosaves=0",   59.9228},
     }) {
-        const PROGRAM_RESULT result =
-            Play({row.demo, "--set", row.option, "--frames", "150", "--video", Path("a.mkv"),
-                  "--lossless"});
+        const PROGRAM_RESULT result = Play({row.demo, "--set", row.option, "--frames", "150",
+                                            "--video", Path("a.mkv"), "--lossless"});
         ASSERT_EQ(result.exitCode, 0) << row.demo << result.error;
         const READ_VIDEO video = Read("a.mkv");
         EXPECT_EQ(video.pictures.size(), 150u) << row.demo;
@@ -88,8 +85,7 @@ TEST_F(VideoCommand, PicturesAndSoundOfEveryMachineAreEquallyLong) {
 TEST_F(VideoCommand, IsMadeOfARecordingToo) {
     ASSERT_EQ(Play({"demo:md-mistral", "--frames", "70", "--record", Path("a.recording")}).exitCode,
               0);
-    const PROGRAM_RESULT result =
-        Play({"--replay", Path("a.recording"), "--video", Path("a.mp4")});
+    const PROGRAM_RESULT result = Play({"--replay", Path("a.recording"), "--video", Path("a.mp4")});
     EXPECT_EQ(result.exitCode, 0) << result.error;
     const READ_VIDEO video = Read("a.mp4");
     EXPECT_EQ(video.pictures.size(), 70u);

@@ -1,8 +1,6 @@
-#include "video/video_file.h"
-
-#include "video/video_reader.h"
-
 #include "support/temporary_folder.h"
+#include "video/video_file.h"
+#include "video/video_reader.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -226,7 +224,8 @@ TEST_F(VideoFileTest, WhatCannotBeWrittenSaysWhy) {
     EXPECT_THAT(error, HasSubstr("a.avi: a video's name ends in .mkv or .mp4"));
     EXPECT_FALSE(MakeVideoFile()->Open(Path("a.mp4"), Format(VideoForm::kLossless), error));
     EXPECT_THAT(error, HasSubstr("a.mp4: a lossless video's name ends in .mkv"));
-    EXPECT_FALSE(MakeVideoFile()->Open(Path("no folder/a.mkv"), Format(VideoForm::kLossless), error));
+    EXPECT_FALSE(
+        MakeVideoFile()->Open(Path("no folder/a.mkv"), Format(VideoForm::kLossless), error));
     EXPECT_THAT(error, HasSubstr("No such file or directory"));
     VIDEO_FORMAT large = Format(VideoForm::kEverywhere);
     large.width = 5000;

@@ -1,7 +1,6 @@
-#include "video/video_rate.h"
-
 #include "facts/machine_facts.h"
 
+#include "video/video_rate.h"
 #include <gtest/gtest.h>
 
 namespace {

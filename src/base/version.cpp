@@ -3,3 +3,7 @@
 const char* ProgramVersion() {
     return OMBRELUNE_VERSION;
 }
+
+const char* ProgramVersionDate() {
+    return OMBRELUNE_VERSION_DATE;
+}

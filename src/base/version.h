@@ -3,3 +3,6 @@
 
 // "1.2.3".
 [[nodiscard]] const char* ProgramVersion();
+
+// The day of its release, "2026-11-23".
+[[nodiscard]] const char* ProgramVersionDate();

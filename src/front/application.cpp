@@ -14,6 +14,7 @@
 #include "front/opened_game.h"
 #include "front/own_games.h"
 #include "front/pad_names.h"
+#include "front/picture_view.h"
 #include "front/processor_binder.h"
 #include "front/program_screen.h"
 #include "front/program_title.h"
@@ -24,12 +25,15 @@
 #include "front/save_keeper.h"
 #include "front/saved_states.h"
 #include "front/session_callbacks.h"
+#include "front/window_video.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "host/battery_file.h"
+#include "host/frame_loop.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
+#include "host/session_list.h"
 #include "screens/play_keys.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
@@ -97,6 +101,8 @@ bool Application::Start(std::string& error) {
     }
     sound.Start(Now());
     InstallSessionCallbacks();
+    EmuShowSpeedGlyphs(false);
+    HostSetWindowShotSink(WindowShots::Ask);
     saveKeeper = std::make_unique<SaveKeeper>();
     InputSetActiveKey(kFrontTelevision);
     ShowGame();
@@ -138,6 +144,7 @@ bool Application::StartDrawing(std::string& error) {
     if (!GlStart(error)) {
         return false;
     }
+    televisions.StartGraphics(LoadGlFunctions(SDL_GL_GetProcAddress));
     if (!overlay.Start()) {
         PostReport("the graphics driver has no memory for text; messages appear only here");
     }
@@ -150,6 +157,7 @@ bool Application::StartDrawing(std::string& error) {
 }
 
 void Application::EndDrawing() {
+    speedMark.reset();
     gui.End();
     overlay.End();
 }
@@ -196,11 +204,13 @@ bool Application::Round() {
     ShowSavedStates(events);
     ShowPanel(events);
     StopEndedGame();
+    volume.Update(PlayerHasKeys());
+    WaitForFocus();
     RestartGame();
     HoldScreenSaverOff(!televisions.All().empty());
     ShowTitle();
     const bool overlayNews = UpdateOverlays(events);
-    if (events.windowChanged || screenNews || overlayNews) {
+    if (events.windowChanged || screenNews || overlayNews || WindowShots::Wanted()) {
         pacer.NoteNews();
     }
     DrawOrWait();
@@ -289,7 +299,9 @@ void Application::PlayDroppedFiles(const PUMP_EVENTS& events) {
 
 bool Application::UpdateScreen(const PUMP_EVENTS& events) {
     const bool screenNews = screen->Update({events, pump.Mouse(), Target(), Now()});
-    const bool pictureNews = televisions.Upload(InputActiveKey(), view.scaler);
+    const bool asCrt = CrtStrength() > 0.0f;
+    const bool pictureNews =
+        televisions.Upload(InputActiveKey(), asCrt ? PictureScaler::kNone : view.scaler, asCrt);
     return screenNews || pictureNews;
 }
 
@@ -355,7 +367,20 @@ void Application::TakeFromPanel(ModeInput chosen) {
     }
 }
 
+void Application::ShowSpeed() {
+    const int32_t speed = televisions.SpeedOf(InputActiveKey());
+    if (speedMark == nullptr && (speed == 0 || speed == 1)) {
+        return;
+    }
+    if (speedMark == nullptr) {
+        NeedAppearance();
+        speedMark = std::make_unique<SpeedMark>();
+    }
+    speedMark->Show(speed);
+}
+
 bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
+    ShowSpeed();
     const bool textNews = overlay.Update(Target(), view.statistics, pacer.RateText(), Now());
     const bool guiNews = gui.Update(events, Target(), Now());
     return textNews || guiNews;
@@ -364,6 +389,10 @@ bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
 void Application::DrawOrWait() {
     if (pacer.WantsDrawing(window.IsVisible())) {
         Draw();
+        if (WindowShots::Wanted()) {
+            shots.Take(ReadScreen(window.PixelWidth(), window.PixelHeight()), window.PixelWidth(),
+                       window.PixelHeight());
+        }
         window.Swap();
         pacer.CountSwap(Now());
     } else {
@@ -432,7 +461,7 @@ void Application::TakeSettings() {
         pacer.Start(window.FollowsDisplay(), Now());
     }
     ReadView();
-    SoundSetVolume(Settings().GetFloat(L"audio_volume"));
+    volume.Apply();
     SoundReadBoosts();
     pacer.NoteNews();
 }
@@ -497,6 +526,24 @@ void Application::RestartGame() {
     if (!OpenResumed(playedLabel, opened, error) || !Play(opened, error)) {
         PostReport(error);
     }
+}
+
+// Neither a window nor a field of the interface takes the keys: a game gets them, or the player walks.
+bool Application::PlayerHasKeys() {
+    return CGhostManager::Get().ModalWindow() == nullptr &&
+           (InputWalkingRoom() || PinSession(InputActiveKey()));
+}
+
+// In every round while they wait, as one may have started meanwhile.
+void Application::WaitForFocus() {
+    const bool wait = !pump.HasKeyboard() && Settings().GetBool(L"emu_pauseunfocused");
+    if (wait && !waitsForFocus) {
+        PostNotice("Paused until you come back to this window");
+    }
+    if (wait || waitsForFocus) {
+        EmuWaitForFocus(wait);
+    }
+    waitsForFocus = wait;
 }
 
 void Application::Draw() {
@@ -579,6 +626,7 @@ void Application::Stop() {
         KeepInSettings(*place);
     }
     Release();
+    WindowVideoFinish();
     resumeGames.reset();
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
     ReleaseThisThread(processor);
@@ -609,6 +657,9 @@ void Application::Release() {
         SDL_Quit();
         sdlStarted = false;
     }
+    HostSetWindowShotSink(nullptr);
+    EmuShowSpeedGlyphs(true);
+    shots.Wait();
     HostSetReportSink(nullptr);
     HostSetNoticeSink(nullptr);
 }

@@ -21,9 +21,12 @@
 #include "front/program_commands.h"
 #include "front/screen.h"
 #include "front/sound_output.h"
+#include "front/speed_mark.h"
 #include "front/status_overlay.h"
 #include "front/televisions.h"
+#include "front/volume_keys.h"
 #include "front/window.h"
+#include "front/window_shots.h"
 #include "host/state_snapshot.h"
 
 #include <cstdint>
@@ -96,6 +99,8 @@ public:
     void SetView(const GAME_VIEW& wanted) { view = wanted; }
     [[nodiscard]] const GAME_VIEW& View() const { return view; }
 
+    // Null until a game has run at another speed.
+    [[nodiscard]] const SpeedMark* Speed() const { return speedMark.get(); }
     [[nodiscard]] const GuiOverlay& Gui() const { return gui; }
     // Those of the game that is shown alone, or that the player of the room looks at; null while the program is shown.
     [[nodiscard]] SavedStates* States() const { return states.get(); }
@@ -129,8 +134,11 @@ private:
     void TakeFromPanel(ModeInput chosen);
     void ShowFirstKeys(const PadNames& padNames);
     void StopEndedGame();
+    void WaitForFocus();
+    [[nodiscard]] static bool PlayerHasKeys();
     void TellStopped(const std::string& reason);
     void RestartGame();
+    void ShowSpeed();
     [[nodiscard]] bool UpdateOverlays(const PUMP_EVENTS& events);
     void DrawOrWait();
 
@@ -143,6 +151,7 @@ private:
     Window window;
     Joysticks joysticks;
     SoundOutput sound;
+    VolumeKeys volume;
     EventPump pump{joysticks};
     Televisions televisions;
     GAME_VIEW view;
@@ -150,6 +159,8 @@ private:
     std::unique_ptr<Screen> screen;     // from Start to Stop
     std::unique_ptr<Screen> nextScreen; // for the next round; null: the same
     StatusOverlay overlay;
+    std::unique_ptr<SpeedMark> speedMark; // from the first need to the end of the toolkit's windows
+    WindowShots shots;
     GuiOverlay gui;
     FramePacer pacer;
     std::string shownTitle;
@@ -159,6 +170,7 @@ private:
     std::function<SAVED_STATES_GAME()> gameOfStates; // while `states` is there; serial 0: none
     std::string playedTitle;
     uint32_t playedSerial = 0;
+    bool waitsForFocus = false; // the games
     uint16_t playedSystem = 0;
     STATE_SNAPSHOT playedLabel; // by which it can be opened again
     bool restart = false;       // the player has chosen to

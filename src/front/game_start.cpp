@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
+#include "front/recordings.h"
 #include "front/resume_games.h"
 #include "host/report.h"
 #include "host/session.h"
@@ -37,8 +38,8 @@ uint32_t StartSession(uint32_t sessionKey, const OPENED_GAME& opened, SESSION_RE
     auto& bios = const_cast<CGameFile&>(opened.bios);
     CGameFile* const games[2] = {&game, opened.hasBios ? &bios : nullptr};
     EmuSetLastError("");
-    const uint32_t serial =
-        EmuStartSession(sessionKey, games, opened.options.data(), opened.title, std::move(resume));
+    const uint32_t serial = EmuStartSession(sessionKey, games, opened.options.data(), opened.title,
+                                            std::move(resume), RecordsOf(opened));
     error = serial == 0 ? EmuLastError() : std::string();
     TellAutosave(sessionKey, serial, opened.title);
     return serial;

@@ -13,8 +13,8 @@
 
 class Notices {
 public:
-    static constexpr int64_t kSecondsShown = 4;
-    static constexpr size_t kMostLines = 4; // beyond these the oldest are dropped
+    static constexpr int64_t kSecondsShown = 4; // of each part
+    static constexpr size_t kMostLines = 4;     // beyond these the oldest are dropped
     static constexpr size_t kMostUnread = 16;
 
     enum class Kind : uint8_t { kWord, kFault };
@@ -24,7 +24,11 @@ public:
     void Post(const std::string& text, int64_t now, Kind kind = Kind::kWord,
               int64_t seconds = kSecondsShown);
 
-    // The lines to show, oldest first; drops those whose time is over.
+    // What the one line shows now, at most `letters` long: the newest notice, part after part; empty without one. An
+    // older word is then gone. An older fault is shown when the newer ones are over, for its whole time.
+    [[nodiscard]] std::string Shown(int64_t now, size_t letters);
+
+    // All that is or will be shown, oldest first.
     [[nodiscard]] std::vector<std::string> Lines(int64_t now);
 
     // Returns and forgets the faults that have not been shown for their whole time, oldest first.
@@ -35,6 +39,7 @@ private:
         std::string text;
         Kind kind;
         int64_t seconds = kSecondsShown;
+        int64_t from = 0;
         int64_t until = INT64_MAX; // that has not been shown yet
     };
 

@@ -16,6 +16,8 @@
 #include "gui/message_box.h"
 #include "gui/window.h"
 #include "host/host_data.h"
+#include "library/game_source.h"
+#include "screens/entry_box.h"
 #include "screens/member_panel.h"
 #include "screens/play_keys.h"
 #include "screens/rom_browser.h"
@@ -25,6 +27,7 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -457,7 +460,47 @@ uint32_t ProgramScreen::SetForGame() const {
     return key;
 }
 
+// A game of the library whose image is an archive is one of the games in that, which the player chooses if there are
+// several.
 void ProgramScreen::StartGame(GAME_TO_START game) {
+    if (!HoldsArchive(game.game) || game.game.Header().system == kSystemArcade) {
+        StartOn({}, std::move(game));
+        return;
+    }
+    std::vector<ARCHIVED_GAME> games;
+    std::string error;
+    if (!ListArchivedGames(game.file, nullptr, games, error) || games.size() < 2) {
+        StartArchived({}, std::move(game)); // which says what is wrong
+        return;
+    }
+    std::vector<std::wstring> names;
+    names.reserve(games.size());
+    for (const ARCHIVED_GAME& archived : games) {
+        names.push_back(WideFromUtf8(archived.entry));
+    }
+    const auto waiting = std::make_shared<GAME_TO_START>(std::move(game));
+    EntryBox::Show(names)->OnChosen.connect([this, waiting, games](int row) {
+        if (row >= 0) {
+            StartArchived(games[static_cast<size_t>(row)].entry, std::move(*waiting));
+        }
+    });
+}
+
+void ProgramScreen::StartArchived(const std::string& entry, GAME_TO_START game) {
+    CGameFile inside;
+    std::string title;
+    std::string note;
+    std::string error;
+    if (!OpenGame(game.file, {nullptr, entry}, inside, title, note, error)) {
+        CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
+        return;
+    }
+    game.game = std::move(inside);
+    game.title = std::move(title);
+    StartOn(entry, std::move(game));
+}
+
+void ProgramScreen::StartOn(const std::string& entry, GAME_TO_START game) {
     const uint32_t key = SetForGame();
     if (key == 0) {
         return;
@@ -465,6 +508,7 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
     OPENED_GAME opened;
     opened.game = std::move(game.game);
     opened.file = game.file.string();
+    opened.entry = entry;
     opened.bios = std::move(game.second);
     opened.secondFile = game.secondFile.string();
     opened.hasBios = game.hasSecond;

@@ -107,6 +107,8 @@ private:
     [[nodiscard]] PadNames PadNamesNow() const;
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
+    void StartArchived(const std::string& entry, GAME_TO_START game);
+    void StartOn(const std::string& entry, GAME_TO_START game);
     [[nodiscard]] uint32_t SetForGame() const;
     void Obey(ModeOrder order);
     void ShowSavedStates();

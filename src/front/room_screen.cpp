@@ -58,7 +58,7 @@ float ActionAxis(std::wstring_view less, std::wstring_view more) {
 }
 
 bool IsOfJoystick(uint32_t binding) {
-    return binding >> 24 == 1;
+    return binding >> 24 != 0;
 }
 
 // The key of an action as the player has bound it, or its joystick binding if that is asked for. Empty if the action

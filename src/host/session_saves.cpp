@@ -3,6 +3,7 @@
 #include "host/report.h"
 #include "host/session.h"
 #include "host/session_list.h"
+#include "host/session_tape.h"
 #include "machine/battery.h"
 #include "settings/settings.h"
 
@@ -81,6 +82,11 @@ bool SessionLoadSaves(EMU_THREAD& session, SESSION_RESUME&& resume) {
     return true;
 }
 
+bool SessionWithoutSaves(EMU_THREAD& session) {
+    session.battery.untouchable = true;
+    return true;
+}
+
 TAKEN_STATE SessionTakeAutosave(EMU_THREAD& session) {
     // A machine that cannot go on would only end again when resumed.
     if (!AutosaveWanted(kAutosaveSave) || session.machine->ended) {
@@ -114,6 +120,10 @@ void SessionEndResume(EMU_THREAD& session, bool goesOn, std::optional<STATE_SNAP
 
 void EmuKeepBatteries() {
     ForEachPinned(KeepBattery);
+}
+
+void EmuKeepRecordings() {
+    ForEachPinned(TapeKeep);
 }
 
 void EmuKeepResumeFiles() {

@@ -91,9 +91,10 @@ GameMenu::GameMenu(GAME_MENU menuOf, Done whenDone)
         AddWay(entry);
     }
     for (const MenuPage of : {MenuPage::kPicture, MenuPage::kSound}) {
-        const OptionTab tab = of == MenuPage::kPicture ? OptionTab::kGraphics : OptionTab::kSound;
+        const OptionTab ofPicture = menu.system != 0 ? OptionTab::kPicture : OptionTab::kGraphics;
+        const OptionTab tab = of == MenuPage::kPicture ? ofPicture : OptionTab::kSound;
         auto& made = rows[static_cast<size_t>(of)];
-        made = std::make_unique<LiveRows>(Box()->window, tab, menu.room, menu.settingsChanged);
+        made = std::make_unique<LiveRows>(Box()->window, tab, menu.system, menu.settingsChanged);
         for (GHOSTMANAGER_WINDOW* const stop : made->Stops()) {
             ListenForBack(stop);
         }

@@ -39,7 +39,6 @@ struct GAME_MENU {
     uint16_t system = 0;                    // the machine; 0 without a game
     std::vector<GAME_MENU_ENTRY> ofGame;    // above the pages: saved states, reset
     std::vector<GAME_MENU_ENTRY> ofProgram; // below them: the ways out
-    bool room = false;                      // with the settings of the room's pictures
     PadNames padNames;
     std::function<void()> settingsChanged; // after every change, such as each step of a slider
 };

@@ -177,7 +177,6 @@ void CGUIGameOverlay::ToggleMenu(const MENU_GAME& game) {
         return;
     }
     GAME_MENU wanted;
-    wanted.room = true;
     wanted.settingsChanged = [this] { host.SettingsChanged(); };
     if (isOffered(ModeInput::kResetGame)) {
         wanted.title = MenuTitle(game);

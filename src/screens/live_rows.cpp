@@ -25,11 +25,12 @@ constexpr float kPercent = 100.0f;
 
 } // namespace
 
-LiveRows::LiveRows(GHOSTMANAGER_WINDOW* parent, OptionTab tab, bool room,
+LiveRows::LiveRows(GHOSTMANAGER_WINDOW* parent, OptionTab tab, uint16_t system,
                    std::function<void()> whenChanged)
     : changed(std::move(whenChanged)) {
     for (const OPTION_ROW& row : OptionRows()) {
-        if (row.tab == tab && row.effect == OptionEffect::kAtOnce && (room || !row.ofRoom)) {
+        const bool ofThis = row.system == 0 || row.system == system;
+        if (row.tab == tab && row.effect == OptionEffect::kAtOnce && ofThis) {
             MakeRow(parent, row);
         }
     }

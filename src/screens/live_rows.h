@@ -20,8 +20,8 @@ class CGhostTextBox;
 
 class LiveRows {
 public:
-    // `room`: with the rows of the room's pictures. `changed` is called after each change.
-    LiveRows(GHOSTMANAGER_WINDOW* parent, OptionTab tab, bool room,
+    // `system`: the machine, whose rows are among them; 0 without a game. `whenChanged` is called after each change.
+    LiveRows(GHOSTMANAGER_WINDOW* parent, OptionTab tab, uint16_t system,
              std::function<void()> whenChanged);
     LiveRows(const LiveRows&) = delete;
     LiveRows& operator=(const LiveRows&) = delete;

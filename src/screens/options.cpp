@@ -14,14 +14,15 @@
 
 namespace {
 
-constexpr const wchar_t* kTabNames[kOptionTabs] = {L"General", L"Graphics", L"Sound", L"Input"};
+constexpr const wchar_t* kTabNames[kOptionTabs] = {L"General", L"Graphics", L"Picture", L"Sound",
+                                                   L"Input"};
 constexpr const wchar_t* kNotice = L"Some of these settings require a restart to become active";
 constexpr float kPercent = 100.0f;
 
 // Units.
 constexpr int32_t kHigh = 25;
-constexpr int32_t kTabWide = 130;
-constexpr int32_t kTabPitch = 138;
+constexpr int32_t kTabWide = 104;
+constexpr int32_t kTabPitch = 110;
 constexpr int32_t kTabTop = 47;
 constexpr int32_t kPageTop = 84;
 constexpr int32_t kPageWide = 864;
@@ -69,7 +70,8 @@ CGUIOptions::CGUIOptions(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program)
         notices[Index(tab)] =
             new CGhostTextBox(pages[Index(tab)]->window, 0, L"TEXT_CENTER", kNotice, {});
     }
-    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
+    for (const OptionTab tab :
+         {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kPicture, OptionTab::kSound}) {
         helps[Index(tab)] =
             new CGhostMultiText(pages[Index(tab)]->window, 0, L"OPTIONHELP", {}, {});
     }
@@ -137,7 +139,8 @@ void CGUIOptions::Layout(int32_t width, int32_t height) {
     }
     const int32_t left = (width - kPageWide) / 2;
     const int32_t high = height - kPageTop - kPageFoot;
-    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
+    for (const OptionTab tab :
+         {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kPicture, OptionTab::kSound}) {
         CGhostWindowEx* const page = pages[Index(tab)];
         page->SetPos(left, kPageTop, kPageWide, high);
         LayoutRows(tab, page->window->clientRect.width, page->window->clientRect.height);

@@ -7,6 +7,7 @@
 #include "screens/game_menu.h"
 #include "screens/key_card.h"
 
+#include "support/least_images.h"
 #include <gmock/gmock.h>
 
 #include <memory>
@@ -280,13 +281,14 @@ TEST_F(ProgramGameMenu, AGameThatCannotStartIsToldOnce) {
     Application application;
     ProgramScreen* const program = Open(application);
     ASSERT_NE(program, nullptr);
-    // A valid file, but the console refuses images of less than 512 bytes.
-    Drop(folder.Write("short.md", std::vector<uint8_t>(511, 0)).string());
+    // A valid file, but the console does not know its board.
+    Drop(folder.Write("unknown.nes", NesImageOfAnUnknownBoard()).string());
     ASSERT_TRUE(RunUntil(application, [] { return CGhostMessageBox::Count() != 0; }));
     const auto* const box =
         dynamic_cast<CGhostMessageBox*>(CGhostManager::Get().ModalWindow()->handler->next);
     ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->Message()->Text(), L"Invalid ROM file, less than 512 bytes");
+    EXPECT_EQ(box->Message()->Text(),
+              L"NES Mapper #255 not supported. Tell us on the forum to add support for it!");
     for (const std::string& line : ProgramNotices().Lines(0)) {
         EXPECT_THAT(line, testing::Not(HasSubstr("Error loading game")));
     }

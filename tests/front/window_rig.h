@@ -10,6 +10,7 @@
 #include "host/machine_list.h"
 #include "machines/machines.h"
 #include "sega8/machine_rig.h"
+#include "settings/bindings.h"
 #include "settings/settings.h"
 
 #include "support/temporary_folder.h"
@@ -59,12 +60,24 @@ inline void PointAt(int32_t x, int32_t y, bool down) {
     SDL_PushEvent(&button);
 }
 
+inline size_t ActionIndex(const std::wstring& name) {
+    const auto actions = InputActions();
+    for (size_t i = 0; i < actions.size(); ++i) {
+        if (actions[i].name == name) {
+            return i;
+        }
+    }
+    ADD_FAILURE() << "no such action";
+    return 0;
+}
+
 class WindowTest : public testing::Test {
 protected:
     void SetUp() override {
         SetHomeFolder(folder.Path());
         RegisterDefaultSettings(Settings());
         Settings().SetBool(L"app_fullscreen", false);
+        Settings().SetBool(L"video_integer_window", false); // pictures fill the window
         Settings().SetBool(L"app_vsync", false);
         Settings().SetInt(L"app_window_width", 640);
         Settings().SetInt(L"app_window_height", 480);

@@ -35,12 +35,11 @@ protected:
         ScreensTest::TearDown();
     }
 
-    GameMenu* Open(uint16_t system = kSystemMasterSystem, bool pad = false, bool room = true) {
+    GameMenu* Open(uint16_t system = kSystemMasterSystem, bool pad = false) {
         Close();
         GAME_MENU of;
         of.title = L"Luciole, Master System";
         of.system = system;
-        of.room = room;
         of.padNames = pad ? PadNames(FullPadName) : PadNames();
         of.settingsChanged = [this] { ++changes; };
         of.ofGame = {
@@ -152,30 +151,33 @@ TEST_F(GameMenuPages, PictureAndSoundActAtOnce) {
     EXPECT_EQ(changes, 1);
 
     Click(menu->ButtonOf(L"Picture"));
-    CGhostDropList* const vsync = menu->Rows(MenuPage::kPicture).ListOf(L"app_vsync");
-    ASSERT_NE(vsync, nullptr);
-    Settings().SetBool(L"app_vsync", true);
+    CGhostDropList* const pixels = menu->Rows(MenuPage::kPicture).ListOf(L"emu_smooth");
+    ASSERT_NE(pixels, nullptr);
+    Settings().SetBool(L"emu_smooth", false);
     Tick();
-    EXPECT_EQ(vsync->Caption(), L"Enabled");
-    vsync->SetSelected(1);
-    EXPECT_FALSE(Settings().GetBool(L"app_vsync"));
+    EXPECT_EQ(pixels->Caption(), L"Sharp");
+    pixels->SetSelected(1);
+    EXPECT_TRUE(Settings().GetBool(L"emu_smooth"));
     EXPECT_EQ(changes, 2);
     EXPECT_EQ(ends, 0) << "it stays open";
     KeepPicture("panel-picture");
     Click(menu->ButtonOf(L"Sound"));
     KeepPicture("panel-sound");
     Settings().SetFloat(L"audio_volume", 1.0f);
-    Settings().SetBool(L"app_vsync", true);
+    Settings().SetBool(L"emu_smooth", false);
 }
 
-TEST_F(GameMenuPages, OutsideTheRoomItsSettingsAreLeftOut) {
-    ASSERT_NE(Open(kSystemNes, false, true), nullptr);
-    EXPECT_NE(menu->Rows(MenuPage::kPicture).ListOf(L"app_lighting"), nullptr);
-    EXPECT_EQ(menu->Rows(MenuPage::kPicture).ListOf(L"app_antialias"), nullptr)
-        << "it acts after a restart";
-    ASSERT_NE(Open(kSystemNes, false, false), nullptr);
-    EXPECT_EQ(menu->Rows(MenuPage::kPicture).ListOf(L"app_lighting"), nullptr);
-    EXPECT_NE(menu->Rows(MenuPage::kPicture).ListOf(L"app_vsync"), nullptr);
+TEST_F(GameMenuPages, ThePictureIsThatOfTheGameOrOfTheRoom) {
+    ASSERT_NE(Open(kSystemNes), nullptr);
+    const LiveRows& ofGame = menu->Rows(MenuPage::kPicture);
+    EXPECT_NE(ofGame.ListOf(L"nes_overscan_left"), nullptr);
+    EXPECT_EQ(ofGame.ListOf(L"sms_overscan_left"), nullptr) << "another machine's";
+    EXPECT_EQ(ofGame.ListOf(L"app_lighting"), nullptr);
+    ASSERT_NE(Open(0), nullptr);
+    const LiveRows& ofRoom = menu->Rows(MenuPage::kPicture);
+    EXPECT_NE(ofRoom.ListOf(L"app_lighting"), nullptr);
+    EXPECT_EQ(ofRoom.ListOf(L"app_antialias"), nullptr) << "it acts after a restart";
+    EXPECT_EQ(ofRoom.ListOf(L"nes_overscan_left"), nullptr);
 }
 
 TEST_F(GameMenuPages, FullScreenIsSwitchedWithoutLeaving) {

@@ -8,9 +8,11 @@
 #include "front/tools/bare_games.h"
 #include "front/tools/command_options.h"
 #include "front/tools/commands.h"
+#include "front/tools/option_checks.h"
 #include "front/tools/play.h"
 #include "library/game_source.h"
 #include "machines/machines.h"
+#include "settings/bindings.h"
 #include "settings/settings.h"
 
 #include <CLI/CLI.hpp>
@@ -41,10 +43,15 @@ void StartUp(const std::string& homeOption) {
     }
     RegisterDefaultSettings(Settings());
     std::string error;
-    static_cast<void>(LoadSettingsFile(Settings(), error));
+    std::vector<std::string> unknownWords;
+    static_cast<void>(LoadSettingsFile(Settings(), error, &unknownWords));
     if (!error.empty()) {
         PostReport(error + "; missing settings have their defaults");
     }
+    for (const std::string& line : unknownWords) {
+        Complain(Printable(line));
+    }
+    GiveNewKeys(Settings());
     ApplyAudioRate();
     EmuSetMachines(BuiltInMachines());
     SetBuiltInDatabase(DemoDatabase);
@@ -64,6 +71,7 @@ int Run(int argc, const char* const* argv) {
     app.set_version_flag("--version", std::string("ombrelune ") + ProgramVersion());
     app.require_subcommand(0, 1);
     app.fallthrough();
+    app.failure_message(UsageSentence);
     std::string home;
     app.add_option("--home", home, "The folder of settings, saves and games")->type_name("DIR");
     app.footer(

@@ -32,11 +32,14 @@ KeyCard::~KeyCard() {
 
 void KeyCard::Place() {
     screen = CGhostManager::Get().ScreenRect();
-    box->SetPos((screen.width - kWide) / 2, screen.height - kAboveEdge - kHigh, kWide, kHigh);
+    const GUI_EDGES frame = box->FrameEdges();
+    const int32_t wide = kWide + frame.left + frame.right;
+    const int32_t high = kHigh + frame.top + frame.bottom;
+    box->SetPos((screen.width - wide) / 2, screen.height - kAboveEdge - high, wide, high);
     const GUI_RECT client = box->window->clientRect;
     card->MoveTo((client.width - ControlsCard::kWidth) / 2, kMargin);
-    const int32_t wide = std::min(foot->WantedWidth(), client.width);
-    foot->SetPos((client.width - wide) / 2, ControlsCard::kHeight + 2 * kMargin, wide, kFootHigh);
+    const int32_t line = std::min(foot->WantedWidth(), client.width);
+    foot->SetPos((client.width - line) / 2, ControlsCard::kHeight + 2 * kMargin, line, kFootHigh);
 }
 
 void KeyCard::Update() {

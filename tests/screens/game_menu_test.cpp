@@ -4,6 +4,7 @@
 #include "gui/slider.h"
 #include "gui/window_ex.h"
 #include "screens/game_menu.h"
+#include "screens/key_card.h"
 #include "screens/key_line.h"
 #include "screens/screen_picture.h"
 #include "screens/screens_rig.h"
@@ -239,6 +240,34 @@ TEST_F(GameMenuPages, EveryControlIsReachedAndFitsOnEveryScreen) {
                         std::to_string(static_cast<int>(page)));
             ExpectEveryControlIsReached(where);
         }
+    }
+}
+
+TEST_F(GameMenuPages, TheCardOverAFirstGameFitsOnEveryScreen) {
+    const std::vector<KEY_WORDS> ways = {
+        {{L"F1"},  L"menu",                                   {L"Guide held"}},
+        {{L"Esc"}, L"walk on; the game plays on without you", {L"Guide"}     }
+    };
+    for (const auto& [width, height] : {
+             std::pair{640,  480 },
+             std::pair{1280, 720 },
+             std::pair{1920, 1080},
+             std::pair{800,  1280}
+    }) {
+        Manager().SetScreen(width, height);
+        const KeyCard card(kSystemMegaDrive, FullPadName, ways);
+        Tick();
+        GUI_RECT box;
+        ASSERT_TRUE(Manager().GetScreenRect(card.Window()->window, &box));
+        EXPECT_EQ(Intersection(box, Manager().ScreenRect()), box) << width;
+        for (const GHOSTMANAGER_WINDOW* const part : {card.Card()->window, card.Ways()->window}) {
+            GUI_RECT place;
+            ASSERT_TRUE(Manager().GetScreenRect(part, &place));
+            EXPECT_EQ(Intersection(place, box), place) << width;
+        }
+        EXPECT_GE(card.Ways()->GetRect().width, card.Ways()->WantedWidth()) << "nothing is cut";
+        EXPECT_EQ(Manager().ModalWindow(), nullptr) << "the game has the keys";
+        KeepPicture("keys-" + std::to_string(height));
     }
 }
 

@@ -8,6 +8,7 @@
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
+#include "front/pad_names.h"
 #include "front/program_commands.h"
 #include "front/resume_texts.h"
 #include "gui/button.h"
@@ -18,6 +19,7 @@
 #include "library/game_source.h"
 #include "screens/entry_box.h"
 #include "screens/member_panel.h"
+#include "screens/play_keys.h"
 #include "screens/rom_browser.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -37,16 +39,6 @@ constexpr uint32_t kF10 = 67;
 bool ToolkitTakesEscape() {
     const GHOSTMANAGER_WINDOW* const top = CGhostManager::Get().ActiveTopWindow();
     return top != nullptr && top->owner != nullptr;
-}
-
-void ShowFailure(const GAME_FAILURE& failure) {
-    if (!failure.starting) {
-        CGhostMessageBox::Show(L"The game has ended", WideFromUtf8(failure.reason));
-        return;
-    }
-    CGhostMessageBox::Show(WideFromUtf8(kStartFailed), failure.reason.empty()
-                                                           ? L"Its machine does not start."
-                                                           : WideFromUtf8(failure.reason));
 }
 
 constexpr std::chrono::milliseconds kLongestGoodbye{500};
@@ -72,7 +64,9 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
     , joysticks(surroundings.joysticks)
     , resumeGames(surroundings.resumeGames)
     , room(surroundings, {},
-           {[this](ModeOrder order) { Obey(order); }, ShowFailure, [this] { ToggleGameMenu(); }},
+           {[this](ModeOrder order) { Obey(order); },
+            [this](const GAME_FAILURE& failure) { ShowFailure(failure); },
+            [this] { ToggleGameMenu(); }},
            ProgramMode::kMenu)
     , menu(*this)
     , overlay(*this)
@@ -85,6 +79,41 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
               }}) {
     player.Open(ResolvePath(kPlayerDatabaseFile));
     AskToContinue();
+}
+
+void ProgramScreen::ShowFailure(const GAME_FAILURE& failure) {
+    if (failure.starting) {
+        CGhostMessageBox::Show(WideFromUtf8(kStartFailed), failure.reason.empty()
+                                                               ? L"Its machine does not start."
+                                                               : WideFromUtf8(failure.reason));
+        return;
+    }
+    std::vector<MESSAGE_CHOICE> choices;
+    if (!failure.label.texts.empty()) {
+        choices.push_back({L"Restart", [this, failure] { Restart(failure); }});
+    }
+    choices.push_back({L"Library", [this, key = failure.key] { OfferLibrary(key); }});
+    CGhostMessageBox::Show(WideFromUtf8(kStoppedTitle), WideFromUtf8(StoppedText(failure.reason)),
+                           std::move(choices));
+}
+
+void ProgramScreen::Restart(const GAME_FAILURE& failure) {
+    OPENED_GAME opened;
+    std::string error;
+    if (!OpenResumed(failure.label, opened, error)) {
+        CGhostMessageBox::Show(WideFromUtf8(kStartFailed), WideFromUtf8(error));
+        return;
+    }
+    PlayNow(failure.key, std::move(opened));
+    FitScreens();
+}
+
+// For the set on which the game was. Menu and browser have ways of their own.
+void ProgramScreen::OfferLibrary(uint32_t key) {
+    if (!room.Modes().Covered()) {
+        room.Face(key);
+        wanted.push_back(ModeInput::kLoadGame);
+    }
 }
 
 void ProgramScreen::AskToContinue() {
@@ -199,6 +228,8 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     if (states.Update(input) && CGhostManager::Get().ModalWindow() == nullptr) {
         room.Take(ModeInput::kSavedStates);
     }
+    HoldGame(input.now);
+    ShowFirstKeys(input.now);
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
@@ -280,9 +311,51 @@ void ProgramScreen::GoBack() {
 // Over nothing that takes the input itself.
 void ProgramScreen::ToggleGameMenu() {
     const bool free = CGhostManager::Get().ModalWindow() == nullptr && !adding.IsShown();
-    if (overlay.Menu() != nullptr || free) {
-        overlay.ToggleMenu();
+    if (overlay.Menu() == nullptr && !free) {
+        return;
     }
+    const uint32_t key = room.Selected().id;
+    overlay.ToggleMenu(
+        {WideFromUtf8(room.Games().TitleOn(key)), room.Games().SystemOn(key), PadNamesNow()});
+    if (overlay.Menu() != nullptr && room.Selected().on) {
+        static_cast<void>(paused.Hold(key)); // one that still starts has nothing to lose
+    }
+}
+
+PadNames ProgramScreen::PadNamesNow() const {
+    if (!joysticks.HasController()) {
+        return {};
+    }
+    return [this](std::wstring_view action) { return PadNameOfAction(joysticks.Family(), action); };
+}
+
+// Over the game that the player's hands are on.
+void ProgramScreen::ShowFirstKeys(int64_t now) {
+    KEYS_GAME game;
+    const ProgramModes& modes = room.Modes();
+    if (!modes.Covered() && !modes.Walking() && room.Selected().on && !adding.IsShown()) {
+        const uint32_t key = room.Selected().id;
+        const bool inHand = joysticks.HasController();
+        const auto guide = [&](const wchar_t* how) {
+            const wchar_t* const name = PadControlName(joysticks.Family(), kPadGuide);
+            return inHand ? std::vector<std::wstring>{name + std::wstring(how)}
+                          : std::vector<std::wstring>();
+        };
+        game = {key, room.Games().SerialOn(key), room.Games().SystemOn(key), PadNamesNow(), {}};
+        game.ways = {
+            {{KeyOfAction(L"Game Menu")}, L"menu",                                   guide(L" held")},
+            {{L"Esc"},                    L"walk on; the game plays on without you", guide(L"")     }
+        };
+    }
+    firstKeys.Update(game, now);
+}
+
+// A game waits while its menu is open.
+void ProgramScreen::HoldGame(int64_t now) {
+    if (overlay.Menu() == nullptr) {
+        paused.LetGo();
+    }
+    paused.Update(now);
 }
 
 void ProgramScreen::Obey(ModeOrder order) {
@@ -303,6 +376,7 @@ void ProgramScreen::ShowSavedStates() {
     if (game == playing.end()) {
         return;
     }
+    paused.GoOn(); // from the menu; the states have their own pause
     states.Open({key, serial, room.Games().TitleOn(key), [this, played = *game] {
                      const int64_t now = HostClock().nowMicroseconds();
                      const int64_t seconds = player.Find(played.identity).secondsPlayed +

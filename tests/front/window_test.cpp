@@ -241,7 +241,7 @@ TEST_F(WindowTest, AMachineThatEndsIsTurnedOffAndSaidSo) {
     ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, path.string()));
     EXPECT_TRUE(application.Playing());
-    EXPECT_THAT(Title(), HasSubstr("gone"));
+    EXPECT_EQ(Title(), "gone - Mega Drive - Ombrelune");
     ASSERT_TRUE(RunUntil(application, [&] { return !application.Playing(); }));
     EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("address error at 0x000201")));
     EXPECT_EQ(Title(), ProgramTitle());

@@ -278,7 +278,11 @@ void AddDocuments(CLI::App& app, std::vector<COMMAND>& commands) {
 }
 
 COMMAND AddActions(CLI::App& app) {
-    return {app.add_subcommand("actions", "List every action with its bindings"), ActionsCommand};
+    const auto json = std::make_shared<bool>(false);
+    CLI::App* const command = app.add_subcommand(
+        "actions", "List what can be pressed: every action with its inputs, and the window's keys");
+    command->add_flag("--json", *json, "As JSON");
+    return {command, [json] { return ActionsCommand(*json); }};
 }
 
 } // namespace

@@ -3,20 +3,9 @@
 #include "base/audio_rate.h"
 #include "base/text.h"
 #include "front/terminal.h"
-#include "settings/bindings.h"
 #include "settings/settings.h"
 
-#include <cstdio>
-
-int ActionsCommand() {
-    for (const INPUT_ACTION& action : InputActions()) {
-        const auto [primary, secondary] = Settings().GetInt2(BindingSetting(action));
-        std::printf("%s\t%s\t%s\n", Utf8FromWide(action.name).c_str(),
-                    Utf8FromWide(BindingName(static_cast<uint32_t>(primary))).c_str(),
-                    Utf8FromWide(BindingName(static_cast<uint32_t>(secondary))).c_str());
-    }
-    return kExitDone;
-}
+#include <string>
 
 void ApplyAudioRate() {
     constexpr int32_t kLowestRate = 8000;

@@ -20,8 +20,8 @@ inline constexpr int kExitInterrupted = 130; // by Ctrl-C, as shells number it
 // screen for some seconds.
 int DesktopCommand();
 
-// Every action with its bindings, a line each: name, primary, secondary, separated by tabs.
-int ActionsCommand();
+// Every action that has an effect, with its inputs, and the window's own keys.
+int ActionsCommand(bool json);
 
 // Prints what each file holds, and whether it can be played. A file that fails is reported, and the others are still
 // shown.

@@ -1,9 +1,9 @@
 // `manual` and `completion`: what packages install beside the program, written by the program itself.
+#include "base/version.h"
 #include "front/tools/command_tree.h"
 #include "front/tools/commands.h"
 #include "front/tools/completion.h"
 #include "front/tools/manual_page.h"
-#include "front/version.h"
 
 #include <cstdio>
 
@@ -17,7 +17,7 @@ int Print(const std::string& text) {
 } // namespace
 
 int ManualCommand(const CLI::App& program) {
-    return Print(ManualPage(ReadCommandTree(program), {OMBRELUNE_VERSION, OMBRELUNE_VERSION_DATE}));
+    return Print(ManualPage(ReadCommandTree(program), {ProgramVersion(), ProgramVersionDate()}));
 }
 
 int CompletionCommand(const CLI::App& program, const std::string& shell) {

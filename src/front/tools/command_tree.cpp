@@ -6,7 +6,7 @@
 
 namespace {
 
-// The choices of a type like "TEXT:{sms,gg}".
+// The choices of a type like "TEXT:{sms, gg}"; the parser's own lists have no spaces.
 std::vector<std::string> Choices(std::string_view type) {
     std::vector<std::string> choices;
     const size_t open = type.find('{');
@@ -16,7 +16,8 @@ std::vector<std::string> Choices(std::string_view type) {
     }
     for (size_t at = open + 1; at < close;) {
         const size_t comma = std::min(type.find(',', at), close);
-        choices.emplace_back(type.substr(at, comma - at));
+        const size_t begin = std::min(type.find_first_not_of(' ', at), comma);
+        choices.emplace_back(type.substr(begin, comma - begin));
         at = comma + 1;
     }
     return choices;

@@ -12,10 +12,10 @@ constexpr int64_t kMicroseconds = 1000000;
 
 } // namespace
 
-void Notices::Post(const std::string& text, int64_t now, Kind kind) {
+void Notices::Post(const std::string& text, int64_t now, Kind kind, int64_t seconds) {
     const std::scoped_lock hold(lock);
     std::erase_if(lines, [&](const LINE& line) { return line.text == text; });
-    lines.push_back({text, kind});
+    lines.push_back({text, kind, seconds});
     if (lines.size() > kMostLines) {
         KeepAsUnread(lines.front(), now);
         lines.pop_front();
@@ -49,7 +49,7 @@ std::vector<std::string> Notices::Lines(int64_t now) {
     std::vector<std::string> texts;
     for (LINE& line : lines) {
         texts.push_back(line.text);
-        line.until = std::min(line.until, now + kSecondsShown * kMicroseconds);
+        line.until = std::min(line.until, now + line.seconds * kMicroseconds);
     }
     return texts;
 }
@@ -61,6 +61,11 @@ Notices& ProgramNotices() {
 
 void PostNotice(const std::string& text) {
     ProgramNotices().Post(text, HostClock().nowMicroseconds());
+}
+
+void PostShortNotice(const std::string& text) {
+    constexpr int64_t kSeconds = 2;
+    ProgramNotices().Post(text, HostClock().nowMicroseconds(), Notices::Kind::kWord, kSeconds);
 }
 
 void PostReport(const std::string& text) {

@@ -21,7 +21,8 @@ public:
 
     // `now` in microseconds of any steady clock. A line's time starts when it is first shown, as the program may still
     // be starting; one that is already shown starts again.
-    void Post(const std::string& text, int64_t now, Kind kind = Kind::kWord);
+    void Post(const std::string& text, int64_t now, Kind kind = Kind::kWord,
+              int64_t seconds = kSecondsShown);
 
     // The lines to show, oldest first; drops those whose time is over.
     [[nodiscard]] std::vector<std::string> Lines(int64_t now);
@@ -33,6 +34,7 @@ private:
     struct LINE {
         std::string text;
         Kind kind;
+        int64_t seconds = kSecondsShown;
         int64_t until = INT64_MAX; // that has not been shown yet
     };
 
@@ -47,4 +49,5 @@ private:
 // standard error.
 [[nodiscard]] Notices& ProgramNotices();
 void PostNotice(const std::string& text);
+void PostShortNotice(const std::string& text); // for two seconds
 void PostReport(const std::string& text);

@@ -15,9 +15,7 @@
 
 #include <algorithm>
 #include <mutex>
-#include <new>
 #include <thread>
-#include <utility>
 
 namespace {
 
@@ -52,15 +50,7 @@ bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vide
 
 // Without memory for its state a frame is missing from the stack, and nothing else.
 void Record(EMU_THREAD& session, uint64_t limit) {
-    bool recorded = false;
-    try {
-        uint32_t size = 0;
-        StateBlob state = session.machine->SaveState(size);
-        recorded = RewindPush(session.rewind, std::move(state), size, limit);
-    } catch (const std::bad_alloc&) {
-        recorded = false;
-    }
-    if (!recorded && !session.rewind.rewindRefused) {
+    if (!RewindPush(session.rewind, *session.machine, limit) && !session.rewind.rewindRefused) {
         session.rewind.rewindRefused = true;
         HostNotice("There is not enough memory to record every frame for rewinding");
     }

@@ -21,7 +21,7 @@ namespace {
 
 constexpr int32_t kDefaultFastForward = 2;
 constexpr int32_t kMostFastForward = 10;
-constexpr uint32_t kPausedSleepMs = 5;
+constexpr uint32_t kPausedSleep = 5000; // microseconds
 
 // Runs a frame and brings its records into the bounds that all later stages rely on.
 void RunMachine(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& video,
@@ -224,7 +224,7 @@ void EmuThreadMain(EMU_THREAD* session) {
         }
         while (session->stopRequested == 0) {
             if (session->paused) {
-                HostClock().sleepMilliseconds(kPausedSleepMs);
+                HostClock().sleepMicroseconds(kPausedSleep);
                 continue;
             }
             loop.hotkeys.ForgetAfterPause();

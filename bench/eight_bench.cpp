@@ -4,7 +4,7 @@
 //     SDL_AUDIODRIVER=dummy eight_bench [SECONDS]
 //
 // Prints how fast each machine ran, and the processor time that an emulated second took. What a session's thread spends
-// on waiting for the end of a frame is not counted: near it the thread polls the clock, and lets others go first.
+// on waiting for the end of a frame is counted with the whole process only.
 #include "audio/sound.h"
 #include "base/files.h"
 #include "base/processor_time.h"

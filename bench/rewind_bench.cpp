@@ -22,14 +22,15 @@
 #include <cstdlib>
 #include <random>
 #include <string_view>
+#include <vector>
 
 namespace {
 
 constexpr const char* kGames[] = {"sms-luciole", "gg-glimmer", "arcade-skywren", "nes-ecume",
                                   "md-mistral"};
 constexpr int kWarmUpFrames = 300;
-constexpr int kTurns = 6;
-constexpr int kFramesOfTurn = 600;
+constexpr int kTurns = 60;
+constexpr int kFramesOfTurn = 60;
 
 class Player {
 public:
@@ -81,21 +82,44 @@ private:
     std::mt19937 random{1};
 };
 
+// Of a frame.
 struct COST {
-    int64_t microseconds = 0;
-    uint64_t instructions = 0;
+    double microseconds = 0.0;
+    double instructions = 0.0;
 };
 
-// In turns, so that other load on the computer affects both alike.
-void Measure(Player& player, InstructionCounter& counter, COST& with, COST& without) {
-    for (int turn = 0; turn < 2 * kTurns; ++turn) {
-        COST& cost = turn % 2 == 0 ? with : without;
-        const int64_t start = ThreadProcessorTime();
-        const uint64_t counted = counter.Count();
-        player.Play(kFramesOfTurn, turn % 2 == 0 ? 256 : 0);
-        cost.instructions += counter.Count() - counted;
-        cost.microseconds += ThreadProcessorTime() - start;
+double Median(std::vector<double>& values) {
+    const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+COST Turn(Player& player, InstructionCounter& counter, int32_t mebibytes) {
+    const int64_t start = ThreadProcessorTime();
+    const uint64_t counted = counter.Count();
+    player.Play(kFramesOfTurn, mebibytes);
+    const auto instructions = static_cast<double>(counter.Count() - counted);
+    const auto microseconds = static_cast<double>(ThreadProcessorTime() - start);
+    return {microseconds / kFramesOfTurn, instructions / kFramesOfTurn};
+}
+
+// Two play the same in short turns, one of them with rewinding: each in every other turn, as the same machine may be a
+// little slower where its memory lies elsewhere. The median of the turns' differences is free of most of the other load
+// on the computer.
+void Measure(Player& one, Player& two, InstructionCounter& counter, COST& plain, COST& more) {
+    std::vector<double> plainTimes(kTurns);
+    std::vector<double> moreTimes(kTurns);
+    for (int turn = 0; turn < kTurns; ++turn) {
+        const bool first = turn % 2 == 0;
+        const COST with = Turn(first ? one : two, counter, 256);
+        const COST without = Turn(first ? two : one, counter, 0);
+        plainTimes[static_cast<size_t>(turn)] = without.microseconds;
+        moreTimes[static_cast<size_t>(turn)] = with.microseconds - without.microseconds;
+        plain.instructions += without.instructions / kTurns;
+        more.instructions += (with.instructions - without.instructions) / kTurns;
     }
+    plain.microseconds = Median(plainTimes);
+    more.microseconds = Median(moreTimes);
 }
 
 int64_t LongestStepBack(REWIND_STACK& stack) {
@@ -109,36 +133,34 @@ int64_t LongestStepBack(REWIND_STACK& stack) {
 }
 
 bool Report(const char* name) {
-    Player player(name);
-    if (!player.Started()) {
+    Player one(name);
+    Player two(name);
+    if (!one.Started() || !two.Started()) {
         std::fprintf(stderr, "%s cannot be started\n", name);
         return false;
     }
-    player.Play(kWarmUpFrames, 0);
-    COST with;
-    COST without;
+    one.Play(kWarmUpFrames, 0);
+    two.Play(kWarmUpFrames, 0);
+    COST plain;
+    COST more;
     InstructionCounter counter;
-    Measure(player, counter, with, without);
-    const REWIND_STACK& stack = player.Rewind();
-    const double framesPerSecond =
-        (kWarmUpFrames + 2 * kTurns * kFramesOfTurn) / player.SecondsPlayed();
+    Measure(one, two, counter, plain, more);
+    const REWIND_STACK& stack = one.Rewind();
+    const double framesPerSecond = (kWarmUpFrames + kTurns * kFramesOfTurn) / one.SecondsPlayed();
     const double packed = static_cast<double>(stack.packedBytes) / (stack.rewindCount - 1);
-    constexpr double kFrames = kTurns * kFramesOfTurn;
-    const double plain = static_cast<double>(without.microseconds) / kFrames;
-    const double more = static_cast<double>(with.microseconds) / kFrames - plain;
     std::printf("%s\n", name);
     std::printf("    a state of %u bytes takes %.0f: 256 MiB are %.1f minutes\n",
                 stack.rewindHeadBytes, packed, 256.0 * 1048576.0 / packed / framesPerSecond / 60.0);
-    std::printf("    a frame takes %.1f us, and %.1f us more with rewinding: %.1f %%\n", plain,
-                more, more / plain * 100.0);
+    std::printf("    a frame takes %.1f us, and %.1f us more with rewinding: %.1f %%\n",
+                plain.microseconds, more.microseconds,
+                more.microseconds / plain.microseconds * 100.0);
     if (counter.Works()) {
-        const double counted = static_cast<double>(without.instructions) / kFrames;
-        const double added = static_cast<double>(with.instructions) / kFrames - counted;
-        std::printf("    %.0f instructions, and %.0f more with rewinding: %.1f %%\n", counted,
-                    added, added / counted * 100.0);
+        std::printf("    %.0f instructions, and %.0f more with rewinding: %.1f %%\n",
+                    plain.instructions, more.instructions,
+                    more.instructions / plain.instructions * 100.0);
     }
     std::printf("    the longest step back unpacks for %" PRId64 " us\n",
-                LongestStepBack(player.Rewind()));
+                LongestStepBack(one.Rewind()));
     std::fflush(stdout);
     return true;
 }

@@ -28,12 +28,11 @@ public:
     bool LoadState(const uint8_t* data, uint32_t size) override {
         return StatePieceRead(data, size, [this](auto& visit) { Fields(visit); }) == size;
     }
-    StateBlob SaveState(uint32_t& size) override {
-        const auto fields = [this](auto& visit) { Fields(visit); };
-        size = StatePieceSize(fields);
-        auto blob = std::make_unique<uint8_t[]>(size);
-        StatePieceWrite(blob.get(), fields);
-        return blob;
+    uint32_t StateSize() override {
+        return StatePieceSize([this](auto& visit) { Fields(visit); });
+    }
+    void WriteState(StateOut out) override {
+        StatePieceWrite(out, [this](auto& visit) { Fields(visit); });
     }
 
 private:

@@ -49,7 +49,7 @@ struct RECORD {
 std::vector<uint8_t> Write(RECORD& record) {
     const auto fields = [&](auto& visit) { record.Fields(visit); };
     std::vector<uint8_t> piece(StatePieceSize(fields));
-    if (StatePieceWrite(piece.data(), fields) != piece.data() + piece.size()) {
+    if (StatePieceWrite(piece.data(), fields).At() != piece.data() + piece.size()) {
         std::abort();
     }
     return piece;

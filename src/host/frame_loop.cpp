@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
-#include <new>
 #include <thread>
 #include <utility>
 
@@ -25,7 +24,7 @@ namespace {
 
 constexpr int32_t kDefaultFastForward = 2;
 constexpr int32_t kMostFastForward = 10;
-constexpr uint32_t kPausedSleepMs = 5;
+constexpr uint32_t kPausedSleep = 5000; // microseconds
 
 enum class RoundKind : uint8_t { kPlay, kFast, kBack, kSlow, kStep, kStill };
 
@@ -65,15 +64,7 @@ bool StepBack(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& vide
 
 // Without memory for its state a frame is missing from the stack, and nothing else.
 void Record(EMU_THREAD& session, uint64_t limit) {
-    bool recorded = false;
-    try {
-        uint32_t size = 0;
-        StateBlob state = session.machine->SaveState(size);
-        recorded = RewindPush(session.rewind, std::move(state), size, limit);
-    } catch (const std::bad_alloc&) {
-        recorded = false;
-    }
-    if (!recorded && !session.rewind.rewindRefused) {
+    if (!RewindPush(session.rewind, *session.machine, limit) && !session.rewind.rewindRefused) {
         session.rewind.rewindRefused = true;
         HostNotice("There is not enough memory to record every frame for rewinding");
     }
@@ -219,7 +210,7 @@ void StandStill(EMU_THREAD& session, const EMU_HOST_CALLBACKS& host, FRAME_LOOP&
     if (loop.lastPicture.pixels != nullptr) {
         EmuTakeScreenshot(session, loop.lastPicture);
     }
-    HostClock().sleepMilliseconds(kPausedSleepMs);
+    HostClock().sleepMicroseconds(kPausedSleep);
 }
 
 // The frames of a fast round. A machine holds a frame so that the next one is drawn over it, unseen. A
@@ -392,7 +383,7 @@ void EmuThreadMain(EMU_THREAD* session) {
         while (session->stopRequested == 0) {
             if (session->paused || session->waitsForFocus) {
                 EndSound(*session, host, loop);
-                HostClock().sleepMilliseconds(kPausedSleepMs);
+                HostClock().sleepMicroseconds(kPausedSleep);
                 continue;
             }
             loop.hotkeys.ForgetAfterPause();

@@ -13,9 +13,10 @@
 namespace {
 
 constexpr int64_t kBiasMicroseconds = 200;
-constexpr uint32_t kUnpacedSleepMs = 5;
-constexpr int64_t kSleepAbove = 1500; // above this many microseconds left: sleep a millisecond
-constexpr int64_t kYieldAbove = 100;  // above this: yield the processor
+constexpr uint32_t kUnpacedSleep = 5000; // microseconds
+// The system wakes a thread about this many microseconds late, so it is asked to be earlier. What is then left is
+// polled.
+constexpr int64_t kWakesLate = 60;
 constexpr uint32_t kBytesAPair = 4;
 constexpr uint32_t kPendingSeconds = 2;
 
@@ -25,12 +26,8 @@ int64_t SteadyMicroseconds() {
         .count();
 }
 
-void SteadySleep(uint32_t milliseconds) {
-    if (milliseconds == 0) {
-        std::this_thread::yield();
-    } else {
-        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-    }
+void SteadySleep(uint32_t microseconds) {
+    std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
 }
 
 HOST_CLOCK gClock{SteadyMicroseconds, SteadySleep};
@@ -50,8 +47,8 @@ SoundMutex& EmuSoundMutex() {
 void HostSetClock(const HOST_CLOCK& clock) {
     gClock.nowMicroseconds =
         clock.nowMicroseconds != nullptr ? clock.nowMicroseconds : SteadyMicroseconds;
-    gClock.sleepMilliseconds =
-        clock.sleepMilliseconds != nullptr ? clock.sleepMilliseconds : SteadySleep;
+    gClock.sleepMicroseconds =
+        clock.sleepMicroseconds != nullptr ? clock.sleepMicroseconds : SteadySleep;
 }
 
 const HOST_CLOCK& HostClock() {
@@ -72,10 +69,8 @@ void PaceFrame(EMU_HOST_DATA& data, uint32_t wait) {
     int64_t now = gClock.nowMicroseconds();
     while (now - data.lastFrameTime < wait) {
         const int64_t left = wait - (now - data.lastFrameTime);
-        if (left > kSleepAbove) {
-            gClock.sleepMilliseconds(1);
-        } else if (left > kYieldAbove) {
-            gClock.sleepMilliseconds(0);
+        if (left > kWakesLate) {
+            gClock.sleepMicroseconds(static_cast<uint32_t>(left - kWakesLate));
         }
         now = gClock.nowMicroseconds();
     }
@@ -151,7 +146,7 @@ EMU_VIDEO_FRAME* HostTakeFrame(EMU_HOST_DATA& data) {
 void HostPresent(EMU_THREAD* session, uint32_t microseconds) {
     EMU_HOST_DATA* const data = session->hostData;
     if (data == nullptr || !IsPacedLength(microseconds)) {
-        gClock.sleepMilliseconds(kUnpacedSleepMs);
+        gClock.sleepMicroseconds(kUnpacedSleep);
         return;
     }
     const uint32_t wait = PaceWait(microseconds, data->syncBias, data->overshoot);

@@ -41,7 +41,7 @@ using SoundMutex = RankedMutex<LockRank::kSound>;
 // any thread. Set while no session runs.
 struct HOST_CLOCK {
     int64_t (*nowMicroseconds)();
-    void (*sleepMilliseconds)(uint32_t milliseconds); // 0 yields the processor
+    void (*sleepMicroseconds)(uint32_t microseconds); // at least so long
 };
 void HostSetClock(const HOST_CLOCK& clock); // null members restore the steady clock
 [[nodiscard]] const HOST_CLOCK& HostClock();

@@ -1,7 +1,8 @@
 // The rewind stack: a saved state of every frame, the newest on top.
 //
-// Only the newest state is whole. Each older one is the packed difference (state_difference.h) to the state after it, so
-// a step back unpacks one difference, and the oldest state can be dropped without touching another.
+// Only the newest state is whole. The machine writes each state over it, and what changes is noted, packed and kept
+// (state_changes.h): it leads from the newer state back to the older one. So a step back unpacks the changes of one
+// frame, and the oldest state can be dropped without touching another.
 //
 // The limit applies to all memory that the stack uses, as RewindBytes counts it. The newest state is kept whatever the
 // limit.
@@ -10,17 +11,18 @@
 // rest once the session's thread has ended.
 #pragma once
 
-#include "host/state_difference.h"
 #include "machine/emu_system.h"
+#include "machine/state_changes.h"
 
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <vector>
 
 // A state that is not the newest.
 struct PACKED_STATE {
-    std::unique_ptr<uint8_t[]> difference; // from the state after it
-    uint32_t differenceBytes = 0;
+    std::unique_ptr<uint8_t[]> changes; // from it to the state after it
+    uint32_t packedBytes = 0;
     uint32_t stateBytes = 0;
 };
 
@@ -34,17 +36,17 @@ struct REWIND_STACK {
     bool rewindRefused = false;     // the player has been told that there was no memory for a state
     uint64_t packedBytes = 0;       // memory of `older`
     std::deque<PACKED_STATE> older; // the oldest first
-    StateDifference difference;
+    StateChanges changes;           // of the newest state
+    std::vector<uint8_t> packed;    // them packed
 };
 
 // `emu_rewindbuffer`, in mebibytes, as a limit in bytes: capped at 1,024; a negative value counts as 0,
 // which keeps no states.
 [[nodiscard]] uint64_t RewindLimitBytes(int32_t mebibytes);
 
-// Puts a state on the stack and drops the oldest ones while the stack is over the limit. A null or empty state
-// is ignored. False if there is no memory for it; the stack is then as it was.
-[[nodiscard]] bool RewindPush(REWIND_STACK& stack, StateBlob state, uint32_t size,
-                              uint64_t limitBytes);
+// Puts the machine's state on the stack and drops the oldest ones while the stack is over the limit. Does nothing if
+// the machine cannot save its state. False if there is no memory for it; the stack is then as it was.
+[[nodiscard]] bool RewindPush(REWIND_STACK& stack, CEmuSystem& machine, uint64_t limitBytes);
 
 // Removes the newest state; the one before it is then whole, byte for byte as it was pushed. The stack must not be
 // empty. Allocates nothing.

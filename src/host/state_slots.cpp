@@ -37,8 +37,8 @@ fs::path LoadBeforeFile(const fs::path& folder) {
 class FolderTurn {
 public:
     explicit FolderTurn(const fs::path& folder) {
-        constexpr int kPatience = 300;  // times
-        constexpr uint32_t kPause = 10; // milliseconds
+        constexpr int kPatience = 300;     // times
+        constexpr uint32_t kPause = 10000; // microseconds
         std::error_code ignored;
         long holder = 0;
         std::string error; // a folder that cannot be written to is told by what is done there
@@ -47,7 +47,7 @@ public:
             if (!held) {
                 return;
             }
-            HostClock().sleepMilliseconds(kPause);
+            HostClock().sleepMicroseconds(kPause);
         }
     }
     // Another program has not finished, however long we waited.

@@ -102,11 +102,11 @@ uint32_t ChipSound::StateSize() const {
     return kStatePieceHeader + counter.bytes + resampler.StateBytes();
 }
 
-uint8_t* ChipSound::SaveState(uint8_t* out) const {
-    out[0] = kSoundPieceVersion;
-    StoreLittleEndian<uint32_t>(out + 1, StateSize());
+StateOut ChipSound::SaveState(StateOut out) const {
+    out.PutScalar(kSoundPieceVersion);
+    out.PutScalar(StateSize());
     auto histories = filters;
-    StateWriter writer(out + kStatePieceHeader);
+    StateWriter writer(out);
     VisitFilters(writer, histories);
     return resampler.SaveFields(writer.out);
 }

@@ -13,6 +13,7 @@
 #include "machine/band_splitter.h"
 #include "machine/resampler.h"
 #include "machine/sound_pairs.h"
+#include "machine/state_out.h"
 
 #include <array>
 #include <cstdint>
@@ -61,7 +62,7 @@ public:
     // saved one would have made. The size depends on the settings at Init.
     [[nodiscard]] uint32_t StateSize() const;
     // Writes StateSize bytes and returns the position after them.
-    uint8_t* SaveState(uint8_t* out) const;
+    StateOut SaveState(StateOut out) const;
     // Returns the bytes used, or 0 for a piece of other settings or one that does not fit; the history
     // is then empty. Any contents are safe.
     [[nodiscard]] uint32_t LoadState(const uint8_t* data, uint32_t size);

@@ -20,6 +20,16 @@ LAST_ERROR& LastError() {
 
 } // namespace
 
+StateBlob CEmuSystem::SaveState(uint32_t& size) {
+    size = StateSize();
+    if (size == 0) {
+        return nullptr;
+    }
+    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
+    WriteState(blob.get());
+    return blob;
+}
+
 void EmuSetLastError(std::string text) {
     LAST_ERROR& error = LastError();
     const std::scoped_lock hold(error.lock);

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "facts/machine_facts.h"
+#include "machine/state_out.h"
 
 #include <atomic>
 #include <cstddef>
@@ -76,12 +77,18 @@ public:
     virtual void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
                           EMU_AUDIO_FRAME* audio) = 0;
 
-    // Restores what SaveState wrote. False for a blob that does not fit; the machine is then in an
+    // Restores what WriteState wrote. False for a blob that does not fit; the machine is then in an
     // undefined state and must be reset.
     [[nodiscard]] virtual bool LoadState(const uint8_t* data, uint32_t size) = 0;
 
-    // The whole state as a new block of `size` bytes, which the caller frees; null on failure.
-    [[nodiscard]] virtual StateBlob SaveState(uint32_t& size) = 0;
+    // Size of the present state in bytes; 0 if it cannot be saved.
+    [[nodiscard]] virtual uint32_t StateSize() = 0;
+
+    // Writes the StateSize bytes of the whole state.
+    virtual void WriteState(StateOut out) = 0;
+
+    // The state as a new block of `size` bytes, which the caller frees; null if it cannot be saved.
+    [[nodiscard]] StateBlob SaveState(uint32_t& size);
 
     CEmuSystem(const CEmuSystem&) = delete;
     CEmuSystem& operator=(const CEmuSystem&) = delete;

@@ -17,6 +17,7 @@
 #pragma once
 
 #include "machine/resampler_filter.h"
+#include "machine/state_out.h"
 
 #include <array>
 #include <cstddef>
@@ -55,7 +56,7 @@ public:
     // Size of the state's fields, which depends on rates and quality, without the piece header.
     [[nodiscard]] uint32_t StateBytes() const;
     // Writes StateBytes bytes and returns the position after them.
-    uint8_t* SaveFields(uint8_t* out) const;
+    StateOut SaveFields(StateOut out) const;
     // Reads StateBytes bytes. False for fields of other rates or quality and for invalid ones; the
     // resampler is then reset. Any contents are safe.
     [[nodiscard]] bool LoadFields(const uint8_t* in);

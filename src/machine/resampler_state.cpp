@@ -30,20 +30,18 @@ void AudioResampler::VisitFields(Visit& visit, KEPT& kept, std::vector<int16_t>&
     visit(kept.wanted);
     visit(kept.ticks);
     visit(kept.strayPairs);
-    for (int16_t& value : pairs) {
-        visit(value);
-    }
+    visit(pairs);
 }
 
 uint32_t AudioResampler::StateBytes() const {
     KEPT kept;
-    auto pairs = history;
     StateCounter counter;
-    VisitFields(counter, kept, pairs);
+    // Counting, saving and loading share this list of fields. Only loading changes them.
+    VisitFields(counter, kept, const_cast<std::vector<int16_t>&>(history));
     return counter.bytes;
 }
 
-uint8_t* AudioResampler::SaveFields(uint8_t* out) const {
+StateOut AudioResampler::SaveFields(StateOut out) const {
     KEPT kept;
     kept.quality = quality;
     kept.outputTicks = outputTicks;
@@ -54,9 +52,8 @@ uint8_t* AudioResampler::SaveFields(uint8_t* out) const {
     kept.wanted = quality != 0 ? static_cast<uint32_t>(place + filter->half - middleHeld) : 0;
     kept.ticks = ticks;
     kept.strayPairs = strayPairs;
-    auto pairs = history;
     StateWriter writer(out);
-    VisitFields(writer, kept, pairs);
+    VisitFields(writer, kept, const_cast<std::vector<int16_t>&>(history));
     return writer.out;
 }
 

@@ -21,7 +21,7 @@
     return size;
 }
 
-inline void SaveSoundState(std::initializer_list<const ChipSound*> resamplers, uint8_t* out) {
+inline void SaveSoundState(std::initializer_list<const ChipSound*> resamplers, StateOut out) {
     for (const ChipSound* resampler : resamplers) {
         out = resampler->SaveState(out);
     }

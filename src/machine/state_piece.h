@@ -6,17 +6,21 @@
 //
 //     auto fields = [&](auto& visit) { visit(chip.pc); visit(chip.ram); };
 //
-// Integers, enums, bools, floats, arrays of them and std::array are fields. A bool is one byte.
+// Integers, enums, bools, floats, arrays of them, std::array and std::vector are fields. A bool is one byte. The
+// length of a vector is not written: the loader's has it.
 // A loaded value that becomes an index must be masked or refused by its owner after the read.
 #pragma once
 
 #include "base/bytes.h"
+#include "machine/state_out.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <type_traits>
+#include <vector>
 
 // A piece whose fields have changed since version 1 passes its version to StatePieceWrite and StatePieceRead.
 inline constexpr uint8_t kStatePieceVersion = 1;
@@ -25,9 +29,11 @@ inline constexpr uint32_t kStatePieceHeader = 5;
 namespace state_piece_detail {
 
 template <typename T>
-struct IsStdArray : std::false_type {};
+inline constexpr bool kIsArray = std::is_array_v<T>;
 template <typename T, size_t N>
-struct IsStdArray<std::array<T, N>> : std::true_type {};
+inline constexpr bool kIsArray<std::array<T, N>> = true;
+template <typename T>
+inline constexpr bool kIsArray<std::vector<T>> = true;
 
 template <size_t Bytes>
 using UnsignedOf = std::conditional_t<
@@ -42,10 +48,10 @@ inline constexpr bool kFlat =
 // Calls `scalar` for every scalar of a field, or `block` for bytes that are already in file order.
 template <typename T, typename Scalar, typename Block>
 void EachScalar(T& field, Scalar&& scalar, Block&& block) {
-    if constexpr (std::is_array_v<T> || IsStdArray<T>::value) {
+    if constexpr (kIsArray<T>) {
         using Element = std::remove_reference_t<decltype(field[0])>;
         if constexpr (kFlat<Element>) {
-            block(&field[0], sizeof field);
+            block(std::data(field), std::size(field) * sizeof(Element));
         } else {
             for (auto& element : field) {
                 EachScalar(element, scalar, block);
@@ -75,7 +81,7 @@ public:
 // Writes fields to a block that the caller knows to be large enough.
 class StateWriter {
 public:
-    explicit StateWriter(uint8_t* block)
+    explicit StateWriter(StateOut block)
         : out(block) {}
 
     template <typename T>
@@ -90,16 +96,12 @@ public:
                 } else {
                     std::memcpy(&bits, &value, sizeof bits);
                 }
-                StoreLittleEndian(out, bits);
-                out += sizeof bits;
+                out.PutScalar(bits);
             },
-            [this](const void* run, size_t size) {
-                std::memcpy(out, run, size);
-                out += size;
-            });
+            [this](const void* run, size_t size) { out.PutBytes(run, size); });
     }
 
-    uint8_t* out;
+    StateOut out;
 };
 
 // Reads fields from a block that the caller knows to be long enough. A bool is true for any byte but 0.
@@ -141,10 +143,10 @@ template <typename Fields>
 
 // Writes the piece and returns the position after it. `out` has room for StatePieceSize bytes.
 template <typename Fields>
-uint8_t* StatePieceWrite(uint8_t* out, Fields&& fields, uint8_t version = kStatePieceVersion) {
-    out[0] = version;
-    StoreLittleEndian<uint32_t>(out + 1, StatePieceSize(fields));
-    StateWriter writer(out + kStatePieceHeader);
+StateOut StatePieceWrite(StateOut out, Fields&& fields, uint8_t version = kStatePieceVersion) {
+    out.PutScalar(version);
+    out.PutScalar(StatePieceSize(fields));
+    StateWriter writer(out);
     fields(writer);
     return writer.out;
 }

@@ -23,6 +23,8 @@
 //   v1.2"; open flags from B. Trzynadlowski, "68000 Undocumented Behavior Notes".
 #pragma once
 
+#include "machine/state_out.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -156,7 +158,7 @@ void M68kSetIrqLine(M68K_STATE& cpu, uint32_t line, uint32_t state);
 inline constexpr uint32_t kM68kStateSize = 353;
 [[nodiscard]] uint32_t M68kStateSize();
 // Writes the piece and returns the byte after it.
-uint8_t* M68kSave(const M68K_STATE& cpu, uint8_t* out);
+StateOut M68kSave(const M68K_STATE& cpu, StateOut out);
 // Returns the bytes used, or 0 with nothing changed for a piece of another version or size. Callbacks and
 // pages stay.
 [[nodiscard]] uint32_t M68kLoad(M68K_STATE& cpu, const uint8_t* data, uint32_t size);

@@ -10,7 +10,7 @@
 #include <cstring>
 
 // Whether an opcode writes no memory, whatever its operand: moves to registers, comparisons, tests and branches.
-// One of these patterns that is no instruction pushes a frame and so changes A7.
+// One of these patterns that is no instruction pushes a frame and so changes A7, which who skips rounds must look at.
 [[nodiscard]] constexpr bool M68kReadsAlone(uint32_t opcode) {
     constexpr uint32_t kSizes = 0xC0; // both bits set: not of this form
     const bool hasSize = (opcode & kSizes) != kSizes;

@@ -74,7 +74,7 @@ uint32_t M68kStateSize() {
     return StatePieceSize(Fields(cpu));
 }
 
-uint8_t* M68kSave(const M68K_STATE& cpu, uint8_t* out) {
+StateOut M68kSave(const M68K_STATE& cpu, StateOut out) {
     M68K_STATE copy = cpu;
     return StatePieceWrite(out, Fields(copy));
 }

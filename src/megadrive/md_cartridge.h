@@ -14,6 +14,7 @@
 // Differs: docs/HARDWARE.md, Mega Drive, Cartridge.
 #pragma once
 
+#include "machine/state_out.h"
 #include "megadrive/md_eeprom.h"
 #include "megadrive/svp.h"
 
@@ -108,6 +109,6 @@ inline void MdCartRunSvp(MD_CARTRIDGE& cart, uint32_t masterClocks) {
 // The state piece. A load keeps what the cartridge's own header decided.
 [[nodiscard]] uint32_t MdCartStateSize(const MD_CARTRIDGE& cart);
 // Writes MdCartStateSize bytes and returns the byte after them.
-uint8_t* MdCartSaveState(const MD_CARTRIDGE& cart, uint8_t* out);
+StateOut MdCartSaveState(const MD_CARTRIDGE& cart, StateOut out);
 // Returns the bytes used, or 0 with nothing changed if the piece doesn't fit. Any contents are safe.
 [[nodiscard]] uint32_t MdCartLoadState(MD_CARTRIDGE& cart, const uint8_t* data, uint32_t size);

@@ -71,7 +71,7 @@ uint32_t MdCartStateSize(const MD_CARTRIDGE& cart) {
                       [](auto&& fields) { return StatePieceSize(fields); });
 }
 
-uint8_t* MdCartSaveState(const MD_CARTRIDGE& cart, uint8_t* out) {
+StateOut MdCartSaveState(const MD_CARTRIDGE& cart, StateOut out) {
     if (cart.cartKind == kMdCartSvp) {
         return SvpSaveState(*cart.svp, out);
     }

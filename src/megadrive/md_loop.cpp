@@ -78,9 +78,9 @@ void CatchUpToEvent(MEGA_DRIVE& md) {
     MdRefreshVdpToEvent(md);
 }
 
-// The Z80's bus for the clocks of one 68000 instruction, one in each cycle, when the Z80 isn't ahead. An access beyond its own RAM
-// counts the cycles up to its clock, so that the other chips catch up to there. The run stops after an access
-// that brings an event of the VDP near, or that may have changed the Z80's own bus request or reset.
+// The Z80's bus for the clocks of one 68000 instruction, one in each cycle, when the Z80 isn't ahead. An access beyond
+// its own RAM counts the cycles up to its clock, so that the other chips catch up to there. The run stops after an
+// access that brings an event of the VDP near, or that may have changed the Z80's own bus request or reset.
 struct MD_CATCH_UP_Z80_BUS {
     MEGA_DRIVE& md;
     uint32_t cycles; // left of the instruction at the first clock
@@ -166,7 +166,8 @@ bool IsQuiet(const MEGA_DRIVE& md, uint32_t cycles) {
     return md.z80Clock < md.z80Deadline && md.vdpOwed + cycles < md.vdpToEvent;
 }
 
-// Counts rounds of the 68000 that are all like the last one, up to the next event.
+// Counts rounds of the 68000 that are all like the last one, as many as are quiet (IsQuiet): afterwards Z80 and VDP are
+// still short of their events, and the next round meets the first of them.
 void SkipRounds(MEGA_DRIVE& md, uint32_t cycles, uint32_t spent) {
     const int32_t z80Clocks = md.z80Deadline - 1 - md.z80Clock;
     const uint32_t vdpCycles = md.vdpToEvent - std::min(md.vdpToEvent, md.vdpOwed + 1);
@@ -181,47 +182,56 @@ void SkipRounds(MEGA_DRIVE& md, uint32_t cycles, uint32_t spent) {
     md.fmOwed += rounds * cycles;
 }
 
-// After an event: skips a 68000 that is stopped, or that only reads memory in a short loop. Two rounds that begin
-// alike are equal, and so is every round up to the next event, since nobody else writes memory before. A word that
-// is read through the bus may be a chip's, so it counts as no memory.
+// Runs instructions until the 68000 is back where it is now, and returns their cycles. 0 if an event comes before, or
+// if it does anything but read memory. A word that is read through the bus may be a chip's, so it counts as no memory.
+// An exception moves the stack pointer, and what it pushes may be read in the next round.
+uint32_t RunWaitingRound(MEGA_DRIVE& md, uint32_t& freeInstructions, uint32_t& instructionsLeft) {
+    const M68K_STATE& cpu = md.cpu;
+    const uint32_t start = cpu.pc;
+    const uint32_t stack = cpu.regs[kM68kA7];
+    const uint32_t reads = md.m68kBusReads;
+    uint32_t cycles = 0;
+    for (; instructionsLeft > 0; --instructionsLeft) {
+        const uint32_t ran = RunInstruction<false>(md, freeInstructions);
+        if (!IsQuiet(md, ran)) {
+            RunCycles(md, ran);
+            return 0;
+        }
+        md.vdpOwed += ran;
+        md.fmOwed += ran;
+        cycles += ran;
+        if (!M68kMayWait(cpu) || md.m68kBusReads != reads || cpu.regs[kM68kA7] != stack) {
+            return 0;
+        }
+        if (cpu.pc == start) {
+            return cycles;
+        }
+    }
+    return 0;
+}
+
+// After an event: skips a 68000 that is stopped, or that only reads memory in a short loop. A round that ends with the
+// registers that it began with is followed by equal ones up to the next event, since nobody else writes memory before.
 [[gnu::noinline]] void SkipIdle(MEGA_DRIVE& md, uint32_t& freeInstructions) {
-    constexpr uint32_t kMostInstructions = 12; // of two rounds
+    constexpr uint32_t kMostInstructions = 12; // of two rounds: the first may come from elsewhere
     M68K_STATE& cpu = md.cpu;
     if (cpu.stopped != 0) {
         SkipRounds(md, kM68kStoppedClocks, 0);
         freeInstructions = 0;
         return;
     }
-    if (!M68kMayWait(cpu)) {
-        return;
-    }
-    const uint32_t start = cpu.pc;
-    const uint32_t reads = md.m68kBusReads;
-    uint32_t cycles = 0;
-    auto left = static_cast<uint32_t>(cpu.cyclesLeft);
-    M68kMoment last(cpu);
-    for (uint32_t i = 0; i < kMostInstructions; ++i) {
-        const uint32_t ran = RunInstruction<false>(md, freeInstructions);
-        if (!IsQuiet(md, ran)) {
-            RunCycles(md, ran);
+    uint32_t instructionsLeft = kMostInstructions;
+    while (M68kMayWait(cpu)) {
+        const M68kMoment begin(cpu);
+        const auto left = static_cast<uint32_t>(cpu.cyclesLeft);
+        const uint32_t cycles = RunWaitingRound(md, freeInstructions, instructionsLeft);
+        if (cycles == 0) {
             return;
         }
-        md.vdpOwed += ran;
-        md.fmOwed += ran;
-        cycles += ran;
-        if (!M68kMayWait(cpu) || md.m68kBusReads != reads) {
-            return;
-        }
-        if (cpu.pc != start) {
-            continue;
-        }
-        if (cycles != 0 && last.IsAlike(cpu)) {
+        if (begin.IsAlike(cpu)) {
             SkipRounds(md, cycles, left - static_cast<uint32_t>(cpu.cyclesLeft));
             return;
         }
-        last = M68kMoment(cpu);
-        left = static_cast<uint32_t>(cpu.cyclesLeft);
-        cycles = 0;
     }
 }
 

@@ -18,6 +18,8 @@
 // Differs: docs/HARDWARE.md, Mega Drive, VDP.
 #pragma once
 
+#include "machine/state_out.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -226,7 +228,7 @@ void MdVdpWriteRegister(MD_VDP& vdp, uint32_t index, uint8_t value);
 // into the picture of the last MdVdpBeginFrame.
 [[nodiscard]] uint32_t MdVdpStateSize();
 // Writes MdVdpStateSize bytes and returns the byte after them.
-uint8_t* MdVdpSaveState(const MD_VDP& vdp, uint8_t* out);
+StateOut MdVdpSaveState(const MD_VDP& vdp, StateOut out);
 // Returns the bytes used, or 0 with nothing changed if the piece doesn't fit. Any contents are safe.
 [[nodiscard]] uint32_t MdVdpLoadState(MD_VDP& vdp, const uint8_t* data, uint32_t size);
 

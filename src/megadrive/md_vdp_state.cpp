@@ -210,7 +210,7 @@ uint32_t MdVdpStateSize() {
     return kSize;
 }
 
-uint8_t* MdVdpSaveState(const MD_VDP& vdp, uint8_t* out) {
+StateOut MdVdpSaveState(const MD_VDP& vdp, StateOut out) {
     // Saving and loading share this list of fields. Saving does not change them.
     return StatePieceWrite(out, FieldsOf(const_cast<MD_VDP&>(vdp)));
 }

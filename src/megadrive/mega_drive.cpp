@@ -279,22 +279,23 @@ void CMegaDrive::BoardFields(Visit& visit) {
     visit(md.io.ioPorts);
 }
 
-StateBlob CMegaDrive::SaveState(uint32_t& size) {
+uint32_t CMegaDrive::StateSize() {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    const auto sound = {&std::as_const(md.psgSound), &std::as_const(md.fmSound)};
-    size = StatePieceSize(board) + M68kStateSize() + Z80StateSize() + MdVdpStateSize() +
+    return StatePieceSize(board) + M68kStateSize() + Z80StateSize() + MdVdpStateSize() +
            PsgStateSize() + Ym2612StateSize() + MdCartStateSize(md.cartridge) +
-           SoundStateSize(sound);
-    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
-    uint8_t* out = StatePieceWrite(blob.get(), board);
+           SoundStateSize({&md.psgSound, &md.fmSound});
+}
+
+void CMegaDrive::WriteState(StateOut out) {
+    const auto board = [&](auto& visit) { BoardFields(visit); };
+    out = StatePieceWrite(out, board);
     out = M68kSave(md.cpu, out);
     out = Z80SaveState(md.z80, out);
     out = MdVdpSaveState(md.vdp, out);
     out = PsgSaveState(md.psg, out);
     out = Ym2612SaveState(md.fm, out);
     out = MdCartSaveState(md.cartridge, out);
-    SaveSoundState(sound, out);
-    return blob;
+    SaveSoundState({&md.psgSound, &md.fmSound}, out);
 }
 
 bool CMegaDrive::LoadPieces(const uint8_t* data, uint32_t size) {

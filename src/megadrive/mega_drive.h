@@ -29,7 +29,8 @@ public:
     void Reset() override;
     void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) override;
     [[nodiscard]] bool LoadState(const uint8_t* data, uint32_t size) override;
-    [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
+    [[nodiscard]] uint32_t StateSize() override;
+    void WriteState(StateOut out) override;
 
     [[nodiscard]] bool Peek(uint32_t address, uint8_t& value) const override;
     // "ram", "vram", "palette" (CRAM), "vsram", "z80ram", and "sram" for a cartridge with memory of its own.

@@ -15,6 +15,8 @@
 //   that the game's own program uses.
 #pragma once
 
+#include "machine/state_out.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -93,6 +95,6 @@ void SvpWriteXst(MD_SVP& svp, uint16_t value);
 
 // The state piece.
 [[nodiscard]] uint32_t SvpStateSize();
-uint8_t* SvpSaveState(const MD_SVP& svp, uint8_t* out);
+StateOut SvpSaveState(const MD_SVP& svp, StateOut out);
 // Returns the bytes used, or 0 with nothing changed if the piece doesn't fit. Any contents are safe.
 [[nodiscard]] uint32_t SvpLoadState(MD_SVP& svp, const uint8_t* data, uint32_t size);

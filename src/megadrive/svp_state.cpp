@@ -50,7 +50,7 @@ uint32_t SvpStateSize() {
     return kSize;
 }
 
-uint8_t* SvpSaveState(const MD_SVP& svp, uint8_t* out) {
+StateOut SvpSaveState(const MD_SVP& svp, StateOut out) {
     // Saving and loading share this list of fields. Saving does not change them.
     auto& fields = const_cast<MD_SVP&>(svp);
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });

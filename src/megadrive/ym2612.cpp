@@ -288,7 +288,7 @@ uint32_t Ym2612StateSize() {
     return kSize;
 }
 
-uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out) {
+StateOut Ym2612SaveState(const YM2612& ym, StateOut out) {
     // Saving and loading share this list of fields. Saving does not change them.
     auto& fields = const_cast<YM2612&>(ym);
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });

@@ -17,6 +17,7 @@
 #pragma once
 
 #include "machine/sound_pairs.h"
+#include "machine/state_out.h"
 
 #include <array>
 #include <cstddef>
@@ -159,6 +160,6 @@ void Ym2612Write(YM2612& ym, uint32_t port, uint8_t value);
 // The state piece holds the chip, but not the samples in `pairs`.
 [[nodiscard]] uint32_t Ym2612StateSize();
 // Writes Ym2612StateSize bytes and returns the byte after them.
-uint8_t* Ym2612SaveState(const YM2612& ym, uint8_t* out);
+StateOut Ym2612SaveState(const YM2612& ym, StateOut out);
 // Returns the bytes used, or 0 with nothing changed if the piece doesn't fit. Any contents are safe.
 [[nodiscard]] uint32_t Ym2612LoadState(YM2612& ym, const uint8_t* data, uint32_t size);

@@ -15,6 +15,7 @@
 #pragma once
 
 #include "machine/sound_pairs.h"
+#include "machine/state_out.h"
 #include "nes/nes_lines.h"
 
 #include <array>
@@ -141,6 +142,6 @@ void ApuWrite(APU& apu, uint16_t address, uint8_t value);
 // The state holds the chip and both interrupts, not the samples already in `pairs`.
 [[nodiscard]] uint32_t ApuStateSize();
 // Writes ApuStateSize bytes; returns the byte after them.
-uint8_t* ApuSaveState(const APU& apu, uint8_t* out);
+StateOut ApuSaveState(const APU& apu, StateOut out);
 // Returns the bytes used, or 0 with nothing changed if the version or size is wrong. Any contents are safe.
 [[nodiscard]] uint32_t ApuLoadState(APU& apu, const uint8_t* data, uint32_t size);

@@ -176,7 +176,7 @@ uint32_t ApuStateSize() {
     return kSize;
 }
 
-uint8_t* ApuSaveState(const APU& apu, uint8_t* out) {
+StateOut ApuSaveState(const APU& apu, StateOut out) {
     auto& fields =
         const_cast<APU&>(apu); // saving shares the field list with loading; it changes nothing
     uint32_t irqs = *apu.irqLines & kOwnIrqs;

@@ -16,6 +16,7 @@
 // Differs: docs/HARDWARE.md, NES, Board.
 #pragma once
 
+#include "machine/state_out.h"
 #include "nes/cartridge.h"
 
 #include <cstddef>
@@ -32,7 +33,7 @@ struct NES_BOARD_ROW {
     // NES_PAGES::ppuAddressHook, where `board` is the cartridge; null for most boards.
     void (*ppuAddressHook)(void* board, uint16_t address, uint32_t count) = nullptr;
     // Returns the size of the board's piece; writes the piece unless `out` is null.
-    uint32_t (*saveState)(const NES_CARTRIDGE& cartridge, uint8_t* out) = nullptr;
+    uint32_t (*saveState)(const NES_CARTRIDGE& cartridge, StateOut* out) = nullptr;
     uint32_t (*loadState)(NES_CARTRIDGE& cartridge, const uint8_t* data, uint32_t size) = nullptr;
 };
 
@@ -54,6 +55,6 @@ inline void BoardCpuClock(NES_CARTRIDGE& cartridge) {
 
 [[nodiscard]] uint32_t BoardStateSize(const NES_CARTRIDGE& cartridge);
 // Writes BoardStateSize bytes; returns the byte after them.
-uint8_t* BoardSaveState(const NES_CARTRIDGE& cartridge, uint8_t* out);
+StateOut BoardSaveState(const NES_CARTRIDGE& cartridge, StateOut out);
 // Returns the bytes used, or 0 with nothing changed if the version or size is wrong. Any contents are safe.
 [[nodiscard]] uint32_t BoardLoadState(NES_CARTRIDGE& cartridge, const uint8_t* data, uint32_t size);

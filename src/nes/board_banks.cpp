@@ -110,9 +110,9 @@ void ResetPlain(NES_CARTRIDGE& cartridge) {
 
 constexpr auto kNoFields = [](auto& /*visit*/) {};
 
-uint32_t SavePlain(const NES_CARTRIDGE& /*cartridge*/, uint8_t* out) {
+uint32_t SavePlain(const NES_CARTRIDGE& /*cartridge*/, StateOut* out) {
     if (out != nullptr) {
-        StatePieceWrite(out, kNoFields);
+        *out = StatePieceWrite(*out, kNoFields);
     }
     return StatePieceSize(kNoFields);
 }

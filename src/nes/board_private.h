@@ -69,11 +69,11 @@ template <typename State>
 
 // A record lists its saved fields in `Fields` (Visit&).
 template <typename State>
-uint32_t SaveBoardState(const NES_CARTRIDGE& cartridge, uint8_t* out) {
+uint32_t SaveBoardState(const NES_CARTRIDGE& cartridge, StateOut* out) {
     State& state = BoardState<State>(cartridge);
     const auto fields = [&](auto& visit) { state.Fields(visit); };
     if (out != nullptr) {
-        StatePieceWrite(out, fields);
+        *out = StatePieceWrite(*out, fields);
     }
     return StatePieceSize(fields);
 }

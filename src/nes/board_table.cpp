@@ -45,8 +45,9 @@ uint32_t BoardStateSize(const NES_CARTRIDGE& cartridge) {
     return cartridge.board->saveState(cartridge, nullptr);
 }
 
-uint8_t* BoardSaveState(const NES_CARTRIDGE& cartridge, uint8_t* out) {
-    return out + cartridge.board->saveState(cartridge, out);
+StateOut BoardSaveState(const NES_CARTRIDGE& cartridge, StateOut out) {
+    static_cast<void>(cartridge.board->saveState(cartridge, &out));
+    return out;
 }
 
 uint32_t BoardLoadState(NES_CARTRIDGE& cartridge, const uint8_t* data, uint32_t size) {

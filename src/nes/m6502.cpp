@@ -83,7 +83,7 @@ uint32_t M6502StateSize() {
     return StatePieceSize([&](auto& visit) { VisitFields(cpu, visit); });
 }
 
-uint8_t* M6502SaveState(const M6502& cpu, uint8_t* out) {
+StateOut M6502SaveState(const M6502& cpu, StateOut out) {
     M6502 copy = cpu;
     return StatePieceWrite(out, [&](auto& visit) { VisitFields(copy, visit); });
 }

@@ -16,6 +16,7 @@
 // Differs: docs/HARDWARE.md, NES, CPU.
 #pragma once
 
+#include "machine/state_out.h"
 #include "nes/m6502_steps.h"
 
 #include <cstddef>
@@ -103,7 +104,7 @@ inline void M6502Cycle(M6502& cpu, Bus& bus);
 inline constexpr uint32_t kM6502StateSize = 65;
 [[nodiscard]] uint32_t M6502StateSize();
 // Writes the piece; returns the byte after it.
-uint8_t* M6502SaveState(const M6502& cpu, uint8_t* out);
+StateOut M6502SaveState(const M6502& cpu, StateOut out);
 // Returns the bytes used. A piece of another version or size, or with an invalid queue, returns 0 and
 // changes nothing. The callbacks stay.
 [[nodiscard]] uint32_t M6502LoadState(M6502& cpu, const uint8_t* data, uint32_t size);

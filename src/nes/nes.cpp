@@ -110,15 +110,18 @@ bool CNES::HasPlainRam() const {
     return nes.cartridge.boardNumber == kPlainBoard && nes.cartridge.characterBanks == 0;
 }
 
-StateBlob CNES::SaveState(uint32_t& size) {
+uint32_t CNES::StateSize() {
     const auto board = [&](auto& visit) { BoardFields(visit); };
     const auto plainRam = [&](auto& visit) { PlainRamFields(visit); };
-    const auto sound = {&std::as_const(nes.sound)};
-    size = StatePieceSize(board) + M6502StateSize() + PpuStateSize() + ApuStateSize() +
+    return StatePieceSize(board) + M6502StateSize() + PpuStateSize() + ApuStateSize() +
            BoardStateSize(nes.cartridge) + (HasPlainRam() ? StatePieceSize(plainRam) : 0) +
-           SoundStateSize(sound);
-    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
-    uint8_t* out = StatePieceWrite(blob.get(), board);
+           SoundStateSize({&nes.sound});
+}
+
+void CNES::WriteState(StateOut out) {
+    const auto board = [&](auto& visit) { BoardFields(visit); };
+    const auto plainRam = [&](auto& visit) { PlainRamFields(visit); };
+    out = StatePieceWrite(out, board);
     out = M6502SaveState(nes.cpu, out);
     out = PpuSaveState(nes.ppu, out);
     out = ApuSaveState(nes.apu, out);
@@ -126,8 +129,7 @@ StateBlob CNES::SaveState(uint32_t& size) {
     if (HasPlainRam()) {
         out = StatePieceWrite(out, plainRam);
     }
-    SaveSoundState(sound, out);
-    return blob;
+    SaveSoundState({&nes.sound}, out);
 }
 
 bool CNES::LoadPieces(const uint8_t* data, uint32_t size) {

@@ -15,6 +15,7 @@
 // Differs: docs/HARDWARE.md, NES, PPU.
 #pragma once
 
+#include "machine/state_out.h"
 #include "nes/nes_pages.h"
 
 #include <array>
@@ -179,6 +180,6 @@ void PpuCatchUp(PPU& ppu);
 
 [[nodiscard]] uint32_t PpuStateSize();
 // Writes PpuStateSize bytes; returns the byte after them.
-uint8_t* PpuSaveState(const PPU& ppu, uint8_t* out);
+StateOut PpuSaveState(const PPU& ppu, StateOut out);
 // Returns the bytes used, or 0 with nothing changed if the version or size is wrong. Any contents are safe.
 [[nodiscard]] uint32_t PpuLoadState(PPU& ppu, const uint8_t* data, uint32_t size);

@@ -123,7 +123,7 @@ uint32_t PpuStateSize() {
     return kSize;
 }
 
-uint8_t* PpuSaveState(const PPU& ppu, uint8_t* out) {
+StateOut PpuSaveState(const PPU& ppu, StateOut out) {
     // Saving shares the field list with loading, which needs a non-const chip; it changes nothing.
     return StatePieceWrite(out, FieldsOf(const_cast<PPU&>(ppu)));
 }

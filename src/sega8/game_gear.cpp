@@ -425,20 +425,21 @@ void CGAMEGEAR::BoardFields(Visit& visit) {
     }
 }
 
-StateBlob CGAMEGEAR::SaveState(uint32_t& size) {
+uint32_t CGAMEGEAR::StateSize() {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    const auto sound = {&std::as_const(consoles[0].sound), &std::as_const(consoles[1].sound)};
-    size = StatePieceSize(board) + 2 * (Z80StateSize() + VdpStateSize() + PsgStateSize()) +
-           SoundStateSize(sound);
-    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
-    uint8_t* out = StatePieceWrite(blob.get(), board);
+    return StatePieceSize(board) + 2 * (Z80StateSize() + VdpStateSize() + PsgStateSize()) +
+           SoundStateSize({&consoles[0].sound, &consoles[1].sound});
+}
+
+void CGAMEGEAR::WriteState(StateOut out) {
+    const auto board = [&](auto& visit) { BoardFields(visit); };
+    out = StatePieceWrite(out, board);
     for (const GEAR_CONSOLE& console : consoles) {
         out = Z80SaveState(console.z80, out);
         out = VdpSaveState(console.vdp, out);
         out = PsgSaveState(console.psg, out);
     }
-    SaveSoundState(sound, out);
-    return blob;
+    SaveSoundState({&consoles[0].sound, &consoles[1].sound}, out);
 }
 
 bool CGAMEGEAR::LoadPieces(const uint8_t* data, uint32_t size) {

@@ -64,7 +64,8 @@ public:
     void Reset() override;
     void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) override;
     [[nodiscard]] bool LoadState(const uint8_t* data, uint32_t size) override;
-    [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
+    [[nodiscard]] uint32_t StateSize() override;
+    void WriteState(StateOut out) override;
 
     // What a console's Z80 would read, with no side effect. 0 is the first console, any other
     // number the second.

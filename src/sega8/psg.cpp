@@ -261,7 +261,7 @@ uint32_t PsgStateSize() {
     return kSize;
 }
 
-uint8_t* PsgSaveState(const PSG& psg, uint8_t* out) {
+StateOut PsgSaveState(const PSG& psg, StateOut out) {
     auto& fields =
         const_cast<PSG&>(psg); // Fields lists them for reading and writing; saving changes none.
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });

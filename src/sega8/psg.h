@@ -13,6 +13,7 @@
 #pragma once
 
 #include "machine/sound_pairs.h"
+#include "machine/state_out.h"
 
 #include <array>
 #include <cstddef>
@@ -74,6 +75,6 @@ void PsgStereoWrite(PSG& psg, uint8_t value);
 // The state of the chip, without the pairs already made.
 [[nodiscard]] uint32_t PsgStateSize();
 // Writes PsgStateSize bytes; returns the byte after them.
-uint8_t* PsgSaveState(const PSG& psg, uint8_t* out);
+StateOut PsgSaveState(const PSG& psg, StateOut out);
 // Returns the bytes used, or 0 and changes nothing if the piece does not fit. Any bytes are safe.
 [[nodiscard]] uint32_t PsgLoadState(PSG& psg, const uint8_t* data, uint32_t size);

@@ -317,20 +317,22 @@ void CSMS::BoardFields(Visit& visit, uint8_t& irqByte) {
     visit(vram);
 }
 
-StateBlob CSMS::SaveState(uint32_t& size) {
+uint32_t CSMS::StateSize() {
     auto irqByte = static_cast<uint8_t>(irqOut);
     const auto board = [&](auto& visit) { BoardFields(visit, irqByte); };
-    const auto sound = {&std::as_const(psgSound), &std::as_const(fmSound)};
-    size = StatePieceSize(board) + Z80StateSize() + VdpStateSize() + PsgStateSize() +
-           YmStateSize() + SoundStateSize(sound);
-    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
-    uint8_t* out = StatePieceWrite(blob.get(), board);
+    return StatePieceSize(board) + Z80StateSize() + VdpStateSize() + PsgStateSize() +
+           YmStateSize() + SoundStateSize({&psgSound, &fmSound});
+}
+
+void CSMS::WriteState(StateOut out) {
+    auto irqByte = static_cast<uint8_t>(irqOut);
+    const auto board = [&](auto& visit) { BoardFields(visit, irqByte); };
+    out = StatePieceWrite(out, board);
     out = Z80SaveState(z80, out);
     out = VdpSaveState(vdp, out);
     out = PsgSaveState(psg, out);
     out = YmSaveState(fm, out);
-    SaveSoundState(sound, out);
-    return blob;
+    SaveSoundState({&psgSound, &fmSound}, out);
 }
 
 bool CSMS::LoadPieces(const uint8_t* data, uint32_t size) {

@@ -401,20 +401,21 @@ void CSEGAE::BoardFields(Visit& visit) {
     visit(vram);
 }
 
-StateBlob CSEGAE::SaveState(uint32_t& size) {
+uint32_t CSEGAE::StateSize() {
     const auto board = [&](auto& visit) { BoardFields(visit); };
-    const auto sound = {&std::as_const(sound1), &std::as_const(sound2)};
-    size = StatePieceSize(board) + Z80StateSize() + 2 * VdpStateSize() + 2 * PsgStateSize() +
-           SoundStateSize(sound);
-    auto blob = std::make_unique_for_overwrite<uint8_t[]>(size);
-    uint8_t* out = StatePieceWrite(blob.get(), board);
+    return StatePieceSize(board) + Z80StateSize() + 2 * VdpStateSize() + 2 * PsgStateSize() +
+           SoundStateSize({&sound1, &sound2});
+}
+
+void CSEGAE::WriteState(StateOut out) {
+    const auto board = [&](auto& visit) { BoardFields(visit); };
+    out = StatePieceWrite(out, board);
     out = Z80SaveState(z80, out);
     out = VdpSaveState(vdp1, out);
     out = VdpSaveState(vdp2, out);
     out = PsgSaveState(psg1, out);
     out = PsgSaveState(psg2, out);
-    SaveSoundState(sound, out);
-    return blob;
+    SaveSoundState({&sound1, &sound2}, out);
 }
 
 bool CSEGAE::LoadPieces(const uint8_t* data, uint32_t size) {

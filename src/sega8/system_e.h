@@ -95,7 +95,8 @@ public:
     void Reset() override;
     void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) override;
     [[nodiscard]] bool LoadState(const uint8_t* data, uint32_t size) override;
-    [[nodiscard]] StateBlob SaveState(uint32_t& size) override;
+    [[nodiscard]] uint32_t StateSize() override;
+    void WriteState(StateOut out) override;
 
     // What the Z80 would read as data, with no side effect.
     [[nodiscard]] uint8_t Peek(uint16_t address) const {

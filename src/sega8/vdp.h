@@ -14,6 +14,7 @@
 // Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", VDP.
 #pragma once
 
+#include "machine/state_out.h"
 #include "sega8/vdp_record.h"
 
 #include <cstdint>
@@ -53,7 +54,7 @@ uint8_t VdpLatchH(VDP& vdp);
 // and television standard. Drawing goes on in the picture of the last VdpBeginFrame.
 [[nodiscard]] uint32_t VdpStateSize();
 // Writes VdpStateSize bytes; returns the byte after them.
-uint8_t* VdpSaveState(const VDP& vdp, uint8_t* out);
+StateOut VdpSaveState(const VDP& vdp, StateOut out);
 // Returns the bytes used, or 0 and changes nothing if the piece does not fit. Any bytes are safe.
 [[nodiscard]] uint32_t VdpLoadState(VDP& vdp, const uint8_t* data, uint32_t size);
 

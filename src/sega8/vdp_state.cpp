@@ -141,7 +141,7 @@ uint32_t VdpStateSize() {
     return StatePieceSize(FieldsOf(vdp));
 }
 
-uint8_t* VdpSaveState(const VDP& vdp, uint8_t* out) {
+StateOut VdpSaveState(const VDP& vdp, StateOut out) {
     // The fields are listed once, for reading and writing; a visitor that saves changes none.
     return StatePieceWrite(out, FieldsOf(const_cast<VDP&>(vdp)));
 }

@@ -12,6 +12,7 @@
 #pragma once
 
 #include "machine/sound_pairs.h"
+#include "machine/state_out.h"
 
 #include <array>
 #include <cstddef>
@@ -132,6 +133,6 @@ void YmWrite(YM2413& ym, uint8_t reg, uint8_t value);
 // The state of the chip, without the pairs already made.
 [[nodiscard]] uint32_t YmStateSize();
 // Writes YmStateSize bytes; returns the byte after them.
-uint8_t* YmSaveState(const YM2413& ym, uint8_t* out);
+StateOut YmSaveState(const YM2413& ym, StateOut out);
 // Returns the bytes used, or 0 and changes nothing if the piece does not fit. Any bytes are safe.
 [[nodiscard]] uint32_t YmLoadState(YM2413& ym, const uint8_t* data, uint32_t size);

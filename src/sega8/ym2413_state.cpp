@@ -134,7 +134,7 @@ uint32_t YmStateSize() {
     return kSize;
 }
 
-uint8_t* YmSaveState(const YM2413& ym, uint8_t* out) {
+StateOut YmSaveState(const YM2413& ym, StateOut out) {
     auto& fields =
         const_cast<YM2413&>(ym); // Fields lists them for reading and writing; saving changes none.
     return StatePieceWrite(out, [&](auto& visit) { Fields(fields, visit); });

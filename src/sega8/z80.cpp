@@ -102,7 +102,7 @@ uint32_t Z80StateSize() {
     return StatePieceSize([&](auto& visit) { VisitFields(z80, visit); });
 }
 
-uint8_t* Z80SaveState(const Z80& z80, uint8_t* out) {
+StateOut Z80SaveState(const Z80& z80, StateOut out) {
     Z80 copy = z80;
     return StatePieceWrite(out, [&](auto& visit) { VisitFields(copy, visit); });
 }

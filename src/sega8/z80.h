@@ -17,6 +17,7 @@
 // Differs: docs/HARDWARE.md, "Master System, Mark III, Game Gear", Z80.
 #pragma once
 
+#include "machine/state_out.h"
 #include "sega8/z80_steps.h"
 
 #include <array>
@@ -135,7 +136,7 @@ inline void Z80TickOn(Z80& z80, Bus& bus);
 inline constexpr uint32_t kZ80StateSize = 87;
 [[nodiscard]] uint32_t Z80StateSize();
 // Writes kZ80StateSize bytes; returns the byte after them.
-uint8_t* Z80SaveState(const Z80& z80, uint8_t* out);
+StateOut Z80SaveState(const Z80& z80, StateOut out);
 // Returns the bytes used; 0, with the chip unchanged, for a piece of another version or size. Keeps
 // the callbacks. Any contents are safe.
 [[nodiscard]] uint32_t Z80LoadState(Z80& z80, const uint8_t* data, uint32_t size);

@@ -51,10 +51,8 @@ public:
         }
     }
     bool LoadState(const uint8_t*, uint32_t) override { return true; }
-    StateBlob SaveState(uint32_t& size) override {
-        size = 1;
-        return std::make_unique<uint8_t[]>(size);
-    }
+    uint32_t StateSize() override { return 1; }
+    void WriteState(StateOut out) override { out.PutScalar(uint8_t{0}); }
 
 private:
     double step;

@@ -22,8 +22,8 @@ int64_t FastNow() {
     return gNow += 20;
 }
 
-void FastSleep(uint32_t milliseconds) {
-    gNow += int64_t{milliseconds} * 1000;
+void FastSleep(uint32_t microseconds) {
+    gNow += microseconds;
     std::this_thread::yield();
 }
 

@@ -2,14 +2,16 @@
 
 #include <cmath>
 #include <random>
+#include <vector>
 
 namespace {
 
-// A clock as bad as a busy desktop's: every read takes a little time, a sleep of one millisecond takes
-// up to two and a half, and a yield up to 120 microseconds.
+// A clock as bad as a busy desktop's: every read takes a little time, and a sleep up to one and a half milliseconds too
+// long.
 std::mt19937 gRandom;
 int64_t gTime = 0;
-uint32_t gSleeps[6]; // calls by milliseconds
+std::vector<uint32_t> gSleeps; // microseconds of each
+uint32_t gReads = 0;
 
 int64_t Draw(int64_t most) {
     return static_cast<int64_t>(gRandom() % static_cast<uint32_t>(most + 1));
@@ -19,19 +21,24 @@ int64_t NoisyNow() {
     return gTime += Draw(3);
 }
 
-void NoisySleep(uint32_t milliseconds) {
-    ++gSleeps[std::min(milliseconds, 5u)];
-    gTime += milliseconds == 0 ? 1 + Draw(119) : int64_t{milliseconds} * 1000 + Draw(1500);
+void NoisySleep(uint32_t microseconds) {
+    gTime += microseconds + Draw(1500);
 }
 
 // An exact clock: it advances only by sleeps, and by one microsecond for each read.
 int64_t ExactNow() {
+    ++gReads;
     return gTime++;
 }
 
-void ExactSleep(uint32_t milliseconds) {
-    ++gSleeps[std::min(milliseconds, 5u)];
-    gTime += milliseconds == 0 ? 10 : int64_t{milliseconds} * 1000;
+void ExactSleep(uint32_t microseconds) {
+    gSleeps.push_back(microseconds);
+    gTime += microseconds;
+}
+
+// Wakes early, as after a signal.
+void ShortSleep(uint32_t microseconds) {
+    ExactSleep(std::min(microseconds, 2000U));
 }
 
 class Pacing : public HostTest {
@@ -42,7 +49,8 @@ protected:
     Pacing() {
         gRandom.seed(7);
         gTime = 1000000;
-        std::fill(std::begin(gSleeps), std::end(gSleeps), 0);
+        gSleeps.clear();
+        gReads = 0;
         session.frameWidth = 16;
         session.frameHeight = 16;
     }
@@ -88,7 +96,7 @@ TEST_F(Pacing, OtherLengthsSleepFiveMillisecondsAndPublishNothing) {
     for (const uint32_t length : {0u, 999u, 50001u}) {
         HostPresent(&session, length);
     }
-    EXPECT_EQ(gSleeps[5], 3u);
+    EXPECT_EQ(gSleeps, (std::vector<uint32_t>{5000, 5000, 5000}));
     EXPECT_EQ(HostGetVideoFrame(&session), before);
     EXPECT_EQ(data->overshoot, 0u);
     HostPresent(&session, 1000);
@@ -104,31 +112,33 @@ TEST_F(Pacing, TimeCountsFromOpening) {
     EXPECT_EQ(data->overshoot, data->lastFrameTime - 1010000);
 }
 
-// The exact clock: sleeps of a millisecond while more than 1,500 microseconds are left, then yields of
-// 10 while more than 100 are left, then polling.
-TEST_F(Pacing, SleepsThenYieldsThenPolls) {
+// The exact clock: one sleep until 60 microseconds before the end, and a read for each of those.
+TEST_F(Pacing, SleepsOnceThenPolls) {
     Open({ExactNow, ExactSleep});
     data->lastFrameTime = gTime;
+    gReads = 0;
     PaceFrame(*data, 5000);
-    EXPECT_EQ(gSleeps[1], 4u);  // left 5000, 3999, 2998, 1997, then 996
-    EXPECT_EQ(gSleeps[0], 82u); // 996 - 11 n is 100 or less from n = 82 on: 996 - 902 = 94
+    EXPECT_EQ(gSleeps, std::vector<uint32_t>{4940});
+    EXPECT_EQ(gReads, 61u);
     EXPECT_EQ(data->overshoot, 0u);
 }
 
-TEST_F(Pacing, BoundsOfSleepingAndYieldingAreExact) {
+TEST_F(Pacing, ASleepThatEndsEarlyIsTakenUpAgain) {
+    Open({ExactNow, ShortSleep});
+    data->lastFrameTime = gTime;
+    PaceFrame(*data, 5000);
+    EXPECT_EQ(gSleeps, (std::vector<uint32_t>{2000, 2000, 938})); // less the two reads between
+    EXPECT_EQ(data->overshoot, 0u);
+}
+
+TEST_F(Pacing, TheBoundOfSleepingIsExact) {
     Open({ExactNow, ExactSleep});
-    for (const auto& [left, sleeps, yields] : {
-             std::tuple{1501u, 1u, true },
-             {1500u, 0u, true },
-             {101u,  0u, true },
-             {100u,  0u, false}
-    }) {
-        std::fill(std::begin(gSleeps), std::end(gSleeps), 0);
-        data->lastFrameTime = gTime;
-        PaceFrame(*data, left);
-        EXPECT_EQ(gSleeps[1], sleeps) << left;
-        EXPECT_EQ(gSleeps[0] != 0, yields) << left;
-    }
+    data->lastFrameTime = gTime;
+    PaceFrame(*data, 60);
+    EXPECT_TRUE(gSleeps.empty());
+    data->lastFrameTime = gTime;
+    PaceFrame(*data, 61);
+    EXPECT_EQ(gSleeps, std::vector<uint32_t>{1});
 }
 
 TEST_F(Pacing, ALongDelayIsForgivenAfterOneFrame) {
@@ -182,7 +192,6 @@ TEST_F(Pacing, BiasMovesTheMeanByTwoHundredMicroseconds) {
 TEST_F(Pacing, TheSteadyClockReturnsForNullMembers) {
     HostSetClock({nullptr, nullptr});
     const int64_t before = HostClock().nowMicroseconds();
-    HostClock().sleepMilliseconds(1);
-    HostClock().sleepMilliseconds(0);
+    HostClock().sleepMicroseconds(1000);
     EXPECT_GE(HostClock().nowMicroseconds(), before + 1000);
 }

@@ -396,7 +396,7 @@ TEST_F(Slots, AreLeftAloneWhileAnotherProgramIsAtWorkOnThem) {
     const Bytes later = StateOf(*session);
     const HOST_CLOCK clock = HostClock();
     HOST_CLOCK impatient = clock;
-    impatient.sleepMilliseconds = [](uint32_t) {};
+    impatient.sleepMicroseconds = [](uint32_t) {};
     HostSetClock(impatient);
     {
         FileLock other;
@@ -430,7 +430,7 @@ TEST_F(Slots, WaitForAnotherProgramThatIsAtWorkOnThem) {
     ASSERT_EQ(other.Take(Folder() / "slots.lock", holder, error), FileLock::Result::kTaken);
     const HOST_CLOCK clock = HostClock();
     HOST_CLOCK patient = clock;
-    patient.sleepMilliseconds = [](uint32_t) { other.Release(); }; // which has finished meanwhile
+    patient.sleepMicroseconds = [](uint32_t) { other.Release(); }; // which has finished meanwhile
     HostSetClock(patient);
     EXPECT_TRUE(DeleteSlot(Folder(), 1, text)) << text;
     HostSetClock(clock);

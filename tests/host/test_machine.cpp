@@ -167,14 +167,17 @@ void CTestMachine::RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME* video, EMU_AUDIO_
     }
 }
 
-uint32_t CTestMachine::StateBytes() {
+uint32_t CTestMachine::StateSize() {
+    if (behaviour.failSave != 0) {
+        return 0;
+    }
     const uint32_t piece = StatePieceSize([this](auto& visit) { Fields(visit); });
     return std::max(piece, behaviour.stateBytes);
 }
 
 bool CTestMachine::LoadState(const uint8_t* data, uint32_t size) {
     const InsideGuard guard(inside);
-    if (behaviour.failLoad != 0 || size != StateBytes() ||
+    if (behaviour.failLoad != 0 || size != StateSize() ||
         StatePieceRead(data, size, [this](auto& visit) { Fields(visit); }) == 0) {
         return false;
     }
@@ -182,21 +185,15 @@ bool CTestMachine::LoadState(const uint8_t* data, uint32_t size) {
     return true;
 }
 
-StateBlob CTestMachine::SaveState(uint32_t& size) {
+void CTestMachine::WriteState(StateOut out) {
     const InsideGuard guard(inside);
     if (behaviour.waitsInSave != 0) {
         WaitAtGate();
     }
-    if (behaviour.failSave != 0) {
-        return nullptr;
+    const uint8_t* const end = out.At() + StateSize();
+    out = StatePieceWrite(out, [this](auto& visit) { Fields(visit); });
+    std::minstd_rand random(frameField + 1);
+    while (out.At() != end) {
+        out.PutScalar(static_cast<uint8_t>(behaviour.noisyState != 0 ? random() >> 8 : 0));
     }
-    size = StateBytes();
-    auto blob = std::make_unique<uint8_t[]>(size);
-    const uint8_t* const end = StatePieceWrite(blob.get(), [this](auto& visit) { Fields(visit); });
-    if (behaviour.noisyState != 0) {
-        std::minstd_rand random(frameField + 1);
-        std::generate(blob.get() + (end - blob.get()), blob.get() + size,
-                      [&] { return static_cast<uint8_t>(random() >> 8); });
-    }
-    return blob;
 }

@@ -46,9 +46,8 @@ public:
     // Fills the picture with `frame`, the left channel with rising samples, the right with -1.
     void RunFrame(EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video, EMU_AUDIO_FRAME* audio) override;
     bool LoadState(const uint8_t* data, uint32_t size) override;
-    StateBlob SaveState(uint32_t& size) override;
-
-    [[nodiscard]] uint32_t StateBytes();
+    uint32_t StateSize() override;
+    void WriteState(StateOut out) override;
 
     [[nodiscard]] std::vector<uint8_t> BatteryContents() const override { return battery; }
     [[nodiscard]] bool SetBatteryContents(std::span<const uint8_t> bytes) override;

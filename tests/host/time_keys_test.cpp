@@ -314,7 +314,7 @@ TEST_F(TimeKeys, GamesWaitWhileTheProgramSaysSo) {
     uint32_t stopped = runs();
     ASSERT_TRUE(Eventually([&] { return std::exchange(stopped, runs()) == stopped; }));
     for (int i = 0; i < 20; ++i) {
-        HostClock().sleepMilliseconds(1);
+        HostClock().sleepMicroseconds(1000);
         EXPECT_LE(runs(), stopped + 1);
     }
     EmuWaitForFocus(false);

@@ -40,7 +40,7 @@ SOUND_CHOICE CutOffAt(int32_t low, int32_t high) {
 
 std::vector<uint8_t> StateOf(const ChipSound& sound) {
     std::vector<uint8_t> state(sound.StateSize());
-    EXPECT_EQ(sound.SaveState(state.data()), state.data() + state.size());
+    EXPECT_EQ(sound.SaveState(state.data()).At(), state.data() + state.size());
     return state;
 }
 
@@ -170,7 +170,7 @@ TEST(ChipSound, PieceHasAVersionOfItsOwnAndTheOldOneIsRefused) {
     ChipSound sound;
     sound.Init(kPsgRate, {});
     std::vector<uint8_t> state(sound.StateSize());
-    EXPECT_EQ(sound.SaveState(state.data()), state.data() + state.size());
+    EXPECT_EQ(sound.SaveState(state.data()).At(), state.data() + state.size());
     EXPECT_EQ(state[0], 2);
     EXPECT_EQ(sound.LoadState(state.data(), sound.StateSize()), state.size());
     for (const int version : {0, 1, 3, 255}) {

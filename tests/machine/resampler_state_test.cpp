@@ -87,7 +87,7 @@ std::vector<int16_t> PushAndTake(CHIP& resampler, const std::vector<int16_t>& sa
 
 std::vector<uint8_t> StateOf(const CHIP& resampler) {
     std::vector<uint8_t> state(resampler.StateSize());
-    EXPECT_EQ(resampler.SaveState(state.data()), state.data() + state.size());
+    EXPECT_EQ(resampler.SaveState(state.data()).At(), state.data() + state.size());
     return state;
 }
 

@@ -52,7 +52,7 @@ const std::vector<uint8_t> kExpected = {
 std::vector<uint8_t> Write(RECORD& record) {
     const auto fields = [&](auto& visit) { record.Fields(visit); };
     std::vector<uint8_t> piece(StatePieceSize(fields));
-    EXPECT_EQ(StatePieceWrite(piece.data(), fields), piece.data() + piece.size());
+    EXPECT_EQ(StatePieceWrite(piece.data(), fields).At(), piece.data() + piece.size());
     return piece;
 }
 
@@ -164,7 +164,7 @@ TEST(StatePiece, APieceMayHaveAVersionOfItsOwn) {
     };
     const auto former = [&](auto& visit) { visit(first); };
     uint8_t bytes[8] = {};
-    EXPECT_EQ(StatePieceWrite(bytes, present, 2), bytes + 8);
+    EXPECT_EQ(StatePieceWrite(bytes, present, 2).At(), bytes + 8);
     EXPECT_EQ(bytes[0], 2);
     EXPECT_EQ(StatePieceRead(bytes, 8, present), 0u) << "not the first version";
     first = added = 0;

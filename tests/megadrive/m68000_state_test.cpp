@@ -12,7 +12,7 @@ using STATE = std::array<uint8_t, kM68kStateSize>;
 
 STATE Save(const M68K_STATE& cpu) {
     STATE state{};
-    EXPECT_EQ(M68kSave(cpu, state.data()), state.data() + state.size());
+    EXPECT_EQ(M68kSave(cpu, state.data()).At(), state.data() + state.size());
     return state;
 }
 

@@ -74,7 +74,7 @@ public:
 
     std::vector<uint8_t> Save() const {
         std::vector<uint8_t> block(MdCartStateSize(*cart));
-        EXPECT_EQ(MdCartSaveState(*cart, block.data()), block.data() + block.size());
+        EXPECT_EQ(MdCartSaveState(*cart, block.data()).At(), block.data() + block.size());
         return block;
     }
 

@@ -320,6 +320,33 @@ TEST(MdState, FastAndPlainFramesOfAWaiting68000AreTheSame) {
     EXPECT_EQ(machine->Console().vdp.vram[1], 0x33U) << "the first word of the program";
 }
 
+// A loop of opcodes that write no memory, one of which is no instruction: its exception pushes what the loop looks at,
+// and the handler puts the stack pointer back. So its first round ends as it began, but the second is another.
+TEST(MdState, FastAndPlainFramesOfALoopThatPushesExceptionsAreTheSame) {
+    constexpr int kHandler = 0x400;
+    const auto start = [] {
+        MdProgram program;
+        program.VdpRegister(0, 0x14).VdpRegister(1, 0x44);
+        program.Words({0x46FC, 0x2700, 0x4FF9}).Long(0xFF1006); // move #,sr; lea,a7
+        const auto again = static_cast<int>(program.Here());
+        program.Words({0x52B9}).Long(0xFF2000);                                   // addq.l #1
+        program.Words({0x4279}).Long(0xFF1004);                                   // clr.w
+        program.Words({0x6000, kHandler + 2 - static_cast<int>(program.Here())}); // to its bra
+        const auto loop = static_cast<int>(program.Here());
+        program.Words({0x4A79}).Long(0xFF1004); // tst.w of the program counter's low word
+        program.Words({0x6600, (again - static_cast<int>(program.Here()) - 2) & 0xFFFF}); // bne
+        program.Words({0x41C0});                                 // lea d0,a0
+        program.At(kHandler).Words({0x4FEF, 0x0006});            // lea 6(a7),a7
+        program.Words({0x6000, (loop - kHandler - 6) & 0xFFFF}); // bra
+        program.PutLong(0x10, kHandler);
+        return StartMd(program);
+    };
+    ExpectFastAndPlainAlike(start, Play);
+    const auto machine = start();
+    Play(*machine, 0, 10);
+    EXPECT_GT(machine->Console().workRam[0x2002 / 2], 100U) << "it comes out of the loop";
+}
+
 TEST_P(EveryMdState, LoadsAtAnyFrameOfItsOwnRun) {
     int inTransfer = 0;
     ExpectLoadsAtAnyFrame([] { return Start(GetParam()); }, Play, 60,

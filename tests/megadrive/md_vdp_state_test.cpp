@@ -15,7 +15,7 @@ namespace {
 
 std::vector<uint8_t> Save(const MD_VDP& vdp) {
     std::vector<uint8_t> state(MdVdpStateSize());
-    EXPECT_EQ(MdVdpSaveState(vdp, state.data()), state.data() + state.size());
+    EXPECT_EQ(MdVdpSaveState(vdp, state.data()).At(), state.data() + state.size());
     return state;
 }
 

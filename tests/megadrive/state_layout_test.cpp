@@ -103,7 +103,7 @@ void ExpectCartridgeAsListed(const std::string& piece, MD_CARTRIDGE& cart,
                              const StateFields& fields) {
     const auto save = [&] {
         std::vector<uint8_t> bytes(MdCartStateSize(cart));
-        EXPECT_EQ(MdCartSaveState(cart, bytes.data()), bytes.data() + bytes.size());
+        EXPECT_EQ(MdCartSaveState(cart, bytes.data()).At(), bytes.data() + bytes.size());
         return bytes;
     };
     ExpectFieldsAsListed(piece, fields, save);

@@ -7,7 +7,7 @@ namespace {
 
 std::vector<uint8_t> Save(const SvpRig& rig) {
     std::vector<uint8_t> block(SvpStateSize());
-    EXPECT_EQ(SvpSaveState(*rig.svp, block.data()), block.data() + block.size());
+    EXPECT_EQ(SvpSaveState(*rig.svp, block.data()).At(), block.data() + block.size());
     return block;
 }
 

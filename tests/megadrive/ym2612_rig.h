@@ -166,7 +166,7 @@ protected:
 
     static std::vector<uint8_t> StateOf(const YM2612& chip) {
         std::vector<uint8_t> state(Ym2612StateSize());
-        EXPECT_EQ(Ym2612SaveState(chip, state.data()), state.data() + state.size());
+        EXPECT_EQ(Ym2612SaveState(chip, state.data()).At(), state.data() + state.size());
         return state;
     }
 

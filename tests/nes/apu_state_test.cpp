@@ -37,7 +37,7 @@ void PlayAll(ApuRig& rig) {
 
 std::vector<uint8_t> Save(const ApuRig& rig) {
     std::vector<uint8_t> block(ApuStateSize() + 1, 0xA5);
-    EXPECT_EQ(ApuSaveState(*rig.apu, block.data()), block.data() + block.size() - 1);
+    EXPECT_EQ(ApuSaveState(*rig.apu, block.data()).At(), block.data() + block.size() - 1);
     EXPECT_EQ(block.back(), 0xA5);
     block.pop_back();
     return block;

@@ -116,7 +116,7 @@ public:
 
     std::vector<uint8_t> Save() const {
         std::vector<uint8_t> block(BoardStateSize(*cartridge) + 1, 0xA5);
-        const uint8_t* end = BoardSaveState(*cartridge, block.data());
+        const uint8_t* end = BoardSaveState(*cartridge, block.data()).At();
         EXPECT_EQ(end, block.data() + block.size() - 1);
         EXPECT_EQ(block.back(), 0xA5);
         block.pop_back();

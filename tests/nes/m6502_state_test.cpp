@@ -16,7 +16,7 @@ constexpr size_t kOperandRegisterAt = kQueueIndexAt + 12;
 
 STATE Save(const M6502& cpu) {
     STATE state{};
-    EXPECT_EQ(M6502SaveState(cpu, state.data()), state.data() + state.size());
+    EXPECT_EQ(M6502SaveState(cpu, state.data()).At(), state.data() + state.size());
     return state;
 }
 

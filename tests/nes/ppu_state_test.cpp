@@ -16,7 +16,7 @@ namespace {
 
 std::vector<uint8_t> Save(const PPU& ppu) {
     std::vector<uint8_t> state(PpuStateSize());
-    EXPECT_EQ(PpuSaveState(ppu, state.data()), state.data() + state.size());
+    EXPECT_EQ(PpuSaveState(ppu, state.data()).At(), state.data() + state.size());
     return state;
 }
 

@@ -18,10 +18,8 @@ public:
     void Reset() override {}
     void RunFrame(EMU_INPUT_STATE*, EMU_VIDEO_FRAME*, EMU_AUDIO_FRAME*) override { ++gFrames; }
     bool LoadState(const uint8_t*, uint32_t) override { return false; }
-    StateBlob SaveState(uint32_t& size) override {
-        size = 0;
-        return nullptr;
-    }
+    uint32_t StateSize() override { return 0; }
+    void WriteState(StateOut) override {}
     static int gFrames;
 };
 int Counter::gFrames = 0;

@@ -529,7 +529,7 @@ TEST_F(Psg, StateSavedAtAnyClockContinuesWithTheSameSound) {
         }
         psg->pairs->sampleCount = 0;
         std::vector<uint8_t> state(PsgStateSize());
-        ASSERT_EQ(PsgSaveState(*psg, state.data()), state.data() + state.size());
+        ASSERT_EQ(PsgSaveState(*psg, state.data()).At(), state.data() + state.size());
         EXPECT_EQ(state[0], 1);
         PsgInit(*other, kClock, 1, true);
         PsgReset(*other);

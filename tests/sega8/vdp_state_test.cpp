@@ -33,7 +33,7 @@ void StartChip(VdpRig& rig, uint32_t reg0, uint32_t reg1) {
 
 std::vector<uint8_t> Save(const VDP& vdp) {
     std::vector<uint8_t> state(VdpStateSize());
-    EXPECT_EQ(VdpSaveState(vdp, state.data()), state.data() + state.size());
+    EXPECT_EQ(VdpSaveState(vdp, state.data()).At(), state.data() + state.size());
     return state;
 }
 

@@ -11,7 +11,7 @@ using STATE = std::array<uint8_t, kZ80StateSize>;
 
 STATE Save(const Z80& z80) {
     STATE state{};
-    const uint8_t* end = Z80SaveState(z80, state.data());
+    const uint8_t* end = Z80SaveState(z80, state.data()).At();
     EXPECT_EQ(end, state.data() + state.size());
     return state;
 }

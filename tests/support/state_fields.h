@@ -63,10 +63,10 @@ inline void AppendFields(StateFields& fields, const std::string& at, const State
 
 // A piece as a chip's functions write it.
 template <typename Chip>
-auto PieceSaver(const Chip& chip, uint32_t (*size)(), uint8_t* (*save)(const Chip&, uint8_t*)) {
+auto PieceSaver(const Chip& chip, uint32_t (*size)(), StateOut (*save)(const Chip&, StateOut)) {
     return [&chip, size, save] {
         std::vector<uint8_t> piece(size());
-        EXPECT_EQ(save(chip, piece.data()), piece.data() + piece.size());
+        EXPECT_EQ(save(chip, piece.data()).At(), piece.data() + piece.size());
         return piece;
     };
 }

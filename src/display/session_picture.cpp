@@ -1,6 +1,7 @@
 #include "display/session_picture.h"
 
 #include "display/gl.h"
+#include "display/picture_glow.h"
 #include "settings/settings.h"
 
 #include <GL/gl.h>
@@ -45,13 +46,25 @@ const uint32_t* Enlarge(const EMU_VIDEO_FRAME& picture, SESSION_PICTURE& session
 }
 
 // Makes the texture for pictures of this size; one of another size is recreated.
-bool MakeTexture(TEXTURE_RECORD& texture, uint32_t width, uint32_t height) {
+bool MakeTexture(TEXTURE_RECORD& texture, uint32_t width, uint32_t height, bool mipmapped) {
     if (texture.width != width || texture.height != height || texture.glTexture == 0) {
         texture.width = width;
         texture.height = height;
         texture.needsRecreate = 1;
     }
-    return texture.needsRecreate == 0 || CreateTexture(texture, true);
+    return texture.needsRecreate == 0 || CreateTexture(texture, mipmapped);
+}
+
+void UploadGlow(const EMU_VIDEO_FRAME& picture, SESSION_PICTURE& session) {
+    if (!session.glows) {
+        DestroyTexture(session.glow);
+        return;
+    }
+    const PICTURE_GLOW glow = GlowOfPicture(picture.pixels, picture.width, picture.height);
+    if (MakeTexture(session.glow, glow.width, glow.height, false)) {
+        static_cast<void>(
+            UploadTexture(session.glow, glow.cells.data(), glow.width, glow.height, glow.width));
+    }
 }
 
 EMU_VIDEO_FRAME Enlarged(EMU_VIDEO_FRAME picture, uint32_t factor) {
@@ -101,6 +114,7 @@ void StartSessionPicture(SESSION_PICTURE& session, size_t largestPixels) {
 
 void EndSessionPicture(SESSION_PICTURE& session) {
     DestroyTexture(session.texture);
+    DestroyTexture(session.glow);
     session.scratch = {};
     session.picture = {};
 }
@@ -119,7 +133,7 @@ bool UploadPicture(const EMU_VIDEO_FRAME& picture, SESSION_PICTURE& session, Pic
         return false;
     }
     const uint32_t* source = Enlarge(picture, session, used);
-    if (!MakeTexture(session.texture, width, height)) {
+    if (!MakeTexture(session.texture, width, height, true)) {
         session.picture = {};
         return false;
     }
@@ -127,6 +141,7 @@ bool UploadPicture(const EMU_VIDEO_FRAME& picture, SESSION_PICTURE& session, Pic
     if (!UploadTexture(session.texture, source, width, height, width)) {
         return false;
     }
+    UploadGlow(picture, session);
     session.factor = factor;
     session.picture = Enlarged(picture, factor);
     AddToColourHistory(session.colours, picture.pixels, picture.width, picture.height);

@@ -38,6 +38,8 @@ struct SESSION_PICTURE {
     size_t largestPixels = 0;      // of the machine's largest picture
     std::vector<uint32_t> scratch; // 16 times that, made when a scaler is first used
     bool inRoom = false;           // set by the drawing side: seen on a television, from a distance
+    bool glows = false;            // set by the drawing side: the glow is wanted
+    TEXTURE_RECORD glow{}; // the picture's light, blurred (picture_glow.h); only while it is wanted
 };
 
 // `largestPixels` is EmuPicturePixels of the session.

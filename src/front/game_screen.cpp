@@ -1,8 +1,8 @@
 #include "front/game_screen.h"
 
-#include "display/full_screen.h"
 #include "front/event_pump.h"
 #include "front/light_gun.h"
+#include "front/picture_view.h"
 #include "front/televisions.h"
 #include "gui/manager.h"
 #include "host/host_data.h"
@@ -13,7 +13,7 @@ GameScreen::GameScreen(const Televisions& sets, const GAME_VIEW& gameView, const
     , view(gameView)
     , lightGun(gun)
     , key(sessionKey)
-    , shownView(gameView)
+    , shownView(ViewNow())
     , mouseMoved(HostClock().nowMicroseconds()) {}
 
 GameScreen::~GameScreen() {
@@ -24,9 +24,14 @@ bool GameScreen::Update(const SCREEN_INPUT& input) {
     NoteMouse(input);
     mouseRests = input.now - mouseMoved >= kMouseRests;
     AimLightGuns(input);
-    const bool news = view != shownView;
-    shownView = view;
+    const FULL_SCREEN_VIEW before = shownView;
+    shownView = ViewNow();
+    const bool news = shownView != before;
     return news;
+}
+
+FULL_SCREEN_VIEW GameScreen::ViewNow() const {
+    return FullScreenViewOf(view, televisions.SystemOf(key));
 }
 
 void GameScreen::NoteMouse(const SCREEN_INPUT& input) {
@@ -46,11 +51,11 @@ Pointer GameScreen::PointerWanted() const {
 }
 
 void GameScreen::AimLightGuns(const SCREEN_INPUT& input) const {
-    const SHOWN_PICTURE shown = {televisions.Picture(key), view.crop, input.target.width,
+    const SHOWN_PICTURE shown = {televisions.Picture(key), ViewNow(), input.target.width,
                                  input.target.height};
     lightGun.Aim(shown, input.mouse, !mouseRests); // then keys aim again
 }
 
 void GameScreen::Draw(const DRAW_TARGET& target) {
-    DrawFullScreen(televisions.Picture(key), {view.crop, view.linear}, target.width, target.height);
+    televisions.Painter().Draw(televisions.Picture(key), ViewNow(), target.width, target.height);
 }

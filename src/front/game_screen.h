@@ -5,6 +5,7 @@
 // Thread: main, with the OpenGL context current.
 #pragma once
 
+#include "display/full_screen.h"
 #include "front/game_view.h"
 #include "front/screen.h"
 
@@ -26,6 +27,7 @@ public:
     [[nodiscard]] Pointer PointerWanted() const override;
 
 private:
+    [[nodiscard]] FULL_SCREEN_VIEW ViewNow() const;
     void NoteMouse(const SCREEN_INPUT& input);
     void AimLightGuns(const SCREEN_INPUT& input) const;
 
@@ -33,7 +35,7 @@ private:
     const GAME_VIEW& view;
     const LightGun& lightGun;
     const uint32_t key;
-    GAME_VIEW shownView;
+    FULL_SCREEN_VIEW shownView;
     int64_t mouseMoved; // microseconds of the host's clock
     int32_t lastX = 0;
     int32_t lastY = 0;

@@ -25,8 +25,8 @@ struct PICTURE_POINT {
 // The pixel under the mouse; none outside the visible window or without a picture.
 std::optional<PICTURE_POINT> PointInPicture(const SHOWN_PICTURE& shown, const MOUSE_STATE& mouse) {
     const EMU_VIDEO_FRAME& texels = shown.picture.picture;
-    const SCREEN_QUAD quad = PlaceFullScreen(texels, shown.picture.texture, shown.crop,
-                                             shown.screenWidth, shown.screenHeight);
+    const SCREEN_QUAD quad =
+        PlaceFullScreen(shown.picture, shown.view, shown.screenWidth, shown.screenHeight);
     const int64_t right = int64_t{mouse.x} - quad.left;
     const int64_t down = int64_t{mouse.y} - quad.top;
     if (right < 0 || down < 0 || right >= quad.width || down >= quad.height) {
@@ -34,10 +34,8 @@ std::optional<PICTURE_POINT> PointInPicture(const SHOWN_PICTURE& shown, const MO
     }
     const int64_t visibleX = texels.visibleX;
     const int64_t visibleY = texels.visibleY;
-    const int64_t x = shown.crop ? visibleX + right * texels.visibleWidth / quad.width
-                                 : right * texels.width / quad.width;
-    const int64_t y = shown.crop ? visibleY + down * texels.visibleHeight / quad.height
-                                 : down * texels.height / quad.height;
+    const int64_t x = quad.areaX + right * quad.areaWidth / quad.width;
+    const int64_t y = quad.areaY + down * quad.areaHeight / quad.height;
     if (x < visibleX || y < visibleY || x >= visibleX + texels.visibleWidth ||
         y >= visibleY + texels.visibleHeight) {
         return std::nullopt;

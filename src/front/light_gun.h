@@ -6,18 +6,19 @@
 // Thread: main, except HandPointers.
 #pragma once
 
+#include "display/full_screen.h"
+
 #include <array>
 #include <cstdint>
 
 struct EMU_INPUT_STATE;
 struct MOUSE_STATE;
 struct OPENED_GAME;
-struct SESSION_PICTURE;
 
 // A picture and the size of the screen that shows it, in pixels.
 struct SHOWN_PICTURE {
     const SESSION_PICTURE& picture;
-    bool crop; // only the visible window of the picture is shown
+    FULL_SCREEN_VIEW view;
     uint32_t screenWidth;
     uint32_t screenHeight;
 };

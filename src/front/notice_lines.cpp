@@ -53,3 +53,23 @@ std::vector<std::string> WrapNotice(std::string_view text, size_t letters) {
     }
     return lines;
 }
+
+std::vector<std::string> NoticeParts(std::string_view text, size_t letters) {
+    constexpr std::string_view kGoesOn = " ...";
+    constexpr size_t kMostParts = 3;
+    std::string line(text);
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    std::vector<std::string> parts = WrapNotice(line, letters);
+    if (parts.size() == 1) {
+        return parts;
+    }
+    parts = WrapNotice(line, letters - std::min(letters, kGoesOn.size()));
+    const bool cut = parts.size() > kMostParts;
+    parts.resize(std::min(parts.size(), kMostParts));
+    for (size_t i = 0; i < parts.size(); ++i) {
+        if (cut || i + 1 < parts.size()) {
+            parts[i] += kGoesOn;
+        }
+    }
+    return parts;
+}

@@ -1,5 +1,6 @@
 #include "front/notices.h"
 
+#include "front/notice_lines.h"
 #include "front/terminal.h"
 #include "host/host_data.h"
 
@@ -12,10 +13,10 @@ constexpr int64_t kMicroseconds = 1000000;
 
 } // namespace
 
-void Notices::Post(const std::string& text, int64_t now, Kind kind) {
+void Notices::Post(const std::string& text, int64_t now, Kind kind, int64_t seconds) {
     const std::scoped_lock hold(lock);
     std::erase_if(lines, [&](const LINE& line) { return line.text == text; });
-    lines.push_back({text, kind});
+    lines.push_back({text, kind, seconds});
     if (lines.size() > kMostLines) {
         KeepAsUnread(lines.front(), now);
         lines.pop_front();
@@ -47,11 +48,34 @@ std::vector<std::string> Notices::Lines(int64_t now) {
     const std::scoped_lock hold(lock);
     std::erase_if(lines, [&](const LINE& line) { return line.until <= now; });
     std::vector<std::string> texts;
-    for (LINE& line : lines) {
+    texts.reserve(lines.size());
+    for (const LINE& line : lines) {
         texts.push_back(line.text);
-        line.until = std::min(line.until, now + kSecondsShown * kMicroseconds);
     }
     return texts;
+}
+
+std::string Notices::Shown(int64_t now, size_t letters) {
+    const std::scoped_lock hold(lock);
+    std::erase_if(lines, [&](const LINE& line) { return line.until <= now; });
+    if (lines.empty()) {
+        return {};
+    }
+    LINE newest = lines.back();
+    lines.pop_back();
+    std::erase_if(lines, [](const LINE& line) { return line.kind == Kind::kWord; });
+    for (LINE& fault : lines) {
+        fault.until = INT64_MAX; // it was hidden, and begins again
+    }
+    const int64_t partTime = newest.seconds * kMicroseconds;
+    const std::vector<std::string> parts = NoticeParts(newest.text, letters);
+    if (newest.until == INT64_MAX) {
+        newest.from = now;
+        newest.until = now + partTime * static_cast<int64_t>(parts.size());
+    }
+    lines.push_back(newest);
+    const auto part = static_cast<size_t>(std::max<int64_t>(now - newest.from, 0) / partTime);
+    return parts[std::min(part, parts.size() - 1)];
 }
 
 Notices& ProgramNotices() {
@@ -61,6 +85,11 @@ Notices& ProgramNotices() {
 
 void PostNotice(const std::string& text) {
     ProgramNotices().Post(text, HostClock().nowMicroseconds());
+}
+
+void PostShortNotice(const std::string& text) {
+    constexpr int64_t kSeconds = 2;
+    ProgramNotices().Post(text, HostClock().nowMicroseconds(), Notices::Kind::kWord, kSeconds);
 }
 
 void PostReport(const std::string& text) {

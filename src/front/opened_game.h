@@ -4,24 +4,31 @@
 #include "formats/game_file.h"
 #include "machines/machine_options.h"
 
+#include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
 struct MACHINE_FACTS;
+struct RECORDING;
 
 struct OPENED_GAME {
     CGameFile game;
-    std::string file; // as OpenForPlaying takes it; absolute, or a demo's name
+    std::string file;  // as OpenForPlaying takes it; absolute, or a demo's name
+    std::string entry; // which of the file's games, if that was said
     CGameFile bios;
     std::string secondFile; // of `bios`; absolute
     bool hasBios = false;
     std::string title;
     OptionBlock options{};
+    std::filesystem::path recordTo;          // its inputs are recorded here; empty: they are not
+    std::shared_ptr<const RECORDING> replay; // is played instead of the player; null: nothing is
 };
 
 // How a game is opened.
 struct OPENING {
     const MACHINE_FACTS* system = nullptr; // the machine, if not the one that the file says
+    std::string entry;   // of an archive, as ListArchivedGames has it; empty: the first
     std::string patch;   // a soft patch; empty: that beside the game, if there is one
     bool patched = true; // false: as the file has it
 };

@@ -41,5 +41,9 @@ void SaveKeeper::Run() {
         std::unique_lock hold(lock);
         return !changed.wait_for(hold, kPeriod, [this] { return end; });
     };
-    KeepSaves(nextSecond, EmuKeepBatteries, EmuKeepResumeFiles);
+    const auto everySecond = [] {
+        EmuKeepBatteries();
+        EmuKeepRecordings();
+    };
+    KeepSaves(nextSecond, everySecond, EmuKeepResumeFiles);
 }

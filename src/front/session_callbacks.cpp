@@ -4,6 +4,7 @@
 #include "base/bytes.h"
 #include "front/light_gun.h"
 #include "front/processor_binder.h"
+#include "front/window_video.h"
 #include "host/host_data.h"
 #include "host/session.h"
 #include "settings/bindings.h"
@@ -23,6 +24,7 @@ void OpenSession(EMU_THREAD* session) {
 }
 
 void CloseSession(EMU_THREAD* session) {
+    WindowVideoSessionEnds(*session);
     DestroySoundChannel(*session);
     HostClose(session);
 }
@@ -35,6 +37,11 @@ EMU_INPUT_STATE* SessionInput(EMU_THREAD* session) {
     return input;
 }
 
+void SubmitSound(EMU_THREAD* session, EMU_AUDIO_FRAME* audio) {
+    WindowVideoSound(*audio);
+    HostSubmitAudio(session, audio);
+}
+
 EMU_VIDEO_FRAME* SessionPicture(EMU_THREAD* session) {
     gFrameIsMachines = session->showStatic == 0;
     return HostGetVideoFrame(session);
@@ -43,6 +50,9 @@ EMU_VIDEO_FRAME* SessionPicture(EMU_THREAD* session) {
 // The picture carries its frame number, so that the display side knows which one it shows.
 void PresentFrame(EMU_THREAD* session, uint32_t microseconds) {
     EMU_HOST_DATA* const data = session->hostData;
+    if (gFrameIsMachines && data != nullptr) {
+        WindowVideoFrame(*session, data->frames[data->writeIndex]);
+    }
     if (gFrameIsMachines) {
         const uint32_t number = ++gFramesPresented;
         if (data != nullptr) {
@@ -60,7 +70,7 @@ int StartSessionThread(int argument) {
 }
 
 const EMU_HOST_CALLBACKS kCallbacks = {OpenSession,        CloseSession,    SessionPicture,
-                                       PresentFrame,       HostSubmitAudio, SessionInput,
+                                       PresentFrame,       SubmitSound,     SessionInput,
                                        StartSessionThread, ReleaseProcessor};
 
 } // namespace

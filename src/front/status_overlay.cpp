@@ -1,11 +1,10 @@
 #include "front/status_overlay.h"
 
-#include "front/notice_lines.h"
 #include "front/notices.h"
 #include "host/session.h"
 
 #include <algorithm>
-#include <iterator>
+#include <utility>
 
 namespace {
 
@@ -30,14 +29,6 @@ size_t LettersAcross(const DRAW_TARGET& target) {
     return static_cast<size_t>(std::max(width / (kTextCellWidth * TextScale(target)), 8));
 }
 
-std::vector<std::string> NoticeLines(size_t letters, int64_t now) {
-    std::vector<std::string> lines;
-    for (const std::string& line : ProgramNotices().Lines(now)) {
-        std::ranges::move(WrapNotice(line, letters), std::back_inserter(lines));
-    }
-    return lines;
-}
-
 } // namespace
 
 bool StatusOverlay::Start() {
@@ -55,9 +46,9 @@ bool StatusOverlay::Update(const DRAW_TARGET& target, bool statistics, const std
     if (statistics) {
         statusLines = {frameRate, EmuFormatStats()};
     }
-    std::vector<std::string> lines = NoticeLines(LettersAcross(target), now);
-    const bool news = lines != noticeLines;
-    noticeLines = std::move(lines);
+    std::string line = ProgramNotices().Shown(now, LettersAcross(target));
+    const bool news = line != notice;
+    notice = std::move(line);
     return news;
 }
 
@@ -71,9 +62,8 @@ void StatusOverlay::Draw(const DRAW_TARGET& target) const {
         const int y = Place(target, kTop + kLineStep * static_cast<int>(line));
         text->Draw(statusLines[line], left, y, scale, kStatusColour);
     }
-    int y = static_cast<int>(target.height) - Place(target, kTop);
-    for (auto line = noticeLines.rbegin(); line != noticeLines.rend(); ++line) {
-        text->Draw(*line, left, y, scale, kNoticeColour);
-        y -= Place(target, kLineStep) + scale;
+    if (!notice.empty()) {
+        const int y = static_cast<int>(target.height) - Place(target, kTop);
+        text->Draw(notice, left, y, scale, kNoticeColour);
     }
 }

@@ -1,5 +1,5 @@
 // StatusOverlay: the lines of text over the window's contents: two status lines at the top, notices at
-// the bottom. The first status line is the frame rate, the second the statistics of the session; one key shows both, as
+// the bottom, of which only the newest is shown, in one line. The first status line is the frame rate, the second the statistics of the session; one key shows both, as
 // nothing else would show the first.
 //
 // Units: positions are those of a screen of 1280 by 720, scaled to the window's height.
@@ -30,5 +30,5 @@ public:
 private:
     std::unique_ptr<OverlayText> text;
     std::vector<std::string> statusLines;
-    std::vector<std::string> noticeLines;
+    std::string notice;
 };

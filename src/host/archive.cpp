@@ -6,6 +6,7 @@
 #include "host/kept_copy.h"
 #include "host/report.h"
 #include "host/session.h"
+#include "host/session_tape.h"
 #include "host/turns.h"
 
 #include <algorithm>
@@ -248,6 +249,7 @@ bool GiveState(EMU_THREAD& session, const Bytes& state) {
     } else {
         session.machine->Reset();
     }
+    TapeNoteState(session);
     session.showStatic = 0;
     return loaded;
 }

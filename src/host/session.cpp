@@ -8,6 +8,7 @@
 #include "host/session_list.h"
 #include "host/session_private.h"
 #include "host/session_saves.h"
+#include "host/session_tape.h"
 #include "host/turns.h"
 
 #include <chrono>
@@ -118,6 +119,7 @@ void Free(std::unique_ptr<EMU_THREAD> session, bool goesOn) {
         SleepMillisecond();
     }
     SessionSaveBattery(*session);
+    TapeEnd(*session);
     SessionEndResume(*session, goesOn, std::move(resume));
 }
 
@@ -201,7 +203,8 @@ std::unique_ptr<EMU_THREAD> EmuCreateSession(uint32_t key, CGameFile* const game
 }
 
 uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* options,
-                         const std::string& gameName, SESSION_RESUME resume) {
+                         const std::string& gameName, SESSION_RESUME resume,
+                         const SESSION_RECORDS& records) {
     if (!HostIsComplete()) {
         EmuSetLastError("no host is installed");
         return 0;
@@ -217,7 +220,9 @@ uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* op
         return 0;
     }
     Report(SessionReport::kStarted, *session);
-    const bool loaded = SessionLoadSaves(*session, std::move(resume));
+    TapeBegin(*session, games, options, records);
+    const bool loaded = records.replay != nullptr ? SessionWithoutSaves(*session)
+                                                  : SessionLoadSaves(*session, std::move(resume));
     const uint32_t serial = loaded ? Launch(session) : 0;
     if (serial == 0) {
         Report(SessionReport::kEnded, *session);
@@ -256,6 +261,7 @@ bool EmuResetSession(uint32_t key) {
     }
     const SessionHold hold(*session);
     session->machine->Reset();
+    TapeNoteReset(*session);
     return true;
 }
 
@@ -266,4 +272,8 @@ bool EmuPauseSession(uint32_t key, bool paused) {
     }
     session->paused = paused;
     return true;
+}
+
+void EmuWaitForFocus(bool waits) {
+    EmuForEachSession([waits](EMU_THREAD& session) { session.waitsForFocus = waits; });
 }

@@ -41,6 +41,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -48,6 +49,8 @@
 
 class CGameFile;
 struct EMU_HOST_DATA;
+struct RECORDING;
+struct SESSION_TAPE;
 
 struct EMU_THREAD {
     // Identity: filled before the thread starts, never changed after that.
@@ -57,6 +60,7 @@ struct EMU_THREAD {
     std::string gameName;       // as the caller gave it
     std::string archivePath;    // in the program's path notation, lower case
     std::string stateEntryName; // twelve hexadecimal digits, lower case
+    bool fromAutosave = false;  // it goes on from what an earlier session has saved
     uint32_t frameWidth = 0;    // copies of the machine's
     uint32_t frameHeight = 0;
 
@@ -69,10 +73,14 @@ struct EMU_THREAD {
     REWIND_STACK rewind;
     BATTERY_FILE battery;
     RESUME_FILE resume;                   // has a lock of its own for what changes
+    std::shared_ptr<SESSION_TAPE> tape;   // session_tape.h; null: neither recorded nor replayed
     uint32_t staticFrames = 0;            // of television static, shown so far
     std::atomic<uint8_t> showStatic{1};   // 1 while the static runs; anyone may read it
     std::atomic<uint32_t> lockWaiters{0}; // other threads that wait for `lock`
-    std::atomic<bool> paused{false};      // no rounds: picture and machine stay as they are
+    std::atomic<int32_t> speed{1};   // of the last round: times the ordinary one; -1: backwards
+    std::atomic<bool> paused{false}; // no rounds: picture and machine stay as they are
+    std::atomic<bool> waitsForFocus{false};  // the same, while another window has the keyboard
+    std::atomic<bool> pausedByPlayer{false}; // rounds look at the keys, and run no frame
 
     // What the host keeps. `hostData` is set by the open callback on the session's thread and cleared by
     // close on the stopping one, both under the list lock, close under `lock` as well.
@@ -115,13 +123,25 @@ void EmuSetHost(const EMU_HOST_CALLBACKS& callbacks);
                                                            const void* options,
                                                            const std::string& gameName);
 
+// What is recorded of a session, and what it plays instead of the player.
+struct SESSION_RECORDS {
+    std::string game;    // the game's file, by which a recording finds it again; may be empty
+    std::string console; // that of the console's own image
+    std::filesystem::path file; // the whole session is recorded here; empty: it is not
+    bool lastMinutes = true;    // as many as `emu_recordminutes` says are kept in memory
+    // Is played from power-on or its own state. Nothing is loaded before it, and no memory of the game's own is
+    // written; the player goes on after it.
+    std::shared_ptr<const RECORDING> replay;
+};
+
 // Starts the game on `key`, after turning off what ran there. `games[0]` must not be null and must have
 // its image unpacked; `games[1]` may be null. The caller keeps both. `options` are kMachineOptionBytes.
 // `resume`: where the session keeps its resume file, and the state that it goes on from.
 // Returns the serial; 0 on failure, also if the machine refuses that state, with the last error in place. Not
 // from a visit, a host callback or a machine, and with no lock held.
 [[nodiscard]] uint32_t EmuStartSession(uint32_t key, CGameFile* const games[2], const void* options,
-                                       const std::string& gameName, SESSION_RESUME resume = {});
+                                       const std::string& gameName, SESSION_RESUME resume = {},
+                                       const SESSION_RECORDS& records = {});
 
 // Why a session ends, and so what stays of it beside the game's own memory.
 enum class SessionEnd : uint8_t {
@@ -148,6 +168,9 @@ bool EmuResetSession(uint32_t key);
 // Stops the rounds of the session on this key, or lets them go on. What is saved and loaded meanwhile is as at any
 // frame boundary; a round that is under way still ends. False if there is none. With no lock held.
 bool EmuPauseSession(uint32_t key, bool paused);
+
+// The same for all sessions that are open, while the player looks at another window.
+void EmuWaitForFocus(bool waits);
 
 // Calls `visit` for every session that the host has opened, under the list lock. A visit may take the
 // locks further down, must neither start nor stop a session, and should be short: others wait for it.

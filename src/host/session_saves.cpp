@@ -3,6 +3,7 @@
 #include "host/report.h"
 #include "host/session.h"
 #include "host/session_list.h"
+#include "host/session_tape.h"
 #include "machine/battery.h"
 #include "settings/settings.h"
 
@@ -69,6 +70,7 @@ bool SessionLoadSaves(EMU_THREAD& session, SESSION_RESUME&& resume) {
         }
     } else if (AutosaveWanted(kAutosaveLoad)) {
         loaded = EmuLoadFromArchive(session);
+        session.fromAutosave = loaded;
     }
     if (loaded && memory != nullptr) {
         BatteryPutBack(session.battery, *memory);
@@ -77,6 +79,11 @@ bool SessionLoadSaves(EMU_THREAD& session, SESSION_RESUME&& resume) {
         session.battery.rolledBack = false; // this session has not written anything yet
     }
     ResumeBegin(session.resume, std::move(resume));
+    return true;
+}
+
+bool SessionWithoutSaves(EMU_THREAD& session) {
+    session.battery.untouchable = true;
     return true;
 }
 
@@ -113,6 +120,10 @@ void SessionEndResume(EMU_THREAD& session, bool goesOn, std::optional<STATE_SNAP
 
 void EmuKeepBatteries() {
     ForEachPinned(KeepBattery);
+}
+
+void EmuKeepRecordings() {
+    ForEachPinned(TapeKeep);
 }
 
 void EmuKeepResumeFiles() {

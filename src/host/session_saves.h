@@ -20,6 +20,9 @@ struct EMU_THREAD;
 // `resume`; the session is not to run then.
 [[nodiscard]] bool SessionLoadSaves(EMU_THREAD& session, SESSION_RESUME&& resume);
 
+// Instead: nothing is read, and the game's own memory is not written either. True.
+[[nodiscard]] bool SessionWithoutSaves(EMU_THREAD& session);
+
 // The state for the autosave, to be stored with EmuStoreState; without bytes if none is wanted. The
 // caller holds the session's `lock`.
 [[nodiscard]] TAKEN_STATE SessionTakeAutosave(EMU_THREAD& session);
@@ -38,6 +41,9 @@ void SessionEndResume(EMU_THREAD& session, bool goesOn, std::optional<STATE_SNAP
 // Writes the games' own memory where it has changed since the last call, for all sessions; no session
 // waits for the disk. To be called about once a second, by one thread and with no lock held.
 void EmuKeepBatteries();
+
+// Appends to the files of sessions that are recorded, as often, by the same thread.
+void EmuKeepRecordings();
 
 // The same for resume files, about every ten seconds, by the same thread.
 void EmuKeepResumeFiles();

@@ -8,6 +8,7 @@
 #include "host/host_data.h"
 #include "host/session.h"
 #include "host/session_list.h"
+#include "host/session_tape.h"
 
 #include <pugixml.hpp>
 
@@ -90,6 +91,7 @@ bool LoadOrPutBack(EMU_THREAD& session, std::span<const uint8_t> state, const TA
     CEmuSystem& machine = *session.machine;
     const bool hadEnded = machine.ended;
     const std::string reason = machine.endReason;
+    TapeNoteState(session);
     if (machine.LoadState(state.data(), static_cast<uint32_t>(state.size()))) {
         return true;
     }

@@ -1,10 +1,10 @@
 #include "room/light_program.h"
 
+#include "display/shader_program.h"
 #include "room/light_program_text.h"
 #include "room/transform.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <utility>
@@ -92,23 +92,6 @@ std::array<std::array<float, 4>, 4> LightRows(const ROOM_LIGHT& light) {
     };
 }
 
-// Some drivers return only a log, and in it the word.
-bool LogTellsOfError(std::string log) {
-    std::transform(log.begin(), log.end(), log.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return log.find("ERROR") != std::string::npos;
-}
-
-template <class GetLog>
-std::string ReadLog(GetLog getLog, GLuint name) {
-    constexpr GLsizei kMost = 4096;
-    std::string log(kMost, '\0');
-    GLsizei length = 0;
-    getLog(name, kMost, &length, log.data());
-    log.resize(static_cast<size_t>(std::clamp<GLsizei>(length, 0, kMost)));
-    return log;
-}
-
 } // namespace
 
 bool LightProgram::Start(const GL_FUNCTIONS& functions, std::string& error) {
@@ -149,45 +132,11 @@ void LightProgram::DropLightSet(const LIGHT_SET& set) {
     }
 }
 
-GLuint LightProgram::CompileShader(GLenum kind, const std::string& text, std::string& error) const {
-    const GLuint shader = gl.createShader(kind);
-    const GLchar* const source = text.c_str();
-    gl.shaderSource(shader, 1, &source, nullptr);
-    gl.compileShader(shader);
-    const std::string log = ReadLog(gl.getShaderInfoLog, shader);
-    if (LogTellsOfError(log)) {
-        error = "the room's shader cannot be compiled: " + log;
-    }
-    return shader;
-}
-
 bool LightProgram::Compile(const std::string& fragmentText, VARIANT& variant,
                            std::string& error) const {
-    error.clear();
-    const GLuint vertex = CompileShader(GL_VERTEX_SHADER, kVertexText, error);
-    const GLuint fragment = CompileShader(GL_FRAGMENT_SHADER, fragmentText, error);
-    const GLuint program = gl.createProgram();
-    gl.attachShader(program, vertex);
-    gl.attachShader(program, fragment);
-    gl.linkProgram(program);
-    if (gl.deleteShader != nullptr) { // they live on with the program
-        gl.deleteShader(vertex);
-        gl.deleteShader(fragment);
-    }
-    if (error.empty()) {
-        const std::string log = ReadLog(gl.getProgramInfoLog, program);
-        GLint linked = GL_TRUE;
-        if (gl.getProgramiv != nullptr) {
-            gl.getProgramiv(program, GL_LINK_STATUS, &linked);
-        }
-        if (linked != GL_TRUE || LogTellsOfError(log)) {
-            error = "the room's shader cannot be linked: " + log;
-        }
-    }
-    if (!error.empty()) {
-        if (gl.deleteProgram != nullptr) {
-            gl.deleteProgram(program);
-        }
+    const GLuint program =
+        CompileProgram(gl, kVertexText, fragmentText, "the room's shader", error);
+    if (program == 0) {
         return false;
     }
     variant.program = program;

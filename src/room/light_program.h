@@ -16,8 +16,8 @@
 // Thread: main, with the context current.
 #pragma once
 
+#include "display/gl_functions.h"
 #include "display/session_picture.h"
-#include "room/gl_functions.h"
 #include "room/room_counters.h"
 #include "room/vector.h"
 
@@ -127,8 +127,6 @@ private:
     void WriteGeneral(const LIT_SURFACE& surface, ROOM_COUNTERS& counters);
     [[nodiscard]] bool Compile(const std::string& fragmentText, VARIANT& variant,
                                std::string& error) const;
-    [[nodiscard]] GLuint CompileShader(GLenum kind, const std::string& text,
-                                       std::string& error) const;
     void FindPlaces(VARIANT& variant) const;
     void Write1(GLint place, float value, float& written, ROOM_COUNTERS& counters) const;
     void Write4(GLint place, const std::array<float, 4>& value, std::array<float, 4>& written,

@@ -7,13 +7,14 @@
 #include <span>
 #include <string>
 
-enum class OptionTab : uint8_t { kGeneral, kGraphics, kSound, kInput };
-inline constexpr size_t kOptionTabs = 4;
+enum class OptionTab : uint8_t { kGeneral, kGraphics, kPicture, kSound, kInput };
+inline constexpr size_t kOptionTabs = 5;
 
 enum class OptionKind : uint8_t {
     kSwitch,     // a bool setting
     kNumber,     // an int setting
     kWindowSize, // two int settings: width and height
+    kOverscan,   // four int settings: dots cut off at the left, above, at the right and below
     kSlider      // a float setting
 };
 
@@ -22,8 +23,8 @@ enum class OptionEffect : uint8_t { kAtOnce, kNextGame, kRestart };
 
 struct OPTION_CHOICE {
     const wchar_t* text;
-    int32_t value;      // 0 or 1 for a switch; a width in pixels
-    int32_t second = 0; // a height in pixels
+    int32_t value;      // 0 or 1 for a switch; a width in pixels; dots above and below
+    int32_t second = 0; // a height in pixels; dots at the left and at the right
 };
 
 // The setting is `value * range + minimum`, the value being 0 to 1. The slider shows it in percent.
@@ -37,13 +38,15 @@ struct OPTION_ROW {
     OptionTab tab;
     const wchar_t* label;
     OptionKind kind;
-    const wchar_t* setting;
+    const wchar_t*
+        setting; // of an overscan the left edge's, in whose name others are put for "left"
     const wchar_t* secondSetting; // of a window's size; null: none
     std::span<const OPTION_CHOICE> choices;
     const wchar_t* unit; // after a stored number that is no choice
     OPTION_SLIDER slider;
     OptionEffect effect;
     const wchar_t* help; // one sentence
+    uint16_t system = 0; // the one machine that it is for; 0: all
 };
 
 // In the order of the screen, tab after tab.

@@ -14,23 +14,24 @@
 
 namespace {
 
-constexpr const wchar_t* kTabNames[kOptionTabs] = {L"General", L"Graphics", L"Sound", L"Input"};
+constexpr const wchar_t* kTabNames[kOptionTabs] = {L"General", L"Graphics", L"Picture", L"Sound",
+                                                   L"Input"};
 constexpr const wchar_t* kNotice = L"Some of these settings require a restart to become active";
 constexpr float kPercent = 100.0f;
 
 // Units.
 constexpr int32_t kHigh = 25;
-constexpr int32_t kTabWide = 130;
-constexpr int32_t kTabPitch = 138;
+constexpr int32_t kTabWide = 104;
+constexpr int32_t kTabPitch = 110;
 constexpr int32_t kTabTop = 47;
 constexpr int32_t kPageTop = 84;
 constexpr int32_t kPageWide = 864;
 constexpr int32_t kPageFoot = 20; // below the pages, which are as high as they can be
 constexpr int32_t kRowTop = 28;
-constexpr int32_t kRowPitch = 50;
+constexpr int32_t kRowPitch = 50;   // or less, where a page has more rows than that holds
 constexpr int32_t kNoticeFoot = 36; // from the lower edge of a page to the top of the notice
-constexpr int32_t kMostRows = 7;
-constexpr int32_t kHelpTop = kRowTop + kMostRows * kRowPitch + 16;
+constexpr int32_t kFewRows = 7;     // the help of a page with fewer is where it would be with these
+constexpr int32_t kHelpGap = 16;
 constexpr int32_t kHelpHigh = 60;
 constexpr int32_t kLabelWide = 260;
 constexpr int32_t kControlWide = 260;
@@ -69,7 +70,8 @@ CGUIOptions::CGUIOptions(GHOSTMANAGER_WINDOW* parentWindow, ScreenHost& program)
         notices[Index(tab)] =
             new CGhostTextBox(pages[Index(tab)]->window, 0, L"TEXT_CENTER", kNotice, {});
     }
-    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
+    for (const OptionTab tab :
+         {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kPicture, OptionTab::kSound}) {
         helps[Index(tab)] =
             new CGhostMultiText(pages[Index(tab)]->window, 0, L"OPTIONHELP", {}, {});
     }
@@ -137,7 +139,8 @@ void CGUIOptions::Layout(int32_t width, int32_t height) {
     }
     const int32_t left = (width - kPageWide) / 2;
     const int32_t high = height - kPageTop - kPageFoot;
-    for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound}) {
+    for (const OptionTab tab :
+         {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kPicture, OptionTab::kSound}) {
         CGhostWindowEx* const page = pages[Index(tab)];
         page->SetPos(left, kPageTop, kPageWide, high);
         LayoutRows(tab, page->window->clientRect.width, page->window->clientRect.height);
@@ -150,6 +153,11 @@ void CGUIOptions::Layout(int32_t width, int32_t height) {
 void CGUIOptions::LayoutRows(OptionTab tab, int32_t width, int32_t height) {
     // The controls lie in the middle; the labels end at their left.
     const int32_t left = (width - kControlWide) / 2;
+    const auto count = static_cast<int32_t>(std::count_if(
+        rows.begin(), rows.end(), [&](const ROW& row) { return row.row->tab == tab; }));
+    const int32_t lines = std::max(count, kFewRows);
+    const int32_t below = kHelpGap + kHelpHigh + kNoticeFoot;
+    const int32_t pitch = std::min(kRowPitch, (height - kRowTop - below) / lines);
     int32_t y = kRowTop;
     for (const ROW& row : rows) {
         if (row.row->tab != tab) {
@@ -164,9 +172,9 @@ void CGUIOptions::LayoutRows(OptionTab tab, int32_t width, int32_t height) {
         if (row.mark != nullptr) {
             row.mark->SetPos(left + kControlWide + kColumnGap, y, kMarkWide, kHigh);
         }
-        y += kRowPitch;
+        y += pitch;
     }
-    helps[Index(tab)]->SetPos(left, kHelpTop, width - left, kHelpHigh);
+    helps[Index(tab)]->SetPos(left, kRowTop + lines * pitch + kHelpGap, width - left, kHelpHigh);
     if (CGhostTextBox* const notice = notices[Index(tab)]; notice != nullptr) {
         notice->SetPos(0, height - kNoticeFoot, width, 20);
     }

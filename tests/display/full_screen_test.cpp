@@ -40,6 +40,17 @@ TEXTURE_RECORD TextureOf(uint32_t width, uint32_t height, uint32_t texWidth, uin
     return texture;
 }
 
+SCREEN_QUAD PlaceOn(const EMU_VIDEO_FRAME& picture, const TEXTURE_RECORD& texture,
+                    const FULL_SCREEN_VIEW& view, uint32_t screenWidth, uint32_t screenHeight) {
+    SESSION_PICTURE session;
+    session.picture = picture;
+    session.texture = texture;
+    return PlaceFullScreen(session, view, screenWidth, screenHeight);
+}
+
+constexpr FULL_SCREEN_VIEW kWhole{};
+constexpr FULL_SCREEN_VIEW kCropped{.crop = true};
+
 struct PLACE {
     uint32_t left, top, width, height;
     bool operator==(const PLACE&) const = default;
@@ -50,9 +61,8 @@ std::ostream& operator<<(std::ostream& out, const PLACE& place) {
 }
 
 PLACE PlaceOf(float aspect, uint32_t screenWidth, uint32_t screenHeight) {
-    const SCREEN_QUAD quad =
-        PlaceFullScreen(PictureOf(256, 192, aspect), TextureOf(256, 192, 256, 192), false,
-                        screenWidth, screenHeight);
+    const SCREEN_QUAD quad = PlaceOn(PictureOf(256, 192, aspect), TextureOf(256, 192, 256, 192),
+                                     kWhole, screenWidth, screenHeight);
     return {quad.left, quad.top, quad.width, quad.height};
 }
 
@@ -112,17 +122,16 @@ TEST(FullScreenPlace, InvalidAspectMeansSquarePixels) {
 TEST(FullScreenPlace, NothingWithoutAPictureATextureOrAScreen) {
     const EMU_VIDEO_FRAME picture = PictureOf(8, 8, 1.0f);
     const TEXTURE_RECORD texture = TextureOf(8, 8, 8, 8);
-    EXPECT_EQ(PlaceFullScreen(picture, texture, false, 0, 480).width, 0U);
-    EXPECT_EQ(PlaceFullScreen(picture, texture, false, 640, 0).width, 0U);
-    EXPECT_EQ(PlaceFullScreen(PictureOf(0, 8, 1.0f), texture, false, 640, 480).width, 0U);
-    EXPECT_EQ(PlaceFullScreen(PictureOf(8, 0, 1.0f), texture, false, 640, 480).width, 0U);
-    EXPECT_EQ(PlaceFullScreen(picture, TEXTURE_RECORD{}, false, 640, 480).width, 0U);
+    EXPECT_EQ(PlaceOn(picture, texture, kWhole, 0, 480).width, 0U);
+    EXPECT_EQ(PlaceOn(picture, texture, kWhole, 640, 0).width, 0U);
+    EXPECT_EQ(PlaceOn(PictureOf(0, 8, 1.0f), texture, kWhole, 640, 480).width, 0U);
+    EXPECT_EQ(PlaceOn(PictureOf(8, 0, 1.0f), texture, kWhole, 640, 480).width, 0U);
+    EXPECT_EQ(PlaceOn(picture, TEXTURE_RECORD{}, kWhole, 640, 480).width, 0U);
 }
 
 TEST(FullScreenPlace, TextureIsCutByHalfATexelOnEachSide) {
     const EMU_VIDEO_FRAME picture = PictureOf(256, 192, 4.0f / 3);
-    const SCREEN_QUAD quad =
-        PlaceFullScreen(picture, TextureOf(256, 192, 256, 192), false, 640, 480);
+    const SCREEN_QUAD quad = PlaceOn(picture, TextureOf(256, 192, 256, 192), kWhole, 640, 480);
     EXPECT_FLOAT_EQ(quad.textureLeft, 0.001953125f); // 1 / 512
     EXPECT_FLOAT_EQ(quad.textureRight, 0.998046875f);
     EXPECT_FLOAT_EQ(quad.textureTop, 0.0026041667f); // 1 / 384
@@ -131,8 +140,7 @@ TEST(FullScreenPlace, TextureIsCutByHalfATexelOnEachSide) {
 
 TEST(FullScreenPlace, TextureCoordinatesAreScaledByUsedOverAllocated) {
     const EMU_VIDEO_FRAME picture = PictureOf(320, 192, 4.0f / 3);
-    const SCREEN_QUAD quad =
-        PlaceFullScreen(picture, TextureOf(320, 192, 512, 256), false, 640, 480);
+    const SCREEN_QUAD quad = PlaceOn(picture, TextureOf(320, 192, 512, 256), kWhole, 640, 480);
     EXPECT_FLOAT_EQ(quad.textureLeft, 0.0009765625f);  // 0.5 / 320 * 320 / 512
     EXPECT_FLOAT_EQ(quad.textureRight, 0.6240234375f); // 319.5 / 512
     EXPECT_FLOAT_EQ(quad.textureTop, 0.001953125f);    // 0.5 / 256
@@ -143,9 +151,9 @@ TEST(FullScreenPlace, CropTakesTheActiveWindowAndItsAspect) {
     EMU_VIDEO_FRAME picture = PictureOf(256, 224, 8.0f / 7);
     SetWindow(picture, 48, 24, 160, 144, 10.0f / 9);
     const TEXTURE_RECORD texture = TextureOf(256, 224, 256, 224);
-    const SCREEN_QUAD whole = PlaceFullScreen(picture, texture, false, 640, 448);
+    const SCREEN_QUAD whole = PlaceOn(picture, texture, kWhole, 640, 448);
     EXPECT_EQ(whole.width, 512U);
-    const SCREEN_QUAD cropped = PlaceFullScreen(picture, texture, true, 640, 432);
+    const SCREEN_QUAD cropped = PlaceOn(picture, texture, kCropped, 640, 432);
     EXPECT_EQ(cropped.width, 480U);
     EXPECT_EQ(cropped.left, 80U);
     EXPECT_FLOAT_EQ(cropped.textureLeft, 48.5f / 256);
@@ -157,7 +165,7 @@ TEST(FullScreenPlace, CropTakesTheActiveWindowAndItsAspect) {
 TEST(FullScreenPlace, CropOfOneTexelShowsItsMiddle) {
     EMU_VIDEO_FRAME picture = PictureOf(8, 4, 2.0f);
     SetWindow(picture, 3, 2, 1, 1, 1.0f);
-    const SCREEN_QUAD quad = PlaceFullScreen(picture, TextureOf(8, 4, 8, 4), true, 10, 10);
+    const SCREEN_QUAD quad = PlaceOn(picture, TextureOf(8, 4, 8, 4), kCropped, 10, 10);
     EXPECT_EQ(quad.textureLeft, 3.5f / 8);
     EXPECT_EQ(quad.textureRight, 3.5f / 8);
     EXPECT_EQ(quad.textureTop, 2.5f / 4);
@@ -168,16 +176,136 @@ TEST(FullScreenPlace, CropOfNothingShowsTheWholeAndOneThatLeavesThePictureIsCut)
     EMU_VIDEO_FRAME picture = PictureOf(8, 4, 2.0f);
     const TEXTURE_RECORD texture = TextureOf(8, 4, 8, 4);
     SetWindow(picture, 2, 2, 0, 2, 1.0f);
-    EXPECT_EQ(PlaceFullScreen(picture, texture, true, 20, 10).textureRight, 7.5f / 8);
-    EXPECT_EQ(PlaceFullScreen(picture, texture, true, 20, 10).width, 20U);
+    EXPECT_EQ(PlaceOn(picture, texture, kCropped, 20, 10).textureRight, 7.5f / 8);
+    EXPECT_EQ(PlaceOn(picture, texture, kCropped, 20, 10).width, 20U);
     SetWindow(picture, 8, 0, 2, 2, 1.0f);
-    EXPECT_EQ(PlaceFullScreen(picture, texture, true, 20, 10).textureLeft, 0.5f / 8);
+    EXPECT_EQ(PlaceOn(picture, texture, kCropped, 20, 10).textureLeft, 0.5f / 8);
     SetWindow(picture, 6, 3, 0xFFFFFFFF, 0xFFFFFFFF, 1.0f);
-    const SCREEN_QUAD quad = PlaceFullScreen(picture, texture, true, 20, 10);
+    const SCREEN_QUAD quad = PlaceOn(picture, texture, kCropped, 20, 10);
     EXPECT_EQ(quad.textureLeft, 6.5f / 8);
     EXPECT_EQ(quad.textureRight, 7.5f / 8);
     EXPECT_EQ(quad.textureTop, 3.5f / 4);
     EXPECT_EQ(quad.textureBottom, 3.5f / 4);
+}
+
+PLACE PlaceIn(const EMU_VIDEO_FRAME& picture, const FULL_SCREEN_VIEW& view, uint32_t screenWidth,
+              uint32_t screenHeight) {
+    const SCREEN_QUAD quad =
+        PlaceOn(picture, TextureOf(picture.width, picture.height, picture.width, picture.height),
+                view, screenWidth, screenHeight);
+    return {quad.left, quad.top, quad.width, quad.height};
+}
+
+TEST(FullScreenPlace, WholeMultiplesMakeAllRowsEquallyHigh) {
+    const FULL_SCREEN_VIEW view{.wholeMultiples = true};
+    const EMU_VIDEO_FRAME nes = PictureOf(256, 224, 4.0f / 3);
+    EXPECT_EQ(PlaceIn(nes, view, 1280, 720), (PLACE{192, 24, 896, 672}));    // three times
+    EXPECT_EQ(PlaceIn(nes, view, 1920, 1080), (PLACE{362, 92, 1195, 896}));  // four times, 1194.67
+    EXPECT_EQ(PlaceIn(nes, view, 3840, 2160), (PLACE{576, 72, 2688, 2016})); // nine times
+    EXPECT_EQ(PlaceIn(nes, view, 298, 224), (PLACE{0, 0, 298, 223})) << "too narrow for one";
+    EXPECT_EQ(PlaceIn(nes, view, 300, 224), (PLACE{0, 0, 299, 224})) << "once";
+    EXPECT_EQ(PlaceIn(nes, view, 600, 900), (PLACE{1, 226, 597, 448})) << "limited by the width";
+}
+
+TEST(FullScreenPlace, WholeMultiplesOfSquareDotsAreWholeBothWays) {
+    const FULL_SCREEN_VIEW view{.wholeMultiples = true, .aspect = PictureAspect::kSquareDots};
+    for (uint32_t height = 224; height < 2200; height += 37) {
+        const PLACE place = PlaceIn(PictureOf(320, 224, 1.4f), view, height * 2, height);
+        EXPECT_EQ(place.height, height / 224 * 224);
+        EXPECT_EQ(place.width, height / 224 * 320);
+    }
+}
+
+// The scaler's texels are no rows of the machine's.
+TEST(FullScreenPlace, WholeMultiplesCountTheMachinesRows) {
+    SESSION_PICTURE session;
+    session.factor = 4;
+    session.picture = PictureOf(1024, 896, 4.0f / 3);
+    session.texture = TextureOf(1024, 896, 1024, 896);
+    const FULL_SCREEN_VIEW view{.wholeMultiples = true};
+    EXPECT_EQ(PlaceFullScreen(session, view, 1280, 720).height, 672U);
+}
+
+TEST(FullScreenPlace, AspectIsTheMachinesFourByThreeOrThatOfSquareDots) {
+    const struct {
+        const char* name;
+        uint32_t width, height;
+        float aspect;
+        PictureAspect wanted;
+        uint32_t shownWidth, shownHeight; // of 2000 by 720
+    } rows[] = {
+        {"NES",                   256, 224, 1.3061224f, PictureAspect::kMachine,     940,  720},
+        {"NES",                   256, 224, 1.3061224f, PictureAspect::kFourByThree, 960,  720},
+        {"NES",                   256, 224, 1.3061224f, PictureAspect::kSquareDots,  822,  720},
+        {"Master System",         256, 192, 1.5238f,    PictureAspect::kFourByThree, 960,  720},
+        {"Master System",         256, 192, 1.5238f,    PictureAspect::kSquareDots,  960,  720},
+        {"Mega Drive",            320, 224, 1.4f,       PictureAspect::kMachine,     1008, 720},
+        {"Mega Drive",            320, 224, 1.4f,       PictureAspect::kFourByThree, 960,  720},
+        {"Mega Drive",            320, 224, 1.4f,       PictureAspect::kSquareDots,  1028, 720},
+        {"Game Gear",             160, 144, 1.1111112f, PictureAspect::kFourByThree, 960,  720},
+        {"Game Gear",             160, 144, 1.1111112f, PictureAspect::kSquareDots,  800,  720},
+        {"two Game Gears",        320, 144, 2.2222223f, PictureAspect::kFourByThree, 1920, 720},
+        {"System E, on its side", 192, 256, 0.75f,      PictureAspect::kFourByThree, 540,  720},
+        {"System E, on its side", 192, 256, 0.66f,      PictureAspect::kSquareDots,  540,  720},
+    };
+    for (const auto& row : rows) {
+        const PLACE place = PlaceIn(PictureOf(row.width, row.height, row.aspect),
+                                    {.aspect = row.wanted}, 2000, 720);
+        EXPECT_EQ(place.height, row.shownHeight) << row.name;
+        EXPECT_EQ(place.width, row.shownWidth) << row.name << static_cast<int>(row.wanted);
+    }
+}
+
+TEST(FullScreenPlace, OverscanCutsDotsAtEachEdgeAndKeepsTheirShape) {
+    EMU_VIDEO_FRAME picture = PictureOf(280, 240, 1.0f);
+    SetWindow(picture, 12, 8, 256, 224, 2.0f);
+    const TEXTURE_RECORD texture = TextureOf(280, 240, 280, 240);
+    const FULL_SCREEN_VIEW view{
+        .crop = true, .cut = {8, 16, 24, 0}
+    };
+    const SCREEN_QUAD quad = PlaceOn(picture, texture, view, 4000, 1040);
+    EXPECT_EQ(quad.areaX, 20U);
+    EXPECT_EQ(quad.areaY, 24U);
+    EXPECT_EQ(quad.areaWidth, 224U);
+    EXPECT_EQ(quad.areaHeight, 208U);
+    EXPECT_EQ(quad.height, 1040U); // five times
+    // A dot is 2 * 224 / 256 = 1.75 as wide as it is high: 224 of them are 392 dots' heights.
+    EXPECT_EQ(quad.width, 1960U);
+}
+
+TEST(FullScreenPlace, OverscanCutsNothingOfTheWholePicture) {
+    const FULL_SCREEN_VIEW view{
+        .cut = {8, 8, 8, 8}
+    };
+    const SCREEN_QUAD quad =
+        PlaceOn(PictureOf(256, 192, 1.0f), TextureOf(256, 192, 256, 192), view, 400, 400);
+    EXPECT_EQ(quad.areaWidth, 256U);
+    EXPECT_EQ(quad.areaHeight, 192U);
+}
+
+TEST(FullScreenPlace, OverscanLeavesAtLeastHalf) {
+    const FULL_SCREEN_VIEW view{
+        .crop = true, .cut = {1000, 1000, 1000, 0}
+    };
+    const SCREEN_QUAD quad =
+        PlaceOn(PictureOf(160, 144, 1.0f), TextureOf(160, 144, 160, 144), view, 400, 400);
+    EXPECT_EQ(quad.areaX, 40U);
+    EXPECT_EQ(quad.areaWidth, 80U);
+    EXPECT_EQ(quad.areaY, 36U);
+    EXPECT_EQ(quad.areaHeight, 108U);
+}
+
+TEST(FullScreenPlace, OverscanCountsDotsAlsoOfAScaledPicture) {
+    SESSION_PICTURE session;
+    session.factor = 4;
+    session.picture = PictureOf(1024, 896, 1.0f);
+    session.texture = TextureOf(1024, 896, 1024, 896);
+    const FULL_SCREEN_VIEW view{
+        .crop = true, .cut = {0, 8, 0, 0}
+    };
+    const SCREEN_QUAD quad = PlaceFullScreen(session, view, 400, 400);
+    EXPECT_EQ(quad.areaY, 32U);
+    EXPECT_EQ(quad.areaHeight, 864U);
 }
 
 // Pictures passed through UploadPicture and read back from the screen.
@@ -242,8 +370,7 @@ std::vector<uint32_t> Repeated(const std::vector<uint32_t>& pixels,
     return result;
 }
 
-// Screen column c of S shows the texel 0.5 + (c + 0.5) * 4 / S, its fraction dropped, as the five texels
-// are cut to the four from the middle of the first to the middle of the last. Rows likewise with 2.
+// At whole multiples every dot is as large as all others.
 struct NEAREST_ROW {
     uint32_t scale;
     std::vector<uint32_t> columns;
@@ -252,7 +379,7 @@ struct NEAREST_ROW {
 
 const NEAREST_ROW kNearestRows[] = {
     {1, {0, 1, 2, 3, 4},                               {0, 1, 2}                  },
-    {3, {0, 0, 1, 1, 1, 1, 2, 2, 2, 3, 3, 3, 3, 4, 4}, {0, 0, 1, 1, 1, 1, 1, 2, 2}},
+    {3, {0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4}, {0, 0, 0, 1, 1, 1, 2, 2, 2}},
 };
 
 TEST_F(FullScreen, NearestShowsExactlyThePicturesColours) {

@@ -51,6 +51,28 @@ TEST(NoticeLines, NoWidthIsTooSmall) {
     EXPECT_THAT(WrapNotice("a\u00E9", 0), ElementsAre("a", "\u00E9"));
 }
 
+TEST(NoticeLines, PartsOfANoticeEndAtWordsAndSayThatTheyGoOn) {
+    EXPECT_THAT(NoticeParts("State saved", 11), ElementsAre("State saved"));
+    EXPECT_THAT(NoticeParts("the saved state cannot be loaded", 20),
+                ElementsAre("the saved state ...", "cannot be loaded"));
+    EXPECT_THAT(NoticeParts("one\ntwo", 20), ElementsAre("one two"));
+}
+
+TEST(NoticeLines, ANoticeHasThreePartsAtMost) {
+    EXPECT_THAT(NoticeParts("aaaa bbbb cccc dddd eeee", 8),
+                ElementsAre("aaaa ...", "bbbb ...", "cccc ..."));
+}
+
+TEST(NoticeLines, NoPartIsWiderThanTheLine) {
+    const std::string text =
+        "a screenshot could not be written: /home/someone/with/a/very/long/path";
+    for (size_t letters = 8; letters < 80; ++letters) {
+        for (const std::string& part : NoticeParts(text, letters)) {
+            EXPECT_LE(part.size(), letters);
+        }
+    }
+}
+
 // For any text: lines of valid characters, none too long, and only spaces missing.
 TEST(NoticeLines, NothingIsLostButSpaces) {
     std::mt19937 random(3);

@@ -10,6 +10,7 @@
 #include "host/machine_list.h"
 #include "machines/machines.h"
 #include "sega8/machine_rig.h"
+#include "settings/bindings.h"
 #include "settings/settings.h"
 
 #include "support/temporary_folder.h"
@@ -59,15 +60,33 @@ inline void PointAt(int32_t x, int32_t y, bool down) {
     SDL_PushEvent(&button);
 }
 
+inline size_t ActionIndex(const std::wstring& name) {
+    const auto actions = InputActions();
+    for (size_t i = 0; i < actions.size(); ++i) {
+        if (actions[i].name == name) {
+            return i;
+        }
+    }
+    ADD_FAILURE() << "no such action";
+    return 0;
+}
+
 class WindowTest : public testing::Test {
 protected:
     void SetUp() override {
         SetHomeFolder(folder.Path());
         RegisterDefaultSettings(Settings());
         Settings().SetBool(L"app_fullscreen", false);
+        Settings().SetBool(L"video_integer_window", false); // pictures fill the window
         Settings().SetBool(L"app_vsync", false);
         Settings().SetInt(L"app_window_width", 640);
         Settings().SetInt(L"app_window_height", 480);
+        Settings().SetInt(L"app_keycards",
+                          3); // a player who knows the keys: no card lies over the picture
+        Settings().SetString(L"app_window_place", L"");
+        Settings().SetInt(L"emu_scaler", 0);
+        Settings().SetBool(L"emu_smooth", false);
+        Settings().SetBool(L"emu_crop", true);
         EmuSetMachines(BuiltInMachines());
         // Those of the test before would lie over the picture for some seconds.
         static_cast<void>(ProgramNotices().Lines(INT64_MAX));

@@ -10,6 +10,7 @@
 #include "megadrive/md_rig.h"
 #include "settings/bindings.h"
 
+#include "support/least_images.h"
 #include <gmock/gmock.h>
 
 #include <atomic>
@@ -27,17 +28,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 namespace {
-
-size_t ActionIndex(const std::wstring& name) {
-    const auto actions = InputActions();
-    for (size_t i = 0; i < actions.size(); ++i) {
-        if (actions[i].name == name) {
-            return i;
-        }
-    }
-    ADD_FAILURE() << "no such action";
-    return 0;
-}
 
 void Drop(const std::string& path) {
     SDL_Event event{};
@@ -133,7 +123,6 @@ TEST_F(WindowTest, SavesLoadsAndRewindsByHotkey) {
     press(L"SMS P1 BUTTON1", false);
     ASSERT_TRUE(RunFrames(application, 5));
     press(L"Rewind", true); // Shift and Tab
-    // The glyph is in the middle of the screen; a corner has the picture's colour.
     EXPECT_TRUE(RunUntil(application, [&] { return application.Sets().Kept().pixels[0] == kRed; }));
     press(L"Rewind", false);
 }
@@ -219,13 +208,13 @@ TEST_F(WindowTest, ADroppedGameThatCannotRunEndsTheOldOneAndSaysSo) {
     ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
     ASSERT_TRUE(RunUntilColour(application, kRed));
-    // A valid file, but the console refuses images of less than 512 bytes.
-    const auto path = folder.Write("short.md", std::vector<uint8_t>(511, 0));
+    // A valid file, but the console does not know its board.
+    const auto path = folder.Write("unknown.nes", NesImageOfAnUnknownBoard());
     Drop(path.string());
     ASSERT_TRUE(application.Round());
     EXPECT_FALSE(application.Playing());
     EXPECT_THAT(ProgramNotices().Lines(0),
-                Contains("Error loading game: Invalid ROM file, less than 512 bytes"));
+                Contains(HasSubstr("Error loading game: NES Mapper #255 not supported")));
     EXPECT_EQ(Title(), ProgramTitle());
     ASSERT_TRUE(application.Round());
     const std::vector<uint32_t> pixels = application.ReadWindow();
@@ -240,7 +229,7 @@ TEST_F(WindowTest, AMachineThatEndsIsTurnedOffAndSaidSo) {
     ASSERT_NO_FATAL_FAILURE(Start(application));
     ASSERT_NO_FATAL_FAILURE(PlayGame(application, path.string()));
     EXPECT_TRUE(application.Playing());
-    EXPECT_THAT(Title(), HasSubstr("gone"));
+    EXPECT_EQ(Title(), "gone - Mega Drive - Ombrelune");
     ASSERT_TRUE(RunUntil(application, [&] { return !application.Playing(); }));
     EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("address error at 0x000201")));
     EXPECT_EQ(Title(), ProgramTitle());
@@ -348,28 +337,51 @@ TEST(WindowSize, IsKeptWherePossible) {
     }
 }
 
-TEST(Notices, StayForTheirTimeAndMakeRoomForNewerOnes) {
+constexpr size_t kWide = 100; // letters of the line
+
+TEST(Notices, TheNewestAloneIsShownForItsTime) {
     Notices notices;
     notices.Post("one", 0);
-    EXPECT_THAT(notices.Lines(0), testing::ElementsAre("one"));
-    notices.Post("two", 1000000);
-    EXPECT_THAT(notices.Lines(1000000), testing::ElementsAre("one", "two"));
-    EXPECT_THAT(notices.Lines(3999999), testing::ElementsAre("one", "two"));
-    EXPECT_THAT(notices.Lines(4000000), testing::ElementsAre("two"));
-    notices.Post("two", 4500000);
-    EXPECT_THAT(notices.Lines(5500000), testing::ElementsAre("two")) << "shown anew, once";
-    for (const char* text : {"a", "b", "c", "d", "e"}) {
-        notices.Post(text, 6000000);
-    }
-    EXPECT_THAT(notices.Lines(6000000), testing::ElementsAre("b", "c", "d", "e"));
+    EXPECT_EQ(notices.Shown(0, kWide), "one");
+    EXPECT_EQ(notices.Shown(3999999, kWide), "one");
+    EXPECT_EQ(notices.Shown(4000000, kWide), "");
+    notices.Post("two", 5000000);
+    notices.Post("three", 5000000);
+    EXPECT_EQ(notices.Shown(5000000, kWide), "three");
+    notices.Post("four", 6000000);
+    EXPECT_EQ(notices.Shown(6000000, kWide), "four") << "at once";
+    notices.Post("four", 9000000);
+    EXPECT_EQ(notices.Shown(12999999, kWide), "four") << "shown anew";
+    EXPECT_EQ(notices.Shown(16999999, kWide), "") << "and nothing older after it";
+}
+
+TEST(Notices, ALongNoticeIsShownPartAfterPart) {
+    Notices notices;
+    notices.Post("the saved state cannot be loaded", 0);
+    EXPECT_EQ(notices.Shown(0, 20), "the saved state ...");
+    EXPECT_EQ(notices.Shown(3999999, 20), "the saved state ...");
+    EXPECT_EQ(notices.Shown(4000000, 20), "cannot be loaded");
+    EXPECT_EQ(notices.Shown(7999999, 20), "cannot be loaded");
+    EXPECT_EQ(notices.Shown(8000000, 20), "");
+}
+
+TEST(Notices, AFaultComesBackWhenNewerNoticesAreOver) {
+    Notices notices;
+    notices.Post("fault", 0, Notices::Kind::kFault);
+    EXPECT_EQ(notices.Shown(0, kWide), "fault");
+    notices.Post("word", 1000000);
+    EXPECT_EQ(notices.Shown(1000000, kWide), "word");
+    EXPECT_EQ(notices.Shown(5000000, kWide), "fault");
+    EXPECT_EQ(notices.Shown(8999999, kWide), "fault") << "for its whole time";
+    EXPECT_EQ(notices.Shown(9000000, kWide), "");
 }
 
 TEST(Notices, TheTimeOfALineStartsWhenItIsShown) {
     Notices notices;
     notices.Post("the settings are damaged", 0, Notices::Kind::kFault);
-    EXPECT_THAT(notices.Lines(30000000), testing::SizeIs(1)) << "the start took half a minute";
-    EXPECT_THAT(notices.Lines(33999999), testing::SizeIs(1));
-    EXPECT_THAT(notices.Lines(34000000), testing::IsEmpty());
+    EXPECT_NE(notices.Shown(30000000, kWide), "") << "the start took half a minute";
+    EXPECT_NE(notices.Shown(33999999, kWide), "");
+    EXPECT_EQ(notices.Shown(34000000, kWide), "");
     notices.Post("never shown", 40000000, Notices::Kind::kFault);
     EXPECT_THAT(notices.UnreadFaults(90000000), testing::ElementsAre("never shown"));
 }
@@ -378,12 +390,14 @@ TEST(Notices, FaultsThatHadNoTimeToBeReadAreUnread) {
     using enum Notices::Kind;
     Notices notices;
     notices.Post("read", 0, kFault);
-    EXPECT_THAT(notices.Lines(0), testing::SizeIs(1));
-    notices.Post("a word", 2000000);
-    notices.Post("unread", 2000000, kFault);
-    EXPECT_THAT(notices.UnreadFaults(4000000), testing::ElementsAre("unread"));
-    EXPECT_THAT(notices.UnreadFaults(4000000), testing::IsEmpty()) << "asked once";
-    EXPECT_THAT(notices.Lines(4000000), testing::ElementsAre("a word"));
+    EXPECT_EQ(notices.Shown(0, kWide), "read");
+    EXPECT_EQ(notices.Shown(4000000, kWide), "");
+    notices.Post("unread", 5000000, kFault);
+    notices.Post("a word", 5000000);
+    EXPECT_EQ(notices.Shown(5000000, kWide), "a word");
+    EXPECT_THAT(notices.UnreadFaults(6000000), testing::ElementsAre("unread"));
+    EXPECT_THAT(notices.UnreadFaults(6000000), testing::IsEmpty()) << "asked once";
+    EXPECT_EQ(notices.Shown(6000000, kWide), "a word");
 }
 
 TEST(Notices, AFaultThatMadeRoomIsUnreadToo) {

@@ -1,10 +1,15 @@
 // What the window shows of a game: the picture in every view, its size and place, the text over it.
 #include "facts/machine_facts.h"
+#include "formats/png_picture.h"
 #include "front/demos.h"
 #include "front/plain_machine.h"
+#include "front/tools/key_injector.h"
 #include "front/window_rig.h"
+#include "host/session.h"
 #include "library/convert.h"
 #include "settings/bindings.h"
+
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cmath>
@@ -44,7 +49,7 @@ bool IsFullScreen() {
 }
 
 // ---- The composed picture, by the rule of its placing: as high as the screen unless that makes it too
-// wide, centred, the texture cut by half a texel on each side.
+// wide, centred; with linear filtering the texture is cut by half a texel on each side.
 
 struct EXPECTED_VIEW {
     double left, top, width, height;                // on the screen
@@ -128,6 +133,25 @@ uint32_t Bilinear(const ENLARGED& picture, double u, double v) {
     return colour;
 }
 
+// The mean of what lies between the two points, counted as squares.
+uint32_t Even(const ENLARGED& picture, double fromX, double fromY, double toX, double toY) {
+    uint32_t colour = 0xFF000000;
+    for (const int shift : {0, 8, 16}) {
+        double sum = 0;
+        for (int y = static_cast<int>(fromY); y < toY; ++y) {
+            for (int x = static_cast<int>(fromX); x < toX; ++x) {
+                const double wide = std::min(x + 1.0, toX) - std::max<double>(x, fromX);
+                const double high = std::min(y + 1.0, toY) - std::max<double>(y, fromY);
+                const int code = Channel(picture.At(x, y), shift);
+                sum += wide * high * code * code;
+            }
+        }
+        const double mean = sum / ((toX - fromX) * (toY - fromY));
+        colour |= static_cast<uint32_t>(std::lround(std::sqrt(mean))) << shift;
+    }
+    return colour;
+}
+
 // Counts the wrong pixels of the window.
 void CompareWindow(Application& application, const GAME_VIEW& view) {
     const std::vector<uint32_t> window = application.ReadWindow();
@@ -138,8 +162,8 @@ void CompareWindow(Application& application, const GAME_VIEW& view) {
     const ENLARGED source = Enlarge(picture, view.scaler);
     const EXPECTED_VIEW expected =
         ExpectedView(picture.frame, view.crop, ScalerFactor(view.scaler), width, height);
-    // The software renderer weighs in steps of 1/256, twice.
-    const int tolerance = view.linear ? 4 : 0;
+    // The software renderer weighs in steps of 1/256, twice. Otherwise only rounding may differ.
+    const int tolerance = view.linear ? 4 : 1;
     int away = 0;
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
@@ -151,14 +175,19 @@ void CompareWindow(Application& application, const GAME_VIEW& view) {
                 away += shown != 0xFF000000 ? 1 : 0;
                 continue;
             }
+            if (!view.linear) {
+                const double texelsAcross = expected.texelWidth / expected.width;
+                const double texelsDown = expected.texelHeight / expected.height;
+                const double u = expected.texelX + (x - expected.left) * texelsAcross;
+                const double v = expected.texelY + (y - expected.top) * texelsDown;
+                const uint32_t wanted = Even(source, u, v, u + texelsAcross, v + texelsDown);
+                away += Distance(wanted, shown) <= tolerance ? 0 : 1;
+                continue;
+            }
             const double u = expected.texelX + 0.5 + across * (expected.texelWidth - 1);
             const double v = expected.texelY + 0.5 + down * (expected.texelHeight - 1);
             const auto fits = [&](double nudge, double lift) {
-                const uint32_t wanted = view.linear
-                                            ? Bilinear(source, u + nudge, v + lift)
-                                            : source.At(static_cast<int>(std::floor(u + nudge)),
-                                                        static_cast<int>(std::floor(v + lift)));
-                return Distance(wanted, shown) <= tolerance;
+                return Distance(Bilinear(source, u + nudge, v + lift), shown) <= tolerance;
             };
             bool found = fits(0, 0);
             // On the border of two texels rounding decides.
@@ -227,6 +256,116 @@ TEST_F(WindowTest, ShowsAPictureThatWasTurned) {
     EXPECT_EQ(application.Sets().Kept().frame.width, upright.height);
     EXPECT_EQ(application.Sets().Kept().frame.height, upright.width);
     CompareAllViews(application);
+}
+
+TEST_F(WindowTest, WindowsShowWholeMultiplesUnlessASettingSaysOtherwise) {
+    RegisterDefaultSettings(Settings());
+    Settings().SetBool(L"app_fullscreen", false);
+    Settings().SetInt(L"app_window_width", 640);
+    Settings().SetInt(L"app_window_height", 480);
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:sms-luciole"));
+    ASSERT_TRUE(RunFrames(application, 150));
+    const uint32_t rows = application.Sets().Kept().frame.visibleHeight;
+    const auto rowsShown = [&] {
+        const std::vector<uint32_t> window = application.ReadWindow();
+        size_t shown = 0;
+        for (size_t y = 0; y < 480; ++y) {
+            const auto row = window.begin() + static_cast<std::ptrdiff_t>(y * 640);
+            if (std::any_of(row, row + 640, [](uint32_t p) { return p != 0xFF000000; })) {
+                ++shown;
+            }
+        }
+        return shown;
+    };
+    ASSERT_EQ(rows, 192U);
+    const size_t whole = rowsShown();
+    EXPECT_LE(whole, 384U) << "twice";
+    EXPECT_GT(whole, 340U);
+    Settings().SetBool(L"video_integer_window", false);
+    EXPECT_GT(rowsShown(), whole) << "at once";
+}
+
+TEST_F(WindowTest, ScalersAndTheCrtFilterActOnAPictureThatStandsStill) {
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, "demo:sms-luciole"));
+    ASSERT_TRUE(RunFrames(application, 150));
+    ASSERT_TRUE(EmuPauseSession(kFrontTelevision, true));
+    for (int round = 0; round < 20; ++round) {
+        ASSERT_TRUE(application.Round());
+    }
+    const uint64_t shown = application.Sets().PicturesShown();
+    const std::vector<uint32_t> plain = application.ReadWindow();
+    Settings().SetFloat(L"video_crt", 1.0f);
+    ASSERT_TRUE(application.Round());
+    const std::vector<uint32_t> crt = application.ReadWindow();
+    EXPECT_NE(crt, plain);
+    EXPECT_NE(application.Sets().Picture(kFrontTelevision).glow.glTexture, 0U);
+    Settings().SetFloat(L"video_crt", 0.0f);
+    application.SetView({PictureScaler::kSoft4x, false, true, false});
+    ASSERT_TRUE(application.Round());
+    EXPECT_NE(application.ReadWindow(), plain);
+    EXPECT_EQ(application.Sets().Picture(kFrontTelevision).factor, 4U);
+    application.SetView({PictureScaler::kNone, false, true, false});
+    ASSERT_TRUE(application.Round());
+    EXPECT_EQ(application.ReadWindow(), plain);
+    EXPECT_EQ(application.Sets().PicturesShown(), shown) << "the machine has made none";
+    ASSERT_TRUE(EmuPauseSession(kFrontTelevision, false));
+}
+
+TEST_F(WindowTest, AMarkTellsOfFastForwardAndRewinding) {
+    Settings().SetInt(L"emu_fastforward", 4);
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    const auto press = [&](const wchar_t* action, bool down) {
+        ASSERT_TRUE(InjectAction(ActionIndex(action), down));
+    };
+    EXPECT_EQ(application.Speed(), nullptr);
+    press(L"Fast Forward", true);
+    ASSERT_TRUE(RunUntil(application, [&] {
+        return application.Speed() != nullptr && application.Speed()->Visible();
+    }));
+    EXPECT_EQ(application.Speed()->Factor(), L"4x");
+    EXPECT_EQ(MiddleOf(application), kRed) << "no glyph over the picture";
+    press(L"Fast Forward", false);
+    ASSERT_TRUE(RunUntil(application, [&] { return !application.Speed()->Visible(); }));
+    press(L"Rewind", true);
+    ASSERT_TRUE(RunUntil(application, [&] { return application.Speed()->Visible(); }));
+    EXPECT_EQ(application.Speed()->Factor(), L"");
+    press(L"Rewind", false);
+    ASSERT_TRUE(RunUntil(application, [&] { return !application.Speed()->Visible(); }));
+}
+
+TEST_F(WindowTest, AScreenshotOfTheWindowIsTheWindow) {
+    Settings().SetBool(L"app_screenshotwindow", true);
+    Application application;
+    ASSERT_NO_FATAL_FAILURE(Start(application));
+    ASSERT_NO_FATAL_FAILURE(PlayGame(application, LatchGame()));
+    ASSERT_TRUE(RunUntilColour(application, kRed));
+    ASSERT_TRUE(InjectAction(ActionIndex(L"Take ScreenShot"), true));
+    const auto said = [] {
+        return testing::Matches(testing::Contains(testing::StartsWith("Screenshot: ")))(
+            ProgramNotices().Lines(0));
+    };
+    ASSERT_TRUE(RunUntil(application, said));
+    ASSERT_TRUE(InjectAction(ActionIndex(L"Take ScreenShot"), false));
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path() / "screenshots")) {
+        files.push_back(entry.path());
+    }
+    ASSERT_EQ(files.size(), 1U);
+    std::vector<uint8_t> bytes;
+    std::string error;
+    ASSERT_TRUE(ReadFile(files[0], bytes, error)) << error;
+    PNG_PICTURE picture;
+    ASSERT_TRUE(DecodePng(bytes, 4096, picture));
+    EXPECT_EQ(picture.width, application.MainWindow().PixelWidth());
+    EXPECT_EQ(picture.height, application.MainWindow().PixelHeight());
+    EXPECT_EQ(picture.pixels[picture.height / 2 * picture.width + picture.width / 2], kRed);
 }
 
 TEST_F(WindowTest, FunctionKeysChangeTheView) {

@@ -177,10 +177,10 @@ TEST_F(FrameLoop, AScreenshotIsTakenBeforeThePictureIsTurned) {
         files.push_back(entry.path());
     }
     ASSERT_EQ(files.size(), 1u);
-    const auto bmp = home.Read("screenshots/" + files[0].filename().string());
-    ASSERT_GT(bmp.size(), 54u);
-    EXPECT_EQ(bmp[18] | bmp[19] << 8, 320); // the width
-    EXPECT_EQ(bmp[22] | bmp[23] << 8, 240);
+    const auto png = home.Read("screenshots/" + files[0].filename().string());
+    ASSERT_GT(png.size(), 54u);
+    EXPECT_EQ(png[18] << 8 | png[19], 320); // the width, highest byte first
+    EXPECT_EQ(png[22] << 8 | png[23], 240);
 }
 
 TEST_F(FrameLoop, FastForwardRunsSeveralFramesAndDrawsItsGlyph) {

@@ -1,3 +1,5 @@
+#include "base/files.h"
+#include "formats/png_picture.h"
 #include "host/host_fixture.h"
 #include "host/screenshot.h"
 #include "settings/bindings.h"
@@ -5,6 +7,7 @@
 
 #include <filesystem>
 #include <iterator>
+#include <map>
 
 namespace fs = std::filesystem;
 
@@ -92,11 +95,97 @@ TEST_F(Screenshot, APictureWithoutPixelsWritesNoFile) {
 }
 
 TEST_F(Screenshot, NameIsGameAndTimeAndACounter) {
-    EXPECT_EQ(ScreenshotName("Some: Game", SomeTime(), 0), "Some_ Game 2024-02-03 04-05-06.bmp");
-    EXPECT_EQ(ScreenshotName("../up", SomeTime(), 2), ".._up 2024-02-03 04-05-06-2.bmp");
+    EXPECT_EQ(ScreenshotName("Some: Game", SomeTime(), 0, ScreenshotKind::kBmp),
+              "Some_ Game 2024-02-03 04-05-06.bmp");
+    EXPECT_EQ(ScreenshotName("../up", SomeTime(), 2, ScreenshotKind::kPng),
+              ".._up 2024-02-03 04-05-06-2.png");
+}
+
+// The texts of a file by their keywords, read chunk by chunk: length, kind, data, checksum.
+std::map<std::string, std::string> TextsOf(const std::vector<uint8_t>& file) {
+    std::map<std::string, std::string> texts;
+    size_t at = 8;
+    while (at + 12 <= file.size()) {
+        const size_t length = size_t{file[at]} << 24 | size_t{file[at + 1]} << 16 |
+                              size_t{file[at + 2]} << 8 | file[at + 3];
+        const std::string kind(file.begin() + static_cast<std::ptrdiff_t>(at) + 4,
+                               file.begin() + static_cast<std::ptrdiff_t>(at) + 8);
+        const std::string data(file.begin() + static_cast<std::ptrdiff_t>(at) + 8,
+                               file.begin() + static_cast<std::ptrdiff_t>(at + 8 + length));
+        const std::string keyword = data.substr(0, data.find('\0'));
+        if (kind == "tEXt") {
+            texts[keyword] = data.substr(keyword.size() + 1);
+        } else if (kind == "iTXt") { // not compressed, no language, no other keyword
+            EXPECT_EQ(data.substr(keyword.size(), 5), std::string(5, '\0'));
+            texts[keyword] = data.substr(keyword.size() + 5);
+        }
+        at += length + 12;
+    }
+    return texts;
+}
+
+TEST_F(Screenshot, PngTellsTheGameItsMachineAndTheTime) {
+    const SCREENSHOT_FACTS facts{"\u00C9cume", "Master System", SomeTime()};
+    const std::vector<uint8_t> file = EncodeScreenshotPng(video, true, facts);
+    const std::map<std::string, std::string> texts = TextsOf(file);
+    EXPECT_EQ(texts.at("Title"), "\u00C9cume");
+    EXPECT_EQ(texts.at("Source"), "Master System");
+    EXPECT_EQ(texts.at("Creation Time").substr(0, 19), "2024-02-03T04:05:06");
+    EXPECT_EQ(texts.at("Software"), "Ombrelune");
+}
+
+TEST_F(Screenshot, PngHoldsTheMachinesDots) {
+    PNG_PICTURE picture;
+    ASSERT_TRUE(DecodePng(EncodeScreenshotPng(video, true, {}), 100, picture));
+    EXPECT_EQ(picture.width, 3U);
+    EXPECT_EQ(picture.pixels, std::vector<uint32_t>(std::begin(pixels), std::end(pixels)));
+    ASSERT_TRUE(DecodePng(EncodeScreenshotPng(video, false, {}), 100, picture));
+    EXPECT_EQ(picture.width, 2U);
+    EXPECT_EQ(picture.pixels, (std::vector<uint32_t>{0xFF060504, 0xFF090807}));
+}
+
+TEST_F(Screenshot, IsAPngUnlessTheSettingSaysBmp) {
+    session.system = kSystemNes;
+    ASSERT_TRUE(WriteScreenshot(session, video));
+    ASSERT_EQ(Files().size(), 1u);
+    EXPECT_EQ(Files()[0].extension(), ".png");
+    std::vector<uint8_t> file;
+    std::string error;
+    ASSERT_TRUE(ReadFile(Files()[0], file, error)) << error;
+    EXPECT_EQ(TextsOf(file).at("Title"), "Some: Game");
+    EXPECT_EQ(TextsOf(file).at("Source"), "NES");
+    fs::remove_all(home.Path() / "screenshots");
+    Settings().SetBool(L"app_screenshotbmp", true);
+    ASSERT_TRUE(WriteScreenshot(session, video));
+    EXPECT_EQ(Files().at(0).extension(), ".bmp");
+}
+
+std::vector<std::string> gAskedFor; // of the window
+
+TEST_F(Screenshot, TheWindowIsAskedIfTheSettingSaysSo) {
+    gAskedFor.clear();
+    HostSetWindowShotSink(
+        [](const SCREENSHOT_FACTS& facts) { gAskedFor.push_back(facts.gameName); });
+    const auto tap = [&] {
+        Press(L"Take ScreenShot", true);
+        EmuTakeScreenshot(session, video);
+        Press(L"Take ScreenShot", false);
+        EmuTakeScreenshot(session, video);
+    };
+    tap();
+    EXPECT_EQ(Files().size(), 1u);
+    EXPECT_TRUE(gAskedFor.empty());
+    Settings().SetBool(L"app_screenshotwindow", true);
+    tap();
+    EXPECT_EQ(Files().size(), 1u);
+    EXPECT_EQ(gAskedFor, std::vector<std::string>{"Some: Game"});
+    HostSetWindowShotSink(nullptr);
+    tap();
+    EXPECT_EQ(Files().size(), 2u) << "without a window the machine's picture";
 }
 
 TEST_F(Screenshot, SettingChoosesWholePictureOrWindow) {
+    Settings().SetBool(L"app_screenshotbmp", true); // whose size tells
     Settings().SetBool(L"app_screenshotfull", true);
     ASSERT_TRUE(WriteScreenshot(session, video));
     ASSERT_EQ(Files().size(), 1u);

@@ -51,13 +51,15 @@ const std::vector<TARGET_ROW> kTargets = {
     {"gui",       {"base"}},
     {"room",      {"base", "bindings", "display", "facts", "gui", "machine", "settings"}},
     {"web",       {"base", "formats"}},
+    {"video",     {"facts"}},
+    {"video_encoder", {"video"}}, // a module of its own, which the program loads
     {"screens",   {"base", "bindings", "catalogue", "facts", "formats", "gui", "host", "machine", "machines",
                    "room", "settings", "web"}},
     {"assets",    {"gui"}},
     {"front",     {"assets", "base", "bindings", "catalogue", "demos", "display", "facts", "formats", "gui", "host",
-                   "machine", "machines", "room", "screens", "settings", "sound", "web"}},
+                   "machine", "machines", "room", "screens", "settings", "sound", "video", "web"}},
     {"front_tools", {"assets", "base", "bindings", "catalogue", "demos", "display", "facts", "formats", "front",
-                   "gui", "host", "machine", "machines", "room", "settings"}},
+                   "gui", "host", "machine", "machines", "room", "settings", "video"}},
     {"ombrelune", {"front_tools"}},
 };
 // clang-format on
@@ -91,6 +93,7 @@ const std::vector<LIBRARY_ROW> kLibraries = {
     {"LZ4",              {"lz4.h"},                          {"host"}},
     {"OpenSSL",          {"openssl/"},                       {"formats", "web"}},
     {"SQLite",           {"sqlite3"},                        {"catalogue"}},
+    {"FFmpeg",           {"libavcodec/", "libavformat/", "libavutil/", "libswscale/"}, {"video_encoder"}},
 
     {"the processor",    {"immintrin.h"},                    {"machine", "megadrive"}},
     {"operating system", {"fcntl.h", "io.h", "linux/", "pthread.h", "sched.h", "sys/", "unistd.h"}, {"base", "front"}},

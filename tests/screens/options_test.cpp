@@ -47,34 +47,59 @@ struct EXPECTED_ROW {
 TEST_F(Options, HasEveryRowInItsOrderAndWithItsValues) {
     using enum OptionTab;
     const std::vector<std::wstring> onOff = {L"Enabled", L"Disabled"};
+    const std::vector<std::wstring> scales = {L"Whole Multiples", L"As Large as Fits"};
+    const std::vector<std::wstring> cuts = {L"Nothing", L"8 Dots Above, Below",
+                                            L"8 Dots at the Sides", L"8 Dots at Each Edge",
+                                            L"16 Dots at Each Edge"};
     const std::vector<EXPECTED_ROW> expected = {
-        {kGeneral,  L"Start Emulated Video:",  L"emu_startfullscreen",      {L"3D TV", L"Fullscreen"}             },
-        {kGeneral,  L"Manage CPU Cores:",      L"app_managecpucores",       {L"System", L"Ombrelune"}             },
-        {kGeneral,  L"Screenshots:",           L"app_screenshotfull",       {L"Content", L"Content & Borders"}    },
+        {kGeneral,  L"Start Emulated Video:",   L"emu_startfullscreen",      {L"3D TV", L"Fullscreen"}                         },
+        {kGeneral,  L"Manage CPU Cores:",       L"app_managecpucores",       {L"System", L"Ombrelune"}                         },
+        {kGeneral,  L"Screenshots:",            L"app_screenshotfull",       {L"Content", L"Content & Borders"}                },
         {kGeneral,
-         L"Fast Forward:",                     L"emu_fastforward",
-         {L"2x", L"3x", L"4x", L"6x", L"8x", L"10x"}                                                              },
+         L"Screenshots Show:",                  L"app_screenshotwindow",
+         {L"Game's Picture", L"Window as Shown"}                                                                               },
+        {kGeneral,  L"Screenshot Files:",       L"app_screenshotbmp",        {L"PNG", L"BMP"}                                  },
+        {kGeneral,  L"Keys at the Start:",      L"app_keycard",              onOff                                             },
         {kGeneral,
-         L"Rewind Buffer:",                    L"emu_rewindbuffer",
-         {L"128MB", L"256MB", L"512MB", L"768MB", L"1024MB"}                                                      },
-        {kGraphics, L"Fullscreen:",            L"app_fullscreen",           onOff                                 },
+         L"Fast Forward:",                      L"emu_fastforward",
+         {L"2x", L"3x", L"4x", L"6x", L"8x", L"10x"}                                                                           },
+        {kGeneral,
+         L"Rewind Buffer:",                     L"emu_rewindbuffer",
+         {L"128MB", L"256MB", L"512MB", L"768MB", L"1024MB"}                                                                   },
+        {kGeneral,  L"Pause Without Focus:",    L"emu_pauseunfocused",       onOff                                             },
+        {kGeneral,
+         L"Remember Play:",                    L"emu_recordminutes",
+         {L"Nothing", L"2 Minutes", L"5 Minutes", L"15 Minutes", L"60 Minutes"}                                                },
+        {kGraphics, L"Fullscreen:",             L"app_fullscreen",           onOff                                             },
         {kGraphics,
-         L"Windowed Dimensions:",              L"app_window_width",
-         {L"1280x720 (16:9)", L"1280x960 (4:3)", L"1366x768 (16:9)", L"1440x900 (16:10)"}                         },
-        {kGraphics, L"Lighting Quality:",      L"app_lighting",             {L"High", L"Low"}                     },
-        {kGraphics, L"Anti Aliasing:",         L"app_antialias",            onOff                                 },
-        {kGraphics, L"Anisotropic Filtering:", L"app_anisotropicfiltering", onOff                                 },
-        {kGraphics, L"VSYNC:",                 L"app_vsync",                onOff                                 },
-        {kGraphics, L"Emulator 3D Filter:",    L"emu_gameroomfilter",       onOff                                 },
+         L"Windowed Dimensions:",               L"app_window_width",
+         {L"1280x720 (16:9)", L"1280x960 (4:3)", L"1366x768 (16:9)", L"1440x900 (16:10)"}                                      },
+        {kGraphics, L"Lighting Quality:",       L"app_lighting",             {L"High", L"Low"}                                 },
+        {kGraphics, L"Anti Aliasing:",          L"app_antialias",            onOff                                             },
+        {kGraphics, L"Anisotropic Filtering:",  L"app_anisotropicfiltering", onOff                                             },
+        {kGraphics, L"VSYNC:",                  L"app_vsync",                onOff                                             },
+        {kGraphics, L"Emulator 3D Filter:",     L"emu_gameroomfilter",       onOff                                             },
+        {kPicture,  L"In a Window:",            L"video_integer_window",     scales                                            },
+        {kPicture,  L"In Full Screen:",         L"video_integer_full",       scales                                            },
+        {kPicture,  L"Shape:",                  L"video_aspect",             {L"As the Machine Says", L"4:3", L"Square Dots"}  },
+        {kPicture,  L"CRT:",                    L"video_crt",                {}                                                },
+        {kPicture,  L"Scaler:",                 L"emu_scaler",               {L"None", L"Edges, 2x", L"Edges, 4x", L"Soft, 4x"}},
+        {kPicture,  L"Pixels:",                 L"emu_smooth",               {L"Sharp", L"Smooth"}                             },
+        {kPicture,  L"Shown Picture:",          L"emu_crop",                 {L"As on a television", L"With its borders"}      },
+        {kPicture,  L"Cut off, Master System:", L"sms_overscan_left",        cuts                                              },
+        {kPicture,  L"Cut off, Game Gear:",     L"gamegear_overscan_left",   cuts                                              },
+        {kPicture,  L"Cut off, Mega Drive:",    L"megadrive_overscan_left",  cuts                                              },
+        {kPicture,  L"Cut off, NES:",           L"nes_overscan_left",        cuts                                              },
+        {kPicture,  L"Cut off, System E:",      L"arcade_overscan_left",     cuts                                              },
         {kSound,
-         L"Sample Rate:",                      L"audio_app_samplerate",
-         {L"22050", L"44100", L"48000", L"96000", L"192000"}                                                      },
-        {kSound,    L"Sound Quality:",         L"audio_app_quality",        {L"Good", L"Very Good", L"Holy Shit!"}},
-        {kSound,    L"Cut Off Filter:",        L"emu_audiocutoff_enabled",  onOff                                 },
-        {kSound,    L"Volume:",                L"audio_volume",             {}                                    },
-        {kSound,    L"Bass Boost:",            L"audio_boost_low",          {}                                    },
-        {kSound,    L"Mid Boost:",             L"audio_boost_mid",          {}                                    },
-        {kSound,    L"High Boost:",            L"audio_boost_high",         {}                                    },
+         L"Sample Rate:",                       L"audio_app_samplerate",
+         {L"22050", L"44100", L"48000", L"96000", L"192000"}                                                                   },
+        {kSound,    L"Sound Quality:",          L"audio_app_quality",        {L"Good", L"Very Good", L"Holy Shit!"}            },
+        {kSound,    L"Cut Off Filter:",         L"emu_audiocutoff_enabled",  onOff                                             },
+        {kSound,    L"Volume:",                 L"audio_volume",             {}                                                },
+        {kSound,    L"Bass Boost:",             L"audio_boost_low",          {}                                                },
+        {kSound,    L"Mid Boost:",              L"audio_boost_mid",          {}                                                },
+        {kSound,    L"High Boost:",             L"audio_boost_high",         {}                                                },
     };
     OpenOptions();
     ASSERT_EQ(OptionRows().size(), expected.size());
@@ -123,6 +148,24 @@ TEST_F(Options, ShowTheStoredValues) {
     EXPECT_EQ(Shown().ListOf(L"emu_rewindbuffer")->Caption(), L"256MB");
     EXPECT_FLOAT_EQ(Shown().SliderOf(L"audio_volume")->Value(), 0.5f);
     EXPECT_FLOAT_EQ(Shown().SliderOf(L"audio_boost_low")->Value(), 1.25f / 2.0f);
+}
+
+TEST_F(Options, OverscanIsFourSettings) {
+    Settings().SetInt(L"nes_overscan_top", 8);
+    Settings().SetInt(L"nes_overscan_bottom", 8);
+    Settings().SetInt(L"sms_overscan_left", 8);
+    Settings().SetInt(L"sms_overscan_right", 3);
+    OpenOptions();
+    EXPECT_EQ(Shown().ListOf(L"nes_overscan_left")->Caption(), L"8 Dots Above, Below");
+    EXPECT_EQ(Shown().ListOf(L"sms_overscan_left")->Caption(), L"8, 0, 3, 0") << "no choice's";
+    EXPECT_EQ(Shown().ListOf(L"megadrive_overscan_left")->Caption(), L"Nothing");
+    Click(Shown().TabButton(OptionTab::kPicture));
+    Choose(L"megadrive_overscan_left", L"8 Dots at the Sides");
+    Back();
+    EXPECT_EQ(Settings().GetInt(L"megadrive_overscan_left"), 8);
+    EXPECT_EQ(Settings().GetInt(L"megadrive_overscan_right"), 8);
+    EXPECT_EQ(Settings().GetInt(L"megadrive_overscan_top"), 0);
+    EXPECT_EQ(Settings().GetInt(L"sms_overscan_right"), 3) << "kept";
 }
 
 TEST_F(Options, AreWrittenWhenTheScreenClosesAndNotBefore) {
@@ -267,8 +310,8 @@ TEST_F(Options, ATabIsChosenByKeysAndByAController) {
     Manager().ActivateFocus();
     Tick();
     Round();
-    EXPECT_EQ(Shown().ShownTab(), OptionTab::kSound);
-    EXPECT_TRUE(Shown().TabButton(OptionTab::kSound)->IsDown());
+    EXPECT_EQ(Shown().ShownTab(), OptionTab::kPicture);
+    EXPECT_TRUE(Shown().TabButton(OptionTab::kPicture)->IsDown());
     EXPECT_FALSE(Shown().TabButton(OptionTab::kGraphics)->IsDown());
 }
 
@@ -319,6 +362,7 @@ TEST_F(Options, MarkWhatDoesNotActAtOnce) {
         {L"app_antialias",           L"after a restart"      },
         {L"audio_app_samplerate",    L"after a restart"      },
         {L"emu_fastforward",         L"from the next game on"},
+        {L"emu_recordminutes",       L"from the next game on"},
         {L"audio_app_quality",       L"from the next game on"},
         {L"emu_audiocutoff_enabled", L"from the next game on"},
     };

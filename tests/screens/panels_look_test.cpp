@@ -32,8 +32,8 @@ TEST_F(PanelsLook, EveryPanelIsTidyOnEveryDisplay) {
     for (const DISPLAY& display : kDisplays) {
         Make(display.width, display.height);
         Open(kPanelOptions);
-        for (const OptionTab tab :
-             {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kSound, OptionTab::kInput}) {
+        for (const OptionTab tab : {OptionTab::kGeneral, OptionTab::kGraphics, OptionTab::kPicture,
+                                    OptionTab::kSound, OptionTab::kInput}) {
             Click(Shown<CGUIOptions>().TabButton(tab));
             ExpectTidyMenu("options" + std::to_string(static_cast<int>(tab)), display);
         }

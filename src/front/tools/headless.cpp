@@ -2,17 +2,20 @@
 #include "base/files.h"
 #include "base/random.h"
 #include "formats/sha256.h"
+#include "front/recordings.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/input_script.h"
+#include "front/tools/inspection_options.h"
 #include "front/tools/media_files.h"
-#include "front/tools/number_text.h"
 #include "front/tools/play.h"
 #include "front/tools/screenshots.h"
+#include "front/video_capture.h"
 #include "host/aligned_block.h"
 #include "host/frame_loop.h"
 #include "host/picture.h"
 #include "host/session.h"
+#include "host/session_tape.h"
 #include "machine/inspection.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -24,6 +27,7 @@ namespace {
 
 constexpr uint32_t kSessionKey = 1;
 constexpr uint32_t kDefaultFrames = 600; // without --frames
+constexpr uint32_t kKeptFrames = 600;    // between two writes of what is recorded
 
 class HeadlessRun {
 public:
@@ -42,6 +46,9 @@ public:
             script.Feed(frame);
             input = {};
             EmuStep(*session, &input, &video, &sound.frame, false);
+            if (frame % kKeptFrames == 0) {
+                TapeKeep(*session);
+            }
             EmuRotateFrame(video, scratch);
             if (!KeepFrame(frame)) {
                 return kExitFailed;
@@ -59,9 +66,11 @@ public:
 
 private:
     int ReadOptions() {
-        frames = options.frames != 0 ? options.frames : kDefaultFrames;
+        const uint32_t wanted = opened.replay != nullptr ? opened.replay->frames : kDefaultFrames;
+        frames = options.frames != 0 ? options.frames : wanted;
         std::string error;
-        if (!ReadScreenshots(options.screenshots, frames, screenshots, error)) {
+        if (!ReadScreenshots(options.screenshots, frames, screenshots, error) ||
+            !CheckInspections(options, opened.game.Header().system, error)) {
             Complain(error);
             return kExitUsage;
         }
@@ -87,6 +96,13 @@ private:
             return false;
         }
         session->showStatic = options.showStatic ? 1 : 0;
+        if (!options.videoFile.empty()) {
+            capture = std::make_unique<VideoCapture>(CAPTURE_SETTINGS{
+                options.videoFile, options.videoLossless, session->system, CaptureWait::kAlways});
+        }
+        SESSION_RECORDS records = RecordsOf(opened);
+        records.lastMinutes = false;
+        TapeBegin(*session, games, opened.options.data(), records);
         pixels = AllocateAligned<uint32_t>(EmuPicturePixels(*session));
         video.pixels = pixels.get();
         if (!options.hashFile.empty()) {
@@ -97,6 +113,20 @@ private:
             }
         }
         return options.loadState.empty() || LoadState();
+    }
+
+    // False if the replay is not the recording.
+    [[nodiscard]] bool ReplayIsEqual() const {
+        if (session->tape == nullptr || session->tape->replay == nullptr) {
+            return true;
+        }
+        const SessionReplay& replay = *session->tape->replay;
+        if (replay.Differs() || replay.End() == ReplayEnd::kRefused) {
+            Complain(options.replayFile + ": " + replay.Result());
+            return false;
+        }
+        std::printf("%s\n", replay.Result().c_str());
+        return true;
     }
 
     bool LoadState() {
@@ -110,10 +140,14 @@ private:
             Complain(options.loadState + ": is not a state of this machine");
             return false;
         }
+        TapeNoteState(*session);
         return true;
     }
 
     bool KeepFrame(uint32_t frame) {
+        if (capture != nullptr) {
+            capture->Add(video, sound.frame);
+        }
         const size_t values = size_t{sound.frame.sampleCount} * 2;
         if (!options.wavFile.empty()) {
             samples.insert(samples.end(), sound.frame.samples, sound.frame.samples + values);
@@ -158,21 +192,11 @@ private:
     }
 
     bool Peek(const std::string& text, const CInspection& inspection) {
-        std::string_view rest = text;
-        uint32_t address = 0;
-        uint32_t length = 1;
-        bool valid = TakeNumber(rest, address);
-        if (valid && rest.starts_with(':')) {
-            rest.remove_prefix(1);
-            valid = TakeNumber(rest, length);
-        }
-        if (!valid || !rest.empty()) {
-            Complain("--peek " + text + ": is not ADDRESS[:LENGTH]");
-            return false;
-        }
-        for (uint32_t i = 0; i < length; ++i) {
+        PEEK peek;
+        static_cast<void>(ReadPeek(text, peek)); // has been checked
+        for (uint32_t i = 0; i < peek.length; ++i) {
             uint8_t value = 0;
-            if (!inspection.Peek(address + i, value)) {
+            if (!inspection.Peek(peek.address + i, value)) {
                 std::printf("\n");
                 Complain("--peek " + text + ": reaches beyond the address space");
                 return false;
@@ -187,12 +211,12 @@ private:
         const size_t equals = text.find('=');
         const std::string region = text.substr(0, equals);
         const std::vector<uint8_t> bytes = inspection.Dump(region);
-        if (equals == std::string::npos || bytes.empty()) {
+        if (bytes.empty()) {
             std::string names;
             for (const std::string_view name : inspection.Regions()) {
                 names += " " + std::string(name);
             }
-            Complain("--dump " + text + ": is not REGION=FILE; this machine has" + names);
+            Complain("--dump " + text + ": this game has no such memory; it has" + names);
             return false;
         }
         return Write(text.substr(equals + 1), bytes);
@@ -218,6 +242,21 @@ private:
     }
 
     bool Finish() {
+        const bool recorded = TapeEnd(*session);
+        const bool equal = ReplayIsEqual();
+        const bool filmed = VideoIsWritten();
+        return WriteFiles() && recorded && equal && filmed;
+    }
+
+    bool VideoIsWritten() {
+        if (capture == nullptr || capture->Finish().whole) {
+            return true;
+        }
+        Complain(capture->Finish().line);
+        return false;
+    }
+
+    bool WriteFiles() {
         if (hashes.is_open() && !hashes.flush()) {
             Complain(options.hashFile + ": cannot be written");
             return false;
@@ -240,6 +279,7 @@ private:
     std::vector<uint32_t> scratch;
     std::vector<int16_t> samples; // of the whole run, for the WAV
     std::ofstream hashes;
+    std::unique_ptr<VideoCapture> capture; // null without --video
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "front/opened_game.h"
+#include "front/tools/picture_options.h"
 
 #include <cstdint>
 #include <string>
@@ -10,10 +11,12 @@
 struct PLAY_OPTIONS {
     std::string game; // a path, or "demo:" and the name of one of our own
     std::string machine;
+    std::string entry;                 // the name of a game in an archive
     std::vector<std::string> settings; // NAME=VALUE
     std::string bios;
     std::string patch;    // a soft patch
     bool noPatch = false; // not even that beside the game
+    PICTURE_OPTIONS picture;
     bool headless = false;
     uint32_t frames = 0; // machine frames to run; 0: no limit
     bool showStatic = false;
@@ -25,7 +28,11 @@ struct PLAY_OPTIONS {
     std::string loadState;
     std::vector<std::string> peeks; // ADDRESS[:LENGTH]
     std::vector<std::string> dumps; // REGION=FILE
-    std::string latencyAction;      // in the window: measure this action's latency, and end
+    std::string recordFile;         // the inputs of the run
+    std::string replayFile;         // is played instead of the player
+    std::string videoFile;          // pictures and sound
+    bool videoLossless = false;
+    std::string latencyAction; // in the window: measure this action's latency, and end
 };
 
 // Opens the game and the BIOS, and applies the settings for this run. Returns an exit code; unless it

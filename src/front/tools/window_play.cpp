@@ -3,6 +3,7 @@
 #include "front/application.h"
 #include "front/demos.h"
 #include "front/notices.h"
+#include "front/run_settings.h"
 #include "front/session_callbacks.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
@@ -13,6 +14,7 @@
 #include "front/tools/screenshots.h"
 #include "front/tools/window_picture.h"
 #include "front/unread_notices.h"
+#include "front/window_video.h"
 #include "host/session.h"
 
 #include <SDL.h>
@@ -73,14 +75,20 @@ public:
 
     int Run(const OPENED_GAME& opened) {
         std::string error;
-        if (!options.latencyAction.empty()) {
+        if (!options.latencyAction.empty() || opened.replay != nullptr) {
             application.LeaveSavesAlone();
+        }
+        if (options.frames != 0 || !options.screenshots.empty() || !options.inputFile.empty()) {
+            static_cast<void>(SetForThisRun("app_keycard", "0")); // nobody has to be told
         }
         if (!StartSomewhere(error)) {
             Complain(error);
             return kExitFailed;
         }
         TellUnreadNotices();
+        if (!options.videoFile.empty()) {
+            WindowVideoWanted(options.videoFile, options.videoLossless);
+        }
         int code = kExitFailed;
         if (!application.Play(opened, error)) {
             PostReport(error);
@@ -90,6 +98,9 @@ public:
             code = PlayOn();
         }
         application.Stop();
+        if (!WindowVideoFinish()) {
+            code = kExitFailed;
+        }
         KeepUnreadNotices();
         return code;
     }
@@ -206,7 +217,7 @@ int PlayWithoutGame() {
     }
     std::string others;
     for (const DEMO& demo : Demos()) {
-        if (std::string(demo.name) != kFirstGame) {
+        if (std::string(demo.name) != kFirstGame && !demo.isTest) {
             others.append(others.empty() ? "" : ", ").append("demo:").append(demo.name);
         }
     }

@@ -11,8 +11,11 @@
 #include <filesystem>
 #include <map>
 
+using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace {
 
@@ -216,6 +219,16 @@ TEST_F(WindowCommand, PlaysOnWithoutASoundDevice) {
     EXPECT_THAT(result.error, HasSubstr("without sound"));
 }
 
+// Without its configuration ALSA's library would write a line when SDL's audio starts.
+TEST_F(WindowCommand, SoundLibraryWithoutItsConfigurationAddsNoLine) {
+    const Environment driver("SDL_AUDIODRIVER", "alsa");
+    const Environment configuration("ALSA_CONFIG_PATH", "/nonexistent");
+    const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", "--frames", "30"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.error, AllOf(StartsWith("ombrelune: no sound: "), EndsWith("\n")));
+    EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
+}
+
 TEST_F(WindowCommand, OptionsForExactRunsNeedHeadless) {
     for (const char* option : {"--wav", "--frame-hashes", "--save-state", "--load-state"}) {
         const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", option, "file"});
@@ -229,4 +242,23 @@ TEST_F(WindowCommand, AFileThatIsNoGameIsAnError) {
     const PROGRAM_RESULT result = Run({"play", (folder.Path() / "empty.sms").string()});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.error, HasSubstr("empty.sms"));
+}
+
+// The window writes the module's video, and a recording that plays to the same without a window.
+TEST_F(WindowCommand, RecordsInputsAndAVideo) {
+    const Environment video("SDL_VIDEODRIVER", "offscreen");
+    const Environment sound("SDL_AUDIODRIVER", "dummy");
+    const std::string recording = (folder.Path() / "a.recording").string();
+    const std::filesystem::path file = folder.Path() / "a.mkv";
+    const PROGRAM_RESULT played = Run({"play", "demo:sms-luciole", "--frames", "90", "--record",
+                                       recording, "--video", file.string()});
+    ASSERT_EQ(played.exitCode, 0) << played.error;
+    EXPECT_GT(std::filesystem::file_size(file), 10'000u);
+    const PROGRAM_RESULT replayed = Run({"play", "--headless", "--replay", recording});
+    EXPECT_EQ(replayed.exitCode, 0) << replayed.error;
+    EXPECT_THAT(replayed.output, HasSubstr("pictures and sound are those of the recording"));
+    const PROGRAM_RESULT failed = Run({"play", "demo:sms-luciole", "--frames", "10", "--video",
+                                       (folder.Path() / "a.avi").string()});
+    EXPECT_EQ(failed.exitCode, 1);
+    EXPECT_THAT(failed.error, HasSubstr("a.avi: a video's name ends in .mkv or .mp4"));
 }

@@ -1,4 +1,4 @@
-#include "room/gl_functions.h"
+#include "display/gl_functions.h"
 
 namespace {
 

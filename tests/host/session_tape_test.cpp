@@ -70,12 +70,11 @@ public:
         return true;
     }
 
-    StateBlob SaveState(uint32_t& size) override {
-        size = static_cast<uint32_t>(sizeof number + battery.size());
-        auto state = std::make_unique<uint8_t[]>(size);
-        std::memcpy(state.get(), &number, sizeof number);
-        std::memcpy(state.get() + sizeof number, battery.data(), battery.size());
-        return state;
+    uint32_t StateSize() override { return static_cast<uint32_t>(sizeof number + battery.size()); }
+
+    void WriteState(StateOut out) override {
+        out.PutBytes(&number, sizeof number);
+        out.PutBytes(battery.data(), battery.size());
     }
 
     [[nodiscard]] std::vector<uint8_t> BatteryContents() const override { return battery; }

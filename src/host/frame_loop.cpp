@@ -255,13 +255,18 @@ bool RunSlowRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME& 
     return part == 0;
 }
 
+int32_t SpeedOfRound(const FRAME_LOOP& loop, RoundKind kind) {
+    switch (kind) {
+    case RoundKind::kFast: return static_cast<int32_t>(loop.fastForwardSteps);
+    case RoundKind::kBack: return -1;
+    default: return 1;
+    }
+}
+
 void DrawRound(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
                FRAME_LOOP& loop, RoundKind kind) {
     bool drawn = false;
     const bool isStatic = session.showStatic != 0;
-    session.speed = kind == RoundKind::kFast   ? static_cast<int32_t>(loop.fastForwardSteps)
-                    : kind == RoundKind::kBack ? -1
-                                               : 1;
     if (kind == RoundKind::kFast) {
         RunFastRound(session, input, *video, loop);
         drawn = loop.fastForwardSteps > 0;
@@ -351,6 +356,7 @@ void EmuRound(EMU_THREAD& session, const EMU_HOST_CALLBACKS& host, FRAME_LOOP& l
     const bool loaded = RunSaveHotkeys(session, pressed);
     const bool step = RunTimeHotkeys(session, loop, pressed) || loaded;
     const RoundKind kind = KindOfRound(session, loop, keys, step);
+    session.speed = SpeedOfRound(loop, kind);
     if (kind != RoundKind::kSlow) {
         loop.slowPart = 0;
     }

@@ -12,9 +12,9 @@ namespace {
 
 constexpr double kDotsPerFrame = 262 * 341;
 
-void CountRise(void* board, uint16_t address) {
+void CountRise(void* board, uint16_t address, uint32_t count) {
     auto& rises = *static_cast<uint32_t*>(board);
-    rises += uint32_t{address} >> 12 & 1;
+    rises += (uint32_t{address} >> 12 & 1) * count;
 }
 
 // Whether the board watches addresses.
@@ -30,7 +30,7 @@ struct Board {
 
     Board(uint8_t mask, Watching watching) {
         pages.board = &rises;
-        pages.ppuAddressHook = watching == Watching::kNo ? NesIgnoreAddress : CountRise;
+        pages.ppuAddressHook = watching == Watching::kNo ? nullptr : CountRise;
         PpuInit(*ppu, &pages);
         PpuReset(*ppu, true, &nmi);
         for (uint32_t page = 0; page < kNesPpuPages; ++page) {

@@ -158,12 +158,13 @@ function(ombrelune_md_rom)
         DEPENDS ${objects} ${ROM_CONFIG} VERBATIM)
 endfunction()
 
-# ombrelune_demo(NAME name SYSTEM number TITLE text REGIONS letters PLAY number ROM file)
+# ombrelune_demo(NAME name SYSTEM number TITLE text REGIONS letters PLAY number [TEST] ROM file)
 #
 # Embeds an image: `demo:NAME` on the command line plays it. REGIONS are those whose consoles it runs on, letters of
 # EJUBK; PLAY is the sum of 1 for one player, 2 for players together, 4 for one against the other, 8 for taking turns.
+# TEST is a test card or a benchmark, which lists have after the games.
 function(ombrelune_demo)
-    cmake_parse_arguments(DEMO "" "NAME;SYSTEM;TITLE;REGIONS;PLAY;ROM" "" ${ARGN})
+    cmake_parse_arguments(DEMO "TEST" "NAME;SYSTEM;TITLE;REGIONS;PLAY;ROM" "" ${ARGN})
     string(MAKE_C_IDENTIFIER ${DEMO_NAME} identifier)
     set(source ${CMAKE_CURRENT_BINARY_DIR}/${DEMO_NAME}.cpp)
     add_custom_command(OUTPUT ${source}
@@ -175,8 +176,9 @@ function(ombrelune_demo)
     set_property(GLOBAL APPEND PROPERTY OMBRELUNE_DEMO_OBJECTS $<TARGET_OBJECTS:demo-${DEMO_NAME}>)
     set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_DEMO_EXTERNS
         "extern const unsigned char gDemo_${identifier}[];\nextern const unsigned long gDemo_${identifier}_size;\n")
+    string(TOLOWER ${DEMO_TEST} is_test)
     set_property(GLOBAL APPEND_STRING PROPERTY OMBRELUNE_DEMO_ROWS
-        "    {\"${DEMO_NAME}\", \"${DEMO_TITLE}\", ${DEMO_SYSTEM}, \"${DEMO_REGIONS}\", ${DEMO_PLAY}, {gDemo_${identifier}, gDemo_${identifier}_size}},\n")
+        "    {\"${DEMO_NAME}\", \"${DEMO_TITLE}\", ${DEMO_SYSTEM}, \"${DEMO_REGIONS}\", ${DEMO_PLAY}, {gDemo_${identifier}, gDemo_${identifier}_size}, ${is_test}},\n")
 endfunction()
 
 # Makes the target `demos`. Call it once, in the demos' folder, after the last of them.

@@ -6,6 +6,8 @@ find_package(OpenSSL REQUIRED COMPONENTS Crypto)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(PNG REQUIRED)
+# libGL, which every desktop has. Not every one has libOpenGL, which is its newer name without a window system's part.
+set(OpenGL_GL_PREFERENCE LEGACY)
 find_package(OpenGL REQUIRED)
 find_package(utf8cpp REQUIRED)
 pkg_check_modules(PUGIXML REQUIRED IMPORTED_TARGET pugixml)

@@ -3,6 +3,7 @@
 option(OMBRELUNE_LTO "Link-time optimisation" OFF)
 option(OMBRELUNE_TESTS "Build the tests and benchmarks" OFF)
 option(OMBRELUNE_CHECK_LOCK_RANKS "Check that locks are taken in the order of their ranks" OFF)
+option(OMBRELUNE_WERROR "Let warnings end the build; packages, built by any compiler, do not" ON)
 option(OMBRELUNE_FUZZ "Build the libFuzzer entry points (needs Clang)" OFF)
 set(OMBRELUNE_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 
@@ -20,7 +21,7 @@ add_library(ombrelune_flags INTERFACE)
 target_include_directories(ombrelune_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(ombrelune_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
-    -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough $<$<BOOL:${OMBRELUNE_WERROR}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 falsely reports overlapping copies in its own std::string.
     target_compile_options(ombrelune_flags INTERFACE -Wno-restrict)

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
+#include <string_view>
 
 namespace {
 
@@ -25,6 +27,9 @@ void RegisterSome(SettingsStore& store) {
     store.RegisterString(L"login_username", L"");
     store.RegisterString(L"login_userpass", L"");
     store.RegisterInt2(L"input rewind", 196651, 0);
+    store.SetWordReader(L"input rewind", [](std::string_view text) -> std::optional<int32_t> {
+        return text == "Tab" ? std::optional(43) : std::nullopt;
+    });
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 # To build and start the program.
 build_packages=(
     g++ cmake ninja-build pkg-config ccache sdcc cc65 binutils-m68k-linux-gnu
-    libcli11-dev libgl1-mesa-dev libgl1-mesa-dri libglu1-mesa-dev libopenal-dev libpng-dev
+    libcli11-dev libgl-dev libgl1-mesa-dri libglu1-mesa-dev libopenal-dev libpng-dev
     libboost-dev libfreetype-dev liblz4-dev liblzma-dev libpugixml-dev libsdl2-dev libsqlite3-dev libssl-dev libstb-dev
     libturbojpeg0-dev libutfcpp-dev libzip-dev nlohmann-json3-dev zlib1g-dev fonts-inter fonts-jetbrains-mono librsvg2-bin
 )
@@ -11,6 +11,7 @@ build_packages=(
 # Also to build and run the tests, benchmarks and fuzz entry points.
 test_packages=(
     clang libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev libsamplerate0-dev python3 valgrind xauth xvfb
+    appstream desktop-file-utils fish mandoc shared-mime-info zsh
 )
 
 # Also to check format and lint.

@@ -15,14 +15,17 @@ void SayNothing(const char* /*file*/, int /*line*/, const char* /*function*/, in
 
 } // namespace
 
-// Only a library that SDL has loaded is used; it stays loaded, since it keeps the handler.
+// The library stays loaded, since it keeps the handler. SDL loads it too, unless it was told to use another driver.
 void SilenceDriverMessages() {
-    const char* const driver = SDL_GetCurrentAudioDriver();
-    if (driver == nullptr || std::string_view(driver) != "alsa") {
+    const char* const wanted = SDL_getenv("SDL_AUDIODRIVER");
+    const bool mayBeAlsa = wanted == nullptr || *wanted == '\0' ||
+                           std::string_view(wanted).find("alsa") != std::string_view::npos;
+    if (!mayBeAlsa) {
         return;
     }
     static void* const library = SDL_LoadObject("libasound.so.2");
     if (library == nullptr) {
+        SDL_ClearError(); // a system without it has nothing to silence
         return;
     }
     const auto set =

@@ -321,12 +321,12 @@ bool SoundDevice::OpenLoopback(uint32_t rate, uint32_t framesPerPull, std::strin
 
 bool SoundDevice::OpenSdl(uint32_t rate, std::string& error) {
     Close();
+    SilenceDriverMessages();
     if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) {
         error = std::string("no sound: ") + SDL_GetError();
         return false;
     }
     p->sdlReady = true;
-    SilenceDriverMessages();
     SDL_AudioSpec wanted{};
     wanted.freq = static_cast<int>(rate);
     wanted.format = AUDIO_S16SYS;

@@ -204,11 +204,15 @@ void PumpChannel(EMU_THREAD& session, EMU_HOST_DATA& data, SoundChannel& channel
     const auto [play, safe] = line.ring.Cursors();
     const uint32_t gap = line.ring.Distance(play, safe);
     soundGapMs = std::max(soundGapMs, gap / line.ring.BytesPerMs());
+    // What has been heard is cleared: the ring of a game that makes no more sound, as while it is paused, falls silent
+    // instead of repeating its last second.
+    const uint32_t heard = line.ring.Distance(line.lastPlay, play);
+    line.ring.WriteSilence(line.lastPlay, heard);
 
     const uint32_t waiting = BoundWaiting(session, data, channel);
     const uint32_t usable = line.positional ? waiting / 2 : waiting;
-    const uint32_t bytes = std::min(line.ring.Distance(line.lastPlay, play), usable) /
-                           line.ring.FrameBytes() * line.ring.FrameBytes();
+    const uint32_t bytes =
+        std::min(heard, usable) / line.ring.FrameBytes() * line.ring.FrameBytes();
     if (bytes == 0) {
         return;
     }

@@ -23,6 +23,13 @@ inline constexpr std::wstring_view kArcadePlayerActions[kMachinePlayers][10] = {
      L"Arcade P2 BUTTON5", L"Arcade P2 BUTTON6"},
 };
 
+// The panels of these games have two buttons, and the players take turns at one of them.
+inline constexpr std::wstring_view kArcadeUnconnectedActions[] = {
+    L"Arcade P1 BUTTON3", L"Arcade P1 BUTTON4", L"Arcade P1 BUTTON5", L"Arcade P1 BUTTON6",
+    L"Arcade P2 UP",      L"Arcade P2 DOWN",    L"Arcade P2 LEFT",    L"Arcade P2 RIGHT",
+    L"Arcade P2 BUTTON1", L"Arcade P2 BUTTON2", L"Arcade P2 BUTTON3", L"Arcade P2 BUTTON4",
+    L"Arcade P2 BUTTON5", L"Arcade P2 BUTTON6"};
+
 inline constexpr std::string_view kArcadeRegions[] = {"ram", "vram", "palette"};
 
 inline constexpr MACHINE_FACTS kArcadeFacts = {
@@ -34,5 +41,6 @@ inline constexpr MACHINE_FACTS kArcadeFacts = {
     .databaseFile = ".\\dat\\arcade.dat",
     .consoleActions = kArcadeConsoleActions,
     .playerActions = {kArcadePlayerActions[0], kArcadePlayerActions[1]},
+    .unconnectedActions = kArcadeUnconnectedActions,
     .regions = kArcadeRegions,
 };

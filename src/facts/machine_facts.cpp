@@ -24,6 +24,17 @@ std::span<const MACHINE_FACTS> MachineFacts() {
     return kMachines;
 }
 
+bool HasEffect(const MACHINE_FACTS& machine, std::wstring_view action) {
+    const auto names = [action](std::span<const std::wstring_view> actions) {
+        return std::ranges::find(actions, action) != actions.end();
+    };
+    if (names(machine.consoleActions)) {
+        return machine.readsConsoleActions;
+    }
+    return (names(machine.playerActions[0]) || names(machine.playerActions[1])) &&
+           !names(machine.unconnectedActions);
+}
+
 const MACHINE_FACTS* FindMachineFacts(uint16_t system) {
     return Find([=](const MACHINE_FACTS& machine) { return machine.system == system; });
 }

@@ -71,12 +71,17 @@ struct MACHINE_FACTS {
     std::span<const std::wstring_view> playerActions[kMachinePlayers];
     // False: the actions can be bound, but the machine does not read them.
     bool readsConsoleActions = true;
+    // Actions that no part of the machine is connected to, although it may read them.
+    std::span<const std::wstring_view> unconnectedActions = {};
 
     std::span<const std::string_view> regions; // memories to look into; a game may have fewer
 };
 
 // All machines, in the order of the library's selector.
 [[nodiscard]] std::span<const MACHINE_FACTS> MachineFacts();
+
+// Whether an action of this machine can change anything in it.
+[[nodiscard]] bool HasEffect(const MACHINE_FACTS& machine, std::wstring_view action);
 
 // Null for an unknown number or short name.
 [[nodiscard]] const MACHINE_FACTS* FindMachineFacts(uint16_t system);

@@ -3,30 +3,37 @@
 #include "audio/sound.h"
 #include "base/helper_thread.h"
 #include "base/random.h"
+#include "base/text.h"
 #include "display/gl.h"
 #include "display/screen_reader.h"
+#include "facts/machine_facts.h"
 #include "front/appearance.h"
 #include "front/game_screen.h"
 #include "front/game_start.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
 #include "front/own_games.h"
+#include "front/pad_names.h"
 #include "front/picture_view.h"
 #include "front/processor_binder.h"
 #include "front/program_screen.h"
 #include "front/program_title.h"
 #include "front/resume_games.h"
+#include "front/resume_texts.h"
 #include "front/room_screen.h"
 #include "front/run_settings.h"
 #include "front/save_keeper.h"
 #include "front/saved_states.h"
 #include "front/session_callbacks.h"
 #include "gui/manager.h"
+#include "gui/message_box.h"
 #include "host/battery_file.h"
 #include "host/frame_loop.h"
 #include "host/host_data.h"
 #include "host/report.h"
 #include "host/session.h"
+#include "host/session_list.h"
+#include "screens/play_keys.h"
 #include "settings/bindings.h"
 #include "settings/pad_defaults.h"
 #include "settings/settings.h"
@@ -40,6 +47,11 @@ namespace {
 
 int64_t Now() {
     return HostClock().nowMicroseconds();
+}
+
+std::string MachineName(uint16_t system) {
+    const MACHINE_FACTS* const machine = FindMachineFacts(system);
+    return machine != nullptr ? machine->name : std::string();
 }
 
 // Also while the player is in the menu: he may look at the sets again at any moment.
@@ -72,8 +84,10 @@ bool Application::Start(std::string& error) {
     joysticks.Open();
 
     std::vector<std::string> messages;
-    title = ProgramTitle();
-    if (!window.Open(WindowOptionsFromSettings(), title, messages, error) || !StartDrawing(error)) {
+    ReadView();
+    shownTitle = ProgramTitle();
+    if (!window.Open(WindowOptionsFromSettings(), shownTitle, messages, error) ||
+        !StartDrawing(error)) {
         Release();
         return false;
     }
@@ -187,8 +201,13 @@ bool Application::Round() {
     PlayDroppedFiles(events);
     const bool screenNews = UpdateScreen(events);
     ShowSavedStates(events);
+    ShowPanel(events);
     StopEndedGame();
+    volume.Update(PlayerHasKeys());
+    WaitForFocus();
+    RestartGame();
     HoldScreenSaverOff(!televisions.All().empty());
+    ShowTitle();
     const bool overlayNews = UpdateOverlays(events);
     if (events.windowChanged || screenNews || overlayNews || WindowShots::Wanted()) {
         pacer.NoteNews();
@@ -248,6 +267,23 @@ void Application::RunCommand(ProgramCommand command) {
         pacer.NoteNews();
         break;
     }
+    KeepView();
+}
+
+void Application::ReadView() {
+    const SettingsStore& settings = Settings();
+    view.scaler =
+        static_cast<PictureScaler>(static_cast<uint32_t>(settings.GetInt(L"emu_scaler")) & 3);
+    view.linear = settings.GetBool(L"emu_smooth");
+    view.crop = settings.GetBool(L"emu_crop");
+}
+
+// As the options do.
+void Application::KeepView() const {
+    SettingsStore& settings = Settings();
+    settings.SetInt(L"emu_scaler", static_cast<int32_t>(view.scaler));
+    settings.SetBool(L"emu_smooth", view.linear);
+    settings.SetBool(L"emu_crop", view.crop);
 }
 
 void Application::PlayDroppedFiles(const PUMP_EVENTS& events) {
@@ -273,6 +309,10 @@ void Application::ShowSavedStates(const PUMP_EVENTS& events) {
     if (states == nullptr || !states->Update({events, pump.Mouse(), Target(), Now()})) {
         return;
     }
+    OpenSavedStates();
+}
+
+void Application::OpenSavedStates() {
     if (SAVED_STATES_GAME game = gameOfStates(); game.serial != 0) {
         NeedAppearance();
         states->Open(std::move(game));
@@ -289,6 +329,53 @@ void Application::ShowSpeed() {
         speedMark = std::make_unique<SpeedMark>();
     }
     speedMark->Show(speed);
+}
+
+void Application::ShowPanel(const PUMP_EVENTS& events) {
+    if (panel == nullptr) {
+        return;
+    }
+    PANEL_GAME game;
+    if (playing) {
+        game = {kFrontTelevision,
+                playedSerial,
+                playedSystem,
+                playedTitle + ", " + MachineName(playedSystem),
+                {}};
+        if (joysticks.HasController()) {
+            game.padNames = [this](std::wstring_view action) {
+                return PadNameOfAction(joysticks.Family(), action);
+            };
+        }
+    }
+    panel->Update({events, pump.Mouse(), Target(), Now()}, game);
+    ShowFirstKeys(game.padNames);
+}
+
+void Application::ShowFirstKeys(const PadNames& padNames) {
+    KEYS_GAME game;
+    if (playing) {
+        game = {kFrontTelevision, playedSerial, playedSystem, padNames, {}};
+        KEY_WORDS menu{{KeyOfAction(L"Game Menu")}, L"menu", {}};
+        if (padNames) {
+            menu.pads = {PadControlName(joysticks.Family(), kPadGuide)};
+        }
+        game.ways = {
+            std::move(menu),
+            {{L"F11"},      L"full screen",                             {}},
+            {{L"Alt + F4"}, L"leave; the next start goes on from here", {}}
+        };
+    }
+    keys->Update(game, Now());
+}
+
+void Application::TakeFromPanel(ModeInput chosen) {
+    switch (chosen) {
+    case ModeInput::kSavedStates: OpenSavedStates(); break;
+    case ModeInput::kResetGame: static_cast<void>(EmuResetSession(kFrontTelevision)); break;
+    case ModeInput::kQuit: quit = true; break;
+    default: break;
+    }
 }
 
 bool Application::UpdateOverlays(const PUMP_EVENTS& events) {
@@ -313,6 +400,8 @@ void Application::DrawOrWait() {
 }
 
 void Application::Show(std::unique_ptr<Screen> next) {
+    keys.reset();
+    panel.reset();
     states.reset();
     nextScreen = std::move(next);
 }
@@ -320,6 +409,10 @@ void Application::Show(std::unique_ptr<Screen> next) {
 void Application::ShowGame() {
     Show(std::make_unique<GameScreen>(televisions, view, lightGun, kFrontTelevision));
     states = std::make_unique<SavedStates>();
+    keys = std::make_unique<FirstKeys>([this] { NeedAppearance(); });
+    panel = std::make_unique<GamePanel>(
+        PANEL_CALLS{[this] { NeedAppearance(); }, [this] { TakeSettings(); }, SaveSettings,
+                    [this](ModeInput chosen) { TakeFromPanel(chosen); }});
     gameOfStates = [this] {
         return SAVED_STATES_GAME{kFrontTelevision, playing ? playedSerial : 0, playedTitle, {}};
     };
@@ -366,7 +459,8 @@ void Application::TakeSettings() {
     if (window.FollowsDisplay() != followed) {
         pacer.Start(window.FollowsDisplay(), Now());
     }
-    SoundSetVolume(Settings().GetFloat(L"audio_volume"));
+    ReadView();
+    volume.Apply();
     SoundReadBoosts();
     pacer.NoteNews();
 }
@@ -404,7 +498,51 @@ void Application::StopEndedGame() {
     if (EmuHasEnded(kFrontTelevision, reason)) {
         PostReport(reason);
         TurnOff();
+        TellStopped(reason);
     }
+}
+
+// Not a black window: there is something to choose.
+void Application::TellStopped(const std::string& reason) {
+    if (panel == nullptr) {
+        return;
+    }
+    NeedAppearance();
+    CGhostMessageBox::Show(WideFromUtf8(kStoppedTitle), WideFromUtf8(StoppedText(reason)),
+                           {
+                               {L"Restart", [this] { restart = true; }},
+                               {L"Quit",    [this] { quit = true; }   },
+    });
+}
+
+// From the round, as it takes a while.
+void Application::RestartGame() {
+    if (!std::exchange(restart, false)) {
+        return;
+    }
+    OPENED_GAME opened;
+    std::string error;
+    if (!OpenResumed(playedLabel, opened, error) || !Play(opened, error)) {
+        PostReport(error);
+    }
+}
+
+// Neither a window nor a field of the interface takes the keys: a game gets them, or the player walks.
+bool Application::PlayerHasKeys() {
+    return CGhostManager::Get().ModalWindow() == nullptr &&
+           (InputWalkingRoom() || PinSession(InputActiveKey()));
+}
+
+// In every round while they wait, as one may have started meanwhile.
+void Application::WaitForFocus() {
+    const bool wait = !pump.HasKeyboard() && Settings().GetBool(L"emu_pauseunfocused");
+    if (wait && !waitsForFocus) {
+        PostNotice("Paused until you come back to this window");
+    }
+    if (wait || waitsForFocus) {
+        EmuWaitForFocus(wait);
+    }
+    waitsForFocus = wait;
 }
 
 void Application::Draw() {
@@ -422,15 +560,29 @@ bool Application::Play(const OPENED_GAME& opened, std::string& error) {
         games != nullptr ? games->Start(kFrontTelevision, opened) : GAME_RESUME();
     playedSerial = StartGame(kFrontTelevision, opened, resume, error);
     playedTitle = opened.title;
+    playedSystem = opened.game.Header().system;
+    playedLabel.texts = ResumeTexts(kFrontTelevision, opened);
     playing = playedSerial != 0;
     if (!playing) {
         error = StartFailedLine(error);
-        window.SetTitle(ProgramTitle());
+        ShowTitle();
         return false;
     }
-    title = ProgramTitle() + "- " + opened.title;
-    window.SetTitle(title);
+    ShowTitle();
     return true;
+}
+
+// Of the game that plays alone, or that the player of the room looks at.
+void Application::ShowTitle() {
+    std::string played = screen != nullptr ? screen->PlayedTitle() : std::string();
+    if (playing) {
+        played = PlayedTitle(playedTitle, MachineName(playedSystem));
+    }
+    const std::string wanted = played.empty() ? ProgramTitle() : played;
+    if (wanted != shownTitle) {
+        shownTitle = wanted;
+        window.SetTitle(shownTitle);
+    }
 }
 
 void Application::PlayDroppedFile(const std::string& path) {
@@ -452,7 +604,7 @@ void Application::PlayDroppedFile(const std::string& path) {
 void Application::TurnOff() {
     EmuStopSession(kFrontTelevision, SessionEnd::kTurnedOff);
     playing = false;
-    window.SetTitle(ProgramTitle());
+    ShowTitle();
 }
 
 // The swapped buffer is undefined, so the window is drawn again.
@@ -469,6 +621,9 @@ void Application::Stop() {
     quit = false;
     EmuStopSession(kFrontTelevision, SessionEnd::kProgramEnds);
     playing = false;
+    if (const std::optional<DESKTOP_RECT> place = window.PlaceByHand(); place && !savesAlone) {
+        KeepInSettings(*place);
+    }
     Release();
     resumeGames.reset();
     SDL_SetThreadPriority(SDL_THREAD_PRIORITY_NORMAL);
@@ -486,6 +641,8 @@ void Application::Release() {
     saveKeeper.reset();
     sound.Stop(); // before the rest: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
+    keys.reset();
+    panel.reset();
     states.reset();
     nextScreen.reset();
     screen.reset();

@@ -11,7 +11,9 @@
 #pragma once
 
 #include "front/event_pump.h"
+#include "front/first_keys.h"
 #include "front/frame_pacer.h"
+#include "front/game_panel.h"
 #include "front/game_view.h"
 #include "front/gui_overlay.h"
 #include "front/joysticks.h"
@@ -22,8 +24,10 @@
 #include "front/speed_mark.h"
 #include "front/status_overlay.h"
 #include "front/televisions.h"
+#include "front/volume_keys.h"
 #include "front/window.h"
 #include "front/window_shots.h"
+#include "host/state_snapshot.h"
 
 #include <cstdint>
 #include <functional>
@@ -100,6 +104,10 @@ public:
     [[nodiscard]] const GuiOverlay& Gui() const { return gui; }
     // Those of the game that is shown alone, or that the player of the room looks at; null while the program is shown.
     [[nodiscard]] SavedStates* States() const { return states.get(); }
+    // The card of keys over the game that is shown alone; null while it is not.
+    [[nodiscard]] const KeyCard* Keys() const { return keys != nullptr ? keys->Card() : nullptr; }
+    // The menu of the game that is shown alone; null while it is closed.
+    [[nodiscard]] GameMenu* Menu() const { return panel != nullptr ? panel->Menu() : nullptr; }
 
 private:
     [[nodiscard]] bool StartSdl(std::string& error);
@@ -118,8 +126,19 @@ private:
     void PlayDroppedFiles(const PUMP_EVENTS& events);
     [[nodiscard]] bool UpdateScreen(const PUMP_EVENTS& events);
     void ShowSavedStates(const PUMP_EVENTS& events);
+    void OpenSavedStates();
+    void ReadView();
+    void KeepView() const;
+    void ShowTitle();
+    void ShowPanel(const PUMP_EVENTS& events);
+    void TakeFromPanel(ModeInput chosen);
+    void ShowFirstKeys(const PadNames& padNames);
     void StopEndedGame();
     void ShowSpeed();
+    void WaitForFocus();
+    [[nodiscard]] static bool PlayerHasKeys();
+    void TellStopped(const std::string& reason);
+    void RestartGame();
     [[nodiscard]] bool UpdateOverlays(const PUMP_EVENTS& events);
     void DrawOrWait();
 
@@ -132,6 +151,7 @@ private:
     Window window;
     Joysticks joysticks;
     SoundOutput sound;
+    VolumeKeys volume;
     EventPump pump{joysticks};
     Televisions televisions;
     GAME_VIEW view;
@@ -143,12 +163,18 @@ private:
     WindowShots shots;
     GuiOverlay gui;
     FramePacer pacer;
-    std::string title;
+    std::string shownTitle;
+    std::unique_ptr<FirstKeys> keys;                 // likewise
+    std::unique_ptr<GamePanel> panel;                // while the game alone is shown
     std::unique_ptr<SavedStates> states;             // while the game alone or the room is shown
     std::function<SAVED_STATES_GAME()> gameOfStates; // while `states` is there; serial 0: none
     std::string playedTitle;
     uint32_t playedSerial = 0;
-    bool quit = false; // the player has chosen to end the program
+    bool waitsForFocus = false; // the games
+    uint16_t playedSystem = 0;
+    STATE_SNAPSHOT playedLabel; // by which it can be opened again
+    bool restart = false;       // the player has chosen to
+    bool quit = false;          // the player has chosen to end the program
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;

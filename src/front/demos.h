@@ -11,6 +11,7 @@ struct DEMO {
     const char* regions; // on whose consoles it runs; letters of "EJUBK"
     uint8_t playTypes;   // as in a game's NAME record
     std::span<const uint8_t> image;
+    bool isTest; // a test card or a benchmark; lists have them after the games
 };
 
 // In the order in which they are shown.

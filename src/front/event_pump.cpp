@@ -200,7 +200,11 @@ void EventPump::HandleWheel(const SDL_MouseWheelEvent& event, PUMP_EVENTS& event
 void EventPump::HandleWindow(const SDL_WindowEvent& event, PUMP_EVENTS& events) {
     switch (event.event) {
     case SDL_WINDOWEVENT_CLOSE: events.quit = true; break;
-    case SDL_WINDOWEVENT_FOCUS_LOST: LetGo(); break;
+    case SDL_WINDOWEVENT_FOCUS_GAINED: hasKeyboard = true; break;
+    case SDL_WINDOWEVENT_FOCUS_LOST:
+        hasKeyboard = false;
+        LetGo();
+        break;
     case SDL_WINDOWEVENT_SHOWN:
     case SDL_WINDOWEVENT_EXPOSED:
     case SDL_WINDOWEVENT_RESIZED:

@@ -85,6 +85,8 @@ public:
     void SetWindowSize(int32_t width, int32_t height, int32_t drawableWidth,
                        int32_t drawableHeight);
     [[nodiscard]] const MOUSE_STATE& Mouse() const { return mouse; }
+    // Until the system says otherwise, the window has the keyboard.
+    [[nodiscard]] bool HasKeyboard() const { return hasKeyboard; }
 
 private:
     void HandleEvent(const SDL_Event& event, PUMP_EVENTS& events);
@@ -102,6 +104,7 @@ private:
     MOUSE_STATE mouse;
     std::bitset<512> keysDown; // by scancode, what this pump has set
     bool forgetPresses = false;
+    bool hasKeyboard = true;
     int32_t windowWidth = 0;
     int32_t windowHeight = 0;
     int32_t surfaceWidth = 0;

@@ -1,10 +1,13 @@
 #include "front/game_start.h"
 
+#include "base/text.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
 #include "front/resume_games.h"
 #include "host/report.h"
 #include "host/session.h"
+#include "host/session_list.h"
+#include "screens/play_keys.h"
 
 #include <filesystem>
 #include <system_error>
@@ -13,6 +16,19 @@
 namespace fs = std::filesystem;
 
 namespace {
+
+// Who wants the game from its beginning must know that it is not, and how to get there.
+void TellAutosave(uint32_t sessionKey, uint32_t serial, const std::string& title) {
+    const SessionPin session = PinSession(sessionKey);
+    if (!session || session->serial != serial || !session->fromAutosave) {
+        return;
+    }
+    const std::string key = Utf8FromWide(KeyOfAction(L"Game Menu"));
+    PostShortNotice(key.empty()
+                        ? title + " goes on from its autosave. Reset in its menu starts it afresh"
+                        : title + " goes on from its autosave. " + key +
+                              ", then Reset, starts it afresh");
+}
 
 uint32_t StartSession(uint32_t sessionKey, const OPENED_GAME& opened, SESSION_RESUME resume,
                       std::string& error) {
@@ -24,6 +40,7 @@ uint32_t StartSession(uint32_t sessionKey, const OPENED_GAME& opened, SESSION_RE
     const uint32_t serial =
         EmuStartSession(sessionKey, games, opened.options.data(), opened.title, std::move(resume));
     error = serial == 0 ? EmuLastError() : std::string();
+    TellAutosave(sessionKey, serial, opened.title);
     return serial;
 }
 
@@ -48,6 +65,15 @@ uint32_t GoOn(uint32_t sessionKey, const OPENED_GAME& opened, const GAME_RESUME&
 
 std::string StartFailedLine(const std::string& reason) {
     return kStartFailed + (reason.empty() ? std::string() : ": " + reason);
+}
+
+std::string StoppedText(const std::string& reason) {
+    return "The program of the game has done something from which its machine cannot go on. The "
+           "file may be "
+           "damaged, or need something that Ombrelune does not have. Your saved states are as they "
+           "were."
+           "\n\nDetails: " +
+           reason;
 }
 
 uint32_t StartGame(uint32_t sessionKey, const OPENED_GAME& opened, const GAME_RESUME& resume,

@@ -72,6 +72,7 @@ public:
     // The first player's controller: how its buttons are named, and where its sticks are. Without one the
     // sticks rest.
     [[nodiscard]] PadFamily Family() const;
+    [[nodiscard]] bool HasController() const { return Controller() != nullptr; }
     [[nodiscard]] PAD_STICKS Sticks() const;
     // The place of an instance number, or `kNoJoystick`.
     [[nodiscard]] uint32_t PlaceOf(int32_t instance) const;

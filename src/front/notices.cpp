@@ -13,10 +13,10 @@ constexpr int64_t kMicroseconds = 1000000;
 
 } // namespace
 
-void Notices::Post(const std::string& text, int64_t now, Kind kind) {
+void Notices::Post(const std::string& text, int64_t now, Kind kind, int64_t seconds) {
     const std::scoped_lock hold(lock);
     std::erase_if(lines, [&](const LINE& line) { return line.text == text; });
-    lines.push_back({text, kind});
+    lines.push_back({text, kind, seconds});
     if (lines.size() > kMostLines) {
         KeepAsUnread(lines.front(), now);
         lines.pop_front();
@@ -56,7 +56,6 @@ std::vector<std::string> Notices::Lines(int64_t now) {
 }
 
 std::string Notices::Shown(int64_t now, size_t letters) {
-    constexpr int64_t kPartTime = kSecondsShown * kMicroseconds;
     const std::scoped_lock hold(lock);
     std::erase_if(lines, [&](const LINE& line) { return line.until <= now; });
     if (lines.empty()) {
@@ -69,12 +68,13 @@ std::string Notices::Shown(int64_t now, size_t letters) {
         fault.until = INT64_MAX; // it was hidden, and begins again
     }
     const std::vector<std::string> parts = NoticeParts(newest.text, letters);
+    const int64_t partTime = newest.seconds * kMicroseconds;
     if (newest.until == INT64_MAX) {
         newest.from = now;
-        newest.until = now + kPartTime * static_cast<int64_t>(parts.size());
+        newest.until = now + partTime * static_cast<int64_t>(parts.size());
     }
     lines.push_back(newest);
-    const auto part = static_cast<size_t>(std::max<int64_t>(now - newest.from, 0) / kPartTime);
+    const auto part = static_cast<size_t>(std::max<int64_t>(now - newest.from, 0) / partTime);
     return parts[std::min(part, parts.size() - 1)];
 }
 
@@ -85,6 +85,11 @@ Notices& ProgramNotices() {
 
 void PostNotice(const std::string& text) {
     ProgramNotices().Post(text, HostClock().nowMicroseconds());
+}
+
+void PostShortNotice(const std::string& text) {
+    constexpr int64_t kSeconds = 2;
+    ProgramNotices().Post(text, HostClock().nowMicroseconds(), Notices::Kind::kWord, kSeconds);
 }
 
 void PostReport(const std::string& text) {

@@ -21,7 +21,8 @@ public:
 
     // `now` in microseconds of any steady clock. A line's time starts when it is first shown, as the program may still
     // be starting; one that is already shown starts again.
-    void Post(const std::string& text, int64_t now, Kind kind = Kind::kWord);
+    void Post(const std::string& text, int64_t now, Kind kind = Kind::kWord,
+              int64_t seconds = kSecondsShown);
 
     // What the one line shows now, at most `letters` long: the newest notice, part after part; empty without one. An
     // older word is then gone. An older fault is shown when the newer ones are over, for its whole time.
@@ -37,6 +38,7 @@ private:
     struct LINE {
         std::string text;
         Kind kind;
+        int64_t seconds = kSecondsShown; // of each part
         int64_t from = 0;
         int64_t until = INT64_MAX; // that has not been shown yet
     };
@@ -52,4 +54,5 @@ private:
 // standard error.
 [[nodiscard]] Notices& ProgramNotices();
 void PostNotice(const std::string& text);
+void PostShortNotice(const std::string& text); // for two seconds
 void PostReport(const std::string& text);

@@ -36,7 +36,8 @@ void Tell(const std::string& line) {
 bool OpenFile(const std::string& game, const OPENING& opening, OPENED_GAME& opened,
               std::string& error) {
     std::string note;
-    if (!OpenGame(game, opening.system, opened.game, opened.title, note, error)) {
+    const GAME_PICK pick{opening.system, opening.entry};
+    if (!OpenGame(game, pick, opened.game, opened.title, note, error)) {
         return false;
     }
     if (!note.empty()) {
@@ -44,6 +45,7 @@ bool OpenFile(const std::string& game, const OPENING& opening, OPENED_GAME& open
     }
     std::error_code ignored;
     opened.file = std::filesystem::absolute(game, ignored).lexically_normal().string();
+    opened.entry = opening.entry;
     if (opening.patched && opening.patch.empty()) {
         ApplyPatchBeside(opened);
     }

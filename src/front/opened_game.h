@@ -11,7 +11,8 @@ struct MACHINE_FACTS;
 
 struct OPENED_GAME {
     CGameFile game;
-    std::string file; // as OpenForPlaying takes it; absolute, or a demo's name
+    std::string file;  // as OpenForPlaying takes it; absolute, or a demo's name
+    std::string entry; // which of the file's games, if that was said
     CGameFile bios;
     std::string secondFile; // of `bios`; absolute
     bool hasBios = false;
@@ -22,6 +23,7 @@ struct OPENED_GAME {
 // How a game is opened.
 struct OPENING {
     const MACHINE_FACTS* system = nullptr; // the machine, if not the one that the file says
+    std::string entry;   // of an archive, as ListArchivedGames has it; empty: the first
     std::string patch;   // a soft patch; empty: that beside the game, if there is one
     bool patched = true; // false: as the file has it
 };

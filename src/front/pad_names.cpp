@@ -1,5 +1,10 @@
 #include "front/pad_names.h"
 
+#include "settings/bindings.h"
+#include "settings/settings.h"
+
+#include <algorithm>
+
 namespace {
 
 struct NAME_ROW {
@@ -19,8 +24,25 @@ constexpr NAME_ROW kNames[] = {
     {kPadBack,          L"View",  L"Share",    L"Minus"  },
     {kPadStart,         L"Menu",  L"Options",  L"Plus"   },
     {kPadGuide,         L"Guide", L"PS",       L"Home"   },
+    {kPadLeftTrigger,   L"LT",    L"L2",       L"ZL"     },
+    {kPadRightTrigger,  L"RT",    L"R2",       L"ZR"     },
     {kPadRightClick,    L"RS",    L"R3",       L"R stick"},
 };
+
+constexpr uint64_t kDirections = PadBit(0, kPadDpadUp) | PadBit(0, kPadDpadDown) |
+                                 PadBit(0, kPadDpadLeft) | PadBit(0, kPadDpadRight);
+
+std::wstring JoystickBindingOf(std::wstring_view action) {
+    constexpr uint32_t kJoystick = 1; // in the device byte
+    const auto [primary, secondary] = Settings().GetInt2(L"INPUT " + std::wstring(action));
+    for (const int32_t bound : {primary, secondary}) {
+        const auto binding = static_cast<uint32_t>(bound);
+        if (binding >> 24 == kJoystick) {
+            return BindingName(binding);
+        }
+    }
+    return {};
+}
 
 } // namespace
 
@@ -36,4 +58,27 @@ const wchar_t* PadControlName(PadFamily family, PadControl control) {
         }
     }
     return L"";
+}
+
+std::wstring PadNameOfAction(PadFamily family, std::wstring_view action) {
+    if (std::wstring own = JoystickBindingOf(action); !own.empty()) {
+        return own;
+    }
+    const auto actions = InputActions();
+    const auto found = std::find_if(actions.begin(), actions.end(),
+                                    [&](const INPUT_ACTION& one) { return one.name == action; });
+    if (found == actions.end()) {
+        return {};
+    }
+    const uint64_t controls = found->padControls & ~InputPadsTaken();
+    if ((controls & kDirections) != 0) {
+        return L"D-pad";
+    }
+    for (uint32_t number = 0; number < kPadControls; ++number) {
+        const auto control = static_cast<PadControl>(number);
+        if ((controls & PadBit(0, control)) != 0) {
+            return PadControlName(family, control);
+        }
+    }
+    return {};
 }

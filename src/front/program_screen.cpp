@@ -8,6 +8,7 @@
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/opened_game.h"
+#include "front/pad_names.h"
 #include "front/program_commands.h"
 #include "front/resume_texts.h"
 #include "gui/button.h"
@@ -15,7 +16,10 @@
 #include "gui/message_box.h"
 #include "gui/window.h"
 #include "host/host_data.h"
+#include "library/game_source.h"
+#include "screens/entry_box.h"
 #include "screens/member_panel.h"
+#include "screens/play_keys.h"
 #include "screens/rom_browser.h"
 #include "settings/bindings.h"
 #include "settings/settings.h"
@@ -23,6 +27,7 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -34,16 +39,6 @@ constexpr uint32_t kF10 = 67;
 bool ToolkitTakesEscape() {
     const GHOSTMANAGER_WINDOW* const top = CGhostManager::Get().ActiveTopWindow();
     return top != nullptr && top->owner != nullptr;
-}
-
-void ShowFailure(const GAME_FAILURE& failure) {
-    if (!failure.starting) {
-        CGhostMessageBox::Show(L"The game has ended", WideFromUtf8(failure.reason));
-        return;
-    }
-    CGhostMessageBox::Show(WideFromUtf8(kStartFailed), failure.reason.empty()
-                                                           ? L"Its machine does not start."
-                                                           : WideFromUtf8(failure.reason));
 }
 
 constexpr std::chrono::milliseconds kLongestGoodbye{500};
@@ -69,7 +64,9 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
     , joysticks(surroundings.joysticks)
     , resumeGames(surroundings.resumeGames)
     , room(surroundings, {},
-           {[this](ModeOrder order) { Obey(order); }, ShowFailure, [this] { ToggleGameMenu(); }},
+           {[this](ModeOrder order) { Obey(order); },
+            [this](const GAME_FAILURE& failure) { ShowFailure(failure); },
+            [this] { ToggleGameMenu(); }},
            ProgramMode::kMenu)
     , menu(*this)
     , overlay(*this)
@@ -82,6 +79,41 @@ ProgramScreen::ProgramScreen(const ROOM_SURROUNDINGS& surroundings, PROGRAM_CALL
               }}) {
     player.Open(ResolvePath(kPlayerDatabaseFile));
     AskToContinue();
+}
+
+void ProgramScreen::ShowFailure(const GAME_FAILURE& failure) {
+    if (failure.starting) {
+        CGhostMessageBox::Show(WideFromUtf8(kStartFailed), failure.reason.empty()
+                                                               ? L"Its machine does not start."
+                                                               : WideFromUtf8(failure.reason));
+        return;
+    }
+    std::vector<MESSAGE_CHOICE> choices;
+    if (!failure.label.texts.empty()) {
+        choices.push_back({L"Restart", [this, failure] { Restart(failure); }});
+    }
+    choices.push_back({L"Library", [this, key = failure.key] { OfferLibrary(key); }});
+    CGhostMessageBox::Show(WideFromUtf8(kStoppedTitle), WideFromUtf8(StoppedText(failure.reason)),
+                           std::move(choices));
+}
+
+void ProgramScreen::Restart(const GAME_FAILURE& failure) {
+    OPENED_GAME opened;
+    std::string error;
+    if (!OpenResumed(failure.label, opened, error)) {
+        CGhostMessageBox::Show(WideFromUtf8(kStartFailed), WideFromUtf8(error));
+        return;
+    }
+    PlayNow(failure.key, std::move(opened));
+    FitScreens();
+}
+
+// For the set on which the game was. Menu and browser have ways of their own.
+void ProgramScreen::OfferLibrary(uint32_t key) {
+    if (!room.Modes().Covered()) {
+        room.Face(key);
+        wanted.push_back(ModeInput::kLoadGame);
+    }
 }
 
 void ProgramScreen::AskToContinue() {
@@ -196,6 +228,8 @@ bool ProgramScreen::Update(const SCREEN_INPUT& input) {
     if (states.Update(input) && CGhostManager::Get().ModalWindow() == nullptr) {
         room.Take(ModeInput::kSavedStates);
     }
+    HoldGame(input.now);
+    ShowFirstKeys(input.now);
     FitScreens();
     UpdateOverlay(input);
     menu.Update();
@@ -277,9 +311,51 @@ void ProgramScreen::GoBack() {
 // Over nothing that takes the input itself.
 void ProgramScreen::ToggleGameMenu() {
     const bool free = CGhostManager::Get().ModalWindow() == nullptr && !adding.IsShown();
-    if (overlay.Menu() != nullptr || free) {
-        overlay.ToggleMenu();
+    if (overlay.Menu() == nullptr && !free) {
+        return;
     }
+    const uint32_t key = room.Selected().id;
+    overlay.ToggleMenu(
+        {WideFromUtf8(room.Games().TitleOn(key)), room.Games().SystemOn(key), PadNamesNow()});
+    if (overlay.Menu() != nullptr && room.Selected().on) {
+        static_cast<void>(paused.Hold(key)); // one that still starts has nothing to lose
+    }
+}
+
+PadNames ProgramScreen::PadNamesNow() const {
+    if (!joysticks.HasController()) {
+        return {};
+    }
+    return [this](std::wstring_view action) { return PadNameOfAction(joysticks.Family(), action); };
+}
+
+// Over the game that the player's hands are on.
+void ProgramScreen::ShowFirstKeys(int64_t now) {
+    KEYS_GAME game;
+    const ProgramModes& modes = room.Modes();
+    if (!modes.Covered() && !modes.Walking() && room.Selected().on && !adding.IsShown()) {
+        const uint32_t key = room.Selected().id;
+        const bool inHand = joysticks.HasController();
+        const auto guide = [&](const wchar_t* how) {
+            const wchar_t* const name = PadControlName(joysticks.Family(), kPadGuide);
+            return inHand ? std::vector<std::wstring>{name + std::wstring(how)}
+                          : std::vector<std::wstring>();
+        };
+        game = {key, room.Games().SerialOn(key), room.Games().SystemOn(key), PadNamesNow(), {}};
+        game.ways = {
+            {{KeyOfAction(L"Game Menu")}, L"menu",                                   guide(L" held")},
+            {{L"Esc"},                    L"walk on; the game plays on without you", guide(L"")     }
+        };
+    }
+    firstKeys.Update(game, now);
+}
+
+// A game waits while its menu is open.
+void ProgramScreen::HoldGame(int64_t now) {
+    if (overlay.Menu() == nullptr) {
+        paused.LetGo();
+    }
+    paused.Update(now);
 }
 
 void ProgramScreen::Obey(ModeOrder order) {
@@ -300,6 +376,7 @@ void ProgramScreen::ShowSavedStates() {
     if (game == playing.end()) {
         return;
     }
+    paused.GoOn(); // from the menu; the states have their own pause
     states.Open({key, serial, room.Games().TitleOn(key), [this, played = *game] {
                      const int64_t now = HostClock().nowMicroseconds();
                      const int64_t seconds = player.Find(played.identity).secondsPlayed +
@@ -383,7 +460,47 @@ uint32_t ProgramScreen::SetForGame() const {
     return key;
 }
 
+// A game of the library whose image is an archive is one of the games in that, which the player chooses if there are
+// several.
 void ProgramScreen::StartGame(GAME_TO_START game) {
+    if (!HoldsArchive(game.game) || game.game.Header().system == kSystemArcade) {
+        StartOn({}, std::move(game));
+        return;
+    }
+    std::vector<ARCHIVED_GAME> games;
+    std::string error;
+    if (!ListArchivedGames(game.file, nullptr, games, error) || games.size() < 2) {
+        StartArchived({}, std::move(game)); // which says what is wrong
+        return;
+    }
+    std::vector<std::wstring> names;
+    names.reserve(games.size());
+    for (const ARCHIVED_GAME& archived : games) {
+        names.push_back(WideFromUtf8(archived.entry));
+    }
+    const auto waiting = std::make_shared<GAME_TO_START>(std::move(game));
+    EntryBox::Show(names)->OnChosen.connect([this, waiting, games](int row) {
+        if (row >= 0) {
+            StartArchived(games[static_cast<size_t>(row)].entry, std::move(*waiting));
+        }
+    });
+}
+
+void ProgramScreen::StartArchived(const std::string& entry, GAME_TO_START game) {
+    CGameFile inside;
+    std::string title;
+    std::string note;
+    std::string error;
+    if (!OpenGame(game.file, {nullptr, entry}, inside, title, note, error)) {
+        CGhostMessageBox::Show(L"Error loading game", WideFromUtf8(error));
+        return;
+    }
+    game.game = std::move(inside);
+    game.title = std::move(title);
+    StartOn(entry, std::move(game));
+}
+
+void ProgramScreen::StartOn(const std::string& entry, GAME_TO_START game) {
     const uint32_t key = SetForGame();
     if (key == 0) {
         return;
@@ -391,6 +508,7 @@ void ProgramScreen::StartGame(GAME_TO_START game) {
     OPENED_GAME opened;
     opened.game = std::move(game.game);
     opened.file = game.file.string();
+    opened.entry = entry;
     opened.bios = std::move(game.second);
     opened.secondFile = game.secondFile.string();
     opened.hasBios = game.hasSecond;

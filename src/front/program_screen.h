@@ -6,14 +6,16 @@
 // If games were on when the program last ended, it begins with the question whether they go on.
 // What is dropped on the window joins the library; a game alone is then played, on the set that it would be chosen
 // for.
-// The saved states of the game that is played lie over it in a panel.
+// The saved states of the game that is played, and its menu, lie over it while it waits.
 // Keys of its own: F10 is the main menu; escape goes back in menu, panels and browser. A controller moves the focus
 // there; its shoulders step the browser's system, start starts the chosen game, the left button makes it a favourite.
 //
 // Thread: main, with the OpenGL context current. Order: made after the toolkit has its theme and its screen.
 #pragma once
 
+#include "front/first_keys.h"
 #include "front/gui_pad.h"
+#include "front/paused_game.h"
 #include "front/play_times.h"
 #include "front/resume_games.h"
 #include "front/room_screen.h"
@@ -53,6 +55,7 @@ public:
     void Draw(const DRAW_TARGET& target) override { room.Draw(target); }
     [[nodiscard]] bool WantsInput() const override { return room.WantsInput(); }
     [[nodiscard]] Pointer PointerWanted() const override { return room.PointerWanted(); }
+    [[nodiscard]] std::string PlayedTitle() const override { return room.PlayedTitle(); }
     [[nodiscard]] bool TakeDroppedFiles(const std::vector<std::string>& files) override;
     void LoseGraphics() override { room.LoseGraphics(); }
     void RenewGraphics() override { room.RenewGraphics(); }
@@ -67,6 +70,8 @@ public:
     // Null unless it asks whether games go on.
     [[nodiscard]] ContinueWindow* Continuing() const { return continuing.get(); }
     [[nodiscard]] SavedStates& States() { return states; }
+    // Null while it is not shown.
+    [[nodiscard]] const KeyCard* Keys() const { return firstKeys.Card(); }
 
 private:
     // ScreenHost.
@@ -86,6 +91,9 @@ private:
     [[nodiscard]] bool OpenBenchmarkGame(CGameFile& game) const override;
     [[nodiscard]] uint64_t Milliseconds() const override;
 
+    void ShowFailure(const GAME_FAILURE& failure);
+    void Restart(const GAME_FAILURE& failure);
+    void OfferLibrary(uint32_t key);
     void AskToContinue();
     void TakeChoice();
     void ContinueGames();
@@ -94,8 +102,13 @@ private:
     void ReadKeys(const SCREEN_INPUT& input, bool covered);
     void GoBack();
     void ToggleGameMenu();
+    void HoldGame(int64_t now);
+    void ShowFirstKeys(int64_t now);
+    [[nodiscard]] PadNames PadNamesNow() const;
     void PlayFile(const std::filesystem::path& file);
     void PlayNow(uint32_t key, OPENED_GAME&& opened);
+    void StartArchived(const std::string& entry, GAME_TO_START game);
+    void StartOn(const std::string& entry, GAME_TO_START game);
     [[nodiscard]] uint32_t SetForGame() const;
     void Obey(ModeOrder order);
     void ShowSavedStates();
@@ -114,6 +127,8 @@ private:
     CGUIBattleGround menu;
     CGUIGameOverlay overlay;
     PlayTimes playTimes{player};
+    PausedGame paused; // below the game menu
+    FirstKeys firstKeys;
     SavedStates states;
     AddWindow adding;
     std::unique_ptr<ContinueWindow> continuing;

@@ -1,12 +1,15 @@
 #include "front/program_title.h"
 
-#include "front/version.h"
-
-#include <cstdio>
+#include "base/version.h"
 
 std::string ProgramTitle() {
-    char title[64];
-    std::snprintf(title, sizeof title, "%s v%d.%03d ", kProgramName, OMBRELUNE_VERSION_MAJOR,
-                  OMBRELUNE_VERSION_MINOR);
+    return std::string(kProgramName) + " " + ProgramVersion();
+}
+
+std::string PlayedTitle(const std::string& game, const std::string& machine) {
+    std::string title = game;
+    for (const std::string& part : {machine, std::string(kProgramName)}) {
+        title += part.empty() ? "" : " - " + part;
+    }
     return title;
 }

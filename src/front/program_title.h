@@ -6,5 +6,7 @@
 inline constexpr const char* kProgramName = "Ombrelune";
 inline constexpr const char* kWindowClass = "Ombrelune64";
 
-// Name and version in the form "Ombrelune v0.001 ", the version's minor number in three digits.
+// Without a game: name and version, "Ombrelune 1.2.3".
 [[nodiscard]] std::string ProgramTitle();
+// While one is played: "Luciole - Master System - Ombrelune".
+[[nodiscard]] std::string PlayedTitle(const std::string& game, const std::string& machine);

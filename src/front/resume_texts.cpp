@@ -20,6 +20,7 @@ constexpr const char* kSet = "set";
 constexpr const char* kTitle = "title";
 constexpr const char* kSystem = "system";
 constexpr const char* kOptions = "options";
+constexpr const char* kEntry = "entry"; // of the game, if its file is an archive
 
 // One of the two games of a machine.
 struct GAME_TEXTS {
@@ -97,7 +98,7 @@ bool OpenSecond(const STATE_SNAPSHOT& label, OPENED_GAME& opened, std::string& e
     }
     std::string title;
     std::string note;
-    opened.hasBios = OpenGame(opened.secondFile, nullptr, opened.bios, title, note, error) &&
+    opened.hasBios = OpenGame(opened.secondFile, {}, opened.bios, title, note, error) &&
                      PickName(label, kSecond, opened.secondFile, opened.bios, error);
     return opened.hasBios;
 }
@@ -123,6 +124,9 @@ std::vector<SNAPSHOT_TEXT> ResumeTexts(uint32_t key, const OPENED_GAME& opened) 
         {kOptions, LowerAscii(HexText(std::span(opened.options)))}
     };
     AddGame(texts, kGame, opened.file, opened.game);
+    if (!opened.entry.empty()) {
+        texts.push_back({kEntry, opened.entry});
+    }
     if (opened.hasBios) {
         AddGame(texts, kSecond, opened.secondFile, opened.bios);
     }
@@ -145,7 +149,9 @@ std::string ResumeTitle(const STATE_SNAPSHOT& label) {
 
 bool OpenResumed(const STATE_SNAPSHOT& label, OPENED_GAME& opened, std::string& error) {
     const std::string file = FileOf(SnapshotText(label, kGame.file));
-    if (file.empty() || !OpenForPlaying(file, {}, opened, error)) {
+    OPENING opening;
+    opening.entry = SnapshotText(label, kEntry);
+    if (file.empty() || !OpenForPlaying(file, opening, opened, error)) {
         error = file.empty() ? "does not say which game it is of" : error;
         return false;
     }

@@ -1,6 +1,7 @@
 #include "front/room_games.h"
 
 #include "base/helper_thread.h"
+#include "front/resume_texts.h"
 #include "host/session.h"
 
 #include <thread>
@@ -53,6 +54,7 @@ void RoomGames::OrderStart(uint32_t key, const std::shared_ptr<const OPENED_GAME
     static_cast<void>(
         IdentifyGame(opened->game, static_cast<uint32_t>(opened->game.selectedName), set.identity));
     set.system = opened->game.Header().system;
+    set.texts = opened->file.empty() ? std::vector<SNAPSHOT_TEXT>() : ResumeTexts(key, *opened);
     set.guns.SetGame(*opened);
     worker.Order({set.order, key, opened, std::move(resume), SessionEnd::kTurnedOff});
 }
@@ -97,13 +99,15 @@ std::vector<GAME_FAILURE> RoomGames::Collect() {
     for (SESSION_RESULT& result : worker.TakeResults()) {
         TakeOver(result);
         if (result.failed) {
-            failures.push_back({true, std::move(result.reason)});
+            failures.push_back({true, std::move(result.reason), result.key, {}});
         }
     }
     for (const auto& [key, set] : sets) {
         std::string reason;
         if (set.state == SetState::kPlaying && EmuHasEnded(key, reason)) {
-            failures.push_back({false, std::move(reason)});
+            STATE_SNAPSHOT label;
+            label.texts = set.texts;
+            failures.push_back({false, std::move(reason), key, std::move(label)});
             Stop(key);
         }
     }

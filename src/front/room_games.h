@@ -36,6 +36,9 @@ struct PLAYED_GAME {
 struct GAME_FAILURE {
     bool starting = false;
     std::string reason; // may be empty for a start
+    uint32_t key = 0;   // of the set
+    STATE_SNAPSHOT
+    label{}; // by which the game can be opened again (resume_texts.h); empty for a start
 };
 
 class RoomGames {
@@ -87,6 +90,7 @@ private:
         std::string title;
         GAME_IDENTITY identity;
         uint16_t system = 0;
+        std::vector<SNAPSHOT_TEXT> texts; // by which it can be opened again
         LightGun guns;
     };
     void StartOn(uint32_t key, const std::shared_ptr<const OPENED_GAME>& opened);

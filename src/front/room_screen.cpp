@@ -3,12 +3,14 @@
 #include "audio/sound.h"
 #include "base/text.h"
 #include "display/gl.h"
+#include "facts/machine_facts.h"
 #include "front/event_pump.h"
 #include "front/game_screen.h"
 #include "front/game_start.h"
 #include "front/joysticks.h"
 #include "front/notices.h"
 #include "front/object_files.h"
+#include "front/program_title.h"
 #include "front/resume_texts.h"
 #include "front/room_sound.h"
 #include "front/televisions.h"
@@ -56,7 +58,7 @@ float ActionAxis(std::wstring_view less, std::wstring_view more) {
 }
 
 bool IsOfJoystick(uint32_t binding) {
-    return binding >> 24 == 1;
+    return binding >> 24 != 0;
 }
 
 // The key of an action as the player has bound it, or its joystick binding if that is asked for. Empty if the action
@@ -151,6 +153,13 @@ bool RoomScreen::Behind() const {
 Pointer RoomScreen::PointerWanted() const {
     const bool gun = fullScreen != nullptr && guns.InGame();
     return PointerFor({modes.Mode(), Behind(), mouseRests, padPoints, gun});
+}
+
+// Also while menu or browser cover it: the player comes back to that game.
+std::string RoomScreen::PlayedTitle() const {
+    const std::string game = selected.on ? games.TitleOn(selected.id) : std::string();
+    const MACHINE_FACTS* const machine = FindMachineFacts(games.SystemOn(selected.id));
+    return game.empty() || machine == nullptr ? std::string() : ::PlayedTitle(game, machine->name);
 }
 
 void RoomScreen::NotePointer(const SCREEN_INPUT& input, bool padUsed) {
@@ -315,6 +324,9 @@ RoomScreen::HANDS RoomScreen::ReadHands(const SCREEN_INPUT& input, float seconds
     hands.toggleWalking = (pressed(padDown(kPadEast), leaveHeld) && !played) || hands.toggleWalking;
     hands.mainMenu = pressed(padDown(kPadStart), startHeld) && !played;
     hands.gameMenu = pressed(ActionIsDown(L"Game Menu"), menuHeld);
+    // Of a walker these two act by themselves.
+    const bool chord = menuChord.Update(InputPadsDown(), input.now);
+    hands.gameMenu = hands.gameMenu || (chord && (played || Behind()));
     ReadGuide(hands, padDown(kPadGuide), seconds);
 
     const bool padUsed = InputPadsActing() != 0 || way.x != 0.0f || way.y != 0.0f ||

@@ -6,7 +6,7 @@
 //   standing      the mouse is free; a machine at which the player stands gets the input
 //   full screen   one set's picture fills the window and its machine gets the input
 // Escape, and a controller's guide button, lead back to walking from both; the guide button acts when it is released,
-// as the owner's game menu opens when it is held. Which way leads where is told by
+// as the owner's game menu opens when it is held. Back and start held together open it too. Which way leads where is told by
 // ProgramModes, which this owns; while menu or browser cover the window the room only keeps its games.
 // Without an owner, as the command `room` without the program's screens, `Use` at a set that is on shows it full
 // screen, and at one that is off starts the next of the games that were given.
@@ -18,6 +18,7 @@
 #pragma once
 
 #include "front/game_view.h"
+#include "front/pad_chord.h"
 #include "front/room_games.h"
 #include "front/room_hints.h"
 #include "front/screen.h"
@@ -78,6 +79,7 @@ public:
     void Draw(const DRAW_TARGET& target) override;
     [[nodiscard]] bool WantsInput() const override;
     [[nodiscard]] Pointer PointerWanted() const override;
+    [[nodiscard]] std::string PlayedTitle() const override;
     [[nodiscard]] bool TakeDropped(OPENED_GAME& opened) override;
     void LoseGraphics() override { renderer.Release(); }
     void RenewGraphics() override { StartRenderer(); }
@@ -172,6 +174,7 @@ private:
     std::unique_ptr<GameScreen> fullScreen; // while one set fills the window
     LightGun guns;                          // of that set's game
     InputLooker looker;
+    PadChord menuChord;
     uint32_t visited = 0;  // the set before which the player was put, until he moves
     uint32_t shownKey = 0; // of the set that fills the window
     int64_t lastRound = 0; // microseconds of the host's clock; 0 before the first

@@ -94,6 +94,21 @@ RunSetting SetForThisRun(const std::string& name, const std::string& value) {
     return RunSetting::kSet;
 }
 
+std::string RunSettingValues(const std::string& name) {
+    const Setting* const setting = Settings().Find(WideFromUtf8(name));
+    if (setting == nullptr) {
+        return "no setting";
+    }
+    switch (setting->type) {
+    case SettingType::kInt: return "a whole number";
+    case SettingType::kBool: return "true or false";
+    case SettingType::kFloat: return "a number";
+    case SettingType::kString: return "a text";
+    case SettingType::kInt2: break;
+    }
+    return "a key, which the options screen sets";
+}
+
 bool SaveWithoutRunSettings(std::string& error) {
     if (Overrides().empty()) {
         return SaveSettingsFile(Settings(), error);

@@ -11,6 +11,9 @@ enum class RunSetting { kSet, kUnknown, kNoValue };
 // Sets a setting from text, by its registered type, and remembers its old value.
 [[nodiscard]] RunSetting SetForThisRun(const std::string& name, const std::string& value);
 
+// What values a setting takes, after "is": "a whole number".
+[[nodiscard]] std::string RunSettingValues(const std::string& name);
+
 // Writes the settings file with the old values in place of those of this run, which stay in use. False with the reason.
 [[nodiscard]] bool SaveWithoutRunSettings(std::string& error);
 

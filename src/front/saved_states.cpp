@@ -5,11 +5,9 @@
 #include "front/notices.h"
 #include "front/screen.h"
 #include "gui/message_box.h"
-#include "host/session.h"
 #include "host/session_list.h"
 #include "settings/bindings.h"
 #include "settings/input_frame.h"
-#include "settings/pad_defaults.h"
 
 #include <ctime>
 #include <utility>
@@ -17,38 +15,20 @@
 namespace {
 
 constexpr uint32_t kEscape = 41; // scancode
-// Microseconds for what is held, as a stick may be for ever.
-constexpr int64_t kLongestWait = 1000000;
-
-bool AnythingIsHeld() {
-    for (uint32_t code = 0; code < kInputCodes; ++code) {
-        if (InputCodeIsDown(code, false)) {
-            return true;
-        }
-    }
-    return InputPadsDown() != 0;
-}
 
 } // namespace
 
 SavedStates::SavedStates()
     : panel({[this](SlotAct act, uint32_t slot) { Order(act, slot); }, [] {}}) {}
 
-SavedStates::~SavedStates() {
-    Resume();
-}
-
 void SavedStates::Open(SAVED_STATES_GAME played) {
     if (IsShown() || played.serial == 0) {
         return;
     }
-    Resume();
     game = std::move(played);
-    if (!EmuPauseSession(game.key, true)) {
+    if (!paused.Hold(game.key)) {
         return;
     }
-    paused = true;
-    closedAt = 0;
     if (worker == nullptr) {
         worker = std::make_unique<SlotWorker>();
     }
@@ -77,9 +57,10 @@ bool SavedStates::Update(const SCREEN_INPUT& input) {
     TakeAnswers();
     ReadKeys(input, pressed);
     panel.Update();
-    if (paused && !IsShown()) {
-        LetGameGoOn(input.now);
+    if (!IsShown()) {
+        paused.LetGo();
     }
+    paused.Update(input.now);
     return pressed && !wasShown;
 }
 
@@ -117,21 +98,5 @@ void SavedStates::TakeAnswers() {
                 PostReport(answer->text);
             }
         }
-    }
-}
-
-void SavedStates::LetGameGoOn(int64_t now) {
-    if (closedAt == 0) {
-        closedAt = now;
-    }
-    if (!AnythingIsHeld() || now - closedAt > kLongestWait) {
-        Resume();
-    }
-}
-
-void SavedStates::Resume() {
-    if (std::exchange(paused, false)) {
-        HandPressesOver(); // what was pressed in the panel is not the game's
-        static_cast<void>(EmuPauseSession(game.key, false));
     }
 }

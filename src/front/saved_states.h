@@ -1,8 +1,7 @@
 // SavedStates: the saved states of the game that is played, in a panel over it (slots_panel.h), opened by the action
 // of that name.
 //
-// While the panel is open the game is paused and gets no input. It stays so after the panel has closed until nothing
-// is held down any more, so that the press that closed it does not reach the game.
+// While the panel is open the game is paused and gets no input.
 // Keys: escape and the action close it; a controller moves the focus, its lower button takes, its right button closes.
 //
 // Thread: main, a worker of its own for the disk. Order: made and used after the toolkit has its theme; Update once a
@@ -10,6 +9,7 @@
 #pragma once
 
 #include "front/gui_pad.h"
+#include "front/paused_game.h"
 #include "host/slot_worker.h"
 #include "screens/slots_panel.h"
 #include "settings/input_frame.h"
@@ -31,7 +31,7 @@ struct SAVED_STATES_GAME {
 class SavedStates {
 public:
     SavedStates();
-    ~SavedStates();
+    ~SavedStates() = default;
     SavedStates(const SavedStates&) = delete;
     SavedStates& operator=(const SavedStates&) = delete;
 
@@ -48,15 +48,12 @@ private:
     void ReadKeys(const SCREEN_INPUT& input, bool toggled);
     void Order(SlotAct act, uint32_t slot);
     void TakeAnswers();
-    void LetGameGoOn(int64_t now);
-    void Resume();
 
     std::unique_ptr<SlotWorker> worker; // from the first use
     CGUISlotsPanel panel;
     SAVED_STATES_GAME game;
     GuiPad pad;
     InputLooker looker;
-    bool held = false;    // the action was down in the round before
-    bool paused = false;  // the game, by this
-    int64_t closedAt = 0; // microseconds of the host's clock; 0: not since the game was paused
+    bool held = false; // the action was down in the round before
+    PausedGame paused;
 };

@@ -69,6 +69,9 @@ public:
         return WantsInput() ? Pointer::kCaptured : Pointer::kSeen;
     }
 
+    // The window's title while a game of the screen's own is played; empty: that of the program.
+    [[nodiscard]] virtual std::string PlayedTitle() const { return {}; }
+
     // The graphics context is given up, with every texture and program in it; and there is a new one.
     virtual void LoseGraphics() {}
     virtual void RenewGraphics() {}

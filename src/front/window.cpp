@@ -1,5 +1,6 @@
 #include "front/window.h"
 
+#include "base/text.h"
 #include "front/event_pump.h"
 #include "front/window_icon.h"
 #include "settings/settings.h"
@@ -8,6 +9,7 @@
 #include <SDL_opengl.h>
 
 #include <algorithm>
+#include <charconv>
 
 namespace {
 
@@ -26,6 +28,29 @@ WINDOW_SIZE DisplaySize() {
         return {kLongestSide, kLongestSide};
     }
     return {bounds.w, bounds.h};
+}
+
+std::vector<DESKTOP_RECT> Displays() {
+    std::vector<DESKTOP_RECT> displays;
+    for (int at = 0; at < SDL_GetNumVideoDisplays(); ++at) {
+        SDL_Rect bounds{};
+        if (SDL_GetDisplayUsableBounds(at, &bounds) == 0) {
+            displays.push_back({bounds.x, bounds.y, bounds.w, bounds.h});
+        }
+    }
+    return displays;
+}
+
+// "X Y".
+std::optional<WINDOW_PLACE_ON_DESKTOP> ReadPlace(const std::string& text) {
+    WINDOW_PLACE_ON_DESKTOP place;
+    const char* const end = text.data() + text.size();
+    const auto [space, first] = std::from_chars(text.data(), end, place.x);
+    if (first != std::errc() || space == end || *space != ' ') {
+        return std::nullopt;
+    }
+    const auto [stop, second] = std::from_chars(space + 1, end, place.y);
+    return second == std::errc() && stop == end ? std::optional(place) : std::nullopt;
 }
 
 void SetContextAttributes(int samples) {
@@ -76,9 +101,18 @@ WINDOW_OPTIONS WindowOptionsFromSettings() {
     options.fullScreen = settings.GetBool(L"app_fullscreen");
     options.width = settings.GetInt(L"app_window_width");
     options.height = settings.GetInt(L"app_window_height");
+    options.place = ReadPlace(Utf8FromWide(settings.GetString(L"app_window_place")));
     options.antialias = settings.GetBool(L"app_antialias");
     options.vsync = settings.GetBool(L"app_vsync");
     return options;
+}
+
+void KeepInSettings(const DESKTOP_RECT& windowPlace) {
+    SettingsStore& settings = Settings();
+    settings.SetInt(L"app_window_width", windowPlace.width);
+    settings.SetInt(L"app_window_height", windowPlace.height);
+    settings.SetString(L"app_window_place",
+                       std::to_wstring(windowPlace.x) + L" " + std::to_wstring(windowPlace.y));
 }
 
 WINDOW_SIZE UsableWindowSize(WINDOW_SIZE wanted, WINDOW_SIZE display, std::string& message) {
@@ -95,6 +129,17 @@ WINDOW_SIZE UsableWindowSize(WINDOW_SIZE wanted, WINDOW_SIZE display, std::strin
     return size;
 }
 
+bool IsReachable(const DESKTOP_RECT& window, std::span<const DESKTOP_RECT> displays) {
+    constexpr int32_t kEdgeHigh = 32; // units that must be seen
+    constexpr int32_t kEdgeWide = 100;
+    return std::any_of(displays.begin(), displays.end(), [&](const DESKTOP_RECT& display) {
+        const int32_t left = std::max(window.x, display.x);
+        const int32_t right = std::min(window.x + window.width, display.x + display.width);
+        return right - left >= std::min(kEdgeWide, window.width) && window.y >= display.y &&
+               window.y + kEdgeHigh <= display.y + display.height;
+    });
+}
+
 Window::~Window() {
     Close();
 }
@@ -105,8 +150,15 @@ bool Window::Create(const WINDOW_OPTIONS& options, const std::string& title, int
     if (options.fullScreen) {
         flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
     }
-    window = SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
-                              options.width, options.height, flags);
+    int x = SDL_WINDOWPOS_CENTERED;
+    int y = SDL_WINDOWPOS_CENTERED;
+    if (options.place &&
+        IsReachable({options.place->x, options.place->y, options.width, options.height},
+                    Displays())) {
+        x = options.place->x;
+        y = options.place->y;
+    }
+    window = SDL_CreateWindow(title.c_str(), x, y, options.width, options.height, flags);
     if (window == nullptr) {
         return false;
     }
@@ -181,7 +233,25 @@ bool Window::Open(const WINDOW_OPTIONS& options, const std::string& title,
     SetIcon(window);
     SetVsync(options.vsync);
     given = options;
+    put = Place();
     return true;
+}
+
+DESKTOP_RECT Window::Place() const {
+    DESKTOP_RECT place;
+    SDL_GetWindowPosition(window, &place.x, &place.y);
+    SDL_GetWindowSize(window, &place.width, &place.height);
+    return place;
+}
+
+std::optional<DESKTOP_RECT> Window::PlaceByHand() const {
+    constexpr uint32_t kNotByHand =
+        SDL_WINDOW_FULLSCREEN_DESKTOP | SDL_WINDOW_MAXIMIZED | SDL_WINDOW_MINIMIZED;
+    if (window == nullptr || (SDL_GetWindowFlags(window) & kNotByHand) != 0) {
+        return std::nullopt;
+    }
+    const DESKTOP_RECT now = Place();
+    return now == put ? std::nullopt : std::optional(now);
 }
 
 void Window::SetVsync(bool on) {
@@ -198,6 +268,7 @@ void Window::Take(const WINDOW_OPTIONS& options) {
         // Of a window that fills the display this is the size to come back to.
         SDL_SetWindowSize(window, size.width, size.height);
         SDL_SetWindowPosition(window, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+        put = Place();
     }
     if (options.fullScreen != before.fullScreen) {
         SDL_SetWindowFullscreen(window, options.fullScreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);

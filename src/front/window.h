@@ -11,23 +11,44 @@
 #include "screens/program_pointer.h"
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 class EventPump;
 struct SDL_Window;
 
+// Of a window or a display, in the desktop's units.
+struct DESKTOP_RECT {
+    int32_t x = 0;
+    int32_t y = 0;
+    int32_t width = 0;
+    int32_t height = 0;
+    bool operator==(const DESKTOP_RECT&) const = default;
+};
+
+// The corner of the window's contents on the desktop.
+struct WINDOW_PLACE_ON_DESKTOP {
+    int32_t x = 0;
+    int32_t y = 0;
+    bool operator==(const WINDOW_PLACE_ON_DESKTOP&) const = default;
+};
+
 // The window that the settings ask for.
 struct WINDOW_OPTIONS {
     bool fullScreen = false;
     int32_t width = 1280; // when not full screen, in the desktop's units
     int32_t height = 720;
-    bool antialias = false; // eight samples a pixel
+    std::optional<WINDOW_PLACE_ON_DESKTOP> place; // at the opening; none: in the middle
+    bool antialias = false;                       // eight samples a pixel
     bool vsync = true;
 
     bool operator==(const WINDOW_OPTIONS&) const = default;
 };
 [[nodiscard]] WINDOW_OPTIONS WindowOptionsFromSettings();
+// What the player has made of the window by hand.
+void KeepInSettings(const DESKTOP_RECT& windowPlace);
 
 class Window {
 public:
@@ -52,6 +73,9 @@ public:
     void Take(const WINDOW_OPTIONS& options);
 
     void SetTitle(const std::string& title);
+    // Where it is and how large, if the player has moved it or changed its size since it was given one. None while it
+    // fills the display.
+    [[nodiscard]] std::optional<DESKTOP_RECT> PlaceByHand() const;
     void ToggleFullScreen();
     [[nodiscard]] bool FillsDisplay() const { return given.fullScreen; }
     // A captured mouse has no pointer and does not leave the window; only its moves count.
@@ -78,7 +102,10 @@ private:
     void* context = nullptr;
     unsigned (*resetStatus)() = nullptr; // null if the driver does not tell of resets
     bool followsDisplay = false;
+    [[nodiscard]] DESKTOP_RECT Place() const;
+
     WINDOW_OPTIONS given; // the last options, of Open or Take
+    DESKTOP_RECT put;     // where it was then
 };
 
 // A possible window size: if a side is below 1 or absurdly long, the default size; a side longer than
@@ -89,3 +116,7 @@ struct WINDOW_SIZE {
 };
 [[nodiscard]] WINDOW_SIZE UsableWindowSize(WINDOW_SIZE wanted, WINDOW_SIZE display,
                                            std::string& message);
+
+// Whether enough of a window's upper edge lies on a display to be seen and taken hold of: a display may have gone
+// since the window was there.
+[[nodiscard]] bool IsReachable(const DESKTOP_RECT& window, std::span<const DESKTOP_RECT> displays);

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <array>
-#include <initializer_list>
+#include <utility>
 
 namespace {
 
@@ -19,6 +19,7 @@ std::array<CGhostMessageBox*, CGhostMessageBox::kMost>& Table() {
 constexpr int32_t kFirstWidth = 450;
 constexpr int32_t kWidthStep = 50;
 constexpr int32_t kButtonWide = 100;
+constexpr int32_t kButtonGap = 12;
 constexpr int32_t kButtonHigh = 25;
 constexpr int32_t kButtonRow = 35; // from the client area's lower edge
 
@@ -30,7 +31,10 @@ public:
         : box(owner) {}
     void Destroy() override { delete this; }
     void OnKeyDown(GHOSTGUIKey key) override {
-        const bool atButton = CGhostManager::Get().FocusWindow() == box->Button()->window;
+        const auto& buttons = box->Buttons();
+        const bool atButton = std::any_of(buttons.begin(), buttons.end(), [](const auto* one) {
+            return CGhostManager::Get().FocusWindow() == one->window;
+        });
         if (key == GHOSTGUIKey::kEscape || (key == GHOSTGUIKey::kReturn && !atButton)) {
             box->Dismiss();
         }
@@ -46,14 +50,15 @@ private:
 
 } // namespace
 
-CGhostMessageBox* CGhostMessageBox::Show(const std::wstring& title, const std::wstring& text) {
+CGhostMessageBox* CGhostMessageBox::Show(const std::wstring& title, const std::wstring& text,
+                                         std::vector<MESSAGE_CHOICE> choices) {
     const auto hold = CGhostManager::Get().HoldRound();
     auto& table = Table();
     const auto slot = std::find(table.begin(), table.end(), nullptr);
     if (slot == table.end()) {
         return nullptr;
     }
-    return *slot = new CGhostMessageBox(title, text);
+    return *slot = new CGhostMessageBox(title, text, std::move(choices));
 }
 
 size_t CGhostMessageBox::Count() {
@@ -62,25 +67,41 @@ size_t CGhostMessageBox::Count() {
     return table.size() - static_cast<size_t>(std::count(table.begin(), table.end(), nullptr));
 }
 
-CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring& text)
+CGhostMessageBox::CGhostMessageBox(const std::wstring& title, const std::wstring& text,
+                                   std::vector<MESSAGE_CHOICE> choices)
     : DimmedBox(title) {
-    GHOSTMANAGER_WINDOW* const within = Box()->window;
-    button = new CGhostButton(within, 0, L"MESSAGEBOX_BUTTON", L"Ok", 0, {});
-    button->OnClick.connect([this](CGhostButton*, int, int, unsigned) { Dismiss(); });
-    message = new CGhostMultiText(within, 0, L"MESSAGEBOX_TEXT", text, {});
-    for (CGhostGUIHandler* last :
-         std::initializer_list<CGhostGUIHandler*>{button, message, Box(), this}) {
+    buttons.reserve(choices.size() + 1);
+    for (MESSAGE_CHOICE& choice : choices) {
+        AddButton(choice.caption, std::move(choice.chosen));
+    }
+    button = AddButton(choices.empty() ? L"Ok" : L"Close", {});
+    message = new CGhostMultiText(Box()->window, 0, L"MESSAGEBOX_TEXT", text, {});
+    std::vector<CGhostGUIHandler*> parts{message, Box(), this};
+    parts.insert(parts.end(), buttons.begin(), buttons.end());
+    for (CGhostGUIHandler* last : parts) {
         while (last->next != nullptr) {
             last = last->next;
         }
         last->next = new Dismisser(this);
     }
-    for (GHOSTMANAGER_WINDOW* const part : {button->window, message->window}) {
-        CGhostManager::Get().SetPart(part);
-    }
+    CGhostManager::Get().SetPart(message->window);
     Place();
     TakeInput();
-    button->SetFocus();
+    buttons.front()->SetFocus();
+}
+
+CGhostButton* CGhostMessageBox::AddButton(const std::wstring& caption,
+                                          std::function<void()> chosen) {
+    auto* const made = new CGhostButton(Box()->window, 0, L"MESSAGEBOX_BUTTON", caption, 0, {});
+    made->OnClick.connect([this, act = std::move(chosen)](CGhostButton*, int, int, unsigned) {
+        if (act && !closed) {
+            act();
+        }
+        Dismiss();
+    });
+    CGhostManager::Get().SetPart(made->window);
+    buttons.push_back(made);
+    return made;
 }
 
 CGhostMessageBox::~CGhostMessageBox() {
@@ -109,8 +130,12 @@ void CGhostMessageBox::Place() {
     height = std::min(height, all.height);
     PlaceBox(width, height);
     const GUI_RECT client = Client();
-    button->SetPos((client.width - kButtonWide) / 2, client.height - kButtonRow, kButtonWide,
-                   kButtonHigh);
+    const auto count = static_cast<int32_t>(buttons.size());
+    int32_t x = (client.width - count * kButtonWide - (count - 1) * kButtonGap) / 2;
+    for (CGhostButton* const one : buttons) {
+        one->SetPos(x, client.height - kButtonRow, kButtonWide, kButtonHigh);
+        x += kButtonWide + kButtonGap;
+    }
     message->SetPos(0, 0, client.width, client.height - kButtonRow);
 }
 

@@ -15,20 +15,12 @@
 // length.
 #pragma once
 
-#include "host/aligned_block.h"
+#include "host/frame_sound.h"
 #include "host/session.h"
 #include "settings/input_frame.h"
 
 #include <cstdint>
 #include <vector>
-
-// The sound of the current frame: the record that a machine fills and its samples, at the program's
-// rate when it was constructed.
-struct SOUND_FRAME {
-    SOUND_FRAME();
-    AlignedBlock<int16_t> samples;
-    EMU_AUDIO_FRAME frame{};
-};
 
 // One step under the session's lock: a frame of static while it runs; with `rewind` the frame
 // after the newest state of the rewind stack, its sound reversed; otherwise a frame of the machine,
@@ -36,9 +28,6 @@ struct SOUND_FRAME {
 // are unchanged.
 bool EmuStep(EMU_THREAD& session, EMU_INPUT_STATE* input, EMU_VIDEO_FRAME* video,
              EMU_AUDIO_FRAME* audio, bool rewind);
-
-// Reverses the sound of n pairs: pair i gets, in both channels, the left sample of pair n - 1 - i.
-void EmuReverseSound(EMU_AUDIO_FRAME& audio);
 
 // Length of a frame in microseconds, single precision, truncated; 0 without samples.
 [[nodiscard]] uint32_t EmuFrameMicroseconds(uint32_t sampleCount, uint32_t sampleRate);
@@ -55,8 +44,16 @@ struct HOTKEYS {
     bool loadState = false;
     bool fastForward = false;
     bool rewind = false;
+    bool pause = false;
+    bool frameStep = false;
+    bool slowMotion = false;
+    bool toggleFast = false;
+    bool reset = false;
 };
 [[nodiscard]] HOTKEYS EmuPollHotkeys(uint32_t key);
+
+// The speed that the player has chosen; it stays until he chooses another one. Keys that are held come first.
+enum class PlaySpeed : uint8_t { kNormal, kFast, kHalf, kQuarter };
 
 // What a session's thread keeps from one round to the next.
 struct FRAME_LOOP {
@@ -65,14 +62,21 @@ struct FRAME_LOOP {
     SOUND_FRAME sound;
     InputLooker hotkeys; // read once a round, however many frames it runs
     uint32_t fastForwardSteps;
-    bool saveWasDown = false;
-    bool loadWasDown = false;
+    HOTKEYS before; // of the previous round
+    PlaySpeed speed = PlaySpeed::kNormal;
+    uint32_t slowPart = 0;         // rounds that the newest frame of slow motion has been shown for
+    uint8_t slowHold = 0;          // of that frame
+    SOUND_FRAME made;              // sound that no machine made: stretched, or a fade
+    SoundPair lastPair{};          // of the newest sound that was submitted
+    SoundPair slowBefore{};        // of the sound before that frame
+    bool silent = false;           // the sound has been ended
     EMU_VIDEO_FRAME lastPicture{}; // the last one presented; the host owns its pixels
     std::vector<uint32_t> kept;    // a picture of this round that a held one was drawn over
     std::vector<uint32_t> scratch; // for rotating pictures
 };
 
-// One round of the loop. A round that draws nothing shows the picture of the round before again.
+// One round of the loop. A round that draws nothing shows the picture of the round before again; one of a paused game
+// presents nothing.
 void EmuRound(EMU_THREAD& session, const EMU_HOST_CALLBACKS& host, FRAME_LOOP& loop,
               const HOTKEYS& keys);
 

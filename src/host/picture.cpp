@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -15,6 +16,10 @@ constexpr int32_t kStrokeColumns = 4;
 constexpr int32_t kChevronDistance = 28; // columns
 constexpr int32_t kForwardStart = -26;   // first column of the bar, from the middle
 constexpr int32_t kBackStart = -6;
+// Between two screens: black, so that it is no part of a game, with a line that is seen beside black pictures too.
+constexpr uint32_t kDivider[] = {0xFF000000, 0xFF606060, 0xFF606060, 0xFF000000};
+constexpr auto kDividerColumns = static_cast<uint32_t>(std::size(kDivider));
+
 constexpr uint32_t kStroke[kStrokeColumns] = {0xFFFFFFFF, 0xFFC0C0C0, 0xFF808080, 0xFF000000};
 
 void DrawStroke(SpeedGlyph direction, EMU_VIDEO_FRAME& video, int32_t column, int32_t row) {
@@ -74,6 +79,34 @@ void EmuDrawSpeedGlyph(SpeedGlyph direction, EMU_VIDEO_FRAME& video) {
     const int32_t top = static_cast<int32_t>(halfHeight) - kChevronRows / 2;
     DrawChevron(direction, video, column, top);
     DrawChevron(direction, video, column + kChevronDistance, top);
+}
+
+// From the last row and the last screen back, as every pixel's new place is behind its old one.
+void EmuDivideScreens(uint32_t screens, EMU_VIDEO_FRAME& video, size_t capacityPixels) {
+    if (screens < 2 || video.width == 0 || video.width % screens != 0) {
+        return;
+    }
+    const uint32_t each = video.width / screens;
+    const uint32_t step = each + kDividerColumns;
+    const uint32_t wide = screens * step - kDividerColumns;
+    if (uint64_t{wide} * video.height > capacityPixels) {
+        return;
+    }
+    for (uint32_t row = video.height; row-- > 0;) {
+        for (uint32_t screen = screens; screen-- > 0;) {
+            uint32_t* const to = video.pixels + size_t{row} * wide + size_t{screen} * step;
+            std::memmove(to, video.pixels + size_t{row} * video.width + size_t{screen} * each,
+                         each * sizeof(uint32_t));
+            if (screen + 1 < screens) {
+                std::copy_n(kDivider, kDividerColumns, to + each);
+            }
+        }
+    }
+    const float wider = static_cast<float>(wide) / static_cast<float>(video.width);
+    video.aspect *= wider;
+    video.visibleAspect *= wider;
+    video.visibleWidth += wide - video.width;
+    video.width = wide;
 }
 
 void EmuRotateFrame(EMU_VIDEO_FRAME& video, std::vector<uint32_t>& scratch) {

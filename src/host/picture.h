@@ -26,6 +26,10 @@ enum class SpeedGlyph { kForward, kBack };
 // whose half width or half height is 25 pixels or less gets none; chevrons are clipped at its edges.
 void EmuDrawSpeedGlyph(SpeedGlyph direction, EMU_VIDEO_FRAME& video);
 
+// Puts a bar between the screens that are side by side in a picture, which becomes wider by it; no pixel of a game is
+// lost. Nothing happens if the buffer of `capacityPixels` is too small, or with one screen.
+void EmuDivideScreens(uint32_t screens, EMU_VIDEO_FRAME& video, size_t capacityPixels);
+
 // Rotates the picture by 90 degrees clockwise in its buffer if it is marked `rotated`, and clears the
 // mark, so that a picture that is shown again is not rotated twice. `scratch` is kept between frames.
 void EmuRotateFrame(EMU_VIDEO_FRAME& video, std::vector<uint32_t>& scratch);

@@ -267,3 +267,7 @@ bool EmuPauseSession(uint32_t key, bool paused) {
     session->paused = paused;
     return true;
 }
+
+void EmuWaitForFocus(bool waits) {
+    EmuForEachSession([waits](EMU_THREAD& session) { session.waitsForFocus = waits; });
+}

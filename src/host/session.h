@@ -57,6 +57,7 @@ struct EMU_THREAD {
     std::string gameName;       // as the caller gave it
     std::string archivePath;    // in the program's path notation, lower case
     std::string stateEntryName; // twelve hexadecimal digits, lower case
+    bool fromAutosave = false;  // it goes on from what an earlier session has saved
     uint32_t frameWidth = 0;    // copies of the machine's
     uint32_t frameHeight = 0;
 
@@ -68,12 +69,14 @@ struct EMU_THREAD {
     InputLooker inputs; // of the machine's frames; used by the thread that steps it
     REWIND_STACK rewind;
     BATTERY_FILE battery;
-    RESUME_FILE resume;                   // has a lock of its own for what changes
-    uint32_t staticFrames = 0;            // of television static, shown so far
-    std::atomic<uint8_t> showStatic{1};   // 1 while the static runs; anyone may read it
-    std::atomic<uint32_t> lockWaiters{0}; // other threads that wait for `lock`
-    std::atomic<int32_t> speed{1};   // of the last round: times the ordinary one; -1: backwards
-    std::atomic<bool> paused{false}; // no rounds: picture and machine stay as they are
+    RESUME_FILE resume;                      // has a lock of its own for what changes
+    uint32_t staticFrames = 0;               // of television static, shown so far
+    std::atomic<uint8_t> showStatic{1};      // 1 while the static runs; anyone may read it
+    std::atomic<uint32_t> lockWaiters{0};    // other threads that wait for `lock`
+    std::atomic<bool> paused{false};         // no rounds: picture and machine stay as they are
+    std::atomic<bool> waitsForFocus{false};  // the same, while another window has the keyboard
+    std::atomic<bool> pausedByPlayer{false}; // rounds look at the keys, and run no frame
+    std::atomic<int32_t> speed{1}; // of the last round: times the ordinary one; -1: backwards
 
     // What the host keeps. `hostData` is set by the open callback on the session's thread and cleared by
     // close on the stopping one, both under the list lock, close under `lock` as well.
@@ -149,6 +152,9 @@ bool EmuResetSession(uint32_t key);
 // Stops the rounds of the session on this key, or lets them go on. What is saved and loaded meanwhile is as at any
 // frame boundary; a round that is under way still ends. False if there is none. With no lock held.
 bool EmuPauseSession(uint32_t key, bool paused);
+
+// The same for all sessions that are open, while the player looks at another window.
+void EmuWaitForFocus(bool waits);
 
 // Calls `visit` for every session that the host has opened, under the list lock. A visit may take the
 // locks further down, must neither start nor stop a session, and should be short: others wait for it.

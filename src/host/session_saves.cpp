@@ -69,6 +69,7 @@ bool SessionLoadSaves(EMU_THREAD& session, SESSION_RESUME&& resume) {
         }
     } else if (AutosaveWanted(kAutosaveLoad)) {
         loaded = EmuLoadFromArchive(session);
+        session.fromAutosave = loaded;
     }
     if (loaded && memory != nullptr) {
         BatteryPutBack(session.battery, *memory);

@@ -12,6 +12,7 @@
 #include "library/free_name.h"
 #include "library/game_database.h"
 #include "library/game_source.h"
+#include "library/image_check.h"
 #include "library/image_identity.h"
 
 #include <algorithm>
@@ -116,6 +117,8 @@ private:
     void TakeGame(const std::string& label, const FOUND_IMAGE& image);
     [[nodiscard]] SHELF* ShelfOf(const WALKED_FILE& file, const FOUND_IMAGE& image,
                                  const IDENTITY& identity);
+    [[nodiscard]] bool MayPlace(const SHELF& shelf, bool named, const std::string& label,
+                                const FOUND_IMAGE& image, const IDENTITY& identity);
     void Place(SHELF& shelf, const std::string& label, const FOUND_IMAGE& image,
                const IDENTITY& identity);
     [[nodiscard]] SHELF* FindShelf(uint16_t system);
@@ -247,7 +250,9 @@ void GameAdder::TakeImage(const WALKED_FILE& file, const FOUND_IMAGE& image) {
     }
     const IDENTITY identity = IdentityOf(image.bytes);
     if (SHELF* const shelf = ShelfOf(file, image, identity)) {
-        Place(*shelf, label, image, identity);
+        if (MayPlace(*shelf, IsNamed(file), label, image, identity)) {
+            Place(*shelf, label, image, identity);
+        }
     } else if (IsNamed(file) || MayBeImage(image.bytes.size())) {
         ++result.untold;
         sink.fault(label + ": nothing tells which machine it is for");
@@ -256,15 +261,27 @@ void GameAdder::TakeImage(const WALKED_FILE& file, const FOUND_IMAGE& image) {
     }
 }
 
+// A text or a picture beside games, as every folder has them, is no failure unless the player has named it.
+bool GameAdder::MayPlace(const SHELF& shelf, bool named, const std::string& label,
+                         const FOUND_IMAGE& image, const IDENTITY& identity) {
+    const uint16_t system = shelf.machine->system;
+    const IMAGE_VERDICT verdict = CheckImage(system, image.bytes);
+    if (verdict.fault == ImageFault::kNone || shelf.database.FindKnownRom(identity.For(system))) {
+        return true;
+    }
+    if (verdict.fault == ImageFault::kOtherKind && !named) {
+        ++result.others;
+    } else {
+        Fault(label + ": " + verdict.reason);
+    }
+    return false;
+}
+
 void GameAdder::Place(SHELF& shelf, const std::string& label, const FOUND_IMAGE& image,
                       const IDENTITY& identity) {
     const uint16_t system = shelf.machine->system;
     const bool arcade = system == kSystemArcade;
     const Sha256Digest& hash = identity.For(system);
-    if (IsBareCopierHeader(system, image.bytes)) {
-        Fault(label + ": is only a copier's header, without a Mega Drive image");
-        return;
-    }
     if (arcade && !shelf.database.FindKnownRom(hash)) {
         Fault(label + ": is no piece of a board that the database knows");
         return;

@@ -10,6 +10,7 @@
 #include "library/game_database.h"
 #include "library/game_source.h"
 #include "library/game_writer.h"
+#include "library/image_check.h"
 #include "library/source_files.h"
 
 #include <algorithm>
@@ -52,6 +53,7 @@ struct GATHERED_ITEM {
     std::wstring member;
     uint32_t size = 0;
     Sha256Digest sha256{};
+    std::string noGame; // why it can be no game; a database that knows it overrules that
 };
 
 struct GATHERED {
@@ -83,8 +85,9 @@ struct MADE_GAME {
     std::string refusal;        // the source stays for this reason; may be empty
 };
 
-GATHERED_ITEM Hashed(std::wstring member, std::span<const uint8_t> bytes) {
-    return {std::move(member), static_cast<uint32_t>(bytes.size()), Sha256(bytes)};
+GATHERED_ITEM Hashed(uint16_t system, std::wstring member, std::span<const uint8_t> bytes) {
+    return {std::move(member), static_cast<uint32_t>(bytes.size()), Sha256(bytes),
+            CheckImage(system, bytes).reason};
 }
 
 void GatherZip(uint16_t system, std::span<const uint8_t> archive, GATHERED& gathered) {
@@ -115,7 +118,7 @@ void GatherZip(uint16_t system, std::span<const uint8_t> archive, GATHERED& gath
             continue;
         }
         room -= entry.unpackedSize;
-        gathered.items.push_back(Hashed(entry.name, bytes));
+        gathered.items.push_back(Hashed(system, entry.name, bytes));
     }
 }
 
@@ -132,7 +135,7 @@ GATHERED GatherSource(uint16_t system, const SOURCE& source) {
             gathered.error = source.path.string() + ": " + gathered.error;
         }
     } else if (!bytes.empty()) {
-        gathered.items.push_back(Hashed({}, bytes));
+        gathered.items.push_back(Hashed(system, {}, bytes));
     }
     return gathered;
 }
@@ -259,9 +262,15 @@ bool Conversion::Gather() {
 
 void Conversion::TakeGathered(SOURCE& source, const GATHERED& gathered) {
     source.stamp = gathered.stamp;
-    source.queued = static_cast<uint32_t>(gathered.items.size());
     source.leftOut = gathered.leftOut;
+    std::string noGame;
     for (const GATHERED_ITEM& item : gathered.items) {
+        if (!item.noGame.empty() && !database.FindKnownRom(item.sha256)) {
+            noGame = item.noGame;
+            source.leftOut = Utf8FromWide(item.member);
+            continue;
+        }
+        ++source.queued;
         database.QueueHashed(source.path, item.member, item.size, item.sha256);
     }
     const std::string name = source.path.string();
@@ -270,6 +279,8 @@ void Conversion::TakeGathered(SOURCE& source, const GATHERED& gathered) {
     } else if (!gathered.error.empty() && !source.isZip) {
         Report(ConversionCount::kError, "Failed to convert this unknown game: " + name);
         Report(ConversionCount::kNone, gathered.error);
+    } else if (source.queued == 0 && !noGame.empty() && !source.isZip) {
+        Report(ConversionCount::kSkipped, name + ": " + noGame);
     } else if (source.queued == 0) {
         Report(ConversionCount::kSkipped,
                gathered.error.empty() ? name + ": holds no game image" : gathered.error);
@@ -446,10 +457,6 @@ MADE_GAME Conversion::MakeUnknown(const SOURCE& source) const {
         return made;
     }
     const std::string name = source.path.string();
-    if (!source.isZip && IsBareCopierHeader(conversion.system, bytes)) {
-        made.refusal = name + ": is only a copier's header, without an image";
-        return made;
-    }
     // An archive is no dump of a cartridge, whatever its size: reordering it would destroy it.
     std::vector<uint8_t> image =
         source.isZip ? std::move(bytes) : PrepareImage(conversion.system, bytes);
@@ -528,6 +535,9 @@ void Conversion::TakeRest(SOURCE& source, bool used, bool repeated, const MADE_G
 }
 
 void Conversion::TakeUnknown(SOURCE& source, const MADE_GAME& made) {
+    if (conversion.system == kSystemArcade && source.gone) {
+        return; // removed with another item of the same zip, as all of it is in games
+    }
     if (!made.error.empty()) {
         Report(ConversionCount::kError,
                "Failed to convert this unknown game: " + source.path.string());

@@ -19,8 +19,9 @@
 // A piece of several boards goes when the games of all boards that are complete have been written.
 //
 // With `keepSources` sources move into the subfolder `sources` instead of being deleted.
-// An empty file, a copier's header without an image, a file of more than kLargestImage bytes (a zip of
-// more than kLargestZip) and what is no regular file are not converted; each gets a line.
+// An empty file, one that can be no game (image_check.h) and that the database does not know, a file of more than
+// kLargestImage bytes (a zip of more than kLargestZip) and what is no regular file are not converted; each gets a
+// line.
 #pragma once
 
 #include <atomic>

@@ -5,6 +5,8 @@
 #include "formats/game_file.h"
 #include "formats/zip.h"
 #include "library/convert.h"
+#include "library/game_database.h"
+#include "library/image_check.h"
 
 #include <algorithm>
 #include <cstring>
@@ -58,6 +60,7 @@ std::string StemOf(const fs::path& path) {
 
 struct ARCHIVE_ENTRY {
     uint32_t index;
+    std::string entry; // with its folders
     fs::path name;
     uint16_t system;
     uint64_t unpackedSize;
@@ -73,8 +76,10 @@ std::vector<ARCHIVE_ENTRY> FileEntries(const ZipReader& reader) {
         }
         const fs::path name(Utf8FromWide(LastPathComponent(entry.name)));
         if (!name.empty()) { // a folder
-            files.push_back(
-                {index, name, SystemOfExtension(name.extension().string()), entry.unpackedSize});
+            std::string whole = Utf8FromWide(entry.name);
+            std::ranges::replace(whole, '\\', '/');
+            files.push_back({index, std::move(whole), name,
+                             SystemOfExtension(name.extension().string()), entry.unpackedSize});
         }
     }
     return files;
@@ -110,6 +115,7 @@ bool VisitEntries(const fs::path& path, const ZipReader& reader,
         FOUND_IMAGE image;
         image.name = NameOf(entry.name);
         image.stem = StemOf(entry.name);
+        image.entry = entry.entry;
         image.system = entry.system;
         std::string fault;
         if (!reader.Unpack(entry.index, image.bytes, fault, kLargestImage)) {
@@ -189,52 +195,98 @@ std::string FaultOfGameFile(const fs::path& path, bool headerOnly) {
     return name + ": its records or its image are damaged";
 }
 
-// Visits images until one is built.
 using VisitFunction = std::function<bool(const IMAGE_VISITOR& visitor, std::string& error)>;
 
-// Builds the first image that the visit comes to. `name` is that image's.
-bool BuildFirst(const fs::path& path, const VisitFunction& visit, CGameFile& game,
-                std::string& name, std::string& error) {
-    bool built = false;
-    IMAGE_VISITOR visitor;
-    visitor.image = [&](const FOUND_IMAGE& image) {
-        if (IsBareCopierHeader(image.system, image.bytes)) {
-            error = path.string() + ": is only a copier's header, without a Mega Drive image";
+// Takes the game that was picked from the images of a visit, and counts what else it could have been.
+class Picker {
+public:
+    Picker(const fs::path& file, const GAME_PICK& wanted, CGameFile& picked)
+        : path(file)
+        , pick(wanted)
+        , game(picked) {}
+
+    // False with the reason if no game could be taken.
+    [[nodiscard]] bool Run(const VisitFunction& visit, std::string& error) {
+        IMAGE_VISITOR visitor;
+        visitor.image = [&](const FOUND_IMAGE& image) {
+            Take(image);
+            return true;
+        };
+        visitor.fault = [&](const std::string& fault) { Refuse(fault); };
+        if (!visit(visitor, error)) {
             return false;
         }
+        if (!taken) {
+            error = refusal.empty() ? path.string() + ": holds no game " + pick.entry : refusal;
+        }
+        return taken;
+    }
+
+    [[nodiscard]] size_t Games() const { return games; }
+    // Of the one that was taken, in an archive.
+    [[nodiscard]] const std::string& Entry() const { return entry; }
+
+private:
+    void Refuse(const std::string& reason) { refusal = refusal.empty() ? reason : refusal; }
+
+    void Take(const FOUND_IMAGE& image) {
+        const bool wanted = pick.entry.empty() || image.entry == pick.entry;
+        if (taken || !wanted) {
+            // The others are only counted, without a look into the database.
+            if (CheckImage(image.system, image.bytes).fault == ImageFault::kNone) {
+                ++games;
+            }
+            return;
+        }
+        const std::string label =
+            path.string() + (image.entry.empty() ? "" : ": " + image.entry) + ": ";
         bool known = false;
-        built = BuildGame(image.system, image.stem, image.bytes, LoadDatabase(image.system), game,
-                          known);
-        name = image.name;
-        error = built ? "" : path.string() + ": is not an image that can be played by itself";
-        return false;
-    };
-    visitor.fault = [&](const std::string& fault) { error = fault; };
-    return visit(visitor, error) && built;
-}
+        CGameFile built;
+        const bool whole = BuildGame(image.system, image.stem, image.bytes,
+                                     LoadDatabase(image.system), built, known);
+        const IMAGE_VERDICT verdict =
+            known ? IMAGE_VERDICT{} : CheckImage(image.system, image.bytes);
+        if (!whole || verdict.fault != ImageFault::kNone) {
+            Refuse(label + (verdict.reason.empty() ? "is not an image that can be played by itself"
+                                                   : verdict.reason));
+            return;
+        }
+        game = std::move(built);
+        entry = image.entry;
+        taken = true;
+        ++games;
+    }
 
-bool OpenImageFile(const fs::path& path, const MACHINE_FACTS* system, CGameFile& game,
+    const fs::path& path;
+    const GAME_PICK& pick;
+    CGameFile& game;
+    bool taken = false;
+    size_t games = 0;
+    std::string entry;
+    std::string refusal; // the first
+};
+
+bool OpenImageFile(const fs::path& path, const GAME_PICK& pick, CGameFile& game, std::string& note,
                    std::string& error) {
-    std::string ignored;
     const auto visit = [&](const IMAGE_VISITOR& visitor, std::string& fault) {
-        return VisitImages(path, system, visitor, fault);
+        return VisitImages(path, pick.system, visitor, fault);
     };
-    return BuildFirst(path, visit, game, ignored, error);
-}
-
-// Whether the image that is played begins as a zip does.
-bool HoldsArchive(const CGameFile& game) {
-    constexpr std::string_view kMark = "PK\x03\x04";
-    const int piece = game.NameRomAt(0, 0);
-    const std::span<const uint8_t> data = game.Data();
-    const size_t offset = piece < 0 ? data.size() : game.RomOffset(static_cast<uint32_t>(piece));
-    return game.NameCount() > 0 && offset <= data.size() && data.size() - offset >= kMark.size() &&
-           std::memcmp(data.data() + offset, kMark.data(), kMark.size()) == 0;
+    Picker picker(path, pick, game);
+    if (!picker.Run(visit, error)) {
+        return false;
+    }
+    if (!pick.entry.empty()) {
+        note = path.string() + ": this is " + picker.Entry();
+    } else if (picker.Games() > 1) {
+        note = path.string() + ": holds " + std::to_string(picker.Games()) + " games; this is " +
+               picker.Entry() + ", and --entry NAME takes another";
+    }
+    return true;
 }
 
 // Replaces a game whose image is an archive by the one in the archive.
-bool OpenInside(const fs::path& path, const MACHINE_FACTS& system, CGameFile& game,
-                std::string& note, std::string& error) {
+bool OpenInside(const fs::path& path, const MACHINE_FACTS& system, const GAME_PICK& pick,
+                CGameFile& game, std::string& note, std::string& error) {
     const auto archive = game.AssembleImage(0);
     if (!archive) {
         error = path.string() + ": its records or its image are damaged";
@@ -244,26 +296,49 @@ bool OpenInside(const fs::path& path, const MACHINE_FACTS& system, CGameFile& ga
         return VisitArchive(path, *archive, &system, visitor, fault);
     };
     CGameFile inside;
-    std::string name;
-    if (!BuildFirst(path, visit, inside, name, error)) {
+    Picker picker(path, pick, inside);
+    if (!picker.Run(visit, error)) {
         return false;
     }
     game = std::move(inside);
-    note = path.string() + ": holds an archive; this is " + name + " in it";
+    note = path.string() + ": holds an archive; this is " + picker.Entry() + " in it";
+    if (picker.Games() > 1 && pick.entry.empty()) {
+        note += ", one of " + std::to_string(picker.Games()) + " games; --entry NAME takes another";
+    }
     return true;
 }
 
+// The machine whose games are looked for in the image of a `.game`; null if that is no archive. An arcade game is the
+// pieces of a board, which the database has named.
+const MACHINE_FACTS* MachineOfArchive(const CGameFile& game, const MACHINE_FACTS* asked) {
+    const MACHINE_FACTS* const machine =
+        asked != nullptr ? asked : FindMachineFacts(game.Header().system);
+    const bool searched = machine != nullptr && machine->system != kSystemArcade;
+    return searched && HoldsArchive(game) ? machine : nullptr;
+}
+
+// Refuses a `.game` that an older program has made of what is no game.
+bool CheckContainer(const fs::path& path, const CGameFile& game, std::string& error) {
+    const auto image = game.AssembleImage(0);
+    const IMAGE_VERDICT verdict =
+        image ? CheckPreparedImage(game.Header().system, *image) : IMAGE_VERDICT{};
+    if (verdict.fault == ImageFault::kNone) {
+        return true;
+    }
+    const CGameDatabase database(LoadDatabase(game.Header().system));
+    error = path.string() + ": " + verdict.reason;
+    return database.FindKnownRom(Sha256(*image));
+}
+
 // A `.game`, and what lies in it if its image is an archive.
-bool OpenContainer(const fs::path& path, const MACHINE_FACTS* system, CGameFile& game,
-                   std::string& note, std::string& error) {
+bool OpenContainer(const fs::path& path, const GAME_PICK& pick, CGameFile& game, std::string& note,
+                   std::string& error) {
     if (!OpenGameFile(path, false, game, error)) {
         return false;
     }
-    const MACHINE_FACTS* const machine =
-        system != nullptr ? system : FindMachineFacts(game.Header().system);
-    // An arcade game is the pieces of a board, which the database has named.
-    const bool searched = machine != nullptr && machine->system != kSystemArcade;
-    return !searched || !HoldsArchive(game) || OpenInside(path, *machine, game, note, error);
+    const MACHINE_FACTS* const machine = MachineOfArchive(game, pick.system);
+    return machine != nullptr ? OpenInside(path, *machine, pick, game, note, error)
+                              : CheckContainer(path, game, error);
 }
 
 // Changes the system of a game's image, as the user asked.
@@ -284,6 +359,15 @@ bool ChangeSystem(const fs::path& path, const MACHINE_FACTS& system, CGameFile& 
 
 } // namespace
 
+bool HoldsArchive(const CGameFile& game) {
+    constexpr std::string_view kMark = "PK\x03\x04"; // that a zip begins with
+    const int piece = game.NameRomAt(0, 0);
+    const std::span<const uint8_t> data = game.Data();
+    const size_t offset = piece < 0 ? data.size() : game.RomOffset(static_cast<uint32_t>(piece));
+    return game.NameCount() > 0 && offset <= data.size() && data.size() - offset >= kMark.size() &&
+           std::memcmp(data.data() + offset, kMark.data(), kMark.size()) == 0;
+}
+
 bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_VISITOR& visitor,
                  std::string& error) {
     std::vector<uint8_t> bytes;
@@ -299,7 +383,7 @@ bool VisitImages(const fs::path& path, const MACHINE_FACTS* system, const IMAGE_
         error = path.string() + ": is of an unknown kind; the extension tells the system";
         return false;
     }
-    visitor.image({NameOf(path), StemOf(path), number, std::move(bytes)});
+    visitor.image({NameOf(path), StemOf(path), {}, number, std::move(bytes)});
     return true;
 }
 
@@ -314,26 +398,68 @@ bool VisitAllFiles(const fs::path& path, const IMAGE_VISITOR& visitor, std::stri
         return OpenArchive(path, bytes, reader, error) &&
                VisitEntries(path, reader, FileEntries(reader), visitor, error);
     }
-    visitor.image({NameOf(path), StemOf(path), SystemOfExtension(extension), std::move(bytes)});
+    visitor.image({NameOf(path), StemOf(path), {}, SystemOfExtension(extension), std::move(bytes)});
     return true;
 }
 
-bool OpenGame(const fs::path& path, const MACHINE_FACTS* system, CGameFile& game,
-              std::string& title, std::string& note, std::string& error) {
+bool OpenGame(const fs::path& path, const GAME_PICK& pick, CGameFile& game, std::string& title,
+              std::string& note, std::string& error) {
     note.clear();
     const bool container = LowerExtension(path) == ".game";
-    if (container ? !OpenContainer(path, system, game, note, error)
-                  : !OpenImageFile(path, system, game, error)) {
+    if (container ? !OpenContainer(path, pick, game, note, error)
+                  : !OpenImageFile(path, pick, game, note, error)) {
         return false;
     }
-    if (system != nullptr && system->system != game.Header().system &&
-        !ChangeSystem(path, *system, game, error)) {
+    if (pick.system != nullptr && pick.system->system != game.Header().system &&
+        !ChangeSystem(path, *pick.system, game, error)) {
         return false;
     }
+    error.clear();
     game.selectedName = 0;
     NAME_VIEW name;
     title = game.GetName(0, name) && !name.title.empty() ? name.title : StemOf(path);
     return true;
+}
+
+bool ListArchivedGames(const fs::path& path, const MACHINE_FACTS* system,
+                       std::vector<ARCHIVED_GAME>& games, std::string& error) {
+    games.clear();
+    IMAGE_VISITOR visitor;
+    visitor.image = [&](const FOUND_IMAGE& image) {
+        if (!image.entry.empty() &&
+            CheckImage(image.system, image.bytes).fault == ImageFault::kNone) {
+            games.push_back({image.entry, image.system});
+        }
+        return true;
+    };
+    visitor.fault = [](const std::string&) {}; // the others can still be picked
+    if (LowerExtension(path) != ".game") {
+        return VisitImages(path, system, visitor, error);
+    }
+    CGameFile game;
+    if (!OpenGameFile(path, false, game, error)) {
+        return false;
+    }
+    const MACHINE_FACTS* const machine = MachineOfArchive(game, system);
+    const auto archive = machine != nullptr ? game.AssembleImage(0) : std::nullopt;
+    return !archive || VisitArchive(path, *archive, machine, visitor, error);
+}
+
+int FindArchivedGame(std::span<const ARCHIVED_GAME> games, std::string_view name) {
+    int found = -1;
+    const std::string wanted = LowerAscii(name);
+    for (size_t i = 0; i < games.size(); ++i) {
+        if (games[i].entry == name) {
+            return static_cast<int>(i);
+        }
+        const std::string_view entry = games[i].entry;
+        if (LowerAscii(entry) == wanted ||
+            LowerAscii(entry.substr(entry.rfind('/') + 1)) == wanted) {
+            constexpr int kSeveral = -2;
+            found = found == -1 ? static_cast<int>(i) : kSeveral;
+        }
+    }
+    return std::max(found, -1);
 }
 
 bool OpenGameFile(const fs::path& path, bool headerOnly, CGameFile& game, std::string& error) {

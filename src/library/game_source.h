@@ -8,7 +8,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class CGameFile;
@@ -21,8 +23,9 @@ inline constexpr uint64_t kLargestZip = uint64_t{1} << 28;
 inline constexpr uint64_t kLargestArchive = uint64_t{1} << 30;
 
 struct FOUND_IMAGE {
-    std::string name; // of the file, or of the entry in the archive, without its folders; UTF-8
-    std::string stem; // the name without its extension
+    std::string name;  // of the file, or of the entry in the archive, without its folders; UTF-8
+    std::string stem;  // the name without its extension
+    std::string entry; // in an archive: the name with its folders; else empty
     uint16_t system = 0;
     std::vector<uint8_t> bytes; // as in the file, headers included
 };
@@ -45,15 +48,40 @@ struct IMAGE_VISITOR {
 [[nodiscard]] bool VisitAllFiles(const std::filesystem::path& path, const IMAGE_VISITOR& visitor,
                                  std::string& error);
 
-// Opens a game for playing, its image unpacked and its first name selected. An archive's first image is
-// opened. With `system` the image counts as that system's, whatever the file says.
+// Which of a file's games.
+struct GAME_PICK {
+    const MACHINE_FACTS* system =
+        nullptr;       // the image counts as this system's, whatever the file says
+    std::string entry; // of an archive, as FOUND_IMAGE has it; empty: the first that can be a game
+};
+
+// Opens a game for playing, its image unpacked and its first name selected. An image that can be no game
+// (image_check.h) is refused, unless a database knows it; in an archive the next one is taken.
 //
-// A `.game` whose image is an archive, as an unknown game in a zip becomes one, is played as the first image in
-// it, which is then the same game as if it had been opened by itself; `note` gets a line that says so, and
-// is otherwise empty. An archive in that archive is not opened.
-[[nodiscard]] bool OpenGame(const std::filesystem::path& path, const MACHINE_FACTS* system,
+// A `.game` whose image is an archive, as an unknown game in a zip becomes one, is played as an image in it, which is
+// then the same game as if it had been opened by itself. An archive in that archive is not opened. `note` gets a line
+// that says which of several games was taken, and whether the file is such a `.game`; otherwise it is empty.
+[[nodiscard]] bool OpenGame(const std::filesystem::path& path, const GAME_PICK& pick,
                             CGameFile& game, std::string& title, std::string& note,
                             std::string& error);
+
+// A game in an archive.
+struct ARCHIVED_GAME {
+    std::string entry; // with its folders
+    uint16_t system = 0;
+};
+
+// The games that OpenGame can pick from a zip, or from a `.game` whose image is one, in the archive's order; none for
+// another file. False if the file cannot be read.
+[[nodiscard]] bool ListArchivedGames(const std::filesystem::path& path, const MACHINE_FACTS* system,
+                                     std::vector<ARCHIVED_GAME>& games, std::string& error);
+
+// Whether the image that is played is an archive.
+[[nodiscard]] bool HoldsArchive(const CGameFile& game);
+
+// The index of the game that a player means: by its whole entry, else by its name without folders, in any case of
+// letters. -1 if none has the name, or more than one.
+[[nodiscard]] int FindArchivedGame(std::span<const ARCHIVED_GAME> games, std::string_view name);
 
 // Reads a `.game`, whole or only its records; `error` says why one is refused.
 [[nodiscard]] bool OpenGameFile(const std::filesystem::path& path, bool headerOnly, CGameFile& game,

@@ -3,8 +3,8 @@
 // Nine are built, by the number in an image's header: 0 plain (NROM), 1 shift register (MMC1), 2 program bank
 // (UxROM), 3 character bank (CNROM), 4 scanline counter (MMC3), 7 one-screen (AxROM), 9 latched (MMC2),
 // 66 two banks (GxROM), 73 cycle counter (VRC3).
-// Clock: `cpuClock` of a cartridge runs once per CPU cycle, `ppuAddressHook` of its page tables with every
-//   address that the PPU puts on its bus.
+// Clock: `cpuClock` of a cartridge runs once per CPU cycle, `ppuAddressHook` of its page tables with the
+//   addresses that the PPU puts on its bus.
 // Owner: the cartridge (cartridge.h), on its session's thread.
 // Order: CartridgeLoad makes the record; BoardReset at every reset of the machine; a loaded state applies
 //   as soon as BoardLoadState returns.
@@ -29,7 +29,8 @@ struct NES_BOARD_ROW {
     void (*reset)(NES_CARTRIDGE& cartridge) = nullptr;
     void (*unused)(NES_CARTRIDGE& cartridge) = nullptr;
     void (*cpuClock)(NES_CARTRIDGE& cartridge) = nullptr;
-    void (*ppuAddressHook)(void* board, uint16_t address) = nullptr; // `board`: the cartridge
+    // NES_PAGES::ppuAddressHook, where `board` is the cartridge; null for most boards.
+    void (*ppuAddressHook)(void* board, uint16_t address, uint32_t count) = nullptr;
     // Returns the size of the board's piece; writes the piece unless `out` is null.
     uint32_t (*saveState)(const NES_CARTRIDGE& cartridge, uint8_t* out) = nullptr;
     uint32_t (*loadState)(NES_CARTRIDGE& cartridge, const uint8_t* data, uint32_t size) = nullptr;

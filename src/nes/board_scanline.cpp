@@ -10,7 +10,7 @@ namespace {
 
 // An address with bit 12 set closes the filter for the next seven addresses; from the eighth on, bit 12 counts
 // again.
-constexpr uint8_t kFilterAddresses = 8;
+constexpr uint8_t kFilterAddresses = kNesRiseAddresses;
 constexpr uint16_t kUpperHalf = 0x1000;
 
 // Each page of 8 KB has two registers, by the lowest address bit.
@@ -151,40 +151,30 @@ void CountLine(NES_CARTRIDGE& cartridge, SCANLINE_STATE& state) {
     }
 }
 
-void WatchAddress(void* board, uint16_t address) {
+// The first of several addresses with bit 12 set leaves the filter closed for the others.
+void WatchAddresses(void* board, uint16_t address, uint32_t count) {
     NES_CARTRIDGE& cartridge = *static_cast<NES_CARTRIDGE*>(board);
     SCANLINE_STATE& state = State(cartridge);
-    if (state.filter != 0) {
-        --state.filter;
-    }
-    if ((address & kUpperHalf) != 0) {
-        if (state.filter == 0) {
-            CountLine(cartridge, state);
-        }
-        state.filter = kFilterAddresses;
-    }
-}
-
-// An address with bit 12 set leaves the filter closed for the others like it.
-void WatchUpper(void* board, uint16_t address, uint32_t count) {
-    NES_CARTRIDGE& cartridge = *static_cast<NES_CARTRIDGE*>(board);
-    SCANLINE_STATE& state = State(cartridge);
-    if ((address & kUpperHalf) != 0) {
-        WatchAddress(board, address);
-    } else {
+    if ((address & kUpperHalf) == 0) {
         state.filter -= static_cast<uint8_t>(std::min<uint32_t>(state.filter, count));
+        return;
     }
+    if (state.filter <= 1) {
+        CountLine(cartridge, state);
+    }
+    state.filter = kFilterAddresses;
 }
 
-// Two clocks of the counter are at least kFilterAddresses addresses apart, and a dot has at most one address.
-uint32_t QuietDots(const NES_CARTRIDGE& cartridge) {
+uint32_t RisesToInterrupt(const NES_CARTRIDGE& cartridge) {
     const auto& state = BoardState<SCANLINE_STATE>(cartridge);
-    uint32_t counts = state.counter; // until the interrupt
-    if (state.reload != 0 || state.counter == 0) {
-        const bool atOnce = state.counter != 0 && state.latch == 0;
-        counts = atOnce ? 1 : state.latch + 1U;
+    if (state.irqEnable == 0) {
+        return kNesNoInterrupt;
     }
-    return state.irqEnable == 0 ? kNesQuietForEver : (counts - 1) * kFilterAddresses;
+    if (state.reload == 0 && state.counter != 0) {
+        return state.counter;
+    }
+    const bool atOnce = state.counter != 0 && state.latch == 0;
+    return atOnce ? 1 : state.latch + 1U;
 }
 
 void Reset(NES_CARTRIDGE& cartridge) {
@@ -199,8 +189,7 @@ void Reset(NES_CARTRIDGE& cartridge) {
     state.mirroring = HeaderMirroringRegister(cartridge);
     state.program = {0x3C, 0x3D, 0x3E, 0x3F}; // the last four
     state.character = {0, 1, 2, 3, 4, 5, 6, 7};
-    cartridge.quietDots = QuietDots;
-    cartridge.pages.ppuUpperHook = WatchUpper;
+    cartridge.risesToInterrupt = RisesToInterrupt;
     SetWriteHandler(cartridge, 8, 9, WriteBanks);
     SetWriteHandler(cartridge, 10, 11, WriteMirroringAndRam);
     SetWriteHandler(cartridge, 12, 13, WriteLatch);
@@ -222,6 +211,6 @@ constexpr NES_BOARD_ROW kNesScanlineBoard{CreateBoardState<SCANLINE_STATE>,
                                           Reset,
                                           nullptr,
                                           nullptr,
-                                          WatchAddress,
+                                          WatchAddresses,
                                           SaveBoardState<SCANLINE_STATE>,
                                           LoadBoardState<SCANLINE_STATE, Restore>};

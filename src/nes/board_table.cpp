@@ -30,8 +30,6 @@ const NES_BOARD_ROW& NesBoard(uint8_t number) {
     return *kBoards[number];
 }
 
-void NesIgnoreAddress(void* /*board*/, uint16_t /*address*/) {}
-
 void BoardReset(NES_CARTRIDGE& cartridge) {
     const auto hook = cartridge.pages.ppuAddressHook;
     cartridge.pages = NES_PAGES{};

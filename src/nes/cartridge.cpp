@@ -46,7 +46,7 @@ void Clear(NES_CARTRIDGE& cartridge) {
     cartridge.pages = NES_PAGES{};
     cartridge.write.fill(nullptr);
     cartridge.cpuClock = nullptr;
-    cartridge.quietDots = nullptr;
+    cartridge.risesToInterrupt = nullptr;
     cartridge.plainRam.fill(0);
 }
 
@@ -108,8 +108,7 @@ bool CartridgeLoad(NES_CARTRIDGE& cartridge, std::span<const uint8_t> image, std
         board.create(cartridge);
     }
     cartridge.pages.board = &cartridge;
-    cartridge.pages.ppuAddressHook =
-        board.ppuAddressHook != nullptr ? board.ppuAddressHook : NesIgnoreAddress;
+    cartridge.pages.ppuAddressHook = board.ppuAddressHook;
     cartridge.cpuClock = board.cpuClock;
     return true;
 }

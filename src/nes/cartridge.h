@@ -27,7 +27,7 @@ inline constexpr uint32_t kNesMostProgramPages = 2048;
 inline constexpr uint32_t kNesMostCharacterPages = 4096;
 inline constexpr size_t kNesBoardRamBytes = 8192;
 
-inline constexpr uint32_t kNesQuietForEver = 1 << 20; // dots; more than a frame
+inline constexpr uint32_t kNesNoInterrupt = 1 << 20; // rises; a frame has fewer
 
 using NesBoardRam = std::array<uint8_t, kNesBoardRamBytes>;
 
@@ -73,9 +73,9 @@ struct NES_CARTRIDGE {
     // Once per CPU cycle; null for most boards, so that a frame loop can leave out the call.
     void (*cpuClock)(NES_CARTRIDGE& cartridge) = nullptr;
 
-    // For a board that interrupts by PPU addresses: the number of dots for which it certainly will not,
-    // whatever the PPU fetches, if nothing is written to the board. Null for all other boards.
-    uint32_t (*quietDots)(const NES_CARTRIDGE& cartridge) = nullptr;
+    // For a board that interrupts by PPU addresses: the number of rises of bit 12 (nes_pages.h) with the last of
+    // which it may, if nothing is written to the board; at least 1. Null for all other boards.
+    uint32_t (*risesToInterrupt)(const NES_CARTRIDGE& cartridge) = nullptr;
 
     // Character RAM of the plain board, whose piece of a state has no fields: the machine saves this RAM in a
     // piece of its own.

@@ -9,7 +9,6 @@
 #include "nes/apu_tick.h"
 #include "nes/m6502_tick.h"
 #include "nes/nes_bus.h"
-#include "nes/ppu_plain.h"
 #include "nes/ppu_private.h"
 #include "nes/ppu_run.h"
 #include "nes/ppu_tick.h"
@@ -21,15 +20,6 @@ namespace {
 constexpr uint32_t kDotsPerCycle = 3;
 
 // One cycle of all chips but the CPU.
-void TickChipsPlain(NES_CONSOLE& nes) {
-    BoardCpuClock(nes.cartridge);
-    for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
-        PpuPlainTick(nes.ppu);
-    }
-    ApuTick(nes.apu);
-}
-
-// The same for the fast loop: pixels and sprite evaluation may be owed.
 void TickChips(NES_CONSOLE& nes) {
     BoardCpuClock(nes.cartridge);
     for (uint32_t i = 0; i < kDotsPerCycle; ++i) {
@@ -42,7 +32,7 @@ void RunFramePlain(NES_CONSOLE& nes) {
     NES_BUS bus{nes};
     while (!nes.ppu.frameDone) {
         M6502Sample(nes.cpu);
-        TickChipsPlain(nes);
+        TickChips(nes);
         M6502Cycle(nes.cpu, bus);
     }
 }
@@ -52,9 +42,10 @@ struct NES_CATCH_UP_BUS {
     NES_BUS bus;
     uint32_t owed = 0;          // cycles that have passed, and that PPU and APU have not run
     uint32_t cyclesToEvent = 0; // from the last cycle that they have run to the next possible event
-    uint32_t effects =
-        0; // accesses that change something, or read what changes by itself, wrapping
-    uint32_t statusReads = 0; // of PPUSTATUS that changed nothing; they are no effects, wrapping
+    // Accesses that change something, or read what changes by itself; wrapping.
+    uint32_t effects = 0;
+    // Reads of PPUSTATUS that changed nothing, which are no effects; wrapping.
+    uint32_t statusReads = 0;
 
     uint8_t Read(uint16_t address) {
         const bool isMemory = address < nes_bus::kPpuStart || address >= nes_bus::kCartridgeStart;
@@ -87,17 +78,10 @@ struct NES_CATCH_UP_BUS {
         FindEvent();
     }
 
-    // The same for PPUSTATUS: cycles from now on in which its flags stay as they are.
-    [[nodiscard]] uint32_t CyclesOfSameStatus() const {
-        const uint32_t dots = PpuDotsOfSameStatus(bus.nes.ppu);
-        const uint32_t cycles = dots != 0 ? (dots - 1) / kDotsPerCycle : 0;
-        return cycles - std::min(cycles, owed);
-    }
-
     void FindEvent() {
         uint32_t dots = PpuDotsToEvent(bus.nes.ppu);
-        if (bus.nes.cartridge.quietDots != nullptr) {
-            dots = std::min(dots, bus.nes.cartridge.quietDots(bus.nes.cartridge) + 1);
+        if (const auto rises = bus.nes.cartridge.risesToInterrupt; rises != nullptr) {
+            dots = std::min(dots, PpuDotsToRise(bus.nes.ppu, rises(bus.nes.cartridge)));
         }
         cyclesToEvent =
             std::min((dots + kDotsPerCycle - 1) / kDotsPerCycle, ApuCyclesToEvent(bus.nes.apu));
@@ -157,16 +141,18 @@ private:
         last = cpu;
     }
 
-    // 0 if a flag has changed since it was read. A line in which one may change is looked at only once.
+    // 0 if a flag has changed since it was read. They are counted from the last read, as each round has its last read
+    // at the same place. A line in which a flag may change is looked at only once.
     uint32_t CyclesOfSameStatus(const NES_CATCH_UP_BUS& bus) {
         if (bus.statusReads == statusReads) {
             return bus.cyclesToEvent;
         }
-        const int32_t line = bus.bus.nes.ppu.line;
-        if (line == busyLine || !PpuStatusReadIsIdle(bus.bus.nes.ppu)) {
+        const PPU& ppu = bus.bus.nes.ppu;
+        const int32_t line = ppu.line;
+        if (line == busyLine || !PpuStatusReadIsIdle(ppu)) {
             return 0;
         }
-        const uint32_t cycles = bus.CyclesOfSameStatus();
+        const uint32_t cycles = PpuDotsOfSameStatus(ppu) / kDotsPerCycle;
         busyLine = cycles == 0 ? line : kNoLine;
         return cycles;
     }
@@ -179,6 +165,7 @@ private:
     int32_t busyLine = kNoLine;
 };
 
+// Runs instruction by instruction, as a round of an idle loop ends with one.
 // The board's CPU clock runs in every cycle: it doesn't depend on the PPU. Only board 73 has one (`boardClock`);
 // the others save the call, and their idle loops can be skipped.
 template <bool boardClock>
@@ -258,6 +245,6 @@ void NesStall(NES_CONSOLE& nes) {
     const uint32_t cycles = nes.apu.stallCycles - 1;
     nes.apu.stallCycles = 0;
     for (uint32_t i = 0; i < cycles; ++i) {
-        nes.plainLoop ? TickChipsPlain(nes) : TickChips(nes);
+        TickChips(nes);
     }
 }

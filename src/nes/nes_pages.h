@@ -24,10 +24,11 @@ struct NES_CPU_PAGE {
 };
 
 struct NES_PPU_PAGE {
-    uint8_t* data = nullptr; // kNesPpuPageBytes, or null: reads as kNesUnreadable
-    uint8_t writable = 0;    // 1 for RAM, 0 for image data
-    // For a board that watches the page, otherwise null. `address` has 14 bits. `read` returns the byte from
-    // before any bank that it switches.
+    uint8_t* data =
+        nullptr; // kNesPpuPageBytes, or null: reads as kNesUnreadable; not null for nametables
+    uint8_t writable = 0; // 1 for RAM, 0 for image data
+    // For a board that watches a page of patterns, otherwise null. `address` has 14 bits. `read` returns the byte
+    // from before any bank that it switches.
     uint8_t (*read)(void* board, uint16_t address) = nullptr;
     void (*write)(void* board, uint16_t address, uint8_t value) = nullptr;
 };
@@ -36,21 +37,20 @@ struct NES_PAGES {
     std::array<NES_CPU_PAGE, kNesCpuPages> cpu{};
     std::array<NES_PPU_PAGE, kNesPpuPages> ppu{};
     void* board = nullptr; // passed to `read`, `write` and the hook
-    // Called with every address that the PPU puts on its bus; never null while it runs.
-    void (*ppuAddressHook)(void* board, uint16_t address) = nullptr;
-    // The same as `count` calls of the hook with addresses that have bit 12 as in `address`. Null for a board
-    // that watches more of an address than this bit.
-    void (*ppuUpperHook)(void* board, uint16_t address, uint32_t count) = nullptr;
+    // For a board that watches bit 12 of the addresses that the PPU puts on its bus, otherwise null. The next `count`
+    // of them have the bit as in `address`.
+    void (*ppuAddressHook)(void* board, uint16_t address, uint32_t count) = nullptr;
 };
 
-// The hook of boards that watch no addresses. The PPU compares with it to save the call.
-void NesIgnoreAddress(void* board, uint16_t address);
+// A board that counts rises of bit 12 counts an address with the bit if it is at least this many after the last one
+// with it.
+inline constexpr uint32_t kNesRiseAddresses = 8;
 
 // The page of an address, and the place in it.
-[[nodiscard]] constexpr size_t NesPpuPageOf(uint16_t address) {
+[[nodiscard]] constexpr size_t NesPpuPageOf(uint32_t address) {
     return address >> kNesPpuPageShift & (kNesPpuPages - 1);
 }
-[[nodiscard]] constexpr size_t NesPpuPlace(uint16_t address) {
+[[nodiscard]] constexpr size_t NesPpuPlace(uint32_t address) {
     return address & (kNesPpuPageBytes - 1);
 }
 

@@ -8,9 +8,9 @@
 // Pins: `pages`, the PPU bus with its board, which watches addresses through the hook; `nmiLine`, a word of
 //   the CPU whose bit 0 is set and cleared here and cleared by the CPU.
 // Order: PpuInit, PpuReset, then PpuBeginFrame and ticks (PpuTick in ppu_tick.h) until frameDone, with
-//   register accesses between dots. The picture, the sprite evaluation with `secondaryOam`, and the
-//   `status` flags that both set may be owed dots. They are current at the end of a frame and in register
-//   reads; at any other time PpuCatchUp runs the dots that are owed.
+//   register accesses between dots. After PpuRun (ppu_run.h) the picture, the sprite evaluation with
+//   `secondaryOam`, and the `status` flags that both set may be owed dots. They are current at the end of a
+//   frame and in register reads; at any other time PpuCatchUp runs the dots that are owed.
 // Sources: nesdev wiki, "PPU rendering", "PPU scrolling", "PPU sprite evaluation".
 // Differs: docs/HARDWARE.md, NES, PPU.
 #pragma once

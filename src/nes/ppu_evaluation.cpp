@@ -115,6 +115,21 @@ void Idle(PPU& ppu, uint32_t pairs) {
     ppu.spriteIndex = static_cast<uint8_t>(last + 4);
 }
 
+// Moves past sprites out of range, `most` of them at most and not past the last one. What each leaves behind the next
+// byte replaces. Returns their number.
+uint32_t SkipSprites(PPU& ppu, uint32_t most) {
+    uint32_t index = ppu.spriteIndex;
+    const uint32_t end = std::min<uint32_t>(index + most * 4, kPpuOamSprite);
+    const auto line = static_cast<uint32_t>(ppu.line);
+    const uint32_t height = SpriteHeight(ppu);
+    while (index < end && line - ppu.oam[index] >= height) {
+        index += 4;
+    }
+    const uint32_t skipped = (index - ppu.spriteIndex) / 4;
+    ppu.spriteIndex = static_cast<uint8_t>(index);
+    return skipped;
+}
+
 // By line: how many sprites more than in the line before are in its range.
 using RangeChanges = std::array<int8_t, kPpuHeight + 1>;
 
@@ -137,8 +152,7 @@ uint32_t PpuDotsOfSameStatus(const PPU& ppu) {
     }
     const bool mayHit = (ppu.status & kPpuStatusSpriteZeroHit) == 0;
     const bool mayOverflow = (ppu.status & kPpuStatusSpriteOverflow) == 0;
-    if ((mayHit && (ppu.zeroNote || ppu.foundZero)) ||
-        (mayOverflow && ppu.evaluation == kPpuFindOverflow)) {
+    if (mayHit && (ppu.zeroNote || ppu.foundZero)) {
         return 0;
     }
     const RangeChanges changes = ChangesOfRange(ppu);
@@ -182,6 +196,9 @@ void PpuEvaluateLine(PPU& ppu) {
         if (ppu.evaluation == kPpuIdle) {
             Idle(ppu, pairs);
             return;
+        }
+        if (ppu.evaluation == kPpuFindSprite) {
+            pairs -= SkipSprites(ppu, pairs - 1);
         }
         ppu.spriteByte = ppu.oam[ppu.spriteIndex];
         EvaluateByte(ppu);

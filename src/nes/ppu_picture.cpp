@@ -23,12 +23,6 @@ void Pixel(PPU& ppu, uint32_t x) {
     Put(ppu, x, entry);
 }
 
-// The same as eight times Pixel; `x` is a multiple of 8.
-void EightPixels(PPU& ppu, uint32_t x) {
-    PutEight(ppu, x, FirstEight(ppu, ppu.background));
-    ppu.background <<= 32;
-}
-
 // Without rendering the whole line shows palette entry 0, or the entry that vramAddress points to.
 void Backdrop(PPU& ppu, uint32_t end) {
     if (ppu.row != nullptr) {
@@ -46,8 +40,6 @@ void PpuDrawTo(PPU& ppu, uint32_t end) {
     }
     if (!ppu.rendering) {
         Backdrop(ppu, end);
-    } else if (end - ppu.drawnDots == 8 && end % 8 == 0) [[likely]] {
-        EightPixels(ppu, ppu.drawnDots);
     } else {
         for (uint32_t x = ppu.drawnDots; x < end; ++x) {
             Pixel(ppu, x);

@@ -1,4 +1,4 @@
-// Mixes background and sprites into pixels. Shared by the PPU's dots (ppu_picture.cpp) and lines (ppu_line.cpp).
+// Mixes background and sprites into pixels. Shared by the PPU's dots (ppu_picture.cpp) and lines (ppu_run.cpp).
 #pragma once
 
 #include "nes/ppu.h"
@@ -33,7 +33,7 @@ inline void Put(PPU& ppu, uint32_t x, uint32_t entry) {
     return x < kLeftColumn ? ppu.leftLayers : ppu.layers;
 }
 
-// Eight pixels from `x`, a multiple of 8. `entries`: of the background, four bits each, the first on top.
+// The same as Pixel for eight from `x` on, a multiple of 8. `entries`: of the background, four bits each, the first on top.
 inline void PutEight(PPU& ppu, uint32_t x, uint32_t entries) {
     const uint32_t layers = LayersAt(ppu, x);
     const uint32_t solid = (entries | entries >> 1) & 0x11111111U;

@@ -112,11 +112,11 @@ inline constexpr uint32_t kSpritePalettes =
     return (address & kPalette) == kPalette;
 }
 
-// Shows an address to a board that watches the bus.
-inline void Watch(const PPU& ppu, uint16_t address) {
+// Shows addresses to a board that watches the bus.
+inline void Watch(const PPU& ppu, uint32_t address, uint32_t count = 1) {
     const NES_PAGES& pages = *ppu.pages;
-    if (pages.ppuAddressHook != NesIgnoreAddress) {
-        pages.ppuAddressHook(pages.board, address);
+    if (pages.ppuAddressHook != nullptr) {
+        pages.ppuAddressHook(pages.board, static_cast<uint16_t>(address), count);
     }
 }
 

@@ -160,8 +160,9 @@ void PpuWriteRegister(PPU& ppu, uint16_t address, uint8_t value) {
     }
 }
 
+// A read that can still cancel the NMI finds the vblank flag, or another has cleared it and cancelled the NMI.
 bool PpuStatusReadIsIdle(const PPU& ppu) {
-    return ppu.firstWrite == 1 && (ppu.status & kPpuStatusVblank) == 0 && !NmiUndecided(ppu) &&
+    return ppu.firstWrite == 1 && (ppu.status & kPpuStatusVblank) == 0 &&
            ppu.openBus == (ppu.status | (ppu.openBus & kPpuStatusOpenBus));
 }
 

@@ -99,9 +99,11 @@ void Sanitize(PPU& ppu) {
     const auto most = static_cast<uint8_t>(kPpuLineSprites);
     ppu.foundCount = std::min(ppu.foundCount, most);
     ppu.spriteCount = std::min(ppu.spriteCount, most);
-    // With eight found, secondary OAM has no room for another.
+    // With eight found, secondary OAM has no room for another. With fewer no overflow is looked for.
     if (ppu.foundCount == most && ppu.evaluation < kPpuFindOverflow) {
         ppu.evaluation = kPpuFindOverflow;
+    } else if (ppu.evaluation == kPpuFindOverflow) {
+        ppu.foundCount = most;
     }
     for (uint8_t& entry : ppu.palette) {
         entry &= 0x3F;

@@ -1,6 +1,8 @@
 #include "screens/battle_ground.h"
 
 #include "base/random.h"
+#include "base/text.h"
+#include "base/version.h"
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/message_box.h"
@@ -20,7 +22,6 @@
 #include "web/service_texts.h"
 
 #include <algorithm>
-#include <cwchar>
 #include <iterator>
 
 namespace {
@@ -51,12 +52,7 @@ void Show(GHOSTMANAGER_WINDOW* window, bool visible) {
 }
 
 std::wstring VersionText() {
-    constexpr int kMajor = 0;
-    constexpr int kMinor = 720;
-    constexpr int kBits = 64;
-    wchar_t text[40];
-    std::swprintf(text, std::size(text), L"v%d.%03d %d-bit  ", kMajor, kMinor, kBits);
-    return text;
+    return WideFromUtf8(ProgramVersion()) + L"  ";
 }
 
 std::wstring NewsUrlOfSettings() {

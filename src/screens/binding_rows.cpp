@@ -25,10 +25,16 @@ constexpr INPUT_SYSTEM kSystems[] = {
 constexpr std::wstring_view kWalking[] = {L"Move Forward", L"Move Back", L"Move Left",
                                           L"Move Right",   L"Use",       L"Turn Off",
                                           L"Slow Movement"};
+constexpr std::wstring_view kAlways[] = {L"Mute", L"Volume Down", L"Volume Up"};
 
-bool ReadWhileWalking(size_t action) {
-    return std::find(std::begin(kWalking), std::end(kWalking), InputActions()[action].name) !=
-           std::end(kWalking);
+bool IsOneOf(std::span<const std::wstring_view> names, size_t action) {
+    return std::ranges::find(names, std::wstring_view(InputActions()[action].name)) != names.end();
+}
+
+// Whether there is a moment at which both are read.
+bool ReadTogether(size_t action, size_t other) {
+    return IsOneOf(kAlways, action) || IsOneOf(kAlways, other) ||
+           IsOneOf(kWalking, action) == IsOneOf(kWalking, other);
 }
 
 size_t ActionOfName(std::wstring_view name) {
@@ -102,8 +108,7 @@ std::vector<size_t> SharingBinding(std::span<const size_t> actions, size_t actio
     const uint32_t binding = ActionBinding(action, input);
     for (const size_t other : actions) {
         const bool same = ActionBinding(other, 0) == binding || ActionBinding(other, 1) == binding;
-        if (binding != 0 && other != action && same &&
-            ReadWhileWalking(other) == ReadWhileWalking(action)) {
+        if (binding != 0 && other != action && same && ReadTogether(other, action)) {
             sharing.push_back(other);
         }
     }

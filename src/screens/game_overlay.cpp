@@ -1,5 +1,7 @@
 #include "screens/game_overlay.h"
 
+#include "base/text.h"
+#include "facts/machine_facts.h"
 #include "gui/button.h"
 #include "gui/manager.h"
 #include "gui/text.h"
@@ -38,6 +40,12 @@ constexpr OVERLAY_BUTTON kStrip[CGUIGameOverlay::kButtons] = {
      L"Saves the game in one of ten slots, or goes back to one"                                        },
 };
 constexpr uint32_t kTelevisionButton = 4;
+
+// "Luciole, Master System".
+std::wstring MenuTitle(const MENU_GAME& game) {
+    const MACHINE_FACTS* const machine = FindMachineFacts(game.system);
+    return machine != nullptr ? game.title + L", " + WideFromUtf8(machine->name) : game.title;
+}
 
 } // namespace
 
@@ -132,6 +140,7 @@ void CGUIGameOverlay::ShowHints(const OVERLAY_STATE& state) {
 
 void CGUIGameOverlay::ShowButtons(const OVERLAY_STATE& state) {
     const bool recent = everUsed && host.Milliseconds() - mouseUsed <= kButtonsStay;
+    roomVisible = state.roomVisible;
     buttons[kTelevisionButton - 1]->SetCaption(state.roomVisible ? L"Fullscreen Mode" : L"TV Mode");
     // Of the game: only where there is one.
     const std::array<bool, kButtons> wanted = {true,
@@ -151,23 +160,49 @@ void CGUIGameOverlay::ShowButtons(const OVERLAY_STATE& state) {
     }
 }
 
-void CGUIGameOverlay::ToggleMenu() {
+void CGUIGameOverlay::ToggleMenu(const MENU_GAME& game) {
     if (menu != nullptr) {
         CloseMenu();
         return;
     }
-    std::vector<GAME_MENU_ENTRY> entries;
-    entries.reserve(kButtons);
-    for (size_t i = 0; i < kButtons; ++i) {
-        if (offered[i]) {
-            entries.push_back({buttons[i]->Caption(), kStrip[i].input});
+    const auto isOffered = [&](ModeInput input) {
+        for (size_t i = 0; i < kButtons; ++i) {
+            if (kStrip[i].input == input) {
+                return offered[i];
+            }
         }
-    }
-    if (entries.empty()) {
+        return true; // what the strip has no button for
+    };
+    if (!isOffered(ModeInput::kMainMenu)) {
         return;
     }
-    menu = new GameMenu(entries, [this](std::optional<ModeInput> chosen) {
+    GAME_MENU wanted;
+    wanted.room = true;
+    wanted.settingsChanged = [this] { host.SettingsChanged(); };
+    if (isOffered(ModeInput::kResetGame)) {
+        wanted.title = MenuTitle(game);
+        wanted.system = game.system;
+        wanted.padNames = game.padNames;
+        wanted.ofGame = {
+            {L"Save and Load", ModeInput::kSavedStates},
+            {L"Reset",         ModeInput::kResetGame  }
+        };
+    }
+    for (const GAME_MENU_ENTRY& entry : {
+             GAME_MENU_ENTRY{roomVisible ? L"Fill the Window" : L"On the Television",
+                             ModeInput::kTelevision                                                       },
+             GAME_MENU_ENTRY{L"Library",                                              ModeInput::kLoadGame},
+             GAME_MENU_ENTRY{L"Turn Off",                                             ModeInput::kExitGame},
+             GAME_MENU_ENTRY{L"Main Menu",                                            ModeInput::kMainMenu},
+             GAME_MENU_ENTRY{L"Quit",                                                 ModeInput::kQuit    },
+    }) {
+        if (isOffered(entry.input)) {
+            wanted.ofProgram.push_back(entry);
+        }
+    }
+    menu = new GameMenu(std::move(wanted), [this](std::optional<ModeInput> chosen) {
         menu = nullptr;
+        host.SaveSettings(); // of picture and sound
         if (chosen) {
             host.Take(*chosen);
         }

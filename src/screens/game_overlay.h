@@ -1,8 +1,8 @@
 // CGUIGameOverlay: what lies over the room and a running game while menu and browser are hidden: hints in words
 // while the player walks, a strip of buttons while his mouse is free.
 //
-// The buttons show while the mouse is used and for three seconds after. Keys and controllers have the same buttons in
-// a menu that takes the input (game_menu.h): the strip's own must not hear the keys of a machine. Their numbers are
+// The buttons show while the mouse is used and for three seconds after. Keys and controllers have them, and more, in a
+// panel that takes the input (game_menu.h): the strip's own must not hear the keys of a machine. Their numbers are
 // those of the program:
 //   1 Main Menu, 2 Load New Game, 3 Exit Game, 4 Fullscreen Mode or TV Mode, 5 Reset Game, 6 Saved States
 //
@@ -10,6 +10,7 @@
 //   Update once a round, before the toolkit's tick.
 #pragma once
 
+#include "screens/controls_card.h"
 #include "screens/screen_panel.h"
 
 #include <array>
@@ -20,6 +21,13 @@ class CGhostButton;
 class CGhostTextBox;
 class GameMenu;
 class ScreenHost;
+
+// The game that the menu is opened over.
+struct MENU_GAME {
+    std::wstring title;
+    uint16_t system = 0; // 0: no game
+    PadNames padNames;
+};
 
 struct OVERLAY_STATE {
     bool shown = false;   // the room or a game has the screen
@@ -46,7 +54,7 @@ public:
     void Update(const OVERLAY_STATE& state);
 
     // Opens the menu over the room or the game, or closes it. Nothing behind menu and browser.
-    void ToggleMenu();
+    void ToggleMenu(const MENU_GAME& game = {});
     void CloseMenu();
     [[nodiscard]] GameMenu* Menu() const { return menu; } // null while it is closed
 
@@ -73,5 +81,6 @@ private:
     std::array<bool, kButtons> offered{}; // as of the last Update
     uint64_t mouseUsed = 0;               // milliseconds of the program's clock
     bool everUsed = false;
+    bool roomVisible = false; // as of the last Update
     ScreenSignals signals;
 };

@@ -52,6 +52,20 @@ constexpr OPTION_CHOICE kWindowSizes[] = {
     {L"1366x768 (16:9)",  1366, 768},
     {L"1440x900 (16:10)", 1440, 900},
 };
+constexpr OPTION_CHOICE kScalers[] = {
+    {L"None",      0},
+    {L"Edges, 2x", 1},
+    {L"Edges, 4x", 2},
+    {L"Soft, 4x",  3},
+};
+constexpr OPTION_CHOICE kPixels[] = {
+    {L"Sharp",  0},
+    {L"Smooth", 1},
+};
+constexpr OPTION_CHOICE kCrops[] = {
+    {L"As on a television", 1},
+    {L"With its borders",   0},
+};
 constexpr OPTION_CHOICE kLighting[] = {
     {L"High", 1},
     {L"Low",  0},
@@ -106,6 +120,11 @@ constexpr OPTION_ROW Number(OptionTab tab, const wchar_t* label, const wchar_t* 
             choices, unit,  kNoSlider,           effect,  help};
 }
 
+constexpr OPTION_ROW OfRoom(OPTION_ROW row) {
+    row.ofRoom = true;
+    return row;
+}
+
 constexpr OPTION_ROW Slider(const wchar_t* label, const wchar_t* setting,
                             const OPTION_SLIDER& slider, const wchar_t* help,
                             OptionTab tab = OptionTab::kSound) {
@@ -143,28 +162,42 @@ constexpr OPTION_ROW kRows[] = {
         L"Whether a screenshot holds the dots of the machine or the window with everything in it."),
     Switch(kGeneral, L"Screenshot Files:", L"app_screenshotbmp", kShotFiles, kAtOnce,
            L"The kind of a screenshot's file: only PNG notes the game, its machine and the time."),
+    Switch(kGeneral, L"Keys at the Start:", L"app_keycard", kEnabledDisabled, kAtOnce,
+           L"Shows the keys of the machine for some seconds in the first games that you start."),
     Number(kGeneral, L"Fast Forward:", L"emu_fastforward", kSpeeds, L"x", kNextGame,
            L"How many times faster a game runs while you hold the key of Fast Forward."),
     Number(kGeneral, L"Rewind Buffer:", L"emu_rewindbuffer", kRewindBuffers, L"MB", kAtOnce,
            L"The memory that each running game may use to remember its past: more of it lets you "
            L"rewind further."),
+    Switch(kGeneral, L"Pause Without Focus:", L"emu_pauseunfocused", kEnabledDisabled, kAtOnce,
+           L"Whether games wait while another window has the keyboard."),
 
     Switch(kGraphics, L"Fullscreen:", L"app_fullscreen", kEnabledDisabled, kAtOnce,
            L"Whether Ombrelune fills the whole display or runs in a window."),
     {kGraphics, L"Windowed Dimensions:", OptionKind::kWindowSize, L"app_window_width",
        L"app_window_height", kWindowSizes, L"", kNoSlider, kAtOnce,
        L"The size of the window in pixels while it does not fill the display."},
-    Switch(kGraphics, L"Lighting Quality:", L"app_lighting", kLighting, kAtOnce,
-           L"High lights the room with its lamp and its screens; Low shows everything equally "
-           L"bright, which suits slow graphics cards."),
+    Number(kGraphics, L"Scaler:", L"emu_scaler", kScalers, L"", kAtOnce,
+           L"Enlarges the picture of a game that fills the window before it is drawn: along its "
+           L"edges, or softly; F6 steps through them."),
+    Switch(kGraphics, L"Pixels:", L"emu_smooth", kPixels, kAtOnce,
+           L"Whether the pixels of a game that fills the window have sharp edges or flow into each "
+           L"other; F5 does the same."),
+    Switch(kGraphics, L"Shown Picture:", L"emu_crop", kCrops, kAtOnce,
+           L"Whether you see the part of the picture that a television shows, or all of it; F3 "
+           L"does the same."),
+    OfRoom(Switch(kGraphics, L"Lighting Quality:", L"app_lighting", kLighting, kAtOnce,
+                  L"High lights the room with its lamp and its screens; Low shows everything "
+                  L"equally bright, which suits slow graphics cards.")),
     Switch(kGraphics, L"Anti Aliasing:", L"app_antialias", kEnabledDisabled, kRestart,
            L"Smooths the edges of the furniture in the room, at some cost to the graphics card."),
-    Switch(kGraphics, L"Anisotropic Filtering:", L"app_anisotropicfiltering", kEnabledDisabled,
-           kAtOnce, L"Keeps floor and walls sharp where you see them at a flat angle."),
+    OfRoom(Switch(kGraphics, L"Anisotropic Filtering:", L"app_anisotropicfiltering",
+                  kEnabledDisabled, kAtOnce,
+                  L"Keeps floor and walls sharp where you see them at a flat angle.")),
     Switch(kGraphics, L"VSYNC:", L"app_vsync", kEnabledDisabled, kAtOnce,
            L"Waits for the display before each picture, so that moving pictures do not tear."),
-    Switch(kGraphics, L"Emulator 3D Filter:", L"emu_gameroomfilter", kEnabledDisabled, kAtOnce,
-           L"Smooths the pictures of televisions that are far away in the room."),
+    OfRoom(Switch(kGraphics, L"Emulator 3D Filter:", L"emu_gameroomfilter", kEnabledDisabled,
+                  kAtOnce, L"Smooths the pictures of televisions that are far away in the room.")),
 
     Switch(kPicture, L"In a Window:", L"video_integer_window", kScales, kAtOnce,
            L"Whether every row of a game's picture is as many whole pixels high as all others, "

@@ -46,6 +46,7 @@ struct OPTION_ROW {
     OPTION_SLIDER slider;
     OptionEffect effect;
     const wchar_t* help; // one sentence
+    bool ofRoom = false; // it changes the room's pictures, not the game's
 };
 
 // In the order of the screen, tab after tab.

@@ -28,10 +28,10 @@ constexpr int32_t kPageTop = 84;
 constexpr int32_t kPageWide = 864;
 constexpr int32_t kPageFoot = 20; // below the pages, which are as high as they can be
 constexpr int32_t kRowTop = 28;
-constexpr int32_t kRowPitch = 41;
+constexpr int32_t kRowPitch = 50;   // or less, where a page has more rows than that holds
 constexpr int32_t kNoticeFoot = 36; // from the lower edge of a page to the top of the notice
-constexpr int32_t kMostRows = 9;
-constexpr int32_t kHelpTop = kRowTop + kMostRows * kRowPitch + 16;
+constexpr int32_t kFewRows = 7;     // the help of a page with fewer is where it would be with these
+constexpr int32_t kHelpGap = 16;
 constexpr int32_t kHelpHigh = 60;
 constexpr int32_t kLabelWide = 260;
 constexpr int32_t kControlWide = 260;
@@ -153,6 +153,11 @@ void CGUIOptions::Layout(int32_t width, int32_t height) {
 void CGUIOptions::LayoutRows(OptionTab tab, int32_t width, int32_t height) {
     // The controls lie in the middle; the labels end at their left.
     const int32_t left = (width - kControlWide) / 2;
+    const auto count = static_cast<int32_t>(std::count_if(
+        rows.begin(), rows.end(), [&](const ROW& row) { return row.row->tab == tab; }));
+    const int32_t lines = std::max(count, kFewRows);
+    const int32_t below = kHelpGap + kHelpHigh + kNoticeFoot;
+    const int32_t pitch = std::min(kRowPitch, (height - kRowTop - below) / lines);
     int32_t y = kRowTop;
     for (const ROW& row : rows) {
         if (row.row->tab != tab) {
@@ -167,9 +172,9 @@ void CGUIOptions::LayoutRows(OptionTab tab, int32_t width, int32_t height) {
         if (row.mark != nullptr) {
             row.mark->SetPos(left + kControlWide + kColumnGap, y, kMarkWide, kHigh);
         }
-        y += kRowPitch;
+        y += pitch;
     }
-    helps[Index(tab)]->SetPos(left, kHelpTop, width - left, kHelpHigh);
+    helps[Index(tab)]->SetPos(left, kRowTop + lines * pitch + kHelpGap, width - left, kHelpHigh);
     if (CGhostTextBox* const notice = notices[Index(tab)]; notice != nullptr) {
         notice->SetPos(0, height - kNoticeFoot, width, 20);
     }

@@ -55,6 +55,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kWalking,    Input::kExitGame,      Guard::kSelected,        Mode::kWalking,    Order::kStopGame},
     {Mode::kWalking,    Input::kResetGame,     Guard::kSelectedOn,      Mode::kWalking,    Order::kResetGame},
     {Mode::kWalking,    Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
+    {Mode::kWalking,    Input::kQuit,          Guard::kAlways,          Mode::kWalking,    Order::kQuit},
 
     {Mode::kStanding,   Input::kLeave,         Guard::kAlways,          Mode::kWalking,    Order::kNothing},
     {Mode::kStanding,   Input::kMiddleButton,  Guard::kSelectedOn,      Mode::kWalking,    Order::kNothing},
@@ -65,6 +66,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kStanding,   Input::kResetGame,     Guard::kSelectedOn,      Mode::kStanding,   Order::kResetGame},
     {Mode::kStanding,   Input::kSavedStates,   Guard::kSelectedOn,      Mode::kStanding,   Order::kSavedStates},
     {Mode::kStanding,   Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
+    {Mode::kStanding,   Input::kQuit,          Guard::kAlways,          Mode::kStanding,   Order::kQuit},
 
     {Mode::kFullScreen, Input::kLeave,         Guard::kAlways,          Mode::kWalking,    Order::kNothing},
     {Mode::kFullScreen, Input::kMiddleButton,  Guard::kSelectedOn,      Mode::kWalking,    Order::kNothing},
@@ -76,6 +78,7 @@ constexpr MODE_WAY kWays[] = {
     {Mode::kFullScreen, Input::kResetGame,     Guard::kAlways,          Mode::kFullScreen, Order::kResetGame},
     {Mode::kFullScreen, Input::kSavedStates,   Guard::kAlways,          Mode::kFullScreen, Order::kSavedStates},
     {Mode::kFullScreen, Input::kMainMenu,      Guard::kAlways,          Mode::kMenu,       Order::kNothing},
+    {Mode::kFullScreen, Input::kQuit,          Guard::kAlways,          Mode::kFullScreen, Order::kQuit},
 };
 // clang-format on
 

@@ -22,7 +22,7 @@ enum class ProgramMode : uint8_t { kMenu, kPanel, kBrowser, kWalking, kStanding,
 enum class ModeInput : uint8_t {
     kPlayGames, // the menu's button PLAY GAMES
     kOpenPanel, // BENCHMARK, OPTIONS, CREDITS
-    kQuit,      // QUIT
+    kQuit,      // QUIT, and the game menu's Quit
     kBack, // BACK, escape, a controller's right button or guide button, in menu, panel and browser
     kMainMenu, // F10, the buttons MAIN MENU and Main Menu, and in the room a controller's start button
     kGameRoom,    // the browser's button GAME ROOM

@@ -1,9 +1,9 @@
-// Catch-up of the VDP with a Z80, for a machine's frame loop: it owes ticks while the Z80 runs ahead,
-// and runs them before anything could show the difference.
+// Catch-up of a machine's VDPs with a Z80, for its frame loop: they owe ticks while the Z80 runs ahead,
+// and run them before anything could show the difference.
 //
-// The VDP changes the Z80's lines only at known clocks (VdpTicksToEvent), and the Z80 sees it only
+// A VDP changes the Z80's lines only at known clocks (VdpTicksToEvent), and the Z80 sees it only
 // through ports. A span is the time between two such clocks. Within a span the Z80 runs alone; the
-// VDP catches up before every port access and at the end of the span. The Z80 sees nothing of its
+// VDPs catch up before every port access and at the end of the span. The Z80 sees nothing of its
 // sound chips: they catch up before a write to one of them and at the end of the frame. The result
 // equals that of ticking every chip on every clock.
 //
@@ -19,21 +19,26 @@
 #include "sega8/vdp.h"
 #include "sega8/vdp_run.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <utility>
 
+template <size_t kVdps>
 struct CATCH_UP {
-    VDP& vdp;
-    uint32_t& soundOwed;   // clocks that the machine's sound chips have not run
-    uint32_t vdpTicks = 0; // done in this span
-    uint32_t clocks = 0;   // of this span that have ended
+    std::array<VDP*, kVdps> vdps; // one that draws over another comes after it
+    uint32_t& soundOwed;          // clocks that the machine's sound chips have not run
+    uint32_t vdpTicks = 0;        // done in this span
+    uint32_t clocks = 0;          // of this span that have ended
 
-    CATCH_UP(VDP& chip, uint32_t& owed)
-        : vdp(chip)
+    // In this span:
+    bool polls = false;
+    std::array<bool, kVdps> pollsStatus{};
+    bool flagComes = false; // before its end
+
+    CATCH_UP(const std::array<VDP*, kVdps>& chips, uint32_t& owed)
+        : vdps(chips)
         , soundOwed(owed) {}
-
-    bool polls = false;       // in this span
-    bool pollsStatus = false; // in this span
-    bool flagComes = false;   // in this span, before its end
 
     // True if rounds that polled in the span before must be run again: the span ended with an event.
     [[nodiscard]] bool BeginSpan() {
@@ -41,24 +46,40 @@ struct CATCH_UP {
         vdpTicks = 0;
         clocks = 0;
         polls = false;
-        pollsStatus = false;
+        pollsStatus.fill(false);
         flagComes = false;
         return polled;
     }
 
-    // Clocks for which the values that were polled stay: `left`, which are those to the end of the span, or 0. The VDP
-    // runs ahead to the end, at `spanTicks`, and is taken back if it has set a flag. It draws the same pixels again.
+    // A read of the V counter.
+    void PollCounter() { polls = true; }
+
+    // A read of a VDP's status, if it has no effect. Returns whether it has none.
+    [[nodiscard]] bool PollStatus(size_t number) {
+        if (!VdpStatusReadIsIdle(*vdps[number])) {
+            return false;
+        }
+        polls = true;
+        pollsStatus[number] = true;
+        return true;
+    }
+
+    // Clocks for which the values that were polled stay: `left`, which are those to the end of the span, or 0. The VDPs
+    // run ahead to the end, at `spanTicks`, and are taken back if one of those polled has set a flag. They draw the
+    // same pixels again.
     [[nodiscard]] uint32_t ClocksOfSamePolls(uint32_t left, uint32_t spanTicks) {
-        if (!pollsStatus || vdpTicks == spanTicks) {
+        if (!PollsAnyStatus() || vdpTicks == spanTicks) {
             return left;
         }
         if (flagComes) {
             return 0;
         }
-        const VDP before = vdp;
-        VdpRun(vdp, spanTicks - vdpTicks);
-        if (!VdpStatusReadIsIdle(vdp)) {
-            vdp = before;
+        const std::array<VDP, kVdps> before = Copies(std::make_index_sequence<kVdps>());
+        RunVdps(spanTicks - vdpTicks);
+        if (PolledFlagIsSet()) {
+            for (size_t i = 0; i < kVdps; ++i) {
+                *vdps[i] = before[i];
+            }
             flagComes = true;
             return 0;
         }
@@ -66,28 +87,53 @@ struct CATCH_UP {
         return left;
     }
 
-    // The time reaches these counts, which never fall within a span. A VDP that has run ahead waits.
+    // The time reaches these counts, which never fall within a span. VDPs that have run ahead wait.
     void CatchUp(uint32_t ticksNow, uint32_t clocksNow) {
         if (ticksNow > vdpTicks) {
-            VdpRun(vdp, ticksNow - vdpTicks);
+            RunVdps(ticksNow - vdpTicks);
             vdpTicks = ticksNow;
         }
         soundOwed += clocksNow - clocks;
         clocks = clocksNow;
     }
+
+private:
+    template <size_t... kNumbers>
+    [[nodiscard]] std::array<VDP, kVdps>
+    Copies(std::index_sequence<kNumbers...> /*numbers*/) const {
+        return {*vdps[kNumbers]...};
+    }
+
+    // One that draws over another finds its pixels there, as in single ticks.
+    void RunVdps(uint32_t ticks) {
+        for (VDP* const vdp : vdps) {
+            VdpRun(*vdp, ticks);
+        }
+    }
+
+    [[nodiscard]] bool PollsAnyStatus() const {
+        bool any = false;
+        for (const bool polled : pollsStatus) {
+            any = any || polled;
+        }
+        return any;
+    }
+
+    [[nodiscard]] bool PolledFlagIsSet() const {
+        bool isSet = false;
+        for (size_t i = 0; i < kVdps; ++i) {
+            isSet = isSet || (pollsStatus[i] && !VdpStatusReadIsIdle(*vdps[i]));
+        }
+        return isSet;
+    }
 };
 
 // True if a read of this port, as the Master System and the Game Gear decode it, polls the VDP and has no effect.
-[[nodiscard]] inline bool SegaPollsVdp(CATCH_UP& chips, uint16_t port) {
+[[nodiscard]] inline bool SegaPollsVdp(CATCH_UP<1>& chips, uint16_t port) {
     const uint32_t lines = port & kSegaPortLines;
     if (lines == kSegaPortVCounter) {
-        chips.polls = true;
+        chips.PollCounter();
         return true;
     }
-    if (lines == kSegaPortVdpControl && VdpStatusReadIsIdle(chips.vdp)) {
-        chips.polls = true;
-        chips.pollsStatus = true;
-        return true;
-    }
-    return false;
+    return lines == kSegaPortVdpControl && chips.PollStatus(0);
 }

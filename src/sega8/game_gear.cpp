@@ -79,7 +79,7 @@ inline void ConsoleTick(GEAR_BUS& bus) {
 // The same for a Z80 that runs ahead: VDP and link catch up before every port access.
 struct GEAR_CATCH_UP_BUS {
     GEAR_BUS bus;
-    CATCH_UP& chips;
+    CATCH_UP<1>& chips;
     uint32_t clock = 0;     // of the span
     uint32_t linkClock = 0; // clocks of the span that the link has run
     uint32_t spanStart = 0; // clocks of the frame before the span, wrapping
@@ -332,9 +332,9 @@ void CGAMEGEAR::RunFramePlain() {
 // The same frame, in which VDP and PSG catch up. A clock in which a VDP changes a line of its Z80
 // is run tick by tick; so is the first clock, which sets the lines' levels.
 void CGAMEGEAR::RunFrameFast() {
-    CATCH_UP chips[2] = {
-        {consoles[0].vdp, consoles[0].soundOwed},
-        {consoles[1].vdp, consoles[1].soundOwed}
+    CATCH_UP<1> chips[2] = {
+        {{&consoles[0].vdp}, consoles[0].soundOwed},
+        {{&consoles[1].vdp}, consoles[1].soundOwed}
     };
     GEAR_CATCH_UP_BUS buses[2] = {
         {{consoles[0]}, chips[0]},

@@ -19,6 +19,7 @@
 #include "machine/chip_sound.h"
 #include "machine/emu_system.h"
 #include "machine/inspection.h"
+#include "machine/side_by_side.h"
 #include "sega8/gear_link.h"
 #include "sega8/psg.h"
 #include "sega8/sega_memory.h"
@@ -55,7 +56,7 @@ inline void GearRunSound(GEAR_CONSOLE& console) {
 [[nodiscard]] uint8_t GearReadPort(GEAR_CONSOLE& console, uint16_t port);
 void GearWritePort(GEAR_CONSOLE& console, uint16_t port, uint8_t value);
 
-class CGAMEGEAR : public CEmuSystem, public CInspection, public CBattery {
+class CGAMEGEAR : public CEmuSystem, public CInspection, public CBattery, public CSideBySide {
 public:
     explicit CGAMEGEAR(uint32_t sessionKeyValue);
 
@@ -82,6 +83,8 @@ public:
     // of its own, which is not kept.
     [[nodiscard]] std::vector<uint8_t> BatteryContents() const override;
     [[nodiscard]] bool SetBatteryContents(std::span<const uint8_t> bytes) override;
+
+    [[nodiscard]] uint32_t Screens() const override { return consoleCount; }
 
 private:
     friend struct MACHINE_FIELDS; // of the tests: every field of a state

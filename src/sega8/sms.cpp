@@ -91,7 +91,7 @@ struct SMS_BUS {
 // The same for a Z80 that runs ahead: the VDP catches up before every port access.
 struct SMS_CATCH_UP_BUS {
     SMS_BUS& bus;
-    CATCH_UP& chips;
+    CATCH_UP<1>& chips;
     uint32_t& irqLine; // of the Z80
     const uint32_t& irqOut;
     uint32_t& clockCount;
@@ -263,7 +263,7 @@ void CSMS::RunFramePlain() {
 // line of the Z80 is run tick by tick; so is the first clock, which sets the lines' levels.
 void CSMS::RunFrameFast() {
     SMS_BUS bus{*this, memory, z80};
-    CATCH_UP chips{vdp, soundOwed};
+    CATCH_UP<1> chips{{&vdp}, soundOwed};
     SMS_CATCH_UP_BUS catchUpBus{bus, chips, z80.irqLine, irqOut, clockCount};
     TickChips(bus);
     ++soundOwed;

@@ -8,8 +8,8 @@
 #include "machine/sound_settings.h"
 #include "machine/state_piece.h"
 #include "machine/state_pieces.h"
+#include "sega8/catch_up.h"
 #include "sega8/game_image.h"
-#include "sega8/vdp_run.h"
 #include "sega8/z80_idle.h"
 
 #include <algorithm>
@@ -85,23 +85,21 @@ namespace {
 // The same for a Z80 that runs ahead: the VDPs catch up before every port access.
 struct ARCADE_CATCH_UP_BUS {
     ARCADE_BUS& bus;
+    CATCH_UP<2>& chips;
     uint32_t& irqLine; // of the Z80
     const uint32_t& irqOut;
     uint32_t clock = 0;     // of the span
-    uint32_t done = 0;      // clocks of the span that the VDPs have run
     uint32_t spanStart = 0; // clocks of the frame before the span
-    bool polls = false;     // the V counter, in this span
     Z80IdleLoop idle{};
 
     uint8_t Read(uint16_t address) { return bus.Read(address); }
     uint8_t ReadOpcode(uint16_t address) { return bus.ReadOpcode(address); }
     void Write(uint16_t address, uint8_t value) { bus.Write(address, value); }
     uint8_t IoRead(uint16_t port) {
-        if (static_cast<uint8_t>(port) == kArcadePortVCounter) {
-            polls = true; // the counter stays as it is to the end of the span
+        CatchUp();
+        if (PollsVdp(port)) {
             return bus.machine.ReadPort(port);
         }
-        CatchUp();
         const uint8_t value = bus.IoRead(port);
         irqLine = irqOut;
         return value;
@@ -113,17 +111,21 @@ struct ARCADE_CATCH_UP_BUS {
     }
     void At(uint32_t now) { clock = now; }
     uint32_t SkipIdle(Z80& z80, uint32_t now, uint32_t left) {
-        return idle.Skip(z80, bus.effects, spanStart + now, left);
+        return idle.Skip(z80, bus.effects, spanStart + now, [&] {
+            return chips.ClocksOfSamePolls(left, (now + left) * kVdpTicksPerClock);
+        });
     }
-    // Rounds that polled in the span before must be run again: it ended with an event.
-    void BeginSpan() {
-        done = 0;
-        bus.effects += polls ? 1U : 0U;
-        polls = false;
-    }
-    void CatchUp() {
-        bus.machine.CatchUp(clock - done);
-        done = clock;
+    void CatchUp() { chips.CatchUp(clock * kVdpTicksPerClock, clock); }
+
+private:
+    // True if a read of this port polls a VDP and has no effect.
+    [[nodiscard]] bool PollsVdp(uint16_t port) {
+        switch (static_cast<uint8_t>(port)) {
+        case kArcadePortVCounter: chips.PollCounter(); return true;
+        case kArcadePortVdp1Control: return chips.PollStatus(0);
+        case kArcadePortVdp2Control: return chips.PollStatus(1);
+        default: return false;
+        }
     }
 };
 
@@ -354,28 +356,24 @@ void CSEGAE::RunFramePlain() {
     }
 }
 
-// The first chip draws its pixels of a span before the second one draws over them, as in single
-// ticks.
-void CSEGAE::CatchUp(uint32_t clocks) {
-    VdpRun(vdp1, clocks * kVdpTicksPerClock);
-    VdpRun(vdp2, clocks * kVdpTicksPerClock);
-    soundOwed += clocks;
-}
-
 // The same frame, in which the chips around the Z80 catch up. A clock in which a VDP changes a line
 // of the Z80 is run tick by tick; so is the first clock, which sets the lines' levels.
 void CSEGAE::RunFrameFast() {
     ARCADE_BUS bus{*this, z80};
-    ARCADE_CATCH_UP_BUS catchUpBus{bus, z80.irqLine, irqLine};
+    CATCH_UP<2> chips{
+        {&vdp1, &vdp2},
+        soundOwed
+    };
+    ARCADE_CATCH_UP_BUS catchUpBus{bus, chips, z80.irqLine, irqLine};
     TickChips(bus);
     ++soundOwed;
     while (!vdp2.frameDone) {
         // A reset starts both chips at the same dot; a state may have them apart.
         const uint32_t ticks = std::min(VdpTicksToEvent(vdp1), VdpTicksToEvent(vdp2));
         const uint32_t clocks = (ticks - 1) / kVdpTicksPerClock;
-        catchUpBus.BeginSpan();
+        bus.effects += chips.BeginSpan() ? 1U : 0U;
         Z80RunOn(z80, catchUpBus, clocks);
-        CatchUp(clocks - catchUpBus.done);
+        chips.CatchUp(clocks * kVdpTicksPerClock, clocks);
         TickChips(bus);
         ++soundOwed;
         catchUpBus.spanStart += clocks + 1;

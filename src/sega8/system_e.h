@@ -111,8 +111,6 @@ public:
     }
     // Frames by the plain loop, which ticks every chip on every clock; for tests of the fast loop.
     void SetPlainLoop(bool plain) { plainLoop = plain; }
-    // Runs the Z80 clocks that the VDPs owe; the PSGs owe them on.
-    void CatchUp(uint32_t clocks);
 
     void WriteMemory(uint16_t address, uint8_t value) {
         writeWindows[address >> 14][address & 0x3FFF] = value;

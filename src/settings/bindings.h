@@ -1,8 +1,8 @@
 // Input bindings: named actions, the 32-bit codes bound to them, and the table of what is down.
 //
-// A binding is a u32, 0 for none. Its top byte is the device: 0 keyboard, 1 joystick. Bits 16 to 23
-// are the keyboard modifier (3 shift, 192 ctrl, 0 none) or the joystick's number, 0 to 4. The low 16
-// bits index one table of state bytes that all devices share: keyboard scancodes (USB HID usage
+// A binding is a u32, 0 for none. Its top byte is the device: 0 keyboard, 1 joystick, 2 game controller.
+// Bits 16 to 23 are the keyboard modifier (3 shift, 192 ctrl, 0 none), the joystick's number, 0 to 4, or
+// the controller's player. The low 16 bits are a controller's control (`PadBinding`); otherwise they index one table of state bytes that all devices share: keyboard scancodes (USB HID usage
 // numbers, below 512) first, joystick codes from 400 up, 200 for each joystick.
 //
 // Modifiers: a plain key does not act while a shift, ctrl or alt key is held, so that it does not fire
@@ -78,6 +78,11 @@ inline constexpr uint32_t kInputOwners = 6;
 
 // Adds the setting of every action: all with zeroes, then the defaults as primary binding.
 void RegisterBindings(SettingsStore& store);
+
+// After the load of a file that an older program wrote: what the user has bound stays as it was. An action that is new
+// to the file has its key, unless the user has bound that to something else that is read at the same time. Player 2, who had
+// no keys then, gets his for each machine where the user has bound none and all of them are free.
+void GiveNewKeys(SettingsStore& store);
 
 // Whether one of the action's two bindings is down, or a control of a game controller that acts for it
 // by default. False when the session is not the active one or the user is walking in the room;

@@ -1,9 +1,9 @@
 // Game controllers without set-up: what each control does until the user binds something else.
 //
 // The first two controllers act as players 1 and 2, beside the bindings and without changing them. A
-// binding of the user's own always wins, in two ways. An action that has a joystick code bound to it
-// listens to its bindings alone. A control whose raw joystick code is bound to some action does that
-// and nothing else.
+// binding of the user's own always wins, in two ways. An action that has a joystick code or a control
+// bound to it listens to its bindings alone. A control that is bound to some action, itself or by its
+// raw joystick code, does that and nothing else.
 //
 // Units: a control is a bit of a 64-bit word, player 1's in the low half. An action has such a word in
 // `INPUT_ACTION`; the part of it that may act at the moment is in the binding's note
@@ -13,6 +13,8 @@
 
 #include <array>
 #include <cstdint>
+
+struct INPUT_ACTION;
 
 // The pad and the stick are separate, since the user may bind the codes of either.
 enum PadControl : uint32_t {
@@ -44,6 +46,20 @@ inline constexpr uint32_t kPadPlayers = 2;
     return uint64_t{1} << (player * 32 + control);
 }
 
+// A control as a binding: device 2, the player in bits 16 to 23, the control below. Unlike a joystick's codes it means
+// the same button on every controller.
+[[nodiscard]] constexpr uint32_t PadBinding(uint32_t player, PadControl control) {
+    return 2u << 24 | player << 16 | control;
+}
+// The control's bit; 0 for a binding of another kind.
+[[nodiscard]] constexpr uint64_t PadBitOfBinding(uint32_t binding) {
+    const uint32_t player = binding >> 16 & 0xFF;
+    const uint32_t control = binding & 0xFFFF;
+    return binding >> 24 == 2 && player < kPadPlayers && control < kPadControls
+               ? PadBit(player, static_cast<PadControl>(control))
+               : 0;
+}
+
 // Added to a player's controls: the trigger of a light gun, which is the mouse's left button over the
 // picture. It acts even if the user has bound something else.
 [[nodiscard]] constexpr uint64_t PointerTriggerBit(uint32_t player) {
@@ -69,6 +85,9 @@ void InputClearPads(); // releases all controls
 // Reads the bindings again and finds which actions and controls the user has bound. Each pump begins
 // with this (`InputBeginPump`); it takes a few microseconds and allocates nothing.
 void InputRefreshPadDefaults();
+
+// The controls that act for this action as of the last refresh, bound to it or by default.
+[[nodiscard]] uint64_t InputPadsOf(const INPUT_ACTION& action);
 
 // The controls that are down and not bound by the user; in an InputFrame also those that were tapped.
 [[nodiscard]] uint64_t InputPadsActing();

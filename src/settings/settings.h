@@ -17,6 +17,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -37,7 +38,15 @@ struct Setting {
     // Computed from the values by the layer that knows their meaning (`bindings/action_notes.h`), kept
     // here so that one lookup finds both. Never saved.
     mutable std::atomic<uint64_t> note{0};
-    std::unique_ptr<Setting> next; // older settings
+    // What the file says in words. Main thread.
+    struct WORDS {
+        std::string text;
+        int32_t value; // after the load; while the setting has it, the text is written again
+    };
+    std::optional<WORDS> words[2];                                        // of kInt2
+    std::optional<int32_t> (*readWords)(std::string_view text) = nullptr; // null: numbers only
+    bool inFile = false;                                                  // its value was read
+    std::unique_ptr<Setting> next;                                        // older settings
 };
 
 // The prefix that many names share, hashed once, so that a lookup hashes only the rest of the name. The
@@ -98,6 +107,10 @@ public:
     void SetBool(std::wstring_view name, bool value);
     void SetFloat(std::wstring_view name, float value);
 
+    // Lets the values of a kInt2 also be written in words, which this function reads. Words that it does not know leave
+    // the value as it is, and stay in the file. Before Load.
+    void SetWordReader(std::wstring_view name, std::optional<int32_t> (*reader)(std::string_view));
+
     // Null for an unknown name. `prefix` and `name` are looked up as one name, without joining them;
     // both may be in any case.
     [[nodiscard]] const Setting* Find(std::wstring_view name) const;
@@ -111,7 +124,9 @@ public:
     // document is used up to its first error; `reason` then says what is wrong, and is empty for a
     // valid one. False if nothing could be read; nothing has changed then.
     bool Load(const uint8_t* bytes, size_t size);
-    bool Load(const uint8_t* bytes, size_t size, std::string& reason);
+    // `unknownWords`, if not null, gets a line for each value in words that nothing knows.
+    bool Load(const uint8_t* bytes, size_t size, std::string& reason,
+              std::vector<std::string>* unknownWords = nullptr);
 
     // The whole store as a document.
     [[nodiscard]] std::vector<uint8_t> Save() const;
@@ -125,6 +140,7 @@ private:
     void StoreString(Setting& setting, std::wstring_view value);
     [[nodiscard]] std::wstring ReadString(const Setting& setting) const;
     void Apply(Setting& setting, const std::string& value, const std::string* value2);
+    static bool ApplyNumberOrWords(Setting& setting, size_t which, const std::string& text);
 
     std::unique_ptr<Setting> head;
     std::unique_ptr<Index> index;
@@ -143,5 +159,7 @@ void RegisterDefaultSettings(SettingsStore& store);
 // what is wrong with the file, even if part of it was read and the result is true. It stays empty for a
 // missing file. Before the first save over a file that was not read to its end, that file is copied to
 // `config.xml.damaged`, or the next free name of that kind, beside it.
-bool LoadSettingsFile(SettingsStore& store, std::string& error);
+// `unknownWords` is that of SettingsStore::Load, with the file's path in each line.
+bool LoadSettingsFile(SettingsStore& store, std::string& error,
+                      std::vector<std::string>* unknownWords = nullptr);
 [[nodiscard]] bool SaveSettingsFile(const SettingsStore& store, std::string& error);

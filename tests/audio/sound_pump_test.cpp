@@ -4,6 +4,7 @@
 #include "support/allocation_counter.h"
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -431,5 +432,23 @@ TEST(SoundPump, PumpDoesNotAllocate) {
         const size_t second = AllocationsSoFar();
         rig.Pump();
         EXPECT_EQ(AllocationsSoFar(), second);
+    }
+}
+
+// As while a game is paused. What waits is played, then nothing, for the two seconds that are looked at.
+TEST(SoundPump, WithoutNewSoundTheRingsFallSilent) {
+    for (const bool room : {false, true}) {
+        SoundRig rig;
+        rig.surroundings = {!room, room, 1.0f};
+        Steady(rig, 8000, 8000);
+        for (int i = 0; i < 20; ++i) {
+            rig.Play(441);
+            rig.Pump();
+        }
+        for (int i = 0; i < 200; ++i) {
+            const std::vector<int16_t> heard = rig.Play(441);
+            EXPECT_EQ(std::ranges::count(heard, 0), std::ssize(heard)) << i << " " << room;
+            rig.Pump();
+        }
     }
 }

@@ -35,8 +35,8 @@ TEST_F(PictureView, EachMachineHasItsOwnOverscan) {
     }
     int32_t dots = 1;
     for (const wchar_t* const machine : {L"sms", L"gamegear", L"nes", L"megadrive", L"arcade"}) {
-        for (const wchar_t* const edge : {L"_overscan_left", L"_overscan_top", L"_overscan_right",
-                                          L"_overscan_bottom"}) {
+        for (const wchar_t* const edge :
+             {L"_overscan_left", L"_overscan_top", L"_overscan_right", L"_overscan_bottom"}) {
             Settings().SetInt(std::wstring(machine) + edge, dots++);
         }
     }

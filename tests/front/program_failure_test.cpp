@@ -22,7 +22,7 @@ protected:
         return RunUntil(application, [] { return CGhostMessageBox::Count() != 0; });
     }
     static void CloseMessage(Application& application) {
-        ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN));
+        ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
         ASSERT_TRUE(application.Round());
         ASSERT_EQ(CGhostMessageBox::Count(), 0u);
     }
@@ -84,4 +84,24 @@ TEST_F(ProgramFailure, AMachineThatEndsBehindTheMenuIsToldThere) {
     ASSERT_NO_FATAL_FAILURE(CloseMessage(application));
     EXPECT_EQ(CGhostManager::Get().FocusWindow(),
               program->Menu().MenuButton(kPanelBrowser)->window);
+}
+
+TEST_F(ProgramFailure, AGameThatHasStoppedIsStartedAgainOrAnotherIsChosen) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    Drop(GameThatEnds());
+    ASSERT_TRUE(WaitForMessage(application));
+    EXPECT_THAT(MessageText(), HasSubstr(L"cannot go on"));
+    EXPECT_THAT(MessageText(), HasSubstr(L"Details: "));
+    const uint32_t key = program->Room().Selected().id;
+    ASSERT_TRUE(RunUntilOff(application, program->Room(), key));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN)); // on Restart
+    ASSERT_TRUE(RunUntil(application, [] { return CGhostMessageBox::Count() == 0; }));
+    ASSERT_TRUE(WaitForMessage(application)) << "it has run again, and stopped again";
+    ASSERT_TRUE(RunUntilOff(application, program->Room(), key));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_RIGHT));
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_RETURN)); // on Library
+    EXPECT_TRUE(RunUntil(application, [&] { return ModeOf(*program) == ProgramMode::kBrowser; }));
+    EXPECT_EQ(CGhostMessageBox::Count(), 0u);
 }

@@ -3,8 +3,11 @@
 #include "front/program_rig.h"
 #include "front/virtual_joystick.h"
 #include "gui/multi_text.h"
+#include "host/session_list.h"
 #include "screens/game_menu.h"
+#include "screens/key_card.h"
 
+#include "support/least_images.h"
 #include <gmock/gmock.h>
 
 #include <memory>
@@ -17,9 +20,10 @@ namespace {
 // Buttons of kController's raw device.
 
 // Entries of the menu of a game.
-constexpr size_t kMainMenu = 1;
-constexpr size_t kTelevision = 4;
-constexpr size_t kReset = 5;
+constexpr size_t kSaveAndLoad = 1;
+constexpr size_t kReset = 2;
+constexpr size_t kTelevision = 7;
+constexpr size_t kMainMenu = 10;
 
 class ProgramGameMenu : public ProgramTest {
 protected:
@@ -73,6 +77,11 @@ protected:
         return done && application.Round() ? done : testing::AssertionFailure();
     }
 
+    static bool IsPaused(uint32_t key) {
+        const SessionPin session = PinSession(key);
+        return session && session->paused;
+    }
+
     // Makes the game that shows presses of button 1 show one.
     static testing::AssertionResult PressButton1(Application& application) {
         Key(SDL_SCANCODE_A, true);
@@ -112,10 +121,12 @@ TEST_F(ProgramGameMenu, KeysAloneShowTheSetFullScreenAndResetItsMachine) {
                 HasSubstr("F1   Menu"));
     ASSERT_TRUE(OpenByKey(application, *program));
     EXPECT_EQ(InputActiveKey(), 0u) << "the machine does not listen";
+    EXPECT_TRUE(IsPaused(key));
     ASSERT_TRUE(ChooseByKeys(application, kTelevision));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kFullScreen);
     EXPECT_EQ(program->Overlay().Menu(), nullptr);
     EXPECT_EQ(InputActiveKey(), key);
+    EXPECT_TRUE(RunUntil(application, [&] { return !IsPaused(key); }));
 
     ASSERT_TRUE(PressButton1(application));
     ASSERT_TRUE(OpenByKey(application, *program));
@@ -193,6 +204,43 @@ TEST_F(ProgramGameMenu, AControllerAloneOpensItWithItsGuideButton) {
     EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
 }
 
+TEST_F(ProgramGameMenu, BackAndStartHeldOpenIt) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    pad = std::make_unique<VirtualJoystick>(kController);
+    ASSERT_TRUE(application.Round());
+    pad->Button(kBackButton, true);
+    pad->Button(kStart, true);
+    ASSERT_TRUE(RunUntil(application, [&] { return program->Overlay().Menu() != nullptr; }));
+    EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
+    pad->Button(kBackButton, false);
+    pad->Button(kStart, false);
+    ASSERT_TRUE(RunUntil(application, [] { return InputPadsDown() == 0; }));
+    ASSERT_NE(program->Overlay().Menu(), nullptr);
+    EXPECT_TRUE(IsPaused(key));
+    ASSERT_TRUE(Push(application, kEast));
+    EXPECT_EQ(program->Overlay().Menu(), nullptr);
+    EXPECT_TRUE(RunUntil(application, [&] { return !IsPaused(key); }));
+}
+
+TEST_F(ProgramGameMenu, SavedStatesOpenInItsPlace) {
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(OpenByKey(application, *program));
+    ASSERT_TRUE(ChooseByKeys(application, kSaveAndLoad));
+    ASSERT_TRUE(RunUntil(application, [&] { return program->States().IsShown(); }));
+    ASSERT_TRUE(application.Round());
+    EXPECT_TRUE(IsPaused(key)) << "the menu's pause has become that of the states";
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    EXPECT_TRUE(RunUntil(application, [&] { return !IsPaused(key); }));
+}
+
 TEST_F(ProgramGameMenu, ADroppedFileClosesIt) {
     Application application;
     ProgramScreen* const program = Open(application);
@@ -233,14 +281,34 @@ TEST_F(ProgramGameMenu, AGameThatCannotStartIsToldOnce) {
     Application application;
     ProgramScreen* const program = Open(application);
     ASSERT_NE(program, nullptr);
-    // A valid file, but the console refuses images of less than 512 bytes.
-    Drop(folder.Write("short.md", std::vector<uint8_t>(511, 0)).string());
+    // A valid file, but the console does not know its board.
+    Drop(folder.Write("unknown.nes", NesImageOfAnUnknownBoard()).string());
     ASSERT_TRUE(RunUntil(application, [] { return CGhostMessageBox::Count() != 0; }));
     const auto* const box =
         dynamic_cast<CGhostMessageBox*>(CGhostManager::Get().ModalWindow()->handler->next);
     ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->Message()->Text(), L"Invalid ROM file, less than 512 bytes");
+    EXPECT_EQ(box->Message()->Text(),
+              L"NES Mapper #255 not supported. Tell us on the forum to add support for it!");
     for (const std::string& line : ProgramNotices().Lines(0)) {
         EXPECT_THAT(line, testing::Not(HasSubstr("Error loading game")));
     }
+}
+
+TEST_F(ProgramGameMenu, TheFirstThreeGamesShowTheirKeys) {
+    Settings().SetInt(L"app_keycards", 2);
+    Application application;
+    ProgramScreen* const program = Open(application);
+    ASSERT_NE(program, nullptr);
+    uint32_t key = 0;
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(RunUntil(application, [&] { return program->Keys() != nullptr; }));
+    EXPECT_EQ(Settings().GetInt(L"app_keycards"), 3);
+    EXPECT_EQ(program->Keys()->Ways()->Words()[1].keys.front(), L"Esc");
+    ASSERT_TRUE(Press(application, SDL_SCANCODE_ESCAPE));
+    ASSERT_EQ(ModeOf(*program), ProgramMode::kWalking);
+    EXPECT_EQ(program->Keys(), nullptr) << "the player walks on";
+    EXPECT_EQ(InputActiveKey(), key);
+    ASSERT_TRUE(PlayDropped(application, *program, LatchGame(), key));
+    ASSERT_TRUE(RunFrames(application, 90));
+    EXPECT_EQ(program->Keys(), nullptr) << "it was the third";
 }

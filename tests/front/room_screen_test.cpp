@@ -9,6 +9,7 @@
 #include "host/host_data.h"
 #include "megadrive/md_rig.h"
 
+#include "support/least_images.h"
 #include <SDL_opengl.h>
 #include <gmock/gmock.h>
 
@@ -458,15 +459,15 @@ TEST_F(RoomScreenTest, ADroppedGamePlaysOnTheFirstFreeSetOtherwise) {
 
 TEST_F(RoomScreenTest, AGameThatCannotStartIsReportedAndTheOthersPlayOn) {
     Application application;
-    // A valid file, but the console refuses images of less than 512 bytes.
-    const auto path = folder.Write("short.md", std::vector<uint8_t>(511, 0));
+    // A valid file, but the console does not know its board.
+    const auto path = folder.Write("unknown.nes", NesImageOfAnUnknownBoard());
     RoomScreen* const room = Enter(application, {LatchGame(), path.string(), LatchGame()});
     ASSERT_NE(room, nullptr);
     room->StartGames(3);
     ASSERT_TRUE(RunUntilOn(application, *room, kAllSets[0]));
     ASSERT_TRUE(RunUntilOff(application, *room, kAllSets[1]));
     ASSERT_TRUE(RunUntilOn(application, *room, kAllSets[2]));
-    EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("less than 512 bytes")));
+    EXPECT_THAT(ProgramNotices().Lines(0), Contains(HasSubstr("NES Mapper #255 not supported")));
     EXPECT_TRUE(room->Modes().Walking());
 }
 

@@ -80,6 +80,7 @@ inline constexpr VirtualJoystick::SHAPE kController{
 inline constexpr int kSouth = 0;
 inline constexpr int kEast = 1;
 inline constexpr int kNorth = 3;
+inline constexpr int kBackButton = 4;
 inline constexpr int kGuide = 5;
 inline constexpr int kStart = 6;
 inline constexpr int kRightClick = 8; // of the right stick

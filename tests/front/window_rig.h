@@ -81,6 +81,12 @@ protected:
         Settings().SetBool(L"app_vsync", false);
         Settings().SetInt(L"app_window_width", 640);
         Settings().SetInt(L"app_window_height", 480);
+        Settings().SetInt(L"app_keycards",
+                          3); // a player who knows the keys: no card lies over the picture
+        Settings().SetString(L"app_window_place", L"");
+        Settings().SetInt(L"emu_scaler", 0);
+        Settings().SetBool(L"emu_smooth", false);
+        Settings().SetBool(L"emu_crop", true);
         EmuSetMachines(BuiltInMachines());
         // Those of the test before would lie over the picture for some seconds.
         static_cast<void>(ProgramNotices().Lines(INT64_MAX));

@@ -145,10 +145,12 @@ bool HostTest::Eventually(const std::function<bool()>& condition) {
 }
 
 void HostTest::Press(std::wstring_view action, bool down) {
+    constexpr uint32_t kLeftCtrl = 224;
     constexpr uint32_t kLeftShift = 225;
     for (const INPUT_ACTION& candidate : InputActions()) {
         if (action == candidate.name) {
             InputSetCode(kLeftShift, down && (candidate.defaultBinding >> 16) == kModifierShift);
+            InputSetCode(kLeftCtrl, down && (candidate.defaultBinding >> 16) == kModifierCtrl);
             InputSetCode(candidate.defaultBinding & 0xFFFF, down);
             return;
         }

@@ -242,3 +242,41 @@ TEST(RepeatPicture, WithoutAnEarlierPictureNothingChanges) {
     EmuRepeatPicture(EMU_VIDEO_FRAME{}, after.video);
     EXPECT_EQ(after.video.width, 2u);
 }
+
+// Two screens of 160 x 144, numbered pixel by pixel.
+TEST(DividedScreens, LoseNoPixelAndKeepTheirShape) {
+    PICTURE picture(320, 144);
+    for (size_t i = 0; i < picture.pixels.size(); ++i) {
+        picture.pixels[i] = static_cast<uint32_t>(i);
+    }
+    picture.pixels.resize(size_t{512} * 256);
+    picture.video.pixels = picture.pixels.data();
+    picture.video.aspect = picture.video.visibleAspect = 8.0f / 3.0f;
+    EmuDivideScreens(2, picture.video, picture.pixels.size());
+    ASSERT_EQ(picture.video.width, 324u);
+    EXPECT_EQ(picture.video.visibleWidth, 324u);
+    EXPECT_EQ(picture.video.height, 144u);
+    EXPECT_FLOAT_EQ(picture.video.visibleAspect, 8.0f / 3.0f * 324 / 320);
+    for (uint32_t y = 0; y < 144; ++y) {
+        for (uint32_t x = 0; x < 160; ++x) {
+            ASSERT_EQ(picture.At(x, y), y * 320 + x);
+            ASSERT_EQ(picture.At(164 + x, y), y * 320 + 160 + x);
+        }
+        EXPECT_EQ(picture.At(160, y), kBlack);
+        EXPECT_EQ(picture.At(161, y), picture.At(162, y));
+        EXPECT_NE(picture.At(161, y), kBlack) << "a black picture ends where it is seen";
+        EXPECT_EQ(picture.At(163, y), kBlack);
+    }
+}
+
+TEST(DividedScreens, AreLeftAsTheyAreWithoutRoomOrNeed) {
+    PICTURE one(160, 144);
+    EmuDivideScreens(1, one.video, 512 * 256);
+    EXPECT_EQ(one.video.width, 160u);
+    PICTURE full(512, 256);
+    EmuDivideScreens(2, full.video, full.pixels.size());
+    EXPECT_EQ(full.video.width, 512u);
+    PICTURE none(0, 0);
+    EmuDivideScreens(2, none.video, 512 * 256);
+    EXPECT_EQ(none.video.width, 0u);
+}

@@ -4,6 +4,7 @@
 #include "library/add_games.h"
 #include "library/convert.h"
 
+#include "support/least_images.h"
 #include "support/temporary_folder.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -62,7 +63,7 @@ Bytes Zip(const std::vector<std::pair<std::string, Bytes>>& entries) {
 }
 
 Bytes NesImage(uint8_t fill) {
-    return Text("NES\x1A") + Bytes(12) + Bytes(1024, fill);
+    return Text("NES\x1A\1") + Bytes(11) + Bytes(16384, fill);
 }
 
 // A database with one game of these pieces.
@@ -173,10 +174,10 @@ TEST(AddGames, AsksForTheMachineWhereNothingTellsItAndGoesOn) {
 TEST(AddGames, FileThatTheUserNamesIsOfTheMachineThatTheUserNames) {
     const TemporaryHome home;
     const TemporaryFolder from;
-    EXPECT_EQ(Add({from.Write("a.nes", NesImage(1))}, "sms").counts.copied, 1u);
+    EXPECT_EQ(Add({from.Write("a.gg", Bytes(1024, 2))}, "sms").counts.copied, 1u);
     EXPECT_EQ(FilesIn(home.Path() / "sms"), (Names{"a.game"}));
-    EXPECT_EQ(Add({from.Write("odd.txt", Bytes(77, 1))}).counts.untold, 1u);
-    EXPECT_EQ(Add({from.Write("odd.txt", Bytes(77, 1))}, "sms").counts.copied, 1u);
+    EXPECT_EQ(Add({from.Write("odd.txt", Bytes(kLeastSegaImage + 5, 1))}).counts.untold, 1u);
+    EXPECT_EQ(Add({from.Write("odd.txt", Bytes(kLeastSegaImage + 5, 1))}, "sms").counts.copied, 1u);
 }
 
 TEST(AddGames, GameFileIsCopiedAsItIsUnlessItsImageIsThere) {
@@ -267,7 +268,7 @@ TEST(AddGames, FaultsAreNamedAndCountedAndTheOthersAreAdded) {
     broken.resize(broken.size() / 2);
     const ADDED added =
         Add({from.Path() / "missing.sms", from.Write("empty.sms", std::string_view()),
-             from.Write("broken.zip", broken), from.Write("good.sms", Bytes(512, 1))});
+             from.Write("broken.zip", broken), from.Write("good.sms", Bytes(kLeastSegaImage, 1))});
     EXPECT_THAT(added.faults, ElementsAre(HasSubstr("missing.sms: cannot be opened"),
                                           HasSubstr("empty.sms: is empty"),
                                           HasSubstr("broken.zip: not a readable")));
@@ -353,12 +354,55 @@ TEST(AddGames, NamesInAZipLeadNowhereElse) {
     const TemporaryHome home;
     const TemporaryFolder from;
     from.Write("z.zip", Zip({
-                            {"../../up.sms",  Bytes(512, 1)},
-                            {"/etc/root.sms", Bytes(512, 2)},
-                            {"..\\back.sms",  Bytes(512, 3)},
-                            {"nul:*?.sms",    Bytes(512, 4)}
+                            {"../../up.sms",  Bytes(1024, 1)},
+                            {"/etc/root.sms", Bytes(1024, 2)},
+                            {"..\\back.sms",  Bytes(1024, 3)},
+                            {"nul:*?.sms",    Bytes(1024, 4)}
     }));
     EXPECT_EQ(Add({from.Path()}).counts.copied, 4u);
     EXPECT_EQ(FilesIn(home.Path() / "sms"),
               (Names{"up.game", "root.game", "back.game", "nul___.game"}));
+}
+
+TEST(AddGames, WhatCanBeNoGameIsQuietInAFolderAndAFaultIfItIsNamed) {
+    const TemporaryHome home;
+    const TemporaryFolder from;
+    const std::string notes(3000, 'n');
+    const fs::path readme = from.Write("README.md", notes);
+    from.Write("game.zip", Zip({
+                               {"READ.md",   Text(notes)},
+                               { "game.sms", Bytes(1024,          1)}
+    }));
+    const ADDED added = Add({from.Path()});
+    EXPECT_THAT(added.faults, IsEmpty());
+    EXPECT_EQ(added.counts.copied, 1u);
+    EXPECT_EQ(added.counts.others, 2u);
+    EXPECT_FALSE(fs::exists(home.Path() / "megadrive"));
+    const ADDED named = Add({readme});
+    EXPECT_THAT(named.faults, ElementsAre(readme.string() + ": is a text, not a game"));
+    EXPECT_EQ(named.counts.failed, 1u);
+}
+
+TEST(AddGames, CutOffImageIsAFaultWhereverItLies) {
+    const TemporaryHome home;
+    const TemporaryFolder from;
+    Bytes image = NesImage(1);
+    image.pop_back();
+    from.Write("a/cut.nes", image);
+    const ADDED added = Add({from.Path()});
+    EXPECT_THAT(added.faults, ElementsAre(HasSubstr("cut.nes: is cut off")));
+    EXPECT_FALSE(fs::exists(home.Path() / "nes"));
+}
+
+// Somebody has made a game of it, and the database says so.
+TEST(AddGames, DatabaseOverrulesTheCheck) {
+    const TemporaryHome home;
+    const TemporaryFolder from;
+    const Bytes tiny = Text("tiny and a text");
+    WriteDatabase(home, "sms.dat", kSystemMasterSystem,
+                  {
+                      {"v1.0", tiny}
+    });
+    EXPECT_EQ(Add({from.Write("tiny.sms", tiny)}).counts.copied, 1u);
+    EXPECT_EQ(FilesIn(home.Path() / "sms"), (Names{"board.game"}));
 }

@@ -4,6 +4,7 @@
 #include "library/game_folder.h"
 
 #include "support/counted_helpers.h"
+#include "support/least_images.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -191,13 +192,13 @@ TEST_F(CatalogueTest, FolderOfGamesGoesStraightToItsEnd) {
 }
 
 TEST_F(CatalogueTest, ConversionCountsAndLogs) {
-    const Bytes known = Noise(1, 1000);
+    const Bytes known = Noise(1, kLeastNesImage);
     entries = EntryOf(5, "known",
                       {
                           {"x", known}
     });
     home.Write("nes/k.nes", known);
-    home.Write("nes/u.NES", Noise(2, 1000));
+    home.Write("nes/u.NES", Noise(2, kLeastNesImage));
     home.Write("nes/readme.txt", "text");
     home.Write("nes/e.nes", "");
     WriteGame("nes/old.game", 5, 3);
@@ -224,13 +225,13 @@ TEST_F(CatalogueTest, ConversionCountsAndLogs) {
 }
 
 TEST_F(CatalogueTest, KeepsSourcesIfTheSettingSaysSo) {
-    home.Write("nes/u.nes", Noise(2, 1000));
+    home.Write("nes/u.nes", Noise(2, kLeastNesImage));
     CATALOGUE_HOOKS hooks = Hooks();
     hooks.keepSources = [] { return true; };
     Catalogue catalogue(std::move(hooks));
     ASSERT_TRUE(catalogue.SwitchSystem(2, 0));
     catalogue.WaitForScan();
-    EXPECT_EQ(home.Read("nes/sources/u.nes"), Noise(2, 1000));
+    EXPECT_EQ(home.Read("nes/sources/u.nes"), Noise(2, kLeastNesImage));
     EXPECT_FALSE(fs::exists(home.Path() / "nes/u.nes"));
 }
 
@@ -320,7 +321,7 @@ TEST_F(CatalogueTest, FolderThatDisappearsWhileScannedIsTold) {
         fs::copy_file(home.Path() / "sms/0.game",
                       home.Path() / "sms" / (std::to_string(i) + ".game"));
     }
-    home.Write("sms/a.sms", Noise(1, 1000));
+    home.Write("sms/a.sms", Noise(1, kLeastNesImage));
     Catalogue catalogue(Hooks());
     onGame = [&] { fs::remove_all(home.Path() / "sms"); };
     ASSERT_TRUE(catalogue.SwitchSystem(0, 0));
@@ -330,7 +331,7 @@ TEST_F(CatalogueTest, FolderThatDisappearsWhileScannedIsTold) {
     EXPECT_LT(catalogue.Rows().size(), kGames) << "the rows of games that are gone are missing";
     EXPECT_FALSE(catalogue.TakeFolderError());
     // Between the list and the conversion.
-    home.Write("sms/a.sms", Noise(1, 1000));
+    home.Write("sms/a.sms", Noise(1, kLeastNesImage));
     onGame = nullptr;
     onBegin = [&] { fs::remove_all(home.Path() / "sms"); };
     ASSERT_TRUE(catalogue.SwitchSystem(0, 0));
@@ -340,7 +341,7 @@ TEST_F(CatalogueTest, FolderThatDisappearsWhileScannedIsTold) {
 }
 
 TEST_F(CatalogueTest, SecondCatalogueConvertsNothingMeanwhile) {
-    home.Write("nes/a.nes", Noise(1, 1000));
+    home.Write("nes/a.nes", Noise(1, kLeastNesImage));
     WriteGame("nes/old.game", 5, 2);
     FolderLock lock;
     std::string error;
@@ -348,7 +349,7 @@ TEST_F(CatalogueTest, SecondCatalogueConvertsNothingMeanwhile) {
     Catalogue catalogue(Hooks());
     ASSERT_TRUE(catalogue.SwitchSystem(2, 0));
     catalogue.WaitForScan();
-    EXPECT_EQ(home.Read("nes/a.nes"), Noise(1, 1000));
+    EXPECT_EQ(home.Read("nes/a.nes"), Noise(1, kLeastNesImage));
     const std::vector<std::string> log = Log(catalogue);
     ASSERT_EQ(log.size(), 1u);
     EXPECT_THAT(log[0], testing::HasSubstr("is being converted by process"));
@@ -357,7 +358,7 @@ TEST_F(CatalogueTest, SecondCatalogueConvertsNothingMeanwhile) {
 
 TEST_F(CatalogueTest, TwoCataloguesConvertEachFileOnce) {
     for (uint64_t i = 0; i < 30; ++i) {
-        home.Write("nes/f" + std::to_string(i) + ".nes", Noise(i, 1000));
+        home.Write("nes/f" + std::to_string(i) + ".nes", Noise(i, kLeastNesImage));
     }
     Catalogue first(Hooks());
     Catalogue second(CATALOGUE_HOOKS{});

@@ -1,6 +1,7 @@
 #include "library/convert.h"
 #include "library/game_folder.h"
 
+#include "support/least_images.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -23,7 +24,7 @@ using Counts = std::vector<int>;
 
 TEST(FolderConversion, UnknownImageBecomesAGameAndItsSourceGoes) {
     GameFolder folder(kNes);
-    const Bytes image = Noise(1, 5000);
+    const Bytes image = Noise(1, kLeastNesImage);
     folder.Write("My Game.nes", image);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.log, ElementsAre("Converted unknown game: My Game.game"));
@@ -106,10 +107,10 @@ TEST(FolderConversion, EqualFilesOfOneStemMakeTwoGames) {
 TEST(FolderConversion, GameThatWasThereIsNeverReplaced) {
     GameFolder folder(kNes);
     folder.Write("a.game", "anything");
-    folder.Write("a.nes", Noise(1, 1000));
+    folder.Write("a.nes", Noise(1, kLeastNesImage));
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_EQ(folder.Read("a.game"), Text("anything"));
-    EXPECT_EQ(folder.ImageOf("a0.game"), Noise(1, 1000));
+    EXPECT_EQ(folder.ImageOf("a0.game"), Noise(1, kLeastNesImage));
 }
 
 TEST(FolderConversion, InterleavedDumpIsPutInOrder) {
@@ -125,7 +126,7 @@ TEST(FolderConversion, InterleavedDumpIsPutInOrder) {
 
 TEST(FolderConversion, ArcadeGameIsAssembledFromFilesAndZips) {
     const Bytes one = Noise(1, 2000);
-    const Bytes two = Noise(2, 1000);
+    const Bytes two = Noise(2, kLeastNesImage);
     GameFolder folder(kArcade, EntryOf(kArcade, "board",
                                        {
                                            {"one", one},
@@ -225,9 +226,9 @@ TEST(FolderConversion, MegaDriveZipIsNotTakenForAnInterleavedDump) {
 
 TEST(FolderConversion, OnlyThisFoldersSystemIsConverted) {
     GameFolder folder(kSms);
-    folder.Write("a.nes", Noise(1, 1000));
+    folder.Write("a.nes", Noise(1, kLeastNesImage));
     folder.Write("readme.txt", "text");
-    folder.Write("media/b.sms", Noise(2, 1000));
+    folder.Write("media/b.sms", Noise(2, kLeastNesImage));
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.Names(), ElementsAre("a.nes", "media/", "readme.txt"));
     EXPECT_THAT(folder.Names("media"), ElementsAre("b.sms"));
@@ -248,7 +249,8 @@ TEST(FolderConversion, OrderIsThatOfOneThread) {
         folder.threads = threads;
         for (uint64_t i = 0; i < 12; ++i) {
             folder.Write("k" + std::to_string(i) + ".nes", Noise(100 + i, 2000));
-            folder.Write("u" + std::to_string(i) + ".nes", Noise(i, 500 + 9970 * (i * 7 % 11)));
+            folder.Write("u" + std::to_string(i) + ".nes",
+                         Noise(i, kLeastNesImage + 9970 * (i * 7 % 11)));
         }
         EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
         EXPECT_EQ(folder.Counts(), (Counts{12, 12, 0, 0}));
@@ -266,7 +268,8 @@ TEST(FolderConversion, OrderIsThatOfOneThread) {
 TEST(FolderConversion, ProgressRisesEvenlyToItsEnd) {
     GameFolder folder(kNes);
     for (uint64_t i = 0; i < 50; ++i) {
-        folder.Write("f" + std::to_string(i) + ".nes", Noise(i, i % 2 == 0 ? 200 : 60000));
+        folder.Write("f" + std::to_string(i) + ".nes",
+                     Noise(i, i % 2 == 0 ? kLeastNesImage : 60000));
     }
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     ASSERT_FALSE(folder.progress.empty());
@@ -282,11 +285,11 @@ TEST(FolderConversion, ProgressRisesEvenlyToItsEnd) {
 TEST(FolderConversion, StoppedOneGoesOnWhereItWas) {
     GameFolder folder(kNes, EntryOf(kNes, "known",
                                     {
-                                        {"x", Noise(3, 1000)}
+                                        {"x", Noise(3, kLeastNesImage)}
     }));
     std::set<std::string> games = {"known.game"};
     for (uint64_t i = 0; i < 20; ++i) {
-        folder.Write("f" + std::to_string(i) + ".nes", Noise(i, 1000));
+        folder.Write("f" + std::to_string(i) + ".nes", Noise(i, kLeastNesImage));
         if (i != 3) {
             games.insert("f" + std::to_string(i) + ".game");
         }
@@ -337,37 +340,37 @@ TEST(FolderConversion, StopBetweenTwoBoardsKeepsTheirPiece) {
 }
 
 TEST(FolderConversion, KeptSourcesMoveToASubfolder) {
-    const Bytes known = Noise(7, 1000);
+    const Bytes known = Noise(7, kLeastNesImage);
     GameFolder folder(kNes, EntryOf(kNes, "known",
                                     {
                                         {"x", known}
     }));
     folder.keepSources = true;
-    folder.Write("a.nes", Noise(1, 1000));
+    folder.Write("a.nes", Noise(1, kLeastNesImage));
     folder.Write("k.nes", known);
     folder.Write("sources/a.nes", "an older one");
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.Names(), ElementsAre("a.game", "known.game", "sources/"));
     EXPECT_THAT(folder.Names("sources"), ElementsAre("a (2).nes", "a.nes", "k.nes"));
     EXPECT_EQ(folder.Read("sources/a.nes"), Text("an older one"));
-    EXPECT_EQ(folder.Read("sources/a (2).nes"), Noise(1, 1000));
+    EXPECT_EQ(folder.Read("sources/a (2).nes"), Noise(1, kLeastNesImage));
     EXPECT_EQ(folder.Read("sources/k.nes"), known);
     EXPECT_EQ(folder.Counts(), (Counts{1, 1, 0, 0}));
 }
 
 TEST(FolderConversion, GameYoungerThanItsSourceIsNotWrittenAgain) {
-    const Bytes known = Noise(7, 1000);
+    const Bytes known = Noise(7, kLeastNesImage);
     GameFolder folder(kNes, EntryOf(kNes, "known",
                                     {
                                         {"x", known}
     }));
-    folder.Write("a.nes", Noise(1, 1000));
+    folder.Write("a.nes", Noise(1, kLeastNesImage));
     folder.Write("k.nes", known);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     const Bytes first = folder.Read("a.game");
     // As if the sources could not have been removed.
     const auto earlier = fs::last_write_time(folder.Path() / "a.game") - std::chrono::hours(1);
-    fs::last_write_time(folder.Write("a.nes", Noise(1, 1000)), earlier);
+    fs::last_write_time(folder.Write("a.nes", Noise(1, kLeastNesImage)), earlier);
     fs::last_write_time(folder.Write("k.nes", known), earlier);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.log,
@@ -379,10 +382,10 @@ TEST(FolderConversion, GameYoungerThanItsSourceIsNotWrittenAgain) {
     Bytes damaged = first;
     damaged[damaged.size() / 2 + 300] ^= 1;
     folder.Write("a.game", damaged);
-    fs::last_write_time(folder.Write("a.nes", Noise(1, 1000)), earlier);
+    fs::last_write_time(folder.Write("a.nes", Noise(1, kLeastNesImage)), earlier);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.log, ElementsAre("Converted unknown game: a.game"));
-    EXPECT_EQ(folder.ImageOf("a0.game"), Noise(1, 1000));
+    EXPECT_EQ(folder.ImageOf("a0.game"), Noise(1, kLeastNesImage));
     // A file that came later is a new one.
     fs::last_write_time(folder.Write("k.nes", known),
                         fs::last_write_time(folder.Path() / "known.game") + std::chrono::hours(1));

@@ -1,6 +1,7 @@
 #include "library/folder_lock.h"
 #include "library/game_folder.h"
 
+#include "support/least_images.h"
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -114,13 +115,13 @@ TEST(FolderLock, StaleFileOfALivingProcessNumberIsTakenOver) {
 
 TEST(FolderLock, KeepsAConversionOut) {
     GameFolder folder(5);
-    folder.Write("a.nes", Noise(1, 1000));
+    folder.Write("a.nes", Noise(1, kLeastNesImage));
     FolderLock lock;
     std::string error;
     ASSERT_TRUE(lock.Take(folder.Path(), error)) << error;
     EXPECT_EQ(folder.Convert(), ConversionEnd::kLocked);
     EXPECT_TRUE(folder.LoggedOf(folder.Path().string(), "is being converted by process"));
-    EXPECT_EQ(folder.Read("a.nes"), Noise(1, 1000));
+    EXPECT_EQ(folder.Read("a.nes"), Noise(1, kLeastNesImage));
     lock.Release();
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.Names(), ElementsAre("a.game"));

@@ -4,6 +4,7 @@
 #include "library/full_disk.h"
 #include "library/game_folder.h"
 
+#include "support/least_images.h"
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -181,18 +182,22 @@ TEST(FolderSafety, ArcadeZipWithAPieceThatNoEntryWantsStays) {
     EXPECT_TRUE(folder.LoggedOf("Kept: " + folder.At("set.zip"), "not everything"));
 }
 
-// As sets of one board and of a variant of it do.
+// As sets of one board and of a variant of it do. With one thread the second item of a zip comes up when the first has
+// removed the file.
 TEST(FolderSafety, ArcadeZipsThatShareAPieceBothGo) {
     const NAMED_BYTES shared = {"shared.ic1", Noise(1, 3000)};
     const NAMED_BYTES own = {"own.ic2", Noise(2, 3000)};
     const NAMED_BYTES other = {"other.ic2", Noise(3, 3000)};
-    GameFolder folder(kArcade, EntryOf(kArcade, "board", {shared, own}) +
-                                   EntryOf(kArcade, "variant", {shared, other}));
-    folder.Write("board.zip", ZipOf({shared, own}));
-    folder.Write("variant.zip", ZipOf({shared, other}));
-    EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
-    EXPECT_THAT(folder.log, ElementsAre("Converted board.game", "Converted variant.game"));
-    EXPECT_THAT(folder.Names(), ElementsAre("board.game", "variant.game"));
+    for (const unsigned threads : {1u, 3u}) {
+        GameFolder folder(kArcade, EntryOf(kArcade, "board", {shared, own}) +
+                                       EntryOf(kArcade, "variant", {shared, other}));
+        folder.threads = threads;
+        folder.Write("board.zip", ZipOf({shared, own}));
+        folder.Write("variant.zip", ZipOf({shared, other}));
+        EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+        EXPECT_THAT(folder.log, ElementsAre("Converted board.game", "Converted variant.game"));
+        EXPECT_THAT(folder.Names(), ElementsAre("board.game", "variant.game"));
+    }
 }
 
 // A downloaded file's time may lie in the future, so that no game is younger.
@@ -246,8 +251,8 @@ TEST(FolderSafety, FullDiskLosesNoSource) {
                                         {"x", known}
     }));
     folder.Write("k.nes", known);
-    folder.Write("u.nes", Noise(2, 3000));
-    folder.Write("small.nes", Bytes(100, 1)); // packs to less than the limit
+    folder.Write("u.nes", Noise(2, kLeastNesImage));
+    folder.Write("small.nes", Bytes(kLeastNesImage, 1)); // packs to less than the limit
     {
         const FullDisk disk(1500);
         EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
@@ -259,7 +264,7 @@ TEST(FolderSafety, FullDiskLosesNoSource) {
     EXPECT_TRUE(folder.LoggedOf("Kept: " + folder.At("k.nes"), "could not be written"));
     EXPECT_THAT(folder.Names(), ElementsAre("k.nes", "small.game", "u.nes"));
     EXPECT_EQ(folder.Read("k.nes"), known);
-    EXPECT_EQ(folder.Read("u.nes"), Noise(2, 3000));
+    EXPECT_EQ(folder.Read("u.nes"), Noise(2, kLeastNesImage));
     // With room again the rest is done.
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.Names(), ElementsAre("known.game", "small.game", "u.game"));
@@ -267,8 +272,8 @@ TEST(FolderSafety, FullDiskLosesNoSource) {
 
 TEST(FolderSafety, UnreadableFilesAreErrorsAndStay) {
     GameFolder folder(kNes);
-    folder.Write("closed.nes", Noise(1, 1000));
-    folder.Write("fine.nes", Noise(2, 1000));
+    folder.Write("closed.nes", Noise(1, kLeastNesImage));
+    folder.Write("fine.nes", Noise(2, kLeastNesImage));
     fs::permissions(folder.Path() / "closed.nes", fs::perms::none);
     fs::create_symlink("nowhere", folder.Path() / "dangling.nes");
     fs::create_symlink("loop.nes", folder.Path() / "loop.nes");
@@ -291,7 +296,7 @@ TEST(FolderSafety, UnreadableFilesAreErrorsAndStay) {
 
 TEST(FolderSafety, LinkIsConvertedAndItsTargetStays) {
     TemporaryFolder elsewhere;
-    const fs::path target = elsewhere.Write("image.nes", Noise(1, 1000));
+    const fs::path target = elsewhere.Write("image.nes", Noise(1, kLeastNesImage));
     fs::permissions(target, fs::perms::owner_read);
     for (const bool keep : {false, true}) {
         GameFolder folder(kNes);
@@ -299,10 +304,10 @@ TEST(FolderSafety, LinkIsConvertedAndItsTargetStays) {
         fs::create_symlink(target, folder.Path() / "link.nes");
         fs::create_directory_symlink(elsewhere.Path(), folder.Path() / "folder.nes");
         EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
-        EXPECT_EQ(folder.ImageOf("link.game"), Noise(1, 1000));
+        EXPECT_EQ(folder.ImageOf("link.game"), Noise(1, kLeastNesImage));
         EXPECT_FALSE(fs::is_symlink(folder.Path() / "link.nes"));
         EXPECT_EQ(fs::is_symlink(folder.Path() / "sources/link.nes"), keep);
-        EXPECT_EQ(elsewhere.Read("image.nes"), Noise(1, 1000));
+        EXPECT_EQ(elsewhere.Read("image.nes"), Noise(1, kLeastNesImage));
         EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read);
         EXPECT_EQ(folder.Counts(), (Counts{0, 1, 0, 0})) << "a link to a folder is passed over";
     }
@@ -311,16 +316,16 @@ TEST(FolderSafety, LinkIsConvertedAndItsTargetStays) {
 TEST(FolderSafety, KeptRelativeLinkStillLeadsToItsTarget) {
     GameFolder folder(kNes);
     folder.keepSources = true;
-    folder.Write("deeper/image.bin", Noise(1, 1000));
+    folder.Write("deeper/image.bin", Noise(1, kLeastNesImage));
     fs::create_symlink("deeper/image.bin", folder.Path() / "link.nes");
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
-    EXPECT_EQ(folder.Read("sources/link.nes"), Noise(1, 1000));
+    EXPECT_EQ(folder.Read("sources/link.nes"), Noise(1, kLeastNesImage));
 }
 
 TEST(FolderSafety, NameThatIsNoTextKeepsItsBytes) {
     GameFolder folder(kNes);
     const std::string name = "caf\xE9 \xFF";
-    folder.Write(name + ".nes", Noise(1, 1000));
+    folder.Write(name + ".nes", Noise(1, kLeastNesImage));
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.Names(), ElementsAre(name + ".game"));
     CGameFile game;
@@ -336,15 +341,15 @@ TEST(FolderSafety, LongNamesAreConverted) {
     for (const size_t length : {200u, 250u}) {
         GameFolder folder(kNes);
         const std::string stem(length, 'n');
-        folder.Write(stem + ".nes", Noise(1, 1000));
+        folder.Write(stem + ".nes", Noise(1, kLeastNesImage));
         EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
         EXPECT_THAT(folder.Names(), ElementsAre(stem + ".game")) << length;
-        EXPECT_EQ(folder.ImageOf(stem + ".game"), Noise(1, 1000));
+        EXPECT_EQ(folder.ImageOf(stem + ".game"), Noise(1, kLeastNesImage));
     }
     // One more byte than fits with the new ending.
     GameFolder folder(kNes);
     const std::string name = std::string(251, 'n') + ".nes";
-    folder.Write(name, Noise(1, 1000));
+    folder.Write(name, Noise(1, kLeastNesImage));
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.Names(), ElementsAre(name));
     EXPECT_EQ(folder.Counts(), (Counts{0, 0, 1, 0}));
@@ -353,12 +358,12 @@ TEST(FolderSafety, LongNamesAreConverted) {
 
 TEST(FolderSafety, NamesThatDifferInCaseAloneStayApart) {
     GameFolder folder(kNes);
-    folder.Write("Game.nes", Noise(1, 1000));
-    folder.Write("GAME.nes", Noise(2, 1000));
-    folder.Write("GAME.NES", Noise(3, 1000));
+    folder.Write("Game.nes", Noise(1, kLeastNesImage));
+    folder.Write("GAME.nes", Noise(2, kLeastNesImage));
+    folder.Write("GAME.NES", Noise(3, kLeastNesImage));
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.Names(), ElementsAre("GAME.game", "GAME0.game", "Game.game"));
-    EXPECT_EQ(folder.ImageOf("Game.game"), Noise(1, 1000));
+    EXPECT_EQ(folder.ImageOf("Game.game"), Noise(1, kLeastNesImage));
 }
 
 TEST(FolderSafety, EmptyFileStays) {
@@ -377,7 +382,7 @@ TEST(FolderSafety, FileOfFourGibibytesIsRefusedUnread) {
     WriteSparse(folder.Path() / "huge.nes", uint64_t{4} << 30);
     WriteSparse(folder.Path() / "more.nes", (uint64_t{4} << 30) + 1000);
     WriteSparse(folder.Path() / "huge.zip", uint64_t{4} << 30);
-    folder.Write("small.nes", Noise(1, 1000));
+    folder.Write("small.nes", Noise(1, kLeastNesImage));
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_EQ(folder.Counts(), (Counts{0, 1, 2, 1}));
     EXPECT_TRUE(folder.LoggedOf("huge.nes", "is larger than 67108864 bytes"));
@@ -394,15 +399,44 @@ TEST(FolderSafety, CopierHeaderAloneStays) {
     EXPECT_THAT(folder.Names(), ElementsAre("header.smd"));
 }
 
+TEST(FolderSafety, WhatCanBeNoGameStaysAndIsCountedAsSkipped) {
+    GameFolder folder(4);
+    folder.Write("README.md", std::string(3000, 'n'));
+    folder.Write("texts.zip", ZipOf({
+                                  {"a.md", Bytes(3000, 'n')}
+    }));
+    EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+    EXPECT_TRUE(folder.Logged(folder.At("README.md") + ": is a text, not a game"));
+    EXPECT_TRUE(folder.Logged(folder.At("texts.zip") + ": holds no game image"));
+    EXPECT_EQ(folder.Counts(), (Counts{0, 0, 0, 2}));
+    EXPECT_THAT(folder.Names(), ElementsAre("README.md", "texts.zip"));
+}
+
+// The game goes into the library, and the text is in no game.
+TEST(FolderSafety, ZipWithAKnownGameAndATextOfAGamesNameStays) {
+    const Bytes known = Noise(1, 2048);
+    GameFolder folder(4, EntryOf(4, "known",
+                                 {
+                                     {"x", known}
+    }));
+    folder.Write("a.zip", ZipOf({
+                              {"game.md",   known},
+                              { "README.md", Bytes(3000,  'n')}
+    }));
+    EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
+    EXPECT_TRUE(folder.LoggedOf("Kept: " + folder.At("a.zip"), "README.md is in no game file"));
+    EXPECT_THAT(folder.Names(), ElementsAre("a.zip", "known.game"));
+}
+
 TEST(FolderSafety, FolderThatDisappearsEndsInErrors) {
-    const Bytes known = Noise(1, 1000);
+    const Bytes known = Noise(1, kLeastNesImage);
     GameFolder folder(kNes, EntryOf(kNes, "known",
                                     {
                                         {"x", known}
     }));
     folder.Write("inner/k.nes", known);
-    folder.Write("inner/a.nes", Noise(2, 1000));
-    folder.Write("inner/b.nes", Noise(3, 1000));
+    folder.Write("inner/a.nes", Noise(2, kLeastNesImage));
+    folder.Write("inner/b.nes", Noise(3, kLeastNesImage));
     // The folder goes after the games of step 2.
     CONVERSION conversion;
     conversion.folder = folder.Path() / "inner";
@@ -423,7 +457,8 @@ TEST(FolderSafety, FolderThatDisappearsEndsInErrors) {
     const std::string first = "Failed to convert this unknown game: ";
     EXPECT_EQ(log[1], first + (conversion.folder / "b.nes").string());
     for (const char* name : {"a.nes", "b.nes"}) {
-        EXPECT_EQ(folder.Read(std::string("moved/") + name), Noise(*name == 'a' ? 2 : 3, 1000));
+        EXPECT_EQ(folder.Read(std::string("moved/") + name),
+                  Noise(*name == 'a' ? 2 : 3, kLeastNesImage));
     }
     log.clear();
     fs::remove_all(folder.Path() / "inner");
@@ -432,7 +467,7 @@ TEST(FolderSafety, FolderThatDisappearsEndsInErrors) {
 }
 
 TEST(FolderSafety, SourceThatChangedMeanwhileStays) {
-    const Bytes known = Noise(1, 1000);
+    const Bytes known = Noise(1, kLeastNesImage);
     GameFolder folder(kNes, EntryOf(kNes, "known",
                                     {
                                         {"x", known}
@@ -451,7 +486,7 @@ TEST(FolderSafety, SourceThatChangedMeanwhileStays) {
 }
 
 TEST(FolderSafety, SourceThatCannotBeDeletedIsAnError) {
-    const Bytes known = Noise(1, 1000);
+    const Bytes known = Noise(1, kLeastNesImage);
     GameFolder folder(kNes, EntryOf(kNes, "known",
                                     {
                                         {"x", known}
@@ -474,14 +509,14 @@ TEST(FolderSafety, SourceThatCannotBeDeletedIsAnError) {
 
 TEST(FolderSafety, ReadOnlySourceIsDeleted) {
     GameFolder folder(kNes);
-    fs::permissions(folder.Write("a.nes", Noise(1, 1000)), fs::perms::owner_read);
+    fs::permissions(folder.Write("a.nes", Noise(1, kLeastNesImage)), fs::perms::owner_read);
     EXPECT_EQ(folder.Convert(), ConversionEnd::kDone);
     EXPECT_THAT(folder.Names(), ElementsAre("a.game"));
 }
 
 TEST(FolderSafety, FolderThatCannotBeWrittenIsLeftAlone) {
     GameFolder folder(kNes);
-    folder.Write("a.nes", Noise(1, 1000));
+    folder.Write("a.nes", Noise(1, kLeastNesImage));
     {
         const OrdinaryUser user(folder.Path());
         user.CloseFolder(folder.Path());

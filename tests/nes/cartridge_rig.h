@@ -73,7 +73,10 @@ public:
         return NesReadPpuPage(cartridge->pages, static_cast<uint16_t>(address));
     }
     void Hook(int address) {
-        cartridge->pages.ppuAddressHook(cartridge->pages.board, static_cast<uint16_t>(address));
+        const NES_PAGES& pages = cartridge->pages;
+        if (pages.ppuAddressHook != nullptr) {
+            pages.ppuAddressHook(pages.board, static_cast<uint16_t>(address), 1);
+        }
     }
 
     // The numbers of the program pages at 0x8000 to 0xFFFF.

@@ -213,8 +213,8 @@ TEST(Cartridge, OnlyTheBoardsThatHaveThemHaveClockAndHook) {
     for (const int board : kBuilt) {
         CartridgeRig rig({board, 2, 1, 0});
         EXPECT_EQ(rig.cartridge->cpuClock != nullptr, board == 73) << board;
-        EXPECT_EQ(rig.cartridge->pages.ppuAddressHook != NesIgnoreAddress, board == 4) << board;
-        rig.Hook(0x1000); // must be safe on every board
+        EXPECT_EQ(rig.cartridge->pages.ppuAddressHook != nullptr, board == 4) << board;
+        rig.Hook(0x1000);
         BoardCpuClock(*rig.cartridge);
         EXPECT_FALSE(rig.Irq());
     }

@@ -162,89 +162,6 @@ private:
     NesProgram program;
 };
 
-// Waits for flags of PPUSTATUS over and over, with sprites that set them in some lines. What follows each wait changes
-// the colours, so that the picture tells the dot on which it ended.
-class PollingProgram {
-public:
-    explicit PollingProgram(uint32_t seed)
-        : random(seed) {
-        program.Bytes({0xA2, 0xFF, 0x9A}).Store(0x2000, 0).Store(0x2001, 0); // LDX # TXS
-        program.WaitForBlank().WaitForBlank();
-        Patterns();
-        program.PictureAddress(0x3F00);
-        for (int entry = 0; entry < 32; ++entry) {
-            program.Store(0x2007, entry);
-        }
-        Sprites();
-        program.WaitForBlank().Store(0x2003, 0).Store(0x4014, 2);
-        program.Store(0x2005, 0).Store(0x2005, 0).Store(0x2000, 0x80).Store(0x2001, 0x1E);
-        const uint16_t loop = program.Here();
-        while (program.Here() < kNesNmi - 0x20) {
-            Delay();
-            Wait();
-            program.Store(0x2001, 0x1E | Below(8) << 5); // emphasis
-        }
-        program.Jump(loop);
-        program.At(kNesNmi).Bytes({0xE6, kInterrupts, 0x40}); // INC RTI
-    }
-
-    [[nodiscard]] const NesProgram& Program() const { return program; }
-
-private:
-    int Below(int end) { return static_cast<int>(random() % static_cast<uint32_t>(end)); }
-
-    // Sprites of eight lines are visible only in the last, so that they hit the background late.
-    void Patterns() {
-        program.PictureAddress(0);
-        FillTiles(0);
-        FillTiles(0x5A);
-    }
-
-    // A pattern table, whose tiles have this byte in the first seven rows of each plane.
-    void FillTiles(int byte) {
-        program.Bytes({0xA0, 2, 0xA2, 0}); // LDY # LDX #
-        const uint16_t loop = program.Here();
-        program.Lda(byte);
-        for (int row = 0; row < 7; ++row) {
-            program.Sta(0x2007);
-        }
-        program.Store(0x2007, 0x5A).Bytes({0xCA, 0xD0, 0xE1, 0x88, 0xD0, 0xDE}); // DEX BNE, DEY BNE
-        EXPECT_EQ(program.Here() - loop, 34);
-    }
-
-    // Groups of 7 to 9 in the same lines; sprite 0 is in the first, which may be off the screen.
-    void Sprites() {
-        program.Lda(0xFF).Bytes({0xA2, 0, 0x9D, 0x00, 0x02, 0xE8, 0xD0, 0xFA}); // LDX # STA INX BNE
-        int sprite = 0;
-        for (int group = Below(4); group >= 0; --group) {
-            const int y = Below(250);
-            for (int count = 7 + Below(3); count != 0; --count, ++sprite) {
-                program.Store(0x200 + 4 * sprite, y).Store(0x203 + 4 * sprite, Below(256));
-            }
-        }
-    }
-
-    void Delay() {
-        if (Below(3) == 0) {
-            program.Bytes({0xA2, Below(256), 0xCA, 0xD0, 0xFD}); // LDX # DEX BNE
-        }
-    }
-
-    // Until one of these flags is set or cleared, or an interrupt has come.
-    void Wait() {
-        const int flags = Below(4) == 0 ? 0x80 : 0x20 << Below(2);
-        const int branch = Below(3) == 0 ? 0xF0 : 0xD0; // BEQ or BNE
-        program.Store(0x2000, 0x90 | Below(2) << 5);    // the background from the second table
-        program.Bytes({0xA6, kInterrupts})
-            .Load(0x2002)
-            .Bytes({0x29, flags, branch, 0x04});        // LDX, AND
-        program.Bytes({0xE4, kInterrupts, 0xF0, 0xF5}); // CPX BEQ
-    }
-
-    std::mt19937 random;
-    NesProgram program;
-};
-
 class EveryNesBoard : public testing::TestWithParam<NES_BOARD_CASE> {};
 
 } // namespace
@@ -268,32 +185,6 @@ TEST_P(EveryNesBoard, RandomAccessesAreTheSameFastAndPlain) {
         }
     }
     ExpectALivelyRun(run);
-}
-
-TEST(NesPolling, EndsOnTheSameDotFastAndPlain) {
-    constexpr uint32_t kPrograms = 30;
-    constexpr int kFrames = 30;
-    std::vector<FRAME_RESULT> run;
-    run.reserve(size_t{kPrograms} * kFrames);
-    for (uint32_t seed = 0; seed < kPrograms; ++seed) {
-        const PollingProgram polling(seed);
-        const NES_IMAGE image{0, 0, 2, 0, {}};
-        const auto fast = StartNes(polling.Program(), image);
-        const auto plain = StartNes(polling.Program(), image);
-        plain->SetPlainLoop(true);
-        for (int frame = 0; frame < kFrames; ++frame) {
-            const FRAME_RESULT one = Play(*fast, frame, 1).front();
-            const FRAME_RESULT two = Play(*plain, frame, 1).front();
-            ASSERT_EQ(one.picture, two.picture) << seed << ", frame " << frame;
-            ASSERT_TRUE(Save(*fast) == Save(*plain)) << seed << ", frame " << frame;
-            run.push_back(one);
-        }
-    }
-    size_t changes = 0;
-    for (size_t i = 1; i < run.size(); ++i) {
-        changes += run[i].picture != run[i - 1].picture ? 1U : 0U;
-    }
-    EXPECT_GT(changes, run.size() / 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(NesBoard, EveryNesBoard, testing::ValuesIn(kNesBoardCases),

@@ -3,7 +3,6 @@
 
 #include "nes/ppu.h"
 #include "nes/ppu_colours.h"
-#include "nes/ppu_plain.h"
 #include "nes/ppu_tick.h"
 
 #include <array>
@@ -70,11 +69,6 @@ public:
     uint8_t Read(uint32_t address) { return PpuReadRegister(*ppu, static_cast<uint16_t>(address)); }
 
     void Dot() { PpuTick(*ppu); }
-    void PlainDots(uint32_t count) {
-        for (; count != 0; --count) {
-            PpuPlainTick(*ppu);
-        }
-    }
     void Dots(uint32_t count) {
         for (; count != 0; --count) {
             Dot();
@@ -167,10 +161,10 @@ public:
     bool watching = false; // append to `log`
 
 private:
-    static void Watch(void* board, uint16_t address) {
+    static void Watch(void* board, uint16_t address, uint32_t count) {
         auto& rig = *static_cast<PpuRig*>(board);
         if (rig.watching) {
-            rig.log.push_back({rig.ppu->line, rig.ppu->dot, address});
+            rig.log.insert(rig.log.end(), count, {rig.ppu->line, rig.ppu->dot, address});
         }
     }
 };

@@ -1,4 +1,4 @@
-// States at any dot and of arbitrary bytes; and work that is put off or done in groups, against the same work done
+// States at any dot and of arbitrary bytes; and work that is put off or done in lines, against the same work done
 // dot by dot.
 #include "base/bytes.h"
 #include "nes/ppu_rig.h"
@@ -66,10 +66,11 @@ void Access(PpuRig& rig, std::mt19937& random) {
     }
 }
 
-// Every field of the record, the bus, the interrupt line and the picture.
+// Every field of the record but what is owed, the bus and the interrupt line.
 void ExpectTheSame(const PpuRig& one, const PpuRig& two) {
-    const PPU& a = *one.ppu;
+    PPU a = *one.ppu;
     const PPU& b = *two.ppu;
+    PpuCatchUp(a);
     ASSERT_EQ(Save(a), Save(b));
     ASSERT_EQ(a.rendering, b.rendering);
     ASSERT_EQ(a.visible, b.visible);
@@ -85,12 +86,66 @@ void ExpectTheSame(const PpuRig& one, const PpuRig& two) {
     ASSERT_EQ(one.nmi, two.nmi);
 }
 
-std::vector<uint16_t> Addresses(const std::vector<Watched>& log) {
+std::vector<uint16_t> Addresses(const std::vector<Watched>& log, uint16_t bits) {
     std::vector<uint16_t> addresses;
+    addresses.reserve(log.size());
     for (const Watched& watched : log) {
-        addresses.push_back(watched.address);
+        addresses.push_back(watched.address & bits);
     }
     return addresses;
+}
+
+// What reaches the board: nothing, bit 12 of every address, or reads of patterns.
+enum class Board { kDeaf, kCountsAddresses, kReadsPatterns };
+
+// Any read may switch the page, by the address.
+uint8_t ReadAndSwitch(void* board, uint16_t address) {
+    auto& rig = *static_cast<PpuRig*>(board);
+    rig.log.push_back({rig.ppu->line, rig.ppu->dot, address});
+    NES_PPU_PAGE& page = rig.pages.ppu[NesPpuPageOf(address)];
+    const uint8_t byte = page.data[NesPpuPlace(address)];
+    page.data = &rig.patterns[(address >> 4 & 7U) * kNesPpuPageBytes];
+    return byte;
+}
+
+void Connect(PpuRig& rig, Board board) {
+    rig.watching = board == Board::kCountsAddresses;
+    if (board != Board::kCountsAddresses) {
+        rig.pages.ppuAddressHook = nullptr;
+    }
+    if (board == Board::kReadsPatterns) {
+        for (const size_t page : {1U, 3U, 4U, 7U}) {
+            rig.pages.ppu[page].read = ReadAndSwitch;
+        }
+    }
+}
+
+// Counts rises of address bit 12 as a board would.
+struct RISES {
+    uint32_t lows = 0; // addresses without the bit since the last one with it
+    uint32_t count = 0;
+
+    static void Watch(void* board, uint16_t address, uint32_t count) {
+        auto& rises = *static_cast<RISES*>(board);
+        if ((address & 0x1000) == 0) {
+            rises.lows += count;
+            return;
+        }
+        rises.count += rises.lows + 1 >= kNesRiseAddresses ? 1U : 0U;
+        rises.lows = 0;
+    }
+};
+
+// Dots to the next rise, or to a point of time that PpuDotsToEvent tells.
+uint32_t DotsToRise(PpuRig& rig, const RISES& rises, uint32_t wanted) {
+    const uint32_t most = PpuDotsToEvent(*rig.ppu);
+    const uint32_t end = rises.count + wanted;
+    uint32_t dots = 0;
+    while (dots < most && rises.count < end) {
+        rig.Dot();
+        ++dots;
+    }
+    return dots;
 }
 
 } // namespace
@@ -239,38 +294,6 @@ TEST(PpuState, ALoadedLineEndsWhereItShould) {
     EXPECT_EQ(second.ppu->line, 0);
 }
 
-// Pixels and sprite evaluation are put off, and events are only checked on event dots. Done on every single dot
-// instead, pictures, register values and states are the same.
-TEST(PpuCatchUp, DelayIsNeverSeen) {
-    for (uint32_t seed = 0; seed < 12; ++seed) {
-        PpuRig fast;
-        PpuRig plain;
-        Randomize(fast, seed);
-        Randomize(plain, seed);
-        std::mt19937 fastRandom(seed);
-        std::mt19937 plainRandom(seed);
-        // From no access during the picture to one every few dots.
-        const uint32_t pause = seed % 3 == 0 ? 1000000 : seed % 3 == 1 ? 1709 : 37;
-        for (uint32_t frame = 0; frame < 3; ++frame) {
-            PpuBeginFrame(*fast.ppu, fast.pixels.data(), kPpuWidth);
-            PpuBeginFrame(*plain.ppu, plain.pixels.data(), kPpuWidth);
-            uint32_t dots = 0;
-            while (!fast.ppu->frameDone) {
-                fast.Dot();
-                plain.PlainDots(1);
-                if (++dots % pause == 0) {
-                    Access(fast, fastRandom);
-                    Access(plain, plainRandom);
-                    ASSERT_EQ(fast.ppu->openBus, plain.ppu->openBus) << seed;
-                    ASSERT_EQ(fast.ppu->status, plain.ppu->status) << seed;
-                }
-            }
-            ASSERT_EQ(fast.pixels, plain.pixels) << seed << " " << frame;
-            ASSERT_EQ(Save(*fast.ppu), Save(*plain.ppu)) << seed << " " << frame;
-        }
-    }
-}
-
 TEST(PpuCatchUp, SearchOfALineAtOnceEndsAsDotByDot) {
     std::mt19937 random(9);
     for (uint32_t trial = 0; trial < 3000; ++trial) {
@@ -308,31 +331,55 @@ TEST(PpuCatchUp, WithoutAPictureTheChipBehavesTheSame) {
     EXPECT_EQ(unseen.pixels, std::vector<uint32_t>(size_t{kPpuWidth} * kPpuHeight));
 }
 
-// Spans of any length with register accesses between them; with a board that watches the addresses, which must see
-// the same ones in the same order, and with one that doesn't.
+// At any dot, most of all around those in which the vblank flag comes, and after any accesses.
+TEST(PpuStatusRead, IsIdleIfItChangesNothing) {
+    std::mt19937 random(3);
+    PpuRig rig;
+    Randomize(rig, 3);
+    uint32_t idle = 0;
+    constexpr uint32_t kTrials = 6000;
+    for (uint32_t trial = 0; trial < kTrials; ++trial) {
+        switch (random() % 8) {
+        case 0: rig.RunTo(240, 339); break;
+        case 1: rig.RunTo(-1, 0); break;
+        case 2: rig.Write(0, RandomByte(random)); break;
+        case 3: rig.Write(random() % 2 == 0 ? 2 : 5, RandomByte(random)); break;
+        case 4: rig.Dots(300); break;
+        default: rig.Dots(static_cast<uint32_t>(random() % 4)); break;
+        }
+        const bool isIdle = PpuStatusReadIsIdle(*rig.ppu);
+        const std::vector<uint8_t> state = Save(*rig.ppu);
+        const uint32_t nmi = rig.nmi;
+        (void)rig.Read(2);
+        ASSERT_EQ(isIdle, state == Save(*rig.ppu) && nmi == rig.nmi) << trial;
+        idle += isIdle ? 1U : 0U;
+    }
+    EXPECT_GT(idle, kTrials / 10);
+    EXPECT_LT(idle, kTrials / 10 * 9);
+}
+
+// Spans of any length with register accesses between them, with each kind of board.
 TEST(PpuRun, DoesTheSameAsSingleDots) {
-    for (uint32_t seed = 0; seed < 16; ++seed) {
+    for (uint32_t seed = 0; seed < 24; ++seed) {
         PpuRig run;
         PpuRig dots;
-        const bool isWatched = seed % 2 == 0;
+        const auto board = static_cast<Board>(seed % 3);
         for (PpuRig* rig : {&run, &dots}) {
             Randomize(*rig, seed);
-            rig->watching = isWatched;
-            if (!isWatched) {
-                rig->pages.ppuAddressHook = NesIgnoreAddress;
-            }
+            Connect(*rig, board);
         }
         std::mt19937 random(seed);
         std::mt19937 runRandom(seed + 100);
         std::mt19937 dotRandom(seed + 100);
         const std::array<uint32_t, 4> longest{7, 40, 400, 5000};
-        const uint32_t accessEvery = seed / 4 % 2 == 0 ? 3 : 40;
+        const uint32_t accessEvery = seed / 12 == 0 ? 3 : 40;
+        const uint16_t bits = board == Board::kCountsAddresses ? 0x1000 : 0x3FFF;
         for (uint32_t frame = 0; frame < 3; ++frame) {
             PpuBeginFrame(*run.ppu, run.pixels.data(), kPpuWidth);
             PpuBeginFrame(*dots.ppu, dots.pixels.data(), kPpuWidth);
             while (!run.ppu->frameDone) {
                 const auto count =
-                    static_cast<uint32_t>(1 + random() % longest[(seed / 2 + frame) % 4]);
+                    static_cast<uint32_t>(1 + random() % longest[(seed / 3 + frame) % 4]);
                 PpuRun(*run.ppu, count);
                 dots.Dots(count);
                 ASSERT_NO_FATAL_FAILURE(ExpectTheSame(run, dots)) << seed << " " << count;
@@ -343,10 +390,101 @@ TEST(PpuRun, DoesTheSameAsSingleDots) {
                 }
             }
             ASSERT_EQ(run.pixels, dots.pixels) << seed << " " << frame;
-            ASSERT_EQ(Addresses(run.log), Addresses(dots.log)) << seed << " " << frame;
-            ASSERT_EQ(run.log.empty(), !isWatched);
+            ASSERT_EQ(Addresses(run.log, bits), Addresses(dots.log, bits)) << seed << " " << frame;
+            ASSERT_EQ(run.log.empty(), board == Board::kDeaf);
             run.log.clear();
             dots.log.clear();
         }
+    }
+}
+
+TEST(PpuRise, NeverComesBeforeItsTime) {
+    std::mt19937 random(5);
+    uint32_t early = 0; // trials in which a rise came before the event
+    for (uint32_t trial = 0; trial < 1000; ++trial) {
+        PpuRig rig;
+        RISES rises;
+        Randomize(rig, trial);
+        rig.pages.board = &rises;
+        rig.pages.ppuAddressHook = RISES::Watch;
+        rig.Dots(static_cast<uint32_t>(random() % 89342));
+        // What is switched in the middle of a line may make the next address a rise.
+        rig.Write(0, RandomByte(random) & 0x38U);
+        rig.Write(1, random() % 4 == 0 ? 0x00 : 0x1E);
+        if (random() % 4 == 0) {
+            Access(rig, random);
+        }
+        if (random() % 2 == 0) {
+            rig.Dots(static_cast<uint32_t>(random() % 700));
+        }
+        const auto wanted = static_cast<uint32_t>(1 + random() % (trial % 2 == 0 ? 4 : 300));
+        const uint32_t said = std::min(PpuDotsToRise(*rig.ppu, wanted), PpuDotsToEvent(*rig.ppu));
+        const uint32_t before = rises.count;
+        const uint32_t dots = DotsToRise(rig, rises, wanted);
+        ASSERT_GE(said, 1U);
+        ASSERT_LE(said, dots) << trial;
+        early += rises.count == before + wanted ? 1U : 0U;
+    }
+    EXPECT_GT(early, 150U);
+}
+
+TEST(PpuRise, MayBeTheAddressOfAnAccess) {
+    PpuRig rig;
+    RISES rises;
+    rig.pages.board = &rises;
+    rig.pages.ppuAddressHook = RISES::Watch;
+    rig.RunTo(250, 0);
+    rig.Write(0, 0x04); // an access adds 32 to the address
+    rig.Address(0x1FF0);
+    rig.Write(7, 0);
+    EXPECT_EQ(rig.ppu->vramAddress & 0x1000, 0);
+    EXPECT_EQ(PpuDotsToRise(*rig.ppu, 1), 1U);
+    rig.Dot();
+    EXPECT_EQ(rises.count, 1U);
+}
+
+TEST(PpuRise, MayBeTheLastSprite) {
+    PpuRig rig;
+    RISES rises;
+    rig.Scroll(0, 0, 0);
+    rig.Write(1, 0x1E);
+    rig.pages.board = &rises;
+    rig.pages.ppuAddressHook = RISES::Watch;
+    rig.RunTo(10, 315);
+    rig.Write(0, 0x08); // sprites from the second table
+    EXPECT_EQ(PpuDotsToRise(*rig.ppu, 1), 1U);
+    rig.Dot();
+    EXPECT_EQ(rises.count, 1U);
+}
+
+// With background and sprites in different tables the rise is at the first pattern of the other kind, and after the
+// picture on the first dot.
+TEST(PpuRise, IsSaidAFewDotsAhead) {
+    struct Row {
+        int32_t line; // from its dot 0
+        uint32_t control;
+        uint32_t wanted;
+        uint32_t said; // the begin of the part of the line in which it is
+        uint32_t dots;
+    };
+    const std::vector<Row> rows{
+        {10,  0x08, 1, 256,           260          },
+        {10,  0x08, 5, 4 * 341 + 256, 4 * 341 + 260},
+        {10,  0x10, 2, 256,           324          },
+        {10,  0x10, 5, 3 * 341 + 256, 3 * 341 + 324},
+        {236, 0x08, 5, 4 * 341,       4 * 341      },
+    };
+    for (const Row& row : rows) {
+        PpuRig rig;
+        RISES rises;
+        rig.Scroll(0, 1, row.control); // bit 12 is the lowest of fine Y
+        rig.Write(1, 0x1E);
+        rig.pages.board = &rises;
+        rig.pages.ppuAddressHook = RISES::Watch;
+        rig.RunTo(row.line, 0);
+        EXPECT_EQ(PpuDotsToRise(*rig.ppu, row.wanted), row.said) << row.line << " " << row.wanted;
+        const uint32_t steady = row.control == 0x10 ? 1 : 0; // the rise that could come at once
+        EXPECT_EQ(DotsToRise(rig, rises, row.wanted - steady), row.dots)
+            << row.line << " " << row.wanted;
     }
 }

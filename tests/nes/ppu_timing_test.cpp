@@ -309,7 +309,7 @@ TEST(PpuTiming, BoardsCanAnswerAPageThemselves) {
     Answer answer;
     rig.RunTo(250, 0);
     rig.pages.board = &answer;
-    rig.pages.ppuAddressHook = [](void*, uint16_t) {};
+    rig.pages.ppuAddressHook = nullptr;
     rig.pages.ppu[3].read = [](void* board, uint16_t address) {
         static_cast<Answer*>(board)->read.push_back(address);
         return uint8_t{0x3C};

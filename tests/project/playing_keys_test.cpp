@@ -1,8 +1,8 @@
 // The keys that docs/PLAYING.md tells the player: what is bound on a first run, or a fixed key of the window.
 #include "base/files.h"
 #include "facts/machine_facts.h"
-#include "front/program_commands.h"
-#include "settings/bindings.h"
+#include "front/action_list.h"
+#include "settings/settings.h"
 
 #include <gtest/gtest.h>
 
@@ -22,10 +22,6 @@ std::string Upper(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return text;
-}
-
-std::string Narrow(std::wstring_view text) {
-    return {text.begin(), text.end()};
 }
 
 std::string Trimmed(const std::string& text) {
@@ -70,13 +66,25 @@ std::vector<std::pair<std::string, std::string>> KeysIn(const std::string& cell)
     return keys;
 }
 
-std::map<std::string, std::string> DefaultKeys() {
-    std::map<std::string, std::string> keys;
-    for (const INPUT_ACTION& action : InputActions()) {
-        keys[Narrow(action.name)] =
-            action.defaultBinding != 0 ? Narrow(BindingName(action.defaultBinding)) : "";
+// What `ombrelune actions` lists on a first run; null: the program's own actions.
+std::vector<ACTION_LINE> LinesOf(const MACHINE_FACTS* machine) {
+    RegisterDefaultSettings(Settings());
+    for (ACTION_GROUP& group : ListActions()) {
+        if (group.machine == machine) {
+            return std::move(group.actions);
+        }
     }
-    return keys;
+    ADD_FAILURE() << "is not listed";
+    return {};
+}
+
+// "Shift+Tab" is told as "Shift + Tab", "Digit 5" as "5".
+std::string AsTold(const ACTION_LINE& line) {
+    std::string key = line.inputs.empty() ? std::string() : Upper(line.inputs.front());
+    if (const size_t plus = key.find('+'); plus != std::string::npos) {
+        key.replace(plus, 1, " + ");
+    }
+    return key.starts_with("DIGIT ") ? key.substr(6) : key;
 }
 
 // "SMS P1 BUTTON1" is told as "1", "Arcade Insert Coin1" as "Coin1", "NES P1 START" as "Start".
@@ -85,72 +93,70 @@ std::string ToldAs(const std::string& action) {
     return word.starts_with("BUTTON") ? word.substr(6) : Upper(word);
 }
 
+// Directions are told without names, in the order of a player's first four actions.
+std::map<std::string, std::string> ToldIn(const std::string& cell) {
+    std::map<std::string, std::string> told;
+    constexpr std::string_view kDirections = "directions ";
+    const size_t begin = cell.find(kDirections);
+    if (begin == std::string::npos) {
+        return {}; // has no controls of his own
+    }
+    const size_t end = cell.find(';', begin);
+    const char* const names[] = {"UP", "DOWN", "LEFT", "RIGHT"};
+    size_t name = 0;
+    for (const auto& [before, key] : KeysIn(cell.substr(begin, end - begin))) {
+        told[names[name++ % 4]] = Upper(key);
+    }
+    EXPECT_EQ(name, 4u) << cell;
+    for (const auto& [does, key] : KeysIn(cell.substr(end))) {
+        const size_t colon = does.rfind(": ");
+        const std::string what = Upper(colon == std::string::npos ? does : does.substr(colon + 2));
+        EXPECT_TRUE(told.emplace(what, Upper(key)).second) << does;
+    }
+    return told;
+}
+
 } // namespace
 
 TEST(PlayingKeys, OfEachMachineAreThoseOfAFirstRun) {
-    const Rows rows = Table("machine");
-    const std::map<std::string, std::string> defaults = DefaultKeys();
+    const Rows rows = Table("machine | player 1");
     ASSERT_EQ(rows.size(), MachineFacts().size());
     for (const MACHINE_FACTS& machine : MachineFacts()) {
         const auto row = std::find_if(rows.begin(), rows.end(), [&](const auto& cells) {
             return Upper(cells.at(0)).find(Upper(machine.name)) != std::string::npos;
         });
         ASSERT_NE(row, rows.end()) << machine.name;
-        std::string all = row->at(1);
-        constexpr std::string_view kDirections = "directions `Up` `Down` `Left` `Right`;";
-        ASSERT_TRUE(all.starts_with(kDirections)) << machine.name;
-        std::map<std::string, std::string> told{
-            {"UP",    "Up"   },
-            {"DOWN",  "Down" },
-            {"LEFT",  "Left" },
-            {"RIGHT", "Right"}
-        };
-        for (const auto& [does, key] : KeysIn(all.substr(kDirections.size()))) {
-            const size_t colon = does.rfind(": ");
-            EXPECT_TRUE(
-                told.emplace(Upper(colon == std::string::npos ? does : does.substr(colon + 2)), key)
-                    .second)
-                << does;
-        }
-        std::map<std::string, std::string> wanted;
-        for (const auto names : {machine.consoleActions, machine.playerActions[0]}) {
-            if (names.data() == machine.consoleActions.data() && !machine.readsConsoleActions) {
-                continue;
+        for (size_t player = 0; player < kMachinePlayers; ++player) {
+            std::map<std::string, std::string> wanted;
+            for (const ACTION_LINE& line : LinesOf(&machine)) {
+                if ((line.action.find(" P2 ") != std::string::npos) == (player == 1)) {
+                    wanted[ToldAs(line.action)] = AsTold(line);
+                }
             }
-            for (const std::wstring_view name : names) {
-                wanted[ToldAs(Narrow(name))] = defaults.at(Narrow(name));
-            }
+            EXPECT_EQ(ToldIn(row->at(1 + player)), wanted) << machine.name << " " << player;
         }
-        for (auto& [does, key] : told) {
-            key = Upper(key);
-        }
-        EXPECT_EQ(told, wanted) << machine.name;
     }
 }
 
 TEST(PlayingKeys, OfTheProgramAreThoseOfAFirstRun) {
-    std::map<std::string, std::string> defaults = DefaultKeys();
-    std::set<std::string> told;
+    std::map<std::string, std::string> wanted;
+    for (const ACTION_LINE& line : LinesOf(nullptr)) {
+        wanted[line.action] = AsTold(line);
+    }
+    std::map<std::string, std::string> told;
     for (const auto& cells : Table("action")) {
         std::istringstream names(cells.at(0));
         const auto keys = KeysIn(cells.at(1));
         size_t at = 0;
         for (std::string name; std::getline(names, name, ','); ++at) {
             ASSERT_LT(at, keys.size()) << cells.at(0);
-            EXPECT_EQ(Upper(keys[at].second), defaults[Trimmed(name)]) << name;
-            EXPECT_TRUE(told.insert(Trimmed(name)).second) << name;
+            EXPECT_TRUE(told.emplace(Trimmed(name), Upper(keys[at].second)).second) << name;
         }
         EXPECT_EQ(at, keys.size()) << cells.at(0);
     }
-    for (size_t action = 0; action < InputActions().size(); ++action) {
-        if (InputOwners()[action] == 0) {
-            EXPECT_TRUE(told.contains(Narrow(InputActions()[action].name)))
-                << Narrow(InputActions()[action].name) << " is not told";
-        }
-    }
+    EXPECT_EQ(told, wanted);
 }
 
-// F10 is the program screen's, and Alt + F4 the desktop's.
 TEST(PlayingKeys, OfTheWindowAreItsFixedOnes) {
     std::set<std::string> told;
     for (const auto& cells : Table("the window's own key")) {
@@ -158,8 +164,8 @@ TEST(PlayingKeys, OfTheWindowAreItsFixedOnes) {
             told.insert(key);
         }
     }
-    std::set<std::string> wanted{"F10", "Alt + F4"};
-    for (const PROGRAM_KEY& key : ProgramKeys()) {
+    std::set<std::string> wanted;
+    for (const WINDOW_KEY& key : ListWindowKeys()) {
         wanted.insert(key.key);
     }
     EXPECT_EQ(told, wanted);

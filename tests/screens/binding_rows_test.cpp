@@ -49,7 +49,7 @@ TEST_F(BindingRows, EverySystemHasItsActionsAndTheProgramsOwn) {
                 std::wstring_view(InputActions()[action].name).starts_with(prefixes[system]);
             EXPECT_NE(own, IsProgramAction(action));
         }
-        EXPECT_EQ(std::count_if(actions.begin(), actions.end(), IsProgramAction), 14);
+        EXPECT_EQ(std::count_if(actions.begin(), actions.end(), IsProgramAction), 22);
         EXPECT_TRUE(IsProgramAction(actions.back()));
         EXPECT_FALSE(IsProgramAction(actions.front()));
     }
@@ -92,6 +92,16 @@ TEST_F(BindingRows, WhatIsReadWhilePlayingSharesWithTheMachineAndWalkingDoesNot)
     SetActionBinding(Action(L"Use"), 0, ActionBinding(up, 0));
     EXPECT_EQ(SharingBinding(nes, up, 0), std::vector<size_t>{Action(L"Save State")});
     EXPECT_TRUE(SharingBinding(nes, Action(L"Use"), 0).empty());
+}
+
+// The volume is turned in both.
+TEST_F(BindingRows, TheVolumeSharesWithTheMachineAndWithWalking) {
+    const std::vector<size_t> nes = ActionsOfSystem(2);
+    SetActionBinding(Action(L"Volume Up"), 0, 82);
+    SetActionBinding(Action(L"Use"), 0, 82);
+    const std::vector<size_t> both{Action(L"NES P1 UP"), Action(L"Use")};
+    EXPECT_EQ(SharingBinding(nes, Action(L"Volume Up"), 0), both);
+    EXPECT_EQ(SharingBinding(nes, Action(L"Use"), 0), std::vector<size_t>{Action(L"Volume Up")});
 }
 
 TEST_F(BindingRows, ChangeOneInputAndLeaveTheOther) {

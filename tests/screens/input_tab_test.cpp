@@ -97,7 +97,7 @@ TEST_F(Inputs, HasWhatTheTabIsToHave) {
 
 TEST_F(Inputs, ListTheSystemsActionsAndThenTheProgramsOwn) {
     ChooseSystem(L"Game Gear");
-    ASSERT_EQ(List().RowCount(), 14 + 14);
+    ASSERT_EQ(List().RowCount(), 14 + 22);
     EXPECT_EQ(List().Cell(0, 0)->text, L"GG P1 UP");
     EXPECT_EQ(List().Cell(0, 1)->text, L"UP");
     EXPECT_EQ(List().Cell(0, 2)->text, L"<undefined>");

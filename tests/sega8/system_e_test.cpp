@@ -1,4 +1,5 @@
 // The System E board: panels, ports, banks, the two VDPs.
+#include "facts/arcade_facts.h"
 #include "sega8/machine_rig.h"
 #include "sega8/system_e.h"
 
@@ -117,6 +118,42 @@ TEST(ArcadePanel, JoystickByBoard) {
         }
         for (const uint32_t board : {0u, 1u, 4u, 8u}) {
             EXPECT_EQ(ArcadePanelRead(Panel(board, row.input), 0xE1), 0xFF) << board;
+        }
+    }
+}
+
+// Everything that a game can read of the panel after half a second with these inputs.
+std::vector<uint8_t> AllThatIsRead(uint32_t board, uint32_t inputP1, uint32_t inputP2) {
+    ARCADE_PANEL panel = Panel(board);
+    panel.inputP2 = inputP2;
+    Move(panel, inputP1, 30);
+    std::vector<uint8_t> values;
+    for (uint32_t select = 0; select < 16; ++select) {
+        ArcadePanelSelect(panel, static_cast<uint8_t>(select));
+        for (uint32_t port = 0; port < 256; ++port) {
+            values.push_back(ArcadePanelRead(panel, static_cast<uint8_t>(port)));
+        }
+    }
+    return values;
+}
+
+// The actions are in the order of the bits.
+TEST(ArcadePanel, ActionsWithoutEffectAreThoseThatNoGameCanRead) {
+    const uint32_t bits[] = {kArcadeUp,           kArcadeDown,         kArcadeLeft,
+                             kArcadeRight,        kArcadeButton1,      kArcadeButton1 << 1,
+                             kArcadeButton1 << 2, kArcadeButton1 << 3, kArcadeButton1 << 4,
+                             kArcadeButton1 << 5};
+    for (size_t player = 0; player < 2; ++player) {
+        for (size_t action = 0; action < std::size(bits); ++action) {
+            bool changes = false;
+            for (uint32_t board = 1; board <= 7; ++board) {
+                const uint32_t first = player == 0 ? bits[action] : 0;
+                const uint32_t second = player == 1 ? bits[action] : 0;
+                changes =
+                    changes || AllThatIsRead(board, first, second) != AllThatIsRead(board, 0, 0);
+            }
+            EXPECT_EQ(HasEffect(kArcadeFacts, kArcadePlayerActions[player][action]), changes)
+                << player << " " << action;
         }
     }
 }

@@ -246,6 +246,27 @@ TEST(VdpPorts, StatusReadsLowBitsAsOnesAndClears) {
     EXPECT_EQ(VdpStatusRead(rig.vdp), 0x1F);
 }
 
+TEST(VdpPorts, AStatusReadIsIdleIfItChangesNothingAndFindsNoFlag) {
+    for (uint32_t bits = 0; bits < 64; ++bits) {
+        VdpRig rig;
+        rig.vdp.status = static_cast<uint8_t>((bits & 3) << 6); // frame flag, overflow
+        rig.vdp.lineInterrupt = (bits & 4) != 0;
+        rig.vdp.frameInterrupt = (bits & 8) != 0;
+        rig.vdp.latchFull = (bits & 16) != 0;
+        rig.irq = bits >> 5;
+        const auto save = [&] {
+            std::vector<uint8_t> state(VdpStateSize());
+            VdpSaveState(rig.vdp, state.data());
+            state.push_back(static_cast<uint8_t>(rig.irq));
+            return state;
+        };
+        const bool isIdle = VdpStatusReadIsIdle(rig.vdp);
+        const std::vector<uint8_t> before = save();
+        const uint32_t flags = VdpStatusRead(rig.vdp) & 0xE0U;
+        EXPECT_EQ(isIdle, before == save() && flags == 0) << bits;
+    }
+}
+
 TEST(VdpColours, SixBitsGiveEightyFiveAStep) {
     VdpRig rig;
     rig.Colour(3, 0x1B); // red 3, green 2, blue 1

@@ -264,4 +264,41 @@ TEST_F(PadDefaults, ABindingOfAnInvalidDeviceTakesNothing) {
     EXPECT_TRUE(Down(L"NES P1 BUTTONA"));
 }
 
+// By its place, as "Pad1 Y" in the file of settings.
+TEST_F(PadDefaults, AControlCanBeBoundByItsPlace) {
+    Bind(L"NES P1 START", 0, PadBinding(0, kPadNorth));
+    InputBeginPump();
+    InputPadChanged(0, kPadNorth, true);
+    EXPECT_TRUE(Down(L"NES P1 START"));
+    EXPECT_TRUE(BindingIsDown(PadBinding(0, kPadNorth), false));
+    EXPECT_FALSE(BindingIsDown(PadBinding(1, kPadNorth), false));
+    InputPadChanged(0, kPadNorth, false);
+    EXPECT_FALSE(Down(L"NES P1 START"));
+}
+
+TEST_F(PadDefaults, AControlBoundByItsPlaceDoesOnlyThat) {
+    Bind(L"NES P1 SELECT", 229, PadBinding(0, kPadSouth));
+    InputBeginPump();
+    InputPadChanged(0, kPadSouth, true);
+    EXPECT_TRUE(Down(L"NES P1 SELECT"));
+    EXPECT_FALSE(Down(L"NES P1 BUTTONA"));
+    EXPECT_FALSE(Down(L"SMS P1 BUTTON1"));
+    EXPECT_EQ(InputPadsActing() & PadBit(0, kPadSouth), 0u) << "nor does it walk or choose";
+    EXPECT_NE(InputPadsTaken() & PadBit(0, kPadSouth), 0u);
+    // The action listens to its bindings alone.
+    InputPadChanged(0, kPadSouth, false);
+    InputPadChanged(0, kPadBack, true);
+    EXPECT_FALSE(Down(L"NES P1 SELECT"));
+    // The other player's controller is as ever.
+    InputPadChanged(1, kPadSouth, true);
+    EXPECT_TRUE(Down(L"NES P2 BUTTONA"));
+}
+
+TEST_F(PadDefaults, AnyPlayersActionTakesAnyControl) {
+    Bind(L"Rewind", PadBinding(1, kPadLeftShoulder), 0);
+    InputBeginPump();
+    InputPadChanged(1, kPadLeftShoulder, true);
+    EXPECT_TRUE(Down(L"Rewind"));
+}
+
 } // namespace

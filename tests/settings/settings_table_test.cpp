@@ -33,6 +33,9 @@ constexpr ROW kRows[] = {
     {kBool,   L"app_screenshotbmp",         0    },
     {kInt,    L"app_window_width",          1280 },
     {kInt,    L"app_window_height",         720  },
+    {kString, L"app_window_place",          0    },
+    {kBool,   L"app_keycard",               1    },
+    {kInt,    L"app_keycards",              0    },
     {kBool,   L"app_managecpucores",        0    },
     {kInt,    L"gamebrowser_cursystem",     0    },
     {kString, L"room_place",                0    },
@@ -40,8 +43,12 @@ constexpr ROW kRows[] = {
     {kInt,    L"library_owngames",          0    },
     {kInt,    L"emu_fastforward",           2    },
     {kBool,   L"emu_gameroomfilter",        0    },
+    {kInt,    L"emu_scaler",                0    },
+    {kBool,   L"emu_smooth",                0    },
+    {kBool,   L"emu_crop",                  1    },
     {kInt,    L"emu_rewindbuffer",          256  },
     {kInt,    L"emu_autosaves",             3    },
+    {kBool,   L"emu_pauseunfocused",        0    },
     {kFloat,  L"megadrive_psgvolume",       1.25 },
     {kFloat,  L"megadrive_ymvolume",        1.0  },
     {kBool,   L"login_connectstartup",      0    },
@@ -87,6 +94,7 @@ constexpr ROW kRows[] = {
 struct ACTION {
     std::wstring name;
     uint32_t binding;
+    uint32_t second = 0; // of the second player
 };
 
 void AddPlayers(std::vector<ACTION>& actions, const std::wstring& system,
@@ -95,49 +103,57 @@ void AddPlayers(std::vector<ACTION>& actions, const std::wstring& system,
         actions.push_back({system + L" P1 " + button.name, button.binding});
     }
     for (const ACTION& button : buttons) {
-        actions.push_back({system + L" P2 " + button.name, 0});
+        actions.push_back({system + L" P2 " + button.name, button.second});
     }
 }
 
 std::vector<ACTION> ExpectedActions() {
     std::vector<ACTION> actions = {
-        {L"Move Forward",    26    },
-        {L"Move Back",       22    },
-        {L"Move Left",       4     },
-        {L"Move Right",      7     },
-        {L"Use",             8     },
-        {L"Turn Off",        20    },
-        {L"Slow Movement",   44    },
-        {L"Take ScreenShot", 69    },
-        {L"Fast Forward",    43    },
-        {L"Rewind",          196651},
-        {L"Load State",      65    },
-        {L"Save State",      64    },
-        {L"Saved States",    66    },
-        {L"Game Menu",       58    },
+        {L"Move Forward",        26            },
+        {L"Move Back",           22            },
+        {L"Move Left",           4             },
+        {L"Move Right",          7             },
+        {L"Use",                 8             },
+        {L"Turn Off",            20            },
+        {L"Slow Movement",       44            },
+        {L"Take ScreenShot",     69            },
+        {L"Fast Forward",        43            },
+        {L"Rewind",              196651        },
+        {L"Load State",          65            },
+        {L"Save State",          64            },
+        {L"Saved States",        66            },
+        {L"Game Menu",           58            },
+        {L"Pause",               19            },
+        {L"Slow Motion",         47            },
+        {L"Frame Step",          48            },
+        {L"Toggle Fast Forward", 192 << 16 | 43},
+        {L"Reset",               192 << 16 | 21},
+        {L"Mute",                39            },
+        {L"Volume Down",         45            },
+        {L"Volume Up",           46            },
     };
     AddPlayers(actions, L"NES",
                {
-                   {L"UP",      82 },
-                   {L"DOWN",    81 },
-                   {L"LEFT",    80 },
-                   {L"RIGHT",   79 },
-                   {L"BUTTONB", 4  },
-                   {L"BUTTONA", 22 },
-                   {L"SELECT",  229},
-                   {L"START",   40 }
+                   {L"UP",      82,  12},
+                   {L"DOWN",    81,  14},
+                   {L"LEFT",    80,  13},
+                   {L"RIGHT",   79,  15},
+                   {L"BUTTONB", 4,   9 },
+                   {L"BUTTONA", 22,  10},
+                   {L"SELECT",  229, 21},
+                   {L"START",   40,  23}
     });
     const std::vector<ACTION> sixButtons = {
-        {L"UP",      82},
-        {L"DOWN",    81},
-        {L"LEFT",    80},
-        {L"RIGHT",   79},
-        {L"BUTTON1", 4 },
-        {L"BUTTON2", 22},
-        {L"BUTTON3", 7 },
-        {L"BUTTON4", 29},
-        {L"BUTTON5", 27},
-        {L"BUTTON6", 6 }
+        {L"UP",      82, 12},
+        {L"DOWN",    81, 14},
+        {L"LEFT",    80, 13},
+        {L"RIGHT",   79, 15},
+        {L"BUTTON1", 4,  9 },
+        {L"BUTTON2", 22, 10},
+        {L"BUTTON3", 7,  11},
+        {L"BUTTON4", 29, 25},
+        {L"BUTTON5", 27, 5 },
+        {L"BUTTON6", 6,  17}
     };
     actions.push_back({L"Arcade Insert Coin1", 34});
     actions.push_back({L"Arcade Insert Coin2", 35});
@@ -151,28 +167,28 @@ std::vector<ACTION> ExpectedActions() {
     actions.push_back({L"MEGADRIVE RESET", 76});
     AddPlayers(actions, L"MEGADRIVE",
                {
-                   {L"UP",      82},
-                   {L"DOWN",    81},
-                   {L"LEFT",    80},
-                   {L"RIGHT",   79},
-                   {L"START",   40},
-                   {L"MODE",    42},
-                   {L"BUTTONA", 29},
-                   {L"BUTTONB", 27},
-                   {L"BUTTONC", 6 },
-                   {L"BUTTONX", 4 },
-                   {L"BUTTONY", 22},
-                   {L"BUTTONZ", 7 }
+                   {L"UP",      82, 12},
+                   {L"DOWN",    81, 14},
+                   {L"LEFT",    80, 13},
+                   {L"RIGHT",   79, 15},
+                   {L"START",   40, 23},
+                   {L"MODE",    42, 21},
+                   {L"BUTTONA", 29, 25},
+                   {L"BUTTONB", 27, 5 },
+                   {L"BUTTONC", 6,  17},
+                   {L"BUTTONX", 4,  9 },
+                   {L"BUTTONY", 22, 10},
+                   {L"BUTTONZ", 7,  11}
     });
     AddPlayers(actions, L"GG",
                {
-                   {L"UP",      82},
-                   {L"DOWN",    81},
-                   {L"LEFT",    80},
-                   {L"RIGHT",   79},
-                   {L"BUTTON1", 4 },
-                   {L"BUTTON2", 22},
-                   {L"START",   40}
+                   {L"UP",      82, 12},
+                   {L"DOWN",    81, 14},
+                   {L"LEFT",    80, 13},
+                   {L"RIGHT",   79, 15},
+                   {L"BUTTON1", 4,  9 },
+                   {L"BUTTON2", 22, 10},
+                   {L"START",   40, 23}
     });
     return actions;
 }

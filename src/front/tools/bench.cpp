@@ -15,9 +15,11 @@
 #include "host/session.h"
 #include "settings/settings.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cinttypes>
 #include <cstdio>
+#include <numeric>
 #include <string_view>
 
 namespace {
@@ -35,6 +37,7 @@ struct BENCH_RESULT {
     uint32_t stateBytes = 0;
     double stateMicroseconds = 0.0; // of one SaveState
     double rewindPercent = 0.0;     // extra cost of a frame with rewind on
+    double rewindNoise = 0.0;       // what that differed by between the turns
 };
 
 double SecondsSince(Clock::time_point start) {
@@ -109,39 +112,58 @@ bool Measure(const DEMO& demo, double seconds, const InstructionCounter& counter
     result.machine = FindMachineFacts(demo.system)->shortName;
     result.game = demo.name;
     // In turns, so that other load on the computer affects both alike.
-    constexpr int kTurns = 4;
-    double rewindElapsed = 0.0;
-    uint32_t rewindFrames = 0;
+    constexpr size_t kTurns = 4;
     double sound = 0.0;
     uint64_t instructions = 0;
-    for (int turn = 0; turn < kTurns; ++turn) {
+    double percents[kTurns] = {};
+    for (size_t turn = 0; turn < kTurns; ++turn) {
         Settings().SetInt(L"emu_rewindbuffer", 0);
         const uint64_t counted = counter.Count();
-        result.frames += run.Run(seconds / kTurns, elapsed, soundSeconds);
+        const uint32_t frames = run.Run(seconds / kTurns, elapsed, soundSeconds);
+        const double plain = elapsed / frames;
+        result.frames += frames;
         instructions += counter.Count() - counted;
         result.seconds += elapsed;
         sound += soundSeconds;
         Settings().SetInt(L"emu_rewindbuffer", 16);
-        rewindFrames += run.Run(seconds / kTurns / 2, elapsed, soundSeconds);
-        rewindElapsed += elapsed;
+        const uint32_t rewound = run.Run(seconds / kTurns / 2, elapsed, soundSeconds);
+        percents[turn] = (elapsed / rewound / plain - 1.0) * 100.0;
     }
     result.framesPerSecond = result.frames / result.seconds;
     result.timesRealTime = sound / result.seconds;
     result.millionInstructions = static_cast<double>(instructions) / result.frames / 1e6;
-    const double plain = result.seconds / result.frames;
-    result.rewindPercent = (rewindElapsed / rewindFrames / plain - 1.0) * 100.0;
+    result.rewindPercent = std::accumulate(percents, percents + kTurns, 0.0) / kTurns;
+    const auto [least, most] = std::minmax_element(percents, percents + kTurns);
+    result.rewindNoise = *most - *least;
     MeasureStates(run, result);
     return true;
 }
 
-void Print(const BENCH_RESULT& result, const InstructionCounter& counter) {
-    std::printf("%-6s %-16s %8.1f frames/s  %6.2f x real time  ", result.machine.c_str(),
-                result.game.c_str(), result.framesPerSecond, result.timesRealTime);
-    if (counter.Works()) {
-        std::printf("%6.2f M instructions a frame  ", result.millionInstructions);
+// Digits that the next run would show differently are left out.
+std::string RewindText(const BENCH_RESULT& result) {
+    constexpr double kWorthSaying = 1.0; // percent
+    if (result.rewindPercent < std::max(result.rewindNoise, kWorthSaying)) {
+        return "none seen";
     }
-    std::printf("state %6" PRIu32 " bytes in %.1f us  rewind %+.1f %%\n", result.stateBytes,
-                result.stateMicroseconds, result.rewindPercent);
+    char text[32];
+    std::snprintf(text, sizeof text, "%.0f %%", result.rewindPercent);
+    return text;
+}
+
+void PrintHeading(const InstructionCounter& counter) {
+    std::printf("%-8s %-16s %8s %10s %s%14s %12s %12s\n", "machine", "game", "frames/s",
+                "real time", counter.Works() ? "  Minstr/frame " : "", "state bytes", "to save",
+                "rewind cost");
+}
+
+void Print(const BENCH_RESULT& result, const InstructionCounter& counter) {
+    std::printf("%-8s %-16s %8.0f %8.1f x ", result.machine.c_str(), result.game.c_str(),
+                result.framesPerSecond, result.timesRealTime);
+    if (counter.Works()) {
+        std::printf("%14.2f ", result.millionInstructions);
+    }
+    std::printf("%14" PRIu32 " %9.0f us %12s\n", result.stateBytes, result.stateMicroseconds,
+                RewindText(result).c_str());
     std::fflush(stdout);
 }
 
@@ -217,6 +239,9 @@ int BenchCommand(const BENCH_OPTIONS& options) {
         if (!Measure(*demo, options.seconds, counter, result)) {
             done = false;
             continue;
+        }
+        if (results.empty()) {
+            PrintHeading(counter);
         }
         Print(result, counter);
         results.push_back(result);

@@ -2,6 +2,7 @@
 
 #include "facts/machine_facts.h"
 #include "front/tools/commands.h"
+#include "front/tools/option_checks.h"
 #include "front/tools/picture_options.h"
 #include "front/tools/play.h"
 
@@ -11,6 +12,8 @@
 
 namespace {
 
+constexpr uint32_t kMostCovers = 6;
+
 std::vector<std::string> MachineNames() {
     std::vector<std::string> names;
     for (const MACHINE_FACTS& system : MachineFacts()) {
@@ -19,13 +22,24 @@ std::vector<std::string> MachineNames() {
     return names;
 }
 
+// Options of `play` that make files of exact frames. In the help they come after what a player needs.
+void GroupForTests(CLI::App& command) {
+    for (const char* const name :
+         {"--headless", "--frames", "--input", "--screenshot", "--wav", "--frame-hashes",
+          "--save-state", "--load-state", "--peek", "--dump", "--latency"}) {
+        command.get_option(name)->group("Options for tests and for files of exact frames");
+    }
+}
+
 COMMAND AddPlay(CLI::App& app) {
     const auto play = std::make_shared<PLAY_OPTIONS>();
     CLI::App* const command = app.add_subcommand("play", "Play a game");
     command->add_option("GAME", play->game, "A ROM, a .zip, a .game or demo:NAME")->required();
     command
         ->add_option("--machine", play->machine, "The machine, if not the one that the file says")
-        ->check(CLI::IsMember(MachineNames()));
+        ->check(OneOf(MachineNames()));
+    command->add_option("--entry", play->entry, "The game of this name in a zip of several")
+        ->type_name("NAME");
     command->add_option("--set", play->settings, "A machine option or a setting for this run")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
@@ -40,7 +54,9 @@ COMMAND AddPlay(CLI::App& app) {
     AddPictureOptions(*command, play->picture);
     command->add_flag("--headless", play->headless,
                       "No window, no device, no pacing, no autosave, no .sav");
-    command->add_option("--frames", play->frames, "Stop after N frames")->type_name("N");
+    command->add_option("--frames", play->frames, "Stop after N frames")
+        ->type_name("N")
+        ->check(WholeNumberBetween(0, UINT32_MAX));
     command->add_flag("--static", play->showStatic, "Begin with television static");
     command
         ->add_option("--input", play->inputFile,
@@ -73,6 +89,7 @@ COMMAND AddPlay(CLI::App& app) {
             "--latency", play->latencyAction,
             "In the window: measure the time from this action's key to the picture, and end")
         ->type_name("ACTION");
+    GroupForTests(*command);
     command->footer(PlayHelp());
     return {command, [play] { return PlayCommand(*play); }};
 }
@@ -85,10 +102,10 @@ COMMAND AddBench(CLI::App& app) {
     machines.emplace_back("all");
     CLI::Option* const machine =
         command->add_option("--machine", bench->machine, "One machine, or all")
-            ->check(CLI::IsMember(machines));
+            ->check(OneOf(machines));
     CLI::Option* const seconds =
         command->add_option("--seconds", bench->seconds, "How long to run each")
-            ->check(CLI::Range(0.01, 3600.0));
+            ->check(NumberBetween(0.01, 3600.0));
     CLI::Option* const json =
         command->add_option("--json", bench->jsonFile, "Write the figures to a file")
             ->type_name("FILE");
@@ -103,11 +120,11 @@ COMMAND AddConvert(CLI::App& app) {
     const auto convert = std::make_shared<CONVERT_OPTIONS>();
     CLI::App* const command =
         app.add_subcommand("convert", "Make .game files of ROMs and zips; sources are kept");
-    command->add_option("PATH", convert->paths, "ROM or zip files")->required();
+    command->add_option("PATH", convert->paths, "ROMs, zips and folders of them")->required();
     command->add_option("--out", convert->outFolder, "Where the .game files go")->type_name("DIR");
     command
         ->add_option("--machine", convert->machine, "The machine, if not the one of the extension")
-        ->check(CLI::IsMember(MachineNames()));
+        ->check(OneOf(MachineNames()));
     return {command, [convert] { return ConvertCommand(*convert); }};
 }
 
@@ -132,7 +149,7 @@ COMMAND AddAdd(CLI::App& app) {
     command
         ->add_option("--machine", add->machine,
                      "The machine of files that do not tell, and of every file named here")
-        ->check(CLI::IsMember(MachineNames()));
+        ->check(OneOf(MachineNames()));
     return {command, [add] { return AddCommand(*add); }};
 }
 
@@ -140,7 +157,7 @@ COMMAND AddList(CLI::App& app) {
     const auto list = std::make_shared<LIST_OPTIONS>();
     CLI::App* const command = app.add_subcommand("list", "List the games of the library");
     command->add_option("--machine", list->machine, "Of one machine only")
-        ->check(CLI::IsMember(MachineNames()));
+        ->check(OneOf(MachineNames()));
     command->add_option("--name", list->name, "Only titles with this text in them")
         ->type_name("TEXT");
     command->add_flag("--json", list->json, "As a JSON array, with everything that a row holds");
@@ -148,10 +165,14 @@ COMMAND AddList(CLI::App& app) {
 }
 
 COMMAND AddInfo(CLI::App& app) {
-    const auto paths = std::make_shared<std::vector<std::filesystem::path>>();
-    CLI::App* const command = app.add_subcommand("info", "Show what a ROM, zip or .game holds");
-    command->add_option("PATH", *paths, "Files")->required();
-    return {command, [paths] { return InfoCommand(*paths); }};
+    const auto info = std::make_shared<INFO_OPTIONS>();
+    CLI::App* const command = app.add_subcommand(
+        "info", "Show what a ROM, zip or .game holds, and whether it can be played");
+    command->add_option("PATH", info->paths, "Files")->required();
+    command->add_option("--machine", info->machine, "The machine, if not the one of the extension")
+        ->check(OneOf(MachineNames()));
+    command->add_flag("--json", info->json, "As a JSON array, with an object for each file");
+    return {command, [info] { return InfoCommand(*info); }};
 }
 
 COMMAND AddGallery(CLI::App& app) {
@@ -159,14 +180,16 @@ COMMAND AddGallery(CLI::App& app) {
     CLI::App* const command =
         app.add_subcommand("gallery", "How the program's controls look, to check a theme");
     command->add_option("--density", gallery->density, "Pixels to a unit")
-        ->check(CLI::Range(0.5, 4.0));
+        ->check(NumberBetween(0.5, 4.0));
     command
         ->add_option("--size", gallery->size, "The screen in pixels, instead of 1280 by 720 units")
         ->type_name("WIDTH HEIGHT")
-        ->check(CLI::Range(640, 8192));
+        ->check(WholeNumberBetween(640, 8192));
     command->add_option("--over", gallery->over, "Show a page over this running game")
         ->type_name("GAME");
-    command->add_option("--page", gallery->page, "One page, from 1")->type_name("N");
+    command->add_option("--page", gallery->page, "One page, from 1")
+        ->type_name("N")
+        ->check(WholeNumberBetween(1, UINT32_MAX));
     command->add_option("--screenshot", gallery->screenshot, "Write the pages, open no window")
         ->type_name("FILE.png");
     return {command, [gallery] { return GalleryCommand(*gallery); }};
@@ -190,10 +213,11 @@ COMMAND AddRoom(CLI::App& app) {
         ->add_option("--bench", room->benchSeconds,
                      "Measure for this long how fast it is drawn; no saves")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.1, 3600.0));
+        ->check(NumberBetween(0.1, 3600.0));
     command->add_option("--view", room->view, "Where to stand, and the point to look at")
         ->type_name("X Y Z X Y Z")
-        ->expected(6);
+        ->expected(6)
+        ->check(NumberBetween(-100000.0, 100000.0));
     command->add_flag("--dark", room->dark, "Without the ceiling light");
     command->add_flag("--no-hints", room->noHints, "Without the line that says what you can do");
     command->add_option("--cover", room->covers, "Show game boxes with these covers over the room")
@@ -204,7 +228,7 @@ COMMAND AddRoom(CLI::App& app) {
     command->add_flag("--cabinet", room->cabinet, "An arcade cabinet beside the boxes");
     command->add_option("--turned", room->turned, "The first boxes, of which you see the backs")
         ->type_name("N")
-        ->check(CLI::Range(0, 6));
+        ->check(WholeNumberBetween(0, kMostCovers));
     command->add_option("--screenshot", room->screenshot, "Write a picture of the window and end")
         ->type_name("FILE.png");
     return {command, [room] { return RoomCommand(*room); }};
@@ -220,7 +244,7 @@ void AddDatabase(CLI::App& app, std::vector<COMMAND>& commands) {
     CLI::App* const maker = database->add_subcommand("make", "Make a database of a list of games");
     maker->add_option("--machine", make->machine, "The machine of the games")
         ->required()
-        ->check(CLI::IsMember(MachineNames()));
+        ->check(OneOf(MachineNames()));
     maker->add_option("--from", make->listFile, "The list: Logiqx XML")
         ->type_name("DAT.xml")
         ->required();
@@ -241,8 +265,26 @@ void AddDatabase(CLI::App& app, std::vector<COMMAND>& commands) {
     commands.push_back({show, [file] { return DatabaseShowCommand(*file); }});
 }
 
+// For packages, and for a shell's start file.
+void AddDocuments(CLI::App& app, std::vector<COMMAND>& commands) {
+    CLI::App* const manual = app.add_subcommand("manual", "Print the manual page, for man");
+    commands.push_back({manual, [&app] { return ManualCommand(app); }});
+
+    const auto shell = std::make_shared<std::string>();
+    CLI::App* const completion = app.add_subcommand(
+        "completion", "Print the script by which a shell completes the command line");
+    completion->add_option("SHELL", *shell, "bash, zsh or fish")
+        ->required()
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+    commands.push_back({completion, [&app, shell] { return CompletionCommand(app, *shell); }});
+}
+
 COMMAND AddActions(CLI::App& app) {
-    return {app.add_subcommand("actions", "List every action with its bindings"), ActionsCommand};
+    const auto json = std::make_shared<bool>(false);
+    CLI::App* const command = app.add_subcommand(
+        "actions", "List what can be pressed: every action with its inputs, and the window's keys");
+    command->add_flag("--json", *json, "As JSON");
+    return {command, [json] { return ActionsCommand(*json); }};
 }
 
 } // namespace
@@ -254,5 +296,6 @@ std::vector<COMMAND> AddCommands(CLI::App& app) {
     commands.push_back(AddActions(app));
     commands.push_back(AddBench(app));
     commands.push_back(AddGallery(app));
+    AddDocuments(app, commands);
     return commands;
 }

@@ -7,6 +7,10 @@
 #include <utility>
 #include <vector>
 
+namespace CLI {
+class App;
+} // namespace CLI
+
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;
 inline constexpr int kExitUsage = 2;
@@ -16,14 +20,20 @@ inline constexpr int kExitInterrupted = 130; // by Ctrl-C, as shells number it
 // screen for some seconds.
 int DesktopCommand();
 
-// Every action with its bindings, a line each: name, primary, secondary, separated by tabs.
-int ActionsCommand();
+// Every action that has an effect, with its inputs, and the window's own keys.
+int ActionsCommand(bool json);
 
-// Prints what each file holds. A file that fails is reported, and the others are still shown.
-int InfoCommand(const std::vector<std::filesystem::path>& paths);
+// Prints what each file holds, and whether it can be played. A file that fails is reported, and the others are still
+// shown.
+struct INFO_OPTIONS {
+    std::vector<std::filesystem::path> paths;
+    std::string machine; // short name; empty: as the files say
+    bool json = false;   // an array with an object for each file instead
+};
+int InfoCommand(const INFO_OPTIONS& options);
 
-// Writes a `.game` for every image in the files, beside its source or in `outFolder`. Sources stay. An
-// existing target with the same bytes stays as it is; one with other bytes is never replaced: the new
+// Writes a `.game` for every image in the files, beside its source or in `outFolder`. Folders are walked, and what is no
+// game in them is passed over. Sources stay. A line for each, and the counts at the end. An existing target with the same bytes stays as it is; one with other bytes is never replaced: the new
 // file's name then gets a "0" appended until it is unused.
 struct CONVERT_OPTIONS {
     std::vector<std::filesystem::path> paths;
@@ -109,3 +119,8 @@ struct ROOM_OPTIONS {
         screenshot; // of the window once all sets have a picture; then the program ends
 };
 int RoomCommand(const ROOM_OPTIONS& options);
+
+// Print the manual page, for man(1), and the script by which a shell ("bash", "zsh" or "fish") completes the
+// command line.
+int ManualCommand(const CLI::App& program);
+int CompletionCommand(const CLI::App& program, const std::string& shell);

@@ -1,5 +1,7 @@
 // The program's screens as they are laid out, made of controls that do nothing: what matters is how the
 // styles look beside each other, in the sizes that they are used in.
+#include "base/text.h"
+#include "base/version.h"
 #include "front/tools/gallery_pages.h"
 #include "front/tools/gallery_parts.h"
 #include "gui/check_box.h"
@@ -22,7 +24,8 @@ GHOSTMANAGER_WINDOW* Frame(GHOSTMANAGER_WINDOW* root) {
     GHOSTMANAGER_WINDOW* const bar = GalleryWindow(root, L"TOPAREA", L"", 32, {0, 0, width, 60});
     GalleryWindow(bar, L"OMBRELUNE_LOGO", L"", 32, {16, 6, 48, 48});
     GalleryText(bar, L"TEXT_TITLE", L"Ombrelune", {76, 16, 300, 28});
-    GalleryText(bar, L"TEXT_RIGHT", L"v0.720 64-bit  ", {width - 220, 17, 200, 25});
+    GalleryText(bar, L"TEXT_RIGHT", WideFromUtf8(ProgramVersion()) + L"  ",
+                {width - 220, 17, 200, 25});
     return GalleryWindow(root, L"BATTLEMAIN", L"", Window::kFrame | 32,
                          {0, 60, width, root->height - 60});
 }

@@ -5,8 +5,8 @@
 #include "front/terminal.h"
 #include "front/tools/commands.h"
 #include "front/tools/input_script.h"
+#include "front/tools/inspection_options.h"
 #include "front/tools/media_files.h"
-#include "front/tools/number_text.h"
 #include "front/tools/play.h"
 #include "front/tools/screenshots.h"
 #include "host/aligned_block.h"
@@ -61,7 +61,8 @@ private:
     int ReadOptions() {
         frames = options.frames != 0 ? options.frames : kDefaultFrames;
         std::string error;
-        if (!ReadScreenshots(options.screenshots, frames, screenshots, error)) {
+        if (!ReadScreenshots(options.screenshots, frames, screenshots, error) ||
+            !CheckInspections(options, opened.game.Header().system, error)) {
             Complain(error);
             return kExitUsage;
         }
@@ -158,21 +159,11 @@ private:
     }
 
     bool Peek(const std::string& text, const CInspection& inspection) {
-        std::string_view rest = text;
-        uint32_t address = 0;
-        uint32_t length = 1;
-        bool valid = TakeNumber(rest, address);
-        if (valid && rest.starts_with(':')) {
-            rest.remove_prefix(1);
-            valid = TakeNumber(rest, length);
-        }
-        if (!valid || !rest.empty()) {
-            Complain("--peek " + text + ": is not ADDRESS[:LENGTH]");
-            return false;
-        }
-        for (uint32_t i = 0; i < length; ++i) {
+        PEEK peek;
+        static_cast<void>(ReadPeek(text, peek)); // has been checked
+        for (uint32_t i = 0; i < peek.length; ++i) {
             uint8_t value = 0;
-            if (!inspection.Peek(address + i, value)) {
+            if (!inspection.Peek(peek.address + i, value)) {
                 std::printf("\n");
                 Complain("--peek " + text + ": reaches beyond the address space");
                 return false;
@@ -187,12 +178,12 @@ private:
         const size_t equals = text.find('=');
         const std::string region = text.substr(0, equals);
         const std::vector<uint8_t> bytes = inspection.Dump(region);
-        if (equals == std::string::npos || bytes.empty()) {
+        if (bytes.empty()) {
             std::string names;
             for (const std::string_view name : inspection.Regions()) {
                 names += " " + std::string(name);
             }
-            Complain("--dump " + text + ": is not REGION=FILE; this machine has" + names);
+            Complain("--dump " + text + ": this game has no such memory; it has" + names);
             return false;
         }
         return Write(text.substr(equals + 1), bytes);

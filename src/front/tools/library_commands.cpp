@@ -1,87 +1,22 @@
-// The commands that make games of files and files of games.
+// Putting games into the library, and making files of games.
 
 #include "base/files.h"
-#include "base/text.h"
 #include "facts/machine_facts.h"
 #include "formats/game_file.h"
 #include "front/tools/commands.h"
 #include "front/tools/interruption.h"
 #include "front/tools/progress_bar.h"
 #include "library/add_games.h"
-#include "library/convert.h"
 #include "library/extract.h"
 #include "library/free_name.h"
 #include "library/game_source.h"
 #include "settings/settings.h"
 
 #include <functional>
-#include <map>
 
 namespace fs = std::filesystem;
 
 namespace {
-
-bool IsGameFile(const fs::path& path) {
-    return LowerAscii(std::string_view(path.extension().string())) == ".game";
-}
-
-// The databases of the systems so far, each read once.
-using Databases = std::map<uint16_t, std::vector<CGameFile>>;
-
-bool ConvertOne(const fs::path& path, const FOUND_IMAGE& image, const fs::path& outFolder,
-                Databases& databases, ProgressBar& bar) {
-    const auto [database, added] = databases.try_emplace(image.system);
-    if (added) {
-        database->second = LoadDatabase(image.system);
-    }
-    std::vector<uint8_t> bytes;
-    bool known = false;
-    if (IsBareCopierHeader(image.system, image.bytes)) {
-        bar.Complain(path.string() + ": " + image.stem +
-                     ": is only a copier's header, without an image");
-        return false;
-    }
-    if (!ConvertImage(image.system, image.stem, image.bytes, database->second, bytes, known)) {
-        bar.Complain(path.string() + ": " + image.stem + ": cannot be converted by itself");
-        return false;
-    }
-    const fs::path folder = outFolder.empty() ? path.parent_path() : outFolder;
-    PLACED_FILE placed;
-    std::string error;
-    if (!WriteBesideOthers(folder, FileNameFromTitle(image.stem), ".game", bytes, placed, error)) {
-        bar.Complain(error);
-        return false;
-    }
-    bar.Print(placed.path.string() + (known ? "" : ": unknown game") +
-              (placed.alreadyThere ? ", already there" : ""));
-    return true;
-}
-
-bool ConvertFile(const fs::path& path, const MACHINE_FACTS* system, const fs::path& outFolder,
-                 Databases& databases, const Interruption& interruption, ProgressBar& bar) {
-    if (IsGameFile(path)) {
-        bar.Complain(path.string() + ": is a .game already");
-        return false;
-    }
-    bool done = true;
-    IMAGE_VISITOR visitor;
-    visitor.image = [&](const FOUND_IMAGE& image) {
-        done = ConvertOne(path, image, outFolder, databases, bar) && done;
-        return !interruption.Requested();
-    };
-    visitor.fault = [&](const std::string& fault) {
-        bar.Complain(fault);
-        done = false;
-    };
-    std::string error;
-    if (!VisitImages(path, system, visitor, error)) {
-        if (!interruption.Requested()) { // which ends a wait for the file with an error
-            bar.Complain(error);
-        }
-        return false;
-    }
-    return done;
-}
 
 bool ExtractFile(const fs::path& path, const EXTRACT_OPTIONS& options, ProgressBar& bar) {
     CGameFile game;
@@ -140,17 +75,6 @@ int ForEachFile(const std::vector<fs::path>& paths, const Interruption& interrup
 }
 
 } // namespace
-
-int ConvertCommand(const CONVERT_OPTIONS& options) {
-    const MACHINE_FACTS* system =
-        options.machine.empty() ? nullptr : FindMachineFacts(std::string_view(options.machine));
-    Databases databases;
-    const Interruption interruption;
-    ProgressBar bar;
-    return ForEachFile(options.paths, interruption, bar, [&](const fs::path& path) {
-        return ConvertFile(path, system, options.outFolder, databases, interruption, bar);
-    });
-}
 
 int ExtractCommand(const EXTRACT_OPTIONS& options) {
     const Interruption interruption;

@@ -28,8 +28,10 @@ int ApplySetting(const std::string& text, OPENED_GAME& opened, std::string& erro
     if (reason.empty()) {
         switch (SetForThisRun(name, value)) {
         case RunSetting::kSet: return kExitDone;
-        case RunSetting::kUnknown: reason = "no such option or setting"; break;
-        case RunSetting::kNoValue: reason = "is not a value of that setting"; break;
+        case RunSetting::kUnknown:
+            reason = "there is no option or setting " + name + "; play --help lists the options";
+            break;
+        case RunSetting::kNoValue: reason = name + " is " + RunSettingValues(name); break;
         }
     }
     error = "--set " + text + ": " + reason;
@@ -40,7 +42,7 @@ bool OpenBios(const std::string& path, const MACHINE_FACTS* system, OPENED_GAME&
               std::string& error) {
     std::string title;
     std::string note;
-    opened.hasBios = OpenGame(path, system, opened.bios, title, note, error);
+    opened.hasBios = OpenGame(path, {system, {}}, opened.bios, title, note, error);
     std::error_code ignored;
     opened.secondFile = std::filesystem::absolute(path, ignored).lexically_normal().string();
     if (!note.empty()) {
@@ -61,12 +63,50 @@ std::string RegionsHelp() {
     return help;
 }
 
+// The game in the archive that --entry names.
+int PickEntry(const PLAY_OPTIONS& options, OPENING& opening, std::string& error) {
+    std::vector<ARCHIVED_GAME> games;
+    if (!ListArchivedGames(options.game, opening.system, games, error)) {
+        return kExitFailed;
+    }
+    const int found = FindArchivedGame(games, options.entry);
+    if (found >= 0) {
+        opening.entry = games[static_cast<size_t>(found)].entry;
+        return kExitDone;
+    }
+    error = "--entry " + options.entry + ": ";
+    if (games.empty()) {
+        error += options.game + " holds no games to choose from";
+        return kExitUsage;
+    }
+    error += options.game + " has";
+    for (const ARCHIVED_GAME& game : games) {
+        error += (&game == games.data() ? " " : ", ") + game.entry;
+    }
+    return kExitUsage;
+}
+
+std::string DemosHelp(bool tests) {
+    std::string help;
+    for (const DEMO& demo : Demos()) {
+        if (demo.isTest == tests) {
+            help += "  demo:" + std::string(demo.name) + "  " + demo.title + "\n";
+        }
+    }
+    return help;
+}
+
 } // namespace
 
 int OpenForPlay(const PLAY_OPTIONS& options, OPENED_GAME& opened, std::string& error) {
     OPENING opening;
     if (!options.machine.empty()) {
         opening.system = FindMachineFacts(std::string_view(options.machine));
+    }
+    if (!options.entry.empty()) {
+        if (const int code = PickEntry(options, opening, error); code != kExitDone) {
+            return code;
+        }
     }
     opening.patch = options.patch;
     opening.patched = !options.noPatch;
@@ -99,16 +139,14 @@ int PlayCommand(const PLAY_OPTIONS& options) {
 }
 
 std::string PlayHelp() {
-    std::string help = "Machine options for --set:\n" + MachineOptionsHelp() +
-                       "Any setting of config.xml can be set as well, for this run.\n"
-                       "Regions for --dump:\n" +
-                       RegionsHelp() + "Games of our own, for GAME:\n";
-    for (const DEMO& demo : Demos()) {
-        help += "  demo:" + std::string(demo.name) + "  " + demo.title + "\n";
-    }
-    help += "Keys of the window:\n";
+    std::string help = "Games of our own, for GAME:\n" + DemosHelp(false) +
+                       "Test cards and benchmarks:\n" + DemosHelp(true) + "Keys of the window:\n";
     for (const PROGRAM_KEY& row : ProgramKeys()) {
         help += "  " + std::string(row.key) + "  " + row.name + "\n";
     }
+    help += "Machine options for --set:\n" + MachineOptionsHelp() +
+            "Any setting of config.xml can be set as well, for this run.\n"
+            "Regions for --dump:\n" +
+            RegionsHelp();
     return help;
 }

@@ -11,6 +11,7 @@
 struct PLAY_OPTIONS {
     std::string game; // a path, or "demo:" and the name of one of our own
     std::string machine;
+    std::string entry;                 // the name of a game in an archive
     std::vector<std::string> settings; // NAME=VALUE
     std::string bios;
     std::string patch;    // a soft patch

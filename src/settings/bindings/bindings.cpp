@@ -1,6 +1,7 @@
 #include "settings/bindings.h"
 
 #include "base/text.h"
+#include "settings/binding_text.h"
 #include "settings/bindings/action_notes.h"
 #include "settings/bindings/press_log.h"
 #include "settings/input_frame.h"
@@ -16,6 +17,7 @@ namespace {
 
 constexpr uint32_t kKeyboard = 0; // top byte of a binding
 constexpr uint32_t kJoystick = 1;
+constexpr uint32_t kPad = 2;
 
 constexpr uint32_t kJoysticks = 5; // joystick numbers that have codes
 constexpr uint32_t kAxes = 32;
@@ -78,6 +80,9 @@ bool IsDown(const INPUT_STATE& state, uint32_t binding, bool useReleased, uint32
     if (binding == 0) {
         return false;
     }
+    if (const uint64_t pad = PadBitOfBinding(binding); pad != 0) {
+        return (state.pads.load(std::memory_order_relaxed) & pad) != 0;
+    }
     const uint32_t device = binding >> 24;
     const uint32_t code = binding & 0xFFFF;
     const bool keyboard = device == kKeyboard;
@@ -133,6 +138,11 @@ std::string JoystickName(uint32_t joystick, uint32_t code) {
     return name + "Code" + std::to_string(code);
 }
 
+std::optional<int32_t> ReadWords(std::string_view text) {
+    const std::optional<uint32_t> binding = ReadBindingText(text);
+    return binding ? std::optional(static_cast<int32_t>(*binding)) : std::nullopt;
+}
+
 } // namespace
 
 std::wstring BindingSetting(const INPUT_ACTION& action) {
@@ -145,6 +155,7 @@ void RegisterBindings(SettingsStore& store) {
     }
     for (const INPUT_ACTION& action : InputActions()) {
         store.RegisterInt2(BindingSetting(action), static_cast<int32_t>(action.defaultBinding), 0);
+        store.SetWordReader(BindingSetting(action), ReadWords);
     }
     RefreshActionNotes(store);
 }
@@ -194,6 +205,7 @@ std::wstring BindingName(uint32_t code) {
     switch (device) {
     case kKeyboard: name = KeyName(middle, state); break;
     case kJoystick: name = JoystickName(middle, state); break;
+    case kPad: name = BindingText(code); break;
     default: name = "Device" + std::to_string(device) + " Code" + std::to_string(state); break;
     }
     for (char& c : name) {

@@ -1,6 +1,10 @@
 // Every action in the order of registration, with its default key as a scancode of the USB HID usage
-// tables (page 7). Of the machines' actions only those of the first player and of the console itself
-// have one. After it come the controls of game controllers that do the same.
+// tables (page 7). After it come the controls of game controllers that do the same.
+//
+// Both players have keys of their own on one keyboard. A keyboard without a wire for each key reports at
+// most a few of those that share its rows and columns, so the second player's are letters that are far
+// from the first one's: directions on I J K L, buttons on F G H and V B N, each below what the first
+// player has on A S D and Z X C. Keys between the two hands, such as U, O and M, do nothing.
 
 #include "facts/arcade_facts.h"
 #include "facts/game_gear_facts.h"
@@ -27,7 +31,7 @@ constexpr uint64_t Right(uint32_t player) {
     return PadBit(player, kPadDpadRight) | PadBit(player, kPadStickRight);
 }
 
-constexpr size_t kProgramActions = 14; // come first in the table
+constexpr size_t kProgramActions = 22; // come first in the table
 
 // clang-format off
 constexpr INPUT_ACTION kInputActions[] = {
@@ -46,6 +50,14 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"Save State", 64},                                        // F7
     {L"Saved States", 66, PadBit(0, kPadRightClick)},           // F9
     {L"Game Menu", 58},                                         // F1
+    {L"Pause", 19},                                             // P
+    {L"Slow Motion", 47},                                       // [
+    {L"Frame Step", 48},                                        // ]
+    {L"Toggle Fast Forward", KeyboardBinding(43, kModifierCtrl)}, // Ctrl + Tab
+    {L"Reset", KeyboardBinding(21, kModifierCtrl)},             // Ctrl + R
+    {L"Mute", 39},                                              // 0
+    {L"Volume Down", 45},                                       // -
+    {L"Volume Up", 46},                                         // =
     // NES
     {L"NES P1 UP", 82, Up(0)},                                  // Up
     {L"NES P1 DOWN", 81, Down(0)},                              // Down
@@ -55,14 +67,14 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"NES P1 BUTTONA", 22, PadBit(0, kPadSouth)},              // S
     {L"NES P1 SELECT", 229, PadBit(0, kPadBack)},               // Right Shift
     {L"NES P1 START", 40, PadBit(0, kPadStart)},                // Return
-    {L"NES P2 UP", 0, Up(1)},
-    {L"NES P2 DOWN", 0, Down(1)},
-    {L"NES P2 LEFT", 0, Left(1)},
-    {L"NES P2 RIGHT", 0, Right(1)},
-    {L"NES P2 BUTTONB", 0, PadBit(1, kPadWest)},
-    {L"NES P2 BUTTONA", 0, PadBit(1, kPadSouth)},
-    {L"NES P2 SELECT", 0, PadBit(1, kPadBack)},
-    {L"NES P2 START", 0, PadBit(1, kPadStart)},
+    {L"NES P2 UP", 12, Up(1)},                                  // I
+    {L"NES P2 DOWN", 14, Down(1)},                              // K
+    {L"NES P2 LEFT", 13, Left(1)},                              // J
+    {L"NES P2 RIGHT", 15, Right(1)},                            // L
+    {L"NES P2 BUTTONB", 9, PadBit(1, kPadWest)},                // F
+    {L"NES P2 BUTTONA", 10, PadBit(1, kPadSouth)},              // G
+    {L"NES P2 SELECT", 21, PadBit(1, kPadBack)},                // R
+    {L"NES P2 START", 23, PadBit(1, kPadStart)},                // T
     // arcade
     {L"Arcade Insert Coin1", 34, PadBit(0, kPadBack)},          // 5
     {L"Arcade Insert Coin2", 35, PadBit(1, kPadBack)},          // 6
@@ -78,16 +90,16 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"Arcade P1 BUTTON4", 29, PadBit(0, kPadNorth)},           // Z
     {L"Arcade P1 BUTTON5", 27, PadBit(0, kPadLeftShoulder)},    // X
     {L"Arcade P1 BUTTON6", 6, PadBit(0, kPadRightShoulder)},    // C
-    {L"Arcade P2 UP", 0, Up(1)},
-    {L"Arcade P2 DOWN", 0, Down(1)},
-    {L"Arcade P2 LEFT", 0, Left(1)},
-    {L"Arcade P2 RIGHT", 0, Right(1)},
-    {L"Arcade P2 BUTTON1", 0, PadBit(1, kPadSouth)},
-    {L"Arcade P2 BUTTON2", 0, PadBit(1, kPadEast)},
-    {L"Arcade P2 BUTTON3", 0, PadBit(1, kPadWest)},
-    {L"Arcade P2 BUTTON4", 0, PadBit(1, kPadNorth)},
-    {L"Arcade P2 BUTTON5", 0, PadBit(1, kPadLeftShoulder)},
-    {L"Arcade P2 BUTTON6", 0, PadBit(1, kPadRightShoulder)},
+    {L"Arcade P2 UP", 12, Up(1)},                               // I
+    {L"Arcade P2 DOWN", 14, Down(1)},                           // K
+    {L"Arcade P2 LEFT", 13, Left(1)},                           // J
+    {L"Arcade P2 RIGHT", 15, Right(1)},                         // L
+    {L"Arcade P2 BUTTON1", 9, PadBit(1, kPadSouth)},            // F
+    {L"Arcade P2 BUTTON2", 10, PadBit(1, kPadEast)},            // G
+    {L"Arcade P2 BUTTON3", 11, PadBit(1, kPadWest)},            // H
+    {L"Arcade P2 BUTTON4", 25, PadBit(1, kPadNorth)},           // V
+    {L"Arcade P2 BUTTON5", 5, PadBit(1, kPadLeftShoulder)},     // B
+    {L"Arcade P2 BUTTON6", 17, PadBit(1, kPadRightShoulder)},   // N
     // Master System
     {L"SMS PAUSE", 44, PadBit(0, kPadStart) | PadBit(1, kPadStart)}, // Space
     {L"SMS RESET", 76},                                         // Delete
@@ -101,16 +113,16 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"SMS P1 BUTTON4", 29, PadBit(0, kPadNorth)},              // Z
     {L"SMS P1 BUTTON5", 27, PadBit(0, kPadLeftShoulder)},       // X
     {L"SMS P1 BUTTON6", 6, PadBit(0, kPadRightShoulder)},       // C
-    {L"SMS P2 UP", 0, Up(1)},
-    {L"SMS P2 DOWN", 0, Down(1)},
-    {L"SMS P2 LEFT", 0, Left(1)},
-    {L"SMS P2 RIGHT", 0, Right(1)},
-    {L"SMS P2 BUTTON1", 0, PadBit(1, kPadSouth) | PointerTriggerBit(1)},
-    {L"SMS P2 BUTTON2", 0, PadBit(1, kPadEast)},
-    {L"SMS P2 BUTTON3", 0, PadBit(1, kPadWest)},
-    {L"SMS P2 BUTTON4", 0, PadBit(1, kPadNorth)},
-    {L"SMS P2 BUTTON5", 0, PadBit(1, kPadLeftShoulder)},
-    {L"SMS P2 BUTTON6", 0, PadBit(1, kPadRightShoulder)},
+    {L"SMS P2 UP", 12, Up(1)},                                  // I
+    {L"SMS P2 DOWN", 14, Down(1)},                              // K
+    {L"SMS P2 LEFT", 13, Left(1)},                              // J
+    {L"SMS P2 RIGHT", 15, Right(1)},                            // L
+    {L"SMS P2 BUTTON1", 9, PadBit(1, kPadSouth) | PointerTriggerBit(1)}, // F
+    {L"SMS P2 BUTTON2", 10, PadBit(1, kPadEast)},               // G
+    {L"SMS P2 BUTTON3", 11, PadBit(1, kPadWest)},               // H
+    {L"SMS P2 BUTTON4", 25, PadBit(1, kPadNorth)},              // V
+    {L"SMS P2 BUTTON5", 5, PadBit(1, kPadLeftShoulder)},        // B
+    {L"SMS P2 BUTTON6", 17, PadBit(1, kPadRightShoulder)},      // N
     // Mega Drive
     {L"MEGADRIVE PAUSE", 44},                                   // Space
     {L"MEGADRIVE RESET", 76},                                   // Delete
@@ -126,18 +138,18 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"MEGADRIVE P1 BUTTONX", 4, PadBit(0, kPadLeftShoulder)},  // A
     {L"MEGADRIVE P1 BUTTONY", 22, PadBit(0, kPadNorth)},        // S
     {L"MEGADRIVE P1 BUTTONZ", 7, PadBit(0, kPadRightShoulder)}, // D
-    {L"MEGADRIVE P2 UP", 0, Up(1)},
-    {L"MEGADRIVE P2 DOWN", 0, Down(1)},
-    {L"MEGADRIVE P2 LEFT", 0, Left(1)},
-    {L"MEGADRIVE P2 RIGHT", 0, Right(1)},
-    {L"MEGADRIVE P2 START", 0, PadBit(1, kPadStart)},
-    {L"MEGADRIVE P2 MODE", 0, PadBit(1, kPadBack)},
-    {L"MEGADRIVE P2 BUTTONA", 0, PadBit(1, kPadWest)},
-    {L"MEGADRIVE P2 BUTTONB", 0, PadBit(1, kPadSouth)},
-    {L"MEGADRIVE P2 BUTTONC", 0, PadBit(1, kPadEast)},
-    {L"MEGADRIVE P2 BUTTONX", 0, PadBit(1, kPadLeftShoulder)},
-    {L"MEGADRIVE P2 BUTTONY", 0, PadBit(1, kPadNorth)},
-    {L"MEGADRIVE P2 BUTTONZ", 0, PadBit(1, kPadRightShoulder)},
+    {L"MEGADRIVE P2 UP", 12, Up(1)},                            // I
+    {L"MEGADRIVE P2 DOWN", 14, Down(1)},                        // K
+    {L"MEGADRIVE P2 LEFT", 13, Left(1)},                        // J
+    {L"MEGADRIVE P2 RIGHT", 15, Right(1)},                      // L
+    {L"MEGADRIVE P2 START", 23, PadBit(1, kPadStart)},          // T
+    {L"MEGADRIVE P2 MODE", 21, PadBit(1, kPadBack)},            // R
+    {L"MEGADRIVE P2 BUTTONA", 25, PadBit(1, kPadWest)},         // V
+    {L"MEGADRIVE P2 BUTTONB", 5, PadBit(1, kPadSouth)},         // B
+    {L"MEGADRIVE P2 BUTTONC", 17, PadBit(1, kPadEast)},         // N
+    {L"MEGADRIVE P2 BUTTONX", 9, PadBit(1, kPadLeftShoulder)},  // F
+    {L"MEGADRIVE P2 BUTTONY", 10, PadBit(1, kPadNorth)},        // G
+    {L"MEGADRIVE P2 BUTTONZ", 11, PadBit(1, kPadRightShoulder)}, // H
     // Game Gear
     {L"GG P1 UP", 82, Up(0)},                                   // Up
     {L"GG P1 DOWN", 81, Down(0)},                               // Down
@@ -146,13 +158,13 @@ constexpr INPUT_ACTION kInputActions[] = {
     {L"GG P1 BUTTON1", 4, PadBit(0, kPadSouth)},                // A
     {L"GG P1 BUTTON2", 22, PadBit(0, kPadEast)},                // S
     {L"GG P1 START", 40, PadBit(0, kPadStart)},                 // Return
-    {L"GG P2 UP", 0, Up(1)},
-    {L"GG P2 DOWN", 0, Down(1)},
-    {L"GG P2 LEFT", 0, Left(1)},
-    {L"GG P2 RIGHT", 0, Right(1)},
-    {L"GG P2 BUTTON1", 0, PadBit(1, kPadSouth)},
-    {L"GG P2 BUTTON2", 0, PadBit(1, kPadEast)},
-    {L"GG P2 START", 0, PadBit(1, kPadStart)},
+    {L"GG P2 UP", 12, Up(1)},                                   // I
+    {L"GG P2 DOWN", 14, Down(1)},                               // K
+    {L"GG P2 LEFT", 13, Left(1)},                               // J
+    {L"GG P2 RIGHT", 15, Right(1)},                             // L
+    {L"GG P2 BUTTON1", 9, PadBit(1, kPadSouth)},                // F
+    {L"GG P2 BUTTON2", 10, PadBit(1, kPadEast)},                // G
+    {L"GG P2 START", 23, PadBit(1, kPadStart)},                 // T
 };
 // clang-format on
 

@@ -16,8 +16,9 @@ static_assert(kPadControls <= 32 && kPadPlayers <= 2); // the bits of one word
 std::array<PadCodes, kPadPlayers> gCodes{};
 std::array<bool, kPadPlayers> gAttached{};
 uint64_t gDown = 0;
-uint64_t gTaken = 0; // controls that the user has bound
-BoundCodes gBound;   // and all codes
+uint64_t gTaken = 0;                 // controls that the user has bound
+BOUND_INPUTS gBound;                 // all that he has bound, also without a controller
+std::atomic<uint64_t> gPadsBound{0}; // the controls of that, for every thread
 
 constexpr uint64_t AllOf(uint32_t player) {
     return uint64_t{0xFFFFFFFF} << (player * 32);
@@ -78,6 +79,7 @@ void InputClearPads() {
 
 void InputRefreshPadDefaults() {
     gBound = RefreshActionNotes(Settings());
+    gPadsBound.store(gBound.pads, std::memory_order_relaxed);
     gTaken = 0;
     for (uint32_t player = 0; player < kPadPlayers; ++player) {
         for (uint32_t control = 0; control < kPadControls; ++control) {
@@ -91,8 +93,14 @@ void InputRefreshPadDefaults() {
     SetDown(gDown);
 }
 
+uint64_t InputPadsOf(const INPUT_ACTION& action) {
+    const Setting* const setting = Settings().Find(kInputPrefix, action.name);
+    return setting != nullptr ? PadsOfNote(setting->note.load(std::memory_order_relaxed)) : 0;
+}
+
 uint64_t InputPadsActing() {
-    return tInputState->pads.load(std::memory_order_relaxed);
+    return tInputState->pads.load(std::memory_order_relaxed) &
+           ~gPadsBound.load(std::memory_order_relaxed);
 }
 
 uint64_t InputPadsDown() {
@@ -100,9 +108,9 @@ uint64_t InputPadsDown() {
 }
 
 uint64_t InputPadsTaken() {
-    return gTaken;
+    return gTaken | gBound.pads;
 }
 
 bool InputCodeIsBound(uint32_t code) {
-    return code != 0 && code < kInputCodes && gBound[code];
+    return code != 0 && code < kInputCodes && gBound.codes[code];
 }

@@ -30,6 +30,9 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"app_screenshotbmp",        false }, // BMP files, not PNG
     {L"app_window_width",         1280  }, // pixels, when not full-screen
     {L"app_window_height",        720   },
+    {L"app_window_place",         kEmpty}, // "X Y" of its corner on the desktop; empty: in the middle
+    {L"app_keycard",              true  }, // the first games show the keys that play them
+    {L"app_keycards",             0     }, // how many have
     {L"app_managecpucores",       false }, // bind session threads to processors
     {L"gamebrowser_cursystem",    0     }, // last system in the browser
     {L"room_place",               kEmpty}, // where the player stood at the end of the last run
@@ -37,8 +40,12 @@ constexpr DEFAULT_SETTING kDefaultSettings[] = {
     {L"library_owngames",         0     }, // the set of our own games that was put into the library
     {L"emu_fastforward",          2     }, // frames per round
     {L"emu_gameroomfilter",       false }, // smooth picture on the television
+    {L"emu_scaler",               0     }, // of full-screen pictures: none, edges 2x, edges 4x, soft 4x
+    {L"emu_smooth",               false }, // between pixels
+    {L"emu_crop",                 true  }, // what a television shows of the picture
     {L"emu_rewindbuffer",         256   }, // mebibytes
     {L"emu_autosaves",            3     }, // bit 0 load at start, bit 1 save at stop
+    {L"emu_pauseunfocused",       false }, // games wait while another window has the keyboard
     {L"megadrive_psgvolume",      1.25f }, // gains
     {L"megadrive_ymvolume",       1.0f  },
     {L"login_connectstartup",     false },

@@ -98,6 +98,9 @@ Setting& SettingsStore::Register(std::wstring_view name, SettingType type) {
         index->Add(SettingPrefix(setting->name).State(), setting);
     }
     setting->type.store(type, std::memory_order_relaxed);
+    setting->words[0].reset();
+    setting->words[1].reset();
+    setting->inFile = false;
     return *setting;
 }
 
@@ -180,6 +183,13 @@ void SettingsStore::SetBool(std::wstring_view name, bool value) {
 void SettingsStore::SetFloat(std::wstring_view name, float value) {
     if (Setting* setting = FindMutable(name)) {
         setting->floatValue.store(value, std::memory_order_relaxed);
+    }
+}
+
+void SettingsStore::SetWordReader(std::wstring_view name,
+                                  std::optional<int32_t> (*reader)(std::string_view)) {
+    if (Setting* setting = FindMutable(name)) {
+        setting->readWords = reader;
     }
 }
 

@@ -4,6 +4,9 @@
 // in every locale, booleans as "true" and "false", texts as UTF-8. A child is a line of its own, four
 // spaces in; a value that contains a double quote is in single quotes.
 //
+// A setting may have a reader of words (`SetWordReader`); its values are then numbers or words. What the file says in
+// words is written again as it was, until the value changes.
+//
 // A file edited by hand may be invalid XML. Everything before the first error is still read.
 
 #include "base/files.h"
@@ -40,6 +43,16 @@ std::string_view NumberText(std::string_view text) {
         text.remove_prefix(1);
     }
     return text;
+}
+
+// Whether nothing but a decimal number is there.
+bool IsNumber(std::string_view text) {
+    text = NumberText(text);
+    if (text.starts_with('-')) {
+        text.remove_prefix(1);
+    }
+    const size_t end = text.find_last_not_of(" \t\n\v\f\r");
+    return end != text.npos && text.find_first_not_of("0123456789") > end;
 }
 
 // The decimal number that the text begins with, clamped to the range; false if it begins with none.
@@ -141,8 +154,29 @@ bool Complain(std::string& reason, const char* what) {
     return false;
 }
 
+// The lines of places in a text, for places in rising order.
+class LineCounter {
+public:
+    explicit LineCounter(std::string_view document)
+        : text(document) {}
+
+    size_t LineOf(std::ptrdiff_t offset) {
+        const auto end =
+            static_cast<size_t>(std::clamp<std::ptrdiff_t>(offset, 0, std::ssize(text)));
+        for (; at < end; ++at) {
+            line += text[at] == '\n' ? size_t{1} : size_t{0};
+        }
+        return line;
+    }
+
+private:
+    std::string_view text;
+    size_t at = 0;
+    size_t line = 1;
+};
+
 // As a rule there is one root; what a second one holds is not lost.
-void AddEntries(pugi::xml_node root, std::vector<SETTING_ENTRY>& entries) {
+void AddEntries(pugi::xml_node root, LineCounter& lines, std::vector<SETTING_ENTRY>& entries) {
     for (const pugi::xml_node child : root.children()) {
         const pugi::xml_attribute name = child.attribute("name");
         const pugi::xml_attribute value = child.attribute("value");
@@ -157,7 +191,21 @@ void AddEntries(pugi::xml_node root, std::vector<SETTING_ENTRY>& entries) {
         if (value2) {
             entry.value2 = value2.value();
         }
+        entry.line = lines.LineOf(child.offset_debug());
     }
+}
+
+std::string UnknownWords(const SETTING_ENTRY& entry, const std::string& text) {
+    return "line " + std::to_string(entry.line) + ": \"" + text + "\" of \"" + entry.name +
+           "\" is no key, button or number; it stays in the file and does nothing";
+}
+
+// A value as the file has it: the words that were read, while they still say it.
+std::string NumberOrWords(const Setting& setting, size_t which) {
+    const int32_t value =
+        (which == 0 ? setting.intValue : setting.intValue2).load(std::memory_order_relaxed);
+    const std::optional<Setting::WORDS>& words = setting.words[which];
+    return words && words->value == value ? words->text : std::to_string(value);
 }
 
 enum class FileState { kMissing, kSettings, kPartlySettings, kDamaged };
@@ -208,8 +256,9 @@ bool ReadSettingsDocument(std::string_view text, std::vector<SETTING_ENTRY>& ent
             std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
         reason = "line " + std::to_string(lines + 1) + ": a zero byte ends the document";
     }
+    LineCounter lines(text);
     for (const pugi::xml_node root : document.children()) {
-        AddEntries(root, entries);
+        AddEntries(root, lines, entries);
     }
     return result || !entries.empty();
 }
@@ -219,7 +268,8 @@ bool SettingsStore::Load(const uint8_t* bytes, size_t size) {
     return Load(bytes, size, reason);
 }
 
-bool SettingsStore::Load(const uint8_t* bytes, size_t size, std::string& reason) {
+bool SettingsStore::Load(const uint8_t* bytes, size_t size, std::string& reason,
+                         std::vector<std::string>* unknownWords) {
     std::vector<SETTING_ENTRY> entries;
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);
     if (!ReadSettingsDocument(text, entries, reason)) {
@@ -227,11 +277,42 @@ bool SettingsStore::Load(const uint8_t* bytes, size_t size, std::string& reason)
     }
     for (const SETTING_ENTRY& entry : entries) {
         Setting* setting = FindMutable(WideFromUtf8(entry.name));
-        if (setting != nullptr && entry.type == TypeName(*setting)) {
+        if (setting == nullptr || entry.type != TypeName(*setting)) {
+            continue;
+        }
+        setting->inFile = true;
+        if (setting->readWords == nullptr) {
             Apply(*setting, entry.value, entry.value2 ? &*entry.value2 : nullptr);
+            continue;
+        }
+        for (size_t which = 0; which < 2; ++which) {
+            const std::string* const value = which == 0     ? &entry.value
+                                             : entry.value2 ? &*entry.value2
+                                                            : nullptr;
+            if (value != nullptr && !ApplyNumberOrWords(*setting, which, *value) &&
+                unknownWords != nullptr) {
+                unknownWords->push_back(UnknownWords(entry, *value));
+            }
         }
     }
     return true;
+}
+
+// False for words that nothing knows.
+bool SettingsStore::ApplyNumberOrWords(Setting& setting, size_t which, const std::string& text) {
+    std::atomic<int32_t>& value = which == 0 ? setting.intValue : setting.intValue2;
+    setting.words[which].reset();
+    int32_t number = 0;
+    if (IsNumber(text) && ParseInt(text, number)) {
+        value.store(number, std::memory_order_relaxed);
+        return true;
+    }
+    const std::optional<int32_t> known = setting.readWords(text);
+    if (known) {
+        value.store(*known, std::memory_order_relaxed);
+    }
+    setting.words[which] = {text, value.load(std::memory_order_relaxed)};
+    return known.has_value();
 }
 
 void SettingsStore::Apply(Setting& setting, const std::string& value, const std::string* value2) {
@@ -268,15 +349,16 @@ std::vector<uint8_t> SettingsStore::Save() const {
     for (const Setting* setting = First(); setting != nullptr; setting = setting->next.get()) {
         elements.append("    <").append(TypeName(*setting));
         AppendAttribute(elements, "name", DocumentText(setting->name));
-        const int32_t number = setting->intValue.load(std::memory_order_relaxed);
         const bool flag = setting->boolValue.load(std::memory_order_relaxed);
         const float real = setting->floatValue.load(std::memory_order_relaxed);
         switch (setting->type.load(std::memory_order_relaxed)) {
-        case SettingType::kInt: AppendAttribute(elements, "value", std::to_string(number)); break;
+        case SettingType::kInt:
+            AppendAttribute(elements, "value",
+                            std::to_string(setting->intValue.load(std::memory_order_relaxed)));
+            break;
         case SettingType::kInt2:
-            AppendAttribute(elements, "value", std::to_string(number));
-            AppendAttribute(elements, "value2",
-                            std::to_string(setting->intValue2.load(std::memory_order_relaxed)));
+            AppendAttribute(elements, "value", NumberOrWords(*setting, 0));
+            AppendAttribute(elements, "value2", NumberOrWords(*setting, 1));
             break;
         case SettingType::kString:
             AppendAttribute(elements, "value", DocumentText(ReadString(*setting)));
@@ -297,12 +379,25 @@ std::vector<uint8_t> SettingsStore::Save() const {
     return {text.begin(), text.end()};
 }
 
-bool LoadSettingsFile(SettingsStore& store, std::string& error) {
+bool LoadSettingsFile(SettingsStore& store, std::string& error,
+                      std::vector<std::string>* unknownWords) {
     error.clear();
     std::vector<uint8_t> bytes;
-    const FileState state = ReadSettingsFile(ResolvePath(kSettingsFile), bytes, error);
-    return (state == FileState::kSettings || state == FileState::kPartlySettings) &&
-           store.Load(bytes.data(), bytes.size());
+    const fs::path path = ResolvePath(kSettingsFile);
+    const FileState state = ReadSettingsFile(path, bytes, error);
+    std::string reason;
+    std::vector<std::string> unknown;
+    if ((state != FileState::kSettings && state != FileState::kPartlySettings) ||
+        !store.Load(bytes.data(), bytes.size(), reason, &unknown)) {
+        return false;
+    }
+    if (unknownWords != nullptr) {
+        unknownWords->reserve(unknownWords->size() + unknown.size());
+        for (const std::string& line : unknown) {
+            unknownWords->push_back(path.string() + ": " + line);
+        }
+    }
+    return true;
 }
 
 namespace {

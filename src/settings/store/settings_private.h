@@ -15,6 +15,7 @@ struct SETTING_ENTRY {
     std::string name;
     std::string value;
     std::optional<std::string> value2;
+    size_t line = 0; // of the document, from 1
 };
 
 // Reads a document into the entries of its root's children in their order, leaving out those without

@@ -150,7 +150,7 @@ TEST_F(DatabaseCommand, AGameConvertedWithItHasItsNames) {
     const PROGRAM_RESULT converted = RunProgram(OMBRELUNE_BUILD_FOLDER "/ombrelune",
                                                 {"--home", Path("home"), "convert", Path("x.sms")});
     EXPECT_EQ(converted.exitCode, 0) << converted.error;
-    EXPECT_EQ(converted.output, Path("x.game") + "\n") << "not an unknown game";
+    EXPECT_EQ(converted.output, "made " + Path("x.game") + "\n1 made, 0 already there\n");
     const PROGRAM_RESULT info = RunProgram(OMBRELUNE_BUILD_FOLDER "/ombrelune",
                                            {"--home", Path("home"), "info", Path("x.game")});
     EXPECT_THAT(info.output, AllOf(HasSubstr("name: Luciole\n    regions: EB\n    year: 2026\n"),

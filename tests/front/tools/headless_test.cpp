@@ -149,7 +149,7 @@ TEST_F(Headless, WrongOptionsAreToldApart) {
     EXPECT_EQ(Play({game, "--frames", "5", "--screenshot", "9=x.png"}).exitCode, 2);
     EXPECT_EQ(Play({game, "--set", "nonsense=1"}).exitCode, 2);
     EXPECT_EQ(Play({game, "--set", "console=toaster"}).exitCode, 2);
-    EXPECT_EQ(Play({game, "--frames", "1", "--peek", "zz"}).exitCode, 1);
+    EXPECT_EQ(Play({game, "--frames", "1", "--peek", "zz"}).exitCode, 2);
     EXPECT_EQ(Play({game, "--frames", "1", "--input", Path("missing")}).exitCode, 1);
     EXPECT_EQ(Play({game, "--frames", "1", "--load-state", Path("missing")}).exitCode, 1);
     folder.Write("bad-state", std::string_view("no state"));

@@ -11,8 +11,11 @@
 #include <filesystem>
 #include <map>
 
+using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace {
 
@@ -214,6 +217,16 @@ TEST_F(WindowCommand, PlaysOnWithoutASoundDevice) {
     const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", "--frames", "30"});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_THAT(result.error, HasSubstr("without sound"));
+}
+
+// Without its configuration ALSA's library would write a line when SDL's audio starts.
+TEST_F(WindowCommand, SoundLibraryWithoutItsConfigurationAddsNoLine) {
+    const Environment driver("SDL_AUDIODRIVER", "alsa");
+    const Environment configuration("ALSA_CONFIG_PATH", "/nonexistent");
+    const PROGRAM_RESULT result = Run({"play", "demo:gg-glimmer", "--frames", "30"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.error, AllOf(StartsWith("ombrelune: no sound: "), EndsWith("\n")));
+    EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
 }
 
 TEST_F(WindowCommand, OptionsForExactRunsNeedHeadless) {

@@ -83,7 +83,7 @@ TEST_F(ProgramController, ShouldersStepTheSystemAndStartStartsTheGame) {
     ASSERT_TRUE(Push(application, kDown)); // the second game
     const std::wstring title = browser->List()->Cell(1, 0)->text;
 
-    ASSERT_TRUE(Push(application, kStart));
+    ASSERT_TRUE(Push(application, kStartButton));
     const uint32_t key = program->Room().Selected().id;
     ASSERT_NE(key, 0u);
     ASSERT_TRUE(RunUntilOn(application, program->Room(), key));
@@ -109,7 +109,7 @@ TEST_F(ProgramController, AMessageTakesTheControllerUntilItIsClosed) {
     ASSERT_TRUE(RunUntilListed(application, *program));
     CGhostMessageBox::Show(L"Title", L"text");
     ASSERT_TRUE(application.Round());
-    for (const int button : {kGuide, kStart, kRightShoulder}) {
+    for (const int button : {kGuide, kStartButton, kRightShoulder}) {
         ASSERT_TRUE(Push(application, button));
         EXPECT_EQ(ModeOf(*program), ProgramMode::kBrowser) << button;
         EXPECT_EQ(program->Menu().Browser()->Library().Selector(), 0) << button;
@@ -180,7 +180,7 @@ TEST_F(ProgramController, TheWindowThatAddsGamesHasTheControllerAlone) {
     ASSERT_TRUE(RunUntilListed(application, *program));
     CGUIRomBrowser* const browser = program->Menu().Browser();
     ASSERT_TRUE(drop());
-    for (const int button : {kRightShoulder, kStart}) {
+    for (const int button : {kRightShoulder, kStartButton}) {
         ASSERT_TRUE(Push(application, button));
         EXPECT_EQ(ModeOf(*program), ProgramMode::kBrowser) << button;
         EXPECT_EQ(browser->Library().Selector(), 0) << button;
@@ -189,13 +189,13 @@ TEST_F(ProgramController, TheWindowThatAddsGamesHasTheControllerAlone) {
     ASSERT_TRUE(Push(application, kSouth)); // Finish
     EXPECT_FALSE(program->Adding().IsShown());
 
-    ASSERT_TRUE(Push(application, kStart));
+    ASSERT_TRUE(Push(application, kStartButton));
     const uint32_t key = program->Room().Selected().id;
     ASSERT_NE(key, 0u);
     ASSERT_TRUE(RunUntilOn(application, program->Room(), key));
     const uint32_t serial = program->Room().Games().SerialOn(key);
     ASSERT_TRUE(drop());
-    for (const int button : {kRightShoulder, kStart}) {
+    for (const int button : {kRightShoulder, kStartButton}) {
         ASSERT_TRUE(Push(application, button));
         ASSERT_TRUE(application.Round());
         EXPECT_EQ(program->Room().Games().SerialOn(key), serial) << button;

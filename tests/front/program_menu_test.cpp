@@ -187,7 +187,7 @@ TEST_F(ProgramGameMenu, AControllerAloneOpensItWithItsGuideButton) {
     EXPECT_EQ(ModeOf(*program), ProgramMode::kFullScreen);
 
     // Start is the machine's while one is played, and leads to the main menu while the player walks.
-    ASSERT_TRUE(Push(application, kStart));
+    ASSERT_TRUE(Push(application, kStartButton));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kFullScreen);
     ASSERT_TRUE(Push(application, kGuide));
     ASSERT_EQ(ModeOf(*program), ProgramMode::kWalking);
@@ -195,7 +195,7 @@ TEST_F(ProgramGameMenu, AControllerAloneOpensItWithItsGuideButton) {
     EXPECT_THAT(program->Overlay().ShownHints(),
                 ElementsAre(L"Main Menu [Menu]", L"Load Game [A]", L"Turn off Game [Y]",
                             L"Attach to TV [Guide]"));
-    ASSERT_TRUE(Push(application, kStart));
+    ASSERT_TRUE(Push(application, kStartButton));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kMenu);
     ASSERT_TRUE(Push(application, kGuide));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kWalking) << "one press, one way";
@@ -213,11 +213,11 @@ TEST_F(ProgramGameMenu, BackAndStartHeldOpenIt) {
     pad = std::make_unique<VirtualJoystick>(kController);
     ASSERT_TRUE(application.Round());
     pad->Button(kBackButton, true);
-    pad->Button(kStart, true);
+    pad->Button(kStartButton, true);
     ASSERT_TRUE(RunUntil(application, [&] { return program->Overlay().Menu() != nullptr; }));
     EXPECT_EQ(ModeOf(*program), ProgramMode::kStanding);
     pad->Button(kBackButton, false);
-    pad->Button(kStart, false);
+    pad->Button(kStartButton, false);
     ASSERT_TRUE(RunUntil(application, [] { return InputPadsDown() == 0; }));
     ASSERT_NE(program->Overlay().Menu(), nullptr);
     EXPECT_TRUE(IsPaused(key));

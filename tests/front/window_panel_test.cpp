@@ -7,7 +7,7 @@
 #include "gui/manager.h"
 #include "gui/message_box.h"
 #include "host/session_list.h"
-#include "megadrive/md_rig.h" // before names that those of its chips would hide
+#include "megadrive/md_rig.h"
 #include "screens/game_menu.h"
 #include "screens/key_card.h"
 #include "settings/bindings.h"
@@ -194,11 +194,11 @@ TEST_F(WindowPanel, AControllerAloneOpensAndClosesIt) {
     EXPECT_EQ(application.Menu(), nullptr);
 
     pad->Button(kBackButton, true);
-    pad->Button(kStart, true);
+    pad->Button(kStartButton, true);
     ASSERT_TRUE(RunUntil(application, [&] { return application.Menu() != nullptr; }));
     EXPECT_TRUE(IsPaused());
     pad->Button(kBackButton, false);
-    pad->Button(kStart, false);
+    pad->Button(kStartButton, false);
     ASSERT_TRUE(RunUntil(application, [] { return InputPadsDown() == 0; }));
     ASSERT_NE(application.Menu(), nullptr) << "letting go does not close it";
     ASSERT_TRUE(push(kEast));

@@ -1,6 +1,5 @@
-#include "host/recording_file.h"
-
 #include "base/bytes.h"
+#include "host/recording_file.h"
 
 #include <gtest/gtest.h>
 
@@ -167,7 +166,9 @@ TEST(RecordingFile, AnotherFileAndAnotherFormAreRefusedWithAReason) {
     Bytes file;
     WriteRecordingChunk(file, "OREC", Bytes(400, 2));
     EXPECT_FALSE(ReadRecording(file, recording, error));
-    EXPECT_EQ(error, "was recorded by another version of the program, in a form that this one cannot read");
+    EXPECT_EQ(
+        error,
+        "was recorded by another version of the program, in a form that this one cannot read");
 }
 
 // Three bytes of LZ4 make at most 3 * 255 of them.
@@ -193,15 +194,14 @@ TEST(RecordingFile, AStateThatSoFewBytesCannotHoldIsRefused) {
 
 // A chunk with a right checksum whose entries are not in order, or go beyond its frames.
 TEST(RecordingFile, FramesThatDoNotFollowAreRefusedWhole) {
-    const std::vector<Bytes> entries = {
-        {0, 0},             // nothing changes
-        {0, 16},            // an unknown kind
-        {10, 4},            // after the last frame
-        {1, 4, 0, 4},       // twice at one frame
-        {0, 1},             // without its number
-        {0, 8, 1, 2, 3, 4}, // without all its hashes
-    };
-    for (const Bytes& entry : entries) {
+    const Bytes nothing = {0, 0};
+    const Bytes unknownKind = {0, 16};
+    const Bytes afterTheLastFrame = {10, 4};
+    const Bytes twiceAtOneFrame = {1, 4, 0, 4};
+    const Bytes withoutItsNumber = {0, 1};
+    const Bytes withoutAllHashes = {0, 8, 1, 2, 3, 4};
+    for (const Bytes& entry : {nothing, unknownKind, afterTheLastFrame, twiceAtOneFrame,
+                               withoutItsNumber, withoutAllHashes}) {
         Bytes file;
         WriteRecordingAbout(file, About(), 0);
         Bytes payload = {0, 0, 0, 0, 10};

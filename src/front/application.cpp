@@ -509,11 +509,15 @@ void Application::TellStopped(const std::string& reason) {
         return;
     }
     NeedAppearance();
-    CGhostMessageBox::Show(WideFromUtf8(kStoppedTitle), WideFromUtf8(StoppedText(reason)),
-                           {
-                               {L"Restart", [this] { restart = true; }},
-                               {L"Quit",    [this] { quit = true; }   },
+    stoppedBox =
+        CGhostMessageBox::Show(WideFromUtf8(kStoppedTitle), WideFromUtf8(StoppedText(reason)),
+                               {
+                                   {L"Restart", [this] { restart = true; }},
+                                   {L"Quit",    [this] { quit = true; }   },
     });
+    if (stoppedBox != nullptr) {
+        stoppedBox->OnClosed.connect([this](CGhostMessageBox*) { stoppedBox = nullptr; });
+    }
 }
 
 // From the round, as it takes a while.
@@ -643,6 +647,9 @@ void Application::Release() {
     saveKeeper.reset();
     sound.Stop(); // before the rest: its thread starts and ends parts of SDL, as the joysticks do
     joysticks.Close();
+    if (stoppedBox != nullptr) {
+        stoppedBox->Close();
+    }
     keys.reset();
     panel.reset();
     states.reset();

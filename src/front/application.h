@@ -35,6 +35,7 @@
 #include <string>
 #include <vector>
 
+class CGhostMessageBox;
 class ProgramScreen;
 class ResumeGames;
 class RoomScreen;
@@ -172,9 +173,10 @@ private:
     uint32_t playedSerial = 0;
     bool waitsForFocus = false; // the games
     uint16_t playedSystem = 0;
-    STATE_SNAPSHOT playedLabel; // by which it can be opened again
-    bool restart = false;       // the player has chosen to
-    bool quit = false;          // the player has chosen to end the program
+    STATE_SNAPSHOT playedLabel;             // by which it can be opened again
+    CGhostMessageBox* stoppedBox = nullptr; // that tells why; null: not there
+    bool restart = false;                   // the player has chosen to
+    bool quit = false;                      // the player has chosen to end the program
     bool started = false;
     bool playing = false;
     bool sdlStarted = false;

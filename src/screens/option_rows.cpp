@@ -163,13 +163,13 @@ constexpr OPTION_ROW kRows[] = {
     Switch(kGeneral, L"Screenshots:", L"app_screenshotfull", kScreenshots, kAtOnce,
            L"Whether a screenshot shows only the game's picture or also the border that a "
            L"television hides."),
-    Switch(kGeneral, L"Keys at the Start:", L"app_keycard", kEnabledDisabled, kAtOnce,
-           L"Shows the keys of the machine for some seconds in the first games that you start."),
     Switch(
         kGeneral, L"Screenshots Show:", L"app_screenshotwindow", kShotParts, kAtOnce,
         L"Whether a screenshot holds the dots of the machine or the window with everything in it."),
     Switch(kGeneral, L"Screenshot Files:", L"app_screenshotbmp", kShotFiles, kAtOnce,
            L"The kind of a screenshot's file: only PNG notes the game, its machine and the time."),
+    Switch(kGeneral, L"Keys at the Start:", L"app_keycard", kEnabledDisabled, kAtOnce,
+           L"Shows the keys of the machine for some seconds in the first games that you start."),
     Number(kGeneral, L"Fast Forward:", L"emu_fastforward", kSpeeds, L"x", kNextGame,
            L"How many times faster a game runs while you hold the key of Fast Forward."),
     Number(kGeneral, L"Rewind Buffer:", L"emu_rewindbuffer", kRewindBuffers, L"MB", kAtOnce,

@@ -183,9 +183,10 @@ namespace {
 
 // Words in capitals that are shown, and endings of names. A style must not be added here.
 const std::set<std::string> kNoStyles = {
-    "1024MB",  "128MB",   "256MB",  "512MB", "768MB",       "BACK",       "BENCHMARK", "COVERS",
-    "CREDITS", "ESC",     "F10",    "F11",   "HINTS",       "METAINFO",   "NONE",      "OPTIONS",
-    "QUIT",    "REVIEWS", "TRIVIA", "USA",   "_BACKGROUND", "_SCROLLBAR", "_TITLE"};
+    "1024MB",   "128MB",       "256MB",      "512MB", "768MB", "BACK",    "BENCHMARK",
+    "BMP",      "COVERS",      "CREDITS",    "ESC",   "F10",   "F11",     "HINTS",
+    "METAINFO", "NONE",        "OPTIONS",    "PNG",   "QUIT",  "REVIEWS", "TRIVIA",
+    "USA",      "_BACKGROUND", "_SCROLLBAR", "_TITLE"};
 
 // Every wide literal of three capitals, digits and underscores or more, wherever it is: in a call, a table, a
 // constant. Shorter ones are names of a pad's buttons.

@@ -134,6 +134,15 @@ void BuildPicturesPage(GHOSTMANAGER_WINDOW* root) {
         GalleryLabel(root, L"#MAINBG, half of its size", 616, kBelow);
         PictureSample(root, "#MAINBG", {616, kBelow + 32, night->width / 2, night->height / 2});
     }
+    // The controllers of the game's panel, half of their size.
+    x = 616;
+    for (const char* const name : {"#CONTROLS_MASTERSYSTEM", "#CONTROLS_GAMEGEAR", "#CONTROLS_NES",
+                                   "#CONTROLS_ARCADE", "#CONTROLS_MEGADRIVE"}) {
+        if (const GUI_BITMAP* const bitmap = ImageOf(name); bitmap != nullptr) {
+            PictureSample(root, name, {x, 608, bitmap->width / 2, bitmap->height / 2});
+            x += bitmap->width / 2 + 12;
+        }
+    }
 }
 
 // ---- Styles.
@@ -161,7 +170,7 @@ std::vector<std::wstring> TextNames(bool ofWindows) {
 
 } // namespace
 
-// Pictures are as high as they are; they are on the page of windows too.
+// Pictures are as high as they are, but for the large ones: those are on the page of windows or of pictures.
 void BuildStylesPage(GHOSTMANAGER_WINDOW* root) {
     constexpr int32_t kColumns = 7;
     constexpr int32_t kWide = (kRight - kLeft) / kColumns;
@@ -174,6 +183,9 @@ void BuildStylesPage(GHOSTMANAGER_WINDOW* root) {
         CGhostTheme::Get().GetStyle(name, style);
         const bool picture = style.bg.type == GhostFill::kBitmap && style.bg.bitmap != nullptr;
         const int32_t height = style.bg.bitmap != nullptr ? style.bg.bitmap->height : 40;
+        if (picture && height >= kLargeFrom) {
+            continue;
+        }
         const int32_t x = kLeft + column * kWide;
         GalleryLabel(root, name, x, y);
         GalleryText(root, name, picture ? L"" : L"The moon rises 123",

@@ -134,13 +134,13 @@ void BuildPicturesPage(GHOSTMANAGER_WINDOW* root) {
         GalleryLabel(root, L"#MAINBG, half of its size", 616, kBelow);
         PictureSample(root, "#MAINBG", {616, kBelow + 32, night->width / 2, night->height / 2});
     }
-    // The controllers of the game's panel, half of their size.
+    // The controllers of the game's panel, a third of their size.
     x = 616;
     for (const char* const name : {"#CONTROLS_MASTERSYSTEM", "#CONTROLS_GAMEGEAR", "#CONTROLS_NES",
                                    "#CONTROLS_ARCADE", "#CONTROLS_MEGADRIVE"}) {
         if (const GUI_BITMAP* const bitmap = ImageOf(name); bitmap != nullptr) {
-            PictureSample(root, name, {x, 608, bitmap->width / 2, bitmap->height / 2});
-            x += bitmap->width / 2 + 12;
+            PictureSample(root, name, {x, 608, bitmap->width / 3, bitmap->height / 3});
+            x += bitmap->width / 3 + 24;
         }
     }
 }

@@ -30,7 +30,7 @@ Bytes FileOf(uint8_t kind, std::span<const uint8_t> rest) {
     }
     while (rest.size() >= 3) {
         const std::string_view tag = kTags[rest[0] % kTags.size()];
-        const size_t length = std::min<size_t>(rest[1] | rest[2] << 8, rest.size() - 3);
+        const size_t length = std::min(rest[1] | size_t{rest[2]} << 8, rest.size() - 3);
         WriteRecordingChunk(file, tag, rest.subspan(3, length));
         rest = rest.subspan(3 + length);
     }

@@ -105,7 +105,7 @@ protected:
         CGameFile game;
         game.Create(false, kMachine);
         CGameFile* const games[2] = {&game, nullptr};
-        const std::vector<uint8_t> options(64);
+        const std::vector<uint8_t> options(256);
         ASSERT_NE(EmuStartSession(key, games, options.data(), "Tone"), 0u);
     }
 

@@ -1,5 +1,5 @@
 // CGhostMessageBox: a text that has to be read before anything else, with an Ok button, or with some choices and a
-// button that closes it. All behind it is dimmed and takes no input.
+// button that closes it. Everything else on the screen is dimmed and takes no input.
 //
 // At most four exist; a fifth is dropped. The one made last is the one that takes input, and when it is
 // closed the input goes back to who had it.

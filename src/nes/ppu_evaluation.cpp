@@ -115,8 +115,8 @@ void Idle(PPU& ppu, uint32_t pairs) {
     ppu.spriteIndex = static_cast<uint8_t>(last + 4);
 }
 
-// Moves past sprites out of range, `most` of them at most and not past the last one. What each leaves behind the next
-// byte replaces. Returns their number.
+// Moves past at most `most` sprites that are out of range, and never past the last sprite. The byte that each leaves is
+// replaced by that of the next one. Returns how many there were.
 uint32_t SkipSprites(PPU& ppu, uint32_t most) {
     uint32_t index = ppu.spriteIndex;
     const uint32_t end = std::min<uint32_t>(index + most * 4, kPpuOamSprite);

@@ -118,7 +118,7 @@ inline void CopyX(PPU& ppu) {
     }
 }
 
-// Stores the byte that an odd dot reads. A new tile moves up behind the pixels to this dot.
+// Stores the byte that an odd dot reads. A new tile's pixels follow those that are shown up to this dot.
 inline void Take(PPU& ppu, PpuFetch fetch, uint32_t dot, uint32_t slot, uint8_t byte) {
     const uint32_t pixels = TilePixels(ppu.lowPlane, byte, ppu.attribute);
     switch (fetch) {

@@ -1,4 +1,4 @@
-// zsh: a function for each command, which gives the list of what may follow to `_arguments`.
+// zsh: a function for each command. It calls `_arguments` with what may follow.
 #include "front/tools/completion.h"
 #include "front/tools/completion_words.h"
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-// "[" and ":" have a meaning inside a specification.
+// "[" and ":" have a meaning inside an argument of `_arguments`.
 std::string Explained(std::string_view help) {
     std::string text;
     for (const char c : help) {
@@ -38,7 +38,7 @@ std::string SwitchText(const COMMAND_SWITCH& option, const std::string& name) {
                        Explained(option.help) + "]" + (takesWord ? Action(option.word) : ""));
 }
 
-std::string Specifications(const COMMAND_TREE& command, const COMMAND_TREE& program) {
+std::string FollowingWords(const COMMAND_TREE& command, const COMMAND_TREE& program) {
     std::string text;
     const auto add = [&](const COMMAND_SWITCH& option) {
         for (const std::string& name : option.names) {
@@ -70,7 +70,7 @@ std::string Dispatch(const COMMAND_AT& at, const COMMAND_TREE& program) {
     for (const COMMAND_TREE& below : at.command->commands) {
         text += "        " + ShellQuoted(below.name + ":" + Explained(below.help)) + "\n";
     }
-    text += "    )\n    _arguments -C" + Specifications(*at.command, program) +
+    text += "    )\n    _arguments -C" + FollowingWords(*at.command, program) +
             " \\\n        '1: :->command' \\\n        '*:: :->words'\n    case $state in\n"
             "        command) _describe command commands" +
             (games ? " || _ombrelune_games" : "") +
@@ -83,7 +83,7 @@ std::string Dispatch(const COMMAND_AT& at, const COMMAND_TREE& program) {
 }
 
 std::string Arguments(const COMMAND_AT& at, const COMMAND_TREE& program) {
-    std::string text = "    _arguments" + Specifications(*at.command, program);
+    std::string text = "    _arguments" + FollowingWords(*at.command, program);
     for (const COMMAND_WORD& word : at.command->words) {
         text += " \\\n        " + ShellQuoted((word.many ? "*" : "") + Action(word));
     }

@@ -36,7 +36,7 @@ copy_libraries() {
         package=${package%%:*}
         install -D -m 644 "/usr/share/doc/$package/copyright" "$2/share/doc/$package/copyright"
     done
-    strip --strip-unneeded "$2"/lib/*
+    find "$2/lib" -name "*.so*" -exec strip --strip-unneeded {} +
 }
 
 # The newest version of the C library that anything in this folder asks for.
@@ -46,7 +46,7 @@ needed_glibc() {
 }
 
 make_bundle() {
-    local machine root file loader
+    local machine root file loader module
     need_packages "${build_packages[@]}"
     machine=$(uname -m)
     root=$out/bundle/root
@@ -55,6 +55,10 @@ make_bundle() {
     cmake --build "$out/bundle/$name/build/release" >&2
     cmake --install "$out/bundle/$name/build/release" --strip --prefix "$root" >/dev/null
     copy_libraries "$root/bin/ombrelune" "$root"
+    # What the video module loads.
+    find "$root/lib" -mindepth 2 -name "ombrelune-*.so" | while read -r module; do
+        copy_libraries "$module" "$root"
+    done
     loader=$(readelf --program-headers "$root/bin/ombrelune" | sed -n 's/.*interpreter: \(.*\)\]/\1/p')
     sed -e "s,@LOADER@,$loader," -e "s,@GLIBC@,$(needed_glibc "$root")," "$out/bundle/$name/packaging/bundle/start.sh" \
         >"$root/start"
